@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstdint>
+
+namespace platform {
+
+/// Time as the system sees it. May be called from any thread.
+class Clock {
+ public:
+  Clock() = default;
+  Clock(const Clock&) = delete;
+  Clock& operator=(const Clock&) = delete;
+  virtual ~Clock() = default;
+
+  /// Milliseconds since the machine started, wrapping after 2^32 of them.
+  [[nodiscard]] virtual std::uint32_t GetTickCount() = 0;
+
+  /// Lets at least `milliseconds` pass.
+  virtual void Sleep(std::uint32_t milliseconds) = 0;
+};
+
+}  // namespace platform

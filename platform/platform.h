@@ -1,0 +1,23 @@
+#pragma once
+
+#include "platform/clock.h"
+#include "platform/file_system.h"
+#include "platform/process.h"
+#include "platform/threads.h"
+#include "platform/ui.h"
+#include "platform/wave_in.h"
+
+namespace platform {
+
+/// Everything that the system needs of the machine. A host or a test chooses the back ends, owns
+/// them and hands this on; they outlive everything that was given it.
+struct Platform {
+  FileSystem& files;
+  WaveIn& waveIn;
+  Clock& clock;
+  Threads& threads;
+  Process& process;
+  Ui& ui;
+};
+
+}  // namespace platform

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace voicemath {
+
+/// Every recording is taken to hold this many samples per second, whatever its header says.
+inline constexpr std::uint32_t kSamplesPerSecond = 11025;
+
+inline constexpr std::size_t kBlockSamples = 110;  ///< One envelope block, 10 ms.
+inline constexpr std::size_t kBlockStep = 55;      ///< Blocks overlap by half.
+
+inline constexpr std::size_t kFrameSamples = 1024;
+inline constexpr std::size_t kFrameHop = 512;
+
+inline constexpr std::size_t kBandCount = 5;
+inline constexpr std::size_t kBandBins = 46;      ///< Transform bins summed into one band.
+inline constexpr std::size_t kFirstUsedBin = 10;  ///< Lower bins hold hum and offset.
+inline constexpr std::size_t kUsedBins = kBandCount * kBandBins;
+
+}  // namespace voicemath
