@@ -1,0 +1,84 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace platform {
+
+/// The telephone numbers of a contact that the system knows, with their stored codes.
+enum class PhoneNumberKind : std::int8_t {
+  kCar = 0,
+  kRadio = 1,
+  kMobile = 2,
+  kAssistant = 3,
+  kBusiness = 4,
+  kBusiness2 = 5,
+  kBusinessFax = 6,
+  kHome = 7,
+  kHome2 = 8,
+  kHomeFax = 9,
+};
+
+/// One contact. Each getter can fail by itself; it returns false then and leaves `text` alone. A
+/// part that the contact lacks is an empty text.
+class Contact {
+ public:
+  Contact() = default;
+  Contact(const Contact&) = delete;
+  Contact& operator=(const Contact&) = delete;
+  virtual ~Contact() = default;
+
+  [[nodiscard]] virtual bool GetFirstName(std::u16string& text) = 0;
+  [[nodiscard]] virtual bool GetMiddleName(std::u16string& text) = 0;
+  [[nodiscard]] virtual bool GetLastName(std::u16string& text) = 0;
+  [[nodiscard]] virtual bool GetCompanyName(std::u16string& text) = 0;
+  [[nodiscard]] virtual bool GetNumber(PhoneNumberKind kind, std::u16string& text) = 0;
+
+  /// The stable identifier under which tags remember the contact; 0 is never one.
+  [[nodiscard]] virtual bool GetOid(std::int32_t& oid) = 0;
+};
+
+struct ContactItem {
+  bool ok = false;                   ///< False: the collection failed to give the item.
+  std::unique_ptr<Contact> contact;  ///< May be null even where `ok` is true.
+};
+
+enum class ContactLookup : std::uint8_t {
+  kFound,
+  kAbsent,  ///< The source of this oid was read to its end and does not hold it any more.
+  kFailed,  ///< It cannot be told whether the contact exists.
+};
+
+/// The user's contacts. Used by one thread.
+class ContactsStore {
+ public:
+  ContactsStore() = default;
+  ContactsStore(const ContactsStore&) = delete;
+  ContactsStore& operator=(const ContactsStore&) = delete;
+  virtual ~ContactsStore() = default;
+
+  /// Makes the service of the machine ready; false where the machine has none.
+  [[nodiscard]] virtual bool Initialize() = 0;
+
+  /// Reaches the source of contacts, without reading it; false where it does not answer.
+  [[nodiscard]] virtual bool Connect() = 0;
+
+  /// Reads the source. False where it cannot be read to its end: nothing may then be taken for
+  /// absent.
+  [[nodiscard]] virtual bool Logon() = 0;
+
+  /// Number of contacts, 0 before the log-on.
+  [[nodiscard]] virtual std::int32_t GetCount() = 0;
+
+  /// Contact by 1-based index, in an order that is the same until the log-off.
+  [[nodiscard]] virtual ContactItem GetItem(std::int32_t index) = 0;
+
+  /// Contact by its identifier; `contact` is set only with kFound.
+  [[nodiscard]] virtual ContactLookup GetItemFromOid(std::int32_t oid,
+                                                     std::unique_ptr<Contact>& contact) = 0;
+
+  virtual void Logoff() = 0;
+};
+
+}  // namespace platform
