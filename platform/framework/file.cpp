@@ -7,14 +7,17 @@ using platform::FileCreation;
 using platform::FileError;
 using platform::FileShare;
 
-bool CFile::Open(std::u16string_view path, OpenFlags mode) {
+bool CFile::Open(std::u16string_view path, unsigned flags) {
   Close();
-  platform::OpenMode openMode{FileAccess::kRead, FileShare::kRead, FileCreation::kOpenExisting};
-  if (mode != modeRead) {
-    openMode.access = mode == modeWrite ? FileAccess::kWrite : FileAccess::kReadWrite;
-    openMode.share = FileShare::kNone;
+  platform::OpenMode mode{FileAccess::kRead, FileShare::kRead, FileCreation::kOpenExisting};
+  if ((flags & (modeWrite | modeReadWrite)) != 0) {
+    mode.access = (flags & modeReadWrite) != 0 ? FileAccess::kReadWrite : FileAccess::kWrite;
+    mode.share = FileShare::kNone;
   }
-  m_file = m_files.Open(path, openMode).file;
+  if ((flags & modeCreate) != 0) {
+    mode.creation = FileCreation::kCreateAlways;
+  }
+  m_file = m_files.Open(path, mode).file;
   m_path = m_file ? path : std::u16string_view();
   return m_file != nullptr;
 }

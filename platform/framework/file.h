@@ -16,13 +16,18 @@ namespace framework {
 /// operation says whether it worked, and fails on a file that is not open. Used by one thread.
 class CFile {
  public:
-  enum OpenFlags : std::uint8_t { modeRead = 0, modeWrite = 1, modeReadWrite = 2 };
+  enum OpenFlags : unsigned {
+    modeRead = 0,
+    modeWrite = 1,
+    modeReadWrite = 2,
+    modeCreate = 0x1000,  ///< With a writing mode: made where missing, else emptied.
+  };
 
   explicit CFile(platform::FileSystem& files) : m_files(files) {}
 
-  /// Opens an existing file, closing the one that was open before. A file opened for reading is
-  /// shared with other readers, any other is shared with nobody.
-  [[nodiscard]] bool Open(std::u16string_view path, OpenFlags mode);
+  /// Opens a file, closing the one that was open before. A file opened for reading is shared with
+  /// other readers, any other is shared with nobody. `flags` is a combination of OpenFlags.
+  [[nodiscard]] bool Open(std::u16string_view path, unsigned flags);
 
   [[nodiscard]] bool IsOpen() const { return m_file != nullptr; }
   [[nodiscard]] const std::u16string& GetFilePath() const { return m_path; }
