@@ -5,6 +5,7 @@
 #   samples/make_samples.sh [FOLDER]     FOLDER: where to write them (default: beside the script)
 set -euo pipefail
 export LC_ALL=C
+. "$(dirname "$0")/../tools/wave_bytes.sh"
 
 readonly rate=11025
 readonly samples=33075 # three seconds
@@ -34,30 +35,6 @@ folder=${1:-$(dirname "$0")}
 mkdir -p "$folder"
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
-
-little_endian() { # WIDTH VALUE
-  local i
-  for ((i = 0; i < $1; i++)); do
-    printf "\\x$(printf %02x $((($2 >> (8 * i)) & 255)))"
-  done
-}
-
-# The header as the recorder writes it: the RIFF size field holds the length of the whole file,
-# not the customary length less 8.
-wave_header() { # DATA_BYTES
-  printf RIFF
-  little_endian 4 $(($1 + 44))
-  printf 'WAVEfmt '
-  little_endian 4 16
-  little_endian 2 1
-  little_endian 2 1
-  little_endian 4 $rate
-  little_endian 4 $((rate * 2))
-  little_endian 2 2
-  little_endian 2 16
-  printf data
-  little_endian 4 "$1"
-}
 
 speak() { # TEXT VOICE SPEED PITCH LEVEL_DB LEAD_SECONDS: raw samples, exactly samples of them
   espeak-ng -v "$2" -s "$3" -p "$4" -w "$scratch/spoken.wav" "$1"
