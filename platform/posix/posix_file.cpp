@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <limits>
 
 #include "platform/posix/errors.h"
@@ -59,10 +60,11 @@ std::optional<std::size_t> PosixFile::Read(std::span<std::byte> into) {
     return std::nullopt;
   }
   std::size_t total = 0;
-  while (total < into.size() && m_position <= kMostBytes) {
+  while (total < into.size() && m_position < kMostBytes) {
+    const auto most = static_cast<std::size_t>(
+        std::min<std::uint64_t>(into.size() - total, kMostBytes - m_position));
     const ssize_t count = Retry([&] {
-      return ::pread(m_descriptor.Get(), into.data() + total, into.size() - total,
-                     static_cast<off_t>(m_position));
+      return ::pread(m_descriptor.Get(), into.data() + total, most, static_cast<off_t>(m_position));
     });
     if (count < 0) {
       return std::nullopt;
@@ -89,11 +91,11 @@ FileError PosixFile::Write(std::span<const std::byte> bytes) {
   if (const FileError error = CheckWritable(); error != FileError::kNone) {
     return error;
   }
+  if (!bytes.empty() && (m_position > kMostBytes || bytes.size() > kMostBytes - m_position)) {
+    return FileError::kDiskFull;
+  }
   const SizeSignalHeld signalHeld;
   while (!bytes.empty()) {
-    if (m_position > kMostBytes) {
-      return FileError::kDiskFull;
-    }
     const ssize_t count = Retry([&] {
       return ::pwrite(m_descriptor.Get(), bytes.data(), bytes.size(),
                       static_cast<off_t>(m_position));
