@@ -11,6 +11,11 @@ using support::Samples;
 constexpr std::size_t kThreeSeconds = 33075;
 constexpr std::size_t kFrame = 1024;
 
+template <typename Number>
+std::string Named(std::string what, Number number) {
+  return what.append(std::to_string(number));
+}
+
 class Catalogue {
  public:
   void Add(std::string name, Samples samples) {
@@ -24,18 +29,17 @@ class Catalogue {
 
 void AddSteadySignals(Catalogue& catalogue, std::size_t count) {
   for (const int value : {0, 1, -1, 1000, 32767, -32768}) {
-    catalogue.Add("constant " + std::to_string(value),
+    catalogue.Add(Named("constant ", value),
                   support::Constant(count, static_cast<std::int16_t>(value)));
   }
   for (const std::size_t half : {1U, 7U, 55U, 110U, 256U}) {
-    catalogue.Add("square of full scale, half period " + std::to_string(half),
+    catalogue.Add(Named("square of full scale, half period ", half),
                   support::Square(count, half, 32767, -32768));
-    catalogue.Add("square of 1, half period " + std::to_string(half),
-                  support::Square(count, half, 1, 0));
+    catalogue.Add(Named("square of 1, half period ", half), support::Square(count, half, 1, 0));
   }
   for (const std::size_t period : {1U, 54U, 110U, 800U, 20000U}) {
     for (const int height : {32767, -32768, 31, 32, 33}) {
-      catalogue.Add("impulses of " + std::to_string(height) + " every " + std::to_string(period),
+      catalogue.Add(Named("impulses of ", height) + Named(" every ", period),
                     support::Impulses(count, 17, period, static_cast<std::int16_t>(height)));
     }
   }
@@ -43,13 +47,12 @@ void AddSteadySignals(Catalogue& catalogue, std::size_t count) {
 
 void AddNoises(Catalogue& catalogue, std::size_t count) {
   for (const int amplitude : {1, 15, 31, 32, 33, 64, 500, 5000, 32767}) {
-    catalogue.Add("noise of " + std::to_string(amplitude),
+    catalogue.Add(Named("noise of ", amplitude),
                   support::Noise(count, amplitude, static_cast<std::uint32_t>(amplitude)));
   }
   for (std::uint32_t seed = 1; seed <= 5; ++seed) {
-    catalogue.Add("extremes " + std::to_string(seed), support::Extremes(count, seed));
-    catalogue.Add("speech-like " + std::to_string(seed),
-                  support::SpeechLike(count, 3000.0 * seed, seed));
+    catalogue.Add(Named("extremes ", seed), support::Extremes(count, seed));
+    catalogue.Add(Named("speech-like ", seed), support::SpeechLike(count, 3000.0 * seed, seed));
   }
 }
 
@@ -59,13 +62,13 @@ void AddBursts(Catalogue& catalogue) {
     for (const std::size_t length : {60U, 600U, 4000U, 12000U, 25000U}) {
       const Samples burst =
           support::Mixed(support::Tone(length, 57.5, 9000.0), 0, support::Noise(length, 900, 5));
-      catalogue.Add("burst of " + std::to_string(length) + " at " + std::to_string(at),
+      catalogue.Add(Named("burst of ", length) + Named(" at ", at),
                     support::Mixed(quiet, at, burst));
     }
   }
   const Samples short1 = support::Tone(3000, 40.0, 12000.0);
   for (const double loudness : {6000.0, 12000.0, 24000.0}) {
-    catalogue.Add("two bursts, the second of " + std::to_string(loudness),
+    catalogue.Add(Named("two bursts, the second of ", loudness),
                   support::Mixed(support::Mixed(quiet, 2000, short1), 24000,
                                  support::Tone(5000, 90.0, loudness)));
   }
@@ -79,11 +82,11 @@ std::vector<NamedSignal> CatalogueOfRecordings() {
   AddNoises(catalogue, kThreeSeconds);
   AddBursts(catalogue);
   for (const double bin : {3.0, 20.0, 100.25, 300.0}) {
-    catalogue.Add("tone at " + std::to_string(bin), support::Tone(kThreeSeconds, bin, 15000.0));
+    catalogue.Add(Named("tone at ", bin), support::Tone(kThreeSeconds, bin, 15000.0));
   }
   catalogue.Add("sweep", support::Sweep(kThreeSeconds, 1.0, 500.0, 20000.0));
   for (const std::size_t count : {1U, 54U, 55U, 56U, 110U, 111U, 511U, 512U, 1023U, 1024U, 1025U}) {
-    catalogue.Add("noise of " + std::to_string(count) + " samples",
+    catalogue.Add(Named("noise of ", count) + " samples",
                   support::Noise(count, 4000, static_cast<std::uint32_t>(count)));
   }
   return catalogue.Take();
@@ -95,13 +98,13 @@ std::vector<NamedSignal> CatalogueOfFrames() {
   AddNoises(catalogue, kFrame);
   for (int quarter = 0; quarter <= 4 * 240; ++quarter) {
     const double bin = quarter / 4.0;
-    catalogue.Add("tone at " + std::to_string(bin), support::Tone(kFrame, bin, 32767.0));
+    catalogue.Add(Named("tone at ", bin), support::Tone(kFrame, bin, 32767.0));
   }
   for (const double bin : {300.0, 511.0, 511.5, 512.0}) {
-    catalogue.Add("tone at " + std::to_string(bin), support::Tone(kFrame, bin, 700.0));
+    catalogue.Add(Named("tone at ", bin), support::Tone(kFrame, bin, 700.0));
   }
   for (std::size_t at = 0; at < kFrame; at += 31) {
-    catalogue.Add("impulse at " + std::to_string(at),
+    catalogue.Add(Named("impulse at ", at),
                   support::Impulses(kFrame, at, kFrame, static_cast<std::int16_t>(at + 1)));
   }
   catalogue.Add("sweep up", support::Sweep(kFrame, 1.0, 500.0, 20000.0));
