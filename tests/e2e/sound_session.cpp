@@ -1,9 +1,6 @@
 #include "tests/e2e/sound_session.h"
 
-#include <gtest/gtest.h>
 #include <stdlib.h>
-
-#include <system_error>
 
 namespace e2e {
 namespace {
@@ -18,27 +15,16 @@ void SetEnvironment(const std::string& name, const std::optional<std::string>& v
   }
 }
 
-std::filesystem::path MakeFolder() {
-  // Short, since the server's socket has to fit the 108 characters of a socket address.
-  std::string name = (std::filesystem::temp_directory_path() / "voxtrel-XXXXXX").string();
-  if (mkdtemp(name.data()) == nullptr) return {};
-  return name;
-}
-
 }  // namespace
 
-SoundSession::SoundSession() : m_folder(MakeFolder()) {
-  if (m_folder.empty()) {
-    ADD_FAILURE() << "There is no folder for the session.";
-    return;
-  }
+SoundSession::SoundSession() {
   for (const char* const name : {kRuntimeFolder, "home"}) {
-    std::filesystem::create_directory(m_folder / name);
-    std::filesystem::permissions(m_folder / name, std::filesystem::perms::owner_all);
+    std::filesystem::create_directory(Folder() / name);
+    std::filesystem::permissions(Folder() / name, std::filesystem::perms::owner_all);
   }
-  SetVariable("HOME", m_folder / "home");
-  SetVariable("XDG_CONFIG_HOME", m_folder / "home");
-  SetVariable("XDG_RUNTIME_DIR", m_folder / kRuntimeFolder);
+  SetVariable("HOME", Folder() / "home");
+  SetVariable("XDG_CONFIG_HOME", Folder() / "home");
+  SetVariable("XDG_RUNTIME_DIR", Folder() / kRuntimeFolder);
   // What would lead to another server or other settings than the session's own, or to services of
   // the desktop that the test happens to run on.
   for (const char* const name :
@@ -51,13 +37,10 @@ SoundSession::SoundSession() : m_folder(MakeFolder()) {
 
 SoundSession::~SoundSession() {
   for (const auto& [name, value] : m_earlier) SetEnvironment(name, value);
-  if (m_folder.empty()) return;
-  std::error_code ignored;  // What cannot be removed is left to whoever clears temporary files.
-  std::filesystem::remove_all(m_folder, ignored);
 }
 
 std::filesystem::path SoundSession::ServerSocket() const {
-  return m_folder / kRuntimeFolder / "pulse" / "native";
+  return Folder() / kRuntimeFolder / "pulse" / "native";
 }
 
 void SoundSession::SetVariable(const std::string& name, const std::optional<std::string>& value) {

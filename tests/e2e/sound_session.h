@@ -5,6 +5,8 @@
 #include <optional>
 #include <string>
 
+#include "tests/support/temp_folder.h"
+
 namespace e2e {
 
 /// A user's session of this test alone: an empty folder for what programs keep below the home and
@@ -17,7 +19,7 @@ class SoundSession {
   SoundSession& operator=(const SoundSession&) = delete;
   ~SoundSession();
 
-  [[nodiscard]] const std::filesystem::path& Folder() const { return m_folder; }
+  [[nodiscard]] const std::filesystem::path& Folder() const { return m_folder.Path(); }
 
   /// Where the sound server of the session listens, once there is one.
   [[nodiscard]] std::filesystem::path ServerSocket() const;
@@ -26,7 +28,7 @@ class SoundSession {
   void SetVariable(const std::string& name, const std::optional<std::string>& value);
 
  private:
-  std::filesystem::path m_folder;
+  support::TempFolder m_folder;
   std::map<std::string, std::optional<std::string>> m_earlier;
 };
 
