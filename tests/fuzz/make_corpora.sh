@@ -42,8 +42,9 @@ data_at() { # OFFSET SAMPLES
   rm $wave/head.tmp
 }
 
-excerpt anna_1.wav 8500 8000 >$wave/speech_with_silence_before
-excerpt oliver_2.wav 8800 6000 >$wave/speech_with_silence_after
+# Long enough that something is left to trim beyond the margins that stay round the speech.
+excerpt anna_1.wav 2000 16000 >$wave/speech_with_silence_before
+excerpt oliver_2.wav 8000 14000 >$wave/speech_with_silence_after
 excerpt sophie_3.wav 0 3000 >$wave/noise_alone
 { wave_header 0; } >$wave/no_samples
 { wave_header 0; } | head -c 43 >$wave/one_byte_short
@@ -52,8 +53,8 @@ excerpt sophie_3.wav 0 3000 >$wave/noise_alone
 { wave_header 2048 && tone 1024; } >$wave/one_frame
 { wave_header 8000 && zeros 8000; } >$wave/silence
 { wave_header 8000 && tone 4000; } >$wave/constant_amplitude
-{ wave_header 9000 && zeros 3000 && tone 1500 && zeros 3000; } >$wave/burst
-{ wave_header 9001 && zeros 3000 && tone 1500 && zeros 3001; } >$wave/odd_length
+{ wave_header 23000 && zeros 11000 && tone 1000 && zeros 10000; } >$wave/burst
+{ wave_header 23001 && zeros 11000 && tone 1000 && zeros 10001; } >$wave/odd_length
 { wave_header 64 && tone 10; } >$wave/data_size_of_the_whole_file
 { wave_header 65 && tone 10; } >$wave/data_size_above_the_file
 patched 0 1 0 >$wave/no_riff
@@ -70,8 +71,13 @@ data_at 96 300 >$wave/data_id_at_96
 data_at 96 300 | head -c 100 >$wave/data_id_at_the_end
 data_at 100 300 >$wave/data_id_behind_the_search
 # The id inside the fields before the format: the samples begin before byte 44.
-{ wave_header 9000 && zeros 3000 && tone 1500 && zeros 3000; } |
-  { head -c 12 && printf data && little_endian 4 9000 && tail -c +9; } >$wave/data_id_at_12
+{ wave_header 23000 && zeros 11000 && tone 1000 && zeros 10000; } >$wave/whole.tmp
+{ head -c 12 $wave/whole.tmp && printf data && little_endian 4 23000 && tail -c +21 $wave/whole.tmp; } \
+  >$wave/data_id_at_12
+rm $wave/whole.tmp
+# The samples begin behind byte 44, as in files of other programs.
+{ data_at 92 0 | head -c 96 && little_endian 4 23000 && zeros 11000 && tone 1000 && zeros 10000; } \
+  >$wave/data_id_at_92_to_trim
 
 stored() { # FRAMES VALUES
   little_endian 4 $(($1 * 5))
