@@ -111,9 +111,9 @@ INSTANTIATE_TEST_SUITE_P(Samples, GoldenFiles,
                                                           "oliver", "sophie", "timothy",
                                                           "hernandez"),
                                           testing::Range(1, 4)),
-                         [](const auto& info) {
-                           return std::string(std::get<0>(info.param)) +
-                                  std::to_string(std::get<1>(info.param));
+                         [](const auto& which) {
+                           return std::string(std::get<0>(which.param)) +
+                                  std::to_string(std::get<1>(which.param));
                          });
 
 TEST(GoldenFolder, KeepsARecordingAndATemplateOfEverySample) {
