@@ -31,7 +31,8 @@ enum class FileAccess : std::uint8_t {
 };
 
 /// What other holders may do while the file is open. Holders in this process and in others count
-/// alike.
+/// alike. Two holders go together only where both share kRead and neither may write; whoever comes
+/// second is refused with kSharingViolation.
 enum class FileShare : std::uint8_t { kNone, kRead };
 
 enum class FileCreation : std::uint8_t {
@@ -69,6 +70,7 @@ class File {
   /// After a failure an unknown first part of `bytes` has been written.
   [[nodiscard]] virtual FileError Write(std::span<const std::byte> bytes) = 0;
 
+  /// Cuts the file, or lets it grow by zeros. The position stays, even behind the new end.
   [[nodiscard]] virtual FileError SetLength(std::uint64_t length) = 0;
 
   /// Returns when everything written is on the medium, so that a loss of power keeps it.
@@ -112,8 +114,13 @@ struct StartedSearch {
 ///
 /// A path that begins with a backslash is a device path ("\Program Files\..."): it is looked up
 /// below the root folder of the back end, its parts compared without regard to case and kept as
-/// they were first written. Any other path is one of the host's own and taken as it stands; the
-/// command line uses those. May be called from any thread.
+/// they were first written. A device path that could leave the root (a part "..", ".", empty, or
+/// with a "/" or a zero character) names nothing. Any other path is one of the host's own and taken
+/// as it stands; the command line uses those. May be called from any thread.
+///
+/// A file whose user protected it against writing is neither opened for writing nor emptied,
+/// deleted or replaced: kAccessDenied, whatever rights the process has. Likewise a folder, or
+/// anything else that is no regular file, where a file is asked for.
 class FileSystem {
  public:
   FileSystem() = default;
@@ -127,15 +134,19 @@ class FileSystem {
   [[nodiscard]] virtual FileError Delete(std::u16string_view path) = 0;
 
   /// Lets `from` take the place of `to` in one step: at any moment, a loss of power included, `to`
-  /// is wholly the earlier file or wholly the new one. `from` is closed and flushed. The
-  /// permissions of an earlier `to` stay. Returns when the change is on the medium.
+  /// is wholly the earlier file or wholly the new one. What `from` holds need not be flushed. The
+  /// permissions and the name of an earlier `to` stay. Refused with kSharingViolation while any
+  /// holder has either open. Returns when the change is on the medium; kOther may also mean that
+  /// the change was made and it could not be told whether it is there.
   [[nodiscard]] virtual FileError Replace(std::u16string_view from, std::u16string_view to) = 0;
 
   [[nodiscard]] virtual FileError CreateFolder(std::u16string_view path) = 0;
 
   /// Finds names in the folder of `pattern` whose last part matches; "*" stands for any run of
   /// characters, "?" for one, letter case counts for nothing. A pattern without either asks whether
-  /// that file or folder exists. "." and ".." are never found. kNotFound where nothing matches.
+  /// that file or folder exists. "." and ".." are never found. kNotFound where nothing matches. The
+  /// names are those that were there when the search began, each once, also when files are made or
+  /// deleted before the next one is asked for.
   [[nodiscard]] virtual StartedSearch FindFirst(std::u16string_view pattern) = 0;
 };
 
