@@ -19,9 +19,6 @@ using support::ValueNames;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// A build with few back ends includes the suite as it is.
-GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(RegistryContract);
-
 namespace {
 
 const std::vector<std::byte> kSomeBytes{std::byte{1}, std::byte{0}, std::byte{2}};

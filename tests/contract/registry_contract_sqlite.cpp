@@ -1,6 +1,6 @@
 #include "platform/sqlite/sqlite_registry.h"
 #include "tests/contract/registry_contract.h"
-#include "tests/support/temporary_folder.h"
+#include "tests/support/temp_folder.h"
 
 namespace contract {
 
@@ -14,7 +14,7 @@ class SqliteFixture final : public RegistryFixture {
   platform::Registry& Get() override { return m_registry; }
 
  private:
-  support::TemporaryFolder m_folder;
+  support::TempFolder m_folder;
   sqlite::SqliteRegistry m_registry;
 };
 
