@@ -5,6 +5,7 @@
 
 #include "host/cli/language_commands.h"
 #include "host/cli/output.h"
+#include "host/cli/registry_commands.h"
 #include "host/cli/session.h"
 #include "host/cli/template_commands.h"
 #include "host/cli/wave_commands.h"
@@ -21,6 +22,7 @@ constexpr const char* kFooter = R"(Examples:
   voxtrel template compare ann.st bob.st      how alike two names sound
   voxtrel --microphone in.wav wave record ann.wav
   voxtrel language check Voxtrel.lng          what a translator should mend
+  voxtrel registry export tags.reg            take the settings to a Windows machine
 
 Exit codes: 0 done, 1 failed with a message on standard error, 2 wrong usage.)";
 
@@ -51,6 +53,7 @@ int RunCommandLine(int argc, const char* const* argv) {
   AddWaveCommands(app, session);
   AddTemplateCommands(app, session);
   AddLanguageCommands(app, session);
+  AddRegistryCommands(app, session);
 
   try {
     app.parse(argc, argv);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -10,6 +11,7 @@
 #include "platform/posix/posix_clock.h"
 #include "platform/posix/posix_file_system.h"
 #include "platform/posix/posix_threads.h"
+#include "platform/registry.h"
 
 namespace cli {
 
@@ -32,6 +34,11 @@ class Session {
 
   [[nodiscard]] const Options& GetOptions() const { return m_options; }
   [[nodiscard]] platform::Platform GetPlatform();
+  [[nodiscard]] platform::FileSystem& GetFiles();
+
+  /// The settings below the root folder, which is made where it is missing.
+  [[nodiscard]] platform::Registry& GetRegistry();
+  [[nodiscard]] std::filesystem::path GetRegistryPath() const;
 
   /// The path under which the system's files know a name from the command line.
   [[nodiscard]] static std::u16string ToSystemPath(const std::string& name);
@@ -43,10 +50,11 @@ class Session {
 
  private:
   [[nodiscard]] platform::WaveIn& GetWaveIn();
-  [[nodiscard]] posix::PosixFileSystem& GetFiles();
+  [[nodiscard]] std::filesystem::path GetRoot() const;
 
   const Options& m_options;
   std::unique_ptr<posix::PosixFileSystem> m_files;
+  std::unique_ptr<platform::Registry> m_registry;
   std::unique_ptr<platform::WaveIn> m_waveIn;
   posix::PosixClock m_clock;
   posix::PosixThreads m_threads;
