@@ -1,0 +1,74 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "platform/platform.h"
+#include "platform/wave_format.h"
+#include "platform/wave_out.h"
+
+namespace audio {
+
+/// Result codes of WaveDevice::Record. The numbers are shown to users and are fixed.
+enum RecordCode : int {
+  kRecorded = 0,
+  kFileNotCreated = 1,  ///< Or not written to its end; a message has been shown.
+  kDeviceNotOpened = 2,
+  kNoBuffer = 3,
+  kBufferNotQueued = 4,
+  kNotStarted = 5,
+  kProcessEnded = -1,  ///< Seen only in a host that ends just the applet: leave at once.
+};
+
+/// The recorder of the Learning page: takes one utterance of fixed length from the default wave
+/// input and writes it as a wave file. Used by one thread at a time; while a recording runs on a
+/// worker, nobody else touches the object.
+class WaveDevice {
+ public:
+  explicit WaveDevice(const platform::Platform& platform);
+  WaveDevice(const WaveDevice&) = delete;
+  WaveDevice& operator=(const WaveDevice&) = delete;
+  ~WaveDevice();
+
+  /// Sets the format of the next recording: mono PCM.
+  void SetFormat(std::uint16_t bits, std::uint32_t samplesPerSecond);
+
+  /// Allocates the capture buffer, as long as `milliseconds` of the set format, all zeros. Null
+  /// where there is no memory for it or its length does not fit the header's 32 bits. The device
+  /// owns the result, which stays valid until the next call or the end of a recording.
+  [[nodiscard]] platform::WaveHeader* AllocBuffer(std::uint32_t milliseconds);
+
+  /// Prepares the header and queues it with the open input: 0 success, 1 failure.
+  [[nodiscard]] int QueueBuffer(platform::WaveHeader& header);
+
+  /// Records `milliseconds` from now into a new file at `path`, and returns a RecordCode. Blocks
+  /// for the length of the recording: its end is found by sleeping, no notice is awaited.
+  [[nodiscard]] int Record(std::u16string_view path, std::uint32_t milliseconds);
+
+  /// Bytes of samples in the file that Record wrote last.
+  [[nodiscard]] std::uint32_t GetRecordedBytes() const { return m_recordedBytes; }
+
+ protected:
+  platform::WaveFormat m_format;
+  std::unique_ptr<platform::WaveHeader> m_header;
+  std::unique_ptr<platform::WaveInDevice> m_waveIn;
+  std::unique_ptr<platform::WaveOutDevice> m_waveOut;  ///< Of the player.
+  std::unique_ptr<platform::File> m_file;
+  std::vector<std::byte> m_view;  ///< Of the player: the mapped file.
+
+ private:
+  [[nodiscard]] RecordCode StartInput(std::uint32_t milliseconds);
+  void ReleaseInput();
+  [[nodiscard]] bool WriteRecording();
+  [[nodiscard]] bool CloseFile();
+  void ShowTopmost(std::u16string text);
+
+  platform::Platform m_platform;
+  std::unique_ptr<std::byte[]> m_samples;  ///< Memory of the header's buffer.
+  std::uint32_t m_recordedBytes = 0;
+};
+
+}  // namespace audio

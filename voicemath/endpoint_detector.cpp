@@ -1,0 +1,142 @@
+#include "voicemath/endpoint_detector.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdlib>
+
+namespace voicemath {
+namespace {
+
+constexpr std::int64_t kForwardBlocks = 8;   ///< Smoothing looks this far ahead, itself included.
+constexpr std::int64_t kBackwardBlocks = 7;  ///< And this far back.
+constexpr std::size_t kHistogramBins = 32;
+constexpr std::size_t kNoiseBins = 16;  ///< The noise is looked for in the lower half only.
+constexpr std::int64_t kReach = 200;    ///< Blocks on either side of the middle that count, 1 s.
+constexpr std::int64_t kCore = 20;      ///< Blocks around the middle taken as speech, 0.1 s.
+constexpr std::int32_t kMarginSamples = 3307;  ///< Kept before and behind the speech, 0.3 s.
+
+std::int16_t Narrow(std::int64_t value) { return static_cast<std::int16_t>(value); }
+
+/// Mean over the neighbourhood of each block, in place. Block 0 counts only where the forward run
+/// begins with it, never as a neighbour behind: the test for neighbours is "greater than zero",
+/// deliberately.
+void Smooth(std::span<std::int16_t> envelope) {
+  std::array<std::int16_t, kBackwardBlocks> unsmoothed{};
+  const auto blocks = static_cast<std::int64_t>(envelope.size());
+  for (std::int64_t block = 0; block < blocks; ++block) {
+    std::int32_t sum = 0;
+    std::int32_t count = 0;
+    for (std::int64_t b = block; b < std::min(block + kForwardBlocks, blocks); ++b, ++count) {
+      sum += envelope[static_cast<std::size_t>(b)];
+    }
+    for (std::int64_t b = block - 1; b > 0 && b >= block - kBackwardBlocks; --b, ++count) {
+      sum += unsmoothed[static_cast<std::size_t>(b % kBackwardBlocks)];
+    }
+    auto& value = envelope[static_cast<std::size_t>(block)];
+    unsmoothed[static_cast<std::size_t>(block % kBackwardBlocks)] = value;
+    value = Narrow(sum / count);
+  }
+}
+
+/// The noise level under the speech: the mode of the lower half of the amplitudes, and a little.
+std::int16_t NoiseLevel(std::span<const std::int16_t> envelope, std::int16_t peak,
+                        std::int16_t binWidth) {
+  std::array<std::uint32_t, kHistogramBins> histogram{};
+  for (const std::int16_t value : envelope) {
+    const auto bin = static_cast<std::size_t>(value / binWidth);
+    ++histogram[std::min(bin, kHistogramBins - 1)];
+  }
+  const auto mode = std::max_element(histogram.begin(), histogram.begin() + kNoiseBins);
+  return Narrow(binWidth * (mode - histogram.begin()) + peak / 16);
+}
+
+/// The envelope above the noise, with peaks cut at half height so that one loud syllable does not
+/// outweigh the others.
+struct ClippedEnvelope {
+  std::span<const std::int16_t> envelope;
+  std::int16_t clip;
+
+  [[nodiscard]] std::int64_t LastBlock() const {
+    return static_cast<std::int64_t>(envelope.size()) - 1;
+  }
+  [[nodiscard]] std::int64_t At(std::int64_t block) const {
+    return std::min(envelope[static_cast<std::size_t>(block)], clip);
+  }
+  /// Sum over blocks `from` to `to`, both included.
+  [[nodiscard]] std::int64_t Mass(std::int64_t from, std::int64_t to) const {
+    std::int64_t mass = 0;
+    for (std::int64_t block = from; block <= to; ++block) {
+      mass += At(block);
+    }
+    return mass;
+  }
+  /// Centre of mass of the surroundings of `peak`; nothing where there is no mass.
+  [[nodiscard]] std::optional<std::int64_t> Centre(std::int64_t peak) const {
+    std::int64_t moment = 0;
+    std::int64_t mass = 0;
+    const std::int64_t end = std::min(peak + kReach, LastBlock());
+    for (std::int64_t block = std::max<std::int64_t>(peak - kReach, 0); block <= end; ++block) {
+      moment += block * At(block);
+      mass += At(block);
+    }
+    return mass == 0 ? std::nullopt : std::optional(moment / mass);
+  }
+};
+
+}  // namespace
+
+std::int16_t BlockEnvelope(std::span<const std::int16_t, kBlockSamples> block) {
+  std::int32_t sum = 0;
+  for (const std::int16_t sample : block) {
+    sum += sample;
+  }
+  const std::int32_t mean = sum / static_cast<std::int32_t>(kBlockSamples);
+  std::int16_t largest = 0;
+  for (const std::int16_t sample : block) {
+    // Kept in 16 bits: a distance of 32,768 or more wraps to a negative value and never wins.
+    const std::int16_t distance = Narrow(std::abs(sample - mean));
+    largest = std::max(largest, distance);
+  }
+  return largest;
+}
+
+std::optional<Segment> LocateSpeech(std::span<std::int16_t> envelope, std::uint32_t totalSamples) {
+  if (envelope.empty()) {
+    return std::nullopt;
+  }
+  Smooth(envelope);
+  const auto peakAt = std::max_element(envelope.begin(), envelope.end());
+  const std::int16_t peak = *peakAt;
+  const auto binWidth = Narrow(peak / static_cast<std::int32_t>(kHistogramBins));
+  if (binWidth == 0) {
+    return std::nullopt;  // Next to silence: nothing to tell speech from.
+  }
+  const std::int16_t noise = NoiseLevel(envelope, peak, binWidth);
+  for (std::int16_t& value : envelope) {
+    value = value < noise ? std::int16_t{0} : Narrow(value - noise);
+  }
+  const ClippedEnvelope clipped{envelope, Narrow((peak - noise) / 2)};
+  const auto centre = clipped.clip == 0 ? std::nullopt : clipped.Centre(peakAt - envelope.begin());
+  if (!centre) {
+    return std::nullopt;
+  }
+
+  const std::int64_t leftMass =
+      clipped.Mass(std::max<std::int64_t>(*centre - kReach, 0), *centre - kCore - 1);
+  const std::int64_t rightMass =
+      clipped.Mass(*centre + kCore + 1, std::min(*centre + kReach, clipped.LastBlock()));
+  const std::int16_t left = Narrow(*centre - leftMass / clipped.clip - kCore);
+  const std::int16_t right = Narrow(*centre + rightMass / clipped.clip + kCore);
+
+  constexpr auto kStep = static_cast<std::int32_t>(kBlockStep);
+  const std::int32_t first = std::max(left * kStep - kMarginSamples, 0);
+  const std::int32_t last = static_cast<std::int32_t>(
+      std::min<std::int64_t>(right * kStep + kMarginSamples, std::int64_t{totalSamples} - 1));
+  if (first > last) {
+    return std::nullopt;
+  }
+  return Segment{static_cast<std::uint32_t>(first), static_cast<std::uint32_t>(last)};
+}
+
+}  // namespace voicemath

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "platform/file_system.h"
+#include "platform/framework/archive.h"
+#include "platform/framework/object.h"
+
+namespace voicemath {
+
+enum class TemplateFileResult : std::uint8_t {
+  kDone,
+  kNotCreated,  ///< Writing: the file can neither be opened nor made.
+  kNotOpened,
+  kTorn,       ///< Reading: the file ends before its template does.
+  kBadFormat,  ///< The template contradicts itself.
+  kFileFailure,
+};
+
+/// Writes `object` through a storing archive to the file at `path`, made where it is missing. The
+/// file is never shortened: an existing longer one keeps its end, which readers do not look at.
+/// After kNotCreated nothing has been written; after a later failure the file is torn.
+[[nodiscard]] TemplateFileResult WriteTemplateFile(platform::FileSystem& files,
+                                                   std::u16string_view path,
+                                                   framework::CObject& object);
+
+/// Reads the file at `path` into `object` through a loading archive.
+[[nodiscard]] TemplateFileResult ReadTemplateFile(platform::FileSystem& files,
+                                                  std::u16string_view path,
+                                                  framework::CObject& object);
+
+}  // namespace voicemath

@@ -1,0 +1,148 @@
+#include "voicemath/voice_mathematics.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "voicemath/fft.h"
+#include "voicemath/template_distance.h"
+
+namespace voicemath {
+namespace {
+
+/// 1 / 11,025, as the factor with which durations have always been told.
+constexpr float kSecondsPerSample = 9.0702946e-5F;
+
+constexpr std::u16string_view kNotProcessedText = u"Can't process this file";
+
+}  // namespace
+
+CVoiceMathematics::CVoiceMathematics(platform::FileSystem& files, platform::Ui& ui)
+    : m_file(files), m_files(files), m_ui(ui) {
+  m_thresholds.fill(kMaxDistance);
+}
+
+const framework::RuntimeClass& CVoiceMathematics::GetRuntimeClass() const {
+  static constexpr framework::RuntimeClass kClass{"CVoiceMathematics"};
+  return kClass;
+}
+
+int CVoiceMathematics::LearnFile(std::int32_t slot) { return ProcessWave(slot, Extent::kSpeech); }
+
+int CVoiceMathematics::ProcessFile(std::int32_t slot) {
+  return ProcessWave(slot, Extent::kWholeFile);
+}
+
+int CVoiceMathematics::ProcessWave(std::int32_t slot, Extent extent) {
+  if (slot < 0 || slot >= static_cast<std::int32_t>(kSlotCount)) {
+    return kNoSuchSlot;
+  }
+  const auto index = static_cast<std::size_t>(slot);
+  if (!OpenSegment(extent) || !ComputeTemplate(static_cast<std::uint32_t>(index))) {
+    m_file.Close();
+    m_ui.ShowMessage(platform::ApplicationBox(std::u16string(kNotProcessedText)));
+    return kNotProcessed;
+  }
+  if (index < kStoredSlots) {
+    m_wavePaths[index] = m_wavePath;
+    m_labels[index] = m_label;
+    ++m_count;
+  }
+  m_file.Close();
+  return kLearned;
+}
+
+bool CVoiceMathematics::OpenSegment(Extent extent) {
+  if (!m_file.Open(m_wavePath, framework::CFile::modeReadWrite) ||
+      OpenWaveData() != kHeaderAccepted) {
+    return false;
+  }
+  if (extent == Extent::kSpeech && !DetectSpeechBounds()) {
+    return false;
+  }
+  m_detected = {m_firstSample, m_lastSample};
+  return extent == Extent::kWholeFile || TrimWaveFile();
+}
+
+void CVoiceMathematics::Fft(float* real, float* imaginary, std::size_t count, int sign) {
+  voicemath::Fft({real, count}, {imaginary, count}, sign);
+}
+
+float CVoiceMathematics::GetTemplateDuration(std::int32_t slot) const {
+  if (slot < 0 || slot >= static_cast<std::int32_t>(kSlotCount) ||
+      !m_templates[static_cast<std::size_t>(slot)]) {
+    return 0.0F;
+  }
+  const std::int32_t hops = m_hopsPerFrame + m_frameCounts[static_cast<std::size_t>(slot)];
+  constexpr auto kHop = static_cast<std::int32_t>(kFrameHop);
+  return static_cast<float>(hops * kHop - kHop) * kSecondsPerSample;
+}
+
+void CVoiceMathematics::RemoveTemplate(std::int32_t slot) {
+  if (slot < 0 || slot >= m_count) {
+    return;
+  }
+  const std::size_t stored = GetStoredCount();
+  --m_count;
+  const auto first = static_cast<std::size_t>(slot);
+  if (first >= stored) {
+    return;  // Counted, but behind the last slot.
+  }
+  for (std::size_t i = first; i + 1 < stored; ++i) {
+    m_wavePaths[i] = m_wavePaths[i + 1];
+    m_labels[i] = m_labels[i + 1];
+    m_templates[i] = std::move(m_templates[i + 1]);
+    m_frameCounts[i] = m_frameCounts[i + 1];
+  }
+  FreeSlot(stored - 1);
+}
+
+void CVoiceMathematics::ClearTemplates() {
+  for (std::size_t slot = 0; slot < GetStoredCount(); ++slot) {
+    FreeSlot(slot);
+  }
+  m_count = 0;
+}
+
+float CVoiceMathematics::CompareTemplates(std::int32_t a, std::int32_t b) const {
+  constexpr auto kEnd = static_cast<std::int32_t>(kSlotCount);
+  if (a < 0 || a >= kEnd || b < 0 || b >= kEnd) {
+    return kMaxDistance;
+  }
+  return TemplateDistance(GetTemplate(static_cast<std::size_t>(a)),
+                          GetTemplate(static_cast<std::size_t>(b)));
+}
+
+std::int32_t CVoiceMathematics::ComputeThresholds() {
+  m_thresholds.fill(kMaxDistance);
+  const auto stored = static_cast<std::int32_t>(GetStoredCount());
+  for (std::int32_t i = 0; i < stored && m_count > 1; ++i) {
+    float nearest = kMaxDistance;
+    for (std::int32_t j = 0; j < stored; ++j) {
+      if (j != i) {
+        nearest = std::min(nearest, CompareTemplates(i, j));
+      }
+    }
+    const float share = nearest / static_cast<float>(m_count);
+    m_thresholds[static_cast<std::size_t>(i)] = nearest - share;
+  }
+  return m_count;
+}
+
+std::span<const float> CVoiceMathematics::GetTemplate(std::size_t slot) const {
+  if (!m_templates[slot]) {
+    return {};
+  }
+  return {m_templates[slot].get(), std::size_t{m_frameCounts[slot]} * m_bandCount};
+}
+
+std::size_t CVoiceMathematics::GetStoredCount() const {
+  return static_cast<std::size_t>(
+      std::clamp<std::int32_t>(m_count, 0, static_cast<std::int32_t>(kStoredSlots)));
+}
+
+void CVoiceMathematics::FreeSlot(std::size_t slot) {
+  m_templates[slot].reset();
+  m_frameCounts[slot] = 0;
+}
+
+}  // namespace voicemath

@@ -1,0 +1,143 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "platform/file_system.h"
+#include "platform/framework/archive.h"
+#include "platform/framework/file.h"
+#include "platform/framework/object.h"
+#include "platform/ui.h"
+#include "voicemath/constants.h"
+#include "voicemath/endpoint_detector.h"
+
+namespace voicemath {
+
+/// Result of CVoiceMathematics::LearnFile and ProcessFile.
+enum LearnResult : int {
+  kLearned = 0,
+  kNoSuchSlot = 1,
+  kNotProcessed = 2,  ///< A message has been shown; slot, count and copies are as they were.
+};
+
+/// Result of CVoiceMathematics::OpenWaveData.
+enum HeaderCode : int {
+  kHeaderAccepted = 0,
+  kTooShort = 1,
+  kNoRiff = 2,
+  kNoWave = 3,
+  kNotPcm = 4,
+  kNotMono = 5,
+  kNot16Bit = 6,
+  kNoData = 7,  ///< No "data" id where it is looked for, or more data than file.
+};
+
+/// The speech mathematics of the system: turns recordings into templates, holds the templates of
+/// the learned tags and compares them.
+///
+/// A template is a run of frames, each kBandCount floats, none negative. Slots 0 to 99 hold stored
+/// tags; slot 100 is for scratch work and is never counted or given a path. Used by one thread at a
+/// time. The documented fields are open to the pages, which set the paths, the load slot and, where
+/// they load a base themselves, the count.
+class CVoiceMathematics : public framework::CObject {
+ public:
+  static constexpr std::size_t kSlotCount = 101;
+  static constexpr std::size_t kStoredSlots = 100;
+
+  CVoiceMathematics(platform::FileSystem& files, platform::Ui& ui);
+
+  // The virtual operations, in the order of the framework's table.
+  [[nodiscard]] const framework::RuntimeClass& GetRuntimeClass() const override;
+  ~CVoiceMathematics() override = default;
+  /// Storing writes the template of slot 0. Loading fills slot `m_loadSlot`, or leaves it as it was
+  /// and marks the archive as failed where the file is short or contradicts itself. Bytes behind
+  /// the template are left alone: a longer file that was written over keeps its old end.
+  void Serialize(framework::CArchive& archive) override;
+
+  /// Opens `m_wavePath`, finds the speech, trims the file to it, and computes the template into
+  /// `slot`. Returns a LearnResult. Whatever fails, the file is the old recording or the trimmed
+  /// one.
+  int LearnFile(std::int32_t slot);
+
+  /// As LearnFile, but takes all samples of the file and leaves the file alone.
+  int ProcessFile(std::int32_t slot);
+
+  /// Reads and checks the header of the open `m_file`. Returns a HeaderCode; the file is closed on
+  /// any but kHeaderAccepted.
+  [[nodiscard]] int OpenWaveData();
+
+  // Steps of LearnFile on the open file; false where the file layer failed.
+  [[nodiscard]] bool DetectSpeechBounds();
+  [[nodiscard]] bool TrimWaveFile();
+  [[nodiscard]] bool ComputeTemplate(std::uint32_t slot);
+
+  /// In-place complex transform of `count` points, a power of two; see voicemath/fft.h.
+  static void Fft(float* real, float* imaginary, std::size_t count, int sign);
+
+  /// Seconds of sound that the template stands for; 0 for no such slot or an empty one.
+  [[nodiscard]] float GetTemplateDuration(std::int32_t slot) const;
+
+  /// Removes a stored template; all later ones, with their paths and labels, move down by one.
+  void RemoveTemplate(std::int32_t slot);
+
+  /// Empties the slots below `m_count` and sets it to 0.
+  void ClearTemplates();
+
+  /// Distance of two slots, 0 to kMaxDistance; kMaxDistance where either is none.
+  [[nodiscard]] float CompareTemplates(std::int32_t a, std::int32_t b) const;
+
+  /// Fills `m_thresholds` from the nearest neighbours of the stored templates. Returns `m_count`.
+  std::int32_t ComputeThresholds();
+
+  /// Values of the template in `slot`, which must be one; empty where it is empty.
+  [[nodiscard]] std::span<const float> GetTemplate(std::size_t slot) const;
+
+  framework::CFile m_file;  ///< The wave file in work, opened for reading and writing.
+  std::uint32_t m_dataBytes = 0;
+  /// Offset of the first sample. One byte is enough: the search for the data ends at byte 100.
+  std::uint8_t m_dataOffset = 0;
+  std::uint32_t m_firstSample = 0;
+  std::uint32_t m_lastSample = 0;  ///< Included.
+  std::uint16_t m_bandCount = kBandCount;
+  std::uint8_t m_hopsPerFrame = 2;
+  std::array<std::uint16_t, kSlotCount> m_frameCounts{};
+  std::array<std::unique_ptr<float[]>, kSlotCount> m_templates;
+  std::array<float, kStoredSlots> m_thresholds;
+  std::u16string m_wavePath;  ///< The wave file to process next.
+  std::u16string m_label;
+  std::array<std::u16string, kStoredSlots> m_wavePaths;
+  std::array<std::u16string, kStoredSlots> m_labels;
+  /// Rises with each template computed into a stored slot, a slot used again included; so it can
+  /// pass the number of slots, and no loop over slots may trust it.
+  std::int32_t m_count = 0;
+  std::int32_t m_loadSlot = 0;
+  std::int32_t m_elementCount = 0;  ///< Floats of the template computed last; a load leaves it.
+
+  /// The part of the recording that was taken, counted in the file as it was before trimming.
+  Segment m_detected;
+
+ private:
+  enum class Extent : std::uint8_t { kSpeech, kWholeFile };
+
+  [[nodiscard]] int ProcessWave(std::int32_t slot, Extent extent);
+  [[nodiscard]] bool OpenSegment(Extent extent);
+  [[nodiscard]] bool MeasureEnvelope(std::span<std::int16_t> envelope);
+  [[nodiscard]] HeaderCode ReadHeader();
+  void SelectWholeFile();
+  [[nodiscard]] bool WriteTrimmed(std::u16string_view path, std::uint32_t bytes);
+  [[nodiscard]] bool ReadFrames(std::span<float> features);
+  void Store(framework::CArchive& archive) const;
+  void Load(framework::CArchive& archive);
+  [[nodiscard]] std::size_t GetStoredCount() const;
+  void FreeSlot(std::size_t slot);
+
+  platform::FileSystem& m_files;
+  platform::Ui& m_ui;
+};
+
+}  // namespace voicemath

@@ -1,0 +1,165 @@
+// The steps of CVoiceMathematics that read the wave file.
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <new>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "audio/wave_header.h"
+#include "platform/little_endian.h"
+#include "voicemath/band_features.h"
+#include "voicemath/sample_file.h"
+#include "voicemath/voice_mathematics.h"
+
+namespace voicemath {
+namespace {
+
+constexpr std::size_t kHeaderBuffer = 100;  ///< The data must begin within these first bytes.
+constexpr std::size_t kHeaderStep = 4;      ///< Chunk ids are looked for at multiples of this.
+
+bool HasId(std::span<const std::byte> bytes, std::string_view id) {
+  return std::memcmp(bytes.data(), id.data(), id.size()) == 0;
+}
+
+/// Code of everything in the header but the data.
+HeaderCode CheckFormat(std::span<const std::byte, kHeaderBuffer> header) {
+  if (!HasId(header, "RIFF")) {
+    return kNoRiff;
+  }
+  if (!HasId(header.subspan<8>(), "WAVE")) {
+    return kNoWave;
+  }
+  if (platform::LoadLittleEndian16(header.subspan<20, 2>()) != platform::kFormatTagPcm) {
+    return kNotPcm;
+  }
+  if (platform::LoadLittleEndian16(header.subspan<22, 2>()) != 1) {
+    return kNotMono;
+  }
+  // The rate is not looked at: whatever it says, the file is taken for 11,025 samples a second.
+  const std::uint16_t bits = platform::LoadLittleEndian16(header.subspan<34, 2>());
+  return bits == audio::kRecordingBits ? kHeaderAccepted : kNot16Bit;
+}
+
+/// Offset of the "data" id, which is looked for at multiples of four only.
+std::optional<std::size_t> FindDataId(std::span<const std::byte, kHeaderBuffer> header) {
+  for (std::size_t at = 0; at < kHeaderBuffer; at += kHeaderStep) {
+    if (HasId(header.subspan(at), "data")) {
+      return at;
+    }
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+int CVoiceMathematics::OpenWaveData() {
+  const HeaderCode code = ReadHeader();
+  if (code != kHeaderAccepted) {
+    m_file.Close();
+  }
+  return code;
+}
+
+HeaderCode CVoiceMathematics::ReadHeader() {
+  std::array<std::byte, kHeaderBuffer> header{};
+  const auto length = m_file.GetLength();
+  if (!length || *length < audio::kWaveHeaderBytes || !ReadAt(m_file, 0, header)) {
+    return kTooShort;
+  }
+  const HeaderCode format = CheckFormat(header);
+  if (format != kHeaderAccepted) {
+    return format;
+  }
+  const auto id = FindDataId(header);
+  std::array<std::byte, 4> size{};  // Stands behind the buffer where the id is its last four bytes.
+  if (!id || !ReadAt(m_file, *id + size.size(), size)) {
+    return kNoData;
+  }
+  // Compared with the whole file, header included: a header that claims up to its own length too
+  // much passes, and the reads behind the end find nothing.
+  const std::uint32_t dataBytes = platform::LoadLittleEndian32(size);
+  if (dataBytes > *length) {
+    return kNoData;
+  }
+  m_dataOffset = static_cast<std::uint8_t>(*id + 8);
+  m_dataBytes = dataBytes;
+  SelectWholeFile();
+  return kHeaderAccepted;
+}
+
+void CVoiceMathematics::SelectWholeFile() {
+  m_firstSample = 0;
+  // Without a whole sample this wraps, and the segment is empty.
+  m_lastSample = m_dataBytes / static_cast<std::uint32_t>(kSampleBytes) - 1;
+}
+
+bool CVoiceMathematics::DetectSpeechBounds() {
+  SelectWholeFile();
+  constexpr std::size_t kStepBytes = kBlockStep * kSampleBytes;
+  std::vector<std::int16_t> envelope(m_dataBytes / kStepBytes);
+  if (!MeasureEnvelope(envelope)) {
+    return false;
+  }
+  const auto total = m_dataBytes / static_cast<std::uint32_t>(kSampleBytes);
+  if (const auto speech = LocateSpeech(envelope, total)) {
+    m_firstSample = speech->first;
+    m_lastSample = speech->last;
+  }
+  return true;
+}
+
+bool CVoiceMathematics::MeasureEnvelope(std::span<std::int16_t> envelope) {
+  SampleBuffer<kBlockSamples> block;
+  std::uint64_t offset = m_dataOffset;
+  for (std::int16_t& value : envelope) {
+    // Samples are taken to lie at even offsets of the file.
+    if (!ReadAt(m_file, offset / kSampleBytes * kSampleBytes, block.Bytes())) {
+      return false;
+    }
+    value = BlockEnvelope(block.Decode());
+    offset += kBlockStep * kSampleBytes;
+  }
+  return true;
+}
+
+bool CVoiceMathematics::ComputeTemplate(std::uint32_t slot) {
+  // Frames of two hops, one beginning at each hop. In 16 bits: a segment shorter than one hop gives
+  // 65,535 frames, almost all of them behind the end of the file.
+  const std::uint32_t hops = (m_lastSample - m_firstSample + 1) / kFrameHop;
+  const auto frames = static_cast<std::uint16_t>(hops - m_hopsPerFrame + 1U);
+  const std::size_t elements = std::size_t{frames} * m_bandCount;
+  std::unique_ptr<float[]> features(new (std::nothrow) float[elements]);
+  if (!features || !ReadFrames({features.get(), elements})) {
+    return false;
+  }
+  SubtractBandMinima({features.get(), elements});
+  m_templates[slot] = std::move(features);
+  m_frameCounts[slot] = frames;
+  m_elementCount = static_cast<std::int32_t>(elements);
+  return true;
+}
+
+bool CVoiceMathematics::ReadFrames(std::span<float> features) {
+  SampleBuffer<kFrameSamples> samples;
+  std::uint64_t offset = m_dataOffset + std::uint64_t{m_firstSample} * kSampleBytes;
+  for (std::size_t at = 0; at < features.size(); at += kBandCount) {
+    const auto bytes = ReadAt(m_file, offset, samples.Bytes());
+    if (!bytes) {
+      return false;
+    }
+    const auto bands = features.subspan(at).first<kBandCount>();
+    if (*bytes == 0 && at > 0) {
+      // Nothing new behind the end of the file: the buffer, and so the result, is the last one.
+      std::ranges::copy(features.subspan(at - kBandCount, kBandCount), bands.begin());
+    } else {
+      BandFeatures(samples.Decode(), bands);
+    }
+    offset += kFrameHop * kSampleBytes;
+  }
+  return true;
+}
+
+}  // namespace voicemath

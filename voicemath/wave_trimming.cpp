@@ -1,0 +1,106 @@
+// Trimming of CVoiceMathematics. The file is the user's only recording of a tag, so it is not
+// rewritten in place: the trimmed file is made beside it and takes its place in one step.
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+#include "audio/wave_header.h"
+#include "voicemath/sample_file.h"
+#include "voicemath/voice_mathematics.h"
+
+namespace voicemath {
+namespace {
+
+constexpr std::size_t kCopySamples = 1024;
+constexpr std::size_t kCopyBytes = kCopySamples * kSampleBytes;
+
+/// Ending of the trimmed file until it takes the place of the recording. It is not ".wav", so a
+/// search for recordings never finds one that was left behind by a crash.
+constexpr std::u16string_view kTrimmedSuffix = u".trimmed";
+
+/// Copies samples to the trimmed file with one buffer.
+///
+/// Where the data begins before byte 44, less far in than the samples are written, the copy has
+/// always worked on the file itself and so has read, from the second buffer on, the end of what it
+/// had just written. The same samples come out here, from the end of the buffer before.
+class SampleCopier {
+ public:
+  SampleCopier(framework::CFile& from, framework::CFile& to, std::uint64_t offset)
+      : m_from(from),
+        m_to(to),
+        m_offset(offset),
+        m_overlap(offset < audio::kWaveHeaderBytes ? audio::kWaveHeaderBytes - offset : 0) {}
+
+  /// Copies one buffer, or its first `bytes`.
+  [[nodiscard]] bool Copy(std::uint64_t done, std::size_t bytes) {
+    std::array<std::byte, audio::kWaveHeaderBytes> written{};
+    std::copy_n(m_buffer.end() - static_cast<std::ptrdiff_t>(m_overlap), m_overlap,
+                written.begin());
+    const auto part = std::span(m_buffer).first(bytes);
+    if (!ReadAt(m_from, m_offset + done, part)) {
+      return false;
+    }
+    if (done > 0) {
+      std::copy_n(written.begin(), std::min(m_overlap, bytes), part.begin());
+    }
+    return m_to.Write(part);
+  }
+
+ private:
+  framework::CFile& m_from;
+  framework::CFile& m_to;
+  std::uint64_t m_offset;
+  std::size_t m_overlap;
+  std::array<std::byte, kCopyBytes> m_buffer{};
+};
+
+}  // namespace
+
+bool CVoiceMathematics::TrimWaveFile() {
+  const std::uint32_t total = m_dataBytes / static_cast<std::uint32_t>(kSampleBytes);
+  const bool differs = m_firstSample > 0 || m_lastSample < total - 1;
+  if (!differs || m_firstSample >= m_lastSample) {
+    return true;
+  }
+  const std::uint32_t bytes =
+      (m_lastSample - m_firstSample + 1) * static_cast<std::uint32_t>(kSampleBytes);
+  const std::u16string path = m_file.GetFilePath();
+  const std::u16string trimmed = std::u16string(path).append(kTrimmedSuffix);
+  if (!WriteTrimmed(trimmed, bytes)) {
+    // What cannot be removed here is written over by the next attempt.
+    static_cast<void>(m_files.Delete(trimmed));
+    return false;
+  }
+  m_file.Close();
+  if (m_files.Replace(trimmed, path) != platform::FileError::kNone) {
+    static_cast<void>(m_files.Delete(trimmed));
+    return false;
+  }
+  m_firstSample = 0;
+  m_dataBytes = bytes;
+  m_lastSample = bytes / static_cast<std::uint32_t>(kSampleBytes) - 1;
+  // m_dataOffset stays, deliberately: it is 44 for the recorder's own files. For another file the
+  // template begins as many samples late as the old header was longer.
+  return m_file.Open(path, framework::CFile::modeReadWrite);
+}
+
+bool CVoiceMathematics::WriteTrimmed(std::u16string_view path, std::uint32_t bytes) {
+  framework::CFile trimmed(m_files);
+  const auto format = audio::MonoPcm(audio::kRecordingBits, audio::kRecordingRate);
+  if (!trimmed.Open(path, framework::CFile::modeCreate | framework::CFile::modeWrite) ||
+      !trimmed.Write(audio::MakeWaveHeader(format, bytes))) {
+    return false;
+  }
+  SampleCopier copier(m_file, trimmed, m_dataOffset + std::uint64_t{m_firstSample} * kSampleBytes);
+  for (std::uint32_t done = 0; done < bytes;) {
+    const std::uint32_t part = std::min<std::uint32_t>(bytes - done, kCopyBytes);
+    if (!copier.Copy(done, part)) {
+      return false;
+    }
+    done += part;
+  }
+  return trimmed.Flush() && trimmed.Close();
+}
+
+}  // namespace voicemath
