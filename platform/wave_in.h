@@ -11,8 +11,8 @@ namespace platform {
 ///
 /// The header and its memory are touched only within calls of this class, on the caller's thread:
 /// what arrived since is copied there by Unprepare and Reset. No call blocks for longer than a
-/// fixed limit of the back end (a few seconds), whatever the device does. The destructor resets
-/// and closes.
+/// fixed limit of the back end (a few seconds), whatever the device does. After Close every
+/// operation but Close itself fails with kNoDevice. The destructor closes.
 class WaveInDevice {
  public:
   WaveInDevice() = default;
@@ -20,22 +20,30 @@ class WaveInDevice {
   WaveInDevice& operator=(const WaveInDevice&) = delete;
   virtual ~WaveInDevice() = default;
 
-  /// Makes the header fit to be queued.
+  /// Makes the header fit to be queued and sets kWaveHeaderPrepared in its flags; once more does no
+  /// harm. kFailed where it has no memory, kStillPlaying while it is queued.
   [[nodiscard]] virtual WaveResult Prepare(WaveHeader& header) = 0;
 
-  /// Queues a prepared header. Its memory must stay until Unprepare succeeded, Reset or Close.
+  /// Queues a prepared header and sets its `bytesRecorded` to 0. Its memory must stay until
+  /// Unprepare succeeded, Reset or Close. kNotPrepared for a header that lacks the flag,
+  /// kStillPlaying while a header is queued, for there is room for one.
   [[nodiscard]] virtual WaveResult AddBuffer(WaveHeader& header) = 0;
 
-  /// Starts recording into the queued buffer.
+  /// Starts recording into the queued buffer, from what the device hears now. kNotPrepared without
+  /// a queued buffer, kNoDevice where the device went away. Once more changes nothing.
   [[nodiscard]] virtual WaveResult Start() = 0;
 
   /// Copies what has been recorded so far and says how much that is in `bytesRecorded`.
-  /// kStillPlaying while the buffer is queued and not full; else the header is released.
+  ///
+  /// While the buffer is queued and not full: kStillPlaying, or kNoDevice where nothing more will
+  /// come because the device went away; the header stays queued. Else kOk: the header is released
+  /// and no longer prepared. A header that is not queued is released as it is.
   [[nodiscard]] virtual WaveResult Unprepare(WaveHeader& header) = 0;
 
-  /// Stops recording and gives back the queued buffer with what it holds.
+  /// Stops recording and gives back the queued buffer, if any, with what it holds.
   [[nodiscard]] virtual WaveResult Reset() = 0;
 
+  /// Gives up the device, and a header still queued without touching it. Once more does no harm.
   [[nodiscard]] virtual WaveResult Close() = 0;
 };
 
@@ -53,10 +61,13 @@ class WaveIn {
   virtual ~WaveIn() = default;
 
   /// Number of real inputs; what only listens to an output does not count. 0 where the sound
-  /// service cannot be reached.
+  /// service cannot be reached, or does not answer within the limit.
   [[nodiscard]] virtual std::uint32_t GetDeviceCount() = 0;
 
-  /// Opens the default input, which converts to `format`.
+  /// Opens the default input, which converts to `format`. The device is warm when this returns: a
+  /// buffer that is queued and started then fills in its own length of time and less than a tenth
+  /// of a second. kNoDevice where GetDeviceCount is 0, kBadFormat for a format that is not to be
+  /// had.
   [[nodiscard]] virtual OpenedWaveIn Open(const WaveFormat& format) = 0;
 };
 

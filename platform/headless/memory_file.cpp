@@ -9,9 +9,13 @@ namespace headless {
 using platform::FileAccess;
 using platform::FileError;
 
+bool MayChange(const platform::OpenMode& mode) {
+  return mode.access == FileAccess::kWrite || mode.access == FileAccess::kReadWrite ||
+         mode.creation == platform::FileCreation::kCreateAlways;
+}
+
 bool GoesTogether(const platform::OpenMode& mode) {
-  return mode.share == platform::FileShare::kRead &&
-         (mode.access == FileAccess::kNone || mode.access == FileAccess::kRead);
+  return mode.share == platform::FileShare::kRead && !MayChange(mode);
 }
 
 MemoryFile::MemoryFile(std::shared_ptr<MemoryDisk> disk, MemoryNode& node,

@@ -11,6 +11,9 @@
 
 namespace headless {
 
+/// Whether opening so, or the holder of it, may change the file.
+[[nodiscard]] bool MayChange(const platform::OpenMode& mode);
+
 /// Whether a holder of such a mode goes together with others of its kind.
 [[nodiscard]] bool GoesTogether(const platform::OpenMode& mode);
 

@@ -9,7 +9,6 @@
 namespace headless {
 namespace {
 
-using platform::FileAccess;
 using platform::FileCreation;
 using platform::FileError;
 using platform::FoundFile;
@@ -44,9 +43,7 @@ class MemorySearch final : public platform::FileSearch {
 
 /// Whether a file that exists may be opened so.
 FileError CheckOpen(const MemoryNode& node, const platform::OpenMode& mode) {
-  const bool changes = mode.access == FileAccess::kWrite || mode.access == FileAccess::kReadWrite ||
-                       mode.creation == FileCreation::kCreateAlways;
-  if (node.isFolder || (changes && node.isReadOnly)) {
+  if (node.isFolder || (MayChange(mode) && node.isReadOnly)) {
     return FileError::kAccessDenied;
   }
   const bool conflicts = node.isHeldAlone || (node.readers != 0 && !GoesTogether(mode));

@@ -1,0 +1,9 @@
+#pragma once
+
+namespace cli {
+
+/// Runs one command line. Returns the exit code of the program: 0 done, 1 failed with a message on
+/// standard error, 2 wrong usage.
+[[nodiscard]] int RunCommandLine(int argc, const char* const* argv);
+
+}  // namespace cli

@@ -1,0 +1,156 @@
+#include "host/cli/wave_commands.h"
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <atomic>
+#include <cstdio>
+#include <memory>
+#include <string>
+
+#include "audio/wave_device.h"
+#include "audio/wave_header.h"
+#include "host/cli/header_code.h"
+#include "host/cli/output.h"
+#include "voicemath/voice_mathematics.h"
+
+namespace cli {
+namespace {
+
+constexpr std::uint32_t kUtteranceMilliseconds = 3000;
+constexpr std::uint32_t kLongestMilliseconds = 180'000;
+constexpr std::uint32_t kProgressStep = 100;
+constexpr std::uint32_t kProgressWidth = 30;
+
+double ToSeconds(std::uint32_t milliseconds) { return milliseconds / 1000.0; }
+
+/// What no message box has told yet.
+std::string ExplainRecordCode(int code) {
+  switch (code) {
+    case audio::kDeviceNotOpened:
+      return "the microphone could not be opened for 11,025 Hz, mono, 16 bit";
+    case audio::kNoBuffer:
+      return "there is no memory for so long a recording";
+    case audio::kBufferNotQueued:
+      return "the microphone did not take the buffer";
+    case audio::kNotStarted:
+      return "the microphone could not be started";
+    default:
+      return {};
+  }
+}
+
+/// A line on the terminal that shows how far a recording has come; nothing where standard error is
+/// no terminal.
+class ProgressLine {
+ public:
+  explicit ProgressLine(std::uint32_t milliseconds)
+      : m_milliseconds(milliseconds), m_isShown(::isatty(STDERR_FILENO) == 1) {}
+  ProgressLine(const ProgressLine&) = delete;
+  ProgressLine& operator=(const ProgressLine&) = delete;
+  ~ProgressLine() {
+    if (m_isDrawn) {
+      fmt::print(stderr, "\n");
+    }
+  }
+
+  void Show(std::uint32_t passed) {
+    if (!m_isShown) {
+      return;
+    }
+    const std::uint32_t done = std::min(passed, m_milliseconds);
+    const std::uint32_t filled =
+        static_cast<std::uint32_t>(std::uint64_t{kProgressWidth} * done / m_milliseconds);
+    fmt::print(stderr, "\rSpeak now  [{:#<{}}{:.<{}}] {:.1f} s of {:.1f} s", "", filled, "",
+               kProgressWidth - filled, ToSeconds(done), ToSeconds(m_milliseconds));
+    std::fflush(stderr);
+    m_isDrawn = true;
+  }
+
+ private:
+  std::uint32_t m_milliseconds;
+  bool m_isShown;
+  bool m_isDrawn = false;
+};
+
+/// Records on a worker, so that this thread can show how far it is.
+int RecordWithProgress(const platform::Platform& platform, audio::WaveDevice& device,
+                       const std::u16string& path, std::uint32_t milliseconds) {
+  std::atomic<int> code = audio::kNoBuffer;
+  const auto worker = platform.threads.Start([&] { code = device.Record(path, milliseconds); },
+                                             platform::ThreadStart::kRunning);
+  if (!worker) {
+    return code;
+  }
+  ProgressLine line(milliseconds);
+  std::uint32_t passed = 0;
+  while (worker->Wait(kProgressStep) == platform::WaitResult::kTimedOut) {
+    passed += kProgressStep;
+    line.Show(passed);
+  }
+  return code;
+}
+
+void Record(Session& session, const std::string& file, std::uint32_t milliseconds) {
+  const platform::Platform platform = session.GetPlatform();
+  audio::WaveDevice device(platform);
+  device.SetFormat(audio::kRecordingBits, audio::kRecordingRate);
+  const int code = RecordWithProgress(platform, device, Session::ToSystemPath(file), milliseconds);
+
+  if (session.GetOptions().json) {
+    PrintJson({{"code", code}, {"bytes", device.GetRecordedBytes()}});
+  } else if (code == audio::kRecorded) {
+    PrintLine(fmt::format("Recorded {:.1f} s to {}", ToSeconds(milliseconds), file));
+  }
+  if (code != audio::kRecorded) {
+    const std::string reason = ExplainRecordCode(code);
+    session.Fail(reason.empty()
+                     ? fmt::format("{} was not recorded", file)
+                     : fmt::format("{} was not recorded: {} (code {})", file, reason, code));
+  }
+}
+
+void Check(Session& session, const std::string& file) {
+  const platform::Platform platform = session.GetPlatform();
+  voicemath::CVoiceMathematics mathematics(platform.files, platform.ui);
+  const int code = CheckHeader(mathematics, Session::ToSystemPath(file));
+  if (session.GetOptions().json) {
+    PrintJson({{"code", code},
+               {"dataOffset", mathematics.m_dataOffset},
+               {"dataBytes", mathematics.m_dataBytes}});
+  } else if (code == voicemath::kHeaderAccepted) {
+    PrintLine(fmt::format("{}: accepted, {} bytes of samples from byte {} on", file,
+                          mathematics.m_dataBytes, mathematics.m_dataOffset));
+  }
+  if (code != voicemath::kHeaderAccepted) {
+    session.Fail(fmt::format("{}: {}", file, ExplainHeaderCode(code)));
+  }
+}
+
+}  // namespace
+
+void AddWaveCommands(CLI::App& app, Session& session) {
+  CLI::App* wave = app.add_subcommand("wave", "Record and check wave files");
+  wave->require_subcommand(1);
+
+  struct Arguments {
+    std::string file;
+    std::uint32_t milliseconds = kUtteranceMilliseconds;
+  };
+  const auto arguments = std::make_shared<Arguments>();
+
+  CLI::App* record = wave->add_subcommand("record", "Record from the microphone into a wave file");
+  record->add_option("file", arguments->file, "The wave file to write")->required();
+  record->add_option("--milliseconds", arguments->milliseconds, "Length of the recording")
+      ->check(CLI::Range(1U, kLongestMilliseconds))
+      ->capture_default_str();
+  record->callback(
+      [&session, arguments] { Record(session, arguments->file, arguments->milliseconds); });
+
+  CLI::App* check = wave->add_subcommand("check", "Tell whether a wave file can be learned");
+  check->add_option("file", arguments->file, "The wave file")->required();
+  check->callback([&session, arguments] { Check(session, arguments->file); });
+}
+
+}  // namespace cli

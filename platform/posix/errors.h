@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cerrno>
+
+#include "platform/file_system.h"
+
+namespace posix {
+
+/// What a value of errno means to the system.
+[[nodiscard]] platform::FileError ToFileError(int error);
+
+/// Calls until the call was not interrupted by a signal.
+template <typename Call>
+[[nodiscard]] auto Retry(Call call) {
+  auto result = call();
+  while (result == -1 && errno == EINTR) {
+    result = call();
+  }
+  return result;
+}
+
+}  // namespace posix

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/file_system.h"
+
+namespace posix {
+
+/// The names in `folder` in the order in which the system gives them, without "." and "..".
+/// Nothing, with errno set, where it cannot be read.
+[[nodiscard]] std::optional<std::vector<std::string>> ListFolder(const std::string& folder);
+
+/// Where a path of the system's callers leads on the host.
+struct HostPlace {
+  std::string folder;  ///< Ends with a "/".
+  std::string name;
+
+  [[nodiscard]] std::string Path() const { return folder + name; }
+};
+
+/// The host's place of a path, device paths below `root`. The last name is the one on the disk
+/// where some spelling of it exists, else the one that was asked for. Nothing where a folder on the
+/// way is missing or the path names nothing.
+[[nodiscard]] std::optional<HostPlace> FindPlace(const std::string& root, std::u16string_view path);
+
+/// The path behind every symbolic link at the end of `path`, whether or not anything is there.
+/// Nothing, with errno set, where the links lead in a circle.
+[[nodiscard]] std::optional<std::string> FollowLinks(std::string path);
+
+/// The folder that holds the entry `path`, with the "/" at its end.
+[[nodiscard]] std::string FolderOf(const std::string& path);
+
+}  // namespace posix

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+
+#include "platform/pulse/answer.h"
+#include "platform/pulse/handles.h"
+
+namespace pulse {
+
+/// A connection to the user's sound server, with the thread that serves it.
+class Connection {
+ public:
+  /// Null where there is no server, or none that answers before the deadline. Never starts a
+  /// server: that is the business of the user's session, and could not be given a deadline.
+  [[nodiscard]] static std::unique_ptr<Connection> Open(Deadline deadline);
+
+  Connection(const Connection&) = delete;
+  Connection& operator=(const Connection&) = delete;
+  ~Connection();
+
+  /// Number of sources that are no monitors of outputs. Nothing where the server went away or did
+  /// not answer in time.
+  [[nodiscard]] std::optional<std::uint32_t> CountInputs(Deadline deadline);
+
+  [[nodiscard]] pa_threaded_mainloop* Loop() const { return m_loop.get(); }
+  [[nodiscard]] pa_context* Context() const { return m_context.get(); }
+
+ private:
+  Connection() = default;
+
+  [[nodiscard]] bool Start();
+
+  // Before the handles: the loop's thread uses it until they are gone.
+  Answer<bool> m_ready;
+  LoopHandle m_loop;
+  ContextHandle m_context;
+};
+
+}  // namespace pulse

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <pulse/sample.h>
+
+#include <memory>
+
+#include "platform/pulse/answer.h"
+#include "platform/pulse/capture_buffer.h"
+#include "platform/pulse/connection.h"
+#include "platform/pulse/handles.h"
+
+namespace pulse {
+
+/// A running record stream from the default source into a buffer. Does not outlive the connection
+/// or the buffer.
+class RecordStream {
+ public:
+  /// Null where the server gives no stream before the deadline. The stream runs when this returns;
+  /// it may be a while yet until its first data.
+  [[nodiscard]] static std::unique_ptr<RecordStream> Open(Connection& connection,
+                                                          CaptureBuffer& buffer,
+                                                          const pa_sample_spec& sampleSpec,
+                                                          Deadline deadline);
+
+  RecordStream(const RecordStream&) = delete;
+  RecordStream& operator=(const RecordStream&) = delete;
+  ~RecordStream();
+
+  /// Waits until the source has delivered something, or went away, or the deadline is there.
+  void WaitForFirstData(Deadline deadline);
+
+ private:
+  RecordStream(Connection& connection, CaptureBuffer& buffer);
+
+  [[nodiscard]] bool Start(const pa_sample_spec& sampleSpec);
+
+  static void OnState(pa_stream* stream, void* self);
+  static void OnReadable(pa_stream* stream, std::size_t byteCount, void* self);
+
+  Connection& m_connection;
+  CaptureBuffer& m_buffer;
+  Answer<bool> m_ready;
+  Answer<bool> m_delivered;
+  StreamHandle m_stream;
+};
+
+}  // namespace pulse

@@ -1,0 +1,119 @@
+#include <filesystem>
+#include <fstream>
+
+#include "tests/cli/command_fixture.h"
+
+namespace {
+
+using testing::HasSubstr;
+
+class TemplateCommands : public CommandFixture {};
+
+TEST_F(TemplateCommands, LearnTrimsTheRecordingAndWritesTheTemplate) {
+  const std::string wave = CopySample("anna_1.wav");
+  const auto json = RunJson({"template", "learn", wave, Path("anna.st")}, 0);
+  EXPECT_EQ(json["result"], 0);
+  const std::size_t first = json["segment"][0];
+  const std::size_t last = json["segment"][1];
+  const std::size_t samples = last - first + 1;
+  EXPECT_LT(samples, 33075U);
+  EXPECT_EQ(std::filesystem::file_size(wave), 44 + 2 * samples);
+  const std::size_t frames = json["frames"];
+  EXPECT_EQ(frames, samples / 512 - 1);
+  EXPECT_EQ(std::filesystem::file_size(Path("anna.st")), 6 + 20 * frames);
+  EXPECT_FLOAT_EQ(json["seconds"], static_cast<float>((frames + 1) * 512) / 11025.0F);
+}
+
+TEST_F(TemplateCommands, ProcessTakesTheWholeRecordingAndLeavesIt) {
+  const std::string wave = CopySample("anna_1.wav");
+  const auto json = RunJson({"template", "process", wave, Path("anna.st")}, 0);
+  EXPECT_EQ(json["segment"], (nlohmann::json{0, 33074}));
+  EXPECT_EQ(json["frames"], 63);
+  EXPECT_EQ(std::filesystem::file_size(wave), 66194U);
+}
+
+TEST_F(TemplateCommands, LearnShowsASummaryAndAPicture) {
+  const auto run = Run({"template", "learn", CopySample("anna_1.wav"), Path("anna.st")});
+  EXPECT_EQ(run.exitCode, 0) << run.err;
+  EXPECT_THAT(run.out, HasSubstr("Speech"));
+  EXPECT_THAT(run.out, HasSubstr("1981 to 2466 Hz"));
+  EXPECT_THAT(run.out, HasSubstr(" 108 to  485 Hz"));
+  EXPECT_THAT(run.out, HasSubstr("█"));
+}
+
+TEST_F(TemplateCommands, AResultThatIsNotZeroPrintsTheJsonAllTheSame) {
+  std::ofstream(Path("text.wav")) << std::string(50, 'x');
+  for (const std::string wave : {"text.wav", "missing.wav"}) {
+    for (const std::string command : {"learn", "process"}) {
+      const auto json = RunJson({"template", command, Path(wave), Path("a.st")}, 1);
+      EXPECT_EQ(json["result"], 2);
+      EXPECT_EQ(json["frames"], 0);
+      EXPECT_FALSE(std::filesystem::exists(Path("a.st")));
+    }
+  }
+}
+
+TEST_F(TemplateCommands, ATemplateThatCannotBeWrittenIsAFailure) {
+  const auto run = Run({"template", "process", CopySample("anna_1.wav"), Path("none/a.st")});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.err, HasSubstr("cannot be made"));
+}
+
+TEST_F(TemplateCommands, ShowPrintsEveryValueWithNineDigits) {
+  ASSERT_EQ(Run({"template", "process", CopySample("anna_1.wav"), Path("a.st")}).exitCode, 0);
+  const auto json = RunJson({"template", "show", Path("a.st")}, 0);
+  EXPECT_EQ(json["elementCount"], 315);
+  EXPECT_EQ(json["frames"], 63);
+  ASSERT_EQ(json["values"].size(), 315U);
+
+  std::ifstream file(Path("a.st"), std::ios::binary);
+  file.seekg(6);
+  for (const auto& value : json["values"]) {
+    float stored = 0.0F;
+    file.read(reinterpret_cast<char*>(&stored), sizeof stored);
+    EXPECT_EQ(value.get<float>(), stored);
+  }
+}
+
+TEST_F(TemplateCommands, ShowRefusesATornFile) {
+  std::ofstream(Path("torn.st"), std::ios::binary) << std::string("\x05\0\0\0\x01\0abc", 9);
+  const auto run = Run({"template", "show", Path("torn.st"), "--json"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_EQ(run.out, "");
+  EXPECT_THAT(run.err, HasSubstr("torn"));
+}
+
+TEST_F(TemplateCommands, CompareFindsTheSameNameNearerThanAnother) {
+  std::vector<std::string> arguments{"template", "compare"};
+  for (const std::string name : {"anna_1", "anna_2", "elizabeth_1"}) {
+    const std::string st = Path(name + ".st");
+    ASSERT_EQ(Run({"template", "learn", CopySample(name + ".wav"), st}).exitCode, 0);
+    arguments.push_back(st);
+  }
+  const auto json = RunJson(arguments, 0);
+  const auto& distances = json["distances"];
+  ASSERT_EQ(distances.size(), 3U);
+  EXPECT_EQ(distances[0][0], 0.0);
+  EXPECT_GT(distances[0][1], 0.0);
+  EXPECT_LT(distances[0][1], distances[0][2]);
+  ASSERT_EQ(json["thresholds"].size(), 3U);
+  const float nearest = distances[0][1];
+  EXPECT_FLOAT_EQ(json["thresholds"][0], nearest - nearest / 3.0F);
+  EXPECT_THAT(Run(arguments).out, HasSubstr("accepts below"));
+}
+
+TEST_F(TemplateCommands, CompareOfOneTemplateHasNoNeighbour) {
+  ASSERT_EQ(Run({"template", "process", CopySample("anna_1.wav"), Path("a.st")}).exitCode, 0);
+  const auto json = RunJson({"template", "compare", Path("a.st")}, 0);
+  EXPECT_EQ(json, (nlohmann::json{{"distances", {{0.0}}}, {"thresholds", {2.0}}}));
+}
+
+TEST_F(TemplateCommands, WrongUsageIsTwo) {
+  EXPECT_EQ(Run({"template", "learn", Path("a.wav")}).exitCode, 2);
+  EXPECT_EQ(Run({"template", "compare"}).exitCode, 2);
+  std::vector<std::string> tooMany{"template", "compare"};
+  tooMany.insert(tooMany.end(), 101, Path("a.st"));
+  EXPECT_EQ(Run(tooMany).exitCode, 2);
+}
+
+}  // namespace

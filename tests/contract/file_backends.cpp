@@ -1,0 +1,101 @@
+#include "tests/contract/file_backends.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <stdexcept>
+
+#include "platform/headless/memory_file_system.h"
+#include "platform/posix/posix_file_system.h"
+#include "tests/support/file_bytes.h"
+#include "tests/support/temp_folder.h"
+
+namespace contract {
+namespace {
+
+std::u16string WithBackslashes(std::u16string_view name) {
+  std::u16string path(name);
+  std::ranges::replace(path, u'/', u'\\');
+  return path;
+}
+
+class MemoryBackend final : public FileBackend {
+ public:
+  explicit MemoryBackend(bool isDevice) : m_isDevice(isDevice) {
+    if (m_files.CreateFolder(m_isDevice ? u"\\Base" : u"/base") != platform::FileError::kNone) {
+      throw std::runtime_error("no folder for the test");
+    }
+  }
+
+  platform::FileSystem& Files() override { return m_files; }
+  std::u16string Path(std::u16string_view name) override {
+    return m_isDevice ? u"\\Base\\" + WithBackslashes(name) : u"/base/" + std::u16string(name);
+  }
+  void Protect(std::u16string_view name) override { m_files.SetReadOnly(Path(name), true); }
+
+ private:
+  headless::MemoryFileSystem m_files;
+  const bool m_isDevice;
+};
+
+class PosixBackend final : public FileBackend {
+ public:
+  explicit PosixBackend(bool isDevice) : m_isDevice(isDevice) {}
+
+  platform::FileSystem& Files() override { return m_files; }
+  std::u16string Path(std::u16string_view name) override {
+    return m_isDevice ? u"\\" + WithBackslashes(name) : m_root.Text() + u"/" + std::u16string(name);
+  }
+  void Protect(std::u16string_view name) override {
+    using std::filesystem::perms;
+    std::filesystem::permissions(m_root.Path() / name,
+                                 perms::owner_read | perms::group_read | perms::others_read);
+  }
+
+ private:
+  support::TempFolder m_root;
+  posix::PosixFileSystem m_files{m_root.Text()};
+  const bool m_isDevice;
+};
+
+}  // namespace
+
+std::ostream& operator<<(std::ostream& stream, const FileBackendKind& kind) {
+  return stream << kind.name;
+}
+
+std::vector<FileBackendKind> AllFileBackends() {
+  return {
+      {"MemoryDevice", true,
+       []() -> std::unique_ptr<FileBackend> { return std::make_unique<MemoryBackend>(true); }},
+      {"MemoryHost", false,
+       []() -> std::unique_ptr<FileBackend> { return std::make_unique<MemoryBackend>(false); }},
+      {"PosixDevice", true,
+       []() -> std::unique_ptr<FileBackend> { return std::make_unique<PosixBackend>(true); }},
+      {"PosixHost", false,
+       []() -> std::unique_ptr<FileBackend> { return std::make_unique<PosixBackend>(false); }},
+  };
+}
+
+std::unique_ptr<platform::File> FileContract::MustOpen(std::u16string_view name,
+                                                       const platform::OpenMode& mode) {
+  platform::OpenedFile opened = Files().Open(Path(name), mode);
+  if (opened.file == nullptr) {
+    throw std::runtime_error("a file of the test does not open");
+  }
+  EXPECT_EQ(opened.error, platform::FileError::kNone);
+  return std::move(opened.file);
+}
+
+void FileContract::Write(std::u16string_view name, std::string_view content) {
+  ASSERT_EQ(support::WriteWhole(Files(), Path(name), content), platform::FileError::kNone);
+}
+
+std::string FileContract::Read(std::u16string_view name) {
+  return support::ReadWhole(Files(), Path(name)).value_or("(not readable)");
+}
+
+std::string BackendName(const testing::TestParamInfo<FileBackendKind>& info) {
+  return info.param.name;
+}
+
+}  // namespace contract

@@ -1,0 +1,166 @@
+#include <gtest/gtest.h>
+
+#include <array>
+#include <limits>
+#include <vector>
+
+#include "tests/contract/file_backends.h"
+#include "tests/support/file_bytes.h"
+
+namespace contract {
+namespace {
+
+using platform::FileError;
+using support::ToBytes;
+using support::ToText;
+
+class FileCalls : public FileContract {
+ protected:
+  [[nodiscard]] static std::string ReadText(platform::File& file, std::size_t count) {
+    std::vector<std::byte> bytes(count);
+    const std::optional<std::size_t> read = file.Read(bytes);
+    bytes.resize(read.value_or(0));
+    return read ? ToText(bytes) : "(failed)";
+  }
+};
+
+TEST_P(FileCalls, WriteAndReadAdvanceThePosition) {
+  const auto file = MustOpen(u"f", kReadWrite);
+  EXPECT_EQ(file->Write(ToBytes("abc")), FileError::kNone);
+  EXPECT_EQ(file->Write(ToBytes("def")), FileError::kNone);
+  EXPECT_EQ(file->Seek(1), FileError::kNone);
+  EXPECT_EQ(ReadText(*file, 2), "bc");
+  EXPECT_EQ(ReadText(*file, 2), "de");
+}
+
+TEST_P(FileCalls, AReadReturnsLessOnlyAtTheEnd) {
+  Write(u"f", "abc");
+  const auto file = MustOpen(u"f", kReadAlone);
+  EXPECT_EQ(ReadText(*file, 10), "abc");
+  EXPECT_EQ(ReadText(*file, 10), "");
+  EXPECT_EQ(ReadText(*file, 0), "");
+}
+
+TEST_P(FileCalls, AReadBehindTheEndFindsNothing) {
+  Write(u"f", "abc");
+  const auto file = MustOpen(u"f", kReadAlone);
+  for (const std::uint64_t offset :
+       {std::uint64_t{3}, std::uint64_t{1} << 33, (std::uint64_t{1} << 63) - 1,
+        std::uint64_t{1} << 63, std::numeric_limits<std::uint64_t>::max()}) {
+    ASSERT_EQ(file->Seek(offset), FileError::kNone);
+    EXPECT_EQ(ReadText(*file, 4), "") << offset;
+  }
+}
+
+TEST_P(FileCalls, AnOverwriteKeepsTheRest) {
+  Write(u"f", "abcdef");
+  {
+    const auto file = MustOpen(u"f", kWriteExisting);
+    ASSERT_EQ(file->Seek(2), FileError::kNone);
+    EXPECT_EQ(file->Write(ToBytes("XY")), FileError::kNone);
+  }
+  EXPECT_EQ(Read(u"f"), "abXYef");
+}
+
+TEST_P(FileCalls, AGapBehindTheEndReadsAsZeros) {
+  {
+    const auto file = MustOpen(u"f", kCreate);
+    ASSERT_EQ(file->Write(ToBytes("a")), FileError::kNone);
+    ASSERT_EQ(file->Seek(4), FileError::kNone);
+    EXPECT_EQ(file->GetLength(), 1U);
+    EXPECT_EQ(file->Write(ToBytes("b")), FileError::kNone);
+    EXPECT_EQ(file->GetLength(), 5U);
+  }
+  EXPECT_EQ(Read(u"f"), std::string("a\0\0\0b", 5));
+}
+
+TEST_P(FileCalls, AnEmptyWriteChangesNothingEvenBehindTheEnd) {
+  const auto file = MustOpen(u"f", kCreate);
+  ASSERT_EQ(file->Seek(100), FileError::kNone);
+  EXPECT_EQ(file->Write({}), FileError::kNone);
+  EXPECT_EQ(file->GetLength(), 0U);
+}
+
+TEST_P(FileCalls, AWriteThatNoFileCanHoldFails) {
+  const auto file = MustOpen(u"f", kCreate);
+  for (const std::uint64_t offset : {(std::uint64_t{1} << 63) - 1, std::uint64_t{1} << 63,
+                                     std::numeric_limits<std::uint64_t>::max()}) {
+    ASSERT_EQ(file->Seek(offset), FileError::kNone);
+    EXPECT_EQ(file->Write(ToBytes("abcd")), FileError::kDiskFull) << offset;
+  }
+  EXPECT_EQ(file->GetLength(), 0U);
+}
+
+TEST_P(FileCalls, SetLengthCutsAndFillsWithZerosAndKeepsThePosition) {
+  const auto file = MustOpen(u"f", kReadWrite);
+  ASSERT_EQ(file->Write(ToBytes("abcdef")), FileError::kNone);
+  EXPECT_EQ(file->SetLength(2), FileError::kNone);
+  EXPECT_EQ(file->GetLength(), 2U);
+  EXPECT_EQ(file->SetLength(4), FileError::kNone);
+  EXPECT_EQ(file->Write(ToBytes("Z")), FileError::kNone);
+  ASSERT_EQ(file->Seek(0), FileError::kNone);
+  EXPECT_EQ(ReadText(*file, 10), std::string("ab\0\0\0\0Z", 7));
+}
+
+TEST_P(FileCalls, ALengthThatNoFileCanHaveIsRefused) {
+  const auto file = MustOpen(u"f", kReadWrite);
+  ASSERT_EQ(file->Write(ToBytes("abc")), FileError::kNone);
+  EXPECT_EQ(file->SetLength(std::numeric_limits<std::uint64_t>::max()), FileError::kDiskFull);
+  EXPECT_EQ(file->GetLength(), 3U);
+}
+
+TEST_P(FileCalls, AFileOpenedForReadingTakesNoWrites) {
+  Write(u"f", "abc");
+  const auto file = MustOpen(u"f", kReadAlone);
+  EXPECT_EQ(file->Write(ToBytes("x")), FileError::kAccessDenied);
+  EXPECT_EQ(file->SetLength(0), FileError::kAccessDenied);
+  EXPECT_EQ(ReadText(*file, 3), "abc");
+}
+
+TEST_P(FileCalls, AFileOpenedForWritingGivesNoReads) {
+  Write(u"f", "abc");
+  const auto file = MustOpen(u"f", kWriteExisting);
+  std::array<std::byte, 1> into{};
+  EXPECT_FALSE(file->Read(into).has_value());
+}
+
+TEST_P(FileCalls, AFileOpenedWithoutAccessTellsItsLengthOnly) {
+  Write(u"f", "abc");
+  const auto file = MustOpen(u"f", kLook);
+  std::array<std::byte, 1> into{};
+  EXPECT_EQ(file->GetLength(), 3U);
+  EXPECT_FALSE(file->Read(into).has_value());
+  EXPECT_EQ(file->Write(ToBytes("x")), FileError::kAccessDenied);
+}
+
+TEST_P(FileCalls, FlushedBytesAreThere) {
+  const auto file = MustOpen(u"f", kCreate);
+  ASSERT_EQ(file->Write(ToBytes("abc")), FileError::kNone);
+  EXPECT_EQ(file->Flush(), FileError::kNone);
+  EXPECT_EQ(file->Flush(), FileError::kNone);
+}
+
+TEST_P(FileCalls, ClosingTwiceSucceeds) {
+  const auto file = MustOpen(u"f", kCreate);
+  EXPECT_EQ(file->Close(), FileError::kNone);
+  EXPECT_EQ(file->Close(), FileError::kNone);
+}
+
+TEST_P(FileCalls, AClosedFileDoesNothingMore) {
+  Write(u"f", "abc");
+  const auto file = MustOpen(u"f", kReadWrite);
+  ASSERT_EQ(file->Close(), FileError::kNone);
+  std::array<std::byte, 1> into{};
+  EXPECT_FALSE(file->GetLength().has_value());
+  EXPECT_EQ(file->Seek(0), FileError::kClosed);
+  EXPECT_FALSE(file->Read(into).has_value());
+  EXPECT_EQ(file->Write(ToBytes("x")), FileError::kClosed);
+  EXPECT_EQ(file->SetLength(0), FileError::kClosed);
+  EXPECT_EQ(file->Flush(), FileError::kClosed);
+  EXPECT_EQ(Read(u"f"), "abc");
+}
+
+INSTANTIATE_TEST_SUITE_P(EachBackend, FileCalls, testing::ValuesIn(AllFileBackends()), BackendName);
+
+}  // namespace
+}  // namespace contract

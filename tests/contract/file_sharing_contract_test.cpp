@@ -1,0 +1,109 @@
+#include <gtest/gtest.h>
+
+#include "tests/contract/file_backends.h"
+
+namespace contract {
+namespace {
+
+using platform::FileAccess;
+using platform::FileCreation;
+using platform::FileError;
+using platform::FileShare;
+using platform::OpenMode;
+
+class FileSharing : public FileContract {
+ protected:
+  void SetUp() override { Write(u"f", "abc"); }
+};
+
+constexpr OpenMode kLookTogether{FileAccess::kNone, FileShare::kRead, FileCreation::kOpenExisting};
+constexpr OpenMode kWriteTogether{FileAccess::kWrite, FileShare::kRead,
+                                  FileCreation::kOpenExisting};
+constexpr OpenMode kReadEmptiedTogether{FileAccess::kRead, FileShare::kRead,
+                                        FileCreation::kCreateAlways};
+
+TEST_P(FileSharing, ReadersThatShareGoTogether) {
+  const auto first = MustOpen(u"f", kReadTogether);
+  const auto second = MustOpen(u"f", kReadTogether);
+  EXPECT_EQ(Open(u"f", kReadTogether), FileError::kNone);
+  EXPECT_EQ(Open(u"f", kLookTogether), FileError::kNone);
+}
+
+TEST_P(FileSharing, WhoeverSharesNothingIsAlone) {
+  const auto first = MustOpen(u"f", kReadAlone);
+  for (const OpenMode& mode : {kReadTogether, kReadAlone, kWriteExisting, kLook, kMake, kCreate}) {
+    EXPECT_EQ(Open(u"f", mode), FileError::kSharingViolation);
+  }
+}
+
+TEST_P(FileSharing, NobodyIsAloneBesideAReader) {
+  const auto first = MustOpen(u"f", kReadTogether);
+  for (const OpenMode& mode : {kReadAlone, kWriteExisting, kReadWrite, kLook, kCreate}) {
+    EXPECT_EQ(Open(u"f", mode), FileError::kSharingViolation);
+  }
+  EXPECT_EQ(Read(u"f"), "abc");
+}
+
+TEST_P(FileSharing, NobodyReadsBesideAWriter) {
+  const auto first = MustOpen(u"f", kWriteTogether);
+  EXPECT_EQ(Open(u"f", kReadTogether), FileError::kSharingViolation);
+}
+
+TEST_P(FileSharing, NobodyWritesOrEmptiesBesideAReader) {
+  const auto first = MustOpen(u"f", kReadTogether);
+  EXPECT_EQ(Open(u"f", kWriteTogether), FileError::kSharingViolation);
+  EXPECT_EQ(Open(u"f", kReadEmptiedTogether), FileError::kSharingViolation);
+  EXPECT_EQ(Read(u"f"), "abc");
+}
+
+TEST_P(FileSharing, ARefusedHolderDoesNotEmptyTheFile) {
+  {
+    const auto first = MustOpen(u"f", kReadAlone);
+    EXPECT_EQ(Open(u"f", kCreate), FileError::kSharingViolation);
+  }
+  EXPECT_EQ(Read(u"f"), "abc");
+}
+
+TEST_P(FileSharing, ClosingLetsTheNextIn) {
+  const auto first = MustOpen(u"f", kReadAlone);
+  ASSERT_EQ(first->Close(), FileError::kNone);
+  EXPECT_EQ(Open(u"f", kWriteExisting), FileError::kNone);
+}
+
+TEST_P(FileSharing, ADestroyedHolderIsNone) {
+  MustOpen(u"f", kReadAlone).reset();
+  EXPECT_EQ(Open(u"f", kWriteExisting), FileError::kNone);
+}
+
+TEST_P(FileSharing, TheLastReaderToLeaveLetsAWriterIn) {
+  auto first = MustOpen(u"f", kReadTogether);
+  auto second = MustOpen(u"f", kReadTogether);
+  first.reset();
+  EXPECT_EQ(Open(u"f", kWriteExisting), FileError::kSharingViolation);
+  second.reset();
+  EXPECT_EQ(Open(u"f", kWriteExisting), FileError::kNone);
+}
+
+TEST_P(FileSharing, AHeldFileIsNeitherDeletedNorReplaced) {
+  Write(u"other", "xyz");
+  for (const OpenMode& mode : {kReadTogether, kReadAlone, kWriteExisting, kLook}) {
+    const auto holder = MustOpen(u"f", mode);
+    EXPECT_EQ(Files().Delete(Path(u"f")), FileError::kSharingViolation);
+    EXPECT_EQ(Files().Replace(Path(u"other"), Path(u"f")), FileError::kSharingViolation);
+    EXPECT_EQ(Files().Replace(Path(u"f"), Path(u"other")), FileError::kSharingViolation);
+  }
+  EXPECT_EQ(Read(u"f"), "abc");
+  EXPECT_EQ(Read(u"other"), "xyz");
+}
+
+TEST_P(FileSharing, HoldersOfOneFileDoNotMatterToAnother) {
+  const auto first = MustOpen(u"f", kReadAlone);
+  EXPECT_EQ(Open(u"g", kCreate), FileError::kNone);
+  EXPECT_EQ(Files().Delete(Path(u"g")), FileError::kNone);
+}
+
+INSTANTIATE_TEST_SUITE_P(EachBackend, FileSharing, testing::ValuesIn(AllFileBackends()),
+                         BackendName);
+
+}  // namespace
+}  // namespace contract

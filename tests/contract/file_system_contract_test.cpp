@@ -1,0 +1,201 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/contract/file_backends.h"
+#include "tests/support/file_bytes.h"
+
+namespace contract {
+namespace {
+
+using platform::FileAccess;
+using platform::FileCreation;
+using platform::FileError;
+using platform::FileShare;
+using platform::OpenMode;
+using support::FindNames;
+using testing::UnorderedElementsAre;
+
+class FileSystemCalls : public FileContract {};
+
+constexpr OpenMode kAllModes[] = {kReadAlone, kReadTogether, kWriteExisting, kReadWrite,
+                                  kCreate,    kLook,         kMake};
+
+TEST_P(FileSystemCalls, OpenExistingFindsOnlyWhatIsThere) {
+  EXPECT_EQ(Open(u"f", kReadAlone), FileError::kNotFound);
+  EXPECT_EQ(Open(u"f", kWriteExisting), FileError::kNotFound);
+  EXPECT_EQ(Open(u"f", kLook), FileError::kNotFound);
+  Write(u"f", "abc");
+  EXPECT_EQ(Open(u"f", kReadAlone), FileError::kNone);
+  EXPECT_EQ(Open(u"f", kLook), FileError::kNone);
+}
+
+TEST_P(FileSystemCalls, OpenAlwaysMakesAndKeeps) {
+  EXPECT_EQ(Open(u"f", kMake), FileError::kNone);
+  EXPECT_EQ(Read(u"f"), "");
+  Write(u"f", "abc");
+  EXPECT_EQ(Open(u"f", kMake), FileError::kNone);
+  EXPECT_EQ(Open(u"f", kReadWrite), FileError::kNone);
+  EXPECT_EQ(Read(u"f"), "abc");
+}
+
+TEST_P(FileSystemCalls, CreateAlwaysMakesAndEmpties) {
+  EXPECT_EQ(Open(u"f", kCreate), FileError::kNone);
+  EXPECT_EQ(Read(u"f"), "");
+  for (const FileAccess access :
+       {FileAccess::kNone, FileAccess::kRead, FileAccess::kWrite, FileAccess::kReadWrite}) {
+    Write(u"f", "abc");
+    EXPECT_EQ(Open(u"f", {access, FileShare::kNone, FileCreation::kCreateAlways}),
+              FileError::kNone);
+    EXPECT_EQ(Read(u"f"), "");
+  }
+}
+
+TEST_P(FileSystemCalls, NothingIsMadeInAMissingFolder) {
+  for (const OpenMode& mode : kAllModes) {
+    EXPECT_EQ(Open(u"no/f", mode), FileError::kNotFound);
+  }
+  Write(u"f", "abc");
+  EXPECT_EQ(Open(u"f/g", kCreate), FileError::kNotFound);
+}
+
+TEST_P(FileSystemCalls, AFailedOpenGivesNoFile) {
+  const platform::OpenedFile opened = Files().Open(Path(u"f"), kReadAlone);
+  EXPECT_EQ(opened.file, nullptr);
+}
+
+TEST_P(FileSystemCalls, AFolderIsNoFile) {
+  ASSERT_EQ(Files().CreateFolder(Path(u"folder")), FileError::kNone);
+  Write(u"f", "abc");
+  for (const OpenMode& mode : kAllModes) {
+    EXPECT_EQ(Open(u"folder", mode), FileError::kAccessDenied);
+  }
+  EXPECT_EQ(Files().Delete(Path(u"folder")), FileError::kAccessDenied);
+  EXPECT_EQ(Files().Replace(Path(u"folder"), Path(u"g")), FileError::kAccessDenied);
+  EXPECT_EQ(Files().Replace(Path(u"f"), Path(u"folder")), FileError::kAccessDenied);
+  EXPECT_THAT(FindNames(Files(), Path(u"*")), UnorderedElementsAre(u"folder", u"f"));
+}
+
+TEST_P(FileSystemCalls, DeleteTakesTheFileAway) {
+  Write(u"f", "abc");
+  EXPECT_EQ(Files().Delete(Path(u"f")), FileError::kNone);
+  EXPECT_EQ(Open(u"f", kLook), FileError::kNotFound);
+  EXPECT_EQ(Files().Delete(Path(u"f")), FileError::kNotFound);
+  EXPECT_EQ(Files().Delete(Path(u"no/f")), FileError::kNotFound);
+}
+
+TEST_P(FileSystemCalls, AProtectedFileIsOnlyRead) {
+  Write(u"f", "abc");
+  Write(u"other", "xyz");
+  Protect(u"f");
+  for (const OpenMode& mode : {kWriteExisting, kReadWrite, kCreate}) {
+    EXPECT_EQ(Open(u"f", mode), FileError::kAccessDenied);
+  }
+  EXPECT_EQ(Open(u"f", {FileAccess::kNone, FileShare::kNone, FileCreation::kCreateAlways}),
+            FileError::kAccessDenied);
+  EXPECT_EQ(Files().Delete(Path(u"f")), FileError::kAccessDenied);
+  EXPECT_EQ(Files().Replace(Path(u"other"), Path(u"f")), FileError::kAccessDenied);
+  EXPECT_EQ(Open(u"f", kMake), FileError::kNone);
+  EXPECT_EQ(Read(u"f"), "abc");
+  EXPECT_EQ(Read(u"other"), "xyz");
+}
+
+TEST_P(FileSystemCalls, ReplacePutsOneFileInThePlaceOfAnother) {
+  Write(u"new", "new content");
+  Write(u"old", "old");
+  EXPECT_EQ(Files().Replace(Path(u"new"), Path(u"old")), FileError::kNone);
+  EXPECT_EQ(Read(u"old"), "new content");
+  EXPECT_THAT(FindNames(Files(), Path(u"*")), UnorderedElementsAre(u"old"));
+}
+
+TEST_P(FileSystemCalls, ReplaceMovesWhereNothingWas) {
+  ASSERT_EQ(Files().CreateFolder(Path(u"folder")), FileError::kNone);
+  Write(u"new", "new content");
+  EXPECT_EQ(Files().Replace(Path(u"new"), Path(u"folder/moved")), FileError::kNone);
+  EXPECT_EQ(Read(u"folder/moved"), "new content");
+  EXPECT_THAT(FindNames(Files(), Path(u"*")), UnorderedElementsAre(u"folder"));
+}
+
+TEST_P(FileSystemCalls, ReplaceWithoutSourceOrFolderChangesNothing) {
+  Write(u"old", "old");
+  EXPECT_EQ(Files().Replace(Path(u"new"), Path(u"old")), FileError::kNotFound);
+  EXPECT_EQ(Files().Replace(Path(u"old"), Path(u"no/old")), FileError::kNotFound);
+  EXPECT_EQ(Read(u"old"), "old");
+}
+
+TEST_P(FileSystemCalls, ReplacingAFileByItselfChangesNothing) {
+  Write(u"f", "abc");
+  EXPECT_EQ(Files().Replace(Path(u"f"), Path(u"f")), FileError::kNone);
+  EXPECT_EQ(Read(u"f"), "abc");
+}
+
+TEST_P(FileSystemCalls, AReplacedFileIsOpenedAndReplacedAgain) {
+  for (int i = 0; i < 20; ++i) {
+    const std::string content(static_cast<std::size_t>(i), 'x');
+    Write(u"new", content);
+    ASSERT_EQ(Files().Replace(Path(u"new"), Path(u"f")), FileError::kNone);
+    ASSERT_EQ(Read(u"f"), content);
+  }
+}
+
+TEST_P(FileSystemCalls, CreateFolderMakesOneFolder) {
+  EXPECT_EQ(Files().CreateFolder(Path(u"a/b")), FileError::kNotFound);
+  EXPECT_EQ(Files().CreateFolder(Path(u"a")), FileError::kNone);
+  EXPECT_EQ(Files().CreateFolder(Path(u"a/b")), FileError::kNone);
+  EXPECT_EQ(Files().CreateFolder(Path(u"a")), FileError::kAlreadyExists);
+  Write(u"a/b/f", "abc");
+  EXPECT_EQ(Files().CreateFolder(Path(u"a/b/f")), FileError::kAlreadyExists);
+  EXPECT_EQ(Files().CreateFolder(Path(u"a/b/f/g")), FileError::kNotFound);
+}
+
+TEST_P(FileSystemCalls, NamesOfTheDeviceAreComparedWithoutCaseAndKeptAsWritten) {
+  ASSERT_EQ(Files().CreateFolder(Path(u"Folder Ä")), FileError::kNone);
+  Write(u"Folder Ä/One.Wav", "one");
+  const bool isCaseBlind = GetParam().isCaseBlind;
+  EXPECT_EQ(Open(u"FOLDER ä/one.wav", kReadAlone),
+            isCaseBlind ? FileError::kNone : FileError::kNotFound);
+  EXPECT_EQ(Files().CreateFolder(Path(u"folder ä")),
+            isCaseBlind ? FileError::kAlreadyExists : FileError::kNone);
+  if (isCaseBlind) {
+    Write(u"folder ä/ONE.WAV", "two");
+    Write(u"folder ä/NEW", "three");
+    EXPECT_EQ(Files().Replace(Path(u"folder ä/new"), Path(u"folder ä/oNE.wAV")), FileError::kNone);
+    EXPECT_THAT(FindNames(Files(), Path(u"folder ä/*")), UnorderedElementsAre(u"One.Wav"));
+    EXPECT_EQ(Files().Delete(Path(u"FOLDER Ä/ONE.WAV")), FileError::kNone);
+  }
+  EXPECT_EQ(FindNames(Files(), Path(u"Folder Ä")), std::vector<std::u16string>{u"Folder Ä"});
+}
+
+TEST_P(FileSystemCalls, PathsThatNameNothingAreNotFound) {
+  const std::u16string zero = Path(u"f") + std::u16string(1, u'\0') + u"g";
+  Write(u"f", "abc");
+  Write(u"h", "abc");
+  for (const std::u16string& path : {std::u16string(), zero}) {
+    for (const OpenMode& mode : kAllModes) {
+      EXPECT_EQ(Files().Open(path, mode).error, FileError::kNotFound);
+    }
+    EXPECT_EQ(Files().Delete(path), FileError::kNotFound);
+    EXPECT_EQ(Files().Replace(path, Path(u"f")), FileError::kNotFound);
+    EXPECT_EQ(Files().Replace(Path(u"h"), path), FileError::kNotFound);
+    EXPECT_EQ(Files().CreateFolder(path), FileError::kNotFound);
+    EXPECT_EQ(Files().FindFirst(path).error, FileError::kNotFound);
+  }
+}
+
+TEST_P(FileSystemCalls, DevicePathsNeverLeaveTheRoot) {
+  for (const std::u16string_view path :
+       {u"\\", u"\\..", u"\\..\\x", u"\\.\\x", u"\\\\x", u"\\x\\", u"\\../x", u"\\x/y"}) {
+    for (const OpenMode& mode : kAllModes) {
+      EXPECT_EQ(Files().Open(path, mode).error, FileError::kNotFound);
+    }
+    EXPECT_EQ(Files().Delete(path), FileError::kNotFound);
+    EXPECT_EQ(Files().CreateFolder(path), FileError::kNotFound);
+    EXPECT_EQ(Files().FindFirst(path).error, FileError::kNotFound);
+  }
+  EXPECT_EQ(Files().FindFirst(u"\\..\\*").error, FileError::kNotFound);
+}
+
+INSTANTIATE_TEST_SUITE_P(EachBackend, FileSystemCalls, testing::ValuesIn(AllFileBackends()),
+                         BackendName);
+
+}  // namespace
+}  // namespace contract

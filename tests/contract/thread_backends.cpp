@@ -1,0 +1,68 @@
+#include "tests/contract/thread_backends.h"
+
+#include <stdexcept>
+#include <utility>
+
+#include "platform/headless/simulation.h"
+#include "platform/posix/posix_clock.h"
+#include "platform/posix/posix_threads.h"
+
+namespace contract {
+namespace {
+
+class SimulationBackend final : public ThreadBackend {
+ public:
+  platform::Threads& Threads() override { return m_simulation; }
+  platform::Clock& Clock() override { return m_simulation; }
+
+ private:
+  headless::Simulation m_simulation;
+};
+
+class PosixBackend final : public ThreadBackend {
+ public:
+  platform::Threads& Threads() override { return m_threads; }
+  platform::Clock& Clock() override { return m_clock; }
+
+ private:
+  posix::PosixThreads m_threads;
+  posix::PosixClock m_clock;
+};
+
+template <typename T>
+std::unique_ptr<T> Must(std::unique_ptr<T> made) {
+  if (made == nullptr) {
+    throw std::runtime_error("the system has none to give");
+  }
+  return made;
+}
+
+}  // namespace
+
+std::ostream& operator<<(std::ostream& stream, const ThreadBackendKind& kind) {
+  return stream << kind.name;
+}
+
+std::vector<ThreadBackendKind> AllThreadBackends() {
+  return {
+      {"Simulation",
+       []() -> std::unique_ptr<ThreadBackend> { return std::make_unique<SimulationBackend>(); }},
+      {"Posix",
+       []() -> std::unique_ptr<ThreadBackend> { return std::make_unique<PosixBackend>(); }},
+  };
+}
+
+std::unique_ptr<platform::Thread> ThreadContract::MustStart(std::function<void()> body,
+                                                            platform::ThreadStart start) {
+  return Must(Threads().Start(std::move(body), start));
+}
+
+std::unique_ptr<platform::Event> ThreadContract::MustCreateEvent() {
+  return Must(Threads().CreateManualResetEvent());
+}
+
+std::string ThreadBackendName(const testing::TestParamInfo<ThreadBackendKind>& info) {
+  return info.param.name;
+}
+
+}  // namespace contract

@@ -1,0 +1,90 @@
+#include "platform/framework/file.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "platform/headless/memory_file_system.h"
+
+namespace {
+
+using framework::CFile;
+
+std::vector<std::byte> Bytes(std::initializer_list<int> values) {
+  std::vector<std::byte> bytes;
+  for (const int value : values) {
+    bytes.push_back(static_cast<std::byte>(value));
+  }
+  return bytes;
+}
+
+class CFileTest : public testing::Test {
+ protected:
+  headless::MemoryFileSystem m_files;
+  CFile m_file{m_files};
+};
+
+TEST_F(CFileTest, OpensOnlyWhatExistsUnlessToldToMakeIt) {
+  EXPECT_FALSE(m_file.Open(u"/a", CFile::modeRead));
+  EXPECT_FALSE(m_file.Open(u"/a", CFile::modeWrite));
+  EXPECT_FALSE(m_file.IsOpen());
+  EXPECT_TRUE(m_file.Open(u"/a", CFile::modeCreate | CFile::modeWrite));
+  EXPECT_TRUE(m_file.IsOpen());
+  EXPECT_EQ(m_file.GetFilePath(), u"/a");
+}
+
+TEST_F(CFileTest, CreateEmptiesAnExistingFile) {
+  ASSERT_TRUE(m_files.PutFile(u"/a", Bytes({1, 2, 3})));
+  ASSERT_TRUE(m_file.Open(u"/a", CFile::modeCreate | CFile::modeWrite));
+  EXPECT_EQ(m_file.GetLength(), 0U);
+}
+
+TEST_F(CFileTest, WriteModeLeavesWhatItDoesNotWrite) {
+  ASSERT_TRUE(m_files.PutFile(u"/a", Bytes({1, 2, 3})));
+  ASSERT_TRUE(m_file.Open(u"/a", CFile::modeWrite));
+  EXPECT_TRUE(m_file.Write(Bytes({9})));
+  EXPECT_TRUE(m_file.Close());
+  EXPECT_EQ(m_files.GetFile(u"/a"), Bytes({9, 2, 3}));
+}
+
+TEST_F(CFileTest, ReadersShareAWriterDoesNot) {
+  ASSERT_TRUE(m_files.PutFile(u"/a", Bytes({1})));
+  CFile other(m_files);
+  ASSERT_TRUE(m_file.Open(u"/a", CFile::modeRead));
+  EXPECT_TRUE(other.Open(u"/a", CFile::modeRead));
+  EXPECT_FALSE(other.Open(u"/a", CFile::modeReadWrite));
+  m_file.Close();
+  EXPECT_TRUE(other.Open(u"/a", CFile::modeReadWrite));
+  EXPECT_FALSE(m_file.Open(u"/a", CFile::modeRead));
+}
+
+TEST_F(CFileTest, OpeningAgainClosesTheEarlierFile) {
+  ASSERT_TRUE(m_files.PutFile(u"/a", Bytes({1})));
+  ASSERT_TRUE(m_files.PutFile(u"/b", Bytes({2})));
+  ASSERT_TRUE(m_file.Open(u"/a", CFile::modeReadWrite));
+  ASSERT_TRUE(m_file.Open(u"/b", CFile::modeReadWrite));
+  EXPECT_EQ(m_files.CountOpenHandles(), 1U);
+}
+
+TEST_F(CFileTest, EveryOperationFailsOnAFileThatIsNotOpen) {
+  std::array<std::byte, 1> byte{};
+  EXPECT_EQ(m_file.GetLength(), std::nullopt);
+  EXPECT_FALSE(m_file.Seek(0));
+  EXPECT_EQ(m_file.Read(byte), std::nullopt);
+  EXPECT_FALSE(m_file.Write(byte));
+  EXPECT_FALSE(m_file.SetLength(0));
+  EXPECT_FALSE(m_file.Flush());
+  EXPECT_TRUE(m_file.Close());
+}
+
+TEST_F(CFileTest, CloseFreesTheFileAndThePath) {
+  ASSERT_TRUE(m_files.PutFile(u"/a", Bytes({1})));
+  ASSERT_TRUE(m_file.Open(u"/a", CFile::modeReadWrite));
+  EXPECT_TRUE(m_file.Close());
+  EXPECT_EQ(m_file.GetFilePath(), u"");
+  EXPECT_EQ(m_files.CountOpenHandles(), 0U);
+}
+
+}  // namespace

@@ -1,0 +1,157 @@
+#include "tests/support/failing_file_system.h"
+
+#include <memory>
+#include <utility>
+
+namespace support {
+namespace {
+
+using platform::FileError;
+
+class FailingFile final : public platform::File {
+ public:
+  FailingFile(FailingFileSystem& counter, std::unique_ptr<platform::File> file)
+      : m_counter(counter), m_file(std::move(file)) {}
+
+  [[nodiscard]] std::optional<std::uint64_t> GetLength() override {
+    return m_counter.CountCall().Fails() ? std::nullopt : m_file->GetLength();
+  }
+
+  [[nodiscard]] FileError Seek(std::uint64_t offset) override {
+    const auto verdict = m_counter.CountCall();
+    return verdict.Fails() ? verdict.error : m_file->Seek(offset);
+  }
+
+  [[nodiscard]] std::optional<std::size_t> Read(std::span<std::byte> into) override {
+    return m_counter.CountCall().Fails() ? std::nullopt : m_file->Read(into);
+  }
+
+  [[nodiscard]] FileError Write(std::span<const std::byte> bytes) override {
+    const auto verdict = m_counter.CountCall();
+    if (!verdict.Fails()) {
+      return m_file->Write(bytes);
+    }
+    if (verdict.isForwarded) {
+      static_cast<void>(m_file->Write(bytes.first(bytes.size() / 2)));
+    }
+    return verdict.error;
+  }
+
+  [[nodiscard]] FileError SetLength(std::uint64_t length) override {
+    const auto verdict = m_counter.CountCall();
+    return verdict.Fails() ? verdict.error : m_file->SetLength(length);
+  }
+
+  [[nodiscard]] FileError Flush() override {
+    const auto verdict = m_counter.CountCall();
+    const FileError result = verdict.isForwarded ? m_file->Flush() : FileError::kNone;
+    return verdict.Fails() ? verdict.error : result;
+  }
+
+  [[nodiscard]] FileError Close() override {
+    const auto verdict = m_counter.CountCall();
+    const FileError result = verdict.isForwarded ? m_file->Close() : FileError::kNone;
+    return verdict.Fails() ? verdict.error : result;
+  }
+
+ private:
+  FailingFileSystem& m_counter;
+  const std::unique_ptr<platform::File> m_file;
+};
+
+class FailingSearch final : public platform::FileSearch {
+ public:
+  FailingSearch(FailingFileSystem& counter, std::unique_ptr<platform::FileSearch> search)
+      : m_counter(counter), m_search(std::move(search)) {}
+
+  [[nodiscard]] FileError Next(platform::FoundFile& found) override {
+    const auto verdict = m_counter.CountCall();
+    if (!verdict.Fails()) {
+      return m_search->Next(found);
+    }
+    // A search that goes on failing still ends, as searches promise: from its second failure on,
+    // each one swallows a name.
+    platform::FoundFile swallowed;
+    if (std::exchange(m_hasFailed, true) && m_search->Next(swallowed) == FileError::kNoMoreFiles) {
+      return FileError::kNoMoreFiles;
+    }
+    return verdict.error;
+  }
+
+ private:
+  FailingFileSystem& m_counter;
+  const std::unique_ptr<platform::FileSearch> m_search;
+  bool m_hasFailed = false;
+};
+
+}  // namespace
+
+void FailingFileSystem::FailCall(std::size_t number, Failing failing, FileError error) {
+  const std::lock_guard lock(m_mutex);
+  m_calls = 0;
+  m_failingCall = number;
+  m_failing = failing;
+  m_error = error;
+}
+
+std::size_t FailingFileSystem::CountCalls() const {
+  const std::lock_guard lock(m_mutex);
+  return m_calls;
+}
+
+bool FailingFileSystem::HasFailed() const {
+  const std::lock_guard lock(m_mutex);
+  return m_failingCall != 0 && m_calls >= m_failingCall;
+}
+
+FailingFileSystem::Verdict FailingFileSystem::CountCall() {
+  const std::lock_guard lock(m_mutex);
+  ++m_calls;
+  const bool isTheOne = m_calls == m_failingCall;
+  const bool isBehind = m_failingCall != 0 && m_calls > m_failingCall;
+  if (!isTheOne && (!isBehind || m_failing == Failing::kOnce)) {
+    return {};
+  }
+  // A killed process may have been in the middle of its last call, and makes no further one.
+  return {m_error, isTheOne || m_failing != Failing::kPowerFailure};
+}
+
+platform::OpenedFile FailingFileSystem::Open(std::u16string_view path,
+                                             const platform::OpenMode& mode) {
+  if (const Verdict verdict = CountCall(); verdict.Fails()) {
+    return {nullptr, verdict.error};
+  }
+  platform::OpenedFile opened = m_files.Open(path, mode);
+  if (opened.file) {
+    opened.file = std::make_unique<FailingFile>(*this, std::move(opened.file));
+  }
+  return opened;
+}
+
+FileError FailingFileSystem::Delete(std::u16string_view path) {
+  const Verdict verdict = CountCall();
+  return verdict.Fails() ? verdict.error : m_files.Delete(path);
+}
+
+FileError FailingFileSystem::Replace(std::u16string_view from, std::u16string_view to) {
+  const Verdict verdict = CountCall();
+  return verdict.Fails() ? verdict.error : m_files.Replace(from, to);
+}
+
+FileError FailingFileSystem::CreateFolder(std::u16string_view path) {
+  const Verdict verdict = CountCall();
+  return verdict.Fails() ? verdict.error : m_files.CreateFolder(path);
+}
+
+platform::StartedSearch FailingFileSystem::FindFirst(std::u16string_view pattern) {
+  if (const Verdict verdict = CountCall(); verdict.Fails()) {
+    return {nullptr, {}, verdict.error};
+  }
+  platform::StartedSearch started = m_files.FindFirst(pattern);
+  if (started.search) {
+    started.search = std::make_unique<FailingSearch>(*this, std::move(started.search));
+  }
+  return started;
+}
+
+}  // namespace support

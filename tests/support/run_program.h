@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace support {
+
+struct ProgramRun {
+  int exitCode = -1;  ///< 128 + the signal's number where one ended the program.
+  std::string out;
+  std::string err;
+};
+
+/// Runs a program with arguments, nothing on its standard input, and `environment` ("NAME=value")
+/// added to this program's own, and waits for its end.
+[[nodiscard]] ProgramRun RunProgram(const std::vector<std::string>& arguments,
+                                    const std::vector<std::string>& environment = {});
+
+}  // namespace support

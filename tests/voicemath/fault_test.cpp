@@ -1,0 +1,118 @@
+#include <algorithm>
+
+#include "tests/support/failing_file_system.h"
+#include "tests/support/signals.h"
+#include "tests/voicemath/mathematics_fixture.h"
+
+namespace {
+
+using support::Failing;
+
+constexpr std::u16string_view kPath = u"/name.wav";
+constexpr std::u16string_view kTemplatePath = u"/name.st";
+
+/// Learning one short recording while one call of the file layer fails.
+class FileFaults : public testing::TestWithParam<Failing> {
+ protected:
+  FileFaults() {
+    // Loud in the middle, so that there is something to trim at both ends.
+    const auto samples =
+        support::Mixed(support::Noise(15000, 10, 1), 7000, support::SpeechLike(1200, 9000, 2));
+    m_old = support::WaveFile(samples);
+    PutWave();
+    EXPECT_EQ(m_mathematics.LearnFile(0), voicemath::kLearned);
+    m_trimmed = GetWave();
+    EXPECT_LT(m_trimmed.size(), m_old.size());
+    EXPECT_EQ(voicemath::WriteTemplateFile(m_failing, kTemplatePath, m_mathematics),
+              voicemath::TemplateFileResult::kDone);
+    m_template = m_files.GetFile(kTemplatePath).value_or(support::Bytes());
+  }
+
+  void PutWave() {
+    ASSERT_TRUE(m_files.PutFile(kPath, m_old));
+    m_mathematics.m_wavePath = kPath;
+  }
+  [[nodiscard]] support::Bytes GetWave() const {
+    return m_files.GetFile(kPath).value_or(support::Bytes());
+  }
+
+  headless::MemoryFileSystem m_files;
+  support::FailingFileSystem m_failing{m_files};
+  headless::HeadlessUi m_ui;
+  voicemath::CVoiceMathematics m_mathematics{m_failing, m_ui};
+  support::Bytes m_old;
+  support::Bytes m_trimmed;
+  support::Bytes m_template;
+};
+
+TEST_P(FileFaults, LearningLeavesTheOldRecordingOrTheTrimmedOne) {
+  bool sawOld = false;
+  bool sawTrimmedDespiteFailure = false;
+  bool anyFailed = true;
+  for (std::size_t call = 1; anyFailed; ++call) {
+    SCOPED_TRACE(call);
+    PutWave();
+    const std::size_t messages = m_ui.GetMessages().size();
+    const std::int32_t count = m_mathematics.m_count;
+    m_failing.FailCall(call, GetParam(), platform::FileError::kDiskFull);
+    const int result = m_mathematics.LearnFile(0);
+    anyFailed = m_failing.HasFailed();
+
+    const auto wave = GetWave();
+    ASSERT_TRUE(wave == m_old || wave == m_trimmed);
+    sawOld = sawOld || wave == m_old;
+    if (result == voicemath::kLearned) {
+      EXPECT_EQ(wave, m_trimmed);
+      EXPECT_EQ(m_mathematics.m_count, count + 1);
+      EXPECT_EQ(m_ui.GetMessages().size(), messages);
+    } else {
+      EXPECT_EQ(result, voicemath::kNotProcessed);
+      EXPECT_EQ(m_mathematics.m_count, count);
+      EXPECT_EQ(m_ui.GetMessages().size(), messages + 1);
+      sawTrimmedDespiteFailure = sawTrimmedDespiteFailure || wave == m_trimmed;
+    }
+    EXPECT_EQ(m_files.CountOpenHandles(), 0U);
+    ASSERT_LT(call, 5000U);
+  }
+  EXPECT_TRUE(sawOld);
+  EXPECT_TRUE(sawTrimmedDespiteFailure);
+}
+
+TEST_P(FileFaults, ATemplateIsWrittenWholeOrTheResultSaysNo) {
+  bool anyFailed = true;
+  for (std::size_t call = 1; anyFailed; ++call) {
+    SCOPED_TRACE(call);
+    static_cast<void>(m_files.Delete(kTemplatePath));
+    m_failing.FailCall(call, GetParam(), platform::FileError::kDiskFull);
+    const auto result = voicemath::WriteTemplateFile(m_failing, kTemplatePath, m_mathematics);
+    anyFailed = m_failing.HasFailed();
+    if (result == voicemath::TemplateFileResult::kDone) {
+      EXPECT_EQ(m_files.GetFile(kTemplatePath), m_template);
+    }
+    EXPECT_EQ(result == voicemath::TemplateFileResult::kDone, !anyFailed);
+    EXPECT_EQ(m_files.CountOpenHandles(), 0U);
+    ASSERT_LT(call, 100U);
+  }
+}
+
+TEST_P(FileFaults, ALoadThatFailsLeavesTheSlot) {
+  m_mathematics.m_loadSlot = 1;
+  bool anyFailed = true;
+  for (std::size_t call = 1; anyFailed; ++call) {
+    SCOPED_TRACE(call);
+    m_mathematics.m_templates[1].reset();
+    m_failing.FailCall(call, GetParam());
+    const auto result = voicemath::ReadTemplateFile(m_failing, kTemplatePath, m_mathematics);
+    anyFailed = m_failing.HasFailed();
+    const bool loaded = m_mathematics.m_templates[1] != nullptr;
+    EXPECT_EQ(result == voicemath::TemplateFileResult::kDone, loaded);
+    EXPECT_EQ(m_files.CountOpenHandles(), 0U);
+    ASSERT_LT(call, 100U);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, FileFaults,
+                         testing::Values(Failing::kOnce, Failing::kFromThenOn,
+                                         Failing::kPowerFailure));
+
+}  // namespace

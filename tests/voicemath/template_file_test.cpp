@@ -1,0 +1,149 @@
+#include "voicemath/template_file.h"
+
+#include <algorithm>
+
+#include "tests/voicemath/mathematics_fixture.h"
+
+namespace {
+
+using voicemath::TemplateFileResult;
+
+support::Bytes ToBytes(std::initializer_list<int> values) {
+  support::Bytes bytes(values.size());
+  std::ranges::transform(values, bytes.begin(),
+                         [](int value) { return static_cast<std::byte>(value); });
+  return bytes;
+}
+
+class TemplateFile : public MathematicsFixture {
+ protected:
+  TemplateFileResult Write() {
+    return voicemath::WriteTemplateFile(m_files, kTemplate, m_mathematics);
+  }
+  TemplateFileResult Read(std::int32_t slot) {
+    m_mathematics.m_loadSlot = slot;
+    return voicemath::ReadTemplateFile(m_files, kTemplate, m_mathematics);
+  }
+  TemplateFileResult ReadBytes(std::int32_t slot, const support::Bytes& bytes) {
+    EXPECT_TRUE(m_files.PutFile(kTemplate, bytes));
+    return Read(slot);
+  }
+  void SetSlotZero(const std::vector<float>& values) {
+    SetTemplate(0, values);
+    m_mathematics.m_elementCount = static_cast<std::int32_t>(values.size());
+  }
+  [[nodiscard]] support::Bytes GetFile() const {
+    return m_files.GetFile(kTemplate).value_or(support::Bytes());
+  }
+};
+
+TEST_F(TemplateFile, WithoutFramesIsSixZeroBytes) {
+  SetSlotZero({});
+  ASSERT_EQ(Write(), TemplateFileResult::kDone);
+  EXPECT_EQ(GetFile(), support::Bytes(6));
+}
+
+TEST_F(TemplateFile, OfTenFramesIsTwoHundredAndSixBytes) {
+  SetSlotZero(std::vector<float>(50, 1.0F));
+  ASSERT_EQ(Write(), TemplateFileResult::kDone);
+  const auto bytes = GetFile();
+  ASSERT_EQ(bytes.size(), 206U);
+  EXPECT_EQ(support::Bytes(bytes.begin(), bytes.begin() + 10),
+            ToBytes({0x32, 0, 0, 0, 0x0A, 0, 0, 0, 0x80, 0x3F}));
+}
+
+TEST_F(TemplateFile, ComesBackBitForBitInAnySlot) {
+  PutWave(support::SpeechLike(33075, 8000, 1));
+  ASSERT_EQ(m_mathematics.ProcessFile(0), voicemath::kLearned);
+  ASSERT_EQ(Write(), TemplateFileResult::kDone);
+  for (const std::int32_t slot : {0, 7, 100}) {
+    ASSERT_EQ(Read(slot), TemplateFileResult::kDone);
+    EXPECT_EQ(GetTemplate(static_cast<std::size_t>(slot)), GetTemplate(0));
+  }
+  EXPECT_EQ(m_mathematics.CompareTemplates(0, 7), 0.0F);
+}
+
+TEST_F(TemplateFile, ALoadLeavesTheCountsToTheCaller) {
+  SetSlotZero(std::vector<float>(50, 1.0F));
+  ASSERT_EQ(Write(), TemplateFileResult::kDone);
+  m_mathematics.m_elementCount = 3;
+  m_mathematics.m_count = 4;
+  ASSERT_EQ(Read(9), TemplateFileResult::kDone);
+  EXPECT_EQ(m_mathematics.m_elementCount, 3);
+  EXPECT_EQ(m_mathematics.m_count, 4);
+}
+
+TEST_F(TemplateFile, IsNeverShortenedSoALongerOneKeepsItsEnd) {
+  ASSERT_TRUE(m_files.PutFile(kTemplate, support::Bytes(300, std::byte{0xEE})));
+  SetSlotZero(std::vector<float>(5, 1.0F));
+  ASSERT_EQ(Write(), TemplateFileResult::kDone);
+  const auto bytes = GetFile();
+  ASSERT_EQ(bytes.size(), 300U);
+  EXPECT_EQ(bytes[25], std::byte{0x3F});
+  EXPECT_EQ(bytes[26], std::byte{0xEE});
+  EXPECT_EQ(Read(1), TemplateFileResult::kDone);
+  EXPECT_EQ(GetTemplate(1), GetTemplate(0));
+}
+
+TEST_F(TemplateFile, EveryLengthBelowTheFullOneIsTorn) {
+  SetSlotZero(std::vector<float>(10, 1.0F));
+  ASSERT_EQ(Write(), TemplateFileResult::kDone);
+  const auto whole = GetFile();
+  ASSERT_EQ(Read(1), TemplateFileResult::kDone);
+  const auto before = GetTemplate(1);
+  for (std::size_t length = 0; length < whole.size(); ++length) {
+    const auto end = whole.begin() + static_cast<std::ptrdiff_t>(length);
+    EXPECT_EQ(ReadBytes(1, support::Bytes(whole.begin(), end)), TemplateFileResult::kTorn);
+  }
+  EXPECT_EQ(GetTemplate(1), before);
+}
+
+TEST_F(TemplateFile, AnElementCountThatIsNotFiveAFrameIsRefused) {
+  EXPECT_EQ(ReadBytes(0, ToBytes({4, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0, 0,
+                                  0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0})),
+            TemplateFileResult::kBadFormat);
+  EXPECT_EQ(m_mathematics.m_templates[0], nullptr);
+}
+
+TEST_F(TemplateFile, AHostileElementCountReservesNothing) {
+  EXPECT_EQ(ReadBytes(0, ToBytes({0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF})),
+            TemplateFileResult::kBadFormat);
+  // 327,675 elements agree with 65,535 frames, but the file does not hold them.
+  EXPECT_EQ(ReadBytes(0, ToBytes({0xFB, 0xFF, 0x04, 0, 0xFF, 0xFF, 0, 0})),
+            TemplateFileResult::kTorn);
+}
+
+TEST_F(TemplateFile, ASlotThatIsNoneIsRefused) {
+  for (const std::int32_t slot : {-1, 101}) {
+    EXPECT_EQ(ReadBytes(slot, support::Bytes(6)), TemplateFileResult::kBadFormat);
+  }
+}
+
+TEST_F(TemplateFile, TheLargestTemplateIsWrittenAndReadWhole) {
+  std::vector<float> values(327675);
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    values[i] = static_cast<float>(i);
+  }
+  SetSlotZero(values);
+  ASSERT_EQ(Write(), TemplateFileResult::kDone);
+  EXPECT_EQ(GetFile().size(), 6U + 4U * 327675U);
+  ASSERT_EQ(Read(1), TemplateFileResult::kDone);
+  EXPECT_EQ(GetTemplate(1), values);
+}
+
+TEST_F(TemplateFile, SlotZeroIsNotStoredWithTheCountOfAnotherSlot) {
+  SetSlotZero(std::vector<float>(5, 1.0F));
+  m_mathematics.m_elementCount = 50;
+  EXPECT_EQ(Write(), TemplateFileResult::kBadFormat);
+}
+
+TEST_F(TemplateFile, AFileThatCannotBeMadeOpenedOrHeldHasItsResult) {
+  SetSlotZero(std::vector<float>(50, 1.0F));
+  EXPECT_EQ(voicemath::WriteTemplateFile(m_files, u"/missing/name.st", m_mathematics),
+            TemplateFileResult::kNotCreated);
+  EXPECT_EQ(Read(0), TemplateFileResult::kNotOpened);
+  m_files.SetCapacity(10);
+  EXPECT_EQ(Write(), TemplateFileResult::kFileFailure);
+}
+
+}  // namespace

@@ -1,0 +1,82 @@
+#include "tests/voicemath/twins/features.h"
+
+#include <bit>
+#include <cmath>
+
+#include "tests/voicemath/twins/fft.h"
+
+namespace twins {
+
+std::array<float, 5> FrameBands(std::span<const std::int16_t> frame) {
+  std::vector<float> real(1024);
+  std::vector<float> imaginary(1024);
+  for (std::size_t i = 0; i < 1024; ++i) {
+    real[i] = static_cast<float>(frame[i]);
+    imaginary[i] = 0.0F;
+  }
+  Fft(real, imaginary, 1);
+  std::array<float, 5> bands{};
+  for (std::size_t k = 0; k <= 229; ++k) {
+    float value = 0.0F;
+    if (k > 9) {
+      // All in double, and one rounding at the end.
+      const double re = static_cast<double>(real[k]);
+      const double im = static_cast<double>(imaginary[k]);
+      value = static_cast<float>(std::sqrt(re * re + im * im) * static_cast<double>(k));
+    }
+    bands[k / 46] += value;  // In float.
+  }
+  return bands;
+}
+
+void SubtractMinima(Template& computed) {
+  for (std::size_t band = 0; band < 5; ++band) {
+    float minimum = 0.0F;
+    for (std::size_t frame = 0; frame < computed.frameCount; ++frame) {
+      const float value = computed.values[frame * 5 + band];
+      if (frame == 0 || value < minimum) {
+        minimum = value;
+      }
+    }
+    for (std::size_t frame = 0; frame < computed.frameCount; ++frame) {
+      computed.values[frame * 5 + band] -= minimum;
+    }
+  }
+}
+
+std::uint16_t FrameCount(std::uint32_t firstSample, std::uint32_t lastSample) {
+  const std::uint32_t samples = lastSample - firstSample + 1;
+  const auto hops = static_cast<std::uint16_t>(samples >> 9U);
+  return static_cast<std::uint16_t>(hops - 2 + 1);
+}
+
+Template ComputeTemplate(ByteFile& file, const Wave& wave) {
+  Template computed;
+  computed.frameCount = FrameCount(wave.firstSample, wave.lastSample);
+  std::array<std::byte, 2048> buffer{};
+  for (std::uint32_t f = 0; f < computed.frameCount; ++f) {
+    file.Seek(wave.dataOffset + (std::uint64_t{wave.firstSample} + 512ULL * f) * 2);
+    file.Read(buffer);  // What the file lacks stays as the frame before left it.
+    std::array<std::int16_t, 1024> frame{};
+    for (std::size_t i = 0; i < frame.size(); ++i) {
+      frame[i] = SampleAt(buffer, i);
+    }
+    for (const float band : FrameBands(frame)) {
+      computed.values.push_back(band);
+    }
+  }
+  SubtractMinima(computed);
+  return computed;
+}
+
+Bytes SerializeTemplate(const Template& stored) {
+  Bytes bytes;
+  Append32(bytes, static_cast<std::uint32_t>(stored.values.size()));
+  Append16(bytes, stored.frameCount);
+  for (const float value : stored.values) {
+    Append32(bytes, std::bit_cast<std::uint32_t>(value));
+  }
+  return bytes;
+}
+
+}  // namespace twins

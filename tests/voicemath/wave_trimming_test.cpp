@@ -1,0 +1,131 @@
+#include <algorithm>
+
+#include "tests/voicemath/mathematics_fixture.h"
+
+namespace {
+
+using framework::CFile;
+
+class WaveTrimming : public MathematicsFixture {
+ protected:
+  void Open(const support::Bytes& bytes) {
+    PutWaveBytes(bytes);
+    ASSERT_TRUE(m_mathematics.m_file.Open(kWave, CFile::modeReadWrite));
+    ASSERT_EQ(m_mathematics.OpenWaveData(), voicemath::kHeaderAccepted);
+  }
+  void Select(std::uint32_t first, std::uint32_t last) {
+    m_mathematics.m_firstSample = first;
+    m_mathematics.m_lastSample = last;
+  }
+};
+
+TEST_F(WaveTrimming, KeepsExactlyTheSegmentUnderANewHeader) {
+  const auto samples = support::Noise(5000, 9000, 1);
+  Open(support::WaveFile(samples));
+  Select(700, 3999);
+  ASSERT_TRUE(m_mathematics.TrimWaveFile());
+  EXPECT_EQ(GetWave(), support::WaveFile(std::span(samples).subspan(700, 3300)));
+  EXPECT_EQ(m_mathematics.m_firstSample, 0U);
+  EXPECT_EQ(m_mathematics.m_lastSample, 3299U);
+  EXPECT_EQ(m_mathematics.m_dataBytes, 6600U);
+  EXPECT_EQ(m_mathematics.m_dataOffset, 44);
+  EXPECT_TRUE(m_mathematics.m_file.IsOpen());
+  m_mathematics.m_file.Close();
+  EXPECT_EQ(m_files.ListFiles(), std::vector<std::u16string>{std::u16string(kWave)});
+}
+
+TEST_F(WaveTrimming, TheSizeFieldHoldsTheLengthOfTheWholeFile) {
+  Open(support::WaveFile(support::Noise(5000, 9000, 1)));
+  Select(1, 1024);
+  ASSERT_TRUE(m_mathematics.TrimWaveFile());
+  const auto wave = GetWave();
+  ASSERT_EQ(wave.size(), 44U + 2048U);
+  EXPECT_EQ(wave[4], std::byte{0x2C});
+  EXPECT_EQ(wave[5], std::byte{0x08});
+}
+
+TEST_F(WaveTrimming, SegmentsOfWholeBuffersAndOneSampleMoreOrLess) {
+  const auto samples = support::Noise(5000, 9000, 2);
+  for (const std::uint32_t count : {2U, 1023U, 1024U, 1025U, 2047U, 2048U, 2049U}) {
+    Open(support::WaveFile(samples));
+    Select(100, 100 + count - 1);
+    ASSERT_TRUE(m_mathematics.TrimWaveFile());
+    EXPECT_EQ(GetWave(), support::WaveFile(std::span(samples).subspan(100, count))) << count;
+  }
+}
+
+TEST_F(WaveTrimming, LeavesAFileAloneThatIsTheSegmentAlready) {
+  auto bytes = support::WaveFile(support::Noise(500, 9000, 1));
+  bytes.push_back(std::byte{7});  // Something behind the data stays too.
+  Open(bytes);
+  Select(0, 499);
+  ASSERT_TRUE(m_mathematics.TrimWaveFile());
+  EXPECT_EQ(GetWave(), bytes);
+}
+
+TEST_F(WaveTrimming, LeavesTheFileAloneForASegmentOfOneSampleOrNone) {
+  const auto bytes = support::WaveFile(support::Noise(500, 9000, 1));
+  Open(bytes);
+  Select(10, 10);
+  ASSERT_TRUE(m_mathematics.TrimWaveFile());
+  EXPECT_EQ(GetWave(), bytes);
+  Select(11, 10);
+  ASSERT_TRUE(m_mathematics.TrimWaveFile());
+  EXPECT_EQ(GetWave(), bytes);
+}
+
+TEST_F(WaveTrimming, ALongerHeaderIsReplacedButItsOffsetStays) {
+  const auto samples = support::Noise(3000, 9000, 1);
+  Open(support::WaveFileWithDataAt(60, 6000, support::BytesOf(samples)));
+  Select(0, 1999);
+  ASSERT_TRUE(m_mathematics.TrimWaveFile());
+  EXPECT_EQ(GetWave(), support::WaveFile(std::span(samples).first(2000)));
+  EXPECT_EQ(m_mathematics.m_dataOffset, 68);
+}
+
+TEST_F(WaveTrimming, ReplacesWhatAnEarlierAttemptLeftBehind) {
+  const auto samples = support::Noise(3000, 9000, 1);
+  ASSERT_TRUE(m_files.PutFile(u"/name.wav.trimmed", support::Bytes(90000)));
+  Open(support::WaveFile(samples));
+  Select(0, 1999);
+  ASSERT_TRUE(m_mathematics.TrimWaveFile());
+  EXPECT_EQ(GetWave(), support::WaveFile(std::span(samples).first(2000)));
+}
+
+TEST_F(WaveTrimming, AFullDiskKeepsTheOldRecordingAndSaysSo) {
+  const auto bytes = support::WaveFile(
+      support::Mixed(support::Noise(33075, 20, 1), 12000, support::SpeechLike(6000, 9000, 2)));
+  PutWaveBytes(bytes);
+  m_files.SetCapacity(bytes.size() + 1000);
+  EXPECT_EQ(m_mathematics.LearnFile(0), voicemath::kNotProcessed);
+  EXPECT_EQ(GetWave(), bytes);
+  EXPECT_EQ(m_files.ListFiles().size(), 1U);
+  EXPECT_EQ(m_ui.GetMessages().size(), 1U);
+}
+
+TEST_F(WaveTrimming, AProtectedRecordingIsLeftAsItIs) {
+  const auto bytes = support::WaveFile(support::SpeechLike(33075, 9000, 2));
+  PutWaveBytes(bytes);
+  ASSERT_TRUE(m_files.SetReadOnly(kWave, true));
+  EXPECT_EQ(m_mathematics.LearnFile(0), voicemath::kNotProcessed);
+  EXPECT_EQ(GetWave(), bytes);
+}
+
+TEST_F(WaveTrimming, LearningTrimsToTheSpeechAndComputesWhatIsLeft) {
+  const auto samples =
+      support::Mixed(support::Noise(33075, 20, 1), 12000, support::SpeechLike(6000, 9000, 2));
+  PutWave(samples);
+  ASSERT_EQ(m_mathematics.LearnFile(0), voicemath::kLearned);
+  const auto found = m_mathematics.m_detected;
+  EXPECT_GT(found.first, 5000U);
+  EXPECT_LT(found.last, 25000U);
+  const auto kept =
+      std::span<const std::int16_t>(samples).subspan(found.first, found.last - found.first + 1);
+  EXPECT_EQ(GetWave(), support::WaveFile(kept));
+
+  const auto learned = GetTemplate(0);
+  ASSERT_EQ(m_mathematics.ProcessFile(1), voicemath::kLearned);
+  EXPECT_EQ(GetTemplate(1), learned);
+}
+
+}  // namespace

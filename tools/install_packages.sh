@@ -1,0 +1,76 @@
+#!/usr/bin/env bash
+# Installs what is missing of the named groups of Debian packages; does nothing, and asks for no
+# rights, where all are there.
+#
+#   tools/install_packages.sh GROUP...
+set -euo pipefail
+
+declare -A groups=(
+  # To build and run the program.
+  [build]='
+    g++ cmake ninja-build pkg-config
+    libcli11-dev libfmt-dev libicu-dev libpulse-dev nlohmann-json3-dev
+  '
+  # To build and run the tests with one compiler.
+  [test]='
+    git googletest libgmock-dev libgtest-dev
+    espeak-ng pulseaudio pulseaudio-utils sox
+  '
+  # The other compilers, the sanitizers, the analysers and the benchmarks.
+  [check]='
+    clang clang-format clang-tidy libclang-rt-14-dev llvm
+    g++-arm-linux-gnueabi libc6-dev-armel-cross qemu-user
+    libbenchmark-dev
+  '
+)
+
+wanted=()
+for group in "$@"; do
+  if [ -z "${groups[$group]+there}" ]; then
+    echo "install_packages.sh: no group '$group'; there are: ${!groups[*]}" >&2
+    exit 2
+  fi
+  read -r -d '' -a packages <<<"${groups[$group]}" || true
+  wanted+=("${packages[@]}")
+done
+
+if ! command -v dpkg-query >/dev/null; then
+  echo "This is not Debian. Install by hand what corresponds to: ${wanted[*]}" >&2
+  exit 1
+fi
+
+# One query; a package that dpkg has never heard of is missing from the answer.
+present=$(dpkg-query -W -f='${db:Status-Status} ${Package}\n' "${wanted[@]}" 2>/dev/null || true)
+missing=()
+for package in "${wanted[@]}"; do
+  grep -qxF "installed $package" <<<"$present" || missing+=("$package")
+done
+[ ${#missing[@]} -gt 0 ] || exit 0
+
+if [ "$(id -u)" -eq 0 ]; then
+  as_root=(env)
+elif command -v sudo >/dev/null; then
+  as_root=(sudo env)
+else
+  echo "These packages are missing, and installing them takes root or sudo: ${missing[*]}" >&2
+  exit 1
+fi
+
+apt_get() {
+  "${as_root[@]}" DEBIAN_FRONTEND=noninteractive apt-get -o DPkg::Lock::Timeout=300 "$@" </dev/null
+}
+
+log=$(mktemp)
+trap 'rm -f "$log"' EXIT
+echo "Installing: ${missing[*]}"
+# The package lists of a new machine are empty and those of an old one out of date; either shows as
+# a failure of the first attempt.
+if ! apt_get install -y -q --no-install-recommends "${missing[@]}" >"$log" 2>&1; then
+  echo "Refreshing the package lists first"
+  if ! { apt_get update -q &&
+    apt_get install -y -q --no-install-recommends "${missing[@]}"; } >"$log" 2>&1; then
+    cat "$log" >&2
+    echo "Could not install: ${missing[*]}" >&2
+    exit 1
+  fi
+fi

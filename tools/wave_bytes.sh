@@ -1,0 +1,25 @@
+# Functions for scripts that write wave files; to be sourced.
+
+little_endian() { # WIDTH VALUE
+  local i
+  for ((i = 0; i < $1; i++)); do
+    printf "\\x$(printf %02x $((($2 >> (8 * i)) & 255)))"
+  done
+}
+
+# The header as the recorder writes it: the RIFF size field holds the length of the whole file,
+# not the customary length less 8.
+wave_header() { # DATA_BYTES
+  printf RIFF
+  little_endian 4 $(($1 + 44))
+  printf 'WAVEfmt '
+  little_endian 4 16
+  little_endian 2 1
+  little_endian 2 1
+  little_endian 4 11025
+  little_endian 4 22050
+  little_endian 2 2
+  little_endian 2 16
+  printf data
+  little_endian 4 "$1"
+}
