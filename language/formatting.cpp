@@ -13,7 +13,9 @@ constexpr std::u16string_view kTagLimit = u"100";
 std::u16string FormatNumber(std::u16string_view format, std::int32_t number) {
   std::u16string result(format);
   const std::size_t at = result.find(kNumberPlaceholder);
-  if (at != std::u16string::npos) result.replace(at, kNumberPlaceholder.size(), Decimal(number));
+  if (at != std::u16string::npos) {
+    result.replace(at, kNumberPlaceholder.size(), Decimal(number));
+  }
   return result;
 }
 
@@ -23,7 +25,9 @@ std::u16string Decimal(std::int32_t number) {
 }
 
 std::u16string CountLabel(const Texts& texts, std::int32_t tagCount) {
-  if (!texts.IsLanguageFileLoaded()) return EnglishCountLabel(tagCount);
+  if (!texts.IsLanguageFileLoaded()) {
+    return EnglishCountLabel(tagCount);
+  }
   std::u16string label(texts(resources::kLearnedCommands));
   label += u' ';
   label += Decimal(tagCount);

@@ -10,10 +10,14 @@ namespace language {
 namespace {
 
 bool BeginsWith(std::span<const std::byte> file, std::initializer_list<unsigned> start) {
-  if (file.size() < start.size()) return false;
+  if (file.size() < start.size()) {
+    return false;
+  }
   std::size_t at = 0;
   for (const unsigned expected : start) {
-    if (std::to_integer<unsigned>(file[at++]) != expected) return false;
+    if (std::to_integer<unsigned>(file[at++]) != expected) {
+      return false;
+    }
   }
   return true;
 }
@@ -39,7 +43,9 @@ std::string DescribeEncoding(std::span<const std::byte> file) {
 
 std::u16string_view FirstWord(std::u16string_view line) {
   const std::size_t start = line.find_first_not_of(u" \t");
-  if (start == std::u16string_view::npos) return {};
+  if (start == std::u16string_view::npos) {
+    return {};
+  }
   line.remove_prefix(start);
   return line.substr(0, line.find_first_of(std::u16string_view(u" \t\0", 3)));
 }
@@ -56,9 +62,13 @@ class Check {
 
   std::vector<Finding> Run() {
     LanguageLine line;
-    while (m_reader.Next(line)) CheckLine(line);
+    while (m_reader.Next(line)) {
+      CheckLine(line);
+    }
     for (const resources::LanguageKey& row : resources::kLanguageKeys) {
-      if (m_lines.contains(std::u16string(row.key))) continue;
+      if (m_lines.contains(std::u16string(row.key))) {
+        continue;
+      }
       Add(FindingKind::kMissingKey, 0, row.key, "the key is missing, so its text is empty");
     }
     return std::move(m_findings);

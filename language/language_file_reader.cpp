@@ -31,14 +31,18 @@ std::u16string Decode(std::span<const std::byte> file) {
 LanguageFileReader::LanguageFileReader(std::span<const std::byte> file) : m_next(kFirstCharacter) {
   m_isAccepted = HasAcceptedStart(file);
   m_isAtEnd = !m_isAccepted;
-  if (!m_isAccepted) return;
+  if (!m_isAccepted) {
+    return;
+  }
   m_characters = Decode(file);
   // Counted in bytes, so a last half character moves it by one.
   m_limit = file.size() < kTailBytes ? 0 : (file.size() - kTailBytes + 1) / 2;
 }
 
 bool LanguageFileReader::Next(LanguageLine& line) {
-  if (m_isAtEnd) return false;
+  if (m_isAtEnd) {
+    return false;
+  }
   line = Parse(m_next);
   const std::size_t end = FindLineEnd(m_next);
   m_isAtEnd = end >= m_limit;
@@ -52,20 +56,32 @@ bool LanguageFileReader::Next(LanguageLine& line) {
 
 LanguageLine LanguageFileReader::Parse(std::size_t start) const {
   LanguageLine line;
-  if (StopsAt(start)) return line;
+  if (StopsAt(start)) {
+    return line;
+  }
   if (m_characters[start] == u'/' && m_characters[start + 1] == u'/') {
     line.kind = LineKind::kComment;
     return line;
   }
   std::size_t at = start;
-  while (!StopsAt(at) && IsBlank(m_characters[at])) ++at;
-  if (StopsAt(at)) return line;
+  while (!StopsAt(at) && IsBlank(m_characters[at])) {
+    ++at;
+  }
+  if (StopsAt(at)) {
+    return line;
+  }
   const std::size_t keyStart = at;
-  while (!StopsAt(at) && !IsBlank(m_characters[at])) ++at;
+  while (!StopsAt(at) && !IsBlank(m_characters[at])) {
+    ++at;
+  }
   line.kind = LineKind::kNoText;
   const std::size_t keyEnd = at;
-  while (!StopsAt(at) && IsBlank(m_characters[at])) ++at;
-  if (StopsAt(at) || m_characters[at] == u'/') return line;
+  while (!StopsAt(at) && IsBlank(m_characters[at])) {
+    ++at;
+  }
+  if (StopsAt(at) || m_characters[at] == u'/') {
+    return line;
+  }
   line.key = Between(keyStart, keyEnd);
   TakeText(at, line);
   return line;
@@ -73,8 +89,12 @@ LanguageLine LanguageFileReader::Parse(std::size_t start) const {
 
 void LanguageFileReader::TakeText(std::size_t start, LanguageLine& line) const {
   std::size_t end = start;
-  while (end < m_characters.size() && m_characters[end] != u'/' && !IsLineEnd(end)) ++end;
-  while (end > start && IsBlank(m_characters[end - 1])) --end;
+  while (end < m_characters.size() && m_characters[end] != u'/' && !IsLineEnd(end)) {
+    ++end;
+  }
+  while (end > start && IsBlank(m_characters[end - 1])) {
+    --end;
+  }
   line.kind = LineKind::kEntry;
   line.text = Between(start, end);
   line.behind = Between(end, FindLineEnd(end));

@@ -50,7 +50,9 @@ std::u16string_view Heading(resources::TextArea area) {
 
 void AddComment(std::u16string& file, std::u16string_view comment) {
   file += u"//";
-  if (!comment.empty()) file += u' ';
+  if (!comment.empty()) {
+    file += u' ';
+  }
   file += comment;
   file += kLineEnd;
 }
@@ -59,7 +61,9 @@ void AddComment(std::u16string& file, std::u16string_view comment) {
 
 std::u16string LanguageTemplate() {
   std::u16string file;
-  for (const std::u16string_view line : kInstructions) AddComment(file, line);
+  for (const std::u16string_view line : kInstructions) {
+    AddComment(file, line);
+  }
 
   std::size_t width = 0;
   for (const resources::LanguageKey& row : resources::kLanguageKeys) {

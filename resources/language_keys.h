@@ -156,7 +156,9 @@ inline constexpr auto kLanguageKeys = std::to_array<LanguageKey>({
 /// The row of `key`; null where the system has no such key.
 [[nodiscard]] constexpr const LanguageKey* FindLanguageKey(std::u16string_view key) {
   for (const LanguageKey& row : kLanguageKeys) {
-    if (row.key == key) return &row;
+    if (row.key == key) {
+      return &row;
+    }
   }
   return nullptr;
 }

@@ -68,8 +68,8 @@ platform::WaveIn& Session::GetWaveIn() {
 
 posix::PosixFileSystem& Session::GetFiles() {
   if (!m_files) {
-    m_files = std::make_unique<posix::PosixFileSystem>(m_options.root.empty() ? GetDefaultRoot()
-                                                                              : m_options.root);
+    m_files = std::make_unique<posix::PosixFileSystem>(
+        ToSystemPath(m_options.root.empty() ? GetDefaultRoot() : m_options.root));
   }
   return *m_files;
 }

@@ -44,22 +44,31 @@ RegistryError Connection::OpenOnce(const Settings& settings) {
   const int flags =
       SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
   const char* const fileLayer = settings.fileLayer.empty() ? nullptr : settings.fileLayer.c_str();
-  int result = sqlite3_open_v2(settings.database.c_str(), &database, flags, fileLayer);
+  const int result = sqlite3_open_v2(settings.database.c_str(), &database, flags, fileLayer);
   m_database.reset(database);
   if (result != SQLITE_OK) return ToRegistryError(result);
-  sqlite3_busy_timeout(database, static_cast<int>(settings.busyLimit.count()));
   // Until the store is known to be sound, closing it must not move anything into it.
   Configure(database, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, true);
-  Configure(database, SQLITE_DBCONFIG_DEFENSIVE, true);
-  Configure(database, SQLITE_DBCONFIG_ENABLE_TRIGGER, false);
-  result = Execute(database, kConnectionSettings);
-  if (result != SQLITE_OK) return ToRegistryError(result);
-  RegistryError error = PrepareSchema(database, settings.initialKeys);
-  if (error == RegistryError::kNone) error = UseWriteAheadLog();
-  if (error == RegistryError::kNone) error = m_store.Prepare(database);
+  const RegistryError error = MakeReady(settings);
   if (error == RegistryError::kNone) {
     Configure(database, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, false);
   }
+  // Where the database takes no writes, what else cannot be opened is the log beside it.
+  const bool lacksLog =
+      error == RegistryError::kOther && sqlite3_db_readonly(database, "main") == 1;
+  return lacksLog ? RegistryError::kReadOnly : error;
+}
+
+RegistryError Connection::MakeReady(const Settings& settings) {
+  sqlite3* const database = m_database.get();
+  sqlite3_busy_timeout(database, static_cast<int>(settings.busyLimit.count()));
+  Configure(database, SQLITE_DBCONFIG_DEFENSIVE, true);
+  Configure(database, SQLITE_DBCONFIG_ENABLE_TRIGGER, false);
+  const int result = Execute(database, kConnectionSettings);
+  RegistryError error = ToRegistryError(result);
+  if (error == RegistryError::kNone) error = PrepareSchema(database, settings.initialKeys);
+  if (error == RegistryError::kNone) error = UseWriteAheadLog();
+  if (error == RegistryError::kNone) error = m_store.Prepare(database);
   return error;
 }
 

@@ -43,6 +43,7 @@ class Connection {
 
  private:
   [[nodiscard]] platform::RegistryError OpenOnce(const Settings& settings);
+  [[nodiscard]] platform::RegistryError MakeReady(const Settings& settings);
   [[nodiscard]] platform::RegistryError UseWriteAheadLog() const;
 
   Database m_database;

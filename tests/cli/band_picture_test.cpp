@@ -23,7 +23,7 @@ TEST(BandPicture, DrawsTheHighestBandFirstAgainstItsOwnMaximum) {
   EXPECT_EQ(Drawing(lines[2]), "@=");
   EXPECT_EQ(Drawing(lines[3]), "@@");
   EXPECT_EQ(Drawing(lines[4]), " @");
-  EXPECT_EQ(lines[4].substr(0, 15), " 108 to  485 Hz");
+  EXPECT_EQ(lines[4].substr(0, 15), " 108 to  484 Hz");
 }
 
 TEST(BandPicture, WithoutFramesOrSoundStaysEmpty) {

@@ -9,9 +9,15 @@
 constexpr int CharacterWidth(char16_t c) {
   constexpr std::u16string_view kNarrow = u"iljtfrI.,:;!'() \u00A0";
   constexpr std::u16string_view kWide = u"mwMWшщжюыфмШЩЖЮФМ";
-  if (kNarrow.find(c) != std::u16string_view::npos) return 30;
-  if (kWide.find(c) != std::u16string_view::npos) return 90;
-  if (c >= 0x2E80) return 110;  // Han characters and full-width punctuation.
+  if (kNarrow.find(c) != std::u16string_view::npos) {
+    return 30;
+  }
+  if (kWide.find(c) != std::u16string_view::npos) {
+    return 90;
+  }
+  if (c >= 0x2E80) {
+    return 110;  // Han characters and full-width punctuation.
+  }
   const bool isCapital = (c >= u'A' && c <= u'Z') || (c >= u'\u00C0' && c <= u'\u00DE') ||
                          (c >= u'\u0410' && c <= u'\u042F');
   return isCapital ? 70 : 58;
@@ -19,7 +25,9 @@ constexpr int CharacterWidth(char16_t c) {
 
 constexpr int TextWidth(std::u16string_view text) {
   int width = 0;
-  for (const char16_t c : text) width += CharacterWidth(c);
+  for (const char16_t c : text) {
+    width += CharacterWidth(c);
+  }
   return width;
 }
 

@@ -14,6 +14,8 @@ inline std::vector<std::byte> FileOf(std::u16string_view text) {
 /// Bytes as they stand.
 inline std::vector<std::byte> Bytes(std::string_view bytes) {
   std::vector<std::byte> result;
-  for (const char byte : bytes) result.push_back(static_cast<std::byte>(byte));
+  for (const char byte : bytes) {
+    result.push_back(static_cast<std::byte>(byte));
+  }
   return result;
 }

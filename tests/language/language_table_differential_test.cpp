@@ -49,7 +49,9 @@ std::u16string Piece(Random& random) {
 std::u16string Line(Random& random) {
   static const char16_t* const kKeys[] = {u"ID_A", u"ID_B", u"ID_TAB_2", u"id_a", u"//ID_A"};
   std::u16string line;
-  if (Below(random, 4) == 0) line += u' ';
+  if (Below(random, 4) == 0) {
+    line += u' ';
+  }
   line += kKeys[Below(random, 5)];
   line += Below(random, 2) == 0 ? u"\t" : u"  ";
   line += u"Text ";

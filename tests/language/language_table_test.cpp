@@ -6,8 +6,9 @@
 #include <string>
 #include <utility>
 
-#include "tests/language/file_system_fake.h"
+#include "platform/headless/memory_file_system.h"
 #include "tests/language/language_bytes.h"
+#include "tests/support/failing_file_system.h"
 
 namespace {
 
@@ -184,7 +185,9 @@ TEST(LanguageTable, HoldsLongKeysAndTexts) {
 
 TEST(LanguageTable, TakesNoEntryBehindThe65535th) {
   std::u16string text;
-  for (std::size_t i = 0; i < LanguageTable::kMaxEntries; ++i) text += u"ID_A text\r\n";
+  for (std::size_t i = 0; i < LanguageTable::kMaxEntries; ++i) {
+    text += u"ID_A text\r\n";
+  }
   LanguageTable table;
   table.LoadFrom(FileOf(text + u"ID_B text\r\nID_C text\r\n"));
   EXPECT_EQ(table.GetCount(), 65535);
@@ -192,72 +195,69 @@ TEST(LanguageTable, TakesNoEntryBehindThe65535th) {
   EXPECT_EQ(LookUp(table, u"ID_B"), u"(default)");
 }
 
+constexpr std::u16string_view kPath = u"\\Voxtrel.lng";
+
 class LanguageTableFile : public testing::Test {
  protected:
-  LanguageTableFile() { m_table.LoadFrom(FileOf(u"ID_OLD text\r\n")); }
+  LanguageTableFile() {
+    m_table.LoadFrom(FileOf(u"ID_OLD text\r\n"));
+    EXPECT_TRUE(m_files.PutFile(kPath, FileOf(u"ID_A text\r\n")));
+  }
 
-  FileSystemFake m_files;
+  headless::MemoryFileSystem m_files;
   LanguageTable m_table;
 };
 
 TEST_F(LanguageTableFile, ReplacesTheContentsByThoseOfTheFile) {
-  m_files.m_content = FileOf(u"ID_A text\r\n");
-  m_table.Load(m_files, u"\\Voxtrel.lng");
-  EXPECT_EQ(m_files.m_openedPath, u"\\Voxtrel.lng");
+  m_table.Load(m_files, kPath);
   EXPECT_EQ(m_table.GetCount(), 1);
   EXPECT_EQ(LookUp(m_table, u"ID_A"), u"text");
-}
-
-TEST_F(LanguageTableFile, OpensForReadingWithoutSharing) {
-  m_table.Load(m_files, u"\\Voxtrel.lng");
-  EXPECT_EQ(m_files.m_mode.access, platform::FileAccess::kRead);
-  EXPECT_EQ(m_files.m_mode.share, platform::FileShare::kNone);
-  EXPECT_EQ(m_files.m_mode.creation, platform::FileCreation::kOpenExisting);
+  EXPECT_EQ(LookUp(m_table, u"ID_OLD"), u"(default)");
 }
 
 TEST_F(LanguageTableFile, KeepsNothingOpen) {
-  m_files.m_content = FileOf(u"ID_A text\r\n");
-  m_table.Load(m_files, u"\\Voxtrel.lng");
-  EXPECT_EQ(m_files.m_openFiles, 0);
+  m_table.Load(m_files, kPath);
+  EXPECT_EQ(m_files.CountOpenHandles(), 0U);
 }
 
-TEST_F(LanguageTableFile, IsEmptyAfterAFileThatCannotBeOpened) {
-  m_files.m_openFails = true;
-  m_table.Load(m_files, u"\\Voxtrel.lng");
+TEST_F(LanguageTableFile, IsEmptyAfterAFileThatIsMissing) {
+  m_table.Load(m_files, u"\\Other.lng");
   EXPECT_EQ(m_table.GetCount(), 0);
 }
 
-TEST_F(LanguageTableFile, IsEmptyAfterAFileWhoseLengthCannotBeTold) {
-  m_files.m_content = FileOf(u"ID_A text\r\n");
-  m_files.m_lengthFails = true;
-  m_table.Load(m_files, u"\\Voxtrel.lng");
-  EXPECT_EQ(m_table.GetCount(), 0);
-  EXPECT_EQ(m_files.m_openFiles, 0);
-}
-
-TEST_F(LanguageTableFile, IsEmptyAfterAFileThatCannotBeRead) {
-  m_files.m_content = FileOf(u"ID_A text\r\n");
-  m_files.m_readFails = true;
-  m_table.Load(m_files, u"\\Voxtrel.lng");
+TEST_F(LanguageTableFile, IsEmptyAfterAFileThatAnotherReaderHoldsSinceItSharesWithNobody) {
+  const platform::OpenedFile held = m_files.Open(kPath, {.share = platform::FileShare::kRead});
+  ASSERT_TRUE(held.file);
+  m_table.Load(m_files, kPath);
   EXPECT_EQ(m_table.GetCount(), 0);
 }
 
-TEST_F(LanguageTableFile, TakesWhatAShorterReadGave) {
-  m_files.m_content = FileOf(u"ID_A text\r\n");
-  m_files.m_toldLength = 1000;
-  m_table.Load(m_files, u"\\Voxtrel.lng");
+TEST_F(LanguageTableFile, IsEmptyAndKeepsNothingOpenWhicheverCallFails) {
+  support::FailingFileSystem failing(m_files);
+  for (std::size_t call = 1;; ++call) {
+    failing.FailCall(call, support::Failing::kOnce);
+    m_table.Load(failing, kPath);
+    EXPECT_EQ(m_files.CountOpenHandles(), 0U);
+    if (!failing.HasFailed()) {
+      EXPECT_EQ(call, 4U);
+      break;
+    }
+    EXPECT_EQ(m_table.GetCount(), 0) << "call " << call;
+  }
   EXPECT_EQ(LookUp(m_table, u"ID_A"), u"text");
 }
 
 TEST_F(LanguageTableFile, IsEmptyAfterAnEmptyFile) {
-  m_table.Load(m_files, u"\\Voxtrel.lng");
+  ASSERT_TRUE(m_files.PutFile(kPath, {}));
+  m_table.Load(m_files, kPath);
   EXPECT_EQ(m_table.GetCount(), 0);
 }
 
-TEST_F(LanguageTableFile, DoesNotReadAFileOfMoreThanTheMemoryOfTheHandheld) {
-  m_files.m_content = FileOf(u"ID_A text\r\n");
-  m_files.m_toldLength = LanguageTable::kMaxFileLength + 1;
-  m_table.Load(m_files, u"\\Voxtrel.lng");
+TEST_F(LanguageTableFile, DoesNotReadMoreThanTheMemoryOfTheHandheld) {
+  std::vector<std::byte> file = FileOf(u"ID_A text\r\n");
+  file.resize(LanguageTable::kMaxFileLength + 1);
+  ASSERT_TRUE(m_files.PutFile(kPath, file));
+  m_table.Load(m_files, kPath);
   EXPECT_EQ(m_table.GetCount(), 0);
 }
 

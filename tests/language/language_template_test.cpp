@@ -47,7 +47,9 @@ TEST(LanguageTemplate, EndsEveryLineWithCrLf) {
   const auto lines = std::count(text.begin(), text.end(), u'\n');
   EXPECT_EQ(std::count(text.begin(), text.end(), u'\r'), lines);
   std::ptrdiff_t found = 0;
-  for (std::size_t at = 0; (at = text.find(u"\r\n", at)) != std::u16string::npos; at += 2) ++found;
+  for (std::size_t at = 0; (at = text.find(u"\r\n", at)) != std::u16string::npos; at += 2) {
+    ++found;
+  }
   EXPECT_EQ(found, lines);
 }
 

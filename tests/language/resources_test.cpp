@@ -21,7 +21,9 @@ using resources::LanguageKey;
 
 std::string ToText(const std::vector<std::byte>& bytes) {
   std::string text;
-  for (const std::byte byte : bytes) text += static_cast<char>(byte);
+  for (const std::byte byte : bytes) {
+    text += static_cast<char>(byte);
+  }
   return text;
 }
 
@@ -36,7 +38,9 @@ bool IsSource(const fs::path& path) {
 
 TEST(LanguageKeys, AreNamedOnceEach) {
   std::set<std::u16string_view> keys;
-  for (const LanguageKey& row : kLanguageKeys) EXPECT_TRUE(keys.insert(row.key).second);
+  for (const LanguageKey& row : kLanguageKeys) {
+    EXPECT_TRUE(keys.insert(row.key).second);
+  }
   EXPECT_EQ(keys.size(), 54U);
 }
 
@@ -70,10 +74,14 @@ TEST(LanguageKeys, AreWrittenNowhereInTheCodeButInTheResources) {
   const fs::path root(VOXTREL_SOURCE_DIR);
   for (const fs::directory_entry& top : fs::directory_iterator(root)) {
     const std::string name = top.path().filename().string();
-    if (!top.is_directory() || !IsOurs(name) || name == "resources" || name == "tests") continue;
+    if (!top.is_directory() || !IsOurs(name) || name == "resources" || name == "tests") {
+      continue;
+    }
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(top.path())) {
       const fs::path path = fs::relative(entry.path(), root);
-      if (!entry.is_regular_file() || !IsSource(path)) continue;
+      if (!entry.is_regular_file() || !IsSource(path)) {
+        continue;
+      }
       ++scanned;
       const std::string code = ToText(ReadSourceFile(path));
       for (const char* const start : {"ID_S_", "ID_TAB_", "ID_STTL"}) {
@@ -114,7 +122,9 @@ TEST(Strings, NameTheKindsOfNumberByTheirCodes) {
                                 u"ID_S_MESSAGE_D21"sv};
   const auto lower = [](std::u16string_view text) {
     std::u16string result(text);
-    for (char16_t& c : result) c = c >= u'A' && c <= u'Z' ? static_cast<char16_t>(c + 32) : c;
+    for (char16_t& c : result) {
+      c = c >= u'A' && c <= u'Z' ? static_cast<char16_t>(c + 32) : c;
+    }
     return result;
   };
   for (const resources::NumberTexts* texts :

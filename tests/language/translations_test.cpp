@@ -53,7 +53,9 @@ TEST_P(Translation, HoldsNoPercentSign) {
 TEST_P(Translation, LeavesNoTextInEnglishButNamesAndWordsOfBothLanguages) {
   std::size_t same = 0;
   for (std::size_t i = 0; i < kLanguageKeys.size(); ++i) {
-    if (m_table.GetEntries()[i].text == kLanguageKeys[i].english) ++same;
+    if (m_table.GetEntries()[i].text == kLanguageKeys[i].english) {
+      ++same;
+    }
   }
   EXPECT_LE(same, 3U);  // The product's name; in French "Attention" and "Contacts" too.
 }

@@ -10,7 +10,9 @@ namespace twins {
 namespace {
 
 bool Same(const char16_t* a, const char16_t* b) {
-  if (a == nullptr || b == nullptr) return a == b;
+  if (a == nullptr || b == nullptr) {
+    return a == b;
+  }
   return std::u16string_view(a) == std::u16string_view(b);
 }
 
@@ -30,8 +32,12 @@ std::string DifferenceFromTwin(std::span<const std::byte> file) {
   }
   for (std::size_t i = 0; i < twin.GetCount(); ++i) {
     const language::LanguageTable::Entry& entry = table.GetEntries()[i];
-    if (entry.key != twin.GetKey(i)) return "key " + std::to_string(i);
-    if (entry.text != twin.GetText(i)) return "text " + std::to_string(i);
+    if (entry.key != twin.GetKey(i)) {
+      return "key " + std::to_string(i);
+    }
+    if (entry.text != twin.GetText(i)) {
+      return "text " + std::to_string(i);
+    }
     const char16_t* const key = twin.GetKey(i);
     if (!Same(table.LookUp(key, nullptr), twin.LookUp(key, nullptr))) {
       return "look-up " + std::to_string(i);
@@ -39,7 +45,9 @@ std::string DifferenceFromTwin(std::span<const std::byte> file) {
   }
   const char16_t* const kOthers[] = {nullptr, u"", u"ID_A", u"ID_TAB_2", u"no such key"};
   for (const char16_t* const key : kOthers) {
-    if (!Same(table.LookUp(key, u"default"), twin.LookUp(key, u"default"))) return "other key";
+    if (!Same(table.LookUp(key, u"default"), twin.LookUp(key, u"default"))) {
+      return "other key";
+    }
   }
   return {};
 }

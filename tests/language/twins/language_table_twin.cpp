@@ -52,34 +52,60 @@ class Scan {
 
 bool ParseLine(const Scan& scan, Position p, Copy& key, Copy& text) {
   const Position end = scan.End();
-  if (p >= end) return false;
-  if (scan.Is(p, 0)) return false;
-  if (scan.Is(p, u'/') && scan.Is(p + 2, u'/')) return false;
-  if (p >= end - 4) return false;
+  if (p >= end) {
+    return false;
+  }
+  if (scan.Is(p, 0)) {
+    return false;
+  }
+  if (scan.Is(p, u'/') && scan.Is(p + 2, u'/')) {
+    return false;
+  }
+  if (p >= end - 4) {
+    return false;
+  }
 
   Position keyStart = -1;
   Position textStart = -1;
   bool keyEnded = false;
   for (Position at = p; at < end - 4; at += 2) {
-    if (scan.Is(at, 0) || scan.IsCrLf(at)) break;
+    if (scan.Is(at, 0) || scan.IsCrLf(at)) {
+      break;
+    }
     if (keyStart < 0) {
-      if (!scan.IsBlank(at)) keyStart = at;
+      if (!scan.IsBlank(at)) {
+        keyStart = at;
+      }
     } else if (!keyEnded) {
-      if (scan.IsBlank(at)) keyEnded = true;
+      if (scan.IsBlank(at)) {
+        keyEnded = true;
+      }
     } else if (!scan.IsBlank(at)) {
-      if (!scan.Is(at, u'/')) textStart = at;
+      if (!scan.Is(at, u'/')) {
+        textStart = at;
+      }
       break;
     }
   }
-  if (textStart < 0) return false;
+  if (textStart < 0) {
+    return false;
+  }
 
   Position keyEnd = keyStart;
-  while (!scan.IsBlank(keyEnd)) keyEnd += 2;
+  while (!scan.IsBlank(keyEnd)) {
+    keyEnd += 2;
+  }
 
   Position textEnd = textStart;
-  while (textEnd + 2 <= end && !scan.Is(textEnd, u'/') && !scan.IsCrLf(textEnd)) textEnd += 2;
-  while (textEnd > textStart && scan.IsBlank(textEnd - 2)) textEnd -= 2;
-  if (textEnd == textStart) return false;
+  while (textEnd + 2 <= end && !scan.Is(textEnd, u'/') && !scan.IsCrLf(textEnd)) {
+    textEnd += 2;
+  }
+  while (textEnd > textStart && scan.IsBlank(textEnd - 2)) {
+    textEnd -= 2;
+  }
+  if (textEnd == textStart) {
+    return false;
+  }
 
   key = scan.CopyOf(keyStart, keyEnd);
   text = scan.CopyOf(textStart, textEnd);
@@ -101,21 +127,31 @@ void LanguageTableTwin::Load(std::span<const std::byte> file) {
   m_texts.reset();
   m_count = 0;
   const Scan scan(file);
-  if (!scan.IsAccepted()) return;
+  if (!scan.IsAccepted()) {
+    return;
+  }
   Position line = 2;
   while (true) {
     Copy key;
     Copy text;
-    if (ParseLine(scan, line, key, text)) Append(std::move(key), std::move(text));
+    if (ParseLine(scan, line, key, text)) {
+      Append(std::move(key), std::move(text));
+    }
     Position at = line;
-    while (at < scan.End() - 4 && !scan.IsCrLf(at)) at += 2;
-    if (at >= scan.End() - 4) return;
+    while (at < scan.End() - 4 && !scan.IsCrLf(at)) {
+      at += 2;
+    }
+    if (at >= scan.End() - 4) {
+      return;
+    }
     line = at + 4;
   }
 }
 
 void LanguageTableTwin::Append(Copy key, Copy text) {
-  if (m_count == std::numeric_limits<std::uint16_t>::max()) return;
+  if (m_count == std::numeric_limits<std::uint16_t>::max()) {
+    return;
+  }
   auto keys = std::make_unique<Copy[]>(m_count + 1U);
   auto texts = std::make_unique<Copy[]>(m_count + 1U);
   for (std::size_t i = 0; i < m_count; ++i) {
@@ -130,9 +166,13 @@ void LanguageTableTwin::Append(Copy key, Copy text) {
 }
 
 const char16_t* LanguageTableTwin::LookUp(const char16_t* key, const char16_t* defaultText) const {
-  if (key == nullptr || m_count == 0) return defaultText;
+  if (key == nullptr || m_count == 0) {
+    return defaultText;
+  }
   for (std::size_t i = 0; i < m_count; ++i) {
-    if (Equal(m_keys[i].get(), key)) return m_texts[i].get();
+    if (Equal(m_keys[i].get(), key)) {
+      return m_texts[i].get();
+    }
   }
   return defaultText;
 }
