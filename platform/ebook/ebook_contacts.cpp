@@ -66,8 +66,7 @@ bool EbookContacts::Connect() {
 
 bool EbookContacts::Logon() {
   Logoff();
-  std::vector<Book> books;
-  const bool isReady = ReadBooks(books) && TakeContacts(books) && IsEveryOidInUseKnown() &&
+  const bool isReady = (m_choice ? LogonTo(*m_choice) : LogonToDefault()) &&
                        (!m_options.choice || RememberChoice(m_registry, *m_options.choice));
   if (!isReady) {
     Logoff();
@@ -75,20 +74,28 @@ bool EbookContacts::Logon() {
   return isReady;
 }
 
-bool EbookContacts::ReadBooks(std::vector<Book>& books) {
-  if (m_choice && !m_choice->path.empty()) {
-    return VcardSource(m_files, m_choice->path).Read(books) == ReadResult::kRead;
-  }
+bool EbookContacts::LogonTo(const SourceChoice& choice) {
+  std::vector<Book> books;
+  const ReadResult result = choice.path.empty() ? m_options.desktop->Read(books)
+                                                : VcardSource(m_files, choice.path).Read(books);
+  return result == ReadResult::kRead && TakeContacts(books);
+}
+
+bool EbookContacts::LogonToDefault() {
+  std::vector<Book> books;
   const ReadResult result = m_options.desktop->Read(books);
-  if (m_choice) {
-    return result == ReadResult::kRead;
-  }
   const bool hasContacts = std::any_of(books.begin(), books.end(),
                                        [](const Book& book) { return !book.contacts.empty(); });
-  if (result == ReadResult::kUnreadable || hasContacts) {
-    return hasContacts;
+  if (hasContacts && TakeContacts(books)) {
+    return true;
   }
-  return VcardSource(m_files, m_options.defaultPath).Read(books) == ReadResult::kRead;
+  Logoff();
+  // A desktop that comes up, or fails, after tags were recorded with the file changes nothing.
+  const bool isFileInUse = m_options.oidsInUse && !m_options.oidsInUse().value_or({}).empty();
+  if (result == ReadResult::kUnreadable && !isFileInUse) {
+    return false;
+  }
+  return LogonTo({m_options.defaultPath});
 }
 
 bool EbookContacts::TakeContacts(std::vector<Book>& books) {
@@ -110,7 +117,7 @@ bool EbookContacts::TakeContacts(std::vector<Book>& books) {
       m_completeBooks.push_back(books[i].name);
     }
   }
-  return true;
+  return IsEveryOidInUseKnown();
 }
 
 bool EbookContacts::IsEveryOidInUseKnown() {

@@ -28,7 +28,8 @@ class EbookContacts final : public platform::ContactsStore {
     /// What the user asked for this time; it is remembered once a log-on to it succeeded.
     std::optional<SourceChoice> choice;
 
-    /// Read where nothing was ever chosen and the desktop offers no contacts.
+    /// Read where nothing was ever chosen and the desktop offers no contacts, or not those of the
+    /// tags.
     std::u16string defaultPath = u"\\contacts.vcf";
 
     /// The numbers of contacts that must not be lost: those of the recorded tags; nothing where
@@ -58,7 +59,8 @@ class EbookContacts final : public platform::ContactsStore {
   };
   class ReadContact;
 
-  [[nodiscard]] bool ReadBooks(std::vector<Book>& books);
+  [[nodiscard]] bool LogonTo(const SourceChoice& choice);
+  [[nodiscard]] bool LogonToDefault();
   [[nodiscard]] bool TakeContacts(std::vector<Book>& books);
   [[nodiscard]] bool IsEveryOidInUseKnown();
   [[nodiscard]] platform::ContactLookup Find(std::int32_t oid) const;

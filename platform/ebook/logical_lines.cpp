@@ -1,34 +1,41 @@
 #include "platform/ebook/logical_lines.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "platform/ebook/ascii.h"
 
 namespace ebook {
 
 void LogicalLines::Feed(std::string_view bytes) {
-  while (!bytes.empty()) {
-    if (m_lastWasCarriageReturn && bytes.front() == '\n') {
-      m_lastWasCarriageReturn = false;
-      bytes.remove_prefix(1);
+  // Each end is looked for once only, so that neither a stream without the one nor one that is full
+  // of the other costs more than two fast passes.
+  std::size_t lineFeed = bytes.find('\n');
+  std::size_t carriageReturn = bytes.find('\r');
+  for (std::size_t at = 0; at < bytes.size();) {
+    if (lineFeed < at) {
+      lineFeed = bytes.find('\n', at);
+    }
+    if (carriageReturn < at) {
+      carriageReturn = bytes.find('\r', at);
+    }
+    if (std::exchange(m_lastWasCarriageReturn, false) && bytes[at] == '\n') {
+      ++at;
       continue;
     }
-    m_lastWasCarriageReturn = false;
     if (m_state != State::kInLine) {
-      const char first = bytes.front();
-      BeginPhysicalLine(first);
-      if (first == ' ' || first == '\t') {
-        bytes.remove_prefix(m_hasContent ? 1 : 0);
-      }
+      const bool isBlank = bytes[at] == ' ' || bytes[at] == '\t';
+      BeginPhysicalLine(isBlank);
+      at += isBlank && m_hasContent ? 1 : 0;
     }
-    const std::size_t end = bytes.find_first_of("\r\n");
-    Append(bytes.substr(0, end));
-    if (end == std::string_view::npos) {
-      return;
+    const std::size_t end = std::min({lineFeed, carriageReturn, bytes.size()});
+    Append(bytes.substr(at, end - at));
+    at = end;
+    if (end < bytes.size()) {
+      m_lastWasCarriageReturn = bytes[end] == '\r';
+      EndPhysicalLine();
+      ++at;
     }
-    m_lastWasCarriageReturn = bytes[end] == '\r';
-    bytes.remove_prefix(end + 1);
-    EndPhysicalLine();
   }
 }
 
@@ -38,8 +45,8 @@ void LogicalLines::Finish() {
   m_lastWasCarriageReturn = false;
 }
 
-void LogicalLines::BeginPhysicalLine(char first) {
-  const bool goesOn = m_state == State::kAtSoftBreak || first == ' ' || first == '\t';
+void LogicalLines::BeginPhysicalLine(bool isFolded) {
+  const bool goesOn = m_state == State::kAtSoftBreak || isFolded;
   if (!goesOn) {
     Emit();
   }

@@ -5,6 +5,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace ebook {
 
@@ -39,7 +40,7 @@ class LogicalLines {
   };
   enum class Encoding : std::uint8_t { kUnknown, kQuotedPrintable, kOther };
 
-  void BeginPhysicalLine(char first);
+  void BeginPhysicalLine(bool isFolded);
   void Append(std::string_view bytes);
   void EndPhysicalLine();
   void Emit();
