@@ -3,14 +3,18 @@
 #include <libebook/libebook.h>
 
 #include <algorithm>
+#include <atomic>
+#include <condition_variable>
 #include <cstdint>
 #include <memory>
+#include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <utility>
 
 #include "platform/ebook/card_mapping.h"
-#include "platform/ebook/deadline.h"
 #include "platform/ebook/glib_pointers.h"
 #include "platform/text/collation.h"
 #include "platform/text/utf.h"
@@ -94,26 +98,68 @@ bool ReadBook(ESource& source, GCancellable* cancellable, Book& book) {
   return true;
 }
 
+/// One reading, shared by who waits for it and the thread that does it.
+class Reading {
+ public:
+  /// For the thread.
+  void Run() {
+    std::vector<Book> books;
+    const ReadResult result = ReadEnabledBooks(books);
+    const std::lock_guard lock(m_mutex);
+    m_books = std::move(books);
+    m_result = result;
+    m_isDone.notify_one();
+  }
+
+  /// Waits for the end of the reading, and gives up on it after `limit`.
+  [[nodiscard]] ReadResult Wait(std::chrono::milliseconds limit, std::vector<Book>& books) {
+    std::unique_lock lock(m_mutex);
+    if (!m_isDone.wait_for(lock, limit, [this] { return m_result.has_value(); })) {
+      g_cancellable_cancel(m_cancellable.get());
+      return m_hasAnswer ? ReadResult::kUnreadable : ReadResult::kNoAnswer;
+    }
+    books = std::move(m_books);
+    return *m_result;
+  }
+
+ private:
+  [[nodiscard]] ReadResult ReadEnabledBooks(std::vector<Book>& books) {
+    GCancellable* const cancellable = m_cancellable.get();
+    const ObjectPointer<ESourceRegistry> registry(e_source_registry_new_sync(cancellable, nullptr));
+    if (!registry) {
+      return ReadResult::kNoAnswer;
+    }
+    m_hasAnswer = true;
+    const ObjectList sources = ListEnabledBooks(*registry);
+    for (const GList* node = sources.get(); node != nullptr; node = node->next) {
+      Book book;
+      if (g_cancellable_is_cancelled(cancellable) != FALSE ||
+          !ReadBook(*static_cast<ESource*>(node->data), cancellable, book)) {
+        books.clear();
+        return ReadResult::kUnreadable;
+      }
+      books.push_back(std::move(book));
+    }
+    return ReadResult::kRead;
+  }
+
+  const ObjectPointer<GCancellable> m_cancellable{g_cancellable_new()};
+  std::atomic<bool> m_hasAnswer = false;
+  std::mutex m_mutex;
+  std::condition_variable m_isDone;
+  std::vector<Book> m_books;
+  std::optional<ReadResult> m_result;
+};
+
 }  // namespace
 
 ReadResult DesktopSource::Read(std::vector<Book>& books) {
   books.clear();
-  const Deadline deadline(m_limit);
-  GCancellable* const cancellable = deadline.GetCancellable();
-  const ObjectPointer<ESourceRegistry> registry(e_source_registry_new_sync(cancellable, nullptr));
-  if (!registry) {
-    return ReadResult::kNoAnswer;
-  }
-  const ObjectList sources = ListEnabledBooks(*registry);
-  for (const GList* node = sources.get(); node != nullptr; node = node->next) {
-    Book book;
-    if (!ReadBook(*static_cast<ESource*>(node->data), cancellable, book)) {
-      books.clear();
-      return ReadResult::kUnreadable;
-    }
-    books.push_back(std::move(book));
-  }
-  return ReadResult::kRead;
+  const auto reading = std::make_shared<Reading>();
+  // The library does not let go of a server that keeps silent before half a minute has passed,
+  // whatever it is told. The thread then goes on alone and ends without anybody waiting for it.
+  std::thread([reading] { reading->Run(); }).detach();
+  return reading->Wait(m_limit, books);
 }
 
 }  // namespace ebook

@@ -11,7 +11,7 @@ namespace ebook {
 class DesktopSource final : public ContactSource {
  public:
   /// `limit` is how long all books together may take.
-  explicit DesktopSource(std::chrono::milliseconds limit = std::chrono::seconds(30))
+  explicit DesktopSource(std::chrono::milliseconds limit = std::chrono::seconds(20))
       : m_limit(limit) {}
 
   /// kUnreadable also where one of several books fails: whoever then saw the others alone would

@@ -91,8 +91,7 @@ bool EbookContacts::LogonToDefault() {
   }
   Logoff();
   // A desktop that comes up, or fails, after tags were recorded with the file changes nothing.
-  const bool isFileInUse = m_options.oidsInUse && !m_options.oidsInUse().value_or({}).empty();
-  if (result == ReadResult::kUnreadable && !isFileInUse) {
+  if (result == ReadResult::kUnreadable && !IsAnyOidInUse()) {
     return false;
   }
   return LogonTo({m_options.defaultPath});
@@ -120,7 +119,12 @@ bool EbookContacts::TakeContacts(std::vector<Book>& books) {
   return IsEveryOidInUseKnown();
 }
 
-bool EbookContacts::IsEveryOidInUseKnown() {
+bool EbookContacts::IsAnyOidInUse() const {
+  const auto oids = m_options.oidsInUse ? m_options.oidsInUse() : std::nullopt;
+  return oids && !oids->empty();
+}
+
+bool EbookContacts::IsEveryOidInUseKnown() const {
   if (!m_options.oidsInUse) {
     return true;
   }

@@ -62,7 +62,8 @@ class EbookContacts final : public platform::ContactsStore {
   [[nodiscard]] bool LogonTo(const SourceChoice& choice);
   [[nodiscard]] bool LogonToDefault();
   [[nodiscard]] bool TakeContacts(std::vector<Book>& books);
-  [[nodiscard]] bool IsEveryOidInUseKnown();
+  [[nodiscard]] bool IsAnyOidInUse() const;
+  [[nodiscard]] bool IsEveryOidInUseKnown() const;
   [[nodiscard]] platform::ContactLookup Find(std::int32_t oid) const;
 
   platform::FileSystem& m_files;
