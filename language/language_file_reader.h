@@ -31,6 +31,7 @@ struct LanguageLine {
 class LanguageFileReader {
  public:
   explicit LanguageFileReader(std::span<const std::byte> file);
+  ~LanguageFileReader() = default;
 
   // The lines point into the reader.
   LanguageFileReader(const LanguageFileReader&) = delete;

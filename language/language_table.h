@@ -26,6 +26,7 @@ class LanguageTable {
   static constexpr std::uint64_t kMaxFileLength = std::uint64_t{32} << 20U;
 
   LanguageTable() = default;
+  ~LanguageTable() = default;
   LanguageTable(const LanguageTable&) = delete;
   LanguageTable& operator=(const LanguageTable&) = delete;
 

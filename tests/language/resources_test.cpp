@@ -27,9 +27,10 @@ std::string ToText(const std::vector<std::byte>& bytes) {
   return text;
 }
 
-bool IsOurs(const fs::path& path) {
-  const std::string folder = path.begin()->string();
-  return folder != "build" && !folder.starts_with(".");
+// The folders of the program itself.
+bool IsProgram(const std::string& folder) {
+  return !folder.starts_with(".") && folder != "build" && folder != "resources" &&
+         folder != "tests" && folder != "benchmarks";
 }
 
 bool IsSource(const fs::path& path) {
@@ -74,7 +75,7 @@ TEST(LanguageKeys, AreWrittenNowhereInTheCodeButInTheResources) {
   const fs::path root(VOXTREL_SOURCE_DIR);
   for (const fs::directory_entry& top : fs::directory_iterator(root)) {
     const std::string name = top.path().filename().string();
-    if (!top.is_directory() || !IsOurs(name) || name == "resources" || name == "tests") {
+    if (!top.is_directory() || !IsProgram(name)) {
       continue;
     }
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(top.path())) {
