@@ -4,36 +4,20 @@
 
 #include "storage/fixed_text.h"
 #include "storage/registry_keys.h"
+#include "storage/utf16_bytes.h"
 
 namespace storage {
 
-namespace {
-
-constexpr unsigned kBitsOfByte = 8;
-
-}  // namespace
-
 std::vector<std::byte> ToTagValue(std::u16string_view text) {
-  std::vector<std::byte> bytes(kTagValueBytes);
-  std::size_t at = 0;
-  for (const char16_t unit : CutText(UpToZero(text), kTagValueBytes / sizeof(char16_t) - 1)) {
-    bytes[at++] = static_cast<std::byte>(unit & 0xFF);
-    bytes[at++] = static_cast<std::byte>(unit >> kBitsOfByte);
-  }
+  constexpr std::size_t kMostUnits = kTagValueBytes / sizeof(char16_t) - 1;
+  std::vector<std::byte> bytes = ToUtf16Bytes(CutText(UpToZero(text), kMostUnits));
+  bytes.resize(kTagValueBytes);
   return bytes;
 }
 
 std::u16string TextOfValue(const platform::RegistryValue& value) {
-  std::u16string text;
-  if (value.type != platform::RegistryType::kString) return text;
-  for (std::size_t i = 0; i + 1 < value.bytes.size(); i += sizeof(char16_t)) {
-    const auto unit =
-        static_cast<char16_t>(std::to_integer<unsigned>(value.bytes[i]) |
-                              std::to_integer<unsigned>(value.bytes[i + 1]) << kBitsOfByte);
-    if (unit == u'\0') break;
-    text += unit;
-  }
-  return text;
+  if (value.type != platform::RegistryType::kString) return {};
+  return std::u16string(UpToZero(FromUtf16Bytes(value.bytes)));
 }
 
 std::optional<std::int32_t> ParseOid(std::u16string_view text) {
