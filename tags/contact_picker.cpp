@@ -97,7 +97,7 @@ ContactPicker::Step ContactPicker::LoadNumbers(platform::Contact& contact, Conta
       record.phoneKinds[accepted] = static_cast<std::int32_t>(kind);
       ++accepted;
       if (m_contacts.GetCount() == 0) {
-        m_view.AddNumber(number + std::u16string(TextsOf(kind).comboSuffix));
+        m_view.AddNumber(ToComboItem(number, kind));
       }
     }
   }
@@ -123,16 +123,16 @@ void ContactPicker::ListNumbers(std::int32_t index) {
 }
 
 void ContactPicker::ListNumber(platform::Contact& contact, std::int32_t code) {
-  if (code < 0 || code >= static_cast<std::int32_t>(kPhoneKinds.size())) {
+  if (code < 0 || code >= static_cast<std::int32_t>(kReadingOrder.size())) {
     return;
   }
-  const PhoneKindTexts& texts = kPhoneKinds[static_cast<std::size_t>(code)];
+  const auto kind = static_cast<PhoneKind>(code);
   std::u16string number;
-  if (!contact.GetNumber(texts.kind, number)) {
-    m_view.Report({ContactFailure::kNumber, ContactReader::kSelection, texts.kind});
+  if (!contact.GetNumber(kind, number)) {
+    m_view.Report({ContactFailure::kNumber, ContactReader::kSelection, kind});
     return;
   }
-  m_view.AddNumber(number + std::u16string(texts.comboSuffix));
+  m_view.AddNumber(ToComboItem(number, kind));
 }
 
 TagText ContactPicker::ReadForTag() {

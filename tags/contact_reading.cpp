@@ -2,6 +2,7 @@
 
 #include <cstddef>
 
+#include "storage/phone_types.h"
 #include "tags/contact_record.h"
 #include "tags/phone_kind.h"
 
@@ -30,15 +31,15 @@ TagText Failed(ContactReader reader, ContactFailure failure, PhoneKind kind = Ph
 
 TagText AddNumber(platform::Contact& contact, std::u16string_view phoneType, ContactReader reader,
                   const std::u16string& name) {
-  const PhoneKindTexts* kind = FindPhoneKind(phoneType);
-  if (kind == nullptr) {
+  const std::optional<storage::PhoneType> type = storage::FindPhoneType(phoneType);
+  if (!type) {
     return {name, false, std::nullopt};
   }
   std::u16string number;
-  if (!contact.GetNumber(kind->kind, number)) {
-    return Failed(reader, ContactFailure::kNumber, kind->kind);
+  if (!contact.GetNumber(type->kind, number)) {
+    return Failed(reader, ContactFailure::kNumber, type->kind);
   }
-  return {name + u' ' + number + std::u16string(kind->listMark), true, std::nullopt};
+  return {name + u' ' + ToListNumber(number, type->kind), true, std::nullopt};
 }
 
 }  // namespace

@@ -22,7 +22,7 @@ struct ContactRecord {
   std::array<char16_t, kNameCapacity> name{};  ///< Zero-terminated; as the contact combo shows it.
   std::int32_t oid = 0;
   /// Codes of the numbers found, in reading order, packed from the front.
-  std::array<std::int32_t, kPhoneKinds.size()> phoneKinds;
+  std::array<std::int32_t, kReadingOrder.size()> phoneKinds;
 
   ContactRecord() { phoneKinds.fill(kNoPhoneKind); }
 

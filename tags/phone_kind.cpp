@@ -1,6 +1,9 @@
 #include "tags/phone_kind.h"
 
 #include <algorithm>
+#include <cstddef>
+
+#include "storage/phone_types.h"
 
 namespace tags {
 namespace {
@@ -13,11 +16,12 @@ constexpr bool IsWhiteSpace(char16_t c) {
 
 }  // namespace
 
-const PhoneKindTexts* FindPhoneKind(std::u16string_view word) {
-  const auto* const found =
-      std::find_if(kPhoneKinds.begin(), kPhoneKinds.end(),
-                   [word](const PhoneKindTexts& texts) { return texts.word == word; });
-  return found == kPhoneKinds.end() ? nullptr : found;
+std::u16string ToComboItem(std::u16string_view number, PhoneKind kind) {
+  return std::u16string(number) + u' ' + std::u16string(storage::GetPhoneType(kind).word);
+}
+
+std::u16string ToListNumber(std::u16string_view number, PhoneKind kind) {
+  return std::u16string(number) + u' ' + std::u16string(storage::GetPhoneType(kind).abbreviation);
 }
 
 std::u16string_view PhoneTypeWord(std::u16string_view item) {

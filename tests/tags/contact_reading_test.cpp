@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "platform/headless/headless_contacts.h"
+#include "storage/phone_types.h"
 
 namespace tags {
 namespace {
@@ -180,7 +181,7 @@ TEST_P(TagTexts, TellWhichPartOfTheNameFailed) {
 }
 
 TEST_P(TagTexts, TellWhichNumberFailed) {
-  for (const PhoneKindTexts& texts : kPhoneKinds) {
+  for (const storage::PhoneType& texts : storage::kPhoneTypes) {
     HeadlessContact contact = Named(u"Ann", u"", u"Lee");
     contact.FailNumber(texts.kind);
     const ContactMessage expected{Failure::kNumber, GetParam().reader, texts.kind};

@@ -4,6 +4,8 @@
 
 #include <string>
 
+#include "storage/phone_types.h"
+
 namespace tags {
 namespace {
 
@@ -29,30 +31,21 @@ constexpr Row kRows[] = {
 
 TEST(PhoneKind, EveryCodeHasItsWordSuffixAndMark) {
   for (const Row& row : kRows) {
-    const PhoneKindTexts& texts = TextsOf(static_cast<PhoneKind>(row.code));
-    EXPECT_EQ(static_cast<int>(texts.kind), row.code);
-    EXPECT_EQ(texts.word, row.word);
-    EXPECT_EQ(texts.comboSuffix, row.suffix);
-    EXPECT_EQ(texts.listMark, row.mark);
+    const auto kind = static_cast<PhoneKind>(row.code);
+    EXPECT_EQ(storage::GetPhoneType(kind).word, row.word);
+    EXPECT_EQ(ToComboItem(u"555", kind), u"555" + std::u16string(row.suffix));
+    EXPECT_EQ(ToListNumber(u"555", kind), u"555" + std::u16string(row.mark));
+    EXPECT_EQ(PhoneTypeWord(ToComboItem(u"5 55", kind)), row.word);
   }
 }
 
 TEST(PhoneKind, NumbersAreGatheredMobileFirst) {
   std::u16string words;
   for (const PhoneKind kind : kReadingOrder) {
-    words += TextsOf(kind).comboSuffix;
+    words += ToComboItem(u"", kind);
   }
   EXPECT_EQ(words,
             u" Mobile Radio Car Assistant Business Business2 BusinessFax Home Home2 HomeFax");
-}
-
-TEST(PhoneKind, AWordIsFoundOnlyAsItIsWritten) {
-  ASSERT_NE(FindPhoneKind(u"Home2"), nullptr);
-  EXPECT_EQ(FindPhoneKind(u"Home2")->kind, PhoneKind::kHome2);
-  EXPECT_EQ(FindPhoneKind(u"home2"), nullptr);
-  EXPECT_EQ(FindPhoneKind(u" Home"), nullptr);
-  EXPECT_EQ(FindPhoneKind(u"Pager"), nullptr);
-  EXPECT_EQ(FindPhoneKind(u""), nullptr);
 }
 
 TEST(PhoneTypeWord, IsWhatFollowsTheLastWhiteSpace) {
