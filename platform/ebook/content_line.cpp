@@ -33,12 +33,22 @@ std::size_t FindOutside(std::string_view text, char wanted, bool parenthesesCoun
 }
 
 /// Text made fit to stand in the header of a line: "-" for what the parser does not take.
-std::string CleanName(std::string_view name, std::string_view alsoTaken = {}) {
+std::string CleanName(std::string_view name) {
   std::string clean(Trim(name));
   std::replace_if(
-      clean.begin(), clean.end(),
-      [alsoTaken](char c) { return !IsNameCharacter(c) && alsoTaken.find(c) == kNone; }, '-');
+      clean.begin(), clean.end(), [](char c) { return !IsNameCharacter(c); }, '-');
   return clean;
+}
+
+/// The same for a property with its group, which only the last full stop ends.
+std::string CleanProperty(std::string_view property) {
+  const std::size_t stop = property.rfind('.');
+  if (stop == kNone) {
+    return CleanName(property);
+  }
+  const std::string group = CleanName(property.substr(0, stop));
+  const std::string name = CleanName(property.substr(stop + 1));
+  return group.empty() ? name : group + '.' + name;
 }
 
 std::string Quote(std::string_view text) {
@@ -111,15 +121,17 @@ void AppendParameter(std::string_view parameter, Header& header) {
     header.isQuotedPrintable = true;
   } else if (equals == kNone) {
     header.text += ";TYPE=" + Quote(value);
+  } else if (EqualIgnoringCase(name, "ENCODING")) {
+    // None that a name or a number is written in.
   } else if (!name.empty() && !value.empty()) {
-    header.text += ';' + name + '=' + std::string(value);
+    header.text += ';' + name + '=' + Quote(value);
   }
 }
 
 Header RewriteHeader(std::string_view header) {
   const std::size_t nameEnd = header.find(';');
   Header rewritten;
-  rewritten.text = CleanName(header.substr(0, nameEnd), ".");
+  rewritten.text = CleanProperty(header.substr(0, nameEnd));
   while (true) {
     const std::size_t semicolon = FindOutside(header, ';', true);
     if (semicolon == kNone) {
@@ -131,11 +143,30 @@ Header RewriteHeader(std::string_view header) {
   return rewritten;
 }
 
+bool IsOf(std::string_view text, std::string_view alsoTaken) {
+  return std::all_of(text.begin(), text.end(), [alsoTaken](char c) {
+    return IsNameCharacter(c) || alsoTaken.find(c) != kNone;
+  });
+}
+
+/// Whether the parser takes the header as it stands and loses nothing.
 bool IsPlainHeader(std::string_view header) {
-  static constexpr std::string_view kPlain = ".;=,\"";
-  return std::all_of(header.begin(), header.end(),
-                     [](char c) { return IsNameCharacter(c) || kPlain.find(c) != kNone; }) &&
-         !ContainsIgnoringCase(header, "CHARSET") && !ContainsIgnoringCase(header, "PRINTABLE");
+  const std::size_t nameEnd = std::min(header.find(';'), header.size());
+  const std::string_view property = header.substr(0, nameEnd);
+  bool isPlain = IsOf(property, ".") && property.find('.') == property.rfind('.');
+  header.remove_prefix(nameEnd);
+  while (isPlain && !header.empty()) {
+    header.remove_prefix(1);
+    const std::string_view parameter = header.substr(0, header.find(';'));
+    const std::size_t equals = std::min(parameter.find('='), parameter.size());
+    isPlain = IsOf(parameter.substr(0, equals), "") &&
+              IsOf(parameter.substr(std::min(equals + 1, parameter.size())), ",") &&
+              !ContainsIgnoringCase(parameter, "CHARSET") &&
+              !ContainsIgnoringCase(parameter, "ENCODING") &&
+              !ContainsIgnoringCase(parameter, "PRINTABLE");
+    header.remove_prefix(parameter.size());
+  }
+  return isPlain;
 }
 
 /// Appends `value` with the escapes that the parser knows as they are, and every other backslash
