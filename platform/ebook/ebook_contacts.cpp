@@ -60,14 +60,19 @@ EbookContacts::~EbookContacts() = default;
 bool EbookContacts::Initialize() { return true; }
 
 bool EbookContacts::Connect() {
+  m_problem = Problem::kNone;
   m_choice = m_options.choice;
-  return (m_choice || RecallChoice(m_registry, m_choice)) && m_oids.Load();
+  const bool isReady = (m_choice || RecallChoice(m_registry, m_choice)) && m_oids.Load();
+  return isReady || Fail(Problem::kStore);
 }
 
 bool EbookContacts::Logon() {
   Logoff();
-  const bool isReady = (m_choice ? LogonTo(*m_choice) : LogonToDefault()) &&
-                       (!m_options.choice || RememberChoice(m_registry, *m_options.choice));
+  m_problem = Problem::kNone;
+  bool isReady = m_choice ? LogonTo(*m_choice) : LogonToDefault();
+  if (isReady && m_options.choice && !RememberChoice(m_registry, *m_options.choice)) {
+    isReady = Fail(Problem::kStore);
+  }
   if (!isReady) {
     Logoff();
   }
@@ -78,7 +83,10 @@ bool EbookContacts::LogonTo(const SourceChoice& choice) {
   std::vector<Book> books;
   const ReadResult result = choice.path.empty() ? m_options.desktop->Read(books)
                                                 : VcardSource(m_files, choice.path).Read(books);
-  return result == ReadResult::kRead && TakeContacts(books);
+  if (result != ReadResult::kRead) {
+    return Fail(result == ReadResult::kNoAnswer ? Problem::kNoServer : Problem::kUnreadable);
+  }
+  return TakeContacts(books);
 }
 
 bool EbookContacts::LogonToDefault() {
@@ -92,9 +100,18 @@ bool EbookContacts::LogonToDefault() {
   Logoff();
   // A desktop that comes up, or fails, after tags were recorded with the file changes nothing.
   if (result == ReadResult::kUnreadable && !IsAnyOidInUse()) {
-    return false;
+    return Fail(Problem::kUnreadable);
   }
-  return LogonTo({m_options.defaultPath});
+  const bool isReady = LogonTo({m_options.defaultPath});
+  if (m_problem == Problem::kUnreadable) {
+    return Fail(hasContacts ? Problem::kTagsElsewhere : Problem::kNothingChosen);
+  }
+  return isReady;
+}
+
+bool EbookContacts::Fail(Problem problem) {
+  m_problem = problem;
+  return false;
 }
 
 bool EbookContacts::TakeContacts(std::vector<Book>& books) {
@@ -104,7 +121,7 @@ bool EbookContacts::TakeContacts(std::vector<Book>& books) {
   }
   std::vector<std::vector<std::int32_t>> oids;
   if (!m_oids.Assign(identities, oids)) {
-    return false;
+    return Fail(Problem::kStore);
   }
   for (std::size_t i = 0; i < books.size(); ++i) {
     for (std::size_t j = 0; j < books[i].contacts.size(); ++j) {
@@ -124,14 +141,18 @@ bool EbookContacts::IsAnyOidInUse() const {
   return oids && !oids->empty();
 }
 
-bool EbookContacts::IsEveryOidInUseKnown() const {
+bool EbookContacts::IsEveryOidInUseKnown() {
   if (!m_options.oidsInUse) {
     return true;
   }
   const std::optional<std::vector<std::int32_t>> oids = m_options.oidsInUse();
-  return oids && std::none_of(oids->begin(), oids->end(), [this](std::int32_t oid) {
-           return Find(oid) == ContactLookup::kFailed;
-         });
+  if (!oids) {
+    return Fail(Problem::kStore);
+  }
+  const bool isKnown = std::none_of(oids->begin(), oids->end(), [this](std::int32_t oid) {
+    return Find(oid) == ContactLookup::kFailed;
+  });
+  return isKnown || Fail(Problem::kTagsElsewhere);
 }
 
 ContactLookup EbookContacts::Find(std::int32_t oid) const {

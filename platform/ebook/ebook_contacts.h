@@ -40,6 +40,16 @@ class EbookContacts final : public platform::ContactsStore {
     ContactSource* desktop = nullptr;
   };
 
+  /// Why the latest Connect or Logon failed, for who can tell the user more than that it did.
+  enum class Problem : std::uint8_t {
+    kNone,
+    kStore,          ///< The registry could not be read or written.
+    kNoServer,       ///< The desktop's address books do not answer.
+    kUnreadable,     ///< The desktop's address books, or the file, cannot be read to the end.
+    kNothingChosen,  ///< Nothing was ever chosen, and neither desktop nor default has contacts.
+    kTagsElsewhere,  ///< Contacts of tags are in another address book, or may be.
+  };
+
   EbookContacts(platform::FileSystem& files, platform::Registry& registry, Options options);
   ~EbookContacts() override;
 
@@ -52,6 +62,8 @@ class EbookContacts final : public platform::ContactsStore {
       std::int32_t oid, std::unique_ptr<platform::Contact>& contact) override;
   void Logoff() override;
 
+  [[nodiscard]] Problem GetProblem() const { return m_problem; }
+
  private:
   struct StoredContact {
     ContactData data;
@@ -61,9 +73,10 @@ class EbookContacts final : public platform::ContactsStore {
 
   [[nodiscard]] bool LogonTo(const SourceChoice& choice);
   [[nodiscard]] bool LogonToDefault();
+  [[nodiscard]] bool Fail(Problem problem);
   [[nodiscard]] bool TakeContacts(std::vector<Book>& books);
   [[nodiscard]] bool IsAnyOidInUse() const;
-  [[nodiscard]] bool IsEveryOidInUseKnown() const;
+  [[nodiscard]] bool IsEveryOidInUseKnown();
   [[nodiscard]] platform::ContactLookup Find(std::int32_t oid) const;
 
   platform::FileSystem& m_files;
@@ -75,6 +88,7 @@ class EbookContacts final : public platform::ContactsStore {
   std::vector<std::shared_ptr<const StoredContact>> m_contacts;
   std::unordered_map<std::int32_t, std::size_t> m_indexes;  ///< By oid.
   std::vector<std::u16string> m_completeBooks;              ///< Names.
+  Problem m_problem = Problem::kNone;
 };
 
 }  // namespace ebook

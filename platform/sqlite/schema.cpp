@@ -31,13 +31,13 @@ CREATE TABLE registry_value (
   data BLOB NOT NULL CHECK (typeof (data) = 'blob'),
   UNIQUE (key_id, folded_name));
 CREATE INDEX registry_value_order ON registry_value (key_id, id);
-CREATE VIEW registry_path (key_id, path) AS
-  WITH RECURSIVE below (key_id, path) AS (
-    SELECT id, name FROM registry_key WHERE parent_id = 1
+CREATE VIEW registry_path (key_id, path, folded_path) AS
+  WITH RECURSIVE below (key_id, path, folded_path) AS (
+    SELECT id, name, folded_name FROM registry_key WHERE parent_id = 1
     UNION ALL
-    SELECT child.id, below.path || '\' || child.name
+    SELECT child.id, below.path || '\' || child.name, below.folded_path || '\' || child.folded_name
     FROM below JOIN registry_key AS child ON child.parent_id = below.key_id)
-  SELECT key_id, path FROM below;
+  SELECT key_id, path, folded_path FROM below;
 INSERT INTO registry_key VALUES (1, NULL, 'HKEY_LOCAL_MACHINE', 'hkey_local_machine');
 PRAGMA application_id = 0x56505245;
 PRAGMA user_version = 1;

@@ -143,6 +143,29 @@ TEST_F(EbookContactsTest, AChosenDesktopIsNotReplacedByTheFile) {
   EXPECT_FALSE(Start(SourceChoice{}));
 }
 
+TEST_F(EbookContactsTest, TellsWhyALogonFailed) {
+  using Problem = EbookContacts::Problem;
+  EXPECT_FALSE(Start());
+  EXPECT_EQ(m_store->GetProblem(), Problem::kNothingChosen);
+  EXPECT_FALSE(Start(SourceChoice{}));
+  EXPECT_EQ(m_store->GetProblem(), Problem::kNoServer);
+  EXPECT_FALSE(Start(SourceChoice{u"/all.vcf"}));
+  EXPECT_EQ(m_store->GetProblem(), Problem::kUnreadable);
+  m_desktop.result = ReadResult::kUnreadable;
+  EXPECT_FALSE(Start());
+  EXPECT_EQ(m_store->GetProblem(), Problem::kUnreadable);
+  Put(u"/all.vcf", Person("Ann"));
+  m_inUse = {17};
+  EXPECT_FALSE(Start(SourceChoice{u"/all.vcf"}));
+  EXPECT_EQ(m_store->GetProblem(), Problem::kTagsElsewhere);
+  m_inUse = std::nullopt;
+  EXPECT_FALSE(Start(SourceChoice{u"/all.vcf"}));
+  EXPECT_EQ(m_store->GetProblem(), Problem::kStore);
+  m_inUse = std::vector<std::int32_t>();
+  EXPECT_TRUE(Start(SourceChoice{u"/all.vcf"}));
+  EXPECT_EQ(m_store->GetProblem(), Problem::kNone);
+}
+
 // Numbers and lookup.
 
 TEST_F(EbookContactsTest, ContactsAreFoundByNumberOverRestarts) {
