@@ -9,6 +9,8 @@
 #include "platform/text/utf.h"
 #include "platform/wave_file/file_wave_in.h"
 #include "storage/registry_keys.h"
+#include "storage/tag_store.h"
+#include "tags/oids_in_use.h"
 
 namespace cli {
 namespace {
@@ -85,6 +87,20 @@ platform::Registry& Session::GetRegistry() {
     m_registry = std::make_unique<sqlite::SqliteRegistry>(GetRegistryPath(), options);
   }
   return *m_registry;
+}
+
+ebook::EbookContacts& Session::GetContacts() {
+  if (!m_contacts) {
+    ebook::EbookContacts::Options options;
+    if (!m_options.contacts.empty()) {
+      options.choice = ebook::ParseChoice(text::FromHostName(m_options.contacts));
+    }
+    options.oidsInUse = [this] {
+      return tags::FindOidsInUse(GetRegistry(), storage::TagStore(GetFiles(), GetRegistry()));
+    };
+    m_contacts = std::make_unique<ebook::EbookContacts>(GetFiles(), GetRegistry(), options);
+  }
+  return *m_contacts;
 }
 
 std::filesystem::path Session::GetRegistryPath() const { return GetRoot() / sqlite::kDatabaseName; }

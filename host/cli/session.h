@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/ebook/ebook_contacts.h"
 #include "platform/headless/headless_process.h"
 #include "platform/headless/headless_ui.h"
 #include "platform/platform.h"
@@ -19,6 +20,7 @@ namespace cli {
 struct Options {
   std::string root;        ///< Empty: the default below the XDG data folder.
   std::string microphone;  ///< Empty: the default input of the sound server.
+  std::string contacts;    ///< "eds", or a vCard file or folder; empty: the one chosen last.
   bool json = false;
 };
 
@@ -40,6 +42,9 @@ class Session {
   [[nodiscard]] platform::Registry& GetRegistry();
   [[nodiscard]] std::filesystem::path GetRegistryPath() const;
 
+  /// The user's contacts. Logging on to other ones than the recorded tags are for fails.
+  [[nodiscard]] ebook::EbookContacts& GetContacts();
+
   /// The path under which the system's files know a name from the command line.
   [[nodiscard]] static std::u16string ToSystemPath(const std::string& name);
 
@@ -55,6 +60,7 @@ class Session {
   const Options& m_options;
   std::unique_ptr<posix::PosixFileSystem> m_files;
   std::unique_ptr<platform::Registry> m_registry;
+  std::unique_ptr<ebook::EbookContacts> m_contacts;
   std::unique_ptr<platform::WaveIn> m_waveIn;
   posix::PosixClock m_clock;
   posix::PosixThreads m_threads;
