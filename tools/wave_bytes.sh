@@ -1,10 +1,12 @@
 # Functions for scripts that write wave files; to be sourced.
 
 little_endian() { # WIDTH VALUE
-  local i
+  local i byte bytes=
   for ((i = 0; i < $1; i++)); do
-    printf "\\x$(printf %02x $((($2 >> (8 * i)) & 255)))"
+    printf -v byte '\\x%02x' $((($2 >> (8 * i)) & 255))
+    bytes+=$byte
   done
+  printf '%b' "$bytes"
 }
 
 # The header as the recorder writes it: the RIFF size field holds the length of the whole file,

@@ -17,12 +17,12 @@ struct WaveInScript {
   std::uint32_t deviceCount = 1;
 
   /// What every device hears from its opening on, and silence behind it.
-  std::vector<std::byte> sound = {};
+  std::vector<std::byte> sound{};
 
   /// How many bytes of the started buffer have arrived by its first Unprepare, by its second, and
   /// so on; a number above the buffer's length fills it. The last number stands for all later
   /// calls; without any number the buffer is full at once. Reset brings nothing new.
-  std::vector<std::uint32_t> arrivals = {};
+  std::vector<std::uint32_t> arrivals{};
 
   // Where one of these is not kOk the operation fails with it and does nothing else. Close is the
   // exception: a device is given up even so.

@@ -2,12 +2,18 @@
 
 #include <pulse/introspect.h>
 
+#include <algorithm>
+#include <vector>
+
 namespace pulse {
 namespace {
 
-struct InputCount {
-  std::uint32_t count = 0;  ///< The loop's thread only.
-  Answer<std::optional<std::uint32_t>> answer;
+/// What the server tells about its sources. The loop's thread fills it and then says that it is
+/// done.
+struct SourceList {
+  std::vector<std::string> inputs;
+  std::string defaultSource;
+  Answer<bool> complete;
 };
 
 void OnContextState(pa_context* context, void* ready) {
@@ -20,14 +26,17 @@ void OnContextState(pa_context* context, void* ready) {
   }
 }
 
+void OnServer(pa_context*, const pa_server_info* server, void* data) {
+  if (server == nullptr || server->default_source_name == nullptr) return;
+  static_cast<SourceList*>(data)->defaultSource = server->default_source_name;
+}
+
 void OnSource(pa_context*, const pa_source_info* source, int end, void* data) {
-  auto& inputs = *static_cast<InputCount*>(data);
-  if (end < 0) {
-    inputs.answer.Give(std::nullopt);
-  } else if (end > 0) {
-    inputs.answer.Give(inputs.count);
+  auto& list = *static_cast<SourceList*>(data);
+  if (end != 0) {
+    list.complete.Give(end > 0);
   } else if (source->monitor_of_sink == PA_INVALID_INDEX) {
-    ++inputs.count;
+    list.inputs.emplace_back(source->name);
   }
 }
 
@@ -69,18 +78,29 @@ Connection::~Connection() {
   m_context.reset();
 }
 
-std::optional<std::uint32_t> Connection::CountInputs(Deadline deadline) {
-  InputCount inputs;
-  OperationHandle operation;
+std::optional<Inputs> Connection::FindInputs(Deadline deadline) {
+  SourceList list;
+  OperationHandle server;
+  OperationHandle sources;
   {
     const LoopLock lock(m_loop.get());
-    operation.reset(pa_context_get_source_info_list(m_context.get(), OnSource, &inputs));
+    // The server answers in the order in which it was asked.
+    server.reset(pa_context_get_server_info(m_context.get(), OnServer, &list));
+    sources.reset(pa_context_get_source_info_list(m_context.get(), OnSource, &list));
   }
-  if (!operation) return std::nullopt;
-  const auto count = inputs.answer.WaitUntil(deadline);
-  const LoopLock lock(m_loop.get());
-  operation.reset();
-  return count.value_or(std::nullopt);
+  const bool isComplete = sources && list.complete.WaitUntil(deadline).value_or(false);
+  {
+    const LoopLock lock(m_loop.get());
+    server.reset();
+    sources.reset();
+  }
+  if (!isComplete) return std::nullopt;
+  Inputs inputs{static_cast<std::uint32_t>(list.inputs.size()), {}};
+  if (!list.inputs.empty() &&
+      std::ranges::find(list.inputs, list.defaultSource) == list.inputs.end()) {
+    inputs.preferred = list.inputs.front();
+  }
+  return inputs;
 }
 
 }  // namespace pulse

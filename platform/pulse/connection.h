@@ -3,11 +3,20 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <string>
 
 #include "platform/pulse/answer.h"
 #include "platform/pulse/handles.h"
 
 namespace pulse {
+
+/// The sources that are no monitors of outputs.
+struct Inputs {
+  std::uint32_t count = 0;
+  /// The one to record from where that is not the server's default, which may well be a monitor
+  /// although there is a microphone. Empty stands for the default.
+  std::string preferred;
+};
 
 /// A connection to the user's sound server, with the thread that serves it.
 class Connection {
@@ -20,9 +29,8 @@ class Connection {
   Connection& operator=(const Connection&) = delete;
   ~Connection();
 
-  /// Number of sources that are no monitors of outputs. Nothing where the server went away or did
-  /// not answer in time.
-  [[nodiscard]] std::optional<std::uint32_t> CountInputs(Deadline deadline);
+  /// Nothing where the server went away or did not answer in time.
+  [[nodiscard]] std::optional<Inputs> FindInputs(Deadline deadline);
 
   [[nodiscard]] pa_threaded_mainloop* Loop() const { return m_loop.get(); }
   [[nodiscard]] pa_context* Context() const { return m_context.get(); }

@@ -47,7 +47,7 @@ PulseWaveIn::PulseWaveIn() {
 std::uint32_t PulseWaveIn::GetDeviceCount() {
   const Deadline deadline = steady_clock::now() + kCallLimit;
   const auto connection = Connection::Open(deadline);
-  return connection ? connection->CountInputs(deadline).value_or(0) : 0;
+  return connection ? connection->FindInputs(deadline).value_or(Inputs{}).count : 0;
 }
 
 platform::OpenedWaveIn PulseWaveIn::Open(const platform::WaveFormat& format) {
@@ -55,11 +55,11 @@ platform::OpenedWaveIn PulseWaveIn::Open(const platform::WaveFormat& format) {
   if (!sampleSpec) return {nullptr, WaveResult::kBadFormat};
   const Deadline deadline = steady_clock::now() + kCallLimit;
   auto connection = Connection::Open(deadline);
-  if (!connection || connection->CountInputs(deadline).value_or(0) == 0) {
-    return {nullptr, WaveResult::kNoDevice};
-  }
+  if (!connection) return {nullptr, WaveResult::kNoDevice};
+  const auto inputs = connection->FindInputs(deadline);
+  if (!inputs || inputs->count == 0) return {nullptr, WaveResult::kNoDevice};
   auto buffer = std::make_unique<CaptureBuffer>();
-  auto stream = RecordStream::Open(*connection, *buffer, *sampleSpec, deadline);
+  auto stream = RecordStream::Open(*connection, inputs->preferred, *buffer, *sampleSpec, deadline);
   if (!stream) return {nullptr, WaveResult::kNoDevice};
   stream->WaitForFirstData(std::min(deadline, steady_clock::now() + kWarmUpLimit));
   return {

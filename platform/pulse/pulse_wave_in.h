@@ -4,7 +4,8 @@
 
 namespace pulse {
 
-/// The default source of the user's sound server, PulseAudio or one that speaks its protocol.
+/// The default source of the user's sound server, PulseAudio or one that speaks its protocol; where
+/// that only listens to an output, the first source that does not.
 ///
 /// No call, closing a device included, takes longer than about three seconds. Messages of the sound
 /// library go to the system log, never to the program's own output, unless the user asked for them

@@ -22,16 +22,17 @@ constexpr std::uint32_t kServersChoice = std::numeric_limits<std::uint32_t>::max
 RecordStream::RecordStream(Connection& connection, CaptureBuffer& buffer)
     : m_connection(connection), m_buffer(buffer) {}
 
-std::unique_ptr<RecordStream> RecordStream::Open(Connection& connection, CaptureBuffer& buffer,
+std::unique_ptr<RecordStream> RecordStream::Open(Connection& connection, const std::string& source,
+                                                 CaptureBuffer& buffer,
                                                  const pa_sample_spec& sampleSpec,
                                                  Deadline deadline) {
   std::unique_ptr<RecordStream> stream(new RecordStream(connection, buffer));
-  if (!stream->Start(sampleSpec)) return nullptr;
+  if (!stream->Start(source, sampleSpec)) return nullptr;
   if (!stream->m_ready.WaitUntil(deadline).value_or(false)) return nullptr;
   return stream;
 }
 
-bool RecordStream::Start(const pa_sample_spec& sampleSpec) {
+bool RecordStream::Start(const std::string& source, const pa_sample_spec& sampleSpec) {
   const LoopLock lock(m_connection.Loop());
   m_stream.reset(pa_stream_new(m_connection.Context(), kStreamName, &sampleSpec, nullptr));
   if (!m_stream) return false;
@@ -40,8 +41,8 @@ bool RecordStream::Start(const pa_sample_spec& sampleSpec) {
   pa_buffer_attr attributes{};
   attributes.maxlength = kServersChoice;
   attributes.fragsize = static_cast<std::uint32_t>(pa_usec_to_bytes(kFragment, &sampleSpec));
-  return pa_stream_connect_record(m_stream.get(), nullptr, &attributes, PA_STREAM_ADJUST_LATENCY) ==
-         0;
+  return pa_stream_connect_record(m_stream.get(), source.empty() ? nullptr : source.c_str(),
+                                  &attributes, PA_STREAM_ADJUST_LATENCY) == 0;
 }
 
 RecordStream::~RecordStream() {

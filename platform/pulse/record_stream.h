@@ -3,6 +3,7 @@
 #include <pulse/sample.h>
 
 #include <memory>
+#include <string>
 
 #include "platform/pulse/answer.h"
 #include "platform/pulse/capture_buffer.h"
@@ -11,13 +12,15 @@
 
 namespace pulse {
 
-/// A running record stream from the default source into a buffer. Does not outlive the connection
+/// A running record stream from a source into a buffer. Does not outlive the connection
 /// or the buffer.
 class RecordStream {
  public:
-  /// Null where the server gives no stream before the deadline. The stream runs when this returns;
-  /// it may be a while yet until its first data.
+  /// From the source of that name; the empty name is the server's default, which the user may have
+  /// chosen for this program alone. Null where the server gives no stream before the deadline. The
+  /// stream runs when this returns; it may be a while yet until its first data.
   [[nodiscard]] static std::unique_ptr<RecordStream> Open(Connection& connection,
+                                                          const std::string& source,
                                                           CaptureBuffer& buffer,
                                                           const pa_sample_spec& sampleSpec,
                                                           Deadline deadline);
@@ -32,7 +35,7 @@ class RecordStream {
  private:
   RecordStream(Connection& connection, CaptureBuffer& buffer);
 
-  [[nodiscard]] bool Start(const pa_sample_spec& sampleSpec);
+  [[nodiscard]] bool Start(const std::string& source, const pa_sample_spec& sampleSpec);
 
   static void OnState(pa_stream* stream, void* self);
   static void OnReadable(pa_stream* stream, std::size_t byteCount, void* self);

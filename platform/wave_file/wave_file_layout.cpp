@@ -7,8 +7,13 @@
 #include <span>
 #include <string_view>
 
+#include "platform/little_endian.h"
+
 namespace wave_file {
 namespace {
+
+using platform::LoadLittleEndian16;
+using platform::LoadLittleEndian32;
 
 constexpr std::uint64_t kRiffHeaderBytes = 12;
 constexpr std::uint64_t kChunkHeaderBytes = 8;
@@ -16,14 +21,6 @@ constexpr std::size_t kFormatBytes = 16;
 
 // No honest file has more; a file made of empty chunks must not keep its reader busy.
 constexpr int kMostChunks = 1000;
-
-std::uint32_t ReadNumber(std::span<const std::byte> bytes) {
-  std::uint32_t number = 0;
-  for (std::size_t i = bytes.size(); i > 0; --i) {
-    number = number << 8 | std::to_integer<std::uint32_t>(bytes[i - 1]);
-  }
-  return number;
-}
 
 bool HasName(std::span<const std::byte> bytes, std::string_view name) {
   return std::memcmp(bytes.data(), name.data(), name.size()) == 0;
@@ -36,17 +33,14 @@ bool ReadAt(platform::File& file, std::uint64_t offset, std::span<std::byte> int
 std::optional<platform::WaveFormat> ReadFormat(platform::File& file, std::uint64_t offset) {
   std::array<std::byte, kFormatBytes> bytes{};
   if (!ReadAt(file, offset, bytes)) return std::nullopt;
-  const std::span<const std::byte> fields(bytes);
-  const auto word = [&](std::size_t at) {
-    return static_cast<std::uint16_t>(ReadNumber(fields.subspan(at, 2)));
-  };
+  const std::span<const std::byte, kFormatBytes> fields(bytes);
   platform::WaveFormat format;
-  format.formatTag = word(0);
-  format.channels = word(2);
-  format.samplesPerSecond = ReadNumber(fields.subspan(4, 4));
-  format.averageBytesPerSecond = ReadNumber(fields.subspan(8, 4));
-  format.blockAlign = word(12);
-  format.bitsPerSample = word(14);
+  format.formatTag = LoadLittleEndian16(fields.subspan<0, 2>());
+  format.channels = LoadLittleEndian16(fields.subspan<2, 2>());
+  format.samplesPerSecond = LoadLittleEndian32(fields.subspan<4, 4>());
+  format.averageBytesPerSecond = LoadLittleEndian32(fields.subspan<8, 4>());
+  format.blockAlign = LoadLittleEndian16(fields.subspan<12, 2>());
+  format.bitsPerSample = LoadLittleEndian16(fields.subspan<14, 2>());
   // What follows in a longer chunk says nothing about PCM.
   if (format.formatTag != platform::kFormatTagPcm || format.blockAlign == 0) return std::nullopt;
   return format;
@@ -70,8 +64,8 @@ class ChunkWalk {
   bool TakeChunk() {
     std::array<std::byte, kChunkHeaderBytes> header{};
     if (m_offset + kChunkHeaderBytes > m_length || !ReadAt(m_file, m_offset, header)) return false;
-    const std::span<const std::byte> fields(header);
-    const std::uint64_t size = ReadNumber(fields.last(4));
+    const std::span<const std::byte, kChunkHeaderBytes> fields(header);
+    const std::uint64_t size = LoadLittleEndian32(fields.last<4>());
     const std::uint64_t body = m_offset + kChunkHeaderBytes;
     const std::uint64_t rest = m_length - body;
     // A chunk of odd size is followed by a byte that belongs to none.

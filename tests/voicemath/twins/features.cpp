@@ -54,16 +54,22 @@ Template ComputeTemplate(ByteFile& file, const Wave& wave) {
   Template computed;
   computed.frameCount = FrameCount(wave.firstSample, wave.lastSample);
   std::array<std::byte, 2048> buffer{};
+  std::array<std::byte, 2048> before{};
+  std::array<float, 5> bands{};
   for (std::uint32_t f = 0; f < computed.frameCount; ++f) {
     file.Seek(wave.dataOffset + (std::uint64_t{wave.firstSample} + 512ULL * f) * 2);
     file.Read(buffer);  // What the file lacks stays as the frame before left it.
-    std::array<std::int16_t, 1024> frame{};
-    for (std::size_t i = 0; i < frame.size(); ++i) {
-      frame[i] = SampleAt(buffer, i);
+    // The same bytes give the same bands. A wrapped frame count asks for tens of thousands of
+    // frames behind the end of the file, and would take minutes on a slow machine.
+    if (f == 0 || buffer != before) {
+      std::array<std::int16_t, 1024> frame{};
+      for (std::size_t i = 0; i < frame.size(); ++i) {
+        frame[i] = SampleAt(buffer, i);
+      }
+      bands = FrameBands(frame);
+      before = buffer;
     }
-    for (const float band : FrameBands(frame)) {
-      computed.values.push_back(band);
-    }
+    computed.values.insert(computed.values.end(), bands.begin(), bands.end());
   }
   SubtractMinima(computed);
   return computed;

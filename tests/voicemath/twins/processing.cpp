@@ -32,6 +32,7 @@ Processed Process(std::int32_t slot, const std::optional<Bytes>& bytes, bool lea
   if (learn) {
     TrimWaveFile(file, wave);
   }
+  processed.wave = wave;
   processed.computed = ComputeTemplate(file, wave);
   processed.serialized = SerializeTemplate(processed.computed);
   processed.after = file.Content();

@@ -13,6 +13,7 @@ struct Processed {
   std::uint32_t firstSample = 0;  ///< The segment as it was found, before trimming.
   std::uint32_t lastSample = 0;
   Bytes after;  ///< The wave file.
+  Wave wave;    ///< Where its samples are then.
   Template computed;
   Bytes serialized;
 };

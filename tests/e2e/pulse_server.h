@@ -1,0 +1,55 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <vector>
+
+#include "tests/e2e/sound_session.h"
+
+namespace e2e {
+
+enum class PulseInput : std::uint8_t {
+  kNone,         ///< No source at all.
+  kMonitorOnly,  ///< An output and the source that listens to it.
+  kPipe,         ///< A microphone that hears what is written to a pipe.
+  kPipeBesideMonitor,
+};
+
+struct PulseServerOptions {
+  PulseInput input = PulseInput::kPipe;
+  std::uint32_t rate = 11025;  ///< Of the pipe, whose samples are signed 16 bit little-endian.
+  std::uint16_t channels = 1;
+};
+
+/// A PulseAudio server of a session's own. It ends with this object, and with the test program
+/// whatever becomes of that.
+class PulseServer {
+ public:
+  /// Returns when clients can connect. Null, and a failure of the test, where it does not come up.
+  [[nodiscard]] static std::unique_ptr<PulseServer> Start(const SoundSession& session,
+                                                          const PulseServerOptions& options = {});
+
+  PulseServer(const PulseServer&) = delete;
+  PulseServer& operator=(const PulseServer&) = delete;
+  ~PulseServer();
+
+  /// The pipe that the microphone hears. Nothing comes from it while nobody writes.
+  [[nodiscard]] const std::filesystem::path& Pipe() const { return m_pipe; }
+
+  /// Ends the server without any farewell to its clients.
+  void Kill();
+
+  /// Stops the server for good: its connections stay, and nobody answers.
+  void Freeze();
+
+ private:
+  PulseServer(pid_t process, std::filesystem::path pipe);
+
+  pid_t m_process;  ///< 0 once it has ended.
+  std::filesystem::path m_pipe;
+};
+
+}  // namespace e2e

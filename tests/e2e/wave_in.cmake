@@ -1,0 +1,10 @@
+# What end-to-end tests need of sound: a session and a server of their own, a microphone, speech.
+add_library(voxtrel_sound_support STATIC pipe_microphone.cpp pulse_server.cpp recording.cpp
+                                         sound_session.cpp speech.cpp unix_socket.cpp)
+target_link_libraries(voxtrel_sound_support PUBLIC voxtrel_platform voxtrel_test_support GTest::gtest)
+
+voxtrel_test(
+  pulse_wave_in_test
+  SOURCES pulse_wave_in_test.cpp
+  DEPENDS voxtrel_pulse voxtrel_sound_support
+  LABELS "e2e;threads")
