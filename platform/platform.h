@@ -6,6 +6,7 @@
 #include "platform/threads.h"
 #include "platform/ui.h"
 #include "platform/wave_in.h"
+#include "platform/wave_out.h"
 
 namespace platform {
 
@@ -14,6 +15,7 @@ namespace platform {
 struct Platform {
   FileSystem& files;
   WaveIn& waveIn;
+  WaveOut& waveOut;
   Clock& clock;
   Threads& threads;
   Process& process;
