@@ -1,8 +1,10 @@
 #pragma once
 
 #include "platform/clock.h"
+#include "platform/contacts_store.h"
 #include "platform/file_system.h"
 #include "platform/process.h"
+#include "platform/registry.h"
 #include "platform/threads.h"
 #include "platform/ui.h"
 #include "platform/wave_in.h"
@@ -15,11 +17,13 @@ namespace platform {
 struct Platform {
   FileSystem& files;
   WaveIn& waveIn;
-  WaveOut& waveOut;
   Clock& clock;
   Threads& threads;
   Process& process;
   Ui& ui;
+  Registry& registry;
+  ContactsStore& contacts;
+  WaveOut& waveOut;
 };
 
 }  // namespace platform
