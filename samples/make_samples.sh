@@ -26,9 +26,9 @@ hernandez Hernandez
 # espeak-ng voice, words a minute, pitch 0..99, peak level in dB, silence before the name in
 # seconds; one line for each rendition
 readonly renditions='
-en-us          150 45 -6  0.90
-en-gb+f3       165 60 -9  0.75
-en-gb-scotland 140 35 -12 1.05
+en-us    150 45 -6  0.90
+en-us+m3 160 52 -9  0.75
+en-us+m7 143 40 -12 1.05
 '
 
 folder=${1:-$(dirname "$0")}

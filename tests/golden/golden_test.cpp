@@ -111,9 +111,9 @@ INSTANTIATE_TEST_SUITE_P(Samples, GoldenFiles,
                                                           "oliver", "sophie", "timothy",
                                                           "hernandez"),
                                           testing::Range(1, 4)),
-                         [](const auto& which) {
-                           return std::string(std::get<0>(which.param)) +
-                                  std::to_string(std::get<1>(which.param));
+                         [](const auto& sample) {
+                           return std::string(std::get<0>(sample.param)) +
+                                  std::to_string(std::get<1>(sample.param));
                          });
 
 TEST(GoldenFolder, KeepsARecordingAndATemplateOfEverySample) {

@@ -62,7 +62,7 @@ TEST(CVoiceMathematics, EqualsItsTwinWhereDataThatBeganEarlyOverwriteThemselves)
 TEST(CVoiceMathematics, EqualsItsTwinWhereTheFileHoldsLessThanItClaims) {
   ClassAndTwin both;
   for (const std::size_t idOffset : {12U, 36U, 96U}) {
-    for (std::size_t lacking = 0; lacking <= idOffset + 9; lacking += 7) {
+    for (std::size_t lacking = 0; lacking <= idOffset + 9; lacking += 11) {
       for (const std::size_t burstAt : {0U, 3000U, 6500U}) {
         const Bytes content = Recording(7500, burstAt);
         Bytes file = support::WaveFileWithDataAt(idOffset, 15000, content);
@@ -120,7 +120,7 @@ TEST(CVoiceMathematics, EqualsItsTwinOnRandomFiles) {
   ClassAndTwin both;
   std::mt19937 random(2025);
   int trimmed = 0;
-  for (int round = 0; round < 250; ++round) {
+  for (int round = 0; round < 120; ++round) {
     const std::size_t count = 1100 + support::Draw(random, 9000);
     const std::size_t idOffset =
         support::Draw(random, 3) == 0 ? 12 : 36 + 4 * support::Draw(random, 16);
@@ -131,7 +131,7 @@ TEST(CVoiceMathematics, EqualsItsTwinOnRandomFiles) {
     const auto learned = both.ExpectSame(Task::kLearn, round % 101, file, std::to_string(round));
     trimmed += learned.result == 0 && learned.after != file ? 1 : 0;
   }
-  EXPECT_GT(trimmed, 80);
+  EXPECT_GT(trimmed, 40);
 }
 
 TEST(CVoiceMathematics, EqualsItsTwinOnTheHighestSlots) {
