@@ -1,0 +1,73 @@
+#include "tags/phone_kind.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace tags {
+namespace {
+
+struct Row {
+  int code;
+  std::u16string_view word;
+  std::u16string_view suffix;
+  std::u16string_view mark;
+};
+
+constexpr Row kRows[] = {
+    {0, u"Car", u" Car", u" C"},
+    {1, u"Radio", u" Radio", u" R"},
+    {2, u"Mobile", u" Mobile", u" M"},
+    {3, u"Assistant", u" Assistant", u" A"},
+    {4, u"Business", u" Business", u" B"},
+    {5, u"Business2", u" Business2", u" B2"},
+    {6, u"BusinessFax", u" BusinessFax", u" Bx"},
+    {7, u"Home", u" Home", u" H"},
+    {8, u"Home2", u" Home2", u" H2"},
+    {9, u"HomeFax", u" HomeFax", u" Hx"},
+};
+
+TEST(PhoneKind, EveryCodeHasItsWordSuffixAndMark) {
+  for (const Row& row : kRows) {
+    const PhoneKindTexts& texts = TextsOf(static_cast<PhoneKind>(row.code));
+    EXPECT_EQ(static_cast<int>(texts.kind), row.code);
+    EXPECT_EQ(texts.word, row.word);
+    EXPECT_EQ(texts.comboSuffix, row.suffix);
+    EXPECT_EQ(texts.listMark, row.mark);
+  }
+}
+
+TEST(PhoneKind, NumbersAreGatheredMobileFirst) {
+  std::u16string words;
+  for (const PhoneKind kind : kReadingOrder) {
+    words += TextsOf(kind).comboSuffix;
+  }
+  EXPECT_EQ(words,
+            u" Mobile Radio Car Assistant Business Business2 BusinessFax Home Home2 HomeFax");
+}
+
+TEST(PhoneKind, AWordIsFoundOnlyAsItIsWritten) {
+  ASSERT_NE(FindPhoneKind(u"Home2"), nullptr);
+  EXPECT_EQ(FindPhoneKind(u"Home2")->kind, PhoneKind::kHome2);
+  EXPECT_EQ(FindPhoneKind(u"home2"), nullptr);
+  EXPECT_EQ(FindPhoneKind(u" Home"), nullptr);
+  EXPECT_EQ(FindPhoneKind(u"Pager"), nullptr);
+  EXPECT_EQ(FindPhoneKind(u""), nullptr);
+}
+
+TEST(PhoneTypeWord, IsWhatFollowsTheLastWhiteSpace) {
+  EXPECT_EQ(PhoneTypeWord(u"555 Home2"), u"Home2");
+  EXPECT_EQ(PhoneTypeWord(u"+1 (555) 12 34 Mobile"), u"Mobile");
+  EXPECT_EQ(PhoneTypeWord(u"555\tCar"), u"Car");
+  EXPECT_EQ(PhoneTypeWord(u"555\u3000Car"), u"Car");
+}
+
+TEST(PhoneTypeWord, IsTheWholeItemWithoutWhiteSpace) {
+  EXPECT_EQ(PhoneTypeWord(u"555-Home"), u"555-Home");
+  EXPECT_EQ(PhoneTypeWord(u""), u"");
+}
+
+TEST(PhoneTypeWord, IsEmptyBehindABlankAtTheEnd) { EXPECT_EQ(PhoneTypeWord(u"555 Home "), u""); }
+
+}  // namespace
+}  // namespace tags
