@@ -9,8 +9,9 @@
 #include "resources/strings.h"
 #include "storage/device_paths.h"
 #include "storage/folders.h"
+#include "tags/letters.h"
 #include "tags/page_one.h"
-#include "text/letters.h"
+
 #include "voicemath/template_file.h"
 
 namespace tags {
@@ -79,7 +80,7 @@ bool Page_one::HasNumberChosen() {
     m_picker.ChooseNumber(GetFirstNumber());
   }
   const std::u16string& word = m_picker.GetPhoneTypeWord();
-  if (m_picker.GetOid() == 0 || word.empty() || !text::IsLetter(word.front())) {
+  if (m_picker.GetOid() == 0 || word.empty() || !IsWordLetter(word.front())) {
     ShowBox(resources::kNothingChosen);
     return false;
   }
