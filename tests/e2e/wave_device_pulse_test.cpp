@@ -35,6 +35,9 @@ using namespace std::string_view_literals;
 constexpr std::uint32_t kThreeSeconds = 3000;
 constexpr std::size_t kHeaderBytes = 44;
 
+// A sound that silence cannot be taken for: every sample is the same.
+const std::vector<std::byte> kHum{std::byte{17}, std::byte{17}};
+
 // How long the Learning page waits for a recording.
 constexpr milliseconds kPatience(10000);
 
@@ -107,9 +110,6 @@ class WaveDeviceAndSoundServer : public testing::Test {
     EXPECT_LT(samples.size(), 55125U);
     EXPECT_THAT(samples, testing::Each(kHum.front()));
   }
-
-  // A sound that silence cannot be taken for: every sample is the same.
-  const std::vector<std::byte> kHum{std::byte{17}, std::byte{17}};
 
   e2e::SoundSession m_session;
   support::TempFolder m_root;
