@@ -1,6 +1,6 @@
 // The Learning page and the list of learned tags: loading, playing, deleting.
 
-#include "language/format.h"
+#include "language/formatting.h"
 #include "resources/dialogs.h"
 #include "resources/strings.h"
 #include "storage/device_paths.h"

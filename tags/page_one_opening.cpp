@@ -3,7 +3,7 @@
 #include <string_view>
 
 #include "audio/wave_header.h"
-#include "language/format.h"
+#include "language/formatting.h"
 #include "resources/dialogs.h"
 #include "resources/strings.h"
 #include "storage/folders.h"
