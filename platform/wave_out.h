@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstdint>
+#include <memory>
+
 #include "platform/wave_format.h"
 
 namespace platform {
@@ -26,6 +29,25 @@ class WaveOutDevice {
   [[nodiscard]] virtual WaveResult Reset() = 0;
 
   [[nodiscard]] virtual WaveResult Close() = 0;
+};
+
+struct OpenedWaveOut {
+  std::unique_ptr<WaveOutDevice> device;  ///< Null exactly where `result` is not kOk.
+  WaveResult result = WaveResult::kFailed;
+};
+
+/// The default wave output. May be called from any thread. No call of it or of its devices blocks
+/// for longer than a fixed limit of the back end (a few seconds), whatever the device does.
+class WaveOut {
+ public:
+  WaveOut() = default;
+  WaveOut(const WaveOut&) = delete;
+  WaveOut& operator=(const WaveOut&) = delete;
+  virtual ~WaveOut() = default;
+
+  /// Opens the default output for sound of `format`, which must be one that makes sense: a rate and
+  /// a block align above zero.
+  [[nodiscard]] virtual OpenedWaveOut Open(const WaveFormat& format) = 0;
 };
 
 }  // namespace platform
