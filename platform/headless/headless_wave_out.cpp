@@ -1,5 +1,6 @@
 #include "platform/headless/headless_wave_out.h"
 
+#include <optional>
 #include <utility>
 
 #include "platform/wave_queue.h"
@@ -20,22 +21,23 @@ class HeadlessOutDevice final : public platform::WaveOutDevice {
   ~HeadlessOutDevice() override { GiveUp(); }
 
   WaveResult Prepare(WaveHeader& header) override {
-    return m_script.prepare == WaveResult::kOk ? m_queue.Prepare(header) : m_script.prepare;
+    if (const auto failure = Failure(m_script.prepare)) return *failure;
+    return m_queue.Prepare(header);
   }
 
   WaveResult Write(WaveHeader& header) override {
-    if (m_script.write != WaveResult::kOk) {
-      return m_script.write;
-    }
+    if (const auto failure = Failure(m_script.write)) return *failure;
     const WaveResult added = m_queue.Add(header);
     if (added == WaveResult::kOk) {
+      const std::size_t played = header.bufferLength - header.bufferLength % m_format.blockAlign;
       const std::lock_guard lock(m_state->mutex);
-      m_state->played.push_back({m_format, {header.data, header.data + header.bufferLength}});
+      m_state->played.push_back({m_format, {header.data, header.data + played}});
     }
     return added;
   }
 
   WaveResult Unprepare(WaveHeader& header) override {
+    if (!m_state) return WaveResult::kNoDevice;
     if (m_queue.Holds(header) && m_script.stillPlaying > 0) {
       --m_script.stillPlaying;
       return WaveResult::kStillPlaying;
@@ -45,8 +47,9 @@ class HeadlessOutDevice final : public platform::WaveOutDevice {
   }
 
   WaveResult Reset() override {
+    if (const auto failure = Failure(m_script.reset)) return *failure;
     m_queue.Drop();
-    return m_script.reset;
+    return WaveResult::kOk;
   }
 
   WaveResult Close() override {
@@ -55,6 +58,11 @@ class HeadlessOutDevice final : public platform::WaveOutDevice {
   }
 
  private:
+  [[nodiscard]] std::optional<WaveResult> Failure(WaveResult scripted) const {
+    if (!m_state) return WaveResult::kNoDevice;
+    return scripted == WaveResult::kOk ? std::nullopt : std::optional(scripted);
+  }
+
   void GiveUp() {
     m_queue.Drop();
     if (m_state) {
@@ -76,6 +84,7 @@ void HeadlessWaveOut::SetScript(const WaveOutScript& script) {
 }
 
 platform::OpenedWaveOut HeadlessWaveOut::Open(const platform::WaveFormat& format) {
+  if (!platform::IsWholeBytePcm(format)) return {nullptr, WaveResult::kBadFormat};
   const std::lock_guard lock(m_mutex);
   if (m_script.open != WaveResult::kOk) {
     return {nullptr, m_script.open};
