@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <cstdlib>
+
 namespace ebook_test {
 namespace {
 
@@ -24,6 +27,10 @@ T* As(void* object) {
 }
 
 ebook::ObjectPointer<ESourceRegistry> OpenRegistry() {
+  if (std::getenv("VOXTREL_TEST_SESSION") == nullptr) {  // NOLINT(concurrency-mt-unsafe)
+    std::fputs("Run this with tests/ebook/in_desktop_session.sh\n", stderr);
+    std::abort();
+  }
   Checked checked;
   return ebook::ObjectPointer<ESourceRegistry>(e_source_registry_new_sync(nullptr, checked.Get()));
 }

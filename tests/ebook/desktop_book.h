@@ -10,8 +10,9 @@
 
 namespace ebook_test {
 
-/// An address book of the desktop session that the test runs in, through the server's own library.
-/// Every call fails the test where the server refuses.
+/// An address book of the desktop session that in_desktop_session.sh has made; elsewhere it ends
+/// the program, before it touches the user's own. Every call fails the test where the server
+/// refuses.
 class DesktopBook {
  public:
   /// The book that every desktop has.
