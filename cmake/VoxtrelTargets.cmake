@@ -57,7 +57,10 @@ function(voxtrel_test name)
   if(NOT ARG_LABELS)
     set(ARG_LABELS "${name}")
   endif()
-  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES LABELS "${ARG_LABELS}" TIMEOUT 300)
+  # A list does not survive the discovery: its second label would be taken for a property's name. As
+  # ctest selects labels by regular expression, each one is found in the joined text.
+  list(JOIN ARG_LABELS "+" labels)
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES LABELS "${labels}" TIMEOUT 300)
 endfunction()
 
 # While a folder is not there yet.

@@ -128,7 +128,7 @@ bool CVoiceMathematics::MeasureEnvelope(std::span<std::int16_t> envelope) {
 bool CVoiceMathematics::ComputeTemplate(std::uint32_t slot) {
   // Frames of two hops, one beginning at each hop. In 16 bits: a segment shorter than one hop gives
   // 65,535 frames, almost all of them behind the end of the file.
-  const std::uint32_t hops = (m_lastSample - m_firstSample + 1) / kFrameHop;
+  const std::size_t hops = (m_lastSample - m_firstSample + 1) / kFrameHop;
   const auto frames = static_cast<std::uint16_t>(hops - m_hopsPerFrame + 1U);
   const std::size_t elements = std::size_t{frames} * m_bandCount;
   std::unique_ptr<float[]> features(new (std::nothrow) float[elements]);

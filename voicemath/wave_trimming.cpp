@@ -30,7 +30,8 @@ class SampleCopier {
       : m_from(from),
         m_to(to),
         m_offset(offset),
-        m_overlap(offset < audio::kWaveHeaderBytes ? audio::kWaveHeaderBytes - offset : 0) {}
+        m_overlap(audio::kWaveHeaderBytes - static_cast<std::size_t>(std::min<std::uint64_t>(
+                                                offset, audio::kWaveHeaderBytes))) {}
 
   /// Copies one buffer, or its first `bytes`.
   [[nodiscard]] bool Copy(std::uint64_t done, std::size_t bytes) {

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <exception>
 
+#include "host/cli/language_commands.h"
 #include "host/cli/output.h"
 #include "host/cli/session.h"
 #include "host/cli/template_commands.h"
@@ -19,6 +20,7 @@ constexpr const char* kFooter = R"(Examples:
   voxtrel template show ann.st                look at the template
   voxtrel template compare ann.st bob.st      how alike two names sound
   voxtrel --microphone in.wav wave record ann.wav
+  voxtrel language check Voxtrel.lng          what a translator should mend
 
 Exit codes: 0 done, 1 failed with a message on standard error, 2 wrong usage.)";
 
@@ -48,6 +50,7 @@ int RunCommandLine(int argc, const char* const* argv) {
   Session session(options);
   AddWaveCommands(app, session);
   AddTemplateCommands(app, session);
+  AddLanguageCommands(app, session);
 
   try {
     app.parse(argc, argv);

@@ -22,6 +22,8 @@ class MemoryFile final : public platform::File {
  public:
   /// Becomes a holder of `node`. Called with the mutex of `disk` held.
   MemoryFile(std::shared_ptr<MemoryDisk> disk, MemoryNode& node, const platform::OpenMode& mode);
+  MemoryFile(const MemoryFile&) = delete;
+  MemoryFile& operator=(const MemoryFile&) = delete;
   ~MemoryFile() override;
 
   [[nodiscard]] std::optional<std::uint64_t> GetLength() override;

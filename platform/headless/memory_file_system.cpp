@@ -22,6 +22,9 @@ class MemorySearch final : public platform::FileSearch {
     ++m_disk->openHandles;
   }
 
+  MemorySearch(const MemorySearch&) = delete;
+  MemorySearch& operator=(const MemorySearch&) = delete;
+
   ~MemorySearch() override {
     const std::lock_guard lock(m_disk->mutex);
     --m_disk->openHandles;
@@ -64,8 +67,6 @@ FileError CheckRemove(const MemoryNode* node) {
 }  // namespace
 
 MemoryFileSystem::MemoryFileSystem() : m_disk(std::make_shared<MemoryDisk>(kDefaultCapacity)) {}
-
-MemoryFileSystem::~MemoryFileSystem() = default;
 
 platform::OpenedFile MemoryFileSystem::Open(std::u16string_view path,
                                             const platform::OpenMode& mode) {

@@ -23,7 +23,6 @@ class MemoryFileSystem final : public platform::FileSystem {
   static constexpr std::uint64_t kDefaultCapacity = std::uint64_t{1} << 30;
 
   MemoryFileSystem();
-  ~MemoryFileSystem() override;
 
   [[nodiscard]] platform::OpenedFile Open(std::u16string_view path,
                                           const platform::OpenMode& mode) override;

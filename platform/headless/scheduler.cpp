@@ -113,12 +113,12 @@ void Scheduler::MakeReady(Participant& thread, WaitResult result) {
 
 template <typename IsMeant>
 void Scheduler::Wake(WaitResult result, IsMeant isMeant) {
-  const auto woken = std::ranges::stable_partition(
-      m_blocked, [&](const Participant* blocked) { return !isMeant(*blocked); });
-  for (Participant* thread : woken) {
-    MakeReady(*thread, result);
-  }
-  m_blocked.erase(woken.begin(), woken.end());
+  const auto firstWoken =
+      std::stable_partition(m_blocked.begin(), m_blocked.end(),
+                            [&](const Participant* blocked) { return !isMeant(*blocked); });
+  std::for_each(firstWoken, m_blocked.end(),
+                [&](Participant* thread) { MakeReady(*thread, result); });
+  m_blocked.erase(firstWoken, m_blocked.end());
 }
 
 void Scheduler::MoveOn() {

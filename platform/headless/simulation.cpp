@@ -24,6 +24,9 @@ class SimulatedThread final : public platform::Thread {
     m_scheduler->Add(*m_participant, start);
   }
 
+  SimulatedThread(const SimulatedThread&) = delete;
+  SimulatedThread& operator=(const SimulatedThread&) = delete;
+
   ~SimulatedThread() override {
     if (m_scheduler->IsSelf(*m_participant)) {
       m_thread.detach();
@@ -54,6 +57,8 @@ class SimulatedEvent final : public platform::Event {
  public:
   explicit SimulatedEvent(std::shared_ptr<Scheduler> scheduler)
       : m_scheduler(std::move(scheduler)) {}
+  SimulatedEvent(const SimulatedEvent&) = delete;
+  SimulatedEvent& operator=(const SimulatedEvent&) = delete;
   ~SimulatedEvent() override { m_scheduler->Forget(m_signal); }
 
   void Set() override { m_scheduler->Set(m_signal); }
@@ -71,8 +76,6 @@ class SimulatedEvent final : public platform::Event {
 
 Simulation::Simulation(std::uint32_t startTick)
     : m_scheduler(std::make_shared<Scheduler>()), m_startTick(startTick) {}
-
-Simulation::~Simulation() = default;
 
 std::uint32_t Simulation::GetTickCount() {
   return static_cast<std::uint32_t>(m_startTick + m_scheduler->Now());

@@ -21,7 +21,6 @@ class Simulation final : public platform::Clock, public platform::Threads {
  public:
   /// `startTick` is the tick count at the start.
   explicit Simulation(std::uint32_t startTick = 0);
-  ~Simulation() override;
 
   [[nodiscard]] std::uint32_t GetTickCount() override;
   void Sleep(std::uint32_t milliseconds) override;

@@ -12,6 +12,8 @@ class Descriptor {
   static constexpr int kNone = -1;
 
   explicit Descriptor(int value = kNone) : m_value(value) {}
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
   Descriptor(Descriptor&& other) noexcept : m_value(other.Release()) {}
   Descriptor& operator=(Descriptor&& other) noexcept {
     Reset(other.Release());

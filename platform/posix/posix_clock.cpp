@@ -1,8 +1,7 @@
 #include "platform/posix/posix_clock.h"
 
-#include <time.h>
-
 #include <cerrno>
+#include <ctime>
 
 namespace posix {
 namespace {

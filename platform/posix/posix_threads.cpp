@@ -28,6 +28,9 @@ class PosixThread final : public platform::Thread {
     });
   }
 
+  PosixThread(const PosixThread&) = delete;
+  PosixThread& operator=(const PosixThread&) = delete;
+
   ~PosixThread() override {
     if (m_thread.get_id() == std::this_thread::get_id()) {
       m_thread.detach();

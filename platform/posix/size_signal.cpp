@@ -1,8 +1,7 @@
 #include "platform/posix/size_signal.h"
 
-#include <time.h>
-
 #include <cerrno>
+#include <ctime>
 
 namespace posix {
 namespace {

@@ -104,13 +104,13 @@ std::vector<WaveInBackendKind> AllWaveInBackends() {
 }
 
 const std::vector<std::byte>& Melody() {
-  static const std::vector<std::byte> melody = [] {
+  static const std::vector<std::byte> kMelody = [] {
     std::minstd_rand random(1);
     std::vector<std::byte> bytes(std::size_t{2} * kRate);
     for (std::byte& byte : bytes) byte = static_cast<std::byte>(random() >> 8U & 0xFFU);
     return bytes;
   }();
-  return melody;
+  return kMelody;
 }
 
 }  // namespace contract

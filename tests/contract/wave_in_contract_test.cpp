@@ -54,7 +54,7 @@ class WaveInDeviceContract : public WaveInContract {
 bool IsPartOfTheMelody(std::span<const std::byte> sound) {
   auto twice = Melody();
   twice.insert(twice.end(), Melody().begin(), Melody().end());
-  return std::ranges::search(twice, sound).begin() != twice.end();
+  return std::search(twice.begin(), twice.end(), sound.begin(), sound.end()) != twice.end();
 }
 
 TEST_P(WaveInContract, CountsTheOneMicrophone) { EXPECT_EQ(Input().GetDeviceCount(), 1U); }

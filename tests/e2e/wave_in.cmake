@@ -8,3 +8,13 @@ voxtrel_test(
   SOURCES pulse_wave_in_test.cpp
   DEPENDS voxtrel_pulse voxtrel_sound_support
   LABELS "e2e;threads")
+
+voxtrel_test(
+  wave_device_pulse_test
+  SOURCES wave_device_pulse_test.cpp
+  DEPENDS voxtrel_audio
+          voxtrel_headless
+          voxtrel_posix
+          voxtrel_pulse
+          voxtrel_sound_support
+  LABELS "e2e;threads")

@@ -1,5 +1,7 @@
+#include <algorithm>
 #include <bit>
 #include <cstdint>
+#include <memory>
 #include <random>
 #include <string>
 #include <vector>
@@ -21,6 +23,25 @@ std::vector<twins::Template> Learn(ClassAndTwin& both, std::int32_t words) {
     const auto file = support::WaveFile(support::SpeechLike(3000 + 700 * (seed % 9), 9000.0, seed));
     const std::string name = "word " + std::to_string(slot);
     stored.push_back(both.ExpectSame(Task::kProcess, slot, file, name).computed);
+  }
+  return stored;
+}
+
+/// A hundred words of a few random frames, put where the class keeps them.
+std::vector<twins::Template> PutShortWords(ClassAndTwin& both) {
+  std::mt19937 random(100);
+  std::vector<twins::Template> stored;
+  for (std::size_t slot = 0; slot < 100; ++slot) {
+    twins::Template word{.frameCount = static_cast<std::uint16_t>(1 + support::Draw(random, 5)),
+                         .values = {}};
+    for (std::size_t i = 0; i < std::size_t{word.frameCount} * 5; ++i) {
+      word.values.push_back(static_cast<float>(support::Draw(random, 1U << 20U)));
+    }
+    CVoiceMathematics& mathematics = both.Mathematics();
+    mathematics.m_frameCounts[slot] = word.frameCount;
+    mathematics.m_templates[slot] = std::make_unique<float[]>(word.values.size());
+    std::copy(word.values.begin(), word.values.end(), mathematics.m_templates[slot].get());
+    stored.push_back(word);
   }
   return stored;
 }
@@ -60,6 +81,14 @@ TEST(CVoiceMathematics, EqualsItsTwinInTheAcceptanceDistancesForEveryCount) {
     ExpectSameThresholds(both, stored, count);
   }
   EXPECT_LT(both.Mathematics().m_thresholds[5], 2.0F);
+}
+
+TEST(CVoiceMathematics, EqualsItsTwinInTheAcceptanceDistancesOfAFullBase) {
+  ClassAndTwin both;
+  const std::vector<twins::Template> stored = PutShortWords(both);
+  for (const std::int32_t count : {3, 7, 23, 61, 100}) {
+    ExpectSameThresholds(both, stored, count);
+  }
 }
 
 TEST(CVoiceMathematics, EqualsItsTwinWhereTheCountIsBeyondTheSlots) {

@@ -28,12 +28,20 @@ Bytes Recording(std::size_t count, std::size_t burstAt) {
 
 TEST(CVoiceMathematics, EqualsItsTwinWhereverTheDataBegin) {
   ClassAndTwin both;
-  for (const std::size_t idOffset : {12U, 24U, 36U, 40U, 44U, 48U, 60U, 88U, 92U, 96U, 100U}) {
+  for (const std::size_t idOffset : {12U, 24U, 36U, 40U, 44U, 48U, 60U, 88U, 92U, 96U}) {
     for (const std::size_t burstAt : {0U, 6000U, 14000U}) {
       const Bytes content = Recording(16000, burstAt);
       const std::string name = std::to_string(idOffset) + ", burst at " + std::to_string(burstAt);
       both.ExpectSameTwice(support::WaveFileWithDataAt(idOffset, 32000, content), name);
     }
+  }
+}
+
+TEST(CVoiceMathematics, EqualsItsTwinWhereTheDataIdIsNotToBeFound) {
+  ClassAndTwin both;
+  for (const std::size_t idOffset : {37U, 38U, 39U, 42U, 58U, 93U, 94U, 97U, 98U, 104U}) {
+    const auto file = support::WaveFileWithDataAt(idOffset, 4000, Recording(2000, 500));
+    EXPECT_EQ(both.ExpectSame(Task::kLearn, 0, file, std::to_string(idOffset)).headerCode, 7);
   }
 }
 
@@ -62,13 +70,14 @@ TEST(CVoiceMathematics, EqualsItsTwinWhereDataThatBeganEarlyOverwriteThemselves)
 TEST(CVoiceMathematics, EqualsItsTwinWhereTheFileHoldsLessThanItClaims) {
   ClassAndTwin both;
   for (const std::size_t idOffset : {12U, 36U, 96U}) {
-    for (std::size_t lacking = 0; lacking <= idOffset + 9; lacking += 7) {
+    for (std::size_t lacking = 0; lacking <= idOffset + 9; lacking += 11) {
       for (const std::size_t burstAt : {0U, 3000U, 6500U}) {
-        const Bytes content = Recording(7500, burstAt);
-        Bytes file = support::WaveFileWithDataAt(idOffset, 15000, content);
+        // 15 hops, so that the last frame reaches to where the data should end.
+        Bytes file = support::WaveFileWithDataAt(idOffset, 15360, Recording(7680, burstAt));
         file.resize(file.size() - lacking);
-        both.ExpectSameTwice(file,
-                             std::to_string(idOffset) + " lacking " + std::to_string(lacking));
+        const std::string name = std::to_string(idOffset) + " lacking " + std::to_string(lacking);
+        both.ExpectSame(Task::kLearn, 0, file, name);
+        both.ExpectSame(Task::kProcess, 0, file, name);
       }
     }
   }
@@ -120,7 +129,7 @@ TEST(CVoiceMathematics, EqualsItsTwinOnRandomFiles) {
   ClassAndTwin both;
   std::mt19937 random(2025);
   int trimmed = 0;
-  for (int round = 0; round < 250; ++round) {
+  for (int round = 0; round < 120; ++round) {
     const std::size_t count = 1100 + support::Draw(random, 9000);
     const std::size_t idOffset =
         support::Draw(random, 3) == 0 ? 12 : 36 + 4 * support::Draw(random, 16);
@@ -131,7 +140,7 @@ TEST(CVoiceMathematics, EqualsItsTwinOnRandomFiles) {
     const auto learned = both.ExpectSame(Task::kLearn, round % 101, file, std::to_string(round));
     trimmed += learned.result == 0 && learned.after != file ? 1 : 0;
   }
-  EXPECT_GT(trimmed, 80);
+  EXPECT_GT(trimmed, 40);
 }
 
 TEST(CVoiceMathematics, EqualsItsTwinOnTheHighestSlots) {

@@ -1,0 +1,54 @@
+#include "language/formatting.h"
+
+#include "resources/strings.h"
+
+namespace language {
+namespace {
+
+constexpr std::u16string_view kNumberPlaceholder = u"%d";
+constexpr std::u16string_view kTagLimit = u"100";
+
+}  // namespace
+
+std::u16string FormatNumber(std::u16string_view format, std::int32_t number) {
+  std::u16string result(format);
+  const std::size_t at = result.find(kNumberPlaceholder);
+  if (at != std::u16string::npos) {
+    result.replace(at, kNumberPlaceholder.size(), Decimal(number));
+  }
+  return result;
+}
+
+std::u16string Decimal(std::int32_t number) {
+  const std::string digits = std::to_string(number);
+  return {digits.begin(), digits.end()};
+}
+
+std::u16string CountLabel(const Texts& texts, std::int32_t tagCount) {
+  if (!texts.IsLanguageFileLoaded()) {
+    return EnglishCountLabel(tagCount);
+  }
+  std::u16string label(texts(resources::kLearnedCommands));
+  label += u' ';
+  label += Decimal(tagCount);
+  return label;
+}
+
+std::u16string EnglishCountLabel(std::int32_t tagCount) {
+  return FormatNumber(resources::kLearnedCommands.GetEnglish(), tagCount);
+}
+
+std::u16string TagLimitMessage(const Texts& texts) {
+  std::u16string message(texts(resources::kTagLimit));
+  message += kTagLimit;
+  return message;
+}
+
+std::u16string NoVoiceTagsMessage(const Texts& texts) {
+  std::u16string message(texts(resources::kNoVoiceTags));
+  message += u"\n\n";
+  message += texts(resources::kHowToRecord);
+  return message;
+}
+
+}  // namespace language

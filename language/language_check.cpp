@@ -1,0 +1,156 @@
+#include "language/language_check.h"
+
+#include <map>
+#include <utility>
+
+#include "language/language_file_reader.h"
+#include "resources/language_keys.h"
+
+namespace language {
+namespace {
+
+bool BeginsWith(std::span<const std::byte> file, std::initializer_list<unsigned> start) {
+  if (file.size() < start.size()) {
+    return false;
+  }
+  std::size_t at = 0;
+  for (const unsigned expected : start) {
+    if (std::to_integer<unsigned>(file[at++]) != expected) {
+      return false;
+    }
+  }
+  return true;
+}
+
+std::string DescribeEncoding(std::span<const std::byte> file) {
+  constexpr std::string_view kWanted = "save it as UTF-16LE with a byte-order mark";
+  std::string_view found = "the file does not begin with the bytes FF FE";
+  if (file.empty()) {
+    found = "the file is empty";
+  } else if (BeginsWith(file, {0xEF, 0xBB, 0xBF})) {
+    found = "the file is in UTF-8";
+  } else if (BeginsWith(file, {0xFE, 0xFF})) {
+    found = "the file is in UTF-16BE";
+  } else if (BeginsWith(file, {0xFF, 0xFE, 0, 0})) {
+    found = "the file is in UTF-32LE";
+  } else if (BeginsWith(file, {0xFF, 0xFE, 0})) {
+    found = "the low byte of the first character is zero, which the dialer refuses";
+  } else if (BeginsWith(file, {0xFF, 0xFE})) {
+    found = "the file holds nothing";
+  }
+  return std::string(found) + "; " + std::string(kWanted);
+}
+
+std::u16string_view FirstWord(std::u16string_view line) {
+  const std::size_t start = line.find_first_not_of(u" \t");
+  if (start == std::u16string_view::npos) {
+    return {};
+  }
+  line.remove_prefix(start);
+  return line.substr(0, line.find_first_of(std::u16string_view(u" \t\0", 3)));
+}
+
+// "text // comment", as the template's own instructions advise.
+bool IsComment(std::u16string_view behind) {
+  const std::size_t slash = behind.find(u'/');
+  return slash > 0 && behind.substr(slash).starts_with(u"//");
+}
+
+class Check {
+ public:
+  explicit Check(std::span<const std::byte> file) : m_reader(file) {}
+
+  std::vector<Finding> Run() {
+    LanguageLine line;
+    while (m_reader.Next(line)) {
+      CheckLine(line);
+    }
+    for (const resources::LanguageKey& row : resources::kLanguageKeys) {
+      if (m_lines.contains(std::u16string(row.key))) {
+        continue;
+      }
+      Add(FindingKind::kMissingKey, 0, row.key, "the key is missing, so its text is empty");
+    }
+    return std::move(m_findings);
+  }
+
+ private:
+  void Add(FindingKind kind, std::size_t line, std::u16string_view key, std::string message) {
+    m_findings.push_back({kind, line, std::u16string(key), std::move(message)});
+  }
+
+  void CheckLine(const LanguageLine& line) {
+    if (line.whole.find_first_of(std::u16string_view(u"\r\n\0", 3)) != std::u16string_view::npos) {
+      Add(FindingKind::kStrayCharacter, line.number, line.key,
+          "the line holds a NUL, or a CR or LF alone; lines end with CR LF");
+    }
+    if (line.kind == LineKind::kEntry) {
+      CheckEntry(line);
+    } else if (line.kind != LineKind::kComment && !FirstWord(line.whole).empty()) {
+      Add(FindingKind::kNoText, line.number, FirstWord(line.whole),
+          "the line has no text: it is empty, begins with \"/\", or ends the file without CR LF");
+    }
+  }
+
+  void CheckEntry(const LanguageLine& line) {
+    const auto [known, isFirst] = m_lines.try_emplace(std::u16string(line.key), line.number);
+    if (!isFirst) {
+      Add(FindingKind::kDuplicateKey, line.number, line.key,
+          "the key stands in line " + std::to_string(known->second) + " already, which counts");
+    }
+    const resources::LanguageKey* const row = resources::FindLanguageKey(line.key);
+    if (row == nullptr) {
+      Add(FindingKind::kUnknownKey, line.number, line.key, "no text has this key");
+    } else if (row->use == resources::TextUse::kFormatted &&
+               line.text.find(u'%') != std::u16string_view::npos) {
+      Add(FindingKind::kPercentSign, line.number, line.key,
+          "a percent sign has no place in a text that takes part in formatting");
+    }
+    if (line.behind.find(u'/') != std::u16string_view::npos && !IsComment(line.behind)) {
+      Add(FindingKind::kTextCut, line.number, line.key,
+          "the text ends at its first \"/\"; a comment begins with a blank and \"//\"");
+    }
+  }
+
+  LanguageFileReader m_reader;
+  std::map<std::u16string, std::size_t> m_lines;  ///< First line of each key.
+  std::vector<Finding> m_findings;
+};
+
+}  // namespace
+
+std::string_view ToWord(FindingKind kind) {
+  switch (kind) {
+    case FindingKind::kWrongEncoding:
+      return "wrong-encoding";
+    case FindingKind::kStrayCharacter:
+      return "stray-character";
+    case FindingKind::kNoText:
+      return "no-text";
+    case FindingKind::kUnknownKey:
+      return "unknown-key";
+    case FindingKind::kDuplicateKey:
+      return "duplicate-key";
+    case FindingKind::kTextCut:
+      return "text-cut";
+    case FindingKind::kPercentSign:
+      return "percent-sign";
+    case FindingKind::kMissingKey:
+      return "missing-key";
+  }
+  return "unknown";
+}
+
+std::vector<Finding> CheckLanguageFile(std::span<const std::byte> file) {
+  if (!LanguageFileReader(file).IsAccepted()) {
+    return {{FindingKind::kWrongEncoding, 0, {}, DescribeEncoding(file)}};
+  }
+  std::vector<Finding> findings = Check(file).Run();
+  if (file.size() % 2 != 0) {
+    const std::string message = "the file ends in the middle of a character";
+    findings.insert(findings.begin(), {FindingKind::kWrongEncoding, 0, {}, message});
+  }
+  return findings;
+}
+
+}  // namespace language

@@ -1,0 +1,69 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace language {
+
+enum class LineKind : std::uint8_t {
+  kEntry,    ///< A key and a text.
+  kNoText,   ///< A key alone: the format drops the line.
+  kComment,  ///< Begins with "//".
+  kEmpty,    ///< Nothing that the format reads.
+};
+
+/// One line of a language file, in views into the reader that gave it.
+struct LanguageLine {
+  LineKind kind = LineKind::kEmpty;
+  std::size_t number = 0;      ///< 1-based, as editors count, which end a line at a lone LF too.
+  std::u16string_view key;     ///< With kEntry.
+  std::u16string_view text;    ///< With kEntry; never empty, never with a NUL.
+  std::u16string_view behind;  ///< With kEntry: what the line holds behind the text, blanks too.
+  std::u16string_view whole;   ///< The line without its CR LF.
+};
+
+/// Reads the lines of a language file: UTF-16LE behind a byte-order mark, each line a key, blanks
+/// and a text that ends before the first "/". Never reads beyond the bytes it was given, whatever
+/// they hold.
+class LanguageFileReader {
+ public:
+  explicit LanguageFileReader(std::span<const std::byte> file);
+  ~LanguageFileReader() = default;
+
+  // The lines point into the reader.
+  LanguageFileReader(const LanguageFileReader&) = delete;
+  LanguageFileReader& operator=(const LanguageFileReader&) = delete;
+
+  /// Whether the bytes begin as a language file must; no line is read from one that does not.
+  [[nodiscard]] bool IsAccepted() const { return m_isAccepted; }
+
+  /// Stores the next line in `line`; false behind the last one.
+  [[nodiscard]] bool Next(LanguageLine& line);
+
+ private:
+  [[nodiscard]] LanguageLine Parse(std::size_t start) const;
+  void TakeText(std::size_t start, LanguageLine& line) const;
+  [[nodiscard]] bool IsLineEnd(std::size_t at) const;
+  [[nodiscard]] bool StopsAt(std::size_t at) const;
+  [[nodiscard]] std::size_t FindLineEnd(std::size_t start) const;
+  [[nodiscard]] std::u16string_view Between(std::size_t begin, std::size_t end) const;
+
+  bool m_isAccepted = false;
+  std::u16string m_characters;  ///< With the byte-order mark, without a last half character.
+
+  /// First index at which neither a key, nor a text, nor another line may begin any more.
+  std::size_t m_limit = 0;
+
+  std::size_t m_next;
+  std::size_t m_lineNumber = 1;
+  bool m_isAtEnd = false;
+};
+
+[[nodiscard]] constexpr bool IsBlank(char16_t character) {
+  return character == u' ' || character == u'\t';
+}
+
+}  // namespace language

@@ -1,0 +1,71 @@
+#include "language/language_table.h"
+
+#include <memory>
+#include <optional>
+
+#include "language/language_file_reader.h"
+
+namespace language {
+namespace {
+
+std::unique_ptr<LanguageTable>& Instance() {
+  static std::unique_ptr<LanguageTable> instance;
+  return instance;
+}
+
+}  // namespace
+
+LanguageTable& LanguageTable::GetInstance() {
+  if (!Instance()) {
+    Instance() = std::make_unique<LanguageTable>();
+  }
+  return *Instance();
+}
+
+void LanguageTable::Release() { Instance().reset(); }
+
+void LanguageTable::Load(platform::FileSystem& files, std::u16string_view path) {
+  m_entries.clear();
+  const platform::OpenedFile opened = files.Open(path, {});
+  if (!opened.file) {
+    return;
+  }
+  const std::optional<std::uint64_t> length = opened.file->GetLength();
+  if (!length || *length > kMaxFileLength) {
+    return;
+  }
+  std::vector<std::byte> bytes(static_cast<std::size_t>(*length));
+  const std::optional<std::size_t> read = opened.file->Read(bytes);
+  if (!read) {
+    return;
+  }
+  bytes.resize(*read);
+  LoadFrom(bytes);
+}
+
+void LanguageTable::LoadFrom(std::span<const std::byte> file) {
+  m_entries.clear();
+  LanguageFileReader reader(file);
+  LanguageLine line;
+  while (m_entries.size() < kMaxEntries && reader.Next(line)) {
+    if (line.kind != LineKind::kEntry) {
+      continue;
+    }
+    m_entries.push_back({std::u16string(line.key), std::u16string(line.text)});
+  }
+}
+
+const char16_t* LanguageTable::LookUp(const char16_t* key, const char16_t* defaultText) const {
+  if (key == nullptr) {
+    return defaultText;
+  }
+  const std::u16string_view wanted(key);
+  for (const Entry& entry : m_entries) {
+    if (entry.key == wanted) {
+      return entry.text.c_str();
+    }
+  }
+  return defaultText;
+}
+
+}  // namespace language

@@ -1,0 +1,182 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+#include "audio/wave_device.h"
+#include "platform/headless/headless_process.h"
+#include "platform/headless/headless_ui.h"
+#include "platform/posix/posix_clock.h"
+#include "platform/posix/posix_file_system.h"
+#include "platform/posix/posix_threads.h"
+#include "platform/pulse/pulse_wave_in.h"
+#include "tests/e2e/pipe_microphone.h"
+#include "tests/e2e/pulse_server.h"
+#include "tests/e2e/sound_session.h"
+#include "tests/e2e/speech.h"
+#include "tests/e2e/text_file.h"
+#include "tests/support/temp_folder.h"
+
+namespace {
+
+using e2e::PipeMicrophone;
+using e2e::PulseInput;
+using e2e::PulseServer;
+using e2e::PulseServerOptions;
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+using namespace std::string_view_literals;
+
+constexpr std::uint32_t kThreeSeconds = 3000;
+constexpr std::size_t kHeaderBytes = 44;
+
+// A sound that silence cannot be taken for: every sample is the same.
+const std::vector<std::byte> kHum{std::byte{17}, std::byte{17}};
+
+// How long the Learning page waits for a recording.
+constexpr milliseconds kPatience(10000);
+
+/// Lets something happen a second from now.
+class InASecond {
+ public:
+  explicit InASecond(std::function<void()> action)
+      : m_thread([action = std::move(action)] {
+          std::this_thread::sleep_for(std::chrono::seconds(1));
+          action();
+        }) {}
+
+ private:
+  std::jthread m_thread;
+};
+
+/// The recorder with the real file system, clock and sound server.
+class WaveDeviceAndSoundServer : public testing::Test {
+ protected:
+  void StartServer(const PulseServerOptions& options = {}) {
+    m_server = PulseServer::Start(m_session, options);
+    ASSERT_TRUE(m_server);
+  }
+
+  [[nodiscard]] int Record() {
+    m_device.SetFormat(16, 11025);
+    const auto begin = steady_clock::now();
+    const int code = m_device.Record(u"\\name.wav", kThreeSeconds);
+    EXPECT_LT(steady_clock::now() - begin, kPatience);
+    return code;
+  }
+
+  [[nodiscard]] std::string File() const { return e2e::ReadText(m_root.Path() / "name.wav"); }
+
+  /// The samples of the file, whose header must tell their length.
+  [[nodiscard]] std::vector<std::byte> Samples() const {
+    const std::string file = File();
+    if (file.size() < kHeaderBytes) {
+      ADD_FAILURE() << "The file has no header.";
+      return {};
+    }
+    const auto bytes = std::as_bytes(std::span(file));
+    const auto number = [&](std::size_t at) {
+      std::size_t value = 0;
+      for (std::size_t i = 4; i > 0; --i) {
+        value = value << 8 | std::to_integer<std::size_t>(bytes[at + i - 1]);
+      }
+      return value;
+    };
+    EXPECT_EQ(number(4), file.size());
+    EXPECT_EQ(number(40), file.size() - kHeaderBytes);
+    const auto samples = bytes.subspan(kHeaderBytes);
+    return {samples.begin(), samples.end()};
+  }
+
+  void ExpectNoDeviceMessage() {
+    EXPECT_EQ(Record(), audio::kProcessEnded);
+    ASSERT_EQ(m_ui.GetMessages().size(), 1U);
+    EXPECT_EQ(m_ui.GetMessages().front().box.text,
+              u"There are no wave-record devices in you computer.");
+    EXPECT_TRUE(m_process.GetExitCode());
+    EXPECT_TRUE(File().empty());
+  }
+
+  void ExpectPartOfARecording() {
+    EXPECT_EQ(Record(), audio::kRecorded);
+    const auto samples = Samples();
+    // About a second, and at least something of it.
+    EXPECT_GT(samples.size(), 11025U);
+    EXPECT_LT(samples.size(), 55125U);
+    EXPECT_THAT(samples, testing::Each(kHum.front()));
+  }
+
+  e2e::SoundSession m_session;
+  support::TempFolder m_root;
+  std::unique_ptr<PulseServer> m_server;
+  posix::PosixFileSystem m_files{m_root.Text()};
+  pulse::PulseWaveIn m_waveIn;
+  posix::PosixClock m_clock;
+  posix::PosixThreads m_threads;
+  headless::HeadlessProcess m_process;
+  headless::HeadlessUi m_ui;
+  audio::WaveDevice m_device{{m_files, m_waveIn, m_clock, m_threads, m_process, m_ui}};
+};
+
+TEST_F(WaveDeviceAndSoundServer, SpeechBecomesAFileOfThreeSeconds) {
+  StartServer();
+  PipeMicrophone microphone(m_server->Pipe(), 11025, 1);
+  const auto speech = e2e::Speak(m_session.Folder(), "Anna Karenina", 11025, 1);
+  {
+    const InASecond speak([&] { microphone.Hear(speech); });
+    EXPECT_EQ(Record(), audio::kRecorded);
+  }
+  const std::string file = File();
+  ASSERT_EQ(file.size(), 66194U);
+  EXPECT_EQ(file.substr(0, kHeaderBytes),
+            "RIFF\x92\x02\x01\x00WAVEfmt \x10\x00\x00\x00\x01\x00\x01\x00"
+            "\x11\x2B\x00\x00\x22\x56\x00\x00\x02\x00\x10\x00"
+            "data\x66\x02\x01\x00"sv);
+  const auto samples = e2e::ToSamples(Samples());
+  EXPECT_GT(e2e::FindSound(samples, e2e::ToSamples(speech), 16500).correlation, 0.9999);
+  EXPECT_EQ(m_device.GetRecordedBytes(), 66150U);
+  EXPECT_TRUE(m_ui.GetMessages().empty());
+}
+
+TEST_F(WaveDeviceAndSoundServer, WithoutAServerTheUserIsToldAndTheProcessEnds) {
+  ExpectNoDeviceMessage();
+}
+
+TEST_F(WaveDeviceAndSoundServer, WithoutAMicrophoneTheUserIsToldAndTheProcessEnds) {
+  StartServer({.input = PulseInput::kMonitorOnly});
+  ExpectNoDeviceMessage();
+}
+
+TEST_F(WaveDeviceAndSoundServer, ServerThatDoesNotAnswerCountsAsNone) {
+  StartServer();
+  m_server->Freeze();
+  ExpectNoDeviceMessage();
+}
+
+TEST_F(WaveDeviceAndSoundServer, MicrophoneThatDeliversNothingGivesSilence) {
+  StartServer();
+  EXPECT_EQ(Record(), audio::kRecorded);
+  EXPECT_EQ(File().size(), 66150U);
+  EXPECT_THAT(Samples(), testing::Each(std::byte{0}));
+}
+
+TEST_F(WaveDeviceAndSoundServer, ServerThatDiesHalfWayLeavesWhatWasRecorded) {
+  StartServer();
+  const PipeMicrophone microphone(m_server->Pipe(), 11025, 1, kHum);
+  const InASecond kill([this] { m_server->Kill(); });
+  ExpectPartOfARecording();
+}
+
+TEST_F(WaveDeviceAndSoundServer, ServerThatFreezesHalfWayLeavesWhatWasRecorded) {
+  StartServer();
+  const PipeMicrophone microphone(m_server->Pipe(), 11025, 1, kHum);
+  const InASecond freeze([this] { m_server->Freeze(); });
+  ExpectPartOfARecording();
+}
+
+}  // namespace

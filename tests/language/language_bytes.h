@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+#include <vector>
+
+#include "language/language_template.h"
+
+/// Bytes of a language file that holds `text` behind the byte-order mark.
+inline std::vector<std::byte> FileOf(std::u16string_view text) {
+  return language::ToLanguageFile(text);
+}
+
+/// Bytes as they stand.
+inline std::vector<std::byte> Bytes(std::string_view bytes) {
+  std::vector<std::byte> result;
+  for (const char byte : bytes) {
+    result.push_back(static_cast<std::byte>(byte));
+  }
+  return result;
+}

@@ -1,0 +1,111 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+
+#include "platform/posix/posix_file_system.h"
+#include "tests/posix/child_process.h"
+#include "tests/support/file_bytes.h"
+#include "tests/support/temp_folder.h"
+
+namespace {
+
+using platform::FileAccess;
+using platform::FileCreation;
+using platform::FileError;
+using platform::FileShare;
+using support::WriteWhole;
+
+mode_t ModeOf(const std::filesystem::path& path) {
+  struct stat status {};
+  return ::stat(path.c_str(), &status) == 0 ? status.st_mode & 07777 : 0;
+}
+
+class PosixFileSystemRights : public testing::Test {
+ protected:
+  PosixFileSystemRights() {
+    // So that a child process of another user reaches it.
+    std::filesystem::permissions(m_root.Path(), std::filesystem::perms(0755));
+  }
+
+  support::TempFolder m_root;
+  posix::PosixFileSystem m_files{m_root.Text()};
+};
+
+TEST_F(PosixFileSystemRights, NewFilesAndFoldersFollowTheMaskOfTheUser) {
+  const mode_t before = ::umask(027);
+  EXPECT_EQ(WriteWhole(m_files, u"\\f", "abc"), FileError::kNone);
+  EXPECT_EQ(m_files.CreateFolder(u"\\d"), FileError::kNone);
+  ::umask(before);
+  EXPECT_EQ(ModeOf(m_root.Path() / "f"), 0640U);
+  EXPECT_EQ(ModeOf(m_root.Path() / "d"), 0750U);
+}
+
+TEST_F(PosixFileSystemRights, AFileMadeWithoutAnyRightIsStillWrittenByItsMaker) {
+  const mode_t before = ::umask(0777);
+  EXPECT_EQ(WriteWhole(m_files, u"\\f", "abc"), FileError::kNone);
+  ::umask(before);
+  EXPECT_EQ(std::filesystem::file_size(m_root.Path() / "f"), 3U);
+}
+
+TEST_F(PosixFileSystemRights, WhatTheUserMayNotReachIsDenied) {
+  ASSERT_EQ(WriteWhole(m_files, u"\\f", "abc"), FileError::kNone);
+  ASSERT_EQ(m_files.CreateFolder(u"\\locked"), FileError::kNone);
+  ASSERT_EQ(WriteWhole(m_files, u"\\locked\\f", "abc"), FileError::kNone);
+  ASSERT_EQ(::chmod((m_root.Path() / "f").c_str(), 0200), 0);
+  ASSERT_EQ(::chmod((m_root.Path() / "locked").c_str(), 0200), 0);
+  ASSERT_EQ(::chmod(m_root.Path().c_str(), 0555), 0);
+  const int step = posix_test::RunAsOrdinaryUser([&] {
+    if (m_files.Open(u"\\f", {FileAccess::kRead, FileShare::kNone}).error !=
+        FileError::kAccessDenied) {
+      return 1;
+    }
+    if (WriteWhole(m_files, u"\\new", "abc") != FileError::kAccessDenied) {
+      return 2;
+    }
+    if (m_files.CreateFolder(u"\\d") != FileError::kAccessDenied) {
+      return 3;
+    }
+    if (m_files.Delete(u"\\f") != FileError::kAccessDenied) {
+      return 4;
+    }
+    return m_files.FindFirst(u"\\locked\\*").error == FileError::kAccessDenied ? 0 : 5;
+  });
+  EXPECT_EQ(step, 0);
+}
+
+TEST_F(PosixFileSystemRights, AFileThatMayOnlyBeWrittenIsThereAllTheSame) {
+  ASSERT_EQ(WriteWhole(m_files, u"\\f", "abc"), FileError::kNone);
+  ASSERT_EQ(::chmod((m_root.Path() / "f").c_str(), 0222), 0);
+  const int error = posix_test::RunAsOrdinaryUser([&] {
+    return static_cast<int>(m_files.Open(u"\\f", {FileAccess::kNone, FileShare::kNone}).error);
+  });
+  EXPECT_EQ(error, static_cast<int>(FileError::kNone));
+}
+
+TEST_F(PosixFileSystemRights, ReplaceKeepsThePermissionsOfTheTarget) {
+  ASSERT_EQ(WriteWhole(m_files, u"\\old", "old"), FileError::kNone);
+  ASSERT_EQ(WriteWhole(m_files, u"\\new", "new"), FileError::kNone);
+  ASSERT_EQ(::chmod((m_root.Path() / "old").c_str(), 0604), 0);
+  ASSERT_EQ(m_files.Replace(u"\\new", u"\\old"), FileError::kNone);
+  EXPECT_EQ(ModeOf(m_root.Path() / "old"), 0604U);
+}
+
+TEST_F(PosixFileSystemRights, AnAdministratorLeavesTheFileToItsOwner) {
+  if (::geteuid() != 0) {
+    GTEST_SKIP() << "only an administrator can give files away";
+  }
+  constexpr uid_t kOwner = 1234;
+  constexpr gid_t kGroup = 4321;
+  ASSERT_EQ(WriteWhole(m_files, u"\\old", "old"), FileError::kNone);
+  ASSERT_EQ(WriteWhole(m_files, u"\\new", "new"), FileError::kNone);
+  ASSERT_EQ(::chown((m_root.Path() / "old").c_str(), kOwner, kGroup), 0);
+  ASSERT_EQ(m_files.Replace(u"\\new", u"\\old"), FileError::kNone);
+  struct stat status {};
+  ASSERT_EQ(::stat((m_root.Path() / "old").c_str(), &status), 0);
+  EXPECT_EQ(status.st_uid, kOwner);
+  EXPECT_EQ(status.st_gid, kGroup);
+}
+
+}  // namespace

@@ -1,0 +1,207 @@
+#include "platform/posix/posix_file_system.h"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "tests/posix/child_process.h"
+#include "tests/support/file_bytes.h"
+#include "tests/support/temp_folder.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using platform::FileAccess;
+using platform::FileCreation;
+using platform::FileError;
+using platform::FileShare;
+using platform::OpenMode;
+using support::FindNames;
+using support::ReadWhole;
+using support::ToBytes;
+using support::WriteWhole;
+using testing::UnorderedElementsAre;
+
+constexpr OpenMode kRead{FileAccess::kRead, FileShare::kRead, FileCreation::kOpenExisting};
+constexpr OpenMode kAllModes[] = {
+    kRead,
+    {FileAccess::kNone, FileShare::kNone, FileCreation::kOpenAlways},
+    {FileAccess::kWrite, FileShare::kNone, FileCreation::kOpenExisting},
+    {FileAccess::kWrite, FileShare::kNone, FileCreation::kCreateAlways},
+    {FileAccess::kReadWrite, FileShare::kNone, FileCreation::kOpenAlways}};
+
+class PosixFileSystem : public testing::Test {
+ protected:
+  [[nodiscard]] fs::path Host(const char* name) const { return m_root.Path() / name; }
+  void Put(const char* name, const std::string& content) {
+    std::ofstream(Host(name), std::ios::binary) << content;
+  }
+  [[nodiscard]] std::string Get(const char* name) const {
+    std::ifstream stream(Host(name), std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+  }
+
+  support::TempFolder m_root;
+  posix::PosixFileSystem m_files{m_root.Text()};
+};
+
+TEST_F(PosixFileSystem, DevicePathsLieBelowTheRoot) {
+  ASSERT_EQ(m_files.CreateFolder(u"\\Program Files"), FileError::kNone);
+  ASSERT_EQ(WriteWhole(m_files, u"\\Program Files\\f", "abc"), FileError::kNone);
+  EXPECT_EQ(Get("Program Files/f"), "abc");
+}
+
+TEST_F(PosixFileSystem, ARootThatIsNotThereHasNothingAndTakesNothing) {
+  posix::PosixFileSystem files(m_root.Text() + u"/no");
+  EXPECT_EQ(files.CreateFolder(u"\\a"), FileError::kNotFound);
+  EXPECT_EQ(WriteWhole(files, u"\\f", "abc"), FileError::kNotFound);
+  EXPECT_EQ(files.FindFirst(u"\\*").error, FileError::kNotFound);
+}
+
+TEST_F(PosixFileSystem, TheExactSpellingComesFirst) {
+  Put("Name", "one");
+  Put("NAME", "two");
+  Put("name", "three");
+  EXPECT_EQ(ReadWhole(m_files, u"\\Name"), "one");
+  EXPECT_EQ(ReadWhole(m_files, u"\\NAME"), "two");
+  EXPECT_EQ(ReadWhole(m_files, u"\\name"), "three");
+}
+
+TEST_F(PosixFileSystem, NamesWithStrayBytesAreFoundOpenedAndDeleted) {
+  Put("caf\xE9.wav", "abc");
+  const std::vector<std::u16string> names = FindNames(m_files, u"\\CAF?.wav");
+  ASSERT_EQ(names.size(), 1U);
+  EXPECT_EQ(ReadWhole(m_files, u"\\" + names[0]), "abc");
+  EXPECT_EQ(m_files.Delete(u"\\" + names[0]), FileError::kNone);
+  EXPECT_TRUE(fs::is_empty(m_root.Path()));
+}
+
+TEST_F(PosixFileSystem, ATooLongNameIsNotFound) {
+  const std::u16string path = u"\\" + std::u16string(300, u'x');
+  EXPECT_EQ(m_files.Open(path, kRead).error, FileError::kNotFound);
+  EXPECT_EQ(WriteWhole(m_files, path, "abc"), FileError::kNotFound);
+  EXPECT_EQ(m_files.CreateFolder(path), FileError::kNotFound);
+}
+
+TEST_F(PosixFileSystem, APipeIsNoFileAndNobodyWaitsForItsOtherEnd) {
+  ASSERT_EQ(::mkfifo(Host("pipe").c_str(), 0666), 0);
+  for (const OpenMode& mode : kAllModes) {
+    EXPECT_EQ(m_files.Open(u"\\pipe", mode).error, FileError::kAccessDenied);
+  }
+  EXPECT_EQ(m_files.Delete(u"\\pipe"), FileError::kAccessDenied);
+  Put("f", "abc");
+  EXPECT_EQ(m_files.Replace(u"\\f", u"\\pipe"), FileError::kAccessDenied);
+  EXPECT_TRUE(fs::is_fifo(Host("pipe")));
+}
+
+TEST_F(PosixFileSystem, ADeviceIsNoFile) {
+  for (const OpenMode& mode : kAllModes) {
+    EXPECT_EQ(m_files.Open(u"/dev/null", mode).error, FileError::kAccessDenied);
+  }
+}
+
+TEST_F(PosixFileSystem, ASocketIsNoFile) {
+  const posix::Descriptor socket(::socket(AF_UNIX, SOCK_STREAM, 0));
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  Host("s").string().copy(address.sun_path, sizeof address.sun_path - 1);
+  const void* const plain = &address;
+  ASSERT_EQ(::bind(socket.Get(), static_cast<const sockaddr*>(plain), sizeof address), 0);
+  for (const OpenMode& mode : kAllModes) {
+    EXPECT_EQ(m_files.Open(u"\\s", mode).error, FileError::kAccessDenied);
+  }
+}
+
+TEST_F(PosixFileSystem, ALinkLeadsToItsFile) {
+  ASSERT_EQ(m_files.CreateFolder(u"\\elsewhere"), FileError::kNone);
+  fs::create_symlink("elsewhere/f", Host("link"));
+  EXPECT_EQ(m_files.Open(u"\\link", kRead).error, FileError::kNotFound);
+  EXPECT_EQ(WriteWhole(m_files, u"\\link", "abc"), FileError::kNone);
+  EXPECT_EQ(Get("elsewhere/f"), "abc");
+  EXPECT_EQ(ReadWhole(m_files, u"\\LINK"), "abc");
+  EXPECT_TRUE(fs::is_symlink(Host("link")));
+}
+
+TEST_F(PosixFileSystem, AFolderMayBeALink) {
+  const support::TempFolder elsewhere;
+  fs::create_directory_symlink(elsewhere.Path(), Host("Waves"));
+  EXPECT_EQ(WriteWhole(m_files, u"\\waves\\f", "abc"), FileError::kNone);
+  EXPECT_TRUE(fs::exists(elsewhere.Path() / "f"));
+  EXPECT_TRUE(m_files.FindFirst(u"\\waves").first.isFolder);
+  EXPECT_THAT(FindNames(m_files, u"\\waves\\*"), UnorderedElementsAre(u"f"));
+}
+
+TEST_F(PosixFileSystem, DeleteTakesTheLinkAndNotItsFile) {
+  Put("f", "abc");
+  fs::create_symlink("f", Host("link"));
+  fs::create_symlink("nowhere", Host("dangling"));
+  EXPECT_EQ(m_files.Delete(u"\\link"), FileError::kNone);
+  EXPECT_EQ(m_files.Delete(u"\\dangling"), FileError::kNone);
+  EXPECT_THAT(FindNames(m_files, u"\\*"), UnorderedElementsAre(u"f"));
+}
+
+TEST_F(PosixFileSystem, LinksInACircleLeadNowhere) {
+  fs::create_symlink("b", Host("a"));
+  fs::create_symlink("a", Host("b"));
+  EXPECT_EQ(m_files.Open(u"\\a", kRead).error, FileError::kOther);
+  EXPECT_EQ(WriteWhole(m_files, u"\\a", "abc"), FileError::kOther);
+}
+
+TEST_F(PosixFileSystem, ALinkToNothingIsFoundSinceItsNameIsTaken) {
+  fs::create_symlink("nowhere", Host("link"));
+  const platform::StartedSearch started = m_files.FindFirst(u"\\link");
+  EXPECT_EQ(started.error, FileError::kNone);
+  EXPECT_FALSE(started.first.isFolder);
+  EXPECT_EQ(m_files.CreateFolder(u"\\link"), FileError::kAlreadyExists);
+}
+
+TEST_F(PosixFileSystem, OpenFilesAreNotInheritedByPrograms) {
+  const auto opened = m_files.Open(u"\\f", kAllModes[4]);
+  ASSERT_EQ(opened.error, FileError::kNone);
+  int files = 0;
+  for (const auto& entry : fs::directory_iterator("/proc/self/fd")) {
+    std::error_code gone;
+    if (fs::read_symlink(entry.path(), gone) == Host("f")) {
+      ++files;
+      const int flags = ::fcntl(std::stoi(entry.path().filename()), F_GETFD);
+      EXPECT_NE(flags & FD_CLOEXEC, 0);
+    }
+  }
+  EXPECT_EQ(files, 1);
+}
+
+TEST_F(PosixFileSystem, AWriteBeyondTheLimitOfTheUserFailsAndTheProcessGoesOn) {
+  constexpr rlim_t kLimit = 1000;
+  posix_test::ChildProcess child([&](const posix_test::ToTest&) {
+    const rlimit limit{kLimit, kLimit};
+    if (::setrlimit(RLIMIT_FSIZE, &limit) != 0) {
+      return 1;
+    }
+    const auto file = m_files.Open(u"\\f", kAllModes[4]).file;
+    if (file->Write(ToBytes(std::string(1500, 'x'))) != FileError::kDiskFull) {
+      return 2;
+    }
+    if (file->SetLength(2000) != FileError::kDiskFull || file->GetLength() != kLimit) {
+      return 3;
+    }
+    sigset_t signals{};
+    if (::sigpending(&signals) != 0 || ::sigismember(&signals, SIGXFSZ) != 0 ||
+        ::pthread_sigmask(SIG_SETMASK, nullptr, &signals) != 0 ||
+        ::sigismember(&signals, SIGXFSZ) != 0) {
+      return 4;
+    }
+    return file->Close() == FileError::kNone ? 0 : 5;
+  });
+  EXPECT_EQ(child.Wait(), 0);
+  EXPECT_EQ(Get("f"), std::string(kLimit, 'x'));
+}
+
+}  // namespace
