@@ -61,23 +61,27 @@ class ContactsStore {
   /// Makes the service of the machine ready; false where the machine has none.
   [[nodiscard]] virtual bool Initialize() = 0;
 
-  /// Reaches the source of contacts, without reading it; false where it does not answer.
+  /// Makes the connection to the contacts, without reading them. What fails here may work a moment
+  /// later: another process may have held what is needed.
   [[nodiscard]] virtual bool Connect() = 0;
 
-  /// Reads the source. False where it cannot be read to its end: nothing may then be taken for
-  /// absent.
+  /// Reads the source. False where it does not answer or cannot be read to its end, and where
+  /// contacts that must not be lost are in another source than this one; nobody can then be taken
+  /// for absent.
   [[nodiscard]] virtual bool Logon() = 0;
 
-  /// Number of contacts, 0 before the log-on.
+  /// Number of contacts; 0 where nobody is logged on.
   [[nodiscard]] virtual std::int32_t GetCount() = 0;
 
   /// Contact by 1-based index, in an order that is the same until the log-off.
   [[nodiscard]] virtual ContactItem GetItem(std::int32_t index) = 0;
 
-  /// Contact by its identifier; `contact` is set only with kFound.
+  /// Contact by its identifier; `contact` is set only with kFound. kFailed where nobody is logged
+  /// on.
   [[nodiscard]] virtual ContactLookup GetItemFromOid(std::int32_t oid,
                                                      std::unique_ptr<Contact>& contact) = 0;
 
+  /// Allowed at any time. Contacts that were handed out stay readable.
   virtual void Logoff() = 0;
 };
 

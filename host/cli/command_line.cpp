@@ -3,8 +3,10 @@
 #include <CLI/CLI.hpp>
 #include <exception>
 
+#include "host/cli/contacts_commands.h"
 #include "host/cli/language_commands.h"
 #include "host/cli/output.h"
+#include "host/cli/registry_commands.h"
 #include "host/cli/session.h"
 #include "host/cli/template_commands.h"
 #include "host/cli/wave_commands.h"
@@ -21,6 +23,8 @@ constexpr const char* kFooter = R"(Examples:
   voxtrel template compare ann.st bob.st      how alike two names sound
   voxtrel --microphone in.wav wave record ann.wav
   voxtrel language check Voxtrel.lng          what a translator should mend
+  voxtrel --contacts all.vcf contacts list    whom a voice tag can be for
+  voxtrel registry export tags.reg            take the settings to a Windows machine
 
 Exit codes: 0 done, 1 failed with a message on standard error, 2 wrong usage.)";
 
@@ -33,6 +37,12 @@ void AddGlobalOptions(CLI::App& app, Options& options) {
   app.add_option("--microphone", options.microphone,
                  "Record from this wave file (11,025 Hz, mono, 16 bit) and not from the microphone")
       ->type_name("FILE");
+  app.add_option(
+         "--contacts", options.contacts,
+         "Address book to use from now on: eds for the desktop's, else a vCard file or a "
+         "folder of them (default: the one used last, else the desktop's, else contacts.vcf "
+         "in the root folder)")
+      ->type_name("eds|PATH");
   app.add_flag("--json", options.json, "Print one JSON object on standard output");
 }
 
@@ -51,6 +61,8 @@ int RunCommandLine(int argc, const char* const* argv) {
   AddWaveCommands(app, session);
   AddTemplateCommands(app, session);
   AddLanguageCommands(app, session);
+  AddRegistryCommands(app, session);
+  AddContactsCommands(app, session);
 
   try {
     app.parse(argc, argv);

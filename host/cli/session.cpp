@@ -1,12 +1,16 @@
 #include "host/cli/session.h"
 
 #include <cstdlib>
-#include <filesystem>
+#include <system_error>
 
 #include "host/cli/output.h"
 #include "platform/pulse/pulse_wave_in.h"
+#include "platform/sqlite/sqlite_registry.h"
 #include "platform/text/utf.h"
 #include "platform/wave_file/file_wave_in.h"
+#include "storage/registry_keys.h"
+#include "storage/tag_store.h"
+#include "tags/oids_in_use.h"
 
 namespace cli {
 namespace {
@@ -66,12 +70,43 @@ platform::WaveIn& Session::GetWaveIn() {
   return *m_waveIn;
 }
 
-posix::PosixFileSystem& Session::GetFiles() {
+platform::FileSystem& Session::GetFiles() {
   if (!m_files) {
-    m_files = std::make_unique<posix::PosixFileSystem>(
-        ToSystemPath(m_options.root.empty() ? GetDefaultRoot() : m_options.root));
+    m_files = std::make_unique<posix::PosixFileSystem>(ToSystemPath(GetRoot().native()));
   }
   return *m_files;
+}
+
+platform::Registry& Session::GetRegistry() {
+  if (!m_registry) {
+    // Where that fails the registry itself tells that it cannot be reached.
+    std::error_code ignored;
+    std::filesystem::create_directories(GetRoot(), ignored);
+    sqlite::RegistryOptions options;
+    options.initialKeys.assign(storage::kInstalledKeys.begin(), storage::kInstalledKeys.end());
+    m_registry = std::make_unique<sqlite::SqliteRegistry>(GetRegistryPath(), options);
+  }
+  return *m_registry;
+}
+
+ebook::EbookContacts& Session::GetContacts() {
+  if (!m_contacts) {
+    ebook::EbookContacts::Options options;
+    if (!m_options.contacts.empty()) {
+      options.choice = ebook::ParseChoice(text::FromHostName(m_options.contacts));
+    }
+    options.oidsInUse = [this] {
+      return tags::FindOidsInUse(GetRegistry(), storage::TagStore(GetFiles(), GetRegistry()));
+    };
+    m_contacts = std::make_unique<ebook::EbookContacts>(GetFiles(), GetRegistry(), options);
+  }
+  return *m_contacts;
+}
+
+std::filesystem::path Session::GetRegistryPath() const { return GetRoot() / sqlite::kDatabaseName; }
+
+std::filesystem::path Session::GetRoot() const {
+  return std::filesystem::absolute(m_options.root.empty() ? GetDefaultRoot() : m_options.root);
 }
 
 }  // namespace cli

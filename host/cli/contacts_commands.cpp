@@ -1,0 +1,109 @@
+#include "host/cli/contacts_commands.h"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <string>
+#include <vector>
+
+#include "host/cli/contact_lists.h"
+#include "host/cli/output.h"
+#include "language/language_table.h"
+#include "platform/text/utf.h"
+#include "storage/device_paths.h"
+#include "tags/contact_opening.h"
+
+namespace cli {
+namespace {
+
+using Problem = ebook::EbookContacts::Problem;
+
+/// What a user can do about a log-on that failed.
+std::string Explain(Session& session) {
+  switch (session.GetContacts().GetProblem()) {
+    case Problem::kStore:
+      return fmt::format("the settings in {} cannot be read or written",
+                         session.GetRegistryPath().string());
+    case Problem::kNoServer:
+      return "the desktop's address books do not answer; choose a vCard file with --contacts FILE";
+    case Problem::kUnreadable:
+      return "the chosen address book is missing or cannot be read to its end; choose another one "
+             "with --contacts eds or --contacts FILE";
+    case Problem::kNothingChosen:
+      return fmt::format(
+          "there are no contacts: the desktop has none, and there is no {}. Put your contacts "
+          "there as vCards, or choose them with --contacts FILE",
+          (session.GetRegistryPath().parent_path() / "contacts.vcf").string());
+    case Problem::kTagsElsewhere:
+      return "voice tags belong to contacts that this address book does not have; nothing was "
+             "changed. Choose the address book they were recorded with, or delete the tags";
+    case Problem::kNone:
+      break;
+  }
+  return "the contacts cannot be read";
+}
+
+Json ToJson(const ListedContact& contact) {
+  Json numbers = Json::array();
+  for (const std::u16string& number : contact.numbers) {
+    numbers.push_back(
+        {{"kind", text::ToUtf8(tags::PhoneTypeWord(number))}, {"text", text::ToUtf8(number)}});
+  }
+  return {{"index", contact.index},
+          {"oid", contact.oid},
+          {"name", text::ToUtf8(contact.name)},
+          {"numbers", std::move(numbers)}};
+}
+
+void Print(const std::vector<ListedContact>& contacts) {
+  for (const ListedContact& contact : contacts) {
+    PrintLine(fmt::format("{:4}  {}", contact.index, text::ToUtf8(contact.name)));
+    for (const std::u16string& number : contact.numbers) {
+      PrintLine("        " + text::ToUtf8(number));
+    }
+  }
+}
+
+void List(Session& session) {
+  const platform::Platform platform = session.GetPlatform();
+  language::LanguageTable table;
+  const bool hasLanguage = platform.files.FindFirst(storage::kLanguageFile).search != nullptr;
+  if (hasLanguage) {
+    table.Load(platform.files, storage::kLanguageFile);
+  }
+  const language::Texts texts(hasLanguage ? &table : nullptr);
+
+  platform::ContactsStore& store = session.GetContacts();
+  if (const auto failure = tags::OpenContacts(store, platform.clock)) {
+    platform.ui.ShowMessage(tags::ToBox(*failure, texts));
+    session.Fail(Explain(session));
+    return;
+  }
+  std::vector<ListedContact> contacts;
+  if (!ListContacts(store, platform.ui, texts, contacts)) {
+    session.Fail("the contacts cannot be listed");
+    return;
+  }
+  if (session.GetOptions().json) {
+    Json list = Json::array();
+    for (const ListedContact& contact : contacts) {
+      list.push_back(ToJson(contact));
+    }
+    PrintJson(list);
+  } else if (contacts.empty()) {
+    PrintLine("No contact has a telephone number.");
+  } else {
+    Print(contacts);
+  }
+}
+
+}  // namespace
+
+void AddContactsCommands(CLI::App& app, Session& session) {
+  CLI::App* contacts = app.add_subcommand("contacts", "The contacts that voice tags are for");
+  contacts->require_subcommand(1);
+  contacts->add_subcommand("list", "List the contacts that have a number, and their numbers")
+      ->callback([&session] { List(session); });
+}
+
+}  // namespace cli

@@ -1,0 +1,124 @@
+#include "host/cli/registry_commands.h"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <cstddef>
+#include <cstdio>
+#include <memory>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "host/cli/output.h"
+#include "storage/registry_file.h"
+
+namespace cli {
+namespace {
+
+using platform::FileError;
+using storage::RegistryFileError;
+using Bytes = std::vector<std::byte>;
+
+/// The whole file; tells what is wrong where it cannot be read.
+std::optional<Bytes> ReadFile(Session& session, const std::string& name) {
+  platform::FileSystem& files = session.GetFiles();
+  const platform::OpenedFile opened = files.Open(Session::ToSystemPath(name), {});
+  const std::optional<std::uint64_t> length =
+      opened.file ? opened.file->GetLength() : std::optional<std::uint64_t>();
+  if (!length) {
+    session.Fail(fmt::format("{}: it cannot be opened", name));
+    return std::nullopt;
+  }
+  if (*length > storage::kMaxRegistryFileLength) {
+    session.Fail(fmt::format("{}: it is too long for a registry file", name));
+    return std::nullopt;
+  }
+  Bytes bytes(static_cast<std::size_t>(*length));
+  const std::optional<std::size_t> read = opened.file->Read(bytes);
+  if (!read || *read != bytes.size()) {
+    session.Fail(fmt::format("{}: it cannot be read", name));
+    return std::nullopt;
+  }
+  return bytes;
+}
+
+/// Writes a new file first, so that a disk that fills up costs no earlier export.
+bool WriteFile(Session& session, const std::string& name, const Bytes& bytes) {
+  platform::FileSystem& files = session.GetFiles();
+  const std::u16string path = Session::ToSystemPath(name);
+  const std::u16string newPath = path + u".new";
+  const platform::OpenMode mode{platform::FileAccess::kWrite, platform::FileShare::kNone,
+                                platform::FileCreation::kCreateAlways};
+  const platform::OpenedFile opened = files.Open(newPath, mode);
+  if (!opened.file) {
+    return false;
+  }
+  const bool isWritten =
+      opened.file->Write(bytes) == FileError::kNone && opened.file->Flush() == FileError::kNone;
+  const bool isClosed = opened.file->Close() == FileError::kNone;
+  if (isWritten && isClosed && files.Replace(newPath, path) == FileError::kNone) {
+    return true;
+  }
+  [[maybe_unused]] const FileError left = files.Delete(newPath);
+  return false;
+}
+
+bool WriteStandardOutput(const Bytes& bytes) {
+  return std::fwrite(bytes.data(), 1, bytes.size(), stdout) == bytes.size() &&
+         std::fflush(stdout) == 0;
+}
+
+void TellStoreError(Session& session, const std::string& message) {
+  session.Fail(fmt::format("{}: {}", session.GetRegistryPath().native(), message));
+}
+
+void Export(Session& session, const std::string& name) {
+  Bytes file;
+  const platform::RegistryError error = storage::WriteRegistryFile(session.GetRegistry(), file);
+  if (error != platform::RegistryError::kNone) {
+    TellStoreError(session, storage::ExplainRegistryError(error));
+  } else if (!(name.empty() ? WriteStandardOutput(file) : WriteFile(session, name, file))) {
+    session.Fail(fmt::format("{}: it cannot be written", name.empty() ? "standard output" : name));
+  }
+}
+
+void Import(Session& session, const std::string& name) {
+  const std::optional<Bytes> file = ReadFile(session, name);
+  if (!file) {
+    return;
+  }
+  const auto parsed = storage::ParseRegistryFile(*file);
+  if (const auto* const error = std::get_if<RegistryFileError>(&parsed)) {
+    session.Fail(error->line == 0 ? fmt::format("{}: {}", name, error->message)
+                                  : fmt::format("{}:{}: {}", name, error->line, error->message));
+    return;
+  }
+  const auto& changes = std::get<std::vector<storage::RegistryChange>>(parsed);
+  if (const auto error = storage::ApplyRegistryChanges(session.GetRegistry(), changes)) {
+    // A file that was read to its end is right; what hinders its changes is the store.
+    TellStoreError(session, error->message);
+  }
+}
+
+}  // namespace
+
+void AddRegistryCommands(CLI::App& app, Session& session) {
+  CLI::App* group =
+      app.add_subcommand("registry", "Move the settings to and from a Windows machine");
+  group->require_subcommand(1);
+  const auto file = std::make_shared<std::string>();
+
+  CLI::App* command = group->add_subcommand(
+      "export", "Write all settings as a registry file of Windows, version 5.00");
+  command->add_option("file", *file, "The file to write (default: standard output)");
+  command->callback([&session, file] { Export(session, *file); });
+
+  command =
+      group->add_subcommand("import", "Make all changes that a registry file asks for, or none");
+  command->add_option("file", *file, "The file to read: version 5.00, UTF-16LE")->required();
+  command->callback([&session, file] { Import(session, *file); });
+}
+
+}  // namespace cli

@@ -1,0 +1,1 @@
+voxtrel_library(headless_contacts SOURCES headless_contacts.cpp DEPENDS voxtrel_platform)

@@ -1,0 +1,92 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/contacts_store.h"
+
+namespace headless {
+
+/// One settable contact. Each of its getters can be made to fail.
+struct HeadlessContact {
+  static constexpr std::size_t kNumberCount = 10;
+
+  std::int32_t oid = 0;
+  std::u16string firstName;
+  std::u16string middleName;
+  std::u16string lastName;
+  std::u16string companyName;
+  std::array<std::u16string, kNumberCount> numbers;  ///< Indexed by the code of the kind.
+
+  bool firstNameFails = false;
+  bool middleNameFails = false;
+  bool lastNameFails = false;
+  bool companyNameFails = false;
+  bool oidFails = false;
+  std::array<bool, kNumberCount> numberFails{};
+
+  [[nodiscard]] std::u16string& Number(platform::PhoneNumberKind kind) {
+    return numbers[static_cast<std::size_t>(kind)];
+  }
+  void FailNumber(platform::PhoneNumberKind kind) {
+    numberFails[static_cast<std::size_t>(kind)] = true;
+  }
+};
+
+/// Contacts as they are set, with every failure that a real store can have.
+class HeadlessContacts final : public platform::ContactsStore {
+ public:
+  enum class Opening : std::uint8_t { kInitialize, kConnect, kLogon };
+  static constexpr int kAlways = -1;
+
+  // The collection, in the order of these calls. What is added counts from the next log-on.
+
+  /// The contact, which may be changed at any time: handed-out contacts show it.
+  HeadlessContact& Add(HeadlessContact contact);
+  void AddNullContact();
+  void AddFailingItem();
+
+  /// Takes a contact out of the collection from the next log-on, and out of the lookup at once.
+  void Remove(std::int32_t oid);
+
+  /// Lets the next `times` calls of a step of opening fail.
+  void FailOpening(Opening step, int times = kAlways) { m_failures[step] = times; }
+
+  /// What GetItemFromOid gives for `oid`, instead of what the collection tells.
+  void SetLookup(std::int32_t oid, platform::ContactLookup lookup) { m_lookups[oid] = lookup; }
+
+  /// Calls of a step so far.
+  [[nodiscard]] int CountCalls(Opening step) const;
+  [[nodiscard]] bool IsLoggedOn() const { return m_isLoggedOn; }
+
+  [[nodiscard]] bool Initialize() override { return Succeeds(Opening::kInitialize); }
+  [[nodiscard]] bool Connect() override { return Succeeds(Opening::kConnect); }
+  [[nodiscard]] bool Logon() override;
+  [[nodiscard]] std::int32_t GetCount() override;
+  [[nodiscard]] platform::ContactItem GetItem(std::int32_t index) override;
+  [[nodiscard]] platform::ContactLookup GetItemFromOid(
+      std::int32_t oid, std::unique_ptr<platform::Contact>& contact) override;
+  void Logoff() override;
+
+ private:
+  struct Item {
+    bool fails = false;
+    std::shared_ptr<HeadlessContact> contact;
+  };
+
+  [[nodiscard]] bool Succeeds(Opening step);
+
+  std::vector<Item> m_settings;
+  std::vector<Item> m_items;  ///< Of this log-on.
+  bool m_isLoggedOn = false;
+  std::map<Opening, int> m_failures;
+  std::map<Opening, int> m_calls;
+  std::map<std::int32_t, platform::ContactLookup> m_lookups;
+};
+
+}  // namespace headless

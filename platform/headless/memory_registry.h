@@ -1,0 +1,69 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/registry.h"
+#include "platform/registry_gate.h"
+
+namespace headless {
+
+/// The registry in memory, gone with the object. Nothing of it fails by itself.
+class MemoryRegistry final : public platform::Registry {
+ public:
+  /// `initialKeys` are the keys that the new store is given, without values. `busyLimit` is how
+  /// long a call waits for another thread's group before kBusy.
+  explicit MemoryRegistry(const std::vector<std::u16string>& initialKeys = {},
+                          std::chrono::milliseconds busyLimit = std::chrono::seconds(2));
+  ~MemoryRegistry() override;
+
+  [[nodiscard]] platform::OpenedKey OpenKey(std::u16string_view path) override;
+  [[nodiscard]] platform::OpenedKey CreateKey(std::u16string_view path) override;
+  [[nodiscard]] platform::RegistryError DeleteKey(std::u16string_view path) override;
+  [[nodiscard]] platform::RegistryError BeginGroup() override;
+  [[nodiscard]] platform::RegistryError CommitGroup() override;
+  void CancelGroup() override;
+
+ private:
+  class Key;
+
+  /// A key's number, never used again once the key is deleted.
+  using Number = std::uint64_t;
+
+  struct Value {
+    std::u16string name;
+    std::u16string foldedName;
+    platform::RegistryValue content;
+  };
+
+  struct Node {
+    std::u16string name;
+    std::u16string foldedName;
+    std::vector<Number> subkeys;  ///< In the order in which they were made.
+    std::vector<Value> values;    ///< Likewise.
+  };
+
+  using Names = std::vector<std::u16string_view>;
+
+  [[nodiscard]] Number FindSubkey(const Node& node, std::u16string_view name) const;
+  [[nodiscard]] Number FindPath(const Names& names) const;
+  [[nodiscard]] Number CreatePath(const Names& names);
+  void DeleteTree(Number number);
+  [[nodiscard]] platform::OpenedKey Opened(Number number);
+  void EndGroup();
+
+  platform::RegistryGate m_gate;
+
+  // Used behind the gate.
+  std::map<Number, Node> m_nodes;
+  Number m_lastNumber;
+  std::map<Number, Node> m_beforeGroup;
+};
+
+}  // namespace headless

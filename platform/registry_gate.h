@@ -1,0 +1,65 @@
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+
+#include "platform/registry.h"
+
+namespace platform {
+
+/// Whether a failure leaves a registry unable to keep the promise of the group it happened in.
+[[nodiscard]] constexpr bool DoomsGroup(RegistryError error) {
+  return error != RegistryError::kNone && error != RegistryError::kNotFound &&
+         error != RegistryError::kNoMoreItems && error != RegistryError::kInvalid;
+}
+
+/// The part of a registry's contract that concerns threads and groups, for its back ends: lets
+/// calls in one at a time, keeps other threads out while one has a group open, and remembers what
+/// doomed that group.
+class RegistryGate {
+ public:
+  /// `limit` is how long a thread waits for another one's group to end.
+  explicit RegistryGate(std::chrono::milliseconds limit) : m_limit(limit) {}
+
+  /// A lock that is held for one call; not held where another thread's group did not end in time.
+  [[nodiscard]] std::unique_lock<std::mutex> Enter() {
+    std::unique_lock lock(m_mutex);
+    const auto free = [this] { return !m_groupIsOpen || m_owner == std::this_thread::get_id(); };
+    if (!m_groupEnded.wait_for(lock, m_limit, free)) lock.unlock();
+    return lock;
+  }
+
+  // What follows is called with that lock held.
+
+  /// Whether the calling thread has a group open.
+  [[nodiscard]] bool GroupIsOpen() const { return m_groupIsOpen; }
+
+  /// What doomed the open group, or kNone.
+  [[nodiscard]] RegistryError Doom() const { return m_doom; }
+
+  void SetDoom(RegistryError error) { m_doom = error; }
+
+  void OpenGroup() {
+    m_owner = std::this_thread::get_id();
+    m_doom = RegistryError::kNone;
+    m_groupIsOpen = true;
+  }
+
+  void CloseGroup() {
+    m_groupIsOpen = false;
+    m_doom = RegistryError::kNone;
+    m_groupEnded.notify_all();
+  }
+
+ private:
+  std::chrono::milliseconds m_limit;
+  std::mutex m_mutex;
+  std::condition_variable m_groupEnded;
+  bool m_groupIsOpen = false;
+  std::thread::id m_owner;
+  RegistryError m_doom = RegistryError::kNone;
+};
+
+}  // namespace platform

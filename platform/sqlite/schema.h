@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+
+#include "platform/registry.h"
+
+struct sqlite3;
+
+namespace sqlite {
+
+// How a database says that it is a registry, and of which form. docs/companion.md tells other
+// programs about the tables; a change of them needs a new version there as well.
+inline constexpr std::int64_t kApplicationId = 0x56505245;
+inline constexpr std::int64_t kSchemaVersion = 1;
+
+/// Makes sure that the database holds a registry. A database that holds nothing at all gets one,
+/// with its root key and the keys `initialKeys`, in one step; one that holds anything else is left
+/// as it is and refused: kDamaged, kNewerStore.
+[[nodiscard]] platform::RegistryError PrepareSchema(sqlite3* database,
+                                                    std::span<const std::u16string> initialKeys);
+
+}  // namespace sqlite

@@ -1,0 +1,78 @@
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/registry.h"
+#include "platform/registry_gate.h"
+#include "platform/sqlite/connection.h"
+#include "platform/sqlite/key_path.h"
+
+namespace sqlite {
+
+/// Name of the registry's database, which stands in the root folder of the device's files.
+inline constexpr std::string_view kDatabaseName = "registry.db";
+
+struct RegistryOptions {
+  /// Keys that a new store is given, without values.
+  std::vector<std::u16string> initialKeys;
+
+  /// How long a call waits for another process, or for another thread's group, before kBusy.
+  std::chrono::milliseconds busyLimit{2000};
+
+  /// The library's file layer, by its name; empty for the system's.
+  std::string fileLayer;
+};
+
+/// The registry in one SQLite database, which other processes may have open as well. The database
+/// is reached for at the first call, and again at the next one where that failed, so a store that
+/// was locked or away is found when it is back. A database once found damaged while in use is not
+/// touched again by this object.
+class SqliteRegistry final : public platform::Registry {
+ public:
+  /// The folder of `database` must exist; the database is made where it is missing.
+  explicit SqliteRegistry(std::filesystem::path database, RegistryOptions options = {});
+  ~SqliteRegistry() override;
+
+  [[nodiscard]] platform::OpenedKey OpenKey(std::u16string_view path) override;
+  [[nodiscard]] platform::OpenedKey CreateKey(std::u16string_view path) override;
+  [[nodiscard]] platform::RegistryError DeleteKey(std::u16string_view path) override;
+  [[nodiscard]] platform::RegistryError BeginGroup() override;
+  [[nodiscard]] platform::RegistryError CommitGroup() override;
+  void CancelGroup() override;
+
+ private:
+  class Key;
+  struct Group {
+    bool undone = false;
+  };
+  using Call = std::function<platform::RegistryError(const Store&)>;
+  using PathCall =
+      std::function<platform::RegistryError(const Store&, const KeyNames&, std::int64_t& key)>;
+
+  /// Runs `call` as one caller at a time, connected, and takes account of its failure.
+  [[nodiscard]] platform::RegistryError Perform(const Call& call);
+
+  [[nodiscard]] platform::RegistryError Connect();
+  [[nodiscard]] platform::OpenedKey OpenWith(std::u16string_view path, const PathCall& find);
+  [[nodiscard]] platform::RegistryError CreateMissing(const Store& store, const KeyNames& names,
+                                                      std::int64_t& key);
+  void NoteDamage(platform::RegistryError error);
+  void EndGroup(bool undone);
+
+  std::filesystem::path m_database;
+  RegistryOptions m_options;
+  platform::RegistryGate m_gate;
+
+  // Used behind the gate.
+  std::unique_ptr<Connection> m_connection;  ///< Null until the database could be opened.
+  bool m_damaged = false;
+  std::shared_ptr<Group> m_group;  ///< Shared by the keys that were opened within it.
+};
+
+}  // namespace sqlite

@@ -1,0 +1,43 @@
+#include "storage/device_paths.h"
+
+namespace storage {
+
+namespace {
+
+constexpr char16_t kSeparator = u'\\';
+
+std::u16string Join(std::u16string_view folder, std::u16string_view name,
+                    std::u16string_view extension) {
+  std::u16string path(folder);
+  path += kSeparator;
+  path += name;
+  path += extension;
+  return path;
+}
+
+}  // namespace
+
+std::u16string WavePath(std::u16string_view tagName) {
+  return Join(kWaveFolder, tagName, kWaveExtension);
+}
+
+std::u16string TemplatePath(std::u16string_view tagName) {
+  return Join(kTemplateFolder, tagName, kTemplateExtension);
+}
+
+std::u16string WaveFilePath(std::u16string_view waveFile) {
+  return Join(kWaveFolder, waveFile, {});
+}
+
+std::u16string_view TagNameOfWaveFile(std::u16string_view waveFile) {
+  // Without a separator the whole text is the name.
+  const std::u16string_view name = waveFile.substr(waveFile.rfind(kSeparator) + 1);
+  return name.substr(0,
+                     name.size() < kWaveExtension.size() ? 0 : name.size() - kWaveExtension.size());
+}
+
+std::u16string TemplatePathOfWaveFile(std::u16string_view waveFile) {
+  return TemplatePath(TagNameOfWaveFile(waveFile));
+}
+
+}  // namespace storage

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace storage {
+
+// Where the system keeps its files on the device. The companion dialer looks for them there.
+inline constexpr std::u16string_view kProgramFilesFolder = u"\\Program Files";
+inline constexpr std::u16string_view kMakerFolder = u"\\Program Files\\Zedra Tech.";
+inline constexpr std::u16string_view kInstallFolder =
+    u"\\Program Files\\Zedra Tech.\\Zedra Voxtrel";
+
+/// One recording for each tag.
+inline constexpr std::u16string_view kWaveFolder =
+    u"\\Program Files\\Zedra Tech.\\Zedra Voxtrel\\Voxtrel_wav";
+
+/// One voice template for each tag.
+inline constexpr std::u16string_view kTemplateFolder =
+    u"\\Program Files\\Zedra Tech.\\Zedra Voxtrel\\Voxtrel_stor";
+
+inline constexpr std::u16string_view kLanguageFile =
+    u"\\Program Files\\Zedra Tech.\\Zedra Voxtrel\\Voxtrel.lng";
+
+/// The help page, which the help viewer finds by its name alone.
+inline constexpr std::u16string_view kHelpFile = u"ZedraVoxtrelPE_help.htm";
+
+inline constexpr std::u16string_view kWaveExtension = u".wav";
+inline constexpr std::u16string_view kTemplateExtension = u".st";
+
+/// Find every recording and every template.
+inline constexpr std::u16string_view kWavePattern =
+    u"\\Program Files\\Zedra Tech.\\Zedra Voxtrel\\Voxtrel_wav\\*.wav";
+inline constexpr std::u16string_view kTemplatePattern =
+    u"\\Program Files\\Zedra Tech.\\Zedra Voxtrel\\Voxtrel_stor\\*.st";
+
+[[nodiscard]] std::u16string WavePath(std::u16string_view tagName);
+[[nodiscard]] std::u16string TemplatePath(std::u16string_view tagName);
+
+/// The path of a recording by its file name, which holds its extension.
+[[nodiscard]] std::u16string WaveFilePath(std::u16string_view waveFile);
+
+/// The tag that a recording belongs to: the file's name less its last four characters. Takes a
+/// name with or without its folder; nothing is left of a name that is shorter.
+[[nodiscard]] std::u16string_view TagNameOfWaveFile(std::u16string_view waveFile);
+
+/// The template that belongs to a recording, by the same rule.
+[[nodiscard]] std::u16string TemplatePathOfWaveFile(std::u16string_view waveFile);
+
+}  // namespace storage

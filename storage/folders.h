@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstdint>
+
+#include "language/texts.h"
+#include "platform/file_system.h"
+#include "platform/process.h"
+#include "platform/ui.h"
+
+namespace storage {
+
+/// Makes the maker's folder and the install folder where they are missing. Failures are ignored:
+/// the folder rule reports what is then still missing.
+void CreateInstallFolders(platform::FileSystem& files);
+
+/// Makes the two data folders, likewise.
+void CreateDataFolders(platform::FileSystem& files);
+
+enum class FolderResult : std::uint8_t {
+  kReady,  ///< A name stands where the folder belongs.
+  kEnded,  ///< A message was shown and the process was ended: the caller must leave at once.
+};
+
+/// The folder rule: a data folder that is missing is made with every missing folder on its way.
+/// The first one that cannot be made is told to the user, and the process ends with code 0, since
+/// nothing can be done without it.
+class FolderRule {
+ public:
+  FolderRule(platform::FileSystem& files, platform::Ui& ui, platform::Process& process,
+             language::Texts texts)
+      : m_files(files), m_ui(ui), m_process(process), m_texts(texts) {}
+
+  [[nodiscard]] FolderResult EnsureWaveFolder() const;
+  [[nodiscard]] FolderResult EnsureTemplateFolder() const;
+
+ private:
+  struct Step {
+    std::u16string_view folder;
+    resources::Text failure;
+  };
+
+  [[nodiscard]] FolderResult Ensure(const Step& dataFolder) const;
+  [[nodiscard]] bool Exists(std::u16string_view folder) const;
+
+  platform::FileSystem& m_files;
+  platform::Ui& m_ui;
+  platform::Process& m_process;
+  language::Texts m_texts;
+};
+
+}  // namespace storage

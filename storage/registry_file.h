@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "platform/registry.h"
+
+namespace storage {
+
+/// One change that a registry file asks for.
+struct RegistryChange {
+  enum class Kind : std::uint8_t { kCreateKey, kDeleteKey, kSetValue, kDeleteValue };
+
+  Kind kind = Kind::kCreateKey;
+  std::size_t line = 0;           ///< 1-based, where the file asks for it.
+  std::u16string key;             ///< Path below HKEY_LOCAL_MACHINE; empty for that itself.
+  std::u16string valueName;       ///< Of values only.
+  platform::RegistryValue value;  ///< With kSetValue only.
+};
+
+/// Why a registry file was not taken.
+struct RegistryFileError {
+  std::size_t line = 0;  ///< 1-based; 0 where no line is to blame.
+  std::string message;   ///< In English, without the line and without a full stop.
+};
+
+/// Longest registry file that is read, in bytes.
+inline constexpr std::uint64_t kMaxRegistryFileLength = std::uint64_t{1} << 28;
+
+/// Reads a registry file of the Windows family: version 5.00, UTF-16LE behind its byte-order mark.
+/// Gives its changes in their order, or the first thing that is wrong with it. Only
+/// HKEY_LOCAL_MACHINE is known.
+[[nodiscard]] std::variant<std::vector<RegistryChange>, RegistryFileError> ParseRegistryFile(
+    std::span<const std::byte> file);
+
+/// Makes all changes of a file, or none of them and tells why.
+[[nodiscard]] std::optional<RegistryFileError> ApplyRegistryChanges(
+    platform::Registry& registry, std::span<const RegistryChange> changes);
+
+/// Stores the whole registry as such a file in `file`: the same bytes for the same registry. What
+/// is read from it again are the same keys and values, byte for byte.
+[[nodiscard]] platform::RegistryError WriteRegistryFile(platform::Registry& registry,
+                                                        std::vector<std::byte>& file);
+
+/// The code in words for the user, without a full stop.
+[[nodiscard]] std::string ExplainRegistryError(platform::RegistryError error);
+
+}  // namespace storage

@@ -1,0 +1,153 @@
+#include "storage/tag_store.h"
+
+#include <utility>
+
+#include "language/formatting.h"
+#include "storage/device_paths.h"
+#include "storage/registry_keys.h"
+
+namespace storage {
+
+using platform::FileError;
+using platform::RegistryError;
+using platform::RegistryType;
+using platform::RegistryValue;
+
+namespace {
+
+std::u16string EntryPath(std::u16string_view tagName) {
+  return std::u16string(kTagKey).append(u"\\").append(tagName);
+}
+
+/// Stores the text of a value in `text`. A value that is missing or no text leaves it empty.
+RegistryError ReadText(platform::RegistryKey& key, std::u16string_view valueName,
+                       std::u16string& text) {
+  RegistryValue value;
+  const RegistryError error = key.Query(valueName, value);
+  text = error == RegistryError::kNone ? TextOfValue(value) : std::u16string();
+  return error == RegistryError::kNotFound ? RegistryError::kNone : error;
+}
+
+/// Passes over folders.
+class FilesOnly final : public platform::FileSearch {
+ public:
+  explicit FilesOnly(std::unique_ptr<platform::FileSearch> search) : m_search(std::move(search)) {}
+
+  FileError Next(platform::FoundFile& found) override {
+    platform::FoundFile next;
+    do {
+      const FileError error = m_search->Next(next);
+      if (error != FileError::kNone) return error;
+    } while (next.isFolder);
+    found = std::move(next);
+    return FileError::kNone;
+  }
+
+ private:
+  std::unique_ptr<platform::FileSearch> m_search;
+};
+
+platform::StartedSearch FindFiles(platform::FileSystem& files, std::u16string_view pattern) {
+  platform::StartedSearch started = files.FindFirst(pattern);
+  if (!started.search) return started;
+  started.search = std::make_unique<FilesOnly>(std::move(started.search));
+  if (!started.first.isFolder) return started;
+  started.error = started.search->Next(started.first);
+  if (started.error == FileError::kNoMoreFiles) started.error = FileError::kNotFound;
+  if (started.error != FileError::kNone) started.search.reset();
+  return started;
+}
+
+}  // namespace
+
+bool TagNames::Get(std::uint32_t index, std::u16string& name) const {
+  std::u16string found;
+  if (m_key->EnumerateSubkey(index, found) != RegistryError::kNone) return false;
+  if (found.size() > kMaxLength) return false;
+  name = std::move(found);
+  return true;
+}
+
+RegistryError TagStore::WriteEntry(std::u16string_view tagName, std::int32_t oid,
+                                   std::u16string_view phoneType) const {
+  platform::RegistryGroup group(m_registry);
+  if (group.BeginError() != RegistryError::kNone) return group.BeginError();
+  const std::u16string path = EntryPath(tagName);
+  platform::OpenedKey entry = m_registry.OpenKey(path);
+  if (!entry.key) entry = m_registry.CreateKey(path);
+  if (!entry.key) return entry.error;
+  RegistryError error =
+      entry.key->Set(kContactValue, RegistryType::kString, ToTagValue(language::Decimal(oid)));
+  if (error != RegistryError::kNone) return error;
+  error = entry.key->Set(kPhoneTypeValue, RegistryType::kString, ToTagValue(phoneType));
+  if (error != RegistryError::kNone) return error;
+  return group.Commit();
+}
+
+std::unique_ptr<TagNames> TagStore::OpenNames() const {
+  platform::OpenedKey tags = m_registry.OpenKey(kTagKey);
+  return tags.key ? std::make_unique<TagNames>(std::move(tags.key)) : nullptr;
+}
+
+RegistryError TagStore::ReadEntry(std::u16string_view tagName, TagEntry& entry) const {
+  const platform::OpenedKey opened = m_registry.OpenKey(EntryPath(tagName));
+  if (!opened.key) return opened.error;
+  std::u16string contact;
+  std::u16string phoneType;
+  RegistryError error = ReadText(*opened.key, kContactValue, contact);
+  if (error != RegistryError::kNone) return error;
+  error = ReadText(*opened.key, kPhoneTypeValue, phoneType);
+  if (error != RegistryError::kNone) return error;
+  entry = {ParseOid(contact), std::move(phoneType)};
+  return RegistryError::kNone;
+}
+
+FileError TagStore::DeleteWaveFile(std::u16string_view tagName) const {
+  return m_files.Delete(WavePath(tagName));
+}
+
+FileError TagStore::DeleteTemplateFile(std::u16string_view tagName) const {
+  return m_files.Delete(TemplatePath(tagName));
+}
+
+RegistryError TagStore::DeleteEntry(std::u16string_view tagName) const {
+  return m_registry.DeleteKey(EntryPath(tagName));
+}
+
+TagDeletion TagStore::Delete(std::u16string_view tagName) const {
+  if (DeleteWaveFile(tagName) != FileError::kNone) return TagDeletion::kWaveFailed;
+  if (DeleteTemplateFile(tagName) != FileError::kNone) return TagDeletion::kTemplateFailed;
+  if (DeleteEntry(tagName) != RegistryError::kNone) return TagDeletion::kEntryFailed;
+  return TagDeletion::kDone;
+}
+
+RegistryError TagStore::DeleteAll(const std::function<void(DeletionProblem)>& report) const {
+  DeleteFiles(kWaveFolder, kWavePattern, report);
+  DeleteFiles(kTemplateFolder, kTemplatePattern, report);
+  return m_registry.DeleteKey(kTagKey);
+}
+
+platform::StartedSearch TagStore::FindRecordings() const {
+  return FindFiles(m_files, kWavePattern);
+}
+
+void TagStore::DeleteFiles(std::u16string_view folder, std::u16string_view pattern,
+                           const std::function<void(DeletionProblem)>& report) const {
+  platform::StartedSearch started = FindFiles(m_files, pattern);
+  if (!started.search) return;
+  FileError found = FileError::kNone;
+  while (found != FileError::kNoMoreFiles) {
+    if (found == FileError::kNone) {
+      const std::u16string path = std::u16string(folder).append(u"\\").append(started.first.name);
+      const FileError deleted = m_files.Delete(path);
+      // What another program deleted meanwhile is as it should be.
+      const bool isGone = deleted == FileError::kNone || deleted == FileError::kNotFound;
+      if (!isGone) report(DeletionProblem::kFileInUse);
+    } else {
+      report(DeletionProblem::kSearchFailed);
+    }
+    found = started.search->Next(started.first);
+  }
+}
+
+}  // namespace storage

@@ -1,0 +1,92 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "platform/file_system.h"
+#include "platform/registry.h"
+#include "storage/tag_entry.h"
+
+namespace storage {
+
+/// The names of the tags in the registry, in progress. Used by one thread.
+class TagNames {
+ public:
+  /// A longer subkey name ends the enumeration, as everything else does that hinders it.
+  static constexpr std::size_t kMaxLength = 30;
+
+  explicit TagNames(std::unique_ptr<platform::RegistryKey> key) : m_key(std::move(key)) {}
+
+  /// Stores the name at `index` (0-based) in `name`; false where the enumeration ends. While tags
+  /// are deleted, the next one moves into the index of the one that went.
+  [[nodiscard]] bool Get(std::uint32_t index, std::u16string& name) const;
+
+ private:
+  std::unique_ptr<platform::RegistryKey> m_key;
+};
+
+/// How far the deletion of a tag came. The steps before the one that failed were done.
+enum class TagDeletion : std::uint8_t {
+  kDone,
+  kWaveFailed,
+  kTemplateFailed,
+  kEntryFailed,
+};
+
+/// What hindered the deletion of all tags and did not end it.
+enum class DeletionProblem : std::uint8_t {
+  kFileInUse,     ///< A file could not be deleted.
+  kSearchFailed,  ///< The next file could not be found for another reason than that there is none.
+};
+
+/// The learned tags as the applet and the companion dialer share them: for each an entry in the
+/// registry, a recording and a template. The entries are the list of tags; files alone are none.
+/// Reports nothing to the user and keeps nothing in memory.
+class TagStore {
+ public:
+  TagStore(platform::FileSystem& files, platform::Registry& registry)
+      : m_files(files), m_registry(registry) {}
+
+  /// Writes the entry of a tag over an earlier one of that name, all of it or nothing. The last
+  /// step of making a tag: its recording and its template are there by then, and stay where this
+  /// fails.
+  [[nodiscard]] platform::RegistryError WriteEntry(std::u16string_view tagName, std::int32_t oid,
+                                                   std::u16string_view phoneType) const;
+
+  /// Null where there is no tag key or it cannot be opened: there are no tags then.
+  [[nodiscard]] std::unique_ptr<TagNames> OpenNames() const;
+
+  /// Stores what the registry says about a tag in `entry`. An error means that it could not be
+  /// asked, and nothing must be concluded; values that are missing or unusable are no error.
+  [[nodiscard]] platform::RegistryError ReadEntry(std::u16string_view tagName,
+                                                  TagEntry& entry) const;
+
+  // A file that is missing cannot be deleted either.
+  [[nodiscard]] platform::FileError DeleteWaveFile(std::u16string_view tagName) const;
+  [[nodiscard]] platform::FileError DeleteTemplateFile(std::u16string_view tagName) const;
+  [[nodiscard]] platform::RegistryError DeleteEntry(std::u16string_view tagName) const;
+
+  /// Deletes the recording, the template and the entry, in that order, up to the first failure.
+  [[nodiscard]] TagDeletion Delete(std::u16string_view tagName) const;
+
+  /// Deletes every recording and every template, of tags or not, and tells `report` of each problem
+  /// as it occurs; then deletes the tag key with every entry. Returns how the latter went.
+  [[nodiscard]] platform::RegistryError DeleteAll(
+      const std::function<void(DeletionProblem)>& report) const;
+
+  /// Searches the recordings, of tags or not; finds their file names, and no folders.
+  [[nodiscard]] platform::StartedSearch FindRecordings() const;
+
+ private:
+  void DeleteFiles(std::u16string_view folder, std::u16string_view pattern,
+                   const std::function<void(DeletionProblem)>& report) const;
+
+  platform::FileSystem& m_files;
+  platform::Registry& m_registry;
+};
+
+}  // namespace storage

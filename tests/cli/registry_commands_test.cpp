@@ -1,0 +1,127 @@
+#include <fstream>
+#include <iterator>
+
+#include "platform/sqlite/sqlite_registry.h"
+#include "storage/registry_file.h"
+#include "storage/utf16_bytes.h"
+#include "tests/cli/command_fixture.h"
+#include "tests/support/registry_access.h"
+
+namespace {
+
+using support::BytesOf;
+using support::KeyExists;
+using support::Utf16Bytes;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+const std::u16string kHeader = u"\xFEFFWindows Registry Editor Version 5.00\r\n";
+
+class RegistryCommands : public CommandFixture {
+ protected:
+  [[nodiscard]] sqlite::SqliteRegistry Registry() const {
+    return sqlite::SqliteRegistry(Path("root") + "/" + std::string(sqlite::kDatabaseName));
+  }
+
+  /// Writes a registry file; its path.
+  [[nodiscard]] std::string Put(const std::string& name, std::u16string_view text) const {
+    const auto bytes = storage::ToUtf16Bytes(text);
+    return PutBytes(name, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+  }
+
+  [[nodiscard]] std::string PutBytes(const std::string& name, std::string_view bytes) const {
+    std::ofstream(Path(name), std::ios::binary) << bytes;
+    return Path(name);
+  }
+
+  [[nodiscard]] static std::string Content(const std::string& path) {
+    std::ifstream stream(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+  }
+};
+
+}  // namespace
+
+TEST_F(RegistryCommands, WhatWasImportedIsInTheStore) {
+  const auto file =
+      Put("tags.reg", kHeader +
+                          u"\r\n[HKEY_LOCAL_MACHINE\\Software\\Zedra\\Zedra Voxtrel\\7]"
+                          u"\r\n\"contact\"=hex(1):2d,00,31,00\r\n");
+  const auto run = Run({"registry", "import", file});
+  EXPECT_EQ(run.exitCode, 0) << run.err;
+  EXPECT_THAT(run.out + run.err, IsEmpty());
+  auto registry = Registry();
+  EXPECT_EQ(BytesOf(registry, u"Software\\Zedra\\Zedra Voxtrel\\7", u"contact"), Utf16Bytes(u"-1"));
+}
+
+TEST_F(RegistryCommands, ANewStoreIsExportedAsTheInstallationLeavesIt) {
+  const auto run = Run({"registry", "export"});
+  ASSERT_EQ(run.exitCode, 0) << run.err;
+  const auto bytes = std::as_bytes(std::span(run.out));
+  EXPECT_EQ(storage::FromUtf16Bytes(bytes), kHeader +
+                                                u"\r\n[HKEY_LOCAL_MACHINE\\Software]\r\n"
+                                                u"\r\n[HKEY_LOCAL_MACHINE\\Software\\Zedra]\r\n"
+                                                u"\r\n[HKEY_LOCAL_MACHINE\\Software\\Zedra\\"
+                                                u"VoxtrelPEIni]\r\n");
+}
+
+TEST_F(RegistryCommands, WhatWasExportedAndImportedElsewhereIsTheSame) {
+  const auto file = Put("one.reg", kHeader +
+                                       u"[HKEY_LOCAL_MACHINE\\Größe]\r\n\"v\"=hex(1):61,00,00\r\n"
+                                       u"@=\"x\"\r\n\"n\"=dword:00000007\r\n");
+  ASSERT_EQ(Run({"registry", "import", file}).exitCode, 0);
+  ASSERT_EQ(Run({"registry", "export", Path("two.reg")}).exitCode, 0);
+  std::filesystem::remove_all(Path("root"));
+  ASSERT_EQ(Run({"registry", "import", Path("two.reg")}).exitCode, 0);
+  ASSERT_EQ(Run({"registry", "export", Path("three.reg")}).exitCode, 0);
+  EXPECT_EQ(Content(Path("two.reg")), Content(Path("three.reg")));
+  EXPECT_GT(Content(Path("two.reg")).size(), 200U);
+  EXPECT_EQ(Run({"registry", "export"}).out, Content(Path("two.reg")));
+}
+
+TEST_F(RegistryCommands, AMistakeIsToldWithItsLineAndChangesNothing) {
+  const auto file =
+      Put("bad.reg", kHeader + u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=hex:01\r\nnonsense\r\n");
+  const auto run = Run({"registry", "import", file});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.err, HasSubstr(file + ":4: this is neither"));
+  auto registry = Registry();
+  EXPECT_FALSE(KeyExists(registry, u"a"));
+}
+
+TEST_F(RegistryCommands, AFileInAnotherEncodingIsNamedAsSuch) {
+  const auto file = PutBytes("utf8.reg", "Windows Registry Editor Version 5.00\r\n");
+  const auto run = Run({"registry", "import", file});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.err, HasSubstr("save it as UTF-16LE"));
+}
+
+TEST_F(RegistryCommands, AFileThatIsNotThereCannotBeOpened) {
+  const auto run = Run({"registry", "import", Path("missing.reg")});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.err, HasSubstr("cannot be opened"));
+}
+
+TEST_F(RegistryCommands, ADamagedStoreIsToldAndKept) {
+  std::filesystem::create_directory(Path("root"));
+  const std::string damaged(5000, 'x');
+  const auto store = PutBytes("root/" + std::string(sqlite::kDatabaseName), damaged);
+  const auto file = Put("tags.reg", kHeader + u"[HKEY_LOCAL_MACHINE\\a]\r\n");
+  for (const auto& run : {Run({"registry", "import", file}), Run({"registry", "export"})}) {
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_THAT(run.err, HasSubstr("damaged"));
+    EXPECT_THAT(run.err, HasSubstr(store));
+    EXPECT_THAT(run.out, IsEmpty());
+  }
+  EXPECT_EQ(Content(store), damaged);
+}
+
+TEST_F(RegistryCommands, AnExportThatCannotBeWrittenLeavesTheEarlierOne) {
+  std::filesystem::create_directory(Path("full"));
+  const auto run = Run({"registry", "export", Path("full")});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.err, HasSubstr("cannot be written"));
+  EXPECT_FALSE(std::filesystem::exists(Path("full.new")));
+}
+
+TEST_F(RegistryCommands, ImportNeedsAFile) { EXPECT_EQ(Run({"registry", "import"}).exitCode, 2); }

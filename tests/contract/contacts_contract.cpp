@@ -1,0 +1,180 @@
+#include "tests/contract/contacts_contract.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <set>
+
+namespace contract {
+
+using platform::ContactLookup;
+using testing::ElementsAre;
+using testing::UnorderedElementsAre;
+
+namespace {
+
+WantedContact Named(const std::string& uid, std::u16string lastName) {
+  WantedContact contact;
+  contact.uid = uid;
+  contact.lastName = std::move(lastName);
+  contact.numbers[2] = u"555";
+  return contact;
+}
+
+std::u16string LastNameOf(platform::Contact& contact) {
+  std::u16string name;
+  EXPECT_TRUE(contact.GetLastName(name));
+  return name;
+}
+
+}  // namespace
+
+void ContactsContract::Open() {
+  ASSERT_TRUE(Store().Initialize());
+  ASSERT_TRUE(Store().Connect());
+  ASSERT_TRUE(Store().Logon());
+}
+
+std::unique_ptr<platform::Contact> ContactsContract::Item(std::int32_t index) {
+  platform::ContactItem item = Store().GetItem(index);
+  EXPECT_TRUE(item.ok);
+  return std::move(item.contact);
+}
+
+std::int32_t ContactsContract::OidOf(std::int32_t index) {
+  std::int32_t oid = 0;
+  EXPECT_TRUE(Item(index)->GetOid(oid));
+  return oid;
+}
+
+std::vector<std::u16string> ContactsContract::LastNames() {
+  std::vector<std::u16string> names;
+  for (std::int32_t i = 1; i <= Store().GetCount(); ++i) {
+    names.push_back(LastNameOf(*Item(i)));
+  }
+  return names;
+}
+
+std::int32_t ContactsContract::OidOfLastName(const std::u16string& name) {
+  const auto names = LastNames();
+  const auto found = std::find(names.begin(), names.end(), name);
+  EXPECT_NE(found, names.end());
+  return OidOf(static_cast<std::int32_t>(found - names.begin()) + 1);
+}
+
+TEST_P(ContactsContract, HoldsNobodyBeforeTheLogon) {
+  Source().Add(Named("a", u"Lee"));
+  EXPECT_EQ(Store().GetCount(), 0);
+  EXPECT_FALSE(Store().GetItem(1).ok);
+  std::unique_ptr<platform::Contact> contact;
+  EXPECT_EQ(Store().GetItemFromOid(1, contact), ContactLookup::kFailed);
+  EXPECT_EQ(contact, nullptr);
+}
+
+TEST_P(ContactsContract, CountsItemsFromOne) {
+  Source().Add(Named("a", u"Lee"));
+  Source().Add(Named("b", u"Ray"));
+  Open();
+  EXPECT_EQ(Store().GetCount(), 2);
+  EXPECT_THAT(LastNames(), UnorderedElementsAre(u"Lee", u"Ray"));
+  for (const std::int32_t index : {-1, 0, 3}) {
+    EXPECT_FALSE(Store().GetItem(index).ok) << index;
+  }
+}
+
+TEST_P(ContactsContract, GivesEveryPartOfAContact) {
+  WantedContact wanted = {"a", u"Jörg", u"李", u"Nuñez", u"Acme, Inc.; Sons", {}};
+  for (std::size_t i = 0; i < wanted.numbers.size(); ++i) {
+    wanted.numbers[i] = u"+1 555-" + std::u16string(1, static_cast<char16_t>(u'0' + i));
+  }
+  Source().Add(wanted);
+  Open();
+  const auto contact = Item(1);
+  std::u16string text;
+  EXPECT_TRUE(contact->GetFirstName(text));
+  EXPECT_EQ(text, wanted.firstName);
+  EXPECT_TRUE(contact->GetMiddleName(text));
+  EXPECT_EQ(text, wanted.middleName);
+  EXPECT_TRUE(contact->GetLastName(text));
+  EXPECT_EQ(text, wanted.lastName);
+  EXPECT_TRUE(contact->GetCompanyName(text));
+  EXPECT_EQ(text, wanted.companyName);
+  for (std::size_t i = 0; i < wanted.numbers.size(); ++i) {
+    EXPECT_TRUE(contact->GetNumber(static_cast<platform::PhoneNumberKind>(i), text));
+    EXPECT_EQ(text, wanted.numbers[i]);
+  }
+}
+
+TEST_P(ContactsContract, GivesAnEmptyTextForWhatAContactLacks) {
+  Source().Add(Named("a", u"Lee"));
+  Open();
+  const auto contact = Item(1);
+  for (auto getter : {&platform::Contact::GetFirstName, &platform::Contact::GetMiddleName,
+                      &platform::Contact::GetCompanyName}) {
+    std::u16string text = u"before";
+    EXPECT_TRUE((contact.get()->*getter)(text));
+    EXPECT_EQ(text, u"");
+  }
+  std::u16string number = u"before";
+  EXPECT_TRUE(contact->GetNumber(platform::PhoneNumberKind::kHome, number));
+  EXPECT_EQ(number, u"");
+}
+
+TEST_P(ContactsContract, FindsEachContactByANumberOfItsOwn) {
+  for (int i = 0; i < 20; ++i) {
+    Source().Add(Named("uid" + std::to_string(i),
+                       u"N" + std::u16string(1, static_cast<char16_t>(u'a' + i))));
+  }
+  Open();
+  std::set<std::int32_t> oids;
+  for (std::int32_t i = 1; i <= Store().GetCount(); ++i) {
+    const std::int32_t oid = OidOf(i);
+    EXPECT_NE(oid, 0);
+    oids.insert(oid);
+    std::unique_ptr<platform::Contact> found;
+    ASSERT_EQ(Store().GetItemFromOid(oid, found), ContactLookup::kFound);
+    EXPECT_EQ(LastNameOf(*found), LastNameOf(*Item(i)));
+  }
+  EXPECT_EQ(oids.size(), 20U);
+}
+
+TEST_P(ContactsContract, KeepsOrderAndNumbersOverALogoff) {
+  Source().Add(Named("a", u"Ray"));
+  Source().Add(Named("b", u"Lee"));
+  Source().Add(Named("c", u"Ann"));
+  Open();
+  const auto names = LastNames();
+  const std::vector<std::int32_t> oids = {OidOf(1), OidOf(2), OidOf(3)};
+  EXPECT_EQ(LastNames(), names);
+  Store().Logoff();
+  Open();
+  EXPECT_EQ(LastNames(), names);
+  EXPECT_THAT(oids, ElementsAre(OidOf(1), OidOf(2), OidOf(3)));
+}
+
+TEST_P(ContactsContract, TellsThatARemovedContactIsAbsent) {
+  Source().Add(Named("a", u"Lee"));
+  Source().Add(Named("b", u"Ray"));
+  Open();
+  const std::int32_t lee = OidOfLastName(u"Lee");
+  const std::int32_t ray = OidOfLastName(u"Ray");
+  Store().Logoff();
+  Source().Remove("a");
+  Open();
+  std::unique_ptr<platform::Contact> contact;
+  EXPECT_EQ(Store().GetItemFromOid(lee, contact), ContactLookup::kAbsent);
+  EXPECT_EQ(contact, nullptr);
+  EXPECT_EQ(Store().GetItemFromOid(ray, contact), ContactLookup::kFound);
+}
+
+TEST_P(ContactsContract, LeavesHandedOutContactsReadableAfterTheLogoff) {
+  Source().Add(Named("a", u"Lee"));
+  Open();
+  const auto contact = Item(1);
+  Store().Logoff();
+  EXPECT_EQ(Store().GetCount(), 0);
+  EXPECT_EQ(LastNameOf(*contact), u"Lee");
+  Store().Logoff();
+}
+
+}  // namespace contract

@@ -1,0 +1,27 @@
+#include "platform/headless/memory_registry.h"
+#include "tests/contract/registry_contract.h"
+
+namespace contract {
+
+namespace {
+
+class MemoryFixture final : public RegistryFixture {
+ public:
+  MemoryFixture(const std::vector<std::u16string>& initialKeys, std::chrono::milliseconds busyLimit)
+      : m_registry(initialKeys, busyLimit) {}
+
+  platform::Registry& Get() override { return m_registry; }
+
+ private:
+  headless::MemoryRegistry m_registry;
+};
+
+const RegistryBackEnd kMemory{"Memory", [](const auto& initialKeys, auto busyLimit) {
+                                return std::make_unique<MemoryFixture>(initialKeys, busyLimit);
+                              }};
+
+}  // namespace
+
+INSTANTIATE_TEST_SUITE_P(Headless, RegistryContract, testing::Values(kMemory), NameOf);
+
+}  // namespace contract

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <libebook/libebook.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "platform/ebook/glib_pointers.h"
+
+namespace ebook_test {
+
+/// An address book of the desktop session that the test runs in, through the server's own library.
+/// Every call fails the test where the server refuses.
+class DesktopBook {
+ public:
+  /// The book that every desktop has.
+  DesktopBook();
+
+  /// A new one, with its lasting name in ASCII.
+  explicit DesktopBook(const std::string& uid);
+
+  void Add(const std::vector<std::string>& vcards);
+  void Add(const std::function<void(EContact&)>& fillIn);
+  void Remove(const std::string& contactUid);
+  /// Switches the whole book on or off, as a user does in the desktop's settings.
+  void SetEnabled(bool isEnabled);
+
+ private:
+  void Connect();
+
+  ebook::ObjectPointer<ESourceRegistry> m_registry;
+  ebook::ObjectPointer<ESource> m_source;
+  ebook::ObjectPointer<EBookClient> m_client;
+};
+
+}  // namespace ebook_test

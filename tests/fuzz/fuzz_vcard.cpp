@@ -1,0 +1,76 @@
+// Reads arbitrary bytes as vCards: nothing in them may crash the parser, make it warn on the
+// standard error, or read otherwise when the bytes arrive in other pieces.
+
+#include <glib.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/ebook/card_mapping.h"
+#include "platform/ebook/identities.h"
+#include "platform/ebook/vcard_splitter.h"
+#include "tests/fuzz/require.h"
+
+namespace {
+
+struct Outcome {
+  std::vector<ebook::ContactData> contacts;
+  bool isDamaged = false;
+};
+
+Outcome Read(std::string_view stream, std::size_t pieceSize) {
+  Outcome outcome;
+  ebook::VcardSplitter splitter(
+      [&outcome](const std::string& card) { outcome.contacts.push_back(ebook::ParseCard(card)); });
+  while (!stream.empty()) {
+    const std::string_view piece = stream.substr(0, pieceSize);
+    splitter.Feed(piece);
+    stream.remove_prefix(piece.size());
+  }
+  splitter.Finish();
+  outcome.isDamaged = splitter.IsDamaged();
+  return outcome;
+}
+
+void RequireShownText(const std::u16string& text) {
+  Require(std::all_of(text.begin(), text.end(), [](char16_t c) { return c >= u' '; }),
+          "a text is on one line");
+  Require(text.empty() || (text.front() != u' ' && text.back() != u' '),
+          "a text has no blanks at its ends");
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
+  g_log_set_default_handler([](const char* /*domain*/, GLogLevelFlags /*level*/,
+                               const char* message, void* /*unused*/) { Require(false, message); },
+                            nullptr);
+  return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const std::string_view stream(reinterpret_cast<const char*>(data), size);
+  const Outcome whole = Read(stream, std::string_view::npos);
+  const Outcome pieces = Read(stream, 1 + size % 7);
+  Require(whole.isDamaged == pieces.isDamaged, "damage does not depend on the pieces");
+  const auto identities = ebook::IdentitiesOf(whole.contacts);
+  Require(identities == ebook::IdentitiesOf(pieces.contacts),
+          "contacts do not depend on the pieces");
+  auto sorted = identities;
+  std::sort(sorted.begin(), sorted.end());
+  Require(std::adjacent_find(sorted.begin(), sorted.end()) == sorted.end(),
+          "no two contacts are the same");
+  for (const ebook::ContactData& contact : whole.contacts) {
+    RequireShownText(contact.lastName);
+    RequireShownText(contact.firstName);
+    RequireShownText(contact.companyName);
+    for (const std::u16string& number : contact.numbers) {
+      RequireShownText(number);
+    }
+  }
+  return 0;
+}

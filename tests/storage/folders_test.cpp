@@ -1,0 +1,202 @@
+#include "storage/folders.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "language/language_table.h"
+#include "platform/headless/headless_process.h"
+#include "platform/headless/headless_ui.h"
+#include "platform/headless/memory_file_system.h"
+#include "storage/device_paths.h"
+#include "tests/support/failing_file_system.h"
+
+namespace storage {
+
+using platform::FileError;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+namespace {
+
+/// Files of another moment: what is there is not found yet.
+class NothingFound final : public platform::FileSystem {
+ public:
+  explicit NothingFound(platform::FileSystem& files) : m_files(files) {}
+
+  platform::OpenedFile Open(std::u16string_view path, const platform::OpenMode& mode) override {
+    return m_files.Open(path, mode);
+  }
+  FileError Delete(std::u16string_view path) override { return m_files.Delete(path); }
+  FileError Replace(std::u16string_view from, std::u16string_view to) override {
+    return m_files.Replace(from, to);
+  }
+  FileError CreateFolder(std::u16string_view path) override { return m_files.CreateFolder(path); }
+  platform::StartedSearch FindFirst(std::u16string_view) override {
+    return {nullptr, {}, FileError::kNotFound};
+  }
+
+ private:
+  platform::FileSystem& m_files;
+};
+
+class Folders : public testing::Test {
+ protected:
+  [[nodiscard]] bool Exists(std::u16string_view folder) {
+    const auto found = m_files.FindFirst(folder);
+    return found.error == FileError::kNone && found.first.isFolder;
+  }
+
+  void Make(std::u16string_view folder) {
+    ASSERT_EQ(m_files.CreateFolder(folder), FileError::kNone);
+  }
+
+  void MakeChain() {
+    Make(kProgramFilesFolder);
+    Make(kMakerFolder);
+    Make(kInstallFolder);
+  }
+
+  /// The rule over files of which call `call` fails, 0 for none.
+  [[nodiscard]] FolderRule Rule(std::size_t call = 0) {
+    if (call != 0) m_failing.FailCall(call, support::Failing::kOnce, FileError::kAccessDenied);
+    return {m_failing, m_ui, m_process, m_texts};
+  }
+
+  /// What ended the process: its one message, without a caption, and exit code 0.
+  void ExpectEndedWith(std::u16string_view text) const {
+    const auto messages = m_ui.GetMessages();
+    ASSERT_THAT(messages, SizeIs(1));
+    EXPECT_EQ(messages[0].box.text, text);
+    EXPECT_EQ(messages[0].box.captionKind, platform::MessageCaption::kNone);
+    EXPECT_EQ(messages[0].box.style, platform::MessageStyle::kOk);
+    EXPECT_EQ(m_process.GetExitCode(), 0);
+  }
+
+  void ExpectNothingShown() const {
+    EXPECT_THAT(m_ui.GetMessages(), IsEmpty());
+    EXPECT_FALSE(m_process.GetExitCode().has_value());
+  }
+
+  headless::MemoryFileSystem m_files;
+  support::FailingFileSystem m_failing{m_files};
+  headless::HeadlessUi m_ui;
+  headless::HeadlessProcess m_process;
+  language::Texts m_texts;
+};
+
+}  // namespace
+
+TEST_F(Folders, TheInstallFoldersAreMadeWhereTheyAreMissing) {
+  Make(kProgramFilesFolder);
+  CreateInstallFolders(m_files);
+  EXPECT_TRUE(Exists(kMakerFolder));
+  EXPECT_TRUE(Exists(kInstallFolder));
+  EXPECT_FALSE(Exists(kWaveFolder));
+  CreateInstallFolders(m_files);
+  EXPECT_TRUE(Exists(kInstallFolder));
+}
+
+TEST_F(Folders, TheInstallFoldersAreNotMadeBelowAFolderThatIsMissing) {
+  CreateInstallFolders(m_files);
+  EXPECT_FALSE(Exists(kProgramFilesFolder));
+}
+
+TEST_F(Folders, TheDataFoldersAreMadeBothEvenWhenOneFails) {
+  MakeChain();
+  m_failing.FailCall(1, support::Failing::kOnce);
+  CreateDataFolders(m_failing);
+  EXPECT_FALSE(Exists(kWaveFolder));
+  EXPECT_TRUE(Exists(kTemplateFolder));
+}
+
+TEST_F(Folders, WhereTheDataFolderExistsTheRuleOnlyLooks) {
+  MakeChain();
+  Make(kWaveFolder);
+  EXPECT_EQ(Rule().EnsureWaveFolder(), FolderResult::kReady);
+  EXPECT_EQ(m_failing.CountCalls(), 1U);
+  ExpectNothingShown();
+}
+
+TEST_F(Folders, TheRuleMakesTheWholeChain) {
+  EXPECT_EQ(Rule().EnsureWaveFolder(), FolderResult::kReady);
+  EXPECT_TRUE(Exists(kWaveFolder));
+  EXPECT_FALSE(Exists(kTemplateFolder));
+  EXPECT_EQ(Rule().EnsureTemplateFolder(), FolderResult::kReady);
+  EXPECT_TRUE(Exists(kTemplateFolder));
+  ExpectNothingShown();
+}
+
+TEST_F(Folders, TheRuleMakesWhatIsMissingOfTheChain) {
+  Make(kProgramFilesFolder);
+  EXPECT_EQ(Rule().EnsureTemplateFolder(), FolderResult::kReady);
+  EXPECT_TRUE(Exists(kTemplateFolder));
+  ExpectNothingShown();
+}
+
+TEST_F(Folders, AFileInThePlaceOfTheDataFolderCountsAsThere) {
+  MakeChain();
+  ASSERT_TRUE(m_files.PutFile(kWaveFolder, {}));
+  EXPECT_EQ(Rule().EnsureWaveFolder(), FolderResult::kReady);
+  ExpectNothingShown();
+}
+
+// With nothing there, the rule looks for the data folder, then looks for and makes each folder.
+TEST_F(Folders, EachFolderThatCannotBeMadeEndsTheProcessWithItsMessage) {
+  const struct {
+    std::size_t failingCall;
+    std::u16string_view text;
+  } cases[] = {
+      {3, u"Can't create \\Program Files"},
+      {5, u"Can't create \\Program Files\\Zedra Tech."},
+      {7, u"Can't create \\Program Files\\Zedra Tech.\\Zedra Voxtrel"},
+      {9, u"Can't create \\Program Files\\Zedra Tech.\\Zedra Voxtrel\\Voxtrel_wav"},
+  };
+  for (const auto& one : cases) {
+    headless::MemoryFileSystem files;
+    support::FailingFileSystem failing(files);
+    failing.FailCall(one.failingCall, support::Failing::kOnce, FileError::kAccessDenied);
+    headless::HeadlessUi ui;
+    headless::HeadlessProcess process;
+    EXPECT_EQ(FolderRule(failing, ui, process, {}).EnsureWaveFolder(), FolderResult::kEnded);
+    ASSERT_THAT(ui.GetMessages(), SizeIs(1));
+    EXPECT_EQ(ui.GetMessages()[0].box.text, one.text);
+    EXPECT_EQ(process.GetExitCode(), 0);
+    EXPECT_EQ(failing.CountCalls(), one.failingCall) << "nothing is done after the end";
+  }
+}
+
+TEST_F(Folders, TheTemplateFolderHasItsOwnMessage) {
+  MakeChain();
+  // One look at the folder, three at the chain, one more at the folder.
+  EXPECT_EQ(Rule(6).EnsureTemplateFolder(), FolderResult::kEnded);
+  ExpectEndedWith(u"Can't create \\Program Files\\Zedra Tech.\\Zedra Voxtrel\\Voxtrel_stor");
+}
+
+TEST_F(Folders, AFolderThatAnotherProgramMadeMeanwhileIsNoFailure) {
+  MakeChain();
+  Make(kWaveFolder);
+  NothingFound blind(m_files);
+  EXPECT_EQ(FolderRule(blind, m_ui, m_process, m_texts).EnsureWaveFolder(), FolderResult::kReady);
+  ExpectNothingShown();
+}
+
+TEST_F(Folders, WithALanguageFileTheMessageIsItsText) {
+  language::LanguageTable table;
+  const std::u16string file = u"\uFEFFID_S_MESSAGE_14 Kein Programmordner\r\nEND x\r\n";
+  const auto bytes = std::as_bytes(std::span(file));
+  ASSERT_TRUE(m_files.PutFile(u"\\Voxtrel.lng", bytes));
+  table.Load(m_files, u"\\Voxtrel.lng");
+  m_texts = language::Texts(&table);
+  EXPECT_EQ(Rule(3).EnsureWaveFolder(), FolderResult::kEnded);
+  ExpectEndedWith(u"Kein Programmordner");
+}
+
+TEST_F(Folders, AKeyThatTheLanguageFileLacksIsAnEmptyMessage) {
+  const language::LanguageTable table;
+  m_texts = language::Texts(&table);
+  EXPECT_EQ(Rule(3).EnsureWaveFolder(), FolderResult::kEnded);
+  ExpectEndedWith(u"");
+}
+
+}  // namespace storage

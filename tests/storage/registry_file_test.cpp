@@ -1,0 +1,430 @@
+#include "storage/registry_file.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "platform/headless/memory_registry.h"
+#include "storage/utf16_bytes.h"
+#include "tests/support/failing_registry.h"
+#include "tests/support/registry_access.h"
+
+namespace storage {
+
+using platform::RegistryError;
+using platform::RegistryType;
+using platform::RegistryValue;
+using support::BytesOf;
+using support::KeyExists;
+using support::Put;
+using support::SubkeyNames;
+using support::Utf16Bytes;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+namespace {
+
+const std::u16string kHeader = u"Windows Registry Editor Version 5.00\r\n";
+
+std::vector<std::byte> File(std::u16string_view text) {
+  return ToUtf16Bytes(std::u16string(1, u'\xFEFF').append(text));
+}
+
+std::vector<std::byte> Raw(std::string_view text) {
+  const auto bytes = std::as_bytes(std::span(text));
+  return {bytes.begin(), bytes.end()};
+}
+
+std::vector<std::byte> SomeBytes(std::initializer_list<int> values) {
+  std::vector<std::byte> bytes;
+  for (const int value : values) bytes.push_back(static_cast<std::byte>(value));
+  return bytes;
+}
+
+class RegistryFile : public testing::Test {
+ protected:
+  /// Imports the header and `body`.
+  void Import(std::u16string_view body) { ImportFile(File(kHeader + std::u16string(body))); }
+
+  void ImportFile(const std::vector<std::byte>& file) {
+    const auto parsed = ParseRegistryFile(file);
+    if (const auto* const error = std::get_if<RegistryFileError>(&parsed)) {
+      FAIL() << error->line << ": " << error->message;
+    }
+    const auto failed = ApplyRegistryChanges(m_registry, std::get<0>(parsed));
+    ASSERT_FALSE(failed) << failed->message;
+  }
+
+  /// What is wrong with the header and `body`.
+  [[nodiscard]] static RegistryFileError Refused(std::u16string_view body) {
+    return RefusedFile(File(kHeader + std::u16string(body)));
+  }
+
+  [[nodiscard]] static RegistryFileError RefusedFile(const std::vector<std::byte>& file) {
+    const auto parsed = ParseRegistryFile(file);
+    const auto* const error = std::get_if<RegistryFileError>(&parsed);
+    return error == nullptr ? RegistryFileError{999, "nothing"} : *error;
+  }
+
+  [[nodiscard]] RegistryValue Value(std::u16string_view key, std::u16string_view name) {
+    RegistryValue value;
+    const auto opened = m_registry.OpenKey(key);
+    EXPECT_TRUE(opened.key && opened.key->Query(name, value) == RegistryError::kNone);
+    return value;
+  }
+
+  [[nodiscard]] std::u16string Export() {
+    std::vector<std::byte> file;
+    EXPECT_EQ(WriteRegistryFile(m_registry, file), RegistryError::kNone);
+    const std::u16string text = FromUtf16Bytes(file);
+    EXPECT_TRUE(text.starts_with(u'\xFEFF' + kHeader));
+    return text.substr(1 + kHeader.size());
+  }
+
+  headless::MemoryRegistry m_registry;
+};
+
+}  // namespace
+
+using RegistryFileReading = RegistryFile;
+
+TEST_F(RegistryFileReading, TakesEachKindOfValue) {
+  Import(
+      u"\r\n[HKEY_LOCAL_MACHINE\\Software\\Zedra]\r\n"
+      u"\"text\"=\"Größe \\\"\\\\ end\"\r\n"
+      u"@=\"default\"\r\n"
+      u"\"number\"=dword:0000c0de\r\n"
+      u"\"bytes\"=hex:01,ff,00\r\n"
+      u"\"typed\"=hex(7):41,00\r\n"
+      u"\"none\"=hex(0):\r\n");
+  const std::u16string key = u"Software\\Zedra";
+  EXPECT_EQ(Value(key, u"text").type, RegistryType::kString);
+  EXPECT_EQ(Value(key, u"text").bytes, Utf16Bytes(std::u16string_view(u"Größe \"\\ end\0", 13)));
+  EXPECT_EQ(Value(key, u"").bytes, Utf16Bytes(std::u16string_view(u"default\0", 8)));
+  EXPECT_EQ(Value(key, u"number").type, RegistryType::kDword);
+  EXPECT_EQ(Value(key, u"number").bytes, SomeBytes({0xDE, 0xC0, 0, 0}));
+  EXPECT_EQ(Value(key, u"bytes").type, RegistryType::kBinary);
+  EXPECT_EQ(Value(key, u"bytes").bytes, SomeBytes({1, 0xFF, 0}));
+  EXPECT_EQ(Value(key, u"typed").type, static_cast<RegistryType>(7));
+  EXPECT_EQ(Value(key, u"none").type, RegistryType::kNone);
+  EXPECT_THAT(Value(key, u"none").bytes, IsEmpty());
+}
+
+TEST_F(RegistryFileReading, JoinsContinuedLinesOfBytes) {
+  Import(
+      u"[HKEY_LOCAL_MACHINE\\a]\r\n"
+      u"\"v\"=hex(1):01,02,\\\r\n  03,\\ \n\t04\r\n"
+      u"\"w\"=hex:\\\r\n  05\r\n");
+  EXPECT_EQ(Value(u"a", u"v").bytes, SomeBytes({1, 2, 3, 4}));
+  EXPECT_EQ(Value(u"a", u"w").bytes, SomeBytes({5}));
+}
+
+TEST_F(RegistryFileReading, PassesOverCommentsBlanksAndEmptyLines) {
+  Import(
+      u"\r\n ; a comment\r\n\t[HKEY_LOCAL_MACHINE\\a] \r\n;\r\n"
+      u" \"v\" = dword:1 ; one\r\n\"w\"=hex:02 ; two\r\n\"x\"=\"3\";three\r\n  ");
+  EXPECT_EQ(Value(u"a", u"v").bytes, SomeBytes({1, 0, 0, 0}));
+  EXPECT_EQ(Value(u"a", u"w").bytes, SomeBytes({2}));
+  EXPECT_EQ(Value(u"a", u"x").bytes, SomeBytes({'3', 0, 0, 0}));
+}
+
+TEST_F(RegistryFileReading, TakesLinesThatEndWithALineFeedAlone) {
+  ImportFile(
+      File(u"Windows Registry Editor Version 5.00\n\n[HKEY_LOCAL_MACHINE\\a]\n\"v\"=\"1\"\n"));
+  EXPECT_EQ(Value(u"a", u"v").bytes, SomeBytes({'1', 0, 0, 0}));
+}
+
+TEST_F(RegistryFileReading, ATextGoesOnOverLineEnds) {
+  Import(u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=\"one\r\ntwo\"\r\n\"w\"=\"3\"\r\n");
+  EXPECT_EQ(Value(u"a", u"v").bytes, Utf16Bytes(std::u16string_view(u"one\r\ntwo\0", 9)));
+  EXPECT_EQ(Value(u"a", u"w").bytes, SomeBytes({'3', 0, 0, 0}));
+}
+
+TEST_F(RegistryFileReading, TheLastLineNeedsNoEnd) {
+  Import(u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=hex:07");
+  EXPECT_EQ(Value(u"a", u"v").bytes, SomeBytes({7}));
+}
+
+TEST_F(RegistryFileReading, NamesOfKeysMayHoldBrackets) {
+  Import(u"[HKEY_LOCAL_MACHINE\\a]b [c]\\d]]\r\n");
+  EXPECT_TRUE(KeyExists(m_registry, u"a]b [c]\\d]"));
+}
+
+TEST_F(RegistryFileReading, TheRootIsNamedWithoutRegardToCase) {
+  Import(u"[hkey_local_machine]\r\n\"v\"=hex:07\r\n[HKEY_Local_Machine\\a]\r\n");
+  EXPECT_EQ(BytesOf(m_registry, u"", u"v"), SomeBytes({7}));
+  EXPECT_TRUE(KeyExists(m_registry, u"a"));
+}
+
+TEST_F(RegistryFileReading, DeletesKeysAndValues) {
+  Import(
+      u"[HKEY_LOCAL_MACHINE\\a\\b]\r\n\"v\"=hex:01\r\n\"w\"=hex:02\r\n@=\"x\"\r\n"
+      u"[HKEY_LOCAL_MACHINE\\c\\d]\r\n");
+  Import(u"[HKEY_LOCAL_MACHINE\\a\\b]\r\n\"V\"=-\r\n@=-\r\n[-HKEY_LOCAL_MACHINE\\c]\r\n");
+  EXPECT_THAT(support::ValueNames(*m_registry.OpenKey(u"a\\b").key), ElementsAre(u"w"));
+  EXPECT_FALSE(KeyExists(m_registry, u"c"));
+}
+
+TEST_F(RegistryFileReading, WhatIsToBeDeletedNeedNotBeThere) {
+  Import(u"[-HKEY_LOCAL_MACHINE\\a]\r\n[HKEY_LOCAL_MACHINE\\b]\r\n\"v\"=-\r\n");
+  EXPECT_THAT(SubkeyNames(m_registry, u""), ElementsAre(u"b"));
+}
+
+TEST_F(RegistryFileReading, AKeyCanBeDeletedAndMadeAgain) {
+  Import(u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=hex:01\r\n");
+  Import(
+      u"[HKEY_LOCAL_MACHINE\\a]\r\n\"w\"=hex:01\r\n[-HKEY_LOCAL_MACHINE\\a]\r\n"
+      u"[HKEY_LOCAL_MACHINE\\a]\r\n\"x\"=hex:01\r\n");
+  EXPECT_THAT(support::ValueNames(*m_registry.OpenKey(u"a").key), ElementsAre(u"x"));
+}
+
+TEST_F(RegistryFileReading, TheLongestValueIsTakenAndALongerOneIsNot) {
+  std::u16string bytes = u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=hex:00";
+  for (std::size_t i = 1; i < platform::kMaxValueBytes; ++i) bytes += u",00";
+  Import(bytes);
+  EXPECT_EQ(Value(u"a", u"v").bytes.size(), platform::kMaxValueBytes);
+  EXPECT_THAT(Refused(bytes + u",00").message, HasSubstr("too long"));
+}
+
+using RegistryFileRefusal = RegistryFile;
+
+TEST_F(RegistryFileRefusal, TellsTheLineOfEachMistake) {
+  const struct {
+    std::u16string_view body;
+    std::size_t line;
+    const char* message;
+  } cases[] = {
+      {u"\r\nnonsense\r\n", 3, "neither a key"},
+      {u"[HKEY_LOCAL_MACHINE\\a\r\n", 2, "must end with \"]\""},
+      {u"[HKEY_LOCAL_MACHINE\\a] x\r\n", 2, "must end with \"]\""},
+      {u"[HKEY_CURRENT_USER\\a]\r\n", 2, "only keys below"},
+      {u"[HKEY_LOCAL_MACHINEX\\a]\r\n", 2, "only keys below"},
+      {u"[]\r\n", 2, "only keys below"},
+      {u"[-]\r\n", 2, "only keys below"},
+      {u"[HKEY_LOCAL_MACHINE\\]\r\n", 2, "not the name of a key"},
+      {u"[HKEY_LOCAL_MACHINE\\a\\\\b]\r\n", 2, "not the name of a key"},
+      {u"[-HKEY_LOCAL_MACHINE]\r\n", 2, "cannot be deleted"},
+      {u"\"v\"=hex:01\r\n", 2, "before the first key"},
+      {u"[-HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=hex:01\r\n", 3, "key to be deleted"},
+      {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\r\n\r\n", 3, "not closed"},
+      {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"\r\n", 3, "\"=\" is missing"},
+      {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=\r\n", 3, "must be a string"},
+      {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=7\r\n", 3, "must be a string"},
+      {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=\"a\\n\"\r\n", 3, "\"\\\" in a text"},
+      {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=\"a\\", 3, "\"\\\" in a text"},
+      {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=\"a\r\nb\r\n", 3, "not closed"},
+      {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=\"a\" b\r\n", 3, "behind the value"},
+      {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=-1\r\n", 3, "behind the value"},
+      {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=dword:\r\n", 3, "one to eight"},
+      {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=dword:123456789\r\n", 3, "one to eight"},
+      {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=dword:12x\r\n", 3, "behind the value"},
+      {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=hex01\r\n", 3, "\"hex\" must be"},
+      {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=hex(x):01\r\n", 3, "\"hex\" must be"},
+      {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=hex(2:01\r\n", 3, "\"hex\" must be"},
+      {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=hex:123\r\n", 3, "a byte"},
+      {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=hex:01,\r\n", 3, "a byte"},
+      {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=hex:01,,02\r\n", 3, "a byte"},
+      {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=hex:01,\\\r\n\r\n", 4, "a byte"},
+      {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=hex:01,\\", 3, "a byte"},
+      {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=hex:01,\\ x\r\n", 3, "last of its line"},
+      {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=hex:01 02\r\n", 3, "behind the value"},
+  };
+  for (const auto& one : cases) {
+    const RegistryFileError error = Refused(one.body);
+    EXPECT_EQ(error.line, one.line) << one.message;
+    EXPECT_THAT(error.message, HasSubstr(one.message));
+  }
+}
+
+TEST_F(RegistryFileRefusal, NamesThatNoRegistryTakesAreMistakes) {
+  const std::u16string longName(platform::kMaxValueNameLength + 1, u'n');
+  EXPECT_EQ(Refused(u"[HKEY_LOCAL_MACHINE\\a]\r\n\"" + longName + u"\"=\"x\"").line, 3U);
+  const std::u16string zero(1, u'\0');
+  EXPECT_EQ(Refused(u"[HKEY_LOCAL_MACHINE\\a]\r\n\"" + zero + u"\"=\"x\"").line, 3U);
+  EXPECT_EQ(Refused(u"[HKEY_LOCAL_MACHINE\\a" + zero + u"]").line, 2U);
+  EXPECT_EQ(Refused(u"[HKEY_LOCAL_MACHINE\\" + longName.substr(0, 256) + u"]").line, 2U);
+}
+
+TEST_F(RegistryFileRefusal, TheHeaderMustBeThatOfVersionFive) {
+  for (const auto* const text :
+       {u"", u"\r\n", u"REGEDIT4\r\n", u"Windows Registry Editor Version 5.001\r\n",
+        u"windows registry editor version 5.00\r\n"}) {
+    EXPECT_EQ(RefusedFile(File(text)).line, 1U);
+  }
+}
+
+TEST_F(RegistryFileRefusal, AnotherEncodingIsNamed) {
+  const std::string header = "Windows Registry Editor Version 5.00\r\n";
+  EXPECT_THAT(RefusedFile(Raw("\xEF\xBB\xBF" + header)).message, HasSubstr("UTF-8"));
+  EXPECT_THAT(RefusedFile(Raw(header)).message, HasSubstr("UTF-16LE"));
+  EXPECT_THAT(RefusedFile(Raw("REGEDIT4\r\n")).message, HasSubstr("version 4"));
+  EXPECT_THAT(RefusedFile(Raw("\xFE\xFF")).message, HasSubstr("big-endian"));
+  EXPECT_THAT(RefusedFile(Raw("\xFF\xFEW")).message, HasSubstr("middle of a character"));
+  EXPECT_THAT(RefusedFile(Raw("")).message, HasSubstr("empty"));
+  EXPECT_THAT(RefusedFile(ToUtf16Bytes(kHeader)).message, HasSubstr("byte-order mark"));
+  EXPECT_EQ(RefusedFile(Raw(header)).line, 0U);
+}
+
+using RegistryFileImport = RegistryFile;
+
+TEST_F(RegistryFileImport, IsMadeWholeOrNotAtAll) {
+  const auto parsed = ParseRegistryFile(
+      File(kHeader + u"[-HKEY_LOCAL_MACHINE\\old]\r\n[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=hex:01\r\n"
+                     u"\"w\"=-\r\n[HKEY_LOCAL_MACHINE\\b]\r\n\"v\"=hex:02\r\n"));
+  const auto& changes = std::get<std::vector<RegistryChange>>(parsed);
+  std::size_t call = 1;
+  for (;; ++call) {
+    SCOPED_TRACE(call);
+    headless::MemoryRegistry registry({u"old"});
+    support::FailingRegistry failing(registry);
+    failing.FailCall(call, support::Failing::kOnce, RegistryError::kFull);
+    const auto failed = ApplyRegistryChanges(failing, changes);
+    if (!failing.HasFailed()) {
+      EXPECT_FALSE(failed);
+      EXPECT_THAT(SubkeyNames(registry, u""), ElementsAre(u"a", u"b"));
+      break;
+    }
+    ASSERT_TRUE(failed);
+    EXPECT_THAT(failed->message, HasSubstr("full"));
+    EXPECT_THAT(SubkeyNames(registry, u""), ElementsAre(u"old"));
+    ASSERT_EQ(registry.BeginGroup(), RegistryError::kNone) << "no group may stay open";
+    registry.CancelGroup();
+  }
+  EXPECT_GT(call, 6U);
+}
+
+TEST_F(RegistryFileImport, TellsTheLineThatCouldNotBeMade) {
+  const auto parsed =
+      ParseRegistryFile(File(kHeader + u"\r\n[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=hex:01\r\n"));
+  support::FailingRegistry failing(m_registry);
+  // The group, the key, the value.
+  failing.FailCall(3, support::Failing::kOnce, RegistryError::kReadOnly);
+  const auto failed = ApplyRegistryChanges(failing, std::get<0>(parsed));
+  ASSERT_TRUE(failed);
+  EXPECT_EQ(failed->line, 4U);
+  EXPECT_THAT(failed->message, HasSubstr("written"));
+}
+
+using RegistryFileWriting = RegistryFile;
+
+TEST_F(RegistryFileWriting, AnEmptyRegistryIsTheHeaderAlone) { EXPECT_EQ(Export(), u""); }
+
+TEST_F(RegistryFileWriting, WritesEachKeyWithItsValuesInTheirOrder) {
+  ASSERT_EQ(m_registry.CreateKey(u"b\\c").error, RegistryError::kNone);
+  ASSERT_EQ(support::PutText(m_registry, u"b", u"two", u"2"), RegistryError::kNone);
+  ASSERT_EQ(support::PutText(m_registry, u"b", u"", u"default"), RegistryError::kNone);
+  ASSERT_EQ(m_registry.CreateKey(u"a").error, RegistryError::kNone);
+  EXPECT_EQ(Export(),
+            u"\r\n[HKEY_LOCAL_MACHINE\\b]\r\n\"two\"=\"2\"\r\n@=\"default\"\r\n"
+            u"\r\n[HKEY_LOCAL_MACHINE\\b\\c]\r\n"
+            u"\r\n[HKEY_LOCAL_MACHINE\\a]\r\n");
+}
+
+TEST_F(RegistryFileWriting, TheRootIsWrittenForItsValuesOnly) {
+  ASSERT_EQ(Put(m_registry, u"", u"v", RegistryType::kBinary, SomeBytes({1})),
+            RegistryError::kNone);
+  EXPECT_EQ(Export(), u"\r\n[HKEY_LOCAL_MACHINE]\r\n\"v\"=hex:01\r\n");
+}
+
+TEST_F(RegistryFileWriting, ATextThatIsNotExactlyTextAndTerminatorIsWrittenAsBytes) {
+  const struct {
+    std::vector<std::byte> bytes;
+    std::u16string_view written;
+  } cases[] = {
+      {SomeBytes({'a', 0, 0, 0}), u"\"a\""},
+      {SomeBytes({0, 0}), u"\"\""},
+      {{}, u"hex(1):"},
+      {SomeBytes({'a', 0}), u"hex(1):61,00"},
+      {SomeBytes({'a', 0, 0, 0, 0, 0}), u"hex(1):61,00,00,00,00,00"},
+      {SomeBytes({'a', 0, 0}), u"hex(1):61,00,00"},
+      {SomeBytes({'\n', 0, 0, 0}), u"hex(1):0a,00,00,00"},
+      {SomeBytes({0x7F, 0, 0, 0}), u"hex(1):7f,00,00,00"},
+      {SomeBytes({0xFF, 0xFE, 0, 0}), u"hex(1):ff,fe,00,00"},
+      {SomeBytes({0, 0xD8, 0, 0}), u"hex(1):00,d8,00,00"},
+      {SomeBytes({0, 0xDC, 0, 0}), u"hex(1):00,dc,00,00"},
+      {SomeBytes({0, 0xD8, 0, 0xDC, 0, 0}), u"\"\xD800\xDC00\""},
+  };
+  for (const auto& one : cases) {
+    ASSERT_EQ(Put(m_registry, u"a", u"v", RegistryType::kString, one.bytes), RegistryError::kNone);
+    EXPECT_EQ(Export(),
+              u"\r\n[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=" + std::u16string(one.written) + u"\r\n");
+  }
+}
+
+TEST_F(RegistryFileWriting, ANumberIsOneOnlyWithItsFourBytes) {
+  ASSERT_EQ(Put(m_registry, u"a", u"v", RegistryType::kDword, SomeBytes({0xDE, 0xC0, 0, 0x10})),
+            RegistryError::kNone);
+  ASSERT_EQ(Put(m_registry, u"a", u"w", RegistryType::kDword, SomeBytes({1})),
+            RegistryError::kNone);
+  EXPECT_EQ(Export(),
+            u"\r\n[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=dword:1000c0de\r\n\"w\"=hex(4):01\r\n");
+}
+
+TEST_F(RegistryFileWriting, TypesAreWrittenInHexadecimal) {
+  ASSERT_EQ(Put(m_registry, u"a", u"v", static_cast<RegistryType>(0xFFFF0012), SomeBytes({1})),
+            RegistryError::kNone);
+  ASSERT_EQ(Put(m_registry, u"a", u"w", RegistryType::kNone, {}), RegistryError::kNone);
+  EXPECT_EQ(Export(),
+            u"\r\n[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=hex(ffff0012):01\r\n\"w\"=hex(0):\r\n");
+}
+
+TEST_F(RegistryFileWriting, LongValuesAreContinuedBeforeTheEightiethColumn) {
+  ASSERT_EQ(Put(m_registry, u"a", u"contact", RegistryType::kString, std::vector<std::byte>(100)),
+            RegistryError::kNone);
+  const std::u16string text = Export();
+  std::size_t lines = 0;
+  for (std::size_t start = 0; start < text.size(); ++lines) {
+    const std::size_t end = text.find(u"\r\n", start);
+    EXPECT_LT(end - start, 80U);
+    start = end + 2;
+  }
+  EXPECT_EQ(lines, 2U + 5U);
+}
+
+TEST_F(RegistryFileWriting, AFailureGivesNoFile) {
+  ASSERT_EQ(support::PutText(m_registry, u"a\\b", u"v", u"1"), RegistryError::kNone);
+  support::FailingRegistry failing(m_registry);
+  for (std::size_t call = 1;; ++call) {
+    failing.FailCall(call, support::Failing::kOnce, RegistryError::kBusy);
+    std::vector<std::byte> file;
+    const RegistryError error = WriteRegistryFile(failing, file);
+    if (!failing.HasFailed()) {
+      EXPECT_EQ(error, RegistryError::kNone);
+      EXPECT_GT(call, 5U);
+      break;
+    }
+    EXPECT_EQ(error, RegistryError::kBusy);
+    EXPECT_THAT(file, IsEmpty());
+  }
+}
+
+TEST_F(RegistryFileWriting, WhatIsReadAgainIsTheSameRegistry) {
+  const std::u16string oddKey = u"] [x\\a;b\\\"q\" = @";
+  const std::vector<std::u16string> oddNames{
+      u"", u"@", u"\"quoted\\\"", u"line\r\nend\tx\n", u"=hex:01", u"\xD800", u"Größe"};
+  for (const std::u16string& name : oddNames) {
+    for (const std::u16string_view suffix : {u"s", u"b", u"n"}) {
+      const auto type = static_cast<RegistryType>(suffix[0]);
+      ASSERT_EQ(
+          Put(m_registry, oddKey + u"\\" + std::u16string(suffix), name, type, Utf16Bytes(name)),
+          RegistryError::kNone);
+      ASSERT_EQ(Put(m_registry, oddKey, name + std::u16string(suffix), RegistryType::kString,
+                    Utf16Bytes(name + u'\0')),
+                RegistryError::kNone);
+    }
+  }
+  std::vector<std::byte> file;
+  ASSERT_EQ(WriteRegistryFile(m_registry, file), RegistryError::kNone);
+  headless::MemoryRegistry copy;
+  const auto parsed = ParseRegistryFile(file);
+  ASSERT_EQ(parsed.index(), 0U) << std::get<1>(parsed).line << std::get<1>(parsed).message;
+  ASSERT_FALSE(ApplyRegistryChanges(copy, std::get<0>(parsed)));
+  std::vector<std::byte> again;
+  ASSERT_EQ(WriteRegistryFile(copy, again), RegistryError::kNone);
+  EXPECT_EQ(again, file);
+  for (const std::u16string& name : oddNames) {
+    EXPECT_EQ(BytesOf(copy, oddKey + u"\\b", name), Utf16Bytes(name));
+  }
+}
+
+}  // namespace storage

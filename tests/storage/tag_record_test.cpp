@@ -1,0 +1,156 @@
+#include "storage/tag_record.h"
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <memory>
+#include <utility>
+
+namespace storage {
+
+namespace {
+
+const std::u16string kPair{char16_t{0xD83D}, char16_t{0xDE00}};
+
+std::unique_ptr<TagTable> TableOf(std::int32_t count) {
+  auto table = std::make_unique<TagTable>();
+  for (std::int32_t i = 0; i < count; ++i) {
+    table->GetRecord(i)->SetTagName(TagNameOfTickCount(static_cast<std::uint32_t>(i)));
+    table->GetRecord(i)->SetDisplayText(u"text " +
+                                        TagNameOfTickCount(static_cast<std::uint32_t>(i)));
+  }
+  table->tagCount = count;
+  return table;
+}
+
+}  // namespace
+
+TEST(TagRecord, IsEmptyAtFirst) {
+  const TagRecord record;
+  EXPECT_EQ(record.GetTagName(), u"");
+  EXPECT_EQ(record.GetDisplayText(), u"");
+}
+
+TEST(TagRecord, HoldsItsFieldsInOrderWithNothingBetween) {
+  static_assert(sizeof(TagRecord) == (20 + 128) * sizeof(char16_t));
+  static_assert(offsetof(TagRecord, tagName) == 0);
+  static_assert(offsetof(TagRecord, displayText) == 20 * sizeof(char16_t));
+}
+
+TEST(TagRecord, KeepsANameThatLeavesRoomForTheTerminator) {
+  TagRecord record;
+  record.SetTagName(std::u16string(19, u'1'));
+  EXPECT_EQ(record.GetTagName(), std::u16string(19, u'1'));
+  EXPECT_EQ(record.tagName.back(), u'\0');
+}
+
+TEST(TagRecord, CutsALongerNameThere) {
+  TagRecord record;
+  record.SetTagName(std::u16string(30, u'1'));
+  EXPECT_EQ(record.GetTagName(), std::u16string(19, u'1'));
+}
+
+TEST(TagRecord, CutsATextAt127Units) {
+  TagRecord record;
+  record.SetDisplayText(std::u16string(127, u'x'));
+  EXPECT_EQ(record.GetDisplayText().size(), 127U);
+  record.SetDisplayText(std::u16string(128, u'x'));
+  EXPECT_EQ(record.GetDisplayText().size(), 127U);
+  EXPECT_EQ(record.displayText.back(), u'\0');
+}
+
+TEST(TagRecord, NeverCutsBetweenTheTwoUnitsOfOneCharacter) {
+  TagRecord record;
+  record.SetDisplayText(std::u16string(126, u'x') + kPair);
+  EXPECT_EQ(record.GetDisplayText(), std::u16string(126, u'x'));
+  record.SetDisplayText(std::u16string(125, u'x') + kPair + u"y");
+  EXPECT_EQ(record.GetDisplayText(), std::u16string(125, u'x') + kPair);
+}
+
+TEST(TagRecord, CutsBesideAUnitThatIsHalfOfNothing) {
+  TagRecord record;
+  const std::u16string lone(1, char16_t{0xD83D});
+  record.SetDisplayText(std::u16string(126, u'x') + lone + u"y");
+  EXPECT_EQ(record.GetDisplayText(), std::u16string(126, u'x') + lone);
+}
+
+TEST(TagRecord, AShorterTextLeavesNothingOfALongerOne) {
+  TagRecord record;
+  record.SetDisplayText(u"a longer text");
+  record.SetDisplayText(u"short");
+  EXPECT_EQ(record.GetDisplayText(), u"short");
+  EXPECT_EQ(record.displayText[6], u'\0');
+}
+
+TEST(TagRecord, ATextEndsAtItsFirstZero) {
+  TagRecord record;
+  record.SetDisplayText(std::u16string_view(u"ab\0cd", 5));
+  EXPECT_EQ(record.GetDisplayText(), u"ab");
+  EXPECT_EQ(record.displayText[3], u'\0');
+}
+
+TEST(TagTable, HasRoomForExactlyOneHundred) {
+  TagTable table;
+  EXPECT_EQ(table.tagCount, 0);
+  EXPECT_NE(table.GetRecord(0), nullptr);
+  EXPECT_NE(table.GetRecord(99), nullptr);
+  EXPECT_EQ(table.GetRecord(100), nullptr);
+  EXPECT_EQ(table.GetRecord(-1), nullptr);
+  EXPECT_EQ(std::as_const(table).GetRecord(100), nullptr);
+}
+
+TEST(TagTable, RemovingARecordMovesTheLaterOnesDown) {
+  const auto table = TableOf(4);
+  table->Remove(1);
+  EXPECT_EQ(table->tagCount, 3);
+  EXPECT_EQ(table->GetRecord(0)->GetTagName(), u"0");
+  EXPECT_EQ(table->GetRecord(1)->GetTagName(), u"2");
+  EXPECT_EQ(table->GetRecord(1)->GetDisplayText(), u"text 2");
+  EXPECT_EQ(table->GetRecord(2)->GetTagName(), u"3");
+  EXPECT_EQ(table->GetRecord(3)->GetTagName(), u"");
+}
+
+TEST(TagTable, RemovingFromAFullTableEmptiesTheLastPlace) {
+  const auto table = TableOf(TagTable::kCapacity);
+  table->Remove(99);
+  EXPECT_EQ(table->GetRecord(98)->GetTagName(), u"98");
+  EXPECT_EQ(table->GetRecord(99)->GetTagName(), u"");
+  table->tagCount = TagTable::kCapacity;
+  table->Remove(0);
+  EXPECT_EQ(table->GetRecord(0)->GetTagName(), u"1");
+  EXPECT_EQ(table->GetRecord(99)->GetTagName(), u"");
+}
+
+TEST(TagTable, ARecordThatIsNotThereCannotBeRemoved) {
+  const auto table = TableOf(2);
+  table->Remove(2);
+  table->Remove(-1);
+  table->Remove(TagTable::kCapacity);
+  EXPECT_EQ(table->tagCount, 2);
+  EXPECT_EQ(table->GetRecord(1)->GetTagName(), u"1");
+}
+
+TEST(TagTable, ACountBeyondTheRoomIsNoRecord) {
+  const auto table = TableOf(TagTable::kCapacity);
+  table->tagCount = 150;
+  table->Remove(120);
+  EXPECT_EQ(table->tagCount, 150);
+  table->Remove(99);
+  EXPECT_EQ(table->tagCount, 149);
+}
+
+TEST(TagTable, ClearingEmptiesEveryRecord) {
+  const auto table = TableOf(3);
+  table->Clear();
+  EXPECT_EQ(table->tagCount, 0);
+  EXPECT_EQ(table->GetRecord(0)->GetTagName(), u"");
+}
+
+TEST(TagNameOfTickCount, IsTheSignedDecimalTextWithoutPadding) {
+  EXPECT_EQ(TagNameOfTickCount(0), u"0");
+  EXPECT_EQ(TagNameOfTickCount(2147483647), u"2147483647");
+  EXPECT_EQ(TagNameOfTickCount(2147483648U), u"-2147483648");
+  EXPECT_EQ(TagNameOfTickCount(4294967295U), u"-1");
+}
+
+}  // namespace storage

@@ -1,0 +1,421 @@
+#include "storage/tag_store.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "platform/headless/memory_file_system.h"
+#include "platform/headless/memory_registry.h"
+#include "storage/device_paths.h"
+#include "storage/registry_keys.h"
+#include "tests/support/failing_file_system.h"
+#include "tests/support/failing_registry.h"
+#include "tests/support/registry_access.h"
+
+namespace storage {
+
+using platform::FileError;
+using platform::RegistryError;
+using platform::RegistryType;
+using support::BytesOf;
+using support::Failing;
+using support::KeyExists;
+using support::Put;
+using support::PutText;
+using support::SubkeyNames;
+using support::Utf16Bytes;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::UnorderedElementsAre;
+
+namespace {
+
+std::u16string EntryPath(std::u16string_view tagName) {
+  return std::u16string(kTagKey) + u"\\" + std::u16string(tagName);
+}
+
+class TagStoreTest : public testing::Test {
+ protected:
+  void PutFiles(std::u16string_view tagName) {
+    ASSERT_TRUE(m_files.PutFile(WavePath(tagName), {}));
+    ASSERT_TRUE(m_files.PutFile(TemplatePath(tagName), {}));
+  }
+
+  void PutTag(std::u16string_view tagName, std::int32_t oid = 1,
+              std::u16string_view phoneType = u"Mobile") {
+    PutFiles(tagName);
+    ASSERT_EQ(m_store.WriteEntry(tagName, oid, phoneType), RegistryError::kNone);
+  }
+
+  [[nodiscard]] std::vector<std::u16string> Names() const {
+    std::vector<std::u16string> names;
+    const auto tags = m_store.OpenNames();
+    std::u16string name;
+    for (std::uint32_t i = 0; tags && tags->Get(i, name); ++i) names.push_back(name);
+    return names;
+  }
+
+  [[nodiscard]] TagEntry Read(std::u16string_view tagName) const {
+    TagEntry entry;
+    EXPECT_EQ(m_store.ReadEntry(tagName, entry), RegistryError::kNone);
+    return entry;
+  }
+
+  [[nodiscard]] std::vector<DeletionProblem> DeleteAll(RegistryError expected) const {
+    std::vector<DeletionProblem> problems;
+    EXPECT_EQ(m_store.DeleteAll([&](DeletionProblem problem) { problems.push_back(problem); }),
+              expected);
+    return problems;
+  }
+
+  /// Keeps a file open, as another program does.
+  [[nodiscard]] std::unique_ptr<platform::File> Hold(std::u16string_view path) {
+    return m_files.Open(path, {}).file;
+  }
+
+  headless::MemoryFileSystem m_files;
+  support::FailingFileSystem m_failingFiles{m_files};
+  headless::MemoryRegistry m_registry;
+  support::FailingRegistry m_failingRegistry{m_registry};
+  TagStore m_store{m_failingFiles, m_failingRegistry};
+};
+
+}  // namespace
+
+using TagStoreEntries = TagStoreTest;
+
+TEST_F(TagStoreEntries, AnEntryHoldsTwoTextsOfOneHundredBytes) {
+  ASSERT_EQ(m_store.WriteEntry(u"4711", -17, u"BusinessFax"), RegistryError::kNone);
+  const auto key = m_registry.OpenKey(u"Software\\Zedra\\Zedra Voxtrel\\4711").key;
+  ASSERT_NE(key, nullptr);
+  EXPECT_THAT(support::ValueNames(*key), ElementsAre(u"contact", u"phone type"));
+  for (const auto& [name, text] :
+       {std::pair{u"contact", u"-17"}, std::pair{u"phone type", u"BusinessFax"}}) {
+    platform::RegistryValue value;
+    ASSERT_EQ(key->Query(name, value), RegistryError::kNone);
+    auto expected = Utf16Bytes(text);
+    expected.resize(100);
+    EXPECT_EQ(value.type, RegistryType::kString);
+    EXPECT_EQ(value.bytes, expected);
+  }
+}
+
+TEST_F(TagStoreEntries, EveryOidIsReadBackAsItWasWritten) {
+  for (const std::int32_t oid : {1, -1, 0, 2147483647, -2147483647 - 1}) {
+    ASSERT_EQ(m_store.WriteEntry(u"4711", oid, u"Car"), RegistryError::kNone);
+    EXPECT_EQ(Read(u"4711").oid, oid);
+  }
+}
+
+TEST_F(TagStoreEntries, ASecondEntryOfTheSameNameOverwritesTheFirst) {
+  ASSERT_EQ(m_store.WriteEntry(u"4711", 1, u"BusinessFax"), RegistryError::kNone);
+  ASSERT_EQ(m_store.WriteEntry(u"4711", 2, u"Car"), RegistryError::kNone);
+  EXPECT_THAT(Names(), ElementsAre(u"4711"));
+  EXPECT_EQ(Read(u"4711").oid, 2);
+  EXPECT_EQ(BytesOf(m_registry, EntryPath(u"4711"), u"phone type"), ToTagValue(u"Car"))
+      << "nothing of the longer word may stay behind the terminator";
+}
+
+TEST_F(TagStoreEntries, AnUnknownPhoneTypeIsKeptAndReadBack) {
+  ASSERT_EQ(m_store.WriteEntry(u"4711", 1, u"Pager"), RegistryError::kNone);
+  EXPECT_EQ(Read(u"4711").phoneType, u"Pager");
+}
+
+TEST_F(TagStoreEntries, APhoneTypeLongerThanItsValueIsCut) {
+  ASSERT_EQ(m_store.WriteEntry(u"4711", 1, std::u16string(99, u'x')), RegistryError::kNone);
+  EXPECT_EQ(Read(u"4711").phoneType, std::u16string(49, u'x'));
+}
+
+TEST_F(TagStoreEntries, AnEntryIsWrittenWholeOrNotAtAll) {
+  std::size_t call = 1;
+  for (;; ++call) {
+    SCOPED_TRACE(call);
+    m_failingRegistry.FailCall(call, Failing::kOnce, RegistryError::kFull);
+    const RegistryError error = m_store.WriteEntry(u"4711", 1, u"Car");
+    if (!m_failingRegistry.HasFailed()) {
+      EXPECT_EQ(error, RegistryError::kNone);
+      break;
+    }
+    EXPECT_EQ(error, RegistryError::kFull);
+    EXPECT_FALSE(KeyExists(m_registry, EntryPath(u"4711")));
+    ASSERT_EQ(m_registry.BeginGroup(), RegistryError::kNone) << "no group may stay open";
+    m_registry.CancelGroup();
+  }
+  EXPECT_GT(call, 4U);
+}
+
+TEST_F(TagStoreEntries, AFailedWriteLeavesTheEarlierEntry) {
+  ASSERT_EQ(m_store.WriteEntry(u"4711", 1, u"Car"), RegistryError::kNone);
+  // The group, the key, the first value: the second one fails.
+  m_failingRegistry.FailCall(4, Failing::kOnce, RegistryError::kFull);
+  EXPECT_EQ(m_store.WriteEntry(u"4711", 2, u"Home"), RegistryError::kFull);
+  EXPECT_EQ(Read(u"4711").oid, 1);
+  EXPECT_EQ(Read(u"4711").phoneType, u"Car");
+}
+
+TEST_F(TagStoreEntries, ValuesWithoutATerminatorAreReadWhole) {
+  const auto put = [&](std::u16string_view name, std::u16string_view text) {
+    ASSERT_EQ(Put(m_registry, EntryPath(u"1"), name, RegistryType::kString, Utf16Bytes(text)),
+              RegistryError::kNone);
+  };
+  put(u"contact", u"-2147483648");
+  put(u"phone type", u"Assistant");
+  EXPECT_EQ(Read(u"1").oid, -2147483647 - 1);
+  EXPECT_EQ(Read(u"1").phoneType, u"Assistant");
+}
+
+TEST_F(TagStoreEntries, EmptyValuesNameNoContactAndNoType) {
+  for (const auto* const name : {u"contact", u"phone type"}) {
+    ASSERT_EQ(Put(m_registry, EntryPath(u"1"), name, RegistryType::kString, {}),
+              RegistryError::kNone);
+  }
+  EXPECT_EQ(Read(u"1").oid, std::nullopt);
+  EXPECT_EQ(Read(u"1").phoneType, u"");
+}
+
+TEST_F(TagStoreEntries, ValuesOfAnotherTypeNameNoContactAndNoType) {
+  for (const auto* const name : {u"contact", u"phone type"}) {
+    ASSERT_EQ(Put(m_registry, EntryPath(u"1"), name, RegistryType::kDword, Utf16Bytes(u"17")),
+              RegistryError::kNone);
+  }
+  EXPECT_EQ(Read(u"1").oid, std::nullopt);
+  EXPECT_EQ(Read(u"1").phoneType, u"");
+}
+
+TEST_F(TagStoreEntries, ASubkeyWithoutValuesNamesNoContactAndNoType) {
+  ASSERT_EQ(m_registry.CreateKey(EntryPath(u"1")).error, RegistryError::kNone);
+  EXPECT_THAT(Names(), ElementsAre(u"1"));
+  EXPECT_EQ(Read(u"1").oid, std::nullopt);
+  EXPECT_EQ(Read(u"1").phoneType, u"");
+}
+
+TEST_F(TagStoreEntries, OneValueThatIsMissingDoesNotHideTheOther) {
+  ASSERT_EQ(PutText(m_registry, EntryPath(u"1"), u"contact", u"17"), RegistryError::kNone);
+  EXPECT_EQ(Read(u"1").oid, 17);
+  EXPECT_EQ(Read(u"1").phoneType, u"");
+}
+
+TEST_F(TagStoreEntries, AnEntryThatIsNotThereIsNotFound) {
+  TagEntry entry{17, u"Car"};
+  EXPECT_EQ(m_store.ReadEntry(u"4711", entry), RegistryError::kNotFound);
+  EXPECT_EQ(entry.oid, 17) << "the output is left alone";
+}
+
+TEST_F(TagStoreEntries, ARegistryThatCannotBeAskedIsAnErrorAndNotAnEntryWithoutContact) {
+  ASSERT_EQ(m_store.WriteEntry(u"4711", 17, u"Car"), RegistryError::kNone);
+  for (const std::size_t call : {1U, 2U, 3U}) {
+    m_failingRegistry.FailCall(call, Failing::kOnce, RegistryError::kBusy);
+    TagEntry entry;
+    EXPECT_EQ(m_store.ReadEntry(u"4711", entry), RegistryError::kBusy);
+  }
+}
+
+TEST_F(TagStoreEntries, AnEmptyTagNameNeverMeansTheWholeKey) {
+  PutTag(u"1");
+  EXPECT_EQ(m_store.DeleteEntry(u""), RegistryError::kInvalid);
+  EXPECT_EQ(m_store.WriteEntry(u"", 1, u"Car"), RegistryError::kInvalid);
+  EXPECT_THAT(Names(), ElementsAre(u"1"));
+}
+
+using TagStoreNames = TagStoreTest;
+
+TEST_F(TagStoreNames, WithoutATagKeyThereAreNone) { EXPECT_EQ(m_store.OpenNames(), nullptr); }
+
+TEST_F(TagStoreNames, WithoutASubkeyThereAreNone) {
+  ASSERT_EQ(m_registry.CreateKey(kTagKey).error, RegistryError::kNone);
+  ASSERT_NE(m_store.OpenNames(), nullptr);
+  EXPECT_THAT(Names(), IsEmpty());
+}
+
+TEST_F(TagStoreNames, ComeInTheOrderInWhichTheTagsWereMade) {
+  for (const auto* const name : {u"300", u"-100", u"200"}) PutTag(name);
+  EXPECT_THAT(Names(), ElementsAre(u"300", u"-100", u"200"));
+}
+
+TEST_F(TagStoreNames, WhileTagsAreDeletedTheNextOneMovesIntoTheirIndex) {
+  for (const auto* const name : {u"1", u"2", u"3"}) PutTag(name);
+  const auto tags = m_store.OpenNames();
+  std::u16string name;
+  ASSERT_TRUE(tags->Get(0, name));
+  ASSERT_EQ(m_store.Delete(name), TagDeletion::kDone);
+  ASSERT_TRUE(tags->Get(0, name));
+  EXPECT_EQ(name, u"2");
+  ASSERT_TRUE(tags->Get(1, name));
+  EXPECT_EQ(name, u"3");
+  EXPECT_FALSE(tags->Get(2, name));
+}
+
+TEST_F(TagStoreNames, OfThirtyCharactersAreAccepted) {
+  const std::u16string longest(30, u'1');
+  PutTag(longest);
+  PutTag(u"2");
+  EXPECT_THAT(Names(), ElementsAre(longest, u"2"));
+}
+
+TEST_F(TagStoreNames, OfThirtyOneCharactersEndTheEnumeration) {
+  PutTag(u"1");
+  PutTag(std::u16string(31, u'1'));
+  PutTag(u"2");
+  EXPECT_THAT(Names(), ElementsAre(u"1"));
+}
+
+TEST_F(TagStoreNames, AFailureEndsTheEnumeration) {
+  for (const auto* const name : {u"1", u"2"}) PutTag(name);
+  m_failingRegistry.FailCall(3, Failing::kOnce, RegistryError::kBusy);
+  EXPECT_THAT(Names(), ElementsAre(u"1"));
+}
+
+using TagStoreDeletion = TagStoreTest;
+
+TEST_F(TagStoreDeletion, TakesTheRecordingTheTemplateAndTheEntry) {
+  PutTag(u"1");
+  PutTag(u"2");
+  ASSERT_EQ(m_store.Delete(u"1"), TagDeletion::kDone);
+  EXPECT_THAT(Names(), ElementsAre(u"2"));
+  EXPECT_THAT(m_files.ListFiles(), UnorderedElementsAre(WavePath(u"2"), TemplatePath(u"2")));
+}
+
+TEST_F(TagStoreDeletion, ARecordingInUseKeepsEverything) {
+  PutTag(u"1");
+  const auto held = Hold(WavePath(u"1"));
+  EXPECT_EQ(m_store.Delete(u"1"), TagDeletion::kWaveFailed);
+  EXPECT_EQ(m_store.DeleteWaveFile(u"1"), FileError::kSharingViolation);
+  EXPECT_THAT(Names(), ElementsAre(u"1"));
+  EXPECT_THAT(m_files.ListFiles(), UnorderedElementsAre(WavePath(u"1"), TemplatePath(u"1")));
+}
+
+TEST_F(TagStoreDeletion, ATemplateInUseIsFoundOutWhenTheRecordingIsGone) {
+  PutTag(u"1");
+  const auto held = Hold(TemplatePath(u"1"));
+  EXPECT_EQ(m_store.Delete(u"1"), TagDeletion::kTemplateFailed);
+  EXPECT_THAT(Names(), ElementsAre(u"1"));
+  EXPECT_THAT(m_files.ListFiles(), ElementsAre(TemplatePath(u"1")));
+}
+
+TEST_F(TagStoreDeletion, AnEntryThatCannotBeDeletedStays) {
+  PutTag(u"1");
+  m_failingRegistry.FailCall(1, Failing::kOnce, RegistryError::kBusy);
+  EXPECT_EQ(m_store.Delete(u"1"), TagDeletion::kEntryFailed);
+  EXPECT_THAT(Names(), ElementsAre(u"1"));
+  EXPECT_THAT(m_files.ListFiles(), IsEmpty());
+}
+
+TEST_F(TagStoreDeletion, AFileThatIsMissingCannotBeDeletedEither) {
+  PutTag(u"1");
+  ASSERT_EQ(m_files.Delete(WavePath(u"1")), FileError::kNone);
+  EXPECT_EQ(m_store.Delete(u"1"), TagDeletion::kWaveFailed);
+  EXPECT_EQ(m_store.DeleteWaveFile(u"1"), FileError::kNotFound);
+}
+
+TEST_F(TagStoreDeletion, NamesOfAnotherHandReachNoOtherFile) {
+  PutTag(u"1");
+  ASSERT_TRUE(m_files.PutFile(u"\\secret.wav", {}));
+  for (const auto* const name : {u"*", u"?", u"../../../../secret", u"x/1", u"..", u""}) {
+    EXPECT_NE(m_store.Delete(name), TagDeletion::kDone);
+  }
+  EXPECT_EQ(m_files.ListFiles().size(), 3U);
+}
+
+TEST_F(TagStoreDeletion, OfAllTakesEveryRecordingEveryTemplateAndTheKey) {
+  PutTag(u"1");
+  PutTag(u"2");
+  PutFiles(u"without an entry");
+  ASSERT_TRUE(m_files.PutFile(std::u16string(kWaveFolder) + u"\\UPPER.WAV", {}));
+  const std::u16string other = std::u16string(kWaveFolder) + u"\\notes.txt";
+  ASSERT_TRUE(m_files.PutFile(other, {}));
+  ASSERT_EQ(m_registry.CreateKey(kSetupKey).error, RegistryError::kNone);
+  EXPECT_THAT(DeleteAll(RegistryError::kNone), IsEmpty());
+  EXPECT_THAT(m_files.ListFiles(), ElementsAre(other));
+  EXPECT_FALSE(KeyExists(m_registry, kTagKey));
+  EXPECT_TRUE(KeyExists(m_registry, kSetupKey));
+}
+
+TEST_F(TagStoreDeletion, OfAllWithoutAFileStillTakesTheKey) {
+  ASSERT_EQ(m_store.WriteEntry(u"1", 1, u"Car"), RegistryError::kNone);
+  EXPECT_THAT(DeleteAll(RegistryError::kNone), IsEmpty());
+  EXPECT_FALSE(KeyExists(m_registry, kTagKey));
+}
+
+TEST_F(TagStoreDeletion, OfAllReportsEachFileInUseAndGoesOn) {
+  for (const auto* const name : {u"1", u"2", u"3"}) PutTag(name);
+  const auto wave = Hold(WavePath(u"1"));
+  const auto first = Hold(TemplatePath(u"1"));
+  const auto last = Hold(TemplatePath(u"3"));
+  EXPECT_THAT(DeleteAll(RegistryError::kNone),
+              ElementsAre(DeletionProblem::kFileInUse, DeletionProblem::kFileInUse,
+                          DeletionProblem::kFileInUse));
+  EXPECT_THAT(m_files.ListFiles(),
+              UnorderedElementsAre(WavePath(u"1"), TemplatePath(u"1"), TemplatePath(u"3")));
+  EXPECT_THAT(Names(), IsEmpty());
+}
+
+TEST_F(TagStoreDeletion, OfAllReportsASearchThatFailsAndGoesOn) {
+  for (const auto* const name : {u"1", u"2"}) PutTag(name);
+  // The search, the first deletion: finding the second recording fails.
+  m_failingFiles.FailCall(3, Failing::kOnce);
+  EXPECT_THAT(DeleteAll(RegistryError::kNone), ElementsAre(DeletionProblem::kSearchFailed));
+  EXPECT_THAT(Names(), IsEmpty());
+}
+
+TEST_F(TagStoreDeletion, OfAllComesToAnEndWhateverFails) {
+  for (const auto* const name : {u"1", u"2"}) PutTag(name);
+  m_failingFiles.FailCall(2, Failing::kFromThenOn);
+  EXPECT_THAT(DeleteAll(RegistryError::kNone), testing::Not(IsEmpty()));
+  EXPECT_THAT(Names(), IsEmpty());
+}
+
+TEST_F(TagStoreDeletion, OfAllTellsWhereTheKeyCannotBeDeleted) {
+  PutTag(u"1");
+  m_failingRegistry.FailCall(1, Failing::kOnce, RegistryError::kBusy);
+  EXPECT_THAT(DeleteAll(RegistryError::kBusy), IsEmpty());
+  EXPECT_THAT(Names(), ElementsAre(u"1"));
+  EXPECT_THAT(m_files.ListFiles(), IsEmpty());
+}
+
+TEST_F(TagStoreDeletion, OfAllWithoutAKeyIsNotFound) {
+  EXPECT_THAT(DeleteAll(RegistryError::kNotFound), IsEmpty());
+}
+
+TEST_F(TagStoreDeletion, OfAllLeavesFoldersAlone) {
+  PutTag(u"1");
+  ASSERT_EQ(m_files.CreateFolder(std::u16string(kWaveFolder) + u"\\a.wav"), FileError::kNone);
+  EXPECT_THAT(DeleteAll(RegistryError::kNone), IsEmpty());
+}
+
+using TagStoreRecordings = TagStoreTest;
+
+TEST_F(TagStoreRecordings, AreFoundWithAndWithoutAnEntryAndWithoutFolders) {
+  PutTag(u"1");
+  PutFiles(u"2");
+  ASSERT_TRUE(m_files.PutFile(std::u16string(kWaveFolder) + u"\\notes.txt", {}));
+  for (const auto* const folder : {u"\\0.wav", u"\\3.wav"}) {
+    ASSERT_EQ(m_files.CreateFolder(std::u16string(kWaveFolder) + folder), FileError::kNone);
+  }
+  auto started = m_store.FindRecordings();
+  ASSERT_EQ(started.error, FileError::kNone);
+  std::vector<std::u16string> names;
+  do {
+    names.push_back(started.first.name);
+  } while (started.search->Next(started.first) == FileError::kNone);
+  EXPECT_THAT(names, UnorderedElementsAre(u"1.wav", u"2.wav"));
+}
+
+TEST_F(TagStoreRecordings, AreNotFoundWhereThereAreNone) {
+  EXPECT_EQ(m_store.FindRecordings().error, FileError::kNotFound);
+  ASSERT_TRUE(m_files.PutFile(std::u16string(kWaveFolder) + u"\\folder.wav\\file", {}));
+  const auto started = m_store.FindRecordings();
+  EXPECT_EQ(started.error, FileError::kNotFound);
+  EXPECT_EQ(started.search, nullptr);
+}
+
+TEST_F(TagStoreRecordings, TellWhereTheSearchFails) {
+  PutFiles(u"1");
+  PutFiles(u"2");
+  m_failingFiles.FailCall(1, Failing::kOnce);
+  EXPECT_EQ(m_store.FindRecordings().error, FileError::kOther);
+  m_failingFiles.FailCall(2, Failing::kOnce);
+  auto started = m_store.FindRecordings();
+  ASSERT_EQ(started.error, FileError::kNone);
+  EXPECT_EQ(started.search->Next(started.first), FileError::kOther);
+}
+
+}  // namespace storage

@@ -1,0 +1,374 @@
+#include "tags/contact_picker.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "platform/headless/headless_contacts.h"
+#include "tests/tags/recording_view.h"
+
+namespace tags {
+namespace {
+
+using headless::HeadlessContact;
+using headless::HeadlessContacts;
+using platform::ContactLookup;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using Failure = ContactFailure;
+
+HeadlessContact Named(std::int32_t oid, std::u16string last, std::u16string first = u"",
+                      std::u16string middle = u"", std::u16string company = u"") {
+  HeadlessContact contact;
+  contact.oid = oid;
+  contact.lastName = std::move(last);
+  contact.firstName = std::move(first);
+  contact.middleName = std::move(middle);
+  contact.companyName = std::move(company);
+  contact.Number(PhoneKind::kMobile) = u"555";
+  return contact;
+}
+
+std::u16string Long(std::size_t length, char16_t c = u'x') { return std::u16string(length, c); }
+
+class ContactPickerTest : public testing::Test {
+ protected:
+  HeadlessContact& Add(HeadlessContact contact) { return m_store.Add(std::move(contact)); }
+
+  bool Load() {
+    EXPECT_TRUE(m_store.Logon());
+    return m_picker.Load();
+  }
+
+  HeadlessContacts m_store;
+  RecordingView m_view;
+  ContactPicker m_picker{m_store, m_view};
+};
+
+class ContactPickerLoad : public ContactPickerTest {};
+class ContactPickerNumbers : public ContactPickerTest {};
+
+TEST_F(ContactPickerLoad, AnEmptyStoreLeavesEverythingEmpty) {
+  EXPECT_TRUE(Load());
+  EXPECT_THAT(m_view.contacts, IsEmpty());
+  EXPECT_EQ(m_picker.GetOid(), 0U);
+  EXPECT_FALSE(m_view.isFirstContactSelected);
+  EXPECT_EQ(m_picker.GetContacts().GetReportedCount(), 0);
+}
+
+TEST_F(ContactPickerLoad, NamesReadLastFirstMiddle) {
+  Add(Named(1, u"Lee", u"Ann", u"May"));
+  EXPECT_TRUE(Load());
+  EXPECT_THAT(m_view.contacts, ElementsAre(u"Lee Ann May"));
+}
+
+TEST_F(ContactPickerLoad, AMissingLastNameLeavesNoBlankInFront) {
+  Add(Named(1, u"", u"Ann", u"May"));
+  EXPECT_TRUE(Load());
+  EXPECT_THAT(m_view.contacts, ElementsAre(u"Ann May"));
+}
+
+TEST_F(ContactPickerLoad, ContactsKeepTheOrderOfTheStore) {
+  Add(Named(1, u"Zoe"));
+  Add(Named(2, u"Adam"));
+  EXPECT_TRUE(Load());
+  EXPECT_THAT(m_view.contacts, ElementsAre(u"Zoe", u"Adam"));
+}
+
+TEST_F(ContactPickerLoad, ACompanyStandsInForAnEmptyNameOnly) {
+  Add(Named(1, u"", u"", u"", u"Acme"));
+  Add(Named(2, u"Lee", u"", u"", u"Acme"));
+  EXPECT_TRUE(Load());
+  EXPECT_THAT(m_view.contacts, ElementsAre(u"Acme", u"Lee"));
+}
+
+TEST_F(ContactPickerLoad, ALastNameOf127CharactersIsTaken) {
+  Add(Named(1, Long(127)));
+  EXPECT_TRUE(Load());
+  EXPECT_THAT(m_view.contacts, ElementsAre(Long(127)));
+}
+
+TEST_F(ContactPickerLoad, ALongerLastNameLeavesTheNameOfTheContactBefore) {
+  Add(Named(1, u"Lee", u"Ann"));
+  Add(Named(2, Long(128), u"Bob"));
+  EXPECT_TRUE(Load());
+  EXPECT_THAT(m_view.contacts, ElementsAre(u"Lee Ann", u"Lee Ann Bob"));
+}
+
+TEST_F(ContactPickerLoad, ALongerCompanyLeavesTheCompanyOfTheContactBefore) {
+  Add(Named(1, u"Lee", u"", u"", u"Acme"));
+  Add(Named(2, u"", u"", u"", Long(128)));
+  EXPECT_TRUE(Load());
+  EXPECT_THAT(m_view.contacts, ElementsAre(u"Lee", u"Acme"));
+}
+
+TEST_F(ContactPickerLoad, AnEmptyCompanyEmptiesTheBuffer) {
+  Add(Named(1, u"Lee", u"", u"", u"Acme"));
+  Add(Named(2, u"", u"", u"", u""));
+  EXPECT_TRUE(Load());
+  EXPECT_THAT(m_view.contacts, ElementsAre(u"Lee", u""));
+}
+
+TEST_F(ContactPickerLoad, APartIsAppendedWhileLengthsAddUpToLessThan128) {
+  Add(Named(1, Long(100), Long(27, u'f'), u"m"));
+  EXPECT_TRUE(Load());
+  // 127 without the blank; with it one more than there is room for.
+  EXPECT_THAT(m_view.contacts, ElementsAre(Long(100) + u" " + Long(26, u'f')));
+}
+
+TEST_F(ContactPickerLoad, APartThatAddsUpTo128IsLeftOutAndTheNextOneTried) {
+  Add(Named(1, Long(100), Long(28, u'f'), u"m"));
+  EXPECT_TRUE(Load());
+  EXPECT_THAT(m_view.contacts, ElementsAre(Long(100) + u" m"));
+}
+
+TEST_F(ContactPickerLoad, ACutNameEndsWithAWholeCharacter) {
+  Add(Named(1, Long(100), Long(25, u'f') + u"\U0001F600"));
+  EXPECT_TRUE(Load());
+  EXPECT_THAT(m_view.contacts, ElementsAre(Long(100) + u" " + Long(25, u'f')));
+}
+
+TEST_F(ContactPickerLoad, RecordsHoldNameOidAndKindsInReadingOrder) {
+  HeadlessContact contact = Named(-7, u"Lee");
+  contact.Number(PhoneKind::kHomeFax) = u"9";
+  contact.Number(PhoneKind::kCar) = u"0";
+  contact.Number(PhoneKind::kRadio) = u"1";
+  Add(contact);
+  EXPECT_TRUE(Load());
+  const ContactRecord* record = m_picker.GetContacts().Find(0);
+  ASSERT_NE(record, nullptr);
+  EXPECT_EQ(record->GetName(), u"Lee");
+  EXPECT_EQ(record->oid, -7);
+  EXPECT_THAT(record->phoneKinds, ElementsAre(2, 1, 0, 9, -1, -1, -1, -1, -1, -1));
+  EXPECT_EQ(m_picker.GetOid(), static_cast<std::uint32_t>(-7));
+}
+
+TEST_F(ContactPickerLoad, AContactWithoutANumberIsPassedOver) {
+  HeadlessContact none = Named(1, u"None");
+  none.Number(PhoneKind::kMobile).clear();
+  Add(none);
+  Add(Named(2, u"Lee"));
+  EXPECT_TRUE(Load());
+  EXPECT_THAT(m_view.contacts, ElementsAre(u"Lee"));
+  EXPECT_EQ(m_picker.GetContacts().GetReportedCount(), 2);
+  EXPECT_EQ(m_picker.GetContacts().GetCount(), 1);
+  EXPECT_EQ(m_picker.GetContacts().Find(0)->oid, 2);
+  EXPECT_EQ(m_picker.GetContacts().Find(1), nullptr);
+}
+
+TEST_F(ContactPickerLoad, NumbersOfTheFirstListedContactAloneAreShown) {
+  HeadlessContact none = Named(1, u"None");
+  none.Number(PhoneKind::kMobile).clear();
+  Add(none);
+  HeadlessContact first = Named(2, u"Lee");
+  first.Number(PhoneKind::kHome) = u"111";
+  Add(first);
+  Add(Named(3, u"Ray"));
+  EXPECT_TRUE(Load());
+  EXPECT_THAT(m_view.numbers, ElementsAre(u"111 Home", u"555 Mobile"));
+  EXPECT_TRUE(m_view.isFirstContactSelected);
+  EXPECT_TRUE(m_view.isFirstNumberSelected);
+  EXPECT_EQ(m_picker.GetOid(), 2U);
+  EXPECT_EQ(m_picker.GetPhoneTypeWord(), u"");
+}
+
+TEST_F(ContactPickerLoad, ANumberOf95CharactersIsAccepted) {
+  HeadlessContact contact = Named(1, u"Lee");
+  contact.Number(PhoneKind::kMobile) = Long(95, u'5');
+  Add(contact);
+  EXPECT_TRUE(Load());
+  EXPECT_THAT(m_view.numbers, ElementsAre(Long(95, u'5') + u" Mobile"));
+}
+
+TEST_F(ContactPickerLoad, ANumberOf96CharactersIsPassedOverWithoutAWord) {
+  HeadlessContact contact = Named(1, u"Lee");
+  contact.Number(PhoneKind::kMobile) = Long(96, u'5');
+  Add(contact);
+  EXPECT_TRUE(Load());
+  EXPECT_THAT(m_view.contacts, IsEmpty());
+  EXPECT_THAT(m_view.messages, IsEmpty());
+}
+
+TEST_F(ContactPickerLoad, EachNumberOf97CharactersIsReportedAndPassedOver) {
+  HeadlessContact contact = Named(1, u"Lee");
+  contact.Number(PhoneKind::kHome) = Long(97, u'5');
+  contact.Number(PhoneKind::kCar) = Long(97, u'5');
+  Add(contact);
+  EXPECT_TRUE(Load());
+  EXPECT_THAT(m_view.contacts, ElementsAre(u"Lee"));
+  EXPECT_THAT(m_view.numbers, ElementsAre(u"555 Mobile"));
+  EXPECT_THAT(m_view.messages, ElementsAre(ContactMessage{Failure::kNumberTooLong},
+                                           ContactMessage{Failure::kNumberTooLong}));
+}
+
+TEST_F(ContactPickerLoad, AFailingItemEndsTheInitialization) {
+  Add(Named(1, u"Lee"));
+  m_store.AddFailingItem();
+  EXPECT_FALSE(Load());
+  EXPECT_THAT(m_view.messages, ElementsAre(ContactMessage{Failure::kItem}));
+  EXPECT_FALSE(m_view.isFirstContactSelected);
+  EXPECT_EQ(m_picker.GetOid(), 0U);
+}
+
+TEST_F(ContactPickerLoad, ANullContactIsReportedAndPassedOver) {
+  m_store.AddNullContact();
+  Add(Named(1, u"Lee"));
+  EXPECT_TRUE(Load());
+  EXPECT_THAT(m_view.messages, ElementsAre(ContactMessage{Failure::kNullContact}));
+  EXPECT_THAT(m_view.contacts, ElementsAre(u"Lee"));
+}
+
+TEST_F(ContactPickerLoad, AFailingFirstNameKeepsWhatWasGathered) {
+  Add(Named(1, u"Lee"));
+  Add(Named(2, u"Ray")).firstNameFails = true;
+  Add(Named(3, u"Zoe"));
+  EXPECT_TRUE(Load());
+  EXPECT_THAT(m_view.messages, ElementsAre(ContactMessage{Failure::kFirstName}));
+  EXPECT_THAT(m_view.contacts, ElementsAre(u"Lee"));
+  EXPECT_TRUE(m_view.isFirstContactSelected);
+  EXPECT_EQ(m_picker.GetOid(), 1U);
+}
+
+TEST_F(ContactPickerLoad, AFailingFirstNameOfTheFirstContactListsNobody) {
+  Add(Named(1, u"Lee")).firstNameFails = true;
+  Add(Named(2, u"Ray"));
+  EXPECT_TRUE(Load());
+  EXPECT_THAT(m_view.contacts, IsEmpty());
+  EXPECT_EQ(m_picker.GetOid(), 0U);
+}
+
+TEST_F(ContactPickerLoad, EveryOtherFailingPartOfTheNameEndsTheInitialization) {
+  const std::pair<bool HeadlessContact::*, Failure> rows[] = {
+      {&HeadlessContact::lastNameFails, Failure::kLastName},
+      {&HeadlessContact::middleNameFails, Failure::kMiddleName},
+      {&HeadlessContact::companyNameFails, Failure::kCompanyName}};
+  for (const auto& [fails, failure] : rows) {
+    HeadlessContacts store;
+    store.Add(Named(1, u"Lee"));
+    store.Add(Named(2, u"Ray")).*fails = true;
+    ASSERT_TRUE(store.Logon());
+    RecordingView view;
+    ContactPicker picker(store, view);
+    EXPECT_FALSE(picker.Load());
+    EXPECT_THAT(view.messages, ElementsAre(ContactMessage{failure}));
+    EXPECT_EQ(picker.GetOid(), 0U);
+  }
+}
+
+TEST_F(ContactPickerLoad, EveryFailingNumberEndsTheInitialization) {
+  for (const PhoneKind kind : kReadingOrder) {
+    HeadlessContacts store;
+    store.Add(Named(1, u"Lee")).FailNumber(kind);
+    ASSERT_TRUE(store.Logon());
+    RecordingView view;
+    ContactPicker picker(store, view);
+    EXPECT_FALSE(picker.Load());
+    EXPECT_THAT(view.messages,
+                ElementsAre(ContactMessage{Failure::kNumber, ContactReader::kLoading, kind}));
+    EXPECT_THAT(view.contacts, IsEmpty());
+  }
+}
+
+TEST_F(ContactPickerLoad, AFailingOidListsTheContactUnderZero) {
+  Add(Named(5, u"Lee")).oidFails = true;
+  EXPECT_TRUE(Load());
+  EXPECT_THAT(m_view.contacts, ElementsAre(u"Lee"));
+  EXPECT_THAT(m_view.messages, IsEmpty());
+  EXPECT_EQ(m_picker.GetOid(), 0U);
+}
+
+TEST_F(ContactPickerNumbers, ListTheChosenContactsNumbersWithTheirSuffixes) {
+  Add(Named(1, u"Lee"));
+  HeadlessContact ray = Named(2, u"Ray");
+  ray.Number(PhoneKind::kMobile) = u"9";
+  ray.Number(PhoneKind::kHome2) = u"1";
+  Add(ray);
+  ASSERT_TRUE(Load());
+  m_picker.ListNumbers(1);
+  EXPECT_THAT(m_view.numbers, ElementsAre(u"1 Home2", u"9 Mobile"));
+  EXPECT_TRUE(m_view.isFirstNumberSelected);
+  EXPECT_EQ(m_picker.GetOid(), 2U);
+  // The number that sorts first, and not the first in reading order.
+  EXPECT_EQ(m_picker.GetPhoneTypeWord(), u"Home2");
+}
+
+TEST_F(ContactPickerNumbers, AContactThatIsGoneOnlyEmptiesTheBox) {
+  Add(Named(1, u"Lee"));
+  Add(Named(2, u"Ray"));
+  ASSERT_TRUE(Load());
+  for (const ContactLookup lookup : {ContactLookup::kAbsent, ContactLookup::kFailed}) {
+    m_view.messages.clear();
+    m_store.SetLookup(2, lookup);
+    m_picker.ListNumbers(1);
+    EXPECT_THAT(m_view.messages,
+                ElementsAre(ContactMessage{Failure::kLookup, ContactReader::kSelection}));
+    EXPECT_THAT(m_view.numbers, IsEmpty());
+    EXPECT_EQ(m_picker.GetOid(), 1U);
+    EXPECT_EQ(m_picker.GetPhoneTypeWord(), u"");
+  }
+}
+
+TEST_F(ContactPickerNumbers, ASelectionOfNothingIsReportedLikeAMissingContact) {
+  Add(Named(1, u"Lee"));
+  ASSERT_TRUE(Load());
+  m_picker.ListNumbers(-1);
+  EXPECT_THAT(m_view.messages,
+              ElementsAre(ContactMessage{Failure::kLookup, ContactReader::kSelection}));
+}
+
+TEST_F(ContactPickerNumbers, AFailingNumberIsReportedAndTheOthersListed) {
+  for (const PhoneKind kind : kReadingOrder) {
+    HeadlessContacts store;
+    HeadlessContact contact;
+    contact.oid = 1;
+    contact.numbers.fill(u"5");
+    HeadlessContact& live = store.Add(contact);
+    ASSERT_TRUE(store.Logon());
+    RecordingView view;
+    ContactPicker picker(store, view);
+    ASSERT_TRUE(picker.Load());
+    live.FailNumber(kind);
+    picker.ListNumbers(0);
+    EXPECT_THAT(view.messages,
+                ElementsAre(ContactMessage{Failure::kNumber, ContactReader::kSelection, kind}));
+    EXPECT_EQ(view.numbers.size(), 9U);
+  }
+}
+
+TEST_F(ContactPickerNumbers, NoNumberAtAllLeavesNoPhoneTypeWord) {
+  HeadlessContact& lee = Add(Named(1, u"Lee"));
+  ASSERT_TRUE(Load());
+  m_picker.ListNumbers(0);
+  ASSERT_EQ(m_picker.GetPhoneTypeWord(), u"Mobile");
+  lee.FailNumber(PhoneKind::kMobile);
+  m_picker.ListNumbers(0);
+  EXPECT_EQ(m_picker.GetPhoneTypeWord(), u"");
+  EXPECT_FALSE(m_view.isFirstNumberSelected);
+}
+
+TEST_F(ContactPickerNumbers, ChoosingANumberTakesItsWord) {
+  m_picker.ChooseNumber(u"+1 555 BusinessFax");
+  EXPECT_EQ(m_picker.GetPhoneTypeWord(), u"BusinessFax");
+}
+
+TEST_F(ContactPickerTest, ReadsTheChosenContactForATag) {
+  Add(Named(1, u"Smith", u"John"));
+  ASSERT_TRUE(Load());
+  m_picker.ChooseNumber(u"555 Mobile");
+  const TagText text = m_picker.ReadForTag();
+  EXPECT_EQ(text.failure, std::nullopt);
+  EXPECT_EQ(text.text, u"John Smith 555 M");
+}
+
+TEST_F(ContactPickerTest, TellsThatTheChosenContactIsGone) {
+  Add(Named(1, u"Smith", u"John"));
+  ASSERT_TRUE(Load());
+  m_store.SetLookup(1, ContactLookup::kFailed);
+  const ContactMessage expected{Failure::kLookup, ContactReader::kRecording};
+  EXPECT_EQ(m_picker.ReadForTag().failure, expected);
+}
+
+}  // namespace
+}  // namespace tags

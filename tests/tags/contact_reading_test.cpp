@@ -1,0 +1,201 @@
+#include "tags/contact_reading.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "platform/headless/headless_contacts.h"
+#include "storage/phone_types.h"
+
+namespace tags {
+namespace {
+
+using headless::HeadlessContact;
+using Failure = ContactFailure;
+
+HeadlessContact Named(std::u16string first, std::u16string middle, std::u16string last,
+                      std::u16string company = u"") {
+  HeadlessContact contact;
+  contact.oid = 1;
+  contact.firstName = std::move(first);
+  contact.middleName = std::move(middle);
+  contact.lastName = std::move(last);
+  contact.companyName = std::move(company);
+  return contact;
+}
+
+std::u16string Long(std::size_t length, char16_t c = u'x') { return std::u16string(length, c); }
+
+/// Reads one settable contact as the code under test gets it.
+template <typename Read>
+TagText With(const HeadlessContact& contact, Read read) {
+  headless::HeadlessContacts store;
+  store.Add(contact);
+  EXPECT_TRUE(store.Logon());
+  const platform::ContactItem item = store.GetItem(1);
+  return read(*item.contact);
+}
+
+TagText Record(const HeadlessContact& contact, std::u16string_view phoneType,
+               ContactBuffers& buffers) {
+  return With(contact,
+              [&](platform::Contact& each) { return ReadForRecording(each, phoneType, buffers); });
+}
+
+TagText Record(const HeadlessContact& contact, std::u16string_view phoneType = u"") {
+  ContactBuffers buffers;
+  return Record(contact, phoneType, buffers);
+}
+
+TagText List(const HeadlessContact& contact, std::u16string_view phoneType = u"") {
+  return With(contact, [&](platform::Contact& each) { return ReadForTagList(each, phoneType); });
+}
+
+TEST(ReadForRecording, NamesReadFirstMiddleLast) {
+  EXPECT_EQ(Record(Named(u"Ann", u"May", u"Lee")).text, u"Ann May Lee");
+}
+
+TEST(ReadForRecording, ABlankComesFirstWithoutAFirstName) {
+  EXPECT_EQ(Record(Named(u"", u"", u"Lee", u"Acme")).text, u" Lee");
+}
+
+TEST(ReadForRecording, ACompanyStandsInForAnEmptyName) {
+  EXPECT_EQ(Record(Named(u"", u"", u"", u"Acme")).text, u"Acme");
+}
+
+TEST(ReadForRecording, PartsAreAppendedWhileTheTotalStaysBelow128) {
+  EXPECT_EQ(Record(Named(Long(100), u"", Long(26, u'l'))).text, Long(100) + u" " + Long(26, u'l'));
+  EXPECT_EQ(Record(Named(Long(100), u"", Long(27, u'l'))).text, Long(100));
+}
+
+TEST(ReadForRecording, APartThatIsTooLongIsLeftOutAndTheNextOneTried) {
+  EXPECT_EQ(Record(Named(Long(100), Long(27), u"Lee")).text, Long(100) + u" Lee");
+}
+
+TEST(ReadForRecording, ALongerFirstNameLeavesTheNameThatWasReadBefore) {
+  ContactBuffers buffers{u"Bob Ray", u"Old"};
+  EXPECT_EQ(Record(Named(Long(128), u"", u"Lee"), u"", buffers).text, u"Bob Ray Lee");
+}
+
+TEST(ReadForRecording, ALongerCompanyLeavesTheCompanyThatWasReadBefore) {
+  ContactBuffers buffers{u"Bob Ray", u"Old"};
+  EXPECT_EQ(Record(Named(u"", u"", u"", Long(128)), u"", buffers).text, u"Old");
+}
+
+TEST(ReadForRecording, AFirstNameThatFailsToBeFollowedStaysInTheBuffer) {
+  ContactBuffers buffers{u"Bob Ray", u"Old"};
+  HeadlessContact contact = Named(u"Ann", u"", u"");
+  contact.middleNameFails = true;
+  EXPECT_NE(Record(contact, u"", buffers).failure, std::nullopt);
+  EXPECT_EQ(buffers.name, u"Ann");
+}
+
+TEST(ReadForTagList, NamesReadFirstMiddleLast) {
+  EXPECT_EQ(List(Named(u"Ann", u"May", u"Lee")).text, u"Ann May Lee");
+  EXPECT_EQ(List(Named(u"Ann", u"", u"Lee")).text, u"Ann Lee");
+}
+
+TEST(ReadForTagList, ABlankComesFirstWithoutAFirstName) {
+  EXPECT_EQ(List(Named(u"", u"", u"Lee", u"Acme")).text, u" Lee");
+}
+
+TEST(ReadForTagList, ACompanyStandsInForAnEmptyName) {
+  EXPECT_EQ(List(Named(u"", u"", u"", u"Acme")).text, u"Acme");
+  EXPECT_EQ(List(Named(u"", u"", u"", Long(127))).text, Long(127));
+  EXPECT_EQ(List(Named(u"", u"", u"", Long(128))).text, u"");
+}
+
+TEST(ReadForTagList, TheBlankDoesNotCountTowardsTheLimit) {
+  EXPECT_EQ(List(Named(Long(100), u"", Long(27, u'l'))).text, Long(100) + u" " + Long(27, u'l'));
+  EXPECT_EQ(List(Named(Long(100), u"", Long(28, u'l'))).text, Long(100));
+}
+
+TEST(ReadForTagList, ALongerFirstNameIsNotTaken) {
+  EXPECT_EQ(List(Named(Long(127), u"", u"")).text, Long(127));
+  EXPECT_EQ(List(Named(Long(128), u"", u"Lee")).text, u" Lee");
+}
+
+// What both readers do alike.
+
+using Reader = TagText (*)(const HeadlessContact&, std::u16string_view);
+
+struct ReaderRow {
+  Reader read;
+  ContactReader reader;
+};
+
+class TagTexts : public testing::TestWithParam<ReaderRow> {};
+
+INSTANTIATE_TEST_SUITE_P(Readers, TagTexts,
+                         testing::Values(ReaderRow{static_cast<Reader>(&Record),
+                                                   ContactReader::kRecording},
+                                         ReaderRow{&List, ContactReader::kTagList}));
+
+TEST_P(TagTexts, EndWithTheNumberOfTheKindAndItsMark) {
+  constexpr std::pair<std::u16string_view, std::u16string_view> kRows[] = {
+      {u"Car", u"Ann Lee 50 C"},          {u"Radio", u"Ann Lee 51 R"},
+      {u"Mobile", u"Ann Lee 52 M"},       {u"Assistant", u"Ann Lee 53 A"},
+      {u"Business", u"Ann Lee 54 B"},     {u"Business2", u"Ann Lee 55 B2"},
+      {u"BusinessFax", u"Ann Lee 56 Bx"}, {u"Home", u"Ann Lee 57 H"},
+      {u"Home2", u"Ann Lee 58 H2"},       {u"HomeFax", u"Ann Lee 59 Hx"}};
+  HeadlessContact contact = Named(u"Ann", u"", u"Lee");
+  for (std::size_t i = 0; i < contact.numbers.size(); ++i) {
+    contact.numbers[i] = {u'5', static_cast<char16_t>(u'0' + i)};
+  }
+  for (const auto& [word, text] : kRows) {
+    const TagText read = GetParam().read(contact, word);
+    EXPECT_EQ(read.text, text);
+    EXPECT_TRUE(read.hasNumber);
+    EXPECT_EQ(read.failure, std::nullopt);
+  }
+}
+
+TEST_P(TagTexts, AreTheBareNameForAWordThatNamesNoKind) {
+  HeadlessContact contact = Named(u"Ann", u"", u"Lee");
+  contact.numbers.fill(u"5");
+  for (const std::u16string_view word : {u"Pager", u"mobile", u""}) {
+    const TagText read = GetParam().read(contact, word);
+    EXPECT_EQ(read.text, u"Ann Lee");
+    EXPECT_FALSE(read.hasNumber);
+  }
+}
+
+TEST_P(TagTexts, KeepBothBlanksAroundAMissingNumber) {
+  EXPECT_EQ(GetParam().read(Named(u"Ann", u"", u"Lee"), u"Home").text, u"Ann Lee  H");
+}
+
+TEST_P(TagTexts, TellWhichPartOfTheNameFailed) {
+  const std::pair<bool HeadlessContact::*, Failure> rows[] = {
+      {&HeadlessContact::firstNameFails, Failure::kFirstName},
+      {&HeadlessContact::middleNameFails, Failure::kMiddleName},
+      {&HeadlessContact::lastNameFails, Failure::kLastName},
+      {&HeadlessContact::companyNameFails, Failure::kCompanyName}};
+  for (const auto& [fails, failure] : rows) {
+    HeadlessContact contact = Named(u"Ann", u"", u"Lee");
+    contact.*fails = true;
+    const ContactMessage expected{failure, GetParam().reader};
+    EXPECT_EQ(GetParam().read(contact, u"Mobile").failure, expected);
+  }
+}
+
+TEST_P(TagTexts, TellWhichNumberFailed) {
+  for (const storage::PhoneType& texts : storage::kPhoneTypes) {
+    HeadlessContact contact = Named(u"Ann", u"", u"Lee");
+    contact.FailNumber(texts.kind);
+    const ContactMessage expected{Failure::kNumber, GetParam().reader, texts.kind};
+    EXPECT_EQ(GetParam().read(contact, texts.word).failure, expected);
+  }
+}
+
+TEST_P(TagTexts, NeverReadAnotherNumberThanTheirOwn) {
+  HeadlessContact contact = Named(u"Ann", u"", u"Lee");
+  contact.numberFails.fill(true);
+  contact.numberFails[static_cast<std::size_t>(PhoneKind::kHome)] = false;
+  contact.Number(PhoneKind::kHome) = u"5";
+  EXPECT_EQ(GetParam().read(contact, u"Home").text, u"Ann Lee 5 H");
+}
+
+}  // namespace
+}  // namespace tags
