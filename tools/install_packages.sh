@@ -9,12 +9,13 @@ declare -A groups=(
   # To build and run the program.
   [build]='
     g++ cmake ninja-build pkg-config
-    libcli11-dev libfmt-dev libicu-dev libpulse-dev libsqlite3-dev nlohmann-json3-dev
+    libcli11-dev libebook1.2-dev libfmt-dev libicu-dev libpulse-dev libsqlite3-dev
+    nlohmann-json3-dev
   '
   # To build and run the tests with one compiler.
   [test]='
     git googletest libgmock-dev libgtest-dev
-    espeak-ng pulseaudio pulseaudio-utils sox sqlite3
+    dbus espeak-ng evolution-data-server pulseaudio pulseaudio-utils sox sqlite3
   '
   # The other compilers, the sanitizers, the analysers and the benchmarks.
   [check]='
