@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <system_error>
 
 #include "host/cli/output.h"
 #include "platform/pulse/pulse_wave_in.h"
@@ -39,12 +40,26 @@ Session::Session(const Options& options)
 
 Session::~Session() = default;
 
-platform::Platform Session::GetPlatform() {
-  return {GetFiles(), GetWaveIn(), m_clock, m_threads, m_process, m_ui};
+platform::Platform Session::GetPlatform() { return GetPlatform(m_clock); }
+
+platform::Platform Session::GetPlatform(platform::Clock& clock) {
+  return {GetFiles(), GetWaveIn(), clock, m_threads, m_process, m_ui};
 }
 
 std::u16string Session::ToSystemPath(const std::string& name) {
-  return text::FromHostName(std::filesystem::absolute(name).native());
+  std::error_code error;
+  const std::filesystem::path path = std::filesystem::absolute(name, error);
+  if (!error) {
+    return text::FromHostName(path.native());
+  }
+  // No name, or the current folder was deleted: whoever opens this reports it. The dot keeps a name
+  // that begins with a backslash from being a path of the device.
+  return name.empty() ? std::u16string() : text::FromHostName("./" + name);
+}
+
+bool Session::AreSameFile(const std::string& a, const std::string& b) {
+  std::error_code ignored;
+  return std::filesystem::equivalent(a, b, ignored);
 }
 
 void Session::Fail(std::string_view message) {
