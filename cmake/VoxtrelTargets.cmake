@@ -68,10 +68,3 @@ function(voxtrel_test name)
   list(JOIN ARG_LABELS "+" labels)
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES LABELS "${labels}" TIMEOUT 300)
 endfunction()
-
-# While a folder is not there yet.
-function(voxtrel_add_folder folder)
-  if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/${folder}/CMakeLists.txt")
-    add_subdirectory(${folder})
-  endif()
-endfunction()

@@ -15,6 +15,7 @@
 namespace cli {
 namespace {
 
+constexpr int kFailed = 1;
 constexpr int kWrongUsage = 2;
 
 constexpr const char* kFooter = R"(Examples:
@@ -53,9 +54,7 @@ void AddGlobalOptions(CLI::App& app, Options& options) {
   app.add_flag("--json", options.json, "Print one JSON object on standard output");
 }
 
-}  // namespace
-
-int RunCommandLine(int argc, const char* const* argv) {
+int RunCommand(int argc, const char* const* argv) {
   CLI::App app("Voice tags for a speaker-dependent dialer: record, learn, look at, compare.",
                "voxtrel");
   app.footer(kFooter);
@@ -81,6 +80,17 @@ int RunCommandLine(int argc, const char* const* argv) {
     session.Fail(error.what());
   }
   return session.GetExitCode();
+}
+
+}  // namespace
+
+int RunCommandLine(int argc, const char* const* argv) {
+  const int exitCode = RunCommand(argc, argv);
+  if (FlushOutput()) {
+    return exitCode;
+  }
+  PrintErrorLine("voxtrel: standard output did not take all that was to be printed");
+  return exitCode == 0 ? kFailed : exitCode;
 }
 
 }  // namespace cli

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
 #include <iostream>
 #include <system_error>
 
@@ -57,13 +58,27 @@ Session::Session(const Options& options)
 
 Session::~Session() = default;
 
-platform::Platform Session::GetPlatform() {
-  return {GetFiles(), GetWaveIn(),    m_clock,        GetThreads(), m_process,
+platform::Platform Session::GetPlatform() { return GetPlatform(m_clock); }
+
+platform::Platform Session::GetPlatform(platform::Clock& clock) {
+  return {GetFiles(), GetWaveIn(),    clock,          GetThreads(), m_process,
           m_ui,       MakeRegistry(), MakeContacts(), GetWaveOut()};
 }
 
 std::u16string Session::ToSystemPath(const std::string& name) {
-  return text::FromHostName(std::filesystem::absolute(name).native());
+  std::error_code error;
+  const std::filesystem::path path = std::filesystem::absolute(name, error);
+  if (!error) {
+    return text::FromHostName(path.native());
+  }
+  // No name, or the current folder was deleted: whoever opens this reports it. The dot keeps a name
+  // that begins with a backslash from being a path of the device.
+  return name.empty() ? std::u16string() : text::FromHostName("./" + name);
+}
+
+bool Session::AreSameFile(const std::string& a, const std::string& b) {
+  std::error_code ignored;
+  return std::filesystem::equivalent(a, b, ignored);
 }
 
 std::string Session::ToHostPath(std::u16string_view devicePath) const {

@@ -39,6 +39,8 @@ class Session {
 
   [[nodiscard]] const Options& GetOptions() const { return m_options; }
   [[nodiscard]] platform::Platform GetPlatform();
+  /// The same with `clock` in the place of the session's own.
+  [[nodiscard]] platform::Platform GetPlatform(platform::Clock& clock);
   [[nodiscard]] platform::FileSystem& GetFiles();
 
   /// The settings below the root folder, which is made where it is missing.
@@ -58,6 +60,9 @@ class Session {
 
   /// The path under which the system's files know a name from the command line.
   [[nodiscard]] static std::u16string ToSystemPath(const std::string& name);
+
+  /// Whether both names lead to one file that is there.
+  [[nodiscard]] static bool AreSameFile(const std::string& a, const std::string& b);
 
   /// Tells what failed on standard error; the exit code will be 1.
   void Fail(std::string_view message);

@@ -1,11 +1,8 @@
 #include "host/cli/wave_commands.h"
 
 #include <fmt/format.h>
-#include <unistd.h>
 
 #include <CLI/CLI.hpp>
-#include <atomic>
-#include <cstdio>
 #include <memory>
 #include <string>
 
@@ -13,6 +10,7 @@
 #include "audio/wave_header.h"
 #include "host/cli/header_code.h"
 #include "host/cli/output.h"
+#include "host/cli/progress_clock.h"
 #include "voicemath/voice_mathematics.h"
 
 namespace cli {
@@ -20,15 +18,22 @@ namespace {
 
 constexpr std::uint32_t kUtteranceMilliseconds = 3000;
 constexpr std::uint32_t kLongestMilliseconds = 180'000;
-constexpr std::uint32_t kProgressStep = 100;
-constexpr std::uint32_t kProgressWidth = 30;
 
-double ToSeconds(std::uint32_t milliseconds) { return milliseconds / 1000.0; }
+double ToSeconds(std::uint32_t bytes) {
+  constexpr double kBytesPerSecond = audio::kRecordingRate * (audio::kRecordingBits / 8);
+  return bytes / kBytesPerSecond;
+}
 
-/// What no message box has told yet.
-std::string ExplainRecordCode(int code) {
+/// What no message box has told yet, or not in words that fit a file in the microphone's place.
+/// `microphone` is that file; empty where there is none.
+std::string ExplainRecordCode(int code, const std::string& microphone) {
   switch (code) {
+    case audio::kProcessEnded:
+      return microphone.empty() ? std::string() : microphone + ": it cannot be opened";
     case audio::kDeviceNotOpened:
+      if (!microphone.empty()) {
+        return microphone + " is no wave file of 11,025 Hz, mono, 16 bit";
+      }
       return "the microphone could not be opened for 11,025 Hz, mono, 16 bit";
     case audio::kNoBuffer:
       return "there is no memory for so long a recording";
@@ -41,73 +46,27 @@ std::string ExplainRecordCode(int code) {
   }
 }
 
-/// A line on the terminal that shows how far a recording has come; nothing where standard error is
-/// no terminal.
-class ProgressLine {
- public:
-  explicit ProgressLine(std::uint32_t milliseconds)
-      : m_milliseconds(milliseconds), m_isShown(::isatty(STDERR_FILENO) == 1) {}
-  ProgressLine(const ProgressLine&) = delete;
-  ProgressLine& operator=(const ProgressLine&) = delete;
-  ~ProgressLine() {
-    if (m_isDrawn) {
-      fmt::print(stderr, "\n");
-    }
-  }
-
-  void Show(std::uint32_t passed) {
-    if (!m_isShown) {
-      return;
-    }
-    const std::uint32_t done = std::min(passed, m_milliseconds);
-    const std::uint32_t filled =
-        static_cast<std::uint32_t>(std::uint64_t{kProgressWidth} * done / m_milliseconds);
-    fmt::print(stderr, "\rSpeak now  [{:#<{}}{:.<{}}] {:.1f} s of {:.1f} s", "", filled, "",
-               kProgressWidth - filled, ToSeconds(done), ToSeconds(m_milliseconds));
-    std::fflush(stderr);
-    m_isDrawn = true;
-  }
-
- private:
-  std::uint32_t m_milliseconds;
-  bool m_isShown;
-  bool m_isDrawn = false;
-};
-
-/// Records on a worker, so that this thread can show how far it is.
-int RecordWithProgress(const platform::Platform& platform, audio::WaveDevice& device,
-                       const std::u16string& path, std::uint32_t milliseconds) {
-  std::atomic<int> code = audio::kNoBuffer;
-  const auto worker = platform.threads.Start([&] { code = device.Record(path, milliseconds); },
-                                             platform::ThreadStart::kRunning);
-  if (!worker) {
-    return code;
-  }
-  ProgressLine line(milliseconds);
-  std::uint32_t passed = 0;
-  while (worker->Wait(kProgressStep) == platform::WaitResult::kTimedOut) {
-    passed += kProgressStep;
-    line.Show(passed);
-  }
-  return code;
-}
-
 void Record(Session& session, const std::string& file, std::uint32_t milliseconds) {
-  const platform::Platform platform = session.GetPlatform();
-  audio::WaveDevice device(platform);
+  const std::string& microphone = session.GetOptions().microphone;
+  if (Session::AreSameFile(microphone, file)) {
+    throw CLI::ValidationError("record", file + " cannot be microphone and recording at once");
+  }
+  ProgressClock clock(session.GetPlatform().clock, milliseconds);
+  audio::WaveDevice device(session.GetPlatform(clock));
   device.SetFormat(audio::kRecordingBits, audio::kRecordingRate);
-  const int code = RecordWithProgress(platform, device, Session::ToSystemPath(file), milliseconds);
+  const int code = device.Record(Session::ToSystemPath(file), milliseconds);
 
   if (session.GetOptions().json) {
     PrintJson({{"code", code}, {"bytes", device.GetRecordedBytes()}});
   } else if (code == audio::kRecorded) {
-    PrintLine(fmt::format("Recorded {:.1f} s to {}", ToSeconds(milliseconds), file));
+    PrintLine(fmt::format("Recorded {:.1f} s to {}", ToSeconds(device.GetRecordedBytes()), file));
   }
   if (code != audio::kRecorded) {
-    const std::string reason = ExplainRecordCode(code);
-    session.Fail(reason.empty()
-                     ? fmt::format("{} was not recorded", file)
-                     : fmt::format("{} was not recorded: {} (code {})", file, reason, code));
+    std::string reason = ExplainRecordCode(code, microphone);
+    if (!reason.empty()) {
+      reason = code > 0 ? fmt::format(": {} (code {})", reason, code) : ": " + reason;
+    }
+    session.Fail(fmt::format("{} was not recorded{}", file, reason));
   }
 }
 

@@ -39,6 +39,24 @@ TEST_F(WaveCommands, RecordWithoutAMicrophoneSaysSo) {
   EXPECT_FALSE(std::filesystem::exists(Path("new.wav")));
 }
 
+TEST_F(WaveCommands, RecordFromAFileThatIsNoneNamesTheFile) {
+  const auto missing = Run({"--microphone", Path("none.wav"), "wave", "record", Path("new.wav")});
+  EXPECT_EQ(missing.exitCode, 1);
+  EXPECT_THAT(missing.err, HasSubstr("none.wav: it cannot be opened"));
+  std::ofstream(Path("text.wav")) << std::string(50, 'x');
+  const auto text = Run({"--microphone", Path("text.wav"), "wave", "record", Path("new.wav")});
+  EXPECT_EQ(text.exitCode, 1);
+  EXPECT_THAT(text.err, HasSubstr("text.wav is no wave file of 11,025 Hz, mono, 16 bit (code 2)"));
+}
+
+TEST_F(WaveCommands, RecordDoesNotEmptyTheFileThatItIsToHear) {
+  const std::string wave = CopySample("anna_1.wav");
+  const auto run = Run({"--microphone", wave, "wave", "record", Path("./anna_1.wav")});
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_THAT(run.err, HasSubstr("microphone and recording at once"));
+  EXPECT_EQ(std::filesystem::file_size(wave), 66194U);
+}
+
 TEST_F(WaveCommands, RecordIntoAMissingFolderSaysSo) {
   const std::string sample = std::string(VOXTREL_SAMPLES_DIR) + "/anna_1.wav";
   const auto json = RunJson({"--microphone", sample, "wave", "record", Path("none/new.wav")}, 1);

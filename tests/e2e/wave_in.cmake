@@ -18,3 +18,12 @@ voxtrel_test(
           voxtrel_pulse
           voxtrel_sound_support
   LABELS "e2e;threads")
+
+voxtrel_test(
+  record_command_pulse_test
+  SOURCES record_command_pulse_test.cpp
+  DEPENDS voxtrel_sound_support
+  LABELS e2e)
+target_compile_definitions(record_command_pulse_test
+                           PRIVATE VOXTREL_PROGRAM="$<TARGET_FILE:voxtrel>")
+add_dependencies(record_command_pulse_test voxtrel)
