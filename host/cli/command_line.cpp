@@ -16,6 +16,7 @@ constexpr int kWrongUsage = 2;
 
 constexpr const char* kFooter = R"(Examples:
   voxtrel wave record ann.wav                 say a name within three seconds
+  voxtrel wave play ann.wav                   hear it
   voxtrel template learn ann.wav ann.st       find the speech, trim the file to it
   voxtrel template show ann.st                look at the template
   voxtrel template compare ann.st bob.st      how alike two names sound
@@ -33,13 +34,16 @@ void AddGlobalOptions(CLI::App& app, Options& options) {
   app.add_option("--microphone", options.microphone,
                  "Record from this wave file (11,025 Hz, mono, 16 bit) and not from the microphone")
       ->type_name("FILE");
+  app.add_option("--speaker", options.speaker,
+                 "Play into this wave file, in place of what it held, and not to the loudspeaker")
+      ->type_name("FILE");
   app.add_flag("--json", options.json, "Print one JSON object on standard output");
 }
 
 }  // namespace
 
 int RunCommandLine(int argc, const char* const* argv) {
-  CLI::App app("Voice tags for a speaker-dependent dialer: record, learn, look at, compare.",
+  CLI::App app("Voice tags for a speaker-dependent dialer: record, play, learn, look at, compare.",
                "voxtrel");
   app.footer(kFooter);
   app.require_subcommand(1);

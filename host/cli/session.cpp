@@ -5,8 +5,10 @@
 
 #include "host/cli/output.h"
 #include "platform/pulse/pulse_wave_in.h"
+#include "platform/pulse/pulse_wave_out.h"
 #include "platform/text/utf.h"
 #include "platform/wave_file/file_wave_in.h"
+#include "platform/wave_file/file_wave_out.h"
 
 namespace cli {
 namespace {
@@ -40,7 +42,8 @@ Session::Session(const Options& options)
 Session::~Session() = default;
 
 platform::Platform Session::GetPlatform() {
-  return {GetFiles(), GetWaveIn(), m_clock, m_threads, m_process, m_ui};
+  return {GetFiles(), GetWaveIn(), m_clock,    m_threads,   m_process,
+          m_ui,       m_registry,  m_contacts, GetWaveOut()};
 }
 
 std::u16string Session::ToSystemPath(const std::string& name) {
@@ -64,6 +67,18 @@ platform::WaveIn& Session::GetWaveIn() {
     }
   }
   return *m_waveIn;
+}
+
+platform::WaveOut& Session::GetWaveOut() {
+  if (!m_waveOut) {
+    if (m_options.speaker.empty()) {
+      m_waveOut = std::make_unique<pulse::PulseWaveOut>();
+    } else {
+      m_waveOut =
+          std::make_unique<wave_file::FileWaveOut>(GetFiles(), ToSystemPath(m_options.speaker));
+    }
+  }
+  return *m_waveOut;
 }
 
 posix::PosixFileSystem& Session::GetFiles() {

@@ -4,8 +4,10 @@
 #include <string>
 #include <string_view>
 
+#include "platform/headless/headless_contacts.h"
 #include "platform/headless/headless_process.h"
 #include "platform/headless/headless_ui.h"
+#include "platform/headless/memory_registry.h"
 #include "platform/platform.h"
 #include "platform/posix/posix_clock.h"
 #include "platform/posix/posix_file_system.h"
@@ -17,6 +19,7 @@ namespace cli {
 struct Options {
   std::string root;        ///< Empty: the default below the XDG data folder.
   std::string microphone;  ///< Empty: the default input of the sound server.
+  std::string speaker;     ///< Empty: its default output.
   bool json = false;
 };
 
@@ -43,15 +46,20 @@ class Session {
 
  private:
   [[nodiscard]] platform::WaveIn& GetWaveIn();
+  [[nodiscard]] platform::WaveOut& GetWaveOut();
   [[nodiscard]] posix::PosixFileSystem& GetFiles();
 
   const Options& m_options;
   std::unique_ptr<posix::PosixFileSystem> m_files;
   std::unique_ptr<platform::WaveIn> m_waveIn;
+  std::unique_ptr<platform::WaveOut> m_waveOut;
   posix::PosixClock m_clock;
   posix::PosixThreads m_threads;
   headless::HeadlessProcess m_process;
   headless::HeadlessUi m_ui;
+  // No command asks for either yet.
+  headless::MemoryRegistry m_registry;
+  headless::HeadlessContacts m_contacts;
   bool m_failed = false;
 };
 
