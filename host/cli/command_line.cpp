@@ -42,7 +42,7 @@ void AddGlobalOptions(CLI::App& app, Options& options) {
                  "Record from this wave file (11,025 Hz, mono, 16 bit) and not from the microphone")
       ->type_name("FILE");
   app.add_option("--speaker", options.speaker,
-                 "Play into this wave file and not to the loudspeaker")
+                 "Play into this wave file, in place of what it held, and not to the loudspeaker")
       ->type_name("FILE");
   app.add_option(
          "--contacts", options.contacts,
@@ -55,7 +55,7 @@ void AddGlobalOptions(CLI::App& app, Options& options) {
 }
 
 int RunCommand(int argc, const char* const* argv) {
-  CLI::App app("Voice tags for a speaker-dependent dialer: record, learn, look at, compare.",
+  CLI::App app("Voice tags for a speaker-dependent dialer: record, learn, play, compare.",
                "voxtrel");
   app.footer(kFooter);
   app.require_subcommand(1);

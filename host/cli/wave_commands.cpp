@@ -46,6 +46,43 @@ std::string ExplainRecordCode(int code, const std::string& microphone) {
   }
 }
 
+/// Each in words that tell the user where to look.
+std::string ExplainPlayCode(int code, bool isSpeakerFile) {
+  switch (code) {
+    case audio::kSoundNotOpened:
+      return "the file could not be opened: it is missing, in use or not to be read";
+    case audio::kSoundNotMapped:
+      return "the length of the file could not be told, or is 4 GB or more";
+    case audio::kSoundTooShort:
+      return "the file is shorter than the 44 bytes of a wave header";
+    case audio::kSoundNoRiff:
+      return "the file does not begin with \"RIFF\", so it is no wave file";
+    case audio::kSoundNoWave:
+      return "there is no \"WAVE\" in the header, so it is no wave file";
+    case audio::kSoundNotPcm:
+      return "the samples are not PCM (format tag 1)";
+    case audio::kSoundNoData:
+      return "there are no samples that can be played: no \"data\" in the file, more of it claimed "
+             "than the file has, or a header without rate, channels or block length";
+    case audio::kOutputNotOpened:
+      return isSpeakerFile
+                 ? "the speaker file could not be made, or takes no such format"
+                 : "the loudspeaker could not be opened: there is no sound server, it has "
+                   "no output, or it takes no such format";
+    case audio::kNoPlayBuffer:
+      return "there is no memory for the buffer's header";
+    case audio::kNotWritten:
+      return isSpeakerFile ? "the speaker file could not be written"
+                           : "the loudspeaker did not take the sound";
+    case audio::kNotPrepared:
+      return "the buffer could not be prepared: the file has a header and no samples";
+    case audio::kSoundNotRead:
+      return "the file could not be read to its end";
+    default:
+      return "an unknown reason";
+  }
+}
+
 void Record(Session& session, const std::string& file, std::uint32_t milliseconds) {
   const std::string& microphone = session.GetOptions().microphone;
   if (Session::AreSameFile(microphone, file)) {
@@ -70,6 +107,21 @@ void Record(Session& session, const std::string& file, std::uint32_t millisecond
   }
 }
 
+void Play(Session& session, const std::string& file) {
+  audio::WaveDevice device(session.GetPlatform());
+  const int code = device.Play(Session::ToSystemPath(file));
+  if (session.GetOptions().json) {
+    PrintJson({{"code", code}});
+  } else if (code == audio::kPlayed) {
+    PrintLine(fmt::format("Played {}", file));
+  }
+  if (code != audio::kPlayed) {
+    const bool isSpeakerFile = !session.GetOptions().speaker.empty();
+    session.Fail(fmt::format("{} was not played: {} (code {})", file,
+                             ExplainPlayCode(code, isSpeakerFile), code));
+  }
+}
+
 void Check(Session& session, const std::string& file) {
   const platform::Platform platform = session.GetPlatform();
   voicemath::CVoiceMathematics mathematics(platform.files, platform.ui);
@@ -90,7 +142,7 @@ void Check(Session& session, const std::string& file) {
 }  // namespace
 
 void AddWaveCommands(CLI::App& app, Session& session) {
-  CLI::App* wave = app.add_subcommand("wave", "Record and check wave files");
+  CLI::App* wave = app.add_subcommand("wave", "Record, play and check wave files");
   wave->require_subcommand(1);
 
   struct Arguments {
@@ -106,6 +158,10 @@ void AddWaveCommands(CLI::App& app, Session& session) {
       ->capture_default_str();
   record->callback(
       [&session, arguments] { Record(session, arguments->file, arguments->milliseconds); });
+
+  CLI::App* play = wave->add_subcommand("play", "Play a wave file");
+  play->add_option("file", arguments->file, "The wave file")->required();
+  play->callback([&session, arguments] { Play(session, arguments->file); });
 
   CLI::App* check = wave->add_subcommand("check", "Tell whether a wave file can be learned");
   check->add_option("file", arguments->file, "The wave file")->required();
