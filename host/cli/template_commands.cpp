@@ -158,6 +158,9 @@ Json DistancesToJson(const CVoiceMathematics& mathematics, std::int32_t count) {
 }
 
 void Compare(Session& session, const std::vector<std::string>& files) {
+  if (files.size() > CVoiceMathematics::kStoredSlots) {
+    throw CLI::ValidationError("st", "more than 100 templates");
+  }
   const platform::Platform platform = session.GetPlatform();
   const auto mathematics = std::make_unique<CVoiceMathematics>(platform.files, platform.ui);
   for (std::size_t slot = 0; slot < files.size(); ++slot) {
@@ -209,9 +212,7 @@ void AddTemplateCommands(CLI::App& app, Session& session) {
 
   CLI::App* compare =
       group->add_subcommand("compare", "Tell how alike templates are (0 same, at most 2)");
-  compare->add_option("st", arguments->templates, "The template files, at most 100")
-      ->required()
-      ->expected(1, static_cast<int>(CVoiceMathematics::kStoredSlots));
+  compare->add_option("st", arguments->templates, "The template files, at most 100")->required();
   compare->callback([&session, arguments] { Compare(session, arguments->templates); });
 }
 

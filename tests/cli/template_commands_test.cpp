@@ -151,6 +151,20 @@ TEST_F(TemplateCommands, CompareOfOneTemplateHasNoNeighbour) {
   EXPECT_EQ(json, (nlohmann::json{{"distances", {{0.0}}}, {"thresholds", {2.0}}}));
 }
 
+TEST_F(TemplateCommands, HelpOfCompareTakesAsManyTemplatesAsTheCommandDoes) {
+  EXPECT_THAT(Run({"template", "compare", "--help"}).out,
+              HasSubstr("Usage: voxtrel template compare [OPTIONS] st...\n"));
+}
+
+TEST_F(TemplateCommands, CompareTakesAHundredTemplates) {
+  ASSERT_EQ(Run({"template", "learn", CopySample("anna_1.wav"), Path("a.st")}).exitCode, 0);
+  std::vector<std::string> arguments{"template", "compare"};
+  arguments.insert(arguments.end(), 100, Path("a.st"));
+  const auto json = RunJson(arguments, 0);
+  EXPECT_EQ(json["distances"].size(), 100U);
+  EXPECT_EQ(json["thresholds"], nlohmann::json(std::vector<double>(100)));
+}
+
 TEST_F(TemplateCommands, WrongUsageIsTwo) {
   EXPECT_EQ(Run({"template", "learn", Path("a.wav")}).exitCode, 2);
   EXPECT_EQ(Run({"template", "compare"}).exitCode, 2);
