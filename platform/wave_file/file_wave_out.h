@@ -12,8 +12,8 @@ namespace wave_file {
 /// scripts.
 ///
 /// The file is written beside its place, under its name and ".part", and moved there when it is
-/// whole: whatever fails, the file is the earlier one or the new one. Where it cannot be written
-/// there is no device.
+/// whole: whatever fails, the file is the earlier one or the new one. Where it cannot be written,
+/// or while another device is open, there is no device.
 class FileWaveOut final : public platform::WaveOut {
  public:
   /// `files` outlives this and every device opened.
