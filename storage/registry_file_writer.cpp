@@ -94,6 +94,14 @@ std::u16string Dword(std::span<const std::byte> bytes) {
   return std::u16string(kDwordPrefix) + Hex(number, 2 * kDwordBytes);
 }
 
+std::u16string Join(std::u16string_view path, std::u16string_view name) {
+  std::u16string joined(path);
+  if (!joined.empty()) {
+    joined += u'\\';
+  }
+  return joined += name;
+}
+
 class Writer {
  public:
   explicit Writer(platform::Registry& registry) : m_registry(registry) {
@@ -118,7 +126,7 @@ class Writer {
     for (std::uint32_t i = 0; error == RegistryError::kNone; ++i) {
       error = opened.key->EnumerateSubkey(i, name);
       if (error == RegistryError::kNone) {
-        error = WriteKey(path.empty() ? name : path + u'\\' + name);
+        error = WriteKey(Join(path, name));
       }
     }
     return error == RegistryError::kNoMoreItems ? RegistryError::kNone : error;

@@ -114,8 +114,6 @@ MemoryRegistry::MemoryRegistry(const std::vector<std::u16string>& initialKeys,
   }
 }
 
-MemoryRegistry::~MemoryRegistry() = default;
-
 OpenedKey MemoryRegistry::OpenKey(std::u16string_view path) {
   const auto names = platform::SplitKeyPath(path);
   if (!names) {

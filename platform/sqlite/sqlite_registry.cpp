@@ -61,8 +61,6 @@ class SqliteRegistry::Key final : public platform::RegistryKey {
 SqliteRegistry::SqliteRegistry(std::filesystem::path database, RegistryOptions options)
     : m_database(std::move(database)), m_options(std::move(options)), m_gate(m_options.busyLimit) {}
 
-SqliteRegistry::~SqliteRegistry() = default;
-
 OpenedKey SqliteRegistry::OpenKey(std::u16string_view path) { return OpenWith(path, FindPath); }
 
 OpenedKey SqliteRegistry::CreateKey(std::u16string_view path) {
