@@ -20,6 +20,7 @@ constexpr int kWrongUsage = 2;
 
 constexpr const char* kFooter = R"(Examples:
   voxtrel wave record ann.wav                 say a name within three seconds
+  voxtrel wave play ann.wav                   hear it
   voxtrel template learn ann.wav ann.st       find the speech, trim the file to it
   voxtrel template show ann.st                look at the template
   voxtrel template compare ann.st bob.st      how alike two names sound

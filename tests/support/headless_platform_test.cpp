@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "audio/wave_header.h"
 #include "tests/support/failing_file_system.h"
 
 namespace {
@@ -18,7 +19,7 @@ TEST(HeadlessPlatform, EachMemberIsTheBackEndOfThatName) {
   EXPECT_EQ(headless.ui.GetMessages().size(), 1U);
   EXPECT_NE(platform.threads.CreateManualResetEvent(), nullptr);
   EXPECT_EQ(platform.waveIn.GetDeviceCount(), 1U);
-  EXPECT_NE(platform.waveOut.Open({}).device, nullptr);
+  EXPECT_NE(platform.waveOut.Open(audio::MonoPcm(16, 11025)).device, nullptr);
   EXPECT_NE(platform.registry.CreateKey(u"a").key, nullptr);
   EXPECT_TRUE(platform.contacts.Initialize());
 }
@@ -27,7 +28,8 @@ TEST(HeadlessPlatform, OtherFilesMayTakeThePlaceOfItsOwn) {
   support::HeadlessPlatform headless;
   support::FailingFileSystem failing(headless.files);
   failing.FailCall(1, support::Failing::kOnce, platform::FileError::kDiskFull);
-  EXPECT_EQ(headless.GetWith(failing, headless.registry).files.CreateFolder(u"\\a"), platform::FileError::kDiskFull);
+  EXPECT_EQ(headless.GetWith(failing, headless.registry).files.CreateFolder(u"\\a"),
+            platform::FileError::kDiskFull);
 }
 
 }  // namespace
