@@ -23,8 +23,8 @@ std::vector<std::byte> Sound(std::size_t bytes) {
 std::vector<std::byte> WithHeader(std::span<const std::byte> samples) {
   const auto header =
       audio::MakeWaveHeader(audio::MonoPcm(16, 11025), static_cast<std::uint32_t>(samples.size()));
-  std::vector<std::byte> file(header.begin(), header.end());
-  file.insert(file.end(), samples.begin(), samples.end());
+  std::vector<std::byte> file(header.size() + samples.size());
+  std::ranges::copy(samples, std::ranges::copy(header, file.begin()).out);
   return file;
 }
 
