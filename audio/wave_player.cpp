@@ -13,7 +13,6 @@
 
 namespace audio {
 
-using platform::FileError;
 using platform::WaveResult;
 
 namespace {

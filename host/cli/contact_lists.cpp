@@ -1,6 +1,7 @@
 #include "host/cli/contact_lists.h"
 
 #include <algorithm>
+#include <compare>
 
 #include "platform/text/collation.h"
 
@@ -9,7 +10,7 @@ namespace cli {
 void ContactLists::AddNumber(std::u16string_view text) {
   const auto place = std::upper_bound(m_numbers.begin(), m_numbers.end(), text,
                                       [](std::u16string_view a, std::u16string_view b) {
-                                        return text::CompareForDisplay(a, b) < 0;
+                                        return std::is_lt(text::CompareForDisplay(a, b));
                                       });
   m_numbers.emplace(place, text);
 }

@@ -20,8 +20,8 @@ constexpr std::uint32_t kUtteranceMilliseconds = 3000;
 constexpr std::uint32_t kLongestMilliseconds = 180'000;
 
 double ToSeconds(std::uint32_t bytes) {
-  constexpr double kBytesPerSecond = audio::kRecordingRate * (audio::kRecordingBits / 8);
-  return bytes / kBytesPerSecond;
+  constexpr std::uint32_t kBytesPerSample = audio::kRecordingBits / 8;
+  return static_cast<double>(bytes) / (audio::kRecordingRate * kBytesPerSample);
 }
 
 /// What no message box has told yet, or not in words that fit a file in the microphone's place.

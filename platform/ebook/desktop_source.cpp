@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <compare>
 #include <condition_variable>
 #include <cstdint>
 #include <memory>
@@ -65,7 +66,7 @@ void SortForReading(std::vector<ContactData>& contacts) {
   }
   std::sort(named.begin(), named.end(), [](const auto& a, const auto& b) {
     const auto order = text::CompareForDisplay(a.first, b.first);
-    return order != 0 ? order < 0 : a.second.uid < b.second.uid;
+    return std::is_neq(order) ? std::is_lt(order) : a.second.uid < b.second.uid;
   });
   std::transform(named.begin(), named.end(), contacts.begin(),
                  [](auto& entry) { return std::move(entry.second); });

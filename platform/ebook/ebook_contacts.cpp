@@ -116,6 +116,7 @@ bool EbookContacts::Fail(Problem problem) {
 
 bool EbookContacts::TakeContacts(std::vector<Book>& books) {
   std::vector<SourceContacts> identities;
+  identities.reserve(books.size());
   for (const Book& book : books) {
     identities.push_back({book.name, IdentitiesOf(book.contacts)});
   }

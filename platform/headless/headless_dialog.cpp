@@ -1,6 +1,7 @@
 #include "platform/headless/headless_dialog.h"
 
 #include <algorithm>
+#include <compare>
 
 #include "platform/dialog_units.h"
 #include "platform/headless/stroke_canvas.h"
@@ -142,7 +143,7 @@ int HeadlessDialog::AddItem(int id, std::u16string_view text) {
   if (control->description.kind == ControlKind::kSortedComboBox) {
     at = std::ranges::upper_bound(control->items, text,
                                   [](std::u16string_view a, std::u16string_view b) {
-                                    return text::CompareForDisplay(a, b) < 0;
+                                    return std::is_lt(text::CompareForDisplay(a, b));
                                   });
   }
   return static_cast<int>(control->items.insert(at, std::u16string(text)) - control->items.begin());
