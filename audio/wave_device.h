@@ -23,9 +23,27 @@ enum RecordCode : int {
   kProcessEnded = -1,  ///< Seen only in a host that ends just the applet: leave at once.
 };
 
-/// The recorder of the Learning page: takes one utterance of fixed length from the default wave
-/// input and writes it as a wave file. Used by one thread at a time; while a recording runs on a
-/// worker, nobody else touches the object.
+/// Result codes of WaveDevice::Play.
+enum PlayCode : int {
+  kPlayed = 0,
+  kSoundNotOpened = 1,
+  kSoundNotMapped = 2,  ///< Its length cannot be told, or it is longer than such a file can be.
+  kSoundTooShort = 3,
+  kSoundNoRiff = 4,
+  kSoundNoWave = 5,
+  kSoundNotPcm = 6,
+  kSoundNoData = 7,  ///< No usable data, or a header that no device can play.
+  kOutputNotOpened = 8,
+  kNoPlayBuffer = 9,
+  kNotWritten = 10,
+  kNotPrepared = 101,
+  kSoundNotRead = 202,
+};
+
+/// The recorder and player of the Learning page: takes one utterance of fixed length from the
+/// default wave input and writes it as a wave file; plays a wave file through the default wave
+/// output. Used by one thread at a time; while a recording runs on a worker, nobody else touches
+/// the object.
 class WaveDevice {
  public:
   explicit WaveDevice(const platform::Platform& platform);
@@ -48,6 +66,11 @@ class WaveDevice {
   /// for the length of the recording: its end is found by sleeping, no notice is awaited.
   [[nodiscard]] int Record(std::u16string_view path, std::uint32_t milliseconds);
 
+  /// Plays the wave file at `path` and returns a PlayCode; shows no message. Blocks for a time that
+  /// is computed beforehand, since no notice of the end is awaited. Everything is released on every
+  /// path.
+  [[nodiscard]] int Play(std::u16string_view path);
+
   /// Bytes of samples in the file that Record wrote last.
   [[nodiscard]] std::uint32_t GetRecordedBytes() const { return m_recordedBytes; }
 
@@ -57,13 +80,16 @@ class WaveDevice {
   std::unique_ptr<platform::WaveInDevice> m_waveIn;
   std::unique_ptr<platform::WaveOutDevice> m_waveOut;  ///< Of the player.
   std::unique_ptr<platform::File> m_file;
-  std::vector<std::byte> m_view;  ///< Of the player: the mapped file.
+  std::vector<std::byte> m_view;  ///< Of the player: the whole file.
 
  private:
   [[nodiscard]] RecordCode StartInput(std::uint32_t milliseconds);
   void ReleaseInput();
   [[nodiscard]] bool WriteRecording();
   [[nodiscard]] bool CloseFile();
+  [[nodiscard]] PlayCode ReadSound(std::u16string_view path);
+  [[nodiscard]] PlayCode PlaySound();
+  void ReleaseOutput();
   void ShowTopmost(std::u16string text);
 
   platform::Platform m_platform;

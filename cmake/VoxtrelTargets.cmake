@@ -49,6 +49,9 @@ function(voxtrel_headers name)
   target_link_libraries(voxtrel_${name} INTERFACE voxtrel_options ${ARG_DEPENDS})
 endfunction()
 
+# All test programs that are labelled "threads", for a build that runs no others.
+add_custom_target(thread_tests)
+
 # voxtrel_test(NAME SOURCES ... DEPENDS ... [LABELS ...]): one test program; each case is one test.
 function(voxtrel_test name)
   cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS;LABELS" ${ARGN})
@@ -57,15 +60,11 @@ function(voxtrel_test name)
   if(NOT ARG_LABELS)
     set(ARG_LABELS "${name}")
   endif()
+  if("threads" IN_LIST ARG_LABELS)
+    add_dependencies(thread_tests ${name})
+  endif()
   # A list does not survive the discovery: its second label would be taken for a property's name. As
   # ctest selects labels by regular expression, each one is found in the joined text.
   list(JOIN ARG_LABELS "+" labels)
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES LABELS "${labels}" TIMEOUT 300)
-endfunction()
-
-# While a folder is not there yet.
-function(voxtrel_add_folder folder)
-  if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/${folder}/CMakeLists.txt")
-    add_subdirectory(${folder})
-  endif()
 endfunction()

@@ -1,11 +1,14 @@
 #pragma once
 
 #include "platform/clock.h"
+#include "platform/contacts_store.h"
 #include "platform/file_system.h"
 #include "platform/process.h"
+#include "platform/registry.h"
 #include "platform/threads.h"
 #include "platform/ui.h"
 #include "platform/wave_in.h"
+#include "platform/wave_out.h"
 
 namespace platform {
 
@@ -18,6 +21,9 @@ struct Platform {
   Threads& threads;
   Process& process;
   Ui& ui;
+  Registry& registry;
+  ContactsStore& contacts;
+  WaveOut& waveOut;
 };
 
 }  // namespace platform

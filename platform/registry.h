@@ -117,14 +117,18 @@ class RegistryGroup {
   RegistryGroup(const RegistryGroup&) = delete;
   RegistryGroup& operator=(const RegistryGroup&) = delete;
   ~RegistryGroup() {
-    if (m_open) m_registry.CancelGroup();
+    if (m_open) {
+      m_registry.CancelGroup();
+    }
   }
 
   /// kNone where the group is open; else no change may be made.
   [[nodiscard]] RegistryError BeginError() const { return m_beginError; }
 
   [[nodiscard]] RegistryError Commit() {
-    if (!m_open) return m_beginError == kBegun ? RegistryError::kInvalid : m_beginError;
+    if (!m_open) {
+      return m_beginError == kBegun ? RegistryError::kInvalid : m_beginError;
+    }
     m_open = false;
     return m_registry.CommitGroup();
   }

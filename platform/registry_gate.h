@@ -27,7 +27,9 @@ class RegistryGate {
   [[nodiscard]] std::unique_lock<std::mutex> Enter() {
     std::unique_lock lock(m_mutex);
     const auto free = [this] { return !m_groupIsOpen || m_owner == std::this_thread::get_id(); };
-    if (!m_groupEnded.wait_for(lock, m_limit, free)) lock.unlock();
+    if (!m_groupEnded.wait_for(lock, m_limit, free)) {
+      lock.unlock();
+    }
     return lock;
   }
 

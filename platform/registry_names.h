@@ -26,13 +26,19 @@ namespace platform {
 [[nodiscard]] inline std::optional<std::vector<std::u16string_view>> SplitKeyPath(
     std::u16string_view path) {
   std::vector<std::u16string_view> names;
-  if (path.empty()) return names;
+  if (path.empty()) {
+    return names;
+  }
   while (true) {
     const std::size_t end = path.find(u'\\');
     const std::u16string_view name = path.substr(0, end);
-    if (!IsKeyName(name) || names.size() == kMaxKeyDepth) return std::nullopt;
+    if (!IsKeyName(name) || names.size() == kMaxKeyDepth) {
+      return std::nullopt;
+    }
     names.push_back(name);
-    if (end == std::u16string_view::npos) return names;
+    if (end == std::u16string_view::npos) {
+      return names;
+    }
     path.remove_prefix(end + 1);
   }
 }

@@ -4,6 +4,7 @@
 #include <functional>
 #include <limits>
 #include <memory>
+#include <string_view>
 
 namespace platform {
 
@@ -44,6 +45,21 @@ class Event {
   [[nodiscard]] virtual WaitResult Wait(std::uint32_t milliseconds) = 0;
 };
 
+/// A mutex known by its name to all processes on the device. Goes with its last holder, also where
+/// that is killed.
+class NamedMutex {
+ public:
+  NamedMutex() = default;
+  NamedMutex(const NamedMutex&) = delete;
+  NamedMutex& operator=(const NamedMutex&) = delete;
+  virtual ~NamedMutex() = default;
+};
+
+struct CreatedMutex {
+  std::unique_ptr<NamedMutex> mutex;  ///< Null where another holder has it, or none can be made.
+  bool existed = false;               ///< Another holder has it.
+};
+
 enum class ThreadStart : std::uint8_t { kRunning, kSuspended };
 
 /// Threads and what they wait for. May be called from any thread.
@@ -60,6 +76,8 @@ class Threads {
 
   /// An event, not signalled; null where the system has none to give.
   [[nodiscard]] virtual std::unique_ptr<Event> CreateManualResetEvent() = 0;
+
+  [[nodiscard]] virtual CreatedMutex CreateNamedMutex(std::u16string_view name) = 0;
 };
 
 }  // namespace platform

@@ -1,8 +1,13 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
+#include <string_view>
 #include <utility>
+
+#include "platform/dialog_handler.h"
+#include "resources/dialog_template.h"
 
 namespace platform {
 
@@ -46,6 +51,16 @@ struct MessageBox {
 
 enum class MessageAnswer : std::uint8_t { kOk, kCancel };
 
+enum class Sound : std::uint8_t { kExclamation };
+
+enum class Cursor : std::uint8_t { kNormal, kWait };
+
+/// One page of a property sheet.
+struct SheetPage {
+  const resources::DialogTemplate& dialog;
+  DialogHandler& handler;
+};
+
 /// What the system shows and sounds outside its own windows. May be called from any thread; a box
 /// asked for by a worker thread appears and blocks that worker alone.
 class Ui {
@@ -58,6 +73,23 @@ class Ui {
   /// Shows `box` and returns when the user has answered. The text is data: nothing in it is
   /// interpreted.
   virtual MessageAnswer ShowMessage(const MessageBox& box) = 0;
+
+  virtual void Beep(Sound sound) = 0;
+
+  // The rest belongs to the thread that runs the user interface.
+
+  virtual void SetCursor(Cursor cursor) = 0;
+
+  /// Builds a dialog from its template, hands it to `handler`, and runs it until EndDialog, whose
+  /// result it returns. Where the dialog was ended while it was set up it is never shown.
+  [[nodiscard]] virtual int RunDialog(const resources::DialogTemplate& dialog,
+                                      DialogHandler& handler) = 0;
+
+  /// Runs a property sheet until the user closes it, and returns true where that was by OK. A page
+  /// is set up when it is first shown; the first page is shown first. OK calls OnOK of every page
+  /// that was set up. `handler` may be called for the sheet's own help.
+  [[nodiscard]] virtual bool RunSheet(std::u16string_view caption, std::span<const SheetPage> pages,
+                                      SheetHandler& handler) = 0;
 };
 
 }  // namespace platform

@@ -20,6 +20,15 @@ struct WaveFormat {
 
 inline constexpr std::uint16_t kFormatTagPcm = 1;
 
+/// Whether this is PCM whose fields agree with each other: a rate, channels, and whole bytes for
+/// each sample. The average of bytes per second is not looked at; players are known to fill in
+/// something else.
+[[nodiscard]] constexpr bool IsWholeBytePcm(const WaveFormat& format) {
+  return format.formatTag == kFormatTagPcm && format.channels > 0 && format.samplesPerSecond > 0 &&
+         format.bitsPerSample > 0 && format.bitsPerSample % 8 == 0 &&
+         format.blockAlign == format.channels * (format.bitsPerSample / 8);
+}
+
 /// One buffer on its way through a wave device. The caller owns the memory.
 struct WaveHeader {
   std::byte* data = nullptr;

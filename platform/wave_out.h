@@ -1,11 +1,18 @@
 #pragma once
 
+#include <cstdint>
+#include <memory>
+
 #include "platform/wave_format.h"
 
 namespace platform {
 
-/// An open output device that plays one queued buffer. Used by one thread at a time. The
-/// destructor resets and closes.
+/// An open output device that plays one queued buffer. Used by one thread at a time.
+///
+/// The device may read the queued memory at any time, from a thread of its own too, and never
+/// writes to it. No call blocks for longer than a fixed limit of the back end (a few seconds),
+/// whatever the device does. After Close every operation but Close itself fails with kNoDevice. The
+/// destructor closes.
 class WaveOutDevice {
  public:
   WaveOutDevice() = default;
@@ -13,19 +20,47 @@ class WaveOutDevice {
   WaveOutDevice& operator=(const WaveOutDevice&) = delete;
   virtual ~WaveOutDevice() = default;
 
+  /// Makes the header fit to be queued and sets kWaveHeaderPrepared in its flags; once more does no
+  /// harm. kFailed where it has no memory, kStillPlaying while it is queued.
   [[nodiscard]] virtual WaveResult Prepare(WaveHeader& header) = 0;
 
-  /// Hands the buffer to the device, which only reads it. Its memory must stay until Unprepare
-  /// succeeded, Reset or Close.
+  /// Queues a prepared header and starts to play it. Its memory must stay as it is until Unprepare
+  /// succeeded, Reset or Close. Bytes at its end that are no whole sample block are not played.
+  /// kNotPrepared for a header that lacks the flag, kStillPlaying while a header is queued, for
+  /// there is room for one, kNoDevice where the device went away, kFailed where it cannot take the
+  /// sound; after a failure the header is not queued.
   [[nodiscard]] virtual WaveResult Write(WaveHeader& header) = 0;
 
-  /// kStillPlaying while the buffer has not been played to its end; else the header is released.
+  /// While the header is queued: kStillPlaying until it was heard to its end, or kNoDevice where
+  /// that will never be because the device went away; the header stays queued. Else kOk: the header
+  /// is released and no longer prepared. A header that is not queued is released as it is.
   [[nodiscard]] virtual WaveResult Unprepare(WaveHeader& header) = 0;
 
-  /// Stops at once and gives back the queued buffer.
+  /// Stops at once and gives back the queued header, if any, still prepared.
   [[nodiscard]] virtual WaveResult Reset() = 0;
 
+  /// Stops at once, gives up the device and a header still queued. Once more does no harm.
   [[nodiscard]] virtual WaveResult Close() = 0;
+};
+
+struct OpenedWaveOut {
+  std::unique_ptr<WaveOutDevice> device;  ///< Null exactly where `result` is not kOk.
+  WaveResult result = WaveResult::kFailed;
+};
+
+/// The default wave output. May be called from any thread.
+class WaveOut {
+ public:
+  WaveOut() = default;
+  WaveOut(const WaveOut&) = delete;
+  WaveOut& operator=(const WaveOut&) = delete;
+  virtual ~WaveOut() = default;
+
+  /// Opens the default output for sound of `format`, whose average of bytes per second is not
+  /// looked at. kBadFormat where that is not PCM, has no whole bytes for the samples of each
+  /// channel or is not to be had; kNoDevice where there is no output, or none that answers within
+  /// the limit.
+  [[nodiscard]] virtual OpenedWaveOut Open(const WaveFormat& format) = 0;
 };
 
 }  // namespace platform

@@ -10,7 +10,9 @@ namespace storage {
   constexpr char16_t kFirstLeading = 0xD800;
   constexpr char16_t kLastLeading = 0xDBFF;
   constexpr char16_t kLastTrailing = 0xDFFF;
-  if (text.size() <= units) return text;
+  if (text.size() <= units) {
+    return text;
+  }
   const bool splitsPair = units > 0 && text[units - 1] >= kFirstLeading &&
                           text[units - 1] <= kLastLeading && text[units] > kLastLeading &&
                           text[units] <= kLastTrailing;

@@ -38,15 +38,21 @@ FolderResult FolderRule::EnsureTemplateFolder() const {
 }
 
 FolderResult FolderRule::Ensure(const Step& dataFolder) const {
-  if (Exists(dataFolder.folder)) return FolderResult::kReady;
+  if (Exists(dataFolder.folder)) {
+    return FolderResult::kReady;
+  }
   const std::array steps{Step{kProgramFilesFolder, resources::kNoProgramFilesFolder},
                          Step{kMakerFolder, resources::kNoMakerFolder},
                          Step{kInstallFolder, resources::kNoInstallFolder}, dataFolder};
   for (const Step& step : steps) {
-    if (Exists(step.folder)) continue;
+    if (Exists(step.folder)) {
+      continue;
+    }
     const FileError error = m_files.CreateFolder(step.folder);
     // Another program may have made it since it was looked for.
-    if (error == FileError::kNone || error == FileError::kAlreadyExists) continue;
+    if (error == FileError::kNone || error == FileError::kAlreadyExists) {
+      continue;
+    }
     m_ui.ShowMessage({std::u16string(m_texts(step.failure)), platform::MessageCaption::kNone, {}});
     m_process.End(kExitCode);
     return FolderResult::kEnded;

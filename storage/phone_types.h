@@ -33,7 +33,9 @@ inline constexpr std::array<PhoneType, 10> kPhoneTypes{{
 /// error: such a tag is shown without a number.
 [[nodiscard]] constexpr std::optional<PhoneType> FindPhoneType(std::u16string_view word) {
   for (const PhoneType& type : kPhoneTypes) {
-    if (type.word == word) return type;
+    if (type.word == word) {
+      return type;
+    }
   }
   return std::nullopt;
 }

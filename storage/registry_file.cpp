@@ -13,7 +13,9 @@ class CurrentKey {
 
   /// Opens the key of `path`, made where it is missing.
   RegistryError MoveTo(const std::u16string& path) {
-    if (m_key.key && m_path == path) return RegistryError::kNone;
+    if (m_key.key && m_path == path) {
+      return RegistryError::kNone;
+    }
     m_key = m_registry.CreateKey(path);
     m_path = path;
     return m_key.error;
@@ -66,7 +68,9 @@ std::optional<RegistryFileError> ApplyRegistryChanges(platform::Registry& regist
     }
   }
   const RegistryError error = group.Commit();
-  if (error != RegistryError::kNone) return RegistryFileError{0, ExplainRegistryError(error)};
+  if (error != RegistryError::kNone) {
+    return RegistryFileError{0, ExplainRegistryError(error)};
+  }
   return std::nullopt;
 }
 

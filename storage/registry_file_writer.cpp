@@ -26,11 +26,17 @@ bool IsLeading(char16_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
 /// Whether an editor shows the text as it is and keeps it so.
 bool IsPlain(std::u16string_view text) {
   for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text[i] < u' ' || text[i] == u'\x7F' || text[i] == kByteOrderMark) return false;
-    if (!IsSurrogate(text[i])) continue;
+    if (text[i] < u' ' || text[i] == u'\x7F' || text[i] == kByteOrderMark) {
+      return false;
+    }
+    if (!IsSurrogate(text[i])) {
+      continue;
+    }
     const bool isPair = IsLeading(text[i]) && i + 1 < text.size() && IsSurrogate(text[i + 1]) &&
                         !IsLeading(text[i + 1]);
-    if (!isPair) return false;
+    if (!isPair) {
+      return false;
+    }
     ++i;
   }
   return true;
@@ -43,7 +49,9 @@ std::optional<std::u16string> PlainText(const RegistryValue& value) {
     return std::nullopt;
   }
   std::u16string text = FromUtf16Bytes(bytes);
-  if (text.back() != u'\0') return std::nullopt;
+  if (text.back() != u'\0') {
+    return std::nullopt;
+  }
   text.pop_back();
   return IsPlain(text) ? std::optional(std::move(text)) : std::nullopt;
 }
@@ -52,21 +60,27 @@ std::u16string Hex(std::uint32_t number, std::size_t digits) {
   constexpr std::u16string_view kDigits = u"0123456789abcdef";
   constexpr unsigned kBitsOfDigit = 4;
   std::u16string text(digits, u'0');
-  for (std::size_t i = digits; i > 0; number >>= kBitsOfDigit) text[--i] = kDigits[number & 0xF];
+  for (std::size_t i = digits; i > 0; number >>= kBitsOfDigit) {
+    text[--i] = kDigits[number & 0xF];
+  }
   return text;
 }
 
 std::u16string Quoted(std::u16string_view text) {
   std::u16string quoted = u"\"";
   for (const char16_t unit : text) {
-    if (unit == u'"' || unit == u'\\') quoted += u'\\';
+    if (unit == u'"' || unit == u'\\') {
+      quoted += u'\\';
+    }
     quoted += unit;
   }
   return quoted + u'"';
 }
 
 std::u16string HexPrefix(RegistryType type) {
-  if (type == RegistryType::kBinary) return u"hex:";
+  if (type == RegistryType::kBinary) {
+    return u"hex:";
+  }
   const std::u16string digits = Hex(static_cast<std::uint32_t>(type), 8);
   const std::size_t first = std::min(digits.find_first_not_of(u'0'), digits.size() - 1);
   return u"hex(" + digits.substr(first) + u"):";
@@ -78,6 +92,14 @@ std::u16string Dword(std::span<const std::byte> bytes) {
     number |= std::to_integer<std::uint32_t>(bytes[i]) << (kBitsOfByte * i);
   }
   return std::u16string(kDwordPrefix) + Hex(number, 2 * kDwordBytes);
+}
+
+std::u16string Join(std::u16string_view path, std::u16string_view name) {
+  std::u16string joined(path);
+  if (!joined.empty()) {
+    joined += u'\\';
+  }
+  return joined += name;
 }
 
 class Writer {
@@ -96,13 +118,16 @@ class Writer {
   // Keys nest no deeper than the registry lets them.
   RegistryError WriteKey(const std::u16string& path) {
     const platform::OpenedKey opened = m_registry.OpenKey(path);
-    if (!opened.key) return opened.error;
+    if (!opened.key) {
+      return opened.error;
+    }
     RegistryError error = WriteValues(path, *opened.key);
     std::u16string name;
     for (std::uint32_t i = 0; error == RegistryError::kNone; ++i) {
       error = opened.key->EnumerateSubkey(i, name);
-      if (error == RegistryError::kNone)
-        error = WriteKey(path.empty() ? name : path + u'\\' + name);
+      if (error == RegistryError::kNone) {
+        error = WriteKey(Join(path, name));
+      }
     }
     return error == RegistryError::kNoMoreItems ? RegistryError::kNone : error;
   }
@@ -111,11 +136,15 @@ class Writer {
     std::u16string name;
     RegistryError error = key.EnumerateValue(0, name);
     // The root is there in every store, so it is worth a line only for its values.
-    if (error == RegistryError::kNone || !path.empty()) WriteHeading(path);
+    if (error == RegistryError::kNone || !path.empty()) {
+      WriteHeading(path);
+    }
     for (std::uint32_t i = 1; error == RegistryError::kNone; ++i) {
       RegistryValue value;
       error = key.Query(name, value);
-      if (error != RegistryError::kNone) return error;
+      if (error != RegistryError::kNone) {
+        return error;
+      }
       WriteValue(name, value);
       error = key.EnumerateValue(i, name);
     }
@@ -126,7 +155,9 @@ class Writer {
     m_text += kLineEnd;
     m_text += u'[';
     m_text += kRootName;
-    if (!path.empty()) m_text += u'\\';
+    if (!path.empty()) {
+      m_text += u'\\';
+    }
     m_text += path;
     m_text += u']';
     m_text += kLineEnd;
@@ -150,9 +181,13 @@ class Writer {
   void WriteBytes(std::span<const std::byte> bytes, std::size_t lineStart) {
     for (std::size_t i = 0; i < bytes.size(); ++i) {
       m_text += Hex(std::to_integer<std::uint32_t>(bytes[i]), 2);
-      if (i + 1 == bytes.size()) break;
+      if (i + 1 == bytes.size()) {
+        break;
+      }
       m_text += u',';
-      if (m_text.size() - lineStart < kLastColumn) continue;
+      if (m_text.size() - lineStart < kLastColumn) {
+        continue;
+      }
       m_text += u'\\';
       m_text += kLineEnd;
       lineStart = m_text.size();
@@ -169,11 +204,17 @@ class Writer {
 RegistryError WriteRegistryFile(platform::Registry& registry, std::vector<std::byte>& file) {
   // Within a group, so that the file is one state of the registry.
   platform::RegistryGroup group(registry);
-  if (group.BeginError() != RegistryError::kNone) return group.BeginError();
+  if (group.BeginError() != RegistryError::kNone) {
+    return group.BeginError();
+  }
   Writer writer(registry);
   RegistryError error = writer.WriteTree();
-  if (error == RegistryError::kNone) error = group.Commit();
-  if (error == RegistryError::kNone) file = writer.GetBytes();
+  if (error == RegistryError::kNone) {
+    error = group.Commit();
+  }
+  if (error == RegistryError::kNone) {
+    file = writer.GetBytes();
+  }
   return error;
 }
 

@@ -16,16 +16,22 @@ std::vector<std::byte> ToTagValue(std::u16string_view text) {
 }
 
 std::u16string TextOfValue(const platform::RegistryValue& value) {
-  if (value.type != platform::RegistryType::kString) return {};
+  if (value.type != platform::RegistryType::kString) {
+    return {};
+  }
   return std::u16string(UpToZero(FromUtf16Bytes(value.bytes)));
 }
 
 std::optional<std::int32_t> ParseOid(std::u16string_view text) {
   constexpr std::int64_t kBase = 10;
   std::size_t at = 0;
-  while (at < text.size() && (text[at] == u' ' || text[at] == u'\t')) ++at;
+  while (at < text.size() && (text[at] == u' ' || text[at] == u'\t')) {
+    ++at;
+  }
   const bool isNegative = at < text.size() && text[at] == u'-';
-  if (at < text.size() && (text[at] == u'-' || text[at] == u'+')) ++at;
+  if (at < text.size() && (text[at] == u'-' || text[at] == u'+')) {
+    ++at;
+  }
   const std::size_t firstDigit = at;
   std::int64_t number = 0;
   for (; at < text.size() && text[at] >= u'0' && text[at] <= u'9'; ++at) {
@@ -36,7 +42,9 @@ std::optional<std::int32_t> ParseOid(std::u16string_view text) {
       return std::nullopt;
     }
   }
-  if (at == firstDigit) return std::nullopt;
+  if (at == firstDigit) {
+    return std::nullopt;
+  }
   return static_cast<std::int32_t>(number);
 }
 

@@ -42,7 +42,9 @@ const TagRecord* TagTable::GetRecord(std::int32_t index) const {
 }
 
 void TagTable::Remove(std::int32_t index) {
-  if (!HasRoomFor(index) || index >= tagCount) return;
+  if (!HasRoomFor(index) || index >= tagCount) {
+    return;
+  }
   const auto removed = m_records.begin() + index;
   *std::move(removed + 1, m_records.end(), removed) = {};
   --tagCount;

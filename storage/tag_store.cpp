@@ -37,7 +37,9 @@ class FilesOnly final : public platform::FileSearch {
     platform::FoundFile next;
     do {
       const FileError error = m_search->Next(next);
-      if (error != FileError::kNone) return error;
+      if (error != FileError::kNone) {
+        return error;
+      }
     } while (next.isFolder);
     found = std::move(next);
     return FileError::kNone;
@@ -49,12 +51,20 @@ class FilesOnly final : public platform::FileSearch {
 
 platform::StartedSearch FindFiles(platform::FileSystem& files, std::u16string_view pattern) {
   platform::StartedSearch started = files.FindFirst(pattern);
-  if (!started.search) return started;
+  if (!started.search) {
+    return started;
+  }
   started.search = std::make_unique<FilesOnly>(std::move(started.search));
-  if (!started.first.isFolder) return started;
+  if (!started.first.isFolder) {
+    return started;
+  }
   started.error = started.search->Next(started.first);
-  if (started.error == FileError::kNoMoreFiles) started.error = FileError::kNotFound;
-  if (started.error != FileError::kNone) started.search.reset();
+  if (started.error == FileError::kNoMoreFiles) {
+    started.error = FileError::kNotFound;
+  }
+  if (started.error != FileError::kNone) {
+    started.search.reset();
+  }
   return started;
 }
 
@@ -62,8 +72,12 @@ platform::StartedSearch FindFiles(platform::FileSystem& files, std::u16string_vi
 
 bool TagNames::Get(std::uint32_t index, std::u16string& name) const {
   std::u16string found;
-  if (m_key->EnumerateSubkey(index, found) != RegistryError::kNone) return false;
-  if (found.size() > kMaxLength) return false;
+  if (m_key->EnumerateSubkey(index, found) != RegistryError::kNone) {
+    return false;
+  }
+  if (found.size() > kMaxLength) {
+    return false;
+  }
   name = std::move(found);
   return true;
 }
@@ -71,16 +85,26 @@ bool TagNames::Get(std::uint32_t index, std::u16string& name) const {
 RegistryError TagStore::WriteEntry(std::u16string_view tagName, std::int32_t oid,
                                    std::u16string_view phoneType) const {
   platform::RegistryGroup group(m_registry);
-  if (group.BeginError() != RegistryError::kNone) return group.BeginError();
+  if (group.BeginError() != RegistryError::kNone) {
+    return group.BeginError();
+  }
   const std::u16string path = EntryPath(tagName);
   platform::OpenedKey entry = m_registry.OpenKey(path);
-  if (!entry.key) entry = m_registry.CreateKey(path);
-  if (!entry.key) return entry.error;
+  if (!entry.key) {
+    entry = m_registry.CreateKey(path);
+  }
+  if (!entry.key) {
+    return entry.error;
+  }
   RegistryError error =
       entry.key->Set(kContactValue, RegistryType::kString, ToTagValue(language::Decimal(oid)));
-  if (error != RegistryError::kNone) return error;
+  if (error != RegistryError::kNone) {
+    return error;
+  }
   error = entry.key->Set(kPhoneTypeValue, RegistryType::kString, ToTagValue(phoneType));
-  if (error != RegistryError::kNone) return error;
+  if (error != RegistryError::kNone) {
+    return error;
+  }
   return group.Commit();
 }
 
@@ -91,13 +115,19 @@ std::unique_ptr<TagNames> TagStore::OpenNames() const {
 
 RegistryError TagStore::ReadEntry(std::u16string_view tagName, TagEntry& entry) const {
   const platform::OpenedKey opened = m_registry.OpenKey(EntryPath(tagName));
-  if (!opened.key) return opened.error;
+  if (!opened.key) {
+    return opened.error;
+  }
   std::u16string contact;
   std::u16string phoneType;
   RegistryError error = ReadText(*opened.key, kContactValue, contact);
-  if (error != RegistryError::kNone) return error;
+  if (error != RegistryError::kNone) {
+    return error;
+  }
   error = ReadText(*opened.key, kPhoneTypeValue, phoneType);
-  if (error != RegistryError::kNone) return error;
+  if (error != RegistryError::kNone) {
+    return error;
+  }
   entry = {ParseOid(contact), std::move(phoneType)};
   return RegistryError::kNone;
 }
@@ -115,9 +145,15 @@ RegistryError TagStore::DeleteEntry(std::u16string_view tagName) const {
 }
 
 TagDeletion TagStore::Delete(std::u16string_view tagName) const {
-  if (DeleteWaveFile(tagName) != FileError::kNone) return TagDeletion::kWaveFailed;
-  if (DeleteTemplateFile(tagName) != FileError::kNone) return TagDeletion::kTemplateFailed;
-  if (DeleteEntry(tagName) != RegistryError::kNone) return TagDeletion::kEntryFailed;
+  if (DeleteWaveFile(tagName) != FileError::kNone) {
+    return TagDeletion::kWaveFailed;
+  }
+  if (DeleteTemplateFile(tagName) != FileError::kNone) {
+    return TagDeletion::kTemplateFailed;
+  }
+  if (DeleteEntry(tagName) != RegistryError::kNone) {
+    return TagDeletion::kEntryFailed;
+  }
   return TagDeletion::kDone;
 }
 
@@ -134,7 +170,9 @@ platform::StartedSearch TagStore::FindRecordings() const {
 void TagStore::DeleteFiles(std::u16string_view folder, std::u16string_view pattern,
                            const std::function<void(DeletionProblem)>& report) const {
   platform::StartedSearch started = FindFiles(m_files, pattern);
-  if (!started.search) return;
+  if (!started.search) {
+    return;
+  }
   FileError found = FileError::kNone;
   while (found != FileError::kNoMoreFiles) {
     if (found == FileError::kNone) {
@@ -142,7 +180,9 @@ void TagStore::DeleteFiles(std::u16string_view folder, std::u16string_view patte
       const FileError deleted = m_files.Delete(path);
       // What another program deleted meanwhile is as it should be.
       const bool isGone = deleted == FileError::kNone || deleted == FileError::kNotFound;
-      if (!isGone) report(DeletionProblem::kFileInUse);
+      if (!isGone) {
+        report(DeletionProblem::kFileInUse);
+      }
     } else {
       report(DeletionProblem::kSearchFailed);
     }

@@ -19,7 +19,9 @@ inline void AppendUnit(char16_t unit, std::vector<std::byte>& bytes) {
 [[nodiscard]] inline std::vector<std::byte> ToUtf16Bytes(std::u16string_view text) {
   std::vector<std::byte> bytes;
   bytes.reserve(text.size() * sizeof(char16_t));
-  for (const char16_t unit : text) AppendUnit(unit, bytes);
+  for (const char16_t unit : text) {
+    AppendUnit(unit, bytes);
+  }
   return bytes;
 }
 

@@ -8,12 +8,14 @@
 #include "host/cli/output.h"
 #include "host/cli/registry_commands.h"
 #include "host/cli/session.h"
+#include "host/cli/tags_commands.h"
 #include "host/cli/template_commands.h"
 #include "host/cli/wave_commands.h"
 
 namespace cli {
 namespace {
 
+constexpr int kFailed = 1;
 constexpr int kWrongUsage = 2;
 
 constexpr const char* kFooter = R"(Examples:
@@ -24,6 +26,8 @@ constexpr const char* kFooter = R"(Examples:
   voxtrel --microphone in.wav wave record ann.wav
   voxtrel language check Voxtrel.lng          what a translator should mend
   voxtrel --contacts all.vcf contacts list    whom a voice tag can be for
+  voxtrel tags learn --contact "Lee Ann" --number Mobile
+  voxtrel tags list                           the voice tags there are
   voxtrel registry export tags.reg            take the settings to a Windows machine
 
 Exit codes: 0 done, 1 failed with a message on standard error, 2 wrong usage.)";
@@ -37,19 +41,21 @@ void AddGlobalOptions(CLI::App& app, Options& options) {
   app.add_option("--microphone", options.microphone,
                  "Record from this wave file (11,025 Hz, mono, 16 bit) and not from the microphone")
       ->type_name("FILE");
+  app.add_option("--speaker", options.speaker,
+                 "Play into this wave file, in place of what it held, and not to the loudspeaker")
+      ->type_name("FILE");
   app.add_option(
          "--contacts", options.contacts,
          "Address book to use from now on: eds for the desktop's, else a vCard file or a "
          "folder of them (default: the one used last, else the desktop's, else contacts.vcf "
          "in the root folder)")
       ->type_name("eds|PATH");
+  app.add_flag("--yes", options.yes, "Answer every confirmation with OK");
   app.add_flag("--json", options.json, "Print one JSON object on standard output");
 }
 
-}  // namespace
-
-int RunCommandLine(int argc, const char* const* argv) {
-  CLI::App app("Voice tags for a speaker-dependent dialer: record, learn, look at, compare.",
+int RunCommand(int argc, const char* const* argv) {
+  CLI::App app("Voice tags for a speaker-dependent dialer: record, learn, play, compare.",
                "voxtrel");
   app.footer(kFooter);
   app.require_subcommand(1);
@@ -63,6 +69,7 @@ int RunCommandLine(int argc, const char* const* argv) {
   AddLanguageCommands(app, session);
   AddRegistryCommands(app, session);
   AddContactsCommands(app, session);
+  AddTagsCommands(app, session);
 
   try {
     app.parse(argc, argv);
@@ -73,6 +80,17 @@ int RunCommandLine(int argc, const char* const* argv) {
     session.Fail(error.what());
   }
   return session.GetExitCode();
+}
+
+}  // namespace
+
+int RunCommandLine(int argc, const char* const* argv) {
+  const int exitCode = RunCommand(argc, argv);
+  if (FlushOutput()) {
+    return exitCode;
+  }
+  PrintErrorLine("voxtrel: standard output did not take all that was to be printed");
+  return exitCode == 0 ? kFailed : exitCode;
 }
 
 }  // namespace cli

@@ -7,15 +7,21 @@ namespace cli {
 
 using Json = nlohmann::ordered_json;
 
-/// The value that prints with nine significant digits, which tell every float from its neighbours.
-/// What is no finite number prints as null.
-[[nodiscard]] Json NineDigits(float value);
+/// Keeps the numbers of closed standard streams from going to files that are opened later, where a
+/// message would end up in a recording. Writing to a stream that was closed fails all the same.
+/// Called before anything is opened.
+void ReserveStandardStreams();
 
-/// One JSON object, one line on standard output.
+/// One JSON object, one line on standard output. A fraction has nine significant digits, which tell
+/// every float from its neighbours; what is no finite number is null.
 void PrintJson(const Json& json);
 
-/// A line on standard output or standard error.
+/// A line on standard output or standard error. Where that takes nothing more the line is lost;
+/// for standard output FlushOutput tells.
 void PrintLine(std::string_view line);
 void PrintErrorLine(std::string_view line);
+
+/// False where not all that was printed has reached standard output.
+[[nodiscard]] bool FlushOutput();
 
 }  // namespace cli

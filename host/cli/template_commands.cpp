@@ -61,13 +61,16 @@ Json ToJson(int result, const CVoiceMathematics& mathematics) {
   return {{"result", result},
           {"segment", Json::array({segment.first, segment.last})},
           {"frames", mathematics.m_frameCounts[0]},
-          {"seconds", NineDigits(mathematics.GetTemplateDuration(0))}};
+          {"seconds", mathematics.GetTemplateDuration(0)}};
 }
 
 using Operation = int (CVoiceMathematics::*)(std::int32_t);
 
 void MakeTemplate(Session& session, Operation operation, const std::string& wave,
                   const std::string& st) {
+  if (Session::AreSameFile(wave, st)) {
+    throw CLI::ValidationError("st", "the template would overwrite the recording " + wave);
+  }
   const platform::Platform platform = session.GetPlatform();
   CVoiceMathematics mathematics(platform.files, platform.ui);
   mathematics.m_wavePath = Session::ToSystemPath(wave);
@@ -120,7 +123,7 @@ void Show(Session& session, const std::string& st) {
   }
   Json numbers = Json::array();
   for (const float value : values) {
-    numbers.push_back(NineDigits(value));
+    numbers.push_back(value);
   }
   PrintJson({{"elementCount", values.size()},
              {"frames", mathematics.m_frameCounts[0]},
@@ -146,15 +149,18 @@ Json DistancesToJson(const CVoiceMathematics& mathematics, std::int32_t count) {
   for (std::int32_t i = 0; i < count; ++i) {
     Json row = Json::array();
     for (std::int32_t j = 0; j < count; ++j) {
-      row.push_back(NineDigits(mathematics.CompareTemplates(i, j)));
+      row.push_back(mathematics.CompareTemplates(i, j));
     }
     distances.push_back(std::move(row));
-    thresholds.push_back(NineDigits(mathematics.m_thresholds[static_cast<std::size_t>(i)]));
+    thresholds.push_back(mathematics.m_thresholds[static_cast<std::size_t>(i)]);
   }
   return {{"distances", std::move(distances)}, {"thresholds", std::move(thresholds)}};
 }
 
 void Compare(Session& session, const std::vector<std::string>& files) {
+  if (files.size() > CVoiceMathematics::kStoredSlots) {
+    throw CLI::ValidationError("st", "more than 100 templates");
+  }
   const platform::Platform platform = session.GetPlatform();
   const auto mathematics = std::make_unique<CVoiceMathematics>(platform.files, platform.ui);
   for (std::size_t slot = 0; slot < files.size(); ++slot) {
@@ -206,9 +212,7 @@ void AddTemplateCommands(CLI::App& app, Session& session) {
 
   CLI::App* compare =
       group->add_subcommand("compare", "Tell how alike templates are (0 same, at most 2)");
-  compare->add_option("st", arguments->templates, "Two or more template files")
-      ->required()
-      ->expected(1, static_cast<int>(CVoiceMathematics::kStoredSlots));
+  compare->add_option("st", arguments->templates, "The template files, at most 100")->required();
   compare->callback([&session, arguments] { Compare(session, arguments->templates); });
 }
 

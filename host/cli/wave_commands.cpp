@@ -1,11 +1,8 @@
 #include "host/cli/wave_commands.h"
 
 #include <fmt/format.h>
-#include <unistd.h>
 
 #include <CLI/CLI.hpp>
-#include <atomic>
-#include <cstdio>
 #include <memory>
 #include <string>
 
@@ -13,6 +10,7 @@
 #include "audio/wave_header.h"
 #include "host/cli/header_code.h"
 #include "host/cli/output.h"
+#include "host/cli/progress_clock.h"
 #include "voicemath/voice_mathematics.h"
 
 namespace cli {
@@ -20,15 +18,22 @@ namespace {
 
 constexpr std::uint32_t kUtteranceMilliseconds = 3000;
 constexpr std::uint32_t kLongestMilliseconds = 180'000;
-constexpr std::uint32_t kProgressStep = 100;
-constexpr std::uint32_t kProgressWidth = 30;
 
-double ToSeconds(std::uint32_t milliseconds) { return milliseconds / 1000.0; }
+double ToSeconds(std::uint32_t bytes) {
+  constexpr double kBytesPerSecond = audio::kRecordingRate * (audio::kRecordingBits / 8);
+  return bytes / kBytesPerSecond;
+}
 
-/// What no message box has told yet.
-std::string ExplainRecordCode(int code) {
+/// What no message box has told yet, or not in words that fit a file in the microphone's place.
+/// `microphone` is that file; empty where there is none.
+std::string ExplainRecordCode(int code, const std::string& microphone) {
   switch (code) {
+    case audio::kProcessEnded:
+      return microphone.empty() ? std::string() : microphone + ": it cannot be opened";
     case audio::kDeviceNotOpened:
+      if (!microphone.empty()) {
+        return microphone + " is no wave file of 11,025 Hz, mono, 16 bit";
+      }
       return "the microphone could not be opened for 11,025 Hz, mono, 16 bit";
     case audio::kNoBuffer:
       return "there is no memory for so long a recording";
@@ -41,73 +46,79 @@ std::string ExplainRecordCode(int code) {
   }
 }
 
-/// A line on the terminal that shows how far a recording has come; nothing where standard error is
-/// no terminal.
-class ProgressLine {
- public:
-  explicit ProgressLine(std::uint32_t milliseconds)
-      : m_milliseconds(milliseconds), m_isShown(::isatty(STDERR_FILENO) == 1) {}
-  ProgressLine(const ProgressLine&) = delete;
-  ProgressLine& operator=(const ProgressLine&) = delete;
-  ~ProgressLine() {
-    if (m_isDrawn) {
-      fmt::print(stderr, "\n");
-    }
+/// Each in words that tell the user where to look.
+std::string ExplainPlayCode(int code, bool isSpeakerFile) {
+  switch (code) {
+    case audio::kSoundNotOpened:
+      return "the file could not be opened: it is missing, in use or not to be read";
+    case audio::kSoundNotMapped:
+      return "the length of the file could not be told, or is 4 GB or more";
+    case audio::kSoundTooShort:
+      return "the file is shorter than the 44 bytes of a wave header";
+    case audio::kSoundNoRiff:
+      return "the file does not begin with \"RIFF\", so it is no wave file";
+    case audio::kSoundNoWave:
+      return "there is no \"WAVE\" in the header, so it is no wave file";
+    case audio::kSoundNotPcm:
+      return "the samples are not PCM (format tag 1)";
+    case audio::kSoundNoData:
+      return "there are no samples that can be played: no \"data\" in the file, more of it claimed "
+             "than the file has, or a header without rate, channels or block length";
+    case audio::kOutputNotOpened:
+      return isSpeakerFile
+                 ? "the speaker file could not be made, or takes no such format"
+                 : "the loudspeaker could not be opened: there is no sound server, it has "
+                   "no output, or it takes no such format";
+    case audio::kNoPlayBuffer:
+      return "there is no memory for the buffer's header";
+    case audio::kNotWritten:
+      return isSpeakerFile ? "the speaker file could not be written"
+                           : "the loudspeaker did not take the sound";
+    case audio::kNotPrepared:
+      return "the buffer could not be prepared: the file has a header and no samples";
+    case audio::kSoundNotRead:
+      return "the file could not be read to its end";
+    default:
+      return "an unknown reason";
   }
-
-  void Show(std::uint32_t passed) {
-    if (!m_isShown) {
-      return;
-    }
-    const std::uint32_t done = std::min(passed, m_milliseconds);
-    const std::uint32_t filled =
-        static_cast<std::uint32_t>(std::uint64_t{kProgressWidth} * done / m_milliseconds);
-    fmt::print(stderr, "\rSpeak now  [{:#<{}}{:.<{}}] {:.1f} s of {:.1f} s", "", filled, "",
-               kProgressWidth - filled, ToSeconds(done), ToSeconds(m_milliseconds));
-    std::fflush(stderr);
-    m_isDrawn = true;
-  }
-
- private:
-  std::uint32_t m_milliseconds;
-  bool m_isShown;
-  bool m_isDrawn = false;
-};
-
-/// Records on a worker, so that this thread can show how far it is.
-int RecordWithProgress(const platform::Platform& platform, audio::WaveDevice& device,
-                       const std::u16string& path, std::uint32_t milliseconds) {
-  std::atomic<int> code = audio::kNoBuffer;
-  const auto worker = platform.threads.Start([&] { code = device.Record(path, milliseconds); },
-                                             platform::ThreadStart::kRunning);
-  if (!worker) {
-    return code;
-  }
-  ProgressLine line(milliseconds);
-  std::uint32_t passed = 0;
-  while (worker->Wait(kProgressStep) == platform::WaitResult::kTimedOut) {
-    passed += kProgressStep;
-    line.Show(passed);
-  }
-  return code;
 }
 
 void Record(Session& session, const std::string& file, std::uint32_t milliseconds) {
-  const platform::Platform platform = session.GetPlatform();
-  audio::WaveDevice device(platform);
+  const std::string& microphone = session.GetOptions().microphone;
+  if (Session::AreSameFile(microphone, file)) {
+    throw CLI::ValidationError("record", file + " cannot be microphone and recording at once");
+  }
+  ProgressClock clock(session.GetPlatform().clock, milliseconds);
+  audio::WaveDevice device(session.GetPlatform(clock));
   device.SetFormat(audio::kRecordingBits, audio::kRecordingRate);
-  const int code = RecordWithProgress(platform, device, Session::ToSystemPath(file), milliseconds);
+  const int code = device.Record(Session::ToSystemPath(file), milliseconds);
 
   if (session.GetOptions().json) {
     PrintJson({{"code", code}, {"bytes", device.GetRecordedBytes()}});
   } else if (code == audio::kRecorded) {
-    PrintLine(fmt::format("Recorded {:.1f} s to {}", ToSeconds(milliseconds), file));
+    PrintLine(fmt::format("Recorded {:.1f} s to {}", ToSeconds(device.GetRecordedBytes()), file));
   }
   if (code != audio::kRecorded) {
-    const std::string reason = ExplainRecordCode(code);
-    session.Fail(reason.empty()
-                     ? fmt::format("{} was not recorded", file)
-                     : fmt::format("{} was not recorded: {} (code {})", file, reason, code));
+    std::string reason = ExplainRecordCode(code, microphone);
+    if (!reason.empty()) {
+      reason = code > 0 ? fmt::format(": {} (code {})", reason, code) : ": " + reason;
+    }
+    session.Fail(fmt::format("{} was not recorded{}", file, reason));
+  }
+}
+
+void Play(Session& session, const std::string& file) {
+  audio::WaveDevice device(session.GetPlatform());
+  const int code = device.Play(Session::ToSystemPath(file));
+  if (session.GetOptions().json) {
+    PrintJson({{"code", code}});
+  } else if (code == audio::kPlayed) {
+    PrintLine(fmt::format("Played {}", file));
+  }
+  if (code != audio::kPlayed) {
+    const bool isSpeakerFile = !session.GetOptions().speaker.empty();
+    session.Fail(fmt::format("{} was not played: {} (code {})", file,
+                             ExplainPlayCode(code, isSpeakerFile), code));
   }
 }
 
@@ -131,7 +142,7 @@ void Check(Session& session, const std::string& file) {
 }  // namespace
 
 void AddWaveCommands(CLI::App& app, Session& session) {
-  CLI::App* wave = app.add_subcommand("wave", "Record and check wave files");
+  CLI::App* wave = app.add_subcommand("wave", "Record, play and check wave files");
   wave->require_subcommand(1);
 
   struct Arguments {
@@ -147,6 +158,10 @@ void AddWaveCommands(CLI::App& app, Session& session) {
       ->capture_default_str();
   record->callback(
       [&session, arguments] { Record(session, arguments->file, arguments->milliseconds); });
+
+  CLI::App* play = wave->add_subcommand("play", "Play a wave file");
+  play->add_option("file", arguments->file, "The wave file")->required();
+  play->callback([&session, arguments] { Play(session, arguments->file); });
 
   CLI::App* check = wave->add_subcommand("check", "Tell whether a wave file can be learned");
   check->add_option("file", arguments->file, "The wave file")->required();

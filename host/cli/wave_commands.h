@@ -6,7 +6,7 @@
 
 namespace cli {
 
-/// voxtrel wave record|check
+/// voxtrel wave record|play|check
 void AddWaveCommands(CLI::App& app, Session& session);
 
 }  // namespace cli

@@ -17,11 +17,11 @@ struct HeadlessContact {
   static constexpr std::size_t kNumberCount = 10;
 
   std::int32_t oid = 0;
-  std::u16string firstName;
-  std::u16string middleName;
-  std::u16string lastName;
-  std::u16string companyName;
-  std::array<std::u16string, kNumberCount> numbers;  ///< Indexed by the code of the kind.
+  std::u16string firstName = {};
+  std::u16string middleName = {};
+  std::u16string lastName = {};
+  std::u16string companyName = {};
+  std::array<std::u16string, kNumberCount> numbers = {};  ///< Indexed by the code of the kind.
 
   bool firstNameFails = false;
   bool middleNameFails = false;

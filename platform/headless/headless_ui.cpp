@@ -8,8 +8,13 @@ using platform::MessageAnswer;
 using platform::MessageBox;
 using platform::MessageCaption;
 
-HeadlessUi::HeadlessUi(std::u16string applicationName)
-    : m_applicationName(std::move(applicationName)) {}
+namespace {
+/// What a dialog returns that the user closed.
+constexpr int kClosedByUser = 2;
+}  // namespace
+
+HeadlessUi::HeadlessUi(std::u16string applicationName, platform::Threads* threads)
+    : m_applicationName(std::move(applicationName)), m_threads(threads) {}
 
 MessageAnswer HeadlessUi::ShowMessage(const MessageBox& box) {
   Answerer answerer;
@@ -51,6 +56,62 @@ void HeadlessUi::SetListener(Listener listener) {
 std::vector<ShownMessage> HeadlessUi::GetMessages() const {
   const std::lock_guard lock(m_mutex);
   return m_messages;
+}
+
+void HeadlessUi::Beep(platform::Sound /*sound*/) {
+  const std::lock_guard lock(m_mutex);
+  ++m_beeps;
+}
+
+void HeadlessUi::SetCursor(platform::Cursor cursor) {
+  const std::lock_guard lock(m_mutex);
+  m_cursor = cursor;
+}
+
+int HeadlessUi::RunDialog(const resources::DialogTemplate& dialog,
+                          platform::DialogHandler& handler) {
+  HeadlessDialog window(dialog, handler, m_threads);
+  handler.OnInitDialog();
+  const auto story = m_dialogStories.find(dialog.id);
+  if (story != m_dialogStories.end() && !window.GetResult()) {
+    story->second(window);
+  } else {
+    static_cast<void>(window.WaitForEnd());
+  }
+  if (!window.GetResult()) {
+    window.Close();
+  }
+  return window.GetResult().value_or(kClosedByUser);
+}
+
+bool HeadlessUi::RunSheet(std::u16string_view caption, std::span<const platform::SheetPage> pages,
+                          platform::SheetHandler& handler) {
+  HeadlessSheet sheet(std::u16string(caption), pages, handler, m_threads);
+  handler.OnInitSheet(sheet);
+  sheet.ShowPage(0);
+  if (m_sheetStory) {
+    m_sheetStory(sheet);
+  }
+  if (!sheet.IsClosed()) {
+    sheet.Close();
+  }
+  return sheet.WasAccepted();
+}
+
+void HeadlessUi::SetDialogStory(int dialog, DialogStory story) {
+  m_dialogStories[dialog] = std::move(story);
+}
+
+void HeadlessUi::SetSheetStory(SheetStory story) { m_sheetStory = std::move(story); }
+
+int HeadlessUi::CountBeeps() const {
+  const std::lock_guard lock(m_mutex);
+  return m_beeps;
+}
+
+platform::Cursor HeadlessUi::GetCursor() const {
+  const std::lock_guard lock(m_mutex);
+  return m_cursor;
 }
 
 }  // namespace headless

@@ -26,7 +26,9 @@ class MemoryRegistry::Key final : public platform::RegistryKey {
 
   RegistryError EnumerateSubkey(std::uint32_t index, std::u16string& name) override {
     return WithNode([&](Node& node) {
-      if (index >= node.subkeys.size()) return RegistryError::kNoMoreItems;
+      if (index >= node.subkeys.size()) {
+        return RegistryError::kNoMoreItems;
+      }
       name = m_registry.m_nodes.at(node.subkeys[index]).name;
       return RegistryError::kNone;
     });
@@ -34,7 +36,9 @@ class MemoryRegistry::Key final : public platform::RegistryKey {
 
   RegistryError EnumerateValue(std::uint32_t index, std::u16string& name) override {
     return WithNode([&](Node& node) {
-      if (index >= node.values.size()) return RegistryError::kNoMoreItems;
+      if (index >= node.values.size()) {
+        return RegistryError::kNoMoreItems;
+      }
       name = node.values[index].name;
       return RegistryError::kNone;
     });
@@ -43,7 +47,9 @@ class MemoryRegistry::Key final : public platform::RegistryKey {
   RegistryError Query(std::u16string_view valueName, RegistryValue& value) override {
     return WithNode([&](Node& node) {
       const auto found = FindValue(node, valueName);
-      if (found == node.values.end()) return RegistryError::kNotFound;
+      if (found == node.values.end()) {
+        return RegistryError::kNotFound;
+      }
       value = found->content;
       return RegistryError::kNone;
     });
@@ -69,7 +75,9 @@ class MemoryRegistry::Key final : public platform::RegistryKey {
   RegistryError DeleteValue(std::u16string_view valueName) override {
     return WithNode([&](Node& node) {
       const auto found = FindValue(node, valueName);
-      if (found == node.values.end()) return RegistryError::kNotFound;
+      if (found == node.values.end()) {
+        return RegistryError::kNotFound;
+      }
       node.values.erase(found);
       return RegistryError::kNone;
     });
@@ -79,7 +87,9 @@ class MemoryRegistry::Key final : public platform::RegistryKey {
   template <typename Call>
   RegistryError WithNode(const Call& call) {
     const auto pass = m_registry.m_gate.Enter();
-    if (!pass) return RegistryError::kBusy;
+    if (!pass) {
+      return RegistryError::kBusy;
+    }
     const auto node = m_registry.m_nodes.find(m_number);
     return node == m_registry.m_nodes.end() ? RegistryError::kNotFound : call(node->second);
   }
@@ -104,31 +114,43 @@ MemoryRegistry::MemoryRegistry(const std::vector<std::u16string>& initialKeys,
   }
 }
 
-MemoryRegistry::~MemoryRegistry() = default;
-
 OpenedKey MemoryRegistry::OpenKey(std::u16string_view path) {
   const auto names = platform::SplitKeyPath(path);
-  if (!names) return {nullptr, RegistryError::kInvalid};
+  if (!names) {
+    return {nullptr, RegistryError::kInvalid};
+  }
   const auto pass = m_gate.Enter();
-  if (!pass) return {nullptr, RegistryError::kBusy};
+  if (!pass) {
+    return {nullptr, RegistryError::kBusy};
+  }
   return Opened(FindPath(*names));
 }
 
 OpenedKey MemoryRegistry::CreateKey(std::u16string_view path) {
   const auto names = platform::SplitKeyPath(path);
-  if (!names) return {nullptr, RegistryError::kInvalid};
+  if (!names) {
+    return {nullptr, RegistryError::kInvalid};
+  }
   const auto pass = m_gate.Enter();
-  if (!pass) return {nullptr, RegistryError::kBusy};
+  if (!pass) {
+    return {nullptr, RegistryError::kBusy};
+  }
   return Opened(CreatePath(*names));
 }
 
 RegistryError MemoryRegistry::DeleteKey(std::u16string_view path) {
   auto names = platform::SplitKeyPath(path);
-  if (!names || names->empty()) return RegistryError::kInvalid;
+  if (!names || names->empty()) {
+    return RegistryError::kInvalid;
+  }
   const auto pass = m_gate.Enter();
-  if (!pass) return RegistryError::kBusy;
+  if (!pass) {
+    return RegistryError::kBusy;
+  }
   const Number number = FindPath(*names);
-  if (number == kNoKey) return RegistryError::kNotFound;
+  if (number == kNoKey) {
+    return RegistryError::kNotFound;
+  }
   names->pop_back();
   std::erase(m_nodes.at(FindPath(*names)).subkeys, number);
   DeleteTree(number);
@@ -137,8 +159,12 @@ RegistryError MemoryRegistry::DeleteKey(std::u16string_view path) {
 
 RegistryError MemoryRegistry::BeginGroup() {
   const auto pass = m_gate.Enter();
-  if (!pass) return RegistryError::kBusy;
-  if (m_gate.GroupIsOpen()) return RegistryError::kInvalid;
+  if (!pass) {
+    return RegistryError::kBusy;
+  }
+  if (m_gate.GroupIsOpen()) {
+    return RegistryError::kInvalid;
+  }
   m_beforeGroup = m_nodes;
   m_gate.OpenGroup();
   return RegistryError::kNone;
@@ -146,15 +172,21 @@ RegistryError MemoryRegistry::BeginGroup() {
 
 RegistryError MemoryRegistry::CommitGroup() {
   const auto pass = m_gate.Enter();
-  if (!pass) return RegistryError::kBusy;
-  if (!m_gate.GroupIsOpen()) return RegistryError::kInvalid;
+  if (!pass) {
+    return RegistryError::kBusy;
+  }
+  if (!m_gate.GroupIsOpen()) {
+    return RegistryError::kInvalid;
+  }
   EndGroup();
   return RegistryError::kNone;
 }
 
 void MemoryRegistry::CancelGroup() {
   const auto pass = m_gate.Enter();
-  if (!pass || !m_gate.GroupIsOpen()) return;
+  if (!pass || !m_gate.GroupIsOpen()) {
+    return;
+  }
   m_nodes.swap(m_beforeGroup);
   EndGroup();
 }
@@ -172,7 +204,9 @@ MemoryRegistry::Number MemoryRegistry::FindPath(const Names& names) const {
   Number number = kRootKey;
   for (const std::u16string_view name : names) {
     number = FindSubkey(m_nodes.at(number), name);
-    if (number == kNoKey) return kNoKey;
+    if (number == kNoKey) {
+      return kNoKey;
+    }
   }
   return number;
 }
@@ -202,7 +236,9 @@ void MemoryRegistry::DeleteTree(Number number) {
 }
 
 OpenedKey MemoryRegistry::Opened(Number number) {
-  if (number == kNoKey) return {nullptr, RegistryError::kNotFound};
+  if (number == kNoKey) {
+    return {nullptr, RegistryError::kNotFound};
+  }
   return {std::make_unique<Key>(*this, number), RegistryError::kNone};
 }
 

@@ -21,7 +21,6 @@ class MemoryRegistry final : public platform::Registry {
   /// long a call waits for another thread's group before kBusy.
   explicit MemoryRegistry(const std::vector<std::u16string>& initialKeys = {},
                           std::chrono::milliseconds busyLimit = std::chrono::seconds(2));
-  ~MemoryRegistry() override;
 
   [[nodiscard]] platform::OpenedKey OpenKey(std::u16string_view path) override;
   [[nodiscard]] platform::OpenedKey CreateKey(std::u16string_view path) override;

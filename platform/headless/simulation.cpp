@@ -97,4 +97,8 @@ std::unique_ptr<platform::Event> Simulation::CreateManualResetEvent() {
   return std::make_unique<SimulatedEvent>(m_scheduler);
 }
 
+platform::CreatedMutex Simulation::CreateNamedMutex(std::u16string_view name) {
+  return MutexNames::Create(m_mutexNames, name);
+}
+
 }  // namespace headless

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "platform/clock.h"
+#include "platform/headless/mutex_names.h"
 #include "platform/headless/scheduler.h"
 #include "platform/threads.h"
 
@@ -28,6 +29,8 @@ class Simulation final : public platform::Clock, public platform::Threads {
   [[nodiscard]] std::unique_ptr<platform::Thread> Start(std::function<void()> body,
                                                         platform::ThreadStart start) override;
   [[nodiscard]] std::unique_ptr<platform::Event> CreateManualResetEvent() override;
+  /// Names are known to this simulation alone.
+  [[nodiscard]] platform::CreatedMutex CreateNamedMutex(std::u16string_view name) override;
 
   /// Milliseconds that have passed since the start, without wrapping.
   [[nodiscard]] std::uint64_t GetElapsed();
@@ -35,6 +38,7 @@ class Simulation final : public platform::Clock, public platform::Threads {
  private:
   const std::shared_ptr<Scheduler> m_scheduler;
   const std::uint32_t m_startTick;
+  const std::shared_ptr<MutexNames> m_mutexNames = std::make_shared<MutexNames>();
 };
 
 }  // namespace headless

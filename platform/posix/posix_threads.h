@@ -2,17 +2,29 @@
 
 #include <functional>
 #include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
 
 #include "platform/threads.h"
 
 namespace posix {
 
-/// Threads and events of the C++ library.
+/// Threads and events of the C++ library. A named mutex is a lock on a file, which goes with the
+/// process that holds it, however that ends.
 class PosixThreads final : public platform::Threads {
  public:
+  /// `lockFolder` is the folder of the host in which the lock files lie, and so what stands for the
+  /// device on which a name is known. It is made when it is first needed.
+  explicit PosixThreads(std::string lockFolder = {}) : m_lockFolder(std::move(lockFolder)) {}
+
   [[nodiscard]] std::unique_ptr<platform::Thread> Start(std::function<void()> body,
                                                         platform::ThreadStart start) override;
   [[nodiscard]] std::unique_ptr<platform::Event> CreateManualResetEvent() override;
+  [[nodiscard]] platform::CreatedMutex CreateNamedMutex(std::u16string_view name) override;
+
+ private:
+  const std::string m_lockFolder;
 };
 
 }  // namespace posix

@@ -43,7 +43,6 @@ void OnSource(pa_context*, const pa_source_info* source, int end, void* data) {
 ProplistHandle MakeProperties() {
   ProplistHandle properties(pa_proplist_new());
   pa_proplist_sets(properties.get(), PA_PROP_APPLICATION_NAME, "Voxtrel");
-  pa_proplist_sets(properties.get(), PA_PROP_APPLICATION_ICON_NAME, "audio-input-microphone");
   return properties;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -9,6 +10,9 @@
 #include "platform/pulse/handles.h"
 
 namespace pulse {
+
+/// Within this the server has answered all that one call asks of it, or counts as not there.
+inline constexpr std::chrono::milliseconds kCallLimit(3000);
 
 /// The sources that are no monitors of outputs.
 struct Inputs {

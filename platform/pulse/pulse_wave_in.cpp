@@ -1,17 +1,15 @@
 #include "platform/pulse/pulse_wave_in.h"
 
-#include <pulse/sample.h>
-
 #include <algorithm>
 #include <chrono>
-#include <cstdlib>
-#include <optional>
 #include <utility>
 
 #include "platform/pulse/capture_buffer.h"
 #include "platform/pulse/connection.h"
+#include "platform/pulse/quiet_library.h"
 #include "platform/pulse/record_device.h"
 #include "platform/pulse/record_stream.h"
+#include "platform/pulse/sample_spec.h"
 
 namespace pulse {
 namespace {
@@ -19,30 +17,17 @@ namespace {
 using platform::WaveResult;
 using std::chrono::steady_clock;
 
-constexpr std::chrono::milliseconds kCallLimit(3000);
-
 // For a source that has to wake up. One that delivers nothing at all must not hold up the recording
 // any longer; it is recorded as silence.
 constexpr std::chrono::milliseconds kWarmUpLimit(1000);
 
-std::optional<pa_sample_spec> ToSampleSpec(const platform::WaveFormat& format) {
-  if (format.formatTag != platform::kFormatTagPcm || format.bitsPerSample != 16 ||
-      format.channels == 0 || format.channels > PA_CHANNELS_MAX ||
-      format.blockAlign != format.channels * 2) {
-    return std::nullopt;
-  }
-  const pa_sample_spec sampleSpec{PA_SAMPLE_S16LE, format.samplesPerSecond,
-                                  static_cast<std::uint8_t>(format.channels)};
-  if (pa_sample_spec_valid(&sampleSpec) == 0) return std::nullopt;
-  return sampleSpec;
-}
+// What the source could not deliver in time is filled up with zeros, which are silence only in
+// samples of this width.
+constexpr std::uint16_t kBits = 16;
 
 }  // namespace
 
-PulseWaveIn::PulseWaveIn() {
-  // The library has no call for this; it reads the variable at its first message.
-  if (std::getenv("PULSE_LOG") == nullptr) setenv("PULSE_LOG_SYSLOG", "1", 1);
-}
+PulseWaveIn::PulseWaveIn() { KeepLibraryQuiet(); }
 
 std::uint32_t PulseWaveIn::GetDeviceCount() {
   const Deadline deadline = steady_clock::now() + kCallLimit;
@@ -52,7 +37,7 @@ std::uint32_t PulseWaveIn::GetDeviceCount() {
 
 platform::OpenedWaveIn PulseWaveIn::Open(const platform::WaveFormat& format) {
   const auto sampleSpec = ToSampleSpec(format);
-  if (!sampleSpec) return {nullptr, WaveResult::kBadFormat};
+  if (!sampleSpec || format.bitsPerSample != kBits) return {nullptr, WaveResult::kBadFormat};
   const Deadline deadline = steady_clock::now() + kCallLimit;
   auto connection = Connection::Open(deadline);
   if (!connection) return {nullptr, WaveResult::kNoDevice};

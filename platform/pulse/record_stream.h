@@ -8,7 +8,7 @@
 #include "platform/pulse/answer.h"
 #include "platform/pulse/capture_buffer.h"
 #include "platform/pulse/connection.h"
-#include "platform/pulse/handles.h"
+#include "platform/pulse/server_stream.h"
 
 namespace pulse {
 
@@ -27,7 +27,7 @@ class RecordStream {
 
   RecordStream(const RecordStream&) = delete;
   RecordStream& operator=(const RecordStream&) = delete;
-  ~RecordStream();
+  ~RecordStream() = default;
 
   /// Waits until the source has delivered something, or went away, or the deadline is there.
   void WaitForFirstData(Deadline deadline);
@@ -35,16 +35,11 @@ class RecordStream {
  private:
   RecordStream(Connection& connection, CaptureBuffer& buffer);
 
-  [[nodiscard]] bool Start(const std::string& source, const pa_sample_spec& sampleSpec);
-
-  static void OnState(pa_stream* stream, void* self);
   static void OnReadable(pa_stream* stream, std::size_t byteCount, void* self);
 
-  Connection& m_connection;
   CaptureBuffer& m_buffer;
-  Answer<bool> m_ready;
   Answer<bool> m_delivered;
-  StreamHandle m_stream;
+  ServerStream m_stream;
 };
 
 }  // namespace pulse

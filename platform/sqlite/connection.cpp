@@ -33,8 +33,12 @@ RegistryError Connection::Open(const Settings& settings, std::unique_ptr<Connect
   while (true) {
     auto candidate = std::make_unique<Connection>();
     const RegistryError error = candidate->OpenOnce(settings);
-    if (error == RegistryError::kNone) connection = std::move(candidate);
-    if (error != RegistryError::kBusy || std::chrono::steady_clock::now() >= deadline) return error;
+    if (error == RegistryError::kNone) {
+      connection = std::move(candidate);
+    }
+    if (error != RegistryError::kBusy || std::chrono::steady_clock::now() >= deadline) {
+      return error;
+    }
     sqlite3_sleep(kRetryMilliseconds);
   }
 }
@@ -46,7 +50,9 @@ RegistryError Connection::OpenOnce(const Settings& settings) {
   const char* const fileLayer = settings.fileLayer.empty() ? nullptr : settings.fileLayer.c_str();
   const int result = sqlite3_open_v2(settings.database.c_str(), &database, flags, fileLayer);
   m_database.reset(database);
-  if (result != SQLITE_OK) return ToRegistryError(result);
+  if (result != SQLITE_OK) {
+    return ToRegistryError(result);
+  }
   // Until the store is known to be sound, closing it must not move anything into it.
   Configure(database, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, true);
   const RegistryError error = MakeReady(settings);
@@ -66,14 +72,22 @@ RegistryError Connection::MakeReady(const Settings& settings) {
   Configure(database, SQLITE_DBCONFIG_ENABLE_TRIGGER, false);
   const int result = Execute(database, kConnectionSettings);
   RegistryError error = ToRegistryError(result);
-  if (error == RegistryError::kNone) error = PrepareSchema(database, settings.initialKeys);
-  if (error == RegistryError::kNone) error = UseWriteAheadLog();
-  if (error == RegistryError::kNone) error = m_store.Prepare(database);
+  if (error == RegistryError::kNone) {
+    error = PrepareSchema(database, settings.initialKeys);
+  }
+  if (error == RegistryError::kNone) {
+    error = UseWriteAheadLog();
+  }
+  if (error == RegistryError::kNone) {
+    error = m_store.Prepare(database);
+  }
   return error;
 }
 
 RegistryError Connection::UseWriteAheadLog() const {
-  if (sqlite3_db_readonly(m_database.get(), "main") == 1) return RegistryError::kNone;
+  if (sqlite3_db_readonly(m_database.get(), "main") == 1) {
+    return RegistryError::kNone;
+  }
   const int result = Execute(m_database.get(), "PRAGMA journal_mode = WAL");
   const RegistryError error = ToRegistryError(result);
   // A medium without shared memory, or another process that is in the database now, keeps it in
@@ -85,21 +99,29 @@ RegistryError Connection::UseWriteAheadLog() const {
 RegistryError Connection::Begin() const {
   int result = Execute(m_database.get(), "BEGIN IMMEDIATE");
   const RegistryError error = ToRegistryError(result);
-  if (error != RegistryError::kReadOnly) return error;
+  if (error != RegistryError::kReadOnly) {
+    return error;
+  }
   // The first reading fixes what the transaction sees.
   result = Execute(m_database.get(), "BEGIN; SELECT 1 FROM registry_key LIMIT 1");
-  if (result != SQLITE_OK) Rollback();
+  if (result != SQLITE_OK) {
+    Rollback();
+  }
   return ToRegistryError(result);
 }
 
 RegistryError Connection::Commit() const {
   const int result = Execute(m_database.get(), "COMMIT");
-  if (result != SQLITE_OK) Rollback();
+  if (result != SQLITE_OK) {
+    Rollback();
+  }
   return ToRegistryError(result);
 }
 
 void Connection::Rollback() const {
-  if (sqlite3_get_autocommit(m_database.get()) != 0) return;
+  if (sqlite3_get_autocommit(m_database.get()) != 0) {
+    return;
+  }
   [[maybe_unused]] const int result = Execute(m_database.get(), "ROLLBACK");
 }
 

@@ -8,7 +8,9 @@ using platform::RegistryError;
 
 RegistryError ToRegistryError(int resultCode) {
   // A change below a key that is gone breaks the reference to it.
-  if (resultCode == SQLITE_CONSTRAINT_FOREIGNKEY) return RegistryError::kNotFound;
+  if (resultCode == SQLITE_CONSTRAINT_FOREIGNKEY) {
+    return RegistryError::kNotFound;
+  }
   constexpr int kPrimaryCode = 0xFF;
   switch (resultCode & kPrimaryCode) {
     case SQLITE_OK:

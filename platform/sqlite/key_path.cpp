@@ -8,7 +8,9 @@ RegistryError FindPath(const Store& store, const KeyNames& names, std::int64_t& 
   std::int64_t current = kRootKey;
   for (const std::u16string_view name : names) {
     const RegistryError error = store.FindKey(current, name, current);
-    if (error != RegistryError::kNone) return error;
+    if (error != RegistryError::kNone) {
+      return error;
+    }
   }
   key = current;
   return RegistryError::kNone;
@@ -18,8 +20,12 @@ RegistryError CreatePath(const Store& store, const KeyNames& names, std::int64_t
   std::int64_t current = kRootKey;
   for (const std::u16string_view name : names) {
     RegistryError error = store.FindKey(current, name, current);
-    if (error == RegistryError::kNotFound) error = store.InsertKey(current, name, current);
-    if (error != RegistryError::kNone) return error;
+    if (error == RegistryError::kNotFound) {
+      error = store.InsertKey(current, name, current);
+    }
+    if (error != RegistryError::kNone) {
+      return error;
+    }
   }
   key = current;
   return RegistryError::kNone;

@@ -53,9 +53,13 @@ struct Identity {
 
 int ReadIdentity(sqlite3* database, Identity& identity) {
   int result = QueryInteger(database, "SELECT count(*) FROM sqlite_schema", identity.objects);
-  if (result != SQLITE_OK) return result;
+  if (result != SQLITE_OK) {
+    return result;
+  }
   result = QueryInteger(database, "PRAGMA application_id", identity.applicationId);
-  if (result != SQLITE_OK) return result;
+  if (result != SQLITE_OK) {
+    return result;
+  }
   return QueryInteger(database, "PRAGMA user_version", identity.version);
 }
 
@@ -85,10 +89,14 @@ RegistryError CreateSchema(sqlite3* database, std::span<const std::u16string> in
   }
   for (const std::u16string& path : initialKeys) {
     const auto names = platform::SplitKeyPath(path);
-    if (!names) return RegistryError::kInvalid;
+    if (!names) {
+      return RegistryError::kInvalid;
+    }
     std::int64_t key = kRootKey;
     const RegistryError error = CreatePath(store, *names, key);
-    if (error != RegistryError::kNone) return error;
+    if (error != RegistryError::kNone) {
+      return error;
+    }
   }
   return RegistryError::kNone;
 }
@@ -97,7 +105,9 @@ RegistryError CreateSchema(sqlite3* database, std::span<const std::u16string> in
 RegistryError CreateWhereEmpty(sqlite3* database, std::span<const std::u16string> initialKeys) {
   // Names are stored in the form they have here, so that no unit of them is lost in a conversion.
   int result = Execute(database, "PRAGMA encoding = 'UTF-16le'; BEGIN IMMEDIATE");
-  if (result != SQLITE_OK) return ToRegistryError(result);
+  if (result != SQLITE_OK) {
+    return ToRegistryError(result);
+  }
   Identity identity;
   result = ReadIdentity(database, identity);
   RegistryError error = ToRegistryError(result);
@@ -119,16 +129,28 @@ RegistryError CreateWhereEmpty(sqlite3* database, std::span<const std::u16string
 RegistryError PrepareSchema(sqlite3* database, std::span<const std::u16string> initialKeys) {
   Identity identity;
   int result = ReadIdentity(database, identity);
-  if (result != SQLITE_OK) return ToRegistryError(result);
+  if (result != SQLITE_OK) {
+    return ToRegistryError(result);
+  }
   if (identity.IsEmpty()) {
     const RegistryError error = CreateWhereEmpty(database, initialKeys);
-    if (error != RegistryError::kNone) return error;
+    if (error != RegistryError::kNone) {
+      return error;
+    }
     result = ReadIdentity(database, identity);
-    if (result != SQLITE_OK) return ToRegistryError(result);
+    if (result != SQLITE_OK) {
+      return ToRegistryError(result);
+    }
   }
-  if (identity.applicationId != kApplicationId) return RegistryError::kDamaged;
-  if (identity.version > kSchemaVersion) return RegistryError::kNewerStore;
-  if (identity.version != kSchemaVersion) return RegistryError::kDamaged;
+  if (identity.applicationId != kApplicationId) {
+    return RegistryError::kDamaged;
+  }
+  if (identity.version > kSchemaVersion) {
+    return RegistryError::kNewerStore;
+  }
+  if (identity.version != kSchemaVersion) {
+    return RegistryError::kDamaged;
+  }
   return CheckPages(database);
 }
 

@@ -46,7 +46,9 @@ class SqliteRegistry::Key final : public platform::RegistryKey {
   RegistryError Perform(const Call& call) {
     return m_registry.Perform([&](const Store& store) {
       // The number of a key that was never kept may by now be that of another one.
-      if (m_group && m_group->undone) return RegistryError::kNotFound;
+      if (m_group && m_group->undone) {
+        return RegistryError::kNotFound;
+      }
       return call(store);
     });
   }
@@ -58,8 +60,6 @@ class SqliteRegistry::Key final : public platform::RegistryKey {
 
 SqliteRegistry::SqliteRegistry(std::filesystem::path database, RegistryOptions options)
     : m_database(std::move(database)), m_options(std::move(options)), m_gate(m_options.busyLimit) {}
-
-SqliteRegistry::~SqliteRegistry() = default;
 
 OpenedKey SqliteRegistry::OpenKey(std::u16string_view path) { return OpenWith(path, FindPath); }
 
@@ -73,7 +73,9 @@ OpenedKey SqliteRegistry::CreateKey(std::u16string_view path) {
 
 RegistryError SqliteRegistry::DeleteKey(std::u16string_view path) {
   const auto names = platform::SplitKeyPath(path);
-  if (!names || names->empty()) return RegistryError::kInvalid;
+  if (!names || names->empty()) {
+    return RegistryError::kInvalid;
+  }
   return Perform([&](const Store& store) {
     std::int64_t key = kRootKey;
     const RegistryError error = FindPath(store, *names, key);
@@ -83,11 +85,19 @@ RegistryError SqliteRegistry::DeleteKey(std::u16string_view path) {
 
 RegistryError SqliteRegistry::BeginGroup() {
   const auto pass = m_gate.Enter();
-  if (!pass) return RegistryError::kBusy;
-  if (m_gate.GroupIsOpen()) return RegistryError::kInvalid;
+  if (!pass) {
+    return RegistryError::kBusy;
+  }
+  if (m_gate.GroupIsOpen()) {
+    return RegistryError::kInvalid;
+  }
   RegistryError error = Connect();
-  if (error == RegistryError::kNone) error = m_connection->Begin();
-  if (error != RegistryError::kNone) return error;
+  if (error == RegistryError::kNone) {
+    error = m_connection->Begin();
+  }
+  if (error != RegistryError::kNone) {
+    return error;
+  }
   m_group = std::make_shared<Group>();
   m_gate.OpenGroup();
   return RegistryError::kNone;
@@ -95,10 +105,16 @@ RegistryError SqliteRegistry::BeginGroup() {
 
 RegistryError SqliteRegistry::CommitGroup() {
   const auto pass = m_gate.Enter();
-  if (!pass) return RegistryError::kBusy;
-  if (!m_gate.GroupIsOpen()) return RegistryError::kInvalid;
+  if (!pass) {
+    return RegistryError::kBusy;
+  }
+  if (!m_gate.GroupIsOpen()) {
+    return RegistryError::kInvalid;
+  }
   RegistryError error = m_gate.Doom();
-  if (error == RegistryError::kNone) error = m_connection->Commit();
+  if (error == RegistryError::kNone) {
+    error = m_connection->Commit();
+  }
   NoteDamage(error);
   EndGroup(error != RegistryError::kNone);
   return error;
@@ -106,17 +122,25 @@ RegistryError SqliteRegistry::CommitGroup() {
 
 void SqliteRegistry::CancelGroup() {
   const auto pass = m_gate.Enter();
-  if (!pass || !m_gate.GroupIsOpen()) return;
+  if (!pass || !m_gate.GroupIsOpen()) {
+    return;
+  }
   m_connection->Rollback();
   EndGroup(true);
 }
 
 RegistryError SqliteRegistry::Perform(const Call& call) {
   const auto pass = m_gate.Enter();
-  if (!pass) return RegistryError::kBusy;
-  if (m_gate.GroupIsOpen() && m_gate.Doom() != RegistryError::kNone) return m_gate.Doom();
+  if (!pass) {
+    return RegistryError::kBusy;
+  }
+  if (m_gate.GroupIsOpen() && m_gate.Doom() != RegistryError::kNone) {
+    return m_gate.Doom();
+  }
   RegistryError error = Connect();
-  if (error != RegistryError::kNone) return error;
+  if (error != RegistryError::kNone) {
+    return error;
+  }
   error = call(m_connection->GetStore());
   NoteDamage(error);
   if (m_gate.GroupIsOpen() && platform::DoomsGroup(error)) {
@@ -128,20 +152,28 @@ RegistryError SqliteRegistry::Perform(const Call& call) {
 }
 
 RegistryError SqliteRegistry::Connect() {
-  if (m_damaged) return RegistryError::kDamaged;
-  if (m_connection) return RegistryError::kNone;
+  if (m_damaged) {
+    return RegistryError::kDamaged;
+  }
+  if (m_connection) {
+    return RegistryError::kNone;
+  }
   return Connection::Open(
       {m_database, m_options.initialKeys, m_options.busyLimit, m_options.fileLayer}, m_connection);
 }
 
 OpenedKey SqliteRegistry::OpenWith(std::u16string_view path, const PathCall& find) {
   const auto names = platform::SplitKeyPath(path);
-  if (!names) return {nullptr, RegistryError::kInvalid};
+  if (!names) {
+    return {nullptr, RegistryError::kInvalid};
+  }
   OpenedKey opened;
   opened.error = Perform([&](const Store& store) {
     std::int64_t number = kRootKey;
     const RegistryError error = find(store, *names, number);
-    if (error == RegistryError::kNone) opened.key = std::make_unique<Key>(*this, number, m_group);
+    if (error == RegistryError::kNone) {
+      opened.key = std::make_unique<Key>(*this, number, m_group);
+    }
     return error;
   });
   return opened;
@@ -149,17 +181,25 @@ OpenedKey SqliteRegistry::OpenWith(std::u16string_view path, const PathCall& fin
 
 RegistryError SqliteRegistry::CreateMissing(const Store& store, const KeyNames& names,
                                             std::int64_t& key) {
-  if (m_gate.GroupIsOpen()) return CreatePath(store, names, key);
+  if (m_gate.GroupIsOpen()) {
+    return CreatePath(store, names, key);
+  }
   RegistryError error = m_connection->Begin();
-  if (error != RegistryError::kNone) return error;
+  if (error != RegistryError::kNone) {
+    return error;
+  }
   error = CreatePath(store, names, key);
-  if (error == RegistryError::kNone) return m_connection->Commit();
+  if (error == RegistryError::kNone) {
+    return m_connection->Commit();
+  }
   m_connection->Rollback();
   return error;
 }
 
 void SqliteRegistry::NoteDamage(RegistryError error) {
-  if (error != RegistryError::kDamaged) return;
+  if (error != RegistryError::kDamaged) {
+    return;
+  }
   m_damaged = true;
   m_connection->Abandon();
 }

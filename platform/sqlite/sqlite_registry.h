@@ -37,7 +37,6 @@ class SqliteRegistry final : public platform::Registry {
  public:
   /// The folder of `database` must exist; the database is made where it is missing.
   explicit SqliteRegistry(std::filesystem::path database, RegistryOptions options = {});
-  ~SqliteRegistry() override;
 
   [[nodiscard]] platform::OpenedKey OpenKey(std::u16string_view path) override;
   [[nodiscard]] platform::OpenedKey CreateKey(std::u16string_view path) override;

@@ -56,19 +56,25 @@ std::int64_t Run::IntegerAt(int column) const { return sqlite3_column_int64(m_st
 std::u16string Run::TextAt(int column) const {
   const void* const data = sqlite3_column_text16(m_statement, column);
   const auto bytes = static_cast<std::size_t>(sqlite3_column_bytes16(m_statement, column));
-  if (data == nullptr) return {};
+  if (data == nullptr) {
+    return {};
+  }
   return {static_cast<const char16_t*>(data), bytes / sizeof(char16_t)};
 }
 
 std::vector<std::byte> Run::BytesAt(int column) const {
   const auto* const data = static_cast<const std::byte*>(sqlite3_column_blob(m_statement, column));
   const auto length = static_cast<std::size_t>(sqlite3_column_bytes(m_statement, column));
-  if (data == nullptr) return {};
+  if (data == nullptr) {
+    return {};
+  }
   return {data, data + length};
 }
 
 void Run::Note(int resultCode) {
-  if (m_bindResult == SQLITE_OK) m_bindResult = resultCode;
+  if (m_bindResult == SQLITE_OK) {
+    m_bindResult = resultCode;
+  }
 }
 
 int Execute(sqlite3* database, const char* sql) {
@@ -77,11 +83,17 @@ int Execute(sqlite3* database, const char* sql) {
 
 int QueryInteger(sqlite3* database, const char* sql, std::int64_t& value) {
   Statement statement;
-  if (const int result = statement.Prepare(database, sql); result != SQLITE_OK) return result;
+  if (const int result = statement.Prepare(database, sql); result != SQLITE_OK) {
+    return result;
+  }
   Run run(statement);
   const int result = run.Step();
-  if (result == SQLITE_DONE) return SQLITE_CORRUPT;
-  if (result != SQLITE_ROW) return result;
+  if (result == SQLITE_DONE) {
+    return SQLITE_CORRUPT;
+  }
+  if (result != SQLITE_ROW) {
+    return result;
+  }
   value = run.IntegerAt(0);
   return SQLITE_OK;
 }

@@ -39,8 +39,12 @@ RegistryError Store::Prepare(sqlite3* database) {
   for (const auto& entry : kStatements) {
     const int result = entry.statement.Prepare(database, entry.sql);
     // A table or column that is missing is a plain error to the library.
-    if (result == SQLITE_ERROR) return RegistryError::kDamaged;
-    if (result != SQLITE_OK) return ToRegistryError(result);
+    if (result == SQLITE_ERROR) {
+      return RegistryError::kDamaged;
+    }
+    if (result != SQLITE_OK) {
+      return ToRegistryError(result);
+    }
   }
   return RegistryError::kNone;
 }
@@ -50,8 +54,12 @@ RegistryError Store::FindKey(std::int64_t parent, std::u16string_view name,
   const std::u16string folded = text::FoldName(name);
   Run run(m_findKey);
   const int result = run.Integer(parent).Text(folded).Step();
-  if (result == SQLITE_DONE) return RegistryError::kNotFound;
-  if (result == SQLITE_ROW) key = run.IntegerAt(0);
+  if (result == SQLITE_DONE) {
+    return RegistryError::kNotFound;
+  }
+  if (result == SQLITE_ROW) {
+    key = run.IntegerAt(0);
+  }
   return ToRegistryError(result);
 }
 
@@ -60,14 +68,18 @@ RegistryError Store::InsertKey(std::int64_t parent, std::u16string_view name,
   const std::u16string folded = text::FoldName(name);
   Run run(m_insertKey);
   const RegistryError error = RunChange(run.Integer(parent).Text(name).Text(folded));
-  if (error == RegistryError::kNone) key = sqlite3_last_insert_rowid(m_database);
+  if (error == RegistryError::kNone) {
+    key = sqlite3_last_insert_rowid(m_database);
+  }
   return error;
 }
 
 RegistryError Store::DeleteKey(std::int64_t key) const {
   Run run(m_deleteKey);
   const RegistryError error = RunChange(run.Integer(key));
-  if (error != RegistryError::kNone) return error;
+  if (error != RegistryError::kNone) {
+    return error;
+  }
   return sqlite3_changes(m_database) == 0 ? RegistryError::kNotFound : RegistryError::kNone;
 }
 
@@ -84,8 +96,12 @@ RegistryError Store::QueryValue(std::int64_t key, std::u16string_view name,
   const std::u16string folded = text::FoldName(name);
   Run run(m_queryValue);
   const int result = run.Integer(key).Text(folded).Step();
-  if (result == SQLITE_DONE) return RegistryError::kNotFound;
-  if (result != SQLITE_ROW) return ToRegistryError(result);
+  if (result == SQLITE_DONE) {
+    return RegistryError::kNotFound;
+  }
+  if (result != SQLITE_ROW) {
+    return ToRegistryError(result);
+  }
   value.type = static_cast<platform::RegistryType>(run.IntegerAt(0));
   value.bytes = run.BytesAt(1);
   return RegistryError::kNone;
@@ -103,7 +119,9 @@ RegistryError Store::DeleteValue(std::int64_t key, std::u16string_view name) con
   const std::u16string folded = text::FoldName(name);
   Run run(m_deleteValue);
   const RegistryError error = RunChange(run.Integer(key).Text(folded));
-  if (error != RegistryError::kNone) return error;
+  if (error != RegistryError::kNone) {
+    return error;
+  }
   return sqlite3_changes(m_database) == 0 ? RegistryError::kNotFound : RegistryError::kNone;
 }
 
@@ -111,11 +129,17 @@ RegistryError Store::NameAt(const Statement& statement, std::int64_t key, std::u
                             std::u16string& name) const {
   Run run(statement);
   int result = run.Integer(key).Integer(index).Step();
-  if (result == SQLITE_ROW) name = run.TextAt(0);
-  if (result != SQLITE_DONE) return ToRegistryError(result);
+  if (result == SQLITE_ROW) {
+    name = run.TextAt(0);
+  }
+  if (result != SQLITE_DONE) {
+    return ToRegistryError(result);
+  }
   Run exists(m_keyExists);
   result = exists.Integer(key).Step();
-  if (result == SQLITE_DONE) return RegistryError::kNotFound;
+  if (result == SQLITE_DONE) {
+    return RegistryError::kNotFound;
+  }
   return result == SQLITE_ROW ? RegistryError::kNoMoreItems : ToRegistryError(result);
 }
 

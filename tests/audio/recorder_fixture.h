@@ -7,10 +7,13 @@
 
 #include "audio/wave_device.h"
 #include "audio/wave_header.h"
+#include "platform/headless/headless_contacts.h"
 #include "platform/headless/headless_process.h"
 #include "platform/headless/headless_ui.h"
 #include "platform/headless/headless_wave_in.h"
+#include "platform/headless/headless_wave_out.h"
 #include "platform/headless/memory_file_system.h"
+#include "platform/headless/memory_registry.h"
 #include "tests/support/failing_file_system.h"
 
 /// A clock that does not wait and remembers what it was asked for.
@@ -33,6 +36,9 @@ class NoThreads final : public platform::Threads {
   [[nodiscard]] std::unique_ptr<platform::Event> CreateManualResetEvent() override {
     return nullptr;
   }
+  [[nodiscard]] platform::CreatedMutex CreateNamedMutex(std::u16string_view /*name*/) override {
+    return {};
+  }
 };
 
 /// A recorder on a machine without anything real.
@@ -53,6 +59,10 @@ class RecorderFixture : public testing::Test {
   NoThreads m_threads;
   headless::HeadlessProcess m_process;
   headless::HeadlessUi m_ui;
-  audio::WaveDevice m_device{
-      platform::Platform{m_failingFiles, m_waveIn, m_clock, m_threads, m_process, m_ui}};
+  headless::MemoryRegistry m_registry;
+  headless::HeadlessContacts m_contacts;
+  headless::HeadlessWaveOut m_waveOut;
+  audio::WaveDevice m_device{platform::Platform{m_failingFiles, m_waveIn, m_clock, m_threads,
+                                                m_process, m_ui, m_registry, m_contacts,
+                                                m_waveOut}};
 };

@@ -76,6 +76,45 @@ TEST_F(TemplateCommands, ShowPrintsEveryValueWithNineDigits) {
   }
 }
 
+TEST_F(TemplateCommands, NoFractionHasMoreThanNineDigits) {
+  const std::string wave = CopySample("anna_1.wav");
+  EXPECT_EQ(Run({"--json", "template", "process", wave, Path("a.st")}).out,
+            "{\"result\":0,\"segment\":[0,33074],\"frames\":63,\"seconds\":2.97215414}\n");
+
+  const auto show = [this](const std::string& bytes) {
+    std::ofstream(Path("b.st"), std::ios::binary) << bytes;
+    return Run({"template", "show", Path("b.st"), "--json"}).out;
+  };
+  // 0.1, the largest float, 2, a value that is no number, and 2 to the power of -149.
+  EXPECT_EQ(show(std::string("\x05\0\0\0\x01\0"
+                             "\xCD\xCC\xCC\x3D\xFF\xFF\x7F\x7F\0\0\0\x40"
+                             "\0\0\xC0\x7F\x01\0\0\0",
+                             26)),
+            "{\"elementCount\":5,\"frames\":1,\"values\":"
+            "[0.100000001,3.40282347e+38,2.0,null,1.40129846e-45]}\n");
+  EXPECT_EQ(show(std::string(6, '\0')), "{\"elementCount\":0,\"frames\":0,\"values\":[]}\n");
+}
+
+TEST_F(TemplateCommands, ARecordingIsNotOverwrittenByItsTemplate) {
+  const std::string wave = CopySample("anna_1.wav");
+  std::filesystem::create_hard_link(wave, Path("other_name"));
+  for (const std::string st : {"anna_1.wav", "./anna_1.wav", "other_name"}) {
+    for (const std::string command : {"learn", "process"}) {
+      const auto run = Run({"template", command, wave, Path(st)});
+      EXPECT_EQ(run.exitCode, 2);
+      EXPECT_THAT(run.err, HasSubstr("would overwrite the recording"));
+      EXPECT_EQ(std::filesystem::file_size(wave), 66194U);
+    }
+  }
+}
+
+TEST_F(TemplateCommands, AnEmptyNameIsAFileThatCannotBeOpened) {
+  EXPECT_EQ(RunJson({"template", "learn", "", Path("a.st")}, 1)["result"], 2);
+  const auto run = Run({"template", "show", ""});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_EQ(run.err, "voxtrel: : it cannot be opened\n");
+}
+
 TEST_F(TemplateCommands, ShowRefusesATornFile) {
   std::ofstream(Path("torn.st"), std::ios::binary) << std::string("\x05\0\0\0\x01\0abc", 9);
   const auto run = Run({"template", "show", Path("torn.st"), "--json"});
@@ -110,6 +149,20 @@ TEST_F(TemplateCommands, CompareOfOneTemplateHasNoNeighbour) {
   ASSERT_EQ(Run({"template", "process", CopySample("anna_1.wav"), Path("a.st")}).exitCode, 0);
   const auto json = RunJson({"template", "compare", Path("a.st")}, 0);
   EXPECT_EQ(json, (nlohmann::json{{"distances", {{0.0}}}, {"thresholds", {2.0}}}));
+}
+
+TEST_F(TemplateCommands, HelpOfCompareTakesAsManyTemplatesAsTheCommandDoes) {
+  EXPECT_THAT(Run({"template", "compare", "--help"}).out,
+              HasSubstr("Usage: voxtrel template compare [OPTIONS] st...\n"));
+}
+
+TEST_F(TemplateCommands, CompareTakesAHundredTemplates) {
+  ASSERT_EQ(Run({"template", "learn", CopySample("anna_1.wav"), Path("a.st")}).exitCode, 0);
+  std::vector<std::string> arguments{"template", "compare"};
+  arguments.insert(arguments.end(), 100, Path("a.st"));
+  const auto json = RunJson(arguments, 0);
+  EXPECT_EQ(json["distances"].size(), 100U);
+  EXPECT_EQ(json["thresholds"], nlohmann::json(std::vector<double>(100)));
 }
 
 TEST_F(TemplateCommands, WrongUsageIsTwo) {

@@ -92,7 +92,9 @@ TEST_P(RegistryContract, AValueKeepsItsExactBytesAndType) {
   for (const std::size_t length : {std::size_t{0}, std::size_t{1}, std::size_t{3}, std::size_t{100},
                                    platform::kMaxValueBytes}) {
     std::vector<std::byte> bytes(length);
-    for (std::size_t i = 0; i < length; ++i) bytes[i] = static_cast<std::byte>(i * 7);
+    for (std::size_t i = 0; i < length; ++i) {
+      bytes[i] = static_cast<std::byte>(i * 7);
+    }
     const auto type = static_cast<RegistryType>(0xFFFFFFFF - length);
     ASSERT_EQ(key->Set(u"v", type, bytes), RegistryError::kNone);
     RegistryValue value;
@@ -231,7 +233,9 @@ TEST_P(RegistryContract, ValuesThatAreTooLongOrBadlyNamedAreRefused) {
 
 TEST_P(RegistryContract, KeysNestToTheirLimitAndAreDeletedFromThereUp) {
   std::u16string path = u"k";
-  for (std::size_t depth = 1; depth < platform::kMaxKeyDepth; ++depth) path += u"\\k";
+  for (std::size_t depth = 1; depth < platform::kMaxKeyDepth; ++depth) {
+    path += u"\\k";
+  }
   ASSERT_EQ(Store().CreateKey(path).error, RegistryError::kNone);
   EXPECT_EQ(Store().CreateKey(path + u"\\k").error, RegistryError::kInvalid);
   ASSERT_EQ(Store().DeleteKey(u"k"), RegistryError::kNone);

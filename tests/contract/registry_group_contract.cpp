@@ -149,12 +149,16 @@ TEST_P(RegistryContract, ManyThreadsWriteAndReadAtTheSameTime) {
       ok = ok && group.Commit() == RegistryError::kNone;
       ok = ok && PutText(Store(), u"shared", path.substr(2), text) == RegistryError::kNone;
       ok = ok && BytesOf(Store(), path, u"two") == Utf16Bytes(text + u'\0');
-      if (!ok) ++failures[static_cast<std::size_t>(number)];
+      if (!ok) {
+        ++failures[static_cast<std::size_t>(number)];
+      }
     }
   };
   {
     std::vector<std::jthread> threads;
-    for (int i = 0; i < kThreads; ++i) threads.emplace_back(work, i);
+    for (int i = 0; i < kThreads; ++i) {
+      threads.emplace_back(work, i);
+    }
   }
   EXPECT_THAT(failures, testing::Each(0));
   EXPECT_EQ(SubkeyNames(Store(), u"k").size(), static_cast<std::size_t>(kThreads));

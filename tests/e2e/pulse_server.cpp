@@ -38,10 +38,15 @@ std::vector<std::string> MakeArguments(const PulseServerOptions& options,
       options.input == PulseInput::kPipeBesideMonitor) {
     arguments.emplace_back("--load=module-null-sink sink_name=speaker");
   }
+  const std::string form = " format=s16le rate=" + std::to_string(options.rate) +
+                           " channels=" + std::to_string(options.channels);
+  if (options.input == PulseInput::kEcho) {
+    // With rewinds the ear would hear what was taken back too.
+    arguments.push_back("--load=module-null-sink sink_name=speaker norewinds=1" + form);
+    arguments.emplace_back("--load=module-remap-source source_name=ear master=speaker.monitor");
+  }
   if (HasPipe(options)) {
-    arguments.push_back("--load=module-pipe-source file=" + pipe.string() +
-                        " format=s16le rate=" + std::to_string(options.rate) +
-                        " channels=" + std::to_string(options.channels));
+    arguments.push_back("--load=module-pipe-source file=" + pipe.string() + form);
   }
   // The last one: who can connect finds the others loaded.
   arguments.emplace_back("--load=module-native-protocol-unix");

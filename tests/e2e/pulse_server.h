@@ -16,11 +16,13 @@ enum class PulseInput : std::uint8_t {
   kMonitorOnly,  ///< An output and the source that listens to it.
   kPipe,         ///< A microphone that hears what is written to a pipe.
   kPipeBesideMonitor,
+  kEcho,  ///< An output "speaker", and a microphone "ear" that hears what it plays.
 };
 
 struct PulseServerOptions {
   PulseInput input = PulseInput::kPipe;
-  std::uint32_t rate = 11025;  ///< Of the pipe, whose samples are signed 16 bit little-endian.
+  /// Of the pipe or the echo, whose samples are signed 16 bit little-endian.
+  std::uint32_t rate = 11025;
   std::uint16_t channels = 1;
 };
 

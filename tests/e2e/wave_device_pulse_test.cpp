@@ -9,8 +9,11 @@
 #include <vector>
 
 #include "audio/wave_device.h"
+#include "platform/headless/headless_contacts.h"
 #include "platform/headless/headless_process.h"
 #include "platform/headless/headless_ui.h"
+#include "platform/headless/headless_wave_out.h"
+#include "platform/headless/memory_registry.h"
 #include "platform/posix/posix_clock.h"
 #include "platform/posix/posix_file_system.h"
 #include "platform/posix/posix_threads.h"
@@ -120,7 +123,11 @@ class WaveDeviceAndSoundServer : public testing::Test {
   posix::PosixThreads m_threads;
   headless::HeadlessProcess m_process;
   headless::HeadlessUi m_ui;
-  audio::WaveDevice m_device{{m_files, m_waveIn, m_clock, m_threads, m_process, m_ui}};
+  headless::MemoryRegistry m_registry;
+  headless::HeadlessContacts m_contacts;
+  headless::HeadlessWaveOut m_waveOut;
+  audio::WaveDevice m_device{platform::Platform{m_files, m_waveIn, m_clock, m_threads, m_process,
+                                                m_ui, m_registry, m_contacts, m_waveOut}};
 };
 
 TEST_F(WaveDeviceAndSoundServer, SpeechBecomesAFileOfThreeSeconds) {

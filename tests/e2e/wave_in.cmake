@@ -1,7 +1,16 @@
-# What end-to-end tests need of sound: a session and a server of their own, a microphone, speech.
-add_library(voxtrel_sound_support STATIC pipe_microphone.cpp pulse_server.cpp recording.cpp
-                                         sound_session.cpp speech.cpp unix_socket.cpp)
-target_link_libraries(voxtrel_sound_support PUBLIC voxtrel_platform voxtrel_test_support GTest::gtest)
+# What end-to-end tests need of sound: a session and a server of their own, a microphone, an ear,
+# speech.
+voxtrel_library(
+  sound_support
+  SOURCES ear.cpp
+          pipe_microphone.cpp
+          playing.cpp
+          pulse_server.cpp
+          recording.cpp
+          sound_session.cpp
+          speech.cpp
+          unix_socket.cpp
+  DEPENDS voxtrel_platform voxtrel_pulse voxtrel_test_support GTest::gtest)
 
 voxtrel_test(
   pulse_wave_in_test
@@ -14,7 +23,18 @@ voxtrel_test(
   SOURCES wave_device_pulse_test.cpp
   DEPENDS voxtrel_audio
           voxtrel_headless
+          voxtrel_headless_contacts
+          voxtrel_headless_registry
           voxtrel_posix
           voxtrel_pulse
           voxtrel_sound_support
   LABELS "e2e;threads")
+
+voxtrel_test(
+  record_command_pulse_test
+  SOURCES record_command_pulse_test.cpp
+  DEPENDS voxtrel_sound_support
+  LABELS e2e)
+target_compile_definitions(record_command_pulse_test
+                           PRIVATE VOXTREL_PROGRAM="$<TARGET_FILE:voxtrel>")
+add_dependencies(record_command_pulse_test voxtrel)

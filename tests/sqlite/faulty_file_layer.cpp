@@ -31,7 +31,9 @@ State& GetState() {
 int CountCall() {
   State& state = GetState();
   ++state.calls;
-  if (state.failingCall == 0 || state.calls < state.failingCall) return SQLITE_OK;
+  if (state.failingCall == 0 || state.calls < state.failingCall) {
+    return SQLITE_OK;
+  }
   state.hasFailed = true;
   return state.fault;
 }

@@ -23,7 +23,9 @@ std::string RawDatabase::Text(const std::string& sql) {
   sqlite3_prepare_v2(m_database, sql.c_str(), -1, &statement, nullptr);
   if (sqlite3_step(statement) == SQLITE_ROW) {
     const auto* const data = reinterpret_cast<const char*>(sqlite3_column_text(statement, 0));
-    if (data != nullptr) text = data;
+    if (data != nullptr) {
+      text = data;
+    }
   }
   sqlite3_finalize(statement);
   return text;
@@ -36,7 +38,9 @@ std::vector<std::byte> RawDatabase::Bytes(const std::string& sql) {
   if (sqlite3_step(statement) == SQLITE_ROW) {
     const auto* const data = static_cast<const std::byte*>(sqlite3_column_blob(statement, 0));
     const int length = sqlite3_column_bytes(statement, 0);
-    if (data != nullptr) bytes.assign(data, data + length);
+    if (data != nullptr) {
+      bytes.assign(data, data + length);
+    }
   }
   sqlite3_finalize(statement);
   return bytes;

@@ -103,7 +103,9 @@ TEST_P(SqliteRegistryFaults, AKeyThatCannotBeDeletedKeepsAllBelowIt) {
 TEST_P(SqliteRegistryFaults, AGroupIsKeptWholeOrNotAtAll) {
   const auto change = [](SqliteRegistry& registry) {
     RegistryGroup group(registry);
-    if (group.BeginError() != RegistryError::kNone) return group.BeginError();
+    if (group.BeginError() != RegistryError::kNone) {
+      return group.BeginError();
+    }
     // A failure within the group shows at the latest when it is committed.
     std::ignore = PutText(registry, u"two\\a", u"v", kNewText);
     std::ignore = registry.DeleteKey(u"tags");
@@ -127,7 +129,9 @@ TEST_P(SqliteRegistryFaults, AGroupTooLargeForTheCacheIsStillKeptWholeOrNotAtAll
   RegistryError error = RegistryError::kNone;
   for (const auto* const name : {u"1", u"2", u"3", u"4", u"5", u"6", u"7", u"8"}) {
     const RegistryError result = Put(registry, u"large", name, RegistryType::kBinary, large);
-    if (error == RegistryError::kNone) error = result;
+    if (error == RegistryError::kNone) {
+      error = result;
+    }
     EXPECT_EQ(result, error) << "once doomed, every call of the group tells so";
   }
   EXPECT_EQ(error, Expected());

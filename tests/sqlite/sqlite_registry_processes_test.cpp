@@ -27,19 +27,25 @@ namespace {
 class Child {
  public:
   explicit Child(const std::function<bool()>& body) : m_id(fork()) {
-    if (m_id == 0) _exit(body() ? 0 : 1);
+    if (m_id == 0) {
+      _exit(body() ? 0 : 1);
+    }
   }
   Child(const Child&) = delete;
   Child& operator=(const Child&) = delete;
   ~Child() {
-    if (!m_hasEnded) std::ignore = Wait(0);
+    if (!m_hasEnded) {
+      std::ignore = Wait(0);
+    }
   }
 
   [[nodiscard]] bool HasEnded() { return m_hasEnded || Wait(WNOHANG); }
 
   /// Waits for the end; whether the body returned true.
   [[nodiscard]] bool Succeeds() {
-    if (!m_hasEnded) std::ignore = Wait(0);
+    if (!m_hasEnded) {
+      std::ignore = Wait(0);
+    }
     return WIFEXITED(m_status) && WEXITSTATUS(m_status) == 0;
   }
 
@@ -62,7 +68,9 @@ std::u16string Digits(int number) {
 RegistryError PutTag(SqliteRegistry& registry, int number) {
   const std::u16string path = u"tags\\" + Digits(number);
   RegistryGroup group(registry);
-  if (group.BeginError() != RegistryError::kNone) return group.BeginError();
+  if (group.BeginError() != RegistryError::kNone) {
+    return group.BeginError();
+  }
   const RegistryError contact = PutText(registry, path, u"contact", u"-17");
   const RegistryError kind = PutText(registry, path, u"phone type", u"Mobile");
   const RegistryError commit = group.Commit();
@@ -78,7 +86,9 @@ TEST(SqliteRegistryProcesses, AReaderSeesEachTagOfAWriterWholeOrNotAtAll) {
   Child writer([&] {
     SqliteRegistry registry(database);
     bool ok = true;
-    for (int i = 0; i < kTags; ++i) ok = ok && PutTag(registry, i) == RegistryError::kNone;
+    for (int i = 0; i < kTags; ++i) {
+      ok = ok && PutTag(registry, i) == RegistryError::kNone;
+    }
     return ok;
   });
   SqliteRegistry registry(database);
@@ -88,7 +98,9 @@ TEST(SqliteRegistryProcesses, AReaderSeesEachTagOfAWriterWholeOrNotAtAll) {
     isLast = writer.HasEnded();
     const auto opened = registry.OpenKey(u"tags");
     ASSERT_TRUE(opened.error == RegistryError::kNone || opened.error == RegistryError::kNotFound);
-    if (!opened.key) continue;
+    if (!opened.key) {
+      continue;
+    }
     const auto names = SubkeyNames(*opened.key);
     EXPECT_GE(names.size(), seen);
     seen = names.size();
@@ -135,7 +147,9 @@ TEST(SqliteRegistryProcesses, AProcessThatDiesWithinAGroupLeavesNothingOfItAndNo
       const bool begun = registry.BeginGroup() == RegistryError::kNone;
       const bool put = PutText(registry, u"b", u"v", u"new") == RegistryError::kNone;
       const bool deleted = registry.DeleteKey(u"a") == RegistryError::kNone;
-      if (begun && put && deleted) std::ignore = raise(SIGKILL);
+      if (begun && put && deleted) {
+        std::ignore = raise(SIGKILL);
+      }
       return true;
     });
     ASSERT_FALSE(child.Succeeds()) << "it was to be killed";
@@ -160,7 +174,9 @@ TEST(SqliteRegistryProcesses, ManyThatMakeTheStoreAtTheSameTimeAllFindItMade) {
                KeyExists(registry, u"Software\\Ini");
       }));
     }
-    for (const auto& child : children) EXPECT_TRUE(child->Succeeds());
+    for (const auto& child : children) {
+      EXPECT_TRUE(child->Succeeds());
+    }
     SqliteRegistry registry(database);
     EXPECT_EQ(SubkeyNames(registry, u"made").size(), static_cast<std::size_t>(kProcesses));
     EXPECT_EQ(SubkeyNames(registry, u"Software").size(), 1U);

@@ -32,7 +32,9 @@ std::string Block(const std::string& language) {
   const std::string begin = "\n```" + language + "\n";
   const std::size_t first = page.find(begin);
   EXPECT_NE(first, std::string::npos) << language;
-  if (first == std::string::npos) return {};
+  if (first == std::string::npos) {
+    return {};
+  }
   const std::size_t start = first + begin.size();
   return page.substr(start, page.find("\n```\n", start) + 1 - start);
 }

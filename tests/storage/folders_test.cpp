@@ -59,7 +59,9 @@ class Folders : public testing::Test {
 
   /// The rule over files of which call `call` fails, 0 for none.
   [[nodiscard]] FolderRule Rule(std::size_t call = 0) {
-    if (call != 0) m_failing.FailCall(call, support::Failing::kOnce, FileError::kAccessDenied);
+    if (call != 0) {
+      m_failing.FailCall(call, support::Failing::kOnce, FileError::kAccessDenied);
+    }
     return {m_failing, m_ui, m_process, m_texts};
   }
 

@@ -35,7 +35,9 @@ TEST(PhoneTypes, AWordThatIsNoneOfThemIsNotFound) {
 }
 
 TEST(PhoneTypes, AreGivenByTheirKind) {
-  for (const PhoneType& type : kPhoneTypes) EXPECT_EQ(GetPhoneType(type.kind).word, type.word);
+  for (const PhoneType& type : kPhoneTypes) {
+    EXPECT_EQ(GetPhoneType(type.kind).word, type.word);
+  }
 }
 
 }  // namespace storage

@@ -37,7 +37,9 @@ std::vector<std::byte> Raw(std::string_view text) {
 
 std::vector<std::byte> SomeBytes(std::initializer_list<int> values) {
   std::vector<std::byte> bytes;
-  for (const int value : values) bytes.push_back(static_cast<std::byte>(value));
+  for (const int value : values) {
+    bytes.push_back(static_cast<std::byte>(value));
+  }
   return bytes;
 }
 
@@ -180,7 +182,9 @@ TEST_F(RegistryFileReading, AKeyCanBeDeletedAndMadeAgain) {
 
 TEST_F(RegistryFileReading, TheLongestValueIsTakenAndALongerOneIsNot) {
   std::u16string bytes = u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=hex:00";
-  for (std::size_t i = 1; i < platform::kMaxValueBytes; ++i) bytes += u",00";
+  for (std::size_t i = 1; i < platform::kMaxValueBytes; ++i) {
+    bytes += u",00";
+  }
   Import(bytes);
   EXPECT_EQ(Value(u"a", u"v").bytes.size(), platform::kMaxValueBytes);
   EXPECT_THAT(Refused(bytes + u",00").message, HasSubstr("too long"));

@@ -41,7 +41,9 @@ class TagStoreDatabase : public testing::Test {
 
 std::vector<std::byte> OneHundredBytes(std::string_view ascii) {
   std::vector<std::byte> bytes(100);
-  for (std::size_t i = 0; i < ascii.size(); ++i) bytes[2 * i] = static_cast<std::byte>(ascii[i]);
+  for (std::size_t i = 0; i < ascii.size(); ++i) {
+    bytes[2 * i] = static_cast<std::byte>(ascii[i]);
+  }
   return bytes;
 }
 

@@ -50,7 +50,9 @@ class TagStoreTest : public testing::Test {
     std::vector<std::u16string> names;
     const auto tags = m_store.OpenNames();
     std::u16string name;
-    for (std::uint32_t i = 0; tags && tags->Get(i, name); ++i) names.push_back(name);
+    for (std::uint32_t i = 0; tags && tags->Get(i, name); ++i) {
+      names.push_back(name);
+    }
     return names;
   }
 
@@ -227,12 +229,16 @@ TEST_F(TagStoreNames, WithoutASubkeyThereAreNone) {
 }
 
 TEST_F(TagStoreNames, ComeInTheOrderInWhichTheTagsWereMade) {
-  for (const auto* const name : {u"300", u"-100", u"200"}) PutTag(name);
+  for (const auto* const name : {u"300", u"-100", u"200"}) {
+    PutTag(name);
+  }
   EXPECT_THAT(Names(), ElementsAre(u"300", u"-100", u"200"));
 }
 
 TEST_F(TagStoreNames, WhileTagsAreDeletedTheNextOneMovesIntoTheirIndex) {
-  for (const auto* const name : {u"1", u"2", u"3"}) PutTag(name);
+  for (const auto* const name : {u"1", u"2", u"3"}) {
+    PutTag(name);
+  }
   const auto tags = m_store.OpenNames();
   std::u16string name;
   ASSERT_TRUE(tags->Get(0, name));
@@ -259,7 +265,9 @@ TEST_F(TagStoreNames, OfThirtyOneCharactersEndTheEnumeration) {
 }
 
 TEST_F(TagStoreNames, AFailureEndsTheEnumeration) {
-  for (const auto* const name : {u"1", u"2"}) PutTag(name);
+  for (const auto* const name : {u"1", u"2"}) {
+    PutTag(name);
+  }
   m_failingRegistry.FailCall(3, Failing::kOnce, RegistryError::kBusy);
   EXPECT_THAT(Names(), ElementsAre(u"1"));
 }
@@ -336,7 +344,9 @@ TEST_F(TagStoreDeletion, OfAllWithoutAFileStillTakesTheKey) {
 }
 
 TEST_F(TagStoreDeletion, OfAllReportsEachFileInUseAndGoesOn) {
-  for (const auto* const name : {u"1", u"2", u"3"}) PutTag(name);
+  for (const auto* const name : {u"1", u"2", u"3"}) {
+    PutTag(name);
+  }
   const auto wave = Hold(WavePath(u"1"));
   const auto first = Hold(TemplatePath(u"1"));
   const auto last = Hold(TemplatePath(u"3"));
@@ -349,7 +359,9 @@ TEST_F(TagStoreDeletion, OfAllReportsEachFileInUseAndGoesOn) {
 }
 
 TEST_F(TagStoreDeletion, OfAllReportsASearchThatFailsAndGoesOn) {
-  for (const auto* const name : {u"1", u"2"}) PutTag(name);
+  for (const auto* const name : {u"1", u"2"}) {
+    PutTag(name);
+  }
   // The search, the first deletion: finding the second recording fails.
   m_failingFiles.FailCall(3, Failing::kOnce);
   EXPECT_THAT(DeleteAll(RegistryError::kNone), ElementsAre(DeletionProblem::kSearchFailed));
@@ -357,7 +369,9 @@ TEST_F(TagStoreDeletion, OfAllReportsASearchThatFailsAndGoesOn) {
 }
 
 TEST_F(TagStoreDeletion, OfAllComesToAnEndWhateverFails) {
-  for (const auto* const name : {u"1", u"2"}) PutTag(name);
+  for (const auto* const name : {u"1", u"2"}) {
+    PutTag(name);
+  }
   m_failingFiles.FailCall(2, Failing::kFromThenOn);
   EXPECT_THAT(DeleteAll(RegistryError::kNone), testing::Not(IsEmpty()));
   EXPECT_THAT(Names(), IsEmpty());

@@ -57,14 +57,16 @@ void FailingRegistry::FailCall(std::size_t number, Failing failing, RegistryErro
 }
 
 OpenedKey FailingRegistry::OpenKey(std::u16string_view path) {
-  if (const RegistryError error = CountCall(); error != RegistryError::kNone)
+  if (const RegistryError error = CountCall(); error != RegistryError::kNone) {
     return {nullptr, error};
+  }
   return Wrap(m_registry.OpenKey(path));
 }
 
 OpenedKey FailingRegistry::CreateKey(std::u16string_view path) {
-  if (const RegistryError error = CountCall(); error != RegistryError::kNone)
+  if (const RegistryError error = CountCall(); error != RegistryError::kNone) {
     return {nullptr, error};
+  }
   return Wrap(m_registry.CreateKey(path));
 }
 
@@ -75,8 +77,12 @@ RegistryError FailingRegistry::DeleteKey(std::u16string_view path) {
 
 RegistryError FailingRegistry::BeginGroup() {
   RegistryError error = CountCall();
-  if (error == RegistryError::kNone) error = m_registry.BeginGroup();
-  if (error == RegistryError::kNone) m_groupIsOpen = true;
+  if (error == RegistryError::kNone) {
+    error = m_registry.BeginGroup();
+  }
+  if (error == RegistryError::kNone) {
+    m_groupIsOpen = true;
+  }
   return error;
 }
 
@@ -98,16 +104,24 @@ void FailingRegistry::CancelGroup() {
 
 RegistryError FailingRegistry::CountCall() {
   ++m_calls;
-  if (m_doom != RegistryError::kNone) return m_doom;
+  if (m_doom != RegistryError::kNone) {
+    return m_doom;
+  }
   const bool isLater = m_calls > m_failingCall && m_failing != Failing::kOnce;
-  if (m_failingCall == 0 || !(m_calls == m_failingCall || isLater)) return RegistryError::kNone;
+  if (m_failingCall == 0 || !(m_calls == m_failingCall || isLater)) {
+    return RegistryError::kNone;
+  }
   m_hasFailed = true;
-  if (m_groupIsOpen && platform::DoomsGroup(m_error)) m_doom = m_error;
+  if (m_groupIsOpen && platform::DoomsGroup(m_error)) {
+    m_doom = m_error;
+  }
   return m_error;
 }
 
 OpenedKey FailingRegistry::Wrap(OpenedKey opened) {
-  if (opened.key) opened.key = std::make_unique<Key>(*this, std::move(opened.key));
+  if (opened.key) {
+    opened.key = std::make_unique<Key>(*this, std::move(opened.key));
+  }
   return opened;
 }
 

@@ -2,37 +2,42 @@
 
 #include <cstdint>
 
+#include "platform/headless/headless_contacts.h"
 #include "platform/headless/headless_process.h"
 #include "platform/headless/headless_ui.h"
+#include "platform/headless/headless_wave_in.h"
+#include "platform/headless/headless_wave_out.h"
 #include "platform/headless/memory_file_system.h"
+#include "platform/headless/memory_registry.h"
 #include "platform/headless/simulation.h"
 #include "platform/platform.h"
 
 namespace support {
 
-/// One of each headless back end, as the platform of a test. The wave input is the test's own.
+/// One of each headless back end, as the platform of a test.
 class HeadlessPlatform {
  public:
-  /// `waveIn` outlives this; `startTick` is the tick count at the start.
-  explicit HeadlessPlatform(platform::WaveIn& waveIn, std::uint32_t startTick = 0)
-      : m_waveIn(waveIn), simulation(startTick) {}
+  /// `startTick` is the tick count at the start.
+  explicit HeadlessPlatform(std::uint32_t startTick = 0) : simulation(startTick) {}
 
   /// The platform with these back ends.
-  [[nodiscard]] platform::Platform Get() { return GetWith(files); }
+  [[nodiscard]] platform::Platform Get() { return GetWith(files, registry); }
 
-  /// Likewise with other files, ones that fail for example.
-  [[nodiscard]] platform::Platform GetWith(platform::FileSystem& otherFiles) {
-    return {otherFiles, m_waveIn, simulation, simulation, process, ui};
+  /// Likewise with other files and registry, ones that fail for example.
+  [[nodiscard]] platform::Platform GetWith(platform::FileSystem& otherFiles,
+                                           platform::Registry& otherRegistry) {
+    return {otherFiles, waveIn,        simulation, simulation, process,
+            ui,         otherRegistry, contacts,   waveOut};
   }
 
- private:
-  platform::WaveIn& m_waveIn;
-
- public:
   headless::MemoryFileSystem files;
+  headless::MemoryRegistry registry;
+  headless::HeadlessContacts contacts;
+  headless::HeadlessWaveIn waveIn;
+  headless::HeadlessWaveOut waveOut;
   headless::Simulation simulation;
   headless::HeadlessProcess process;
-  headless::HeadlessUi ui;
+  headless::HeadlessUi ui{u"Zedra Voxtrel", &simulation};
 };
 
 }  // namespace support

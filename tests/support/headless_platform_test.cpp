@@ -6,17 +6,8 @@
 
 namespace {
 
-class NoWaveIn final : public platform::WaveIn {
- public:
-  std::uint32_t GetDeviceCount() override { return 0; }
-  platform::OpenedWaveIn Open(const platform::WaveFormat&) override {
-    return {nullptr, platform::WaveResult::kNoDevice};
-  }
-};
-
 TEST(HeadlessPlatform, EachMemberIsTheBackEndOfThatName) {
-  NoWaveIn waveIn;
-  support::HeadlessPlatform headless(waveIn, 7);
+  support::HeadlessPlatform headless(7);
   const platform::Platform platform = headless.Get();
   EXPECT_EQ(platform.clock.GetTickCount(), 7U);
   ASSERT_EQ(platform.files.CreateFolder(u"\\a"), platform::FileError::kNone);
@@ -26,15 +17,17 @@ TEST(HeadlessPlatform, EachMemberIsTheBackEndOfThatName) {
   platform.ui.ShowMessage(platform::ApplicationBox(u"text"));
   EXPECT_EQ(headless.ui.GetMessages().size(), 1U);
   EXPECT_NE(platform.threads.CreateManualResetEvent(), nullptr);
-  EXPECT_EQ(platform.waveIn.GetDeviceCount(), 0U);
+  EXPECT_EQ(platform.waveIn.GetDeviceCount(), 1U);
+  EXPECT_NE(platform.waveOut.Open({}).device, nullptr);
+  EXPECT_NE(platform.registry.CreateKey(u"a").key, nullptr);
+  EXPECT_TRUE(platform.contacts.Initialize());
 }
 
 TEST(HeadlessPlatform, OtherFilesMayTakeThePlaceOfItsOwn) {
-  NoWaveIn waveIn;
-  support::HeadlessPlatform headless(waveIn);
+  support::HeadlessPlatform headless;
   support::FailingFileSystem failing(headless.files);
   failing.FailCall(1, support::Failing::kOnce, platform::FileError::kDiskFull);
-  EXPECT_EQ(headless.GetWith(failing).files.CreateFolder(u"\\a"), platform::FileError::kDiskFull);
+  EXPECT_EQ(headless.GetWith(failing, headless.registry).files.CreateFolder(u"\\a"), platform::FileError::kDiskFull);
 }
 
 }  // namespace

@@ -72,7 +72,9 @@ namespace support {
                                                     std::u16string_view name) {
   const auto opened = registry.OpenKey(path);
   platform::RegistryValue value;
-  if (!opened.key || opened.key->Query(name, value) != platform::RegistryError::kNone) return {};
+  if (!opened.key || opened.key->Query(name, value) != platform::RegistryError::kNone) {
+    return {};
+  }
   return value.bytes;
 }
 

@@ -1,0 +1,169 @@
+// The player of WaveDevice.
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <new>
+#include <optional>
+#include <span>
+
+#include "audio/wave_device.h"
+#include "audio/wave_header.h"
+#include "platform/little_endian.h"
+
+namespace audio {
+
+using platform::FileError;
+using platform::WaveResult;
+
+namespace {
+
+constexpr std::size_t kSearchStep = 4;  ///< The data is looked for at multiples of this.
+constexpr std::size_t kChunkHeaderBytes = 8;
+constexpr std::uint32_t kUnprepareRetryWait = 200;
+constexpr std::uint64_t kMillisecondsPerSecond = 1000;
+constexpr std::uint64_t kExtraWait = 300;
+
+bool HasIdAt(std::span<const std::byte> view, std::size_t at, const char* id) {
+  return std::memcmp(view.data() + at, id, 4) == 0;
+}
+
+std::uint16_t Number16At(std::span<const std::byte> view, std::size_t at) {
+  return platform::LoadLittleEndian16(view.subspan(at).first<2>());
+}
+
+std::uint32_t Number32At(std::span<const std::byte> view, std::size_t at) {
+  return platform::LoadLittleEndian32(view.subspan(at).first<4>());
+}
+
+PlayCode CheckHeader(std::span<const std::byte> view) {
+  if (view.size() < kWaveHeaderBytes) {
+    return kSoundTooShort;
+  }
+  if (!HasIdAt(view, 0, "RIFF")) {
+    return kSoundNoRiff;
+  }
+  if (!HasIdAt(view, 8, "WAVE")) {
+    return kSoundNoWave;
+  }
+  return Number16At(view, 20) == platform::kFormatTagPcm ? kPlayed : kSoundNotPcm;
+}
+
+/// The samples: behind the first "data" id of the whole file, wherever that is. Nothing where there
+/// is none, or where it claims what the file does not hold.
+std::optional<std::span<const std::byte>> FindData(std::span<const std::byte> view) {
+  for (std::size_t at = 0; at + kChunkHeaderBytes <= view.size(); at += kSearchStep) {
+    if (HasIdAt(view, at, "data")) {
+      const std::uint32_t length = Number32At(view, at + 4);
+      const auto behind = view.subspan(at + kChunkHeaderBytes);
+      return length <= view.size()
+                 ? std::optional(behind.first(std::min<std::size_t>(length, behind.size())))
+                 : std::nullopt;
+    }
+  }
+  return std::nullopt;
+}
+
+platform::WaveFormat ReadFormat(std::span<const std::byte> view) {
+  return {.formatTag = platform::kFormatTagPcm,
+          .channels = Number16At(view, 22),
+          .samplesPerSecond = Number32At(view, 24),
+          // The sample rate once more, not the byte rate, deliberately: devices go by block align
+          // and rate.
+          .averageBytesPerSecond = Number32At(view, 24),
+          .blockAlign = Number16At(view, 32),
+          .bitsPerSample = Number16At(view, 34),
+          .extraSize = 0};
+}
+
+/// A rate or a block of nothing would have no end.
+bool IsPlayable(const platform::WaveFormat& format) {
+  return format.channels > 0 && format.samplesPerSecond > 0 && format.blockAlign > 0;
+}
+
+/// How long to wait for the end: from the length of the file in bytes and the rate in samples, so
+/// about twice the length of 16-bit mono sound, deliberately on the safe side.
+std::uint32_t GetPlayingTime(std::size_t fileBytes, std::uint32_t samplesPerSecond) {
+  const std::uint64_t time = fileBytes / samplesPerSecond * kMillisecondsPerSecond + kExtraWait;
+  return static_cast<std::uint32_t>(
+      std::min<std::uint64_t>(time, std::numeric_limits<std::uint32_t>::max() - 1));
+}
+
+}  // namespace
+
+int WaveDevice::Play(std::u16string_view path) {
+  PlayCode code = ReadSound(path);
+  if (code == kPlayed) {
+    code = CheckHeader(m_view);
+  }
+  if (code == kPlayed) {
+    code = PlaySound();
+  }
+  ReleaseOutput();
+  return code;
+}
+
+PlayCode WaveDevice::ReadSound(std::u16string_view path) {
+  const auto opened =
+      m_platform.files.Open(path, {platform::FileAccess::kRead, platform::FileShare::kNone,
+                                   platform::FileCreation::kOpenExisting});
+  if (!opened.file) {
+    return kSoundNotOpened;
+  }
+  const auto length = opened.file->GetLength();
+  if (!length || *length > std::numeric_limits<std::uint32_t>::max()) {
+    return kSoundNotMapped;
+  }
+  try {
+    m_view.resize(static_cast<std::size_t>(*length));
+  } catch (const std::bad_alloc&) {
+    return kSoundNotRead;
+  }
+  const auto read = opened.file->Read(m_view);
+  return read == m_view.size() ? kPlayed : kSoundNotRead;
+}
+
+PlayCode WaveDevice::PlaySound() {
+  const auto data = FindData(m_view);
+  const platform::WaveFormat format = ReadFormat(m_view);
+  if (!data || !IsPlayable(format)) {
+    return kSoundNoData;
+  }
+  m_waveOut = m_platform.waveOut.Open(format).device;
+  if (!m_waveOut) {
+    return kOutputNotOpened;
+  }
+  m_header.reset(new (std::nothrow) platform::WaveHeader);
+  if (!m_header) {
+    return kNoPlayBuffer;
+  }
+  m_header->data = m_view.data() + (data->data() - m_view.data());
+  m_header->bufferLength = static_cast<std::uint32_t>(data->size());
+  if (m_waveOut->Prepare(*m_header) != WaveResult::kOk) {
+    return kNotPrepared;
+  }
+  if (m_waveOut->Write(*m_header) != WaveResult::kOk) {
+    return kNotWritten;
+  }
+  m_platform.clock.Sleep(GetPlayingTime(m_view.size(), format.samplesPerSecond));
+  if (m_waveOut->Unprepare(*m_header) != WaveResult::kOk) {
+    m_platform.clock.Sleep(kUnprepareRetryWait);
+    // Still playing after this: it is cut off.
+    static_cast<void>(m_waveOut->Unprepare(*m_header));
+  }
+  return kPlayed;
+}
+
+void WaveDevice::ReleaseOutput() {
+  if (m_waveOut) {
+    // The device is given up whatever it answers.
+    static_cast<void>(m_waveOut->Reset());
+    static_cast<void>(m_waveOut->Close());
+    m_waveOut.reset();
+  }
+  m_header.reset();
+  m_view.clear();
+  m_view.shrink_to_fit();
+}
+
+}  // namespace audio

@@ -1,0 +1,37 @@
+#include "host/cli/page_run.h"
+
+#include "language/language_table.h"
+#include "platform/framework/property_sheet.h"
+#include "resources/strings.h"
+#include "storage/device_paths.h"
+
+namespace cli {
+
+language::Texts LoadTexts(Session& session) {
+  const auto found = session.GetFiles().FindFirst(storage::kLanguageFile);
+  if (!found.search) {
+    return {};
+  }
+  language::LanguageTable& table = language::LanguageTable::GetInstance();
+  table.Load(session.GetFiles(), storage::kLanguageFile);
+  return language::Texts(&table);
+}
+
+void RunPage(Session& session, const std::function<void(PageRun&)>& use) {
+  static_cast<void>(session.GetRegistry());  // Makes the root folder, below which all of it lies.
+  const language::Texts texts = LoadTexts(session);
+  tags::Page_one page(session.GetPlatform(), texts);
+  framework::CPropertySheet sheet(texts(resources::kSheetCaption), session.GetUi());
+  sheet.AddPage(page);
+  session.GetUi().SetSheetStory([&](headless::HeadlessSheet& window) {
+    if (session.HasEnded()) {
+      session.Fail("the tags are in use by another Voxtrel; close it and try again");
+      return;
+    }
+    PageRun run{page, *window.ShowPage(0)};
+    use(run);
+  });
+  sheet.DoModal();
+}
+
+}  // namespace cli

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "host/cli/session.h"
+#include "language/texts.h"
+#include "platform/headless/headless_dialog.h"
+#include "tags/page_one.h"
+
+namespace cli {
+
+/// The Learning page as the command line uses it: the real page with the real store, contacts and
+/// sound, without a window.
+struct PageRun {
+  tags::Page_one& page;
+  headless::HeadlessDialog& dialog;
+};
+
+/// Opens the page, hands it to `use`, and closes it. Where it does not open, as when a window has
+/// it open already, that is told and `use` is not called.
+void RunPage(Session& session, const std::function<void(PageRun&)>& use);
+
+/// What the applet speaks: the language file of the device, where there is one.
+[[nodiscard]] language::Texts LoadTexts(Session& session);
+
+}  // namespace cli

@@ -1,0 +1,53 @@
+#include "host/cli/progress_clock.h"
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <string>
+
+namespace cli {
+namespace {
+
+constexpr std::uint32_t kStep = 100;
+constexpr std::uint32_t kWidth = 30;
+
+double ToSeconds(std::uint32_t milliseconds) { return milliseconds / 1000.0; }
+
+/// Not fmt::print, which throws where the terminal is gone.
+void Draw(const std::string& text) {
+  static_cast<void>(std::fwrite(text.data(), 1, text.size(), stderr));
+  std::fflush(stderr);
+}
+
+}  // namespace
+
+ProgressClock::ProgressClock(platform::Clock& clock, std::uint32_t recordingMilliseconds)
+    : m_clock(clock),
+      m_recording(recordingMilliseconds),
+      m_isAwaited(::isatty(STDERR_FILENO) == 1) {}
+
+void ProgressClock::Sleep(std::uint32_t milliseconds) {
+  if (!m_isAwaited || milliseconds != m_recording) {
+    m_clock.Sleep(milliseconds);
+    return;
+  }
+  m_isAwaited = false;
+  for (std::uint32_t passed = 0; passed < milliseconds;) {
+    Show(passed);
+    const std::uint32_t step = std::min(kStep, milliseconds - passed);
+    m_clock.Sleep(step);
+    passed += step;
+  }
+  Show(milliseconds);
+  Draw("\n");
+}
+
+void ProgressClock::Show(std::uint32_t passed) const {
+  const auto filled = static_cast<std::uint32_t>(std::uint64_t{kWidth} * passed / m_recording);
+  Draw(fmt::format("\rSpeak now  [{:#<{}}{:.<{}}] {:.1f} s of {:.1f} s", "", filled, "",
+                   kWidth - filled, ToSeconds(passed), ToSeconds(m_recording)));
+}
+
+}  // namespace cli

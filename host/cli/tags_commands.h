@@ -1,0 +1,12 @@
+#pragma once
+
+#include <CLI/App.hpp>
+
+#include "host/cli/session.h"
+
+namespace cli {
+
+/// voxtrel tags learn|list|play|delete|delete-all
+void AddTagsCommands(CLI::App& app, Session& session);
+
+}  // namespace cli

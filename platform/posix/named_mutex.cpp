@@ -1,0 +1,51 @@
+#include <fcntl.h>
+#include <sys/file.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <string>
+#include <system_error>
+#include <utility>
+
+#include "platform/posix/descriptor.h"
+#include "platform/posix/posix_threads.h"
+#include "platform/text/utf.h"
+
+namespace posix {
+namespace {
+
+constexpr int kOwnerOnly = 0600;
+
+class LockedFile final : public platform::NamedMutex {
+ public:
+  explicit LockedFile(Descriptor file) : m_file(std::move(file)) {}
+
+ private:
+  const Descriptor m_file;
+};
+
+int LockAtOnce(int file) {
+  int result = 0;
+  do {
+    result = ::flock(file, LOCK_EX | LOCK_NB);
+  } while (result != 0 && errno == EINTR);
+  return result;
+}
+
+}  // namespace
+
+platform::CreatedMutex PosixThreads::CreateNamedMutex(std::u16string_view name) {
+  std::error_code ignored;
+  std::filesystem::create_directories(m_lockFolder, ignored);
+  const std::string path = m_lockFolder + "/." + text::ToHostName(name) + ".lock";
+  Descriptor file(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, kOwnerOnly));
+  if (!file.IsOpen()) {
+    return {};
+  }
+  if (LockAtOnce(file.Get()) != 0) {
+    return {nullptr, errno == EWOULDBLOCK};
+  }
+  return {std::make_unique<LockedFile>(std::move(file)), false};
+}
+
+}  // namespace posix

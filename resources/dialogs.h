@@ -1,0 +1,26 @@
+#pragma once
+
+#include "resources/dialog_template.h"
+
+namespace resources {
+
+// Controls of the Learning page.
+inline constexpr int kContactsLabelId = 1031;
+inline constexpr int kContactComboId = 1009;
+inline constexpr int kNumberComboId = 1010;
+inline constexpr int kRecordButtonId = 1016;
+inline constexpr int kCountLabelId = 1030;
+inline constexpr int kTagListId = 1013;
+inline constexpr int kPlayButtonId = 1014;
+inline constexpr int kDeleteButtonId = 1015;
+inline constexpr int kDeleteAllButtonId = 1017;
+inline constexpr int kTestButtonId = 1025;
+inline constexpr int kProgressBarId = 1212;  ///< Made while something is in progress.
+
+/// Command that the Learning page sends itself once it is set up.
+inline constexpr int kCheckVersionCommand = 2222;
+
+extern const DialogTemplate kLearningDialog;
+extern const DialogTemplate kAboutDialog;
+
+}  // namespace resources

@@ -1,0 +1,102 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "audio/wave_device.h"
+#include "language/texts.h"
+#include "platform/framework/property_sheet.h"
+#include "platform/platform.h"
+#include "storage/tag_record.h"
+#include "storage/tag_store.h"
+#include "tags/contact_picker.h"
+#include "tags/contact_view.h"
+#include "voicemath/voice_mathematics.h"
+
+namespace tags {
+
+/// The Learning page: the user picks a contact and one of its numbers, presses Record and says the
+/// name, and has a voice tag; listens to tags, and deletes them.
+///
+/// Owns what all pages share for the life of the sheet. Lives on the user-interface thread; while a
+/// recording runs, its worker uses the recording path and the audio device, and this thread
+/// neither.
+class Page_one : public framework::CPropertyPage, private ContactView {
+ public:
+  /// Makes the install folders. `platform` is kept as a copy; what it refers to outlives the page.
+  Page_one(const platform::Platform& platform, const language::Texts& texts);
+  ~Page_one() override;
+
+  [[nodiscard]] const framework::RuntimeClass& GetRuntimeClass() const override;
+  /// Forwards to the speech mathematics, which writes or reads a template.
+  void Serialize(framework::CArchive& archive) override;
+
+  bool OnInitDialog() override;
+  void OnCommand(int id, platform::CommandEvent event) override;
+
+  [[nodiscard]] const storage::TagTable& GetTags() const { return m_tags; }
+  [[nodiscard]] const ContactPicker& GetPicker() const { return m_picker; }
+
+  /// What the player answered last; it tells the user nothing.
+  [[nodiscard]] int GetPlayCode() const { return m_playCode; }
+
+ private:
+  // Opening.
+  [[nodiscard]] bool BecomeOnlyInstance();
+  [[nodiscard]] bool OpenContacts();
+  void EnableButtons();
+  void TranslateControls();
+  void ShowCount();
+
+  // Contacts: what the picker shows.
+  void AddContact(std::u16string_view name) override;
+  void SelectFirstContact() override;
+  void AddNumber(std::u16string_view text) override;
+  void RemoveNumbers() override;
+  void SelectFirstNumber() override;
+  [[nodiscard]] std::u16string GetFirstNumber() override;
+  void Report(const ContactMessage& message) override;
+  void OnSelchangeComboName();
+  void OnSelchangeComboNumber();
+
+  // Recording.
+  void OnRecord();
+  [[nodiscard]] bool EnsureDataFolders();
+  [[nodiscard]] bool HasNumberChosen();
+  [[nodiscard]] bool RecordUtterance(const std::function<void()>& step);
+  void RecordOnWorker();
+  [[nodiscard]] bool StoreTag(std::u16string_view tagName);
+  void ListNewTag(std::u16string_view tagName);
+
+  // List and deletion.
+  void LoadTagList();
+  [[nodiscard]] bool LoadTag(std::u16string_view tagName, std::int32_t& slot, bool& isStale);
+  [[nodiscard]] bool DeleteStaleTag(std::u16string_view tagName);
+  void AppendToList(std::u16string_view text);
+  void OnPlay();
+  void OnDelete();
+  void OnDeleteAll();
+  [[nodiscard]] bool Confirm(const resources::Text& question);
+  void ShowBox(const resources::Text& text);
+
+  platform::Platform m_platform;
+  language::Texts m_texts;
+  storage::TagStore m_store;
+  std::unique_ptr<platform::NamedMutex> m_onlyInstance;
+  std::unique_ptr<platform::Event> m_workerEvent;
+  ContactPicker m_picker;
+  storage::TagTable m_tags;
+  voicemath::CVoiceMathematics m_mathematics;
+  std::unique_ptr<audio::WaveDevice> m_audio;
+  std::u16string m_recordingPath;
+  std::u16string m_listText;  ///< Of the tag listed last.
+  /// Set by the recording thread where the process was to end: nothing may be done any more.
+  std::atomic<bool> m_processEnded = false;
+  int m_playCode = 0;
+};
+
+}  // namespace tags

@@ -1,0 +1,162 @@
+// The Learning page opens: contacts, tag list, buttons.
+
+#include <string_view>
+
+#include "audio/wave_header.h"
+#include "language/formatting.h"
+#include "resources/dialogs.h"
+#include "resources/strings.h"
+#include "storage/folders.h"
+#include "tags/contact_opening.h"
+#include "tags/page_one.h"
+
+namespace tags {
+namespace {
+
+/// Whoever holds it is the one open Learning page of this device.
+constexpr std::u16string_view kInstanceMutex = u"ZedraD";
+
+/// The cursor that says "wait", for as long as this lives.
+class WaitCursor {
+ public:
+  explicit WaitCursor(platform::Ui& ui) : m_ui(ui) { m_ui.SetCursor(platform::Cursor::kWait); }
+  WaitCursor(const WaitCursor&) = delete;
+  WaitCursor& operator=(const WaitCursor&) = delete;
+  ~WaitCursor() { m_ui.SetCursor(platform::Cursor::kNormal); }
+
+ private:
+  platform::Ui& m_ui;
+};
+
+}  // namespace
+
+Page_one::Page_one(const platform::Platform& platform, const language::Texts& texts)
+    : CPropertyPage(resources::kLearningDialog, platform.ui),
+      m_platform(platform),
+      m_texts(texts),
+      m_store(platform.files, platform.registry),
+      m_picker(platform.contacts, *this),
+      m_mathematics(platform.files, platform.ui) {
+  storage::CreateInstallFolders(m_platform.files);
+}
+
+Page_one::~Page_one() { m_platform.contacts.Logoff(); }
+
+const framework::RuntimeClass& Page_one::GetRuntimeClass() const {
+  static constexpr framework::RuntimeClass kClass{"Page_one"};
+  return kClass;
+}
+
+void Page_one::Serialize(framework::CArchive& archive) { m_mathematics.Serialize(archive); }
+
+bool Page_one::OnInitDialog() {
+  CPropertyPage::OnInitDialog();
+  if (!BecomeOnlyInstance()) {
+    m_platform.process.End(0);
+    return true;
+  }
+  const WaitCursor wait(m_platform.ui);
+  m_workerEvent = m_platform.threads.CreateManualResetEvent();
+  m_audio = std::make_unique<audio::WaveDevice>(m_platform);
+  m_audio->SetFormat(audio::kRecordingBits, audio::kRecordingRate);
+  if (!OpenContacts()) {
+    return true;  // The message was the last thing that happens: the page stays as it was drawn.
+  }
+  LoadTagList();
+  EnableButtons();
+  ShowCount();
+  TranslateControls();
+  return true;
+}
+
+bool Page_one::BecomeOnlyInstance() {
+  if (m_onlyInstance) {
+    return true;  // The sheet is shown once more by the same library.
+  }
+  auto created = m_platform.threads.CreateNamedMutex(kInstanceMutex);
+  m_onlyInstance = std::move(created.mutex);
+  return !created.existed;
+}
+
+bool Page_one::OpenContacts() {
+  if (const auto failure = tags::OpenContacts(m_platform.contacts, m_platform.clock)) {
+    Report(*failure);
+    return false;
+  }
+  return m_picker.Load();
+}
+
+void Page_one::EnableButtons() {
+  platform::DialogWindow& window = GetWindow();
+  window.Enable(resources::kPlayButtonId, false);
+  window.Enable(resources::kDeleteButtonId, false);
+  if (m_picker.GetContacts().GetCount() == 0) {
+    window.Enable(resources::kRecordButtonId, false);
+  }
+  if (m_tags.tagCount < 2) {
+    window.Enable(resources::kTestButtonId, false);
+  }
+  if (window.GetItemCount(resources::kTagListId) == 0) {
+    window.Enable(resources::kDeleteAllButtonId, false);
+  }
+}
+
+void Page_one::TranslateControls() {
+  if (!m_texts.IsLanguageFileLoaded()) {
+    return;
+  }
+  const struct {
+    int id;
+    const resources::Text& text;
+  } controls[] = {{resources::kContactsLabelId, resources::kContactsLabel},
+                  {resources::kRecordButtonId, resources::kRecordButton},
+                  {resources::kPlayButtonId, resources::kPlayButton},
+                  {resources::kDeleteButtonId, resources::kDeleteButton},
+                  {resources::kDeleteAllButtonId, resources::kDeleteAllButton},
+                  {resources::kTestButtonId, resources::kTestButton}};
+  for (const auto& control : controls) {
+    GetWindow().SetText(control.id, m_texts(control.text));
+  }
+}
+
+void Page_one::ShowCount() {
+  GetWindow().SetText(resources::kCountLabelId, language::CountLabel(m_texts, m_tags.tagCount));
+}
+
+void Page_one::OnCommand(int id, platform::CommandEvent event) {
+  if (event == platform::CommandEvent::kSelectionChange) {
+    switch (id) {
+      case resources::kContactComboId:
+        OnSelchangeComboName();
+        break;
+      case resources::kNumberComboId:
+        OnSelchangeComboNumber();
+        break;
+      case resources::kTagListId:
+        GetWindow().Enable(resources::kPlayButtonId, true);
+        GetWindow().Enable(resources::kDeleteButtonId, true);
+        break;
+      default:
+        break;
+    }
+    return;
+  }
+  switch (id) {
+    case resources::kRecordButtonId:
+      OnRecord();
+      break;
+    case resources::kPlayButtonId:
+      OnPlay();
+      break;
+    case resources::kDeleteButtonId:
+      OnDelete();
+      break;
+    case resources::kDeleteAllButtonId:
+      OnDeleteAll();
+      break;
+    default:
+      break;
+  }
+}
+
+}  // namespace tags

@@ -1,0 +1,164 @@
+// The Learning page makes a tag: from the press of Record to the line in the list.
+
+#include <string>
+#include <utility>
+
+#include "audio/wave_header.h"
+#include "language/formatting.h"
+#include "resources/dialogs.h"
+#include "resources/strings.h"
+#include "storage/device_paths.h"
+#include "storage/folders.h"
+#include "tags/letters.h"
+#include "tags/page_one.h"
+
+#include "voicemath/template_file.h"
+
+namespace tags {
+namespace {
+
+constexpr std::uint32_t kUtteranceMilliseconds = 3000;
+constexpr std::uint32_t kBeepMilliseconds = 150;  ///< The user hears the cue to speak.
+constexpr int kProgressSteps = 10;
+constexpr std::uint32_t kProgressStepMilliseconds = 300;
+constexpr std::uint32_t kLongestWait = 10'000;
+constexpr std::int32_t kTagLimit = storage::TagTable::kCapacity;
+constexpr int kProgressGap = 10;  ///< Between the Record button and the bar.
+
+/// A progress bar that goes when the recording is over, whichever way it ended.
+class RecordingProgress {
+ public:
+  explicit RecordingProgress(platform::DialogWindow& window) : m_window(window) {
+    // Beside the button, as far as the box above reaches. Of the button's place on the screen the
+    // device takes 26 for its title bar, and the page begins right under that.
+    const platform::Rect button = m_window.GetControlRect(resources::kRecordButtonId);
+    const platform::Rect combo = m_window.GetControlRect(resources::kNumberComboId);
+    m_window.CreateProgressBar(
+        resources::kProgressBarId,
+        {.rect = {button.right + kProgressGap, button.top, combo.right, button.bottom}});
+  }
+  RecordingProgress(const RecordingProgress&) = delete;
+  RecordingProgress& operator=(const RecordingProgress&) = delete;
+  ~RecordingProgress() { m_window.DestroyProgressBar(resources::kProgressBarId); }
+
+  void Step() { m_window.StepProgress(resources::kProgressBarId); }
+
+ private:
+  platform::DialogWindow& m_window;
+};
+
+}  // namespace
+
+void Page_one::OnRecord() {
+  RecordingProgress progress(GetWindow());
+  if (!EnsureDataFolders() || !HasNumberChosen()) {
+    return;
+  }
+  const std::u16string tagName = storage::TagNameOfTickCount(m_platform.clock.GetTickCount());
+  m_platform.ui.Beep(platform::Sound::kExclamation);
+  m_platform.clock.Sleep(kBeepMilliseconds);
+  // Asked after the beep, as ever.
+  if (m_tags.tagCount >= kTagLimit) {
+    m_platform.ui.ShowMessage(platform::ApplicationBox(language::TagLimitMessage(m_texts)));
+    return;
+  }
+  m_recordingPath = storage::WavePath(tagName);
+  if (RecordUtterance([&progress] { progress.Step(); }) && StoreTag(tagName)) {
+    ListNewTag(tagName);
+  }
+}
+
+bool Page_one::EnsureDataFolders() {
+  storage::CreateDataFolders(m_platform.files);
+  const storage::FolderRule rule(m_platform.files, m_platform.ui, m_platform.process, m_texts);
+  return rule.EnsureWaveFolder() == storage::FolderResult::kReady &&
+         rule.EnsureTemplateFolder() == storage::FolderResult::kReady;
+}
+
+bool Page_one::HasNumberChosen() {
+  if (m_picker.GetPhoneTypeWord().empty()) {
+    m_picker.ChooseNumber(GetFirstNumber());
+  }
+  const std::u16string& word = m_picker.GetPhoneTypeWord();
+  if (m_picker.GetOid() == 0 || word.empty() || !IsWordLetter(word.front())) {
+    ShowBox(resources::kNothingChosen);
+    return false;
+  }
+  return true;
+}
+
+bool Page_one::RecordUtterance(const std::function<void()>& step) {
+  const auto worker =
+      m_platform.threads.Start([this] { RecordOnWorker(); }, platform::ThreadStart::kRunning);
+  for (int i = 0; i < kProgressSteps; ++i) {
+    m_platform.clock.Sleep(kProgressStepMilliseconds);
+    step();
+  }
+  if (worker) {
+    // A recording that takes longer is no error: what the file holds by now is taken.
+    static_cast<void>(worker->Wait(kLongestWait));
+  }
+  return !m_processEnded;
+}
+
+void Page_one::RecordOnWorker() {
+  m_audio->SetFormat(audio::kRecordingBits, audio::kRecordingRate);
+  const int code = m_audio->Record(m_recordingPath, kUtteranceMilliseconds);
+  if (code == audio::kRecorded) {
+    return;
+  }
+  m_processEnded = true;
+  if (code != audio::kProcessEnded) {
+    m_platform.ui.ShowMessage({language::Decimal(code), platform::MessageCaption::kText,
+                               u"Error Code", platform::MessageStyle::kTopmost});
+    m_platform.process.End(0);
+  }
+}
+
+bool Page_one::StoreTag(std::u16string_view tagName) {
+  m_mathematics.m_wavePath = m_recordingPath;
+  if (m_mathematics.LearnFile(0) != voicemath::kLearned) {
+    // Its message has been shown. Slot 0 still holds the tag before, whose template must not be
+    // stored for this one.
+    return false;
+  }
+  const auto written =
+      voicemath::WriteTemplateFile(m_platform.files, storage::TemplatePath(tagName), *this);
+  if (written != voicemath::TemplateFileResult::kDone) {
+    ShowBox(resources::kTemplateNotCreated);
+    return false;
+  }
+  const auto entered = m_store.WriteEntry(tagName, static_cast<std::int32_t>(m_picker.GetOid()),
+                                          m_picker.GetPhoneTypeWord());
+  if (entered != platform::RegistryError::kNone) {
+    // Without its entry the tag does not exist; what is wrong is the same disk or folder.
+    ShowBox(resources::kTemplateNotCreated);
+    return false;
+  }
+  return true;
+}
+
+void Page_one::ListNewTag(std::u16string_view tagName) {
+  storage::TagRecord* record = m_tags.GetRecord(m_tags.tagCount);
+  record->SetTagName(tagName);
+  ++m_tags.tagCount;
+  const TagText tag = m_picker.ReadForTag();
+  if (tag.failure) {
+    // The tag is stored and counted; it is listed when the page opens next.
+    Report(*tag.failure);
+    return;
+  }
+  record->SetDisplayText(tag.text);
+  AppendToList(record->GetDisplayText());
+  m_playCode = m_audio->Play(m_recordingPath);
+  platform::DialogWindow& window = GetWindow();
+  if (window.GetItemCount(resources::kTagListId) > 0) {
+    window.Enable(resources::kDeleteAllButtonId, true);
+  }
+  if (m_tags.tagCount > 1) {
+    window.Enable(resources::kTestButtonId, true);
+  }
+  ShowCount();
+}
+
+}  // namespace tags

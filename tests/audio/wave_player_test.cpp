@@ -1,0 +1,141 @@
+#include <algorithm>
+#include <initializer_list>
+
+#include "tests/audio/recorder_fixture.h"
+#include "tests/support/signals.h"
+
+namespace {
+
+using platform::WaveResult;
+
+class WavePlayer : public RecorderFixture {
+ protected:
+  int PlayBytes(const support::Bytes& bytes) {
+    EXPECT_TRUE(m_files.PutFile(kPath, bytes));
+    const int code = m_device.Play(kPath);
+    EXPECT_EQ(m_waveOut.CountOpenDevices(), 0);
+    EXPECT_EQ(m_files.CountOpenHandles(), 0U);
+    return code;
+  }
+  static support::Bytes Good() { return support::WaveFile(support::Noise(1000, 9000, 1)); }
+  static support::Bytes With(std::size_t at, std::initializer_list<int> values) {
+    support::Bytes bytes = Good();
+    std::ranges::transform(values, bytes.begin() + static_cast<std::ptrdiff_t>(at),
+                           [](int value) { return static_cast<std::byte>(value); });
+    return bytes;
+  }
+};
+
+TEST_F(WavePlayer, HandsTheSamplesToTheDeviceInTheFormatOfTheFile) {
+  EXPECT_EQ(PlayBytes(Good()), audio::kPlayed);
+  const auto played = m_waveOut.GetPlayed();
+  ASSERT_EQ(played.size(), 1U);
+  EXPECT_EQ(played[0].bytes, support::BytesOf(support::Noise(1000, 9000, 1)));
+  EXPECT_EQ(played[0].format.formatTag, 1);
+  EXPECT_EQ(played[0].format.channels, 1);
+  EXPECT_EQ(played[0].format.samplesPerSecond, 11025U);
+  EXPECT_EQ(played[0].format.averageBytesPerSecond, 11025U) << "The rate once more, deliberately.";
+  EXPECT_EQ(played[0].format.blockAlign, 2);
+  EXPECT_EQ(played[0].format.bitsPerSample, 16);
+  EXPECT_TRUE(m_ui.GetMessages().empty());
+}
+
+TEST_F(WavePlayer, WaitsAboutTwiceTheLengthOfAThreeSecondRecording) {
+  EXPECT_EQ(PlayBytes(support::WaveFile(support::Constant(33075, 0))), audio::kPlayed);
+  EXPECT_EQ(m_clock.GetSleeps(), std::vector<std::uint32_t>{6300});
+}
+
+TEST_F(WavePlayer, DividesBeforeItMultiplies) {
+  // 11,024 bytes are less than a second's 11,025 samples.
+  EXPECT_EQ(PlayBytes(support::WaveFile(support::Constant(5490, 0))), audio::kPlayed);
+  EXPECT_EQ(m_clock.GetSleeps(), std::vector<std::uint32_t>{300});
+}
+
+TEST_F(WavePlayer, WaitsOnceMoreForADeviceThatIsStillPlaying) {
+  m_waveOut.SetScript({.stillPlaying = 1});
+  EXPECT_EQ(PlayBytes(Good()), audio::kPlayed);
+  EXPECT_EQ(m_clock.GetSleeps(), (std::vector<std::uint32_t>{300, 200}));
+}
+
+TEST_F(WavePlayer, CutsOffWhatIsStillPlayingThen) {
+  m_waveOut.SetScript({.stillPlaying = 100});
+  EXPECT_EQ(PlayBytes(Good()), audio::kPlayed);
+  EXPECT_EQ(m_clock.GetSleeps(), (std::vector<std::uint32_t>{300, 200}));
+}
+
+TEST_F(WavePlayer, AFileThatCannotBeOpenedIsOne) {
+  EXPECT_EQ(m_device.Play(u"/missing.wav"), audio::kSoundNotOpened);
+}
+
+TEST_F(WavePlayer, EachFaultOfTheFileHasItsCode) {
+  EXPECT_EQ(PlayBytes({}), audio::kSoundTooShort);
+  EXPECT_EQ(PlayBytes(support::Bytes(43)), audio::kSoundTooShort);
+  EXPECT_EQ(PlayBytes(With(0, {'r'})), audio::kSoundNoRiff);
+  EXPECT_EQ(PlayBytes(With(8, {'w'})), audio::kSoundNoWave);
+  EXPECT_EQ(PlayBytes(With(20, {3, 0})), audio::kSoundNotPcm);
+  EXPECT_EQ(PlayBytes(With(36, {'D'})), audio::kSoundNoData);
+  EXPECT_EQ(PlayBytes(With(40, {0xFF, 0xFF, 0xFF, 0xFF})), audio::kSoundNoData);
+  EXPECT_TRUE(m_waveOut.GetPlayed().empty());
+}
+
+TEST_F(WavePlayer, AHeaderThatHasNoEndIsRefused) {
+  EXPECT_EQ(PlayBytes(With(22, {0, 0})), audio::kSoundNoData);
+  EXPECT_EQ(PlayBytes(With(24, {0, 0, 0, 0})), audio::kSoundNoData);
+  EXPECT_EQ(PlayBytes(With(32, {0, 0})), audio::kSoundNoData);
+}
+
+TEST_F(WavePlayer, FindsTheDataBehindTheHundredthByte) {
+  support::Bytes bytes = Good();
+  bytes.insert(bytes.begin() + 36, 100, std::byte{});
+  EXPECT_EQ(PlayBytes(bytes), audio::kPlayed);
+  EXPECT_EQ(m_waveOut.GetPlayed().at(0).bytes, support::BytesOf(support::Noise(1000, 9000, 1)));
+}
+
+TEST_F(WavePlayer, NeverReadsBehindTheEndOfTheFile) {
+  // The id as the very last bytes, and with half a length behind it.
+  support::Bytes atTheEnd = support::WaveFile({});
+  EXPECT_EQ(PlayBytes(support::Bytes(atTheEnd.begin(), atTheEnd.end())), audio::kNotPrepared)
+      << "Found, but there is nothing to play.";
+  support::Bytes cut = With(36, {'D', 'A', 'T', 'A'});
+  for (const char letter : {'d', 'a', 't', 'a'}) {
+    cut.push_back(static_cast<std::byte>(letter));
+  }
+  EXPECT_EQ(PlayBytes(cut), audio::kSoundNoData);
+  cut.insert(cut.end(), 2, std::byte{});
+  EXPECT_EQ(PlayBytes(cut), audio::kSoundNoData);
+}
+
+TEST_F(WavePlayer, PlaysWhatIsThereOfDataThatClaimsUpToTheFileLength) {
+  support::Bytes bytes = Good();
+  bytes[40] = static_cast<std::byte>(bytes.size() & 0xFFU);
+  bytes[41] = static_cast<std::byte>(bytes.size() >> 8U);
+  EXPECT_EQ(PlayBytes(bytes), audio::kPlayed);
+  EXPECT_EQ(m_waveOut.GetPlayed().at(0).bytes.size(), 2000U);
+}
+
+TEST_F(WavePlayer, EachStepOfTheDeviceHasItsCodeAndReleasesEverything) {
+  m_waveOut.SetScript({.open = WaveResult::kNoDevice});
+  EXPECT_EQ(PlayBytes(Good()), audio::kOutputNotOpened);
+  m_waveOut.SetScript({.prepare = WaveResult::kFailed});
+  EXPECT_EQ(PlayBytes(Good()), audio::kNotPrepared);
+  m_waveOut.SetScript({.write = WaveResult::kFailed});
+  EXPECT_EQ(PlayBytes(Good()), audio::kNotWritten);
+  EXPECT_TRUE(m_clock.GetSleeps().empty());
+  m_waveOut.SetScript({.reset = WaveResult::kFailed, .close = WaveResult::kFailed});
+  EXPECT_EQ(PlayBytes(Good()), audio::kPlayed);
+}
+
+TEST_F(WavePlayer, EachFailingFileCallGivesACodeAndReleasesEverything) {
+  ASSERT_TRUE(m_files.PutFile(kPath, Good()));
+  bool anyFailed = true;
+  for (std::size_t call = 1; anyFailed; ++call) {
+    m_failingFiles.FailCall(call, support::Failing::kFromThenOn);
+    const int code = m_device.Play(kPath);
+    anyFailed = m_failingFiles.HasFailed();
+    EXPECT_EQ(code == audio::kPlayed, !anyFailed) << call;
+    EXPECT_EQ(m_files.CountOpenHandles(), 0U);
+    ASSERT_LT(call, 20U);
+  }
+}
+
+}  // namespace

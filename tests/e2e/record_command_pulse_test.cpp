@@ -1,0 +1,79 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstddef>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "tests/e2e/pipe_microphone.h"
+#include "tests/e2e/pulse_server.h"
+#include "tests/e2e/sound_session.h"
+#include "tests/support/run_program.h"
+
+namespace {
+
+using e2e::PipeMicrophone;
+using e2e::PulseInput;
+using e2e::PulseServer;
+
+const std::vector<std::byte> kHum{std::byte{17}, std::byte{17}};
+
+/// The real program beside a sound server of its own.
+class RecordCommand : public testing::Test {
+ protected:
+  [[nodiscard]] support::ProgramRun Run(const std::string& option) const {
+    return support::RunProgram({VOXTREL_PROGRAM, option, "wave", "record", File()});
+  }
+
+  [[nodiscard]] std::string File() const { return m_session.Folder() / "name.wav"; }
+
+  e2e::SoundSession m_session;
+};
+
+TEST_F(RecordCommand, TakesThreeSecondsFromTheMicrophone) {
+  const auto server = PulseServer::Start(m_session);
+  ASSERT_TRUE(server);
+  const PipeMicrophone microphone(server->Pipe(), 11025, 1, kHum);
+  const auto run = Run("--json");
+  EXPECT_EQ(run.out, "{\"code\":0,\"bytes\":66150}\n");
+  EXPECT_EQ(run.err, "");
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_EQ(std::filesystem::file_size(File()), 66194U);
+}
+
+TEST_F(RecordCommand, TellsTheLengthOfWhatArrivedBeforeTheServerDied) {
+  const auto server = PulseServer::Start(m_session);
+  ASSERT_TRUE(server);
+  const PipeMicrophone microphone(server->Pipe(), 11025, 1, kHum);
+  const std::jthread killer([&] {
+    // The file is made just before the microphone is opened.
+    for (int i = 0; i < 1000 && !std::filesystem::exists(File()); ++i) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    std::this_thread::sleep_for(std::chrono::seconds(1));
+    server->Kill();
+  });
+  const auto run = Run("--root=unused");
+  EXPECT_EQ(run.exitCode, 0) << run.err;
+  EXPECT_THAT(run.out, testing::MatchesRegex("Recorded [01]\\.[0-9] s to .*\n"));
+  EXPECT_LT(std::filesystem::file_size(File()), 50000U);
+}
+
+TEST_F(RecordCommand, WithoutAMicrophoneSaysSoAndMakesNoFile) {
+  const auto server = PulseServer::Start(m_session, {.input = PulseInput::kMonitorOnly});
+  ASSERT_TRUE(server);
+  const auto run = Run("--json");
+  EXPECT_EQ(run.out, "{\"code\":-1,\"bytes\":0}\n");
+  EXPECT_EQ(run.err,
+            "Zedra Voxtrel: There are no wave-record devices in you computer.\n"
+            "voxtrel: " +
+                File() + " was not recorded\n");
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_FALSE(std::filesystem::exists(File()));
+}
+
+}  // namespace
