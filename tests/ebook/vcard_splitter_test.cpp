@@ -88,7 +88,7 @@ TEST(VcardSplitter, ACardWithoutABeginIsDamage) {
 
 TEST(VcardSplitter, AStreamOfOtherBytesIsDamage) {
   std::string bytes;
-  for (int i = 0; i < 100'000; ++i) {
+  for (unsigned i = 0; i < 100'000; ++i) {
     bytes += static_cast<char>(i * i * 31 % 251);
   }
   ExpectDamaged(bytes, "");
