@@ -5,6 +5,7 @@
 #include "platform/file_system.h"
 #include "platform/process.h"
 #include "platform/registry.h"
+#include "platform/shell.h"
 #include "platform/threads.h"
 #include "platform/ui.h"
 #include "platform/wave_in.h"
@@ -24,6 +25,7 @@ struct Platform {
   Registry& registry;
   ContactsStore& contacts;
   WaveOut& waveOut;
+  Shell& shell;
 };
 
 }  // namespace platform

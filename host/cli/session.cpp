@@ -62,7 +62,7 @@ platform::Platform Session::GetPlatform() { return GetPlatform(m_clock); }
 
 platform::Platform Session::GetPlatform(platform::Clock& clock) {
   return {GetFiles(), GetWaveIn(),    clock,          GetThreads(), m_process,
-          m_ui,       MakeRegistry(), MakeContacts(), GetWaveOut()};
+          m_ui,       MakeRegistry(), MakeContacts(), GetWaveOut(), m_shell};
 }
 
 std::u16string Session::ToSystemPath(const std::string& name) {

@@ -7,6 +7,7 @@
 
 #include "platform/ebook/ebook_contacts.h"
 #include "platform/headless/headless_process.h"
+#include "platform/headless/headless_shell.h"
 #include "platform/headless/headless_ui.h"
 #include "platform/platform.h"
 #include "platform/posix/posix_clock.h"
@@ -88,6 +89,7 @@ class Session {
   std::unique_ptr<posix::PosixThreads> m_threads;
   posix::PosixClock m_clock;
   headless::HeadlessProcess m_process;
+  headless::HeadlessShell m_shell;
   headless::HeadlessUi m_ui;
   bool m_failed = false;
 };

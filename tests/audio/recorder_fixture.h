@@ -9,6 +9,7 @@
 #include "audio/wave_header.h"
 #include "platform/headless/headless_contacts.h"
 #include "platform/headless/headless_process.h"
+#include "platform/headless/headless_shell.h"
 #include "platform/headless/headless_ui.h"
 #include "platform/headless/headless_wave_in.h"
 #include "platform/headless/headless_wave_out.h"
@@ -58,11 +59,12 @@ class RecorderFixture : public testing::Test {
   SleepLog m_clock;
   NoThreads m_threads;
   headless::HeadlessProcess m_process;
+  headless::HeadlessShell m_shell;
   headless::HeadlessUi m_ui;
   headless::MemoryRegistry m_registry;
   headless::HeadlessContacts m_contacts;
   headless::HeadlessWaveOut m_waveOut;
   audio::WaveDevice m_device{platform::Platform{m_failingFiles, m_waveIn, m_clock, m_threads,
-                                                m_process, m_ui, m_registry, m_contacts,
-                                                m_waveOut}};
+                                                m_process, m_ui, m_registry, m_contacts, m_waveOut,
+                                                m_shell}};
 };

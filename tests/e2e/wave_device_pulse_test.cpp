@@ -11,6 +11,7 @@
 #include "audio/wave_device.h"
 #include "platform/headless/headless_contacts.h"
 #include "platform/headless/headless_process.h"
+#include "platform/headless/headless_shell.h"
 #include "platform/headless/headless_ui.h"
 #include "platform/headless/headless_wave_out.h"
 #include "platform/headless/memory_registry.h"
@@ -122,12 +123,13 @@ class WaveDeviceAndSoundServer : public testing::Test {
   posix::PosixClock m_clock;
   posix::PosixThreads m_threads;
   headless::HeadlessProcess m_process;
+  headless::HeadlessShell m_shell;
   headless::HeadlessUi m_ui;
   headless::MemoryRegistry m_registry;
   headless::HeadlessContacts m_contacts;
   headless::HeadlessWaveOut m_waveOut;
   audio::WaveDevice m_device{platform::Platform{m_files, m_waveIn, m_clock, m_threads, m_process,
-                                                m_ui, m_registry, m_contacts, m_waveOut}};
+                                                m_ui, m_registry, m_contacts, m_waveOut, m_shell}};
 };
 
 TEST_F(WaveDeviceAndSoundServer, SpeechBecomesAFileOfThreeSeconds) {

@@ -13,6 +13,7 @@
 #include "audio/wave_device.h"
 #include "platform/headless/headless_contacts.h"
 #include "platform/headless/headless_process.h"
+#include "platform/headless/headless_shell.h"
 #include "platform/headless/headless_ui.h"
 #include "platform/headless/headless_wave_in.h"
 #include "platform/headless/memory_registry.h"
@@ -89,12 +90,13 @@ class WavePlayerAndSoundServer : public testing::Test {
   posix::PosixClock m_clock;
   posix::PosixThreads m_threads;
   headless::HeadlessProcess m_process;
+  headless::HeadlessShell m_shell;
   headless::HeadlessUi m_ui;
   headless::MemoryRegistry m_registry;
   headless::HeadlessContacts m_contacts;
   pulse::PulseWaveOut m_waveOut;
   audio::WaveDevice m_device{platform::Platform{m_files, m_waveIn, m_clock, m_threads, m_process,
-                                                m_ui, m_registry, m_contacts, m_waveOut}};
+                                                m_ui, m_registry, m_contacts, m_waveOut, m_shell}};
   std::vector<std::byte> m_samples;
 };
 

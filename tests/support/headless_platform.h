@@ -4,6 +4,7 @@
 
 #include "platform/headless/headless_contacts.h"
 #include "platform/headless/headless_process.h"
+#include "platform/headless/headless_shell.h"
 #include "platform/headless/headless_ui.h"
 #include "platform/headless/headless_wave_in.h"
 #include "platform/headless/headless_wave_out.h"
@@ -27,7 +28,7 @@ class HeadlessPlatform {
   [[nodiscard]] platform::Platform GetWith(platform::FileSystem& otherFiles,
                                            platform::Registry& otherRegistry) {
     return {otherFiles, waveIn,        simulation, simulation, process,
-            ui,         otherRegistry, contacts,   waveOut};
+            ui,         otherRegistry, contacts,   waveOut,    shell};
   }
 
   headless::MemoryFileSystem files;
@@ -37,6 +38,7 @@ class HeadlessPlatform {
   headless::HeadlessWaveOut waveOut;
   headless::Simulation simulation;
   headless::HeadlessProcess process;
+  headless::HeadlessShell shell;
   headless::HeadlessUi ui{u"Zedra Voxtrel", &simulation};
 };
 

@@ -1,1 +1,0 @@
-voxtrel_library(headless_contacts SOURCES headless_contacts.cpp DEPENDS voxtrel_platform)

@@ -1,1 +1,0 @@
-voxtrel_library(headless_registry SOURCES memory_registry.cpp DEPENDS voxtrel_text)
