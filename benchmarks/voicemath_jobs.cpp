@@ -1,0 +1,75 @@
+#include "benchmarks/voicemath_jobs.h"
+
+#include <array>
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+#include <utility>
+
+#include "benchmarks/voicemath_material.h"
+#include "tests/voicemath/twins/matching.h"
+#include "voicemath/nearest_neighbours.h"
+#include "voicemath/template_distance.h"
+
+namespace benchmarks {
+namespace {
+
+using voicemath::PreparedTemplate;
+
+std::vector<PreparedTemplate> Prepare(const std::vector<twins::Template>& words) {
+  std::vector<PreparedTemplate> prepared(words.size());
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    if (!prepared[i].Prepare(words[i].values)) {
+      std::abort();
+    }
+  }
+  return prepared;
+}
+
+/// What the product's way of a job works on, kept by the job.
+template <typename Material>
+std::shared_ptr<Material> Shared(Material material) {
+  return std::make_shared<Material>(std::move(material));
+}
+
+Job Comparison() {
+  const auto words = Shared(std::vector{Word(42, 1), Word(52, 2)});
+  const auto prepared = Shared(Prepare(*words));
+  return {"one comparison",
+          {{"product",
+            [prepared] { Keep(voicemath::TemplateDistance((*prepared)[0], (*prepared)[1])); }},
+           {"literal", [words] { Keep(twins::CompareTemplates((*words)[0], (*words)[1])); }}}};
+}
+
+float SearchEveryRow(const std::vector<twins::Template>& words) {
+  float sum = 0.0F;
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    float best = 100.0F;
+    for (std::size_t j = 0; j < words.size(); ++j) {
+      if (j != i) {
+        best = std::min(best, twins::CompareTemplates(words[i], words[j]));
+      }
+    }
+    sum += best;
+  }
+  return sum;
+}
+
+Job TestDialog() {
+  const auto words = Shared(Vocabulary());
+  const auto prepared = Shared(Prepare(*words));
+  return {"test dialog, 100 tags",
+          {{"product",
+            [prepared] {
+              std::array<voicemath::Neighbour, kTags> nearest;
+              voicemath::FindNearest(*prepared, nearest);
+              Keep(nearest);
+            }},
+           {"literal", [words] { Keep(SearchEveryRow(*words)); }}}};
+}
+
+}  // namespace
+
+std::vector<Job> MakeJobs() { return {Comparison(), TestDialog()}; }
+
+}  // namespace benchmarks

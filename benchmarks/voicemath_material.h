@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "tests/support/signals.h"
+#include "tests/voicemath/twins/features.h"
+
+namespace benchmarks {
+
+inline constexpr std::size_t kThreeSeconds = 33075;
+inline constexpr std::size_t kFrames = 63;  ///< Of three seconds.
+inline constexpr std::size_t kTags = 100;
+
+/// Three seconds with a word of less than a second in them.
+[[nodiscard]] support::Samples Utterance();
+
+/// The template of a spoken word.
+[[nodiscard]] twins::Template Word(std::size_t frames, std::uint32_t seed);
+
+/// Words of 20 to 62 frames, one for each of kTags tags.
+[[nodiscard]] std::vector<twins::Template> Vocabulary();
+
+/// Lets the compiler believe that somebody looks at the value.
+template <typename T>
+void Keep(const T& value) {
+  asm volatile("" : : "g"(&value) : "memory");
+}
+
+}  // namespace benchmarks
