@@ -2,6 +2,6 @@
 
 namespace benchmarks {
 
-void AddOtherWays(std::vector<Job>&) {}
+void AddOtherWays(const std::string&, std::vector<Way>&) {}
 
 }  // namespace benchmarks

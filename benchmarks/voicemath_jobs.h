@@ -12,16 +12,17 @@ struct Way {
   std::function<void()> run;
 };
 
-/// A job of the speech mathematics: the product's way first, then those it is measured against.
+/// A job of the speech mathematics. Its ways are the product's first, then those it is measured
+/// against. They are made when it is asked for, since some take long to prepare.
 struct Job {
   std::string name;
-  std::vector<Way> ways;
+  std::function<std::vector<Way>()> make;
 };
 
 /// Every job with the product's way and the literal twin's.
-[[nodiscard]] std::vector<Job> MakeJobs();
+[[nodiscard]] std::vector<Job> AllJobs();
 
-/// Adds the ways of other libraries and methods to the jobs that have any.
-void AddOtherWays(std::vector<Job>& jobs);
+/// Adds the ways of other libraries and methods to those of a job that has any.
+void AddOtherWays(const std::string& job, std::vector<Way>& ways);
 
 }  // namespace benchmarks

@@ -13,10 +13,11 @@ inline constexpr std::size_t kThreeSeconds = 33075;
 inline constexpr std::size_t kFrames = 63;  ///< Of three seconds.
 inline constexpr std::size_t kTags = 100;
 
-/// Three seconds with a word of less than a second in them.
+/// Three seconds of noise with a word in them: two tones that swell and fade.
 [[nodiscard]] support::Samples Utterance();
 
-/// The template of a spoken word.
+/// What the template of a spoken word looks like: syllables that swell and fade in each band, and
+/// noise. Made without a transform, which would take a machine without floating-point unit minutes.
 [[nodiscard]] twins::Template Word(std::size_t frames, std::uint32_t seed);
 
 /// Words of 20 to 62 frames, one for each of kTags tags.

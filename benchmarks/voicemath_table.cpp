@@ -2,7 +2,7 @@
 //
 //   voicemath_table                    a table of medians and of their ratios
 //   voicemath_table JOB WAY TIMES      runs one way so often and prints nothing, for programs that
-//                                      count instructions; JOB is the start of a name
+//                                      count instructions; WAY is the start of a name
 
 #include <algorithm>
 #include <chrono>
@@ -48,32 +48,42 @@ double Median(std::vector<double> values) {
   return values[kRounds / 2];
 }
 
+std::vector<Way> WaysOf(const Job& job) {
+  std::vector<Way> ways = job.make();
+  benchmarks::AddOtherWays(job.name, ways);
+  return ways;
+}
+
 /// The ways take turns, so that all of them meet the same moods of the machine.
 void Print(const Job& job) {
+  const std::vector<Way> ways = WaysOf(job);
   std::vector<int> times;
-  for (const Way& way : job.ways) {
+  for (const Way& way : ways) {
     times.push_back(TimesForARound(way));
   }
-  std::vector<std::vector<double>> seconds(job.ways.size());
-  std::vector<std::vector<double>> ratios(job.ways.size());
+  std::vector<std::vector<double>> seconds(ways.size());
+  std::vector<std::vector<double>> ratios(ways.size());
   for (int round = 0; round < kRounds; ++round) {
-    for (std::size_t i = 0; i < job.ways.size(); ++i) {
-      seconds[i].push_back(Measure(job.ways[i], times[i]));
+    for (std::size_t i = 0; i < ways.size(); ++i) {
+      seconds[i].push_back(Measure(ways[i], times[i]));
       ratios[i].push_back(seconds[i].back() / seconds[0].back());
     }
   }
-  for (std::size_t i = 0; i < job.ways.size(); ++i) {
+  for (std::size_t i = 0; i < ways.size(); ++i) {
     std::printf("%-26s %-34s %12.2f us %9.2f x\n", i == 0 ? job.name.c_str() : "",
-                job.ways[i].name.c_str(), 1e6 * Median(seconds[i]), Median(ratios[i]));
+                ways[i].name.c_str(), 1e6 * Median(seconds[i]), Median(ratios[i]));
   }
 }
 
-int RunOne(const std::vector<Job>& jobs, std::string_view job, std::string_view way, int times) {
-  for (const Job& candidate : jobs) {
-    for (const Way& run : candidate.ways) {
-      if (candidate.name.starts_with(job) && run.name.starts_with(way)) {
+int RunOne(std::string_view name, std::string_view way, int times) {
+  for (const Job& job : benchmarks::AllJobs()) {
+    if (job.name != name) {
+      continue;
+    }
+    for (const Way& candidate : WaysOf(job)) {
+      if (candidate.name.starts_with(way)) {
         for (int i = 0; i < times; ++i) {
-          run.run();
+          candidate.run();
         }
         return 0;
       }
@@ -86,13 +96,11 @@ int RunOne(const std::vector<Job>& jobs, std::string_view job, std::string_view 
 }  // namespace
 
 int main(int count, char** arguments) {
-  std::vector<Job> jobs = benchmarks::MakeJobs();
-  benchmarks::AddOtherWays(jobs);
   if (count == 4) {
-    return RunOne(jobs, arguments[1], arguments[2], std::atoi(arguments[3]));
+    return RunOne(arguments[1], arguments[2], std::atoi(arguments[3]));
   }
   std::printf("%-26s %-34s %15s %11s\n", "job", "way", "median", "to product");
-  for (const Job& job : jobs) {
+  for (const Job& job : benchmarks::AllJobs()) {
     Print(job);
   }
   return 0;
