@@ -45,6 +45,9 @@ constexpr std::int32_t kFramesBetweenLooks = kLanes;
 
 /// One float for each of kLanes neighbouring shifts. Each lane is rounded as a float by itself is.
 using Lanes [[gnu::vector_size(sizeof(float) * kFloatLanes)]] = float;
+/// The same where they lie in an array of floats.
+using LanesInArray [[gnu::vector_size(sizeof(float) * kFloatLanes), gnu::aligned(alignof(float)),
+                     gnu::may_alias]] = float;
 using ProductSums = std::array<std::int32_t, kProductLanes>;
 using LaneSums = std::array<float, kFloatLanes>;
 
@@ -67,6 +70,7 @@ VOXTREL_INLINE ProductSums GridProducts(const std::int16_t* a, const std::int16_
   constexpr auto kBlock = static_cast<std::int32_t>(PreparedTemplate::kGridBlock);
   const std::int32_t whole = (count + kBlock - 1) / kBlock * kBlock;
   ProductSums sums{};
+  VOXTREL_UNROLL
   for (std::int32_t i = 0; i < whole; ++i) {
     for (std::size_t lane = 0; lane < kProductLanes; ++lane) {
       sums[lane] +=
@@ -139,8 +143,7 @@ VOXTREL_INLINE LaneSums ExactSums(const Pair& pair, std::int32_t shift, float bo
     for (; frame < look; ++frame) {
       const std::int32_t held = std::clamp(frame + shift, -kLanes, shorter.Frames());
       for (std::size_t band = 0; band < kBandCount; ++band) {
-        Lanes values;
-        std::memcpy(&values, shorter.Shape(band, held), sizeof values);
+        const Lanes values = *reinterpret_cast<const LanesInArray*>(shorter.Shape(band, held));
         const Lanes differences = values - *longer.Shape(band, frame);
         const Lanes squares = differences * differences;
         sums += squares;

@@ -20,6 +20,14 @@
 /// Before what such a function is made of.
 #define VOXTREL_INLINE [[gnu::always_inline]] inline
 
+/// Before an inner loop of simple steps, for processors on which it does not become one of vectors:
+/// there the counting takes longer than the work.
+#if defined(__SOFTFP__)
+#define VOXTREL_UNROLL _Pragma("GCC unroll 16")
+#else
+#define VOXTREL_UNROLL
+#endif
+
 namespace voicemath {
 
 // What depends on the kind of processor and not on the width of its vectors.
