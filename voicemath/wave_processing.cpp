@@ -136,8 +136,9 @@ bool CVoiceMathematics::ComputeTemplate(std::uint32_t slot) {
     return false;
   }
   SubtractBandMinima({features.get(), elements});
-  m_templates[slot] = std::move(features);
-  m_frameCounts[slot] = frames;
+  if (!SetTemplate(slot, std::move(features), frames)) {
+    return false;
+  }
   m_elementCount = static_cast<std::int32_t>(elements);
   return true;
 }
