@@ -8,6 +8,8 @@
 
 #include "benchmarks/voicemath_material.h"
 #include "tests/voicemath/twins/matching.h"
+#include "tests/voicemath/twins/speech_bounds.h"
+#include "voicemath/endpoint_detector.h"
 #include "voicemath/nearest_neighbours.h"
 #include "voicemath/template_distance.h"
 
@@ -40,6 +42,31 @@ std::vector<Way> Comparison() {
           {"literal", [words] { Keep(twins::CompareTemplates((*words)[0], (*words)[1])); }}};
 }
 
+std::vector<std::int16_t> LiteralEnvelope(const support::Samples& samples) {
+  std::vector<std::int16_t> envelope(samples.size() / voicemath::kBlockStep - 1);
+  for (std::size_t block = 0; block < envelope.size(); ++block) {
+    envelope[block] = twins::BlockEnvelope(
+        std::span(samples).subspan(block * voicemath::kBlockStep, voicemath::kBlockSamples));
+  }
+  return envelope;
+}
+
+void FindEnds(const support::Samples& samples) {
+  static std::vector<std::int16_t> envelope(samples.size() / voicemath::kBlockStep - 1);
+  voicemath::MeasureEnvelope(samples, envelope);
+  Keep(voicemath::LocateSpeech(envelope, kThreeSeconds));
+}
+
+void FindEndsLiterally(const support::Samples& samples) {
+  Keep(twins::LocateSpeech(LiteralEnvelope(samples), 2 * kThreeSeconds));
+}
+
+std::vector<Way> EndpointDetection() {
+  const auto samples = Shared(Utterance());
+  return {{"product", [samples] { FindEnds(*samples); }},
+          {"literal", [samples] { FindEndsLiterally(*samples); }}};
+}
+
 float SearchEveryRow(const std::vector<twins::Template>& words) {
   float sum = 0.0F;
   for (std::size_t i = 0; i < words.size(); ++i) {
@@ -68,6 +95,10 @@ std::vector<Way> TestDialog() {
 
 }  // namespace
 
-std::vector<Job> AllJobs() { return {{"comparison", Comparison}, {"test dialog", TestDialog}}; }
+std::vector<Job> AllJobs() {
+  return {{"endpoint detection", EndpointDetection},
+          {"comparison", Comparison},
+          {"test dialog", TestDialog}};
+}
 
 }  // namespace benchmarks

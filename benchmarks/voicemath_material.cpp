@@ -12,8 +12,12 @@ constexpr std::size_t kBands = 5;
 }  // namespace
 
 support::Samples Utterance() {
-  return support::Mixed(support::Noise(kThreeSeconds, 30, 3), 9000,
-                        support::SpeechLike(9000, 9000, 4));
+  support::Samples word = support::Tone(9000, 40.3, 8000.0);
+  for (std::size_t i = 0; i < word.size(); ++i) {
+    const auto syllable = static_cast<int>(i % 3000);
+    word[i] = static_cast<std::int16_t>(word[i] * (1500 - std::abs(syllable - 1500)) / 1500);
+  }
+  return support::Mixed(support::Noise(kThreeSeconds, 90, 3), 9000, word);
 }
 
 twins::Template Word(std::size_t frames, std::uint32_t seed) {

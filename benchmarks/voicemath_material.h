@@ -13,7 +13,7 @@ inline constexpr std::size_t kThreeSeconds = 33075;
 inline constexpr std::size_t kFrames = 63;  ///< Of three seconds.
 inline constexpr std::size_t kTags = 100;
 
-/// Three seconds of noise with a word in them: two tones that swell and fade.
+/// Three seconds of noise with a word in them: a tone that swells and fades three times.
 [[nodiscard]] support::Samples Utterance();
 
 /// What the template of a spoken word looks like: syllables that swell and fade in each band, and

@@ -140,6 +140,8 @@ class CVoiceMathematics : public framework::CObject {
   [[nodiscard]] int ProcessWave(std::int32_t slot, Extent extent);
   [[nodiscard]] bool OpenSegment(Extent extent);
   [[nodiscard]] bool MeasureEnvelope(std::span<std::int16_t> envelope);
+  [[nodiscard]] bool MeasureEnvelopeAtEnd(std::span<std::int16_t> envelope, std::size_t whole,
+                                          std::uint64_t start);
   [[nodiscard]] HeaderCode ReadHeader();
   void SelectWholeFile();
   [[nodiscard]] bool WriteTrimmed(std::u16string_view path, std::uint32_t bytes);
