@@ -9,8 +9,10 @@
 #include "benchmarks/voicemath_material.h"
 #include "tests/voicemath/twins/matching.h"
 #include "tests/voicemath/twins/speech_bounds.h"
+#include "voicemath/band_features.h"
 #include "voicemath/endpoint_detector.h"
 #include "voicemath/nearest_neighbours.h"
+#include "voicemath/spectrum.h"
 #include "voicemath/template_distance.h"
 
 namespace benchmarks {
@@ -67,6 +69,52 @@ std::vector<Way> EndpointDetection() {
           {"literal", [samples] { FindEndsLiterally(*samples); }}};
 }
 
+constexpr std::size_t kLoudFrame = 10000;
+
+std::vector<Way> Transform() {
+  const auto samples = Shared(Utterance());
+  return {{"product",
+           [samples] {
+             voicemath::Spectrum spectrum;
+             voicemath::ComputeSpectrum(
+                 std::span(*samples).subspan(kLoudFrame).first<voicemath::kFrameSamples>(),
+                 spectrum);
+             Keep(spectrum);
+           }},
+          {"literal",
+           [samples] { Keep(twins::FrameBands(std::span(*samples).subspan(kLoudFrame, 1024))); }}};
+}
+
+void MakeTemplate(const support::Samples& samples) {
+  FindEnds(samples);
+  std::array<float, kFrames * voicemath::kBandCount> features;
+  for (std::size_t frame = 0; frame < kFrames; ++frame) {
+    voicemath::BandFeatures(
+        std::span(samples).subspan(frame * voicemath::kFrameHop).first<voicemath::kFrameSamples>(),
+        std::span(features).subspan(frame * voicemath::kBandCount).first<voicemath::kBandCount>());
+  }
+  voicemath::SubtractBandMinima(features);
+  Keep(features);
+}
+
+void MakeTemplateLiterally(const support::Samples& samples) {
+  FindEndsLiterally(samples);
+  twins::Template made{.frameCount = kFrames, .values = {}};
+  for (std::size_t frame = 0; frame < kFrames; ++frame) {
+    const auto bands = twins::FrameBands(
+        std::span(samples).subspan(frame * voicemath::kFrameHop, voicemath::kFrameSamples));
+    made.values.insert(made.values.end(), bands.begin(), bands.end());
+  }
+  twins::SubtractMinima(made);
+  Keep(made);
+}
+
+std::vector<Way> WholeUtterance() {
+  const auto samples = Shared(Utterance());
+  return {{"product", [samples] { MakeTemplate(*samples); }},
+          {"literal", [samples] { MakeTemplateLiterally(*samples); }}};
+}
+
 float SearchEveryRow(const std::vector<twins::Template>& words) {
   float sum = 0.0F;
   for (std::size_t i = 0; i < words.size(); ++i) {
@@ -96,7 +144,9 @@ std::vector<Way> TestDialog() {
 }  // namespace
 
 std::vector<Job> AllJobs() {
-  return {{"endpoint detection", EndpointDetection},
+  return {{"transform", Transform},
+          {"endpoint detection", EndpointDetection},
+          {"utterance", WholeUtterance},
           {"comparison", Comparison},
           {"test dialog", TestDialog}};
 }

@@ -63,7 +63,7 @@ std::int16_t NoiseLevel(std::span<const std::int16_t> envelope, std::int16_t pea
   std::array<std::uint32_t, kHistogramBins> histogram{};
   for (const std::int16_t value : envelope) {
     const std::uint64_t bin = (static_cast<std::uint64_t>(value) * reciprocal) >> 31U;
-    ++histogram[std::min<std::size_t>(bin, kHistogramBins - 1)];
+    ++histogram[static_cast<std::size_t>(std::min<std::uint64_t>(bin, kHistogramBins - 1))];
   }
   const auto mode = std::max_element(histogram.begin(), histogram.begin() + kNoiseBins);
   return Narrow(binWidth * (mode - histogram.begin()) + peak / 16);
@@ -158,18 +158,21 @@ std::optional<Segment> LocateSpeech(std::span<std::int16_t> envelope, std::uint3
     return std::nullopt;
   }
   Smooth(envelope);
-  const auto peakAt = std::max_element(envelope.begin(), envelope.end());
-  const std::int16_t peak = *peakAt;
+  std::int16_t peak = 0;
+  for (const std::int16_t value : envelope) {
+    peak = std::max(peak, value);
+  }
   const auto binWidth = Narrow(peak / static_cast<std::int32_t>(kHistogramBins));
   if (binWidth == 0) {
     return std::nullopt;  // Next to silence: nothing to tell speech from.
   }
+  const auto peakAt = std::ranges::find(envelope, peak) - envelope.begin();
   const std::int16_t noise = NoiseLevel(envelope, peak, binWidth);
   for (std::int16_t& value : envelope) {
     value = value < noise ? std::int16_t{0} : Narrow(value - noise);
   }
   const ClippedEnvelope clipped{envelope, Narrow((peak - noise) / 2)};
-  const auto centre = clipped.clip == 0 ? std::nullopt : clipped.Centre(peakAt - envelope.begin());
+  const auto centre = clipped.clip == 0 ? std::nullopt : clipped.Centre(peakAt);
   if (!centre) {
     return std::nullopt;
   }
