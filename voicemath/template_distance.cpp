@@ -108,7 +108,8 @@ VOXTREL_INLINE std::int64_t SlidSquares(const Pair& pair, std::int32_t shift) {
 VOXTREL_INLINE std::array<std::int64_t, kProductLanes> GridDistances(const Pair& pair,
                                                                      std::int32_t shift) {
   constexpr std::int32_t kHeld = PreparedTemplate::kHeldFrames;
-  const auto& [shorter, longer] = pair;
+  const PreparedTemplate& shorter = pair.shorter;
+  const PreparedTemplate& longer = pair.longer;
   const std::int32_t frames = longer.Frames();
   // Frames of the longer one before `begin`, whichever of the shifts it is, and from `end` on are
   // beyond what the held grid repeats of the shorter one's ends.

@@ -27,6 +27,14 @@ using twins::Template;
 
 constexpr std::uint32_t kUtterances = 1000;
 
+/// The literal transform takes an emulated machine without floating-point unit as long as all else
+/// in these tests together.
+#if defined(__SOFTFP__)
+constexpr std::uint32_t kTransforms = 100;
+#else
+constexpr std::uint32_t kTransforms = kUtterances;
+#endif
+
 /// Speech, noise of every strength, full scale, and what makes 16-bit distances wrap, in turn.
 Samples DrawUtterance(std::uint32_t seed) {
   const std::size_t count = 1024 + 97 * (seed % 60);
@@ -69,8 +77,8 @@ TEST(FastEndpointDetection, EqualsItsTwinOnAThousandUtterances) {
   EXPECT_GT(wrapped, 1000);
 }
 
-TEST(FastTransform, EqualsItsTwinOnAThousandUtterances) {
-  for (std::uint32_t seed = 0; seed < kUtterances; ++seed) {
+TEST(FastTransform, EqualsItsTwinOnUtterances) {
+  for (std::uint32_t seed = 0; seed < kTransforms; ++seed) {
     const Samples samples = DrawUtterance(seed);
     const auto frame = std::span(samples).first<kFrameSamples>();
     std::array<float, kBandCount> bands{};
