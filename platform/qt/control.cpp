@@ -12,7 +12,7 @@ namespace qt {
 namespace {
 
 /// Between a button's edge and its text, in pixels of the desktop.
-constexpr int kButtonMargin = 4;
+constexpr int kButtonMargin = 3;
 constexpr double kSmallestLetters = 0.75;
 /// Keeps the font that a control was given while it shows a smaller one.
 constexpr const char* kGivenFont = "givenFont";
@@ -32,20 +32,28 @@ void ShowLabel(Control& control, const QString& text) {
   FitLabel(control, text);
 }
 
+[[nodiscard]] int RoomForText(const Control& control) {
+  return control.widget->width() - 2 * kButtonMargin;
+}
+
+/// As the button was given it, whatever it shows its text in now.
+[[nodiscard]] QFont GivenFont(const QAbstractButton& button) {
+  const QVariant given = button.property(kGivenFont);
+  return given.isValid() ? given.value<QFont>() : button.font();
+}
+
 void ShowPushButton(Control& control, const QString& text) {
   QAbstractButton& button = *control.button;
-  const QVariant given = button.property(kGivenFont);
-  QFont font = given.isValid() ? given.value<QFont>() : button.font();
+  QFont font = GivenFont(button);
   button.setProperty(kGivenFont, font);
-  const int width = button.width() - 2 * kButtonMargin;
-  const int smallest = static_cast<int>(font.pixelSize() * kSmallestLetters);
-  while (QFontMetrics(font).horizontalAdvance(text) > width && font.pixelSize() > smallest) {
-    font.setPixelSize(font.pixelSize() - 1);
+  if (control.letters > 0) {
+    font.setPixelSize(control.letters);
   }
   button.setFont(font);
   const QFontMetrics metrics(font);
-  const bool fits = metrics.horizontalAdvance(text) <= width;
-  button.setText(WithMnemonic(fits ? text : metrics.elidedText(text, Qt::ElideRight, width),
+  const int room = RoomForText(control);
+  const bool fits = metrics.horizontalAdvance(text) <= room;
+  button.setText(WithMnemonic(fits ? text : metrics.elidedText(text, Qt::ElideRight, room),
                               fits ? control.mnemonic : std::nullopt));
   button.setToolTip(fits ? QString() : text);
   button.setAccessibleName(fits ? QString() : text);
@@ -56,6 +64,17 @@ void ShowPushButton(Control& control, const QString& text) {
 bool IsPushButton(const Control& control) {
   return control.description.kind == resources::ControlKind::kPushButton ||
          control.description.kind == resources::ControlKind::kDefaultPushButton;
+}
+
+int FittingLetters(const Control& control) {
+  QFont font = GivenFont(*control.button);
+  const QString text = ToQString(control.text);
+  const int smallest = static_cast<int>(font.pixelSize() * kSmallestLetters);
+  while (QFontMetrics(font).horizontalAdvance(text) > RoomForText(control) &&
+         font.pixelSize() > smallest) {
+    font.setPixelSize(font.pixelSize() - 1);
+  }
+  return font.pixelSize();
 }
 
 void ShowText(Control& control) {

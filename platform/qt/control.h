@@ -22,6 +22,7 @@ struct Control {
   ListBox* list = nullptr;
   QAbstractButton* button = nullptr;
   QLabel* label = nullptr;
+  int letters = 0;  ///< Size of a push button's letters, in pixels of the desktop; 0: as given.
   int room = 0;  ///< How wide a label may become to show a longer text, in pixels of the desktop.
   std::optional<qsizetype> mnemonic = std::nullopt;  ///< Place in the text.
   int horizontalExtent = 0;
@@ -29,8 +30,10 @@ struct Control {
 
 [[nodiscard]] bool IsPushButton(const Control& control);
 
-/// Has the widget show the control's text: a label as wide as it has room, a button in letters as
-/// small as must be.
+/// The size of letters, the given one or a smaller one, in which a push button's text fits.
+[[nodiscard]] int FittingLetters(const Control& control);
+
+/// Has the widget show the control's text: a label as wide as it has room, a button in its letters.
 void ShowText(Control& control);
 
 /// What the user reads in the control: of a combo box what is chosen.

@@ -58,11 +58,14 @@ void NameControls(std::list<Control>& controls, const QString& caption) {
   }
 }
 
-void MarkMnemonics(std::list<Control>& controls) {
+void ShowButtons(std::list<Control>& controls) {
   std::vector<Control*> buttons;
   std::vector<QString> texts;
+  int letters = 0;
   for (Control& control : controls) {
     if (IsPushButton(control) && control.description.isVisible) {
+      const int fitting = FittingLetters(control);
+      letters = buttons.empty() ? fitting : std::min(letters, fitting);
       buttons.push_back(&control);
       texts.push_back(ToQString(control.text));
     }
@@ -70,6 +73,7 @@ void MarkMnemonics(std::list<Control>& controls) {
   const auto places = ChooseMnemonics(texts);
   for (std::size_t i = 0; i < buttons.size(); ++i) {
     buttons[i]->mnemonic = places[i];
+    buttons[i]->letters = letters;
     ShowText(*buttons[i]);
   }
 }

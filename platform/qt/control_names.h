@@ -17,7 +17,8 @@ void TieLabels(std::list<Control>& controls);
 /// the frame it begins, or by the dialog. Whenever a text or a choice has changed.
 void NameControls(std::list<Control>& controls, const QString& caption);
 
-/// Gives the buttons that can be seen their mnemonics. Whenever a button's text has changed.
-void MarkMnemonics(std::list<Control>& controls);
+/// Gives the push buttons that can be seen their mnemonics, and letters of one size, in which all
+/// of their texts fit. Whenever a button's text has changed.
+void ShowButtons(std::list<Control>& controls);
 
 }  // namespace qt

@@ -14,20 +14,19 @@ namespace {
 
 /// Where the package of the free Tahoma keeps it; the system's own list of fonts has it on some
 /// distributions only.
-constexpr std::array<const char*, 2> kFontFolders{"/usr/share/wine/fonts",
-                                                  "/usr/share/fonts/truetype/wine"};
-constexpr std::array<const char*, 2> kFontFiles{"tahoma.ttf", "tahomabd.ttf"};
+constexpr std::array<const char*, 2> kFontFiles{"/usr/share/wine/fonts/tahoma.ttf",
+                                                "/usr/share/fonts/truetype/wine/tahoma.ttf"};
 
 void LoadTahoma() {
   if (QFontDatabase::hasFamily(QStringLiteral("Tahoma"))) {
     return;
   }
-  for (const char* folder : kFontFolders) {
-    for (const char* file : kFontFiles) {
-      const QString path = QString::fromLatin1(folder) + u'/' + QString::fromLatin1(file);
-      if (QFile::exists(path)) {
-        QFontDatabase::addApplicationFont(path);
-      }
+  // Not its bold file: the outlines there are no bolder, only set wider. Without it the library
+  // makes the regular ones bold.
+  for (const char* file : kFontFiles) {
+    const QString path = QString::fromLatin1(file);
+    if (QFile::exists(path)) {
+      QFontDatabase::addApplicationFont(path);
     }
   }
 }

@@ -38,6 +38,17 @@ void ListBox::keyPressEvent(QKeyEvent* event) {
   QListWidget::keyPressEvent(event);
 }
 
+// The frame says where the focus is.
+void ListBox::focusInEvent(QFocusEvent* event) {
+  QListWidget::focusInEvent(event);
+  update();
+}
+
+void ListBox::focusOutEvent(QFocusEvent* event) {
+  QListWidget::focusOutEvent(event);
+  update();
+}
+
 void ListBox::updateGeometries() {
   QListWidget::updateGeometries();
   QScrollBar* bar = horizontalScrollBar();

@@ -1,12 +1,26 @@
 #include "platform/qt/look.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
+#include <QPainter>
 #include <QProxyStyle>
+#include <QStyleOption>
 #include <array>
 #include <cmath>
 
 namespace qt {
 namespace {
+
+/// Has the style mark the focus even where it came by the mouse: which control the keys go to is
+/// never left open.
+template <typename Option>
+[[nodiscard]] Option WithFocusMarked(const Option& option) {
+  Option marked = option;
+  if (marked.state.testFlag(QStyle::State_HasFocus)) {
+    marked.state |= QStyle::State_KeyboardFocusChange;
+  }
+  return marked;
+}
 
 class Look final : public QProxyStyle {
  public:
@@ -22,6 +36,31 @@ class Look final : public QProxyStyle {
         return 0;
       default:
         return QProxyStyle::styleHint(hint, option, widget, returned);
+    }
+  }
+
+  void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
+                          QPainter* painter, const QWidget* widget) const override {
+    if (const auto* combo = qstyleoption_cast<const QStyleOptionComboBox*>(option)) {
+      const auto marked = WithFocusMarked(*combo);
+      QProxyStyle::drawComplexControl(control, &marked, painter, widget);
+      return;
+    }
+    QProxyStyle::drawComplexControl(control, option, painter, widget);
+  }
+
+  void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                   const QWidget* widget) const override {
+    if (const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option)) {
+      const auto marked = WithFocusMarked(*button);
+      QProxyStyle::drawControl(element, &marked, painter, widget);
+      return;
+    }
+    QProxyStyle::drawControl(element, option, painter, widget);
+    if (element == CE_ShapedFrame && option->state.testFlag(State_HasFocus) &&
+        dynamic_cast<const QAbstractItemView*>(widget) != nullptr) {
+      painter->setPen(QPen(option->palette.color(QPalette::Highlight), 1));
+      painter->drawRect(QRectF(option->rect).adjusted(0.5, 0.5, -0.5, -0.5));
     }
   }
 };

@@ -8,7 +8,7 @@ namespace qt {
 /// with mnemonics underlined. Further calls do nothing.
 void ApplyLook();
 
-/// Of dialogs and sheets. They stay light on a dark desktop too, because what their pages paint has
+/// Of all windows. They stay light on a dark desktop too, because what their pages paint has
 /// fixed dark colours; what marks a choice has the user's own colour.
 [[nodiscard]] QPalette DialogPalette();
 

@@ -10,11 +10,13 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QStyle>
+#include <QTextDocument>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <cmath>
 
 #include "platform/qt/fonts.h"
+#include "platform/qt/look.h"
 #include "platform/qt/scale.h"
 #include "platform/qt/strings.h"
 
@@ -46,6 +48,7 @@ MessageDialog::MessageDialog(const platform::MessageBox& box, const QString& cap
   setObjectName(QStringLiteral("message_box"));
   setWindowTitle(caption);
   setFont(DialogFont());
+  setPalette(DialogPalette());
   setWindowFlag(Qt::WindowStaysOnTopHint, Has(box.style, MessageStyle::kTopmost));
   setWindowFlag(Qt::WindowMinMaxButtonsHint, false);
   auto* layout = new QVBoxLayout(this);
@@ -90,12 +93,18 @@ QWidget* MessageDialog::MakeBody(const platform::MessageBox& box) {
 }
 
 void MessageDialog::FitText() {
-  QTextDocument* document = m_text->document();
-  document->setTextWidth(ToDesktop(kWidestText));
-  const double ideal = std::clamp<double>(std::ceil(document->idealWidth()), ToDesktop(kLeastText),
-                                          ToDesktop(kWidestText));
-  document->setTextWidth(ideal);
-  const double height = std::ceil(document->size().height());
+  // Measured on a text of its own, for the editor sets its own one to the width that it has now.
+  QTextDocument document(m_text->toPlainText());
+  document.setDefaultFont(font());
+  document.setDocumentMargin(0);
+  QTextOption wrapping;
+  wrapping.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+  document.setDefaultTextOption(wrapping);
+  document.setTextWidth(ToDesktop(kWidestText));
+  const double ideal = std::clamp<double>(std::ceil(document.idealWidth()) + 1,
+                                          ToDesktop(kLeastText), ToDesktop(kWidestText));
+  document.setTextWidth(ideal);
+  const double height = std::ceil(document.size().height());
   const double tallest = kTallestText * screen()->availableGeometry().height();
   const bool fits = height <= tallest;
   m_text->setVerticalScrollBarPolicy(fits ? Qt::ScrollBarAlwaysOff : Qt::ScrollBarAlwaysOn);

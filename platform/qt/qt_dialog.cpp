@@ -53,7 +53,7 @@ void QtDialog::MakeControls(Pictures& pictures) {
   for (Control& control : m_controls) {
     ShowText(control);
   }
-  MarkMnemonics(m_controls);
+  ShowButtons(m_controls);
   NameControls(m_controls, ToQString(m_template.caption));
 }
 
@@ -194,7 +194,7 @@ void QtDialog::SetText(int id, std::u16string_view text) {
     control->text = text;
     ShowText(*control);
     if (IsPushButton(*control)) {
-      MarkMnemonics(m_controls);
+      ShowButtons(m_controls);
     }
     Rename();
   }
