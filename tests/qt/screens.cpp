@@ -41,6 +41,8 @@ class BarWatcher final : public QObject {
 
 void TakeSheet(support::PageMachine& machine, User& user, const QString& prefix) {
   user.Soon([&] {
+    User::GetWindow()->activateWindow();
+    QApplication::processEvents();
     support::SaveScreenshot(*User::GetWindow(), prefix + QStringLiteral("empty.png"));
     User::Click(resources::kRecordButtonId);
     User::Choose(resources::kContactComboId, 1);
@@ -48,6 +50,9 @@ void TakeSheet(support::PageMachine& machine, User& user, const QString& prefix)
     const BarWatcher watcher(prefix + QStringLiteral("recording.png"));
     User::Click(resources::kRecordButtonId);
     User::ChooseLine(resources::kTagListId, 1);
+    User::FindList(resources::kTagListId)->setFocus();
+    User::GetWindow()->activateWindow();
+    QApplication::processEvents();
     support::SaveScreenshot(*User::GetWindow(), prefix + QStringLiteral("learning.png"));
     user.SetAnswer([&](QDialog& box) {
       support::SaveScreenshot(box, prefix + QStringLiteral("confirm.png"));
