@@ -163,7 +163,9 @@ int HeadlessDialog::AddItem(int id, std::u16string_view text) {
                                     return std::is_lt(text::CompareForDisplay(a, b));
                                   });
   }
-  return static_cast<int>(control->items.insert(at, std::u16string(text)) - control->items.begin());
+  const auto place = at - control->items.begin();
+  control->items.insert(at, std::u16string(text));
+  return static_cast<int>(place);
 }
 
 void HeadlessDialog::DeleteItem(int id, int index) {
