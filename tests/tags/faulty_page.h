@@ -27,6 +27,8 @@ class FaultyPage : public PageFixture {
   [[nodiscard]] bool HasFailed(FaultyPart part) const;
   /// No call fails any more.
   void Mend();
+  /// Puts a whole tag of a contact that is gone into the store.
+  void AddStaleTag(std::u16string_view tag) { PutTag(tag, 999, u"Home"); }
   /// Opens the page anew, as after its process ended.
   void Reopen();
 
