@@ -32,6 +32,8 @@ class DialogWindow {
   DialogWindow& operator=(const DialogWindow&) = delete;
   virtual ~DialogWindow() = default;
 
+  /// The text of an editable combo box is what stands in its field. An item that is selected puts
+  /// its text there; SetText leaves items and selection as they are.
   virtual void SetText(int id, std::u16string_view text) = 0;
   [[nodiscard]] virtual std::u16string GetText(int id) const = 0;
   virtual void Enable(int id, bool isEnabled) = 0;

@@ -30,6 +30,27 @@ constexpr std::array<KeyTemplate, 2> kLearningKeys{{
     {kTagListId, Key::kSpace, kPlayButtonId},
 }};
 
+constexpr std::array<ControlTemplate, 14> kConnectionControls{{
+    {kNoControlId, ControlKind::kGroupBox, u"Connection settings", {3, 2, 153, 100}},
+    {kPortComboId, ControlKind::kEditableComboBox, u"", {10, 14, 139, 102}},
+    {kNoControlId, ControlKind::kStatic, u"Baud rate:", {10, 33, 60, 8}},
+    {kBaudRateComboId, ControlKind::kEditableComboBox, u"", {74, 31, 75, 102}},
+    {kNoControlId, ControlKind::kStatic, u"Data bits:", {10, 50, 60, 8}},
+    {kDataBitsComboId, ControlKind::kEditableComboBox, u"", {74, 48, 75, 80}},
+    {kNoControlId, ControlKind::kStatic, u"Stop bits:", {10, 67, 60, 8}},
+    {kStopBitsComboId, ControlKind::kEditableComboBox, u"", {74, 65, 75, 60}},
+    {kNoControlId, ControlKind::kStatic, u"Flow control:", {10, 84, 60, 8}},
+    {kFlowControlComboId, ControlKind::kEditableComboBox, u"", {74, 82, 75, 60}},
+    {kHeadsetCheckId,
+     ControlKind::kCheckBox,
+     u"Use BT headset for Ericsson phones only",
+     {3, 107, 153, 10}},
+    {kNoHangUpCheckId, ControlKind::kCheckBox, u"Don't Use HANG UP", {3, 121, 153, 10}},
+    {kDefaultsButtonId, ControlKind::kDefaultPushButton, u"Default", {54, 146, 50, 13}},
+    // Never shown: the sheet's own OK saves. Companion and users know the page without it.
+    {kSaveButtonId, ControlKind::kPushButton, u"Ok", {106, 146, 50, 13}, false, false},
+}};
+
 }  // namespace
 
 constexpr DialogTemplate kLearningDialog{134, u"Learning",       160,
@@ -37,5 +58,8 @@ constexpr DialogTemplate kLearningDialog{134, u"Learning",       160,
 
 /// The page paints itself and has no controls.
 constexpr DialogTemplate kAboutDialog{135, u"About", 160, 167, {}};
+
+/// The caption is not about what the page does; it is the one that the page has always had.
+constexpr DialogTemplate kConnectionDialog{130, u"Skins", 159, 167, kConnectionControls};
 
 }  // namespace resources

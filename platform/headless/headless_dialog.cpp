@@ -50,6 +50,14 @@ void HeadlessDialog::Choose(int id, int index) {
   DeliverPosted();
 }
 
+void HeadlessDialog::Type(int id, std::u16string_view text) {
+  const Control* control = Find(id);
+  if (control != nullptr && control->isEnabled &&
+      control->description.kind == ControlKind::kEditableComboBox) {
+    SetText(id, text);
+  }
+}
+
 void HeadlessDialog::ClickAt(platform::Point point) {
   m_handler.OnLButtonDown(point);
   DeliverPosted();
@@ -209,6 +217,9 @@ void HeadlessDialog::SetSelection(int id, std::optional<int> index) {
   if (Control* control = Find(id)) {
     const bool isItem = index && *index >= 0 && *index < GetItemCount(id);
     control->selection = isItem ? index : std::nullopt;
+    if (isItem && control->description.kind == ControlKind::kEditableComboBox) {
+      control->text = GetItemText(id, *index);
+    }
   }
 }
 

@@ -42,6 +42,8 @@ class HeadlessDialog final : public platform::DialogWindow {
 
   void Press(int id);
   void Choose(int id, int index);
+  /// Writes into an editable combo box, in place of what stands there.
+  void Type(int id, std::u16string_view text);
   void ClickAt(platform::Point point);
   bool AskForHelp();
   void PressEnter();
