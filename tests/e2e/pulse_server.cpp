@@ -1,11 +1,6 @@
 #include "tests/e2e/pulse_server.h"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <signal.h>
-#include <sys/prctl.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <chrono>
 #include <string>
@@ -53,38 +48,9 @@ std::vector<std::string> MakeArguments(const PulseServerOptions& options,
   return arguments;
 }
 
-/// In the child, between fork and exec, where only the simplest calls are allowed.
-[[noreturn]] void BecomeServer(char* const* arguments, const char* log, pid_t parent) {
-  prctl(PR_SET_PDEATHSIG, SIGKILL);
-  if (getppid() != parent) _exit(1);
-  const int output = open(log, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-  const int input = open("/dev/null", O_RDONLY | O_CLOEXEC);
-  dup2(input, STDIN_FILENO);
-  dup2(output, STDOUT_FILENO);
-  dup2(output, STDERR_FILENO);
-  execvp(arguments[0], arguments);
-  _exit(127);
-}
-
-pid_t Launch(std::vector<std::string> arguments, const std::filesystem::path& log) {
-  std::vector<char*> pointers;
-  for (std::string& argument : arguments) pointers.push_back(argument.data());
-  pointers.push_back(nullptr);
-  const pid_t parent = getpid();
-  const pid_t child = fork();
-  if (child == 0) BecomeServer(pointers.data(), log.c_str(), parent);
-  return child;
-}
-
-bool HasEnded(pid_t process) {
-  siginfo_t info{};
-  return waitid(P_PID, static_cast<id_t>(process), &info, WEXITED | WNOHANG | WNOWAIT) != 0 ||
-         info.si_pid != 0;
-}
-
-bool AwaitConnection(const std::filesystem::path& socket, pid_t process) {
+bool AwaitConnection(const std::filesystem::path& socket, const BackgroundProgram& server) {
   const auto deadline = steady_clock::now() + kStartLimit;
-  while (steady_clock::now() < deadline && !HasEnded(process)) {
+  while (steady_clock::now() < deadline && !server.HasEnded()) {
     if (CanConnect(socket)) return true;
     std::this_thread::sleep_for(kPollInterval);
   }
@@ -97,13 +63,8 @@ std::unique_ptr<PulseServer> PulseServer::Start(const SoundSession& session,
                                                 const PulseServerOptions& options) {
   const auto log = session.Folder() / "server.log";
   const auto pipe = session.Folder() / "microphone";
-  const pid_t process = Launch(MakeArguments(options, pipe), log);
-  if (process < 0) {
-    ADD_FAILURE() << "There is no process for the sound server.";
-    return nullptr;
-  }
-  std::unique_ptr<PulseServer> server(new PulseServer(process, pipe));
-  const bool isUp = AwaitConnection(session.ServerSocket(), process);
+  std::unique_ptr<PulseServer> server(new PulseServer(MakeArguments(options, pipe), log, pipe));
+  const bool isUp = AwaitConnection(session.ServerSocket(), server->m_program);
   if (!isUp || (HasPipe(options) && !std::filesystem::is_fifo(pipe))) {
     ADD_FAILURE() << "The sound server does not come up:\n" << ReadText(log);
     return nullptr;
@@ -111,20 +72,8 @@ std::unique_ptr<PulseServer> PulseServer::Start(const SoundSession& session,
   return server;
 }
 
-PulseServer::PulseServer(pid_t process, std::filesystem::path pipe)
-    : m_process(process), m_pipe(std::move(pipe)) {}
-
-PulseServer::~PulseServer() { Kill(); }
-
-void PulseServer::Kill() {
-  if (m_process == 0) return;
-  kill(m_process, SIGKILL);
-  waitpid(m_process, nullptr, 0);
-  m_process = 0;
-}
-
-void PulseServer::Freeze() {
-  if (m_process != 0) kill(m_process, SIGSTOP);
-}
+PulseServer::PulseServer(std::vector<std::string> arguments, const std::filesystem::path& log,
+                         std::filesystem::path pipe)
+    : m_program(std::move(arguments), log), m_pipe(std::move(pipe)) {}
 
 }  // namespace e2e

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <sys/types.h>
-
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <string>
 #include <vector>
 
+#include "tests/e2e/background_program.h"
 #include "tests/e2e/sound_session.h"
 
 namespace e2e {
@@ -36,21 +36,22 @@ class PulseServer {
 
   PulseServer(const PulseServer&) = delete;
   PulseServer& operator=(const PulseServer&) = delete;
-  ~PulseServer();
+  ~PulseServer() = default;
 
   /// The pipe that the microphone hears. Nothing comes from it while nobody writes.
   [[nodiscard]] const std::filesystem::path& Pipe() const { return m_pipe; }
 
   /// Ends the server without any farewell to its clients.
-  void Kill();
+  void Kill() { m_program.Kill(); }
 
   /// Stops the server for good: its connections stay, and nobody answers.
-  void Freeze();
+  void Freeze() { m_program.Freeze(); }
 
  private:
-  PulseServer(pid_t process, std::filesystem::path pipe);
+  PulseServer(std::vector<std::string> arguments, const std::filesystem::path& log,
+              std::filesystem::path pipe);
 
-  pid_t m_process;  ///< 0 once it has ended.
+  BackgroundProgram m_program;
   std::filesystem::path m_pipe;
 };
 
