@@ -22,6 +22,7 @@ struct Control {
   ListBox* list = nullptr;
   QAbstractButton* button = nullptr;
   QLabel* label = nullptr;
+  QLabel* spoken = nullptr;  ///< Of a control without a label to see: one that is only read out.
   int letters = 0;  ///< Size of a push button's letters, in pixels of the desktop; 0: as given.
   int room = 0;  ///< How wide a label may become to show a longer text, in pixels of the desktop.
   std::optional<qsizetype> mnemonic = std::nullopt;  ///< Place in the text.

@@ -1,7 +1,6 @@
 #include "platform/qt/control_names.h"
 
 #include <algorithm>
-#include <iterator>
 #include <vector>
 
 #include "platform/qt/mnemonics.h"
@@ -23,18 +22,31 @@ using resources::ControlKind;
   return id == resources::kNoControlId || found == controls.end() ? nullptr : &*found;
 }
 
+/// On some desktops a combo box is called what is chosen in it, and only a label tied to it says
+/// what it is for.
+void MakeSpokenLabel(Control& control) {
+  control.spoken = new QLabel(control.widget->parentWidget());
+  control.spoken->setTextFormat(Qt::PlainText);
+  control.spoken->setGeometry(QRect(control.widget->pos(), QSize(0, 0)));
+  control.spoken->setBuddy(control.widget);
+}
+
 }  // namespace
 
 void TieLabels(std::list<Control>& controls) {
-  for (auto control = controls.begin(); control != controls.end(); ++control) {
-    if (control == controls.begin() || !NeedsName(*control)) {
-      continue;
+  const Control* before = nullptr;
+  for (Control& control : controls) {
+    if (NeedsName(control)) {
+      const bool isLabelled = before != nullptr && before->label != nullptr &&
+                              before->description.isVisible &&
+                              control.description.namedBy == resources::kNoControlId;
+      if (isLabelled) {
+        before->label->setBuddy(control.widget);
+      } else if (control.combo != nullptr) {
+        MakeSpokenLabel(control);
+      }
     }
-    const Control& before = *std::prev(control);
-    if (before.label != nullptr && before.description.isVisible &&
-        control->description.namedBy == resources::kNoControlId) {
-      before.label->setBuddy(control->widget);
-    }
+    before = &control;
   }
 }
 
@@ -52,7 +64,11 @@ void NameControls(std::list<Control>& controls, const QString& caption) {
             before->label != nullptr || before->description.kind == ControlKind::kGroupBox;
         name = names ? GetShownText(*before) : QString();
       }
-      control.widget->setAccessibleName(name.isEmpty() ? caption : name);
+      name = name.isEmpty() ? caption : name;
+      control.widget->setAccessibleName(name);
+      if (control.spoken != nullptr) {
+        control.spoken->setText(WithoutMnemonic(name));
+      }
     }
     before = &control;
   }

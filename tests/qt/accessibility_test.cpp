@@ -1,0 +1,122 @@
+#include <gmock/gmock.h>
+
+#include <QAccessible>
+#include <QApplication>
+
+#include "resources/dialogs.h"
+#include "tests/qt/dialog_fixture.h"
+
+namespace {
+
+using namespace resources;
+using support::User;
+using testing::ElementsAre;
+
+/// What a screen reader calls a control: by the label that is tied to it, or by its own name.
+QString NameOf(QWidget* widget) {
+  const QAccessibleInterface* read = QAccessible::queryAccessibleInterface(widget);
+  const auto labels = read->relations(QAccessible::Label);
+  return labels.isEmpty() ? read->text(QAccessible::Name)
+                          : labels[0].first->text(QAccessible::Name);
+}
+
+class Accessibility : public testing::Test {
+ protected:
+  void Run(const std::function<void()>& story) {
+    m_user.Soon([&story] {
+      story();
+      User::GetWindow()->reject();
+    });
+    m_machine.RunSheet();
+  }
+  static QString NameOf(int id) { return ::NameOf(User::Find(id)); }
+  static QAccessible::Role RoleOf(int id) {
+    return QAccessible::queryAccessibleInterface(User::Find(id))->role();
+  }
+
+  support::PageMachine m_machine;
+  User m_user;
+};
+
+TEST_F(Accessibility, EveryControlHasANameAndARole) {
+  Run([] {
+    EXPECT_EQ(NameOf(kContactComboId), "Contacts");
+    EXPECT_EQ(NameOf(kNumberComboId), "Lee Ann") << "Whose numbers they are.";
+    EXPECT_EQ(NameOf(kTagListId), "Learned commands: 0");
+    EXPECT_EQ(NameOf(kRecordButtonId), "Record");
+    EXPECT_EQ(NameOf(kDeleteAllButtonId), "Delete All");
+    EXPECT_EQ(RoleOf(kContactComboId), QAccessible::ComboBox);
+    EXPECT_EQ(RoleOf(kNumberComboId), QAccessible::ComboBox);
+    EXPECT_EQ(RoleOf(kTagListId), QAccessible::List);
+    EXPECT_EQ(RoleOf(kRecordButtonId), QAccessible::Button);
+    EXPECT_EQ(RoleOf(kCountLabelId), QAccessible::StaticText);
+  });
+}
+
+TEST_F(Accessibility, TheLabelIsTiedToItsBox) {
+  Run([] {
+    const auto relations = QAccessible::queryAccessibleInterface(User::Find(kContactComboId))
+                               ->relations(QAccessible::Label);
+    ASSERT_EQ(relations.size(), 1);
+    EXPECT_EQ(relations[0].first->object(), User::Find(kContactsLabelId));
+  });
+}
+
+TEST_F(Accessibility, NamesFollowWhatThePageShows) {
+  Run([] {
+    User::Choose(kContactComboId, 1);
+    EXPECT_EQ(NameOf(kNumberComboId), "Ray & Sons <b> Bob");
+    User::Click(kRecordButtonId);
+    EXPECT_EQ(NameOf(kTagListId), "Learned commands: 1");
+  });
+}
+
+TEST_F(Accessibility, TheBarIsNamedForWhatIsBeingDone) {
+  class Watcher final : public QObject {
+   public:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+      if (event->type() == QEvent::Show && watched->objectName() == QStringLiteral("1212")) {
+        auto* bar = dynamic_cast<QWidget*>(watched);
+        name = ::NameOf(bar);
+        role = QAccessible::queryAccessibleInterface(bar)->role();
+      }
+      return false;
+    }
+    QString name;
+    QAccessible::Role role = QAccessible::NoRole;
+  } watcher;
+  qApp->installEventFilter(&watcher);
+  Run([] { User::Click(kRecordButtonId); });
+  EXPECT_EQ(watcher.name, "Record");
+  EXPECT_EQ(watcher.role, QAccessible::ProgressBar);
+}
+
+TEST_F(Accessibility, AMessageBoxIsReadOut) {
+  QString name;
+  QString description;
+  m_user.SetAnswer([&](QDialog& box) {
+    auto* read = QAccessible::queryAccessibleInterface(&box);
+    name = read->text(QAccessible::Name);
+    description = read->text(QAccessible::Description);
+    box.reject();
+  });
+  m_machine.ui.ShowMessage(platform::ApplicationBox(u"Error: oid == 0"));
+  EXPECT_EQ(name, "Zedra Voxtrel");
+  EXPECT_EQ(description, "Error: oid == 0");
+}
+
+using DialogAccessibility = DialogFixture;
+
+TEST_F(DialogAccessibility, WhatNothingNamesIsNamedForTheDialog) {
+  NotingDialog dialog(m_ui);
+  Run(dialog, [] {
+    const auto nameOf = [](int id) { return NameOf(User::Find(id)); };
+    EXPECT_EQ(nameOf(sample::kCombo), "Fish & chips");
+    EXPECT_EQ(nameOf(sample::kList), "Seventy & seven");
+    EXPECT_EQ(nameOf(sample::kPicture), "Seventy & seven");
+    EXPECT_EQ(nameOf(sample::kCheck), "Check & mate");
+    EXPECT_EQ(nameOf(sample::kGo), "Go & see");
+  });
+}
+
+}  // namespace
