@@ -24,6 +24,7 @@ target_compile_options(
             -Wold-style-cast
             -Wundef
             -Werror
+            -pthread
             -ffp-contract=off
             -fno-fast-math)
 # The warnings that g++ 12 draws from following the flow of optimised code are shown and are no
@@ -50,6 +51,13 @@ if(VOXTREL_SANITIZE)
   target_link_options(voxtrel_options INTERFACE -fsanitize=${VOXTREL_SANITIZE})
 endif()
 
+# Heavy arithmetic, which is neither to be waited for under the sanitizers, nor held back where speed
+# counts.
+set(VOXTREL_ARITHMETIC_OPTIONS $<$<CONFIG:Release>:-O3>)
+if(VOXTREL_SANITIZE)
+  set(VOXTREL_ARITHMETIC_OPTIONS -O1)
+endif()
+
 # voxtrel_library(NAME SOURCES ... [DEPENDS ...])
 function(voxtrel_library name)
   cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS" ${ARGN})
@@ -64,22 +72,67 @@ function(voxtrel_headers name)
   target_link_libraries(voxtrel_${name} INTERFACE voxtrel_options ${ARG_DEPENDS})
 endfunction()
 
-# All test programs that are labelled "threads", for a build that runs no others.
+option(VOXTREL_TEST_PROGRAMS "Run each test program as one test, which saves starting it for each case" OFF)
+
+# Test programs by label, for builds that run no others: those with threads, and those that compare
+# the bits of the mathematics.
 add_custom_target(thread_tests)
+add_custom_target(bit_tests)
+
+# What is tested is optimised; what tests it is not, since it is compiled more often than it runs.
+function(voxtrel_test_options name)
+  target_compile_options(${name} PRIVATE $<$<CONFIG:Release>:-O0>)
+endfunction()
+
+# What every test includes, compiled once.
+function(voxtrel_test_prelude)
+  file(WRITE "${CMAKE_CURRENT_BINARY_DIR}/test_prelude.cpp" "int main() { return 0; }\n")
+  add_executable(voxtrel_test_prelude "${CMAKE_CURRENT_BINARY_DIR}/test_prelude.cpp")
+  target_link_libraries(voxtrel_test_prelude PRIVATE voxtrel_options GTest::gmock)
+  voxtrel_test_options(voxtrel_test_prelude)
+  target_precompile_headers(
+    voxtrel_test_prelude
+    PRIVATE
+    <gmock/gmock.h>
+    <gtest/gtest.h>
+    <algorithm>
+    <functional>
+    <memory>
+    <optional>
+    <span>
+    <string>
+    <vector>)
+endfunction()
+
+# voxtrel_test_program(NAME SOURCES ... DEPENDS ...): a test program that is not yet run.
+function(voxtrel_test_program name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE voxtrel_options ${ARG_DEPENDS} GTest::gmock GTest::gtest_main)
+  voxtrel_test_options(${name})
+  target_precompile_headers(${name} REUSE_FROM voxtrel_test_prelude)
+endfunction()
 
 # voxtrel_test(NAME SOURCES ... DEPENDS ... [LABELS ...]): one test program; each case is one test.
 function(voxtrel_test name)
   cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS;LABELS" ${ARGN})
-  add_executable(${name} ${ARG_SOURCES})
-  target_link_libraries(${name} PRIVATE voxtrel_options ${ARG_DEPENDS} GTest::gmock GTest::gtest_main)
+  voxtrel_test_program(${name} SOURCES ${ARG_SOURCES} DEPENDS ${ARG_DEPENDS})
   if(NOT ARG_LABELS)
     set(ARG_LABELS "${name}")
   endif()
   if("threads" IN_LIST ARG_LABELS)
     add_dependencies(thread_tests ${name})
   endif()
+  if("voicemath" IN_LIST ARG_LABELS OR "golden" IN_LIST ARG_LABELS)
+    add_dependencies(bit_tests ${name})
+  endif()
   # A list does not survive the discovery: its second label would be taken for a property's name. As
   # ctest selects labels by regular expression, each one is found in the joined text.
   list(JOIN ARG_LABELS "+" labels)
-  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES LABELS "${labels}" TIMEOUT 300)
+  if(VOXTREL_TEST_PROGRAMS)
+    add_test(NAME ${name} COMMAND ${name})
+    set_tests_properties(${name} PROPERTIES LABELS "${labels}" TIMEOUT 900)
+  else()
+    gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES LABELS "${labels}" TIMEOUT 300)
+  endif()
 endfunction()

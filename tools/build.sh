@@ -19,6 +19,7 @@ done
 if command -v ccache >/dev/null; then
   # Objects are shared between clones of the project, whatever folder each lies in.
   export CMAKE_CXX_COMPILER_LAUNCHER=ccache CCACHE_BASEDIR=$PWD CCACHE_NOHASHDIR=1
+  export CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime
 fi
 
 mkdir -p build

@@ -1,34 +1,25 @@
 #include "voicemath/band_features.h"
 
 #include <algorithm>
-#include <array>
-#include <cmath>
 #include <cstddef>
 
-#include "voicemath/fft.h"
+#include "voicemath/spectrum.h"
 
 namespace voicemath {
-namespace {
-
-/// Magnitude of a bin times its number, in double until the one rounding at the end.
-float WeightedMagnitude(float real, float imaginary, std::size_t bin) {
-  const double re = real;
-  const double im = imaginary;
-  return static_cast<float>(std::sqrt(re * re + im * im) * static_cast<double>(bin));
-}
-
-}  // namespace
 
 void BandFeatures(std::span<const std::int16_t, kFrameSamples> frame,
                   std::span<float, kBandCount> bands) {
-  std::array<float, kFrameSamples> real;
-  std::array<float, kFrameSamples> imaginary{};
-  std::copy(frame.begin(), frame.end(), real.begin());
-  Fft(real, imaginary, 1);
-
+  Spectrum spectrum;
+  ComputeSpectrum(frame, spectrum);
   std::fill(bands.begin(), bands.end(), 0.0F);
-  for (std::size_t bin = kFirstUsedBin; bin < kUsedBins; ++bin) {
-    bands[bin / kBandBins] += WeightedMagnitude(real[bin], imaginary[bin], bin);
+  // Bin by bin within a band; the bands, which have nothing to do with each other, side by side.
+  for (std::size_t step = 0; step < kBandBins; ++step) {
+    for (std::size_t band = 0; band < kBandCount; ++band) {
+      const std::size_t bin = band * kBandBins + step;
+      if (bin >= kFirstUsedBin) {
+        bands[band] += spectrum[bin - kFirstUsedBin];
+      }
+    }
   }
 }
 

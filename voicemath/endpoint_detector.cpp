@@ -4,6 +4,9 @@
 #include <array>
 #include <cstddef>
 #include <cstdlib>
+#include <limits>
+
+#include "voicemath/vector_clones.h"
 
 namespace voicemath {
 namespace {
@@ -18,34 +21,49 @@ constexpr std::int32_t kMarginSamples = 3307;  ///< Kept before and behind the s
 
 std::int16_t Narrow(std::int64_t value) { return static_cast<std::int16_t>(value); }
 
-/// Mean over the neighbourhood of each block, in place. Block 0 counts only where the forward run
-/// begins with it, never as a neighbour behind: the test for neighbours is "greater than zero",
-/// deliberately.
+/// Mean over the neighbourhood of each block, in place, from a sum that runs along: one block comes
+/// in ahead, one goes out behind. Block 0 counts only where the forward run begins with it, never
+/// as a neighbour behind: the test for neighbours is "greater than zero", deliberately.
 void Smooth(std::span<std::int16_t> envelope) {
-  std::array<std::int16_t, kBackwardBlocks> unsmoothed{};
+  constexpr std::int32_t kAllBlocks = kBackwardBlocks + kForwardBlocks;
+  // Values of the last blocks before they were smoothed.
+  std::array<std::int16_t, kBackwardBlocks + 1> unsmoothed{};
   const auto blocks = static_cast<std::int64_t>(envelope.size());
+  std::int32_t sum = 0;
+  std::int32_t count = 0;
+  for (std::int64_t b = 0; b < std::min(kForwardBlocks, blocks); ++b, ++count) {
+    sum += envelope[static_cast<std::size_t>(b)];
+  }
   for (std::int64_t block = 0; block < blocks; ++block) {
-    std::int32_t sum = 0;
-    std::int32_t count = 0;
-    for (std::int64_t b = block; b < std::min(block + kForwardBlocks, blocks); ++b, ++count) {
-      sum += envelope[static_cast<std::size_t>(b)];
-    }
-    for (std::int64_t b = block - 1; b > 0 && b >= block - kBackwardBlocks; --b, ++count) {
-      sum += unsmoothed[static_cast<std::size_t>(b % kBackwardBlocks)];
-    }
     auto& value = envelope[static_cast<std::size_t>(block)];
-    unsmoothed[static_cast<std::size_t>(block % kBackwardBlocks)] = value;
-    value = Narrow(sum / count);
+    unsmoothed[static_cast<std::size_t>(block) % unsmoothed.size()] = value;
+    value = Narrow(count == kAllBlocks ? sum / kAllBlocks : sum / count);
+    // On to the next block.
+    if (block + kForwardBlocks < blocks) {
+      sum += envelope[static_cast<std::size_t>(block + kForwardBlocks)];
+      ++count;
+    }
+    const std::int64_t leaving = block - kBackwardBlocks;
+    if (block == 0 || leaving > 0) {
+      sum -= unsmoothed[static_cast<std::size_t>(std::max<std::int64_t>(leaving, 0)) %
+                        unsmoothed.size()];
+      --count;
+    }
   }
 }
 
 /// The noise level under the speech: the mode of the lower half of the amplitudes, and a little.
 std::int16_t NoiseLevel(std::span<const std::int16_t> envelope, std::int16_t peak,
                         std::int16_t binWidth) {
+  // Division by a product with the reciprocal, rounded up, in units of 2^-31. With a value below
+  // 2^15 it comes out too large by less than 2^-16, and a width below 2^10 leaves more room than
+  // that up to the next whole number.
+  const std::uint64_t reciprocal =
+      (std::uint64_t{1} << 31U) / static_cast<std::uint64_t>(binWidth) + 1;
   std::array<std::uint32_t, kHistogramBins> histogram{};
   for (const std::int16_t value : envelope) {
-    const auto bin = static_cast<std::size_t>(value / binWidth);
-    ++histogram[std::min(bin, kHistogramBins - 1)];
+    const std::uint64_t bin = (static_cast<std::uint64_t>(value) * reciprocal) >> 31U;
+    ++histogram[static_cast<std::size_t>(std::min<std::uint64_t>(bin, kHistogramBins - 1))];
   }
   const auto mode = std::max_element(histogram.begin(), histogram.begin() + kNoiseBins);
   return Narrow(binWidth * (mode - histogram.begin()) + peak / 16);
@@ -84,7 +102,41 @@ struct ClippedEnvelope {
   }
 };
 
+/// What a block needs to know of each of its halves.
+struct HalfBlock {
+  std::int32_t sum = 0;
+  std::int16_t lowest = std::numeric_limits<std::int16_t>::max();
+  std::int16_t highest = std::numeric_limits<std::int16_t>::min();
+};
+
+VOXTREL_INLINE HalfBlock MeasureHalf(const std::int16_t* samples) {
+  HalfBlock half;
+  for (std::size_t i = 0; i < kBlockStep; ++i) {
+    half.sum += samples[i];
+    half.lowest = std::min(half.lowest, samples[i]);
+    half.highest = std::max(half.highest, samples[i]);
+  }
+  return half;
+}
+
 }  // namespace
+
+VOXTREL_VECTOR_CLONES
+void MeasureEnvelope(std::span<const std::int16_t> samples, std::span<std::int16_t> envelope) {
+  HalfBlock first = MeasureHalf(samples.data());
+  for (std::size_t block = 0; block < envelope.size(); ++block) {
+    const HalfBlock second = MeasureHalf(samples.data() + (block + 1) * kBlockStep);
+    const std::int32_t mean = (first.sum + second.sum) / static_cast<std::int32_t>(kBlockSamples);
+    const std::int32_t largest = std::max(std::max(first.highest, second.highest) - mean,
+                                          mean - std::min(first.lowest, second.lowest));
+    // Where no distance leaves 16 bits the largest is that of the lowest or the highest sample.
+    envelope[block] =
+        largest <= std::numeric_limits<std::int16_t>::max()
+            ? Narrow(largest)
+            : BlockEnvelope(samples.subspan(block * kBlockStep).first<kBlockSamples>());
+    first = second;
+  }
+}
 
 std::int16_t BlockEnvelope(std::span<const std::int16_t, kBlockSamples> block) {
   std::int32_t sum = 0;
@@ -106,18 +158,21 @@ std::optional<Segment> LocateSpeech(std::span<std::int16_t> envelope, std::uint3
     return std::nullopt;
   }
   Smooth(envelope);
-  const auto peakAt = std::max_element(envelope.begin(), envelope.end());
-  const std::int16_t peak = *peakAt;
+  std::int16_t peak = 0;
+  for (const std::int16_t value : envelope) {
+    peak = std::max(peak, value);
+  }
   const auto binWidth = Narrow(peak / static_cast<std::int32_t>(kHistogramBins));
   if (binWidth == 0) {
     return std::nullopt;  // Next to silence: nothing to tell speech from.
   }
+  const auto peakAt = std::ranges::find(envelope, peak) - envelope.begin();
   const std::int16_t noise = NoiseLevel(envelope, peak, binWidth);
   for (std::int16_t& value : envelope) {
     value = value < noise ? std::int16_t{0} : Narrow(value - noise);
   }
   const ClippedEnvelope clipped{envelope, Narrow((peak - noise) / 2)};
-  const auto centre = clipped.clip == 0 ? std::nullopt : clipped.Centre(peakAt - envelope.begin());
+  const auto centre = clipped.clip == 0 ? std::nullopt : clipped.Centre(peakAt);
   if (!centre) {
     return std::nullopt;
   }

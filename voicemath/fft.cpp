@@ -5,29 +5,10 @@
 #include <numbers>
 #include <utility>
 
+#include "voicemath/twiddles.h"
+
 namespace voicemath {
 namespace {
-
-struct Complex {
-  float real;
-  float imaginary;
-};
-
-// Each product is stored before it is added, so that it is rounded to float by itself.
-Complex Multiply(Complex a, Complex b) {
-  const float rr = a.real * b.real;
-  const float ii = a.imaginary * b.imaginary;
-  const float ri = a.real * b.imaginary;
-  const float ir = a.imaginary * b.real;
-  return {rr - ii, ri + ir};
-}
-
-/// The factor between the twiddles of two neighbouring butterflies of one stage.
-Complex TwiddleStep(std::size_t half, int sign) {
-  const float theta = std::numbers::pi_v<float> / static_cast<float>(half);
-  const double angle = theta;
-  return {static_cast<float>(std::cos(angle)), static_cast<float>(-sign * std::sin(angle))};
-}
 
 void Butterflies(std::span<float> real, std::span<float> imaginary, std::size_t span, int sign) {
   const std::size_t half = span / 2;
@@ -63,6 +44,12 @@ void ReverseBits(std::span<float> real, std::span<float> imaginary) {
 }
 
 }  // namespace
+
+Complex TwiddleStep(std::size_t half, int sign) {
+  const float theta = std::numbers::pi_v<float> / static_cast<float>(half);
+  const double angle = theta;
+  return {static_cast<float>(std::cos(angle)), static_cast<float>(-sign * std::sin(angle))};
+}
 
 void Fft(std::span<float> real, std::span<float> imaginary, int sign) {
   for (std::size_t span = real.size(); span >= 2; span /= 2) {

@@ -1,14 +1,31 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <span>
 
 #include "voicemath/constants.h"
+#include "voicemath/prepared_template.h"
 
 namespace voicemath {
 
 /// Start value, and so the upper bound, of every distance.
 inline constexpr float kMaxDistance = 2.0F;
+
+/// The distance that a comparison has to stay below to be of interest.
+class DistanceBound {
+ public:
+  DistanceBound() : DistanceBound(kMaxDistance) {}
+  explicit DistanceBound(float distance);
+
+  [[nodiscard]] float Distance() const { return m_distance; }
+  /// The square root of the distance in steps of the grid of PreparedTemplate, not rounded down.
+  [[nodiscard]] std::int32_t GridRoot() const { return m_gridRoot; }
+
+ private:
+  float m_distance;
+  std::int32_t m_gridRoot;
+};
 
 /// Dissimilarity of two templates (frame-major, kBandCount values a frame): 0 for the same shape,
 /// at most kMaxDistance. Both are scaled to unit length; the one with fewer frames (`a` where both
@@ -16,6 +33,13 @@ inline constexpr float kMaxDistance = 2.0F;
 /// product and sum is rounded to float, in the order of the loops; a division is a product with
 /// the float reciprocal. Two templates without frames have distance 0; one without frames against
 /// one with frames has kMaxDistance.
+///
+/// A distance that is not below `bound` is told as the bound's.
+[[nodiscard]] float TemplateDistance(const PreparedTemplate& a, const PreparedTemplate& b,
+                                     const DistanceBound& bound = {});
+
+/// The same of templates that are compared only once. Needs memory for both prepared, and says
+/// kMaxDistance where there is none.
 [[nodiscard]] float TemplateDistance(std::span<const float> a, std::span<const float> b);
 
 }  // namespace voicemath

@@ -53,10 +53,9 @@ void CVoiceMathematics::Load(framework::CArchive& archive) {
   for (std::uint32_t i = 0; i < elements; ++i) {
     archive >> values[i];
   }
-  if (archive.GetStatus() == framework::ArchiveStatus::kGood) {
-    const auto slot = static_cast<std::size_t>(m_loadSlot);
-    m_templates[slot] = std::move(values);
-    m_frameCounts[slot] = frames;
+  if (archive.GetStatus() == framework::ArchiveStatus::kGood &&
+      !SetTemplate(static_cast<std::size_t>(m_loadSlot), std::move(values), frames)) {
+    archive.Fail(framework::ArchiveStatus::kFileFailure);
   }
 }
 

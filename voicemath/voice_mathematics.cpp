@@ -91,6 +91,7 @@ void CVoiceMathematics::RemoveTemplate(std::int32_t slot) {
     m_wavePaths[i] = m_wavePaths[i + 1];
     m_labels[i] = m_labels[i + 1];
     m_templates[i] = std::move(m_templates[i + 1]);
+    m_prepared[i] = std::move(m_prepared[i + 1]);
     m_frameCounts[i] = m_frameCounts[i + 1];
   }
   FreeSlot(stored - 1);
@@ -108,24 +109,38 @@ float CVoiceMathematics::CompareTemplates(std::int32_t a, std::int32_t b) const 
   if (a < 0 || a >= kEnd || b < 0 || b >= kEnd) {
     return kMaxDistance;
   }
-  return TemplateDistance(GetTemplate(static_cast<std::size_t>(a)),
-                          GetTemplate(static_cast<std::size_t>(b)));
+  return TemplateDistance(m_prepared[static_cast<std::size_t>(a)],
+                          m_prepared[static_cast<std::size_t>(b)]);
+}
+
+void CVoiceMathematics::FindNearest(std::span<Neighbour> nearest) const {
+  const std::size_t slots = std::min(nearest.size(), kSlotCount);
+  voicemath::FindNearest(std::span(m_prepared).first(slots), nearest.first(slots));
 }
 
 std::int32_t CVoiceMathematics::ComputeThresholds() {
   m_thresholds.fill(kMaxDistance);
-  const auto stored = static_cast<std::int32_t>(GetStoredCount());
-  for (std::int32_t i = 0; i < stored && m_count > 1; ++i) {
-    float nearest = kMaxDistance;
-    for (std::int32_t j = 0; j < stored; ++j) {
-      if (j != i) {
-        nearest = std::min(nearest, CompareTemplates(i, j));
-      }
+  if (m_count > 1) {
+    std::array<Neighbour, kStoredSlots> nearest;
+    const std::size_t stored = GetStoredCount();
+    FindNearest(std::span(nearest).first(stored));
+    for (std::size_t slot = 0; slot < stored; ++slot) {
+      const float distance = nearest[slot].distance.Distance();
+      const float share = distance / static_cast<float>(m_count);
+      m_thresholds[slot] = distance - share;
     }
-    const float share = nearest / static_cast<float>(m_count);
-    m_thresholds[static_cast<std::size_t>(i)] = nearest - share;
   }
   return m_count;
+}
+
+bool CVoiceMathematics::SetTemplate(std::size_t slot, std::unique_ptr<const float[]> values,
+                                    std::uint16_t frames) {
+  if (!m_prepared[slot].Prepare({values.get(), std::size_t{frames} * m_bandCount})) {
+    return false;
+  }
+  m_templates[slot] = std::move(values);
+  m_frameCounts[slot] = frames;
+  return true;
 }
 
 std::span<const float> CVoiceMathematics::GetTemplate(std::size_t slot) const {
@@ -142,6 +157,7 @@ std::size_t CVoiceMathematics::GetStoredCount() const {
 
 void CVoiceMathematics::FreeSlot(std::size_t slot) {
   m_templates[slot].reset();
+  m_prepared[slot] = {};
   m_frameCounts[slot] = 0;
 }
 

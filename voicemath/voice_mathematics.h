@@ -15,6 +15,8 @@
 #include "platform/ui.h"
 #include "voicemath/constants.h"
 #include "voicemath/endpoint_detector.h"
+#include "voicemath/nearest_neighbours.h"
+#include "voicemath/prepared_template.h"
 
 namespace voicemath {
 
@@ -91,8 +93,18 @@ class CVoiceMathematics : public framework::CObject {
   /// Distance of two slots, 0 to kMaxDistance; kMaxDistance where either is none.
   [[nodiscard]] float CompareTemplates(std::int32_t a, std::int32_t b) const;
 
+  /// Finds for each of the slots from 0 on, as many as `nearest` has places for and at most
+  /// kSlotCount, the one with the smallest distance, that slot being the first argument of
+  /// CompareTemplates; of several the lowest. The same as comparing all with all, and much faster.
+  void FindNearest(std::span<Neighbour> nearest) const;
+
   /// Fills `m_thresholds` from the nearest neighbours of the stored templates. Returns `m_count`.
   std::int32_t ComputeThresholds();
+
+  /// Puts a template of `frames` frames into `slot`, which must be one, and prepares it for
+  /// comparison. Without memory for that the slot is left as it was and the result is false.
+  [[nodiscard]] bool SetTemplate(std::size_t slot, std::unique_ptr<const float[]> values,
+                                 std::uint16_t frames);
 
   /// Values of the template in `slot`, which must be one; empty where it is empty.
   [[nodiscard]] std::span<const float> GetTemplate(std::size_t slot) const;
@@ -105,8 +117,9 @@ class CVoiceMathematics : public framework::CObject {
   std::uint32_t m_lastSample = 0;  ///< Included.
   std::uint16_t m_bandCount = kBandCount;
   std::uint8_t m_hopsPerFrame = 2;
+  // The templates and their frame counts are changed by SetTemplate alone.
   std::array<std::uint16_t, kSlotCount> m_frameCounts{};
-  std::array<std::unique_ptr<float[]>, kSlotCount> m_templates;
+  std::array<std::unique_ptr<const float[]>, kSlotCount> m_templates;
   std::array<float, kStoredSlots> m_thresholds;
   std::u16string m_wavePath;  ///< The wave file to process next.
   std::u16string m_label;
@@ -127,6 +140,8 @@ class CVoiceMathematics : public framework::CObject {
   [[nodiscard]] int ProcessWave(std::int32_t slot, Extent extent);
   [[nodiscard]] bool OpenSegment(Extent extent);
   [[nodiscard]] bool MeasureEnvelope(std::span<std::int16_t> envelope);
+  [[nodiscard]] bool MeasureEnvelopeAtEnd(std::span<std::int16_t> envelope, std::size_t whole,
+                                          std::uint64_t start);
   [[nodiscard]] HeaderCode ReadHeader();
   void SelectWholeFile();
   [[nodiscard]] bool WriteTrimmed(std::u16string_view path, std::uint32_t bytes);
@@ -136,6 +151,7 @@ class CVoiceMathematics : public framework::CObject {
   [[nodiscard]] std::size_t GetStoredCount() const;
   void FreeSlot(std::size_t slot);
 
+  std::array<PreparedTemplate, kSlotCount> m_prepared;
   platform::FileSystem& m_files;
   platform::Ui& m_ui;
 };

@@ -20,6 +20,8 @@ namespace {
 constexpr std::size_t kHeaderBuffer = 100;  ///< The data must begin within these first bytes.
 constexpr std::size_t kHeaderStep = 4;      ///< Chunk ids are looked for at multiples of this.
 
+constexpr std::size_t kBlocksAtOnce = 39;  ///< Envelope blocks of one read, which is 4,400 bytes.
+
 bool HasId(std::span<const std::byte> bytes, std::string_view id) {
   return std::memcmp(bytes.data(), id.data(), id.size()) == 0;
 }
@@ -112,15 +114,36 @@ bool CVoiceMathematics::DetectSpeechBounds() {
 }
 
 bool CVoiceMathematics::MeasureEnvelope(std::span<std::int16_t> envelope) {
-  SampleBuffer<kBlockSamples> block;
-  std::uint64_t offset = m_dataOffset;
-  for (std::int16_t& value : envelope) {
-    // Samples are taken to lie at even offsets of the file.
-    if (!ReadAt(m_file, offset / kSampleBytes * kSampleBytes, block.Bytes())) {
+  constexpr std::size_t kStepBytes = kBlockStep * kSampleBytes;
+  // Samples are taken to lie at even offsets of the file.
+  const std::uint64_t start = m_dataOffset / kSampleBytes * kSampleBytes;
+  SampleBuffer<(kBlocksAtOnce + 1) * kBlockStep> samples;
+  std::size_t whole = 0;  // Blocks measured, all of which the file holds to their end.
+  for (std::size_t read = kBlocksAtOnce; read == kBlocksAtOnce && whole < envelope.size();) {
+    const auto bytes = ReadAt(m_file, start + whole * kStepBytes, samples.Bytes());
+    if (!bytes) {
       return false;
     }
-    value = BlockEnvelope(block.Decode());
-    offset += kBlockStep * kSampleBytes;
+    read = std::max<std::size_t>(*bytes / kStepBytes, 1) - 1;
+    const std::size_t blocks = std::min(read, envelope.size() - whole);
+    if (blocks > 0) {
+      voicemath::MeasureEnvelope(samples.Decode(), envelope.subspan(whole, blocks));
+    }
+    whole += blocks;
+  }
+  return MeasureEnvelopeAtEnd(envelope, whole, start);
+}
+
+bool CVoiceMathematics::MeasureEnvelopeAtEnd(std::span<std::int16_t> envelope, std::size_t whole,
+                                             std::uint64_t start) {
+  // What a block lacks is what the block before it has there, so that has to be read first.
+  SampleBuffer<kBlockSamples> samples;
+  for (std::size_t block = std::max<std::size_t>(whole, 1) - 1; block < envelope.size(); ++block) {
+    const std::uint64_t offset = start + block * kBlockStep * kSampleBytes;
+    if (!ReadAt(m_file, offset, samples.Bytes())) {
+      return false;
+    }
+    envelope[block] = BlockEnvelope(samples.Decode());
   }
   return true;
 }
@@ -136,8 +159,9 @@ bool CVoiceMathematics::ComputeTemplate(std::uint32_t slot) {
     return false;
   }
   SubtractBandMinima({features.get(), elements});
-  m_templates[slot] = std::move(features);
-  m_frameCounts[slot] = frames;
+  if (!SetTemplate(slot, std::move(features), frames)) {
+    return false;
+  }
   m_elementCount = static_cast<std::int32_t>(elements);
   return true;
 }

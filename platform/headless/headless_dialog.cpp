@@ -37,6 +37,7 @@ void HeadlessDialog::Press(int id) {
     SetCheck(id, !control->isChecked);
   }
   m_handler.OnCommand(id, platform::CommandEvent::kClick);
+  DeliverPosted();
 }
 
 void HeadlessDialog::Choose(int id, int index) {
@@ -46,6 +47,7 @@ void HeadlessDialog::Choose(int id, int index) {
   }
   SetSelection(id, index);
   m_handler.OnCommand(id, platform::CommandEvent::kSelectionChange);
+  DeliverPosted();
 }
 
 void HeadlessDialog::Type(int id, std::u16string_view text) {
@@ -56,9 +58,16 @@ void HeadlessDialog::Type(int id, std::u16string_view text) {
   }
 }
 
-void HeadlessDialog::ClickAt(platform::Point point) { m_handler.OnLButtonDown(point); }
+void HeadlessDialog::ClickAt(platform::Point point) {
+  m_handler.OnLButtonDown(point);
+  DeliverPosted();
+}
 
-bool HeadlessDialog::AskForHelp() { return m_handler.OnHelp(); }
+bool HeadlessDialog::AskForHelp() {
+  const bool hasHelp = m_handler.OnHelp();
+  DeliverPosted();
+  return hasHelp;
+}
 
 void HeadlessDialog::PressEnter() {
   for (const auto& [id, control] : m_controls) {
@@ -109,6 +118,14 @@ std::optional<int> HeadlessDialog::GetResult() const {
   return m_result;
 }
 
+void HeadlessDialog::DeliverPosted() {
+  while (!m_posted.empty() && !GetResult()) {
+    const int id = m_posted.front();
+    m_posted.pop_front();
+    m_handler.OnCommand(id, platform::CommandEvent::kPosted);
+  }
+}
+
 bool HeadlessDialog::WaitForEnd() {
   return GetResult() ||
          (m_ended && m_ended->Wait(platform::kNoLimit) == platform::WaitResult::kSignalled);
@@ -154,7 +171,9 @@ int HeadlessDialog::AddItem(int id, std::u16string_view text) {
                                     return std::is_lt(text::CompareForDisplay(a, b));
                                   });
   }
-  return static_cast<int>(control->items.insert(at, std::u16string(text)) - control->items.begin());
+  const auto place = at - control->items.begin();
+  control->items.insert(at, std::u16string(text));
+  return static_cast<int>(place);
 }
 
 void HeadlessDialog::DeleteItem(int id, int index) {
@@ -257,6 +276,8 @@ platform::Rect HeadlessDialog::GetControlRect(int id) const {
 platform::Rect HeadlessDialog::GetClientRect() const {
   return platform::ToPixels({0, 0, m_template.width, m_template.height});
 }
+
+void HeadlessDialog::PostCommand(int id) { m_posted.push_back(id); }
 
 void HeadlessDialog::Invalidate() { ++m_invalidations; }
 

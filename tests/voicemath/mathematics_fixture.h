@@ -35,10 +35,10 @@ class MathematicsFixture : public testing::Test {
 
   /// Puts a template of the given values into a slot, as a load would.
   void SetTemplate(std::size_t slot, const std::vector<float>& values) {
-    m_mathematics.m_templates[slot] = std::make_unique<float[]>(values.size());
-    std::copy(values.begin(), values.end(), m_mathematics.m_templates[slot].get());
-    m_mathematics.m_frameCounts[slot] =
-        static_cast<std::uint16_t>(values.size() / voicemath::kBandCount);
+    auto copy = std::make_unique<float[]>(values.size());
+    std::copy(values.begin(), values.end(), copy.get());
+    ASSERT_TRUE(m_mathematics.SetTemplate(
+        slot, std::move(copy), static_cast<std::uint16_t>(values.size() / voicemath::kBandCount)));
   }
   [[nodiscard]] std::vector<float> GetTemplate(std::size_t slot) const {
     const auto values = m_mathematics.GetTemplate(slot);

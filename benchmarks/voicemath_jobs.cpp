@@ -1,0 +1,154 @@
+#include "benchmarks/voicemath_jobs.h"
+
+#include <array>
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+#include <utility>
+
+#include "benchmarks/voicemath_material.h"
+#include "tests/voicemath/twins/matching.h"
+#include "tests/voicemath/twins/speech_bounds.h"
+#include "voicemath/band_features.h"
+#include "voicemath/endpoint_detector.h"
+#include "voicemath/nearest_neighbours.h"
+#include "voicemath/spectrum.h"
+#include "voicemath/template_distance.h"
+
+namespace benchmarks {
+namespace {
+
+using voicemath::PreparedTemplate;
+
+std::vector<PreparedTemplate> Prepare(const std::vector<twins::Template>& words) {
+  std::vector<PreparedTemplate> prepared(words.size());
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    if (!prepared[i].Prepare(words[i].values)) {
+      std::abort();
+    }
+  }
+  return prepared;
+}
+
+/// What the product's way of a job works on, kept by the job.
+template <typename Material>
+std::shared_ptr<Material> Shared(Material material) {
+  return std::make_shared<Material>(std::move(material));
+}
+
+std::vector<Way> Comparison() {
+  const auto words = Shared(std::vector{Word(42, 1), Word(52, 2)});
+  const auto prepared = Shared(Prepare(*words));
+  return {{"product",
+           [prepared] { Keep(voicemath::TemplateDistance((*prepared)[0], (*prepared)[1])); }},
+          {"literal", [words] { Keep(twins::CompareTemplates((*words)[0], (*words)[1])); }}};
+}
+
+std::vector<std::int16_t> LiteralEnvelope(const support::Samples& samples) {
+  std::vector<std::int16_t> envelope(samples.size() / voicemath::kBlockStep - 1);
+  for (std::size_t block = 0; block < envelope.size(); ++block) {
+    envelope[block] = twins::BlockEnvelope(
+        std::span(samples).subspan(block * voicemath::kBlockStep, voicemath::kBlockSamples));
+  }
+  return envelope;
+}
+
+void FindEnds(const support::Samples& samples) {
+  static std::vector<std::int16_t> envelope(samples.size() / voicemath::kBlockStep - 1);
+  voicemath::MeasureEnvelope(samples, envelope);
+  Keep(voicemath::LocateSpeech(envelope, kThreeSeconds));
+}
+
+void FindEndsLiterally(const support::Samples& samples) {
+  Keep(twins::LocateSpeech(LiteralEnvelope(samples), 2 * kThreeSeconds));
+}
+
+std::vector<Way> EndpointDetection() {
+  const auto samples = Shared(Utterance());
+  return {{"product", [samples] { FindEnds(*samples); }},
+          {"literal", [samples] { FindEndsLiterally(*samples); }}};
+}
+
+constexpr std::size_t kLoudFrame = 10000;
+
+std::vector<Way> Transform() {
+  const auto samples = Shared(Utterance());
+  return {{"product",
+           [samples] {
+             voicemath::Spectrum spectrum;
+             voicemath::ComputeSpectrum(
+                 std::span(*samples).subspan(kLoudFrame).first<voicemath::kFrameSamples>(),
+                 spectrum);
+             Keep(spectrum);
+           }},
+          {"literal",
+           [samples] { Keep(twins::FrameBands(std::span(*samples).subspan(kLoudFrame, 1024))); }}};
+}
+
+void MakeTemplate(const support::Samples& samples) {
+  FindEnds(samples);
+  std::array<float, kFrames * voicemath::kBandCount> features;
+  for (std::size_t frame = 0; frame < kFrames; ++frame) {
+    voicemath::BandFeatures(
+        std::span(samples).subspan(frame * voicemath::kFrameHop).first<voicemath::kFrameSamples>(),
+        std::span(features).subspan(frame * voicemath::kBandCount).first<voicemath::kBandCount>());
+  }
+  voicemath::SubtractBandMinima(features);
+  Keep(features);
+}
+
+void MakeTemplateLiterally(const support::Samples& samples) {
+  FindEndsLiterally(samples);
+  twins::Template made{.frameCount = kFrames, .values = {}};
+  for (std::size_t frame = 0; frame < kFrames; ++frame) {
+    const auto bands = twins::FrameBands(
+        std::span(samples).subspan(frame * voicemath::kFrameHop, voicemath::kFrameSamples));
+    made.values.insert(made.values.end(), bands.begin(), bands.end());
+  }
+  twins::SubtractMinima(made);
+  Keep(made);
+}
+
+std::vector<Way> WholeUtterance() {
+  const auto samples = Shared(Utterance());
+  return {{"product", [samples] { MakeTemplate(*samples); }},
+          {"literal", [samples] { MakeTemplateLiterally(*samples); }}};
+}
+
+float SearchEveryRow(const std::vector<twins::Template>& words) {
+  float sum = 0.0F;
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    float best = 100.0F;
+    for (std::size_t j = 0; j < words.size(); ++j) {
+      if (j != i) {
+        best = std::min(best, twins::CompareTemplates(words[i], words[j]));
+      }
+    }
+    sum += best;
+  }
+  return sum;
+}
+
+std::vector<Way> TestDialog() {
+  const auto words = Shared(Vocabulary());
+  const auto prepared = Shared(Prepare(*words));
+  return {{"product",
+           [prepared] {
+             std::array<voicemath::Neighbour, kTags> nearest;
+             voicemath::FindNearest(*prepared, nearest);
+             Keep(nearest);
+           }},
+          {"literal", [words] { Keep(SearchEveryRow(*words)); }}};
+}
+
+}  // namespace
+
+std::vector<Job> AllJobs() {
+  return {{"transform", Transform},
+          {"endpoint detection", EndpointDetection},
+          {"utterance", WholeUtterance},
+          {"comparison", Comparison},
+          {"test dialog", TestDialog}};
+}
+
+}  // namespace benchmarks

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "voicemath/prepared_template.h"
+#include "voicemath/template_distance.h"
+
+namespace voicemath {
+
+/// The template that is most easily confused with another one.
+struct Neighbour {
+  std::int32_t index = -1;  ///< -1 only where there is no other template.
+  DistanceBound distance;   ///< That of kMaxDistance where no template is nearer.
+};
+
+/// Finds for each template the nearest other one; of several at the same distance the one with the
+/// lowest index, which is the first other one where all are kMaxDistance away. The template in
+/// whose place the search stands counts as the first of TemplateDistance. `nearest` is as long as
+/// `templates`.
+void FindNearest(std::span<const PreparedTemplate> templates, std::span<Neighbour> nearest);
+
+}  // namespace voicemath

@@ -1,0 +1,88 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+
+#include "voicemath/constants.h"
+#include "voicemath/vector_clones.h"
+
+namespace voicemath {
+
+/// A template in the forms that comparing wants, made once when its slot is filled:
+///
+/// - the *shape*: each value times the reciprocal of the norm, rounded to float. Band by band, with
+///   the first frame repeated before it and the last one behind, kFloatLanes times each;
+/// - the *grid*: the shape on a grid of steps of 1 / kGridSteps, as whole numbers, frame by frame,
+///   once as it is, and once between repetitions of its first and its last frame. Zeros follow;
+/// - running sums of the grid, so that a frame held against many others costs no more than one.
+///
+/// The grid is missing, and IsOnGrid false, where a value of the shape is negative, no number or
+/// larger than any that a norm leaves: only templates that no recording gives have such.
+class PreparedTemplate {
+ public:
+  static constexpr std::int32_t kGridSteps = 1 << 14;
+  /// The grid may be read in blocks of so many values, its zeros included.
+  static constexpr std::size_t kGridBlock = 16;
+  /// Zeros behind the held grid, enough for kProductLanes stretches that begin a frame apart.
+  static constexpr std::size_t kHeldZeros = kGridBlock + kProductLanes * kBandCount;
+
+  /// How often the held grid repeats its ends. Enough for words of usual lengths where multiplying
+  /// is cheap; else no more than lets a shift begin outside.
+  static constexpr std::int32_t kHeldFrames = kMultipliesFast ? 64 : 1;
+
+  /// Sums over all frames before one.
+  struct GridSums {
+    std::array<std::int32_t, kBandCount> bands{};
+    std::int32_t squares = 0;
+  };
+
+  PreparedTemplate() = default;
+
+  /// Prepares `values`, frame-major, kBandCount a frame. Without memory for it the template is left
+  /// as it was and the result is false.
+  [[nodiscard]] bool Prepare(std::span<const float> values);
+
+  [[nodiscard]] std::int32_t Frames() const { return m_frames; }
+  [[nodiscard]] bool IsOnGrid() const { return m_isOnGrid; }
+  /// Square root of the number of values, rounded up.
+  [[nodiscard]] std::int32_t RootOfSize() const { return m_rootOfSize; }
+
+  /// Frame `frame` of a band's shape, which may be from -kFloatLanes up to Frames(); kFloatLanes
+  /// frames may be read from there.
+  [[nodiscard]] const float* Shape(std::size_t band, std::ptrdiff_t frame) const {
+    return m_shape.get() + static_cast<std::ptrdiff_t>(band * m_bandLength + kFloatLanes) + frame;
+  }
+  [[nodiscard]] const std::int16_t* Grid(std::int32_t frame) const {
+    return m_grid.get() + static_cast<std::size_t>(frame) * kBandCount;
+  }
+  /// `frame` may be from -kHeldFrames on. Behind kHeldFrames frames after the last are kHeldZeros.
+  [[nodiscard]] const std::int16_t* HeldGrid(std::int32_t frame) const {
+    return m_heldGrid.get() + static_cast<std::size_t>(frame + kHeldFrames) * kBandCount;
+  }
+  [[nodiscard]] const GridSums& SumsBefore(std::int32_t frame) const {
+    return m_sums[static_cast<std::size_t>(frame)];
+  }
+  /// Sum of the squares of one frame of the grid.
+  [[nodiscard]] std::int32_t Square(std::int32_t frame) const {
+    return SumsBefore(frame + 1).squares - SumsBefore(frame).squares;
+  }
+
+ private:
+  void FillShape(std::span<const float> values);
+  [[nodiscard]] bool FillGrid();
+  void FillHeldGrid();
+
+  std::int32_t m_frames = 0;
+  std::int32_t m_rootOfSize = 0;
+  std::size_t m_bandLength = 0;
+  bool m_isOnGrid = false;
+  std::unique_ptr<float[]> m_shape;
+  std::unique_ptr<std::int16_t[]> m_grid;
+  std::unique_ptr<std::int16_t[]> m_heldGrid;
+  std::unique_ptr<GridSums[]> m_sums;
+};
+
+}  // namespace voicemath
