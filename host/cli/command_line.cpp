@@ -11,6 +11,7 @@
 #include "host/cli/tags_commands.h"
 #include "host/cli/template_commands.h"
 #include "host/cli/wave_commands.h"
+#include "host/cli/window_commands.h"
 
 namespace cli {
 namespace {
@@ -29,6 +30,7 @@ constexpr const char* kFooter = R"(Examples:
   voxtrel --contacts all.vcf contacts list    whom a voice tag can be for
   voxtrel tags learn --contact "Lee Ann" --number Mobile
   voxtrel tags list                           the voice tags there are
+  voxtrel open                                the same in a window
   voxtrel registry export tags.reg            take the settings to a Windows machine
 
 Exit codes: 0 done, 1 failed with a message on standard error, 2 wrong usage.)";
@@ -38,19 +40,23 @@ void AddGlobalOptions(CLI::App& app, Options& options) {
   app.add_option("--root", options.root,
                  "Folder that stands for the device's root (default: voxtrel in the XDG data "
                  "folder)")
-      ->type_name("DIR");
+      ->type_name("DIR")
+      ->envname("VOXTREL_ROOT");
   app.add_option("--microphone", options.microphone,
                  "Record from this wave file (11,025 Hz, mono, 16 bit) and not from the microphone")
-      ->type_name("FILE");
+      ->type_name("FILE")
+      ->envname("VOXTREL_MICROPHONE");
   app.add_option("--speaker", options.speaker,
                  "Play into this wave file, in place of what it held, and not to the loudspeaker")
-      ->type_name("FILE");
+      ->type_name("FILE")
+      ->envname("VOXTREL_SPEAKER");
   app.add_option(
          "--contacts", options.contacts,
          "Address book to use from now on: eds for the desktop's, else a vCard file or a "
          "folder of them (default: the one used last, else the desktop's, else contacts.vcf "
          "in the root folder)")
-      ->type_name("eds|PATH");
+      ->type_name("eds|PATH")
+      ->envname("VOXTREL_CONTACTS");
   app.add_flag("--yes", options.yes, "Answer every confirmation with OK");
   app.add_flag("--json", options.json, "Print one JSON object on standard output");
 }
@@ -71,6 +77,7 @@ int RunCommand(int argc, const char* const* argv) {
   AddRegistryCommands(app, session);
   AddContactsCommands(app, session);
   AddTagsCommands(app, session);
+  AddWindowCommands(app, session);
 
   try {
     app.parse(argc, argv);
