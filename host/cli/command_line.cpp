@@ -20,6 +20,7 @@ constexpr int kFailed = 1;
 constexpr int kWrongUsage = 2;
 
 constexpr const char* kFooter = R"(Examples:
+  voxtrel open                                the window, in which all of this is done by clicks
   voxtrel wave record ann.wav                 say a name within three seconds
   voxtrel wave play ann.wav                   hear it
   voxtrel template learn ann.wav ann.st       find the speech, trim the file to it
@@ -30,7 +31,6 @@ constexpr const char* kFooter = R"(Examples:
   voxtrel --contacts all.vcf contacts list    whom a voice tag can be for
   voxtrel tags learn --contact "Lee Ann" --number Mobile
   voxtrel tags list                           the voice tags there are
-  voxtrel open                                the same in a window
   voxtrel registry export tags.reg            take the settings to a Windows machine
 
 Exit codes: 0 done, 1 failed with a message on standard error, 2 wrong usage.)";
@@ -71,13 +71,13 @@ int RunCommand(int argc, const char* const* argv) {
   Options options;
   AddGlobalOptions(app, options);
   Session session(options);
+  AddWindowCommands(app, session);
   AddWaveCommands(app, session);
   AddTemplateCommands(app, session);
   AddLanguageCommands(app, session);
   AddRegistryCommands(app, session);
   AddContactsCommands(app, session);
   AddTagsCommands(app, session);
-  AddWindowCommands(app, session);
 
   try {
     app.parse(argc, argv);
