@@ -12,6 +12,7 @@
 #include "host/cli/tags_commands.h"
 #include "host/cli/template_commands.h"
 #include "host/cli/wave_commands.h"
+#include "host/cli/window_commands.h"
 
 namespace cli {
 namespace {
@@ -20,6 +21,7 @@ constexpr int kFailed = 1;
 constexpr int kWrongUsage = 2;
 
 constexpr const char* kFooter = R"(Examples:
+  voxtrel open                                the window, in which all of this is done by clicks
   voxtrel wave record ann.wav                 say a name within three seconds
   voxtrel wave play ann.wav                   hear it
   voxtrel template learn ann.wav ann.st       find the speech, trim the file to it
@@ -41,19 +43,23 @@ void AddGlobalOptions(CLI::App& app, Options& options) {
   app.add_option("--root", options.root,
                  "Folder that stands for the device's root (default: voxtrel in the XDG data "
                  "folder)")
-      ->type_name("DIR");
+      ->type_name("DIR")
+      ->envname("VOXTREL_ROOT");
   app.add_option("--microphone", options.microphone,
                  "Record from this wave file (11,025 Hz, mono, 16 bit) and not from the microphone")
-      ->type_name("FILE");
+      ->type_name("FILE")
+      ->envname("VOXTREL_MICROPHONE");
   app.add_option("--speaker", options.speaker,
                  "Play into this wave file, in place of what it held, and not to the loudspeaker")
-      ->type_name("FILE");
+      ->type_name("FILE")
+      ->envname("VOXTREL_SPEAKER");
   app.add_option(
          "--contacts", options.contacts,
          "Address book to use from now on: eds for the desktop's, else a vCard file or a "
          "folder of them (default: the one used last, else the desktop's, else contacts.vcf "
          "in the root folder)")
-      ->type_name("eds|PATH");
+      ->type_name("eds|PATH")
+      ->envname("VOXTREL_CONTACTS");
   app.add_flag("--yes", options.yes, "Answer every confirmation with OK");
   app.add_flag("--json", options.json, "Print one JSON object on standard output");
 }
@@ -68,6 +74,7 @@ int RunCommand(int argc, const char* const* argv) {
   Options options;
   AddGlobalOptions(app, options);
   Session session(options);
+  AddWindowCommands(app, session);
   AddWaveCommands(app, session);
   AddTemplateCommands(app, session);
   AddLanguageCommands(app, session);

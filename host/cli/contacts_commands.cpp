@@ -65,6 +65,9 @@ void Print(const std::vector<ListedContact>& contacts) {
 }
 
 void List(Session& session) {
+  if (!session.RequireRoot()) {
+    return;
+  }
   const platform::Platform platform = session.GetPlatform();
   language::LanguageTable table;
   const bool hasLanguage = platform.files.FindFirst(storage::kLanguageFile).search != nullptr;

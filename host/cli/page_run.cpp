@@ -18,6 +18,9 @@ language::Texts LoadTexts(Session& session) {
 }
 
 void RunPage(Session& session, const std::function<void(PageRun&)>& use) {
+  if (!session.RequireRoot()) {
+    return;
+  }
   static_cast<void>(session.GetRegistry());  // Makes the root folder, below which all of it lies.
   const language::Texts texts = LoadTexts(session);
   tags::Page_one page(session.GetPlatform(), texts);

@@ -75,6 +75,9 @@ void TellStoreError(Session& session, const std::string& message) {
 }
 
 void Export(Session& session, const std::string& name) {
+  if (!session.RequireRoot()) {
+    return;
+  }
   Bytes file;
   const platform::RegistryError error = storage::WriteRegistryFile(session.GetRegistry(), file);
   if (error != platform::RegistryError::kNone) {
@@ -85,6 +88,9 @@ void Export(Session& session, const std::string& name) {
 }
 
 void Import(Session& session, const std::string& name) {
+  if (!session.RequireRoot()) {
+    return;
+  }
   const std::optional<Bytes> file = ReadFile(session, name);
   if (!file) {
     return;

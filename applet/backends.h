@@ -1,0 +1,84 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/ebook/ebook_contacts.h"
+#include "platform/posix/posix_clock.h"
+#include "platform/posix/posix_file_system.h"
+#include "platform/posix/posix_threads.h"
+#include "platform/registry.h"
+#include "platform/wave_in.h"
+#include "platform/wave_out.h"
+
+namespace applet {
+
+struct BackendOptions {
+  std::string root;        ///< Empty: the default below the XDG data folder.
+  std::string microphone;  ///< Empty: the default input of the sound server.
+  std::string speaker;     ///< Empty: the default output of the sound server.
+  std::string contacts;    ///< "eds", or a vCard file or folder; empty: the one chosen last.
+};
+
+/// Options as the environment of the process gives them: VOXTREL_ROOT, VOXTREL_MICROPHONE,
+/// VOXTREL_SPEAKER and VOXTREL_CONTACTS, empty where unset. To be called before there is a second
+/// thread.
+[[nodiscard]] BackendOptions ReadBackendOptions();
+
+/// The real back ends of this machine, each made when it is first asked for. What the user sees is
+/// not among them: every host has its own.
+class Backends {
+ public:
+  /// `options` outlive this, and are read when something is first asked for.
+  explicit Backends(const BackendOptions& options);
+  Backends(const Backends&) = delete;
+  Backends& operator=(const Backends&) = delete;
+  ~Backends();
+
+  /// Whether there is a folder to stand for the device's root: none where no option names one and
+  /// the user has no home folder. Device paths lead nowhere then.
+  [[nodiscard]] bool HasRoot() const;
+  [[nodiscard]] std::filesystem::path GetRoot() const;
+  [[nodiscard]] std::filesystem::path GetRegistryPath() const;
+
+  [[nodiscard]] platform::FileSystem& GetFiles();
+  [[nodiscard]] platform::WaveIn& GetWaveIn();
+  [[nodiscard]] platform::WaveOut& GetWaveOut();
+  [[nodiscard]] platform::Threads& GetThreads();
+  [[nodiscard]] platform::Clock& GetClock() { return m_clock; }
+
+  /// The settings below the root folder.
+  [[nodiscard]] platform::Registry& GetRegistry();
+
+  /// The user's contacts. Logging on to other ones than the recorded tags are for fails.
+  [[nodiscard]] ebook::EbookContacts& GetContacts();
+
+  /// Makes the root folder where it is missing. Where that fails, whoever needs it tells.
+  void MakeRoot() const;
+
+  /// Where a device path leads on this machine.
+  [[nodiscard]] std::string ToHostPath(std::u16string_view devicePath) const;
+
+  /// The path under which the files know a name that the user gave, relative ones from the current
+  /// folder.
+  [[nodiscard]] static std::u16string ToSystemPath(const std::string& name);
+
+ private:
+  [[nodiscard]] const std::optional<std::filesystem::path>& FindRootOnce() const;
+
+  const BackendOptions& m_options;
+  /// Looked for once: neither the environment nor the current folder moves it later.
+  mutable std::optional<std::optional<std::filesystem::path>> m_root;
+  std::unique_ptr<posix::PosixFileSystem> m_files;
+  std::unique_ptr<platform::Registry> m_registry;
+  std::unique_ptr<ebook::EbookContacts> m_contacts;
+  std::unique_ptr<platform::WaveIn> m_waveIn;
+  std::unique_ptr<platform::WaveOut> m_waveOut;
+  std::unique_ptr<posix::PosixThreads> m_threads;
+  posix::PosixClock m_clock;
+};
+
+}  // namespace applet

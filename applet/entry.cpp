@@ -1,0 +1,87 @@
+// The door of the library: the one function that it exports.
+
+#include <dlfcn.h>
+
+#include <cstdlib>
+#include <exception>
+#include <filesystem>
+#include <string>
+
+#include "applet/control_panel.h"
+#include "applet/library.h"
+#include "applet/no_window.h"
+#include "applet/qt_presentation.h"
+#include "platform/text/utf.h"
+#include "resources/pictures.h"
+
+extern "C" __attribute__((visibility("default"))) std::int32_t CPlApplet(void* parentWindow,
+                                                                         std::uint32_t message,
+                                                                         std::intptr_t lParam1,
+                                                                         std::intptr_t lParam2);
+
+namespace {
+
+static_assert(std::is_same_v<decltype(&CPlApplet), applet::CplAppletFunction>);
+
+std::string GetVariable(const char* name) {
+  // Read once, by the first message, before there is a second thread.
+  const char* value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe)
+  return value == nullptr ? std::string() : std::string(value);
+}
+
+/// The folder of this library, without the links on the way to it.
+std::filesystem::path FindOwnFolder() {
+  Dl_info found{};
+  std::error_code ignored;
+  if (::dladdr(reinterpret_cast<const void*>(&CPlApplet), &found) == 0) {
+    return {};
+  }
+  return std::filesystem::weakly_canonical(found.dli_fname, ignored).parent_path();
+}
+
+/// The help lies beside the library, be it installed or in the folder where it was built; else
+/// where the machine's programs keep their data.
+std::vector<std::string> FindHelpFolders(const xdg::Environment& environment) {
+  const std::filesystem::path own = FindOwnFolder();
+  std::vector<std::string> folders;
+  for (const char* way : {"../../share/voxtrel/help", "../share/voxtrel/help"}) {
+    folders.push_back((own / way).lexically_normal().native());
+  }
+  for (const std::string& data : environment.dataFolders) {
+    folders.push_back(data + "/voxtrel/help");
+  }
+  return folders;
+}
+
+std::span<const std::byte> GetPicture(int number) {
+  const resources::Picture* const picture = resources::FindPicture(number);
+  return picture == nullptr ? std::span<const std::byte>() : picture->svg;
+}
+
+applet::LibraryOptions ReadOptions() {
+  applet::LibraryOptions options;
+  options.backends = applet::ReadBackendOptions();
+  options.environment = xdg::ReadEnvironment();
+  options.runtimeFolder = GetVariable("XDG_RUNTIME_DIR");
+  options.activationToken = GetVariable("XDG_ACTIVATION_TOKEN");
+  options.helpFolders = FindHelpFolders(options.environment);
+  options.getPicture = GetPicture;
+  options.makePresentation = applet::MakeDesktopPresentation;
+  return options;
+}
+
+}  // namespace
+
+std::int32_t CPlApplet(void* /*parentWindow*/, std::uint32_t message, std::intptr_t lParam1,
+                       std::intptr_t lParam2) {
+  // Nothing of the system throws; a library that ran out of something does. A host knows nothing of
+  // that.
+  try {
+    // Lives until the library is unloaded, or the process ends.
+    static applet::Library library(ReadOptions());
+    return library.Answer(message, lParam1, lParam2);
+  } catch (const std::exception& error) {
+    applet::TellOnStandardError(text::FromUtf8(error.what()));
+    return 0;
+  }
+}

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "applet/about_page.h"
+#include "applet/control_panel.h"
+#include "applet/pr_shit.h"
+#include "language/texts.h"
+#include "platform/framework/application.h"
+#include "platform/module.h"
+#include "platform/platform.h"
+#include "tags/page_one.h"
+
+namespace applet {
+
+/// The applet object: one for each loaded library, for as long as that is loaded. Everything comes
+/// on the user-interface thread.
+class VoxtrelApp final : public framework::CWinApp {
+ public:
+  /// `module` is the applet's own library. It and what `platform` refers to outlive the applet.
+  VoxtrelApp(const platform::Platform& platform, platform::Module& module)
+      : m_platform(platform), m_ownModule(module) {}
+
+  /// Builds the language table, the pages and the sheet, once, before the first message.
+  bool InitInstance() override;
+
+  /// Answers a message of the control panel.
+  [[nodiscard]] std::int32_t Answer(std::uint32_t message, std::intptr_t lParam1,
+                                    std::intptr_t lParam2);
+
+ private:
+  [[nodiscard]] std::int32_t OnDoubleClick(std::intptr_t lParam1);
+  [[nodiscard]] std::int32_t OnStop(std::intptr_t lParam1);
+  void OnNewInquire(NewCplInfo& info);
+
+  const platform::Platform m_platform;
+  platform::Module& m_ownModule;
+
+  platform::Module* m_module = nullptr;  ///< Known from start-up on.
+  platform::IconHandle m_icon = platform::kNoIcon;
+  language::Texts m_texts;
+
+  // Null before start-up, and where memory ran out during it.
+  std::unique_ptr<tags::Page_one> m_learningPage;
+  std::unique_ptr<AboutPage> m_aboutPage;
+  std::unique_ptr<PrShit> m_sheet;
+};
+
+}  // namespace applet

@@ -1,0 +1,127 @@
+#include "applet/backends.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <map>
+#include <optional>
+
+#include "storage/device_paths.h"
+#include "storage/registry_keys.h"
+#include "tests/support/temp_folder.h"
+
+namespace {
+
+using applet::BackendOptions;
+
+/// Sets variables of this process, and puts back what they were.
+class Environment {
+ public:
+  ~Environment() {
+    for (const auto& [name, value] : m_old) {
+      Put(name, value);
+    }
+  }
+
+  void Set(const std::string& name, const std::optional<std::string>& value) {
+    const char* old = std::getenv(name.c_str());
+    m_old.try_emplace(name, old == nullptr ? std::nullopt : std::optional<std::string>(old));
+    Put(name, value);
+  }
+
+ private:
+  static void Put(const std::string& name, const std::optional<std::string>& value) {
+    value ? ::setenv(name.c_str(), value->c_str(), 1) : ::unsetenv(name.c_str());
+  }
+
+  std::map<std::string, std::optional<std::string>> m_old;
+};
+
+class Backends : public testing::Test {
+ protected:
+  Backends() {
+    m_environment.Set("XDG_DATA_HOME", std::nullopt);
+    m_environment.Set("HOME", m_folder.Path().string());
+  }
+
+  support::TempFolder m_folder;
+  Environment m_environment;
+  BackendOptions m_options;
+};
+
+TEST_F(Backends, TheRootLiesInTheUsersDataFolder) {
+  EXPECT_EQ(applet::Backends(m_options).GetRoot(), m_folder.Path() / ".local/share/voxtrel");
+  m_environment.Set("XDG_DATA_HOME", "/data");
+  EXPECT_EQ(applet::Backends(m_options).GetRoot(), "/data/voxtrel");
+}
+
+TEST_F(Backends, ARelativeDataFolderDoesNotCount) {
+  m_environment.Set("XDG_DATA_HOME", "data");
+  EXPECT_EQ(applet::Backends(m_options).GetRoot(), m_folder.Path() / ".local/share/voxtrel");
+}
+
+TEST_F(Backends, AUserWithoutAHomeHasNoRoot) {
+  for (const auto& home : {std::optional<std::string>(), std::optional<std::string>(""),
+                           std::optional<std::string>("home")}) {
+    m_environment.Set("HOME", home);
+    applet::Backends backends(m_options);
+    EXPECT_FALSE(backends.HasRoot()) << home.value_or("unset");
+    backends.MakeRoot();
+    EXPECT_NE(backends.GetFiles().CreateFolder(storage::kProgramFilesFolder),
+              platform::FileError::kNone);
+    EXPECT_FALSE(backends.GetRegistry().CreateKey(u"Software\\Zedra\\Zedra Voxtrel").key);
+  }
+}
+
+TEST_F(Backends, ARootThatIsNamedCountsFirst) {
+  m_environment.Set("HOME", std::nullopt);
+  m_options.root = (m_folder.Path() / "root").string();
+  const applet::Backends backends(m_options);
+  EXPECT_TRUE(backends.HasRoot());
+  EXPECT_EQ(backends.GetRoot(), m_folder.Path() / "root");
+  EXPECT_EQ(backends.GetRegistryPath().parent_path(), backends.GetRoot());
+}
+
+TEST_F(Backends, ARelativeRootIsMeantFromTheCurrentFolder) {
+  m_options.root = "root";
+  EXPECT_EQ(applet::Backends(m_options).GetRoot(), std::filesystem::current_path() / "root");
+}
+
+TEST_F(Backends, KeepTheRootThatWasFoundFirst) {
+  const applet::Backends backends(m_options);
+  const std::filesystem::path root = backends.GetRoot();
+  m_environment.Set("HOME", "/elsewhere");
+  EXPECT_EQ(backends.GetRoot(), root);
+}
+
+TEST_F(Backends, FilesAndSettingsLieBelowTheRoot) {
+  m_options.root = (m_folder.Path() / "root").string();
+  applet::Backends backends(m_options);
+  backends.MakeRoot();
+  ASSERT_EQ(backends.GetFiles().CreateFolder(storage::kProgramFilesFolder),
+            platform::FileError::kNone);
+  EXPECT_TRUE(std::filesystem::is_directory(m_folder.Path() / "root/Program Files"));
+  EXPECT_EQ(backends.ToHostPath(storage::kProgramFilesFolder), m_options.root + "/Program Files");
+  ASSERT_TRUE(backends.GetRegistry().OpenKey(storage::kSetupKey).key);
+  EXPECT_TRUE(std::filesystem::exists(backends.GetRegistryPath()));
+}
+
+TEST_F(Backends, TakeTheirOptionsFromTheEnvironment) {
+  m_environment.Set("VOXTREL_ROOT", "/r");
+  m_environment.Set("VOXTREL_MICROPHONE", "m.wav");
+  m_environment.Set("VOXTREL_SPEAKER", "s.wav");
+  m_environment.Set("VOXTREL_CONTACTS", std::nullopt);
+  const BackendOptions options = applet::ReadBackendOptions();
+  EXPECT_EQ(options.root, "/r");
+  EXPECT_EQ(options.microphone, "m.wav");
+  EXPECT_EQ(options.speaker, "s.wav");
+  EXPECT_EQ(options.contacts, "");
+}
+
+TEST_F(Backends, AMicrophoneFileTakesThePlaceOfTheMicrophone) {
+  m_options.microphone = std::string(VOXTREL_SAMPLES_DIR) + "/anna_1.wav";
+  applet::Backends backends(m_options);
+  EXPECT_EQ(backends.GetWaveIn().GetDeviceCount(), 1U);
+}
+
+}  // namespace

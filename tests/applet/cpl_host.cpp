@@ -1,0 +1,75 @@
+// A control panel of the smallest kind: asks the library at argv[1] for its name and icon, and
+// double-clicks it argv[2] times. With windows, each sheet is closed as soon as it is shown.
+
+#include <dlfcn.h>
+#include <unistd.h>
+
+#include <QApplication>
+#include <QTimer>
+#include <QWidget>
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#include "applet/control_panel.h"
+
+namespace {
+
+using applet::CplMessage;
+
+std::string ReadIcon(applet::IconHandle icon) {
+  std::array<char, 5> begin{};
+  const ssize_t length = ::pread(static_cast<int>(icon), begin.data(), begin.size(), 0);
+  return std::string(begin.data(), static_cast<std::size_t>(length < 0 ? 0 : length));
+}
+
+/// Closes whatever window is shown, and says its title.
+void CloseWindows() {
+  for (QWidget* const window : QApplication::topLevelWidgets()) {
+    if (window->isVisible()) {
+      std::printf("shown %s\n", window->windowTitle().toUtf8().constData());
+      window->close();
+    }
+  }
+}
+
+int Run(applet::CplAppletFunction entry, int openings) {
+  const auto send = [entry](CplMessage message, std::intptr_t first = 0, std::intptr_t second = 0) {
+    return entry(nullptr, static_cast<std::uint32_t>(message), first, second);
+  };
+  applet::NewCplInfo info;
+  std::printf("init %d count %d\n", send(CplMessage::kInit), send(CplMessage::kGetCount));
+  send(CplMessage::kNewInquire, 0, reinterpret_cast<std::intptr_t>(&info));
+  std::printf("icon %s\n", ReadIcon(info.hIcon).c_str());
+  for (int i = 0; i < openings; ++i) {
+    std::printf("opened %d\n", send(CplMessage::kDblClk, 0, info.lData));
+  }
+  std::printf("stop %d exit %d\n", send(CplMessage::kStop), send(CplMessage::kExit));
+  std::printf("icon %s\n", ReadIcon(info.hIcon).c_str());
+  return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 3) {
+    return 2;
+  }
+  std::unique_ptr<QApplication> application;
+  QTimer timer;
+  if (std::getenv("QT_QPA_PLATFORM") != nullptr) {
+    application = std::make_unique<QApplication>(argc, argv);
+    QObject::connect(&timer, &QTimer::timeout, CloseWindows);
+    timer.start(1);
+  }
+  void* const library = ::dlopen(argv[1], RTLD_NOW | RTLD_LOCAL);
+  void* const entry = library == nullptr ? nullptr : ::dlsym(library, applet::kCplAppletName);
+  if (entry == nullptr) {
+    std::fprintf(stderr, "%s\n", ::dlerror());
+    return 3;
+  }
+  const int result = Run(reinterpret_cast<applet::CplAppletFunction>(entry), std::atoi(argv[2]));
+  ::dlclose(library);
+  return result;
+}
