@@ -10,7 +10,7 @@ declare -A groups=(
   [build]='
     g++ cmake ninja-build pkg-config
     libcli11-dev libebook-contacts1.2-dev libebook1.2-dev libfmt-dev libicu-dev libpulse-dev
-    libsqlite3-dev nlohmann-json3-dev
+    librsvg2-bin libsqlite3-dev nlohmann-json3-dev qt6-base-dev qt6-svg-dev
   '
   # To build and run the tests with one compiler.
   [test]='
