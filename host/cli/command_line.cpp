@@ -8,6 +8,7 @@
 #include "host/cli/output.h"
 #include "host/cli/registry_commands.h"
 #include "host/cli/session.h"
+#include "host/cli/status_commands.h"
 #include "host/cli/tags_commands.h"
 #include "host/cli/template_commands.h"
 #include "host/cli/wave_commands.h"
@@ -29,6 +30,7 @@ constexpr const char* kFooter = R"(Examples:
   voxtrel --contacts all.vcf contacts list    whom a voice tag can be for
   voxtrel tags learn --contact "Lee Ann" --number Mobile
   voxtrel tags list                           the voice tags there are
+  voxtrel status                              what is missing on this machine
   voxtrel registry export tags.reg            take the settings to a Windows machine
 
 Exit codes: 0 done, 1 failed with a message on standard error, 2 wrong usage.)";
@@ -71,6 +73,7 @@ int RunCommand(int argc, const char* const* argv) {
   AddRegistryCommands(app, session);
   AddContactsCommands(app, session);
   AddTagsCommands(app, session);
+  AddStatusCommands(app, session);
 
   try {
     app.parse(argc, argv);

@@ -235,11 +235,12 @@ TEST_F(Panel, ClosesWhileAnAppletStaysOpen) {
   ASSERT_TRUE(Until([&] { return trace.Lines().contains(QStringLiteral("shown")); }));
   m_window->close();
   EXPECT_FALSE(m_window->isVisible());
-  EXPECT_FALSE(trace.Lines().contains(QStringLiteral("7 0 0")));
+  const auto ends = [&] { return trace.Lines().count(QStringLiteral("7 0 0")); };
+  EXPECT_EQ(ends(), 1) << "of the process that asked, not of the one that is open";
   trace.Leave();
   // The panel ends with the last applet.
   EXPECT_EQ(QApplication::exec(), 0);
-  EXPECT_TRUE(trace.Lines().contains(QStringLiteral("7 0 0")));
+  EXPECT_EQ(ends(), 2);
 }
 
 }  // namespace
