@@ -15,7 +15,7 @@ declare -A groups=(
   # To build and run the tests with one compiler.
   [test]='
     git googletest libgmock-dev libgtest-dev
-    dbus espeak-ng evolution-data-server pulseaudio pulseaudio-utils sox sqlite3
+    dbus desktop-file-utils espeak-ng evolution-data-server pulseaudio pulseaudio-utils sox sqlite3
   '
   # The other compilers, the sanitizers, the analysers and the benchmarks.
   [check]='

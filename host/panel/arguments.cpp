@@ -37,18 +37,23 @@ std::variant<Arguments, int> ParseArguments(int argc, const char* const* argv) {
                      "looked for among the installed ones")
           ->type_name("FILE")
           ->excludes(places);
-  // What follows the panel says to itself.
+  // What follows is for programs: mostly the panel says it to itself.
   std::string inquired;
   app.add_option("--inquire", inquired)->group("")->excludes(places)->excludes(open);
   app.add_option("--number", arguments.number)->group("")->needs(open);
   app.add_flag("--watched", arguments.isWatched)->group("")->needs(open);
+
+  bool isProbe = false;
+  app.add_flag("--probe", isProbe)->group("");
 
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? 0 : kWrongUsage;
   }
-  if (open->count() > 0) {
+  if (isProbe) {
+    arguments.mode = Mode::kProbe;
+  } else if (open->count() > 0) {
     arguments.mode = Mode::kOpen;
   } else if (!inquired.empty()) {
     arguments.mode = Mode::kInquire;

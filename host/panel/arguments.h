@@ -10,6 +10,7 @@ namespace panel {
 enum class Mode : std::uint8_t {
   kShow,     ///< The control panel's window.
   kOpen,     ///< One applet, in this process.
+  kProbe,    ///< Nothing but to tell by the exit code whether there is a display.
   kInquire,  ///< Tell name and icon of a library's applets on standard output.
 };
 

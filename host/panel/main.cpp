@@ -62,5 +62,12 @@ int main(int argc, char** argv) {
   qInstallMessageHandler(usual);
   QApplication::setApplicationName(QStringLiteral("voxtrel-panel"));
   QGuiApplication::setDesktopFileName(QStringLiteral("voxtrel-panel"));
-  return arguments.mode == panel::Mode::kOpen ? panel::RunOpener(arguments) : Show(arguments);
+  switch (arguments.mode) {
+    case panel::Mode::kOpen:
+      return panel::RunOpener(arguments);
+    case panel::Mode::kShow:
+      return Show(arguments);
+    default:
+      return 0;  // Got as far as here, so there is a display.
+  }
 }

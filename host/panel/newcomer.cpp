@@ -4,11 +4,40 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QStandardPaths>
+#include <array>
 #include <utility>
 
 #include "host/panel/places.h"
 
 namespace panel {
+namespace {
+
+/// Where contacts are read from that nobody has chosen.
+QString DefaultContacts() {
+  const QString root = qEnvironmentVariable("VOXTREL_ROOT");
+  return (root.isEmpty() ? QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
+                               QStringLiteral("/voxtrel")
+                         : root) +
+         QStringLiteral("/contacts.vcf");
+}
+
+/// What the applet takes from the environment, as the command line takes it.
+QStringList StatusArguments() {
+  QStringList arguments{QStringLiteral("--json")};
+  constexpr std::array<std::pair<const char*, const char*>, 3> kOptions{
+      {{"VOXTREL_ROOT", "--root"},
+       {"VOXTREL_CONTACTS", "--contacts"},
+       {"VOXTREL_MICROPHONE", "--microphone"}}};
+  for (const auto& [variable, option] : kOptions) {
+    const QString value = qEnvironmentVariable(variable);
+    if (!value.isEmpty()) {
+      arguments.append({QLatin1String(option), value});
+    }
+  }
+  return arguments << QStringLiteral("status");
+}
+
+}  // namespace
 
 std::optional<Equipment> ParseEquipment(const QByteArray& json) {
   const QJsonObject object = QJsonDocument::fromJson(json).object();
@@ -24,11 +53,14 @@ std::optional<Equipment> ParseEquipment(const QByteArray& json) {
 
 QString DescribeMissing(const Equipment& equipment) {
   QStringList lines;
-  if (equipment.contacts == 0) {
-    lines.append(
-        QObject::tr("No contacts were found. Add people with telephone numbers to the "
-                    "desktop's address book, or save them as vCards in ~/.local/share/"
-                    "voxtrel/contacts.vcf."));
+  const bool isChoiceAtFault = !equipment.contactsProblem.isEmpty() &&
+                               !equipment.contactsProblem.startsWith(QLatin1String("there are no"));
+  if (equipment.contacts == 0 && isChoiceAtFault) {
+    lines.append(QObject::tr("No contacts could be read: %1.").arg(equipment.contactsProblem));
+  } else if (equipment.contacts == 0) {
+    lines.append(QObject::tr("No contacts were found. Add people with telephone numbers to the "
+                             "desktop's address book, or save them as vCards in %1.")
+                     .arg(DefaultContacts()));
   }
   if (equipment.microphones == 0) {
     lines.append(
@@ -49,7 +81,7 @@ EquipmentCheck::EquipmentCheck(const QString& commandLine,
   if (!commandLine.isEmpty()) {
     m_process.setStandardErrorFile(QProcess::nullDevice());
     m_process.setStandardInputFile(QProcess::nullDevice());
-    m_process.start(commandLine, {QStringLiteral("--json"), QStringLiteral("status")});
+    m_process.start(commandLine, StatusArguments());
   }
 }
 

@@ -28,6 +28,8 @@ TEST(Equipment, ThatIsMissingIsNamedWithWhatHelps) {
   const QString both = panel::DescribeMissing({0, {}, 0});
   EXPECT_TRUE(both.contains(QStringLiteral("No contacts were found. Add people")));
   EXPECT_TRUE(both.contains(QStringLiteral("No microphone was found. Plug one in")));
+  EXPECT_EQ(panel::DescribeMissing({0, QStringLiteral("the file is gone"), 1}),
+            QStringLiteral("No contacts could be read: the file is gone."));
   EXPECT_FALSE(panel::DescribeMissing({0, {}, 1}).contains(QStringLiteral("microphone")));
   EXPECT_FALSE(panel::DescribeMissing({1, {}, 0}).contains(QStringLiteral("contacts")));
 }

@@ -52,6 +52,12 @@ TEST(PanelProgram, SaysThatTheDisplayCannotBeReached) {
   ExpectWordsOfNoDisplay(RunPanel({}, environment));
 }
 
+TEST(PanelProgram, TellsByItsExitCodeWhetherThereIsADisplay) {
+  const QStringList probe{QStringLiteral("--probe")};
+  EXPECT_EQ(RunPanel(probe, QProcessEnvironment::systemEnvironment()).code, 0);
+  EXPECT_EQ(RunPanel(probe, WithoutDisplay()).code, 1);
+}
+
 TEST(PanelProgram, NeedsNoDisplayForItsHelp) {
   const Outcome help = RunPanel({QStringLiteral("--help")}, WithoutDisplay());
   EXPECT_EQ(help.code, 0);
