@@ -71,6 +71,7 @@ void PanelWindow::BuildCentre() {
   m_list->setWordWrap(true);
   m_list->setFrameShape(QFrame::NoFrame);
   m_list->setSpacing(4);
+  m_list->setStyleSheet(QStringLiteral("QListWidget { padding: 12px 8px; }"));
   connect(m_list, &QListWidget::itemActivated, this, &PanelWindow::OpenCurrent);
   connect(m_list, &QListWidget::currentItemChanged, this, &PanelWindow::DescribeCurrent);
 
