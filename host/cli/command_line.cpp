@@ -9,6 +9,7 @@
 #include "host/cli/output.h"
 #include "host/cli/registry_commands.h"
 #include "host/cli/session.h"
+#include "host/cli/status_commands.h"
 #include "host/cli/tags_commands.h"
 #include "host/cli/template_commands.h"
 #include "host/cli/wave_commands.h"
@@ -34,6 +35,7 @@ constexpr const char* kFooter = R"(Examples:
   voxtrel tags list                           the voice tags there are
   voxtrel connection set port=COM1: baud-rate=115200
                                               the dialer's serial port
+  voxtrel status                              what is missing on this machine
   voxtrel registry export tags.reg            take the settings to a Windows machine
 
 Exit codes: 0 done, 1 failed with a message on standard error, 2 wrong usage.)";
@@ -82,6 +84,7 @@ int RunCommand(int argc, const char* const* argv) {
   AddContactsCommands(app, session);
   AddTagsCommands(app, session);
   AddConnectionCommands(app, session);
+  AddStatusCommands(app, session);
 
   try {
     app.parse(argc, argv);

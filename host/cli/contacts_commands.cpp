@@ -18,31 +18,6 @@ namespace {
 
 using Problem = ebook::EbookContacts::Problem;
 
-/// What a user can do about a log-on that failed.
-std::string Explain(Session& session) {
-  switch (session.GetContacts().GetProblem()) {
-    case Problem::kStore:
-      return fmt::format("the settings in {} cannot be read or written",
-                         session.GetRegistryPath().string());
-    case Problem::kNoServer:
-      return "the desktop's address books do not answer; choose a vCard file with --contacts FILE";
-    case Problem::kUnreadable:
-      return "the chosen address book is missing or cannot be read to its end; choose another one "
-             "with --contacts eds or --contacts FILE";
-    case Problem::kNothingChosen:
-      return fmt::format(
-          "there are no contacts: the desktop has none, and there is no {}. Put your contacts "
-          "there as vCards, or choose them with --contacts FILE",
-          (session.GetRegistryPath().parent_path() / "contacts.vcf").string());
-    case Problem::kTagsElsewhere:
-      return "voice tags belong to contacts that this address book does not have; nothing was "
-             "changed. Choose the address book they were recorded with, or delete the tags";
-    case Problem::kNone:
-      break;
-  }
-  return "the contacts cannot be read";
-}
-
 Json ToJson(const ListedContact& contact) {
   Json numbers = Json::array();
   for (const std::u16string& number : contact.numbers) {
@@ -79,7 +54,7 @@ void List(Session& session) {
   platform::ContactsStore& store = session.GetContacts();
   if (const auto failure = tags::OpenContacts(store, platform.clock)) {
     platform.ui.ShowMessage(tags::ToBox(*failure, texts));
-    session.Fail(Explain(session));
+    session.Fail(ExplainContactsProblem(session));
     return;
   }
   std::vector<ListedContact> contacts;
@@ -101,6 +76,30 @@ void List(Session& session) {
 }
 
 }  // namespace
+
+std::string ExplainContactsProblem(Session& session) {
+  switch (session.GetContacts().GetProblem()) {
+    case Problem::kStore:
+      return fmt::format("the settings in {} cannot be read or written",
+                         session.GetRegistryPath().string());
+    case Problem::kNoServer:
+      return "the desktop's address books do not answer; choose a vCard file with --contacts FILE";
+    case Problem::kUnreadable:
+      return "the chosen address book is missing or cannot be read to its end; choose another one "
+             "with --contacts eds or --contacts FILE";
+    case Problem::kNothingChosen:
+      return fmt::format(
+          "there are no contacts: the desktop has none, and there is no {}. Put your contacts "
+          "there as vCards, or choose them with --contacts FILE",
+          (session.GetRegistryPath().parent_path() / "contacts.vcf").string());
+    case Problem::kTagsElsewhere:
+      return "voice tags belong to contacts that this address book does not have; nothing was "
+             "changed. Choose the address book they were recorded with, or delete the tags";
+    case Problem::kNone:
+      break;
+  }
+  return "the contacts cannot be read";
+}
 
 void AddContactsCommands(CLI::App& app, Session& session) {
   CLI::App* contacts = app.add_subcommand("contacts", "The contacts that voice tags are for");

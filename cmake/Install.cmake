@@ -1,0 +1,45 @@
+# Where everything stands once it is installed. Each program finds the rest from its own place, so
+# that the whole can be moved.
+#
+#   bin/voxtrel, bin/voxtrel-panel
+#   lib/voxtrel/voxtrel.cpl
+#   share/voxtrel/{help,languages,samples}
+#   share/applications, share/icons: what a desktop shows
+
+install(TARGETS voxtrel voxtrel-panel RUNTIME DESTINATION bin)
+if(TARGET voxtrel_cpl)
+  install(TARGETS voxtrel_cpl LIBRARY DESTINATION lib/voxtrel)
+endif()
+
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/resources/help" DESTINATION share/voxtrel)
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/resources/languages" DESTINATION share/voxtrel)
+install(
+  DIRECTORY "${PROJECT_SOURCE_DIR}/samples"
+  DESTINATION share/voxtrel
+  FILES_MATCHING
+  PATTERN "*.wav"
+  PATTERN "*.vcf")
+
+find_program(RSVG_CONVERT rsvg-convert REQUIRED)
+file(GLOB drawings CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/resources/pictures/*.svg")
+set(rendered "${PROJECT_BINARY_DIR}/rendered")
+add_custom_command(
+  OUTPUT "${rendered}/stamp"
+  COMMAND "${PROJECT_SOURCE_DIR}/tools/render_pictures.sh" "${rendered}"
+  COMMAND ${CMAKE_COMMAND} -E touch "${rendered}/stamp"
+  DEPENDS ${drawings} "${PROJECT_SOURCE_DIR}/tools/render_pictures.sh"
+  VERBATIM)
+add_custom_target(rendered_pictures ALL DEPENDS "${rendered}/stamp")
+install(DIRECTORY "${rendered}/icons" DESTINATION share)
+install(FILES "${PROJECT_SOURCE_DIR}/host/panel/voxtrel-panel.desktop"
+        DESTINATION share/applications)
+
+# The same places beside the programs of the build tree.
+file(MAKE_DIRECTORY "${PROJECT_BINARY_DIR}/share/voxtrel")
+foreach(folder IN ITEMS languages samples)
+  set(source "${PROJECT_SOURCE_DIR}/${folder}")
+  if(folder STREQUAL "languages")
+    set(source "${PROJECT_SOURCE_DIR}/resources/languages")
+  endif()
+  file(CREATE_LINK "${source}" "${PROJECT_BINARY_DIR}/share/voxtrel/${folder}" SYMBOLIC)
+endforeach()

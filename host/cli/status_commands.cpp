@@ -1,0 +1,62 @@
+#include "host/cli/status_commands.h"
+
+#include <fmt/format.h>
+
+#include <string>
+#include <vector>
+
+#include "host/cli/contact_lists.h"
+#include "host/cli/contacts_commands.h"
+#include "host/cli/output.h"
+#include "tags/contact_opening.h"
+
+namespace cli {
+namespace {
+
+struct FoundContacts {
+  std::size_t count = 0;  ///< Of those with a telephone number.
+  std::string problem;    ///< Why there are none; empty where there are.
+};
+
+FoundContacts FindContacts(Session& session) {
+  const platform::Platform platform = session.GetPlatform();
+  platform::ContactsStore& store = session.GetContacts();
+  if (tags::OpenContacts(store, platform.clock)) {
+    return {0, ExplainContactsProblem(session)};
+  }
+  std::vector<ListedContact> contacts;
+  if (!ListContacts(store, platform.ui, language::Texts(nullptr), contacts)) {
+    return {0, "the contacts cannot be listed"};
+  }
+  return {contacts.size(), contacts.empty() ? "no contact has a telephone number" : ""};
+}
+
+void Tell(const FoundContacts& contacts, std::uint32_t microphones) {
+  PrintLine(contacts.count > 0 ? fmt::format("Contacts with a telephone number: {}", contacts.count)
+                               : fmt::format("No contacts: {}.", contacts.problem));
+  PrintLine(microphones > 0
+                ? fmt::format("Microphones: {}", microphones)
+                : "No microphone: plug one in, or switch it on in the desktop's sound settings; "
+                  "--microphone FILE records from a wave file.");
+}
+
+/// What is missing is what was asked for, so that it is no failure.
+void ShowStatus(Session& session) {
+  const FoundContacts contacts = FindContacts(session);
+  const std::uint32_t microphones = session.GetPlatform().waveIn.GetDeviceCount();
+  if (session.GetOptions().json) {
+    PrintJson({{"contacts", {{"count", contacts.count}, {"problem", contacts.problem}}},
+               {"microphones", microphones}});
+  } else {
+    Tell(contacts, microphones);
+  }
+}
+
+}  // namespace
+
+void AddStatusCommands(CLI::App& app, Session& session) {
+  app.add_subcommand("status", "What this machine has of what learning a name needs")
+      ->callback([&session] { ShowStatus(session); });
+}
+
+}  // namespace cli

@@ -1,0 +1,47 @@
+#include "host/panel/applet_library.h"
+
+#include <dlfcn.h>
+
+#include <utility>
+
+namespace panel {
+namespace {
+
+std::string LatestProblem() {
+  // Each process of the panel that loads an applet has one thread at that time.
+  const char* text = ::dlerror();  // NOLINT(concurrency-mt-unsafe)
+  return text == nullptr ? "the reason is not known" : text;
+}
+
+}  // namespace
+
+std::unique_ptr<AppletLibrary> AppletLibrary::Load(const std::string& path, std::string& problem) {
+  // A name without a slash would be looked for where the system keeps its libraries.
+  const bool hasFolder = path.find('/') != std::string::npos;
+  Handle handle(::dlopen((hasFolder ? path : "./" + path).c_str(), RTLD_NOW | RTLD_LOCAL));
+  if (!handle) {
+    problem = "cannot be loaded: " + LatestProblem();
+    return nullptr;
+  }
+  const auto function =
+      reinterpret_cast<applet::CplAppletFunction>(::dlsym(handle.get(), applet::kCplAppletName));
+  if (function == nullptr) {
+    problem = std::string("is no applet: it has no ") + applet::kCplAppletName;
+    return nullptr;
+  }
+  return std::unique_ptr<AppletLibrary>(new AppletLibrary(std::move(handle), function));
+}
+
+AppletLibrary::AppletLibrary(Handle handle, applet::CplAppletFunction function)
+    : m_handle(std::move(handle)), m_function(function) {}
+
+std::int32_t AppletLibrary::Send(applet::CplMessage message, std::intptr_t lParam1,
+                                 std::intptr_t lParam2) const {
+  return m_function(nullptr, static_cast<std::uint32_t>(message), lParam1, lParam2);
+}
+
+void AppletLibrary::Release::operator()(void* library) const {
+  static_cast<void>(::dlclose(library));
+}
+
+}  // namespace panel

@@ -1,0 +1,73 @@
+#include <QApplication>
+#include <QCoreApplication>
+#include <cstdio>
+#include <cstdlib>
+
+#include "host/panel/arguments.h"
+#include "host/panel/inquiry_process.h"
+#include "host/panel/opener_process.h"
+#include "host/panel/panel_window.h"
+#include "host/panel/places.h"
+
+namespace {
+
+constexpr int kNoDisplay = 1;
+
+/// Without a usable display the library ends the process as a crash would. Ends it in an orderly
+/// way instead, with words that help.
+void TellOfNoDisplay(QtMsgType type, const QMessageLogContext& /*context*/,
+                     const QString& /*text*/) {
+  if (type != QtFatalMsg) {
+    return;
+  }
+  static_cast<void>(std::fputs(
+      "voxtrel-panel: There is no display to open a window on. Start it on a desktop, or set "
+      "DISPLAY or WAYLAND_DISPLAY to one that this user may use. Without a display, the command "
+      "line does the same work: voxtrel --help\n",
+      stderr));
+  std::_Exit(kNoDisplay);
+}
+
+int Show(const panel::Arguments& arguments) {
+  panel::PanelWindow::Settings settings;
+  settings.program = QCoreApplication::applicationFilePath();
+  settings.commandLine = panel::FindCommandLine();
+  for (const std::string& place : arguments.places) {
+    settings.places.append(QString::fromStdString(place));
+  }
+  if (settings.places.isEmpty()) {
+    settings.places = panel::AppletFolders();
+  }
+  panel::PanelWindow window(settings);
+  window.show();
+  // The window may be closed before the applets that it opened.
+  QApplication::setQuitOnLastWindowClosed(false);
+  return QApplication::exec();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const auto parsed = panel::ParseArguments(argc, argv);
+  if (const int* exitCode = std::get_if<int>(&parsed)) {
+    return *exitCode;
+  }
+  const auto& arguments = std::get<panel::Arguments>(parsed);
+  if (arguments.mode == panel::Mode::kInquire) {
+    return panel::RunInquiry(arguments.applet);
+  }
+  int ownArguments = 1;  // The rest was the panel's.
+  const QtMessageHandler usual = qInstallMessageHandler(TellOfNoDisplay);
+  const QApplication application(ownArguments, argv);
+  qInstallMessageHandler(usual);
+  QApplication::setApplicationName(QStringLiteral("voxtrel-panel"));
+  QGuiApplication::setDesktopFileName(QStringLiteral("voxtrel-panel"));
+  switch (arguments.mode) {
+    case panel::Mode::kOpen:
+      return panel::RunOpener(arguments);
+    case panel::Mode::kShow:
+      return Show(arguments);
+    default:
+      return 0;  // Got as far as here, so there is a display.
+  }
+}

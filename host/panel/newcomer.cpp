@@ -1,0 +1,120 @@
+#include "host/panel/newcomer.h"
+
+#include <QDir>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QStandardPaths>
+#include <array>
+#include <utility>
+
+#include "host/panel/places.h"
+
+namespace panel {
+namespace {
+
+/// Where contacts are read from that nobody has chosen.
+QString DefaultContacts() {
+  const QString root = qEnvironmentVariable("VOXTREL_ROOT");
+  return (root.isEmpty() ? QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
+                               QStringLiteral("/voxtrel")
+                         : root) +
+         QStringLiteral("/contacts.vcf");
+}
+
+/// What the applet takes from the environment, as the command line takes it.
+QStringList StatusArguments() {
+  QStringList arguments{QStringLiteral("--json")};
+  constexpr std::array<std::pair<const char*, const char*>, 3> kOptions{
+      {{"VOXTREL_ROOT", "--root"},
+       {"VOXTREL_CONTACTS", "--contacts"},
+       {"VOXTREL_MICROPHONE", "--microphone"}}};
+  for (const auto& [variable, option] : kOptions) {
+    const QString value = qEnvironmentVariable(variable);
+    if (!value.isEmpty()) {
+      arguments.append({QLatin1String(option), value});
+    }
+  }
+  return arguments << QStringLiteral("status");
+}
+
+}  // namespace
+
+std::optional<Equipment> ParseEquipment(const QByteArray& json) {
+  const QJsonObject object = QJsonDocument::fromJson(json).object();
+  const QJsonObject contacts = object[QStringLiteral("contacts")].toObject();
+  const QJsonValue count = contacts[QStringLiteral("count")];
+  const QJsonValue microphones = object[QStringLiteral("microphones")];
+  if (!count.isDouble() || !microphones.isDouble()) {
+    return std::nullopt;
+  }
+  return Equipment{count.toInt(), contacts[QStringLiteral("problem")].toString(),
+                   microphones.toInt()};
+}
+
+QString DescribeMissing(const Equipment& equipment) {
+  QStringList lines;
+  const bool isChoiceAtFault = !equipment.contactsProblem.isEmpty() &&
+                               !equipment.contactsProblem.startsWith(QLatin1String("there are no"));
+  if (equipment.contacts == 0 && isChoiceAtFault) {
+    lines.append(QObject::tr("No contacts could be read: %1.").arg(equipment.contactsProblem));
+  } else if (equipment.contacts == 0) {
+    lines.append(QObject::tr("No contacts were found. Add people with telephone numbers to the "
+                             "desktop's address book, or save them as vCards in %1.")
+                     .arg(DefaultContacts()));
+  }
+  if (equipment.microphones == 0) {
+    lines.append(
+        QObject::tr("No microphone was found. Plug one in, or switch it on in the "
+                    "desktop's sound settings."));
+  }
+  return lines.join(QLatin1Char('\n'));
+}
+
+EquipmentCheck::EquipmentCheck(const QString& commandLine,
+                               std::function<void(const Equipment& equipment)> answer) {
+  QObject::connect(&m_process, &QProcess::finished, &m_process,
+                   [this, answer = std::move(answer)](int, QProcess::ExitStatus) {
+                     if (const auto equipment = ParseEquipment(m_process.readAllStandardOutput())) {
+                       answer(*equipment);
+                     }
+                   });
+  if (!commandLine.isEmpty()) {
+    m_process.setStandardErrorFile(QProcess::nullDevice());
+    m_process.setStandardInputFile(QProcess::nullDevice());
+    m_process.start(commandLine, StatusArguments());
+  }
+}
+
+EquipmentCheck::~EquipmentCheck() {
+  m_process.disconnect();
+  if (m_process.state() != QProcess::NotRunning) {
+    m_process.kill();
+    m_process.waitForFinished();
+  }
+}
+
+std::vector<Sample> FindSamples() {
+  std::vector<Sample> samples;
+  const QDir folder(FindData(QStringLiteral("samples")));
+  const QString ending = QStringLiteral("_1.wav");  // The first of three recordings of a name.
+  if (FindData(QStringLiteral("samples")).isEmpty()) {
+    return samples;
+  }
+  for (const QString& file : folder.entryList({u'*' + ending}, QDir::Files, QDir::Name)) {
+    QString name = file.chopped(ending.size());
+    name.replace(0, 1, name.at(0).toUpper());
+    samples.push_back({name, folder.absoluteFilePath(file)});
+  }
+  return samples;
+}
+
+QStringList SampleEnvironment(const QString& recording) {
+  const QString root = QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) +
+                       QStringLiteral("/voxtrel/samples");
+  static_cast<void>(QDir().mkpath(root));
+  return {QStringLiteral("VOXTREL_ROOT=") + root,
+          QStringLiteral("VOXTREL_CONTACTS=") + FindData(QStringLiteral("samples/contacts.vcf")),
+          QStringLiteral("VOXTREL_MICROPHONE=") + recording};
+}
+
+}  // namespace panel

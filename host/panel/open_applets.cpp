@@ -1,0 +1,145 @@
+#include "host/panel/open_applets.h"
+
+#include <QMessageBox>
+#include <QPushButton>
+#include <utility>
+
+namespace panel {
+namespace {
+
+QString KeyOf(const AppletChoice& choice) {
+  return choice.library + QLatin1Char('\n') + QString::number(choice.number) + QLatin1Char('\n') +
+         choice.environment.join(QLatin1Char('\n'));
+}
+
+QMessageBox* MakeBox(QWidget& window, QMessageBox::Icon icon, const QString& title,
+                     const QString& text) {
+  auto* const box = new QMessageBox(icon, title, text, QMessageBox::NoButton, &window);
+  box->setAttribute(Qt::WA_DeleteOnClose);
+  box->setTextFormat(Qt::PlainText);
+  box->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+  box->setModal(false);
+  return box;
+}
+
+}  // namespace
+
+OpenApplets::OpenApplets(QWidget& window, Settings settings, Events events)
+    : m_window(window), m_settings(std::move(settings)), m_events(std::move(events)) {}
+
+OpenApplets::~OpenApplets() = default;
+
+void OpenApplets::Open(const AppletChoice& choice) {
+  const QString key = KeyOf(choice);
+  const auto found = m_open.find(key);
+  if (found != m_open.end()) {
+    found->second.applet->Raise();
+    m_events.told(
+        QObject::tr("%1 is open already; its window was brought forward.").arg(choice.name));
+    return;
+  }
+  m_events.told(QObject::tr("Opening %1").arg(choice.name));
+  OpenedApplet::Events events;
+  events.ended = [this, key](Ending ending, const QString& message) {
+    OnEnd(key, ending, message);
+  };
+  events.silent = [this, key] { OnSilence(key); };
+  events.aliveAgain = [this, key] { OnAliveAgain(key); };
+  Entry& entry = m_open[key];
+  entry.choice = choice;
+  entry.applet = std::make_unique<OpenedApplet>(
+      OpenedApplet::Start{m_settings.program, choice.library, choice.number, choice.environment,
+                          m_settings.patience},
+      std::move(events));
+}
+
+void OpenApplets::OnEnd(const QString& key, Ending ending, const QString& message) {
+  // Its own event is under way: the object goes when that is over.
+  const auto finish = [this, key, ending, message] {
+    const auto found = m_open.find(key);
+    if (found->second.question != nullptr) {
+      found->second.question->close();
+    }
+    const AppletChoice choice = found->second.choice;
+    m_open.erase(found);
+    Tell(choice, ending, message);
+    if (m_open.empty()) {
+      m_events.allClosed();
+    }
+  };
+  QMetaObject::invokeMethod(&m_context, finish, Qt::QueuedConnection);
+}
+
+void OpenApplets::Tell(const AppletChoice& choice, Ending ending, const QString& message) {
+  switch (ending) {
+    case Ending::kClosed:
+      m_events.told(message);
+      break;
+    case Ending::kFailed:
+      // Without words of its own it has told the user all before it ended.
+      m_events.told(message.isEmpty() ? QObject::tr("%1 has ended early.").arg(choice.name)
+                                      : message);
+      if (!message.isEmpty()) {
+        ShowProblem(choice.name, message);
+      }
+      break;
+    case Ending::kCrashed:
+      m_events.told(QObject::tr("%1 has crashed.").arg(choice.name));
+      ShowProblem(choice.name, QObject::tr("%1 has crashed and was closed. The control panel goes "
+                                           "on; you can open %1 again.")
+                                   .arg(choice.name));
+      break;
+    case Ending::kStopped:
+      m_events.told(QObject::tr("%1 was closed because it did not answer.").arg(choice.name));
+      break;
+    case Ending::kNotStarted:
+      m_events.told(QObject::tr("%1 cannot be opened.").arg(choice.name));
+      ShowProblem(choice.name, QObject::tr("%1 cannot be opened: %2").arg(choice.name, message));
+      break;
+  }
+}
+
+void OpenApplets::ShowProblem(const QString& name, const QString& text) {
+  QMessageBox* const box = MakeBox(m_window, QMessageBox::Warning, name, text);
+  box->addButton(QMessageBox::Ok);
+  box->show();
+}
+
+void OpenApplets::OnSilence(const QString& key) {
+  Entry& entry = m_open[key];
+  const QString& name = entry.choice.name;
+  m_events.told(QObject::tr("%1 does not answer.").arg(name));
+  QMessageBox* const box =
+      MakeBox(m_window, QMessageBox::Question, name,
+              QObject::tr("%1 does not answer. You can wait for it, or close it; what it has not "
+                          "stored yet is then lost.")
+                  .arg(name));
+  QPushButton* const wait = box->addButton(QObject::tr("&Wait"), QMessageBox::RejectRole);
+  QPushButton* const close = box->addButton(QObject::tr("&Close it"), QMessageBox::DestructiveRole);
+  box->setDefaultButton(wait);
+  box->setEscapeButton(wait);
+  QObject::connect(close, &QPushButton::clicked, &m_context, [this, key] {
+    const auto found = m_open.find(key);
+    if (found != m_open.end()) {
+      found->second.applet->Stop();
+    }
+  });
+  QObject::connect(box, &QObject::destroyed, &m_context, [this, key, box] {
+    const auto found = m_open.find(key);
+    if (found != m_open.end() && found->second.question == box) {
+      found->second.question = nullptr;
+    }
+  });
+  entry.question = box;
+  box->show();
+}
+
+void OpenApplets::OnAliveAgain(const QString& key) {
+  Entry& entry = m_open[key];
+  m_events.told(QObject::tr("%1 answers again.").arg(entry.choice.name));
+  if (entry.question != nullptr) {
+    entry.question->close();
+  }
+}
+
+}  // namespace panel

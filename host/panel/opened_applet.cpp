@@ -1,0 +1,117 @@
+#include "host/panel/opened_applet.h"
+
+#include <QFileInfo>
+#include <QProcessEnvironment>
+#include <cstdio>
+#include <utility>
+
+#include "host/panel/opener_protocol.h"
+
+namespace panel {
+namespace {
+
+/// Nobody has to read more than this of a single line.
+constexpr qsizetype kLongestLine = 4096;
+
+QProcessEnvironment EnvironmentWith(const QStringList& additions) {
+  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+  for (const QString& addition : additions) {
+    environment.insert(addition.section(QLatin1Char('='), 0, 0),
+                       addition.section(QLatin1Char('='), 1));
+  }
+  return environment;
+}
+
+}  // namespace
+
+OpenedApplet::OpenedApplet(const Start& start, Events events)
+    : m_events(std::move(events)), m_prefix(QFileInfo(start.library).fileName().toUtf8() + ": ") {
+  QObject::connect(&m_process, &QProcess::readyReadStandardOutput, &m_process,
+                   [this] { TakeSignsOfLife(); });
+  QObject::connect(&m_process, &QProcess::readyReadStandardError, &m_process,
+                   [this] { TakeErrors(); });
+  QObject::connect(&m_process, &QProcess::finished, &m_process,
+                   [this](int code, QProcess::ExitStatus status) {
+                     OnEnd(m_isStopped                     ? Ending::kStopped
+                           : status == QProcess::CrashExit ? Ending::kCrashed
+                           : code == 0                     ? Ending::kClosed
+                                                           : Ending::kFailed);
+                   });
+  QObject::connect(&m_process, &QProcess::errorOccurred, &m_process,
+                   [this](QProcess::ProcessError error) {
+                     if (error == QProcess::FailedToStart) {
+                       m_message = m_process.errorString();
+                       OnEnd(Ending::kNotStarted);
+                     }
+                   });
+  m_silence.setSingleShot(true);
+  m_silence.setInterval(start.patience);
+  QObject::connect(&m_silence, &QTimer::timeout, &m_silence, [this] { OnSilence(); });
+
+  m_process.setProcessEnvironment(EnvironmentWith(start.environment));
+  m_process.start(start.program,
+                  {QStringLiteral("--open"), start.library, QStringLiteral("--number"),
+                   QString::number(start.number), QStringLiteral("--watched")});
+  m_silence.start();
+}
+
+OpenedApplet::~OpenedApplet() {
+  m_process.disconnect();
+  if (m_process.state() != QProcess::NotRunning) {
+    m_process.kill();
+    m_process.waitForFinished();
+  }
+}
+
+void OpenedApplet::Raise() { m_process.write(&kRaiseRequest, 1); }
+
+void OpenedApplet::Stop() {
+  m_isStopped = true;
+  m_process.kill();
+}
+
+void OpenedApplet::TakeSignsOfLife() {
+  if (m_process.readAllStandardOutput().isEmpty()) {
+    return;
+  }
+  m_silence.start();
+  if (std::exchange(m_isSilent, false)) {
+    m_events.aliveAgain();
+  }
+}
+
+void OpenedApplet::TakeErrors() {
+  m_errors += m_process.readAllStandardError();
+  for (qsizetype end = m_errors.indexOf('\n'); end >= 0; end = m_errors.indexOf('\n')) {
+    TakeErrorLine(m_errors.left(end));
+    m_errors.remove(0, end + 1);
+  }
+  if (m_errors.size() > kLongestLine) {
+    TakeErrorLine(std::exchange(m_errors, {}));
+  }
+}
+
+void OpenedApplet::TakeErrorLine(const QByteArray& line) {
+  if (line.startsWith(m_prefix)) {
+    m_message = QString::fromUtf8(line.mid(m_prefix.size())).left(kLongestLine);
+  } else {
+    // A message that standard error does not take changes nothing.
+    static_cast<void>(std::fprintf(stderr, "%s\n", line.constData()));
+  }
+}
+
+void OpenedApplet::OnSilence() {
+  m_isSilent = true;
+  m_events.silent();
+}
+
+void OpenedApplet::OnEnd(Ending ending) {
+  m_silence.stop();
+  TakeErrors();
+  if (!m_errors.isEmpty()) {
+    TakeErrorLine(std::exchange(m_errors, {}));
+  }
+  m_events.ended(ending, m_message);
+}
+
+}  // namespace panel

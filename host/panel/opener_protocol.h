@@ -1,0 +1,12 @@
+#pragma once
+
+namespace panel {
+
+/// What an opened applet's process writes on its standard output, at least every second while it
+/// serves its windows.
+inline constexpr char kSignOfLife = '.';
+
+/// What it reads on its standard input: bring the windows to the front.
+inline constexpr char kRaiseRequest = 'r';
+
+}  // namespace panel

@@ -1,0 +1,250 @@
+#include "host/panel/panel_window.h"
+
+#include <QAction>
+#include <QCloseEvent>
+#include <QCoreApplication>
+#include <QDesktopServices>
+#include <QFileInfo>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QStackedWidget>
+#include <QStatusBar>
+#include <QUrl>
+#include <QVBoxLayout>
+#include <utility>
+
+#include "host/panel/icons.h"
+#include "host/panel/notice_bar.h"
+#include "host/panel/places.h"
+
+namespace panel {
+namespace {
+
+// What an item of the list knows.
+constexpr int kLibraryRole = Qt::UserRole;
+constexpr int kNumberRole = Qt::UserRole + 1;
+constexpr int kDescriptionRole = Qt::UserRole + 2;
+
+constexpr int kIconSize = 48;
+constexpr QSize kGrid(136, 104);
+
+/// The applet that the samples are for.
+const QLatin1String kDialerApplet("voxtrel.cpl");
+
+}  // namespace
+
+PanelWindow::PanelWindow(Settings settings)
+    : m_settings(std::move(settings)),
+      m_applets(*this, {m_settings.program, m_settings.patience},
+                {[this](const QString& text) { m_status->setText(text); },
+                 [this] {
+                   if (!isVisible()) {
+                     QCoreApplication::quit();
+                   }
+                 }}) {
+  setWindowTitle(tr("Control Panel"));
+  setWindowIcon(PanelIcon());
+  resize(600, 380);
+  m_status = new QLabel(this);
+  m_status->setTextFormat(Qt::PlainText);
+  m_status->setObjectName(QStringLiteral("status"));
+  statusBar()->addWidget(m_status, 1);
+  BuildCentre();
+  BuildMenus();
+  Refresh();
+  m_equipment = std::make_unique<EquipmentCheck>(
+      m_settings.commandLine, [this](const Equipment& equipment) { OnEquipment(equipment); });
+}
+
+PanelWindow::~PanelWindow() = default;
+
+void PanelWindow::BuildCentre() {
+  m_list = new QListWidget(this);
+  m_list->setAccessibleName(tr("Applets"));
+  m_list->setViewMode(QListView::IconMode);
+  m_list->setMovement(QListView::Static);
+  m_list->setResizeMode(QListView::Adjust);
+  m_list->setIconSize(QSize(kIconSize, kIconSize));
+  m_list->setGridSize(kGrid);
+  m_list->setWordWrap(true);
+  m_list->setFrameShape(QFrame::NoFrame);
+  m_list->setSpacing(4);
+  m_list->setStyleSheet(QStringLiteral("QListWidget { padding: 12px 8px; }"));
+  connect(m_list, &QListWidget::itemActivated, this, &PanelWindow::OpenCurrent);
+  connect(m_list, &QListWidget::currentItemChanged, this, &PanelWindow::DescribeCurrent);
+
+  m_empty = new QLabel(this);
+  m_empty->setAlignment(Qt::AlignCenter);
+  m_empty->setWordWrap(true);
+  m_empty->setTextFormat(Qt::PlainText);
+  m_empty->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+  m_empty->setMargin(24);
+
+  m_centre = new QStackedWidget(this);
+  m_centre->addWidget(m_list);
+  m_centre->addWidget(m_empty);
+  m_notice = new NoticeBar(this);
+  auto* const page = new QWidget(this);
+  auto* const layout = new QVBoxLayout(page);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->addWidget(m_centre, 1);
+  layout->addWidget(m_notice);
+  setCentralWidget(page);
+}
+
+void PanelWindow::BuildMenus() {
+  QMenu* const applet = menuBar()->addMenu(tr("&Applet"));
+  m_open = applet->addAction(tr("&Open"), this, &PanelWindow::OpenCurrent);
+  m_list->addAction(m_open);
+  m_list->setContextMenuPolicy(Qt::ActionsContextMenu);
+  BuildSampleMenu();
+  applet->addMenu(m_samples);
+  applet->addSeparator();
+  QAction* const refresh = applet->addAction(tr("&Refresh"), this, &PanelWindow::Refresh);
+  refresh->setShortcut(QKeySequence::Refresh);
+  QAction* const quit = applet->addAction(tr("&Close"), this, &QWidget::close);
+  quit->setShortcut(QKeySequence::Quit);
+
+  QMenu* const help = menuBar()->addMenu(tr("&Help"));
+  QAction* const contents = help->addAction(tr("&Voice dialer help"), this, [this] {
+    const QString page = FindData(QStringLiteral("help/ZedraVoxtrelPE_help.htm"));
+    if (page.isEmpty() || !QDesktopServices::openUrl(QUrl::fromLocalFile(page))) {
+      m_status->setText(page.isEmpty() ? tr("The help page is not installed.")
+                                       : tr("There is no browser that shows %1.").arg(page));
+    }
+  });
+  contents->setShortcut(QKeySequence::HelpContents);
+  help->addAction(tr("&About the control panel"), this, [this] {
+    QMessageBox::about(
+        this, tr("Control Panel"),
+        tr("Control panel %1\n\nShows the applets that are installed and opens each in a process "
+           "of its own, so that one that fails takes no other with it.")
+            .arg(QStringLiteral(VOXTREL_VERSION)));
+  });
+}
+
+void PanelWindow::BuildSampleMenu() {
+  m_samples = new QMenu(tr("&Try with samples"), this);
+  for (const Sample& sample : FindSamples()) {
+    m_samples->addAction(tr("The microphone says “%1”").arg(sample.name), this,
+                         [this, path = sample.path] { OpenSample(path); });
+  }
+}
+
+void PanelWindow::Refresh() {
+  m_inquiries.clear();
+  m_list->clear();
+  const QStringList libraries = FindApplets(m_settings.places);
+  for (const QString& library : libraries) {
+    QListWidgetItem* const item = AddItem(library, 0, QFileInfo(library).completeBaseName());
+    item->setData(kDescriptionRole, tr("%1 is being asked for its name").arg(library));
+    m_inquiries.push_back(std::make_unique<Inquiry>(
+        m_settings.program, library, m_settings.inquiryLimit,
+        [this, library](const LibraryReport& report) { ShowApplets(library, report); }));
+  }
+  if (m_list->count() > 0) {
+    m_list->setCurrentRow(0);
+  }
+  m_empty->setText(EmptyText());
+  m_centre->setCurrentIndex(libraries.isEmpty() ? 1 : 0);
+  m_open->setEnabled(!libraries.isEmpty());
+  m_samples->menuAction()->setVisible(!m_samples->isEmpty() &&
+                                      libraries.join(u'\n').contains(kDialerApplet));
+  DescribeCurrent();
+}
+
+QListWidgetItem* PanelWindow::AddItem(const QString& library, int number, const QString& name) {
+  auto* const item = new QListWidgetItem(PlainIcon(), name, m_list);
+  item->setData(kLibraryRole, library);
+  item->setData(kNumberRole, number);
+  item->setTextAlignment(Qt::AlignHCenter | Qt::AlignTop);
+  return item;
+}
+
+void PanelWindow::ShowApplets(const QString& library, const LibraryReport& report) {
+  QListWidgetItem* first = nullptr;
+  for (int row = 0; row < m_list->count() && first == nullptr; ++row) {
+    if (m_list->item(row)->data(kLibraryRole).toString() == library) {
+      first = m_list->item(row);
+    }
+  }
+  const auto describe = [](QListWidgetItem* item, const QString& text) {
+    item->setData(kDescriptionRole, text);
+    item->setToolTip(text);
+    item->setData(Qt::AccessibleDescriptionRole, text);
+  };
+  if (!report.problem.isEmpty()) {
+    describe(first, tr("This applet %1: %2").arg(report.problem, library));
+  }
+  for (std::size_t i = 0; i < report.applets.size(); ++i) {
+    const AppletReport& applet = report.applets[i];
+    const int number = static_cast<int>(i);
+    QListWidgetItem* const item = i == 0 ? first : AddItem(library, number, first->text());
+    if (applet.name.isEmpty()) {
+      describe(item, tr("This applet gives no name: %1").arg(library));
+    } else {
+      item->setText(applet.name);
+      describe(item, library);
+    }
+    item->setIcon(IconOf(applet.icon));
+  }
+  DescribeCurrent();
+}
+
+void PanelWindow::DescribeCurrent() {
+  const QListWidgetItem* const item = m_list->currentItem();
+  m_status->setText(item == nullptr ? QString() : item->data(kDescriptionRole).toString());
+}
+
+void PanelWindow::OpenCurrent() {
+  const QListWidgetItem* const item = m_list->currentItem();
+  if (item != nullptr) {
+    m_applets.Open(
+        {item->data(kLibraryRole).toString(), item->data(kNumberRole).toInt(), item->text(), {}});
+  }
+}
+
+void PanelWindow::OpenSample(const QString& recording) {
+  for (int row = 0; row < m_list->count(); ++row) {
+    const QListWidgetItem* const item = m_list->item(row);
+    const QString library = item->data(kLibraryRole).toString();
+    if (QFileInfo(library).fileName() == kDialerApplet) {
+      m_applets.Open({library, 0, item->text(), SampleEnvironment(recording)});
+      return;
+    }
+  }
+}
+
+void PanelWindow::OnEquipment(const Equipment& equipment) {
+  const QString missing = DescribeMissing(equipment);
+  const std::vector<Sample> samples = FindSamples();
+  if (missing.isEmpty() || !m_samples->menuAction()->isVisible() || samples.empty()) {
+    m_notice->Tell(missing, {}, nullptr);
+    return;
+  }
+  const Sample& sample = samples.front();
+  m_notice->Tell(missing + QLatin1Char('\n') +
+                     tr("Until then you can try it with sample contacts and a recording of the "
+                        "name “%1” as the microphone.")
+                         .arg(sample.name),
+                 tr("&Try it now"), [this, path = sample.path] { OpenSample(path); });
+}
+
+QString PanelWindow::EmptyText() const {
+  return tr("There are no applets here yet.\n\nLooked in:\n%1\n\nInstall an applet (a file that "
+            "ends with .cpl) there and press F5, or name one when you start the control panel:\n"
+            "voxtrel-panel FILE")
+      .arg(m_settings.places.join(QLatin1Char('\n')));
+}
+
+void PanelWindow::closeEvent(QCloseEvent* event) {
+  // Applets that are open stay open, and the panel ends with the last of them.
+  if (!m_applets.IsAnyOpen()) {
+    QCoreApplication::quit();
+  }
+  event->accept();
+}
+
+}  // namespace panel

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <QListWidget>
+#include <QMainWindow>
+#include <QString>
+#include <QStringList>
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "host/panel/inquiry.h"
+#include "host/panel/newcomer.h"
+#include "host/panel/open_applets.h"
+
+class QAction;
+class QLabel;
+class QMenu;
+class QStackedWidget;
+
+namespace panel {
+
+class NoticeBar;
+
+/// The control panel: a grid of icons, one for each applet.
+class PanelWindow : public QMainWindow {
+ public:
+  struct Settings {
+    QString program;      ///< This program, which is started once more for each applet.
+    QStringList places;   ///< Where applets are looked for.
+    QString commandLine;  ///< Tells what the machine has; empty: nothing is told.
+    std::chrono::milliseconds inquiryLimit{10'000};
+    std::chrono::milliseconds patience{15'000};
+  };
+
+  explicit PanelWindow(Settings settings);
+  ~PanelWindow() override;
+
+  /// Looks for the applets anew and asks each of them.
+  void Refresh();
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+
+ private:
+  void BuildMenus();
+  void BuildSampleMenu();
+  void BuildCentre();
+  void ShowApplets(const QString& library, const LibraryReport& report);
+  QListWidgetItem* AddItem(const QString& library, int number, const QString& name);
+  void DescribeCurrent();
+  void OpenCurrent();
+  void OpenSample(const QString& recording);
+  void OnEquipment(const Equipment& equipment);
+  [[nodiscard]] QString EmptyText() const;
+
+  Settings m_settings;
+  OpenApplets m_applets;
+  std::vector<std::unique_ptr<Inquiry>> m_inquiries;
+  std::unique_ptr<EquipmentCheck> m_equipment;
+  // Owned by the window.
+  QStackedWidget* m_centre = nullptr;
+  QListWidget* m_list = nullptr;
+  QLabel* m_empty = nullptr;
+  QLabel* m_status = nullptr;
+  QAction* m_open = nullptr;
+  QMenu* m_samples = nullptr;
+  NoticeBar* m_notice = nullptr;
+};
+
+}  // namespace panel
