@@ -68,6 +68,11 @@ class DialogWindow {
   [[nodiscard]] virtual Rect GetControlRect(int id) const = 0;
   [[nodiscard]] virtual Rect GetClientRect() const = 0;
 
+  /// Has the dialog's OnCommand called with `id` and kPosted once what runs now is over: after
+  /// OnInitDialog, where it is posted there. Posted commands come in their order; those of a dialog
+  /// that has ended never come.
+  virtual void PostCommand(int id) = 0;
+
   /// Has the dialog painted again, soon.
   virtual void Invalidate() = 0;
   /// Ends the modal run of the dialog with `result`.

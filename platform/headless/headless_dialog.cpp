@@ -37,6 +37,7 @@ void HeadlessDialog::Press(int id) {
     SetCheck(id, !control->isChecked);
   }
   m_handler.OnCommand(id, platform::CommandEvent::kClick);
+  DeliverPosted();
 }
 
 void HeadlessDialog::Choose(int id, int index) {
@@ -46,11 +47,19 @@ void HeadlessDialog::Choose(int id, int index) {
   }
   SetSelection(id, index);
   m_handler.OnCommand(id, platform::CommandEvent::kSelectionChange);
+  DeliverPosted();
 }
 
-void HeadlessDialog::ClickAt(platform::Point point) { m_handler.OnLButtonDown(point); }
+void HeadlessDialog::ClickAt(platform::Point point) {
+  m_handler.OnLButtonDown(point);
+  DeliverPosted();
+}
 
-bool HeadlessDialog::AskForHelp() { return m_handler.OnHelp(); }
+bool HeadlessDialog::AskForHelp() {
+  const bool hasHelp = m_handler.OnHelp();
+  DeliverPosted();
+  return hasHelp;
+}
 
 void HeadlessDialog::PressEnter() {
   for (const auto& [id, control] : m_controls) {
@@ -99,6 +108,14 @@ std::vector<PaintedStroke> HeadlessDialog::Paint() {
 std::optional<int> HeadlessDialog::GetResult() const {
   const std::lock_guard lock(m_mutex);
   return m_result;
+}
+
+void HeadlessDialog::DeliverPosted() {
+  while (!m_posted.empty() && !GetResult()) {
+    const int id = m_posted.front();
+    m_posted.pop_front();
+    m_handler.OnCommand(id, platform::CommandEvent::kPosted);
+  }
 }
 
 bool HeadlessDialog::WaitForEnd() {
@@ -246,6 +263,8 @@ platform::Rect HeadlessDialog::GetControlRect(int id) const {
 platform::Rect HeadlessDialog::GetClientRect() const {
   return platform::ToPixels({0, 0, m_template.width, m_template.height});
 }
+
+void HeadlessDialog::PostCommand(int id) { m_posted.push_back(id); }
 
 void HeadlessDialog::Invalidate() { ++m_invalidations; }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <deque>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -62,6 +63,10 @@ class HeadlessDialog final : public platform::DialogWindow {
   [[nodiscard]] int CountInvalidations() const { return m_invalidations; }
   [[nodiscard]] std::optional<int> GetResult() const;
 
+  /// Delivers what the page has posted to itself. A presentation calls this once the dialog is set
+  /// up; what is posted during a user's doing comes right after it by itself.
+  void DeliverPosted();
+
   /// Waits until the dialog was ended; false where nothing can end it any more.
   bool WaitForEnd();
 
@@ -89,6 +94,7 @@ class HeadlessDialog final : public platform::DialogWindow {
   void DestroyProgressBar(int id) override;
   [[nodiscard]] platform::Rect GetControlRect(int id) const override;
   [[nodiscard]] platform::Rect GetClientRect() const override;
+  void PostCommand(int id) override;
   void Invalidate() override;
   void EndDialog(int result) override;
 
@@ -111,6 +117,7 @@ class HeadlessDialog final : public platform::DialogWindow {
   platform::DialogHandler& m_handler;
   std::map<int, Control> m_controls;
   int m_invalidations = 0;
+  std::deque<int> m_posted;
   std::unique_ptr<platform::Event> m_ended;
   mutable std::mutex m_mutex;  ///< Of what other threads may change: the bars and the result.
   std::map<int, Progress> m_bars;
