@@ -17,10 +17,20 @@ inline constexpr int kDeleteAllButtonId = 1017;
 inline constexpr int kTestButtonId = 1025;
 inline constexpr int kProgressBarId = 1212;  ///< Made while something is in progress.
 
+// Controls of the Test dialog.
+inline constexpr int kTestListId = 1026;
+inline constexpr int kTestHelpId = 142;  ///< A picture, of the same number.
+
+// Controls of the dialog that waits while every template is computed anew.
+inline constexpr int kReinitWaitLine1Id = 1023;
+inline constexpr int kReinitWaitLine2Id = 1024;
+
 /// Command that the Learning page sends itself once it is set up.
 inline constexpr int kCheckVersionCommand = 2222;
 
 extern const DialogTemplate kLearningDialog;
 extern const DialogTemplate kAboutDialog;
+extern const DialogTemplate kTestDialog;
+extern const DialogTemplate kReinitDialog;
 
 }  // namespace resources

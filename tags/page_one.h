@@ -9,6 +9,9 @@
 
 #include "audio/wave_device.h"
 #include "language/texts.h"
+#include "maintenance/reinit_progress_dialog.h"
+#include "maintenance/tag_session.h"
+#include "maintenance/test_dialog.h"
 #include "platform/framework/property_sheet.h"
 #include "platform/platform.h"
 #include "storage/tag_record.h"
@@ -25,7 +28,9 @@ namespace tags {
 /// Owns what all pages share for the life of the sheet. Lives on the user-interface thread; while a
 /// recording runs, its worker uses the recording path and the audio device, and this thread
 /// neither.
-class Page_one : public framework::CPropertyPage, private ContactView {
+class Page_one : public framework::CPropertyPage,
+                 private ContactView,
+                 private maintenance::TagSession {
  public:
   /// Makes the install folders. `platform` is kept as a copy; what it refers to outlives the page.
   Page_one(const platform::Platform& platform, const language::Texts& texts);
@@ -38,8 +43,12 @@ class Page_one : public framework::CPropertyPage, private ContactView {
   bool OnInitDialog() override;
   void OnCommand(int id, platform::CommandEvent event) override;
 
-  [[nodiscard]] const storage::TagTable& GetTags() const { return m_tags; }
+  [[nodiscard]] const storage::TagTable& GetTags() const override { return m_tags; }
   [[nodiscard]] const ContactPicker& GetPicker() const { return m_picker; }
+  [[nodiscard]] const maintenance::TestDialog& GetTestDialog() const { return m_testDialog; }
+
+  /// Whether this page, and no other one of the device, holds the tags.
+  [[nodiscard]] bool IsOnlyInstance() const { return m_onlyInstance != nullptr; }
 
   /// What the player answered last; it tells the user nothing.
   [[nodiscard]] int GetPlayCode() const { return m_playCode; }
@@ -72,6 +81,13 @@ class Page_one : public framework::CPropertyPage, private ContactView {
   [[nodiscard]] bool StoreTag(std::u16string_view tagName);
   void ListNewTag(std::u16string_view tagName);
 
+  // What looks after the tags.
+  void OnTest();
+  void OnCheckVersion();
+  [[nodiscard]] voicemath::CVoiceMathematics& GetMathematics() override { return m_mathematics; }
+  [[nodiscard]] platform::Event* GetWorkerEvent() override { return m_workerEvent.get(); }
+  [[nodiscard]] platform::Thread* GetReinitWorker() override { return m_reinitWorker.get(); }
+
   // List and deletion.
   void LoadTagList();
   [[nodiscard]] bool LoadTag(std::u16string_view tagName, std::int32_t& slot, bool& isStale);
@@ -91,6 +107,9 @@ class Page_one : public framework::CPropertyPage, private ContactView {
   ContactPicker m_picker;
   storage::TagTable m_tags;
   voicemath::CVoiceMathematics m_mathematics;
+  maintenance::ReinitProgressDialog m_reinitDialog;
+  maintenance::TestDialog m_testDialog;
+  std::unique_ptr<platform::Thread> m_reinitWorker;  ///< While its dialog runs.
   std::unique_ptr<audio::WaveDevice> m_audio;
   std::u16string m_recordingPath;
   std::u16string m_listText;  ///< Of the tag listed last.

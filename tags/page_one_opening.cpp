@@ -4,6 +4,7 @@
 
 #include "audio/wave_header.h"
 #include "language/formatting.h"
+#include "platform/framework/wait_cursor.h"
 #include "resources/dialogs.h"
 #include "resources/strings.h"
 #include "storage/folders.h"
@@ -16,18 +17,6 @@ namespace {
 /// Whoever holds it is the one open Learning page of this device.
 constexpr std::u16string_view kInstanceMutex = u"ZedraD";
 
-/// The cursor that says "wait", for as long as this lives.
-class WaitCursor {
- public:
-  explicit WaitCursor(platform::Ui& ui) : m_ui(ui) { m_ui.SetCursor(platform::Cursor::kWait); }
-  WaitCursor(const WaitCursor&) = delete;
-  WaitCursor& operator=(const WaitCursor&) = delete;
-  ~WaitCursor() { m_ui.SetCursor(platform::Cursor::kNormal); }
-
- private:
-  platform::Ui& m_ui;
-};
-
 }  // namespace
 
 Page_one::Page_one(const platform::Platform& platform, const language::Texts& texts)
@@ -36,7 +25,9 @@ Page_one::Page_one(const platform::Platform& platform, const language::Texts& te
       m_texts(texts),
       m_store(platform.files, platform.registry),
       m_picker(platform.contacts, *this),
-      m_mathematics(platform.files, platform.ui) {
+      m_mathematics(platform.files, platform.ui),
+      m_reinitDialog(platform, texts),
+      m_testDialog(platform, texts) {
   storage::CreateInstallFolders(m_platform.files);
 }
 
@@ -55,7 +46,7 @@ bool Page_one::OnInitDialog() {
     m_platform.process.End(0);
     return true;
   }
-  const WaitCursor wait(m_platform.ui);
+  const framework::WaitCursor wait(m_platform.ui);
   m_workerEvent = m_platform.threads.CreateManualResetEvent();
   m_audio = std::make_unique<audio::WaveDevice>(m_platform);
   m_audio->SetFormat(audio::kRecordingBits, audio::kRecordingRate);
@@ -66,6 +57,9 @@ bool Page_one::OnInitDialog() {
   EnableButtons();
   ShowCount();
   TranslateControls();
+  m_testDialog.set_Pageone_point(this);
+  m_reinitDialog.set_Pageone_point(this);
+  GetWindow().PostCommand(resources::kCheckVersionCommand);
   return true;
 }
 
@@ -153,6 +147,12 @@ void Page_one::OnCommand(int id, platform::CommandEvent event) {
       break;
     case resources::kDeleteAllButtonId:
       OnDeleteAll();
+      break;
+    case resources::kTestButtonId:
+      OnTest();
+      break;
+    case resources::kCheckVersionCommand:
+      OnCheckVersion();
       break;
     default:
       break;
