@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <functional>
+#include <span>
 
 #include "language/formatting.h"
 #include "resources/strings.h"
@@ -34,6 +35,41 @@ void ForRecords(const storage::TagTable& tags, std::u16string_view name,
   }
 }
 
+std::u16string ToText(const TestLine& line, std::u16string_view count, std::u16string_view name,
+                      std::u16string_view neighbour) {
+  return language::Decimal(line.score)
+      .append(u"%; ")
+      .append(count)
+      .append(kSeparator)
+      .append(name)
+      .append(kSeparator)
+      .append(neighbour);
+}
+
+TestLine ToLine(const storage::TagTable& tags, const LoadedTemplates& loaded, float distance,
+                const NeighbourRow& row, std::span<const std::int32_t> confusions) {
+  TestLine line;
+  line.tagName = NameOf(loaded, row.tag);
+  line.neighbourName = NameOf(loaded, row.neighbour);
+  line.score = ToScore(distance);
+  line.distance = distance;
+  std::u16string_view name;
+  std::u16string count;
+  ForRecords(tags, line.tagName, [&](std::int32_t place, const storage::TagRecord& record) {
+    name = record.GetDisplayText();
+    line.confusions = confusions[static_cast<std::size_t>(place)];
+    count = language::Decimal(line.confusions);
+  });
+  // The blank in front makes two of them between the separator and the second name; so the lines
+  // have always looked.
+  std::u16string neighbour;
+  ForRecords(tags, line.neighbourName, [&](std::int32_t, const storage::TagRecord& record) {
+    neighbour = std::u16string(u" ").append(record.GetDisplayText());
+  });
+  line.text = ToText(line, count, name, neighbour);
+  return line;
+}
+
 }  // namespace
 
 std::vector<TestLine> ToTestLines(const storage::TagTable& tags, const LoadedTemplates& loaded,
@@ -44,31 +80,7 @@ std::vector<TestLine> ToTestLines(const storage::TagTable& tags, const LoadedTem
   std::vector<TestLine> lines;
   lines.reserve(table.size());
   for (const auto& [distance, row] : table) {
-    TestLine line{.tagName = std::u16string(NameOf(loaded, row.tag)),
-                  .neighbourName = std::u16string(NameOf(loaded, row.neighbour)),
-                  .score = ToScore(distance),
-                  .distance = distance};
-    std::u16string name;
-    std::u16string count;
-    ForRecords(tags, line.tagName, [&](std::int32_t place, const storage::TagRecord& record) {
-      name = record.GetDisplayText();
-      line.confusions = confusions[static_cast<std::size_t>(place)];
-      count = language::Decimal(line.confusions);
-    });
-    // The blank in front makes two of them between the separator and the second name; so the lines
-    // have always looked.
-    std::u16string neighbour;
-    ForRecords(tags, line.neighbourName, [&](std::int32_t, const storage::TagRecord& record) {
-      neighbour = std::u16string(u" ").append(record.GetDisplayText());
-    });
-    line.text = language::Decimal(line.score)
-                    .append(u"%; ")
-                    .append(count)
-                    .append(kSeparator)
-                    .append(name)
-                    .append(kSeparator)
-                    .append(neighbour);
-    lines.push_back(std::move(line));
+    lines.push_back(ToLine(tags, loaded, distance, row, confusions));
   }
   return lines;
 }
