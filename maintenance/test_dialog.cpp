@@ -19,7 +19,7 @@ constexpr std::u16string_view kHelpCommandLine = u"file:ZedraVoxtrelPE_help.htm#
 }  // namespace
 
 TestDialog::TestDialog(const platform::Platform& platform, language::Texts texts)
-    : CDialog(resources::kTestDialog, platform.ui), m_platform(platform), m_texts(texts) {}
+    : CDialog(resources::kTestResultsDialog, platform.ui), m_platform(platform), m_texts(texts) {}
 
 bool TestDialog::OnInitDialog() {
   CDialog::OnInitDialog();

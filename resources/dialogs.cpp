@@ -39,7 +39,7 @@ constexpr DialogTemplate kLearningDialog{134, u"Learning", 160, 167, kLearningCo
 /// The page paints itself and has no controls.
 constexpr DialogTemplate kAboutDialog{135, u"About", 160, 167, {}};
 
-constexpr DialogTemplate kTestDialog{140, u"Test", 160, 167, kTestControls};
+constexpr DialogTemplate kTestResultsDialog{140, u"Test", 160, 167, kTestControls};
 
 /// High enough for the progress bar, which ends 120 pixels down.
 constexpr DialogTemplate kReinitDialog{138, u"Reinitialization", 160, 82, kReinitControls};

@@ -30,7 +30,7 @@ inline constexpr int kCheckVersionCommand = 2222;
 
 extern const DialogTemplate kLearningDialog;
 extern const DialogTemplate kAboutDialog;
-extern const DialogTemplate kTestDialog;
+extern const DialogTemplate kTestResultsDialog;
 extern const DialogTemplate kReinitDialog;
 
 }  // namespace resources
