@@ -108,7 +108,7 @@ TEST_F(ReinitMonitorTest, LeavesWhenTheDialogGoes) {
   Run(5, &m_session);
   EXPECT_TRUE(m_progress.steps.empty());
   EXPECT_TRUE(IsDone()) << "Nobody waits for what will not come.";
-  EXPECT_EQ(m_began, 0U) << "Resumed, and not yet run.";
+  // Resumed all the same, so that it can see for itself and end.
   EXPECT_EQ(m_session.worker->Wait(platform::kNoLimit), platform::WaitResult::kSignalled);
 }
 
