@@ -22,6 +22,9 @@
 
 namespace tags {
 
+/// Whoever holds the mutex of this name is the one open Learning page of this device.
+inline constexpr std::u16string_view kInstanceMutex = u"ZedraD";
+
 /// The Learning page: the user picks a contact and one of its numbers, presses Record and says the
 /// name, and has a voice tag; listens to tags, and deletes them.
 ///
@@ -47,8 +50,10 @@ class Page_one : public framework::CPropertyPage,
   [[nodiscard]] const ContactPicker& GetPicker() const { return m_picker; }
   [[nodiscard]] const maintenance::TestDialog& GetTestDialog() const { return m_testDialog; }
 
-  /// Whether this page, and no other one of the device, holds the tags.
+  /// Whether no other page of the device has the tags.
   [[nodiscard]] bool IsOnlyInstance() const { return m_onlyInstance != nullptr; }
+  /// Whether the page opened to its end, with its contacts and its tags.
+  [[nodiscard]] bool IsSetUp() const { return m_isSetUp; }
 
   /// What the player answered last; it tells the user nothing.
   [[nodiscard]] int GetPlayCode() const { return m_playCode; }
@@ -116,6 +121,7 @@ class Page_one : public framework::CPropertyPage,
   /// Set by the recording thread where the process was to end: nothing may be done any more.
   std::atomic<bool> m_processEnded = false;
   int m_playCode = 0;
+  bool m_isSetUp = false;
 };
 
 }  // namespace tags

@@ -1,7 +1,5 @@
 // The Learning page opens: contacts, tag list, buttons.
 
-#include <string_view>
-
 #include "audio/wave_header.h"
 #include "language/formatting.h"
 #include "platform/framework/wait_cursor.h"
@@ -12,13 +10,6 @@
 #include "tags/page_one.h"
 
 namespace tags {
-namespace {
-
-/// Whoever holds it is the one open Learning page of this device.
-constexpr std::u16string_view kInstanceMutex = u"ZedraD";
-
-}  // namespace
-
 Page_one::Page_one(const platform::Platform& platform, const language::Texts& texts)
     : CPropertyPage(resources::kLearningDialog, platform.ui),
       m_platform(platform),
@@ -42,6 +33,7 @@ void Page_one::Serialize(framework::CArchive& archive) { m_mathematics.Serialize
 
 bool Page_one::OnInitDialog() {
   CPropertyPage::OnInitDialog();
+  m_isSetUp = false;
   if (!BecomeOnlyInstance()) {
     m_platform.process.End(0);
     return true;
@@ -59,6 +51,7 @@ bool Page_one::OnInitDialog() {
   TranslateControls();
   m_testDialog.set_Pageone_point(this);
   m_reinitDialog.set_Pageone_point(this);
+  m_isSetUp = true;
   GetWindow().PostCommand(resources::kCheckVersionCommand);
   return true;
 }

@@ -144,6 +144,7 @@ platform::WaveOut& Session::GetWaveOut() {
 platform::Threads& Session::GetThreads() {
   if (!m_threads) {
     m_threads = std::make_unique<posix::PosixThreads>(GetRoot().native());
+    m_ui.UseThreads(*m_threads);
   }
   return *m_threads;
 }

@@ -12,6 +12,17 @@ using support::Failing;
 /// Opening the page with a change of the version, while one call of the platform fails.
 class PageOneReinitFaults : public ReinitPageFixture, public testing::WithParamInterface<Failing> {
  protected:
+  /// As few calls as there can be with everything in them: one that is trimmed, and a short one.
+  static support::Bytes Recording(std::uint32_t seed) {
+    return support::WaveFile(seed == 1 ? support::Mixed(support::Noise(7500, 10, seed), 600,
+                                                        support::SpeechLike(400, 9000, seed))
+                                       : support::Noise(1500, 9000, seed));
+  }
+  void PutSpokenTag(std::u16string_view name, std::uint32_t seed) {
+    PutTag(name, kAnn, u"Mobile");
+    ASSERT_TRUE(m_machine.files.PutFile(storage::WavePath(name), Recording(seed)));
+  }
+
   PageOneReinitFaults() {
     PutSpokenTag(u"100", 1);
     PutSpokenTag(u"200", 2);
@@ -20,6 +31,7 @@ class PageOneReinitFaults : public ReinitPageFixture, public testing::WithParamI
     for (const auto& path : m_machine.files.ListFiles()) {
       m_after[path] = *m_machine.files.GetFile(path);
     }
+    EXPECT_LT(m_after.at(storage::WavePath(u"100")).size(), Recording(1).size()) << "Trimmed.";
   }
 
   /// The store before the change of the version.
