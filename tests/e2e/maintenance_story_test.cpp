@@ -12,6 +12,7 @@
 #include <map>
 #include <nlohmann/json.hpp>
 
+#include "storage/utf16_bytes.h"
 #include "tests/cli/command_fixture.h"
 
 namespace {
@@ -81,11 +82,16 @@ class MaintenanceStory : public CommandFixture {
     return expected;
   }
 
-  void ImportVersion(const std::string& version) const {
-    std::ofstream(Path("version.reg"))
-        << "REGEDIT4\r\n\r\n[HKEY_LOCAL_MACHINE\\Software\\Zedra\\VoxtrelPEIni]\r\n"
-           "\"Version_Math\"=\""
-        << version << "\"\r\n";
+  void ImportVersion(std::u16string_view version) const {
+    const std::u16string file = std::u16string(
+                                    u"\xFEFFWindows Registry Editor Version 5.00\r\n\r\n"
+                                    u"[HKEY_LOCAL_MACHINE\\Software\\Zedra\\"
+                                    u"VoxtrelPEIni]\r\n\"Version_Math\"=\"")
+                                    .append(version)
+                                    .append(u"\"\r\n");
+    const auto bytes = storage::ToUtf16Bytes(file);
+    std::ofstream(Path("version.reg"), std::ios::binary)
+        << std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size());
     const auto run = Run({"registry", "import", Path("version.reg")});
     ASSERT_EQ(run.exitCode, 0) << run.err;
   }
@@ -118,7 +124,7 @@ TEST_F(MaintenanceStory, TenNamesAreTestedAndComputedAnew) {
       isLonger = false;
     }
   }
-  ImportVersion("2");
+  ImportVersion(u"2");
   const auto run = Run({"reinit"});
   EXPECT_EQ(run.exitCode, 0) << run.err;
   const auto after = GetFiles();
@@ -131,7 +137,7 @@ TEST_F(MaintenanceStory, TenNamesAreTestedAndComputedAnew) {
   EXPECT_EQ(RunJson({"tags", "test"}, 0)["lines"].size(), 10U);
   EXPECT_EQ(RunJson({"check"}, 0)["findings"], json::array());
 
-  ImportVersion("3");
+  ImportVersion(u"3");
   EXPECT_EQ(RunJson({"reinit"}, 0)["ran"], false);
 }
 
