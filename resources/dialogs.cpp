@@ -51,6 +51,18 @@ constexpr std::array<ControlTemplate, 14> kConnectionControls{{
     {kSaveButtonId, ControlKind::kPushButton, u"Ok", {106, 146, 50, 13}, false, false},
 }};
 
+/// The header, a line of text and a rule below it, is painted in the uppermost 27 pixels.
+constexpr std::array<ControlTemplate, 2> kTestControls{{
+    {kTestListId, ControlKind::kListBox, u"", {6, 20, 147, 141}},
+    {kTestHelpId, ControlKind::kPicture, u"", {144, 2, 12, 11}},
+}};
+
+/// The progress bar below the two lines is made when the dialog opens.
+constexpr std::array<ControlTemplate, 2> kReinitControls{{
+    {kReinitWaitLine1Id, ControlKind::kCenteredStatic, u"Please wait a few", {6, 26, 148, 11}},
+    {kReinitWaitLine2Id, ControlKind::kCenteredStatic, u"seconds...", {6, 40, 148, 11}},
+}};
+
 }  // namespace
 
 constexpr DialogTemplate kLearningDialog{134, u"Learning",       160,
@@ -61,5 +73,9 @@ constexpr DialogTemplate kAboutDialog{135, u"About", 160, 167, {}};
 
 /// The caption is not about what the page does; it is the one that the page has always had.
 constexpr DialogTemplate kConnectionDialog{130, u"Skins", 159, 167, kConnectionControls};
+constexpr DialogTemplate kTestResultsDialog{140, u"Test", 160, 167, kTestControls};
+
+/// High enough for the progress bar, which ends 120 pixels down.
+constexpr DialogTemplate kReinitDialog{138, u"Reinitialization", 160, 82, kReinitControls};
 
 }  // namespace resources

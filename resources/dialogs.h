@@ -28,11 +28,21 @@ inline constexpr int kDefaultsButtonId = 1006;
 inline constexpr int kSaveButtonId = 1007;
 inline constexpr int kNoHangUpCheckId = 1018;
 
+// Controls of the Test dialog.
+inline constexpr int kTestListId = 1026;
+inline constexpr int kTestHelpId = 142;  ///< A picture, of the same number.
+
+// Controls of the dialog that waits while every template is computed anew.
+inline constexpr int kReinitWaitLine1Id = 1023;
+inline constexpr int kReinitWaitLine2Id = 1024;
+
 /// Command that the Learning page sends itself once it is set up.
 inline constexpr int kCheckVersionCommand = 2222;
 
 extern const DialogTemplate kLearningDialog;
 extern const DialogTemplate kAboutDialog;
 extern const DialogTemplate kConnectionDialog;
+extern const DialogTemplate kTestResultsDialog;
+extern const DialogTemplate kReinitDialog;
 
 }  // namespace resources

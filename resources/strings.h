@@ -138,6 +138,29 @@ inline constexpr std::u16string_view kVoxtrelCaption = u"Zedra Voxtrel";
 /// Caption of the boxes about the numbers of a contact just chosen; the companion's name.
 inline constexpr std::u16string_view kDialerCaption = u"Zedra Dialer";
 inline constexpr std::u16string_view kBackPointerMissing = u"error set_Pageone_point";
+/// The walk over the recordings behind a test of no tags; language files never had a text for it.
+inline constexpr std::u16string_view kTestSearchFailed = u"Error in FindNextFile";
+/// No recording can be found although there are voice tags.
+inline constexpr std::u16string_view kNoRecordings = u"Error";
+/// The waiting dialog was given no page.
+inline constexpr std::u16string_view kReinitWithoutPage = u"Error == 0";
+
+// Faults that language files in use know nothing of; a key of their own would show as nothing.
+
+/// The names of the tags follow, then what to do.
+inline constexpr std::u16string_view kTagsNotCompared =
+    u"No voice template can be read for these voice tags:";
+inline constexpr std::u16string_view kRecordTagsAnew = u"Delete them and record them again.";
+inline constexpr std::u16string_view kTagsWithoutName =
+    u"Some voice tags were not read, or were removed because their contact is gone. "
+    u"Close Zedra Voxtrel and open it again.";
+/// The tag whose template could not be written stands before it.
+inline constexpr std::u16string_view kReinitStopped =
+    u"This voice tag and those after it were not computed anew. Make room on the device, close "
+    u"this window, and record again the voice tags that are not recognized.";
+inline constexpr std::u16string_view kReinitNotStarted =
+    u"The voice tags cannot be computed anew: the device is too busy. Record again those that are "
+    u"not recognized.";
 /// Indexed by the stored code of the kind.
 inline constexpr std::array<std::u16string_view, 10> kNumberFailedOnSelection = {
     u"Failed to get car phone number",         u"Failed to get Radio phone number",

@@ -9,6 +9,9 @@
 
 #include "audio/wave_device.h"
 #include "language/texts.h"
+#include "maintenance/reinit_progress_dialog.h"
+#include "maintenance/tag_session.h"
+#include "maintenance/test_dialog.h"
 #include "platform/framework/property_sheet.h"
 #include "platform/platform.h"
 #include "storage/tag_record.h"
@@ -19,13 +22,18 @@
 
 namespace tags {
 
+/// Whoever holds the mutex of this name is the one open Learning page of this device.
+inline constexpr std::u16string_view kInstanceMutex = u"ZedraD";
+
 /// The Learning page: the user picks a contact and one of its numbers, presses Record and says the
 /// name, and has a voice tag; listens to tags, and deletes them.
 ///
 /// Owns what all pages share for the life of the sheet. Lives on the user-interface thread; while a
 /// recording runs, its worker uses the recording path and the audio device, and this thread
 /// neither.
-class Page_one : public framework::CPropertyPage, private ContactView {
+class Page_one : public framework::CPropertyPage,
+                 private ContactView,
+                 private maintenance::TagSession {
  public:
   /// Makes the install folders. `platform` is kept as a copy; what it refers to outlives the page.
   Page_one(const platform::Platform& platform, const language::Texts& texts);
@@ -38,8 +46,14 @@ class Page_one : public framework::CPropertyPage, private ContactView {
   bool OnInitDialog() override;
   void OnCommand(int id, platform::CommandEvent event) override;
 
-  [[nodiscard]] const storage::TagTable& GetTags() const { return m_tags; }
+  [[nodiscard]] const storage::TagTable& GetTags() const override { return m_tags; }
   [[nodiscard]] const ContactPicker& GetPicker() const { return m_picker; }
+  [[nodiscard]] const maintenance::TestDialog& GetTestDialog() const { return m_testDialog; }
+
+  /// Whether no other page of the device has the tags.
+  [[nodiscard]] bool IsOnlyInstance() const { return m_onlyInstance != nullptr; }
+  /// Whether the page opened to its end, with its contacts and its tags.
+  [[nodiscard]] bool IsSetUp() const { return m_isSetUp; }
 
   /// What the player answered last; it tells the user nothing.
   [[nodiscard]] int GetPlayCode() const { return m_playCode; }
@@ -72,6 +86,13 @@ class Page_one : public framework::CPropertyPage, private ContactView {
   [[nodiscard]] bool StoreTag(std::u16string_view tagName);
   void ListNewTag(std::u16string_view tagName);
 
+  // What looks after the tags.
+  void OnTest();
+  void OnCheckVersion();
+  [[nodiscard]] voicemath::CVoiceMathematics& GetMathematics() override { return m_mathematics; }
+  [[nodiscard]] platform::Event* GetWorkerEvent() override { return m_workerEvent.get(); }
+  [[nodiscard]] platform::Thread* GetReinitWorker() override { return m_reinitWorker.get(); }
+
   // List and deletion.
   void LoadTagList();
   [[nodiscard]] bool LoadTag(std::u16string_view tagName, std::int32_t& slot, bool& isStale);
@@ -91,12 +112,16 @@ class Page_one : public framework::CPropertyPage, private ContactView {
   ContactPicker m_picker;
   storage::TagTable m_tags;
   voicemath::CVoiceMathematics m_mathematics;
+  maintenance::ReinitProgressDialog m_reinitDialog;
+  maintenance::TestDialog m_testDialog;
+  std::unique_ptr<platform::Thread> m_reinitWorker;  ///< While its dialog runs.
   std::unique_ptr<audio::WaveDevice> m_audio;
   std::u16string m_recordingPath;
   std::u16string m_listText;  ///< Of the tag listed last.
   /// Set by the recording thread where the process was to end: nothing may be done any more.
   std::atomic<bool> m_processEnded = false;
   int m_playCode = 0;
+  bool m_isSetUp = false;
 };
 
 }  // namespace tags

@@ -1,9 +1,8 @@
 // The Learning page opens: contacts, tag list, buttons.
 
-#include <string_view>
-
 #include "audio/wave_header.h"
 #include "language/formatting.h"
+#include "platform/framework/wait_cursor.h"
 #include "resources/dialogs.h"
 #include "resources/strings.h"
 #include "storage/folders.h"
@@ -11,32 +10,15 @@
 #include "tags/page_one.h"
 
 namespace tags {
-namespace {
-
-/// Whoever holds it is the one open Learning page of this device.
-constexpr std::u16string_view kInstanceMutex = u"ZedraD";
-
-/// The cursor that says "wait", for as long as this lives.
-class WaitCursor {
- public:
-  explicit WaitCursor(platform::Ui& ui) : m_ui(ui) { m_ui.SetCursor(platform::Cursor::kWait); }
-  WaitCursor(const WaitCursor&) = delete;
-  WaitCursor& operator=(const WaitCursor&) = delete;
-  ~WaitCursor() { m_ui.SetCursor(platform::Cursor::kNormal); }
-
- private:
-  platform::Ui& m_ui;
-};
-
-}  // namespace
-
 Page_one::Page_one(const platform::Platform& platform, const language::Texts& texts)
     : CPropertyPage(resources::kLearningDialog, platform.ui),
       m_platform(platform),
       m_texts(texts),
       m_store(platform.files, platform.registry),
       m_picker(platform.contacts, *this),
-      m_mathematics(platform.files, platform.ui) {
+      m_mathematics(platform.files, platform.ui),
+      m_reinitDialog(platform, texts),
+      m_testDialog(platform, texts) {
   storage::CreateInstallFolders(m_platform.files);
 }
 
@@ -51,11 +33,12 @@ void Page_one::Serialize(framework::CArchive& archive) { m_mathematics.Serialize
 
 bool Page_one::OnInitDialog() {
   CPropertyPage::OnInitDialog();
+  m_isSetUp = false;
   if (!BecomeOnlyInstance()) {
     m_platform.process.End(0);
     return true;
   }
-  const WaitCursor wait(m_platform.ui);
+  const framework::WaitCursor wait(m_platform.ui);
   m_workerEvent = m_platform.threads.CreateManualResetEvent();
   m_audio = std::make_unique<audio::WaveDevice>(m_platform);
   m_audio->SetFormat(audio::kRecordingBits, audio::kRecordingRate);
@@ -66,6 +49,10 @@ bool Page_one::OnInitDialog() {
   EnableButtons();
   ShowCount();
   TranslateControls();
+  m_testDialog.set_Pageone_point(this);
+  m_reinitDialog.set_Pageone_point(this);
+  m_isSetUp = true;
+  GetWindow().PostCommand(resources::kCheckVersionCommand);
   return true;
 }
 
@@ -153,6 +140,12 @@ void Page_one::OnCommand(int id, platform::CommandEvent event) {
       break;
     case resources::kDeleteAllButtonId:
       OnDeleteAll();
+      break;
+    case resources::kTestButtonId:
+      OnTest();
+      break;
+    case resources::kCheckVersionCommand:
+      OnCheckVersion();
       break;
     default:
       break;

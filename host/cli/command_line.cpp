@@ -6,6 +6,7 @@
 #include "host/cli/connection_commands.h"
 #include "host/cli/contacts_commands.h"
 #include "host/cli/language_commands.h"
+#include "host/cli/maintenance_commands.h"
 #include "host/cli/output.h"
 #include "host/cli/registry_commands.h"
 #include "host/cli/session.h"
@@ -33,6 +34,8 @@ constexpr const char* kFooter = R"(Examples:
   voxtrel --contacts all.vcf contacts list    whom a voice tag can be for
   voxtrel tags learn --contact "Lee Ann" --number Mobile
   voxtrel tags list                           the voice tags there are
+  voxtrel tags test                           which voice tags sound too much alike
+  voxtrel check                               whether the voice tags are as they should be
   voxtrel connection set port=COM1: baud-rate=115200
                                               the dialer's serial port
   voxtrel status                              what is missing on this machine
@@ -83,6 +86,7 @@ int RunCommand(int argc, const char* const* argv) {
   AddRegistryCommands(app, session);
   AddContactsCommands(app, session);
   AddTagsCommands(app, session);
+  AddMaintenanceCommands(app, session);
   AddConnectionCommands(app, session);
   AddStatusCommands(app, session);
 

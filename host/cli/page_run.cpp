@@ -1,7 +1,11 @@
 #include "host/cli/page_run.h"
 
+#include <memory>
+
+#include "host/cli/reinit_screen.h"
 #include "language/language_table.h"
 #include "platform/framework/property_sheet.h"
+#include "resources/dialogs.h"
 #include "resources/strings.h"
 #include "storage/device_paths.h"
 
@@ -26,12 +30,20 @@ void RunPage(Session& session, const std::function<void(PageRun&)>& use) {
   tags::Page_one page(session.GetPlatform(), texts);
   framework::CPropertySheet sheet(texts(resources::kSheetCaption), session.GetUi());
   sheet.AddPage(page);
+  const auto wasReinitialized = std::make_shared<bool>(false);
+  session.GetUi().SetDialogStory(resources::kReinitDialog.id,
+                                 [wasReinitialized](headless::HeadlessDialog& window) {
+                                   *wasReinitialized = true;
+                                   WatchReinit(window);
+                                 });
   session.GetUi().SetSheetStory([&](headless::HeadlessSheet& window) {
     if (session.HasEnded()) {
-      session.Fail("the tags are in use by another Voxtrel; close it and try again");
-      return;
+      if (!page.IsOnlyInstance()) {
+        session.Fail("the tags are in use by another Voxtrel; close it and try again");
+      }
+      return;  // Else a message has told why.
     }
-    PageRun run{page, *window.ShowPage(0)};
+    PageRun run{page, *window.ShowPage(0), *wasReinitialized};
     use(run);
   });
   sheet.DoModal();

@@ -17,6 +17,7 @@ namespace cli {
 struct PageRun {
   tags::Page_one& page;
   headless::HeadlessDialog& dialog;
+  bool wasReinitialized = false;  ///< Every template was computed anew when it opened.
 };
 
 /// Opens the page, hands it to `use`, and closes it. Where it does not open, as when a window has

@@ -40,6 +40,7 @@ Session::~Session() = default;
 platform::Platform Session::GetPlatform() { return GetPlatform(m_backends.GetClock()); }
 
 platform::Platform Session::GetPlatform(platform::Clock& clock) {
+  m_ui.UseThreads(m_backends.GetThreads());
   return {m_backends.GetFiles(),
           m_backends.GetWaveIn(),
           clock,

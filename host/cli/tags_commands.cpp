@@ -10,6 +10,7 @@
 
 #include "host/cli/output.h"
 #include "host/cli/page_run.h"
+#include "host/cli/tags_test_command.h"
 #include "platform/text/names.h"
 #include "platform/text/utf.h"
 #include "resources/dialogs.h"
@@ -221,7 +222,7 @@ void AddName(CLI::App& command, Arguments& arguments) {
 }  // namespace
 
 void AddTagsCommands(CLI::App& app, Session& session) {
-  CLI::App* group = app.add_subcommand("tags", "Learn, list, play and delete voice tags");
+  CLI::App* group = app.add_subcommand("tags", "Learn, list, test, play and delete voice tags");
   group->require_subcommand(1);
   const auto arguments = std::make_shared<Arguments>();
 
@@ -232,6 +233,7 @@ void AddTagsCommands(CLI::App& app, Session& session) {
                     "Kind of the number, as Mobile or Home (default: the first in the list)");
   learn->callback([&session, arguments] { Learn(session, arguments->contact, arguments->kind); });
 
+  AddTagsTestCommand(*group, session);
   group->add_subcommand("list", "List the learned tags")->callback([&session] { List(session); });
 
   CLI::App* play = group->add_subcommand("play", "Play a tag's recording");

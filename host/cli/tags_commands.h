@@ -6,7 +6,7 @@
 
 namespace cli {
 
-/// voxtrel tags learn|list|play|delete|delete-all
+/// voxtrel tags learn|list|test|play|delete|delete-all
 void AddTagsCommands(CLI::App& app, Session& session);
 
 }  // namespace cli

@@ -126,9 +126,9 @@ void HeadlessDialog::DeliverPosted() {
   }
 }
 
-bool HeadlessDialog::WaitForEnd() {
+bool HeadlessDialog::WaitForEnd(std::uint32_t milliseconds) {
   return GetResult() ||
-         (m_ended && m_ended->Wait(platform::kNoLimit) == platform::WaitResult::kSignalled);
+         (m_ended && m_ended->Wait(milliseconds) == platform::WaitResult::kSignalled);
 }
 
 void HeadlessDialog::SetText(int id, std::u16string_view text) {

@@ -69,8 +69,9 @@ class HeadlessDialog final : public platform::DialogWindow {
   /// up; what is posted during a user's doing comes right after it by itself.
   void DeliverPosted();
 
-  /// Waits until the dialog was ended; false where nothing can end it any more.
-  bool WaitForEnd();
+  /// Waits until the dialog was ended, for at most `milliseconds`; false where it was not, which
+  /// without a limit means that nothing can end it any more.
+  bool WaitForEnd(std::uint32_t milliseconds = platform::kNoLimit);
 
   // What the page asks for.
 

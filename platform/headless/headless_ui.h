@@ -48,6 +48,9 @@ class HeadlessUi final : public platform::Ui {
                               std::span<const platform::SheetPage> pages,
                               platform::SheetHandler& handler) override;
 
+  /// Serves dialogs that end by themselves from now on; outlives them.
+  void UseThreads(platform::Threads& threads) { m_threads = &threads; }
+
   /// What is done with the dialog of that number whenever it is shown, and with any sheet.
   void SetDialogStory(int dialog, DialogStory story);
   void SetSheetStory(SheetStory story);
@@ -71,7 +74,7 @@ class HeadlessUi final : public platform::Ui {
   std::vector<ShownMessage> m_messages;
   int m_beeps = 0;
   platform::Cursor m_cursor = platform::Cursor::kNormal;
-  platform::Threads* const m_threads;
+  platform::Threads* m_threads;
   std::map<int, DialogStory> m_dialogStories;
   SheetStory m_sheetStory;
 };

@@ -49,6 +49,7 @@ class PageFixture : public testing::Test {
     m_dialog = std::make_unique<headless::HeadlessDialog>(resources::kLearningDialog, *m_page,
                                                           &m_machine.simulation);
     m_page->OnInitDialog();
+    m_dialog->DeliverPosted();
     return *m_dialog;
   }
 

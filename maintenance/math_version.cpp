@@ -1,0 +1,62 @@
+#include "maintenance/math_version.h"
+
+#include <cstddef>
+#include <vector>
+
+#include "storage/registry_keys.h"
+#include "storage/tag_entry.h"
+#include "storage/utf16_bytes.h"
+
+namespace maintenance {
+namespace {
+
+using platform::RegistryError;
+
+constexpr std::int32_t kVersion = 3;
+constexpr std::u16string_view kVersionText = u"3";
+
+/// Room that the value is read into; a longer one counts as having no text.
+constexpr std::size_t kMostBytes = 32;
+
+// The value is written with one length where it was missing and with another where it was there.
+// The two lengths differ on purpose, since both are what stands in stores in use.
+constexpr std::size_t kBytesWhereMissing = 8;
+constexpr std::size_t kBytesWhereOther = 32;
+
+RecordedVersion ReadFrom(platform::RegistryKey& key) {
+  platform::RegistryValue value;
+  const RegistryError error = key.Query(storage::kMathVersionValue, value);
+  if (error != RegistryError::kNone) {
+    return error == RegistryError::kNotFound ? RecordedVersion::kMissing
+                                             : RecordedVersion::kUnknown;
+  }
+  const bool isCurrent = value.bytes.size() <= kMostBytes &&
+                         storage::ParseOid(storage::TextOfValue(value)) == kVersion;
+  return isCurrent ? RecordedVersion::kCurrent : RecordedVersion::kOther;
+}
+
+}  // namespace
+
+RecordedVersion ReadVersion(platform::Registry& registry) {
+  const platform::OpenedKey opened = registry.OpenKey(storage::kSetupKey);
+  return opened.key ? ReadFrom(*opened.key) : RecordedVersion::kUnknown;
+}
+
+bool UpdateVersion(platform::Registry& registry) {
+  const platform::OpenedKey opened = registry.OpenKey(storage::kSetupKey);
+  if (!opened.key) {
+    return false;
+  }
+  const RecordedVersion recorded = ReadFrom(*opened.key);
+  if (recorded != RecordedVersion::kMissing && recorded != RecordedVersion::kOther) {
+    return false;
+  }
+  std::vector<std::byte> bytes = storage::ToUtf16Bytes(kVersionText);
+  bytes.resize(recorded == RecordedVersion::kMissing ? kBytesWhereMissing : kBytesWhereOther);
+  // Where that fails the work is done all the same, and once more the next time.
+  static_cast<void>(
+      opened.key->Set(storage::kMathVersionValue, platform::RegistryType::kString, bytes));
+  return true;
+}
+
+}  // namespace maintenance

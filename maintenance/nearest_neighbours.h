@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <span>
+#include <vector>
+
+#include "voicemath/voice_mathematics.h"
+
+namespace maintenance {
+
+/// What is found of the template that is most easily taken for another one.
+struct Neighbour {
+  /// No template was nearer than the start of the search.
+  static constexpr std::int32_t kNone = -2;
+
+  std::int32_t index = kNone;
+  float distance = 100.0F;  ///< Where the search starts: beyond every distance there is.
+};
+
+/// Distance of two templates by their indices, the one that is searched for first.
+using DistanceOf = std::function<float(std::int32_t, std::int32_t)>;
+
+/// The nearest other one for each of the templates 0 to `count` - 1; of several at the same
+/// distance the one with the lowest index.
+[[nodiscard]] std::vector<Neighbour> FindNearest(std::int32_t count, const DistanceOf& distance);
+
+/// Likewise over the slots 0 to `count` - 1 of the mathematics.
+[[nodiscard]] std::vector<Neighbour> FindNearest(const voicemath::CVoiceMathematics& mathematics,
+                                                 std::int32_t count);
+
+/// One row of the table that the Test dialog shows: two tags by their places in the tag table.
+struct NeighbourRow {
+  std::int32_t tag = 0;
+  std::int32_t neighbour = Neighbour::kNone;
+};
+
+/// The rows by distance, the most confusable first; equal distances stay in the order of the tags.
+using NeighbourTable = std::multimap<float, NeighbourRow>;
+
+/// `tags` tells for each template which tag it belongs to.
+[[nodiscard]] NeighbourTable ToTable(std::span<const Neighbour> nearest,
+                                     std::span<const std::int32_t> tags);
+
+/// For each of `count` tags how many have it as their nearest.
+[[nodiscard]] std::vector<std::int32_t> CountConfusions(const NeighbourTable& table,
+                                                        std::int32_t count);
+
+/// Likeness in percent, truncated; 0 for a distance of 1 and above.
+[[nodiscard]] std::int32_t ToScore(float distance);
+
+}  // namespace maintenance

@@ -1,0 +1,112 @@
+#include "maintenance/reinit_progress_dialog.h"
+
+#include <string>
+
+#include "maintenance/page_header.h"
+#include "maintenance/reinit_monitor.h"
+#include "resources/dialogs.h"
+#include "resources/strings.h"
+
+namespace maintenance {
+namespace {
+
+// The bar on the dialog, in pixels.
+constexpr int kBarMargin = 10;
+constexpr int kBarTop = 100;
+constexpr int kBarBottom = 120;
+
+constexpr platform::Font kWaitFont{u"Tahoma", 14, platform::kBoldWeight};
+
+}  // namespace
+
+ReinitProgressDialog::ReinitProgressDialog(const platform::Platform& platform,
+                                           language::Texts texts)
+    : CDialog(resources::kReinitDialog, platform.ui), m_platform(platform), m_texts(texts) {}
+
+void ReinitProgressDialog::set_Pageone_point(TagSession* page) {
+  m_page = page;
+  if (page == nullptr) {
+    m_platform.ui.ShowMessage(
+        platform::ApplicationBox(std::u16string(resources::kBackPointerMissing)));
+  }
+}
+
+bool ReinitProgressDialog::OnInitDialog() {
+  CDialog::OnInitDialog();
+  m_isGone = false;
+  m_mayClose = false;
+  m_hasFonts = false;
+  const std::int32_t tagCount = m_page == nullptr ? 0 : m_page->GetTags().tagCount;
+  if (tagCount == 0) {
+    EndDialog(0);
+    return true;
+  }
+  CreateBar(tagCount);
+  if (m_texts.IsLanguageFileLoaded()) {
+    GetWindow().SetText(resources::kReinitWaitLine1Id, m_texts(resources::kReinitWaitLine1));
+    GetWindow().SetText(resources::kReinitWaitLine2Id, m_texts(resources::kReinitWaitLine2));
+  }
+  if (!StartMonitor(tagCount)) {
+    m_platform.ui.ShowMessage(
+        platform::ApplicationBox(std::u16string(resources::kReinitNotStarted)));
+    EndDialog(0);
+  }
+  return true;
+}
+
+void ReinitProgressDialog::CreateBar(std::int32_t tagCount) {
+  const platform::Rect client = GetWindow().GetClientRect();
+  GetWindow().CreateProgressBar(
+      resources::kProgressBarId,
+      {.rect = {client.left + kBarMargin, kBarTop, client.right - kBarMargin, kBarBottom},
+       .minimum = 0,
+       .maximum = tagCount,
+       .step = 1,
+       .isSmooth = true});
+}
+
+bool ReinitProgressDialog::StartMonitor(std::int32_t tagCount) {
+  m_done = m_platform.threads.CreateManualResetEvent();
+  if (!m_done || m_page->GetWorkerEvent() == nullptr || m_page->GetReinitWorker() == nullptr) {
+    return false;
+  }
+  m_monitor = m_platform.threads.Start(
+      [this, tagCount] { ReinitMonitor(m_platform, m_page, *this).Run(tagCount); },
+      platform::ThreadStart::kRunning);
+  return m_monitor != nullptr;
+}
+
+void ReinitProgressDialog::Step() { GetWindow().StepProgress(resources::kProgressBarId); }
+
+void ReinitProgressDialog::OnPaint(platform::Canvas& canvas) {
+  PaintHeader(canvas, m_texts(resources::kReinitTitle));
+  if (!m_hasFonts) {
+    // Once, for a new font has the text painted again.
+    m_hasFonts = true;
+    GetWindow().SetFont(resources::kReinitWaitLine1Id, kWaitFont);
+    GetWindow().SetFont(resources::kReinitWaitLine2Id, kWaitFont);
+  }
+}
+
+void ReinitProgressDialog::OnOK() { OnCancel(); }
+
+void ReinitProgressDialog::OnCancel() {
+  if (m_mayClose) {
+    CDialog::OnCancel();
+  }
+}
+
+void ReinitProgressDialog::Detach() {
+  m_isGone = true;
+  if (m_monitor) {
+    m_page->GetWorkerEvent()->Set();
+    static_cast<void>(m_monitor->Wait(platform::kNoLimit));
+    // The monitor has resumed it.
+    static_cast<void>(m_page->GetReinitWorker()->Wait(platform::kNoLimit));
+    m_monitor.reset();
+  }
+  m_done.reset();
+  CDialog::Detach();
+}
+
+}  // namespace maintenance

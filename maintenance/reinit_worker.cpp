@@ -1,0 +1,130 @@
+#include "maintenance/reinit_worker.h"
+
+#include <algorithm>
+#include <string>
+
+#include "resources/strings.h"
+#include "storage/device_paths.h"
+#include "voicemath/template_file.h"
+
+namespace maintenance {
+
+using platform::FileError;
+
+namespace {
+
+constexpr std::uint32_t kMillisecondsBeforeFile = 300;
+
+/// The longest that the dialog stays after the last recording, where the bar has steps left.
+constexpr std::uint32_t kLongestWaitForBar = 10'000;
+
+/// What the list shows for the tag of a recording; the bare name where no tag has it.
+std::u16string_view FindDisplayText(const storage::TagTable& tags, std::u16string_view tagName) {
+  const std::int32_t count = std::min(tags.tagCount, storage::TagTable::kCapacity);
+  for (std::int32_t i = 0; i < count; ++i) {
+    const storage::TagRecord& record = *tags.GetRecord(i);
+    if (record.GetTagName() == tagName && !record.GetDisplayText().empty()) {
+      return record.GetDisplayText();
+    }
+  }
+  return tagName;
+}
+
+}  // namespace
+
+ReinitWorker::ReinitWorker(const platform::Platform& platform, language::Texts texts,
+                           TagSession& page, ReinitProgress& progress)
+    : m_platform(platform),
+      m_texts(texts),
+      m_page(page),
+      m_progress(progress),
+      m_store(platform.files, platform.registry) {}
+
+void ReinitWorker::Run() {
+  if (m_page.GetTags().tagCount == 0) {
+    m_progress.End();
+    return;
+  }
+  m_mathematics = std::make_unique<voicemath::CVoiceMathematics>(m_platform.files, m_platform.ui);
+  if (ProcessAll()) {
+    // Once more, since two sets before one reset are one step of the bar.
+    m_page.GetWorkerEvent()->Set();
+    static_cast<void>(m_progress.GetDoneEvent().Wait(kLongestWaitForBar));
+    m_progress.End();
+  }
+  m_mathematics.reset();
+}
+
+bool ReinitWorker::ProcessAll() {
+  platform::StartedSearch started = m_store.FindRecordings();
+  if (!started.search) {
+    ReportNoRecordings();
+    return false;
+  }
+  FileError found = FileError::kNone;
+  while (found != FileError::kNoMoreFiles && !m_progress.IsGone()) {
+    if (found != FileError::kNone) {
+      ReportSearchFailure();
+    } else if (!Recompute(started.first.name)) {
+      ReportNotWritten(started.first.name);
+      m_progress.LetUserClose();
+      return false;
+    } else {
+      m_page.GetWorkerEvent()->Set();
+    }
+    found = started.search->Next(started.first);
+  }
+  return true;
+}
+
+bool ReinitWorker::Recompute(std::u16string_view waveFile) {
+  const std::u16string templatePath = storage::TemplatePathOfWaveFile(waveFile);
+  m_platform.clock.Sleep(kMillisecondsBeforeFile);
+  static_cast<void>(m_platform.files.Delete(templatePath));
+  m_mathematics->m_wavePath = storage::WaveFilePath(waveFile);
+  // The first trims the recording once more; the template of the second, over all of what is left,
+  // is the one that is stored. Both are made for every recording.
+  static_cast<void>(m_mathematics->LearnFile(0));
+  if (m_mathematics->ProcessFile(0) != voicemath::kLearned) {
+    // Its message has been shown. The slot still holds the template of the recording before, which
+    // must not be stored for this one.
+    return true;
+  }
+  if (voicemath::WriteTemplateFile(m_platform.files, templatePath, *m_mathematics) !=
+      voicemath::TemplateFileResult::kDone) {
+    // Half a template is worse than none.
+    static_cast<void>(m_platform.files.Delete(templatePath));
+    return false;
+  }
+  return true;
+}
+
+void ReinitWorker::ReportNoRecordings() {
+  m_platform.ui.ShowMessage(
+      {std::u16string(resources::kNoRecordings), platform::MessageCaption::kText,
+       std::u16string(resources::kVoxtrelCaption), platform::MessageStyle::kTopmost});
+  m_platform.process.End(0);
+  // Only where the process goes on without the applet.
+  m_progress.End();
+}
+
+void ReinitWorker::ReportSearchFailure() {
+  std::u16string text(m_texts(resources::kReinitSearchFailed));
+  if (m_texts.IsLanguageFileLoaded()) {
+    m_platform.ui.ShowMessage(platform::ApplicationBox(std::move(text)));
+  } else {
+    m_platform.ui.ShowMessage(
+        {std::move(text), platform::MessageCaption::kNone, {}, platform::MessageStyle::kOk});
+  }
+}
+
+void ReinitWorker::ReportNotWritten(std::u16string_view waveFile) {
+  std::u16string text(m_texts(resources::kReinitTemplateNotCreated));
+  text.append(u"\n\n")
+      .append(FindDisplayText(m_page.GetTags(), storage::TagNameOfWaveFile(waveFile)))
+      .append(u"\n\n")
+      .append(resources::kReinitStopped);
+  m_platform.ui.ShowMessage(platform::ApplicationBox(std::move(text)));
+}
+
+}  // namespace maintenance

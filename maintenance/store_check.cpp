@@ -1,0 +1,200 @@
+#include "maintenance/store_check.h"
+
+#include <algorithm>
+#include <bit>
+#include <memory>
+#include <optional>
+#include <span>
+
+#include "maintenance/math_version.h"
+#include "platform/text/names.h"
+#include "storage/device_paths.h"
+#include "storage/phone_types.h"
+#include "storage/registry_keys.h"
+#include "storage/tag_record.h"
+#include "storage/tag_store.h"
+#include "voicemath/template_file.h"
+#include "voicemath/voice_mathematics.h"
+
+namespace maintenance {
+namespace {
+
+using platform::FileError;
+using platform::RegistryError;
+
+// Slots of the mathematics.
+constexpr std::int32_t kComputedSlot = 0;
+constexpr std::int32_t kStoredSlot = 1;
+
+/// A decimal number with a sign only where it is negative, short enough for the applet to keep.
+bool IsTagName(std::u16string_view name) {
+  constexpr std::size_t kMostUnits = std::tuple_size_v<decltype(storage::TagRecord::tagName)> - 1;
+  const std::u16string_view digits = name.substr(name.starts_with(u'-') ? 1 : 0);
+  return !digits.empty() && name.size() <= kMostUnits &&
+         std::ranges::all_of(digits, [](char16_t c) { return c >= u'0' && c <= u'9'; });
+}
+
+bool AreSameBits(std::span<const float> a, std::span<const float> b) {
+  return std::ranges::equal(
+      a, b, {}, [](float value) { return std::bit_cast<std::uint32_t>(value); },
+      [](float value) { return std::bit_cast<std::uint32_t>(value); });
+}
+
+class Checker {
+ public:
+  Checker(const platform::Platform& platform, ContactsState contacts)
+      : m_platform(platform),
+        m_contacts(contacts),
+        m_store(platform.files, platform.registry),
+        m_mathematics(platform.files, platform.ui) {}
+
+  std::vector<StoreFinding> Run() {
+    ReadTags();
+    if (!m_tags.empty()) {
+      CheckVersion();
+    }
+    for (const std::u16string& tag : m_tags) {
+      CheckEntry(tag);
+      CheckFiles(tag);
+    }
+    CheckFolder(storage::kWavePattern, storage::kWaveExtension, StoreProblem::kRecordingWithoutTag);
+    CheckFolder(storage::kTemplatePattern, storage::kTemplateExtension,
+                StoreProblem::kTemplateWithoutTag);
+    return std::move(m_findings);
+  }
+
+ private:
+  void Report(StoreProblem problem, std::u16string_view tag = {}) {
+    m_findings.push_back({problem, std::u16string(tag)});
+  }
+
+  void ReadTags() {
+    const platform::OpenedKey tags = m_platform.registry.OpenKey(storage::kTagKey);
+    RegistryError error = tags.error;
+    std::u16string name;
+    for (std::uint32_t i = 0; error == RegistryError::kNone; ++i) {
+      error = tags.key->EnumerateSubkey(i, name);
+      if (error == RegistryError::kNone) {
+        m_tags.push_back(name);
+      }
+    }
+    if (error != RegistryError::kNoMoreItems && error != RegistryError::kNotFound) {
+      Report(StoreProblem::kRegistryUnreadable);
+      m_hasAllTags = false;
+    }
+    if (m_tags.size() > static_cast<std::size_t>(storage::TagTable::kCapacity)) {
+      Report(StoreProblem::kTooManyTags);
+    }
+  }
+
+  void CheckVersion() {
+    const RecordedVersion version = ReadVersion(m_platform.registry);
+    if (version == RecordedVersion::kMissing || version == RecordedVersion::kOther) {
+      Report(StoreProblem::kOtherVersion);
+    }
+  }
+
+  void CheckEntry(const std::u16string& tag) {
+    if (!IsTagName(tag)) {
+      Report(StoreProblem::kTagName, tag);
+    }
+    storage::TagEntry entry;
+    if (m_store.ReadEntry(tag, entry) != RegistryError::kNone) {
+      Report(StoreProblem::kRegistryUnreadable, tag);
+      return;
+    }
+    if (!entry.oid) {
+      Report(StoreProblem::kContact, tag);
+    } else if (m_contacts == ContactsState::kOpen) {
+      std::unique_ptr<platform::Contact> contact;
+      if (m_platform.contacts.GetItemFromOid(*entry.oid, contact) ==
+          platform::ContactLookup::kAbsent) {
+        Report(StoreProblem::kContactGone, tag);
+      }
+    }
+    if (!storage::FindPhoneType(entry.phoneType)) {
+      Report(StoreProblem::kPhoneType, tag);
+    }
+  }
+
+  void CheckFiles(const std::u16string& tag) {
+    const bool hasRecording = CheckRecording(tag);
+    m_mathematics.m_loadSlot = kStoredSlot;
+    const std::u16string path = storage::TemplatePath(tag);
+    using enum voicemath::TemplateFileResult;
+    switch (voicemath::ReadTemplateFile(m_platform.files, path, m_mathematics)) {
+      case kDone:
+        if (hasRecording && !AreSameBits(m_mathematics.GetTemplate(kComputedSlot),
+                                         m_mathematics.GetTemplate(kStoredSlot))) {
+          Report(StoreProblem::kTemplateStale, tag);
+        }
+        break;
+      case kTorn:
+        Report(StoreProblem::kTemplateTorn, tag);
+        break;
+      case kBadFormat:
+        Report(StoreProblem::kTemplateContradicting, tag);
+        break;
+      default:
+        Report(Exists(path) ? StoreProblem::kTemplateUnreadable : StoreProblem::kNoTemplate, tag);
+        break;
+    }
+  }
+
+  /// Computes the template of the recording; false where there is none.
+  [[nodiscard]] bool CheckRecording(const std::u16string& tag) {
+    m_mathematics.m_wavePath = storage::WavePath(tag);
+    if (!Exists(m_mathematics.m_wavePath)) {
+      Report(StoreProblem::kNoRecording, tag);
+      return false;
+    }
+    if (m_mathematics.ProcessFile(kComputedSlot) != voicemath::kLearned) {
+      Report(StoreProblem::kRecordingUnreadable, tag);
+      return false;
+    }
+    return true;
+  }
+
+  [[nodiscard]] bool Exists(std::u16string_view path) {
+    // Where it cannot be told, the file itself has to tell.
+    return m_platform.files.FindFirst(path).error != FileError::kNotFound;
+  }
+
+  void CheckFolder(std::u16string_view pattern, std::u16string_view extension,
+                   StoreProblem problem) {
+    if (!m_hasAllTags) {
+      return;  // Nobody can tell which files have none.
+    }
+    platform::StartedSearch started = m_platform.files.FindFirst(pattern);
+    FileError error = started.error;
+    while (error == FileError::kNone) {
+      const std::u16string_view file = started.first.name;
+      const std::u16string_view name = file.substr(0, file.size() - extension.size());
+      const bool isOfTag = std::ranges::any_of(
+          m_tags, [&](const std::u16string& tag) { return text::SameName(tag, name); });
+      if (!isOfTag && !started.first.isFolder) {
+        Report(problem, name);
+      }
+      error = started.search->Next(started.first);
+    }
+    if (error != FileError::kNoMoreFiles && error != FileError::kNotFound) {
+      Report(StoreProblem::kFolderUnreadable);
+    }
+  }
+
+  platform::Platform m_platform;
+  ContactsState m_contacts;
+  storage::TagStore m_store;
+  voicemath::CVoiceMathematics m_mathematics;
+  std::vector<std::u16string> m_tags;
+  bool m_hasAllTags = true;
+  std::vector<StoreFinding> m_findings;
+};
+
+}  // namespace
+
+std::vector<StoreFinding> CheckStore(const platform::Platform& platform, ContactsState contacts) {
+  return Checker(platform, contacts).Run();
+}
+
+}  // namespace maintenance

@@ -1,0 +1,67 @@
+// What the check of the store says about each kind of problem.
+
+#include "maintenance/store_check.h"
+
+namespace maintenance {
+namespace {
+
+struct Wording {
+  std::string_view word;
+  std::string_view sentence;
+};
+
+Wording WordingOf(StoreProblem problem) {
+  using enum StoreProblem;
+  switch (problem) {
+    case kRegistryUnreadable:
+      return {"registry-unreadable", "the settings cannot be read"};
+    case kFolderUnreadable:
+      return {"folder-unreadable", "not all files of the folder can be found"};
+    case kOtherVersion:
+      return {"other-version",
+              "the templates were made by another version; they are computed anew when the tags "
+              "are opened next"};
+    case kTooManyTags:
+      return {"too-many-tags", "there are more than 100 tags; those beyond are not compared"};
+    case kTagName:
+      return {"tag-name", "the name is not a number, as the names of recorded tags are"};
+    case kContact:
+      return {"contact", "the entry names no contact"};
+    case kPhoneType:
+      return {"phone-type", "the entry names no kind of telephone number"};
+    case kContactGone:
+      return {"contact-gone", "the contact does not exist any more"};
+    case kNoRecording:
+      return {"no-recording", "there is no recording"};
+    case kRecordingUnreadable:
+      return {"recording-unreadable", "the recording cannot be processed"};
+    case kNoTemplate:
+      return {"no-template", "there is no template"};
+    case kTemplateTorn:
+      return {"template-torn", "the template ends before its time"};
+    case kTemplateContradicting:
+      return {"template-contradicting", "the counts in the template do not agree"};
+    case kTemplateUnreadable:
+      return {"template-unreadable", "the template cannot be read"};
+    case kTemplateStale:
+      return {"template-stale", "the template is not what the recording gives"};
+    case kRecordingWithoutTag:
+      return {"recording-without-tag", "there is a recording and no tag"};
+    case kTemplateWithoutTag:
+      return {"template-without-tag", "there is a template and no tag"};
+  }
+  return {};
+}
+
+}  // namespace
+
+std::string_view ToWord(StoreProblem problem) { return WordingOf(problem).word; }
+
+std::string_view Describe(StoreProblem problem) { return WordingOf(problem).sentence; }
+
+bool IsRepairable(StoreProblem problem) {
+  return problem == StoreProblem::kNoTemplate || problem == StoreProblem::kTemplateTorn ||
+         problem == StoreProblem::kTemplateContradicting;
+}
+
+}  // namespace maintenance

@@ -1,0 +1,87 @@
+#include "maintenance/template_loading.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+
+#include "language/formatting.h"
+#include "resources/strings.h"
+#include "storage/device_paths.h"
+#include "storage/tag_store.h"
+#include "voicemath/template_file.h"
+
+namespace maintenance {
+
+using platform::FileError;
+
+namespace {
+constexpr auto kSlots = static_cast<std::int32_t>(voicemath::CVoiceMathematics::kStoredSlots);
+}  // namespace
+
+LoadedTemplates TemplateLoader::Load(const storage::TagTable& tags) {
+  m_loaded = {};
+  if (tags.tagCount == 0) {
+    LoadFolder();
+  } else {
+    LoadTags(tags);
+  }
+  return std::move(m_loaded);
+}
+
+void TemplateLoader::LoadTags(const storage::TagTable& tags) {
+  const std::int32_t count = std::min(tags.tagCount, kSlots);
+  m_loaded.wavePaths.resize(static_cast<std::size_t>(count));
+  for (std::int32_t tag = 0; tag < count; ++tag) {
+    const std::u16string_view name = tags.GetRecord(tag)->GetTagName();
+    if (name.empty()) {
+      // The place of a tag that was removed while the list was read, or was not reached.
+      m_loaded.hasNamelessTags = true;
+    } else if (!LoadTemplate(tag, storage::WavePath(name), storage::TemplatePath(name))) {
+      m_loaded.unread.push_back(tag);
+    }
+  }
+}
+
+void TemplateLoader::LoadFolder() {
+  const storage::TagStore store(m_platform.files, m_platform.registry);
+  platform::StartedSearch started = store.FindRecordings();
+  if (!started.search) {
+    m_platform.ui.ShowMessage(platform::ApplicationBox(language::NoVoiceTagsMessage(m_texts)));
+    m_loaded.hasProcessEnded = true;
+    m_platform.process.End(0);
+    return;
+  }
+  FileError found = FileError::kNone;
+  for (std::int32_t tag = 0; found != FileError::kNoMoreFiles && tag < kSlots;) {
+    if (found == FileError::kNone) {
+      const std::u16string path = storage::WaveFilePath(started.first.name);
+      m_loaded.wavePaths.resize(static_cast<std::size_t>(tag) + 1);
+      if (!LoadTemplate(tag, path, storage::TemplatePathOfWaveFile(path))) {
+        m_loaded.unread.push_back(tag);
+      }
+      ++tag;
+    } else {
+      m_platform.ui.ShowMessage({std::u16string(resources::kTestSearchFailed),
+                                 platform::MessageCaption::kNone,
+                                 {},
+                                 platform::MessageStyle::kOk});
+    }
+    found = started.search->Next(started.first);
+  }
+}
+
+bool TemplateLoader::LoadTemplate(std::int32_t tag, const std::u16string& wavePath,
+                                  std::u16string_view templatePath) {
+  const std::size_t slot = m_loaded.tags.size();
+  m_mathematics.m_loadSlot = static_cast<std::int32_t>(slot);
+  if (voicemath::ReadTemplateFile(m_platform.files, templatePath, m_mathematics) !=
+      voicemath::TemplateFileResult::kDone) {
+    return false;
+  }
+  m_mathematics.m_wavePaths[slot] = wavePath;
+  m_loaded.wavePaths[static_cast<std::size_t>(tag)] = wavePath;
+  m_loaded.tags.push_back(tag);
+  return true;
+}
+
+}  // namespace maintenance

@@ -1,0 +1,75 @@
+#include "maintenance/test_dialog.h"
+
+#include <utility>
+
+#include "maintenance/page_header.h"
+#include "platform/framework/wait_cursor.h"
+#include "resources/dialogs.h"
+#include "resources/strings.h"
+
+namespace maintenance {
+namespace {
+
+constexpr int kFirstExtent = 100;
+constexpr int kExtentBehindLine = 20;  ///< Room right of the longest line.
+
+constexpr std::u16string_view kHelpViewer = u"peghelp.exe";
+constexpr std::u16string_view kHelpCommandLine = u"file:ZedraVoxtrelPE_help.htm#test";
+
+}  // namespace
+
+TestDialog::TestDialog(const platform::Platform& platform, language::Texts texts)
+    : CDialog(resources::kTestResultsDialog, platform.ui), m_platform(platform), m_texts(texts) {}
+
+bool TestDialog::OnInitDialog() {
+  CDialog::OnInitDialog();
+  m_lines.clear();
+  m_isComplete = true;
+  const std::u16string message = Compare();
+  if (!message.empty()) {
+    m_isComplete = false;
+    m_platform.ui.ShowMessage(platform::ApplicationBox(message));
+  }
+  return true;
+}
+
+std::u16string TestDialog::Compare() {
+  const framework::WaitCursor wait(m_platform.ui);
+  if (m_page == nullptr || m_page->GetTags().tagCount < 2) {
+    return {};
+  }
+  GetWindow().SetHorizontalExtent(resources::kTestListId, kFirstExtent);
+  const storage::TagTable& tags = m_page->GetTags();
+  voicemath::CVoiceMathematics& mathematics = m_page->GetMathematics();
+  TemplateLoader loader(m_platform, m_texts, mathematics);
+  const LoadedTemplates loaded = loader.Load(tags);
+  const auto nearest = FindNearest(mathematics, static_cast<std::int32_t>(loaded.tags.size()));
+  m_lines = ToTestLines(tags, loaded, nearest);
+  ShowLines();
+  return UnreadTagsMessage(tags, loaded);
+}
+
+void TestDialog::ShowLines() {
+  platform::DialogWindow& window = GetWindow();
+  int extent = kFirstExtent;
+  for (const TestLine& line : m_lines) {
+    const int width = window.GetTextWidth(resources::kTestListId, line.text);
+    if (width > extent) {
+      extent = width + kExtentBehindLine;
+      window.SetHorizontalExtent(resources::kTestListId, extent);
+    }
+    window.AddItem(resources::kTestListId, line.text);
+  }
+}
+
+void TestDialog::OnCommand(int id, platform::CommandEvent event) {
+  if (id == resources::kTestHelpId && event == platform::CommandEvent::kClick) {
+    m_platform.shell.StartProgram(kHelpViewer, kHelpCommandLine);
+  }
+}
+
+void TestDialog::OnPaint(platform::Canvas& canvas) {
+  PaintHeader(canvas, m_texts(resources::kTestTitle));
+}
+
+}  // namespace maintenance

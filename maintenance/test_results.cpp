@@ -1,0 +1,108 @@
+#include "maintenance/test_results.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <functional>
+#include <span>
+
+#include "language/formatting.h"
+#include "resources/strings.h"
+#include "storage/device_paths.h"
+
+namespace maintenance {
+namespace {
+
+/// So many names have a line each in a message; more of them share lines.
+constexpr std::size_t kNamesWithLines = 10;
+
+constexpr std::u16string_view kSeparator = u"; ";
+
+std::u16string_view NameOf(const LoadedTemplates& loaded, std::int32_t tag) {
+  return tag < 0 ? std::u16string_view()
+                 : storage::TagNameOfWaveFile(loaded.wavePaths[static_cast<std::size_t>(tag)]);
+}
+
+/// Calls `use` with the place of every record of that name. Long names of other programs' tags are
+/// cut and can so become the same; the last record of a name then counts.
+void ForRecords(const storage::TagTable& tags, std::u16string_view name,
+                const std::function<void(std::int32_t, const storage::TagRecord&)>& use) {
+  const std::int32_t count = std::min(tags.tagCount, storage::TagTable::kCapacity);
+  for (std::int32_t i = 0; !name.empty() && i < count; ++i) {
+    const storage::TagRecord& record = *tags.GetRecord(i);
+    if (record.GetTagName() == name) {
+      use(i, record);
+    }
+  }
+}
+
+std::u16string ToText(const TestLine& line, std::u16string_view count, std::u16string_view name,
+                      std::u16string_view neighbour) {
+  return language::Decimal(line.score)
+      .append(u"%; ")
+      .append(count)
+      .append(kSeparator)
+      .append(name)
+      .append(kSeparator)
+      .append(neighbour);
+}
+
+TestLine ToLine(const storage::TagTable& tags, const LoadedTemplates& loaded, float distance,
+                const NeighbourRow& row, std::span<const std::int32_t> confusions) {
+  TestLine line;
+  line.tagName = NameOf(loaded, row.tag);
+  line.neighbourName = NameOf(loaded, row.neighbour);
+  line.score = ToScore(distance);
+  line.distance = distance;
+  std::u16string_view name;
+  std::u16string count;
+  ForRecords(tags, line.tagName, [&](std::int32_t place, const storage::TagRecord& record) {
+    name = record.GetDisplayText();
+    line.confusions = confusions[static_cast<std::size_t>(place)];
+    count = language::Decimal(line.confusions);
+  });
+  // The blank in front makes two of them between the separator and the second name; so the lines
+  // have always looked.
+  std::u16string neighbour;
+  ForRecords(tags, line.neighbourName, [&](std::int32_t, const storage::TagRecord& record) {
+    neighbour = std::u16string(u" ").append(record.GetDisplayText());
+  });
+  line.text = ToText(line, count, name, neighbour);
+  return line;
+}
+
+}  // namespace
+
+std::vector<TestLine> ToTestLines(const storage::TagTable& tags, const LoadedTemplates& loaded,
+                                  const std::vector<Neighbour>& nearest) {
+  const NeighbourTable table = ToTable(nearest, loaded.tags);
+  const auto confusions =
+      CountConfusions(table, static_cast<std::int32_t>(loaded.wavePaths.size()));
+  std::vector<TestLine> lines;
+  lines.reserve(table.size());
+  for (const auto& [distance, row] : table) {
+    lines.push_back(ToLine(tags, loaded, distance, row, confusions));
+  }
+  return lines;
+}
+
+std::u16string UnreadTagsMessage(const storage::TagTable& tags, const LoadedTemplates& loaded) {
+  std::u16string message;
+  if (!loaded.unread.empty()) {
+    message = std::u16string(resources::kTagsNotCompared).append(u"\n\n");
+    const bool hasLines = loaded.unread.size() <= kNamesWithLines;
+    std::u16string_view separator;
+    for (const std::int32_t tag : loaded.unread) {
+      const storage::TagRecord* record = tags.GetRecord(tag);
+      const std::u16string_view text = record->GetDisplayText();
+      message.append(separator).append(text.empty() ? record->GetTagName() : text);
+      separator = hasLines ? u"\n" : kSeparator;
+    }
+    message.append(u"\n\n").append(resources::kRecordTagsAnew);
+  }
+  if (loaded.hasNamelessTags) {
+    message.append(message.empty() ? u"" : u"\n\n").append(resources::kTagsWithoutName);
+  }
+  return message;
+}
+
+}  // namespace maintenance

@@ -1,0 +1,24 @@
+// The Learning page looks after its tags: tests them, and has them computed anew.
+
+#include "maintenance/math_version.h"
+#include "maintenance/reinit_worker.h"
+#include "tags/page_one.h"
+
+namespace tags {
+
+void Page_one::OnTest() { m_testDialog.DoModal(); }
+
+void Page_one::OnCheckVersion() {
+  if (!maintenance::UpdateVersion(m_platform.registry)) {
+    return;
+  }
+  m_reinitWorker = m_platform.threads.Start(
+      [this] {
+        maintenance::ReinitWorker(m_platform, m_texts, *this, m_reinitDialog.GetProgress()).Run();
+      },
+      platform::ThreadStart::kSuspended);
+  m_reinitDialog.DoModal();
+  m_reinitWorker.reset();
+}
+
+}  // namespace tags

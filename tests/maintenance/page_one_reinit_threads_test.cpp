@@ -1,0 +1,155 @@
+// The reinitialization with real threads and a clock that takes no time, for the thread sanitizer.
+
+#include <thread>
+
+#include "platform/posix/posix_threads.h"
+#include "tests/maintenance/reinit_page_fixture.h"
+#include "tests/support/temp_folder.h"
+
+namespace {
+
+/// Sleeping only lets the others run.
+class NoClock final : public platform::Clock {
+ public:
+  std::uint32_t GetTickCount() override { return 0; }
+  void Sleep(std::uint32_t /*milliseconds*/) override { std::this_thread::yield(); }
+};
+
+/// Events whose waits with a limit do not wait for it: what comes late is late at once.
+class NoWaitThreads final : public platform::Threads {
+ public:
+  explicit NoWaitThreads(platform::Threads& threads) : m_threads(threads) {}
+  std::unique_ptr<platform::Thread> Start(std::function<void()> body,
+                                          platform::ThreadStart start) override {
+    return m_threads.Start(std::move(body), start);
+  }
+  std::unique_ptr<platform::Event> CreateManualResetEvent() override {
+    return std::make_unique<Event>(m_threads.CreateManualResetEvent());
+  }
+  platform::CreatedMutex CreateNamedMutex(std::u16string_view name) override {
+    return m_threads.CreateNamedMutex(name);
+  }
+
+ private:
+  class Event final : public platform::Event {
+   public:
+    explicit Event(std::unique_ptr<platform::Event> event) : m_event(std::move(event)) {}
+    void Set() override { m_event->Set(); }
+    void Reset() override { m_event->Reset(); }
+    platform::WaitResult Wait(std::uint32_t milliseconds) override {
+      return m_event->Wait(milliseconds == platform::kNoLimit ? milliseconds : 1);
+    }
+
+   private:
+    std::unique_ptr<platform::Event> m_event;
+  };
+  platform::Threads& m_threads;
+};
+
+class PageOneReinitThreads : public ReinitPageFixture {
+ protected:
+  static constexpr int kRepetitions = 60;
+
+  /// Opens a page on real threads, and lets `story` be the user of the dialog.
+  void OpenOnThreads(const std::function<void(headless::HeadlessDialog&)>& story) {
+    headless::HeadlessUi ui(u"Zedra Voxtrel", &m_noWait);
+    ui.SetDialogStory(138, [&](headless::HeadlessDialog& window) {
+      ++m_shown;
+      story(window);
+    });
+    const platform::Platform simulated = m_machine.Get();
+    const platform::Platform platform{simulated.files,    simulated.waveIn,   m_clock,
+                                      m_noWait,           simulated.process,  ui,
+                                      simulated.registry, simulated.contacts, simulated.waveOut,
+                                      simulated.shell};
+    tags::Page_one page(platform, m_texts);
+    headless::HeadlessDialog dialog(resources::kLearningDialog, page, &m_noWait);
+    page.OnInitDialog();
+    dialog.DeliverPosted();
+    for (const auto& shown : ui.GetMessages()) {
+      m_told.push_back(shown.box.text);
+    }
+  }
+
+  support::TempFolder m_folder;
+  posix::PosixThreads m_threads{m_folder.Path()};
+  NoWaitThreads m_noWait{m_threads};
+  NoClock m_clock;
+  int m_shown = 0;
+  Texts m_told;
+};
+
+TEST_F(PageOneReinitThreads, EndsByItselfEveryTime) {
+  PutSpokenTag(u"100", 1);
+  PutSpokenTag(u"200", 2);
+  for (int i = 0; i < kRepetitions; ++i) {
+    PutVersion(u"2");
+    OpenOnThreads([](headless::HeadlessDialog& window) { EXPECT_TRUE(window.WaitForEnd()); });
+    ASSERT_TRUE(IsWholeTemplate(*GetTemplate(u"200")));
+    ASSERT_GT(GetTemplate(u"200")->size(), 6U);
+  }
+  EXPECT_EQ(m_shown, kRepetitions);
+  EXPECT_TRUE(m_told.empty());
+}
+
+TEST_F(PageOneReinitThreads, EndsWithMoreAndWithFewerRecordingsThanTags) {
+  PutSpokenTag(u"100", 1);
+  ASSERT_TRUE(m_machine.files.PutFile(storage::WavePath(u"500"), Recording(5)));
+  for (int i = 0; i < kRepetitions; ++i) {
+    if (i == kRepetitions / 2) {
+      const storage::TagStore store(m_machine.files, m_machine.registry);
+      for (const std::u16string_view name : {u"600", u"700", u"800"}) {
+        ASSERT_EQ(store.WriteEntry(name, kAnn, u"Mobile"), platform::RegistryError::kNone);
+      }
+    }
+    PutVersion(u"2");
+    OpenOnThreads([](headless::HeadlessDialog& window) { EXPECT_TRUE(window.WaitForEnd()); });
+  }
+  EXPECT_EQ(m_shown, kRepetitions);
+  EXPECT_TRUE(m_told.empty());
+}
+
+TEST_F(PageOneReinitThreads, TheUserClosesItAfterAFailureEveryTime) {
+  PutSpokenTag(u"100", 1);
+  PutSpokenTag(u"200", 2);
+  const auto held = m_machine.files.Open(storage::TemplatePath(u"200"), {});
+  for (int i = 0; i < kRepetitions; ++i) {
+    PutVersion(u"2");
+    OpenOnThreads([](headless::HeadlessDialog& window) {
+      while (!window.GetResult()) {
+        window.Close();
+        std::this_thread::yield();
+      }
+      EXPECT_EQ(window.GetResult(), 2);
+    });
+  }
+  EXPECT_EQ(m_told.size(), static_cast<std::size_t>(kRepetitions));
+}
+
+TEST_F(PageOneReinitThreads, AWindowMayGoAtAnyMoment) {
+  PutSpokenTag(u"100", 1);
+  PutSpokenTag(u"200", 2);
+  for (int i = 0; i < kRepetitions; ++i) {
+    PutVersion(u"2");
+    OpenOnThreads([i](headless::HeadlessDialog& window) {
+      for (int spin = 0; spin < i * 40; ++spin) {
+        std::this_thread::yield();
+      }
+      window.EndDialog(0);
+    });
+  }
+  EXPECT_EQ(m_shown, kRepetitions);
+}
+
+TEST_F(PageOneReinitThreads, TheEndOfTheAppletAloneIsSafeEveryTime) {
+  const storage::TagStore store(m_machine.files, m_machine.registry);
+  ASSERT_EQ(store.WriteEntry(u"100", kAnn, u"Mobile"), platform::RegistryError::kNone);
+  for (int i = 0; i < kRepetitions; ++i) {
+    PutVersion(u"2");
+    OpenOnThreads([](headless::HeadlessDialog& window) { EXPECT_TRUE(window.WaitForEnd()); });
+  }
+  EXPECT_EQ(m_told.size(), static_cast<std::size_t>(kRepetitions));
+  EXPECT_EQ(m_machine.process.GetExitCode(), 0);
+}
+
+}  // namespace

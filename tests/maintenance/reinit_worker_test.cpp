@@ -1,0 +1,196 @@
+#include "maintenance/reinit_worker.h"
+
+#include "tests/maintenance/reinit_fixture.h"
+#include "tests/support/failing_file_system.h"
+
+namespace {
+
+using platform::MessageCaption;
+using platform::MessageStyle;
+
+class ReinitWorkerTest : public ReinitFixture {};
+
+TEST_F(ReinitWorkerTest, ComputesEveryTemplateAnew) {
+  PutTags(3);
+  EXPECT_EQ(Reinitialize(), 0);
+  EXPECT_TRUE(m_wasEndedByItself);
+  for (const std::uint32_t i : {1U, 2U, 3U}) {
+    const std::u16string name = language::Decimal(static_cast<int>(i));
+    EXPECT_EQ(GetTemplate(name), Expected(i));
+    EXPECT_EQ(GetFile(storage::WavePath(name)), m_expectedWave) << "Trimmed once more.";
+  }
+  EXPECT_TRUE(GetMessages().empty());
+  EXPECT_EQ(m_machine.files.CountOpenHandles(), 0U);
+}
+
+TEST_F(ReinitWorkerTest, LeavesTheMathematicsOfThePageAlone) {
+  PutTags(2);
+  m_session.mathematics.m_wavePath = u"untouched";
+  Reinitialize();
+  EXPECT_EQ(m_session.mathematics.m_wavePath, u"untouched");
+  EXPECT_EQ(m_session.mathematics.m_count, 0);
+  EXPECT_TRUE(m_session.mathematics.GetTemplate(0).empty());
+}
+
+TEST_F(ReinitWorkerTest, RecordingsWithoutATagGetTheirTemplateToo) {
+  PutTags(1);
+  PutRecording(u"900", 9);
+  EXPECT_EQ(Reinitialize(), 0);
+  EXPECT_EQ(GetTemplate(u"900"), Expected(9));
+}
+
+TEST_F(ReinitWorkerTest, ALongerOldTemplateLeavesNoEnd) {
+  PutTags(1);
+  ASSERT_TRUE(m_machine.files.PutFile(storage::TemplatePath(u"1"), support::Bytes(100'000)));
+  Reinitialize();
+  EXPECT_EQ(GetTemplate(u"1"), Expected(1)) << "It was deleted first.";
+}
+
+TEST_F(ReinitWorkerTest, AnOldTemplateThatIsMissingIsNoFault) {
+  PutTags(1);
+  ASSERT_EQ(m_machine.files.Delete(storage::TemplatePath(u"1")), platform::FileError::kNone);
+  EXPECT_EQ(Reinitialize(), 0);
+  EXPECT_EQ(GetTemplate(u"1"), Expected(1));
+  EXPECT_TRUE(GetMessages().empty());
+}
+
+TEST_F(ReinitWorkerTest, TagsWithoutAnyRecordingEndTheProcess) {
+  m_session.AddTag(u"1", u"Ann");
+  EXPECT_EQ(Reinitialize(), 0) << "Where only the applet ends, the dialog goes with it.";
+  EXPECT_TRUE(m_wasEndedByItself);
+  EXPECT_EQ(m_machine.process.GetExitCode(), 0);
+  const auto shown = m_machine.ui.GetMessages();
+  ASSERT_EQ(shown.size(), 1U);
+  EXPECT_EQ(shown[0].box.text, u"Error");
+  EXPECT_EQ(shown[0].caption, u"Zedra Voxtrel");
+  EXPECT_TRUE(Has(shown[0].box.style, MessageStyle::kTopmost));
+  EXPECT_EQ(m_bar->position, 1) << "The first step is made before the work.";
+  EXPECT_EQ(m_machine.simulation.GetElapsed(), 1000U);
+}
+
+TEST_F(ReinitWorkerTest, ASearchThatFailsAtOnceEndsTheProcessAndChangesNothing) {
+  PutTags(1);
+  const auto before = GetTemplate(u"1");
+  support::FailingFileSystem failing(m_machine.files);
+  failing.FailCall(1, support::Failing::kOnce);
+  EXPECT_EQ(ReinitializeOn(m_machine.GetWith(failing, m_machine.registry)), 0);
+  EXPECT_EQ(GetMessages(), Texts{u"Error"});
+  EXPECT_EQ(m_machine.process.GetExitCode(), 0);
+  EXPECT_EQ(GetTemplate(u"1"), before);
+  EXPECT_EQ(failing.CountCalls(), 1U) << "Nothing was touched any more.";
+}
+
+/// Lets the search for the next file fail once.
+class HalfSearch final : public platform::FileSystem {
+ public:
+  explicit HalfSearch(platform::FileSystem& files) : m_files(files) {}
+  platform::OpenedFile Open(std::u16string_view path, const platform::OpenMode& mode) override {
+    return m_files.Open(path, mode);
+  }
+  platform::FileError Delete(std::u16string_view path) override { return m_files.Delete(path); }
+  platform::FileError Replace(std::u16string_view from, std::u16string_view to) override {
+    return m_files.Replace(from, to);
+  }
+  platform::FileError CreateFolder(std::u16string_view path) override {
+    return m_files.CreateFolder(path);
+  }
+  platform::StartedSearch FindFirst(std::u16string_view pattern) override {
+    auto started = m_files.FindFirst(pattern);
+    if (started.search) {
+      started.search = std::make_unique<Search>(std::move(started.search));
+    }
+    return started;
+  }
+
+ private:
+  class Search final : public platform::FileSearch {
+   public:
+    explicit Search(std::unique_ptr<platform::FileSearch> search) : m_search(std::move(search)) {}
+    platform::FileError Next(platform::FoundFile& found) override {
+      return m_calls++ == 1 ? platform::FileError::kOther : m_search->Next(found);
+    }
+
+   private:
+    std::unique_ptr<platform::FileSearch> m_search;
+    int m_calls = 0;
+  };
+  platform::FileSystem& m_files;
+};
+
+TEST_F(ReinitWorkerTest, ASearchThatFailsHalfWayIsToldAndGoesOn) {
+  PutTags(3);
+  HalfSearch files(m_machine.files);
+  EXPECT_EQ(ReinitializeOn(m_machine.GetWith(files, m_machine.registry)), 0);
+  const auto shown = m_machine.ui.GetMessages();
+  ASSERT_EQ(shown.size(), 1U);
+  EXPECT_EQ(shown[0].box.text, u"ERROR in FindNextFile");
+  EXPECT_EQ(shown[0].box.captionKind, MessageCaption::kNone);
+  EXPECT_EQ(GetTemplate(u"3"), Expected(3));
+  EXPECT_EQ(m_machine.process.GetExitCode(), std::nullopt);
+}
+
+TEST_F(ReinitWorkerTest, WithALanguageFileTheSameFailureIsABoxOfTheApplication) {
+  LoadLanguage(u"ID_S_MESSAGE_1 Suche gescheitert.\r\n");
+  PutTags(2);
+  HalfSearch files(m_machine.files);
+  ReinitializeOn(m_machine.GetWith(files, m_machine.registry));
+  const auto shown = m_machine.ui.GetMessages();
+  ASSERT_EQ(shown.size(), 1U);
+  EXPECT_EQ(shown[0].box.text, u"Suche gescheitert.");
+  EXPECT_EQ(shown[0].box.captionKind, MessageCaption::kApplication);
+}
+
+TEST_F(ReinitWorkerTest, AnUnreadableRecordingInTheMiddleGetsNoTemplateAndNoOtherOnes) {
+  PutTags(3);
+  ASSERT_TRUE(m_machine.files.PutFile(storage::WavePath(u"2"), support::Bytes(500)));
+  EXPECT_EQ(Reinitialize(), 0);
+  EXPECT_EQ(GetMessages(), (Texts{u"Can't process this file", u"Can't process this file"}))
+      << "Of either attempt.";
+  EXPECT_EQ(GetTemplate(u"1"), Expected(1));
+  EXPECT_FALSE(m_machine.files.GetFile(storage::TemplatePath(u"2")).has_value());
+  EXPECT_EQ(GetTemplate(u"3"), Expected(3));
+  EXPECT_EQ(m_bar->position, 3);
+}
+
+TEST_F(ReinitWorkerTest, ATemplateThatCannotBeMadeStopsTheRunAndTheUserCanClose) {
+  PutTags(3);
+  // Held open by the dialer: neither deleted nor opened.
+  const auto held = m_machine.files.Open(storage::TemplatePath(u"2"), {});
+  ASSERT_TRUE(held.file);
+  const auto third = GetTemplate(u"3");
+  EXPECT_EQ(Reinitialize(), 2) << "Closed by the user.";
+  EXPECT_FALSE(m_wasEndedByItself) << "Nothing else ends it.";
+  const auto shown = m_machine.ui.GetMessages();
+  ASSERT_EQ(shown.size(), 1U);
+  EXPECT_EQ(shown[0].box.text,
+            u"ERROR in CreateFile\n\nTag 2\n\nThis voice tag and those after it were not computed "
+            u"anew. Make room on the device, close this window, and record again the voice tags "
+            u"that are not recognized.");
+  EXPECT_EQ(shown[0].box.captionKind, MessageCaption::kApplication);
+  EXPECT_EQ(GetTemplate(u"1"), Expected(1));
+  EXPECT_EQ(GetTemplate(u"3"), third) << "The rest is not processed.";
+  EXPECT_EQ(m_machine.process.GetExitCode(), std::nullopt);
+}
+
+TEST_F(ReinitWorkerTest, TheFailureOfARecordingWithoutATagNamesTheRecording) {
+  LoadLanguage(u"ID_S_MESSAGE_7 Datei!\r\n");
+  PutTags(1);
+  PutRecording(u"0", 5);
+  ASSERT_TRUE(m_machine.files.PutFile(storage::TemplatePath(u"0"), {}));
+  const auto held = m_machine.files.Open(storage::TemplatePath(u"0"), {});
+  Reinitialize();
+  ASSERT_EQ(GetMessages().size(), 1U);
+  EXPECT_TRUE(GetMessages()[0].starts_with(u"Datei!\n\n0\n\n"));
+}
+
+TEST_F(ReinitWorkerTest, AFullDiskLeavesNoHalfTemplate) {
+  PutTags(2);
+  m_machine.files.SetCapacity(0);
+  EXPECT_EQ(Reinitialize(), 2);
+  for (const std::u16string_view name : {u"1", u"2"}) {
+    const auto content = m_machine.files.GetFile(storage::TemplatePath(name));
+    EXPECT_TRUE(!content || content->size() == 26U) << "None, or the old one.";
+  }
+}
+
+}  // namespace

@@ -1,0 +1,307 @@
+#include "maintenance/store_check.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+
+#include "maintenance/template_repair.h"
+#include "storage/registry_keys.h"
+#include "storage/tag_store.h"
+#include "tests/maintenance/session_fixture.h"
+#include "tests/support/failing_file_system.h"
+#include "tests/support/failing_registry.h"
+#include "tests/support/registry_access.h"
+#include "voicemath/template_file.h"
+
+namespace {
+
+using maintenance::ContactsState;
+using maintenance::StoreProblem;
+using platform::RegistryError;
+
+class StoreCheck : public SessionFixture {
+ protected:
+  StoreCheck() {
+    m_machine.contacts.Add({.oid = 17, .firstName = u"Ann"});
+    EXPECT_TRUE(m_machine.contacts.Initialize() && m_machine.contacts.Connect() &&
+                m_machine.contacts.Logon());
+    EXPECT_EQ(
+        support::PutText(m_machine.registry, storage::kSetupKey, storage::kMathVersionValue, u"3"),
+        RegistryError::kNone);
+  }
+
+  /// A tag as the applet makes it.
+  void Learn(std::u16string_view name, std::uint32_t seed) {
+    PutRecording(name, seed);
+    m_session.mathematics.m_wavePath = storage::WavePath(name);
+    ASSERT_EQ(m_session.mathematics.LearnFile(0), voicemath::kLearned);
+    ASSERT_EQ(voicemath::WriteTemplateFile(m_machine.files, storage::TemplatePath(name),
+                                           m_session.mathematics),
+              voicemath::TemplateFileResult::kDone);
+    ASSERT_EQ(storage::TagStore(m_machine.files, m_machine.registry).WriteEntry(name, 17, u"Home"),
+              RegistryError::kNone);
+  }
+
+  /// The findings as "word tag".
+  [[nodiscard]] Texts Check(ContactsState contacts = ContactsState::kOpen) {
+    return CheckOn(m_machine.Get(), contacts);
+  }
+  [[nodiscard]] static Texts CheckOn(const platform::Platform& platform,
+                                     ContactsState contacts = ContactsState::kOpen) {
+    Texts findings;
+    for (const auto& finding : CheckStore(platform, contacts)) {
+      const std::string_view word = ToWord(finding.problem);
+      findings.push_back(std::u16string(word.begin(), word.end()) +
+                         (finding.tag.empty() ? u"" : u" ") + finding.tag);
+    }
+    return findings;
+  }
+  void PutTemplateBytes(std::u16string_view name, const support::Bytes& bytes) {
+    ASSERT_TRUE(m_machine.files.PutFile(storage::TemplatePath(name), bytes));
+  }
+  [[nodiscard]] support::Bytes GetTemplate(std::u16string_view name) const {
+    return GetFile(storage::TemplatePath(name));
+  }
+  void Delete(const std::u16string& path) {
+    ASSERT_EQ(m_machine.files.Delete(path), platform::FileError::kNone);
+  }
+  void PutValue(std::u16string_view tag, std::u16string_view value, std::u16string_view text) {
+    const auto key = std::u16string(storage::kTagKey).append(u"\\").append(tag);
+    ASSERT_EQ(support::PutText(m_machine.registry, key, value, text), RegistryError::kNone);
+  }
+};
+
+TEST_F(StoreCheck, FindsNothingInAStoreThatTheAppletMade) {
+  EXPECT_EQ(Check(), Texts());
+  Learn(u"100", 1);
+  Learn(u"200", 2);
+  EXPECT_EQ(Check(), Texts());
+}
+
+TEST_F(StoreCheck, ChangesNothing) {
+  Learn(u"100", 1);
+  Learn(u"200", 2);
+  PutTemplateBytes(u"100", support::Bytes(3));
+  PutRecording(u"900", 3);
+  const auto names = m_machine.files.ListFiles();
+  std::vector<support::Bytes> before;
+  for (const auto& name : names) {
+    before.push_back(GetFile(name));
+  }
+  EXPECT_FALSE(Check().empty());
+  EXPECT_EQ(m_machine.files.ListFiles(), names);
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    EXPECT_EQ(GetFile(names[i]), before[i]);
+  }
+  EXPECT_EQ(m_machine.files.CountOpenHandles(), 0U);
+}
+
+TEST_F(StoreCheck, FindsTagsWithoutFiles) {
+  Learn(u"100", 1);
+  Learn(u"200", 2);
+  Delete(storage::WavePath(u"100"));
+  Delete(storage::TemplatePath(u"200"));
+  EXPECT_EQ(Check(), (Texts{u"no-recording 100", u"no-template 200"}));
+}
+
+TEST_F(StoreCheck, FindsFilesWithoutATag) {
+  Learn(u"100", 1);
+  PutRecording(u"300", 1);
+  PutTemplate(u"400", {});
+  EXPECT_EQ(Check(), (Texts{u"recording-without-tag 300", u"template-without-tag 400"}));
+}
+
+TEST_F(StoreCheck, FindsTornAndContradictingTemplates) {
+  Learn(u"100", 1);
+  Learn(u"200", 2);
+  auto torn = GetTemplate(u"100");
+  torn.pop_back();
+  PutTemplateBytes(u"100", torn);
+  auto contradicting = GetTemplate(u"200");
+  contradicting[4] = std::byte{1};
+  contradicting[5] = std::byte{0};
+  PutTemplateBytes(u"200", contradicting);
+  EXPECT_EQ(Check(), (Texts{u"template-torn 100", u"template-contradicting 200"}));
+}
+
+TEST_F(StoreCheck, FindsTemplatesThatAreNotWhatTheRecordingGives) {
+  Learn(u"100", 1);
+  Learn(u"200", 2);
+  PutTemplateBytes(u"100", GetTemplate(u"200"));
+  EXPECT_EQ(Check(), Texts{u"template-stale 100"});
+}
+
+TEST_F(StoreCheck, TheOldEndOfATemplateThatWasWrittenOverDoesNotCount) {
+  Learn(u"100", 1);
+  auto longer = GetTemplate(u"100");
+  longer.resize(longer.size() + 100);
+  PutTemplateBytes(u"100", longer);
+  EXPECT_EQ(Check(), Texts());
+}
+
+TEST_F(StoreCheck, FindsRecordingsThatCannotBeProcessed) {
+  Learn(u"100", 1);
+  ASSERT_TRUE(m_machine.files.PutFile(storage::WavePath(u"100"), support::Bytes(200)));
+  EXPECT_EQ(Check(), Texts{u"recording-unreadable 100"});
+}
+
+TEST_F(StoreCheck, FindsValuesThatDoNotParse) {
+  Learn(u"100", 1);
+  Learn(u"200", 2);
+  PutValue(u"100", storage::kContactValue, u"Ann");
+  PutValue(u"200", storage::kPhoneTypeValue, u"home");
+  EXPECT_EQ(Check(), (Texts{u"contact 100", u"phone-type 200"}));
+  const auto key = m_machine.registry.OpenKey(u"Software\\Zedra\\Zedra Voxtrel\\100");
+  ASSERT_EQ(key.key->DeleteValue(storage::kPhoneTypeValue), RegistryError::kNone);
+  EXPECT_EQ(Check(), (Texts{u"contact 100", u"phone-type 100", u"phone-type 200"}));
+}
+
+TEST_F(StoreCheck, FindsContactsThatAreGone) {
+  Learn(u"100", 1);
+  m_machine.contacts.Remove(17);
+  EXPECT_EQ(Check(), Texts{u"contact-gone 100"});
+  EXPECT_EQ(Check(ContactsState::kAway), Texts()) << "Nobody is gone because they are away.";
+}
+
+TEST_F(StoreCheck, FindsNamesThatTheAppletDoesNotGive) {
+  Learn(u"-100", 1);
+  EXPECT_EQ(Check(), Texts());
+  Learn(u"Ann", 2);
+  Learn(u"12345678901234567890", 3);
+  EXPECT_EQ(Check(), (Texts{u"tag-name Ann", u"tag-name 12345678901234567890"}));
+}
+
+TEST_F(StoreCheck, FindsAnotherVersionOnceThereAreTags) {
+  const auto key = m_machine.registry.OpenKey(storage::kSetupKey);
+  ASSERT_EQ(key.key->DeleteValue(storage::kMathVersionValue), RegistryError::kNone);
+  EXPECT_EQ(Check(), Texts()) << "A new store.";
+  Learn(u"100", 1);
+  EXPECT_EQ(Check(), Texts{u"other-version"});
+  ASSERT_EQ(
+      support::PutText(m_machine.registry, storage::kSetupKey, storage::kMathVersionValue, u"2"),
+      RegistryError::kNone);
+  EXPECT_EQ(Check(), Texts{u"other-version"});
+}
+
+TEST_F(StoreCheck, FindsMoreTagsThanThereIsRoomFor) {
+  for (int i = 0; i < 101; ++i) {
+    const std::u16string name = language::Decimal(1000 + i);
+    ASSERT_EQ(storage::TagStore(m_machine.files, m_machine.registry).WriteEntry(name, 17, u"Home"),
+              RegistryError::kNone);
+  }
+  const auto findings = Check();
+  EXPECT_EQ(findings[0], u"too-many-tags");
+  EXPECT_EQ(findings.size(), 1U + 2U * 101U) << "No recording and no template each.";
+}
+
+TEST_F(StoreCheck, ARegistryThatFailsIsToldAndNoFileIsCalledAnOrphan) {
+  Learn(u"100", 1);
+  support::FailingRegistry failing(m_machine.registry);
+  const auto platform = m_machine.GetWith(m_machine.files, failing);
+  for (std::size_t call = 1; call < 100; ++call) {
+    failing.FailCall(call, support::Failing::kOnce);
+    const auto findings = CheckOn(platform);
+    if (!failing.HasFailed()) {
+      return;
+    }
+    for (const auto& finding : findings) {
+      EXPECT_TRUE(finding.starts_with(u"registry-unreadable")) << call;
+    }
+  }
+  FAIL() << "Every run had a failure.";
+}
+
+TEST_F(StoreCheck, FilesThatFailAreToldAndNothingElseIsMadeUp) {
+  Learn(u"100", 1);
+  support::FailingFileSystem failing(m_machine.files);
+  const auto platform = m_machine.GetWith(failing, m_machine.registry);
+  for (const auto kind : {support::Failing::kOnce, support::Failing::kFromThenOn}) {
+    bool hasFailed = true;
+    for (std::size_t call = 1; hasFailed; ++call) {
+      failing.FailCall(call, kind);
+      const auto findings = CheckOn(platform);
+      hasFailed = failing.HasFailed();
+      EXPECT_THAT(findings,
+                  testing::Each(testing::AnyOf(u"recording-unreadable 100",
+                                               u"template-unreadable 100", u"folder-unreadable")))
+          << call;
+      ASSERT_LT(call, 10000U);
+    }
+  }
+}
+
+TEST_F(StoreCheck, HasAWordAndASentenceForEachProblem) {
+  std::vector<std::string_view> words;
+  for (int i = 0; i <= static_cast<int>(StoreProblem::kTemplateWithoutTag); ++i) {
+    const auto problem = static_cast<StoreProblem>(i);
+    EXPECT_FALSE(Describe(problem).empty());
+    EXPECT_EQ(std::ranges::find(words, ToWord(problem)), words.end());
+    words.push_back(ToWord(problem));
+  }
+  EXPECT_EQ(std::ranges::find(words, ""), words.end());
+}
+
+TEST_F(StoreCheck, MissingAndTornTemplatesAreRepairedToTheSameBytes) {
+  Learn(u"100", 1);
+  const auto whole = GetTemplate(u"100");
+  const auto recording = GetFile(storage::WavePath(u"100"));
+  Delete(storage::TemplatePath(u"100"));
+  EXPECT_TRUE(maintenance::RepairTemplate(m_machine.Get(), u"100"));
+  EXPECT_EQ(GetTemplate(u"100"), whole);
+  auto longer = whole;
+  longer[4] = std::byte{1};
+  longer.resize(whole.size() + 50);
+  PutTemplateBytes(u"100", longer);
+  EXPECT_TRUE(maintenance::RepairTemplate(m_machine.Get(), u"100"));
+  EXPECT_EQ(GetTemplate(u"100"), whole);
+  EXPECT_EQ(GetFile(storage::WavePath(u"100")), recording);
+  EXPECT_EQ(Check(), Texts());
+}
+
+TEST_F(StoreCheck, ARepairLeavesTheRecordingAloneEvenWhereItCouldBeTrimmed) {
+  Learn(u"100", 1);
+  PutRecording(u"100", 4);
+  const auto recording = GetFile(storage::WavePath(u"100"));
+  EXPECT_TRUE(maintenance::RepairTemplate(m_machine.Get(), u"100"));
+  EXPECT_EQ(GetFile(storage::WavePath(u"100")), recording);
+}
+
+TEST_F(StoreCheck, ARepairNeedsARecording) {
+  Learn(u"100", 1);
+  PutTemplateBytes(u"100", support::Bytes(3));
+  Delete(storage::WavePath(u"100"));
+  EXPECT_FALSE(maintenance::RepairTemplate(m_machine.Get(), u"100"));
+  EXPECT_EQ(GetTemplate(u"100"), support::Bytes(3)) << "Nothing was put in its place.";
+}
+
+TEST_F(StoreCheck, ARepairThatFailsLeavesAWholeTemplateOrNone) {
+  Learn(u"100", 1);
+  const auto whole = GetTemplate(u"100");
+  support::FailingFileSystem failing(m_machine.files);
+  for (const auto kind : {support::Failing::kOnce, support::Failing::kFromThenOn}) {
+    bool hasFailed = true;
+    for (std::size_t call = 1; hasFailed; ++call) {
+      PutTemplateBytes(u"100", support::Bytes(3));
+      failing.FailCall(call, kind, platform::FileError::kDiskFull);
+      const bool isDone =
+          maintenance::RepairTemplate(m_machine.GetWith(failing, m_machine.registry), u"100");
+      hasFailed = failing.HasFailed();
+      if (isDone) {
+        EXPECT_EQ(GetTemplate(u"100"), whole) << call;
+      }
+      EXPECT_EQ(m_machine.files.CountOpenHandles(), 0U);
+      ASSERT_LT(call, 10000U);
+    }
+  }
+}
+
+TEST_F(StoreCheck, OnlyTemplatesAreRepairable) {
+  EXPECT_TRUE(IsRepairable(StoreProblem::kNoTemplate));
+  EXPECT_TRUE(IsRepairable(StoreProblem::kTemplateTorn));
+  EXPECT_TRUE(IsRepairable(StoreProblem::kTemplateContradicting));
+  EXPECT_FALSE(IsRepairable(StoreProblem::kTemplateStale)) << "Nobody knows which of both is old.";
+  EXPECT_FALSE(IsRepairable(StoreProblem::kRecordingWithoutTag));
+  EXPECT_FALSE(IsRepairable(StoreProblem::kContactGone));
+}
+
+}  // namespace
