@@ -43,6 +43,13 @@ namespace {
   }
 }
 
+/// A window has to see how the pointer moves and that its button went up again, or it takes the
+/// next press for a part of the last one; the widgets in it do not.
+[[nodiscard]] bool IsBookkeeping(const QObject* watched, QEvent::Type type) {
+  return watched->isWindowType() &&
+         (type == QEvent::MouseMove || type == QEvent::MouseButtonRelease);
+}
+
 /// The widget that an event is for, where it is for one.
 [[nodiscard]] const QWidget* FindWidget(const QObject* watched) {
   if (watched->isWidgetType()) {
@@ -83,7 +90,8 @@ void InputGate::Open() {
 }
 
 bool InputGate::eventFilter(QObject* watched, QEvent* event) {
-  if (!IsInput(event->type()) || IsOfMessageBox(FindWidget(watched))) {
+  if (!IsInput(event->type()) || IsBookkeeping(watched, event->type()) ||
+      IsOfMessageBox(FindWidget(watched))) {
     return false;
   }
   event->ignore();

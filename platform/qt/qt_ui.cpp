@@ -60,7 +60,11 @@ MessageAnswer QtUi::AskOnUiThread(const MessageBox& box) {
         });
     m_windows->ShowBeside(std::move(dialog));
   });
-  return answer.get();
+  try {
+    return answer.get();
+  } catch (const std::future_error&) {
+    return MessageAnswer::kCancel;  // The user interface is gone, and the question with it.
+  }
 }
 
 QString QtUi::CaptionOf(const MessageBox& box) const {

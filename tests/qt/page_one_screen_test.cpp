@@ -1,9 +1,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QLabel>
 #include <QTest>
 #include <QTimer>
+#include <span>
 
 #include "resources/dialogs.h"
 #include "storage/device_paths.h"
@@ -189,6 +191,28 @@ TEST_F(PageOneScreen, ShowsTheBarWhileItRecordsAndTakesNoInput) {
     EXPECT_EQ(impatient.bar.right(), User::Find(kNumberComboId)->geometry().right());
     EXPECT_EQ(impatient.bar.top(), User::Find(kRecordButtonId)->geometry().top());
   });
+}
+
+TEST_F(PageOneScreen, SpeaksTheLanguageOfItsFile) {
+  const std::u16string lines =
+      u"\uFEFFID_S_DIALOG_SET_LBR Ja & n\u00F6\r\nID_S_DIALOG_SET_LBP Abspielen\r\n"
+      u"ID_S_MESSAGE_L Namen:\r\nID_S_MESSAGE_D7 x\r\n";
+  const auto bytes = std::as_bytes(std::span(lines));
+  m_machine.LoadLanguage({bytes.begin(), bytes.end()});
+  Run([] {
+    EXPECT_EQ(User::FindButton(kRecordButtonId)->text().toStdU16String(), u"&Ja && n\u00F6");
+    EXPECT_EQ(User::FindButton(kPlayButtonId)->text(), "&Abspielen");
+    EXPECT_EQ(User::FindButton(kTestButtonId)->text(), "") << "The file has no text for it.";
+    EXPECT_EQ(GetCount(), "Namen: 0");
+  });
+}
+
+TEST_F(PageOneScreen, OpensAndClosesFiftyTimes) {
+  constexpr int kTimes = 50;
+  for (int i = 0; i < kTimes; ++i) {
+    Run([] { EXPECT_EQ(User::FindCombo(kContactComboId)->count(), 2); });
+  }
+  EXPECT_TRUE(QApplication::topLevelWidgets().isEmpty());
 }
 
 TEST_F(PageOneScreen, TheWorkersBoxAppearsDuringTheWait) {

@@ -3,7 +3,9 @@
 //   screens FOLDER PERCENT [LANGUAGE_FILE]
 
 #include <QApplication>
+#include <QDir>
 #include <QFile>
+#include <QProgressBar>
 #include <QTabWidget>
 #include <QTest>
 #include <cstdio>
@@ -24,19 +26,20 @@ class BarWatcher final : public QObject {
   explicit BarWatcher(QString file) : m_file(std::move(file)) { qApp->installEventFilter(this); }
 
   bool eventFilter(QObject* watched, QEvent* event) override {
-    if (event->type() == QEvent::Paint && watched->objectName() == QStringLiteral("1212")) {
-      ++m_paintings;
-      constexpr int kMiddle = 6;
-      if (m_paintings == kMiddle) {
-        support::SaveScreenshot(*User::GetWindow(), m_file);
-      }
+    const auto* bar = dynamic_cast<QProgressBar*>(watched);
+    if (bar != nullptr && event->type() == QEvent::Show) {
+      connect(bar, &QProgressBar::valueChanged, this, [this](int value) {
+        constexpr int kMiddle = 50;
+        if (value == kMiddle) {
+          support::SaveScreenshot(*User::GetWindow(), m_file);
+        }
+      });
     }
     return false;
   }
 
  private:
   const QString m_file;
-  int m_paintings = 0;
 };
 
 void TakeSheet(support::PageMachine& machine, User& user, const QString& prefix) {
@@ -89,9 +92,15 @@ int main(int argc, char** argv) {
     std::fputs("usage: screens FOLDER PERCENT [LANGUAGE_FILE]\n", stderr);
     return 2;
   }
-  qputenv("QT_QPA_PLATFORM", "offscreen");
+  if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+  }
   qputenv("QT_SCALE_FACTOR", QByteArray::number(std::stod(arguments[2]) / 100));
   const QApplication application(argc, argv);
+  if (application.devicePixelRatio() * 100 != std::stod(arguments[2])) {
+    std::fputs("screens: the scale was not taken\n", stderr);
+    return 1;
+  }
   support::PageMachine machine;
   if (argc > 3) {
     QFile file(QString::fromLocal8Bit(arguments[3]));
@@ -106,6 +115,7 @@ int main(int argc, char** argv) {
   }
   User user;
   const QString prefix = QString::fromLocal8Bit(arguments[1]) + u'/';
+  QDir().mkpath(prefix);
   TakeSheet(machine, user, prefix);
   TakeBoxes(machine, user, prefix);
   return 0;

@@ -88,7 +88,8 @@ User::Answer Press(const char* button) {
 }
 
 void SaveScreenshot(QWidget& window, const QString& file) {
-  if (!window.grab().save(file)) {
+  const QPixmap picture = window.grab();
+  if (picture.devicePixelRatio() != window.devicePixelRatio() || !picture.save(file)) {
     throw std::runtime_error("cannot write " + file.toStdString());
   }
 }

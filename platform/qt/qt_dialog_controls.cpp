@@ -1,0 +1,70 @@
+// What a page asks of any of its controls: text, enablement, font, check, place.
+
+#include "platform/dialog_units.h"
+#include "platform/qt/control_names.h"
+#include "platform/qt/fonts.h"
+#include "platform/qt/qt_dialog.h"
+#include "platform/qt/strings.h"
+
+namespace qt {
+
+void QtDialog::SetText(int id, std::u16string_view text) {
+  if (Control* control = Find(id)) {
+    control->text = text;
+    ShowText(*control);
+    if (IsPushButton(*control)) {
+      ShowButtons(m_controls);
+    }
+    Rename();
+  }
+}
+
+std::u16string QtDialog::GetText(int id) const {
+  const Control* control = Find(id);
+  if (control == nullptr) {
+    return {};
+  }
+  return control->combo == nullptr ? control->text : ToText(control->combo->currentText());
+}
+
+void QtDialog::Enable(int id, bool isEnabled) {
+  if (Control* control = Find(id)) {
+    control->widget->setEnabled(isEnabled);
+  }
+}
+
+bool QtDialog::IsEnabled(int id) const {
+  const Control* control = Find(id);
+  // Not whether it can be used right now, while a box above it has the user.
+  return control != nullptr && control->widget->isEnabledTo(m_surface.get());
+}
+
+void QtDialog::SetFont(int id, const platform::Font& font) {
+  if (Control* control = Find(id)) {
+    control->widget->setFont(MakeFont(font));
+    ShowText(*control);
+  }
+}
+
+void QtDialog::SetCheck(int id, bool isChecked) {
+  Control* control = Find(id);
+  if (control != nullptr && control->button != nullptr) {
+    control->button->setChecked(isChecked);
+  }
+}
+
+bool QtDialog::IsChecked(int id) const {
+  const Control* control = Find(id);
+  return control != nullptr && control->button != nullptr && control->button->isChecked();
+}
+
+platform::Rect QtDialog::GetControlRect(int id) const {
+  const Control* control = Find(id);
+  return control == nullptr ? platform::Rect() : platform::ToPixels(control->description.rect);
+}
+
+platform::Rect QtDialog::GetClientRect() const {
+  return platform::ToPixels({0, 0, m_template.width, m_template.height});
+}
+
+}  // namespace qt
