@@ -31,7 +31,7 @@ bool HasDisplay() {
 /// is looked for as every program.
 std::string FindPanel() {
   for (const char* way : {"/", "/../panel/"}) {
-    const std::string path = posix::FindOwnFolder() + way + kPanel;
+    std::string path = posix::FindOwnFolder() + way + kPanel;
     if (::access(path.c_str(), X_OK) == 0) {
       return path;
     }

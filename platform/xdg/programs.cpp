@@ -23,6 +23,7 @@ using std::chrono::steady_clock;
 /// Pointers to the texts of a command, as exec takes them.
 std::vector<char*> PointersOf(Command& command) {
   std::vector<char*> pointers;
+  pointers.reserve(command.size() + 1);
   for (std::string& argument : command) {
     pointers.push_back(argument.data());
   }

@@ -13,7 +13,7 @@ void MakeApplication() {
   static int argumentCount = 1;
   static char programName[] = "voxtrel";
   static char* arguments[] = {programName, nullptr};
-  static const QApplication* const application = new QApplication(argumentCount, arguments);
+  static QApplication* application = new QApplication(argumentCount, arguments);
   static_cast<void>(application);
 }
 
