@@ -1,9 +1,10 @@
 # Writes files as arrays of bytes into a header: cmake -DHEADER=... -DFILES=a;b -P EmbedFiles.cmake
-# A file "name.suffix" becomes resources::kBytesOf<name>.
+# A file "name_size.suffix" becomes resources::kBytesOf<name>For<size>.
 
 set(text "#pragma once\n\n#include <array>\n#include <cstddef>\n\nnamespace resources {\n")
 foreach(file IN LISTS FILES)
   get_filename_component(name "${file}" NAME_WE)
+  string(REPLACE "_" "For" name "${name}")
   file(READ "${file}" hex HEX)
   string(LENGTH "${hex}" digits)
   math(EXPR size "${digits} / 2")

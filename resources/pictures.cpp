@@ -10,8 +10,8 @@ namespace {
 
 // The drawing in the picture's own size stands first; the others of a picture follow by size.
 constexpr std::array kPictures = {
-    Picture{kAppletIcon, 48, 48, kBytesOf129},      Picture{kAppletIcon, 16, 16, kBytesOf129_16},
-    Picture{kAppletIcon, 22, 22, kBytesOf129_22},   Picture{kAppletIcon, 24, 24, kBytesOf129_24},
+    Picture{kAppletIcon, 48, 48, kBytesOf129},      Picture{kAppletIcon, 16, 16, kBytesOf129For16},
+    Picture{kAppletIcon, 22, 22, kBytesOf129For22}, Picture{kAppletIcon, 24, 24, kBytesOf129For24},
     Picture{kAppletIcon, 32, 32, kBytesOf2000},     Picture{kMakerPicture, 70, 24, kBytesOf136},
     Picture{kHelpPicture, 20, 20, kBytesOf142},     Picture{kWebSitePicture, 147, 13, kBytesOf143},
     Picture{kProductPicture, 32, 32, kBytesOf2000},

@@ -33,7 +33,7 @@ FoundContacts FindContacts(Session& session) {
 
 void Tell(const FoundContacts& contacts, std::uint32_t microphones) {
   PrintLine(contacts.count > 0 ? fmt::format("Contacts with a telephone number: {}", contacts.count)
-                               : fmt::format("No contacts: {}.", contacts.problem));
+                               : fmt::format("Contacts: {}.", contacts.problem));
   PrintLine(microphones > 0
                 ? fmt::format("Microphones: {}", microphones)
                 : "No microphone: plug one in, or switch it on in the desktop's sound settings; "

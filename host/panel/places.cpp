@@ -52,7 +52,7 @@ QStringList FindApplets(const QStringList& places) {
 QString FindApplet(const QString& name) {
   if (!name.contains(QLatin1Char('/'))) {
     for (const QString& folder : AppletFolders()) {
-      const QString path = QDir(folder).absoluteFilePath(name);
+      QString path = QDir(folder).absoluteFilePath(name);
       if (QFileInfo::exists(path)) {
         return path;
       }

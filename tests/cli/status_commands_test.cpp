@@ -31,7 +31,7 @@ TEST_F(StatusCommands, TellWhatThereIs) {
 TEST_F(StatusCommands, TellWhatIsMissingAndWhatHelps) {
   const auto run = Status({});
   EXPECT_EQ(run.exitCode, 0) << "it was asked for and told";
-  EXPECT_THAT(run.out, testing::HasSubstr("No contacts: "));
+  EXPECT_THAT(run.out, testing::HasSubstr("Contacts: there are no contacts: "));
   EXPECT_THAT(run.out, testing::HasSubstr(Path("root/contacts.vcf")));
   EXPECT_THAT(run.out, testing::HasSubstr("No microphone: plug one in"));
 }
