@@ -44,8 +44,8 @@ constexpr std::array<ControlTemplate, 14> kConnectionControls{{
     {kHeadsetCheckId,
      ControlKind::kCheckBox,
      u"Use BT headset for Ericsson phones only",
-     {3, 107, 153, 10}},
-    {kNoHangUpCheckId, ControlKind::kCheckBox, u"Don't Use HANG UP", {3, 121, 153, 10}},
+     {1, 107, 158, 10}},
+    {kNoHangUpCheckId, ControlKind::kCheckBox, u"Don't Use HANG UP", {1, 121, 158, 10}},
     {kDefaultsButtonId, ControlKind::kDefaultPushButton, u"Default", {54, 146, 50, 13}},
     // Never shown: the sheet's own OK saves. Companion and users know the page without it.
     {kSaveButtonId, ControlKind::kPushButton, u"Ok", {106, 146, 50, 13}, false, false},

@@ -14,6 +14,7 @@
 
 #include "connection/active_ports.h"
 #include "connection/connection_sheet.h"
+#include "host/cli/connection_window.h"
 #include "host/cli/output.h"
 #include "host/cli/page_run.h"
 #include "platform/text/names.h"
@@ -217,16 +218,21 @@ void Set(Session& session, const std::vector<std::string>& arguments) {
   }
 }
 
-/// Where there is no window the page is still reached by the two subcommands.
 void OpenSheet(Session& session) {
-  session.Fail(
-      "there is no window here; see `voxtrel connection show` and `voxtrel connection set`");
+  if (!HasScreen()) {
+    session.Fail(
+        "there is no screen here; see `voxtrel connection show` and `voxtrel connection set`");
+  } else if (PreparePorts(session) &&
+             !RunConnectionWindow(session.GetRegistryPath().parent_path())) {
+    session.Fail("the window could not be shown; see `voxtrel connection show` and `set`");
+  }
 }
 
 }  // namespace
 
 void AddConnectionCommands(CLI::App& app, Session& session) {
-  CLI::App* group = app.add_subcommand("connection", "The serial port of the dialer");
+  CLI::App* group = app.add_subcommand(
+      "connection", "The serial port of the dialer: opens its window, or see below");
   group->require_subcommand(0, 1);
   group->callback([&session, group] {
     if (group->get_subcommands().empty()) {

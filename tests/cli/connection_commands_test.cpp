@@ -115,10 +115,18 @@ TEST_F(ConnectionCommands, AStoreThatTakesNothingIsNotTakenForDone) {
   EXPECT_THAT(run.out, HasSubstr("no-hang-up   0")) << "Shown is what is stored.";
 }
 
-TEST_F(ConnectionCommands, WithoutAWindowTheOtherWaysAreTold) {
-  const auto run = Run({"connection"});
+TEST_F(ConnectionCommands, WithoutAScreenTheOtherWaysAreTold) {
+  const auto run = support::RunProgram({VOXTREL_PROGRAM, "--root", Path("root"), "connection"},
+                                       {"DISPLAY=", "WAYLAND_DISPLAY=", "QT_QPA_PLATFORM="});
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_THAT(run.err, HasSubstr("voxtrel connection show"));
+}
+
+TEST_F(ConnectionCommands, AWindowThatCannotBeShownIsToldWithTheOtherWays) {
+  const auto run = support::RunProgram({VOXTREL_PROGRAM, "--root", Path("root"), "connection"},
+                                       {"QT_QPA_PLATFORM=nothing-of-that-name"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.err, HasSubstr("could not be shown"));
 }
 
 }  // namespace

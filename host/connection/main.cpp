@@ -1,0 +1,63 @@
+// voxtrel-connection ROOT: the connection settings in a window of their own.
+
+#include <QApplication>
+#include <cstdio>
+#include <filesystem>
+
+#include "connection/connection_sheet.h"
+#include "language/language_table.h"
+#include "language/texts.h"
+#include "platform/posix/posix_file_system.h"
+#include "platform/qt/qt_ui.h"
+#include "platform/qt/ui_thread.h"
+#include "platform/sqlite/sqlite_registry.h"
+#include "platform/text/utf.h"
+#include "platform/udev/serial_ports.h"
+#include "platform/udev/udev_serial_devices.h"
+#include "resources/strings.h"
+#include "storage/device_paths.h"
+#include "storage/registry_keys.h"
+
+namespace {
+
+constexpr std::u16string_view kApplicationName = u"Zedra Voxtrel";
+constexpr int kWrongUsage = 2;
+
+/// What the applet speaks: the language file of the device, where there is one.
+language::Texts LoadTexts(platform::FileSystem& files) {
+  if (!files.FindFirst(storage::kLanguageFile).search) {
+    return {};
+  }
+  language::LanguageTable& table = language::LanguageTable::GetInstance();
+  table.Load(files, storage::kLanguageFile);
+  return language::Texts(&table);
+}
+
+void Run(const std::filesystem::path& root) {
+  sqlite::RegistryOptions options;
+  options.initialKeys.assign(storage::kInstalledKeys.begin(), storage::kInstalledKeys.end());
+  sqlite::SqliteRegistry registry(root / sqlite::kDatabaseName, options);
+  posix::PosixFileSystem files(text::FromHostName(root.native()));
+  udev_ports::UdevSerialDevices devices;
+  // Where that fails the ports are those of last time.
+  static_cast<void>(udev_ports::PublishSerialPorts(registry, devices));
+
+  qt::UiThread thread;
+  qt::QtUi ui(thread, kApplicationName,
+              {.getBytes = [](int /*picture*/) { return std::span<const std::byte>(); }});
+  connection::RunConnectionSheet(ui, registry, LoadTexts(files)(resources::kSheetCaption));
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const QApplication application(argc, argv);
+  const QStringList arguments = QApplication::arguments();
+  constexpr int kArgumentCount = 2;
+  if (arguments.size() != kArgumentCount) {
+    std::fputs("usage: voxtrel-connection ROOT\n", stderr);
+    return kWrongUsage;
+  }
+  Run(arguments.at(1).toStdString());
+  return 0;
+}
