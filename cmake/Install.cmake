@@ -1,12 +1,12 @@
 # Where everything stands once it is installed. Each program finds the rest from its own place, so
 # that the whole can be moved.
 #
-#   bin/voxtrel, bin/voxtrel-panel
+#   bin/voxtrel, bin/voxtrel-connection, bin/voxtrel-panel
 #   lib/voxtrel/voxtrel.cpl
 #   share/voxtrel/{help,languages,samples}
 #   share/applications, share/icons: what a desktop shows
 
-install(TARGETS voxtrel voxtrel-panel RUNTIME DESTINATION bin)
+install(TARGETS voxtrel voxtrel-connection voxtrel-panel RUNTIME DESTINATION bin)
 if(TARGET voxtrel_cpl)
   install(TARGETS voxtrel_cpl LIBRARY DESTINATION lib/voxtrel)
 endif()
