@@ -103,6 +103,12 @@ void Screen::Press(const std::vector<std::string>& keys) const {
   Drive(std::move(arguments));
 }
 
+std::string Screen::GetColor(int x, int y) const {
+  const std::string place = "1x1+" + std::to_string(x) + "+" + std::to_string(y);
+  return support::RunProgram({"import", "-window", "root", "-crop", place, "-depth", "8", "rgb:-"})
+      .out;
+}
+
 void Screen::Shoot(const std::filesystem::path& file) const {
   std::filesystem::create_directories(file.parent_path());
   EXPECT_EQ(support::RunProgram({"import", "-window", "root", file.string()}).exitCode, 0);

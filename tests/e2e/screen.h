@@ -36,6 +36,9 @@ class Screen {
   void Click(int x, int y, int times = 1) const;
   void Press(const std::vector<std::string>& keys) const;
 
+  /// The colour of one pixel, in a form to be compared.
+  [[nodiscard]] std::string GetColor(int x, int y) const;
+
   /// A picture of the whole screen, as PNG.
   void Shoot(const std::filesystem::path& file) const;
 
