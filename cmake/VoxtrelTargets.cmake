@@ -24,6 +24,7 @@ target_compile_options(
             -Wold-style-cast
             -Wundef
             -Werror
+            -pthread
             -ffp-contract=off
             -fno-fast-math)
 # The warnings that g++ 12 draws from following the flow of optimised code are shown and are no
@@ -52,7 +53,10 @@ endif()
 
 # Heavy arithmetic, which is neither to be waited for under the sanitizers, nor held back where speed
 # counts.
-set(VOXTREL_ARITHMETIC_OPTIONS $<$<BOOL:${VOXTREL_SANITIZE}>:-O1> $<$<CONFIG:Release>:-O3>)
+set(VOXTREL_ARITHMETIC_OPTIONS $<$<CONFIG:Release>:-O3>)
+if(VOXTREL_SANITIZE)
+  set(VOXTREL_ARITHMETIC_OPTIONS -O1)
+endif()
 
 # voxtrel_library(NAME SOURCES ... [DEPENDS ...])
 function(voxtrel_library name)

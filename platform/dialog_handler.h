@@ -13,6 +13,7 @@ class SheetWindow;
 enum class CommandEvent : std::uint8_t {
   kClick,            ///< A button or a picture was pressed.
   kSelectionChange,  ///< The user chose an item of a combo box or a list box.
+  kPosted,           ///< The page sent itself this command with DialogWindow::PostCommand.
 };
 
 /// What a presentation tells a dialog. All calls come on the user-interface thread.

@@ -32,6 +32,8 @@ class DialogWindow {
   DialogWindow& operator=(const DialogWindow&) = delete;
   virtual ~DialogWindow() = default;
 
+  /// The text of an editable combo box is what stands in its field. An item that is selected puts
+  /// its text there; SetText leaves items and selection as they are.
   virtual void SetText(int id, std::u16string_view text) = 0;
   [[nodiscard]] virtual std::u16string GetText(int id) const = 0;
   virtual void Enable(int id, bool isEnabled) = 0;
@@ -67,6 +69,11 @@ class DialogWindow {
   /// Where a control stands on the dialog.
   [[nodiscard]] virtual Rect GetControlRect(int id) const = 0;
   [[nodiscard]] virtual Rect GetClientRect() const = 0;
+
+  /// Has the dialog's OnCommand called with `id` and kPosted once what runs now is over: after
+  /// OnInitDialog, where it is posted there. Posted commands come in their order; those of a dialog
+  /// that has ended never come.
+  virtual void PostCommand(int id) = 0;
 
   /// Has the dialog painted again, soon.
   virtual void Invalidate() = 0;

@@ -37,6 +37,17 @@ struct ControlTemplate {
   DialogRect rect;
   bool isVisible = true;
   bool isEnabled = true;
+  /// The control whose text names this one to a screen reader, where no label stands before it.
+  int namedBy = kNoControlId;
+};
+
+enum class Key : std::uint8_t { kDelete, kSpace };
+
+/// A key that, in one control, presses a button of the dialog.
+struct KeyTemplate {
+  int control = kNoControlId;
+  Key key = Key::kDelete;
+  int button = kNoControlId;
 };
 
 /// One dialog, the only description of it there is. Controls are reached by Tab in their order.
@@ -46,6 +57,7 @@ struct DialogTemplate {
   int width = 0;  ///< Dialog units.
   int height = 0;
   std::span<const ControlTemplate> controls;
+  std::span<const KeyTemplate> keys = {};
 };
 
 }  // namespace resources

@@ -8,7 +8,12 @@ namespace {
 constexpr std::array<ControlTemplate, 11> kLearningControls{{
     {kContactsLabelId, ControlKind::kStatic, u"Contacts", {6, 2, 40, 8}},
     {kContactComboId, ControlKind::kComboBox, u"", {6, 12, 147, 102}},
-    {kNumberComboId, ControlKind::kSortedComboBox, u"", {6, 30, 147, 111}},
+    // Told apart from the other box by whose numbers it holds.
+    {.id = kNumberComboId,
+     .kind = ControlKind::kSortedComboBox,
+     .text = u"",
+     .rect = {6, 30, 147, 111},
+     .namedBy = kContactComboId},
     {kRecordButtonId, ControlKind::kDefaultPushButton, u"Record", {6, 48, 50, 13}},
     {kCountLabelId, ControlKind::kStatic, u"", {6, 65, 89, 8}},
     {kTagListId, ControlKind::kListBox, u"", {6, 78, 147, 47}},
@@ -20,11 +25,41 @@ constexpr std::array<ControlTemplate, 11> kLearningControls{{
     {kNoControlId, ControlKind::kStatic, u"Threshold :", {7, 133, 43, 8}, false, false},
 }};
 
+constexpr std::array<KeyTemplate, 2> kLearningKeys{{
+    {kTagListId, Key::kDelete, kDeleteButtonId},
+    {kTagListId, Key::kSpace, kPlayButtonId},
+}};
+
+constexpr std::array<ControlTemplate, 14> kConnectionControls{{
+    {kNoControlId, ControlKind::kGroupBox, u"Connection settings", {3, 2, 153, 100}},
+    {kPortComboId, ControlKind::kEditableComboBox, u"", {10, 14, 139, 102}},
+    {kNoControlId, ControlKind::kStatic, u"Baud rate:", {10, 33, 60, 8}},
+    {kBaudRateComboId, ControlKind::kEditableComboBox, u"", {74, 31, 75, 102}},
+    {kNoControlId, ControlKind::kStatic, u"Data bits:", {10, 50, 60, 8}},
+    {kDataBitsComboId, ControlKind::kEditableComboBox, u"", {74, 48, 75, 80}},
+    {kNoControlId, ControlKind::kStatic, u"Stop bits:", {10, 67, 60, 8}},
+    {kStopBitsComboId, ControlKind::kEditableComboBox, u"", {74, 65, 75, 60}},
+    {kNoControlId, ControlKind::kStatic, u"Flow control:", {10, 84, 60, 8}},
+    {kFlowControlComboId, ControlKind::kEditableComboBox, u"", {74, 82, 75, 60}},
+    {kHeadsetCheckId,
+     ControlKind::kCheckBox,
+     u"Use BT headset for Ericsson phones only",
+     {3, 107, 153, 10}},
+    {kNoHangUpCheckId, ControlKind::kCheckBox, u"Don't Use HANG UP", {3, 121, 153, 10}},
+    {kDefaultsButtonId, ControlKind::kDefaultPushButton, u"Default", {54, 146, 50, 13}},
+    // Never shown: the sheet's own OK saves. Companion and users know the page without it.
+    {kSaveButtonId, ControlKind::kPushButton, u"Ok", {106, 146, 50, 13}, false, false},
+}};
+
 }  // namespace
 
-constexpr DialogTemplate kLearningDialog{134, u"Learning", 160, 167, kLearningControls};
+constexpr DialogTemplate kLearningDialog{134, u"Learning",       160,
+                                         167, kLearningControls, kLearningKeys};
 
 /// The page paints itself and has no controls.
 constexpr DialogTemplate kAboutDialog{135, u"About", 160, 167, {}};
+
+/// The caption is not about what the page does; it is the one that the page has always had.
+constexpr DialogTemplate kConnectionDialog{130, u"Skins", 159, 167, kConnectionControls};
 
 }  // namespace resources

@@ -17,10 +17,22 @@ inline constexpr int kDeleteAllButtonId = 1017;
 inline constexpr int kTestButtonId = 1025;
 inline constexpr int kProgressBarId = 1212;  ///< Made while something is in progress.
 
+// Controls of the connection settings page.
+inline constexpr int kPortComboId = 1000;
+inline constexpr int kBaudRateComboId = 1001;
+inline constexpr int kDataBitsComboId = 1002;
+inline constexpr int kStopBitsComboId = 1003;
+inline constexpr int kFlowControlComboId = 1004;
+inline constexpr int kHeadsetCheckId = 1005;
+inline constexpr int kDefaultsButtonId = 1006;
+inline constexpr int kSaveButtonId = 1007;
+inline constexpr int kNoHangUpCheckId = 1018;
+
 /// Command that the Learning page sends itself once it is set up.
 inline constexpr int kCheckVersionCommand = 2222;
 
 extern const DialogTemplate kLearningDialog;
 extern const DialogTemplate kAboutDialog;
+extern const DialogTemplate kConnectionDialog;
 
 }  // namespace resources

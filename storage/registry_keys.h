@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <string_view>
 
+#include "platform/active_drivers.h"
+
 namespace storage {
 
 // Where the system keeps its settings in the registry, and under which names. The companion dialer
@@ -34,7 +36,7 @@ inline constexpr std::u16string_view kIsBluetoothValue = u"is_BT";
 inline constexpr std::u16string_view kIsHangUpValue = u"is_HU";
 
 /// One subkey for each active driver of the device; only read.
-inline constexpr std::u16string_view kDriversKey = u"Drivers\\Active";
+inline constexpr std::u16string_view kDriversKey = platform::kActiveDriversKey;
 
 /// What the installation leaves in a new store: keys without values.
 inline constexpr std::array kInstalledKeys{kSetupKey};

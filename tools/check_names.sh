@@ -11,7 +11,7 @@ fi
 
 # A bracket round one letter keeps each pattern from finding itself.
 words='\b[Ss]pecification\b|\b[Ss]pec\b|\bParts? [0-9]+(\.[0-9]+)?\b|\b[s]pec\.md\b'
-words+='|(^|[^A-Za-z])/(work|farm|root)/|\bfarm-(studio|bench)\b|\bbefore-[s]top\b'
+words+='|(^|[^A-Za-z])/(root|work)/'
 words+='|\b[Ii]ssue #?[0-9]+\b'
 
 failed=0

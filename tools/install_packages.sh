@@ -10,12 +10,12 @@ declare -A groups=(
   [build]='
     g++ cmake ninja-build pkg-config
     libcli11-dev libebook-contacts1.2-dev libebook1.2-dev libfmt-dev libicu-dev libpulse-dev
-    libsqlite3-dev nlohmann-json3-dev
+    fonts-wine libsqlite3-dev libudev-dev nlohmann-json3-dev qt6-base-dev qt6-svg-dev
   '
   # To build and run the tests with one compiler.
   [test]='
     git googletest libgmock-dev libgtest-dev
-    dbus espeak-ng evolution-data-server pulseaudio pulseaudio-utils sox sqlite3
+    dbus espeak-ng evolution-data-server pulseaudio pulseaudio-utils sox sqlite3 umockdev
   '
   # The other compilers, the sanitizers, the analysers and the benchmarks.
   [check]='

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <exception>
 
+#include "host/cli/connection_commands.h"
 #include "host/cli/contacts_commands.h"
 #include "host/cli/language_commands.h"
 #include "host/cli/output.h"
@@ -29,6 +30,8 @@ constexpr const char* kFooter = R"(Examples:
   voxtrel --contacts all.vcf contacts list    whom a voice tag can be for
   voxtrel tags learn --contact "Lee Ann" --number Mobile
   voxtrel tags list                           the voice tags there are
+  voxtrel connection set port=COM1: baud-rate=115200
+                                              the dialer's serial port
   voxtrel registry export tags.reg            take the settings to a Windows machine
 
 Exit codes: 0 done, 1 failed with a message on standard error, 2 wrong usage.)";
@@ -71,6 +74,7 @@ int RunCommand(int argc, const char* const* argv) {
   AddRegistryCommands(app, session);
   AddContactsCommands(app, session);
   AddTagsCommands(app, session);
+  AddConnectionCommands(app, session);
 
   try {
     app.parse(argc, argv);

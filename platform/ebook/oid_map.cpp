@@ -5,8 +5,8 @@
 #include <optional>
 
 #include "platform/ebook/registry_names.h"
-#include "platform/ebook/registry_text.h"
 #include "platform/little_endian.h"
+#include "platform/registry_text.h"
 #include "platform/text/utf.h"
 
 namespace ebook {

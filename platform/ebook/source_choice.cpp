@@ -4,7 +4,7 @@
 #include <system_error>
 
 #include "platform/ebook/registry_names.h"
-#include "platform/ebook/registry_text.h"
+#include "platform/registry_text.h"
 #include "platform/text/utf.h"
 
 namespace ebook {

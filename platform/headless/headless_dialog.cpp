@@ -37,6 +37,7 @@ void HeadlessDialog::Press(int id) {
     SetCheck(id, !control->isChecked);
   }
   m_handler.OnCommand(id, platform::CommandEvent::kClick);
+  DeliverPosted();
 }
 
 void HeadlessDialog::Choose(int id, int index) {
@@ -46,11 +47,27 @@ void HeadlessDialog::Choose(int id, int index) {
   }
   SetSelection(id, index);
   m_handler.OnCommand(id, platform::CommandEvent::kSelectionChange);
+  DeliverPosted();
 }
 
-void HeadlessDialog::ClickAt(platform::Point point) { m_handler.OnLButtonDown(point); }
+void HeadlessDialog::Type(int id, std::u16string_view text) {
+  const Control* control = Find(id);
+  if (control != nullptr && control->isEnabled &&
+      control->description.kind == ControlKind::kEditableComboBox) {
+    SetText(id, text);
+  }
+}
 
-bool HeadlessDialog::AskForHelp() { return m_handler.OnHelp(); }
+void HeadlessDialog::ClickAt(platform::Point point) {
+  m_handler.OnLButtonDown(point);
+  DeliverPosted();
+}
+
+bool HeadlessDialog::AskForHelp() {
+  const bool hasHelp = m_handler.OnHelp();
+  DeliverPosted();
+  return hasHelp;
+}
 
 void HeadlessDialog::PressEnter() {
   for (const auto& [id, control] : m_controls) {
@@ -101,6 +118,14 @@ std::optional<int> HeadlessDialog::GetResult() const {
   return m_result;
 }
 
+void HeadlessDialog::DeliverPosted() {
+  while (!m_posted.empty() && !GetResult()) {
+    const int id = m_posted.front();
+    m_posted.pop_front();
+    m_handler.OnCommand(id, platform::CommandEvent::kPosted);
+  }
+}
+
 bool HeadlessDialog::WaitForEnd() {
   return GetResult() ||
          (m_ended && m_ended->Wait(platform::kNoLimit) == platform::WaitResult::kSignalled);
@@ -146,7 +171,9 @@ int HeadlessDialog::AddItem(int id, std::u16string_view text) {
                                     return std::is_lt(text::CompareForDisplay(a, b));
                                   });
   }
-  return static_cast<int>(control->items.insert(at, std::u16string(text)) - control->items.begin());
+  const auto place = at - control->items.begin();
+  control->items.insert(at, std::u16string(text));
+  return static_cast<int>(place);
 }
 
 void HeadlessDialog::DeleteItem(int id, int index) {
@@ -190,6 +217,9 @@ void HeadlessDialog::SetSelection(int id, std::optional<int> index) {
   if (Control* control = Find(id)) {
     const bool isItem = index && *index >= 0 && *index < GetItemCount(id);
     control->selection = isItem ? index : std::nullopt;
+    if (isItem && control->description.kind == ControlKind::kEditableComboBox) {
+      control->text = GetItemText(id, *index);
+    }
   }
 }
 
@@ -246,6 +276,8 @@ platform::Rect HeadlessDialog::GetControlRect(int id) const {
 platform::Rect HeadlessDialog::GetClientRect() const {
   return platform::ToPixels({0, 0, m_template.width, m_template.height});
 }
+
+void HeadlessDialog::PostCommand(int id) { m_posted.push_back(id); }
 
 void HeadlessDialog::Invalidate() { ++m_invalidations; }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <deque>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -41,6 +42,8 @@ class HeadlessDialog final : public platform::DialogWindow {
 
   void Press(int id);
   void Choose(int id, int index);
+  /// Writes into an editable combo box, in place of what stands there.
+  void Type(int id, std::u16string_view text);
   void ClickAt(platform::Point point);
   bool AskForHelp();
   void PressEnter();
@@ -61,6 +64,10 @@ class HeadlessDialog final : public platform::DialogWindow {
   [[nodiscard]] std::vector<PaintedStroke> Paint();
   [[nodiscard]] int CountInvalidations() const { return m_invalidations; }
   [[nodiscard]] std::optional<int> GetResult() const;
+
+  /// Delivers what the page has posted to itself. A presentation calls this once the dialog is set
+  /// up; what is posted during a user's doing comes right after it by itself.
+  void DeliverPosted();
 
   /// Waits until the dialog was ended; false where nothing can end it any more.
   bool WaitForEnd();
@@ -89,6 +96,7 @@ class HeadlessDialog final : public platform::DialogWindow {
   void DestroyProgressBar(int id) override;
   [[nodiscard]] platform::Rect GetControlRect(int id) const override;
   [[nodiscard]] platform::Rect GetClientRect() const override;
+  void PostCommand(int id) override;
   void Invalidate() override;
   void EndDialog(int result) override;
 
@@ -111,6 +119,7 @@ class HeadlessDialog final : public platform::DialogWindow {
   platform::DialogHandler& m_handler;
   std::map<int, Control> m_controls;
   int m_invalidations = 0;
+  std::deque<int> m_posted;
   std::unique_ptr<platform::Event> m_ended;
   mutable std::mutex m_mutex;  ///< Of what other threads may change: the bars and the result.
   std::map<int, Progress> m_bars;

@@ -25,6 +25,7 @@ HeadlessDialog* HeadlessSheet::ShowPage(std::size_t page) {
     shown =
         std::make_unique<HeadlessDialog>(m_pages[page].dialog, m_pages[page].handler, m_threads);
     m_pages[page].handler.OnInitDialog();
+    shown->DeliverPosted();
   }
   return shown.get();
 }

@@ -72,6 +72,7 @@ int HeadlessUi::RunDialog(const resources::DialogTemplate& dialog,
                           platform::DialogHandler& handler) {
   HeadlessDialog window(dialog, handler, m_threads);
   handler.OnInitDialog();
+  window.DeliverPosted();
   const auto story = m_dialogStories.find(dialog.id);
   if (story != m_dialogStories.end() && !window.GetResult()) {
     story->second(window);

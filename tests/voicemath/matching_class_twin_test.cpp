@@ -37,10 +37,9 @@ std::vector<twins::Template> PutShortWords(ClassAndTwin& both) {
     for (std::size_t i = 0; i < std::size_t{word.frameCount} * 5; ++i) {
       word.values.push_back(static_cast<float>(support::Draw(random, 1U << 20U)));
     }
-    CVoiceMathematics& mathematics = both.Mathematics();
-    mathematics.m_frameCounts[slot] = word.frameCount;
-    mathematics.m_templates[slot] = std::make_unique<float[]>(word.values.size());
-    std::copy(word.values.begin(), word.values.end(), mathematics.m_templates[slot].get());
+    auto values = std::make_unique<float[]>(word.values.size());
+    std::copy(word.values.begin(), word.values.end(), values.get());
+    EXPECT_TRUE(both.Mathematics().SetTemplate(slot, std::move(values), word.frameCount));
     stored.push_back(word);
   }
   return stored;

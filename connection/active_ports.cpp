@@ -1,0 +1,52 @@
+#include "connection/active_ports.h"
+
+#include <algorithm>
+#include <cstdint>
+
+#include "platform/active_drivers.h"
+#include "storage/registry_keys.h"
+#include "storage/tag_entry.h"
+
+namespace connection {
+namespace {
+
+using platform::RegistryError;
+
+std::u16string ReadText(platform::RegistryKey& key, std::u16string_view name) {
+  platform::RegistryValue value;
+  return key.Query(name, value) == RegistryError::kNone ? storage::TextOfValue(value)
+                                                        : std::u16string();
+}
+
+}  // namespace
+
+bool IsPortName(std::u16string_view name) {
+  constexpr std::u16string_view kStart = u"COM";
+  if (!name.starts_with(kStart) || !name.ends_with(u':')) {
+    return false;
+  }
+  const std::u16string_view digits = name.substr(kStart.size(), name.size() - kStart.size() - 1);
+  return (digits.size() == 1 || digits.size() == 2) &&
+         std::ranges::all_of(digits, [](char16_t c) { return c >= u'0' && c <= u'9'; });
+}
+
+std::vector<ActivePort> ReadActivePorts(platform::Registry& registry) {
+  std::vector<ActivePort> ports;
+  const platform::OpenedKey active = registry.OpenKey(storage::kDriversKey);
+  std::u16string subkey;
+  for (std::uint32_t i = 0;
+       active.key && active.key->EnumerateSubkey(i, subkey) == RegistryError::kNone; ++i) {
+    const auto driver =
+        registry.OpenKey(std::u16string(storage::kDriversKey).append(u"\\").append(subkey));
+    if (!driver.key) {
+      continue;
+    }
+    std::u16string name = ReadText(*driver.key, platform::kDriverNameValue);
+    if (IsPortName(name)) {
+      ports.push_back({std::move(name), ReadText(*driver.key, platform::kDriverDeviceValue)});
+    }
+  }
+  return ports;
+}
+
+}  // namespace connection

@@ -1,0 +1,185 @@
+#include "connection/connection_page.h"
+
+#include <array>
+#include <cstddef>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "connection/active_ports.h"
+#include "connection/choices.h"
+#include "connection/port_order.h"
+#include "connection/setting_value.h"
+#include "resources/dialogs.h"
+#include "storage/fixed_text.h"
+#include "storage/registry_keys.h"
+#include "storage/tag_entry.h"
+
+namespace connection {
+namespace {
+
+using platform::RegistryError;
+
+/// A setting that is chosen from a list. The counts are those of the fields that the dialer reads
+/// into; the first is in UTF-16 units.
+struct ListSetting {
+  int id;
+  std::u16string_view valueName;
+  std::span<const std::u16string_view> choices;
+  std::u16string_view defaultText;
+  std::size_t mostUnits;
+  std::size_t byteCount;
+};
+
+struct CheckSetting {
+  int id;
+  std::u16string_view valueName;
+};
+
+constexpr std::size_t kLineUnits = 31;
+constexpr std::size_t kLineBytes = 32;
+constexpr std::size_t kPortUnits = 199;
+constexpr std::size_t kPortBytes = 200;
+constexpr std::size_t kCheckBytes = 4;
+
+// Both in the order in which they are written, the lists first.
+constexpr std::array<ListSetting, 5> kListSettings{{
+    {resources::kBaudRateComboId, storage::kBaudRateValue, kBaudRates, kDefaultBaudRate, kLineUnits,
+     kLineBytes},
+    {resources::kDataBitsComboId, storage::kDataBitsValue, kDataBits, kDefaultDataBits, kLineUnits,
+     kLineBytes},
+    {resources::kStopBitsComboId, storage::kStopBitsValue, kStopBits, kDefaultStopBits, kLineUnits,
+     kLineBytes},
+    {resources::kFlowControlComboId, storage::kFlowControlValue, kFlowControls, kDefaultFlowControl,
+     kLineUnits, kLineBytes},
+    // Its choices are the ports of the machine.
+    {resources::kPortComboId, storage::kComPortValue, {}, kDefaultPort, kPortUnits, kPortBytes},
+}};
+constexpr std::array<CheckSetting, 2> kCheckSettings{{
+    {resources::kHeadsetCheckId, storage::kIsBluetoothValue},
+    {resources::kNoHangUpCheckId, storage::kIsHangUpValue},
+}};
+
+std::vector<std::u16string> SortedPorts(platform::Registry& registry) {
+  std::vector<std::u16string> names;
+  for (ActivePort& port : ReadActivePorts(registry)) {
+    names.push_back(std::move(port.name));
+  }
+  SortPorts(names);
+  return names;
+}
+
+}  // namespace
+
+ConnectionPage::ConnectionPage(platform::Registry& registry, platform::Ui& ui)
+    : CPropertyPage(resources::kConnectionDialog, ui), m_registry(registry) {}
+
+const framework::RuntimeClass& ConnectionPage::GetRuntimeClass() const {
+  static constexpr framework::RuntimeClass kClass{"ConnectionPage"};
+  return kClass;
+}
+
+bool ConnectionPage::OnInitDialog() {
+  CPropertyPage::OnInitDialog();
+  OpenKey();
+  FillLists();
+  ShowStored();
+  return true;
+}
+
+void ConnectionPage::OnCommand(int id, platform::CommandEvent event) {
+  if (event != platform::CommandEvent::kClick) {
+    return;
+  }
+  if (id == resources::kDefaultsButtonId) {
+    OnDefault();
+  } else if (id == framework::kIdOk) {
+    OnOK();
+  }
+}
+
+void ConnectionPage::OnOK() {
+  const platform::DialogWindow& window = GetWindow();
+  for (const ListSetting& setting : kListSettings) {
+    const std::u16string text = window.GetText(setting.id);
+    Write(setting.valueName, storage::CutText(text, setting.mostUnits), setting.byteCount);
+  }
+  for (const CheckSetting& setting : kCheckSettings) {
+    Write(setting.valueName, window.IsChecked(setting.id) ? kChecked : kUnchecked, kCheckBytes);
+  }
+  m_key.reset();
+  CPropertyPage::OnOK();
+}
+
+void ConnectionPage::OpenKey() {
+  platform::OpenedKey opened = m_registry.OpenKey(storage::kDialerKey);
+  if (!opened.key) {
+    opened = m_registry.CreateKey(storage::kDialerKey);
+  }
+  m_key = std::move(opened.key);
+}
+
+void ConnectionPage::FillLists() {
+  platform::DialogWindow& window = GetWindow();
+  for (const ListSetting& setting : kListSettings) {
+    window.ResetItems(setting.id);
+    for (const std::u16string_view choice : setting.choices) {
+      window.AddItem(setting.id, choice);
+    }
+  }
+  for (const std::u16string& port : SortedPorts(m_registry)) {
+    window.AddItem(resources::kPortComboId, port);
+  }
+}
+
+void ConnectionPage::ShowStored() {
+  for (const ListSetting& setting : kListSettings) {
+    const std::u16string stored = ReadStored(setting.valueName);
+    ShowText(setting.id, stored.empty() ? setting.defaultText : stored);
+  }
+  for (const CheckSetting& setting : kCheckSettings) {
+    GetWindow().SetCheck(setting.id, ReadStored(setting.valueName) == kChecked);
+  }
+}
+
+std::u16string ConnectionPage::ReadStored(std::u16string_view valueName) const {
+  platform::RegistryValue value;
+  const bool isRead = m_key && m_key->Query(valueName, value) == RegistryError::kNone;
+  return isRead ? storage::TextOfValue(value) : std::u16string();
+}
+
+/// What no list holds stands in the field all the same, and is stored again as it is: a port that
+/// is unplugged at the moment, or a rate that somebody typed.
+void ConnectionPage::ShowText(int id, std::u16string_view text) {
+  platform::DialogWindow& window = GetWindow();
+  window.SetSelection(id, std::nullopt);
+  window.SetText(id, text);
+  for (int i = 0; i < window.GetItemCount(id); ++i) {
+    if (window.GetItemText(id, i) == text) {
+      window.SetSelection(id, i);
+      return;
+    }
+  }
+}
+
+/// Leaves the port and the box about hanging up alone, deliberately: both are about the phone that
+/// is there and not about its line.
+void ConnectionPage::OnDefault() {
+  for (const ListSetting& setting : kListSettings) {
+    if (setting.id != resources::kPortComboId) {
+      GetWindow().SetText(setting.id, setting.defaultText);
+    }
+  }
+  GetWindow().SetCheck(resources::kHeadsetCheckId, false);
+}
+
+void ConnectionPage::Write(std::u16string_view valueName, std::u16string_view text,
+                           std::size_t byteCount) {
+  if (m_key) {
+    // Each setting stands for itself, and the dialer has a default for each.
+    static_cast<void>(
+        m_key->Set(valueName, platform::RegistryType::kString, ToSettingValue(text, byteCount)));
+  }
+}
+
+}  // namespace connection

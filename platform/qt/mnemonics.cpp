@@ -1,0 +1,57 @@
+#include "platform/qt/mnemonics.h"
+
+#include <set>
+
+#include "platform/qt/strings.h"
+
+namespace qt {
+namespace {
+
+[[nodiscard]] bool IsLatinLetter(QChar letter) {
+  const char16_t lower = letter.toLower().unicode();
+  return lower >= u'a' && lower <= u'z';
+}
+
+[[nodiscard]] bool IsInitial(const QString& text, qsizetype place) {
+  return place == 0 || !text.at(place - 1).isLetter();
+}
+
+[[nodiscard]] std::optional<qsizetype> Choose(const QString& text, const std::set<QChar>& taken) {
+  std::optional<qsizetype> other;
+  for (qsizetype place = 0; place < text.size(); ++place) {
+    const QChar letter = text.at(place);
+    if (!IsLatinLetter(letter) || taken.contains(letter.toLower())) {
+      continue;
+    }
+    if (IsInitial(text, place)) {
+      return place;
+    }
+    other = other ? other : place;
+  }
+  return other;
+}
+
+}  // namespace
+
+std::vector<std::optional<qsizetype>> ChooseMnemonics(const std::vector<QString>& texts) {
+  std::set<QChar> taken;
+  std::vector<std::optional<qsizetype>> places;
+  places.reserve(texts.size());
+  for (const QString& text : texts) {
+    const auto place = Choose(text, taken);
+    if (place) {
+      taken.insert(text.at(*place).toLower());
+    }
+    places.push_back(place);
+  }
+  return places;
+}
+
+QString WithMnemonic(const QString& text, std::optional<qsizetype> place) {
+  if (!place) {
+    return WithoutMnemonic(text);
+  }
+  return WithoutMnemonic(text.left(*place)) + u'&' + WithoutMnemonic(text.mid(*place));
+}
+
+}  // namespace qt

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "platform/clock.h"
+#include "platform/qt/ui_thread.h"
+
+namespace qt {
+
+/// A clock whose Sleep leaves the windows alive on the user-interface thread.
+class QtClock final : public platform::Clock {
+ public:
+  QtClock(UiThread& thread, platform::Clock& inner) : m_thread(thread), m_inner(inner) {}
+
+  [[nodiscard]] std::uint32_t GetTickCount() override { return m_inner.GetTickCount(); }
+  void Sleep(std::uint32_t milliseconds) override {
+    m_thread.Await([this, milliseconds] { m_inner.Sleep(milliseconds); });
+  }
+
+ private:
+  UiThread& m_thread;
+  platform::Clock& m_inner;
+};
+
+}  // namespace qt

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/serial_devices.h"
+
+namespace udev_ports {
+
+/// Names of ports have one digit or two.
+inline constexpr int kLowestPort = 1;
+inline constexpr int kHighestPort = 99;
+
+/// Which number each port has that was ever seen, by its identity.
+using PortNumbers = std::map<int, std::u16string>;
+
+/// Puts ports in the order in which new ones are numbered: those that are built in, then those that
+/// were plugged in, each kind by the number of its node.
+void SortByNode(std::vector<platform::SerialDevice>& devices);
+
+/// What makes each port known again, in the order of `devices`: its serial number, else its socket,
+/// else its node. Ports that cannot be told apart are counted, so that no two have one identity.
+[[nodiscard]] std::vector<std::u16string> IdentitiesOf(
+    const std::vector<platform::SerialDevice>& devices);
+
+/// The number of each port, in the order of `identities`. A port that was seen before has the
+/// number it had; a new one takes the lowest that is free and keeps it, noted in `numbers`. Only
+/// when none is free does it take the number of a port that is not there. Nothing for a port beyond
+/// the last number.
+[[nodiscard]] std::vector<std::optional<int>> AssignNumbers(
+    const std::vector<std::u16string>& identities, PortNumbers& numbers);
+
+}  // namespace udev_ports

@@ -1,0 +1,124 @@
+#include <filesystem>
+#include <fstream>
+
+#include "platform/sqlite/sqlite_registry.h"
+#include "storage/registry_keys.h"
+#include "tests/cli/command_fixture.h"
+#include "tests/support/registry_access.h"
+
+namespace {
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class ConnectionCommands : public CommandFixture {
+ protected:
+  /// What the dialer would read, "" where there is nothing.
+  [[nodiscard]] std::vector<std::byte> Stored(std::u16string_view name) const {
+    sqlite::SqliteRegistry registry(Path("root") + "/" + std::string(sqlite::kDatabaseName));
+    return support::BytesOf(registry, storage::kDialerKey, name);
+  }
+  [[nodiscard]] static std::vector<std::byte> Bytes(std::u16string_view text, std::size_t count) {
+    auto bytes = support::Utf16Bytes(text);
+    bytes.resize(count);
+    return bytes;
+  }
+};
+
+TEST_F(ConnectionCommands, ShowPrintsTheDefaultsOfANewStore) {
+  const auto run = Run({"connection", "show"});
+  EXPECT_EQ(run.exitCode, 0) << run.err;
+  EXPECT_THAT(run.out, HasSubstr("port         COM2:\nbaud-rate    9600\ndata-bits    8\n"
+                                 "stop-bits    1\nflow-control none\nbt-headset   0\n"
+                                 "no-hang-up   0\n"));
+  const auto json = RunJson({"connection", "show"}, 0);
+  EXPECT_EQ(json["port"], "COM2:");
+  EXPECT_EQ(json["baudRate"], "9600");
+  EXPECT_EQ(json["btHeadset"], false);
+  EXPECT_TRUE(json["ports"].is_array());
+  EXPECT_THAT(Stored(u"Bound_rate"), IsEmpty()) << "Looking stores nothing.";
+}
+
+TEST_F(ConnectionCommands, SetStoresEverySettingAsThePageDoes) {
+  const auto json = RunJson({"connection", "set", "port=COM7:", "baud-rate=115200", "data-bits=7",
+                             "stop-bits=1.5", "flow-control=hardware", "no-hang-up=yes"},
+                            0);
+  EXPECT_EQ(json["port"], "COM7:");
+  EXPECT_EQ(json["stopBits"], "1.5");
+  EXPECT_EQ(json["noHangUp"], true);
+  EXPECT_EQ(Stored(u"Com_port"), Bytes(u"COM7:", 200));
+  EXPECT_EQ(Stored(u"Bound_rate"), Bytes(u"115200", 32));
+  EXPECT_EQ(Stored(u"Data_bit"), Bytes(u"7", 32));
+  EXPECT_EQ(Stored(u"Stop_bit"), Bytes(u"1.5", 32));
+  EXPECT_EQ(Stored(u"Flow_control"), Bytes(u"hardware", 32));
+  EXPECT_EQ(Stored(u"is_BT"), Bytes(u"0", 4));
+  EXPECT_EQ(Stored(u"is_HU"), Bytes(u"1", 4));
+  EXPECT_EQ(RunJson({"connection", "show"}, 0), json);
+}
+
+TEST_F(ConnectionCommands, WhatIsNotNamedStaysAsItWas) {
+  ASSERT_EQ(Run({"connection", "set", "port=COM7:", "bt-headset=1"}).exitCode, 0);
+  ASSERT_EQ(Run({"connection", "set", "baud-rate=300"}).exitCode, 0);
+  const auto json = RunJson({"connection", "show"}, 0);
+  EXPECT_EQ(json["port"], "COM7:");
+  EXPECT_EQ(json["btHeadset"], true);
+  EXPECT_EQ(json["baudRate"], "300");
+}
+
+TEST_F(ConnectionCommands, TheNamesThatTheDialerReadsMeanTheSame) {
+  ASSERT_EQ(Run({"connection", "set", "Bound_rate=600", "is_hu=1", "is_BT=off"}).exitCode, 0);
+  EXPECT_EQ(Stored(u"Bound_rate"), Bytes(u"600", 32));
+  EXPECT_EQ(Stored(u"is_HU"), Bytes(u"1", 4));
+}
+
+TEST_F(ConnectionCommands, AValueThatIsNoChoiceIsToldWithTheChoicesAndStoresNothing) {
+  const auto run = Run({"connection", "set", "port=COM7:", "stop-bits=3"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.err, HasSubstr("stop-bits is one of: 1, 1.5, 2"));
+  EXPECT_THAT(Run({"connection", "set", "port=ttyS0"}).err, HasSubstr("COM0: to COM99:"));
+  EXPECT_THAT(Run({"connection", "set", "bt-headset=maybe"}).err, HasSubstr("1 or 0"));
+  EXPECT_THAT(Stored(u"Com_port"), IsEmpty());
+}
+
+TEST_F(ConnectionCommands, AnUnknownNameIsWrongUsage) {
+  for (const char* argument : {"speed=9600", "port", "=1"}) {
+    const auto run = Run({"connection", "set", argument});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_THAT(run.err, HasSubstr("port, baud-rate, data-bits"));
+  }
+  EXPECT_EQ(Run({"connection", "set"}).exitCode, 2);
+}
+
+TEST_F(ConnectionCommands, ADamagedStoreIsToldAndKept) {
+  std::filesystem::create_directory(Path("root"));
+  const std::string store = Path("root/" + std::string(sqlite::kDatabaseName));
+  std::ofstream(store, std::ios::binary) << std::string(5000, 'x');
+  for (const auto& run : {Run({"connection", "show"}), Run({"connection", "set", "port=COM1:"})}) {
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_THAT(run.err, HasSubstr("damaged"));
+    EXPECT_THAT(run.out, IsEmpty());
+  }
+  EXPECT_EQ(std::filesystem::file_size(store), 5000U);
+}
+
+TEST_F(ConnectionCommands, AStoreThatTakesNothingIsNotTakenForDone) {
+  ASSERT_EQ(Run({"connection", "set", "port=COM7:"}).exitCode, 0);
+  // Files of at most 32 KiB: enough to open the store and for few changes.
+  const std::string command =
+      "trap '' XFSZ; ulimit -f 64; "
+      "exec \"$PROGRAM\" --root \"$ROOT\" connection set port=COM8: no-hang-up=1";
+  const auto run =
+      support::RunProgram({"/bin/sh", "-c", command},
+                          {"PROGRAM=" + std::string(VOXTREL_PROGRAM), "ROOT=" + Path("root")});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.err, HasSubstr("could be stored"));
+  EXPECT_THAT(run.out, HasSubstr("no-hang-up   0")) << "Shown is what is stored.";
+}
+
+TEST_F(ConnectionCommands, WithoutAWindowTheOtherWaysAreTold) {
+  const auto run = Run({"connection"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.err, HasSubstr("voxtrel connection show"));
+}
+
+}  // namespace

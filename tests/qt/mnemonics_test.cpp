@@ -1,0 +1,41 @@
+#include "platform/qt/mnemonics.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace {
+
+using qt::ChooseMnemonics;
+using qt::WithMnemonic;
+using testing::ElementsAre;
+using testing::Optional;
+
+TEST(Mnemonics, TakeInitialsFirst) {
+  EXPECT_THAT(ChooseMnemonics({"Play", "Delete", "Delete All", "Test"}),
+              ElementsAre(Optional(0), Optional(0), Optional(7), Optional(0)));
+}
+
+TEST(Mnemonics, TakeAnyOtherLetterWhereTheInitialsAreTaken) {
+  EXPECT_THAT(ChooseMnemonics({"Testen", "Tauschen"}), ElementsAre(Optional(0), Optional(1)));
+}
+
+TEST(Mnemonics, TakeNoLetterTwiceWhateverItsCase) {
+  EXPECT_THAT(ChooseMnemonics({"ab", "B A"}), ElementsAre(Optional(0), Optional(0)));
+  EXPECT_THAT(ChooseMnemonics({"a", "A"}), ElementsAre(Optional(0), std::nullopt));
+}
+
+TEST(Mnemonics, AreNoneInOtherScripts) {
+  EXPECT_THAT(ChooseMnemonics({QString::fromUtf16(u"Запись"), QString::fromUtf16(u"录音"), ""}),
+              ElementsAre(std::nullopt, std::nullopt, std::nullopt));
+}
+
+TEST(Mnemonics, PassOverLettersWithAccents) {
+  EXPECT_THAT(ChooseMnemonics({QString::fromUtf16(u"Écouter")}), ElementsAre(Optional(1)));
+}
+
+TEST(Mnemonics, LeaveAnAmpersandOfTheTextAsItStands) {
+  EXPECT_EQ(WithMnemonic("Save & Go", 7), "Save && &Go");
+  EXPECT_EQ(WithMnemonic("R&D", std::nullopt), "R&&D");
+}
+
+}  // namespace
