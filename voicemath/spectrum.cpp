@@ -1,8 +1,8 @@
 #include "voicemath/spectrum.h"
 
-#include <cmath>
 #include <cstddef>
 
+#include "voicemath/magnitude.h"
 #include "voicemath/twiddles.h"
 
 // The ten stages of the 1,024-point transform in four passes, over several frames side by side: one
@@ -53,6 +53,9 @@ struct AllTwiddles {
   Twiddles<4> stage8;
 };
 
+VOXTREL_INLINE float WeighMagnitude(Complex value, std::int32_t weight) {
+  return voicemath::WeighMagnitude(value.real, value.imaginary, weight);
+}
 VOXTREL_INLINE Complex Sum(Complex a, Complex b) {
   return {a.real + b.real, a.imaginary + b.imaginary};
 }
@@ -150,12 +153,6 @@ VOXTREL_INLINE void TwoStages(Point* x, const Twiddles<2 * kQuarter>& first,
   }
 }
 
-VOXTREL_INLINE float WeighMagnitude(Complex value, double weight) {
-  const double re = value.real;
-  const double im = value.imaginary;
-  return static_cast<float>(std::sqrt(re * re + im * im) * weight);
-}
-
 constexpr std::size_t kBlockPoints = 8;
 constexpr std::size_t kBlocks = kFrameSamples / kBlockPoints;
 
@@ -176,7 +173,7 @@ constexpr auto kFirstBins = [] {
 VOXTREL_INLINE void Finish(const Point* x, std::size_t bin, const Twiddles<4>& w,
                            Spectra& spectra) {
   if (bin >= kFirstUsedBin) {
-    const double weight = static_cast<std::int32_t>(bin);
+    const auto weight = static_cast<std::int32_t>(bin);
     auto& out = spectra[bin - kFirstUsedBin];
     VOXTREL_LANES
     for (std::size_t lane = 0; lane < kFrameLanes; ++lane) {
@@ -186,7 +183,7 @@ VOXTREL_INLINE void Finish(const Point* x, std::size_t bin, const Twiddles<4>& w
   }
   bin += kBlocks;
   if (bin < kUsedBins) {
-    const double weight = static_cast<std::int32_t>(bin);
+    const auto weight = static_cast<std::int32_t>(bin);
     auto& out = spectra[bin - kFirstUsedBin];
     const Complex w1 = w.At(1);
     const Complex w2 = w.At(2);

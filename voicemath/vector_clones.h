@@ -51,12 +51,15 @@ using LaneSample = std::int32_t;
 inline constexpr std::size_t kProductLanes = 1;
 /// Whether multiplying by what could be known beforehand is cheaper than looking it up.
 inline constexpr bool kMultipliesFast = false;
+/// Whether roots, and doubles, are the processor's own work.
+inline constexpr bool kRootsFast = false;
 #else
 inline constexpr std::size_t kFloatLanes = 8;
 inline constexpr std::size_t kFrameLanes = 8;
 using LaneSample = float;
 inline constexpr std::size_t kProductLanes = 4;
 inline constexpr bool kMultipliesFast = true;
+inline constexpr bool kRootsFast = true;
 #endif
 
 }  // namespace voicemath

@@ -16,6 +16,7 @@
 #include "tests/voicemath/twins/speech_bounds.h"
 #include "voicemath/band_features.h"
 #include "voicemath/endpoint_detector.h"
+#include "voicemath/magnitude.h"
 #include "voicemath/nearest_neighbours.h"
 #include "voicemath/template_distance.h"
 
@@ -93,6 +94,23 @@ TEST(FastTransform, EqualsItsTwinOnUtterances) {
                 BitsOf(twins::FrameBands(of)))
           << begin + frame;
     }
+  }
+}
+
+TEST(Magnitude, InIntegersEqualsThatInDouble) {
+  std::mt19937 random(20);
+  for (int round = 0; round < 20000; ++round) {
+    // Of like and of very unlike size, from what is no normal number up; zeros; whole numbers.
+    float re = DrawFloat(random, round % 4 == 0 ? 0 : 120, round % 4 == 0 ? 250 : 30);
+    float im = round % 16 == 1 ? re : DrawFloat(random, round % 4 == 0 ? 0 : 120, 30);
+    if (round % 4 == 2) {
+      re = static_cast<float>(support::Draw(random, 1000));
+      im = static_cast<float>(support::Draw(random, 1000));
+    }
+    const auto weight = static_cast<std::int32_t>(1 + support::Draw(random, 255));
+    ASSERT_EQ(std::bit_cast<std::uint32_t>(WeighMagnitudeInIntegers(re, im, weight)),
+              std::bit_cast<std::uint32_t>(WeighMagnitudeInDouble(re, im, weight)))
+        << re << ' ' << im << ' ' << weight;
   }
 }
 
