@@ -69,30 +69,36 @@ std::vector<Way> EndpointDetection() {
           {"literal", [samples] { FindEndsLiterally(*samples); }}};
 }
 
-constexpr std::size_t kLoudFrame = 10000;
+/// Frames of the utterance, as many as are transformed side by side.
+template <typename OfOne>
+void ForSomeFrames(const support::Samples& samples, OfOne transform) {
+  for (std::size_t frame = 0; frame < kFramesTogether; ++frame) {
+    transform(std::span(samples).subspan(kLoudSample + frame * voicemath::kFrameHop,
+                                         voicemath::kFrameSamples));
+  }
+}
+
+void TransformFrames(const support::Samples& samples) {
+  voicemath::FrameStarts starts;
+  std::size_t lane = 0;
+  ForSomeFrames(samples, [&](auto frame) { starts[lane++] = frame.data(); });
+  voicemath::Spectra spectra;
+  voicemath::ComputeSpectra(starts, spectra);
+  Keep(spectra);
+}
 
 std::vector<Way> Transform() {
   const auto samples = Shared(Utterance());
-  return {{"product",
-           [samples] {
-             voicemath::Spectrum spectrum;
-             voicemath::ComputeSpectrum(
-                 std::span(*samples).subspan(kLoudFrame).first<voicemath::kFrameSamples>(),
-                 spectrum);
-             Keep(spectrum);
-           }},
-          {"literal",
-           [samples] { Keep(twins::FrameBands(std::span(*samples).subspan(kLoudFrame, 1024))); }}};
+  return {{"product", [samples] { TransformFrames(*samples); }},
+          {"literal", [samples] {
+             ForSomeFrames(*samples, [](auto frame) { Keep(twins::FrameBands(frame)); });
+           }}};
 }
 
 void MakeTemplate(const support::Samples& samples) {
   FindEnds(samples);
   std::array<float, kFrames * voicemath::kBandCount> features;
-  for (std::size_t frame = 0; frame < kFrames; ++frame) {
-    voicemath::BandFeatures(
-        std::span(samples).subspan(frame * voicemath::kFrameHop).first<voicemath::kFrameSamples>(),
-        std::span(features).subspan(frame * voicemath::kBandCount).first<voicemath::kBandCount>());
-  }
+  voicemath::BandFeatures(samples, voicemath::kFrameHop, features);
   voicemath::SubtractBandMinima(features);
   Keep(features);
 }
@@ -144,7 +150,7 @@ std::vector<Way> TestDialog() {
 }  // namespace
 
 std::vector<Job> AllJobs() {
-  return {{"transform", Transform},
+  return {{"transform", Transform, kFramesTogether},
           {"endpoint detection", EndpointDetection},
           {"utterance", WholeUtterance},
           {"comparison", Comparison},

@@ -1,12 +1,13 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <vector>
 
 namespace benchmarks {
 
-/// One way to do a job, once for each call.
+/// One way to do a job, once for each call, or Job::together times.
 struct Way {
   std::string name;
   std::function<void()> run;
@@ -17,6 +18,8 @@ struct Way {
 struct Job {
   std::string name;
   std::function<std::vector<Way>()> make;
+  /// How many of the job a way does in one call. What is told is the share of one.
+  std::size_t together = 1;
 };
 
 /// Every job with the product's way and the literal twin's.

@@ -6,12 +6,15 @@
 
 #include "tests/support/signals.h"
 #include "tests/voicemath/twins/features.h"
+#include "voicemath/vector_clones.h"
 
 namespace benchmarks {
 
 inline constexpr std::size_t kThreeSeconds = 33075;
 inline constexpr std::size_t kFrames = 63;  ///< Of three seconds.
 inline constexpr std::size_t kTags = 100;
+inline constexpr std::size_t kFramesTogether = voicemath::kFrameLanes;  ///< Of one transform.
+inline constexpr std::size_t kLoudSample = 10000;  ///< The first of them begins in the word.
 
 /// Three seconds of noise with a word in them: a tone that swells and fades three times.
 [[nodiscard]] support::Samples Utterance();

@@ -72,7 +72,8 @@ void Print(const Job& job) {
   }
   for (std::size_t i = 0; i < ways.size(); ++i) {
     std::printf("%-26s %-34s %12.2f us %9.2f x\n", i == 0 ? job.name.c_str() : "",
-                ways[i].name.c_str(), 1e6 * Median(seconds[i]), Median(ratios[i]));
+                ways[i].name.c_str(), 1e6 * Median(seconds[i]) / static_cast<double>(job.together),
+                Median(ratios[i]));
   }
 }
 

@@ -1,55 +1,46 @@
 #include "voicemath/spectrum.h"
 
-#include <cmath>
 #include <cstddef>
 
+#include "voicemath/magnitude.h"
 #include "voicemath/twiddles.h"
-#include "voicemath/vector_clones.h"
 
-// The ten stages of the 1,024-point transform in four passes. Each butterfly has the operands, the
+// The ten stages of the 1,024-point transform in four passes, over several frames side by side: one
+// in each lane, so that nothing ever moves from lane to lane. Each butterfly has the operands, the
 // operations and the roundings that it has in Fft; only what no used bin depends on is left out.
 //
-// The passes do not work in place. With a distance d between the points of a stage's butterflies,
-// point p of block q stands at p * (512 / d) + q before it, and a stage puts the sums of block q
-// into block q, the differences into block q + 512 / d. So the innermost loops run over blocks,
-// which share their twiddle, the blocks come out in the order of their bins, and there is nothing
-// to reverse at the end.
+// The samples are real, and their sums as whole numbers are exact like the floats that hold them,
+// so either kind of number does. A factor of an imaginary part of 0 only decides the signs of
+// zeros, which no magnitude tells.
 //
-// The samples are real, and so is block 0 to the end: its values are sums of samples, which as
-// whole numbers are exact like the floats that hold them. A factor of an imaginary part of 0 only
-// decides the signs of zeros, which no magnitude tells.
+// After the first pass every eighth of the points goes its own way to the end. Half of the eighths
+// are made at a time, which keeps the work in the processor's nearest memory. Nothing is put into
+// another order at the end: a table tells which bins stand where.
 
 namespace voicemath {
 namespace {
 
-template <std::size_t kCount>
-struct Points {
-  std::array<float, kCount> real;
-  std::array<float, kCount> imaginary;
+/// The same point of all frames.
+struct alignas(2 * sizeof(float) * kFrameLanes) Point {
+  std::array<float, kFrameLanes> real;
+  std::array<float, kFrameLanes> imaginary;
 
-  [[nodiscard]] VOXTREL_INLINE Complex At(std::size_t i) const { return {real[i], imaginary[i]}; }
-  VOXTREL_INLINE void Put(std::size_t i, Complex value) {
-    real[i] = value.real;
-    imaginary[i] = value.imaginary;
+  [[nodiscard]] VOXTREL_INLINE Complex At(std::size_t lane) const {
+    return {real[lane], imaginary[lane]};
+  }
+  VOXTREL_INLINE void Put(std::size_t lane, Complex value) {
+    real[lane] = value.real;
+    imaginary[lane] = value.imaginary;
   }
 };
-using Frame = Points<kFrameSamples>;
 
-VOXTREL_INLINE Complex Sum(Complex a, Complex b) {
-  return {a.real + b.real, a.imaginary + b.imaginary};
-}
-VOXTREL_INLINE Complex Turned(Complex a, Complex b, Complex w) {
-  const Complex difference{a.real - b.real, a.imaginary - b.imaginary};
-  const float rr = difference.real * w.real;
-  const float ii = difference.imaginary * w.imaginary;
-  const float ri = difference.real * w.imaginary;
-  const float ir = difference.imaginary * w.real;
-  return {rr - ii, ri + ir};
-}
-VOXTREL_INLINE Complex Turned(std::int32_t a, std::int32_t b, Complex w) {
-  const auto difference = static_cast<float>(a - b);
-  return {difference * w.real, difference * w.imaginary};
-}
+constexpr std::size_t kEighth = kFrameSamples / 8;
+/// A little more, lest the points that a butterfly joins compete for the same places of a cache.
+constexpr std::size_t kEighthApart = kEighth + 1;
+using HalfOfPoints = std::array<Point, 4 * kEighthApart>;
+
+using Row = std::array<LaneSample, kFrameLanes>;
+using Rows = std::array<Row, kFrameSamples>;
 
 struct AllTwiddles {
   Twiddles<512> stage1;
@@ -62,103 +53,165 @@ struct AllTwiddles {
   Twiddles<4> stage8;
 };
 
-/// Stages 1 to 3, from the samples to eight blocks.
-VOXTREL_INLINE void SplitIntoEight(const std::int16_t* samples, const AllTwiddles& w, Frame& out) {
-  constexpr std::size_t kEighth = kFrameSamples / 8;
+VOXTREL_INLINE float WeighMagnitude(Complex value, std::int32_t weight) {
+  return voicemath::WeighMagnitude(value.real, value.imaginary, weight);
+}
+VOXTREL_INLINE Complex Sum(Complex a, Complex b) {
+  return {a.real + b.real, a.imaginary + b.imaginary};
+}
+VOXTREL_INLINE Complex Turned(Complex a, Complex b, Complex w) {
+  return Multiply({a.real - b.real, a.imaginary - b.imaginary}, w);
+}
+VOXTREL_INLINE Complex Turned(LaneSample a, LaneSample b, Complex w) {
+  const auto difference = static_cast<float>(a - b);
+  return {difference * w.real, difference * w.imaginary};
+}
+
+VOXTREL_INLINE void TakeSamples(const FrameStarts& frames, Rows& rows) {
+  constexpr std::size_t kAtOnce = 64;
+  for (std::size_t at = 0; at < kFrameSamples; at += kAtOnce) {
+    // As 16 bits they are moved between lanes with the least effort.
+    std::array<std::int16_t, kAtOnce * kFrameLanes> samples;
+    for (std::size_t i = 0; i < kAtOnce; ++i) {
+      for (std::size_t lane = 0; lane < kFrameLanes; ++lane) {
+        samples[i * kFrameLanes + lane] = frames[lane][at + i];
+      }
+    }
+    for (std::size_t i = 0; i < kAtOnce; ++i) {
+      for (std::size_t lane = 0; lane < kFrameLanes; ++lane) {
+        rows[at + i][lane] = samples[i * kFrameLanes + lane];
+      }
+    }
+  }
+}
+
+/// Stages 1 to 3 for the half that begins with sums.
+VOXTREL_INLINE void SplitSums(const Rows& rows, const AllTwiddles& w, HalfOfPoints& x) {
   for (std::size_t p = 0; p < kEighth; ++p) {
-    std::int32_t x[8];
-    for (std::size_t i = 0; i < 8; ++i) {
-      x[i] = samples[p + i * kEighth];
-    }
-    std::int32_t sums[4];
-    Complex turned[4];
-    for (std::size_t i = 0; i < 4; ++i) {
-      sums[i] = x[i] + x[i + 4];
-      turned[i] = Turned(x[i], x[i + 4], w.stage1.At(p + i * kEighth));
-    }
     const Complex w0 = w.stage2.At(p);
     const Complex w1 = w.stage2.At(p + kEighth);
-    const std::int32_t real0 = sums[0] + sums[2];
-    const std::int32_t real1 = sums[1] + sums[3];
-    const Complex block2[] = {Turned(sums[0], sums[2], w0), Turned(sums[1], sums[3], w1)};
-    const Complex block1[] = {Sum(turned[0], turned[2]), Sum(turned[1], turned[3])};
-    const Complex block3[] = {Turned(turned[0], turned[2], w0), Turned(turned[1], turned[3], w1)};
-
-    const Complex last = w.stage3.At(p);
-    out.Put(8 * p, {static_cast<float>(real0 + real1), 0.0F});
-    out.Put(8 * p + 1, Sum(block1[0], block1[1]));
-    out.Put(8 * p + 2, Sum(block2[0], block2[1]));
-    out.Put(8 * p + 3, Sum(block3[0], block3[1]));
-    out.Put(8 * p + 4, Turned(real0, real1, last));
-    out.Put(8 * p + 5, Turned(block1[0], block1[1], last));
-    out.Put(8 * p + 6, Turned(block2[0], block2[1], last));
-    out.Put(8 * p + 7, Turned(block3[0], block3[1], last));
-  }
-}
-
-/// Two stages, from kBlocks blocks to four times as many.
-template <std::size_t kBlocks>
-VOXTREL_INLINE void SplitEachIntoFour(const Frame& in, const Twiddles<512 / kBlocks>& first,
-                                      const Twiddles<256 / kBlocks>& second, Frame& out) {
-  constexpr std::size_t kQuarter = kFrameSamples / 4;
-  for (std::size_t p = 0; p < kQuarter / kBlocks; ++p) {
-    const Complex w0 = first.At(p);
-    const Complex w1 = first.At(p + kQuarter / kBlocks);
-    const Complex w2 = second.At(p);
-    for (std::size_t q = 0; q < kBlocks; ++q) {
-      const std::size_t at = p * kBlocks + q;
-      const Complex x0 = in.At(at);
-      const Complex x1 = in.At(at + kQuarter);
-      const Complex x2 = in.At(at + 2 * kQuarter);
-      const Complex x3 = in.At(at + 3 * kQuarter);
-      const Complex sum0 = Sum(x0, x2);
-      const Complex sum1 = Sum(x1, x3);
-      const Complex turned0 = Turned(x0, x2, w0);
-      const Complex turned1 = Turned(x1, x3, w1);
-      const std::size_t to = 4 * p * kBlocks + q;
-      out.Put(to, Sum(sum0, sum1));
-      out.Put(to + kBlocks, Sum(turned0, turned1));
-      out.Put(to + 2 * kBlocks, Turned(sum0, sum1, w2));
-      out.Put(to + 3 * kBlocks, Turned(turned0, turned1, w2));
+    const Complex w2 = w.stage3.At(p);
+    VOXTREL_LANES
+    for (std::size_t lane = 0; lane < kFrameLanes; ++lane) {
+      const auto sum = [&](std::size_t i) {
+        return rows[p + i * kEighth][lane] + rows[p + (i + 4) * kEighth][lane];
+      };
+      const LaneSample sum0 = sum(0) + sum(2);
+      const LaneSample sum1 = sum(1) + sum(3);
+      const Complex turned0 = Turned(sum(0), sum(2), w0);
+      const Complex turned1 = Turned(sum(1), sum(3), w1);
+      x[p].Put(lane, {static_cast<float>(sum0 + sum1), 0.0F});
+      x[p + kEighthApart].Put(lane, Turned(sum0, sum1, w2));
+      x[p + 2 * kEighthApart].Put(lane, Sum(turned0, turned1));
+      x[p + 3 * kEighthApart].Put(lane, Turned(turned0, turned1, w2));
     }
   }
 }
 
-/// Stages 8 to 10 for the bins below kUsedBins, which are no sums of differences but those of stage
-/// 8: the others would lie at 256 and above.
-VOXTREL_INLINE void Finish(const Frame& in, const Twiddles<4>& w, Points<256>& out) {
-  constexpr std::size_t kBlocks = 128;
-  const Complex w1 = w.At(1);
-  const Complex w2 = w.At(2);
-  const Complex w3 = w.At(3);
-  for (std::size_t q = 0; q < kBlocks; ++q) {
-    const auto at = [&](std::size_t p) { return in.At(p * kBlocks + q); };
-    const Complex even0 = Sum(at(0), at(4));
-    const Complex even1 = Sum(at(1), at(5));
-    const Complex even2 = Sum(at(2), at(6));
-    const Complex even3 = Sum(at(3), at(7));
-    out.Put(q, Sum(Sum(even0, even2), Sum(even1, even3)));
-  }
-  constexpr std::size_t kVector = 8;  // Whole vectors: a few bins too many are less work.
-  for (std::size_t q = 0; q < (kUsedBins - kBlocks + kVector - 1) / kVector * kVector; ++q) {
-    const auto at = [&](std::size_t p) { return in.At(p * kBlocks + q); };
-    const Complex x0 = at(0);
-    const Complex x4 = at(4);
-    const Complex odd0{x0.real - x4.real, x0.imaginary - x4.imaginary};  // Times 1.
-    const Complex odd1 = Turned(at(1), at(5), w1);
-    const Complex odd2 = Turned(at(2), at(6), w2);
-    const Complex odd3 = Turned(at(3), at(7), w3);
-    out.Put(q + kBlocks, Sum(Sum(odd0, odd2), Sum(odd1, odd3)));
+/// The points of one lane that two stages join: four of them, a quarter of their blocks apart.
+VOXTREL_INLINE void SplitIntoFour(Complex x0, Complex x1, Complex x2, Complex x3, Complex w0,
+                                  Complex w1, Complex w2, Point* x, std::size_t apart,
+                                  std::size_t lane) {
+  const Complex sum0 = Sum(x0, x2);
+  const Complex sum1 = Sum(x1, x3);
+  const Complex turned0 = Turned(x0, x2, w0);
+  const Complex turned1 = Turned(x1, x3, w1);
+  x[0].Put(lane, Sum(sum0, sum1));
+  x[apart].Put(lane, Turned(sum0, sum1, w2));
+  x[2 * apart].Put(lane, Sum(turned0, turned1));
+  x[3 * apart].Put(lane, Turned(turned0, turned1, w2));
+}
+
+/// Stages 1 to 3 for the half that begins with differences.
+VOXTREL_INLINE void SplitDifferences(const Rows& rows, const AllTwiddles& w, HalfOfPoints& x) {
+  for (std::size_t p = 0; p < kEighth; ++p) {
+    VOXTREL_LANES
+    for (std::size_t lane = 0; lane < kFrameLanes; ++lane) {
+      const auto turned = [&](std::size_t i) {
+        return Turned(rows[p + i * kEighth][lane], rows[p + (i + 4) * kEighth][lane],
+                      w.stage1.At(p + i * kEighth));
+      };
+      SplitIntoFour(turned(0), turned(1), turned(2), turned(3), w.stage2.At(p),
+                    w.stage2.At(p + kEighth), w.stage3.At(p), &x[p], kEighthApart, lane);
+    }
   }
 }
 
-VOXTREL_INLINE void WeighMagnitudes(const Points<256>& bins, Spectrum& spectrum) {
-  for (std::size_t i = 0; i < spectrum.size(); ++i) {
-    const std::size_t bin = kFirstUsedBin + i;
-    const double re = bins.real[bin];
-    const double im = bins.imaginary[bin];
-    const auto weight = static_cast<double>(static_cast<std::int32_t>(bin));
-    spectrum[i] = static_cast<float>(std::sqrt(re * re + im * im) * weight);
+/// Two stages of the blocks of 4 * kQuarter points, of which `x` is one.
+template <std::size_t kQuarter>
+VOXTREL_INLINE void TwoStages(Point* x, const Twiddles<2 * kQuarter>& first,
+                              const Twiddles<kQuarter>& second) {
+  for (std::size_t p = 0; p < kQuarter; ++p, ++x) {
+    const Complex w0 = first.At(p);
+    const Complex w1 = first.At(p + kQuarter);
+    const Complex w2 = second.At(p);
+    VOXTREL_LANES
+    for (std::size_t lane = 0; lane < kFrameLanes; ++lane) {
+      SplitIntoFour(x[0].At(lane), x[kQuarter].At(lane), x[2 * kQuarter].At(lane),
+                    x[3 * kQuarter].At(lane), w0, w1, w2, x, kQuarter, lane);
+    }
+  }
+}
+
+constexpr std::size_t kBlockPoints = 8;
+constexpr std::size_t kBlocks = kFrameSamples / kBlockPoints;
+
+/// A block of the last three stages holds every kBlocks-th bin; which one first, bit by bit
+/// reversed from the block's number.
+constexpr auto kFirstBins = [] {
+  std::array<std::uint8_t, kBlocks> bins{};
+  for (std::size_t block = 0; block < kBlocks; ++block) {
+    for (std::size_t bit = 1, mirrored = kBlocks / 2; bit < kBlocks; bit *= 2, mirrored /= 2) {
+      bins[block] = static_cast<std::uint8_t>(bins[block] + ((block & bit) != 0 ? mirrored : 0));
+    }
+  }
+  return bins;
+}();
+
+/// Stages 8 to 10 of a block for its first two bins, of which the first is made of sums alone, the
+/// second of the differences of stage 8 and sums. All others lie at 256 and above.
+VOXTREL_INLINE void Finish(const Point* x, std::size_t bin, const Twiddles<4>& w,
+                           Spectra& spectra) {
+  if (bin >= kFirstUsedBin) {
+    const auto weight = static_cast<std::int32_t>(bin);
+    auto& out = spectra[bin - kFirstUsedBin];
+    VOXTREL_LANES
+    for (std::size_t lane = 0; lane < kFrameLanes; ++lane) {
+      const auto even = [&](std::size_t i) { return Sum(x[i].At(lane), x[i + 4].At(lane)); };
+      out[lane] = WeighMagnitude(Sum(Sum(even(0), even(2)), Sum(even(1), even(3))), weight);
+    }
+  }
+  bin += kBlocks;
+  if (bin < kUsedBins) {
+    const auto weight = static_cast<std::int32_t>(bin);
+    auto& out = spectra[bin - kFirstUsedBin];
+    const Complex w1 = w.At(1);
+    const Complex w2 = w.At(2);
+    const Complex w3 = w.At(3);
+    VOXTREL_LANES
+    for (std::size_t lane = 0; lane < kFrameLanes; ++lane) {
+      const auto odd = [&](std::size_t i, Complex wi) {
+        return Turned(x[i].At(lane), x[i + 4].At(lane), wi);
+      };
+      const Complex odd0{x[0].real[lane] - x[4].real[lane],
+                         x[0].imaginary[lane] - x[4].imaginary[lane]};  // Times 1.
+      out[lane] = WeighMagnitude(Sum(Sum(odd0, odd(2, w2)), Sum(odd(1, w1), odd(3, w3))), weight);
+    }
+  }
+}
+
+/// Stages 4 to 10 of one half; `bins` are the first bins of its blocks.
+VOXTREL_INLINE void FinishHalf(HalfOfPoints& x, const std::uint8_t* bins, const AllTwiddles& w,
+                               Spectra& spectra) {
+  for (std::size_t eighth = 0; eighth < 4; ++eighth) {
+    Point* points = &x[eighth * kEighthApart];
+    TwoStages(points, w.stage4, w.stage5);
+    for (std::size_t quarter = 0; quarter < 4; ++quarter) {
+      TwoStages(points, w.stage6, w.stage7);
+      for (std::size_t block = 0; block < 4; ++block, points += kBlockPoints, ++bins) {
+        Finish(points, *bins, w.stage8, spectra);
+      }
+    }
   }
 }
 
@@ -168,21 +221,20 @@ const AllTwiddles& GetTwiddles() {
 }
 
 VOXTREL_VECTOR_CLONES
-void Transform(const std::int16_t* samples, const AllTwiddles& w, Spectrum& spectrum) {
-  Frame a;
-  Frame b;
-  SplitIntoEight(samples, w, a);
-  SplitEachIntoFour<8>(a, w.stage4, w.stage5, b);
-  SplitEachIntoFour<32>(b, w.stage6, w.stage7, a);
-  Points<256> bins;
-  Finish(a, w.stage8, bins);
-  WeighMagnitudes(bins, spectrum);
+void Transform(const FrameStarts& frames, const AllTwiddles& w, Spectra& spectra) {
+  Rows rows;
+  HalfOfPoints x;
+  TakeSamples(frames, rows);
+  SplitSums(rows, w, x);
+  FinishHalf(x, kFirstBins.data(), w, spectra);
+  SplitDifferences(rows, w, x);
+  FinishHalf(x, kFirstBins.data() + kBlocks / 2, w, spectra);
 }
 
 }  // namespace
 
-void ComputeSpectrum(std::span<const std::int16_t, kFrameSamples> frame, Spectrum& spectrum) {
-  Transform(frame.data(), GetTwiddles(), spectrum);
+void ComputeSpectra(const FrameStarts& frames, Spectra& spectra) {
+  Transform(frames, GetTwiddles(), spectra);
 }
 
 }  // namespace voicemath

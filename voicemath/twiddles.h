@@ -3,6 +3,8 @@
 #include <array>
 #include <cstddef>
 
+#include "voicemath/vector_clones.h"
+
 namespace voicemath {
 
 struct Complex {
@@ -11,7 +13,7 @@ struct Complex {
 };
 
 /// Each product is stored before it is added, so that it is rounded to float by itself.
-inline Complex Multiply(Complex a, Complex b) {
+VOXTREL_INLINE Complex Multiply(Complex a, Complex b) {
   const float rr = a.real * b.real;
   const float ii = a.imaginary * b.imaginary;
   const float ri = a.real * b.imaginary;
@@ -37,7 +39,7 @@ struct Twiddles {
     }
   }
 
-  [[nodiscard]] Complex At(std::size_t j) const { return {real[j], imaginary[j]}; }
+  [[nodiscard]] VOXTREL_INLINE Complex At(std::size_t j) const { return {real[j], imaginary[j]}; }
 
   std::array<float, kHalf> real;
   std::array<float, kHalf> imaginary;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 /// Before a function: compiled for vectors of 16 and of 32 bytes; the loader of the program chooses
 /// by the processor it finds. The source is one and the arithmetic is the same: the wider set is
@@ -28,6 +29,13 @@
 #define VOXTREL_UNROLL
 #endif
 
+/// Before a loop over lanes, in which no lane looks at what another one writes.
+#if defined(__GNUC__) && !defined(__clang__)
+#define VOXTREL_LANES _Pragma("GCC ivdep")
+#else
+#define VOXTREL_LANES
+#endif
+
 namespace voicemath {
 
 // What depends on the kind of processor and not on the width of its vectors.
@@ -35,14 +43,23 @@ namespace voicemath {
 /// How many float sums are formed side by side. Without a floating-point unit each costs as much as
 /// the first.
 inline constexpr std::size_t kFloatLanes = 1;
+/// How many frames are transformed side by side.
+inline constexpr std::size_t kFrameLanes = 1;
+/// A sample, or a sum of some of them, where it is as good a whole number as a float.
+using LaneSample = std::int32_t;
 /// How many sums of 16-bit products are formed side by side.
 inline constexpr std::size_t kProductLanes = 1;
 /// Whether multiplying by what could be known beforehand is cheaper than looking it up.
 inline constexpr bool kMultipliesFast = false;
+/// Whether roots, and doubles, are the processor's own work.
+inline constexpr bool kRootsFast = false;
 #else
 inline constexpr std::size_t kFloatLanes = 8;
+inline constexpr std::size_t kFrameLanes = 8;
+using LaneSample = float;
 inline constexpr std::size_t kProductLanes = 4;
 inline constexpr bool kMultipliesFast = true;
+inline constexpr bool kRootsFast = true;
 #endif
 
 }  // namespace voicemath

@@ -168,20 +168,35 @@ bool CVoiceMathematics::ComputeTemplate(std::uint32_t slot) {
 
 bool CVoiceMathematics::ReadFrames(std::span<float> features) {
   SampleBuffer<kFrameSamples> samples;
+  std::array<std::int16_t, kFrameLanes * kFrameSamples> frames;
   std::uint64_t offset = m_dataOffset + std::uint64_t{m_firstSample} * kSampleBytes;
-  for (std::size_t at = 0; at < features.size(); at += kBandCount) {
+  std::size_t done = 0;  // Values of frames read, of which the last ones wait in `frames`.
+  std::size_t waiting = 0;
+  const auto compute = [&] {
+    const std::size_t values = waiting * kBandCount;
+    BandFeatures(frames, kFrameSamples, features.subspan(done - values, values));
+    waiting = 0;
+  };
+  for (; done < features.size(); done += kBandCount, offset += kFrameHop * kSampleBytes) {
     const auto bytes = ReadAt(m_file, offset, samples.Bytes());
     if (!bytes) {
       return false;
     }
-    const auto bands = features.subspan(at).first<kBandCount>();
-    if (*bytes == 0 && at > 0) {
-      // Nothing new behind the end of the file: the buffer, and so the result, is the last one.
-      std::ranges::copy(features.subspan(at - kBandCount, kBandCount), bands.begin());
-    } else {
-      BandFeatures(samples.Decode(), bands);
+    if (*bytes == 0 && done > 0) {
+      break;
     }
-    offset += kFrameHop * kSampleBytes;
+    if (waiting == kFrameLanes) {
+      compute();
+    }
+    std::ranges::copy(samples.Decode(),
+                      frames.begin() + static_cast<std::ptrdiff_t>(waiting * kFrameSamples));
+    ++waiting;
+  }
+  compute();
+  // Nothing new behind the end of the file: the buffer, and so the result, stays the last one.
+  for (; done < features.size(); done += kBandCount) {
+    std::ranges::copy(features.subspan(done - kBandCount, kBandCount),
+                      features.begin() + static_cast<std::ptrdiff_t>(done));
   }
   return true;
 }

@@ -12,6 +12,7 @@
 #include "tests/voicemath/bits.h"
 #include "tests/voicemath/signal_catalogue.h"
 #include "tests/voicemath/twins/features.h"
+#include "voicemath/vector_clones.h"
 
 namespace voicemath {
 namespace {
@@ -20,7 +21,7 @@ void ExpectSameAsTwin(std::span<const std::int16_t> frame, const std::string& na
   std::array<float, kBandCount> bands{};
   // Whatever stood there before does not count.
   bands.fill(-1.0F);
-  BandFeatures(frame.first<kFrameSamples>(), bands);
+  BandFeatures(frame, 0, bands);
   EXPECT_EQ(BitsOf(bands), BitsOf(twins::FrameBands(frame))) << name;
 }
 
@@ -41,6 +42,24 @@ TEST(BandFeatures, EqualTheirTwinOnFramesOfSpeech) {
   const support::Samples speech = support::SpeechLike(33075, 20000.0, 3);
   for (std::size_t start = 0; start + kFrameSamples <= speech.size(); start += kFrameHop) {
     ExpectSameAsTwin(std::span(speech).subspan(start), std::to_string(start));
+  }
+}
+
+TEST(BandFeatures, OfManyFramesAreThoseOfEach) {
+  const support::Samples speech = support::SpeechLike(33075, 20000.0, 4);
+  for (const std::size_t hop : {std::size_t{1}, kFrameHop, kFrameSamples}) {
+    for (std::size_t frames = 0; frames <= 2 * kFrameLanes + 1; ++frames) {
+      std::vector<float> features(frames * kBandCount + 1, -1.0F);
+      BandFeatures(speech, hop, std::span(features).first(frames * kBandCount));
+      for (std::size_t frame = 0; frame < frames; ++frame) {
+        const auto expected =
+            twins::FrameBands(std::span(speech).subspan(frame * hop, kFrameSamples));
+        EXPECT_EQ(BitsOf(std::span<const float>(features).subspan(frame * kBandCount, kBandCount)),
+                  BitsOf(expected))
+            << hop << ' ' << frames << ' ' << frame;
+      }
+      EXPECT_EQ(features.back(), -1.0F) << frames;
+    }
   }
 }
 

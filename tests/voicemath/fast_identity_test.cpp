@@ -16,6 +16,7 @@
 #include "tests/voicemath/twins/speech_bounds.h"
 #include "voicemath/band_features.h"
 #include "voicemath/endpoint_detector.h"
+#include "voicemath/magnitude.h"
 #include "voicemath/nearest_neighbours.h"
 #include "voicemath/template_distance.h"
 
@@ -78,12 +79,38 @@ TEST(FastEndpointDetection, EqualsItsTwinOnAThousandUtterances) {
 }
 
 TEST(FastTransform, EqualsItsTwinOnUtterances) {
-  for (std::uint32_t seed = 0; seed < kTransforms; ++seed) {
-    const Samples samples = DrawUtterance(seed);
-    const auto frame = std::span(samples).first<kFrameSamples>();
-    std::array<float, kBandCount> bands{};
-    BandFeatures(frame, bands);
-    ASSERT_EQ(BitsOf(bands), BitsOf(twins::FrameBands(frame))) << seed;
+  constexpr std::uint32_t kTogether = 20;  // No multiple of the lanes: some are left over.
+  for (std::uint32_t begin = 0; begin < kTransforms; begin += kTogether) {
+    Samples frames;
+    for (std::uint32_t seed = begin; seed < begin + kTogether; ++seed) {
+      const Samples samples = DrawUtterance(seed);
+      frames.insert(frames.end(), samples.begin(), samples.begin() + kFrameSamples);
+    }
+    std::array<float, kTogether * kBandCount> bands{};
+    BandFeatures(frames, kFrameSamples, bands);
+    for (std::size_t frame = 0; frame < kTogether; ++frame) {
+      const auto of = std::span(frames).subspan(frame * kFrameSamples, kFrameSamples);
+      ASSERT_EQ(BitsOf(std::span(bands).subspan(frame * kBandCount, kBandCount)),
+                BitsOf(twins::FrameBands(of)))
+          << begin + frame;
+    }
+  }
+}
+
+TEST(Magnitude, InIntegersEqualsThatInDouble) {
+  std::mt19937 random(20);
+  for (int round = 0; round < 20000; ++round) {
+    // Of like and of very unlike size, from what is no normal number up; zeros; whole numbers.
+    float re = DrawFloat(random, round % 4 == 0 ? 0 : 120, round % 4 == 0 ? 250 : 30);
+    float im = round % 16 == 1 ? re : DrawFloat(random, round % 4 == 0 ? 0 : 120, 30);
+    if (round % 4 == 2) {
+      re = static_cast<float>(support::Draw(random, 1000));
+      im = static_cast<float>(support::Draw(random, 1000));
+    }
+    const auto weight = static_cast<std::int32_t>(1 + support::Draw(random, 255));
+    ASSERT_EQ(std::bit_cast<std::uint32_t>(WeighMagnitudeInIntegers(re, im, weight)),
+              std::bit_cast<std::uint32_t>(WeighMagnitudeInDouble(re, im, weight)))
+        << re << ' ' << im << ' ' << weight;
   }
 }
 
