@@ -11,6 +11,8 @@ find_package(Threads REQUIRED)
 # Options of every target of the project. Contraction to fused operations is off everywhere, since
 # each rounding of the speech mathematics is part of its behaviour.
 add_library(voxtrel_options INTERFACE)
+# All code can be moved as that of a library: the windows' library asks for it, and the precompiled
+# header fits only what is compiled alike.
 target_compile_options(
   voxtrel_options
   INTERFACE -Wall
@@ -25,6 +27,7 @@ target_compile_options(
             -Wundef
             -Werror
             -pthread
+            -fPIC
             -ffp-contract=off
             -fno-fast-math)
 # The warnings that g++ 12 draws from following the flow of optimised code are shown and are no

@@ -4,6 +4,7 @@
 #include <QImage>
 #include <span>
 
+#include "resources/pictures.h"
 #include "storage/device_paths.h"
 #include "tests/support/signals.h"
 
@@ -46,8 +47,10 @@ qt::PictureSource TestPictures() {
         return std::as_bytes(
             std::span(RedPng().constData(), static_cast<std::size_t>(RedPng().size())));
       default:
-        return {};
+        break;
     }
+    const resources::Picture* const own = resources::FindPicture(picture);
+    return own == nullptr ? std::span<const std::byte>() : own->svg;
   }};
 }
 

@@ -17,7 +17,7 @@
 namespace support {
 
 /// Pictures for tests: number 1 is an SVG of 20 by 10 pixels in one blue, 2 a PNG of 4 by 4, and
-/// any other is not there.
+/// the others are the program's own.
 [[nodiscard]] qt::PictureSource TestPictures();
 
 /// A page that paints what pages paint: a header, lines, a picture.

@@ -5,7 +5,6 @@
 #include <QApplication>
 #include <QDir>
 #include <QFile>
-#include <QProgressBar>
 #include <QTabWidget>
 #include <QTest>
 #include <cstdio>
@@ -14,33 +13,14 @@
 
 #include "resources/dialogs.h"
 #include "tests/qt/page_machine.h"
+#include "tests/qt/screens_dialogs.h"
 #include "tests/qt/user.h"
 
 namespace {
 
 using support::User;
 
-/// Takes a picture of the sheet in the middle of a recording.
-class BarWatcher final : public QObject {
- public:
-  explicit BarWatcher(QString file) : m_file(std::move(file)) { qApp->installEventFilter(this); }
-
-  bool eventFilter(QObject* watched, QEvent* event) override {
-    const auto* bar = dynamic_cast<QProgressBar*>(watched);
-    if (bar != nullptr && event->type() == QEvent::Show) {
-      connect(bar, &QProgressBar::valueChanged, this, [this](int value) {
-        constexpr int kMiddle = 50;
-        if (value == kMiddle) {
-          support::SaveScreenshot(*User::GetWindow(), m_file);
-        }
-      });
-    }
-    return false;
-  }
-
- private:
-  const QString m_file;
-};
+constexpr int kMiddle = 50;  ///< Of the bar of a recording.
 
 void TakeSheet(support::PageMachine& machine, User& user, const QString& prefix) {
   user.Soon([&] {
@@ -50,7 +30,7 @@ void TakeSheet(support::PageMachine& machine, User& user, const QString& prefix)
     User::Click(resources::kRecordButtonId);
     User::Choose(resources::kContactComboId, 1);
     User::Click(resources::kRecordButtonId);
-    const BarWatcher watcher(prefix + QStringLiteral("recording.png"));
+    const support::BarWatcher watcher(prefix + QStringLiteral("recording.png"), kMiddle);
     User::Click(resources::kRecordButtonId);
     User::ChooseLine(resources::kTagListId, 1);
     User::FindList(resources::kTagListId)->setFocus();
@@ -62,6 +42,7 @@ void TakeSheet(support::PageMachine& machine, User& user, const QString& prefix)
       box.reject();
     });
     User::Click(resources::kDeleteButtonId);
+    support::TakeTestDialog(user, prefix);
     User::GetWindow()->findChild<QTabWidget*>()->setCurrentIndex(1);
     support::SaveScreenshot(*User::GetWindow(), prefix + QStringLiteral("painted.png"));
     User::GetWindow()->reject();
@@ -117,6 +98,9 @@ int main(int argc, char** argv) {
   const QString prefix = QString::fromLocal8Bit(arguments[1]) + u'/';
   QDir().mkpath(prefix);
   TakeSheet(machine, user, prefix);
+  support::TakeReinitialization(machine, user, prefix);
+  support::TakeAbout(machine, user, prefix);
+  support::TakeConnection(machine, user, prefix);
   TakeBoxes(machine, user, prefix);
   return 0;
 }

@@ -1,0 +1,74 @@
+#include "tests/qt/screens_dialogs.h"
+
+#include <QApplication>
+#include <QProgressBar>
+#include <utility>
+
+#include "applet/about_page.h"
+#include "connection/connection_sheet.h"
+#include "resources/dialogs.h"
+#include "resources/pictures.h"
+#include "resources/strings.h"
+#include "storage/registry_keys.h"
+#include "tests/support/registry_access.h"
+
+namespace support {
+namespace {
+
+/// A picture of the window that comes next, which is then closed.
+void TakeNextWindow(User& user, const QString& file) {
+  user.Soon([file] {
+    User::GetWindow()->activateWindow();
+    QApplication::processEvents();
+    SaveScreenshot(*User::GetWindow(), file);
+    User::GetWindow()->reject();
+  });
+}
+
+}  // namespace
+
+BarWatcher::BarWatcher(QString file, int value) : m_file(std::move(file)), m_value(value) {
+  qApp->installEventFilter(this);
+}
+
+bool BarWatcher::eventFilter(QObject* watched, QEvent* event) {
+  const auto* bar = dynamic_cast<QProgressBar*>(watched);
+  if (bar != nullptr && event->type() == QEvent::Show) {
+    connect(bar, &QProgressBar::valueChanged, this, [this](int value) {
+      if (value == m_value) {
+        SaveScreenshot(*User::GetWindow(), m_file);
+      }
+    });
+  }
+  return false;
+}
+
+void TakeTestDialog(User& user, const QString& prefix) {
+  TakeNextWindow(user, prefix + QStringLiteral("test.png"));
+  User::Click(resources::kTestButtonId);
+}
+
+void TakeReinitialization(PageMachine& machine, User& user, const QString& prefix) {
+  static_cast<void>(
+      PutText(machine.machine.registry, storage::kSetupKey, storage::kMathVersionValue, u"2"));
+  const BarWatcher watcher(prefix + QStringLiteral("reinit.png"), 2);
+  user.Soon([] { User::GetWindow()->reject(); });
+  machine.RunSheet();
+}
+
+void TakeAbout(PageMachine& machine, User& user, const QString& prefix) {
+  applet::AboutPage page(machine.GetPlatform(), {resources::kProductPicture,
+                                                 resources::kMakerPicture, u"Voxtrel PE", u"v3.0"});
+  framework::CPropertySheet sheet(machine.texts(resources::kSheetCaption), machine.ui);
+  sheet.AddPage(page);
+  TakeNextWindow(user, prefix + QStringLiteral("about.png"));
+  sheet.DoModal();
+}
+
+void TakeConnection(PageMachine& machine, User& user, const QString& prefix) {
+  TakeNextWindow(user, prefix + QStringLiteral("connection.png"));
+  connection::RunConnectionSheet(machine.ui, machine.machine.registry,
+                                 machine.texts(resources::kSheetCaption));
+}
+
+}  // namespace support

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+#include "tests/qt/page_machine.h"
+#include "tests/qt/user.h"
+
+namespace support {
+
+/// Takes a picture of the window when a progress bar has got as far as `value`.
+class BarWatcher final : public QObject {
+ public:
+  BarWatcher(QString file, int value);
+
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  const QString m_file;
+  const int m_value;
+};
+
+/// The Test dialog, opened by its button; called while the Learning page is shown.
+void TakeTestDialog(User& user, const QString& prefix);
+
+/// The Learning page opens with templates of another version: the dialog that asks to wait.
+void TakeReinitialization(PageMachine& machine, User& user, const QString& prefix);
+
+/// Pages of other sheets.
+void TakeAbout(PageMachine& machine, User& user, const QString& prefix);
+void TakeConnection(PageMachine& machine, User& user, const QString& prefix);
+
+}  // namespace support
