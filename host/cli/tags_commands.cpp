@@ -3,26 +3,21 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
-#include <charconv>
 #include <memory>
 #include <string>
-#include <vector>
 
+#include "host/cli/contact_choice.h"
 #include "host/cli/output.h"
 #include "host/cli/page_run.h"
 #include "host/cli/tags_test_command.h"
-#include "platform/text/names.h"
 #include "platform/text/utf.h"
 #include "resources/dialogs.h"
 #include "storage/device_paths.h"
 #include "storage/tag_store.h"
-#include "tags/phone_kind.h"
 
 namespace cli {
 namespace {
 
-using resources::kContactComboId;
-using resources::kNumberComboId;
 using resources::kRecordButtonId;
 using resources::kTagListId;
 
@@ -60,67 +55,6 @@ void List(Session& session) {
       PrintLine(text::ToUtf8(run.dialog.GetText(resources::kCountLabelId)));
     }
   });
-}
-
-/// Items of the contact combo box that `wanted` means: the one with that identifier, else those of
-/// that name, else those whose name holds it.
-std::vector<int> FindContacts(const PageRun& run, const std::string& wanted) {
-  std::int32_t oid = 0;
-  const char* end = wanted.data() + wanted.size();
-  const auto parsed = std::from_chars(wanted.data(), end, oid);
-  const bool isOid = parsed.ec == std::errc() && parsed.ptr == end;
-  const std::u16string name = text::FromUtf8(wanted);
-  std::vector<int> byOid;
-  std::vector<int> byName;
-  std::vector<int> byPart;
-  for (int i = 0; i < run.dialog.GetItemCount(kContactComboId); ++i) {
-    const tags::ContactRecord* record = run.page.GetPicker().GetContacts().Find(i);
-    const std::u16string item = run.dialog.GetItemText(kContactComboId, i);
-    if (isOid && record != nullptr && record->oid == oid) {
-      byOid.push_back(i);
-    }
-    if (text::SameName(item, name)) {
-      byName.push_back(i);
-    }
-    if (text::FoldName(item).find(text::FoldName(name)) != std::u16string::npos) {
-      byPart.push_back(i);
-    }
-  }
-  return !byOid.empty() ? byOid : !byName.empty() ? byName : byPart;
-}
-
-/// Chooses the contact; tells the candidates where that is not clear.
-bool ChooseContact(Session& session, PageRun& run, const std::string& wanted) {
-  const std::vector<int> found = FindContacts(run, wanted);
-  if (found.size() == 1) {
-    run.dialog.Choose(kContactComboId, found.front());
-    return true;
-  }
-  session.Fail(found.empty() ? fmt::format("no contact with a number is called \"{}\"", wanted)
-                             : fmt::format("\"{}\" can mean each of these; give the number in "
-                                           "front as --contact",
-                                           wanted));
-  for (const int item : found) {
-    const tags::ContactRecord* record = run.page.GetPicker().GetContacts().Find(item);
-    PrintErrorLine(fmt::format("{:>11}  {}", record->oid,
-                               text::ToUtf8(run.dialog.GetItemText(kContactComboId, item))));
-  }
-  return false;
-}
-
-bool ChooseNumber(Session& session, PageRun& run, const std::string& kind) {
-  std::string offered;
-  for (int i = 0; i < run.dialog.GetItemCount(kNumberComboId); ++i) {
-    const std::u16string item = run.dialog.GetItemText(kNumberComboId, i);
-    if (text::SameName(tags::PhoneTypeWord(item), text::FromUtf8(kind))) {
-      run.dialog.Choose(kNumberComboId, i);
-      return true;
-    }
-    offered += (offered.empty() ? "" : ", ") + text::ToUtf8(tags::PhoneTypeWord(item));
-  }
-  session.Fail(
-      fmt::format("the contact has no number of the kind \"{}\"; it has: {}", kind, offered));
-  return false;
 }
 
 void Learn(Session& session, const std::string& contact, const std::string& kind) {
