@@ -9,6 +9,7 @@
 #include "host/cli/contact_choice.h"
 #include "host/cli/output.h"
 #include "host/cli/page_run.h"
+#include "host/cli/play_code.h"
 #include "host/cli/tags_test_command.h"
 #include "platform/text/utf.h"
 #include "resources/dialogs.h"
@@ -77,6 +78,10 @@ void Learn(Session& session, const std::string& contact, const std::string& kind
     } else {
       PrintLine(
           fmt::format("Learned: {}", text::ToUtf8(run.dialog.GetItemText(kTagListId, before))));
+      if (const int code = run.page.GetPlayCode(); code != audio::kPlayed) {
+        PrintErrorLine(
+            fmt::format("The recording was not played: {}", ExplainPlayCode(session, code)));
+      }
     }
   });
 }
@@ -109,7 +114,7 @@ void Play(Session& session, const std::string& name) {
     const int code = run.page.GetPlayCode();
     PrintResult(session, code);
     if (code != audio::kPlayed) {
-      session.Fail(fmt::format("tag {} was not played (code {})", name, code));
+      session.Fail(fmt::format("tag {} was not played: {}", name, ExplainPlayCode(session, code)));
     }
   });
 }
