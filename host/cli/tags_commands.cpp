@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstddef>
 #include <memory>
 #include <string>
 
@@ -36,6 +38,13 @@ Json TagToJson(Session& session, const PageRun& run, std::int32_t index) {
           {"template", session.ToHostPath(storage::TemplatePath(name))}};
 }
 
+/// Whether each entry has its line. The page ends its list at a tag that it cannot deal with.
+bool IsWhole(Session& session, std::int32_t lineCount) {
+  const auto names = storage::TagStore(session.GetFiles(), session.GetRegistry()).OpenNames();
+  std::u16string name;
+  return !names || !names->Get(static_cast<std::uint32_t>(lineCount), name);
+}
+
 void List(Session& session) {
   RunPage(session, [&](PageRun& run) {
     const std::int32_t count = run.dialog.GetItemCount(kTagListId);
@@ -54,6 +63,9 @@ void List(Session& session) {
       PrintJson(tags);
     } else {
       PrintLine(text::ToUtf8(run.dialog.GetText(resources::kCountLabelId)));
+    }
+    if (!IsWhole(session, count)) {
+      session.Fail("not all tags are listed; `voxtrel check` tells what is wrong with them");
     }
   });
 }
@@ -119,14 +131,24 @@ void Play(Session& session, const std::string& name) {
   });
 }
 
-/// Presses a button that deletes, and tells whether the list became shorter.
+/// Message boxes so far that told of something, and did not ask.
+std::ptrdiff_t CountProblems(Session& session) {
+  return std::ranges::count_if(
+      session.GetUi().GetMessages(), [](const headless::ShownMessage& shown) {
+        return !platform::Has(shown.box.style, platform::MessageStyle::kOkCancel);
+      });
+}
+
+/// Presses a button that deletes, and tells whether the list became shorter and nothing was left.
 void PressDelete(Session& session, PageRun& run, int button, const char* failure) {
   const int before = run.dialog.GetItemCount(kTagListId);
+  const std::ptrdiff_t problems = CountProblems(session);
   run.dialog.Press(button);
-  const bool isDone = run.dialog.GetItemCount(kTagListId) < before;
+  const bool isShorter = run.dialog.GetItemCount(kTagListId) < before;
+  const bool isDone = isShorter && CountProblems(session) == problems;
   PrintResult(session, isDone ? 0 : 1);
   if (!isDone) {
-    session.Fail(failure);
+    session.Fail(isShorter ? "some files of deleted tags are left" : failure);
   }
 }
 
