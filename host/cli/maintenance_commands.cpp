@@ -49,10 +49,6 @@ void PrintReinit(Session& session, const PageRun& run, bool hasRun) {
 
 void Reinit(Session& session, bool isForced) {
   RunPage(session, [&](PageRun& run) {
-    if (!run.page.IsSetUp()) {
-      session.Fail("the voice templates were not computed anew");
-      return;
-    }
     bool hasRun = run.wasReinitialized;
     if (isForced && !hasRun && run.page.GetTags().tagCount > 0) {
       if (!ForgetVersion(session.GetRegistry())) {

@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "host/cli/contacts_commands.h"
 #include "host/cli/reinit_screen.h"
 #include "language/language_table.h"
 #include "platform/framework/property_sheet.h"
@@ -42,6 +43,10 @@ void RunPage(Session& session, const std::function<void(PageRun&)>& use) {
         session.Fail("the tags are in use by another Voxtrel; close it and try again");
       }
       return;  // Else a message has told why.
+    }
+    if (!page.IsSetUp()) {
+      session.Fail(ExplainContactsProblem(session));
+      return;
     }
     PageRun run{page, *window.ShowPage(0), *wasReinitialized};
     use(run);

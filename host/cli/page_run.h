@@ -21,7 +21,8 @@ struct PageRun {
 };
 
 /// Opens the page, hands it to `use`, and closes it. Where it does not open, as when a window has
-/// it open already, that is told and `use` is not called.
+/// it open already or the contacts cannot be read, that is told and `use` is not called: a page
+/// that was not filled must not pass for one without tags.
 void RunPage(Session& session, const std::function<void(PageRun&)>& use);
 
 /// What the applet speaks: the language file of the device, where there is one.

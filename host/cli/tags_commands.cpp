@@ -3,26 +3,24 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
-#include <charconv>
+#include <algorithm>
+#include <cstddef>
 #include <memory>
 #include <string>
-#include <vector>
 
+#include "host/cli/contact_choice.h"
 #include "host/cli/output.h"
 #include "host/cli/page_run.h"
+#include "host/cli/play_code.h"
 #include "host/cli/tags_test_command.h"
-#include "platform/text/names.h"
 #include "platform/text/utf.h"
 #include "resources/dialogs.h"
 #include "storage/device_paths.h"
 #include "storage/tag_store.h"
-#include "tags/phone_kind.h"
 
 namespace cli {
 namespace {
 
-using resources::kContactComboId;
-using resources::kNumberComboId;
 using resources::kRecordButtonId;
 using resources::kTagListId;
 
@@ -38,6 +36,13 @@ Json TagToJson(Session& session, const PageRun& run, std::int32_t index) {
           {"text", text::ToUtf8(run.dialog.GetItemText(kTagListId, index))},
           {"wave", session.ToHostPath(storage::WavePath(name))},
           {"template", session.ToHostPath(storage::TemplatePath(name))}};
+}
+
+/// Whether each entry has its line. The page ends its list at a tag that it cannot deal with.
+bool IsWhole(Session& session, std::int32_t lineCount) {
+  const auto names = storage::TagStore(session.GetFiles(), session.GetRegistry()).OpenNames();
+  std::u16string name;
+  return !names || !names->Get(static_cast<std::uint32_t>(lineCount), name);
 }
 
 void List(Session& session) {
@@ -59,68 +64,10 @@ void List(Session& session) {
     } else {
       PrintLine(text::ToUtf8(run.dialog.GetText(resources::kCountLabelId)));
     }
+    if (!IsWhole(session, count)) {
+      session.Fail("not all tags are listed; `voxtrel check` tells what is wrong with them");
+    }
   });
-}
-
-/// Items of the contact combo box that `wanted` means: the one with that identifier, else those of
-/// that name, else those whose name holds it.
-std::vector<int> FindContacts(const PageRun& run, const std::string& wanted) {
-  std::int32_t oid = 0;
-  const char* end = wanted.data() + wanted.size();
-  const auto parsed = std::from_chars(wanted.data(), end, oid);
-  const bool isOid = parsed.ec == std::errc() && parsed.ptr == end;
-  const std::u16string name = text::FromUtf8(wanted);
-  std::vector<int> byOid;
-  std::vector<int> byName;
-  std::vector<int> byPart;
-  for (int i = 0; i < run.dialog.GetItemCount(kContactComboId); ++i) {
-    const tags::ContactRecord* record = run.page.GetPicker().GetContacts().Find(i);
-    const std::u16string item = run.dialog.GetItemText(kContactComboId, i);
-    if (isOid && record != nullptr && record->oid == oid) {
-      byOid.push_back(i);
-    }
-    if (text::SameName(item, name)) {
-      byName.push_back(i);
-    }
-    if (text::FoldName(item).find(text::FoldName(name)) != std::u16string::npos) {
-      byPart.push_back(i);
-    }
-  }
-  return !byOid.empty() ? byOid : !byName.empty() ? byName : byPart;
-}
-
-/// Chooses the contact; tells the candidates where that is not clear.
-bool ChooseContact(Session& session, PageRun& run, const std::string& wanted) {
-  const std::vector<int> found = FindContacts(run, wanted);
-  if (found.size() == 1) {
-    run.dialog.Choose(kContactComboId, found.front());
-    return true;
-  }
-  session.Fail(found.empty() ? fmt::format("no contact with a number is called \"{}\"", wanted)
-                             : fmt::format("\"{}\" can mean each of these; give the number in "
-                                           "front as --contact",
-                                           wanted));
-  for (const int item : found) {
-    const tags::ContactRecord* record = run.page.GetPicker().GetContacts().Find(item);
-    PrintErrorLine(fmt::format("{:>11}  {}", record->oid,
-                               text::ToUtf8(run.dialog.GetItemText(kContactComboId, item))));
-  }
-  return false;
-}
-
-bool ChooseNumber(Session& session, PageRun& run, const std::string& kind) {
-  std::string offered;
-  for (int i = 0; i < run.dialog.GetItemCount(kNumberComboId); ++i) {
-    const std::u16string item = run.dialog.GetItemText(kNumberComboId, i);
-    if (text::SameName(tags::PhoneTypeWord(item), text::FromUtf8(kind))) {
-      run.dialog.Choose(kNumberComboId, i);
-      return true;
-    }
-    offered += (offered.empty() ? "" : ", ") + text::ToUtf8(tags::PhoneTypeWord(item));
-  }
-  session.Fail(
-      fmt::format("the contact has no number of the kind \"{}\"; it has: {}", kind, offered));
-  return false;
 }
 
 void Learn(Session& session, const std::string& contact, const std::string& kind) {
@@ -143,6 +90,10 @@ void Learn(Session& session, const std::string& contact, const std::string& kind
     } else {
       PrintLine(
           fmt::format("Learned: {}", text::ToUtf8(run.dialog.GetItemText(kTagListId, before))));
+      if (const int code = run.page.GetPlayCode(); code != audio::kPlayed) {
+        PrintErrorLine(
+            fmt::format("The recording was not played: {}", ExplainPlayCode(session, code)));
+      }
     }
   });
 }
@@ -175,19 +126,29 @@ void Play(Session& session, const std::string& name) {
     const int code = run.page.GetPlayCode();
     PrintResult(session, code);
     if (code != audio::kPlayed) {
-      session.Fail(fmt::format("tag {} was not played (code {})", name, code));
+      session.Fail(fmt::format("tag {} was not played: {}", name, ExplainPlayCode(session, code)));
     }
   });
 }
 
-/// Presses a button that deletes, and tells whether the list became shorter.
+/// Message boxes so far that told of something, and did not ask.
+std::ptrdiff_t CountProblems(Session& session) {
+  return std::ranges::count_if(
+      session.GetUi().GetMessages(), [](const headless::ShownMessage& shown) {
+        return !platform::Has(shown.box.style, platform::MessageStyle::kOkCancel);
+      });
+}
+
+/// Presses a button that deletes, and tells whether the list became shorter and nothing was left.
 void PressDelete(Session& session, PageRun& run, int button, const char* failure) {
   const int before = run.dialog.GetItemCount(kTagListId);
+  const std::ptrdiff_t problems = CountProblems(session);
   run.dialog.Press(button);
-  const bool isDone = run.dialog.GetItemCount(kTagListId) < before;
+  const bool isShorter = run.dialog.GetItemCount(kTagListId) < before;
+  const bool isDone = isShorter && CountProblems(session) == problems;
   PrintResult(session, isDone ? 0 : 1);
   if (!isDone) {
-    session.Fail(failure);
+    session.Fail(isShorter ? "some files of deleted tags are left" : failure);
   }
 }
 

@@ -1,12 +1,9 @@
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <map>
 
-#include "platform/sqlite/sqlite_registry.h"
 #include "storage/registry_keys.h"
-#include "storage/tag_entry.h"
-#include "tests/cli/command_fixture.h"
+#include "tests/cli/tags_fixture.h"
 #include "tests/support/registry_access.h"
 
 namespace {
@@ -16,64 +13,9 @@ using nlohmann::json;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-constexpr const char* kAnnsCard =
-    "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:a\r\nN:Lee;Ann;;;\r\nTEL;TYPE=CELL:5551234\r\nEND:VCARD\r\n";
-constexpr const char* kBobsCard =
-    "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:b\r\nN:Ray;Bob;;;\r\nTEL;TYPE=HOME:5550001\r\nEND:VCARD\r\n";
-
-/// Tags as the applet leaves them, made of samples without the three seconds of a recording.
-class MaintenanceCommands : public CommandFixture {
+/// Tags as the applet leaves them, of which some are spoiled.
+class MaintenanceCommands : public TagsFixture {
  protected:
-  MaintenanceCommands() {
-    std::ofstream(Path("all.vcf"), std::ios::binary) << kAnnsCard << kBobsCard;
-    const json list = json::parse(
-        Run({"--contacts", Path("all.vcf"), "contacts", "list", "--json"}).out, nullptr, false);
-    m_ann = list[0]["oid"];
-    m_bob = list[1]["oid"];
-    fs::create_directories(Folder("Voxtrel_wav"));
-    fs::create_directories(Folder("Voxtrel_stor"));
-  }
-
-  [[nodiscard]] fs::path Folder(const std::string& name) const {
-    return fs::path(Path("root")) / "Program Files" / "Zedra Tech." / "Zedra Voxtrel" / name;
-  }
-  [[nodiscard]] fs::path Wave(const std::string& tag) const {
-    return Folder("Voxtrel_wav") / (tag + ".wav");
-  }
-  [[nodiscard]] fs::path Template(const std::string& tag) const {
-    return Folder("Voxtrel_stor") / (tag + ".st");
-  }
-  [[nodiscard]] sqlite::SqliteRegistry Registry() const {
-    return sqlite::SqliteRegistry(fs::path(Path("root")) / sqlite::kDatabaseName);
-  }
-  static std::u16string Wide(const std::string& text) { return {text.begin(), text.end()}; }
-
-  void PutVersion(std::u16string_view text) const {
-    auto registry = Registry();
-    ASSERT_EQ(support::PutText(registry, storage::kSetupKey, storage::kMathVersionValue, text),
-              platform::RegistryError::kNone);
-  }
-  void PutEntry(const std::string& tag, std::int32_t oid, std::u16string_view kind) const {
-    auto registry = Registry();
-    const std::u16string key = std::u16string(storage::kTagKey) + u"\\" + Wide(tag);
-    ASSERT_EQ(support::PutText(registry, key, u"contact", Wide(std::to_string(oid))),
-              platform::RegistryError::kNone);
-    ASSERT_EQ(support::PutText(registry, key, u"phone type", kind), platform::RegistryError::kNone);
-  }
-  void PutTag(const std::string& tag, const std::string& sample, std::int32_t oid,
-              std::u16string_view kind) const {
-    fs::copy_file(fs::path(VOXTREL_SAMPLES_DIR) / sample, Wave(tag));
-    const auto run = Run({"template", "learn", Wave(tag).string(), Template(tag).string()});
-    ASSERT_EQ(run.exitCode, 0) << run.err;
-    PutEntry(tag, oid, kind);
-  }
-  void PutThreeTags() const {
-    PutTag("100", "anna_1.wav", m_ann, u"Mobile");
-    PutTag("200", "anna_2.wav", m_bob, u"Home");
-    PutTag("300", "robert_1.wav", m_bob, u"Home");
-    PutVersion(u"3");
-  }
-
   /// Every recording and every template.
   [[nodiscard]] std::map<std::string, std::string> GetFiles() const {
     std::map<std::string, std::string> files;
@@ -98,10 +40,6 @@ class MaintenanceCommands : public CommandFixture {
     }
     return files;
   }
-  [[nodiscard]] static std::string Content(const fs::path& path) {
-    std::ifstream stream(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-  }
   /// The findings as "word tag", with "!" where repaired.
   [[nodiscard]] std::vector<std::string> Check(std::vector<std::string> options,
                                                int exitCode) const {
@@ -115,9 +53,6 @@ class MaintenanceCommands : public CommandFixture {
     }
     return findings;
   }
-
-  std::int32_t m_ann = 0;
-  std::int32_t m_bob = 0;
 };
 
 using Lines = std::vector<std::string>;

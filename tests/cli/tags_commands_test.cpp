@@ -1,0 +1,160 @@
+#include <filesystem>
+#include <fstream>
+#include <vector>
+
+#include "platform/posix/posix_threads.h"
+#include "tests/cli/tags_fixture.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+using TagsCommands = TagsFixture;
+
+TEST_F(TagsCommands, ListShowsTheListBoxAndTheCount) {
+  PutThreeTags();
+  const auto run = Run({"tags", "list"});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_EQ(run.err, "");
+  EXPECT_EQ(run.out,
+            "        100  Ann Lee 5551234 M\n"
+            "        200  Bob Ray 5550001 H\n"
+            "        300  Bob Ray 5550001 H\n"
+            "Learned commands: 3\n");
+}
+
+TEST_F(TagsCommands, ListAsJsonHasWhatIsStoredAndWhere) {
+  PutThreeTags();
+  const auto run = Run({"tags", "list", "--json"});
+  EXPECT_EQ(std::ranges::count(run.out, '\n'), 1);
+  EXPECT_TRUE(run.out.starts_with(R"([{"name":"100","contact":)" + std::to_string(m_ann) +
+                                  R"(,"phoneType":"Mobile","text":"Ann Lee 5551234 M","wave":")"));
+  const json list = List();
+  ASSERT_EQ(list.size(), 3U);
+  EXPECT_EQ(list[1], (json{{"name", "200"},
+                           {"contact", m_bob},
+                           {"phoneType", "Home"},
+                           {"text", "Bob Ray 5550001 H"},
+                           {"wave", Wave("200").string()},
+                           {"template", Template("200").string()}}));
+}
+
+TEST_F(TagsCommands, ListWithoutTagsIsEmptyAndNoFailure) {
+  EXPECT_EQ(List(), json::array());
+  EXPECT_EQ(Run({"tags", "list"}).out, "Learned commands: 0\n");
+}
+
+TEST_F(TagsCommands, ATagOfAContactThatIsGoneIsDeletedAndCountedOnceMore) {
+  PutThreeTags();
+  std::ofstream(Path("all.vcf"), std::ios::binary) << kBobsCard;
+  const auto run = Run({"tags", "list"});
+  EXPECT_EQ(run.exitCode, 0) << run.err;
+  // The count is that of the entries before any was deleted, deliberately, until it is opened anew.
+  EXPECT_EQ(run.out,
+            "        200  Bob Ray 5550001 H\n        300  Bob Ray 5550001 H\n"
+            "Learned commands: 3\n");
+  EXPECT_FALSE(fs::exists(Wave("100")));
+  EXPECT_FALSE(fs::exists(Template("100")));
+  EXPECT_FALSE(HasEntry("100"));
+  EXPECT_THAT(Run({"tags", "list"}).out, HasSubstr("Learned commands: 2\n"));
+}
+
+TEST_F(TagsCommands, AListThatEndsEarlySaysSo) {
+  PutThreeTags();
+  std::ofstream(Path("all.vcf"), std::ios::binary) << kAnnsCard;
+  fs::remove(Wave("200"));
+  const auto run = Run({"tags", "list"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_EQ(run.out, "        100  Ann Lee 5551234 M\nLearned commands: 3\n");
+  EXPECT_THAT(run.err, HasSubstr("Zedra Voxtrel: Error in 11\n"));
+  EXPECT_THAT(run.err, HasSubstr("voxtrel: not all tags are listed; `voxtrel check`"));
+  EXPECT_TRUE(HasEntry("200"));
+}
+
+TEST_F(TagsCommands, PlayIsHeard) {
+  PutThreeTags();
+  const std::string heard = Path("heard.wav");
+  EXPECT_EQ(RunJson({"--speaker", heard, "tags", "play", "300"}, 0), (json{{"result", 0}}));
+  const std::string recording = Content(Wave("300"));
+  ASSERT_GT(recording.size(), 44U);
+  EXPECT_EQ(Content(heard).substr(44), recording.substr(44));
+}
+
+TEST_F(TagsCommands, PlayOfATagWhoseRecordingIsGoneSaysSo) {
+  PutThreeTags();
+  fs::remove(Wave("200"));
+  const std::string heard = Path("heard.wav");
+  EXPECT_EQ(RunJson({"--speaker", heard, "tags", "play", "200"}, 1), (json{{"result", 1}}));
+  const auto run = Run({"--speaker", heard, "tags", "play", "200"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_EQ(run.out, "");
+  EXPECT_THAT(run.err, testing::StartsWith("voxtrel: tag 200 was not played: the file could not"));
+  EXPECT_FALSE(fs::exists(heard));
+}
+
+TEST_F(TagsCommands, PlayWithoutALoudspeakerSaysSo) {
+  PutThreeTags();
+  EXPECT_EQ(RunJson({"tags", "play", "100"}, 1), (json{{"result", 8}}));
+  EXPECT_THAT(Run({"tags", "play", "100"}).err, HasSubstr("there is no sound server"));
+}
+
+TEST_F(TagsCommands, AnUnknownTagIsNotPlayedNorDeleted) {
+  PutThreeTags();
+  for (const std::string command : {"play", "delete"}) {
+    const auto run = Run({"--yes", "tags", command, "10", "--json"});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_EQ(run.out, "");
+    EXPECT_EQ(run.err, "voxtrel: there is no tag 10; `voxtrel tags list` shows them\n");
+  }
+  EXPECT_THAT(GetNames(), ElementsAre("100", "200", "300"));
+}
+
+TEST_F(TagsCommands, WhileAWindowHasTheTagsNoCommandTouchesThem) {
+  PutThreeTags();
+  {
+    posix::PosixThreads window(Path("root"));
+    const platform::CreatedMutex held = window.CreateNamedMutex(u"ZedraD");
+    ASSERT_TRUE(held.mutex);
+    for (const std::vector<std::string>& command :
+         std::vector<std::vector<std::string>>{{"tags", "list", "--json"},
+                                               {"tags", "learn", "--contact", "Ann"},
+                                               {"tags", "play", "100", "--json"},
+                                               {"--yes", "tags", "delete", "100", "--json"},
+                                               {"--yes", "tags", "delete-all", "--json"}}) {
+      const auto run = Run(command);
+      EXPECT_EQ(run.exitCode, 1);
+      EXPECT_EQ(run.out, "");
+      EXPECT_EQ(run.err,
+                "voxtrel: the tags are in use by another Voxtrel; close it and try again\n");
+    }
+  }
+  EXPECT_THAT(GetNames(), ElementsAre("100", "200", "300"));
+}
+
+TEST_F(TagsCommands, ContactsThatAreAwayAreNoEmptyList) {
+  PutThreeTags();
+  fs::remove(Path("all.vcf"));
+  for (const std::string command : {"list", "delete-all"}) {
+    const auto run = Run({"--yes", "tags", command, "--json"});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_EQ(run.out, "");
+    EXPECT_THAT(run.err, HasSubstr("Zedra Voxtrel: Failed to logon to Pocket Outlook\n"));
+    EXPECT_THAT(run.err, HasSubstr("voxtrel: the chosen address book is missing"));
+  }
+  EXPECT_TRUE(HasEntry("100"));
+  EXPECT_TRUE(HasFiles("100"));
+}
+
+TEST_F(TagsCommands, WrongUsageIsTwo) {
+  EXPECT_EQ(Run({"tags"}).exitCode, 2);
+  EXPECT_EQ(Run({"tags", "play"}).exitCode, 2);
+  EXPECT_EQ(Run({"tags", "delete"}).exitCode, 2);
+  EXPECT_EQ(Run({"tags", "delete", "1", "2"}).exitCode, 2);
+  EXPECT_EQ(Run({"tags", "delete-all", "1"}).exitCode, 2);
+  EXPECT_EQ(Run({"tags", "list", "1"}).exitCode, 2);
+}
+
+}  // namespace
