@@ -24,9 +24,15 @@ std::vector<Neighbour> FindNearest(std::int32_t count, const DistanceOf& distanc
 
 std::vector<Neighbour> FindNearest(const voicemath::CVoiceMathematics& mathematics,
                                    std::int32_t count) {
-  return FindNearest(count, [&mathematics](std::int32_t a, std::int32_t b) {
-    return mathematics.CompareTemplates(a, b);
-  });
+  std::vector<voicemath::Neighbour> found(static_cast<std::size_t>(std::max(count, 0)));
+  mathematics.FindNearest(found);
+  std::vector<Neighbour> nearest;
+  nearest.reserve(found.size());
+  for (const voicemath::Neighbour& each : found) {
+    nearest.push_back(each.index < 0 ? Neighbour()
+                                     : Neighbour{each.index, each.distance.Distance()});
+  }
+  return nearest;
 }
 
 NeighbourTable ToTable(std::span<const Neighbour> nearest, std::span<const std::int32_t> tags) {

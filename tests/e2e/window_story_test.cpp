@@ -220,4 +220,38 @@ TEST_F(WindowStory, ThreeNamesAreLearnedByClicksOnTheRealWindow) {
               ElementsAre("Ann Lee 5551234 M", "Bob Ray 5550001 H", "Carla Stone 5550003 B"));
 }
 
+TEST_F(WindowStory, AnOtherMathematicsComputesAllTemplatesAnewBeforeTheEyesOfTheUser) {
+  for (const std::string name : {"anna", "robert", "sophie"}) {
+    const auto run = support::RunProgram(
+        {VOXTREL_PROGRAM, "--root", Root(), "--contacts", VOXTREL_SAMPLES_DIR "/contacts.vcf",
+         "--microphone", VOXTREL_SAMPLES_DIR "/" + name + "_1.wav", "--speaker",
+         m_session.Folder() / "heard.wav", "tags", "learn", "--contact", name});
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+  }
+  m_session.SetVariable("VOXTREL_CONTACTS", VOXTREL_SAMPLES_DIR "/contacts.vcf");
+  const auto templates = NamesIn("Voxtrel_stor");
+  ASSERT_EQ(templates.size(), 3U);
+  std::filesystem::remove(Installed("Voxtrel_stor") / (templates[1] + ".st"));
+  const auto other = support::RunProgram(
+      {"sqlite3", Root() + "/registry.db",
+       "UPDATE registry_value SET data = x'32000000' WHERE name = 'Version_Math'"});
+  ASSERT_EQ(other.exitCode, 0) << other.err;
+
+  m_panel = std::make_unique<BackgroundProgram>(
+      std::vector<std::string>{VOXTREL_PANEL, "--open", VOXTREL_APPLET},
+      m_session.Folder() / "panel.log");
+  ASSERT_FALSE(m_screen->AwaitWindow("Reinitialization").id.empty());
+  ASSERT_TRUE(Await(std::chrono::seconds(30), [&] {
+    return std::filesystem::exists(Installed("Voxtrel_stor") / (templates[0] + ".st"));
+  }));
+  Shoot("reinitialization");
+  ASSERT_TRUE(
+      Await(std::chrono::seconds(60), [this] { return !m_screen->HasWindow("Reinitialization"); }));
+  EXPECT_EQ(NamesIn("Voxtrel_stor"), templates);
+  m_sheet = m_screen->AwaitWindow("Property");
+  ClickOn(resources::kTestButtonId);
+  ASSERT_FALSE(m_screen->AwaitWindow("Test").id.empty());
+  Shoot("test");
+}
+
 }  // namespace

@@ -4,8 +4,18 @@
 
 #include <array>
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
 #include <limits>
+#include <memory>
 #include <numeric>
+#include <random>
+#include <utility>
+#include <vector>
+
+#include "platform/headless/headless_ui.h"
+#include "platform/headless/memory_file_system.h"
+#include "voicemath/constants.h"
 
 namespace {
 
@@ -125,6 +135,31 @@ TEST(NeighbourTable, NamesTagsByTheirPlaceWhereSomeHaveNoTemplate) {
 TEST(NeighbourTable, NoNeighbourIsNobodysConfusion) {
   const auto table = Table({{Neighbour::kNone, 100.0F}, {Neighbour::kNone, 100.0F}});
   EXPECT_EQ(CountConfusions(table, 2), (std::vector<std::int32_t>{0, 0}));
+}
+
+TEST(FindNearest, OverTheMathematicsFindsTheSameAsOneByOne) {
+  headless::MemoryFileSystem files;
+  headless::HeadlessUi ui;
+  voicemath::CVoiceMathematics mathematics(files, ui);
+  std::mt19937 random(7);
+  constexpr std::int32_t kTags = 40;
+  for (std::size_t slot = 0; slot < kTags; ++slot) {
+    // Some of one length, some alike, one without frames.
+    const auto frames = static_cast<std::uint16_t>(slot == 9 ? 0 : 20 + slot % 7);
+    auto values = std::make_unique<float[]>(std::size_t{frames} * voicemath::kBandCount);
+    for (std::size_t i = 0; i < std::size_t{frames} * voicemath::kBandCount; ++i) {
+      values[i] = static_cast<float>(random() % (slot % 5 == 0 ? 3U : 100'000U));
+    }
+    ASSERT_TRUE(mathematics.SetTemplate(slot, std::move(values), frames));
+  }
+  const auto found = maintenance::FindNearest(mathematics, kTags);
+  const auto expected = maintenance::FindNearest(
+      kTags, [&](std::int32_t a, std::int32_t b) { return mathematics.CompareTemplates(a, b); });
+  ASSERT_EQ(found.size(), expected.size());
+  for (std::size_t i = 0; i < found.size(); ++i) {
+    EXPECT_EQ(found[i].index, expected[i].index) << i;
+    EXPECT_EQ(found[i].distance, expected[i].distance) << i;
+  }
 }
 
 TEST(ToScore, TruncatesTowardsZero) {

@@ -98,7 +98,6 @@ int main(int argc, char** argv) {
   const QString prefix = QString::fromLocal8Bit(arguments[1]) + u'/';
   QDir().mkpath(prefix);
   TakeSheet(machine, user, prefix);
-  support::TakeReinitialization(machine, user, prefix);
   support::TakeAbout(machine, user, prefix);
   support::TakeConnection(machine, user, prefix);
   TakeBoxes(machine, user, prefix);

@@ -9,8 +9,6 @@
 #include "resources/dialogs.h"
 #include "resources/pictures.h"
 #include "resources/strings.h"
-#include "storage/registry_keys.h"
-#include "tests/support/registry_access.h"
 
 namespace support {
 namespace {
@@ -46,14 +44,6 @@ bool BarWatcher::eventFilter(QObject* watched, QEvent* event) {
 void TakeTestDialog(User& user, const QString& prefix) {
   TakeNextWindow(user, prefix + QStringLiteral("test.png"));
   User::Click(resources::kTestButtonId);
-}
-
-void TakeReinitialization(PageMachine& machine, User& user, const QString& prefix) {
-  static_cast<void>(
-      PutText(machine.machine.registry, storage::kSetupKey, storage::kMathVersionValue, u"2"));
-  const BarWatcher watcher(prefix + QStringLiteral("reinit.png"), 2);
-  user.Soon([] { User::GetWindow()->reject(); });
-  machine.RunSheet();
 }
 
 void TakeAbout(PageMachine& machine, User& user, const QString& prefix) {

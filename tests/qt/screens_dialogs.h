@@ -23,9 +23,6 @@ class BarWatcher final : public QObject {
 /// The Test dialog, opened by its button; called while the Learning page is shown.
 void TakeTestDialog(User& user, const QString& prefix);
 
-/// The Learning page opens with templates of another version: the dialog that asks to wait.
-void TakeReinitialization(PageMachine& machine, User& user, const QString& prefix);
-
 /// Pages of other sheets.
 void TakeAbout(PageMachine& machine, User& user, const QString& prefix);
 void TakeConnection(PageMachine& machine, User& user, const QString& prefix);
