@@ -24,13 +24,18 @@ std::string ReadIcon(applet::IconHandle icon) {
   return std::string(begin.data(), static_cast<std::size_t>(length < 0 ? 0 : length));
 }
 
-/// Closes whatever window is shown, and says its title.
+/// Says the title of whatever window is shown, once, and closes it. One that is busy stays, until
+/// it is asked again.
 void CloseWindows() {
   for (QWidget* const window : QApplication::topLevelWidgets()) {
-    if (window->isVisible()) {
-      std::printf("shown %s\n", window->windowTitle().toUtf8().constData());
-      window->close();
+    if (!window->isVisible()) {
+      continue;
     }
+    if (!window->property("said").toBool()) {
+      std::printf("shown %s\n", window->windowTitle().toUtf8().constData());
+      window->setProperty("said", true);
+    }
+    window->close();
   }
 }
 
