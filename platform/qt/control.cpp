@@ -2,6 +2,8 @@
 
 #include <QFontMetrics>
 #include <QGroupBox>
+#include <QStyle>
+#include <QStyleOptionButton>
 #include <QVariant>
 #include <algorithm>
 
@@ -33,6 +35,16 @@ void ShowLabel(Control& control, const QString& text) {
 }
 
 [[nodiscard]] int RoomForText(const Control& control) {
+  if (IsCheckBox(control)) {
+    // What the style leaves of the width beside the box, as it reckons the width for a text.
+    QStyleOptionButton option;
+    option.initFrom(control.widget);
+    option.text = QStringLiteral("x");
+    const QStyle& style = *control.widget->style();
+    const QSize taken =
+        style.sizeFromContents(QStyle::CT_CheckBox, &option, QSize(0, 0), control.widget);
+    return control.widget->width() - taken.width();
+  }
   return control.widget->width() - 2 * kButtonMargin;
 }
 
@@ -42,7 +54,7 @@ void ShowLabel(Control& control, const QString& text) {
   return given.isValid() ? given.value<QFont>() : button.font();
 }
 
-void ShowPushButton(Control& control, const QString& text) {
+void ShowButton(Control& control, const QString& text) {
   QAbstractButton& button = *control.button;
   QFont font = GivenFont(button);
   button.setProperty(kGivenFont, font);
@@ -66,6 +78,10 @@ bool IsPushButton(const Control& control) {
          control.description.kind == resources::ControlKind::kDefaultPushButton;
 }
 
+bool IsCheckBox(const Control& control) {
+  return control.description.kind == resources::ControlKind::kCheckBox;
+}
+
 int FittingLetters(const Control& control) {
   QFont font = GivenFont(*control.button);
   const QString text = ToQString(control.text);
@@ -81,8 +97,8 @@ void ShowText(Control& control) {
   const QString text = ToQString(control.text);
   if (control.label != nullptr) {
     ShowLabel(control, text);
-  } else if (IsPushButton(control)) {
-    ShowPushButton(control, text);
+  } else if (IsPushButton(control) || IsCheckBox(control)) {
+    ShowButton(control, text);
   } else if (control.button != nullptr) {
     control.button->setText(WithoutMnemonic(text));
   } else if (control.combo != nullptr && control.combo->isEditable()) {

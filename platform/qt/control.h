@@ -23,7 +23,8 @@ struct Control {
   QAbstractButton* button = nullptr;
   QLabel* label = nullptr;
   QLabel* spoken = nullptr;  ///< Of a control without a label to see: one that is only read out.
-  int letters = 0;  ///< Size of a push button's letters, in pixels of the desktop; 0: as given.
+  int letters =
+      0;  ///< Size of a button's or check box's letters, in pixels of the desktop; 0: as given.
   int room = 0;  ///< How wide a label may become to show a longer text, in pixels of the desktop.
   std::optional<qsizetype> mnemonic = std::nullopt;  ///< Place in the text.
   int horizontalExtent = 0;
@@ -31,7 +32,10 @@ struct Control {
 
 [[nodiscard]] bool IsPushButton(const Control& control);
 
-/// The size of letters, the given one or a smaller one, in which a push button's text fits.
+[[nodiscard]] bool IsCheckBox(const Control& control);
+
+/// The size of letters, the given one or a smaller one, in which the text of a push button or a
+/// check box fits.
 [[nodiscard]] int FittingLetters(const Control& control);
 
 /// Has the widget show the control's text: a label as wide as it has room, a button in its letters.

@@ -31,6 +31,24 @@ void MakeSpokenLabel(Control& control) {
   control.spoken->setBuddy(control.widget);
 }
 
+/// Of those that can be seen: letters of one size, in which all of their texts fit.
+[[nodiscard]] std::vector<Control*> GiveOneSize(std::list<Control>& controls,
+                                                bool (*isOne)(const Control&)) {
+  std::vector<Control*> alike;
+  int letters = 0;
+  for (Control& control : controls) {
+    if (isOne(control) && control.description.isVisible) {
+      const int fitting = FittingLetters(control);
+      letters = alike.empty() ? fitting : std::min(letters, fitting);
+      alike.push_back(&control);
+    }
+  }
+  for (Control* control : alike) {
+    control->letters = letters;
+  }
+  return alike;
+}
+
 }  // namespace
 
 void TieLabels(std::list<Control>& controls) {
@@ -75,22 +93,19 @@ void NameControls(std::list<Control>& controls, const QString& caption) {
 }
 
 void ShowButtons(std::list<Control>& controls) {
-  std::vector<Control*> buttons;
+  const std::vector<Control*> buttons = GiveOneSize(controls, IsPushButton);
   std::vector<QString> texts;
-  int letters = 0;
-  for (Control& control : controls) {
-    if (IsPushButton(control) && control.description.isVisible) {
-      const int fitting = FittingLetters(control);
-      letters = buttons.empty() ? fitting : std::min(letters, fitting);
-      buttons.push_back(&control);
-      texts.push_back(ToQString(control.text));
-    }
+  texts.reserve(buttons.size());
+  for (const Control* button : buttons) {
+    texts.push_back(ToQString(button->text));
   }
   const auto places = ChooseMnemonics(texts);
   for (std::size_t i = 0; i < buttons.size(); ++i) {
     buttons[i]->mnemonic = places[i];
-    buttons[i]->letters = letters;
     ShowText(*buttons[i]);
+  }
+  for (Control* box : GiveOneSize(controls, IsCheckBox)) {
+    ShowText(*box);
   }
 }
 

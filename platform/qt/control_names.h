@@ -18,7 +18,8 @@ void TieLabels(std::list<Control>& controls);
 void NameControls(std::list<Control>& controls, const QString& caption);
 
 /// Gives the push buttons that can be seen their mnemonics, and letters of one size, in which all
-/// of their texts fit. Whenever a button's text has changed.
+/// of their texts fit; the check boxes letters of one size likewise. Whenever the text of one has
+/// changed.
 void ShowButtons(std::list<Control>& controls);
 
 }  // namespace qt

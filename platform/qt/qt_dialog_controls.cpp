@@ -12,7 +12,7 @@ void QtDialog::SetText(int id, std::u16string_view text) {
   if (Control* control = Find(id)) {
     control->text = text;
     ShowText(*control);
-    if (IsPushButton(*control)) {
+    if (IsPushButton(*control) || IsCheckBox(*control)) {
       ShowButtons(m_controls);
     }
     Rename();

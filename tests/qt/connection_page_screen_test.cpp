@@ -122,4 +122,16 @@ TEST_F(ConnectionPageScreen, ShowsAllOfItsControlsAndNotItsOwnOk) {
   });
 }
 
+TEST_F(ConnectionPageScreen, ShowsTheTextsOfItsCheckBoxesToTheirEnd) {
+  Run([] {
+    const auto* headset = dynamic_cast<QCheckBox*>(User::Find(kHeadsetCheckId));
+    const auto* noHangUp = dynamic_cast<QCheckBox*>(User::Find(kNoHangUpCheckId));
+    EXPECT_EQ(headset->text(), "Use BT headset for Ericsson phones only");
+    EXPECT_LE(headset->sizeHint().width(), headset->width());
+    EXPECT_LE(noHangUp->sizeHint().width(), noHangUp->width());
+    EXPECT_EQ(headset->font().pixelSize(), noHangUp->font().pixelSize())
+        << "Letters of one size, as those of buttons.";
+  });
+}
+
 }  // namespace

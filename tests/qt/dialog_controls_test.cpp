@@ -49,6 +49,32 @@ TEST_F(QtDialogControls, ATextTooLongForItsButtonIsCutAndToldInFull) {
   });
 }
 
+TEST_F(QtDialogControls, ATextTooLongForItsCheckBoxIsSmallerThenCutAndToldInFull) {
+  NotingDialog dialog(m_ui);
+  Run(dialog, [&] {
+    const auto* box = dynamic_cast<QCheckBox*>(User::Find(sample::kCheck));
+    const int given = box->font().pixelSize();
+    std::u16string text = u"Check";
+    while (box->font().pixelSize() == given && text.size() < 1000) {
+      text += u"!";
+      dialog.Window().SetText(sample::kCheck, text);
+    }
+    EXPECT_LT(box->font().pixelSize(), given);
+    EXPECT_EQ(box->text().toStdU16String(), text) << "Whole, in smaller letters.";
+    EXPECT_LE(box->sizeHint().width(), box->width());
+    text.append(200, u'!');
+    dialog.Window().SetText(sample::kCheck, text);
+    EXPECT_LT(box->text().size(), 200);
+    EXPECT_LE(box->sizeHint().width(), box->width());
+    EXPECT_EQ(dialog.Window().GetText(sample::kCheck), text);
+    EXPECT_EQ(box->toolTip().toStdU16String(), text);
+    EXPECT_EQ(box->accessibleName().toStdU16String(), text);
+    dialog.Window().SetText(sample::kCheck, u"Check");
+    EXPECT_EQ(box->font().pixelSize(), given);
+    EXPECT_EQ(box->toolTip(), "");
+  });
+}
+
 TEST_F(QtDialogControls, KeysOfTheTemplatePressTheirButtons) {
   NotingDialog dialog(m_ui);
   Run(dialog, [&] {
