@@ -49,8 +49,9 @@ bool PreparedTemplate::Prepare(std::span<const float> values) {
   made.m_bandLength = frames + 2 * kFloatLanes;
   made.m_shape.reset(new (std::nothrow) float[made.m_bandLength * kBandCount]);
   made.m_grid.reset(new (std::nothrow) std::int16_t[frames * kBandCount + kGridBlock]);
-  made.m_heldGrid.reset(new (std::nothrow)
-                            std::int16_t[(frames + 2 * kHeldFrames) * kBandCount + kHeldZeros]);
+  made.m_heldGrid.reset(
+      new (std::nothrow)
+          std::int16_t[(frames + 2 * std::size_t{kHeldFrames}) * kBandCount + kHeldZeros]);
   made.m_sums.reset(new (std::nothrow) GridSums[frames + 1]);
   if (!made.m_shape || !made.m_grid || !made.m_heldGrid || !made.m_sums) {
     return false;
@@ -92,7 +93,7 @@ bool PreparedTemplate::FillGrid() {
       const std::int32_t value = OnGrid(shape);
       *at++ = static_cast<std::int16_t>(value);
       sums.bands[band] += value;
-      squares += value * value;
+      squares += std::int64_t{value} * value;
     }
     if (squares > kLargestSquares) {
       return false;

@@ -34,7 +34,7 @@ void LoadTahoma() {
 }  // namespace
 
 QFont MakeFont(const platform::Font& font) {
-  [[maybe_unused]] static const bool isLoaded = (LoadTahoma(), true);
+  [[maybe_unused]] static const bool kIsLoaded = (LoadTahoma(), true);
   QFont made(ToQString(font.face));
   made.setStyleHint(QFont::SansSerif);
   made.setWeight(static_cast<QFont::Weight>(font.weight));

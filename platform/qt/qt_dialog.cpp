@@ -117,10 +117,9 @@ void QtDialog::TellUsersCommand(int id, CommandEvent event) {
 }
 
 bool QtDialog::PressKey(int control, resources::Key key) {
-  const auto found =
-      std::ranges::find_if(m_template.keys, [&](const resources::KeyTemplate& template_) {
-        return template_.control == control && template_.key == key;
-      });
+  const auto found = std::ranges::find_if(m_template.keys, [&](const resources::KeyTemplate& each) {
+    return each.control == control && each.key == key;
+  });
   if (found == m_template.keys.end()) {
     return false;
   }
