@@ -15,11 +15,11 @@ using Collator = std::unique_ptr<UCollator, decltype(&ucol_close)>;
 /// The collator of no language in particular. May be used by any number of threads, since nothing
 /// changes it.
 const UCollator* RootCollator() {
-  static const Collator collator = [] {
+  static const Collator kCollator = [] {
     UErrorCode status = U_ZERO_ERROR;
     return Collator(ucol_open("", &status), &ucol_close);
   }();
-  return collator.get();
+  return kCollator.get();
 }
 
 std::int32_t Length(std::u16string_view text) {
