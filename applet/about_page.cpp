@@ -3,6 +3,7 @@
 #include <array>
 
 #include "resources/dialogs.h"
+#include "resources/pictures.h"
 
 namespace applet {
 namespace {
@@ -23,7 +24,6 @@ constexpr Rect kFrame{8, 54, 232, 156};
 /// Where the picture stands while it is pressed, from its own place.
 constexpr Point kShift{1, -2};
 constexpr std::uint32_t kShiftMilliseconds = 200;
-constexpr int kWebSitePicture = 143;
 
 constexpr Font kLineFont{u"Tahoma", 12, platform::kBoldWeight};
 constexpr Color kProductColor{164, 34, 76};
@@ -82,10 +82,10 @@ void AboutPage::PaintMaker(Canvas& canvas) const {
 }
 
 void AboutPage::PaintWebSite(Canvas& canvas) const {
-  canvas.DrawPicture({m_link.left, m_link.top}, kWebSitePicture);
+  canvas.DrawPicture({m_link.left, m_link.top}, resources::kWebSitePicture);
   if (m_isLinkShifted) {
     // Over the picture in its place, which shows at two edges.
-    canvas.DrawPicture({m_link.left + kShift.x, m_link.top + kShift.y}, kWebSitePicture);
+    canvas.DrawPicture({m_link.left + kShift.x, m_link.top + kShift.y}, resources::kWebSitePicture);
   }
 }
 

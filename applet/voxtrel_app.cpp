@@ -3,7 +3,7 @@
 #include <new>
 #include <utility>
 
-#include "language/language_table.h"
+#include "resources/pictures.h"
 #include "resources/string_table.h"
 #include "resources/strings.h"
 #include "storage/device_paths.h"
@@ -11,9 +11,6 @@
 namespace applet {
 namespace {
 
-constexpr int kAppletIcon = 129;
-constexpr int kTopPicture = 2000;
-constexpr int kSecondPicture = 136;
 constexpr std::u16string_view kProduct = u"Voxtrel PE";
 constexpr std::u16string_view kVersion = u"v3.0";
 
@@ -29,33 +26,15 @@ std::unique_ptr<T> MakeOrNull(Arguments&&... arguments) {
   }
 }
 
-bool HasLanguageFile(platform::FileSystem& files) {
-  return files.FindFirst(storage::kLanguageFile).search != nullptr;
-}
-
-/// The texts of the device's language file; the built-in ones where there is no such file, or no
-/// memory to look for it.
-language::Texts LoadTexts(platform::FileSystem& files) {
-  try {
-    if (!HasLanguageFile(files)) {
-      return {};
-    }
-    language::LanguageTable& table = language::LanguageTable::GetInstance();
-    table.Load(files, storage::kLanguageFile);
-    return language::Texts(&table);
-  } catch (const std::bad_alloc&) {
-    return {};
-  }
-}
-
 }  // namespace
 
 bool VoxtrelApp::InitInstance() {
   m_module = &m_ownModule;
-  m_texts = LoadTexts(m_platform.files);
+  m_texts = language::LoadTexts(m_platform.files, storage::kLanguageFile);
   m_learningPage = MakeOrNull<tags::Page_one>(m_platform, m_texts);
   m_aboutPage = MakeOrNull<AboutPage>(
-      m_platform, AboutDetails{kTopPicture, kSecondPicture, kProduct, kVersion});
+      m_platform,
+      AboutDetails{resources::kProductPicture, resources::kMakerPicture, kProduct, kVersion});
   m_sheet = MakeOrNull<PrShit>(m_texts(resources::kSheetCaption), m_platform, m_texts);
   return CWinApp::InitInstance();
 }
@@ -113,8 +92,8 @@ void VoxtrelApp::OnNewInquire(NewCplInfo& info) {
   }
   // The flags, the help and the comment are the caller's and stay as they are.
   info.dwSize = kNewCplInfoSize;
-  info.lData = kAppletIcon;
-  m_icon = m_module->LoadIcon(kAppletIcon);
+  info.lData = resources::kAppletIcon;
+  m_icon = m_module->LoadIcon(resources::kAppletIcon);
   info.hIcon = m_icon;
   m_module->LoadString(resources::kAppletNameString, info.szName);
 }

@@ -7,9 +7,7 @@
 #   share/applications, share/icons: what a desktop shows
 
 install(TARGETS voxtrel voxtrel-connection voxtrel-panel RUNTIME DESTINATION bin)
-if(TARGET voxtrel_cpl)
-  install(TARGETS voxtrel_cpl LIBRARY DESTINATION lib/voxtrel)
-endif()
+install(TARGETS voxtrel_cpl LIBRARY DESTINATION lib/voxtrel)
 
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/resources/help" DESTINATION share/voxtrel)
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/resources/languages" DESTINATION share/voxtrel)

@@ -1,5 +1,7 @@
 #include "language/texts.h"
 
+#include <new>
+
 #include "language/language_table.h"
 
 namespace language {
@@ -10,6 +12,19 @@ std::u16string_view Texts::operator()(const resources::Text& text) const {
   }
   const char16_t* const found = m_table->LookUp(text.GetKey(), nullptr);
   return found == nullptr ? std::u16string_view() : std::u16string_view(found);
+}
+
+Texts LoadTexts(platform::FileSystem& files, std::u16string_view path) {
+  try {
+    if (!files.FindFirst(path).search) {
+      return {};
+    }
+    LanguageTable& table = LanguageTable::GetInstance();
+    table.Load(files, path);
+    return Texts(&table);
+  } catch (const std::bad_alloc&) {
+    return {};
+  }
 }
 
 }  // namespace language

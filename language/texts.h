@@ -2,6 +2,7 @@
 
 #include <string_view>
 
+#include "platform/file_system.h"
 #include "resources/strings.h"
 
 namespace language {
@@ -29,5 +30,9 @@ class Texts {
  private:
   const LanguageTable* m_table = nullptr;
 };
+
+/// The texts of the language file at `path`, which the process-wide table takes in; the built-in
+/// ones where there is no such file, or no memory to look for it.
+[[nodiscard]] Texts LoadTexts(platform::FileSystem& files, std::u16string_view path);
 
 }  // namespace language

@@ -4,7 +4,6 @@
 
 #include "host/cli/contacts_commands.h"
 #include "host/cli/reinit_screen.h"
-#include "language/language_table.h"
 #include "platform/framework/property_sheet.h"
 #include "resources/dialogs.h"
 #include "resources/strings.h"
@@ -13,13 +12,7 @@
 namespace cli {
 
 language::Texts LoadTexts(Session& session) {
-  const auto found = session.GetFiles().FindFirst(storage::kLanguageFile);
-  if (!found.search) {
-    return {};
-  }
-  language::LanguageTable& table = language::LanguageTable::GetInstance();
-  table.Load(session.GetFiles(), storage::kLanguageFile);
-  return language::Texts(&table);
+  return language::LoadTexts(session.GetFiles(), storage::kLanguageFile);
 }
 
 void RunPage(Session& session, const std::function<void(PageRun&)>& use) {

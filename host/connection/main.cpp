@@ -5,7 +5,6 @@
 #include <filesystem>
 
 #include "connection/connection_sheet.h"
-#include "language/language_table.h"
 #include "language/texts.h"
 #include "platform/posix/posix_file_system.h"
 #include "platform/qt/qt_ui.h"
@@ -23,16 +22,6 @@ namespace {
 constexpr std::u16string_view kApplicationName = u"Zedra Voxtrel";
 constexpr int kWrongUsage = 2;
 
-/// What the applet speaks: the language file of the device, where there is one.
-language::Texts LoadTexts(platform::FileSystem& files) {
-  if (!files.FindFirst(storage::kLanguageFile).search) {
-    return {};
-  }
-  language::LanguageTable& table = language::LanguageTable::GetInstance();
-  table.Load(files, storage::kLanguageFile);
-  return language::Texts(&table);
-}
-
 void Run(const std::filesystem::path& root) {
   sqlite::RegistryOptions options;
   options.initialKeys.assign(storage::kInstalledKeys.begin(), storage::kInstalledKeys.end());
@@ -45,7 +34,8 @@ void Run(const std::filesystem::path& root) {
   qt::UiThread thread;
   qt::QtUi ui(thread, kApplicationName,
               {.getBytes = [](int /*picture*/) { return std::span<const std::byte>(); }});
-  connection::RunConnectionSheet(ui, registry, LoadTexts(files)(resources::kSheetCaption));
+  connection::RunConnectionSheet(
+      ui, registry, language::LoadTexts(files, storage::kLanguageFile)(resources::kSheetCaption));
 }
 
 }  // namespace

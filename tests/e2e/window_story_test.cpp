@@ -220,6 +220,23 @@ TEST_F(WindowStory, ThreeNamesAreLearnedByClicksOnTheRealWindow) {
               ElementsAre("Ann Lee 5551234 M", "Bob Ray 5550001 H", "Carla Stone 5550003 B"));
 }
 
+TEST_F(WindowStory, TheConnectionSettingsHaveASheetOfTheirOwnWhoseOkStoresThem) {
+  m_panel = std::make_unique<BackgroundProgram>(
+      std::vector<std::string>{VOXTREL_PROGRAM, "--root", Root(), "connection"},
+      m_session.Folder() / "panel.log");
+  m_sheet = m_screen->AwaitWindow("Property");
+  ASSERT_FALSE(m_sheet.id.empty()) << e2e::ReadText(m_session.Folder() / "panel.log");
+  Shoot("connection");
+  // OK stands in the lower right corner.
+  m_screen->Click(m_sheet.left + m_sheet.width - 50, m_sheet.top + m_sheet.height - 25);
+  ASSERT_TRUE(Await(std::chrono::seconds(30), [this] { return m_panel->HasEnded(); }));
+  const auto stored = support::RunProgram(
+      {"sqlite3", "-readonly", Root() + "/registry.db",
+       "SELECT name FROM registry_value WHERE name IN ('Bound_rate', 'Data_bit', 'Stop_bit', "
+       "'Flow_control') ORDER BY name"});
+  EXPECT_EQ(stored.out, "Bound_rate\nData_bit\nFlow_control\nStop_bit\n") << stored.err;
+}
+
 TEST_F(WindowStory, AnOtherMathematicsComputesAllTemplatesAnewBeforeTheEyesOfTheUser) {
   for (const std::string name : {"anna", "robert", "sophie"}) {
     const auto run = support::RunProgram(
