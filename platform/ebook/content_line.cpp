@@ -51,10 +51,12 @@ std::string CleanProperty(std::string_view property) {
   return group.empty() ? name : group + '.' + name;
 }
 
+/// A decoded label may hold anything: a control character in it would end the line, or with a zero
+/// the whole card, for the parser.
 std::string Quote(std::string_view text) {
   std::string quoted = "\"";
   std::copy_if(text.begin(), text.end(), std::back_inserter(quoted),
-               [](char c) { return c != '"' && c != '\r' && c != '\n'; });
+               [](char c) { return c != '"' && !IsControl(c); });
   return quoted + '"';
 }
 

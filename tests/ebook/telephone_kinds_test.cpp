@@ -113,6 +113,11 @@ constexpr Row kAndroid[] = {
      "Car=1", "2.1"},
     {"CustomLabelOfItsOwn", "TEL;X-CUSTOM(CHARSET=UTF-8,ENCODING=QUOTED-PRINTABLE,=E8=88=B9):1",
      "Mobile=1", "2.1"},
+    {"CustomLabelWithAZero", "TEL;X-CUSTOM(CHARSET=UTF-8,ENCODING=QUOTED-PRINTABLE,=43=00=61=72):1",
+     "Car=1", "2.1"},
+    {"CustomLabelOfTwoLines",
+     "TEL;X-CUSTOM(CHARSET=UTF-8,ENCODING=QUOTED-PRINTABLE,=0D=0AEND:VCARD=0D=0A):1\nTEL;CAR:2",
+     "Mobile=1; Car=2", "2.1"},
     {"WaitsAndPauses", "TEL;CELL:+15551234,,12;34", "Mobile=+15551234,,12;34", "2.1"},
 };
 INSTANTIATE_TEST_SUITE_P(Android, TelephoneKinds, testing::ValuesIn(kAndroid));
