@@ -116,8 +116,8 @@ constexpr Row kAndroid[] = {
     {"CustomLabelWithAZero", "TEL;X-CUSTOM(CHARSET=UTF-8,ENCODING=QUOTED-PRINTABLE,=43=00=61=72):1",
      "Car=1", "2.1"},
     {"CustomLabelOfTwoLines",
-     "TEL;X-CUSTOM(CHARSET=UTF-8,ENCODING=QUOTED-PRINTABLE,=0D=0AEND:VCARD=0D=0A):1\nTEL;CAR:2",
-     "Mobile=1; Car=2", "2.1"},
+     "TEL;X-CUSTOM(CHARSET=UTF-8,ENCODING=QUOTED-PRINTABLE,=0D=0AEND=3AVCARD=0D=0A):1\nTEL;X-Car:2",
+     "Car=2; Mobile=1", "2.1"},
     {"WaitsAndPauses", "TEL;CELL:+15551234,,12;34", "Mobile=+15551234,,12;34", "2.1"},
 };
 INSTANTIATE_TEST_SUITE_P(Android, TelephoneKinds, testing::ValuesIn(kAndroid));
