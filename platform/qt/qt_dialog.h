@@ -79,6 +79,9 @@ class QtDialog final : public platform::DialogWindow {
   /// Calls `call` on the user-interface thread, now or soon, unless the dialog is gone by then.
   void CallHere(const std::function<void(QtDialog&)>& call);
   void Rename();
+  /// Of a control that is about to be disabled: to the list, or to the first control that is no
+  /// button.
+  void TakeFocusFrom(const Control& leaving);
   [[nodiscard]] Control* Find(int id);
   [[nodiscard]] const Control* Find(int id) const;
 

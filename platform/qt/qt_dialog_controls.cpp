@@ -29,7 +29,34 @@ std::u16string QtDialog::GetText(int id) const {
 
 void QtDialog::Enable(int id, bool isEnabled) {
   if (Control* control = Find(id)) {
+    if (!isEnabled) {
+      TakeFocusFrom(*control);
+    }
     control->widget->setEnabled(isEnabled);
+  }
+}
+
+void QtDialog::TakeFocusFrom(const Control& leaving) {
+  const QWidget* focused = m_surface->window()->focusWidget();
+  if (focused != leaving.widget && !leaving.widget->isAncestorOf(focused)) {
+    return;
+  }
+  // The library would give it to the next control, and the next Enter might press a button there
+  // that does far more than the one pressed before.
+  const Control* heir = nullptr;
+  for (const Control& control : m_controls) {
+    const bool isFit = &control != &leaving && control.button == nullptr &&
+                       control.description.isVisible &&
+                       control.widget->focusPolicy() != Qt::NoFocus &&
+                       control.widget->isEnabledTo(m_surface.get());
+    if (isFit && (heir == nullptr || (heir->list == nullptr && control.list != nullptr))) {
+      heir = &control;
+    }
+  }
+  if (heir == nullptr) {
+    m_surface->window()->focusWidget()->clearFocus();
+  } else {
+    heir->widget->setFocus();
   }
 }
 

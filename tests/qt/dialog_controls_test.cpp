@@ -90,6 +90,25 @@ TEST_F(QtDialogControls, KeysOfTheTemplatePressTheirButtons) {
   });
 }
 
+TEST_F(QtDialogControls, FocusLeavesADisabledControlForTheListOrTheFirstThatIsNoButton) {
+  NotingDialog dialog(m_ui);
+  Run(dialog, [&] {
+    const auto focus = [] { return User::GetWindow()->focusWidget(); };
+    User::Find(sample::kStop)->setFocus();
+    dialog.Window().Enable(sample::kGo, false);
+    EXPECT_EQ(focus(), User::Find(sample::kStop)) << "It was another that was disabled.";
+    dialog.Window().Enable(sample::kStop, false);
+    EXPECT_EQ(focus(), User::Find(sample::kList));
+    dialog.Window().Enable(sample::kList, false);
+    EXPECT_EQ(focus(), User::Find(sample::kCombo));
+    dialog.Window().Enable(sample::kSortedCombo, false);
+    dialog.Window().Enable(sample::kCombo, false);
+    EXPECT_EQ(focus(), User::Find(sample::kEditable));
+    dialog.Window().Enable(sample::kEditable, false);
+    EXPECT_EQ(focus(), nullptr) << "Only a check box and a picture are left.";
+  });
+}
+
 TEST_F(QtDialogControls, F1AsksForHelp) {
   NotingDialog dialog(m_ui);
   Run(dialog, [&] {

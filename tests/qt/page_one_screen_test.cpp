@@ -129,6 +129,28 @@ TEST_F(PageOneScreen, DoesAllByTheKeyboard) {
   EXPECT_TRUE(isAccepted);
 }
 
+TEST_F(PageOneScreen, FocusNeverLandsOnDeleteAllAfterDelete) {
+  m_user.SetAnswer([](QDialog& box) { QTest::keyClick(&box, Qt::Key_Return); });
+  Run([&] {
+    User::Click(kRecordButtonId);
+    User::Click(kRecordButtonId);
+    User::Click(kRecordButtonId);
+    User::ChooseLine(kTagListId, 0);
+    ASSERT_TRUE(User::TabTo(User::Find(kDeleteButtonId)));
+    User::Type(Qt::Key_Return);
+    EXPECT_EQ(GetLines().size(), 2U);
+    EXPECT_EQ(User::GetWindow()->focusWidget(), User::Find(kTagListId));
+    User::Type(Qt::Key_Return);
+    User::Type(Qt::Key_Return);
+    EXPECT_EQ(GetLines().size(), 4U) << "Enter presses the default button, Record.";
+    EXPECT_THAT(m_user.GetBoxTexts(), ElementsAre("The tag will be deleted!"));
+    ASSERT_TRUE(User::TabTo(User::Find(kDeleteAllButtonId)));
+    User::Type(Qt::Key_Return);
+    EXPECT_TRUE(GetLines().empty());
+    EXPECT_EQ(User::GetWindow()->focusWidget(), User::Find(kTagListId));
+  });
+}
+
 TEST_F(PageOneScreen, TabGoesThroughThePageInReadingOrder) {
   m_user.SetAnswer(support::Press("ok"));
   Run([] {
