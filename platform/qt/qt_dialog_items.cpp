@@ -97,6 +97,10 @@ int QtDialog::AddItem(int id, std::u16string_view text) {
     }
     return selection && *selection >= place ? std::optional(*selection + 1) : selection;
   });
+  // A list that is filled before it is shown stands at its top.
+  if (control->list != nullptr && control->list->isVisible()) {
+    control->list->scrollToItem(control->list->item(place));
+  }
   Rename();
   return place;
 }

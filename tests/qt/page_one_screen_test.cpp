@@ -151,6 +151,27 @@ TEST_F(PageOneScreen, FocusNeverLandsOnDeleteAllAfterDelete) {
   });
 }
 
+TEST_F(PageOneScreen, ANewTagCanBeSeenAndAListThatIsOpenedStandsAtItsTop) {
+  constexpr int kMany = 12;
+  const auto isSeen = [](int row) {
+    const QListWidget& list = *User::FindList(kTagListId);
+    return list.viewport()->rect().contains(list.visualItemRect(list.item(row)).center());
+  };
+  Run([&] {
+    for (int row = 0; row < kMany; ++row) {
+      User::Click(kRecordButtonId);
+      EXPECT_TRUE(isSeen(row)) << row;
+    }
+    EXPECT_FALSE(isSeen(0)) << "There is room for fewer.";
+  });
+  Run([&] {
+    ASSERT_EQ(GetLines().size(), std::size_t{kMany});
+    QApplication::processEvents();
+    EXPECT_TRUE(isSeen(0));
+    EXPECT_FALSE(isSeen(kMany - 1));
+  });
+}
+
 TEST_F(PageOneScreen, TabGoesThroughThePageInReadingOrder) {
   m_user.SetAnswer(support::Press("ok"));
   Run([] {
