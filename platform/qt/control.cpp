@@ -14,7 +14,7 @@ namespace qt {
 namespace {
 
 /// Between a button's edge and its text, in pixels of the desktop.
-constexpr int kButtonMargin = 4;
+constexpr int kButtonMargin = 6;
 constexpr double kSmallestLetters = 0.75;
 /// Keeps the font that a control was given while it shows a smaller one.
 constexpr const char* kGivenFont = "givenFont";
