@@ -38,13 +38,15 @@ void OpenApplets::Open(const AppletChoice& choice) {
         QObject::tr("%1 is open already; its window was brought forward.").arg(choice.name));
     return;
   }
-  m_events.told(QObject::tr("Opening %1").arg(choice.name));
+  const QString opening = QObject::tr("Opening %1").arg(choice.name);
+  m_events.told(opening);
   OpenedApplet::Events events;
   events.ended = [this, key](Ending ending, const QString& message) {
     OnEnd(key, ending, message);
   };
   events.silent = [this, key] { OnSilence(key); };
   events.aliveAgain = [this, key] { OnAliveAgain(key); };
+  events.shown = [this, opening] { m_events.shown(opening); };
   Entry& entry = m_open[key];
   entry.choice = choice;
   entry.applet = std::make_unique<OpenedApplet>(

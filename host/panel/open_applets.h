@@ -31,6 +31,8 @@ class OpenApplets {
   };
   struct Events {
     std::function<void(const QString& text)> told;  ///< For the status line.
+    /// What was told at the opening of an applet is no longer so: its window is there.
+    std::function<void(const QString& told)> shown;
     std::function<void()> allClosed;
   };
 

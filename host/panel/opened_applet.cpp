@@ -71,12 +71,17 @@ void OpenedApplet::Stop() {
 }
 
 void OpenedApplet::TakeSignsOfLife() {
-  if (m_process.readAllStandardOutput().isEmpty()) {
+  const QByteArray signs = m_process.readAllStandardOutput();
+  if (signs.isEmpty()) {
     return;
   }
   m_silence.start();
   if (std::exchange(m_isSilent, false)) {
     m_events.aliveAgain();
+  }
+  if (!m_isShown && signs.contains(kSignOfWindow)) {
+    m_isShown = true;
+    m_events.shown();
   }
 }
 

@@ -35,6 +35,7 @@ class OpenedApplet {
     std::function<void(Ending ending, const QString& message)> ended;
     std::function<void()> silent;      ///< There was no sign of life for longer than the patience.
     std::function<void()> aliveAgain;  ///< There is one again.
+    std::function<void()> shown;       ///< Its first window is there. Once.
   };
 
   OpenedApplet(const Start& start, Events events);
@@ -60,6 +61,7 @@ class OpenedApplet {
   QByteArray m_errors;  ///< The line that has not ended yet.
   QString m_message;
   bool m_isSilent = false;
+  bool m_isShown = false;
   bool m_isStopped = false;
 };
 

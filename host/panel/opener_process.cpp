@@ -9,6 +9,7 @@
 #include <chrono>
 #include <cstdio>
 #include <memory>
+#include <vector>
 
 #include <unistd.h>
 
@@ -24,13 +25,21 @@ namespace {
 
 constexpr std::chrono::milliseconds kBetweenSigns{500};
 
-void RaiseWindows() {
+std::vector<QWindow*> FindWindows() {
+  std::vector<QWindow*> windows;
   for (QWindow* window : QGuiApplication::topLevelWindows()) {
     if (window->isVisible() && window->type() != Qt::ToolTip) {
-      window->setWindowStates(window->windowStates() & ~Qt::WindowMinimized);
-      window->raise();
-      window->requestActivate();
+      windows.push_back(window);
     }
+  }
+  return windows;
+}
+
+void RaiseWindows() {
+  for (QWindow* window : FindWindows()) {
+    window->setWindowStates(window->windowStates() & ~Qt::WindowMinimized);
+    window->raise();
+    window->requestActivate();
   }
 }
 
@@ -49,7 +58,8 @@ class PanelLine {
 
  private:
   void GiveSign() {
-    if (!WriteAll(m_output, &kSignOfLife, 1)) {
+    const char sign = FindWindows().empty() ? kSignOfLife : kSignOfWindow;
+    if (!WriteAll(m_output, &sign, 1)) {
       m_signs.stop();  // The panel was closed; the applet stays.
     }
   }

@@ -39,6 +39,11 @@ PanelWindow::PanelWindow(Settings settings)
     : m_settings(std::move(settings)),
       m_applets(*this, {m_settings.program, m_settings.patience},
                 {[this](const QString& text) { m_status->setText(text); },
+                 [this](const QString& told) {
+                   if (m_status->text() == told) {
+                     m_status->clear();
+                   }
+                 },
                  [this] {
                    if (!isVisible()) {
                      QCoreApplication::quit();

@@ -26,6 +26,7 @@ class Opened {
     };
     events.silent = [this] { ++m_silences; };
     events.aliveAgain = [this] { ++m_returns; };
+    events.shown = [this] { ++m_showings; };
     m_applet = std::make_unique<panel::OpenedApplet>(
         panel::OpenedApplet::Start{
             program, Applet(fault), 0, {QStringLiteral("ADDED=a=b")}, patience},
@@ -42,6 +43,10 @@ class Opened {
   [[nodiscard]] bool WaitForReturn() {
     return Until([this] { return m_returns > 0; });
   }
+  [[nodiscard]] bool WaitForWindow() {
+    return Until([this] { return m_showings > 0; });
+  }
+  [[nodiscard]] int GetShowings() const { return m_showings; }
   [[nodiscard]] const QString& GetMessage() const { return m_message; }
   [[nodiscard]] panel::OpenedApplet& Get() { return *m_applet; }
 
@@ -51,6 +56,7 @@ class Opened {
   QString m_message;
   int m_silences = 0;
   int m_returns = 0;
+  int m_showings = 0;
 };
 
 TEST(OpenedApplet, IsSentTheWholeConversation) {
@@ -70,6 +76,23 @@ TEST(OpenedApplet, IsBroughtForwardOnRequest) {
   EXPECT_TRUE(Until([&] { return trace.Lines().contains(QStringLiteral("restored")); }));
   trace.Leave();
   EXPECT_EQ(opened.WaitForEnd(), Ending::kClosed);
+}
+
+TEST(OpenedApplet, TellsOnceThatItsWindowIsThere) {
+  AppletTrace trace;
+  trace.Stay();
+  Opened opened("good");
+  ASSERT_TRUE(opened.WaitForWindow());
+  EXPECT_TRUE(trace.Lines().contains(QStringLiteral("shown")));
+  trace.Leave();
+  EXPECT_EQ(opened.WaitForEnd(), Ending::kClosed);
+  EXPECT_EQ(opened.GetShowings(), 1);
+}
+
+TEST(OpenedApplet, WithoutAWindowTellsOfNone) {
+  Opened opened("good");
+  EXPECT_EQ(opened.WaitForEnd(), Ending::kClosed);
+  EXPECT_EQ(opened.GetShowings(), 0);
 }
 
 TEST(OpenedApplet, MayCrash) { EXPECT_EQ(Opened("crash-at-open").WaitForEnd(), Ending::kCrashed); }

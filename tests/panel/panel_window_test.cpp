@@ -147,6 +147,18 @@ TEST_F(Panel, BringsAnOpenAppletForwardAndSaysWhy) {
   EXPECT_TRUE(WaitForStatus(""));
 }
 
+TEST_F(Panel, SaysNoLongerThatItOpensAnAppletWhoseWindowIsThere) {
+  AppletTrace trace;
+  trace.Stay();
+  Show({"good"});
+  ASSERT_TRUE(WaitForName("Alpha"));
+  Press(Qt::Key_Return);
+  EXPECT_EQ(Status(), QStringLiteral("Opening Beta"));
+  EXPECT_TRUE(WaitForStatus(""));
+  EXPECT_EQ(trace.Lines().count(QStringLiteral("6 0 100")), 1) << "It is open still.";
+  trace.Leave();
+}
+
 TEST_F(Panel, LivesOnWhenAnAppletCrashes) {
   Show({"crash-at-open"});
   ASSERT_TRUE(WaitForName("Beta"));
