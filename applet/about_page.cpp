@@ -89,6 +89,8 @@ void AboutPage::PaintWebSite(Canvas& canvas) const {
   }
 }
 
+std::vector<platform::PaintedLink> AboutPage::GetLinks() const { return {{m_link, kWebSite}}; }
+
 void AboutPage::OnLButtonDown(Point point) {
   if (!m_link.Contains(point)) {
     return;

@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/framework/property_sheet.h"
 #include "platform/platform.h"
@@ -29,6 +30,7 @@ class AboutPage final : public framework::CPropertyPage {
 
   bool OnInitDialog() override;
   void OnPaint(platform::Canvas& canvas) override;
+  [[nodiscard]] std::vector<platform::PaintedLink> GetLinks() const override;
   void OnLButtonDown(platform::Point point) override;
 
   // The brush and the fonts belong to the page and nothing is painted with them: the page has the

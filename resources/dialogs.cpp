@@ -54,7 +54,8 @@ constexpr std::array<ControlTemplate, 14> kConnectionControls{{
 /// The header, a line of text and a rule below it, is painted in the uppermost 27 pixels.
 constexpr std::array<ControlTemplate, 2> kTestControls{{
     {kTestListId, ControlKind::kListBox, u"", {6, 20, 147, 141}},
-    {kTestHelpId, ControlKind::kPicture, u"", {144, 2, 12, 11}},
+    // Its text is read out and not shown.
+    {kTestHelpId, ControlKind::kPicture, u"Help", {144, 2, 12, 11}},
 }};
 
 /// The progress bar below the two lines is made when the dialog opens.

@@ -71,6 +71,10 @@ void DialogSurface::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
   QtCanvas canvas(painter, m_client, m_pictures);
   m_handler.OnPaint(canvas);
+  // A screen reader finds here what is painted and no text of a control.
+  if (const QString told = canvas.GetTexts().join(u'\n'); told != accessibleDescription()) {
+    setAccessibleDescription(told);
+  }
 }
 
 void DialogSurface::mousePressEvent(QMouseEvent* event) {

@@ -24,6 +24,9 @@ class QtCanvas final : public platform::Canvas {
   [[nodiscard]] int GetTextWidth(std::u16string_view text,
                                  const platform::Font& font) const override;
 
+  /// What was written so far, for who cannot see it.
+  [[nodiscard]] const QStringList& GetTexts() const { return m_texts; }
+
  private:
   [[nodiscard]] double Snap(double device) const;
   void DrawLineOfText(const QPointF& at, std::u16string_view text, const platform::Font& font,
@@ -32,6 +35,7 @@ class QtCanvas final : public platform::Canvas {
   QPainter& m_painter;
   const platform::Rect m_client;
   Pictures& m_pictures;
+  QStringList m_texts;
 };
 
 }  // namespace qt

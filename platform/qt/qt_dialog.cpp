@@ -5,6 +5,7 @@
 
 #include "platform/qt/control_factory.h"
 #include "platform/qt/control_names.h"
+#include "platform/qt/link_area.h"
 #include "platform/qt/scale.h"
 #include "platform/qt/strings.h"
 
@@ -28,6 +29,7 @@ QtDialog::QtDialog(const resources::DialogTemplate& dialog, platform::DialogHand
   };
   MakeControls(pictures);
   m_handler.Attach(*this);
+  MakeLinks();
 }
 
 QtDialog::~QtDialog() { m_handler.Detach(); }
@@ -52,6 +54,18 @@ void QtDialog::MakeControls(Pictures& pictures) {
   }
   ShowButtons(m_controls);
   NameControls(m_controls, ToQString(m_template.caption));
+}
+
+void QtDialog::MakeLinks() {
+  for (const platform::PaintedLink& link : m_handler.GetLinks()) {
+    const platform::Rect& area = link.area;
+    const platform::Point middle{(area.left + area.right) / 2, (area.top + area.bottom) / 2};
+    auto* made = new LinkArea(m_surface.get(), ToDesktop(area));
+    made->setAccessibleName(ToQString(link.name));
+    QObject::connect(made, &QAbstractButton::clicked, made,
+                     [this, middle] { m_surface->onPress(middle); });
+    m_links.push_back(made);
+  }
 }
 
 void QtDialog::GiveLabelsRoom() {
@@ -204,6 +218,7 @@ std::vector<QWidget*> QtDialog::GetTabChain() const {
       chain.push_back(control.widget);
     }
   }
+  chain.insert(chain.end(), m_links.begin(), m_links.end());
   return chain;
 }
 

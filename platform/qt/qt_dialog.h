@@ -70,6 +70,7 @@ class QtDialog final : public platform::DialogWindow {
 
  private:
   void MakeControls(Pictures& pictures);
+  void MakeLinks();
   void GiveLabelsRoom();
   /// Calls the handler; what it posts is delivered after it.
   void Call(const std::function<void()>& call);
@@ -90,6 +91,7 @@ class QtDialog final : public platform::DialogWindow {
   UiThread& m_thread;
   std::unique_ptr<DialogSurface> m_surface;
   std::list<Control> m_controls;
+  std::vector<QWidget*> m_links;  ///< Children of the surface.
   ProgressBars m_bars;
   std::deque<int> m_posted;
   std::function<void()> m_onEnd;

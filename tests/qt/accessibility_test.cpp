@@ -2,8 +2,11 @@
 
 #include <QAccessible>
 #include <QApplication>
+#include <QTest>
 
+#include "applet/about_page.h"
 #include "resources/dialogs.h"
+#include "resources/pictures.h"
 #include "tests/qt/dialog_fixture.h"
 
 namespace {
@@ -105,7 +108,82 @@ TEST_F(Accessibility, AMessageBoxIsReadOut) {
   EXPECT_EQ(description, "Error: oid == 0");
 }
 
+/// The real About page behind the Learning page's place.
+class AboutAccessibility : public testing::Test {
+ protected:
+  void Run(const std::function<void()>& story) {
+    applet::AboutPage page(
+        m_machine.GetPlatform(),
+        {resources::kProductPicture, resources::kMakerPicture, u"Voxtrel PE", u"v3.0"});
+    framework::CPropertySheet sheet(u"Property", m_machine.ui);
+    sheet.AddPage(page);
+    m_user.Soon([&story] {
+      QApplication::processEvents();
+      story();
+      if (QDialog* window = User::GetWindow()) {
+        window->reject();
+      }
+    });
+    sheet.DoModal();
+  }
+  static QWidget* GetLink() { return User::GetWindow()->findChild<QWidget*>("link"); }
+  static QWidget* GetSurface() { return User::GetWindow()->findChild<QWidget*>("dialog_135"); }
+
+  support::PageMachine m_machine;
+  User m_user;
+};
+
+TEST_F(AboutAccessibility, WhatIsPaintedCanBeRead) {
+  Run([] {
+    const auto* page = QAccessible::queryAccessibleInterface(GetSurface());
+    EXPECT_EQ(page->text(QAccessible::Name), "About");
+    EXPECT_EQ(page->text(QAccessible::Description), "Voxtrel PE v3.0\nZedra Tech.");
+    const auto* link = QAccessible::queryAccessibleInterface(GetLink());
+    EXPECT_EQ(link->text(QAccessible::Name), "https://voxtrel.example/");
+    EXPECT_EQ(link->role(), QAccessible::Button);
+    EXPECT_EQ(page->indexOfChild(link), 0);
+  });
+}
+
+TEST_F(AboutAccessibility, TheWebSiteIsReachedByTabAndOpenedByTheKeyboard) {
+  const auto& opened = m_machine.machine.shell.GetRequests();
+  Run([&] {
+    User::GetWindow()->activateWindow();
+    QApplication::processEvents();
+    ASSERT_TRUE(User::TabTo(User::GetWindow()->findChild<QWidget*>("ok")));
+    const QImage without = GetSurface()->grab().toImage();
+    ASSERT_TRUE(User::TabTo(GetLink()));
+    EXPECT_NE(GetSurface()->grab().toImage(), without) << "The focus can be seen.";
+    User::Type(Qt::Key_Space);
+    EXPECT_EQ(opened.size(), 1U);
+    User::Type(Qt::Key_Return);
+    EXPECT_EQ(opened.size(), 2U);
+    ASSERT_NE(User::GetWindow(), nullptr) << "Enter did not press OK.";
+  });
+  for (const headless::ShellRequest& request : opened) {
+    EXPECT_EQ(request.parameters, u"https://voxtrel.example/");
+  }
+}
+
+TEST_F(AboutAccessibility, TheMousePressesThePageAsBefore) {
+  const auto& opened = m_machine.machine.shell.GetRequests();
+  Run([&] {
+    const QPoint middle = GetLink()->geometry().center();
+    EXPECT_EQ(GetSurface()->childAt(middle), nullptr);
+    QTest::mouseClick(GetSurface(), Qt::LeftButton, Qt::NoModifier, middle);
+    EXPECT_EQ(opened.size(), 1U);
+    QTest::mouseClick(GetSurface(), Qt::LeftButton, Qt::NoModifier,
+                      GetLink()->geometry().topLeft());
+    EXPECT_EQ(opened.size(), 1U) << "The frame is no part of the link.";
+  });
+}
+
 using DialogAccessibility = DialogFixture;
+
+TEST_F(DialogAccessibility, ThePictureOfTheTestDialogIsCalledHelp) {
+  NotingDialog dialog(m_ui, resources::kTestResultsDialog);
+  Run(dialog, [] { EXPECT_EQ(NameOf(User::Find(kTestHelpId)), "Help"); });
+}
 
 TEST_F(DialogAccessibility, WhatNothingNamesIsNamedForTheDialog) {
   NotingDialog dialog(m_ui);
