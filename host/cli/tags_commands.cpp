@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 
+#include "audio/wave_header.h"
 #include "host/cli/contact_choice.h"
 #include "host/cli/output.h"
 #include "host/cli/page_run.h"
@@ -70,10 +71,27 @@ void List(Session& session) {
   });
 }
 
+/// Whether what stands for the microphone can be heard, before anybody is asked to speak; tells
+/// where it cannot. A real microphone tells that itself.
+bool CanHear(Session& session) {
+  const std::string& microphone = session.GetOptions().microphone;
+  if (microphone.empty()) {
+    return true;
+  }
+  const auto opened = session.GetPlatform().waveIn.Open(
+      audio::MonoPcm(audio::kRecordingBits, audio::kRecordingRate));
+  if (opened.result != platform::WaveResult::kOk) {
+    session.Fail(opened.result == platform::WaveResult::kNoDevice
+                     ? microphone + ": it cannot be opened"
+                     : microphone + " is no wave file of 11,025 Hz, mono, 16 bit");
+  }
+  return opened.result == platform::WaveResult::kOk;
+}
+
 void Learn(Session& session, const std::string& contact, const std::string& kind) {
   RunPage(session, [&](PageRun& run) {
     if (!ChooseContact(session, run, contact) ||
-        (!kind.empty() && !ChooseNumber(session, run, kind))) {
+        (!kind.empty() && !ChooseNumber(session, run, kind)) || !CanHear(session)) {
       return;
     }
     if (!session.GetOptions().json) {

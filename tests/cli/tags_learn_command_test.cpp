@@ -67,6 +67,15 @@ TEST_F(TagsLearnCommand, WithoutAKindTakesTheNumberThatStandsFirst) {
   EXPECT_THAT(run.err, HasSubstr("The recording was not played: the loudspeaker could not be"));
 }
 
+TEST_F(TagsLearnCommand, AMissingMicrophoneFileIsToldBeforeAnybodyIsAskedToSpeak) {
+  const std::string none = Path("none.wav");
+  const auto missing = Run({"--microphone", none, "tags", "learn", "--contact", "Ann Lee"});
+  EXPECT_EQ(missing.exitCode, 1);
+  EXPECT_EQ(missing.out, "");
+  EXPECT_EQ(missing.err, "voxtrel: " + none + ": it cannot be opened\n");
+  ExpectNothingLearned();
+}
+
 TEST_F(TagsLearnCommand, AnAmbiguousNameListsTheCandidates) {
   const auto run = ChooseOnly("lee");
   EXPECT_EQ(run.exitCode, 1);
@@ -130,11 +139,11 @@ TEST_F(TagsLearnCommand, WithoutAMicrophoneNothingIsLearned) {
 }
 
 TEST_F(TagsLearnCommand, AMicrophoneFileThatIsNoneIsTold) {
-  std::ofstream(Path("text.wav")) << std::string(50, 'x');
-  const auto run =
-      Run({"--microphone", Path("text.wav"), "tags", "learn", "--contact", "Bob", "--json"});
+  const std::string text = Path("text.wav");
+  std::ofstream(text) << std::string(50, 'x');
+  const auto run = Run({"--microphone", text, "tags", "learn", "--contact", "Bob"});
   EXPECT_EQ(run.exitCode, 1);
-  EXPECT_EQ(run.err, "Error Code: 2\nvoxtrel: no tag was learned\n");
+  EXPECT_EQ(run.err, "voxtrel: " + text + " is no wave file of 11,025 Hz, mono, 16 bit\n");
   ExpectNothingLearned();
 }
 
