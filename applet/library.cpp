@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "applet/no_window.h"
-#include "resources/strings.h"
+#include "resources/desktop_strings.h"
 
 namespace applet {
 
@@ -34,10 +34,7 @@ InstanceThreads::Options Library::MakeInstanceOptions() {
   return {posix::Doorbell::PathFor(m_options.runtimeFolder, m_backends.GetRoot().native()),
           m_options.activationToken, [this](const posix::Doorbell& bell) { Listen(bell); },
           [](bool isAnswered) {
-            TellOnStandardError(
-                isAnswered ? u"Zedra Voxtrel is open already; its window was brought forward."
-                           : u"The voice tags are in use by another program, such as the command "
-                             u"line. Try again when it has ended.");
+            TellOnStandardError(isAnswered ? resources::kAppletIsOpen : resources::kTagsInUse);
           }};
 }
 
@@ -60,9 +57,7 @@ bool Library::CanOpen() {
     m_backends.MakeRoot();
     return true;
   }
-  m_presentation.ShowMessage(platform::ApplicationBox(
-      u"There is no folder for the voice tags: HOME names none. Set it, or name a folder by "
-      u"VOXTREL_ROOT."));
+  m_presentation.ShowMessage(platform::ApplicationBox(std::u16string(resources::kNoTagFolder)));
   return false;
 }
 

@@ -4,13 +4,16 @@
 
 #include <utility>
 
+#include "host/panel/message.h"
+#include "resources/desktop_strings.h"
+
 namespace panel {
 namespace {
 
-std::string LatestProblem() {
+QString LatestProblem() {
   // Each process of the panel that loads an applet has one thread at that time.
   const char* text = ::dlerror();  // NOLINT(concurrency-mt-unsafe)
-  return text == nullptr ? "the reason is not known" : text;
+  return text == nullptr ? QStringLiteral("the reason is not known") : QString::fromLocal8Bit(text);
 }
 
 }  // namespace
@@ -20,13 +23,14 @@ std::unique_ptr<AppletLibrary> AppletLibrary::Load(const std::string& path, std:
   const bool hasFolder = path.find('/') != std::string::npos;
   Handle handle(::dlopen((hasFolder ? path : "./" + path).c_str(), RTLD_NOW | RTLD_LOCAL));
   if (!handle) {
-    problem = "cannot be loaded: " + LatestProblem();
+    problem = Message(resources::kCannotBeLoaded).arg(LatestProblem()).toStdString();
     return nullptr;
   }
   const auto function =
       reinterpret_cast<applet::CplAppletFunction>(::dlsym(handle.get(), applet::kCplAppletName));
   if (function == nullptr) {
-    problem = std::string("is no applet: it has no ") + applet::kCplAppletName;
+    problem =
+        Message(resources::kIsNoApplet).arg(QLatin1String(applet::kCplAppletName)).toStdString();
     return nullptr;
   }
   return std::unique_ptr<AppletLibrary>(new AppletLibrary(std::move(handle), function));

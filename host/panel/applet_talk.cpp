@@ -7,6 +7,9 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "host/panel/message.h"
+#include "resources/desktop_strings.h"
+
 namespace panel {
 namespace {
 
@@ -42,12 +45,12 @@ std::u16string ReadName(const applet::NewCplInfo& info) {
 AppletTalk::AppletTalk(const AppletLibrary& library) : m_library(library) {
   m_hasBegun = m_library.Send(CplMessage::kInit) != 0;
   if (!m_hasBegun) {
-    m_problem = "does not want to start";
+    m_problem = Message(resources::kDoesNotWantToStart).toStdString();
     return;
   }
   const std::int32_t count = m_library.Send(CplMessage::kGetCount);
   if (count < 1 || count > kMostApplets) {
-    m_problem = "says that it holds " + std::to_string(count) + " applets";
+    m_problem = Message(resources::kSaysThatItHolds).arg(count).toStdString();
     return;
   }
   m_answers.reserve(static_cast<std::size_t>(count));

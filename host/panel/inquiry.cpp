@@ -2,6 +2,9 @@
 
 #include <utility>
 
+#include "host/panel/message.h"
+#include "resources/desktop_strings.h"
+
 namespace panel {
 
 Inquiry::Inquiry(const QString& program, const QString& library, std::chrono::milliseconds limit,
@@ -11,18 +14,18 @@ Inquiry::Inquiry(const QString& program, const QString& library, std::chrono::mi
   m_process.setStandardInputFile(QProcess::nullDevice());
   QObject::connect(&m_process, &QProcess::finished, &m_process,
                    [this](int, QProcess::ExitStatus status) {
-                     Finish(status == QProcess::CrashExit ? QObject::tr("crashes when it is asked")
-                                                          : QObject::tr("ends when it is asked"));
+                     Finish(status == QProcess::CrashExit ? Message(resources::kCrashesWhenAsked)
+                                                          : Message(resources::kEndsWhenAsked));
                    });
   QObject::connect(&m_process, &QProcess::errorOccurred, &m_process,
                    [this](QProcess::ProcessError error) {
                      if (error == QProcess::FailedToStart) {
-                       Finish(QObject::tr("cannot be asked: %1").arg(m_process.errorString()));
+                       Finish(Message(resources::kCannotBeAsked).arg(m_process.errorString()));
                      }
                    });
   m_limit.setSingleShot(true);
   QObject::connect(&m_limit, &QTimer::timeout, &m_limit,
-                   [this] { Finish(QObject::tr("does not answer")); });
+                   [this] { Finish(Message(resources::kGivesNoAnswer)); });
   m_limit.start(limit);
   m_process.start(program, {QStringLiteral("--inquire"), library});
 }

@@ -7,7 +7,9 @@
 #include <array>
 #include <utility>
 
+#include "host/panel/message.h"
 #include "host/panel/places.h"
+#include "resources/desktop_strings.h"
 
 namespace panel {
 namespace {
@@ -56,16 +58,12 @@ QString DescribeMissing(const Equipment& equipment) {
   const bool isChoiceAtFault = !equipment.contactsProblem.isEmpty() &&
                                !equipment.contactsProblem.startsWith(QLatin1String("there are no"));
   if (equipment.contacts == 0 && isChoiceAtFault) {
-    lines.append(QObject::tr("No contacts could be read: %1.").arg(equipment.contactsProblem));
+    lines.append(Message(resources::kNoContactsRead).arg(equipment.contactsProblem));
   } else if (equipment.contacts == 0) {
-    lines.append(QObject::tr("No contacts were found. Add people with telephone numbers to the "
-                             "desktop's address book, or save them as vCards in %1.")
-                     .arg(DefaultContacts()));
+    lines.append(Message(resources::kNoContacts).arg(DefaultContacts()));
   }
   if (equipment.microphones == 0) {
-    lines.append(
-        QObject::tr("No microphone was found. Plug one in, or switch it on in the "
-                    "desktop's sound settings."));
+    lines.append(Message(resources::kNoMicrophone));
   }
   return lines.join(QLatin1Char('\n'));
 }

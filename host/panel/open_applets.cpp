@@ -4,6 +4,9 @@
 #include <QPushButton>
 #include <utility>
 
+#include "host/panel/message.h"
+#include "resources/desktop_strings.h"
+
 namespace panel {
 namespace {
 
@@ -34,11 +37,10 @@ void OpenApplets::Open(const AppletChoice& choice) {
   const auto found = m_open.find(key);
   if (found != m_open.end()) {
     found->second.applet->Raise();
-    m_events.told(
-        QObject::tr("%1 is open already; its window was brought forward.").arg(choice.name));
+    m_events.told(Message(resources::kIsOpenAlready).arg(choice.name));
     return;
   }
-  const QString opening = QObject::tr("Opening %1").arg(choice.name);
+  const QString opening = Message(resources::kOpening).arg(choice.name);
   m_events.told(opening);
   OpenedApplet::Events events;
   events.ended = [this, key](Ending ending, const QString& message) {
@@ -79,24 +81,22 @@ void OpenApplets::Tell(const AppletChoice& choice, Ending ending, const QString&
       break;
     case Ending::kFailed:
       // Without words of its own it has told the user all before it ended.
-      m_events.told(message.isEmpty() ? QObject::tr("%1 has ended early.").arg(choice.name)
+      m_events.told(message.isEmpty() ? Message(resources::kHasEndedEarly).arg(choice.name)
                                       : message);
       if (!message.isEmpty()) {
         ShowProblem(choice.name, message);
       }
       break;
     case Ending::kCrashed:
-      m_events.told(QObject::tr("%1 has crashed.").arg(choice.name));
-      ShowProblem(choice.name, QObject::tr("%1 has crashed and was closed. The control panel goes "
-                                           "on; you can open %1 again.")
-                                   .arg(choice.name));
+      m_events.told(Message(resources::kHasCrashed).arg(choice.name));
+      ShowProblem(choice.name, Message(resources::kHasCrashedAndWasClosed).arg(choice.name));
       break;
     case Ending::kStopped:
-      m_events.told(QObject::tr("%1 was closed because it did not answer.").arg(choice.name));
+      m_events.told(Message(resources::kWasClosed).arg(choice.name));
       break;
     case Ending::kNotStarted:
-      m_events.told(QObject::tr("%1 cannot be opened.").arg(choice.name));
-      ShowProblem(choice.name, QObject::tr("%1 cannot be opened: %2").arg(choice.name, message));
+      m_events.told(Message(resources::kCannotBeOpened).arg(choice.name));
+      ShowProblem(choice.name, Message(resources::kCannotBeOpenedSince).arg(choice.name, message));
       break;
   }
 }
@@ -110,12 +110,9 @@ void OpenApplets::ShowProblem(const QString& name, const QString& text) {
 void OpenApplets::OnSilence(const QString& key) {
   Entry& entry = m_open[key];
   const QString& name = entry.choice.name;
-  m_events.told(QObject::tr("%1 does not answer.").arg(name));
+  m_events.told(Message(resources::kDoesNotAnswer).arg(name));
   QMessageBox* const box =
-      MakeBox(m_window, QMessageBox::Question, name,
-              QObject::tr("%1 does not answer. You can wait for it, or close it; what it has not "
-                          "stored yet is then lost.")
-                  .arg(name));
+      MakeBox(m_window, QMessageBox::Question, name, Message(resources::kWaitOrClose).arg(name));
   QPushButton* const wait = box->addButton(QObject::tr("&Wait"), QMessageBox::RejectRole);
   QPushButton* const close = box->addButton(QObject::tr("&Close it"), QMessageBox::DestructiveRole);
   box->setDefaultButton(wait);
@@ -138,7 +135,7 @@ void OpenApplets::OnSilence(const QString& key) {
 
 void OpenApplets::OnAliveAgain(const QString& key) {
   Entry& entry = m_open[key];
-  m_events.told(QObject::tr("%1 answers again.").arg(entry.choice.name));
+  m_events.told(Message(resources::kAnswersAgain).arg(entry.choice.name));
   if (entry.question != nullptr) {
     entry.question->close();
   }

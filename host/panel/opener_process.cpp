@@ -16,9 +16,11 @@
 #include "host/panel/applet_library.h"
 #include "host/panel/applet_talk.h"
 #include "host/panel/icons.h"
+#include "host/panel/message.h"
 #include "host/panel/opener_protocol.h"
 #include "host/panel/places.h"
 #include "host/panel/standard_output.h"
+#include "resources/desktop_strings.h"
 
 namespace panel {
 namespace {
@@ -103,7 +105,7 @@ int RunOpener(const Arguments& arguments) {
   }
   const auto number = static_cast<std::size_t>(arguments.number);
   if (arguments.number < 0 || number >= talk.GetAnswers().size()) {
-    return Fail(path, "holds no applet of the number " + std::to_string(arguments.number));
+    return Fail(path, Message(resources::kHoldsNoApplet).arg(arguments.number).toStdString());
   }
   QApplication::setWindowIcon(IconOf(QByteArray::fromStdString(talk.GetAnswers()[number].icon)));
   talk.Open(arguments.number);

@@ -16,8 +16,10 @@
 #include <utility>
 
 #include "host/panel/icons.h"
+#include "host/panel/message.h"
 #include "host/panel/notice_bar.h"
 #include "host/panel/places.h"
+#include "resources/desktop_strings.h"
 
 namespace panel {
 namespace {
@@ -116,8 +118,8 @@ void PanelWindow::BuildMenus() {
   QAction* const contents = help->addAction(tr("&Voice dialer help"), this, [this] {
     const QString page = FindData(QStringLiteral("help/ZedraVoxtrelPE_help.htm"));
     if (page.isEmpty() || !QDesktopServices::openUrl(QUrl::fromLocalFile(page))) {
-      m_status->setText(page.isEmpty() ? tr("The help page is not installed.")
-                                       : tr("There is no browser that shows %1.").arg(page));
+      m_status->setText(page.isEmpty() ? Message(resources::kHelpNotInstalled)
+                                       : Message(resources::kNoBrowserShows).arg(page));
     }
   });
   contents->setShortcut(QKeySequence::HelpContents);
@@ -144,7 +146,7 @@ void PanelWindow::Refresh() {
   const QStringList libraries = FindApplets(m_settings.places);
   for (const QString& library : libraries) {
     QListWidgetItem* const item = AddItem(library, 0, QFileInfo(library).completeBaseName());
-    item->setData(kDescriptionRole, tr("%1 is being asked for its name").arg(library));
+    item->setData(kDescriptionRole, Message(resources::kIsBeingAsked).arg(library));
     m_inquiries.push_back(std::make_unique<Inquiry>(
         m_settings.program, library, m_settings.inquiryLimit,
         [this, library](const LibraryReport& report) { ShowApplets(library, report); }));
@@ -181,14 +183,14 @@ void PanelWindow::ShowApplets(const QString& library, const LibraryReport& repor
     item->setData(Qt::AccessibleDescriptionRole, text);
   };
   if (!report.problem.isEmpty()) {
-    describe(first, tr("This applet %1: %2").arg(report.problem, library));
+    describe(first, Message(resources::kAppletProblem).arg(report.problem, library));
   }
   for (std::size_t i = 0; i < report.applets.size(); ++i) {
     const AppletReport& applet = report.applets[i];
     const int number = static_cast<int>(i);
     QListWidgetItem* const item = i == 0 ? first : AddItem(library, number, first->text());
     if (applet.name.isEmpty()) {
-      describe(item, tr("This applet gives no name: %1").arg(library));
+      describe(item, Message(resources::kAppletGivesNoName).arg(library));
     } else {
       item->setText(applet.name);
       describe(item, library);
@@ -238,10 +240,7 @@ void PanelWindow::OnEquipment(const Equipment& equipment) {
 }
 
 QString PanelWindow::EmptyText() const {
-  return tr("There are no applets here yet.\n\nLooked in:\n%1\n\nInstall an applet (a file that "
-            "ends with .cpl) there and press F5, or name one when you start the control panel:\n"
-            "voxtrel-panel FILE")
-      .arg(m_settings.places.join(QLatin1Char('\n')));
+  return Message(resources::kNoApplets).arg(m_settings.places.join(QLatin1Char('\n')));
 }
 
 void PanelWindow::closeEvent(QCloseEvent* event) {

@@ -4,6 +4,7 @@
 
 #include "platform/text/utf.h"
 #include "platform/xdg/browsers.h"
+#include "resources/desktop_strings.h"
 
 namespace xdg {
 namespace {
@@ -27,7 +28,7 @@ XdgShell::XdgShell(platform::Threads& threads, Options options)
 
 void XdgShell::StartProgram(std::u16string_view program, std::u16string_view commandLine) {
   if (program != kHelpViewer) {
-    m_options.tell(u"There is no such program here: " + std::u16string(program));
+    m_options.tell(std::u16string(resources::kNoSuchProgram).append(program));
     return;
   }
   const HelpPage page = m_help.Find(text::ToHostName(commandLine));
@@ -38,7 +39,7 @@ void XdgShell::Execute(std::u16string_view verb, std::u16string_view file,
                        std::u16string_view parameters) {
   std::string address = text::ToUtf8(parameters);
   if (verb != kOpenVerb || file != kBrowser || !IsSite(address)) {
-    m_options.tell(u"This cannot be opened here: " + std::u16string(parameters));
+    m_options.tell(std::u16string(resources::kNotOpenedHere).append(parameters));
     return;
   }
   Open(address, address);
@@ -61,7 +62,7 @@ void XdgShell::Open(std::string url, std::string shownName) {
 
 void XdgShell::OpenNow(const std::string& url, const std::string& shownName) const {
   if (!OpenInBrowser(m_options.environment, url, m_options.patience)) {
-    m_options.tell(u"There is no web browser to show this with: " + text::FromHostName(shownName));
+    m_options.tell(std::u16string(resources::kNoWebBrowser) + text::FromHostName(shownName));
   }
 }
 

@@ -92,6 +92,23 @@ TEST(HelpPage, ExplainsEveryTextThatAUserCanSee) {
   }
 }
 
+/// For a text with places to be filled, such as "%1": with anything short in each of them. A full
+/// stop behind the last of them may be missing.
+std::regex PatternFor(const std::string& text) {
+  const std::string line = Simplify(Replace(text, "\\n", " "));
+  const std::string literal = std::regex_replace(line, std::regex("[.()?*+$^|{}]"), "\\$&");
+  return std::regex(std::regex_replace(literal, std::regex("%[12](\\\\\\.$)?"), "[^:]{1,40}"));
+}
+
+TEST(HelpPage, ExplainsEveryTextOfTheDesktop) {
+  const std::string page = HelpText();
+  const std::set<std::string> texts = TextsIn(VOXTREL_SOURCE_DIR "/resources/desktop_strings.h");
+  ASSERT_GT(texts.size(), 25U) << "the texts were not found";
+  for (const std::string& text : texts) {
+    EXPECT_TRUE(std::regex_search(page, PatternFor(text))) << text;
+  }
+}
+
 TEST(HelpPage, ExplainsTheTextsThatAreNeverTranslated) {
   const std::string page = HelpText();
   for (const char* text : {"There are no wave-record devices in you computer.",

@@ -1,0 +1,69 @@
+#pragma once
+
+#include <string_view>
+
+namespace resources {
+
+// What the parts that know the desktop tell a user: the same in every language. "%1" and "%2" stand
+// for what is put there. The help page explains each of them.
+
+// The applet's library.
+inline constexpr std::u16string_view kNoTagFolder =
+    u"There is no folder for the voice tags: HOME names none. Set it, or name a folder by "
+    u"VOXTREL_ROOT.";
+inline constexpr std::u16string_view kAppletIsOpen =
+    u"Zedra Voxtrel is open already; its window was brought forward.";
+inline constexpr std::u16string_view kTagsInUse =
+    u"The voice tags are in use by another program, such as the command line. Try again when it "
+    u"has ended.";
+
+// Help and web pages. What could not be shown follows.
+inline constexpr std::u16string_view kNoWebBrowser = u"There is no web browser to show this with: ";
+inline constexpr std::u16string_view kNoSuchProgram = u"There is no such program here: ";
+inline constexpr std::u16string_view kNotOpenedHere = u"This cannot be opened here: ";
+
+// The control panel about an applet that is opened; "%1" is its name.
+inline constexpr std::u16string_view kOpening = u"Opening %1";
+inline constexpr std::u16string_view kIsOpenAlready =
+    u"%1 is open already; its window was brought forward.";
+inline constexpr std::u16string_view kHasEndedEarly = u"%1 has ended early.";
+inline constexpr std::u16string_view kHasCrashed = u"%1 has crashed.";
+inline constexpr std::u16string_view kHasCrashedAndWasClosed =
+    u"%1 has crashed and was closed. The control panel goes on; you can open %1 again.";
+inline constexpr std::u16string_view kWasClosed = u"%1 was closed because it did not answer.";
+inline constexpr std::u16string_view kCannotBeOpened = u"%1 cannot be opened.";
+inline constexpr std::u16string_view kCannotBeOpenedSince = u"%1 cannot be opened: %2";
+inline constexpr std::u16string_view kDoesNotAnswer = u"%1 does not answer.";
+inline constexpr std::u16string_view kWaitOrClose =
+    u"%1 does not answer. You can wait for it, or close it; what it has not stored yet is then "
+    u"lost.";
+inline constexpr std::u16string_view kAnswersAgain = u"%1 answers again.";
+
+// The control panel about an applet in its list. The problems stand behind "This applet".
+inline constexpr std::u16string_view kIsBeingAsked = u"%1 is being asked for its name";
+inline constexpr std::u16string_view kAppletProblem = u"This applet %1: %2";
+inline constexpr std::u16string_view kAppletGivesNoName = u"This applet gives no name: %1";
+inline constexpr std::u16string_view kCrashesWhenAsked = u"crashes when it is asked";
+inline constexpr std::u16string_view kEndsWhenAsked = u"ends when it is asked";
+inline constexpr std::u16string_view kCannotBeAsked = u"cannot be asked: %1";
+inline constexpr std::u16string_view kGivesNoAnswer = u"does not answer";
+inline constexpr std::u16string_view kDoesNotWantToStart = u"does not want to start";
+inline constexpr std::u16string_view kSaysThatItHolds = u"says that it holds %1 applets";
+inline constexpr std::u16string_view kHoldsNoApplet = u"holds no applet of the number %1";
+inline constexpr std::u16string_view kCannotBeLoaded = u"cannot be loaded: %1";
+inline constexpr std::u16string_view kIsNoApplet = u"is no applet: it has no %1";
+
+// The control panel about what is missing.
+inline constexpr std::u16string_view kNoContactsRead = u"No contacts could be read: %1.";
+inline constexpr std::u16string_view kNoContacts =
+    u"No contacts were found. Add people with telephone numbers to the desktop's address book, or "
+    u"save them as vCards in %1.";
+inline constexpr std::u16string_view kNoMicrophone =
+    u"No microphone was found. Plug one in, or switch it on in the desktop's sound settings.";
+inline constexpr std::u16string_view kHelpNotInstalled = u"The help page is not installed.";
+inline constexpr std::u16string_view kNoBrowserShows = u"There is no browser that shows %1.";
+inline constexpr std::u16string_view kNoApplets =
+    u"There are no applets here yet.\n\nLooked in:\n%1\n\nInstall an applet (a file that ends with "
+    u".cpl) there and press F5, or name one when you start the control panel:\nvoxtrel-panel FILE";
+
+}  // namespace resources
