@@ -3,7 +3,11 @@
 #include <algorithm>
 #include <cstdlib>
 #include <system_error>
+#include <utility>
+#include <vector>
 
+#include "platform/desktop_books.h"
+#include "platform/posix/loaded_library.h"
 #include "platform/pulse/pulse_wave_in.h"
 #include "platform/pulse/pulse_wave_out.h"
 #include "platform/sqlite/sqlite_registry.h"
@@ -54,6 +58,18 @@ std::optional<std::filesystem::path> FindRoot(const BackendOptions& options) {
   return error ? std::nullopt : std::optional(std::move(root));
 }
 
+/// What knows the desktop's address books lies beside the applet's library, or where it was built.
+vcard::DesktopSource::Library LoadDesktopBooks() {
+  const std::filesystem::path own = posix::FindOwnFile().parent_path();
+  std::vector<std::filesystem::path> places;
+  for (const char* way : {".", "../lib/voxtrel", "../platform/ebook", "../../platform/ebook"}) {
+    places.push_back((own / way / platform::kDesktopBooksLibrary).lexically_normal());
+  }
+  posix::LoadedFunction found = posix::LoadFunction(places, platform::kReadDesktopBooksName);
+  return {reinterpret_cast<platform::ReadDesktopBooksFunction*>(found.address),
+          std::move(found.reason)};
+}
+
 }  // namespace
 
 BackendOptions ReadBackendOptions() {
@@ -61,7 +77,8 @@ BackendOptions ReadBackendOptions() {
           GetVariable("VOXTREL_SPEAKER"), GetVariable("VOXTREL_CONTACTS")};
 }
 
-Backends::Backends(const BackendOptions& options) : m_options(options) {}
+Backends::Backends(const BackendOptions& options)
+    : m_options(options), m_desktop(LoadDesktopBooks) {}
 
 Backends::~Backends() = default;
 
@@ -149,17 +166,19 @@ platform::Registry& Backends::GetRegistry() {
   return *m_registry;
 }
 
-ebook::EbookContacts& Backends::GetContacts() {
+vcard::AddressBooks& Backends::GetContacts(platform::Threads& threads) {
   if (!m_contacts) {
-    ebook::EbookContacts::Options options;
+    vcard::AddressBooks::Options options;
+    m_waitedDesktop = std::make_unique<vcard::BackgroundSource>(m_desktop, threads);
+    options.desktop = m_waitedDesktop.get();
     if (!m_options.contacts.empty()) {
-      options.choice = ebook::ParseChoice(text::FromHostName(m_options.contacts));
+      options.choice = vcard::ParseChoice(text::FromHostName(m_options.contacts));
     }
     options.oidsInUse = [this] {
       MakeRoot();
       return tags::FindOidsInUse(GetRegistry(), storage::TagStore(GetFiles(), GetRegistry()));
     };
-    m_contacts = std::make_unique<ebook::EbookContacts>(GetFiles(), GetRegistry(), options);
+    m_contacts = std::make_unique<vcard::AddressBooks>(GetFiles(), GetRegistry(), options);
   }
   return *m_contacts;
 }

@@ -15,12 +15,12 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/ebook/desktop_source.h"
-#include "platform/ebook/ebook_contacts.h"
 #include "platform/ebook/glib_pointers.h"
 #include "platform/posix/posix_file_system.h"
 #include "platform/sqlite/sqlite_registry.h"
 #include "platform/text/utf.h"
+#include "platform/vcard/address_books.h"
+#include "platform/vcard/desktop_source.h"
 #include "storage/tag_record.h"
 #include "storage/tag_store.h"
 #include "tags/contact_picker.h"
@@ -85,11 +85,11 @@ class Device {
 
   [[nodiscard]] const std::string& GetFile() const { return m_file; }
 
-  [[nodiscard]] std::unique_ptr<ebook::EbookContacts> Open() {
-    ebook::EbookContacts::Options options;
-    options.choice = ebook::SourceChoice{text::FromHostName(m_file)};
+  [[nodiscard]] std::unique_ptr<vcard::AddressBooks> Open() {
+    vcard::AddressBooks::Options options;
+    options.choice = vcard::SourceChoice{text::FromHostName(m_file)};
     options.oidsInUse = [this] { return tags::FindOidsInUse(m_registry, m_store); };
-    auto contacts = std::make_unique<ebook::EbookContacts>(m_files, m_registry, options);
+    auto contacts = std::make_unique<vcard::AddressBooks>(m_files, m_registry, options);
     if (!contacts->Initialize() || !contacts->Connect() || !contacts->Logon()) {
       std::abort();
     }
@@ -194,9 +194,10 @@ void LoadDesktopBook(benchmark::State& state) {
   }();
   benchmark::DoNotOptimize(isFilled);
   for (auto _ : state) {
-    std::vector<ebook::Book> books;
-    if (ebook::DesktopSource().Read(books) != ebook::ReadResult::kRead || books.empty() ||
-        books[0].contacts.size() != kContacts) {
+    std::vector<vcard::Book> books;
+    if (vcard::DesktopSource(ebook_test::LoadDesktopBooks).Read(books) !=
+            vcard::ReadResult::kRead ||
+        books.empty() || books[0].contacts.size() != kContacts) {
       state.SkipWithError("the address book was not read");
     }
   }

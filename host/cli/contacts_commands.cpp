@@ -16,7 +16,7 @@
 namespace cli {
 namespace {
 
-using Problem = ebook::EbookContacts::Problem;
+using Problem = vcard::AddressBooks::Problem;
 
 Json ToJson(const ListedContact& contact) {
   Json numbers = Json::array();

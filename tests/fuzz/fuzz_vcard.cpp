@@ -10,22 +10,23 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/ebook/card_mapping.h"
-#include "platform/ebook/identities.h"
-#include "platform/ebook/vcard_splitter.h"
+#include "platform/vcard/card_mapping.h"
+#include "platform/vcard/identities.h"
+#include "platform/vcard/vcard_splitter.h"
 #include "tests/fuzz/require.h"
 
 namespace {
 
 struct Outcome {
-  std::vector<ebook::ContactData> contacts;
+  std::vector<vcard::ContactData> contacts;
   bool isDamaged = false;
 };
 
 Outcome Read(std::string_view stream, std::size_t pieceSize) {
   Outcome outcome;
-  ebook::VcardSplitter splitter(
-      [&outcome](const std::string& card) { outcome.contacts.push_back(ebook::ParseCard(card)); });
+  vcard::VcardSplitter splitter([&outcome](const vcard::Card& card) {
+    outcome.contacts.push_back(vcard::ToContactData(card));
+  });
   while (!stream.empty()) {
     const std::string_view piece = stream.substr(0, pieceSize);
     splitter.Feed(piece);
@@ -57,14 +58,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const Outcome whole = Read(stream, std::string_view::npos);
   const Outcome pieces = Read(stream, 1 + size % 7);
   Require(whole.isDamaged == pieces.isDamaged, "damage does not depend on the pieces");
-  const auto identities = ebook::IdentitiesOf(whole.contacts);
-  Require(identities == ebook::IdentitiesOf(pieces.contacts),
+  const auto identities = vcard::IdentitiesOf(whole.contacts);
+  Require(identities == vcard::IdentitiesOf(pieces.contacts),
           "contacts do not depend on the pieces");
   auto sorted = identities;
   std::sort(sorted.begin(), sorted.end());
   Require(std::adjacent_find(sorted.begin(), sorted.end()) == sorted.end(),
           "no two contacts are the same");
-  for (const ebook::ContactData& contact : whole.contacts) {
+  for (const vcard::ContactData& contact : whole.contacts) {
     RequireShownText(contact.lastName);
     RequireShownText(contact.firstName);
     RequireShownText(contact.companyName);
