@@ -4,12 +4,8 @@
 #include <cstdlib>
 #include <system_error>
 #include <utility>
-#include <vector>
 
-#include "platform/desktop_books.h"
-#include "platform/posix/loaded_library.h"
-#include "platform/pulse/pulse_wave_in.h"
-#include "platform/pulse/pulse_wave_out.h"
+#include "applet/loaded_doors.h"
 #include "platform/sqlite/sqlite_registry.h"
 #include "platform/text/utf.h"
 #include "platform/wave_file/file_wave_in.h"
@@ -56,18 +52,6 @@ std::optional<std::filesystem::path> FindRoot(const BackendOptions& options) {
   std::error_code error;
   std::filesystem::path root = std::filesystem::absolute(options.root, error);
   return error ? std::nullopt : std::optional(std::move(root));
-}
-
-/// What knows the desktop's address books lies beside the applet's library, or where it was built.
-vcard::DesktopSource::Library LoadDesktopBooks() {
-  const std::filesystem::path own = posix::FindOwnFile().parent_path();
-  std::vector<std::filesystem::path> places;
-  for (const char* way : {".", "../lib/voxtrel", "../platform/ebook", "../../platform/ebook"}) {
-    places.push_back((own / way / platform::kDesktopBooksLibrary).lexically_normal());
-  }
-  posix::LoadedFunction found = posix::LoadFunction(places, platform::kReadDesktopBooksName);
-  return {reinterpret_cast<platform::ReadDesktopBooksFunction*>(found.address),
-          std::move(found.reason)};
 }
 
 }  // namespace
@@ -129,7 +113,7 @@ platform::FileSystem& Backends::GetFiles() {
 platform::WaveIn& Backends::GetWaveIn() {
   if (!m_waveIn) {
     if (m_options.microphone.empty()) {
-      m_waveIn = std::make_unique<pulse::PulseWaveIn>();
+      m_waveIn = LoadWaveIn();
     } else {
       m_waveIn =
           std::make_unique<wave_file::FileWaveIn>(GetFiles(), ToSystemPath(m_options.microphone));
@@ -141,7 +125,7 @@ platform::WaveIn& Backends::GetWaveIn() {
 platform::WaveOut& Backends::GetWaveOut() {
   if (!m_waveOut) {
     if (m_options.speaker.empty()) {
-      m_waveOut = std::make_unique<pulse::PulseWaveOut>();
+      m_waveOut = LoadWaveOut();
     } else {
       m_waveOut =
           std::make_unique<wave_file::FileWaveOut>(GetFiles(), ToSystemPath(m_options.speaker));

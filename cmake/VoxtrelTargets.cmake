@@ -75,6 +75,29 @@ function(voxtrel_headers name)
   target_link_libraries(voxtrel_${name} INTERFACE voxtrel_options ${ARG_DEPENDS})
 endfunction()
 
+# voxtrel_door(NAME OUTPUT file SOURCES ... DEPENDS ...): a library that is loaded while the program
+# runs. It exports what its exports.map names and nothing else, whatever it is linked with, and stays
+# in the process: its libraries register themselves for good, and threads may run in it.
+function(voxtrel_door name)
+  cmake_parse_arguments(ARG "" "OUTPUT" "SOURCES;DEPENDS" ${ARGN})
+  set(exports "${CMAKE_CURRENT_SOURCE_DIR}/exports.map")
+  add_library(voxtrel_${name} MODULE ${ARG_SOURCES})
+  target_link_libraries(voxtrel_${name} PRIVATE voxtrel_options ${ARG_DEPENDS})
+  set_target_properties(
+    voxtrel_${name}
+    PROPERTIES PREFIX ""
+               OUTPUT_NAME "${ARG_OUTPUT}"
+               CXX_VISIBILITY_PRESET hidden
+               VISIBILITY_INLINES_HIDDEN ON
+               LINK_DEPENDS "${exports}")
+  target_link_options(voxtrel_${name} PRIVATE "LINKER:--version-script=${exports}"
+                      "LINKER:--exclude-libs,ALL" "LINKER:-z,nodelete")
+  if(NOT VOXTREL_SANITIZE)
+    # What the sanitizers call is in the program that loads the library.
+    target_link_options(voxtrel_${name} PRIVATE "LINKER:--no-undefined")
+  endif()
+endfunction()
+
 option(VOXTREL_TEST_PROGRAMS "Run each test program as one test, which saves starting it for each case" OFF)
 
 # Test programs by label, for builds that run no others: those with threads, and those that compare
