@@ -28,11 +28,11 @@ posix::LoadedFunction LoadDoor(const char* library, const char* folder, const ch
 }
 
 template <typename Function, typename Interface, typename None>
-std::unique_ptr<Interface> LoadSound(const char* door) {
+std::unique_ptr<Interface> LoadSound(const char* door, const char* what) {
   const posix::LoadedFunction found = LoadDoor(platform::kSoundLibrary, "pulse", door);
   std::unique_ptr<Interface> made;
   if (found.address == nullptr) {
-    std::fputs(("voxtrel: no sound: " + found.reason + '\n').c_str(), stderr);
+    std::fputs((std::string("voxtrel: no ") + what + ": " + found.reason + '\n').c_str(), stderr);
     made = std::make_unique<None>();
   } else {
     reinterpret_cast<Function*>(found.address)(made);
@@ -51,12 +51,12 @@ vcard::DesktopSource::Library LoadDesktopBooks() {
 
 std::unique_ptr<platform::WaveIn> LoadWaveIn() {
   return LoadSound<platform::MakeWaveInFunction, platform::WaveIn, NoWaveIn>(
-      platform::kMakeWaveInName);
+      platform::kMakeWaveInName, "microphone");
 }
 
 std::unique_ptr<platform::WaveOut> LoadWaveOut() {
   return LoadSound<platform::MakeWaveOutFunction, platform::WaveOut, NoWaveOut>(
-      platform::kMakeWaveOutName);
+      platform::kMakeWaveOutName, "loudspeaker");
 }
 
 }  // namespace applet

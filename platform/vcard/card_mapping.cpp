@@ -32,6 +32,17 @@ std::u16string Component(const ContentLine& line, std::size_t index) {
   return index < line.components.size() ? ToShownText(line.components[index]) : std::u16string();
 }
 
+/// The middle names, which are separated by commas where there are several.
+std::u16string MiddleName(const ContentLine& name) {
+  constexpr std::size_t kMiddleNames = 2;
+  if (name.components.size() <= kMiddleNames) {
+    return {};
+  }
+  std::string names = name.components[kMiddleNames];
+  std::replace(names.begin(), names.end(), ',', ' ');
+  return ToShownText(names);
+}
+
 /// A value that is none of several components, with its semicolons.
 std::string WholeValue(const ContentLine& line) {
   std::string whole = line.components.front();
@@ -102,8 +113,7 @@ ContactData ToContactData(const Card& card) {
       hasName = true;
       contact.lastName = Component(line, 0);
       contact.firstName = Component(line, 1);
-      contact.middleName = Component(line, 2);
-      std::replace(contact.middleName.begin(), contact.middleName.end(), u',', u' ');
+      contact.middleName = MiddleName(line);
     } else if (line.name == "ORG" && !hasCompany) {
       hasCompany = true;
       contact.companyName = Component(line, 0);

@@ -21,7 +21,8 @@ struct ContentLine {
   std::string name;
   std::vector<std::string> words;  ///< Of all its types (see AppendWords), "PREF" among them.
   bool isUri = false;              ///< The line says that its value is one.
-  /// The value in UTF-8, cut at its semicolons; escapes and encodings are undone. Never empty.
+  /// The value cut at its semicolons, without escapes and encodings, in UTF-8 unless its bytes are
+  /// of no known character set. Never empty.
   std::vector<std::string> components;
 };
 

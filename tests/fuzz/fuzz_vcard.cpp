@@ -1,7 +1,5 @@
-// Reads arbitrary bytes as vCards: nothing in them may crash the parser, make it warn on the
-// standard error, or read otherwise when the bytes arrive in other pieces.
-
-#include <glib.h>
+// Reads arbitrary bytes as vCards: nothing in them may crash the parser, or read otherwise when the
+// bytes arrive in other pieces.
 
 #include <algorithm>
 #include <cstddef>
@@ -11,6 +9,7 @@
 #include <vector>
 
 #include "platform/vcard/card_mapping.h"
+#include "platform/vcard/content_line.h"
 #include "platform/vcard/identities.h"
 #include "platform/vcard/vcard_splitter.h"
 #include "tests/fuzz/require.h"
@@ -46,13 +45,6 @@ void RequireShownText(const std::u16string& text) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
-  g_log_set_default_handler([](const char* /*domain*/, GLogLevelFlags /*level*/,
-                               const char* message, void* /*unused*/) { Require(false, message); },
-                            nullptr);
-  return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view stream(reinterpret_cast<const char*>(data), size);
   const Outcome whole = Read(stream, std::string_view::npos);
@@ -65,9 +57,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   std::sort(sorted.begin(), sorted.end());
   Require(std::adjacent_find(sorted.begin(), sorted.end()) == sorted.end(),
           "no two contacts are the same");
+  const auto line = vcard::ParseContentLine(stream);
+  Require(line.has_value() == (stream.find(':') != std::string_view::npos),
+          "a line is one by its colon");
+  Require(!line || !line->components.empty(), "a value has a component");
   for (const vcard::ContactData& contact : whole.contacts) {
     RequireShownText(contact.lastName);
     RequireShownText(contact.firstName);
+    RequireShownText(contact.middleName);
     RequireShownText(contact.companyName);
     for (const std::u16string& number : contact.numbers) {
       RequireShownText(number);

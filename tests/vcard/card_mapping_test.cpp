@@ -39,6 +39,7 @@ TEST(CardMapping, TakesNoCompanyForAName) {
 
 TEST(CardMapping, ReadsSeveralMiddleNames) {
   EXPECT_EQ(NamesOf(Only("N:Stevenson;John;Philip,Paul;;")), "Stevenson|John|Philip Paul|");
+  EXPECT_EQ(NamesOf(Only("N:Stevenson;John;,Paul,;;")), "Stevenson|John|Paul|");
 }
 
 TEST(CardMapping, ReadsEscapedText) {

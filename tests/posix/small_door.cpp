@@ -1,0 +1,3 @@
+extern "C" __attribute__((visibility("default"))) int TellFortyTwo();
+
+int TellFortyTwo() { return 42; }
