@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <string>
 #include <vector>
 
 #include "tests/support/temp_folder.h"
@@ -16,6 +17,14 @@ using Paths = std::vector<std::filesystem::path>;
 
 TEST(LoadedLibrary, TheOwnFileOfAProgramIsItself) {
   EXPECT_EQ(FindOwnFile(), std::filesystem::canonical(POSIX_TEST));
+}
+
+TEST(LoadedLibrary, TheOwnFileOfALibraryIsTheLibrary) {
+  const LoadedFunction found = LoadFunction(Paths{SMALL_DOOR}, "TellOwnFile");
+  ASSERT_NE(found.address, nullptr) << found.reason;
+  std::string file;
+  reinterpret_cast<void (*)(std::string&)>(found.address)(file);
+  EXPECT_EQ(file, std::filesystem::canonical(SMALL_DOOR));
 }
 
 TEST(LoadedLibrary, AFunctionIsFoundInTheFirstLibraryThatIsThere) {

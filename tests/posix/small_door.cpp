@@ -1,3 +1,12 @@
-extern "C" __attribute__((visibility("default"))) int TellFortyTwo();
+#include <string>
+
+#include "platform/posix/loaded_library.h"
+
+extern "C" {
+__attribute__((visibility("default"))) int TellFortyTwo();
+__attribute__((visibility("default"))) void TellOwnFile(std::string& file);
+}
 
 int TellFortyTwo() { return 42; }
+
+void TellOwnFile(std::string& file) { file = posix::FindOwnFile().native(); }
