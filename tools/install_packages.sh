@@ -16,8 +16,8 @@ declare -A groups=(
   # To build and run the tests with one compiler.
   [test]='
     git googletest libgmock-dev libgtest-dev
-    dbus desktop-file-utils espeak-ng evolution-data-server imagemagick pulseaudio pulseaudio-utils
-    sox sqlite3 umockdev xdotool xvfb
+    dbus desktop-file-utils espeak-ng evolution-data-server fonts-wqy-microhei imagemagick pulseaudio
+    pulseaudio-utils sox sqlite3 umockdev xdotool xvfb
   '
   # The other compilers, the sanitizers, the analysers and the benchmarks.
   [check]='
