@@ -9,7 +9,7 @@
 #include "applet/library.h"
 #include "applet/no_window.h"
 #include "applet/qt_presentation.h"
-#include "platform/posix/loaded_library.h"
+#include "platform/loading/loaded_library.h"
 #include "platform/text/utf.h"
 #include "resources/pictures.h"
 
@@ -31,7 +31,7 @@ std::string GetVariable(const char* name) {
 /// The help lies beside the library, be it installed or in the folder where it was built; else
 /// where the machine's programs keep their data.
 std::vector<std::string> FindHelpFolders(const xdg::Environment& environment) {
-  const std::filesystem::path own = posix::FindOwnFile().parent_path();
+  const std::filesystem::path own = loading::FindOwnFile().parent_path();
   std::vector<std::string> folders;
   for (const char* way : {"../../share/voxtrel/help", "../share/voxtrel/help"}) {
     folders.push_back((own / way).lexically_normal().native());

@@ -87,6 +87,7 @@ function(voxtrel_door name)
     voxtrel_${name}
     PROPERTIES PREFIX ""
                OUTPUT_NAME "${ARG_OUTPUT}"
+               SUFFIX ""
                CXX_VISIBILITY_PRESET hidden
                VISIBILITY_INLINES_HIDDEN ON
                LINK_DEPENDS "${exports}")

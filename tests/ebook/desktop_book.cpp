@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "platform/posix/loaded_library.h"
+#include "platform/loading/loaded_library.h"
 
 namespace ebook_test {
 namespace {
@@ -42,7 +42,7 @@ ebook::ObjectPointer<ESourceRegistry> OpenRegistry() {
 
 vcard::DesktopSource::Library LoadDesktopBooks() {
   const std::filesystem::path place[] = {VOXTREL_DESKTOP_BOOKS};
-  posix::LoadedFunction found = posix::LoadFunction(place, platform::kReadDesktopBooksName);
+  loading::LoadedFunction found = loading::LoadFunction(place, platform::kReadDesktopBooksName);
   return {reinterpret_cast<platform::ReadDesktopBooksFunction*>(found.address), found.reason};
 }
 

@@ -1,4 +1,4 @@
-#include "platform/posix/loaded_library.h"
+#include "platform/loading/loaded_library.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -10,13 +10,13 @@
 
 #include "tests/support/temp_folder.h"
 
-namespace posix {
+namespace loading {
 namespace {
 
 using Paths = std::vector<std::filesystem::path>;
 
 TEST(LoadedLibrary, TheOwnFileOfAProgramIsItself) {
-  EXPECT_EQ(FindOwnFile(), std::filesystem::canonical(POSIX_TEST));
+  EXPECT_EQ(FindOwnFile(), std::filesystem::canonical(LOADING_TEST));
 }
 
 TEST(LoadedLibrary, TheOwnFileOfALibraryIsTheLibrary) {
@@ -57,4 +57,4 @@ TEST(LoadedLibrary, AFunctionThatIsNotExportedIsTold) {
 }
 
 }  // namespace
-}  // namespace posix
+}  // namespace loading

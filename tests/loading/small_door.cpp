@@ -1,6 +1,6 @@
 #include <string>
 
-#include "platform/posix/loaded_library.h"
+#include "platform/loading/loaded_library.h"
 
 extern "C" {
 __attribute__((visibility("default"))) int TellFortyTwo();
@@ -9,4 +9,4 @@ __attribute__((visibility("default"))) void TellOwnFile(std::string& file);
 
 int TellFortyTwo() { return 42; }
 
-void TellOwnFile(std::string& file) { file = posix::FindOwnFile().native(); }
+void TellOwnFile(std::string& file) { file = loading::FindOwnFile().native(); }

@@ -1,12 +1,13 @@
-#include "platform/posix/loaded_library.h"
+#include "platform/loading/loaded_library.h"
 
 #include <dlfcn.h>
 #include <link.h>
 
 #include <algorithm>
 #include <system_error>
+#include <vector>
 
-namespace posix {
+namespace loading {
 namespace {
 
 /// What went wrong in this thread's latest call.
@@ -44,4 +45,16 @@ LoadedFunction LoadFunction(std::span<const std::filesystem::path> libraries, co
   return {address, address == nullptr ? LatestError() : std::string()};
 }
 
-}  // namespace posix
+LoadedFunction LoadDoor(const char* library, const char* folder, const char* door) {
+  const std::filesystem::path own = FindOwnFile().parent_path();
+  const std::filesystem::path built = std::filesystem::path("platform") / folder;
+  std::vector<std::filesystem::path> places;
+  for (const std::filesystem::path& way :
+       {std::filesystem::path("."), std::filesystem::path("../lib/voxtrel"), ".." / built,
+        "../.." / built}) {
+    places.push_back((own / way / library).lexically_normal());
+  }
+  return LoadFunction(places, door);
+}
+
+}  // namespace loading

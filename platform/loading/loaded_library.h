@@ -4,7 +4,7 @@
 #include <span>
 #include <string>
 
-namespace posix {
+namespace loading {
 
 /// The file of this code, be it a program or a library that a program has loaded; empty where the
 /// system does not tell.
@@ -20,4 +20,8 @@ struct LoadedFunction {
 [[nodiscard]] LoadedFunction LoadFunction(std::span<const std::filesystem::path> libraries,
                                           const char* name);
 
-}  // namespace posix
+/// The same for the system's own libraries, which lie beside the applet's once they are installed,
+/// and else where they were built: in a folder of platform/.
+[[nodiscard]] LoadedFunction LoadDoor(const char* library, const char* folder, const char* door);
+
+}  // namespace loading
