@@ -14,6 +14,7 @@ constexpr std::u16string_view kInOrder =
     u" _-,;:!?.'\"()[]{}@*/\\&#%`^+<=>|~$0123456789abcdefghijklmnopqrstuvwxyz";
 
 constexpr std::size_t kAsciiSize = 128;
+constexpr std::size_t kCaseDistance = u'a' - u'A';
 
 constexpr std::array<std::uint8_t, kAsciiSize> MakeRanks() {
   std::array<std::uint8_t, kAsciiSize> ranks{};
@@ -21,7 +22,7 @@ constexpr std::array<std::uint8_t, kAsciiSize> MakeRanks() {
     const char16_t c = kInOrder[i];
     ranks[c] = static_cast<std::uint8_t>(i);
     if (c >= u'a' && c <= u'z') {
-      ranks[static_cast<std::size_t>(c - u'a' + u'A')] = static_cast<std::uint8_t>(i);
+      ranks[c - kCaseDistance] = static_cast<std::uint8_t>(i);
     }
   }
   return ranks;
