@@ -21,7 +21,7 @@ declare -A groups=(
   '
   # The other compilers, the sanitizers, the analysers and the benchmarks.
   [check]='
-    clang clang-format clang-tidy libclang-rt-14-dev llvm
+    clang clang-format clang-tidy libclang-rt-14-dev lld llvm
     g++-arm-linux-gnueabi libc6-dev-armel-cross qemu-user
     libbenchmark-dev
   '
