@@ -154,7 +154,7 @@ void PanelWindow::Refresh() {
   if (m_list->count() > 0) {
     m_list->setCurrentRow(0);
   }
-  m_empty->setText(EmptyText());
+  m_empty->setText(Message(resources::kNoApplets).arg(m_settings.places.join(QLatin1Char('\n'))));
   m_centre->setCurrentIndex(libraries.isEmpty() ? 1 : 0);
   m_open->setEnabled(!libraries.isEmpty());
   m_samples->menuAction()->setVisible(!m_samples->isEmpty() &&
@@ -237,10 +237,6 @@ void PanelWindow::OnEquipment(const Equipment& equipment) {
                         "name “%1” as the microphone.")
                          .arg(sample.name),
                  tr("&Try it now"), [this, path = sample.path] { OpenSample(path); });
-}
-
-QString PanelWindow::EmptyText() const {
-  return Message(resources::kNoApplets).arg(m_settings.places.join(QLatin1Char('\n')));
 }
 
 void PanelWindow::closeEvent(QCloseEvent* event) {

@@ -52,7 +52,6 @@ class PanelWindow : public QMainWindow {
   void OpenCurrent();
   void OpenSample(const QString& recording);
   void OnEquipment(const Equipment& equipment);
-  [[nodiscard]] QString EmptyText() const;
 
   Settings m_settings;
   OpenApplets m_applets;
