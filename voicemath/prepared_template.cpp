@@ -11,8 +11,8 @@ namespace {
 /// Values above this are far beyond the norm's reach. Below it a grid value fits into 15 bits.
 constexpr float kLargestShape = 1.25F;
 
-/// Limit of the sum of squares of a grid, twice what a norm of 1 gives. No sum of products of two
-/// grids, and no part of one, can then leave 32 bits.
+/// Limit of the sum of squares of a grid, twice what a norm of 1 gives. A group of the outline then
+/// fits into 16 bits.
 constexpr std::int64_t kLargestSquares =
     std::int64_t{2} * PreparedTemplate::kGridSteps * PreparedTemplate::kGridSteps;
 
@@ -53,7 +53,14 @@ bool PreparedTemplate::Prepare(std::span<const float> values) {
       new (std::nothrow)
           std::int16_t[(frames + 2 * std::size_t{kHeldFrames}) * kBandCount + kHeldZeros]);
   made.m_sums.reset(new (std::nothrow) GridSums[frames + 1]);
-  if (!made.m_shape || !made.m_grid || !made.m_heldGrid || !made.m_sums) {
+  made.m_slidRow = frames / kGroupFrames + 2 * std::size_t{kHeldFrames} / kGroupFrames + 2;
+  made.m_outline.reset(new (std::nothrow)
+                           std::int16_t[frames / kGroupFrames * kBandCount + kGridBlock]);
+  made.m_slidOutline.reset(
+      new (std::nothrow) std::int16_t[kGroupFrames * made.m_slidRow * kBandCount + kGridBlock]);
+  made.m_slidSquares.reset(new (std::nothrow) std::uint32_t[kGroupFrames * made.m_slidRow]);
+  if (!made.m_shape || !made.m_grid || !made.m_heldGrid || !made.m_sums || !made.m_outline ||
+      !made.m_slidOutline || !made.m_slidSquares) {
     return false;
   }
   if (frames > 0) {
@@ -62,6 +69,7 @@ bool PreparedTemplate::Prepare(std::span<const float> values) {
   }
   if (made.m_isOnGrid) {
     made.FillHeldGrid();
+    made.FillOutline();
   }
   *this = std::move(made);
   return true;
@@ -111,6 +119,35 @@ void PreparedTemplate::FillHeldGrid() {
     at = std::copy_n(Grid(std::clamp(frame, 0, m_frames - 1)), kBandCount, at);
   }
   std::fill_n(at, kHeldZeros, std::int16_t{0});
+}
+
+void PreparedTemplate::FillOutline() {
+  const std::int32_t end = m_frames + kHeldFrames - kGroupFrames;
+  for (std::int32_t way = 0; way < kGroupFrames; ++way) {
+    std::int16_t* at = m_slidOutline.get() + static_cast<std::size_t>(way) * m_slidRow * kBandCount;
+    std::uint32_t* squares = m_slidSquares.get() + static_cast<std::size_t>(way) * m_slidRow;
+    std::uint32_t sum = 0;
+    for (std::int32_t frame = way - kHeldFrames; frame <= end; frame += kGroupFrames) {
+      const std::int16_t* first = HeldGrid(frame);
+      *squares++ = sum;
+      for (std::size_t band = 0; band < kBandCount; ++band, ++first, ++at) {
+        const std::int32_t four =
+            first[0] + first[kBandCount] + first[2 * kBandCount] + first[3 * kBandCount];
+        *at = static_cast<std::int16_t>((four + 1) / 2);
+        sum += static_cast<std::uint32_t>(*at * *at);
+      }
+    }
+    std::fill(squares, m_slidSquares.get() + static_cast<std::size_t>(way + 1) * m_slidRow, sum);
+    // Whatever follows is multiplied by zeros, and the last row is followed by kGridBlock of them.
+    std::fill(at, m_slidOutline.get() + static_cast<std::size_t>(way + 1) * m_slidRow * kBandCount,
+              std::int16_t{0});
+  }
+  std::fill_n(m_slidOutline.get() + kGroupFrames * m_slidRow * kBandCount, kGridBlock,
+              std::int16_t{0});
+  std::int16_t* const behind =
+      std::copy_n(SlidOutline(0), static_cast<std::size_t>(Groups()) * kBandCount, m_outline.get());
+  std::fill_n(behind, kGridBlock, std::int16_t{0});
+  m_outlineSquares = SlidOutlineSquares(0)[Groups()] - SlidOutlineSquares(0)[0];
 }
 
 }  // namespace voicemath

@@ -217,7 +217,7 @@ TEST(FindNearest, EqualsTheSearchRowByRow) {
       }
     }
     EXPECT_EQ(nearest[i].index, index) << i;
-    EXPECT_EQ(nearest[i].distance.Distance(), best) << i;
+    EXPECT_EQ(nearest[i].distance, best) << i;
   }
 }
 
