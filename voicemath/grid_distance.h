@@ -36,17 +36,16 @@ struct Pair {
     return shorter.Frames() == 1 ? 1 : kLead - LowestShift() + 1;
   }
   [[nodiscard]] bool IsOnGrid() const { return shorter.IsOnGrid() && longer.IsOnGrid(); }
-  /// Whether outlines are looked at: where no shift holds the ends for longer than they are made.
-  [[nodiscard]] bool HasOutlines() const {
-    return IsOnGrid() && kLead - LowestShift() < kShiftsAtOnce;
-  }
+  /// Whether no shift holds the ends for longer than the held grid and the outlines do.
+  [[nodiscard]] bool IsNear() const { return IsOnGrid() && kLead - LowestShift() < kShiftsAtOnce; }
 };
 
 /// Sums of products of `count` values of `a` with those of each `b`, and with those of each `b`
 /// that follow in the next frames, kFrames for each. Behind the `count` values at least one side
 /// has zeros. No value is negative, so a sum that leaves 32 bits comes out too low, and what it is
-/// taken from too high. That happens only where the ends of the shorter template, held, are more
-/// than three times as long as the longer one, and so no shift can win.
+/// taken from too high. For a pair that is not near that happens only where the ends of the shorter
+/// template, held, are more than three times as long as the longer one, and so the shift cannot
+/// win.
 template <std::size_t kFrames, std::size_t kOthers>
 VOXTREL_INLINE std::array<std::uint32_t, kFrames * kOthers> GridProducts(
     const std::int16_t* a, const std::array<const std::int16_t*, kOthers>& b, std::int32_t count) {
@@ -87,9 +86,28 @@ VOXTREL_INLINE std::int64_t SlidSquares(const Pair& pair, std::int32_t shift) {
 }
 
 /// Sums of the squared differences of the two grids at `shift` and the kProductLanes - 1 shifts
-/// above it.
-VOXTREL_INLINE std::array<std::int64_t, kProductLanes> GridDistances(const Pair& pair,
-                                                                     std::int32_t shift) {
+/// above it, where Pair::IsNear. What leaves 32 bits comes out too low: such a shift is looked at
+/// more closely than it deserves.
+VOXTREL_INLINE std::array<std::uint32_t, kProductLanes> GridDistances(const Pair& pair,
+                                                                      std::int32_t shift) {
+  const auto& [shorter, longer] = pair;
+  const std::int32_t frames = longer.Frames();
+  const std::array slid{shorter.HeldGrid(shift)};
+  const auto products = GridProducts<kProductLanes>(longer.Grid(0), slid,
+                                                    frames * static_cast<std::int32_t>(kBandCount));
+  const auto squares = static_cast<std::uint32_t>(longer.SumsBefore(frames).squares);
+  const std::uint32_t* begin = shorter.HeldSquares(shift);
+  const std::uint32_t* end = shorter.HeldSquares(shift + frames);
+  std::array<std::uint32_t, kProductLanes> distances;
+  for (std::size_t lane = 0; lane < kProductLanes; ++lane) {
+    distances[lane] = squares + end[lane] - begin[lane] - 2 * products[lane];
+  }
+  return distances;
+}
+
+/// The same of any pair, which takes longer.
+VOXTREL_INLINE std::array<std::int64_t, kProductLanes> FarGridDistances(const Pair& pair,
+                                                                        std::int32_t shift) {
   // Products of the ends, which are the same frame over and over, can be looked up instead.
   constexpr std::int32_t kHeld = kMultipliesFast ? PreparedTemplate::kHeldFrames : 1;
   const PreparedTemplate& shorter = pair.shorter;
@@ -118,12 +136,12 @@ VOXTREL_INLINE std::array<std::int64_t, kProductLanes> GridDistances(const Pair&
 
 /// The distances of the outlines at all shifts: sums of the squared differences. What leaves 32
 /// bits comes out too low: such a shift is looked at more closely than it deserves. They are all 0
-/// where there are no outlines.
+/// where the pair is not near.
 class OutlineDistances {
  public:
   VOXTREL_INLINE explicit OutlineDistances(const Pair& pair)
       : m_count(std::min(pair.ShiftCount(), kShiftsAtOnce)) {
-    if (!pair.HasOutlines()) {
+    if (!pair.IsNear()) {
       m_distances.fill(0);
       return;
     }
@@ -162,10 +180,11 @@ class OutlineDistances {
     }
     const auto products =
         GridProducts<kRows>(longer.Outline(), slid, groups * static_cast<std::int32_t>(kBandCount));
+    const std::uint32_t* begin = shorter.SlidOutlineSquares(shift);
+    const std::uint32_t* end =
+        shorter.SlidOutlineSquares(shift + groups * PreparedTemplate::kGroupFrames);
     for (std::size_t lane = 0; lane < products.size(); ++lane) {
-      const std::uint32_t* squares =
-          shorter.SlidOutlineSquares(shift) + lane % kWays * shorter.SlidRow() + lane / kWays;
-      distances[lane] = longer.OutlineSquares() + squares[groups] - squares[0] - 2 * products[lane];
+      distances[lane] = longer.OutlineSquares() + end[lane] - begin[lane] - 2 * products[lane];
     }
   }
 

@@ -77,14 +77,12 @@ class NeighbourSearch {
 
   void Compare(std::size_t i, std::size_t j) {
     const std::uint32_t outline = std::exchange(OutlineOf(i, j), kCompared);
-    const bool ofI = CanBeBelow(m_reach[i], m_templates[i], m_templates[j], outline);
-    const bool ofJ = CanBeBelow(m_reach[j], m_templates[i], m_templates[j], outline);
-    if (!ofI && !ofJ) {
+    const std::size_t further = m_reach[i].Distance() < m_reach[j].Distance() ? j : i;
+    if (!CanBeBelow(m_reach[further], m_templates[i], m_templates[j], outline)) {
       return;
     }
     if (IsSymmetric(i, j)) {
-      const bool further = m_reach[i].Distance() < m_reach[j].Distance();
-      const float both = TemplateDistance(m_templates[i], m_templates[j], m_reach[further ? j : i]);
+      const float both = TemplateDistance(m_templates[i], m_templates[j], m_reach[further]);
       Consider(i, j, both);
       Consider(j, i, both);
     } else {

@@ -13,8 +13,10 @@ namespace voicemath {
 
 /// A template in the forms that comparing wants, made once when its slot is filled:
 ///
-/// - the *shape*: each value times the reciprocal of the norm, rounded to float. Band by band, with
-///   the first frame repeated before it and the last one behind, kFloatLanes times each;
+/// - the *shape*: each value times the reciprocal of the norm, rounded to float. Frame by frame,
+/// and
+///   band by band, with the first frame repeated before it and the last one behind, kFloatLanes
+///   times each;
 /// - the *grid*: the shape on a grid of steps of 1 / kGridSteps, as whole numbers, frame by frame,
 ///   once as it is, and once between repetitions of its first and its last frame. Zeros follow;
 /// - the *outline*: half the sums of groups of kGroupFrames frames of the grid, as whole numbers.
@@ -59,12 +61,21 @@ class PreparedTemplate {
   [[nodiscard]] const float* Shape(std::size_t band, std::ptrdiff_t frame) const {
     return m_shape.get() + static_cast<std::ptrdiff_t>(band * m_bandLength + kFloatLanes) + frame;
   }
+  /// The bands of one frame of the shape.
+  [[nodiscard]] const float* ShapeByFrame(std::int32_t frame) const {
+    return m_shapeByFrame.get() + static_cast<std::size_t>(frame) * kBandCount;
+  }
   [[nodiscard]] const std::int16_t* Grid(std::int32_t frame) const {
     return m_grid.get() + static_cast<std::size_t>(frame) * kBandCount;
   }
   /// `frame` may be from -kHeldFrames on. Behind kHeldFrames frames after the last are kHeldZeros.
   [[nodiscard]] const std::int16_t* HeldGrid(std::int32_t frame) const {
     return m_heldGrid.get() + static_cast<std::size_t>(frame + kHeldFrames) * kBandCount;
+  }
+  /// Sum of the squares of the held grid before `frame`, as far as 32 bits tell it. Those before
+  /// the next frames follow.
+  [[nodiscard]] const std::uint32_t* HeldSquares(std::int32_t frame) const {
+    return m_heldSquares.get() + (frame + kHeldFrames);
   }
   [[nodiscard]] const GridSums& SumsBefore(std::int32_t frame) const {
     return m_sums[static_cast<std::size_t>(frame)];
@@ -84,9 +95,10 @@ class PreparedTemplate {
   [[nodiscard]] const std::int16_t* SlidOutline(std::int32_t frame) const {
     return m_slidOutline.get() + SlidPlace(frame) * kBandCount;
   }
-  /// Running sums of the squares of the same, as far as 32 bits tell them.
+  /// Sum of the squares of those before, as far as 32 bits tell it. What follows are the sums for
+  /// groups that begin a frame later.
   [[nodiscard]] const std::uint32_t* SlidOutlineSquares(std::int32_t frame) const {
-    return m_slidSquares.get() + SlidPlace(frame);
+    return m_slidSquares.get() + (frame + kHeldFrames);
   }
   /// How many frames of outlines lie between those of groups that begin at one frame and at the
   /// next, from a multiple of kGroupFrames on.
@@ -98,6 +110,7 @@ class PreparedTemplate {
     const auto held = static_cast<std::size_t>(frame + kHeldFrames);
     return held % kGroupFrames * m_slidRow + held / kGroupFrames;
   }
+  [[nodiscard]] bool Allocate(std::size_t frames);
   void FillOutline();
   void FillShape(std::span<const float> values);
   [[nodiscard]] bool FillGrid();
@@ -108,8 +121,10 @@ class PreparedTemplate {
   std::size_t m_bandLength = 0;
   bool m_isOnGrid = false;
   std::unique_ptr<float[]> m_shape;
+  std::unique_ptr<float[]> m_shapeByFrame;
   std::unique_ptr<std::int16_t[]> m_grid;
   std::unique_ptr<std::int16_t[]> m_heldGrid;
+  std::unique_ptr<std::uint32_t[]> m_heldSquares;
   std::unique_ptr<GridSums[]> m_sums;
   std::size_t m_slidRow = 0;
   std::uint32_t m_outlineSquares = 0;

@@ -61,13 +61,18 @@ VOXTREL_INLINE LaneSums ExactSums(const Pair& pair, std::int32_t shift, float bo
   Lanes sums{};
   LaneSums told{};
   const auto canWin = [bound](float sum) { return sum < bound; };
+  std::array<const float*, kBandCount> slid;
+  for (std::size_t band = 0; band < kBandCount; ++band) {
+    slid[band] = shorter.Shape(band, 0);
+  }
   for (std::int32_t frame = 0; frame < longer.Frames() && std::ranges::any_of(told, canWin);) {
     const std::int32_t look = std::min(frame + kFramesBetweenLooks, longer.Frames());
     for (; frame < look; ++frame) {
       const std::int32_t held = std::clamp(frame + shift, -kLanes, shorter.Frames());
+      const float* fixed = longer.ShapeByFrame(frame);
       for (std::size_t band = 0; band < kBandCount; ++band) {
-        const Lanes values = *reinterpret_cast<const LanesInArray*>(shorter.Shape(band, held));
-        const Lanes differences = values - *longer.Shape(band, frame);
+        const Lanes values = *reinterpret_cast<const LanesInArray*>(slid[band] + held);
+        const Lanes differences = values - fixed[band];
         const Lanes squares = differences * differences;
         sums += squares;
       }
@@ -132,26 +137,29 @@ class Search {
   VOXTREL_INLINE void TryIfPromising(std::int32_t index, std::int32_t begin, std::int32_t end,
                                      const OutlineDistances& outlines) {
     end = std::min(begin + kLanes, end);
-    if (*std::min_element(outlines.At(begin), outlines.At(end)) <
-            OutlineLimit(m_pair.longer, m_bound) &&
-        IsPromisingOnGrid(index + begin, index + end)) {
-      Try(index + begin);
+    const std::uint32_t limit = OutlineLimit(m_pair.longer, m_bound);
+    for (std::int32_t i = begin; i < end; i += kStep) {
+      const std::int32_t lanes = std::min(kStep, end - i);
+      if (*std::min_element(outlines.At(i), outlines.At(i + lanes)) < limit &&
+          IsPromisingOnGrid(index + i, lanes)) {
+        Try(index + begin);
+        return;
+      }
     }
   }
 
-  VOXTREL_INLINE bool IsPromisingOnGrid(std::int32_t begin, std::int32_t end) const {
+  /// Whether one of `lanes` shifts, at most kStep, can win.
+  VOXTREL_INLINE bool IsPromisingOnGrid(std::int32_t index, std::int32_t lanes) const {
     if (Best() == kMaxDistance) {
       return true;  // Most are below it.
     }
     const std::int64_t root = GridLimitRoot(m_pair.longer, m_bound);
-    for (std::int32_t i = begin; i < end; i += kStep) {
-      const auto distances = GridDistances(m_pair, m_pair.LowestShift() + i);
-      const std::int32_t lanes = std::min(kStep, end - i);
-      if (*std::min_element(distances.begin(), distances.begin() + lanes) < root * root) {
-        return true;
-      }
-    }
-    return false;
+    const auto anyIsBelow = [&](const auto& distances) {
+      return *std::min_element(distances.begin(), distances.begin() + lanes) < root * root;
+    };
+    const std::int32_t shift = m_pair.LowestShift() + index;
+    return m_pair.IsNear() ? anyIsBelow(GridDistances(m_pair, shift))
+                           : anyIsBelow(FarGridDistances(m_pair, shift));
   }
 
   const Pair& m_pair;
@@ -193,7 +201,7 @@ float TemplateDistance(const PreparedTemplate& a, const PreparedTemplate& b,
 VOXTREL_VECTOR_CLONES
 std::uint32_t LeastOutlineDistance(const PreparedTemplate& a, const PreparedTemplate& b) {
   const Pair pair(a, b);
-  if (pair.shorter.Frames() == 0 || !pair.HasOutlines()) {
+  if (pair.shorter.Frames() == 0 || !pair.IsNear()) {
     return 0;
   }
   return OutlineDistances(pair).Least();
