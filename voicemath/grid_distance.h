@@ -31,9 +31,9 @@ struct Pair {
   [[nodiscard]] std::int32_t LowestShift() const {
     return shorter.Frames() - longer.Frames() - kLead;
   }
-  /// A single frame is held against all frames whatever the shift is.
+  /// Frames that are all alike are held against the others in the same way whatever the shift is.
   [[nodiscard]] std::int32_t ShiftCount() const {
-    return shorter.Frames() == 1 ? 1 : kLead - LowestShift() + 1;
+    return shorter.IsSteady() ? 1 : kLead - LowestShift() + 1;
   }
   [[nodiscard]] bool IsOnGrid() const { return shorter.IsOnGrid() && longer.IsOnGrid(); }
   /// Whether no shift holds the ends for longer than the held grid and the outlines do.

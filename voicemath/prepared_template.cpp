@@ -87,6 +87,7 @@ void PreparedTemplate::FillShape(std::span<const float> values) {
   for (std::size_t i = 0; i < (last + 1) * kBandCount; ++i) {
     m_shapeByFrame[i] = values[i] * scale;
   }
+  m_isSteady = std::equal(ShapeByFrame(1), ShapeByFrame(m_frames), ShapeByFrame(0));
   for (std::size_t band = 0; band < kBandCount; ++band) {
     float* at = m_shape.get() + band * m_bandLength;
     at = std::fill_n(at, kFloatLanes, m_shapeByFrame[band]);

@@ -53,6 +53,8 @@ class PreparedTemplate {
 
   [[nodiscard]] std::int32_t Frames() const { return m_frames; }
   [[nodiscard]] bool IsOnGrid() const { return m_isOnGrid; }
+  /// Whether all frames are alike.
+  [[nodiscard]] bool IsSteady() const { return m_isSteady; }
   /// Square root of the number of values, rounded up.
   [[nodiscard]] std::int32_t RootOfSize() const { return m_rootOfSize; }
 
@@ -120,6 +122,7 @@ class PreparedTemplate {
   std::int32_t m_rootOfSize = 0;
   std::size_t m_bandLength = 0;
   bool m_isOnGrid = false;
+  bool m_isSteady = true;
   std::unique_ptr<float[]> m_shape;
   std::unique_ptr<float[]> m_shapeByFrame;
   std::unique_ptr<std::int16_t[]> m_grid;

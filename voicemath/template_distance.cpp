@@ -150,7 +150,7 @@ class Search {
 
   /// Whether one of `lanes` shifts, at most kStep, can win.
   VOXTREL_INLINE bool IsPromisingOnGrid(std::int32_t index, std::int32_t lanes) const {
-    if (Best() == kMaxDistance) {
+    if (m_pair.IsNear() && Best() == kMaxDistance) {
       return true;  // Most are below it.
     }
     const std::int64_t root = GridLimitRoot(m_pair.longer, m_bound);
