@@ -45,6 +45,17 @@ std::vector<Way> Comparison() {
           {"literal", [words] { Keep(twins::CompareTemplates((*words)[0], (*words)[1])); }}};
 }
 
+std::vector<Way> Preparation() {
+  const auto word = Shared(Word(42, 1));
+  return {{"product", [word] {
+             PreparedTemplate prepared;
+             if (!prepared.Prepare(word->values)) {
+               std::abort();
+             }
+             Keep(prepared);
+           }}};
+}
+
 std::vector<std::int16_t> LiteralEnvelope(const support::Samples& samples) {
   std::vector<std::int16_t> envelope(samples.size() / voicemath::kBlockStep - 1);
   for (std::size_t block = 0; block < envelope.size(); ++block) {
@@ -154,6 +165,7 @@ std::vector<Job> AllJobs() {
   return {{"transform", Transform, kFramesTogether},
           {"endpoint detection", EndpointDetection},
           {"utterance", WholeUtterance},
+          {"preparation", Preparation},
           {"comparison", Comparison},
           {"test dialog", TestDialog}};
 }
