@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <type_traits>
 #include <utility>
 
 #include "voicemath/vector_clones.h"
@@ -20,9 +21,39 @@ struct HalfBlock {
   std::int16_t highest = 0;
 };
 
-using SampleLanes [[gnu::vector_size(sizeof(std::int16_t) * kSampleLanes)]] = std::int16_t;
-/// Sums of samples, in 16 bits.
-using SumLanes [[gnu::vector_size(sizeof(std::int16_t) * kSampleLanes)]] = std::uint16_t;
+/// Samples side by side, and sums of them in as many bits.
+struct EightLanes {
+  static constexpr std::size_t kCount = 8;
+  using Samples [[gnu::vector_size(sizeof(std::int16_t) * kCount)]] = std::int16_t;
+  using Sums [[gnu::vector_size(sizeof(std::int16_t) * kCount)]] = std::uint16_t;
+
+  VOXTREL_INLINE static Samples At(const std::int16_t* samples) {
+    Samples values;
+    std::memcpy(&values, samples, sizeof values);
+    return values;
+  }
+  /// All bits, but for those of lanes that the last samples of a half block have in common with the
+  /// ones before.
+  VOXTREL_INLINE static Samples LastCounted() {
+    static_assert(kBlockStep % kCount == kCount - 1);
+    Samples counted = ~Samples{};
+    counted[0] = 0;
+    return counted;
+  }
+};
+/// A single one in what the processor calculates with.
+struct OneLane {
+  [[maybe_unused]] static constexpr std::size_t kCount = 1;
+  using Samples = std::int32_t;
+  using Sums = std::uint32_t;
+
+  VOXTREL_INLINE static Samples At(const std::int16_t* samples) { return *samples; }
+  VOXTREL_INLINE static Samples LastCounted() { return ~Samples{}; }
+};
+
+using InLanes = std::conditional_t<kVectorsFast, EightLanes, OneLane>;
+using SampleLanes = InLanes::Samples;
+using SumLanes = InLanes::Sums;
 
 VOXTREL_INLINE SampleLanes Higher(SampleLanes a, SampleLanes b) { return a > b ? a : b; }
 VOXTREL_INLINE SumLanes Sum(SumLanes a, SumLanes b) { return a + b; }
@@ -30,16 +61,17 @@ VOXTREL_INLINE SumLanes Sum(SumLanes a, SumLanes b) { return a + b; }
 /// Takes all lanes of `a` together, and all of `b`.
 template <typename AnyLanes>
 VOXTREL_INLINE auto Fold(AnyLanes a, AnyLanes b, AnyLanes together(AnyLanes, AnyLanes)) {
-  if constexpr (sizeof a == 8 * sizeof a[0]) {
+  if constexpr (std::is_integral_v<AnyLanes>) {
+    return std::pair(a, b);
+  } else {
     a = together(__builtin_shufflevector(a, b, 0, 8, 1, 9, 2, 10, 3, 11),
                  __builtin_shufflevector(a, b, 4, 12, 5, 13, 6, 14, 7, 15));
     a = together(a, __builtin_shufflevector(a, a, 4, 5, 6, 7, 0, 1, 2, 3));
     a = together(a, __builtin_shufflevector(a, a, 2, 3, 0, 1, 6, 7, 4, 5));
-    b[0] = a[1];
+    const auto ofA = a[0];
+    const auto ofB = a[1];
+    return std::pair(ofA, ofB);
   }
-  const auto ofA = a[0];
-  const auto ofB = b[0];
-  return std::pair(ofA, ofB);
 }
 
 /// All in 16 bits. A sum of few samples is told by two that fit: that of their upper halves, v >>
@@ -66,9 +98,9 @@ class HalfBlockLanes {
     const auto [upperSum, lowerSum] = Fold(uppers, m_sum - (uppers << 8), Sum);
     // ~v always fits, and rises where v falls.
     const auto [highest, highestInverse] = Fold(m_highest, ~m_lowest, Higher);
-    return {.sum = static_cast<std::int16_t>(upperSum) * 256 + lowerSum,
+    return {.sum = static_cast<std::int16_t>(upperSum) * 256 + static_cast<std::int32_t>(lowerSum),
             .lowest = static_cast<std::int16_t>(~highestInverse),
-            .highest = highest};
+            .highest = static_cast<std::int16_t>(highest)};
   }
 
  private:
@@ -78,26 +110,14 @@ class HalfBlockLanes {
   SampleLanes m_upperSum;
 };
 
-VOXTREL_INLINE SampleLanes SamplesAt(const std::int16_t* samples) {
-  SampleLanes values;
-  std::memcpy(&values, samples, sizeof values);
-  return values;
-}
-
 VOXTREL_INLINE HalfBlock MeasureHalf(const std::int16_t* samples) {
-  constexpr std::size_t kLast = kBlockStep - kSampleLanes;
-  HalfBlockLanes lanes(SamplesAt(samples));
-  std::size_t at = kSampleLanes;
-  for (; at < kLast; at += kSampleLanes) {
-    lanes.Take(SamplesAt(samples + at), ~SampleLanes{});
+  constexpr std::size_t kLast = kBlockStep - InLanes::kCount;
+  HalfBlockLanes lanes(InLanes::At(samples));
+  for (std::size_t at = InLanes::kCount; at < kLast; at += InLanes::kCount) {
+    lanes.Take(InLanes::At(samples + at), ~SampleLanes{});
   }
-  // The last ones end with the half block, the first of them has been there before.
-  static_assert(kSampleLanes == 1 || kBlockStep % kSampleLanes == kSampleLanes - 1);
-  SampleLanes counted = ~SampleLanes{};
-  if (at > kLast) {
-    counted[0] = 0;
-  }
-  lanes.Take(SamplesAt(samples + kLast), counted);
+  // The last ones end with the half block.
+  lanes.Take(InLanes::At(samples + kLast), InLanes::LastCounted());
   return lanes.Together();
 }
 
