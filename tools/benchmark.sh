@@ -14,7 +14,8 @@ say() { echo "$*" >&2; }
 
 say 'Installing and building'
 tools/install_packages.sh build test check benchmark >&2
-tools/build.sh benchmark voicemath_table voicemath_table_narrow instruction_counter
+tools/build.sh benchmark voicemath_table voicemath_table_narrow voicemath_table_alone \
+  voicemath_table_alone_narrow instruction_counter
 tools/build.sh arm -DVOXTREL_BENCHMARKS=ON voicemath_table
 
 work=$(mktemp -d)
@@ -49,8 +50,8 @@ count() { # JOB TOGETHER PRODUCT LITERAL
     [ $way = product ] || times=$4
     [ "$times" -gt 0 ] || continue
     printf '%s;%s;%s;%s;%s\n' "$job" $way \
-      "$(of_one with_callgrind "$times" "$together" $programs/voicemath_table "$job" $way)" \
-      "$(of_one with_callgrind "$times" "$together" $programs/voicemath_table_narrow "$job" $way)" \
+      "$(of_one with_callgrind "$times" "$together" $programs/voicemath_table_alone "$job" $way)" \
+      "$(of_one with_callgrind "$times" "$together" $programs/voicemath_table_alone_narrow "$job" $way)" \
       "$([ $way = literal ] && [ $literal_on_arm = 0 ] && echo - ||
         of_one with_plugin 1 1 $on_arm "$job" $way)"
   done
