@@ -10,17 +10,18 @@ declare -A groups=(
   [build]='
     g++ cmake ninja-build pkg-config
     libcli11-dev libebook-contacts1.2-dev libebook1.2-dev libfmt-dev libicu-dev libpulse-dev
+    nettle-dev
     fonts-wine librsvg2-bin libsqlite3-dev libudev-dev nlohmann-json3-dev qt6-base-dev qt6-svg-dev
   '
   # To build and run the tests with one compiler.
   [test]='
     git googletest libgmock-dev libgtest-dev
-    dbus desktop-file-utils espeak-ng evolution-data-server imagemagick pulseaudio pulseaudio-utils
-    sox sqlite3 umockdev xdotool xvfb
+    dbus desktop-file-utils espeak-ng evolution-data-server fonts-wqy-microhei imagemagick pulseaudio
+    pulseaudio-utils sox sqlite3 umockdev xdotool xvfb
   '
   # The other compilers, the sanitizers, the analysers and the benchmarks.
   [check]='
-    clang clang-format clang-tidy libclang-rt-14-dev llvm
+    clang clang-format clang-tidy libclang-rt-14-dev lld llvm
     g++-arm-linux-gnueabi libc6-dev-armel-cross qemu-user
     libbenchmark-dev
   '

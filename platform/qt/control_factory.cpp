@@ -22,6 +22,10 @@ using Tell = std::function<void(CommandEvent)>;
 /// A template gives a combo box with its list dropped down; closed it is as high as a button.
 constexpr int kClosedComboUnits = 13;
 constexpr int kFewestLines = 4;
+/// Some capitals are higher than the line of their font once they carry an accent, and a line may
+/// be higher than its place, which would cut it: a label has this much more room above and below,
+/// in pixels of the desktop.
+constexpr int kAccentRoom = 4;
 
 [[nodiscard]] QRect PlaceOf(const ControlTemplate& description) {
   return ToDesktop(platform::ToPixels(description.rect));
@@ -101,6 +105,10 @@ void Place(Control& control, Pictures& pictures) {
     place.setSize(size.isEmpty() ? place.size() : size.toSize());
   }
   control.room = place.width();
+  if (control.label != nullptr) {
+    control.label->setContentsMargins(0, kAccentRoom, 0, 0);
+    place.adjust(0, -kAccentRoom, 0, kAccentRoom);
+  }
   control.widget->setGeometry(place);
 }
 
