@@ -153,7 +153,8 @@ class OutlineDistances {
 
   /// The `index`-th shift's.
   [[nodiscard]] const std::uint32_t* At(std::int32_t index) const {
-    return &m_distances[static_cast<std::size_t>(m_before + index)];
+    const std::int32_t place = m_before + index;
+    return &m_distances[static_cast<std::size_t>(place)];
   }
   [[nodiscard]] VOXTREL_INLINE std::uint32_t Least() const {
     return *std::min_element(At(0), At(m_count));

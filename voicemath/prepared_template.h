@@ -109,7 +109,8 @@ class PreparedTemplate {
  private:
   /// Groups that follow each other lie side by side, so there is a row for each way to begin.
   [[nodiscard]] std::size_t SlidPlace(std::int32_t frame) const {
-    const auto held = static_cast<std::size_t>(frame + kHeldFrames);
+    const std::int32_t fromHeld = frame + kHeldFrames;
+    const auto held = static_cast<std::size_t>(fromHeld);
     return held % kGroupFrames * m_slidRow + held / kGroupFrames;
   }
   [[nodiscard]] bool Allocate(std::size_t frames);

@@ -52,8 +52,6 @@ using LanesInArray [[gnu::vector_size(sizeof(float) * kFloatLanes), gnu::aligned
                      gnu::may_alias]] = float;
 using LaneSums = std::array<float, kFloatLanes>;
 
-constexpr std::size_t Place(std::int32_t index) { return static_cast<std::size_t>(index); }
-
 /// The float sums of `shift` and the kLanes - 1 shifts above it. Gives up, with some sums that are
 /// not below `bound`, as soon as none is: they never fall, and one that is no number never wins.
 VOXTREL_INLINE LaneSums ExactSums(const Pair& pair, std::int32_t shift, float bound) {

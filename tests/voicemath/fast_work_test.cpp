@@ -91,8 +91,8 @@ TEST(Work, NoFramesAgainstTheMostFramesIsNextToNone) {
 TEST(Work, TwoOfTheMostFramesGrowsWithTheFrames) {
   const std::uint64_t hundredth =
       WorkOf(Prepared(kMostFrames / 100, 1), Prepared(kMostFrames / 100, 2));
-  // How soon a sum is given up differs from word to word; with shifts in proportion to the frames it
-  // would be ten thousand.
+  // How soon a sum is given up differs from word to word; with shifts in proportion to the frames
+  // it would be ten thousand.
   EXPECT_LT(WorkOf(Prepared(kMostFrames, 1), Prepared(kMostFrames, 2)), 200 * hundredth);
 }
 
