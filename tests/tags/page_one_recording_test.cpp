@@ -238,6 +238,19 @@ TEST_F(PageOneRecording, ALongTextIsCutToItsField) {
   const std::u16string expected = std::u16string(120, u'a') + u" " + std::u16string(6, u'5');
   EXPECT_EQ(m_page->GetTags().GetRecord(0)->GetDisplayText(), expected);
   EXPECT_EQ(m_dialog->GetItemText(kTagListId, 0), expected);
+  Open();
+  EXPECT_EQ(m_page->GetTags().GetRecord(0)->GetDisplayText(), expected);
+  EXPECT_EQ(m_dialog->GetItemText(kTagListId, 0), expected) << "As when it was recorded.";
+}
+
+TEST_F(PageOneRecording, ALongNameWithoutANumberIsCutInTheListAsWell) {
+  m_machine.contacts.Add(
+      {.oid = 5, .firstName = std::u16string(100, u'a'), .lastName = std::u16string(27, u'b')});
+  PutTag(u"1", 5, u"Pager");
+  Open();
+  EXPECT_EQ(m_dialog->GetItemText(kTagListId, 0),
+            std::u16string(100, u'a') + u" " + std::u16string(26, u'b'));
+  EXPECT_EQ(m_page->GetTags().GetRecord(0)->GetDisplayText(), u"");
 }
 
 }  // namespace
