@@ -136,6 +136,22 @@ TEST_F(PageOneRecording, WithoutALetterInTheWordNothingIsWritten) {
   EXPECT_TRUE(GetEntries().empty());
 }
 
+TEST_F(PageOneRecording, UnderTheIdentifierZeroNothingIsWritten) {
+  m_machine.contacts.Remove(kAnn);
+  m_machine.contacts.Remove(kBob);
+  headless::HeadlessContact nobody{.oid = 0, .firstName = u"No"};
+  nobody.Number(platform::PhoneNumberKind::kMobile) = u"555";
+  m_machine.contacts.Add(nobody);
+  auto& dialog = Open();
+  ASSERT_TRUE(dialog.IsEnabled(kRecordButtonId));
+  dialog.Press(kRecordButtonId);
+  EXPECT_EQ(m_page->GetPicker().GetPhoneTypeWord(), u"Mobile");
+  EXPECT_EQ(GetMessages(), Texts{u"Error: oid == 0"});
+  EXPECT_EQ(m_machine.ui.CountBeeps(), 0);
+  EXPECT_FALSE(HasFile(storage::WavePath(u"1000")));
+  EXPECT_TRUE(GetEntries().empty());
+}
+
 TEST_F(PageOneRecording, WithoutAMicrophoneTheProcessEnds) {
   m_machine.waveIn.SetScript({.deviceCount = 0});
   auto& dialog = Open();
