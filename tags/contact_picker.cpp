@@ -12,6 +12,8 @@ constexpr std::size_t kNumberCapacity = 96;
 }  // namespace
 
 bool ContactPicker::Load() {
+  m_oid = 0;
+  m_phoneTypeWord.clear();
   m_contacts = ContactList(m_store.GetCount());
   Step step = Step::kGoOn;
   for (std::int32_t i = 1; i <= m_contacts.GetReportedCount() && step == Step::kGoOn; ++i) {

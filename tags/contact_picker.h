@@ -17,9 +17,9 @@ class ContactPicker {
  public:
   ContactPicker(platform::ContactsStore& store, ContactView& view) : m_store(store), m_view(view) {}
 
-  /// Fills the list of contacts and both combo boxes, and chooses the first contact. False where a
-  /// failure ends the whole initialization of the page; it was reported then, and nothing is
-  /// chosen.
+  /// Fills the list of contacts and both combo boxes, and chooses the first contact; what was
+  /// chosen before is forgotten. False where a failure ends the whole initialization of the page;
+  /// it was reported then, and nothing is chosen.
   [[nodiscard]] bool Load();
 
   /// Lists the numbers of the contact at `index` of the contact combo box, and chooses it with the

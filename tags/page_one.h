@@ -1,11 +1,11 @@
 #pragma once
 
-#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "audio/wave_device.h"
 #include "language/texts.h"
@@ -28,9 +28,9 @@ inline constexpr std::u16string_view kInstanceMutex = u"ZedraD";
 /// The Learning page: the user picks a contact and one of its numbers, presses Record and says the
 /// name, and has a voice tag; listens to tags, and deletes them.
 ///
-/// Owns what all pages share for the life of the sheet. Lives on the user-interface thread; while a
-/// recording runs, its worker uses the recording path and the audio device, and this thread
-/// neither.
+/// Owns what all pages share for the life of the sheet. Lives on the user-interface thread. While a
+/// recording runs its worker has the audio device, and this thread does not touch it; a worker that
+/// takes too long keeps it, and the page goes on with a new one.
 class Page_one : public framework::CPropertyPage,
                  private ContactView,
                  private maintenance::TagSession {
@@ -82,7 +82,9 @@ class Page_one : public framework::CPropertyPage,
   [[nodiscard]] bool EnsureDataFolders();
   [[nodiscard]] bool HasNumberChosen();
   [[nodiscard]] bool RecordUtterance(const std::function<void()>& step);
-  void RecordOnWorker();
+  void OpenAudio();
+  void LeaveBehind(std::unique_ptr<platform::Thread> worker);
+  void EndLateWorkers();
   [[nodiscard]] bool StoreTag(std::u16string_view tagName);
   void ListNewTag(std::u16string_view tagName);
 
@@ -115,11 +117,11 @@ class Page_one : public framework::CPropertyPage,
   maintenance::ReinitProgressDialog m_reinitDialog;
   maintenance::TestDialog m_testDialog;
   std::unique_ptr<platform::Thread> m_reinitWorker;  ///< While its dialog runs.
-  std::unique_ptr<audio::WaveDevice> m_audio;
+  std::shared_ptr<audio::WaveDevice> m_audio;        ///< Shared with the worker of a recording.
   std::u16string m_recordingPath;
   std::u16string m_listText;  ///< Of the tag listed last.
-  /// Set by the recording thread where the process was to end: nothing may be done any more.
-  std::atomic<bool> m_processEnded = false;
+  /// Recordings that were not waited for any longer. They use nothing of the page's.
+  std::vector<std::unique_ptr<platform::Thread>> m_lateWorkers;
   int m_playCode = 0;
   bool m_isSetUp = false;
 };

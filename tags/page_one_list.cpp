@@ -51,12 +51,15 @@ bool Page_one::LoadTag(std::u16string_view tagName, std::int32_t& slot, bool& is
       Report(*tag.failure);
       return false;
     }
-    m_listText = tag.text;
+    // The line and the record show the same text, cut where the record's field ends.
+    storage::TagRecord shown;
+    shown.SetDisplayText(tag.text);
+    m_listText = shown.GetDisplayText();
     if (storage::TagRecord* record = m_tags.GetRecord(slot)) {
       record->SetTagName(tagName);
       // Without a number the record stays without a text, although the list has one.
       if (tag.hasNumber) {
-        record->SetDisplayText(tag.text);
+        record->SetDisplayText(m_listText);
       }
     }
   }

@@ -1,6 +1,5 @@
 // The Learning page opens: contacts, tag list, buttons.
 
-#include "audio/wave_header.h"
 #include "language/formatting.h"
 #include "platform/framework/wait_cursor.h"
 #include "resources/dialogs.h"
@@ -22,7 +21,12 @@ Page_one::Page_one(const platform::Platform& platform, const language::Texts& te
   storage::CreateInstallFolders(m_platform.files);
 }
 
-Page_one::~Page_one() { m_platform.contacts.Logoff(); }
+Page_one::~Page_one() {
+  m_platform.contacts.Logoff();
+  // The tags are free for another page before anything is waited for.
+  m_onlyInstance.reset();
+  EndLateWorkers();
+}
 
 const framework::RuntimeClass& Page_one::GetRuntimeClass() const {
   static constexpr framework::RuntimeClass kClass{"Page_one"};
@@ -40,8 +44,7 @@ bool Page_one::OnInitDialog() {
   }
   const framework::WaitCursor wait(m_platform.ui);
   m_workerEvent = m_platform.threads.CreateManualResetEvent();
-  m_audio = std::make_unique<audio::WaveDevice>(m_platform);
-  m_audio->SetFormat(audio::kRecordingBits, audio::kRecordingRate);
+  OpenAudio();
   if (!OpenContacts()) {
     return true;  // The message was the last thing that happens: the page stays as it was drawn.
   }

@@ -11,13 +11,12 @@
 #include "storage/folders.h"
 #include "tags/letters.h"
 #include "tags/page_one.h"
-
+#include "tags/utterance_recording.h"
 #include "voicemath/template_file.h"
 
 namespace tags {
 namespace {
 
-constexpr std::uint32_t kUtteranceMilliseconds = 3000;
 constexpr std::uint32_t kBeepMilliseconds = 150;  ///< The user hears the cue to speak.
 constexpr int kProgressSteps = 10;
 constexpr std::uint32_t kProgressStepMilliseconds = 300;
@@ -87,32 +86,45 @@ bool Page_one::HasNumberChosen() {
   return true;
 }
 
+void Page_one::OpenAudio() {
+  m_audio = std::make_shared<audio::WaveDevice>(m_platform);
+  m_audio->SetFormat(audio::kRecordingBits, audio::kRecordingRate);
+}
+
 bool Page_one::RecordUtterance(const std::function<void()>& step) {
-  const auto worker =
-      m_platform.threads.Start([this] { RecordOnWorker(); }, platform::ThreadStart::kRunning);
+  const auto recording = std::make_shared<UtteranceRecording>(m_platform, m_audio, m_recordingPath);
+  auto worker =
+      m_platform.threads.Start([recording] { recording->Run(); }, platform::ThreadStart::kRunning);
   for (int i = 0; i < kProgressSteps; ++i) {
     m_platform.clock.Sleep(kProgressStepMilliseconds);
     step();
   }
-  if (worker) {
-    // A recording that takes longer is no error: what the file holds by now is taken.
-    static_cast<void>(worker->Wait(kLongestWait));
+  // A recording that takes longer is no error: what the file holds by now is taken.
+  if (worker && worker->Wait(kLongestWait) == platform::WaitResult::kTimedOut) {
+    LeaveBehind(std::move(worker));
   }
-  return !m_processEnded;
+  return !recording->HasEndedProcess();
 }
 
-void Page_one::RecordOnWorker() {
-  m_audio->SetFormat(audio::kRecordingBits, audio::kRecordingRate);
-  const int code = m_audio->Record(m_recordingPath, kUtteranceMilliseconds);
-  if (code == audio::kRecorded) {
-    return;
+void Page_one::LeaveBehind(std::unique_ptr<platform::Thread> worker) {
+  std::erase_if(m_lateWorkers, [](const std::unique_ptr<platform::Thread>& late) {
+    return late->Wait(0) == platform::WaitResult::kSignalled;
+  });
+  m_lateWorkers.push_back(std::move(worker));
+  OpenAudio();
+}
+
+void Page_one::EndLateWorkers() {
+  for (const auto& worker : m_lateWorkers) {
+    if (worker->Wait(kLongestWait) == platform::WaitResult::kTimedOut) {
+      // Its sound device hangs. It cannot be left running in a library that goes, nor waited for
+      // without limit after the window has closed; so all of it ends here.
+      m_platform.process.End(0);
+      break;
+    }
   }
-  m_processEnded = true;
-  if (code != audio::kProcessEnded) {
-    m_platform.ui.ShowMessage({language::Decimal(code), platform::MessageCaption::kText,
-                               u"Error Code", platform::MessageStyle::kTopmost});
-    m_platform.process.End(0);
-  }
+  // A host that outlives the applet waits for the rest: they use what the host gave the page.
+  m_lateWorkers.clear();
 }
 
 bool Page_one::StoreTag(std::u16string_view tagName) {

@@ -1,5 +1,9 @@
+#include <algorithm>
 #include <array>
+#include <cstddef>
 #include <set>
+#include <span>
+#include <vector>
 
 #include "tests/applet/applet_fixture.h"
 
@@ -108,6 +112,41 @@ TEST_F(VoxtrelAppMessages, StopDestroysTheIconOfThisAppletAlone) {
   EXPECT_EQ(Send(*app, CplMessage::kStop, 0), 0);
   EXPECT_THAT(m_module.GetIcons(), IsEmpty());
   EXPECT_EQ(Send(*app, CplMessage::kStop, 0), 0);
+}
+
+/// A library that remembers which icons it was asked to destroy.
+class LoggingModule final : public platform::Module {
+ public:
+  [[nodiscard]] platform::IconHandle LoadIcon(int id) override { return m_inner.LoadIcon(id); }
+  void DestroyIcon(platform::IconHandle icon) override {
+    m_destroyed.push_back(icon);
+    m_inner.DestroyIcon(icon);
+  }
+  int LoadString(int id, std::span<char16_t> buffer) override {
+    return m_inner.LoadString(id, buffer);
+  }
+
+  [[nodiscard]] std::ptrdiff_t CountDestroyed(platform::IconHandle icon) const {
+    return std::ranges::count(m_destroyed, icon);
+  }
+
+ private:
+  headless::HeadlessModule m_inner;
+  std::vector<platform::IconHandle> m_destroyed;
+};
+
+TEST_F(VoxtrelAppMessages, AnIconIsNeverDestroyedTwice) {
+  LoggingModule module;
+  applet::VoxtrelApp app(m_machine.Get(), module);
+  ASSERT_TRUE(app.InitInstance());
+  NewCplInfo info;
+  EXPECT_EQ(Inquire(app, info), 0);
+  const platform::IconHandle icon = info.hIcon;
+  ASSERT_NE(icon, platform::kNoIcon);
+  EXPECT_EQ(Open(app), 0);
+  EXPECT_EQ(Send(app, CplMessage::kStop, 0), 0);
+  EXPECT_EQ(Send(app, CplMessage::kStop, 0), 0);
+  EXPECT_EQ(module.CountDestroyed(icon), 1);
 }
 
 TEST_F(VoxtrelAppMessages, TheIconOutlivesTheSheetOnlyForAnotherAppletsNumber) {

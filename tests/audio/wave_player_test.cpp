@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <initializer_list>
 
+#include "tests/audio/logging_wave_out.h"
 #include "tests/audio/recorder_fixture.h"
 #include "tests/support/signals.h"
 
@@ -76,6 +77,67 @@ TEST_F(WavePlayer, EachFaultOfTheFileHasItsCode) {
   EXPECT_EQ(PlayBytes(With(36, {'D'})), audio::kSoundNoData);
   EXPECT_EQ(PlayBytes(With(40, {0xFF, 0xFF, 0xFF, 0xFF})), audio::kSoundNoData);
   EXPECT_TRUE(m_waveOut.GetPlayed().empty());
+}
+
+TEST_F(WavePlayer, TheFirstOfTwoFaultsGivesTheCode) {
+  support::Bytes bytes = With(0, {'r'});
+  bytes[8] = std::byte{'w'};
+  EXPECT_EQ(PlayBytes(bytes), audio::kSoundNoRiff);
+  bytes = With(20, {3});
+  bytes[8] = std::byte{'w'};
+  EXPECT_EQ(PlayBytes(bytes), audio::kSoundNoWave);
+  bytes = With(20, {3});
+  bytes[36] = std::byte{'D'};
+  EXPECT_EQ(PlayBytes(bytes), audio::kSoundNotPcm);
+  m_waveOut.SetScript({.open = WaveResult::kNoDevice});
+  EXPECT_EQ(PlayBytes(With(36, {'D'})), audio::kSoundNoData);
+}
+
+TEST_F(WavePlayer, AFileThatAnotherProgramReadsIsNotOpened) {
+  ASSERT_TRUE(m_files.PutFile(kPath, Good()));
+  auto held = m_files.Open(kPath, {platform::FileAccess::kRead, platform::FileShare::kRead,
+                                   platform::FileCreation::kOpenExisting});
+  ASSERT_NE(held.file, nullptr);
+  EXPECT_EQ(m_device.Play(kPath), audio::kSoundNotOpened) << "The file is not shared.";
+  held.file.reset();
+  EXPECT_EQ(m_device.Play(kPath), audio::kPlayed);
+}
+
+TEST_F(WavePlayer, LooksForTheDataAtMultiplesOfFourAlone) {
+  support::Bytes bytes = support::WaveFile(support::Constant(1000, 0));
+  bytes.insert(bytes.begin() + 36, 10, std::byte{});
+  ASSERT_EQ(bytes[46], std::byte{'d'});
+  EXPECT_EQ(PlayBytes(bytes), audio::kSoundNoData);
+  bytes.insert(bytes.begin() + 36, 2, std::byte{});
+  EXPECT_EQ(PlayBytes(bytes), audio::kPlayed);
+}
+
+TEST_F(WavePlayer, TakesTheFormatFromTheFile) {
+  support::Bytes bytes = With(22, {2, 0, 0x40, 0x1F, 0, 0});
+  bytes[32] = std::byte{4};
+  EXPECT_EQ(PlayBytes(bytes), audio::kPlayed);
+  bytes = With(32, {1, 0, 8, 0});
+  EXPECT_EQ(PlayBytes(bytes), audio::kPlayed);
+  const auto played = m_waveOut.GetPlayed();
+  ASSERT_EQ(played.size(), 2U);
+  EXPECT_EQ(played[0].format.channels, 2);
+  EXPECT_EQ(played[0].format.samplesPerSecond, 8000U);
+  EXPECT_EQ(played[0].format.averageBytesPerSecond, 8000U);
+  EXPECT_EQ(played[0].format.blockAlign, 4);
+  EXPECT_EQ(played[0].format.bitsPerSample, 16);
+  EXPECT_EQ(played[1].format.channels, 1);
+  EXPECT_EQ(played[1].format.blockAlign, 1);
+  EXPECT_EQ(played[1].format.bitsPerSample, 8);
+}
+
+TEST_F(WavePlayer, StopsTheDeviceBeforeItIsGivenUp) {
+  ASSERT_TRUE(m_files.PutFile(kPath, Good()));
+  LoggingWaveOut logging(m_waveOut);
+  audio::WaveDevice device({m_files, m_waveIn, m_clock, m_threads, m_process, m_ui, m_registry,
+                            m_contacts, logging, m_shell});
+  EXPECT_EQ(device.Play(kPath), audio::kPlayed);
+  EXPECT_EQ(logging.GetCalls(), (std::vector<std::string_view>{"Open", "Prepare", "Write",
+                                                               "Unprepare", "Reset", "Close"}));
 }
 
 TEST_F(WavePlayer, AHeaderThatHasNoEndIsRefused) {

@@ -257,6 +257,25 @@ TEST_F(ContactPickerLoad, EveryOtherFailingPartOfTheNameEndsTheInitialization) {
   }
 }
 
+TEST_F(ContactPickerLoad, EveryPartOfTheNameIsReadBeforeTheFirstNumber) {
+  const std::pair<bool HeadlessContact::*, Failure> rows[] = {
+      {&HeadlessContact::lastNameFails, Failure::kLastName},
+      {&HeadlessContact::firstNameFails, Failure::kFirstName},
+      {&HeadlessContact::middleNameFails, Failure::kMiddleName},
+      {&HeadlessContact::companyNameFails, Failure::kCompanyName}};
+  for (const auto& [fails, failure] : rows) {
+    HeadlessContacts store;
+    HeadlessContact& contact = store.Add(Named(1, u"Lee"));
+    contact.*fails = true;
+    contact.numberFails.fill(true);
+    ASSERT_TRUE(store.Logon());
+    RecordingView view;
+    ContactPicker picker(store, view);
+    EXPECT_EQ(picker.Load(), failure == Failure::kFirstName);
+    EXPECT_THAT(view.messages, ElementsAre(ContactMessage{failure}));
+  }
+}
+
 TEST_F(ContactPickerLoad, EveryFailingNumberEndsTheInitialization) {
   for (const PhoneKind kind : kReadingOrder) {
     HeadlessContacts store;
@@ -335,6 +354,17 @@ TEST_F(ContactPickerNumbers, AFailingNumberIsReportedAndTheOthersListed) {
                 ElementsAre(ContactMessage{Failure::kNumber, ContactReader::kSelection, kind}));
     EXPECT_EQ(view.numbers.size(), 9U);
   }
+}
+
+TEST_F(ContactPickerNumbers, TheFirstOneIsSelectedAfterEachThatWasAdded) {
+  HeadlessContact contact = Named(1, u"Lee");
+  contact.Number(PhoneKind::kCar) = u"1";
+  HeadlessContact& lee = Add(contact);
+  ASSERT_TRUE(Load());
+  lee.FailNumber(PhoneKind::kCar);
+  m_picker.ListNumbers(0);
+  ASSERT_EQ(m_view.messages.size(), 1U);
+  EXPECT_TRUE(m_view.wasFirstNumberSelected) << "While the message about the second one stands.";
 }
 
 TEST_F(ContactPickerNumbers, NoNumberAtAllLeavesNoPhoneTypeWord) {

@@ -180,6 +180,14 @@ TEST_P(TagTexts, TellWhichPartOfTheNameFailed) {
   }
 }
 
+TEST_P(TagTexts, ReadTheCompanyBeforeTheNumber) {
+  HeadlessContact contact = Named(u"Ann", u"", u"Lee");
+  contact.companyNameFails = true;
+  contact.numberFails.fill(true);
+  const ContactMessage expected{Failure::kCompanyName, GetParam().reader};
+  EXPECT_EQ(GetParam().read(contact, u"Mobile").failure, expected);
+}
+
 TEST_P(TagTexts, TellWhichNumberFailed) {
   for (const storage::PhoneType& texts : storage::kPhoneTypes) {
     HeadlessContact contact = Named(u"Ann", u"", u"Lee");

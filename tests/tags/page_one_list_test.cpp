@@ -95,26 +95,6 @@ TEST_F(PageOneList, AnUnknownPhoneTypeListsTheNameAlone) {
       << "Only a text with a number is kept.";
 }
 
-TEST_F(PageOneList, AFailingPropertyEndsTheLoad) {
-  PutTag(u"100", kAnn, u"Mobile");
-  PutTag(u"200", kBob, u"Home");
-  Open();
-  m_dialog.reset();
-  m_page.reset();
-  m_machine.contacts.Remove(kBob);
-  headless::HeadlessContact bob{.oid = 6, .firstName = u"B"};
-  bob.Number(platform::PhoneNumberKind::kHome) = u"1";
-  headless::HeadlessContact& live = m_machine.contacts.Add(bob);
-  PutTag(u"300", 6, u"Home");
-  PutTag(u"400", kAnn, u"Mobile");
-  // It fails only when the list reads it, not when the combo boxes are filled.
-  support::FailingRegistry watching(m_machine.registry);
-  m_machine.ui.SetListener({});
-  live.FailNumber(platform::PhoneNumberKind::kHome);
-  Open();
-  EXPECT_EQ(GetMessages().front(), u"Failed to get home phone number");
-}
-
 TEST_F(PageOneList, SelectionEnablesPlayAndDelete) {
   PutTag(u"100", kAnn, u"Mobile");
   auto& dialog = Open();
@@ -246,6 +226,10 @@ TEST_F(PageOneList, DeleteAllEmptiesEverything) {
   }
   EXPECT_EQ(dialog.GetText(kCountLabelId), u"Learned commands: 0");
   EXPECT_TRUE(dialog.IsEnabled(kRecordButtonId));
+  for (const std::int32_t index : {0, 1}) {
+    EXPECT_EQ(m_page->GetTags().GetRecord(index)->GetTagName(), u"");
+    EXPECT_EQ(m_page->GetTags().GetRecord(index)->GetDisplayText(), u"");
+  }
 }
 
 TEST_F(PageOneList, DeleteAllCanBeCancelled) {

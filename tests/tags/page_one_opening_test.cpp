@@ -5,7 +5,17 @@ namespace {
 using Texts = std::vector<std::u16string>;
 using namespace resources;
 
-class PageOneOpening : public PageFixture {};
+class PageOneOpening : public PageFixture {
+ protected:
+  /// The sheet is closed and shown again by the same library.
+  void ShowOnceMore() {
+    m_dialog.reset();
+    m_dialog =
+        std::make_unique<headless::HeadlessDialog>(kLearningDialog, *m_page, &m_machine.simulation);
+    m_page->OnInitDialog();
+    m_dialog->DeliverPosted();
+  }
+};
 
 TEST_F(PageOneOpening, TheConstructorMakesTheInstallFolders) {
   const tags::Page_one page(m_machine.Get(), m_texts);
@@ -70,13 +80,33 @@ TEST_F(PageOneOpening, TheMutexGoesWithThePage) {
 TEST_F(PageOneOpening, TheSamePageMayBeShownOnceMore) {
   PutTag(u"100", kAnn, u"Mobile");
   Open();
-  m_dialog.reset();
-  m_dialog =
-      std::make_unique<headless::HeadlessDialog>(kLearningDialog, *m_page, &m_machine.simulation);
-  m_page->OnInitDialog();
+  ShowOnceMore();
   EXPECT_EQ(m_machine.process.GetExitCode(), std::nullopt);
   EXPECT_EQ(m_dialog->GetItemCount(kTagListId), 1);
   EXPECT_EQ(m_page->GetTags().tagCount, 1);
+}
+
+TEST_F(PageOneOpening, WhatWasChosenIsForgottenWhenThePageIsShownOnceMore) {
+  auto& first = Open();
+  first.Choose(kContactComboId, 0);
+  first.Choose(kNumberComboId, 1);
+  ASSERT_EQ(m_page->GetPicker().GetPhoneTypeWord(), u"Mobile");
+  ShowOnceMore();
+  EXPECT_EQ(m_page->GetPicker().GetPhoneTypeWord(), u"");
+  EXPECT_EQ(m_dialog->GetItemText(kNumberComboId, *m_dialog->GetSelection(kNumberComboId)),
+            u"1110000 Home");
+  m_dialog->Press(kRecordButtonId);
+  EXPECT_EQ(m_dialog->GetItems(kTagListId), Texts{u"Ann Lee 1110000 H"}) << "The kind shown.";
+}
+
+TEST_F(PageOneOpening, NobodyIsChosenWhenThePageIsShownOnceMoreWithoutContacts) {
+  Open();
+  ASSERT_EQ(m_page->GetPicker().GetOid(), static_cast<std::uint32_t>(kAnn));
+  m_machine.contacts.Remove(kAnn);
+  m_machine.contacts.Remove(kBob);
+  ShowOnceMore();
+  EXPECT_EQ(m_page->GetPicker().GetOid(), 0U);
+  EXPECT_FALSE(m_dialog->IsEnabled(kRecordButtonId));
 }
 
 TEST_F(PageOneOpening, AFailureOfTheContactsIsTheLastThingThatHappens) {

@@ -136,6 +136,22 @@ TEST_F(PageOneRecording, WithoutALetterInTheWordNothingIsWritten) {
   EXPECT_TRUE(GetEntries().empty());
 }
 
+TEST_F(PageOneRecording, UnderTheIdentifierZeroNothingIsWritten) {
+  m_machine.contacts.Remove(kAnn);
+  m_machine.contacts.Remove(kBob);
+  headless::HeadlessContact nobody{.oid = 0, .firstName = u"No"};
+  nobody.Number(platform::PhoneNumberKind::kMobile) = u"555";
+  m_machine.contacts.Add(nobody);
+  auto& dialog = Open();
+  ASSERT_TRUE(dialog.IsEnabled(kRecordButtonId));
+  dialog.Press(kRecordButtonId);
+  EXPECT_EQ(m_page->GetPicker().GetPhoneTypeWord(), u"Mobile");
+  EXPECT_EQ(GetMessages(), Texts{u"Error: oid == 0"});
+  EXPECT_EQ(m_machine.ui.CountBeeps(), 0);
+  EXPECT_FALSE(HasFile(storage::WavePath(u"1000")));
+  EXPECT_TRUE(GetEntries().empty());
+}
+
 TEST_F(PageOneRecording, WithoutAMicrophoneTheProcessEnds) {
   m_machine.waveIn.SetScript({.deviceCount = 0});
   auto& dialog = Open();
@@ -238,6 +254,19 @@ TEST_F(PageOneRecording, ALongTextIsCutToItsField) {
   const std::u16string expected = std::u16string(120, u'a') + u" " + std::u16string(6, u'5');
   EXPECT_EQ(m_page->GetTags().GetRecord(0)->GetDisplayText(), expected);
   EXPECT_EQ(m_dialog->GetItemText(kTagListId, 0), expected);
+  Open();
+  EXPECT_EQ(m_page->GetTags().GetRecord(0)->GetDisplayText(), expected);
+  EXPECT_EQ(m_dialog->GetItemText(kTagListId, 0), expected) << "As when it was recorded.";
+}
+
+TEST_F(PageOneRecording, ALongNameWithoutANumberIsCutInTheListAsWell) {
+  m_machine.contacts.Add(
+      {.oid = 5, .firstName = std::u16string(100, u'a'), .lastName = std::u16string(27, u'b')});
+  PutTag(u"1", 5, u"Pager");
+  Open();
+  EXPECT_EQ(m_dialog->GetItemText(kTagListId, 0),
+            std::u16string(100, u'a') + u" " + std::u16string(26, u'b'));
+  EXPECT_EQ(m_page->GetTags().GetRecord(0)->GetDisplayText(), u"");
 }
 
 }  // namespace

@@ -22,15 +22,54 @@ class HastyClock final : public platform::Clock {
   std::atomic<std::uint32_t> m_now = 1000;
 };
 
+/// Real threads, whose ends are never waited for where a wait has a limit.
+class ImpatientThreads final : public platform::Threads {
+ public:
+  explicit ImpatientThreads(platform::Threads& inner) : m_inner(inner) {}
+
+  [[nodiscard]] std::unique_ptr<platform::Thread> Start(std::function<void()> body,
+                                                        platform::ThreadStart start) override {
+    return std::make_unique<Thread>(m_inner.Start(std::move(body), start));
+  }
+  [[nodiscard]] std::unique_ptr<platform::Event> CreateManualResetEvent() override {
+    return m_inner.CreateManualResetEvent();
+  }
+  [[nodiscard]] platform::CreatedMutex CreateNamedMutex(std::u16string_view name) override {
+    return m_inner.CreateNamedMutex(name);
+  }
+
+ private:
+  class Thread final : public platform::Thread {
+   public:
+    explicit Thread(std::unique_ptr<platform::Thread> inner) : m_inner(std::move(inner)) {}
+    void Resume() override { m_inner->Resume(); }
+    [[nodiscard]] platform::WaitResult Wait(std::uint32_t milliseconds) override {
+      return m_inner->Wait(milliseconds == platform::kNoLimit ? milliseconds : 0);
+    }
+
+   private:
+    const std::unique_ptr<platform::Thread> m_inner;
+  };
+
+  platform::Threads& m_inner;
+};
+
 /// The page with real threads, many times over; for the thread sanitizer.
 class PageOneThreads : public PageFixture {
  protected:
   static constexpr int kTimes = 200;
 
-  [[nodiscard]] platform::Platform GetThreadedPlatform() {
-    return {m_machine.files,    m_machine.waveIn,   m_clock,
-            m_threads,          m_machine.process,  m_machine.ui,
-            m_machine.registry, m_machine.contacts, m_machine.waveOut,
+  [[nodiscard]] platform::Platform GetThreadedPlatform() { return GetPlatformWith(m_threads); }
+  [[nodiscard]] platform::Platform GetPlatformWith(platform::Threads& threads) {
+    return {m_machine.files,
+            m_machine.waveIn,
+            m_clock,
+            threads,
+            m_machine.process,
+            m_machine.ui,
+            m_machine.registry,
+            m_machine.contacts,
+            m_machine.waveOut,
             m_machine.shell};
   }
 
@@ -61,6 +100,23 @@ TEST_F(PageOneThreads, RecordsOverAndOver) {
   EXPECT_TRUE(GetMessages().empty());
   EXPECT_EQ(GetEntries().size(), 90U);
   EXPECT_EQ(dialog.GetItemCount(kTagListId), 90);
+}
+
+TEST_F(PageOneThreads, TheWorkerMayBeLateAtAnyPoint) {
+  HearAShortWord();
+  ImpatientThreads impatient(m_threads);
+  for (int i = 0; i < kTimes / 4; ++i) {
+    auto& dialog = OpenOn(GetPlatformWith(impatient));
+    const int before = dialog.GetItemCount(kTagListId);
+    dialog.Press(kRecordButtonId);
+    dialog.Press(kRecordButtonId);
+    EXPECT_EQ(static_cast<std::size_t>(dialog.GetItemCount(kTagListId)), GetEntries().size());
+    EXPECT_GE(dialog.GetItemCount(kTagListId), before);
+    m_dialog.reset();
+    m_page.reset();
+    EXPECT_EQ(m_machine.waveIn.OpenDevices(), 0U);
+    EXPECT_EQ(m_machine.files.CountOpenHandles(), 0U);
+  }
 }
 
 TEST_F(PageOneThreads, TheWorkersMessageAboutItsCodeEndsTheProcess) {

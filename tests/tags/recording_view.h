@@ -27,11 +27,15 @@ class RecordingView final : public tags::ContactView {
     return numbers.empty() ? std::u16string() : numbers.front();
   }
 
-  void Report(const tags::ContactMessage& message) override { messages.push_back(message); }
+  void Report(const tags::ContactMessage& message) override {
+    messages.push_back(message);
+    wasFirstNumberSelected = isFirstNumberSelected;
+  }
 
   std::vector<std::u16string> contacts;
   std::vector<std::u16string> numbers;
   std::vector<tags::ContactMessage> messages;
   bool isFirstContactSelected = false;
   bool isFirstNumberSelected = false;
+  bool wasFirstNumberSelected = false;  ///< When the latest message was shown.
 };

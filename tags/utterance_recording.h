@@ -1,0 +1,35 @@
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "audio/wave_device.h"
+#include "platform/platform.h"
+
+namespace tags {
+
+/// One recording, as its worker does it. It has everything of its own: the page goes on without a
+/// worker that takes too long, and may use a new device, or be gone, while this one still runs.
+class UtteranceRecording {
+ public:
+  /// What `platform` refers to outlives the recording. Nobody else touches `device` while it runs.
+  UtteranceRecording(const platform::Platform& platform, std::shared_ptr<audio::WaveDevice> device,
+                     std::u16string path)
+      : m_platform(platform), m_device(std::move(device)), m_path(std::move(path)) {}
+
+  /// Records three seconds. Where that fails the user is told the code and the process ends.
+  void Run();
+
+  /// Whether the process was to end: nothing may be done any more. May be called from any thread.
+  [[nodiscard]] bool HasEndedProcess() const { return m_hasEndedProcess; }
+
+ private:
+  const platform::Platform m_platform;
+  const std::shared_ptr<audio::WaveDevice> m_device;
+  const std::u16string m_path;
+  std::atomic<bool> m_hasEndedProcess = false;
+};
+
+}  // namespace tags

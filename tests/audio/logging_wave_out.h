@@ -1,0 +1,60 @@
+#pragma once
+
+#include <memory>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "platform/wave_out.h"
+
+/// Forwards every call to another wave output, and remembers which were made.
+class LoggingWaveOut final : public platform::WaveOut {
+ public:
+  explicit LoggingWaveOut(platform::WaveOut& inner) : m_inner(inner) {}
+
+  [[nodiscard]] const std::vector<std::string_view>& GetCalls() const { return m_calls; }
+
+  [[nodiscard]] platform::OpenedWaveOut Open(const platform::WaveFormat& format) override {
+    m_calls.push_back("Open");
+    auto opened = m_inner.Open(format);
+    if (opened.device) {
+      opened.device = std::make_unique<Device>(m_calls, std::move(opened.device));
+    }
+    return opened;
+  }
+
+ private:
+  class Device final : public platform::WaveOutDevice {
+   public:
+    Device(std::vector<std::string_view>& calls, std::unique_ptr<platform::WaveOutDevice> inner)
+        : m_calls(calls), m_inner(std::move(inner)) {}
+
+    platform::WaveResult Prepare(platform::WaveHeader& header) override {
+      m_calls.push_back("Prepare");
+      return m_inner->Prepare(header);
+    }
+    platform::WaveResult Write(platform::WaveHeader& header) override {
+      m_calls.push_back("Write");
+      return m_inner->Write(header);
+    }
+    platform::WaveResult Unprepare(platform::WaveHeader& header) override {
+      m_calls.push_back("Unprepare");
+      return m_inner->Unprepare(header);
+    }
+    platform::WaveResult Reset() override {
+      m_calls.push_back("Reset");
+      return m_inner->Reset();
+    }
+    platform::WaveResult Close() override {
+      m_calls.push_back("Close");
+      return m_inner->Close();
+    }
+
+   private:
+    std::vector<std::string_view>& m_calls;
+    const std::unique_ptr<platform::WaveOutDevice> m_inner;
+  };
+
+  platform::WaveOut& m_inner;
+  std::vector<std::string_view> m_calls;
+};

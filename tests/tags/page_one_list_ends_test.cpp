@@ -1,0 +1,92 @@
+// The list of learned tags where one of them cannot be read.
+
+#include "tests/tags/watched_page.h"
+
+namespace {
+
+using Texts = std::vector<std::u16string>;
+using namespace resources;
+
+/// A registry one of whose keys cannot be opened.
+class UnopenableKey final : public platform::Registry {
+ public:
+  UnopenableKey(platform::Registry& inner, std::u16string_view path)
+      : m_inner(inner), m_path(path) {}
+
+  [[nodiscard]] platform::OpenedKey OpenKey(std::u16string_view path) override {
+    return path == m_path ? platform::OpenedKey{} : m_inner.OpenKey(path);
+  }
+  [[nodiscard]] platform::OpenedKey CreateKey(std::u16string_view path) override {
+    return m_inner.CreateKey(path);
+  }
+  [[nodiscard]] platform::RegistryError DeleteKey(std::u16string_view path) override {
+    return m_inner.DeleteKey(path);
+  }
+  [[nodiscard]] platform::RegistryError BeginGroup() override { return m_inner.BeginGroup(); }
+  [[nodiscard]] platform::RegistryError CommitGroup() override { return m_inner.CommitGroup(); }
+  void CancelGroup() override { m_inner.CancelGroup(); }
+
+ private:
+  platform::Registry& m_inner;
+  const std::u16string_view m_path;
+};
+
+class PageOneListEnds : public WatchedPage {
+ protected:
+  /// A contact whose getters fail once the contacts were loaded and the tags are being listed.
+  void AddContactThatFailsLater(void (*fail)(headless::HeadlessContact&)) {
+    headless::HeadlessContact eve{.oid = kEve, .firstName = u"Eve"};
+    eve.Number(platform::PhoneNumberKind::kHome) = u"1";
+    headless::HeadlessContact& live = m_machine.contacts.Add(eve);
+    m_contacts.SetListener([&live, fail](std::string_view call) {
+      if (call == "GetItemFromOid") {
+        fail(live);
+      }
+    });
+  }
+  void PutThreeTags() {
+    PutTag(u"100", kAnn, u"Mobile");
+    PutTag(u"200", kEve, u"Home");
+    PutTag(u"300", kBob, u"Home");
+  }
+
+  static constexpr std::int32_t kEve = 6;
+};
+
+TEST_F(PageOneListEnds, AFailingPropertyEndsTheLoad) {
+  PutThreeTags();
+  AddContactThatFailsLater([](headless::HeadlessContact& contact) {
+    contact.FailNumber(platform::PhoneNumberKind::kHome);
+  });
+  const auto& dialog = OpenWatched();
+  EXPECT_EQ(GetMessages(), Texts{u"Failed to get home phone number"});
+  EXPECT_EQ(dialog.GetItems(kTagListId), Texts{u"Ann Lee 5551234 M"});
+  EXPECT_EQ(dialog.GetText(kCountLabelId), u"Learned commands: 3") << "The page goes on.";
+  EXPECT_EQ(GetEntries(), (Texts{u"100", u"200", u"300"}));
+  EXPECT_EQ(m_page->GetTags().GetRecord(1)->GetTagName(), u"");
+}
+
+TEST_F(PageOneListEnds, AFailingNameEndsTheLoadToo) {
+  PutThreeTags();
+  AddContactThatFailsLater(
+      [](headless::HeadlessContact& contact) { contact.firstNameFails = true; });
+  EXPECT_EQ(OpenWatched().GetItems(kTagListId), Texts{u"Ann Lee 5551234 M"});
+  EXPECT_EQ(GetMessages(), Texts{u"Failed to get first name"});
+}
+
+TEST_F(PageOneListEnds, AnEntryThatCannotBeOpenedRepeatsTheLineBeforeIt) {
+  PutTag(u"100", kAnn, u"Mobile");
+  PutTag(u"200", kAnn, u"Home");
+  PutTag(u"300", kBob, u"Home");
+  UnopenableKey registry(m_machine.registry, u"Software\\Zedra\\Zedra Voxtrel\\200");
+  const auto& dialog = OpenOn(m_machine.GetWith(m_machine.files, registry));
+  EXPECT_EQ(dialog.GetItems(kTagListId),
+            (Texts{u"Ann Lee 5551234 M", u"Ann Lee 5551234 M", u"Bob Ray 5550001 H"}));
+  EXPECT_EQ(m_page->GetTags().GetRecord(1)->GetTagName(), u"");
+  EXPECT_EQ(m_page->GetTags().GetRecord(1)->GetDisplayText(), u"");
+  EXPECT_EQ(m_page->GetTags().GetRecord(2)->GetTagName(), u"300");
+  EXPECT_TRUE(GetMessages().empty());
+  Close();
+}
+
+}  // namespace

@@ -1,0 +1,151 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/clock.h"
+#include "platform/contacts_store.h"
+#include "platform/file_system.h"
+#include "platform/wave_out.h"
+
+// Each forwards every call to a back end, and tells before it does.
+
+/// Files whose searches and deletions are told, "find ..." and "delete ...". Folders that are
+/// refused can neither be found nor made.
+class WatchedFiles final : public platform::FileSystem {
+ public:
+  using Listener = std::function<void(const std::u16string&)>;
+
+  explicit WatchedFiles(platform::FileSystem& inner) : m_inner(inner) {}
+
+  void SetListener(Listener listener) { m_listener = std::move(listener); }
+  void Refuse(std::set<std::u16string_view> folders) { m_refused = std::move(folders); }
+
+  [[nodiscard]] platform::OpenedFile Open(std::u16string_view path,
+                                          const platform::OpenMode& mode) override {
+    return m_inner.Open(path, mode);
+  }
+  [[nodiscard]] platform::FileError Delete(std::u16string_view path) override {
+    Tell(u"delete ", path);
+    return m_inner.Delete(path);
+  }
+  [[nodiscard]] platform::FileError Replace(std::u16string_view from,
+                                            std::u16string_view to) override {
+    return m_inner.Replace(from, to);
+  }
+  [[nodiscard]] platform::FileError CreateFolder(std::u16string_view path) override {
+    return m_refused.contains(path) ? platform::FileError::kAccessDenied
+                                    : m_inner.CreateFolder(path);
+  }
+  [[nodiscard]] platform::StartedSearch FindFirst(std::u16string_view pattern) override {
+    Tell(u"find ", pattern);
+    if (m_refused.contains(pattern)) {
+      return {nullptr, {}, platform::FileError::kNotFound};
+    }
+    return m_inner.FindFirst(pattern);
+  }
+
+ private:
+  void Tell(std::u16string_view what, std::u16string_view path) {
+    if (m_listener) {
+      m_listener(std::u16string(what).append(path));
+    }
+  }
+
+  platform::FileSystem& m_inner;
+  Listener m_listener;
+  std::set<std::u16string_view> m_refused;
+};
+
+/// Contacts of whose calls each kind is told.
+class WatchedContacts final : public platform::ContactsStore {
+ public:
+  explicit WatchedContacts(platform::ContactsStore& inner) : m_inner(inner) {}
+
+  void SetListener(std::function<void(std::string_view)> listener) {
+    m_listener = std::move(listener);
+  }
+
+  [[nodiscard]] bool Initialize() override {
+    Tell("Initialize");
+    return m_inner.Initialize();
+  }
+  [[nodiscard]] bool Connect() override {
+    Tell("Connect");
+    return m_inner.Connect();
+  }
+  [[nodiscard]] bool Logon() override {
+    Tell("Logon");
+    return m_inner.Logon();
+  }
+  [[nodiscard]] std::int32_t GetCount() override {
+    Tell("GetCount");
+    return m_inner.GetCount();
+  }
+  [[nodiscard]] platform::ContactItem GetItem(std::int32_t index) override {
+    Tell("GetItem");
+    return m_inner.GetItem(index);
+  }
+  [[nodiscard]] platform::ContactLookup GetItemFromOid(
+      std::int32_t oid, std::unique_ptr<platform::Contact>& contact) override {
+    Tell("GetItemFromOid");
+    return m_inner.GetItemFromOid(oid, contact);
+  }
+  void Logoff() override { m_inner.Logoff(); }
+
+ private:
+  void Tell(std::string_view call) {
+    if (m_listener) {
+      m_listener(call);
+    }
+  }
+
+  platform::ContactsStore& m_inner;
+  std::function<void(std::string_view)> m_listener;
+};
+
+/// A clock whose sleeps are told.
+class WatchedClock final : public platform::Clock {
+ public:
+  explicit WatchedClock(platform::Clock& inner) : m_inner(inner) {}
+
+  void SetListener(std::function<void(std::uint32_t)> listener) {
+    m_listener = std::move(listener);
+  }
+
+  [[nodiscard]] std::uint32_t GetTickCount() override { return m_inner.GetTickCount(); }
+  void Sleep(std::uint32_t milliseconds) override {
+    if (m_listener) {
+      m_listener(milliseconds);
+    }
+    m_inner.Sleep(milliseconds);
+  }
+
+ private:
+  platform::Clock& m_inner;
+  std::function<void(std::uint32_t)> m_listener;
+};
+
+/// An output whose opening is told.
+class WatchedWaveOut final : public platform::WaveOut {
+ public:
+  explicit WatchedWaveOut(platform::WaveOut& inner) : m_inner(inner) {}
+
+  void SetListener(std::function<void()> listener) { m_listener = std::move(listener); }
+
+  [[nodiscard]] platform::OpenedWaveOut Open(const platform::WaveFormat& format) override {
+    if (m_listener) {
+      m_listener();
+    }
+    return m_inner.Open(format);
+  }
+
+ private:
+  platform::WaveOut& m_inner;
+  std::function<void()> m_listener;
+};
