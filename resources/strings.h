@@ -150,7 +150,9 @@ inline constexpr std::u16string_view kReinitWithoutPage = u"Error == 0";
 /// The names of the tags follow, then what to do.
 inline constexpr std::u16string_view kTagsNotCompared =
     u"No voice template can be read for these voice tags:";
-inline constexpr std::u16string_view kRecordTagsAnew = u"Delete them and record them again.";
+inline constexpr std::u16string_view kRepairTemplates =
+    u"Close Zedra Voxtrel and run \"voxtrel check --repair\": it computes missing and damaged "
+    u"templates anew from the kept recordings.";
 inline constexpr std::u16string_view kTagsWithoutName =
     u"Some voice tags were not read, or were removed because their contact is gone. "
     u"Close Zedra Voxtrel and open it again.";

@@ -98,8 +98,21 @@ TEST_F(MaintenanceCommands, TestNamesTagsWithoutATemplateAndListsTheOthers) {
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_EQ(std::ranges::count(run.out, '\n'), 2);
   EXPECT_THAT(run.err, HasSubstr("Bob Ray 5550001 H"));
-  EXPECT_THAT(run.err, HasSubstr("record them again"));
-  EXPECT_THAT(run.err, HasSubstr("voxtrel check"));
+  EXPECT_THAT(run.err, HasSubstr("\"voxtrel check --repair\""));
+}
+
+TEST_F(MaintenanceCommands, TheAdviceAboutUnreadableTemplatesPutsThemRight) {
+  PutThreeTags();
+  const auto good = GetFiles();
+  fs::remove(Template("200"));
+  ASSERT_THAT(Run({"tags", "test"}).err, HasSubstr("run \"voxtrel check --repair\""));
+  const auto repair = Run({"check", "--repair"});
+  EXPECT_EQ(repair.exitCode, 0) << repair.err;
+  EXPECT_TRUE(GetFiles() == good);
+  const auto again = Run({"tags", "test"});
+  EXPECT_EQ(again.exitCode, 0) << again.err;
+  EXPECT_THAT(again.err, IsEmpty());
+  EXPECT_EQ(std::ranges::count(again.out, '\n'), 3);
 }
 
 TEST_F(MaintenanceCommands, ReinitDoesNothingWhereTheVersionIsCurrent) {

@@ -128,7 +128,8 @@ TEST_F(TestResults, TheMessageNamesTheTagsAndSaysWhatToDo) {
   m_loaded.unread = {0, 1};
   EXPECT_EQ(UnreadTagsMessage(m_tags, m_loaded),
             u"No voice template can be read for these voice tags:\n\nAnn Lee 555 M\n2\n\n"
-            u"Delete them and record them again.");
+            u"Close Zedra Voxtrel and run \"voxtrel check --repair\": it computes missing and "
+            u"damaged templates anew from the kept recordings.");
 }
 
 TEST_F(TestResults, ManyNamesShareLinesSoThatTheMessageStaysLow) {
