@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "platform/ebook/ebook_contacts.h"
 #include "platform/posix/posix_clock.h"
@@ -52,6 +53,12 @@ class Backends {
 
   /// The settings below the root folder.
   [[nodiscard]] platform::Registry& GetRegistry();
+  /// Puts another registry in the place of that one. Registry and contacts asked for before are
+  /// gone then.
+  void UseRegistry(std::unique_ptr<platform::Registry> registry) {
+    m_contacts.reset();
+    m_registry = std::move(registry);
+  }
 
   /// The user's contacts. Logging on to other ones than the recorded tags are for fails.
   [[nodiscard]] ebook::EbookContacts& GetContacts();

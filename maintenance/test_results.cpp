@@ -100,7 +100,9 @@ std::u16string UnreadTagsMessage(const storage::TagTable& tags, const LoadedTemp
     message.append(u"\n\n").append(resources::kRepairTemplates);
   }
   if (loaded.hasNamelessTags) {
-    message.append(message.empty() ? u"" : u"\n\n").append(resources::kTagsWithoutName);
+    message.append(message.empty() ? u"" : u"\n\n")
+        .append(resources::kTagsWithoutName)
+        .append(resources::kOpenAgain);
   }
   return message;
 }
