@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cstdlib>
 #include <system_error>
+#include <utility>
 
-#include "platform/pulse/pulse_wave_in.h"
-#include "platform/pulse/pulse_wave_out.h"
+#include "applet/loaded_doors.h"
 #include "platform/sqlite/sqlite_registry.h"
 #include "platform/text/utf.h"
 #include "platform/wave_file/file_wave_in.h"
@@ -61,7 +61,8 @@ BackendOptions ReadBackendOptions() {
           GetVariable("VOXTREL_SPEAKER"), GetVariable("VOXTREL_CONTACTS")};
 }
 
-Backends::Backends(const BackendOptions& options) : m_options(options) {}
+Backends::Backends(const BackendOptions& options)
+    : m_options(options), m_desktop(LoadDesktopBooks) {}
 
 Backends::~Backends() = default;
 
@@ -112,7 +113,7 @@ platform::FileSystem& Backends::GetFiles() {
 platform::WaveIn& Backends::GetWaveIn() {
   if (!m_waveIn) {
     if (m_options.microphone.empty()) {
-      m_waveIn = std::make_unique<pulse::PulseWaveIn>();
+      m_waveIn = LoadWaveIn();
     } else {
       m_waveIn =
           std::make_unique<wave_file::FileWaveIn>(GetFiles(), ToSystemPath(m_options.microphone));
@@ -124,7 +125,7 @@ platform::WaveIn& Backends::GetWaveIn() {
 platform::WaveOut& Backends::GetWaveOut() {
   if (!m_waveOut) {
     if (m_options.speaker.empty()) {
-      m_waveOut = std::make_unique<pulse::PulseWaveOut>();
+      m_waveOut = LoadWaveOut();
     } else {
       m_waveOut =
           std::make_unique<wave_file::FileWaveOut>(GetFiles(), ToSystemPath(m_options.speaker));
@@ -149,17 +150,19 @@ platform::Registry& Backends::GetRegistry() {
   return *m_registry;
 }
 
-ebook::EbookContacts& Backends::GetContacts() {
+vcard::AddressBooks& Backends::GetContacts(platform::Threads& threads) {
   if (!m_contacts) {
-    ebook::EbookContacts::Options options;
+    vcard::AddressBooks::Options options;
+    m_waitedDesktop = std::make_unique<vcard::BackgroundSource>(m_desktop, threads);
+    options.desktop = m_waitedDesktop.get();
     if (!m_options.contacts.empty()) {
-      options.choice = ebook::ParseChoice(text::FromHostName(m_options.contacts));
+      options.choice = vcard::ParseChoice(text::FromHostName(m_options.contacts));
     }
     options.oidsInUse = [this] {
       MakeRoot();
       return tags::FindOidsInUse(GetRegistry(), storage::TagStore(GetFiles(), GetRegistry()));
     };
-    m_contacts = std::make_unique<ebook::EbookContacts>(GetFiles(), GetRegistry(), options);
+    m_contacts = std::make_unique<vcard::AddressBooks>(GetFiles(), GetRegistry(), options);
   }
   return *m_contacts;
 }

@@ -7,11 +7,13 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/ebook/ebook_contacts.h"
 #include "platform/posix/posix_clock.h"
 #include "platform/posix/posix_file_system.h"
 #include "platform/posix/posix_threads.h"
 #include "platform/registry.h"
+#include "platform/vcard/address_books.h"
+#include "platform/vcard/background_source.h"
+#include "platform/vcard/desktop_source.h"
 #include "platform/wave_in.h"
 #include "platform/wave_out.h"
 
@@ -60,8 +62,9 @@ class Backends {
     m_registry = std::move(registry);
   }
 
-  /// The user's contacts. Logging on to other ones than the recorded tags are for fails.
-  [[nodiscard]] ebook::EbookContacts& GetContacts();
+  /// The user's contacts. Logging on to other ones than the recorded tags are for fails. While a
+  /// server is asked, the log-on waits as `threads` have it, which outlive this or its last log-on.
+  [[nodiscard]] vcard::AddressBooks& GetContacts(platform::Threads& threads);
 
   /// Makes the root folder where it is missing. Where that fails, whoever needs it tells.
   void MakeRoot() const;
@@ -81,7 +84,9 @@ class Backends {
   mutable std::optional<std::optional<std::filesystem::path>> m_root;
   std::unique_ptr<posix::PosixFileSystem> m_files;
   std::unique_ptr<platform::Registry> m_registry;
-  std::unique_ptr<ebook::EbookContacts> m_contacts;
+  vcard::DesktopSource m_desktop;
+  std::unique_ptr<vcard::BackgroundSource> m_waitedDesktop;
+  std::unique_ptr<vcard::AddressBooks> m_contacts;
   std::unique_ptr<platform::WaveIn> m_waveIn;
   std::unique_ptr<platform::WaveOut> m_waveOut;
   std::unique_ptr<posix::PosixThreads> m_threads;

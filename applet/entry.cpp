@@ -1,7 +1,5 @@
 // The door of the library: the one function that it exports.
 
-#include <dlfcn.h>
-
 #include <cstdlib>
 #include <exception>
 #include <filesystem>
@@ -11,6 +9,7 @@
 #include "applet/library.h"
 #include "applet/no_window.h"
 #include "applet/qt_presentation.h"
+#include "platform/loading/loaded_library.h"
 #include "platform/text/utf.h"
 #include "resources/pictures.h"
 
@@ -29,20 +28,10 @@ std::string GetVariable(const char* name) {
   return value == nullptr ? std::string() : std::string(value);
 }
 
-/// The folder of this library, without the links on the way to it.
-std::filesystem::path FindOwnFolder() {
-  Dl_info found{};
-  std::error_code ignored;
-  if (::dladdr(reinterpret_cast<const void*>(&CPlApplet), &found) == 0) {
-    return {};
-  }
-  return std::filesystem::weakly_canonical(found.dli_fname, ignored).parent_path();
-}
-
 /// The help lies beside the library, be it installed or in the folder where it was built; else
 /// where the machine's programs keep their data.
 std::vector<std::string> FindHelpFolders(const xdg::Environment& environment) {
-  const std::filesystem::path own = FindOwnFolder();
+  const std::filesystem::path own = loading::FindOwnFile().parent_path();
   std::vector<std::string> folders;
   for (const char* way : {"../../share/voxtrel/help", "../share/voxtrel/help"}) {
     folders.push_back((own / way).lexically_normal().native());

@@ -25,7 +25,7 @@ platform::Platform Library::GetPlatform() {
           m_process,
           m_presentation,
           m_backends.GetRegistry(),
-          m_backends.GetContacts(),
+          m_backends.GetContacts(m_threads),
           m_backends.GetWaveOut(),
           m_shell};
 }

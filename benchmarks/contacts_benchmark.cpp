@@ -15,12 +15,13 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/ebook/desktop_source.h"
-#include "platform/ebook/ebook_contacts.h"
+#include "benchmarks/full_device.h"
 #include "platform/ebook/glib_pointers.h"
 #include "platform/posix/posix_file_system.h"
 #include "platform/sqlite/sqlite_registry.h"
 #include "platform/text/utf.h"
+#include "platform/vcard/address_books.h"
+#include "platform/vcard/desktop_source.h"
 #include "storage/tag_record.h"
 #include "storage/tag_store.h"
 #include "tags/contact_picker.h"
@@ -30,20 +31,10 @@
 
 namespace {
 
-constexpr int kContacts = 1000;
-constexpr std::uint32_t kTags = 100;
-
-std::string Person(int number) {
-  const std::string text = std::to_string(number);
-  return "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:4fbe8971-0bc3-424c-9c26-" + text + "\r\nN:Family" +
-         text + ";Given;Middle;;\r\nFN:Given Middle Family" + text +
-         "\r\nORG:Acme Works;Sales\r\nTITLE:Engineer\r\nEMAIL;TYPE=WORK:person" + text +
-         "@example.org\r\nTEL;TYPE=CELL,VOICE:+1 555 100 " + text +
-         "\r\nTEL;TYPE=WORK:+1 555 200 " + text + "\r\nTEL;TYPE=\"HOME,VOICE\":+1 555 300 " + text +
-         "\r\nADR;TYPE=HOME:;;1 Long Street;Town;;12345;Country\r\nNOTE:Met at the fair\\, "
-         "twice\r\n"
-         "END:VCARD\r\n";
-}
+using benchmarks::FullDevice;
+using benchmarks::kContacts;
+using benchmarks::kTags;
+using benchmarks::Person;
 
 /// Nobody looks.
 class NoView final : public tags::ContactView {
@@ -57,78 +48,14 @@ class NoView final : public tags::ContactView {
   void Report(const tags::ContactMessage& /*message*/) override {}
 };
 
-/// A root folder with a thousand contacts, and a tag for every tenth of them.
-class Device {
- public:
-  Device()
-      : m_file((m_folder.Path() / "all.vcf").string()),
-        m_files(m_folder.Text()),
-        m_registry(m_folder.Path() / "registry.db"),
-        m_store(m_files, m_registry) {
-    std::ofstream file(m_file, std::ios::binary);
-    for (int i = 0; i < kContacts; ++i) {
-      file << Person(i);
-    }
-    file.close();
-    const auto contacts = Open();
-    for (std::uint32_t i = 0; i < kTags; ++i) {
-      std::int32_t oid = 0;
-      const bool hasOid =
-          contacts->GetItem(static_cast<std::int32_t>(i) * 10 + 1).contact->GetOid(oid);
-      const bool isWritten = m_store.WriteEntry(storage::TagNameOfTickCount(100'000 + i), oid,
-                                                u"Mobile") == platform::RegistryError::kNone;
-      if (!hasOid || !isWritten) {
-        std::abort();
-      }
-    }
-  }
-
-  [[nodiscard]] const std::string& GetFile() const { return m_file; }
-
-  [[nodiscard]] std::unique_ptr<ebook::EbookContacts> Open() {
-    ebook::EbookContacts::Options options;
-    options.choice = ebook::SourceChoice{text::FromHostName(m_file)};
-    options.oidsInUse = [this] { return tags::FindOidsInUse(m_registry, m_store); };
-    auto contacts = std::make_unique<ebook::EbookContacts>(m_files, m_registry, options);
-    if (!contacts->Initialize() || !contacts->Connect() || !contacts->Logon()) {
-      std::abort();
-    }
-    return contacts;
-  }
-
-  /// What the tag list shows for every tag; the number of tags that have a contact.
-  [[nodiscard]] std::size_t ReadTags(platform::ContactsStore& contacts) const {
-    std::size_t found = 0;
-    std::u16string name;
-    const auto names = m_store.OpenNames();
-    for (std::uint32_t i = 0; names->Get(i, name); ++i) {
-      storage::TagEntry entry;
-      std::unique_ptr<platform::Contact> contact;
-      if (m_store.ReadEntry(name, entry) == platform::RegistryError::kNone && entry.oid &&
-          contacts.GetItemFromOid(*entry.oid, contact) == platform::ContactLookup::kFound) {
-        benchmark::DoNotOptimize(tags::ReadForTagList(*contact, entry.phoneType));
-        ++found;
-      }
-    }
-    return found;
-  }
-
- private:
-  support::TempFolder m_folder;
-  std::string m_file;
-  posix::PosixFileSystem m_files;
-  sqlite::SqliteRegistry m_registry;
-  storage::TagStore m_store;
-};
-
-Device& TheDevice() {
-  static Device device;
+FullDevice& TheDevice() {
+  static FullDevice device;
   return device;
 }
 
 /// The whole of opening the page: log on, list a thousand contacts, read those of a hundred tags.
 void LoadHundredTags(benchmark::State& state) {
-  Device& device = TheDevice();
+  FullDevice& device = TheDevice();
   for (auto _ : state) {
     const auto contacts = device.Open();
     NoView view;
@@ -194,9 +121,10 @@ void LoadDesktopBook(benchmark::State& state) {
   }();
   benchmark::DoNotOptimize(isFilled);
   for (auto _ : state) {
-    std::vector<ebook::Book> books;
-    if (ebook::DesktopSource().Read(books) != ebook::ReadResult::kRead || books.empty() ||
-        books[0].contacts.size() != kContacts) {
+    std::vector<vcard::Book> books;
+    if (vcard::DesktopSource(ebook_test::LoadDesktopBooks).Read(books) !=
+            vcard::ReadResult::kRead ||
+        books.empty() || books[0].contacts.size() != kContacts) {
       state.SkipWithError("the address book was not read");
     }
   }

@@ -3,11 +3,12 @@
 #
 #   bin/voxtrel, bin/voxtrel-connection, bin/voxtrel-panel
 #   lib/voxtrel/voxtrel.cpl
+#   lib/voxtrel/voxtrel-{collation,ebook,pulse}.so: loaded where they are wanted
 #   share/voxtrel/{help,languages,samples}
 #   share/applications, share/icons: what a desktop shows
 
 install(TARGETS voxtrel voxtrel-connection voxtrel-panel RUNTIME DESTINATION bin)
-install(TARGETS voxtrel_cpl LIBRARY DESTINATION lib/voxtrel)
+install(TARGETS voxtrel_cpl voxtrel_collation_door voxtrel_ebook voxtrel_pulse_door LIBRARY DESTINATION lib/voxtrel)
 
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/resources/help" DESTINATION share/voxtrel)
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/resources/languages" DESTINATION share/voxtrel)

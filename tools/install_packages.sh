@@ -10,6 +10,7 @@ declare -A groups=(
   [build]='
     g++ cmake ninja-build pkg-config
     libcli11-dev libebook-contacts1.2-dev libebook1.2-dev libfmt-dev libicu-dev libpulse-dev
+    nettle-dev
     fonts-wine librsvg2-bin libsqlite3-dev libudev-dev nlohmann-json3-dev qt6-base-dev qt6-svg-dev
   '
   # To build and run the tests with one compiler.
@@ -20,7 +21,7 @@ declare -A groups=(
   '
   # The other compilers, the sanitizers, the analysers and the benchmarks.
   [check]='
-    clang clang-format clang-tidy libclang-rt-14-dev llvm
+    clang clang-format clang-tidy libclang-rt-14-dev lld llvm
     g++-arm-linux-gnueabi libc6-dev-armel-cross qemu-user
     libbenchmark-dev
   '

@@ -16,7 +16,7 @@
 namespace cli {
 namespace {
 
-using Problem = ebook::EbookContacts::Problem;
+using Problem = vcard::AddressBooks::Problem;
 
 Json ToJson(const ListedContact& contact) {
   Json numbers = Json::array();
@@ -78,20 +78,26 @@ void List(Session& session) {
 }  // namespace
 
 std::string ExplainContactsProblem(Session& session) {
+  const std::string& reason = session.GetContacts().GetReason();
+  const std::string because = reason.empty() ? std::string() : " (" + reason + ")";
   switch (session.GetContacts().GetProblem()) {
     case Problem::kStore:
       return fmt::format("the settings in {} cannot be read or written",
                          session.GetRegistryPath().string());
     case Problem::kNoServer:
-      return "the desktop's address books do not answer; choose a vCard file with --contacts FILE";
+      return fmt::format(
+          "the desktop's address books do not answer{}; choose a vCard file with --contacts FILE",
+          because);
     case Problem::kUnreadable:
-      return "the chosen address book is missing or cannot be read to its end; choose another one "
-             "with --contacts eds or --contacts FILE";
+      return fmt::format(
+          "the chosen address book is missing or cannot be read to its end{}; choose another one "
+          "with --contacts eds or --contacts FILE",
+          because);
     case Problem::kNothingChosen:
       return fmt::format(
-          "there are no contacts: the desktop has none, and there is no {}. Put your contacts "
+          "there are no contacts: the desktop has none{}, and there is no {}. Put your contacts "
           "there as vCards, or choose them with --contacts FILE",
-          (session.GetRegistryPath().parent_path() / "contacts.vcf").string());
+          because, (session.GetRegistryPath().parent_path() / "contacts.vcf").string());
     case Problem::kTagsElsewhere:
       return "voice tags belong to contacts that this address book does not have; nothing was "
              "changed. Choose the address book they were recorded with, or delete the tags";

@@ -63,7 +63,7 @@ platform::Platform Session::GetPlatform(platform::Clock& clock) {
           m_process,
           m_ui,
           m_backends.GetRegistry(),
-          m_backends.GetContacts(),
+          m_backends.GetContacts(m_backends.GetThreads()),
           m_backends.GetWaveOut(),
           m_shell};
 }
@@ -117,9 +117,9 @@ platform::Registry& Session::GetRegistry() {
   return m_backends.GetRegistry();
 }
 
-ebook::EbookContacts& Session::GetContacts() {
+vcard::AddressBooks& Session::GetContacts() {
   m_backends.MakeRoot();
-  return m_backends.GetContacts();
+  return m_backends.GetContacts(m_backends.GetThreads());
 }
 
 }  // namespace cli

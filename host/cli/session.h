@@ -7,12 +7,12 @@
 #include <utility>
 
 #include "applet/backends.h"
-#include "platform/ebook/ebook_contacts.h"
 #include "platform/headless/headless_process.h"
 #include "platform/headless/headless_shell.h"
 #include "platform/headless/headless_ui.h"
 #include "platform/platform.h"
 #include "platform/registry.h"
+#include "platform/vcard/address_books.h"
 
 namespace cli {
 
@@ -55,7 +55,7 @@ class Session {
   }
 
   /// The user's contacts. Logging on to other ones than the recorded tags are for fails.
-  [[nodiscard]] ebook::EbookContacts& GetContacts();
+  [[nodiscard]] vcard::AddressBooks& GetContacts();
 
   [[nodiscard]] headless::HeadlessUi& GetUi() { return m_ui; }
 

@@ -13,11 +13,6 @@ struct ObjectRelease {
 template <typename T>
 using ObjectPointer = std::unique_ptr<T, ObjectRelease>;
 
-struct ErrorFree {
-  void operator()(GError* error) const { g_error_free(error); }
-};
-using ErrorPointer = std::unique_ptr<GError, ErrorFree>;
-
 /// A list that owns its members, each one reference to a GObject.
 struct ObjectListFree {
   void operator()(void* list) const { g_list_free_full(static_cast<GList*>(list), g_object_unref); }

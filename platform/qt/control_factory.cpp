@@ -22,9 +22,9 @@ using Tell = std::function<void(CommandEvent)>;
 /// A template gives a combo box with its list dropped down; closed it is as high as a button.
 constexpr int kClosedComboUnits = 13;
 constexpr int kFewestLines = 4;
-/// Some capitals are higher than the line of their font once they carry an accent, and a line may be
-/// higher than its place, which would cut it: a label has this much more room above and below, in
-/// pixels of the desktop.
+/// Some capitals are higher than the line of their font once they carry an accent, and a line may
+/// be higher than its place, which would cut it: a label has this much more room above and below,
+/// in pixels of the desktop.
 constexpr int kAccentRoom = 4;
 
 [[nodiscard]] QRect PlaceOf(const ControlTemplate& description) {

@@ -103,6 +103,17 @@ std::u16string FromUtf8(std::string_view utf8) {
   return Convert(utf8, [](std::uint8_t) { return kReplacement; });
 }
 
+bool IsUtf8(std::string_view bytes) {
+  while (!bytes.empty()) {
+    const Sequence sequence = Decode(bytes);
+    if (sequence.length == 0) {
+      return false;
+    }
+    bytes.remove_prefix(sequence.length);
+  }
+  return true;
+}
+
 std::u16string FromHostName(std::string_view name) {
   return Convert(name, [](std::uint8_t byte) { return kByteBase + byte; });
 }

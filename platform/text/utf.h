@@ -11,6 +11,8 @@ namespace text {
 /// UTF-16 of UTF-8; each byte that is not part of well-formed UTF-8 becomes U+FFFD.
 [[nodiscard]] std::u16string FromUtf8(std::string_view utf8);
 
+[[nodiscard]] bool IsUtf8(std::string_view bytes);
+
 /// Text of a name in the host's file system, which may hold any bytes: a byte that is not part of
 /// well-formed UTF-8 becomes the lone surrogate U+DC00 + byte, so that ToHostName gives back the
 /// same bytes.

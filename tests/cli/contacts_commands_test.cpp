@@ -99,6 +99,57 @@ TEST_F(ContactsCommands, ADesktopThatDoesNotAnswerIsTold) {
   EXPECT_THAT(run.err, testing::HasSubstr("do not answer"));
 }
 
+/// The program alone, as in a folder for programs.
+class MovedProgram : public ContactsCommands {
+ protected:
+  void SetUp() override {
+    std::filesystem::create_directories(Path("bin"));
+    std::filesystem::create_directories(Path("lib/voxtrel"));
+    std::filesystem::copy_file(VOXTREL_PROGRAM, Path("bin/voxtrel"));
+  }
+
+  [[nodiscard]] support::ProgramRun ListOfTheDesktop() const {
+    return support::RunProgram(
+        {Path("bin/voxtrel"), "--root", Path("root"), "--contacts", "eds", "contacts", "list"},
+        {"DBUS_SESSION_BUS_ADDRESS=unix:path=" + Path("no-bus"), "HOME=" + Path(""),
+         "LC_ALL=C.UTF-8"});
+  }
+};
+
+TEST_F(MovedProgram, ADesktopLibraryThatIsMissingIsLikeADesktopThatDoesNotAnswer) {
+  const auto run = ListOfTheDesktop();
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.err, testing::HasSubstr("Zedra Voxtrel: Failed to logon to Pocket Outlook\n"));
+  EXPECT_THAT(run.err, testing::HasSubstr("do not answer (voxtrel-ebook.so is missing); choose"));
+}
+
+TEST_F(MovedProgram, ADesktopLibraryThatCannotBeLoadedIsLikeADesktopThatDoesNotAnswer) {
+  Put("lib/voxtrel/voxtrel-ebook.so", "no library at all, and long enough to look like one");
+  const auto run = ListOfTheDesktop();
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.err,
+              testing::HasSubstr("do not answer (" + Path("lib/voxtrel/voxtrel-ebook.so")));
+}
+
+TEST_F(MovedProgram, TheDesktopLibraryIsFoundWhereItIsInstalled) {
+  std::filesystem::copy_file(VOXTREL_DESKTOP_BOOKS, Path("lib/voxtrel/voxtrel-ebook.so"));
+  const auto run = ListOfTheDesktop();
+  EXPECT_EQ(run.exitCode, 1);
+  // What refuses now is the session bus.
+  EXPECT_THAT(run.err, testing::HasSubstr("do not answer (Could not connect"));
+}
+
+TEST_F(MovedProgram, WithoutTheSoundLibraryThereIsNoMicrophone) {
+  const auto run = support::RunProgram(
+      {Path("bin/voxtrel"), "--root", Path("root"), "--contacts", Put("all.vcf", kCards), "status"},
+      {"HOME=" + Path(""), "LC_ALL=C.UTF-8"});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_THAT(run.out, testing::HasSubstr("No microphone"));
+  EXPECT_EQ(run.err,
+            "voxtrel: no microphone: voxtrel-pulse.so is missing\n"
+            "voxtrel: no loudspeaker: voxtrel-pulse.so is missing\n");
+}
+
 TEST_F(ContactsCommands, AnotherAddressBookIsRefusedWhileTagsNeedTheFirst) {
   const std::string book = Put("all.vcf", kCards);
   const json list = List({"--contacts", book});

@@ -1,8 +1,8 @@
-#include "platform/ebook/ebook_contacts.h"
 #include "platform/headless/headless_contacts.h"
 #include "platform/headless/memory_file_system.h"
 #include "platform/headless/memory_registry.h"
 #include "platform/text/utf.h"
+#include "platform/vcard/address_books.h"
 #include "tests/contract/contacts_contract.h"
 #include "tests/contract/vcard_of.h"
 #include "tests/support/file_bytes.h"
@@ -35,9 +35,9 @@ class HeadlessFixture final : public ContactsFixture {
 class VcardFixture final : public ContactsFixture {
  public:
   VcardFixture() {
-    ebook::EbookContacts::Options options;
-    options.choice = ebook::SourceChoice{u"/all.vcf"};
-    m_store = std::make_unique<ebook::EbookContacts>(m_files, m_registry, options);
+    vcard::AddressBooks::Options options;
+    options.choice = vcard::SourceChoice{u"/all.vcf"};
+    m_store = std::make_unique<vcard::AddressBooks>(m_files, m_registry, options);
   }
   void Add(const WantedContact& wanted) override {
     m_contacts.push_back(wanted);
@@ -61,7 +61,7 @@ class VcardFixture final : public ContactsFixture {
   std::vector<WantedContact> m_contacts;
   headless::MemoryFileSystem m_files;
   headless::MemoryRegistry m_registry;
-  std::unique_ptr<ebook::EbookContacts> m_store;
+  std::unique_ptr<vcard::AddressBooks> m_store;
 };
 
 const ContactsBackEnd kHeadless{"Headless", [] { return std::make_unique<HeadlessFixture>(); }};

@@ -4,6 +4,9 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
+
+#include "platform/loading/loaded_library.h"
 
 namespace ebook_test {
 namespace {
@@ -36,6 +39,12 @@ ebook::ObjectPointer<ESourceRegistry> OpenRegistry() {
 }
 
 }  // namespace
+
+vcard::DesktopSource::Library LoadDesktopBooks() {
+  const std::filesystem::path place[] = {VOXTREL_DESKTOP_BOOKS};
+  loading::LoadedFunction found = loading::LoadFunction(place, platform::kReadDesktopBooksName);
+  return {reinterpret_cast<platform::ReadDesktopBooksFunction*>(found.address), found.reason};
+}
 
 DesktopBook::DesktopBook()
     : m_registry(OpenRegistry()),

@@ -7,8 +7,12 @@
 #include <vector>
 
 #include "platform/ebook/glib_pointers.h"
+#include "platform/vcard/desktop_source.h"
 
 namespace ebook_test {
+
+/// The library that was built beside the tests.
+[[nodiscard]] vcard::DesktopSource::Library LoadDesktopBooks();
 
 /// An address book of the desktop session that in_desktop_session.sh has made; elsewhere it ends
 /// the program, before it touches the user's own. Every call fails the test where the server

@@ -1,8 +1,8 @@
 #include <filesystem>
 
-#include "platform/ebook/ebook_contacts.h"
 #include "platform/headless/memory_file_system.h"
 #include "platform/headless/memory_registry.h"
+#include "platform/vcard/address_books.h"
 #include "tests/contract/contacts_contract.h"
 #include "tests/contract/vcard_of.h"
 #include "tests/ebook/desktop_book.h"
@@ -15,9 +15,10 @@ namespace {
 class DesktopFixture final : public ContactsFixture {
  public:
   DesktopFixture() : m_book("contract-" + std::to_string(++s_count)) {
-    ebook::EbookContacts::Options options;
-    options.choice = ebook::SourceChoice{};
-    m_store = std::make_unique<ebook::EbookContacts>(m_files, m_registry, options);
+    vcard::AddressBooks::Options options;
+    options.choice = vcard::SourceChoice{};
+    options.desktop = &m_desktop;
+    m_store = std::make_unique<vcard::AddressBooks>(m_files, m_registry, options);
   }
   ~DesktopFixture() override { m_book.SetEnabled(false); }
 
@@ -29,9 +30,10 @@ class DesktopFixture final : public ContactsFixture {
   static inline int s_count = 0;
 
   ebook_test::DesktopBook m_book;
+  vcard::DesktopSource m_desktop{ebook_test::LoadDesktopBooks};
   headless::MemoryFileSystem m_files;
   headless::MemoryRegistry m_registry;
-  std::unique_ptr<ebook::EbookContacts> m_store;
+  std::unique_ptr<vcard::AddressBooks> m_store;
 };
 
 const ContactsBackEnd kDesktop{"Desktop", [] { return std::make_unique<DesktopFixture>(); }};

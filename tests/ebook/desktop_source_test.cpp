@@ -1,6 +1,6 @@
 // With the real servers of a desktop, in a session of this test's own.
 
-#include "platform/ebook/desktop_source.h"
+#include "platform/vcard/desktop_source.h"
 
 #include <gtest/gtest.h>
 
@@ -8,14 +8,14 @@
 #include <memory>
 #include <string>
 
-#include "platform/ebook/ebook_contacts.h"
 #include "platform/headless/memory_file_system.h"
 #include "platform/sqlite/sqlite_registry.h"
+#include "platform/vcard/address_books.h"
 #include "tests/ebook/desktop_book.h"
-#include "tests/ebook/read_cards.h"
 #include "tests/support/temp_folder.h"
+#include "tests/vcard/read_cards.h"
 
-namespace ebook {
+namespace vcard {
 namespace {
 
 using ebook_test::DesktopBook;
@@ -23,8 +23,8 @@ using platform::ContactLookup;
 
 std::string Person(int number) {
   const std::string text = std::to_string(number);
-  return Card("UID:person-" + text + "\nN:Family" + text + ";Given;;;\nTEL;TYPE=CELL:555" + text +
-              "\nTEL;TYPE=WORK:666" + text);
+  return WriteCard("UID:person-" + text + "\nN:Family" + text + ";Given;;;\nTEL;TYPE=CELL:555" +
+                   text + "\nTEL;TYPE=WORK:666" + text);
 }
 
 std::vector<std::string> People(int count) {
@@ -37,7 +37,7 @@ std::vector<std::string> People(int count) {
 
 std::vector<Book> ReadAll() {
   std::vector<Book> books;
-  EXPECT_EQ(DesktopSource().Read(books), ReadResult::kRead);
+  EXPECT_EQ(DesktopSource(ebook_test::LoadDesktopBooks).Read(books), ReadResult::kRead);
   return books;
 }
 
@@ -129,24 +129,26 @@ class SilentServer {
     return message;
   }
 
-  ObjectPointer<GDBusConnection> m_bus;
+  ebook::ObjectPointer<GDBusConnection> m_bus;
 };
 
 TEST(DesktopSource, AServerThatDoesNotAnswerIsGivenUp) {
   const SilentServer server;
   std::vector<Book> books;
-  EXPECT_EQ(DesktopSource(std::chrono::milliseconds(300)).Read(books), ReadResult::kNoAnswer);
+  EXPECT_EQ(DesktopSource(ebook_test::LoadDesktopBooks, std::chrono::milliseconds(300)).Read(books),
+            ReadResult::kNoAnswer);
   EXPECT_TRUE(books.empty());
 }
 
 class DesktopContacts : public testing::Test {
  protected:
   bool Start() {
-    EbookContacts::Options options;
+    AddressBooks::Options options;
     options.choice = SourceChoice{};
+    options.desktop = &m_desktop;
     options.oidsInUse = [this] { return m_inUse; };
     m_registry = std::make_unique<sqlite::SqliteRegistry>(m_folder.Path() / "registry.db");
-    m_store = std::make_unique<EbookContacts>(m_files, *m_registry, options);
+    m_store = std::make_unique<AddressBooks>(m_files, *m_registry, options);
     return m_store->Initialize() && m_store->Connect() && m_store->Logon();
   }
 
@@ -166,8 +168,9 @@ class DesktopContacts : public testing::Test {
  private:
   support::TempFolder m_folder;
   headless::MemoryFileSystem m_files;
+  DesktopSource m_desktop{ebook_test::LoadDesktopBooks};
   std::unique_ptr<sqlite::SqliteRegistry> m_registry;
-  std::unique_ptr<EbookContacts> m_store;
+  std::unique_ptr<AddressBooks> m_store;
 };
 
 TEST_F(DesktopContacts, NumbersLastOverRestartsAndADeletedContactIsAbsent) {
@@ -199,4 +202,4 @@ TEST_F(DesktopContacts, ABookThatIsSwitchedOffDoesNotMakeItsContactsAbsent) {
 }
 
 }  // namespace
-}  // namespace ebook
+}  // namespace vcard

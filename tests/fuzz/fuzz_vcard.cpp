@@ -1,7 +1,5 @@
-// Reads arbitrary bytes as vCards: nothing in them may crash the parser, make it warn on the
-// standard error, or read otherwise when the bytes arrive in other pieces.
-
-#include <glib.h>
+// Reads arbitrary bytes as vCards: nothing in them may crash the parser, or read otherwise when the
+// bytes arrive in other pieces.
 
 #include <algorithm>
 #include <cstddef>
@@ -10,22 +8,24 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/ebook/card_mapping.h"
-#include "platform/ebook/identities.h"
-#include "platform/ebook/vcard_splitter.h"
+#include "platform/vcard/card_mapping.h"
+#include "platform/vcard/content_line.h"
+#include "platform/vcard/identities.h"
+#include "platform/vcard/vcard_splitter.h"
 #include "tests/fuzz/require.h"
 
 namespace {
 
 struct Outcome {
-  std::vector<ebook::ContactData> contacts;
+  std::vector<vcard::ContactData> contacts;
   bool isDamaged = false;
 };
 
 Outcome Read(std::string_view stream, std::size_t pieceSize) {
   Outcome outcome;
-  ebook::VcardSplitter splitter(
-      [&outcome](const std::string& card) { outcome.contacts.push_back(ebook::ParseCard(card)); });
+  vcard::VcardSplitter splitter([&outcome](const vcard::Card& card) {
+    outcome.contacts.push_back(vcard::ToContactData(card));
+  });
   while (!stream.empty()) {
     const std::string_view piece = stream.substr(0, pieceSize);
     splitter.Feed(piece);
@@ -45,28 +45,26 @@ void RequireShownText(const std::u16string& text) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
-  g_log_set_default_handler([](const char* /*domain*/, GLogLevelFlags /*level*/,
-                               const char* message, void* /*unused*/) { Require(false, message); },
-                            nullptr);
-  return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view stream(reinterpret_cast<const char*>(data), size);
   const Outcome whole = Read(stream, std::string_view::npos);
   const Outcome pieces = Read(stream, 1 + size % 7);
   Require(whole.isDamaged == pieces.isDamaged, "damage does not depend on the pieces");
-  const auto identities = ebook::IdentitiesOf(whole.contacts);
-  Require(identities == ebook::IdentitiesOf(pieces.contacts),
+  const auto identities = vcard::IdentitiesOf(whole.contacts);
+  Require(identities == vcard::IdentitiesOf(pieces.contacts),
           "contacts do not depend on the pieces");
   auto sorted = identities;
   std::sort(sorted.begin(), sorted.end());
   Require(std::adjacent_find(sorted.begin(), sorted.end()) == sorted.end(),
           "no two contacts are the same");
-  for (const ebook::ContactData& contact : whole.contacts) {
+  const auto line = vcard::ParseContentLine(stream);
+  Require(line.has_value() == (stream.find(':') != std::string_view::npos),
+          "a line is one by its colon");
+  Require(!line || !line->components.empty(), "a value has a component");
+  for (const vcard::ContactData& contact : whole.contacts) {
     RequireShownText(contact.lastName);
     RequireShownText(contact.firstName);
+    RequireShownText(contact.middleName);
     RequireShownText(contact.companyName);
     for (const std::u16string& number : contact.numbers) {
       RequireShownText(number);

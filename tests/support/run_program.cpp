@@ -1,6 +1,7 @@
 #include "tests/support/run_program.h"
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -64,7 +65,9 @@ ProgramRun RunProgram(const std::vector<std::string>& arguments,
   }
   int status = 0;
   ProgramRun run;
-  if (child > 0 && ::waitpid(child, &status, 0) == child) {
+  rusage usage{};
+  if (child > 0 && ::wait4(child, &status, 0, &usage) == child) {
+    run.peakKiB = usage.ru_maxrss;
     run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
   }
   run.out = ReadAll(out.get());

@@ -1,0 +1,78 @@
+#include "benchmarks/full_device.h"
+
+#include <cstdlib>
+#include <fstream>
+
+#include "maintenance/math_version.h"
+#include "platform/text/utf.h"
+#include "storage/tag_record.h"
+#include "tags/contact_picker.h"
+#include "tags/oids_in_use.h"
+
+namespace benchmarks {
+
+std::string Person(int number) {
+  const std::string text = std::to_string(number);
+  return "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:4fbe8971-0bc3-424c-9c26-" + text + "\r\nN:Family" +
+         text + ";Given;Middle;;\r\nFN:Given Middle Family" + text +
+         "\r\nORG:Acme Works;Sales\r\nTITLE:Engineer\r\nEMAIL;TYPE=WORK:person" + text +
+         "@example.org\r\nTEL;TYPE=CELL,VOICE:+1 555 100 " + text +
+         "\r\nTEL;TYPE=WORK:+1 555 200 " + text + "\r\nTEL;TYPE=\"HOME,VOICE\":+1 555 300 " + text +
+         "\r\nADR;TYPE=HOME:;;1 Long Street;Town;;12345;Country\r\nNOTE:Met at the fair\\, "
+         "twice\r\n"
+         "END:VCARD\r\n";
+}
+
+FullDevice::FullDevice()
+    : m_file((m_folder.Path() / "all.vcf").string()),
+      m_files(m_folder.Text()),
+      m_registry(m_folder.Path() / "registry.db"),
+      m_store(m_files, m_registry) {
+  std::ofstream file(m_file, std::ios::binary);
+  for (int i = 0; i < kContacts; ++i) {
+    file << Person(i);
+  }
+  file.close();
+  const auto contacts = Open();
+  for (std::uint32_t i = 0; i < kTags; ++i) {
+    std::int32_t oid = 0;
+    const bool hasOid =
+        contacts->GetItem(static_cast<std::int32_t>(i) * 10 + 1).contact->GetOid(oid);
+    const bool isWritten = m_store.WriteEntry(storage::TagNameOfTickCount(100'000 + i), oid,
+                                              u"Mobile") == platform::RegistryError::kNone;
+    if (!hasOid || !isWritten) {
+      std::abort();
+    }
+  }
+  // Nothing is to be computed anew when the page opens.
+  static_cast<void>(maintenance::UpdateVersion(m_registry));
+}
+
+std::unique_ptr<vcard::AddressBooks> FullDevice::Open() {
+  vcard::AddressBooks::Options options;
+  options.choice = vcard::SourceChoice{text::FromHostName(m_file)};
+  options.oidsInUse = [this] { return tags::FindOidsInUse(m_registry, m_store); };
+  auto contacts = std::make_unique<vcard::AddressBooks>(m_files, m_registry, options);
+  if (!contacts->Initialize() || !contacts->Connect() || !contacts->Logon()) {
+    std::abort();
+  }
+  return contacts;
+}
+
+std::size_t FullDevice::ReadTags(platform::ContactsStore& contacts) const {
+  std::size_t found = 0;
+  std::u16string name;
+  const auto names = m_store.OpenNames();
+  for (std::uint32_t i = 0; names->Get(i, name); ++i) {
+    storage::TagEntry entry;
+    std::unique_ptr<platform::Contact> contact;
+    if (m_store.ReadEntry(name, entry) == platform::RegistryError::kNone && entry.oid &&
+        contacts.GetItemFromOid(*entry.oid, contact) == platform::ContactLookup::kFound &&
+        !tags::ReadForTagList(*contact, entry.phoneType).text.empty()) {
+      ++found;
+    }
+  }
+  return found;
+}
+
+}  // namespace benchmarks

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "platform/posix/posix_file_system.h"
+#include "platform/sqlite/sqlite_registry.h"
+#include "platform/vcard/address_books.h"
+#include "storage/tag_store.h"
+#include "tests/support/temp_folder.h"
+
+namespace benchmarks {
+
+inline constexpr int kContacts = 1000;
+inline constexpr std::uint32_t kTags = 100;
+
+/// The vCard of a person with what address books usually hold; three numbers.
+[[nodiscard]] std::string Person(int number);
+
+/// A root folder with a thousand contacts beside it, and a tag without files for every tenth of
+/// them. Ends the program where that cannot be made.
+class FullDevice {
+ public:
+  FullDevice();
+
+  [[nodiscard]] std::string GetRoot() const { return m_folder.Path().string(); }
+  /// All contacts, as vCards.
+  [[nodiscard]] const std::string& GetFile() const { return m_file; }
+
+  /// The contacts, logged on to.
+  [[nodiscard]] std::unique_ptr<vcard::AddressBooks> Open();
+
+  /// Reads what the tag list shows for every tag; the number of tags that have a contact.
+  [[nodiscard]] std::size_t ReadTags(platform::ContactsStore& contacts) const;
+
+ private:
+  support::TempFolder m_folder;
+  std::string m_file;
+  posix::PosixFileSystem m_files;
+  sqlite::SqliteRegistry m_registry;
+  storage::TagStore m_store;
+};
+
+}  // namespace benchmarks

@@ -1,0 +1,142 @@
+#include "platform/vcard/content_line.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+
+#include "platform/vcard/ascii.h"
+#include "platform/vcard/charset.h"
+#include "platform/vcard/escapes.h"
+#include "platform/vcard/telephone_kinds.h"
+
+namespace vcard {
+namespace {
+
+constexpr std::size_t kNone = std::string_view::npos;
+constexpr std::string_view kCustomPrefix = "X-CUSTOM(";
+
+/// How the value of a line is written.
+struct Encoding {
+  std::string charset;
+  bool isQuotedPrintable = false;
+};
+
+/// Position of the first of `wanted` outside quotes, and outside parentheses where those count.
+std::size_t FindOutside(std::string_view text, char wanted, bool parenthesesCount) {
+  bool isQuoted = false;
+  int depth = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const char c = text[i];
+    if (c == '"') {
+      isQuoted = !isQuoted;
+    } else if (!isQuoted && c == wanted && depth <= 0) {
+      return i;
+    } else if (!isQuoted && parenthesesCount) {
+      depth += (c == '(' ? 1 : 0) - (c == ')' ? 1 : 0);
+    }
+  }
+  return kNone;
+}
+
+/// Appends the words of a type or a label, which may be quoted and, once it is decoded, hold
+/// anything.
+void AppendTypes(std::string text, std::vector<std::string>& words) {
+  std::erase_if(text, [](char c) { return c == '"' || IsControl(c); });
+  AppendWords(text, words);
+}
+
+/// Label of "X-CUSTOM(Label)" or "X-CUSTOM(CHARSET=UTF-8,ENCODING=QUOTED-PRINTABLE,=4C=61)".
+std::string CustomLabel(std::string_view parameter) {
+  std::string_view label = parameter.substr(kCustomPrefix.size());
+  label = label.substr(0, label.rfind(')'));
+  if (!ContainsIgnoringCase(label, "ENCODING=QUOTED-PRINTABLE,")) {
+    return std::string(label);
+  }
+  const std::size_t encoded = label.rfind(',');
+  return GuessUtf8(DecodeQuotedPrintable(label.substr(encoded + 1)));
+}
+
+void TakeParameter(std::string_view parameter, ContentLine& line, Encoding& encoding) {
+  if (EqualIgnoringCase(parameter.substr(0, kCustomPrefix.size()), kCustomPrefix)) {
+    AppendTypes(CustomLabel(parameter), line.words);
+    return;
+  }
+  const std::size_t equals = parameter.find('=');
+  const std::string_view name = Trim(parameter.substr(0, equals));
+  std::string value(equals == kNone ? parameter : Trim(parameter.substr(equals + 1)));
+  if (EqualIgnoringCase(name, "CHARSET")) {
+    encoding.charset = std::move(value);
+  } else if (EqualIgnoringCase(value, "QUOTED-PRINTABLE")) {
+    encoding.isQuotedPrintable = true;
+  } else if (equals == kNone || EqualIgnoringCase(name, "TYPE")) {
+    AppendTypes(std::move(value), line.words);
+  } else if (EqualIgnoringCase(name, "PREF")) {
+    line.words.emplace_back("PREF");
+  } else if (EqualIgnoringCase(name, "VALUE")) {
+    std::erase(value, '"');
+    line.isUri = line.isUri || EqualIgnoringCase(value, "uri");
+  }
+}
+
+/// `parameters` with the semicolon before each of them.
+void TakeParameters(std::string_view parameters, ContentLine& line, Encoding& encoding) {
+  while (!parameters.empty()) {
+    parameters.remove_prefix(1);
+    const std::size_t end = std::min(FindOutside(parameters, ';', true), parameters.size());
+    TakeParameter(Trim(parameters.substr(0, end)), line, encoding);
+    parameters.remove_prefix(end);
+  }
+}
+
+std::vector<std::string> ReadValue(std::string_view value, const Encoding& encoding) {
+  const auto decode = [&encoding](std::string_view text) {
+    std::optional<std::string> converted = ToUtf8(text, encoding.charset);
+    return converted ? std::move(*converted) : GuessUtf8(text);
+  };
+  if (!encoding.isQuotedPrintable) {
+    // Before it is cut: the second byte of a character may look like a backslash.
+    return SplitValue(decode(value));
+  }
+  std::vector<std::string> components = SplitValue(value);
+  for (std::string& component : components) {
+    component = decode(DecodeQuotedPrintable(component));
+  }
+  return components;
+}
+
+}  // namespace
+
+Property PropertyOf(std::string_view line) {
+  const std::size_t end = line.find_first_of(":;");
+  if (end == kNone) {
+    return {};
+  }
+  const std::string_view whole = line.substr(0, end);
+  const std::size_t stop = whole.rfind('.');
+  return stop == kNone ? Property{{}, Trim(whole)}
+                       : Property{Trim(whole.substr(0, stop)), Trim(whole.substr(stop + 1))};
+}
+
+std::optional<ContentLine> ParseContentLine(std::string_view line) {
+  std::size_t colon = FindOutside(line, ':', false);
+  const bool isQuoteOpen = colon == kNone;
+  if (isQuoteOpen) {
+    colon = line.find(':');
+  }
+  if (colon == kNone) {
+    return std::nullopt;
+  }
+  std::string parameters(line.substr(0, colon));
+  parameters.erase(0, parameters.find(';'));
+  if (isQuoteOpen) {
+    std::erase(parameters, '"');
+  }
+  const Property property = PropertyOf(line);
+  ContentLine parsed{ToUpper(property.group), ToUpper(property.name), {}, false, {}};
+  Encoding encoding;
+  TakeParameters(GuessUtf8(parameters), parsed, encoding);
+  parsed.components = ReadValue(line.substr(colon + 1), encoding);
+  return parsed;
+}
+
+}  // namespace vcard

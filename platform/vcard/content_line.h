@@ -1,0 +1,35 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vcard {
+
+/// What stands before the parameters and the value of a content line.
+struct Property {
+  std::string_view group;  ///< Empty where the line belongs to none.
+  std::string_view name;   ///< Empty where the line has no value.
+};
+
+[[nodiscard]] Property PropertyOf(std::string_view line);
+
+/// One content line of a vCard, as far as contacts need it.
+struct ContentLine {
+  std::string group;  ///< In ASCII capitals, as the next two.
+  std::string name;
+  std::vector<std::string> words;  ///< Of all its types (see AppendWords), "PREF" among them.
+  bool isUri = false;              ///< The line says that its value is one.
+  /// The value cut at its semicolons, without escapes and encodings, in UTF-8 unless its bytes are
+  /// of no known character set. Never empty.
+  std::vector<std::string> components;
+};
+
+/// The lines of one vCard between its BEGIN and END.
+using Card = std::vector<ContentLine>;
+
+/// Reads one unfolded line of vCard 2.1, 3.0 or 4.0; nothing where it has no value.
+[[nodiscard]] std::optional<ContentLine> ParseContentLine(std::string_view line);
+
+}  // namespace vcard

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <string_view>
+
+#include "platform/vcard/content_line.h"
+#include "platform/vcard/logical_lines.h"
+
+namespace vcard {
+
+/// Cuts a stream into vCards and keeps of each only the lines that a contact is made of, so that a
+/// picture costs no more than passing over it. Takes any bytes: what is no vCard is left out and
+/// counted as damage.
+class VcardSplitter {
+ public:
+  // Bounds of one card, far above what a real one needs, so that a hostile one stays cheap to
+  // parse.
+  static constexpr std::size_t kMaxLines = 200;
+  static constexpr std::size_t kMaxSeparators = 64;  ///< Commas and semicolons of one line.
+
+  /// Called with each whole card in order, valid during the call.
+  using CardSink = std::function<void(const Card& card)>;
+
+  explicit VcardSplitter(CardSink sink);
+
+  /// The stream may be cut anywhere between two calls.
+  void Feed(std::string_view bytes);
+
+  /// To be called once, at the end of the stream.
+  void Finish();
+
+  /// Whether cards, or lines of cards, were left out, so that the stream may have held a contact
+  /// that was not handed on.
+  [[nodiscard]] bool IsDamaged() const { return m_isDamaged; }
+
+ private:
+  void OnLine(const LogicalLines::Line& line);
+  void OnLineOfCard(const LogicalLines::Line& line, std::string_view name);
+  void BeginCard();
+  void EndCard();
+
+  CardSink m_sink;
+  LogicalLines m_lines;
+  Card m_card;
+  std::size_t m_nesting = 0;  ///< Cards within the card, as the agents of vCard 2.1 are written.
+  bool m_isFirstLine = true;
+  bool m_isInCard = false;
+  bool m_isAgentDue = false;  ///< The line before announced a card within the card.
+  bool m_isDamaged = false;
+};
+
+}  // namespace vcard

@@ -1,0 +1,157 @@
+#include "platform/vcard/vcard_source.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "platform/headless/memory_file_system.h"
+#include "tests/support/failing_file_system.h"
+#include "tests/support/file_bytes.h"
+#include "tests/vcard/read_cards.h"
+
+namespace vcard {
+namespace {
+
+std::string Named(const std::string& name) {
+  return WriteCard("N:" + name + ";;;;\nTEL;TYPE=CELL:1");
+}
+
+class VcardSourceTest : public testing::Test {
+ protected:
+  void Put(std::u16string_view path, const std::string& content) {
+    EXPECT_TRUE(m_files.PutFile(path, support::ToBytes(content)));
+  }
+
+  /// Last names in order; a text that says why not where the source gives no book.
+  std::string Read(std::u16string path) {
+    std::vector<Book> books;
+    if (VcardSource(m_files, std::move(path)).Read(books) != ReadResult::kRead) {
+      EXPECT_TRUE(books.empty());
+      return "unreadable";
+    }
+    EXPECT_EQ(books.size(), 1U);
+    m_book = books[0];
+    std::string names;
+    for (const ContactData& contact : m_book.contacts) {
+      names += text::ToUtf8(contact.lastName) + ".";
+    }
+    return names;
+  }
+
+  headless::MemoryFileSystem m_files;
+  Book m_book;
+};
+
+TEST_F(VcardSourceTest, ReadsAFileInTheOrderInWhichItIsWritten) {
+  Put(u"/home/ann/all.vcf", Named("C") + Named("A") + Named("B"));
+  EXPECT_EQ(Read(u"/home/ann/all.vcf"), "C.A.B.");
+  EXPECT_TRUE(m_book.isComplete);
+  EXPECT_EQ(m_book.name, u"vcard:/home/ann/all.vcf");
+}
+
+TEST_F(VcardSourceTest, ReadsAFileOfTheDevice) {
+  Put(u"\\contacts.vcf", Named("A"));
+  EXPECT_EQ(Read(u"\\contacts.vcf"), "A.");
+  EXPECT_EQ(m_book.name, u"vcard:\\contacts.vcf");
+}
+
+TEST_F(VcardSourceTest, ReadsTheFilesOfAFolderInTheOrderOfTheirNames) {
+  Put(u"/cards/b.vcf", Named("B") + Named("C"));
+  Put(u"/cards/a.vcf", Named("A"));
+  Put(u"/cards/d.VCF", Named("D"));
+  Put(u"/cards/notes.txt", "not a card");
+  Put(u"/cards/deeper/e.vcf", Named("E"));
+  EXPECT_EQ(Read(u"/cards"), "A.B.C.D.");
+  EXPECT_TRUE(m_book.isComplete);
+}
+
+TEST_F(VcardSourceTest, AFolderIsTheSameBookWithASlashAtItsEnd) {
+  Put(u"/cards/a.vcf", Named("A"));
+  EXPECT_EQ(Read(u"/cards/"), "A.");
+  EXPECT_EQ(m_book.name, u"vcard:/cards");
+}
+
+TEST_F(VcardSourceTest, WhatIsMissingIsUnreadable) {
+  EXPECT_EQ(Read(u"/nobody.vcf"), "unreadable");
+  EXPECT_EQ(Read(u"\\contacts.vcf"), "unreadable");
+}
+
+TEST_F(VcardSourceTest, WhatHoldsNoCardIsUnreadable) {
+  Put(u"/empty.vcf", "");
+  EXPECT_EQ(Read(u"/empty.vcf"), "unreadable");
+  Put(u"/blank.vcf", "\r\n\r\n");
+  EXPECT_EQ(Read(u"/blank.vcf"), "unreadable");
+  Put(u"/picture.vcf", std::string("\x89PNG\r\n\x1a\n\0\0\0\rIHDR", 16));
+  EXPECT_EQ(Read(u"/picture.vcf"), "unreadable");
+  Put(u"/torn.vcf", "BEGIN:VCARD\nN:A;;;;\n");
+  EXPECT_EQ(Read(u"/torn.vcf"), "unreadable");
+}
+
+TEST_F(VcardSourceTest, AnEmptyFolderIsUnreadable) {
+  EXPECT_EQ(m_files.CreateFolder(u"/cards"), platform::FileError::kNone);
+  EXPECT_EQ(Read(u"/cards"), "unreadable");
+}
+
+TEST_F(VcardSourceTest, ATornFileGivesWhatItHoldsAndIsNotComplete) {
+  Put(u"/torn.vcf", Named("A") + Named("B").substr(0, 40));
+  EXPECT_EQ(Read(u"/torn.vcf"), "A.");
+  EXPECT_FALSE(m_book.isComplete);
+}
+
+TEST_F(VcardSourceTest, AFolderWithAnEmptiedCardIsNotComplete) {
+  Put(u"/cards/a.vcf", Named("A"));
+  Put(u"/cards/b.vcf", "");
+  EXPECT_EQ(Read(u"/cards"), "A.");
+  EXPECT_FALSE(m_book.isComplete);
+}
+
+TEST_F(VcardSourceTest, MoreContactsThanAnybodyHasAreUnreadable) {
+  std::string cards;
+  for (std::size_t i = 0; i <= VcardSource::kMaxContacts; ++i) {
+    cards += "BEGIN:VCARD\nEND:VCARD\n";
+  }
+  Put(u"/many.vcf", cards);
+  EXPECT_EQ(Read(u"/many.vcf"), "unreadable");
+}
+
+TEST_F(VcardSourceTest, AHundredMegabytesOfAnythingEnd) {
+  std::string stream;
+  while (stream.size() < 100'000'000) {
+    stream += "TEL;TYPE=\"=,;:\\\r\n\tBEGIN:VCARD\n";
+  }
+  Put(u"/huge.vcf", stream + Named("A"));
+  EXPECT_EQ(Read(u"/huge.vcf"), "A.");
+  EXPECT_FALSE(m_book.isComplete);
+}
+
+TEST_F(VcardSourceTest, EveryFailureOfTheFilesMakesTheSourceUnreadable) {
+  Put(u"/cards/a.vcf", Named("A"));
+  Put(u"/cards/b.vcf", Named("B"));
+  support::FailingFileSystem failing(m_files);
+  bool hasFailed = true;
+  for (std::size_t call = 1; hasFailed; ++call) {
+    failing.FailCall(call, support::Failing::kOnce);
+    std::vector<Book> books;
+    const ReadResult result = VcardSource(failing, u"/cards").Read(books);
+    hasFailed = failing.HasFailed();
+    EXPECT_EQ(result, hasFailed ? ReadResult::kUnreadable : ReadResult::kRead) << call;
+  }
+}
+
+TEST_F(VcardSourceTest, ReadsEachFileOnceFromItsStartToItsEnd) {
+  std::string cards;
+  for (int i = 0; i < 2000; ++i) {
+    cards += Named("Name" + std::to_string(i));
+  }
+  Put(u"/all.vcf", cards);
+  support::FailingFileSystem counting(m_files);
+  counting.FailCall(100'000, support::Failing::kOnce);
+  std::vector<Book> books;
+  ASSERT_EQ(VcardSource(counting, u"/all.vcf").Read(books), ReadResult::kRead);
+  // One search, one opening, and a read for each 64 KiB begun.
+  EXPECT_LE(counting.CountCalls(), 2 + cards.size() / 65536 + 1);
+  EXPECT_EQ(m_files.CountOpenHandles(), 0U);
+}
+
+}  // namespace
+}  // namespace vcard

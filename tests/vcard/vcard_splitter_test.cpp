@@ -1,0 +1,135 @@
+#include "platform/vcard/vcard_splitter.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/vcard/read_cards.h"
+
+namespace vcard {
+namespace {
+
+std::string Named(const std::string& name) {
+  return WriteCard("N:" + name + ";;;;\nTEL;TYPE=CELL:1");
+}
+
+std::string NamesIn(const Cards& cards) {
+  std::string names;
+  for (const ContactData& contact : cards.contacts) {
+    names += text::ToUtf8(contact.lastName) + ".";
+  }
+  return names;
+}
+
+TEST(VcardSplitter, HandsOnEachCardInOrder) {
+  const Cards cards = ReadCards(Named("A") + Named("B") + "\r\n\r\n" + Named("C"));
+  EXPECT_EQ(NamesIn(cards), "A.B.C.");
+  EXPECT_FALSE(cards.isDamaged);
+}
+
+TEST(VcardSplitter, ReadsTheSameHoweverTheStreamIsCut) {
+  const std::string stream =
+      WriteCard(
+          "N;ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8:M=C3=\n=BCller;;;;\nNOTE:x\n y\nTEL;CELL:1") +
+      Named("B");
+  for (const std::size_t size : {1U, 2U, 3U, 7U, 64U}) {
+    const Cards cards = ReadCards(stream, size);
+    EXPECT_EQ(NamesIn(cards), "Müller.B.") << size;
+    EXPECT_FALSE(cards.isDamaged);
+  }
+}
+
+TEST(VcardSplitter, TakesEveryEndOfLine) {
+  for (const std::string end : {"\n", "\r", "\r\n"}) {
+    const std::string stream =
+        "BEGIN:VCARD" + end + "N:A" + end + " B;;;;" + end + "END:VCARD" + end;
+    const Cards cards = ReadCards(stream + stream);
+    EXPECT_EQ(NamesIn(cards), "AB.AB.");
+    EXPECT_FALSE(cards.isDamaged);
+  }
+}
+
+TEST(VcardSplitter, NeedsNoEndOfTheLastLine) {
+  const Cards cards = ReadCards("BEGIN:VCARD\nN:A;;;;\nEND:VCARD");
+  EXPECT_EQ(NamesIn(cards), "A.");
+  EXPECT_FALSE(cards.isDamaged);
+}
+
+TEST(VcardSplitter, PassesOverAByteOrderMark) {
+  const Cards cards = ReadCards("\xEF\xBB\xBF" + Named("A"));
+  EXPECT_EQ(NamesIn(cards), "A.");
+  EXPECT_FALSE(cards.isDamaged);
+}
+
+TEST(VcardSplitter, TakesKeywordsInAnyCase) {
+  const Cards cards = ReadCards("begin:vcard\nn:A;;;;\nend : vcard \n");
+  EXPECT_EQ(NamesIn(cards), "A.");
+}
+
+TEST(VcardSplitter, AnEmptyStreamHoldsNothingAndIsWhole) {
+  const Cards cards = ReadCards("");
+  EXPECT_EQ(NamesIn(cards), "");
+  EXPECT_FALSE(cards.isDamaged);
+}
+
+// Damage: what can be read is read, and that something is missing is told.
+
+void ExpectDamaged(const std::string& stream, const std::string& names) {
+  const Cards cards = ReadCards(stream);
+  EXPECT_EQ(NamesIn(cards), names);
+  EXPECT_TRUE(cards.isDamaged);
+}
+
+TEST(VcardSplitter, ACardWithoutAnEndIsDamage) {
+  ExpectDamaged("BEGIN:VCARD\nN:A;;;;\n" + Named("B"), "B.");
+  ExpectDamaged(Named("B") + "BEGIN:VCARD\nN:A;;;;\nTEL;CELL:1\n", "B.");
+}
+
+TEST(VcardSplitter, ACardWithoutABeginIsDamage) {
+  ExpectDamaged("N:A;;;;\nTEL:1\nEND:VCARD\n" + Named("B"), "B.");
+}
+
+TEST(VcardSplitter, AStreamOfOtherBytesIsDamage) {
+  std::string bytes;
+  for (unsigned i = 0; i < 100'000; ++i) {
+    bytes += static_cast<char>(i * i * 31 % 251);
+  }
+  ExpectDamaged(bytes, "");
+}
+
+TEST(VcardSplitter, ALineOfMegabytesIsPassedOver) {
+  const std::string huge(20'000'000, 'x');
+  ExpectDamaged(WriteCard("N:A;;;;\nUID:" + huge + "\nTEL;CELL:1") + Named("B"), "A.B.");
+}
+
+TEST(VcardSplitter, AHugeLineThatNobodyReadsIsNoDamage) {
+  const Cards cards = ReadCards(WriteCard("N:A;;;;\nPHOTO:" + std::string(5'000'000, 'x')));
+  EXPECT_EQ(NamesIn(cards), "A.");
+  EXPECT_FALSE(cards.isDamaged);
+}
+
+TEST(VcardSplitter, AZeroByteInALineIsDamage) {
+  ExpectDamaged(WriteCard(std::string_view("N:A;;;;\nUID:a\0b\nTEL;CELL:1", 27)), "A.");
+}
+
+TEST(VcardSplitter, MoreSeparatorsThanAnyNameHasAreDamage) {
+  ExpectDamaged(WriteCard("N:A;;;;\nORG:" + std::string(5000, ';')), "A.");
+}
+
+TEST(VcardSplitter, MoreLinesThanAnyContactHasAreDamage) {
+  std::string lines = "N:A;;;;";
+  for (int i = 0; i < 100'000; ++i) {
+    lines += "\nTEL;CELL:1";
+  }
+  ExpectDamaged(WriteCard(lines) + Named("B"), "A.B.");
+}
+
+TEST(VcardSplitter, StrayQuotesAndParenthesesLoseNothing) {
+  const Cards cards =
+      ReadCards(WriteCard("N:A;;;;\nTEL;TYPE=\"CELL:1\nTEL;X-CUSTOM(Car:2\nTEL;(;=;,:3"));
+  ASSERT_EQ(cards.contacts.size(), 1U);
+  EXPECT_EQ(NumbersOf(cards.contacts[0]), "Car=2; Mobile=1; Home=3");
+}
+
+}  // namespace
+}  // namespace vcard
