@@ -10,6 +10,7 @@
 #include "tests/voicemath/twins/matching.h"
 #include "tests/voicemath/twins/speech_bounds.h"
 #include "voicemath/band_features.h"
+#include "voicemath/block_envelope.h"
 #include "voicemath/endpoint_detector.h"
 #include "voicemath/nearest_neighbours.h"
 #include "voicemath/spectrum.h"
@@ -42,6 +43,17 @@ std::vector<Way> Comparison() {
   return {{"product",
            [prepared] { Keep(voicemath::TemplateDistance((*prepared)[0], (*prepared)[1])); }},
           {"literal", [words] { Keep(twins::CompareTemplates((*words)[0], (*words)[1])); }}};
+}
+
+std::vector<Way> Preparation() {
+  const auto word = Shared(Word(42, 1));
+  return {{"product", [word] {
+             PreparedTemplate prepared;
+             if (!prepared.Prepare(word->values)) {
+               std::abort();
+             }
+             Keep(prepared);
+           }}};
 }
 
 std::vector<std::int16_t> LiteralEnvelope(const support::Samples& samples) {
@@ -153,6 +165,7 @@ std::vector<Job> AllJobs() {
   return {{"transform", Transform, kFramesTogether},
           {"endpoint detection", EndpointDetection},
           {"utterance", WholeUtterance},
+          {"preparation", Preparation},
           {"comparison", Comparison},
           {"test dialog", TestDialog}};
 }

@@ -30,7 +30,7 @@ std::vector<Neighbour> FindNearest(const voicemath::CVoiceMathematics& mathemati
   nearest.reserve(found.size());
   for (const voicemath::Neighbour& each : found) {
     nearest.push_back(each.index < 0 ? Neighbour()
-                                     : Neighbour{each.index, each.distance.Distance()});
+                                     : Neighbour{each.index, each.distance});
   }
   return nearest;
 }

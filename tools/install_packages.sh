@@ -25,6 +25,10 @@ declare -A groups=(
     g++-arm-linux-gnueabi libc6-dev-armel-cross qemu-user
     libbenchmark-dev
   '
+  # What the speech mathematics are measured with and against.
+  [benchmark]='
+    libaubio-dev libfftw3-dev valgrind
+  '
 )
 
 wanted=()

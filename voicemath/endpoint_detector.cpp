@@ -3,16 +3,13 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <cstdlib>
-#include <limits>
 
+#include "voicemath/constants.h"
 #include "voicemath/vector_clones.h"
 
 namespace voicemath {
 namespace {
 
-constexpr std::int64_t kForwardBlocks = 8;   ///< Smoothing looks this far ahead, itself included.
-constexpr std::int64_t kBackwardBlocks = 7;  ///< And this far back.
 constexpr std::size_t kHistogramBins = 32;
 constexpr std::size_t kNoiseBins = 16;  ///< The noise is looked for in the lower half only.
 constexpr std::int64_t kReach = 200;    ///< Blocks on either side of the middle that count, 1 s.
@@ -21,166 +18,166 @@ constexpr std::int32_t kMarginSamples = 3307;  ///< Kept before and behind the s
 
 std::int16_t Narrow(std::int64_t value) { return static_cast<std::int16_t>(value); }
 
+struct Peak {
+  std::int16_t height = 0;
+  std::size_t block = 0;  ///< The first of that height.
+};
+
 /// Mean over the neighbourhood of each block, in place, from a sum that runs along: one block comes
 /// in ahead, one goes out behind. Block 0 counts only where the forward run begins with it, never
 /// as a neighbour behind: the test for neighbours is "greater than zero", deliberately.
-void Smooth(std::span<std::int16_t> envelope) {
-  constexpr std::int32_t kAllBlocks = kBackwardBlocks + kForwardBlocks;
-  // Values of the last blocks before they were smoothed.
-  std::array<std::int16_t, kBackwardBlocks + 1> unsmoothed{};
-  const auto blocks = static_cast<std::int64_t>(envelope.size());
-  std::int32_t sum = 0;
-  std::int32_t count = 0;
-  for (std::int64_t b = 0; b < std::min(kForwardBlocks, blocks); ++b, ++count) {
-    sum += envelope[static_cast<std::size_t>(b)];
-  }
-  for (std::int64_t block = 0; block < blocks; ++block) {
-    auto& value = envelope[static_cast<std::size_t>(block)];
-    unsmoothed[static_cast<std::size_t>(block) % unsmoothed.size()] = value;
-    value = Narrow(count == kAllBlocks ? sum / kAllBlocks : sum / count);
-    // On to the next block.
-    if (block + kForwardBlocks < blocks) {
-      sum += envelope[static_cast<std::size_t>(block + kForwardBlocks)];
-      ++count;
-    }
-    const std::int64_t leaving = block - kBackwardBlocks;
-    if (block == 0 || leaving > 0) {
-      sum -= unsmoothed[static_cast<std::size_t>(std::max<std::int64_t>(leaving, 0)) %
-                        unsmoothed.size()];
-      --count;
+class Smoothing {
+ public:
+  explicit Smoothing(std::span<std::int16_t> envelope) : m_envelope(envelope) {
+    for (; m_count < std::min(kForwardBlocks, envelope.size()); ++m_count) {
+      m_sum += static_cast<std::uint32_t>(envelope[m_count]);
     }
   }
-}
+
+  VOXTREL_INLINE Peak Run() {
+    const std::size_t blocks = m_envelope.size();
+    const std::size_t full = blocks - std::min(kForwardBlocks, blocks);  // Those with eight ahead.
+    std::size_t block = 0;
+    for (; block < std::min(kBackwardBlocks + 1, full); ++block) {
+      Put(block, m_sum / m_count++);
+      Enter(block);
+      if (block == 0) {
+        Leave(block);
+        --m_count;
+      }
+    }
+    for (; block < full; ++block) {
+      Put(block, m_sum / kAllBlocks);
+      Enter(block);
+      Leave(block - kBackwardBlocks);
+    }
+    for (; block < blocks; ++block) {
+      Put(block, m_sum / m_count);
+      if (block == 0 || block > kBackwardBlocks) {
+        Leave(block == 0 ? 0 : block - kBackwardBlocks);
+        --m_count;
+      }
+    }
+    return m_peak;
+  }
+
+ private:
+  static constexpr std::size_t kForwardBlocks = 8;   ///< Looks this far ahead, itself included,
+  static constexpr std::size_t kBackwardBlocks = 7;  ///< and this far back.
+  static constexpr std::uint32_t kAllBlocks = kForwardBlocks + kBackwardBlocks;
+
+  VOXTREL_INLINE void Put(std::size_t block, std::uint32_t mean) {
+    m_unsmoothed[block % m_unsmoothed.size()] = m_envelope[block];
+    const auto height = static_cast<std::int16_t>(mean);
+    m_envelope[block] = height;
+    if (height > m_peak.height) {
+      m_peak = {height, block};
+    }
+  }
+  /// On to the block behind `block`.
+  VOXTREL_INLINE void Enter(std::size_t block) {
+    m_sum += static_cast<std::uint32_t>(m_envelope[block + kForwardBlocks]);
+  }
+  VOXTREL_INLINE void Leave(std::size_t block) {
+    m_sum -= static_cast<std::uint32_t>(m_unsmoothed[block % m_unsmoothed.size()]);
+  }
+
+  std::span<std::int16_t> m_envelope;
+  std::array<std::int16_t, kBackwardBlocks + 1> m_unsmoothed{};  ///< Of the last blocks.
+  std::uint32_t m_sum = 0;
+  std::uint32_t m_count = 0;
+  Peak m_peak;
+};
 
 /// The noise level under the speech: the mode of the lower half of the amplitudes, and a little.
-std::int16_t NoiseLevel(std::span<const std::int16_t> envelope, std::int16_t peak,
-                        std::int16_t binWidth) {
+VOXTREL_INLINE std::int16_t NoiseLevel(std::span<const std::int16_t> envelope, std::int16_t peak,
+                                       std::int16_t binWidth) {
   // Division by a product with the reciprocal, rounded up, in units of 2^-31. With a value below
   // 2^15 it comes out too large by less than 2^-16, and a width below 2^10 leaves more room than
   // that up to the next whole number.
   const std::uint64_t reciprocal =
       (std::uint64_t{1} << 31U) / static_cast<std::uint64_t>(binWidth) + 1;
-  std::array<std::uint32_t, kHistogramBins> histogram{};
+  // Neighbours mostly fall into the same bin. Counted apart they need not wait for each other.
+  std::array<std::array<std::uint32_t, kHistogramBins>, 4> histograms{};
+  std::size_t apart = 0;
   for (const std::int16_t value : envelope) {
     const std::uint64_t bin = (static_cast<std::uint64_t>(value) * reciprocal) >> 31U;
-    ++histogram[static_cast<std::size_t>(std::min<std::uint64_t>(bin, kHistogramBins - 1))];
+    ++histograms[apart++ % histograms.size()]
+                [static_cast<std::size_t>(std::min<std::uint64_t>(bin, kHistogramBins - 1))];
   }
-  const auto mode = std::max_element(histogram.begin(), histogram.begin() + kNoiseBins);
+  std::array<std::uint32_t, kNoiseBins> histogram{};
+  for (const auto& each : histograms) {
+    for (std::size_t bin = 0; bin < kNoiseBins; ++bin) {
+      histogram[bin] += each[bin];
+    }
+  }
+  const auto mode = std::ranges::max_element(histogram);
   return Narrow(binWidth * (mode - histogram.begin()) + peak / 16);
 }
 
 /// The envelope above the noise, with peaks cut at half height so that one loud syllable does not
-/// outweigh the others.
+/// outweigh the others. Half of 16 bits times the blocks within reach is far below 32 bits, and
+/// so is that times the distance from the first of them.
 struct ClippedEnvelope {
   std::span<const std::int16_t> envelope;
   std::int16_t clip;
 
-  [[nodiscard]] std::int64_t LastBlock() const {
-    return static_cast<std::int64_t>(envelope.size()) - 1;
+  /// Blocks `from` up to `to`, as far as there are such.
+  [[nodiscard]] std::span<const std::int16_t> Blocks(std::int64_t from, std::int64_t to) const {
+    const std::int64_t begin = std::max<std::int64_t>(from, 0);
+    const std::int64_t end = std::min(to + 1, static_cast<std::int64_t>(envelope.size()));
+    return begin < end ? envelope.subspan(static_cast<std::size_t>(begin),
+                                          static_cast<std::size_t>(end - begin))
+                       : std::span<const std::int16_t>{};
   }
-  [[nodiscard]] std::int64_t At(std::int64_t block) const {
-    return std::min(envelope[static_cast<std::size_t>(block)], clip);
-  }
-  /// Sum over blocks `from` to `to`, both included.
-  [[nodiscard]] std::int64_t Mass(std::int64_t from, std::int64_t to) const {
-    std::int64_t mass = 0;
-    for (std::int64_t block = from; block <= to; ++block) {
-      mass += At(block);
+  [[nodiscard]] VOXTREL_INLINE std::int32_t Mass(std::span<const std::int16_t> blocks) const {
+    std::int32_t mass = 0;
+    for (const std::int16_t height : blocks) {
+      mass += std::min(height, clip);
     }
     return mass;
   }
   /// Centre of mass of the surroundings of `peak`; nothing where there is no mass.
-  [[nodiscard]] std::optional<std::int64_t> Centre(std::int64_t peak) const {
-    std::int64_t moment = 0;
-    std::int64_t mass = 0;
-    const std::int64_t end = std::min(peak + kReach, LastBlock());
-    for (std::int64_t block = std::max<std::int64_t>(peak - kReach, 0); block <= end; ++block) {
-      moment += block * At(block);
-      mass += At(block);
+  [[nodiscard]] VOXTREL_INLINE std::optional<std::int64_t> Centre(std::int64_t peak) const {
+    const auto blocks = Blocks(peak - kReach, peak + kReach);
+    const std::int32_t mass = Mass(blocks);
+    std::int32_t moment = 0;
+    for (std::size_t i = 0; i < blocks.size(); ++i) {
+      moment += std::int32_t{static_cast<std::int16_t>(i)} * std::min(blocks[i], clip);
     }
-    return mass == 0 ? std::nullopt : std::optional(moment / mass);
+    if (mass == 0) {
+      return std::nullopt;
+    }
+    return std::max<std::int64_t>(peak - kReach, 0) + moment / mass;
   }
 };
-
-/// What a block needs to know of each of its halves.
-struct HalfBlock {
-  std::int32_t sum = 0;
-  std::int16_t lowest = std::numeric_limits<std::int16_t>::max();
-  std::int16_t highest = std::numeric_limits<std::int16_t>::min();
-};
-
-VOXTREL_INLINE HalfBlock MeasureHalf(const std::int16_t* samples) {
-  HalfBlock half;
-  for (std::size_t i = 0; i < kBlockStep; ++i) {
-    half.sum += samples[i];
-    half.lowest = std::min(half.lowest, samples[i]);
-    half.highest = std::max(half.highest, samples[i]);
-  }
-  return half;
-}
 
 }  // namespace
 
 VOXTREL_VECTOR_CLONES
-void MeasureEnvelope(std::span<const std::int16_t> samples, std::span<std::int16_t> envelope) {
-  HalfBlock first = MeasureHalf(samples.data());
-  for (std::size_t block = 0; block < envelope.size(); ++block) {
-    const HalfBlock second = MeasureHalf(samples.data() + (block + 1) * kBlockStep);
-    const std::int32_t mean = (first.sum + second.sum) / static_cast<std::int32_t>(kBlockSamples);
-    const std::int32_t largest = std::max(std::max(first.highest, second.highest) - mean,
-                                          mean - std::min(first.lowest, second.lowest));
-    // Where no distance leaves 16 bits the largest is that of the lowest or the highest sample.
-    envelope[block] =
-        largest <= std::numeric_limits<std::int16_t>::max()
-            ? Narrow(largest)
-            : BlockEnvelope(samples.subspan(block * kBlockStep).first<kBlockSamples>());
-    first = second;
-  }
-}
-
-std::int16_t BlockEnvelope(std::span<const std::int16_t, kBlockSamples> block) {
-  std::int32_t sum = 0;
-  for (const std::int16_t sample : block) {
-    sum += sample;
-  }
-  const std::int32_t mean = sum / static_cast<std::int32_t>(kBlockSamples);
-  std::int16_t largest = 0;
-  for (const std::int16_t sample : block) {
-    // Kept in 16 bits: a distance of 32,768 or more wraps to a negative value and never wins.
-    const std::int16_t distance = Narrow(std::abs(sample - mean));
-    largest = std::max(largest, distance);
-  }
-  return largest;
-}
-
 std::optional<Segment> LocateSpeech(std::span<std::int16_t> envelope, std::uint32_t totalSamples) {
   if (envelope.empty()) {
     return std::nullopt;
   }
-  Smooth(envelope);
-  std::int16_t peak = 0;
-  for (const std::int16_t value : envelope) {
-    peak = std::max(peak, value);
-  }
-  const auto binWidth = Narrow(peak / static_cast<std::int32_t>(kHistogramBins));
+  const Peak peak = Smoothing(envelope).Run();
+  const auto binWidth = Narrow(peak.height / static_cast<std::int32_t>(kHistogramBins));
   if (binWidth == 0) {
     return std::nullopt;  // Next to silence: nothing to tell speech from.
   }
-  const auto peakAt = std::ranges::find(envelope, peak) - envelope.begin();
-  const std::int16_t noise = NoiseLevel(envelope, peak, binWidth);
+  const std::int16_t noise = NoiseLevel(envelope, peak.height, binWidth);
   for (std::int16_t& value : envelope) {
-    value = value < noise ? std::int16_t{0} : Narrow(value - noise);
+    value = Narrow(std::max(value, noise) - noise);
   }
-  const ClippedEnvelope clipped{envelope, Narrow((peak - noise) / 2)};
-  const auto centre = clipped.clip == 0 ? std::nullopt : clipped.Centre(peakAt);
+  const ClippedEnvelope clipped{envelope, Narrow((peak.height - noise) / 2)};
+  const auto centre =
+      clipped.clip == 0 ? std::nullopt : clipped.Centre(static_cast<std::int64_t>(peak.block));
   if (!centre) {
     return std::nullopt;
   }
 
-  const std::int64_t leftMass =
-      clipped.Mass(std::max<std::int64_t>(*centre - kReach, 0), *centre - kCore - 1);
-  const std::int64_t rightMass =
-      clipped.Mass(*centre + kCore + 1, std::min(*centre + kReach, clipped.LastBlock()));
+  const std::int32_t leftMass = clipped.Mass(clipped.Blocks(*centre - kReach, *centre - kCore - 1));
+  const std::int32_t rightMass =
+      clipped.Mass(clipped.Blocks(*centre + kCore + 1, *centre + kReach));
   const std::int16_t left = Narrow(*centre - leftMass / clipped.clip - kCore);
   const std::int16_t right = Narrow(*centre + rightMass / clipped.clip + kCore);
 

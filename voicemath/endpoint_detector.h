@@ -4,8 +4,6 @@
 #include <optional>
 #include <span>
 
-#include "voicemath/constants.h"
-
 namespace voicemath {
 
 /// A run of samples, both ends included.
@@ -15,13 +13,6 @@ struct Segment {
 
   friend bool operator==(const Segment&, const Segment&) = default;
 };
-
-/// Largest distance of a sample from the mean of its block, as a signed 16-bit value.
-[[nodiscard]] std::int16_t BlockEnvelope(std::span<const std::int16_t, kBlockSamples> block);
-
-/// The same of many blocks, each beginning kBlockStep samples behind the one before: `envelope` has
-/// a value for each, `samples` one more step than there are blocks.
-void MeasureEnvelope(std::span<const std::int16_t> samples, std::span<std::int16_t> envelope);
 
 /// Finds the spoken part from the envelope of the whole recording, one value for each block and
 /// none negative, which is smoothed, cleared of noise and left so in place. `totalSamples` is the

@@ -1,45 +1,118 @@
 #include "voicemath/nearest_neighbours.h"
 
 #include <algorithm>
+#include <array>
+#include <cmath>
 #include <cstddef>
+#include <limits>
+#include <utility>
 
 namespace voicemath {
 namespace {
 
-/// Takes in a candidate. The candidates of one template come in the order of their indices.
-void Consider(Neighbour& nearest, std::size_t candidate, float distance) {
-  if (nearest.index < 0) {
-    nearest.index = static_cast<std::int32_t>(candidate);
-  }
-  if (distance < nearest.distance.Distance()) {
-    nearest.index = static_cast<std::int32_t>(candidate);
-    nearest.distance = DistanceBound(distance);
-  }
-}
+/// The search for all templates. Their outlines tell which pairs are likely: the best of them come
+/// first, and leave little to be compared.
+class NeighbourSearch {
+ public:
+  NeighbourSearch(std::span<const PreparedTemplate> templates, std::span<Neighbour> nearest)
+      : m_templates(templates), m_nearest(nearest) {}
 
-const DistanceBound& Looser(const DistanceBound& a, const DistanceBound& b) {
-  return a.Distance() < b.Distance() ? b : a;
-}
+  void Run() {
+    for (std::size_t i = 0; i < m_templates.size(); ++i) {
+      m_nearest[i] = {.index = m_templates.size() < 2 ? -1
+                               : i == 0               ? 1
+                                                      : 0,
+                      .distance = kMaxDistance};
+    }
+    CompareOutlines();
+    for (std::size_t i = 0; i < m_templates.size(); ++i) {
+      const std::size_t j = m_likeliest[i];
+      if (j != i) {
+        Compare(std::min(i, j), std::max(i, j));
+      }
+    }
+    for (std::size_t j = 1; j < m_templates.size(); ++j) {
+      for (std::size_t i = 0; i < j; ++i) {
+        Compare(i, j);
+      }
+    }
+  }
+
+ private:
+  /// Above every limit.
+  static constexpr std::uint32_t kCompared = std::numeric_limits<std::uint32_t>::max();
+
+  /// Which of two templates of the same length slides makes a difference.
+  [[nodiscard]] bool IsSymmetric(std::size_t i, std::size_t j) const {
+    return m_templates[i].Frames() != m_templates[j].Frames();
+  }
+
+  [[nodiscard]] std::uint32_t& OutlineOf(std::size_t i, std::size_t j) {
+    return m_outlines[j * (j - 1) / 2 + i];
+  }
+
+  void CompareOutlines() {
+    std::array<std::uint32_t, kMostTemplates> least{};
+    for (std::size_t j = 0; j < m_templates.size(); ++j) {
+      m_likeliest[j] = j;
+      for (std::size_t i = 0; i < j; ++i) {
+        std::uint32_t outline = LeastOutlineDistance(m_templates[i], m_templates[j]);
+        if (!IsSymmetric(i, j)) {
+          outline = std::min(outline, LeastOutlineDistance(m_templates[j], m_templates[i]));
+        }
+        OutlineOf(i, j) = outline;
+        NoteOutline(i, j, least[i]);
+        NoteOutline(j, i, least[j]);
+      }
+    }
+  }
+
+  void NoteOutline(std::size_t of, std::size_t other, std::uint32_t& least) {
+    const std::uint32_t outline = OutlineOf(std::min(of, other), std::max(of, other));
+    if (m_likeliest[of] == of || outline < least) {
+      m_likeliest[of] = other;
+      least = outline;
+    }
+  }
+
+  void Compare(std::size_t i, std::size_t j) {
+    const std::uint32_t outline = std::exchange(OutlineOf(i, j), kCompared);
+    const std::size_t further = m_reach[i].Distance() < m_reach[j].Distance() ? j : i;
+    if (!CanBeBelow(m_reach[further], m_templates[i], m_templates[j], outline)) {
+      return;
+    }
+    if (IsSymmetric(i, j)) {
+      const float both = TemplateDistance(m_templates[i], m_templates[j], m_reach[further]);
+      Consider(i, j, both);
+      Consider(j, i, both);
+    } else {
+      Consider(i, j, TemplateDistance(m_templates[i], m_templates[j], m_reach[i]));
+      Consider(j, i, TemplateDistance(m_templates[j], m_templates[i], m_reach[j]));
+    }
+  }
+
+  void Consider(std::size_t of, std::size_t candidate, float distance) {
+    Neighbour& nearest = m_nearest[of];
+    const auto index = static_cast<std::int32_t>(candidate);
+    if (distance < nearest.distance || (distance == nearest.distance && index < nearest.index)) {
+      nearest = {.index = index, .distance = distance};
+      // An equal distance decides as well, by its index.
+      m_reach[of] = DistanceBound(std::min(std::nextafter(distance, kMaxDistance), kMaxDistance));
+    }
+  }
+
+  std::span<const PreparedTemplate> m_templates;
+  std::span<Neighbour> m_nearest;
+  std::array<std::size_t, kMostTemplates> m_likeliest;
+  std::array<DistanceBound, kMostTemplates>
+      m_reach;  ///< What a comparison must be below to matter.
+  std::array<std::uint32_t, kMostTemplates*(kMostTemplates - 1) / 2> m_outlines;
+};
 
 }  // namespace
 
 void FindNearest(std::span<const PreparedTemplate> templates, std::span<Neighbour> nearest) {
-  std::ranges::fill(nearest, Neighbour{});
-  for (std::size_t i = 0; i < templates.size(); ++i) {
-    for (std::size_t j = i + 1; j < templates.size(); ++j) {
-      const PreparedTemplate& a = templates[i];
-      const PreparedTemplate& b = templates[j];
-      if (a.Frames() != b.Frames()) {
-        const float both = TemplateDistance(a, b, Looser(nearest[i].distance, nearest[j].distance));
-        Consider(nearest[i], j, both);
-        Consider(nearest[j], i, both);
-      } else {
-        // Which of the two slides makes a difference.
-        Consider(nearest[i], j, TemplateDistance(a, b, nearest[i].distance));
-        Consider(nearest[j], i, TemplateDistance(b, a, nearest[j].distance));
-      }
-    }
-  }
+  NeighbourSearch(templates, nearest).Run();
 }
 
 }  // namespace voicemath

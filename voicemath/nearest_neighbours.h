@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 
@@ -8,16 +9,18 @@
 
 namespace voicemath {
 
+inline constexpr std::size_t kMostTemplates = 100;
+
 /// The template that is most easily confused with another one.
 struct Neighbour {
-  std::int32_t index = -1;  ///< -1 only where there is no other template.
-  DistanceBound distance;   ///< That of kMaxDistance where no template is nearer.
+  std::int32_t index = -1;        ///< -1 only where there is no other template.
+  float distance = kMaxDistance;  ///< And so where no template is nearer.
 };
 
 /// Finds for each template the nearest other one; of several at the same distance the one with the
 /// lowest index, which is the first other one where all are kMaxDistance away. The template in
 /// whose place the search stands counts as the first of TemplateDistance. `nearest` is as long as
-/// `templates`.
+/// `templates`, at most kMostTemplates.
 void FindNearest(std::span<const PreparedTemplate> templates, std::span<Neighbour> nearest);
 
 }  // namespace voicemath

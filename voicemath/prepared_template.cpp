@@ -11,8 +11,8 @@ namespace {
 /// Values above this are far beyond the norm's reach. Below it a grid value fits into 15 bits.
 constexpr float kLargestShape = 1.25F;
 
-/// Limit of the sum of squares of a grid, twice what a norm of 1 gives. No sum of products of two
-/// grids, and no part of one, can then leave 32 bits.
+/// Limit of the sum of squares of a grid, twice what a norm of 1 gives. A group of the outline then
+/// fits into 16 bits.
 constexpr std::int64_t kLargestSquares =
     std::int64_t{2} * PreparedTemplate::kGridSteps * PreparedTemplate::kGridSteps;
 
@@ -30,6 +30,13 @@ float ReciprocalNorm(std::span<const float> values) {
   return 1.0F / norm;
 }
 
+/// As many numbers, not initialised where they need not be; false without memory for them.
+template <typename T>
+bool Make(std::unique_ptr<T[]>& numbers, std::size_t count) {
+  numbers.reset(new (std::nothrow) T[count]);
+  return numbers != nullptr;
+}
+
 /// Nearest point of the grid, a tie going up: never further than half a step. The product with a
 /// power of two is exact, and so is the rest.
 std::int16_t OnGrid(float shape) {
@@ -43,17 +50,7 @@ std::int16_t OnGrid(float shape) {
 bool PreparedTemplate::Prepare(std::span<const float> values) {
   PreparedTemplate made;
   const std::size_t frames = values.size() / kBandCount;
-  made.m_frames = static_cast<std::int32_t>(frames);
-  made.m_rootOfSize =
-      static_cast<std::int32_t>(std::ceil(std::sqrt(static_cast<double>(frames * kBandCount))));
-  made.m_bandLength = frames + 2 * kFloatLanes;
-  made.m_shape.reset(new (std::nothrow) float[made.m_bandLength * kBandCount]);
-  made.m_grid.reset(new (std::nothrow) std::int16_t[frames * kBandCount + kGridBlock]);
-  made.m_heldGrid.reset(
-      new (std::nothrow)
-          std::int16_t[(frames + 2 * std::size_t{kHeldFrames}) * kBandCount + kHeldZeros]);
-  made.m_sums.reset(new (std::nothrow) GridSums[frames + 1]);
-  if (!made.m_shape || !made.m_grid || !made.m_heldGrid || !made.m_sums) {
+  if (!made.Allocate(frames)) {
     return false;
   }
   if (frames > 0) {
@@ -62,21 +59,42 @@ bool PreparedTemplate::Prepare(std::span<const float> values) {
   }
   if (made.m_isOnGrid) {
     made.FillHeldGrid();
+    made.FillOutline();
   }
   *this = std::move(made);
   return true;
 }
 
+bool PreparedTemplate::Allocate(std::size_t frames) {
+  const std::size_t values = frames * kBandCount;
+  const std::size_t heldFrames = frames + 2 * std::size_t{kHeldFrames};
+  m_frames = static_cast<std::int32_t>(frames);
+  m_rootOfSize = static_cast<std::int32_t>(std::ceil(std::sqrt(static_cast<double>(values))));
+  m_bandLength = frames + 2 * kFloatLanes;
+  m_slidRow = heldFrames / kGroupFrames + 2;
+  return Make(m_shape, m_bandLength * kBandCount) && Make(m_shapeByFrame, values) &&
+         Make(m_grid, values + kGridBlock) &&
+         Make(m_heldGrid, heldFrames * kBandCount + kHeldZeros) &&
+         Make(m_heldSquares, heldFrames + 1) && Make(m_sums, frames + 1) &&
+         Make(m_outline, frames / kGroupFrames * kBandCount + kGridBlock) &&
+         Make(m_slidOutline, kGroupFrames * m_slidRow * kBandCount + kGridBlock) &&
+         Make(m_slidSquares, kGroupFrames * m_slidRow);
+}
+
 void PreparedTemplate::FillShape(std::span<const float> values) {
   const float scale = ReciprocalNorm(values);
   const auto last = static_cast<std::size_t>(m_frames) - 1;
+  for (std::size_t i = 0; i < (last + 1) * kBandCount; ++i) {
+    m_shapeByFrame[i] = values[i] * scale;
+  }
+  m_isSteady = std::equal(ShapeByFrame(1), ShapeByFrame(m_frames), ShapeByFrame(0));
   for (std::size_t band = 0; band < kBandCount; ++band) {
     float* at = m_shape.get() + band * m_bandLength;
-    at = std::fill_n(at, kFloatLanes, values[band] * scale);
+    at = std::fill_n(at, kFloatLanes, m_shapeByFrame[band]);
     for (std::size_t frame = 0; frame <= last; ++frame) {
-      *at++ = values[frame * kBandCount + band] * scale;
+      *at++ = m_shapeByFrame[frame * kBandCount + band];
     }
-    std::fill_n(at, kFloatLanes, values[last * kBandCount + band] * scale);
+    std::fill_n(at, kFloatLanes, m_shapeByFrame[last * kBandCount + band]);
   }
 }
 
@@ -107,10 +125,42 @@ bool PreparedTemplate::FillGrid() {
 
 void PreparedTemplate::FillHeldGrid() {
   std::int16_t* at = m_heldGrid.get();
+  std::uint32_t* squares = m_heldSquares.get();
+  std::uint32_t sum = 0;
   for (std::int32_t frame = -kHeldFrames; frame < m_frames + kHeldFrames; ++frame) {
-    at = std::copy_n(Grid(std::clamp(frame, 0, m_frames - 1)), kBandCount, at);
+    const std::int32_t held = std::clamp(frame, 0, m_frames - 1);
+    at = std::copy_n(Grid(held), kBandCount, at);
+    *squares++ = sum;
+    sum += static_cast<std::uint32_t>(Square(held));
   }
+  *squares = sum;
   std::fill_n(at, kHeldZeros, std::int16_t{0});
+}
+
+void PreparedTemplate::FillOutline() {
+  std::fill_n(m_slidSquares.get(), kGroupFrames, 0U);
+  // What follows the last group is multiplied by zeros.
+  std::fill_n(m_slidOutline.get(), kGroupFrames * m_slidRow * kBandCount, std::int16_t{0});
+  std::uint32_t* squares = m_slidSquares.get() + kGroupFrames;
+  const std::int32_t end = m_frames + kHeldFrames - kGroupFrames;
+  for (std::int32_t frame = -kHeldFrames; frame <= end; ++frame, ++squares) {
+    const std::int16_t* of = HeldGrid(frame);
+    std::int16_t* at = m_slidOutline.get() + SlidPlace(frame) * kBandCount;
+    *squares = squares[-kGroupFrames];
+    for (std::size_t band = 0; band < kBandCount; ++band, ++of, ++at) {
+      const std::int32_t four = of[0] + of[kBandCount] + of[2 * kBandCount] + of[3 * kBandCount];
+      *at = static_cast<std::int16_t>((four + 1) / 2);
+      *squares += static_cast<std::uint32_t>(*at * *at);
+    }
+  }
+  // Behind the last group, more than kGroupFrames sums are asked for and then thrown away.
+  std::fill(squares, m_slidSquares.get() + kGroupFrames * m_slidRow, 0U);
+  std::fill_n(m_slidOutline.get() + kGroupFrames * m_slidRow * kBandCount, kGridBlock,
+              std::int16_t{0});
+  std::int16_t* const behind =
+      std::copy_n(SlidOutline(0), static_cast<std::size_t>(Groups()) * kBandCount, m_outline.get());
+  std::fill_n(behind, kGridBlock, std::int16_t{0});
+  m_outlineSquares = *SlidOutlineSquares(Groups() * kGroupFrames) - *SlidOutlineSquares(0);
 }
 
 }  // namespace voicemath

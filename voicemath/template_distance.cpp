@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "voicemath/grid_distance.h"
 #include "voicemath/vector_clones.h"
 
 // Why most shifts need no exact sum.
@@ -27,15 +28,16 @@
 // Together: where the grid distance is at least the square of
 //     G sqrt(B + 2^-100) + (n + 3) / 724 + sqrt(n),
 // the shift cannot win. GridRoot() is not below the first term, RootOfSize() not below the last.
+//
+// Most need not even the grid distance, but only that of the outlines.
+//
+// (4) From outline to grid. The square of the sum of four differences is at most four times the sum
+//     of their squares, so half the sums of groups of four frames are no further from each other
+//     than p and q. Rounded to whole numbers, all up, at most n / 4 differences change by at most
+//     1 / 2, so the root of the outline distance is above ||p - q|| by at most sqrt(n) / 4.
 
 namespace voicemath {
 namespace {
-
-/// How far the shorter template may run out at either end of the longer one, in frames.
-constexpr std::int32_t kLead = 2;
-
-/// Shifts that are looked at together: those of two words of usual lengths.
-constexpr std::int32_t kShiftsAtOnce = 64;
 
 constexpr auto kStep = static_cast<std::int32_t>(kProductLanes);
 constexpr auto kLanes = static_cast<std::int32_t>(kFloatLanes);
@@ -48,89 +50,7 @@ using Lanes [[gnu::vector_size(sizeof(float) * kFloatLanes)]] = float;
 /// The same where they lie in an array of floats.
 using LanesInArray [[gnu::vector_size(sizeof(float) * kFloatLanes), gnu::aligned(alignof(float)),
                      gnu::may_alias]] = float;
-using ProductSums = std::array<std::int32_t, kProductLanes>;
 using LaneSums = std::array<float, kFloatLanes>;
-
-constexpr std::size_t Place(std::int32_t index) { return static_cast<std::size_t>(index); }
-
-struct Pair {
-  const PreparedTemplate& shorter;
-  const PreparedTemplate& longer;
-
-  [[nodiscard]] std::int32_t LowestShift() const {
-    return shorter.Frames() - longer.Frames() - kLead;
-  }
-  [[nodiscard]] std::int32_t ShiftCount() const { return kLead - LowestShift() + 1; }
-};
-
-/// Sums of products of `count` values of `a` with those of `b`, with those of `b` from the next
-/// frame on, and so on. Behind the `count` values at least one side has zeros.
-VOXTREL_INLINE ProductSums GridProducts(const std::int16_t* a, const std::int16_t* b,
-                                        std::int32_t count) {
-  constexpr auto kBlock = static_cast<std::int32_t>(PreparedTemplate::kGridBlock);
-  const std::int32_t whole = (count + kBlock - 1) / kBlock * kBlock;
-  ProductSums sums{};
-  VOXTREL_UNROLL
-  for (std::int32_t i = 0; i < whole; ++i) {
-    for (std::size_t lane = 0; lane < kProductLanes; ++lane) {
-      sums[lane] +=
-          std::int32_t{a[i]} * std::int32_t{b[static_cast<std::size_t>(i) + lane * kBandCount]};
-    }
-  }
-  return sums;
-}
-
-/// Sum of products of one frame with all frames of `other` from `begin` to `end`.
-VOXTREL_INLINE std::int64_t HeldProduct(const std::int16_t* frame, const PreparedTemplate& other,
-                                        std::int32_t begin, std::int32_t end) {
-  std::int64_t sum = 0;
-  for (std::size_t band = 0; band < kBandCount && begin < end; ++band) {
-    sum += std::int64_t{frame[band]} *
-           (other.SumsBefore(end).bands[band] - other.SumsBefore(begin).bands[band]);
-  }
-  return sum;
-}
-
-/// Sum of the squares of the shorter grid as one shift holds it against the longer one.
-VOXTREL_INLINE std::int64_t SlidSquares(const Pair& pair, std::int32_t shift) {
-  const auto& [shorter, longer] = pair;
-  const std::int32_t last = shorter.Frames() - 1;
-  const std::int32_t before = std::clamp(-shift, 0, longer.Frames());
-  const std::int32_t behind = std::clamp(longer.Frames() - 1 + shift - last, 0, longer.Frames());
-  const std::int32_t from = std::clamp(shift, 0, last + 1);
-  const std::int32_t to = from + longer.Frames() - before - behind;
-  return std::int64_t{before} * shorter.Square(0) + std::int64_t{behind} * shorter.Square(last) +
-         shorter.SumsBefore(to).squares - shorter.SumsBefore(from).squares;
-}
-
-/// Sums of the squared differences of the two grids at `shift` and the kProductLanes - 1 shifts
-/// above it.
-VOXTREL_INLINE std::array<std::int64_t, kProductLanes> GridDistances(const Pair& pair,
-                                                                     std::int32_t shift) {
-  constexpr std::int32_t kHeld = PreparedTemplate::kHeldFrames;
-  const PreparedTemplate& shorter = pair.shorter;
-  const PreparedTemplate& longer = pair.longer;
-  const std::int32_t frames = longer.Frames();
-  // Frames of the longer one before `begin`, whichever of the shifts it is, and from `end` on are
-  // beyond what the held grid repeats of the shorter one's ends.
-  const auto endAt = [&](std::int32_t at) {
-    return std::clamp(shorter.Frames() - at + kHeld, 0, frames);
-  };
-  const std::int32_t begin = std::clamp(-shift - kHeld, 0, frames);
-  const ProductSums products =
-      GridProducts(longer.Grid(begin), shorter.HeldGrid(begin + shift),
-                   (endAt(shift) - begin) * static_cast<std::int32_t>(kBandCount));
-  const std::int64_t headProduct = HeldProduct(shorter.Grid(0), longer, 0, begin);
-  std::array<std::int64_t, kProductLanes> distances;
-  for (std::size_t lane = 0; lane < kProductLanes; ++lane) {
-    const std::int32_t laneShift = shift + static_cast<std::int32_t>(lane);
-    const std::int64_t tailProduct =
-        HeldProduct(shorter.Grid(shorter.Frames() - 1), longer, endAt(laneShift), frames);
-    distances[lane] = longer.SumsBefore(frames).squares + SlidSquares(pair, laneShift) -
-                      2 * (headProduct + products[lane] + tailProduct);
-  }
-  return distances;
-}
 
 /// The float sums of `shift` and the kLanes - 1 shifts above it. Gives up, with some sums that are
 /// not below `bound`, as soon as none is: they never fall, and one that is no number never wins.
@@ -139,13 +59,18 @@ VOXTREL_INLINE LaneSums ExactSums(const Pair& pair, std::int32_t shift, float bo
   Lanes sums{};
   LaneSums told{};
   const auto canWin = [bound](float sum) { return sum < bound; };
+  std::array<const float*, kBandCount> slid;
+  for (std::size_t band = 0; band < kBandCount; ++band) {
+    slid[band] = shorter.Shape(band, 0);
+  }
   for (std::int32_t frame = 0; frame < longer.Frames() && std::ranges::any_of(told, canWin);) {
     const std::int32_t look = std::min(frame + kFramesBetweenLooks, longer.Frames());
     for (; frame < look; ++frame) {
       const std::int32_t held = std::clamp(frame + shift, -kLanes, shorter.Frames());
+      const float* fixed = longer.ShapeByFrame(frame);
       for (std::size_t band = 0; band < kBandCount; ++band) {
-        const Lanes values = *reinterpret_cast<const LanesInArray*>(shorter.Shape(band, held));
-        const Lanes differences = values - *longer.Shape(band, frame);
+        const Lanes values = *reinterpret_cast<const LanesInArray*>(slid[band] + held);
+        const Lanes differences = values - fixed[band];
         const Lanes squares = differences * differences;
         sums += squares;
       }
@@ -153,6 +78,20 @@ VOXTREL_INLINE LaneSums ExactSums(const Pair& pair, std::int32_t shift, float bo
     std::memcpy(told.data(), &sums, sizeof sums);
   }
   return told;
+}
+
+/// The root of the grid distance from which on no shift can win; derived above.
+VOXTREL_INLINE std::int32_t GridLimitRoot(const PreparedTemplate& longer,
+                                          const DistanceBound& bound) {
+  const std::int32_t values = longer.Frames() * static_cast<std::int32_t>(kBandCount);
+  return bound.GridRoot() + longer.RootOfSize() + values / 512 + 1;
+}
+
+/// The outline distance from which on no shift can win; derived above.
+VOXTREL_INLINE std::uint32_t OutlineLimit(const PreparedTemplate& longer,
+                                          const DistanceBound& bound) {
+  const std::int32_t root = GridLimitRoot(longer, bound) + longer.RootOfSize() / 4 + 1;
+  return static_cast<std::uint32_t>(root * root);
 }
 
 /// Looks for the shift with the smallest sum below a bound.
@@ -172,29 +111,19 @@ class Search {
     }
   }
 
-  /// Does so for all of the `count` shifts from the `index`-th on that can win, the likeliest
-  /// first: the lower the bound, the fewer are left.
+  /// Does so for all of the `count` shifts from the `index`-th on that can win, beginning about the
+  /// likeliest: the lower the bound, the fewer are left.
   VOXTREL_INLINE void TryPromising(std::int32_t index, std::int32_t count) {
-    std::array<std::int64_t, kShiftsAtOnce> grid;
-    std::int32_t likeliest = 0;
-    for (std::int32_t i = 0; i < count; i += kStep) {
-      const auto distances = GridDistances(m_pair, m_pair.LowestShift() + index + i);
-      for (std::int32_t at = i; at < std::min(i + kStep, count); ++at) {
-        grid[Place(at)] = distances[Place(at - i)];
-        likeliest = grid[Place(at)] < grid[Place(likeliest)] ? at : likeliest;
-      }
+    const OutlineDistances outlines(m_pair);
+    const auto likeliest = static_cast<std::int32_t>(
+        std::min_element(outlines.At(0), outlines.At(count)) - outlines.At(0));
+    const std::int32_t first = std::clamp(likeliest - kLanes / 2, 0, std::max(count - kLanes, 0));
+    TryIfPromising(index, first, count, outlines);
+    for (std::int32_t i = 0; i < first; i += kLanes) {
+      TryIfPromising(index, i, first, outlines);
     }
-    if (grid[Place(likeliest)] >= GridLimit()) {
-      return;
-    }
-    const std::int32_t first = likeliest / kLanes * kLanes;
-    Try(index + first);
-    for (std::int32_t i = 0; i < count; i += kLanes) {
-      const auto lanes = grid.begin() + i;
-      if (i != first &&
-          *std::min_element(lanes, lanes + std::min(kLanes, count - i)) < GridLimit()) {
-        Try(index + i);
-      }
+    for (std::int32_t i = first + kLanes; i < count; i += kLanes) {
+      TryIfPromising(index, i, count, outlines);
     }
   }
 
@@ -202,11 +131,33 @@ class Search {
   /// An order in which what is no number comes last.
   static bool IsLower(float a, float b) { return a < b || (b != b && a == a); }
 
-  /// The grid distance from which on no shift can win; derived above.
-  [[nodiscard]] std::int64_t GridLimit() const {
-    const std::int32_t values = m_pair.longer.Frames() * static_cast<std::int32_t>(kBandCount);
-    const std::int64_t root = m_bound.GridRoot() + m_pair.longer.RootOfSize() + values / 512 + 1;
-    return root * root;
+  /// Tries kLanes shifts, or those up to the `end`-th, where one of them can win.
+  VOXTREL_INLINE void TryIfPromising(std::int32_t index, std::int32_t begin, std::int32_t end,
+                                     const OutlineDistances& outlines) {
+    end = std::min(begin + kLanes, end);
+    const std::uint32_t limit = OutlineLimit(m_pair.longer, m_bound);
+    for (std::int32_t i = begin; i < end; i += kStep) {
+      const std::int32_t lanes = std::min(kStep, end - i);
+      if (*std::min_element(outlines.At(i), outlines.At(i + lanes)) < limit &&
+          IsPromisingOnGrid(index + i, lanes)) {
+        Try(index + begin);
+        return;
+      }
+    }
+  }
+
+  /// Whether one of `lanes` shifts, at most kStep, can win.
+  VOXTREL_INLINE bool IsPromisingOnGrid(std::int32_t index, std::int32_t lanes) const {
+    if (m_pair.IsNear() && Best() == kMaxDistance) {
+      return true;  // Most are below it.
+    }
+    const std::int64_t root = GridLimitRoot(m_pair.longer, m_bound);
+    const auto anyIsBelow = [&](const auto& distances) {
+      return *std::min_element(distances.begin(), distances.begin() + lanes) < root * root;
+    };
+    const std::int32_t shift = m_pair.LowestShift() + index;
+    return m_pair.IsNear() ? anyIsBelow(GridDistances(m_pair, shift))
+                           : anyIsBelow(FarGridDistances(m_pair, shift));
   }
 
   const Pair& m_pair;
@@ -225,19 +176,16 @@ DistanceBound::DistanceBound(float distance)
 VOXTREL_VECTOR_CLONES
 float TemplateDistance(const PreparedTemplate& a, const PreparedTemplate& b,
                        const DistanceBound& bound) {
-  const bool swapped = b.Frames() < a.Frames();
-  const Pair pair{swapped ? b : a, swapped ? a : b};
+  const Pair pair(a, b);
   if (pair.shorter.Frames() == 0) {
     const float distance = pair.longer.Frames() == 0 ? 0.0F : kMaxDistance;
     return std::min(distance, bound.Distance());
   }
-  // A single frame is held against all frames whatever the shift is.
-  const std::int32_t shifts = pair.shorter.Frames() == 1 ? 1 : pair.ShiftCount();
-  const bool screened = a.IsOnGrid() && b.IsOnGrid();
+  const std::int32_t shifts = pair.ShiftCount();
   Search search(pair, bound);
   for (std::int32_t index = 0; index < shifts && search.Best() > 0.0F; index += kShiftsAtOnce) {
     const std::int32_t count = std::min(kShiftsAtOnce, shifts - index);
-    if (screened) {
+    if (pair.IsOnGrid()) {
       search.TryPromising(index, count);
     } else {
       for (std::int32_t i = 0; i < count; i += kLanes) {
@@ -246,6 +194,20 @@ float TemplateDistance(const PreparedTemplate& a, const PreparedTemplate& b,
     }
   }
   return search.Best();
+}
+
+VOXTREL_VECTOR_CLONES
+std::uint32_t LeastOutlineDistance(const PreparedTemplate& a, const PreparedTemplate& b) {
+  const Pair pair(a, b);
+  if (pair.shorter.Frames() == 0 || !pair.IsNear()) {
+    return 0;
+  }
+  return OutlineDistances(pair).Least();
+}
+
+bool CanBeBelow(const DistanceBound& bound, const PreparedTemplate& a, const PreparedTemplate& b,
+                std::uint32_t leastOutlineDistance) {
+  return leastOutlineDistance < OutlineLimit(a.Frames() < b.Frames() ? b : a, bound);
 }
 
 float TemplateDistance(std::span<const float> a, std::span<const float> b) {

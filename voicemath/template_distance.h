@@ -42,4 +42,13 @@ class DistanceBound {
 /// kMaxDistance where there is none.
 [[nodiscard]] float TemplateDistance(std::span<const float> a, std::span<const float> b);
 
+/// A number that rises with the distance, roughly, and costs a fraction of it. 0 where it says
+/// nothing.
+[[nodiscard]] std::uint32_t LeastOutlineDistance(const PreparedTemplate& a,
+                                                 const PreparedTemplate& b);
+
+/// Whether the distance of two templates with this LeastOutlineDistance may be below `bound`.
+[[nodiscard]] bool CanBeBelow(const DistanceBound& bound, const PreparedTemplate& a,
+                              const PreparedTemplate& b, std::uint32_t leastOutlineDistance);
+
 }  // namespace voicemath

@@ -45,6 +45,8 @@ namespace voicemath {
 inline constexpr std::size_t kFloatLanes = 1;
 /// How many frames are transformed side by side.
 inline constexpr std::size_t kFrameLanes = 1;
+/// Whether there are vectors.
+inline constexpr bool kVectorsFast = false;
 /// A sample, or a sum of some of them, where it is as good a whole number as a float.
 using LaneSample = std::int32_t;
 /// How many sums of 16-bit products are formed side by side.
@@ -56,6 +58,7 @@ inline constexpr bool kRootsFast = false;
 #else
 inline constexpr std::size_t kFloatLanes = 8;
 inline constexpr std::size_t kFrameLanes = 8;
+inline constexpr bool kVectorsFast = true;
 using LaneSample = float;
 inline constexpr std::size_t kProductLanes = 4;
 inline constexpr bool kMultipliesFast = true;

@@ -130,7 +130,7 @@ std::int32_t CVoiceMathematics::ComputeThresholds() {
     const std::size_t stored = GetStoredCount();
     FindNearest(std::span(nearest).first(stored));
     for (std::size_t slot = 0; slot < stored; ++slot) {
-      const float distance = nearest[slot].distance.Distance();
+      const float distance = nearest[slot].distance;
       const float share = distance / static_cast<float>(m_count);
       m_thresholds[slot] = distance - share;
     }

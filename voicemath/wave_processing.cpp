@@ -11,6 +11,7 @@
 #include "audio/wave_header.h"
 #include "platform/little_endian.h"
 #include "voicemath/band_features.h"
+#include "voicemath/block_envelope.h"
 #include "voicemath/sample_file.h"
 #include "voicemath/voice_mathematics.h"
 

@@ -1,4 +1,5 @@
 #include "voicemath/endpoint_detector.h"
+#include "voicemath/block_envelope.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,118 +1,23 @@
-// The fast forms of the mathematics against the literal twins, bit for bit, in numbers.
+// The fast comparisons of templates against the literal twins, bit for bit, in numbers.
 
 #include <algorithm>
 #include <array>
 #include <bit>
 #include <cmath>
 #include <cstdint>
-#include <string>
 #include <vector>
 
 #include "gtest/gtest.h"
 #include "tests/support/signals.h"
-#include "tests/voicemath/bits.h"
 #include "tests/voicemath/twins/features.h"
 #include "tests/voicemath/twins/matching.h"
-#include "tests/voicemath/twins/speech_bounds.h"
-#include "voicemath/band_features.h"
-#include "voicemath/endpoint_detector.h"
-#include "voicemath/magnitude.h"
 #include "voicemath/nearest_neighbours.h"
 #include "voicemath/template_distance.h"
 
 namespace voicemath {
 namespace {
 
-using support::Samples;
 using twins::Template;
-
-constexpr std::uint32_t kUtterances = 1000;
-
-/// The literal transform takes an emulated machine without floating-point unit as long as all else
-/// in these tests together.
-#if defined(__SOFTFP__)
-constexpr std::uint32_t kTransforms = 100;
-#else
-constexpr std::uint32_t kTransforms = kUtterances;
-#endif
-
-/// Speech, noise of every strength, full scale, and what makes 16-bit distances wrap, in turn.
-Samples DrawUtterance(std::uint32_t seed) {
-  const std::size_t count = 1024 + 97 * (seed % 60);
-  switch (seed % 4) {
-    case 0: {
-      Samples word = support::Tone(count / 2, 20.0 + seed % 200, 200.0 + 30.0 * seed);
-      return support::Mixed(support::Noise(count, 60, seed), count / 4, word);
-    }
-    case 1:
-      return support::Noise(count, 1 << (seed / 4 % 15), seed);
-    case 2:
-      return support::Extremes(count, seed);
-    default:
-      return support::Square(count, 1 + seed % 300, 32767, -32768);
-  }
-}
-
-TEST(FastEndpointDetection, EqualsItsTwinOnAThousandUtterances) {
-  int wrapped = 0;
-  for (std::uint32_t seed = 0; seed < kUtterances; ++seed) {
-    const Samples samples = DrawUtterance(seed);
-    std::vector<std::int16_t> expected(samples.size() / kBlockStep - 1);
-    for (std::size_t block = 0; block < expected.size(); ++block) {
-      const auto of = std::span(samples).subspan(block * kBlockStep, kBlockSamples);
-      expected[block] = twins::BlockEnvelope(of);
-      wrapped += std::ranges::max(of) - std::ranges::min(of) > 65000 ? 1 : 0;
-    }
-    std::vector<std::int16_t> envelope(expected.size());
-    MeasureEnvelope(samples, envelope);
-    ASSERT_EQ(envelope, expected) << seed;
-
-    const auto bytes = static_cast<std::uint32_t>(2 * samples.size());
-    const twins::SpeechSearch search = twins::LocateSpeech(expected, bytes);
-    const auto speech = LocateSpeech(envelope, bytes / 2);
-    ASSERT_EQ(speech.has_value(), search.found) << seed;
-    if (speech) {
-      ASSERT_EQ(*speech, (Segment{search.firstSample, search.lastSample})) << seed;
-    }
-  }
-  EXPECT_GT(wrapped, 1000);
-}
-
-TEST(FastTransform, EqualsItsTwinOnUtterances) {
-  constexpr std::uint32_t kTogether = 20;  // No multiple of the lanes: some are left over.
-  for (std::uint32_t begin = 0; begin < kTransforms; begin += kTogether) {
-    Samples frames;
-    for (std::uint32_t seed = begin; seed < begin + kTogether; ++seed) {
-      const Samples samples = DrawUtterance(seed);
-      frames.insert(frames.end(), samples.begin(), samples.begin() + kFrameSamples);
-    }
-    std::array<float, kTogether * kBandCount> bands{};
-    BandFeatures(frames, kFrameSamples, bands);
-    for (std::size_t frame = 0; frame < kTogether; ++frame) {
-      const auto of = std::span(frames).subspan(frame * kFrameSamples, kFrameSamples);
-      ASSERT_EQ(BitsOf(std::span(bands).subspan(frame * kBandCount, kBandCount)),
-                BitsOf(twins::FrameBands(of)))
-          << begin + frame;
-    }
-  }
-}
-
-TEST(Magnitude, InIntegersEqualsThatInDouble) {
-  std::mt19937 random(20);
-  for (int round = 0; round < 20000; ++round) {
-    // Of like and of very unlike size, from what is no normal number up; zeros; whole numbers.
-    float re = DrawFloat(random, round % 4 == 0 ? 0 : 120, round % 4 == 0 ? 250 : 30);
-    float im = round % 16 == 1 ? re : DrawFloat(random, round % 4 == 0 ? 0 : 120, 30);
-    if (round % 4 == 2) {
-      re = static_cast<float>(support::Draw(random, 1000));
-      im = static_cast<float>(support::Draw(random, 1000));
-    }
-    const auto weight = static_cast<std::int32_t>(1 + support::Draw(random, 255));
-    ASSERT_EQ(std::bit_cast<std::uint32_t>(WeighMagnitudeInIntegers(re, im, weight)),
-              std::bit_cast<std::uint32_t>(WeighMagnitudeInDouble(re, im, weight)))
-        << re << ' ' << im << ' ' << weight;
-  }
-}
 
 /// Syllables: values that swell and fade, alike in words with the same `kind`.
 Template DrawWord(std::mt19937& random, std::size_t frames, std::uint32_t kind) {
@@ -216,7 +121,7 @@ TEST(FindNearest, EqualsTheSearchRowByRow) {
       }
     }
     EXPECT_EQ(nearest[i].index, index) << i;
-    EXPECT_EQ(nearest[i].distance.Distance(), best) << i;
+    EXPECT_EQ(nearest[i].distance, best) << i;
   }
 }
 

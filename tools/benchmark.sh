@@ -1,0 +1,106 @@
+#!/usr/bin/env bash
+# Measures the speech mathematics and prints one table: times and their ratios to the product's, for
+# the vectors that the processor has and for the narrowest ones, and instructions of one run on this
+# processor and on 32-bit ARM without floating-point unit. Installs what that takes.
+#
+#   tools/benchmark.sh
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+programs=build/benchmark/benchmarks
+on_arm=build/arm/benchmarks/voicemath_table
+
+say() { echo "$*" >&2; }
+
+say 'Installing and building'
+tools/install_packages.sh build test check benchmark >&2
+tools/build.sh benchmark voicemath_table voicemath_table_narrow voicemath_table_alone \
+  voicemath_table_alone_narrow instruction_counter
+tools/build.sh arm -DVOXTREL_BENCHMARKS=ON voicemath_table
+
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+
+# All instructions of a program, which is given a job, a way and how often to do it.
+with_callgrind() { # PROGRAM JOB WAY TIMES
+  valgrind --tool=callgrind --callgrind-out-file=/dev/null "$@" 2>&1 |
+    sed -n 's/.*Collected : \([0-9]*\).*/\1/p'
+}
+with_plugin() { # PROGRAM JOB WAY TIMES
+  qemu-arm -plugin "$programs/libinstruction_counter.so" "$@" 2>&1 | tail -n 1
+}
+
+# Instructions of one run: what many runs have more than one.
+of_one() { # COUNTER TIMES TOGETHER PROGRAM JOB WAY
+  local counter=$1 times=$2 together=$3 one many
+  shift 3
+  one=$("$counter" "$@" 1)
+  many=$("$counter" "$@" $((times + 1)))
+  echo $(((many - one) / times / together))
+}
+
+# JOB: together, runs of the product's way, runs of the literal one; none of that on ARM, where the
+# literal dialog takes an hour.
+count() { # JOB TOGETHER PRODUCT LITERAL
+  local job=$1 together=$2 way times literal_on_arm=1
+  [ "$job" != 'test dialog' ] || literal_on_arm=0
+  say "Counting the instructions of: $job"
+  for way in product literal; do
+    times=$3
+    [ $way = product ] || times=$4
+    [ "$times" -gt 0 ] || continue
+    printf '%s;%s;%s;%s;%s\n' "$job" $way \
+      "$(of_one with_callgrind "$times" "$together" $programs/voicemath_table_alone "$job" $way)" \
+      "$(of_one with_callgrind "$times" "$together" $programs/voicemath_table_alone_narrow "$job" $way)" \
+      "$([ $way = literal ] && [ $literal_on_arm = 0 ] && echo - ||
+        of_one with_plugin 1 1 $on_arm "$job" $way)"
+  done
+}
+
+say 'Measuring'
+$programs/voicemath_table 2>"$work/messages" >"$work/wide"
+$programs/voicemath_table_narrow 2>"$work/messages" >"$work/narrow"
+{
+  count transform 8 200 20
+  count 'endpoint detection' 1 200 20
+  count utterance 1 20 2
+  count preparation 1 200 0
+  count comparison 1 2000 200
+  count 'test dialog' 1 10 1
+} >"$work/counts"
+
+# The tables have columns of fixed width; the name of a job stands in its first line only.
+awk '
+  function trimmed(text) { sub(/ +$/, "", text); sub(/^ +/, "", text); return text }
+  FILENAME ~ /counts$/ {
+    split($0, part, ";")
+    wide_count[part[1], part[2]] = part[3]
+    narrow_count[part[1], part[2]] = part[4]
+    arm_count[part[1], part[2]] = part[5]
+    next
+  }
+  FNR == 1 { next }
+  {
+    if (substr($0, 1, 26) !~ /^ *$/) job = trimmed(substr($0, 1, 26))
+    way = trimmed(substr($0, 28, 34))
+    split(trimmed(substr($0, 62)), number, / +/)
+  }
+  FILENAME ~ /wide$/ {
+    order[++lines] = job SUBSEP way
+    wide[job, way] = number[1]; wide_ratio[job, way] = number[3]
+    next
+  }
+  { narrow[job, way] = number[1]; narrow_ratio[job, way] = number[3] }
+  function told(value) { return value == "" ? "-" : value }
+  END {
+    print "| job | way | wide, us | x | narrow, us | x | instructions, wide | narrow | ARM |"
+    print "| --- | --- | --- | --- | --- | --- | --- | --- | --- |"
+    for (line = 1; line <= lines; ++line) {
+      at = order[line]
+      split(at, name, SUBSEP)
+      printf "| %s | %s | %s | %s | %s | %s | %s | %s | %s |\n", name[1], name[2], wide[at], \
+        wide_ratio[at], narrow[at], narrow_ratio[at], told(wide_count[at]), \
+        told(narrow_count[at]), told(arm_count[at])
+    }
+  }
+' "$work/counts" "$work/wide" "$work/narrow"

@@ -1,0 +1,158 @@
+#include "voicemath/block_envelope.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstddef>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <type_traits>
+#include <utility>
+
+#include "voicemath/vector_clones.h"
+
+namespace voicemath {
+namespace {
+
+/// What a block needs to know of each of its halves.
+struct HalfBlock {
+  std::int32_t sum = 0;
+  std::int16_t lowest = 0;
+  std::int16_t highest = 0;
+};
+
+/// Samples side by side, and sums of them in as many bits.
+struct EightLanes {
+  static constexpr std::size_t kCount = 8;
+  using Samples [[gnu::vector_size(sizeof(std::int16_t) * kCount)]] = std::int16_t;
+  using Sums [[gnu::vector_size(sizeof(std::int16_t) * kCount)]] = std::uint16_t;
+
+  VOXTREL_INLINE static Samples At(const std::int16_t* samples) {
+    Samples values;
+    std::memcpy(&values, samples, sizeof values);
+    return values;
+  }
+  /// All bits, but for those of lanes that the last samples of a half block have in common with the
+  /// ones before.
+  VOXTREL_INLINE static Samples LastCounted() {
+    static_assert(kBlockStep % kCount == kCount - 1);
+    Samples counted = ~Samples{};
+    counted[0] = 0;
+    return counted;
+  }
+};
+/// A single one in what the processor calculates with.
+struct OneLane {
+  [[maybe_unused]] static constexpr std::size_t kCount = 1;
+  using Samples = std::int32_t;
+  using Sums = std::uint32_t;
+
+  VOXTREL_INLINE static Samples At(const std::int16_t* samples) { return *samples; }
+  VOXTREL_INLINE static Samples LastCounted() { return ~Samples{}; }
+};
+
+using InLanes = std::conditional_t<kVectorsFast, EightLanes, OneLane>;
+using SampleLanes = InLanes::Samples;
+using SumLanes = InLanes::Sums;
+
+VOXTREL_INLINE SampleLanes Higher(SampleLanes a, SampleLanes b) { return a > b ? a : b; }
+VOXTREL_INLINE SumLanes Sum(SumLanes a, SumLanes b) { return a + b; }
+
+/// Takes all lanes of `a` together, and all of `b`.
+template <typename AnyLanes>
+VOXTREL_INLINE auto Fold(AnyLanes a, AnyLanes b, AnyLanes together(AnyLanes, AnyLanes)) {
+  if constexpr (std::is_integral_v<AnyLanes>) {
+    return std::pair(a, b);
+  } else {
+    a = together(__builtin_shufflevector(a, b, 0, 8, 1, 9, 2, 10, 3, 11),
+                 __builtin_shufflevector(a, b, 4, 12, 5, 13, 6, 14, 7, 15));
+    a = together(a, __builtin_shufflevector(a, a, 4, 5, 6, 7, 0, 1, 2, 3));
+    a = together(a, __builtin_shufflevector(a, a, 2, 3, 0, 1, 6, 7, 4, 5));
+    const auto ofA = a[0];
+    const auto ofB = a[1];
+    return std::pair(ofA, ofB);
+  }
+}
+
+/// All in 16 bits. A sum of few samples is told by two that fit: that of their upper halves, v >>
+/// 8, and that of their lower ones, which is what 256 times the first lacks of the sum of the
+/// samples, however often that wraps.
+class HalfBlockLanes {
+ public:
+  VOXTREL_INLINE explicit HalfBlockLanes(SampleLanes values)
+      : m_highest(values),
+        m_lowest(values),
+        m_sum(std::bit_cast<SumLanes>(values)),
+        m_upperSum(values >> 8) {}
+
+  /// Those without a bit in `counted` have been added before.
+  VOXTREL_INLINE void Take(SampleLanes values, SampleLanes counted) {
+    m_highest = Higher(m_highest, values);
+    m_lowest = values < m_lowest ? values : m_lowest;
+    m_sum += std::bit_cast<SumLanes>(values & counted);
+    m_upperSum += (values & counted) >> 8;
+  }
+
+  [[nodiscard]] VOXTREL_INLINE HalfBlock Together() const {
+    const auto uppers = std::bit_cast<SumLanes>(m_upperSum);
+    const auto [upperSum, lowerSum] = Fold(uppers, m_sum - (uppers << 8), Sum);
+    // ~v always fits, and rises where v falls.
+    const auto [highest, highestInverse] = Fold(m_highest, ~m_lowest, Higher);
+    return {.sum = static_cast<std::int16_t>(upperSum) * 256 + static_cast<std::int32_t>(lowerSum),
+            .lowest = static_cast<std::int16_t>(~highestInverse),
+            .highest = static_cast<std::int16_t>(highest)};
+  }
+
+ private:
+  SampleLanes m_highest;
+  SampleLanes m_lowest;
+  SumLanes m_sum;
+  SampleLanes m_upperSum;
+};
+
+VOXTREL_INLINE HalfBlock MeasureHalf(const std::int16_t* samples) {
+  constexpr std::size_t kLast = kBlockStep - InLanes::kCount;
+  HalfBlockLanes lanes(InLanes::At(samples));
+  for (std::size_t at = InLanes::kCount; at < kLast; at += InLanes::kCount) {
+    lanes.Take(InLanes::At(samples + at), ~SampleLanes{});
+  }
+  // The last ones end with the half block.
+  lanes.Take(InLanes::At(samples + kLast), InLanes::LastCounted());
+  return lanes.Together();
+}
+
+}  // namespace
+
+VOXTREL_VECTOR_CLONES
+void MeasureEnvelope(std::span<const std::int16_t> samples, std::span<std::int16_t> envelope) {
+  HalfBlock first = MeasureHalf(samples.data());
+  for (std::size_t block = 0; block < envelope.size(); ++block) {
+    const HalfBlock second = MeasureHalf(samples.data() + (block + 1) * kBlockStep);
+    const std::int32_t mean = (first.sum + second.sum) / static_cast<std::int32_t>(kBlockSamples);
+    const std::int32_t largest = std::max(std::max(first.highest, second.highest) - mean,
+                                          mean - std::min(first.lowest, second.lowest));
+    // Where no distance leaves 16 bits the largest is that of the lowest or the highest sample.
+    envelope[block] =
+        largest <= std::numeric_limits<std::int16_t>::max()
+            ? static_cast<std::int16_t>(largest)
+            : BlockEnvelope(samples.subspan(block * kBlockStep).first<kBlockSamples>());
+    first = second;
+  }
+}
+
+std::int16_t BlockEnvelope(std::span<const std::int16_t, kBlockSamples> block) {
+  std::int32_t sum = 0;
+  for (const std::int16_t sample : block) {
+    sum += sample;
+  }
+  const std::int32_t mean = sum / static_cast<std::int32_t>(kBlockSamples);
+  std::int16_t largest = 0;
+  for (const std::int16_t sample : block) {
+    // Kept in 16 bits: a distance of 32,768 or more wraps to a negative value and never wins.
+    const std::int16_t distance = static_cast<std::int16_t>(std::abs(sample - mean));
+    largest = std::max(largest, distance);
+  }
+  return largest;
+}
+
+}  // namespace voicemath
