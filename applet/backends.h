@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "platform/posix/posix_clock.h"
 #include "platform/posix/posix_file_system.h"
@@ -54,6 +55,12 @@ class Backends {
 
   /// The settings below the root folder.
   [[nodiscard]] platform::Registry& GetRegistry();
+  /// Puts another registry in the place of that one. Registry and contacts asked for before are
+  /// gone then.
+  void UseRegistry(std::unique_ptr<platform::Registry> registry) {
+    m_contacts.reset();
+    m_registry = std::move(registry);
+  }
 
   /// The user's contacts. Logging on to other ones than the recorded tags are for fails. While a
   /// server is asked, the log-on waits as `threads` have it, which outlive this or its last log-on.

@@ -22,7 +22,8 @@ class ReinitProgress {
   /// The dialog was ended, or is about to go: whoever sees this leaves as soon as it can.
   [[nodiscard]] virtual bool IsGone() const = 0;
 
-  /// Lets the user close the dialog, which then goes on being shown.
+  /// Lets the user close the dialog, which then goes on being shown and tells that it may be
+  /// closed.
   virtual void LetUserClose() = 0;
 
   /// Ends the dialog with result 0.

@@ -78,6 +78,12 @@ bool ReinitProgressDialog::StartMonitor(std::int32_t tagCount) {
 
 void ReinitProgressDialog::Step() { GetWindow().StepProgress(resources::kProgressBarId); }
 
+void ReinitProgressDialog::LetUserClose() {
+  m_mayClose = true;
+  GetWindow().SetText(resources::kReinitWaitLine1Id, resources::kReinitGaveUp);
+  GetWindow().SetText(resources::kReinitWaitLine2Id, resources::kReinitMayClose);
+}
+
 void ReinitProgressDialog::OnPaint(platform::Canvas& canvas) {
   PaintHeader(canvas, m_texts(resources::kReinitTitle));
   if (!m_hasFonts) {

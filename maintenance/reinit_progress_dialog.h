@@ -39,7 +39,7 @@ class ReinitProgressDialog final : public framework::CDialog, private ReinitProg
   void Step() override;
   [[nodiscard]] platform::Event& GetDoneEvent() override { return *m_done; }
   [[nodiscard]] bool IsGone() const override { return m_isGone; }
-  void LetUserClose() override { m_mayClose = true; }
+  void LetUserClose() override;
   void End() override { EndDialog(0); }
 
   void CreateBar(std::int32_t tagCount);

@@ -148,7 +148,7 @@ class Checker {
       Report(StoreProblem::kNoRecording, tag);
       return false;
     }
-    if (m_mathematics.ProcessFile(kComputedSlot) != voicemath::kLearned) {
+    if (m_mathematics.ReadFile(kComputedSlot) != voicemath::kLearned) {
       Report(StoreProblem::kRecordingUnreadable, tag);
       return false;
     }

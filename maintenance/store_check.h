@@ -13,6 +13,7 @@ namespace maintenance {
 enum class StoreProblem : std::uint8_t {
   kRegistryUnreadable,  ///< The list of tags, or the entry of one, cannot be read.
   kFolderUnreadable,    ///< The search through a folder failed.
+  kContactsAway,        ///< For who asks for open contacts: the check itself never says so.
   kOtherVersion,        ///< The templates are those of another speech mathematics.
   kTooManyTags,
   kTagName,      ///< Not the number that the applet names a tag by.

@@ -17,6 +17,8 @@ Wording WordingOf(StoreProblem problem) {
       return {"registry-unreadable", "the settings cannot be read"};
     case kFolderUnreadable:
       return {"folder-unreadable", "not all files of the folder can be found"};
+    case kContactsAway:
+      return {"contacts-away", "the contacts cannot be read, so nothing is said about them"};
     case kOtherVersion:
       return {"other-version",
               "the templates were made by another version; they are computed anew when the tags "
@@ -44,7 +46,9 @@ Wording WordingOf(StoreProblem problem) {
     case kTemplateUnreadable:
       return {"template-unreadable", "the template cannot be read"};
     case kTemplateStale:
-      return {"template-stale", "the template is not what the recording gives"};
+      return {"template-stale",
+              "the template is not what the recording gives; `voxtrel reinit --force` computes all "
+              "of them anew"};
     case kRecordingWithoutTag:
       return {"recording-without-tag", "there is a recording and no tag"};
     case kTemplateWithoutTag:

@@ -12,7 +12,7 @@ bool RepairTemplate(const platform::Platform& platform, std::u16string_view tagN
   voicemath::CVoiceMathematics mathematics(platform.files, platform.ui);
   mathematics.m_wavePath = storage::WavePath(tagName);
   // Not LearnFile, which would trim the recording.
-  if (mathematics.ProcessFile(0) != voicemath::kLearned) {
+  if (mathematics.ReadFile(0) != voicemath::kLearned) {
     return false;
   }
   const std::u16string path = storage::TemplatePath(tagName);

@@ -97,10 +97,12 @@ std::u16string UnreadTagsMessage(const storage::TagTable& tags, const LoadedTemp
       message.append(separator).append(text.empty() ? record->GetTagName() : text);
       separator = hasLines ? u"\n" : kSeparator;
     }
-    message.append(u"\n\n").append(resources::kRecordTagsAnew);
+    message.append(u"\n\n").append(resources::kRepairTemplates);
   }
   if (loaded.hasNamelessTags) {
-    message.append(message.empty() ? u"" : u"\n\n").append(resources::kTagsWithoutName);
+    message.append(message.empty() ? u"" : u"\n\n")
+        .append(resources::kTagsWithoutName)
+        .append(resources::kOpenAgain);
   }
   return message;
 }

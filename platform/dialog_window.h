@@ -21,10 +21,10 @@ struct ProgressBar {
 
 /// One live dialog, its controls addressed by their ids.
 ///
-/// Belongs to the thread that runs the user interface; from any other thread only StepProgress
-/// and EndDialog may be called, and take effect on the user-interface thread. An operation on
-/// a control that is not there, or on an index that is none, does nothing and gives the empty
-/// result.
+/// Belongs to the thread that runs the user interface; from any other thread only SetText,
+/// StepProgress and EndDialog may be called, and take effect on the user-interface thread. An
+/// operation on a control that is not there, or on an index that is none, does nothing and gives
+/// the empty result.
 class DialogWindow {
  public:
   DialogWindow() = default;

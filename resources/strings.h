@@ -150,14 +150,21 @@ inline constexpr std::u16string_view kReinitWithoutPage = u"Error == 0";
 /// The names of the tags follow, then what to do.
 inline constexpr std::u16string_view kTagsNotCompared =
     u"No voice template can be read for these voice tags:";
-inline constexpr std::u16string_view kRecordTagsAnew = u"Delete them and record them again.";
+inline constexpr std::u16string_view kRepairTemplates =
+    u"Close Zedra Voxtrel and run this command, which computes missing and damaged templates anew "
+    u"from the kept recordings: voxtrel check --repair";
 inline constexpr std::u16string_view kTagsWithoutName =
-    u"Some voice tags were not read, or were removed because their contact is gone. "
-    u"Close Zedra Voxtrel and open it again.";
+    u"Some voice tags were not read, or were removed because their contact is gone. ";
+/// Stands behind it.
+inline constexpr std::u16string_view kOpenAgain = u"Close Zedra Voxtrel and open it again.";
 /// The tag whose template could not be written stands before it.
 inline constexpr std::u16string_view kReinitStopped =
-    u"This voice tag and those after it were not computed anew. Make room on the device, close "
-    u"this window, and record again the voice tags that are not recognized.";
+    u"This voice tag and those after it were not computed anew. There is no room on the device, or "
+    u"another program has the file open. Make room or close that program, close this window, and "
+    u"run this command: voxtrel reinit --force";
+/// The two lines of the waiting window once nothing is waited for any more.
+inline constexpr std::u16string_view kReinitGaveUp = u"The work has stopped.";
+inline constexpr std::u16string_view kReinitMayClose = u"Press Escape to close.";
 inline constexpr std::u16string_view kReinitNotStarted =
     u"The voice tags cannot be computed anew: the device is too busy. Record again those that are "
     u"not recognized.";

@@ -26,18 +26,24 @@ const framework::RuntimeClass& CVoiceMathematics::GetRuntimeClass() const {
   return kClass;
 }
 
-int CVoiceMathematics::LearnFile(std::int32_t slot) { return ProcessWave(slot, Extent::kSpeech); }
-
-int CVoiceMathematics::ProcessFile(std::int32_t slot) {
-  return ProcessWave(slot, Extent::kWholeFile);
+int CVoiceMathematics::LearnFile(std::int32_t slot) {
+  return ProcessWave(slot, Extent::kSpeech, framework::CFile::modeReadWrite);
 }
 
-int CVoiceMathematics::ProcessWave(std::int32_t slot, Extent extent) {
+int CVoiceMathematics::ProcessFile(std::int32_t slot) {
+  return ProcessWave(slot, Extent::kWholeFile, framework::CFile::modeReadWrite);
+}
+
+int CVoiceMathematics::ReadFile(std::int32_t slot) {
+  return ProcessWave(slot, Extent::kWholeFile, framework::CFile::modeRead);
+}
+
+int CVoiceMathematics::ProcessWave(std::int32_t slot, Extent extent, unsigned access) {
   if (slot < 0 || slot >= static_cast<std::int32_t>(kSlotCount)) {
     return kNoSuchSlot;
   }
   const auto index = static_cast<std::size_t>(slot);
-  if (!OpenSegment(extent) || !ComputeTemplate(static_cast<std::uint32_t>(index))) {
+  if (!OpenSegment(extent, access) || !ComputeTemplate(static_cast<std::uint32_t>(index))) {
     m_file.Close();
     m_ui.ShowMessage(platform::ApplicationBox(std::u16string(kNotProcessedText)));
     return kNotProcessed;
@@ -51,9 +57,8 @@ int CVoiceMathematics::ProcessWave(std::int32_t slot, Extent extent) {
   return kLearned;
 }
 
-bool CVoiceMathematics::OpenSegment(Extent extent) {
-  if (!m_file.Open(m_wavePath, framework::CFile::modeReadWrite) ||
-      OpenWaveData() != kHeaderAccepted) {
+bool CVoiceMathematics::OpenSegment(Extent extent, unsigned access) {
+  if (!m_file.Open(m_wavePath, access) || OpenWaveData() != kHeaderAccepted) {
     return false;
   }
   if (extent == Extent::kSpeech && !DetectSpeechBounds()) {

@@ -69,6 +69,10 @@ class CVoiceMathematics : public framework::CObject {
   /// As LearnFile, but takes all samples of the file and leaves the file alone.
   int ProcessFile(std::int32_t slot);
 
+  /// As ProcessFile, but opens the file for reading only: others may read it meanwhile, and it may
+  /// be protected against writing.
+  int ReadFile(std::int32_t slot);
+
   /// Reads and checks the header of the open `m_file`. Returns a HeaderCode; the file is closed on
   /// any but kHeaderAccepted.
   [[nodiscard]] int OpenWaveData();
@@ -109,7 +113,7 @@ class CVoiceMathematics : public framework::CObject {
   /// Values of the template in `slot`, which must be one; empty where it is empty.
   [[nodiscard]] std::span<const float> GetTemplate(std::size_t slot) const;
 
-  framework::CFile m_file;  ///< The wave file in work, opened for reading and writing.
+  framework::CFile m_file;  ///< The wave file in work.
   std::uint32_t m_dataBytes = 0;
   /// Offset of the first sample. One byte is enough: the search for the data ends at byte 100.
   std::uint8_t m_dataOffset = 0;
@@ -137,8 +141,8 @@ class CVoiceMathematics : public framework::CObject {
  private:
   enum class Extent : std::uint8_t { kSpeech, kWholeFile };
 
-  [[nodiscard]] int ProcessWave(std::int32_t slot, Extent extent);
-  [[nodiscard]] bool OpenSegment(Extent extent);
+  [[nodiscard]] int ProcessWave(std::int32_t slot, Extent extent, unsigned access);
+  [[nodiscard]] bool OpenSegment(Extent extent, unsigned access);
   [[nodiscard]] bool MeasureEnvelope(std::span<std::int16_t> envelope);
   [[nodiscard]] bool MeasureEnvelopeAtEnd(std::span<std::int16_t> envelope, std::size_t whole,
                                           std::uint64_t start);

@@ -3,27 +3,23 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
-#include <filesystem>
+#include <cstdint>
 #include <memory>
 #include <string>
-#include <system_error>
 #include <vector>
 
+#include "host/cli/maintenance_check.h"
 #include "host/cli/output.h"
 #include "host/cli/page_run.h"
-#include "maintenance/store_check.h"
-#include "maintenance/template_repair.h"
-#include "platform/headless/memory_registry.h"
 #include "platform/text/utf.h"
 #include "resources/dialogs.h"
+#include "storage/device_paths.h"
 #include "storage/registry_keys.h"
-#include "tags/contact_opening.h"
+#include "storage/tag_store.h"
 
 namespace cli {
 namespace {
 
-using maintenance::StoreFinding;
 using platform::RegistryError;
 
 /// Makes the recorded version missing, so that the page finds another one than its own.
@@ -34,132 +30,108 @@ bool ForgetVersion(platform::Registry& registry) {
   return error == RegistryError::kNone || error == RegistryError::kNotFound;
 }
 
-void PrintReinit(Session& session, const PageRun& run, bool hasRun) {
-  const std::int32_t tagCount = run.page.GetTags().tagCount;
+struct Tag {
+  std::string name;
+  std::string listText;  ///< Empty where it is not known.
+};
+
+struct ReinitOutcome {
+  bool hasRun = false;
+  std::int32_t tags = 0;
+  std::int32_t recordings = 0;  ///< Of tags or not.
+  std::vector<Tag> withoutRecording;
+};
+
+std::string FindListText(const storage::TagTable& tags, std::u16string_view name) {
+  for (std::int32_t i = 0; i < storage::TagTable::kCapacity; ++i) {
+    if (const storage::TagRecord* record = tags.GetRecord(i); record->GetTagName() == name) {
+      return text::ToUtf8(record->GetDisplayText());
+    }
+  }
+  return "";
+}
+
+void CountRecordings(const platform::Platform& platform, const storage::TagTable& tags,
+                     ReinitOutcome& outcome) {
+  const storage::TagStore store(platform.files, platform.registry);
+  platform::StartedSearch found = store.FindRecordings();
+  for (platform::FileError error = found.error;
+       found.search != nullptr && error != platform::FileError::kNoMoreFiles;
+       error = found.search->Next(found.first)) {
+    outcome.recordings += error == platform::FileError::kNone ? 1 : 0;
+  }
+  const auto names = store.OpenNames();
+  std::u16string name;
+  for (std::uint32_t i = 0; names && names->Get(i, name); ++i) {
+    if (platform.files.FindFirst(storage::WavePath(name)).error == platform::FileError::kNotFound) {
+      outcome.withoutRecording.push_back({text::ToUtf8(name), FindListText(tags, name)});
+    }
+  }
+}
+
+void RunReinit(Session& session, PageRun& run, bool isForced, ReinitOutcome& outcome) {
+  outcome.hasRun = run.wasReinitialized;
+  outcome.tags = run.page.GetTags().tagCount;
+  if (isForced && !outcome.hasRun && outcome.tags > 0) {
+    if (!ForgetVersion(session.GetRegistry())) {
+      session.Fail("the settings cannot be changed");
+      return;
+    }
+    run.page.OnCommand(resources::kCheckVersionCommand, platform::CommandEvent::kPosted);
+    outcome.hasRun = true;
+  }
+  CountRecordings(session.GetPlatform(), run.page.GetTags(), outcome);
+  if (outcome.hasRun && !session.GetUi().GetMessages().empty()) {
+    session.Fail(
+        "not every voice template was computed anew; `voxtrel check` tells which, and `voxtrel "
+        "reinit --force` tries again");
+  }
+}
+
+/// Those that have no recording any more cannot have been computed anew.
+void TellTagsWithoutRecording(Session& session, const ReinitOutcome& outcome) {
+  std::string names;
+  for (const Tag& tag : outcome.withoutRecording) {
+    names += (names.empty() ? "" : ", ") + tag.name;
+    names += tag.listText.empty() ? "" : " (" + tag.listText + ")";
+  }
+  if (outcome.hasRun && !names.empty()) {
+    session.Fail("these voice tags have no recording, and so no new template: " + names);
+  }
+}
+
+void PrintReinit(Session& session, const ReinitOutcome& outcome) {
   if (session.GetOptions().json) {
-    PrintJson({{"ran", hasRun}, {"tags", tagCount}});
-  } else if (hasRun) {
+    Json without = Json::array();
+    for (const Tag& tag : outcome.withoutRecording) {
+      without.push_back({{"tag", tag.name}, {"listText", tag.listText}});
+    }
+    Json messages = Json::array();
+    for (const headless::ShownMessage& shown : session.GetUi().GetMessages()) {
+      messages.push_back(text::ToUtf8(shown.box.text));
+    }
+    PrintJson({{"ran", outcome.hasRun},
+               {"tags", outcome.tags},
+               {"recordings", outcome.recordings},
+               {"withoutRecording", without},
+               {"messages", messages},
+               {"problem", session.GetFailure()}});
+  } else if (session.GetExitCode() != 0) {
+    return;
+  } else if (outcome.hasRun) {
     PrintLine("The voice templates were computed anew.");
   } else {
-    PrintLine(tagCount == 0 ? "There are no voice tags."
-                            : "The voice templates are those of this version already; --force "
-                              "computes them all the same.");
+    PrintLine(outcome.tags == 0 ? "There are no voice tags."
+                                : "The voice templates are those of this version already; --force "
+                                  "computes them all the same.");
   }
 }
 
 void Reinit(Session& session, bool isForced) {
-  RunPage(session, [&](PageRun& run) {
-    bool hasRun = run.wasReinitialized;
-    if (isForced && !hasRun && run.page.GetTags().tagCount > 0) {
-      if (!ForgetVersion(session.GetRegistry())) {
-        session.Fail("the settings cannot be changed");
-        return;
-      }
-      run.page.OnCommand(resources::kCheckVersionCommand, platform::CommandEvent::kPosted);
-      hasRun = true;
-    }
-    const bool isWhole = session.GetUi().GetMessages().empty();
-    if (!hasRun || isWhole) {
-      PrintReinit(session, run, hasRun);
-    } else {
-      session.Fail("not every voice template was computed anew; `voxtrel check` tells which");
-    }
-  });
-}
-
-/// The platform of the check: message boxes go nowhere, and a registry that does not exist is not
-/// made.
-class CheckPlatform {
- public:
-  explicit CheckPlatform(Session& session) : m_session(session) {
-    std::error_code ignored;
-    m_hasRegistry = std::filesystem::exists(session.GetRegistryPath(), ignored);
-  }
-
-  [[nodiscard]] platform::Platform Get() {
-    const platform::Platform own = m_session.GetPlatform();
-    platform::Registry& registry = m_hasRegistry ? own.registry : m_noRegistry;
-    return {own.files, own.waveIn, own.clock,    own.threads, own.process,
-            m_silent,  registry,   own.contacts, own.waveOut, own.shell};
-  }
-
-  /// Opens the contacts; tells where that fails.
-  [[nodiscard]] maintenance::ContactsState OpenContacts() {
-    const platform::Platform platform = Get();
-    if (m_hasRegistry && tags::OpenContacts(platform.contacts, platform.clock)) {
-      m_session.Fail("the contacts cannot be read, so nothing is said about them");
-      return maintenance::ContactsState::kAway;
-    }
-    return m_hasRegistry ? maintenance::ContactsState::kOpen : maintenance::ContactsState::kAway;
-  }
-
- private:
-  Session& m_session;
-  bool m_hasRegistry = false;
-  headless::HeadlessUi m_silent;
-  headless::MemoryRegistry m_noRegistry;
-};
-
-struct CheckedFinding {
-  StoreFinding finding;
-  bool isRepaired = false;
-};
-
-void PrintFindings(Session& session, const std::vector<CheckedFinding>& findings) {
-  Json json = Json::array();
-  for (const auto& [finding, isRepaired] : findings) {
-    const std::string tag = text::ToUtf8(finding.tag);
-    if (session.GetOptions().json) {
-      json.push_back({{"problem", ToWord(finding.problem)},
-                      {"tag", tag},
-                      {"text", Describe(finding.problem)},
-                      {"repaired", isRepaired}});
-    } else {
-      PrintLine(fmt::format("{}{}{} [{}]{}", tag, tag.empty() ? "" : ": ",
-                            Describe(finding.problem), ToWord(finding.problem),
-                            isRepaired ? " repaired" : ""));
-    }
-  }
-  if (session.GetOptions().json) {
-    PrintJson({{"findings", json}});
-  } else if (findings.empty()) {
-    PrintLine("All voice tags are as they should be.");
-  }
-}
-
-void Repair(const platform::Platform& platform, std::vector<CheckedFinding>& findings) {
-  for (CheckedFinding& checked : findings) {
-    checked.isRepaired = IsRepairable(checked.finding.problem) &&
-                         maintenance::RepairTemplate(platform, checked.finding.tag);
-  }
-}
-
-void Check(Session& session, bool isRepair) {
-  CheckPlatform checked(session);
-  const platform::Platform platform = checked.Get();
-  platform::CreatedMutex page;
-  if (isRepair) {
-    page = platform.threads.CreateNamedMutex(tags::kInstanceMutex);
-    if (page.existed) {
-      session.Fail("the tags are in use by another Voxtrel; close it and try again");
-      return;
-    }
-  }
-  std::vector<CheckedFinding> findings;
-  for (StoreFinding& finding : CheckStore(platform, checked.OpenContacts())) {
-    findings.push_back({std::move(finding), false});
-  }
-  platform.contacts.Logoff();
-  if (isRepair) {
-    Repair(platform, findings);
-  }
-  PrintFindings(session, findings);
-  const auto left = std::ranges::count(findings, false, &CheckedFinding::isRepaired);
-  if (left > 0) {
-    session.Fail(fmt::format(
-        "{} {}", left,
-        left == 1 ? "thing is not as it should be" : "things are not as they should be"));
-  }
+  ReinitOutcome outcome;
+  RunPage(session, [&](PageRun& run) { RunReinit(session, run, isForced, outcome); });
+  TellTagsWithoutRecording(session, outcome);
+  PrintReinit(session, outcome);
 }
 
 }  // namespace
@@ -167,7 +139,9 @@ void Check(Session& session, bool isRepair) {
 void AddMaintenanceCommands(CLI::App& app, Session& session) {
   const auto isForced = std::make_shared<bool>(false);
   CLI::App* reinit = app.add_subcommand(
-      "reinit", "Compute every voice template anew where another version made them");
+      "reinit",
+      "Compute every voice template anew where another version made them (exit code 1 where any "
+      "could not be, as for a tag without a recording)");
   reinit->add_flag("--force", *isForced, "Whatever version made them");
   reinit->callback([&session, isForced] { Reinit(session, *isForced); });
 
@@ -178,7 +152,7 @@ void AddMaintenanceCommands(CLI::App& app, Session& session) {
       "is), and change nothing");
   check->add_flag("--repair", *isRepair,
                   "Compute missing and torn templates anew from the kept recordings");
-  check->callback([&session, isRepair] { Check(session, *isRepair); });
+  check->callback([&session, isRepair] { CheckTags(session, *isRepair); });
 }
 
 }  // namespace cli

@@ -8,6 +8,7 @@
 
 #include "host/cli/output.h"
 #include "platform/text/utf.h"
+#include "resources/strings.h"
 
 namespace cli {
 namespace {
@@ -18,12 +19,26 @@ bool IsConfirmation(const platform::MessageBox& box) {
   return platform::Has(box.style, platform::MessageStyle::kOkCancel);
 }
 
+std::filesystem::path NearestThatExists(std::filesystem::path path) {
+  std::error_code ignored;
+  while (std::filesystem::status(path, ignored).type() == std::filesystem::file_type::not_found &&
+         path.has_relative_path()) {
+    path = path.parent_path();
+  }
+  return path;
+}
+
 void PrintMessage(const headless::ShownMessage& shown) {
   if (IsConfirmation(shown.box)) {
     return;  // Was told when it was asked.
   }
   const std::string caption = text::ToUtf8(shown.caption);
-  const std::string body = text::ToUtf8(shown.box.text);
+  std::string body = text::ToUtf8(shown.box.text);
+  // A command has no window to close.
+  const std::string advice = text::ToUtf8(resources::kOpenAgain);
+  if (body.ends_with(advice)) {
+    body.replace(body.size() - advice.size(), advice.size(), "Run the command again.");
+  }
   PrintErrorLine(caption.empty() ? body : caption + ": " + body);
 }
 
@@ -56,8 +71,15 @@ platform::Platform Session::GetPlatform(platform::Clock& clock) {
 bool Session::RequireRoot() {
   if (!m_backends.HasRoot()) {
     Fail("there is no folder for the voice tags, since HOME names none; name one with --root DIR");
+    return false;
   }
-  return m_backends.HasRoot();
+  const std::filesystem::path there = NearestThatExists(m_backends.GetRoot());
+  std::error_code error;
+  if (!std::filesystem::is_directory(there, error) && !error) {
+    Fail(there.native() + " is no folder, so that no voice tags can be there");
+    return false;
+  }
+  return true;
 }
 
 bool Session::AreSameFile(const std::string& a, const std::string& b) {
@@ -84,6 +106,7 @@ platform::MessageAnswer Session::Answer(const platform::MessageBox& box) const {
 void Session::Fail(std::string_view message) {
   PrintErrorLine(std::string("voxtrel: ").append(message));
   m_failed = true;
+  m_failure = message;
 }
 
 int Session::GetExitCode() const { return m_failed || m_process.GetExitCode() ? 1 : 0; }

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "applet/backends.h"
 #include "platform/headless/headless_process.h"
@@ -37,13 +39,19 @@ class Session {
   [[nodiscard]] platform::Platform GetPlatform(platform::Clock& clock);
   [[nodiscard]] platform::FileSystem& GetFiles() { return m_backends.GetFiles(); }
 
-  /// Whether there is a root folder; where there is none, that is told.
+  /// Whether there is a root folder, or can be one; where that cannot be, it is told.
   [[nodiscard]] bool RequireRoot();
 
   /// The settings below the root folder, which is made where it is missing.
   [[nodiscard]] platform::Registry& GetRegistry();
   [[nodiscard]] std::filesystem::path GetRegistryPath() const {
     return m_backends.GetRegistryPath();
+  }
+
+  /// Has settings changed in `registry` only, which holds what the real one held.
+  /// Platforms, registry and contacts asked for before are gone then.
+  void UseRegistry(std::unique_ptr<platform::Registry> registry) {
+    m_backends.UseRegistry(std::move(registry));
   }
 
   /// The user's contacts. Logging on to other ones than the recorded tags are for fails.
@@ -70,6 +78,9 @@ class Session {
   /// Tells what failed on standard error; the exit code will be 1.
   void Fail(std::string_view message);
 
+  /// What failed last; empty where nothing did.
+  [[nodiscard]] const std::string& GetFailure() const { return m_failure; }
+
   [[nodiscard]] int GetExitCode() const;
 
  private:
@@ -81,6 +92,7 @@ class Session {
   headless::HeadlessShell m_shell;
   headless::HeadlessUi m_ui;
   bool m_failed = false;
+  std::string m_failure;
 };
 
 }  // namespace cli

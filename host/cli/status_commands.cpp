@@ -42,6 +42,9 @@ void Tell(const FoundContacts& contacts, std::uint32_t microphones) {
 
 /// What is missing is what was asked for, so that it is no failure.
 void ShowStatus(Session& session) {
+  if (!session.RequireRoot()) {
+    return;
+  }
   const FoundContacts contacts = FindContacts(session);
   const std::uint32_t microphones = session.GetPlatform().waveIn.GetDeviceCount();
   if (session.GetOptions().json) {

@@ -1,5 +1,9 @@
 #include "host/cli/tags_test_command.h"
 
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -20,7 +24,7 @@ Json PairToJson(const maintenance::TestLine& line) {
 }
 
 void PrintTest(Session& session, const std::vector<std::u16string>& items,
-               const maintenance::TestDialog& dialog) {
+               const maintenance::TestDialog& dialog, std::int32_t beyond) {
   if (!session.GetOptions().json) {
     for (const std::u16string& item : items) {
       PrintLine(text::ToUtf8(item));
@@ -38,7 +42,7 @@ void PrintTest(Session& session, const std::vector<std::u16string>& items,
   for (const maintenance::TestLine& line : dialog.GetLines()) {
     pairs.push_back(PairToJson(line));
   }
-  PrintJson({{"lines", lines}, {"pairs", pairs}});
+  PrintJson({{"lines", lines}, {"pairs", pairs}, {"beyond", beyond}});
 }
 
 void Test(Session& session) {
@@ -49,7 +53,12 @@ void Test(Session& session) {
                                      items = window.GetItems(resources::kTestListId);
                                    });
     run.dialog.Press(resources::kTestButtonId);
-    PrintTest(session, items, run.page.GetTestDialog());
+    constexpr std::int32_t kMost = storage::TagTable::kCapacity;
+    const std::int32_t tags = run.page.GetTags().tagCount;
+    PrintTest(session, items, run.page.GetTestDialog(), std::max(tags - kMost, 0));
+    if (tags > kMost) {
+      session.Fail(fmt::format("only the first {} of {} voice tags were compared", kMost, tags));
+    }
     if (!run.page.GetTestDialog().IsComplete()) {
       session.Fail("not all tags were compared; `voxtrel check` tells what is wrong with them");
     }

@@ -132,12 +132,14 @@ bool HeadlessDialog::WaitForEnd(std::uint32_t milliseconds) {
 }
 
 void HeadlessDialog::SetText(int id, std::u16string_view text) {
+  const std::lock_guard lock(m_mutex);
   if (Control* control = Find(id)) {
     control->text = text;
   }
 }
 
 std::u16string HeadlessDialog::GetText(int id) const {
+  const std::lock_guard lock(m_mutex);
   const Control* control = Find(id);
   return control == nullptr ? std::u16string() : control->text;
 }

@@ -122,7 +122,7 @@ class HeadlessDialog final : public platform::DialogWindow {
   int m_invalidations = 0;
   std::deque<int> m_posted;
   std::unique_ptr<platform::Event> m_ended;
-  mutable std::mutex m_mutex;  ///< Of what other threads may change: the bars and the result.
+  mutable std::mutex m_mutex;  ///< Of what other threads may change: texts, bars and the result.
   std::map<int, Progress> m_bars;
   std::optional<int> m_result;
 };

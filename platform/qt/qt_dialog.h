@@ -79,6 +79,7 @@ class QtDialog final : public platform::DialogWindow {
   void DeliverPosted();
   /// Calls `call` on the user-interface thread, now or soon, unless the dialog is gone by then.
   void CallHere(const std::function<void(QtDialog&)>& call);
+  void ChangeText(int id, const std::u16string& text);
   void Rename();
   /// Of a control that is about to be disabled: to the list, or to the first control that is no
   /// button.

@@ -9,6 +9,10 @@
 namespace qt {
 
 void QtDialog::SetText(int id, std::u16string_view text) {
+  CallHere([id, text = std::u16string(text)](QtDialog& dialog) { dialog.ChangeText(id, text); });
+}
+
+void QtDialog::ChangeText(int id, const std::u16string& text) {
   if (Control* control = Find(id)) {
     control->text = text;
     ShowText(*control);

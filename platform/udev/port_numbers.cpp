@@ -25,8 +25,12 @@ auto NodeOrder(const platform::SerialDevice& device) {
   return std::tuple(kind, name, node.size(), node);
 }
 
+std::u16string PartOf(const platform::SerialDevice& device) {
+  return device.part.empty() ? std::u16string() : u" " + device.part;
+}
+
 std::u16string IdentityOf(const platform::SerialDevice& device) {
-  const std::u16string part = device.part.empty() ? std::u16string() : u" " + device.part;
+  const std::u16string part = PartOf(device);
   if (!device.serial.empty()) {
     return u"serial " + device.serial + part;
   }
@@ -36,10 +40,31 @@ std::u16string IdentityOf(const platform::SerialDevice& device) {
   return u"node " + device.node;
 }
 
+/// What tells the device from others of its serial number; empty where nothing does.
+std::u16string IdentityWithSocket(const platform::SerialDevice& device) {
+  return device.serial.empty() || device.path.empty()
+             ? std::u16string()
+             : u"serial " + device.serial + u" path " + device.path + PartOf(device);
+}
+
 std::optional<int> NumberOf(const std::u16string& identity, const PortNumbers& numbers) {
   const auto found =
       std::ranges::find_if(numbers, [&](const auto& entry) { return entry.second == identity; });
   return found == numbers.end() ? std::nullopt : std::optional(found->first);
+}
+
+std::u16string Counted(const std::u16string& identity, int count) {
+  return count > 1 ? identity + u" #" + text::FromUtf8(std::to_string(count)) : identity;
+}
+
+/// Notes the number of `from`, or of another that was counted as the same, for `to`.
+void HandOn(const std::u16string& from, const std::u16string& to, PortNumbers& numbers) {
+  for (int count = 1; count <= kHighestPort; ++count) {
+    if (const auto number = NumberOf(Counted(from, count), numbers)) {
+      numbers[*number] = to;
+      return;
+    }
+  }
 }
 
 std::optional<int> FindFree(const PortNumbers& numbers, const std::set<std::u16string>& present) {
@@ -63,16 +88,24 @@ void SortByNode(std::vector<platform::SerialDevice>& devices) {
                     [](const auto& a, const auto& b) { return NodeOrder(a) < NodeOrder(b); });
 }
 
-std::vector<std::u16string> IdentitiesOf(const std::vector<platform::SerialDevice>& devices) {
+std::vector<std::u16string> IdentitiesOf(const std::vector<platform::SerialDevice>& devices,
+                                         PortNumbers& numbers) {
+  std::map<std::u16string, int> sharers;
+  for (const platform::SerialDevice& device : devices) {
+    ++sharers[IdentityOf(device)];
+  }
   std::vector<std::u16string> identities;
   std::map<std::u16string, int> counts;
   for (const platform::SerialDevice& device : devices) {
-    std::u16string identity = IdentityOf(device);
-    const int count = ++counts[identity];
-    if (count > 1) {
-      identity += u" #" + text::FromUtf8(std::to_string(count));
+    const std::u16string plain = IdentityOf(device);
+    const std::u16string withSocket = IdentityWithSocket(device);
+    const bool isKnownBySocket = NumberOf(withSocket, numbers).has_value();
+    const bool usesSocket = !withSocket.empty() && (sharers[plain] > 1 || isKnownBySocket);
+    if (usesSocket && !isKnownBySocket) {
+      HandOn(plain, withSocket, numbers);
     }
-    identities.push_back(std::move(identity));
+    const std::u16string identity = usesSocket ? withSocket : plain;
+    identities.push_back(Counted(identity, ++counts[identity]));
   }
   return identities;
 }

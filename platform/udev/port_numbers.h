@@ -21,9 +21,12 @@ using PortNumbers = std::map<int, std::u16string>;
 void SortByNode(std::vector<platform::SerialDevice>& devices);
 
 /// What makes each port known again, in the order of `devices`: its serial number, else its socket,
-/// else its node. Ports that cannot be told apart are counted, so that no two have one identity.
+/// else its node. Where makers give one serial number to several devices, the socket stands beside
+/// it; a device of such a number keeps that while the others are away. Ports that cannot be told
+/// apart are counted, so that no two have one identity. A number that was noted before the second
+/// device of its serial number came is noted for the first of both then.
 [[nodiscard]] std::vector<std::u16string> IdentitiesOf(
-    const std::vector<platform::SerialDevice>& devices);
+    const std::vector<platform::SerialDevice>& devices, PortNumbers& numbers);
 
 /// The number of each port, in the order of `identities`. A port that was seen before has the
 /// number it had; a new one takes the lowest that is free and keeps it, noted in `numbers`. Only

@@ -74,7 +74,7 @@ RegistryError WritePorts(platform::Registry& registry, const std::vector<SerialD
   if (error != RegistryError::kNone) {
     return error;
   }
-  const std::vector<std::u16string> identities = IdentitiesOf(ports);
+  const std::vector<std::u16string> identities = IdentitiesOf(ports, numbers);
   const auto assigned = AssignNumbers(identities, numbers);
   error = registry.DeleteKey(platform::kActiveDriversKey);
   if (error != RegistryError::kNone && error != RegistryError::kNotFound) {

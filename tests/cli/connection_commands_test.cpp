@@ -71,13 +71,49 @@ TEST_F(ConnectionCommands, TheNamesThatTheDialerReadsMeanTheSame) {
   EXPECT_EQ(Stored(u"is_HU"), Bytes(u"1", 4));
 }
 
-TEST_F(ConnectionCommands, AValueThatIsNoChoiceIsToldWithTheChoicesAndStoresNothing) {
+TEST_F(ConnectionCommands, AValueThatIsNoChoiceIsWrongUsageToldWithTheChoicesAndStoresNothing) {
   const auto run = Run({"connection", "set", "port=COM7:", "stop-bits=3"});
-  EXPECT_EQ(run.exitCode, 1);
-  EXPECT_THAT(run.err, HasSubstr("stop-bits is one of: 1, 1.5, 2"));
-  EXPECT_THAT(Run({"connection", "set", "port=ttyS0"}).err, HasSubstr("COM0: to COM99:"));
-  EXPECT_THAT(Run({"connection", "set", "bt-headset=maybe"}).err, HasSubstr("1 or 0"));
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_THAT(run.err, HasSubstr("stop-bits is one of: 1, 1.5, 2\n"));
+  for (const char* argument : {"bt-headset=maybe", "bt-headset=", "no-hang-up=2"}) {
+    const auto wrong = Run({"connection", "set", argument});
+    EXPECT_EQ(wrong.exitCode, 2);
+    EXPECT_THAT(wrong.err, HasSubstr(" is 1 or 0 (yes or no, on or off, true or false)"));
+  }
   EXPECT_THAT(Stored(u"Com_port"), IsEmpty());
+}
+
+TEST_F(ConnectionCommands, WhatIsNoPortIsWrongUsageAndThePortsAreToldOnce) {
+  ASSERT_EQ(Run({"connection", "show"}).exitCode, 0);
+  for (const char* port : {"ttyS0", "COM0:", "COM07:", "COM100:", "COM:", "COM1::", "COMX:", ""}) {
+    const auto run = Run({"connection", "set", std::string("port=") + port});
+    EXPECT_EQ(run.exitCode, 2) << port;
+    EXPECT_THAT(run.err, HasSubstr("port is one of: COM1: to COM99:\n")) << port;
+  }
+  EXPECT_THAT(Stored(u"Com_port"), IsEmpty());
+}
+
+TEST_F(ConnectionCommands, APortIsTakenWithoutItsColonAndInAnyLetterCase) {
+  for (const char* port : {"COM7", "com7", "Com7:"}) {
+    ASSERT_EQ(Run({"connection", "set", "port=COM8:"}).exitCode, 0);
+    ASSERT_EQ(Run({"connection", "set", std::string("port=") + port}).exitCode, 0) << port;
+    EXPECT_EQ(Stored(u"Com_port"), Bytes(u"COM7:", 200)) << port;
+  }
+  ASSERT_EQ(Run({"connection", "set", "port=com99"}).exitCode, 0);
+  EXPECT_EQ(Stored(u"Com_port"), Bytes(u"COM99:", 200));
+}
+
+TEST_F(ConnectionCommands, ABoxIsSetByEachUsualWord) {
+  for (const char* word : {"1", "yes", "on", "true"}) {
+    ASSERT_EQ(Run({"connection", "set", "no-hang-up=0"}).exitCode, 0);
+    ASSERT_EQ(Run({"connection", "set", std::string("no-hang-up=") + word}).exitCode, 0) << word;
+    EXPECT_EQ(Stored(u"is_HU"), Bytes(u"1", 4)) << word;
+  }
+  for (const char* word : {"0", "no", "off", "false"}) {
+    ASSERT_EQ(Run({"connection", "set", "no-hang-up=1"}).exitCode, 0);
+    ASSERT_EQ(Run({"connection", "set", std::string("no-hang-up=") + word}).exitCode, 0) << word;
+    EXPECT_EQ(Stored(u"is_HU"), Bytes(u"0", 4)) << word;
+  }
 }
 
 TEST_F(ConnectionCommands, AnUnknownNameIsWrongUsage) {

@@ -1,9 +1,8 @@
 #include <filesystem>
 #include <fstream>
-#include <map>
 
 #include "storage/registry_keys.h"
-#include "tests/cli/tags_fixture.h"
+#include "tests/cli/maintenance_fixture.h"
 #include "tests/support/registry_access.h"
 
 namespace {
@@ -13,49 +12,18 @@ using nlohmann::json;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-/// Tags as the applet leaves them, of which some are spoiled.
-class MaintenanceCommands : public TagsFixture {
+class MaintenanceCommands : public MaintenanceFixture {
  protected:
-  /// Every recording and every template.
-  [[nodiscard]] std::map<std::string, std::string> GetFiles() const {
-    std::map<std::string, std::string> files;
-    for (const std::string folder : {"Voxtrel_wav", "Voxtrel_stor"}) {
-      for (const auto& entry : fs::directory_iterator(Folder(folder))) {
-        files[entry.path().filename().string()] = Content(entry.path());
-      }
-    }
-    return files;
-  }
-  /// Every file as a reinitialization leaves it: trimmed once more, and the template of all of it.
-  [[nodiscard]] std::map<std::string, std::string> GetExpected() const {
-    std::map<std::string, std::string> files;
-    for (const std::string tag : {"100", "200", "300"}) {
-      const std::string wave = Path("expected.wav");
-      fs::copy_file(Wave(tag), wave, fs::copy_options::overwrite_existing);
-      EXPECT_EQ(Run({"template", "learn", wave, Path("first.st")}).exitCode, 0);
-      fs::remove(Path("second.st"));
-      EXPECT_EQ(Run({"template", "process", wave, Path("second.st")}).exitCode, 0);
-      files[tag + ".wav"] = Content(wave);
-      files[tag + ".st"] = Content(Path("second.st"));
-    }
-    return files;
-  }
-  /// The findings as "word tag", with "!" where repaired.
-  [[nodiscard]] std::vector<std::string> Check(std::vector<std::string> options,
-                                               int exitCode) const {
-    options.insert(options.begin(), "check");
-    std::vector<std::string> findings;
-    const json result = RunJson(options, exitCode);
-    for (const json& finding : result["findings"]) {
-      findings.push_back(finding["problem"].get<std::string>() + " " +
-                         finding["tag"].get<std::string>() +
-                         (finding["repaired"].get<bool>() ? "!" : ""));
-    }
-    return findings;
+  /// What is printed where nothing is wrong and each tag has its recording.
+  [[nodiscard]] static json Reinit(bool hasRun, int tags) {
+    return {{"ran", hasRun},
+            {"tags", tags},
+            {"recordings", tags},
+            {"withoutRecording", json::array()},
+            {"messages", json::array()},
+            {"problem", ""}};
   }
 };
-
-using Lines = std::vector<std::string>;
 
 TEST_F(MaintenanceCommands, TestPrintsTheLinesOfTheDialog) {
   PutThreeTags();
@@ -98,14 +66,50 @@ TEST_F(MaintenanceCommands, TestNamesTagsWithoutATemplateAndListsTheOthers) {
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_EQ(std::ranges::count(run.out, '\n'), 2);
   EXPECT_THAT(run.err, HasSubstr("Bob Ray 5550001 H"));
-  EXPECT_THAT(run.err, HasSubstr("record them again"));
-  EXPECT_THAT(run.err, HasSubstr("voxtrel check"));
+  EXPECT_THAT(run.err, HasSubstr("recordings: voxtrel check --repair"));
+}
+
+TEST_F(MaintenanceCommands, TheAdviceAboutUnreadableTemplatesPutsThemRight) {
+  PutThreeTags();
+  const auto good = GetFiles();
+  fs::remove(Template("200"));
+  ASSERT_THAT(Run({"tags", "test"}).err, HasSubstr("voxtrel check --repair"));
+  const auto repair = Run({"check", "--repair"});
+  EXPECT_EQ(repair.exitCode, 0) << repair.err;
+  EXPECT_TRUE(GetFiles() == good);
+  const auto again = Run({"tags", "test"});
+  EXPECT_EQ(again.exitCode, 0) << again.err;
+  EXPECT_THAT(again.err, IsEmpty());
+  EXPECT_EQ(std::ranges::count(again.out, '\n'), 3);
+}
+
+TEST_F(MaintenanceCommands, TestTellsOfTagsBeyondThoseThatAreCompared) {
+  PutThreeTags();
+  for (int tag = 1000; tag < 1098; ++tag) {
+    PutEntry(std::to_string(tag), m_ann, u"Mobile");
+    fs::copy_file(Template("100"), Template(std::to_string(tag)));
+  }
+  const auto run = Run({"tags", "test"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_EQ(std::ranges::count(run.out, '\n'), 100);
+  EXPECT_THAT(run.err, HasSubstr("only the first 100 of 101 voice tags were compared"));
+  const json result = RunJson({"tags", "test"}, 1);
+  EXPECT_EQ(result["beyond"], 1);
+  EXPECT_EQ(result["pairs"].size(), 100U);
+}
+
+TEST_F(MaintenanceCommands, TestAfterTagsWentWithTheirContactSaysToRunItAgain) {
+  PutThreeTags();
+  std::ofstream(Path("all.vcf"), std::ios::binary) << kBobsCard;
+  const auto run = Run({"tags", "test"});
+  EXPECT_THAT(run.err, HasSubstr("because their contact is gone. Run the command again.\n"));
+  EXPECT_EQ(Run({"tags", "test"}).exitCode, 0);
 }
 
 TEST_F(MaintenanceCommands, ReinitDoesNothingWhereTheVersionIsCurrent) {
   PutThreeTags();
   const auto before = GetFiles();
-  EXPECT_EQ(RunJson({"reinit"}, 0), (json{{"ran", false}, {"tags", 3}}));
+  EXPECT_EQ(RunJson({"reinit"}, 0), Reinit(false, 3));
   EXPECT_TRUE(GetFiles() == before);
 }
 
@@ -115,7 +119,7 @@ TEST_F(MaintenanceCommands, ReinitComputesEveryTemplateAfterAChangeOfTheVersion)
   std::ofstream(Template("100"), std::ios::binary) << "old";
   fs::remove(Template("300"));
   PutVersion(u"2");
-  EXPECT_EQ(RunJson({"reinit"}, 0), (json{{"ran", true}, {"tags", 3}}));
+  EXPECT_EQ(RunJson({"reinit"}, 0), Reinit(true, 3));
   EXPECT_TRUE(GetFiles() == expected);
   EXPECT_EQ(RunJson({"reinit"}, 0)["ran"], false) << "Once.";
 }
@@ -149,7 +153,7 @@ TEST_F(MaintenanceCommands, ForceIsDoneOnceWhereTheVersionHasChangedAsWell) {
 }
 
 TEST_F(MaintenanceCommands, ReinitWithoutTagsSaysSo) {
-  EXPECT_EQ(RunJson({"reinit", "--force"}, 0), (json{{"ran", false}, {"tags", 0}}));
+  EXPECT_EQ(RunJson({"reinit", "--force"}, 0), Reinit(false, 0));
   EXPECT_THAT(Run({"reinit"}).out, HasSubstr("no voice tags"));
 }
 
@@ -159,6 +163,10 @@ TEST_F(MaintenanceCommands, ReinitWithoutAnyRecordingEndsWithItsMessage) {
   const auto run = Run({"reinit"});
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_EQ(run.err, "Zedra Voxtrel: Error\n");
+  PutVersion(u"2");
+  const json result = RunJson({"reinit"}, 1);
+  EXPECT_EQ(result["ran"], false);
+  EXPECT_EQ(result["messages"], json::array({"Error"}));
 }
 
 TEST_F(MaintenanceCommands, ATemplateThatCannotBeMadeEndsTheWaitAndIsTold) {
@@ -171,72 +179,48 @@ TEST_F(MaintenanceCommands, ATemplateThatCannotBeMadeEndsTheWaitAndIsTold) {
   EXPECT_THAT(run.err, HasSubstr("ERROR in CreateFile"));
   EXPECT_THAT(run.err, HasSubstr("Bob Ray 5550001 H"));
   EXPECT_THAT(run.err, HasSubstr("voxtrel check"));
+  EXPECT_THAT(run.err, HasSubstr("voxtrel reinit --force"));
+  const json result = RunJson({"reinit", "--force"}, 1);
+  EXPECT_EQ(result["ran"], true);
+  EXPECT_THAT(result["messages"][0], HasSubstr("ERROR in CreateFile"));
+  EXPECT_THAT(result["problem"], HasSubstr("not every voice template"));
+}
+
+TEST_F(MaintenanceCommands, ReinitNamesTagsWithoutARecording) {
+  PutThreeTags();
+  fs::remove(Wave("200"));
+  fs::copy_file(fs::path(VOXTREL_SAMPLES_DIR) / "sophie_1.wav", Wave("900"));
+  const auto run = Run({"reinit", "--force"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.err, HasSubstr("have no recording, and so no new template: "
+                                 "200 (Bob Ray 5550001 H)\n"));
+  const json result = RunJson({"reinit", "--force"}, 1);
+  EXPECT_EQ(result["ran"], true);
+  EXPECT_EQ(result["tags"], 3);
+  EXPECT_EQ(result["recordings"], 3) << "One of no tag.";
+  EXPECT_EQ(result["withoutRecording"],
+            json::array({{{"tag", "200"}, {"listText", "Bob Ray 5550001 H"}}}));
+}
+
+TEST_F(MaintenanceCommands, AStaleTemplateIsToldWithWhatComputesItAnew) {
+  PutThreeTags();
+  fs::copy_file(Template("300"), Template("100"), fs::copy_options::overwrite_existing);
+  ASSERT_EQ(Check({}, 1), std::vector<std::string>{"template-stale 100"});
+  EXPECT_THAT(Run({"check"}).out, HasSubstr("`voxtrel reinit --force`"));
+  ASSERT_EQ(Run({"reinit", "--force"}).exitCode, 0);
+  EXPECT_EQ(Check({}, 0), std::vector<std::string>());
 }
 
 TEST_F(MaintenanceCommands, ReinitWithContactsAwayLeavesTheVersionAlone) {
   PutThreeTags();
   PutVersion(u"2");
   fs::remove(Path("all.vcf"));
-  const auto run = Run({"reinit", "--force"});
-  EXPECT_EQ(run.exitCode, 1);
+  const json result = RunJson({"reinit", "--force"}, 1);
+  EXPECT_EQ(result["ran"], false);
+  EXPECT_THAT(result["problem"], HasSubstr("address book is missing"));
   auto registry = Registry();
   EXPECT_EQ(support::BytesOf(registry, storage::kSetupKey, u"Version_Math"),
             support::Utf16Bytes(std::u16string(u"2") + u'\0'));
-}
-
-TEST_F(MaintenanceCommands, CheckFindsNothingInGoodTags) {
-  EXPECT_EQ(Check({}, 0), Lines());
-  PutThreeTags();
-  EXPECT_EQ(Check({}, 0), Lines());
-  EXPECT_THAT(Run({"check"}).out, HasSubstr("as they should be"));
-}
-
-TEST_F(MaintenanceCommands, CheckOfAStoreThatDoesNotExistMakesNone) {
-  const auto run = support::RunProgram({VOXTREL_PROGRAM, "--root", Path("none"), "check"});
-  EXPECT_EQ(run.exitCode, 0) << run.err;
-  EXPECT_FALSE(fs::exists(Path("none")));
-}
-
-TEST_F(MaintenanceCommands, CheckTellsEachThingInPlainWordsAndChangesNothing) {
-  PutThreeTags();
-  fs::remove(Wave("100"));
-  fs::resize_file(Template("200"), 20);
-  PutEntry("300", m_bob, u"Radio2");
-  std::ofstream(Path("all.vcf"), std::ios::binary) << kAnnsCard;
-  fs::copy_file(fs::path(VOXTREL_SAMPLES_DIR) / "sophie_1.wav", Wave("900"));
-  const auto before = GetFiles();
-  EXPECT_EQ(Check({}, 1),
-            (Lines{"no-recording 100", "contact-gone 200", "template-torn 200", "contact-gone 300",
-                   "phone-type 300", "recording-without-tag 900"}));
-  EXPECT_TRUE(GetFiles() == before);
-  const auto run = Run({"check"});
-  EXPECT_EQ(run.exitCode, 1);
-  EXPECT_THAT(run.out, HasSubstr("100: there is no recording [no-recording]\n"));
-  EXPECT_THAT(run.err, HasSubstr("6 things are not as they should be"));
-}
-
-TEST_F(MaintenanceCommands, RepairMakesMissingAndTornTemplatesAndNothingElse) {
-  PutThreeTags();
-  const auto good = GetFiles();
-  fs::remove(Template("100"));
-  fs::resize_file(Template("200"), 20);
-  EXPECT_EQ(Check({"--repair"}, 0), (Lines{"no-template 100!", "template-torn 200!"}));
-  EXPECT_TRUE(GetFiles() == good);
-  fs::copy_file(fs::path(VOXTREL_SAMPLES_DIR) / "sophie_1.wav", Wave("900"));
-  fs::remove(Template("100"));
-  fs::remove(Wave("300"));
-  EXPECT_EQ(Check({"--repair"}, 1),
-            (Lines{"no-template 100!", "no-recording 300", "recording-without-tag 900"}));
-  EXPECT_FALSE(fs::exists(Template("900")));
-  EXPECT_TRUE(fs::exists(Template("300")));
-}
-
-TEST_F(MaintenanceCommands, ContactsThatAreAwayMakeNobodyGone) {
-  PutThreeTags();
-  fs::remove(Path("all.vcf"));
-  EXPECT_EQ(Check({}, 1), Lines());
-  const auto run = Run({"check"});
-  EXPECT_THAT(run.err, HasSubstr("contacts cannot be read"));
 }
 
 }  // namespace

@@ -105,8 +105,18 @@ TEST_F(WindowCommands, FailWithThePanel) {
 TEST_F(WindowCommands, AUserWithoutAHomeIsAskedForAFolder) {
   PutPanel("bin", "");
   for (const char* home : {"HOME=", "HOME=relative"}) {
-    for (const std::vector<std::string>& command : std::vector<std::vector<std::string>>{
-             {"open"}, {"tags", "list"}, {"contacts", "list"}, {"registry", "export"}}) {
+    for (const std::vector<std::string>& command :
+         std::vector<std::vector<std::string>>{{"open"},
+                                               {"tags", "list"},
+                                               {"contacts", "list"},
+                                               {"registry", "export"},
+                                               {"check"},
+                                               {"check", "--repair"},
+                                               {"connection"},
+                                               {"connection", "show"},
+                                               {"connection", "set", "port=COM1:"},
+                                               {"status"},
+                                               {"reinit"}}) {
       const auto run = Window(command, {"DISPLAY=:0", home});
       EXPECT_EQ(run.exitCode, 1) << command.front();
       EXPECT_EQ(run.out, "");

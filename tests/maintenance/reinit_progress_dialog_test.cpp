@@ -163,6 +163,8 @@ TEST_F(ReinitProgressDialogTest, TheUserCannotCloseItWhileTheWorkerWorks) {
                 window.Close();
                 window.PressEnter();
                 EXPECT_EQ(window.GetResult(), std::nullopt);
+                EXPECT_EQ(window.GetText(resources::kReinitWaitLine1Id), u"Please wait a few");
+                EXPECT_EQ(window.GetText(resources::kReinitWaitLine2Id), u"seconds...");
                 m_machine.simulation.Sleep(150);
               }
             }),
@@ -177,6 +179,8 @@ TEST_F(ReinitProgressDialogTest, AfterTheWorkerGaveUpItStaysUntilTheUserClosesIt
               m_machine.simulation.Sleep(60'000);
               EXPECT_EQ(GetMessages().size(), 1U);
               EXPECT_EQ(window.GetResult(), std::nullopt);
+              EXPECT_EQ(window.GetText(resources::kReinitWaitLine1Id), u"The work has stopped.");
+              EXPECT_EQ(window.GetText(resources::kReinitWaitLine2Id), u"Press Escape to close.");
               window.PressEnter();
               EXPECT_EQ(window.GetResult(), 2);
             }),

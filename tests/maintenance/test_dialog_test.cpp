@@ -218,8 +218,10 @@ TEST_F(TestDialogTest, AnUnreadableTemplateIsToldAndTheOthersAreListed) {
   m_machine.ui.SetListener(
       [&](const headless::ShownMessage&) { cursorAtMessage = m_machine.ui.GetCursor(); });
   EXPECT_EQ(Lines(), (Texts{u"94%; 1; Ann;  Cid", u"94%; 1; Cid;  Ann"}));
-  EXPECT_EQ(GetMessages(), Texts{u"No voice template can be read for these voice tags:\n\n"
-                                 u"Bob 555 M\n\nDelete them and record them again."});
+  ASSERT_EQ(GetMessages().size(), 1U);
+  EXPECT_TRUE(
+      GetMessages()[0].starts_with(u"No voice template can be read for these voice tags:\n\n"
+                                   u"Bob 555 M\n\nClose Zedra Voxtrel and run"));
   EXPECT_EQ(m_machine.ui.GetMessages()[0].caption, u"Zedra Voxtrel");
   EXPECT_EQ(cursorAtMessage, platform::Cursor::kNormal);
   EXPECT_FALSE(m_dialog.IsComplete());

@@ -128,7 +128,8 @@ TEST_F(TestResults, TheMessageNamesTheTagsAndSaysWhatToDo) {
   m_loaded.unread = {0, 1};
   EXPECT_EQ(UnreadTagsMessage(m_tags, m_loaded),
             u"No voice template can be read for these voice tags:\n\nAnn Lee 555 M\n2\n\n"
-            u"Delete them and record them again.");
+            u"Close Zedra Voxtrel and run this command, which computes missing and damaged "
+            u"templates anew from the kept recordings: voxtrel check --repair");
 }
 
 TEST_F(TestResults, ManyNamesShareLinesSoThatTheMessageStaysLow) {
@@ -146,7 +147,7 @@ TEST_F(TestResults, PlacesWithoutANameAreToldOnce) {
   EXPECT_TRUE(alone.ends_with(u"Close Zedra Voxtrel and open it again."));
   AddTag(u"1", u"P");
   m_loaded.unread = {0};
-  EXPECT_TRUE(UnreadTagsMessage(m_tags, m_loaded).ends_with(u"again.\n\n" + alone));
+  EXPECT_TRUE(UnreadTagsMessage(m_tags, m_loaded).ends_with(u"--repair\n\n" + alone));
 }
 
 }  // namespace

@@ -50,14 +50,36 @@ TEST(PortNumbers, APortIsKnownByItsSerialNumberBeforeItsSocketBeforeItsNode) {
       {.node = u"/dev/ttyUSB0", .serial = u"FTDI_A1", .path = u"usb-1", .part = u"00"},
       {.node = u"/dev/ttyUSB1", .serial = {}, .path = u"usb-2", .part = u"00-1"},
       {.node = u"/dev/ttyS0", .serial = {}, .path = {}, .part = {}}};
-  EXPECT_EQ(udev_ports::IdentitiesOf(devices),
+  PortNumbers numbers;
+  EXPECT_EQ(udev_ports::IdentitiesOf(devices, numbers),
             (Texts{u"serial FTDI_A1 00", u"path usb-2 00-1", u"node /dev/ttyS0"}));
 }
 
 TEST(PortNumbers, PortsThatCannotBeToldApartAreCounted) {
   const SerialDevice clone{.node = u"/dev/ttyUSB0", .serial = u"X_1", .path = {}, .part = {}};
-  EXPECT_EQ(udev_ports::IdentitiesOf({clone, clone, clone}),
+  PortNumbers numbers;
+  EXPECT_EQ(udev_ports::IdentitiesOf({clone, clone, clone}, numbers),
             (Texts{u"serial X_1", u"serial X_1 #2", u"serial X_1 #3"}));
+}
+
+TEST(PortNumbers, DevicesOfOneSerialNumberAreToldApartByTheirSockets) {
+  const SerialDevice left{.node = u"/dev/ttyUSB0", .serial = u"X_1", .path = u"a", .part = u"00"};
+  const SerialDevice right{.node = u"/dev/ttyUSB1", .serial = u"X_1", .path = u"b", .part = u"00"};
+  PortNumbers numbers;
+  EXPECT_EQ(udev_ports::IdentitiesOf({left, right}, numbers),
+            (Texts{u"serial X_1 path a 00", u"serial X_1 path b 00"}));
+  EXPECT_EQ(udev_ports::IdentitiesOf({right}, numbers), Texts{u"serial X_1 00"})
+      << "Alone, and never seen beside another.";
+  numbers = {{4, u"serial X_1 path b 00"}};
+  EXPECT_EQ(udev_ports::IdentitiesOf({right}, numbers), Texts{u"serial X_1 path b 00"});
+}
+
+TEST(PortNumbers, NumbersNotedBeforeTheSecondDeviceOfASerialNumberCameAreKept) {
+  const SerialDevice left{.node = u"/dev/ttyUSB0", .serial = u"X_1", .path = u"a", .part = {}};
+  const SerialDevice right{.node = u"/dev/ttyUSB1", .serial = u"X_1", .path = u"b", .part = {}};
+  PortNumbers numbers{{3, u"serial X_1"}, {7, u"serial X_1 #2"}};
+  static_cast<void>(udev_ports::IdentitiesOf({left, right}, numbers));
+  EXPECT_EQ(numbers, (PortNumbers{{3, u"serial X_1 path a"}, {7, u"serial X_1 path b"}}));
 }
 
 TEST(PortNumbers, NewPortsTakeTheLowestFreeNumbers) {

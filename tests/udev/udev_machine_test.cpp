@@ -103,6 +103,23 @@ TEST_F(UdevMachine, ThePortsOfOneAdapterAreToldApart) {
               ElementsAre("COM2: /dev/ttyUSB0", "COM1: /dev/ttyUSB1"));
 }
 
+TEST_F(UdevMachine, TwoAdaptersWithOneSerialNumberKeepTheirNumbers) {
+  ASSERT_THAT(PortsOn(Adapter("ttyUSB0", "1-1", "0001") + Adapter("ttyUSB1", "1-2", "0001")),
+              ElementsAre("COM1: /dev/ttyUSB0", "COM2: /dev/ttyUSB1"));
+  EXPECT_THAT(PortsOn(Adapter("ttyUSB0", "1-2", "0001") + Adapter("ttyUSB1", "1-1", "0001")),
+              ElementsAre("COM2: /dev/ttyUSB0", "COM1: /dev/ttyUSB1"));
+  EXPECT_THAT(PortsOn(Adapter("ttyUSB0", "1-2", "0001")), ElementsAre("COM2: /dev/ttyUSB0"));
+  EXPECT_THAT(PortsOn(Adapter("ttyUSB0", "1-1", "0001")), ElementsAre("COM1: /dev/ttyUSB0"));
+}
+
+TEST_F(UdevMachine, AnAdapterKeepsItsNumberWhenASecondOfItsSerialNumberComes) {
+  ASSERT_THAT(PortsOn(Adapter("ttyUSB0", "1-1", "0001")), ElementsAre("COM1: /dev/ttyUSB0"));
+  EXPECT_THAT(PortsOn(Adapter("ttyUSB0", "1-1", "0001") + Adapter("ttyUSB1", "1-2", "0001")),
+              ElementsAre("COM1: /dev/ttyUSB0", "COM2: /dev/ttyUSB1"));
+  EXPECT_THAT(PortsOn(Adapter("ttyUSB0", "1-2", "0001") + Adapter("ttyUSB1", "1-1", "0001")),
+              ElementsAre("COM2: /dev/ttyUSB0", "COM1: /dev/ttyUSB1"));
+}
+
 TEST_F(UdevMachine, ABluetoothLinkIsKnownByTheOtherEnd) {
   ASSERT_THAT(PortsOn(BluetoothLink("rfcomm0", "00:00:00:00:00:01") +
                       BluetoothLink("rfcomm1", "00:00:00:00:00:02")),

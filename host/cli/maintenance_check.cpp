@@ -1,0 +1,207 @@
+#include "host/cli/maintenance_check.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <system_error>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include "host/cli/contacts_commands.h"
+#include "host/cli/output.h"
+#include "maintenance/store_check.h"
+#include "maintenance/template_repair.h"
+#include "platform/headless/headless_ui.h"
+#include "platform/headless/memory_registry.h"
+#include "platform/text/utf.h"
+#include "storage/registry_file.h"
+#include "storage/registry_keys.h"
+#include "storage/tag_store.h"
+#include "tags/contact_opening.h"
+#include "tags/contact_reading.h"
+#include "tags/page_one.h"
+
+namespace cli {
+namespace {
+
+using maintenance::ContactsState;
+using maintenance::StoreFinding;
+using maintenance::StoreProblem;
+using platform::RegistryError;
+
+RegistryError CopyRegistry(platform::Registry& from, platform::Registry& to) {
+  std::vector<std::byte> file;
+  if (const RegistryError error = storage::WriteRegistryFile(from, file);
+      error != RegistryError::kNone) {
+    return error;
+  }
+  const auto read = storage::ParseRegistryFile(file);
+  const auto* changes = std::get_if<std::vector<storage::RegistryChange>>(&read);
+  return changes == nullptr || storage::ApplyRegistryChanges(to, *changes) ? RegistryError::kOther
+                                                                           : RegistryError::kNone;
+}
+
+/// Has the session go on with a copy of its settings, since logging on to contacts notes those that
+/// are new, and which ones were asked for. Settings that do not exist are not made.
+RegistryError UseCopyOfRegistry(Session& session) {
+  auto copy = std::make_unique<headless::MemoryRegistry>();
+  std::error_code ignored;
+  RegistryError error = RegistryError::kNone;
+  if (std::filesystem::exists(session.GetRegistryPath(), ignored)) {
+    error = CopyRegistry(session.GetRegistry(), *copy);
+  }
+  session.UseRegistry(std::move(copy));
+  return error;
+}
+
+struct CheckedFinding {
+  StoreFinding finding;
+  std::string description;
+  std::string listText;  ///< Of the tag; empty where it is not known.
+  bool isRepaired = false;
+};
+
+std::uint32_t CountTags(platform::Registry& registry) {
+  const platform::OpenedKey tags = registry.OpenKey(storage::kTagKey);
+  std::u16string name;
+  std::uint32_t count = 0;
+  while (tags.key && tags.key->EnumerateSubkey(count, name) == RegistryError::kNone) {
+    ++count;
+  }
+  return count;
+}
+
+/// What the list shows for the tag, as long as the contacts are open.
+std::string ReadListText(const platform::Platform& platform, const std::u16string& tag) {
+  storage::TagEntry entry;
+  std::unique_ptr<platform::Contact> contact;
+  const storage::TagStore store(platform.files, platform.registry);
+  const bool isFound =
+      !tag.empty() && store.ReadEntry(tag, entry) == RegistryError::kNone && entry.oid &&
+      platform.contacts.GetItemFromOid(*entry.oid, contact) == platform::ContactLookup::kFound;
+  return isFound ? text::ToUtf8(tags::ReadForTagList(*contact, entry.phoneType).text) : "";
+}
+
+std::vector<CheckedFinding> FindProblems(Session& session, const platform::Platform& platform) {
+  std::vector<CheckedFinding> findings;
+  const bool hasTags = CountTags(platform.registry) > 0;
+  const bool isAway = hasTags && tags::OpenContacts(platform.contacts, platform.clock);
+  if (isAway) {
+    findings.push_back({{StoreProblem::kContactsAway, {}},
+                        fmt::format("{}: {}", Describe(StoreProblem::kContactsAway),
+                                    ExplainContactsProblem(session)),
+                        "",
+                        false});
+  }
+  const bool isOpen = hasTags && !isAway;
+  const ContactsState contacts = isOpen ? ContactsState::kOpen : ContactsState::kAway;
+  for (StoreFinding& finding : CheckStore(platform, contacts)) {
+    std::string listText = isOpen ? ReadListText(platform, finding.tag) : "";
+    findings.push_back(
+        {finding, std::string(Describe(finding.problem)), std::move(listText), false});
+  }
+  platform.contacts.Logoff();
+  return findings;
+}
+
+void PrintFindingsAsJson(const std::vector<CheckedFinding>& findings, std::uint32_t tagCount) {
+  Json list = Json::array();
+  for (const CheckedFinding& checked : findings) {
+    list.push_back({{"problem", ToWord(checked.finding.problem)},
+                    {"tag", text::ToUtf8(checked.finding.tag)},
+                    {"listText", checked.listText},
+                    {"text", checked.description},
+                    {"repaired", checked.isRepaired}});
+  }
+  PrintJson({{"tags", tagCount}, {"findings", list}});
+}
+
+void PrintFindings(Session& session, const std::vector<CheckedFinding>& findings,
+                   std::uint32_t tagCount) {
+  if (session.GetOptions().json) {
+    PrintFindingsAsJson(findings, tagCount);
+    return;
+  }
+  for (const CheckedFinding& checked : findings) {
+    std::string tag = text::ToUtf8(checked.finding.tag);
+    if (!checked.listText.empty()) {
+      tag += " (" + checked.listText + ")";
+    }
+    PrintLine(fmt::format("{}{}{} [{}]{}", tag, tag.empty() ? "" : ": ", checked.description,
+                          ToWord(checked.finding.problem), checked.isRepaired ? " repaired" : ""));
+  }
+  if (findings.empty()) {
+    PrintLine(tagCount > 0 ? "All voice tags are as they should be."
+                           : fmt::format("There are no voice tags in {}.",
+                                         session.GetRegistryPath().parent_path().native()));
+  }
+}
+
+void Repair(const platform::Platform& platform, std::vector<CheckedFinding>& findings) {
+  for (CheckedFinding& checked : findings) {
+    checked.isRepaired = IsRepairable(checked.finding.problem) &&
+                         maintenance::RepairTemplate(platform, checked.finding.tag);
+  }
+}
+
+/// Nobody else changes tags while the result is held. Nothing where somebody does; that is told.
+std::optional<platform::CreatedMutex> TakeTags(Session& session) {
+  platform::CreatedMutex page;
+  std::error_code ignored;
+  // A folder that does not exist is not made for it.
+  if (std::filesystem::is_directory(session.GetRegistryPath().parent_path(), ignored)) {
+    page = session.GetPlatform().threads.CreateNamedMutex(tags::kInstanceMutex);
+  }
+  if (page.existed) {
+    session.Fail("the tags are in use by another Voxtrel; close it and try again");
+    return std::nullopt;
+  }
+  return page;
+}
+
+}  // namespace
+
+void CheckTags(Session& session, bool isRepair) {
+  if (!session.RequireRoot()) {
+    return;
+  }
+  const auto page = TakeTags(session);
+  if (!page) {
+    return;
+  }
+  const RegistryError unread = UseCopyOfRegistry(session);
+  const platform::Platform own = session.GetPlatform();
+  headless::HeadlessUi silent;
+  const platform::Platform platform{own.files, own.waveIn,   own.clock,    own.threads, own.process,
+                                    silent,    own.registry, own.contacts, own.waveOut, own.shell};
+  std::vector<CheckedFinding> findings;
+  if (unread == RegistryError::kNone) {
+    findings = FindProblems(session, platform);
+  } else {
+    // Nobody can tell which tags there are, nor which files belong to one.
+    findings.push_back(
+        {{StoreProblem::kRegistryUnreadable, {}},
+         fmt::format("{}: {}: {}", Describe(StoreProblem::kRegistryUnreadable),
+                     session.GetRegistryPath().native(), storage::ExplainRegistryError(unread)),
+         "",
+         false});
+  }
+  if (isRepair) {
+    Repair(platform, findings);
+  }
+  PrintFindings(session, findings, CountTags(platform.registry));
+  const auto left = std::ranges::count(findings, false, &CheckedFinding::isRepaired);
+  if (left > 0) {
+    session.Fail(fmt::format(
+        "{} {}", left,
+        left == 1 ? "thing is not as it should be" : "things are not as they should be"));
+  }
+}
+
+}  // namespace cli

@@ -1,0 +1,169 @@
+#include <filesystem>
+#include <fstream>
+
+#include "platform/posix/posix_file_system.h"
+#include "platform/posix/posix_threads.h"
+#include "storage/device_paths.h"
+#include "tests/cli/maintenance_fixture.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+constexpr const char* kEvesCard =
+    "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:e\r\nN:Fox;Eve;;;\r\nTEL;TYPE=CELL:5559\r\nEND:VCARD\r\n";
+
+using Lines = std::vector<std::string>;
+
+class CheckCommand : public MaintenanceFixture {};
+
+TEST_F(CheckCommand, FindsNothingInGoodTags) {
+  EXPECT_EQ(Check({}, 0), Lines());
+  PutThreeTags();
+  EXPECT_EQ(Check({}, 0), Lines());
+  EXPECT_THAT(Run({"check"}).out, HasSubstr("as they should be"));
+}
+
+TEST_F(CheckCommand, OfAStoreThatDoesNotExistMakesNone) {
+  const auto run = support::RunProgram({VOXTREL_PROGRAM, "--root", Path("none"), "check"});
+  EXPECT_EQ(run.exitCode, 0) << run.err;
+  EXPECT_EQ(run.out, "There are no voice tags in " + Path("none") + ".\n");
+  EXPECT_FALSE(fs::exists(Path("none")));
+}
+
+TEST_F(CheckCommand, TellsEachThingInPlainWordsAndChangesNothing) {
+  PutThreeTags();
+  fs::remove(Wave("100"));
+  fs::resize_file(Template("200"), 20);
+  PutEntry("300", m_bob, u"Radio2");
+  std::ofstream(Path("all.vcf"), std::ios::binary) << kAnnsCard;
+  fs::copy_file(fs::path(VOXTREL_SAMPLES_DIR) / "sophie_1.wav", Wave("900"));
+  const auto before = GetFiles();
+  EXPECT_EQ(Check({}, 1),
+            (Lines{"no-recording 100", "contact-gone 200", "template-torn 200", "contact-gone 300",
+                   "phone-type 300", "recording-without-tag 900"}));
+  EXPECT_TRUE(GetFiles() == before);
+  const auto run = Run({"check"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.out,
+              HasSubstr("100 (Ann Lee 5551234 M): there is no recording [no-recording]\n"));
+  EXPECT_THAT(run.out, HasSubstr("\n200: the contact does not exist any more"));
+  EXPECT_THAT(run.err, HasSubstr("6 things are not as they should be"));
+}
+
+TEST_F(CheckCommand, RepairMakesMissingAndTornTemplatesAndNothingElse) {
+  PutThreeTags();
+  const auto good = GetFiles();
+  fs::remove(Template("100"));
+  fs::resize_file(Template("200"), 20);
+  EXPECT_EQ(Check({"--repair"}, 0), (Lines{"no-template 100!", "template-torn 200!"}));
+  EXPECT_TRUE(GetFiles() == good);
+  fs::copy_file(fs::path(VOXTREL_SAMPLES_DIR) / "sophie_1.wav", Wave("900"));
+  fs::remove(Template("100"));
+  fs::remove(Wave("300"));
+  EXPECT_EQ(Check({"--repair"}, 1),
+            (Lines{"no-template 100!", "no-recording 300", "recording-without-tag 900"}));
+  EXPECT_FALSE(fs::exists(Template("900")));
+  EXPECT_TRUE(fs::exists(Template("300")));
+}
+
+TEST_F(CheckCommand, ContactsThatAreAwayMakeNobodyGoneAndAreToldWithTheReason) {
+  PutThreeTags();
+  fs::remove(Path("all.vcf"));
+  EXPECT_EQ(Check({}, 1), Lines{"contacts-away "});
+  const json result = RunJson({"check"}, 1);
+  EXPECT_THAT(result["findings"][0]["text"], HasSubstr("address book is missing"));
+  const auto run = Run({"check"});
+  EXPECT_THAT(run.out, HasSubstr("contacts cannot be read"));
+  EXPECT_THAT(run.out, HasSubstr("address book is missing"));
+  EXPECT_THAT(run.out, HasSubstr("[contacts-away]\n"));
+  EXPECT_THAT(run.out, Not(HasSubstr("as they should be")));
+}
+
+TEST_F(CheckCommand, GivesTheListTextOfEachTagAsJson) {
+  PutThreeTags();
+  fs::remove(Template("200"));
+  fs::copy_file(fs::path(VOXTREL_SAMPLES_DIR) / "sophie_1.wav", Wave("900"));
+  const json result = RunJson({"check"}, 1);
+  EXPECT_EQ(result["tags"], 3);
+  ASSERT_EQ(result["findings"].size(), 2U);
+  EXPECT_EQ(result["findings"][0]["listText"], "Bob Ray 5550001 H");
+  EXPECT_EQ(result["findings"][1]["listText"], "") << "No tag.";
+}
+
+TEST_F(CheckCommand, LeavesTheSettingsAsTheyAre) {
+  PutThreeTags();
+  std::ofstream(Path("all.vcf"), std::ios::binary | std::ios::app) << kEvesCard;
+  std::ofstream(Path("other.vcf"), std::ios::binary) << kEvesCard;
+  ASSERT_EQ(Run({"registry", "export", Path("before.reg")}).exitCode, 0);
+  EXPECT_EQ(Check({}, 0), Lines());
+  ASSERT_EQ(Run({"registry", "export", Path("new_card.reg")}).exitCode, 0);
+  EXPECT_TRUE(Content(Path("new_card.reg")) == Content(Path("before.reg")));
+  fs::copy_file(Path("all.vcf"), Path("copy.vcf"));
+  for (const char* contacts : {"copy.vcf", "other.vcf"}) {
+    static_cast<void>(Run({"--contacts", Path(contacts), "check"}));
+    ASSERT_EQ(Run({"registry", "export", Path("after.reg")}).exitCode, 0);
+    EXPECT_TRUE(Content(Path("after.reg")) == Content(Path("before.reg"))) << contacts;
+  }
+  ASSERT_EQ(Run({"tags", "list"}).exitCode, 0);
+  ASSERT_EQ(Run({"registry", "export", Path("listed.reg")}).exitCode, 0);
+  EXPECT_FALSE(Content(Path("listed.reg")) == Content(Path("before.reg")))
+      << "Else the new card were none.";
+}
+
+TEST_F(CheckCommand, ReadsRecordingsThatOthersReadAndThatTakeNoWrites) {
+  PutThreeTags();
+  fs::permissions(Wave("100"), fs::perms::owner_read);
+  posix::PosixFileSystem files(Wide(Path("root")));
+  const auto reader = files.Open(storage::WavePath(u"200"),
+                                 {platform::FileAccess::kRead, platform::FileShare::kRead, {}});
+  ASSERT_NE(reader.file, nullptr);
+  EXPECT_EQ(Check({}, 0), Lines());
+  fs::remove(Template("100"));
+  EXPECT_EQ(Check({"--repair"}, 0), Lines{"no-template 100!"});
+}
+
+TEST_F(CheckCommand, WaitsForNobodyWhoHasTheTagsInUse) {
+  PutThreeTags();
+  fs::remove(Template("100"));
+  posix::PosixThreads threads(Path("root"));
+  const auto page = threads.CreateNamedMutex(u"ZedraD");
+  ASSERT_NE(page.mutex, nullptr);
+  for (const auto& run : {Run({"check"}), Run({"check", "--repair"})}) {
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_THAT(run.err, HasSubstr("in use by another Voxtrel"));
+    EXPECT_THAT(run.out, IsEmpty());
+  }
+  EXPECT_FALSE(fs::exists(Template("100")));
+}
+
+TEST_F(CheckCommand, ARootThatIsNoFolderIsTold) {
+  std::ofstream(Path("file")) << "x";
+  for (const std::string& root : {Path("file"), Path("file/below/it")}) {
+    for (const std::vector<std::string>& command : std::vector<std::vector<std::string>>{
+             {"check"}, {"check", "--repair"}, {"tags", "list"}, {"connection", "show"}}) {
+      std::vector<std::string> all{VOXTREL_PROGRAM, "--root", root};
+      all.insert(all.end(), command.begin(), command.end());
+      const auto run = support::RunProgram(all);
+      EXPECT_EQ(run.exitCode, 1) << command.front();
+      EXPECT_THAT(run.out, IsEmpty());
+      EXPECT_THAT(run.err, HasSubstr(Path("file") + " is no folder"));
+    }
+  }
+}
+
+TEST_F(CheckCommand, SettingsThatCannotBeReadAreToldWithTheReason) {
+  PutThreeTags();
+  const fs::path store = fs::path(Path("root")) / sqlite::kDatabaseName;
+  fs::resize_file(store, 0);
+  std::ofstream(store, std::ios::binary) << std::string(5000, 'x');
+  EXPECT_EQ(Check({}, 1), Lines{"registry-unreadable "});
+  EXPECT_THAT(Run({"check"}).out, HasSubstr("damaged"));
+  EXPECT_EQ(fs::file_size(store), 5000U);
+}
+
+}  // namespace
