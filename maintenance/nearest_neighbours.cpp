@@ -29,8 +29,7 @@ std::vector<Neighbour> FindNearest(const voicemath::CVoiceMathematics& mathemati
   std::vector<Neighbour> nearest;
   nearest.reserve(found.size());
   for (const voicemath::Neighbour& each : found) {
-    nearest.push_back(each.index < 0 ? Neighbour()
-                                     : Neighbour{each.index, each.distance});
+    nearest.push_back(each.index < 0 ? Neighbour() : Neighbour{each.index, each.distance});
   }
   return nearest;
 }
