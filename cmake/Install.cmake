@@ -8,7 +8,8 @@
 #   share/applications, share/icons: what a desktop shows
 
 install(TARGETS voxtrel voxtrel-connection voxtrel-panel RUNTIME DESTINATION bin)
-install(TARGETS voxtrel_cpl voxtrel_collation_door voxtrel_ebook voxtrel_pulse_door LIBRARY DESTINATION lib/voxtrel)
+install(TARGETS voxtrel_cpl voxtrel_collation_door voxtrel_ebook voxtrel_pulse_door
+        LIBRARY DESTINATION lib/voxtrel)
 
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/resources/help" DESTINATION share/voxtrel)
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/resources/languages" DESTINATION share/voxtrel)

@@ -8,33 +8,12 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/vcard/card_mapping.h"
 #include "platform/vcard/content_line.h"
 #include "platform/vcard/identities.h"
-#include "platform/vcard/vcard_splitter.h"
 #include "tests/fuzz/require.h"
+#include "tests/vcard/read_cards.h"
 
 namespace {
-
-struct Outcome {
-  std::vector<vcard::ContactData> contacts;
-  bool isDamaged = false;
-};
-
-Outcome Read(std::string_view stream, std::size_t pieceSize) {
-  Outcome outcome;
-  vcard::VcardSplitter splitter([&outcome](const vcard::Card& card) {
-    outcome.contacts.push_back(vcard::ToContactData(card));
-  });
-  while (!stream.empty()) {
-    const std::string_view piece = stream.substr(0, pieceSize);
-    splitter.Feed(piece);
-    stream.remove_prefix(piece.size());
-  }
-  splitter.Finish();
-  outcome.isDamaged = splitter.IsDamaged();
-  return outcome;
-}
 
 void RequireShownText(const std::u16string& text) {
   Require(std::all_of(text.begin(), text.end(), [](char16_t c) { return c >= u' '; }),
@@ -47,8 +26,8 @@ void RequireShownText(const std::u16string& text) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view stream(reinterpret_cast<const char*>(data), size);
-  const Outcome whole = Read(stream, std::string_view::npos);
-  const Outcome pieces = Read(stream, 1 + size % 7);
+  const Cards whole = ReadCards(stream);
+  const Cards pieces = ReadCards(stream, 1 + size % 7);
   Require(whole.isDamaged == pieces.isDamaged, "damage does not depend on the pieces");
   const auto identities = vcard::IdentitiesOf(whole.contacts);
   Require(identities == vcard::IdentitiesOf(pieces.contacts),

@@ -4,11 +4,16 @@
 #include <QPointer>
 #include <QTest>
 #include <atomic>
+#include <chrono>
 #include <future>
+#include <string>
 #include <thread>
+#include <vector>
 
+#include "platform/posix/posix_threads.h"
 #include "platform/qt/qt_clock.h"
 #include "platform/qt/qt_threads.h"
+#include "platform/vcard/background_source.h"
 #include "tests/qt/dialog_fixture.h"
 
 namespace {
@@ -56,6 +61,30 @@ TEST_F(Waiting, GoesOnPainting) {
   } widget([this] { Open(); });
   widget.show();
   AwaitOpening();
+}
+
+TEST_F(Waiting, AnAddressBookThatIsSlowToAnswerLeavesTheWindowAlive) {
+  /// Answers once the user-interface thread has served a call, or was given up.
+  class SlowBook final : public vcard::ContactSource {
+   public:
+    explicit SlowBook(qt::UiThread& thread) : m_thread(thread) {}
+
+    vcard::ReadResult Read(std::vector<vcard::Book>& /*books*/) override {
+      m_thread.Post([this] { m_served.set_value(); });
+      const bool isAlive =
+          m_served.get_future().wait_for(std::chrono::seconds(60)) == std::future_status::ready;
+      return isAlive ? vcard::ReadResult::kRead : vcard::ReadResult::kNoAnswer;
+    }
+    std::string GetReason() const override { return {}; }
+
+   private:
+    qt::UiThread& m_thread;
+    std::promise<void> m_served;
+  } book(m_thread);
+  posix::PosixThreads real;
+  qt::QtThreads threads(m_thread, real);
+  std::vector<vcard::Book> books;
+  EXPECT_EQ(vcard::BackgroundSource(book, threads).Read(books), vcard::ReadResult::kRead);
 }
 
 TEST_F(Waiting, HoldsBackWhatMustNotRunDuringAWait) {
