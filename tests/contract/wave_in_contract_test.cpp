@@ -80,7 +80,7 @@ TEST_P(WaveInContract, OpensAgainAfterClose) {
     ASSERT_NO_FATAL_FAILURE(OpenDevice());
     Recording recording(kTenthOfASecond);
     ASSERT_EQ(e2e::StartRecording(*m_device, recording), WaveResult::kOk);
-    EXPECT_EQ(e2e::UnprepareWhile(*m_device, recording), WaveResult::kOk);
+    EXPECT_EQ(e2e::UnprepareWhilePlaying(*m_device, recording.header), WaveResult::kOk);
     EXPECT_EQ(m_device->Close(), WaveResult::kOk);
   }
 }
@@ -88,7 +88,7 @@ TEST_P(WaveInContract, OpensAgainAfterClose) {
 TEST_P(WaveInDeviceContract, RecordsWhatTheMicrophoneHears) {
   Recording recording(kTenthOfASecond);
   ASSERT_EQ(e2e::StartRecording(*m_device, recording), WaveResult::kOk);
-  ASSERT_EQ(e2e::UnprepareWhile(*m_device, recording), WaveResult::kOk);
+  ASSERT_EQ(e2e::UnprepareWhilePlaying(*m_device, recording.header), WaveResult::kOk);
   EXPECT_EQ(recording.header.bytesRecorded, kTenthOfASecond);
   EXPECT_TRUE(IsPartOfTheMelody(recording.Sound()));
 }
@@ -97,7 +97,7 @@ TEST_P(WaveInDeviceContract, FullHeaderIsReleased) {
   Recording recording(kTenthOfASecond);
   ASSERT_EQ(e2e::StartRecording(*m_device, recording), WaveResult::kOk);
   EXPECT_EQ(recording.header.flags, kWaveHeaderPrepared);
-  ASSERT_EQ(e2e::UnprepareWhile(*m_device, recording), WaveResult::kOk);
+  ASSERT_EQ(e2e::UnprepareWhilePlaying(*m_device, recording.header), WaveResult::kOk);
   EXPECT_EQ(recording.header.flags, 0U);
   EXPECT_EQ(m_device->AddBuffer(recording.header), WaveResult::kNotPrepared);
 }
@@ -106,7 +106,7 @@ TEST_P(WaveInDeviceContract, OneBufferAfterTheOtherIsFilled) {
   for (int i = 0; i < 3; ++i) {
     Recording recording(kTenthOfASecond);
     ASSERT_EQ(e2e::StartRecording(*m_device, recording), WaveResult::kOk);
-    ASSERT_EQ(e2e::UnprepareWhile(*m_device, recording), WaveResult::kOk);
+    ASSERT_EQ(e2e::UnprepareWhilePlaying(*m_device, recording.header), WaveResult::kOk);
     EXPECT_TRUE(IsPartOfTheMelody(recording.Sound()));
   }
 }
@@ -177,7 +177,7 @@ TEST_P(WaveInDeviceContract, SecondStartChangesNothing) {
   Recording recording(kTenthOfASecond);
   ASSERT_EQ(e2e::StartRecording(*m_device, recording), WaveResult::kOk);
   EXPECT_EQ(m_device->Start(), WaveResult::kOk);
-  ASSERT_EQ(e2e::UnprepareWhile(*m_device, recording), WaveResult::kOk);
+  ASSERT_EQ(e2e::UnprepareWhilePlaying(*m_device, recording.header), WaveResult::kOk);
   EXPECT_TRUE(IsPartOfTheMelody(recording.Sound()));
 }
 
@@ -192,7 +192,7 @@ TEST_P(WaveInDeviceContract, ResetGivesTheHeaderBack) {
 TEST_P(WaveInDeviceContract, ResetKeepsWhatHasArrived) {
   Recording recording(kFiveSeconds);
   ASSERT_EQ(e2e::StartRecording(*m_device, recording), WaveResult::kOk);
-  ASSERT_TRUE(e2e::AwaitSomeSound(*m_device, recording));
+  ASSERT_TRUE(e2e::AwaitBytes(*m_device, recording.header, 1));
   const auto arrived = recording.header.bytesRecorded;
   EXPECT_EQ(m_device->Reset(), WaveResult::kOk);
   EXPECT_GE(recording.header.bytesRecorded, arrived);
@@ -206,7 +206,7 @@ TEST_P(WaveInDeviceContract, RecordsAgainAfterReset) {
   ASSERT_EQ(m_device->Reset(), WaveResult::kOk);
   Recording recording(kTenthOfASecond);
   ASSERT_EQ(e2e::StartRecording(*m_device, recording), WaveResult::kOk);
-  EXPECT_EQ(e2e::UnprepareWhile(*m_device, recording), WaveResult::kOk);
+  EXPECT_EQ(e2e::UnprepareWhilePlaying(*m_device, recording.header), WaveResult::kOk);
   EXPECT_TRUE(IsPartOfTheMelody(recording.Sound()));
 }
 

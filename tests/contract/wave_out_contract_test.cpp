@@ -93,7 +93,7 @@ TEST_P(WaveOutContract, PlaysInOtherFormatsToo) {
     ASSERT_NO_FATAL_FAILURE(OpenDevice(format));
     Sound sound(Noise(std::size_t{100} * format.blockAlign, 1));
     ASSERT_EQ(e2e::StartPlaying(*m_device, sound), WaveResult::kOk);
-    EXPECT_EQ(e2e::UnprepareWhile(*m_device, sound), WaveResult::kOk);
+    EXPECT_EQ(e2e::UnprepareWhilePlaying(*m_device, sound), WaveResult::kOk);
   }
 }
 
@@ -111,7 +111,7 @@ TEST_P(WaveOutContract, OpensAgainAfterClose) {
     ASSERT_NO_FATAL_FAILURE(OpenDevice());
     Sound sound(Noise(kTenthOfASecond, i));
     ASSERT_EQ(e2e::StartPlaying(*m_device, sound), WaveResult::kOk);
-    EXPECT_EQ(e2e::UnprepareWhile(*m_device, sound), WaveResult::kOk);
+    EXPECT_EQ(e2e::UnprepareWhilePlaying(*m_device, sound), WaveResult::kOk);
     EXPECT_TRUE(m_backend->Hears(sound.Bytes()));
     EXPECT_EQ(m_device->Close(), WaveResult::kOk);
   }
@@ -121,7 +121,7 @@ TEST_P(WaveOutDeviceContract, PlaysTheWholeBufferAndLeavesItAsItIs) {
   const auto bytes = Noise(kTwoSeconds, 1);
   Sound sound(bytes);
   ASSERT_EQ(e2e::StartPlaying(*m_device, sound), WaveResult::kOk);
-  ASSERT_EQ(e2e::UnprepareWhile(*m_device, sound), WaveResult::kOk);
+  ASSERT_EQ(e2e::UnprepareWhilePlaying(*m_device, sound), WaveResult::kOk);
   EXPECT_TRUE(m_backend->Hears(bytes));
   EXPECT_THAT(sound.Bytes(), testing::ElementsAreArray(bytes));
 }
@@ -130,7 +130,7 @@ TEST_P(WaveOutDeviceContract, PlayedHeaderIsReleased) {
   Sound sound(Noise(kTenthOfASecond, 1));
   ASSERT_EQ(e2e::StartPlaying(*m_device, sound), WaveResult::kOk);
   EXPECT_EQ(sound.header.flags, kWaveHeaderPrepared);
-  ASSERT_EQ(e2e::UnprepareWhile(*m_device, sound), WaveResult::kOk);
+  ASSERT_EQ(e2e::UnprepareWhilePlaying(*m_device, sound), WaveResult::kOk);
   EXPECT_EQ(sound.header.flags, 0U);
   EXPECT_EQ(m_device->Write(sound.header), WaveResult::kNotPrepared);
 }
@@ -139,7 +139,7 @@ TEST_P(WaveOutDeviceContract, OneBufferAfterTheOtherIsPlayed) {
   for (std::uint32_t i = 1; i <= 3; ++i) {
     Sound sound(Noise(kTenthOfASecond, i));
     ASSERT_EQ(e2e::StartPlaying(*m_device, sound), WaveResult::kOk);
-    ASSERT_EQ(e2e::UnprepareWhile(*m_device, sound), WaveResult::kOk);
+    ASSERT_EQ(e2e::UnprepareWhilePlaying(*m_device, sound), WaveResult::kOk);
     EXPECT_TRUE(m_backend->Hears(sound.Bytes()));
   }
 }
@@ -147,11 +147,11 @@ TEST_P(WaveOutDeviceContract, OneBufferAfterTheOtherIsPlayed) {
 TEST_P(WaveOutDeviceContract, IncompleteBlockAtTheEndIsNotPlayed) {
   Sound sound(Noise(kTenthOfASecond + 1, 1));
   ASSERT_EQ(e2e::StartPlaying(*m_device, sound), WaveResult::kOk);
-  EXPECT_EQ(e2e::UnprepareWhile(*m_device, sound), WaveResult::kOk);
+  EXPECT_EQ(e2e::UnprepareWhilePlaying(*m_device, sound), WaveResult::kOk);
   EXPECT_TRUE(m_backend->Hears(sound.Bytes().first(kTenthOfASecond)));
   Sound nothing(Noise(1, 1));
   ASSERT_EQ(e2e::StartPlaying(*m_device, nothing), WaveResult::kOk);
-  EXPECT_EQ(e2e::UnprepareWhile(*m_device, nothing), WaveResult::kOk);
+  EXPECT_EQ(e2e::UnprepareWhilePlaying(*m_device, nothing), WaveResult::kOk);
 }
 
 TEST_P(WaveOutDeviceContract, HeaderWithoutMemoryIsNotPrepared) {
@@ -206,7 +206,7 @@ TEST_P(WaveOutDeviceContract, PlaysAgainAfterReset) {
   ASSERT_EQ(m_device->Reset(), WaveResult::kOk);
   Sound other(Noise(kTenthOfASecond, 2));
   ASSERT_EQ(e2e::StartPlaying(*m_device, other), WaveResult::kOk);
-  EXPECT_EQ(e2e::UnprepareWhile(*m_device, other), WaveResult::kOk);
+  EXPECT_EQ(e2e::UnprepareWhilePlaying(*m_device, other), WaveResult::kOk);
   EXPECT_TRUE(m_backend->Hears(other.Bytes()));
 }
 

@@ -36,10 +36,9 @@ class Sound {
 /// Prepares the header and writes it; the first result that is not kOk.
 [[nodiscard]] platform::WaveResult StartPlaying(platform::WaveOutDevice& device, Sound& sound);
 
-/// Asks Unprepare again and again until it answers something else than `answer`, for a bounded
-/// time. The last answer.
-[[nodiscard]] platform::WaveResult UnprepareWhile(
-    platform::WaveOutDevice& device, Sound& sound,
-    platform::WaveResult answer = platform::WaveResult::kStillPlaying);
+/// Asks Unprepare again and again while it answers kStillPlaying, for a bounded time. The last
+/// answer.
+[[nodiscard]] platform::WaveResult UnprepareWhilePlaying(platform::WaveOutDevice& device,
+                                                         Sound& sound);
 
 }  // namespace e2e

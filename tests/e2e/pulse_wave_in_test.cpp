@@ -34,11 +34,11 @@ constexpr std::size_t kTenthOfASecond = 2204;
 // A sound that silence cannot be taken for: every sample is the same.
 const std::vector<std::byte> kHum{std::byte{17}, std::byte{17}};
 
-// What "in time" means to a user: the limit of one call, and room for a busy machine.
-constexpr milliseconds kCallLimit(5000);
+// A call ends by itself: far above its limit of three seconds, for the machine may be busy.
+constexpr milliseconds kCallLimit(30000);
 
-// Within this, nothing has waited for a server.
-constexpr milliseconds kAtOnce(1000);
+// Within this, nothing has waited for a server until it gave up.
+constexpr milliseconds kAtOnce(2900);
 
 template <typename Call>
 milliseconds TimeOf(Call&& call) {
@@ -65,7 +65,7 @@ class PulseWaveIn : public testing::Test {
     OpenDevice();
     ASSERT_TRUE(m_device);
     ASSERT_EQ(e2e::StartRecording(*m_device, recording), WaveResult::kOk);
-    ASSERT_TRUE(e2e::AwaitSomeSound(*m_device, recording));
+    ASSERT_TRUE(e2e::AwaitBytes(*m_device, recording.header, 1));
   }
 
   void ExpectNoDeviceInTime() {
@@ -89,53 +89,40 @@ class PulseWaveIn : public testing::Test {
   std::unique_ptr<platform::WaveInDevice> m_device;
 };
 
-/// What the recorder does: the length of the recording, and a tenth of a second for stragglers.
-WaveResult RecordAsLongAsTheBuffer(platform::WaveInDevice& device, Recording& recording) {
-  std::this_thread::sleep_for(milliseconds(3000));
-  const WaveResult result = device.Unprepare(recording.header);
-  if (result == WaveResult::kOk) return result;
-  std::this_thread::sleep_for(milliseconds(100));
-  return device.Unprepare(recording.header);
-}
-
 TEST_F(PulseWaveIn, SpeechOfThreeSecondsFillsTheBufferAsItWasSpoken) {
   StartServer();
-  PipeMicrophone microphone(m_server->Pipe(), 11025, 1);
   const auto speech = e2e::Speak(m_session.Folder(), "Anna Karenina", 11025, 1);
   ASSERT_GT(speech.size(), 10000U);
+  const PipeMicrophone microphone(m_server->Pipe(), 11025, 1, speech);
   EXPECT_EQ(m_waveIn.GetDeviceCount(), 1U);
   ASSERT_NO_FATAL_FAILURE(OpenDevice());
 
   Recording recording(kThreeSeconds);
   ASSERT_EQ(e2e::StartRecording(*m_device, recording), WaveResult::kOk);
-  microphone.Hear(speech);
-  ASSERT_EQ(RecordAsLongAsTheBuffer(*m_device, recording), WaveResult::kOk);
+  ASSERT_EQ(e2e::UnprepareWhilePlaying(*m_device, recording.header), WaveResult::kOk);
 
   EXPECT_EQ(recording.header.bytesRecorded, kThreeSeconds);
-  const auto match =
-      e2e::FindSound(e2e::ToSamples(recording.Sound()), e2e::ToSamples(speech), 5512);
-  EXPECT_GT(match.correlation, 0.9999);
-  RecordProperty("DelayInSamples", std::to_string(match.offset));
+  EXPECT_TRUE(e2e::IsPartOfLoop(recording.Sound(), speech));
   EXPECT_EQ(m_device->Reset(), WaveResult::kOk);
   EXPECT_EQ(m_device->Close(), WaveResult::kOk);
 }
 
 TEST_F(PulseWaveIn, ServerConvertsFromTheFormOfItsMicrophone) {
   StartServer({.input = PulseInput::kPipe, .rate = 44100, .channels = 2});
-  PipeMicrophone microphone(m_server->Pipe(), 44100, 2);
-  const auto heard = e2e::Speak(m_session.Folder(), "Anna Karenina", 44100, 2);
+  const auto said = e2e::Speak(m_session.Folder(), "Anna Karenina", 44100, 2);
   const auto expected = e2e::Speak(m_session.Folder(), "Anna Karenina", 11025, 1);
+  // Said again and again, so that all of it is in the recording wherever that begins.
+  ASSERT_LT(expected.size(), kThreeSeconds / 2);
+  const PipeMicrophone microphone(m_server->Pipe(), 44100, 2, said);
   ASSERT_NO_FATAL_FAILURE(OpenDevice());
 
   Recording recording(kThreeSeconds);
   ASSERT_EQ(e2e::StartRecording(*m_device, recording), WaveResult::kOk);
-  microphone.Hear(heard);
-  ASSERT_EQ(e2e::UnprepareWhile(*m_device, recording), WaveResult::kOk);
+  ASSERT_EQ(e2e::UnprepareWhilePlaying(*m_device, recording.header), WaveResult::kOk);
 
-  const auto match =
-      e2e::FindSound(e2e::ToSamples(recording.Sound()), e2e::ToSamples(expected), 5512);
   // Two resamplers differ by a fraction of a sample.
-  EXPECT_GT(match.correlation, 0.95);
+  const auto name = e2e::ToSamples(expected);
+  EXPECT_GT(e2e::FindSound(e2e::ToSamples(recording.Sound()), name, name.size()).correlation, 0.95);
 }
 
 TEST_F(PulseWaveIn, MicrophoneIsRecordedEvenWhereAMonitorIsTheDefault) {
@@ -146,7 +133,7 @@ TEST_F(PulseWaveIn, MicrophoneIsRecordedEvenWhereAMonitorIsTheDefault) {
   ASSERT_NO_FATAL_FAILURE(OpenDevice());
   Recording recording(kTenthOfASecond);
   ASSERT_EQ(e2e::StartRecording(*m_device, recording), WaveResult::kOk);
-  ASSERT_EQ(e2e::UnprepareWhile(*m_device, recording), WaveResult::kOk);
+  ASSERT_EQ(e2e::UnprepareWhilePlaying(*m_device, recording.header), WaveResult::kOk);
   EXPECT_THAT(recording.Sound(), testing::Each(kHum.front()));
 }
 
@@ -207,7 +194,7 @@ TEST_F(PulseWaveIn, ServerKilledHalfWayLeavesWhatArrived) {
   const auto arrived = recording.header.bytesRecorded;
 
   m_server->Kill();
-  EXPECT_EQ(e2e::UnprepareWhile(*m_device, recording), WaveResult::kNoDevice);
+  EXPECT_EQ(e2e::UnprepareWhilePlaying(*m_device, recording.header), WaveResult::kNoDevice);
   EXPECT_GE(recording.header.bytesRecorded, arrived);
   EXPECT_LT(recording.header.bytesRecorded, kThreeSeconds);
   ExpectToEndAtOnce();
@@ -220,7 +207,7 @@ TEST_F(PulseWaveIn, ServerKilledBeforeTheStartFailsIt) {
   Recording recording(kThreeSeconds);
   ASSERT_EQ(e2e::StartRecording(*m_device, recording), WaveResult::kOk);
   m_server->Kill();
-  ASSERT_EQ(e2e::UnprepareWhile(*m_device, recording), WaveResult::kNoDevice);
+  ASSERT_EQ(e2e::UnprepareWhilePlaying(*m_device, recording.header), WaveResult::kNoDevice);
   EXPECT_EQ(m_device->Start(), WaveResult::kNoDevice);
 }
 
@@ -245,7 +232,7 @@ TEST_F(PulseWaveIn, MicrophoneUnpluggedHalfWayLeavesWhatArrived) {
   ASSERT_NO_FATAL_FAILURE(BeginLongRecording(recording));
 
   ASSERT_EQ(std::system("pactl unload-module module-pipe-source"), 0);
-  EXPECT_EQ(e2e::UnprepareWhile(*m_device, recording), WaveResult::kNoDevice);
+  EXPECT_EQ(e2e::UnprepareWhilePlaying(*m_device, recording.header), WaveResult::kNoDevice);
   EXPECT_LT(recording.header.bytesRecorded, kThreeSeconds);
   ExpectToEndAtOnce();
 }
@@ -258,7 +245,8 @@ TEST_F(PulseWaveIn, TwoRecordAtTheSameTime) {
     Recording recording(kTenthOfASecond);
     if (!opened.device) return;
     result = e2e::StartRecording(*opened.device, recording);
-    if (result == WaveResult::kOk) result = e2e::UnprepareWhile(*opened.device, recording);
+    if (result == WaveResult::kOk)
+      result = e2e::UnprepareWhilePlaying(*opened.device, recording.header);
   };
   WaveResult first = WaveResult::kFailed;
   WaveResult second = WaveResult::kFailed;

@@ -36,11 +36,11 @@ constexpr std::size_t kTenthOfASecond = 2204;
 constexpr std::size_t kOneSecond = 22050;
 constexpr std::size_t kFiveSeconds = 110250;
 
-// What "in time" means to a user: the limit of one call, and room for a busy machine.
-constexpr milliseconds kCallLimit(5000);
+// A call ends by itself: far above its limit of three seconds, for the machine may be busy.
+constexpr milliseconds kCallLimit(30000);
 
-// Within this, nothing has waited for a server.
-constexpr milliseconds kAtOnce(1000);
+// Within this, nothing has waited for a server until it gave up.
+constexpr milliseconds kAtOnce(2900);
 
 template <typename Call>
 milliseconds TimeOf(Call&& call) {
@@ -108,8 +108,7 @@ TEST_F(PulseWaveOut, SoundIsStillPlayingUntilItWasHeard) {
   Sound sound(Noise(kOneSecond, 2));
   const auto time = TimeOf([&] {
     ASSERT_EQ(e2e::StartPlaying(*m_device, sound), WaveResult::kOk);
-    EXPECT_EQ(m_device->Unprepare(sound.header), WaveResult::kStillPlaying);
-    EXPECT_EQ(e2e::UnprepareWhile(*m_device, sound), WaveResult::kOk);
+    EXPECT_EQ(e2e::UnprepareWhilePlaying(*m_device, sound), WaveResult::kOk);
   });
   EXPECT_GE(time, milliseconds(950));
   EXPECT_TRUE(m_ear->Awaits(sound.Bytes()));
@@ -119,7 +118,8 @@ TEST_F(PulseWaveOut, SoundOfManyBuffersOfTheServerIsHeardWithoutAGap) {
   StartServerAndEar();
   ASSERT_NO_FATAL_FAILURE(OpenDevice());
   ASSERT_EQ(e2e::StartPlaying(*m_device, m_long), WaveResult::kOk);
-  EXPECT_EQ(e2e::UnprepareWhile(*m_device, m_long), WaveResult::kOk);
+  EXPECT_EQ(m_device->Unprepare(m_long.header), WaveResult::kStillPlaying);
+  EXPECT_EQ(e2e::UnprepareWhilePlaying(*m_device, m_long), WaveResult::kOk);
   EXPECT_TRUE(m_ear->Awaits(m_long.Bytes()));
 }
 
@@ -130,7 +130,7 @@ TEST_F(PulseWaveOut, ServerConvertsToTheFormOfItsOutput) {
   ASSERT_NO_FATAL_FAILURE(OpenDevice({platform::kFormatTagPcm, 2, 44100, 176400, 4, 16, 0}));
   Sound sound(played);
   ASSERT_EQ(e2e::StartPlaying(*m_device, sound), WaveResult::kOk);
-  EXPECT_EQ(e2e::UnprepareWhile(*m_device, sound), WaveResult::kOk);
+  EXPECT_EQ(e2e::UnprepareWhilePlaying(*m_device, sound), WaveResult::kOk);
   // The ear follows the output by less than what this takes to be heard.
   Sound marker(Noise(kTenthOfASecond, 2));
   ASSERT_NO_FATAL_FAILURE(OpenDevice());
@@ -212,7 +212,7 @@ TEST_F(PulseWaveOut, ResetStopsAtOnceAndTheRestIsNeverHeard) {
   EXPECT_EQ(m_device->Reset(), WaveResult::kOk);
   Sound marker(Noise(kTenthOfASecond, 2));
   ASSERT_EQ(e2e::StartPlaying(*m_device, marker), WaveResult::kOk);
-  ASSERT_EQ(e2e::UnprepareWhile(*m_device, marker), WaveResult::kOk);
+  ASSERT_EQ(e2e::UnprepareWhilePlaying(*m_device, marker), WaveResult::kOk);
   ASSERT_TRUE(m_ear->Awaits(marker.Bytes()));
   EXPECT_FALSE(m_ear->HasHeard(HandedOverEarly()));
 }
@@ -230,7 +230,7 @@ TEST_F(PulseWaveOut, CloseStopsAtOnceAndTheRestIsNeverHeard) {
 TEST_F(PulseWaveOut, ServerKilledHalfWayIsNoDevice) {
   ASSERT_NO_FATAL_FAILURE(BeginLongSound());
   m_server->Kill();
-  EXPECT_EQ(e2e::UnprepareWhile(*m_device, m_long), WaveResult::kNoDevice);
+  EXPECT_EQ(e2e::UnprepareWhilePlaying(*m_device, m_long), WaveResult::kNoDevice);
   EXPECT_EQ(m_device->Reset(), WaveResult::kOk);
   EXPECT_EQ(e2e::StartPlaying(*m_device, m_long), WaveResult::kNoDevice);
   ExpectToEndAtOnce();
@@ -246,7 +246,7 @@ TEST_F(PulseWaveOut, ServerFrozenHalfWayHoldsNobodyUp) {
 TEST_F(PulseWaveOut, OutputUnpluggedHalfWayIsNoDevice) {
   ASSERT_NO_FATAL_FAILURE(BeginLongSound());
   ASSERT_EQ(std::system("pactl unload-module module-null-sink"), 0);
-  EXPECT_EQ(e2e::UnprepareWhile(*m_device, m_long), WaveResult::kNoDevice);
+  EXPECT_EQ(e2e::UnprepareWhilePlaying(*m_device, m_long), WaveResult::kNoDevice);
   ExpectToEndAtOnce();
 }
 
@@ -257,7 +257,7 @@ TEST_F(PulseWaveOut, TwoPlayAtTheSameTime) {
     Sound sound(Noise(kTenthOfASecond, 2));
     if (!opened.device) return;
     result = e2e::StartPlaying(*opened.device, sound);
-    if (result == WaveResult::kOk) result = e2e::UnprepareWhile(*opened.device, sound);
+    if (result == WaveResult::kOk) result = e2e::UnprepareWhilePlaying(*opened.device, sound);
   };
   WaveResult first = WaveResult::kFailed;
   WaveResult second = WaveResult::kFailed;

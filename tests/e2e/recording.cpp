@@ -8,8 +8,8 @@ namespace {
 using platform::WaveResult;
 using std::chrono::steady_clock;
 
-// Far above what any device needs for the short recordings of the tests.
-constexpr std::chrono::seconds kLimit(10);
+// Far above what any device needs for the short recordings of the tests, however busy the machine.
+constexpr std::chrono::seconds kLimit(60);
 constexpr std::chrono::milliseconds kPollInterval(5);
 
 }  // namespace
@@ -21,23 +21,23 @@ WaveResult StartRecording(platform::WaveInDevice& device, Recording& recording) 
   return result;
 }
 
-WaveResult UnprepareWhile(platform::WaveInDevice& device, Recording& recording, WaveResult answer) {
+WaveResult UnprepareWhilePlaying(platform::WaveInDevice& device, platform::WaveHeader& header) {
   const auto deadline = steady_clock::now() + kLimit;
-  WaveResult result = device.Unprepare(recording.header);
-  while (result == answer && steady_clock::now() < deadline) {
+  WaveResult result = device.Unprepare(header);
+  while (result == WaveResult::kStillPlaying && steady_clock::now() < deadline) {
     std::this_thread::sleep_for(kPollInterval);
-    result = device.Unprepare(recording.header);
+    result = device.Unprepare(header);
   }
   return result;
 }
 
-bool AwaitSomeSound(platform::WaveInDevice& device, Recording& recording) {
+bool AwaitBytes(platform::WaveInDevice& device, platform::WaveHeader& header, std::uint32_t bytes) {
   const auto deadline = steady_clock::now() + kLimit;
-  while (recording.header.bytesRecorded == 0 && steady_clock::now() < deadline) {
-    if (device.Unprepare(recording.header) != WaveResult::kStillPlaying) break;
+  while (header.bytesRecorded < bytes && steady_clock::now() < deadline) {
+    if (device.Unprepare(header) != WaveResult::kStillPlaying) break;
     std::this_thread::sleep_for(kPollInterval);
   }
-  return recording.header.bytesRecorded > 0;
+  return header.bytesRecorded >= bytes;
 }
 
 }  // namespace e2e

@@ -48,13 +48,14 @@ class Recording {
 [[nodiscard]] platform::WaveResult StartRecording(platform::WaveInDevice& device,
                                                   Recording& recording);
 
-/// Asks Unprepare again and again until it answers something else than `answer`, for a bounded
-/// time. The last answer.
-[[nodiscard]] platform::WaveResult UnprepareWhile(
-    platform::WaveInDevice& device, Recording& recording,
-    platform::WaveResult answer = platform::WaveResult::kStillPlaying);
+/// Asks Unprepare again and again while it answers kStillPlaying, for a bounded time. The last
+/// answer.
+[[nodiscard]] platform::WaveResult UnprepareWhilePlaying(platform::WaveInDevice& device,
+                                                         platform::WaveHeader& header);
 
-/// Asks Unprepare until some of the recording is there, for a bounded time. Whether it is.
-[[nodiscard]] bool AwaitSomeSound(platform::WaveInDevice& device, Recording& recording);
+/// Asks Unprepare until at least `bytes` of the recording are there, for a bounded time. Whether
+/// they are.
+[[nodiscard]] bool AwaitBytes(platform::WaveInDevice& device, platform::WaveHeader& header,
+                              std::uint32_t bytes);
 
 }  // namespace e2e

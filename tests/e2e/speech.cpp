@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
@@ -49,6 +50,15 @@ std::vector<std::int16_t> ToSamples(std::span<const std::byte> sound) {
   std::vector<std::int16_t> samples(sound.size() / sizeof(std::int16_t));
   std::memcpy(samples.data(), sound.data(), samples.size() * sizeof(std::int16_t));
   return samples;
+}
+
+bool IsPartOfLoop(std::span<const std::byte> sound, std::span<const std::byte> loop) {
+  for (std::size_t begin = 0; begin < loop.size(); begin += sizeof(std::int16_t)) {
+    std::size_t at = begin;
+    const auto differs = [&](std::byte byte) { return byte != loop[at++ % loop.size()]; };
+    if (std::ranges::none_of(sound, differs)) return true;
+  }
+  return false;
 }
 
 Match FindSound(std::span<const std::int16_t> recording, std::span<const std::int16_t> said,

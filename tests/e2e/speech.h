@@ -18,6 +18,10 @@ namespace e2e {
 /// The samples of signed 16-bit sound.
 [[nodiscard]] std::vector<std::int16_t> ToSamples(std::span<const std::byte> sound);
 
+/// Whether `sound` is what somebody hears to whom `loop` is played again and again, from some
+/// sample of it on, without a gap. Both are signed 16-bit sound of one channel.
+[[nodiscard]] bool IsPartOfLoop(std::span<const std::byte> sound, std::span<const std::byte> loop);
+
 struct Match {
   double correlation = -1.0;  ///< 1.0 is equality up to loudness.
   std::size_t offset = 0;     ///< Samples from the beginning of the recording.
