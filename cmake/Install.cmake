@@ -36,10 +36,8 @@ install(FILES "${PROJECT_SOURCE_DIR}/host/panel/voxtrel-panel.desktop"
 
 # The same places beside the programs of the build tree.
 file(MAKE_DIRECTORY "${PROJECT_BINARY_DIR}/share/voxtrel")
-foreach(folder IN ITEMS languages samples)
-  set(source "${PROJECT_SOURCE_DIR}/${folder}")
-  if(folder STREQUAL "languages")
-    set(source "${PROJECT_SOURCE_DIR}/resources/languages")
-  endif()
-  file(CREATE_LINK "${source}" "${PROJECT_BINARY_DIR}/share/voxtrel/${folder}" SYMBOLIC)
+foreach(source IN ITEMS resources/help resources/languages samples)
+  cmake_path(GET source FILENAME folder)
+  file(CREATE_LINK "${PROJECT_SOURCE_DIR}/${source}" "${PROJECT_BINARY_DIR}/share/voxtrel/${folder}"
+       SYMBOLIC)
 endforeach()

@@ -2,8 +2,10 @@
 
 #include <chrono>
 #include <filesystem>
+#include <fstream>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tests/e2e/text_file.h"
@@ -49,6 +51,24 @@ TEST_F(WindowStory, ThreeNamesAreLearnedByClicksOnTheRealWindow) {
   }
   EXPECT_THAT(texts,
               ElementsAre("Ann Lee 5551234 M", "Bob Ray 5550001 H", "Carla Stone 5550003 B"));
+}
+
+TEST_F(WindowStory, F1OpensAPageThatIsThere) {
+  const std::string opened = m_session.Folder() / "opened";
+  const std::string browser = m_session.Folder() / "browser";
+  std::ofstream(browser) << "#!/bin/sh\nprintf '%s' \"$1\" >'" << opened << "'\n";
+  std::filesystem::permissions(browser, std::filesystem::perms::owner_all);
+  m_session.SetVariable("BROWSER", browser);
+  OpenFromThePanel();
+  if (HasFatalFailure()) return;
+  ASSERT_TRUE(Await(std::chrono::seconds(60), [&] {
+    m_screen->Press({"F1"});
+    return Await(std::chrono::seconds(2), [&] { return !ReadText(opened).empty(); });
+  }));
+  const std::string page = ReadText(opened);
+  const std::string file = page.substr(0, page.find('#'));
+  ASSERT_TRUE(file.starts_with("file:///")) << page;
+  EXPECT_TRUE(std::filesystem::exists(file.substr(std::string_view("file://").size()))) << page;
 }
 
 TEST_F(WindowStory, TheConnectionSettingsHaveASheetOfTheirOwnWhoseOkStoresThem) {
