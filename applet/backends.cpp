@@ -5,7 +5,9 @@
 #include <system_error>
 #include <utility>
 
-#include "applet/loaded_doors.h"
+#include "applet/late_sound.h"
+#include "platform/desktop_books.h"
+#include "platform/loading/loaded_library.h"
 #include "platform/sqlite/sqlite_registry.h"
 #include "platform/text/utf.h"
 #include "platform/wave_file/file_wave_in.h"
@@ -52,6 +54,13 @@ std::optional<std::filesystem::path> FindRoot(const BackendOptions& options) {
   std::error_code error;
   std::filesystem::path root = std::filesystem::absolute(options.root, error);
   return error ? std::nullopt : std::optional(std::move(root));
+}
+
+vcard::DesktopSource::Library LoadDesktopBooks() {
+  loading::LoadedFunction found =
+      loading::LoadDoor(platform::kDesktopBooksLibrary, "ebook", platform::kReadDesktopBooksName);
+  return {reinterpret_cast<platform::ReadDesktopBooksFunction*>(found.address),
+          std::move(found.reason)};
 }
 
 }  // namespace
@@ -113,7 +122,7 @@ platform::FileSystem& Backends::GetFiles() {
 platform::WaveIn& Backends::GetWaveIn() {
   if (!m_waveIn) {
     if (m_options.microphone.empty()) {
-      m_waveIn = LoadWaveIn();
+      m_waveIn = std::make_unique<LateWaveIn>();
     } else {
       m_waveIn =
           std::make_unique<wave_file::FileWaveIn>(GetFiles(), ToSystemPath(m_options.microphone));
@@ -125,7 +134,7 @@ platform::WaveIn& Backends::GetWaveIn() {
 platform::WaveOut& Backends::GetWaveOut() {
   if (!m_waveOut) {
     if (m_options.speaker.empty()) {
-      m_waveOut = LoadWaveOut();
+      m_waveOut = std::make_unique<LateWaveOut>();
     } else {
       m_waveOut =
           std::make_unique<wave_file::FileWaveOut>(GetFiles(), ToSystemPath(m_options.speaker));

@@ -30,7 +30,7 @@ std::unique_ptr<T> MakeOrNull(Arguments&&... arguments) {
 
 bool VoxtrelApp::InitInstance() {
   m_module = &m_ownModule;
-  m_texts = language::LoadTexts(m_platform.files, storage::kLanguageFile);
+  m_texts = language::LoadTexts(m_platform.files, storage::kLanguageFile, m_platform.clock);
   m_learningPage = MakeOrNull<tags::Page_one>(m_platform, m_texts);
   m_aboutPage = MakeOrNull<AboutPage>(
       m_platform,

@@ -88,6 +88,9 @@ class WaveDevice {
   [[nodiscard]] bool WriteRecording();
   [[nodiscard]] bool CloseFile();
   [[nodiscard]] PlayCode ReadSound(std::u16string_view path);
+  /// Appends to the view until it is `length` bytes long. False where the file or the memory does
+  /// not go so far.
+  [[nodiscard]] bool ReadUpTo(platform::File& file, std::uint64_t length);
   [[nodiscard]] PlayCode PlaySound();
   void ReleaseOutput();
   void ShowTopmost(std::u16string text);

@@ -93,9 +93,6 @@ std::uint32_t GetPlayingTime(std::size_t fileBytes, std::uint32_t samplesPerSeco
 int WaveDevice::Play(std::u16string_view path) {
   PlayCode code = ReadSound(path);
   if (code == kPlayed) {
-    code = CheckHeader(m_view);
-  }
-  if (code == kPlayed) {
     code = PlaySound();
   }
   ReleaseOutput();
@@ -113,13 +110,26 @@ PlayCode WaveDevice::ReadSound(std::u16string_view path) {
   if (!length || *length > std::numeric_limits<std::uint32_t>::max()) {
     return kSoundNotMapped;
   }
-  try {
-    m_view.resize(static_cast<std::size_t>(*length));
-  } catch (const std::bad_alloc&) {
+  // The header first: a file that is no sound may be longer than the memory.
+  if (!ReadUpTo(*opened.file, std::min<std::uint64_t>(*length, kWaveHeaderBytes))) {
     return kSoundNotRead;
   }
-  const auto read = opened.file->Read(m_view);
-  return read == m_view.size() ? kPlayed : kSoundNotRead;
+  const PlayCode code = CheckHeader(m_view);
+  if (code != kPlayed) {
+    return code;
+  }
+  return ReadUpTo(*opened.file, *length) ? kPlayed : kSoundNotRead;
+}
+
+bool WaveDevice::ReadUpTo(platform::File& file, std::uint64_t length) {
+  const std::size_t there = m_view.size();
+  try {
+    m_view.resize(static_cast<std::size_t>(length));
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
+  const auto rest = std::span(m_view).subspan(there);
+  return file.Read(rest) == rest.size();
 }
 
 PlayCode WaveDevice::PlaySound() {

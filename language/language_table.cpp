@@ -2,11 +2,16 @@
 
 #include <memory>
 #include <optional>
+#include <utility>
 
 #include "language/language_file_reader.h"
 
 namespace language {
 namespace {
+
+// Milliseconds. A reader is done in one or two.
+constexpr std::uint32_t kRetryWait = 10;
+constexpr std::uint32_t kLongestWait = 1000;
 
 std::unique_ptr<LanguageTable>& Instance() {
   static std::unique_ptr<LanguageTable> instance;
@@ -25,8 +30,23 @@ LanguageTable& LanguageTable::GetInstance() {
 void LanguageTable::Release() { Instance().reset(); }
 
 void LanguageTable::Load(platform::FileSystem& files, std::u16string_view path) {
+  LoadFrom(files.Open(path, {}));
+}
+
+void LanguageTable::Load(platform::FileSystem& files, std::u16string_view path,
+                         platform::Clock& clock) {
+  platform::OpenedFile opened = files.Open(path, {});
+  for (std::uint32_t waited = 0;
+       opened.error == platform::FileError::kSharingViolation && waited < kLongestWait;
+       waited += kRetryWait) {
+    clock.Sleep(kRetryWait);
+    opened = files.Open(path, {});
+  }
+  LoadFrom(std::move(opened));
+}
+
+void LanguageTable::LoadFrom(platform::OpenedFile opened) {
   m_entries.clear();
-  const platform::OpenedFile opened = files.Open(path, {});
   if (!opened.file) {
     return;
   }

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/clock.h"
 #include "platform/file_system.h"
 
 namespace language {
@@ -42,6 +43,10 @@ class LanguageTable {
   /// then.
   void Load(platform::FileSystem& files, std::u16string_view path);
 
+  /// The same, but waits up to a second for another process that is just reading the file, which
+  /// neither shares with anybody: programs that start together must not lose all their texts.
+  void Load(platform::FileSystem& files, std::u16string_view path, platform::Clock& clock);
+
   /// The same for a file that was read already.
   void LoadFrom(std::span<const std::byte> file);
 
@@ -55,6 +60,8 @@ class LanguageTable {
   [[nodiscard]] const std::vector<Entry>& GetEntries() const { return m_entries; }
 
  private:
+  void LoadFrom(platform::OpenedFile opened);
+
   std::vector<Entry> m_entries;  ///< At most kMaxEntries.
 };
 

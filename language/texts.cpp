@@ -14,13 +14,13 @@ std::u16string_view Texts::operator()(const resources::Text& text) const {
   return found == nullptr ? std::u16string_view() : std::u16string_view(found);
 }
 
-Texts LoadTexts(platform::FileSystem& files, std::u16string_view path) {
+Texts LoadTexts(platform::FileSystem& files, std::u16string_view path, platform::Clock& clock) {
   try {
     if (!files.FindFirst(path).search) {
       return {};
     }
     LanguageTable& table = LanguageTable::GetInstance();
-    table.Load(files, path);
+    table.Load(files, path, clock);
     return Texts(&table);
   } catch (const std::bad_alloc&) {
     return {};

@@ -2,6 +2,7 @@
 
 #include <string_view>
 
+#include "platform/clock.h"
 #include "platform/file_system.h"
 #include "resources/strings.h"
 
@@ -32,7 +33,9 @@ class Texts {
 };
 
 /// The texts of the language file at `path`, which the process-wide table takes in; the built-in
-/// ones where there is no such file, or no memory to look for it.
-[[nodiscard]] Texts LoadTexts(platform::FileSystem& files, std::u16string_view path);
+/// ones where there is no such file, or no memory to look for it. Waits up to a second while
+/// another process reads the file.
+[[nodiscard]] Texts LoadTexts(platform::FileSystem& files, std::u16string_view path,
+                              platform::Clock& clock);
 
 }  // namespace language

@@ -8,8 +8,8 @@
 namespace platform {
 
 // The doors of the library that knows the sound server: apart from the rest, since it brings thirty
-// others with it, and loaded only where no file stands for the microphone or the loudspeaker. Once
-// it was used, it stays loaded for good.
+// others with it, and loaded only for a microphone or a loudspeaker that is used and for which no
+// file stands. Once it was used, it stays loaded for good.
 
 using MakeWaveInFunction = void(std::unique_ptr<WaveIn>& made);
 using MakeWaveOutFunction = void(std::unique_ptr<WaveOut>& made);

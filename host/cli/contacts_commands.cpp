@@ -8,7 +8,7 @@
 
 #include "host/cli/contact_lists.h"
 #include "host/cli/output.h"
-#include "language/language_table.h"
+#include "host/cli/page_run.h"
 #include "platform/text/utf.h"
 #include "storage/device_paths.h"
 #include "tags/contact_opening.h"
@@ -44,13 +44,7 @@ void List(Session& session) {
     return;
   }
   const platform::Platform platform = session.GetPlatform();
-  language::LanguageTable table;
-  const bool hasLanguage = platform.files.FindFirst(storage::kLanguageFile).search != nullptr;
-  if (hasLanguage) {
-    table.Load(platform.files, storage::kLanguageFile);
-  }
-  const language::Texts texts(hasLanguage ? &table : nullptr);
-
+  const language::Texts texts = LoadTexts(session);
   platform::ContactsStore& store = session.GetContacts();
   if (const auto failure = tags::OpenContacts(store, platform.clock)) {
     platform.ui.ShowMessage(tags::ToBox(*failure, texts));

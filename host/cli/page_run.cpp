@@ -12,7 +12,7 @@
 namespace cli {
 
 language::Texts LoadTexts(Session& session) {
-  return language::LoadTexts(session.GetFiles(), storage::kLanguageFile);
+  return language::LoadTexts(session.GetFiles(), storage::kLanguageFile, session.GetClock());
 }
 
 void RunPage(Session& session, const std::function<void(PageRun&)>& use) {

@@ -38,6 +38,7 @@ class Session {
   /// The same with `clock` in the place of the session's own.
   [[nodiscard]] platform::Platform GetPlatform(platform::Clock& clock);
   [[nodiscard]] platform::FileSystem& GetFiles() { return m_backends.GetFiles(); }
+  [[nodiscard]] platform::Clock& GetClock() { return m_backends.GetClock(); }
 
   /// Whether there is a root folder, or can be one; where that cannot be, it is told.
   [[nodiscard]] bool RequireRoot();

@@ -6,6 +6,7 @@
 
 #include "connection/connection_sheet.h"
 #include "language/texts.h"
+#include "platform/posix/posix_clock.h"
 #include "platform/posix/posix_file_system.h"
 #include "platform/qt/qt_ui.h"
 #include "platform/qt/ui_thread.h"
@@ -27,6 +28,7 @@ void Run(const std::filesystem::path& root) {
   options.initialKeys.assign(storage::kInstalledKeys.begin(), storage::kInstalledKeys.end());
   sqlite::SqliteRegistry registry(root / sqlite::kDatabaseName, options);
   posix::PosixFileSystem files(text::FromHostName(root.native()));
+  posix::PosixClock clock;
   udev_ports::UdevSerialDevices devices;
   // Where that fails the ports are those of last time.
   static_cast<void>(udev_ports::PublishSerialPorts(registry, devices));
@@ -35,7 +37,8 @@ void Run(const std::filesystem::path& root) {
   qt::QtUi ui(thread, kApplicationName,
               {.getBytes = [](int /*picture*/) { return std::span<const std::byte>(); }});
   connection::RunConnectionSheet(
-      ui, registry, language::LoadTexts(files, storage::kLanguageFile)(resources::kSheetCaption));
+      ui, registry,
+      language::LoadTexts(files, storage::kLanguageFile, clock)(resources::kSheetCaption));
 }
 
 }  // namespace

@@ -187,6 +187,18 @@ TEST_F(WavePlayer, EachStepOfTheDeviceHasItsCodeAndReleasesEverything) {
   EXPECT_EQ(PlayBytes(Good()), audio::kPlayed);
 }
 
+TEST_F(WavePlayer, OfAFileThatIsNoSoundOnlyTheHeaderIsRead) {
+  const auto callsFor = [this](const support::Bytes& bytes) {
+    EXPECT_TRUE(m_files.PutFile(kPath, bytes));
+    m_failingFiles.FailCall(100, support::Failing::kOnce);
+    static_cast<void>(m_device.Play(kPath));
+    return m_failingFiles.CountCalls();
+  };
+  const std::size_t callsForSound = callsFor(Good());
+  EXPECT_EQ(callsFor(With(0, {'r'})), callsForSound - 1);
+  EXPECT_EQ(callsFor(With(20, {3})), callsForSound - 1);
+}
+
 TEST_F(WavePlayer, EachFailingFileCallGivesACodeAndReleasesEverything) {
   ASSERT_TRUE(m_files.PutFile(kPath, Good()));
   bool anyFailed = true;

@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "platform/clock.h"
 #include "platform/headless/memory_file_system.h"
 #include "tests/language/language_bytes.h"
 #include "tests/support/failing_file_system.h"
@@ -230,6 +231,45 @@ TEST_F(LanguageTableFile, IsEmptyAfterAFileThatAnotherReaderHoldsSinceItSharesWi
   ASSERT_TRUE(held.file);
   m_table.Load(m_files, kPath);
   EXPECT_EQ(m_table.GetCount(), 0);
+}
+
+/// Time passes at once; another reader may be done with its file at the `n`-th sleep.
+class ReaderBesideUs final : public platform::Clock {
+ public:
+  explicit ReaderBesideUs(platform::OpenedFile held, std::size_t n)
+      : m_held(std::move(held)), m_isDoneAt(n) {}
+
+  [[nodiscard]] std::uint32_t GetTickCount() override { return m_passed; }
+  void Sleep(std::uint32_t milliseconds) override {
+    m_passed += milliseconds;
+    if (++m_sleeps == m_isDoneAt) m_held.file.reset();
+  }
+
+ private:
+  platform::OpenedFile m_held;
+  const std::size_t m_isDoneAt;
+  std::size_t m_sleeps = 0;
+  std::uint32_t m_passed = 0;
+};
+
+TEST_F(LanguageTableFile, WaitsForAProcessThatIsJustReadingTheFile) {
+  ReaderBesideUs reader(m_files.Open(kPath, {}), 3);
+  m_table.Load(m_files, kPath, reader);
+  EXPECT_EQ(LookUp(m_table, u"ID_A"), u"text");
+  EXPECT_EQ(m_files.CountOpenHandles(), 0U);
+}
+
+TEST_F(LanguageTableFile, IsEmptyAfterASecondInWhichAnotherHeldTheFile) {
+  ReaderBesideUs reader(m_files.Open(kPath, {}), 1000);
+  m_table.Load(m_files, kPath, reader);
+  EXPECT_EQ(m_table.GetCount(), 0);
+  EXPECT_EQ(reader.GetTickCount(), 1000U);
+}
+
+TEST_F(LanguageTableFile, DoesNotWaitForAFileThatIsMissing) {
+  ReaderBesideUs nobody({}, 0);
+  m_table.Load(m_files, u"\\Other.lng", nobody);
+  EXPECT_EQ(nobody.GetTickCount(), 0U);
 }
 
 TEST_F(LanguageTableFile, IsEmptyAndKeepsNothingOpenWhicheverCallFails) {

@@ -1,0 +1,57 @@
+#include "applet/late_sound.h"
+
+#include <cstdio>
+#include <string>
+
+#include "platform/loading/loaded_library.h"
+#include "platform/pulse/quiet_library.h"
+#include "platform/sound_library.h"
+
+namespace applet {
+namespace {
+
+using platform::WaveResult;
+
+/// Null where the library cannot be loaded.
+template <typename Function, typename Interface>
+void LoadSound(const char* door, const char* what, std::unique_ptr<Interface>& made) {
+  const loading::LoadedFunction found = loading::LoadDoor(platform::kSoundLibrary, "pulse", door);
+  if (found.address == nullptr) {
+    std::fputs((std::string("voxtrel: no ") + what + ": " + found.reason + '\n').c_str(), stderr);
+    return;
+  }
+  reinterpret_cast<Function*>(found.address)(made);
+}
+
+}  // namespace
+
+LateWaveIn::LateWaveIn() { pulse::KeepLibraryQuiet(); }
+
+std::uint32_t LateWaveIn::GetDeviceCount() {
+  platform::WaveIn* const found = Find();
+  return found == nullptr ? 0 : found->GetDeviceCount();
+}
+
+platform::OpenedWaveIn LateWaveIn::Open(const platform::WaveFormat& format) {
+  platform::WaveIn* const found = Find();
+  return found == nullptr ? platform::OpenedWaveIn{nullptr, WaveResult::kNoDevice}
+                          : found->Open(format);
+}
+
+platform::WaveIn* LateWaveIn::Find() {
+  std::call_once(m_once, [this] {
+    LoadSound<platform::MakeWaveInFunction>(platform::kMakeWaveInName, "microphone", m_found);
+  });
+  return m_found.get();
+}
+
+LateWaveOut::LateWaveOut() { pulse::KeepLibraryQuiet(); }
+
+platform::OpenedWaveOut LateWaveOut::Open(const platform::WaveFormat& format) {
+  std::call_once(m_once, [this] {
+    LoadSound<platform::MakeWaveOutFunction>(platform::kMakeWaveOutName, "loudspeaker", m_found);
+  });
+  return m_found ? m_found->Open(format) : platform::OpenedWaveOut{nullptr, WaveResult::kNoDevice};
+}
+
+}  // namespace applet
