@@ -167,6 +167,11 @@ vcard::AddressBooks& Backends::GetContacts(platform::Threads& threads) {
     if (!m_options.contacts.empty()) {
       options.choice = vcard::ParseChoice(text::FromHostName(m_options.contacts));
     }
+    options.nothingFound = [this] {
+      if (m_noContacts) {
+        m_noContacts();
+      }
+    };
     options.oidsInUse = [this] {
       MakeRoot();
       return tags::FindOidsInUse(GetRegistry(), storage::TagStore(GetFiles(), GetRegistry()));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -66,6 +67,10 @@ class Backends {
   /// server is asked, the log-on waits as `threads` have it, which outlive this or its last log-on.
   [[nodiscard]] vcard::AddressBooks& GetContacts(platform::Threads& threads);
 
+  /// What happens when contacts are looked for and nobody ever chose or recorded any. Nothing,
+  /// unless this is called.
+  void OnNoContacts(std::function<void()> tell) { m_noContacts = std::move(tell); }
+
   /// Makes the root folder where it is missing. Where that fails, whoever needs it tells.
   void MakeRoot() const;
 
@@ -86,6 +91,7 @@ class Backends {
   std::unique_ptr<platform::Registry> m_registry;
   vcard::DesktopSource m_desktop;
   std::unique_ptr<vcard::BackgroundSource> m_waitedDesktop;
+  std::function<void()> m_noContacts;
   std::unique_ptr<vcard::AddressBooks> m_contacts;
   std::unique_ptr<platform::WaveIn> m_waveIn;
   std::unique_ptr<platform::WaveOut> m_waveOut;

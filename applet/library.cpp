@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "applet/no_window.h"
+#include "platform/text/utf.h"
 #include "resources/desktop_strings.h"
 
 namespace applet {
@@ -15,7 +16,9 @@ Library::Library(LibraryOptions options)
       m_threads(m_presentation, MakeInstanceOptions()),
       // Its threads wait for programs only; the windows need not know of them.
       m_shell(m_backends.GetThreads(), MakeShellOptions()),
-      m_app(GetPlatform(), m_module) {}
+      m_app(GetPlatform(), m_module) {
+  m_backends.OnNoContacts([this] { TellNewcomer(); });
+}
 
 platform::Platform Library::GetPlatform() {
   return {m_backends.GetFiles(),
@@ -42,6 +45,14 @@ xdg::XdgShell::Options Library::MakeShellOptions() {
   return {m_options.environment, m_options.helpFolders, [this](std::u16string_view text) {
             m_presentation.ShowMessage(platform::ApplicationBox(std::u16string(text)));
           }};
+}
+
+void Library::TellNewcomer() {
+  constexpr std::u16string_view kPlace = u"%1";
+  std::u16string said(resources::kNoContacts);
+  said.replace(said.find(kPlace), kPlace.size(),
+               text::FromHostName((m_backends.GetRoot() / "contacts.vcf").native()));
+  m_presentation.ShowMessage(platform::ApplicationBox(std::move(said)));
 }
 
 void Library::Listen(const posix::Doorbell& bell) {

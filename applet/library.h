@@ -40,6 +40,7 @@ class Library {
   [[nodiscard]] platform::Platform GetPlatform();
   [[nodiscard]] InstanceThreads::Options MakeInstanceOptions();
   [[nodiscard]] xdg::XdgShell::Options MakeShellOptions();
+  void TellNewcomer();
   void Listen(const posix::Doorbell& bell);
   [[nodiscard]] bool CanOpen();
 

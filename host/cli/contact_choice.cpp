@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "host/cli/contacts_commands.h"
 #include "host/cli/output.h"
 #include "platform/text/names.h"
 #include "platform/text/utf.h"
@@ -108,6 +109,10 @@ bool ChooseContact(Session& session, PageRun& run, const std::string& wanted) {
   if (found.size() == 1) {
     run.dialog.Choose(kContactComboId, found.front());
     return true;
+  }
+  if (session.GetContacts().GetProblem() == vcard::AddressBooks::Problem::kNothingChosen) {
+    session.Fail(ExplainContactsProblem(session));
+    return false;
   }
   session.Fail(found.empty() ? fmt::format("no contact with a number is called \"{}\"", wanted)
                              : fmt::format("\"{}\" can mean each of these; give the number in "

@@ -51,6 +51,10 @@ void List(Session& session) {
     session.Fail(ExplainContactsProblem(session));
     return;
   }
+  if (session.GetContacts().GetProblem() == Problem::kNothingChosen) {
+    session.Fail(ExplainContactsProblem(session));
+    return;
+  }
   std::vector<ListedContact> contacts;
   if (!ListContacts(store, platform.ui, texts, contacts)) {
     session.Fail("the contacts cannot be listed");

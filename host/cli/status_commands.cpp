@@ -24,6 +24,9 @@ FoundContacts FindContacts(Session& session) {
   if (tags::OpenContacts(store, platform.clock)) {
     return {0, ExplainContactsProblem(session)};
   }
+  if (session.GetContacts().GetProblem() == vcard::AddressBooks::Problem::kNothingChosen) {
+    return {0, ExplainContactsProblem(session)};
+  }
   std::vector<ListedContact> contacts;
   if (!ListContacts(store, platform.ui, language::Texts(nullptr), contacts)) {
     return {0, "the contacts cannot be listed"};

@@ -96,10 +96,16 @@ bool AddressBooks::LogonToDefault() {
     return Fail(Problem::kUnreadable);
   }
   const bool isReady = LogonTo({m_options.defaultPath});
-  if (m_problem == Problem::kUnreadable) {
-    return Fail(hasContacts ? Problem::kTagsElsewhere : Problem::kNothingChosen);
+  if (m_problem != Problem::kUnreadable || m_files.FindFirst(m_options.defaultPath).search) {
+    return isReady;
   }
-  return isReady;
+  // There is no such file.
+  m_problem = hasContacts ? Problem::kTagsElsewhere : Problem::kNothingChosen;
+  const bool isNewcomer = !hasContacts && IsNoOidInUse();
+  if (isNewcomer && m_options.nothingFound) {
+    m_options.nothingFound();
+  }
+  return isNewcomer;
 }
 
 ReadResult AddressBooks::ReadDesktop(std::vector<Book>& books) {
@@ -142,6 +148,11 @@ bool AddressBooks::TakeContacts(std::vector<Book>& books) {
 bool AddressBooks::IsAnyOidInUse() const {
   const auto oids = m_options.oidsInUse ? m_options.oidsInUse() : std::nullopt;
   return oids && !oids->empty();
+}
+
+bool AddressBooks::IsNoOidInUse() const {
+  const auto oids = m_options.oidsInUse ? m_options.oidsInUse() : std::vector<std::int32_t>();
+  return oids && oids->empty();
 }
 
 bool AddressBooks::IsEveryOidInUseKnown() {

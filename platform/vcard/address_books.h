@@ -36,17 +36,23 @@ class AddressBooks final : public platform::ContactsStore {
     /// that cannot be told. Without the function none is in use.
     std::function<std::optional<std::vector<std::int32_t>>()> oidsInUse;
 
+    /// Told at each log-on of a newcomer, who has no contacts and no tags.
+    std::function<void()> nothingFound;
+
     /// The desktop's address books; without them nobody answers for the desktop.
     ContactSource* desktop = nullptr;
   };
 
-  /// Why the latest Connect or Logon failed, for who can tell the user more than that it did.
+  /// Why the latest Connect or Logon failed, or found nothing, for who can tell the user more than
+  /// that it did.
   enum class Problem : std::uint8_t {
     kNone,
-    kStore,          ///< The registry could not be read or written.
-    kNoServer,       ///< The desktop's address books do not answer.
-    kUnreadable,     ///< The desktop's address books, or the file, cannot be read to the end.
-    kNothingChosen,  ///< Nothing was ever chosen, and neither desktop nor default has contacts.
+    kStore,       ///< The registry could not be read or written.
+    kNoServer,    ///< The desktop's address books do not answer.
+    kUnreadable,  ///< The desktop's address books, or the file, cannot be read to the end.
+    /// Nothing was ever chosen, the desktop has no contacts, and the default is not there. Fails
+    /// only where there are tags; a newcomer has no contacts.
+    kNothingChosen,
     kTagsElsewhere,  ///< Contacts of tags are in another address book, or may be.
   };
 
@@ -79,6 +85,8 @@ class AddressBooks final : public platform::ContactsStore {
   [[nodiscard]] bool Fail(Problem problem);
   [[nodiscard]] bool TakeContacts(std::vector<Book>& books);
   [[nodiscard]] bool IsAnyOidInUse() const;
+  /// Not the opposite: where it cannot be told, neither is true.
+  [[nodiscard]] bool IsNoOidInUse() const;
   [[nodiscard]] bool IsEveryOidInUseKnown();
   [[nodiscard]] platform::ContactLookup Find(std::int32_t oid) const;
 

@@ -7,10 +7,13 @@
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "applet/no_window.h"
 #include "platform/headless/headless_ui.h"
+#include "platform/text/utf.h"
+#include "resources/dialogs.h"
 #include "tests/support/temp_folder.h"
 
 namespace {
@@ -64,6 +67,8 @@ class Library : public testing::Test {
     return library.Answer(static_cast<std::uint32_t>(message), lParam1, lParam2);
   }
 
+  [[nodiscard]] std::string Path(const char* name) const { return m_folder.Path() / name; }
+
   support::TempFolder m_folder;
   Stage m_stage;
   applet::LibraryOptions m_options;
@@ -111,6 +116,24 @@ TEST_F(Library, SaysThatThereIsNoFolderInsteadOfOpening) {
   EXPECT_EQ(m_stage.ui.GetMessages().front().box.text,
             u"There is no folder for the voice tags: HOME names none. Set it, or name a folder by "
             u"VOXTREL_ROOT.");
+}
+
+TEST_F(Library, TellsANewcomerWhereContactsAreLookedForAndOpensWithoutAny) {
+  // No desktop answers here.
+  ASSERT_EQ(::setenv("DBUS_SESSION_BUS_ADDRESS", ("unix:path=" + Path("no-bus")).c_str(), 1), 0);
+  m_options.backends.contacts.clear();
+  applet::Library library(m_options);
+  m_stage.ui.SetSheetStory([&](headless::HeadlessSheet& sheet) {
+    const headless::HeadlessDialog& page = *sheet.ShowPage(0);
+    EXPECT_FALSE(page.IsEnabled(resources::kRecordButtonId));
+    EXPECT_EQ(page.GetText(resources::kCountLabelId), u"Learned commands: 0");
+  });
+  EXPECT_EQ(Send(library, CplMessage::kDblClk), 0);
+  ASSERT_EQ(m_stage.ui.GetMessages().size(), 1U);
+  EXPECT_EQ(text::ToUtf8(m_stage.ui.GetMessages().front().box.text),
+            "No contacts were found. Add people with telephone numbers to the desktop's address "
+            "book, or save them as vCards in " +
+                Path("root/contacts.vcf") + ".");
 }
 
 TEST_F(Library, ASecondProcessEndsAndCallsTheFirstOne) {

@@ -89,7 +89,7 @@ TEST_F(ContactsCommands, ANewcomerIsToldWhereContactsAreLookedFor) {
   const auto run = Contacts({"contacts", "list", "--json"});
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_EQ(run.out, "");
-  EXPECT_THAT(run.err, testing::HasSubstr("Zedra Voxtrel: Failed to logon to Pocket Outlook\n"));
+  EXPECT_THAT(run.err, testing::StartsWith("voxtrel: there are no contacts: "));
   EXPECT_THAT(run.err, testing::HasSubstr(Path("root/contacts.vcf")));
 }
 

@@ -120,10 +120,33 @@ TEST_F(AddressBooksTest, ADesktopThatCannotBeReadToItsEndIsNotPassedOver) {
   EXPECT_FALSE(Start());
 }
 
-TEST_F(AddressBooksTest, NoContactsAnywhereIsAFailure) {
+TEST_F(AddressBooksTest, ANewcomerHasNoContacts) {
+  EXPECT_TRUE(Start());
+  EXPECT_EQ(m_store->GetCount(), 0);
+  EXPECT_EQ(m_store->GetProblem(), AddressBooks::Problem::kNothingChosen);
+  SetDesktopTo({});
+  EXPECT_TRUE(Start());
+  EXPECT_EQ(m_store->GetCount(), 0);
+  EXPECT_EQ(m_store->GetProblem(), AddressBooks::Problem::kNothingChosen);
+}
+
+TEST_F(AddressBooksTest, NoContactsAnywhereIsAFailureWhereTagsNeedThem) {
+  m_inUse = {17};
   EXPECT_FALSE(Start());
+  EXPECT_EQ(m_store->GetProblem(), AddressBooks::Problem::kNothingChosen);
   SetDesktopTo({});
   EXPECT_FALSE(Start());
+}
+
+TEST_F(AddressBooksTest, NoContactsAnywhereIsAFailureWhereNobodyKnowsWhetherTagsNeedThem) {
+  m_inUse = std::nullopt;
+  EXPECT_FALSE(Start());
+}
+
+TEST_F(AddressBooksTest, ADefaultFileThatCannotBeReadIsAFailure) {
+  Put(u"\\contacts.vcf", "no card at all");
+  EXPECT_FALSE(Start());
+  EXPECT_EQ(m_store->GetProblem(), AddressBooks::Problem::kUnreadable);
 }
 
 TEST_F(AddressBooksTest, AChoiceIsRememberedOnceItWorked) {
@@ -147,7 +170,7 @@ TEST_F(AddressBooksTest, AChosenDesktopIsNotReplacedByTheFile) {
 
 TEST_F(AddressBooksTest, TellsWhyALogonFailed) {
   using Problem = AddressBooks::Problem;
-  EXPECT_FALSE(Start());
+  EXPECT_TRUE(Start());
   EXPECT_EQ(m_store->GetProblem(), Problem::kNothingChosen);
   EXPECT_FALSE(Start(SourceChoice{}));
   EXPECT_EQ(m_store->GetProblem(), Problem::kNoServer);
