@@ -94,6 +94,13 @@ bool ReadBook(ESource& source, GCancellable* cancellable, DesktopBook& book, Cal
   return true;
 }
 
+/// Whether the user's programs have a way to talk to each other at all.
+bool IsSessionRunning(GCancellable* cancellable) {
+  const Text address(g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SESSION, cancellable, nullptr),
+                     &g_free);
+  return address != nullptr;
+}
+
 /// One reading, shared by who waits for it and the thread that does it.
 class Reading {
  public:
@@ -133,6 +140,10 @@ class Reading {
 
   [[nodiscard]] ReadResult ReadEnabledBooks(Outcome& outcome) {
     GCancellable* const cancellable = m_cancellable.get();
+    if (!IsSessionRunning(cancellable)) {
+      outcome.reason = "no desktop session is running";
+      return ReadResult::kNoAnswer;
+    }
     CallError error;
     const ObjectPointer<ESourceRegistry> registry(
         e_source_registry_new_sync(cancellable, error.Receive()));

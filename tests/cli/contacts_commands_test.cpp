@@ -99,6 +99,15 @@ TEST_F(ContactsCommands, ADesktopThatDoesNotAnswerIsTold) {
   EXPECT_THAT(run.err, testing::HasSubstr("do not answer"));
 }
 
+TEST_F(ContactsCommands, WithoutADesktopSessionThatIsTheReason) {
+  const auto run = support::RunProgram(
+      {"env", "-u", "DBUS_SESSION_BUS_ADDRESS", "-u", "DISPLAY", VOXTREL_PROGRAM, "--root",
+       Path("root"), "--contacts", "eds", "contacts", "list"},
+      {"XDG_RUNTIME_DIR=" + Path("none"), "HOME=" + Path(""), "LC_ALL=C.UTF-8"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.err, testing::HasSubstr("do not answer (no desktop session is running); choose"));
+}
+
 /// The program alone, as in a folder for programs.
 class MovedProgram : public ContactsCommands {
  protected:
