@@ -5,6 +5,7 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -29,6 +30,10 @@ struct RegistryBackEnd {
                                                  std::chrono::milliseconds busyLimit)>
       make;
 };
+
+inline std::ostream& operator<<(std::ostream& stream, const RegistryBackEnd& backEnd) {
+  return stream << backEnd.name;
+}
 
 /// The suite that every back end of the registry is put through.
 class RegistryContract : public testing::TestWithParam<RegistryBackEnd> {

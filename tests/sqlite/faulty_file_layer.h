@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <ostream>
 #include <string>
 
 namespace support {
@@ -34,5 +35,9 @@ class FaultyFileLayer {
   enum class ReadOnly : std::uint8_t { kDatabase, kWholeMedium };
   void MakeReadOnly(ReadOnly files);
 };
+
+inline std::ostream& operator<<(std::ostream& stream, FaultyFileLayer::Fault fault) {
+  return stream << (fault == FaultyFileLayer::Fault::kDiskFull ? "disk full" : "write error");
+}
 
 }  // namespace support

@@ -1,6 +1,8 @@
 #include "tests/support/failing_file_system.h"
 
+#include <cstddef>
 #include <memory>
+#include <ostream>
 #include <utility>
 
 namespace support {
@@ -85,6 +87,11 @@ class FailingSearch final : public platform::FileSearch {
 };
 
 }  // namespace
+
+std::ostream& operator<<(std::ostream& stream, Failing failing) {
+  constexpr const char* kNames[] = {"once", "from then on", "power failure"};
+  return stream << kNames[static_cast<std::size_t>(failing)];
+}
 
 void FailingFileSystem::FailCall(std::size_t number, Failing failing, FileError error) {
   const std::lock_guard lock(m_mutex);

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <iosfwd>
 #include <mutex>
 #include <string_view>
 
@@ -16,6 +17,8 @@ enum class Failing : std::uint8_t {
   kPowerFailure  ///< From then on nothing reaches the files any more, as if the process was killed
                  ///< in this call.
 };
+
+std::ostream& operator<<(std::ostream& stream, Failing failing);
 
 /// Forwards every call to other files and lets the n-th one fail. Calls of the file system, of its
 /// files and of its searches are counted together, those of destructors not at all.

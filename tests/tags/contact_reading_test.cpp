@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <ostream>
 #include <string>
 #include <utility>
 
@@ -125,6 +126,10 @@ struct ReaderRow {
   Reader read;
   ContactReader reader;
 };
+
+std::ostream& operator<<(std::ostream& stream, const ReaderRow& row) {
+  return stream << (row.reader == ContactReader::kRecording ? "Record" : "List");
+}
 
 class TagTexts : public testing::TestWithParam<ReaderRow> {};
 

@@ -52,9 +52,6 @@ void EachFault::ExpectTableOfEntries(FaultyPage& page) {
 }
 
 std::string NameOfFault(const testing::TestParamInfo<Fault>& info) {
-  constexpr const char* kParts[] = {"Files",   "Registry", "WaveIn",
-                                    "WaveOut", "Contacts", "Threads"};
   const auto [part, failing] = info.param;
-  return std::string(kParts[static_cast<std::size_t>(part)]) +
-         (failing == support::Failing::kOnce ? "Once" : "ForGood");
+  return testing::PrintToString(part) + (failing == support::Failing::kOnce ? "Once" : "ForGood");
 }

@@ -1,11 +1,19 @@
 #include "tests/tags/faulty_page.h"
 
+#include <cstddef>
+#include <ostream>
 #include <span>
 
 #include "platform/little_endian.h"
 #include "voicemath/template_file.h"
 
 using support::Failing;
+
+std::ostream& operator<<(std::ostream& stream, FaultyPart part) {
+  constexpr const char* kNames[] = {"Files",   "Registry", "WaveIn",
+                                    "WaveOut", "Contacts", "Threads"};
+  return stream << kNames[static_cast<std::size_t>(part)];
+}
 
 FaultyPage::FaultyPage() {
   // Less than half a second arrives, which the recorder keeps after asking twice: short, so that

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <iosfwd>
 #include <map>
 #include <string>
 #include <vector>
@@ -14,6 +15,8 @@
 
 /// A back end whose calls fail.
 enum class FaultyPart : std::uint8_t { kFiles, kRegistry, kWaveIn, kWaveOut, kContacts, kThreads };
+
+std::ostream& operator<<(std::ostream& stream, FaultyPart part);
 
 /// The open Learning page with a tag of Ann's and one of Bob's, both learned, on a machine of its
 /// own each of whose parts can fail.
