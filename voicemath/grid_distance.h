@@ -31,8 +31,8 @@ struct Pair {
   [[nodiscard]] std::int32_t LowestShift() const {
     return shorter.Frames() - longer.Frames() - kLead;
   }
-  /// At least five, as the longer one is not the shorter one: no pair is left without a shift. Frames
-  /// that are all alike are held against the others in the same way whatever the shift is.
+  /// At least five, as the longer one is not the shorter one: no pair is left without a shift.
+  /// Frames that are all alike are held against the others in the same way whatever the shift is.
   [[nodiscard]] std::int32_t ShiftCount() const {
     return shorter.IsSteady() ? 1 : kLead - LowestShift() + 1;
   }
