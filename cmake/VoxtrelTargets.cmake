@@ -164,9 +164,14 @@ function(voxtrel_keep_apart)
   set_target_properties(${ARGN} PROPERTIES UNITY_BUILD OFF)
 endfunction()
 
-# voxtrel_test(NAME SOURCES ... DEPENDS ... [LABELS ...]): one test program; each case is one test.
+# voxtrel_test(NAME SOURCES ... DEPENDS ... [LABELS ...] [COST n]): one test program; each case is
+# one test. What takes long begins first, so that nothing is waited for in the end: COST says how
+# many seconds, about, where the program runs as one test under the sanitizers.
 function(voxtrel_test name)
-  cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS;LABELS" ${ARGN})
+  cmake_parse_arguments(ARG "" "COST" "SOURCES;DEPENDS;LABELS" ${ARGN})
+  if(NOT ARG_COST)
+    set(ARG_COST 0)
+  endif()
   voxtrel_test_program(${name} SOURCES ${ARG_SOURCES} DEPENDS ${ARG_DEPENDS})
   if(NOT ARG_LABELS)
     set(ARG_LABELS "${name}")
@@ -182,8 +187,9 @@ function(voxtrel_test name)
   list(JOIN ARG_LABELS "+" labels)
   if(VOXTREL_TEST_PROGRAMS)
     add_test(NAME ${name} COMMAND ${name})
-    set_tests_properties(${name} PROPERTIES LABELS "${labels}" TIMEOUT 900)
+    set_tests_properties(${name} PROPERTIES LABELS "${labels}" TIMEOUT 900 COST ${ARG_COST})
   else()
-    gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES LABELS "${labels}" TIMEOUT 300)
+    gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES LABELS "${labels}" TIMEOUT 300
+                                                                    COST ${ARG_COST})
   endif()
 endfunction()
