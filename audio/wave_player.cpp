@@ -19,8 +19,8 @@ namespace {
 
 constexpr std::size_t kSearchStep = 4;  ///< The data is looked for at multiples of this.
 constexpr std::size_t kChunkHeaderBytes = 8;
-constexpr std::uint32_t kUnprepareRetryWait = 200;
-constexpr std::uint64_t kMillisecondsPerSecond = 1000;
+constexpr std::uint32_t kPlayerRetryWait = 200;
+constexpr std::uint64_t kMillisecondsInASecond = 1000;
 constexpr std::uint64_t kExtraWait = 300;
 
 bool HasIdAt(std::span<const std::byte> view, std::size_t at, const char* id) {
@@ -83,7 +83,7 @@ bool IsPlayable(const platform::WaveFormat& format) {
 /// How long to wait for the end: from the length of the file in bytes and the rate in samples, so
 /// about twice the length of 16-bit mono sound, deliberately on the safe side.
 std::uint32_t GetPlayingTime(std::size_t fileBytes, std::uint32_t samplesPerSecond) {
-  const std::uint64_t time = fileBytes / samplesPerSecond * kMillisecondsPerSecond + kExtraWait;
+  const std::uint64_t time = fileBytes / samplesPerSecond * kMillisecondsInASecond + kExtraWait;
   return static_cast<std::uint32_t>(
       std::min<std::uint64_t>(time, std::numeric_limits<std::uint32_t>::max() - 1));
 }
@@ -156,7 +156,7 @@ PlayCode WaveDevice::PlaySound() {
   }
   m_platform.clock.Sleep(GetPlayingTime(m_view.size(), format.samplesPerSecond));
   if (m_waveOut->Unprepare(*m_header) != WaveResult::kOk) {
-    m_platform.clock.Sleep(kUnprepareRetryWait);
+    m_platform.clock.Sleep(kPlayerRetryWait);
     // Still playing after this: it is cut off.
     static_cast<void>(m_waveOut->Unprepare(*m_header));
   }

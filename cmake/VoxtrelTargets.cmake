@@ -62,11 +62,28 @@ if(VOXTREL_SANITIZE)
   set(VOXTREL_ARITHMETIC_OPTIONS -O1)
 endif()
 
+# Joined, the files of a target share one reading of the headers, which is most of the work. Their
+# helpers need names of their own then. Each file of the program is compiled by itself in `release`,
+# where an include that is missing shows.
+option(VOXTREL_JOIN_PROGRAM "Compile the files of each library of the program as one" OFF)
+option(VOXTREL_JOIN_TESTS "Compile the files of each test program as one" OFF)
+
+# voxtrel_join(PROGRAM|TESTS TARGET)
+function(voxtrel_join part name)
+  set_target_properties(${name} PROPERTIES UNITY_BUILD "${VOXTREL_JOIN_${part}}"
+                                           UNITY_BUILD_BATCH_SIZE 0)
+  # Which takes what lies in a joined file for what lies in a header.
+  if(VOXTREL_JOIN_${part} AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    target_compile_options(${name} PRIVATE -Wno-subobject-linkage)
+  endif()
+endfunction()
+
 # voxtrel_library(NAME SOURCES ... [DEPENDS ...])
 function(voxtrel_library name)
   cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS" ${ARGN})
   add_library(voxtrel_${name} STATIC ${ARG_SOURCES})
   target_link_libraries(voxtrel_${name} PUBLIC voxtrel_options ${ARG_DEPENDS})
+  voxtrel_join(PROGRAM voxtrel_${name})
 endfunction()
 
 # voxtrel_headers(NAME [DEPENDS ...]): a folder that holds interfaces only.
@@ -139,11 +156,22 @@ function(voxtrel_test_program name)
   target_link_libraries(${name} PRIVATE voxtrel_options ${ARG_DEPENDS} GTest::gmock GTest::gtest_main)
   voxtrel_test_options(${name})
   target_precompile_headers(${name} REUSE_FROM voxtrel_test_prelude)
+  voxtrel_join(TESTS ${name})
 endfunction()
 
-# voxtrel_test(NAME SOURCES ... DEPENDS ... [LABELS ...]): one test program; each case is one test.
+# For test programs whose files have helpers of the same names.
+function(voxtrel_keep_apart)
+  set_target_properties(${ARGN} PROPERTIES UNITY_BUILD OFF)
+endfunction()
+
+# voxtrel_test(NAME SOURCES ... DEPENDS ... [LABELS ...] [COST n]): one test program; each case is
+# one test. What takes long begins first, so that nothing is waited for in the end: COST says how
+# many seconds, about, where the program runs as one test under the sanitizers.
 function(voxtrel_test name)
-  cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS;LABELS" ${ARGN})
+  cmake_parse_arguments(ARG "" "COST" "SOURCES;DEPENDS;LABELS" ${ARGN})
+  if(NOT ARG_COST)
+    set(ARG_COST 0)
+  endif()
   voxtrel_test_program(${name} SOURCES ${ARG_SOURCES} DEPENDS ${ARG_DEPENDS})
   if(NOT ARG_LABELS)
     set(ARG_LABELS "${name}")
@@ -159,8 +187,9 @@ function(voxtrel_test name)
   list(JOIN ARG_LABELS "+" labels)
   if(VOXTREL_TEST_PROGRAMS)
     add_test(NAME ${name} COMMAND ${name})
-    set_tests_properties(${name} PROPERTIES LABELS "${labels}" TIMEOUT 900)
+    set_tests_properties(${name} PROPERTIES LABELS "${labels}" TIMEOUT 900 COST ${ARG_COST})
   else()
-    gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES LABELS "${labels}" TIMEOUT 300)
+    gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES LABELS "${labels}" TIMEOUT 300
+                                                                    COST ${ARG_COST})
   endif()
 endfunction()

@@ -39,7 +39,7 @@ void Print(const std::vector<ListedContact>& contacts) {
   }
 }
 
-void List(Session& session) {
+void ListContacts(Session& session) {
   if (!session.RequireRoot()) {
     return;
   }
@@ -109,7 +109,7 @@ void AddContactsCommands(CLI::App& app, Session& session) {
   CLI::App* contacts = app.add_subcommand("contacts", "The contacts that voice tags are for");
   contacts->require_subcommand(1);
   contacts->add_subcommand("list", "List the contacts that have a number, and their numbers")
-      ->callback([&session] { List(session); });
+      ->callback([&session] { ListContacts(session); });
 }
 
 }  // namespace cli

@@ -23,7 +23,7 @@ using language::LanguageTable;
 using Bytes = std::vector<std::byte>;
 
 /// The whole file; tells what is wrong where it cannot be read.
-std::optional<Bytes> ReadFile(Session& session, const std::string& name) {
+std::optional<Bytes> ReadLanguageFile(Session& session, const std::string& name) {
   const platform::Platform platform = session.GetPlatform();
   const platform::OpenedFile opened = platform.files.Open(Session::ToSystemPath(name), {});
   const std::optional<std::uint64_t> length =
@@ -46,7 +46,7 @@ std::optional<Bytes> ReadFile(Session& session, const std::string& name) {
   return bytes;
 }
 
-bool WriteFile(Session& session, const std::string& name, const Bytes& bytes) {
+bool WriteLanguageFile(Session& session, const std::string& name, const Bytes& bytes) {
   using platform::FileError;
   const platform::Platform platform = session.GetPlatform();
   const platform::OpenMode mode{platform::FileAccess::kWrite, platform::FileShare::kNone,
@@ -84,8 +84,8 @@ Json ToJson(const language::Finding& finding) {
           {"message", finding.message}};
 }
 
-void Check(Session& session, const std::string& file) {
-  const std::optional<Bytes> bytes = ReadFile(session, file);
+void CheckLanguage(Session& session, const std::string& file) {
+  const std::optional<Bytes> bytes = ReadLanguageFile(session, file);
   if (!bytes) {
     return;
   }
@@ -124,8 +124,8 @@ void PrintEntries(const Session& session, const Bytes& bytes) {
   PrintJson({{"entries", std::move(list)}});
 }
 
-void Show(Session& session, const std::string& file) {
-  const std::optional<Bytes> bytes = ReadFile(session, file);
+void ShowLanguage(Session& session, const std::string& file) {
+  const std::optional<Bytes> bytes = ReadLanguageFile(session, file);
   if (bytes) {
     PrintEntries(session, *bytes);
   }
@@ -133,7 +133,7 @@ void Show(Session& session, const std::string& file) {
 
 void WriteTemplate(Session& session, const std::string& file) {
   const Bytes bytes = language::ToLanguageFile(language::LanguageTemplate());
-  if (!file.empty() && !WriteFile(session, file, bytes)) {
+  if (!file.empty() && !WriteLanguageFile(session, file, bytes)) {
     return;
   }
   if (session.GetOptions().json) {
@@ -154,11 +154,11 @@ void AddLanguageCommands(CLI::App& app, Session& session) {
 
   CLI::App* check = group->add_subcommand("check", "Tell what a translator should mend");
   check->add_option("file", *file, "The language file")->required();
-  check->callback([&session, file] { Check(session, *file); });
+  check->callback([&session, file] { CheckLanguage(session, *file); });
 
   CLI::App* show = group->add_subcommand("show", "Print the texts that a language file gives");
   show->add_option("file", *file, "The language file")->required();
-  show->callback([&session, file] { Show(session, *file); });
+  show->callback([&session, file] { ShowLanguage(session, *file); });
 
   CLI::App* start = group->add_subcommand(
       "template", "Write a complete English language file for translators to begin with");

@@ -11,12 +11,12 @@ namespace cli {
 namespace {
 
 constexpr std::uint32_t kStep = 100;
-constexpr std::uint32_t kWidth = 30;
+constexpr std::uint32_t kClockWidth = 30;
 
 double ToSeconds(std::uint32_t milliseconds) { return milliseconds / 1000.0; }
 
 /// Not fmt::print, which throws where the terminal is gone.
-void Draw(const std::string& text) {
+void DrawClock(const std::string& text) {
   static_cast<void>(std::fwrite(text.data(), 1, text.size(), stderr));
   std::fflush(stderr);
 }
@@ -41,13 +41,13 @@ void ProgressClock::Sleep(std::uint32_t milliseconds) {
     passed += step;
   }
   Show(milliseconds);
-  Draw("\n");
+  DrawClock("\n");
 }
 
 void ProgressClock::Show(std::uint32_t passed) const {
-  const auto filled = static_cast<std::uint32_t>(std::uint64_t{kWidth} * passed / m_recording);
-  Draw(fmt::format("\rSpeak now  [{:#<{}}{:.<{}}] {:.1f} s of {:.1f} s", "", filled, "",
-                   kWidth - filled, ToSeconds(passed), ToSeconds(m_recording)));
+  const auto filled = static_cast<std::uint32_t>(std::uint64_t{kClockWidth} * passed / m_recording);
+  DrawClock(fmt::format("\rSpeak now  [{:#<{}}{:.<{}}] {:.1f} s of {:.1f} s", "", filled, "",
+                        kClockWidth - filled, ToSeconds(passed), ToSeconds(m_recording)));
 }
 
 }  // namespace cli

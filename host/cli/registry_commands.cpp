@@ -22,7 +22,7 @@ using storage::RegistryFileError;
 using Bytes = std::vector<std::byte>;
 
 /// The whole file; tells what is wrong where it cannot be read.
-std::optional<Bytes> ReadFile(Session& session, const std::string& name) {
+std::optional<Bytes> ReadRegistryFile(Session& session, const std::string& name) {
   platform::FileSystem& files = session.GetFiles();
   const platform::OpenedFile opened = files.Open(Session::ToSystemPath(name), {});
   const std::optional<std::uint64_t> length =
@@ -45,7 +45,7 @@ std::optional<Bytes> ReadFile(Session& session, const std::string& name) {
 }
 
 /// Writes a new file first, so that a disk that fills up costs no earlier export.
-bool WriteFile(Session& session, const std::string& name, const Bytes& bytes) {
+bool WriteRegistryFile(Session& session, const std::string& name, const Bytes& bytes) {
   platform::FileSystem& files = session.GetFiles();
   const std::u16string path = Session::ToSystemPath(name);
   const std::u16string newPath = path + u".new";
@@ -82,7 +82,7 @@ void Export(Session& session, const std::string& name) {
   const platform::RegistryError error = storage::WriteRegistryFile(session.GetRegistry(), file);
   if (error != platform::RegistryError::kNone) {
     TellStoreError(session, storage::ExplainRegistryError(error));
-  } else if (!(name.empty() ? WriteStandardOutput(file) : WriteFile(session, name, file))) {
+  } else if (!(name.empty() ? WriteStandardOutput(file) : WriteRegistryFile(session, name, file))) {
     session.Fail(fmt::format("{}: it cannot be written", name.empty() ? "standard output" : name));
   }
 }
@@ -91,7 +91,7 @@ void Import(Session& session, const std::string& name) {
   if (!session.RequireRoot()) {
     return;
   }
-  const std::optional<Bytes> file = ReadFile(session, name);
+  const std::optional<Bytes> file = ReadRegistryFile(session, name);
   if (!file) {
     return;
   }

@@ -12,10 +12,10 @@ namespace cli {
 namespace {
 
 constexpr std::uint32_t kRedrawMilliseconds = 100;
-constexpr int kWidth = 30;
+constexpr int kReinitWidth = 30;
 
 /// Not fmt::print, which throws where the terminal is gone.
-void Draw(const std::string& text) {
+void DrawReinit(const std::string& text) {
   static_cast<void>(std::fwrite(text.data(), 1, text.size(), stderr));
   std::fflush(stderr);
 }
@@ -25,9 +25,9 @@ void DrawBar(const headless::HeadlessDialog& window) {
   if (!progress || progress->bar.maximum <= 0) {
     return;
   }
-  const int filled = kWidth * progress->position / progress->bar.maximum;
-  Draw(fmt::format("\rComputing the voice tags anew  [{:#<{}}{:.<{}}] {} of {}", "", filled, "",
-                   kWidth - filled, progress->position, progress->bar.maximum));
+  const int filled = kReinitWidth * progress->position / progress->bar.maximum;
+  DrawReinit(fmt::format("\rComputing the voice tags anew  [{:#<{}}{:.<{}}] {} of {}", "", filled,
+                         "", kReinitWidth - filled, progress->position, progress->bar.maximum));
 }
 
 }  // namespace
@@ -43,7 +43,7 @@ void WatchReinit(headless::HeadlessDialog& window) {
   }
   if (isTerminal) {
     DrawBar(window);
-    Draw("\n");
+    DrawReinit("\n");
   }
 }
 

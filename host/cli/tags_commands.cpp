@@ -46,7 +46,7 @@ bool IsWhole(Session& session, std::int32_t lineCount) {
   return !names || !names->Get(static_cast<std::uint32_t>(lineCount), name);
 }
 
-void List(Session& session) {
+void ListTags(Session& session) {
   RunPage(session, [&](PageRun& run) {
     const std::int32_t count = run.dialog.GetItemCount(kTagListId);
     Json tags = Json::array();
@@ -135,7 +135,7 @@ void PrintResult(Session& session, int result) {
   }
 }
 
-void Play(Session& session, const std::string& name) {
+void PlayTag(Session& session, const std::string& name) {
   RunPage(session, [&](PageRun& run) {
     if (!SelectTag(session, run, name)) {
       return;
@@ -188,13 +188,13 @@ void DeleteAll(Session& session) {
   });
 }
 
-struct Arguments {
+struct TagArguments {
   std::string contact;
   std::string kind;
   std::string name;
 };
 
-void AddName(CLI::App& command, Arguments& arguments) {
+void AddName(CLI::App& command, TagArguments& arguments) {
   command.add_option("name", arguments.name, "The tag's name, as in the list")->required();
 }
 
@@ -203,7 +203,7 @@ void AddName(CLI::App& command, Arguments& arguments) {
 void AddTagsCommands(CLI::App& app, Session& session) {
   CLI::App* group = app.add_subcommand("tags", "Learn, list, test, play and delete voice tags");
   group->require_subcommand(1);
-  const auto arguments = std::make_shared<Arguments>();
+  const auto arguments = std::make_shared<TagArguments>();
 
   CLI::App* learn = group->add_subcommand("learn", "Record a name for a contact's number");
   learn->add_option("--contact", arguments->contact, "Name or identifier, as in contacts list")
@@ -213,11 +213,13 @@ void AddTagsCommands(CLI::App& app, Session& session) {
   learn->callback([&session, arguments] { Learn(session, arguments->contact, arguments->kind); });
 
   AddTagsTestCommand(*group, session);
-  group->add_subcommand("list", "List the learned tags")->callback([&session] { List(session); });
+  group->add_subcommand("list", "List the learned tags")->callback([&session] {
+    ListTags(session);
+  });
 
   CLI::App* play = group->add_subcommand("play", "Play a tag's recording");
   AddName(*play, *arguments);
-  play->callback([&session, arguments] { Play(session, arguments->name); });
+  play->callback([&session, arguments] { PlayTag(session, arguments->name); });
 
   CLI::App* remove = group->add_subcommand("delete", "Delete a tag, after asking");
   AddName(*remove, *arguments);

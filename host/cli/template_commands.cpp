@@ -108,7 +108,7 @@ bool Load(Session& session, CVoiceMathematics& mathematics, const std::string& s
   return read == TemplateFileResult::kDone;
 }
 
-void Show(Session& session, const std::string& st) {
+void ShowTemplate(Session& session, const std::string& st) {
   const platform::Platform platform = session.GetPlatform();
   CVoiceMathematics mathematics(platform.files, platform.ui);
   if (!Load(session, mathematics, st, 0)) {
@@ -177,14 +177,15 @@ void Compare(Session& session, const std::vector<std::string>& files) {
   }
 }
 
-struct Arguments {
+struct TemplateArguments {
   std::string wave;
   std::string st;
   std::vector<std::string> templates;
 };
 
-void AddMaker(CLI::App& group, Session& session, const std::shared_ptr<Arguments>& arguments,
-              const char* name, const char* description, Operation operation) {
+void AddMaker(CLI::App& group, Session& session,
+              const std::shared_ptr<TemplateArguments>& arguments, const char* name,
+              const char* description, Operation operation) {
   CLI::App* command = group.add_subcommand(name, description);
   command->add_option("wave", arguments->wave, "The recording")->required();
   command->add_option("st", arguments->st, "The template file to write")->required();
@@ -198,7 +199,7 @@ void AddMaker(CLI::App& group, Session& session, const std::shared_ptr<Arguments
 void AddTemplateCommands(CLI::App& app, Session& session) {
   CLI::App* group = app.add_subcommand("template", "Make, look at and compare templates");
   group->require_subcommand(1);
-  const auto arguments = std::make_shared<Arguments>();
+  const auto arguments = std::make_shared<TemplateArguments>();
 
   AddMaker(*group, session, arguments, "learn",
            "Find the speech in a recording, trim the file to it, and make its template",
@@ -208,7 +209,7 @@ void AddTemplateCommands(CLI::App& app, Session& session) {
 
   CLI::App* show = group->add_subcommand("show", "Draw a template: its five bands over time");
   show->add_option("st", arguments->st, "The template file")->required();
-  show->callback([&session, arguments] { Show(session, arguments->st); });
+  show->callback([&session, arguments] { ShowTemplate(session, arguments->st); });
 
   CLI::App* compare =
       group->add_subcommand("compare", "Tell how alike templates are (0 same, at most 2)");

@@ -20,7 +20,7 @@ namespace {
 constexpr std::uint32_t kUtteranceMilliseconds = 3000;
 constexpr std::uint32_t kLongestMilliseconds = 180'000;
 
-double ToSeconds(std::uint32_t bytes) {
+double BytesToSeconds(std::uint32_t bytes) {
   constexpr std::uint32_t kBytesPerSample = audio::kRecordingBits / 8;
   return static_cast<double>(bytes) / (audio::kRecordingRate * kBytesPerSample);
 }
@@ -60,7 +60,8 @@ void Record(Session& session, const std::string& file, std::uint32_t millisecond
   if (session.GetOptions().json) {
     PrintJson({{"code", code}, {"bytes", device.GetRecordedBytes()}});
   } else if (code == audio::kRecorded) {
-    PrintLine(fmt::format("Recorded {:.1f} s to {}", ToSeconds(device.GetRecordedBytes()), file));
+    PrintLine(
+        fmt::format("Recorded {:.1f} s to {}", BytesToSeconds(device.GetRecordedBytes()), file));
   }
   if (code != audio::kRecorded) {
     std::string reason = ExplainRecordCode(code, microphone);
@@ -71,7 +72,7 @@ void Record(Session& session, const std::string& file, std::uint32_t millisecond
   }
 }
 
-void Play(Session& session, const std::string& file) {
+void PlayWave(Session& session, const std::string& file) {
   audio::WaveDevice device(session.GetPlatform());
   const int code = device.Play(Session::ToSystemPath(file));
   if (session.GetOptions().json) {
@@ -84,7 +85,7 @@ void Play(Session& session, const std::string& file) {
   }
 }
 
-void Check(Session& session, const std::string& file) {
+void CheckWave(Session& session, const std::string& file) {
   const platform::Platform platform = session.GetPlatform();
   voicemath::CVoiceMathematics mathematics(platform.files, platform.ui);
   const int code = CheckHeader(mathematics, Session::ToSystemPath(file));
@@ -123,11 +124,11 @@ void AddWaveCommands(CLI::App& app, Session& session) {
 
   CLI::App* play = wave->add_subcommand("play", "Play a wave file");
   play->add_option("file", arguments->file, "The wave file")->required();
-  play->callback([&session, arguments] { Play(session, arguments->file); });
+  play->callback([&session, arguments] { PlayWave(session, arguments->file); });
 
   CLI::App* check = wave->add_subcommand("check", "Tell whether a wave file can be learned");
   check->add_option("file", arguments->file, "The wave file")->required();
-  check->callback([&session, arguments] { Check(session, arguments->file); });
+  check->callback([&session, arguments] { CheckWave(session, arguments->file); });
 }
 
 }  // namespace cli

@@ -7,7 +7,7 @@ namespace panel {
 namespace {
 
 constexpr quint32 kSignature = 0x56504E31;
-constexpr quint32 kMostApplets = 64;
+constexpr quint32 kMostReported = 64;
 constexpr QDataStream::Version kVersion = QDataStream::Qt_6_0;
 
 QString Printable(QString text) {
@@ -39,7 +39,7 @@ std::optional<LibraryReport> FromBytes(const QByteArray& bytes) {
   quint32 count = 0;
   LibraryReport report;
   stream >> signature >> report.problem >> count;
-  if (stream.status() != QDataStream::Ok || signature != kSignature || count > kMostApplets) {
+  if (stream.status() != QDataStream::Ok || signature != kSignature || count > kMostReported) {
     return std::nullopt;
   }
   report.problem = Printable(report.problem);

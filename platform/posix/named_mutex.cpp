@@ -16,9 +16,9 @@ namespace {
 
 constexpr int kOwnerOnly = 0600;
 
-class LockedFile final : public platform::NamedMutex {
+class FileMutex final : public platform::NamedMutex {
  public:
-  explicit LockedFile(Descriptor file) : m_file(std::move(file)) {}
+  explicit FileMutex(Descriptor file) : m_file(std::move(file)) {}
 
  private:
   const Descriptor m_file;
@@ -45,7 +45,7 @@ platform::CreatedMutex PosixThreads::CreateNamedMutex(std::u16string_view name) 
   if (LockAtOnce(file.Get()) != 0) {
     return {nullptr, errno == EWOULDBLOCK};
   }
-  return {std::make_unique<LockedFile>(std::move(file)), false};
+  return {std::make_unique<FileMutex>(std::move(file)), false};
 }
 
 }  // namespace posix

@@ -11,7 +11,7 @@
 namespace posix {
 namespace {
 
-bool WriteAll(int descriptor, std::span<const std::byte> bytes) {
+bool WriteContent(int descriptor, std::span<const std::byte> bytes) {
   while (!bytes.empty()) {
     const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
     if (written < 0 && errno != EINTR) {
@@ -25,7 +25,7 @@ bool WriteAll(int descriptor, std::span<const std::byte> bytes) {
 /// A file in memory with this content for good. Never descriptor 0, which is no icon.
 Descriptor MakeFile(std::span<const std::byte> content) {
   const Descriptor made(::memfd_create("icon", MFD_CLOEXEC | MFD_ALLOW_SEALING));
-  if (!made.IsOpen() || !WriteAll(made.Get(), content) ||
+  if (!made.IsOpen() || !WriteContent(made.Get(), content) ||
       ::fcntl(made.Get(), F_ADD_SEALS, F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_WRITE | F_SEAL_SEAL) !=
           0) {
     return Descriptor();

@@ -6,7 +6,7 @@
 namespace pulse {
 namespace {
 
-constexpr StreamLabel kLabel{"A recorded name", "audio-speakers"};
+constexpr StreamLabel kPlaybackLabel{"A recorded name", "audio-speakers"};
 
 constexpr std::uint32_t kUnset = std::numeric_limits<std::uint32_t>::max();
 
@@ -33,7 +33,7 @@ std::unique_ptr<PlaybackStream> PlaybackStream::Open(Connection& connection,
     return pa_stream_connect_playback(stream, nullptr, &kServersChoice, PA_STREAM_NOFLAGS, nullptr,
                                       nullptr);
   };
-  if (!me->m_stream.Start(kLabel, sampleSpec, connect, deadline)) return nullptr;
+  if (!me->m_stream.Start(kPlaybackLabel, sampleSpec, connect, deadline)) return nullptr;
   return me;
 }
 

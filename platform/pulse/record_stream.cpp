@@ -8,13 +8,13 @@
 namespace pulse {
 namespace {
 
-constexpr StreamLabel kLabel{"Recording of a name", "audio-input-microphone"};
+constexpr StreamLabel kRecordLabel{"Recording of a name", "audio-input-microphone"};
 
 // Length of the pieces in which the server hands on what it records. It bounds how much of a
 // recording can still be on its way when the recording time is over.
 constexpr pa_usec_t kFragment = 20 * PA_USEC_PER_SEC / 1000;
 
-constexpr std::uint32_t kServersChoice = std::numeric_limits<std::uint32_t>::max();
+constexpr std::uint32_t kLengthOfServersChoice = std::numeric_limits<std::uint32_t>::max();
 
 }  // namespace
 
@@ -32,12 +32,12 @@ std::unique_ptr<RecordStream> RecordStream::Open(Connection& connection, const s
   const auto connect = [&](pa_stream* stream) {
     pa_stream_set_read_callback(stream, OnReadable, me.get());
     pa_buffer_attr attributes{};
-    attributes.maxlength = kServersChoice;
+    attributes.maxlength = kLengthOfServersChoice;
     attributes.fragsize = static_cast<std::uint32_t>(pa_usec_to_bytes(kFragment, &sampleSpec));
     return pa_stream_connect_record(stream, source.empty() ? nullptr : source.c_str(), &attributes,
                                     PA_STREAM_ADJUST_LATENCY);
   };
-  if (!me->m_stream.Start(kLabel, sampleSpec, connect, deadline)) return nullptr;
+  if (!me->m_stream.Start(kRecordLabel, sampleSpec, connect, deadline)) return nullptr;
   return me;
 }
 

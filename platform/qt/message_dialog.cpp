@@ -27,7 +27,7 @@ using platform::MessageAnswer;
 using platform::MessageStyle;
 
 // In pixels of the device.
-constexpr double kMargin = 12;
+constexpr double kBoxMargin = 12;
 constexpr double kGap = 10;
 constexpr double kIcon = 24;
 constexpr double kLeastText = 90;
@@ -52,8 +52,8 @@ MessageDialog::MessageDialog(const platform::MessageBox& box, const QString& cap
   setWindowFlag(Qt::WindowStaysOnTopHint, Has(box.style, MessageStyle::kTopmost));
   setWindowFlag(Qt::WindowMinMaxButtonsHint, false);
   auto* layout = new QVBoxLayout(this);
-  layout->setContentsMargins(ToDesktop(kMargin), ToDesktop(kMargin), ToDesktop(kMargin),
-                             ToDesktop(kMargin));
+  layout->setContentsMargins(ToDesktop(kBoxMargin), ToDesktop(kBoxMargin), ToDesktop(kBoxMargin),
+                             ToDesktop(kBoxMargin));
   layout->setSpacing(ToDesktop(kGap));
   layout->setSizeConstraint(QLayout::SetFixedSize);
   layout->addWidget(MakeBody(box));

@@ -16,7 +16,7 @@ namespace qt {
 namespace {
 
 // In pixels of the device.
-constexpr double kMargin = 6;
+constexpr double kSheetMargin = 6;
 constexpr double kOkWidth = 56;
 constexpr double kOkHeight = 21;
 
@@ -37,7 +37,7 @@ QtSheet::QtSheet(std::u16string_view caption, std::span<const platform::SheetPag
   setWindowFlag(Qt::WindowMinMaxButtonsHint, false);
   setWindowFlag(Qt::WindowMinimizeButtonHint, true);
   auto* layout = new QVBoxLayout(this);
-  const int margin = ToDesktop(kMargin);
+  const int margin = ToDesktop(kSheetMargin);
   layout->setContentsMargins(margin, margin, margin, margin);
   layout->setSpacing(margin);
   layout->setSizeConstraint(QLayout::SetFixedSize);

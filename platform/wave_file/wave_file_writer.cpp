@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t kHeaderBytes = 44;
 constexpr std::uint32_t kBytesBehindRiffSize = kHeaderBytes - 8;
-constexpr std::uint32_t kFormatBytes = 16;
+constexpr std::uint32_t kFormatChunkBytes = 16;
 
 using Header = std::array<std::byte, kHeaderBytes>;
 
@@ -40,7 +40,7 @@ Header MakeHeader(const platform::WaveFormat& format, std::uint32_t dataBytes,
   Put32(header, 4, kBytesBehindRiffSize + dataBytes + padding);
   PutId(header, 8, "WAVE");
   PutId(header, 12, "fmt ");
-  Put32(header, 16, kFormatBytes);
+  Put32(header, 16, kFormatChunkBytes);
   Put16(header, 20, format.formatTag);
   Put16(header, 22, format.channels);
   Put32(header, 24, format.samplesPerSecond);

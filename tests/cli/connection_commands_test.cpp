@@ -31,21 +31,21 @@ TEST_F(ConnectionCommands, ShowPrintsTheDefaultsOfANewStore) {
   EXPECT_THAT(run.out, HasSubstr("port         COM2:\nbaud-rate    9600\ndata-bits    8\n"
                                  "stop-bits    1\nflow-control none\nbt-headset   0\n"
                                  "no-hang-up   0\n"));
-  const auto json = RunJson({"connection", "show"}, 0);
-  EXPECT_EQ(json["port"], "COM2:");
-  EXPECT_EQ(json["baudRate"], "9600");
-  EXPECT_EQ(json["btHeadset"], false);
-  EXPECT_TRUE(json["ports"].is_array());
+  const auto answer = RunJson({"connection", "show"}, 0);
+  EXPECT_EQ(answer["port"], "COM2:");
+  EXPECT_EQ(answer["baudRate"], "9600");
+  EXPECT_EQ(answer["btHeadset"], false);
+  EXPECT_TRUE(answer["ports"].is_array());
   EXPECT_THAT(Stored(u"Bound_rate"), IsEmpty()) << "Looking stores nothing.";
 }
 
 TEST_F(ConnectionCommands, SetStoresEverySettingAsThePageDoes) {
-  const auto json = RunJson({"connection", "set", "port=COM7:", "baud-rate=115200", "data-bits=7",
-                             "stop-bits=1.5", "flow-control=hardware", "no-hang-up=yes"},
-                            0);
-  EXPECT_EQ(json["port"], "COM7:");
-  EXPECT_EQ(json["stopBits"], "1.5");
-  EXPECT_EQ(json["noHangUp"], true);
+  const auto answer = RunJson({"connection", "set", "port=COM7:", "baud-rate=115200", "data-bits=7",
+                               "stop-bits=1.5", "flow-control=hardware", "no-hang-up=yes"},
+                              0);
+  EXPECT_EQ(answer["port"], "COM7:");
+  EXPECT_EQ(answer["stopBits"], "1.5");
+  EXPECT_EQ(answer["noHangUp"], true);
   EXPECT_EQ(Stored(u"Com_port"), Bytes(u"COM7:", 200));
   EXPECT_EQ(Stored(u"Bound_rate"), Bytes(u"115200", 32));
   EXPECT_EQ(Stored(u"Data_bit"), Bytes(u"7", 32));
@@ -53,16 +53,16 @@ TEST_F(ConnectionCommands, SetStoresEverySettingAsThePageDoes) {
   EXPECT_EQ(Stored(u"Flow_control"), Bytes(u"hardware", 32));
   EXPECT_EQ(Stored(u"is_BT"), Bytes(u"0", 4));
   EXPECT_EQ(Stored(u"is_HU"), Bytes(u"1", 4));
-  EXPECT_EQ(RunJson({"connection", "show"}, 0), json);
+  EXPECT_EQ(RunJson({"connection", "show"}, 0), answer);
 }
 
 TEST_F(ConnectionCommands, WhatIsNotNamedStaysAsItWas) {
   ASSERT_EQ(Run({"connection", "set", "port=COM7:", "bt-headset=1"}).exitCode, 0);
   ASSERT_EQ(Run({"connection", "set", "baud-rate=300"}).exitCode, 0);
-  const auto json = RunJson({"connection", "show"}, 0);
-  EXPECT_EQ(json["port"], "COM7:");
-  EXPECT_EQ(json["btHeadset"], true);
-  EXPECT_EQ(json["baudRate"], "300");
+  const auto answer = RunJson({"connection", "show"}, 0);
+  EXPECT_EQ(answer["port"], "COM7:");
+  EXPECT_EQ(answer["btHeadset"], true);
+  EXPECT_EQ(answer["baudRate"], "300");
 }
 
 TEST_F(ConnectionCommands, TheNamesThatTheDialerReadsMeanTheSame) {

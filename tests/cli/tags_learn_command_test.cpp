@@ -10,7 +10,7 @@ using nlohmann::json;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-constexpr const char* kCards =
+constexpr const char* kCardsToLearn =
     "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:a\r\nN:Lee;Ann;;;\r\nTEL;TYPE=CELL:5551234\r\n"
     "TEL;TYPE=HOME:555 99\r\nEND:VCARD\r\n"
     "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:n\r\nN:Lee;Anna;;;\r\nTEL;TYPE=CAR:5\r\nEND:VCARD\r\n"
@@ -21,7 +21,7 @@ constexpr const char* kCards =
 class TagsLearnCommand : public TagsFixture {
  protected:
   TagsLearnCommand() {
-    std::ofstream(Path("all.vcf"), std::ios::binary) << kCards;
+    std::ofstream(Path("all.vcf"), std::ios::binary) << kCardsToLearn;
     m_sample = std::string(VOXTREL_SAMPLES_DIR) + "/anna_1.wav";
   }
 

@@ -12,24 +12,24 @@ class TemplateCommands : public CommandFixture {};
 
 TEST_F(TemplateCommands, LearnTrimsTheRecordingAndWritesTheTemplate) {
   const std::string wave = CopySample("anna_1.wav");
-  const auto json = RunJson({"template", "learn", wave, Path("anna.st")}, 0);
-  EXPECT_EQ(json["result"], 0);
-  const std::size_t first = json["segment"][0];
-  const std::size_t last = json["segment"][1];
+  const auto answer = RunJson({"template", "learn", wave, Path("anna.st")}, 0);
+  EXPECT_EQ(answer["result"], 0);
+  const std::size_t first = answer["segment"][0];
+  const std::size_t last = answer["segment"][1];
   const std::size_t samples = last - first + 1;
   EXPECT_LT(samples, 33075U);
   EXPECT_EQ(std::filesystem::file_size(wave), 44 + 2 * samples);
-  const std::size_t frames = json["frames"];
+  const std::size_t frames = answer["frames"];
   EXPECT_EQ(frames, samples / 512 - 1);
   EXPECT_EQ(std::filesystem::file_size(Path("anna.st")), 6 + 20 * frames);
-  EXPECT_FLOAT_EQ(json["seconds"], static_cast<float>((frames + 1) * 512) / 11025.0F);
+  EXPECT_FLOAT_EQ(answer["seconds"], static_cast<float>((frames + 1) * 512) / 11025.0F);
 }
 
 TEST_F(TemplateCommands, ProcessTakesTheWholeRecordingAndLeavesIt) {
   const std::string wave = CopySample("anna_1.wav");
-  const auto json = RunJson({"template", "process", wave, Path("anna.st")}, 0);
-  EXPECT_EQ(json["segment"], (nlohmann::json{0, 33074}));
-  EXPECT_EQ(json["frames"], 63);
+  const auto answer = RunJson({"template", "process", wave, Path("anna.st")}, 0);
+  EXPECT_EQ(answer["segment"], (nlohmann::json{0, 33074}));
+  EXPECT_EQ(answer["frames"], 63);
   EXPECT_EQ(std::filesystem::file_size(wave), 66194U);
 }
 
@@ -46,9 +46,9 @@ TEST_F(TemplateCommands, AResultThatIsNotZeroPrintsTheJsonAllTheSame) {
   std::ofstream(Path("text.wav")) << std::string(50, 'x');
   for (const std::string wave : {"text.wav", "missing.wav"}) {
     for (const std::string command : {"learn", "process"}) {
-      const auto json = RunJson({"template", command, Path(wave), Path("a.st")}, 1);
-      EXPECT_EQ(json["result"], 2);
-      EXPECT_EQ(json["frames"], 0);
+      const auto answer = RunJson({"template", command, Path(wave), Path("a.st")}, 1);
+      EXPECT_EQ(answer["result"], 2);
+      EXPECT_EQ(answer["frames"], 0);
       EXPECT_FALSE(std::filesystem::exists(Path("a.st")));
     }
   }
@@ -62,14 +62,14 @@ TEST_F(TemplateCommands, ATemplateThatCannotBeWrittenIsAFailure) {
 
 TEST_F(TemplateCommands, ShowPrintsEveryValueWithNineDigits) {
   ASSERT_EQ(Run({"template", "process", CopySample("anna_1.wav"), Path("a.st")}).exitCode, 0);
-  const auto json = RunJson({"template", "show", Path("a.st")}, 0);
-  EXPECT_EQ(json["elementCount"], 315);
-  EXPECT_EQ(json["frames"], 63);
-  ASSERT_EQ(json["values"].size(), 315U);
+  const auto answer = RunJson({"template", "show", Path("a.st")}, 0);
+  EXPECT_EQ(answer["elementCount"], 315);
+  EXPECT_EQ(answer["frames"], 63);
+  ASSERT_EQ(answer["values"].size(), 315U);
 
   std::ifstream file(Path("a.st"), std::ios::binary);
   file.seekg(6);
-  for (const auto& value : json["values"]) {
+  for (const auto& value : answer["values"]) {
     float stored = 0.0F;
     file.read(reinterpret_cast<char*>(&stored), sizeof stored);
     EXPECT_EQ(value.get<float>(), stored);
@@ -130,25 +130,25 @@ TEST_F(TemplateCommands, ComparePrintsEveryDistanceAndWhatEachTemplateWouldAccep
     ASSERT_EQ(Run({"template", "learn", CopySample(name + ".wav"), st}).exitCode, 0);
     arguments.push_back(st);
   }
-  const auto json = RunJson(arguments, 0);
-  const auto& distances = json["distances"];
+  const auto answer = RunJson(arguments, 0);
+  const auto& distances = answer["distances"];
   ASSERT_EQ(distances.size(), 3U);
-  ASSERT_EQ(json["thresholds"].size(), 3U);
+  ASSERT_EQ(answer["thresholds"].size(), 3U);
   for (std::size_t i = 0; i < 3; ++i) {
     EXPECT_EQ(distances[i][i], 0.0);
     const float one = distances[i][(i + 1) % 3];
     const float other = distances[i][(i + 2) % 3];
     EXPECT_GT(std::min(one, other), 0.0F);
     const float nearest = std::min({one, other, 2.0F});
-    EXPECT_FLOAT_EQ(json["thresholds"][i], nearest - nearest / 3.0F);
+    EXPECT_FLOAT_EQ(answer["thresholds"][i], nearest - nearest / 3.0F);
   }
   EXPECT_THAT(Run(arguments).out, HasSubstr("accepts below"));
 }
 
 TEST_F(TemplateCommands, CompareOfOneTemplateHasNoNeighbour) {
   ASSERT_EQ(Run({"template", "process", CopySample("anna_1.wav"), Path("a.st")}).exitCode, 0);
-  const auto json = RunJson({"template", "compare", Path("a.st")}, 0);
-  EXPECT_EQ(json, (nlohmann::json{{"distances", {{0.0}}}, {"thresholds", {2.0}}}));
+  const auto answer = RunJson({"template", "compare", Path("a.st")}, 0);
+  EXPECT_EQ(answer, (nlohmann::json{{"distances", {{0.0}}}, {"thresholds", {2.0}}}));
 }
 
 TEST_F(TemplateCommands, HelpOfCompareTakesAsManyTemplatesAsTheCommandDoes) {
@@ -160,9 +160,9 @@ TEST_F(TemplateCommands, CompareTakesAHundredTemplates) {
   ASSERT_EQ(Run({"template", "learn", CopySample("anna_1.wav"), Path("a.st")}).exitCode, 0);
   std::vector<std::string> arguments{"template", "compare"};
   arguments.insert(arguments.end(), 100, Path("a.st"));
-  const auto json = RunJson(arguments, 0);
-  EXPECT_EQ(json["distances"].size(), 100U);
-  EXPECT_EQ(json["thresholds"], nlohmann::json(std::vector<double>(100)));
+  const auto answer = RunJson(arguments, 0);
+  EXPECT_EQ(answer["distances"].size(), 100U);
+  EXPECT_EQ(answer["thresholds"], nlohmann::json(std::vector<double>(100)));
 }
 
 TEST_F(TemplateCommands, WrongUsageIsTwo) {

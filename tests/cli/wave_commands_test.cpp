@@ -44,10 +44,10 @@ class WaveCommands : public CommandFixture {
 TEST_F(WaveCommands, RecordFromAWaveFileInsteadOfTheMicrophone) {
   const std::string sample = std::string(VOXTREL_SAMPLES_DIR) + "/anna_1.wav";
   const std::string target = Path("new.wav");
-  auto json =
+  auto answer =
       RunJson({"--microphone", sample, "wave", "record", target, "--milliseconds", "100"}, 0);
-  EXPECT_EQ(json["code"], 0);
-  EXPECT_EQ(json["bytes"], 2205);
+  EXPECT_EQ(answer["code"], 0);
+  EXPECT_EQ(answer["bytes"], 2205);
   EXPECT_EQ(std::filesystem::file_size(target), 44U + 2205U);
 }
 
@@ -91,9 +91,9 @@ TEST_F(WaveCommands, RecordDoesNotEmptyTheFileThatItIsToHear) {
 
 TEST_F(WaveCommands, RecordIntoAMissingFolderSaysSo) {
   const std::string sample = std::string(VOXTREL_SAMPLES_DIR) + "/anna_1.wav";
-  const auto json = RunJson({"--microphone", sample, "wave", "record", Path("none/new.wav")}, 1);
-  EXPECT_EQ(json["code"], 1);
-  EXPECT_EQ(json["bytes"], 0);
+  const auto answer = RunJson({"--microphone", sample, "wave", "record", Path("none/new.wav")}, 1);
+  EXPECT_EQ(answer["code"], 1);
+  EXPECT_EQ(answer["bytes"], 0);
 }
 
 TEST_F(WaveCommands, PlayIntoAWaveFileInsteadOfTheLoudspeaker) {
@@ -153,8 +153,9 @@ TEST_F(WaveCommands, PlayIntoAFileThatCannotBeMadeSaysSo) {
 }
 
 TEST_F(WaveCommands, CheckTellsWhereTheSamplesAre) {
-  const auto json = RunJson({"wave", "check", std::string(VOXTREL_SAMPLES_DIR) + "/anna_1.wav"}, 0);
-  EXPECT_EQ(json, (nlohmann::json{{"code", 0}, {"dataOffset", 44}, {"dataBytes", 66150}}));
+  const auto answer =
+      RunJson({"wave", "check", std::string(VOXTREL_SAMPLES_DIR) + "/anna_1.wav"}, 0);
+  EXPECT_EQ(answer, (nlohmann::json{{"code", 0}, {"dataOffset", 44}, {"dataBytes", 66150}}));
 }
 
 TEST_F(WaveCommands, CheckTellsTheCodeOfAFileThatIsNone) {

@@ -14,7 +14,6 @@ using platform::RegistryValue;
 using support::KeyExists;
 using support::Put;
 using support::SubkeyNames;
-using support::Utf16Bytes;
 using support::ValueNames;
 using testing::ElementsAre;
 using testing::IsEmpty;

@@ -1,5 +1,6 @@
-// Applets that behave, each in its own way, as applets should not. The fault is chosen by the
-// build.
+// Applets that behave, each in its own way, as applets should not.
+
+#include "tests/panel/test_applet.h"
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -23,7 +24,7 @@ namespace {
 
 using applet::CplMessage;
 
-constexpr std::string_view kFault = TEST_APPLET_FAULT;
+const std::string_view kFault = test_applet::kFaultOfThisLibrary;
 constexpr std::string_view kIcon =
     R"(<svg xmlns="http://www.w3.org/2000/svg" width="8" height="8"><rect width="8" height="8" fill="#ff0000"/></svg>)";
 
@@ -99,8 +100,8 @@ void Open() {
     Hang();
   }
   if (kFault == "says-at-open" || kFault == "fails-at-open") {
-    static_cast<void>(
-        std::fputs("a line for nobody\n" TEST_APPLET_FAULT ".cpl: It is busy.\n", stderr));
+    const std::string lines = "a line for nobody\n" + std::string(kFault) + ".cpl: It is busy.\n";
+    static_cast<void>(std::fputs(lines.c_str(), stderr));
     std::_Exit(kFault == "fails-at-open" ? 3 : 0);
   }
   if (kFault == "ends-at-open") {
@@ -140,8 +141,8 @@ std::int32_t Answer(CplMessage message, std::intptr_t lParam1, std::intptr_t lPa
 
 }  // namespace
 
-extern "C" __attribute__((visibility("default"))) std::int32_t TEST_APPLET_ENTRY(
-    void* /*parent*/, std::uint32_t message, std::intptr_t lParam1, std::intptr_t lParam2) {
+std::int32_t test_applet::Receive(std::uint32_t message, std::intptr_t lParam1,
+                                  std::intptr_t lParam2) {
   const auto kind = static_cast<CplMessage>(message);
   Log(std::to_string(message) + " " + std::to_string(lParam1) + " " +
       (kind == CplMessage::kNewInquire ? "record" : std::to_string(lParam2)));

@@ -12,7 +12,6 @@
 namespace {
 
 using platform::FileAccess;
-using platform::FileCreation;
 using platform::FileError;
 using platform::FileShare;
 using support::WriteWhole;

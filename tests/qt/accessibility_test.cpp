@@ -13,7 +13,6 @@ namespace {
 
 using namespace resources;
 using support::User;
-using testing::ElementsAre;
 
 /// What a screen reader calls a control: by the label that is tied to it, or by its own name.
 QString NameOf(QWidget* widget) {

@@ -10,7 +10,6 @@ namespace {
 
 using support::PaintedPage;
 using support::User;
-using testing::ElementsAre;
 
 /// A sheet of two pages that paint themselves.
 class QtSheet : public DialogFixture {

@@ -105,7 +105,11 @@ TEST(HelpPage, ExplainsEveryTextOfTheDesktop) {
   const std::set<std::string> texts = TextsIn(VOXTREL_SOURCE_DIR "/resources/desktop_strings.h");
   ASSERT_GT(texts.size(), 25U) << "the texts were not found";
   for (const std::string& text : texts) {
-    EXPECT_TRUE(std::regex_search(page, PatternFor(text))) << text;
+    const std::string line = Simplify(Replace(text, "\\n", " "));
+    const bool isExplained = line.find('%') == std::string::npos
+                                 ? page.find(line) != std::string::npos
+                                 : std::regex_search(page, PatternFor(text));
+    EXPECT_TRUE(isExplained) << text;
   }
 }
 

@@ -10,9 +10,7 @@
 namespace sqlite {
 
 using platform::RegistryError;
-using platform::RegistryType;
 using support::FileContent;
-using support::KeyExists;
 using support::PutText;
 using support::RawDatabase;
 using support::WriteFileContent;

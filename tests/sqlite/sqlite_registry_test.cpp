@@ -22,7 +22,6 @@ using support::RawDatabase;
 using support::SubkeyNames;
 using support::Utf16Bytes;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace {
 

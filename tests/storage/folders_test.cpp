@@ -13,7 +13,6 @@
 namespace storage {
 
 using platform::FileError;
-using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 

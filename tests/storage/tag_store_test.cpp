@@ -21,7 +21,6 @@ using support::Failing;
 using support::KeyExists;
 using support::Put;
 using support::PutText;
-using support::SubkeyNames;
 using support::Utf16Bytes;
 using testing::ElementsAre;
 using testing::IsEmpty;

@@ -9,7 +9,6 @@
 namespace {
 
 using namespace resources;
-using testing::ElementsAre;
 
 /// Time that passes by itself: nothing waits for it, so that the worker and the page meet at all
 /// points of their ways.

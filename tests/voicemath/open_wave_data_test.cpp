@@ -6,7 +6,6 @@
 namespace {
 
 using framework::CFile;
-using voicemath::HeaderCode;
 
 constexpr std::size_t kDataSizeAt = 40;
 

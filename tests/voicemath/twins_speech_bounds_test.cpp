@@ -9,7 +9,6 @@
 namespace {
 
 using support::Samples;
-using testing::Each;
 using testing::ElementsAre;
 using Envelope = std::vector<std::int16_t>;
 
