@@ -61,6 +61,8 @@ class Page_one : public framework::CPropertyPage,
  private:
   // Opening.
   [[nodiscard]] bool BecomeOnlyInstance();
+  /// Contacts, tags, buttons and texts, behind the wait cursor.
+  [[nodiscard]] bool Fill();
   [[nodiscard]] bool OpenContacts();
   void EnableButtons();
   void TranslateControls();

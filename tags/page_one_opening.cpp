@@ -42,20 +42,28 @@ bool Page_one::OnInitDialog() {
     m_platform.process.End(0);
     return true;
   }
+  if (!Fill()) {
+    return true;  // The message was the last thing that happens: the page stays as it was drawn.
+  }
+  m_testDialog.set_Pageone_point(this);
+  m_reinitDialog.set_Pageone_point(this);
+  m_isSetUp = true;
+  GetWindow().PostCommand(resources::kCheckVersionCommand);
+  return true;
+}
+
+bool Page_one::Fill() {
+  // Gone before the command is posted, whose handler may show a dialog.
   const framework::WaitCursor wait(m_platform.ui);
   m_workerEvent = m_platform.threads.CreateManualResetEvent();
   OpenAudio();
   if (!OpenContacts()) {
-    return true;  // The message was the last thing that happens: the page stays as it was drawn.
+    return false;
   }
   LoadTagList();
   EnableButtons();
   ShowCount();
   TranslateControls();
-  m_testDialog.set_Pageone_point(this);
-  m_reinitDialog.set_Pageone_point(this);
-  m_isSetUp = true;
-  GetWindow().PostCommand(resources::kCheckVersionCommand);
   return true;
 }
 

@@ -68,6 +68,8 @@ class HeadlessDialog final : public platform::DialogWindow {
   /// Delivers what the page has posted to itself. A presentation calls this once the dialog is set
   /// up; what is posted during a user's doing comes right after it by itself.
   void DeliverPosted();
+  /// Whether anything that was posted waits to be delivered.
+  [[nodiscard]] bool HasPosted() const { return !m_posted.empty(); }
 
   /// Waits until the dialog was ended, for at most `milliseconds`; false where it was not, which
   /// without a limit means that nothing can end it any more.

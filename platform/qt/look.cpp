@@ -22,6 +22,22 @@ template <typename Option>
   return marked;
 }
 
+/// The style's own colour of edges.
+[[nodiscard]] QColor EdgeColor(const QPalette& palette) {
+  return palette.color(QPalette::Window).darker(140);
+}
+
+/// The outermost line within `area`. The style itself puts it on the border of the area, where at a
+/// scale that is no whole number half of it is cut off, and with that some of its sides altogether.
+void DrawEdge(QPainter& painter, const QRect& area, const QColor& color) {
+  const QSize upright(1, area.height());
+  const QSize level(area.width(), 1);
+  for (const QRect& side : {QRect(area.topLeft(), upright), QRect(area.topLeft(), level),
+                            QRect(area.topRight(), upright), QRect(area.bottomLeft(), level)}) {
+    painter.fillRect(side, color);
+  }
+}
+
 class Look final : public QProxyStyle {
  public:
   Look() : QProxyStyle(QStringLiteral("fusion")) {}
@@ -56,12 +72,39 @@ class Look final : public QProxyStyle {
       QProxyStyle::drawControl(element, &marked, painter, widget);
       return;
     }
-    QProxyStyle::drawControl(element, option, painter, widget);
-    if (element == CE_ShapedFrame && option->state.testFlag(State_HasFocus) &&
+    const auto* frame = qstyleoption_cast<const QStyleOptionFrame*>(option);
+    if (element == CE_ShapedFrame && frame != nullptr && frame->frameShape == QFrame::StyledPanel &&
         dynamic_cast<const QAbstractItemView*>(widget) != nullptr) {
-      painter->setPen(QPen(option->palette.color(QPalette::Highlight), 1));
-      painter->drawRect(QRectF(option->rect).adjusted(0.5, 0.5, -0.5, -0.5));
+      const bool hasFocus = option->state.testFlag(State_HasFocus);
+      DrawEdge(*painter, option->rect,
+               hasFocus ? option->palette.color(QPalette::Highlight)
+                        : EdgeColor(option->palette).lighter(108));
+      return;
     }
+    QProxyStyle::drawControl(element, option, painter, widget);
+  }
+
+  void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                     const QWidget* widget) const override {
+    if (element == PE_FrameTabWidget) {
+      DrawPane(*option, *painter, widget);
+      return;
+    }
+    QProxyStyle::drawPrimitive(element, option, painter, widget);
+  }
+
+ private:
+  void DrawPane(const QStyleOption& option, QPainter& painter, const QWidget* widget) const {
+    const QRect pane = option.rect.adjusted(0, 0, 0, -1);
+    QStyleOption within(option);
+    within.rect = pane.adjusted(-3, -3, 3, 3);  // So that the edge which it draws is cut off.
+    painter.save();
+    painter.setClipRect(pane, Qt::IntersectClip);
+    QProxyStyle::drawPrimitive(PE_FrameTabWidget, &within, &painter, widget);
+    painter.restore();
+    constexpr QColor kShadow(0, 0, 0, 15);
+    painter.fillRect(QRect(pane.left(), option.rect.bottom(), pane.width(), 1), kShadow);
+    DrawEdge(painter, pane, EdgeColor(option.palette));
   }
 };
 

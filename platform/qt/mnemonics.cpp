@@ -7,9 +7,18 @@
 namespace qt {
 namespace {
 
-[[nodiscard]] bool IsLatinLetter(QChar letter) {
-  const char16_t lower = letter.toLower().unicode();
-  return lower >= u'a' && lower <= u'z';
+/// A letter that is a key by itself on keyboards of its alphabet.
+[[nodiscard]] bool IsKey(QChar letter) {
+  const QChar lower = letter.toLower();
+  switch (letter.script()) {
+    case QChar::Script_Latin:
+      return lower >= u'a' && lower <= u'z';
+    case QChar::Script_Cyrillic:
+    case QChar::Script_Greek:
+      return letter.isLetter() && letter.decomposition().isEmpty();
+    default:
+      return false;
+  }
 }
 
 [[nodiscard]] bool IsInitial(const QString& text, qsizetype place) {
@@ -20,7 +29,7 @@ namespace {
   std::optional<qsizetype> other;
   for (qsizetype place = 0; place < text.size(); ++place) {
     const QChar letter = text.at(place);
-    if (!IsLatinLetter(letter) || taken.contains(letter.toLower())) {
+    if (!IsKey(letter) || taken.contains(letter.toLower())) {
       continue;
     }
     if (IsInitial(text, place)) {

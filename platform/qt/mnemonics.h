@@ -7,7 +7,8 @@
 namespace qt {
 
 /// For each text the place of the letter that, with Alt, presses its button: initials of words
-/// first, no letter twice. None where no letter of the Latin alphabet is left in the text.
+/// first, no letter twice. None where the text has no letter left that a keyboard has a key for;
+/// a language without an alphabet names a letter in brackets behind its text, as is usual there.
 [[nodiscard]] std::vector<std::optional<qsizetype>> ChooseMnemonics(
     const std::vector<QString>& texts);
 

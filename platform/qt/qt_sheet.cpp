@@ -1,6 +1,7 @@
 #include "platform/qt/qt_sheet.h"
 
 #include <QPushButton>
+#include <QShortcut>
 #include <QTabBar>
 #include <QTabWidget>
 #include <QVBoxLayout>
@@ -43,6 +44,7 @@ QtSheet::QtSheet(std::u16string_view caption, std::span<const platform::SheetPag
   layout->setSizeConstraint(QLayout::SetFixedSize);
   MakeTabs();
   MakeOkButton();
+  MakeTabKeys();
   layout->addWidget(m_tabs);
   layout->addWidget(m_okButton, 0, Qt::AlignRight);
 }
@@ -68,6 +70,29 @@ void QtSheet::MakeOkButton() {
   m_okButton->setObjectName(QStringLiteral("ok"));
   m_okButton->setFixedSize(ToDesktop(kOkWidth), ToDesktop(kOkHeight));
   connect(m_okButton, &QPushButton::clicked, this, [this] { OnOk(); });
+}
+
+void QtSheet::MakeTabKeys() {
+  // As shortcuts, which come before the control that has the focus: the tabs see only the keys of
+  // what stands on them, and of those a combo box keeps some for itself.
+  const struct {
+    QKeyCombination key;
+    int step;
+  } keys[] = {{Qt::CTRL | Qt::Key_Tab, 1},
+              {Qt::CTRL | Qt::SHIFT | Qt::Key_Tab, -1},
+              {Qt::CTRL | Qt::Key_PageDown, 1},
+              {Qt::CTRL | Qt::Key_PageUp, -1}};
+  for (const auto& tabKey : keys) {
+    auto* shortcut = new QShortcut(QKeySequence(tabKey.key), this);
+    connect(shortcut, &QShortcut::activated, this, [this, step = tabKey.step] { TurnTabs(step); });
+  }
+}
+
+void QtSheet::TurnTabs(int step) {
+  const int count = m_tabs->count();
+  if (count > 0) {
+    m_tabs->setCurrentIndex((m_tabs->currentIndex() + step + count) % count);
+  }
 }
 
 void QtSheet::Init() {

@@ -35,6 +35,9 @@ class QtSheet final : public Frame, public platform::SheetWindow {
  private:
   void MakeTabs();
   void MakeOkButton();
+  void MakeTabKeys();
+  /// Shows the page that many tabs further on; the first one follows the last.
+  void TurnTabs(int step);
   /// Sets a page up that is shown for the first time.
   void ShowPage(std::size_t page);
   void ChooseDefaultButton(std::size_t page);

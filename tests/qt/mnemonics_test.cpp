@@ -24,13 +24,21 @@ TEST(Mnemonics, TakeNoLetterTwiceWhateverItsCase) {
   EXPECT_THAT(ChooseMnemonics({"a", "A"}), ElementsAre(Optional(0), std::nullopt));
 }
 
-TEST(Mnemonics, AreNoneInOtherScripts) {
-  EXPECT_THAT(ChooseMnemonics({QString::fromUtf16(u"Запись"), QString::fromUtf16(u"录音"), ""}),
-              ElementsAre(std::nullopt, std::nullopt, std::nullopt));
+TEST(Mnemonics, AreLettersOfTheTextsOwnAlphabet) {
+  EXPECT_THAT(ChooseMnemonics({QString::fromUtf16(u"Слушать"), QString::fromUtf16(u"Стереть"),
+                               QString::fromUtf16(u"сс"), QString::fromUtf16(u"Λήψη")}),
+              ElementsAre(Optional(0), Optional(1), std::nullopt, Optional(0)));
+}
+
+// A sign of these scripts is typed by several keys, and so no key presses the button.
+TEST(Mnemonics, OfATextWithoutAnAlphabetAreWhatItNamesInBrackets) {
+  EXPECT_THAT(ChooseMnemonics({QString::fromUtf16(u"录音"), QString::fromUtf16(u"录音(R)"), ""}),
+              ElementsAre(std::nullopt, Optional(3), std::nullopt));
 }
 
 TEST(Mnemonics, PassOverLettersWithAccents) {
-  EXPECT_THAT(ChooseMnemonics({QString::fromUtf16(u"Écouter")}), ElementsAre(Optional(1)));
+  EXPECT_THAT(ChooseMnemonics({QString::fromUtf16(u"Écouter"), QString::fromUtf16(u"Йод")}),
+              ElementsAre(Optional(1), Optional(1)));
 }
 
 TEST(Mnemonics, LeaveAnAmpersandOfTheTextAsItStands) {

@@ -44,10 +44,10 @@ void TakeSheet(support::PageMachine& machine, User& user, const QString& prefix)
     User::Click(resources::kDeleteButtonId);
     support::TakeTestDialog(user, prefix);
     User::GetWindow()->findChild<QTabWidget*>()->setCurrentIndex(1);
-    support::SaveScreenshot(*User::GetWindow(), prefix + QStringLiteral("painted.png"));
+    support::SaveScreenshot(*User::GetWindow(), prefix + QStringLiteral("about.png"));
     User::GetWindow()->reject();
   });
-  machine.RunSheet();
+  support::RunAppletSheet(machine);
 }
 
 void TakeBoxes(support::PageMachine& machine, User& user, const QString& prefix) {
@@ -98,7 +98,6 @@ int main(int argc, char** argv) {
   const QString prefix = QString::fromLocal8Bit(arguments[1]) + u'/';
   QDir().mkpath(prefix);
   TakeSheet(machine, user, prefix);
-  support::TakeAbout(machine, user, prefix);
   support::TakeConnection(machine, user, prefix);
   TakeBoxes(machine, user, prefix);
   return 0;

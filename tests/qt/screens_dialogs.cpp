@@ -5,10 +5,12 @@
 #include <utility>
 
 #include "applet/about_page.h"
+#include "applet/pr_shit.h"
 #include "connection/connection_sheet.h"
 #include "resources/dialogs.h"
 #include "resources/pictures.h"
 #include "resources/strings.h"
+#include "tags/page_one.h"
 
 namespace support {
 namespace {
@@ -46,12 +48,15 @@ void TakeTestDialog(User& user, const QString& prefix) {
   User::Click(resources::kTestButtonId);
 }
 
-void TakeAbout(PageMachine& machine, User& user, const QString& prefix) {
-  applet::AboutPage page(machine.GetPlatform(), {resources::kProductPicture,
-                                                 resources::kMakerPicture, u"Voxtrel PE", u"v3.0"});
-  framework::CPropertySheet sheet(machine.texts(resources::kSheetCaption), machine.ui);
-  sheet.AddPage(page);
-  TakeNextWindow(user, prefix + QStringLiteral("about.png"));
+void RunAppletSheet(PageMachine& machine) {
+  tags::Page_one learning(machine.GetPlatform(), machine.texts);
+  applet::AboutPage about(
+      machine.GetPlatform(),
+      {resources::kProductPicture, resources::kMakerPicture, u"Voxtrel PE", u"v3.0"});
+  applet::PrShit sheet(machine.texts(resources::kSheetCaption), machine.GetPlatform(),
+                       machine.texts);
+  sheet.AddPage(learning);
+  sheet.AddPage(about);
   sheet.DoModal();
 }
 

@@ -23,8 +23,10 @@ class BarWatcher final : public QObject {
 /// The Test dialog, opened by its button; called while the Learning page is shown.
 void TakeTestDialog(User& user, const QString& prefix);
 
-/// Pages of other sheets.
-void TakeAbout(PageMachine& machine, User& user, const QString& prefix);
+/// The sheet as the applet shows it, with both its pages.
+void RunAppletSheet(PageMachine& machine);
+
+/// The page of the other sheet.
 void TakeConnection(PageMachine& machine, User& user, const QString& prefix);
 
 }  // namespace support

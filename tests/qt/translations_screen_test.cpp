@@ -2,11 +2,14 @@
 
 #include <QApplication>
 #include <QFile>
+#include <QKeySequence>
 #include <QLabel>
 #include <QPushButton>
 #include <QStyle>
+#include <QTest>
 #include <algorithm>
 #include <cstddef>
+#include <set>
 #include <span>
 #include <string>
 #include <string_view>
@@ -73,6 +76,30 @@ TEST_P(TranslationsOnScreen, TheLearningPageShowsEachOfItsTextsWhole) {
         ExpectWide(*button, button->text(), button->width() - 2 * (border + kPadding));
       }
     }
+    User::GetWindow()->reject();
+  });
+  m_machine.RunSheet();
+}
+
+TEST_P(TranslationsOnScreen, EachButtonOfTheLearningPageHasALetterOfItsOwnThatPressesIt) {
+  m_user.Soon([] {
+    std::set<QKeySequence> keys;
+    const auto keyOf = [](int id) { return QKeySequence::mnemonic(User::FindButton(id)->text()); };
+    const int buttons[] = {resources::kRecordButtonId, resources::kPlayButtonId,
+                           resources::kDeleteButtonId, resources::kDeleteAllButtonId,
+                           resources::kTestButtonId};
+    for (const int id : buttons) {
+      EXPECT_FALSE(keyOf(id).isEmpty()) << User::FindButton(id)->text().toStdString();
+      keys.insert(keyOf(id));
+    }
+    EXPECT_EQ(keys.size(), std::size(buttons));
+    User::GetWindow()->activateWindow();
+    QApplication::processEvents();
+    const QKeyCombination record = keyOf(resources::kRecordButtonId)[0];
+    // Not as a click of a key, which the testing library has for Latin letters alone.
+    QTest::sendKeyEvent(QTest::Press, User::GetWindow()->focusWidget(), record.key(), QString(),
+                        record.keyboardModifiers());
+    EXPECT_TRUE(User::FindButton(resources::kRecordButtonId)->isDown());
     User::GetWindow()->reject();
   });
   m_machine.RunSheet();

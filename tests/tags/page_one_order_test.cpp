@@ -44,6 +44,16 @@ TEST_F(PageOneOrder, TheWaitCursorIsSetWheneverTheContactsAreAskedWhileThePageOp
   EXPECT_EQ(m_machine.ui.GetCursor(), platform::Cursor::kNormal);
 }
 
+TEST_F(PageOneOrder, TheNormalCursorIsBackBeforeTheCheckOfTheVersionIsPosted) {
+  std::vector<platform::Cursor> cursors;
+  m_ui.SetListener([&](platform::Cursor cursor) {
+    cursors.push_back(cursor);
+    EXPECT_FALSE(m_dialog->HasPosted());
+  });
+  OpenWatched();
+  EXPECT_THAT(cursors, ElementsAre(platform::Cursor::kWait, platform::Cursor::kNormal));
+}
+
 TEST_F(PageOneOrder, ATagIsMadeStepByStep) {
   auto& dialog = OpenWatched();
   Texts log;

@@ -4,13 +4,16 @@
 #include <functional>
 #include <memory>
 #include <set>
+#include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "platform/clock.h"
 #include "platform/contacts_store.h"
 #include "platform/file_system.h"
+#include "platform/ui.h"
 #include "platform/wave_out.h"
 
 // Each forwards every call to a back end, and tells before it does.
@@ -148,4 +151,38 @@ class WatchedWaveOut final : public platform::WaveOut {
  private:
   platform::WaveOut& m_inner;
   std::function<void()> m_listener;
+};
+
+/// A user interface whose cursors are told.
+class WatchedUi final : public platform::Ui {
+ public:
+  explicit WatchedUi(platform::Ui& inner) : m_inner(inner) {}
+
+  void SetListener(std::function<void(platform::Cursor)> listener) {
+    m_listener = std::move(listener);
+  }
+
+  platform::MessageAnswer ShowMessage(const platform::MessageBox& box) override {
+    return m_inner.ShowMessage(box);
+  }
+  void Beep(platform::Sound sound) override { m_inner.Beep(sound); }
+  void SetCursor(platform::Cursor cursor) override {
+    if (m_listener) {
+      m_listener(cursor);
+    }
+    m_inner.SetCursor(cursor);
+  }
+  [[nodiscard]] int RunDialog(const resources::DialogTemplate& dialog,
+                              platform::DialogHandler& handler) override {
+    return m_inner.RunDialog(dialog, handler);
+  }
+  [[nodiscard]] bool RunSheet(std::u16string_view caption,
+                              std::span<const platform::SheetPage> pages,
+                              platform::SheetHandler& handler) override {
+    return m_inner.RunSheet(caption, pages, handler);
+  }
+
+ private:
+  platform::Ui& m_inner;
+  std::function<void(platform::Cursor)> m_listener;
 };

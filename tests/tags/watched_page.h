@@ -11,7 +11,7 @@ class WatchedPage : public PageFixture {
 
   headless::HeadlessDialog& OpenWatched() {
     return OpenOn({m_files, m_machine.waveIn, m_clock, m_machine.simulation, m_machine.process,
-                   m_machine.ui, m_machine.registry, m_contacts, m_waveOut, m_machine.shell});
+                   m_ui, m_machine.registry, m_contacts, m_waveOut, m_machine.shell});
   }
   void Close() {
     m_dialog.reset();
@@ -21,5 +21,6 @@ class WatchedPage : public PageFixture {
   WatchedFiles m_files{m_machine.files};
   WatchedContacts m_contacts{m_machine.contacts};
   WatchedClock m_clock{m_machine.simulation};
+  WatchedUi m_ui{m_machine.ui};
   WatchedWaveOut m_waveOut{m_machine.waveOut};
 };
