@@ -9,8 +9,10 @@
 
 #include "gtest/gtest.h"
 #include "tests/support/signals.h"
+#include "tests/voicemath/sample_recordings.h"
 #include "tests/voicemath/twins/features.h"
 #include "tests/voicemath/twins/matching.h"
+#include "voicemath/band_features.h"
 #include "voicemath/nearest_neighbours.h"
 #include "voicemath/template_distance.h"
 
@@ -71,6 +73,35 @@ TEST(FastComparison, EqualsItsTwinWhereShiftsAreNearlyAlike) {
     }
     ExpectSame(a, b);
   }
+}
+
+/// Templates of spoken names, some said several times: those of like and of unlike words, some
+/// of them of the same length. Fewer where a transform is emulated.
+std::vector<Template> SpokenWords() {
+  const std::vector<support::Samples>& recordings = SampleRecordings();
+  std::vector<Template> words;
+  for (std::size_t i = 0; i < recordings.size(); i += kFrameLanes == 1 ? 2 : 1) {
+    constexpr std::size_t kFirstFrame = 8;
+    const std::size_t frames = 20 + i * 5 % 31;
+    Template word{.frameCount = static_cast<std::uint16_t>(frames), .values = {}};
+    word.values.resize(frames * kBandCount);
+    BandFeatures(std::span(recordings[i]).subspan(kFirstFrame * kFrameHop), kFrameHop, word.values);
+    twins::SubtractMinima(word);
+    words.push_back(std::move(word));
+  }
+  return words;
+}
+
+TEST(FastComparison, EqualsItsTwinOnSpokenWords) {
+  const std::vector<Template> words = SpokenWords();
+  for (const Template& a : words) {
+    for (const Template& b : words) {
+      ExpectSame(a, b);
+    }
+  }
+  // The same name said twice, and another one.
+  EXPECT_LT(twins::CompareTemplates(words[0], words[1]),
+            twins::CompareTemplates(words[0], words.back()));
 }
 
 TEST(FastComparison, EqualsItsTwinOnLongTemplates) {
