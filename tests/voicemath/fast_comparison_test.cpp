@@ -104,6 +104,32 @@ TEST(FastComparison, EqualsItsTwinOnSpokenWords) {
             twins::CompareTemplates(words[0], words.back()));
 }
 
+/// Shapes that are nearly or wholly in one value, or in two: a grid value is then the largest there
+/// is, and held ends repeat it.
+TEST(FastComparison, EqualsItsTwinWhereOneValueIsNearlyAll) {
+  std::mt19937 random(29);
+  const auto draw = [&random] {
+    const std::size_t frames = 1 + support::Draw(random, 12);
+    Template word{.frameCount = static_cast<std::uint16_t>(frames),
+                  .values = std::vector<float>(frames * kBandCount)};
+    const std::uint32_t peaks = 1 + support::Draw(random, 4);
+    for (std::uint32_t peak = 0; peak < peaks; ++peak) {
+      const float level = std::array{1.0F, 1.0F, 1e-2F, 3e-3F, 1e-5F}[support::Draw(random, 5)];
+      const std::size_t frame = support::Draw(random, 2) == 0 ? 0 : support::Draw(random, 12);
+      word.values[frame % frames * kBandCount + support::Draw(random, 2)] = level;
+    }
+    if (support::Draw(random, 4) == 0) {  // The same in all frames.
+      for (std::size_t i = kBandCount; i < word.values.size(); ++i) {
+        word.values[i] = word.values[i - kBandCount];
+      }
+    }
+    return word;
+  };
+  for (int round = 0; round < 2000; ++round) {
+    ExpectSame(draw(), draw());
+  }
+}
+
 TEST(FastComparison, EqualsItsTwinOnLongTemplates) {
   std::mt19937 random(23);
   for (const std::size_t frames : {64U, 65U, 127U, 128U, 200U, 333U}) {
@@ -168,6 +194,8 @@ TEST(FindNearest, OneTemplateHasNoNeighbour) {
 TEST(PreparedTemplate, LeavesTheGridToShapesThatARecordingGives) {
   EXPECT_TRUE(Prepared({.frameCount = 1, .values = {0, 1, 2, 3, 4}}).IsOnGrid());
   EXPECT_TRUE(Prepared({.frameCount = 1, .values = {0, 0, 0, 0, 0}}).IsOnGrid());
+  EXPECT_TRUE(Prepared({.frameCount = 1, .values = {0, 0, 0, 1, 100}}).IsOnGrid());
+  EXPECT_FALSE(Prepared({.frameCount = 1, .values = {0, 0, 0, 0, 4}}).IsOnGrid());
   EXPECT_FALSE(Prepared({.frameCount = 1, .values = {0, 1, -2, 3, 4}}).IsOnGrid());
   EXPECT_FALSE(Prepared({.frameCount = 1, .values = {HUGE_VALF, 0, 0, 0, 0}}).IsOnGrid());
 }
