@@ -118,9 +118,10 @@ TEST_F(FindNearest, OfSeveralAtOneDistanceTheLowestIndexWins) {
 }
 
 TEST_F(FindNearest, TheOneThatIsSearchedForStandsFirst) {
-  // Of two of the same length the first one slides, with its ends held: not symmetric.
-  PutDrawn(0, 6, 1000);
-  PutDrawn(1, 6, 1000);
+  // Of two of the same length the first one slides, with its ends held: not symmetric where they
+  // are most alike a frame apart.
+  Put(0, {1, 0, 0, 0, 0, 50, 0, 0, 0, 0, 9, 0, 0, 0, 0, 2, 0, 0, 0, 0});
+  Put(1, {7, 0, 0, 0, 0, 1, 0, 0, 0, 0, 50, 0, 0, 0, 0, 9, 0, 0, 0, 0});
   const auto nearest = Find(2);
   EXPECT_EQ(nearest[0].distance, m_mathematics.CompareTemplates(0, 1));
   EXPECT_EQ(nearest[1].distance, m_mathematics.CompareTemplates(1, 0));
