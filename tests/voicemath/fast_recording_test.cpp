@@ -33,7 +33,7 @@ constexpr std::size_t kThreeSeconds = 33075;
 /// transform takes an emulated machine without floating-point unit half a second for a hundred.
 #if defined(__SOFTFP__)
 constexpr std::size_t kFramesOfEach = 1;
-constexpr std::size_t kFramesOfLong = 8;
+constexpr std::size_t kFramesOfLong = 5;
 #else
 constexpr std::size_t kFramesOfEach = 12;
 constexpr std::size_t kFramesOfLong = 63;
@@ -127,7 +127,7 @@ TEST(FastTransform, EqualsItsTwinOnAThousandUtterances) {
     checked += frames;
   }
   EXPECT_EQ(left > 0, kFrameLanes > 1);
-  EXPECT_GT(checked, kUtterances * 5 / 4);
+  EXPECT_GT(checked, kUtterances + 100);
 }
 
 TEST(Magnitude, InIntegersEqualsThatInDouble) {
