@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
+#include <span>
 #include <utility>
 
 #include "benchmarks/voicemath_material.h"
@@ -56,14 +57,14 @@ std::vector<Way> Preparation() {
            }}};
 }
 
-std::vector<std::int16_t> LiteralEnvelope(const support::Samples& samples) {
-  std::vector<std::int16_t> envelope(samples.size() / voicemath::kBlockStep - 1);
+void MeasureEnvelopeLiterally(const support::Samples& samples, std::span<std::int16_t> envelope) {
   for (std::size_t block = 0; block < envelope.size(); ++block) {
     envelope[block] = twins::BlockEnvelope(
         std::span(samples).subspan(block * voicemath::kBlockStep, voicemath::kBlockSamples));
   }
-  return envelope;
 }
+
+// Buffers of both ways are kept from one time to the next: what is measured is the mathematics.
 
 void FindEnds(const support::Samples& samples) {
   static std::vector<std::int16_t> envelope(samples.size() / voicemath::kBlockStep - 1);
@@ -72,7 +73,9 @@ void FindEnds(const support::Samples& samples) {
 }
 
 void FindEndsLiterally(const support::Samples& samples) {
-  Keep(twins::LocateSpeech(LiteralEnvelope(samples), 2 * kThreeSeconds));
+  static std::vector<std::int16_t> envelope(samples.size() / voicemath::kBlockStep - 1);
+  MeasureEnvelopeLiterally(samples, envelope);
+  Keep(twins::LocateSpeech(envelope, 2 * kThreeSeconds));
 }
 
 std::vector<Way> EndpointDetection() {
@@ -103,7 +106,9 @@ std::vector<Way> Transform() {
   const auto samples = Shared(Utterance());
   return {{"product", [samples] { TransformFrames(*samples); }},
           {"literal", [samples] {
-             ForSomeFrames(*samples, [](auto frame) { Keep(twins::FrameBands(frame)); });
+             static twins::FrameBuffers buffers;
+             ForSomeFrames(*samples,
+                           [](auto frame) { Keep(twins::FrameMagnitudes(frame, buffers)); });
            }}};
 }
 
@@ -116,11 +121,14 @@ void MakeTemplate(const support::Samples& samples) {
 }
 
 void MakeTemplateLiterally(const support::Samples& samples) {
+  static twins::FrameBuffers buffers;
+  static twins::Template made{.frameCount = kFrames, .values = {}};
   FindEndsLiterally(samples);
-  twins::Template made{.frameCount = kFrames, .values = {}};
+  made.values.clear();
   for (std::size_t frame = 0; frame < kFrames; ++frame) {
     const auto bands = twins::FrameBands(
-        std::span(samples).subspan(frame * voicemath::kFrameHop, voicemath::kFrameSamples));
+        std::span(samples).subspan(frame * voicemath::kFrameHop, voicemath::kFrameSamples),
+        buffers);
     made.values.insert(made.values.end(), bands.begin(), bands.end());
   }
   twins::SubtractMinima(made);

@@ -5,23 +5,6 @@
 
 namespace maintenance {
 
-std::vector<Neighbour> FindNearest(std::int32_t count, const DistanceOf& distance) {
-  std::vector<Neighbour> nearest(static_cast<std::size_t>(std::max(count, 0)));
-  for (std::int32_t i = 0; i < count; ++i) {
-    Neighbour& best = nearest[static_cast<std::size_t>(i)];
-    for (std::int32_t other = 0; other < count; ++other) {
-      if (other == i) {
-        continue;
-      }
-      const float found = distance(i, other);
-      if (found < best.distance) {
-        best = {other, found};
-      }
-    }
-  }
-  return nearest;
-}
-
 std::vector<Neighbour> FindNearest(const voicemath::CVoiceMathematics& mathematics,
                                    std::int32_t count) {
   std::vector<voicemath::Neighbour> found(static_cast<std::size_t>(std::max(count, 0)));

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <map>
 #include <span>
 #include <vector>
@@ -19,14 +18,9 @@ struct Neighbour {
   float distance = 100.0F;  ///< Where the search starts: beyond every distance there is.
 };
 
-/// Distance of two templates by their indices, the one that is searched for first.
-using DistanceOf = std::function<float(std::int32_t, std::int32_t)>;
-
-/// The nearest other one for each of the templates 0 to `count` - 1; of several at the same
-/// distance the one with the lowest index.
-[[nodiscard]] std::vector<Neighbour> FindNearest(std::int32_t count, const DistanceOf& distance);
-
-/// Likewise over the slots 0 to `count` - 1 of the mathematics.
+/// The nearest other one for each of the slots 0 to `count` - 1 of the mathematics, the one that is
+/// searched for standing first in the comparison; of several at the same distance the one with the
+/// lowest index.
 [[nodiscard]] std::vector<Neighbour> FindNearest(const voicemath::CVoiceMathematics& mathematics,
                                                  std::int32_t count);
 

@@ -64,10 +64,10 @@ VOXTREL_INLINE auto Fold(AnyLanes a, AnyLanes b, AnyLanes together(AnyLanes, Any
   if constexpr (std::is_integral_v<AnyLanes>) {
     return std::pair(a, b);
   } else {
-    a = together(__builtin_shufflevector(a, b, 0, 8, 1, 9, 2, 10, 3, 11),
-                 __builtin_shufflevector(a, b, 4, 12, 5, 13, 6, 14, 7, 15));
-    a = together(a, __builtin_shufflevector(a, a, 4, 5, 6, 7, 0, 1, 2, 3));
-    a = together(a, __builtin_shufflevector(a, a, 2, 3, 0, 1, 6, 7, 4, 5));
+    a = together(AnyLanes{a[0], b[0], a[1], b[1], a[2], b[2], a[3], b[3]},
+                 AnyLanes{a[4], b[4], a[5], b[5], a[6], b[6], a[7], b[7]});
+    a = together(a, AnyLanes{a[4], a[5], a[6], a[7], a[0], a[1], a[2], a[3]});
+    a = together(a, AnyLanes{a[2], a[3], a[0], a[1], a[6], a[7], a[4], a[5]});
     const auto ofA = a[0];
     const auto ofB = a[1];
     return std::pair(ofA, ofB);

@@ -92,7 +92,7 @@ class Smoothing {
 /// The noise level under the speech: the mode of the lower half of the amplitudes, and a little.
 VOXTREL_INLINE std::int16_t NoiseLevel(std::span<const std::int16_t> envelope, std::int16_t peak,
                                        std::int16_t binWidth) {
-  // Division by a product with the reciprocal, rounded up, in units of 2^-31. With a value below
+  // Division by a product with a number above the reciprocal, in units of 2^-31. With a value below
   // 2^15 it comes out too large by less than 2^-16, and a width below 2^10 leaves more room than
   // that up to the next whole number.
   const std::uint64_t reciprocal =
@@ -116,8 +116,9 @@ VOXTREL_INLINE std::int16_t NoiseLevel(std::span<const std::int16_t> envelope, s
 }
 
 /// The envelope above the noise, with peaks cut at half height so that one loud syllable does not
-/// outweigh the others. Half of 16 bits times the blocks within reach is far below 32 bits, and
-/// so is that times the distance from the first of them.
+/// outweigh the others. The sum over the blocks within reach, 2 * kReach + 1 values below 2^14, is
+/// below 2^23; that of the products with their distances from the first of them, which add up to
+/// 80,200, is below 2^31.
 struct ClippedEnvelope {
   std::span<const std::int16_t> envelope;
   std::int16_t clip;

@@ -8,11 +8,12 @@
 namespace voicemath {
 namespace {
 
-/// Values above this are far beyond the norm's reach. Below it a grid value fits into 15 bits.
-constexpr float kLargestShape = 1.25F;
+/// Values of the shape stay below this: a frame that is repeated makes half the sum of four of the
+/// same value, which has to fit into 16 bits, rounded up. Only a value that is as good as the whole
+/// norm is not below it.
+constexpr float kShapeLimit = 1.0F - 1.0F / static_cast<float>(2 * PreparedTemplate::kGridSteps);
 
-/// Limit of the sum of squares of a grid, twice what a norm of 1 gives. A group of the outline then
-/// fits into 16 bits.
+/// Limit of the sum of squares of a grid, twice what a norm of 1 gives.
 constexpr std::int64_t kLargestSquares =
     std::int64_t{2} * PreparedTemplate::kGridSteps * PreparedTemplate::kGridSteps;
 
@@ -105,7 +106,7 @@ bool PreparedTemplate::FillGrid() {
     GridSums sums = SumsBefore(frame);
     for (std::size_t band = 0; band < kBandCount; ++band) {
       const float shape = *Shape(band, frame);
-      if (!(shape >= 0.0F && shape <= kLargestShape)) {
+      if (!(shape >= 0.0F && shape < kShapeLimit)) {
         return false;
       }
       const std::int32_t value = OnGrid(shape);

@@ -13,10 +13,9 @@ namespace voicemath {
 
 /// A template in the forms that comparing wants, made once when its slot is filled:
 ///
-/// - the *shape*: each value times the reciprocal of the norm, rounded to float. Frame by frame,
-/// and
-///   band by band, with the first frame repeated before it and the last one behind, kFloatLanes
-///   times each;
+/// - the *shape*: each value times the reciprocal of the norm, rounded to float. Once frame by
+///   frame, and once band by band, with the first frame repeated before it and the last one behind,
+///   kFloatLanes times each;
 /// - the *grid*: the shape on a grid of steps of 1 / kGridSteps, as whole numbers, frame by frame,
 ///   once as it is, and once between repetitions of its first and its last frame. Zeros follow;
 /// - the *outline*: half the sums of groups of kGroupFrames frames of the grid, as whole numbers.
@@ -24,8 +23,9 @@ namespace voicemath {
 ///   any frame, the ends repeated;
 /// - running sums of the grid, so that a frame held against many others costs no more than one.
 ///
-/// The grid is missing, and IsOnGrid false, where a value of the shape is negative, no number or
-/// larger than any that a norm leaves: only templates that no recording gives have such.
+/// The grid and its outline are missing, and IsOnGrid false, where there are no frames, and where a
+/// value of the shape is negative, no number or nearly all of the norm, or the norm lost too much
+/// in float: hardly any recording gives such a template, and comparing it only takes longer.
 class PreparedTemplate {
  public:
   static constexpr std::int32_t kGridSteps = 1 << 14;

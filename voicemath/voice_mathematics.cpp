@@ -119,7 +119,7 @@ float CVoiceMathematics::CompareTemplates(std::int32_t a, std::int32_t b) const 
 }
 
 void CVoiceMathematics::FindNearest(std::span<Neighbour> nearest) const {
-  const std::size_t slots = std::min(nearest.size(), kSlotCount);
+  const std::size_t slots = std::min(nearest.size(), kStoredSlots);
   voicemath::FindNearest(std::span(m_prepared).first(slots), nearest.first(slots));
 }
 

@@ -98,8 +98,9 @@ class CVoiceMathematics : public framework::CObject {
   [[nodiscard]] float CompareTemplates(std::int32_t a, std::int32_t b) const;
 
   /// Finds for each of the slots from 0 on, as many as `nearest` has places for and at most
-  /// kSlotCount, the one with the smallest distance, that slot being the first argument of
-  /// CompareTemplates; of several the lowest. The same as comparing all with all, and much faster.
+  /// kStoredSlots, the one of them with the smallest distance, that slot being the first argument
+  /// of CompareTemplates; of several the lowest. The same as comparing all with all, and much
+  /// faster. Places behind those are left as they are.
   void FindNearest(std::span<Neighbour> nearest) const;
 
   /// Fills `m_thresholds` from the nearest neighbours of the stored templates. Returns `m_count`.

@@ -2,11 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <memory>
 #include <numeric>
 #include <random>
@@ -22,13 +21,61 @@ namespace {
 using maintenance::Neighbour;
 using maintenance::NeighbourTable;
 
-/// Distances from a table, the row of the one that is searched for.
-template <std::size_t kCount>
-maintenance::DistanceOf From(const std::array<std::array<float, kCount>, kCount>& table) {
-  return [&table](std::int32_t a, std::int32_t b) {
-    return table[static_cast<std::size_t>(a)][static_cast<std::size_t>(b)];
-  };
+/// The literal twin: every slot is compared with every other one, the one that is searched for
+/// first, from a distance that is beyond all.
+std::vector<Neighbour> FindNearestLiterally(const voicemath::CVoiceMathematics& mathematics,
+                                            std::int32_t count) {
+  std::vector<Neighbour> nearest;
+  for (std::int32_t i = 0; i < count; ++i) {
+    Neighbour best{-2, 100.0F};
+    for (std::int32_t other = 0; other < count; ++other) {
+      if (other == i) {
+        continue;
+      }
+      const float distance = mathematics.CompareTemplates(i, other);
+      if (distance < best.distance) {
+        best = {other, distance};
+      }
+    }
+    nearest.push_back(best);
+  }
+  return nearest;
 }
+
+/// The mathematics with templates of whole numbers in its slots.
+class FindNearest : public testing::Test {
+ protected:
+  void Put(std::size_t slot, const std::vector<std::uint32_t>& numbers) {
+    auto values = std::make_unique<float[]>(numbers.size());
+    std::transform(numbers.begin(), numbers.end(), values.get(),
+                   [](std::uint32_t number) { return static_cast<float>(number); });
+    const auto frames = static_cast<std::uint16_t>(numbers.size() / voicemath::kBandCount);
+    ASSERT_TRUE(m_mathematics.SetTemplate(slot, std::move(values), frames));
+  }
+  void PutDrawn(std::size_t slot, std::size_t frames, std::uint32_t below) {
+    std::vector<std::uint32_t> numbers(frames * voicemath::kBandCount);
+    for (std::uint32_t& number : numbers) {
+      number = static_cast<std::uint32_t>(m_random()) % below;
+    }
+    Put(slot, numbers);
+  }
+  /// What the product finds, which is expected to be what its twin does.
+  [[nodiscard]] std::vector<Neighbour> Find(std::int32_t count) const {
+    const auto found = maintenance::FindNearest(m_mathematics, count);
+    const auto expected = FindNearestLiterally(m_mathematics, count);
+    EXPECT_EQ(found.size(), expected.size());
+    for (std::size_t i = 0; i < std::min(found.size(), expected.size()); ++i) {
+      EXPECT_EQ(found[i].index, expected[i].index) << i;
+      EXPECT_EQ(found[i].distance, expected[i].distance) << i;
+    }
+    return found;
+  }
+
+  headless::MemoryFileSystem m_files;
+  headless::HeadlessUi m_ui;
+  voicemath::CVoiceMathematics m_mathematics{m_files, m_ui};
+  std::mt19937 m_random{7};
+};
 
 std::vector<std::int32_t> Counting(std::size_t count) {
   std::vector<std::int32_t> tags(count);
@@ -48,62 +95,75 @@ std::vector<std::int32_t> TagsOf(const NeighbourTable& table) {
   return tags;
 }
 
-TEST(FindNearest, OfTwoEachIsTheOthersNearest) {
-  const std::array<std::array<float, 2>, 2> distances{{{0, 0.25F}, {0.25F, 0}}};
-  const auto nearest = maintenance::FindNearest(2, From(distances));
+TEST_F(FindNearest, OfTwoEachIsTheOthersNearest) {
+  Put(0, {1, 2, 3, 4, 5});
+  Put(1, {5, 4, 3, 2, 1});
+  const auto nearest = Find(2);
   ASSERT_EQ(nearest.size(), 2U);
   EXPECT_EQ(nearest[0].index, 1);
   EXPECT_EQ(nearest[1].index, 0);
-  EXPECT_EQ(nearest[0].distance, 0.25F);
-  EXPECT_EQ(nearest[1].distance, 0.25F);
+  EXPECT_EQ(nearest[0].distance, nearest[1].distance);
+  EXPECT_GT(nearest[0].distance, 0.0F);
 }
 
-TEST(FindNearest, OfSeveralAtOneDistanceTheLowestIndexWins) {
-  const std::array<std::array<float, 4>, 4> distances{
-      {{0, .5F, .5F, .5F}, {.5F, 0, .5F, .5F}, {.5F, .5F, 0, .5F}, {.5F, .5F, .5F, 0}}};
-  const auto nearest = maintenance::FindNearest(4, From(distances));
+TEST_F(FindNearest, OfSeveralAtOneDistanceTheLowestIndexWins) {
+  for (std::size_t slot = 0; slot < 4; ++slot) {
+    Put(slot, {1, 2, 3, 4, 5});
+  }
+  const auto nearest = Find(4);
   EXPECT_EQ(nearest[0].index, 1);
   EXPECT_EQ(nearest[1].index, 0);
   EXPECT_EQ(nearest[2].index, 0);
   EXPECT_EQ(nearest[3].index, 0);
 }
 
-TEST(FindNearest, TheOneThatIsSearchedForStandsFirst) {
-  // Not symmetric, as with templates of the same length.
-  const std::array<std::array<float, 2>, 2> distances{{{0, 0.5F}, {0.75F, 0}}};
-  const auto nearest = maintenance::FindNearest(2, From(distances));
-  EXPECT_EQ(nearest[0].distance, 0.5F);
-  EXPECT_EQ(nearest[1].distance, 0.75F);
+TEST_F(FindNearest, TheOneThatIsSearchedForStandsFirst) {
+  // Of two of the same length the first one slides, with its ends held: not symmetric where they
+  // are most alike a frame apart.
+  Put(0, {1, 0, 0, 0, 0, 50, 0, 0, 0, 0, 9, 0, 0, 0, 0, 2, 0, 0, 0, 0});
+  Put(1, {7, 0, 0, 0, 0, 1, 0, 0, 0, 0, 50, 0, 0, 0, 0, 9, 0, 0, 0, 0});
+  const auto nearest = Find(2);
+  EXPECT_EQ(nearest[0].distance, m_mathematics.CompareTemplates(0, 1));
+  EXPECT_EQ(nearest[1].distance, m_mathematics.CompareTemplates(1, 0));
+  EXPECT_NE(nearest[0].distance, nearest[1].distance);
 }
 
-TEST(FindNearest, NeverComparesATemplateWithItself) {
-  std::int32_t calls = 0;
-  const auto nearest = maintenance::FindNearest(100, [&](std::int32_t a, std::int32_t b) {
-    ++calls;
-    EXPECT_NE(a, b);
-    return 1.0F;
-  });
-  EXPECT_EQ(nearest.size(), 100U);
-  EXPECT_EQ(calls, 9900);
-}
-
-TEST(FindNearest, BeyondTheStartOfTheSearchThereIsNoNeighbour) {
-  for (const float distance : {100.0F, 250.0F, std::numeric_limits<float>::quiet_NaN()}) {
-    const auto nearest =
-        maintenance::FindNearest(2, [&](std::int32_t, std::int32_t) { return distance; });
-    EXPECT_EQ(nearest[0].index, -2);
-    EXPECT_EQ(nearest[0].distance, 100.0F);
+TEST_F(FindNearest, ATemplateIsNeverItsOwnNeighbour) {
+  // Its distance from itself would be the lowest of all.
+  for (std::size_t slot = 0; slot < 100; ++slot) {
+    PutDrawn(slot, 5, 1000);
   }
-  const auto below = maintenance::FindNearest(
-      2, [](std::int32_t, std::int32_t) { return std::nextafter(100.0F, 0.0F); });
-  EXPECT_EQ(below[0].index, 1);
+  const auto nearest = Find(100);
+  for (std::size_t slot = 0; slot < nearest.size(); ++slot) {
+    EXPECT_NE(nearest[slot].index, static_cast<std::int32_t>(slot));
+    EXPECT_GT(nearest[slot].distance, 0.0F);
+  }
 }
 
-TEST(FindNearest, OneTemplateHasNoNeighbour) {
-  const auto nearest = maintenance::FindNearest(1, [](std::int32_t, std::int32_t) { return 0.0F; });
+TEST_F(FindNearest, TheLargestDistanceStillMakesANeighbour) {
+  Put(0, {1, 2, 3, 4, 5});
+  Put(1, {});
+  const auto nearest = Find(2);
+  EXPECT_EQ(nearest[0].index, 1);
+  EXPECT_EQ(nearest[0].distance, 2.0F);
+  EXPECT_EQ(nearest[1].index, 0);
+}
+
+TEST_F(FindNearest, OneTemplateHasNoNeighbour) {
+  Put(0, {1, 2, 3, 4, 5});
+  const auto nearest = Find(1);
   ASSERT_EQ(nearest.size(), 1U);
   EXPECT_EQ(nearest[0].index, -2);
-  EXPECT_TRUE(maintenance::FindNearest(0, maintenance::DistanceOf()).empty());
+  EXPECT_EQ(nearest[0].distance, 100.0F);
+  EXPECT_TRUE(Find(0).empty());
+}
+
+TEST_F(FindNearest, EqualsItsTwinOnTemplatesOfManyKinds) {
+  for (std::size_t slot = 0; slot < 40; ++slot) {
+    // Some of one length, some alike, one without frames.
+    PutDrawn(slot, slot == 9 ? 0 : 20 + slot % 7, slot % 5 == 0 ? 3U : 100'000U);
+  }
+  EXPECT_EQ(Find(40).size(), 40U);
 }
 
 TEST(NeighbourTable, IsSortedByDistanceAndKeepsTheOrderOfTagsAtEqualOnes) {
@@ -111,11 +171,11 @@ TEST(NeighbourTable, IsSortedByDistanceAndKeepsTheOrderOfTagsAtEqualOnes) {
   EXPECT_EQ(TagsOf(table), (std::vector<std::int32_t>{4, 1, 2, 0, 3}));
 }
 
-TEST(NeighbourTable, TwoCloseOnesComeFirstAndTheFarOneLast) {
-  // P and Q are close, R is far and nearer to Q.
-  const std::array<std::array<float, 3>, 3> distances{
-      {{0, .1F, .9F}, {.1F, 0, .8F}, {.9F, .8F, 0}}};
-  const auto table = Table(maintenance::FindNearest(3, From(distances)));
+TEST_F(FindNearest, InTheTableTwoCloseOnesComeFirstAndTheFarOneLast) {
+  Put(0, {100, 0, 0, 0, 0});
+  Put(1, {100, 10, 0, 0, 0});
+  Put(2, {0, 100, 0, 0, 0});  // Nearer to the second.
+  const auto table = Table(Find(3));
   EXPECT_EQ(TagsOf(table), (std::vector<std::int32_t>{0, 1, 2}));
   EXPECT_EQ(CountConfusions(table, 3), (std::vector<std::int32_t>{1, 2, 0}));
 }
@@ -135,31 +195,6 @@ TEST(NeighbourTable, NamesTagsByTheirPlaceWhereSomeHaveNoTemplate) {
 TEST(NeighbourTable, NoNeighbourIsNobodysConfusion) {
   const auto table = Table({{Neighbour::kNone, 100.0F}, {Neighbour::kNone, 100.0F}});
   EXPECT_EQ(CountConfusions(table, 2), (std::vector<std::int32_t>{0, 0}));
-}
-
-TEST(FindNearest, OverTheMathematicsFindsTheSameAsOneByOne) {
-  headless::MemoryFileSystem files;
-  headless::HeadlessUi ui;
-  voicemath::CVoiceMathematics mathematics(files, ui);
-  std::mt19937 random(7);
-  constexpr std::int32_t kTags = 40;
-  for (std::size_t slot = 0; slot < kTags; ++slot) {
-    // Some of one length, some alike, one without frames.
-    const auto frames = static_cast<std::uint16_t>(slot == 9 ? 0 : 20 + slot % 7);
-    auto values = std::make_unique<float[]>(std::size_t{frames} * voicemath::kBandCount);
-    for (std::size_t i = 0; i < std::size_t{frames} * voicemath::kBandCount; ++i) {
-      values[i] = static_cast<float>(random() % (slot % 5 == 0 ? 3U : 100'000U));
-    }
-    ASSERT_TRUE(mathematics.SetTemplate(slot, std::move(values), frames));
-  }
-  const auto found = maintenance::FindNearest(mathematics, kTags);
-  const auto expected = maintenance::FindNearest(
-      kTags, [&](std::int32_t a, std::int32_t b) { return mathematics.CompareTemplates(a, b); });
-  ASSERT_EQ(found.size(), expected.size());
-  for (std::size_t i = 0; i < found.size(); ++i) {
-    EXPECT_EQ(found[i].index, expected[i].index) << i;
-    EXPECT_EQ(found[i].distance, expected[i].distance) << i;
-  }
 }
 
 TEST(ToScore, TruncatesTowardsZero) {

@@ -9,8 +9,10 @@
 
 #include "gtest/gtest.h"
 #include "tests/support/signals.h"
+#include "tests/voicemath/sample_recordings.h"
 #include "tests/voicemath/twins/features.h"
 #include "tests/voicemath/twins/matching.h"
+#include "voicemath/band_features.h"
 #include "voicemath/nearest_neighbours.h"
 #include "voicemath/template_distance.h"
 
@@ -70,6 +72,61 @@ TEST(FastComparison, EqualsItsTwinWhereShiftsAreNearlyAlike) {
       }
     }
     ExpectSame(a, b);
+  }
+}
+
+/// Templates of spoken names, some said several times: those of like and of unlike words, some
+/// of them of the same length. Fewer where a transform is emulated.
+std::vector<Template> SpokenWords() {
+  const std::vector<support::Samples>& recordings = SampleRecordings();
+  std::vector<Template> words;
+  for (std::size_t i = 0; i < recordings.size(); i += kFrameLanes == 1 ? 2 : 1) {
+    constexpr std::size_t kFirstFrame = 8;
+    const std::size_t frames = 20 + i * 5 % 31;
+    Template word{.frameCount = static_cast<std::uint16_t>(frames), .values = {}};
+    word.values.resize(frames * kBandCount);
+    BandFeatures(std::span(recordings[i]).subspan(kFirstFrame * kFrameHop), kFrameHop, word.values);
+    twins::SubtractMinima(word);
+    words.push_back(std::move(word));
+  }
+  return words;
+}
+
+TEST(FastComparison, EqualsItsTwinOnSpokenWords) {
+  const std::vector<Template> words = SpokenWords();
+  for (const Template& a : words) {
+    for (const Template& b : words) {
+      ExpectSame(a, b);
+    }
+  }
+  // The same name said twice, and another one.
+  EXPECT_LT(twins::CompareTemplates(words[0], words[1]),
+            twins::CompareTemplates(words[0], words.back()));
+}
+
+/// Shapes that are nearly or wholly in one value, or in two: a grid value is then the largest there
+/// is, and held ends repeat it.
+TEST(FastComparison, EqualsItsTwinWhereOneValueIsNearlyAll) {
+  std::mt19937 random(29);
+  const auto draw = [&random] {
+    const std::size_t frames = 1 + support::Draw(random, 12);
+    Template word{.frameCount = static_cast<std::uint16_t>(frames),
+                  .values = std::vector<float>(frames * kBandCount)};
+    const std::uint32_t peaks = 1 + support::Draw(random, 4);
+    for (std::uint32_t peak = 0; peak < peaks; ++peak) {
+      const float level = std::array{1.0F, 1.0F, 1e-2F, 3e-3F, 1e-5F}[support::Draw(random, 5)];
+      const std::size_t frame = support::Draw(random, 2) == 0 ? 0 : support::Draw(random, 12);
+      word.values[frame % frames * kBandCount + support::Draw(random, 2)] = level;
+    }
+    if (support::Draw(random, 4) == 0) {  // The same in all frames.
+      for (std::size_t i = kBandCount; i < word.values.size(); ++i) {
+        word.values[i] = word.values[i - kBandCount];
+      }
+    }
+    return word;
+  };
+  for (int round = 0; round < 2000; ++round) {
+    ExpectSame(draw(), draw());
   }
 }
 
@@ -137,6 +194,8 @@ TEST(FindNearest, OneTemplateHasNoNeighbour) {
 TEST(PreparedTemplate, LeavesTheGridToShapesThatARecordingGives) {
   EXPECT_TRUE(Prepared({.frameCount = 1, .values = {0, 1, 2, 3, 4}}).IsOnGrid());
   EXPECT_TRUE(Prepared({.frameCount = 1, .values = {0, 0, 0, 0, 0}}).IsOnGrid());
+  EXPECT_TRUE(Prepared({.frameCount = 1, .values = {0, 0, 0, 1, 100}}).IsOnGrid());
+  EXPECT_FALSE(Prepared({.frameCount = 1, .values = {0, 0, 0, 0, 4}}).IsOnGrid());
   EXPECT_FALSE(Prepared({.frameCount = 1, .values = {0, 1, -2, 3, 4}}).IsOnGrid());
   EXPECT_FALSE(Prepared({.frameCount = 1, .values = {HUGE_VALF, 0, 0, 0, 0}}).IsOnGrid());
 }

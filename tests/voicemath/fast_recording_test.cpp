@@ -5,11 +5,13 @@
 #include <array>
 #include <bit>
 #include <cstdint>
+#include <random>
 #include <vector>
 
 #include "gtest/gtest.h"
 #include "tests/support/signals.h"
 #include "tests/voicemath/bits.h"
+#include "tests/voicemath/sample_recordings.h"
 #include "tests/voicemath/twins/features.h"
 #include "tests/voicemath/twins/speech_bounds.h"
 #include "voicemath/band_features.h"
@@ -25,25 +27,52 @@ using support::Samples;
 
 constexpr std::uint32_t kUtterances = 1000;
 
-/// Of each utterance so many frames. The literal transform takes an emulated machine without
-/// floating-point unit half a second for a hundred.
+constexpr std::size_t kThreeSeconds = 33075;
+
+/// Of each utterance at most so many frames, and of each that is three seconds long. The literal
+/// transform takes an emulated machine without floating-point unit half a second for a hundred.
 #if defined(__SOFTFP__)
 constexpr std::size_t kFramesOfEach = 1;
+constexpr std::size_t kFramesOfLong = 5;
 #else
 constexpr std::size_t kFramesOfEach = 12;
+constexpr std::size_t kFramesOfLong = 63;
 #endif
 
-/// Speech, noise of every strength, full scale, and what makes 16-bit distances wrap, in turn.
+bool IsSpeech(std::uint32_t seed) { return seed % 5 == 0; }
+
+/// Some with speech, and some of every other kind.
+bool IsLong(std::uint32_t seed) { return seed % 40 == 0 || seed % 64 == 1; }
+
+/// A spoken name from any place on, its end followed by its beginning; fainter, or louder up to
+/// beyond full scale; in noise.
+Samples DrawSpeech(std::size_t count, std::uint32_t seed) {
+  std::mt19937 random(seed);
+  const Samples& name = SampleRecordings()[support::Draw(random, kSampleRecordings)];
+  const std::size_t from = support::Draw(random, kThreeSeconds);
+  const auto quarters = static_cast<std::int32_t>(1 + support::Draw(random, 16));
+  Samples speech = support::Noise(count, static_cast<int>(1U << support::Draw(random, 11)), seed);
+  for (std::size_t i = 0; i < count; ++i) {
+    const int sum = speech[i] + name[(from + i) % name.size()] * quarters / 4;
+    speech[i] = static_cast<std::int16_t>(std::clamp(sum, -32768, 32767));
+  }
+  return speech;
+}
+
+/// Speech, tones, noise of every strength, full scale, and what makes 16-bit distances wrap, in
+/// turn.
 Samples DrawUtterance(std::uint32_t seed) {
-  const std::size_t count = 1024 + 97 * (seed % 60);
-  switch (seed % 4) {
-    case 0: {
+  const std::size_t count = IsLong(seed) ? kThreeSeconds : 1024 + 97 * (seed % 60);
+  switch (seed % 5) {
+    case 0:
+      return DrawSpeech(count, seed);
+    case 1: {
       Samples word = support::Tone(count / 2, 20.0 + seed % 200, 200.0 + 30.0 * seed);
       return support::Mixed(support::Noise(count, 60, seed), count / 4, word);
     }
-    case 1:
-      return support::Noise(count, 1 << (seed / 4 % 15), seed);
     case 2:
+      return support::Noise(count, 1 << (seed / 5 % 15), seed);
+    case 3:
       return support::Extremes(count, seed);
     default:
       return support::Square(count, 1 + seed % 300, 32767, -32768);
@@ -52,6 +81,7 @@ Samples DrawUtterance(std::uint32_t seed) {
 
 TEST(FastEndpointDetection, EqualsItsTwinOnAThousandUtterances) {
   int wrapped = 0;
+  int found = 0;
   for (std::uint32_t seed = 0; seed < kUtterances; ++seed) {
     const Samples samples = DrawUtterance(seed);
     std::vector<std::int16_t> expected(samples.size() / kBlockStep - 1);
@@ -68,30 +98,36 @@ TEST(FastEndpointDetection, EqualsItsTwinOnAThousandUtterances) {
     const twins::SpeechSearch search = twins::LocateSpeech(expected, bytes);
     const auto speech = LocateSpeech(envelope, bytes / 2);
     ASSERT_EQ(speech.has_value(), search.found) << seed;
+    found += speech && IsSpeech(seed) ? 1 : 0;
     if (speech) {
       ASSERT_EQ(*speech, (Segment{search.firstSample, search.lastSample})) << seed;
     }
   }
   EXPECT_GT(wrapped, 1000);
+  EXPECT_GT(found, 150);  // Of the two hundred with speech.
 }
 
 TEST(FastTransform, EqualsItsTwinOnAThousandUtterances) {
   std::size_t left = 0;  // Frames that do not fill all lanes.
+  std::size_t checked = 0;
   for (std::uint32_t seed = 0; seed < kUtterances; ++seed) {
     const Samples samples = DrawUtterance(seed);
-    const std::size_t frames =
-        std::min(kFramesOfEach, (samples.size() - kFrameSamples) / kFrameHop + 1);
+    const std::size_t all = (samples.size() - kFrameSamples) / kFrameHop + 1;
+    const std::size_t frames = std::min(IsLong(seed) ? kFramesOfLong : kFramesOfEach, all);
+    const auto some = std::span(samples).subspan((all - frames) / 2 * kFrameHop);
     std::vector<float> bands(frames * kBandCount);
-    BandFeatures(samples, kFrameHop, bands);
+    BandFeatures(some, kFrameHop, bands);
     for (std::size_t frame = 0; frame < frames; ++frame) {
-      const auto of = std::span(samples).subspan(frame * kFrameHop, kFrameSamples);
+      const auto of = some.subspan(frame * kFrameHop, kFrameSamples);
       ASSERT_EQ(BitsOf(std::span(bands).subspan(frame * kBandCount, kBandCount)),
                 BitsOf(twins::FrameBands(of)))
           << seed << " at " << frame;
     }
     left += frames % kFrameLanes;
+    checked += frames;
   }
   EXPECT_EQ(left > 0, kFrameLanes > 1);
+  EXPECT_GT(checked, kUtterances + 100);
 }
 
 TEST(Magnitude, InIntegersEqualsThatInDouble) {

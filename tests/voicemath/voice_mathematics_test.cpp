@@ -189,6 +189,25 @@ TEST_F(CVoiceMathematicsTest, ThresholdsComeCloserToTheNearestNeighbourTheMoreTa
   EXPECT_EQ(m_mathematics.m_thresholds[0], nearest - nearest / 1000.0F);
 }
 
+TEST_F(CVoiceMathematicsTest, TheScratchSlotIsNobodysNeighbourWhateverPlacesThereAre) {
+  std::vector<float> values{1, 2, 3, 4, 5};
+  for (std::size_t slot = 0; slot < voicemath::CVoiceMathematics::kSlotCount; ++slot) {
+    values[0] += 1.0F;
+    SetTemplate(slot, slot == 100 ? std::vector<float>{2, 2, 3, 4, 5} : values);
+  }
+  ASSERT_EQ(m_mathematics.CompareTemplates(0, 100), 0.0F);
+  std::array<voicemath::Neighbour, 101> nearest;
+  nearest[100] = {.index = 7, .distance = 0.5F};
+  m_mathematics.FindNearest(nearest);
+  EXPECT_EQ(nearest[0].index, 1);
+  for (std::size_t slot = 0; slot < 100; ++slot) {
+    EXPECT_GE(nearest[slot].index, 0) << slot;
+    EXPECT_LT(nearest[slot].index, 100) << slot;
+  }
+  EXPECT_EQ(nearest[100].index, 7);
+  EXPECT_EQ(nearest[100].distance, 0.5F);
+}
+
 TEST_F(CVoiceMathematicsTest, TransformsThroughItsOwnOperation) {
   std::vector<float> real{1, 0, 0, 0};
   std::vector<float> imaginary(4);

@@ -7,26 +7,35 @@
 
 namespace twins {
 
-std::array<float, 5> FrameBands(std::span<const std::int16_t> frame) {
-  std::vector<float> real(1024);
-  std::vector<float> imaginary(1024);
+std::array<float, 220> FrameMagnitudes(std::span<const std::int16_t> frame, FrameBuffers& buffers) {
+  auto& [real, imaginary] = buffers;
   for (std::size_t i = 0; i < 1024; ++i) {
     real[i] = static_cast<float>(frame[i]);
     imaginary[i] = 0.0F;
   }
   Fft(real, imaginary, 1);
+  std::array<float, 220> magnitudes;
+  for (std::size_t k = 10; k <= 229; ++k) {
+    // All in double, and one rounding at the end.
+    const double re = static_cast<double>(real[k]);
+    const double im = static_cast<double>(imaginary[k]);
+    magnitudes[k - 10] = static_cast<float>(std::sqrt(re * re + im * im) * static_cast<double>(k));
+  }
+  return magnitudes;
+}
+
+std::array<float, 5> FrameBands(std::span<const std::int16_t> frame, FrameBuffers& buffers) {
+  const std::array<float, 220> magnitudes = FrameMagnitudes(frame, buffers);
   std::array<float, 5> bands{};
   for (std::size_t k = 0; k <= 229; ++k) {
-    float value = 0.0F;
-    if (k > 9) {
-      // All in double, and one rounding at the end.
-      const double re = static_cast<double>(real[k]);
-      const double im = static_cast<double>(imaginary[k]);
-      value = static_cast<float>(std::sqrt(re * re + im * im) * static_cast<double>(k));
-    }
-    bands[k / 46] += value;  // In float.
+    bands[k / 46] += k > 9 ? magnitudes[k - 10] : 0.0F;  // In float.
   }
   return bands;
+}
+
+std::array<float, 5> FrameBands(std::span<const std::int16_t> frame) {
+  FrameBuffers buffers;
+  return FrameBands(frame, buffers);
 }
 
 void SubtractMinima(Template& computed) {

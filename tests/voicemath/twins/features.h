@@ -15,7 +15,20 @@ struct Template {
   std::vector<float> values;
 };
 
+/// What the transform of a frame works on. Whoever transforms many keeps one for all of them.
+struct FrameBuffers {
+  std::vector<float> real = std::vector<float>(1024);
+  std::vector<float> imaginary = std::vector<float>(1024);
+};
+
+/// The bins 10 to 229 of the transform of one frame of 1,024 samples, each as its magnitude times
+/// its number.
+[[nodiscard]] std::array<float, 220> FrameMagnitudes(std::span<const std::int16_t> frame,
+                                                     FrameBuffers& buffers);
+
 /// The five bands of one frame of 1,024 samples.
+[[nodiscard]] std::array<float, 5> FrameBands(std::span<const std::int16_t> frame,
+                                              FrameBuffers& buffers);
 [[nodiscard]] std::array<float, 5> FrameBands(std::span<const std::int16_t> frame);
 
 /// Subtracts from each band its minimum over all frames.
