@@ -20,6 +20,7 @@
 #include "platform/headless/headless_ui.h"
 #include "platform/headless/memory_registry.h"
 #include "platform/text/utf.h"
+#include "storage/folders.h"
 #include "storage/registry_file.h"
 #include "storage/registry_keys.h"
 #include "storage/tag_store.h"
@@ -65,6 +66,7 @@ struct CheckedFinding {
   std::string description;
   std::string listText;  ///< Of the tag; empty where it is not known.
   bool isRepaired = false;
+  std::string reason;  ///< Why it could not be repaired; empty where nobody tried.
 };
 
 std::uint32_t CountTags(platform::Registry& registry) {
@@ -97,14 +99,15 @@ std::vector<CheckedFinding> FindProblems(Session& session, const platform::Platf
                         fmt::format("{}: {}", Describe(StoreProblem::kContactsAway),
                                     ExplainContactsProblem(session)),
                         "",
-                        false});
+                        false,
+                        ""});
   }
   const bool isOpen = hasTags && !isAway;
   const ContactsState contacts = isOpen ? ContactsState::kOpen : ContactsState::kAway;
   for (StoreFinding& finding : CheckStore(platform, contacts)) {
     std::string listText = isOpen ? ReadListText(platform, finding.tag) : "";
     findings.push_back(
-        {finding, std::string(Describe(finding.problem)), std::move(listText), false});
+        {finding, std::string(Describe(finding.problem)), std::move(listText), false, ""});
   }
   platform.contacts.Logoff();
   return findings;
@@ -118,6 +121,9 @@ void PrintFindingsAsJson(const std::vector<CheckedFinding>& findings, std::uint3
                     {"listText", checked.listText},
                     {"text", checked.description},
                     {"repaired", checked.isRepaired}});
+    if (!checked.reason.empty()) {
+      list.back()["reason"] = checked.reason;
+    }
   }
   PrintJson({{"tags", tagCount}, {"findings", list}});
 }
@@ -133,8 +139,9 @@ void PrintFindings(Session& session, const std::vector<CheckedFinding>& findings
     if (!checked.listText.empty()) {
       tag += " (" + checked.listText + ")";
     }
-    PrintLine(fmt::format("{}{}{} [{}]{}", tag, tag.empty() ? "" : ": ", checked.description,
-                          ToWord(checked.finding.problem), checked.isRepaired ? " repaired" : ""));
+    PrintLine(fmt::format("{}{}{} [{}]{}{}{}", tag, tag.empty() ? "" : ": ", checked.description,
+                          ToWord(checked.finding.problem), checked.isRepaired ? " repaired" : "",
+                          checked.reason.empty() ? "" : " not repaired: ", checked.reason));
   }
   if (findings.empty()) {
     PrintLine(tagCount > 0 ? "All voice tags are as they should be."
@@ -144,9 +151,17 @@ void PrintFindings(Session& session, const std::vector<CheckedFinding>& findings
 }
 
 void Repair(const platform::Platform& platform, std::vector<CheckedFinding>& findings) {
+  if (CountTags(platform.registry) > 0) {
+    // What fails here each template that needs it tells.
+    storage::CreateInstallFolders(platform.files);
+    storage::CreateDataFolders(platform.files);
+  }
   for (CheckedFinding& checked : findings) {
-    checked.isRepaired = IsRepairable(checked.finding.problem) &&
-                         maintenance::RepairTemplate(platform, checked.finding.tag);
+    if (IsRepairable(checked.finding.problem)) {
+      const auto result = maintenance::RepairTemplate(platform, checked.finding.tag);
+      checked.isRepaired = result == maintenance::RepairResult::kDone;
+      checked.reason = Describe(result);
+    }
   }
 }
 
@@ -190,7 +205,8 @@ void CheckTags(Session& session, bool isRepair) {
          fmt::format("{}: {}: {}", Describe(StoreProblem::kRegistryUnreadable),
                      session.GetRegistryPath().native(), storage::ExplainRegistryError(unread)),
          "",
-         false});
+         false,
+         ""});
   }
   if (isRepair) {
     Repair(platform, findings);

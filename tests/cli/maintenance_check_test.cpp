@@ -71,6 +71,34 @@ TEST_F(CheckCommand, RepairMakesMissingAndTornTemplatesAndNothingElse) {
   EXPECT_TRUE(fs::exists(Template("300")));
 }
 
+TEST_F(CheckCommand, RepairMakesAFolderThatIsGoneWithItsTemplates) {
+  PutThreeTags();
+  const auto good = GetFiles();
+  fs::remove_all(Folder("Voxtrel_stor"));
+  EXPECT_THAT(Run({"tags", "test"}).err, HasSubstr("run this command, which"));
+  EXPECT_EQ(Check({}, 1), (Lines{"no-template 100", "no-template 200", "no-template 300"}));
+  EXPECT_FALSE(fs::exists(Folder("Voxtrel_stor")));
+  EXPECT_EQ(Check({"--repair"}, 0),
+            (Lines{"no-template 100!", "no-template 200!", "no-template 300!"}));
+  EXPECT_TRUE(GetFiles() == good);
+  EXPECT_EQ(Run({"tags", "test"}).exitCode, 0);
+}
+
+TEST_F(CheckCommand, ARepairThatFailsTellsTheReason) {
+  PutThreeTags();
+  fs::remove_all(Folder("Voxtrel_stor"));
+  std::ofstream(Folder("Voxtrel_stor")) << "A file in its place.";
+  const json result = RunJson({"check", "--repair"}, 1);
+  ASSERT_EQ(result["findings"].size(), 3U);
+  EXPECT_EQ(result["findings"][1]["repaired"], false);
+  EXPECT_EQ(result["findings"][1]["reason"],
+            "the folder Voxtrel_stor is missing and cannot be made");
+  EXPECT_THAT(Run({"check", "--repair"}).out,
+              HasSubstr("[no-template] not repaired: the folder Voxtrel_stor is missing and cannot "
+                        "be made\n"));
+  EXPECT_FALSE(RunJson({"check"}, 1)["findings"][1].contains("reason")) << "Nobody tried.";
+}
+
 TEST_F(CheckCommand, ContactsThatAreAwayMakeNobodyGoneAndAreToldWithTheReason) {
   PutThreeTags();
   fs::remove(Path("all.vcf"));
