@@ -49,16 +49,21 @@ RegistryError CopyRegistry(platform::Registry& from, platform::Registry& to) {
 }
 
 /// Has the session go on with a copy of its settings, since logging on to contacts notes those that
-/// are new, and which ones were asked for. Settings that do not exist are not made.
-RegistryError UseCopyOfRegistry(Session& session) {
+/// are new, and which ones were asked for. Settings that do not exist are not made. Returns why
+/// they cannot be read; empty where they can.
+std::string UseCopyOfRegistry(Session& session) {
   auto copy = std::make_unique<headless::MemoryRegistry>();
   std::error_code ignored;
-  RegistryError error = RegistryError::kNone;
+  std::string reason;
   if (std::filesystem::exists(session.GetRegistryPath(), ignored)) {
-    error = CopyRegistry(session.GetRegistry(), *copy);
+    const RegistryError error = CopyRegistry(session.GetRegistry(), *copy);
+    if (error != RegistryError::kNone) {
+      const std::string key = session.FindUnusableKey();
+      reason = key.empty() ? storage::ExplainRegistryError(error) : key;
+    }
   }
   session.UseRegistry(std::move(copy));
-  return error;
+  return reason;
 }
 
 struct CheckedFinding {
@@ -190,23 +195,22 @@ void CheckTags(Session& session, bool isRepair) {
   if (!page) {
     return;
   }
-  const RegistryError unread = UseCopyOfRegistry(session);
+  const std::string unread = UseCopyOfRegistry(session);
   const platform::Platform own = session.GetPlatform();
   headless::HeadlessUi silent;
   const platform::Platform platform{own.files, own.waveIn,   own.clock,    own.threads, own.process,
                                     silent,    own.registry, own.contacts, own.waveOut, own.shell};
   std::vector<CheckedFinding> findings;
-  if (unread == RegistryError::kNone) {
+  if (unread.empty()) {
     findings = FindProblems(session, platform);
   } else {
     // Nobody can tell which tags there are, nor which files belong to one.
-    findings.push_back(
-        {{StoreProblem::kRegistryUnreadable, {}},
-         fmt::format("{}: {}: {}", Describe(StoreProblem::kRegistryUnreadable),
-                     session.GetRegistryPath().native(), storage::ExplainRegistryError(unread)),
-         "",
-         false,
-         ""});
+    findings.push_back({{StoreProblem::kRegistryUnreadable, {}},
+                        fmt::format("{}: {}: {}", Describe(StoreProblem::kRegistryUnreadable),
+                                    session.GetRegistryPath().native(), unread),
+                        "",
+                        false,
+                        ""});
   }
   if (isRepair) {
     Repair(platform, findings);

@@ -113,7 +113,8 @@ void Export(Session& session, const std::string& name) {
   Bytes file;
   const platform::RegistryError error = storage::WriteRegistryFile(session.GetRegistry(), file);
   if (error != platform::RegistryError::kNone) {
-    TellStoreError(session, storage::ExplainRegistryError(error));
+    const std::string key = session.FindUnusableKey();
+    TellStoreError(session, key.empty() ? storage::ExplainRegistryError(error) : key);
   } else if (!(name.empty() ? WriteStandardOutput(file) : WriteFile(session, name, file))) {
     session.Fail(fmt::format("{}: it cannot be written", name.empty() ? "standard output" : name));
   } else {

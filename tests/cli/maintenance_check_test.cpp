@@ -5,6 +5,7 @@
 #include "platform/posix/posix_threads.h"
 #include "storage/device_paths.h"
 #include "tests/cli/maintenance_fixture.h"
+#include "tests/sqlite/raw_database.h"
 
 namespace {
 
@@ -192,6 +193,28 @@ TEST_F(CheckCommand, SettingsThatCannotBeReadAreToldWithTheReason) {
   EXPECT_EQ(Check({}, 1), Lines{"registry-unreadable "});
   EXPECT_THAT(Run({"check"}).out, HasSubstr("damaged"));
   EXPECT_EQ(fs::file_size(store), 5000U);
+}
+
+TEST_F(CheckCommand, AKeyThatAnotherProgramNamedBadlyIsNamedByEveryCommandThatItHinders) {
+  PutThreeTags();
+  const fs::path store = fs::path(Path("root")) / sqlite::kDatabaseName;
+  ASSERT_EQ(
+      support::RawDatabase(store).Execute(
+          "INSERT INTO registry_key (parent_id, name, folded_name) SELECT parent_id, 'two' || "
+          "char(10) || 'lines', 'x' FROM registry_key WHERE name = '100'"),
+      0);
+  constexpr const char* kNamed = R"(cannot be used: Software\Zedra\Zedra Voxtrel\two\nlines)";
+  for (const std::vector<std::string>& command :
+       std::vector<std::vector<std::string>>{{"check"},
+                                             {"tags", "list"},
+                                             {"registry", "export", Path("a.reg")},
+                                             {"contacts", "list"},
+                                             {"status"}}) {
+    const auto run = Run(command);
+    EXPECT_THAT(run.out + run.err, HasSubstr(kNamed)) << command.front();
+    EXPECT_THAT(run.out + run.err, HasSubstr(store.native())) << command.front();
+  }
+  EXPECT_EQ(Check({}, 1), Lines{"registry-unreadable "});
 }
 
 }  // namespace
