@@ -19,6 +19,7 @@
 #include "maintenance/template_repair.h"
 #include "platform/headless/headless_ui.h"
 #include "platform/headless/memory_registry.h"
+#include "platform/posix/posix_threads.h"
 #include "platform/text/utf.h"
 #include "storage/folders.h"
 #include "storage/registry_file.h"
@@ -170,19 +171,36 @@ void Repair(const platform::Platform& platform, std::vector<CheckedFinding>& fin
   }
 }
 
-/// Nobody else changes tags while the result is held. Nothing where somebody does; that is told.
-std::optional<platform::CreatedMutex> TakeTags(Session& session) {
-  platform::CreatedMutex page;
-  std::error_code ignored;
-  // A folder that does not exist is not made for it.
-  if (std::filesystem::is_directory(session.GetRegistryPath().parent_path(), ignored)) {
-    page = session.GetPlatform().threads.CreateNamedMutex(tags::kInstanceMutex);
+/// Keeps others from changing tags while they are looked at.
+class TagsHold {
+ public:
+  /// A look makes no mutex where nobody ever did; a repair does, but no folder for it.
+  TagsHold(Session& session, bool isRepair) : m_folder(session.GetRegistryPath().parent_path()) {
+    std::error_code ignored;
+    m_isMade = std::filesystem::is_directory(m_folder, ignored) && (isRepair || WasMade());
+    if (m_isMade) {
+      m_mutex = session.GetPlatform().threads.CreateNamedMutex(tags::kInstanceMutex);
+    }
   }
-  if (page.existed) {
+
+  /// Whether somebody else has the tags, or has come since.
+  [[nodiscard]] bool IsBroken() const { return m_mutex.existed || (!m_isMade && WasMade()); }
+
+ private:
+  [[nodiscard]] bool WasMade() const {
+    return posix::PosixThreads::WasNamedMutexMade(m_folder.native(), tags::kInstanceMutex);
+  }
+
+  std::filesystem::path m_folder;
+  bool m_isMade = false;
+  platform::CreatedMutex m_mutex;
+};
+
+bool IsBroken(Session& session, const TagsHold& hold) {
+  if (hold.IsBroken()) {
     session.Fail("the tags are in use by another Voxtrel; close it and try again");
-    return std::nullopt;
   }
-  return page;
+  return hold.IsBroken();
 }
 
 }  // namespace
@@ -191,8 +209,8 @@ void CheckTags(Session& session, bool isRepair) {
   if (!session.RequireRoot()) {
     return;
   }
-  const auto page = TakeTags(session);
-  if (!page) {
+  const TagsHold hold(session, isRepair);
+  if (IsBroken(session, hold)) {
     return;
   }
   const std::string unread = UseCopyOfRegistry(session);
@@ -214,6 +232,9 @@ void CheckTags(Session& session, bool isRepair) {
   }
   if (isRepair) {
     Repair(platform, findings);
+  }
+  if (IsBroken(session, hold)) {
+    return;
   }
   PrintFindings(session, findings, CountTags(platform.registry));
   const auto left = std::ranges::count(findings, false, &CheckedFinding::isRepaired);

@@ -144,6 +144,16 @@ TEST_F(CheckCommand, LeavesTheSettingsAsTheyAre) {
       << "Else the new card were none.";
 }
 
+TEST_F(CheckCommand, MakesNoFileInTheRoot) {
+  PutThreeTags();
+  const fs::path lock = fs::path(Path("root")) / ".ZedraD.lock";
+  ASSERT_FALSE(fs::exists(lock)) << "No page was open yet.";
+  EXPECT_EQ(Check({}, 0), Lines());
+  EXPECT_FALSE(fs::exists(lock));
+  EXPECT_EQ(Check({"--repair"}, 0), Lines());
+  EXPECT_TRUE(fs::exists(lock)) << "What may change tags keeps others away.";
+}
+
 TEST_F(CheckCommand, ReadsRecordingsThatOthersReadAndThatTakeNoWrites) {
   PutThreeTags();
   fs::permissions(Wave("100"), fs::perms::owner_read);
