@@ -7,22 +7,45 @@
 #include "voicemath/voice_mathematics.h"
 
 namespace maintenance {
+namespace {
 
-bool RepairTemplate(const platform::Platform& platform, std::u16string_view tagName) {
+bool HasTemplateFolder(platform::FileSystem& files) {
+  const platform::StartedSearch found = files.FindFirst(storage::kTemplateFolder);
+  return found.search != nullptr && found.first.isFolder;
+}
+
+}  // namespace
+
+std::string_view Describe(RepairResult result) {
+  switch (result) {
+    case RepairResult::kNoRecording:
+      return "the recording is missing or cannot be processed";
+    case RepairResult::kNoFolder:
+      return "the folder Voxtrel_stor is missing and cannot be made";
+    case RepairResult::kNotWritten:
+      return "the template cannot be written; there is no room on the device, another program has "
+             "the file open, or it may not be written";
+    case RepairResult::kDone:
+      break;
+  }
+  return {};
+}
+
+RepairResult RepairTemplate(const platform::Platform& platform, std::u16string_view tagName) {
   voicemath::CVoiceMathematics mathematics(platform.files, platform.ui);
   mathematics.m_wavePath = storage::WavePath(tagName);
   // Not LearnFile, which would trim the recording.
   if (mathematics.ReadFile(0) != voicemath::kLearned) {
-    return false;
+    return RepairResult::kNoRecording;
   }
   const std::u16string path = storage::TemplatePath(tagName);
   static_cast<void>(platform.files.Delete(path));
   if (voicemath::WriteTemplateFile(platform.files, path, mathematics) !=
       voicemath::TemplateFileResult::kDone) {
     static_cast<void>(platform.files.Delete(path));
-    return false;
+    return HasTemplateFolder(platform.files) ? RepairResult::kNotWritten : RepairResult::kNoFolder;
   }
-  return true;
+  return RepairResult::kDone;
 }
 
 }  // namespace maintenance

@@ -159,9 +159,10 @@ inline constexpr std::u16string_view kTagsWithoutName =
 inline constexpr std::u16string_view kOpenAgain = u"Close Zedra Voxtrel and open it again.";
 /// The tag whose template could not be written stands before it.
 inline constexpr std::u16string_view kReinitStopped =
-    u"This voice tag and those after it were not computed anew. There is no room on the device, or "
-    u"another program has the file open. Make room or close that program, close this window, and "
-    u"run this command: voxtrel reinit --force";
+    u"This voice tag and those after it were not computed anew. There is no room on the device, "
+    u"another program has the file open, or the folder Voxtrel_stor is missing. Make room or close "
+    u"that program, close this window, and run this command: voxtrel reinit --force. Where the "
+    u"folder is missing, run this one first, which makes it: voxtrel check --repair";
 /// The two lines of the waiting window once nothing is waited for any more.
 inline constexpr std::u16string_view kReinitGaveUp = u"The work has stopped.";
 inline constexpr std::u16string_view kReinitMayClose = u"Press Escape to close.";

@@ -146,9 +146,12 @@ void OpenSheet(Session& session) {
   if (!HasScreen()) {
     session.Fail(
         "there is no screen here; see `voxtrel connection show` and `voxtrel connection set`");
-  } else if (PreparePorts(session) &&
-             !RunConnectionWindow(session.GetRegistryPath().parent_path())) {
+  } else if (!PreparePorts(session)) {
+    return;
+  } else if (!RunConnectionWindow(session.GetRegistryPath().parent_path())) {
     session.Fail("the window could not be shown; see `voxtrel connection show` and `set`");
+  } else if (session.GetOptions().json) {
+    PrintJson({{"result", 0}});
   }
 }
 

@@ -73,6 +73,12 @@ void ListContacts(Session& session) {
   }
 }
 
+std::string ExplainStoreProblem(Session& session) {
+  const std::string key = session.FindUnusableKey();
+  return fmt::format("the settings in {} cannot be read or written{}{}",
+                     session.GetRegistryPath().string(), key.empty() ? "" : ": ", key);
+}
+
 }  // namespace
 
 std::string ExplainContactsProblem(Session& session) {
@@ -80,8 +86,7 @@ std::string ExplainContactsProblem(Session& session) {
   const std::string because = reason.empty() ? std::string() : " (" + reason + ")";
   switch (session.GetContacts().GetProblem()) {
     case Problem::kStore:
-      return fmt::format("the settings in {} cannot be read or written",
-                         session.GetRegistryPath().string());
+      return ExplainStoreProblem(session);
     case Problem::kNoServer:
       return fmt::format(
           "the desktop's address books do not answer{}; choose a vCard file with --contacts FILE",

@@ -19,7 +19,9 @@
 #include "maintenance/template_repair.h"
 #include "platform/headless/headless_ui.h"
 #include "platform/headless/memory_registry.h"
+#include "platform/posix/posix_threads.h"
 #include "platform/text/utf.h"
+#include "storage/folders.h"
 #include "storage/registry_file.h"
 #include "storage/registry_keys.h"
 #include "storage/tag_store.h"
@@ -48,16 +50,21 @@ RegistryError CopyRegistry(platform::Registry& from, platform::Registry& to) {
 }
 
 /// Has the session go on with a copy of its settings, since logging on to contacts notes those that
-/// are new, and which ones were asked for. Settings that do not exist are not made.
-RegistryError UseCopyOfRegistry(Session& session) {
+/// are new, and which ones were asked for. Settings that do not exist are not made. Returns why
+/// they cannot be read; empty where they can.
+std::string UseCopyOfRegistry(Session& session) {
   auto copy = std::make_unique<headless::MemoryRegistry>();
   std::error_code ignored;
-  RegistryError error = RegistryError::kNone;
+  std::string reason;
   if (std::filesystem::exists(session.GetRegistryPath(), ignored)) {
-    error = CopyRegistry(session.GetRegistry(), *copy);
+    const RegistryError error = CopyRegistry(session.GetRegistry(), *copy);
+    if (error != RegistryError::kNone) {
+      const std::string key = session.FindUnusableKey();
+      reason = key.empty() ? storage::ExplainRegistryError(error) : key;
+    }
   }
   session.UseRegistry(std::move(copy));
-  return error;
+  return reason;
 }
 
 struct CheckedFinding {
@@ -65,6 +72,7 @@ struct CheckedFinding {
   std::string description;
   std::string listText;  ///< Of the tag; empty where it is not known.
   bool isRepaired = false;
+  std::string reason;  ///< Why it could not be repaired; empty where nobody tried.
 };
 
 std::uint32_t CountTags(platform::Registry& registry) {
@@ -97,14 +105,15 @@ std::vector<CheckedFinding> FindProblems(Session& session, const platform::Platf
                         fmt::format("{}: {}", Describe(StoreProblem::kContactsAway),
                                     ExplainContactsProblem(session)),
                         "",
-                        false});
+                        false,
+                        ""});
   }
   const bool isOpen = hasTags && !isAway;
   const ContactsState contacts = isOpen ? ContactsState::kOpen : ContactsState::kAway;
   for (StoreFinding& finding : CheckStore(platform, contacts)) {
     std::string listText = isOpen ? ReadListText(platform, finding.tag) : "";
     findings.push_back(
-        {finding, std::string(Describe(finding.problem)), std::move(listText), false});
+        {finding, std::string(Describe(finding.problem)), std::move(listText), false, ""});
   }
   platform.contacts.Logoff();
   return findings;
@@ -118,6 +127,9 @@ void PrintFindingsAsJson(const std::vector<CheckedFinding>& findings, std::uint3
                     {"listText", checked.listText},
                     {"text", checked.description},
                     {"repaired", checked.isRepaired}});
+    if (!checked.reason.empty()) {
+      list.back()["reason"] = checked.reason;
+    }
   }
   PrintJson({{"tags", tagCount}, {"findings", list}});
 }
@@ -133,8 +145,9 @@ void PrintFindings(Session& session, const std::vector<CheckedFinding>& findings
     if (!checked.listText.empty()) {
       tag += " (" + checked.listText + ")";
     }
-    PrintLine(fmt::format("{}{}{} [{}]{}", tag, tag.empty() ? "" : ": ", checked.description,
-                          ToWord(checked.finding.problem), checked.isRepaired ? " repaired" : ""));
+    PrintLine(fmt::format("{}{}{} [{}]{}{}{}", tag, tag.empty() ? "" : ": ", checked.description,
+                          ToWord(checked.finding.problem), checked.isRepaired ? " repaired" : "",
+                          checked.reason.empty() ? "" : " not repaired: ", checked.reason));
   }
   if (findings.empty()) {
     PrintLine(tagCount > 0 ? "All voice tags are as they should be."
@@ -144,25 +157,50 @@ void PrintFindings(Session& session, const std::vector<CheckedFinding>& findings
 }
 
 void Repair(const platform::Platform& platform, std::vector<CheckedFinding>& findings) {
+  if (CountTags(platform.registry) > 0) {
+    // What fails here each template that needs it tells.
+    storage::CreateInstallFolders(platform.files);
+    storage::CreateDataFolders(platform.files);
+  }
   for (CheckedFinding& checked : findings) {
-    checked.isRepaired = IsRepairable(checked.finding.problem) &&
-                         maintenance::RepairTemplate(platform, checked.finding.tag);
+    if (IsRepairable(checked.finding.problem)) {
+      const auto result = maintenance::RepairTemplate(platform, checked.finding.tag);
+      checked.isRepaired = result == maintenance::RepairResult::kDone;
+      checked.reason = Describe(result);
+    }
   }
 }
 
-/// Nobody else changes tags while the result is held. Nothing where somebody does; that is told.
-std::optional<platform::CreatedMutex> TakeTags(Session& session) {
-  platform::CreatedMutex page;
-  std::error_code ignored;
-  // A folder that does not exist is not made for it.
-  if (std::filesystem::is_directory(session.GetRegistryPath().parent_path(), ignored)) {
-    page = session.GetPlatform().threads.CreateNamedMutex(tags::kInstanceMutex);
+/// Keeps others from changing tags while they are looked at.
+class TagsHold {
+ public:
+  /// A look makes no mutex where nobody ever did; a repair does, but no folder for it.
+  TagsHold(Session& session, bool isRepair) : m_folder(session.GetRegistryPath().parent_path()) {
+    std::error_code ignored;
+    m_isMade = std::filesystem::is_directory(m_folder, ignored) && (isRepair || WasMade());
+    if (m_isMade) {
+      m_mutex = session.GetPlatform().threads.CreateNamedMutex(tags::kInstanceMutex);
+    }
   }
-  if (page.existed) {
+
+  /// Whether somebody else has the tags, or has come since.
+  [[nodiscard]] bool IsBroken() const { return m_mutex.existed || (!m_isMade && WasMade()); }
+
+ private:
+  [[nodiscard]] bool WasMade() const {
+    return posix::PosixThreads::WasNamedMutexMade(m_folder.native(), tags::kInstanceMutex);
+  }
+
+  std::filesystem::path m_folder;
+  bool m_isMade = false;
+  platform::CreatedMutex m_mutex;
+};
+
+bool IsBroken(Session& session, const TagsHold& hold) {
+  if (hold.IsBroken()) {
     session.Fail("the tags are in use by another Voxtrel; close it and try again");
-    return std::nullopt;
   }
-  return page;
+  return hold.IsBroken();
 }
 
 }  // namespace
@@ -171,29 +209,32 @@ void CheckTags(Session& session, bool isRepair) {
   if (!session.RequireRoot()) {
     return;
   }
-  const auto page = TakeTags(session);
-  if (!page) {
+  const TagsHold hold(session, isRepair);
+  if (IsBroken(session, hold)) {
     return;
   }
-  const RegistryError unread = UseCopyOfRegistry(session);
+  const std::string unread = UseCopyOfRegistry(session);
   const platform::Platform own = session.GetPlatform();
   headless::HeadlessUi silent;
   const platform::Platform platform{own.files, own.waveIn,   own.clock,    own.threads, own.process,
                                     silent,    own.registry, own.contacts, own.waveOut, own.shell};
   std::vector<CheckedFinding> findings;
-  if (unread == RegistryError::kNone) {
+  if (unread.empty()) {
     findings = FindProblems(session, platform);
   } else {
     // Nobody can tell which tags there are, nor which files belong to one.
-    findings.push_back(
-        {{StoreProblem::kRegistryUnreadable, {}},
-         fmt::format("{}: {}: {}", Describe(StoreProblem::kRegistryUnreadable),
-                     session.GetRegistryPath().native(), storage::ExplainRegistryError(unread)),
-         "",
-         false});
+    findings.push_back({{StoreProblem::kRegistryUnreadable, {}},
+                        fmt::format("{}: {}: {}", Describe(StoreProblem::kRegistryUnreadable),
+                                    session.GetRegistryPath().native(), unread),
+                        "",
+                        false,
+                        ""});
   }
   if (isRepair) {
     Repair(platform, findings);
+  }
+  if (IsBroken(session, hold)) {
+    return;
   }
   PrintFindings(session, findings, CountTags(platform.registry));
   const auto left = std::ranges::count(findings, false, &CheckedFinding::isRepaired);

@@ -88,6 +88,13 @@ void RunReinit(Session& session, PageRun& run, bool isForced, ReinitOutcome& out
   }
 }
 
+/// Of a page that computing anew ended, since it found no recording.
+void NoteEndedReinit(Session& session, const tags::Page_one& page, ReinitOutcome& outcome) {
+  outcome.hasRun = true;
+  outcome.tags = page.GetTags().tagCount;
+  CountRecordings(session.GetPlatform(), page.GetTags(), outcome);
+}
+
 /// Those that have no recording any more cannot have been computed anew.
 void TellTagsWithoutRecording(Session& session, const ReinitOutcome& outcome) {
   std::string names;
@@ -129,7 +136,9 @@ void PrintReinit(Session& session, const ReinitOutcome& outcome) {
 
 void Reinit(Session& session, bool isForced) {
   ReinitOutcome outcome;
-  RunPage(session, [&](PageRun& run) { RunReinit(session, run, isForced, outcome); });
+  RunPage(
+      session, [&](PageRun& run) { RunReinit(session, run, isForced, outcome); },
+      [&](const tags::Page_one& page) { NoteEndedReinit(session, page, outcome); });
   TellTagsWithoutRecording(session, outcome);
   PrintReinit(session, outcome);
 }

@@ -13,11 +13,13 @@ using Json = nlohmann::ordered_json;
 void ReserveStandardStreams();
 
 /// One JSON object, one line on standard output. A fraction has nine significant digits, which tell
-/// every float from its neighbours; what is no finite number is null.
+/// every float from its neighbours; what is no finite number is null, and bytes that are not UTF-8
+/// are U+FFFD.
 void PrintJson(const Json& json);
 
-/// A line on standard output or standard error. Where that takes nothing more the line is lost;
-/// for standard output FlushOutput tells.
+/// A line on standard output or standard error, with control characters as blanks, since it may
+/// hold names that others chose. Where that takes nothing more the line is lost; for standard
+/// output FlushOutput tells.
 void PrintLine(std::string_view line);
 void PrintErrorLine(std::string_view line);
 

@@ -15,7 +15,8 @@ language::Texts LoadTexts(Session& session) {
   return language::LoadTexts(session.GetFiles(), storage::kLanguageFile, session.GetClock());
 }
 
-void RunPage(Session& session, const std::function<void(PageRun&)>& use) {
+void RunPage(Session& session, const std::function<void(PageRun&)>& use,
+             const std::function<void(const tags::Page_one&)>& useEnded) {
   if (!session.RequireRoot()) {
     return;
   }
@@ -34,8 +35,10 @@ void RunPage(Session& session, const std::function<void(PageRun&)>& use) {
     if (session.HasEnded()) {
       if (!page.IsOnlyInstance()) {
         session.Fail("the tags are in use by another Voxtrel; close it and try again");
+      } else if (*wasReinitialized && useEnded) {
+        useEnded(page);
       }
-      return;  // Else a message has told why.
+      return;
     }
     if (!page.IsSetUp()) {
       session.Fail(ExplainContactsProblem(session));

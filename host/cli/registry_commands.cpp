@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -44,24 +45,45 @@ std::optional<Bytes> ReadRegistryFile(Session& session, const std::string& name)
   return bytes;
 }
 
+struct NewFile {
+  std::u16string path;
+  std::unique_ptr<platform::File> file;  ///< Null where none could be made.
+};
+
+/// Makes an empty file beside `path`. Its name is this program's own and does not grow with the
+/// user's, which may be as long as names can be. What an export that was killed left under it goes;
+/// a name that another export holds is passed over.
+NewFile MakeFileBeside(platform::FileSystem& files, const std::u16string& path) {
+  constexpr char16_t kFirst = u'1';
+  constexpr char16_t kLast = u'9';
+  const platform::OpenMode mode{platform::FileAccess::kWrite, platform::FileShare::kNone,
+                                platform::FileCreation::kOpenAlways};
+  for (char16_t number = kFirst; number <= kLast; ++number) {
+    std::u16string newPath = path.substr(0, path.rfind(u'/') + 1) + u".voxtrel-export-" + number;
+    static_cast<void>(files.Delete(newPath));
+    platform::OpenedFile opened = files.Open(newPath, mode);
+    if (opened.file && opened.file->GetLength() == 0) {
+      return {std::move(newPath), std::move(opened.file)};
+    }
+  }
+  return {};
+}
+
 /// Writes a new file first, so that a disk that fills up costs no earlier export.
 bool WriteRegistryFile(Session& session, const std::string& name, const Bytes& bytes) {
   platform::FileSystem& files = session.GetFiles();
   const std::u16string path = Session::ToSystemPath(name);
-  const std::u16string newPath = path + u".new";
-  const platform::OpenMode mode{platform::FileAccess::kWrite, platform::FileShare::kNone,
-                                platform::FileCreation::kCreateAlways};
-  const platform::OpenedFile opened = files.Open(newPath, mode);
-  if (!opened.file) {
+  const NewFile made = MakeFileBeside(files, path);
+  if (!made.file) {
     return false;
   }
   const bool isWritten =
-      opened.file->Write(bytes) == FileError::kNone && opened.file->Flush() == FileError::kNone;
-  const bool isClosed = opened.file->Close() == FileError::kNone;
-  if (isWritten && isClosed && files.Replace(newPath, path) == FileError::kNone) {
+      made.file->Write(bytes) == FileError::kNone && made.file->Flush() == FileError::kNone;
+  const bool isClosed = made.file->Close() == FileError::kNone;
+  if (isWritten && isClosed && files.Replace(made.path, path) == FileError::kNone) {
     return true;
   }
-  [[maybe_unused]] const FileError left = files.Delete(newPath);
+  [[maybe_unused]] const FileError left = files.Delete(made.path);
   return false;
 }
 
@@ -70,20 +92,33 @@ bool WriteStandardOutput(const Bytes& bytes) {
          std::fflush(stdout) == 0;
 }
 
+void PrintDone(Session& session) {
+  if (session.GetOptions().json) {
+    PrintJson({{"result", 0}});
+  }
+}
+
 void TellStoreError(Session& session, const std::string& message) {
   session.Fail(fmt::format("{}: {}", session.GetRegistryPath().native(), message));
 }
 
 void Export(Session& session, const std::string& name) {
+  if (name.empty() && session.GetOptions().json) {
+    throw CLI::ValidationError(
+        "export", "--json needs a file to export to, since both would go to standard output");
+  }
   if (!session.RequireRoot()) {
     return;
   }
   Bytes file;
   const platform::RegistryError error = storage::WriteRegistryFile(session.GetRegistry(), file);
   if (error != platform::RegistryError::kNone) {
-    TellStoreError(session, storage::ExplainRegistryError(error));
+    const std::string key = session.FindUnusableKey();
+    TellStoreError(session, key.empty() ? storage::ExplainRegistryError(error) : key);
   } else if (!(name.empty() ? WriteStandardOutput(file) : WriteRegistryFile(session, name, file))) {
     session.Fail(fmt::format("{}: it cannot be written", name.empty() ? "standard output" : name));
+  } else {
+    PrintDone(session);
   }
 }
 
@@ -105,6 +140,8 @@ void Import(Session& session, const std::string& name) {
   if (const auto error = storage::ApplyRegistryChanges(session.GetRegistry(), changes)) {
     // A file that was read to its end is right; what hinders its changes is the store.
     TellStoreError(session, error->message);
+  } else {
+    PrintDone(session);
   }
 }
 

@@ -9,6 +9,7 @@
 #include "host/cli/output.h"
 #include "platform/text/utf.h"
 #include "resources/strings.h"
+#include "storage/unusable_key.h"
 
 namespace cli {
 namespace {
@@ -115,6 +116,11 @@ platform::Registry& Session::GetRegistry() {
   // Where that fails the registry itself tells that it cannot be reached.
   m_backends.MakeRoot();
   return m_backends.GetRegistry();
+}
+
+std::string Session::FindUnusableKey() {
+  const std::string key = storage::FindUnusableKey(GetRegistry());
+  return key.empty() ? key : "another program made a key with a name that cannot be used: " + key;
 }
 
 vcard::AddressBooks& Session::GetContacts() {

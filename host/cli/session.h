@@ -49,6 +49,10 @@ class Session {
     return m_backends.GetRegistryPath();
   }
 
+  /// A sentence about the key that keeps the settings from being read by its name; empty where
+  /// there is none.
+  [[nodiscard]] std::string FindUnusableKey();
+
   /// Has settings changed in `registry` only, which holds what the real one held.
   /// Platforms, registry and contacts asked for before are gone then.
   void UseRegistry(std::unique_ptr<platform::Registry> registry) {

@@ -42,7 +42,11 @@ void PrintTest(Session& session, const std::vector<std::u16string>& items,
   for (const maintenance::TestLine& line : dialog.GetLines()) {
     pairs.push_back(PairToJson(line));
   }
-  PrintJson({{"lines", lines}, {"pairs", pairs}, {"beyond", beyond}});
+  Json json{{"lines", lines}, {"pairs", pairs}};
+  if (beyond > 0) {
+    json["beyond"] = beyond;
+  }
+  PrintJson(json);
 }
 
 void Test(Session& session) {

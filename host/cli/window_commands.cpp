@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "host/cli/output.h"
 #include "platform/posix/foreground_program.h"
 
 namespace cli {
@@ -74,6 +75,8 @@ void RunWindow(Session& session, const std::vector<std::string>& arguments) {
     session.Fail(fmt::format("{} was ended by signal {}", kPanel, end->exitCode));
   } else if (end->exitCode != 0) {
     session.Fail(fmt::format("{} failed with exit code {}", kPanel, end->exitCode));
+  } else if (session.GetOptions().json) {
+    PrintJson({{"result", 0}});
   }
 }
 

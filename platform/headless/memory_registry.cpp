@@ -152,7 +152,9 @@ RegistryError MemoryRegistry::DeleteKey(std::u16string_view path) {
     return RegistryError::kNotFound;
   }
   names->pop_back();
-  std::erase(m_nodes.at(FindPath(*names)).subkeys, number);
+  Node& parent = m_nodes.at(FindPath(*names));
+  std::erase(parent.subkeys, number);
+  parent.subkeysByName.erase(m_nodes.at(number).foldedName);
   DeleteTree(number);
   return RegistryError::kNone;
 }
@@ -191,13 +193,9 @@ void MemoryRegistry::CancelGroup() {
   EndGroup();
 }
 
-MemoryRegistry::Number MemoryRegistry::FindSubkey(const Node& node,
-                                                  std::u16string_view name) const {
-  const std::u16string folded = text::FoldName(name);
-  const auto found = std::find_if(node.subkeys.begin(), node.subkeys.end(), [&](Number subkey) {
-    return m_nodes.at(subkey).foldedName == folded;
-  });
-  return found == node.subkeys.end() ? kNoKey : *found;
+MemoryRegistry::Number MemoryRegistry::FindSubkey(const Node& node, std::u16string_view name) {
+  const auto found = node.subkeysByName.find(text::FoldName(name));
+  return found == node.subkeysByName.end() ? kNoKey : found->second;
 }
 
 MemoryRegistry::Number MemoryRegistry::FindPath(const Names& names) const {
@@ -217,8 +215,11 @@ MemoryRegistry::Number MemoryRegistry::CreatePath(const Names& names) {
     Number next = FindSubkey(m_nodes.at(number), name);
     if (next == kNoKey) {
       next = ++m_lastNumber;
-      m_nodes.at(number).subkeys.push_back(next);
-      m_nodes[next] = {std::u16string(name), text::FoldName(name), {}, {}};
+      const std::u16string folded = text::FoldName(name);
+      Node& parent = m_nodes.at(number);
+      parent.subkeys.push_back(next);
+      parent.subkeysByName.emplace(folded, next);
+      m_nodes[next] = {std::u16string(name), folded, {}, {}, {}};
     }
     number = next;
   }

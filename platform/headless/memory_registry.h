@@ -45,12 +45,13 @@ class MemoryRegistry final : public platform::Registry {
     std::u16string name;
     std::u16string foldedName;
     std::vector<Number> subkeys;  ///< In the order in which they were made.
-    std::vector<Value> values;    ///< Likewise.
+    std::map<std::u16string, Number, std::less<>> subkeysByName;  ///< By their folded names.
+    std::vector<Value> values;                                    ///< As the subkeys.
   };
 
   using Names = std::vector<std::u16string_view>;
 
-  [[nodiscard]] Number FindSubkey(const Node& node, std::u16string_view name) const;
+  [[nodiscard]] static Number FindSubkey(const Node& node, std::u16string_view name);
   [[nodiscard]] Number FindPath(const Names& names) const;
   [[nodiscard]] Number CreatePath(const Names& names);
   void DeleteTree(Number number);

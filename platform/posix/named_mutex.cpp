@@ -32,12 +32,22 @@ int LockAtOnce(int file) {
   return result;
 }
 
+std::string PathOf(const std::string& lockFolder, std::u16string_view name) {
+  return lockFolder + "/." + text::ToHostName(name) + ".lock";
+}
+
 }  // namespace
+
+bool PosixThreads::WasNamedMutexMade(const std::string& lockFolder, std::u16string_view name) {
+  std::error_code error;
+  // Where it cannot be told, taking it has to tell.
+  return std::filesystem::exists(PathOf(lockFolder, name), error) || error;
+}
 
 platform::CreatedMutex PosixThreads::CreateNamedMutex(std::u16string_view name) {
   std::error_code ignored;
   std::filesystem::create_directories(m_lockFolder, ignored);
-  const std::string path = m_lockFolder + "/." + text::ToHostName(name) + ".lock";
+  const std::string path = PathOf(m_lockFolder, name);
   Descriptor file(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, kOwnerOnly));
   if (!file.IsOpen()) {
     return {};

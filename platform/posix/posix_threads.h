@@ -23,6 +23,11 @@ class PosixThreads final : public platform::Threads {
   [[nodiscard]] std::unique_ptr<platform::Event> CreateManualResetEvent() override;
   [[nodiscard]] platform::CreatedMutex CreateNamedMutex(std::u16string_view name) override;
 
+  /// Whether anybody ever made the mutex of that name: as long as not, nobody holds it. Makes
+  /// nothing.
+  [[nodiscard]] static bool WasNamedMutexMade(const std::string& lockFolder,
+                                              std::u16string_view name);
+
  private:
   const std::string m_lockFolder;
 };

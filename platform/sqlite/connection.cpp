@@ -119,6 +119,7 @@ RegistryError Connection::Commit() const {
 }
 
 void Connection::Rollback() const {
+  m_store.NoteUndone();  // Also where the library did it by itself.
   if (sqlite3_get_autocommit(m_database.get()) != 0) {
     return;
   }

@@ -18,11 +18,12 @@ class SqliteRegistry::Key final : public platform::RegistryKey {
       : m_registry(registry), m_key(key), m_group(std::move(group)) {}
 
   RegistryError EnumerateSubkey(std::uint32_t index, std::u16string& name) override {
-    return Perform([&](const Store& store) { return store.SubkeyAt(m_key, index, name); });
+    return Perform(
+        [&](const Store& store) { return store.SubkeyAt(m_key, index, m_subkey, name); });
   }
 
   RegistryError EnumerateValue(std::uint32_t index, std::u16string& name) override {
-    return Perform([&](const Store& store) { return store.ValueAt(m_key, index, name); });
+    return Perform([&](const Store& store) { return store.ValueAt(m_key, index, m_value, name); });
   }
 
   RegistryError Query(std::u16string_view valueName, RegistryValue& value) override {
@@ -55,6 +56,8 @@ class SqliteRegistry::Key final : public platform::RegistryKey {
 
   SqliteRegistry& m_registry;
   std::int64_t m_key;
+  Position m_subkey;  ///< As m_value, used behind the gate.
+  Position m_value;
   std::shared_ptr<const Group> m_group;  ///< Within which the key was opened, if any.
 };
 

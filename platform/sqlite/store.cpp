@@ -26,9 +26,15 @@ RegistryError Store::Prepare(sqlite3* database) {
       {m_insertKey, "INSERT INTO registry_key (parent_id, name, folded_name) VALUES (?, ?, ?)"},
       {m_deleteKey, "DELETE FROM registry_key WHERE id = ?"},
       {m_keyExists, "SELECT 1 FROM registry_key WHERE id = ?"},
-      {m_subkeyAt,
-       "SELECT name FROM registry_key WHERE parent_id = ? ORDER BY id LIMIT 1 OFFSET ?"},
-      {m_valueAt, "SELECT name FROM registry_value WHERE key_id = ? ORDER BY id LIMIT 1 OFFSET ?"},
+      {m_subkeys.at,
+       "SELECT name, id FROM registry_key WHERE parent_id = ? ORDER BY id LIMIT 1 OFFSET ?"},
+      {m_subkeys.behind,
+       "SELECT name, id FROM registry_key WHERE parent_id = ? AND id > ? ORDER BY id LIMIT 1"},
+      {m_values.at,
+       "SELECT name, id FROM registry_value WHERE key_id = ? ORDER BY id LIMIT 1 OFFSET ?"},
+      {m_values.behind,
+       "SELECT name, id FROM registry_value WHERE key_id = ? AND id > ? ORDER BY id LIMIT 1"},
+      {m_version, "PRAGMA data_version"},
       {m_queryValue, "SELECT type, data FROM registry_value WHERE key_id = ? AND folded_name = ?"},
       {m_setValue,
        "INSERT INTO registry_value (key_id, name, folded_name, type, data) VALUES (?, ?, ?, ?, ?)"
@@ -80,15 +86,18 @@ RegistryError Store::DeleteKey(std::int64_t key) const {
   if (error != RegistryError::kNone) {
     return error;
   }
+  ++m_losses;
   return sqlite3_changes(m_database) == 0 ? RegistryError::kNotFound : RegistryError::kNone;
 }
 
-RegistryError Store::SubkeyAt(std::int64_t key, std::uint32_t index, std::u16string& name) const {
-  return NameAt(m_subkeyAt, key, index, name);
+RegistryError Store::SubkeyAt(std::int64_t key, std::uint32_t index, Position& position,
+                              std::u16string& name) const {
+  return NameAt(m_subkeys, key, index, position, name);
 }
 
-RegistryError Store::ValueAt(std::int64_t key, std::uint32_t index, std::u16string& name) const {
-  return NameAt(m_valueAt, key, index, name);
+RegistryError Store::ValueAt(std::int64_t key, std::uint32_t index, Position& position,
+                             std::u16string& name) const {
+  return NameAt(m_values, key, index, position, name);
 }
 
 RegistryError Store::QueryValue(std::int64_t key, std::u16string_view name,
@@ -122,15 +131,21 @@ RegistryError Store::DeleteValue(std::int64_t key, std::u16string_view name) con
   if (error != RegistryError::kNone) {
     return error;
   }
+  ++m_losses;
   return sqlite3_changes(m_database) == 0 ? RegistryError::kNotFound : RegistryError::kNone;
 }
 
-RegistryError Store::NameAt(const Statement& statement, std::int64_t key, std::uint32_t index,
-                            std::u16string& name) const {
-  Run run(statement);
+RegistryError Store::NameAt(const Enumeration& items, std::int64_t key, std::uint32_t index,
+                            Position& position, std::u16string& name) const {
+  if (const auto found = NameFrom(items, key, index, position, name)) {
+    return *found;
+  }
+  Run run(items.at);
   int result = run.Integer(key).Integer(index).Step();
   if (result == SQLITE_ROW) {
     name = run.TextAt(0);
+    const auto version = ReadVersion();
+    position = {version.has_value(), index, run.IntegerAt(1), version.value_or(0), m_losses};
   }
   if (result != SQLITE_DONE) {
     return ToRegistryError(result);
@@ -141,6 +156,33 @@ RegistryError Store::NameAt(const Statement& statement, std::int64_t key, std::u
     return RegistryError::kNotFound;
   }
   return result == SQLITE_ROW ? RegistryError::kNoMoreItems : ToRegistryError(result);
+}
+
+std::optional<RegistryError> Store::NameFrom(const Enumeration& items, std::int64_t key,
+                                             std::uint32_t index, Position& position,
+                                             std::u16string& name) const {
+  const bool isSame = index == position.index;
+  // New items come behind all others, so that only what goes moves an item to another index.
+  if (!position.isKnown || position.losses != m_losses ||
+      (!isSame && index != position.index + 1)) {
+    return std::nullopt;
+  }
+  Run run(items.behind);
+  const int result = run.Integer(key).Integer(isSame ? position.id - 1 : position.id).Step();
+  if (result == SQLITE_ROW && ReadVersion() == position.version) {
+    name = run.TextAt(0);
+    position.index = index;
+    position.id = run.IntegerAt(1);
+    return RegistryError::kNone;
+  }
+  // A failure may have undone the group, and must not be passed over.
+  return result == SQLITE_ROW || result == SQLITE_DONE ? std::nullopt
+                                                       : std::optional(ToRegistryError(result));
+}
+
+std::optional<std::int64_t> Store::ReadVersion() const {
+  Run run(m_version);
+  return run.Step() == SQLITE_ROW ? std::optional(run.IntegerAt(0)) : std::nullopt;
 }
 
 }  // namespace sqlite

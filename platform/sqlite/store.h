@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -9,6 +10,16 @@
 #include "platform/sqlite/statement.h"
 
 namespace sqlite {
+
+/// Where an enumeration by rising index stands, so that the next item is found from the last one
+/// and not counted from the first. Good for nothing else than to be given back.
+struct Position {
+  bool isKnown = false;
+  std::uint32_t index = 0;
+  std::int64_t id = 0;       ///< Of the item at `index`. Items are in the order of their numbers.
+  std::int64_t version = 0;  ///< Of the database: it changes with what other connections write.
+  std::uint64_t losses = 0;  ///< What this connection had deleted or undone by then.
+};
 
 /// The tables of a registry, key by key. Knows nothing of threads and of groups. A key is given by
 /// its number, which is never used again once the key is deleted.
@@ -25,10 +36,11 @@ class Store {
                                                   std::int64_t& key) const;
   [[nodiscard]] platform::RegistryError DeleteKey(std::int64_t key) const;
 
+  // `position` is that of the last call for this key; it only makes the call cheaper.
   [[nodiscard]] platform::RegistryError SubkeyAt(std::int64_t key, std::uint32_t index,
-                                                 std::u16string& name) const;
+                                                 Position& position, std::u16string& name) const;
   [[nodiscard]] platform::RegistryError ValueAt(std::int64_t key, std::uint32_t index,
-                                                std::u16string& name) const;
+                                                Position& position, std::u16string& name) const;
 
   [[nodiscard]] platform::RegistryError QueryValue(std::int64_t key, std::u16string_view name,
                                                    platform::RegistryValue& value) const;
@@ -38,17 +50,37 @@ class Store {
   [[nodiscard]] platform::RegistryError DeleteValue(std::int64_t key,
                                                     std::u16string_view name) const;
 
+  /// To be told whenever changes were undone.
+  void NoteUndone() const { ++m_losses; }
+
  private:
-  [[nodiscard]] platform::RegistryError NameAt(const Statement& statement, std::int64_t key,
-                                               std::uint32_t index, std::u16string& name) const;
+  /// How the items of a key are found.
+  struct Enumeration {
+    Statement at;      ///< By their index.
+    Statement behind;  ///< By the number before theirs.
+  };
+
+  [[nodiscard]] platform::RegistryError NameAt(const Enumeration& items, std::int64_t key,
+                                               std::uint32_t index, Position& position,
+                                               std::u16string& name) const;
+  /// Nothing where the item has to be found by its index.
+  [[nodiscard]] std::optional<platform::RegistryError> NameFrom(const Enumeration& items,
+                                                                std::int64_t key,
+                                                                std::uint32_t index,
+                                                                Position& position,
+                                                                std::u16string& name) const;
+  /// Of the state of the database that a statement reads which has not ended.
+  [[nodiscard]] std::optional<std::int64_t> ReadVersion() const;
 
   sqlite3* m_database = nullptr;
+  mutable std::uint64_t m_losses = 0;
   Statement m_findKey;
   Statement m_insertKey;
   Statement m_deleteKey;
   Statement m_keyExists;
-  Statement m_subkeyAt;
-  Statement m_valueAt;
+  Enumeration m_subkeys;
+  Enumeration m_values;
+  Statement m_version;
   Statement m_queryValue;
   Statement m_setValue;
   Statement m_deleteValue;

@@ -5,6 +5,7 @@
 #include "platform/posix/posix_threads.h"
 #include "storage/device_paths.h"
 #include "tests/cli/maintenance_fixture.h"
+#include "tests/sqlite/raw_database.h"
 
 namespace {
 
@@ -71,6 +72,34 @@ TEST_F(CheckCommand, RepairMakesMissingAndTornTemplatesAndNothingElse) {
   EXPECT_TRUE(fs::exists(Template("300")));
 }
 
+TEST_F(CheckCommand, RepairMakesAFolderThatIsGoneWithItsTemplates) {
+  PutThreeTags();
+  const auto good = GetFiles();
+  fs::remove_all(Folder("Voxtrel_stor"));
+  EXPECT_THAT(Run({"tags", "test"}).err, HasSubstr("run this command, which"));
+  EXPECT_EQ(Check({}, 1), (Lines{"no-template 100", "no-template 200", "no-template 300"}));
+  EXPECT_FALSE(fs::exists(Folder("Voxtrel_stor")));
+  EXPECT_EQ(Check({"--repair"}, 0),
+            (Lines{"no-template 100!", "no-template 200!", "no-template 300!"}));
+  EXPECT_TRUE(GetFiles() == good);
+  EXPECT_EQ(Run({"tags", "test"}).exitCode, 0);
+}
+
+TEST_F(CheckCommand, ARepairThatFailsTellsTheReason) {
+  PutThreeTags();
+  fs::remove_all(Folder("Voxtrel_stor"));
+  std::ofstream(Folder("Voxtrel_stor")) << "A file in its place.";
+  const json result = RunJson({"check", "--repair"}, 1);
+  ASSERT_EQ(result["findings"].size(), 3U);
+  EXPECT_EQ(result["findings"][1]["repaired"], false);
+  EXPECT_EQ(result["findings"][1]["reason"],
+            "the folder Voxtrel_stor is missing and cannot be made");
+  EXPECT_THAT(Run({"check", "--repair"}).out,
+              HasSubstr("[no-template] not repaired: the folder Voxtrel_stor is missing and cannot "
+                        "be made\n"));
+  EXPECT_FALSE(RunJson({"check"}, 1)["findings"][1].contains("reason")) << "Nobody tried.";
+}
+
 TEST_F(CheckCommand, ContactsThatAreAwayMakeNobodyGoneAndAreToldWithTheReason) {
   PutThreeTags();
   fs::remove(Path("all.vcf"));
@@ -113,6 +142,16 @@ TEST_F(CheckCommand, LeavesTheSettingsAsTheyAre) {
   ASSERT_EQ(Run({"registry", "export", Path("listed.reg")}).exitCode, 0);
   EXPECT_FALSE(Content(Path("listed.reg")) == Content(Path("before.reg")))
       << "Else the new card were none.";
+}
+
+TEST_F(CheckCommand, MakesNoFileInTheRoot) {
+  PutThreeTags();
+  const fs::path lock = fs::path(Path("root")) / ".ZedraD.lock";
+  ASSERT_FALSE(fs::exists(lock)) << "No page was open yet.";
+  EXPECT_EQ(Check({}, 0), Lines());
+  EXPECT_FALSE(fs::exists(lock));
+  EXPECT_EQ(Check({"--repair"}, 0), Lines());
+  EXPECT_TRUE(fs::exists(lock)) << "What may change tags keeps others away.";
 }
 
 TEST_F(CheckCommand, ReadsRecordingsThatOthersReadAndThatTakeNoWrites) {
@@ -164,6 +203,28 @@ TEST_F(CheckCommand, SettingsThatCannotBeReadAreToldWithTheReason) {
   EXPECT_EQ(Check({}, 1), Lines{"registry-unreadable "});
   EXPECT_THAT(Run({"check"}).out, HasSubstr("damaged"));
   EXPECT_EQ(fs::file_size(store), 5000U);
+}
+
+TEST_F(CheckCommand, AKeyThatAnotherProgramNamedBadlyIsNamedByEveryCommandThatItHinders) {
+  PutThreeTags();
+  const fs::path store = fs::path(Path("root")) / sqlite::kDatabaseName;
+  ASSERT_EQ(
+      support::RawDatabase(store).Execute(
+          "INSERT INTO registry_key (parent_id, name, folded_name) SELECT parent_id, 'two' || "
+          "char(10) || 'lines', 'x' FROM registry_key WHERE name = '100'"),
+      0);
+  constexpr const char* kNamed = R"(cannot be used: Software\Zedra\Zedra Voxtrel\two\nlines)";
+  for (const std::vector<std::string>& command :
+       std::vector<std::vector<std::string>>{{"check"},
+                                             {"tags", "list"},
+                                             {"registry", "export", Path("a.reg")},
+                                             {"contacts", "list"},
+                                             {"status"}}) {
+    const auto run = Run(command);
+    EXPECT_THAT(run.out + run.err, HasSubstr(kNamed)) << command.front();
+    EXPECT_THAT(run.out + run.err, HasSubstr(store.native())) << command.front();
+  }
+  EXPECT_EQ(Check({}, 1), Lines{"registry-unreadable "});
 }
 
 }  // namespace

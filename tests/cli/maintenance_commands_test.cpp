@@ -162,11 +162,21 @@ TEST_F(MaintenanceCommands, ReinitWithoutAnyRecordingEndsWithItsMessage) {
   PutVersion(u"2");
   const auto run = Run({"reinit"});
   EXPECT_EQ(run.exitCode, 1);
-  EXPECT_EQ(run.err, "Zedra Voxtrel: Error\n");
-  PutVersion(u"2");
-  const json result = RunJson({"reinit"}, 1);
-  EXPECT_EQ(result["ran"], false);
-  EXPECT_EQ(result["messages"], json::array({"Error"}));
+  EXPECT_TRUE(run.err.starts_with("Zedra Voxtrel: Error\n"));
+  EXPECT_THAT(run.err,
+              HasSubstr("have no recording, and so no new template: 100 (Ann Lee 5551234"));
+  for (const std::vector<std::string>& command :
+       std::vector<std::vector<std::string>>{{"reinit"}, {"reinit", "--force"}}) {
+    PutVersion(u"2");
+    const json result = RunJson(command, 1);
+    EXPECT_EQ(result["ran"], true);
+    EXPECT_EQ(result["tags"], 1);
+    EXPECT_EQ(result["recordings"], 0);
+    EXPECT_EQ(result["withoutRecording"],
+              json::array({{{"tag", "100"}, {"listText", "Ann Lee 5551234 M"}}}));
+    EXPECT_EQ(result["messages"], json::array({"Error"}));
+    EXPECT_THAT(result["problem"], HasSubstr("have no recording"));
+  }
 }
 
 TEST_F(MaintenanceCommands, ATemplateThatCannotBeMadeEndsTheWaitAndIsTold) {
@@ -184,6 +194,18 @@ TEST_F(MaintenanceCommands, ATemplateThatCannotBeMadeEndsTheWaitAndIsTold) {
   EXPECT_EQ(result["ran"], true);
   EXPECT_THAT(result["messages"][0], HasSubstr("ERROR in CreateFile"));
   EXPECT_THAT(result["problem"], HasSubstr("not every voice template"));
+}
+
+TEST_F(MaintenanceCommands, TheAdviceAboutAFolderThatIsGonePutsItRight) {
+  PutThreeTags();
+  fs::remove_all(Folder("Voxtrel_stor"));
+  const auto run = Run({"reinit", "--force"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.err, HasSubstr("or the folder Voxtrel_stor is missing. Make room"));
+  EXPECT_THAT(run.err, HasSubstr("run this one first, which makes it: voxtrel check --repair"));
+  EXPECT_EQ(Run({"check", "--repair"}).exitCode, 0);
+  EXPECT_EQ(Run({"reinit", "--force"}).exitCode, 0);
+  EXPECT_EQ(Check({}, 0), std::vector<std::string>());
 }
 
 TEST_F(MaintenanceCommands, ReinitNamesTagsWithoutARecording) {

@@ -1,7 +1,9 @@
 #include <fstream>
 #include <iterator>
 
+#include "platform/posix/posix_file_system.h"
 #include "platform/sqlite/sqlite_registry.h"
+#include "platform/text/utf.h"
 #include "storage/registry_file.h"
 #include "storage/utf16_bytes.h"
 #include "tests/cli/command_fixture.h"
@@ -32,6 +34,16 @@ class RegistryCommands : public CommandFixture {
   [[nodiscard]] std::string PutBytes(const std::string& name, std::string_view bytes) const {
     std::ofstream(Path(name), std::ios::binary) << bytes;
     return Path(name);
+  }
+
+  /// What stands in the test's folder, in order.
+  [[nodiscard]] std::vector<std::string> GetNames() const {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(Path(""))) {
+      names.push_back(entry.path().filename().string());
+    }
+    std::ranges::sort(names);
+    return names;
   }
 
   [[nodiscard]] static std::string Content(const std::string& path) {
@@ -121,7 +133,40 @@ TEST_F(RegistryCommands, AnExportThatCannotBeWrittenLeavesTheEarlierOne) {
   const auto run = Run({"registry", "export", Path("full")});
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_THAT(run.err, HasSubstr("cannot be written"));
-  EXPECT_FALSE(std::filesystem::exists(Path("full.new")));
+  EXPECT_EQ(GetNames(), std::vector<std::string>({"full", "root"}));
+}
+
+TEST_F(RegistryCommands, AnExportTouchesNoFileButItsOwn) {
+  static_cast<void>(PutBytes("a.reg.new", "mine"));
+  ASSERT_EQ(Run({"registry", "export", Path("a.reg")}).exitCode, 0);
+  EXPECT_EQ(Content(Path("a.reg.new")), "mine");
+  EXPECT_EQ(GetNames(), std::vector<std::string>({"a.reg", "a.reg.new", "root"}));
+}
+
+TEST_F(RegistryCommands, AnExportTakesTheLongestNameThatAFileCanHave) {
+  const std::string name = std::string(251, 'x') + ".reg";
+  for (int i = 0; i < 2; ++i) {
+    const auto run = Run({"registry", "export", Path(name)});
+    EXPECT_EQ(run.exitCode, 0) << run.err;
+  }
+  EXPECT_EQ(GetNames(), std::vector<std::string>({"root", name}));
+}
+
+TEST_F(RegistryCommands, WhatAKilledExportLeftGoesWithTheNextOneIntoThatFolder) {
+  static_cast<void>(PutBytes(".voxtrel-export-1", "half of an expo"));
+  ASSERT_EQ(Run({"registry", "export", Path("a.reg")}).exitCode, 0);
+  EXPECT_EQ(Content(Path("a.reg")), Run({"registry", "export"}).out);
+  EXPECT_EQ(GetNames(), std::vector<std::string>({"a.reg", "root"}));
+}
+
+TEST_F(RegistryCommands, AnExportPassesOverWhatAnotherOneIsWriting) {
+  posix::PosixFileSystem files(u"");
+  const auto other = files.Open(text::FromHostName(Path(".voxtrel-export-1")),
+                                {platform::FileAccess::kWrite, platform::FileShare::kNone,
+                                 platform::FileCreation::kCreateAlways});
+  ASSERT_NE(other.file, nullptr);
+  ASSERT_EQ(Run({"registry", "export", Path("a.reg")}).exitCode, 0);
+  EXPECT_EQ(GetNames(), std::vector<std::string>({".voxtrel-export-1", "a.reg", "root"}));
 }
 
 TEST_F(RegistryCommands, ImportNeedsAFile) { EXPECT_EQ(Run({"registry", "import"}).exitCode, 2); }

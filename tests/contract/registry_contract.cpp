@@ -159,6 +159,61 @@ TEST_P(RegistryContract, WhileSubkeysAreDeletedTheNextOneMovesIntoTheirIndex) {
   EXPECT_EQ(key->EnumerateSubkey(2, name), RegistryError::kNoMoreItems);
 }
 
+TEST_P(RegistryContract, TheNextIndexCountsFromTheFirstWhateverWentOrCameSinceTheLast) {
+  for (const auto* const name : {u"k\\a", u"k\\b", u"k\\c", u"k\\d", u"k\\e"}) {
+    ASSERT_EQ(Store().CreateKey(name).error, RegistryError::kNone);
+  }
+  const auto key = Store().OpenKey(u"k").key;
+  std::u16string name;
+  ASSERT_EQ(key->EnumerateSubkey(0, name), RegistryError::kNone);
+  ASSERT_EQ(key->EnumerateSubkey(1, name), RegistryError::kNone);
+  ASSERT_EQ(Store().DeleteKey(u"k\\a"), RegistryError::kNone);
+  ASSERT_EQ(key->EnumerateSubkey(2, name), RegistryError::kNone);
+  EXPECT_EQ(name, u"d") << "c moved to 1.";
+  ASSERT_EQ(Store().CreateKey(u"k\\f").error, RegistryError::kNone);
+  ASSERT_EQ(key->EnumerateSubkey(3, name), RegistryError::kNone);
+  EXPECT_EQ(name, u"e");
+  ASSERT_EQ(key->EnumerateSubkey(4, name), RegistryError::kNone);
+  EXPECT_EQ(name, u"f");
+  ASSERT_EQ(key->EnumerateSubkey(1, name), RegistryError::kNone);
+  EXPECT_EQ(name, u"c");
+  EXPECT_EQ(key->EnumerateSubkey(5, name), RegistryError::kNoMoreItems);
+}
+
+TEST_P(RegistryContract, TheNextIndexIsThatOfTheStateThatAnUndoneGroupLeft) {
+  for (const auto* const name : {u"k\\a", u"k\\b", u"k\\c"}) {
+    ASSERT_EQ(Store().CreateKey(name).error, RegistryError::kNone);
+  }
+  const auto key = Store().OpenKey(u"k").key;
+  std::u16string name;
+  {
+    platform::RegistryGroup group(Store());
+    ASSERT_EQ(Store().DeleteKey(u"k\\a"), RegistryError::kNone);
+    ASSERT_EQ(key->EnumerateSubkey(0, name), RegistryError::kNone);
+    EXPECT_EQ(name, u"b");
+  }
+  ASSERT_EQ(key->EnumerateSubkey(1, name), RegistryError::kNone);
+  EXPECT_EQ(name, u"b");
+  ASSERT_EQ(key->EnumerateSubkey(0, name), RegistryError::kNone);
+  EXPECT_EQ(name, u"a");
+}
+
+TEST_P(RegistryContract, WhileValuesAreDeletedTheNextOneMovesIntoTheirIndex) {
+  const auto key = Store().CreateKey(u"k").key;
+  for (const auto* const name : {u"a", u"b", u"c", u"d"}) {
+    ASSERT_EQ(key->Set(name, RegistryType::kBinary, {}), RegistryError::kNone);
+  }
+  std::u16string name;
+  ASSERT_EQ(key->EnumerateValue(0, name), RegistryError::kNone);
+  ASSERT_EQ(key->EnumerateValue(1, name), RegistryError::kNone);
+  EXPECT_EQ(name, u"b");
+  ASSERT_EQ(key->DeleteValue(u"a"), RegistryError::kNone);
+  ASSERT_EQ(key->EnumerateValue(1, name), RegistryError::kNone);
+  EXPECT_EQ(name, u"c");
+  ASSERT_EQ(key->EnumerateValue(2, name), RegistryError::kNone);
+  EXPECT_EQ(name, u"d");
+}
+
 TEST_P(RegistryContract, WritingAValueAgainLeavesItInItsPlace) {
   const auto key = Store().CreateKey(u"a").key;
   for (const auto* const name : {u"one", u"two", u"one"}) {

@@ -164,9 +164,10 @@ TEST_F(ReinitWorkerTest, ATemplateThatCannotBeMadeStopsTheRunAndTheUserCanClose)
   ASSERT_EQ(shown.size(), 1U);
   EXPECT_EQ(shown[0].box.text,
             u"ERROR in CreateFile\n\nTag 2\n\nThis voice tag and those after it were not computed "
-            u"anew. There is no room on the device, or another program has the file open. Make "
-            u"room or close that program, close this window, and run this command: voxtrel reinit "
-            u"--force");
+            u"anew. There is no room on the device, another program has the file open, or the "
+            u"folder Voxtrel_stor is missing. Make room or close that program, close this window, "
+            u"and run this command: voxtrel reinit --force. Where the folder is missing, run this "
+            u"one first, which makes it: voxtrel check --repair");
   EXPECT_EQ(shown[0].box.captionKind, MessageCaption::kApplication);
   EXPECT_EQ(GetTemplate(u"1"), Expected(1));
   EXPECT_EQ(GetTemplate(u"3"), third) << "The rest is not processed.";

@@ -16,6 +16,8 @@
 namespace {
 
 using maintenance::ContactsState;
+using maintenance::RepairResult;
+using maintenance::RepairTemplate;
 using maintenance::StoreProblem;
 using platform::RegistryError;
 
@@ -246,13 +248,13 @@ TEST_F(StoreCheck, MissingAndTornTemplatesAreRepairedToTheSameBytes) {
   const auto whole = GetTemplate(u"100");
   const auto recording = GetFile(storage::WavePath(u"100"));
   Delete(storage::TemplatePath(u"100"));
-  EXPECT_TRUE(maintenance::RepairTemplate(m_machine.Get(), u"100"));
+  EXPECT_EQ(RepairTemplate(m_machine.Get(), u"100"), RepairResult::kDone);
   EXPECT_EQ(GetTemplate(u"100"), whole);
   auto longer = whole;
   longer[4] = std::byte{1};
   longer.resize(whole.size() + 50);
   PutTemplateBytes(u"100", longer);
-  EXPECT_TRUE(maintenance::RepairTemplate(m_machine.Get(), u"100"));
+  EXPECT_EQ(RepairTemplate(m_machine.Get(), u"100"), RepairResult::kDone);
   EXPECT_EQ(GetTemplate(u"100"), whole);
   EXPECT_EQ(GetFile(storage::WavePath(u"100")), recording);
   EXPECT_EQ(Check(), Texts());
@@ -262,7 +264,7 @@ TEST_F(StoreCheck, ARepairLeavesTheRecordingAloneEvenWhereItCouldBeTrimmed) {
   Learn(u"100", 1);
   PutRecording(u"100", 4);
   const auto recording = GetFile(storage::WavePath(u"100"));
-  EXPECT_TRUE(maintenance::RepairTemplate(m_machine.Get(), u"100"));
+  EXPECT_EQ(RepairTemplate(m_machine.Get(), u"100"), RepairResult::kDone);
   EXPECT_EQ(GetFile(storage::WavePath(u"100")), recording);
 }
 
@@ -270,8 +272,33 @@ TEST_F(StoreCheck, ARepairNeedsARecording) {
   Learn(u"100", 1);
   PutTemplateBytes(u"100", support::Bytes(3));
   Delete(storage::WavePath(u"100"));
-  EXPECT_FALSE(maintenance::RepairTemplate(m_machine.Get(), u"100"));
+  EXPECT_EQ(RepairTemplate(m_machine.Get(), u"100"), RepairResult::kNoRecording);
   EXPECT_EQ(GetTemplate(u"100"), support::Bytes(3)) << "Nothing was put in its place.";
+}
+
+TEST_F(StoreCheck, ARepairThatFailsSaysWhy) {
+  Learn(u"100", 1);
+  support::FailingFileSystem failing(m_machine.files);
+  const auto broken = m_machine.GetWith(failing, m_machine.registry);
+  std::size_t count = 0;
+  for (bool hasFailed = true; hasFailed; ++count) {
+    PutTemplateBytes(u"100", support::Bytes(3));
+    failing.FailCall(count + 1, support::Failing::kOnce, platform::FileError::kDiskFull);
+    const RepairResult result = RepairTemplate(broken, u"100");
+    hasFailed = failing.HasFailed();
+    EXPECT_NE(result, RepairResult::kNoFolder) << "It is there.";
+    EXPECT_EQ(Describe(result).empty(), result == RepairResult::kDone);
+  }
+  EXPECT_GT(count, 3U);
+  headless::MemoryFileSystem withoutFolder;
+  for (const auto folder : {storage::kProgramFilesFolder, storage::kMakerFolder,
+                            storage::kInstallFolder, storage::kWaveFolder}) {
+    ASSERT_EQ(withoutFolder.CreateFolder(folder), platform::FileError::kNone);
+  }
+  const std::u16string wave = storage::WavePath(u"100");
+  ASSERT_TRUE(withoutFolder.PutFile(wave, GetFile(wave)));
+  EXPECT_EQ(RepairTemplate(m_machine.GetWith(withoutFolder, m_machine.registry), u"100"),
+            RepairResult::kNoFolder);
 }
 
 TEST_F(StoreCheck, ARepairThatFailsLeavesAWholeTemplateOrNone) {
@@ -283,8 +310,8 @@ TEST_F(StoreCheck, ARepairThatFailsLeavesAWholeTemplateOrNone) {
     for (std::size_t call = 1; hasFailed; ++call) {
       PutTemplateBytes(u"100", support::Bytes(3));
       failing.FailCall(call, kind, platform::FileError::kDiskFull);
-      const bool isDone =
-          maintenance::RepairTemplate(m_machine.GetWith(failing, m_machine.registry), u"100");
+      const bool isDone = RepairTemplate(m_machine.GetWith(failing, m_machine.registry), u"100") ==
+                          RepairResult::kDone;
       hasFailed = failing.HasFailed();
       if (isDone) {
         EXPECT_EQ(GetTemplate(u"100"), whole) << call;

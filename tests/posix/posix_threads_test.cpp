@@ -6,6 +6,8 @@
 #include <memory>
 #include <vector>
 
+#include "tests/support/temp_folder.h"
+
 namespace {
 
 using platform::kNoLimit;
@@ -67,6 +69,21 @@ TEST(PosixThreads, AWaitOutlivesOthersThatResetTheEvent) {
   event->Set();
   waiters.clear();
   EXPECT_EQ(passed, 4);
+}
+
+TEST(NamedMutexFile, TellsWhetherTheMutexWasEverMadeAndMakesNothing) {
+  const support::TempFolder folder;
+  const std::string root = folder.Path().native();
+  EXPECT_FALSE(posix::PosixThreads::WasNamedMutexMade(root, u"ZedraD"));
+  EXPECT_FALSE(posix::PosixThreads::WasNamedMutexMade(root, u"ZedraD"));
+  posix::PosixThreads threads(root);
+  auto created = threads.CreateNamedMutex(u"ZedraD");
+  EXPECT_TRUE(posix::PosixThreads::WasNamedMutexMade(root, u"ZedraD"));
+  EXPECT_FALSE(posix::PosixThreads::WasNamedMutexMade(root, u"Other"));
+  created.mutex.reset();
+  EXPECT_TRUE(posix::PosixThreads::WasNamedMutexMade(root, u"ZedraD")) << "Though it is free.";
+  EXPECT_TRUE(posix::PosixThreads::WasNamedMutexMade(std::string(5000, 'x'), u"ZedraD"))
+      << "It cannot be told.";
 }
 
 }  // namespace
