@@ -15,13 +15,11 @@
 namespace vcard {
 namespace {
 
-bool IsControl(char16_t c) { return c < u' ' || (c >= u'\x7F' && c <= u'\x9F'); }
-
-/// Text as it is shown: without blanks at its ends, on one line, and nothing that steers a
-/// terminal.
+/// Text as it is shown: without blanks at its ends, and on one line.
 std::u16string ToShownText(std::string_view value) {
   std::u16string shown = text::FromUtf8(value);
-  std::replace_if(shown.begin(), shown.end(), IsControl, u' ');
+  std::replace_if(
+      shown.begin(), shown.end(), [](char16_t c) { return c < u' '; }, u' ');
   const std::size_t first = shown.find_first_not_of(u' ');
   if (first == std::u16string::npos) {
     return {};

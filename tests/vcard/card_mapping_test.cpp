@@ -89,13 +89,6 @@ TEST(CardMapping, PutsNamesOnOneLineWithoutBlanksAtTheEnds) {
   EXPECT_EQ(NamesOf(Only("N: Lee ;Ann\\nMay;;;")), "Lee|Ann May||");
 }
 
-TEST(CardMapping, HasBlanksForWhatSteersATerminal) {
-  EXPECT_EQ(NamesOf(Only("N:L\x1B[31mee;\x7F\xC2\x9B"
-                         "Ann\xC2\x9B"
-                         "May;;;")),
-            "L [31mee|Ann May||");
-}
-
 TEST(CardMapping, JoinsFoldedLinesAlsoWithinACharacter) {
   EXPECT_EQ(NamesOf(Only("N:M\xC3\n \xBCller;An\n\tn;;;")), "Müller|Ann||");
 }
