@@ -157,6 +157,15 @@ TEST_F(MovedProgram, WithoutTheSoundLibraryThereIsNoMicrophone) {
   EXPECT_EQ(run.err, "voxtrel: no microphone: voxtrel-pulse.so is missing\n");
 }
 
+TEST_F(MovedProgram, WithoutTheSoundLibraryThereIsNoLoudspeaker) {
+  const auto run =
+      support::RunProgram({Path("bin/voxtrel"), "wave", "play", VOXTREL_SAMPLES_DIR "/anna_1.wav"},
+                          {"HOME=" + Path(""), "LC_ALL=C.UTF-8"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.err,
+              testing::StartsWith("voxtrel: no loudspeaker: voxtrel-pulse.so is missing\n"));
+}
+
 TEST_F(MovedProgram, WhatNeedsNoSoundDoesNotLoadTheSoundLibrary) {
   const auto run = support::RunProgram({Path("bin/voxtrel"), "--root", Path("root"), "--contacts",
                                         Put("all.vcf", kCards), "tags", "list"},

@@ -72,13 +72,14 @@ TEST_F(WindowStory, F1OpensAPageThatIsThere) {
 }
 
 TEST_F(WindowStory, TheConnectionSettingsHaveASheetOfTheirOwnWhoseOkStoresThem) {
-  Start({VOXTREL_PROGRAM, "--root", Root(), "connection"});
+  Start({VOXTREL_PROGRAM, "--root", Root(), "--json", "connection"});
   m_sheet = m_screen->AwaitWindow("Property");
   ASSERT_FALSE(m_sheet.id.empty()) << ReadText(Log());
   Shoot("connection");
   // OK stands in the lower right corner.
   m_screen->Click(m_sheet.left + m_sheet.width - 50, m_sheet.top + m_sheet.height - 25);
   ASSERT_TRUE(Await(std::chrono::seconds(30), [this] { return m_panel->HasEnded(); }));
+  EXPECT_THAT(ReadText(Log()), testing::HasSubstr("{\"result\":0}\n"));
   const auto stored = support::RunProgram(
       {"sqlite3", "-readonly", Root() + "/registry.db",
        "SELECT name FROM registry_value WHERE name IN ('Bound_rate', 'Data_bit', 'Stop_bit', "

@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "language/texts.h"
 #include "platform/clock.h"
 #include "platform/headless/memory_file_system.h"
 #include "tests/language/language_bytes.h"
@@ -257,6 +258,13 @@ TEST_F(LanguageTableFile, WaitsForAProcessThatIsJustReadingTheFile) {
   m_table.Load(m_files, kPath, reader);
   EXPECT_EQ(LookUp(m_table, u"ID_A"), u"text");
   EXPECT_EQ(m_files.CountOpenHandles(), 0U);
+}
+
+TEST_F(LanguageTableFile, IsWaitedForByWhoNeedsTheTexts) {
+  ReaderBesideUs reader(m_files.Open(kPath, {}), 3);
+  EXPECT_TRUE(language::LoadTexts(m_files, kPath, reader).IsLanguageFileLoaded());
+  EXPECT_EQ(LookUp(LanguageTable::GetInstance(), u"ID_A"), u"text");
+  LanguageTable::Release();
 }
 
 TEST_F(LanguageTableFile, IsEmptyAfterASecondInWhichAnotherHeldTheFile) {
