@@ -196,11 +196,13 @@ class TagsHold {
   platform::CreatedMutex m_mutex;
 };
 
+/// Tells it, where it is so.
 bool IsBroken(Session& session, const TagsHold& hold) {
-  if (hold.IsBroken()) {
+  const bool isBroken = hold.IsBroken();
+  if (isBroken) {
     session.Fail("the tags are in use by another Voxtrel; close it and try again");
   }
-  return hold.IsBroken();
+  return isBroken;
 }
 
 }  // namespace

@@ -54,29 +54,28 @@ class Edges : public testing::Test {
     constexpr int kLight = 200;
     return m_picture.pixelColor(x, y).lightness() < kLight;
   }
-  /// Whether a line runs through the area from its top to its bottom, or from its left to its
-  /// right.
+  /// Whether a line runs through the area from its top to its bottom.
   [[nodiscard]] bool HasUpright(const QRect& area) const {
     const QRect pixels = ToPixels(area);
-    for (int x = pixels.left(); x <= pixels.right(); ++x) {
-      int y = pixels.top();
-      while (y <= pixels.bottom() && IsInked(x, y)) {
-        ++y;
-      }
-      if (y > pixels.bottom()) {
-        return true;
-      }
-    }
-    return false;
+    return HasLine(pixels.left(), pixels.right(), pixels.top(), pixels.bottom(),
+                   [this](int x, int y) { return IsInked(x, y); });
   }
+  /// Whether one does from its left to its right.
   [[nodiscard]] bool HasLevel(const QRect& area) const {
     const QRect pixels = ToPixels(area);
-    for (int y = pixels.top(); y <= pixels.bottom(); ++y) {
-      int x = pixels.left();
-      while (x <= pixels.right() && IsInked(x, y)) {
-        ++x;
+    return HasLine(pixels.top(), pixels.bottom(), pixels.left(), pixels.right(),
+                   [this](int y, int x) { return IsInked(x, y); });
+  }
+  /// Whether one of the lines is inked from its first pixel to its last.
+  template <typename IsInkedAt>
+  [[nodiscard]] static bool HasLine(int firstLine, int lastLine, int first, int last,
+                                    const IsInkedAt& isInkedAt) {
+    for (int line = firstLine; line <= lastLine; ++line) {
+      int at = first;
+      while (at <= last && isInkedAt(line, at)) {
+        ++at;
       }
-      if (x > pixels.right()) {
+      if (at > last) {
         return true;
       }
     }
