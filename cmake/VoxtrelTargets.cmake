@@ -63,8 +63,8 @@ if(VOXTREL_SANITIZE)
 endif()
 
 # Joined, the files of a target share one reading of the headers, which is most of the work. Their
-# helpers need names of their own then. Each file of the program is compiled by itself in `release`,
-# where an include that is missing shows.
+# helpers need names of their own then. Each file is compiled by itself in `dev`, where an include
+# that is missing shows.
 option(VOXTREL_JOIN_PROGRAM "Compile the files of each library of the program as one" OFF)
 option(VOXTREL_JOIN_TESTS "Compile the files of each test program as one" OFF)
 
@@ -124,9 +124,14 @@ option(VOXTREL_TEST_PROGRAMS "Run each test program as one test, which saves sta
 add_custom_target(thread_tests)
 add_custom_target(bit_tests)
 
-# What is tested is optimised; what tests it is not, since it is compiled more often than it runs.
+# What is tested is optimised; what tests it is hardly, since it is compiled more often than it runs,
+# unless the processor is emulated, which makes it slow.
 function(voxtrel_test_options name)
-  target_compile_options(${name} PRIVATE $<$<CONFIG:Release>:-O0>)
+  set(level -O0)
+  if(CMAKE_CROSSCOMPILING)
+    set(level -O1)
+  endif()
+  target_compile_options(${name} PRIVATE $<$<CONFIG:Release>:${level}>)
 endfunction()
 
 # What every test includes, compiled once.
@@ -159,16 +164,17 @@ function(voxtrel_test_program name)
   voxtrel_join(TESTS ${name})
 endfunction()
 
-# For test programs whose files have helpers of the same names.
+# For what must not be joined, as test programs whose files have helpers of the same names.
 function(voxtrel_keep_apart)
   set_target_properties(${ARGN} PROPERTIES UNITY_BUILD OFF)
 endfunction()
 
-# voxtrel_test(NAME SOURCES ... DEPENDS ... [LABELS ...] [COST n]): one test program; each case is
-# one test. What takes long begins first, so that nothing is waited for in the end: COST says how
-# many seconds, about, where the program runs as one test under the sanitizers.
+# voxtrel_test(NAME SOURCES ... DEPENDS ... [LABELS ...] [COST n] [SHARDS n]): one test program; each
+# case is one test. What takes long begins first, so that nothing is waited for in the end: COST says
+# how many seconds, about, where the program runs as one test under the sanitizers; there SHARDS says
+# in how many parts it runs, beside each other.
 function(voxtrel_test name)
-  cmake_parse_arguments(ARG "" "COST" "SOURCES;DEPENDS;LABELS" ${ARGN})
+  cmake_parse_arguments(ARG "" "COST;SHARDS" "SOURCES;DEPENDS;LABELS" ${ARGN})
   if(NOT ARG_COST)
     set(ARG_COST 0)
   endif()
@@ -185,7 +191,16 @@ function(voxtrel_test name)
   # A list does not survive the discovery: its second label would be taken for a property's name. As
   # ctest selects labels by regular expression, each one is found in the joined text.
   list(JOIN ARG_LABELS "+" labels)
-  if(VOXTREL_TEST_PROGRAMS)
+  if(VOXTREL_TEST_PROGRAMS AND ARG_SHARDS)
+    math(EXPR last "${ARG_SHARDS} - 1")
+    foreach(shard RANGE ${last})
+      add_test(NAME ${name}_${shard} COMMAND ${name})
+      set_tests_properties(
+        ${name}_${shard}
+        PROPERTIES LABELS "${labels}" TIMEOUT 900 COST ${ARG_COST}
+                   ENVIRONMENT "GTEST_TOTAL_SHARDS=${ARG_SHARDS};GTEST_SHARD_INDEX=${shard}")
+    endforeach()
+  elseif(VOXTREL_TEST_PROGRAMS)
     add_test(NAME ${name} COMMAND ${name})
     set_tests_properties(${name} PROPERTIES LABELS "${labels}" TIMEOUT 900 COST ${ARG_COST})
   else()
