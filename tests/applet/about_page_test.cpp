@@ -30,13 +30,33 @@ class WatchedClock final : public platform::Clock {
   std::vector<std::uint32_t> m_slept;
 };
 
+/// A shell that shows what is on the screen when the site is opened.
+class WatchedShell final : public platform::Shell {
+ public:
+  explicit WatchedShell(platform::Shell& inner) : m_inner(inner) {}
+
+  void StartProgram(std::u16string_view program, std::u16string_view commandLine) override {
+    m_inner.StartProgram(program, commandLine);
+  }
+  void Execute(std::u16string_view verb, std::u16string_view file,
+               std::u16string_view parameters) override {
+    m_watch();
+    m_inner.Execute(verb, file, parameters);
+  }
+
+  std::function<void()> m_watch = [] {};
+
+ private:
+  platform::Shell& m_inner;
+};
+
 class AboutPage : public AppletFixture {
  protected:
   AboutPage() {
     platform::Platform platform = m_machine.Get();
     platform::Platform watched{
         platform.files, platform.waveIn,   m_clock,           platform.threads, platform.process,
-        platform.ui,    platform.registry, platform.contacts, platform.waveOut, platform.shell};
+        platform.ui,    platform.registry, platform.contacts, platform.waveOut, m_shell};
     std::u16string product = u"Voxtrel PE";
     std::u16string version = u"v3.0";
     m_page = std::make_unique<applet::AboutPage>(watched,
@@ -58,6 +78,7 @@ class AboutPage : public AppletFixture {
   }
 
   WatchedClock m_clock;
+  WatchedShell m_shell{m_machine.shell};
   std::unique_ptr<applet::AboutPage> m_page;
   std::unique_ptr<headless::HeadlessDialog> m_dialog;
 };
@@ -126,6 +147,16 @@ TEST_F(AboutPage, AClickOnThePictureMovesItForAMomentThenOpensTheSite) {
   const std::vector<headless::ShellRequest> expected = {
       {u"open", u"iexplore.exe", std::u16string(applet::kWebSite)}};
   EXPECT_EQ(m_machine.shell.GetRequests(), expected);
+}
+
+TEST_F(AboutPage, ThePictureIsBackInItsPlaceBeforeTheSiteIsOpened) {
+  std::vector<Point> then;
+  m_shell.m_watch = [&] {
+    EXPECT_EQ(m_dialog->CountInvalidations(), 2);
+    then = PaintedAt(143);
+  };
+  m_dialog->ClickAt({60, 165});
+  EXPECT_EQ(then, (std::vector<Point>{{55, 160}}));
 }
 
 TEST_F(AboutPage, TheLinkEndsBeforeItsRightAndBottomEdge) {

@@ -1,3 +1,7 @@
+#include <map>
+#include <string>
+#include <vector>
+
 #include "resources/dialogs.h"
 #include "tests/applet/applet_fixture.h"
 
@@ -32,6 +36,26 @@ TEST_F(VoxtrelAppSheet, ShowsLearningThenAbout) {
   });
   EXPECT_EQ(Open(*app), 0);
   EXPECT_EQ(dialogs, (std::vector<int>{134, 135}));
+}
+
+TEST_F(VoxtrelAppSheet, TheAboutPageHasTheProductItsVersionAndItsPictures) {
+  const auto app = Start();
+  std::vector<headless::PaintedStroke> strokes;
+  m_machine.ui.SetSheetStory([&](HeadlessSheet& sheet) { strokes = sheet.ShowPage(1)->Paint(); });
+  EXPECT_EQ(Open(*app), 0);
+  Texts lines;
+  std::map<int, platform::Point> pictures;
+  for (const headless::PaintedStroke& stroke : strokes) {
+    if (stroke.kind == headless::PaintedStroke::Kind::kText) {
+      lines.push_back(stroke.text);
+    } else if (stroke.kind == headless::PaintedStroke::Kind::kPicture) {
+      pictures[stroke.picture] = {stroke.area.left, stroke.area.top};
+    }
+  }
+  EXPECT_EQ(lines, (Texts{u"Voxtrel PE v3.0", std::u16string(applet::kMakerLine)}));
+  EXPECT_EQ(pictures.size(), 3U);
+  EXPECT_EQ(pictures[2000], (platform::Point{8, 15}));
+  EXPECT_EQ(pictures[136], (platform::Point{158, 210}));
 }
 
 TEST_F(VoxtrelAppSheet, SpeaksEnglishWithoutALanguageFile) {

@@ -14,11 +14,16 @@ class LoggingWaveOut final : public platform::WaveOut {
 
   [[nodiscard]] const std::vector<std::string_view>& GetCalls() const { return m_calls; }
 
+  /// The format that was asked for last, and the buffer as it came to be prepared.
+  [[nodiscard]] const platform::WaveFormat& GetFormat() const { return m_format; }
+  [[nodiscard]] const platform::WaveHeader& GetHeader() const { return m_header; }
+
   [[nodiscard]] platform::OpenedWaveOut Open(const platform::WaveFormat& format) override {
     m_calls.push_back("Open");
+    m_format = format;
     auto opened = m_inner.Open(format);
     if (opened.device) {
-      opened.device = std::make_unique<Device>(m_calls, std::move(opened.device));
+      opened.device = std::make_unique<Device>(*this, std::move(opened.device));
     }
     return opened;
   }
@@ -26,11 +31,12 @@ class LoggingWaveOut final : public platform::WaveOut {
  private:
   class Device final : public platform::WaveOutDevice {
    public:
-    Device(std::vector<std::string_view>& calls, std::unique_ptr<platform::WaveOutDevice> inner)
-        : m_calls(calls), m_inner(std::move(inner)) {}
+    Device(LoggingWaveOut& output, std::unique_ptr<platform::WaveOutDevice> inner)
+        : m_output(output), m_calls(output.m_calls), m_inner(std::move(inner)) {}
 
     platform::WaveResult Prepare(platform::WaveHeader& header) override {
       m_calls.push_back("Prepare");
+      m_output.m_header = header;
       return m_inner->Prepare(header);
     }
     platform::WaveResult Write(platform::WaveHeader& header) override {
@@ -51,10 +57,13 @@ class LoggingWaveOut final : public platform::WaveOut {
     }
 
    private:
+    LoggingWaveOut& m_output;
     std::vector<std::string_view>& m_calls;
     const std::unique_ptr<platform::WaveOutDevice> m_inner;
   };
 
   platform::WaveOut& m_inner;
   std::vector<std::string_view> m_calls;
+  platform::WaveFormat m_format;
+  platform::WaveHeader m_header;
 };

@@ -140,6 +140,29 @@ TEST_F(WavePlayer, StopsTheDeviceBeforeItIsGivenUp) {
                                                                "Unprepare", "Reset", "Close"}));
 }
 
+TEST_F(WavePlayer, HandsOverAPlainFormatAndABufferWithoutFlags) {
+  ASSERT_TRUE(m_files.PutFile(kPath, Good()));
+  LoggingWaveOut logging(m_waveOut);
+  audio::WaveDevice device({m_files, m_waveIn, m_clock, m_threads, m_process, m_ui, m_registry,
+                            m_contacts, logging, m_shell});
+  EXPECT_EQ(device.Play(kPath), audio::kPlayed);
+  EXPECT_EQ(logging.GetFormat().formatTag, 1);
+  EXPECT_EQ(logging.GetFormat().extraSize, 0);
+  EXPECT_EQ(logging.GetHeader().flags, 0U);
+  EXPECT_EQ(logging.GetHeader().bufferLength, 2000U);
+}
+
+TEST_F(WavePlayer, TheFormatTagHasSixteenBits) {
+  EXPECT_EQ(PlayBytes(With(20, {1, 1})), audio::kSoundNotPcm);
+}
+
+TEST_F(WavePlayer, TheFirstDataCountsEvenWhereALaterOneWouldFit) {
+  support::Bytes bytes = With(40, {0xFF, 0xFF, 0xFF, 0x7F});
+  const support::Bytes whole = Good();
+  bytes.insert(bytes.end(), whole.begin() + 36, whole.end());
+  EXPECT_EQ(PlayBytes(bytes), audio::kSoundNoData);
+}
+
 TEST_F(WavePlayer, AHeaderThatHasNoEndIsRefused) {
   EXPECT_EQ(PlayBytes(With(22, {0, 0})), audio::kSoundNoData);
   EXPECT_EQ(PlayBytes(With(24, {0, 0, 0, 0})), audio::kSoundNoData);
