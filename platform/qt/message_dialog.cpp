@@ -80,6 +80,7 @@ QWidget* MessageDialog::MakeBody(const platform::MessageBox& box) {
   m_text->setFrameShape(QFrame::NoFrame);
   m_text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
   m_text->setTabChangesFocus(true);
+  m_text->installEventFilter(this);
   m_text->setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
   m_text->viewport()->setAutoFillBackground(false);
   QPalette palette = m_text->palette();
@@ -149,13 +150,26 @@ void MessageDialog::Answer(MessageAnswer answer) {
 }
 
 void MessageDialog::keyPressEvent(QKeyEvent* event) {
-  // With nothing selected the whole text is meant.
   if (event->matches(QKeySequence::Copy)) {
-    QApplication::clipboard()->setText(m_text->toPlainText());
+    CopyText();
     return;
   }
   Frame::keyPressEvent(event);
 }
+
+bool MessageDialog::eventFilter(QObject* watched, QEvent* event) {
+  // The text keeps the key to itself once it was clicked, and copies nothing without a selection.
+  if (watched == m_text && event->type() == QEvent::KeyPress &&
+      !m_text->textCursor().hasSelection() &&
+      static_cast<QKeyEvent*>(event)->matches(QKeySequence::Copy)) {
+    CopyText();
+    return true;
+  }
+  return Frame::eventFilter(watched, event);
+}
+
+// With nothing selected the whole text is meant.
+void MessageDialog::CopyText() const { QApplication::clipboard()->setText(m_text->toPlainText()); }
 
 void MessageDialog::showEvent(QShowEvent* event) {
   Frame::showEvent(event);

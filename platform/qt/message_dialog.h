@@ -25,11 +25,13 @@ class MessageDialog final : public Frame {
   void OnCloseBox() override;
   void keyPressEvent(QKeyEvent* event) override;
   void showEvent(QShowEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   [[nodiscard]] QWidget* MakeBody(const platform::MessageBox& box);
   [[nodiscard]] QWidget* MakeButtons();
   void FitText();
+  void CopyText() const;
   void Answer(platform::MessageAnswer answer);
 
   const bool m_canCancel;

@@ -2,6 +2,7 @@
 
 #include <QAccessible>
 #include <QApplication>
+#include <QKeyEvent>
 #include <QTest>
 
 #include "applet/about_page.h"
@@ -157,6 +158,9 @@ TEST_F(AboutAccessibility, TheWebSiteIsReachedByTabAndOpenedByTheKeyboard) {
     EXPECT_EQ(opened.size(), 1U);
     User::Type(Qt::Key_Return);
     EXPECT_EQ(opened.size(), 2U);
+    QKeyEvent held(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, {}, true);
+    QApplication::sendEvent(GetLink(), &held);
+    EXPECT_EQ(opened.size(), 2U) << "A key that is held down is one press.";
     ASSERT_NE(User::GetWindow(), nullptr) << "Enter did not press OK.";
   });
   for (const headless::ShellRequest& request : opened) {

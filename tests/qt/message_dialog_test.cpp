@@ -2,10 +2,13 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QLabel>
 #include <QScreen>
 #include <QScrollBar>
 #include <QTest>
 #include <QTextEdit>
+#include <algorithm>
+#include <vector>
 
 #include "tests/qt/dialog_fixture.h"
 
@@ -77,9 +80,66 @@ TEST_F(MessageDialog, StaysOnTopOnlyWhereToldTo) {
   EXPECT_FALSE(m_user.GetBoxes()[1].staysOnTop);
 }
 
+TEST_F(MessageDialog, AnExclamationIsShownOnlyWhereAskedFor) {
+  std::vector<int> icons;
+  const auto count = [&icons](QDialog& box) {
+    const auto labels = box.findChildren<QLabel*>();
+    icons.push_back(static_cast<int>(std::ranges::count_if(
+        labels, [](const QLabel* label) { return !label->pixmap().isNull(); })));
+    box.reject();
+  };
+  Show(m_question, count);
+  Show(platform::ApplicationBox(u"text"), count);
+  EXPECT_THAT(icons, ElementsAre(1, 0));
+}
+
+TEST_F(MessageDialog, ComesToTheFrontOnlyWhereToldTo) {
+  /// Notes which windows are raised.
+  class Raises final : public QObject {
+   public:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+      const bool isBox = watched->objectName() == QStringLiteral("message_box");
+      count += isBox && event->type() == QEvent::ZOrderChange ? 1 : 0;
+      return false;
+    }
+    int count = 0;
+  } raises;
+  qApp->installEventFilter(&raises);
+  Show({u"text", MessageCaption::kNone, {}, MessageStyle::kOk}, support::Press("ok"));
+  EXPECT_EQ(raises.count, 0);
+  Show({u"text", MessageCaption::kNone, {}, MessageStyle::kSetForeground}, support::Press("ok"));
+  EXPECT_EQ(raises.count, 1);
+  Show({u"text", MessageCaption::kNone, {}, MessageStyle::kTopmost}, support::Press("ok"));
+  EXPECT_EQ(raises.count, 2);
+}
+
+TEST_F(MessageDialog, BelongsToTheDialogThatAsks) {
+  NotingDialog dialog(m_ui);
+  Run(dialog, [this] {
+    const QWidget* asking = User::GetWindow();
+    const QWidget* owner = nullptr;
+    Show(m_question, [&owner](QDialog& box) {
+      owner = box.parentWidget();
+      box.reject();
+    });
+    EXPECT_EQ(owner, asking);
+  });
+}
+
 TEST_F(MessageDialog, TheWholeTextIsCopiedByTheKeyboard) {
   Show(m_question, [](QDialog& box) {
     QTest::keyClick(&box, Qt::Key_C, Qt::ControlModifier);
+    box.reject();
+  });
+  EXPECT_EQ(QApplication::clipboard()->text(), "Really?");
+}
+
+TEST_F(MessageDialog, TheWholeTextIsCopiedAlsoWhereItWasOnlyClicked) {
+  QApplication::clipboard()->clear();
+  Show(m_question, [](QDialog& box) {
+    QTest::mouseClick(TextOf(box)->viewport(), Qt::LeftButton);
+    EXPECT_EQ(box.focusWidget(), TextOf(box));
+    QTest::keyClick(TextOf(box), Qt::Key_C, Qt::ControlModifier);
     box.reject();
   });
   EXPECT_EQ(QApplication::clipboard()->text(), "Really?");

@@ -206,6 +206,7 @@ TEST_F(Waiting, TheHandleOfAThreadIsGivenUpWithoutBlockingTheWorkersBox) {
                               ThreadStart::kRunning);
   thread.reset();
   EXPECT_THAT(m_user.GetBoxTexts(), ElementsAre("last words"));
+  EXPECT_EQ(m_user.GetBoxes().at(0).caption, "Zedra Voxtrel");
 }
 
 TEST_F(Waiting, TheClockIsTheInnerOne) {
