@@ -9,6 +9,7 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QTest>
 
 #include "host/panel/icons.h"
 #include "host/panel/notice_bar.h"
@@ -128,6 +129,19 @@ TEST_F(Panel, TypingSelectsAndEnterOpens) {
   Press(Qt::Key_A, QStringLiteral("a"));
   EXPECT_EQ(m_list->currentItem()->text(), QStringLiteral("Alpha"));
   Press(Qt::Key_Return);
+  EXPECT_TRUE(Until([&] { return trace.Lines().contains(QStringLiteral("5 1 101")); }));
+}
+
+TEST_F(Panel, ADoubleClickOpensTheAppletUnderIt) {
+  AppletTrace trace;
+  Show({"good"});
+  ASSERT_TRUE(WaitForName("Alpha"));
+  const QRect icon =
+      m_list->visualItemRect(m_list->findItems(QStringLiteral("Alpha"), Qt::MatchExactly).at(0));
+  QTest::mouseClick(m_list->viewport(), Qt::LeftButton, {}, icon.center());
+  EXPECT_EQ(m_list->currentItem()->text(), QStringLiteral("Alpha"));
+  EXPECT_EQ(Status().indexOf(QStringLiteral("Opening")), -1) << "One click selects.";
+  QTest::mouseDClick(m_list->viewport(), Qt::LeftButton, {}, icon.center());
   EXPECT_TRUE(Until([&] { return trace.Lines().contains(QStringLiteral("5 1 101")); }));
 }
 
