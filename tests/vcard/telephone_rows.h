@@ -36,7 +36,8 @@ inline constexpr Row kStandard[] = {
     {"PreferredWorkKeepsItsPlace", "TEL;TYPE=WORK:1\nTEL;TYPE=WORK,PREF:2",
      "Business=1; Business2=2"},
     {"NoVoice",
-     "TEL;TYPE=PAGER:1\nTEL;TYPE=FAX:2\nTEL;TYPE=ISDN:3\nTEL;TYPE=MODEM:4\nTEL;TYPE=WORK,PAGER:5",
+     "TEL;TYPE=PAGER:1\nTEL;TYPE=FAX:2\nTEL;TYPE=ISDN:3\nTEL;TYPE=MODEM:4\nTEL;TYPE=WORK,PAGER:5\n"
+     "TEL;TYPE=TELEX:6\nTEL;TYPE=TTY:7\nTEL;TYPE=BBS:8",
      ""},
     {"WithoutAType", "TEL:1", "Mobile=1"},
     {"VoiceOnlyTakesWhatIsLeft", "TEL;TYPE=VOICE:1\nTEL;TYPE=CELL:2\nTEL;TYPE=HOME:3",
@@ -100,6 +101,14 @@ inline constexpr Row kAndroid[] = {
     {"WaitsAndPauses", "TEL;CELL:+15551234,,12;34", "Mobile=+15551234,,12;34", "2.1"},
 };
 
+inline constexpr Row kNokia[] = {
+    {"Telephones",
+     "TEL;PREF;CELL;VOICE:1\nTEL;VOICE;HOME:2\nTEL;VOICE;WORK:3\nTEL;FAX;WORK:4\nTEL;CAR;VOICE:5",
+     "Car=5; Mobile=1; Business=3; BusinessFax=4; Home=2", "2.1"},
+    {"EncodedNumber", "TEL;CELL;VOICE;ENCODING=QUOTED-PRINTABLE:=2B358=\n40=2D1", "Mobile=+35840-1",
+     "2.1"},
+};
+
 inline constexpr Row kVersion4[] = {
     {"QuotedList", "TEL;TYPE=\"cell,voice\":1", "Mobile=1", "4.0"},
     {"QuotedWorkFax", "TEL;TYPE=\"work,fax\":1", "BusinessFax=1", "4.0"},
@@ -110,6 +119,7 @@ inline constexpr Row kVersion4[] = {
     {"UriWithPercents", "TEL;VALUE=uri;TYPE=home:tel:%2B1%20555", "Home=+1 555", "4.0"},
     {"UriWithoutTheParameter", "TEL;TYPE=home:tel:123", "Home=123", "4.0"},
     {"UriOfAnotherKind", "TEL;VALUE=uri;TYPE=home:sip:ann@example.org", "", "4.0"},
+    {"UriOfAnotherKindQuoted", "TEL;VALUE=\"uri\";TYPE=home:sip:ann@example.org", "", "4.0"},
     {"PreferenceIsANumber", "TEL;TYPE=cell:1\nTEL;PREF=1;TYPE=cell:2", "Mobile=2", "4.0"},
 };
 
