@@ -31,6 +31,7 @@ TEST(CardMapping, ReadsANameWithoutAllOfItsParts) {
 TEST(CardMapping, TakesTheFormattedNameWhereThereIsNoOther) {
   EXPECT_EQ(NamesOf(Only("FN:Ann Lee", "4.0")), "|Ann Lee||");
   EXPECT_EQ(NamesOf(Only("N:;;;;\nFN:Ann Lee")), "|Ann Lee||");
+  EXPECT_EQ(NamesOf(Only("FN:Ann Lee\nFN;LANGUAGE=de:Anna Lee", "4.0")), "|Ann Lee||");
 }
 
 TEST(CardMapping, TakesNoCompanyForAName) {
@@ -108,6 +109,7 @@ TEST(CardMapping, JoinsFoldedLinesAlsoWithinACharacter) {
 TEST(CardMapping, ReadsTheIdentifier) {
   EXPECT_EQ(Only("UID:a-1\nN:Lee;;;;").uid, "a-1");
   EXPECT_EQ(Only("UID: \nN:Lee;;;;").uid, "");
+  EXPECT_EQ(Only("UID:a\nUID:b\nN:Lee;;;;").uid, "a");
   EXPECT_EQ(Only("N:Lee;;;;").uid, "");
 }
 

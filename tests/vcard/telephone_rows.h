@@ -75,6 +75,14 @@ inline constexpr Row kApple[] = {
      "Car=8; Radio=9; Mobile=1; Assistant=7; Business=3; BusinessFax=5; Home=2; HomeFax=4"},
     {"OwnLabels", "item1.TEL:1\nitem1.X-ABLabel:car\nitem2.TEL:2\nitem2.X-ABLabel:Work Fax",
      "Car=1; BusinessFax=2"},
+    {"OtherWordsForTheMobile",
+     "TEL:1\nitem1.TEL:2\nitem1.X-ABLabel:iPhone\nitem2.TEL:3\nitem2.X-ABLabel:Boat",
+     "Mobile=2; Home=1; Home2=3"},
+    {"CellularIsTheMobile", "TEL:1\nitem1.TEL:2\nitem1.X-ABLabel:Cellular", "Mobile=2; Home=1"},
+    {"OtherWordsForWork",
+     "item1.TEL:1\nitem1.X-ABLabel:Office\nitem2.TEL:2\nitem2.X-ABLabel:Business\n"
+     "item3.TEL:3\nitem3.X-ABLabel:BusinessFax",
+     "Business=1; Business2=2; BusinessFax=3"},
     {"LabelBeforeTheLine", "item1.X-ABLabel:_$!<Home>!$_\nitem1.TEL:1", "Home=1"},
     {"GroupsInOtherCase", "Item1.TEL:1\nitem1.X-ABLABEL:radio", "Radio=1"},
     {"UnknownLabelTakesWhatIsLeft", "item1.TEL:1\nitem1.X-ABLabel:Boat", "Mobile=1"},
@@ -126,6 +134,7 @@ inline constexpr Row kVersion4[] = {
 inline constexpr Row kNumbers[] = {
     {"BlanksAtTheEnds", "TEL;TYPE=CELL:  555 12 34  ", "Mobile=555 12 34"},
     {"Empty", "TEL;TYPE=CELL:\nTEL;TYPE=CELL:2", "Mobile=2"},
+    {"WithAColon", "TEL;TYPE=CELL:ext: 5", "Mobile=ext: 5"},
     {"Escaped", "TEL;TYPE=CELL:555\\,1\\;2", "Mobile=555,1;2"},
     {"Folded", "TEL;TYPE=CELL:555\n 1234", "Mobile=5551234"},
 };
