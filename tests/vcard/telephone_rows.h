@@ -88,6 +88,9 @@ inline constexpr Row kApple[] = {
     {"UnknownLabelTakesWhatIsLeft", "item1.TEL:1\nitem1.X-ABLabel:Boat", "Mobile=1"},
     {"LabelWithoutAGroupMeansNothing", "TEL:1\nX-ABLabel:radio", "Mobile=1"},
     {"MainAndPager", "TEL;type=MAIN:1\nTEL;type=PAGER:2", "Mobile=1"},
+    {"NoVoice",
+     "TEL;type=textphone:1\nTEL;type=DATA:2\nitem1.TEL:3\nitem1.X-ABLabel:TDD\nTEL;type=MAIN:4",
+     "Mobile=4"},
 };
 
 inline constexpr Row kAndroid[] = {
