@@ -69,6 +69,13 @@ TEST(VcardSplitter, PassesOverAByteOrderMark) {
   EXPECT_FALSE(cards.isDamaged);
 }
 
+TEST(VcardSplitter, PassesOverTheByteOrderMarksOfFilesThatWereJoined) {
+  const std::string file = "\xEF\xBB\xBF" + Named("A");
+  const Cards cards = ReadCards(file + file + "\xEF\xBB\xBF");
+  EXPECT_EQ(NamesIn(cards), "A.A.");
+  EXPECT_FALSE(cards.isDamaged);
+}
+
 TEST(VcardSplitter, TakesKeywordsInAnyCase) {
   const Cards cards = ReadCards("begin:vcard\nn:A;;;;\nend : vcard \n");
   EXPECT_EQ(NamesIn(cards), "A.");
