@@ -175,10 +175,16 @@ void ConnectionPage::OnDefault() {
 
 void ConnectionPage::Write(std::u16string_view valueName, std::u16string_view text,
                            std::size_t byteCount) {
-  if (m_key) {
-    // Each setting stands for itself, and the dialer has a default for each.
-    static_cast<void>(
-        m_key->Set(valueName, platform::RegistryType::kString, ToSettingValue(text, byteCount)));
+  if (!m_key) {
+    return;
+  }
+  // Each setting stands for itself, and the dialer has a default for each.
+  const RegistryError error =
+      m_key->Set(valueName, platform::RegistryType::kString, ToSettingValue(text, byteCount));
+  // Somebody has kept the store for as long as a write waits. Waiting as long again for each of the
+  // others would leave the window dead under the user's OK.
+  if (error == RegistryError::kBusy) {
+    m_key.reset();
   }
 }
 

@@ -23,7 +23,7 @@ class ConnectionPage final : public framework::CPropertyPage {
   void OnCommand(int id, platform::CommandEvent event) override;
 
   /// Stores what the page shows, and closes the key. A setting that cannot be written stays as it
-  /// was, and nothing is said about it.
+  /// was, and nothing is said about it; so do all that follow one that found the store busy.
   void OnOK() override;
 
  private:

@@ -11,6 +11,11 @@ RegistryError ToRegistryError(int resultCode) {
   if (resultCode == SQLITE_CONSTRAINT_FOREIGNKEY) {
     return RegistryError::kNotFound;
   }
+  // Even a reader makes the index beside the log. Where that has no room the library does not speak
+  // of a full medium.
+  if (resultCode == SQLITE_IOERR_SHMSIZE) {
+    return RegistryError::kFull;
+  }
   constexpr int kPrimaryCode = 0xFF;
   switch (resultCode & kPrimaryCode) {
     case SQLITE_OK:

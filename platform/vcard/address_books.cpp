@@ -90,6 +90,9 @@ bool AddressBooks::LogonToDefault() {
   if (hasContacts && TakeContacts(books)) {
     return true;
   }
+  if (m_problem == Problem::kStore) {
+    return false;  // Which book the tags belong to is not known.
+  }
   Logoff();
   // A desktop that comes up, or fails, after tags were recorded with the file changes nothing.
   if (result == ReadResult::kUnreadable && !IsAnyOidInUse()) {

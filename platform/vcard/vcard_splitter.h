@@ -44,7 +44,6 @@ class VcardSplitter {
   LogicalLines m_lines;
   Card m_card;
   std::size_t m_nesting = 0;  ///< Cards within the card, as the agents of vCard 2.1 are written.
-  bool m_isFirstLine = true;
   bool m_isInCard = false;
   bool m_isAgentDue = false;  ///< The line before announced a card within the card.
   bool m_isDamaged = false;

@@ -67,6 +67,19 @@ TEST_F(ConnectionPageFaults, AStoreThatGoesAwayKeepsWhatWasWrittenAndSaysNothing
   EXPECT_TRUE(m_ui.GetMessages().empty());
 }
 
+TEST_F(ConnectionPageFaults, AStoreThatIsBusyIsWaitedForOnce) {
+  for (std::size_t call = 1; call <= kValues.size(); ++call) {
+    OpenChanged();
+    m_failing.FailCall(call, Failing::kOnce, RegistryError::kBusy);
+    m_page->OnOK();
+    EXPECT_EQ(m_failing.CountCalls(), call);
+    for (std::size_t i = 0; i < kValues.size(); ++i) {
+      EXPECT_EQ(Stored(kValues[i]), i + 1 < call ? m_new[i] : m_old[i]) << call << ' ' << i;
+    }
+  }
+  EXPECT_TRUE(m_ui.GetMessages().empty());
+}
+
 TEST_F(ConnectionPageFaults, OpeningShowsStoredOrDefaultWhicheverCallFails) {
   PutPort(u"1", u"COM1:");
   PutPort(u"2", u"COM2:");

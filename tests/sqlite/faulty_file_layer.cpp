@@ -64,6 +64,14 @@ int Sync(sqlite3_file*, int) {
   return CountCall() == SQLITE_OK ? SQLITE_OK : SQLITE_IOERR_FSYNC;
 }
 
+int MapShared(sqlite3_file* file, int page, int pageSize, int extend, void volatile** memory) {
+  const int fault = extend == 0 ? SQLITE_OK : CountCall();
+  if (fault != SQLITE_OK) {
+    return fault == SQLITE_FULL ? SQLITE_IOERR_SHMSIZE : SQLITE_IOERR_SHMMAP;
+  }
+  return Methods(file)->xShmMap(SystemFile(file), page, pageSize, extend, memory);
+}
+
 const sqlite3_io_methods kMethods{
     3,
     [](sqlite3_file* file) { return Methods(file)->xClose(SystemFile(file)); },
@@ -86,9 +94,7 @@ const sqlite3_io_methods kMethods{
     },
     [](sqlite3_file* file) { return Methods(file)->xSectorSize(SystemFile(file)); },
     [](sqlite3_file* file) { return Methods(file)->xDeviceCharacteristics(SystemFile(file)); },
-    [](sqlite3_file* file, int page, int pageSize, int extend, void volatile** memory) {
-      return Methods(file)->xShmMap(SystemFile(file), page, pageSize, extend, memory);
-    },
+    MapShared,
     [](sqlite3_file* file, int offset, int count, int flags) {
       return Methods(file)->xShmLock(SystemFile(file), offset, count, flags);
     },

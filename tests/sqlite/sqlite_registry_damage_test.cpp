@@ -2,6 +2,10 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
+#include <cstddef>
+#include <set>
+#include <string>
+
 #include "platform/sqlite/sqlite_registry.h"
 #include "tests/sqlite/raw_database.h"
 #include "tests/support/registry_access.h"
@@ -18,6 +22,23 @@ using support::WriteFileContent;
 namespace {
 
 constexpr std::size_t kPageSize = 4096;
+
+/// The numbers, from 1, of the pages that a write-ahead log holds.
+std::set<std::size_t> PagesInLog(const std::string& log) {
+  constexpr std::size_t kLogHeader = 32;
+  constexpr std::size_t kFrameHeader = 24;
+  constexpr std::size_t kNumberBytes = 4;
+  std::set<std::size_t> pages;
+  for (std::size_t frame = kLogHeader; frame + kFrameHeader + kPageSize <= log.size();
+       frame += kFrameHeader + kPageSize) {
+    std::size_t number = 0;
+    for (std::size_t i = 0; i < kNumberBytes; ++i) {
+      number = number << 8U | static_cast<unsigned char>(log[frame + i]);
+    }
+    pages.insert(number);
+  }
+  return pages;
+}
 
 /// A place for a database that is not what it should be.
 class SqliteRegistryDamage : public testing::Test {
@@ -88,6 +109,32 @@ TEST_F(SqliteRegistryDamage, AnOverwrittenPageIsNoticedBeforeAnythingIsWritten) 
   }
 }
 
+TEST_F(SqliteRegistryDamage, TheLogBesideAnOverwrittenPageIsNotMovedIntoTheStore) {
+  MakeStore();
+  std::string whole;
+  std::string log;
+  {
+    SqliteRegistry registry(Database());
+    ASSERT_EQ(PutText(registry, u"tags\\one more", u"contact", u"1"), RegistryError::kNone);
+    whole = FileContent(Database());
+    log = FileContent(Database().string() + "-wal");
+  }
+  const std::set<std::size_t> logged = PagesInLog(log);
+  ASSERT_FALSE(logged.empty());
+  for (std::size_t page = 1; page * kPageSize < whole.size(); ++page) {
+    if (logged.contains(page + 1)) {
+      continue;
+    }
+    SCOPED_TRACE(page);
+    WriteFileContent(Database(),
+                     std::string(whole).replace(page * kPageSize, kPageSize, kPageSize, '\xA5'));
+    WriteFileContent(Database().string() + "-wal", log);
+    std::filesystem::remove(Database().string() + "-shm");
+    ExpectRefused(RegistryError::kDamaged);
+    EXPECT_EQ(FileContent(Database().string() + "-wal"), log);
+  }
+}
+
 TEST_F(SqliteRegistryDamage, FlippedBytesNeverCrash) {
   MakeStore();
   const std::string whole = FileContent(Database());
@@ -113,6 +160,15 @@ TEST_F(SqliteRegistryDamage, ADatabaseOfAnotherProgramIsRefusedAndKept) {
   {
     RawDatabase raw(Database());
     ASSERT_EQ(raw.Execute("CREATE TABLE diary (entry TEXT)"), SQLITE_OK);
+  }
+  ExpectRefused(RegistryError::kDamaged);
+}
+
+TEST_F(SqliteRegistryDamage, AStoreThatSaysItIsAnotherProgramsIsRefusedAndKept) {
+  MakeStore();
+  {
+    RawDatabase raw(Database());
+    ASSERT_EQ(raw.Execute("PRAGMA application_id = 7"), SQLITE_OK);
   }
   ExpectRefused(RegistryError::kDamaged);
 }

@@ -161,6 +161,16 @@ TEST_P(SqliteRegistryFaults, AStoreThatCannotBeMadeIsMadeByALaterCall) {
   EXPECT_LT(call, kMostCalls);
 }
 
+TEST_P(SqliteRegistryFaults, AStoreThatCannotEvenBeReadTellsWhyAndIsReadLater) {
+  ASSERT_EQ(PutText(*std::make_unique<SqliteRegistry>(Database(), Options()), u"a", u"v", kOldText),
+            RegistryError::kNone);
+  SqliteRegistry registry(Database(), Options());
+  Layer().FailFrom(1, GetParam());
+  EXPECT_EQ(registry.OpenKey(u"a").error, Expected()) << "the index beside the log is made first";
+  Layer().Heal();
+  EXPECT_EQ(BytesOf(registry, u"a", u"v"), Terminated(kOldText));
+}
+
 INSTANTIATE_TEST_SUITE_P(Writing, SqliteRegistryFaults,
                          testing::Values(FaultyFileLayer::Fault::kDiskFull,
                                          FaultyFileLayer::Fault::kWriteError),

@@ -184,6 +184,35 @@ TEST(SqliteRegistry, AStoreThatIsLockedWhenItIsFirstUsedIsFoundWhenItIsFree) {
   EXPECT_EQ(registry.CreateKey(u"a").error, RegistryError::kNone);
 }
 
+TEST(SqliteRegistry, AStoreThatAnotherProgramKeepsWithoutALogIsUsedAllTheSame) {
+  const Folder folder;
+  ASSERT_EQ(PutText(*std::make_unique<SqliteRegistry>(folder.Database()), u"a", u"v", u"old"),
+            RegistryError::kNone);
+  RawDatabase other(folder.Database());
+  ASSERT_EQ(other.Execute("PRAGMA journal_mode = DELETE; BEGIN; SELECT * FROM registry_key"),
+            SQLITE_OK);
+  SqliteRegistry registry(folder.Database(), Impatient());
+  EXPECT_EQ(BytesOf(registry, u"a", u"v"), Utf16Bytes(std::u16string_view(u"old\0", 4)));
+  EXPECT_EQ(PutText(registry, u"a", u"v", u"new"), RegistryError::kBusy);
+  ASSERT_EQ(other.Execute("COMMIT"), SQLITE_OK);
+  EXPECT_EQ(PutText(registry, u"a", u"v", u"new"), RegistryError::kNone);
+}
+
+TEST(SqliteRegistry, NumbersOfRowsAreNeverUsedAgain) {
+  const Folder folder;
+  SqliteRegistry registry(folder.Database());
+  RawDatabase raw(folder.Database());
+  const std::string lastKey = "SELECT max(id) FROM registry_key";
+  const std::string lastValue = "SELECT max(id) FROM registry_value";
+  ASSERT_EQ(PutText(registry, u"a", u"v", u"text"), RegistryError::kNone);
+  const std::string key = raw.Text(lastKey);
+  const std::string value = raw.Text(lastValue);
+  ASSERT_EQ(registry.DeleteKey(u"a"), RegistryError::kNone);
+  ASSERT_EQ(PutText(registry, u"b", u"v", u"text"), RegistryError::kNone);
+  EXPECT_NE(raw.Text(lastKey), key);
+  EXPECT_NE(raw.Text(lastValue), value);
+}
+
 TEST(SqliteRegistry, AMissingFolderIsAnErrorUntilItIsThere) {
   const Folder folder;
   const auto deep = folder.Database().parent_path() / "deep";

@@ -116,18 +116,31 @@ TEST_F(RegistryFileReading, JoinsContinuedLinesOfBytes) {
   Import(
       u"[HKEY_LOCAL_MACHINE\\a]\r\n"
       u"\"v\"=hex(1):01,02,\\\r\n  03,\\ \n\t04\r\n"
-      u"\"w\"=hex:\\\r\n  05\r\n");
+      u"\"w\"=hex:\\\r\n  05\r\n"
+      u"\"x\"=hex:06,\\\r\n  \\\r\n  07\r\n");
   EXPECT_EQ(Value(u"a", u"v").bytes, SomeBytes({1, 2, 3, 4}));
   EXPECT_EQ(Value(u"a", u"w").bytes, SomeBytes({5}));
+  EXPECT_EQ(Value(u"a", u"x").bytes, SomeBytes({6, 7}));
 }
 
 TEST_F(RegistryFileReading, PassesOverCommentsBlanksAndEmptyLines) {
   Import(
       u"\r\n ; a comment\r\n\t[HKEY_LOCAL_MACHINE\\a] \r\n;\r\n"
-      u" \"v\" = dword:1 ; one\r\n\"w\"=hex:02 ; two\r\n\"x\"=\"3\";three\r\n  ");
+      u" \"v\" = dword:1 ; one\r\n\"w\"=hex:02 ; two\r\n\"x\"=\"3\";three\r\n"
+      u"\"y\"=hex: ; nothing\r\n[HKEY_LOCAL_MACHINE\\b]\t \r\n  ");
   EXPECT_EQ(Value(u"a", u"v").bytes, SomeBytes({1, 0, 0, 0}));
   EXPECT_EQ(Value(u"a", u"w").bytes, SomeBytes({2}));
   EXPECT_EQ(Value(u"a", u"x").bytes, SomeBytes({'3', 0, 0, 0}));
+  EXPECT_THAT(Value(u"a", u"y").bytes, IsEmpty());
+  EXPECT_TRUE(KeyExists(m_registry, u"b"));
+}
+
+TEST_F(RegistryFileReading, WordsOfTypesAreTakenInAnyLetterCase) {
+  Import(u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=DWORD:1A\r\n\"w\"=Hex(B):0C\r\n");
+  EXPECT_EQ(Value(u"a", u"v").type, RegistryType::kDword);
+  EXPECT_EQ(Value(u"a", u"v").bytes, SomeBytes({0x1A, 0, 0, 0}));
+  EXPECT_EQ(Value(u"a", u"w").type, static_cast<RegistryType>(0xB));
+  EXPECT_EQ(Value(u"a", u"w").bytes, SomeBytes({0x0C}));
 }
 
 TEST_F(RegistryFileReading, TakesLinesThatEndWithALineFeedAlone) {
@@ -218,6 +231,7 @@ TEST_F(RegistryFileRefusal, TellsTheLineOfEachMistake) {
       {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=\"a\\", 3, "\"\\\" in a text"},
       {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=\"a\r\nb\r\n", 3, "not closed"},
       {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=\"a\" b\r\n", 3, "behind the value"},
+      {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=\"a\r\nb\nc\"\r\nnonsense\r\n", 6, "neither a key"},
       {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=-1\r\n", 3, "behind the value"},
       {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=dword:\r\n", 3, "one to eight"},
       {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=dword:123456789\r\n", 3, "one to eight"},
@@ -341,6 +355,7 @@ TEST_F(RegistryFileWriting, ATextThatIsNotExactlyTextAndTerminatorIsWrittenAsByt
       {SomeBytes({'a', 0}), u"hex(1):61,00"},
       {SomeBytes({'a', 0, 0, 0, 0, 0}), u"hex(1):61,00,00,00,00,00"},
       {SomeBytes({'a', 0, 0}), u"hex(1):61,00,00"},
+      {SomeBytes({'a', 0, 0, 0, 5}), u"hex(1):61,00,00,00,05"},
       {SomeBytes({'\n', 0, 0, 0}), u"hex(1):0a,00,00,00"},
       {SomeBytes({0x7F, 0, 0, 0}), u"hex(1):7f,00,00,00"},
       {SomeBytes({0xFF, 0xFE, 0, 0}), u"hex(1):ff,fe,00,00"},

@@ -343,6 +343,26 @@ TEST_F(AddressBooksDefault, AFileThatIsAwayIsNotReplacedByTheDesktop) {
   EXPECT_FALSE(Start());
 }
 
+TEST_F(AddressBooksDefault, AStoreThatTakesNoNumbersIsNoReasonToPassOverTheDesktop) {
+  m_inUse = std::vector<std::int32_t>();
+  SetDesktopTo({Contact("a", u"Lee")});
+  support::FailingRegistry failing(m_registry);
+  AddressBooks::Options options;
+  options.desktop = &m_desktop;
+  bool hasFailed = true;
+  for (std::size_t call = 1; hasFailed; ++call) {
+    failing.FailCall(call, support::Failing::kOnce, platform::RegistryError::kBusy);
+    m_store = std::make_unique<AddressBooks>(m_files, failing, options);
+    const bool isOpen = m_store->Connect() && m_store->Logon();
+    hasFailed = failing.HasFailed();
+    EXPECT_EQ(isOpen, !hasFailed) << call;
+    EXPECT_EQ(Names(), hasFailed ? "" : "Lee.") << call;
+    EXPECT_EQ(m_store->GetProblem(),
+              hasFailed ? AddressBooks::Problem::kStore : AddressBooks::Problem::kNone)
+        << call;
+  }
+}
+
 TEST_F(AddressBooksInUse, TagsThatCannotBeCountedEndTheLogon) {
   m_inUse = std::nullopt;
   ExpectRefused();

@@ -31,6 +31,7 @@ TEST(CardMapping, ReadsANameWithoutAllOfItsParts) {
 TEST(CardMapping, TakesTheFormattedNameWhereThereIsNoOther) {
   EXPECT_EQ(NamesOf(Only("FN:Ann Lee", "4.0")), "|Ann Lee||");
   EXPECT_EQ(NamesOf(Only("N:;;;;\nFN:Ann Lee")), "|Ann Lee||");
+  EXPECT_EQ(NamesOf(Only("FN:Ann Lee\nFN;LANGUAGE=de:Anna Lee", "4.0")), "|Ann Lee||");
 }
 
 TEST(CardMapping, TakesNoCompanyForAName) {
@@ -70,6 +71,18 @@ TEST(CardMapping, JoinsQuotedPrintableOverSeveralLines) {
             "李|安||Acme Works");
 }
 
+TEST(CardMapping, AnEqualsSignGoesOnInQuotedPrintableAlone) {
+  // Pictures in base64 end with it; a card has both kinds of lines in any order.
+  const std::string picture = "PHOTO;ENCODING=BASE64;JPEG:\n /9j/4AAQSkZJRg==\n";
+  const std::string name = "N;ENCODING=QUOTED-PRINTABLE:Le=\ne;An=\nn;;;\n";
+  for (const std::string& lines : {name + picture + "TEL;CELL:1", picture + name + "TEL;CELL:1",
+                                   name + picture + "TEL;CELL:1\n" + picture}) {
+    const ContactData contact = Only(lines, "2.1");
+    EXPECT_EQ(NamesOf(contact), "Lee|Ann||");
+    EXPECT_EQ(NumbersOf(contact), "Mobile=1");
+  }
+}
+
 TEST(CardMapping, ReadsEightBitTextInItsCharacterSet) {
   EXPECT_EQ(NamesOf(Only("N;CHARSET=ISO-8859-2:\xA3uk;;;;", "2.1")), "Łuk|||");
 }
@@ -96,6 +109,7 @@ TEST(CardMapping, JoinsFoldedLinesAlsoWithinACharacter) {
 TEST(CardMapping, ReadsTheIdentifier) {
   EXPECT_EQ(Only("UID:a-1\nN:Lee;;;;").uid, "a-1");
   EXPECT_EQ(Only("UID: \nN:Lee;;;;").uid, "");
+  EXPECT_EQ(Only("UID:a\nUID:b\nN:Lee;;;;").uid, "a");
   EXPECT_EQ(Only("N:Lee;;;;").uid, "");
 }
 

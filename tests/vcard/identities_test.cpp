@@ -53,5 +53,15 @@ TEST(Identities, ARepeatedIdentifierLeavesTheFirstContactItsOwn) {
   EXPECT_EQ(Of({Contact("a", u"Lee"), Contact("a", u"Ray")})[0], Of({Contact("a", u"Lee")})[0]);
 }
 
+// Else a contact would take over the number, and with it the tags, of one that was deleted.
+TEST(Identities, ARepeatedIdentifierIsToldApartByContentAndNotByPlace) {
+  const auto before = Of({Contact("a", u"Lee"), Contact("a", u"Ray"), Contact("a", u"Zoe"),
+                          Contact("b", u"Lee"), Contact("b", u"Ray")});
+  const auto after =
+      Of({Contact("a", u"Lee"), Contact("a", u"Zoe"), Contact("b", u"Lee"), Contact("b", u"Ray")});
+  EXPECT_EQ(after[1], before[2]);
+  EXPECT_EQ(after[3], before[4]);
+}
+
 }  // namespace
 }  // namespace vcard

@@ -153,12 +153,24 @@ TEST_F(OidMapTest, ALogonThatMeetsNobodyNewWritesNothing) {
 TEST_F(OidMapTest, SeesWhatAnotherProcessGaveSinceItWasLoaded) {
   OidMap map(m_registry);
   ASSERT_TRUE(map.Load());
-  const Oids given = Assign(u"book", {"a"});
+  const Oids given = Assign(u"book", {"a", "deleted since"});
   std::vector<Oids> oids;
   const SourceContacts contacts[] = {{u"book", {"b", "a"}}};
   ASSERT_TRUE(map.Assign(contacts, oids));
   EXPECT_EQ(oids[0][1], given[0]);
-  EXPECT_EQ(support::BytesOf(m_registry, kFirstBook, u"0").size(), 40U);
+  EXPECT_EQ(support::BytesOf(m_registry, kFirstBook, u"0").size(), 60U);
+  EXPECT_TRUE(map.Belongs(given[1], u"book"));
+}
+
+TEST_F(OidMapTest, ANewBookTakesNoKeyOfAnother) {
+  // Keys that were imported come in any order.
+  ASSERT_EQ(support::PutText(m_registry, std::u16string(kKey) + u"\\2", u"source", u"two"),
+            RegistryError::kNone);
+  ASSERT_EQ(support::PutText(m_registry, kFirstBook, u"source", u"one"), RegistryError::kNone);
+  static_cast<void>(Assign(u"new", {"a"}));
+  EXPECT_EQ(support::BytesOf(m_registry, std::u16string(kKey) + u"\\2", u"source"),
+            support::Utf16Bytes(std::u16string_view(u"two\0", 4)));
+  EXPECT_TRUE(support::KeyExists(m_registry, std::u16string(kKey) + u"\\3"));
 }
 
 TEST_F(OidMapTest, AnyFailureOfTheStoreLeavesAllOrNothing) {
@@ -208,6 +220,18 @@ TEST_F(OidMapTest, StoredNonsenseIsAFailureAndNotAReasonToStartAfresh) {
   ASSERT_EQ(support::PutText(m_registry, std::u16string(kKey) + u"\\2", u"source", u"book"),
             RegistryError::kNone);
   EXPECT_TRUE(cannotLoad());
+}
+
+TEST_F(OidMapTest, ANumberOfTwoBooksIsAFailure) {
+  static_cast<void>(Assign(u"book", {"a"}));
+  static_cast<void>(Assign(u"other", {"b"}));
+  const std::u16string second = std::u16string(kKey) + u"\\2";
+  auto bytes = support::BytesOf(m_registry, second, u"0");
+  const auto first = support::BytesOf(m_registry, kFirstBook, u"0");
+  std::copy(first.begin() + 16, first.end(), bytes.begin() + 16);
+  ASSERT_EQ(support::Put(m_registry, second, u"0", RegistryType::kBinary, bytes),
+            RegistryError::kNone);
+  EXPECT_FALSE(OidMap(m_registry).Load());
 }
 
 TEST_F(OidMapTest, AKeyThatNamesNoBookIsAFailure) {

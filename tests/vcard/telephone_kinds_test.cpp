@@ -29,6 +29,7 @@ INSTANTIATE_TEST_SUITE_P(Evolution, TelephoneKinds, testing::ValuesIn(vcard_test
 INSTANTIATE_TEST_SUITE_P(Outlook, TelephoneKinds, testing::ValuesIn(vcard_test::kOutlook));
 INSTANTIATE_TEST_SUITE_P(Apple, TelephoneKinds, testing::ValuesIn(vcard_test::kApple));
 INSTANTIATE_TEST_SUITE_P(Android, TelephoneKinds, testing::ValuesIn(vcard_test::kAndroid));
+INSTANTIATE_TEST_SUITE_P(Nokia, TelephoneKinds, testing::ValuesIn(vcard_test::kNokia));
 INSTANTIATE_TEST_SUITE_P(Version4, TelephoneKinds, testing::ValuesIn(vcard_test::kVersion4));
 INSTANTIATE_TEST_SUITE_P(Numbers, TelephoneKinds, testing::ValuesIn(vcard_test::kNumbers));
 

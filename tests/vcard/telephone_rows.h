@@ -36,7 +36,8 @@ inline constexpr Row kStandard[] = {
     {"PreferredWorkKeepsItsPlace", "TEL;TYPE=WORK:1\nTEL;TYPE=WORK,PREF:2",
      "Business=1; Business2=2"},
     {"NoVoice",
-     "TEL;TYPE=PAGER:1\nTEL;TYPE=FAX:2\nTEL;TYPE=ISDN:3\nTEL;TYPE=MODEM:4\nTEL;TYPE=WORK,PAGER:5",
+     "TEL;TYPE=PAGER:1\nTEL;TYPE=FAX:2\nTEL;TYPE=ISDN:3\nTEL;TYPE=MODEM:4\nTEL;TYPE=WORK,PAGER:5\n"
+     "TEL;TYPE=TELEX:6\nTEL;TYPE=TTY:7\nTEL;TYPE=BBS:8",
      ""},
     {"WithoutAType", "TEL:1", "Mobile=1"},
     {"VoiceOnlyTakesWhatIsLeft", "TEL;TYPE=VOICE:1\nTEL;TYPE=CELL:2\nTEL;TYPE=HOME:3",
@@ -74,11 +75,22 @@ inline constexpr Row kApple[] = {
      "Car=8; Radio=9; Mobile=1; Assistant=7; Business=3; BusinessFax=5; Home=2; HomeFax=4"},
     {"OwnLabels", "item1.TEL:1\nitem1.X-ABLabel:car\nitem2.TEL:2\nitem2.X-ABLabel:Work Fax",
      "Car=1; BusinessFax=2"},
+    {"OtherWordsForTheMobile",
+     "TEL:1\nitem1.TEL:2\nitem1.X-ABLabel:iPhone\nitem2.TEL:3\nitem2.X-ABLabel:Boat",
+     "Mobile=2; Home=1; Home2=3"},
+    {"CellularIsTheMobile", "TEL:1\nitem1.TEL:2\nitem1.X-ABLabel:Cellular", "Mobile=2; Home=1"},
+    {"OtherWordsForWork",
+     "item1.TEL:1\nitem1.X-ABLabel:Office\nitem2.TEL:2\nitem2.X-ABLabel:Business\n"
+     "item3.TEL:3\nitem3.X-ABLabel:BusinessFax",
+     "Business=1; Business2=2; BusinessFax=3"},
     {"LabelBeforeTheLine", "item1.X-ABLabel:_$!<Home>!$_\nitem1.TEL:1", "Home=1"},
     {"GroupsInOtherCase", "Item1.TEL:1\nitem1.X-ABLABEL:radio", "Radio=1"},
     {"UnknownLabelTakesWhatIsLeft", "item1.TEL:1\nitem1.X-ABLabel:Boat", "Mobile=1"},
     {"LabelWithoutAGroupMeansNothing", "TEL:1\nX-ABLabel:radio", "Mobile=1"},
     {"MainAndPager", "TEL;type=MAIN:1\nTEL;type=PAGER:2", "Mobile=1"},
+    {"NoVoice",
+     "TEL;type=textphone:1\nTEL;type=DATA:2\nitem1.TEL:3\nitem1.X-ABLabel:TDD\nTEL;type=MAIN:4",
+     "Mobile=4"},
 };
 
 inline constexpr Row kAndroid[] = {
@@ -100,6 +112,14 @@ inline constexpr Row kAndroid[] = {
     {"WaitsAndPauses", "TEL;CELL:+15551234,,12;34", "Mobile=+15551234,,12;34", "2.1"},
 };
 
+inline constexpr Row kNokia[] = {
+    {"Telephones",
+     "TEL;PREF;CELL;VOICE:1\nTEL;VOICE;HOME:2\nTEL;VOICE;WORK:3\nTEL;FAX;WORK:4\nTEL;CAR;VOICE:5",
+     "Car=5; Mobile=1; Business=3; BusinessFax=4; Home=2", "2.1"},
+    {"EncodedNumber", "TEL;CELL;VOICE;ENCODING=QUOTED-PRINTABLE:=2B358=\n40=2D1", "Mobile=+35840-1",
+     "2.1"},
+};
+
 inline constexpr Row kVersion4[] = {
     {"QuotedList", "TEL;TYPE=\"cell,voice\":1", "Mobile=1", "4.0"},
     {"QuotedWorkFax", "TEL;TYPE=\"work,fax\":1", "BusinessFax=1", "4.0"},
@@ -110,12 +130,14 @@ inline constexpr Row kVersion4[] = {
     {"UriWithPercents", "TEL;VALUE=uri;TYPE=home:tel:%2B1%20555", "Home=+1 555", "4.0"},
     {"UriWithoutTheParameter", "TEL;TYPE=home:tel:123", "Home=123", "4.0"},
     {"UriOfAnotherKind", "TEL;VALUE=uri;TYPE=home:sip:ann@example.org", "", "4.0"},
+    {"UriOfAnotherKindQuoted", "TEL;VALUE=\"uri\";TYPE=home:sip:ann@example.org", "", "4.0"},
     {"PreferenceIsANumber", "TEL;TYPE=cell:1\nTEL;PREF=1;TYPE=cell:2", "Mobile=2", "4.0"},
 };
 
 inline constexpr Row kNumbers[] = {
     {"BlanksAtTheEnds", "TEL;TYPE=CELL:  555 12 34  ", "Mobile=555 12 34"},
     {"Empty", "TEL;TYPE=CELL:\nTEL;TYPE=CELL:2", "Mobile=2"},
+    {"WithAColon", "TEL;TYPE=CELL:ext: 5", "Mobile=ext: 5"},
     {"Escaped", "TEL;TYPE=CELL:555\\,1\\;2", "Mobile=555,1;2"},
     {"Folded", "TEL;TYPE=CELL:555\n 1234", "Mobile=5551234"},
 };

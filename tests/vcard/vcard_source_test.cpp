@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "platform/headless/memory_file_system.h"
 #include "tests/support/failing_file_system.h"
@@ -15,6 +18,51 @@ namespace {
 std::string Named(const std::string& name) {
   return WriteCard("N:" + name + ";;;;\nTEL;TYPE=CELL:1");
 }
+
+/// Finds files in the order opposite to that of another one: systems promise none.
+class BackwardsFileSystem final : public platform::FileSystem {
+ public:
+  explicit BackwardsFileSystem(platform::FileSystem& files) : m_files(files) {}
+
+  platform::OpenedFile Open(std::u16string_view path, const platform::OpenMode& mode) override {
+    return m_files.Open(path, mode);
+  }
+  platform::FileError Delete(std::u16string_view path) override { return m_files.Delete(path); }
+  platform::FileError Replace(std::u16string_view from, std::u16string_view to) override {
+    return m_files.Replace(from, to);
+  }
+  platform::FileError CreateFolder(std::u16string_view path) override {
+    return m_files.CreateFolder(path);
+  }
+  platform::StartedSearch FindFirst(std::u16string_view pattern) override {
+    platform::StartedSearch started = m_files.FindFirst(pattern);
+    auto search = std::make_unique<Search>();
+    for (platform::FileError error = started.error; error == platform::FileError::kNone;
+         error = started.search->Next(started.first)) {
+      search->found.push_back(started.first);
+    }
+    if (started.search) {
+      started.error = search->Next(started.first);
+      started.search = std::move(search);
+    }
+    return started;
+  }
+
+ private:
+  struct Search final : platform::FileSearch {
+    platform::FileError Next(platform::FoundFile& file) override {
+      if (found.empty()) {
+        return platform::FileError::kNoMoreFiles;
+      }
+      file = found.back();
+      found.pop_back();
+      return platform::FileError::kNone;
+    }
+    std::vector<platform::FoundFile> found;
+  };
+
+  platform::FileSystem& m_files;
+};
 
 class VcardSourceTest : public testing::Test {
  protected:
@@ -63,6 +111,34 @@ TEST_F(VcardSourceTest, ReadsTheFilesOfAFolderInTheOrderOfTheirNames) {
   Put(u"/cards/deeper/e.vcf", Named("E"));
   EXPECT_EQ(Read(u"/cards"), "A.B.C.D.");
   EXPECT_TRUE(m_book.isComplete);
+}
+
+TEST_F(VcardSourceTest, TheOrderOfAFolderIsThatOfTheNamesHoweverTheyAreFound) {
+  Put(u"/cards/a.vcf", Named("A"));
+  Put(u"/cards/b.vcf", Named("B"));
+  Put(u"/cards/c.vcf", Named("C"));
+  BackwardsFileSystem backwards(m_files);
+  std::vector<Book> books;
+  ASSERT_EQ(VcardSource(backwards, u"/cards").Read(books), ReadResult::kRead);
+  ASSERT_EQ(books[0].contacts.size(), 3U);
+  EXPECT_EQ(books[0].contacts.front().lastName, u"A");
+  EXPECT_EQ(books[0].contacts.back().lastName, u"C");
+}
+
+TEST_F(VcardSourceTest, AFolderNamedAsACardIsPassedOver) {
+  Put(u"/cards/a.vcf", Named("A"));
+  Put(u"/cards/deeper.vcf/b.vcf", Named("B"));
+  EXPECT_EQ(Read(u"/cards"), "A.");
+  EXPECT_TRUE(m_book.isComplete);
+}
+
+TEST_F(VcardSourceTest, AFileThatAnotherProgramReadsIsReadToo) {
+  Put(u"/all.vcf", Named("A"));
+  const platform::OpenedFile other =
+      m_files.Open(u"/all.vcf", {platform::FileAccess::kRead, platform::FileShare::kRead,
+                                 platform::FileCreation::kOpenExisting});
+  ASSERT_TRUE(other.file);
+  EXPECT_EQ(Read(u"/all.vcf"), "A.");
 }
 
 TEST_F(VcardSourceTest, AFolderIsTheSameBookWithASlashAtItsEnd) {

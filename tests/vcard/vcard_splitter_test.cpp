@@ -49,6 +49,14 @@ TEST(VcardSplitter, TakesEveryEndOfLine) {
   }
 }
 
+TEST(VcardSplitter, EndsOfLinesMayChangeWithinTheStream) {
+  for (const std::size_t size : {1U, 2U, 100U}) {
+    const Cards cards = ReadCards("BEGIN:VCARD\r\nN:A\nTEL:1\rEND:VCARD\r\n" + Named("B"), size);
+    EXPECT_EQ(NamesIn(cards), "A.B.") << size;
+    EXPECT_FALSE(cards.isDamaged);
+  }
+}
+
 TEST(VcardSplitter, NeedsNoEndOfTheLastLine) {
   const Cards cards = ReadCards("BEGIN:VCARD\nN:A;;;;\nEND:VCARD");
   EXPECT_EQ(NamesIn(cards), "A.");
@@ -58,6 +66,13 @@ TEST(VcardSplitter, NeedsNoEndOfTheLastLine) {
 TEST(VcardSplitter, PassesOverAByteOrderMark) {
   const Cards cards = ReadCards("\xEF\xBB\xBF" + Named("A"));
   EXPECT_EQ(NamesIn(cards), "A.");
+  EXPECT_FALSE(cards.isDamaged);
+}
+
+TEST(VcardSplitter, PassesOverTheByteOrderMarksOfFilesThatWereJoined) {
+  const std::string file = "\xEF\xBB\xBF" + Named("A");
+  const Cards cards = ReadCards(file + file + "\xEF\xBB\xBF");
+  EXPECT_EQ(NamesIn(cards), "A.A.");
   EXPECT_FALSE(cards.isDamaged);
 }
 
