@@ -46,12 +46,17 @@ std::optional<Bytes> ReadLanguageFile(Session& session, const std::string& name)
   return bytes;
 }
 
+/// Where there is such a file it is left alone: somebody may have translated it.
 bool WriteLanguageFile(Session& session, const std::string& name, const Bytes& bytes) {
   using platform::FileError;
   const platform::Platform platform = session.GetPlatform();
   const platform::OpenMode mode{platform::FileAccess::kWrite, platform::FileShare::kNone,
-                                platform::FileCreation::kCreateAlways};
+                                platform::FileCreation::kOpenAlways};
   const platform::OpenedFile opened = platform.files.Open(Session::ToSystemPath(name), mode);
+  if (opened.file && opened.file->GetLength().value_or(0) > 0) {
+    session.Fail(fmt::format("{}: there is such a file already; it was left as it is", name));
+    return false;
+  }
   const bool isWritten = opened.file && opened.file->Write(bytes) == FileError::kNone &&
                          opened.file->Close() == FileError::kNone;
   if (!isWritten) {

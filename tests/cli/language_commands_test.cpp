@@ -96,6 +96,16 @@ TEST_F(LanguageCommands, WriteTheTemplateToAFileOrToStandardOutput) {
   EXPECT_EQ(RunJson({"language", "template"}, 0).at("entries").size(), 54U);
 }
 
+TEST_F(LanguageCommands, LeaveATranslationAloneThatHasTheTemplatesName) {
+  const std::string file = Write(Bytes("ID_A Aufnehmen\r\n"));
+  const std::string before = Read(file);
+  const auto run = Run({"language", "template", file});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_EQ(run.out, "");
+  EXPECT_THAT(run.err, HasSubstr(file + ": there is such a file already"));
+  EXPECT_EQ(Read(file), before);
+}
+
 TEST_F(LanguageCommands, FailWhereTheTemplateCannotBeWritten) {
   const auto run = Run({"language", "template", Path("none") + "/new.lng"});
   EXPECT_EQ(run.exitCode, 1);
