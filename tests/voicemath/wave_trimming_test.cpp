@@ -54,6 +54,26 @@ TEST_F(WaveTrimming, SegmentsOfWholeBuffersAndOneSampleMoreOrLess) {
   }
 }
 
+TEST_F(WaveTrimming, OneSampleLessThanTheRecordingAtEitherEndIsTrimmed) {
+  const auto samples = support::Noise(500, 9000, 3);
+  Open(support::WaveFile(samples));
+  Select(1, 499);
+  ASSERT_TRUE(m_mathematics.TrimWaveFile());
+  EXPECT_EQ(GetWave(), support::WaveFile(std::span(samples).subspan(1, 499)));
+  Open(support::WaveFile(samples));
+  Select(0, 498);
+  ASSERT_TRUE(m_mathematics.TrimWaveFile());
+  EXPECT_EQ(GetWave(), support::WaveFile(std::span(samples).first(499)));
+}
+
+TEST_F(WaveTrimming, ASearchThatFindsNoSpeechSelectsTheWholeFileWhateverWasSelectedBefore) {
+  Open(support::WaveFile(support::Constant(5000, 0)));
+  Select(700, 800);
+  ASSERT_TRUE(m_mathematics.DetectSpeechBounds());
+  EXPECT_EQ(m_mathematics.m_firstSample, 0U);
+  EXPECT_EQ(m_mathematics.m_lastSample, 4999U);
+}
+
 TEST_F(WaveTrimming, LeavesAFileAloneThatIsTheSegmentAlready) {
   auto bytes = support::WaveFile(support::Noise(500, 9000, 1));
   bytes.push_back(std::byte{7});  // Something behind the data stays too.
