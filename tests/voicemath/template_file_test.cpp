@@ -131,6 +131,28 @@ TEST_F(TemplateFile, TheLargestTemplateIsWrittenAndReadWhole) {
   EXPECT_EQ(GetTemplate(1), values);
 }
 
+TEST_F(TemplateFile, TheSmallestAndLargestComeBackByteForByteAndAreTornOneByteEarlier) {
+  for (std::uint32_t i = 0; i < 23; ++i) {
+    const std::uint32_t frames = i < 20 ? i : 65535 - (i - 20);
+    SCOPED_TRACE(frames);
+    const std::uint32_t elements = frames * 5;
+    support::Bytes bytes(6 + 4 * std::size_t{elements}, std::byte{0x3E});
+    for (std::size_t at = 0; at < 4; ++at) {
+      bytes[at] = static_cast<std::byte>(elements >> (8 * at));
+    }
+    bytes[4] = static_cast<std::byte>(frames);
+    bytes[5] = static_cast<std::byte>(frames >> 8U);
+    ASSERT_EQ(ReadBytes(0, bytes), TemplateFileResult::kDone);
+    EXPECT_EQ(m_mathematics.m_frameCounts[0], frames);
+    m_mathematics.m_elementCount = static_cast<std::int32_t>(elements);
+    ASSERT_EQ(m_files.Delete(kTemplate), platform::FileError::kNone);
+    ASSERT_EQ(Write(), TemplateFileResult::kDone);
+    EXPECT_TRUE(GetFile() == bytes);
+    bytes.pop_back();
+    EXPECT_EQ(ReadBytes(1, bytes), TemplateFileResult::kTorn);
+  }
+}
+
 TEST_F(TemplateFile, SlotZeroIsNotStoredWithTheCountOfAnotherSlot) {
   SetSlotZero(std::vector<float>(5, 1.0F));
   m_mathematics.m_elementCount = 50;
