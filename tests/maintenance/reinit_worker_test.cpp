@@ -238,6 +238,20 @@ TEST_F(ReinitWorkerTest, TheFailureOfARecordingWithoutATagNamesTheRecording) {
   EXPECT_TRUE(GetMessages()[0].starts_with(u"Datei!\n\n0\n\n"));
 }
 
+TEST_F(ReinitWorkerTest, TheFailureOfATagWithoutATextNamesItByItsNameHoweverManyTagsThereAre) {
+  m_session.AddTag(u"7", u"");
+  m_session.tags.tagCount = 250;
+  for (const std::u16string_view recording : {u"7", u"8"}) {
+    PutRecording(recording, 5);
+    ASSERT_TRUE(m_machine.files.PutFile(storage::TemplatePath(recording), {}));
+    const auto held = m_machine.files.Open(storage::TemplatePath(recording), {});
+    EXPECT_EQ(Reinitialize(), 2);
+    EXPECT_TRUE(GetMessages().back().starts_with(u"ERROR in CreateFile\n\n" +
+                                                 std::u16string(recording) + u"\n\n"));
+    ASSERT_EQ(m_machine.files.Delete(storage::WavePath(recording)), platform::FileError::kNone);
+  }
+}
+
 TEST_F(ReinitWorkerTest, AFullDiskLeavesNoHalfTemplate) {
   PutTags(2);
   m_machine.files.SetCapacity(0);

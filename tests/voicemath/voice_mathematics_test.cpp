@@ -126,6 +126,8 @@ TEST_F(CVoiceMathematicsTest, WhatMovedOrWasRemovedIsComparedAsWhatItIs) {
   m_mathematics.RemoveTemplate(1);
   EXPECT_EQ(m_mathematics.CompareTemplates(0, 1), 0.0F);
   EXPECT_EQ(m_mathematics.CompareTemplates(0, 2), voicemath::kMaxDistance) << "Empty now.";
+  EXPECT_EQ(m_mathematics.CompareTemplates(100, 0), 0.0F) << "The scratch slot can be compared.";
+  EXPECT_EQ(m_mathematics.CompareTemplates(0, 100), 0.0F);
   EXPECT_EQ(m_mathematics.ComputeThresholds(), 2);
   EXPECT_EQ(m_mathematics.m_thresholds[0], 0.0F);
   m_mathematics.ClearTemplates();
