@@ -118,6 +118,34 @@ TEST_P(FileFaults, ALoadThatFailsLeavesTheSlot) {
   }
 }
 
+TEST_P(FileFaults, ALoadThatFailsInTheMiddleOfItsValuesLeavesTheSlot) {
+  // 20,006 bytes, which an archive reads in several parts.
+  constexpr std::uint16_t kFrames = 1000;
+  constexpr std::size_t kElements = 5 * std::size_t{kFrames};
+  support::Bytes bytes(6 + 4 * kElements, std::byte{1});
+  bytes[0] = std::byte{kElements & 0xFFU};
+  bytes[1] = std::byte{kElements >> 8U};
+  bytes[2] = bytes[3] = std::byte{0};
+  bytes[4] = std::byte{kFrames & 0xFFU};
+  bytes[5] = std::byte{kFrames >> 8U};
+  ASSERT_TRUE(m_files.PutFile(kTemplatePath, bytes));
+  m_mathematics.m_loadSlot = 0;
+  const auto before = m_mathematics.GetTemplate(0).size();
+  std::size_t refusals = 0;
+  for (bool anyFailed = true; anyFailed;) {
+    ASSERT_EQ(m_mathematics.GetTemplate(0).size(), before);
+    m_failing.FailCall(refusals + 1, GetParam());
+    const auto result = voicemath::ReadTemplateFile(m_failing, kTemplatePath, m_mathematics);
+    anyFailed = m_failing.HasFailed();
+    if (result == voicemath::TemplateFileResult::kDone) {
+      break;
+    }
+    ASSERT_LT(++refusals, 100U);
+  }
+  EXPECT_GT(refusals, 4U);
+  EXPECT_EQ(m_mathematics.GetTemplate(0).size(), kElements);
+}
+
 INSTANTIATE_TEST_SUITE_P(Each, FileFaults,
                          testing::Values(Failing::kOnce, Failing::kFromThenOn,
                                          Failing::kPowerFailure));

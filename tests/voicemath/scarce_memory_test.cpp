@@ -68,4 +68,17 @@ TEST_F(ScarceMemory, WithoutThatOfTheTemplateTheRecordingIsNotProcessed) {
   EXPECT_LT(GetWave().size(), 66194U) << "It has been trimmed by then.";
 }
 
+TEST_F(ScarceMemory, ATornTemplateReservesNothingOfWhatItClaims) {
+  constexpr std::size_t kMostElements = std::size_t{65535} * 5;
+  support::Bytes bytes(100);
+  for (std::size_t at = 0; at < 4; ++at) {
+    bytes[at] = static_cast<std::byte>(kMostElements >> (8 * at));
+  }
+  bytes[4] = bytes[5] = std::byte{0xFF};
+  ASSERT_TRUE(m_files.PutFile(kTemplate, bytes));
+  refusedSize = kMostElements * sizeof(float);
+  EXPECT_EQ(voicemath::ReadTemplateFile(m_files, kTemplate, m_mathematics),
+            voicemath::TemplateFileResult::kTorn);
+}
+
 }  // namespace
