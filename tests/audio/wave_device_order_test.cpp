@@ -4,6 +4,9 @@
 namespace {
 
 using platform::WaveResult;
+using support::Steps;
+
+constexpr const char* kCreated = "open for writing, alone, created or emptied";
 
 /// The order in which a recording uses file, device and clock.
 class WaveDeviceOrder : public RecorderFixture {
@@ -18,7 +21,7 @@ class WaveDeviceOrder : public RecorderFixture {
   Steps m_steps;
   StepsClock m_stepsClock{m_steps};
   StepsWaveIn m_stepsWaveIn{m_waveIn, m_steps};
-  StepsFileSystem m_stepsFiles{m_failingFiles, m_steps};
+  support::StepsFileSystem m_stepsFiles{m_failingFiles, m_steps};
   audio::WaveDevice m_recorder{platform::Platform{m_stepsFiles, m_stepsWaveIn, m_stepsClock,
                                                   m_threads, m_process, m_ui, m_registry,
                                                   m_contacts, m_waveOut, m_shell}};
@@ -27,7 +30,7 @@ class WaveDeviceOrder : public RecorderFixture {
 TEST_F(WaveDeviceOrder, ARecordingSleepsForItsLengthAndLeavesTheDeviceLast) {
   EXPECT_EQ(Record(3000), audio::kRecorded);
   EXPECT_EQ(m_steps,
-            (Steps{"count devices", "create file, not shared", "open device", "prepare 66150",
+            (Steps{"count devices", kCreated, "open device", "prepare 66150",
                    "add buffer with flags 2", "start", "sleep 3000", "unprepare", "write 44",
                    "write 66150", "flush", "close file", "reset", "close device"}));
 }
@@ -35,7 +38,7 @@ TEST_F(WaveDeviceOrder, ARecordingSleepsForItsLengthAndLeavesTheDeviceLast) {
 TEST_F(WaveDeviceOrder, AnotherLengthIsAnotherSleep) {
   EXPECT_EQ(Record(200), audio::kRecorded);
   EXPECT_EQ(m_steps,
-            (Steps{"count devices", "create file, not shared", "open device", "prepare 4410",
+            (Steps{"count devices", kCreated, "open device", "prepare 4410",
                    "add buffer with flags 2", "start", "sleep 200", "unprepare", "write 44",
                    "write 4410", "flush", "close file", "reset", "close device"}));
 }
@@ -43,14 +46,14 @@ TEST_F(WaveDeviceOrder, AnotherLengthIsAnotherSleep) {
 TEST_F(WaveDeviceOrder, ABufferThatIsNotFullIsAskedForTwiceAndNotMore) {
   m_waveIn.SetScript({.arrivals = {10, 20, 30}});
   EXPECT_EQ(Record(3000), audio::kRecorded);
-  EXPECT_EQ(m_steps, (Steps{"count devices", "create file, not shared", "open device",
-                            "prepare 66150", "add buffer with flags 2", "start", "sleep 3000",
-                            "unprepare", "sleep 100", "unprepare", "write 44", "write 20", "flush",
-                            "close file", "reset", "close device"}));
+  EXPECT_EQ(m_steps, (Steps{"count devices", kCreated, "open device", "prepare 66150",
+                            "add buffer with flags 2", "start", "sleep 3000", "unprepare",
+                            "sleep 100", "unprepare", "write 44", "write 20", "flush", "close file",
+                            "reset", "close device"}));
 }
 
 TEST_F(WaveDeviceOrder, AFailureClosesTheFileThenResetsAndClosesTheDevice) {
-  const Steps begin = {"count devices", "create file, not shared", "open device"};
+  const Steps begin = {"count devices", kCreated, "open device"};
   const Steps end = {"close file", "reset", "close device"};
   const struct {
     headless::WaveInScript script;
@@ -82,8 +85,7 @@ TEST_F(WaveDeviceOrder, AFailureClosesTheFileThenResetsAndClosesTheDevice) {
 TEST_F(WaveDeviceOrder, WithoutADeviceToOpenOnlyTheFileIsClosed) {
   m_waveIn.SetScript({.open = WaveResult::kBadFormat});
   EXPECT_EQ(Record(3000), audio::kDeviceNotOpened);
-  EXPECT_EQ(m_steps,
-            (Steps{"count devices", "create file, not shared", "open device", "close file"}));
+  EXPECT_EQ(m_steps, (Steps{"count devices", kCreated, "open device", "close file"}));
 }
 
 TEST_F(WaveDeviceOrder, ARecordingThatCouldNotBeMadeLeavesNoLengthOfTheOneBefore) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "tests/support/file_steps.h"
 #include "tests/voicemath/mathematics_fixture.h"
 
 namespace {
@@ -50,6 +51,22 @@ TEST_F(TemplateFile, OfTenFramesIsTwoHundredAndSixBytes) {
   ASSERT_EQ(bytes.size(), 206U);
   EXPECT_EQ(support::Bytes(bytes.begin(), bytes.begin() + 10),
             ToBytes({0x32, 0, 0, 0, 0x0A, 0, 0, 0, 0x80, 0x3F}));
+}
+
+TEST_F(TemplateFile, IsMadeByOneHandleAndWrittenByAnotherThatIsFlushed) {
+  SetSlotZero(std::vector<float>(2000, 1.0F));
+  support::Steps steps;
+  support::StepsFileSystem files(m_files, steps);
+  ASSERT_EQ(voicemath::WriteTemplateFile(files, kTemplate, m_mathematics),
+            TemplateFileResult::kDone);
+  EXPECT_EQ(steps,
+            (support::Steps{"open for nothing, alone, always", "open for writing, alone, existing",
+                            "write 4096", "write 3910", "flush", "close file"}));
+  steps.clear();
+  m_mathematics.m_loadSlot = 1;
+  ASSERT_EQ(voicemath::ReadTemplateFile(files, kTemplate, m_mathematics),
+            TemplateFileResult::kDone);
+  EXPECT_EQ(steps.front(), "open for reading, with readers, existing");
 }
 
 TEST_F(TemplateFile, ComesBackBitForBitInAnySlot) {
