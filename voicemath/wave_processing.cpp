@@ -6,7 +6,6 @@
 #include <new>
 #include <string_view>
 #include <utility>
-#include <vector>
 
 #include "audio/wave_header.h"
 #include "platform/little_endian.h"
@@ -102,8 +101,10 @@ void CVoiceMathematics::SelectWholeFile() {
 bool CVoiceMathematics::DetectSpeechBounds() {
   SelectWholeFile();
   constexpr std::size_t kStepBytes = kBlockStep * kSampleBytes;
-  std::vector<std::int16_t> envelope(m_dataBytes / kStepBytes);
-  if (!MeasureEnvelope(envelope)) {
+  const std::size_t blocks = m_dataBytes / kStepBytes;
+  const std::unique_ptr<std::int16_t[]> memory(new (std::nothrow) std::int16_t[blocks]);
+  const std::span envelope(memory.get(), blocks);
+  if (!memory || !MeasureEnvelope(envelope)) {
     return false;
   }
   const auto total = m_dataBytes / static_cast<std::uint32_t>(kSampleBytes);

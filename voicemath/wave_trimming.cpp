@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
+#include <string>
 #include <string_view>
 
 #include "audio/wave_header.h"
@@ -15,9 +17,28 @@ namespace {
 constexpr std::size_t kCopySamples = 1024;
 constexpr std::size_t kCopyBytes = kCopySamples * kSampleBytes;
 
-/// Ending of the trimmed file until it takes the place of the recording. It is not ".wav", so a
-/// search for recordings never finds one that was left behind by a crash.
-constexpr std::u16string_view kTrimmedSuffix = u".trimmed";
+/// Where the trimmed file is made before it takes the place of the recording: beside it, under a
+/// name that is nobody else's, never longer than names may be, and the same for every attempt at
+/// one recording, so that what a crash left behind is written over. It does not end in ".wav": a
+/// search for recordings never finds it.
+std::u16string PlaceOfTrimmed(std::u16string_view recording) {
+  constexpr std::u16string_view kPrefix = u".voxtrel-trimmed-";
+  constexpr std::u16string_view kDigits = u"0123456789abcdef";
+  constexpr std::uint64_t kHashStart = 14695981039346656037U;  // FNV-1a of the name.
+  constexpr std::uint64_t kHashFactor = 1099511628211U;
+  // In a device path nothing but the backslash parts names; in a path of the host it is a letter.
+  const std::size_t name = recording.rfind(recording.starts_with(u'\\') ? u'\\' : u'/') + 1;
+  std::uint64_t hash = kHashStart;
+  for (const char16_t letter : recording.substr(name)) {
+    hash = (hash ^ letter) * kHashFactor;
+  }
+  std::u16string place(recording.substr(0, name));
+  place += kPrefix;
+  for (int shift = 60; shift >= 0; shift -= 4) {
+    place += kDigits[(hash >> static_cast<unsigned>(shift)) % kDigits.size()];
+  }
+  return place;
+}
 
 /// Copies samples to the trimmed file with one buffer.
 ///
@@ -67,7 +88,7 @@ bool CVoiceMathematics::TrimWaveFile() {
   const std::uint32_t bytes =
       (m_lastSample - m_firstSample + 1) * static_cast<std::uint32_t>(kSampleBytes);
   const std::u16string path = m_file.GetFilePath();
-  const std::u16string trimmed = std::u16string(path).append(kTrimmedSuffix);
+  const std::u16string trimmed = PlaceOfTrimmed(path);
   if (!WriteTrimmed(trimmed, bytes)) {
     // What cannot be removed here is written over by the next attempt.
     static_cast<void>(m_files.Delete(trimmed));

@@ -35,4 +35,12 @@ TEST(WaveHeader, TakesChannelsRateAndBitsFromTheFormat) {
   EXPECT_EQ(header[34], std::byte{8});
 }
 
+TEST(WaveHeader, SaysPcmWhateverTheFormatSays) {
+  platform::WaveFormat format = audio::MonoPcm(16, 11025);
+  format.formatTag = 3;
+  const auto header = audio::MakeWaveHeader(format, 0);
+  EXPECT_EQ(header[20], std::byte{1});
+  EXPECT_EQ(header[21], std::byte{0});
+}
+
 }  // namespace

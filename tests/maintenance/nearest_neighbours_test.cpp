@@ -202,6 +202,7 @@ TEST(ToScore, TruncatesTowardsZero) {
   EXPECT_EQ(maintenance::ToScore(0.125F), 87);
   EXPECT_EQ(maintenance::ToScore(0.1284F), 87);
   EXPECT_EQ(maintenance::ToScore(0.5F), 50);
+  EXPECT_EQ(maintenance::ToScore(0.99F), 1);
   EXPECT_EQ(maintenance::ToScore(0.9911F), 0);
 }
 

@@ -17,11 +17,14 @@ class ReinitFixture : public SessionFixture {
   using Story = std::function<void(headless::HeadlessDialog&)>;
 
   /// Returns the result of the dialog. Without a story the user waits for its end, and closes it
-  /// where nothing else can end it.
+  /// where nothing else can end it. As with the page, it is the same dialog each time.
   int Reinitialize(const Story& story = {}) { return ReinitializeOn(m_machine.Get(), story); }
+  /// The first time decides about the machine of the dialog.
   int ReinitializeOn(const platform::Platform& platform, const Story& story = {}) {
-    m_dialog = std::make_unique<maintenance::ReinitProgressDialog>(platform, m_texts);
-    m_dialog->set_Pageone_point(&m_session);
+    if (!m_dialog) {
+      m_dialog = std::make_unique<maintenance::ReinitProgressDialog>(platform, m_texts);
+      m_dialog->set_Pageone_point(&m_session);
+    }
     m_session.worker = m_machine.simulation.Start(
         [this, platform] {
           maintenance::ReinitWorker(platform, m_texts, m_session, m_dialog->GetProgress()).Run();

@@ -63,6 +63,21 @@ TEST_F(ReinitMonitorTest, StepsFirstAndThenWaitsForEachRecording) {
   EXPECT_TRUE(IsDone());
 }
 
+TEST_F(ReinitMonitorTest, WaitsForARecordingHoweverLongItTakes) {
+  constexpr std::uint32_t kHour = 3'600'000;
+  m_session.worker = m_machine.simulation.Start(
+      [this] {
+        for (int i = 0; i < 2; ++i) {
+          m_machine.simulation.Sleep(kHour);
+          m_session.workerEvent->Set();
+        }
+      },
+      platform::ThreadStart::kSuspended);
+  Run(2, &m_session);
+  EXPECT_EQ(m_progress.steps, (std::vector<std::uint64_t>{1000, 1000 + kHour}));
+  EXPECT_EQ(m_machine.simulation.GetElapsed(), 1000U + 2 * kHour);
+}
+
 TEST_F(ReinitMonitorTest, ResetsTheEventAfterEachWait) {
   StartWorker(2);
   Run(2, &m_session);

@@ -189,10 +189,16 @@ TEST_F(ReinitProgressDialogTest, AfterTheWorkerGaveUpItStaysUntilTheUserClosesIt
 
 TEST_F(ReinitProgressDialogTest, CanRunAgain) {
   PutTags(2);
-  EXPECT_EQ(Reinitialize(), 0);
-  const auto first = GetTemplate(u"1");
-  EXPECT_EQ(Reinitialize(), 0);
+  const auto paint = [](headless::HeadlessDialog& window) {
+    EXPECT_EQ(window.Paint().size(), 2U);
+    EXPECT_EQ(window.GetFont(kReinitWaitLine1Id), (platform::Font{u"Tahoma", 14, 700}));
+  };
+  EXPECT_EQ(Reinitialize(paint), 0);
+  PutTemplate(u"1", {9, 9, 9, 9, 9});
+  const auto old = GetTemplate(u"1");
+  EXPECT_EQ(Reinitialize(paint), 0);
   EXPECT_EQ(m_bar->position, 2);
+  EXPECT_NE(GetTemplate(u"1"), old);
   EXPECT_FALSE(GetTemplate(u"1").empty());
   EXPECT_TRUE(GetMessages().empty());
   const auto held = m_machine.files.Open(storage::TemplatePath(u"1"), {});
@@ -217,7 +223,7 @@ TEST_F(ReinitProgressDialogTest, AWindowThatGoesEarlyTakesBothThreadsWithIt) {
   EXPECT_EQ(m_machine.files.CountOpenHandles(), 0U);
 }
 
-/// A machine that gives no thread, or no event.
+/// A machine that gives no thread, or no event, and knows how many of its events are open.
 class PoorThreads final : public platform::Threads {
  public:
   explicit PoorThreads(platform::Threads& threads) : m_threads(threads) {}
@@ -226,26 +232,61 @@ class PoorThreads final : public platform::Threads {
     return givesThreads ? m_threads.Start(std::move(body), start) : nullptr;
   }
   std::unique_ptr<platform::Event> CreateManualResetEvent() override {
-    return givesEvents ? m_threads.CreateManualResetEvent() : nullptr;
+    return givesEvents
+               ? std::make_unique<CountedEvent>(m_threads.CreateManualResetEvent(), openEvents)
+               : nullptr;
   }
   platform::CreatedMutex CreateNamedMutex(std::u16string_view name) override {
     return m_threads.CreateNamedMutex(name);
   }
   bool givesThreads = true;
   bool givesEvents = true;
+  int openEvents = 0;
 
  private:
+  class CountedEvent final : public platform::Event {
+   public:
+    CountedEvent(std::unique_ptr<platform::Event> event, int& open)
+        : m_event(std::move(event)), m_open(open) {
+      ++m_open;
+    }
+    ~CountedEvent() override { --m_open; }
+    void Set() override { m_event->Set(); }
+    void Reset() override { m_event->Reset(); }
+    [[nodiscard]] platform::WaitResult Wait(std::uint32_t milliseconds) override {
+      return m_event->Wait(milliseconds);
+    }
+
+   private:
+    const std::unique_ptr<platform::Event> m_event;
+    int& m_open;
+  };
+
   platform::Threads& m_threads;
 };
+
+/// The fixture's machine with other threads.
+platform::Platform With(const platform::Platform& whole, platform::Threads& threads) {
+  return {whole.files, whole.waveIn,   whole.clock,    threads,       whole.process,
+          whole.ui,    whole.registry, whole.contacts, whole.waveOut, whole.shell};
+}
+
+TEST_F(ReinitProgressDialogTest, ClosesItsDoneEventAtItsEnd) {
+  PutTags(1);
+  PoorThreads threads(m_machine.simulation);
+  int openMeanwhile = 0;
+  EXPECT_EQ(ReinitializeOn(With(m_machine.Get(), threads),
+                           [&](headless::HeadlessDialog&) { openMeanwhile = threads.openEvents; }),
+            0);
+  EXPECT_EQ(openMeanwhile, 1);
+  EXPECT_EQ(threads.openEvents, 0);
+}
 
 TEST_F(ReinitProgressDialogTest, WithoutAThreadOrAnEventItSaysSoAndEnds) {
   PutTags(1);
   const auto old = GetTemplate(u"1");
   PoorThreads poor(m_machine.simulation);
-  const platform::Platform whole = m_machine.Get();
-  const platform::Platform platform{whole.files,   whole.waveIn, whole.clock,    poor,
-                                    whole.process, whole.ui,     whole.registry, whole.contacts,
-                                    whole.waveOut, whole.shell};
+  const platform::Platform platform = With(m_machine.Get(), poor);
   poor.givesThreads = false;
   EXPECT_EQ(ReinitializeOn(platform), 0);
   poor.givesThreads = true;

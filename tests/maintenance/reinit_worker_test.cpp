@@ -23,6 +23,59 @@ TEST_F(ReinitWorkerTest, ComputesEveryTemplateAnew) {
   EXPECT_EQ(m_machine.files.CountOpenHandles(), 0U);
 }
 
+/// A dialog of which only the end is seen.
+class EndedProgress final : public maintenance::ReinitProgress {
+ public:
+  explicit EndedProgress(platform::Threads& threads) : m_done(threads.CreateManualResetEvent()) {}
+  void Step() override {}
+  platform::Event& GetDoneEvent() override { return *m_done; }
+  [[nodiscard]] bool IsGone() const override { return false; }
+  void LetUserClose() override {}
+  void End() override { ++ends; }
+  int ends = 0;
+
+ private:
+  const std::unique_ptr<platform::Event> m_done;
+};
+
+/// Notes at what time it was set.
+class NotedEvent final : public platform::Event {
+ public:
+  NotedEvent(headless::Simulation& simulation, std::vector<std::uint64_t>& sets)
+      : m_simulation(simulation), m_sets(sets) {}
+  void Set() override { m_sets.push_back(m_simulation.GetElapsed()); }
+  void Reset() override {}
+  [[nodiscard]] platform::WaitResult Wait(std::uint32_t /*milliseconds*/) override {
+    return platform::WaitResult::kSignalled;
+  }
+
+ private:
+  headless::Simulation& m_simulation;
+  std::vector<std::uint64_t>& m_sets;
+};
+
+TEST_F(ReinitWorkerTest, SetsItsEventAfterEachRecordingAndOnceMoreAndWaitsForTheBarForTenSeconds) {
+  PutTags(3);
+  std::vector<std::uint64_t> sets;
+  m_session.workerEvent = std::make_unique<NotedEvent>(m_machine.simulation, sets);
+  EndedProgress progress(m_machine.simulation);
+  maintenance::ReinitWorker(m_machine.Get(), m_texts, m_session, progress).Run();
+  EXPECT_EQ(sets, (std::vector<std::uint64_t>{300, 600, 900, 900}));
+  EXPECT_EQ(m_machine.simulation.GetElapsed(), 10'900U) << "Nobody says that the bar is done.";
+  EXPECT_EQ(progress.ends, 1);
+}
+
+TEST_F(ReinitWorkerTest, WithoutTagsEndsTheDialogAndTouchesNothing) {
+  PutRecording(u"900", 9);
+  const auto recording = GetFile(storage::WavePath(u"900"));
+  EndedProgress progress(m_machine.simulation);
+  maintenance::ReinitWorker(m_machine.Get(), m_texts, m_session, progress).Run();
+  EXPECT_EQ(progress.ends, 1);
+  EXPECT_EQ(m_machine.simulation.GetElapsed(), 0U);
+  EXPECT_TRUE(GetTemplate(u"900").empty());
+  EXPECT_EQ(GetFile(storage::WavePath(u"900")), recording);
+}
+
 TEST_F(ReinitWorkerTest, LeavesTheMathematicsOfThePageAlone) {
   PutTags(2);
   m_session.mathematics.m_wavePath = u"untouched";
@@ -183,6 +236,20 @@ TEST_F(ReinitWorkerTest, TheFailureOfARecordingWithoutATagNamesTheRecording) {
   Reinitialize();
   ASSERT_EQ(GetMessages().size(), 1U);
   EXPECT_TRUE(GetMessages()[0].starts_with(u"Datei!\n\n0\n\n"));
+}
+
+TEST_F(ReinitWorkerTest, TheFailureOfATagWithoutATextNamesItByItsNameHoweverManyTagsThereAre) {
+  m_session.AddTag(u"7", u"");
+  m_session.tags.tagCount = 250;
+  for (const std::u16string_view recording : {u"7", u"8"}) {
+    PutRecording(recording, 5);
+    ASSERT_TRUE(m_machine.files.PutFile(storage::TemplatePath(recording), {}));
+    const auto held = m_machine.files.Open(storage::TemplatePath(recording), {});
+    EXPECT_EQ(Reinitialize(), 2);
+    EXPECT_TRUE(GetMessages().back().starts_with(u"ERROR in CreateFile\n\n" +
+                                                 std::u16string(recording) + u"\n\n"));
+    ASSERT_EQ(m_machine.files.Delete(storage::WavePath(recording)), platform::FileError::kNone);
+  }
 }
 
 TEST_F(ReinitWorkerTest, AFullDiskLeavesNoHalfTemplate) {

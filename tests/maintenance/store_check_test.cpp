@@ -113,6 +113,27 @@ TEST_F(StoreCheck, FindsFilesWithoutATag) {
   EXPECT_EQ(Check(), (Texts{u"recording-without-tag 300", u"template-without-tag 400"}));
 }
 
+TEST_F(StoreCheck, FilesBelongToATagWhateverTheirLettersAndFoldersAreNoFiles) {
+  Learn(u"Ann", 1);
+  const auto whole = GetTemplate(u"Ann");
+  Delete(storage::TemplatePath(u"Ann"));
+  PutTemplateBytes(u"aNN", whole);
+  ASSERT_EQ(m_machine.files.CreateFolder(storage::WavePath(u"400")), platform::FileError::kNone);
+  ASSERT_EQ(m_machine.files.CreateFolder(storage::TemplatePath(u"400")),
+            platform::FileError::kNone);
+  EXPECT_EQ(Check(), Texts{u"tag-name Ann"});
+}
+
+TEST_F(StoreCheck, ProtectedRecordingsAreReadAndRepairedFrom) {
+  Learn(u"100", 1);
+  const auto whole = GetTemplate(u"100");
+  ASSERT_TRUE(m_machine.files.SetReadOnly(storage::WavePath(u"100"), true));
+  EXPECT_EQ(Check(), Texts());
+  PutTemplateBytes(u"100", support::Bytes(3));
+  EXPECT_EQ(RepairTemplate(m_machine.Get(), u"100"), RepairResult::kDone);
+  EXPECT_EQ(GetTemplate(u"100"), whole);
+}
+
 TEST_F(StoreCheck, FindsTornAndContradictingTemplates) {
   Learn(u"100", 1);
   Learn(u"200", 2);
@@ -170,7 +191,10 @@ TEST_F(StoreCheck, FindsNamesThatTheAppletDoesNotGive) {
   EXPECT_EQ(Check(), Texts());
   Learn(u"Ann", 2);
   Learn(u"12345678901234567890", 3);
-  EXPECT_EQ(Check(), (Texts{u"tag-name Ann", u"tag-name 12345678901234567890"}));
+  Learn(u"-", 4);
+  Learn(u"1234567890123456789", 5);
+  EXPECT_THAT(Check(), testing::UnorderedElementsAre(
+                           u"tag-name Ann", u"tag-name 12345678901234567890", u"tag-name -"));
 }
 
 TEST_F(StoreCheck, FindsAnotherVersionOnceThereAreTags) {
@@ -187,6 +211,9 @@ TEST_F(StoreCheck, FindsAnotherVersionOnceThereAreTags) {
 
 TEST_F(StoreCheck, FindsMoreTagsThanThereIsRoomFor) {
   for (int i = 0; i < 101; ++i) {
+    if (i == 100) {
+      EXPECT_EQ(Check().size(), 2U * 100U) << "There is room for a hundred.";
+    }
     const std::u16string name = language::Decimal(1000 + i);
     ASSERT_EQ(storage::TagStore(m_machine.files, m_machine.registry).WriteEntry(name, 17, u"Home"),
               RegistryError::kNone);
@@ -315,6 +342,9 @@ TEST_F(StoreCheck, ARepairThatFailsLeavesAWholeTemplateOrNone) {
       hasFailed = failing.HasFailed();
       if (isDone) {
         EXPECT_EQ(GetTemplate(u"100"), whole) << call;
+      } else if (kind == support::Failing::kOnce) {
+        const auto left = m_machine.files.GetFile(storage::TemplatePath(u"100"));
+        EXPECT_TRUE(!left || *left == support::Bytes(3)) << call << ": half a template";
       }
       EXPECT_EQ(m_machine.files.CountOpenHandles(), 0U);
       ASSERT_LT(call, 10000U);

@@ -257,6 +257,12 @@ TEST_F(TestDialogTest, NothingIsKeptBetweenOpenings) {
   EXPECT_EQ(Lines()[0], u"94%; 1; Ann;  Bob");
   PutTemplate(u"2", kX);
   EXPECT_EQ(Lines(), (Texts{u"100%; 1; Ann;  Bob", u"100%; 1; Bob;  Ann"}));
+  ASSERT_EQ(m_machine.files.Delete(storage::TemplatePath(u"2")), platform::FileError::kNone);
+  EXPECT_EQ(Lines().size(), 1U);
+  EXPECT_FALSE(m_dialog.IsComplete());
+  PutTemplate(u"2", kX);
+  EXPECT_EQ(Lines().size(), 2U);
+  EXPECT_TRUE(m_dialog.IsComplete());
   m_session.tags.Clear();
   EXPECT_EQ(Lines(), Texts());
   EXPECT_TRUE(m_dialog.GetLines().empty());

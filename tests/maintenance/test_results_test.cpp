@@ -74,6 +74,24 @@ TEST_F(TestResults, WithoutANeighbourItsTextIsEmpty) {
   EXPECT_EQ(TextsOf({Neighbour{}}), Texts{u"0%; 0; P; "});
 }
 
+TEST_F(TestResults, APlaceWithoutANameIsNobodysNeighbour) {
+  AddTag(u"1", u"P");
+  ++m_tags.tagCount;
+  EXPECT_EQ(TextsOf({Neighbour{}}), Texts{u"0%; 0; P; "});
+}
+
+TEST_F(TestResults, AreAsManyAsThereIsRoomForTagsWhateverTheCountSays) {
+  for (int i = 0; i < 100; ++i) {
+    AddTag(std::u16string(1, static_cast<char16_t>(u'A' + i)), u"Tag");
+  }
+  m_tags.tagCount = 250;
+  std::vector<Neighbour> nearest(100, Neighbour{0, 0.5F});
+  nearest[0].index = 99;
+  const auto lines = ToTestLines(m_tags, m_loaded, nearest);
+  ASSERT_EQ(lines.size(), 100U);
+  EXPECT_EQ(lines[0].text, u"50%; 99; Tag;  Tag");
+}
+
 TEST_F(TestResults, AnEmptyDisplayTextLeavesTheBlankOfTheNeighbour) {
   AddTag(u"1", u"");
   AddTag(u"2", u"Q");

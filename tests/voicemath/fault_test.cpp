@@ -48,6 +48,7 @@ class FileFaults : public testing::TestWithParam<Failing> {
 TEST_P(FileFaults, LearningLeavesTheOldRecordingOrTheTrimmedOne) {
   bool sawOld = false;
   bool sawTrimmedDespiteFailure = false;
+  int passedOver = 0;
   bool anyFailed = true;
   for (std::size_t call = 1; anyFailed; ++call) {
     SCOPED_TRACE(call);
@@ -65,6 +66,7 @@ TEST_P(FileFaults, LearningLeavesTheOldRecordingOrTheTrimmedOne) {
       EXPECT_EQ(wave, m_trimmed);
       EXPECT_EQ(m_mathematics.m_count, count + 1);
       EXPECT_EQ(m_ui.GetMessages().size(), messages);
+      passedOver += anyFailed ? 1 : 0;
     } else {
       EXPECT_EQ(result, voicemath::kNotProcessed);
       EXPECT_EQ(m_mathematics.m_count, count);
@@ -72,8 +74,13 @@ TEST_P(FileFaults, LearningLeavesTheOldRecordingOrTheTrimmedOne) {
       sawTrimmedDespiteFailure = sawTrimmedDespiteFailure || wave == m_trimmed;
     }
     EXPECT_EQ(m_files.CountOpenHandles(), 0U);
+    if (GetParam() == Failing::kOnce) {
+      EXPECT_EQ(m_files.ListFiles().size(), 2U) << "Recording and template, and nothing torn.";
+    }
     ASSERT_LT(call, 5000U);
   }
+  // Closing the recording, which was only read: before it is replaced, and at the end.
+  EXPECT_EQ(passedOver, GetParam() == Failing::kOnce ? 2 : 1);
   EXPECT_TRUE(sawOld);
   EXPECT_TRUE(sawTrimmedDespiteFailure);
 }
@@ -109,6 +116,34 @@ TEST_P(FileFaults, ALoadThatFailsLeavesTheSlot) {
     EXPECT_EQ(m_files.CountOpenHandles(), 0U);
     ASSERT_LT(call, 100U);
   }
+}
+
+TEST_P(FileFaults, ALoadThatFailsInTheMiddleOfItsValuesLeavesTheSlot) {
+  // 20,006 bytes, which an archive reads in several parts.
+  constexpr std::uint16_t kFrames = 1000;
+  constexpr std::size_t kElements = 5 * std::size_t{kFrames};
+  support::Bytes bytes(6 + 4 * kElements, std::byte{1});
+  bytes[0] = std::byte{kElements & 0xFFU};
+  bytes[1] = std::byte{kElements >> 8U};
+  bytes[2] = bytes[3] = std::byte{0};
+  bytes[4] = std::byte{kFrames & 0xFFU};
+  bytes[5] = std::byte{kFrames >> 8U};
+  ASSERT_TRUE(m_files.PutFile(kTemplatePath, bytes));
+  m_mathematics.m_loadSlot = 0;
+  const auto before = m_mathematics.GetTemplate(0).size();
+  std::size_t refusals = 0;
+  for (bool anyFailed = true; anyFailed;) {
+    ASSERT_EQ(m_mathematics.GetTemplate(0).size(), before);
+    m_failing.FailCall(refusals + 1, GetParam());
+    const auto result = voicemath::ReadTemplateFile(m_failing, kTemplatePath, m_mathematics);
+    anyFailed = m_failing.HasFailed();
+    if (result == voicemath::TemplateFileResult::kDone) {
+      break;
+    }
+    ASSERT_LT(++refusals, 100U);
+  }
+  EXPECT_GT(refusals, 4U);
+  EXPECT_EQ(m_mathematics.GetTemplate(0).size(), kElements);
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, FileFaults,

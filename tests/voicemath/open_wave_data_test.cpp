@@ -57,9 +57,35 @@ TEST_F(OpenWaveData, EachFaultHasItsCodeAndClosesTheFile) {
 }
 
 TEST_F(OpenWaveData, TheFirstFaultInTheOrderOfTheChecksCounts) {
-  support::Bytes bytes = With(20, {9, 0, 9, 0});
-  bytes[34] = std::byte{9};
-  EXPECT_EQ(CodeOf(bytes), voicemath::kNotPcm);
+  const support::Bytes good = Good();
+  support::Bytes bytes(good.size());
+  EXPECT_EQ(CodeOf(support::Bytes(43)), voicemath::kTooShort);
+  const struct {
+    std::size_t at;
+    std::size_t size;
+  } fields[] = {{0, 4}, {8, 4}, {20, 2}, {22, 2}, {34, 2}, {36, 8}};
+  int code = voicemath::kNoRiff;
+  for (const auto& [at, size] : fields) {
+    EXPECT_EQ(CodeOf(bytes), code) << "All from there on are wrong.";
+    std::copy_n(good.begin() + static_cast<std::ptrdiff_t>(at), size,
+                bytes.begin() + static_cast<std::ptrdiff_t>(at));
+    ++code;
+  }
+  EXPECT_EQ(code, 8);
+  EXPECT_EQ(CodeOf(bytes), voicemath::kHeaderAccepted);
+}
+
+TEST_F(OpenWaveData, OfTheTwentySmallestFilesAllIsSelectedAndNothingTrimmed) {
+  for (std::uint32_t data = 0; data < 20; ++data) {
+    support::Bytes bytes = support::WaveFileWithDataAt(36, data, support::Bytes(data));
+    ASSERT_EQ(CodeOf(bytes), voicemath::kHeaderAccepted);
+    ASSERT_TRUE(m_mathematics.DetectSpeechBounds());
+    ASSERT_TRUE(m_mathematics.TrimWaveFile());
+    EXPECT_EQ(m_mathematics.m_dataBytes, data);
+    EXPECT_EQ(m_mathematics.m_firstSample, 0U);
+    EXPECT_EQ(m_mathematics.m_lastSample, data / 2 - 1U) << "None is the largest number.";
+    EXPECT_EQ(GetWave(), bytes);
+  }
 }
 
 TEST_F(OpenWaveData, ExactlyFortyFourBytesAreEnough) {

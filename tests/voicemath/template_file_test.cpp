@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "tests/support/file_steps.h"
 #include "tests/voicemath/mathematics_fixture.h"
 
 namespace {
@@ -50,6 +51,22 @@ TEST_F(TemplateFile, OfTenFramesIsTwoHundredAndSixBytes) {
   ASSERT_EQ(bytes.size(), 206U);
   EXPECT_EQ(support::Bytes(bytes.begin(), bytes.begin() + 10),
             ToBytes({0x32, 0, 0, 0, 0x0A, 0, 0, 0, 0x80, 0x3F}));
+}
+
+TEST_F(TemplateFile, IsMadeByOneHandleAndWrittenByAnotherThatIsFlushed) {
+  SetSlotZero(std::vector<float>(2000, 1.0F));
+  support::Steps steps;
+  support::StepsFileSystem files(m_files, steps);
+  ASSERT_EQ(voicemath::WriteTemplateFile(files, kTemplate, m_mathematics),
+            TemplateFileResult::kDone);
+  EXPECT_EQ(steps,
+            (support::Steps{"open for nothing, alone, always", "open for writing, alone, existing",
+                            "write 4096", "write 3910", "flush", "close file"}));
+  steps.clear();
+  m_mathematics.m_loadSlot = 1;
+  ASSERT_EQ(voicemath::ReadTemplateFile(files, kTemplate, m_mathematics),
+            TemplateFileResult::kDone);
+  EXPECT_EQ(steps.front(), "open for reading, with readers, existing");
 }
 
 TEST_F(TemplateFile, ComesBackBitForBitInAnySlot) {
@@ -129,6 +146,28 @@ TEST_F(TemplateFile, TheLargestTemplateIsWrittenAndReadWhole) {
   EXPECT_EQ(GetFile().size(), 6U + 4U * 327675U);
   ASSERT_EQ(Read(1), TemplateFileResult::kDone);
   EXPECT_EQ(GetTemplate(1), values);
+}
+
+TEST_F(TemplateFile, TheSmallestAndLargestComeBackByteForByteAndAreTornOneByteEarlier) {
+  for (std::uint32_t i = 0; i < 23; ++i) {
+    const std::uint32_t frames = i < 20 ? i : 65535 - (i - 20);
+    SCOPED_TRACE(frames);
+    const std::uint32_t elements = frames * 5;
+    support::Bytes bytes(6 + 4 * std::size_t{elements}, std::byte{0x3E});
+    for (std::size_t at = 0; at < 4; ++at) {
+      bytes[at] = static_cast<std::byte>(elements >> (8 * at));
+    }
+    bytes[4] = static_cast<std::byte>(frames);
+    bytes[5] = static_cast<std::byte>(frames >> 8U);
+    ASSERT_EQ(ReadBytes(0, bytes), TemplateFileResult::kDone);
+    EXPECT_EQ(m_mathematics.m_frameCounts[0], frames);
+    m_mathematics.m_elementCount = static_cast<std::int32_t>(elements);
+    ASSERT_EQ(m_files.Delete(kTemplate), platform::FileError::kNone);
+    ASSERT_EQ(Write(), TemplateFileResult::kDone);
+    EXPECT_TRUE(GetFile() == bytes);
+    bytes.pop_back();
+    EXPECT_EQ(ReadBytes(1, bytes), TemplateFileResult::kTorn);
+  }
 }
 
 TEST_F(TemplateFile, SlotZeroIsNotStoredWithTheCountOfAnotherSlot) {

@@ -116,6 +116,24 @@ TEST_F(CVoiceMathematicsTest, RemovingClosesTheGap) {
   EXPECT_EQ(m_mathematics.m_frameCounts[2], 0);
 }
 
+TEST_F(CVoiceMathematicsTest, WhatMovedOrWasRemovedIsComparedAsWhatItIs) {
+  SetTemplate(0, {3, 0, 1, 0, 0});
+  SetTemplate(1, {0, 0, 0, 0, 9});
+  SetTemplate(2, {3, 0, 1, 0, 0});
+  SetTemplate(100, {3, 0, 1, 0, 0});
+  m_mathematics.m_count = 3;
+  ASSERT_GT(m_mathematics.CompareTemplates(0, 1), 1.0F);
+  m_mathematics.RemoveTemplate(1);
+  EXPECT_EQ(m_mathematics.CompareTemplates(0, 1), 0.0F);
+  EXPECT_EQ(m_mathematics.CompareTemplates(0, 2), voicemath::kMaxDistance) << "Empty now.";
+  EXPECT_EQ(m_mathematics.CompareTemplates(100, 0), 0.0F) << "The scratch slot can be compared.";
+  EXPECT_EQ(m_mathematics.CompareTemplates(0, 100), 0.0F);
+  EXPECT_EQ(m_mathematics.ComputeThresholds(), 2);
+  EXPECT_EQ(m_mathematics.m_thresholds[0], 0.0F);
+  m_mathematics.ClearTemplates();
+  EXPECT_EQ(m_mathematics.CompareTemplates(100, 0), voicemath::kMaxDistance);
+}
+
 TEST_F(CVoiceMathematicsTest, RemovingNeedsASlotBelowTheCount) {
   SetTemplate(0, std::vector<float>(5));
   m_mathematics.m_count = 1;

@@ -125,6 +125,14 @@ TEST(CVoiceMathematics, EqualsItsTwinWhereTheFrameCountWraps) {
   both.ExpectSame(Task::kLearn, 0, support::WaveFileWithDataAt(36, 1024, content), "512");
 }
 
+TEST(CVoiceMathematics, EqualsItsTwinWhereAFrameFindsHalfASample) {
+  ClassAndTwin both;
+  // Frames wrap here, so that there is one that begins with the last byte of the file.
+  Bytes content = support::BytesOf(support::Noise(513, 5000, 9));
+  content.pop_back();
+  both.ExpectSame(Task::kProcess, 0, support::WaveFileWithDataAt(36, 1000, content), "one byte");
+}
+
 TEST(CVoiceMathematics, EqualsItsTwinOnRandomFiles) {
   ClassAndTwin both;
   std::mt19937 random(2025);

@@ -1,4 +1,7 @@
 #include <algorithm>
+#include <set>
+#include <string>
+#include <utility>
 
 #include "tests/voicemath/mathematics_fixture.h"
 
@@ -54,6 +57,26 @@ TEST_F(WaveTrimming, SegmentsOfWholeBuffersAndOneSampleMoreOrLess) {
   }
 }
 
+TEST_F(WaveTrimming, OneSampleLessThanTheRecordingAtEitherEndIsTrimmed) {
+  const auto samples = support::Noise(500, 9000, 3);
+  Open(support::WaveFile(samples));
+  Select(1, 499);
+  ASSERT_TRUE(m_mathematics.TrimWaveFile());
+  EXPECT_EQ(GetWave(), support::WaveFile(std::span(samples).subspan(1, 499)));
+  Open(support::WaveFile(samples));
+  Select(0, 498);
+  ASSERT_TRUE(m_mathematics.TrimWaveFile());
+  EXPECT_EQ(GetWave(), support::WaveFile(std::span(samples).first(499)));
+}
+
+TEST_F(WaveTrimming, ASearchThatFindsNoSpeechSelectsTheWholeFileWhateverWasSelectedBefore) {
+  Open(support::WaveFile(support::Constant(5000, 0)));
+  Select(700, 800);
+  ASSERT_TRUE(m_mathematics.DetectSpeechBounds());
+  EXPECT_EQ(m_mathematics.m_firstSample, 0U);
+  EXPECT_EQ(m_mathematics.m_lastSample, 4999U);
+}
+
 TEST_F(WaveTrimming, LeavesAFileAloneThatIsTheSegmentAlready) {
   auto bytes = support::WaveFile(support::Noise(500, 9000, 1));
   bytes.push_back(std::byte{7});  // Something behind the data stays too.
@@ -83,13 +106,90 @@ TEST_F(WaveTrimming, ALongerHeaderIsReplacedButItsOffsetStays) {
   EXPECT_EQ(m_mathematics.m_dataOffset, 68);
 }
 
-TEST_F(WaveTrimming, ReplacesWhatAnEarlierAttemptLeftBehind) {
-  const auto samples = support::Noise(3000, 9000, 1);
-  ASSERT_TRUE(m_files.PutFile(u"/name.wav.trimmed", support::Bytes(90000)));
-  Open(support::WaveFile(samples));
-  Select(0, 1999);
-  ASSERT_TRUE(m_mathematics.TrimWaveFile());
-  EXPECT_EQ(GetWave(), support::WaveFile(std::span(samples).first(2000)));
+/// Notes which files are opened.
+class OpenedPaths final : public platform::FileSystem {
+ public:
+  explicit OpenedPaths(platform::FileSystem& inner) : m_inner(inner) {}
+
+  [[nodiscard]] platform::OpenedFile Open(std::u16string_view path,
+                                          const platform::OpenMode& mode) override {
+    m_paths.insert(std::u16string(path));
+    return m_inner.Open(path, mode);
+  }
+  [[nodiscard]] platform::FileError Delete(std::u16string_view path) override {
+    return m_inner.Delete(path);
+  }
+  [[nodiscard]] platform::FileError Replace(std::u16string_view from,
+                                            std::u16string_view to) override {
+    return m_inner.Replace(from, to);
+  }
+  [[nodiscard]] platform::FileError CreateFolder(std::u16string_view path) override {
+    return m_inner.CreateFolder(path);
+  }
+  [[nodiscard]] platform::StartedSearch FindFirst(std::u16string_view pattern) override {
+    return m_inner.FindFirst(pattern);
+  }
+
+  /// All but `path`.
+  [[nodiscard]] std::set<std::u16string> TakeOthers(std::u16string_view path) {
+    m_paths.erase(std::u16string(path));
+    return std::exchange(m_paths, {});
+  }
+
+ private:
+  platform::FileSystem& m_inner;
+  std::set<std::u16string> m_paths;
+};
+
+/// The trimming of recordings in any place.
+class TrimmingPlace : public WaveTrimming {
+ protected:
+  /// Trims a recording and returns where the trimmed one was made.
+  [[nodiscard]] std::u16string Trim(std::u16string_view path) {
+    EXPECT_TRUE(m_files.PutFile(path, support::WaveFile(m_samples)));
+    m_watched.m_wavePath = path;
+    EXPECT_EQ(m_watched.LearnFile(0), voicemath::kLearned);
+    EXPECT_LT(m_files.GetFile(path).value_or(support::Bytes()).size(), 2 * m_samples.size());
+    const auto others = m_paths.TakeOthers(path);
+    EXPECT_EQ(others.size(), 1U);
+    return others.empty() ? std::u16string() : *others.begin();
+  }
+
+  const support::Samples m_samples =
+      support::Mixed(support::Noise(33075, 20, 1), 12000, support::SpeechLike(6000, 9000, 2));
+  OpenedPaths m_paths{m_files};
+  voicemath::CVoiceMathematics m_watched{m_paths, m_ui};
+};
+
+TEST_F(TrimmingPlace, IsBesideTheRecordingUnderANameOfFixedLengthForEachRecording) {
+  constexpr std::u16string_view kPrefix = u".voxtrel-trimmed-";
+  const std::u16string ann = Trim(u"/ann.wav");
+  EXPECT_TRUE(ann.starts_with(u"/" + std::u16string(kPrefix)));
+  EXPECT_EQ(ann.size(), 1 + kPrefix.size() + 16);
+  EXPECT_EQ(Trim(u"/ann.wav"), ann) << "What a crash left behind is written over.";
+  EXPECT_NE(Trim(u"/bob.wav"), ann);
+  const std::u16string longest = u"/" + std::u16string(251, u'x') + u".wav";
+  EXPECT_EQ(Trim(longest).size(), ann.size());
+  ASSERT_EQ(m_files.CreateFolder(u"\\Voices"), platform::FileError::kNone);
+  EXPECT_TRUE(Trim(u"\\Voices\\ann.wav").starts_with(u"\\Voices\\" + std::u16string(kPrefix)));
+}
+
+TEST_F(TrimmingPlace, ReplacesWhatAnEarlierAttemptLeftBehind) {
+  const std::u16string place = Trim(u"/ann.wav");
+  const auto trimmed = m_files.GetFile(u"/ann.wav");
+  ASSERT_TRUE(m_files.PutFile(place, support::Bytes(90000)));
+  EXPECT_EQ(Trim(u"/ann.wav"), place);
+  EXPECT_EQ(m_files.GetFile(u"/ann.wav"), trimmed);
+  EXPECT_EQ(m_files.ListFiles(), std::vector<std::u16string>{u"/ann.wav"});
+}
+
+TEST_F(TrimmingPlace, TakesNoFileOfTheUsers) {
+  const support::Bytes users(100, std::byte{7});
+  ASSERT_TRUE(m_files.PutFile(u"/ann.wav.trimmed", users));
+  ASSERT_TRUE(m_files.PutFile(u"/ann.wav.tmp", users));
+  EXPECT_NE(Trim(u"/ann.wav"), u"/ann.wav.trimmed");
+  EXPECT_EQ(m_files.GetFile(u"/ann.wav.trimmed"), users);
+  EXPECT_EQ(m_files.GetFile(u"/ann.wav.tmp"), users);
 }
 
 TEST_F(WaveTrimming, AFullDiskKeepsTheOldRecordingAndSaysSo) {
@@ -108,6 +208,9 @@ TEST_F(WaveTrimming, AProtectedRecordingIsLeftAsItIs) {
   PutWaveBytes(bytes);
   ASSERT_TRUE(m_files.SetReadOnly(kWave, true));
   EXPECT_EQ(m_mathematics.LearnFile(0), voicemath::kNotProcessed);
+  // Opened for reading and writing as well, though nothing would be written.
+  EXPECT_EQ(m_mathematics.ProcessFile(0), voicemath::kNotProcessed);
+  EXPECT_EQ(m_mathematics.ReadFile(0), voicemath::kLearned);
   EXPECT_EQ(GetWave(), bytes);
 }
 

@@ -1,0 +1,97 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "platform/file_system.h"
+
+namespace support {
+
+/// What was done to files and devices, one behind the other.
+using Steps = std::vector<std::string>;
+
+/// Forwards every call to other files, and notes opening, writing, flushing, closing and deleting.
+class StepsFileSystem final : public platform::FileSystem {
+ public:
+  StepsFileSystem(platform::FileSystem& inner, Steps& steps) : m_inner(inner), m_steps(steps) {}
+
+  [[nodiscard]] platform::OpenedFile Open(std::u16string_view path,
+                                          const platform::OpenMode& mode) override {
+    m_steps.push_back(Describe(mode));
+    auto opened = m_inner.Open(path, mode);
+    if (opened.file) {
+      opened.file = std::make_unique<File>(m_steps, std::move(opened.file));
+    }
+    return opened;
+  }
+  [[nodiscard]] platform::FileError Delete(std::u16string_view path) override {
+    m_steps.push_back("delete file");
+    return m_inner.Delete(path);
+  }
+  [[nodiscard]] platform::FileError Replace(std::u16string_view from,
+                                            std::u16string_view to) override {
+    return m_inner.Replace(from, to);
+  }
+  [[nodiscard]] platform::FileError CreateFolder(std::u16string_view path) override {
+    return m_inner.CreateFolder(path);
+  }
+  [[nodiscard]] platform::StartedSearch FindFirst(std::u16string_view pattern) override {
+    return m_inner.FindFirst(pattern);
+  }
+
+ private:
+  [[nodiscard]] static std::string Describe(const platform::OpenMode& mode) {
+    static constexpr std::array kAccesses{"for nothing", "for reading", "for writing", "for both"};
+    static constexpr std::array kShares{"alone", "with readers"};
+    static constexpr std::array kCreations{"existing", "always", "created or emptied"};
+    return std::string("open ") + kAccesses[static_cast<std::size_t>(mode.access)] + ", " +
+           kShares[static_cast<std::size_t>(mode.share)] + ", " +
+           kCreations[static_cast<std::size_t>(mode.creation)];
+  }
+
+  class File final : public platform::File {
+   public:
+    File(Steps& steps, std::unique_ptr<platform::File> inner)
+        : m_steps(steps), m_inner(std::move(inner)) {}
+
+    [[nodiscard]] std::optional<std::uint64_t> GetLength() override { return m_inner->GetLength(); }
+    [[nodiscard]] platform::FileError Seek(std::uint64_t offset) override {
+      return m_inner->Seek(offset);
+    }
+    [[nodiscard]] std::optional<std::size_t> Read(std::span<std::byte> into) override {
+      return m_inner->Read(into);
+    }
+    [[nodiscard]] platform::FileError Write(std::span<const std::byte> bytes) override {
+      m_steps.push_back("write " + std::to_string(bytes.size()));
+      return m_inner->Write(bytes);
+    }
+    [[nodiscard]] platform::FileError SetLength(std::uint64_t length) override {
+      return m_inner->SetLength(length);
+    }
+    [[nodiscard]] platform::FileError Flush() override {
+      m_steps.push_back("flush");
+      return m_inner->Flush();
+    }
+    [[nodiscard]] platform::FileError Close() override {
+      m_steps.push_back("close file");
+      return m_inner->Close();
+    }
+
+   private:
+    Steps& m_steps;
+    const std::unique_ptr<platform::File> m_inner;
+  };
+
+  platform::FileSystem& m_inner;
+  Steps& m_steps;
+};
+
+}  // namespace support
