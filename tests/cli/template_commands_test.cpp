@@ -42,6 +42,18 @@ TEST_F(TemplateCommands, LearnShowsASummaryAndAPicture) {
   EXPECT_THAT(run.out, HasSubstr("█"));
 }
 
+TEST_F(TemplateCommands, TheSummaryTellsWhereTheSpeechBeginsAndEnds) {
+  const std::string wave = CopySample("anna_1.wav");
+  EXPECT_THAT(Run({"template", "process", wave, Path("a.st")}).out,
+              HasSubstr("Speech    0.00 s to 3.00 s"));
+  // 11,081 samples: the last one ends just behind half a hundredth of a second.
+  std::fstream(wave, std::ios::binary | std::ios::in | std::ios::out)
+      .seekp(40)
+      .write("\x92\x56\0\0", 4);
+  EXPECT_THAT(Run({"template", "process", wave, Path("a.st")}).out,
+              HasSubstr("Speech    0.00 s to 1.01 s"));
+}
+
 TEST_F(TemplateCommands, AResultThatIsNotZeroPrintsTheJsonAllTheSame) {
   std::ofstream(Path("text.wav")) << std::string(50, 'x');
   for (const std::string wave : {"text.wav", "missing.wav"}) {
