@@ -50,8 +50,8 @@ void VcardSplitter::Finish() {
 
 void VcardSplitter::OnLine(const LogicalLines::Line& line) {
   std::string_view content = line.text;
-  // Also within the stream: files are joined as they are.
-  if (!m_isInCard && content.starts_with(kByteOrderMark)) {
+  // Anywhere in the stream: files are joined as they are, also behind one that ends within a card.
+  if (content.starts_with(kByteOrderMark)) {
     content.remove_prefix(kByteOrderMark.size());
   }
   const std::string_view name = PropertyOf(content).name;

@@ -94,6 +94,9 @@ TEST_F(LanguageCommands, WriteTheTemplateToAFileOrToStandardOutput) {
   EXPECT_TRUE(Read(Path("new.lng")) == shipped);
   EXPECT_TRUE(Run({"language", "template"}).out == shipped);
   EXPECT_EQ(RunJson({"language", "template"}, 0).at("entries").size(), 54U);
+  std::ofstream(Path("empty.lng")).close();
+  EXPECT_EQ(Run({"language", "template", Path("empty.lng")}).exitCode, 0);
+  EXPECT_TRUE(Read(Path("empty.lng")) == shipped);
 }
 
 TEST_F(LanguageCommands, LeaveATranslationAloneThatHasTheTemplatesName) {

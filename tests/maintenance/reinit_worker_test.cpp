@@ -2,6 +2,7 @@
 
 #include "tests/maintenance/reinit_fixture.h"
 #include "tests/support/failing_file_system.h"
+#include "tests/support/forwarding_file_system.h"
 
 namespace {
 
@@ -134,21 +135,12 @@ TEST_F(ReinitWorkerTest, ASearchThatFailsAtOnceEndsTheProcessAndChangesNothing) 
 }
 
 /// Lets the search for the next file fail once.
-class HalfSearch final : public platform::FileSystem {
+class HalfSearch final : public support::ForwardingFileSystem {
  public:
-  explicit HalfSearch(platform::FileSystem& files) : m_files(files) {}
-  platform::OpenedFile Open(std::u16string_view path, const platform::OpenMode& mode) override {
-    return m_files.Open(path, mode);
-  }
-  platform::FileError Delete(std::u16string_view path) override { return m_files.Delete(path); }
-  platform::FileError Replace(std::u16string_view from, std::u16string_view to) override {
-    return m_files.Replace(from, to);
-  }
-  platform::FileError CreateFolder(std::u16string_view path) override {
-    return m_files.CreateFolder(path);
-  }
+  using ForwardingFileSystem::ForwardingFileSystem;
+
   platform::StartedSearch FindFirst(std::u16string_view pattern) override {
-    auto started = m_files.FindFirst(pattern);
+    auto started = ForwardingFileSystem::FindFirst(pattern);
     if (started.search) {
       started.search = std::make_unique<Search>(std::move(started.search));
     }
@@ -167,7 +159,6 @@ class HalfSearch final : public platform::FileSystem {
     std::unique_ptr<platform::FileSearch> m_search;
     int m_calls = 0;
   };
-  platform::FileSystem& m_files;
 };
 
 TEST_F(ReinitWorkerTest, ASearchThatFailsHalfWayIsToldAndGoesOn) {

@@ -6,6 +6,7 @@
 #include "platform/headless/headless_dialog.h"
 #include "resources/dialogs.h"
 #include "tests/maintenance/session_fixture.h"
+#include "tests/support/forwarding_file_system.h"
 
 namespace {
 
@@ -37,27 +38,17 @@ class TestDialogTest : public SessionFixture {
   }
 
   /// Sees when the wait cursor is there: while files are read.
-  class CursorWatch final : public platform::FileSystem {
+  class CursorWatch final : public support::ForwardingFileSystem {
    public:
-    CursorWatch(platform::FileSystem& files, headless::HeadlessUi& ui) : m_files(files), m_ui(ui) {}
+    CursorWatch(platform::FileSystem& files, headless::HeadlessUi& ui)
+        : ForwardingFileSystem(files), m_ui(ui) {}
     platform::OpenedFile Open(std::u16string_view path, const platform::OpenMode& mode) override {
       cursors.push_back(m_ui.GetCursor());
-      return m_files.Open(path, mode);
-    }
-    platform::FileError Delete(std::u16string_view path) override { return m_files.Delete(path); }
-    platform::FileError Replace(std::u16string_view from, std::u16string_view to) override {
-      return m_files.Replace(from, to);
-    }
-    platform::FileError CreateFolder(std::u16string_view path) override {
-      return m_files.CreateFolder(path);
-    }
-    platform::StartedSearch FindFirst(std::u16string_view pattern) override {
-      return m_files.FindFirst(pattern);
+      return ForwardingFileSystem::Open(path, mode);
     }
     std::vector<platform::Cursor> cursors;
 
    private:
-    platform::FileSystem& m_files;
     headless::HeadlessUi& m_ui;
   };
 

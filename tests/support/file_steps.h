@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "platform/file_system.h"
+#include "tests/support/forwarding_file_system.h"
 
 namespace support {
 
@@ -19,14 +20,15 @@ namespace support {
 using Steps = std::vector<std::string>;
 
 /// Forwards every call to other files, and notes opening, writing, flushing, closing and deleting.
-class StepsFileSystem final : public platform::FileSystem {
+class StepsFileSystem final : public ForwardingFileSystem {
  public:
-  StepsFileSystem(platform::FileSystem& inner, Steps& steps) : m_inner(inner), m_steps(steps) {}
+  StepsFileSystem(platform::FileSystem& inner, Steps& steps)
+      : ForwardingFileSystem(inner), m_steps(steps) {}
 
   [[nodiscard]] platform::OpenedFile Open(std::u16string_view path,
                                           const platform::OpenMode& mode) override {
     m_steps.push_back(Describe(mode));
-    auto opened = m_inner.Open(path, mode);
+    auto opened = ForwardingFileSystem::Open(path, mode);
     if (opened.file) {
       opened.file = std::make_unique<File>(m_steps, std::move(opened.file));
     }
@@ -34,17 +36,7 @@ class StepsFileSystem final : public platform::FileSystem {
   }
   [[nodiscard]] platform::FileError Delete(std::u16string_view path) override {
     m_steps.push_back("delete file");
-    return m_inner.Delete(path);
-  }
-  [[nodiscard]] platform::FileError Replace(std::u16string_view from,
-                                            std::u16string_view to) override {
-    return m_inner.Replace(from, to);
-  }
-  [[nodiscard]] platform::FileError CreateFolder(std::u16string_view path) override {
-    return m_inner.CreateFolder(path);
-  }
-  [[nodiscard]] platform::StartedSearch FindFirst(std::u16string_view pattern) override {
-    return m_inner.FindFirst(pattern);
+    return ForwardingFileSystem::Delete(path);
   }
 
  private:
@@ -90,7 +82,6 @@ class StepsFileSystem final : public platform::FileSystem {
     const std::unique_ptr<platform::File> m_inner;
   };
 
-  platform::FileSystem& m_inner;
   Steps& m_steps;
 };
 

@@ -15,42 +15,34 @@
 #include "platform/file_system.h"
 #include "platform/ui.h"
 #include "platform/wave_out.h"
+#include "tests/support/forwarding_file_system.h"
 
 // Each forwards every call to a back end, and tells before it does.
 
 /// Files whose searches and deletions are told, "find ..." and "delete ...". Folders that are
 /// refused can neither be found nor made.
-class WatchedFiles final : public platform::FileSystem {
+class WatchedFiles final : public support::ForwardingFileSystem {
  public:
   using Listener = std::function<void(const std::u16string&)>;
-
-  explicit WatchedFiles(platform::FileSystem& inner) : m_inner(inner) {}
+  using ForwardingFileSystem::ForwardingFileSystem;
 
   void SetListener(Listener listener) { m_listener = std::move(listener); }
   void Refuse(std::set<std::u16string_view> folders) { m_refused = std::move(folders); }
 
-  [[nodiscard]] platform::OpenedFile Open(std::u16string_view path,
-                                          const platform::OpenMode& mode) override {
-    return m_inner.Open(path, mode);
-  }
   [[nodiscard]] platform::FileError Delete(std::u16string_view path) override {
     Tell(u"delete ", path);
-    return m_inner.Delete(path);
-  }
-  [[nodiscard]] platform::FileError Replace(std::u16string_view from,
-                                            std::u16string_view to) override {
-    return m_inner.Replace(from, to);
+    return ForwardingFileSystem::Delete(path);
   }
   [[nodiscard]] platform::FileError CreateFolder(std::u16string_view path) override {
     return m_refused.contains(path) ? platform::FileError::kAccessDenied
-                                    : m_inner.CreateFolder(path);
+                                    : ForwardingFileSystem::CreateFolder(path);
   }
   [[nodiscard]] platform::StartedSearch FindFirst(std::u16string_view pattern) override {
     Tell(u"find ", pattern);
     if (m_refused.contains(pattern)) {
       return {nullptr, {}, platform::FileError::kNotFound};
     }
-    return m_inner.FindFirst(pattern);
+    return ForwardingFileSystem::FindFirst(pattern);
   }
 
  private:
@@ -60,7 +52,6 @@ class WatchedFiles final : public platform::FileSystem {
     }
   }
 
-  platform::FileSystem& m_inner;
   Listener m_listener;
   std::set<std::u16string_view> m_refused;
 };

@@ -10,6 +10,7 @@
 #include "platform/headless/memory_file_system.h"
 #include "tests/support/failing_file_system.h"
 #include "tests/support/file_bytes.h"
+#include "tests/support/forwarding_file_system.h"
 #include "tests/vcard/read_cards.h"
 
 namespace vcard {
@@ -20,22 +21,12 @@ std::string Named(const std::string& name) {
 }
 
 /// Finds files in the order opposite to that of another one: systems promise none.
-class BackwardsFileSystem final : public platform::FileSystem {
+class BackwardsFileSystem final : public support::ForwardingFileSystem {
  public:
-  explicit BackwardsFileSystem(platform::FileSystem& files) : m_files(files) {}
+  using ForwardingFileSystem::ForwardingFileSystem;
 
-  platform::OpenedFile Open(std::u16string_view path, const platform::OpenMode& mode) override {
-    return m_files.Open(path, mode);
-  }
-  platform::FileError Delete(std::u16string_view path) override { return m_files.Delete(path); }
-  platform::FileError Replace(std::u16string_view from, std::u16string_view to) override {
-    return m_files.Replace(from, to);
-  }
-  platform::FileError CreateFolder(std::u16string_view path) override {
-    return m_files.CreateFolder(path);
-  }
   platform::StartedSearch FindFirst(std::u16string_view pattern) override {
-    platform::StartedSearch started = m_files.FindFirst(pattern);
+    platform::StartedSearch started = ForwardingFileSystem::FindFirst(pattern);
     auto search = std::make_unique<Search>();
     for (platform::FileError error = started.error; error == platform::FileError::kNone;
          error = started.search->Next(started.first)) {
@@ -60,8 +51,6 @@ class BackwardsFileSystem final : public platform::FileSystem {
     }
     std::vector<platform::FoundFile> found;
   };
-
-  platform::FileSystem& m_files;
 };
 
 class VcardSourceTest : public testing::Test {

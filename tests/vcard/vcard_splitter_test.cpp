@@ -76,6 +76,15 @@ TEST(VcardSplitter, PassesOverTheByteOrderMarksOfFilesThatWereJoined) {
   EXPECT_FALSE(cards.isDamaged);
 }
 
+TEST(VcardSplitter, AMarkBehindATornFileHidesNoDamage) {
+  const std::string torn = "BEGIN:VCARD\nTEL:1\n";
+  const Cards plain = ReadCards(torn + Named("A"));
+  const Cards marked = ReadCards(torn + "\xEF\xBB\xBF" + Named("A"));
+  EXPECT_TRUE(plain.isDamaged);
+  EXPECT_TRUE(marked.isDamaged);
+  EXPECT_EQ(NamesIn(marked), NamesIn(plain));
+}
+
 TEST(VcardSplitter, TakesKeywordsInAnyCase) {
   const Cards cards = ReadCards("begin:vcard\nn:A;;;;\nend : vcard \n");
   EXPECT_EQ(NamesIn(cards), "A.");

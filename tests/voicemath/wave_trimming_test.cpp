@@ -3,6 +3,7 @@
 #include <string>
 #include <utility>
 
+#include "tests/support/forwarding_file_system.h"
 #include "tests/voicemath/mathematics_fixture.h"
 
 namespace {
@@ -107,27 +108,14 @@ TEST_F(WaveTrimming, ALongerHeaderIsReplacedButItsOffsetStays) {
 }
 
 /// Notes which files are opened.
-class OpenedPaths final : public platform::FileSystem {
+class OpenedPaths final : public support::ForwardingFileSystem {
  public:
-  explicit OpenedPaths(platform::FileSystem& inner) : m_inner(inner) {}
+  using ForwardingFileSystem::ForwardingFileSystem;
 
   [[nodiscard]] platform::OpenedFile Open(std::u16string_view path,
                                           const platform::OpenMode& mode) override {
     m_paths.insert(std::u16string(path));
-    return m_inner.Open(path, mode);
-  }
-  [[nodiscard]] platform::FileError Delete(std::u16string_view path) override {
-    return m_inner.Delete(path);
-  }
-  [[nodiscard]] platform::FileError Replace(std::u16string_view from,
-                                            std::u16string_view to) override {
-    return m_inner.Replace(from, to);
-  }
-  [[nodiscard]] platform::FileError CreateFolder(std::u16string_view path) override {
-    return m_inner.CreateFolder(path);
-  }
-  [[nodiscard]] platform::StartedSearch FindFirst(std::u16string_view pattern) override {
-    return m_inner.FindFirst(pattern);
+    return ForwardingFileSystem::Open(path, mode);
   }
 
   /// All but `path`.
@@ -137,7 +125,6 @@ class OpenedPaths final : public platform::FileSystem {
   }
 
  private:
-  platform::FileSystem& m_inner;
   std::set<std::u16string> m_paths;
 };
 
