@@ -63,7 +63,8 @@ bool AddressBooks::Logon() {
   m_problem = Problem::kNone;
   m_reason.clear();
   bool isReady = m_choice ? LogonTo(*m_choice) : LogonToDefault();
-  if (isReady && m_options.choice && !RememberChoice(m_registry, *m_options.choice)) {
+  if (isReady && !m_options.changesNothing && m_options.choice &&
+      !RememberChoice(m_registry, *m_options.choice)) {
     isReady = Fail(Problem::kStore);
   }
   if (!isReady) {
@@ -132,7 +133,9 @@ bool AddressBooks::TakeContacts(std::vector<Book>& books) {
     identities.push_back({book.name, IdentitiesOf(book.contacts)});
   }
   std::vector<std::vector<std::int32_t>> oids;
-  if (!m_oids.Assign(identities, oids)) {
+  if (m_options.changesNothing) {
+    m_oids.AssignInMemory(identities, oids);
+  } else if (!m_oids.Assign(identities, oids)) {
     return Fail(Problem::kStore);
   }
   for (std::size_t i = 0; i < books.size(); ++i) {

@@ -39,6 +39,11 @@ class AddressBooks final : public platform::ContactsStore {
     /// Told at each log-on of a newcomer, who has no contacts and no tags.
     std::function<void()> nothingFound;
 
+    /// Nothing is written to the registry, which may be one that takes no writes: no choice is
+    /// remembered, and a contact without a number gets, for this time alone, the one that it will
+    /// have for good.
+    bool changesNothing = false;
+
     /// The desktop's address books; without them nobody answers for the desktop.
     ContactSource* desktop = nullptr;
   };

@@ -108,14 +108,29 @@ bool OidMap::Assign(std::span<const SourceContacts> contacts,
   if (!IsComplete(contacts) && !GiveMissing(contacts)) {
     return false;
   }
-  oids.clear();
+  oids = NumbersOf(contacts);
+  return true;
+}
+
+void OidMap::AssignInMemory(std::span<const SourceContacts> contacts,
+                            std::vector<std::vector<std::int32_t>>& oids) {
+  for (const SourceContacts& each : contacts) {
+    m_books.try_emplace(each.source);
+    static_cast<void>(GiveInMemory(each));
+  }
+  oids = NumbersOf(contacts);
+}
+
+std::vector<std::vector<std::int32_t>> OidMap::NumbersOf(
+    std::span<const SourceContacts> contacts) const {
+  std::vector<std::vector<std::int32_t>> oids;
   for (const SourceContacts& each : contacts) {
     std::vector<std::int32_t>& ofBook = oids.emplace_back();
     for (const std::string& uid : each.uids) {
       ofBook.push_back(m_books.at(each.source).oids.at(ComputeDigest(uid)));
     }
   }
-  return true;
+  return oids;
 }
 
 bool OidMap::Belongs(std::int32_t oid, std::u16string_view source) const {
@@ -150,6 +165,11 @@ bool OidMap::GiveMissing(const SourceContacts& contacts) {
   if (!m_books.contains(contacts.source) && !MakeBook(contacts.source)) {
     return false;
   }
+  const std::vector<std::byte> entries = GiveInMemory(contacts);
+  return Store(m_books.at(contacts.source), entries);
+}
+
+std::vector<std::byte> OidMap::GiveInMemory(const SourceContacts& contacts) {
   Book& book = m_books.at(contacts.source);
   std::vector<std::byte> entries;
   for (const std::string& uid : contacts.uids) {
@@ -166,7 +186,7 @@ bool OidMap::GiveMissing(const SourceContacts& contacts) {
     platform::StoreLittleEndian32(std::span(entries).last<kOidSize>(),
                                   static_cast<std::uint32_t>(oid));
   }
-  return Store(book, entries);
+  return entries;
 }
 
 bool OidMap::MakeBook(const std::u16string& source) {

@@ -43,6 +43,11 @@ class OidMap {
   [[nodiscard]] bool Assign(std::span<const SourceContacts> contacts,
                             std::vector<std::vector<std::int32_t>>& oids);
 
+  /// As Assign, but new numbers are known to this map alone and nothing is written: they are those
+  /// that Assign would give.
+  void AssignInMemory(std::span<const SourceContacts> contacts,
+                      std::vector<std::vector<std::int32_t>>& oids);
+
   /// Whether the number was given to a contact of this book.
   [[nodiscard]] bool Belongs(std::int32_t oid, std::u16string_view source) const;
 
@@ -60,6 +65,10 @@ class OidMap {
   [[nodiscard]] bool IsComplete(std::span<const SourceContacts> contacts) const;
   [[nodiscard]] bool GiveMissing(std::span<const SourceContacts> contacts);
   [[nodiscard]] bool GiveMissing(const SourceContacts& contacts);
+  /// Gives a number to each contact of the book that has none; their entries as they are stored.
+  [[nodiscard]] std::vector<std::byte> GiveInMemory(const SourceContacts& contacts);
+  [[nodiscard]] std::vector<std::vector<std::int32_t>> NumbersOf(
+      std::span<const SourceContacts> contacts) const;
   [[nodiscard]] bool MakeBook(const std::u16string& source);
   [[nodiscard]] bool Store(Book& book, std::span<const std::byte> entries);
   [[nodiscard]] std::int32_t ChooseOid(std::u16string_view source, const std::string& uid) const;

@@ -9,6 +9,7 @@
 #include "platform/headless/memory_registry.h"
 #include "tests/support/failing_registry.h"
 #include "tests/support/file_bytes.h"
+#include "tests/support/read_only_registry.h"
 #include "tests/support/registry_access.h"
 #include "tests/vcard/read_cards.h"
 
@@ -361,6 +362,64 @@ TEST_F(AddressBooksDefault, AStoreThatTakesNoNumbersIsNoReasonToPassOverTheDeskt
               hasFailed ? AddressBooks::Problem::kStore : AddressBooks::Problem::kNone)
         << call;
   }
+}
+
+// What only reads leaves no trace.
+
+class AddressBooksReading : public AddressBooksTest {
+ protected:
+  /// A log-on that may not change anything, over a registry that fails at the first write.
+  bool StartReading(std::optional<SourceChoice> choice = std::nullopt) {
+    AddressBooks::Options options;
+    options.choice = std::move(choice);
+    options.desktop = &m_desktop;
+    options.oidsInUse = [this] { return m_inUse; };
+    options.changesNothing = true;
+    m_store = std::make_unique<AddressBooks>(m_files, m_frozen, std::move(options));
+    return m_store->Initialize() && m_store->Connect() && m_store->Logon();
+  }
+
+  support::ReadOnlyRegistry m_frozen{m_registry};
+};
+
+TEST_F(AddressBooksReading, ANewContactHasTheNumberThatLearningThenGives) {
+  Put(u"/all.vcf", Person("Ann"));
+  ASSERT_TRUE(Start(SourceChoice{u"/all.vcf"}));
+  Put(u"/all.vcf", Person("Bob") + Person("Ann") + WriteCard("N:Zoe;;;;") + WriteCard("N:Zoe;;;;"));
+  ASSERT_TRUE(StartReading());
+  const std::vector<std::int32_t> shown = {Oid(1), Oid(2), Oid(3), Oid(4)};
+  ASSERT_TRUE(StartReading());
+  EXPECT_EQ(shown, (std::vector{Oid(1), Oid(2), Oid(3), Oid(4)}));
+  ASSERT_TRUE(Start());
+  EXPECT_EQ(shown, (std::vector{Oid(1), Oid(2), Oid(3), Oid(4)}));
+  EXPECT_EQ(m_frozen.CountWrites(), 0U);
+}
+
+TEST_F(AddressBooksReading, NoChoiceIsRememberedAndNoKeyIsMade) {
+  Put(u"/all.vcf", Person("Ann"));
+  ASSERT_TRUE(StartReading(SourceChoice{u"/all.vcf"}));
+  EXPECT_EQ(Names(), "Ann.");
+  EXPECT_EQ(m_frozen.CountWrites(), 0U);
+  EXPECT_FALSE(support::KeyExists(m_registry, u"Software\\Zedra\\Voxtrel Contacts"));
+  ASSERT_TRUE(StartReading());
+  EXPECT_EQ(m_store->GetCount(), 0);
+}
+
+TEST_F(AddressBooksReading, EveryBookOfTheDesktopHasItsNumbers) {
+  SetDesktopTo({Contact("a", u"Lee")});
+  m_desktop.books.push_back({u"eds:other", {Contact("a", u"Ray")}, true});
+  ASSERT_TRUE(StartReading());
+  const std::vector<std::int32_t> shown = {Oid(1), Oid(2)};
+  EXPECT_NE(shown[0], shown[1]);
+  ASSERT_TRUE(Start());
+  EXPECT_EQ(shown, (std::vector{Oid(1), Oid(2)}));
+}
+
+TEST_F(AddressBooksReading, TagsAreGuardedAsEver) {
+  Put(u"/all.vcf", Person("Ann"));
+  m_inUse = {17};
+  EXPECT_FALSE(StartReading(SourceChoice{u"/all.vcf"}));
+  EXPECT_EQ(m_store->GetProblem(), AddressBooks::Problem::kTagsElsewhere);
 }
 
 TEST_F(AddressBooksInUse, TagsThatCannotBeCountedEndTheLogon) {
