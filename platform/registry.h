@@ -48,7 +48,9 @@ class RegistryKey {
   virtual ~RegistryKey() = default;
 
   /// Stores the name of the subkey at `index` (0-based) in `name`. The order is that in which the
-  /// subkeys were made; deleting one moves every later one down by one index.
+  /// subkeys were made; deleting one moves every later one down by one index. Another program may
+  /// have made names that no path can hold; one that is too long to be read gives kInvalid, here
+  /// and below, and the enumeration goes on at the next index.
   [[nodiscard]] virtual RegistryError EnumerateSubkey(std::uint32_t index,
                                                       std::u16string& name) = 0;
 
@@ -56,7 +58,8 @@ class RegistryKey {
   /// were made; writing a value again leaves it in its place.
   [[nodiscard]] virtual RegistryError EnumerateValue(std::uint32_t index, std::u16string& name) = 0;
 
-  /// Reads a value whole. The empty name is that of the key's default value.
+  /// Reads a value whole. The empty name is that of the key's default value. One that another
+  /// program made longer than a registry takes gives kInvalid.
   [[nodiscard]] virtual RegistryError Query(std::u16string_view valueName,
                                             RegistryValue& value) = 0;
 

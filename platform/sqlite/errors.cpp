@@ -31,6 +31,8 @@ RegistryError ToRegistryError(int resultCode) {
       return RegistryError::kReadOnly;
     case SQLITE_FULL:
       return RegistryError::kFull;
+    case SQLITE_TOOBIG:
+      return RegistryError::kInvalid;
     case SQLITE_CORRUPT:
     case SQLITE_NOTADB:
     case SQLITE_FORMAT:

@@ -79,12 +79,25 @@ RegistryError CheckPages(sqlite3* database) {
   return run.TextAt(0) == u"ok" ? RegistryError::kNone : RegistryError::kDamaged;
 }
 
+/// The root is there and lies below no key. So no key that can be reached from it is its own
+/// parent, however far up: each key has one parent, and a circle of them would hold the root.
+RegistryError CheckRoot(sqlite3* database) {
+  std::int64_t roots = 0;
+  const int result = QueryInteger(
+      database, "SELECT count(*) FROM registry_key WHERE id = 1 AND parent_id IS NULL", roots);
+  // A table or column that is missing is a plain error to the library.
+  if (result == SQLITE_ERROR) {
+    return RegistryError::kDamaged;
+  }
+  return result == SQLITE_OK && roots != 1 ? RegistryError::kDamaged : ToRegistryError(result);
+}
+
 RegistryError CreateSchema(sqlite3* database, std::span<const std::u16string> initialKeys) {
   if (const int result = Execute(database, kCreateSchema); result != SQLITE_OK) {
     return ToRegistryError(result);
   }
   Store store;
-  if (const RegistryError error = store.Prepare(database); error != RegistryError::kNone) {
+  if (const RegistryError error = store.Prepare(database, 0); error != RegistryError::kNone) {
     return error;
   }
   for (const std::u16string& path : initialKeys) {
@@ -126,21 +139,13 @@ RegistryError CreateWhereEmpty(sqlite3* database, std::span<const std::u16string
 
 }  // namespace
 
-RegistryError PrepareSchema(sqlite3* database, std::span<const std::u16string> initialKeys) {
+RegistryError CheckSchema(sqlite3* database) {
   Identity identity;
-  int result = ReadIdentity(database, identity);
-  if (result != SQLITE_OK) {
+  if (const int result = ReadIdentity(database, identity); result != SQLITE_OK) {
     return ToRegistryError(result);
   }
   if (identity.IsEmpty()) {
-    const RegistryError error = CreateWhereEmpty(database, initialKeys);
-    if (error != RegistryError::kNone) {
-      return error;
-    }
-    result = ReadIdentity(database, identity);
-    if (result != SQLITE_OK) {
-      return ToRegistryError(result);
-    }
+    return RegistryError::kNotFound;
   }
   if (identity.applicationId != kApplicationId) {
     return RegistryError::kDamaged;
@@ -151,7 +156,19 @@ RegistryError PrepareSchema(sqlite3* database, std::span<const std::u16string> i
   if (identity.version != kSchemaVersion) {
     return RegistryError::kDamaged;
   }
-  return CheckPages(database);
+  const RegistryError error = CheckPages(database);
+  return error == RegistryError::kNone ? CheckRoot(database) : error;
+}
+
+RegistryError PrepareSchema(sqlite3* database, std::span<const std::u16string> initialKeys) {
+  RegistryError error = CheckSchema(database);
+  if (error == RegistryError::kNotFound) {
+    error = CreateWhereEmpty(database, initialKeys);
+    if (error == RegistryError::kNone) {
+      error = CheckSchema(database);
+    }
+  }
+  return error;
 }
 
 }  // namespace sqlite

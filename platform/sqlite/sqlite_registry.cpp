@@ -95,6 +95,11 @@ RegistryError SqliteRegistry::BeginGroup() {
     return RegistryError::kInvalid;
   }
   RegistryError error = Connect();
+  if (error == RegistryError::kNone && m_lacksRoom) {
+    // Without room the group serves for reading.
+    error = OpenForChanges();
+    error = error == RegistryError::kFull ? RegistryError::kNone : error;
+  }
   if (error == RegistryError::kNone) {
     error = m_connection->Begin();
   }
@@ -145,6 +150,10 @@ RegistryError SqliteRegistry::Perform(const Call& call) {
     return error;
   }
   error = call(m_connection->GetStore());
+  if (error == RegistryError::kReadOnly && m_lacksRoom) {
+    error = m_gate.GroupIsOpen() ? RegistryError::kFull : OpenForChanges();
+    error = error == RegistryError::kNone ? call(m_connection->GetStore()) : error;
+  }
   NoteDamage(error);
   if (m_gate.GroupIsOpen() && platform::DoomsGroup(error)) {
     // The library may have undone the transaction already; what followed would stand alone.
@@ -161,8 +170,30 @@ RegistryError SqliteRegistry::Connect() {
   if (m_connection) {
     return RegistryError::kNone;
   }
-  return Connection::Open(
-      {m_database, m_options.initialKeys, m_options.busyLimit, m_options.fileLayer}, m_connection);
+  const RegistryError error = Open(m_options.access);
+  m_lacksRoom = error == RegistryError::kFull && m_options.access == Access::kChange;
+  if (!m_lacksRoom || Open(Access::kRead) != RegistryError::kNone) {
+    return error;
+  }
+  // What is there can be read, so that what takes room can be deleted. A store that could not be
+  // made is made by a later call.
+  if (m_connection->IsStandIn()) {
+    m_connection.reset();
+    return error;
+  }
+  return RegistryError::kNone;
+}
+
+RegistryError SqliteRegistry::Open(Access access) {
+  return Connection::Open({m_database, m_options.initialKeys, m_options.busyLimit,
+                           m_options.fileLayer, access, ++m_connectionCount},
+                          m_connection);
+}
+
+RegistryError SqliteRegistry::OpenForChanges() {
+  const RegistryError error = Open(Access::kChange);
+  m_lacksRoom = error != RegistryError::kNone;
+  return error;
 }
 
 OpenedKey SqliteRegistry::OpenWith(std::u16string_view path, const PathCall& find) {

@@ -27,15 +27,19 @@ struct RegistryOptions {
 
   /// The library's file layer, by its name; empty for the system's.
   std::string fileLayer;
+
+  Access access = Access::kChange;
 };
 
 /// The registry in one SQLite database, which other processes may have open as well. The database
 /// is reached for at the first call, and again at the next one where that failed, so a store that
 /// was locked or away is found when it is back. A database once found damaged while in use is not
-/// touched again by this object.
+/// touched again by this object. On a full medium the registry opens all the same, for reading; a
+/// change gives kFull until there is room.
 class SqliteRegistry final : public platform::Registry {
  public:
-  /// The folder of `database` must exist; the database is made where it is missing.
+  /// To be changed, `database` must have its folder, and is made if it is missing. To be read, a
+  /// missing one counts as a new one, and nothing is made.
   explicit SqliteRegistry(std::filesystem::path database, RegistryOptions options = {});
 
   [[nodiscard]] platform::OpenedKey OpenKey(std::u16string_view path) override;
@@ -58,6 +62,9 @@ class SqliteRegistry final : public platform::Registry {
   [[nodiscard]] platform::RegistryError Perform(const Call& call);
 
   [[nodiscard]] platform::RegistryError Connect();
+  [[nodiscard]] platform::RegistryError Open(Access access);
+  /// Opens the registry for changes if it is open for reading for want of room.
+  [[nodiscard]] platform::RegistryError OpenForChanges();
   [[nodiscard]] platform::OpenedKey OpenWith(std::u16string_view path, const PathCall& find);
   [[nodiscard]] platform::RegistryError CreateMissing(const Store& store, const KeyNames& names,
                                                       std::int64_t& key);
@@ -70,7 +77,9 @@ class SqliteRegistry final : public platform::Registry {
 
   // Used behind the gate.
   std::unique_ptr<Connection> m_connection;  ///< Null until the database could be opened.
+  std::uint32_t m_connectionCount = 0;
   bool m_damaged = false;
+  bool m_lacksRoom = false;        ///< The connection only reads, since the medium is full.
   std::shared_ptr<Group> m_group;  ///< Shared by the keys that were opened within it.
 };
 

@@ -2,6 +2,8 @@
 
 #include <sqlite3.h>
 
+#include <utility>
+
 #include "platform/sqlite/errors.h"
 #include "platform/text/names.h"
 
@@ -16,8 +18,10 @@ RegistryError RunChange(Run& run) { return ToRegistryError(run.Step()); }
 
 }  // namespace
 
-RegistryError Store::Prepare(sqlite3* database) {
+RegistryError Store::Prepare(sqlite3* database, std::uint32_t number) {
+  constexpr unsigned kBitsOfNumber = 32;
   m_database = database;
+  m_losses = std::uint64_t{number} << kBitsOfNumber;
   const struct {
     Statement& statement;
     const char* sql;
@@ -111,8 +115,12 @@ RegistryError Store::QueryValue(std::int64_t key, std::u16string_view name,
   if (result != SQLITE_ROW) {
     return ToRegistryError(result);
   }
+  std::vector<std::byte> bytes = run.BytesAt(1);
+  if (bytes.size() > platform::kMaxValueBytes) {
+    return RegistryError::kInvalid;
+  }
   value.type = static_cast<platform::RegistryType>(run.IntegerAt(0));
-  value.bytes = run.BytesAt(1);
+  value.bytes = std::move(bytes);
   return RegistryError::kNone;
 }
 

@@ -25,9 +25,10 @@ struct Position {
 /// its number, which is never used again once the key is deleted.
 class Store {
  public:
-  /// Prepares the statements for `database`, which outlives this object. kDamaged where it lacks
-  /// what they need.
-  [[nodiscard]] platform::RegistryError Prepare(sqlite3* database);
+  /// Prepares the statements for `database`, which outlives this object. kDamaged if it lacks what
+  /// they need. `number` keeps apart the stores of one registry: a position that another one gave
+  /// counts as unknown.
+  [[nodiscard]] platform::RegistryError Prepare(sqlite3* database, std::uint32_t number);
 
   /// Stores the number of the subkey `name` of `parent` in `key`.
   [[nodiscard]] platform::RegistryError FindKey(std::int64_t parent, std::u16string_view name,

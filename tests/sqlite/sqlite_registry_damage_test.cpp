@@ -242,4 +242,34 @@ TEST_F(SqliteRegistryDamage, DamageWhileInUseEndsTheUse) {
   EXPECT_EQ(registry.BeginGroup(), RegistryError::kDamaged);
 }
 
+TEST_F(SqliteRegistryDamage, ARootThatLiesBelowAKeyIsDamage) {
+  MakeStore();
+  ASSERT_EQ(RawDatabase(Database())
+                .Execute("UPDATE registry_key SET parent_id = (SELECT max(id) FROM registry_key) "
+                         "WHERE id = 1; PRAGMA wal_checkpoint (TRUNCATE)"),
+            SQLITE_OK);
+  ExpectRefused(RegistryError::kDamaged);
+}
+
+TEST_F(SqliteRegistryDamage, WhatIsLongerThanARegistryTakesIsNotReadAndHidesNothingElse) {
+  MakeStore();
+  ASSERT_EQ(
+      RawDatabase(Database())
+          .Execute("INSERT INTO registry_value (key_id, name, folded_name, type, data) "
+                   "VALUES (2, 'huge', 'huge', 3, zeroblob (30000000)), (2, 'v', 'v', 3, x'01');"
+                   "INSERT INTO registry_key (parent_id, name, folded_name) "
+                   "VALUES (2, printf ('%.*c', 3000000, 'n'), 'n'), (2, 'last', 'last')"),
+      SQLITE_OK);
+  SqliteRegistry registry(Database());
+  const auto key = registry.OpenKey(u"tags");
+  ASSERT_EQ(key.error, RegistryError::kNone);
+  platform::RegistryValue value;
+  EXPECT_EQ(key.key->Query(u"huge", value), RegistryError::kInvalid);
+  EXPECT_EQ(key.key->Query(u"v", value), RegistryError::kNone);
+  std::u16string name;
+  EXPECT_EQ(key.key->EnumerateSubkey(26, name), RegistryError::kInvalid);
+  EXPECT_EQ(key.key->EnumerateSubkey(27, name), RegistryError::kNone);
+  EXPECT_EQ(name, u"last");
+}
+
 }  // namespace sqlite
