@@ -1,0 +1,297 @@
+#!/usr/bin/env python3
+"""Has commands of the real program fail in every way, and looks at what is left.
+
+Every command that changes something is killed before each call that changes a file and in the
+middle of each write; each of its calls on files fails, once and from then on, with each error that it
+can have; each of its allocations fails; and the power is cut after each change, with what was not
+synced lost in several ways. What may be left says what_may_be_left in judge.py. Commands that only
+read have failing calls and allocations; they end with the right answer or with a message, and change
+nothing.
+"""
+
+import argparse
+import collections
+import multiprocessing
+import os
+import pathlib
+import sys
+import tempfile
+import time
+
+import judge
+from commands import all_commands, make_tree
+from machine import ERRORS, Machine
+from power import states_after_power_cuts
+
+# What a user does after a failure; each mends what it is for.
+NEXT_COMMANDS = [["check", "--repair"], ["reinit"]]
+KINDS = ["kill", "power", "call", "memory"]
+# Of the points of a kind each which one is tried by --part. Odd, as failures once and for good take
+# turns.
+PART = {"kill": 1, "power": 1, "call": 3, "memory": 11}
+LATER = 100_000  # Seconds on the clock when a tried command begins.
+
+
+class Trial:
+    """One command on one machine: what it finds, and what it does without a fault."""
+
+    def __init__(self, machine, tree, command):
+        self.machine = machine
+        self.command = command
+        self.before = command.prepare(tree) if command.prepare else tree
+        machine.restore(self.before)
+        self.run = machine.run(command.arguments, time=LATER, logs=True)
+        self.calls = machine.calls()
+        self.done = machine.tree()
+        self.verdicts = {}  # Of states that were met before.
+        self.problem = ""
+        # A locale that cannot be loaded is the plain one.
+        plain = machine.run(command.arguments, time=LATER, locale="C") if not command.changes else None
+        self.answers = {self.run.out, plain.out} if plain else set()
+        if self.run.exit != command.exit:
+            self.problem = f"exit {self.run.exit} without a fault: {self.run.err}"
+
+    def points(self):
+        """Every fault, as (kind, what the library or the disk is asked for)."""
+        if self.command.changes:
+            changes = [call for call in self.calls if call.changes]
+            for number, call in enumerate(changes, 1):
+                yield "kill", f"kill:{number}"
+                if call.kind == "write" and len(call.data) > 1:
+                    yield "kill", f"tear:{number}"
+            for index, _ in enumerate(self._cuts()):
+                yield "power", str(index)
+        for name, error in ERRORS.items():
+            for number in range(1, 1 + sum(name in call.errors for call in self.calls)):
+                yield "call", f"once:{number}:{error}"
+                yield "call", f"ever:{number}:{error}"
+        for number in range(1, 1 + self.calls[-1].number):
+            yield "memory", f"memory-once:{number}"
+            yield "memory", f"memory-ever:{number}"
+
+    def _cuts(self):
+        if not hasattr(self, "_states"):
+            self._states = list(states_after_power_cuts(self.before, self.calls, self.command.name))
+        return self._states
+
+    def try_point(self, kind, fault):
+        """Returns what is wrong, as sentences."""
+        if kind == "power":
+            cut, is_last, word, after = self._cuts()[int(fault)]
+            wrong = [f"{sentence} (cut {cut}: {word})" if self.explains else sentence
+                     for sentence in self._judge(after)]
+            if is_last and not judge.is_done(self.command, after, self.done):
+                wrong.append("what was reported as done is lost")
+            return wrong
+        self.machine.restore(self.before)
+        run = self.machine.run(self.command.arguments, fault, LATER)
+        after = self.machine.tree()
+        self.last_run = run
+        if self.command.changes:
+            return self._of_run(kind, run, after) + self._judge(after)
+        return self._of_run(kind, run, after)
+
+    explains = False
+
+    def _of_run(self, kind, run, after):
+        if kind == "kill":
+            return [] if run.exit == -9 else [f"was not killed: exit {run.exit}"]
+        if run.exit is None:
+            return ["does not end"]
+        if run.exit < 0:
+            return [f"ended by signal {-run.exit}"]
+        wrong = []
+        if run.exit not in (0, 1):
+            wrong.append(f"exit {run.exit}")
+        if run.exit != 0 and not run.err.strip():
+            wrong.append(f"exit {run.exit} without a message")
+        if self.command.changes:
+            if run.exit == 0 and not judge.is_done(self.command, after, self.done):
+                wrong.append("exit 0, but it was not done")
+            left = [path for path in after if path not in self.before and path not in self.done
+                    and not path.startswith("root/")]
+            wrong += [f"leaves {os.path.basename(path)[:9]}... outside the root" for path in left]
+        else:
+            if run.exit == 0 and not self._is_right(run.out):
+                wrong.append("exit 0 with another answer")
+            wrong += [f"changed {path}" for path in sorted(after.keys() | self.before.keys())
+                      if after.get(path) != self.before.get(path)
+                      and not path.endswith("-wal")]
+        return wrong
+
+    def _is_right(self, out):
+        if not self.command.reports:
+            return out in self.answers
+        # Each line is as it was, or says instead of a number what cannot be read.
+        wanted = self.run.out.splitlines()
+        return all(line in wanted or not line[-1:].isdigit() for line in out.splitlines())
+
+    def _judge(self, after):
+        key = hash(tuple(sorted(after.items(), key=lambda item: item[0])))
+        if key not in self.verdicts:
+            self.verdicts[key] = self._look_closely(after)
+        return self.verdicts[key]
+
+    def _look_closely(self, after):
+        machine = self.machine
+        wrong = []
+        machine.restore(after)
+        listing = machine.run(["tags", "list", "--json"], time=LATER + 10)
+        if listing.exit != 0:
+            wrong.append(f"tags list fails: {_first(listing)}")
+        machine.restore(after)
+        for number, arguments in enumerate(NEXT_COMMANDS):
+            run = machine.run(arguments, time=LATER + 20 + number)
+            if run.exit not in (0, 1):
+                wrong.append(f"{' '.join(arguments)} afterwards: exit {run.exit}")
+        recovered = machine.tree()
+        check = machine.run(["check"], time=LATER + 30)
+        if check.exit != 0:
+            wrong.append(f"check afterwards: {_first(check)}")
+        restored = {}
+        gone = [name for name in self.command.objects
+                if name not in judge.read_store(recovered).tags]
+        for name in gone:
+            machine.restore(recovered)
+            machine.run(["tags", "restore", name], time=LATER + 40)
+            restored[name] = judge.read_store(machine.tree()).tags.get(name)
+        return wrong + judge.what_may_be_left(self.command, self.before, after, self.done,
+                                              recovered, restored)
+
+
+def _first(run):
+    return ((run.out + run.err).strip().splitlines() or [f"exit {run.exit}"])[0]
+
+
+class Worker:
+    def __init__(self, options, number):
+        self.machine = Machine(options.program, options.library,
+                               os.path.join(options.folder, f"machine{number:02}"))
+        judge.scratch = str(self.machine.folder)
+        self.tree = make_tree(self.machine, pathlib.Path(options.samples))
+        self.commands = {command.name: command for command in all_commands(self.tree)}
+        self.name = None
+        self.trial = None
+
+    def trial_of(self, name):
+        if self.name != name:
+            self.trial = Trial(self.machine, self.tree, self.commands[name])
+            self.name = name
+        return self.trial
+
+
+worker = None
+
+
+def start_worker(options, counter):
+    global worker
+    with counter.get_lock():
+        counter.value += 1
+        number = counter.value
+    worker = Worker(options, number)
+
+
+def try_point(point):
+    name, kind, fault = point
+    return point, worker.trial_of(name).try_point(kind, fault)
+
+
+def read_options():
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("--program", required=True)
+    parser.add_argument("--library", required=True, help="the library that makes calls fail")
+    parser.add_argument("--samples", required=True)
+    parser.add_argument("--part", action="store_true",
+                        help="try as many points as two minutes have room for: of each kind each "
+                        + ", ".join(f"{step}th {kind}" for kind, step in PART.items()))
+    parser.add_argument("--every", type=int, default=1, help="try each N-th point (default: all)")
+    parser.add_argument("--only", help="commands whose name begins so")
+    parser.add_argument("--kind", choices=KINDS)
+    parser.add_argument("--point", help="this one alone, with all that it leaves")
+    parser.add_argument("--jobs", type=int, default=os.cpu_count())
+    options = parser.parse_args()
+    options.program = os.path.abspath(options.program)
+    options.library = os.path.abspath(options.library)
+    return options
+
+
+def explain(options):
+    """Tries one point and shows everything about it."""
+    one = Worker(options, 0)
+    trial = one.trial_of(options.only)
+    trial.explains = True
+    error = options.point.split(":")[-1]
+    names = {str(number): name for name, number in ERRORS.items()}
+    calls = [call for call in trial.calls
+             if (names.get(error) in call.errors if options.kind == "call" else call.changes)]
+    for number, call in enumerate(calls, 1):
+        print(number, call.kind, call.path, call.other, call.number, len(call.data))
+    wrong = trial.try_point(options.kind, options.point)
+    if options.kind != "power":
+        print(f"exit {trial.last_run.exit} (without the fault {trial.run.exit})")
+        print(f"--- output\n{trial.last_run.out}--- without the fault\n{trial.run.out}")
+        print(f"--- errors\n{trial.last_run.err}--- wrong")
+    print("\n".join(wrong))
+    return 1 if wrong else 0
+
+
+def collect(options):
+    start_worker(options, multiprocessing.Value("i"))
+    points = []
+    problems = []
+    for name in worker.commands:
+        if options.only and not name.startswith(options.only):
+            continue
+        trial = worker.trial_of(name)
+        if trial.problem:
+            problems.append(f"{name}: {trial.problem}")
+        points += [(name, kind, fault) for kind, fault in trial.points()
+                   if options.kind in (None, kind)]
+    return points, problems
+
+
+def report(counts, violations, seconds):
+    print(f"{'':32}" + "".join(f"{kind:>9}" for kind in KINDS) + f"{'wrong':>9}")
+    for name, row in counts.items():
+        print(f"{name:32}" + "".join(f"{row[kind]:9}" for kind in KINDS) + f"{row['wrong']:9}")
+    total = sum(row[kind] for row in counts.values() for kind in KINDS)
+    wrong = sum(row["wrong"] for row in counts.values())
+    for (name, sentence), points in violations.items():
+        kind, fault = points[0]
+        print(f"{name}: {sentence}: {len(points)} times, first --kind {kind} --point {fault}")
+    print(f"{total} points in {seconds:.0f} s, {wrong} violations")
+
+
+def main():
+    options = read_options()
+    place = "/dev/shm" if os.access("/dev/shm", os.W_OK) else None
+    with tempfile.TemporaryDirectory(prefix="voxtrel-faults-", dir=place) as folder:
+        options.folder = folder
+        if options.point:
+            return explain(options)
+        begin = time.monotonic()
+        all_points, problems = collect(options)
+        points = []
+        for kind in KINDS:
+            step = PART[kind] if options.part else options.every
+            points += [point for point in all_points if point[1] == kind][::step]
+        points.sort(key=lambda point: point[0])  # A worker makes ready for one command after another.
+        print(f"{len(points)} of {len(all_points)} points: " + ", ".join(
+            f"{sum(point[1] == kind for point in points)} of "
+            f"{sum(point[1] == kind for point in all_points)} {kind}" for kind in KINDS), flush=True)
+        counts = collections.defaultdict(collections.Counter)
+        violations = collections.defaultdict(list)
+        counter = multiprocessing.Value("i", 0)
+        with multiprocessing.Pool(options.jobs, start_worker, (options, counter)) as pool:
+            for (name, kind, fault), wrong in pool.imap_unordered(try_point, points, 16):
+                counts[name][kind] += 1
+                counts[name]["wrong"] += bool(wrong)
+                for sentence in dict.fromkeys(wrong):
+                    violations[name, sentence].append((kind, fault))
+        report(counts, violations, time.monotonic() - begin)
+        print("\n".join(problems))
+        return 1 if violations or problems else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,117 @@
+"""The commands that the campaign tries, and the machine that they find."""
+
+import dataclasses
+
+from judge import TEMPLATES, read_store
+
+CONTACTS = """BEGIN:VCARD\r
+VERSION:3.0\r
+UID:anna\r
+N:Berg;Anna;;;\r
+TEL;TYPE=CELL:2025550101\r
+END:VCARD\r
+BEGIN:VCARD\r
+VERSION:3.0\r
+UID:bob\r
+N:Bee;Bob;;;\r
+TEL;TYPE=HOME:2025550102\r
+TEL;TYPE=CELL:2025550103\r
+END:VCARD\r
+"""
+REGISTRY_FILE = """Windows Registry Editor Version 5.00\r
+\r
+[HKEY_LOCAL_MACHINE\\Software\\Zedra\\Dialer]\r
+"Volume"=dword:00000007\r
+"Greeting"="Hello"\r
+\r
+[HKEY_LOCAL_MACHINE\\Software\\Zedra\\Dialer\\More]\r
+"Bytes"=hex:01,02,03\r
+"""
+SPOKEN = ["--contacts", "@/contacts.vcf", "--speaker", "@/heard.wav", "--microphone"]
+
+
+@dataclasses.dataclass
+class Command:
+    name: str
+    arguments: list
+    changes: bool = True
+    objects: list = dataclasses.field(default_factory=list)  # Tags that it deletes.
+    trashed: list = dataclasses.field(default_factory=list)  # Tags that lie in the trash before.
+    targets: list = dataclasses.field(default_factory=list)  # Files outside the root.
+    sides: list = dataclasses.field(default_factory=list)    # More of them, of less weight.
+    rewrites: bool = False  # Whether it makes recordings and templates again.
+    groups: bool = False    # Whether its settings are stored as one.
+    empties: bool = False   # Whether it empties the trash.
+    prepare: object = None  # A function that changes the tree before the command.
+    reports: bool = False   # Whether what it cannot read is an answer, too.
+    exit: int = 0           # Without a fault.
+
+    def whole_tags(self, store):
+        return {name: store.tags[name] for name in self.objects if name in store.tags}
+
+
+def make_tree(machine, samples):
+    """Three tags, one more in the trash, and files for the other commands."""
+    home = machine.home
+    (home / "contacts.vcf").write_bytes(CONTACTS.encode())
+    (home / "change.reg").write_bytes(REGISTRY_FILE.encode("utf-16"))
+    for name, sample in (("microphone.wav", "anna_1"), ("take.wav", "sophie_1"),
+                         ("other.wav", "oliver_1"), ("old.wav", "robert_2")):
+        (home / name).write_bytes((samples / (sample + ".wav")).read_bytes())
+    for number, (contact, kind, sample) in enumerate((
+            ("Anna Berg", "Mobile", "anna_1"), ("Bob Bee", "Home", "robert_1"),
+            ("Bob Bee", "Mobile", "robert_2"))):
+        (home / "said.wav").write_bytes((samples / (sample + ".wav")).read_bytes())
+        _need(machine, SPOKEN + ["@/said.wav", "tags", "learn", "--contact", contact,
+                                 "--number", kind], 1000 * number)
+    for arguments in (["connection", "set", "baud-rate=19200"],
+                      ["template", "learn", "@/old.wav", "@/old.st"],
+                      ["registry", "export", "@/old.reg"]):
+        _need(machine, arguments, 5000)
+    return machine.tree()
+
+
+def _need(machine, arguments, time):
+    run = machine.run(arguments, time=time)
+    if run.exit != 0:
+        raise RuntimeError(f"{' '.join(arguments)} failed: {run.err}")
+
+
+def _take_templates(tree):
+    """One template is missing, another torn."""
+    changed = dict(tree)
+    templates = sorted(path for path in tree if path.startswith(TEMPLATES))
+    del changed[templates[0]]
+    changed[templates[1]] = tree[templates[1]][:100]
+    return changed
+
+
+def all_commands(tree):
+    names = sorted(read_store(tree).tags)
+    one = names[1]
+    commands = [
+        Command("tags learn", SPOKEN + ["@/microphone.wav", "tags", "learn", "--contact",
+                                        "Anna Berg"], sides=["heard.wav"]),
+        Command("tags delete", ["--yes", "tags", "delete", one], objects=[one]),
+        Command("tags delete-all", ["--yes", "tags", "delete-all"], objects=names),
+        Command("check --repair", ["check", "--repair"], rewrites=True, prepare=_take_templates),
+        Command("reinit --force", ["reinit", "--force"], rewrites=True),
+        Command("registry import", ["registry", "import", "@/change.reg"], groups=True),
+        Command("registry export FILE", ["registry", "export", "@/old.reg"], targets=["old.reg"]),
+        Command("connection set", ["connection", "set", "baud-rate=9600", "data-bits=7"],
+                groups=True),
+        Command("wave record", ["--microphone", "@/microphone.wav", "wave", "record", "@/old.wav"],
+                targets=["old.wav"]),
+        Command("template learn", ["template", "learn", "@/take.wav", "@/old.st"],
+                targets=["take.wav", "old.st"]),
+        Command("template process", ["template", "process", "@/other.wav", "@/old.st"],
+                targets=["old.st"]),
+        Command("language template", ["language", "template", "@/new.lng"], targets=["new.lng"]),
+    ]
+    for arguments in (["tags", "list", "--json"], ["contacts", "list", "--json"],
+                      ["tags", "test", "--json"], ["status"], ["check", "--json"],
+                      ["registry", "export", "-"], ["template", "show", "@/old.st"],
+                      ["wave", "check", "@/take.wav"]):
+        commands.append(Command(" ".join(arguments).replace("@/", ""), arguments, changes=False,
+                                reports=arguments == ["status"]))
+    return commands

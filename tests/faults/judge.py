@@ -1,0 +1,177 @@
+"""What may be left of a store after a fault."""
+
+import contextlib
+import sqlite3
+import struct
+import tempfile
+import typing
+
+DATA = "root/Program Files/Zedra Tech./Zedra Voxtrel/"
+WAVES = DATA + "Voxtrel_wav/"
+TEMPLATES = DATA + "Voxtrel_stor/"
+TAG_KEY = "Software\\Zedra\\Zedra Voxtrel"
+VERSION = ("Software\\Zedra\\VoxtrelPEIni", "Version_Math")
+# Names that a kill can leave, which the next command that changes something takes away.
+PASSING = (".voxtrel-", ".part")
+
+
+class Store(typing.NamedTuple):
+    """A tree as the companion sees it."""
+    tags: dict       # name -> (entry, recording, template); a part that is not there is None.
+    orphans: list    # Files in the documented folders that belong to no entry.
+    settings: dict   # (key, value) -> (type, bytes), tags excepted.
+    unreadable: str  # Why the settings cannot be read; empty if they can.
+
+
+def _read_registry(tree):
+    """(key, value) -> (type, data), with (key, None) for the key itself."""
+    if "root/registry.db" not in tree:
+        return {}
+    with tempfile.TemporaryDirectory(dir=scratch) as folder:
+        for name in ("registry.db", "registry.db-wal"):
+            if tree.get("root/" + name) is not None:
+                with open(f"{folder}/{name}", "wb") as file:
+                    file.write(tree["root/" + name])
+        with contextlib.closing(sqlite3.connect(f"{folder}/registry.db")) as database:
+            if database.execute("PRAGMA integrity_check").fetchone() != ("ok",):
+                raise sqlite3.DatabaseError("the database is damaged")
+            found = {}
+            if not database.execute(
+                    "SELECT 1 FROM sqlite_master WHERE name = 'registry_path'").fetchone():
+                return found
+            for path, name, kind, data in database.execute(
+                    "SELECT path, value.name, type, data FROM registry_path AS path "
+                    "LEFT JOIN registry_value AS value ON value.key_id = path.key_id"):
+                found[path, None] = None
+                if name is not None:
+                    found[path, name] = (kind, data)
+            return found
+
+
+scratch = None  # Folder for what is looked at; the system's if it is not set.
+_registries = {}  # A store is read once, however many trees it is part of.
+
+
+def read_store(tree):
+    key = hash((tree.get("root/registry.db"), tree.get("root/registry.db-wal")))
+    if key not in _registries:
+        try:
+            _registries[key] = (_read_registry(tree), "")
+        except sqlite3.Error as error:
+            _registries[key] = ({}, str(error))
+    registry, unreadable = _registries[key]
+    entries = {}
+    settings = {}
+    for (path, name), value in registry.items():
+        if path.startswith(TAG_KEY + "\\"):
+            entry = entries.setdefault(path.removeprefix(TAG_KEY + "\\"), {})
+            if name is not None:
+                entry[name] = value
+        elif name is not None:
+            settings[path, name] = value
+    tags = {name: (entry, tree.get(f"{WAVES}{name}.wav"),
+                   _without_rest(tree.get(f"{TEMPLATES}{name}.st")))
+            for name, entry in entries.items()}
+    orphans = [path for path in tree if path.startswith((WAVES, TEMPLATES))
+               and path.rpartition("/")[2].rpartition(".")[0] not in entries]
+    return Store(tags, orphans, settings, unreadable)
+
+
+def _without_rest(template):
+    """What follows the values of a template is no part of it."""
+    if template is None or len(template) < 6:
+        return template
+    return template[:6 + 4 * struct.unpack_from("<I", template)[0]]
+
+
+def is_whole(tag):
+    entry, wave, template = tag
+    return (len(entry) == 2 and all(len(data) == 100 for _, data in entry.values())
+            and is_whole_wave(wave) and is_whole_template(template))
+
+
+def is_whole_wave(wave):
+    return (wave is not None and len(wave) >= 44 and wave[:4] == b"RIFF"
+            and struct.unpack_from("<I", wave, 40)[0] + 44 == len(wave))
+
+
+def is_whole_template(template):
+    if template is None or len(template) < 6:
+        return False
+    count, frames = struct.unpack_from("<IH", template)
+    return count == frames * 5 and len(template) == 6 + 4 * count
+
+
+def what_may_be_left(command, before, after, done, recovered, restored):
+    """Returns what may not be left, as sentences.
+
+    command    what it changes (commands.py)
+    before     the tree before the command
+    after      the tree after the fault
+    done       the tree after the same command without a fault
+    recovered  the tree after the next command that changes something; None if it failed
+    restored   name of a tag -> that tag after `tags restore NAME`, for objects of a deletion
+    """
+    wrong = []
+    was, now, will = read_store(before), read_store(after), read_store(done)
+    end = read_store(recovered) if recovered is not None else None
+    for word, store in (("", now), (" after the next command", end)):
+        if store is None:
+            continue
+        if store.unreadable:
+            wrong.append(f"the settings cannot be read{word}: {store.unreadable}")
+            continue
+        # Tags that the command is not about stay as they are.
+        for name in was.tags.keys() - set(command.objects):
+            tag, old, new = store.tags.get(name), was.tags[name], will.tags.get(name)
+            if tag is None or tag[0] != old[0]:
+                wrong.append(f"the entry of another tag is lost or changed{word}")
+            elif command.rewrites:
+                # A template goes and comes again; what is missing or torn is made again later.
+                if tag[1] not in (old[1], new[1]):
+                    wrong.append(f"a recording is neither the old nor the new one{word}")
+                if store is end and not is_whole_template(tag[2]):
+                    wrong.append("a template was not made again")
+            elif tag != old:
+                wrong.append(f"another tag's files are lost or changed{word}")
+        # New tags are whole, or are none.
+        for name in store.tags.keys() - was.tags.keys() - set(command.trashed):
+            if not is_whole(store.tags[name]):
+                wrong.append(f"a new entry is there without its files{word}")
+        # Each setting is the old one or the new one; a group of them changes as one.
+        for key in store.settings.keys() | was.settings.keys():
+            if command.rewrites and key == VERSION:
+                continue  # Says that templates are to be made again until they were.
+            if store.settings.get(key) not in (was.settings.get(key), will.settings.get(key)):
+                wrong.append(f"the setting {key[1]} is neither the old nor the new one{word}")
+        changed = {key for key in will.settings.keys() | was.settings.keys()
+                   if will.settings.get(key) != was.settings.get(key)}
+        if command.groups and len({store.settings.get(key) == will.settings.get(key)
+                                   for key in changed}) > 1:
+            wrong.append(f"settings that belong together were stored in part{word}")
+        # An object of a deletion, and what lies in the trash: whole here, or whole there.
+        for name, tag in command.whole_tags(was).items():
+            if name in store.tags and store is end and store.tags[name] != tag:
+                wrong.append("a tag came out of a deletion incomplete")
+            if name not in store.tags and store is end and restored.get(name) != tag:
+                wrong.append("a deleted tag is not in the trash as it was")
+    if end is not None and not end.unreadable:
+        for path in end.orphans:
+            wrong.append("a file without an entry stays: " + path.rpartition(".")[2])
+        wrong += [f"a passing name stays: {path}" for path in recovered
+                  if path.startswith("root/") and
+                  (path.rpartition("/")[2].startswith(PASSING[0]) or path.endswith(PASSING[1]))]
+    # Files outside the root: the old one or the new one.
+    for path in command.targets + command.sides:
+        if after.get(path) not in (before.get(path), done.get(path)):
+            wrong.append(f"{path} is neither the old nor the new one")
+    return wrong
+
+
+def is_done(command, after, done):
+    """Whether the command did what it was asked for."""
+    now, will = read_store(after), read_store(done)
+    return (now.settings == will.settings
+            and sorted(map(repr, now.tags.values())) == sorted(map(repr, will.tags.values()))
+            and now.orphans == will.orphans
+            and all(after.get(path) == done.get(path) for path in command.targets))
