@@ -91,6 +91,9 @@ std::filesystem::path Backends::GetRegistryPath() const {
 }
 
 void Backends::MakeRoot() const {
+  if (m_access == sqlite::Access::kRead) {
+    return;
+  }
   std::error_code ignored;
   std::filesystem::create_directories(GetRoot(), ignored);
 }
@@ -154,6 +157,7 @@ platform::Registry& Backends::GetRegistry() {
   if (!m_registry) {
     sqlite::RegistryOptions options;
     options.initialKeys.assign(storage::kInstalledKeys.begin(), storage::kInstalledKeys.end());
+    options.access = m_access;
     m_registry = std::make_unique<sqlite::SqliteRegistry>(GetRegistryPath(), options);
   }
   return *m_registry;
@@ -167,6 +171,7 @@ vcard::AddressBooks& Backends::GetContacts(platform::Threads& threads) {
     if (!m_options.contacts.empty()) {
       options.choice = vcard::ParseChoice(text::FromHostName(m_options.contacts));
     }
+    options.changesNothing = m_access == sqlite::Access::kRead;
     options.nothingFound = [this] {
       if (m_noContacts) {
         m_noContacts();

@@ -12,6 +12,7 @@
 #include "platform/posix/posix_file_system.h"
 #include "platform/posix/posix_threads.h"
 #include "platform/registry.h"
+#include "platform/sqlite/connection.h"
 #include "platform/vcard/address_books.h"
 #include "platform/vcard/background_source.h"
 #include "platform/vcard/desktop_source.h"
@@ -42,6 +43,11 @@ class Backends {
   Backends& operator=(const Backends&) = delete;
   ~Backends();
 
+  /// From now on nothing is changed: settings are only read, no address book is remembered, no
+  /// folder is made. Settings that are not there count as new ones. To be called before registry or
+  /// contacts are asked for.
+  void ChangeNothing() { m_access = sqlite::Access::kRead; }
+
   /// Whether there is a folder to stand for the device's root: none where no option names one and
   /// the user has no home folder. Device paths lead nowhere then.
   [[nodiscard]] bool HasRoot() const;
@@ -56,13 +62,6 @@ class Backends {
 
   /// The settings below the root folder.
   [[nodiscard]] platform::Registry& GetRegistry();
-  /// Puts another registry in the place of that one. Registry and contacts asked for before are
-  /// gone then.
-  void UseRegistry(std::unique_ptr<platform::Registry> registry) {
-    m_contacts.reset();
-    m_registry = std::move(registry);
-  }
-
   /// The user's contacts. Logging on to other ones than the recorded tags are for fails. While a
   /// server is asked, the log-on waits as `threads` have it, which outlive this or its last log-on.
   [[nodiscard]] vcard::AddressBooks& GetContacts(platform::Threads& threads);
@@ -71,7 +70,8 @@ class Backends {
   /// unless this is called.
   void OnNoContacts(std::function<void()> tell) { m_noContacts = std::move(tell); }
 
-  /// Makes the root folder where it is missing. Where that fails, whoever needs it tells.
+  /// Makes the root folder if it is missing and anything may be changed. If that fails, whoever
+  /// needs the folder reports it.
   void MakeRoot() const;
 
   /// Where a device path leads on this machine.
@@ -85,6 +85,7 @@ class Backends {
   [[nodiscard]] const std::optional<std::filesystem::path>& FindRootOnce() const;
 
   const BackendOptions& m_options;
+  sqlite::Access m_access = sqlite::Access::kChange;
   /// Looked for once: neither the environment nor the current folder moves it later.
   mutable std::optional<std::optional<std::filesystem::path>> m_root;
   std::unique_ptr<posix::PosixFileSystem> m_files;

@@ -132,6 +132,22 @@ RegistryError TagStore::ReadEntry(std::u16string_view tagName, TagEntry& entry) 
   return RegistryError::kNone;
 }
 
+RegistryError TagStore::ListNames(std::vector<std::u16string>& names) const {
+  const platform::OpenedKey tags = m_registry.OpenKey(kTagKey);
+  if (!tags.key) {
+    return tags.error == RegistryError::kNotFound ? RegistryError::kNone : tags.error;
+  }
+  RegistryError error = RegistryError::kNone;
+  for (std::uint32_t index = 0; error == RegistryError::kNone; ++index) {
+    std::u16string name;
+    error = tags.key->EnumerateSubkey(index, name);
+    if (error == RegistryError::kNone) {
+      names.push_back(std::move(name));
+    }
+  }
+  return error == RegistryError::kNoMoreItems ? RegistryError::kNone : error;
+}
+
 FileError TagStore::DeleteWaveFile(std::u16string_view tagName) const {
   return m_files.Delete(WavePath(tagName));
 }

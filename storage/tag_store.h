@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/file_system.h"
 #include "platform/registry.h"
@@ -59,6 +60,9 @@ class TagStore {
 
   /// Null where there is no tag key or it cannot be opened: there are no tags then.
   [[nodiscard]] std::unique_ptr<TagNames> OpenNames() const;
+
+  /// Stores the names of all tags in `names`, however long they are.
+  [[nodiscard]] platform::RegistryError ListNames(std::vector<std::u16string>& names) const;
 
   /// Stores what the registry says about a tag in `entry`. An error means that it could not be
   /// asked, and nothing must be concluded; values that are missing or unusable are no error.

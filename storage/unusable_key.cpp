@@ -32,22 +32,52 @@ std::string Escape(std::u16string_view name) {
   return escaped;
 }
 
+constexpr std::string_view kTooLong = "(longer than can be read)";
+
+std::string NameOf(RegistryError error, std::u16string_view name) {
+  if (error != RegistryError::kNone) {
+    return std::string(kTooLong);
+  }
+  return name.empty() ? "(without a name)" : Escape(name);
+}
+
+bool GoesOn(RegistryError error) {
+  return error == RegistryError::kNone || error == RegistryError::kInvalid;
+}
+
+std::string FindValue(platform::RegistryKey& key, const std::u16string& path) {
+  std::u16string name;
+  RegistryError error = RegistryError::kNone;
+  for (std::uint32_t i = 0; GoesOn(error = key.EnumerateValue(i, name)); ++i) {
+    const std::string start = text::ToUtf8(path) + ": ";
+    if (error != RegistryError::kNone || !platform::IsValueName(name)) {
+      return start + NameOf(error, name);
+    }
+    platform::RegistryValue value;
+    if (key.Query(name, value) == RegistryError::kInvalid) {
+      return start + Escape(name) + ' ' + std::string(kTooLong);
+    }
+  }
+  return {};
+}
+
 // Ends at the depth to which the registry opens keys.
 std::string FindBelow(platform::Registry& registry, const std::u16string& path) {
   const platform::OpenedKey opened = registry.OpenKey(path);
   if (!opened.key) {
     return opened.error == RegistryError::kInvalid ? text::ToUtf8(path) : std::string();
   }
+  std::string found = FindValue(*opened.key, path);
+  const std::u16string start = path.empty() ? path : path + u'\\';
   std::u16string name;
-  for (std::uint32_t i = 0; opened.key->EnumerateSubkey(i, name) == RegistryError::kNone; ++i) {
-    const std::u16string start = path.empty() ? path : path + u'\\';
-    std::string found = platform::IsKeyName(name) ? FindBelow(registry, start + name)
-                                                  : text::ToUtf8(start) + Escape(name);
-    if (!found.empty()) {
-      return found;
-    }
+  RegistryError error = RegistryError::kNone;
+  for (std::uint32_t i = 0; found.empty() && GoesOn(error = opened.key->EnumerateSubkey(i, name));
+       ++i) {
+    found = error == RegistryError::kNone && platform::IsKeyName(name)
+                ? FindBelow(registry, start + name)
+                : text::ToUtf8(start) + NameOf(error, name);
   }
-  return {};
+  return found;
 }
 
 }  // namespace

@@ -7,9 +7,10 @@
 namespace storage {
 
 /// The path of the first key that cannot be opened by its path, as another program may make it in a
-/// store on disk: its name has a backslash or a control character or is too long, or it lies too
-/// deep. Its name is escaped, so that it stays on one line. Empty where there is none, or the
-/// registry cannot be read.
+/// store on disk: its name is empty, has a backslash or a control character or is too long, or it
+/// lies too deep. Likewise the key and the name of a value that cannot be asked for or is too long.
+/// Names are escaped, so that they stay on one line. Returns an empty text if there is none, or if
+/// the registry cannot be read.
 [[nodiscard]] std::string FindUnusableKey(platform::Registry& registry);
 
 }  // namespace storage

@@ -34,7 +34,7 @@ std::string ValueOf(const headless::HeadlessDialog& dialog, const ConnectionSett
 
 /// Makes the ports that the machine has now known to the page; false where there is no store.
 bool PreparePorts(Session& session) {
-  if (!session.RequireRoot()) {
+  if (!session.OpenForChanging()) {
     return false;
   }
   platform::Registry& registry = session.GetRegistry();

@@ -40,7 +40,7 @@ void Print(const std::vector<ListedContact>& contacts) {
 }
 
 void ListContacts(Session& session) {
-  if (!session.RequireRoot()) {
+  if (!session.OpenForReading()) {
     return;
   }
   const platform::Platform platform = session.GetPlatform();

@@ -6,11 +6,9 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
-#include <optional>
 #include <string>
 #include <system_error>
 #include <utility>
-#include <variant>
 #include <vector>
 
 #include "host/cli/contacts_commands.h"
@@ -18,11 +16,8 @@
 #include "maintenance/store_check.h"
 #include "maintenance/template_repair.h"
 #include "platform/headless/headless_ui.h"
-#include "platform/headless/memory_registry.h"
-#include "platform/posix/posix_threads.h"
 #include "platform/text/utf.h"
 #include "storage/folders.h"
-#include "storage/registry_file.h"
 #include "storage/registry_keys.h"
 #include "storage/tag_store.h"
 #include "tags/contact_opening.h"
@@ -37,36 +32,6 @@ using maintenance::StoreFinding;
 using maintenance::StoreProblem;
 using platform::RegistryError;
 
-RegistryError CopyRegistry(platform::Registry& from, platform::Registry& to) {
-  std::vector<std::byte> file;
-  if (const RegistryError error = storage::WriteRegistryFile(from, file);
-      error != RegistryError::kNone) {
-    return error;
-  }
-  const auto read = storage::ParseRegistryFile(file);
-  const auto* changes = std::get_if<std::vector<storage::RegistryChange>>(&read);
-  return changes == nullptr || storage::ApplyRegistryChanges(to, *changes) ? RegistryError::kOther
-                                                                           : RegistryError::kNone;
-}
-
-/// Has the session go on with a copy of its settings, since logging on to contacts notes those that
-/// are new, and which ones were asked for. Settings that do not exist are not made. Returns why
-/// they cannot be read; empty where they can.
-std::string UseCopyOfRegistry(Session& session) {
-  auto copy = std::make_unique<headless::MemoryRegistry>();
-  std::error_code ignored;
-  std::string reason;
-  if (std::filesystem::exists(session.GetRegistryPath(), ignored)) {
-    const RegistryError error = CopyRegistry(session.GetRegistry(), *copy);
-    if (error != RegistryError::kNone) {
-      const std::string key = session.FindUnusableKey();
-      reason = key.empty() ? storage::ExplainRegistryError(error) : key;
-    }
-  }
-  session.UseRegistry(std::move(copy));
-  return reason;
-}
-
 struct CheckedFinding {
   StoreFinding finding;
   std::string description;
@@ -75,14 +40,31 @@ struct CheckedFinding {
   std::string reason;  ///< Why it could not be repaired; empty where nobody tried.
 };
 
-std::uint32_t CountTags(platform::Registry& registry) {
-  const platform::OpenedKey tags = registry.OpenKey(storage::kTagKey);
-  std::u16string name;
-  std::uint32_t count = 0;
-  while (tags.key && tags.key->EnumerateSubkey(count, name) == RegistryError::kNone) {
-    ++count;
+std::uint32_t CountTags(const platform::Platform& platform) {
+  std::vector<std::u16string> names;
+  const bool areRead =
+      storage::TagStore(platform.files, platform.registry).ListNames(names) == RegistryError::kNone;
+  return areRead ? static_cast<std::uint32_t>(names.size()) : 0;
+}
+
+/// Whether it is known which tags there are. Adds a finding for what keeps the settings from being
+/// read.
+bool CanReadTags(Session& session, const platform::Platform& platform,
+                 std::vector<CheckedFinding>& findings) {
+  std::vector<std::u16string> names;
+  const RegistryError error = storage::TagStore(platform.files, platform.registry).ListNames(names);
+  const std::string key = session.FindUnusableKey();
+  if (error != RegistryError::kNone || !key.empty()) {
+    findings.push_back({{StoreProblem::kRegistryUnreadable, {}},
+                        fmt::format("{}: {}", Describe(StoreProblem::kRegistryUnreadable),
+                                    session.ExplainStore(error)),
+                        "",
+                        false,
+                        ""});
   }
-  return count;
+  // Among the tags nobody knows what such a key means, nor which files belong to it.
+  return error == RegistryError::kNone &&
+         key.find(text::ToUtf8(storage::kTagKey) + '\\') == std::string::npos;
 }
 
 /// What the list shows for the tag, as long as the contacts are open.
@@ -98,7 +80,10 @@ std::string ReadListText(const platform::Platform& platform, const std::u16strin
 
 std::vector<CheckedFinding> FindProblems(Session& session, const platform::Platform& platform) {
   std::vector<CheckedFinding> findings;
-  const bool hasTags = CountTags(platform.registry) > 0;
+  if (!CanReadTags(session, platform, findings)) {
+    return findings;
+  }
+  const bool hasTags = CountTags(platform) > 0;
   const bool isAway = hasTags && tags::OpenContacts(platform.contacts, platform.clock);
   if (isAway) {
     findings.push_back({{StoreProblem::kContactsAway, {}},
@@ -157,7 +142,7 @@ void PrintFindings(Session& session, const std::vector<CheckedFinding>& findings
 }
 
 void Repair(const platform::Platform& platform, std::vector<CheckedFinding>& findings) {
-  if (CountTags(platform.registry) > 0) {
+  if (CountTags(platform) > 0) {
     // What fails here each template that needs it tells.
     storage::CreateInstallFolders(platform.files);
     storage::CreateDataFolders(platform.files);
@@ -171,74 +156,35 @@ void Repair(const platform::Platform& platform, std::vector<CheckedFinding>& fin
   }
 }
 
-/// Keeps others from changing tags while they are looked at.
-class TagsHold {
- public:
-  /// A look makes no mutex where nobody ever did; a repair does, but no folder for it.
-  TagsHold(Session& session, bool isRepair) : m_folder(session.GetRegistryPath().parent_path()) {
-    std::error_code ignored;
-    m_isMade = std::filesystem::is_directory(m_folder, ignored) && (isRepair || WasMade());
-    if (m_isMade) {
-      m_mutex = session.GetPlatform().threads.CreateNamedMutex(tags::kInstanceMutex);
-    }
-  }
-
-  /// Whether somebody else has the tags, or has come since.
-  [[nodiscard]] bool IsBroken() const { return m_mutex.existed || (!m_isMade && WasMade()); }
-
- private:
-  [[nodiscard]] bool WasMade() const {
-    return posix::PosixThreads::WasNamedMutexMade(m_folder.native(), tags::kInstanceMutex);
-  }
-
-  std::filesystem::path m_folder;
-  bool m_isMade = false;
-  platform::CreatedMutex m_mutex;
-};
-
-/// Tells it, where it is so.
-bool IsBroken(Session& session, const TagsHold& hold) {
-  const bool isBroken = hold.IsBroken();
-  if (isBroken) {
-    session.Fail("the tags are in use by another Voxtrel; close it and try again");
-  }
-  return isBroken;
+/// Whether there is a folder that may hold tags. A repair makes none.
+bool HasRootFolder(const Session& session) {
+  std::error_code ignored;
+  return std::filesystem::is_directory(session.GetRegistryPath().parent_path(), ignored);
 }
 
 }  // namespace
 
 void CheckTags(Session& session, bool isRepair) {
-  if (!session.RequireRoot()) {
+  const bool mayRepair = isRepair && HasRootFolder(session);
+  if (!(mayRepair ? session.OpenForChanging() : session.OpenForReading())) {
     return;
   }
-  const TagsHold hold(session, isRepair);
-  if (IsBroken(session, hold)) {
-    return;
-  }
-  const std::string unread = UseCopyOfRegistry(session);
   const platform::Platform own = session.GetPlatform();
+  // Whoever only looks waits for nobody, and keeps nobody from changing tags.
+  const platform::CreatedMutex hold =
+      mayRepair ? own.threads.CreateNamedMutex(tags::kInstanceMutex) : platform::CreatedMutex{};
+  if (mayRepair && hold.existed) {
+    session.Fail("the tags are in use by another Voxtrel; close it and try again");
+    return;
+  }
   headless::HeadlessUi silent;
   const platform::Platform platform{own.files, own.waveIn,   own.clock,    own.threads, own.process,
                                     silent,    own.registry, own.contacts, own.waveOut, own.shell};
-  std::vector<CheckedFinding> findings;
-  if (unread.empty()) {
-    findings = FindProblems(session, platform);
-  } else {
-    // Nobody can tell which tags there are, nor which files belong to one.
-    findings.push_back({{StoreProblem::kRegistryUnreadable, {}},
-                        fmt::format("{}: {}: {}", Describe(StoreProblem::kRegistryUnreadable),
-                                    session.GetRegistryPath().native(), unread),
-                        "",
-                        false,
-                        ""});
-  }
-  if (isRepair) {
+  std::vector<CheckedFinding> findings = FindProblems(session, platform);
+  if (mayRepair) {
     Repair(platform, findings);
   }
-  if (IsBroken(session, hold)) {
-    return;
-  }
-  PrintFindings(session, findings, CountTags(platform.registry));
+  PrintFindings(session, findings, CountTags(platform));
   const auto left = std::ranges::count(findings, false, &CheckedFinding::isRepaired);
   if (left > 0) {
     session.Fail(fmt::format(

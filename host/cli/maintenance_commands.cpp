@@ -137,7 +137,7 @@ void PrintReinit(Session& session, const ReinitOutcome& outcome) {
 void Reinit(Session& session, bool isForced) {
   ReinitOutcome outcome;
   RunPage(
-      session, [&](PageRun& run) { RunReinit(session, run, isForced, outcome); },
+      session, Contacts::kNeeded, [&](PageRun& run) { RunReinit(session, run, isForced, outcome); },
       [&](const tags::Page_one& page) { NoteEndedReinit(session, page, outcome); });
   TellTagsWithoutRecording(session, outcome);
   PrintReinit(session, outcome);

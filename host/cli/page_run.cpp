@@ -1,28 +1,63 @@
 #include "host/cli/page_run.h"
 
-#include <memory>
+#include <string>
+#include <vector>
 
 #include "host/cli/contacts_commands.h"
+#include "host/cli/contacts_if_readable.h"
 #include "host/cli/reinit_screen.h"
+#include "host/cli/tag_reading.h"
 #include "platform/framework/property_sheet.h"
 #include "resources/dialogs.h"
 #include "resources/strings.h"
 #include "storage/device_paths.h"
+#include "storage/tag_store.h"
 
 namespace cli {
+namespace {
+
+platform::RegistryError ListNames(Session& session, std::vector<std::u16string>& names) {
+  return storage::TagStore(session.GetFiles(), session.GetRegistry()).ListNames(names);
+}
+
+/// The page takes a store that it cannot read for one without tags.
+bool CanListTags(Session& session) {
+  std::vector<std::u16string> names;
+  const platform::RegistryError error = ListNames(session, names);
+  if (error != platform::RegistryError::kNone) {
+    session.Fail(session.ExplainStore(error));
+  }
+  return error == platform::RegistryError::kNone;
+}
+
+platform::Platform With(platform::ContactsStore& contacts, const platform::Platform& platform) {
+  return {platform.files, platform.waveIn,   platform.clock, platform.threads, platform.process,
+          platform.ui,    platform.registry, contacts,       platform.waveOut, platform.shell};
+}
+
+}  // namespace
 
 language::Texts LoadTexts(Session& session) {
   return language::LoadTexts(session.GetFiles(), storage::kLanguageFile, session.GetClock());
 }
 
-void RunPage(Session& session, const std::function<void(PageRun&)>& use,
+bool ListsAllTags(Session& session, const PageRun& run) {
+  std::vector<std::u16string> names;
+  const int lines = run.dialog.GetItemCount(resources::kTagListId);
+  return ListNames(session, names) == platform::RegistryError::kNone &&
+         names.size() == static_cast<std::size_t>(lines);
+}
+
+void RunPage(Session& session, Contacts contacts, const std::function<void(PageRun&)>& use,
              const std::function<void(const tags::Page_one&)>& useEnded) {
-  if (!session.RequireRoot()) {
+  if (!session.OpenForChanging() || !CanListTags(session)) {
     return;
   }
-  static_cast<void>(session.GetRegistry());  // Makes the root folder, below which all of it lies.
   const language::Texts texts = LoadTexts(session);
-  tags::Page_one page(session.GetPlatform(), texts);
+  const platform::Platform platform = session.GetPlatform();
+  ContactsIfReadable optional(platform.contacts, platform.clock);
+  const bool areOptional = contacts == Contacts::kOptional;
+  tags::Page_one page(areOptional ? With(optional, platform) : platform, texts);
   framework::CPropertySheet sheet(texts(resources::kSheetCaption), session.GetUi());
   sheet.AddPage(page);
   const auto wasReinitialized = std::make_shared<bool>(false);
@@ -43,6 +78,9 @@ void RunPage(Session& session, const std::function<void(PageRun&)>& use,
     if (!page.IsSetUp()) {
       session.Fail(ExplainContactsProblem(session));
       return;
+    }
+    if (areOptional && !optional.AreRead()) {
+      WarnOfContacts(session);
     }
     PageRun run{page, *window.ShowPage(0), *wasReinitialized};
     use(run);

@@ -1,9 +1,8 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
-#include <optional>
-#include <string>
-#include <string_view>
+#include <memory>
 
 #include "host/cli/session.h"
 #include "language/texts.h"
@@ -17,16 +16,25 @@ namespace cli {
 struct PageRun {
   tags::Page_one& page;
   headless::HeadlessDialog& dialog;
-  bool wasReinitialized = false;  ///< Every template was computed anew when it opened.
+  /// Whether the dialog ran by now in which every template is computed again.
+  const bool& wasReinitialized;
 };
 
-/// Opens the page, hands it to `use`, and closes it. Where it does not open, as when a window has
-/// it open already or the contacts cannot be read, that is told and `use` is not called: a page
-/// that was not filled must not pass for one without tags. Where computing the templates anew ended
-/// the page while it opened, `useEnded` gets it with the tags that it had read; a message has told
-/// why it ended.
-void RunPage(Session& session, const std::function<void(PageRun&)>& use,
+/// Whether a command can do without the contacts. Then the page opens without them, which standard
+/// error says, and no tag counts as stale.
+enum class Contacts : std::uint8_t { kNeeded, kOptional };
+
+/// Opens the page, hands it to `use`, and closes it. If it does not open, as when a window has it
+/// open already or the tags cannot be read, that is reported and `use` is not called: a page that
+/// was not filled must not pass for one without tags. If computing the templates again ended the
+/// page while it opened, `useEnded` gets it with the tags that it had read; a message has said why
+/// it ended.
+void RunPage(Session& session, Contacts contacts, const std::function<void(PageRun&)>& use,
              const std::function<void(const tags::Page_one&)>& useEnded = {});
+
+/// Whether the page lists every tag of the store. It ends its list at a tag that it cannot deal
+/// with.
+[[nodiscard]] bool ListsAllTags(Session& session, const PageRun& run);
 
 /// What the applet speaks: the language file of the device, where there is one.
 [[nodiscard]] language::Texts LoadTexts(Session& session);

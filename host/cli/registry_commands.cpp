@@ -98,23 +98,18 @@ void PrintDone(Session& session) {
   }
 }
 
-void TellStoreError(Session& session, const std::string& message) {
-  session.Fail(fmt::format("{}: {}", session.GetRegistryPath().native(), message));
-}
-
 void Export(Session& session, const std::string& name) {
   if (name.empty() && session.GetOptions().json) {
     throw CLI::ValidationError(
         "export", "--json needs a file to export to, since both would go to standard output");
   }
-  if (!session.RequireRoot()) {
+  if (!session.OpenForReading()) {
     return;
   }
   Bytes file;
   const platform::RegistryError error = storage::WriteRegistryFile(session.GetRegistry(), file);
   if (error != platform::RegistryError::kNone) {
-    const std::string key = session.FindUnusableKey();
-    TellStoreError(session, key.empty() ? storage::ExplainRegistryError(error) : key);
+    session.Fail(session.ExplainStore(error));
   } else if (!(name.empty() ? WriteStandardOutput(file) : WriteRegistryFile(session, name, file))) {
     session.Fail(fmt::format("{}: it cannot be written", name.empty() ? "standard output" : name));
   } else {
@@ -123,7 +118,7 @@ void Export(Session& session, const std::string& name) {
 }
 
 void Import(Session& session, const std::string& name) {
-  if (!session.RequireRoot()) {
+  if (!session.OpenForChanging()) {
     return;
   }
   const std::optional<Bytes> file = ReadRegistryFile(session, name);
@@ -139,7 +134,7 @@ void Import(Session& session, const std::string& name) {
   const auto& changes = std::get<std::vector<storage::RegistryChange>>(parsed);
   if (const auto error = storage::ApplyRegistryChanges(session.GetRegistry(), changes)) {
     // A file that was read to its end is right; what hinders its changes is the store.
-    TellStoreError(session, error->message);
+    session.Fail(fmt::format("{}: {}", session.GetRegistryPath().native(), error->message));
   } else {
     PrintDone(session);
   }

@@ -9,6 +9,7 @@
 #include "host/cli/output.h"
 #include "platform/text/utf.h"
 #include "resources/strings.h"
+#include "storage/registry_file.h"
 #include "storage/unusable_key.h"
 
 namespace cli {
@@ -83,6 +84,20 @@ bool Session::RequireRoot() {
   return true;
 }
 
+bool Session::OpenForReading() {
+  m_backends.ChangeNothing();
+  return RequireRoot();
+}
+
+bool Session::OpenForChanging() {
+  if (!RequireRoot()) {
+    return false;
+  }
+  // If that fails the settings report that they cannot be reached.
+  m_backends.MakeRoot();
+  return true;
+}
+
 bool Session::AreSameFile(const std::string& a, const std::string& b) {
   std::error_code ignored;
   return std::filesystem::equivalent(a, b, ignored);
@@ -112,19 +127,18 @@ void Session::Fail(std::string_view message) {
 
 int Session::GetExitCode() const { return m_failed || m_process.GetExitCode() ? 1 : 0; }
 
-platform::Registry& Session::GetRegistry() {
-  // Where that fails the registry itself tells that it cannot be reached.
-  m_backends.MakeRoot();
-  return m_backends.GetRegistry();
-}
-
 std::string Session::FindUnusableKey() {
   const std::string key = storage::FindUnusableKey(GetRegistry());
-  return key.empty() ? key : "another program made a key with a name that cannot be used: " + key;
+  return key.empty() ? key : "another program made a key or value that cannot be used: " + key;
+}
+
+std::string Session::ExplainStore(platform::RegistryError error) {
+  const std::string key = FindUnusableKey();
+  return GetRegistryPath().native() + ": " +
+         (key.empty() ? storage::ExplainRegistryError(error) : key);
 }
 
 vcard::AddressBooks& Session::GetContacts() {
-  m_backends.MakeRoot();
   return m_backends.GetContacts(m_backends.GetThreads());
 }
 

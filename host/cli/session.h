@@ -40,11 +40,19 @@ class Session {
   [[nodiscard]] platform::FileSystem& GetFiles() { return m_backends.GetFiles(); }
   [[nodiscard]] platform::Clock& GetClock() { return m_backends.GetClock(); }
 
-  /// Whether there is a root folder, or can be one; where that cannot be, it is told.
+  /// Whether there is a root folder, or can be one. Reports it if there cannot.
   [[nodiscard]] bool RequireRoot();
 
-  /// The settings below the root folder, which is made where it is missing.
-  [[nodiscard]] platform::Registry& GetRegistry();
+  /// The same for a command that changes nothing: settings and contacts are only read, no folder is
+  /// made, and a root folder that is missing counts as a new one. Called before settings or
+  /// contacts are asked for.
+  [[nodiscard]] bool OpenForReading();
+
+  /// The same for a command that may change something: makes the root folder.
+  [[nodiscard]] bool OpenForChanging();
+
+  /// The settings below the root folder.
+  [[nodiscard]] platform::Registry& GetRegistry() { return m_backends.GetRegistry(); }
   [[nodiscard]] std::filesystem::path GetRegistryPath() const {
     return m_backends.GetRegistryPath();
   }
@@ -53,11 +61,8 @@ class Session {
   /// there is none.
   [[nodiscard]] std::string FindUnusableKey();
 
-  /// Has settings changed in `registry` only, which holds what the real one held.
-  /// Platforms, registry and contacts asked for before are gone then.
-  void UseRegistry(std::unique_ptr<platform::Registry> registry) {
-    m_backends.UseRegistry(std::move(registry));
-  }
+  /// Why the settings answered `error`, and for which file, without a full stop.
+  [[nodiscard]] std::string ExplainStore(platform::RegistryError error);
 
   /// The user's contacts. Logging on to other ones than the recorded tags are for fails.
   [[nodiscard]] vcard::AddressBooks& GetContacts();

@@ -45,7 +45,7 @@ void Tell(const FoundContacts& contacts, std::uint32_t microphones) {
 
 /// What is missing is what was asked for, so that it is no failure.
 void ShowStatus(Session& session) {
-  if (!session.RequireRoot()) {
+  if (!session.OpenForReading()) {
     return;
   }
   const FoundContacts contacts = FindContacts(session);

@@ -7,16 +7,18 @@
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "audio/wave_header.h"
 #include "host/cli/contact_choice.h"
 #include "host/cli/output.h"
 #include "host/cli/page_run.h"
 #include "host/cli/play_code.h"
+#include "host/cli/tag_reading.h"
 #include "host/cli/tags_test_command.h"
+#include "language/formatting.h"
 #include "platform/text/utf.h"
 #include "resources/dialogs.h"
-#include "storage/device_paths.h"
 #include "storage/tag_store.h"
 
 namespace cli {
@@ -25,50 +27,43 @@ namespace {
 using resources::kRecordButtonId;
 using resources::kTagListId;
 
-Json TagToJson(Session& session, const PageRun& run, std::int32_t index) {
+/// The tag of a line, which has just been learned.
+tags::ListedTag ReadLearned(Session& session, const PageRun& run, std::int32_t index) {
   const storage::TagRecord* record = run.page.GetTags().GetRecord(index);
-  const std::u16string_view name = record == nullptr ? std::u16string_view() : record->GetTagName();
-  storage::TagEntry entry;
+  tags::ListedTag tag;
+  tag.name = record == nullptr ? std::u16string_view() : record->GetTagName();
+  tag.text = run.dialog.GetItemText(kTagListId, index);
   const storage::TagStore store(session.GetFiles(), session.GetRegistry());
-  const bool isRead = store.ReadEntry(name, entry) == platform::RegistryError::kNone;
-  return {{"name", text::ToUtf8(name)},
-          {"contact", isRead && entry.oid ? Json(*entry.oid) : Json()},
-          {"phoneType", text::ToUtf8(entry.phoneType)},
-          {"text", text::ToUtf8(run.dialog.GetItemText(kTagListId, index))},
-          {"wave", session.ToHostPath(storage::WavePath(name))},
-          {"template", session.ToHostPath(storage::TemplatePath(name))}};
+  tag.error = store.ReadEntry(tag.name, tag.entry);
+  return tag;
 }
 
-/// Whether each entry has its line. The page ends its list at a tag that it cannot deal with.
-bool IsWhole(Session& session, std::int32_t lineCount) {
-  const auto names = storage::TagStore(session.GetFiles(), session.GetRegistry()).OpenNames();
-  std::u16string name;
-  return !names || !names->Get(static_cast<std::uint32_t>(lineCount), name);
+void PrintTag(const tags::ListedTag& tag) {
+  std::string remark;
+  if (tag.isStale) {
+    remark = "  (its contact does not exist any more)";
+  } else if (tag.text == tag.name && !tag.entry.phoneType.empty()) {
+    remark = fmt::format("  ({})", text::ToUtf8(tag.entry.phoneType));
+  }
+  PrintLine(fmt::format("{:>11}  {}{}", text::ToUtf8(tag.name), text::ToUtf8(tag.text), remark));
 }
 
 void ListTags(Session& session) {
-  RunPage(session, [&](PageRun& run) {
-    const std::int32_t count = run.dialog.GetItemCount(kTagListId);
-    Json tags = Json::array();
-    for (std::int32_t i = 0; i < count; ++i) {
-      if (session.GetOptions().json) {
-        tags.push_back(TagToJson(session, run, i));
-      } else {
-        const storage::TagRecord* record = run.page.GetTags().GetRecord(i);
-        PrintLine(fmt::format("{:>11}  {}",
-                              record == nullptr ? "" : text::ToUtf8(record->GetTagName()),
-                              text::ToUtf8(run.dialog.GetItemText(kTagListId, i))));
-      }
+  std::vector<tags::ListedTag> tags;
+  if (!session.OpenForReading() || !ReadTags(session, tags)) {
+    return;
+  }
+  if (session.GetOptions().json) {
+    Json list = Json::array();
+    for (const tags::ListedTag& tag : tags) {
+      list.push_back(ToJson(session, tag));
     }
-    if (session.GetOptions().json) {
-      PrintJson(tags);
-    } else {
-      PrintLine(text::ToUtf8(run.dialog.GetText(resources::kCountLabelId)));
-    }
-    if (!IsWhole(session, count)) {
-      session.Fail("not all tags are listed; `voxtrel check` tells what is wrong with them");
-    }
-  });
+    PrintJson(list);
+    return;
+  }
+  std::ranges::for_each(tags, PrintTag);
+  PrintLine(text::ToUtf8(
+      language::CountLabel(LoadTexts(session), static_cast<std::int32_t>(tags.size()))));
 }
 
 /// Whether what stands for the microphone can be heard, before anybody is asked to speak; tells
@@ -89,7 +84,7 @@ bool CanHear(Session& session) {
 }
 
 void Learn(Session& session, const std::string& contact, const std::string& kind) {
-  RunPage(session, [&](PageRun& run) {
+  RunPage(session, Contacts::kNeeded, [&](PageRun& run) {
     if (!ChooseContact(session, run, contact) ||
         (!kind.empty() && !ChooseNumber(session, run, kind)) || !CanHear(session)) {
       return;
@@ -104,7 +99,7 @@ void Learn(Session& session, const std::string& contact, const std::string& kind
       return;
     }
     if (session.GetOptions().json) {
-      PrintJson(TagToJson(session, run, before));
+      PrintJson(ToJson(session, ReadLearned(session, run, before)));
     } else {
       PrintLine(
           fmt::format("Learned: {}", text::ToUtf8(run.dialog.GetItemText(kTagListId, before))));
@@ -125,7 +120,11 @@ bool SelectTag(Session& session, PageRun& run, const std::string& name) {
       return true;
     }
   }
-  session.Fail(fmt::format("there is no tag {}; `voxtrel tags list` shows them", name));
+  session.Fail(ListsAllTags(session, run)
+                   ? fmt::format("there is no tag {}; `voxtrel tags list` shows them", name)
+                   : fmt::format("no tag {} could be listed, nor all others; `voxtrel check` says "
+                                 "what is wrong with them",
+                                 name));
   return false;
 }
 
@@ -136,7 +135,7 @@ void PrintResult(Session& session, int result) {
 }
 
 void PlayTag(Session& session, const std::string& name) {
-  RunPage(session, [&](PageRun& run) {
+  RunPage(session, Contacts::kOptional, [&](PageRun& run) {
     if (!SelectTag(session, run, name)) {
       return;
     }
@@ -171,7 +170,7 @@ void PressDelete(Session& session, PageRun& run, int button, const char* failure
 }
 
 void Delete(Session& session, const std::string& name) {
-  RunPage(session, [&](PageRun& run) {
+  RunPage(session, Contacts::kOptional, [&](PageRun& run) {
     if (SelectTag(session, run, name)) {
       PressDelete(session, run, resources::kDeleteButtonId, "the tag was not deleted");
     }
@@ -179,7 +178,7 @@ void Delete(Session& session, const std::string& name) {
 }
 
 void DeleteAll(Session& session) {
-  RunPage(session, [&](PageRun& run) {
+  RunPage(session, Contacts::kOptional, [&](PageRun& run) {
     if (run.dialog.GetItemCount(kTagListId) == 0) {
       PrintResult(session, 0);
       return;

@@ -9,6 +9,9 @@
 
 #include "host/cli/output.h"
 #include "host/cli/page_run.h"
+#include "host/cli/tag_reading.h"
+#include "maintenance/tag_session.h"
+#include "maintenance/test_dialog.h"
 #include "platform/text/utf.h"
 #include "resources/dialogs.h"
 
@@ -49,24 +52,47 @@ void PrintTest(Session& session, const std::vector<std::u16string>& items,
   PrintJson(json);
 }
 
+/// The tags of the store as the Test dialog takes them from the page.
+class ReadSession final : public maintenance::TagSession {
+ public:
+  ReadSession(const storage::TagTable& tags, const platform::Platform& platform)
+      : m_tags(tags), m_mathematics(platform.files, platform.ui) {}
+
+  [[nodiscard]] const storage::TagTable& GetTags() const override { return m_tags; }
+  [[nodiscard]] voicemath::CVoiceMathematics& GetMathematics() override { return m_mathematics; }
+  [[nodiscard]] platform::Event* GetWorkerEvent() override { return nullptr; }
+  [[nodiscard]] platform::Thread* GetReinitWorker() override { return nullptr; }
+
+ private:
+  const storage::TagTable& m_tags;
+  voicemath::CVoiceMathematics m_mathematics;
+};
+
 void Test(Session& session) {
-  RunPage(session, [&](PageRun& run) {
-    std::vector<std::u16string> items;
-    session.GetUi().SetDialogStory(resources::kTestResultsDialog.id,
-                                   [&items](headless::HeadlessDialog& window) {
-                                     items = window.GetItems(resources::kTestListId);
-                                   });
-    run.dialog.Press(resources::kTestButtonId);
-    constexpr std::int32_t kMost = storage::TagTable::kCapacity;
-    const std::int32_t tags = run.page.GetTags().tagCount;
-    PrintTest(session, items, run.page.GetTestDialog(), std::max(tags - kMost, 0));
-    if (tags > kMost) {
-      session.Fail(fmt::format("only the first {} of {} voice tags were compared", kMost, tags));
-    }
-    if (!run.page.GetTestDialog().IsComplete()) {
-      session.Fail("not all tags were compared; `voxtrel check` tells what is wrong with them");
-    }
-  });
+  std::vector<tags::ListedTag> tags;
+  if (!session.OpenForReading() || !ReadTags(session, tags)) {
+    return;
+  }
+  const storage::TagTable table = tags::ToTable(tags);
+  const platform::Platform platform = session.GetPlatform();
+  ReadSession read(table, platform);
+  maintenance::TestDialog dialog(platform, LoadTexts(session));
+  dialog.set_Pageone_point(&read);
+  std::vector<std::u16string> items;
+  session.GetUi().SetDialogStory(resources::kTestResultsDialog.id,
+                                 [&items](headless::HeadlessDialog& window) {
+                                   items = window.GetItems(resources::kTestListId);
+                                 });
+  dialog.DoModal();
+  constexpr std::int32_t kMost = storage::TagTable::kCapacity;
+  PrintTest(session, items, dialog, std::max(table.tagCount - kMost, 0));
+  if (table.tagCount > kMost) {
+    session.Fail(
+        fmt::format("only the first {} of {} voice tags were compared", kMost, table.tagCount));
+  }
+  if (!dialog.IsComplete()) {
+    session.Fail("not all tags were compared; `voxtrel check` tells what is wrong with them");
+  }
 }
 
 }  // namespace

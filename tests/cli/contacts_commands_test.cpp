@@ -75,8 +75,16 @@ TEST_F(ContactsCommands, ListIsReadableWithoutJson) {
             "   2  Acme\n        7 Business\n");
 }
 
-TEST_F(ContactsCommands, TheAddressBookIsRemembered) {
-  const json first = List({"--contacts", Put("all.vcf", kCards)});
+TEST_F(ContactsCommands, AListLeavesNoTraceNotEvenARootFolder) {
+  static_cast<void>(List({"--contacts", Put("all.vcf", kCards)}));
+  EXPECT_FALSE(std::filesystem::exists(Path("root")));
+}
+
+TEST_F(ContactsCommands, TheAddressBookIsRememberedByACommandThatMayChangeSomething) {
+  const std::string book = Put("all.vcf", kCards);
+  const json first = List({"--contacts", book});
+  EXPECT_EQ(Contacts({"contacts", "list"}).exitCode, 1) << "A list remembers nothing.";
+  ASSERT_EQ(Contacts({"--contacts", book, "reinit"}).exitCode, 0);
   EXPECT_EQ(List(), first);
 }
 
@@ -177,7 +185,8 @@ TEST_F(MovedProgram, WhatNeedsNoSoundDoesNotLoadTheSoundLibrary) {
 
 TEST_F(ContactsCommands, AnotherAddressBookIsRefusedWhileTagsNeedTheFirst) {
   const std::string book = Put("all.vcf", kCards);
-  const json list = List({"--contacts", book});
+  ASSERT_EQ(Contacts({"--contacts", book, "reinit"}).exitCode, 0);
+  const json list = List();
   WriteTag(list[0]["oid"].get<std::int32_t>());
   const auto run = Contacts({"--contacts", Put("other.vcf", kCards), "contacts", "list"});
   EXPECT_EQ(run.exitCode, 1);
@@ -199,6 +208,7 @@ TEST_F(ContactsCommands, FiveThousandCardsAreListed) {
   ASSERT_EQ(list.size(), 5000U);
   EXPECT_EQ(list[4999]["name"], "Family5000 Person");
   EXPECT_EQ(list[4999]["numbers"][0]["text"], "+1-555-5000 Mobile");
+  ASSERT_EQ(Contacts({"--contacts", file, "reinit"}).exitCode, 0);
   EXPECT_EQ(List()[4999]["oid"], list[4999]["oid"]);
 }
 

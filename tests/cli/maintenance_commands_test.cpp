@@ -98,12 +98,16 @@ TEST_F(MaintenanceCommands, TestTellsOfTagsBeyondThoseThatAreCompared) {
   EXPECT_EQ(result["pairs"].size(), 100U);
 }
 
-TEST_F(MaintenanceCommands, TestAfterTagsWentWithTheirContactSaysToRunItAgain) {
+TEST_F(MaintenanceCommands, TestLeavesOutTagsWhoseContactIsGoneAndDeletesNone) {
   PutThreeTags();
   std::ofstream(Path("all.vcf"), std::ios::binary) << kBobsCard;
-  const auto run = Run({"tags", "test"});
-  EXPECT_THAT(run.err, HasSubstr("because their contact is gone. Run the command again.\n"));
-  EXPECT_EQ(Run({"tags", "test"}).exitCode, 0);
+  const auto before = GetFiles();
+  const json result = RunJson({"tags", "test"}, 0);
+  ASSERT_EQ(result["pairs"].size(), 2U);
+  EXPECT_NE(result["pairs"][0]["tag"], "100");
+  EXPECT_NE(result["pairs"][1]["tag"], "100");
+  EXPECT_TRUE(GetFiles() == before);
+  EXPECT_TRUE(HasEntry("100"));
 }
 
 TEST_F(MaintenanceCommands, ReinitDoesNothingWhereTheVersionIsCurrent) {
@@ -124,11 +128,13 @@ TEST_F(MaintenanceCommands, ReinitComputesEveryTemplateAfterAChangeOfTheVersion)
   EXPECT_EQ(RunJson({"reinit"}, 0)["ran"], false) << "Once.";
 }
 
-TEST_F(MaintenanceCommands, AnyCommandThatOpensTheTagsDoesItFirst) {
+TEST_F(MaintenanceCommands, AnyCommandThatMayChangeTagsDoesItFirstAndAListDoesNot) {
   PutThreeTags();
   fs::remove(Template("200"));
   PutVersion(u"");
   EXPECT_EQ(Run({"tags", "list"}).exitCode, 0);
+  EXPECT_FALSE(fs::exists(Template("200")));
+  EXPECT_EQ(Run({"--speaker", Path("heard.wav"), "tags", "play", "100"}).exitCode, 0);
   EXPECT_TRUE(fs::exists(Template("200")));
 }
 

@@ -133,14 +133,14 @@ TEST_F(RegistryCommands, AnExportThatCannotBeWrittenLeavesTheEarlierOne) {
   const auto run = Run({"registry", "export", Path("full")});
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_THAT(run.err, HasSubstr("cannot be written"));
-  EXPECT_EQ(GetNames(), std::vector<std::string>({"full", "root"}));
+  EXPECT_EQ(GetNames(), std::vector<std::string>({"full"}));
 }
 
 TEST_F(RegistryCommands, AnExportTouchesNoFileButItsOwn) {
   static_cast<void>(PutBytes("a.reg.new", "mine"));
   ASSERT_EQ(Run({"registry", "export", Path("a.reg")}).exitCode, 0);
   EXPECT_EQ(Content(Path("a.reg.new")), "mine");
-  EXPECT_EQ(GetNames(), std::vector<std::string>({"a.reg", "a.reg.new", "root"}));
+  EXPECT_EQ(GetNames(), std::vector<std::string>({"a.reg", "a.reg.new"}));
 }
 
 TEST_F(RegistryCommands, AnExportTakesTheLongestNameThatAFileCanHave) {
@@ -149,14 +149,14 @@ TEST_F(RegistryCommands, AnExportTakesTheLongestNameThatAFileCanHave) {
     const auto run = Run({"registry", "export", Path(name)});
     EXPECT_EQ(run.exitCode, 0) << run.err;
   }
-  EXPECT_EQ(GetNames(), std::vector<std::string>({"root", name}));
+  EXPECT_EQ(GetNames(), std::vector<std::string>({name}));
 }
 
 TEST_F(RegistryCommands, WhatAKilledExportLeftGoesWithTheNextOneIntoThatFolder) {
   static_cast<void>(PutBytes(".voxtrel-export-1", "half of an expo"));
   ASSERT_EQ(Run({"registry", "export", Path("a.reg")}).exitCode, 0);
   EXPECT_EQ(Content(Path("a.reg")), Run({"registry", "export"}).out);
-  EXPECT_EQ(GetNames(), std::vector<std::string>({"a.reg", "root"}));
+  EXPECT_EQ(GetNames(), std::vector<std::string>({"a.reg"}));
 }
 
 TEST_F(RegistryCommands, AnExportPassesOverWhatAnotherOneIsWriting) {
@@ -166,7 +166,7 @@ TEST_F(RegistryCommands, AnExportPassesOverWhatAnotherOneIsWriting) {
                                  platform::FileCreation::kCreateAlways});
   ASSERT_NE(other.file, nullptr);
   ASSERT_EQ(Run({"registry", "export", Path("a.reg")}).exitCode, 0);
-  EXPECT_EQ(GetNames(), std::vector<std::string>({".voxtrel-export-1", "a.reg", "root"}));
+  EXPECT_EQ(GetNames(), std::vector<std::string>({".voxtrel-export-1", "a.reg"}));
 }
 
 TEST_F(RegistryCommands, ImportNeedsAFile) { EXPECT_EQ(Run({"registry", "import"}).exitCode, 2); }

@@ -1,0 +1,77 @@
+#include "tags/tag_reader.h"
+
+#include <memory>
+#include <utility>
+
+#include "tags/contact_reading.h"
+
+namespace tags {
+
+using platform::ContactLookup;
+using platform::RegistryError;
+
+namespace {
+
+/// As much of a line as its record holds.
+std::u16string CutAsRecord(std::u16string_view text) {
+  storage::TagRecord record;
+  record.SetDisplayText(text);
+  return std::u16string(record.GetDisplayText());
+}
+
+void ReadContact(platform::ContactsStore& contacts, std::int32_t oid, ListedTag& tag) {
+  std::unique_ptr<platform::Contact> contact;
+  const ContactLookup lookup = contacts.GetItemFromOid(oid, contact);
+  tag.isStale = lookup == ContactLookup::kAbsent;
+  if (lookup != ContactLookup::kFound) {
+    return;
+  }
+  TagText read = ReadForTagList(*contact, tag.entry.phoneType);
+  tag.failure = read.failure;
+  if (!read.failure) {
+    tag.text = CutAsRecord(read.text);
+    tag.hasNumber = read.hasNumber;
+  }
+}
+
+}  // namespace
+
+RegistryError ReadTags(const storage::TagStore& store, platform::ContactsStore* contacts,
+                       std::vector<ListedTag>& tags) {
+  std::vector<std::u16string> names;
+  if (const RegistryError error = store.ListNames(names); error != RegistryError::kNone) {
+    return error;
+  }
+  for (std::u16string& name : names) {
+    ListedTag tag;
+    tag.text = CutAsRecord(name);
+    tag.hasNumber = true;
+    tag.error = store.ReadEntry(name, tag.entry);
+    tag.name = std::move(name);
+    if (tag.entry.oid && contacts != nullptr) {
+      ReadContact(*contacts, *tag.entry.oid, tag);
+    }
+    tags.push_back(std::move(tag));
+  }
+  return RegistryError::kNone;
+}
+
+storage::TagTable ToTable(const std::vector<ListedTag>& tags) {
+  storage::TagTable table;
+  for (const ListedTag& tag : tags) {
+    if (tag.isStale) {
+      continue;
+    }
+    if (storage::TagRecord* const record = table.GetRecord(table.tagCount)) {
+      record->SetTagName(tag.name);
+      // Without a number the record stays without a text, as on the page.
+      if (tag.hasNumber) {
+        record->SetDisplayText(tag.text);
+      }
+    }
+    ++table.tagCount;
+  }
+  return table;
+}
+
+}  // namespace tags

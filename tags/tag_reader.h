@@ -1,0 +1,40 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/contacts_store.h"
+#include "platform/registry.h"
+#include "storage/tag_entry.h"
+#include "storage/tag_record.h"
+#include "storage/tag_store.h"
+#include "tags/contact_messages.h"
+
+namespace tags {
+
+/// A tag as the Learning page lists it, for who changes nothing.
+struct ListedTag {
+  std::u16string name;
+  storage::TagEntry entry;  ///< Empty if `error` is not kNone.
+  /// The line of the list: the contact with the number. The tag's own name if it is not known whose
+  /// tag it is, so that no tag is without a line.
+  std::u16string text;
+  bool isStale = false;    ///< Its contact does not exist any more: the page would delete it.
+  bool hasNumber = false;  ///< False if the line has no number, since the entry names no kind.
+  platform::RegistryError error = platform::RegistryError::kNone;  ///< Of its entry.
+  std::optional<ContactMessage> failure;  ///< Why its contact, which is there, cannot be read.
+};
+
+/// Stores every tag in `tags`, in the order of the registry. Differs from the page in this: a tag
+/// that cannot be read or is stale neither ends the list nor goes, and has a line of its own.
+/// `contacts` are logged on, or null if they cannot be read; then no tag is stale. Returns why the
+/// list of tags cannot be read; what was read until then is no list of them.
+[[nodiscard]] platform::RegistryError ReadTags(const storage::TagStore& store,
+                                               platform::ContactsStore* contacts,
+                                               std::vector<ListedTag>& tags);
+
+/// The tags that are not stale as the pages know them.
+[[nodiscard]] storage::TagTable ToTable(const std::vector<ListedTag>& tags);
+
+}  // namespace tags

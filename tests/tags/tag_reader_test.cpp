@@ -1,0 +1,131 @@
+#include "tags/tag_reader.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "platform/headless/headless_contacts.h"
+#include "platform/headless/memory_file_system.h"
+#include "platform/headless/memory_registry.h"
+#include "tests/support/failing_registry.h"
+#include "tests/support/registry_access.h"
+
+namespace tags {
+namespace {
+
+using platform::RegistryError;
+
+class TagReader : public testing::Test {
+ protected:
+  TagReader() {
+    headless::HeadlessContact ann{.oid = 17, .firstName = u"Ann", .lastName = u"Lee"};
+    ann.Number(platform::PhoneNumberKind::kMobile) = u"555";
+    m_ann = &m_contacts.Add(ann);
+    EXPECT_TRUE(m_contacts.Initialize() && m_contacts.Connect() && m_contacts.Logon());
+  }
+
+  void Write(std::u16string_view tagName, std::int32_t oid, std::u16string_view kind = u"Mobile") {
+    EXPECT_EQ(m_store.WriteEntry(tagName, oid, kind), RegistryError::kNone);
+  }
+  [[nodiscard]] std::vector<ListedTag> Read(platform::ContactsStore* contacts) const {
+    std::vector<ListedTag> tags;
+    EXPECT_EQ(ReadTags(m_store, contacts, tags), RegistryError::kNone);
+    return tags;
+  }
+
+  headless::MemoryFileSystem m_files;
+  headless::MemoryRegistry m_memory;
+  support::FailingRegistry m_registry{m_memory};
+  storage::TagStore m_store{m_files, m_registry};
+  headless::HeadlessContacts m_contacts;
+  headless::HeadlessContact* m_ann = nullptr;
+};
+
+TEST_F(TagReader, FindsNoTagsBeforeTheFirst) { EXPECT_TRUE(Read(&m_contacts).empty()); }
+
+TEST_F(TagReader, ReadsTagsInTheOrderAndWithTheTextsOfThePage) {
+  Write(u"300", 17);
+  Write(u"100", 17, u"Radio2");
+  const std::vector<ListedTag> tags = Read(&m_contacts);
+  ASSERT_EQ(tags.size(), 2U);
+  EXPECT_EQ(tags[0].name, u"300");
+  EXPECT_EQ(tags[0].text, u"Ann Lee 555 M");
+  EXPECT_TRUE(tags[0].hasNumber);
+  EXPECT_EQ(tags[1].text, u"Ann Lee");
+  EXPECT_FALSE(tags[1].hasNumber) << "The entry names no kind.";
+}
+
+TEST_F(TagReader, ATagWhoseContactIsGoneIsStaleAndStays) {
+  Write(u"100", 18);
+  Write(u"200", 17);
+  m_contacts.SetLookup(18, platform::ContactLookup::kAbsent);
+  const std::vector<ListedTag> tags = Read(&m_contacts);
+  ASSERT_EQ(tags.size(), 2U);
+  EXPECT_TRUE(tags[0].isStale);
+  EXPECT_EQ(tags[0].text, u"100");
+  EXPECT_FALSE(tags[1].isStale);
+  EXPECT_EQ(Read(&m_contacts).size(), 2U);
+  const storage::TagTable table = ToTable(tags);
+  EXPECT_EQ(table.tagCount, 1);
+  EXPECT_EQ(table.GetRecord(0)->GetTagName(), u"200");
+}
+
+TEST_F(TagReader, WithoutContactsTagsHaveTheirOwnNamesAndNoneIsStale) {
+  Write(u"100", 18);
+  m_contacts.SetLookup(18, platform::ContactLookup::kAbsent);
+  const std::vector<ListedTag> tags = Read(nullptr);
+  ASSERT_EQ(tags.size(), 1U);
+  EXPECT_FALSE(tags[0].isStale);
+  EXPECT_EQ(tags[0].text, u"100");
+  EXPECT_EQ(tags[0].entry.oid, 18);
+}
+
+TEST_F(TagReader, AContactThatCannotBeReadIsSaidAndHidesNoOtherTag) {
+  Write(u"100", 17);
+  Write(u"200", 17, u"?");
+  m_ann->FailNumber(platform::PhoneNumberKind::kMobile);
+  const std::vector<ListedTag> tags = Read(&m_contacts);
+  ASSERT_EQ(tags.size(), 2U);
+  EXPECT_TRUE(tags[0].failure);
+  EXPECT_EQ(tags[0].text, u"100");
+  EXPECT_FALSE(tags[1].failure);
+}
+
+TEST_F(TagReader, ALongTextIsCutAsInTheRecord) {
+  m_ann->firstName = std::u16string(100, u'a');
+  m_ann->Number(platform::PhoneNumberKind::kMobile) = std::u16string(100, u'5');
+  Write(u"100", 17);
+  EXPECT_EQ(Read(&m_contacts)[0].text.size(), 127U);
+}
+
+TEST_F(TagReader, AFailureOfTheStoreIsNeverAShorterListNorAnotherTagsText) {
+  Write(u"100", 17);
+  Write(u"200", 17);
+  bool hasFailed = true;
+  for (std::size_t call = 1; hasFailed; ++call) {
+    m_registry.FailCall(call, support::Failing::kOnce, RegistryError::kBusy);
+    std::vector<ListedTag> tags;
+    const RegistryError error = ReadTags(m_store, &m_contacts, tags);
+    hasFailed = m_registry.HasFailed();
+    if (error != RegistryError::kNone) {
+      EXPECT_EQ(error, RegistryError::kBusy);
+      continue;
+    }
+    ASSERT_EQ(tags.size(), 2U) << call;
+    EXPECT_EQ(tags[0].error != RegistryError::kNone || tags[1].error != RegistryError::kNone,
+              hasFailed);
+    for (const ListedTag& tag : tags) {
+      EXPECT_EQ(tag.text, tag.error == RegistryError::kNone ? u"Ann Lee 555 M" : tag.name);
+    }
+  }
+}
+
+TEST_F(TagReader, TagsBeyondTheTableAreCountedAsOnThePage) {
+  for (int i = 0; i < 101; ++i) {
+    const std::string name = std::to_string(1000 + i);
+    Write(std::u16string(name.begin(), name.end()), 17);
+  }
+  EXPECT_EQ(ToTable(Read(&m_contacts)).tagCount, 101);
+}
+
+}  // namespace
+}  // namespace tags
