@@ -4,12 +4,13 @@
 #include <cstddef>
 #include <utility>
 
-#include "platform/vcard/identities.h"
+#include "platform/vcard/registry_names.h"
 #include "platform/vcard/vcard_source.h"
 
 namespace vcard {
 
 using platform::ContactLookup;
+using platform::RegistryError;
 
 class AddressBooks::ReadContact final : public platform::Contact {
  public:
@@ -54,7 +55,9 @@ bool AddressBooks::Initialize() { return true; }
 bool AddressBooks::Connect() {
   m_problem = Problem::kNone;
   m_choice = m_options.choice;
-  const bool isReady = (m_choice || RecallChoice(m_registry, m_choice)) && m_oids.Load();
+  m_choiceRemarks.clear();
+  const bool isReady =
+      (m_choice || RecallChoice(m_registry, m_choice, m_choiceRemarks)) && m_oids.Load();
   return isReady || Fail(Problem::kStore);
 }
 
@@ -62,21 +65,42 @@ bool AddressBooks::Logon() {
   Logoff();
   m_problem = Problem::kNone;
   m_reason.clear();
-  bool isReady = m_choice ? LogonTo(*m_choice) : LogonToDefault();
-  if (isReady && !m_options.changesNothing && m_options.choice &&
-      !RememberChoice(m_registry, *m_options.choice)) {
-    isReady = Fail(Problem::kStore);
-  }
+  m_bookRemarks.clear();
+  const bool isReady = (m_choice ? LogonTo(*m_choice) : LogonToDefault()) && RememberChoice();
   if (!isReady) {
     Logoff();
   }
   return isReady;
 }
 
+bool AddressBooks::RememberChoice() {
+  if (!m_options.choice || m_options.changesNothing) {
+    return true;
+  }
+  const RegistryError error = vcard::RememberChoice(m_registry, *m_options.choice);
+  if (error != RegistryError::kFull && error != RegistryError::kReadOnly) {
+    return error == RegistryError::kNone || Fail(Problem::kStore);
+  }
+  m_bookRemarks.push_back(
+      {std::u16string(kContactsKey), 0, "the choice of the address book cannot be remembered"});
+  return true;
+}
+
+std::vector<Remark> AddressBooks::GetRemarks() const {
+  std::vector<Remark> remarks = m_bookRemarks;
+  for (const auto* more : {&m_choiceRemarks, &m_oids.GetRemarks()}) {
+    remarks.insert(remarks.end(), more->begin(), more->end());
+  }
+  return remarks;
+}
+
 bool AddressBooks::LogonTo(const SourceChoice& choice) {
   std::vector<Book> books;
-  const ReadResult result =
-      choice.path.empty() ? ReadDesktop(books) : VcardSource(m_files, choice.path).Read(books);
+  VcardSource file(m_files, choice.path);
+  const ReadResult result = choice.path.empty() ? ReadDesktop(books) : file.Read(books);
+  if (!choice.path.empty()) {
+    m_bookRemarks = file.GetRemarks();
+  }
   if (result != ReadResult::kRead) {
     return Fail(result == ReadResult::kNoAnswer ? Problem::kNoServer : Problem::kUnreadable);
   }
@@ -118,6 +142,7 @@ ReadResult AddressBooks::ReadDesktop(std::vector<Book>& books) {
   }
   const ReadResult result = m_options.desktop->Read(books);
   m_reason = m_options.desktop->GetReason();
+  m_bookRemarks = m_options.desktop->GetRemarks();
   return result;
 }
 
@@ -127,15 +152,10 @@ bool AddressBooks::Fail(Problem problem) {
 }
 
 bool AddressBooks::TakeContacts(std::vector<Book>& books) {
-  std::vector<SourceContacts> identities;
-  identities.reserve(books.size());
-  for (const Book& book : books) {
-    identities.push_back({book.name, IdentitiesOf(book.contacts)});
-  }
+  const OidMap::Keeping keeping =
+      m_options.changesNothing ? OidMap::Keeping::kInMemory : OidMap::Keeping::kStored;
   std::vector<std::vector<std::int32_t>> oids;
-  if (m_options.changesNothing) {
-    m_oids.AssignInMemory(identities, oids);
-  } else if (!m_oids.Assign(identities, oids)) {
+  if (!m_oids.Assign(books, keeping, oids)) {
     return Fail(Problem::kStore);
   }
   for (std::size_t i = 0; i < books.size(); ++i) {

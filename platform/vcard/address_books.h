@@ -39,9 +39,9 @@ class AddressBooks final : public platform::ContactsStore {
     /// Told at each log-on of a newcomer, who has no contacts and no tags.
     std::function<void()> nothingFound;
 
-    /// Nothing is written to the registry, which may be one that takes no writes: no choice is
-    /// remembered, and a contact without a number gets, for this time alone, the one that it will
-    /// have for good.
+    /// Nothing is written to the registry: no choice is remembered, and a contact without a number
+    /// gets, for this time alone, the one that it will have for good. So it is, with a remark, if
+    /// something is to be written and the registry takes no writes or is full.
     bool changesNothing = false;
 
     /// The desktop's address books; without them nobody answers for the desktop.
@@ -76,6 +76,9 @@ class AddressBooks final : public platform::ContactsStore {
   /// Why the desktop's address books could not be read, where they were asked in the latest Logon
   /// and said so.
   [[nodiscard]] const std::string& GetReason() const { return m_reason; }
+  /// What the latest Connect and Logon passed over: in the address books that were read, then in
+  /// the registry.
+  [[nodiscard]] std::vector<Remark> GetRemarks() const;
 
  private:
   struct StoredContact {
@@ -85,6 +88,7 @@ class AddressBooks final : public platform::ContactsStore {
   class ReadContact;
 
   [[nodiscard]] bool LogonTo(const SourceChoice& choice);
+  [[nodiscard]] bool RememberChoice();
   [[nodiscard]] bool LogonToDefault();
   [[nodiscard]] ReadResult ReadDesktop(std::vector<Book>& books);
   [[nodiscard]] bool Fail(Problem problem);
@@ -105,6 +109,8 @@ class AddressBooks final : public platform::ContactsStore {
   std::vector<std::u16string> m_completeBooks;              ///< Names.
   Problem m_problem = Problem::kNone;
   std::string m_reason;
+  std::vector<Remark> m_bookRemarks;
+  std::vector<Remark> m_choiceRemarks;
 };
 
 }  // namespace vcard

@@ -21,9 +21,11 @@ ReadResult BackgroundSource::ReadInner(std::vector<Book>& books) {
   try {
     const ReadResult result = m_inner.Read(books);
     m_reason = m_inner.GetReason();
+    m_remarks = m_inner.GetRemarks();
     return result;
   } catch (const std::exception& error) {
     books.clear();
+    m_remarks.clear();
     m_reason = error.what();
     return ReadResult::kUnreadable;
   }

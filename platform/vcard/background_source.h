@@ -20,6 +20,7 @@ class BackgroundSource final : public ContactSource {
   /// source throws, as for want of memory.
   [[nodiscard]] ReadResult Read(std::vector<Book>& books) override;
   [[nodiscard]] std::string GetReason() const override { return m_reason; }
+  [[nodiscard]] std::vector<Remark> GetRemarks() const override { return m_remarks; }
 
  private:
   [[nodiscard]] ReadResult ReadInner(std::vector<Book>& books);
@@ -27,6 +28,7 @@ class BackgroundSource final : public ContactSource {
   ContactSource& m_inner;
   platform::Threads& m_threads;
   std::string m_reason;
+  std::vector<Remark> m_remarks;
 };
 
 }  // namespace vcard

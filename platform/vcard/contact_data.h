@@ -14,6 +14,10 @@ struct ContactData {
   std::u16string lastName;
   std::u16string companyName;
   Numbers numbers;
+
+  /// The same text as ContentOf gives, of the names and numbers that the contact had under the
+  /// former rules; empty if those give the same. Contacts of old entries are found by it.
+  std::string formerContent;
 };
 
 }  // namespace vcard

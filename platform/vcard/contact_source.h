@@ -5,6 +5,7 @@
 
 #include "platform/desktop_books.h"
 #include "platform/vcard/contact_data.h"
+#include "platform/vcard/remark.h"
 
 namespace vcard {
 
@@ -17,6 +18,8 @@ struct Book {
   /// Whether a contact that is not in `contacts` is gone. Not so where something in the book could
   /// not be read, or where it may not have been filled yet.
   bool isComplete = false;
+  /// What could be read of cards that are cut off. They are no contacts, but may have been some.
+  std::vector<ContactData> torn = {};
 };
 
 /// Where contacts come from.
@@ -33,6 +36,9 @@ class ContactSource {
 
   /// Why the latest reading failed, for a reader of messages; empty where nobody said.
   [[nodiscard]] virtual std::string GetReason() const { return {}; }
+
+  /// What was passed over in the latest reading, also in one that failed.
+  [[nodiscard]] virtual std::vector<Remark> GetRemarks() const { return {}; }
 };
 
 }  // namespace vcard

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <optional>
+#include <utility>
 
 #include "platform/little_endian.h"
 #include "platform/registry_text.h"
@@ -12,15 +13,10 @@
 namespace vcard {
 
 using platform::RegistryError;
-using platform::RegistryType;
 
 namespace {
 
-constexpr std::size_t kOidSize = 4;
-constexpr std::size_t kEntrySize = sizeof(Digest) + kOidSize;
 constexpr std::uint32_t kMaxKeyNumber = 1'000'000;
-
-std::u16string Decimal(std::size_t number) { return text::FromUtf8(std::to_string(number)); }
 
 std::optional<std::uint32_t> ParseKeyNumber(const std::u16string& keyName) {
   const std::string digits = text::ToUtf8(keyName);
@@ -31,8 +27,20 @@ std::optional<std::uint32_t> ParseKeyNumber(const std::u16string& keyName) {
   return isNumber ? std::optional(number) : std::nullopt;
 }
 
-std::int32_t LoadOid(std::span<const std::byte, kOidSize> bytes) {
-  return static_cast<std::int32_t>(platform::LoadLittleEndian32(bytes));
+/// Whether the key or value is one that another program left, and not out of reach for a moment.
+bool IsOdd(RegistryError error) {
+  return error == RegistryError::kNotFound || error == RegistryError::kInvalid;
+}
+
+/// What is known of a contact once its card was read.
+Person Learn(const CardKeys& card, const Person* known) {
+  Person person;
+  person.oid = known == nullptr ? 0 : known->oid;
+  person.uid = card.uid == kNoDigest && known != nullptr ? known->uid : card.uid;
+  person.name = card.name;
+  person.content = card.content;
+  person.isPresent = true;
+  return person;
 }
 
 }  // namespace
@@ -40,13 +48,11 @@ std::int32_t LoadOid(std::span<const std::byte, kOidSize> bytes) {
 bool OidMap::Load() {
   m_books.clear();
   m_taken.clear();
+  m_remarks.clear();
   m_lastKeyNumber = 0;
   const platform::OpenedKey opened = m_registry.OpenKey(kContactsKey);
-  if (opened.error == RegistryError::kNotFound) {
-    return true;
-  }
-  if (opened.error != RegistryError::kNone) {
-    return false;
+  if (!opened.key) {
+    return opened.error == RegistryError::kNotFound;
   }
   std::u16string keyName;
   for (std::uint32_t i = 0;; ++i) {
@@ -54,181 +60,176 @@ bool OidMap::Load() {
     if (error != RegistryError::kNone) {
       return error == RegistryError::kNoMoreItems;
     }
-    if (!LoadBook(keyName)) {
+    if (LoadBook(keyName) != RegistryError::kNone) {
       return false;
     }
   }
 }
 
-bool OidMap::LoadBook(const std::u16string& keyName) {
+RegistryError OidMap::LoadBook(const std::u16string& keyName) {
+  const std::u16string path = std::u16string(kContactsKey) + u'\\' + keyName;
+  const auto passOver = [&](std::string why) {
+    m_remarks.push_back({path, 0, std::move(why)});
+    return RegistryError::kNone;
+  };
   const std::optional<std::uint32_t> number = ParseKeyNumber(keyName);
-  Book book;
-  book.keyPath = std::u16string(kContactsKey) + u'\\' + keyName;
-  const platform::OpenedKey opened = m_registry.OpenKey(book.keyPath);
-  platform::RegistryValue value;
-  if (!number || !opened.key || opened.key->Query(kSourceValue, value) != RegistryError::kNone) {
-    return false;
-  }
-  const std::optional<std::u16string> source = ToText(value);
-  if (!source || m_books.contains(*source)) {
-    return false;
-  }
-  RegistryError error = RegistryError::kNone;
-  while ((error = opened.key->Query(Decimal(book.valueCount), value)) == RegistryError::kNone) {
-    if (value.type != RegistryType::kBinary || !LoadEntries(value.bytes, book)) {
-      return false;
-    }
-    book.lastValue = value.bytes;
-    ++book.valueCount;
+  if (!number) {
+    return passOver("the key is no address book's and is passed over");
   }
   m_lastKeyNumber = std::max(m_lastKeyNumber, *number);
-  m_books.emplace(*source, std::move(book));
-  return error == RegistryError::kNotFound;
+  const platform::OpenedKey opened = m_registry.OpenKey(path);
+  platform::RegistryValue value;
+  const RegistryError error = opened.key ? opened.key->Query(kSourceValue, value) : opened.error;
+  if (error != RegistryError::kNone && !IsOdd(error)) {
+    return error;
+  }
+  const auto source = error == RegistryError::kNone ? ToText(value) : std::nullopt;
+  if (!source || source->empty()) {
+    return passOver("the value \"source\" names no address book, and the key is passed over");
+  }
+  if (m_books.contains(*source)) {
+    return passOver("another key is of the same address book, and this one is passed over");
+  }
+  KnownBook& book = m_books[*source];
+  book.keyPath = path;
+  return book.contacts.Load(
+      *opened.key,
+      [&](const std::u16string& name, const std::string& what) {
+        m_remarks.push_back(
+            {path, 0,
+             "the value \"" + text::ToUtf8(name) + "\" " + what + "; that is passed over"});
+      },
+      m_taken);
 }
 
-bool OidMap::LoadEntries(std::span<const std::byte> entries, Book& book) {
-  if (entries.size() % kEntrySize != 0) {
-    return false;
-  }
-  for (; !entries.empty(); entries = entries.subspan(kEntrySize)) {
-    Digest digest{};
-    std::copy_n(entries.begin(), digest.size(), digest.begin());
-    const std::int32_t oid = LoadOid(entries.subspan(digest.size()).first<kOidSize>());
-    const bool isNew = book.oids.emplace(digest, oid).second;
-    if (oid == 0 || !isNew || !m_taken.insert(oid).second) {
-      return false;
-    }
-    book.given.insert(oid);
-  }
-  return true;
-}
-
-bool OidMap::Assign(std::span<const SourceContacts> contacts,
+bool OidMap::Assign(std::span<const Book> books, Keeping keeping,
                     std::vector<std::vector<std::int32_t>>& oids) {
-  if (!IsComplete(contacts) && !GiveMissing(contacts)) {
+  oids = Recognise(books);
+  if (keeping == Keeping::kInMemory || !HasChanged()) {
+    return true;
+  }
+  const RegistryError error = Store(books);
+  if (error == RegistryError::kFull || error == RegistryError::kReadOnly) {
+    NoteUnkept(error);
+  } else if (error != RegistryError::kNone) {
     return false;
   }
-  oids = NumbersOf(contacts);
+  // Again, as another process may have given numbers since.
+  oids = Recognise(books);
   return true;
 }
 
-void OidMap::AssignInMemory(std::span<const SourceContacts> contacts,
-                            std::vector<std::vector<std::int32_t>>& oids) {
-  for (const SourceContacts& each : contacts) {
-    m_books.try_emplace(each.source);
-    static_cast<void>(GiveInMemory(each));
+void OidMap::NoteUnkept(RegistryError error) {
+  Remark remark{std::u16string(kContactsKey), 0, "what is new of the contacts cannot be kept: "};
+  remark.text += error == RegistryError::kFull ? "the disk is full" : "nothing can be written";
+  if (std::find(m_remarks.begin(), m_remarks.end(), remark) == m_remarks.end()) {
+    m_remarks.push_back(std::move(remark));
   }
-  oids = NumbersOf(contacts);
 }
 
-std::vector<std::vector<std::int32_t>> OidMap::NumbersOf(
-    std::span<const SourceContacts> contacts) const {
+RegistryError OidMap::Store(std::span<const Book> books) {
+  platform::RegistryGroup group(m_registry);
+  if (group.BeginError() != RegistryError::kNone) {
+    return group.BeginError();
+  }
+  // Another process may have given numbers since; within the group nobody else can.
+  if (!Load()) {
+    return RegistryError::kOther;
+  }
+  static_cast<void>(Recognise(books));
+  for (const Book& book : books) {
+    if (const RegistryError error = StoreBook(book); error != RegistryError::kNone) {
+      return error;
+    }
+  }
+  const RegistryError error = group.Commit();
+  if (error == RegistryError::kNone) {
+    for (auto& [source, book] : m_books) {
+      book.contacts.SetSaved();
+    }
+  }
+  return error;
+}
+
+RegistryError OidMap::StoreBook(const Book& book) {
+  KnownBook& known = m_books.at(book.name);
+  if (!known.contacts.HasChanged()) {
+    return RegistryError::kNone;
+  }
+  const bool isNew = known.keyPath.empty();
+  if (isNew) {
+    known.keyPath =
+        std::u16string(kContactsKey) + u'\\' + text::FromUtf8(std::to_string(++m_lastKeyNumber));
+  }
+  const platform::OpenedKey opened =
+      isNew ? m_registry.CreateKey(known.keyPath) : m_registry.OpenKey(known.keyPath);
+  if (!opened.key) {
+    return opened.error;
+  }
+  const RegistryError error =
+      isNew ? SetText(*opened.key, kSourceValue, book.name) : RegistryError::kNone;
+  return error == RegistryError::kNone ? known.contacts.Save(*opened.key) : error;
+}
+
+std::vector<std::vector<std::int32_t>> OidMap::Recognise(std::span<const Book> books) {
   std::vector<std::vector<std::int32_t>> oids;
-  for (const SourceContacts& each : contacts) {
-    std::vector<std::int32_t>& ofBook = oids.emplace_back();
-    for (const std::string& uid : each.uids) {
-      ofBook.push_back(m_books.at(each.source).oids.at(ComputeDigest(uid)));
+  for (const Book& book : books) {
+    oids.push_back(Recognise(book));
+  }
+  return oids;
+}
+
+std::vector<std::int32_t> OidMap::Recognise(const Book& book) {
+  StoredBook& contacts = m_books[book.name].contacts;
+  const std::vector<CardKeys> cards = KeysOf(book);
+  const std::vector<FormerKeys> former =
+      contacts.HasFormerKeys() ? FormerKeysOf(book.contacts) : std::vector<FormerKeys>();
+  const std::vector<std::size_t> people = MatchCards(cards, former, contacts.GetPeople()).people;
+  std::vector<bool> isMet(contacts.GetPeople().size());
+  std::vector<std::string> seeds;
+  std::vector<std::int32_t> oids;
+  for (std::size_t i = 0; i < cards.size(); ++i) {
+    const bool isKnown = people[i] != Matches::kNobody;
+    Person person = Learn(cards[i], isKnown ? &contacts.GetPeople()[people[i]] : nullptr);
+    if (isKnown) {
+      isMet[people[i]] = true;
+      contacts.Update(people[i], person);
+    } else {
+      seeds = seeds.empty() ? SeedsOf(book.contacts) : std::move(seeds);
+      person.oid = ChooseOid(book.name, seeds[i]);
+      m_taken.insert(person.oid);
+      contacts.Add(person);
+    }
+    oids.push_back(person.oid);
+  }
+  for (std::size_t i = 0; book.isComplete && i < isMet.size(); ++i) {
+    Person person = contacts.GetPeople()[i];
+    if (!isMet[i] && person.isPresent) {
+      person.isPresent = false;
+      contacts.Update(i, person);
     }
   }
   return oids;
 }
 
+bool OidMap::HasChanged() const {
+  return std::any_of(m_books.begin(), m_books.end(),
+                     [](const auto& book) { return book.second.contacts.HasChanged(); });
+}
+
 bool OidMap::Belongs(std::int32_t oid, std::u16string_view source) const {
   const auto book = m_books.find(std::u16string(source));
-  return book != m_books.end() && book->second.given.contains(oid);
+  return book != m_books.end() && book->second.contacts.Holds(oid);
 }
 
-bool OidMap::IsComplete(std::span<const SourceContacts> contacts) const {
-  return std::all_of(contacts.begin(), contacts.end(), [this](const SourceContacts& each) {
-    const auto book = m_books.find(each.source);
-    return std::all_of(each.uids.begin(), each.uids.end(), [&](const std::string& uid) {
-      return book != m_books.end() && book->second.oids.contains(ComputeDigest(uid));
-    });
-  });
-}
-
-bool OidMap::GiveMissing(std::span<const SourceContacts> contacts) {
-  platform::RegistryGroup group(m_registry);
-  // Another process may have given numbers since; within the group nobody else can.
-  if (group.BeginError() != RegistryError::kNone || !Load()) {
-    return false;
-  }
-  return std::all_of(contacts.begin(), contacts.end(),
-                     [this](const SourceContacts& each) { return GiveMissing(each); }) &&
-         group.Commit() == RegistryError::kNone;
-}
-
-bool OidMap::GiveMissing(const SourceContacts& contacts) {
-  if (contacts.uids.empty()) {
-    return true;
-  }
-  if (!m_books.contains(contacts.source) && !MakeBook(contacts.source)) {
-    return false;
-  }
-  const std::vector<std::byte> entries = GiveInMemory(contacts);
-  return Store(m_books.at(contacts.source), entries);
-}
-
-std::vector<std::byte> OidMap::GiveInMemory(const SourceContacts& contacts) {
-  Book& book = m_books.at(contacts.source);
-  std::vector<std::byte> entries;
-  for (const std::string& uid : contacts.uids) {
-    const Digest digest = ComputeDigest(uid);
-    if (book.oids.contains(digest)) {
-      continue;
-    }
-    const std::int32_t oid = ChooseOid(contacts.source, uid);
-    book.oids.emplace(digest, oid);
-    book.given.insert(oid);
-    m_taken.insert(oid);
-    entries.insert(entries.end(), digest.begin(), digest.end());
-    entries.resize(entries.size() + kOidSize);
-    platform::StoreLittleEndian32(std::span(entries).last<kOidSize>(),
-                                  static_cast<std::uint32_t>(oid));
-  }
-  return entries;
-}
-
-bool OidMap::MakeBook(const std::u16string& source) {
-  Book book;
-  book.keyPath = std::u16string(kContactsKey) + u'\\' + Decimal(++m_lastKeyNumber);
-  const platform::OpenedKey made = m_registry.CreateKey(book.keyPath);
-  if (!made.key || SetText(*made.key, kSourceValue, source) != RegistryError::kNone) {
-    return false;
-  }
-  m_books.emplace(source, std::move(book));
-  return true;
-}
-
-bool OidMap::Store(Book& book, std::span<const std::byte> entries) {
-  const platform::OpenedKey opened = m_registry.OpenKey(book.keyPath);
-  if (!opened.key) {
-    return false;
-  }
-  while (!entries.empty()) {
-    if (book.valueCount == 0 || book.lastValue.size() >= kEntriesPerValue * kEntrySize) {
-      ++book.valueCount;
-      book.lastValue.clear();
-    }
-    const std::size_t room = kEntriesPerValue * kEntrySize - book.lastValue.size();
-    const auto taken = entries.first(std::min(room, entries.size()));
-    book.lastValue.insert(book.lastValue.end(), taken.begin(), taken.end());
-    if (opened.key->Set(Decimal(book.valueCount - 1), RegistryType::kBinary, book.lastValue) !=
-        RegistryError::kNone) {
-      return false;
-    }
-    entries = entries.subspan(taken.size());
-  }
-  return true;
-}
-
-std::int32_t OidMap::ChooseOid(std::u16string_view source, const std::string& uid) const {
+std::int32_t OidMap::ChooseOid(std::u16string_view source, const std::string& seed) const {
   // Taken from what the number stands for, so that a store that was lost gives most contacts the
   // numbers they had.
   for (std::size_t attempt = 0;; ++attempt) {
     const Digest digest =
-        ComputeDigest(text::ToUtf8(source) + '\n' + uid + '\n' + std::to_string(attempt));
-    const std::int32_t oid = LoadOid(std::span(digest).first<kOidSize>());
+        ComputeDigest(text::ToUtf8(source) + '\n' + seed + '\n' + std::to_string(attempt));
+    const auto oid = static_cast<std::int32_t>(
+        platform::LoadLittleEndian32(std::span(digest).first<sizeof(std::uint32_t)>()));
     if (oid != 0 && !m_taken.contains(oid)) {
       return oid;
     }

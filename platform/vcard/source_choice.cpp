@@ -31,7 +31,8 @@ SourceChoice ParseChoice(std::u16string_view text) {
   return {text::FromHostName((error ? written : absolute.lexically_normal()).native())};
 }
 
-bool RecallChoice(platform::Registry& registry, std::optional<SourceChoice>& choice) {
+bool RecallChoice(platform::Registry& registry, std::optional<SourceChoice>& choice,
+                  std::vector<Remark>& remarks) {
   choice.reset();
   const platform::OpenedKey opened = registry.OpenKey(kContactsKey);
   if (!opened.key) {
@@ -44,21 +45,24 @@ bool RecallChoice(platform::Registry& registry, std::optional<SourceChoice>& cho
   }
   const std::optional<std::u16string> text = ToText(value);
   if (!text || text->empty()) {
-    return false;
+    remarks.push_back({std::u16string(kContactsKey), 0,
+                       "the value \"chosen\" names no address book and is passed over"});
+    return true;
   }
   choice = *text == kDesktop ? SourceChoice{} : SourceChoice{*text};
   return true;
 }
 
-bool RememberChoice(platform::Registry& registry, const SourceChoice& choice) {
+RegistryError RememberChoice(platform::Registry& registry, const SourceChoice& choice) {
   std::optional<SourceChoice> remembered;
-  if (RecallChoice(registry, remembered) && remembered == choice) {
-    return true;
+  std::vector<Remark> ignored;  // What is odd gives way to the user's own choice.
+  if (RecallChoice(registry, remembered, ignored) && remembered == choice) {
+    return RegistryError::kNone;
   }
   const platform::OpenedKey opened = registry.CreateKey(kContactsKey);
-  return opened.key &&
-         SetText(*opened.key, kChoiceValue, choice.path.empty() ? kDesktop : choice.path) ==
-             RegistryError::kNone;
+  return opened.key
+             ? SetText(*opened.key, kChoiceValue, choice.path.empty() ? kDesktop : choice.path)
+             : opened.error;
 }
 
 }  // namespace vcard

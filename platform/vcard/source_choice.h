@@ -3,8 +3,10 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/registry.h"
+#include "platform/vcard/remark.h"
 
 namespace vcard {
 
@@ -19,11 +21,14 @@ struct SourceChoice {
 /// so that it means the same wherever the system is started the next time.
 [[nodiscard]] SourceChoice ParseChoice(std::u16string_view text);
 
-/// Stores the remembered choice in `choice`, or nothing where there is none; false where it cannot
-/// be told.
-[[nodiscard]] bool RecallChoice(platform::Registry& registry, std::optional<SourceChoice>& choice);
+/// Stores the remembered choice in `choice`, or nothing if there is none. A value of another
+/// program that is no choice is named in `remarks` and counts as none. False if the registry
+/// cannot be asked.
+[[nodiscard]] bool RecallChoice(platform::Registry& registry, std::optional<SourceChoice>& choice,
+                                std::vector<Remark>& remarks);
 
-/// False where it cannot be kept.
-[[nodiscard]] bool RememberChoice(platform::Registry& registry, const SourceChoice& choice);
+/// kNone if it is remembered, also if it was before; nothing is written then.
+[[nodiscard]] platform::RegistryError RememberChoice(platform::Registry& registry,
+                                                     const SourceChoice& choice);
 
 }  // namespace vcard

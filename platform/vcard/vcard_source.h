@@ -23,6 +23,7 @@ class VcardSource final : public ContactSource {
   /// A source without a single card is unreadable: an empty file or folder is more likely one that
   /// was lost, or not mounted, than one whose last contact was deleted.
   [[nodiscard]] ReadResult Read(std::vector<Book>& books) override;
+  [[nodiscard]] std::vector<Remark> GetRemarks() const override { return m_remarks; }
 
  private:
   [[nodiscard]] bool ReadFolder(Book& book);
@@ -30,6 +31,7 @@ class VcardSource final : public ContactSource {
 
   platform::FileSystem& m_files;
   std::u16string m_path;
+  std::vector<Remark> m_remarks;
 };
 
 }  // namespace vcard

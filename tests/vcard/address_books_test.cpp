@@ -422,6 +422,37 @@ TEST_F(AddressBooksReading, TagsAreGuardedAsEver) {
   EXPECT_EQ(m_store->GetProblem(), AddressBooks::Problem::kTagsElsewhere);
 }
 
+// A registry without room.
+
+TEST_F(AddressBooksInUse, AFullRegistryKeepsNobodyFromHisContacts) {
+  Put(u"/copy.vcf", Person("Ann"));
+  support::ReadOnlyRegistry full(m_registry, platform::RegistryError::kFull);
+  AddressBooks::Options options;
+  options.choice = SourceChoice{u"/copy.vcf"};
+  AddressBooks copy(m_files, full, options);
+  ASSERT_TRUE(copy.Connect() && copy.Logon());
+  EXPECT_EQ(copy.GetCount(), 1);
+  std::vector<std::string> said;
+  for (const Remark& remark : copy.GetRemarks()) {
+    said.push_back(remark.text);
+  }
+  EXPECT_EQ(said, (std::vector<std::string>{
+                      "the choice of the address book cannot be remembered",
+                      "what is new of the contacts cannot be kept: the disk is full"}));
+  ASSERT_TRUE(Start());
+  EXPECT_EQ(Names(), "Ann.Bob.") << "the other book was not remembered";
+}
+
+TEST_F(AddressBooksInUse, AnotherProgramsValuesInTheMapAreNamedAndStopNothing) {
+  ASSERT_EQ(support::Put(m_registry, u"Software\\Zedra\\Voxtrel Contacts\\1", u"0",
+                         platform::RegistryType::kBinary, std::vector<std::byte>(19)),
+            platform::RegistryError::kNone);
+  ASSERT_TRUE(Start());
+  EXPECT_EQ(LookUp(m_ann), ContactLookup::kFound);
+  ASSERT_EQ(m_store->GetRemarks().size(), 1U);
+  EXPECT_EQ(m_store->GetRemarks()[0].place, u"Software\\Zedra\\Voxtrel Contacts\\1");
+}
+
 TEST_F(AddressBooksInUse, TagsThatCannotBeCountedEndTheLogon) {
   m_inUse = std::nullopt;
   ExpectRefused();

@@ -12,6 +12,8 @@
 namespace vcard {
 namespace {
 
+using platform::RegistryError;
+
 constexpr std::u16string_view kKey = u"Software\\Zedra\\Voxtrel Contacts";
 
 TEST(SourceChoice, TheDesktopsAddressBooksAreCalledEds) {
@@ -32,36 +34,52 @@ TEST(SourceChoice, APathOfTheDeviceStaysOne) {
 TEST(SourceChoice, IsRemembered) {
   headless::MemoryRegistry registry;
   std::optional<SourceChoice> choice = SourceChoice{u"/x"};
-  ASSERT_TRUE(RecallChoice(registry, choice));
+  std::vector<Remark> remarks;
+  ASSERT_TRUE(RecallChoice(registry, choice, remarks));
   EXPECT_EQ(choice, std::nullopt);
   for (const SourceChoice& each : {SourceChoice{u"/home/ann/all.vcf"}, SourceChoice{}}) {
-    ASSERT_TRUE(RememberChoice(registry, each));
-    ASSERT_TRUE(RecallChoice(registry, choice));
+    ASSERT_EQ(RememberChoice(registry, each), RegistryError::kNone);
+    ASSERT_TRUE(RecallChoice(registry, choice, remarks));
     EXPECT_EQ(choice, each);
   }
+  EXPECT_TRUE(remarks.empty());
 }
 
 TEST(SourceChoice, RememberingTheSameAgainWritesNothing) {
   headless::MemoryRegistry registry;
-  ASSERT_TRUE(RememberChoice(registry, {u"/all.vcf"}));
+  ASSERT_EQ(RememberChoice(registry, {u"/all.vcf"}), RegistryError::kNone);
   support::FailingRegistry counting(registry);
   counting.FailCall(1000, support::Failing::kOnce);
-  ASSERT_TRUE(RememberChoice(counting, {u"/all.vcf"}));
+  ASSERT_EQ(RememberChoice(counting, {u"/all.vcf"}), RegistryError::kNone);
   EXPECT_EQ(counting.CountCalls(), 2U);
 }
 
 TEST(SourceChoice, AStoreThatCannotBeReadIsNoReasonToTakeAnotherBook) {
   headless::MemoryRegistry registry;
-  ASSERT_TRUE(RememberChoice(registry, {u"/all.vcf"}));
+  ASSERT_EQ(RememberChoice(registry, {u"/all.vcf"}), RegistryError::kNone);
   support::FailingRegistry failing(registry);
   std::optional<SourceChoice> choice;
+  std::vector<Remark> remarks;
   for (const std::size_t call : {1U, 2U}) {
-    failing.FailCall(call, support::Failing::kOnce, platform::RegistryError::kBusy);
-    EXPECT_FALSE(RecallChoice(failing, choice)) << call;
+    failing.FailCall(call, support::Failing::kOnce, RegistryError::kBusy);
+    EXPECT_FALSE(RecallChoice(failing, choice, remarks)) << call;
   }
+}
+
+TEST(SourceChoice, AValueThatIsNoChoiceIsPassedOverAndNamed) {
+  headless::MemoryRegistry registry;
   ASSERT_EQ(support::Put(registry, kKey, u"chosen", platform::RegistryType::kDword, {}),
-            platform::RegistryError::kNone);
-  EXPECT_FALSE(RecallChoice(registry, choice));
+            RegistryError::kNone);
+  std::optional<SourceChoice> choice;
+  std::vector<Remark> remarks;
+  ASSERT_TRUE(RecallChoice(registry, choice, remarks));
+  EXPECT_EQ(choice, std::nullopt);
+  ASSERT_EQ(remarks.size(), 1U);
+  EXPECT_EQ(remarks[0].place, kKey);
+  EXPECT_EQ(remarks[0].text, "the value \"chosen\" names no address book and is passed over");
+  ASSERT_EQ(RememberChoice(registry, {u"/all.vcf"}), RegistryError::kNone);
+  ASSERT_TRUE(RecallChoice(registry, choice, remarks));
+  EXPECT_EQ(choice, SourceChoice{u"/all.vcf"});
 }
 
 }  // namespace
