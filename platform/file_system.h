@@ -20,6 +20,7 @@ enum class FileError : std::uint8_t {
   kReadOnly,     ///< The medium takes no writes.
   kNoMoreFiles,  ///< The normal end of a search.
   kClosed,       ///< The file was closed before.
+  kLink,         ///< The name is a symbolic link, and what is written never follows one.
   kOther,
 };
 
@@ -39,6 +40,7 @@ enum class FileCreation : std::uint8_t {
   kOpenExisting,
   kOpenAlways,    ///< Made where missing, else opened as it is.
   kCreateAlways,  ///< Made where missing, else emptied.
+  kCreateNew,     ///< Made by this call. A link to nothing is there as well: kAlreadyExists.
 };
 
 struct OpenMode {
@@ -73,7 +75,8 @@ class File {
   /// Cuts the file, or lets it grow by zeros. The position stays, even behind the new end.
   [[nodiscard]] virtual FileError SetLength(std::uint64_t length) = 0;
 
-  /// Returns when everything written is on the medium, so that a loss of power keeps it.
+  /// Returns when everything written is on the medium, and for a file with a name the name as well,
+  /// whoever made it: a loss of power keeps both.
   [[nodiscard]] virtual FileError Flush() = 0;
 
   /// Gives up the file. A failure means that earlier writes may be lost; calling again is allowed
@@ -83,6 +86,44 @@ class File {
 
 struct OpenedFile {
   std::unique_ptr<File> file;  ///< Null exactly where `error` is not kNone.
+  FileError error = FileError::kOther;
+};
+
+/// What a loss of power may undo once Replacement::Publish has returned.
+enum class Durability : std::uint8_t {
+  kNow,    ///< Nothing: content and name are on the medium.
+  kLater,  ///< Anything, also the earlier file, until content and folder are flushed.
+};
+
+/// Begins every name that a process can leave behind when it is killed while it replaces a file.
+inline constexpr std::u16string_view kUnfinishedPrefix = u".voxtrel-";
+
+/// A new file on its way to its name. Nobody else can open it, and it is gone if it is destroyed
+/// before it is published, whether or not anything else was at its name. A process that is killed
+/// leaves at most a name that begins with kUnfinishedPrefix, next to the path.
+class Replacement {
+ public:
+  Replacement() = default;
+  Replacement(const Replacement&) = delete;
+  Replacement& operator=(const Replacement&) = delete;
+  virtual ~Replacement() = default;
+
+  /// The file, empty at first, open for reading and writing until it is published.
+  [[nodiscard]] virtual File& GetFile() = 0;
+
+  /// Gives the file its name in one step and closes it: at any moment the path is wholly the
+  /// earlier file or wholly the new one. With Durability::kNow, or if GetFile() was flushed before,
+  /// this holds through a loss of power as well. The name of an earlier file stays as it was
+  /// spelled. Its permissions stay too, except those of other users on a device path, which go.
+  ///
+  /// Refused with kSharingViolation while any holder has the earlier file open, with kAccessDenied
+  /// if it is protected, with kLink if the name has become a link. After a failure the file can be
+  /// published again. kOther may also mean that it has its name, but perhaps not on the medium.
+  [[nodiscard]] virtual FileError Publish(Durability durability) = 0;
+};
+
+struct OpenedReplacement {
+  std::unique_ptr<Replacement> replacement;  ///< Null exactly where `error` is not kNone.
   FileError error = FileError::kOther;
 };
 
@@ -121,6 +162,13 @@ struct StartedSearch {
 /// A file whose user protected it against writing is neither opened for writing nor emptied,
 /// deleted or replaced: kAccessDenied, whatever rights the process has. Likewise a folder, or
 /// anything else that is no regular file, where a file is asked for.
+///
+/// A symbolic link at the end of a path is followed to read, and never to write: a file opened for
+/// writing, made or replaced there is refused with kLink. So nobody who may plant a link in a
+/// shared folder has a file written elsewhere. Links among the folders on the way are followed.
+///
+/// What is made belongs to its user alone: files are 0600 and folders 0700, whatever the umask. An
+/// older file on a device path loses the rights of others if it is opened for writing.
 class FileSystem {
  public:
   FileSystem() = default;
@@ -130,7 +178,12 @@ class FileSystem {
 
   [[nodiscard]] virtual OpenedFile Open(std::u16string_view path, const OpenMode& mode) = 0;
 
-  /// Deletes a file. Refused with kSharingViolation while any holder has it open.
+  /// Begins a file that is to take the place of `path`, or to be made there. Whoever has `path`
+  /// open matters only when it is published. kAccessDenied, kLink and kNotFound as for Open.
+  [[nodiscard]] virtual OpenedReplacement OpenReplacement(std::u16string_view path) = 0;
+
+  /// Deletes a file. Refused with kSharingViolation while any holder has it open. A link on a
+  /// device path goes itself and its file stays; one on a path of the host is refused with kLink.
   [[nodiscard]] virtual FileError Delete(std::u16string_view path) = 0;
 
   /// Lets `from` take the place of `to` in one step: at any moment, a loss of power included, `to`
@@ -140,12 +193,18 @@ class FileSystem {
   /// the change was made and it could not be told whether it is there.
   [[nodiscard]] virtual FileError Replace(std::u16string_view from, std::u16string_view to) = 0;
 
+  /// Makes one folder, and returns when its name is on the medium.
   [[nodiscard]] virtual FileError CreateFolder(std::u16string_view path) = 0;
+
+  /// Returns when the names that were made, replaced or deleted in the folder `path` are on the
+  /// medium. "\" is the root folder.
+  [[nodiscard]] virtual FileError FlushFolder(std::u16string_view path) = 0;
 
   /// Finds names in the folder of `pattern` whose last part matches; "*" stands for any run of
   /// characters, "?" for one, letter case counts for nothing. A pattern without either asks whether
-  /// that file or folder exists. "." and ".." are never found. kNotFound where nothing matches. The
-  /// names are those that were there when the search began, each once, also when files are made or
+  /// that file or folder exists. "." and ".." are never found. kNotFound where nothing matches and
+  /// for a missing folder; a folder that is there and cannot be read is another error. The names
+  /// are those that were there when the search began, each once, also when files are made or
   /// deleted before the next one is asked for.
   [[nodiscard]] virtual StartedSearch FindFirst(std::u16string_view pattern) = 0;
 };

@@ -108,6 +108,15 @@ void MemoryDisk::Move(const Place& from, const Place& to) {
   from.folder->children.erase(from.key);
 }
 
+void MemoryDisk::Publish(MemoryNode& file, const Place& to) {
+  MemoryNode* target = Find(to);
+  if (target == nullptr) {
+    target = &Add(to, false);
+  }
+  m_used -= target->bytes.size();
+  target->bytes = std::exchange(file.bytes, {});
+}
+
 std::uint64_t MemoryDisk::Room() const { return m_capacity - std::min(m_used, m_capacity); }
 
 bool MemoryDisk::Resize(MemoryNode& file, std::uint64_t length) {

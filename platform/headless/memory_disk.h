@@ -58,6 +58,9 @@ class MemoryDisk {
   /// The file `from` becomes the content of `to`, or moves there where `to` does not exist.
   void Move(const Place& from, const Place& to);
 
+  /// The content of `file`, which is in no folder, becomes the file at `to`, made where missing.
+  void Publish(MemoryNode& file, const Place& to);
+
   /// False where there is no room to grow; nothing is changed then.
   [[nodiscard]] bool Resize(MemoryNode& file, std::uint64_t length);
   /// Writes as many of `bytes` as there is room for and returns their number.

@@ -64,6 +64,55 @@ FileError CheckRemove(const MemoryNode* node) {
   return node->IsHeld() ? FileError::kSharingViolation : FileError::kNone;
 }
 
+/// Whether a replacement may take a place as it is now.
+FileError CheckReplace(const std::optional<Place>& place) {
+  if (!place) {
+    return FileError::kNotFound;
+  }
+  const FileError error = CheckRemove(MemoryDisk::Find(*place));
+  return error == FileError::kNotFound ? FileError::kNone : error;
+}
+
+constexpr platform::OpenMode kReadWriteAlone{
+    platform::FileAccess::kReadWrite, platform::FileShare::kNone, FileCreation::kOpenExisting};
+
+class MemoryReplacement final : public platform::Replacement {
+ public:
+  /// Called with the mutex of `disk` held.
+  MemoryReplacement(std::shared_ptr<MemoryDisk> disk, std::u16string_view path)
+      : m_disk(std::move(disk)), m_path(path), m_file(m_disk, m_node, kReadWriteAlone) {}
+  MemoryReplacement(const MemoryReplacement&) = delete;
+  MemoryReplacement& operator=(const MemoryReplacement&) = delete;
+
+  ~MemoryReplacement() override {
+    const std::lock_guard lock(m_disk->mutex);
+    static_cast<void>(m_disk->Resize(m_node, 0));  // The room that it took.
+  }
+
+  [[nodiscard]] platform::File& GetFile() override { return m_file; }
+
+  [[nodiscard]] FileError Publish(platform::Durability) override {
+    {
+      const std::lock_guard lock(m_disk->mutex);
+      if (!m_node.IsHeld()) {
+        return FileError::kClosed;
+      }
+      const std::optional<Place> place = m_disk->FindPlace(m_path);
+      if (const FileError error = CheckReplace(place); error != FileError::kNone) {
+        return error;
+      }
+      m_disk->Publish(m_node, *place);
+    }
+    return m_file.Close();
+  }
+
+ private:
+  const std::shared_ptr<MemoryDisk> m_disk;
+  const std::u16string m_path;
+  MemoryNode m_node;  ///< In no folder.
+  MemoryFile m_file;
+};
+
 }  // namespace
 
 MemoryFileSystem::MemoryFileSystem() : m_disk(std::make_shared<MemoryDisk>(kDefaultCapacity)) {}
@@ -81,6 +130,8 @@ platform::OpenedFile MemoryFileSystem::Open(std::u16string_view path,
       return {nullptr, FileError::kNotFound};
     }
     node = &MemoryDisk::Add(*place, false);
+  } else if (mode.creation == FileCreation::kCreateNew) {
+    return {nullptr, FileError::kAlreadyExists};
   } else if (const FileError error = CheckOpen(*node, mode); error != FileError::kNone) {
     return {nullptr, error};
   }
@@ -88,6 +139,15 @@ platform::OpenedFile MemoryFileSystem::Open(std::u16string_view path,
     static_cast<void>(m_disk->Resize(*node, 0));
   }
   return {std::make_unique<MemoryFile>(m_disk, *node, mode), FileError::kNone};
+}
+
+platform::OpenedReplacement MemoryFileSystem::OpenReplacement(std::u16string_view path) {
+  const std::lock_guard lock(m_disk->mutex);
+  const FileError error = CheckReplace(m_disk->FindPlace(path));
+  if (error != FileError::kNone && error != FileError::kSharingViolation) {
+    return {nullptr, error};
+  }
+  return {std::make_unique<MemoryReplacement>(m_disk, path), FileError::kNone};
 }
 
 FileError MemoryFileSystem::Delete(std::u16string_view path) {
@@ -138,6 +198,14 @@ FileError MemoryFileSystem::CreateFolder(std::u16string_view path) {
   }
   MemoryDisk::Add(*place, true);
   return FileError::kNone;
+}
+
+FileError MemoryFileSystem::FlushFolder(std::u16string_view path) {
+  const std::lock_guard lock(m_disk->mutex);
+  const std::optional<Place> place = m_disk->FindPlace(path);
+  const MemoryNode* node = place ? MemoryDisk::Find(*place) : nullptr;
+  const bool isFolder = path == u"\\" || (node != nullptr && node->isFolder);
+  return isFolder ? FileError::kNone : FileError::kNotFound;
 }
 
 platform::StartedSearch MemoryFileSystem::FindFirst(std::u16string_view pattern) {

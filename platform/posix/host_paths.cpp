@@ -1,13 +1,13 @@
 #include "platform/posix/host_paths.h"
 
 #include <dirent.h>
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
 #include <memory>
+#include <utility>
 
 #include "platform/posix/errors.h"
 #include "platform/text/device_path.h"
@@ -17,44 +17,60 @@
 namespace posix {
 namespace {
 
+using platform::FileError;
+
 struct CloseFolder {
   void operator()(DIR* folder) const { ::closedir(folder); }
 };
 
-bool Exists(const std::string& path) {
-  struct stat status {};
-  return ::fstatat(AT_FDCWD, path.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0;
-}
+struct Spelling {
+  std::string name;
+  FileError error = FileError::kNone;
+};
 
-/// The spelling of `name` that exists in `folder`, an exact one first; nothing where none does.
-std::optional<std::string> FindSpelling(const std::string& folder, std::u16string_view name) {
+/// The spelling of `name` that exists in `folder`, an exact one first; kNotFound if none does.
+Spelling FindSpelling(const std::string& folder, std::u16string_view name) {
   std::string exact = text::ToHostName(name);
-  if (Exists(folder + exact)) {
-    return exact;
+  struct stat status {};
+  if (::lstat((folder + exact).c_str(), &status) == 0) {
+    return {std::move(exact)};
   }
-  for (std::string& candidate : ListFolder(folder).value_or(std::vector<std::string>())) {
+  if (errno != ENOENT) {
+    return {{}, ToFileError(errno)};
+  }
+  std::optional<std::vector<std::string>> names = ListFolder(folder);
+  if (!names) {
+    return {{}, ToFileError(errno)};
+  }
+  for (std::string& candidate : *names) {
     if (text::SameName(text::FromHostName(candidate), name)) {
-      return std::move(candidate);
+      return {std::move(candidate)};
     }
   }
-  return std::nullopt;
+  return {{}, FileError::kNotFound};
 }
 
-std::optional<HostPlace> FindDevicePlace(const std::string& root, std::u16string_view path) {
+FoundPlace FindDevicePlace(const std::string& root, std::u16string_view path) {
   const auto parts = text::SplitDevicePath(path);
   if (!parts) {
-    return std::nullopt;
+    return {{}, FileError::kNotFound};
   }
   std::string folder = root + "/";
   for (std::size_t i = 0; i + 1 < parts->size(); ++i) {
-    const std::optional<std::string> spelling = FindSpelling(folder, (*parts)[i]);
-    if (!spelling) {
-      return std::nullopt;
+    const Spelling spelling = FindSpelling(folder, (*parts)[i]);
+    if (spelling.error != FileError::kNone) {
+      return {{}, spelling.error};
     }
-    folder += *spelling + "/";
+    folder += spelling.name + "/";
   }
-  const std::u16string_view last = parts->back();
-  return HostPlace{folder, FindSpelling(folder, last).value_or(text::ToHostName(last))};
+  Spelling last = FindSpelling(folder, parts->back());
+  if (last.error == FileError::kNotFound) {
+    last = {text::ToHostName(parts->back())};
+  }
+  if (last.error != FileError::kNone) {
+    return {{}, last.error};
+  }
+  return {{std::move(folder), std::move(last.name)}, FileError::kNone};
 }
 
 }  // namespace
@@ -79,18 +95,18 @@ std::optional<std::vector<std::string>> ListFolder(const std::string& folder) {
   return names;
 }
 
-std::optional<HostPlace> FindPlace(const std::string& root, std::u16string_view path) {
+FoundPlace FindPlace(const std::string& root, std::u16string_view path) {
   if (text::IsDevicePath(path)) {
     return FindDevicePlace(root, path);
   }
   if (path.empty() || path.find(u'\0') != std::u16string_view::npos) {
-    return std::nullopt;
+    return {{}, FileError::kNotFound};
   }
   std::string hostPath = text::ToHostName(path);
   while (hostPath.size() > 1 && hostPath.ends_with('/')) {
     hostPath.pop_back();
   }
-  return HostPlace{FolderOf(hostPath), hostPath.substr(hostPath.rfind('/') + 1)};
+  return {{FolderOf(hostPath), hostPath.substr(hostPath.rfind('/') + 1)}, FileError::kNone};
 }
 
 std::optional<std::string> FollowLinks(std::string path) {

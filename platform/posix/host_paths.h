@@ -21,10 +21,15 @@ struct HostPlace {
   [[nodiscard]] std::string Path() const { return folder + name; }
 };
 
+struct FoundPlace {
+  HostPlace place;  ///< Empty unless `error` is kNone.
+  platform::FileError error = platform::FileError::kOther;
+};
+
 /// The host's place of a path, device paths below `root`. The last name is the one on the disk
-/// where some spelling of it exists, else the one that was asked for. Nothing where a folder on the
-/// way is missing or the path names nothing.
-[[nodiscard]] std::optional<HostPlace> FindPlace(const std::string& root, std::u16string_view path);
+/// if some spelling of it exists, else the one that was asked for. kNotFound if a folder on the
+/// way is missing or the path names nothing; a folder that cannot be looked into is another error.
+[[nodiscard]] FoundPlace FindPlace(const std::string& root, std::u16string_view path);
 
 /// The path behind every symbolic link at the end of `path`, whether or not anything is there.
 /// Nothing, with errno set, where the links lead in a circle.

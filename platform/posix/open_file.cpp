@@ -20,20 +20,20 @@ using platform::OpenMode;
 /// Never waits for the other end of a pipe, takes no terminal, and is not inherited by programs.
 constexpr int kOpenFlags = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
 
-LockedFile Failure(FileError error) { return {Descriptor(), error, {}, false}; }
+LockedFile Failure(FileError error) { return {Descriptor(), error, {}}; }
 LockedFile FailureFromErrno() { return Failure(ToFileError(errno)); }
 
 bool Writes(const OpenMode& mode) {
   return mode.access == FileAccess::kWrite || mode.access == FileAccess::kReadWrite;
 }
 
-bool Changes(const OpenMode& mode) {
-  return Writes(mode) || mode.creation == FileCreation::kCreateAlways;
+/// Whether a link at the end of the path is refused.
+bool RefusesLinks(const OpenMode& mode) {
+  return Writes(mode) || mode.creation != FileCreation::kOpenExisting;
 }
 
-/// The mode bits and not the rights of the process, for to an administrator every file is writable.
-bool IsProtected(const struct stat& status) {
-  return (status.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0;
+bool Changes(const OpenMode& mode) {
+  return Writes(mode) || mode.creation == FileCreation::kCreateAlways;
 }
 
 FileError CheckStatus(const struct stat& status, const OpenMode& mode) {
@@ -58,9 +58,9 @@ int AccessFlag(const OpenMode& mode) {
   return O_RDWR;
 }
 
-Descriptor OpenExisting(const std::string& path, const OpenMode& mode) {
+Descriptor OpenExisting(const std::string& path, const OpenMode& mode, int flags) {
   const auto open = [&](int access) {
-    return Retry([&] { return ::open(path.c_str(), access | kOpenFlags); });
+    return Retry([&] { return ::open(path.c_str(), access | flags); });
   };
   int descriptor = open(AccessFlag(mode));
   if (descriptor == -1 && errno == EACCES && mode.access == FileAccess::kNone) {
@@ -76,34 +76,62 @@ bool Lock(int descriptor, const OpenMode& mode) {
   return Retry([&] { return ::flock(descriptor, operation); }) == 0 || errno != EWOULDBLOCK;
 }
 
+/// Whether there is a file that may be opened so; kNotFound also if it is to be made.
+FileError Look(const std::string& path, const OpenMode& mode, bool refusesLinks,
+               struct stat& status) {
+  if (::fstatat(AT_FDCWD, path.c_str(), &status, refusesLinks ? AT_SYMLINK_NOFOLLOW : 0) != 0) {
+    return ToFileError(errno);
+  }
+  if (mode.creation == FileCreation::kCreateNew) {
+    return FileError::kAlreadyExists;
+  }
+  return S_ISLNK(status.st_mode) ? FileError::kLink : CheckStatus(status, mode);
+}
+
+Descriptor OpenOrMake(const std::string& path, const OpenMode& mode, bool isThere) {
+  const int flags = RefusesLinks(mode) ? kOpenFlags | O_NOFOLLOW : kOpenFlags;
+  return isThere ? OpenExisting(path, mode, flags) : Descriptor(Retry([&] {
+    return ::open(path.c_str(), AccessFlag(mode) | flags | O_CREAT | O_EXCL, kOwnerFile);
+  }));
+}
+
+/// Sees to the rights of a file that was opened, and empties it if its mode says so.
+FileError Prepare(int descriptor, const struct stat& status, const OpenMode& mode, Others others,
+                  bool isThere) {
+  const bool tightens = others == Others::kLoseRights && Changes(mode);
+  if (!isThere || tightens) {
+    const FileError error = SetRights(descriptor, isThere ? status.st_mode & S_IRWXU : kOwnerFile);
+    if (error != FileError::kNone) {
+      return error;
+    }
+  }
+  const bool empties = mode.creation == FileCreation::kCreateAlways;
+  return empties && Retry([&] { return ::ftruncate(descriptor, 0); }) != 0 ? ToFileError(errno)
+                                                                           : FileError::kNone;
+}
+
 /// One attempt; nothing where the file at `path` was made or swapped by another process meanwhile.
-std::optional<LockedFile> TryOpenLocked(const std::string& path, const OpenMode& mode) {
-  std::optional<std::string> target = FollowLinks(path);
+std::optional<LockedFile> TryOpenLocked(const std::string& path, const OpenMode& mode,
+                                        Others others) {
+  const bool refusesLinks = RefusesLinks(mode);
+  std::optional<std::string> target = refusesLinks ? path : FollowLinks(path);
   if (!target) {
     return FailureFromErrno();
   }
   // Looked at before it is opened, since opening a device can have effects of its own.
   struct stat status {};
-  const bool isThere = ::stat(target->c_str(), &status) == 0;
-  if (isThere) {
-    if (const FileError error = CheckStatus(status, mode); error != FileError::kNone) {
-      return Failure(error);
-    }
-  } else if (errno != ENOENT || mode.creation == FileCreation::kOpenExisting) {
-    return FailureFromErrno();
+  const FileError seen = Look(*target, mode, refusesLinks, status);
+  const bool isThere = seen == FileError::kNone;
+  const bool isToBeMade = seen == FileError::kNotFound && errno == ENOENT &&
+                          mode.creation != FileCreation::kOpenExisting;
+  if (!isThere && !isToBeMade) {
+    return Failure(seen);
   }
-  LockedFile file{Descriptor(), FileError::kNone, std::move(*target), !isThere};
-  if (isThere) {
-    file.descriptor = OpenExisting(file.path, mode);
-  } else {
-    const int flags = AccessFlag(mode) | kOpenFlags | O_CREAT | O_EXCL;
-    file.descriptor = Descriptor(Retry([&] { return ::open(file.path.c_str(), flags, 0666); }));
-  }
+  LockedFile file{OpenOrMake(*target, mode, isThere), FileError::kNone, std::move(*target)};
   if (!file.descriptor.IsOpen()) {
-    if (errno == (isThere ? ENOENT : EEXIST)) {
-      return std::nullopt;
-    }
-    return FailureFromErrno();
+    const bool isSwapped =
+        isThere ? errno == ENOENT || (refusesLinks && errno == ELOOP) : errno == EEXIST;
+    return isSwapped ? std::nullopt : std::optional(FailureFromErrno());
   }
   if (::fstat(file.descriptor.Get(), &status) != 0) {
     return FailureFromErrno();
@@ -118,20 +146,17 @@ std::optional<LockedFile> TryOpenLocked(const std::string& path, const OpenMode&
   if (::stat(file.path.c_str(), &current) != 0 || !IsSameFile(status, current)) {
     return std::nullopt;
   }
-  // Emptied only now that no other holder can be in the middle of it.
-  if (mode.creation == FileCreation::kCreateAlways && isThere &&
-      Retry([&] { return ::ftruncate(file.descriptor.Get(), 0); }) != 0) {
-    return FailureFromErrno();
-  }
-  return file;
+  // Only now that no other holder can be in the middle of it.
+  const FileError error = Prepare(file.descriptor.Get(), status, mode, others, isThere);
+  return error == FileError::kNone ? std::move(file) : Failure(error);
 }
 
 }  // namespace
 
-LockedFile OpenLocked(const std::string& path, const OpenMode& mode) {
+LockedFile OpenLocked(const std::string& path, const OpenMode& mode, Others others) {
   constexpr int kMostAttempts = 100;
   for (int i = 0; i < kMostAttempts; ++i) {
-    if (std::optional<LockedFile> file = TryOpenLocked(path, mode)) {
+    if (std::optional<LockedFile> file = TryOpenLocked(path, mode, others)) {
       return std::move(*file);
     }
   }
@@ -149,6 +174,23 @@ LockedFile OpenForRemoval(const std::string& path) {
     return FailureFromErrno();
   }
   return IsProtected(status) ? Failure(FileError::kAccessDenied) : std::move(file);
+}
+
+bool IsProtected(const struct stat& status) {
+  return (status.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0;
+}
+
+FileError SetRights(int descriptor, mode_t rights) {
+  constexpr mode_t kAllRights = S_IRWXU | S_IRWXG | S_IRWXO;
+  struct stat status {};
+  if (::fstat(descriptor, &status) != 0) {
+    return ToFileError(errno);
+  }
+  if ((status.st_mode & kAllRights) == rights || ::fchmod(descriptor, rights) == 0 ||
+      errno == EPERM || errno == EOPNOTSUPP) {
+    return FileError::kNone;
+  }
+  return ToFileError(errno);
 }
 
 bool IsSameFile(const struct stat& a, const struct stat& b) {

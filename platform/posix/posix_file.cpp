@@ -1,6 +1,7 @@
 #include "platform/posix/posix_file.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -33,10 +34,25 @@ FileError SyncFolder(const std::string& folder) {
   return ToFileError(errno);
 }
 
+FileError MakeFolder(const std::string& path) {
+  if (::mkdir(path.c_str(), S_IRWXU) != 0) {
+    return ToFileError(errno);
+  }
+  const Descriptor folder(
+      Retry([&] { return ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC); }));
+  if (folder.IsOpen()) {
+    // The umask may have left less to its owner.
+    if (const FileError error = SetRights(folder.Get(), S_IRWXU); error != FileError::kNone) {
+      return error;
+    }
+  }
+  return SyncFolder(FolderOf(path));
+}
+
 PosixFile::PosixFile(LockedFile file, FileAccess access)
     : m_descriptor(std::move(file.descriptor)),
       m_access(access),
-      m_unsyncedFolder(file.isNew ? FolderOf(file.path) : std::string()) {}
+      m_unsyncedFolder(file.path.empty() ? std::string() : FolderOf(file.path)) {}
 
 std::optional<std::uint64_t> PosixFile::GetLength() {
   struct stat status {};

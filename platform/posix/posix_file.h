@@ -24,14 +24,22 @@ class PosixFile final : public platform::File {
   [[nodiscard]] platform::FileError Flush() override;
   [[nodiscard]] platform::FileError Close() override;
 
+  /// Descriptor::kNone once it is closed.
+  [[nodiscard]] int GetDescriptor() const { return m_descriptor.Get(); }
+
  private:
   [[nodiscard]] platform::FileError CheckWritable() const;
 
   Descriptor m_descriptor;
   const platform::FileAccess m_access;
   std::uint64_t m_position = 0;
-  std::string m_unsyncedFolder;  ///< Whose entry of this new file may not be on the medium yet.
+  /// The folder whose entry of this file may not be on the medium yet; "" if it is, and for a file
+  /// without a name. Whoever writes a file need not be the one who made it.
+  std::string m_unsyncedFolder;
 };
+
+/// Makes a folder of this user alone. Returns when its name is on the medium.
+[[nodiscard]] platform::FileError MakeFolder(const std::string& path);
 
 /// Returns when the entries of `folder` are on the medium.
 [[nodiscard]] platform::FileError SyncFolder(const std::string& folder);

@@ -13,7 +13,9 @@
 #include "platform/posix/host_paths.h"
 #include "platform/posix/open_file.h"
 #include "platform/posix/posix_file.h"
+#include "platform/posix/posix_replacement.h"
 #include "platform/posix/replace_file.h"
+#include "platform/text/device_path.h"
 #include "platform/text/names.h"
 #include "platform/text/utf.h"
 
@@ -40,23 +42,24 @@ class PosixSearch final : public platform::FileSearch {
   std::size_t m_next = 0;
 };
 
-/// What a search says of the entry; nothing, with errno set, where it is not there. A symbolic link
-/// that leads nowhere is found as a file, since its name is taken.
-std::optional<FoundFile> Describe(const HostPlace& place) {
+/// What a search says of the entry. A symbolic link that leads nowhere is found as a file, since
+/// its name is taken.
+FileError Describe(const HostPlace& place, FoundFile& found) {
   struct stat status {};
   const std::string path = place.Path();
   if (::stat(path.c_str(), &status) != 0 && ::lstat(path.c_str(), &status) != 0) {
-    return std::nullopt;
+    return ToFileError(errno);
   }
-  return FoundFile{text::FromHostName(place.name), S_ISDIR(status.st_mode)};
+  found = {text::FromHostName(place.name), S_ISDIR(status.st_mode)};
+  return FileError::kNone;
 }
 
-bool IsLinkToNothing(const std::string& path) {
+bool IsLink(const std::string& path) {
   struct stat status {};
-  return ::stat(path.c_str(), &status) != 0 && ::lstat(path.c_str(), &status) == 0;
+  return ::lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
 }
 
-/// Everything in the folder of `pattern` that matches its name; an error where that cannot be read.
+/// Everything in the folder of `pattern` that matches its name.
 FileError FindMatches(const HostPlace& pattern, std::vector<FoundFile>& found) {
   const std::optional<std::vector<std::string>> names = ListFolder(pattern.folder);
   if (!names) {
@@ -64,13 +67,22 @@ FileError FindMatches(const HostPlace& pattern, std::vector<FoundFile>& found) {
   }
   const std::u16string wanted = text::FromHostName(pattern.name);
   for (const std::string& name : *names) {
-    if (text::MatchesPattern(text::FromHostName(name), wanted)) {
-      if (std::optional<FoundFile> file = Describe({pattern.folder, name})) {
-        found.push_back(std::move(*file));
-      }
+    if (!text::MatchesPattern(text::FromHostName(name), wanted)) {
+      continue;
+    }
+    FoundFile file;
+    const FileError error = Describe({pattern.folder, name}, file);
+    if (error == FileError::kNone) {
+      found.push_back(std::move(file));
+    } else if (error != FileError::kNotFound) {
+      return error;  // kNotFound is a file that has just gone.
     }
   }
-  return FileError::kNone;
+  return found.empty() ? FileError::kNotFound : FileError::kNone;
+}
+
+Others OthersOf(std::u16string_view path) {
+  return text::IsDevicePath(path) ? Others::kLoseRights : Others::kKeepRights;
 }
 
 }  // namespace
@@ -79,65 +91,81 @@ PosixFileSystem::PosixFileSystem(std::u16string_view root) : m_root(text::ToHost
 
 platform::OpenedFile PosixFileSystem::Open(std::u16string_view path,
                                            const platform::OpenMode& mode) {
-  const std::optional<HostPlace> place = FindPlace(m_root, path);
-  if (!place) {
-    return {nullptr, FileError::kNotFound};
+  const FoundPlace found = FindPlace(m_root, path);
+  if (found.error != FileError::kNone) {
+    return {nullptr, found.error};
   }
-  LockedFile file = OpenLocked(place->Path(), mode);
+  LockedFile file = OpenLocked(found.place.Path(), mode, OthersOf(path));
   if (file.error != FileError::kNone) {
     return {nullptr, file.error};
   }
   return {std::make_unique<PosixFile>(std::move(file), mode.access), FileError::kNone};
 }
 
+platform::OpenedReplacement PosixFileSystem::OpenReplacement(std::u16string_view path) {
+  FoundPlace found = FindPlace(m_root, path);
+  if (found.error != FileError::kNone) {
+    return {nullptr, found.error};
+  }
+  return PosixReplacement::Open(std::move(found.place), OthersOf(path));
+}
+
 FileError PosixFileSystem::Delete(std::u16string_view path) {
-  const std::optional<HostPlace> place = FindPlace(m_root, path);
-  if (!place) {
-    return FileError::kNotFound;
+  const FoundPlace found = FindPlace(m_root, path);
+  if (found.error != FileError::kNone) {
+    return found.error;
+  }
+  const std::string hostPath = found.place.Path();
+  const bool isLink = IsLink(hostPath);
+  if (isLink && !text::IsDevicePath(path)) {
+    return FileError::kLink;
   }
   // Locked until the entry is gone, so that nobody becomes a holder in between.
-  const LockedFile file = OpenForRemoval(place->Path());
-  const bool goes = file.error == FileError::kNone ||
-                    (file.error == FileError::kNotFound && IsLinkToNothing(place->Path()));
+  const LockedFile file = OpenForRemoval(hostPath);
+  const bool goes =
+      file.error == FileError::kNone || (file.error == FileError::kNotFound && isLink);
   if (!goes) {
     return file.error;
   }
-  return ::unlink(place->Path().c_str()) == 0 ? FileError::kNone : ToFileError(errno);
+  return ::unlink(hostPath.c_str()) == 0 ? FileError::kNone : ToFileError(errno);
 }
 
 FileError PosixFileSystem::Replace(std::u16string_view from, std::u16string_view to) {
-  const std::optional<HostPlace> source = FindPlace(m_root, from);
-  const std::optional<HostPlace> target = FindPlace(m_root, to);
-  if (!source || !target) {
-    return FileError::kNotFound;
+  const FoundPlace source = FindPlace(m_root, from);
+  const FoundPlace target = FindPlace(m_root, to);
+  if (source.error != FileError::kNone || target.error != FileError::kNone) {
+    return source.error != FileError::kNone ? source.error : target.error;
   }
-  return ReplaceFile(source->Path(), target->Path());
+  return ReplaceFile(source.place.Path(), target.place.Path());
 }
 
 FileError PosixFileSystem::CreateFolder(std::u16string_view path) {
-  const std::optional<HostPlace> place = FindPlace(m_root, path);
-  if (!place) {
-    return FileError::kNotFound;
+  const FoundPlace found = FindPlace(m_root, path);
+  return found.error == FileError::kNone ? MakeFolder(found.place.Path()) : found.error;
+}
+
+FileError PosixFileSystem::FlushFolder(std::u16string_view path) {
+  if (path == u"\\") {
+    return SyncFolder(m_root);
   }
-  return ::mkdir(place->Path().c_str(), 0777) == 0 ? FileError::kNone : ToFileError(errno);
+  const FoundPlace found = FindPlace(m_root, path);
+  return found.error == FileError::kNone ? SyncFolder(found.place.Path()) : found.error;
 }
 
 platform::StartedSearch PosixFileSystem::FindFirst(std::u16string_view pattern) {
-  const std::optional<HostPlace> place = FindPlace(m_root, pattern);
-  if (!place) {
-    return {nullptr, {}, FileError::kNotFound};
+  const FoundPlace place = FindPlace(m_root, pattern);
+  if (place.error != FileError::kNone) {
+    return {nullptr, {}, place.error};
   }
   std::vector<FoundFile> found;
   FileError error = FileError::kNone;
-  if (text::HasWildcards(text::FromHostName(place->name))) {
-    error = FindMatches(*place, found);
-  } else if (std::optional<FoundFile> file = Describe(*place)) {
-    found.push_back(std::move(*file));
+  if (text::HasWildcards(text::FromHostName(place.place.name))) {
+    error = FindMatches(place.place, found);
   } else {
-    error = ToFileError(errno);
+    error = Describe(place.place, found.emplace_back());
   }
-  if (found.empty()) {
-    return {nullptr, {}, error == FileError::kNone ? FileError::kNotFound : error};
+  if (error != FileError::kNone) {
+    return {nullptr, {}, error};
   }
   platform::StartedSearch started{nullptr, found.front(), FileError::kNone};
   found.erase(found.begin());

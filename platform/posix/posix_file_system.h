@@ -8,8 +8,8 @@
 namespace posix {
 
 /// Files of a Linux system. Device paths lie below a root folder, which the host makes; the last
-/// part of a name is found in any letter case, one that is spelled exactly so first. Symbolic links
-/// are followed, so a user may keep a folder of the device elsewhere.
+/// part of a name is found in any letter case, one that is spelled exactly so first. Links to
+/// folders are followed, so a user may keep a folder of the device elsewhere.
 class PosixFileSystem final : public platform::FileSystem {
  public:
   /// `root` is a path of the host.
@@ -17,10 +17,12 @@ class PosixFileSystem final : public platform::FileSystem {
 
   [[nodiscard]] platform::OpenedFile Open(std::u16string_view path,
                                           const platform::OpenMode& mode) override;
+  [[nodiscard]] platform::OpenedReplacement OpenReplacement(std::u16string_view path) override;
   [[nodiscard]] platform::FileError Delete(std::u16string_view path) override;
   [[nodiscard]] platform::FileError Replace(std::u16string_view from,
                                             std::u16string_view to) override;
   [[nodiscard]] platform::FileError CreateFolder(std::u16string_view path) override;
+  [[nodiscard]] platform::FileError FlushFolder(std::u16string_view path) override;
   [[nodiscard]] platform::StartedSearch FindFirst(std::u16string_view pattern) override;
 
  private:

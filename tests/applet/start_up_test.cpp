@@ -1,35 +1,37 @@
 #include <set>
 
 #include "tests/applet/applet_fixture.h"
+#include "tests/support/forwarding_file_system.h"
 
 namespace {
 
 using Steps = std::vector<std::u16string>;
 
 /// Remembers what was asked of the files, in its order.
-class NotingFiles final : public platform::FileSystem {
+class NotingFiles final : public support::ForwardingFileSystem {
  public:
-  NotingFiles(platform::FileSystem& files, Steps& steps) : m_files(files), m_steps(steps) {}
+  NotingFiles(platform::FileSystem& files, Steps& steps)
+      : ForwardingFileSystem(files), m_steps(steps) {}
 
   platform::OpenedFile Open(std::u16string_view path, const platform::OpenMode& mode) override {
     Note(u"open ", path);
-    return m_files.Open(path, mode);
+    return ForwardingFileSystem::Open(path, mode);
   }
   platform::FileError Delete(std::u16string_view path) override {
     Note(u"delete ", path);
-    return m_files.Delete(path);
+    return ForwardingFileSystem::Delete(path);
   }
-  platform::FileError Replace(std::u16string_view from, std::u16string_view to) override {
-    Note(u"replace ", from);
-    return m_files.Replace(from, to);
+  platform::OpenedReplacement OpenReplacement(std::u16string_view path) override {
+    Note(u"replace ", path);
+    return ForwardingFileSystem::OpenReplacement(path);
   }
   platform::FileError CreateFolder(std::u16string_view path) override {
     Note(u"create ", path);
-    return m_files.CreateFolder(path);
+    return ForwardingFileSystem::CreateFolder(path);
   }
   platform::StartedSearch FindFirst(std::u16string_view pattern) override {
     Note(u"find ", pattern);
-    return m_files.FindFirst(pattern);
+    return ForwardingFileSystem::FindFirst(pattern);
   }
 
  private:
@@ -37,7 +39,6 @@ class NotingFiles final : public platform::FileSystem {
     m_steps.push_back(std::u16string(what).append(path));
   }
 
-  platform::FileSystem& m_files;
   Steps& m_steps;
 };
 

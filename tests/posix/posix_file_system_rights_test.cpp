@@ -32,13 +32,33 @@ class PosixFileSystemRights : public testing::Test {
   posix::PosixFileSystem m_files{m_root.Text()};
 };
 
-TEST_F(PosixFileSystemRights, NewFilesAndFoldersFollowTheMaskOfTheUser) {
-  const mode_t before = ::umask(027);
-  EXPECT_EQ(WriteWhole(m_files, u"\\f", "abc"), FileError::kNone);
-  EXPECT_EQ(m_files.CreateFolder(u"\\d"), FileError::kNone);
-  ::umask(before);
-  EXPECT_EQ(ModeOf(m_root.Path() / "f"), 0640U);
-  EXPECT_EQ(ModeOf(m_root.Path() / "d"), 0750U);
+TEST_F(PosixFileSystemRights, NewFilesAndFoldersBelongToTheirUserAloneWhateverTheMask) {
+  for (const mode_t mask : {0U, 027U, 0277U}) {
+    const mode_t before = ::umask(mask);
+    EXPECT_EQ(WriteWhole(m_files, u"\\f", "abc"), FileError::kNone);
+    EXPECT_EQ(WriteWhole(m_files, m_root.Text() + u"/g", "abc"), FileError::kNone);
+    EXPECT_EQ(m_files.CreateFolder(u"\\d"), FileError::kNone);
+    ::umask(before);
+    EXPECT_EQ(ModeOf(m_root.Path() / "f"), 0600U);
+    EXPECT_EQ(ModeOf(m_root.Path() / "g"), 0600U);
+    EXPECT_EQ(ModeOf(m_root.Path() / "d"), 0700U);
+    for (const char* name : {"f", "g", "d"}) {
+      ASSERT_TRUE(std::filesystem::remove(m_root.Path() / name));
+    }
+  }
+}
+
+TEST_F(PosixFileSystemRights, AnOlderFileOfTheDeviceLosesTheRightsOfOthersBeforeItIsWritten) {
+  ASSERT_EQ(WriteWhole(m_files, u"\\f", "abc"), FileError::kNone);
+  const std::filesystem::path file = m_root.Path() / "f";
+  ASSERT_EQ(::chmod(file.c_str(), 0664), 0);
+  ASSERT_EQ(m_files.Open(u"\\f", {FileAccess::kRead, FileShare::kNone}).error, FileError::kNone);
+  EXPECT_EQ(ModeOf(file), 0664U);
+  ASSERT_EQ(m_files.Open(u"\\f", {FileAccess::kWrite, FileShare::kNone}).error, FileError::kNone);
+  EXPECT_EQ(ModeOf(file), 0600U);
+  ASSERT_EQ(::chmod(file.c_str(), 0664), 0);
+  EXPECT_EQ(WriteWhole(m_files, m_root.Text() + u"/f", "xyz"), FileError::kNone);
+  EXPECT_EQ(ModeOf(file), 0664U);
 }
 
 TEST_F(PosixFileSystemRights, AFileMadeWithoutAnyRightIsStillWrittenByItsMaker) {

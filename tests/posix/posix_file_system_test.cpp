@@ -120,14 +120,32 @@ TEST_F(PosixFileSystem, ASocketIsNoFile) {
   }
 }
 
-TEST_F(PosixFileSystem, ALinkLeadsToItsFile) {
-  ASSERT_EQ(m_files.CreateFolder(u"\\elsewhere"), FileError::kNone);
-  fs::create_symlink("elsewhere/f", Host("link"));
-  EXPECT_EQ(m_files.Open(u"\\link", kRead).error, FileError::kNotFound);
-  EXPECT_EQ(WriteWhole(m_files, u"\\link", "abc"), FileError::kNone);
-  EXPECT_EQ(Get("elsewhere/f"), "abc");
+TEST_F(PosixFileSystem, ALinkLeadsToItsFileForReaders) {
+  Put("f", "abc");
+  fs::create_symlink("f", Host("link"));
+  fs::create_symlink("nowhere", Host("dangling"));
   EXPECT_EQ(ReadWhole(m_files, u"\\LINK"), "abc");
-  EXPECT_TRUE(fs::is_symlink(Host("link")));
+  EXPECT_EQ(ReadWhole(m_files, m_root.Text() + u"/link"), "abc");
+  EXPECT_EQ(m_files.Open(u"\\dangling", kRead).error, FileError::kNotFound);
+}
+
+TEST_F(PosixFileSystem, ALinkIsNeverWrittenThrough) {
+  Put("f", "abc");
+  fs::create_symlink("f", Host("link"));
+  fs::create_symlink("nowhere", Host("dangling"));
+  for (const std::u16string& folder : {std::u16string(u"\\"), m_root.Text() + u"/"}) {
+    for (const std::u16string_view name : {u"link", u"dangling"}) {
+      const std::u16string path = folder + std::u16string(name);
+      for (std::size_t i = 1; i < std::size(kAllModes); ++i) {
+        EXPECT_EQ(m_files.Open(path, kAllModes[i]).error, FileError::kLink) << i;
+      }
+      EXPECT_EQ(m_files.OpenReplacement(path).error, FileError::kLink);
+      constexpr OpenMode kNew{FileAccess::kWrite, FileShare::kNone, FileCreation::kCreateNew};
+      EXPECT_EQ(m_files.Open(path, kNew).error, FileError::kAlreadyExists);
+    }
+  }
+  EXPECT_EQ(Get("f"), "abc");
+  EXPECT_FALSE(fs::exists(Host("nowhere")));
 }
 
 TEST_F(PosixFileSystem, AFolderMayBeALink) {
@@ -139,7 +157,14 @@ TEST_F(PosixFileSystem, AFolderMayBeALink) {
   EXPECT_THAT(FindNames(m_files, u"\\waves\\*"), UnorderedElementsAre(u"f"));
 }
 
-TEST_F(PosixFileSystem, DeleteTakesTheLinkAndNotItsFile) {
+TEST_F(PosixFileSystem, DeleteLeavesALinkOnAPathOfTheHost) {
+  Put("f", "abc");
+  fs::create_symlink("f", Host("link"));
+  EXPECT_EQ(m_files.Delete(m_root.Text() + u"/link"), FileError::kLink);
+  EXPECT_THAT(FindNames(m_files, u"\\*"), UnorderedElementsAre(u"f", u"link"));
+}
+
+TEST_F(PosixFileSystem, DeleteTakesTheLinkOfTheDeviceAndNotItsFile) {
   Put("f", "abc");
   fs::create_symlink("f", Host("link"));
   fs::create_symlink("nowhere", Host("dangling"));
@@ -152,7 +177,9 @@ TEST_F(PosixFileSystem, LinksInACircleLeadNowhere) {
   fs::create_symlink("b", Host("a"));
   fs::create_symlink("a", Host("b"));
   EXPECT_EQ(m_files.Open(u"\\a", kRead).error, FileError::kOther);
-  EXPECT_EQ(WriteWhole(m_files, u"\\a", "abc"), FileError::kOther);
+  EXPECT_EQ(WriteWhole(m_files, u"\\a", "abc"), FileError::kLink);
+  fs::create_directory_symlink("loop", Host("loop"));
+  EXPECT_EQ(WriteWhole(m_files, u"\\loop\\f", "abc"), FileError::kOther);
 }
 
 TEST_F(PosixFileSystem, ALinkToNothingIsFoundSinceItsNameIsTaken) {
@@ -161,6 +188,45 @@ TEST_F(PosixFileSystem, ALinkToNothingIsFoundSinceItsNameIsTaken) {
   EXPECT_EQ(started.error, FileError::kNone);
   EXPECT_FALSE(started.first.isFolder);
   EXPECT_EQ(m_files.CreateFolder(u"\\link"), FileError::kAlreadyExists);
+}
+
+TEST_F(PosixFileSystem, AFolderThatCannotBeReadIsNotAnEmptyOne) {
+  Put("f", "abc");
+  fs::create_directory(Host("blind"));
+  Put("blind/One.wav", "abc");
+  fs::permissions(m_root.Path(), fs::perms(0755));
+  fs::permissions(Host("blind"), fs::perms(0444));
+  const int step = posix_test::RunAsOrdinaryUser([&] {
+    if (m_files.FindFirst(u"\\blind\\*.wav").error != FileError::kAccessDenied ||
+        m_files.FindFirst(u"\\blind\\one.wav").error != FileError::kAccessDenied) {
+      return 1;
+    }
+    return m_files.Delete(u"\\blind\\one.wav") == FileError::kAccessDenied ? 0 : 2;
+  });
+  EXPECT_EQ(step, 0);
+  fs::permissions(Host("blind"), fs::perms(0111));
+  const int spelling = posix_test::RunAsOrdinaryUser([&] {
+    if (ReadWhole(m_files, u"\\blind\\One.wav") != "abc") {
+      return 1;
+    }
+    return m_files.Open(u"\\blind\\one.wav", kRead).error == FileError::kAccessDenied ? 0 : 2;
+  });
+  EXPECT_EQ(spelling, 0);
+}
+
+TEST_F(PosixFileSystem, WithoutDescriptorsASearchFailsAndFindsNothingMissing) {
+  Put("One.wav", "abc");
+  posix_test::ChildProcess child([&](const posix_test::ToTest&) {
+    const rlimit limit{0, 0};
+    if (::setrlimit(RLIMIT_NOFILE, &limit) != 0) {
+      return 1;
+    }
+    if (m_files.FindFirst(u"\\*.wav").error != FileError::kOther) {
+      return 2;
+    }
+    return m_files.FindFirst(u"\\one.wav").error == FileError::kOther ? 0 : 3;
+  });
+  EXPECT_EQ(child.Wait(), 0);
 }
 
 TEST_F(PosixFileSystem, OpenFilesAreNotInheritedByPrograms) {

@@ -9,6 +9,7 @@
 #include "platform/headless/memory_file_system.h"
 #include "storage/device_paths.h"
 #include "tests/support/failing_file_system.h"
+#include "tests/support/forwarding_file_system.h"
 
 namespace storage {
 
@@ -19,24 +20,13 @@ using testing::SizeIs;
 namespace {
 
 /// Files of another moment: what is there is not found yet.
-class NothingFound final : public platform::FileSystem {
+class NothingFound final : public support::ForwardingFileSystem {
  public:
-  explicit NothingFound(platform::FileSystem& files) : m_files(files) {}
+  using ForwardingFileSystem::ForwardingFileSystem;
 
-  platform::OpenedFile Open(std::u16string_view path, const platform::OpenMode& mode) override {
-    return m_files.Open(path, mode);
-  }
-  FileError Delete(std::u16string_view path) override { return m_files.Delete(path); }
-  FileError Replace(std::u16string_view from, std::u16string_view to) override {
-    return m_files.Replace(from, to);
-  }
-  FileError CreateFolder(std::u16string_view path) override { return m_files.CreateFolder(path); }
   platform::StartedSearch FindFirst(std::u16string_view) override {
     return {nullptr, {}, FileError::kNotFound};
   }
-
- private:
-  platform::FileSystem& m_files;
 };
 
 class Folders : public testing::Test {

@@ -13,7 +13,10 @@ using platform::FileError;
 class FailingFile final : public platform::File {
  public:
   FailingFile(FailingFileSystem& counter, std::unique_ptr<platform::File> file)
-      : m_counter(counter), m_file(std::move(file)) {}
+      : m_counter(counter), m_owned(std::move(file)), m_file(m_owned.get()) {}
+  /// `file` outlives this.
+  FailingFile(FailingFileSystem& counter, platform::File& file)
+      : m_counter(counter), m_file(&file) {}
 
   [[nodiscard]] std::optional<std::uint64_t> GetLength() override {
     return m_counter.CountCall().Fails() ? std::nullopt : m_file->GetLength();
@@ -58,7 +61,26 @@ class FailingFile final : public platform::File {
 
  private:
   FailingFileSystem& m_counter;
-  const std::unique_ptr<platform::File> m_file;
+  const std::unique_ptr<platform::File> m_owned;  ///< Null if somebody else owns it.
+  platform::File* const m_file;
+};
+
+class FailingReplacement final : public platform::Replacement {
+ public:
+  FailingReplacement(FailingFileSystem& counter, std::unique_ptr<platform::Replacement> inner)
+      : m_counter(counter), m_inner(std::move(inner)), m_file(counter, m_inner->GetFile()) {}
+
+  [[nodiscard]] platform::File& GetFile() override { return m_file; }
+
+  [[nodiscard]] FileError Publish(platform::Durability durability) override {
+    const auto verdict = m_counter.CountCall();
+    return verdict.Fails() ? verdict.error : m_inner->Publish(durability);
+  }
+
+ private:
+  FailingFileSystem& m_counter;
+  const std::unique_ptr<platform::Replacement> m_inner;
+  FailingFile m_file;
 };
 
 class FailingSearch final : public platform::FileSearch {
@@ -135,6 +157,17 @@ platform::OpenedFile FailingFileSystem::Open(std::u16string_view path,
   return opened;
 }
 
+platform::OpenedReplacement FailingFileSystem::OpenReplacement(std::u16string_view path) {
+  if (const Verdict verdict = CountCall(); verdict.Fails()) {
+    return {nullptr, verdict.error};
+  }
+  platform::OpenedReplacement opened = m_files.OpenReplacement(path);
+  if (opened.replacement) {
+    opened.replacement = std::make_unique<FailingReplacement>(*this, std::move(opened.replacement));
+  }
+  return opened;
+}
+
 FileError FailingFileSystem::Delete(std::u16string_view path) {
   const Verdict verdict = CountCall();
   return verdict.Fails() ? verdict.error : m_files.Delete(path);
@@ -148,6 +181,11 @@ FileError FailingFileSystem::Replace(std::u16string_view from, std::u16string_vi
 FileError FailingFileSystem::CreateFolder(std::u16string_view path) {
   const Verdict verdict = CountCall();
   return verdict.Fails() ? verdict.error : m_files.CreateFolder(path);
+}
+
+FileError FailingFileSystem::FlushFolder(std::u16string_view path) {
+  const Verdict verdict = CountCall();
+  return verdict.Fails() ? verdict.error : m_files.FlushFolder(path);
 }
 
 platform::StartedSearch FailingFileSystem::FindFirst(std::u16string_view pattern) {

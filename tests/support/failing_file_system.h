@@ -21,7 +21,7 @@ enum class Failing : std::uint8_t {
 std::ostream& operator<<(std::ostream& stream, Failing failing);
 
 /// Forwards every call to other files and lets the n-th one fail. Calls of the file system, of its
-/// files and of its searches are counted together, those of destructors not at all.
+/// files, replacements and searches are counted together, those of destructors not at all.
 ///
 /// A failed Write writes the first half of its bytes, as on a disk that fills up; a failed Flush or
 /// Close fails after it was done; any other failed call does nothing, but that a search which fails
@@ -42,10 +42,12 @@ class FailingFileSystem final : public platform::FileSystem {
 
   [[nodiscard]] platform::OpenedFile Open(std::u16string_view path,
                                           const platform::OpenMode& mode) override;
+  [[nodiscard]] platform::OpenedReplacement OpenReplacement(std::u16string_view path) override;
   [[nodiscard]] platform::FileError Delete(std::u16string_view path) override;
   [[nodiscard]] platform::FileError Replace(std::u16string_view from,
                                             std::u16string_view to) override;
   [[nodiscard]] platform::FileError CreateFolder(std::u16string_view path) override;
+  [[nodiscard]] platform::FileError FlushFolder(std::u16string_view path) override;
   [[nodiscard]] platform::StartedSearch FindFirst(std::u16string_view pattern) override;
 
   /// What becomes of one call.

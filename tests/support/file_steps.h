@@ -34,6 +34,18 @@ class StepsFileSystem final : public ForwardingFileSystem {
     }
     return opened;
   }
+  [[nodiscard]] platform::OpenedReplacement OpenReplacement(std::u16string_view path) override {
+    m_steps.push_back("open replacement");
+    auto opened = ForwardingFileSystem::OpenReplacement(path);
+    if (opened.replacement) {
+      opened.replacement = std::make_unique<Replacement>(m_steps, std::move(opened.replacement));
+    }
+    return opened;
+  }
+  [[nodiscard]] platform::FileError FlushFolder(std::u16string_view path) override {
+    m_steps.push_back("flush folder");
+    return ForwardingFileSystem::FlushFolder(path);
+  }
   [[nodiscard]] platform::FileError Delete(std::u16string_view path) override {
     m_steps.push_back("delete file");
     return ForwardingFileSystem::Delete(path);
@@ -43,7 +55,7 @@ class StepsFileSystem final : public ForwardingFileSystem {
   [[nodiscard]] static std::string Describe(const platform::OpenMode& mode) {
     static constexpr std::array kAccesses{"for nothing", "for reading", "for writing", "for both"};
     static constexpr std::array kShares{"alone", "with readers"};
-    static constexpr std::array kCreations{"existing", "always", "created or emptied"};
+    static constexpr std::array kCreations{"existing", "always", "created or emptied", "created"};
     return std::string("open ") + kAccesses[static_cast<std::size_t>(mode.access)] + ", " +
            kShares[static_cast<std::size_t>(mode.share)] + ", " +
            kCreations[static_cast<std::size_t>(mode.creation)];
@@ -52,7 +64,8 @@ class StepsFileSystem final : public ForwardingFileSystem {
   class File final : public platform::File {
    public:
     File(Steps& steps, std::unique_ptr<platform::File> inner)
-        : m_steps(steps), m_inner(std::move(inner)) {}
+        : m_steps(steps), m_owned(std::move(inner)), m_inner(m_owned.get()) {}
+    File(Steps& steps, platform::File& inner) : m_steps(steps), m_inner(&inner) {}
 
     [[nodiscard]] std::optional<std::uint64_t> GetLength() override { return m_inner->GetLength(); }
     [[nodiscard]] platform::FileError Seek(std::uint64_t offset) override {
@@ -79,7 +92,25 @@ class StepsFileSystem final : public ForwardingFileSystem {
 
    private:
     Steps& m_steps;
-    const std::unique_ptr<platform::File> m_inner;
+    const std::unique_ptr<platform::File> m_owned;  ///< Null if somebody else owns it.
+    platform::File* const m_inner;
+  };
+
+  class Replacement final : public platform::Replacement {
+   public:
+    Replacement(Steps& steps, std::unique_ptr<platform::Replacement> inner)
+        : m_steps(steps), m_inner(std::move(inner)), m_file(steps, m_inner->GetFile()) {}
+
+    [[nodiscard]] platform::File& GetFile() override { return m_file; }
+    [[nodiscard]] platform::FileError Publish(platform::Durability durability) override {
+      m_steps.push_back(durability == platform::Durability::kNow ? "publish" : "publish for later");
+      return m_inner->Publish(durability);
+    }
+
+   private:
+    Steps& m_steps;
+    const std::unique_ptr<platform::Replacement> m_inner;
+    File m_file;
   };
 
   Steps& m_steps;

@@ -15,6 +15,9 @@ class ForwardingFileSystem : public platform::FileSystem {
                                           const platform::OpenMode& mode) override {
     return m_inner.Open(path, mode);
   }
+  [[nodiscard]] platform::OpenedReplacement OpenReplacement(std::u16string_view path) override {
+    return m_inner.OpenReplacement(path);
+  }
   [[nodiscard]] platform::FileError Delete(std::u16string_view path) override {
     return m_inner.Delete(path);
   }
@@ -24,6 +27,9 @@ class ForwardingFileSystem : public platform::FileSystem {
   }
   [[nodiscard]] platform::FileError CreateFolder(std::u16string_view path) override {
     return m_inner.CreateFolder(path);
+  }
+  [[nodiscard]] platform::FileError FlushFolder(std::u16string_view path) override {
+    return m_inner.FlushFolder(path);
   }
   [[nodiscard]] platform::StartedSearch FindFirst(std::u16string_view pattern) override {
     return m_inner.FindFirst(pattern);
