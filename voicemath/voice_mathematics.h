@@ -63,7 +63,7 @@ class CVoiceMathematics : public framework::CObject {
 
   /// Opens `m_wavePath`, finds the speech, trims the file to it, and computes the template into
   /// `slot`. Returns a LearnResult. Whatever fails, the file is the old recording or the trimmed
-  /// one.
+  /// one. After kLearned the file and its name are on the medium, also if they were not before.
   int LearnFile(std::int32_t slot);
 
   /// As LearnFile, but takes all samples of the file and leaves the file alone.
@@ -149,7 +149,7 @@ class CVoiceMathematics : public framework::CObject {
                                           std::uint64_t start);
   [[nodiscard]] HeaderCode ReadHeader();
   void SelectWholeFile();
-  [[nodiscard]] bool WriteTrimmed(std::u16string_view path, std::uint32_t bytes);
+  [[nodiscard]] bool WriteTrimmed(platform::File& trimmed, std::uint32_t bytes);
   [[nodiscard]] bool ReadFrames(std::span<float> features);
   void Store(framework::CArchive& archive) const;
   void Load(framework::CArchive& archive);

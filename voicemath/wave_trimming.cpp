@@ -1,11 +1,10 @@
 // Trimming of CVoiceMathematics. The file is the user's only recording of a tag, so it is not
-// rewritten in place: the trimmed file is made beside it and takes its place in one step.
+// rewritten in place: the trimmed file is made next to it and takes its place in one step.
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
 #include <string>
-#include <string_view>
 
 #include "audio/wave_header.h"
 #include "voicemath/sample_file.h"
@@ -17,29 +16,6 @@ namespace {
 constexpr std::size_t kCopySamples = 1024;
 constexpr std::size_t kCopyBytes = kCopySamples * kSampleBytes;
 
-/// Where the trimmed file is made before it takes the place of the recording: beside it, under a
-/// name that is nobody else's, never longer than names may be, and the same for every attempt at
-/// one recording, so that what a crash left behind is written over. It does not end in ".wav": a
-/// search for recordings never finds it.
-std::u16string PlaceOfTrimmed(std::u16string_view recording) {
-  constexpr std::u16string_view kPrefix = u".voxtrel-trimmed-";
-  constexpr std::u16string_view kDigits = u"0123456789abcdef";
-  constexpr std::uint64_t kHashStart = 14695981039346656037U;  // FNV-1a of the name.
-  constexpr std::uint64_t kHashFactor = 1099511628211U;
-  // In a device path nothing but the backslash parts names; in a path of the host it is a letter.
-  const std::size_t name = recording.rfind(recording.starts_with(u'\\') ? u'\\' : u'/') + 1;
-  std::uint64_t hash = kHashStart;
-  for (const char16_t letter : recording.substr(name)) {
-    hash = (hash ^ letter) * kHashFactor;
-  }
-  std::u16string place(recording.substr(0, name));
-  place += kPrefix;
-  for (int shift = 60; shift >= 0; shift -= 4) {
-    place += kDigits[(hash >> static_cast<unsigned>(shift)) % kDigits.size()];
-  }
-  return place;
-}
-
 /// Copies samples to the trimmed file with one buffer.
 ///
 /// Where the data begins before byte 44, less far in than the samples are written, the copy has
@@ -47,7 +23,7 @@ std::u16string PlaceOfTrimmed(std::u16string_view recording) {
 /// had just written. The same samples come out here, from the end of the buffer before.
 class SampleCopier {
  public:
-  SampleCopier(framework::CFile& from, framework::CFile& to, std::uint64_t offset)
+  SampleCopier(framework::CFile& from, platform::File& to, std::uint64_t offset)
       : m_from(from),
         m_to(to),
         m_offset(offset),
@@ -66,12 +42,12 @@ class SampleCopier {
     if (done > 0) {
       std::copy_n(written.begin(), std::min(m_overlap, bytes), part.begin());
     }
-    return m_to.Write(part);
+    return m_to.Write(part) == platform::FileError::kNone;
   }
 
  private:
   framework::CFile& m_from;
-  framework::CFile& m_to;
+  platform::File& m_to;
   std::uint64_t m_offset;
   std::size_t m_overlap;
   std::array<std::byte, kCopyBytes> m_buffer{};
@@ -83,20 +59,17 @@ bool CVoiceMathematics::TrimWaveFile() {
   const std::uint32_t total = m_dataBytes / static_cast<std::uint32_t>(kSampleBytes);
   const bool differs = m_firstSample > 0 || m_lastSample < total - 1;
   if (!differs || m_firstSample >= m_lastSample) {
-    return true;
+    return m_file.Flush();  // Its recorder left that to whoever writes it last.
   }
   const std::uint32_t bytes =
       (m_lastSample - m_firstSample + 1) * static_cast<std::uint32_t>(kSampleBytes);
   const std::u16string path = m_file.GetFilePath();
-  const std::u16string trimmed = PlaceOfTrimmed(path);
-  if (!WriteTrimmed(trimmed, bytes)) {
-    // What cannot be removed here is written over by the next attempt.
-    static_cast<void>(m_files.Delete(trimmed));
+  const platform::OpenedReplacement trimmed = m_files.OpenReplacement(path);
+  if (!trimmed.replacement || !WriteTrimmed(trimmed.replacement->GetFile(), bytes)) {
     return false;
   }
-  m_file.Close();
-  if (m_files.Replace(trimmed, path) != platform::FileError::kNone) {
-    static_cast<void>(m_files.Delete(trimmed));
+  m_file.Close();  // It was the holder of the earlier file.
+  if (trimmed.replacement->Publish(platform::Durability::kNow) != platform::FileError::kNone) {
     return false;
   }
   m_firstSample = 0;
@@ -107,11 +80,9 @@ bool CVoiceMathematics::TrimWaveFile() {
   return m_file.Open(path, framework::CFile::modeReadWrite);
 }
 
-bool CVoiceMathematics::WriteTrimmed(std::u16string_view path, std::uint32_t bytes) {
-  framework::CFile trimmed(m_files);
+bool CVoiceMathematics::WriteTrimmed(platform::File& trimmed, std::uint32_t bytes) {
   const auto format = audio::MonoPcm(audio::kRecordingBits, audio::kRecordingRate);
-  if (!trimmed.Open(path, framework::CFile::modeCreate | framework::CFile::modeWrite) ||
-      !trimmed.Write(audio::MakeWaveHeader(format, bytes))) {
+  if (trimmed.Write(audio::MakeWaveHeader(format, bytes)) != platform::FileError::kNone) {
     return false;
   }
   SampleCopier copier(m_file, trimmed, m_dataOffset + std::uint64_t{m_firstSample} * kSampleBytes);
@@ -122,7 +93,7 @@ bool CVoiceMathematics::WriteTrimmed(std::u16string_view path, std::uint32_t byt
     }
     done += part;
   }
-  return trimmed.Flush() && trimmed.Close();
+  return true;
 }
 
 }  // namespace voicemath

@@ -45,46 +45,12 @@ std::optional<Bytes> ReadRegistryFile(Session& session, const std::string& name)
   return bytes;
 }
 
-struct NewFile {
-  std::u16string path;
-  std::unique_ptr<platform::File> file;  ///< Null where none could be made.
-};
-
-/// Makes an empty file beside `path`. Its name is this program's own and does not grow with the
-/// user's, which may be as long as names can be. What an export that was killed left under it goes;
-/// a name that another export holds is passed over.
-NewFile MakeFileBeside(platform::FileSystem& files, const std::u16string& path) {
-  constexpr char16_t kFirst = u'1';
-  constexpr char16_t kLast = u'9';
-  const platform::OpenMode mode{platform::FileAccess::kWrite, platform::FileShare::kNone,
-                                platform::FileCreation::kOpenAlways};
-  for (char16_t number = kFirst; number <= kLast; ++number) {
-    std::u16string newPath = path.substr(0, path.rfind(u'/') + 1) + u".voxtrel-export-" + number;
-    static_cast<void>(files.Delete(newPath));
-    platform::OpenedFile opened = files.Open(newPath, mode);
-    if (opened.file && opened.file->GetLength() == 0) {
-      return {std::move(newPath), std::move(opened.file)};
-    }
-  }
-  return {};
-}
-
-/// Writes a new file first, so that a disk that fills up costs no earlier export.
+/// The earlier export stays until the new one is whole.
 bool WriteRegistryFile(Session& session, const std::string& name, const Bytes& bytes) {
-  platform::FileSystem& files = session.GetFiles();
-  const std::u16string path = Session::ToSystemPath(name);
-  const NewFile made = MakeFileBeside(files, path);
-  if (!made.file) {
-    return false;
-  }
-  const bool isWritten =
-      made.file->Write(bytes) == FileError::kNone && made.file->Flush() == FileError::kNone;
-  const bool isClosed = made.file->Close() == FileError::kNone;
-  if (isWritten && isClosed && files.Replace(made.path, path) == FileError::kNone) {
-    return true;
-  }
-  [[maybe_unused]] const FileError left = files.Delete(made.path);
-  return false;
+  const platform::OpenedReplacement made =
+      session.GetFiles().OpenReplacement(Session::ToSystemPath(name));
+  return made.replacement && made.replacement->GetFile().Write(bytes) == FileError::kNone &&
+         made.replacement->Publish(platform::Durability::kNow) == FileError::kNone;
 }
 
 bool WriteStandardOutput(const Bytes& bytes) {

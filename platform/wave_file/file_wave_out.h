@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "platform/file_system.h"
@@ -11,9 +12,8 @@ namespace wave_file {
 /// It needs no time: a buffer that is written has been played. For machines without sound and for
 /// scripts.
 ///
-/// The file is written beside its place, under its name and ".part", and moved there when it is
-/// whole: whatever fails, the file is the earlier one or the new one. Where it cannot be written,
-/// or while another device is open, there is no device.
+/// Whatever fails, the file is the earlier one or the new one. There is no device if the file
+/// cannot be written, and while another device is open.
 class FileWaveOut final : public platform::WaveOut {
  public:
   /// `files` outlives this and every device opened.
@@ -24,6 +24,7 @@ class FileWaveOut final : public platform::WaveOut {
  private:
   platform::FileSystem& m_files;
   const std::u16string m_path;
+  std::weak_ptr<void> m_device;  ///< What the open device holds as long as it is open.
 };
 
 }  // namespace wave_file

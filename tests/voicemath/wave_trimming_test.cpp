@@ -3,6 +3,7 @@
 #include <string>
 #include <utility>
 
+#include "tests/support/file_steps.h"
 #include "tests/support/forwarding_file_system.h"
 #include "tests/voicemath/mathematics_fixture.h"
 
@@ -131,15 +132,12 @@ class OpenedPaths final : public support::ForwardingFileSystem {
 /// The trimming of recordings in any place.
 class TrimmingPlace : public WaveTrimming {
  protected:
-  /// Trims a recording and returns where the trimmed one was made.
-  [[nodiscard]] std::u16string Trim(std::u16string_view path) {
+  void Trim(std::u16string_view path) {
     EXPECT_TRUE(m_files.PutFile(path, support::WaveFile(m_samples)));
     m_watched.m_wavePath = path;
     EXPECT_EQ(m_watched.LearnFile(0), voicemath::kLearned);
     EXPECT_LT(m_files.GetFile(path).value_or(support::Bytes()).size(), 2 * m_samples.size());
-    const auto others = m_paths.TakeOthers(path);
-    EXPECT_EQ(others.size(), 1U);
-    return others.empty() ? std::u16string() : *others.begin();
+    EXPECT_TRUE(m_paths.TakeOthers(path).empty());
   }
 
   const support::Samples m_samples =
@@ -148,35 +146,44 @@ class TrimmingPlace : public WaveTrimming {
   voicemath::CVoiceMathematics m_watched{m_paths, m_ui};
 };
 
-TEST_F(TrimmingPlace, IsBesideTheRecordingUnderANameOfFixedLengthForEachRecording) {
-  constexpr std::u16string_view kPrefix = u".voxtrel-trimmed-";
-  const std::u16string ann = Trim(u"/ann.wav");
-  EXPECT_TRUE(ann.starts_with(u"/" + std::u16string(kPrefix)));
-  EXPECT_EQ(ann.size(), 1 + kPrefix.size() + 16);
-  EXPECT_EQ(Trim(u"/ann.wav"), ann) << "What a crash left behind is written over.";
-  EXPECT_NE(Trim(u"/bob.wav"), ann);
-  const std::u16string longest = u"/" + std::u16string(251, u'x') + u".wav";
-  EXPECT_EQ(Trim(longest).size(), ann.size());
+TEST_F(TrimmingPlace, IsTheRecordingAndNoOtherName) {
+  Trim(u"/ann.wav");
+  Trim(u"/" + std::u16string(251, u'x') + u".wav");
   ASSERT_EQ(m_files.CreateFolder(u"\\Voices"), platform::FileError::kNone);
-  EXPECT_TRUE(Trim(u"\\Voices\\ann.wav").starts_with(u"\\Voices\\" + std::u16string(kPrefix)));
-}
-
-TEST_F(TrimmingPlace, ReplacesWhatAnEarlierAttemptLeftBehind) {
-  const std::u16string place = Trim(u"/ann.wav");
-  const auto trimmed = m_files.GetFile(u"/ann.wav");
-  ASSERT_TRUE(m_files.PutFile(place, support::Bytes(90000)));
-  EXPECT_EQ(Trim(u"/ann.wav"), place);
-  EXPECT_EQ(m_files.GetFile(u"/ann.wav"), trimmed);
-  EXPECT_EQ(m_files.ListFiles(), std::vector<std::u16string>{u"/ann.wav"});
+  Trim(u"\\Voices\\ann.wav");
+  EXPECT_EQ(m_files.ListFiles().size(), 3U);
 }
 
 TEST_F(TrimmingPlace, TakesNoFileOfTheUsers) {
   const support::Bytes users(100, std::byte{7});
-  ASSERT_TRUE(m_files.PutFile(u"/ann.wav.trimmed", users));
-  ASSERT_TRUE(m_files.PutFile(u"/ann.wav.tmp", users));
-  EXPECT_NE(Trim(u"/ann.wav"), u"/ann.wav.trimmed");
-  EXPECT_EQ(m_files.GetFile(u"/ann.wav.trimmed"), users);
-  EXPECT_EQ(m_files.GetFile(u"/ann.wav.tmp"), users);
+  for (const std::u16string_view name :
+       {u"/ann.wav.trimmed", u"/ann.wav.tmp", u"/.voxtrel-trimmed-0123456789abcdef"}) {
+    ASSERT_TRUE(m_files.PutFile(name, users));
+    Trim(u"/ann.wav");
+    EXPECT_EQ(m_files.GetFile(name), users);
+  }
+}
+
+TEST_F(WaveTrimming, ARecordingThatNeedsNoTrimmingIsFlushed) {
+  support::Steps steps;
+  support::StepsFileSystem files(m_files, steps);
+  voicemath::CVoiceMathematics mathematics(files, m_ui);
+  PutWave(support::Constant(5000, 0));
+  mathematics.m_wavePath = kWave;
+  ASSERT_EQ(mathematics.LearnFile(0), voicemath::kLearned);
+  EXPECT_EQ(steps, (support::Steps{"open for both, alone, existing", "flush", "close file"}));
+}
+
+TEST_F(WaveTrimming, ATrimmedRecordingIsOnTheMediumWhenItIsPublished) {
+  support::Steps steps;
+  support::StepsFileSystem files(m_files, steps);
+  voicemath::CVoiceMathematics mathematics(files, m_ui);
+  PutWave(support::Mixed(support::Noise(3000, 20, 1), 1200, support::SpeechLike(600, 9000, 2)));
+  mathematics.m_wavePath = kWave;
+  ASSERT_EQ(mathematics.LearnFile(0), voicemath::kLearned);
+  EXPECT_EQ(steps.at(1), "open replacement");
+  EXPECT_EQ(std::ranges::count(steps, "publish"), 1);
+  EXPECT_EQ(std::ranges::count(steps, "flush"), 0) << "Publishing does it.";
 }
 
 TEST_F(WaveTrimming, AFullDiskKeepsTheOldRecordingAndSaysSo) {

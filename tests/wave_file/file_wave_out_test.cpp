@@ -23,7 +23,6 @@ constexpr WaveFormat kMono{platform::kFormatTagPcm, 1, 11025, 22050, 2, 16, 0};
 constexpr WaveFormat kStereo{platform::kFormatTagPcm, 2, 44100, 176400, 4, 16, 0};
 constexpr WaveFormat kEightBits{platform::kFormatTagPcm, 1, 8000, 8000, 1, 8, 0};
 constexpr std::u16string_view kPath = u"/heard.wav";
-constexpr std::u16string_view kPart = u"/heard.wav.part";
 
 std::vector<std::byte> Ramp(std::size_t count) {
   std::vector<std::byte> bytes(count);
@@ -94,8 +93,15 @@ TEST_F(FileWaveOut, OpeningAloneLeavesTheFileAsItIs) {
   ASSERT_TRUE(m_memory.PutFile(kPath, Ramp(10)));
   EXPECT_EQ(Open()->Close(), WaveResult::kOk);
   ExpectFile(Ramp(10));
-  EXPECT_EQ(m_memory.GetFile(kPart), std::nullopt);
+  EXPECT_EQ(m_memory.ListFiles().size(), 1U);
   EXPECT_EQ(m_memory.CountOpenHandles(), 0U);
+}
+
+TEST_F(FileWaveOut, TakesNoFileOfTheUsersWhateverItsName) {
+  ASSERT_TRUE(m_memory.PutFile(u"/heard.wav.part", Ramp(20)));
+  EXPECT_EQ(Write(*Open(), Ramp(100)), WaveResult::kOk);
+  EXPECT_EQ(Write(*Open(), Ramp(100)), WaveResult::kOk);
+  EXPECT_EQ(m_memory.GetFile(u"/heard.wav.part"), Ramp(20));
 }
 
 TEST_F(FileWaveOut, PlaceThatCannotBeWrittenIsNoDevice) {
@@ -110,6 +116,13 @@ TEST_F(FileWaveOut, SecondDeviceWaitsItsTurn) {
   ExpectFile(support::RiffWave(kMono, Ramp(100)));
 }
 
+TEST_F(FileWaveOut, ADestroyedDeviceLetsTheNextInLikeAClosedOne) {
+  Open().reset();
+  const auto device = Open();
+  EXPECT_EQ(device->Close(), WaveResult::kOk);
+  EXPECT_EQ(Write(*Open(), Ramp(100)), WaveResult::kOk);
+}
+
 TEST_F(FileWaveOut, FailureOfAnyCallLeavesTheEarlierFileOrTheNewOne) {
   const auto earlier = support::RiffWave(kMono, Ramp(10));
   bool anyFailed = true;
@@ -120,7 +133,7 @@ TEST_F(FileWaveOut, FailureOfAnyCallLeavesTheEarlierFileOrTheNewOne) {
     anyFailed = m_files.HasFailed();
     EXPECT_EQ(isPlayed, !anyFailed) << call;
     ExpectFile(isPlayed ? support::RiffWave(kMono, Ramp(100)) : earlier);
-    EXPECT_EQ(m_memory.GetFile(kPart), std::nullopt) << call;
+    EXPECT_EQ(m_memory.ListFiles().size(), 1U) << call;
     EXPECT_EQ(m_memory.CountOpenHandles(), 0U) << call;
     ASSERT_LT(call, 20U);
   }
