@@ -178,7 +178,7 @@ TEST_F(WaveTrimming, ATrimmedRecordingIsOnTheMediumWhenItIsPublished) {
   support::Steps steps;
   support::StepsFileSystem files(m_files, steps);
   voicemath::CVoiceMathematics mathematics(files, m_ui);
-  PutWave(support::Mixed(support::Noise(3000, 20, 1), 1200, support::SpeechLike(600, 9000, 2)));
+  PutWave(support::Mixed(support::Noise(33075, 20, 1), 12000, support::SpeechLike(6000, 9000, 2)));
   mathematics.m_wavePath = kWave;
   ASSERT_EQ(mathematics.LearnFile(0), voicemath::kLearned);
   EXPECT_EQ(steps.at(1), "open replacement");
