@@ -120,6 +120,9 @@ void Set(Session& session, const std::vector<std::string>& arguments) {
     return;
   }
   Values wanted;
+  // The page stores each setting by itself. One command is one change: the dialer never finds the
+  // rate of one line with the bits of another.
+  platform::RegistryGroup group(session.GetRegistry());
   RunWithoutWindow(session, [&](headless::HeadlessSheet& sheet) {
     headless::HeadlessDialog& dialog = *sheet.ShowPage(0);
     for (const ConnectionChange& change : changes) {
@@ -130,12 +133,16 @@ void Set(Session& session, const std::vector<std::string>& arguments) {
     }
     sheet.PressOk();
   });
-  // The page says nothing where a setting could not be written.
+  const platform::RegistryError error = group.Commit();
+  // The page says nothing if a setting could not be written.
   const Values stored = ReadValues(session);
   PrintValues(session, stored);
-  if (stored != wanted) {
-    session.Fail(
-        fmt::format("{}: not all settings could be stored", session.GetRegistryPath().native()));
+  const std::string path = session.GetRegistryPath().native();
+  if (error != platform::RegistryError::kNone) {
+    session.Fail(fmt::format("{}: the settings could not be stored: {}", path,
+                             storage::ExplainRegistryError(error)));
+  } else if (stored != wanted) {
+    session.Fail(fmt::format("{}: the settings could not be stored", path));
   }
 }
 

@@ -18,6 +18,13 @@ class ConnectionCommands : public CommandFixture {
     sqlite::SqliteRegistry registry(Path("root") + "/" + std::string(sqlite::kDatabaseName));
     return support::BytesOf(registry, storage::kDialerKey, name);
   }
+  /// Runs the program while no file may grow beyond that many halves of a KiB.
+  [[nodiscard]] auto RunWithSmallFiles(int halfKibibytes, const std::string& arguments) const {
+    const std::string command = "trap '' XFSZ; ulimit -f " + std::to_string(halfKibibytes) +
+                                "; exec \"$PROGRAM\" --root \"$ROOT\" " + arguments;
+    return support::RunProgram({"/bin/sh", "-c", command},
+                               {"PROGRAM=" + std::string(VOXTREL_PROGRAM), "ROOT=" + Path("root")});
+  }
   [[nodiscard]] static std::vector<std::byte> Bytes(std::u16string_view text, std::size_t count) {
     auto bytes = support::Utf16Bytes(text);
     bytes.resize(count);
@@ -139,16 +146,27 @@ TEST_F(ConnectionCommands, ADamagedStoreIsToldAndKept) {
 
 TEST_F(ConnectionCommands, AStoreThatTakesNothingIsNotTakenForDone) {
   ASSERT_EQ(Run({"connection", "set", "port=COM7:"}).exitCode, 0);
-  // Files of at most 32 KiB: enough to open the store and for few changes.
-  const std::string command =
-      "trap '' XFSZ; ulimit -f 64; "
-      "exec \"$PROGRAM\" --root \"$ROOT\" connection set port=COM8: no-hang-up=1";
-  const auto run =
-      support::RunProgram({"/bin/sh", "-c", command},
-                          {"PROGRAM=" + std::string(VOXTREL_PROGRAM), "ROOT=" + Path("root")});
+  const auto run = RunWithSmallFiles(16, "connection set port=COM8: no-hang-up=1");
   EXPECT_EQ(run.exitCode, 1);
-  EXPECT_THAT(run.err, HasSubstr("could be stored"));
+  EXPECT_THAT(run.err, HasSubstr("could not be stored: the disk is full"));
   EXPECT_THAT(run.out, HasSubstr("no-hang-up   0")) << "Shown is what is stored.";
+}
+
+TEST_F(ConnectionCommands, SettingsOfOneCommandAreStoredTogetherOrNotAtAll) {
+  bool isRefused = false;
+  bool isDone = false;
+  for (int halfKibibytes = 16; halfKibibytes < 160; halfKibibytes += 8) {
+    ASSERT_EQ(Run({"connection", "set", "baud-rate=9600", "no-hang-up=0"}).exitCode, 0);
+    const auto run =
+        RunWithSmallFiles(halfKibibytes, "connection set baud-rate=19200 no-hang-up=1");
+    const bool isRateStored = Stored(u"Bound_rate") == Bytes(u"19200", 32);
+    EXPECT_EQ(Stored(u"is_HU") == Bytes(u"1", 4), isRateStored) << halfKibibytes;
+    EXPECT_EQ(run.exitCode == 0, isRateStored) << run.err;
+    isRefused = isRefused || !isRateStored;
+    isDone = isDone || isRateStored;
+  }
+  EXPECT_TRUE(isRefused);
+  EXPECT_TRUE(isDone);
 }
 
 TEST_F(ConnectionCommands, WithoutAScreenTheOtherWaysAreTold) {
