@@ -23,9 +23,9 @@ using platform::FileCreation;
 using platform::FileError;
 using platform::FileShare;
 
-constexpr mode_t kPermissionBits = S_IRWXU | S_IRWXG | S_IRWXO;
+constexpr mode_t kRights = S_IRWXU | S_IRWXG | S_IRWXO;
 
-FileError Result(int returned) { return returned == 0 ? FileError::kNone : ToFileError(errno); }
+FileError ToResult(int returned) { return returned == 0 ? FileError::kNone : ToFileError(errno); }
 
 /// Gives a file the permissions and, as far as the process may, the owner of another. What is the
 /// same already is left alone, for not every file system can set it.
@@ -39,9 +39,9 @@ FileError TakeOver(int descriptor, const struct stat& other) {
       ::fchown(descriptor, other.st_uid, other.st_gid) != 0) {
     static_cast<void>(::fchown(descriptor, static_cast<uid_t>(-1), other.st_gid) == 0);
   }
-  const mode_t permissions = other.st_mode & kPermissionBits;
-  return (own.st_mode & kPermissionBits) == permissions ? FileError::kNone
-                                                        : Result(::fchmod(descriptor, permissions));
+  const mode_t permissions = other.st_mode & kRights;
+  return (own.st_mode & kRights) == permissions ? FileError::kNone
+                                                : ToResult(::fchmod(descriptor, permissions));
 }
 
 FileError WriteAll(int descriptor, std::span<const std::byte> bytes) {
@@ -62,7 +62,7 @@ FileError CopyBytes(int from, int to) {
     const ssize_t count =
         Retry([&] { return ::pread(from, buffer.data(), buffer.size(), offset); });
     if (count <= 0) {
-      return Result(static_cast<int>(count));
+      return ToResult(static_cast<int>(count));
     }
     const auto length = static_cast<std::size_t>(count);
     if (const FileError error = WriteAll(to, std::span(buffer).first(length));
@@ -82,7 +82,7 @@ FileError ReplaceByCopy(int source, const std::string& from, const std::string& 
     return ToFileError(errno);
   }
   struct stat status {};
-  FileError error = Result(::fstat(source, &status));
+  FileError error = ToResult(::fstat(source, &status));
   if (error == FileError::kNone) {
     error = CopyBytes(source, copy.Get());
   }
@@ -90,17 +90,17 @@ FileError ReplaceByCopy(int source, const std::string& from, const std::string& 
     error = TakeOver(copy.Get(), status);
   }
   if (error == FileError::kNone) {
-    error = Result(Retry([&] { return ::fsync(copy.Get()); }));
+    error = ToResult(Retry([&] { return ::fsync(copy.Get()); }));
   }
   if (error == FileError::kNone) {
-    error = Result(::rename(copyPath.c_str(), to.c_str()));
+    error = ToResult(::rename(copyPath.c_str(), to.c_str()));
   }
   if (error != FileError::kNone) {
     ::unlink(copyPath.c_str());
     return error;
   }
   error = SyncFolder(FolderOf(to));
-  return error == FileError::kNone ? Result(::unlink(from.c_str())) : error;
+  return error == FileError::kNone ? ToResult(::unlink(from.c_str())) : error;
 }
 
 /// Moves an opened and flushed `from` to `to`, with both on the medium at the end.
@@ -142,7 +142,7 @@ FileError ReplaceFile(const std::string& from, const std::string& to) {
   std::string target = earlier.path;
   if (earlier.error == FileError::kNone) {
     struct stat status {};
-    FileError error = Result(::fstat(earlier.descriptor.Get(), &status));
+    FileError error = ToResult(::fstat(earlier.descriptor.Get(), &status));
     if (error == FileError::kNone) {
       error = TakeOver(source.descriptor.Get(), status);
     }
