@@ -6,6 +6,7 @@
 #include "platform/loading/loaded_library.h"
 #include "platform/pulse/quiet_library.h"
 #include "platform/sound_library.h"
+#include "platform/text/printable.h"
 
 namespace applet {
 namespace {
@@ -17,7 +18,8 @@ template <typename Function, typename Interface>
 void LoadSound(const char* door, const char* what, std::unique_ptr<Interface>& made) {
   const loading::LoadedFunction found = loading::LoadDoor(platform::kSoundLibrary, "pulse", door);
   if (found.address == nullptr) {
-    std::fputs((std::string("voxtrel: no ") + what + ": " + found.reason + '\n').c_str(), stderr);
+    const std::string line = std::string("voxtrel: no ") + what + ": " + found.reason + '\n';
+    static_cast<void>(std::fputs(text::Printable(line).c_str(), stderr));
     return;
   }
   reinterpret_cast<Function*>(found.address)(made);

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "platform/framework/dialog.h"
+#include "platform/text/printable.h"
 #include "platform/text/utf.h"
 
 namespace applet {
@@ -14,7 +15,7 @@ void TellOnStandardError(std::u16string_view text) {
   std::ranges::replace(line, '\n', ' ');
   line += '\n';
   // A message that standard error does not take changes nothing.
-  static_cast<void>(std::fputs(line.c_str(), stderr));
+  static_cast<void>(std::fputs(text::Printable(line).c_str(), stderr));
 }
 
 platform::MessageAnswer NoWindow::ShowMessage(const platform::MessageBox& box) {

@@ -2,6 +2,9 @@
 
 #include <CLI/CLI.hpp>
 #include <exception>
+#include <sstream>
+#include <string>
+#include <string_view>
 
 #include "host/cli/connection_commands.h"
 #include "host/cli/contacts_commands.h"
@@ -69,6 +72,24 @@ void AddGlobalOptions(CLI::App& app, Options& options) {
   app.add_flag("--json", options.json, "Print one JSON object on standard output");
 }
 
+/// Prints the help, the version, or what is wrong; the library quotes arguments as they are.
+int Explain(const CLI::App& app, const CLI::ParseError& error) {
+  std::ostringstream output;
+  std::ostringstream errors;
+  const int exitCode = app.exit(error, output, errors) == 0 ? 0 : kWrongUsage;
+  const auto print = [](std::string text, void (*printLine)(std::string_view)) {
+    if (text.ends_with('\n')) {
+      text.pop_back();
+    }
+    if (!text.empty()) {
+      printLine(text);
+    }
+  };
+  print(output.str(), PrintLine);
+  print(errors.str(), PrintErrorLine);
+  return exitCode;
+}
+
 int RunCommand(int argc, const char* const* argv) {
   CLI::App app("Voice tags for a speaker-dependent dialer: record, learn, play, compare.",
                "voxtrel");
@@ -93,7 +114,7 @@ int RunCommand(int argc, const char* const* argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? 0 : kWrongUsage;
+    return Explain(app, error);
   } catch (const std::exception& error) {
     // Nothing of the system throws; a library that ran out of something does.
     session.Fail(error.what());

@@ -9,6 +9,9 @@
 #include <cstdio>
 #include <string>
 
+#include "platform/text/printable.h"
+#include "platform/text/utf.h"
+
 namespace cli {
 namespace {
 
@@ -24,28 +27,19 @@ std::string NumberText(double value) {
   return number;
 }
 
-unsigned char ByteAt(std::string_view text, std::size_t index) {
-  return static_cast<unsigned char>(text[index]);
-}
-
-/// Whether one of the control characters U+0080 to U+009F begins there.
-bool IsHighControl(std::string_view utf8, std::size_t index) {
-  constexpr unsigned char kLead = 0xC2;
-  constexpr unsigned char kLast = 0x9F;
-  return index + 1 < utf8.size() && ByteAt(utf8, index) == kLead &&
-         (ByteAt(utf8, index + 1) & 0xC0) == 0x80 && ByteAt(utf8, index + 1) <= kLast;
-}
-
 /// Paths of the host need not be UTF-8; what is not becomes U+FFFD, since a JSON text has no bytes.
-/// The control characters that the library leaves as they are become escapes.
+/// What the library leaves as it is, and a terminal might take for a command, becomes an escape.
 std::string Dump(const Json& json) {
-  std::string text = json.dump(-1, ' ', false, Json::error_handler_t::replace);
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (IsHighControl(text, i)) {
-      text.replace(i, 2, fmt::format("\\u{:04x}", ByteAt(text, i + 1)));
+  const std::string dumped = json.dump(-1, ' ', false, Json::error_handler_t::replace);
+  std::u16string text;
+  for (const char16_t unit : text::FromUtf8(dumped)) {
+    if (text::IsCommand(unit)) {
+      text += text::FromUtf8(fmt::format("\\u{:04x}", static_cast<unsigned>(unit)));
+    } else {
+      text += unit;
     }
   }
-  return text;
+  return text::ToUtf8(text);
 }
 
 void AppendJson(std::string& text, const Json& json) {
@@ -70,24 +64,8 @@ void AppendJson(std::string& text, const Json& json) {
   text += json.is_object() ? '}' : ']';
 }
 
-/// A terminal must not take a name for a command: control characters become blanks, but for tabs
-/// and the ends of lines. JSON writes them as escapes and so has none but those above U+007F.
-std::string Printable(std::string_view line) {
-  constexpr unsigned char kDelete = 0x7F;
-  std::string text(line);
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const bool isLow = ByteAt(text, i) < ' ' || ByteAt(text, i) == kDelete;
-    if (isLow && text[i] != '\n' && text[i] != '\t') {
-      text[i] = ' ';
-    } else if (IsHighControl(text, i)) {
-      text.replace(i, 2, " ");
-    }
-  }
-  return text;
-}
-
 void Write(std::FILE* stream, std::string_view line) {
-  const std::string text = Printable(line) + '\n';
+  const std::string text = text::Printable(line) + '\n';
   static_cast<void>(std::fwrite(text.data(), 1, text.size(), stream));
 }
 

@@ -14,11 +14,11 @@ void ReserveStandardStreams();
 
 /// One JSON object, one line on standard output. A fraction has nine significant digits, which tell
 /// every float from its neighbours; what is no finite number is null, and bytes that are not UTF-8
-/// are U+FFFD.
+/// are U+FFFD. What a terminal may take for a command (text::IsCommand) is an escape.
 void PrintJson(const Json& json);
 
-/// A line on standard output or standard error, with control characters as blanks, since it may
-/// hold names that others chose. Where that takes nothing more the line is lost; for standard
+/// A line on standard output or standard error, as text::Printable gives it, since it may hold names
+/// that others chose. Where that takes nothing more the line is lost; for standard
 /// output FlushOutput tells.
 void PrintLine(std::string_view line);
 void PrintErrorLine(std::string_view line);

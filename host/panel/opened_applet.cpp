@@ -3,9 +3,11 @@
 #include <QFileInfo>
 #include <QProcessEnvironment>
 #include <cstdio>
+#include <string>
 #include <utility>
 
 #include "host/panel/opener_protocol.h"
+#include "platform/text/printable.h"
 
 namespace panel {
 namespace {
@@ -101,7 +103,9 @@ void OpenedApplet::TakeErrorLine(const QByteArray& line) {
     m_message = QString::fromUtf8(line.mid(m_prefix.size())).left(kLongestLine);
   } else {
     // A message that standard error does not take changes nothing.
-    static_cast<void>(std::fprintf(stderr, "%s\n", line.constData()));
+    const std::string shown =
+        text::Printable({line.constData(), static_cast<std::size_t>(line.size())}) + '\n';
+    static_cast<void>(std::fputs(shown.c_str(), stderr));
   }
 }
 

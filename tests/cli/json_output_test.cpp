@@ -194,7 +194,71 @@ TEST_F(JsonOutput, OfNamesEscapesWhatATerminalMightTakeForACommand) {
   EXPECT_EQ(json::parse(run.out, nullptr, false)[0]["name"], "\u009B31mRed\u0085Dye");
 }
 
+/// A card whose name is written in Hebrew, with marks of direction, and hides commands.
+constexpr const char* kHebrewCard =
+    "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:h\r\n"
+    "N:\u200Fדנה\u202E\u2066\u2028\x7Fלוי\u061C;;;;\r\nTEL;TYPE=CELL:054\x1B[31m\r\n"
+    "END:VCARD\r\n";
+
+TEST_F(JsonOutput, OfNamesEscapesMarksOfDirectionAndKeepsTheName) {
+  std::ofstream(Path("all.vcf"), std::ios::binary) << kHebrewCard;
+  const auto run = RunIn(Path("root"), {"contacts", "list"});
+  for (const char* command : {"\u200F", "\u202E", "\u2066", "\u2028", "\x7F", "\u061C", "\x1B"}) {
+    EXPECT_THAT(run.out, Not(HasSubstr(command)));
+  }
+  EXPECT_THAT(run.out, HasSubstr("\\u200fדנה\\u202e\\u2066\\u2028\\u007fלוי\\u061c"));
+  EXPECT_EQ(json::parse(run.out, nullptr, false)[0]["name"],
+            "\u200Fדנה\u202E\u2066\u2028\x7Fלוי\u061C");
+}
+
 using TextOutput = TagsFixture;
+
+TEST_F(TextOutput, ShowsAHebrewNameWithoutItsMarksOfDirection) {
+  std::ofstream(Path("all.vcf"), std::ios::binary) << kHebrewCard;
+  const auto run = Run({"contacts", "list"});
+  EXPECT_THAT(run.out, HasSubstr("  דנה  לוי\n"));
+  for (const char* command : {"\u200F", "\u202E", "\u2066", "\u2028", "\x7F", "\u061C", "\x1B"}) {
+    EXPECT_THAT(run.out, Not(HasSubstr(command)));
+  }
+}
+
+TEST_F(TextOutput, OfWrongUsageQuotesNoCommands) {
+  const std::string odd = "\x1B]0;x\x07\u202E\u009B\x9B\r";
+  const std::vector<Command> wrong = {{odd},
+                                      {"--" + odd},
+                                      {"tags", odd},
+                                      {"wave", "record", "a.wav", "--milliseconds", odd},
+                                      {"tags", "list", odd},
+                                      {"connection", "set", odd},
+                                      {"connection", "set", "port=" + odd},
+                                      {"--json", "tags", odd}};
+  for (const Command& command : wrong) {
+    const auto run = Run(command);
+    EXPECT_EQ(run.exitCode, 2) << command.back();
+    for (const char* unsafe : {"\x1B", "\x07", "\u202E", "\u009B", "\x9B", "\r"}) {
+      EXPECT_THAT(run.out + run.err, Not(HasSubstr(unsafe)));
+    }
+  }
+}
+
+TEST_F(TextOutput, OfWrongUsageQuotesTheArgumentWithBlanks) {
+  EXPECT_THAT(Run({"tags", "list", "\x1B]0;x\x07"}).err, HasSubstr(" ]0;x "));
+  EXPECT_THAT(Run({"connection", "set", "port=\x1B]0;x\x07"}).err, HasSubstr(" ]0;x "));
+}
+
+TEST_F(TextOutput, OfFilesThatFailNamesThemWithoutCommands) {
+  const std::string odd = Path("\x1B]0;x\x07\u202E");
+  for (const Command& command : std::vector<Command>{{"wave", "play", odd},
+                                                     {"template", "show", odd},
+                                                     {"language", "show", odd},
+                                                     {"registry", "import", odd},
+                                                     {"--contacts", odd, "contacts", "list"}}) {
+    const auto run = Run(command);
+    EXPECT_EQ(run.exitCode, 1) << command.front();
+    EXPECT_THAT(run.err, Not(HasSubstr("\x1B")));
+    EXPECT_THAT(run.err, Not(HasSubstr("\u202E")));
+  }
+}
 
 TEST_F(TextOutput, HasBlanksInThePlaceOfControlCharacters) {
   std::ofstream(Path("all.vcf"), std::ios::binary) << kRedCard;

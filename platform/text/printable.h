@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace text {
+
+/// Whether a terminal may take the character for a command, or turns or breaks the line there:
+/// control characters, marks and overrides of the direction of writing, and the separators of lines
+/// and paragraphs.
+[[nodiscard]] bool IsCommand(char16_t unit);
+
+/// `utf8` as a terminal may be given it, since it may hold names that others chose. A control
+/// character or a separator becomes a blank; ends of lines and tabs stay. A mark of direction has
+/// no width and is left out: letters that are written from right to left need none. A byte that is
+/// not part of well-formed UTF-8 becomes U+FFFD.
+[[nodiscard]] std::string Printable(std::string_view utf8);
+
+}  // namespace text
