@@ -23,6 +23,12 @@ struct RegistryChange {
   platform::RegistryValue value;  ///< With kSetValue only.
 };
 
+/// What a registry file asks for.
+struct RegistryFileContent {
+  std::vector<RegistryChange> changes;  ///< In their order.
+  std::size_t passedOver = 0;  ///< Keys of other hives, each with its values: there are none here.
+};
+
 /// Why a registry file was not taken.
 struct RegistryFileError {
   std::size_t line = 0;  ///< 1-based; 0 where no line is to blame.
@@ -32,10 +38,13 @@ struct RegistryFileError {
 /// Longest registry file that is read, in bytes.
 inline constexpr std::uint64_t kMaxRegistryFileLength = std::uint64_t{1} << 28;
 
-/// Reads a registry file of the Windows family: version 5.00, UTF-16LE behind its byte-order mark.
-/// Gives its changes in their order, or the first thing that is wrong with it. Only
-/// HKEY_LOCAL_MACHINE is known.
-[[nodiscard]] std::variant<std::vector<RegistryChange>, RegistryFileError> ParseRegistryFile(
+/// Reads a registry file of the Windows family: version 5.00, in UTF-16LE with its byte-order mark,
+/// or version 4 ("REGEDIT4"), in the code page Windows-1252. Gives what it asks for, or the first
+/// thing that is wrong with it.
+///
+/// HKEY_LOCAL_MACHINE alone is known. What 64-bit Windows keeps for programs of 32 bits in
+/// Software\WOW6432Node is in Software here, as it was on the device.
+[[nodiscard]] std::variant<RegistryFileContent, RegistryFileError> ParseRegistryFile(
     std::span<const std::byte> file);
 
 /// Makes all changes of a file, or none of them and tells why.
@@ -43,7 +52,8 @@ inline constexpr std::uint64_t kMaxRegistryFileLength = std::uint64_t{1} << 28;
     platform::Registry& registry, std::span<const RegistryChange> changes);
 
 /// Stores the whole registry as such a file in `file`: the same bytes for the same registry. What
-/// is read from it again are the same keys and values, byte for byte.
+/// is read from it again are the same keys and values, byte for byte. kInvalid, and no file, if a
+/// name or a length of another program's could not be read again.
 [[nodiscard]] platform::RegistryError WriteRegistryFile(platform::Registry& registry,
                                                         std::vector<std::byte>& file);
 

@@ -1,8 +1,10 @@
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 #include "platform/registry_names.h"
 #include "platform/text/names.h"
+#include "platform/text/utf.h"
 #include "storage/registry_file.h"
 #include "storage/registry_file_encoding.h"
 #include "storage/registry_file_format.h"
@@ -14,15 +16,41 @@ namespace storage {
 
 namespace {
 
+/// Without the hive that is known.
+constexpr std::u16string_view kOtherHives[] = {
+    u"HKEY_CLASSES_ROOT", u"HKEY_CURRENT_USER",     u"HKEY_USERS",
+    u"HKEY_DYN_DATA",     u"HKEY_PERFORMANCE_DATA", u"HKEY_CURRENT_CONFIG"};
+
+bool IsOtherHive(std::u16string_view name) {
+  return std::ranges::any_of(
+      kOtherHives, [name](std::u16string_view hive) { return text::SameName(hive, name); });
+}
+
+constexpr std::u16string_view kRedirected = u"Software";
+constexpr std::u16string_view kRedirection = u"\\WOW6432Node";
+
+/// The part of `path` after Software\WOW6432Node; nothing if it does not lead there.
+std::optional<std::u16string_view> FindRedirectedPart(std::u16string_view path) {
+  const std::size_t end = kRedirected.size() + kRedirection.size();
+  const bool isRedirected =
+      path.size() >= end && (path.size() == end || path[end] == u'\\') &&
+      text::SameName(path.substr(0, kRedirected.size()), kRedirected) &&
+      text::SameName(path.substr(kRedirected.size(), kRedirection.size()), kRedirection);
+  return isRedirected ? std::optional(path.substr(end)) : std::nullopt;
+}
+
 /// Reads a registry file from its start to its end, or to the first thing that is wrong.
 class Parser {
  public:
-  /// `text` is the file without its byte-order mark.
-  explicit Parser(std::u16string_view text) : m_scanner(text) {}
+  /// `text` is the file without its byte-order mark, of version 4 if it `isAnsi`.
+  Parser(std::u16string_view text, bool isAnsi)
+      : m_header(isAnsi ? kAnsiRegistryFileHeader : kRegistryFileHeader),
+        m_scanner(text),
+        m_values(m_scanner, m_error, isAnsi) {}
 
   [[nodiscard]] bool Parse() {
-    if (!m_scanner.Take(kRegistryFileHeader) || !m_scanner.TakeLineEnd()) {
-      return Fail("the first line must be \"Windows Registry Editor Version 5.00\"");
+    if (!m_scanner.Take(m_header) || !m_scanner.TakeLineEnd()) {
+      return Fail("the first line must be \"" + text::ToUtf8(m_header) + '"');
     }
     while (!m_scanner.IsAtEnd()) {
       if (!m_scanner.TakeLineEnd() && !ParseLine()) {
@@ -32,11 +60,11 @@ class Parser {
     return true;
   }
 
-  [[nodiscard]] std::vector<RegistryChange> TakeChanges() { return std::move(m_changes); }
+  [[nodiscard]] RegistryFileContent TakeContent() { return std::move(m_content); }
   [[nodiscard]] RegistryFileError TakeError() { return std::move(m_error); }
 
  private:
-  enum class Place : std::uint8_t { kNoKey, kKey, kDeletedKey };
+  enum class Place : std::uint8_t { kNoKey, kKey, kDeletedKey, kOtherHive };
 
   bool ParseLine() {
     if (m_scanner.IsAt(u';')) {
@@ -64,11 +92,22 @@ class Parser {
     if (isDeletion) {
       path.remove_prefix(1);
     }
+    m_scanner.SkipRestOfLine();
     const std::size_t rootEnd = std::min(path.find(u'\\'), path.size());
-    if (!text::SameName(path.substr(0, rootEnd), kRootName)) {
-      return Fail("only keys below HKEY_LOCAL_MACHINE can be taken");
-    }
+    const std::u16string_view root = path.substr(0, rootEnd);
     path.remove_prefix(rootEnd);
+    if (IsOtherHive(root)) {
+      m_place = Place::kOtherHive;
+      ++m_content.passedOver;
+      return true;
+    }
+    return text::SameName(root, kRootName)
+               ? TakeKey(path, isDeletion)
+               : Fail("only keys below HKEY_LOCAL_MACHINE can be taken");
+  }
+
+  /// `path` is what follows the root's name: nothing, or a backslash and names.
+  bool TakeKey(std::u16string_view path, bool isDeletion) {
     const bool isRoot = path.empty();
     if (!isRoot) {
       path.remove_prefix(1);
@@ -80,9 +119,15 @@ class Parser {
       return Fail("HKEY_LOCAL_MACHINE itself cannot be deleted");
     }
     m_key = path;
+    if (const auto redirected = FindRedirectedPart(path)) {
+      if (isDeletion && redirected->empty()) {
+        return Fail("WOW6432Node itself cannot be deleted, since all of Software would go");
+      }
+      m_key = std::u16string(path.substr(0, kRedirected.size())).append(*redirected);
+    }
     m_place = isDeletion ? Place::kDeletedKey : Place::kKey;
-    Add(isDeletion ? RegistryChange::Kind::kDeleteKey : RegistryChange::Kind::kCreateKey);
-    m_scanner.SkipRestOfLine();
+    m_content.changes.push_back(NewChange(isDeletion ? RegistryChange::Kind::kDeleteKey
+                                                     : RegistryChange::Kind::kCreateKey));
     return true;
   }
 
@@ -93,11 +138,13 @@ class Parser {
     if (m_place == Place::kDeletedKey) {
       return Fail("a value stands below a key to be deleted");
     }
-    RegistryChange& change = Add(RegistryChange::Kind::kSetValue);
+    RegistryChange change = NewChange(RegistryChange::Kind::kSetValue);
     if (!m_scanner.Take(u"@") && !m_values.ReadQuoted(change.valueName)) {
       return false;
     }
-    if (!platform::IsValueName(change.valueName)) {
+    // What is passed over need not fit into this registry.
+    const bool isTaken = m_place == Place::kKey;
+    if (isTaken && !platform::IsValueName(change.valueName)) {
       return Fail("this is not the name of a value");
     }
     m_scanner.SkipBlanks();
@@ -110,15 +157,21 @@ class Parser {
     } else if (!m_values.Read(change.value)) {
       return false;
     }
-    m_scanner.SkipBlanks();
-    if (m_scanner.IsAtLineEnd() || m_scanner.IsAt(u';')) {
-      return true;
+    if (isTaken && change.value.bytes.size() > platform::kMaxValueBytes) {
+      return Fail("the value is too long");
     }
-    return Fail("something stands behind the value");
+    m_scanner.SkipBlanks();
+    if (!m_scanner.IsAtLineEnd() && !m_scanner.IsAt(u';')) {
+      return Fail("something stands behind the value");
+    }
+    if (isTaken) {
+      m_content.changes.push_back(std::move(change));
+    }
+    return true;
   }
 
-  RegistryChange& Add(RegistryChange::Kind kind) {
-    RegistryChange& change = m_changes.emplace_back();
+  [[nodiscard]] RegistryChange NewChange(RegistryChange::Kind kind) const {
+    RegistryChange change;
     change.kind = kind;
     change.line = m_scanner.GetLine();
     change.key = m_key;
@@ -130,27 +183,30 @@ class Parser {
     return false;
   }
 
+  const std::u16string_view m_header;
   RegistryFileScanner m_scanner;
   RegistryFileError m_error;
-  RegistryValueReader m_values{m_scanner, m_error};
+  RegistryValueReader m_values;
   Place m_place = Place::kNoKey;
   std::u16string m_key;
-  std::vector<RegistryChange> m_changes;
+  RegistryFileContent m_content;
 };
 
 }  // namespace
 
-std::variant<std::vector<RegistryChange>, RegistryFileError> ParseRegistryFile(
+std::variant<RegistryFileContent, RegistryFileError> ParseRegistryFile(
     std::span<const std::byte> file) {
-  if (const std::string_view wrong = CheckRegistryFileEncoding(file); !wrong.empty()) {
+  const bool isAnsi = IsAnsiRegistryFile(file);
+  if (const std::string_view wrong = CheckRegistryFileEncoding(file); !isAnsi && !wrong.empty()) {
     return RegistryFileError{0, std::string(wrong)};
   }
-  const std::u16string text = FromUtf16Bytes(file.subspan(sizeof(kByteOrderMark)));
-  Parser parser(text);
+  const std::u16string text =
+      isAnsi ? FromWindows1252(file) : FromUtf16Bytes(file.subspan(sizeof(kByteOrderMark)));
+  Parser parser(text, isAnsi);
   if (!parser.Parse()) {
     return parser.TakeError();
   }
-  return parser.TakeChanges();
+  return parser.TakeContent();
 }
 
 }  // namespace storage

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/registry_names.h"
 #include "storage/registry_file.h"
 #include "storage/registry_file_format.h"
 #include "storage/utf16_bytes.h"
@@ -126,7 +127,8 @@ class Writer {
     for (std::uint32_t i = 0; error == RegistryError::kNone; ++i) {
       error = opened.key->EnumerateSubkey(i, name);
       if (error == RegistryError::kNone) {
-        error = WriteKey(Join(path, name));
+        // Another program's name can lead anywhere: an empty one back to this key.
+        error = platform::IsKeyName(name) ? WriteKey(Join(path, name)) : RegistryError::kInvalid;
       }
     }
     return error == RegistryError::kNoMoreItems ? RegistryError::kNone : error;
@@ -144,6 +146,9 @@ class Writer {
       error = key.Query(name, value);
       if (error != RegistryError::kNone) {
         return error;
+      }
+      if (!platform::IsValueName(name) || value.bytes.size() > platform::kMaxValueBytes) {
+        return RegistryError::kInvalid;
       }
       WriteValue(name, value);
       error = key.EnumerateValue(i, name);

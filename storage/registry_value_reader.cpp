@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "storage/registry_file_encoding.h"
 #include "storage/registry_file_format.h"
 #include "storage/utf16_bytes.h"
 
@@ -10,21 +11,34 @@ namespace storage {
 using platform::RegistryType;
 using platform::RegistryValue;
 
+namespace {
+
+/// Texts, texts with variables in them, and lists of texts.
+bool IsText(RegistryType type) {
+  constexpr auto kExpandable = static_cast<RegistryType>(2);
+  constexpr auto kList = static_cast<RegistryType>(7);
+  return type == RegistryType::kString || type == kExpandable || type == kList;
+}
+
+}  // namespace
+
 bool RegistryValueReader::Read(RegistryValue& value) {
-  bool isRead = false;
   if (m_scanner.IsAt(u'"')) {
-    isRead = ReadString(value);
-  } else if (m_scanner.TakeWord(kDwordPrefix)) {
-    isRead = ReadDword(value);
-  } else if (m_scanner.TakeWord(kHexPrefix)) {
-    isRead = ReadHexType(value.type) && ReadBytes(value.bytes);
-  } else {
+    return ReadString(value);
+  }
+  if (m_scanner.TakeWord(kDwordPrefix)) {
+    return ReadDword(value);
+  }
+  if (!m_scanner.TakeWord(kHexPrefix)) {
     return Fail("the value must be a string, \"dword:\", \"hex:\" or \"hex(...):\"");
   }
-  if (isRead && value.bytes.size() > platform::kMaxValueBytes) {
-    return Fail("the value is too long");
+  if (!ReadHexType(value.type) || !ReadBytes(value.bytes)) {
+    return false;
   }
-  return isRead;
+  if (m_isAnsi && IsText(value.type)) {
+    value.bytes = ToUtf16Bytes(FromWindows1252(value.bytes));
+  }
+  return true;
 }
 
 bool RegistryValueReader::ReadString(RegistryValue& value) {

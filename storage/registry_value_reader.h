@@ -14,8 +14,9 @@ namespace storage {
 /// why in the error it was given, where that is not what it should be.
 class RegistryValueReader {
  public:
-  RegistryValueReader(RegistryFileScanner& scanner, RegistryFileError& error)
-      : m_scanner(scanner), m_error(error) {}
+  /// In a file that `isAnsi`, of version 4, the bytes of texts are in its code page too.
+  RegistryValueReader(RegistryFileScanner& scanner, RegistryFileError& error, bool isAnsi)
+      : m_scanner(scanner), m_error(error), m_isAnsi(isAnsi) {}
 
   [[nodiscard]] bool Read(platform::RegistryValue& value);
 
@@ -36,6 +37,7 @@ class RegistryValueReader {
 
   RegistryFileScanner& m_scanner;
   RegistryFileError& m_error;
+  const bool m_isAnsi;
 };
 
 }  // namespace storage

@@ -1,6 +1,7 @@
 #include "host/cli/registry_commands.h"
 
 #include <fmt/format.h>
+#include <unistd.h>
 
 #include <CLI/CLI.hpp>
 #include <cstddef>
@@ -58,13 +59,26 @@ bool WriteStandardOutput(const Bytes& bytes) {
          std::fflush(stdout) == 0;
 }
 
-void PrintDone(Session& session) {
+/// `passedOver` counts keys of a file that was imported.
+void PrintDone(Session& session, std::size_t passedOver) {
+  Json result{{"result", 0}};
+  if (passedOver > 0) {
+    result["passedOver"] = passedOver;
+  }
   if (session.GetOptions().json) {
-    PrintJson({{"result", 0}});
+    PrintJson(result);
+  } else if (passedOver > 0) {
+    PrintLine(fmt::format("Passed over {} that {} not below HKEY_LOCAL_MACHINE",
+                          passedOver == 1 ? "a key" : fmt::format("{} keys", passedOver),
+                          passedOver == 1 ? "is" : "are"));
   }
 }
 
 void Export(Session& session, const std::string& name) {
+  if (name.empty() && ::isatty(STDOUT_FILENO) == 1) {
+    throw CLI::ValidationError(
+        "export", "a terminal cannot show a registry file; name a file, or send it to a program");
+  }
   if (name.empty() && session.GetOptions().json) {
     throw CLI::ValidationError(
         "export", "--json needs a file to export to, since both would go to standard output");
@@ -79,7 +93,7 @@ void Export(Session& session, const std::string& name) {
   } else if (!(name.empty() ? WriteStandardOutput(file) : WriteRegistryFile(session, name, file))) {
     session.Fail(fmt::format("{}: it cannot be written", name.empty() ? "standard output" : name));
   } else {
-    PrintDone(session);
+    PrintDone(session, 0);
   }
 }
 
@@ -97,12 +111,12 @@ void Import(Session& session, const std::string& name) {
                                   : fmt::format("{}:{}: {}", name, error->line, error->message));
     return;
   }
-  const auto& changes = std::get<std::vector<storage::RegistryChange>>(parsed);
-  if (const auto error = storage::ApplyRegistryChanges(session.GetRegistry(), changes)) {
+  const auto& content = std::get<storage::RegistryFileContent>(parsed);
+  if (const auto error = storage::ApplyRegistryChanges(session.GetRegistry(), content.changes)) {
     // A file that was read to its end is right; what hinders its changes is the store.
     session.Fail(fmt::format("{}: {}", session.GetRegistryPath().native(), error->message));
   } else {
-    PrintDone(session);
+    PrintDone(session, content.passedOver);
   }
 }
 
@@ -121,7 +135,7 @@ void AddRegistryCommands(CLI::App& app, Session& session) {
 
   command =
       group->add_subcommand("import", "Make all changes that a registry file asks for, or none");
-  command->add_option("file", *file, "The file to read: version 5.00, UTF-16LE")->required();
+  command->add_option("file", *file, "The file to read: version 5.00, or 4 (REGEDIT4)")->required();
   command->callback([&session, file] { Import(session, *file); });
 }
 

@@ -5,6 +5,8 @@
 #include "storage/registry_file.h"
 #include "storage/utf16_bytes.h"
 #include "tests/cli/command_fixture.h"
+#include "tests/cli/run_on_terminal.h"
+#include "tests/sqlite/raw_database.h"
 #include "tests/support/registry_access.h"
 
 namespace {
@@ -161,3 +163,95 @@ TEST_F(RegistryCommands, AnExportTakesNoNameThatAnotherCouldHoldOrPlant) {
 }
 
 TEST_F(RegistryCommands, ImportNeedsAFile) { EXPECT_EQ(Run({"registry", "import"}).exitCode, 2); }
+
+TEST_F(RegistryCommands, KeysOfOtherHivesAreCountedAndTheRestIsMade) {
+  const std::u16string one =
+      kHeader + u"[HKEY_CURRENT_USER\\a]\r\n\"v\"=hex:01\r\n[HKEY_LOCAL_MACHINE\\b]\r\n";
+  const std::string first = Put("one.reg", one);
+  const auto said = Run({"registry", "import", first});
+  EXPECT_EQ(said.exitCode, 0) << said.err;
+  EXPECT_EQ(said.out, "Passed over a key that is not below HKEY_LOCAL_MACHINE\n");
+  const std::string second = Put("two.reg", one + u"[HKEY_USERS\\c]\r\n");
+  EXPECT_EQ(RunJson({"registry", "import", second}, 0),
+            (nlohmann::json{{"result", 0}, {"passedOver", 2}}));
+  EXPECT_EQ(Run({"registry", "import", second}).out,
+            "Passed over 2 keys that are not below HKEY_LOCAL_MACHINE\n");
+  auto registry = Registry();
+  EXPECT_TRUE(support::KeyExists(registry, u"b"));
+  EXPECT_FALSE(support::KeyExists(registry, u"a"));
+}
+
+TEST_F(RegistryCommands, AFileOfVersionFourIsImported) {
+  const auto file =
+      PutBytes("old.reg",
+               "REGEDIT4\r\n\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\WOW6432Node\\Zedra\\Zedra "
+               "Dialer]\r\n\"Com_port\"=\"COM7:\"\r\n");
+  const auto run = Run({"registry", "import", file});
+  EXPECT_EQ(run.exitCode, 0) << run.err;
+  EXPECT_EQ(RunJson({"connection", "show"}, 0)["port"], "COM7:");
+}
+
+TEST_F(RegistryCommands, AnExportToATerminalIsWrongUsage) {
+  const auto run = RunOnTerminal({VOXTREL_PROGRAM, "--root", Path("root"), "registry", "export"});
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_THAT(run.out, testing::HasSubstr("a terminal cannot show a registry file"));
+}
+
+namespace {
+
+/// Names and lengths that only another program can have given.
+class RegistryCommandsWithOddNames : public RegistryCommands {
+ protected:
+  RegistryCommandsWithOddNames() {
+    EXPECT_EQ(Run({"registry", "export", Path("before.reg")}).exitCode, 0);
+    EXPECT_EQ(Run({"registry", "export", Path("tags.reg")}).exitCode, 0);
+  }
+
+  /// `name` and `data` are expressions of the library.
+  void PutValue(const std::string& name, const std::string& data = "x'0000'") {
+    ASSERT_EQ(Database().Execute(
+                  "INSERT INTO registry_value (key_id, name, folded_name, type, data) "
+                  "SELECT id, " +
+                  name + ", " + name + ", 1, " + data + " FROM registry_key WHERE name = 'Zedra'"),
+              0);
+  }
+
+  /// Fails and names `what`, and leaves the file that was there.
+  void ExpectNoExport(const std::string& what) const {
+    const auto run = Run({"registry", "export", Path("tags.reg")});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_THAT(run.err, testing::HasSubstr(what));
+    EXPECT_EQ(Content(Path("tags.reg")), Content(Path("before.reg")));
+    const auto shown = Run({"registry", "export"});
+    EXPECT_EQ(shown.exitCode, 1);
+    EXPECT_THAT(shown.out, IsEmpty());
+  }
+
+  [[nodiscard]] support::RawDatabase Database() const {
+    return support::RawDatabase(Path("root") + "/" + std::string(sqlite::kDatabaseName));
+  }
+};
+
+}  // namespace
+
+TEST_F(RegistryCommandsWithOddNames, AValueNameWithAZeroIsNamedAndNotExported) {
+  PutValue("CAST (x'6f0064000000640079000000' AS TEXT)");
+  ExpectNoExport("\"od dy \" of HKEY_LOCAL_MACHINE\\Software\\Zedra");
+}
+
+TEST_F(RegistryCommandsWithOddNames, AValueNameThatIsTooLongIsNamedAndNotExported) {
+  PutValue("printf('%.*c', 16384, 'n')");
+  ExpectNoExport("\"" + std::string(64, 'n') + "...\" of HKEY_LOCAL_MACHINE\\Software\\Zedra");
+}
+
+TEST_F(RegistryCommandsWithOddNames, AValueThatIsTooLongIsNamedAndNotExported) {
+  PutValue("'long'", "zeroblob(1048577)");
+  ExpectNoExport("\"long\" of HKEY_LOCAL_MACHINE\\Software\\Zedra");
+}
+
+TEST_F(RegistryCommandsWithOddNames, AnEmptyKeyNameEndsTheExportWithAMessage) {
+  ASSERT_EQ(Database().Execute(
+                "INSERT INTO registry_key (parent_id, name, folded_name) VALUES (1, '', '')"),
+            0);
+  ExpectNoExport("name");
+}

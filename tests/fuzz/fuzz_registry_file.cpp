@@ -59,14 +59,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     return 0;
   }
   headless::MemoryRegistry registry;
-  Require(!storage::ApplyRegistryChanges(registry, std::get<0>(parsed)),
+  Require(!storage::ApplyRegistryChanges(registry, std::get<0>(parsed).changes),
           "what is read can be imported");
   const Bytes exported = Export(registry);
 
   const auto again = storage::ParseRegistryFile(exported);
   Require(again.index() == 0, "what is exported is read");
   headless::MemoryRegistry copy;
-  Require(!storage::ApplyRegistryChanges(copy, std::get<0>(again)), "and can be imported");
+  Require(!storage::ApplyRegistryChanges(copy, std::get<0>(again).changes), "and can be imported");
   Require(Export(copy) == exported, "as the same registry");
   return 0;
 }

@@ -53,8 +53,9 @@ class RegistryFile : public testing::Test {
     if (const auto* const error = std::get_if<RegistryFileError>(&parsed)) {
       FAIL() << error->line << ": " << error->message;
     }
-    const auto failed = ApplyRegistryChanges(m_registry, std::get<0>(parsed));
+    const auto failed = ApplyRegistryChanges(m_registry, std::get<0>(parsed).changes);
     ASSERT_FALSE(failed) << failed->message;
+    m_passedOver = std::get<0>(parsed).passedOver;
   }
 
   /// What is wrong with the header and `body`.
@@ -84,6 +85,7 @@ class RegistryFile : public testing::Test {
   }
 
   headless::MemoryRegistry m_registry;
+  std::size_t m_passedOver = 0;  ///< In the latest import.
 };
 
 }  // namespace
@@ -203,6 +205,79 @@ TEST_F(RegistryFileReading, TheLongestValueIsTakenAndALongerOneIsNot) {
   EXPECT_THAT(Refused(bytes + u",00").message, HasSubstr("too long"));
 }
 
+TEST_F(RegistryFileReading, PassesOverKeysOfOtherHivesAndCountsThem) {
+  const std::u16string longName(platform::kMaxValueNameLength + 1, u'n');
+  Import(u"[HKEY_CURRENT_USER\\a\\\\b]\r\n\"v\"=\"two\r\nlines\"\r\n\"" + longName +
+         u"\"=dword:1\r\n"
+         u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=hex:01\r\n"
+         u"[-hkey_users\\a]\r\n[HKEY_CLASSES_ROOT]\r\n\"w\"=hex:02,\\\r\n  03\r\n@=-\r\n"
+         u"[HKEY_CURRENT_CONFIG\\a]\r\n");
+  EXPECT_EQ(m_passedOver, 4U);
+  EXPECT_THAT(SubkeyNames(m_registry, u""), ElementsAre(u"a"));
+  EXPECT_EQ(Value(u"a", u"v").bytes, SomeBytes({1}));
+  const auto opened = m_registry.OpenKey(u"a");
+  ASSERT_TRUE(opened.key);
+  EXPECT_THAT(support::ValueNames(*opened.key), ElementsAre(u"v"));
+}
+
+TEST_F(RegistryFileReading, AMistakeBelowAnotherHiveIsStillAMistake) {
+  const RegistryFileError error = Refused(u"[HKEY_CURRENT_USER\\a]\r\n\"v\"=nonsense\r\n");
+  EXPECT_EQ(error.line, 3U);
+  EXPECT_THAT(error.message, HasSubstr("must be a string"));
+}
+
+TEST_F(RegistryFileReading, TakesTheKeysOf32BitProgramsForThoseOfTheDevice) {
+  Import(
+      u"[HKEY_LOCAL_MACHINE\\SOFTWARE\\WOW6432Node]\r\n\"r\"=hex:01\r\n"
+      u"[HKEY_LOCAL_MACHINE\\SOFTWARE\\Wow6432Node\\Zedra\\Zedra Voxtrel\\7]\r\n\"v\"=hex:02\r\n"
+      u"[HKEY_LOCAL_MACHINE\\SOFTWARE\\WOW6432Nodes\\x]\r\n"
+      u"[HKEY_LOCAL_MACHINE\\WOW6432Node\\y]\r\n");
+  EXPECT_EQ(Value(u"Software", u"r").bytes, SomeBytes({1}));
+  EXPECT_EQ(Value(u"Software\\Zedra\\Zedra Voxtrel\\7", u"v").bytes, SomeBytes({2}));
+  EXPECT_THAT(SubkeyNames(m_registry, u"Software"), ElementsAre(u"Zedra", u"WOW6432Nodes"));
+  EXPECT_TRUE(KeyExists(m_registry, u"WOW6432Node\\y"));
+}
+
+TEST_F(RegistryFileReading, DeletesKeysOf32BitProgramsButNotAllOfThem) {
+  ASSERT_EQ(m_registry.CreateKey(u"Software\\a").error, RegistryError::kNone);
+  Import(u"[-HKEY_LOCAL_MACHINE\\Software\\WOW6432Node\\a]\r\n");
+  EXPECT_FALSE(KeyExists(m_registry, u"Software\\a"));
+  EXPECT_THAT(Refused(u"[-HKEY_LOCAL_MACHINE\\Software\\WOW6432Node]\r\n").message,
+              HasSubstr("cannot be deleted"));
+}
+
+using AnsiRegistryFile = RegistryFile;
+
+TEST_F(AnsiRegistryFile, IsReadInItsCodePage) {
+  ImportFile(
+      Raw("REGEDIT4\r\n\r\n[HKEY_LOCAL_MACHINE\\Software\\Gr\xFC\x80]\r\n"
+          "\"M\xFCller\"=\"\x84Jos\xE9\x93 \x8A\x9F\xFF\"\r\n"
+          "\"n\"=dword:0000c0de\r\n; \x81\r\n"));
+  const std::u16string key = u"Software\\Grü€";
+  EXPECT_EQ(Value(key, u"Müller").type, RegistryType::kString);
+  EXPECT_EQ(Value(key, u"Müller").bytes, Utf16Bytes(std::u16string(u"„José“ ŠŸÿ") + u'\0'));
+  EXPECT_EQ(Value(key, u"n").bytes, SomeBytes({0xDE, 0xC0, 0, 0}));
+}
+
+TEST_F(AnsiRegistryFile, HasTheBytesOfTextsInItsCodePageToo) {
+  ImportFile(
+      Raw("REGEDIT4\n[HKEY_LOCAL_MACHINE\\a]\n\"one\"=hex(1):e9,00\n\"two\"=hex(2):80,\\\n  00\n"
+          "\"list\"=hex(7):41,00,42,00,00\n\"bytes\"=hex:e9,00\n\"none\"=hex(0):e9\n"
+          "\"number\"=hex(4):e9,00,00,00\n"));
+  EXPECT_EQ(Value(u"a", u"one").bytes, SomeBytes({0xE9, 0, 0, 0}));
+  EXPECT_EQ(Value(u"a", u"two").bytes, SomeBytes({0xAC, 0x20, 0, 0}));
+  EXPECT_EQ(Value(u"a", u"list").bytes, Utf16Bytes(std::u16string_view(u"A\0B\0\0", 5)));
+  EXPECT_EQ(Value(u"a", u"bytes").bytes, SomeBytes({0xE9, 0}));
+  EXPECT_EQ(Value(u"a", u"none").bytes, SomeBytes({0xE9}));
+  EXPECT_EQ(Value(u"a", u"number").bytes, SomeBytes({0xE9, 0, 0, 0}));
+}
+
+TEST_F(AnsiRegistryFile, BeginsWithItsNameAlone) {
+  const RegistryFileError error = RefusedFile(Raw("REGEDIT4x\r\n"));
+  EXPECT_EQ(error.line, 1U);
+  EXPECT_THAT(error.message, HasSubstr("\"REGEDIT4\""));
+}
+
 using RegistryFileRefusal = RegistryFile;
 
 TEST_F(RegistryFileRefusal, TellsTheLineOfEachMistake) {
@@ -214,7 +289,7 @@ TEST_F(RegistryFileRefusal, TellsTheLineOfEachMistake) {
       {u"\r\nnonsense\r\n", 3, "neither a key"},
       {u"[HKEY_LOCAL_MACHINE\\a\r\n", 2, "must end with \"]\""},
       {u"[HKEY_LOCAL_MACHINE\\a] x\r\n", 2, "must end with \"]\""},
-      {u"[HKEY_CURRENT_USER\\a]\r\n", 2, "only keys below"},
+      {u"[HKEY_CURRENT_USERX\\a]\r\n", 2, "only keys below"},
       {u"[HKEY_LOCAL_MACHINEX\\a]\r\n", 2, "only keys below"},
       {u"[]\r\n", 2, "only keys below"},
       {u"[-]\r\n", 2, "only keys below"},
@@ -275,7 +350,6 @@ TEST_F(RegistryFileRefusal, AnotherEncodingIsNamed) {
   const std::string header = "Windows Registry Editor Version 5.00\r\n";
   EXPECT_THAT(RefusedFile(Raw("\xEF\xBB\xBF" + header)).message, HasSubstr("UTF-8"));
   EXPECT_THAT(RefusedFile(Raw(header)).message, HasSubstr("UTF-16LE"));
-  EXPECT_THAT(RefusedFile(Raw("REGEDIT4\r\n")).message, HasSubstr("version 4"));
   EXPECT_THAT(RefusedFile(Raw("\xFE\xFF")).message, HasSubstr("big-endian"));
   EXPECT_THAT(RefusedFile(Raw("\xFF\xFEW")).message, HasSubstr("middle of a character"));
   EXPECT_THAT(RefusedFile(Raw("")).message, HasSubstr("empty"));
@@ -289,7 +363,7 @@ TEST_F(RegistryFileImport, IsMadeWholeOrNotAtAll) {
   const auto parsed = ParseRegistryFile(
       File(kHeader + u"[-HKEY_LOCAL_MACHINE\\old]\r\n[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=hex:01\r\n"
                      u"\"w\"=-\r\n[HKEY_LOCAL_MACHINE\\b]\r\n\"v\"=hex:02\r\n"));
-  const auto& changes = std::get<std::vector<RegistryChange>>(parsed);
+  const auto& changes = std::get<RegistryFileContent>(parsed).changes;
   std::size_t call = 1;
   for (;; ++call) {
     SCOPED_TRACE(call);
@@ -317,7 +391,7 @@ TEST_F(RegistryFileImport, TellsTheLineThatCouldNotBeMade) {
   support::FailingRegistry failing(m_registry);
   // The group, the key, the value.
   failing.FailCall(3, support::Failing::kOnce, RegistryError::kReadOnly);
-  const auto failed = ApplyRegistryChanges(failing, std::get<0>(parsed));
+  const auto failed = ApplyRegistryChanges(failing, std::get<0>(parsed).changes);
   ASSERT_TRUE(failed);
   EXPECT_EQ(failed->line, 4U);
   EXPECT_THAT(failed->message, HasSubstr("written"));
@@ -437,7 +511,7 @@ TEST_F(RegistryFileWriting, WhatIsReadAgainIsTheSameRegistry) {
   headless::MemoryRegistry copy;
   const auto parsed = ParseRegistryFile(file);
   ASSERT_EQ(parsed.index(), 0U) << std::get<1>(parsed).line << std::get<1>(parsed).message;
-  ASSERT_FALSE(ApplyRegistryChanges(copy, std::get<0>(parsed)));
+  ASSERT_FALSE(ApplyRegistryChanges(copy, std::get<0>(parsed).changes));
   std::vector<std::byte> again;
   ASSERT_EQ(WriteRegistryFile(copy, again), RegistryError::kNone);
   EXPECT_EQ(again, file);
