@@ -28,14 +28,14 @@ std::string GetVariable(const char* name) {
   return value == nullptr ? std::string() : std::string(value);
 }
 
-/// The help lies beside the library, be it installed or in the folder where it was built; else
-/// where the machine's programs keep their data.
+/// The help is installed with the library, or was built with it; else it is where the machine's
+/// programs keep their data.
 std::vector<std::string> FindHelpFolders(const xdg::Environment& environment) {
-  const std::filesystem::path own = loading::FindOwnFile().parent_path();
-  std::vector<std::string> folders;
-  for (const char* way : {"../../share/voxtrel/help", "../share/voxtrel/help"}) {
-    folders.push_back((own / way).lexically_normal().native());
-  }
+  const std::filesystem::path own = loading::FindOwnFile();
+  const std::filesystem::path build = loading::FindBuildFolder(own);
+  const std::filesystem::path base =
+      build.empty() ? own.parent_path().parent_path().parent_path() : build;
+  std::vector<std::string> folders{(base / "share/voxtrel/help").native()};
   for (const std::string& data : environment.dataFolders) {
     folders.push_back(data + "/voxtrel/help");
   }

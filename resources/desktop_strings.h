@@ -51,6 +51,7 @@ inline constexpr std::u16string_view kDoesNotWantToStart = u"does not want to st
 inline constexpr std::u16string_view kSaysThatItHolds = u"says that it holds %1 applets";
 inline constexpr std::u16string_view kHoldsNoApplet = u"holds no applet of the number %1";
 inline constexpr std::u16string_view kCannotBeLoaded = u"cannot be loaded: %1";
+inline constexpr std::u16string_view kNoFullPath = u"its path is not a full one";
 inline constexpr std::u16string_view kIsNoApplet = u"is no applet: it has no %1";
 
 // The control panel about what is missing.
@@ -64,6 +65,7 @@ inline constexpr std::u16string_view kHelpNotInstalled = u"The help page is not 
 inline constexpr std::u16string_view kNoBrowserShows = u"There is no browser that shows %1.";
 inline constexpr std::u16string_view kNoApplets =
     u"There are no applets here yet.\n\nLooked in:\n%1\n\nInstall an applet (a file that ends with "
-    u".cpl) there and press F5, or name one when you start the control panel:\nvoxtrel-panel FILE";
+    u".cpl) there and press F5, or name one by its full path when you start the control panel:\n"
+    u"voxtrel-panel /PATH/OF/FILE";
 
 }  // namespace resources

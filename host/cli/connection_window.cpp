@@ -8,7 +8,8 @@
 #include <cerrno>
 #include <cstdlib>
 #include <string>
-#include <system_error>
+
+#include "platform/loading/loaded_library.h"
 
 namespace cli {
 namespace {
@@ -17,12 +18,11 @@ namespace fs = std::filesystem;
 
 constexpr const char* kProgram = "voxtrel-connection";
 
-/// Beside this program where both are installed, in the next folder where both were just built.
+/// In this program's folder once both are installed, and else where it was built.
 fs::path FindProgram() {
-  std::error_code error;
-  const fs::path folder = fs::read_symlink("/proc/self/exe", error).parent_path();
-  const fs::path installed = folder / kProgram;
-  return fs::exists(installed, error) ? installed : folder.parent_path() / "connection" / kProgram;
+  const fs::path own = loading::FindOwnFile();
+  const fs::path build = loading::FindBuildFolder(own);
+  return (build.empty() ? own.parent_path() : build / "host/connection") / kProgram;
 }
 
 }  // namespace

@@ -6,11 +6,13 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "host/cli/output.h"
+#include "platform/loading/loaded_library.h"
 #include "platform/posix/foreground_program.h"
 
 namespace cli {
@@ -28,16 +30,12 @@ bool HasDisplay() {
   });
 }
 
-/// The panel lies beside this program, be it installed or in the folder where it was built; else it
-/// is looked for as every program.
-std::string FindPanel() {
-  for (const char* way : {"/", "/../panel/"}) {
-    std::string path = posix::FindOwnFolder() + way + kPanel;
-    if (::access(path.c_str(), X_OK) == 0) {
-      return path;
-    }
-  }
-  return kPanel;
+/// The panel is in this program's folder once both are installed, and else where it was built. No
+/// other one is taken: it would load libraries from where it is itself.
+std::filesystem::path FindPanel() {
+  const std::filesystem::path own = loading::FindOwnFile();
+  const std::filesystem::path build = loading::FindBuildFolder(own);
+  return (build.empty() ? own.parent_path() : build / "host/panel") / kPanel;
 }
 
 /// What stood before the command, as the applet takes it.
@@ -65,12 +63,16 @@ void RunWindow(Session& session, const std::vector<std::string>& arguments) {
         "there is no display to open a window on; without one, `voxtrel tags` does the same work");
     return;
   }
-  std::vector<std::string> command{FindPanel()};
+  const std::filesystem::path panel = FindPanel();
+  if (::access(panel.c_str(), X_OK) != 0) {
+    session.Fail(fmt::format("{} is not installed; it belongs in this program's folder", kPanel));
+    return;
+  }
+  std::vector<std::string> command{panel.native()};
   command.insert(command.end(), arguments.begin(), arguments.end());
   const auto end = posix::RunInForeground(command, VariablesOf(session));
-  constexpr int kNotFound = 127;  // From where a program is started before it is looked for.
-  if (!end || (!end->wasKilled && end->exitCode == kNotFound)) {
-    session.Fail(fmt::format("{} is not installed; it belongs beside this program", kPanel));
+  if (!end) {
+    session.Fail(fmt::format("{} cannot be started", kPanel));
   } else if (end->wasKilled) {
     session.Fail(fmt::format("{} was ended by signal {}", kPanel, end->exitCode));
   } else if (end->exitCode != 0) {

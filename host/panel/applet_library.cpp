@@ -19,9 +19,13 @@ QString LatestProblem() {
 }  // namespace
 
 std::unique_ptr<AppletLibrary> AppletLibrary::Load(const std::string& path, std::string& problem) {
-  // A name without a slash would be looked for where the system keeps its libraries.
-  const bool hasFolder = path.find('/') != std::string::npos;
-  Handle handle(::dlopen((hasFolder ? path : "./" + path).c_str(), RTLD_NOW | RTLD_LOCAL));
+  // Any other path means a file of the current folder, or one where the system keeps its libraries.
+  if (!path.starts_with('/')) {
+    problem =
+        Message(resources::kCannotBeLoaded).arg(Message(resources::kNoFullPath)).toStdString();
+    return nullptr;
+  }
+  Handle handle(::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL));
   if (!handle) {
     problem = Message(resources::kCannotBeLoaded).arg(LatestProblem()).toStdString();
     return nullptr;

@@ -1,6 +1,10 @@
 #include "host/panel/arguments.h"
 
 #include <CLI/CLI.hpp>
+#include <cstdio>
+#include <sstream>
+
+#include "platform/text/printable.h"
 
 namespace panel {
 namespace {
@@ -9,14 +13,43 @@ constexpr int kWrongUsage = 2;
 
 constexpr const char* kFooter = R"(Examples:
   voxtrel-panel                       the applets that are installed
-  voxtrel-panel ./build               the applets of a folder
   voxtrel-panel --open voxtrel.cpl    one applet's window at once
+  voxtrel-panel /opt/applets          the applets of a folder
 
 In the environment of the panel, for the voice dialer's applet:
   VOXTREL_CONTACTS      an address book: eds for the desktop's, else a vCard file or a folder of them
   VOXTREL_MICROPHONE    record from this wave file and not from the microphone
   VOXTREL_SPEAKER       play into this wave file and not to the loudspeaker
   VOXTREL_ROOT          the folder that stands for the device's disk)";
+
+/// Code is loaded from a file that is named, so that the name must not mean another file in another
+/// folder.
+CLI::Validator FullPath(const std::string& wanted) {
+  return {[wanted](const std::string& path) {
+            return path.starts_with('/') ? std::string() : path + " is not " + wanted;
+          },
+          ""};
+}
+
+CLI::Validator InstalledNameOrFullPath() {
+  return {[](const std::string& name) {
+            const bool isName = name.find('/') == std::string::npos;
+            return isName || name.starts_with('/')
+                       ? std::string()
+                       : name + " is neither the name of an installed applet nor a full path";
+          },
+          ""};
+}
+
+/// Prints the help, the version, or what is wrong; the library quotes arguments as they are.
+int Explain(const CLI::App& app, const CLI::ParseError& error) {
+  std::ostringstream output;
+  std::ostringstream errors;
+  const int exitCode = app.exit(error, output, errors) == 0 ? 0 : kWrongUsage;
+  static_cast<void>(std::fputs(text::Printable(output.str()).c_str(), stdout));
+  static_cast<void>(std::fputs(text::Printable(errors.str()).c_str(), stderr));
+  return exitCode;
+}
 
 }  // namespace
 
@@ -29,17 +62,24 @@ std::variant<Arguments, int> ParseArguments(int argc, const char* const* argv) {
   Arguments arguments;
   CLI::Option* places =
       app.add_option("PLACE", arguments.places,
-                     "Applets (*.cpl) or folders of them to show (default: those installed)")
+                     "Applets (*.cpl) or folders of them to show, by their full paths (default: "
+                     "those installed)")
+          ->check(FullPath("the full path of an applet or a folder"))
           ->check(CLI::ExistingPath);
   CLI::Option* open =
       app.add_option("--open", arguments.applet,
-                     "Open this applet at once, without the panel; a name without a slash is "
-                     "looked for among the installed ones")
+                     "Open this applet at once, without the panel: an installed one by its name, "
+                     "another one by its full path")
           ->type_name("FILE")
+          ->check(InstalledNameOrFullPath())
           ->excludes(places);
   // What follows is for programs: mostly the panel says it to itself.
   std::string inquired;
-  app.add_option("--inquire", inquired)->group("")->excludes(places)->excludes(open);
+  app.add_option("--inquire", inquired)
+      ->group("")
+      ->check(FullPath("a full path"))
+      ->excludes(places)
+      ->excludes(open);
   app.add_option("--number", arguments.number)->group("")->needs(open);
   app.add_flag("--watched", arguments.isWatched)->group("")->needs(open);
 
@@ -49,7 +89,7 @@ std::variant<Arguments, int> ParseArguments(int argc, const char* const* argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? 0 : kWrongUsage;
+    return Explain(app, error);
   }
   if (isProbe) {
     arguments.mode = Mode::kProbe;

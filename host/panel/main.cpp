@@ -36,7 +36,7 @@ int Show(const panel::Arguments& arguments) {
     settings.places.append(QString::fromStdString(place));
   }
   if (settings.places.isEmpty()) {
-    settings.places = panel::AppletFolders();
+    settings.places = {panel::AppletFolder()};
   }
   panel::PanelWindow window(settings);
   window.show();

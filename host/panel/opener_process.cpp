@@ -9,6 +9,7 @@
 #include <chrono>
 #include <cstdio>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include <unistd.h>
@@ -20,6 +21,7 @@
 #include "host/panel/opener_protocol.h"
 #include "host/panel/places.h"
 #include "host/panel/standard_output.h"
+#include "platform/text/printable.h"
 #include "resources/desktop_strings.h"
 
 namespace panel {
@@ -81,8 +83,9 @@ class PanelLine {
 };
 
 int Fail(const QString& path, const std::string& problem) {
-  static_cast<void>(std::fprintf(stderr, "%s: This applet %s.\n",
-                                 QFileInfo(path).fileName().toUtf8().constData(), problem.c_str()));
+  const std::string line =
+      QFileInfo(path).fileName().toStdString() + ": This applet " + problem + ".\n";
+  static_cast<void>(std::fputs(text::Printable(line).c_str(), stderr));
   return 1;
 }
 

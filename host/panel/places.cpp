@@ -1,33 +1,28 @@
 #include "host/panel/places.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <filesystem>
+
+#include "platform/loading/loaded_library.h"
 
 namespace panel {
 namespace {
 
-QStringList FromProgram(std::initializer_list<const char*> relatives) {
-  const QDir program(QCoreApplication::applicationDirPath());
-  QStringList paths;
-  for (const char* relative : relatives) {
-    paths.append(QDir::cleanPath(program.absoluteFilePath(QLatin1String(relative))));
-  }
-  return paths;
+/// Of the build that this program is part of, or of the folder in which it is installed: its bin,
+/// lib and share.
+QString PathOf(const char* inBuild, const char* installed) {
+  const std::filesystem::path own = loading::FindOwnFile();
+  const std::filesystem::path build = loading::FindBuildFolder(own);
+  return QString::fromStdString(
+      (build.empty() ? own.parent_path().parent_path() / installed : build / inBuild).native());
 }
 
-QString FirstThatIsThere(const QStringList& paths) {
-  for (const QString& path : paths) {
-    if (QFileInfo::exists(path)) {
-      return path;
-    }
-  }
-  return {};
-}
+QString IfThere(const QString& path) { return QFileInfo::exists(path) ? path : QString(); }
 
 }  // namespace
 
-QStringList AppletFolders() { return FromProgram({"../lib/voxtrel", "../../applet"}); }
+QString AppletFolder() { return PathOf("applet", "lib/voxtrel"); }
 
 QStringList FindApplets(const QStringList& places) {
   QStringList applets;
@@ -50,25 +45,13 @@ QStringList FindApplets(const QStringList& places) {
 }
 
 QString FindApplet(const QString& name) {
-  if (!name.contains(QLatin1Char('/'))) {
-    for (const QString& folder : AppletFolders()) {
-      QString path = QDir(folder).absoluteFilePath(name);
-      if (QFileInfo::exists(path)) {
-        return path;
-      }
-    }
-  }
-  return QFileInfo(name).absoluteFilePath();
+  return name.startsWith(QLatin1Char('/')) ? name : AppletFolder() + QLatin1Char('/') + name;
 }
 
 QString FindData(const QString& name) {
-  QStringList paths = FromProgram({"../share/voxtrel/", "../../share/voxtrel/"});
-  for (QString& path : paths) {
-    path += QLatin1Char('/') + name;
-  }
-  return FirstThatIsThere(paths);
+  return IfThere(PathOf("share/voxtrel", "share/voxtrel") + QLatin1Char('/') + name);
 }
 
-QString FindCommandLine() { return FirstThatIsThere(FromProgram({"voxtrel", "../cli/voxtrel"})); }
+QString FindCommandLine() { return IfThere(PathOf("host/cli/voxtrel", "bin/voxtrel")); }
 
 }  // namespace panel

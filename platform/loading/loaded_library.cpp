@@ -4,8 +4,8 @@
 #include <link.h>
 
 #include <algorithm>
+#include <array>
 #include <system_error>
-#include <vector>
 
 namespace loading {
 namespace {
@@ -31,6 +31,42 @@ std::filesystem::path FindOwnFile() {
   return std::filesystem::weakly_canonical(name.empty() ? "/proc/self/exe" : name, ignored);
 }
 
+std::filesystem::path FindBuildFolder(const std::filesystem::path& file) {
+  constexpr std::array kFolders{"applet", "benchmarks"};
+  constexpr std::array kFoldersOfFolders{"host", "tests"};
+  const auto isOneOf = [](const std::filesystem::path& folder, const auto& names) {
+    return std::ranges::find(names, folder.filename()) != names.end();
+  };
+  const auto isBuild = [](const std::filesystem::path& folder) {
+    std::error_code ignored;
+    return std::filesystem::exists(folder / "CMakeCache.txt", ignored);
+  };
+  const std::filesystem::path own = file.parent_path();
+  const std::filesystem::path above = own.parent_path();
+  if (!file.is_absolute()) {
+    return {};
+  }
+  if (isOneOf(own, kFolders) && isBuild(above)) {
+    return above;
+  }
+  return isOneOf(above, kFoldersOfFolders) && isBuild(above.parent_path())
+             ? above.parent_path()
+             : std::filesystem::path();
+}
+
+std::vector<std::filesystem::path> FindLibraryPlaces(const std::filesystem::path& file,
+                                                     const char* library, const char* folder) {
+  if (!file.is_absolute()) {
+    return {};
+  }
+  const std::filesystem::path own = file.parent_path();
+  const std::filesystem::path build = FindBuildFolder(file);
+  if (!build.empty()) {
+    return {own / library, build / "platform" / folder / library};
+  }
+  return {own / library, own.parent_path() / "lib" / "voxtrel" / library};
+}
+
 LoadedFunction LoadFunction(std::span<const std::filesystem::path> libraries, const char* name) {
   std::error_code ignored;
   const auto library =
@@ -46,15 +82,7 @@ LoadedFunction LoadFunction(std::span<const std::filesystem::path> libraries, co
 }
 
 LoadedFunction LoadDoor(const char* library, const char* folder, const char* door) {
-  const std::filesystem::path own = FindOwnFile().parent_path();
-  const std::filesystem::path built = std::filesystem::path("platform") / folder;
-  std::vector<std::filesystem::path> places;
-  for (const std::filesystem::path& way :
-       {std::filesystem::path("."), std::filesystem::path("../lib/voxtrel"), ".." / built,
-        "../.." / built}) {
-    places.push_back((own / way / library).lexically_normal());
-  }
-  return LoadFunction(places, door);
+  return LoadFunction(FindLibraryPlaces(FindOwnFile(), library, folder), door);
 }
 
 }  // namespace loading

@@ -6,9 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <filesystem>
 #include <string_view>
-#include <system_error>
 
 namespace posix {
 namespace {
@@ -49,8 +47,8 @@ std::optional<ProgramEnd> RunInForeground(const std::vector<std::string>& comman
   std::vector<std::string> environment = EnvironmentWith(variables);
   pid_t child = 0;
   if (command.empty() ||
-      ::posix_spawnp(&child, command.front().c_str(), nullptr, nullptr,
-                     PointersOf(arguments).data(), PointersOf(environment).data()) != 0) {
+      ::posix_spawn(&child, command.front().c_str(), nullptr, nullptr, PointersOf(arguments).data(),
+                    PointersOf(environment).data()) != 0) {
     return std::nullopt;
   }
   int status = 0;
@@ -61,12 +59,6 @@ std::optional<ProgramEnd> RunInForeground(const std::vector<std::string>& comman
   }
   return WIFSIGNALED(status) ? ProgramEnd{true, WTERMSIG(status)}
                              : ProgramEnd{false, WEXITSTATUS(status)};
-}
-
-std::string FindOwnFolder() {
-  std::error_code error;
-  const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
-  return error ? std::string() : program.parent_path().native();
 }
 
 }  // namespace posix

@@ -13,13 +13,9 @@ struct ProgramEnd {
 };
 
 /// Runs a program in the place of this one, so to speak, with its standard streams, and returns
-/// when it has ended. `command` begins with the program's name, which is looked for in $PATH where
-/// it has no slash. `variables` ("NAME=value") are set in its environment. Nothing where it cannot
-/// be started.
+/// when it has ended. `command` begins with the program's path. `variables` ("NAME=value") are set
+/// in its environment. Nothing if it cannot be started.
 [[nodiscard]] std::optional<ProgramEnd> RunInForeground(const std::vector<std::string>& command,
                                                         const std::vector<std::string>& variables);
-
-/// The folder that holds the program of this process, "" where the system does not tell.
-[[nodiscard]] std::string FindOwnFolder();
 
 }  // namespace posix

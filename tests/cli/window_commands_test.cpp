@@ -66,12 +66,28 @@ TEST_F(WindowCommands, TakeTheOptionsFromTheEnvironmentAsTheWindowDoes) {
   EXPECT_EQ(run.out, "--open voxtrel.cpl root=r microphone= speaker= contacts=b.vcf\n");
 }
 
-TEST_F(WindowCommands, FindThePanelWhereItWasBuiltOrInThePath) {
-  PutPanel("panel", "");
-  EXPECT_EQ(Window({"open"}).exitCode, 0);
-  std::filesystem::remove_all(Path("panel"));
-  PutPanel("path", "");
-  EXPECT_EQ(Window({"open"}).exitCode, 0);
+TEST_F(WindowCommands, FindThePanelOfTheSameBuild) {
+  std::filesystem::create_directories(Path("build/host/cli"));
+  std::filesystem::copy_file(VOXTREL_PROGRAM, Path("build/host/cli/voxtrel"));
+  std::ofstream(Path("build/CMakeCache.txt")) << "";
+  PutPanel("build/host/panel", "");
+  const auto run = support::RunProgram({Path("build/host/cli/voxtrel"), "open"},
+                                       {"DISPLAY=:0", "HOME=" + Path(""), "XDG_DATA_HOME="});
+  EXPECT_EQ(run.exitCode, 0) << run.err;
+}
+
+TEST_F(WindowCommands, StartNoPanelButTheOneThatBelongsToThem) {
+  for (const char* folder : {"panel", "path", "home"}) {
+    PutPanel(folder, "");
+  }
+  for (const char* command : {"open", "panel"}) {
+    const auto run = support::RunProgram(
+        {"/bin/sh", "-c", "cd " + Path("home") + " && ../bin/voxtrel " + command},
+        {"DISPLAY=:0", "HOME=" + Path("home"), "XDG_DATA_HOME=", "PATH=.:" + Path("path")});
+    EXPECT_EQ(run.exitCode, 1) << command;
+    EXPECT_EQ(run.out, "");
+    EXPECT_THAT(run.err, HasSubstr("voxtrel-panel is not installed"));
+  }
 }
 
 TEST_F(WindowCommands, SayWhereThePanelIsMissing) {

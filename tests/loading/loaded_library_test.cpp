@@ -56,5 +56,47 @@ TEST(LoadedLibrary, AFunctionThatIsNotExportedIsTold) {
   EXPECT_THAT(found.reason, testing::HasSubstr("TellNothing"));
 }
 
+/// A build, by its cache, in a folder where a user may have others.
+class LoadedLibraryPlaces : public testing::Test {
+ protected:
+  LoadedLibraryPlaces() { std::ofstream(m_build / "CMakeCache.txt") << ""; }
+
+  [[nodiscard]] static Paths PlacesOf(const std::filesystem::path& file) {
+    return FindLibraryPlaces(file, "a.so", "pulse");
+  }
+
+  const support::TempFolder m_folder;
+  const std::filesystem::path m_build = m_folder.Path();
+};
+
+TEST_F(LoadedLibraryPlaces, OfABuildAreInThatBuild) {
+  for (const char* file : {"applet/voxtrel.cpl", "host/cli/voxtrel", "tests/cli/cli_tests"}) {
+    EXPECT_EQ(FindBuildFolder(m_build / file), m_build) << file;
+    EXPECT_THAT(PlacesOf(m_build / file),
+                testing::ElementsAre((m_build / file).parent_path() / "a.so",
+                                     m_build / "platform/pulse/a.so"));
+  }
+}
+
+TEST_F(LoadedLibraryPlaces, OfAnInstalledProgramAreInItsOwnLibFolderAlone) {
+  EXPECT_EQ(FindBuildFolder(m_build / "bin/voxtrel"), "");
+  EXPECT_EQ(FindBuildFolder(m_build / ".local/bin/voxtrel"), "");
+  EXPECT_THAT(
+      PlacesOf("/home/ann/.local/bin/voxtrel"),
+      testing::ElementsAre("/home/ann/.local/bin/a.so", "/home/ann/.local/lib/voxtrel/a.so"));
+}
+
+TEST_F(LoadedLibraryPlaces, FoldersNamedAsThoseOfABuildMakeNone) {
+  std::filesystem::remove(m_build / "CMakeCache.txt");
+  EXPECT_EQ(FindBuildFolder(m_build / "applet/voxtrel.cpl"), "");
+  EXPECT_EQ(FindBuildFolder(m_build / "host/cli/voxtrel"), "");
+}
+
+TEST_F(LoadedLibraryPlaces, AreNoneWhereTheOwnFileIsNotKnown) {
+  EXPECT_THAT(PlacesOf(""), testing::IsEmpty());
+  EXPECT_THAT(PlacesOf("voxtrel"), testing::IsEmpty());
+  EXPECT_EQ(FindBuildFolder("host/cli/voxtrel"), "");
+}
+
 }  // namespace
 }  // namespace loading

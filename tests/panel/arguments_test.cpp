@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
 #include <vector>
 
 namespace {
@@ -19,8 +20,26 @@ TEST(Arguments, AreTheWindowWithTheInstalledAppletsWhereThereAreNone) {
 }
 
 TEST(Arguments, NameAppletsAndFolders) {
-  const auto parsed = Parse({"/", "."});
-  EXPECT_EQ(std::get<panel::Arguments>(parsed).places, (std::vector<std::string>{"/", "."}));
+  const auto parsed = Parse({"/", "/usr"});
+  EXPECT_EQ(std::get<panel::Arguments>(parsed).places, (std::vector<std::string>{"/", "/usr"}));
+}
+
+TEST(Arguments, OfFilesInTheCurrentFolderAreNotTaken) {
+  for (const char* place : {".", "./", "..", "", "CMakeFiles"}) {
+    EXPECT_EQ(std::get<int>(Parse({place})), 2) << place;
+  }
+  for (const char* file : {"./voxtrel.cpl", "../voxtrel.cpl", "applet/voxtrel.cpl"}) {
+    EXPECT_EQ(std::get<int>(Parse({"--open", file})), 2) << file;
+    EXPECT_EQ(std::get<int>(Parse({"--inquire", file})), 2) << file;
+  }
+  EXPECT_EQ(std::get<int>(Parse({"--inquire", "voxtrel.cpl"})), 2);
+}
+
+TEST(Arguments, AreQuotedWithoutWhatATerminalMightTakeForACommand) {
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(std::get<int>(Parse({"--opne\x1B]0;x\x07\u202E\u009B"})), 2);
+  const std::string said = testing::internal::GetCapturedStderr();
+  EXPECT_NE(said.find("--opne ]0;x  \n"), std::string::npos) << said;
 }
 
 TEST(Arguments, OpenOneApplet) {

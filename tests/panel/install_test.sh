@@ -12,8 +12,9 @@ fail() {
 }
 
 cmake --install "$1" --prefix "$scratch/first" >/dev/null
-mv "$scratch/first" "$scratch/moved"
-cd "$scratch/moved"
+mkdir "$scratch/home"
+mv "$scratch/first" "$scratch/home/.local"
+cd "$scratch/home/.local"
 
 for file in bin/voxtrel bin/voxtrel-connection bin/voxtrel-panel lib/voxtrel/voxtrel.cpl \
   share/voxtrel/help/ZedraVoxtrelPE_help.htm share/voxtrel/languages/Voxtrel.lng share/voxtrel/samples/contacts.vcf \
@@ -50,6 +51,38 @@ if said=$(bin/voxtrel-panel 2>&1); then
 fi
 grep -F 'There is no display' <<<"$said"
 
-# Whether a library that is named without a folder is found from where the program now lies.
-bin/voxtrel-panel --inquire lib/voxtrel/voxtrel.cpl | grep -aq 's.v.g\|svg' ||
-  fail "the applet does not tell its icon"
+inquire() {
+  bin/voxtrel-panel --inquire "$1" | grep -aq 's.v.g\|svg'
+}
+inquire "$PWD/lib/voxtrel/voxtrel.cpl" || fail "the applet does not tell its icon"
+if inquire lib/voxtrel/voxtrel.cpl 2>/dev/null; then
+  fail "a library of the current folder was loaded"
+fi
+
+# Nothing is loaded from folders that have the names of a build's, nor from the current one. What is
+# planted there is no library, which the system would say if it were taken.
+export QT_QPA_PLATFORM=offscreen XDG_DATA_HOME="$scratch/data" HOME="$scratch/home"
+mv lib/voxtrel "$scratch/away"
+for folder in "$scratch/home/applet" "$scratch/home/.local/applet" "$scratch/home/.local/panel" \
+  "$scratch/home/"{,.local/}platform/{pulse,ebook,text}; do
+  mkdir -p "$folder"
+  for name in voxtrel.cpl voxtrel-pulse.so voxtrel-ebook.so voxtrel-collation.so voxtrel-panel; do
+    echo planted >"$folder/$name"
+    cp "$folder/$name" "$scratch/home/$name"
+  done
+done
+cd "$scratch/home"
+export LD_DEBUG=files LD_DEBUG_OUTPUT="$scratch/loaded"
+# Each fails, as what belongs to it is away.
+.local/bin/voxtrel-panel --open voxtrel.cpl 2>"$scratch/said" && fail "an applet was opened"
+.local/bin/voxtrel open 2>>"$scratch/said" && fail "a window was opened"
+.local/bin/voxtrel --root "$scratch/root" --contacts eds status >>"$scratch/said" 2>&1 || true
+.local/bin/voxtrel --root "$scratch/letters" --contacts "$scratch/letters.vcf" contacts list \
+  >>"$scratch/said" 2>&1 || true
+unset LD_DEBUG LD_DEBUG_OUTPUT
+grep -qF "$scratch/home/.local/lib/voxtrel/voxtrel.cpl" "$scratch/said" ||
+  fail "it is not said where the applet belongs: $(cat "$scratch/said")"
+if grep -hE "$scratch/home/(\./)?(\.local/)?(applet|platform|panel|voxtrel)" "$scratch"/loaded.* ||
+  grep -iE 'invalid ELF|file too short' "$scratch/said"; then
+  fail "a planted library was looked at"
+fi

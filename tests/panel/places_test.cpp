@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
+#include <QFileInfo>
 
 #include "tests/panel/panel_fixture.h"
 
@@ -44,9 +45,21 @@ TEST_F(Places, ThatAreNotThereHoldNothing) {
   EXPECT_TRUE(panel::FindApplets({Path("missing"), Path("missing.cpl")}).isEmpty());
 }
 
-TEST_F(Places, ANameWithASlashIsThatFile) {
-  EXPECT_EQ(panel::FindApplet(QStringLiteral("./here.cpl")),
-            QDir::current().absoluteFilePath(QStringLiteral("here.cpl")));
+TEST_F(Places, AFullPathIsThatFile) {
+  EXPECT_EQ(panel::FindApplet(QStringLiteral("/opt/here.cpl")), QStringLiteral("/opt/here.cpl"));
+}
+
+TEST_F(Places, ANameIsThatOfAnInstalledAppletWhateverIsInTheCurrentFolder) {
+  const QString name = QFileInfo(Make("here.cpl")).fileName();
+  const QString before = QDir::currentPath();
+  ASSERT_TRUE(QDir::setCurrent(m_folder.path()));
+  EXPECT_EQ(panel::FindApplet(name), panel::AppletFolder() + QStringLiteral("/here.cpl"));
+  ASSERT_TRUE(QDir::setCurrent(before));
+}
+
+TEST_F(Places, OfABuildAreInThatBuild) {
+  const QString panel = QFileInfo(panel_test::Program()).canonicalPath();
+  EXPECT_EQ(panel::AppletFolder(), QDir::cleanPath(panel + QStringLiteral("/../../applet")));
 }
 
 }  // namespace
