@@ -78,7 +78,9 @@ std::int32_t Library::Answer(std::uint32_t message, std::intptr_t lParam1, std::
     m_app.InitInstance();
   }
   const bool isOpening = message == static_cast<std::uint32_t>(CplMessage::kDblClk);
-  if (isOpening && !CanOpen()) {
+  if (isOpening && m_app.IsOpen()) {
+    m_presentation.Get().BringForward({});
+  } else if (isOpening && !CanOpen()) {
     // As after a sheet that was closed.
     return m_app.Answer(static_cast<std::uint32_t>(CplMessage::kStop), lParam1, lParam2);
   }

@@ -14,7 +14,23 @@ namespace {
 constexpr std::u16string_view kProduct = u"Voxtrel PE";
 constexpr std::u16string_view kVersion = u"v3.0";
 
+/// Of the one applet that the library holds, and the answer to who means another one.
+constexpr std::intptr_t kOwnNumber = 0;
+constexpr std::int32_t kNotOfThisApplet = 1;
+
 static_assert(kNoIcon == platform::kNoIcon);
+
+/// Raises a flag for as long as it lives, so that it falls too if a library throws.
+class Raised {
+ public:
+  explicit Raised(bool& flag) : m_flag(flag) { m_flag = true; }
+  Raised(const Raised&) = delete;
+  Raised& operator=(const Raised&) = delete;
+  ~Raised() { m_flag = false; }
+
+ private:
+  bool& m_flag;
+};
 
 /// The object, or null where there is no memory for it: start-up goes on without it.
 template <typename T, typename... Arguments>
@@ -61,13 +77,19 @@ std::int32_t VoxtrelApp::Answer(std::uint32_t message, std::intptr_t lParam1,
 }
 
 std::int32_t VoxtrelApp::OnDoubleClick(std::intptr_t lParam1) {
+  if (m_isOpen) {
+    // Answered as an opening that was dealt with. The icon lives until the sheet was closed.
+    return lParam1 == kOwnNumber ? 0 : kNotOfThisApplet;
+  }
   if (m_sheet) {
+    // A page that the sheet has from an earlier opening stays in its place.
     if (m_learningPage) {
       m_sheet->AddPage(*m_learningPage);
     }
     if (m_aboutPage) {
       m_sheet->AddPage(*m_aboutPage);
     }
+    const Raised open(m_isOpen);
     m_sheet->DoModal();
   }
   // On purpose the end of the sheet is the end of the applet's turn: the icon has lived from the
@@ -76,8 +98,8 @@ std::int32_t VoxtrelApp::OnDoubleClick(std::intptr_t lParam1) {
 }
 
 std::int32_t VoxtrelApp::OnStop(std::intptr_t lParam1) {
-  if (lParam1 != 0) {
-    return 1;  // Not of this applet, whose number is 0.
+  if (lParam1 != kOwnNumber) {
+    return kNotOfThisApplet;
   }
   if (m_module != nullptr) {
     m_module->DestroyIcon(m_icon);

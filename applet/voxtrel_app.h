@@ -25,7 +25,11 @@ class VoxtrelApp final : public framework::CWinApp {
   /// Builds the language table, the pages and the sheet, once, before the first message.
   bool InitInstance() override;
 
-  /// Answers a message of the control panel.
+  /// Whether the sheet is open, from the double-click that opened it until that is answered.
+  [[nodiscard]] bool IsOpen() const { return m_isOpen; }
+
+  /// Answers a message of the control panel. One that comes while the sheet is open, from the event
+  /// loop that the sheet runs, opens no second one.
   [[nodiscard]] std::int32_t Answer(std::uint32_t message, std::intptr_t lParam1,
                                     std::intptr_t lParam2);
 
@@ -45,6 +49,8 @@ class VoxtrelApp final : public framework::CWinApp {
   std::unique_ptr<tags::Page_one> m_learningPage;
   std::unique_ptr<AboutPage> m_aboutPage;
   std::unique_ptr<PrShit> m_sheet;
+
+  bool m_isOpen = false;
 };
 
 }  // namespace applet

@@ -19,6 +19,7 @@
 #include "host/panel/message.h"
 #include "host/panel/notice_bar.h"
 #include "host/panel/places.h"
+#include "platform/qt/strings.h"
 #include "resources/desktop_strings.h"
 
 namespace panel {
@@ -135,7 +136,7 @@ void PanelWindow::BuildMenus() {
 void PanelWindow::BuildSampleMenu() {
   m_samples = new QMenu(tr("&Try with samples"), this);
   for (const Sample& sample : FindSamples()) {
-    m_samples->addAction(tr("The microphone says “%1”").arg(sample.name), this,
+    m_samples->addAction(tr("The microphone says “%1”").arg(qt::WithoutMnemonic(sample.name)), this,
                          [this, path = sample.path] { OpenSample(path); });
   }
 }
@@ -179,7 +180,7 @@ void PanelWindow::ShowApplets(const QString& library, const LibraryReport& repor
   }
   const auto describe = [](QListWidgetItem* item, const QString& text) {
     item->setData(kDescriptionRole, text);
-    item->setToolTip(text);
+    item->setToolTip(qt::AsToolTip(text));
     item->setData(Qt::AccessibleDescriptionRole, text);
   };
   if (!report.problem.isEmpty()) {

@@ -25,7 +25,10 @@ void FitLabel(Control& control, const QString& text) {
   if (control.description.kind == resources::ControlKind::kStatic) {
     control.label->resize(std::min(std::max(wanted, 1), given), control.label->height());
   }
-  control.label->setToolTip(wanted > given ? WithoutMnemonic(text) : QString());
+  const QString hidden = wanted > given ? text : QString();
+  control.label->setToolTip(AsToolTip(hidden));
+  // Else a screen reader would be given the tool tip with its marks.
+  control.label->setAccessibleDescription(hidden);
 }
 
 void ShowLabel(Control& control, const QString& text) {
@@ -67,8 +70,11 @@ void ShowButton(Control& control, const QString& text) {
   const bool fits = metrics.horizontalAdvance(text) <= room;
   button.setText(WithMnemonic(fits ? text : metrics.elidedText(text, Qt::ElideRight, room),
                               fits ? control.mnemonic : std::nullopt));
-  button.setToolTip(fits ? QString() : text);
-  button.setAccessibleName(fits ? QString() : text);
+  const QString hidden = fits ? QString() : text;
+  button.setToolTip(AsToolTip(hidden));
+  button.setAccessibleName(hidden);
+  // Else a screen reader would be given the tool tip with its marks.
+  button.setAccessibleDescription(hidden);
 }
 
 }  // namespace

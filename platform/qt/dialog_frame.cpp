@@ -11,7 +11,7 @@ namespace qt {
 DialogFrame::DialogFrame(const resources::DialogTemplate& dialog, platform::DialogHandler& handler,
                          UiThread& thread, Pictures& pictures, QWidget* parent)
     : Frame(parent), m_dialog(dialog, handler, thread, pictures, this) {
-  setWindowTitle(ToQString(dialog.caption));
+  setWindowTitle(AsWindowTitle(ToQString(dialog.caption)));
   setPalette(DialogPalette());
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins({});

@@ -46,7 +46,7 @@ MessageDialog::MessageDialog(const platform::MessageBox& box, const QString& cap
       m_comesToFront(Has(box.style, MessageStyle::kTopmost) ||
                      Has(box.style, MessageStyle::kSetForeground)) {
   setObjectName(QStringLiteral("message_box"));
-  setWindowTitle(caption);
+  setWindowTitle(AsWindowTitle(caption));
   setFont(DialogFont());
   setPalette(DialogPalette());
   setWindowFlag(Qt::WindowStaysOnTopHint, Has(box.style, MessageStyle::kTopmost));

@@ -32,7 +32,7 @@ QtSheet::QtSheet(std::u16string_view caption, std::span<const platform::SheetPag
       m_thread(thread),
       m_pictures(pictures),
       m_shown(pages.size()) {
-  setWindowTitle(ToQString(caption));
+  setWindowTitle(AsWindowTitle(ToQString(caption)));
   setFont(DialogFont());
   setPalette(DialogPalette());
   setWindowFlag(Qt::WindowMinMaxButtonsHint, false);

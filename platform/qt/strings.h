@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QTextDocument>
 #include <string>
 #include <string_view>
 
@@ -16,6 +17,19 @@ namespace qt {
 [[nodiscard]] inline QString WithoutMnemonic(const QString& text) {
   QString escaped = text;
   return escaped.replace(u'&', QStringLiteral("&&"));
+}
+
+/// The text as a tool tip has to be given it, which takes what looks like HTML for HTML.
+[[nodiscard]] inline QString AsToolTip(const QString& text) {
+  return Qt::mightBeRichText(text) ? QStringLiteral("<span style='white-space:pre-wrap'>%1</span>")
+                                         .arg(text.toHtmlEscaped())
+                                   : text;
+}
+
+/// The text as a window has to be given its title, where "[*]" is the mark of a change.
+[[nodiscard]] inline QString AsWindowTitle(const QString& text) {
+  QString escaped = text;
+  return escaped.replace(QStringLiteral("[*]"), QStringLiteral("[*][*]"));
 }
 
 }  // namespace qt

@@ -1,5 +1,6 @@
 // A control panel of the smallest kind: asks the library at argv[1] for its name and icon, and
-// double-clicks it argv[2] times. With windows, each sheet is closed as soon as it is shown.
+// double-clicks it argv[2] times. With windows, each sheet is closed as soon as it is shown; with
+// an argv[3], it is double-clicked once more before.
 
 #include <dlfcn.h>
 #include <unistd.h>
@@ -10,6 +11,8 @@
 #include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
+#include <memory>
 #include <string>
 
 #include "applet/control_panel.h"
@@ -24,6 +27,9 @@ std::string ReadIcon(applet::IconHandle icon) {
   return std::string(begin.data(), static_cast<std::size_t>(length < 0 ? 0 : length));
 }
 
+/// What a second double-click does, if there is to be one.
+std::function<void()> clickAgain;
+
 /// Says the title of whatever window is shown, once, and closes it. One that is busy stays, until
 /// it is asked again.
 void CloseWindows() {
@@ -34,12 +40,15 @@ void CloseWindows() {
     if (!window->property("said").toBool()) {
       std::printf("shown %s\n", window->windowTitle().toUtf8().constData());
       window->setProperty("said", true);
+      if (clickAgain) {
+        clickAgain();
+      }
     }
     window->close();
   }
 }
 
-int Run(applet::CplAppletFunction entry, int openings) {
+int Run(applet::CplAppletFunction entry, int openings, bool clicksAgain) {
   const auto send = [entry](CplMessage message, std::intptr_t first = 0, std::intptr_t second = 0) {
     return entry(nullptr, static_cast<std::uint32_t>(message), first, second);
   };
@@ -47,6 +56,11 @@ int Run(applet::CplAppletFunction entry, int openings) {
   std::printf("init %d count %d\n", send(CplMessage::kInit), send(CplMessage::kGetCount));
   send(CplMessage::kNewInquire, 0, reinterpret_cast<std::intptr_t>(&info));
   std::printf("icon %s\n", ReadIcon(info.hIcon).c_str());
+  if (clicksAgain) {
+    clickAgain = [send, &info] {
+      std::printf("again %d\n", send(CplMessage::kDblClk, 0, info.lData));
+    };
+  }
   for (int i = 0; i < openings; ++i) {
     std::printf("opened %d\n", send(CplMessage::kDblClk, 0, info.lData));
   }
@@ -58,7 +72,7 @@ int Run(applet::CplAppletFunction entry, int openings) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 3) {
+  if (argc < 3) {
     return 2;
   }
   std::unique_ptr<QApplication> application;
@@ -74,7 +88,8 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "%s\n", ::dlerror());
     return 3;
   }
-  const int result = Run(reinterpret_cast<applet::CplAppletFunction>(entry), std::atoi(argv[2]));
+  const int result =
+      Run(reinterpret_cast<applet::CplAppletFunction>(entry), std::atoi(argv[2]), argc > 3);
   ::dlclose(library);
   return result;
 }

@@ -100,6 +100,19 @@ TEST_F(Library, MakesThePresentationOnceWhenTheSheetIsShown) {
   EXPECT_TRUE(std::filesystem::is_directory(m_options.backends.root));
 }
 
+TEST_F(Library, ADoubleClickWhileTheSheetIsOpenBringsItForward) {
+  applet::Library library(m_options);
+  int shown = 0;
+  m_stage.ui.SetSheetStory([&](headless::HeadlessSheet&) {
+    ++shown;
+    EXPECT_EQ(Send(library, CplMessage::kDblClk), 0);
+    EXPECT_EQ(Send(library, CplMessage::kDblClk), 0);
+  });
+  EXPECT_EQ(Send(library, CplMessage::kDblClk), 0);
+  EXPECT_EQ(shown, 1);
+  EXPECT_THAT(m_stage.tokens, ElementsAre("", ""));
+}
+
 TEST_F(Library, SaysThatThereIsNoFolderInsteadOfOpening) {
   ASSERT_EQ(::unsetenv("HOME"), 0);
   ASSERT_EQ(::unsetenv("XDG_DATA_HOME"), 0);

@@ -1,9 +1,12 @@
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "resources/dialogs.h"
+#include "storage/registry_keys.h"
 #include "tests/applet/applet_fixture.h"
+#include "tests/support/registry_access.h"
 
 namespace {
 
@@ -147,6 +150,54 @@ TEST_F(VoxtrelAppSheet, OpensAndClosesManyTimesInOneProcess) {
   EXPECT_EQ(opened, kOpenings);
   EXPECT_FALSE(m_machine.process.GetExitCode());
   EXPECT_TRUE(m_module.GetIcons().empty());
+}
+
+TEST_F(VoxtrelAppSheet, ASecondOpeningReadsContactsAndTagsAgainAndDoublesNothing) {
+  headless::HeadlessContact ann{.oid = 17, .firstName = u"Ann", .lastName = u"Lee"};
+  ann.Number(platform::PhoneNumberKind::kMobile) = u"5551234";
+  m_machine.contacts.Add(ann);
+  const std::u16string tag = std::u16string(storage::kTagKey) + u"\\100";
+  for (const auto& [name, text] :
+       {std::pair(storage::kContactValue, u"17"), std::pair(storage::kPhoneTypeValue, u"Mobile")}) {
+    ASSERT_EQ(support::PutText(m_machine.registry, tag, name, text),
+              platform::RegistryError::kNone);
+  }
+  const auto app = Start();
+  for (int opening = 1; opening <= 2; ++opening) {
+    m_machine.ui.SetSheetStory([&](HeadlessSheet& sheet) {
+      headless::HeadlessDialog& page = *sheet.ShowPage(0);
+      EXPECT_EQ(page.GetItems(resources::kTagListId), Texts{u"Ann Lee 5551234 M"}) << opening;
+      EXPECT_EQ(page.GetText(resources::kCountLabelId), u"Learned commands: 1") << opening;
+      EXPECT_EQ(page.GetItems(resources::kContactComboId).size(), opening == 1 ? 1U : 2U);
+      headless::HeadlessContact bob{.oid = 18, .firstName = u"Bob", .lastName = u"Ray"};
+      bob.Number(platform::PhoneNumberKind::kMobile) = u"5555678";
+      m_machine.contacts.Add(bob);
+    });
+    EXPECT_EQ(Open(*app), 0);
+  }
+}
+
+TEST_F(VoxtrelAppSheet, ADoubleClickWhileItIsOpenOpensNoSecondOne) {
+  const auto app = Start();
+  applet::NewCplInfo info;
+  EXPECT_EQ(Inquire(*app, info), 0);
+  int shown = 0;
+  m_machine.ui.SetSheetStory([&](HeadlessSheet& sheet) {
+    ++shown;
+    EXPECT_TRUE(app->IsOpen());
+    EXPECT_EQ(Open(*app), 0);
+    EXPECT_EQ(Send(*app, applet::CplMessage::kDblClk, 1), 1) << "Of no applet of this library.";
+    EXPECT_EQ(m_module.GetIcons().empty(), shown > 1) << "It lives until the sheet was closed.";
+    // The page is as it was before.
+    EXPECT_EQ(sheet.ShowPage(0)->GetText(resources::kCountLabelId), u"Learned commands: 0");
+    EXPECT_FALSE(sheet.ShowPage(1)->Paint().empty());
+  });
+  EXPECT_EQ(Open(*app), 0);
+  EXPECT_EQ(shown, 1);
+  EXPECT_FALSE(app->IsOpen());
+  EXPECT_TRUE(m_module.GetIcons().empty());
+  EXPECT_EQ(Open(*app), 0);
+  EXPECT_EQ(shown, 2) << "Once it is closed it opens as ever.";
 }
 
 TEST_F(VoxtrelAppSheet, AppletsThatFollowEachOtherLeaveNothingBehind) {

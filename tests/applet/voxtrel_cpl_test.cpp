@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <string>
+#include <vector>
 
 #include "platform/posix/doorbell.h"
 #include "platform/posix/posix_threads.h"
@@ -21,7 +23,8 @@ class VoxtrelCpl : public testing::Test {
   }
 
   /// Without a desktop session or a sound server, and with one contact.
-  [[nodiscard]] support::ProgramRun Host(int openings, const std::string& display) const {
+  [[nodiscard]] support::ProgramRun Host(int openings, const std::string& display,
+                                         const std::vector<std::string>& more = {}) const {
     std::ofstream(Path("contacts.vcf"))
         << "BEGIN:VCARD\r\nVERSION:3.0\r\nN:Lee;Ann;;;\r\nTEL;TYPE=CELL:5551234\r\nEND:VCARD\r\n";
     std::vector<std::string> environment = {"VOXTREL_ROOT=" + Path("root"),
@@ -35,7 +38,9 @@ class VoxtrelCpl : public testing::Test {
     if (!display.empty()) {
       environment.push_back("QT_QPA_PLATFORM=" + display);
     }
-    return support::RunProgram({CPL_HOST, VOXTREL_CPL, std::to_string(openings)}, environment);
+    std::vector<std::string> command{CPL_HOST, VOXTREL_CPL, std::to_string(openings)};
+    command.insert(command.end(), more.begin(), more.end());
+    return support::RunProgram(command, environment);
   }
 
   support::TempFolder m_folder;
@@ -64,6 +69,13 @@ TEST_F(VoxtrelCpl, ShowsTheSheetEachTimeItIsOpened) {
   const std::string shown = "shown Property\nopened 0\n";
   EXPECT_EQ(run.out, kBegin + shown + shown + shown + kEnd);
   EXPECT_THAT(run.err, testing::Not(HasSubstr("voxtrel.cpl:")));
+}
+
+TEST_F(VoxtrelCpl, ASecondDoubleClickWhileTheSheetIsOpenOpensNoOther) {
+  const auto run = Host(2, "offscreen", {"again"});
+  EXPECT_EQ(run.exitCode, 0) << run.err;
+  const std::string shown = "shown Property\nagain 0\nopened 0\n";
+  EXPECT_EQ(run.out, kBegin + shown + shown + kEnd);
 }
 
 TEST_F(VoxtrelCpl, ASecondProcessEndsAtOnceAndCallsTheFirstOne) {
