@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "platform/active_drivers.h"
+#include "platform/registry_names.h"
 #include "storage/registry_keys.h"
 #include "storage/tag_entry.h"
 
@@ -16,6 +17,11 @@ std::u16string ReadText(platform::RegistryKey& key, std::u16string_view name) {
   platform::RegistryValue value;
   return key.Query(name, value) == RegistryError::kNone ? storage::TextOfValue(value)
                                                         : std::u16string();
+}
+
+/// A name that is too long to be read is no reason to leave out those after it.
+bool GoesOn(RegistryError error) {
+  return error == RegistryError::kNone || error == RegistryError::kInvalid;
 }
 
 }  // namespace
@@ -34,8 +40,13 @@ std::vector<ActivePort> ReadActivePorts(platform::Registry& registry) {
   std::vector<ActivePort> ports;
   const platform::OpenedKey active = registry.OpenKey(storage::kDriversKey);
   std::u16string subkey;
-  for (std::uint32_t i = 0;
-       active.key && active.key->EnumerateSubkey(i, subkey) == RegistryError::kNone; ++i) {
+  RegistryError error = active.error;
+  for (std::uint32_t i = 0; active.key && GoesOn(error); ++i) {
+    error = active.key->EnumerateSubkey(i, subkey);
+    // Another program's name is passed over if it leads nowhere, or to another key.
+    if (error != RegistryError::kNone || !platform::IsKeyName(subkey)) {
+      continue;
+    }
     const auto driver =
         registry.OpenKey(std::u16string(storage::kDriversKey).append(u"\\").append(subkey));
     if (!driver.key) {

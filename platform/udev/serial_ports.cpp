@@ -35,11 +35,18 @@ std::optional<int> ParsePortName(const std::u16string& name) {
 RegistryError ReadKnownPorts(platform::RegistryKey& key, PortNumbers& numbers) {
   std::u16string name;
   RegistryError error = RegistryError::kNone;
-  for (std::uint32_t i = 0; (error = key.EnumerateValue(i, name)) == RegistryError::kNone; ++i) {
+  // Another program's name or value that is too long to be read, kInvalid, is passed over.
+  const auto goesOn = [](RegistryError code) {
+    return code == RegistryError::kNone || code == RegistryError::kInvalid;
+  };
+  for (std::uint32_t i = 0; goesOn(error = key.EnumerateValue(i, name)); ++i) {
     platform::RegistryValue value;
-    error = key.Query(name, value);
-    if (error != RegistryError::kNone) {
+    error = error == RegistryError::kNone ? key.Query(name, value) : error;
+    if (!goesOn(error)) {
       return error;
+    }
+    if (error != RegistryError::kNone) {
+      continue;
     }
     const std::optional<int> number = ParsePortName(name);
     if (const auto identity = platform::ToText(value); number && identity) {

@@ -1,6 +1,7 @@
 #include "connection/active_ports.h"
 
 #include "tests/connection/connection_fixture.h"
+#include "tests/support/failing_registry.h"
 
 namespace {
 
@@ -27,6 +28,18 @@ TEST_F(ActivePorts, DriversOfOtherDevicesArePassedOver) {
                          std::vector<std::byte>(4)),
             platform::RegistryError::kNone);
   const auto ports = connection::ReadActivePorts(m_registry);
+  ASSERT_EQ(ports.size(), 1U);
+  EXPECT_EQ(ports[0].name, u"COM2:");
+}
+
+TEST_F(ActivePorts, WhatAnotherProgramMadeUnreadableIsPassedOver) {
+  PutPort(u"1", u"COM1:");
+  PutPort(u"2", u"COM2:");
+  support::FailingRegistry odd(m_registry);
+  constexpr std::size_t kFirstName = 2;  // After the key was opened.
+  odd.FailCall(kFirstName, support::Failing::kOnce, platform::RegistryError::kInvalid);
+  const auto ports = connection::ReadActivePorts(odd);
+  EXPECT_TRUE(odd.HasFailed());
   ASSERT_EQ(ports.size(), 1U);
   EXPECT_EQ(ports[0].name, u"COM2:");
 }

@@ -104,9 +104,12 @@ TEST(OpenedApplet, MayEndItsProcess) {
 }
 
 TEST(OpenedApplet, TellsTheUserWhatStandsBehindItsName) {
+  testing::internal::CaptureStderr();
   Opened opened("says-at-open");
   EXPECT_EQ(opened.WaitForEnd(), Ending::kClosed);
   EXPECT_EQ(opened.GetMessage(), QStringLiteral("It is busy."));
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "a line for [31m nobody\n")
+      << "What is not for the user is handed on, but no command to a terminal.";
 }
 
 TEST(OpenedApplet, TellsWhyALibraryCannotBeOpened) {

@@ -9,7 +9,9 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QTemporaryDir>
 #include <QTest>
+#include <QTextDocument>
 
 #include "host/panel/icons.h"
 #include "host/panel/notice_bar.h"
@@ -97,6 +99,18 @@ TEST_F(Panel, ShowsFaultyAppletsWithAPlainIconAndTheReason) {
   EXPECT_EQ(m_list->item(0)->icon().pixmap(48, 48).toImage(),
             panel::PlainIcon().pixmap(48, 48).toImage());
   EXPECT_EQ(Status(), reason(0));
+}
+
+TEST_F(Panel, ShowsAToolTipAsItStandsWhateverAFolderIsCalled) {
+  const QTemporaryDir folder(QDir::tempPath() + QStringLiteral("/<b>XXXXXX"));
+  ASSERT_TRUE(QFile::copy(Applet("odd-count"), folder.filePath(QStringLiteral("a.cpl"))));
+  m_settings.places = {folder.path()};
+  Show({});
+  ASSERT_TRUE(Until([&] { return !m_list->item(0)->toolTip().isEmpty(); }));
+  QTextDocument shown;
+  shown.setHtml(m_list->item(0)->toolTip());
+  EXPECT_TRUE(shown.toPlainText().endsWith(folder.filePath(QStringLiteral("a.cpl"))))
+      << m_list->item(0)->toolTip().toStdString();
 }
 
 TEST_F(Panel, TellsWhereItLookedWhereThereIsNoApplet) {

@@ -83,4 +83,16 @@ TEST(PanelProgram, NamesAnAppletThatIsNotThere) {
       << outcome.errors.toStdString();
 }
 
+TEST(PanelProgram, NamesAFileWithoutWhatATerminalMightTakeForACommand) {
+  const Outcome outcome =
+      RunPanel({QStringLiteral("--open"), QStringLiteral("/no/a\x1B[31m\u202E\u009B.cpl")},
+               QProcessEnvironment::systemEnvironment());
+  EXPECT_EQ(outcome.code, 1);
+  EXPECT_TRUE(outcome.errors.startsWith(QStringLiteral("a [31m .cpl: This applet cannot be")))
+      << outcome.errors.toStdString();
+  for (const char16_t unsafe : {u'\x1B', u'\x202E', u'\x9B'}) {
+    EXPECT_FALSE(outcome.errors.contains(QChar(unsafe)));
+  }
+}
+
 }  // namespace

@@ -100,7 +100,8 @@ void Open() {
     Hang();
   }
   if (kFault == "says-at-open" || kFault == "fails-at-open") {
-    const std::string lines = "a line for nobody\n" + std::string(kFault) + ".cpl: It is busy.\n";
+    const std::string lines =
+        "a line for\x1B[31m nobody\n" + std::string(kFault) + ".cpl: It is busy.\n";
     static_cast<void>(std::fputs(lines.c_str(), stderr));
     std::_Exit(kFault == "fails-at-open" ? 3 : 0);
   }

@@ -101,6 +101,19 @@ TEST_F(SerialPorts, ValuesThatAreNoPortsAreLeftAlone) {
             u"serial A");
 }
 
+TEST_F(SerialPorts, WhatAnotherProgramMadeUnreadableIsPassedOver) {
+  const std::vector devices{Adapter(u"/dev/ttyUSB0", u"A"), Adapter(u"/dev/ttyUSB1", u"B")};
+  const Ports before = Publish(devices);
+  support::FailingRegistry odd(m_registry);
+  // After the group was begun and the key opened: the name of the first port, and its value.
+  for (const std::size_t call : {3U, 4U}) {
+    odd.FailCall(call, support::Failing::kOnce, RegistryError::kInvalid);
+    EXPECT_EQ(PublishSerialPorts(odd, m_devices), RegistryError::kNone) << call;
+    EXPECT_TRUE(odd.HasFailed());
+    EXPECT_EQ(ActivePorts(m_registry).at(u"COM2:"), before.at(u"COM2:")) << call;
+  }
+}
+
 TEST_F(SerialPorts, OfMoreDevicesThanNamesTheLastHaveNone) {
   std::vector<SerialDevice> devices;
   for (int i = 0; i < 120; ++i) {
