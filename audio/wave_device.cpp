@@ -1,6 +1,7 @@
 #include "audio/wave_device.h"
 
 #include <algorithm>
+#include <exception>
 #include <limits>
 #include <new>
 #include <span>
@@ -71,6 +72,17 @@ int WaveDevice::QueueBuffer(WaveHeader& header) {
 
 int WaveDevice::Record(std::u16string_view path, std::uint32_t milliseconds) {
   m_recordedBytes = 0;
+  try {
+    return RecordTo(path, milliseconds);
+  } catch (const std::exception&) {
+    // Memory ran out, here or in a library.
+    m_file.reset();
+    ReleaseInput();
+    return kNoBuffer;
+  }
+}
+
+RecordCode WaveDevice::RecordTo(std::u16string_view path, std::uint32_t milliseconds) {
   if (m_platform.waveIn.GetDeviceCount() == 0) {
     ShowTopmost(std::u16string(kNoDevices));
     m_platform.process.End(0);
@@ -91,13 +103,12 @@ int WaveDevice::Record(std::u16string_view path, std::uint32_t milliseconds) {
     return started;
   }
 
-  m_platform.clock.Sleep(milliseconds);
-  if (m_waveIn->Unprepare(*m_header) != WaveResult::kOk) {
-    m_platform.clock.Sleep(kUnprepareRetryWait);
-    // Still not full after this: what has arrived by now is the recording.
-    static_cast<void>(m_waveIn->Unprepare(*m_header));
+  if (!AwaitRecording(milliseconds)) {
+    static_cast<void>(CloseFile());
+    ReleaseInput();
+    static_cast<void>(m_platform.files.Delete(path));
+    return kDeviceLost;
   }
-
   const bool written = WriteRecording();
   const bool closed = CloseFile();
   ReleaseInput();
@@ -124,6 +135,17 @@ RecordCode WaveDevice::StartInput(std::uint32_t milliseconds) {
     return kBufferNotQueued;
   }
   return m_waveIn->Start() == WaveResult::kOk ? kRecorded : kNotStarted;
+}
+
+bool WaveDevice::AwaitRecording(std::uint32_t milliseconds) {
+  m_platform.clock.Sleep(milliseconds);
+  WaveResult result = m_waveIn->Unprepare(*m_header);
+  if (result != WaveResult::kOk) {
+    m_platform.clock.Sleep(kUnprepareRetryWait);
+    // Still not full after this: what has arrived by now is the recording.
+    result = m_waveIn->Unprepare(*m_header);
+  }
+  return result != WaveResult::kNoDevice;
 }
 
 void WaveDevice::ReleaseInput() {

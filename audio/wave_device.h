@@ -17,9 +17,10 @@ enum RecordCode : int {
   kRecorded = 0,
   kFileNotCreated = 1,  ///< Or not written to its end; a message has been shown.
   kDeviceNotOpened = 2,
-  kNoBuffer = 3,
+  kNoBuffer = 3,  ///< Memory ran out.
   kBufferNotQueued = 4,
   kNotStarted = 5,
+  kDeviceLost = 6,     ///< It went away before the recording was whole; no file is left.
   kProcessEnded = -1,  ///< Seen only in a host that ends just the applet: leave at once.
 };
 
@@ -34,8 +35,9 @@ enum PlayCode : int {
   kSoundNotPcm = 6,
   kSoundNoData = 7,  ///< No usable data, or a header that no device can play.
   kOutputNotOpened = 8,
-  kNoPlayBuffer = 9,
+  kNoPlayBuffer = 9,  ///< Memory ran out.
   kNotWritten = 10,
+  kNotHeardToEnd = 11,  ///< The device went away, or was still playing when the time was over.
   kNotPrepared = 101,
   kSoundNotRead = 202,
 };
@@ -83,7 +85,11 @@ class WaveDevice {
   std::vector<std::byte> m_view;  ///< Of the player: the whole file.
 
  private:
+  [[nodiscard]] RecordCode RecordTo(std::u16string_view path, std::uint32_t milliseconds);
   [[nodiscard]] RecordCode StartInput(std::uint32_t milliseconds);
+  /// Sleeps for the length of the recording and fetches it. Returns false if the device was lost
+  /// before its buffer was full.
+  [[nodiscard]] bool AwaitRecording(std::uint32_t milliseconds);
   void ReleaseInput();
   [[nodiscard]] bool WriteRecording();
   [[nodiscard]] bool CloseFile();

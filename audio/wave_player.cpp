@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <exception>
 #include <limits>
 #include <new>
 #include <optional>
@@ -91,9 +92,15 @@ std::uint32_t GetPlayingTime(std::size_t fileBytes, std::uint32_t samplesPerSeco
 }  // namespace
 
 int WaveDevice::Play(std::u16string_view path) {
-  PlayCode code = ReadSound(path);
-  if (code == kPlayed) {
-    code = PlaySound();
+  PlayCode code = kNoPlayBuffer;
+  try {
+    code = ReadSound(path);
+    if (code == kPlayed) {
+      code = PlaySound();
+    }
+  } catch (const std::exception&) {
+    // Memory ran out, here or in a library.
+    code = kNoPlayBuffer;
   }
   ReleaseOutput();
   return code;
@@ -142,10 +149,7 @@ PlayCode WaveDevice::PlaySound() {
   if (!m_waveOut) {
     return kOutputNotOpened;
   }
-  m_header.reset(new (std::nothrow) platform::WaveHeader);
-  if (!m_header) {
-    return kNoPlayBuffer;
-  }
+  m_header = std::make_unique<platform::WaveHeader>();
   m_header->data = m_view.data() + (data->data() - m_view.data());
   m_header->bufferLength = static_cast<std::uint32_t>(data->size());
   if (m_waveOut->Prepare(*m_header) != WaveResult::kOk) {
@@ -155,12 +159,12 @@ PlayCode WaveDevice::PlaySound() {
     return kNotWritten;
   }
   m_platform.clock.Sleep(GetPlayingTime(m_view.size(), format.samplesPerSecond));
-  if (m_waveOut->Unprepare(*m_header) != WaveResult::kOk) {
-    m_platform.clock.Sleep(kPlayerRetryWait);
-    // Still playing after this: it is cut off.
-    static_cast<void>(m_waveOut->Unprepare(*m_header));
+  if (m_waveOut->Unprepare(*m_header) == WaveResult::kOk) {
+    return kPlayed;
   }
-  return kPlayed;
+  m_platform.clock.Sleep(kPlayerRetryWait);
+  // Still playing after this: it is cut off.
+  return m_waveOut->Unprepare(*m_header) == WaveResult::kOk ? kPlayed : kNotHeardToEnd;
 }
 
 void WaveDevice::ReleaseOutput() {

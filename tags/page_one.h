@@ -58,6 +58,9 @@ class Page_one : public framework::CPropertyPage,
   /// What the player answered last; it tells the user nothing.
   [[nodiscard]] int GetPlayCode() const { return m_playCode; }
 
+  /// What the recorder answered last. A message has shown it as a number.
+  [[nodiscard]] int GetRecordCode() const { return m_recordCode; }
+
  private:
   // Opening.
   [[nodiscard]] bool BecomeOnlyInstance();
@@ -125,6 +128,7 @@ class Page_one : public framework::CPropertyPage,
   /// Recordings that were not waited for any longer. They use nothing of the page's.
   std::vector<std::unique_ptr<platform::Thread>> m_lateWorkers;
   int m_playCode = 0;
+  int m_recordCode = 0;
   bool m_isSetUp = false;
 };
 

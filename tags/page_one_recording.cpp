@@ -103,6 +103,7 @@ bool Page_one::RecordUtterance(const std::function<void()>& step) {
   if (worker && worker->Wait(kLongestWait) == platform::WaitResult::kTimedOut) {
     LeaveBehind(std::move(worker));
   }
+  m_recordCode = recording->GetCode();
   return !recording->HasEndedProcess();
 }
 

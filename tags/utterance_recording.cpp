@@ -1,6 +1,7 @@
 #include "tags/utterance_recording.h"
 
 #include <cstdint>
+#include <exception>
 
 #include "audio/wave_header.h"
 #include "language/formatting.h"
@@ -12,18 +13,24 @@ constexpr std::uint32_t kUtteranceMilliseconds = 3000;
 
 }  // namespace
 
-void UtteranceRecording::Run() {
+void UtteranceRecording::Run() noexcept {
   m_device->SetFormat(audio::kRecordingBits, audio::kRecordingRate);
   const int code = m_device->Record(m_path, kUtteranceMilliseconds);
-  if (code == audio::kRecorded) {
+  m_code = code;
+  if (code == audio::kRecorded || code == audio::kProcessEnded) {
     return;
   }
-  m_hasEndedProcess = true;
-  if (code != audio::kProcessEnded) {
-    m_platform.ui.ShowMessage({language::Decimal(code), platform::MessageCaption::kText,
-                               u"Error Code", platform::MessageStyle::kTopmost});
-    m_platform.process.End(0);
+  try {
+    ShowCode();
+  } catch (const std::exception&) {
+    // There is no memory for the message. The process ends all the same.
   }
+  m_platform.process.End(0);
+}
+
+void UtteranceRecording::ShowCode() const {
+  m_platform.ui.ShowMessage({language::Decimal(m_code), platform::MessageCaption::kText,
+                             u"Error Code", platform::MessageStyle::kTopmost});
 }
 
 }  // namespace tags

@@ -19,17 +19,23 @@ class UtteranceRecording {
                      std::u16string path)
       : m_platform(platform), m_device(std::move(device)), m_path(std::move(path)) {}
 
-  /// Records three seconds. Where that fails the user is told the code and the process ends.
-  void Run();
+  /// Records three seconds. If that fails the user sees the code and the process ends. Throws
+  /// nothing: it is the whole of a thread.
+  void Run() noexcept;
 
   /// Whether the process was to end: nothing may be done any more. May be called from any thread.
-  [[nodiscard]] bool HasEndedProcess() const { return m_hasEndedProcess; }
+  [[nodiscard]] bool HasEndedProcess() const { return GetCode() != audio::kRecorded; }
+
+  /// The recorder's answer; kRecorded as long as there is none. May be called from any thread.
+  [[nodiscard]] int GetCode() const { return m_code; }
 
  private:
+  void ShowCode() const;
+
   const platform::Platform m_platform;
   const std::shared_ptr<audio::WaveDevice> m_device;
   const std::u16string m_path;
-  std::atomic<bool> m_hasEndedProcess = false;
+  std::atomic<int> m_code = audio::kRecorded;
 };
 
 }  // namespace tags

@@ -30,10 +30,13 @@ std::string InWords(int code, bool isSpeakerFile) {
                  : "the loudspeaker could not be opened: there is no sound server, it has "
                    "no output, or it takes no such format";
     case audio::kNoPlayBuffer:
-      return "there is no memory for the buffer's header";
+      return "there is not enough memory to play it";
     case audio::kNotWritten:
       return isSpeakerFile ? "the speaker file could not be written"
                            : "the loudspeaker did not take the sound";
+    case audio::kNotHeardToEnd:
+      return "it was not heard to its end: the loudspeaker or the sound server went away or stands "
+             "still";
     case audio::kNotPrepared:
       return "the buffer could not be prepared: the file has a header and no samples";
     case audio::kSoundNotRead:

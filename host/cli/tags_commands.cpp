@@ -14,6 +14,7 @@
 #include "host/cli/output.h"
 #include "host/cli/page_run.h"
 #include "host/cli/play_code.h"
+#include "host/cli/record_code.h"
 #include "host/cli/tag_reading.h"
 #include "host/cli/tags_test_command.h"
 #include "language/formatting.h"
@@ -95,7 +96,10 @@ void Learn(Session& session, const std::string& contact, const std::string& kind
     const int before = run.dialog.GetItemCount(kTagListId);
     run.dialog.Press(kRecordButtonId);
     if (run.dialog.GetItemCount(kTagListId) == before) {
-      session.Fail("no tag was learned");
+      const int code = run.page.GetRecordCode();
+      const std::string reason =
+          code == audio::kRecorded ? std::string() : ExplainRecordCode(session, code);
+      session.Fail(fmt::format("no tag was learned{}{}", reason.empty() ? "" : ": ", reason));
       return;
     }
     if (session.GetOptions().json) {

@@ -12,6 +12,7 @@
 #include "host/cli/output.h"
 #include "host/cli/play_code.h"
 #include "host/cli/progress_clock.h"
+#include "host/cli/record_code.h"
 #include "voicemath/voice_mathematics.h"
 
 namespace cli {
@@ -23,28 +24,6 @@ constexpr std::uint32_t kLongestMilliseconds = 180'000;
 double BytesToSeconds(std::uint32_t bytes) {
   constexpr std::uint32_t kBytesPerSample = audio::kRecordingBits / 8;
   return static_cast<double>(bytes) / (audio::kRecordingRate * kBytesPerSample);
-}
-
-/// What no message box has told yet, or not in words that fit a file in the microphone's place.
-/// `microphone` is that file; empty where there is none.
-std::string ExplainRecordCode(int code, const std::string& microphone) {
-  switch (code) {
-    case audio::kProcessEnded:
-      return microphone.empty() ? std::string() : microphone + ": it cannot be opened";
-    case audio::kDeviceNotOpened:
-      if (!microphone.empty()) {
-        return microphone + " is no wave file of 11,025 Hz, mono, 16 bit";
-      }
-      return "the microphone could not be opened for 11,025 Hz, mono, 16 bit";
-    case audio::kNoBuffer:
-      return "there is no memory for so long a recording";
-    case audio::kBufferNotQueued:
-      return "the microphone did not take the buffer";
-    case audio::kNotStarted:
-      return "the microphone could not be started";
-    default:
-      return {};
-  }
 }
 
 void Record(Session& session, const std::string& file, std::uint32_t milliseconds) {
@@ -64,11 +43,8 @@ void Record(Session& session, const std::string& file, std::uint32_t millisecond
         fmt::format("Recorded {:.1f} s to {}", BytesToSeconds(device.GetRecordedBytes()), file));
   }
   if (code != audio::kRecorded) {
-    std::string reason = ExplainRecordCode(code, microphone);
-    if (!reason.empty()) {
-      reason = code > 0 ? fmt::format(": {} (code {})", reason, code) : ": " + reason;
-    }
-    session.Fail(fmt::format("{} was not recorded{}", file, reason));
+    const std::string reason = ExplainRecordCode(session, code);
+    session.Fail(fmt::format("{} was not recorded{}{}", file, reason.empty() ? "" : ": ", reason));
   }
 }
 

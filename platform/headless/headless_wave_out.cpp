@@ -37,7 +37,7 @@ class HeadlessOutDevice final : public platform::WaveOutDevice {
   }
 
   WaveResult Unprepare(WaveHeader& header) override {
-    if (!m_state) return WaveResult::kNoDevice;
+    if (const auto failure = Failure(m_script.unprepare)) return *failure;
     if (m_queue.Holds(header) && m_script.stillPlaying > 0) {
       --m_script.stillPlaying;
       return WaveResult::kStillPlaying;

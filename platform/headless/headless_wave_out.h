@@ -20,6 +20,7 @@ struct WaveOutScript {
   platform::WaveResult open = platform::WaveResult::kOk;
   platform::WaveResult prepare = platform::WaveResult::kOk;
   platform::WaveResult write = platform::WaveResult::kOk;
+  platform::WaveResult unprepare = platform::WaveResult::kOk;
   platform::WaveResult reset = platform::WaveResult::kOk;
   platform::WaveResult close = platform::WaveResult::kOk;
 };

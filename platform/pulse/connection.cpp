@@ -3,6 +3,7 @@
 #include <pulse/introspect.h>
 
 #include <algorithm>
+#include <exception>
 #include <vector>
 
 namespace pulse {
@@ -28,15 +29,25 @@ void OnContextState(pa_context* context, void* ready) {
 
 void OnServer(pa_context*, const pa_server_info* server, void* data) {
   if (server == nullptr || server->default_source_name == nullptr) return;
-  static_cast<SourceList*>(data)->defaultSource = server->default_source_name;
+  auto& list = *static_cast<SourceList*>(data);
+  try {
+    list.defaultSource = server->default_source_name;
+  } catch (const std::exception&) {
+    list.complete.Give(false);  // No memory; nothing may pass through the library.
+  }
 }
 
 void OnSource(pa_context*, const pa_source_info* source, int end, void* data) {
   auto& list = *static_cast<SourceList*>(data);
   if (end != 0) {
     list.complete.Give(end > 0);
-  } else if (source->monitor_of_sink == PA_INVALID_INDEX) {
+    return;
+  }
+  if (source->monitor_of_sink != PA_INVALID_INDEX) return;
+  try {
     list.inputs.emplace_back(source->name);
+  } catch (const std::exception&) {
+    list.complete.Give(false);
   }
 }
 

@@ -1,3 +1,5 @@
+#include <new>
+
 #include "tests/audio/recorder_fixture.h"
 
 namespace {
@@ -50,6 +52,34 @@ TEST_F(WaveDeviceFaults, ACloseThatFailsIsTriedOnceMoreAfterAWhile) {
     }
   }
   EXPECT_TRUE(sawRetry);
+}
+
+/// Microphone and loudspeaker of a library that has no memory left.
+class NoMemoryWaveIn final : public platform::WaveIn {
+ public:
+  [[nodiscard]] std::uint32_t GetDeviceCount() override { return 1; }
+  [[nodiscard]] platform::OpenedWaveIn Open(const platform::WaveFormat& /*format*/) override {
+    throw std::bad_alloc();
+  }
+};
+
+class NoMemoryWaveOut final : public platform::WaveOut {
+ public:
+  [[nodiscard]] platform::OpenedWaveOut Open(const platform::WaveFormat& /*format*/) override {
+    throw std::bad_alloc();
+  }
+};
+
+TEST_F(WaveDeviceFaults, MemoryThatRunsOutIsACode) {
+  NoMemoryWaveIn waveIn;
+  NoMemoryWaveOut waveOut;
+  audio::WaveDevice device({m_files, waveIn, m_clock, m_threads, m_process, m_ui, m_registry,
+                            m_contacts, waveOut, m_shell});
+  device.SetFormat(audio::kRecordingBits, audio::kRecordingRate);
+  EXPECT_EQ(device.Record(kPath, 200), audio::kNoBuffer);
+  EXPECT_EQ(m_device.Record(kPath, 200), audio::kRecorded);
+  EXPECT_EQ(device.Play(kPath), audio::kNoPlayBuffer);
+  EXPECT_EQ(m_files.CountOpenHandles(), 0U);
 }
 
 }  // namespace

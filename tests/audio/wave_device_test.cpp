@@ -75,6 +75,15 @@ TEST_F(WaveDevice, KeepsTheBufferOfADeviceThatReportsNothing) {
   EXPECT_EQ(GetFile().size(), 66150U);
 }
 
+TEST_F(WaveDevice, ADeviceThatIsLostWhileRecordingHasItsCodeAndLeavesNoFile) {
+  m_waveIn.SetScript({.sound = Sound(kThreeSecondBytes), .unprepare = WaveResult::kNoDevice});
+  EXPECT_EQ(m_device.Record(kPath, kThreeSeconds), 6);
+  EXPECT_FALSE(m_files.GetFile(kPath));
+  EXPECT_EQ(m_device.GetRecordedBytes(), 0U);
+  EXPECT_TRUE(m_ui.GetMessages().empty()) << "The page shows the code.";
+  ExpectAllReleased();
+}
+
 TEST_F(WaveDevice, NeverWritesMoreThanItsBuffer) {
   m_waveIn.SetScript({.sound = {}, .arrivals = {0}});
   EXPECT_EQ(m_device.Record(kPath, 100), audio::kRecorded);

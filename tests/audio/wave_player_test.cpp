@@ -58,10 +58,16 @@ TEST_F(WavePlayer, WaitsOnceMoreForADeviceThatIsStillPlaying) {
   EXPECT_EQ(m_clock.GetSleeps(), (std::vector<std::uint32_t>{300, 200}));
 }
 
-TEST_F(WavePlayer, CutsOffWhatIsStillPlayingThen) {
+TEST_F(WavePlayer, CutsOffWhatIsStillPlayingThenAndSaysSo) {
   m_waveOut.SetScript({.stillPlaying = 100});
-  EXPECT_EQ(PlayBytes(Good()), audio::kPlayed);
+  EXPECT_EQ(PlayBytes(Good()), audio::kNotHeardToEnd);
   EXPECT_EQ(m_clock.GetSleeps(), (std::vector<std::uint32_t>{300, 200}));
+}
+
+TEST_F(WavePlayer, ADeviceThatWentAwayDidNotPlayToTheEnd) {
+  m_waveOut.SetScript({.unprepare = WaveResult::kNoDevice});
+  EXPECT_EQ(PlayBytes(Good()), 11);
+  EXPECT_TRUE(m_ui.GetMessages().empty());
 }
 
 TEST_F(WavePlayer, AFileThatCannotBeOpenedIsOne) {

@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cstdlib>
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -106,6 +108,14 @@ class WaveDeviceAndSoundServer : public testing::Test {
     EXPECT_THAT(samples, testing::Each(kHum.front()));
   }
 
+  /// Half a second is recorded, then something happens that takes the device away.
+  void ExpectLostAfter(const std::function<void()>& action) {
+    m_waveIn.ActAfter(kHalfASecond, action);
+    EXPECT_EQ(Record(), audio::kDeviceLost);
+    EXPECT_TRUE(std::filesystem::is_empty(m_root.Path()));
+    EXPECT_TRUE(m_ui.GetMessages().empty());
+  }
+
   e2e::SoundSession m_session;
   support::TempFolder m_root;
   std::unique_ptr<PulseServer> m_server;
@@ -164,10 +174,16 @@ TEST_F(WaveDeviceAndSoundServer, MicrophoneThatDeliversNothingGivesSilence) {
   EXPECT_THAT(Samples(), testing::Each(std::byte{0}));
 }
 
-TEST_F(WaveDeviceAndSoundServer, ServerThatDiesHalfWayLeavesWhatWasRecorded) {
+TEST_F(WaveDeviceAndSoundServer, ServerThatDiesHalfWayIsALostDeviceAndLeavesNoFile) {
   StartServer();
   const PipeMicrophone microphone(m_server->Pipe(), 11025, 1, kHum);
-  ExpectPartOfARecordingUntil([this] { m_server->Kill(); });
+  ExpectLostAfter([this] { m_server->Kill(); });
+}
+
+TEST_F(WaveDeviceAndSoundServer, MicrophoneUnpluggedHalfWayIsALostDeviceAndLeavesNoFile) {
+  StartServer();
+  const PipeMicrophone microphone(m_server->Pipe(), 11025, 1, kHum);
+  ExpectLostAfter([] { ASSERT_EQ(std::system("pactl unload-module module-pipe-source"), 0); });
 }
 
 TEST_F(WaveDeviceAndSoundServer, ServerThatFreezesHalfWayLeavesWhatWasRecorded) {

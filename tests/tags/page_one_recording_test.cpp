@@ -1,3 +1,5 @@
+#include <new>
+
 #include "platform/little_endian.h"
 #include "tests/support/failing_file_system.h"
 #include "tests/support/failing_registry.h"
@@ -170,6 +172,24 @@ TEST_F(PageOneRecording, ACodeOfTheRecorderIsShownAndEndsTheProcess) {
   EXPECT_EQ(messages[0].box.text, u"5");
   EXPECT_EQ(messages[0].box.caption, u"Error Code");
   EXPECT_EQ(messages[0].box.style, platform::MessageStyle::kTopmost);
+  EXPECT_EQ(m_machine.process.GetExitCode(), 0);
+  EXPECT_TRUE(GetEntries().empty());
+}
+
+TEST_F(PageOneRecording, AMicrophoneThatIsLostIsShownAsItsCodeAndLeavesNoRecording) {
+  m_machine.waveIn.SetScript({.sound = Speech(), .unprepare = platform::WaveResult::kNoDevice});
+  Open().Press(kRecordButtonId);
+  EXPECT_EQ(GetMessages(), Texts{u"6"});
+  EXPECT_EQ(m_page->GetRecordCode(), audio::kDeviceLost);
+  EXPECT_EQ(m_machine.process.GetExitCode(), 0);
+  EXPECT_FALSE(HasFile(storage::WavePath(u"1000")));
+  EXPECT_TRUE(GetEntries().empty());
+}
+
+TEST_F(PageOneRecording, ARecordingThreadWithoutMemoryForItsMessageEndsTheProcessAllTheSame) {
+  m_machine.waveIn.SetScript({.start = platform::WaveResult::kFailed});
+  m_machine.ui.SetListener([](const headless::ShownMessage&) { throw std::bad_alloc(); });
+  Open().Press(kRecordButtonId);
   EXPECT_EQ(m_machine.process.GetExitCode(), 0);
   EXPECT_TRUE(GetEntries().empty());
 }
