@@ -155,8 +155,10 @@ struct ClippedEnvelope {
 
 }  // namespace
 
+bool SpeechBlocks::HavePlace() const { return left == Narrow(left) && right == Narrow(right); }
+
 VOXTREL_VECTOR_CLONES
-std::optional<Segment> LocateSpeech(std::span<std::int16_t> envelope, std::uint32_t totalSamples) {
+std::optional<SpeechBlocks> FindSpeech(std::span<std::int16_t> envelope) {
   if (envelope.empty()) {
     return std::nullopt;
   }
@@ -179,9 +181,14 @@ std::optional<Segment> LocateSpeech(std::span<std::int16_t> envelope, std::uint3
   const std::int32_t leftMass = clipped.Mass(clipped.Blocks(*centre - kReach, *centre - kCore - 1));
   const std::int32_t rightMass =
       clipped.Mass(clipped.Blocks(*centre + kCore + 1, *centre + kReach));
-  const std::int16_t left = Narrow(*centre - leftMass / clipped.clip - kCore);
-  const std::int16_t right = Narrow(*centre + rightMass / clipped.clip + kCore);
+  return SpeechBlocks{*centre - leftMass / clipped.clip - kCore,
+                      *centre + rightMass / clipped.clip + kCore};
+}
 
+std::optional<Segment> ToSegment(const SpeechBlocks& speech, std::uint32_t totalSamples) {
+  // In 16 bits, deliberately: what lies behind block 32,767 is not found again.
+  const std::int16_t left = Narrow(speech.left);
+  const std::int16_t right = Narrow(speech.right);
   constexpr auto kStep = static_cast<std::int32_t>(kBlockStep);
   const std::int32_t first = std::max(left * kStep - kMarginSamples, 0);
   const std::int32_t last = static_cast<std::int32_t>(
@@ -190,6 +197,11 @@ std::optional<Segment> LocateSpeech(std::span<std::int16_t> envelope, std::uint3
     return std::nullopt;
   }
   return Segment{static_cast<std::uint32_t>(first), static_cast<std::uint32_t>(last)};
+}
+
+std::optional<Segment> LocateSpeech(std::span<std::int16_t> envelope, std::uint32_t totalSamples) {
+  const auto speech = FindSpeech(envelope);
+  return speech ? ToSegment(*speech, totalSamples) : std::nullopt;
 }
 
 }  // namespace voicemath

@@ -138,6 +138,9 @@ class CVoiceMathematics : public framework::CObject {
 
   /// The part of the recording that was taken, counted in the file as it was before trimming.
   Segment m_detected;
+  /// Whether the speech that DetectSpeechBounds found last, if any, has a place in 16 bits. If not,
+  /// its bounds are elsewhere.
+  bool m_hasSpeechPlace = true;
 
  private:
   enum class Extent : std::uint8_t { kSpeech, kWholeFile };

@@ -108,9 +108,11 @@ bool CVoiceMathematics::DetectSpeechBounds() {
     return false;
   }
   const auto total = m_dataBytes / static_cast<std::uint32_t>(kSampleBytes);
-  if (const auto speech = LocateSpeech(envelope, total)) {
-    m_firstSample = speech->first;
-    m_lastSample = speech->last;
+  const auto speech = FindSpeech(envelope);
+  m_hasSpeechPlace = !speech || speech->HavePlace();
+  if (const auto segment = speech ? ToSegment(*speech, total) : std::nullopt) {
+    m_firstSample = segment->first;
+    m_lastSample = segment->last;
   }
   return true;
 }

@@ -148,5 +148,29 @@ TEST(LocateSpeech, EqualsItsTwinWhereTheEndsWrap) {
   EXPECT_GT(telling, 40);
 }
 
+TEST(FindSpeech, SpeechHasAPlaceUpToTheLastBlockThatSixteenBitsCount) {
+  constexpr std::int64_t kTooLate = 32768;
+  static_assert(kTooLate * kBlockStep == 1'802'240);
+  int placed = 0;
+  int lost = 0;
+  for (std::ptrdiff_t at = 32700; at < 32780; ++at) {
+    Envelope envelope(34000, 20);
+    std::fill_n(envelope.begin() + at, 10, std::int16_t{9000});
+    const auto speech = FindSpeech(envelope);
+    ASSERT_TRUE(speech);
+    EXPECT_EQ(speech->HavePlace(), speech->right < kTooLate);
+    const auto segment = ToSegment(*speech, 2'000'000);
+    EXPECT_EQ(segment.has_value(), speech->HavePlace());
+    if (segment) {
+      ++placed;
+      EXPECT_EQ(segment->last, speech->right * 55 + 3307);
+    } else {
+      ++lost;
+    }
+  }
+  EXPECT_GT(placed, 10);
+  EXPECT_GT(lost, 10);
+}
+
 }  // namespace
 }  // namespace voicemath

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "voicemath/endpoint_detector.h"
+#include "voicemath/voice_mathematics.h"
+
+namespace voicemath {
+
+/// More than this is no spoken name: a minute.
+inline constexpr std::uint32_t kLongSamples = 60 * kSamplesPerSecond;
+
+/// What is odd about a recording of which a template is to be made. The mathematics processes each
+/// of these all the same.
+struct RecordingReview {
+  std::uint32_t rate = 0;  ///< Samples per second, as the header says.
+  std::uint32_t samples = 0;
+  /// The template is made of these, counted in the file as it is.
+  Segment segment;
+
+  bool isEmpty = false;       ///< Less than a hop: the number of frames is a wrapped one.
+  bool hasNoFrame = false;    ///< Less than a frame: the template holds nothing.
+  bool hasOtherRate = false;  ///< The samples are taken for 11,025 a second nevertheless.
+  bool isSilent = false;      ///< All samples are alike.
+  bool isLong = false;        ///< More than kLongSamples.
+  /// The speech ends too late for the 16-bit block numbers; what is taken is not the speech. See
+  /// SpeechBlocks::HavePlace.
+  bool isSpeechTooLate = false;
+};
+
+/// Looks at the recording `mathematics.m_wavePath`, which is opened for reading alone and closed
+/// again, as LearnFile does where `findsSpeech`, else as ProcessFile does. Changes no file and no
+/// slot. Returns nothing if the recording cannot be opened or read, or its header is refused.
+[[nodiscard]] std::optional<RecordingReview> ReviewRecording(CVoiceMathematics& mathematics,
+                                                             bool findsSpeech);
+
+}  // namespace voicemath
