@@ -70,56 +70,72 @@ int WaveDevice::QueueBuffer(WaveHeader& header) {
   return m_waveIn->AddBuffer(header) == WaveResult::kOk ? 0 : 1;
 }
 
-int WaveDevice::Record(std::u16string_view path, std::uint32_t milliseconds) {
+int WaveDevice::Record(std::u16string_view path, std::uint32_t milliseconds,
+                       platform::Durability durability) {
   m_recordedBytes = 0;
+  m_fileError = FileError::kNone;
   try {
-    return RecordTo(path, milliseconds);
+    return RecordTo(path, milliseconds, durability);
   } catch (const std::exception&) {
     // Memory ran out, here or in a library.
     m_file.reset();
     ReleaseInput();
+    m_recordedBytes = 0;
     return kNoBuffer;
   }
 }
 
-RecordCode WaveDevice::RecordTo(std::u16string_view path, std::uint32_t milliseconds) {
+RecordCode WaveDevice::RecordTo(std::u16string_view path, std::uint32_t milliseconds,
+                                platform::Durability durability) {
   if (m_platform.waveIn.GetDeviceCount() == 0) {
     ShowTopmost(std::u16string(kNoDevices));
     m_platform.process.End(0);
     return kProcessEnded;
   }
-  m_file = m_platform.files
-               .Open(path, {platform::FileAccess::kWrite, platform::FileShare::kNone,
-                            platform::FileCreation::kCreateAlways})
-               .file;
-  if (!m_file) {
-    ShowTopmost(std::u16string(kNotCreatedBegin).append(path).append(kNotCreatedEnd));
-    return kFileNotCreated;
+  const FileError opened = OpenFile(path);
+  if (opened != FileError::kNone) {
+    return RefuseFile(path, opened);
   }
-  const RecordCode started = StartInput(milliseconds);
-  if (started != kRecorded) {
-    static_cast<void>(CloseFile());  // Nothing was written that could be lost.
+  RecordCode code = StartInput(milliseconds);
+  if (code == kRecorded && !AwaitRecording(milliseconds)) {
+    code = kDeviceLost;
+  }
+  if (code != kRecorded) {
+    m_file.reset();
     ReleaseInput();
-    return started;
+    return code;
   }
-
-  if (!AwaitRecording(milliseconds)) {
-    static_cast<void>(CloseFile());
-    ReleaseInput();
-    static_cast<void>(m_platform.files.Delete(path));
-    return kDeviceLost;
+  FileError written = WriteRecording();
+  if (written == FileError::kNone) {
+    written = PublishFile(durability);
   }
-  const bool written = WriteRecording();
-  const bool closed = CloseFile();
+  m_file.reset();
   ReleaseInput();
-  if (!written || !closed) {
-    // A recording cut short by a full disk must not pass for a good one.
-    static_cast<void>(m_platform.files.Delete(path));
-    m_recordedBytes = 0;
-    ShowTopmost(std::u16string(kNotCreatedBegin).append(path).append(kNotCreatedEnd));
-    return kFileNotCreated;
+  // A recording cut short by a full disk must not pass for a good one.
+  return written == FileError::kNone ? kRecorded : RefuseFile(path, written);
+}
+
+FileError WaveDevice::OpenFile(std::u16string_view path) {
+  // A file of that name that is in use is refused before anybody speaks, and not when the recording
+  // is to take its place.
+  const FileError earlier =
+      m_platform.files
+          .Open(path, {platform::FileAccess::kWrite, platform::FileShare::kNone,
+                       platform::FileCreation::kOpenExisting})
+          .error;
+  if (earlier != FileError::kNone && earlier != FileError::kNotFound) {
+    return earlier;
   }
-  return kRecorded;
+  auto opened = m_platform.files.OpenReplacement(path);
+  m_file = std::move(opened.replacement);
+  return opened.error;
+}
+
+RecordCode WaveDevice::RefuseFile(std::u16string_view path, FileError error) {
+  m_fileError = error;
+  m_recordedBytes = 0;
+  ShowTopmost(std::u16string(kNotCreatedBegin).append(path).append(kNotCreatedEnd));
+  return kFileNotCreated;
 }
 
 RecordCode WaveDevice::StartInput(std::uint32_t milliseconds) {
@@ -159,28 +175,26 @@ void WaveDevice::ReleaseInput() {
   m_samples.reset();
 }
 
-bool WaveDevice::WriteRecording() {
+FileError WaveDevice::WriteRecording() {
   const std::uint32_t reported = m_header->bytesRecorded;
   const std::uint32_t bytes =
       std::min(reported == 0 ? kUnreportedBytes : reported, m_header->bufferLength);
-  const auto header = MakeWaveHeader(m_format, bytes);
-  if (m_file->Write(header) != FileError::kNone ||
-      m_file->Write(std::span(m_header->data, bytes)) != FileError::kNone ||
-      m_file->Flush() != FileError::kNone) {
-    return false;
+  platform::File& file = m_file->GetFile();
+  FileError written = file.Write(MakeWaveHeader(m_format, bytes));
+  if (written == FileError::kNone) {
+    written = file.Write(std::span(m_header->data, bytes));
   }
   m_recordedBytes = bytes;
-  return true;
+  return written;
 }
 
-bool WaveDevice::CloseFile() {
-  bool closed = m_file->Close() == FileError::kNone;
-  if (!closed) {
-    m_platform.clock.Sleep(kCloseRetryWait);
-    closed = m_file->Close() == FileError::kNone;
+FileError WaveDevice::PublishFile(platform::Durability durability) {
+  const FileError published = m_file->Publish(durability);
+  if (published == FileError::kNone) {
+    return published;
   }
-  m_file.reset();
-  return closed;
+  m_platform.clock.Sleep(kCloseRetryWait);
+  return m_file->Publish(durability);
 }
 
 void WaveDevice::ShowTopmost(std::u16string text) {

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/file_system.h"
 #include "platform/platform.h"
 #include "platform/wave_format.h"
 #include "platform/wave_out.h"
@@ -15,7 +16,7 @@ namespace audio {
 /// Result codes of WaveDevice::Record. The numbers are shown to users and are fixed.
 enum RecordCode : int {
   kRecorded = 0,
-  kFileNotCreated = 1,  ///< Or not written to its end; a message has been shown.
+  kFileNotCreated = 1,  ///< Or not written to its end, or not put in its place; a message has told.
   kDeviceNotOpened = 2,
   kNoBuffer = 3,  ///< Memory ran out.
   kBufferNotQueued = 4,
@@ -64,14 +65,20 @@ class WaveDevice {
   /// Prepares the header and queues it with the open input: 0 success, 1 failure.
   [[nodiscard]] int QueueBuffer(platform::WaveHeader& header);
 
-  /// Records `milliseconds` from now into a new file at `path`, and returns a RecordCode. Blocks
-  /// for the length of the recording: its end is found by sleeping, no notice is awaited.
-  [[nodiscard]] int Record(std::u16string_view path, std::uint32_t milliseconds);
+  /// Records `milliseconds` from now into a file, and returns a RecordCode. The file takes its
+  /// place at `path` when it is whole; whatever happens before, the path is what it was. Blocks for
+  /// the length of the recording: its end is found by sleeping, no notice is awaited. With
+  /// Durability::kLater whoever works on the recording next has it flushed.
+  [[nodiscard]] int Record(std::u16string_view path, std::uint32_t milliseconds,
+                           platform::Durability durability = platform::Durability::kNow);
 
   /// Plays the wave file at `path` and returns a PlayCode; shows no message. Blocks for a time that
   /// is computed beforehand, since no notice of the end is awaited. Everything is released on every
   /// path.
   [[nodiscard]] int Play(std::u16string_view path);
+
+  /// Why there was no file, after kFileNotCreated.
+  [[nodiscard]] platform::FileError GetFileError() const { return m_fileError; }
 
   /// Bytes of samples in the file that Record wrote last.
   [[nodiscard]] std::uint32_t GetRecordedBytes() const { return m_recordedBytes; }
@@ -81,18 +88,22 @@ class WaveDevice {
   std::unique_ptr<platform::WaveHeader> m_header;
   std::unique_ptr<platform::WaveInDevice> m_waveIn;
   std::unique_ptr<platform::WaveOutDevice> m_waveOut;  ///< Of the player.
-  std::unique_ptr<platform::File> m_file;
+  /// Of the recorder. It has no name before the recording is whole.
+  std::unique_ptr<platform::Replacement> m_file;
   std::vector<std::byte> m_view;  ///< Of the player: the whole file.
 
  private:
-  [[nodiscard]] RecordCode RecordTo(std::u16string_view path, std::uint32_t milliseconds);
+  [[nodiscard]] RecordCode RecordTo(std::u16string_view path, std::uint32_t milliseconds,
+                                    platform::Durability durability);
   [[nodiscard]] RecordCode StartInput(std::uint32_t milliseconds);
   /// Sleeps for the length of the recording and fetches it. Returns false if the device was lost
   /// before its buffer was full.
   [[nodiscard]] bool AwaitRecording(std::uint32_t milliseconds);
   void ReleaseInput();
-  [[nodiscard]] bool WriteRecording();
-  [[nodiscard]] bool CloseFile();
+  [[nodiscard]] platform::FileError OpenFile(std::u16string_view path);
+  [[nodiscard]] platform::FileError WriteRecording();
+  [[nodiscard]] platform::FileError PublishFile(platform::Durability durability);
+  [[nodiscard]] RecordCode RefuseFile(std::u16string_view path, platform::FileError error);
   [[nodiscard]] PlayCode ReadSound(std::u16string_view path);
   /// Appends to the view until it is `length` bytes long. False where the file or the memory does
   /// not go so far.
@@ -104,6 +115,7 @@ class WaveDevice {
   platform::Platform m_platform;
   std::unique_ptr<std::byte[]> m_samples;  ///< Memory of the header's buffer.
   std::uint32_t m_recordedBytes = 0;
+  platform::FileError m_fileError = platform::FileError::kNone;
 };
 
 }  // namespace audio

@@ -15,7 +15,8 @@ constexpr std::uint32_t kUtteranceMilliseconds = 3000;
 
 void UtteranceRecording::Run() noexcept {
   m_device->SetFormat(audio::kRecordingBits, audio::kRecordingRate);
-  const int code = m_device->Record(m_path, kUtteranceMilliseconds);
+  // The mathematics trims the recording, or flushes it as it is, before anything names it.
+  const int code = m_device->Record(m_path, kUtteranceMilliseconds, platform::Durability::kLater);
   m_code = code;
   if (code == audio::kRecorded || code == audio::kProcessEnded) {
     return;

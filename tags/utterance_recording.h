@@ -28,6 +28,11 @@ class UtteranceRecording {
 
   /// The recorder's answer; kRecorded as long as there is none. May be called from any thread.
   [[nodiscard]] int GetCode() const { return m_code; }
+  /// Why there is no file, after kFileNotCreated; else kNone.
+  [[nodiscard]] platform::FileError GetFileError() const {
+    return GetCode() == audio::kFileNotCreated ? m_device->GetFileError()
+                                               : platform::FileError::kNone;
+  }
 
  private:
   void ShowCode() const;
