@@ -60,6 +60,8 @@ class Page_one : public framework::CPropertyPage,
 
   /// What the recorder answered last. A message has shown it as a number.
   [[nodiscard]] int GetRecordCode() const { return m_recordCode; }
+  /// Why a file of the last recording was not written; kNone if that was not the reason.
+  [[nodiscard]] platform::FileError GetLearnError() const { return m_learnError; }
 
  private:
   // Opening.
@@ -129,6 +131,7 @@ class Page_one : public framework::CPropertyPage,
   std::vector<std::unique_ptr<platform::Thread>> m_lateWorkers;
   int m_playCode = 0;
   int m_recordCode = 0;
+  platform::FileError m_learnError = platform::FileError::kNone;
   bool m_isSetUp = false;
 };
 

@@ -104,6 +104,7 @@ bool Page_one::RecordUtterance(const std::function<void()>& step) {
     LeaveBehind(std::move(worker));
   }
   m_recordCode = recording->GetCode();
+  m_learnError = recording->GetFileError();
   return !recording->HasEndedProcess();
 }
 
@@ -131,6 +132,7 @@ void Page_one::EndLateWorkers() {
 bool Page_one::StoreTag(std::u16string_view tagName) {
   m_mathematics.m_wavePath = m_recordingPath;
   if (m_mathematics.LearnFile(0) != voicemath::kLearned) {
+    m_learnError = m_mathematics.m_trimError;
     // Its message has been shown. Slot 0 still holds the tag before, whose template must not be
     // stored for this one.
     return false;
@@ -138,6 +140,9 @@ bool Page_one::StoreTag(std::u16string_view tagName) {
   const auto written =
       voicemath::WriteTemplateFile(m_platform.files, storage::TemplatePath(tagName), *this);
   if (written != voicemath::TemplateFileResult::kDone) {
+    if (written == voicemath::TemplateFileResult::kDiskFull) {
+      m_learnError = platform::FileError::kDiskFull;
+    }
     ShowBox(resources::kTemplateNotCreated);
     return false;
   }

@@ -22,18 +22,21 @@ TemplateFileResult ToResult(ArchiveStatus status) {
 }
 
 /// Makes the file where it is missing, without touching one that is there.
-bool EnsureFile(platform::FileSystem& files, std::u16string_view path) {
-  const auto opened = files.Open(path, {platform::FileAccess::kNone, platform::FileShare::kNone,
-                                        platform::FileCreation::kOpenAlways});
-  return opened.file != nullptr;
+platform::FileError EnsureFile(platform::FileSystem& files, std::u16string_view path) {
+  return files
+      .Open(path, {platform::FileAccess::kNone, platform::FileShare::kNone,
+                   platform::FileCreation::kOpenAlways})
+      .error;
 }
 
 }  // namespace
 
 TemplateFileResult WriteTemplateFile(platform::FileSystem& files, std::u16string_view path,
                                      framework::CObject& object) {
-  if (!EnsureFile(files, path)) {
-    return TemplateFileResult::kNotCreated;
+  const platform::FileError made = EnsureFile(files, path);
+  if (made != platform::FileError::kNone) {
+    return made == platform::FileError::kDiskFull ? TemplateFileResult::kDiskFull
+                                                  : TemplateFileResult::kNotCreated;
   }
   CFile file(files);
   if (!file.Open(path, CFile::modeWrite)) {
@@ -42,8 +45,12 @@ TemplateFileResult WriteTemplateFile(platform::FileSystem& files, std::u16string
   CArchive archive(file, CArchive::Mode::kStore);
   object.Serialize(archive);
   const TemplateFileResult result = ToResult(archive.Close());
-  const bool kept = file.Flush();
-  return file.Close() && kept ? result : TemplateFileResult::kFileFailure;
+  const bool flushed = file.Flush();
+  const bool closed = file.Close();
+  if (file.GetError() == platform::FileError::kDiskFull) {
+    return TemplateFileResult::kDiskFull;
+  }
+  return flushed && closed ? result : TemplateFileResult::kFileFailure;
 }
 
 TemplateFileResult ReadTemplateFile(platform::FileSystem& files, std::u16string_view path,

@@ -16,6 +16,7 @@ enum class TemplateFileResult : std::uint8_t {
   kTorn,       ///< Reading: the file ends before its template does.
   kBadFormat,  ///< The template contradicts itself.
   kFileFailure,
+  kDiskFull,  ///< Writing.
 };
 
 /// Writes `object` through a storing archive to the file at `path`, made where it is missing. The

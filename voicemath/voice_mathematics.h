@@ -141,6 +141,8 @@ class CVoiceMathematics : public framework::CObject {
   /// Whether the speech that DetectSpeechBounds found last, if any, has a place in 16 bits. If not,
   /// its bounds are elsewhere.
   bool m_hasSpeechPlace = true;
+  /// Why the last recording that was to be trimmed was not; kNone if it was.
+  platform::FileError m_trimError = platform::FileError::kNone;
 
  private:
   enum class Extent : std::uint8_t { kSpeech, kWholeFile };
@@ -152,7 +154,7 @@ class CVoiceMathematics : public framework::CObject {
                                           std::uint64_t start);
   [[nodiscard]] HeaderCode ReadHeader();
   void SelectWholeFile();
-  [[nodiscard]] bool WriteTrimmed(platform::File& trimmed, std::uint32_t bytes);
+  [[nodiscard]] platform::FileError WriteTrimmed(platform::File& trimmed, std::uint32_t bytes);
   [[nodiscard]] bool ReadFrames(std::span<float> features);
   void Store(framework::CArchive& archive) const;
   void Load(framework::CArchive& archive);

@@ -11,6 +11,9 @@
 #include "voicemath/voice_mathematics.h"
 
 namespace voicemath {
+
+using platform::FileError;
+
 namespace {
 
 constexpr std::size_t kCopySamples = 1024;
@@ -31,18 +34,18 @@ class SampleCopier {
                                                 offset, audio::kWaveHeaderBytes))) {}
 
   /// Copies one buffer, or its first `bytes`.
-  [[nodiscard]] bool Copy(std::uint64_t done, std::size_t bytes) {
+  [[nodiscard]] FileError Copy(std::uint64_t done, std::size_t bytes) {
     std::array<std::byte, audio::kWaveHeaderBytes> written{};
     std::copy_n(m_buffer.end() - static_cast<std::ptrdiff_t>(m_overlap), m_overlap,
                 written.begin());
     const auto part = std::span(m_buffer).first(bytes);
     if (!ReadAt(m_from, m_offset + done, part)) {
-      return false;
+      return FileError::kOther;
     }
     if (done > 0) {
       std::copy_n(written.begin(), std::min(m_overlap, bytes), part.begin());
     }
-    return m_to.Write(part) == platform::FileError::kNone;
+    return m_to.Write(part);
   }
 
  private:
@@ -56,6 +59,7 @@ class SampleCopier {
 }  // namespace
 
 bool CVoiceMathematics::TrimWaveFile() {
+  m_trimError = FileError::kNone;
   const std::uint32_t total = m_dataBytes / static_cast<std::uint32_t>(kSampleBytes);
   const bool differs = m_firstSample > 0 || m_lastSample < total - 1;
   if (!differs || m_firstSample >= m_lastSample) {
@@ -65,11 +69,14 @@ bool CVoiceMathematics::TrimWaveFile() {
       (m_lastSample - m_firstSample + 1) * static_cast<std::uint32_t>(kSampleBytes);
   const std::u16string path = m_file.GetFilePath();
   const platform::OpenedReplacement trimmed = m_files.OpenReplacement(path);
-  if (!trimmed.replacement || !WriteTrimmed(trimmed.replacement->GetFile(), bytes)) {
+  m_trimError =
+      trimmed.replacement ? WriteTrimmed(trimmed.replacement->GetFile(), bytes) : trimmed.error;
+  if (m_trimError != FileError::kNone) {
     return false;
   }
   m_file.Close();  // It was the holder of the earlier file.
-  if (trimmed.replacement->Publish(platform::Durability::kNow) != platform::FileError::kNone) {
+  m_trimError = trimmed.replacement->Publish(platform::Durability::kNow);
+  if (m_trimError != FileError::kNone) {
     return false;
   }
   m_firstSample = 0;
@@ -80,20 +87,16 @@ bool CVoiceMathematics::TrimWaveFile() {
   return m_file.Open(path, framework::CFile::modeReadWrite);
 }
 
-bool CVoiceMathematics::WriteTrimmed(platform::File& trimmed, std::uint32_t bytes) {
+FileError CVoiceMathematics::WriteTrimmed(platform::File& trimmed, std::uint32_t bytes) {
   const auto format = audio::MonoPcm(audio::kRecordingBits, audio::kRecordingRate);
-  if (trimmed.Write(audio::MakeWaveHeader(format, bytes)) != platform::FileError::kNone) {
-    return false;
-  }
+  FileError error = trimmed.Write(audio::MakeWaveHeader(format, bytes));
   SampleCopier copier(m_file, trimmed, m_dataOffset + std::uint64_t{m_firstSample} * kSampleBytes);
-  for (std::uint32_t done = 0; done < bytes;) {
+  for (std::uint32_t done = 0; error == FileError::kNone && done < bytes;) {
     const std::uint32_t part = std::min<std::uint32_t>(bytes - done, kCopyBytes);
-    if (!copier.Copy(done, part)) {
-      return false;
-    }
+    error = copier.Copy(done, part);
     done += part;
   }
-  return true;
+  return error;
 }
 
 }  // namespace voicemath

@@ -11,16 +11,20 @@
 
 #include "audio/wave_header.h"
 #include "host/cli/contact_choice.h"
+#include "host/cli/file_reason.h"
 #include "host/cli/output.h"
 #include "host/cli/page_run.h"
 #include "host/cli/play_code.h"
 #include "host/cli/record_code.h"
+#include "host/cli/recording_warnings.h"
 #include "host/cli/tag_reading.h"
 #include "host/cli/tags_test_command.h"
 #include "language/formatting.h"
 #include "platform/text/utf.h"
 #include "resources/dialogs.h"
+#include "storage/device_paths.h"
 #include "storage/tag_store.h"
+#include "voicemath/recording_review.h"
 
 namespace cli {
 namespace {
@@ -84,6 +88,31 @@ bool CanHear(Session& session) {
   return opened.result == platform::WaveResult::kOk;
 }
 
+/// Why no tag was learned, with a colon before it. Returns an empty text if messages have said it.
+std::string ExplainNoTag(const Session& session, const tags::Page_one& page) {
+  const int code = page.GetRecordCode();
+  std::string reason;
+  if (page.GetLearnError() != platform::FileError::kNone) {
+    reason = ExplainFileError(page.GetLearnError());
+  } else if (code != audio::kRecorded) {
+    reason = ExplainRecordCode(session, code);
+  }
+  return reason.empty() ? reason : ": " + reason;
+}
+
+/// Warns if the recording of a new tag is no spoken name.
+void WarnOfRecording(Session& session, std::u16string_view tagName) {
+  const platform::Platform platform = session.GetPlatform();
+  const auto mathematics =
+      std::make_unique<voicemath::CVoiceMathematics>(platform.files, platform.ui);
+  mathematics->m_wavePath = storage::WavePath(tagName);
+  const auto review = voicemath::ReviewRecording(*mathematics, false);
+  for (const std::string& warning :
+       review ? DescribeOddities(*review) : std::vector<std::string>()) {
+    PrintErrorLine("voxtrel: warning: the recording: " + warning);
+  }
+}
+
 void Learn(Session& session, const std::string& contact, const std::string& kind) {
   RunPage(session, Contacts::kNeeded, [&](PageRun& run) {
     if (!ChooseContact(session, run, contact) ||
@@ -96,11 +125,11 @@ void Learn(Session& session, const std::string& contact, const std::string& kind
     const int before = run.dialog.GetItemCount(kTagListId);
     run.dialog.Press(kRecordButtonId);
     if (run.dialog.GetItemCount(kTagListId) == before) {
-      const int code = run.page.GetRecordCode();
-      const std::string reason =
-          code == audio::kRecorded ? std::string() : ExplainRecordCode(session, code);
-      session.Fail(fmt::format("no tag was learned{}{}", reason.empty() ? "" : ": ", reason));
+      session.Fail("no tag was learned" + ExplainNoTag(session, run.page));
       return;
+    }
+    if (const storage::TagRecord* record = run.page.GetTags().GetRecord(before)) {
+      WarnOfRecording(session, record->GetTagName());
     }
     if (session.GetOptions().json) {
       PrintJson(ToJson(session, ReadLearned(session, run, before)));

@@ -3,13 +3,15 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cmath>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
-#include "host/cli/band_picture.h"
-#include "host/cli/header_code.h"
 #include "host/cli/output.h"
+#include "host/cli/template_makers.h"
 #include "voicemath/template_file.h"
 #include "voicemath/voice_mathematics.h"
 
@@ -19,84 +21,7 @@ namespace {
 using voicemath::CVoiceMathematics;
 using voicemath::TemplateFileResult;
 
-constexpr std::size_t kPictureColumns = 60;
-
-std::string ExplainTemplateFile(TemplateFileResult result) {
-  switch (result) {
-    case TemplateFileResult::kNotCreated:
-      return "it cannot be made";
-    case TemplateFileResult::kNotOpened:
-      return "it cannot be opened";
-    case TemplateFileResult::kTorn:
-      return "it is torn: it ends before its template does";
-    case TemplateFileResult::kBadFormat:
-      return "it is not a template file";
-    default:
-      return "it cannot be read or written to its end";
-  }
-}
-
-void PrintPicture(std::span<const float> values) {
-  for (const std::string& line : DrawBands(values, kPictureColumns, ChoosePictureStyle())) {
-    PrintLine("  " + line);
-  }
-}
-
-double SamplesToSeconds(std::uint32_t samples) {
-  return static_cast<double>(samples) / voicemath::kSamplesPerSecond;
-}
-
-void PrintSummary(const CVoiceMathematics& mathematics) {
-  const voicemath::Segment segment = mathematics.m_detected;
-  PrintLine(fmt::format("Speech    {:.2f} s to {:.2f} s", SamplesToSeconds(segment.first),
-                        SamplesToSeconds(segment.last + 1)));
-  PrintLine(fmt::format("Template  {} frames, {:.2f} s", mathematics.m_frameCounts[0],
-                        mathematics.GetTemplateDuration(0)));
-  PrintPicture(mathematics.GetTemplate(0));
-}
-
-Json ToJson(int result, const CVoiceMathematics& mathematics) {
-  const bool done = result == voicemath::kLearned;
-  const voicemath::Segment segment = done ? mathematics.m_detected : voicemath::Segment{};
-  return {{"result", result},
-          {"segment", Json::array({segment.first, segment.last})},
-          {"frames", mathematics.m_frameCounts[0]},
-          {"seconds", mathematics.GetTemplateDuration(0)}};
-}
-
-using Operation = int (CVoiceMathematics::*)(std::int32_t);
-
-void MakeTemplate(Session& session, Operation operation, const std::string& wave,
-                  const std::string& st) {
-  if (Session::AreSameFile(wave, st)) {
-    throw CLI::ValidationError("st", "the template would overwrite the recording " + wave);
-  }
-  const platform::Platform platform = session.GetPlatform();
-  CVoiceMathematics mathematics(platform.files, platform.ui);
-  mathematics.m_wavePath = Session::ToSystemPath(wave);
-  const int result = (mathematics.*operation)(0);
-  if (session.GetOptions().json) {
-    PrintJson(ToJson(result, mathematics));
-  }
-  if (result != voicemath::kLearned) {
-    const int code = CheckHeader(mathematics, mathematics.m_wavePath);
-    session.Fail(code == voicemath::kHeaderAccepted
-                     ? fmt::format("{}: it cannot be read or rewritten", wave)
-                     : fmt::format("{}: {}", wave, ExplainHeaderCode(code)));
-    return;
-  }
-  const auto written =
-      voicemath::WriteTemplateFile(platform.files, Session::ToSystemPath(st), mathematics);
-  if (written != TemplateFileResult::kDone) {
-    session.Fail(fmt::format("{}: {}", st, ExplainTemplateFile(written)));
-    return;
-  }
-  if (!session.GetOptions().json) {
-    PrintSummary(mathematics);
-  }
-}
-
-/// Reads a template into `slot`; tells what is wrong where that fails.
+/// Reads a template into `slot`. Reports what is wrong if that fails.
 bool Load(Session& session, CVoiceMathematics& mathematics, const std::string& st,
           std::size_t slot) {
   mathematics.m_loadSlot = static_cast<std::int32_t>(slot);
@@ -108,6 +33,36 @@ bool Load(Session& session, CVoiceMathematics& mathematics, const std::string& s
   return read == TemplateFileResult::kDone;
 }
 
+/// A sentence about the values for which `isOdd` holds. Returns an empty text if there is none.
+template <typename Predicate>
+std::string NameOdd(std::span<const float> values, const char* what, Predicate isOdd) {
+  const auto first = std::ranges::find_if(values, isOdd);
+  if (first == values.end()) {
+    return {};
+  }
+  const auto at = static_cast<std::size_t>(first - values.begin());
+  const auto more = std::count_if(first, values.end(), isOdd) - 1;
+  return fmt::format("the value of frame {}, band {} is {} ({}){}", at / voicemath::kBandCount + 1,
+                     at % voicemath::kBandCount + 1, what, *first,
+                     more > 0 ? fmt::format(", and so are {} more", more) : "");
+}
+
+/// Names values that no template has. Returns false, and the command has failed, if some are no
+/// numbers: whatever is calculated with them is none either.
+bool CheckValues(Session& session, const std::string& st, std::span<const float> values) {
+  const std::string negative =
+      NameOdd(values, "negative", [](float value) { return std::isfinite(value) && value < 0.0F; });
+  if (!negative.empty()) {
+    PrintErrorLine(fmt::format("voxtrel: warning: {}: {}", st, negative));
+  }
+  const std::string none =
+      NameOdd(values, "no finite number", [](float value) { return !std::isfinite(value); });
+  if (!none.empty()) {
+    session.Fail(fmt::format("{}: {}", st, none));
+  }
+  return none.empty();
+}
+
 void ShowTemplate(Session& session, const std::string& st) {
   const platform::Platform platform = session.GetPlatform();
   CVoiceMathematics mathematics(platform.files, platform.ui);
@@ -115,6 +70,7 @@ void ShowTemplate(Session& session, const std::string& st) {
     return;
   }
   const auto values = mathematics.GetTemplate(0);
+  static_cast<void>(CheckValues(session, st, values));  // Shown all the same.
   if (!session.GetOptions().json) {
     PrintLine(fmt::format("{}: {} frames, {:.2f} s", st, mathematics.m_frameCounts[0],
                           mathematics.GetTemplateDuration(0)));
@@ -163,10 +119,15 @@ void Compare(Session& session, const std::vector<std::string>& files) {
   }
   const platform::Platform platform = session.GetPlatform();
   const auto mathematics = std::make_unique<CVoiceMathematics>(platform.files, platform.ui);
+  bool areNumbers = true;
   for (std::size_t slot = 0; slot < files.size(); ++slot) {
     if (!Load(session, *mathematics, files[slot], slot)) {
       return;
     }
+    areNumbers &= CheckValues(session, files[slot], mathematics->GetTemplate(slot));
+  }
+  if (!areNumbers) {
+    return;
   }
   mathematics->m_count = static_cast<std::int32_t>(files.size());
   const std::int32_t count = mathematics->ComputeThresholds();
@@ -177,44 +138,23 @@ void Compare(Session& session, const std::vector<std::string>& files) {
   }
 }
 
-struct TemplateArguments {
-  std::string wave;
-  std::string st;
-  std::vector<std::string> templates;
-};
-
-void AddMaker(CLI::App& group, Session& session,
-              const std::shared_ptr<TemplateArguments>& arguments, const char* name,
-              const char* description, Operation operation) {
-  CLI::App* command = group.add_subcommand(name, description);
-  command->add_option("wave", arguments->wave, "The recording")->required();
-  command->add_option("st", arguments->st, "The template file to write")->required();
-  command->callback([&session, arguments, operation] {
-    MakeTemplate(session, operation, arguments->wave, arguments->st);
-  });
-}
-
 }  // namespace
 
 void AddTemplateCommands(CLI::App& app, Session& session) {
   CLI::App* group = app.add_subcommand("template", "Make, look at and compare templates");
   group->require_subcommand(1);
-  const auto arguments = std::make_shared<TemplateArguments>();
-
-  AddMaker(*group, session, arguments, "learn",
-           "Find the speech in a recording, trim the file to it, and make its template",
-           &CVoiceMathematics::LearnFile);
-  AddMaker(*group, session, arguments, "process", "Make the template of a whole recording",
-           &CVoiceMathematics::ProcessFile);
+  AddTemplateMakers(*group, session);
+  const auto templates = std::make_shared<std::vector<std::string>>();
+  const auto st = std::make_shared<std::string>();
 
   CLI::App* show = group->add_subcommand("show", "Draw a template: its five bands over time");
-  show->add_option("st", arguments->st, "The template file")->required();
-  show->callback([&session, arguments] { ShowTemplate(session, arguments->st); });
+  show->add_option("st", *st, "The template file")->required();
+  show->callback([&session, st] { ShowTemplate(session, *st); });
 
   CLI::App* compare =
       group->add_subcommand("compare", "Tell how alike templates are (0 same, at most 2)");
-  compare->add_option("st", arguments->templates, "The template files, at most 100")->required();
-  compare->callback([&session, arguments] { Compare(session, arguments->templates); });
+  compare->add_option("st", *templates, "The template files, at most 100")->required();
+  compare->callback([&session, templates] { Compare(session, *templates); });
 }
 
 }  // namespace cli

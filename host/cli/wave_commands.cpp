@@ -8,6 +8,7 @@
 
 #include "audio/wave_device.h"
 #include "audio/wave_header.h"
+#include "host/cli/file_reason.h"
 #include "host/cli/header_code.h"
 #include "host/cli/output.h"
 #include "host/cli/play_code.h"
@@ -43,7 +44,9 @@ void Record(Session& session, const std::string& file, std::uint32_t millisecond
         fmt::format("Recorded {:.1f} s to {}", BytesToSeconds(device.GetRecordedBytes()), file));
   }
   if (code != audio::kRecorded) {
-    const std::string reason = ExplainRecordCode(session, code);
+    const std::string reason = code == audio::kFileNotCreated
+                                   ? ExplainFileError(device.GetFileError())
+                                   : ExplainRecordCode(session, code);
     session.Fail(fmt::format("{} was not recorded{}{}", file, reason.empty() ? "" : ": ", reason));
   }
 }

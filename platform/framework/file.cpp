@@ -1,5 +1,7 @@
 #include "platform/framework/file.h"
 
+#include <utility>
+
 namespace framework {
 
 using platform::FileAccess;
@@ -17,41 +19,45 @@ bool CFile::Open(std::u16string_view path, unsigned flags) {
   if ((flags & modeCreate) != 0) {
     mode.creation = FileCreation::kCreateAlways;
   }
-  m_file = m_files.Open(path, mode).file;
+  auto opened = m_files.Open(path, mode);
+  m_file = std::move(opened.file);
   m_path = m_file ? path : std::u16string_view();
-  return m_file != nullptr;
+  return IsDone(opened.error);
 }
 
 std::optional<std::uint64_t> CFile::GetLength() {
   return m_file ? m_file->GetLength() : std::nullopt;
 }
 
-bool CFile::Seek(std::uint64_t offset) {
-  return m_file && m_file->Seek(offset) == FileError::kNone;
-}
+bool CFile::Seek(std::uint64_t offset) { return m_file && IsDone(m_file->Seek(offset)); }
 
 std::optional<std::size_t> CFile::Read(std::span<std::byte> into) {
   return m_file ? m_file->Read(into) : std::nullopt;
 }
 
 bool CFile::Write(std::span<const std::byte> bytes) {
-  return m_file && m_file->Write(bytes) == FileError::kNone;
+  return m_file && IsDone(m_file->Write(bytes));
 }
 
-bool CFile::SetLength(std::uint64_t length) {
-  return m_file && m_file->SetLength(length) == FileError::kNone;
-}
+bool CFile::SetLength(std::uint64_t length) { return m_file && IsDone(m_file->SetLength(length)); }
 
-bool CFile::Flush() { return m_file && m_file->Flush() == FileError::kNone; }
+bool CFile::Flush() { return m_file && IsDone(m_file->Flush()); }
 
 bool CFile::Close() {
   if (!m_file) {
     return true;
   }
-  const bool closed = m_file->Close() == FileError::kNone;
+  const bool closed = IsDone(m_file->Close());
   m_file.reset();
   m_path.clear();
   return closed;
+}
+
+bool CFile::IsDone(FileError error) {
+  if (error != FileError::kNone) {
+    m_error = error;
+  }
+  return error == FileError::kNone;
 }
 
 }  // namespace framework

@@ -42,14 +42,20 @@ class CFile {
   [[nodiscard]] bool SetLength(std::uint64_t length);
   [[nodiscard]] bool Flush();
 
+  /// Why the last operation that failed did so; kNone if none has.
+  [[nodiscard]] platform::FileError GetError() const { return m_error; }
+
   /// Closes the file, which is not open afterwards whatever the result; false where writes may be
   /// lost. Closing what is not open succeeds.
   bool Close();
 
  private:
+  [[nodiscard]] bool IsDone(platform::FileError error);
+
   platform::FileSystem& m_files;
   std::unique_ptr<platform::File> m_file;
   std::u16string m_path;
+  platform::FileError m_error = platform::FileError::kNone;
 };
 
 }  // namespace framework

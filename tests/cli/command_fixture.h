@@ -31,6 +31,20 @@ class CommandFixture : public testing::Test {
     return json;
   }
 
+  /// As Run, but no file may become longer than `blocks` of 512 bytes, as on a disk that is full.
+  [[nodiscard]] support::ProgramRun RunOnFullDisk(int blocks,
+                                                  const std::vector<std::string>& arguments) const {
+    std::vector<std::string> all{"/bin/sh",
+                                 "-c",
+                                 "ulimit -f " + std::to_string(blocks) + "; exec \"$@\"",
+                                 "sh",
+                                 VOXTREL_PROGRAM,
+                                 "--root",
+                                 Path("root")};
+    all.insert(all.end(), arguments.begin(), arguments.end());
+    return support::RunProgram(all, {"PULSE_SERVER=unix:" + Path("no-server"), "LC_ALL=C.UTF-8"});
+  }
+
   [[nodiscard]] std::string Path(const std::string& name) const {
     return (std::filesystem::path(m_folder.Path()) / name).string();
   }

@@ -2,6 +2,7 @@
 #include <fstream>
 
 #include "tests/cli/tags_fixture.h"
+#include "tests/support/signals.h"
 
 namespace {
 
@@ -144,6 +145,27 @@ TEST_F(TagsLearnCommand, AMicrophoneFileThatIsNoneIsTold) {
   const auto run = Run({"--microphone", text, "tags", "learn", "--contact", "Bob"});
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_EQ(run.err, "voxtrel: " + text + " is no wave file of 11,025 Hz, mono, 16 bit\n");
+  ExpectNothingLearned();
+}
+
+TEST_F(TagsLearnCommand, ASilentMicrophoneIsWarnedOf) {
+  const support::Bytes silence = support::WaveFile(support::Constant(33075, 0));
+  std::ofstream(Path("silence.wav"), std::ios::binary)
+      .write(reinterpret_cast<const char*>(silence.data()),
+             static_cast<std::streamsize>(silence.size()));
+  const auto run = Run({"--microphone", Path("silence.wav"), "--speaker", Path("heard.wav"), "tags",
+                        "learn", "--contact", std::to_string(m_bob)});
+  EXPECT_EQ(run.exitCode, 0) << run.err;
+  EXPECT_THAT(run.err, HasSubstr("voxtrel: warning: the recording: it is silent"));
+}
+
+TEST_F(TagsLearnCommand, AFullDiskIsNamed) {
+  // Room for the settings and not for a recording.
+  const auto run = RunOnFullDisk(
+      110, {"--microphone", m_sample, "tags", "learn", "--contact", std::to_string(m_bob)});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.err, HasSubstr("voxtrel: no tag was learned: the disk is full\n"));
+  EXPECT_TRUE(fs::is_empty(Folder("Voxtrel_wav")));
   ExpectNothingLearned();
 }
 

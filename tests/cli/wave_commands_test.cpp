@@ -96,6 +96,47 @@ TEST_F(WaveCommands, RecordIntoAMissingFolderSaysSo) {
   EXPECT_EQ(answer["bytes"], 0);
 }
 
+TEST_F(WaveCommands, RecordReplacesAnEarlierFileOnlyByAWholeRecording) {
+  const std::string sample = std::string(VOXTREL_SAMPLES_DIR) + "/anna_1.wav";
+  const std::string target = Path("old.wav");
+  std::ofstream(target) << "an earlier recording";
+  std::ofstream(Path("text.wav")) << std::string(50, 'x');
+  EXPECT_EQ(RunJson({"--microphone", Path("text.wav"), "wave", "record", target}, 1)["code"], 2);
+  EXPECT_EQ(Read(target), "an earlier recording");
+  EXPECT_EQ(RunJson({"--microphone", sample, "wave", "record", target, "--milliseconds", "100"},
+                    0)["code"],
+            0);
+  EXPECT_EQ(std::filesystem::file_size(target), 44U + 2205U);
+}
+
+TEST_F(WaveCommands, RecordSaysWhyThereIsNoFile) {
+  const std::string sample = std::string(VOXTREL_SAMPLES_DIR) + "/anna_1.wav";
+  std::filesystem::create_directory(Path("folder"));
+  std::ofstream(Path("protected.wav")) << "kept";
+  std::filesystem::permissions(Path("protected.wav"), std::filesystem::perms::owner_read);
+  for (const auto& [name, reason] : {std::pair{"none/new.wav", "no such folder"},
+                                     {"folder", "is no file"},
+                                     {"protected.wav", "is protected"}}) {
+    const auto run = Run({"--microphone", sample, "wave", "record", Path(name)});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_THAT(run.err, HasSubstr("File :" + Path(name) + " couldn't be creat"));
+    EXPECT_THAT(run.err, HasSubstr("was not recorded: "));
+    EXPECT_THAT(run.err, HasSubstr(reason));
+  }
+  EXPECT_EQ(Read(Path("protected.wav")), "kept");
+}
+
+TEST_F(WaveCommands, RecordOnAFullDiskSaysSoAndKeepsTheEarlierFile) {
+  const std::string sample = std::string(VOXTREL_SAMPLES_DIR) + "/anna_1.wav";
+  const std::string target = Path("old.wav");
+  std::ofstream(target) << "an earlier recording";
+  const auto run =
+      RunOnFullDisk(1, {"--microphone", sample, "wave", "record", target, "--milliseconds", "100"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.err, HasSubstr(target + " was not recorded: the disk is full\n"));
+  EXPECT_EQ(Read(target), "an earlier recording");
+}
+
 TEST_F(WaveCommands, PlayIntoAWaveFileInsteadOfTheLoudspeaker) {
   const std::string recording = MakeShortRecording();
   const std::string heard = Path("heard.wav");
@@ -149,7 +190,7 @@ TEST_F(WaveCommands, PlayIntoAFileThatCannotBeMadeSaysSo) {
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_THAT(run.err, HasSubstr("the speaker file could not be made"));
   std::filesystem::create_directory(Path("folder"));
-  EXPECT_EQ(RunJson({"--speaker", Path("folder"), "wave", "play", recording}, 1)["code"], 10);
+  EXPECT_EQ(RunJson({"--speaker", Path("folder"), "wave", "play", recording}, 1)["code"], 8);
 }
 
 TEST_F(WaveCommands, CheckTellsWhereTheSamplesAre) {

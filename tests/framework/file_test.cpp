@@ -79,6 +79,17 @@ TEST_F(CFileTest, EveryOperationFailsOnAFileThatIsNotOpen) {
   EXPECT_TRUE(m_file.Close());
 }
 
+TEST_F(CFileTest, SaysWhyTheLastOperationThatFailedDidSo) {
+  EXPECT_EQ(m_file.GetError(), platform::FileError::kNone);
+  EXPECT_FALSE(m_file.Open(u"/a", CFile::modeRead));
+  EXPECT_EQ(m_file.GetError(), platform::FileError::kNotFound);
+  ASSERT_TRUE(m_file.Open(u"/a", CFile::modeCreate | CFile::modeWrite));
+  m_files.SetCapacity(2);
+  EXPECT_FALSE(m_file.Write(Bytes({1, 2, 3})));
+  EXPECT_TRUE(m_file.Flush());
+  EXPECT_EQ(m_file.GetError(), platform::FileError::kDiskFull);
+}
+
 TEST_F(CFileTest, CloseFreesTheFileAndThePath) {
   ASSERT_TRUE(m_files.PutFile(u"/a", Bytes({1})));
   ASSERT_TRUE(m_file.Open(u"/a", CFile::modeReadWrite));

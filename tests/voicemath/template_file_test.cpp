@@ -182,7 +182,7 @@ TEST_F(TemplateFile, AFileThatCannotBeMadeOpenedOrHeldHasItsResult) {
             TemplateFileResult::kNotCreated);
   EXPECT_EQ(Read(0), TemplateFileResult::kNotOpened);
   m_files.SetCapacity(10);
-  EXPECT_EQ(Write(), TemplateFileResult::kFileFailure);
+  EXPECT_EQ(Write(), TemplateFileResult::kDiskFull);
 }
 
 }  // namespace

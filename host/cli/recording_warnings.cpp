@@ -1,0 +1,37 @@
+#include "host/cli/recording_warnings.h"
+
+#include <fmt/format.h>
+
+#include "voicemath/constants.h"
+
+namespace cli {
+
+std::vector<std::string> DescribeOddities(const voicemath::RecordingReview& review) {
+  std::vector<std::string> sentences;
+  if (review.hasOtherRate) {
+    sentences.push_back(fmt::format(
+        "it has {} samples a second, which are taken for 11025; its template fits no speech",
+        review.rate));
+  }
+  if (review.isSilent && !review.isEmpty) {
+    sentences.emplace_back("it is silent: all its samples are alike");
+  }
+  if (review.isLong) {
+    sentences.push_back(
+        fmt::format("it is longer than 60 s ({:.1f} s)",
+                    static_cast<double>(review.samples) / voicemath::kSamplesPerSecond));
+  }
+  if (review.isSpeechTooLate) {
+    sentences.emplace_back(
+        "its speech ends after 163 s, where its place is not found any more; what is taken is "
+        "something else");
+  }
+  if (review.hasNoFrame) {
+    sentences.emplace_back(
+        "what is taken of it is shorter than a frame of 1024 samples, so that its template is "
+        "empty");
+  }
+  return sentences;
+}
+
+}  // namespace cli

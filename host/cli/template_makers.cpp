@@ -1,0 +1,286 @@
+#include "host/cli/template_makers.h"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <array>
+#include <cstddef>
+#include <filesystem>
+#include <memory>
+#include <system_error>
+#include <vector>
+
+#include "host/cli/band_picture.h"
+#include "host/cli/file_reason.h"
+#include "host/cli/header_code.h"
+#include "host/cli/output.h"
+#include "host/cli/recording_warnings.h"
+#include "voicemath/recording_review.h"
+#include "voicemath/voice_mathematics.h"
+
+namespace cli {
+namespace {
+
+using platform::FileError;
+using voicemath::CVoiceMathematics;
+using voicemath::TemplateFileResult;
+
+constexpr std::size_t kPictureColumns = 60;
+constexpr std::size_t kTemplateHeaderBytes = 6;
+constexpr std::size_t kCopyBytes = std::size_t{64} * 1024;
+
+double SamplesToSeconds(std::uint32_t samples) {
+  return static_cast<double>(samples) / voicemath::kSamplesPerSecond;
+}
+
+void PrintSummary(const CVoiceMathematics& mathematics) {
+  const voicemath::Segment segment = mathematics.m_detected;
+  PrintLine(fmt::format("Speech    {:.2f} s to {:.2f} s", SamplesToSeconds(segment.first),
+                        SamplesToSeconds(segment.last + 1)));
+  PrintLine(fmt::format("Template  {} frames, {:.2f} s", mathematics.m_frameCounts[0],
+                        mathematics.GetTemplateDuration(0)));
+  PrintPicture(mathematics.GetTemplate(0));
+}
+
+/// Whether both names are, or would be, one file.
+bool AreSameName(const std::string& a, const std::string& b) {
+  std::error_code failedA;
+  std::error_code failedB;
+  const auto canonicalA = std::filesystem::weakly_canonical(a, failedA);
+  const auto canonicalB = std::filesystem::weakly_canonical(b, failedB);
+  return Session::AreSameFile(a, b) ||
+         (!a.empty() && !failedA && !failedB && canonicalA == canonicalB);
+}
+
+/// Whether `bytes` could be written to `path` now. Leaves nothing there.
+FileError TryToWrite(platform::FileSystem& files, const std::u16string& path, std::size_t bytes) {
+  const FileError earlier =
+      files
+          .Open(path, {platform::FileAccess::kWrite, platform::FileShare::kNone,
+                       platform::FileCreation::kOpenExisting})
+          .error;
+  if (earlier != FileError::kNone && earlier != FileError::kNotFound) {
+    return earlier;
+  }
+  const auto trial = files.OpenReplacement(path);
+  return trial.replacement ? trial.replacement->GetFile().Write(std::vector<std::byte>(bytes))
+                           : trial.error;
+}
+
+FileError Copy(platform::File& from, platform::File& to) {
+  std::vector<std::byte> buffer(kCopyBytes);
+  for (;;) {
+    const auto count = from.Read(buffer);
+    if (!count) {
+      return FileError::kOther;
+    }
+    const FileError written = to.Write(std::span(buffer).first(*count));
+    if (written != FileError::kNone || *count < buffer.size()) {
+      return written;
+    }
+  }
+}
+
+/// Copies a recording to a file that is not there yet: whole or not at all.
+FileError CopyRecording(platform::FileSystem& files, const std::u16string& wave,
+                        const std::u16string& copy) {
+  const FileError there = files.Open(copy, {.access = platform::FileAccess::kNone}).error;
+  if (there != FileError::kNotFound) {
+    return there == FileError::kNone ? FileError::kAlreadyExists : there;
+  }
+  const auto original = files.Open(wave, {.share = platform::FileShare::kRead});
+  if (!original.file) {
+    return original.error;
+  }
+  const auto opened = files.OpenReplacement(copy);
+  if (!opened.replacement) {
+    return opened.error;
+  }
+  const FileError copied = Copy(*original.file, opened.replacement->GetFile());
+  return copied == FileError::kNone ? opened.replacement->Publish(platform::Durability::kNow)
+                                    : copied;
+}
+
+struct MakerArguments {
+  std::string wave;
+  std::string st;
+  std::string keep;
+};
+
+/// One run of `template learn` or `template process`.
+class TemplateMaker {
+ public:
+  TemplateMaker(Session& session, const MakerArguments& arguments, bool learns)
+      : m_session(session),
+        m_arguments(arguments),
+        m_learns(learns),
+        m_platform(session.GetPlatform()),
+        m_mathematics(m_platform.files, m_platform.ui) {
+    m_mathematics.m_wavePath = Session::ToSystemPath(arguments.wave);
+  }
+
+  void Run() {
+    CheckNames();
+    const auto review = voicemath::ReviewRecording(m_mathematics, m_learns);
+    m_warnings = review ? DescribeOddities(*review) : std::vector<std::string>();
+    for (const std::string& warning : m_warnings) {
+      PrintErrorLine(fmt::format("voxtrel: warning: {}: {}", m_arguments.wave, warning));
+    }
+    // All that can be known to fail is known before the recording is cut.
+    if (review && (!HasEnough(*review) || (m_learns && !CanLearn(*review)))) {
+      PrintResult(voicemath::kNotProcessed);
+      return;
+    }
+    if (Process(review.has_value())) {
+      WriteTemplate();
+    }
+  }
+
+ private:
+  void CheckNames() const {
+    const auto& [wave, st, keep] = m_arguments;
+    if (AreSameName(wave, st)) {
+      throw CLI::ValidationError("st", "the template would overwrite the recording " + wave);
+    }
+    if (AreSameName(keep, wave) || AreSameName(keep, st)) {
+      throw CLI::ValidationError("--keep", keep + " is the recording or the template itself");
+    }
+  }
+
+  [[nodiscard]] bool HasEnough(const voicemath::RecordingReview& review) {
+    if (review.isEmpty) {
+      m_session.Fail(fmt::format("{}: there are fewer than 512 samples to make a template of",
+                                 m_arguments.wave));
+    }
+    return !review.isEmpty;
+  }
+
+  /// Whether the template could be written now; keeps the original as well, if that is wanted.
+  [[nodiscard]] bool CanLearn(const voicemath::RecordingReview& review) {
+    const std::size_t samples = review.segment.last - review.segment.first + 1;
+    const std::size_t frames = samples / voicemath::kFrameHop - 1;
+    const std::size_t bytes = kTemplateHeaderBytes + frames * voicemath::kBandCount * sizeof(float);
+    const FileError target =
+        TryToWrite(m_platform.files, Session::ToSystemPath(m_arguments.st), bytes);
+    if (target != FileError::kNone) {
+      m_session.Fail(fmt::format("{}: it cannot be made: {}; {} was left as it is", m_arguments.st,
+                                 ExplainFileError(target), m_arguments.wave));
+      return false;
+    }
+    if (m_arguments.keep.empty()) {
+      return true;
+    }
+    const FileError kept = CopyRecording(m_platform.files, m_mathematics.m_wavePath,
+                                         Session::ToSystemPath(m_arguments.keep));
+    if (kept != FileError::kNone) {
+      m_session.Fail(fmt::format("{}: the original cannot be kept there: {}; {} was left as it is",
+                                 m_arguments.keep, ExplainFileError(kept), m_arguments.wave));
+    }
+    return kept == FileError::kNone;
+  }
+
+  /// Computes the template, also cuts the recording if it is to be learned. What has no review has
+  /// none, and only the message that says why.
+  [[nodiscard]] bool Process(bool hasReview) {
+    int result = m_learns && hasReview ? m_mathematics.LearnFile(0) : m_mathematics.ReadFile(0);
+    if (!hasReview) {
+      result = voicemath::kNotProcessed;
+    }
+    PrintResult(result);
+    if (result != voicemath::kLearned) {
+      m_session.Fail(fmt::format("{}: {}", m_arguments.wave, ExplainFailure()));
+    }
+    return result == voicemath::kLearned;
+  }
+
+  [[nodiscard]] std::string ExplainFailure() {
+    const FileError trimming = m_mathematics.m_trimError;
+    const int code = CheckHeader(m_mathematics, m_mathematics.m_wavePath);
+    if (code != voicemath::kHeaderAccepted) {
+      return ExplainHeaderCode(code);
+    }
+    const std::string words = "it cannot be read or rewritten";
+    return trimming == FileError::kNone ? words : words + ": " + ExplainFileError(trimming);
+  }
+
+  void WriteTemplate() {
+    const auto written = voicemath::WriteTemplateFile(
+        m_platform.files, Session::ToSystemPath(m_arguments.st), m_mathematics);
+    if (written != TemplateFileResult::kDone) {
+      m_session.Fail(fmt::format("{}: {}", m_arguments.st, ExplainTemplateFile(written)));
+    } else if (!m_session.GetOptions().json) {
+      PrintSummary(m_mathematics);
+    }
+  }
+
+  void PrintResult(int result) const {
+    if (!m_session.GetOptions().json) {
+      return;
+    }
+    const bool done = result == voicemath::kLearned;
+    const voicemath::Segment segment = done ? m_mathematics.m_detected : voicemath::Segment{};
+    Json json = {{"result", result},
+                 {"segment", Json::array({segment.first, segment.last})},
+                 {"frames", m_mathematics.m_frameCounts[0]},
+                 {"seconds", m_mathematics.GetTemplateDuration(0)}};
+    if (m_learns || !m_warnings.empty()) {
+      json["warnings"] = m_warnings;
+    }
+    PrintJson(json);
+  }
+
+  Session& m_session;
+  const MakerArguments& m_arguments;
+  const bool m_learns;
+  const platform::Platform m_platform;
+  CVoiceMathematics m_mathematics;
+  std::vector<std::string> m_warnings;
+};
+
+CLI::App* AddMaker(CLI::App& group, Session& session,
+                   const std::shared_ptr<MakerArguments>& arguments, const char* name,
+                   const char* description, bool learns) {
+  CLI::App* command = group.add_subcommand(name, description);
+  command->add_option("wave", arguments->wave, "The recording")->required();
+  command->add_option("st", arguments->st, "The template file to write")->required();
+  command->callback(
+      [&session, arguments, learns] { TemplateMaker(session, *arguments, learns).Run(); });
+  return command;
+}
+
+}  // namespace
+
+void AddTemplateMakers(CLI::App& group, Session& session) {
+  const auto arguments = std::make_shared<MakerArguments>();
+  AddMaker(group, session, arguments, "learn",
+           "Find the speech in a recording, trim the file to it, and make its template", true)
+      ->add_option("--keep", arguments->keep,
+                   "Keep the recording as it was in this file, which must not be there yet")
+      ->type_name("FILE");
+  AddMaker(group, session, arguments, "process", "Make the template of a whole recording", false);
+}
+
+std::string ExplainTemplateFile(TemplateFileResult result) {
+  switch (result) {
+    case TemplateFileResult::kNotCreated:
+      return "it cannot be made";
+    case TemplateFileResult::kNotOpened:
+      return "it cannot be opened";
+    case TemplateFileResult::kTorn:
+      return "it is torn: it ends before its template does";
+    case TemplateFileResult::kBadFormat:
+      return "it is not a template file";
+    case TemplateFileResult::kDiskFull:
+      return "it cannot be written: the disk is full";
+    default:
+      return "it cannot be read or written to its end";
+  }
+}
+
+void PrintPicture(std::span<const float> values) {
+  for (const std::string& line : DrawBands(values, kPictureColumns, ChoosePictureStyle())) {
+    PrintLine("  " + line);
+  }
+}
+
+}  // namespace cli
