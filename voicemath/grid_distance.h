@@ -20,6 +20,12 @@ inline constexpr std::int32_t kLead = 2;
 /// Shifts that are looked at together: those of two words of usual lengths.
 inline constexpr std::int32_t kShiftsAtOnce = PreparedTemplate::kHeldFrames;
 
+/// One float for each of kFloatLanes neighbouring shifts. Each is rounded as a float by itself is.
+using ShiftLanes [[gnu::vector_size(sizeof(float) * kFloatLanes)]] = float;
+/// The same if they lie in an array of floats.
+using ShiftLanesInArray [[gnu::vector_size(sizeof(float) * kFloatLanes),
+                          gnu::aligned(alignof(float)), gnu::may_alias]] = float;
+
 /// Two templates with frames, and the shifts at which the shorter one is held against the other.
 struct Pair {
   const PreparedTemplate& shorter;

@@ -14,10 +14,12 @@ namespace {
 /// first, and leave little to be compared.
 class NeighbourSearch {
  public:
-  NeighbourSearch(std::span<const PreparedTemplate> templates, std::span<Neighbour> nearest)
-      : m_templates(templates), m_nearest(nearest) {}
+  NeighbourSearch(std::span<const PreparedTemplate> templates, std::span<Neighbour> nearest,
+                  const SearchWatch& watch)
+      : m_templates(templates), m_nearest(nearest), m_watch(watch) {}
 
-  void Run() {
+  /// False if the watch said stop.
+  [[nodiscard]] bool Run() {
     for (std::size_t i = 0; i < m_templates.size(); ++i) {
       m_nearest[i] = {.index = m_templates.size() < 2 ? -1
                                : i == 0               ? 1
@@ -25,17 +27,18 @@ class NeighbourSearch {
                       .distance = kMaxDistance};
     }
     CompareOutlines();
-    for (std::size_t i = 0; i < m_templates.size(); ++i) {
+    for (std::size_t i = 0; i < m_templates.size() && !m_isStopped; ++i) {
       const std::size_t j = m_likeliest[i];
       if (j != i) {
         Compare(std::min(i, j), std::max(i, j));
       }
     }
     for (std::size_t j = 1; j < m_templates.size(); ++j) {
-      for (std::size_t i = 0; i < j; ++i) {
+      for (std::size_t i = 0; i < j && !m_isStopped; ++i) {
         Compare(i, j);
       }
     }
+    return !m_isStopped;
   }
 
  private:
@@ -51,11 +54,27 @@ class NeighbourSearch {
     return m_outlines[j * (j - 1) / 2 + i];
   }
 
+  /// How much work two templates can be, in shifts times frames.
+  [[nodiscard]] double WeightOf(std::size_t i, std::size_t j) const {
+    const double a = m_templates[i].Frames();
+    const double b = m_templates[j].Frames();
+    return (std::max(a, b) - std::min(a, b) + 1) * (std::min(a, b) + 1) + std::max(a, b);
+  }
+
+  /// Asks the watch; false once it said stop.
+  [[nodiscard]] bool GoesOn() {
+    if (!m_isStopped && m_watch && !m_watch(m_weight == 0 ? 0.0 : m_done / m_weight)) {
+      m_isStopped = true;
+    }
+    return !m_isStopped;
+  }
+
   void CompareOutlines() {
     std::array<std::uint32_t, kMostTemplates> least{};
-    for (std::size_t j = 0; j < m_templates.size(); ++j) {
+    for (std::size_t j = 0; j < m_templates.size() && GoesOn(); ++j) {
       m_likeliest[j] = j;
       for (std::size_t i = 0; i < j; ++i) {
+        m_weight += WeightOf(i, j);
         std::uint32_t outline = LeastOutlineDistance(m_templates[i], m_templates[j]);
         if (!IsSymmetric(i, j)) {
           outline = std::min(outline, LeastOutlineDistance(m_templates[j], m_templates[i]));
@@ -77,18 +96,26 @@ class NeighbourSearch {
 
   void Compare(std::size_t i, std::size_t j) {
     const std::uint32_t outline = std::exchange(OutlineOf(i, j), kCompared);
+    if (outline == kCompared) {
+      return;
+    }
+    m_done += WeightOf(i, j);
     const std::size_t further = m_reach[i].Distance() < m_reach[j].Distance() ? j : i;
-    if (!CanBeBelow(m_reach[further], m_templates[i], m_templates[j], outline)) {
+    if (!CanBeBelow(m_reach[further], m_templates[i], m_templates[j], outline) || !GoesOn()) {
       return;
     }
     if (IsSymmetric(i, j)) {
-      const float both = TemplateDistance(m_templates[i], m_templates[j], m_reach[further]);
+      const float both = DistanceOf(i, j, m_reach[further]);
       Consider(i, j, both);
       Consider(j, i, both);
     } else {
-      Consider(i, j, TemplateDistance(m_templates[i], m_templates[j], m_reach[i]));
-      Consider(j, i, TemplateDistance(m_templates[j], m_templates[i], m_reach[j]));
+      Consider(i, j, DistanceOf(i, j, m_reach[i]));
+      Consider(j, i, DistanceOf(j, i, m_reach[j]));
     }
+  }
+
+  [[nodiscard]] float DistanceOf(std::size_t i, std::size_t j, const DistanceBound& bound) {
+    return TemplateDistance(m_templates[i], m_templates[j], bound, m_goesOn);
   }
 
   void Consider(std::size_t of, std::size_t candidate, float distance) {
@@ -103,6 +130,11 @@ class NeighbourSearch {
 
   std::span<const PreparedTemplate> m_templates;
   std::span<Neighbour> m_nearest;
+  const SearchWatch& m_watch;
+  const GoOn m_goesOn = m_watch ? GoOn([this] { return GoesOn(); }) : GoOn();
+  bool m_isStopped = false;
+  double m_weight = 0;  ///< Of all pairs.
+  double m_done = 0;    ///< Of those that were compared or need not be.
   std::array<std::size_t, kMostTemplates> m_likeliest;
   std::array<DistanceBound, kMostTemplates>
       m_reach;  ///< What a comparison must be below to matter.
@@ -111,8 +143,9 @@ class NeighbourSearch {
 
 }  // namespace
 
-void FindNearest(std::span<const PreparedTemplate> templates, std::span<Neighbour> nearest) {
-  NeighbourSearch(templates, nearest).Run();
+bool FindNearest(std::span<const PreparedTemplate> templates, std::span<Neighbour> nearest,
+                 const SearchWatch& watch) {
+  return NeighbourSearch(templates, nearest, watch).Run();
 }
 
 }  // namespace voicemath

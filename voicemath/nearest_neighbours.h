@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <span>
 
 #include "voicemath/prepared_template.h"
@@ -10,6 +11,10 @@
 namespace voicemath {
 
 inline constexpr std::size_t kMostTemplates = 100;
+
+/// Asked now and then by a search, with the share of the work that is done: whether to go on. Empty
+/// if nobody wants to know.
+using SearchWatch = std::function<bool(double)>;
 
 /// The template that is most easily confused with another one.
 struct Neighbour {
@@ -20,7 +25,8 @@ struct Neighbour {
 /// Finds for each template the nearest other one; of several at the same distance the one with the
 /// lowest index, which is the first other one where all are kMaxDistance away. The template in
 /// whose place the search stands counts as the first of TemplateDistance. `nearest` is as long as
-/// `templates`, at most kMostTemplates.
-void FindNearest(std::span<const PreparedTemplate> templates, std::span<Neighbour> nearest);
+/// `templates`, at most kMostTemplates. False if `watch` said stop; `nearest` then means nothing.
+bool FindNearest(std::span<const PreparedTemplate> templates, std::span<Neighbour> nearest,
+                 const SearchWatch& watch = {});
 
 }  // namespace voicemath

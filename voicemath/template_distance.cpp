@@ -4,7 +4,10 @@
 #include <array>
 #include <cmath>
 #include <cstring>
+#include <memory>
+#include <new>
 
+#include "voicemath/far_distance.h"
 #include "voicemath/grid_distance.h"
 #include "voicemath/vector_clones.h"
 
@@ -45,18 +48,13 @@ constexpr auto kLanes = static_cast<std::int32_t>(kFloatLanes);
 /// Frames between two looks at whether any lane can still win.
 constexpr std::int32_t kFramesBetweenLooks = kLanes;
 
-/// One float for each of kLanes neighbouring shifts. Each lane is rounded as a float by itself is.
-using Lanes [[gnu::vector_size(sizeof(float) * kFloatLanes)]] = float;
-/// The same where they lie in an array of floats.
-using LanesInArray [[gnu::vector_size(sizeof(float) * kFloatLanes), gnu::aligned(alignof(float)),
-                     gnu::may_alias]] = float;
 using LaneSums = std::array<float, kFloatLanes>;
 
 /// The float sums of `shift` and the kLanes - 1 shifts above it. Gives up, with some sums that are
 /// not below `bound`, as soon as none is: they never fall, and one that is no number never wins.
 VOXTREL_INLINE LaneSums ExactSums(const Pair& pair, std::int32_t shift, float bound) {
   const auto& [shorter, longer] = pair;
-  Lanes sums{};
+  ShiftLanes sums{};
   LaneSums told{};
   const auto canWin = [bound](float sum) { return sum < bound; };
   std::array<const float*, kBandCount> slid;
@@ -69,9 +67,9 @@ VOXTREL_INLINE LaneSums ExactSums(const Pair& pair, std::int32_t shift, float bo
       const std::int32_t held = std::clamp(frame + shift, -kLanes, shorter.Frames());
       const float* fixed = longer.ShapeByFrame(frame);
       for (std::size_t band = 0; band < kBandCount; ++band) {
-        const Lanes values = *reinterpret_cast<const LanesInArray*>(slid[band] + held);
-        const Lanes differences = values - fixed[band];
-        const Lanes squares = differences * differences;
+        const ShiftLanes values = *reinterpret_cast<const ShiftLanesInArray*>(slid[band] + held);
+        const ShiftLanes differences = values - fixed[band];
+        const ShiftLanes squares = differences * differences;
         sums += squares;
       }
     }
@@ -175,16 +173,26 @@ DistanceBound::DistanceBound(float distance)
 
 VOXTREL_VECTOR_CLONES
 float TemplateDistance(const PreparedTemplate& a, const PreparedTemplate& b,
-                       const DistanceBound& bound) {
+                       const DistanceBound& bound, const GoOn& goOn) {
   const Pair pair(a, b);
   if (pair.shorter.Frames() == 0) {
     const float distance = pair.longer.Frames() == 0 ? 0.0F : kMaxDistance;
     return std::min(distance, bound.Distance());
   }
+  if (IsFar(pair)) {
+    const std::size_t count = FarScratchSize(pair);
+    const std::unique_ptr<float[]> scratch(new (std::nothrow) float[count]);
+    if (scratch) {
+      return FarDistance(pair, bound.Distance(), {scratch.get(), count}, goOn);
+    }
+  }
   const std::int32_t shifts = pair.ShiftCount();
   Search search(pair, bound);
   for (std::int32_t index = 0; index < shifts && search.Best() > 0.0F; index += kShiftsAtOnce) {
     const std::int32_t count = std::min(kShiftsAtOnce, shifts - index);
+    if (goOn && !goOn()) {
+      break;
+    }
     if (pair.IsOnGrid()) {
       search.TryPromising(index, count);
     } else {

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <span>
 
 #include "voicemath/constants.h"
@@ -11,6 +12,9 @@ namespace voicemath {
 
 /// Start value, and so the upper bound, of every distance.
 inline constexpr float kMaxDistance = 2.0F;
+
+/// Asked now and then by work that may take long: whether to go on. Empty if nobody wants to know.
+using GoOn = std::function<bool()>;
 
 /// The distance that a comparison has to stay below to be of interest.
 class DistanceBound {
@@ -34,9 +38,10 @@ class DistanceBound {
 /// the float reciprocal. Two templates without frames have distance 0; one without frames against
 /// one with frames has kMaxDistance.
 ///
-/// A distance that is not below `bound` is told as the bound's.
+/// A distance that is not below `bound` is told as the bound's. If `goOn` says stop, the result
+/// means nothing.
 [[nodiscard]] float TemplateDistance(const PreparedTemplate& a, const PreparedTemplate& b,
-                                     const DistanceBound& bound = {});
+                                     const DistanceBound& bound = {}, const GoOn& goOn = {});
 
 /// The same of templates that are compared only once. Needs memory for both prepared, and says
 /// kMaxDistance where there is none.

@@ -118,9 +118,9 @@ float CVoiceMathematics::CompareTemplates(std::int32_t a, std::int32_t b) const 
                           m_prepared[static_cast<std::size_t>(b)]);
 }
 
-void CVoiceMathematics::FindNearest(std::span<Neighbour> nearest) const {
+bool CVoiceMathematics::FindNearest(std::span<Neighbour> nearest, const SearchWatch& watch) const {
   const std::size_t slots = std::min(nearest.size(), kStoredSlots);
-  voicemath::FindNearest(std::span(m_prepared).first(slots), nearest.first(slots));
+  return voicemath::FindNearest(std::span(m_prepared).first(slots), nearest.first(slots), watch);
 }
 
 std::int32_t CVoiceMathematics::ComputeThresholds() {

@@ -139,6 +139,82 @@ TEST(FastComparison, EqualsItsTwinOnLongTemplates) {
   }
 }
 
+/// A template of so many frames whose values lie between `level` and `level` + `spread`.
+Template DrawEven(std::mt19937& random, std::size_t frames, float level, float spread) {
+  Template word{.frameCount = static_cast<std::uint16_t>(frames), .values = {}};
+  for (std::size_t i = 0; i < frames * kBandCount; ++i) {
+    word.values.push_back(level + spread * static_cast<float>(support::Draw(random, 1000)));
+  }
+  return word;
+}
+
+TEST(FastComparison, EqualsItsTwinOnTemplatesAThousandFramesLonger) {
+  std::mt19937 random(31);
+  for (const std::size_t frames : {2U, 3U, 7U, 20U, 61U, 150U}) {
+    ExpectSame(DrawWord(random, frames, 1), DrawWord(random, frames + 1000, 1));
+    ExpectSame(DrawWord(random, frames + 1013, 1), DrawWord(random, frames, 1));
+    ExpectSame(DrawEven(random, frames, 0, 1), DrawEven(random, frames + 1000, 0, 1));
+  }
+}
+
+/// Only the rounding of the tails decides which of a thousand shifts is the best.
+TEST(FastComparison, EqualsItsTwinOnFarLongerTemplatesWithShiftsNearlyAlike) {
+  std::mt19937 random(32);
+  for (const float spread : {1e-2F, 1e-3F, 1e-4F, 0.0F}) {
+    for (const float end : {0.0F, 1.0F, 30.0F}) {
+      Template word = DrawEven(random, 12, 1000, spread);
+      std::fill_n(word.values.end() - kBandCount, kBandCount, end);
+      std::fill_n(word.values.begin(), kBandCount, end);
+      ExpectSame(word, DrawEven(random, 1012 + support::Draw(random, 9), 1000, spread));
+      ExpectSame(word, DrawEven(random, 1012 + support::Draw(random, 9), 0, spread));
+    }
+  }
+}
+
+/// The word itself stands somewhere in the longer one, at its ends as well, more than once.
+TEST(FastComparison, EqualsItsTwinIfTheWordStandsInAFarLongerTemplate) {
+  std::mt19937 random(33);
+  for (const std::size_t at : {0U, 1U, 500U, 1187U, 1188U}) {
+    Template word = DrawWord(random, 12, 3);
+    std::fill_n(word.values.begin(), kBandCount, 0.0F);
+    std::fill_n(word.values.end() - kBandCount, kBandCount, 0.0F);
+    Template longer{.frameCount = 1200, .values = std::vector<float>(1200 * kBandCount)};
+    for (const std::size_t place : {at, at / 2}) {
+      std::ranges::copy(word.values, &longer.values[place * kBandCount]);
+    }
+    ExpectSame(word, longer);
+  }
+}
+
+TEST(FastComparison, EqualsItsTwinOnFarLongerTemplatesThatAreOffTheGrid) {
+  std::mt19937 random(34);
+  for (const float odd : {-1.0F, 1e12F, 1e30F, HUGE_VALF, std::nanf("")}) {
+    const Template word = DrawWord(random, 10, 1);
+    Template longer = DrawWord(random, 1020, 2);
+    ExpectSame(DrawEven(random, 10, 0, 1e-30F), longer);
+    longer.values[4000] = odd;
+    ExpectSame(word, longer);
+    Template other = word;
+    other.values.back() = odd;
+    ExpectSame(other, longer);
+    ExpectSame(other, DrawWord(random, 1020, 2));
+  }
+}
+
+TEST(FastComparison, TellsTheBoundOfFarLongerTemplatesToo) {
+  std::mt19937 random(35);
+  Template word = DrawEven(random, 9, 0, 1);
+  std::fill_n(word.values.begin(), kBandCount, 0.0F);
+  std::fill_n(word.values.end() - kBandCount, kBandCount, 0.0F);
+  const Template longer = DrawEven(random, 1100, 0, 1);
+  const float distance = twins::CompareTemplates(word, longer);
+  ASSERT_LT(distance, kMaxDistance);
+  for (const float bound : {0.0F, distance / 2, distance, std::nextafter(distance, 2.0F)}) {
+    EXPECT_EQ(TemplateDistance(Prepared(word), Prepared(longer), DistanceBound(bound)),
+              std::min(bound, distance));
+  }
+}
+
 TEST(FastComparison, TellsTheBoundWhereTheDistanceIsNotBelowIt) {
   std::mt19937 random(24);
   int below = 0;
@@ -179,6 +255,47 @@ TEST(FindNearest, EqualsTheSearchRowByRow) {
     }
     EXPECT_EQ(nearest[i].index, index) << i;
     EXPECT_EQ(nearest[i].distance, best) << i;
+  }
+}
+
+/// Words and far longer templates, so that every kind of comparison takes part.
+std::vector<PreparedTemplate> ManyKinds() {
+  std::mt19937 random(36);
+  std::vector<PreparedTemplate> prepared;
+  for (std::uint32_t tag = 0; tag < 12; ++tag) {
+    prepared.push_back(Prepared(DrawWord(random, tag % 4 == 3 ? 1200 : 20 + tag, tag)));
+  }
+  return prepared;
+}
+
+TEST(FindNearest, TellsItsWatchHowMuchIsDoneAndFindsTheSame) {
+  const std::vector<PreparedTemplate> prepared = ManyKinds();
+  std::vector<Neighbour> expected(prepared.size());
+  FindNearest(prepared, expected);
+  std::vector<double> shares;
+  std::vector<Neighbour> nearest(prepared.size());
+  EXPECT_TRUE(FindNearest(prepared, nearest, [&](double share) {
+    shares.push_back(share);
+    return true;
+  }));
+  ASSERT_FALSE(shares.empty());
+  EXPECT_EQ(shares.front(), 0.0);
+  EXPECT_TRUE(std::ranges::is_sorted(shares));
+  EXPECT_GT(shares.back(), 0.5);
+  EXPECT_LE(shares.back(), 1.0);
+  for (std::size_t i = 0; i < prepared.size(); ++i) {
+    EXPECT_EQ(nearest[i].index, expected[i].index);
+    EXPECT_EQ(nearest[i].distance, expected[i].distance);
+  }
+}
+
+TEST(FindNearest, AsksNoMoreOnceItsWatchSaidStop) {
+  const std::vector<PreparedTemplate> prepared = ManyKinds();
+  std::vector<Neighbour> nearest(prepared.size());
+  for (int most = 1; most < 60; ++most) {
+    int asked = 0;
+    EXPECT_FALSE(FindNearest(prepared, nearest, [&](double) { return ++asked < most; })) << most;
+    EXPECT_EQ(asked, most);
   }
 }
 

@@ -103,6 +103,22 @@ TEST(Work, AWordAgainstTheMostFramesGrowsWithTheShiftsAndNotWithShiftsTimesFrame
   EXPECT_LT(WorkOf(word, Prepared(kMostFrames, 2)), 20 * sixteenth);
 }
 
+/// Its ends are nearly silent, so that no shift is ruled out by them.
+TEST(Work, ARandomTemplateOfTheMostFramesAgainstAWordDoesNotGrowWithShiftsTimesFrames) {
+  const auto quietWord = [] {
+    std::vector<float> values(20 * kBandCount, 0.0F);
+    for (std::size_t i = kBandCount; i < values.size() - kBandCount; ++i) {
+      values[i] = static_cast<float>(i % 7);
+    }
+    PreparedTemplate prepared;
+    EXPECT_TRUE(prepared.Prepare(values));
+    return prepared;
+  };
+  const PreparedTemplate word = quietWord();
+  const std::uint64_t sixteenth = WorkOf(word, Prepared(kMostFrames / 16, 2));
+  EXPECT_LT(WorkOf(word, Prepared(kMostFrames, 2)), 25 * sixteenth);
+}
+
 TEST(Work, OfADialogIsFarLessThanThatOfItsComparisonsOneByOne) {
   std::vector<PreparedTemplate> words;
   for (std::uint32_t tag = 0; tag < 30; ++tag) {
