@@ -5,16 +5,18 @@
 
 namespace maintenance {
 
-std::vector<Neighbour> FindNearest(const voicemath::CVoiceMathematics& mathematics,
-                                   std::int32_t count) {
+FoundNeighbours FindNearest(const voicemath::CVoiceMathematics& mathematics, std::int32_t count,
+                            const voicemath::SearchWatch& watch) {
   std::vector<voicemath::Neighbour> found(static_cast<std::size_t>(std::max(count, 0)));
-  mathematics.FindNearest(found);
-  std::vector<Neighbour> nearest;
-  nearest.reserve(found.size());
-  for (const voicemath::Neighbour& each : found) {
-    nearest.push_back(each.index < 0 ? Neighbour() : Neighbour{each.index, each.distance});
+  if (!mathematics.FindNearest(found, watch)) {
+    return {};
   }
-  return nearest;
+  FoundNeighbours all{.isComplete = true, .nearest = {}};
+  all.nearest.reserve(found.size());
+  for (const voicemath::Neighbour& each : found) {
+    all.nearest.push_back(each.index < 0 ? Neighbour() : Neighbour{each.index, each.distance});
+  }
+  return all;
 }
 
 NeighbourTable ToTable(std::span<const Neighbour> nearest, std::span<const std::int32_t> tags) {

@@ -18,11 +18,17 @@ struct Neighbour {
   float distance = 100.0F;  ///< Where the search starts: beyond every distance there is.
 };
 
+struct FoundNeighbours {
+  bool isComplete = false;  ///< False if the search was stopped; nothing is known then.
+  std::vector<Neighbour> nearest;
+};
+
 /// The nearest other one for each of the slots 0 to `count` - 1 of the mathematics, the one that is
 /// searched for standing first in the comparison; of several at the same distance the one with the
-/// lowest index.
-[[nodiscard]] std::vector<Neighbour> FindNearest(const voicemath::CVoiceMathematics& mathematics,
-                                                 std::int32_t count);
+/// lowest index. `watch` may stop the search.
+[[nodiscard]] FoundNeighbours FindNearest(const voicemath::CVoiceMathematics& mathematics,
+                                          std::int32_t count,
+                                          const voicemath::SearchWatch& watch = {});
 
 /// One row of the table that the Test dialog shows: two tags by their places in the tag table.
 struct NeighbourRow {

@@ -1,7 +1,10 @@
 #include "maintenance/test_dialog.h"
 
+#include <cstdint>
+#include <optional>
 #include <utility>
 
+#include "maintenance/comparison_dialog.h"
 #include "maintenance/page_header.h"
 #include "platform/framework/wait_cursor.h"
 #include "resources/dialogs.h"
@@ -15,6 +18,17 @@ constexpr int kExtentBehindLine = 20;  ///< Room right of the longest line.
 
 constexpr std::u16string_view kHelpViewer = u"peghelp.exe";
 constexpr std::u16string_view kHelpCommandLine = u"file:ZedraVoxtrelPE_help.htm#test";
+
+/// So long the user waits without being told what for.
+constexpr std::uint32_t kQuietMilliseconds = 1000;
+
+/// Stops a search after a second. What it has found by then is thrown away: a search that goes on
+/// takes many times as long.
+voicemath::SearchWatch ForASecond(platform::Clock& clock) {
+  return [&clock, begin = clock.GetTickCount()](double) {
+    return clock.GetTickCount() - begin < kQuietMilliseconds;
+  };
+}
 
 }  // namespace
 
@@ -34,7 +48,7 @@ bool TestDialog::OnInitDialog() {
 }
 
 std::u16string TestDialog::Compare() {
-  const framework::WaitCursor wait(m_platform.ui);
+  std::optional<framework::WaitCursor> wait(std::in_place, m_platform.ui);
   if (m_page == nullptr || m_page->GetTags().tagCount < 2) {
     return {};
   }
@@ -43,8 +57,18 @@ std::u16string TestDialog::Compare() {
   voicemath::CVoiceMathematics& mathematics = m_page->GetMathematics();
   TemplateLoader loader(m_platform, m_texts, mathematics);
   const LoadedTemplates loaded = loader.Load(tags);
-  const auto nearest = FindNearest(mathematics, static_cast<std::int32_t>(loaded.tags.size()));
-  m_lines = ToTestLines(tags, loaded, nearest);
+  const auto count = static_cast<std::int32_t>(loaded.tags.size());
+  FoundNeighbours found = FindNearest(mathematics, count, ForASecond(m_platform.clock));
+  if (!found.isComplete) {
+    wait.reset();
+    ComparisonDialog box(m_platform, mathematics, count);
+    if (box.DoModal() != framework::kIdOk) {
+      return std::u16string(resources::kTestCancelled);
+    }
+    wait.emplace(m_platform.ui);
+    found = box.GetFound();
+  }
+  m_lines = ToTestLines(tags, loaded, found.nearest);
   ShowLines();
   return UnreadTagsMessage(tags, loaded);
 }

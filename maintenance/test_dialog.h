@@ -11,7 +11,8 @@
 namespace maintenance {
 
 /// The Test dialog: lists every tag with the one that it is most easily taken for. Compares all
-/// tags whenever it opens, before it is shown, and keeps nothing for the next time.
+/// tags whenever it opens, before it is shown, and keeps nothing for the next time. If that takes
+/// more than a second, a box with a bar and Cancel appears; once cancelled the list stays empty.
 class TestDialog final : public framework::CDialog {
  public:
   /// What `platform` refers to outlives the dialog.

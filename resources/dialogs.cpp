@@ -64,6 +64,12 @@ constexpr std::array<ControlTemplate, 2> kReinitControls{{
     {kReinitWaitLine2Id, ControlKind::kCenteredStatic, u"seconds...", {6, 40, 148, 11}},
 }};
 
+/// The progress bar between them is made when the dialog opens.
+constexpr std::array<ControlTemplate, 2> kComparisonControls{{
+    {kComparisonTextId, ControlKind::kStatic, u"Comparing the voice tags", {6, 6, 148, 10}},
+    {kComparisonCancelId, ControlKind::kPushButton, u"Cancel", {55, 42, 50, 13}},
+}};
+
 }  // namespace
 
 constexpr DialogTemplate kLearningDialog{134, u"Learning",       160,
@@ -78,5 +84,7 @@ constexpr DialogTemplate kTestResultsDialog{140, u"Test", 160, 167, kTestControl
 
 /// High enough for the progress bar, which ends 120 pixels down.
 constexpr DialogTemplate kReinitDialog{138, u"Reinitialization", 160, 82, kReinitControls};
+
+constexpr DialogTemplate kComparisonDialog{141, u"Test", 160, 61, kComparisonControls};
 
 }  // namespace resources

@@ -36,6 +36,10 @@ inline constexpr int kTestHelpId = 142;  ///< A picture, of the same number.
 inline constexpr int kReinitWaitLine1Id = 1023;
 inline constexpr int kReinitWaitLine2Id = 1024;
 
+// Controls of the box that waits while voice tags are compared.
+inline constexpr int kComparisonTextId = 1027;
+inline constexpr int kComparisonCancelId = 1028;
+
 /// Command that the Learning page sends itself once it is set up.
 inline constexpr int kCheckVersionCommand = 2222;
 
@@ -44,5 +48,6 @@ extern const DialogTemplate kAboutDialog;
 extern const DialogTemplate kConnectionDialog;
 extern const DialogTemplate kTestResultsDialog;
 extern const DialogTemplate kReinitDialog;
+extern const DialogTemplate kComparisonDialog;
 
 }  // namespace resources

@@ -157,6 +157,8 @@ inline constexpr std::u16string_view kTagsWithoutName =
     u"Some voice tags were not read, or were removed because their contact is gone. ";
 /// Stands behind it.
 inline constexpr std::u16string_view kOpenAgain = u"Close Zedra Voxtrel and open it again.";
+inline constexpr std::u16string_view kTestCancelled =
+    u"The test was cancelled. Nothing is listed, since not all voice tags were compared.";
 /// The tag whose template could not be written stands before it.
 inline constexpr std::u16string_view kReinitStopped =
     u"This voice tag and those after it were not computed anew. There is no room on the device, "

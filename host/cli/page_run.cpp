@@ -5,8 +5,8 @@
 
 #include "host/cli/contacts_commands.h"
 #include "host/cli/contacts_if_readable.h"
-#include "host/cli/reinit_screen.h"
 #include "host/cli/tag_reading.h"
+#include "host/cli/waiting_windows.h"
 #include "platform/framework/property_sheet.h"
 #include "resources/dialogs.h"
 #include "resources/strings.h"

@@ -10,6 +10,7 @@
 #include "host/cli/output.h"
 #include "host/cli/page_run.h"
 #include "host/cli/tag_reading.h"
+#include "host/cli/waiting_windows.h"
 #include "maintenance/tag_session.h"
 #include "maintenance/test_dialog.h"
 #include "platform/text/utf.h"
@@ -83,6 +84,7 @@ void Test(Session& session) {
                                  [&items](headless::HeadlessDialog& window) {
                                    items = window.GetItems(resources::kTestListId);
                                  });
+  session.GetUi().SetDialogStory(resources::kComparisonDialog.id, WatchComparison);
   dialog.DoModal();
   constexpr std::int32_t kMost = storage::TagTable::kCapacity;
   PrintTest(session, items, dialog, std::max(table.tagCount - kMost, 0));

@@ -10,6 +10,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
+#include <semaphore>
 
 #include "maintenance/reinit_worker.h"
 #include "maintenance/test_dialog.h"
@@ -150,6 +151,78 @@ TEST_F(MaintenanceDialogsScreen, TheTestShowsItsLinesAndShortOnesNeedNoScrolling
     EXPECT_TRUE(list->item(1)->text().endsWith(QStringLiteral("%; 1; Bob;  Ann")));
     EXPECT_EQ(list->horizontalScrollBar()->maximum(), 0);
   });
+}
+
+/// Each question for the time is a second later than the one before.
+class HastyClock final : public platform::Clock {
+ public:
+  [[nodiscard]] std::uint32_t GetTickCount() override { return m_ticks += 1000; }
+  void Sleep(std::uint32_t /*milliseconds*/) override {}
+
+ private:
+  std::uint32_t m_ticks = 0;
+};
+
+/// Threads whose bodies begin when they are released.
+class HeldThreads final : public platform::Threads {
+ public:
+  explicit HeldThreads(platform::Threads& threads) : m_threads(threads) {}
+  std::unique_ptr<platform::Thread> Start(std::function<void()> body,
+                                          platform::ThreadStart start) override {
+    return m_threads.Start(
+        [this, body = std::move(body)] {
+          m_released.acquire();
+          body();
+        },
+        start);
+  }
+  std::unique_ptr<platform::Event> CreateManualResetEvent() override {
+    return m_threads.CreateManualResetEvent();
+  }
+  platform::CreatedMutex CreateNamedMutex(std::u16string_view name) override {
+    return m_threads.CreateNamedMutex(name);
+  }
+  void Release() { m_released.release(); }
+
+ private:
+  platform::Threads& m_threads;
+  std::counting_semaphore<> m_released{0};
+};
+
+TEST_F(MaintenanceDialogsScreen, ATestThatTakesLongShowsABoxThatGoesByItselfOrByCancel) {
+  PutTag(u"1", u"Ann", {1, 2, 3, 4, 5});
+  PutTag(u"2", u"Bob", {1, 2, 3, 4, 6});
+  HastyClock clock;
+  HeldThreads threads(m_threads);
+  const platform::Platform machine = GetPlatform();
+  maintenance::TestDialog dialog(
+      {machine.files, machine.waveIn, clock, threads, machine.process, machine.ui, machine.registry,
+       machine.contacts, machine.waveOut, machine.shell},
+      m_texts);
+  dialog.set_Pageone_point(&m_session);
+  for (const bool isCancelled : {false, true}) {
+    m_user.Soon([&] {
+      EXPECT_EQ(User::GetWindow()->findChildren<QProgressBar*>().size(), 1);
+      if (isCancelled) {
+        User::Click(resources::kComparisonCancelId);
+      }
+      threads.Release();
+    });
+    int lines = -1;
+    QTimer look;
+    QObject::connect(&look, &QTimer::timeout, [&] {
+      auto* window = dynamic_cast<QDialog*>(QApplication::activeModalWidget());
+      const auto* list = window == nullptr ? nullptr : window->findChild<QListWidget*>();
+      if (list != nullptr) {
+        lines = list->count();
+        window->reject();
+      }
+    });
+    look.start(10);
+    dialog.DoModal();
+    EXPECT_EQ(lines, isCancelled ? 0 : 2);
+    EXPECT_EQ(m_user.GetBoxes().size(), isCancelled ? 1U : 0U);
+  }
 }
 
 TEST_F(MaintenanceDialogsScreen, TheTestCanBeScrolledToTheEndOfALongLine) {

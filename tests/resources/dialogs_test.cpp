@@ -86,4 +86,12 @@ TEST(Dialogs, TabFollowsTheLearningPageFromTopToBottom) {
                                    resources::kNoControlId}));
 }
 
+TEST(Dialogs, TheBoxOfALongTestHasAButtonThatCancels) {
+  constexpr Row kRows[] = {{1027, ControlKind::kStatic, u"Comparing the voice tags", 6, 6, 148, 10},
+                           {1028, ControlKind::kPushButton, u"Cancel", 55, 42, 50, 13}};
+  EXPECT_EQ(resources::kComparisonDialog.id, 141);
+  EXPECT_EQ(resources::kComparisonDialog.caption, u"Test");
+  ExpectRows(resources::kComparisonDialog, kRows);
+}
+
 }  // namespace

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "platform/headless/headless_dialog.h"
+
+namespace cli {
+
+// Who waits in front of a window with a bar: shows on a terminal how far the work has come.
+
+/// While every template is computed anew. Closes the dialog as soon as it lets itself be closed.
+void WatchReinit(headless::HeadlessDialog& window);
+
+/// While voice tags are compared that take long.
+void WatchComparison(headless::HeadlessDialog& window);
+
+}  // namespace cli
