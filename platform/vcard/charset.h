@@ -6,13 +6,19 @@
 
 namespace vcard {
 
-/// UTF-8 of `text`; nothing where the text is not in the set, or the set is none of those that
-/// address books write. Other names are not handed to the system's converter: a file must not
-/// choose which of its hundreds of modules is loaded.
+/// UTF-8 of `text`, with U+FFFD for each byte that is nothing in the set; nothing if there is such
+/// a byte and the set is UTF-8 or ASCII, or the text is UTF-8 as it stands, so that the name of the
+/// set is wrong; nothing either if the set is none of those that address books write. Other names
+/// are not handed to the system's converter: a file must not choose which of its hundreds of
+/// modules is loaded.
 [[nodiscard]] std::optional<std::string> ToUtf8(std::string_view text, std::string_view charset);
 
-/// UTF-8 of text that names no character set: UTF-8 where it is valid as such, else the set of the
-/// old western Windows programs, which wrote theirs without saying so.
+/// Text that names no character set: as it stands if some character beyond ASCII is UTF-8, whatever
+/// single bytes are not; else from the set of the old western Windows programs, which wrote theirs
+/// without saying so.
 [[nodiscard]] std::string GuessUtf8(std::string_view text);
+
+/// Whether bytes of the set mean something else behind an escape sequence.
+[[nodiscard]] bool IsStateful(std::string_view charset);
 
 }  // namespace vcard

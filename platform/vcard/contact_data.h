@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
+#include <vector>
 
 #include "platform/vcard/telephone_kinds.h"
 
@@ -14,6 +16,12 @@ struct ContactData {
   std::u16string lastName;
   std::u16string companyName;
   Numbers numbers;
+
+  struct UnplacedNumber {
+    std::u16string number;
+    std::size_t line = 0;  ///< Of the stream; 0 if not known.
+  };
+  std::vector<UnplacedNumber> unplaced;  ///< Numbers of telephones for which there is no kind left.
 
   /// The same text as ContentOf gives, of the names and numbers that the contact had under the
   /// former rules; empty if those give the same. Contacts of old entries are found by it.

@@ -1,6 +1,7 @@
 #include "platform/vcard/content_line.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstddef>
 #include <utility>
 
@@ -19,6 +20,7 @@ constexpr std::string_view kCustomPrefix = "X-CUSTOM(";
 struct Encoding {
   std::string charset;
   bool isQuotedPrintable = false;
+  bool isBase64 = false;
 };
 
 /// Position of the first of `wanted` outside quotes, and outside parentheses where those count.
@@ -38,11 +40,24 @@ std::size_t FindOutside(std::string_view text, char wanted, bool parenthesesCoun
   return kNone;
 }
 
-/// Appends the words of a type or a label, which may be quoted and, once it is decoded, hold
-/// anything.
-void AppendTypes(std::string text, std::vector<std::string>& words) {
+/// A type or a label may be quoted and, once it is decoded, hold anything.
+std::string WithoutQuotes(std::string text) {
   std::erase_if(text, [](char c) { return c == '"' || IsControl(c); });
-  AppendWords(text, words);
+  return text;
+}
+
+/// 0 for what is no number from 1 to 100.
+int ParsePreference(std::string_view value) {
+  int preference = 0;
+  const char* const end = value.data() + value.size();
+  const auto [parsed, error] = std::from_chars(value.data(), end, preference);
+  const bool isMeant = error == std::errc() && parsed == end && preference <= 100;
+  return isMeant ? std::max(preference, 0) : 0;
+}
+
+bool IsBase64(std::string_view name, std::string_view value) {
+  return EqualIgnoringCase(value, "BASE64") ||
+         (EqualIgnoringCase(name, "ENCODING") && EqualIgnoringCase(value, "B"));
 }
 
 /// Label of "X-CUSTOM(Label)" or "X-CUSTOM(CHARSET=UTF-8,ENCODING=QUOTED-PRINTABLE,=4C=61)".
@@ -58,7 +73,7 @@ std::string CustomLabel(std::string_view parameter) {
 
 void TakeParameter(std::string_view parameter, ContentLine& line, Encoding& encoding) {
   if (EqualIgnoringCase(parameter.substr(0, kCustomPrefix.size()), kCustomPrefix)) {
-    AppendTypes(CustomLabel(parameter), line.words);
+    line.label = WithoutQuotes(CustomLabel(parameter));
     return;
   }
   const std::size_t equals = parameter.find('=');
@@ -68,10 +83,13 @@ void TakeParameter(std::string_view parameter, ContentLine& line, Encoding& enco
     encoding.charset = std::move(value);
   } else if (EqualIgnoringCase(value, "QUOTED-PRINTABLE")) {
     encoding.isQuotedPrintable = true;
+  } else if (IsBase64(name, value)) {
+    encoding.isBase64 = true;
   } else if (equals == kNone || EqualIgnoringCase(name, "TYPE")) {
-    AppendTypes(std::move(value), line.words);
+    AppendWords(WithoutQuotes(std::move(value)), line.words);
   } else if (EqualIgnoringCase(name, "PREF")) {
     line.words.emplace_back("PREF");
+    line.preference = ParsePreference(WithoutQuotes(std::move(value)));
   } else if (EqualIgnoringCase(name, "VALUE")) {
     std::erase(value, '"');
     line.isUri = line.isUri || EqualIgnoringCase(value, "uri");
@@ -88,16 +106,24 @@ void TakeParameters(std::string_view parameters, ContentLine& line, Encoding& en
   }
 }
 
-std::vector<std::string> ReadValue(std::string_view value, const Encoding& encoding) {
+std::vector<std::string> ReadValue(std::string_view value, const Encoding& encoding,
+                                   Commas commas) {
   const auto decode = [&encoding](std::string_view text) {
     std::optional<std::string> converted = ToUtf8(text, encoding.charset);
     return converted ? std::move(*converted) : GuessUtf8(text);
   };
+  if (const auto bytes = encoding.isBase64 ? DecodeBase64(value) : std::nullopt) {
+    return SplitValue(decode(*bytes), commas);
+  }
   if (!encoding.isQuotedPrintable) {
     // Before it is cut: the second byte of a character may look like a backslash.
-    return SplitValue(decode(value));
+    return SplitValue(decode(value), commas);
   }
-  std::vector<std::string> components = SplitValue(value);
+  if (IsStateful(encoding.charset)) {
+    // Any of its bytes may look like a semicolon.
+    return SplitValue(decode(DecodeQuotedPrintable(value)), commas);
+  }
+  std::vector<std::string> components = SplitValue(value, commas);
   for (std::string& component : components) {
     component = decode(DecodeQuotedPrintable(component));
   }
@@ -132,10 +158,16 @@ std::optional<ContentLine> ParseContentLine(std::string_view line) {
     std::erase(parameters, '"');
   }
   const Property property = PropertyOf(line);
-  ContentLine parsed{ToUpper(property.group), ToUpper(property.name), {}, false, {}};
+  ContentLine parsed;
+  parsed.group = ToUpper(property.group);
+  parsed.name = ToUpper(property.name);
   Encoding encoding;
   TakeParameters(GuessUtf8(parameters), parsed, encoding);
-  parsed.components = ReadValue(line.substr(colon + 1), encoding);
+  const std::string_view value = line.substr(colon + 1);
+  parsed.components = ReadValue(value, encoding, Commas::kKept);
+  if (parsed.name == "N") {
+    parsed.spacedComponents = ReadValue(value, encoding, Commas::kBlanks);
+  }
   return parsed;
 }
 

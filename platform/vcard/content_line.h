@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -20,10 +21,15 @@ struct ContentLine {
   std::string group;  ///< In ASCII capitals, as the next two.
   std::string name;
   std::vector<std::string> words;  ///< Of all its types (see AppendWords), "PREF" among them.
+  std::string label;               ///< In the user's own words, of "X-CUSTOM(...)".
+  int preference = 0;              ///< What "PREF=" says, 1 to 100; 0 if it says nothing.
   bool isUri = false;              ///< The line says that its value is one.
+  std::size_t number = 0;          ///< Of its first line in the stream, from 1; 0 if not known.
   /// The value cut at its semicolons, without escapes and encodings, in UTF-8 unless its bytes are
   /// of no known character set. Never empty.
   std::vector<std::string> components;
+  /// Of a name alone: the same, with a blank for each comma between two names.
+  std::vector<std::string> spacedComponents;
 };
 
 /// The lines of one vCard between its BEGIN and END.

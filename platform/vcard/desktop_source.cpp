@@ -7,11 +7,12 @@
 
 #include "platform/text/collation.h"
 #include "platform/text/utf.h"
-#include "platform/vcard/card_mapping.h"
-#include "platform/vcard/vcard_splitter.h"
+#include "platform/vcard/card_reader.h"
 
 namespace vcard {
 namespace {
+
+constexpr std::size_t kNoLimit = static_cast<std::size_t>(-1);
 
 void SortForReading(std::vector<ContactData>& contacts) {
   const auto nameOf = [](const ContactData& contact) {
@@ -33,16 +34,16 @@ void SortForReading(std::vector<ContactData>& contacts) {
                  [](auto& entry) { return std::move(entry.second); });
 }
 
-Book ToBook(const platform::DesktopBook& read) {
+Book ToBook(const platform::DesktopBook& read, RemarkList& remarks) {
   Book book;
   book.name = u"eds:" + text::FromUtf8(read.uid);
-  VcardSplitter splitter(
-      [&book](const Card& card) { book.contacts.push_back(ToContactData(card)); });
-  splitter.Feed(read.cards);
-  splitter.Finish();
+  book.isComplete = read.isSettled;
+  CardReader reader(book.name, kNoLimit, book, remarks);
+  reader.Feed(read.cards);
+  reader.Finish();
+  // An empty book may be one that was lost and made again.
+  book.isComplete = book.isComplete && !book.contacts.empty();
   SortForReading(book.contacts);
-  // An empty book may be one that was lost and made anew.
-  book.isComplete = read.isSettled && !splitter.IsDamaged() && !book.contacts.empty();
   return book;
 }
 
@@ -53,6 +54,7 @@ DesktopSource::DesktopSource(Load load, std::chrono::milliseconds limit)
 
 ReadResult DesktopSource::Read(std::vector<Book>& books) {
   books.clear();
+  m_remarks.Clear();
   Library library = m_load();
   m_reason = std::move(library.reason);
   if (library.read == nullptr) {
@@ -61,8 +63,17 @@ ReadResult DesktopSource::Read(std::vector<Book>& books) {
   std::vector<platform::DesktopBook> read;
   const ReadResult result =
       library.read(static_cast<std::uint32_t>(m_limit.count()), read, m_reason);
-  std::transform(read.begin(), read.end(), std::back_inserter(books), ToBook);
+  std::transform(read.begin(), read.end(), std::back_inserter(books),
+                 [this](const platform::DesktopBook& book) { return ToBook(book, m_remarks); });
   return result;
+}
+
+std::vector<Remark> DesktopSource::GetRemarks() const {
+  std::vector<Remark> remarks = m_remarks.GetAll();
+  for (Remark& remark : remarks) {
+    remark.line = 0;
+  }
+  return remarks;
 }
 
 }  // namespace vcard

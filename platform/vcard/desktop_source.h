@@ -26,11 +26,14 @@ class DesktopSource final : public ContactSource {
   /// Loads the library; without it nobody answers.
   [[nodiscard]] ReadResult Read(std::vector<Book>& books) override;
   [[nodiscard]] std::string GetReason() const override { return m_reason; }
+  /// Without lines, since nobody can look up those of what a server hands over.
+  [[nodiscard]] std::vector<Remark> GetRemarks() const override;
 
  private:
   const Load m_load;
   const std::chrono::milliseconds m_limit;
   std::string m_reason;
+  RemarkList m_remarks;
 };
 
 }  // namespace vcard

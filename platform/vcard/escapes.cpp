@@ -54,7 +54,34 @@ std::string DecodeQuotedPrintable(std::string_view text) { return DecodeHex(text
 
 std::string DecodePercents(std::string_view text) { return DecodeHex(text, '%'); }
 
-std::vector<std::string> SplitValue(std::string_view value) {
+std::optional<std::string> DecodeBase64(std::string_view text) {
+  constexpr std::string_view kDigits =
+      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+  constexpr unsigned kBitsPerDigit = 6;
+  constexpr unsigned kBitsPerByte = 8;
+  text = text.substr(0, text.find_last_not_of("= \t") + 1);
+  std::string decoded;
+  std::uint32_t bits = 0;
+  unsigned count = 0;
+  for (const char c : text) {
+    if (c == ' ' || c == '\t') {
+      continue;
+    }
+    const std::size_t digit = kDigits.find(c);
+    if (digit == std::string_view::npos) {
+      return std::nullopt;
+    }
+    bits = (bits << kBitsPerDigit) | static_cast<std::uint32_t>(digit);
+    count += kBitsPerDigit;
+    if (count >= kBitsPerByte) {
+      count -= kBitsPerByte;
+      decoded.push_back(static_cast<char>((bits >> count) & 0xFF));
+    }
+  }
+  return decoded;
+}
+
+std::vector<std::string> SplitValue(std::string_view value, Commas commas) {
   std::vector<std::string> components(1);
   for (std::size_t i = 0; i < value.size(); ++i) {
     const std::optional<char> escaped =
@@ -65,7 +92,8 @@ std::vector<std::string> SplitValue(std::string_view value) {
     } else if (value[i] == ';') {
       components.emplace_back();
     } else {
-      components.back() += value[i];
+      const bool isBetween = value[i] == ',' && (i + 1 == value.size() || value[i + 1] != ' ');
+      components.back() += isBetween && commas == Commas::kBlanks ? ' ' : value[i];
     }
   }
   return components;

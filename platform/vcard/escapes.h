@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,7 +17,16 @@ namespace vcard {
 /// The text of a URI.
 [[nodiscard]] std::string DecodePercents(std::string_view text);
 
+/// The bytes behind base64, blanks within it passed over; nothing if it is none.
+[[nodiscard]] std::optional<std::string> DecodeBase64(std::string_view text);
+
+enum class Commas : std::uint8_t {
+  kKept,
+  kBlanks,  ///< One without a backslash that no blank follows is between two names: a blank.
+};
+
 /// The components of a value between its semicolons, each without its backslashes.
-[[nodiscard]] std::vector<std::string> SplitValue(std::string_view value);
+[[nodiscard]] std::vector<std::string> SplitValue(std::string_view value,
+                                                  Commas commas = Commas::kKept);
 
 }  // namespace vcard

@@ -57,6 +57,7 @@ void LogicalLines::Append(std::string_view bytes) {
   if (bytes.empty()) {
     return;
   }
+  m_firstNumber = m_hasContent ? m_firstNumber : m_number;
   m_hasContent = true;
   m_lastOfLine = bytes.back();
   const std::size_t taken = std::min(bytes.size(), kMaxLength - m_line.size());
@@ -65,6 +66,7 @@ void LogicalLines::Append(std::string_view bytes) {
 }
 
 void LogicalLines::EndPhysicalLine() {
+  ++m_number;
   const bool isSoftBreak = m_hasContent && m_lastOfLine == '=' && IsQuotedPrintable();
   if (isSoftBreak && !m_isTruncated) {
     m_line.pop_back();
@@ -75,7 +77,7 @@ void LogicalLines::EndPhysicalLine() {
 
 void LogicalLines::Emit() {
   if (m_hasContent) {
-    m_sink({m_line, m_isTruncated});
+    m_sink({m_line, m_isTruncated, m_firstNumber});
   }
   m_line.clear();
   m_encoding = Encoding::kUnknown;

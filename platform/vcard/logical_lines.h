@@ -21,6 +21,7 @@ class LogicalLines {
   struct Line {
     std::string_view text;     ///< Without its end; valid during the call.
     bool isTruncated = false;  ///< `text` is only the first kMaxLength bytes.
+    std::size_t number = 0;    ///< Of the first line of the stream that it was written on, from 1.
   };
   using Sink = std::function<void(const Line&)>;
 
@@ -48,6 +49,8 @@ class LogicalLines {
 
   Sink m_sink;
   std::string m_line;
+  std::size_t m_number = 1;       ///< Of the line of the stream that is being read.
+  std::size_t m_firstNumber = 1;  ///< Of the one on which `m_line` began.
   State m_state = State::kInLine;
   Encoding m_encoding = Encoding::kUnknown;
   bool m_isTruncated = false;

@@ -102,7 +102,38 @@ bool Place(const std::u16string& number, std::span<const Kind> places, Numbers& 
   return false;
 }
 
-bool HasOnePlace(std::span<const Kind> places) { return places.size() == 1; }
+/// 1 for the first; kNoPreference for a line without one.
+int RankOf(const TelephoneLine& line, Rules rules) {
+  constexpr int kNoPreference = 101;
+  if (line.preference > 0 && rules == Rules::kNow) {
+    return line.preference;
+  }
+  const auto places = PlacesOf(line.words);
+  return places && places->size() == 1 && Has(line.words, "PREF") ? 1 : kNoPreference;
+}
+
+std::vector<std::size_t> ByPreference(std::span<const TelephoneLine> lines, Rules rules) {
+  std::vector<std::pair<int, std::size_t>> ranked;
+  for (std::size_t index = 0; index < lines.size(); ++index) {
+    ranked.emplace_back(RankOf(lines[index], rules), index);
+  }
+  std::sort(ranked.begin(), ranked.end());
+  std::vector<std::size_t> order;
+  for (const auto& [rank, index] : ranked) {
+    order.push_back(index);
+  }
+  return order;
+}
+
+/// Whether a word in a label says what kind of telephone it is, or nothing at all.
+bool IsPlainWord(const std::string& word) {
+  static constexpr std::array<std::string_view, 18> kPlain = {
+      "ASSISTANT", "RADIO", "CAR",    "CELL",  "WORK", "HOME",      "PREF", "MAIN",    "VOICE",
+      "PHONE",     "TEL",   "NUMBER", "OTHER", "X",    "TELEPHONE", "MY",   "PRIMARY", "PRIVATE"};
+  const bool isNumber = word.find_first_not_of("0123456789") == std::string::npos;
+  return isNumber || std::find(kPlain.begin(), kPlain.end(), word) != kPlain.end() ||
+         std::find(kNoVoice.begin(), kNoVoice.end(), word) != kNoVoice.end();
+}
 
 }  // namespace
 
@@ -130,32 +161,42 @@ void AppendWords(std::string_view typeOrLabel, Words& words) {
   }
 }
 
-Numbers AssignNumbers(std::span<const TelephoneLine> lines) {
-  // Where nothing else is known, the most likely telephone to call somebody on.
+void AppendLabel(std::string_view label, Words& words) {
+  Words ofLabel;
+  AppendWords(label, ofLabel);
+  if (std::all_of(ofLabel.begin(), ofLabel.end(), IsPlainWord)) {
+    words.insert(words.end(), ofLabel.begin(), ofLabel.end());
+  }
+}
+
+AssignedNumbers AssignNumbers(std::span<const TelephoneLine> lines, Rules rules) {
+  // If nothing else is known, the most likely telephone to call somebody on.
   static constexpr std::array kUnknown = {Kind::kMobile, Kind::kHome, Kind::kHome2, Kind::kBusiness,
                                           Kind::kBusiness2};
-  Numbers numbers;
-  std::vector<const TelephoneLine*> unknown;
-  for (const TelephoneLine& line : lines) {
-    const auto places = PlacesOf(line.words);
-    if (places && HasOnePlace(*places) && Has(line.words, "PREF")) {
-      Place(line.number, *places, numbers);
-    }
-  }
-  for (const TelephoneLine& line : lines) {
+  AssignedNumbers assigned;
+  std::vector<std::size_t> unknown;
+  std::vector<std::size_t> mobile;
+  for (const std::size_t index : ByPreference(lines, rules)) {
+    const TelephoneLine& line = lines[index];
     const auto places = PlacesOf(line.words);
     if (!places) {
-      unknown.push_back(&line);
-    } else if (!HasOnePlace(*places) || !Has(line.words, "PREF")) {
-      Place(line.number, *places, numbers);
+      if (!line.needsKind) {
+        unknown.push_back(index);
+      }
+    } else if (!Place(line.number, *places, assigned.numbers) && !places->empty()) {
+      const bool isMobile = rules == Rules::kNow && places->front() == Kind::kMobile;
+      (isMobile ? mobile : assigned.unplaced).push_back(index);
     }
   }
-  for (const TelephoneLine* line : unknown) {
-    if (!line->needsKind) {
-      Place(line->number, kUnknown, numbers);
+  // Further mobile numbers after the others: a number keeps the place that tags know it by.
+  unknown.insert(unknown.end(), mobile.begin(), mobile.end());
+  for (const std::size_t index : unknown) {
+    if (!Place(lines[index].number, kUnknown, assigned.numbers)) {
+      assigned.unplaced.push_back(index);
     }
   }
-  return numbers;
+  std::sort(assigned.unplaced.begin(), assigned.unplaced.end());
+  return assigned;
 }
 
 }  // namespace vcard

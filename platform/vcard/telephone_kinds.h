@@ -1,6 +1,8 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
+#include <cstdint>
 #include <span>
 #include <string>
 #include <vector>
@@ -12,8 +14,9 @@ struct TelephoneLine {
   std::u16string number;
   /// Everything that says what the number is, in ASCII capitals: types, and the words of a label.
   std::vector<std::string> words;
-  /// Only counted where one of `words` names a kind: for lines that carry other things besides.
+  /// Only counted if one of `words` names a kind: for lines that carry other things besides.
   bool needsKind = false;
+  int preference = 0;  ///< 1 to 100, the first one first; 0 if the line does not say.
 };
 
 /// A contact's numbers, indexed by the code of platform::PhoneNumberKind.
@@ -23,9 +26,28 @@ using Numbers = std::array<std::u16string, 10>;
 /// "_$!<HomeFAX>!$_", stands for.
 void AppendWords(std::string_view typeOrLabel, std::vector<std::string>& words);
 
-/// Gives each line its place among the ten kinds, in the order of the card; a line for which no
-/// place is left or meant is dropped. Where a kind has one place, a preferred number takes it
-/// before the others. What says nothing about its kind takes what is left at the end.
-[[nodiscard]] Numbers AssignNumbers(std::span<const TelephoneLine> lines);
+/// As AppendWords, but nothing if the label says something else besides: "Car Rental" is no number
+/// in a car.
+void AppendLabel(std::string_view label, std::vector<std::string>& words);
+
+enum class Rules : std::uint8_t {
+  kNow,
+  /// Of the time of the former entries (see StoredBook), by which their contacts are found: a
+  /// second mobile number has no place, and a preference is none or the first.
+  kFormer,
+};
+
+struct AssignedNumbers {
+  Numbers numbers;
+  std::vector<std::size_t>
+      unplaced;  ///< Indexes of lines that mean a telephone and found no place.
+};
+
+/// Gives each line its place among the ten kinds, in the order of the preferences and then of the
+/// card. A preference without a number is the first if the kind has one place, and none else. What
+/// says nothing about its kind takes what is left of Mobile, Home and Business at the end, and
+/// after that further mobile numbers do.
+[[nodiscard]] AssignedNumbers AssignNumbers(std::span<const TelephoneLine> lines,
+                                            Rules rules = Rules::kNow);
 
 }  // namespace vcard

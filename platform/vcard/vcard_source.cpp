@@ -6,9 +6,6 @@
 #include <memory>
 #include <utility>
 
-#include "platform/vcard/card_mapping.h"
-#include "platform/vcard/vcard_splitter.h"
-
 namespace vcard {
 
 using platform::FileError;
@@ -30,6 +27,7 @@ VcardSource::VcardSource(platform::FileSystem& files, std::u16string path)
 
 ReadResult VcardSource::Read(std::vector<Book>& books) {
   books.clear();
+  m_remarks.Clear();
   const platform::StartedSearch found = m_files.FindFirst(m_path);
   if (!found.search) {
     return ReadResult::kUnreadable;
@@ -37,7 +35,8 @@ ReadResult VcardSource::Read(std::vector<Book>& books) {
   Book book;
   book.name = u"vcard:" + m_path;
   book.isComplete = true;
-  const bool isRead = found.first.isFolder ? ReadFolder(book) : ReadFile(m_path, book);
+  const bool isRead =
+      found.first.isFolder ? ReadFolder(book) : ReadFile(m_path, book) == FileError::kNone;
   if (!isRead || book.contacts.empty()) {
     return ReadResult::kUnreadable;
   }
@@ -62,25 +61,35 @@ bool VcardSource::ReadFolder(Book& book) {
   found.search.reset();
   std::sort(names.begin(), names.end());
   return std::all_of(names.begin(), names.end(), [&](const std::u16string& name) {
-    const std::size_t before = book.contacts.size();
-    const bool isRead = ReadFile(prefix + name, book);
-    book.isComplete = book.isComplete && book.contacts.size() > before;
-    return isRead;
+    return ReadFileOfFolder(prefix + name, book);
   });
 }
 
-bool VcardSource::ReadFile(const std::u16string& path, Book& book) {
+bool VcardSource::ReadFileOfFolder(const std::u16string& path, Book& book) {
+  const std::size_t before = book.contacts.size();
+  const FileError error = ReadFile(path, book);
+  if (error == FileError::kNotFound || error == FileError::kAccessDenied ||
+      error == FileError::kSharingViolation) {
+    m_remarks.Add({path, 0,
+                   error == FileError::kNotFound ? "the file leads nowhere and is passed over"
+                                                 : "the file cannot be opened and is passed over"});
+  } else if (error != FileError::kNone) {
+    return false;
+  } else if (book.contacts.size() == before) {
+    m_remarks.Add({path, 0, "the file holds no whole card"});
+  }
+  book.isComplete = book.isComplete && book.contacts.size() > before;
+  return true;
+}
+
+FileError VcardSource::ReadFile(const std::u16string& path, Book& book) {
   const platform::OpenedFile opened =
       m_files.Open(path, {platform::FileAccess::kRead, platform::FileShare::kRead,
                           platform::FileCreation::kOpenExisting});
   if (!opened.file) {
-    return false;
+    return opened.error;
   }
-  VcardSplitter splitter([&book](const Card& card) {
-    if (book.contacts.size() <= kMaxContacts) {
-      book.contacts.push_back(ToContactData(card));
-    }
-  });
+  CardReader reader(path, kMaxContacts, book, m_remarks);
   const auto chunk = std::make_unique<std::array<std::byte, kChunkSize>>();
   std::uint64_t total = 0;
   std::size_t length = kChunkSize;
@@ -88,14 +97,13 @@ bool VcardSource::ReadFile(const std::u16string& path, Book& book) {
     const std::optional<std::size_t> read = opened.file->Read(*chunk);
     total += read.value_or(0);
     if (!read || total > kMaxBytes || book.contacts.size() > kMaxContacts) {
-      return false;
+      return FileError::kOther;
     }
     length = *read;
-    splitter.Feed({reinterpret_cast<const char*>(chunk->data()), length});
+    reader.Feed({reinterpret_cast<const char*>(chunk->data()), length});
   }
-  splitter.Finish();
-  book.isComplete = book.isComplete && !splitter.IsDamaged();
-  return book.contacts.size() <= kMaxContacts;
+  reader.Finish();
+  return book.contacts.size() <= kMaxContacts ? FileError::kNone : FileError::kOther;
 }
 
 }  // namespace vcard

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "platform/file_system.h"
+#include "platform/vcard/card_reader.h"
 #include "platform/vcard/contact_source.h"
 
 namespace vcard {
@@ -20,18 +21,20 @@ class VcardSource final : public ContactSource {
   /// `path` is absolute, or one of the device; it names the book for good.
   VcardSource(platform::FileSystem& files, std::u16string path);
 
-  /// A source without a single card is unreadable: an empty file or folder is more likely one that
-  /// was lost, or not mounted, than one whose last contact was deleted.
+  /// A file of a folder that is not there to be opened, as at the end of a dangling link, costs
+  /// itself alone. A source without a single card is unreadable: an empty file or folder is more
+  /// likely one that was lost, or not mounted, than one whose last contact was deleted.
   [[nodiscard]] ReadResult Read(std::vector<Book>& books) override;
-  [[nodiscard]] std::vector<Remark> GetRemarks() const override { return m_remarks; }
+  [[nodiscard]] std::vector<Remark> GetRemarks() const override { return m_remarks.GetAll(); }
 
  private:
   [[nodiscard]] bool ReadFolder(Book& book);
-  [[nodiscard]] bool ReadFile(const std::u16string& path, Book& book);
+  [[nodiscard]] bool ReadFileOfFolder(const std::u16string& path, Book& book);
+  [[nodiscard]] platform::FileError ReadFile(const std::u16string& path, Book& book);
 
   platform::FileSystem& m_files;
   std::u16string m_path;
-  std::vector<Remark> m_remarks;
+  RemarkList m_remarks;
 };
 
 }  // namespace vcard

@@ -11,9 +11,12 @@ namespace vcard {
 namespace {
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+static_assert(LogicalLines::kMaxLength == 8192 && VcardSplitter::kMaxLines == 200 &&
+                  VcardSplitter::kMaxSeparators == 64,
+              "sentences below name these");
 
-constexpr std::array<std::string_view, 7> kKeptNames = {"N",   "FN",       "ORG",      "TEL",
-                                                        "UID", "X-MS-TEL", "X-ABLABEL"};
+constexpr std::array<std::string_view, 9> kKeptNames = {
+    "N", "FN", "ORG", "TEL", "UID", "X-MS-TEL", "X-ABLABEL", "NICKNAME", "EMAIL"};
 
 /// Whether the line is BEGIN:VCARD or END:VCARD.
 bool IsBracket(std::string_view line, std::string_view name, std::string_view bracket) {
@@ -37,15 +40,19 @@ std::size_t CountSeparators(std::string_view line) {
 
 }  // namespace
 
-VcardSplitter::VcardSplitter(CardSink sink)
-    : m_sink(std::move(sink)), m_lines([this](const LogicalLines::Line& line) { OnLine(line); }) {}
+VcardSplitter::VcardSplitter(CardSink sink, CardSink torn, DamageSink damage)
+    : m_sink(std::move(sink)),
+      m_torn(std::move(torn)),
+      m_damage(std::move(damage)),
+      m_decoder([this](std::string_view bytes) { m_lines.Feed(bytes); }),
+      m_lines([this](const LogicalLines::Line& line) { OnLine(line); }) {}
 
-void VcardSplitter::Feed(std::string_view bytes) { m_lines.Feed(bytes); }
+void VcardSplitter::Feed(std::string_view bytes) { m_decoder.Feed(bytes); }
 
 void VcardSplitter::Finish() {
+  m_decoder.Finish();
   m_lines.Finish();
-  m_isDamaged = m_isDamaged || m_isInCard;
-  m_isInCard = false;
+  TearCard();
 }
 
 void VcardSplitter::OnLine(const LogicalLines::Line& line) {
@@ -60,11 +67,11 @@ void VcardSplitter::OnLine(const LogicalLines::Line& line) {
     if (isNested) {
       ++m_nesting;
     } else {
-      m_isDamaged = m_isDamaged || m_isInCard;
-      BeginCard();
+      TearCard();
+      BeginCard(line.number);
     }
   } else if (!m_isInCard) {
-    m_isDamaged = m_isDamaged || !Trim(content).empty();
+    OnLineBetweenCards({content, line.isTruncated, line.number});
   } else if (IsBracket(content, name, "END")) {
     if (m_nesting > 0) {
       --m_nesting;
@@ -73,7 +80,7 @@ void VcardSplitter::OnLine(const LogicalLines::Line& line) {
     }
   } else if (m_nesting == 0) {
     m_isAgentDue = IsAgentAnnounced(content, name);
-    OnLineOfCard({content, line.isTruncated}, name);
+    OnLineOfCard({content, line.isTruncated, line.number}, name);
   }
 }
 
@@ -81,25 +88,58 @@ void VcardSplitter::OnLineOfCard(const LogicalLines::Line& line, std::string_vie
   if (!IsKept(name)) {
     return;
   }
-  const bool isUsable = !line.isTruncated && m_card.size() < kMaxLines &&
-                        line.text.find('\0') == std::string_view::npos &&
-                        CountSeparators(line.text) <= kMaxSeparators;
-  std::optional<ContentLine> parsed = isUsable ? ParseContentLine(line.text) : std::nullopt;
-  if (!parsed) {
-    m_isDamaged = true;
-    return;
+  if (line.isTruncated) {
+    Damage(line.number, "the line is longer than 8 KiB");
+  } else if (m_card.size() >= kMaxLines) {
+    Damage(line.number, "the card has more than 200 lines of names and numbers");
+  } else if (line.text.find('\0') != std::string_view::npos) {
+    Damage(line.number, "the line holds a zero byte");
+  } else if (CountSeparators(line.text) > kMaxSeparators) {
+    Damage(line.number, "the line has more than 64 commas and semicolons");
+  } else if (std::optional<ContentLine> parsed = ParseContentLine(line.text)) {
+    parsed->number = line.number;
+    m_card.push_back(std::move(*parsed));
+  } else {
+    Damage(line.number, "the line has no colon");
   }
-  m_card.push_back(std::move(*parsed));
 }
 
-void VcardSplitter::BeginCard() {
+void VcardSplitter::OnLineBetweenCards(const LogicalLines::Line& line) {
+  const bool isStray = !Trim(line.text).empty();
+  if (isStray && !m_isStray) {
+    Damage(line.number, "the line belongs to no card");
+  }
+  m_isStray = m_isStray || isStray;
+}
+
+void VcardSplitter::BeginCard(std::size_t line) {
   m_isInCard = true;
+  m_firstLine = line;
+  m_isStray = false;
   m_card.clear();
 }
 
 void VcardSplitter::EndCard() {
   m_isInCard = false;
   m_sink(m_card);
+}
+
+void VcardSplitter::TearCard() {
+  if (!std::exchange(m_isInCard, false)) {
+    return;
+  }
+  m_nesting = 0;
+  Damage(m_firstLine, "the card that begins here has no end and is passed over");
+  if (m_torn) {
+    m_torn(m_card);
+  }
+}
+
+void VcardSplitter::Damage(std::size_t line, std::string_view sentence) {
+  m_isDamaged = true;
+  if (m_damage) {
+    m_damage(line, sentence);
+  }
 }
 
 }  // namespace vcard

@@ -6,6 +6,7 @@
 
 #include "platform/vcard/content_line.h"
 #include "platform/vcard/logical_lines.h"
+#include "platform/vcard/stream_decoder.h"
 
 namespace vcard {
 
@@ -19,12 +20,16 @@ class VcardSplitter {
   static constexpr std::size_t kMaxLines = 200;
   static constexpr std::size_t kMaxSeparators = 64;  ///< Commas and semicolons of one line.
 
-  /// Called with each whole card in order, valid during the call.
+  /// Called with each card in order, valid during the call.
   using CardSink = std::function<void(const Card& card)>;
+  /// Called with the number of a line of the stream, from 1, and a sentence about what is damaged.
+  using DamageSink = std::function<void(std::size_t line, std::string_view sentence)>;
 
-  explicit VcardSplitter(CardSink sink);
+  /// `sink` gets the whole cards, `torn` what was read of those that have no end.
+  explicit VcardSplitter(CardSink sink, CardSink torn = {}, DamageSink damage = {});
 
-  /// The stream may be cut anywhere between two calls.
+  /// The stream may be cut anywhere between two calls. UTF-16 is known by its mark or by the zeros
+  /// next to its first character.
   void Feed(std::string_view bytes);
 
   /// To be called once, at the end of the stream.
@@ -37,15 +42,24 @@ class VcardSplitter {
  private:
   void OnLine(const LogicalLines::Line& line);
   void OnLineOfCard(const LogicalLines::Line& line, std::string_view name);
-  void BeginCard();
+  void OnLineBetweenCards(const LogicalLines::Line& line);
+  void BeginCard(std::size_t line);
   void EndCard();
+  /// The card in progress has no end, if there is one.
+  void TearCard();
+  void Damage(std::size_t line, std::string_view sentence);
 
   CardSink m_sink;
+  CardSink m_torn;
+  DamageSink m_damage;
+  StreamDecoder m_decoder;
   LogicalLines m_lines;
   Card m_card;
-  std::size_t m_nesting = 0;  ///< Cards within the card, as the agents of vCard 2.1 are written.
+  std::size_t m_firstLine = 0;  ///< Of the card.
+  std::size_t m_nesting = 0;    ///< Cards within the card, as the agents of vCard 2.1 are written.
   bool m_isInCard = false;
   bool m_isAgentDue = false;  ///< The line before announced a card within the card.
+  bool m_isStray = false;     ///< The line before was no part of a card either.
   bool m_isDamaged = false;
 };
 

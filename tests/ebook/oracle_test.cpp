@@ -74,8 +74,8 @@ std::vector<std::string> WordsOf(EVCardAttribute* attribute) {
 }
 
 std::vector<std::string> ReadWithTheLibrary(const std::string& text) {
-  constexpr std::string_view kCompared[] = {"N",   "FN",       "ORG",      "TEL",
-                                            "UID", "X-MS-TEL", "X-ABLABEL"};
+  constexpr std::string_view kCompared[] = {"N",        "FN",        "ORG",      "TEL",  "UID",
+                                            "X-MS-TEL", "X-ABLABEL", "NICKNAME", "EMAIL"};
   const ebook::ObjectPointer<EVCard> card(e_vcard_new_from_string(text.c_str()));
   std::vector<std::string> lines;
   for (GList* node = e_vcard_get_attributes(card.get()); node != nullptr; node = node->next) {

@@ -422,6 +422,35 @@ TEST_F(AddressBooksReading, TagsAreGuardedAsEver) {
   EXPECT_EQ(m_store->GetProblem(), AddressBooks::Problem::kTagsElsewhere);
 }
 
+TEST_F(AddressBooksInUse, ATornCardIsNamedAndNobodyIsTakenForAbsent) {
+  Put(u"/all.vcf", Person("Bob") + "BEGIN:VCARD\r\nN:Ann;;;;\r\n");
+  EXPECT_FALSE(Start());
+  EXPECT_EQ(m_store->GetProblem(), AddressBooks::Problem::kTagsElsewhere);
+  ASSERT_EQ(m_store->GetRemarks().size(), 1U);
+  EXPECT_EQ(m_store->GetRemarks()[0].place, u"/all.vcf");
+  EXPECT_EQ(m_store->GetRemarks()[0].line, 6U);
+}
+
+// A registry of the time when a contact without a UID was known by its content.
+
+TEST_F(AddressBooksTest, AContactWithTwoMobileNumbersKeepsTheNumberOfAFormerEntry) {
+  const Digest digest = ComputeDigest("content:\nLee\n\n\n\n\n\n1\n\n\n\n\n\n\n");
+  std::vector<std::byte> entry(digest.begin(), digest.end());
+  entry.insert(entry.end(), {std::byte{17}, std::byte{0}, std::byte{0}, std::byte{0}});
+  constexpr std::u16string_view kBook = u"Software\\Zedra\\Voxtrel Contacts\\1";
+  ASSERT_EQ(support::PutText(m_registry, kBook, u"source", u"vcard:/all.vcf"),
+            platform::RegistryError::kNone);
+  ASSERT_EQ(support::Put(m_registry, kBook, u"0", platform::RegistryType::kBinary, entry),
+            platform::RegistryError::kNone);
+  m_inUse = {17};
+  Put(u"/all.vcf", WriteCard("N:Lee;;;;\nTEL;CELL:1\nTEL;CELL:2", "2.1"));
+  ASSERT_TRUE(Start(SourceChoice{u"/all.vcf"}));
+  EXPECT_EQ(Oid(1), 17);
+  Put(u"/all.vcf", WriteCard("UID:new\nN:Lee;;;;\nTEL;CELL:3", "2.1"));
+  ASSERT_TRUE(Start());
+  EXPECT_EQ(Oid(1), 17);
+}
+
 // A registry without room.
 
 TEST_F(AddressBooksInUse, AFullRegistryKeepsNobodyFromHisContacts) {

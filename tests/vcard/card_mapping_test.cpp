@@ -43,6 +43,53 @@ TEST(CardMapping, ReadsSeveralMiddleNames) {
   EXPECT_EQ(NamesOf(Only("N:Stevenson;John;,Paul,;;")), "Stevenson|John|Paul|");
 }
 
+TEST(CardMapping, ReadsSeveralFamilyAndFirstNames) {
+  EXPECT_EQ(NamesOf(Only("N:Garc\xC3\xAD"
+                         "a,M\xC3\xA1rquez;Gabriel,Jos\xC3\xA9;;;")),
+            "García Márquez|Gabriel José||");
+  EXPECT_EQ(NamesOf(Only("N;CHARSET=UTF-8;ENCODING=QUOTED-PRINTABLE:Garc=C3=ADa,M=C3=A1rquez;;;;",
+                         "2.1")),
+            "García Márquez|||");
+}
+
+TEST(CardMapping, ACommaWithinANameStays) {
+  EXPECT_EQ(NamesOf(Only("N:Lee, Jr.;Ann\\,May;;;")), "Lee, Jr.|Ann,May||");
+}
+
+// A contact without a name or a company is shown by what else there is.
+
+TEST(CardMapping, ANamelessCardShowsItsNickname) {
+  EXPECT_EQ(NamesOf(Only("N:;;;;\nTEL:1\nEMAIL:a@example.org\nNICKNAME:Annie")), "|Annie||");
+}
+
+TEST(CardMapping, ANamelessCardWithoutANicknameShowsItsMail) {
+  EXPECT_EQ(NamesOf(Only("TEL:1\nEMAIL;TYPE=HOME:a@example.org\nNICKNAME:")), "|a@example.org||");
+}
+
+TEST(CardMapping, ANamelessCardWithoutBothShowsItsNumber) {
+  EXPECT_EQ(NamesOf(Only("TEL;TYPE=PAGER:\nTEL;TYPE=HOME:555 1")), "|555 1||");
+}
+
+TEST(CardMapping, ACompanyComesBeforeTheNickname) {
+  EXPECT_EQ(NamesOf(Only("ORG:Acme\nNICKNAME:Annie")), "|||Acme");
+}
+
+// What a contact was called and numbered before, by which former entries find it.
+
+TEST(CardMapping, KeepsTheFormerContentOfACardThatReadsOtherwiseNow) {
+  const ContactData contact = Only("N:Lee;;;;\nTEL;CELL:1\nTEL;CELL:2", "2.1");
+  EXPECT_EQ(NumbersOf(contact), "Mobile=1; Home=2");
+  EXPECT_EQ(contact.formerContent, "\nLee\n\n\n\n\n\n1\n\n\n\n\n\n\n");
+  EXPECT_EQ(Only("N:A,B;;;;").formerContent, "\nA,B\n\n\n\n\n\n\n\n\n\n\n\n\n");
+  EXPECT_EQ(Only("NICKNAME:Annie").formerContent, std::string(14, '\n'));
+  EXPECT_EQ(Only("N:Lee;;;;\nitem1.TEL:1\nitem1.X-ABLabel:Car Rental").formerContent,
+            "\nLee\n\n\n\n1\n\n\n\n\n\n\n\n\n");
+}
+
+TEST(CardMapping, KeepsNoFormerContentOfACardThatReadsAsBefore) {
+  EXPECT_EQ(Only("N:Lee;Ann;May,Sue;;\nORG:Acme\nTEL;CELL:1\nTEL;HOME:2").formerContent, "");
+}
+
 TEST(CardMapping, ReadsEscapedText) {
   EXPECT_EQ(NamesOf(Only("N:Lee\\, Jr.;Ann\\;e;;;\nORG:A\\\\B\\nC")), "Lee, Jr.|Ann;e||A\\B C");
 }
@@ -90,6 +137,42 @@ TEST(CardMapping, ReadsEightBitTextInItsCharacterSet) {
 TEST(CardMapping, TakesUnlabelledEightBitTextForThatOfOldWindowsPrograms) {
   EXPECT_EQ(NamesOf(Only("N:M\xFCller;J\xF6rg;;;", "2.1")), "Müller|Jörg||");
   EXPECT_EQ(NamesOf(Only("N;ENCODING=QUOTED-PRINTABLE:M=FCller;;;;", "2.1")), "Müller|||");
+}
+
+TEST(CardMapping, ReadsBase64) {
+  EXPECT_EQ(NamesOf(Only("N;CHARSET=UTF-8;ENCODING=B:TcO8bGxlcjtKw7ZyZzs7Ow==")), "Müller|Jörg||");
+  EXPECT_EQ(NamesOf(Only("N;ENCODING=BASE64;CHARSET=ISO-8859-1:TfxsbGVyO0r2\n cmc7Ozs=\n", "2.1")),
+            "Müller|Jörg||");
+  EXPECT_EQ(NamesOf(Only("FN;BASE64:QW5uIExlZQ==", "2.1")), "|Ann Lee||");
+}
+
+TEST(CardMapping, WhatIsNoBase64StandsForItself) {
+  EXPECT_EQ(NamesOf(Only("N;ENCODING=B:M\xC3\xBCller;J;;;")), "Müller|J||");
+}
+
+TEST(CardMapping, ReadsTheJapaneseOfMails) {
+  EXPECT_EQ(NamesOf(Only("N;CHARSET=ISO-2022-JP:\x1B$B;3ED\x1B(B;\x1B$BB@O:\x1B(B;;;", "2.1")),
+            "山田|太郎||");
+  EXPECT_EQ(NamesOf(Only("N;CHARSET=iso-2022-jp;ENCODING=QUOTED-PRINTABLE:"
+                         "=1B$B;3ED=1B(B;=1B$BB@O:=1B(B;;;",
+                         "2.1")),
+            "山田|太郎||");
+}
+
+TEST(CardMapping, OneBadByteSpoilsOneCharacter) {
+  EXPECT_EQ(NamesOf(Only("N:M\xC3\xBCller\xFF;J\xC3\xB6rg;;;")), "Müller\uFFFD|Jörg||");
+  EXPECT_EQ(NamesOf(Only("N;CHARSET=UTF-8:M\xC3\xBC\x80ller;;;;", "2.1")), "Mü\uFFFDller|||");
+  EXPECT_EQ(NamesOf(Only("N;CHARSET=SHIFT_JIS:\x8E\x52\xFF\x93\x63;;;;", "2.1")), "山\uFFFD田|||");
+  EXPECT_EQ(NamesOf(Only("N;CHARSET=ISO-2022-JP:\x1B$B;3ED\x1B(B\xFF;;;;", "2.1")),
+            "山田\uFFFD|||");
+}
+
+TEST(CardMapping, ACharacterSetThatIsNamedWronglyIsFoundOut) {
+  EXPECT_EQ(NamesOf(Only("N;CHARSET=UTF-8:M\xFCller;;;;", "2.1")), "Müller|||");
+  EXPECT_EQ(NamesOf(Only("N;CHARSET=SHIFT_JIS:M\xC3\xBCllerstra\xC3\x9F"
+                         "e \xF0\x9F\x98\x80;;;;",
+                         "2.1")),
+            "Müllerstraße 😀|||");
 }
 
 TEST(CardMapping, DoesNotLoadCharacterSetsThatNobodyWrites) {

@@ -12,6 +12,8 @@
 
 struct Cards {
   std::vector<vcard::ContactData> contacts;
+  std::vector<vcard::ContactData> torn;
+  std::string damage;  ///< "line: sentence" and a line feed, for each.
   bool isDamaged = false;
 };
 
@@ -19,7 +21,11 @@ struct Cards {
 inline Cards ReadCards(std::string_view stream, std::size_t pieceSize = std::string_view::npos) {
   Cards cards;
   vcard::VcardSplitter splitter(
-      [&cards](const vcard::Card& card) { cards.contacts.push_back(vcard::ToContactData(card)); });
+      [&cards](const vcard::Card& card) { cards.contacts.push_back(vcard::ToContactData(card)); },
+      [&cards](const vcard::Card& card) { cards.torn.push_back(vcard::ToContactData(card)); },
+      [&cards](std::size_t line, std::string_view sentence) {
+        cards.damage += std::to_string(line) + ": " + std::string(sentence) + "\n";
+      });
   while (!stream.empty()) {
     const std::string_view piece = stream.substr(0, pieceSize);
     splitter.Feed(piece);

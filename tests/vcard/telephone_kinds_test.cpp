@@ -3,9 +3,11 @@
 
 #include "platform/vcard/telephone_kinds.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "tests/vcard/read_cards.h"
 #include "tests/vcard/telephone_rows.h"
@@ -32,6 +34,24 @@ INSTANTIATE_TEST_SUITE_P(Android, TelephoneKinds, testing::ValuesIn(vcard_test::
 INSTANTIATE_TEST_SUITE_P(Nokia, TelephoneKinds, testing::ValuesIn(vcard_test::kNokia));
 INSTANTIATE_TEST_SUITE_P(Version4, TelephoneKinds, testing::ValuesIn(vcard_test::kVersion4));
 INSTANTIATE_TEST_SUITE_P(Numbers, TelephoneKinds, testing::ValuesIn(vcard_test::kNumbers));
+
+TEST(TelephoneKinds, WhatFindsNoFreeKindIsNamed) {
+  std::vector<TelephoneLine> lines;
+  for (const char* word : {"CELL", "CELL", "CELL", "WORK", "WORK", "WORK", "CAR", "CAR", "HOME",
+                           "HOME", "PAGER", "CELL"}) {
+    lines.push_back({std::u16string(1, static_cast<char16_t>(u'a' + lines.size())), {word}});
+  }
+  const AssignedNumbers assigned = AssignNumbers(lines);
+  EXPECT_THAT(assigned.unplaced, testing::ElementsAre(1, 2, 5, 7, 11));
+}
+
+TEST(TelephoneKinds, TheFormerRulesHaveOnePlaceForMobileNumbersAndOnePreference) {
+  const std::vector<TelephoneLine> lines = {
+      {u"1", {"CELL"}}, {u"2", {"CELL", "PREF"}, false, 2}, {u"3", {"CELL", "PREF"}, false, 1}};
+  ContactData contact;
+  contact.numbers = AssignNumbers(lines, Rules::kFormer).numbers;
+  EXPECT_EQ(NumbersOf(contact), "Mobile=2");
+}
 
 }  // namespace
 }  // namespace vcard

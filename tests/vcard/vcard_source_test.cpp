@@ -170,6 +170,90 @@ TEST_F(VcardSourceTest, AFolderWithAnEmptiedCardIsNotComplete) {
   EXPECT_FALSE(m_book.isComplete);
 }
 
+/// Another file system in which one file cannot be opened.
+class RefusingFileSystem final : public support::ForwardingFileSystem {
+ public:
+  RefusingFileSystem(platform::FileSystem& files, std::u16string path, platform::FileError error)
+      : ForwardingFileSystem(files), m_path(std::move(path)), m_error(error) {}
+
+  platform::OpenedFile Open(std::u16string_view path, const platform::OpenMode& mode) override {
+    return path == m_path ? platform::OpenedFile{nullptr, m_error}
+                          : ForwardingFileSystem::Open(path, mode);
+  }
+
+ private:
+  const std::u16string m_path;
+  const platform::FileError m_error;
+};
+
+TEST_F(VcardSourceTest, AFileOfAFolderThatCannotBeOpenedCostsItselfAloneAndIsNamed) {
+  Put(u"/cards/a.vcf", Named("A"));
+  Put(u"/cards/b.vcf", Named("B"));
+  Put(u"/cards/c.vcf", Named("C"));
+  const std::pair<platform::FileError, std::string> cases[] = {
+      {platform::FileError::kNotFound, "the file leads nowhere and is passed over"},
+      {platform::FileError::kAccessDenied, "the file cannot be opened and is passed over"}};
+  for (const auto& [error, sentence] : cases) {
+    RefusingFileSystem files(m_files, u"/cards/b.vcf", error);
+    VcardSource source(files, u"/cards");
+    std::vector<Book> books;
+    ASSERT_EQ(source.Read(books), ReadResult::kRead);
+    ASSERT_EQ(books[0].contacts.size(), 2U);
+    EXPECT_EQ(books[0].contacts[1].lastName, u"C");
+    EXPECT_FALSE(books[0].isComplete) << "nobody is absent for it";
+    EXPECT_EQ(source.GetRemarks(), (std::vector<Remark>{{u"/cards/b.vcf", 0, sentence}}));
+  }
+}
+
+TEST_F(VcardSourceTest, DamageIsNamedByFileAndLine) {
+  Put(u"/cards/a.vcf", Named("A") + "stray\r\n");
+  Put(u"/cards/b.vcf", "\r\nBEGIN:VCARD\r\nN:B;;;;\r\n");
+  VcardSource source(m_files, u"/cards");
+  std::vector<Book> books;
+  ASSERT_EQ(source.Read(books), ReadResult::kRead);
+  EXPECT_EQ(source.GetRemarks(),
+            (std::vector<Remark>{
+                {u"/cards/a.vcf", 6, "the line belongs to no card"},
+                {u"/cards/b.vcf", 2, "the card that begins here has no end and is passed over"},
+                {u"/cards/b.vcf", 0, "the file holds no whole card"}}));
+  ASSERT_EQ(books[0].torn.size(), 1U);
+  EXPECT_EQ(books[0].torn[0].lastName, u"B");
+  EXPECT_FALSE(books[0].isComplete);
+}
+
+TEST_F(VcardSourceTest, ATornFileThatHoldsNothingElseIsNamedToo) {
+  Put(u"/torn.vcf", "BEGIN:VCARD\nN:A;;;;\n");
+  VcardSource source(m_files, u"/torn.vcf");
+  std::vector<Book> books;
+  EXPECT_EQ(source.Read(books), ReadResult::kUnreadable);
+  ASSERT_EQ(source.GetRemarks().size(), 1U);
+  EXPECT_EQ(source.GetRemarks()[0].line, 1U);
+}
+
+TEST_F(VcardSourceTest, ANumberWithoutAPlaceIsNamedAndLosesNobody) {
+  Put(u"/all.vcf", WriteCard("N:Lee;Ann;;;\nTEL;CAR:1\nTEL;CAR:2"));
+  VcardSource source(m_files, u"/all.vcf");
+  std::vector<Book> books;
+  ASSERT_EQ(source.Read(books), ReadResult::kRead);
+  EXPECT_EQ(source.GetRemarks(),
+            (std::vector<Remark>{
+                {u"/all.vcf", 5, "the number 2 of Ann Lee finds no kind that is free"}}));
+  EXPECT_TRUE(books[0].isComplete);
+}
+
+TEST_F(VcardSourceTest, ThousandsOfRemarksAreCounted) {
+  std::string cards = Named("A");
+  for (int i = 0; i < 5000; ++i) {
+    cards += "BEGIN:VCARD\n";
+  }
+  Put(u"/all.vcf", cards);
+  VcardSource source(m_files, u"/all.vcf");
+  std::vector<Book> books;
+  ASSERT_EQ(source.Read(books), ReadResult::kRead);
+  ASSERT_EQ(source.GetRemarks().size(), 101U);
+  EXPECT_EQ(source.GetRemarks().back().text, "there are 4900 more such remarks");
+}
+
 TEST_F(VcardSourceTest, MoreContactsThanAnybodyHasAreUnreadable) {
   std::string cards;
   for (std::size_t i = 0; i <= VcardSource::kMaxContacts; ++i) {

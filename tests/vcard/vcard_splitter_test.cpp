@@ -148,6 +148,76 @@ TEST(VcardSplitter, MoreLinesThanAnyContactHasAreDamage) {
   ExpectDamaged(WriteCard(lines) + Named("B"), "A.B.");
 }
 
+// Each damage is named with its line.
+
+TEST(VcardSplitter, ACardWithoutAnEndIsNamedByTheLineOnWhichItBegins) {
+  const std::string torn = "BEGIN:VCARD\r\nN:A;;;;\r\n";
+  const Cards within = ReadCards("\r\n\r\n" + torn + Named("B"));
+  EXPECT_EQ(within.damage, "3: the card that begins here has no end and is passed over\n");
+  const Cards last = ReadCards(Named("B") + torn);
+  EXPECT_EQ(last.damage, "6: the card that begins here has no end and is passed over\n");
+  ASSERT_EQ(last.torn.size(), 1U);
+  EXPECT_EQ(last.torn[0].lastName, u"A");
+}
+
+TEST(VcardSplitter, LinesAreCountedAsEditorsDo) {
+  for (const std::string end : {"\n", "\r", "\r\n"}) {
+    const std::string stream = "BEGIN:VCARD" + end + "N:A" + end + " B" + end + end +
+                               "NOTE:=" + end + "TEL" + end + "END:VCARD" + end + "stray" + end +
+                               "more" + end;
+    const Cards cards = ReadCards(stream);
+    EXPECT_EQ(cards.damage, "8: the line belongs to no card\n");
+  }
+}
+
+TEST(VcardSplitter, EachLineThatIsLeftOutIsNamed) {
+  EXPECT_EQ(ReadCards(WriteCard("N:A;;;;\nTEL:" + std::string(9000, '1'))).damage,
+            "4: the line is longer than 8 KiB\n");
+  EXPECT_EQ(ReadCards(WriteCard(std::string_view("N:A;;;;\nTEL:1\0", 14))).damage,
+            "4: the line holds a zero byte\n");
+  EXPECT_EQ(ReadCards(WriteCard("ORG:" + std::string(65, ';'))).damage,
+            "3: the line has more than 64 commas and semicolons\n");
+  std::string lines = "N:A;;;;";
+  for (int i = 0; i < 200; ++i) {
+    lines += "\nTEL:1";
+  }
+  EXPECT_EQ(ReadCards(WriteCard(lines)).damage,
+            "203: the card has more than 200 lines of names and numbers\n");
+}
+
+// UTF-16, as some programs export it.
+
+std::string ToUtf16(std::u16string_view text, bool isBigEndian) {
+  std::string bytes;
+  for (const char16_t unit : text) {
+    const std::string pair = {static_cast<char>(unit & 0xFF), static_cast<char>(unit >> 8)};
+    bytes += isBigEndian ? std::string(pair.rbegin(), pair.rend()) : pair;
+  }
+  return bytes;
+}
+
+TEST(VcardSplitter, ReadsUtf16WithAndWithoutAMark) {
+  const std::u16string text = u"BEGIN:VCARD\r\nN:Müller 😀;李;;;\r\nEND:VCARD\r\n";
+  for (const bool isBigEndian : {false, true}) {
+    for (const std::u16string mark : {u"", u"\uFEFF"}) {
+      for (const std::size_t size : {1U, 2U, 3U, 64U, 4096U}) {
+        const Cards cards = ReadCards(ToUtf16(mark + text + text, isBigEndian), size);
+        EXPECT_EQ(NamesIn(cards), "Müller 😀.Müller 😀.") << isBigEndian << size;
+        EXPECT_FALSE(cards.isDamaged) << cards.damage;
+      }
+    }
+  }
+}
+
+TEST(VcardSplitter, Utf16ThatIsCutOffIsDamage) {
+  const std::string whole = ToUtf16(u"BEGIN:VCARD\nN:A;;;;\nEND:VCARD\n", false);
+  const std::string again = ToUtf16(u"BEGIN:VCARD\nN:B", false);
+  const Cards cards = ReadCards(whole + again.substr(0, again.size() - 1));
+  EXPECT_EQ(NamesIn(cards), "A.");
+  EXPECT_EQ(cards.damage, "4: the card that begins here has no end and is passed over\n");
+  EXPECT_TRUE(ReadCards(whole + "\x3D").isDamaged) << "half a character";
+}
+
 TEST(VcardSplitter, StrayQuotesAndParenthesesLoseNothing) {
   const Cards cards =
       ReadCards(WriteCard("N:A;;;;\nTEL;TYPE=\"CELL:1\nTEL;X-CUSTOM(Car:2\nTEL;(;=;,:3"));
