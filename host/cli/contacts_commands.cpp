@@ -46,7 +46,11 @@ void ListContacts(Session& session) {
   const platform::Platform platform = session.GetPlatform();
   const language::Texts texts = LoadTexts(session);
   platform::ContactsStore& store = session.GetContacts();
-  if (const auto failure = tags::OpenContacts(store, platform.clock)) {
+  const auto failure = tags::OpenContacts(store, platform.clock);
+  for (const std::string& remark : DescribeContactRemarks(session)) {
+    PrintErrorLine(remark);
+  }
+  if (failure) {
     platform.ui.ShowMessage(tags::ToBox(*failure, texts));
     session.Fail(ExplainContactsProblem(session));
     return;
@@ -80,6 +84,17 @@ std::string ExplainStoreProblem(Session& session) {
 }
 
 }  // namespace
+
+std::vector<std::string> DescribeContactRemarks(Session& session) {
+  std::vector<std::string> described;
+  for (const vcard::Remark& remark : session.GetContacts().GetRemarks()) {
+    std::string text = remark.place.starts_with(u'\\') ? session.ToHostPath(remark.place)
+                                                       : text::ToUtf8(remark.place);
+    text += remark.line > 0 ? fmt::format(":{}: ", remark.line) : ": ";
+    described.push_back(text + remark.text);
+  }
+  return described;
+}
 
 std::string ExplainContactsProblem(Session& session) {
   const std::string& reason = session.GetContacts().GetReason();

@@ -2,6 +2,7 @@
 
 #include <CLI/App.hpp>
 #include <string>
+#include <vector>
 
 #include "host/cli/session.h"
 
@@ -9,6 +10,9 @@ namespace cli {
 
 /// voxtrel contacts list
 void AddContactsCommands(CLI::App& app, Session& session);
+
+/// What the latest log-on to the contacts passed over, each as "FILE:LINE: sentence".
+[[nodiscard]] std::vector<std::string> DescribeContactRemarks(Session& session);
 
 /// What a user can do about a log-on to the contacts that failed.
 [[nodiscard]] std::string ExplainContactsProblem(Session& session);

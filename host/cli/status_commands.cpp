@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "host/cli/contact_lists.h"
@@ -16,27 +17,32 @@ namespace {
 struct FoundContacts {
   std::size_t count = 0;  ///< Of those with a telephone number.
   std::string problem;    ///< Why there are none; empty where there are.
+  std::vector<std::string> remarks;
 };
 
 FoundContacts FindContacts(Session& session) {
   const platform::Platform platform = session.GetPlatform();
   platform::ContactsStore& store = session.GetContacts();
   if (tags::OpenContacts(store, platform.clock)) {
-    return {0, ExplainContactsProblem(session)};
+    return {0, ExplainContactsProblem(session), DescribeContactRemarks(session)};
   }
   if (session.GetContacts().GetProblem() == vcard::AddressBooks::Problem::kNothingChosen) {
-    return {0, ExplainContactsProblem(session)};
+    return {0, ExplainContactsProblem(session), {}};
   }
   std::vector<ListedContact> contacts;
   if (!ListContacts(store, platform.ui, language::Texts(nullptr), contacts)) {
-    return {0, "the contacts cannot be listed"};
+    return {0, "the contacts cannot be listed", {}};
   }
-  return {contacts.size(), contacts.empty() ? "no contact has a telephone number" : ""};
+  return {contacts.size(), contacts.empty() ? "no contact has a telephone number" : "",
+          DescribeContactRemarks(session)};
 }
 
 void Tell(const FoundContacts& contacts, std::uint32_t microphones) {
   PrintLine(contacts.count > 0 ? fmt::format("Contacts with a telephone number: {}", contacts.count)
                                : fmt::format("Contacts: {}.", contacts.problem));
+  for (const std::string& remark : contacts.remarks) {
+    PrintLine("    " + remark);
+  }
   PrintLine(microphones > 0
                 ? fmt::format("Microphones: {}", microphones)
                 : "No microphone: plug one in, or switch it on in the desktop's sound settings; "
@@ -51,8 +57,11 @@ void ShowStatus(Session& session) {
   const FoundContacts contacts = FindContacts(session);
   const std::uint32_t microphones = session.GetPlatform().waveIn.GetDeviceCount();
   if (session.GetOptions().json) {
-    PrintJson({{"contacts", {{"count", contacts.count}, {"problem", contacts.problem}}},
-               {"microphones", microphones}});
+    Json ofContacts = {{"count", contacts.count}, {"problem", contacts.problem}};
+    if (!contacts.remarks.empty()) {
+      ofContacts["remarks"] = contacts.remarks;
+    }
+    PrintJson({{"contacts", std::move(ofContacts)}, {"microphones", microphones}});
   } else {
     Tell(contacts, microphones);
   }

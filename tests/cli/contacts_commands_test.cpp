@@ -75,6 +75,45 @@ TEST_F(ContactsCommands, ListIsReadableWithoutJson) {
             "   2  Acme\n        7 Business\n");
 }
 
+TEST_F(ContactsCommands, WhatIsDamagedIsNamedWithFileAndLineAndTheRestIsListed) {
+  const std::string file = Put("all.vcf", std::string(kCards) + "BEGIN:VCARD\r\nN:Torn;;;;\r\n");
+  const auto run = Contacts({"--contacts", file, "contacts", "list", "--json"});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_EQ(run.err, file + ":19: the card that begins here has no end and is passed over\n");
+  const json list = json::parse(run.out, nullptr, false);
+  ASSERT_TRUE(list.is_array());
+  EXPECT_EQ(list.size(), 2U);
+}
+
+TEST_F(ContactsCommands, ALinkThatLeadsNowhereCostsItsOwnFileAndIsNamed) {
+  Put("cards/a.vcf", kCards);
+  std::filesystem::create_symlink(Path("nowhere.vcf"), Path("cards/b.vcf"));
+  const auto run = Contacts({"--contacts", Path("cards"), "contacts", "list", "--json"});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_EQ(run.err, Path("cards/b.vcf") + ": the file leads nowhere and is passed over\n");
+  EXPECT_EQ(json::parse(run.out, nullptr, false).size(), 2U);
+}
+
+TEST_F(ContactsCommands, AnotherProgramsValueInTheMapOfContactsIsNamedAndStopsNothing) {
+  Put("root/contacts.vcf", kCards);
+  const json list = List();
+  {
+    sqlite::SqliteRegistry registry(std::filesystem::path(Path("root")) / sqlite::kDatabaseName);
+    constexpr std::u16string_view kBook = u"Software\\Zedra\\Voxtrel Contacts\\1";
+    ASSERT_EQ(support::PutText(registry, kBook, u"source", u"vcard:\\contacts.vcf"),
+              platform::RegistryError::kNone);
+    ASSERT_EQ(support::Put(registry, kBook, u"0", platform::RegistryType::kBinary,
+                           std::vector<std::byte>(19)),
+              platform::RegistryError::kNone);
+  }
+  const auto run = Contacts({"contacts", "list", "--json"});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_EQ(run.err,
+            "Software\\Zedra\\Voxtrel Contacts\\1: the value \"0\" ends with 19 bytes that are no "
+            "entry; that is passed over\n");
+  EXPECT_EQ(json::parse(run.out, nullptr, false), list);
+}
+
 TEST_F(ContactsCommands, AListLeavesNoTraceNotEvenARootFolder) {
   static_cast<void>(List({"--contacts", Put("all.vcf", kCards)}));
   EXPECT_FALSE(std::filesystem::exists(Path("root")));

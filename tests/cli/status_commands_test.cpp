@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -34,6 +35,17 @@ TEST_F(StatusCommands, TellWhatIsMissingAndWhatHelps) {
   EXPECT_THAT(run.out, testing::HasSubstr("Contacts: there are no contacts: "));
   EXPECT_THAT(run.out, testing::HasSubstr(Path("root/contacts.vcf")));
   EXPECT_THAT(run.out, testing::HasSubstr("No microphone: plug one in"));
+}
+
+TEST_F(StatusCommands, NameWhatIsDamagedInTheAddressBook) {
+  const std::string file = Path("all.vcf");
+  std::ofstream(file) << "BEGIN:VCARD\nN:A;;;;\nTEL:1\nEND:VCARD\nBEGIN:VCARD\nN:B;;;;\n";
+  const std::string remark = file + ":5: the card that begins here has no end and is passed over";
+  const auto run = Status({"--contacts", file, "--microphone", kRecording});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_EQ(run.out, "Contacts with a telephone number: 1\n    " + remark + "\nMicrophones: 1\n");
+  const auto json = nlohmann::json::parse(Status({"--json", "--contacts", file}).out);
+  EXPECT_EQ(json["contacts"]["remarks"], nlohmann::json::array({remark}));
 }
 
 TEST_F(StatusCommands, PrintJson) {
