@@ -119,11 +119,12 @@ class Parser {
       return Fail("HKEY_LOCAL_MACHINE itself cannot be deleted");
     }
     m_key = path;
-    if (const auto redirected = FindRedirectedPart(path)) {
+    // Again and again, so that what is exported later is read as the same keys.
+    while (const auto redirected = FindRedirectedPart(m_key)) {
       if (isDeletion && redirected->empty()) {
         return Fail("WOW6432Node itself cannot be deleted, since all of Software would go");
       }
-      m_key = std::u16string(path.substr(0, kRedirected.size())).append(*redirected);
+      m_key = m_key.substr(0, kRedirected.size()).append(*redirected);
     }
     m_place = isDeletion ? Place::kDeletedKey : Place::kKey;
     m_content.changes.push_back(NewChange(isDeletion ? RegistryChange::Kind::kDeleteKey

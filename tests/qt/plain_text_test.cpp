@@ -1,15 +1,12 @@
 // Whatever a text holds, it is shown as it stands: a language file gives no window a picture, a
 // link or another letter.
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
-#include <QAbstractButton>
 #include <QAccessible>
 #include <QApplication>
-#include <QGroupBox>
 #include <QHelpEvent>
 #include <QLabel>
-#include <QTabWidget>
 #include <QTextDocument>
 #include <QTextEdit>
 #include <QToolTip>
@@ -23,8 +20,6 @@
 namespace {
 
 using support::User;
-using testing::Contains;
-using testing::Not;
 
 const std::u16string kMarks =
     u"<img src='/no/such.png'><b>bold</b> <a href='x'>link</a> &lt;&amp; 100% & so on";

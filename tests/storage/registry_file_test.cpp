@@ -236,6 +236,8 @@ TEST_F(RegistryFileReading, TakesTheKeysOf32BitProgramsForThoseOfTheDevice) {
   EXPECT_EQ(Value(u"Software\\Zedra\\Zedra Voxtrel\\7", u"v").bytes, SomeBytes({2}));
   EXPECT_THAT(SubkeyNames(m_registry, u"Software"), ElementsAre(u"Zedra", u"WOW6432Nodes"));
   EXPECT_TRUE(KeyExists(m_registry, u"WOW6432Node\\y"));
+  Import(u"[HKEY_LOCAL_MACHINE\\Software\\WOW6432Node\\WOW6432Node\\z]\r\n");
+  EXPECT_TRUE(KeyExists(m_registry, u"Software\\z")) << "However often.";
 }
 
 TEST_F(RegistryFileReading, DeletesKeysOf32BitProgramsButNotAllOfThem) {
