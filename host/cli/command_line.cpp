@@ -73,7 +73,7 @@ void AddGlobalOptions(CLI::App& app, Options& options) {
 }
 
 /// Prints the help, the version, or what is wrong; the library quotes arguments as they are.
-int Explain(const CLI::App& app, const CLI::ParseError& error) {
+int ExplainUsage(const CLI::App& app, const CLI::ParseError& error) {
   std::ostringstream output;
   std::ostringstream errors;
   const int exitCode = app.exit(error, output, errors) == 0 ? 0 : kWrongUsage;
@@ -114,7 +114,7 @@ int RunCommand(int argc, const char* const* argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return Explain(app, error);
+    return ExplainUsage(app, error);
   } catch (const std::exception& error) {
     // Nothing of the system throws; a library that ran out of something does.
     session.Fail(error.what());

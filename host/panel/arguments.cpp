@@ -42,7 +42,7 @@ CLI::Validator InstalledNameOrFullPath() {
 }
 
 /// Prints the help, the version, or what is wrong; the library quotes arguments as they are.
-int Explain(const CLI::App& app, const CLI::ParseError& error) {
+int ExplainUsage(const CLI::App& app, const CLI::ParseError& error) {
   std::ostringstream output;
   std::ostringstream errors;
   const int exitCode = app.exit(error, output, errors) == 0 ? 0 : kWrongUsage;
@@ -89,7 +89,7 @@ std::variant<Arguments, int> ParseArguments(int argc, const char* const* argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return Explain(app, error);
+    return ExplainUsage(app, error);
   }
   if (isProbe) {
     arguments.mode = Mode::kProbe;
