@@ -36,6 +36,8 @@ bool LatePresentation::RunSheet(std::u16string_view caption,
 
 std::uint32_t LatePresentation::GetTickCount() { return m_plainClock.GetTickCount(); }
 
+std::int64_t LatePresentation::GetUnixTime() { return m_plainClock.GetUnixTime(); }
+
 void LatePresentation::Sleep(std::uint32_t milliseconds) {
   (m_presentation ? m_presentation->GetClock() : m_plainClock).Sleep(milliseconds);
 }

@@ -29,6 +29,7 @@ class LatePresentation final : public platform::Ui,
                               platform::SheetHandler& handler) override;
 
   [[nodiscard]] std::uint32_t GetTickCount() override;
+  [[nodiscard]] std::int64_t GetUnixTime() override;
   void Sleep(std::uint32_t milliseconds) override;
 
   [[nodiscard]] std::unique_ptr<platform::Thread> Start(std::function<void()> body,

@@ -15,6 +15,10 @@ class Clock {
   /// Milliseconds since the machine started, wrapping after 2^32 of them.
   [[nodiscard]] virtual std::uint32_t GetTickCount() = 0;
 
+  /// Seconds since the beginning of 1970 in UTC, as the user set the machine's calendar. It can
+  /// jump in either direction: it dates what a user looks at and orders nothing.
+  [[nodiscard]] virtual std::int64_t GetUnixTime() = 0;
+
   /// Lets at least `milliseconds` pass.
   virtual void Sleep(std::uint32_t milliseconds) = 0;
 };

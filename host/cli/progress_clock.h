@@ -15,6 +15,7 @@ class ProgressClock final : public platform::Clock {
   ProgressClock(platform::Clock& clock, std::uint32_t recordingMilliseconds);
 
   [[nodiscard]] std::uint32_t GetTickCount() override { return m_clock.GetTickCount(); }
+  [[nodiscard]] std::int64_t GetUnixTime() override { return m_clock.GetUnixTime(); }
   void Sleep(std::uint32_t milliseconds) override;
 
  private:

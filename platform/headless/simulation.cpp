@@ -81,6 +81,11 @@ std::uint32_t Simulation::GetTickCount() {
   return static_cast<std::uint32_t>(m_startTick + m_scheduler->Now());
 }
 
+std::int64_t Simulation::GetUnixTime() {
+  constexpr std::uint64_t kMillisecondsPerSecond = 1000;
+  return kStartTime + static_cast<std::int64_t>(m_scheduler->Now() / kMillisecondsPerSecond);
+}
+
 void Simulation::Sleep(std::uint32_t milliseconds) { m_scheduler->Wait(nullptr, milliseconds); }
 
 std::uint64_t Simulation::GetElapsed() { return m_scheduler->Now(); }

@@ -20,10 +20,14 @@ namespace headless {
 /// because every thread waits without limit, fails.
 class Simulation final : public platform::Clock, public platform::Threads {
  public:
+  /// What GetUnixTime gives at the start: 2026-11-21T22:10:05Z.
+  static constexpr std::int64_t kStartTime = 1'795'299'005;
+
   /// `startTick` is the tick count at the start.
   explicit Simulation(std::uint32_t startTick = 0);
 
   [[nodiscard]] std::uint32_t GetTickCount() override;
+  [[nodiscard]] std::int64_t GetUnixTime() override;
   void Sleep(std::uint32_t milliseconds) override;
 
   [[nodiscard]] std::unique_ptr<platform::Thread> Start(std::function<void()> body,

@@ -21,6 +21,12 @@ std::uint32_t PosixClock::GetTickCount() {
   return static_cast<std::uint32_t>(milliseconds);
 }
 
+std::int64_t PosixClock::GetUnixTime() {
+  timespec now{};
+  ::clock_gettime(CLOCK_REALTIME, &now);
+  return now.tv_sec;
+}
+
 void PosixClock::Sleep(std::uint32_t milliseconds) {
   // To a fixed end, so that signals on the way do not make it longer.
   timespec end{};

@@ -8,6 +8,7 @@ namespace posix {
 class PosixClock final : public platform::Clock {
  public:
   [[nodiscard]] std::uint32_t GetTickCount() override;
+  [[nodiscard]] std::int64_t GetUnixTime() override;
   void Sleep(std::uint32_t milliseconds) override;
 };
 

@@ -11,6 +11,7 @@ class QtClock final : public platform::Clock {
   QtClock(UiThread& thread, platform::Clock& inner) : m_thread(thread), m_inner(inner) {}
 
   [[nodiscard]] std::uint32_t GetTickCount() override { return m_inner.GetTickCount(); }
+  [[nodiscard]] std::int64_t GetUnixTime() override { return m_inner.GetUnixTime(); }
   void Sleep(std::uint32_t milliseconds) override {
     m_thread.Await([this, milliseconds] { m_inner.Sleep(milliseconds); });
   }

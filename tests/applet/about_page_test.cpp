@@ -21,6 +21,7 @@ constexpr Font kLineFont{u"Tahoma", 12, 700};
 class WatchedClock final : public platform::Clock {
  public:
   std::uint32_t GetTickCount() override { return 0; }
+  [[nodiscard]] std::int64_t GetUnixTime() override { return 0; }
   void Sleep(std::uint32_t milliseconds) override {
     m_slept.push_back(milliseconds);
     m_watch();

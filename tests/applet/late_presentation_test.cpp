@@ -13,6 +13,7 @@ namespace {
 class NotingClock final : public platform::Clock {
  public:
   std::uint32_t GetTickCount() override { return 7; }
+  [[nodiscard]] std::int64_t GetUnixTime() override { return 0; }
   void Sleep(std::uint32_t milliseconds) override { m_slept += milliseconds; }
 
   std::uint32_t m_slept = 0;

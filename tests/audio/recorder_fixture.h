@@ -21,6 +21,7 @@
 class SleepLog final : public platform::Clock {
  public:
   [[nodiscard]] std::uint32_t GetTickCount() override { return 0; }
+  [[nodiscard]] std::int64_t GetUnixTime() override { return 0; }
   void Sleep(std::uint32_t milliseconds) override { m_sleeps.push_back(milliseconds); }
   [[nodiscard]] const std::vector<std::uint32_t>& GetSleeps() const { return m_sleeps; }
 

@@ -15,6 +15,7 @@ class StepsClock final : public platform::Clock {
  public:
   explicit StepsClock(support::Steps& steps) : m_steps(steps) {}
   [[nodiscard]] std::uint32_t GetTickCount() override { return 0; }
+  [[nodiscard]] std::int64_t GetUnixTime() override { return 0; }
   void Sleep(std::uint32_t milliseconds) override {
     m_steps.push_back("sleep " + std::to_string(milliseconds));
   }

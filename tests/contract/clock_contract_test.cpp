@@ -39,6 +39,13 @@ TEST_P(ClockCalls, AllThreadsSeeOneTime) {
   EXPECT_LT(after - inThread, 0x8000'0000U);
 }
 
+TEST_P(ClockCalls, TheCalendarIsInThisCentury) {
+  constexpr std::int64_t kYear2020 = 1'577'836'800;
+  constexpr std::int64_t kYear2100 = 4'102'444'800;
+  EXPECT_GT(Clock().GetUnixTime(), kYear2020);
+  EXPECT_LT(Clock().GetUnixTime(), kYear2100);
+}
+
 INSTANTIATE_TEST_SUITE_P(EachBackend, ClockCalls, testing::ValuesIn(AllThreadBackends()),
                          ThreadBackendName);
 

@@ -31,6 +31,14 @@ TEST(Simulation, TheTickCountWrapsAndTheElapsedTimeDoesNot) {
   EXPECT_EQ(simulation.GetElapsed(), 0x1'0000'0004U);
 }
 
+TEST(Simulation, TheCalendarGoesOnWithTheClock) {
+  Simulation simulation(0xFFFF'FFFEU);
+  simulation.Sleep(999);
+  EXPECT_EQ(simulation.GetUnixTime(), Simulation::kStartTime);
+  simulation.Sleep(2 * 24 * 3'600'000U + 1);
+  EXPECT_EQ(simulation.GetUnixTime(), Simulation::kStartTime + std::int64_t{2} * 24 * 3600 + 1);
+}
+
 TEST(Simulation, TimeStandsStillWhileAThreadRuns) {
   Simulation simulation;
   const auto thread = simulation.Start([&] { simulation.Sleep(1); }, ThreadStart::kRunning);

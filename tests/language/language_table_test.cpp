@@ -241,6 +241,7 @@ class ReaderBesideUs final : public platform::Clock {
       : m_held(std::move(held)), m_isDoneAt(n) {}
 
   [[nodiscard]] std::uint32_t GetTickCount() override { return m_passed; }
+  [[nodiscard]] std::int64_t GetUnixTime() override { return 0; }
   void Sleep(std::uint32_t milliseconds) override {
     m_passed += milliseconds;
     if (++m_sleeps == m_isDoneAt) m_held.file.reset();

@@ -12,6 +12,7 @@ namespace {
 class NoClock final : public platform::Clock {
  public:
   std::uint32_t GetTickCount() override { return 0; }
+  [[nodiscard]] std::int64_t GetUnixTime() override { return 0; }
   void Sleep(std::uint32_t /*milliseconds*/) override { std::this_thread::yield(); }
 };
 

@@ -30,6 +30,7 @@ using testing::ElementsAre;
 class PaintedBarClock final : public platform::Clock {
  public:
   [[nodiscard]] std::uint32_t GetTickCount() override { return 0; }
+  [[nodiscard]] std::int64_t GetUnixTime() override { return 0; }
   void Sleep(std::uint32_t milliseconds) override {
     if (milliseconds != 300) {
       return;

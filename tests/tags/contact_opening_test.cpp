@@ -15,6 +15,7 @@ using Opening = HeadlessContacts::Opening;
 class RecordingClock final : public platform::Clock {
  public:
   std::uint32_t GetTickCount() override { return 0; }
+  [[nodiscard]] std::int64_t GetUnixTime() override { return 0; }
   void Sleep(std::uint32_t milliseconds) override { pauses.push_back(milliseconds); }
 
   std::vector<std::uint32_t> pauses;

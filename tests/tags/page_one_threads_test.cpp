@@ -15,6 +15,7 @@ using namespace resources;
 class HastyClock final : public platform::Clock {
  public:
   [[nodiscard]] std::uint32_t GetTickCount() override { return m_now; }
+  [[nodiscard]] std::int64_t GetUnixTime() override { return 0; }
   void Sleep(std::uint32_t milliseconds) override { m_now += milliseconds; }
 
  private:

@@ -113,6 +113,7 @@ class WatchedClock final : public platform::Clock {
   }
 
   [[nodiscard]] std::uint32_t GetTickCount() override { return m_inner.GetTickCount(); }
+  [[nodiscard]] std::int64_t GetUnixTime() override { return m_inner.GetUnixTime(); }
   void Sleep(std::uint32_t milliseconds) override {
     if (m_listener) {
       m_listener(milliseconds);
