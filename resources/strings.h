@@ -171,6 +171,19 @@ inline constexpr std::u16string_view kReinitMayClose = u"Press Escape to close."
 inline constexpr std::u16string_view kReinitNotStarted =
     u"The voice tags cannot be computed anew: the device is too busy. Record again those that are "
     u"not recognized.";
+/// A deletion that the trash had no part in would destroy what it deletes.
+inline constexpr std::u16string_view kNotKept =
+    u"Nothing was deleted: what was to be deleted cannot be copied to the trash.";
+inline constexpr std::u16string_view kTagDestroyed =
+    u"The disk is full: the tag was deleted and could not be kept in the trash. It cannot be "
+    u"restored.";
+/// "%d" is the number of them.
+inline constexpr std::u16string_view kTagsDestroyed =
+    u"The disk is full: %d of the deleted tags could not be kept in the trash. They cannot be "
+    u"restored.";
+/// Follows the question whether to delete all tags while the list is not filled. "%d" is the number
+/// of recordings that are there.
+inline constexpr std::u16string_view kRecordingsWillBeDeleted = u"Recordings: %d.";
 /// Indexed by the stored code of the kind.
 inline constexpr std::array<std::u16string_view, 10> kNumberFailedOnSelection = {
     u"Failed to get car phone number",         u"Failed to get Radio phone number",

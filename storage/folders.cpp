@@ -1,5 +1,6 @@
 #include "storage/folders.h"
 
+#include <algorithm>
 #include <array>
 #include <string>
 
@@ -27,6 +28,15 @@ void CreateInstallFolders(platform::FileSystem& files) {
 void CreateDataFolders(platform::FileSystem& files) {
   Create(files, kWaveFolder);
   Create(files, kTemplateFolder);
+}
+
+bool CreateStoreFolders(platform::FileSystem& files) {
+  constexpr std::array kFolders{kProgramFilesFolder, kMakerFolder, kInstallFolder, kWaveFolder,
+                                kTemplateFolder};
+  return std::ranges::all_of(kFolders, [&files](std::u16string_view folder) {
+    const FileError error = files.CreateFolder(folder);
+    return error == FileError::kNone || error == FileError::kAlreadyExists;
+  });
 }
 
 FolderResult FolderRule::EnsureWaveFolder() const {

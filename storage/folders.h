@@ -16,6 +16,9 @@ void CreateInstallFolders(platform::FileSystem& files);
 /// Makes the two data folders, likewise.
 void CreateDataFolders(platform::FileSystem& files);
 
+/// Makes every folder of the store that is missing. Returns false if one is missing afterwards.
+[[nodiscard]] bool CreateStoreFolders(platform::FileSystem& files);
+
 enum class FolderResult : std::uint8_t {
   kReady,  ///< A name stands where the folder belongs.
   kEnded,  ///< A message was shown and the process was ended: the caller must leave at once.

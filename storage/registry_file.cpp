@@ -58,18 +58,18 @@ std::optional<RegistryFileError> ApplyRegistryChanges(platform::Registry& regist
                                                       std::span<const RegistryChange> changes) {
   platform::RegistryGroup group(registry);
   if (group.BeginError() != RegistryError::kNone) {
-    return RegistryFileError{0, ExplainRegistryError(group.BeginError())};
+    return RegistryFileError{0, ExplainRegistryError(group.BeginError()), group.BeginError()};
   }
   CurrentKey current(registry);
   for (const RegistryChange& change : changes) {
     const RegistryError error = Apply(registry, current, change);
     if (error != RegistryError::kNone) {
-      return RegistryFileError{change.line, ExplainRegistryError(error)};
+      return RegistryFileError{change.line, ExplainRegistryError(error), error};
     }
   }
   const RegistryError error = group.Commit();
   if (error != RegistryError::kNone) {
-    return RegistryFileError{0, ExplainRegistryError(error)};
+    return RegistryFileError{0, ExplainRegistryError(error), error};
   }
   return std::nullopt;
 }

@@ -33,6 +33,8 @@ struct RegistryFileContent {
 struct RegistryFileError {
   std::size_t line = 0;  ///< 1-based; 0 where no line is to blame.
   std::string message;   ///< In English, without the line and without a full stop.
+  /// What the store answered; kNone if the file itself is wrong.
+  platform::RegistryError store = platform::RegistryError::kNone;
 };
 
 /// Longest registry file that is read, in bytes.
@@ -51,11 +53,13 @@ inline constexpr std::uint64_t kMaxRegistryFileLength = std::uint64_t{1} << 28;
 [[nodiscard]] std::optional<RegistryFileError> ApplyRegistryChanges(
     platform::Registry& registry, std::span<const RegistryChange> changes);
 
-/// Stores the whole registry as such a file in `file`: the same bytes for the same registry. What
-/// is read from it again are the same keys and values, byte for byte. kInvalid, and no file, if a
-/// name or a length of another program's could not be read again.
+/// Stores the key of `path`, with all below it, as such a file in `file`; without a path the whole
+/// registry. The same keys and values give the same bytes. What is read from them again are the
+/// same keys and values, byte for byte. kInvalid, and no file, if a name or a length of another
+/// program's could not be read again.
 [[nodiscard]] platform::RegistryError WriteRegistryFile(platform::Registry& registry,
-                                                        std::vector<std::byte>& file);
+                                                        std::vector<std::byte>& file,
+                                                        std::u16string_view path = {});
 
 /// The code in words for the user, without a full stop.
 [[nodiscard]] std::string ExplainRegistryError(platform::RegistryError error);

@@ -111,7 +111,7 @@ class Writer {
     m_text += kLineEnd;
   }
 
-  RegistryError WriteTree() { return WriteKey({}); }
+  RegistryError WriteTree(std::u16string_view path) { return WriteKey(std::u16string(path)); }
 
   [[nodiscard]] std::vector<std::byte> GetBytes() const { return ToUtf16Bytes(m_text); }
 
@@ -206,14 +206,15 @@ class Writer {
 
 }  // namespace
 
-RegistryError WriteRegistryFile(platform::Registry& registry, std::vector<std::byte>& file) {
+RegistryError WriteRegistryFile(platform::Registry& registry, std::vector<std::byte>& file,
+                                std::u16string_view path) {
   // Within a group, so that the file is one state of the registry.
   platform::RegistryGroup group(registry);
   if (group.BeginError() != RegistryError::kNone) {
     return group.BeginError();
   }
   Writer writer(registry);
-  RegistryError error = writer.WriteTree();
+  RegistryError error = writer.WriteTree(path);
   if (error == RegistryError::kNone) {
     error = group.Commit();
   }

@@ -28,6 +28,11 @@ RegistryError ReadText(platform::RegistryKey& key, std::u16string_view valueName
   return error == RegistryError::kNotFound ? RegistryError::kNone : error;
 }
 
+template <typename Error>
+Error AcceptMissing(Error error) {
+  return error == Error::kNotFound ? Error::kNone : error;
+}
+
 /// Passes over folders.
 class FilesOnly final : public platform::FileSearch {
  public:
@@ -49,7 +54,7 @@ class FilesOnly final : public platform::FileSearch {
   std::unique_ptr<platform::FileSearch> m_search;
 };
 
-platform::StartedSearch FindFiles(platform::FileSystem& files, std::u16string_view pattern) {
+platform::StartedSearch FindFilesOnly(platform::FileSystem& files, std::u16string_view pattern) {
   platform::StartedSearch started = files.FindFirst(pattern);
   if (!started.search) {
     return started;
@@ -149,15 +154,15 @@ RegistryError TagStore::ListNames(std::vector<std::u16string>& names) const {
 }
 
 FileError TagStore::DeleteWaveFile(std::u16string_view tagName) const {
-  return m_files.Delete(WavePath(tagName));
+  return AcceptMissing(m_files.Delete(WavePath(tagName)));
 }
 
 FileError TagStore::DeleteTemplateFile(std::u16string_view tagName) const {
-  return m_files.Delete(TemplatePath(tagName));
+  return AcceptMissing(m_files.Delete(TemplatePath(tagName)));
 }
 
 RegistryError TagStore::DeleteEntry(std::u16string_view tagName) const {
-  return m_registry.DeleteKey(EntryPath(tagName));
+  return AcceptMissing(m_registry.DeleteKey(EntryPath(tagName)));
 }
 
 TagDeletion TagStore::Delete(std::u16string_view tagName) const {
@@ -173,37 +178,12 @@ TagDeletion TagStore::Delete(std::u16string_view tagName) const {
   return TagDeletion::kDone;
 }
 
-RegistryError TagStore::DeleteAll(const std::function<void(DeletionProblem)>& report) const {
-  DeleteFiles(kWaveFolder, kWavePattern, report);
-  DeleteFiles(kTemplateFolder, kTemplatePattern, report);
-  return m_registry.DeleteKey(kTagKey);
+RegistryError TagStore::DeleteAllEntries() const {
+  return AcceptMissing(m_registry.DeleteKey(kTagKey));
 }
 
 platform::StartedSearch TagStore::FindRecordings() const {
-  return FindFiles(m_files, kWavePattern);
-}
-
-void TagStore::DeleteFiles(std::u16string_view folder, std::u16string_view pattern,
-                           const std::function<void(DeletionProblem)>& report) const {
-  platform::StartedSearch started = FindFiles(m_files, pattern);
-  if (!started.search) {
-    return;
-  }
-  FileError found = FileError::kNone;
-  while (found != FileError::kNoMoreFiles) {
-    if (found == FileError::kNone) {
-      const std::u16string path = std::u16string(folder).append(u"\\").append(started.first.name);
-      const FileError deleted = m_files.Delete(path);
-      // What another program deleted meanwhile is as it should be.
-      const bool isGone = deleted == FileError::kNone || deleted == FileError::kNotFound;
-      if (!isGone) {
-        report(DeletionProblem::kFileInUse);
-      }
-    } else {
-      report(DeletionProblem::kSearchFailed);
-    }
-    found = started.search->Next(started.first);
-  }
+  return FindFilesOnly(m_files, kWavePattern);
 }
 
 }  // namespace storage

@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -38,12 +37,6 @@ enum class TagDeletion : std::uint8_t {
   kEntryFailed,
 };
 
-/// What hindered the deletion of all tags and did not end it.
-enum class DeletionProblem : std::uint8_t {
-  kFileInUse,     ///< A file could not be deleted.
-  kSearchFailed,  ///< The next file could not be found for another reason than that there is none.
-};
-
 /// The learned tags as the applet and the companion dialer share them: for each an entry in the
 /// registry, a recording and a template. The entries are the list of tags; files alone are none.
 /// Reports nothing to the user and keeps nothing in memory.
@@ -69,7 +62,10 @@ class TagStore {
   [[nodiscard]] platform::RegistryError ReadEntry(std::u16string_view tagName,
                                                   TagEntry& entry) const;
 
-  // A file that is missing cannot be deleted either.
+  /// Stores the names of all tags in `names`, however long they are.
+  [[nodiscard]] platform::RegistryError ListNames(std::vector<std::u16string>& names) const;
+
+  // What is missing counts as deleted: an earlier deletion may have come so far.
   [[nodiscard]] platform::FileError DeleteWaveFile(std::u16string_view tagName) const;
   [[nodiscard]] platform::FileError DeleteTemplateFile(std::u16string_view tagName) const;
   [[nodiscard]] platform::RegistryError DeleteEntry(std::u16string_view tagName) const;
@@ -77,18 +73,13 @@ class TagStore {
   /// Deletes the recording, the template and the entry, in that order, up to the first failure.
   [[nodiscard]] TagDeletion Delete(std::u16string_view tagName) const;
 
-  /// Deletes every recording and every template, of tags or not, and tells `report` of each problem
-  /// as it occurs; then deletes the tag key with every entry. Returns how the latter went.
-  [[nodiscard]] platform::RegistryError DeleteAll(
-      const std::function<void(DeletionProblem)>& report) const;
+  /// Deletes the tag key with every entry.
+  [[nodiscard]] platform::RegistryError DeleteAllEntries() const;
 
   /// Searches the recordings, of tags or not; finds their file names, and no folders.
   [[nodiscard]] platform::StartedSearch FindRecordings() const;
 
  private:
-  void DeleteFiles(std::u16string_view folder, std::u16string_view pattern,
-                   const std::function<void(DeletionProblem)>& report) const;
-
   platform::FileSystem& m_files;
   platform::Registry& m_registry;
 };

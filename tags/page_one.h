@@ -14,8 +14,10 @@
 #include "maintenance/test_dialog.h"
 #include "platform/framework/property_sheet.h"
 #include "platform/platform.h"
+#include "storage/store_contents.h"
 #include "storage/tag_record.h"
 #include "storage/tag_store.h"
+#include "storage/tag_trash.h"
 #include "tags/contact_picker.h"
 #include "tags/contact_view.h"
 #include "voicemath/voice_mathematics.h"
@@ -47,6 +49,10 @@ class Page_one : public framework::CPropertyPage,
   void OnCommand(int id, platform::CommandEvent event) override;
 
   [[nodiscard]] const storage::TagTable& GetTags() const override { return m_tags; }
+  /// Returns the name of the tag that a line of the list stands for, which is the tag that Play and
+  /// Delete act on. Returns an empty text if there is no such line.
+  [[nodiscard]] std::u16string_view GetTagOfLine(std::int32_t line) const;
+
   [[nodiscard]] const ContactPicker& GetPicker() const { return m_picker; }
   [[nodiscard]] const maintenance::TestDialog& GetTestDialog() const { return m_testDialog; }
 
@@ -64,6 +70,14 @@ class Page_one : public framework::CPropertyPage,
   [[nodiscard]] platform::FileError GetLearnError() const { return m_learnError; }
 
  private:
+  /// One line of the list. The rows of the tag table are counted from the registry and so are not
+  /// the lines: a tag whose contact has gone keeps its row and has no line.
+  struct ListedTag {
+    std::u16string tagName;
+    std::int32_t row = 0;   ///< Of the tag table.
+    bool isCounted = true;  ///< Whether the count still holds it, which it leaves before its entry.
+  };
+
   // Opening.
   [[nodiscard]] bool BecomeOnlyInstance();
   /// Contacts, tags, buttons and texts, behind the wait cursor.
@@ -104,18 +118,32 @@ class Page_one : public framework::CPropertyPage,
 
   // List and deletion.
   void LoadTagList();
-  [[nodiscard]] bool LoadTag(std::u16string_view tagName, std::int32_t& slot, bool& isStale);
-  [[nodiscard]] bool DeleteStaleTag(std::u16string_view tagName);
-  void AppendToList(std::u16string_view text);
+  /// What became of an entry of the registry.
+  enum class LoadedTag : std::uint8_t {
+    kListed,
+    kDeleted,  ///< Its contact has gone. The next entry has its index now.
+    kPassedOver,
+    kFailed,  ///< Its message ended the load.
+  };
+  [[nodiscard]] LoadedTag LoadTag(std::u16string_view tagName, std::int32_t& slot);
+  [[nodiscard]] LoadedTag DeleteStaleTag(std::u16string_view tagName);
+  void AppendToList(std::u16string_view text, std::u16string_view tagName, std::int32_t row);
   void OnPlay();
   void OnDelete();
+  /// Returns false after the message that says what failed.
+  [[nodiscard]] bool DeleteTagOfLine(std::size_t line);
+  void DropRecord(std::size_t line);
   void OnDeleteAll();
-  [[nodiscard]] bool Confirm(const resources::Text& question);
+  [[nodiscard]] std::u16string GetDeleteAllQuestion();
+  void ReportDeletion(storage::DeletionProblem problem);
+  [[nodiscard]] bool Confirm(std::u16string_view question);
   void ShowBox(const resources::Text& text);
+  void ShowBox(std::u16string_view text);
 
   platform::Platform m_platform;
   language::Texts m_texts;
   storage::TagStore m_store;
+  storage::TagTrash m_trash;
   std::unique_ptr<platform::NamedMutex> m_onlyInstance;
   std::unique_ptr<platform::Event> m_workerEvent;
   ContactPicker m_picker;
@@ -127,6 +155,8 @@ class Page_one : public framework::CPropertyPage,
   std::shared_ptr<audio::WaveDevice> m_audio;        ///< Shared with the worker of a recording.
   std::u16string m_recordingPath;
   std::u16string m_listText;  ///< Of the tag listed last.
+  std::vector<ListedTag> m_lines;
+  std::unique_ptr<storage::Deletion> m_cleanUp;  ///< While the list is loaded.
   /// Recordings that were not waited for any longer. They use nothing of the page's.
   std::vector<std::unique_ptr<platform::Thread>> m_lateWorkers;
   int m_playCode = 0;

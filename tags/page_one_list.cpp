@@ -1,5 +1,7 @@
 // The Learning page and the list of learned tags: loading, playing, deleting.
 
+#include <algorithm>
+
 #include "language/formatting.h"
 #include "resources/dialogs.h"
 #include "resources/strings.h"
@@ -10,6 +12,7 @@ namespace tags {
 
 void Page_one::LoadTagList() {
   m_tags.Clear();
+  m_lines.clear();
   m_listText.clear();
   const auto names = m_store.OpenNames();
   if (!names) {
@@ -19,26 +22,25 @@ void Page_one::LoadTagList() {
   while (names->Get(static_cast<std::uint32_t>(m_tags.tagCount), name)) {
     ++m_tags.tagCount;
   }
+  m_cleanUp = std::make_unique<storage::Deletion>(m_trash, storage::DeletionReason::kCleanUp);
   // The count is not lowered for stale tags that are removed below, so the label and the Test
   // button count them until the page is opened again.
   std::int32_t slot = 0;
-  for (std::uint32_t index = 0; names->Get(index, name);) {
-    bool isStale = false;
-    if (!LoadTag(name, slot, isStale)) {
-      return;
-    }
-    index += isStale ? 0U : 1U;
+  LoadedTag loaded = LoadedTag::kListed;
+  for (std::uint32_t index = 0; loaded != LoadedTag::kFailed && names->Get(index, name);) {
+    loaded = LoadTag(name, slot);
+    index += loaded == LoadedTag::kDeleted ? 0U : 1U;
   }
+  m_cleanUp.reset();
 }
 
-bool Page_one::LoadTag(std::u16string_view tagName, std::int32_t& slot, bool& isStale) {
+Page_one::LoadedTag Page_one::LoadTag(std::u16string_view tagName, std::int32_t& slot) {
   storage::TagEntry entry;
   if (m_store.ReadEntry(tagName, entry) == platform::RegistryError::kNone) {
     std::unique_ptr<platform::Contact> contact;
     const auto lookup = entry.oid ? m_platform.contacts.GetItemFromOid(*entry.oid, contact)
                                   : platform::ContactLookup::kFailed;
     if (lookup == platform::ContactLookup::kAbsent) {
-      isStale = true;
       return DeleteStaleTag(tagName);
     }
     TagText tag{.text = std::u16string(tagName), .hasNumber = true, .failure = {}};
@@ -49,7 +51,7 @@ bool Page_one::LoadTag(std::u16string_view tagName, std::int32_t& slot, bool& is
     // may be lost because its contacts were away.
     if (tag.failure) {
       Report(*tag.failure);
-      return false;
+      return LoadedTag::kFailed;
     }
     // The line and the record show the same text, cut where the record's field ends.
     storage::TagRecord shown;
@@ -64,15 +66,22 @@ bool Page_one::LoadTag(std::u16string_view tagName, std::int32_t& slot, bool& is
     }
   }
   // An entry that cannot be read takes a line as well, with the text of the tag before it.
-  AppendToList(m_listText);
+  AppendToList(m_listText, tagName, slot);
   ++slot;
-  return true;
+  return LoadedTag::kListed;
 }
 
-bool Page_one::DeleteStaleTag(std::u16string_view tagName) {
+Page_one::LoadedTag Page_one::DeleteStaleTag(std::u16string_view tagName) {
+  storage::TagParts parts;
+  // Nobody asked for this deletion. If the trash cannot take the tag it stays where it is, without
+  // a line.
+  if (!storage::FindParts(m_platform.files, m_platform.registry, tagName, parts) ||
+      m_cleanUp->Keep(parts, tagName) != storage::ItemResult::kDone || !m_cleanUp->Seal()) {
+    return LoadedTag::kPassedOver;
+  }
   switch (m_store.Delete(tagName)) {
     case storage::TagDeletion::kDone:
-      return true;
+      return LoadedTag::kDeleted;
     case storage::TagDeletion::kWaveFailed:
       ShowBox(resources::kStaleWaveNotDeleted);
       break;
@@ -83,43 +92,39 @@ bool Page_one::DeleteStaleTag(std::u16string_view tagName) {
       ShowBox(resources::kStaleKeyNotDeleted);
       break;
   }
-  return false;
+  return LoadedTag::kFailed;
 }
 
-void Page_one::AppendToList(std::u16string_view text) {
+void Page_one::AppendToList(std::u16string_view text, std::u16string_view tagName,
+                            std::int32_t row) {
   GetWindow().AddItem(resources::kTagListId, text);
+  m_lines.push_back({.tagName = std::u16string(tagName), .row = row});
+}
+
+std::u16string_view Page_one::GetTagOfLine(std::int32_t line) const {
+  const auto index = static_cast<std::size_t>(line);
+  return line >= 0 && index < m_lines.size() ? m_lines[index].tagName : std::u16string_view();
 }
 
 void Page_one::OnPlay() {
-  const auto selection = GetWindow().GetSelection(resources::kTagListId);
-  const storage::TagRecord* record = selection ? m_tags.GetRecord(*selection) : nullptr;
-  if (record != nullptr) {
-    m_playCode = m_audio->Play(storage::WavePath(record->GetTagName()));
+  const std::u16string_view tagName =
+      GetTagOfLine(GetWindow().GetSelection(resources::kTagListId).value_or(-1));
+  if (!tagName.empty()) {
+    m_playCode = m_audio->Play(storage::WavePath(tagName));
   }
 }
 
 void Page_one::OnDelete() {
-  if (!Confirm(resources::kTagWillBeDeleted)) {
+  if (!Confirm(m_texts(resources::kTagWillBeDeleted))) {
     return;
   }
   platform::DialogWindow& window = GetWindow();
-  const auto selection = window.GetSelection(resources::kTagListId);
-  const storage::TagRecord* record = selection ? m_tags.GetRecord(*selection) : nullptr;
-  if (record == nullptr) {
+  const std::int32_t line = window.GetSelection(resources::kTagListId).value_or(-1);
+  if (GetTagOfLine(line).empty() || !DeleteTagOfLine(static_cast<std::size_t>(line))) {
     return;
   }
-  const std::u16string tagName(record->GetTagName());
-  if (m_store.DeleteWaveFile(tagName) != platform::FileError::kNone ||
-      m_store.DeleteTemplateFile(tagName) != platform::FileError::kNone) {
-    ShowBox(resources::kTagInUse);
-    return;
-  }
-  m_tags.Remove(*selection);
-  if (m_store.DeleteEntry(tagName) != platform::RegistryError::kNone) {
-    ShowBox(resources::kTagInUse);
-    return;
-  }
-  window.DeleteItem(resources::kTagListId, *selection);
+  m_lines.erase(m_lines.begin() + line);
+  window.DeleteItem(resources::kTagListId, line);
   window.Enable(resources::kPlayButtonId, false);
   window.Enable(resources::kDeleteButtonId, false);
   if (window.GetItemCount(resources::kTagListId) == 0) {
@@ -132,23 +137,76 @@ void Page_one::OnDelete() {
   window.SetText(resources::kCountLabelId, language::EnglishCountLabel(m_tags.tagCount));
 }
 
+bool Page_one::DeleteTagOfLine(std::size_t line) {
+  const std::u16string tagName = m_lines[line].tagName;
+  // A press that failed half-way before is finished first.
+  m_trash.Recover();
+  storage::Deletion deletion(m_trash, storage::DeletionReason::kDelete);
+  storage::TagParts parts;
+  const bool isFound = storage::FindParts(m_platform.files, m_platform.registry, tagName, parts);
+  const storage::ItemResult kept =
+      isFound ? deletion.Keep(parts, GetWindow().GetItemText(resources::kTagListId,
+                                                             static_cast<std::int32_t>(line)))
+              : storage::ItemResult::kFailed;
+  if (kept == storage::ItemResult::kInUse) {
+    ShowBox(resources::kTagInUse);
+    return false;
+  }
+  if (kept == storage::ItemResult::kFailed || !deletion.Seal()) {
+    ShowBox(resources::kNotKept);
+    return false;
+  }
+  if (m_store.DeleteWaveFile(tagName) != platform::FileError::kNone ||
+      m_store.DeleteTemplateFile(tagName) != platform::FileError::kNone) {
+    ShowBox(resources::kTagInUse);
+    return false;
+  }
+  DropRecord(line);
+  if (m_store.DeleteEntry(tagName) != platform::RegistryError::kNone) {
+    ShowBox(resources::kTagInUse);
+    return false;
+  }
+  if (kept == storage::ItemResult::kFull) {
+    ShowBox(resources::kTagDestroyed);
+  }
+  return true;
+}
+
+void Page_one::DropRecord(std::size_t line) {
+  ListedTag& dropped = m_lines[line];
+  if (!dropped.isCounted) {
+    return;  // By an earlier press, after which the entry stayed.
+  }
+  dropped.isCounted = false;
+  const std::int32_t count = m_tags.tagCount;
+  m_tags.Remove(dropped.row);
+  // A tag that there is no room for in the table is counted all the same.
+  m_tags.tagCount = count - 1;
+  for (ListedTag& listed : m_lines) {
+    listed.row -= listed.row > dropped.row ? 1 : 0;
+  }
+}
+
 void Page_one::OnDeleteAll() {
-  if (!Confirm(resources::kAllTagsWillBeDeleted)) {
+  if (!Confirm(GetDeleteAllQuestion())) {
     return;
   }
-  const auto deleted = m_store.DeleteAll([this](storage::DeletionProblem problem) {
-    if (problem == storage::DeletionProblem::kFileInUse) {
-      ShowBox(resources::kTagInUse);
-    } else {
-      m_platform.ui.ShowMessage(
-          {u"ERROR", platform::MessageCaption::kNone, {}, platform::MessageStyle::kOk});
-    }
-  });
-  if (deleted != platform::RegistryError::kNone) {
-    ShowBox(resources::kTagInUse);
+  m_trash.Recover();
+  const storage::DeletedAll deleted = storage::DeleteAllTags(
+      m_platform.files, m_platform.registry, m_trash,
+      [this](std::u16string_view tagName) {
+        const auto listed = std::ranges::find(m_lines, tagName, &ListedTag::tagName);
+        return listed == m_lines.end()
+                   ? std::u16string(tagName)
+                   : GetWindow().GetItemText(resources::kTagListId,
+                                             static_cast<std::int32_t>(listed - m_lines.begin()));
+      },
+      [this](storage::DeletionProblem problem) { ReportDeletion(problem); });
+  if (!deleted.isDone) {
     return;
   }
   m_tags.Clear();
+  m_lines.clear();
   platform::DialogWindow& window = GetWindow();
   window.ResetItems(resources::kTagListId);
   for (const int button : {resources::kDeleteAllButtonId, resources::kTestButtonId,
@@ -156,18 +214,53 @@ void Page_one::OnDeleteAll() {
     window.Enable(button, false);
   }
   ShowCount();
+  if (deleted.destroyedCount > 0) {
+    ShowBox(language::FormatNumber(resources::kTagsDestroyed, deleted.destroyedCount));
+  }
 }
 
-bool Page_one::Confirm(const resources::Text& question) {
+std::u16string Page_one::GetDeleteAllQuestion() {
+  std::u16string question(m_texts(resources::kAllTagsWillBeDeleted));
+  storage::StoreContents contents;
+  // Without its list the page does not show what would go.
+  if (!m_isSetUp && storage::ListStore(m_platform.files, m_platform.registry, contents, [] {}) ==
+                        storage::ListResult::kDone) {
+    contents.tags.insert(contents.tags.end(), contents.orphans.begin(), contents.orphans.end());
+    const auto recordings = std::ranges::count_if(
+        contents.tags, [](const storage::TagParts& parts) { return !parts.waveFile.empty(); });
+    question += u"\n\n" + language::FormatNumber(resources::kRecordingsWillBeDeleted,
+                                                 static_cast<std::int32_t>(recordings));
+  }
+  return question;
+}
+
+void Page_one::ReportDeletion(storage::DeletionProblem problem) {
+  switch (problem) {
+    case storage::DeletionProblem::kSearchFailed:
+      m_platform.ui.ShowMessage(
+          {u"ERROR", platform::MessageCaption::kNone, {}, platform::MessageStyle::kOk});
+      break;
+    case storage::DeletionProblem::kFileInUse:
+      ShowBox(resources::kTagInUse);
+      break;
+    case storage::DeletionProblem::kNotKept:
+      ShowBox(resources::kNotKept);
+      break;
+  }
+}
+
+bool Page_one::Confirm(std::u16string_view question) {
   const platform::MessageBox box{
-      std::u16string(m_texts(question)), platform::MessageCaption::kText,
+      std::u16string(question), platform::MessageCaption::kText,
       std::u16string(m_texts(resources::kConfirmationCaption)),
       platform::MessageStyle::kOkCancel | platform::MessageStyle::kIconExclamation};
   return m_platform.ui.ShowMessage(box) == platform::MessageAnswer::kOk;
 }
 
-void Page_one::ShowBox(const resources::Text& text) {
-  m_platform.ui.ShowMessage(platform::ApplicationBox(std::u16string(m_texts(text))));
+void Page_one::ShowBox(const resources::Text& text) { ShowBox(m_texts(text)); }
+
+void Page_one::ShowBox(std::u16string_view text) {
+  m_platform.ui.ShowMessage(platform::ApplicationBox(std::u16string(text)));
 }
 
 }  // namespace tags

@@ -14,6 +14,7 @@ Page_one::Page_one(const platform::Platform& platform, const language::Texts& te
       m_platform(platform),
       m_texts(texts),
       m_store(platform.files, platform.registry),
+      m_trash(platform.files, platform.registry, platform.clock),
       m_picker(platform.contacts, *this),
       m_mathematics(platform.files, platform.ui),
       m_reinitDialog(platform, texts),
@@ -42,6 +43,8 @@ bool Page_one::OnInitDialog() {
     m_platform.process.End(0);
     return true;
   }
+  // The tags are this page's alone now, so nobody else is in the middle of a deletion.
+  m_trash.Recover();
   if (!Fill()) {
     return true;  // The message was the last thing that happens: the page stays as it was drawn.
   }

@@ -53,7 +53,8 @@ void Page_one::OnRecord() {
   if (!EnsureDataFolders() || !HasNumberChosen()) {
     return;
   }
-  const std::u16string tagName = storage::TagNameOfTickCount(m_platform.clock.GetTickCount());
+  const std::u16string tagName = storage::FreeTagName(m_platform.files, m_platform.registry,
+                                                      m_trash, m_platform.clock.GetTickCount());
   m_platform.ui.Beep(platform::Sound::kExclamation);
   m_platform.clock.Sleep(kBeepMilliseconds);
   // Asked after the beep, as ever.
@@ -157,7 +158,8 @@ bool Page_one::StoreTag(std::u16string_view tagName) {
 }
 
 void Page_one::ListNewTag(std::u16string_view tagName) {
-  storage::TagRecord* record = m_tags.GetRecord(m_tags.tagCount);
+  const std::int32_t row = m_tags.tagCount;
+  storage::TagRecord* record = m_tags.GetRecord(row);
   record->SetTagName(tagName);
   ++m_tags.tagCount;
   const TagText tag = m_picker.ReadForTag();
@@ -167,7 +169,7 @@ void Page_one::ListNewTag(std::u16string_view tagName) {
     return;
   }
   record->SetDisplayText(tag.text);
-  AppendToList(record->GetDisplayText());
+  AppendToList(record->GetDisplayText(), tagName, row);
   m_playCode = m_audio->Play(m_recordingPath);
   platform::DialogWindow& window = GetWindow();
   if (window.GetItemCount(resources::kTagListId) > 0) {

@@ -1,0 +1,173 @@
+#include "storage/store_contents.h"
+
+#include <map>
+#include <utility>
+
+#include "platform/text/names.h"
+#include "storage/device_paths.h"
+#include "storage/tag_store.h"
+
+namespace storage {
+
+using platform::FileError;
+using platform::RegistryError;
+
+namespace {
+
+/// Gathers the parts of each name. Letter case counts for nothing, as on the device.
+class Gathering {
+ public:
+  explicit Gathering(platform::FileSystem& files) : m_files(files) {}
+
+  void AddTags(const std::vector<std::u16string>& names) {
+    for (const std::u16string& name : names) {
+      Get(name).hasEntry = true;
+    }
+  }
+
+  /// Returns false if the folder could not be read to its end.
+  bool AddFiles(std::u16string_view folder, std::u16string_view pattern,
+                std::u16string TagParts::*part, std::size_t extension) {
+    const std::u16string path = std::u16string(folder).append(u"\\").append(pattern);
+    platform::StartedSearch found = m_files.FindFirst(path);
+    FileError error = found.error;
+    bool isWhole = true;
+    while (error != FileError::kNoMoreFiles && error != FileError::kNotFound) {
+      if (error != FileError::kNone) {
+        isWhole = false;
+        if (!found.search) {
+          break;
+        }
+      } else if (!found.first.isFolder) {
+        const std::u16string& file = found.first.name;
+        Get(file.substr(0, file.size() - extension)).*part = file;
+      }
+      error = found.search->Next(found.first);
+    }
+    return isWhole;
+  }
+
+  void MoveTo(StoreContents& contents) {
+    for (TagParts& parts : m_parts) {
+      (parts.hasEntry ? contents.tags : contents.orphans).push_back(std::move(parts));
+    }
+  }
+
+ private:
+  TagParts& Get(const std::u16string& name) {
+    const auto [place, isNew] = m_places.try_emplace(text::FoldName(name), m_parts.size());
+    if (isNew) {
+      m_parts.push_back({.name = name, .waveFile = {}, .templateFile = {}});
+    }
+    return m_parts[place->second];
+  }
+
+  platform::FileSystem& m_files;
+  std::vector<TagParts> m_parts;
+  std::map<std::u16string, std::size_t> m_places;
+};
+
+/// Copies everything into the trash. Returns false if that failed; the store is untouched.
+bool KeepAll(Deletion& deletion, const std::vector<TagParts>& all,
+             const std::function<std::u16string(std::u16string_view)>& getText,
+             const std::function<void(DeletionProblem)>& report, int& destroyedCount) {
+  for (const TagParts& parts : all) {
+    switch (deletion.Keep(parts, parts.hasEntry ? getText(parts.name) : std::u16string())) {
+      case ItemResult::kDone:
+        break;
+      case ItemResult::kFull:
+        ++destroyedCount;
+        break;
+      case ItemResult::kInUse:
+        report(DeletionProblem::kFileInUse);
+        return false;
+      case ItemResult::kFailed:
+        report(DeletionProblem::kNotKept);
+        return false;
+    }
+  }
+  if (!deletion.Seal()) {
+    report(DeletionProblem::kNotKept);
+    return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+ListResult ListStore(platform::FileSystem& files, platform::Registry& registry,
+                     StoreContents& contents, const std::function<void()>& searchFailed) {
+  std::vector<std::u16string> names;
+  if (TagStore(files, registry).ListNames(names) != RegistryError::kNone) {
+    return ListResult::kNoEntries;
+  }
+  const std::u16string unfinished = std::u16string(platform::kUnfinishedPrefix) + u"*";
+  const struct {
+    std::u16string_view folder;
+    std::u16string pattern;
+    std::u16string TagParts::*part;
+    std::size_t extension;
+  } searches[] = {
+      {kWaveFolder, u"*" + std::u16string(kWaveExtension), &TagParts::waveFile,
+       kWaveExtension.size()},
+      {kTemplateFolder, u"*" + std::u16string(kTemplateExtension), &TagParts::templateFile,
+       kTemplateExtension.size()},
+      {kWaveFolder, unfinished, &TagParts::waveFile, 0},
+      {kTemplateFolder, unfinished, &TagParts::templateFile, 0},
+  };
+  Gathering gathering(files);
+  gathering.AddTags(names);
+  ListResult result = ListResult::kDone;
+  for (const auto& search : searches) {
+    if (!gathering.AddFiles(search.folder, search.pattern, search.part, search.extension)) {
+      searchFailed();
+      result = ListResult::kSearchFailed;
+    }
+  }
+  gathering.MoveTo(contents);
+  return result;
+}
+
+DeletedAll DeleteAllTags(platform::FileSystem& files, platform::Registry& registry,
+                         const TagTrash& trash,
+                         const std::function<std::u16string(std::u16string_view)>& getText,
+                         const std::function<void(DeletionProblem)>& report) {
+  StoreContents contents;
+  const ListResult listed =
+      ListStore(files, registry, contents, [&report] { report(DeletionProblem::kSearchFailed); });
+  if (listed != ListResult::kDone) {
+    if (listed == ListResult::kNoEntries) {
+      report(DeletionProblem::kFileInUse);
+    }
+    return {};
+  }
+  std::vector<TagParts> all = std::move(contents.tags);
+  all.insert(all.end(), contents.orphans.begin(), contents.orphans.end());
+  Deletion deletion(trash, DeletionReason::kDeleteAll);
+  DeletedAll outcome;
+  if (!KeepAll(deletion, all, getText, report, outcome.destroyedCount)) {
+    return {};
+  }
+  // All recordings, then all templates, then the entries: a companion sees no entry go before both
+  // its files.
+  const auto deleteFiles = [&](std::u16string_view folder, std::u16string TagParts::*part) {
+    for (const TagParts& parts : all) {
+      const FileError error =
+          (parts.*part).empty()
+              ? FileError::kNone
+              : files.Delete(std::u16string(folder).append(u"\\").append(parts.*part));
+      if (error != FileError::kNone && error != FileError::kNotFound) {
+        report(DeletionProblem::kFileInUse);
+      }
+    }
+  };
+  deleteFiles(kWaveFolder, &TagParts::waveFile);
+  deleteFiles(kTemplateFolder, &TagParts::templateFile);
+  outcome.isDone = TagStore(files, registry).DeleteAllEntries() == RegistryError::kNone;
+  if (!outcome.isDone) {
+    report(DeletionProblem::kFileInUse);
+  }
+  return outcome;
+}
+
+}  // namespace storage

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/file_system.h"
+
+namespace storage {
+
+// Archives in the format of POSIX.1-1988 ("ustar"): blocks of 512 bytes, for each member a header
+// and its bytes, two blocks of zeros at the end. Any tool of a desktop unpacks them. Only regular
+// files with names of at most 100 bytes are written and read.
+
+/// Writes an archive into a file, member by member. Used by one thread.
+class TarWriter {
+ public:
+  /// `file` is open for writing, at its beginning, and outlives this.
+  explicit TarWriter(platform::File& file) : m_file(file) {}
+
+  [[nodiscard]] platform::FileError Add(std::string_view name, std::span<const std::byte> bytes);
+
+  /// Adds all that `source` holds, from its beginning. Returns kOther if that cannot be read.
+  [[nodiscard]] platform::FileError AddFile(std::string_view name, platform::File& source);
+
+  /// The last call.
+  [[nodiscard]] platform::FileError End();
+
+ private:
+  [[nodiscard]] platform::FileError WriteHeader(std::string_view name, std::uint64_t length);
+  [[nodiscard]] platform::FileError Pad(std::uint64_t length);
+
+  platform::File& m_file;
+};
+
+/// Reads an archive from a file, member by member. Used by one thread.
+class TarReader {
+ public:
+  explicit TarReader(platform::File& file) : m_file(file) {}
+
+  /// Goes to the next member. kNoMoreFiles at the end of the archive; kOther if the file is torn or
+  /// is no such archive.
+  [[nodiscard]] platform::FileError Next();
+
+  /// Of the member that Next went to.
+  [[nodiscard]] const std::string& GetName() const { return m_name; }
+  [[nodiscard]] std::uint64_t GetLength() const { return m_length; }
+
+  /// Stores the member's bytes in `bytes`. kOther if it is longer than `limit`.
+  [[nodiscard]] platform::FileError ReadAll(std::vector<std::byte>& bytes, std::uint64_t limit);
+
+  /// Appends the member's bytes to `to`.
+  [[nodiscard]] platform::FileError CopyTo(platform::File& to);
+
+ private:
+  platform::File& m_file;
+  std::string m_name;
+  std::uint64_t m_offset = 0;  ///< Of the member's first byte.
+  std::uint64_t m_next = 0;    ///< Of the next header.
+  std::uint64_t m_length = 0;
+};
+
+}  // namespace storage

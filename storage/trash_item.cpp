@@ -1,0 +1,337 @@
+#include "storage/trash_item.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <variant>
+#include <vector>
+
+#include "platform/text/utf.h"
+#include "storage/device_paths.h"
+#include "storage/registry_file.h"
+#include "storage/registry_keys.h"
+#include "storage/tar.h"
+
+namespace storage {
+
+using platform::FileError;
+using platform::RegistryError;
+
+namespace {
+
+// The members of an archive.
+constexpr std::string_view kAbout = "about.txt";
+constexpr std::string_view kEntry = "entry.reg";
+constexpr std::string_view kRecording = "recording.wav";
+constexpr std::string_view kTemplate = "template.st";
+
+/// More than the texts of a tag can take.
+constexpr std::uint64_t kLongestAbout = 65536;
+
+constexpr std::array<std::string_view, 4> kReasonWords{"delete", "delete-all", "clean-up",
+                                                       "repair"};
+
+// The lines of about.txt: a word, a blank, a value.
+constexpr std::string_view kDeletedLine = "deleted ";
+constexpr std::string_view kByLine = "by ";
+constexpr std::string_view kNameLine = "name ";
+constexpr std::string_view kRecordingLine = "recording ";
+constexpr std::string_view kTemplateLine = "template ";
+constexpr std::string_view kEntryLine = "entry ";
+constexpr std::string_view kTextLine = "text ";
+
+std::u16string Join(std::u16string_view folder, std::u16string_view name) {
+  return std::u16string(folder).append(u"\\").append(name);
+}
+
+std::u16string EntryPath(std::u16string_view name) { return Join(kTagKey, name); }
+
+ItemResult ToResult(FileError error) {
+  switch (error) {
+    case FileError::kNone:
+      return ItemResult::kDone;
+    case FileError::kSharingViolation:
+      return ItemResult::kInUse;
+    case FileError::kDiskFull:
+      return ItemResult::kFull;
+    default:
+      return ItemResult::kFailed;
+  }
+}
+
+ItemResult ToResult(RegistryError error) {
+  if (error == RegistryError::kNone) {
+    return ItemResult::kDone;
+  }
+  return error == RegistryError::kFull ? ItemResult::kFull : ItemResult::kFailed;
+}
+
+/// A name of the host may hold any byte but a zero; the end of a line must not be in a line.
+void AppendLine(std::string& about, std::string_view word, std::u16string_view value) {
+  std::string bytes = text::ToHostName(value);
+  std::ranges::replace(bytes, '\n', ' ');
+  about.append(word).append(bytes).append("\n");
+}
+
+std::string WriteAbout(const TrashItem& item) {
+  std::string about;
+  about.append(kDeletedLine).append(std::to_string(item.deletedAt)).append("\n");
+  about.append(kByLine).append(ToWord(item.by)).append("\n");
+  AppendLine(about, kNameLine, item.parts.name);
+  AppendLine(about, kRecordingLine, item.parts.waveFile);
+  AppendLine(about, kTemplateLine, item.parts.templateFile);
+  about.append(kEntryLine).append(item.parts.hasEntry ? "1" : "0").append("\n");
+  AppendLine(about, kTextLine, item.text);
+  return about;
+}
+
+/// Takes the next line off `about`. Returns false if it does not begin with `word`.
+bool TakeLine(std::string_view& about, std::string_view word, std::string_view& value) {
+  const std::size_t end = about.find('\n');
+  if (end == std::string_view::npos || !about.starts_with(word)) {
+    return false;
+  }
+  value = about.substr(word.size(), end - word.size());
+  about.remove_prefix(end + 1);
+  return true;
+}
+
+bool TakeName(std::string_view& about, std::string_view word, std::u16string& name) {
+  std::string_view value;
+  if (!TakeLine(about, word, value)) {
+    return false;
+  }
+  name = text::FromHostName(value);
+  // A name that leads out of its folder is none of ours.
+  return name.find_first_of(u"\\/") == std::u16string::npos;
+}
+
+bool ParseAbout(std::string_view about, TrashItem& item) {
+  std::string_view value;
+  if (!TakeLine(about, kDeletedLine, value)) {
+    return false;
+  }
+  const auto number = std::from_chars(value.data(), value.data() + value.size(), item.deletedAt);
+  if (number.ec != std::errc() || number.ptr != value.data() + value.size() ||
+      !TakeLine(about, kByLine, value)) {
+    return false;
+  }
+  const auto* const word = std::ranges::find(kReasonWords, value);
+  if (word == kReasonWords.end()) {
+    return false;
+  }
+  item.by = static_cast<DeletionReason>(word - kReasonWords.begin());
+  if (!TakeName(about, kNameLine, item.parts.name) ||
+      !TakeName(about, kRecordingLine, item.parts.waveFile) ||
+      !TakeName(about, kTemplateLine, item.parts.templateFile) ||
+      !TakeLine(about, kEntryLine, value)) {
+    return false;
+  }
+  item.parts.hasEntry = value == "1";
+  if (!TakeLine(about, kTextLine, value)) {
+    return false;
+  }
+  item.text = text::FromHostName(value);
+  return true;
+}
+
+FileError AddFile(platform::FileSystem& files, TarWriter& tar, std::string_view member,
+                  const std::u16string& path) {
+  // A companion that reads the file shares it.
+  const platform::OpenedFile source =
+      files.Open(path, {platform::FileAccess::kRead, platform::FileShare::kRead,
+                        platform::FileCreation::kOpenExisting});
+  return source.file ? tar.AddFile(member, *source.file) : source.error;
+}
+
+ItemResult AddEntry(platform::Registry& registry, TarWriter& tar, std::u16string_view name) {
+  std::vector<std::byte> entry;
+  const RegistryError read = WriteRegistryFile(registry, entry, EntryPath(name));
+  return read == RegistryError::kNone ? ToResult(tar.Add(kEntry, entry)) : ToResult(read);
+}
+
+ItemResult WriteParts(platform::FileSystem& files, platform::Registry& registry, TarWriter& tar,
+                      const TrashItem& item) {
+  const std::string about = WriteAbout(item);
+  ItemResult result = ToResult(tar.Add(kAbout, std::as_bytes(std::span(about))));
+  if (result == ItemResult::kDone && item.parts.hasEntry) {
+    result = AddEntry(registry, tar, item.parts.name);
+  }
+  if (result == ItemResult::kDone && !item.parts.waveFile.empty()) {
+    result = ToResult(AddFile(files, tar, kRecording, WaveFilePath(item.parts.waveFile)));
+  }
+  if (result == ItemResult::kDone && !item.parts.templateFile.empty()) {
+    result =
+        ToResult(AddFile(files, tar, kTemplate, Join(kTemplateFolder, item.parts.templateFile)));
+  }
+  return result == ItemResult::kDone ? ToResult(tar.End()) : result;
+}
+
+/// Goes to the member of that name.
+FileError Find(TarReader& tar, std::string_view member) {
+  FileError error = tar.Next();
+  while (error == FileError::kNone && tar.GetName() != member) {
+    error = tar.Next();
+  }
+  return error;
+}
+
+FileError UnpackFile(platform::FileSystem& files, platform::File& archive, std::string_view member,
+                     const std::u16string& path) {
+  TarReader tar(archive);
+  FileError error = Find(tar, member);
+  if (error != FileError::kNone) {
+    return FileError::kOther;
+  }
+  const platform::OpenedReplacement target = files.OpenReplacement(path);
+  if (!target.replacement) {
+    return target.error;
+  }
+  error = tar.CopyTo(target.replacement->GetFile());
+  return error == FileError::kNone ? target.replacement->Publish(platform::Durability::kNow)
+                                   : error;
+}
+
+/// Of the file's changes only those of the tag's own key are made.
+ItemResult UnpackEntry(platform::Registry& registry, platform::File& archive,
+                       std::u16string_view name) {
+  TarReader tar(archive);
+  std::vector<std::byte> file;
+  if (Find(tar, kEntry) != FileError::kNone ||
+      tar.ReadAll(file, kMaxRegistryFileLength) != FileError::kNone) {
+    return ItemResult::kFailed;
+  }
+  const auto read = ParseRegistryFile(file);
+  const auto* content = std::get_if<RegistryFileContent>(&read);
+  const std::u16string key = EntryPath(name);
+  if (content == nullptr || !std::ranges::all_of(content->changes, [&](const RegistryChange& change) {
+        return change.key == key || change.key.starts_with(key + u'\\');
+      })) {
+    return ItemResult::kFailed;
+  }
+  const auto failure = ApplyRegistryChanges(registry, content->changes);
+  return failure ? ToResult(failure->store) : ItemResult::kDone;
+}
+
+}  // namespace
+
+std::string_view ToWord(DeletionReason reason) {
+  return kReasonWords[static_cast<std::size_t>(reason)];
+}
+
+bool FindParts(platform::FileSystem& files, platform::Registry& registry, std::u16string_view name,
+               TagParts& parts) {
+  parts = {.name = std::u16string(name), .waveFile = {}, .templateFile = {}};
+  const auto find = [&files](const std::u16string& path, std::u16string& file) {
+    const platform::StartedSearch found = files.FindFirst(path);
+    if (found.error == FileError::kNone && !found.first.isFolder) {
+      file = found.first.name;
+    }
+    return found.error == FileError::kNone || found.error == FileError::kNotFound;
+  };
+  if (!find(WavePath(name), parts.waveFile) || !find(TemplatePath(name), parts.templateFile)) {
+    return false;
+  }
+  const RegistryError entry = registry.OpenKey(EntryPath(name)).error;
+  parts.hasEntry = entry == RegistryError::kNone;
+  // A name that no key can have has no entry.
+  return parts.hasEntry || entry == RegistryError::kNotFound || entry == RegistryError::kInvalid;
+}
+
+PartsState GetState(platform::FileSystem& files, platform::Registry& registry,
+                    const TagParts& parts) {
+  std::size_t wanted = 0;
+  std::size_t there = 0;
+  const auto look = [&](std::u16string_view folder, const std::u16string& file) {
+    if (file.empty()) {
+      return true;
+    }
+    const FileError error = files.FindFirst(Join(folder, file)).error;
+    ++wanted;
+    there += error == FileError::kNone ? 1U : 0U;
+    return error == FileError::kNone || error == FileError::kNotFound;
+  };
+  if (!look(kWaveFolder, parts.waveFile) || !look(kTemplateFolder, parts.templateFile)) {
+    return PartsState::kUnknown;
+  }
+  if (parts.hasEntry) {
+    const RegistryError error = registry.OpenKey(EntryPath(parts.name)).error;
+    if (error != RegistryError::kNone && error != RegistryError::kNotFound) {
+      return PartsState::kUnknown;
+    }
+    ++wanted;
+    there += error == RegistryError::kNone ? 1U : 0U;
+  }
+  if (there == 0) {
+    return PartsState::kGone;
+  }
+  return there == wanted ? PartsState::kWhole : PartsState::kPartly;
+}
+
+ItemResult WriteItem(platform::FileSystem& files, platform::Registry& registry,
+                     std::u16string_view path, const TrashItem& item) {
+  const platform::OpenedReplacement target = files.OpenReplacement(path);
+  if (!target.replacement) {
+    return ToResult(target.error);
+  }
+  platform::File& file = target.replacement->GetFile();
+  TarWriter tar(file);
+  const ItemResult result = WriteParts(files, registry, tar, item);
+  if (result != ItemResult::kDone) {
+    return result;
+  }
+  const FileError flushed = file.Flush();
+  return ToResult(flushed == FileError::kNone
+                      ? target.replacement->Publish(platform::Durability::kLater)
+                      : flushed);
+}
+
+bool ReadItem(platform::FileSystem& files, std::u16string_view path, TrashItem& item) {
+  const platform::OpenedFile opened =
+      files.Open(path, {platform::FileAccess::kRead, platform::FileShare::kRead,
+                        platform::FileCreation::kOpenExisting});
+  if (!opened.file) {
+    return false;
+  }
+  TarReader tar(*opened.file);
+  std::vector<std::byte> about;
+  if (tar.Next() != FileError::kNone || tar.GetName() != kAbout ||
+      tar.ReadAll(about, kLongestAbout) != FileError::kNone) {
+    return false;
+  }
+  const std::string_view text(reinterpret_cast<const char*>(about.data()), about.size());
+  TrashItem read;
+  if (!ParseAbout(text, read)) {
+    return false;
+  }
+  item = std::move(read);
+  return true;
+}
+
+ItemResult UnpackItem(platform::FileSystem& files, platform::Registry& registry,
+                      std::u16string_view path) {
+  TrashItem item;
+  if (!ReadItem(files, path, item)) {
+    return ItemResult::kFailed;
+  }
+  const platform::OpenedFile archive =
+      files.Open(path, {platform::FileAccess::kRead, platform::FileShare::kRead,
+                        platform::FileCreation::kOpenExisting});
+  if (!archive.file) {
+    return ToResult(archive.error);
+  }
+  FileError error = FileError::kNone;
+  if (!item.parts.waveFile.empty()) {
+    error = UnpackFile(files, *archive.file, kRecording, WaveFilePath(item.parts.waveFile));
+  }
+  if (error == FileError::kNone && !item.parts.templateFile.empty()) {
+    error =
+        UnpackFile(files, *archive.file, kTemplate, Join(kTemplateFolder, item.parts.templateFile));
+  }
+  if (error != FileError::kNone || !item.parts.hasEntry) {
+    return ToResult(error);
+  }
+  return UnpackEntry(registry, *archive.file, item.parts.name);
+}
+
+}  // namespace storage
