@@ -78,7 +78,8 @@ bool KeepAll(Deletion& deletion, const std::vector<TagParts>& all,
       case ItemResult::kFull:
         ++destroyedCount;
         break;
-      case ItemResult::kInUse:
+      case ItemResult::kRecordingInUse:
+      case ItemResult::kTemplateInUse:
         report(DeletionProblem::kFileInUse);
         return false;
       case ItemResult::kFailed:

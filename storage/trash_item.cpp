@@ -50,8 +50,6 @@ ItemResult ToResult(FileError error) {
   switch (error) {
     case FileError::kNone:
       return ItemResult::kDone;
-    case FileError::kSharingViolation:
-      return ItemResult::kInUse;
     case FileError::kDiskFull:
       return ItemResult::kFull;
     default:
@@ -135,13 +133,20 @@ bool ParseAbout(std::string_view about, TrashItem& item) {
   return true;
 }
 
-FileError AddFile(platform::FileSystem& files, TarWriter& tar, std::string_view member,
-                  const std::u16string& path) {
+/// Adds nothing for a tag without such a file.
+ItemResult AddFile(platform::FileSystem& files, TarWriter& tar, std::string_view member,
+                   std::u16string_view folder, const std::u16string& file, ItemResult inUse) {
+  if (file.empty()) {
+    return ItemResult::kDone;
+  }
   // A companion that reads the file shares it.
   const platform::OpenedFile source =
-      files.Open(path, {platform::FileAccess::kRead, platform::FileShare::kRead,
-                        platform::FileCreation::kOpenExisting});
-  return source.file ? tar.AddFile(member, *source.file) : source.error;
+      files.Open(Join(folder, file), {platform::FileAccess::kRead, platform::FileShare::kRead,
+                                      platform::FileCreation::kOpenExisting});
+  if (source.error == FileError::kSharingViolation) {
+    return inUse;
+  }
+  return ToResult(source.file ? tar.AddFile(member, *source.file) : source.error);
 }
 
 ItemResult AddEntry(platform::Registry& registry, TarWriter& tar, std::u16string_view name) {
@@ -157,12 +162,13 @@ ItemResult WriteParts(platform::FileSystem& files, platform::Registry& registry,
   if (result == ItemResult::kDone && item.parts.hasEntry) {
     result = AddEntry(registry, tar, item.parts.name);
   }
-  if (result == ItemResult::kDone && !item.parts.waveFile.empty()) {
-    result = ToResult(AddFile(files, tar, kRecording, WaveFilePath(item.parts.waveFile)));
+  if (result == ItemResult::kDone) {
+    result = AddFile(files, tar, kRecording, kWaveFolder, item.parts.waveFile,
+                     ItemResult::kRecordingInUse);
   }
-  if (result == ItemResult::kDone && !item.parts.templateFile.empty()) {
-    result =
-        ToResult(AddFile(files, tar, kTemplate, Join(kTemplateFolder, item.parts.templateFile)));
+  if (result == ItemResult::kDone) {
+    result = AddFile(files, tar, kTemplate, kTemplateFolder, item.parts.templateFile,
+                     ItemResult::kTemplateInUse);
   }
   return result == ItemResult::kDone ? ToResult(tar.End()) : result;
 }

@@ -52,9 +52,10 @@ struct TrashItem {
 
 enum class ItemResult : std::uint8_t {
   kDone,
-  kInUse,   ///< Another program has the recording or the template open for itself.
-  kFull,    ///< The disk is full.
-  kFailed,  ///< Anything else.
+  kRecordingInUse,  ///< Another program has the recording open for itself.
+  kTemplateInUse,   ///< Likewise the template.
+  kFull,            ///< The disk is full.
+  kFailed,          ///< Anything else.
 };
 
 /// Copies the parts of `item` into a file at `path`. When this returns kDone the copy is complete

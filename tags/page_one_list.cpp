@@ -73,10 +73,22 @@ Page_one::LoadedTag Page_one::LoadTag(std::u16string_view tagName, std::int32_t&
 
 Page_one::LoadedTag Page_one::DeleteStaleTag(std::u16string_view tagName) {
   storage::TagParts parts;
-  // Nobody asked for this deletion. If the trash cannot take the tag it stays where it is, without
-  // a line.
-  if (!storage::FindParts(m_platform.files, m_platform.registry, tagName, parts) ||
-      m_cleanUp->Keep(parts, tagName) != storage::ItemResult::kDone || !m_cleanUp->Seal()) {
+  const bool isFound = storage::FindParts(m_platform.files, m_platform.registry, tagName, parts);
+  switch (isFound ? m_cleanUp->Keep(parts, tagName) : storage::ItemResult::kFailed) {
+    case storage::ItemResult::kDone:
+      break;
+    case storage::ItemResult::kRecordingInUse:
+      ShowBox(resources::kStaleWaveNotDeleted);
+      return LoadedTag::kFailed;
+    case storage::ItemResult::kTemplateInUse:
+      ShowBox(resources::kStaleTemplateNotDeleted);
+      return LoadedTag::kFailed;
+    case storage::ItemResult::kFull:
+    case storage::ItemResult::kFailed:
+      // Nobody asked for this deletion, so nothing is destroyed by it.
+      return LoadedTag::kPassedOver;
+  }
+  if (!m_cleanUp->Seal()) {
     return LoadedTag::kPassedOver;
   }
   switch (m_store.Delete(tagName)) {
@@ -148,7 +160,7 @@ bool Page_one::DeleteTagOfLine(std::size_t line) {
       isFound ? deletion.Keep(parts, GetWindow().GetItemText(resources::kTagListId,
                                                              static_cast<std::int32_t>(line)))
               : storage::ItemResult::kFailed;
-  if (kept == storage::ItemResult::kInUse) {
+  if (kept == storage::ItemResult::kRecordingInUse || kept == storage::ItemResult::kTemplateInUse) {
     ShowBox(resources::kTagInUse);
     return false;
   }

@@ -61,13 +61,6 @@ class TagStoreTest : public testing::Test {
     return entry;
   }
 
-  [[nodiscard]] std::vector<DeletionProblem> DeleteAll(RegistryError expected) const {
-    std::vector<DeletionProblem> problems;
-    EXPECT_EQ(m_store.DeleteAll([&](DeletionProblem problem) { problems.push_back(problem); }),
-              expected);
-    return problems;
-  }
-
   /// Keeps a file open, as another program does.
   [[nodiscard]] std::unique_ptr<platform::File> Hold(std::u16string_view path) {
     return m_files.Open(path, {}).file;
@@ -320,78 +313,6 @@ TEST_F(TagStoreDeletion, NamesOfAnotherHandReachNoOtherFile) {
     EXPECT_NE(m_store.Delete(name), TagDeletion::kDone);
   }
   EXPECT_EQ(m_files.ListFiles().size(), 3U);
-}
-
-TEST_F(TagStoreDeletion, OfAllTakesEveryRecordingEveryTemplateAndTheKey) {
-  PutTag(u"1");
-  PutTag(u"2");
-  PutFiles(u"without an entry");
-  ASSERT_TRUE(m_files.PutFile(std::u16string(kWaveFolder) + u"\\UPPER.WAV", {}));
-  const std::u16string other = std::u16string(kWaveFolder) + u"\\notes.txt";
-  ASSERT_TRUE(m_files.PutFile(other, {}));
-  ASSERT_EQ(m_registry.CreateKey(kSetupKey).error, RegistryError::kNone);
-  EXPECT_THAT(DeleteAll(RegistryError::kNone), IsEmpty());
-  EXPECT_THAT(m_files.ListFiles(), ElementsAre(other));
-  EXPECT_FALSE(KeyExists(m_registry, kTagKey));
-  EXPECT_TRUE(KeyExists(m_registry, kSetupKey));
-}
-
-TEST_F(TagStoreDeletion, OfAllWithoutAFileStillTakesTheKey) {
-  ASSERT_EQ(m_store.WriteEntry(u"1", 1, u"Car"), RegistryError::kNone);
-  EXPECT_THAT(DeleteAll(RegistryError::kNone), IsEmpty());
-  EXPECT_FALSE(KeyExists(m_registry, kTagKey));
-}
-
-TEST_F(TagStoreDeletion, OfAllReportsEachFileInUseAndGoesOn) {
-  for (const auto* const name : {u"1", u"2", u"3"}) {
-    PutTag(name);
-  }
-  const auto wave = Hold(WavePath(u"1"));
-  const auto first = Hold(TemplatePath(u"1"));
-  const auto last = Hold(TemplatePath(u"3"));
-  EXPECT_THAT(DeleteAll(RegistryError::kNone),
-              ElementsAre(DeletionProblem::kFileInUse, DeletionProblem::kFileInUse,
-                          DeletionProblem::kFileInUse));
-  EXPECT_THAT(m_files.ListFiles(),
-              UnorderedElementsAre(WavePath(u"1"), TemplatePath(u"1"), TemplatePath(u"3")));
-  EXPECT_THAT(Names(), IsEmpty());
-}
-
-TEST_F(TagStoreDeletion, OfAllReportsASearchThatFailsAndGoesOn) {
-  for (const auto* const name : {u"1", u"2"}) {
-    PutTag(name);
-  }
-  // The search, the first deletion: finding the second recording fails.
-  m_failingFiles.FailCall(3, Failing::kOnce);
-  EXPECT_THAT(DeleteAll(RegistryError::kNone), ElementsAre(DeletionProblem::kSearchFailed));
-  EXPECT_THAT(Names(), IsEmpty());
-}
-
-TEST_F(TagStoreDeletion, OfAllComesToAnEndWhateverFails) {
-  for (const auto* const name : {u"1", u"2"}) {
-    PutTag(name);
-  }
-  m_failingFiles.FailCall(2, Failing::kFromThenOn);
-  EXPECT_THAT(DeleteAll(RegistryError::kNone), testing::Not(IsEmpty()));
-  EXPECT_THAT(Names(), IsEmpty());
-}
-
-TEST_F(TagStoreDeletion, OfAllTellsWhereTheKeyCannotBeDeleted) {
-  PutTag(u"1");
-  m_failingRegistry.FailCall(1, Failing::kOnce, RegistryError::kBusy);
-  EXPECT_THAT(DeleteAll(RegistryError::kBusy), IsEmpty());
-  EXPECT_THAT(Names(), ElementsAre(u"1"));
-  EXPECT_THAT(m_files.ListFiles(), IsEmpty());
-}
-
-TEST_F(TagStoreDeletion, OfAllWithoutAKeyIsNotFound) {
-  EXPECT_THAT(DeleteAll(RegistryError::kNotFound), IsEmpty());
-}
-
-TEST_F(TagStoreDeletion, OfAllLeavesFoldersAlone) {
-  PutTag(u"1");
-  ASSERT_EQ(m_files.CreateFolder(std::u16string(kWaveFolder) + u"\\a.wav"), FileError::kNone);
-  EXPECT_THAT(DeleteAll(RegistryError::kNone), IsEmpty());
 }
 
 using TagStoreRecordings = TagStoreTest;

@@ -1,0 +1,244 @@
+#include "storage/store_contents.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "platform/headless/memory_file_system.h"
+#include "platform/headless/memory_registry.h"
+#include "platform/headless/simulation.h"
+#include "storage/device_paths.h"
+#include "storage/registry_keys.h"
+#include "storage/tag_store.h"
+#include "tests/support/failing_file_system.h"
+#include "tests/support/failing_registry.h"
+#include "tests/support/file_bytes.h"
+#include "tests/support/registry_access.h"
+
+namespace storage {
+
+using platform::FileError;
+using platform::RegistryError;
+using support::Failing;
+using support::KeyExists;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::UnorderedElementsAre;
+
+namespace {
+
+std::u16string InWaveFolder(std::u16string_view file) {
+  return std::u16string(kWaveFolder).append(u"\\").append(file);
+}
+
+class StoreContentsTest : public testing::Test {
+ protected:
+  void SetUp() override { ASSERT_TRUE(CreateStoreFolders(m_files)); }
+
+  void PutFiles(std::u16string_view name) {
+    ASSERT_TRUE(m_files.PutFile(WavePath(name), {}));
+    ASSERT_TRUE(m_files.PutFile(TemplatePath(name), {}));
+  }
+  void PutTag(std::u16string_view name) {
+    PutFiles(name);
+    ASSERT_EQ(TagStore(m_files, m_registry).WriteEntry(name, 1, u"Car"), RegistryError::kNone);
+  }
+  /// Reads a file, as the companion does.
+  [[nodiscard]] std::unique_ptr<platform::File> Share(const std::u16string& path) {
+    return m_files
+        .Open(path, {platform::FileAccess::kRead, platform::FileShare::kRead,
+                     platform::FileCreation::kOpenExisting})
+        .file;
+  }
+
+  DeletedAll DeleteAll(platform::FileSystem& files) {
+    m_problems.clear();
+    const TagTrash trash(files, m_failingRegistry, m_clock);
+    return DeleteAllTags(
+        files, m_failingRegistry, trash,
+        [](std::u16string_view name) { return std::u16string(name) + u" M"; },
+        [this](DeletionProblem problem) { m_problems.push_back(problem); });
+  }
+  DeletedAll DeleteAll() { return DeleteAll(m_files); }
+
+  [[nodiscard]] std::vector<std::u16string> Entries() {
+    return support::SubkeyNames(m_registry, kTagKey);
+  }
+  /// Files outside the trash.
+  [[nodiscard]] std::vector<std::u16string> Files() {
+    std::vector<std::u16string> files = m_files.ListFiles();
+    std::erase_if(files, [](const auto& path) { return path.starts_with(kTrashFolder); });
+    return files;
+  }
+  [[nodiscard]] std::vector<TrashedTag> Trashed() {
+    std::vector<TrashedTag> tags;
+    EXPECT_TRUE(TagTrash(m_files, m_registry, m_clock).List(tags));
+    return tags;
+  }
+
+  headless::MemoryFileSystem m_files;
+  headless::MemoryRegistry m_registry;
+  support::FailingRegistry m_failingRegistry{m_registry};
+  headless::Simulation m_clock;
+  std::vector<DeletionProblem> m_problems;
+};
+
+}  // namespace
+
+TEST_F(StoreContentsTest, AreTheTagsAndTheFilesOfNoTag) {
+  PutTag(u"2");
+  PutTag(u"1");
+  PutFiles(u"stray");
+  for (const auto* const name : {u".voxtrel-trimmed-0123456789abcdef", u"UPPER.WAV"}) {
+    ASSERT_TRUE(m_files.PutFile(InWaveFolder(name), {}));
+  }
+  ASSERT_TRUE(m_files.PutFile(InWaveFolder(u"notes.txt"), {}));
+  ASSERT_EQ(m_files.CreateFolder(InWaveFolder(u"folder.wav")), FileError::kNone);
+  StoreContents contents;
+  ASSERT_EQ(ListStore(m_files, m_registry, contents, [] { FAIL(); }), ListResult::kDone);
+  ASSERT_EQ(contents.tags.size(), 2U);
+  EXPECT_EQ(contents.tags[0].name, u"2");
+  EXPECT_EQ(contents.tags[0].templateFile, u"2.st");
+  EXPECT_TRUE(contents.tags[1].hasEntry);
+  std::vector<std::u16string> orphans;
+  for (const TagParts& parts : contents.orphans) {
+    orphans.push_back(parts.name);
+    EXPECT_FALSE(parts.hasEntry);
+  }
+  EXPECT_THAT(orphans,
+              UnorderedElementsAre(u"stray", u"UPPER", u".voxtrel-trimmed-0123456789abcdef"));
+}
+
+TEST_F(StoreContentsTest, LetterCaseCountsForNothing) {
+  ASSERT_EQ(TagStore(m_files, m_registry).WriteEntry(u"a", 1, u"Car"), RegistryError::kNone);
+  ASSERT_TRUE(m_files.PutFile(WavePath(u"A"), {}));
+  StoreContents contents;
+  ASSERT_EQ(ListStore(m_files, m_registry, contents, [] {}), ListResult::kDone);
+  ASSERT_EQ(contents.tags.size(), 1U);
+  EXPECT_EQ(contents.tags[0].waveFile, u"A.wav");
+  EXPECT_THAT(contents.orphans, IsEmpty());
+}
+
+using DeleteAllTagsTest = StoreContentsTest;
+
+TEST_F(DeleteAllTagsTest, TakesEveryRecordingEveryTemplateAndTheKeyToTheTrash) {
+  PutTag(u"1");
+  PutTag(u"2");
+  PutFiles(u"without an entry");
+  ASSERT_TRUE(m_files.PutFile(InWaveFolder(u".voxtrel-trimmed-0123456789abcdef"), {}));
+  ASSERT_TRUE(m_files.PutFile(InWaveFolder(u"notes.txt"), {}));
+  ASSERT_EQ(m_registry.CreateKey(kSetupKey).error, RegistryError::kNone);
+  const DeletedAll deleted = DeleteAll();
+  EXPECT_TRUE(deleted.isDone);
+  EXPECT_EQ(deleted.destroyedCount, 0);
+  EXPECT_THAT(m_problems, IsEmpty());
+  EXPECT_THAT(Files(), ElementsAre(InWaveFolder(u"notes.txt")));
+  EXPECT_FALSE(KeyExists(m_registry, kTagKey));
+  EXPECT_TRUE(KeyExists(m_registry, kSetupKey));
+  const auto trashed = Trashed();
+  ASSERT_EQ(trashed.size(), 4U);
+  EXPECT_EQ(trashed[0].item.text, u"1 M");
+  EXPECT_EQ(trashed[2].item.text, u"") << "It is a file of no tag.";
+  for (const TrashedTag& tag : trashed) {
+    EXPECT_EQ(tag.item.by, DeletionReason::kDeleteAll);
+    EXPECT_EQ(tag.deletion, trashed[0].deletion);
+  }
+}
+
+TEST_F(DeleteAllTagsTest, WithoutAFileStillTakesTheKey) {
+  ASSERT_EQ(TagStore(m_files, m_registry).WriteEntry(u"1", 1, u"Car"), RegistryError::kNone);
+  EXPECT_TRUE(DeleteAll().isDone);
+  EXPECT_FALSE(KeyExists(m_registry, kTagKey));
+}
+
+TEST_F(DeleteAllTagsTest, WithoutAKeyIsDone) {
+  PutFiles(u"stray");
+  EXPECT_TRUE(DeleteAll().isDone);
+  EXPECT_THAT(Files(), IsEmpty());
+}
+
+TEST_F(DeleteAllTagsTest, ReportsEachFileInUseAndGoesOn) {
+  for (const auto* const name : {u"1", u"2", u"3"}) {
+    PutTag(name);
+  }
+  const auto wave = Share(WavePath(u"1"));
+  const auto first = Share(TemplatePath(u"1"));
+  const auto last = Share(TemplatePath(u"3"));
+  EXPECT_TRUE(DeleteAll().isDone);
+  EXPECT_THAT(m_problems, ElementsAre(DeletionProblem::kFileInUse, DeletionProblem::kFileInUse,
+                                      DeletionProblem::kFileInUse));
+  EXPECT_THAT(Files(),
+              UnorderedElementsAre(WavePath(u"1"), TemplatePath(u"1"), TemplatePath(u"3")));
+  EXPECT_THAT(Entries(), IsEmpty());
+  EXPECT_EQ(Trashed().size(), 3U);
+}
+
+TEST_F(DeleteAllTagsTest, EndsBeforeTheFirstFileGoesIfOneCannotBeKept) {
+  PutTag(u"1");
+  PutTag(u"2");
+  const auto held = m_files.Open(TemplatePath(u"2"), {});
+  EXPECT_FALSE(DeleteAll().isDone);
+  EXPECT_THAT(m_problems, ElementsAre(DeletionProblem::kFileInUse));
+  EXPECT_EQ(Files().size(), 4U);
+  EXPECT_THAT(Entries(), ElementsAre(u"1", u"2"));
+  EXPECT_THAT(Trashed(), IsEmpty());
+}
+
+TEST_F(DeleteAllTagsTest, EndsBeforeTheFirstFileGoesIfASearchFails) {
+  PutTag(u"1");
+  PutTag(u"2");
+  support::FailingFileSystem failing(m_files);
+  // The searches of the four kinds of names make at least one call each.
+  for (std::size_t call = 1; call <= 4; ++call) {
+    SCOPED_TRACE(call);
+    failing.FailCall(call, Failing::kOnce);
+    EXPECT_FALSE(DeleteAll(failing).isDone);
+    EXPECT_THAT(m_problems, ElementsAre(DeletionProblem::kSearchFailed));
+    EXPECT_EQ(Files().size(), 4U);
+    EXPECT_THAT(Entries(), ElementsAre(u"1", u"2"));
+  }
+}
+
+TEST_F(DeleteAllTagsTest, ComesToAnEndWhateverFails) {
+  PutTag(u"1");
+  PutTag(u"2");
+  support::FailingFileSystem failing(m_files);
+  bool hasFailed = true;
+  for (std::size_t call = 1; hasFailed; ++call) {
+    failing.FailCall(call, Failing::kFromThenOn);
+    static_cast<void>(DeleteAll(failing));
+    hasFailed = failing.HasFailed();
+    TagTrash(m_files, m_registry, m_clock).Recover();
+    EXPECT_EQ(Trashed().size() + Entries().size(), 2U) << call;
+    for (const TrashedTag& tag : Trashed()) {
+      EXPECT_EQ(TagTrash(m_files, m_registry, m_clock).Restore(tag), RestoreResult::kDone);
+    }
+  }
+}
+
+TEST_F(DeleteAllTagsTest, ReportsAKeyThatStays) {
+  PutTag(u"1");
+  bool saw = false;
+  for (std::size_t call = 1; call < 40 && !saw; ++call) {
+    m_failingRegistry.FailCall(call, Failing::kOnce, RegistryError::kBusy);
+    EXPECT_FALSE(DeleteAll().isDone);
+    ASSERT_FALSE(m_problems.empty());
+    EXPECT_THAT(Entries(), ElementsAre(u"1"));
+    saw = Files().empty();
+  }
+  EXPECT_TRUE(saw) << "The files went, and then the key did not.";
+  EXPECT_THAT(m_problems, ElementsAre(DeletionProblem::kFileInUse));
+}
+
+TEST_F(DeleteAllTagsTest, CountsWhatAFullDiskHadNoRoomToKeep) {
+  ASSERT_EQ(support::WriteWhole(m_files, WavePath(u"1"), std::string(50'000, 'w')),
+            FileError::kNone);
+  PutTag(u"2");
+  m_files.SetCapacity(60'000);
+  const DeletedAll deleted = DeleteAll();
+  EXPECT_TRUE(deleted.isDone);
+  EXPECT_EQ(deleted.destroyedCount, 1);
+  ASSERT_EQ(Trashed().size(), 1U);
+  EXPECT_EQ(Trashed()[0].item.parts.name, u"2");
+}
+
+}  // namespace storage

@@ -1,0 +1,432 @@
+#include "storage/tag_trash.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "platform/headless/memory_file_system.h"
+#include "platform/headless/memory_registry.h"
+#include "platform/headless/simulation.h"
+#include "storage/device_paths.h"
+#include "storage/registry_keys.h"
+#include "storage/store_contents.h"
+#include "storage/tag_record.h"
+#include "storage/tag_store.h"
+#include "tests/support/failing_file_system.h"
+#include "tests/support/failing_registry.h"
+#include "tests/support/file_bytes.h"
+#include "tests/support/registry_access.h"
+
+namespace storage {
+
+using platform::FileError;
+using platform::RegistryError;
+using support::Failing;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+constexpr std::uint32_t kDay = 24U * 60 * 60 * 1000;
+
+std::u16string EntryPath(std::u16string_view name) {
+  return std::u16string(kTagKey).append(u"\\").append(name);
+}
+
+class TagTrashTest : public testing::Test {
+ protected:
+  void SetUp() override { ASSERT_TRUE(CreateStoreFolders(m_files)); }
+
+  void PutTag(std::u16string_view name, std::size_t waveBytes = 1000) {
+    ASSERT_EQ(support::WriteWhole(m_files, WavePath(name), std::string(waveBytes, 'w')),
+              FileError::kNone);
+    ASSERT_EQ(support::WriteWhole(m_files, TemplatePath(name), "template"), FileError::kNone);
+    ASSERT_EQ(TagStore(m_files, m_registry).WriteEntry(name, -17, u"Mobile"), RegistryError::kNone);
+  }
+
+  /// Deletes a tag as a user of the store does: the copy first, then the parts in their order.
+  ItemResult Delete(platform::FileSystem& files, std::u16string_view name,
+                    DeletionReason by = DeletionReason::kDelete) {
+    const TagTrash trash(files, m_registry, m_clock);
+    Deletion deletion(trash, by);
+    TagParts parts;
+    if (!FindParts(files, m_registry, name, parts)) {
+      return ItemResult::kFailed;
+    }
+    const ItemResult kept = deletion.Keep(parts, u"Ann Lee 555 M");
+    if (kept == ItemResult::kDone && deletion.Seal()) {
+      static_cast<void>(TagStore(files, m_registry).Delete(name));
+    }
+    return kept;
+  }
+  ItemResult Delete(std::u16string_view name) { return Delete(m_files, name); }
+
+  [[nodiscard]] std::vector<TrashedTag> List() const {
+    std::vector<TrashedTag> tags;
+    EXPECT_TRUE(m_trash.List(tags));
+    return tags;
+  }
+  [[nodiscard]] std::vector<std::u16string> Names() const {
+    std::vector<std::u16string> names;
+    for (const TrashedTag& tag : List()) {
+      names.push_back(tag.item.parts.name);
+    }
+    return names;
+  }
+  [[nodiscard]] std::vector<std::u16string> TrashFiles() {
+    return support::FindNames(m_files, std::u16string(kTrashFolder) + u"\\*");
+  }
+
+  [[nodiscard]] bool HasTag(std::u16string_view name) {
+    return support::ReadWhole(m_files, WavePath(name)) == std::string(1000, 'w') &&
+           support::ReadWhole(m_files, TemplatePath(name)) == "template" &&
+           support::BytesOf(m_registry, EntryPath(name), u"contact") == ToTagValue(u"-17") &&
+           support::BytesOf(m_registry, EntryPath(name), u"phone type") == ToTagValue(u"Mobile");
+  }
+  [[nodiscard]] bool HasNothingOf(std::u16string_view name) {
+    return !support::ReadWhole(m_files, WavePath(name)) &&
+           !support::ReadWhole(m_files, TemplatePath(name)) &&
+           !support::KeyExists(m_registry, EntryPath(name));
+  }
+
+  /// The store as a killed process left it, after the next one looked after it.
+  void ExpectWholeOrInTrash(std::u16string_view name) {
+    m_trash.Recover();
+    if (HasTag(name)) {
+      EXPECT_THAT(Names(), IsEmpty());
+    } else {
+      EXPECT_TRUE(HasNothingOf(name));
+      ASSERT_THAT(Names(), ElementsAre(name));
+      EXPECT_EQ(m_trash.Restore(List().front()), RestoreResult::kDone);
+      EXPECT_TRUE(HasTag(name));
+    }
+    EXPECT_THAT(TrashFiles(), IsEmpty());
+  }
+
+  headless::MemoryFileSystem m_files;
+  headless::MemoryRegistry m_registry;
+  headless::Simulation m_clock;
+  TagTrash m_trash{m_files, m_registry, m_clock};
+};
+
+}  // namespace
+
+TEST_F(TagTrashTest, WithoutADeletionIsEmptyAndMakesNoFolder) {
+  EXPECT_THAT(List(), IsEmpty());
+  m_trash.Recover();
+  EXPECT_TRUE(m_trash.Empty());
+  EXPECT_EQ(m_files.FindFirst(kTrashFolder).error, FileError::kNotFound);
+}
+
+TEST_F(TagTrashTest, ListsWhatWasDeletedWithItsTextItsTimeAndItsReason) {
+  PutTag(u"100");
+  ASSERT_EQ(Delete(u"100"), ItemResult::kDone);
+  EXPECT_TRUE(HasNothingOf(u"100"));
+  const auto tags = List();
+  ASSERT_EQ(tags.size(), 1U);
+  EXPECT_EQ(tags[0].item.parts.name, u"100");
+  EXPECT_EQ(tags[0].item.text, u"Ann Lee 555 M");
+  EXPECT_EQ(tags[0].item.deletedAt, headless::Simulation::kStartTime);
+  EXPECT_EQ(tags[0].item.by, DeletionReason::kDelete);
+  EXPECT_THAT(TrashFiles(), ElementsAre(u"20261121T221005Z-01-0001.tar")) << "No mark is left.";
+}
+
+TEST_F(TagTrashTest, ListsTheLatestDeletionFirst) {
+  for (const auto* const name : {u"100", u"200", u"300"}) {
+    PutTag(name);
+    ASSERT_EQ(Delete(name), ItemResult::kDone);
+    m_clock.Sleep(name == std::u16string_view(u"100") ? 0 : 1000);
+  }
+  EXPECT_THAT(Names(), ElementsAre(u"300", u"200", u"100"));
+  EXPECT_NE(List()[1].deletion, List()[2].deletion) << "Two deletions of one second are two.";
+}
+
+TEST_F(TagTrashTest, RestoresATagByteForByteAndForgetsIt) {
+  PutTag(u"100");
+  ASSERT_EQ(support::Put(m_registry, EntryPath(u"100"), u"Another's \"value\"",
+                         platform::RegistryType::kBinary, {std::byte{1}, std::byte{0}}),
+            RegistryError::kNone);
+  ASSERT_EQ(Delete(u"100"), ItemResult::kDone);
+  ASSERT_EQ(m_trash.Restore(List().front()), RestoreResult::kDone);
+  EXPECT_TRUE(HasTag(u"100"));
+  EXPECT_EQ(support::BytesOf(m_registry, EntryPath(u"100"), u"Another's \"value\""),
+            (std::vector{std::byte{1}, std::byte{0}}));
+  EXPECT_THAT(TrashFiles(), IsEmpty());
+}
+
+TEST_F(TagTrashTest, RestoresIntoAStoreWithoutFolders) {
+  PutTag(u"100");
+  headless::MemoryFileSystem files;
+  headless::MemoryRegistry registry;
+  const TagTrash trash(files, registry, m_clock);
+  ASSERT_EQ(Delete(u"100"), ItemResult::kDone);
+  const std::u16string path = std::u16string(kTrashFolder) + u"\\" + List().front().file;
+  ASSERT_TRUE(files.PutFile(path, *m_files.GetFile(path)));
+  EXPECT_EQ(trash.Restore(List().front()), RestoreResult::kDone);
+  EXPECT_EQ(support::ReadWhole(files, TemplatePath(u"100")), "template");
+}
+
+TEST_F(TagTrashTest, KeepsATagWithoutFilesAndAFileWithoutATag) {
+  ASSERT_EQ(TagStore(m_files, m_registry).WriteEntry(u"100", 1, u"Car"), RegistryError::kNone);
+  ASSERT_EQ(support::WriteWhole(m_files, WavePath(u"orphan"), "w"), FileError::kNone);
+  ASSERT_EQ(Delete(u"100"), ItemResult::kDone);
+  ASSERT_EQ(Delete(u"orphan"), ItemResult::kDone);
+  EXPECT_TRUE(HasNothingOf(u"100") && HasNothingOf(u"orphan"));
+  for (const TrashedTag& tag : List()) {
+    EXPECT_EQ(m_trash.Restore(tag), RestoreResult::kDone);
+  }
+  EXPECT_TRUE(support::KeyExists(m_registry, EntryPath(u"100")));
+  EXPECT_EQ(support::ReadWhole(m_files, WavePath(u"orphan")), "w");
+}
+
+TEST_F(TagTrashTest, RestoresNothingOverWhatIsThere) {
+  PutTag(u"100");
+  ASSERT_EQ(Delete(u"100"), ItemResult::kDone);
+  ASSERT_EQ(support::WriteWhole(m_files, WavePath(u"100"), "new"), FileError::kNone);
+  EXPECT_EQ(m_trash.Restore(List().front()), RestoreResult::kExists);
+  ASSERT_EQ(m_files.Delete(WavePath(u"100")), FileError::kNone);
+  ASSERT_EQ(TagStore(m_files, m_registry).WriteEntry(u"100", 5, u"Car"), RegistryError::kNone);
+  EXPECT_EQ(m_trash.Restore(List().front()), RestoreResult::kExists);
+  EXPECT_FALSE(support::ReadWhole(m_files, TemplatePath(u"100")));
+  EXPECT_THAT(Names(), ElementsAre(u"100"));
+}
+
+TEST_F(TagTrashTest, RestoresNoMoreThanOneHundredTags) {
+  PutTag(u"9999");
+  ASSERT_EQ(Delete(u"9999"), ItemResult::kDone);
+  for (std::uint32_t i = 0; i < 100; ++i) {
+    ASSERT_EQ(TagStore(m_files, m_registry).WriteEntry(TagNameOfTickCount(i), 1, u"Car"),
+              RegistryError::kNone);
+  }
+  EXPECT_EQ(m_trash.Restore(List().front()), RestoreResult::kTooMany);
+  EXPECT_THAT(Names(), ElementsAre(u"9999"));
+  ASSERT_EQ(TagStore(m_files, m_registry).DeleteEntry(u"7"), RegistryError::kNone);
+  EXPECT_EQ(m_trash.Restore(List().front()), RestoreResult::kDone);
+}
+
+TEST_F(TagTrashTest, ADeletionThatIsKilledAnywhereLosesNothing) {
+  for (std::size_t call = 1;; ++call) {
+    SCOPED_TRACE(call);
+    PutTag(u"100");
+    support::FailingFileSystem failing(m_files);
+    failing.FailCall(call, Failing::kPowerFailure);
+    static_cast<void>(Delete(failing, u"100"));
+    ExpectWholeOrInTrash(u"100");
+    ASSERT_TRUE(HasTag(u"100"));
+    if (!failing.HasFailed()) {
+      ASSERT_GT(call, 10U);
+      break;
+    }
+  }
+}
+
+TEST_F(TagTrashTest, ADeletionWhoseCallsFailLosesNothing) {
+  for (const Failing failure : {Failing::kOnce, Failing::kFromThenOn}) {
+    for (std::size_t call = 1;; ++call) {
+      SCOPED_TRACE(call);
+      PutTag(u"100");
+      support::FailingFileSystem failing(m_files);
+      failing.FailCall(call, failure);
+      static_cast<void>(Delete(failing, u"100"));
+      ExpectWholeOrInTrash(u"100");
+      if (!failing.HasFailed()) {
+        break;
+      }
+    }
+  }
+}
+
+TEST_F(TagTrashTest, ARestorationThatIsKilledAnywhereLosesNothing) {
+  PutTag(u"100");
+  ASSERT_EQ(Delete(u"100"), ItemResult::kDone);
+  for (std::size_t call = 1;; ++call) {
+    SCOPED_TRACE(call);
+    support::FailingFileSystem failing(m_files);
+    const TagTrash trash(failing, m_registry, m_clock);
+    const TrashedTag tag = List().front();
+    failing.FailCall(call, Failing::kPowerFailure);
+    static_cast<void>(trash.Restore(tag));
+    ExpectWholeOrInTrash(u"100");
+    ASSERT_TRUE(HasTag(u"100"));
+    if (!failing.HasFailed()) {
+      ASSERT_GT(call, 10U);
+      break;
+    }
+    ASSERT_EQ(Delete(u"100"), ItemResult::kDone);
+  }
+}
+
+TEST_F(TagTrashTest, ARestorationThatFailsLeavesTheStoreAsItWas) {
+  PutTag(u"100");
+  ASSERT_EQ(Delete(u"100"), ItemResult::kDone);
+  support::FailingRegistry failing(m_registry);
+  const TagTrash trash(m_files, failing, m_clock);
+  bool hasFailed = true;
+  for (std::size_t call = 1; hasFailed; ++call) {
+    SCOPED_TRACE(call);
+    failing.FailCall(call, Failing::kOnce, RegistryError::kFull);
+    const RestoreResult result = trash.Restore(List().front());
+    hasFailed = failing.HasFailed();
+    if (result == RestoreResult::kDone) {
+      EXPECT_TRUE(HasTag(u"100"));
+      break;
+    }
+    m_trash.Recover();
+    EXPECT_TRUE(HasNothingOf(u"100"));
+    EXPECT_THAT(Names(), ElementsAre(u"100"));
+  }
+  EXPECT_TRUE(HasTag(u"100"));
+}
+
+TEST_F(TagTrashTest, ATagThatIsStillWholeIsNotInTheTrash) {
+  PutTag(u"100");
+  {
+    Deletion deletion(m_trash, DeletionReason::kDelete);
+    TagParts parts;
+    ASSERT_TRUE(FindParts(m_files, m_registry, u"100", parts));
+    ASSERT_EQ(deletion.Keep(parts, u""), ItemResult::kDone);
+    EXPECT_THAT(Names(), IsEmpty());
+    ASSERT_EQ(m_files.Delete(WavePath(u"100")), FileError::kNone);
+    EXPECT_THAT(Names(), ElementsAre(u"100")) << "From here on only the copy is whole.";
+    ASSERT_EQ(support::WriteWhole(m_files, WavePath(u"100"), std::string(1000, 'w')),
+              FileError::kNone);
+  }
+  EXPECT_TRUE(HasTag(u"100"));
+  EXPECT_THAT(TrashFiles(), IsEmpty()) << "Nothing went, so no copy is needed.";
+}
+
+TEST_F(TagTrashTest, AHalfDeletedTagIsKeptOnceAndFinishedLater) {
+  PutTag(u"100");
+  const auto held =
+      m_files.Open(TemplatePath(u"100"), {platform::FileAccess::kRead, platform::FileShare::kRead,
+                                          platform::FileCreation::kOpenExisting});
+  ASSERT_EQ(Delete(u"100"), ItemResult::kDone);
+  EXPECT_TRUE(support::KeyExists(m_registry, EntryPath(u"100")));
+  m_trash.Recover();
+  ASSERT_EQ(Delete(u"100"), ItemResult::kDone);
+  EXPECT_THAT(Names(), ElementsAre(u"100"));
+  ASSERT_EQ(held.file->Close(), FileError::kNone);
+  ExpectWholeOrInTrash(u"100");
+}
+
+TEST_F(TagTrashTest, AFileThatIsHeldAloneCannotBeKept) {
+  PutTag(u"100");
+  const auto recording = m_files.Open(WavePath(u"100"), {});
+  EXPECT_EQ(Delete(u"100"), ItemResult::kRecordingInUse);
+  ASSERT_EQ(recording.file->Close(), FileError::kNone);
+  const auto voiceTemplate = m_files.Open(TemplatePath(u"100"), {});
+  EXPECT_EQ(Delete(u"100"), ItemResult::kTemplateInUse);
+  ASSERT_EQ(voiceTemplate.file->Close(), FileError::kNone);
+  EXPECT_TRUE(HasTag(u"100"));
+  EXPECT_THAT(TrashFiles(), IsEmpty());
+}
+
+TEST_F(TagTrashTest, WhatIsOlderThanThirtyDaysGoes) {
+  PutTag(u"100");
+  ASSERT_EQ(Delete(u"100"), ItemResult::kDone);
+  m_clock.Sleep(15 * kDay);
+  PutTag(u"200");
+  ASSERT_EQ(Delete(u"200"), ItemResult::kDone);
+  m_clock.Sleep(15 * kDay);
+  m_trash.Recover();
+  EXPECT_THAT(Names(), ElementsAre(u"200", u"100"));
+  m_clock.Sleep(1000);
+  m_trash.Recover();
+  EXPECT_THAT(Names(), ElementsAre(u"200"));
+}
+
+TEST_F(TagTrashTest, TheOldestGoesBeyondOneHundredMegabytes) {
+  for (const auto* const name : {u"100", u"200", u"300"}) {
+    PutTag(name, 40'000'000);
+    ASSERT_EQ(Delete(name), ItemResult::kDone);
+    m_clock.Sleep(1000);
+  }
+  EXPECT_THAT(Names(), ElementsAre(u"300", u"200"));
+}
+
+TEST_F(TagTrashTest, TheLatestDeletionIsKeptWhateverItsSize) {
+  PutTag(u"100", 101'000'000);
+  ASSERT_EQ(Delete(u"100"), ItemResult::kDone);
+  m_trash.Recover();
+  EXPECT_THAT(Names(), ElementsAre(u"100"));
+}
+
+TEST_F(TagTrashTest, AFullDiskEmptiesTheTrashFirst) {
+  PutTag(u"100", 50'000);
+  ASSERT_EQ(Delete(u"100"), ItemResult::kDone);
+  PutTag(u"200", 40'000);
+  m_files.SetCapacity(100'000);
+  EXPECT_EQ(Delete(u"200"), ItemResult::kDone);
+  EXPECT_THAT(Names(), ElementsAre(u"200"));
+}
+
+TEST_F(TagTrashTest, ADiskThatStaysFullKeepsNothing) {
+  PutTag(u"100", 50'000);
+  m_files.SetCapacity(60'000);
+  EXPECT_EQ(Delete(u"100"), ItemResult::kFull);
+  EXPECT_THAT(TrashFiles(), IsEmpty());
+}
+
+TEST_F(TagTrashTest, ACleanUpEmptiesNoTrash) {
+  PutTag(u"100", 50'000);
+  ASSERT_EQ(Delete(u"100"), ItemResult::kDone);
+  PutTag(u"200", 40'000);
+  m_files.SetCapacity(100'000);
+  EXPECT_EQ(Delete(m_files, u"200", DeletionReason::kCleanUp), ItemResult::kFull);
+  EXPECT_THAT(Names(), ElementsAre(u"100"));
+}
+
+TEST_F(TagTrashTest, IsEmptiedOnDemand) {
+  for (const auto* const name : {u"100", u"200"}) {
+    PutTag(name);
+    ASSERT_EQ(Delete(name), ItemResult::kDone);
+  }
+  EXPECT_TRUE(m_trash.Empty());
+  EXPECT_THAT(TrashFiles(), IsEmpty());
+}
+
+TEST_F(TagTrashTest, ATornFileInItIsPassedOver) {
+  PutTag(u"100");
+  ASSERT_EQ(Delete(u"100"), ItemResult::kDone);
+  const std::u16string torn = std::u16string(kTrashFolder) + u"\\20261121T221005Z-07-0001.tar";
+  for (const char* const content : {"", "torn", "deleted 1\nby nobody\n"}) {
+    ASSERT_EQ(support::WriteWhole(m_files, torn, content), FileError::kNone);
+    m_trash.Recover();
+    EXPECT_THAT(Names(), ElementsAre(u"100"));
+  }
+  EXPECT_TRUE(m_trash.Empty());
+  EXPECT_THAT(TrashFiles(), IsEmpty());
+}
+
+TEST_F(TagTrashTest, TellsThatItCannotBeRead) {
+  support::FailingFileSystem failing(m_files);
+  const TagTrash trash(failing, m_registry, m_clock);
+  failing.FailCall(1, Failing::kFromThenOn);
+  std::vector<TrashedTag> tags;
+  EXPECT_FALSE(trash.List(tags));
+  EXPECT_FALSE(trash.Empty());
+}
+
+using FreeTagNameTest = TagTrashTest;
+
+TEST_F(FreeTagNameTest, IsTheTickCountOrTheNextOneThatNothingHas) {
+  const auto name = [this](std::uint32_t tick) {
+    return FreeTagName(m_files, m_registry, m_trash, tick);
+  };
+  EXPECT_EQ(name(100), u"100");
+  PutTag(u"100");
+  ASSERT_EQ(support::WriteWhole(m_files, WavePath(u"101"), "w"), FileError::kNone);
+  ASSERT_EQ(support::WriteWhole(m_files, TemplatePath(u"102"), "t"), FileError::kNone);
+  ASSERT_EQ(TagStore(m_files, m_registry).WriteEntry(u"103", 1, u"Car"), RegistryError::kNone);
+  PutTag(u"104");
+  ASSERT_EQ(Delete(u"104"), ItemResult::kDone);
+  EXPECT_EQ(name(100), u"105");
+}
+
+TEST_F(FreeTagNameTest, GoesOnFromTheLargestTickCountToTheSmallest) {
+  PutTag(u"2147483647");
+  PutTag(u"-1");
+  EXPECT_EQ(FreeTagName(m_files, m_registry, m_trash, 0x7FFF'FFFFU), u"-2147483648");
+  EXPECT_EQ(FreeTagName(m_files, m_registry, m_trash, 0xFFFF'FFFFU), u"0");
+}
+
+}  // namespace storage
