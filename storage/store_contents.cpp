@@ -80,6 +80,7 @@ bool KeepAll(Deletion& deletion, const std::vector<TagParts>& all,
         break;
       case ItemResult::kRecordingInUse:
       case ItemResult::kTemplateInUse:
+      case ItemResult::kEntryUnread:
         report(DeletionProblem::kFileInUse);
         return false;
       case ItemResult::kFailed:

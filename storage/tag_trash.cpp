@@ -73,6 +73,13 @@ bool IsMarked(const std::vector<std::u16string>& names, std::u16string_view item
 /// What is there no more was deleted.
 bool IsGone(FileError error) { return error == FileError::kNone || error == FileError::kNotFound; }
 
+std::uint64_t LengthOf(platform::FileSystem& files, std::u16string_view name) {
+  const platform::OpenedFile opened =
+      files.Open(InTrash(name), {platform::FileAccess::kRead, platform::FileShare::kRead,
+                                 platform::FileCreation::kOpenExisting});
+  return opened.file ? opened.file->GetLength().value_or(0) : 0;
+}
+
 std::u16string TemplateFilePath(std::u16string_view file) {
   return std::u16string(kTemplateFolder).append(u"\\").append(file);
 }
@@ -117,8 +124,8 @@ bool TagTrash::List(std::vector<TrashedTag>& tags) const {
 
 void TagTrash::Recover() const {
   std::vector<std::u16string> names;
-  if (!ListFiles(names)) {
-    return;  // Whoever lists the trash reports it.
+  if (!ListFiles(names) || names.empty()) {
+    return;  // Whoever lists the trash reports that it cannot be read.
   }
   for (const std::u16string& name : names) {
     if (name.ends_with(kRestoringEnd)) {
@@ -208,10 +215,7 @@ void TagTrash::RemoveOld(const std::vector<std::u16string>& names) const {
   }
   std::uint64_t bytes = 0;
   for (const TrashedTag& tag : tags) {
-    const platform::OpenedFile file =
-        m_files.Open(InTrash(tag.file), {platform::FileAccess::kRead, platform::FileShare::kRead,
-                                         platform::FileCreation::kOpenExisting});
-    bytes += file.file ? file.file->GetLength().value_or(0) : 0;
+    bytes += LengthOf(m_files, tag.file);
     const bool isLatest = tag.deletion == tags.front().deletion;
     const bool isTooMuch = bytes > kKeptBytes && !isLatest;
     const bool isTooOld = tag.item.deletedAt < now - kKeptSeconds;

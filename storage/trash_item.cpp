@@ -152,7 +152,7 @@ ItemResult AddFile(platform::FileSystem& files, TarWriter& tar, std::string_view
 ItemResult AddEntry(platform::Registry& registry, TarWriter& tar, std::u16string_view name) {
   std::vector<std::byte> entry;
   const RegistryError read = WriteRegistryFile(registry, entry, EntryPath(name));
-  return read == RegistryError::kNone ? ToResult(tar.Add(kEntry, entry)) : ToResult(read);
+  return read == RegistryError::kNone ? ToResult(tar.Add(kEntry, entry)) : ItemResult::kEntryUnread;
 }
 
 ItemResult WriteParts(platform::FileSystem& files, platform::Registry& registry, TarWriter& tar,

@@ -54,6 +54,7 @@ enum class ItemResult : std::uint8_t {
   kDone,
   kRecordingInUse,  ///< Another program has the recording open for itself.
   kTemplateInUse,   ///< Likewise the template.
+  kEntryUnread,     ///< The registry cannot be asked.
   kFull,            ///< The disk is full.
   kFailed,          ///< Anything else.
 };

@@ -83,6 +83,7 @@ Page_one::LoadedTag Page_one::DeleteStaleTag(std::u16string_view tagName) {
     case storage::ItemResult::kTemplateInUse:
       ShowBox(resources::kStaleTemplateNotDeleted);
       return LoadedTag::kFailed;
+    case storage::ItemResult::kEntryUnread:
     case storage::ItemResult::kFull:
     case storage::ItemResult::kFailed:
       // Nobody asked for this deletion, so nothing is destroyed by it.
@@ -159,13 +160,13 @@ bool Page_one::DeleteTagOfLine(std::size_t line) {
   const storage::ItemResult kept =
       isFound ? deletion.Keep(parts, GetWindow().GetItemText(resources::kTagListId,
                                                              static_cast<std::int32_t>(line)))
-              : storage::ItemResult::kFailed;
-  if (kept == storage::ItemResult::kRecordingInUse || kept == storage::ItemResult::kTemplateInUse) {
-    ShowBox(resources::kTagInUse);
-    return false;
-  }
+              : storage::ItemResult::kEntryUnread;
   if (kept == storage::ItemResult::kFailed || !deletion.Seal()) {
     ShowBox(resources::kNotKept);
+    return false;
+  }
+  if (kept != storage::ItemResult::kDone && kept != storage::ItemResult::kFull) {
+    ShowBox(resources::kTagInUse);
     return false;
   }
   if (m_store.DeleteWaveFile(tagName) != platform::FileError::kNone ||

@@ -7,6 +7,7 @@
 #include "platform/headless/memory_registry.h"
 #include "platform/headless/simulation.h"
 #include "storage/device_paths.h"
+#include "storage/folders.h"
 #include "storage/registry_keys.h"
 #include "storage/tag_store.h"
 #include "tests/support/failing_file_system.h"

@@ -299,20 +299,45 @@ TEST_F(TagStoreDeletion, AnEntryThatCannotBeDeletedStays) {
   EXPECT_THAT(m_files.ListFiles(), IsEmpty());
 }
 
-TEST_F(TagStoreDeletion, AFileThatIsMissingCannotBeDeletedEither) {
+TEST_F(TagStoreDeletion, WhatIsMissingCountsAsDeleted) {
   PutTag(u"1");
   ASSERT_EQ(m_files.Delete(WavePath(u"1")), FileError::kNone);
-  EXPECT_EQ(m_store.Delete(u"1"), TagDeletion::kWaveFailed);
-  EXPECT_EQ(m_store.DeleteWaveFile(u"1"), FileError::kNotFound);
+  ASSERT_EQ(m_files.Delete(TemplatePath(u"1")), FileError::kNone);
+  EXPECT_EQ(m_store.Delete(u"1"), TagDeletion::kDone);
+  EXPECT_THAT(Names(), IsEmpty());
+  EXPECT_EQ(m_store.Delete(u"1"), TagDeletion::kDone);
+  EXPECT_EQ(m_store.DeleteWaveFile(u"1"), FileError::kNone);
+  EXPECT_EQ(m_store.DeleteAllEntries(), RegistryError::kNone);
+  EXPECT_EQ(m_store.DeleteAllEntries(), RegistryError::kNone);
 }
 
 TEST_F(TagStoreDeletion, NamesOfAnotherHandReachNoOtherFile) {
   PutTag(u"1");
   ASSERT_TRUE(m_files.PutFile(u"\\secret.wav", {}));
   for (const auto* const name : {u"*", u"?", u"../../../../secret", u"x/1", u"..", u""}) {
-    EXPECT_NE(m_store.Delete(name), TagDeletion::kDone);
+    static_cast<void>(m_store.Delete(name));
   }
   EXPECT_EQ(m_files.ListFiles().size(), 3U);
+  EXPECT_THAT(Names(), ElementsAre(u"1"));
+}
+
+TEST_F(TagStoreEntries, AreListedWhateverTheLengthOfTheirNames) {
+  const std::u16string longName(200, u'n');
+  PutTag(u"2");
+  PutTag(longName);
+  PutTag(u"1");
+  std::vector<std::u16string> names;
+  ASSERT_EQ(m_store.ListNames(names), RegistryError::kNone);
+  EXPECT_THAT(names, ElementsAre(u"2", longName, u"1"));
+}
+
+TEST_F(TagStoreEntries, AListThatCannotBeReadIsNoEmptyOne) {
+  PutTag(u"1");
+  std::vector<std::u16string> names;
+  for (const std::size_t call : {1U, 2U, 3U}) {
+    m_failingRegistry.FailCall(call, Failing::kOnce, RegistryError::kBusy);
+    EXPECT_EQ(m_store.ListNames(names), RegistryError::kBusy) << call;
+  }
 }
 
 using TagStoreRecordings = TagStoreTest;

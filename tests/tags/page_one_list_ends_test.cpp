@@ -1,5 +1,6 @@
 // The list of learned tags where one of them cannot be read.
 
+#include "tests/support/forwarding_registry.h"
 #include "tests/tags/watched_page.h"
 
 namespace {
@@ -8,26 +9,16 @@ using Texts = std::vector<std::u16string>;
 using namespace resources;
 
 /// A registry one of whose keys cannot be opened.
-class UnopenableKey final : public platform::Registry {
+class UnopenableKey final : public support::ForwardingRegistry {
  public:
   UnopenableKey(platform::Registry& inner, std::u16string_view path)
-      : m_inner(inner), m_path(path) {}
+      : ForwardingRegistry(inner), m_path(path) {}
 
   [[nodiscard]] platform::OpenedKey OpenKey(std::u16string_view path) override {
-    return path == m_path ? platform::OpenedKey{} : m_inner.OpenKey(path);
+    return path == m_path ? platform::OpenedKey{} : ForwardingRegistry::OpenKey(path);
   }
-  [[nodiscard]] platform::OpenedKey CreateKey(std::u16string_view path) override {
-    return m_inner.CreateKey(path);
-  }
-  [[nodiscard]] platform::RegistryError DeleteKey(std::u16string_view path) override {
-    return m_inner.DeleteKey(path);
-  }
-  [[nodiscard]] platform::RegistryError BeginGroup() override { return m_inner.BeginGroup(); }
-  [[nodiscard]] platform::RegistryError CommitGroup() override { return m_inner.CommitGroup(); }
-  void CancelGroup() override { m_inner.CancelGroup(); }
 
  private:
-  platform::Registry& m_inner;
   const std::u16string_view m_path;
 };
 

@@ -1,5 +1,5 @@
 #include "tests/support/failing_file_system.h"
-#include "tests/support/failing_registry.h"
+#include "tests/support/forwarding_registry.h"
 #include "tests/tags/page_fixture.h"
 
 namespace {
@@ -7,16 +7,40 @@ namespace {
 using Texts = std::vector<std::u16string>;
 using namespace resources;
 
+/// A registry whose keys can be read and, for a time, not be deleted.
+class LastingKeys final : public support::ForwardingRegistry {
+ public:
+  using ForwardingRegistry::ForwardingRegistry;
+  platform::RegistryError DeleteKey(std::u16string_view path) override {
+    return isLasting ? platform::RegistryError::kBusy : ForwardingRegistry::DeleteKey(path);
+  }
+  bool isLasting = true;
+};
+
 class PageOneList : public PageFixture {
  protected:
   void Refuse() {
     m_machine.ui.SetAnswerer(
         [](const platform::MessageBox&) { return platform::MessageAnswer::kCancel; });
   }
-  /// Keeps a file open, as the companion dialer does.
+  /// Reads a file, as the companion dialer does.
   void Hold(const std::u16string& path) {
+    m_held = m_machine.files
+                 .Open(path, {platform::FileAccess::kRead, platform::FileShare::kRead,
+                              platform::FileCreation::kOpenExisting})
+                 .file;
+    ASSERT_NE(m_held, nullptr);
+  }
+  /// Has a file for itself alone, so that nobody can even read it.
+  void HoldAlone(const std::u16string& path) {
     m_held = m_machine.files.Open(path, {}).file;
     ASSERT_NE(m_held, nullptr);
+  }
+
+  /// Before what the page was opened on goes.
+  void Close() {
+    m_dialog.reset();
+    m_page.reset();
   }
 
   std::unique_ptr<platform::File> m_held;
@@ -62,19 +86,45 @@ TEST_F(PageOneList, AStaleTagThatCannotBeDeletedEndsTheLoad) {
 }
 
 TEST_F(PageOneList, AStaleEntryThatCannotBeDeletedEndsTheLoad) {
-  PutTag(u"200", 999, u"Mobile");
-  support::FailingRegistry failing(m_machine.registry);
-  bool saw = false;
-  for (std::size_t call = 1; call < 30 && !saw; ++call) {
-    if (!HasFile(storage::WavePath(u"200"))) {
-      PutTag(u"200", 999, u"Mobile");
-    }
-    failing.FailCall(call, support::Failing::kOnce);
-    OpenOn(m_machine.GetWith(m_machine.files, failing));
-    saw = !GetMessages().empty() && GetMessages().back() == u"Error in 33";
-  }
-  EXPECT_TRUE(saw);
+  PutTag(u"100", 999, u"Mobile");
+  PutTag(u"200", kAnn, u"Mobile");
+  LastingKeys registry(m_machine.registry);
+  EXPECT_EQ(OpenOn(m_machine.GetWith(m_machine.files, registry)).GetItemCount(kTagListId), 0);
+  EXPECT_EQ(GetMessages(), Texts{u"Error in 33"});
+  EXPECT_EQ(GetEntries(), (Texts{u"100", u"200"}));
+  Close();
+}
+
+TEST_F(PageOneList, AStaleTagThatIsHeldAloneEndsTheLoadToo) {
+  PutTag(u"100", 999, u"Mobile");
+  HoldAlone(storage::WavePath(u"100"));
+  Open();
+  m_held.reset();
+  HoldAlone(storage::TemplatePath(u"100"));
+  Open();
+  EXPECT_EQ(GetMessages(), (Texts{u"Error in 11", u"Error in 22"}));
+  EXPECT_TRUE(HasFile(storage::WavePath(u"100"))) << "What cannot be copied does not go.";
+}
+
+TEST_F(PageOneList, AStaleTagWithoutARecordingHidesNoOther) {
+  PutTag(u"100", 999, u"Mobile");
+  PutTag(u"200", kAnn, u"Mobile");
+  ASSERT_EQ(m_machine.files.Delete(storage::WavePath(u"100")), platform::FileError::kNone);
+  EXPECT_EQ(Open().GetItems(kTagListId), Texts{u"Ann Lee 5551234 M"});
   EXPECT_EQ(GetEntries(), Texts{u"200"});
+  EXPECT_TRUE(GetMessages().empty());
+}
+
+TEST_F(PageOneList, AStaleTagThatTheTrashCannotTakeStaysWithoutALine) {
+  PutTag(u"100", 999, u"Mobile");
+  PutTag(u"200", kAnn, u"Mobile");
+  m_machine.files.SetCapacity(0);
+  const auto& dialog = Open();
+  EXPECT_EQ(dialog.GetItems(kTagListId), Texts{u"Ann Lee 5551234 M"});
+  EXPECT_EQ(GetEntries(), (Texts{u"100", u"200"}));
+  EXPECT_TRUE(HasFile(storage::WavePath(u"100")));
+  EXPECT_EQ(dialog.GetText(kCountLabelId), u"Learned commands: 2");
+  EXPECT_TRUE(GetMessages().empty());
 }
 
 TEST_F(PageOneList, ATagOfContactsThatAreAwayStaysUnderItsOwnName) {
@@ -196,18 +246,177 @@ TEST_F(PageOneList, DeleteOfATemplateInUseHasLostTheRecordingAlready) {
   EXPECT_EQ(GetEntries(), Texts{u"100"});
 }
 
+TEST_F(PageOneList, DeleteOfATagThatIsHeldAloneChangesNothing) {
+  PutTag(u"100", kAnn, u"Mobile");
+  auto& dialog = Open();
+  for (const std::u16string& path : {storage::WavePath(u"100"), storage::TemplatePath(u"100")}) {
+    HoldAlone(path);
+    dialog.Choose(kTagListId, 0);
+    dialog.Press(kDeleteButtonId);
+    EXPECT_EQ(GetMessages().back(), u"The tag is in use. Try to delete it later.");
+    m_held.reset();
+    EXPECT_TRUE(HasFile(storage::WavePath(u"100")) && HasFile(storage::TemplatePath(u"100")));
+  }
+  EXPECT_EQ(GetEntries(), Texts{u"100"});
+}
+
 TEST_F(PageOneList, DeleteWhoseEntryStaysKeepsTheLineButNotTheRecord) {
   PutTag(u"100", kAnn, u"Mobile");
   PutTag(u"200", kBob, u"Home");
-  support::FailingRegistry failing(m_machine.registry);
-  auto& dialog = OpenOn(m_machine.GetWith(m_machine.files, failing));
+  LastingKeys registry(m_machine.registry);
+  auto& dialog = OpenOn(m_machine.GetWith(m_machine.files, registry));
   dialog.Choose(kTagListId, 0);
-  failing.FailCall(1, support::Failing::kFromThenOn);
   dialog.Press(kDeleteButtonId);
   EXPECT_EQ(GetMessages().back(), u"The tag is in use. Try to delete it later.");
   EXPECT_EQ(dialog.GetItemCount(kTagListId), 2);
   EXPECT_EQ(m_page->GetTags().tagCount, 1);
   EXPECT_EQ(m_page->GetTags().GetRecord(0)->GetTagName(), u"200");
+
+  // The line still stands for its tag: a second press finishes the work, and counts nothing twice.
+  registry.isLasting = false;
+  dialog.Press(kDeleteButtonId);
+  EXPECT_EQ(dialog.GetItems(kTagListId), Texts{u"Bob Ray 5550001 H"});
+  EXPECT_EQ(GetEntries(), Texts{u"200"});
+  EXPECT_EQ(m_page->GetTags().tagCount, 1);
+  EXPECT_TRUE(HasFile(storage::WavePath(u"200")) && HasFile(storage::TemplatePath(u"200")));
+  Close();
+}
+
+TEST_F(PageOneList, AnInterruptedDeleteIsFinishedByASecondPress) {
+  PutTag(u"100", kAnn, u"Mobile");
+  auto& dialog = Open();
+  dialog.Choose(kTagListId, 0);
+  Hold(storage::TemplatePath(u"100"));
+  dialog.Press(kDeleteButtonId);
+  m_held.reset();
+  dialog.Press(kDeleteButtonId);
+  EXPECT_TRUE(GetEntries().empty());
+  EXPECT_EQ(dialog.GetItemCount(kTagListId), 0);
+  EXPECT_EQ(m_page->GetTags().tagCount, 0);
+}
+
+TEST_F(PageOneList, AMissingRecordingIsNotInUse) {
+  PutTag(u"100", kAnn, u"Mobile");
+  ASSERT_EQ(m_machine.files.Delete(storage::WavePath(u"100")), platform::FileError::kNone);
+  auto& dialog = Open();
+  dialog.Choose(kTagListId, 0);
+  dialog.Press(kDeleteButtonId);
+  EXPECT_EQ(GetMessages(), Texts{u"The tag will be deleted!"});
+  EXPECT_TRUE(GetEntries().empty());
+}
+
+TEST_F(PageOneList, ALineStandsForItsTagAfterAStaleOneWasRemoved) {
+  PutTag(u"100", kAnn, u"Mobile");
+  PutTag(u"200", 999, u"Mobile");
+  auto& dialog = Open();
+  dialog.Press(kRecordButtonId);
+  dialog.Press(kRecordButtonId);
+  const Texts entries = GetEntries();
+  ASSERT_EQ(entries.size(), 3U);
+  dialog.Choose(kTagListId, 2);
+  dialog.Press(kPlayButtonId);
+  EXPECT_EQ(m_machine.waveOut.GetPlayed().back().bytes.size() + 44,
+            m_machine.files.GetFile(storage::WavePath(entries[2]))->size());
+  dialog.Press(kDeleteButtonId);
+  EXPECT_EQ(GetEntries(), (Texts{entries[0], entries[1]}));
+  EXPECT_TRUE(HasFile(storage::WavePath(entries[1])));
+  EXPECT_FALSE(HasFile(storage::WavePath(entries[2])));
+}
+
+TEST_F(PageOneList, ALineStandsForItsTagAfterOneThatWasStoredAndNotListed) {
+  auto& dialog = Open();
+  m_machine.contacts.SetLookup(kAnn, platform::ContactLookup::kFailed);
+  dialog.Press(kRecordButtonId);
+  dialog.Choose(kContactComboId, 1);
+  dialog.Press(kRecordButtonId);
+  const Texts entries = GetEntries();
+  ASSERT_EQ(entries.size(), 2U);
+  ASSERT_EQ(dialog.GetItems(kTagListId), Texts{u"Bob Ray 5550001 H"});
+  dialog.Choose(kTagListId, 0);
+  dialog.Press(kDeleteButtonId);
+  EXPECT_EQ(GetEntries(), Texts{entries[0]}) << "The one without a line is still there.";
+  EXPECT_EQ(m_page->GetTags().GetRecord(0)->GetTagName(), entries[0]);
+  EXPECT_EQ(dialog.GetText(kCountLabelId), u"Learned commands: 1");
+}
+
+TEST_F(PageOneList, ALineWhoseEntryCouldNotBeReadStandsForItsTagAsWell) {
+  const std::u16string longName(30, u'7');
+  PutTag(longName, kAnn, u"Mobile");
+  PutTag(u"200", kBob, u"Home");
+  auto& dialog = Open();
+  dialog.Choose(kTagListId, 0);
+  dialog.Press(kDeleteButtonId);
+  EXPECT_EQ(GetEntries(), Texts{u"200"}) << "A record holds the first 19 units of a name alone.";
+}
+
+TEST_F(PageOneList, WhatIsDeletedGoesToTheTrashUnderItsLine) {
+  PutTag(u"100", kAnn, u"Mobile");
+  PutTag(u"200", kBob, u"Home");
+  PutTag(u"300", 999, u"Home");
+  auto& dialog = Open();
+  dialog.Choose(kTagListId, 0);
+  dialog.Press(kDeleteButtonId);
+  dialog.Press(kDeleteAllButtonId);
+  std::vector<storage::TrashedTag> tags;
+  ASSERT_TRUE(
+      storage::TagTrash(m_machine.files, m_machine.registry, m_machine.simulation).List(tags));
+  ASSERT_EQ(tags.size(), 3U);
+  EXPECT_EQ(tags[0].item.text, u"Bob Ray 5550001 H");
+  EXPECT_EQ(tags[0].item.by, storage::DeletionReason::kDeleteAll);
+  EXPECT_EQ(tags[1].item.text, u"Ann Lee 5551234 M");
+  EXPECT_EQ(tags[1].item.by, storage::DeletionReason::kDelete);
+  EXPECT_EQ(tags[2].item.parts.name, u"300");
+  EXPECT_EQ(tags[2].item.by, storage::DeletionReason::kCleanUp);
+}
+
+TEST_F(PageOneList, OpeningFinishesADeletionThatWasKilled) {
+  PutTag(u"100", kAnn, u"Mobile");
+  PutTag(u"200", kBob, u"Home");
+  auto& dialog = Open();
+  support::FailingFileSystem failing(m_machine.files);
+  const storage::TagTrash trash(failing, m_machine.registry, m_machine.simulation);
+  {
+    storage::Deletion deletion(trash, storage::DeletionReason::kDelete);
+    storage::TagParts parts;
+    ASSERT_TRUE(storage::FindParts(failing, m_machine.registry, u"100", parts));
+    ASSERT_EQ(deletion.Keep(parts, u"Ann Lee 5551234 M"), storage::ItemResult::kDone);
+    ASSERT_EQ(failing.Delete(storage::WavePath(u"100")), platform::FileError::kNone);
+    failing.FailCall(1, support::Failing::kPowerFailure);
+  }
+  ASSERT_TRUE(HasFile(storage::TemplatePath(u"100")));
+  EXPECT_EQ(dialog.GetItemCount(kTagListId), 2);
+  EXPECT_EQ(Open().GetItems(kTagListId), Texts{u"Bob Ray 5550001 H"});
+  EXPECT_EQ(GetEntries(), Texts{u"200"});
+  EXPECT_FALSE(HasFile(storage::TemplatePath(u"100")));
+}
+
+TEST_F(PageOneList, ATagThatAFullDiskCannotKeepIsDestroyedWithAMessage) {
+  PutTag(u"100", kAnn, u"Mobile");
+  PutTag(u"200", kBob, u"Home");
+  auto& dialog = Open();
+  m_machine.files.SetCapacity(0);
+  dialog.Choose(kTagListId, 0);
+  dialog.Press(kDeleteButtonId);
+  EXPECT_EQ(GetMessages(), (Texts{u"The tag will be deleted!", std::u16string(kTagDestroyed)}));
+  EXPECT_EQ(GetEntries(), Texts{u"200"});
+  dialog.Press(kDeleteAllButtonId);
+  EXPECT_EQ(GetMessages().back(),
+            u"The disk is full: 1 of the deleted tags could not be kept in the trash. They cannot "
+            u"be restored.");
+  EXPECT_TRUE(GetEntries().empty());
+}
+
+TEST_F(PageOneList, ATagThatTheTrashCannotTakeIsNotDeleted) {
+  PutTag(u"100", kAnn, u"Mobile");
+  auto& dialog = Open();
+  ASSERT_TRUE(m_machine.files.PutFile(storage::kTrashFolder, {})) << "A file is in its place.";
+  dialog.Choose(kTagListId, 0);
+  dialog.Press(kDeleteButtonId);
+  EXPECT_EQ(GetMessages().back(), kNotKept);
+  dialog.Press(kDeleteAllButtonId);
+  EXPECT_EQ(GetMessages().back(), kNotKept);
+  EXPECT_EQ(GetEntries(), Texts{u"100"});
+  EXPECT_TRUE(HasFile(storage::WavePath(u"100")) && HasFile(storage::TemplatePath(u"100")));
 }
 
 TEST_F(PageOneList, DeleteAllEmptiesEverything) {
@@ -254,39 +463,53 @@ TEST_F(PageOneList, DeleteAllReportsAFileInUseAndGoesOn) {
   EXPECT_EQ(dialog.GetItemCount(kTagListId), 0);
 }
 
-TEST_F(PageOneList, DeleteAllWhoseSearchFailsSaysErrorAndGoesOn) {
+TEST_F(PageOneList, DeleteAllWhoseSearchFailsSaysErrorAndKeepsEverything) {
   PutTag(u"100", kAnn, u"Mobile");
   PutTag(u"200", kBob, u"Home");
   support::FailingFileSystem failing(m_machine.files);
-  bool saw = false;
-  for (std::size_t call = 1; call < 12 && !saw; ++call) {
-    PutTag(u"100", kAnn, u"Mobile");
-    PutTag(u"200", kBob, u"Home");
-    auto& dialog = OpenOn(m_machine.GetWith(failing, m_machine.registry));
-    failing.FailCall(call, support::Failing::kOnce);
-    dialog.Press(kDeleteAllButtonId);
-    for (const auto& shown : m_machine.ui.GetMessages()) {
-      if (shown.box.text == u"ERROR") {
-        saw = true;
-        EXPECT_EQ(shown.box.captionKind, platform::MessageCaption::kNone);
-        EXPECT_EQ(shown.box.style, platform::MessageStyle::kOk);
-      }
-    }
-    EXPECT_TRUE(GetEntries().empty());
-  }
-  EXPECT_TRUE(saw);
+  auto& dialog = OpenOn(m_machine.GetWith(failing, m_machine.registry));
+  // The trash is looked at first.
+  failing.FailCall(2, support::Failing::kOnce);
+  dialog.Press(kDeleteAllButtonId);
+  const auto messages = m_machine.ui.GetMessages();
+  ASSERT_EQ(messages.size(), 2U);
+  EXPECT_EQ(messages[1].box.text, u"ERROR");
+  EXPECT_EQ(messages[1].box.captionKind, platform::MessageCaption::kNone);
+  EXPECT_EQ(messages[1].box.style, platform::MessageStyle::kOk);
+  EXPECT_EQ(GetEntries(), (Texts{u"100", u"200"}));
+  EXPECT_TRUE(HasFile(storage::WavePath(u"100")) && HasFile(storage::TemplatePath(u"200")));
+  EXPECT_EQ(dialog.GetItemCount(kTagListId), 2);
+  EXPECT_TRUE(dialog.IsEnabled(kDeleteAllButtonId));
+  Close();
 }
 
 TEST_F(PageOneList, DeleteAllWhoseKeyStaysKeepsTheList) {
   PutTag(u"100", kAnn, u"Mobile");
-  support::FailingRegistry failing(m_machine.registry);
-  auto& dialog = OpenOn(m_machine.GetWith(m_machine.files, failing));
-  failing.FailCall(1, support::Failing::kFromThenOn);
+  LastingKeys registry(m_machine.registry);
+  auto& dialog = OpenOn(m_machine.GetWith(m_machine.files, registry));
   dialog.Press(kDeleteAllButtonId);
   EXPECT_EQ(GetMessages().back(), u"The tag is in use. Try to delete it later.");
   EXPECT_FALSE(HasFile(storage::WavePath(u"100")));
   EXPECT_EQ(dialog.GetItemCount(kTagListId), 1);
   EXPECT_EQ(m_page->GetTags().tagCount, 1);
+  registry.isLasting = false;
+  dialog.Press(kDeleteAllButtonId);
+  EXPECT_TRUE(GetEntries().empty());
+  EXPECT_EQ(dialog.GetItemCount(kTagListId), 0);
+  Close();
+}
+
+TEST_F(PageOneList, DeleteAllOfAListThatWasNotFilledSaysHowManyRecordingsItIsAbout) {
+  PutTag(u"100", kAnn, u"Mobile");
+  PutTag(u"200", kBob, u"Home");
+  m_machine.contacts.FailOpening(headless::HeadlessContacts::Opening::kLogon, 100);
+  auto& dialog = Open();
+  ASSERT_EQ(dialog.GetItemCount(kTagListId), 0);
+  ASSERT_TRUE(dialog.IsEnabled(kDeleteAllButtonId));
+  Refuse();
+  dialog.Press(kDeleteAllButtonId);
+  EXPECT_EQ(GetMessages().back(), u"All voice tags will be deleted!\n\nRecordings: 2.");
+  EXPECT_EQ(GetEntries(), (Texts{u"100", u"200"}));
 }
 
 }  // namespace

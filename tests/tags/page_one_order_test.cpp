@@ -69,7 +69,9 @@ TEST_F(PageOneOrder, ATagIsMadeStepByStep) {
   dialog.Press(kRecordButtonId);
   EXPECT_THAT(log, ElementsAre(u"find " + std::u16string(storage::kWaveFolder),
                                u"find " + std::u16string(storage::kTemplateFolder),
-                               u"cue after the beep", u"play what is listed"));
+                               u"find \\Voxtrel Trash\\*", u"find " + storage::WavePath(u"1000"),
+                               u"find " + storage::TemplatePath(u"1000"), u"cue after the beep",
+                               u"play what is listed"));
 }
 
 TEST_F(PageOneOrder, ATagThatCannotBeNamedIsCountedButEnablesNothing) {
@@ -99,7 +101,7 @@ TEST_F(PageOneOrder, DeleteAllDeletesEveryRecordingBeforeTheFirstTemplate) {
   auto& dialog = OpenWatched();
   Texts deleted;
   m_files.SetListener([&](const std::u16string& call) {
-    if (call.starts_with(u"delete ")) {
+    if (call.starts_with(u"delete \\Program Files")) {
       deleted.push_back(call.substr(7));
     }
   });
