@@ -1,0 +1,225 @@
+#include "host/cli/trash_commands.h"
+
+#include <fmt/chrono.h>
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <ctime>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/cli/output.h"
+#include "platform/text/utf.h"
+#include "storage/tag_trash.h"
+#include "tags/page_one.h"
+
+namespace cli {
+namespace {
+
+using storage::RestoreResult;
+using storage::TrashedTag;
+
+storage::TagTrash OpenTrash(Session& session) {
+  return {session.GetFiles(), session.GetRegistry(), session.GetClock()};
+}
+
+/// Returns nothing, and reports it, if the trash cannot be read.
+std::optional<std::vector<TrashedTag>> ListTrash(Session& session,
+                                                 const storage::TagTrash& trash) {
+  std::vector<TrashedTag> tags;
+  if (!trash.List(tags)) {
+    session.Fail("the trash cannot be read: " + session.ToHostPath(storage::kTrashFolder));
+    return std::nullopt;
+  }
+  return tags;
+}
+
+std::string TimeText(const char* format, std::int64_t unixTime) {
+  return fmt::format(fmt::runtime(format), fmt::gmtime(static_cast<std::time_t>(unixTime)));
+}
+
+void PrintTrash(Session& session) {
+  if (!session.OpenForReading()) {
+    return;
+  }
+  const storage::TagTrash trash = OpenTrash(session);
+  const auto tags = ListTrash(session, trash);
+  if (!tags) {
+    return;
+  }
+  Json list = Json::array();
+  for (const TrashedTag& tag : *tags) {
+    const std::string name = text::ToUtf8(tag.item.parts.name);
+    const std::string text = text::ToUtf8(tag.item.text);
+    const std::string_view by = storage::ToWord(tag.item.by);
+    if (session.GetOptions().json) {
+      list.push_back({{"name", name},
+                      {"text", text},
+                      {"deleted", TimeText("{:%Y-%m-%dT%H:%M:%SZ}", tag.item.deletedAt)},
+                      {"by", by}});
+    } else {
+      PrintLine(fmt::format("{:>11}  {}  {:<10}  {}", name,
+                            TimeText("{:%Y-%m-%d %H:%M} UTC", tag.item.deletedAt), by, text));
+    }
+  }
+  if (session.GetOptions().json) {
+    PrintJson(list);
+  } else if (tags->empty()) {
+    PrintLine("The trash is empty.");
+  }
+}
+
+/// Has the tags for the time of a command, after what an earlier one left unfinished was ended.
+class HeldTags {
+ public:
+  explicit HeldTags(Session& session)
+      : m_mutex(session.GetPlatform().threads.CreateNamedMutex(tags::kInstanceMutex)) {
+    if (m_mutex.existed) {
+      session.Fail("the tags are in use by another Voxtrel; close it and try again");
+    } else {
+      OpenTrash(session).Recover();
+    }
+  }
+
+  [[nodiscard]] bool IsHeld() const { return !m_mutex.existed; }
+
+ private:
+  platform::CreatedMutex m_mutex;
+};
+
+void EmptyTrash(Session& session) {
+  if (!session.OpenForChanging()) {
+    return;
+  }
+  const HeldTags held(session);
+  if (!held.IsHeld()) {
+    return;
+  }
+  const storage::TagTrash trash = OpenTrash(session);
+  if (!trash.Empty()) {
+    session.Fail("not all of the trash could be deleted: " +
+                 session.ToHostPath(storage::kTrashFolder));
+    return;
+  }
+  if (session.GetOptions().json) {
+    PrintJson({{"result", 0}});
+  } else {
+    PrintLine("The trash is empty.");
+  }
+}
+
+std::string Explain(RestoreResult result) {
+  switch (result) {
+    case RestoreResult::kExists:
+      return "there is a tag or a file of that name";
+    case RestoreResult::kTooMany:
+      return fmt::format("there are {} tags already, which is the most there can be",
+                         storage::TagTable::kCapacity);
+    case RestoreResult::kFull:
+      return "the disk is full";
+    case RestoreResult::kNoFolder:
+      return "a folder for recordings or templates is missing and cannot be made";
+    case RestoreResult::kFailed:
+      return "its files or its entry cannot be written";
+    case RestoreResult::kDone:
+      break;
+  }
+  return {};
+}
+
+/// Stores the latest deletion of each name in `chosen`. Reports a name that is not in the trash.
+void Choose(Session& session, const std::vector<TrashedTag>& tags,
+            const std::vector<std::string>& names, std::vector<TrashedTag>& chosen) {
+  for (const std::string& name : names) {
+    const auto tag = std::ranges::find_if(tags, [&name](const TrashedTag& each) {
+      return text::ToUtf8(each.item.parts.name) == name;
+    });
+    if (tag == tags.end()) {
+      session.Fail(fmt::format("there is no tag {} in the trash; `voxtrel tags trash` lists them",
+                               name));
+    } else {
+      chosen.push_back(*tag);
+    }
+  }
+}
+
+void Restore(Session& session, const std::vector<std::string>& names, bool isLast) {
+  if (!session.OpenForChanging()) {
+    return;
+  }
+  const HeldTags held(session);
+  if (!held.IsHeld()) {
+    return;
+  }
+  const storage::TagTrash trash = OpenTrash(session);
+  const auto tags = ListTrash(session, trash);
+  if (!tags) {
+    return;
+  }
+  std::vector<TrashedTag> chosen;
+  if (isLast) {
+    std::ranges::copy_if(*tags, std::back_inserter(chosen), [&tags](const TrashedTag& tag) {
+      return tag.deletion == tags->front().deletion;
+    });
+    if (chosen.empty()) {
+      session.Fail("the trash is empty");
+    }
+  } else {
+    Choose(session, *tags, names, chosen);
+  }
+  Json restored = Json::array();
+  for (const TrashedTag& tag : chosen) {
+    const std::string name = text::ToUtf8(tag.item.parts.name);
+    const RestoreResult result = trash.Restore(tag);
+    if (result != RestoreResult::kDone) {
+      session.Fail(fmt::format("{} was not restored: {}", name, Explain(result)));
+      continue;
+    }
+    restored.push_back(name);
+    if (!session.GetOptions().json) {
+      PrintLine(fmt::format("Restored: {} {}", name, text::ToUtf8(tag.item.text)));
+    }
+  }
+  if (session.GetOptions().json) {
+    PrintJson({{"restored", restored}});
+  }
+}
+
+struct RestoreArguments {
+  std::vector<std::string> names;
+  bool isLast = false;
+};
+
+}  // namespace
+
+void AddTrashCommands(CLI::App& tags, Session& session) {
+  const auto isEmptied = std::make_shared<bool>(false);
+  CLI::App* trash = tags.add_subcommand(
+      "trash", "List what was deleted, the latest first. It is kept for 30 days");
+  trash->add_flag("--empty", *isEmptied, "Destroy all of it, without asking");
+  trash->callback([&session, isEmptied] {
+    if (*isEmptied) {
+      EmptyTrash(session);
+    } else {
+      PrintTrash(session);
+    }
+  });
+
+  const auto arguments = std::make_shared<RestoreArguments>();
+  CLI::App* restore = tags.add_subcommand("restore", "Put deleted tags back as they were");
+  auto* names = restore->add_option("name", arguments->names, "Names, as in `tags trash`");
+  auto* last =
+      restore->add_flag("--last", arguments->isLast, "All that the latest deletion took")
+          ->excludes(names);
+  restore->callback([&session, arguments, last] {
+    if (arguments->names.empty() && last->count() == 0) {
+      throw CLI::RequiredError("name or --last");
+    }
+    Restore(session, arguments->names, arguments->isLast);
+  });
+}
+
+}  // namespace cli
