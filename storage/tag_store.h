@@ -62,9 +62,6 @@ class TagStore {
   [[nodiscard]] platform::RegistryError ReadEntry(std::u16string_view tagName,
                                                   TagEntry& entry) const;
 
-  /// Stores the names of all tags in `names`, however long they are.
-  [[nodiscard]] platform::RegistryError ListNames(std::vector<std::u16string>& names) const;
-
   // What is missing counts as deleted: an earlier deletion may have come so far.
   [[nodiscard]] platform::FileError DeleteWaveFile(std::u16string_view tagName) const;
   [[nodiscard]] platform::FileError DeleteTemplateFile(std::u16string_view tagName) const;

@@ -19,10 +19,12 @@
 #include "host/cli/recording_warnings.h"
 #include "host/cli/tag_reading.h"
 #include "host/cli/tags_test_command.h"
+#include "host/cli/trash_commands.h"
 #include "language/formatting.h"
 #include "platform/text/utf.h"
 #include "resources/dialogs.h"
 #include "storage/device_paths.h"
+#include "resources/strings.h"
 #include "storage/tag_store.h"
 #include "voicemath/recording_review.h"
 
@@ -34,9 +36,8 @@ using resources::kTagListId;
 
 /// The tag of a line, which has just been learned.
 tags::ListedTag ReadLearned(Session& session, const PageRun& run, std::int32_t index) {
-  const storage::TagRecord* record = run.page.GetTags().GetRecord(index);
   tags::ListedTag tag;
-  tag.name = record == nullptr ? std::u16string_view() : record->GetTagName();
+  tag.name = run.page.GetTagOfLine(index);
   tag.text = run.dialog.GetItemText(kTagListId, index);
   const storage::TagStore store(session.GetFiles(), session.GetRegistry());
   tag.error = store.ReadEntry(tag.name, tag.entry);
@@ -147,8 +148,7 @@ void Learn(Session& session, const std::string& contact, const std::string& kind
 /// Selects the tag of that name; tells where there is none.
 bool SelectTag(Session& session, PageRun& run, const std::string& name) {
   for (int i = 0; i < run.dialog.GetItemCount(kTagListId); ++i) {
-    const storage::TagRecord* record = run.page.GetTags().GetRecord(i);
-    if (record != nullptr && record->GetTagName() == text::FromUtf8(name)) {
+    if (run.page.GetTagOfLine(i) == text::FromUtf8(name)) {
       run.dialog.Choose(kTagListId, i);
       return true;
     }
@@ -181,11 +181,18 @@ void PlayTag(Session& session, const std::string& name) {
   });
 }
 
-/// Message boxes so far that told of something, and did not ask.
+/// Whether a box says that tags were deleted which the trash had no room for.
+bool IsOfDestroyedTags(std::u16string_view text) {
+  const std::u16string_view many = resources::kTagsDestroyed;
+  return text == resources::kTagDestroyed || text.starts_with(many.substr(0, many.find(u'%')));
+}
+
+/// Counts the message boxes so far that reported a failure.
 std::ptrdiff_t CountProblems(Session& session) {
   return std::ranges::count_if(
       session.GetUi().GetMessages(), [](const headless::ShownMessage& shown) {
-        return !platform::Has(shown.box.style, platform::MessageStyle::kOkCancel);
+        return !platform::Has(shown.box.style, platform::MessageStyle::kOkCancel) &&
+               !IsOfDestroyedTags(shown.box.text);
       });
 }
 
@@ -245,6 +252,7 @@ void AddTagsCommands(CLI::App& app, Session& session) {
   learn->callback([&session, arguments] { Learn(session, arguments->contact, arguments->kind); });
 
   AddTagsTestCommand(*group, session);
+  AddTrashCommands(*group, session);
   group->add_subcommand("list", "List the learned tags")->callback([&session] {
     ListTags(session);
   });

@@ -27,8 +27,7 @@ storage::TagTrash OpenTrash(Session& session) {
 }
 
 /// Returns nothing, and reports it, if the trash cannot be read.
-std::optional<std::vector<TrashedTag>> ListTrash(Session& session,
-                                                 const storage::TagTrash& trash) {
+std::optional<std::vector<TrashedTag>> ListTrash(Session& session, const storage::TagTrash& trash) {
   std::vector<TrashedTag> tags;
   if (!trash.List(tags)) {
     session.Fail("the trash cannot be read: " + session.ToHostPath(storage::kTrashFolder));
@@ -138,8 +137,8 @@ void Choose(Session& session, const std::vector<TrashedTag>& tags,
       return text::ToUtf8(each.item.parts.name) == name;
     });
     if (tag == tags.end()) {
-      session.Fail(fmt::format("there is no tag {} in the trash; `voxtrel tags trash` lists them",
-                               name));
+      session.Fail(
+          fmt::format("there is no tag {} in the trash; `voxtrel tags trash` lists them", name));
     } else {
       chosen.push_back(*tag);
     }
@@ -211,9 +210,8 @@ void AddTrashCommands(CLI::App& tags, Session& session) {
   const auto arguments = std::make_shared<RestoreArguments>();
   CLI::App* restore = tags.add_subcommand("restore", "Put deleted tags back as they were");
   auto* names = restore->add_option("name", arguments->names, "Names, as in `tags trash`");
-  auto* last =
-      restore->add_flag("--last", arguments->isLast, "All that the latest deletion took")
-          ->excludes(names);
+  auto* last = restore->add_flag("--last", arguments->isLast, "All that the latest deletion took")
+                   ->excludes(names);
   restore->callback([&session, arguments, last] {
     if (arguments->names.empty() && last->count() == 0) {
       throw CLI::RequiredError("name or --last");
