@@ -210,7 +210,8 @@ ItemResult UnpackEntry(platform::Registry& registry, platform::File& archive,
   const auto read = ParseRegistryFile(file);
   const auto* content = std::get_if<RegistryFileContent>(&read);
   const std::u16string key = EntryPath(name);
-  if (content == nullptr || !std::ranges::all_of(content->changes, [&](const RegistryChange& change) {
+  if (content == nullptr ||
+      !std::ranges::all_of(content->changes, [&](const RegistryChange& change) {
         return change.key == key || change.key.starts_with(key + u'\\');
       })) {
     return ItemResult::kFailed;

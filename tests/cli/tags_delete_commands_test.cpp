@@ -22,7 +22,10 @@ class TagsDeleteCommands : public TagsFixture {
   /// Has the recording open as the dialer has it while it is in use.
   [[nodiscard]] std::unique_ptr<platform::File> HoldWave(const std::string& tag) const {
     posix::PosixFileSystem files(Wide(Path("root")));
-    platform::OpenedFile opened = files.Open(storage::WavePath(Wide(tag)), {});
+    // As a companion reads it.
+    platform::OpenedFile opened = files.Open(
+        storage::WavePath(Wide(tag)), {platform::FileAccess::kRead, platform::FileShare::kRead,
+                                       platform::FileCreation::kOpenExisting});
     EXPECT_TRUE(opened.file);
     return std::move(opened.file);
   }
