@@ -51,7 +51,8 @@ TEST_F(TrashCommands, AnEmptyTrashIsAnEmptyListAndMakesNoFolder) {
 }
 
 TEST_F(TrashCommands, AMistypedRootIsNotMade) {
-  const auto run = Run({"--root", Path("nowhere"), "tags", "trash"});
+  const auto run =
+      support::RunProgram({VOXTREL_PROGRAM, "--root", Path("nowhere"), "tags", "trash"});
   EXPECT_EQ(run.exitCode, 0) << run.err;
   EXPECT_FALSE(fs::exists(Path("nowhere")));
 }
