@@ -42,16 +42,13 @@ std::filesystem::path FindBuildFolder(const std::filesystem::path& file) {
     return std::filesystem::exists(folder / "CMakeCache.txt", ignored);
   };
   const std::filesystem::path own = file.parent_path();
-  const std::filesystem::path above = own.parent_path();
-  if (!file.is_absolute()) {
+  std::filesystem::path build = own.parent_path();
+  if (isOneOf(build, kFoldersOfFolders)) {
+    build = build.parent_path();
+  } else if (!isOneOf(own, kFolders)) {
     return {};
   }
-  if (isOneOf(own, kFolders) && isBuild(above)) {
-    return above;
-  }
-  return isOneOf(above, kFoldersOfFolders) && isBuild(above.parent_path())
-             ? above.parent_path()
-             : std::filesystem::path();
+  return file.is_absolute() && isBuild(build) ? build : std::filesystem::path();
 }
 
 std::vector<std::filesystem::path> FindLibraryPlaces(const std::filesystem::path& file,

@@ -138,7 +138,8 @@ void WindowStory::Learn(const std::string& words) {
   const std::size_t before = NamesIn("Voxtrel_wav").size();
   ASSERT_TRUE(Await(std::chrono::seconds(60), [&] {
     ClickOn(resources::kRecordButtonId);
-    return Await(std::chrono::seconds(2), [&] { return NamesIn("Voxtrel_wav").size() > before; });
+    // The recording itself has no name before it is whole.
+    return Await(std::chrono::seconds(2), [this] { return IsBarShown(); });
   }));
   m_microphone->Hear(sound);
   ASSERT_TRUE(Await(std::chrono::seconds(60), [&] {
