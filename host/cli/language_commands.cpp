@@ -46,19 +46,24 @@ std::optional<Bytes> ReadLanguageFile(Session& session, const std::string& name)
   return bytes;
 }
 
-/// Where there is such a file it is left alone: somebody may have translated it.
+/// A file of that name is left alone, since somebody may have translated it. A new one is there
+/// when it is whole.
 bool WriteLanguageFile(Session& session, const std::string& name, const Bytes& bytes) {
   using platform::FileError;
-  const platform::Platform platform = session.GetPlatform();
-  const platform::OpenMode mode{platform::FileAccess::kWrite, platform::FileShare::kNone,
-                                platform::FileCreation::kOpenAlways};
-  const platform::OpenedFile opened = platform.files.Open(Session::ToSystemPath(name), mode);
-  if (opened.file && opened.file->GetLength().value_or(0) > 0) {
+  platform::FileSystem& files = session.GetFiles();
+  const std::u16string path = Session::ToSystemPath(name);
+  platform::OpenedFile earlier = files.Open(path, {});
+  if (earlier.file && earlier.file->GetLength() != 0) {
     session.Fail(fmt::format("{}: there is such a file already; it was left as it is", name));
     return false;
   }
-  const bool isWritten = opened.file && opened.file->Write(bytes) == FileError::kNone &&
-                         opened.file->Close() == FileError::kNone;
+  const bool mayWrite = earlier.file || earlier.error == FileError::kNotFound;
+  earlier.file.reset();
+  const platform::OpenedReplacement made =
+      mayWrite ? files.OpenReplacement(path) : platform::OpenedReplacement();
+  const bool isWritten = made.replacement &&
+                         made.replacement->GetFile().Write(bytes) == FileError::kNone &&
+                         made.replacement->Publish(platform::Durability::kNow) == FileError::kNone;
   if (!isWritten) {
     session.Fail(fmt::format("{}: it cannot be written", name));
   }

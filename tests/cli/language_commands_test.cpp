@@ -109,6 +109,16 @@ TEST_F(LanguageCommands, LeaveATranslationAloneThatHasTheTemplatesName) {
   EXPECT_EQ(Read(file), before);
 }
 
+TEST_F(LanguageCommands, LeaveNoTornTemplateOnAFullDisk) {
+  // Files of at most half a KiB.
+  const auto run = support::RunProgram(
+      {"/bin/sh", "-c", "trap '' XFSZ; ulimit -f 1; exec \"$PROGRAM\" language template \"$FILE\""},
+      {"PROGRAM=" + std::string(VOXTREL_PROGRAM), "FILE=" + Path("new.lng")});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.err, HasSubstr("new.lng: it cannot be written"));
+  EXPECT_FALSE(std::filesystem::exists(Path("new.lng")));
+}
+
 TEST_F(LanguageCommands, FailWhereTheTemplateCannotBeWritten) {
   const auto run = Run({"language", "template", Path("none") + "/new.lng"});
   EXPECT_EQ(run.exitCode, 1);
