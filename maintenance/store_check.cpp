@@ -126,7 +126,10 @@ class Checker {
       case kDone:
         if (hasRecording && !AreSameBits(m_mathematics.GetTemplate(kComputedSlot),
                                          m_mathematics.GetTemplate(kStoredSlot))) {
-          Report(StoreProblem::kTemplateStale, tag);
+          // A loss of power can leave a file of zeros, which holds no frames and is nobody's.
+          Report(m_mathematics.GetTemplate(kStoredSlot).empty() ? StoreProblem::kTemplateTorn
+                                                                : StoreProblem::kTemplateStale,
+                 tag);
         }
         break;
       case kTorn:

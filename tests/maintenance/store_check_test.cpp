@@ -351,6 +351,15 @@ TEST_F(StoreCheck, ARepairThatFailsLeavesAWholeTemplateOrNone) {
   }
 }
 
+TEST_F(StoreCheck, ATemplateOfZerosIsTornAndMadeAgain) {
+  Learn(u"100", 1);
+  const support::Bytes whole = GetTemplate(u"100");
+  PutTemplateBytes(u"100", support::Bytes(whole.size()));
+  EXPECT_EQ(Check(), Texts{u"template-torn 100"});
+  EXPECT_EQ(RepairTemplate(m_machine.Get(), u"100"), RepairResult::kDone);
+  EXPECT_EQ(Check(), Texts());
+}
+
 TEST_F(StoreCheck, OnlyTemplatesAreRepairable) {
   EXPECT_TRUE(IsRepairable(StoreProblem::kNoTemplate));
   EXPECT_TRUE(IsRepairable(StoreProblem::kTemplateTorn));
