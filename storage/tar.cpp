@@ -36,7 +36,7 @@ constexpr std::string_view kMagicText(
     "00",
     8);
 constexpr std::uint64_t kOwnerReadsAndWrites = 0600;
-constexpr unsigned kBitsOfDigit = 3;
+constexpr unsigned kBitsOfOctal = 3;
 
 void PutText(Block& block, Field field, std::string_view text) {
   std::ranges::transform(text, block.begin() + static_cast<std::ptrdiff_t>(field.offset),
@@ -46,7 +46,7 @@ void PutText(Block& block, Field field, std::string_view text) {
 /// Octal digits and a zero at the end.
 void PutNumber(Block& block, Field field, std::uint64_t number) {
   block[field.offset + field.length - 1] = std::byte{0};
-  for (std::size_t i = field.length - 1; i > 0; --i, number >>= kBitsOfDigit) {
+  for (std::size_t i = field.length - 1; i > 0; --i, number >>= kBitsOfOctal) {
     block[field.offset + i - 1] = static_cast<std::byte>('0' + (number & 7U));
   }
 }
@@ -62,7 +62,7 @@ std::optional<std::uint64_t> GetNumber(const Block& block, Field field) {
     if (unit < '0' || unit > '7') {
       return std::nullopt;
     }
-    number = number << kBitsOfDigit | (unit - '0');
+    number = number << kBitsOfOctal | (unit - '0');
   }
   return number;
 }

@@ -40,11 +40,11 @@ constexpr std::string_view kTemplateLine = "template ";
 constexpr std::string_view kEntryLine = "entry ";
 constexpr std::string_view kTextLine = "text ";
 
-std::u16string Join(std::u16string_view folder, std::u16string_view name) {
+std::u16string PathIn(std::u16string_view folder, std::u16string_view name) {
   return std::u16string(folder).append(u"\\").append(name);
 }
 
-std::u16string EntryPath(std::u16string_view name) { return Join(kTagKey, name); }
+std::u16string TrashedEntryPath(std::u16string_view name) { return PathIn(kTagKey, name); }
 
 ItemResult ToResult(FileError error) {
   switch (error) {
@@ -141,8 +141,8 @@ ItemResult AddFile(platform::FileSystem& files, TarWriter& tar, std::string_view
   }
   // A companion that reads the file shares it.
   const platform::OpenedFile source =
-      files.Open(Join(folder, file), {platform::FileAccess::kRead, platform::FileShare::kRead,
-                                      platform::FileCreation::kOpenExisting});
+      files.Open(PathIn(folder, file), {platform::FileAccess::kRead, platform::FileShare::kRead,
+                                        platform::FileCreation::kOpenExisting});
   if (source.error == FileError::kSharingViolation) {
     return inUse;
   }
@@ -151,7 +151,7 @@ ItemResult AddFile(platform::FileSystem& files, TarWriter& tar, std::string_view
 
 ItemResult AddEntry(platform::Registry& registry, TarWriter& tar, std::u16string_view name) {
   std::vector<std::byte> entry;
-  const RegistryError read = WriteRegistryFile(registry, entry, EntryPath(name));
+  const RegistryError read = WriteRegistryFile(registry, entry, TrashedEntryPath(name));
   return read == RegistryError::kNone ? ToResult(tar.Add(kEntry, entry)) : ItemResult::kEntryUnread;
 }
 
@@ -209,7 +209,7 @@ ItemResult UnpackEntry(platform::Registry& registry, platform::File& archive,
   }
   const auto read = ParseRegistryFile(file);
   const auto* content = std::get_if<RegistryFileContent>(&read);
-  const std::u16string key = EntryPath(name);
+  const std::u16string key = TrashedEntryPath(name);
   if (content == nullptr ||
       !std::ranges::all_of(content->changes, [&](const RegistryChange& change) {
         return change.key == key || change.key.starts_with(key + u'\\');
@@ -239,7 +239,7 @@ bool FindParts(platform::FileSystem& files, platform::Registry& registry, std::u
   if (!find(WavePath(name), parts.waveFile) || !find(TemplatePath(name), parts.templateFile)) {
     return false;
   }
-  const RegistryError entry = registry.OpenKey(EntryPath(name)).error;
+  const RegistryError entry = registry.OpenKey(TrashedEntryPath(name)).error;
   parts.hasEntry = entry == RegistryError::kNone;
   // A name that no key can have has no entry.
   return parts.hasEntry || entry == RegistryError::kNotFound || entry == RegistryError::kInvalid;
@@ -253,7 +253,7 @@ PartsState GetState(platform::FileSystem& files, platform::Registry& registry,
     if (file.empty()) {
       return true;
     }
-    const FileError error = files.FindFirst(Join(folder, file)).error;
+    const FileError error = files.FindFirst(PathIn(folder, file)).error;
     ++wanted;
     there += error == FileError::kNone ? 1U : 0U;
     return error == FileError::kNone || error == FileError::kNotFound;
@@ -262,7 +262,7 @@ PartsState GetState(platform::FileSystem& files, platform::Registry& registry,
     return PartsState::kUnknown;
   }
   if (parts.hasEntry) {
-    const RegistryError error = registry.OpenKey(EntryPath(parts.name)).error;
+    const RegistryError error = registry.OpenKey(TrashedEntryPath(parts.name)).error;
     if (error != RegistryError::kNone && error != RegistryError::kNotFound) {
       return PartsState::kUnknown;
     }
@@ -332,8 +332,8 @@ ItemResult UnpackItem(platform::FileSystem& files, platform::Registry& registry,
     error = UnpackFile(files, *archive.file, kRecording, WaveFilePath(item.parts.waveFile));
   }
   if (error == FileError::kNone && !item.parts.templateFile.empty()) {
-    error =
-        UnpackFile(files, *archive.file, kTemplate, Join(kTemplateFolder, item.parts.templateFile));
+    error = UnpackFile(files, *archive.file, kTemplate,
+                       PathIn(kTemplateFolder, item.parts.templateFile));
   }
   if (error != FileError::kNone || !item.parts.hasEntry) {
     return ToResult(error);
