@@ -12,9 +12,6 @@
 namespace panel {
 namespace {
 
-/// Nobody has to read more than this of a single line.
-constexpr qsizetype kLongestLine = 4096;
-
 QProcessEnvironment EnvironmentWith(const QStringList& additions) {
   QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
   for (const QString& addition : additions) {
@@ -27,11 +24,17 @@ QProcessEnvironment EnvironmentWith(const QStringList& additions) {
 }  // namespace
 
 OpenedApplet::OpenedApplet(const Start& start, Events events)
-    : m_events(std::move(events)), m_prefix(QFileInfo(start.library).fileName().toUtf8() + ": ") {
+    : m_events(std::move(events)),
+      // A message that standard error does not take changes nothing.
+      m_errors(QFileInfo(start.library).fileName().toUtf8() + ": ", [](const QByteArray& line) {
+        const std::string shown =
+            text::Printable({line.constData(), static_cast<std::size_t>(line.size())}) + '\n';
+        static_cast<void>(std::fputs(shown.c_str(), stderr));
+      }) {
   QObject::connect(&m_process, &QProcess::readyReadStandardOutput, &m_process,
                    [this] { TakeSignsOfLife(); });
   QObject::connect(&m_process, &QProcess::readyReadStandardError, &m_process,
-                   [this] { TakeErrors(); });
+                   [this] { m_errors.Take(m_process.readAllStandardError()); });
   QObject::connect(&m_process, &QProcess::finished, &m_process,
                    [this](int code, QProcess::ExitStatus status) {
                      OnEnd(m_isStopped                     ? Ending::kStopped
@@ -42,8 +45,8 @@ OpenedApplet::OpenedApplet(const Start& start, Events events)
   QObject::connect(&m_process, &QProcess::errorOccurred, &m_process,
                    [this](QProcess::ProcessError error) {
                      if (error == QProcess::FailedToStart) {
-                       m_message = m_process.errorString();
-                       OnEnd(Ending::kNotStarted);
+                       m_silence.stop();
+                       m_events.ended(Ending::kNotStarted, m_process.errorString());
                      }
                    });
   m_silence.setSingleShot(true);
@@ -87,28 +90,6 @@ void OpenedApplet::TakeSignsOfLife() {
   }
 }
 
-void OpenedApplet::TakeErrors() {
-  m_errors += m_process.readAllStandardError();
-  for (qsizetype end = m_errors.indexOf('\n'); end >= 0; end = m_errors.indexOf('\n')) {
-    TakeErrorLine(m_errors.left(end));
-    m_errors.remove(0, end + 1);
-  }
-  if (m_errors.size() > kLongestLine) {
-    TakeErrorLine(std::exchange(m_errors, {}));
-  }
-}
-
-void OpenedApplet::TakeErrorLine(const QByteArray& line) {
-  if (line.startsWith(m_prefix)) {
-    m_message = QString::fromUtf8(line.mid(m_prefix.size())).left(kLongestLine);
-  } else {
-    // A message that standard error does not take changes nothing.
-    const std::string shown =
-        text::Printable({line.constData(), static_cast<std::size_t>(line.size())}) + '\n';
-    static_cast<void>(std::fputs(shown.c_str(), stderr));
-  }
-}
-
 void OpenedApplet::OnSilence() {
   m_isSilent = true;
   m_events.silent();
@@ -116,11 +97,9 @@ void OpenedApplet::OnSilence() {
 
 void OpenedApplet::OnEnd(Ending ending) {
   m_silence.stop();
-  TakeErrors();
-  if (!m_errors.isEmpty()) {
-    TakeErrorLine(std::exchange(m_errors, {}));
-  }
-  m_events.ended(ending, m_message);
+  m_errors.Take(m_process.readAllStandardError());
+  m_errors.End();
+  m_events.ended(ending, m_errors.GetMessage());
 }
 
 }  // namespace panel

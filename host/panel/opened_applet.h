@@ -8,6 +8,8 @@
 #include <cstdint>
 #include <functional>
 
+#include "host/panel/error_lines.h"
+
 namespace panel {
 
 /// How an opened applet ended.
@@ -49,17 +51,13 @@ class OpenedApplet {
 
  private:
   void TakeSignsOfLife();
-  void TakeErrors();
-  void TakeErrorLine(const QByteArray& line);
   void OnSilence();
   void OnEnd(Ending ending);
 
   QProcess m_process;
   QTimer m_silence;
   Events m_events;
-  QByteArray m_prefix;  ///< Of a line that is meant for the user.
-  QByteArray m_errors;  ///< The line that has not ended yet.
-  QString m_message;
+  ErrorLines m_errors;
   bool m_isSilent = false;
   bool m_isShown = false;
   bool m_isStopped = false;

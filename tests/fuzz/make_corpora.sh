@@ -8,8 +8,12 @@ cd "$(dirname "$0")"
 
 wave=corpora/fuzz_wave_file
 template=corpora/fuzz_template_file
-mkdir -p $wave $template
-find $wave $template -type f ! -name 'found_*' -delete
+desktop=corpora/fuzz_desktop_entry
+sound=corpora/fuzz_sound_file
+talk=corpora/fuzz_panel_talk
+database=corpora/fuzz_registry_database
+mkdir -p $wave $template $desktop $sound $talk $database
+find $wave $template $desktop $sound $talk $database -type f ! -name 'found_*' -delete
 
 zeros() { # BYTES
   head -c "$1" /dev/zero
@@ -101,3 +105,89 @@ stored 65535 0 >$template/most_frames_and_no_values
 { stored 2 0 && for bits in 0x7fc00000 0x7f800000 0xff800000 0x00000001 0x80000000 \
   0x7f7fffff 0x7fa00000 0xff7fffff 0 0x3f800000; do little_endian 4 $((bits)); done; } \
   >$template/odd_floats
+
+entry() { # EXEC: a desktop file with that command
+  printf '[Desktop Entry]\nType=Application\nName=Fox\nExec=%s\nTerminal=false\n' "$1"
+}
+entry 'fox %u' >$desktop/address
+entry 'fox --url=%F -- %% %i %c' >$desktop/codes
+entry '"/opt/a b/fox" "x\\"y\\$" "" @@u %U @@' >$desktop/quotes
+entry 'fox\s--new\\\\n' >$desktop/escapes
+entry 'fox "%u' >$desktop/open_quote
+entry '%u' >$desktop/address_alone
+entry '%i' >$desktop/nothing_left
+{ entry '' && printf '[Desktop Action New]\nExec=fox %%u\n\r\nTerminal = true'; } >$desktop/groups
+
+sound_file() { # CHANNELS BITS RATE SAMPLES
+  local block=$(($1 * $2 / 8))
+  printf RIFF && little_endian 4 $((36 + $4 * block)) && printf 'WAVEfmt ' && little_endian 4 16
+  little_endian 2 1 && little_endian 2 "$1" && little_endian 4 "$3"
+  little_endian 4 $(($3 * block)) && little_endian 2 $block && little_endian 2 "$2"
+  printf data && little_endian 4 $(($4 * block)) && tone "$4"
+}
+sound_file 1 16 11025 300 >$sound/as_recorded
+sound_file 1 16 8000 40 >$sound/another_rate
+sound_file 2 16 11025 40 >$sound/stereo
+sound_file 1 8 11025 40 >$sound/eight_bits
+sound_file 1 24 11025 40 >$sound/three_bytes
+sound_file 0 0 0 8 >$sound/no_format
+sound_file 1 16 11025 300 | head -c 99 >$sound/cut_in_the_data
+sound_file 1 16 11025 300 | head -c 40 >$sound/cut_in_the_header
+{ sound_file 1 16 11025 10 | head -c 36 && printf 'LIST' && little_endian 4 3 && printf 'odd\0data' &&
+  little_endian 4 4294967295 && tone 20; } >$sound/other_chunk_and_largest_size
+{ printf 'RIFF    WAVEdata' && little_endian 4 8 && tone 4 && sound_file 1 16 11025 9 | tail -c +13; } \
+  >$sound/data_before_the_format
+
+big_endian() { # NUMBER: 32 bits, as a report has them
+  printf "$(printf '\\x%02x\\x%02x\\x%02x\\x%02x' $(($1 >> 24 & 255)) $(($1 >> 16 & 255)) \
+    $(($1 >> 8 & 255)) $(($1 & 255)))"
+}
+wide() { # TEXT
+  big_endian $((${#1} * 2))
+  printf %s "$1" | sed 's/./\x00&/g'
+}
+report() { # COUNT
+  printf VPN1 && wide '' && big_endian "$1"
+}
+{ report 1 && wide 'Fox' && big_endian 6 && printf '<svg/>'; } >$talk/one_applet
+{ report 2 && wide 'Fox' && big_endian 4294967295 && wide 'Ann' && big_endian 0; } >$talk/two_applets
+{ printf VPN1 && wide 'crashes' && big_endian 0; } >$talk/problem
+report 65 >$talk/too_many
+{ report 1 && big_endian 4294967294 && printf ab; } >$talk/length_above_the_bytes
+printf 'Qt: a warning\napplet.cpl: open already\nno end' >$talk/error_lines
+{ printf 'applet.cpl: ' && zeros 5000 && printf '\napplet.cpl: \377\033[2J\n'; } >$talk/long_line
+
+# Rows: a kind, then its columns, each a type (0 a number, 1 a text, 2 bytes, 3 nothing) and four
+# times its length.
+rows() { # BYTES IN OCTAL: not beginning with a zero
+  printf "$1"
+}
+text='\021name\021name'
+rows '\004\000\012\000\001'"$text" >$database/key_below_the_root
+rows '\004\000\012\000\013'"$text"'\004\000\013\000\012'"$text" >$database/circle
+rows '\006\000\002\000\002' >$database/its_own_parent
+rows '\004\000\012\000\002\001\001\004\000\013\000\002\003\003' >$database/key_without_a_name
+rows '\004\000\012\000\001\022a\000\\b\022a\000\\b' >$database/names_that_no_path_holds
+rows '\001\000\012\000\002\021text\021text\000\003\012by' >$database/value
+rows '\001\000\012\000\002\021text\021text\021text\000\007' >$database/type_that_is_text
+rows '\007\000\001\021text\007\000\002\003' >$database/data_of_another_kind
+if command -v sqlite3 >/dev/null; then
+  for page in 512 4096; do
+    rm -f $database/whole.tmp
+    sqlite3 $database/whole.tmp "PRAGMA page_size = $page;
+      CREATE TABLE registry_key (id INTEGER PRIMARY KEY AUTOINCREMENT, parent_id INTEGER,
+        name TEXT NOT NULL, folded_name TEXT NOT NULL, UNIQUE (parent_id, folded_name));
+      CREATE TABLE registry_value (id INTEGER PRIMARY KEY AUTOINCREMENT, key_id INTEGER NOT NULL,
+        name TEXT NOT NULL, folded_name TEXT NOT NULL, type INTEGER NOT NULL, data BLOB NOT NULL,
+        UNIQUE (key_id, folded_name));
+      INSERT INTO registry_key VALUES (1, NULL, 'HKEY_LOCAL_MACHINE', 'hkey_local_machine'),
+        (2, 1, 'Software', 'software'), (3, 2, 'Zedra', 'zedra');
+      INSERT INTO registry_value VALUES (1, 3, 'a', 'a', 1, x'3300');
+      PRAGMA application_id = 0x56505245; PRAGMA user_version = 1;"
+    { printf '\0' && cat $database/whole.tmp; } >$database/whole_file_of_pages_of_$page
+    { printf '\0' && head -c 600 $database/whole.tmp; } >$database/cut_file_of_pages_of_$page
+  done
+  rm $database/whole.tmp
+fi
+printf '\0' >$database/no_bytes
+printf '\0SQLite format 3\0' >$database/first_bytes_alone
