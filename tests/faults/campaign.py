@@ -45,11 +45,18 @@ class Trial:
         self.done = machine.tree()
         self.verdicts = {}  # Of states that were met before.
         self.problem = ""
-        # A locale that cannot be loaded is the plain one.
-        plain = machine.run(command.arguments, time=LATER, locale="C") if not command.changes else None
-        self.answers = {self.run.out, plain.out} if plain else set()
+        self.answers = set() if command.changes else self._right_answers()
         if self.run.exit != command.exit:
             self.problem = f"exit {self.run.exit} without a fault: {self.run.err}"
+
+    def _right_answers(self):
+        """As a user may get them: a locale that cannot be loaded is the plain one, and tags are
+        listed without contacts that cannot be read, which is said."""
+        plain = self.machine.run(self.command.arguments, time=LATER, locale="C").out
+        self.machine.restore({path: content for path, content in self.before.items()
+                              if path != "contacts.vcf"})
+        self.without_contacts = self.machine.run(self.command.arguments, time=LATER).out
+        return {self.run.out, plain}
 
     def points(self):
         """Every fault, as (kind, what the library or the disk is asked for)."""
@@ -87,15 +94,16 @@ class Trial:
         run = self.machine.run(self.command.arguments, fault, LATER)
         after = self.machine.tree()
         self.last_run = run
-        if self.command.changes:
-            return self._of_run(kind, run, after) + self._judge(after)
-        return self._of_run(kind, run, after)
+        destroyed = self._destroyed(fault, run)
+        wrong = self._of_run(kind, fault, run, after, destroyed)
+        return wrong + self._judge(after, destroyed) if self.command.changes else wrong
 
     explains = False
 
-    def _of_run(self, kind, run, after):
-        if kind == "kill":
-            return [] if run.exit == -9 else [f"was not killed: exit {run.exit}"]
+    def _of_run(self, kind, fault, run, after, destroyed):
+        # Threads take turns; a run that does not come to the call is one without a fault.
+        if kind == "kill" and run.exit == -9:
+            return []
         if run.exit is None:
             return ["does not end"]
         if run.exit < 0:
@@ -106,33 +114,45 @@ class Trial:
         if run.exit != 0 and not run.err.strip():
             wrong.append(f"exit {run.exit} without a message")
         if self.command.changes:
-            if run.exit == 0 and not judge.is_done(self.command, after, self.done):
+            if run.exit == 0 and not judge.is_done(self.command, after, self.done, destroyed):
                 wrong.append("exit 0, but it was not done")
             left = [path for path in after if path not in self.before and path not in self.done
                     and not path.startswith("root/")]
+            if fault.startswith("ever"):
+                # What cannot be deleted either stays, under a name that says so.
+                left = [path for path in left if not path.startswith(".voxtrel-")]
             wrong += [f"leaves {os.path.basename(path)[:9]}... outside the root" for path in left]
         else:
-            if run.exit == 0 and not self._is_right(run.out):
+            if run.exit == 0 and not self._is_right(run):
                 wrong.append("exit 0 with another answer")
             wrong += [f"changed {path}" for path in sorted(after.keys() | self.before.keys())
                       if after.get(path) != self.before.get(path)
                       and not path.endswith("-wal")]
         return wrong
 
-    def _is_right(self, out):
-        if not self.command.reports:
-            return out in self.answers
+    def _is_right(self, run):
+        if run.out in self.answers or (run.err and run.out == self.without_contacts):
+            return True
         # Each line is as it was, or says instead of a number what cannot be read.
         wanted = self.run.out.splitlines()
-        return all(line in wanted or not line[-1:].isdigit() for line in out.splitlines())
+        return self.command.reports and all(line in wanted or not line[-1:].isdigit()
+                                            for line in run.out.splitlines())
 
-    def _judge(self, after):
-        key = hash(tuple(sorted(after.items(), key=lambda item: item[0])))
+    def _destroyed(self, fault, run):
+        """A full disk empties the trash; if that is not enough, it is said that a deleted tag could
+        not be kept."""
+        if not fault.endswith(f":{ERRORS['ENOSPC']}"):
+            return ()
+        said = "not be kept in the trash" in run.err
+        return tuple(self.command.trashed) + (tuple(self.command.objects) if said else ())
+
+    def _judge(self, after, destroyed=()):
+        key = hash((destroyed, *sorted(after.items(), key=lambda item: item[0])))
         if key not in self.verdicts:
-            self.verdicts[key] = self._look_closely(after)
+            self.verdicts[key] = self._look_closely(after, destroyed)
         return self.verdicts[key]
 
-    def _look_closely(self, after):
+    def _look_closely(self, after, destroyed):
         machine = self.machine
         wrong = []
         machine.restore(after)
@@ -149,14 +169,14 @@ class Trial:
         if check.exit != 0:
             wrong.append(f"check afterwards: {_first(check)}")
         restored = {}
-        gone = [name for name in self.command.objects
-                if name not in judge.read_store(recovered).tags]
-        for name in gone:
+        for name in self.command.whole_tags(judge.read_store(self.before)):
+            if name in judge.read_store(recovered).tags:
+                continue
             machine.restore(recovered)
             machine.run(["tags", "restore", name], time=LATER + 40)
             restored[name] = judge.read_store(machine.tree()).tags.get(name)
         return wrong + judge.what_may_be_left(self.command, self.before, after, self.done,
-                                              recovered, restored)
+                                              recovered, restored, destroyed)
 
 
 def _first(run):
@@ -168,8 +188,8 @@ class Worker:
         self.machine = Machine(options.program, options.library,
                                os.path.join(options.folder, f"machine{number:02}"))
         judge.scratch = str(self.machine.folder)
-        self.tree = make_tree(self.machine, pathlib.Path(options.samples))
-        self.commands = {command.name: command for command in all_commands(self.tree)}
+        self.tree, trashed = make_tree(self.machine, pathlib.Path(options.samples))
+        self.commands = {command.name: command for command in all_commands(self.tree, trashed)}
         self.name = None
         self.trial = None
 

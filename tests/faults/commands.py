@@ -36,7 +36,7 @@ class Command:
     arguments: list
     changes: bool = True
     objects: list = dataclasses.field(default_factory=list)  # Tags that it deletes.
-    trashed: list = dataclasses.field(default_factory=list)  # Tags that lie in the trash before.
+    trashed: dict = dataclasses.field(default_factory=dict)  # What lies in the trash before.
     targets: list = dataclasses.field(default_factory=list)  # Files outside the root.
     sides: list = dataclasses.field(default_factory=list)    # More of them, of less weight.
     rewrites: bool = False  # Whether it makes recordings and templates again.
@@ -47,11 +47,13 @@ class Command:
     exit: int = 0           # Without a fault.
 
     def whole_tags(self, store):
-        return {name: store.tags[name] for name in self.objects if name in store.tags}
+        """What it deletes, and what was deleted before."""
+        return self.trashed | {name: store.tags[name] for name in self.objects}
 
 
 def make_tree(machine, samples):
-    """Three tags, one more in the trash, and files for the other commands."""
+    """Three tags, one more in the trash, and files for the other commands. Returns the tree, and
+    what is in the trash."""
     home = machine.home
     (home / "contacts.vcf").write_bytes(CONTACTS.encode())
     (home / "change.reg").write_bytes(REGISTRY_FILE.encode("utf-16"))
@@ -60,15 +62,17 @@ def make_tree(machine, samples):
         (home / name).write_bytes((samples / (sample + ".wav")).read_bytes())
     for number, (contact, kind, sample) in enumerate((
             ("Anna Berg", "Mobile", "anna_1"), ("Bob Bee", "Home", "robert_1"),
-            ("Bob Bee", "Mobile", "robert_2"))):
+            ("Bob Bee", "Mobile", "robert_2"), ("Anna Berg", "Mobile", "anna_2"))):
         (home / "said.wav").write_bytes((samples / (sample + ".wav")).read_bytes())
         _need(machine, SPOKEN + ["@/said.wav", "tags", "learn", "--contact", contact,
                                  "--number", kind], 1000 * number)
-    for arguments in (["connection", "set", "baud-rate=19200"],
+    name, tag = sorted(read_store(machine.tree()).tags.items())[-1]
+    for arguments in (["--yes", "tags", "delete", name],
+                      ["connection", "set", "baud-rate=19200"],
                       ["template", "learn", "@/old.wav", "@/old.st"],
                       ["registry", "export", "@/old.reg"]):
         _need(machine, arguments, 5000)
-    return machine.tree()
+    return machine.tree(), {name: tag}
 
 
 def _need(machine, arguments, time):
@@ -86,14 +90,17 @@ def _take_templates(tree):
     return changed
 
 
-def all_commands(tree):
+def all_commands(tree, trashed):
     names = sorted(read_store(tree).tags)
     one = names[1]
+    gone = list(trashed)[0]
     commands = [
         Command("tags learn", SPOKEN + ["@/microphone.wav", "tags", "learn", "--contact",
                                         "Anna Berg"], sides=["heard.wav"]),
         Command("tags delete", ["--yes", "tags", "delete", one], objects=[one]),
         Command("tags delete-all", ["--yes", "tags", "delete-all"], objects=names),
+        Command("tags restore", ["tags", "restore", gone]),
+        Command("tags trash --empty", ["--yes", "tags", "trash", "--empty"], empties=True),
         Command("check --repair", ["check", "--repair"], rewrites=True, prepare=_take_templates),
         Command("reinit --force", ["reinit", "--force"], rewrites=True),
         Command("registry import", ["registry", "import", "@/change.reg"], groups=True),
@@ -108,9 +115,11 @@ def all_commands(tree):
                 targets=["old.st"]),
         Command("language template", ["language", "template", "@/new.lng"], targets=["new.lng"]),
     ]
-    for arguments in (["tags", "list", "--json"], ["contacts", "list", "--json"],
+    for command in commands:
+        command.trashed = trashed
+    for arguments in (["tags", "list", "--json"], ["tags", "trash", "--json"], ["contacts", "list", "--json"],
                       ["tags", "test", "--json"], ["status"], ["check", "--json"],
-                      ["registry", "export", "-"], ["template", "show", "@/old.st"],
+                      ["registry", "export"], ["template", "show", "@/old.st"],
                       ["wave", "check", "@/take.wav"]):
         commands.append(Command(" ".join(arguments).replace("@/", ""), arguments, changes=False,
                                 reports=arguments == ["status"]))

@@ -1,6 +1,7 @@
 """What may be left of a store after a fault."""
 
 import contextlib
+import re
 import sqlite3
 import struct
 import tempfile
@@ -10,16 +11,20 @@ DATA = "root/Program Files/Zedra Tech./Zedra Voxtrel/"
 WAVES = DATA + "Voxtrel_wav/"
 TEMPLATES = DATA + "Voxtrel_stor/"
 TAG_KEY = "Software\\Zedra\\Zedra Voxtrel"
+# The serial ports of the machine, which every look at the connection settings lists again.
+PORTS = "Drivers\\"
 VERSION = ("Software\\Zedra\\VoxtrelPEIni", "Version_Math")
+TRASH = "root/Voxtrel Trash/"
 # Names that a kill can leave, which the next command that changes something takes away.
-PASSING = (".voxtrel-", ".part")
+PASSING = re.compile(r"root/(.*/)?(\.voxtrel-[^/]*|[^/]*\.(part|deleting|restoring))")
 
 
 class Store(typing.NamedTuple):
     """A tree as the companion sees it."""
     tags: dict       # name -> (entry, recording, template); a part that is not there is None.
     orphans: list    # Files in the documented folders that belong to no entry.
-    settings: dict   # (key, value) -> (type, bytes), tags excepted.
+    settings: dict   # (key, value) -> (type, bytes), without tags and ports.
+    trashed: int     # How many things the trash holds.
     unreadable: str  # Why the settings cannot be read; empty if they can.
 
 
@@ -67,14 +72,15 @@ def read_store(tree):
             entry = entries.setdefault(path.removeprefix(TAG_KEY + "\\"), {})
             if name is not None:
                 entry[name] = value
-        elif name is not None:
+        elif name is not None and not path.startswith(PORTS):
             settings[path, name] = value
     tags = {name: (entry, tree.get(f"{WAVES}{name}.wav"),
                    _without_rest(tree.get(f"{TEMPLATES}{name}.st")))
             for name, entry in entries.items()}
     orphans = [path for path in tree if path.startswith((WAVES, TEMPLATES))
                and path.rpartition("/")[2].rpartition(".")[0] not in entries]
-    return Store(tags, orphans, settings, unreadable)
+    trashed = sum(path.startswith(TRASH) and path.endswith(".tar") for path in tree)
+    return Store(tags, orphans, settings, trashed, unreadable)
 
 
 def _without_rest(template):
@@ -99,10 +105,10 @@ def is_whole_template(template):
     if template is None or len(template) < 6:
         return False
     count, frames = struct.unpack_from("<IH", template)
-    return count == frames * 5 and len(template) == 6 + 4 * count
+    return count == frames * 5 > 0 and len(template) == 6 + 4 * count
 
 
-def what_may_be_left(command, before, after, done, recovered, restored):
+def what_may_be_left(command, before, after, done, recovered, restored, destroyed=()):
     """Returns what may not be left, as sentences.
 
     command    what it changes (commands.py)
@@ -110,7 +116,8 @@ def what_may_be_left(command, before, after, done, recovered, restored):
     after      the tree after the fault
     done       the tree after the same command without a fault
     recovered  the tree after the next command that changes something; None if it failed
-    restored   name of a tag -> that tag after `tags restore NAME`, for objects of a deletion
+    restored   name of a tag -> that tag after `tags restore NAME`, for what was or is deleted
+    destroyed  tags that may be gone for good, since the disk was full
     """
     wrong = []
     was, now, will = read_store(before), read_store(after), read_store(done)
@@ -149,18 +156,18 @@ def what_may_be_left(command, before, after, done, recovered, restored):
         if command.groups and len({store.settings.get(key) == will.settings.get(key)
                                    for key in changed}) > 1:
             wrong.append(f"settings that belong together were stored in part{word}")
-        # An object of a deletion, and what lies in the trash: whole here, or whole there.
-        for name, tag in command.whole_tags(was).items():
-            if name in store.tags and store is end and store.tags[name] != tag:
-                wrong.append("a tag came out of a deletion incomplete")
-            if name not in store.tags and store is end and restored.get(name) != tag:
+    # An object of a deletion, and what lies in the trash: whole here, or whole there.
+    for name, tag in command.whole_tags(was).items():
+        if end is not None and name in end.tags:
+            if end.tags[name] != tag:
+                wrong.append("a tag came out of a deletion or of the trash incomplete")
+        elif restored.get(name) != tag and name not in destroyed:
+            if not command.empties or restored.get(name) is not None:
                 wrong.append("a deleted tag is not in the trash as it was")
     if end is not None and not end.unreadable:
         for path in end.orphans:
             wrong.append("a file without an entry stays: " + path.rpartition(".")[2])
-        wrong += [f"a passing name stays: {path}" for path in recovered
-                  if path.startswith("root/") and
-                  (path.rpartition("/")[2].startswith(PASSING[0]) or path.endswith(PASSING[1]))]
+        wrong += [f"a passing name stays: {path}" for path in recovered if PASSING.fullmatch(path)]
     # Files outside the root: the old one or the new one.
     for path in command.targets + command.sides:
         if after.get(path) not in (before.get(path), done.get(path)):
@@ -168,10 +175,13 @@ def what_may_be_left(command, before, after, done, recovered, restored):
     return wrong
 
 
-def is_done(command, after, done):
+def is_done(command, after, done, destroyed=()):
     """Whether the command did what it was asked for."""
     now, will = read_store(after), read_store(done)
     return (now.settings == will.settings
             and sorted(map(repr, now.tags.values())) == sorted(map(repr, will.tags.values()))
             and now.orphans == will.orphans
+            # One copy more does no harm.
+            and (now.trashed == 0 if command.empties
+                 else now.trashed >= will.trashed - len(destroyed))
             and all(after.get(path) == done.get(path) for path in command.targets))

@@ -96,6 +96,7 @@ struct State {
   std::atomic<std::uint64_t> changes{0};
   std::atomic<std::uint64_t> failable{0};
   std::atomic<std::uint64_t> allocations{0};
+  std::atomic<std::int64_t> room{0};
 };
 // Before any constructor, since other libraries' constructors allocate and open files.
 constinit State g_state;
@@ -166,6 +167,16 @@ int CountedMain(int count, char** arguments, char** environment) {
   return g_main(count, arguments, environment);
 }
 
+/// Whether what has become free on the full disk is enough for the call.
+bool FindsRoom(const Call& call) {
+  const auto needed = static_cast<std::int64_t>(call.size);
+  if (g_state.error != ENOSPC || g_state.room <= needed) {
+    return false;
+  }
+  g_state.room -= needed;
+  return true;
+}
+
 }  // namespace
 
 ErrnoKept::ErrnoKept() : m_errno(errno) {}
@@ -203,12 +214,19 @@ Verdict Judge(const Call& call) {
   const bool fails = g_state.action == Action::kOnce || g_state.action == Action::kEver;
   if (fails && CanFailWith(call, g_state.error)) {
     const std::uint64_t count = ++g_state.failable;
-    if (count == g_state.number || (g_state.action == Action::kEver && count > g_state.number)) {
+    const bool isLater = g_state.action == Action::kEver && count > g_state.number;
+    if (count == g_state.number || (isLater && !FindsRoom(call))) {
       errno = g_state.error;
       return Verdict::kFail;
     }
   }
   return Verdict::kDo;
+}
+
+void NoteRoom(std::int64_t bytes) {
+  if (g_state.failable >= g_state.number) {
+    g_state.room += bytes;
+  }
 }
 
 void Log(const Call& call, bool succeeded) {

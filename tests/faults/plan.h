@@ -14,7 +14,8 @@
 //
 //   kill        the process ends before the N-th call that changes a file
 //   tear        the N-th such call, a write, does the first half of its work; then the process ends
-//   once, ever  of the calls that can fail with ERRNO the N-th, or each from the N-th on, does
+//   once, ever  of the calls that can fail with ERRNO the N-th, or each from the N-th on, does; a
+//               disk that is full from there on has room again as far as files go
 //   memory-once, memory-ever  the N-th allocation after the beginning of main, or each from it on,
 //               fails
 //
@@ -62,6 +63,8 @@ enum class Verdict : std::uint8_t {
 
 /// Counts the call and says what becomes of it. Does not return if the process ends here.
 [[nodiscard]] Verdict Judge(const Call& call);
+/// Notes that so many bytes of the medium have become free: on a full disk others can be written.
+void NoteRoom(std::int64_t bytes);
 /// Notes a call after it was done.
 void Log(const Call& call, bool succeeded);
 [[noreturn]] void Die();
