@@ -53,6 +53,23 @@ TemplateFileResult WriteTemplateFile(platform::FileSystem& files, std::u16string
   return flushed && closed ? result : TemplateFileResult::kFileFailure;
 }
 
+platform::FileError ReplaceTemplateFile(platform::FileSystem& files, std::u16string_view path,
+                                        framework::CObject& object) {
+  const auto opened = files.OpenReplacement(path);
+  if (!opened.replacement) {
+    return opened.error;
+  }
+  CFile file(files);
+  file.Attach(opened.replacement->GetFile());
+  CArchive archive(file, CArchive::Mode::kStore);
+  object.Serialize(archive);
+  if (archive.Close() != ArchiveStatus::kGood) {
+    const platform::FileError error = file.GetError();
+    return error == platform::FileError::kNone ? platform::FileError::kOther : error;
+  }
+  return opened.replacement->Publish(platform::Durability::kNow);
+}
+
 TemplateFileResult ReadTemplateFile(platform::FileSystem& files, std::u16string_view path,
                                     framework::CObject& object) {
   CFile file(files);

@@ -8,7 +8,7 @@ namespace cli {
 namespace {
 
 /// With a file in the microphone's place.
-std::string InWordsOfFile(int code, const std::string& file) {
+std::string RecordCodeOfFile(int code, const std::string& file) {
   switch (code) {
     case audio::kProcessEnded:
       return file + ": it cannot be opened";
@@ -21,7 +21,7 @@ std::string InWordsOfFile(int code, const std::string& file) {
   }
 }
 
-std::string InWords(int code) {
+std::string RecordCodeInWords(int code) {
   switch (code) {
     case audio::kDeviceNotOpened:
       return "the microphone could not be opened for 11,025 Hz, mono, 16 bit";
@@ -43,9 +43,9 @@ std::string InWords(int code) {
 
 std::string ExplainRecordCode(const Session& session, int code) {
   const std::string& microphone = session.GetOptions().microphone;
-  std::string words = microphone.empty() ? std::string() : InWordsOfFile(code, microphone);
+  std::string words = microphone.empty() ? std::string() : RecordCodeOfFile(code, microphone);
   if (words.empty()) {
-    words = InWords(code);
+    words = RecordCodeInWords(code);
   }
   return words.empty() || code < 0 ? words : fmt::format("{} (code {})", words, code);
 }

@@ -204,10 +204,11 @@ class TemplateMaker {
   }
 
   void WriteTemplate() {
-    const auto written = voicemath::WriteTemplateFile(
+    const FileError error = voicemath::ReplaceTemplateFile(
         m_platform.files, Session::ToSystemPath(m_arguments.st), m_mathematics);
-    if (written != TemplateFileResult::kDone) {
-      m_session.Fail(fmt::format("{}: {}", m_arguments.st, ExplainTemplateFile(written)));
+    if (error != FileError::kNone) {
+      m_session.Fail(
+          fmt::format("{}: it cannot be made: {}", m_arguments.st, ExplainFileError(error)));
     } else if (!m_session.GetOptions().json) {
       PrintSummary(m_mathematics);
     }
@@ -262,18 +263,14 @@ void AddTemplateMakers(CLI::App& group, Session& session) {
 
 std::string ExplainTemplateFile(TemplateFileResult result) {
   switch (result) {
-    case TemplateFileResult::kNotCreated:
-      return "it cannot be made";
     case TemplateFileResult::kNotOpened:
       return "it cannot be opened";
     case TemplateFileResult::kTorn:
       return "it is torn: it ends before its template does";
     case TemplateFileResult::kBadFormat:
       return "it is not a template file";
-    case TemplateFileResult::kDiskFull:
-      return "it cannot be written: the disk is full";
     default:
-      return "it cannot be read or written to its end";
+      return "it cannot be read to its end";
   }
 }
 

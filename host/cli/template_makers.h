@@ -12,7 +12,7 @@ namespace cli {
 /// voxtrel template learn|process
 void AddTemplateMakers(CLI::App& group, Session& session);
 
-/// Why a template file was not read or written, in words.
+/// Why a template file was not read, in words.
 [[nodiscard]] std::string ExplainTemplateFile(voicemath::TemplateFileResult result);
 
 /// The bands of a template as a picture, line by line.

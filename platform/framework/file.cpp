@@ -20,9 +20,15 @@ bool CFile::Open(std::u16string_view path, unsigned flags) {
     mode.creation = FileCreation::kCreateAlways;
   }
   auto opened = m_files.Open(path, mode);
-  m_file = std::move(opened.file);
+  m_owned = std::move(opened.file);
+  m_file = m_owned.get();
   m_path = m_file ? path : std::u16string_view();
   return IsDone(opened.error);
+}
+
+void CFile::Attach(platform::File& file) {
+  Close();
+  m_file = &file;
 }
 
 std::optional<std::uint64_t> CFile::GetLength() {
@@ -47,8 +53,9 @@ bool CFile::Close() {
   if (!m_file) {
     return true;
   }
-  const bool closed = IsDone(m_file->Close());
-  m_file.reset();
+  const bool closed = !m_owned || IsDone(m_owned->Close());
+  m_owned.reset();
+  m_file = nullptr;
   m_path.clear();
   return closed;
 }

@@ -29,6 +29,9 @@ class CFile {
   /// other readers, any other is shared with nobody. `flags` is a combination of OpenFlags.
   [[nodiscard]] bool Open(std::u16string_view path, unsigned flags);
 
+  /// Works on `file` from now on, which outlives that and is not closed by Close.
+  void Attach(platform::File& file);
+
   [[nodiscard]] bool IsOpen() const { return m_file != nullptr; }
   [[nodiscard]] const std::u16string& GetFilePath() const { return m_path; }
 
@@ -53,7 +56,8 @@ class CFile {
   [[nodiscard]] bool IsDone(platform::FileError error);
 
   platform::FileSystem& m_files;
-  std::unique_ptr<platform::File> m_file;
+  std::unique_ptr<platform::File> m_owned;  ///< Null if another one's file is attached.
+  platform::File* m_file = nullptr;
   std::u16string m_path;
   platform::FileError m_error = platform::FileError::kNone;
 };

@@ -139,7 +139,7 @@ TEST_F(TemplateCommands, LearnCutsNothingOnADiskThatHasNoRoomForTheTemplate) {
 TEST_F(TemplateCommands, AFullDiskIsNamed) {
   const std::string wave = CopySample("anna_1.wav");
   EXPECT_THAT(RunOnFullDisk(1, {"template", "process", wave, Path("a.st")}).err,
-              HasSubstr("a.st: it cannot be written: the disk is full"));
+              HasSubstr("a.st: it cannot be made: the disk is full"));
   EXPECT_THAT(
       RunOnFullDisk(100, {"template", "learn", wave, Path("b.st"), "--keep", Path("uncut.wav")})
           .err,
@@ -150,6 +150,16 @@ TEST_F(TemplateCommands, AFullDiskIsNamed) {
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_THAT(run.err, HasSubstr(wave + ": it cannot be read or rewritten: the disk is full"));
   EXPECT_EQ(std::filesystem::file_size(wave), 66194U);
+}
+
+TEST_F(TemplateCommands, AnEarlierTemplateIsReplacedAsAWholeAndKeptOnAFullDisk) {
+  const std::string wave = CopySample("anna_1.wav");
+  const std::string earlier(100'000, 'x');
+  std::ofstream(Path("a.st")) << earlier;
+  EXPECT_EQ(RunOnFullDisk(1, {"template", "process", wave, Path("a.st")}).exitCode, 1);
+  EXPECT_EQ(Read(Path("a.st")), earlier);
+  EXPECT_EQ(Run({"template", "process", wave, Path("a.st")}).exitCode, 0);
+  EXPECT_EQ(std::filesystem::file_size(Path("a.st")), 6U + 20 * 63U);
 }
 
 TEST_F(TemplateCommands, LearnOfLessThanAHopChangesNothingAndFails) {

@@ -102,6 +102,22 @@ TEST_P(FileFaults, ATemplateIsWrittenWholeOrTheResultSaysNo) {
   }
 }
 
+TEST_P(FileFaults, ATemplateThatReplacesAnEarlierOneIsTheEarlierOrTheNew) {
+  const support::Bytes earlier(10'000, std::byte{7});
+  bool anyFailed = true;
+  for (std::size_t call = 1; anyFailed; ++call) {
+    SCOPED_TRACE(call);
+    ASSERT_TRUE(m_files.PutFile(kTemplatePath, earlier));
+    m_failing.FailCall(call, GetParam(), platform::FileError::kDiskFull);
+    const auto error = voicemath::ReplaceTemplateFile(m_failing, kTemplatePath, m_mathematics);
+    anyFailed = m_failing.HasFailed();
+    EXPECT_EQ(error, anyFailed ? platform::FileError::kDiskFull : platform::FileError::kNone);
+    EXPECT_EQ(m_files.GetFile(kTemplatePath), anyFailed ? earlier : m_template);
+    EXPECT_EQ(m_files.CountOpenHandles(), 0U);
+    ASSERT_LT(call, 100U);
+  }
+}
+
 TEST_P(FileFaults, ALoadThatFailsLeavesTheSlot) {
   m_mathematics.m_loadSlot = 1;
   bool anyFailed = true;
