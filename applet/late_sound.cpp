@@ -41,18 +41,22 @@ platform::OpenedWaveIn LateWaveIn::Open(const platform::WaveFormat& format) {
 }
 
 platform::WaveIn* LateWaveIn::Find() {
-  std::call_once(m_once, [this] {
+  const std::lock_guard lock(m_mutex);
+  if (!m_wasTried) {
     LoadSound<platform::MakeWaveInFunction>(platform::kMakeWaveInName, "microphone", m_found);
-  });
+    m_wasTried = true;
+  }
   return m_found.get();
 }
 
 LateWaveOut::LateWaveOut() { pulse::KeepLibraryQuiet(); }
 
 platform::OpenedWaveOut LateWaveOut::Open(const platform::WaveFormat& format) {
-  std::call_once(m_once, [this] {
+  const std::lock_guard lock(m_mutex);
+  if (!m_wasTried) {
     LoadSound<platform::MakeWaveOutFunction>(platform::kMakeWaveOutName, "loudspeaker", m_found);
-  });
+    m_wasTried = true;
+  }
   return m_found ? m_found->Open(format) : platform::OpenedWaveOut{nullptr, WaveResult::kNoDevice};
 }
 

@@ -12,6 +12,9 @@ namespace applet {
 // loaded when one of them is first asked for anything, on whichever thread that is; where it cannot
 // be loaded there is no device, and standard error tells why. Made while the process has one
 // thread: the library's manners are set by the environment.
+//
+// A mutex and no std::call_once, since an exception for want of memory that passes through the C
+// library ends the process: that one would have to load the unwinder first.
 
 class LateWaveIn final : public platform::WaveIn {
  public:
@@ -24,7 +27,8 @@ class LateWaveIn final : public platform::WaveIn {
   /// Null without the library.
   [[nodiscard]] platform::WaveIn* Find();
 
-  std::once_flag m_once;
+  std::mutex m_mutex;
+  bool m_wasTried = false;
   std::unique_ptr<platform::WaveIn> m_found;
 };
 
@@ -35,7 +39,8 @@ class LateWaveOut final : public platform::WaveOut {
   [[nodiscard]] platform::OpenedWaveOut Open(const platform::WaveFormat& format) override;
 
  private:
-  std::once_flag m_once;
+  std::mutex m_mutex;
+  bool m_wasTried = false;
   std::unique_ptr<platform::WaveOut> m_found;
 };
 
