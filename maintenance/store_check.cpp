@@ -60,6 +60,11 @@ class Checker {
     CheckFolder(storage::kWavePattern, storage::kWaveExtension, StoreProblem::kRecordingWithoutTag);
     CheckFolder(storage::kTemplatePattern, storage::kTemplateExtension,
                 StoreProblem::kTemplateWithoutTag);
+    for (const std::u16string_view folder : {storage::kWaveFolder, storage::kTemplateFolder}) {
+      CheckFolder(
+          std::u16string(folder) + u"\\" + std::u16string(platform::kUnfinishedPrefix) + u"*", {},
+          StoreProblem::kUnfinishedFile);
+    }
     return std::move(m_findings);
   }
 

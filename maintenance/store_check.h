@@ -29,6 +29,7 @@ enum class StoreProblem : std::uint8_t {
   kTemplateStale,  ///< It is not what the recording gives.
   kRecordingWithoutTag,
   kTemplateWithoutTag,
+  kUnfinishedFile,  ///< What a killed process left of a file that it wrote.
 };
 
 struct StoreFinding {
@@ -44,6 +45,9 @@ struct StoreFinding {
 
 /// Whether computing the template anew from the kept recording puts it right.
 [[nodiscard]] bool IsRepairable(StoreProblem problem);
+
+/// Whether moving the file into the trash puts it right.
+[[nodiscard]] bool IsOrphan(StoreProblem problem);
 
 enum class ContactsState : std::uint8_t { kOpen, kAway };
 

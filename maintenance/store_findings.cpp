@@ -53,6 +53,8 @@ Wording WordingOf(StoreProblem problem) {
       return {"recording-without-tag", "there is a recording and no tag"};
     case kTemplateWithoutTag:
       return {"template-without-tag", "there is a template and no tag"};
+    case kUnfinishedFile:
+      return {"unfinished-file", "a program that was ended early left this file"};
   }
   return {};
 }
@@ -66,6 +68,11 @@ std::string_view Describe(StoreProblem problem) { return WordingOf(problem).sent
 bool IsRepairable(StoreProblem problem) {
   return problem == StoreProblem::kNoTemplate || problem == StoreProblem::kTemplateTorn ||
          problem == StoreProblem::kTemplateContradicting;
+}
+
+bool IsOrphan(StoreProblem problem) {
+  return problem == StoreProblem::kRecordingWithoutTag ||
+         problem == StoreProblem::kTemplateWithoutTag || problem == StoreProblem::kUnfinishedFile;
 }
 
 }  // namespace maintenance

@@ -172,4 +172,28 @@ DeletedAll DeleteAllTags(platform::FileSystem& files, platform::Registry& regist
   return outcome;
 }
 
+std::vector<std::u16string> DeleteOrphans(platform::FileSystem& files, platform::Registry& registry,
+                                          const TagTrash& trash) {
+  StoreContents contents;
+  // Without all entries nobody knows which files have none; a folder that cannot be read hides
+  // orphans alone.
+  if (ListStore(files, registry, contents, [] {}) == ListResult::kNoEntries) {
+    return {};
+  }
+  Deletion deletion(trash, DeletionReason::kRepair);
+  std::erase_if(contents.orphans, [&deletion](const TagParts& parts) {
+    return deletion.Keep(parts, {}) != ItemResult::kDone;
+  });
+  if (!deletion.Seal()) {
+    return {};
+  }
+  std::vector<std::u16string> names;
+  for (const TagParts& parts : contents.orphans) {
+    if (trash.DeleteParts(parts)) {
+      names.push_back(parts.name);
+    }
+  }
+  return names;
+}
+
 }  // namespace storage

@@ -52,4 +52,10 @@ struct DeletedAll {
     const std::function<std::u16string(std::u16string_view)>& getText,
     const std::function<void(DeletionProblem)>& report);
 
+/// Moves the files of no tag into the trash. Returns the names of those that went. A file that the
+/// trash cannot take stays.
+[[nodiscard]] std::vector<std::u16string> DeleteOrphans(platform::FileSystem& files,
+                                                        platform::Registry& registry,
+                                                        const TagTrash& trash);
+
 }  // namespace storage

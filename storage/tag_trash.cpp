@@ -303,7 +303,8 @@ ItemResult Deletion::Keep(const TagParts& parts, std::u16string_view text) {
     return ItemResult::kDone;
   }
   ItemResult result = Write(parts, text);
-  if (result == ItemResult::kFull && m_by != DeletionReason::kCleanUp) {
+  const bool isOfUser = m_by == DeletionReason::kDelete || m_by == DeletionReason::kDeleteAll;
+  if (result == ItemResult::kFull && isOfUser) {
     static_cast<void>(m_trash.Empty());
     result = Write(parts, text);
   }

@@ -66,6 +66,10 @@ class TagTrash {
   /// left.
   [[nodiscard]] bool Empty() const;
 
+  /// Deletes the parts from the store, in the order in which a companion is promised to see them
+  /// go, up to the first failure. Returns whether all of them are gone.
+  [[nodiscard]] bool DeleteParts(const TagParts& parts) const;
+
  private:
   friend class Deletion;
 
@@ -76,7 +80,6 @@ class TagTrash {
   void EndDeletion(std::u16string_view mark, const std::vector<std::u16string>& names,
                    Unfinished unfinished) const;
   void RemoveOld(const std::vector<std::u16string>& names) const;
-  [[nodiscard]] bool DeleteParts(const TagParts& parts) const;
   [[nodiscard]] bool FlushStore() const;
   [[nodiscard]] platform::FileError Mark(std::u16string_view name) const;
   bool Delete(std::u16string_view name) const;
@@ -97,8 +100,8 @@ class Deletion {
   ~Deletion();
 
   /// Copies a tag. What is left of a tag that an earlier deletion copied whole needs no copy. If
-  /// the disk is full, and unless a clean-up asks, the trash is emptied first; kFull means that it
-  /// did not suffice.
+  /// the disk is full and a user deletes, the trash is emptied first; kFull means that it did not
+  /// suffice.
   [[nodiscard]] ItemResult Keep(const TagParts& parts, std::u16string_view text);
 
   /// Returns when all copies are on the medium; false if that cannot be known, and nothing may go.

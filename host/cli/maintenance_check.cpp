@@ -19,6 +19,7 @@
 #include "platform/text/utf.h"
 #include "storage/folders.h"
 #include "storage/registry_keys.h"
+#include "storage/store_contents.h"
 #include "storage/tag_store.h"
 #include "tags/contact_opening.h"
 #include "tags/contact_reading.h"
@@ -141,6 +142,24 @@ void PrintFindings(Session& session, const std::vector<CheckedFinding>& findings
   }
 }
 
+void RemoveOrphans(const platform::Platform& platform, std::vector<CheckedFinding>& findings) {
+  const auto isOrphan = [](const CheckedFinding& checked) {
+    return IsOrphan(checked.finding.problem);
+  };
+  if (std::ranges::none_of(findings, isOrphan)) {
+    return;
+  }
+  const storage::TagTrash trash(platform.files, platform.registry, platform.clock);
+  const std::vector<std::u16string> gone =
+      storage::DeleteOrphans(platform.files, platform.registry, trash);
+  for (CheckedFinding& checked : findings) {
+    if (isOrphan(checked)) {
+      checked.isRepaired = std::ranges::find(gone, checked.finding.tag) != gone.end();
+      checked.reason = checked.isRepaired ? "" : "the file is in use, or the trash cannot take it";
+    }
+  }
+}
+
 void Repair(const platform::Platform& platform, std::vector<CheckedFinding>& findings) {
   if (CountTags(platform) > 0) {
     // What fails here each template that needs it tells.
@@ -154,6 +173,7 @@ void Repair(const platform::Platform& platform, std::vector<CheckedFinding>& fin
       checked.reason = Describe(result);
     }
   }
+  RemoveOrphans(platform, findings);
 }
 
 /// Whether there is a folder that may hold tags. A repair makes none.
@@ -180,6 +200,10 @@ void CheckTags(Session& session, bool isRepair) {
   headless::HeadlessUi silent;
   const platform::Platform platform{own.files, own.waveIn,   own.clock,    own.threads, own.process,
                                     silent,    own.registry, own.contacts, own.waveOut, own.shell};
+  if (mayRepair) {
+    // What a killed deletion left is no finding: it is finished or undone.
+    storage::TagTrash(platform.files, platform.registry, platform.clock).Recover();
+  }
   std::vector<CheckedFinding> findings = FindProblems(session, platform);
   if (mayRepair) {
     Repair(platform, findings);

@@ -160,7 +160,8 @@ void AddMaintenanceCommands(CLI::App& app, Session& session) {
       "Tell what is not as it should be with the voice tags (exit code 1 where anything "
       "is), and change nothing");
   check->add_flag("--repair", *isRepair,
-                  "Compute missing and torn templates anew from the kept recordings");
+                  "Compute missing and torn templates again from the kept recordings, and move "
+                  "files that belong to no tag to the trash");
   check->callback([&session, isRepair] { CheckTags(session, *isRepair); });
 }
 

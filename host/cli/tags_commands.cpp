@@ -23,8 +23,8 @@
 #include "language/formatting.h"
 #include "platform/text/utf.h"
 #include "resources/dialogs.h"
-#include "storage/device_paths.h"
 #include "resources/strings.h"
+#include "storage/device_paths.h"
 #include "storage/tag_store.h"
 #include "voicemath/recording_review.h"
 

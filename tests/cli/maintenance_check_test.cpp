@@ -67,9 +67,34 @@ TEST_F(CheckCommand, RepairMakesMissingAndTornTemplatesAndNothingElse) {
   fs::remove(Template("100"));
   fs::remove(Wave("300"));
   EXPECT_EQ(Check({"--repair"}, 1),
-            (Lines{"no-template 100!", "no-recording 300", "recording-without-tag 900"}));
+            (Lines{"no-template 100!", "no-recording 300", "recording-without-tag 900!"}));
   EXPECT_FALSE(fs::exists(Template("900")));
   EXPECT_TRUE(fs::exists(Template("300")));
+}
+
+TEST_F(CheckCommand, RepairMovesWhatBelongsToNoTagToTheTrash) {
+  PutThreeTags();
+  fs::copy_file(fs::path(VOXTREL_SAMPLES_DIR) / "sophie_1.wav", Wave("900"));
+  std::ofstream(Template("901")) << "t";
+  std::ofstream(Folder("Voxtrel_wav") / ".voxtrel-trimmed-0123456789abcdef") << "half";
+  const Lines found{"recording-without-tag 900", "template-without-tag 901",
+                    "unfinished-file .voxtrel-trimmed-0123456789abcdef"};
+  EXPECT_EQ(Check({}, 1), found);
+  EXPECT_EQ(Check({"--repair"}, 0), (Lines{found[0] + "!", found[1] + "!", found[2] + "!"}));
+  EXPECT_EQ(Check({}, 0), Lines{});
+  const auto restored = Run({"tags", "restore", "--last"});
+  EXPECT_EQ(restored.exitCode, 0) << restored.err;
+  EXPECT_TRUE(fs::exists(Wave("900")) && fs::exists(Template("901")));
+  EXPECT_EQ(Check({}, 1), found);
+}
+
+TEST_F(CheckCommand, RepairLeavesAFileThatIsInUse) {
+  PutThreeTags();
+  fs::copy_file(fs::path(VOXTREL_SAMPLES_DIR) / "sophie_1.wav", Wave("900"));
+  posix::PosixFileSystem files(Wide(Path("root")));
+  const auto held = files.Open(storage::WavePath(u"900"), {});
+  EXPECT_EQ(Check({"--repair"}, 1), Lines{"recording-without-tag 900"});
+  EXPECT_TRUE(fs::exists(Wave("900")));
 }
 
 TEST_F(CheckCommand, RepairMakesAFolderThatIsGoneWithItsTemplates) {

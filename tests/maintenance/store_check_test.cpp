@@ -110,7 +110,11 @@ TEST_F(StoreCheck, FindsFilesWithoutATag) {
   Learn(u"100", 1);
   PutRecording(u"300", 1);
   PutTemplate(u"400", {});
-  EXPECT_EQ(Check(), (Texts{u"recording-without-tag 300", u"template-without-tag 400"}));
+  const std::u16string unfinished = u".voxtrel-1";
+  ASSERT_TRUE(
+      m_machine.files.PutFile(std::u16string(storage::kWaveFolder) + u"\\" + unfinished, {}));
+  EXPECT_EQ(Check(), (Texts{u"recording-without-tag 300", u"template-without-tag 400",
+                            u"unfinished-file .voxtrel-1"}));
 }
 
 TEST_F(StoreCheck, FilesBelongToATagWhateverTheirLettersAndFoldersAreNoFiles) {
@@ -260,7 +264,7 @@ TEST_F(StoreCheck, FilesThatFailAreToldAndNothingElseIsMadeUp) {
 
 TEST_F(StoreCheck, HasAWordAndASentenceForEachProblem) {
   std::vector<std::string_view> words;
-  for (int i = 0; i <= static_cast<int>(StoreProblem::kTemplateWithoutTag); ++i) {
+  for (int i = 0; i <= static_cast<int>(StoreProblem::kUnfinishedFile); ++i) {
     const auto problem = static_cast<StoreProblem>(i);
     EXPECT_FALSE(Describe(problem).empty());
     EXPECT_EQ(std::ranges::find(words, ToWord(problem)), words.end());
@@ -367,6 +371,8 @@ TEST_F(StoreCheck, OnlyTemplatesAreRepairable) {
   EXPECT_FALSE(IsRepairable(StoreProblem::kTemplateStale)) << "Nobody knows which of both is old.";
   EXPECT_FALSE(IsRepairable(StoreProblem::kRecordingWithoutTag));
   EXPECT_FALSE(IsRepairable(StoreProblem::kContactGone));
+  EXPECT_TRUE(IsOrphan(StoreProblem::kRecordingWithoutTag));
+  EXPECT_FALSE(IsOrphan(StoreProblem::kNoTemplate));
 }
 
 }  // namespace
