@@ -119,6 +119,7 @@ std::vector<std::size_t> ByPreference(std::span<const TelephoneLine> lines, Rule
   }
   std::sort(ranked.begin(), ranked.end());
   std::vector<std::size_t> order;
+  order.reserve(ranked.size());
   for (const auto& [rank, index] : ranked) {
     order.push_back(index);
   }
