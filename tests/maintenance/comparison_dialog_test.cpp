@@ -23,6 +23,7 @@ class ToldClock final : public platform::Clock {
   [[nodiscard]] std::uint32_t GetTickCount() override {
     return m_ticks[std::min(m_asked++, m_ticks.size() - 1)];
   }
+  [[nodiscard]] std::int64_t GetUnixTime() override { return 0; }
   void Sleep(std::uint32_t /*milliseconds*/) override {}
 
  private:

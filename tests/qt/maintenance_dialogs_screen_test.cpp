@@ -158,6 +158,7 @@ TEST_F(MaintenanceDialogsScreen, TheTestShowsItsLinesAndShortOnesNeedNoScrolling
 class HastyClock final : public platform::Clock {
  public:
   [[nodiscard]] std::uint32_t GetTickCount() override { return m_ticks += 1000; }
+  [[nodiscard]] std::int64_t GetUnixTime() override { return 0; }
   void Sleep(std::uint32_t /*milliseconds*/) override {}
 
  private:
