@@ -171,6 +171,21 @@ TEST(FastComparison, EqualsItsTwinOnFarLongerTemplatesWithShiftsNearlyAlike) {
   }
 }
 
+/// One value of the word is not zero, and that band of the longer template is even: all shifts are
+/// the same but for the rounding of their sums.
+TEST(FastComparison, EqualsItsTwinOnFarLongerTemplatesIfRoundingAloneDecides) {
+  std::mt19937 random(37);
+  for (int round = 0; round < 12; ++round) {
+    Template word{.frameCount = 9, .values = std::vector<float>(9 * kBandCount)};
+    word.values[4 * kBandCount] = 1.0F;
+    Template longer = DrawEven(random, 1009 + support::Draw(random, 20), 0, 1);
+    for (std::size_t i = 0; i < longer.values.size(); i += kBandCount) {
+      longer.values[i] = 700.0F;
+    }
+    ExpectSame(word, longer);
+  }
+}
+
 /// The word itself stands somewhere in the longer one, at its ends as well, more than once.
 TEST(FastComparison, EqualsItsTwinIfTheWordStandsInAFarLongerTemplate) {
   std::mt19937 random(33);
