@@ -179,11 +179,13 @@ inline constexpr std::u16string_view kTagDestroyed =
     u"restored.";
 /// "%d" is the number of them.
 inline constexpr std::u16string_view kTagsDestroyed =
-    u"The disk is full: the trash has no room for all that was deleted. Tags that cannot be restored: "
+    u"The disk is full: the trash has no room for all that was deleted. Tags that cannot be "
+    u"restored: "
     u"%d";
 /// Follows the question whether to delete all tags while the list is not filled. "%d" is the number
 /// of recordings that are there.
-inline constexpr std::u16string_view kRecordingsWillBeDeleted = u"Recordings that will be deleted: %d";
+inline constexpr std::u16string_view kRecordingsWillBeDeleted =
+    u"Recordings that will be deleted: %d";
 /// Indexed by the stored code of the kind.
 inline constexpr std::array<std::u16string_view, 10> kNumberFailedOnSelection = {
     u"Failed to get car phone number",         u"Failed to get Radio phone number",

@@ -17,9 +17,9 @@ void ReserveStandardStreams();
 /// are U+FFFD. What a terminal may take for a command (text::IsCommand) is an escape.
 void PrintJson(const Json& json);
 
-/// A line on standard output or standard error, as text::Printable gives it, since it may hold names
-/// that others chose. Where that takes nothing more the line is lost; for standard
-/// output FlushOutput tells.
+/// A line on standard output or standard error, as text::Printable gives it, since it may hold
+/// names that others chose. Where that takes nothing more the line is lost; for standard output
+/// FlushOutput tells.
 void PrintLine(std::string_view line);
 void PrintErrorLine(std::string_view line);
 

@@ -22,7 +22,7 @@ namespace {
 /// Files of another moment: what is there is not found yet.
 class NothingFound final : public support::ForwardingFileSystem {
  public:
-  using ForwardingFileSystem::ForwardingFileSystem;
+  explicit NothingFound(platform::FileSystem& inner) : ForwardingFileSystem(inner) {}
 
   platform::StartedSearch FindFirst(std::u16string_view) override {
     return {nullptr, {}, FileError::kNotFound};

@@ -400,9 +400,10 @@ TEST_F(PageOneList, ATagThatAFullDiskCannotKeepIsDestroyedWithAMessage) {
   EXPECT_EQ(GetMessages(), (Texts{u"The tag will be deleted!", std::u16string(kTagDestroyed)}));
   EXPECT_EQ(GetEntries(), Texts{u"200"});
   dialog.Press(kDeleteAllButtonId);
-  EXPECT_EQ(GetMessages().back(),
-            u"The disk is full: the trash has no room for all that was deleted. Tags that cannot be "
-            u"restored: 1");
+  EXPECT_EQ(
+      GetMessages().back(),
+      u"The disk is full: the trash has no room for all that was deleted. Tags that cannot be "
+      u"restored: 1");
   EXPECT_TRUE(GetEntries().empty());
 }
 
@@ -508,7 +509,8 @@ TEST_F(PageOneList, DeleteAllOfAListThatWasNotFilledSaysHowManyRecordingsItIsAbo
   ASSERT_TRUE(dialog.IsEnabled(kDeleteAllButtonId));
   Refuse();
   dialog.Press(kDeleteAllButtonId);
-  EXPECT_EQ(GetMessages().back(), u"All voice tags will be deleted!\n\nRecordings that will be deleted: 2");
+  EXPECT_EQ(GetMessages().back(),
+            u"All voice tags will be deleted!\n\nRecordings that will be deleted: 2");
   EXPECT_EQ(GetEntries(), (Texts{u"100", u"200"}));
 }
 
