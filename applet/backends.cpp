@@ -8,10 +8,12 @@
 #include "applet/late_sound.h"
 #include "platform/desktop_books.h"
 #include "platform/loading/loaded_library.h"
+#include "platform/posix/posix_file.h"
 #include "platform/sqlite/sqlite_registry.h"
 #include "platform/text/utf.h"
 #include "platform/wave_file/file_wave_in.h"
 #include "platform/wave_file/file_wave_out.h"
+#include "storage/device_paths.h"
 #include "storage/registry_keys.h"
 #include "storage/tag_store.h"
 #include "tags/oids_in_use.h"
@@ -94,8 +96,18 @@ void Backends::MakeRoot() const {
   if (m_access == sqlite::Access::kRead) {
     return;
   }
-  std::error_code ignored;
-  std::filesystem::create_directories(GetRoot(), ignored);
+  static_cast<void>(posix::MakeFolders(GetRoot().lexically_normal().native()));
+  // What an earlier version left to the umask.
+  posix::PosixFileSystem files(ToSystemPath(GetRoot().native()));
+  for (const std::u16string_view path :
+       {std::u16string_view(u"\\"), storage::kProgramFilesFolder, storage::kMakerFolder,
+        storage::kInstallFolder, storage::kWaveFolder, storage::kTemplateFolder}) {
+    files.KeepFromOthers(path);
+  }
+  for (const std::u16string_view suffix : {u"", u"-wal", u"-shm"}) {
+    files.KeepFromOthers(u"\\" + text::FromHostName(sqlite::kDatabaseName) +
+                         std::u16string(suffix));
+  }
 }
 
 std::u16string Backends::ToSystemPath(const std::string& name) {

@@ -70,8 +70,8 @@ class Backends {
   /// unless this is called.
   void OnNoContacts(std::function<void()> tell) { m_noContacts = std::move(tell); }
 
-  /// Makes the root folder if it is missing and anything may be changed. If that fails, whoever
-  /// needs the folder reports it.
+  /// If anything may be changed: makes the root folder if it is missing, and takes from other users
+  /// every right to what the applet keeps there. If that fails, whoever needs the folder reports it.
   void MakeRoot() const;
 
   /// Where a device path leads on this machine.

@@ -169,6 +169,8 @@ struct StartedSearch {
 ///
 /// What is made belongs to its user alone: files are 0600 and folders 0700, whatever the umask. An
 /// older file on a device path loses the rights of others if it is opened for writing.
+///
+/// Nothing throws: without memory a call fails with kOther.
 class FileSystem {
  public:
   FileSystem() = default;
@@ -185,13 +187,6 @@ class FileSystem {
   /// Deletes a file. Refused with kSharingViolation while any holder has it open. A link on a
   /// device path goes itself and its file stays; one on a path of the host is refused with kLink.
   [[nodiscard]] virtual FileError Delete(std::u16string_view path) = 0;
-
-  /// Lets `from` take the place of `to` in one step: at any moment, a loss of power included, `to`
-  /// is wholly the earlier file or wholly the new one. What `from` holds need not be flushed. The
-  /// permissions and the name of an earlier `to` stay. Refused with kSharingViolation while any
-  /// holder has either open. Returns when the change is on the medium; kOther may also mean that
-  /// the change was made and it could not be told whether it is there.
-  [[nodiscard]] virtual FileError Replace(std::u16string_view from, std::u16string_view to) = 0;
 
   /// Makes one folder, and returns when its name is on the medium.
   [[nodiscard]] virtual FileError CreateFolder(std::u16string_view path) = 0;

@@ -96,18 +96,6 @@ void MemoryDisk::Remove(const Place& place) {
   place.folder->children.erase(place.key);
 }
 
-void MemoryDisk::Move(const Place& from, const Place& to) {
-  if (MemoryNode* target = Find(to)) {
-    m_used -= target->bytes.size();
-    target->bytes = std::move(Find(from)->bytes);
-  } else {
-    std::unique_ptr<MemoryNode> node = std::move(from.folder->children[from.key]);
-    node->name = to.name;
-    to.folder->children[to.key] = std::move(node);
-  }
-  from.folder->children.erase(from.key);
-}
-
 void MemoryDisk::Publish(MemoryNode& file, const Place& to) {
   MemoryNode* target = Find(to);
   if (target == nullptr) {

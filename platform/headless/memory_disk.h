@@ -55,8 +55,6 @@ class MemoryDisk {
   [[nodiscard]] static MemoryNode* Find(const Place& place);
   static MemoryNode& Add(const Place& place, bool isFolder);
   void Remove(const Place& place);
-  /// The file `from` becomes the content of `to`, or moves there where `to` does not exist.
-  void Move(const Place& from, const Place& to);
 
   /// The content of `file`, which is in no folder, becomes the file at `to`, made where missing.
   void Publish(MemoryNode& file, const Place& to);

@@ -160,33 +160,6 @@ FileError MemoryFileSystem::Delete(std::u16string_view path) {
   return error;
 }
 
-FileError MemoryFileSystem::Replace(std::u16string_view from, std::u16string_view to) {
-  const std::lock_guard lock(m_disk->mutex);
-  const std::optional<Place> source = m_disk->FindPlace(from);
-  const std::optional<Place> target = m_disk->FindPlace(to);
-  const MemoryNode* sourceNode = source ? MemoryDisk::Find(*source) : nullptr;
-  const MemoryNode* targetNode = target ? MemoryDisk::Find(*target) : nullptr;
-  if (sourceNode == nullptr || !target) {
-    return FileError::kNotFound;
-  }
-  if (sourceNode == targetNode) {
-    return FileError::kNone;
-  }
-  if (sourceNode->isFolder) {
-    return FileError::kAccessDenied;
-  }
-  if (targetNode != nullptr) {
-    if (const FileError error = CheckRemove(targetNode); error != FileError::kNone) {
-      return error;
-    }
-  }
-  if (sourceNode->IsHeld()) {
-    return FileError::kSharingViolation;
-  }
-  m_disk->Move(*source, *target);
-  return FileError::kNone;
-}
-
 FileError MemoryFileSystem::CreateFolder(std::u16string_view path) {
   const std::lock_guard lock(m_disk->mutex);
   const std::optional<Place> place = m_disk->FindPlace(path);

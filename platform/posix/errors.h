@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cerrno>
+#include <new>
 
 #include "platform/file_system.h"
 
@@ -17,6 +18,16 @@ template <typename Call>
     result = call();
   }
   return result;
+}
+
+/// The result of the call, or `failure` if there was no memory for it.
+template <typename Result, typename Call>
+Result WithMemory(Result failure, const Call& call) {
+  try {
+    return call();
+  } catch (const std::bad_alloc&) {
+    return failure;
+  }
 }
 
 }  // namespace posix

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "platform/posix/descriptor.h"
+#include "platform/posix/posix_file.h"
 #include "platform/posix/posix_threads.h"
 #include "platform/text/utf.h"
 
@@ -45,10 +46,9 @@ bool PosixThreads::WasNamedMutexMade(const std::string& lockFolder, std::u16stri
 }
 
 platform::CreatedMutex PosixThreads::CreateNamedMutex(std::u16string_view name) {
-  std::error_code ignored;
-  std::filesystem::create_directories(m_lockFolder, ignored);
+  static_cast<void>(MakeFolders(m_lockFolder));  // If that fails, so does what comes next.
   const std::string path = PathOf(m_lockFolder, name);
-  Descriptor file(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, kOwnerOnly));
+  Descriptor file(::open(path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, kOwnerOnly));
   if (!file.IsOpen()) {
     return {};
   }

@@ -49,6 +49,16 @@ FileError MakeFolder(const std::string& path) {
   return SyncFolder(FolderOf(path));
 }
 
+FileError MakeFolders(const std::string& path) {
+  for (std::size_t end = path.find('/', 1);; end = path.find('/', end + 1)) {
+    const FileError error = MakeFolder(path.substr(0, end));
+    if (end == std::string::npos) {
+      return error == FileError::kAlreadyExists ? FileError::kNone : error;
+    }
+    // A folder on the way may be one that this process may pass and not write; the next call tells.
+  }
+}
+
 PosixFile::PosixFile(LockedFile file, FileAccess access)
     : m_descriptor(std::move(file.descriptor)),
       m_access(access),

@@ -41,6 +41,9 @@ class PosixFile final : public platform::File {
 /// Makes a folder of this user alone. Returns when its name is on the medium.
 [[nodiscard]] platform::FileError MakeFolder(const std::string& path);
 
+/// Likewise with every missing folder on its way. One that is there is left as it is.
+[[nodiscard]] platform::FileError MakeFolders(const std::string& path);
+
 /// Returns when the entries of `folder` are on the medium.
 [[nodiscard]] platform::FileError SyncFolder(const std::string& folder);
 

@@ -14,7 +14,6 @@
 #include "platform/posix/open_file.h"
 #include "platform/posix/posix_file.h"
 #include "platform/posix/posix_replacement.h"
-#include "platform/posix/replace_file.h"
 #include "platform/text/device_path.h"
 #include "platform/text/names.h"
 #include "platform/text/utf.h"
@@ -33,12 +32,12 @@ class PosixSearch final : public platform::FileSearch {
     if (m_next == m_found.size()) {
       return FileError::kNoMoreFiles;
     }
-    found = m_found[m_next++];
+    found = std::move(m_found[m_next++]);
     return FileError::kNone;
   }
 
  private:
-  const std::vector<FoundFile> m_found;
+  std::vector<FoundFile> m_found;
   std::size_t m_next = 0;
 };
 
@@ -81,6 +80,13 @@ FileError FindMatches(const HostPlace& pattern, std::vector<FoundFile>& found) {
   return found.empty() ? FileError::kNotFound : FileError::kNone;
 }
 
+void TakeRightsOfOthers(const std::string& path, const struct stat& status) {
+  const bool isOfAll = S_ISDIR(status.st_mode) && (status.st_mode & S_ISVTX) != 0;
+  if (!isOfAll && (status.st_mode & (S_IRWXG | S_IRWXO)) != 0) {
+    static_cast<void>(::chmod(path.c_str(), status.st_mode & S_IRWXU));
+  }
+}
+
 Others OthersOf(std::u16string_view path) {
   return text::IsDevicePath(path) ? Others::kLoseRights : Others::kKeepRights;
 }
@@ -91,86 +97,116 @@ PosixFileSystem::PosixFileSystem(std::u16string_view root) : m_root(text::ToHost
 
 platform::OpenedFile PosixFileSystem::Open(std::u16string_view path,
                                            const platform::OpenMode& mode) {
-  const FoundPlace found = FindPlace(m_root, path);
-  if (found.error != FileError::kNone) {
-    return {nullptr, found.error};
-  }
-  LockedFile file = OpenLocked(found.place.Path(), mode, OthersOf(path));
-  if (file.error != FileError::kNone) {
-    return {nullptr, file.error};
-  }
-  return {std::make_unique<PosixFile>(std::move(file), mode.access), FileError::kNone};
+  return WithMemory(platform::OpenedFile{}, [&]() -> platform::OpenedFile {
+    const FoundPlace found = FindPlace(m_root, path);
+    if (found.error != FileError::kNone) {
+      return {nullptr, found.error};
+    }
+    LockedFile file = OpenLocked(found.place.Path(), mode, OthersOf(path));
+    if (file.error != FileError::kNone) {
+      return {nullptr, file.error};
+    }
+    return {std::make_unique<PosixFile>(std::move(file), mode.access), FileError::kNone};
+  });
 }
 
 platform::OpenedReplacement PosixFileSystem::OpenReplacement(std::u16string_view path) {
-  FoundPlace found = FindPlace(m_root, path);
-  if (found.error != FileError::kNone) {
-    return {nullptr, found.error};
-  }
-  return PosixReplacement::Open(std::move(found.place), OthersOf(path));
+  return WithMemory(platform::OpenedReplacement{}, [&]() -> platform::OpenedReplacement {
+    FoundPlace found = FindPlace(m_root, path);
+    if (found.error != FileError::kNone) {
+      return {nullptr, found.error};
+    }
+    return PosixReplacement::Open(std::move(found.place), OthersOf(path));
+  });
 }
 
 FileError PosixFileSystem::Delete(std::u16string_view path) {
-  const FoundPlace found = FindPlace(m_root, path);
-  if (found.error != FileError::kNone) {
-    return found.error;
-  }
-  const std::string hostPath = found.place.Path();
-  const bool isLink = IsLink(hostPath);
-  if (isLink && !text::IsDevicePath(path)) {
-    return FileError::kLink;
-  }
-  // Locked until the entry is gone, so that nobody becomes a holder in between.
-  const LockedFile file = OpenForRemoval(hostPath);
-  const bool goes =
-      file.error == FileError::kNone || (file.error == FileError::kNotFound && isLink);
-  if (!goes) {
-    return file.error;
-  }
-  return ::unlink(hostPath.c_str()) == 0 ? FileError::kNone : ToFileError(errno);
-}
-
-FileError PosixFileSystem::Replace(std::u16string_view from, std::u16string_view to) {
-  const FoundPlace source = FindPlace(m_root, from);
-  const FoundPlace target = FindPlace(m_root, to);
-  if (source.error != FileError::kNone || target.error != FileError::kNone) {
-    return source.error != FileError::kNone ? source.error : target.error;
-  }
-  return ReplaceFile(source.place.Path(), target.place.Path());
+  return WithMemory(FileError::kOther, [&]() -> FileError {
+    const FoundPlace found = FindPlace(m_root, path);
+    if (found.error != FileError::kNone) {
+      return found.error;
+    }
+    const std::string hostPath = found.place.Path();
+    const bool isLink = IsLink(hostPath);
+    if (isLink && !text::IsDevicePath(path)) {
+      return FileError::kLink;
+    }
+    // Locked until the entry is gone, so that nobody becomes a holder in between.
+    const LockedFile file = OpenForRemoval(hostPath);
+    const bool goes =
+        file.error == FileError::kNone || (file.error == FileError::kNotFound && isLink);
+    if (!goes) {
+      return file.error;
+    }
+    return ::unlink(hostPath.c_str()) == 0 ? FileError::kNone : ToFileError(errno);
+  });
 }
 
 FileError PosixFileSystem::CreateFolder(std::u16string_view path) {
-  const FoundPlace found = FindPlace(m_root, path);
-  return found.error == FileError::kNone ? MakeFolder(found.place.Path()) : found.error;
+  return WithMemory(FileError::kOther, [&] {
+    const FoundPlace found = FindPlace(m_root, path);
+    return found.error == FileError::kNone ? MakeFolder(found.place.Path()) : found.error;
+  });
 }
 
 FileError PosixFileSystem::FlushFolder(std::u16string_view path) {
-  if (path == u"\\") {
-    return SyncFolder(m_root);
-  }
-  const FoundPlace found = FindPlace(m_root, path);
-  return found.error == FileError::kNone ? SyncFolder(found.place.Path()) : found.error;
+  return WithMemory(FileError::kOther, [&]() -> FileError {
+    if (path == u"\\") {
+      return SyncFolder(m_root);
+    }
+    const FoundPlace found = FindPlace(m_root, path);
+    return found.error == FileError::kNone ? SyncFolder(found.place.Path()) : found.error;
+  });
 }
 
 platform::StartedSearch PosixFileSystem::FindFirst(std::u16string_view pattern) {
-  const FoundPlace place = FindPlace(m_root, pattern);
-  if (place.error != FileError::kNone) {
-    return {nullptr, {}, place.error};
-  }
-  std::vector<FoundFile> found;
-  FileError error = FileError::kNone;
-  if (text::HasWildcards(text::FromHostName(place.place.name))) {
-    error = FindMatches(place.place, found);
-  } else {
-    error = Describe(place.place, found.emplace_back());
-  }
-  if (error != FileError::kNone) {
-    return {nullptr, {}, error};
-  }
-  platform::StartedSearch started{nullptr, found.front(), FileError::kNone};
-  found.erase(found.begin());
-  started.search = std::make_unique<PosixSearch>(std::move(found));
-  return started;
+  return WithMemory(platform::StartedSearch{}, [&]() -> platform::StartedSearch {
+    const FoundPlace place = FindPlace(m_root, pattern);
+    if (place.error != FileError::kNone) {
+      return {nullptr, {}, place.error};
+    }
+    std::vector<FoundFile> found;
+    FileError error = FileError::kNone;
+    if (text::HasWildcards(text::FromHostName(place.place.name))) {
+      error = FindMatches(place.place, found);
+    } else {
+      error = Describe(place.place, found.emplace_back());
+    }
+    if (error != FileError::kNone) {
+      return {nullptr, {}, error};
+    }
+    platform::StartedSearch started{nullptr, found.front(), FileError::kNone};
+    found.erase(found.begin());
+    started.search = std::make_unique<PosixSearch>(std::move(found));
+    return started;
+  });
+}
+
+void PosixFileSystem::KeepFromOthers(std::u16string_view path) {
+  WithMemory(0, [&] {
+    std::string place = m_root;
+    if (path != u"\\") {
+      const FoundPlace found = FindPlace(m_root, path);
+      if (found.error != FileError::kNone) {
+        return 0;
+      }
+      place = found.place.Path();
+    }
+    struct stat status {};
+    if (::stat(place.c_str(), &status) == 0) {
+      TakeRightsOfOthers(place, status);
+    }
+    if (path == u"\\" || !S_ISDIR(status.st_mode)) {
+      return 0;
+    }
+    for (const std::string& name : ListFolder(place).value_or(std::vector<std::string>())) {
+      const std::string file = place + "/" + name;
+      if (::lstat(file.c_str(), &status) == 0 && S_ISREG(status.st_mode)) {
+        TakeRightsOfOthers(file, status);
+      }
+    }
+    return 0;
+  });
 }
 
 }  // namespace posix

@@ -19,11 +19,14 @@ class PosixFileSystem final : public platform::FileSystem {
                                           const platform::OpenMode& mode) override;
   [[nodiscard]] platform::OpenedReplacement OpenReplacement(std::u16string_view path) override;
   [[nodiscard]] platform::FileError Delete(std::u16string_view path) override;
-  [[nodiscard]] platform::FileError Replace(std::u16string_view from,
-                                            std::u16string_view to) override;
   [[nodiscard]] platform::FileError CreateFolder(std::u16string_view path) override;
   [[nodiscard]] platform::FileError FlushFolder(std::u16string_view path) override;
   [[nodiscard]] platform::StartedSearch FindFirst(std::u16string_view pattern) override;
+
+  /// Takes from other users every right to `path`, and to the files that lie directly in it if it
+  /// is a folder. A path that is not there is passed over, and so is what cannot be changed: a
+  /// folder that belongs to all (with the sticky bit), or a file of somebody else.
+  void KeepFromOthers(std::u16string_view path);
 
  private:
   const std::string m_root;

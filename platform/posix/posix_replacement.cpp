@@ -141,7 +141,8 @@ FileError PosixReplacement::Publish(Durability durability) {
         return error;
       }
     }
-    if (const FileError error = TakePlace(); error != FileError::kNone) {
+    const FileError error = WithMemory(FileError::kOther, [&] { return TakePlace(); });
+    if (error != FileError::kNone) {
       return error;
     }
     m_hasPlace = true;

@@ -1,6 +1,9 @@
 #include "platform/sqlite/connection.h"
 
+#include <fcntl.h>
 #include <sqlite3.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <string_view>
 #include <system_error>
@@ -58,6 +61,17 @@ bool HasLog(const std::filesystem::path& database) {
   return error ? error != std::errc::no_such_file_or_directory : length > 0;
 }
 
+/// Makes an empty file of its user alone if there is none. The library takes it for a new database,
+/// and gives its rights to the files next to it. Whatever fails, the library reports it.
+void MakePrivateFile(const std::filesystem::path& database) {
+  const int file =
+      ::open(database.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR);
+  if (file != -1) {
+    static_cast<void>(::fchmod(file, S_IRUSR | S_IWUSR));  // The umask may have left less.
+    ::close(file);
+  }
+}
+
 bool IsMissing(const std::filesystem::path& database) {
   std::error_code error;
   return std::filesystem::status(database, error).type() == std::filesystem::file_type::not_found;
@@ -80,6 +94,7 @@ RegistryError Connection::Open(const Settings& settings, std::unique_ptr<Connect
 
 RegistryError Connection::OpenOnce(const Settings& settings,
                                    std::unique_ptr<Connection>& connection) {
+  MakePrivateFile(settings.database);
   auto candidate = std::make_unique<Connection>();
   const RegistryError error = candidate->OpenFile(settings, settings.database.native(),
                                                   SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);

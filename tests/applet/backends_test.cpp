@@ -106,6 +106,57 @@ TEST_F(Backends, FilesAndSettingsLieBelowTheRoot) {
   EXPECT_TRUE(std::filesystem::exists(backends.GetRegistryPath()));
 }
 
+TEST_F(Backends, EverythingInTheRootBelongsToTheUserAlone) {
+  namespace fs = std::filesystem;
+  const mode_t before = ::umask(0);
+  m_options.root = (m_folder.Path() / "data/root").string();
+  applet::Backends backends(m_options);
+  backends.MakeRoot();
+  storage::CreateInstallFolders(backends.GetFiles());
+  const auto made = backends.GetRegistry().CreateKey(u"Software\\Test");
+  const auto mutex = backends.GetThreads().CreateNamedMutex(u"Test");
+  ::umask(before);
+  EXPECT_TRUE(made.key);
+  std::size_t found = 0;
+  for (const auto& entry : fs::recursive_directory_iterator(m_folder.Path())) {
+    const auto rights = entry.status().permissions();
+    EXPECT_EQ(rights, entry.is_directory() ? fs::perms(0700) : fs::perms(0600)) << entry.path();
+    ++found;
+  }
+  EXPECT_GE(found, 6U) << "data, root, the database with its two files, the lock";
+}
+
+TEST_F(Backends, WhatAnEarlierVersionLeftToTheUmaskIsTightened) {
+  namespace fs = std::filesystem;
+  m_options.root = (m_folder.Path() / "root").string();
+  const fs::path voices =
+      m_options.root + "/Program Files/Zedra Tech./Zedra Voxtrel/Voxtrel_wav";
+  const mode_t before = ::umask(0);
+  fs::create_directories(voices);
+  std::ofstream(voices / "1.wav") << "voice";
+  std::ofstream(m_options.root + "/registry.db");
+  std::ofstream(m_options.root + "/notes.txt") << "of the user";
+  ::umask(before);
+  const applet::Backends backends(m_options);
+  backends.MakeRoot();
+  for (fs::path path = voices; path != m_folder.Path(); path = path.parent_path()) {
+    EXPECT_EQ(fs::status(path).permissions(), fs::perms(0700)) << path;
+  }
+  EXPECT_EQ(fs::status(voices / "1.wav").permissions(), fs::perms(0600));
+  EXPECT_EQ(fs::status(m_options.root + "/registry.db").permissions(), fs::perms(0600));
+  EXPECT_EQ(fs::status(m_options.root + "/notes.txt").permissions(), fs::perms(0666));
+}
+
+TEST_F(Backends, WhoeverOnlyReadsTightensNothing) {
+  m_options.root = (m_folder.Path() / "root").string();
+  std::filesystem::create_directory(m_options.root);
+  std::filesystem::permissions(m_options.root, std::filesystem::perms(0755));
+  applet::Backends backends(m_options);
+  backends.ChangeNothing();
+  backends.MakeRoot();
+  EXPECT_EQ(std::filesystem::status(m_options.root).permissions(), std::filesystem::perms(0755));
+}
+
 TEST_F(Backends, TakeTheirOptionsFromTheEnvironment) {
   m_environment.Set("VOXTREL_ROOT", "/r");
   m_environment.Set("VOXTREL_MICROPHONE", "m.wav");

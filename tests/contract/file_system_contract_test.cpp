@@ -70,8 +70,6 @@ TEST_P(FileSystemCalls, AFolderIsNoFile) {
     EXPECT_EQ(Open(u"folder", mode), FileError::kAccessDenied);
   }
   EXPECT_EQ(Files().Delete(Path(u"folder")), FileError::kAccessDenied);
-  EXPECT_EQ(Files().Replace(Path(u"folder"), Path(u"g")), FileError::kAccessDenied);
-  EXPECT_EQ(Files().Replace(Path(u"f"), Path(u"folder")), FileError::kAccessDenied);
   EXPECT_THAT(FindNames(Files(), Path(u"*")), UnorderedElementsAre(u"folder", u"f"));
 }
 
@@ -85,7 +83,6 @@ TEST_P(FileSystemCalls, DeleteTakesTheFileAway) {
 
 TEST_P(FileSystemCalls, AProtectedFileIsOnlyRead) {
   Write(u"f", "abc");
-  Write(u"other", "xyz");
   Protect(u"f");
   for (const OpenMode& mode : {kWriteExisting, kReadWrite, kCreate}) {
     EXPECT_EQ(Open(u"f", mode), FileError::kAccessDenied);
@@ -93,48 +90,8 @@ TEST_P(FileSystemCalls, AProtectedFileIsOnlyRead) {
   EXPECT_EQ(Open(u"f", {FileAccess::kNone, FileShare::kNone, FileCreation::kCreateAlways}),
             FileError::kAccessDenied);
   EXPECT_EQ(Files().Delete(Path(u"f")), FileError::kAccessDenied);
-  EXPECT_EQ(Files().Replace(Path(u"other"), Path(u"f")), FileError::kAccessDenied);
   EXPECT_EQ(Open(u"f", kMake), FileError::kNone);
   EXPECT_EQ(Read(u"f"), "abc");
-  EXPECT_EQ(Read(u"other"), "xyz");
-}
-
-TEST_P(FileSystemCalls, ReplacePutsOneFileInThePlaceOfAnother) {
-  Write(u"new", "new content");
-  Write(u"old", "old");
-  EXPECT_EQ(Files().Replace(Path(u"new"), Path(u"old")), FileError::kNone);
-  EXPECT_EQ(Read(u"old"), "new content");
-  EXPECT_THAT(FindNames(Files(), Path(u"*")), UnorderedElementsAre(u"old"));
-}
-
-TEST_P(FileSystemCalls, ReplaceMovesWhereNothingWas) {
-  ASSERT_EQ(Files().CreateFolder(Path(u"folder")), FileError::kNone);
-  Write(u"new", "new content");
-  EXPECT_EQ(Files().Replace(Path(u"new"), Path(u"folder/moved")), FileError::kNone);
-  EXPECT_EQ(Read(u"folder/moved"), "new content");
-  EXPECT_THAT(FindNames(Files(), Path(u"*")), UnorderedElementsAre(u"folder"));
-}
-
-TEST_P(FileSystemCalls, ReplaceWithoutSourceOrFolderChangesNothing) {
-  Write(u"old", "old");
-  EXPECT_EQ(Files().Replace(Path(u"new"), Path(u"old")), FileError::kNotFound);
-  EXPECT_EQ(Files().Replace(Path(u"old"), Path(u"no/old")), FileError::kNotFound);
-  EXPECT_EQ(Read(u"old"), "old");
-}
-
-TEST_P(FileSystemCalls, ReplacingAFileByItselfChangesNothing) {
-  Write(u"f", "abc");
-  EXPECT_EQ(Files().Replace(Path(u"f"), Path(u"f")), FileError::kNone);
-  EXPECT_EQ(Read(u"f"), "abc");
-}
-
-TEST_P(FileSystemCalls, AReplacedFileIsOpenedAndReplacedAgain) {
-  for (int i = 0; i < 20; ++i) {
-    const std::string content(static_cast<std::size_t>(i), 'x');
-    Write(u"new", content);
-    ASSERT_EQ(Files().Replace(Path(u"new"), Path(u"f")), FileError::kNone);
-    ASSERT_EQ(Read(u"f"), content);
-  }
 }
 
 TEST_P(FileSystemCalls, CreateFolderMakesOneFolder) {
@@ -158,8 +115,7 @@ TEST_P(FileSystemCalls, NamesOfTheDeviceAreComparedWithoutCaseAndKeptAsWritten) 
   if (isCaseBlind) {
     Write(u"folder ä/ONE.WAV", "two");
     Write(u"folder ä/NEW", "three");
-    EXPECT_EQ(Files().Replace(Path(u"folder ä/new"), Path(u"folder ä/oNE.wAV")), FileError::kNone);
-    EXPECT_THAT(FindNames(Files(), Path(u"folder ä/*")), UnorderedElementsAre(u"One.Wav"));
+    EXPECT_THAT(FindNames(Files(), Path(u"folder ä/*")), UnorderedElementsAre(u"One.Wav", u"NEW"));
     EXPECT_EQ(Files().Delete(Path(u"FOLDER Ä/ONE.WAV")), FileError::kNone);
   }
   EXPECT_EQ(FindNames(Files(), Path(u"Folder Ä")), std::vector<std::u16string>{u"Folder Ä"});
@@ -168,14 +124,12 @@ TEST_P(FileSystemCalls, NamesOfTheDeviceAreComparedWithoutCaseAndKeptAsWritten) 
 TEST_P(FileSystemCalls, PathsThatNameNothingAreNotFound) {
   const std::u16string zero = Path(u"f") + std::u16string(1, u'\0') + u"g";
   Write(u"f", "abc");
-  Write(u"h", "abc");
   for (const std::u16string& path : {std::u16string(), zero}) {
     for (const OpenMode& mode : kAllModes) {
       EXPECT_EQ(Files().Open(path, mode).error, FileError::kNotFound);
     }
     EXPECT_EQ(Files().Delete(path), FileError::kNotFound);
-    EXPECT_EQ(Files().Replace(path, Path(u"f")), FileError::kNotFound);
-    EXPECT_EQ(Files().Replace(Path(u"h"), path), FileError::kNotFound);
+    EXPECT_EQ(Files().OpenReplacement(path).error, FileError::kNotFound);
     EXPECT_EQ(Files().CreateFolder(path), FileError::kNotFound);
     EXPECT_EQ(Files().FindFirst(path).error, FileError::kNotFound);
   }

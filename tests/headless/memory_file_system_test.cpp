@@ -51,8 +51,8 @@ TEST(MemoryFileSystem, DeviceAndHostPathsAreApart) {
   files.PutFile(u"/a/f", ToBytes("host"));
   files.PutFile(u"/A/f", ToBytes("other"));
   EXPECT_THAT(files.ListFiles(), ElementsAre(u"\\a\\f", u"/A/f", u"/a/f"));
-  EXPECT_EQ(files.Replace(u"/a/f", u"\\a\\f"), FileError::kNone);
-  EXPECT_EQ(files.GetFile(u"\\a\\f"), ToBytes("host"));
+  EXPECT_EQ(files.GetFile(u"\\a\\f"), ToBytes("device"));
+  EXPECT_EQ(files.GetFile(u"/a/f"), ToBytes("host"));
 }
 
 TEST(MemoryFileSystem, HostPathsAreTakenFromTheRoot) {
@@ -104,18 +104,14 @@ TEST(MemoryFileSystem, WhatGoesMakesRoom) {
   ASSERT_EQ(files.Delete(u"\\a"), FileError::kNone);
   ASSERT_EQ(WriteWhole(files, u"\\b", "1234"), FileError::kNone);
   ASSERT_EQ(WriteWhole(files, u"\\b", "12"), FileError::kNone);
-  ASSERT_EQ(WriteWhole(files, u"\\c", "12"), FileError::kNone);
-  ASSERT_EQ(files.Replace(u"\\c", u"\\b"), FileError::kNone);
+  auto replacement = files.OpenReplacement(u"\\b").replacement;
+  ASSERT_EQ(replacement->GetFile().Write(ToBytes("34")), FileError::kNone);
+  EXPECT_EQ(replacement->GetFile().Write(ToBytes("5")), FileError::kDiskFull);
+  replacement = files.OpenReplacement(u"\\b").replacement;  // The one before takes no room now.
+  ASSERT_EQ(replacement->GetFile().Write(ToBytes("34")), FileError::kNone);
+  ASSERT_EQ(replacement->Publish(platform::Durability::kNow), FileError::kNone);
   ASSERT_EQ(WriteWhole(files, u"\\d", "12"), FileError::kNone);
   EXPECT_EQ(WriteWhole(files, u"\\e", "1"), FileError::kDiskFull);
-}
-
-TEST(MemoryFileSystem, AMoveNeedsNoRoom) {
-  MemoryFileSystem files;
-  files.SetCapacity(4);
-  ASSERT_EQ(WriteWhole(files, u"\\a", "1234"), FileError::kNone);
-  EXPECT_EQ(files.Replace(u"\\a", u"\\b"), FileError::kNone);
-  EXPECT_EQ(files.GetFile(u"\\b"), ToBytes("1234"));
 }
 
 TEST(MemoryFileSystem, AFileThatIsNoLongerProtectedIsWritten) {
@@ -128,21 +124,15 @@ TEST(MemoryFileSystem, AFileThatIsNoLongerProtectedIsWritten) {
   EXPECT_FALSE(files.SetReadOnly(u"\\no", true));
 }
 
-TEST(MemoryFileSystem, ProtectionGoesWithTheNameThatIsReplaced) {
-  MemoryFileSystem files;
-  files.PutFile(u"\\new", ToBytes("new"));
-  files.PutFile(u"\\old", {});
-  files.SetReadOnly(u"\\new", true);
-  ASSERT_EQ(files.Replace(u"\\new", u"\\old"), FileError::kNone);
-  EXPECT_EQ(WriteWhole(files, u"\\old", "x"), FileError::kNone);
-}
-
 TEST(MemoryFileSystem, OpenFilesAndSearchesAreCounted) {
   MemoryFileSystem files;
   files.PutFile(u"\\a", {});
   auto first = files.Open(u"\\a", {FileAccess::kRead, FileShare::kRead}).file;
   auto second = files.Open(u"\\a", {FileAccess::kRead, FileShare::kRead}).file;
   auto search = files.FindFirst(u"\\*").search;
+  auto replacement = files.OpenReplacement(u"\\b").replacement;
+  EXPECT_EQ(files.CountOpenHandles(), 4U);
+  replacement.reset();
   EXPECT_EQ(files.CountOpenHandles(), 3U);
   ASSERT_EQ(first->Close(), FileError::kNone);
   first.reset();

@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "platform/posix/posix_file_system.h"
+#include "platform/text/utf.h"
 #include "tests/posix/child_process.h"
 #include "tests/support/file_bytes.h"
 #include "tests/support/temp_folder.h"
@@ -103,28 +104,42 @@ TEST_F(PosixFileSystemRights, AFileThatMayOnlyBeWrittenIsThereAllTheSame) {
   EXPECT_EQ(error, static_cast<int>(FileError::kNone));
 }
 
-TEST_F(PosixFileSystemRights, ReplaceKeepsThePermissionsOfTheTarget) {
-  ASSERT_EQ(WriteWhole(m_files, u"\\old", "old"), FileError::kNone);
-  ASSERT_EQ(WriteWhole(m_files, u"\\new", "new"), FileError::kNone);
-  ASSERT_EQ(::chmod((m_root.Path() / "old").c_str(), 0604), 0);
-  ASSERT_EQ(m_files.Replace(u"\\new", u"\\old"), FileError::kNone);
-  EXPECT_EQ(ModeOf(m_root.Path() / "old"), 0604U);
+TEST_F(PosixFileSystemRights, WhatLiesInAFolderIsKeptFromOthersAndStaysProtected) {
+  const std::filesystem::path folder = m_root.Path() / "Voices";
+  std::filesystem::create_directory(folder);
+  std::filesystem::create_directory(folder / "inner");
+  for (const char* name : {"a.wav", "b.wav"}) {
+    ASSERT_EQ(WriteWhole(m_files, u"\\voices\\" + text::FromHostName(name), "abc"),
+              FileError::kNone);
+  }
+  const support::TempFolder elsewhere;
+  std::filesystem::create_symlink(elsewhere.Path(), folder / "link");
+  ASSERT_EQ(::chmod(elsewhere.Path().c_str(), 0755), 0);
+  ASSERT_EQ(::chmod(folder.c_str(), 0755), 0);
+  ASSERT_EQ(::chmod((folder / "inner").c_str(), 0755), 0);
+  ASSERT_EQ(::chmod((folder / "a.wav").c_str(), 0644), 0);
+  ASSERT_EQ(::chmod((folder / "b.wav").c_str(), 0444), 0);
+  m_files.KeepFromOthers(u"\\VOICES");
+  m_files.KeepFromOthers(u"\\voices\\nothing");
+  EXPECT_EQ(ModeOf(folder), 0700U);
+  EXPECT_EQ(ModeOf(folder / "a.wav"), 0600U);
+  EXPECT_EQ(ModeOf(folder / "b.wav"), 0400U);
+  EXPECT_EQ(ModeOf(folder / "inner"), 0755U);
+  EXPECT_EQ(ModeOf(elsewhere.Path()), 0755U);
 }
 
-TEST_F(PosixFileSystemRights, AnAdministratorLeavesTheFileToItsOwner) {
-  if (::geteuid() != 0) {
-    GTEST_SKIP() << "only an administrator can give files away";
-  }
-  constexpr uid_t kOwner = 1234;
-  constexpr gid_t kGroup = 4321;
-  ASSERT_EQ(WriteWhole(m_files, u"\\old", "old"), FileError::kNone);
-  ASSERT_EQ(WriteWhole(m_files, u"\\new", "new"), FileError::kNone);
-  ASSERT_EQ(::chown((m_root.Path() / "old").c_str(), kOwner, kGroup), 0);
-  ASSERT_EQ(m_files.Replace(u"\\new", u"\\old"), FileError::kNone);
-  struct stat status {};
-  ASSERT_EQ(::stat((m_root.Path() / "old").c_str(), &status), 0);
-  EXPECT_EQ(status.st_uid, kOwner);
-  EXPECT_EQ(status.st_gid, kGroup);
+TEST_F(PosixFileSystemRights, TheRootIsKeptFromOthersUnlessItBelongsToAll) {
+  ASSERT_EQ(WriteWhole(m_files, u"\\f", "abc"), FileError::kNone);
+  ASSERT_EQ(::chmod((m_root.Path() / "f").c_str(), 0644), 0);
+  ASSERT_EQ(::chmod(m_root.Path().c_str(), 01777), 0);
+  m_files.KeepFromOthers(u"\\");
+  EXPECT_EQ(ModeOf(m_root.Path()), 01777U);
+  ASSERT_EQ(::chmod(m_root.Path().c_str(), 0755), 0);
+  m_files.KeepFromOthers(u"\\");
+  EXPECT_EQ(ModeOf(m_root.Path()), 0700U);
+  EXPECT_EQ(ModeOf(m_root.Path() / "f"), 0644U) << "Not everything there need be the applet's.";
+  m_files.KeepFromOthers(u"\\F");
+  EXPECT_EQ(ModeOf(m_root.Path() / "f"), 0600U);
 }
 
 }  // namespace

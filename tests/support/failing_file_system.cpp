@@ -173,11 +173,6 @@ FileError FailingFileSystem::Delete(std::u16string_view path) {
   return verdict.Fails() ? verdict.error : m_files.Delete(path);
 }
 
-FileError FailingFileSystem::Replace(std::u16string_view from, std::u16string_view to) {
-  const Verdict verdict = CountCall();
-  return verdict.Fails() ? verdict.error : m_files.Replace(from, to);
-}
-
 FileError FailingFileSystem::CreateFolder(std::u16string_view path) {
   const Verdict verdict = CountCall();
   return verdict.Fails() ? verdict.error : m_files.CreateFolder(path);

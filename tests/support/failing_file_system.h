@@ -44,8 +44,6 @@ class FailingFileSystem final : public platform::FileSystem {
                                           const platform::OpenMode& mode) override;
   [[nodiscard]] platform::OpenedReplacement OpenReplacement(std::u16string_view path) override;
   [[nodiscard]] platform::FileError Delete(std::u16string_view path) override;
-  [[nodiscard]] platform::FileError Replace(std::u16string_view from,
-                                            std::u16string_view to) override;
   [[nodiscard]] platform::FileError CreateFolder(std::u16string_view path) override;
   [[nodiscard]] platform::FileError FlushFolder(std::u16string_view path) override;
   [[nodiscard]] platform::StartedSearch FindFirst(std::u16string_view pattern) override;

@@ -11,6 +11,7 @@
 
 namespace {
 
+using platform::Durability;
 using platform::FileAccess;
 using platform::FileCreation;
 using platform::FileError;
@@ -35,9 +36,13 @@ TEST_F(FailingFileSystemTest, ForwardsEverythingWhileNothingIsToFail) {
   EXPECT_EQ(m_failing.CreateFolder(u"\\a"), FileError::kNone);
   EXPECT_EQ(WriteWhole(m_failing, u"\\a\\f", "abc"), FileError::kNone);
   EXPECT_EQ(ReadWhole(m_failing, u"\\a\\f"), "abc");
-  EXPECT_EQ(m_failing.Replace(u"\\a\\f", u"\\a\\g"), FileError::kNone);
-  EXPECT_EQ(support::FindNames(m_failing, u"\\a\\*"), std::vector<std::u16string>{u"g"});
-  EXPECT_EQ(m_failing.Delete(u"\\a\\g"), FileError::kNone);
+  const auto replacement = m_failing.OpenReplacement(u"\\a\\f").replacement;
+  EXPECT_EQ(replacement->GetFile().Write(ToBytes("new")), FileError::kNone);
+  EXPECT_EQ(replacement->Publish(Durability::kLater), FileError::kNone);
+  EXPECT_EQ(m_failing.FlushFolder(u"\\a"), FileError::kNone);
+  EXPECT_EQ(ReadWhole(m_failing, u"\\a\\f"), "new");
+  EXPECT_EQ(support::FindNames(m_failing, u"\\a\\*"), std::vector<std::u16string>{u"f"});
+  EXPECT_EQ(m_failing.Delete(u"\\a\\f"), FileError::kNone);
   EXPECT_FALSE(m_failing.HasFailed());
   EXPECT_EQ(m_files.CountOpenHandles(), 0U);
 }
@@ -50,11 +55,12 @@ TEST_F(FailingFileSystemTest, ErrorsOfTheFilesComeThrough) {
 
 TEST_F(FailingFileSystemTest, EachKindOfCallCountsAndFailsInItsTurn) {
   m_files.PutFile(u"\\f", ToBytes("abcdef"));
-  m_files.PutFile(u"\\from", {});
+  m_files.PutFile(u"\\fellow", {});
   std::array<std::byte, 2> into{};
   FoundFile found;
   std::unique_ptr<platform::File> file;
   std::unique_ptr<platform::FileSearch> search;
+  std::unique_ptr<platform::Replacement> replacement;
   // Each says whether its call succeeded.
   const std::vector<std::function<bool()>> calls = {
       [&] { return (file = m_failing.Open(u"\\f", kReadWrite).file) != nullptr; },
@@ -67,7 +73,10 @@ TEST_F(FailingFileSystemTest, EachKindOfCallCountsAndFailsInItsTurn) {
       [&] { return file->Close() == FileError::kNone; },
       [&] { return (search = m_failing.FindFirst(u"\\f*").search) != nullptr; },
       [&] { return search->Next(found) == FileError::kNone; },
-      [&] { return m_failing.Replace(u"\\from", u"\\f") == FileError::kNone; },
+      [&] { return (replacement = m_failing.OpenReplacement(u"\\f").replacement) != nullptr; },
+      [&] { return replacement->GetFile().Write(ToBytes("new")) == FileError::kNone; },
+      [&] { return replacement->Publish(Durability::kNow) == FileError::kNone; },
+      [&] { return m_failing.FlushFolder(u"\\") == FileError::kNone; },
       [&] { return m_failing.Delete(u"\\f") == FileError::kNone; },
       [&] { return m_failing.CreateFolder(u"\\folder") == FileError::kNone; },
   };
@@ -106,7 +115,7 @@ TEST_F(FailingFileSystemTest, OtherFailedCallsDoNothing) {
   m_files.PutFile(u"\\f", ToBytes("abc"));
   m_failing.FailCall(1, Failing::kFromThenOn);
   EXPECT_EQ(m_failing.Delete(u"\\f"), FileError::kOther);
-  EXPECT_EQ(m_failing.Replace(u"\\f", u"\\g"), FileError::kOther);
+  EXPECT_EQ(m_failing.OpenReplacement(u"\\f").error, FileError::kOther);
   EXPECT_EQ(WriteWhole(m_failing, u"\\f", "xyz"), FileError::kOther);
   EXPECT_EQ(m_files.ListFiles(), std::vector<std::u16string>{u"\\f"});
   EXPECT_EQ(ReadWhole(m_files, u"\\f"), "abc");

@@ -21,10 +21,6 @@ class ForwardingFileSystem : public platform::FileSystem {
   [[nodiscard]] platform::FileError Delete(std::u16string_view path) override {
     return m_inner.Delete(path);
   }
-  [[nodiscard]] platform::FileError Replace(std::u16string_view from,
-                                            std::u16string_view to) override {
-    return m_inner.Replace(from, to);
-  }
   [[nodiscard]] platform::FileError CreateFolder(std::u16string_view path) override {
     return m_inner.CreateFolder(path);
   }
