@@ -49,8 +49,10 @@ std::string InWords(int code, bool isSpeakerFile) {
 }  // namespace
 
 std::string ExplainPlayCode(const Session& session, int code) {
-  const bool isSpeakerFile = !session.GetOptions().speaker.empty();
-  return fmt::format("{} (code {})", InWords(code, isSpeakerFile), code);
+  const std::string& speaker = session.GetOptions().speaker;
+  const bool isUnwritten = code == audio::kOutputNotOpened || code == audio::kNotWritten;
+  const std::string link = isUnwritten ? Session::ExplainLink(speaker) : std::string();
+  return fmt::format("{} (code {})", link.empty() ? InWords(code, !speaker.empty()) : link, code);
 }
 
 }  // namespace cli

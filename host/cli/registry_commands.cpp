@@ -91,7 +91,10 @@ void Export(Session& session, const std::string& name) {
   if (error != platform::RegistryError::kNone) {
     session.Fail(session.ExplainStore(error));
   } else if (!(name.empty() ? WriteStandardOutput(file) : WriteRegistryFile(session, name, file))) {
-    session.Fail(fmt::format("{}: it cannot be written", name.empty() ? "standard output" : name));
+    const std::string link = Session::ExplainLink(name);
+    session.Fail(!link.empty() ? link
+                               : fmt::format("{}: it cannot be written",
+                                             name.empty() ? "standard output" : name));
   } else {
     PrintDone(session, 0);
   }

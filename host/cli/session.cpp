@@ -103,6 +103,12 @@ bool Session::AreSameFile(const std::string& a, const std::string& b) {
   return std::filesystem::equivalent(a, b, ignored);
 }
 
+std::string Session::ExplainLink(const std::string& name) {
+  std::error_code error;
+  const std::filesystem::path target = std::filesystem::read_symlink(name, error);
+  return error ? std::string() : name + " is a link to " + target.native() + ": not written";
+}
+
 platform::MessageAnswer Session::Answer(const platform::MessageBox& box) const {
   if (!IsConfirmation(box) || m_options.yes) {
     return platform::MessageAnswer::kOk;

@@ -1,12 +1,16 @@
 #include "applet/backends.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <map>
 #include <optional>
 
 #include "storage/device_paths.h"
+#include "storage/folders.h"
 #include "storage/registry_keys.h"
 #include "tests/support/temp_folder.h"
 
@@ -129,8 +133,7 @@ TEST_F(Backends, EverythingInTheRootBelongsToTheUserAlone) {
 TEST_F(Backends, WhatAnEarlierVersionLeftToTheUmaskIsTightened) {
   namespace fs = std::filesystem;
   m_options.root = (m_folder.Path() / "root").string();
-  const fs::path voices =
-      m_options.root + "/Program Files/Zedra Tech./Zedra Voxtrel/Voxtrel_wav";
+  const fs::path voices = m_options.root + "/Program Files/Zedra Tech./Zedra Voxtrel/Voxtrel_wav";
   const mode_t before = ::umask(0);
   fs::create_directories(voices);
   std::ofstream(voices / "1.wav") << "voice";
