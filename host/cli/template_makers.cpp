@@ -188,7 +188,9 @@ class TemplateMaker {
     }
     PrintResult(result);
     if (result != voicemath::kLearned) {
-      m_session.Fail(fmt::format("{}: {}", m_arguments.wave, ExplainFailure()));
+      const std::string link = m_learns ? Session::ExplainLink(m_arguments.wave) : std::string();
+      m_session.Fail(link.empty() ? fmt::format("{}: {}", m_arguments.wave, ExplainFailure())
+                                  : link);
     }
     return result == voicemath::kLearned;
   }
