@@ -71,7 +71,8 @@ class Backends {
   void OnNoContacts(std::function<void()> tell) { m_noContacts = std::move(tell); }
 
   /// If anything may be changed: makes the root folder if it is missing, and takes from other users
-  /// every right to what the applet keeps there. If that fails, whoever needs the folder reports it.
+  /// every right to what the applet keeps there. If that fails, whoever needs the folder reports
+  /// it.
   void MakeRoot() const;
 
   /// Where a device path leads on this machine.
