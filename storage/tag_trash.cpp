@@ -105,7 +105,12 @@ bool TagTrash::List(std::vector<TrashedTag>& tags) const {
   std::vector<TrashedTag> listed;
   for (const std::u16string& name : names) {
     TrashedTag tag{.file = name, .deletion = std::u16string(DeletionOf(name)), .item = {}};
-    if (!IsItem(name) || !ReadItem(m_files, InTrash(name), tag.item)) {
+    const ItemRead read =
+        IsItem(name) ? ReadItem(m_files, InTrash(name), tag.item) : ItemRead::kNone;
+    if (read == ItemRead::kUnreadable) {
+      return false;
+    }
+    if (read == ItemRead::kNone) {
       continue;
     }
     const bool isStillThere = IsMarked(names, name) &&
@@ -144,7 +149,7 @@ void TagTrash::EndRestoring(std::u16string_view mark) const {
   const std::u16string name =
       std::u16string(mark.substr(0, mark.size() - kRestoringEnd.size())).append(kItemEnd);
   TrashItem item;
-  if (ReadItem(m_files, InTrash(name), item)) {
+  if (ReadItem(m_files, InTrash(name), item) == ItemRead::kDone) {
     const PartsState state = GetState(m_files, m_registry, item.parts);
     if (state == PartsState::kUnknown) {
       return;
@@ -166,7 +171,7 @@ void TagTrash::EndDeletion(std::u16string_view mark, const std::vector<std::u16s
   for (const std::u16string& name : names) {
     TrashItem item;
     if (!IsItem(name) || DeletionOf(name) != DeletionOf(mark) ||
-        !ReadItem(m_files, InTrash(name), item)) {
+        ReadItem(m_files, InTrash(name), item) != ItemRead::kDone) {
       continue;
     }
     switch (GetState(m_files, m_registry, item.parts)) {
@@ -322,8 +327,8 @@ bool Deletion::IsKept(const TagParts& parts) const {
   return std::ranges::any_of(names, [&](const std::u16string& name) {
     TrashItem item;
     return IsItem(name) && IsMarked(names, name) && DeletionOf(name) != m_name &&
-           ReadItem(m_trash.m_files, InTrash(name), item) && item.parts.name == parts.name &&
-           isSameOrGone(parts.waveFile, item.parts.waveFile) &&
+           ReadItem(m_trash.m_files, InTrash(name), item) == ItemRead::kDone &&
+           item.parts.name == parts.name && isSameOrGone(parts.waveFile, item.parts.waveFile) &&
            isSameOrGone(parts.templateFile, item.parts.templateFile) &&
            parts.hasEntry <= item.parts.hasEntry &&
            GetState(m_trash.m_files, m_trash.m_registry, item.parts) == PartsState::kPartly;

@@ -139,9 +139,16 @@ FileError TarWriter::Pad(std::uint64_t length) {
   return m_file.Write(std::span(zeros).first(static_cast<std::size_t>(Padding(length))));
 }
 
+bool TarReader::ReadAt(std::uint64_t offset, std::span<std::byte> bytes) {
+  const auto count =
+      m_file.Seek(offset) == FileError::kNone ? m_file.Read(bytes) : std::optional<std::size_t>();
+  m_hasFailed = m_hasFailed || !count;
+  return count == bytes.size();
+}
+
 FileError TarReader::Next() {
   Block header{};
-  if (m_file.Seek(m_next) != FileError::kNone || m_file.Read(header) != header.size()) {
+  if (!ReadAt(m_next, header)) {
     return FileError::kOther;
   }
   if (std::ranges::all_of(header, [](std::byte each) { return each == std::byte{0}; })) {
@@ -150,6 +157,7 @@ FileError TarReader::Next() {
   const auto checksum = GetNumber(header, kChecksum);
   const auto length = GetNumber(header, kLength);
   const auto whole = m_file.GetLength();
+  m_hasFailed = m_hasFailed || !whole;
   if (checksum != ChecksumOf(header) || header[kTypeOffset] != kRegularFile || !length || !whole) {
     return FileError::kOther;
   }
@@ -167,11 +175,11 @@ FileError TarReader::Next() {
 }
 
 FileError TarReader::ReadAll(std::vector<std::byte>& bytes, std::uint64_t limit) {
-  if (m_length > limit || m_file.Seek(m_offset) != FileError::kNone) {
+  if (m_length > limit) {
     return FileError::kOther;
   }
   bytes.resize(static_cast<std::size_t>(m_length));
-  return m_file.Read(bytes) == bytes.size() ? FileError::kNone : FileError::kOther;
+  return ReadAt(m_offset, bytes) ? FileError::kNone : FileError::kOther;
 }
 
 FileError TarReader::CopyTo(platform::File& to) {

@@ -41,6 +41,9 @@ class TarReader {
  public:
   explicit TarReader(platform::File& file) : m_file(file) {}
 
+  /// Whether a call failed because the file could not be read, and not for what it holds.
+  [[nodiscard]] bool HasFailed() const { return m_hasFailed; }
+
   /// Goes to the next member. kNoMoreFiles at the end of the archive; kOther if the file is torn or
   /// is no such archive.
   [[nodiscard]] platform::FileError Next();
@@ -56,7 +59,11 @@ class TarReader {
   [[nodiscard]] platform::FileError CopyTo(platform::File& to);
 
  private:
+  /// Fills `bytes` from there on; false at the end of the file too.
+  [[nodiscard]] bool ReadAt(std::uint64_t offset, std::span<std::byte> bytes);
+
   platform::File& m_file;
+  bool m_hasFailed = false;
   std::string m_name;
   std::uint64_t m_offset = 0;  ///< Of the member's first byte.
   std::uint64_t m_next = 0;    ///< Of the next header.

@@ -293,32 +293,32 @@ ItemResult WriteItem(platform::FileSystem& files, platform::Registry& registry,
                       : flushed);
 }
 
-bool ReadItem(platform::FileSystem& files, std::u16string_view path, TrashItem& item) {
+ItemRead ReadItem(platform::FileSystem& files, std::u16string_view path, TrashItem& item) {
   const platform::OpenedFile opened =
       files.Open(path, {platform::FileAccess::kRead, platform::FileShare::kRead,
                         platform::FileCreation::kOpenExisting});
   if (!opened.file) {
-    return false;
+    return opened.error == FileError::kNotFound ? ItemRead::kNone : ItemRead::kUnreadable;
   }
   TarReader tar(*opened.file);
   std::vector<std::byte> about;
   if (tar.Next() != FileError::kNone || tar.GetName() != kAbout ||
       tar.ReadAll(about, kLongestAbout) != FileError::kNone) {
-    return false;
+    return tar.HasFailed() ? ItemRead::kUnreadable : ItemRead::kNone;
   }
   const std::string_view text(reinterpret_cast<const char*>(about.data()), about.size());
   TrashItem read;
   if (!ParseAbout(text, read)) {
-    return false;
+    return ItemRead::kNone;
   }
   item = std::move(read);
-  return true;
+  return ItemRead::kDone;
 }
 
 ItemResult UnpackItem(platform::FileSystem& files, platform::Registry& registry,
                       std::u16string_view path) {
   TrashItem item;
-  if (!ReadItem(files, path, item)) {
+  if (ReadItem(files, path, item) != ItemRead::kDone) {
     return ItemResult::kFailed;
   }
   const platform::OpenedFile archive =

@@ -64,9 +64,15 @@ enum class ItemResult : std::uint8_t {
 [[nodiscard]] ItemResult WriteItem(platform::FileSystem& files, platform::Registry& registry,
                                    std::u16string_view path, const TrashItem& item);
 
-/// Reads what is known about the item at `path`, without its parts. Returns false if there is none
-/// or it cannot be read.
-[[nodiscard]] bool ReadItem(platform::FileSystem& files, std::u16string_view path, TrashItem& item);
+enum class ItemRead : std::uint8_t {
+  kDone,
+  kNone,        ///< There is no such file, or it is no whole item.
+  kUnreadable,  ///< There may be one; it cannot be read now.
+};
+
+/// Reads what is known about the item at `path`, without its parts.
+[[nodiscard]] ItemRead ReadItem(platform::FileSystem& files, std::u16string_view path,
+                                TrashItem& item);
 
 /// Puts the parts of the item at `path` back into the store: the files first, then the entry, each
 /// on the medium before the next. What is there already is replaced.

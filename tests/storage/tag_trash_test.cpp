@@ -398,6 +398,22 @@ TEST_F(TagTrashTest, ATornFileInItIsPassedOver) {
   EXPECT_THAT(TrashFiles(), IsEmpty());
 }
 
+TEST_F(TagTrashTest, AFileThatCannotBeReadIsNoTornOne) {
+  PutTag(u"100");
+  ASSERT_EQ(Delete(u"100"), ItemResult::kDone);
+  support::FailingFileSystem failing(m_files);
+  const TagTrash trash(failing, m_registry, m_clock);
+  bool hasFailed = true;
+  for (std::size_t call = 1; hasFailed; ++call) {
+    failing.FailCall(call, Failing::kOnce);
+    std::vector<TrashedTag> tags;
+    const bool isListed = trash.List(tags);
+    hasFailed = failing.HasFailed();
+    EXPECT_EQ(isListed, tags.size() == 1) << call;
+    ASSERT_LT(call, 100U);
+  }
+}
+
 TEST_F(TagTrashTest, TellsThatItCannotBeRead) {
   support::FailingFileSystem failing(m_files);
   const TagTrash trash(failing, m_registry, m_clock);
