@@ -29,7 +29,7 @@ namespace {
 
 constexpr std::uint32_t kDay = 24U * 60 * 60 * 1000;
 
-std::u16string EntryPath(std::u16string_view name) {
+std::u16string KeyOfTag(std::u16string_view name) {
   return std::u16string(kTagKey).append(u"\\").append(name);
 }
 
@@ -80,13 +80,13 @@ class TagTrashTest : public testing::Test {
   [[nodiscard]] bool HasTag(std::u16string_view name) {
     return support::ReadWhole(m_files, WavePath(name)) == std::string(1000, 'w') &&
            support::ReadWhole(m_files, TemplatePath(name)) == "template" &&
-           support::BytesOf(m_registry, EntryPath(name), u"contact") == ToTagValue(u"-17") &&
-           support::BytesOf(m_registry, EntryPath(name), u"phone type") == ToTagValue(u"Mobile");
+           support::BytesOf(m_registry, KeyOfTag(name), u"contact") == ToTagValue(u"-17") &&
+           support::BytesOf(m_registry, KeyOfTag(name), u"phone type") == ToTagValue(u"Mobile");
   }
   [[nodiscard]] bool HasNothingOf(std::u16string_view name) {
     return !support::ReadWhole(m_files, WavePath(name)) &&
            !support::ReadWhole(m_files, TemplatePath(name)) &&
-           !support::KeyExists(m_registry, EntryPath(name));
+           !support::KeyExists(m_registry, KeyOfTag(name));
   }
 
   /// The store as a killed process left it, after the next one looked after it.
@@ -143,13 +143,13 @@ TEST_F(TagTrashTest, ListsTheLatestDeletionFirst) {
 
 TEST_F(TagTrashTest, RestoresATagByteForByteAndForgetsIt) {
   PutTag(u"100");
-  ASSERT_EQ(support::Put(m_registry, EntryPath(u"100"), u"Another's \"value\"",
+  ASSERT_EQ(support::Put(m_registry, KeyOfTag(u"100"), u"Another's \"value\"",
                          platform::RegistryType::kBinary, {std::byte{1}, std::byte{0}}),
             RegistryError::kNone);
   ASSERT_EQ(Delete(u"100"), ItemResult::kDone);
   ASSERT_EQ(m_trash.Restore(List().front()), RestoreResult::kDone);
   EXPECT_TRUE(HasTag(u"100"));
-  EXPECT_EQ(support::BytesOf(m_registry, EntryPath(u"100"), u"Another's \"value\""),
+  EXPECT_EQ(support::BytesOf(m_registry, KeyOfTag(u"100"), u"Another's \"value\""),
             (std::vector{std::byte{1}, std::byte{0}}));
   EXPECT_THAT(TrashFiles(), IsEmpty());
 }
@@ -175,7 +175,7 @@ TEST_F(TagTrashTest, KeepsATagWithoutFilesAndAFileWithoutATag) {
   for (const TrashedTag& tag : List()) {
     EXPECT_EQ(m_trash.Restore(tag), RestoreResult::kDone);
   }
-  EXPECT_TRUE(support::KeyExists(m_registry, EntryPath(u"100")));
+  EXPECT_TRUE(support::KeyExists(m_registry, KeyOfTag(u"100")));
   EXPECT_EQ(support::ReadWhole(m_files, WavePath(u"orphan")), "w");
 }
 
@@ -301,7 +301,7 @@ TEST_F(TagTrashTest, AHalfDeletedTagIsKeptOnceAndFinishedLater) {
       m_files.Open(TemplatePath(u"100"), {platform::FileAccess::kRead, platform::FileShare::kRead,
                                           platform::FileCreation::kOpenExisting});
   ASSERT_EQ(Delete(u"100"), ItemResult::kDone);
-  EXPECT_TRUE(support::KeyExists(m_registry, EntryPath(u"100")));
+  EXPECT_TRUE(support::KeyExists(m_registry, KeyOfTag(u"100")));
   m_trash.Recover();
   ASSERT_EQ(Delete(u"100"), ItemResult::kDone);
   EXPECT_THAT(Names(), ElementsAre(u"100"));
