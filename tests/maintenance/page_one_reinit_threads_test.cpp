@@ -72,11 +72,18 @@ class PageOneReinitThreads : public ReinitPageFixture {
     }
   }
 
+  /// So that the next opening has to make them.
+  void DeleteTemplates(std::initializer_list<std::u16string_view> names) {
+    for (const std::u16string_view name : names) {
+      static_cast<void>(m_machine.files.Delete(storage::TemplatePath(name)));
+    }
+  }
+
   support::TempFolder m_folder;
   posix::PosixThreads m_threads{m_folder.Path()};
   NoWaitThreads m_noWait{m_threads};
   NoClock m_clock;
-  int m_shown = 0;
+  int m_shown = 0;  ///< Dialogs that had not ended by themselves before the user could see them.
   Texts m_told;
 };
 
@@ -85,11 +92,14 @@ TEST_F(PageOneReinitThreads, EndsByItselfEveryTime) {
   PutSpokenTag(u"200", 2);
   for (int i = 0; i < kRepetitions; ++i) {
     PutVersion(u"2");
+    DeleteTemplates({u"100", u"200"});
     OpenOnThreads([](headless::HeadlessDialog& window) { EXPECT_TRUE(window.WaitForEnd()); });
-    ASSERT_TRUE(IsWholeTemplate(*GetTemplate(u"200")));
-    ASSERT_GT(GetTemplate(u"200")->size(), 6U);
+    for (const auto* const name : {u"100", u"200"}) {
+      ASSERT_TRUE(GetTemplate(name) && IsWholeTemplate(*GetTemplate(name)));
+      ASSERT_GT(GetTemplate(name)->size(), 6U);
+    }
   }
-  EXPECT_EQ(m_shown, kRepetitions);
+  EXPECT_GT(m_shown, 0);
   EXPECT_TRUE(m_told.empty());
 }
 
@@ -104,9 +114,12 @@ TEST_F(PageOneReinitThreads, EndsWithMoreAndWithFewerRecordingsThanTags) {
       }
     }
     PutVersion(u"2");
+    DeleteTemplates({u"100", u"500"});
     OpenOnThreads([](headless::HeadlessDialog& window) { EXPECT_TRUE(window.WaitForEnd()); });
+    ASSERT_TRUE(GetTemplate(u"100") && IsWholeTemplate(*GetTemplate(u"100")));
+    ASSERT_TRUE(GetTemplate(u"500") && IsWholeTemplate(*GetTemplate(u"500")));
   }
-  EXPECT_EQ(m_shown, kRepetitions);
+  EXPECT_GT(m_shown, 0);
   EXPECT_TRUE(m_told.empty());
 }
 
@@ -139,7 +152,7 @@ TEST_F(PageOneReinitThreads, AWindowMayGoAtAnyMoment) {
       window.EndDialog(0);
     });
   }
-  EXPECT_EQ(m_shown, kRepetitions);
+  EXPECT_GT(m_shown, 0);
 }
 
 TEST_F(PageOneReinitThreads, TheEndOfTheAppletAloneIsSafeEveryTime) {
