@@ -149,7 +149,11 @@ void TagTrash::EndRestoring(std::u16string_view mark) const {
   const std::u16string name =
       std::u16string(mark.substr(0, mark.size() - kRestoringEnd.size())).append(kItemEnd);
   TrashItem item;
-  if (ReadItem(m_files, InTrash(name), item) == ItemRead::kDone) {
+  const ItemRead read = ReadItem(m_files, InTrash(name), item);
+  if (read == ItemRead::kUnreadable) {
+    return;
+  }
+  if (read == ItemRead::kDone) {
     const PartsState state = GetState(m_files, m_registry, item.parts);
     if (state == PartsState::kUnknown) {
       return;
@@ -169,9 +173,13 @@ void TagTrash::EndDeletion(std::u16string_view mark, const std::vector<std::u16s
   bool isEnded = true;
   bool hasChanged = false;
   for (const std::u16string& name : names) {
+    if (!IsItem(name) || DeletionOf(name) != DeletionOf(mark)) {
+      continue;
+    }
     TrashItem item;
-    if (!IsItem(name) || DeletionOf(name) != DeletionOf(mark) ||
-        ReadItem(m_files, InTrash(name), item) != ItemRead::kDone) {
+    const ItemRead read = ReadItem(m_files, InTrash(name), item);
+    isEnded = isEnded && read != ItemRead::kUnreadable;
+    if (read != ItemRead::kDone) {
       continue;
     }
     switch (GetState(m_files, m_registry, item.parts)) {

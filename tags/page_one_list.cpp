@@ -175,14 +175,15 @@ bool Page_one::DeleteTagOfLine(std::size_t line) {
     return false;
   }
   DropRecord(line);
-  if (m_store.DeleteEntry(tagName) != platform::RegistryError::kNone) {
-    ShowBox(resources::kTagInUse);
-    return false;
-  }
+  const platform::RegistryError entry = m_store.DeleteEntry(tagName);
+  // Said in either case: the files are gone.
   if (kept == storage::ItemResult::kFull) {
     ShowBox(resources::kTagDestroyed);
   }
-  return true;
+  if (entry != platform::RegistryError::kNone) {
+    ShowBox(resources::kTagInUse);
+  }
+  return entry == platform::RegistryError::kNone;
 }
 
 void Page_one::DropRecord(std::size_t line) {
@@ -215,6 +216,9 @@ void Page_one::OnDeleteAll() {
                                              static_cast<std::int32_t>(listed - m_lines.begin()));
       },
       [this](storage::DeletionProblem problem) { ReportDeletion(problem); });
+  if (deleted.destroyedCount > 0) {
+    ShowBox(language::FormatNumber(resources::kTagsDestroyed, deleted.destroyedCount));
+  }
   if (!deleted.isDone) {
     return;
   }
@@ -227,9 +231,6 @@ void Page_one::OnDeleteAll() {
     window.Enable(button, false);
   }
   ShowCount();
-  if (deleted.destroyedCount > 0) {
-    ShowBox(language::FormatNumber(resources::kTagsDestroyed, deleted.destroyedCount));
-  }
 }
 
 std::u16string Page_one::GetDeleteAllQuestion() {

@@ -236,6 +236,34 @@ TEST_F(TagTrashTest, ADeletionWhoseCallsFailLosesNothing) {
   }
 }
 
+TEST_F(TagTrashTest, ARecoveryWhoseCallsFailLosesNothing) {
+  for (const Failing failure : {Failing::kOnce, Failing::kFromThenOn, Failing::kPowerFailure}) {
+    for (std::size_t call = 1;; ++call) {
+      SCOPED_TRACE(call);
+      PutTag(u"100");
+      support::FailingFileSystem failing(m_files);
+      {
+        const TagTrash trash(failing, m_registry, m_clock);
+        Deletion deletion(trash, DeletionReason::kDelete);
+        TagParts parts;
+        ASSERT_TRUE(FindParts(failing, m_registry, u"100", parts));
+        ASSERT_EQ(deletion.Keep(parts, u""), ItemResult::kDone);
+        ASSERT_EQ(failing.Delete(WavePath(u"100")), FileError::kNone);
+        failing.FailCall(1, Failing::kPowerFailure);
+      }
+      failing.FailCall(call, failure);
+      TagTrash(failing, m_registry, m_clock).Recover();
+      const bool hasFailed = failing.HasFailed();
+      ExpectWholeOrInTrash(u"100");
+      ASSERT_TRUE(HasTag(u"100"));
+      if (!hasFailed) {
+        ASSERT_GT(call, 8U);
+        break;
+      }
+    }
+  }
+}
+
 TEST_F(TagTrashTest, ARestorationThatIsKilledAnywhereLosesNothing) {
   PutTag(u"100");
   ASSERT_EQ(Delete(u"100"), ItemResult::kDone);
