@@ -396,7 +396,7 @@ std::u16string FreeTagName(platform::FileSystem& files, platform::Registry& regi
   }
   // There are fewer names in use than tick counts.
   for (std::uint32_t tick = tickCount;; ++tick) {
-    const std::u16string name = TagNameOfTickCount(tick);
+    std::u16string name = TagNameOfTickCount(tick);
     TagParts parts;
     const bool isAsked = FindParts(files, registry, name, parts);
     const bool isFree = parts.waveFile.empty() && parts.templateFile.empty() && !parts.hasEntry;
