@@ -139,11 +139,11 @@ class Trial:
                                             for line in run.out.splitlines())
 
     def _destroyed(self, fault, run):
-        """A full disk empties the trash; if that is not enough, it is said that a deleted tag could
-        not be kept."""
+        """A full disk empties the trash; if that is not enough, it is said that a deleted tag cannot
+        be restored."""
         if not fault.endswith(f":{ERRORS['ENOSPC']}"):
             return ()
-        said = "not be kept in the trash" in run.err
+        said = "The disk is full" in run.err and "restored" in run.err
         return tuple(self.command.trashed) + (tuple(self.command.objects) if said else ())
 
     def _judge(self, after, destroyed=()):
