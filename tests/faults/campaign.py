@@ -28,7 +28,7 @@ NEXT_COMMANDS = [["check", "--repair"], ["reinit"]]
 KINDS = ["kill", "power", "call", "memory"]
 # Of the points of a kind each which one is tried by --part. Odd, as failures once and for good take
 # turns.
-PART = {"kill": 1, "power": 1, "call": 3, "memory": 11}
+PART = {"kill": 1, "power": 1, "call": 7, "memory": 29}
 LATER = 100_000  # Seconds on the clock when a tried command begins.
 
 
