@@ -21,7 +21,7 @@ Wording WordingOf(StoreProblem problem) {
       return {"contacts-away", "the contacts cannot be read, so nothing is said about them"};
     case kOtherVersion:
       return {"other-version",
-              "the templates were made by another version; they are computed anew when the tags "
+              "the templates were made by another version; they are computed again when the tags "
               "are opened next"};
     case kTooManyTags:
       return {"too-many-tags", "there are more than 100 tags; those beyond are not compared"};
@@ -48,7 +48,7 @@ Wording WordingOf(StoreProblem problem) {
     case kTemplateStale:
       return {"template-stale",
               "the template is not what the recording gives; `voxtrel reinit --force` computes all "
-              "of them anew"};
+              "of them again"};
     case kRecordingWithoutTag:
       return {"recording-without-tag", "there is a recording and no tag"};
     case kTemplateWithoutTag:

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <exception>
+#include <new>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -22,7 +23,6 @@
 namespace cli {
 namespace {
 
-constexpr int kFailed = 1;
 constexpr int kWrongUsage = 2;
 
 constexpr const char* kFooter = R"(Examples:
@@ -63,9 +63,9 @@ void AddGlobalOptions(CLI::App& app, Options& options) {
       ->envname("VOXTREL_SPEAKER");
   app.add_option(
          "--contacts", options.contacts,
-         "Address book to use from now on: eds for the desktop's, else a vCard file or a "
-         "folder of them (default: the one used last, else the desktop's, else contacts.vcf "
-         "in the root folder)")
+         "Address book to use, remembered by commands that may change something: eds for the "
+         "desktop's, else a vCard file or a folder of them (default: the one remembered, else the "
+         "desktop's, else contacts.vcf in the root folder)")
       ->type_name("eds|PATH")
       ->envname("VOXTREL_CONTACTS");
   app.add_flag("--yes", options.yes, "Answer every confirmation with OK");
@@ -115,6 +115,8 @@ int RunCommand(int argc, const char* const* argv) {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
     return ExplainUsage(app, error);
+  } catch (const std::bad_alloc&) {
+    throw;  // To say so here takes memory.
   } catch (const std::exception& error) {
     // Nothing of the system throws; a library that ran out of something does.
     session.Fail(error.what());

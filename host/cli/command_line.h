@@ -2,6 +2,9 @@
 
 namespace cli {
 
+/// The exit code of what was not done.
+inline constexpr int kFailed = 1;
+
 /// Runs one command line. Returns the exit code of the program: 0 done, 1 failed with a message on
 /// standard error, 2 wrong usage.
 [[nodiscard]] int RunCommandLine(int argc, const char* const* argv);

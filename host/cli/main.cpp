@@ -1,11 +1,48 @@
+#include <unistd.h>
+
 #include <clocale>
+#include <cstdlib>
+#include <exception>
+#include <new>
 
 #include "host/cli/command_line.h"
 #include "host/cli/output.h"
+
+namespace {
+
+/// For memory that runs out where nothing can be caught: in a thread, in a destructor, or before
+/// `main`. What was written until then is as after a kill, which every command allows for.
+[[noreturn]] void EndWithoutMemory() {
+  try {
+    if (std::current_exception()) {
+      throw;
+    }
+  } catch (const std::bad_alloc&) {
+    cli::PrintOutOfMemory();
+    ::_exit(cli::kFailed);
+  } catch (...) {
+  }
+  std::abort();
+}
+
+struct TerminateHandler {
+  TerminateHandler() noexcept { std::set_terminate(EndWithoutMemory); }
+};
+
+/// Made before the texts of libraries.
+constexpr int kFirstPriority = 101;
+[[gnu::init_priority(kFirstPriority)]] const TerminateHandler g_handler;
+
+}  // namespace
 
 int main(int argc, char** argv) {
   cli::ReserveStandardStreams();
   // Only the character set, so that pictures fit the terminal; numbers keep their decimal point.
   std::setlocale(LC_CTYPE, "");
-  return cli::RunCommandLine(argc, argv);
+  try {
+    return cli::RunCommandLine(argc, argv);
+  } catch (const std::bad_alloc&) {
+    cli::PrintOutOfMemory();
+  }
+  return cli::kFailed;
 }

@@ -41,28 +41,26 @@ struct CheckedFinding {
   std::string reason;  ///< Why it could not be repaired; empty where nobody tried.
 };
 
-std::uint32_t CountTags(const platform::Platform& platform) {
-  std::vector<std::u16string> names;
-  const bool areRead =
-      storage::TagStore(platform.files, platform.registry).ListNames(names) == RegistryError::kNone;
-  return areRead ? static_cast<std::uint32_t>(names.size()) : 0;
-}
+struct CheckedStore {
+  std::uint32_t tagCount = 0;
+  std::vector<CheckedFinding> findings;
+};
 
-/// Whether it is known which tags there are. Adds a finding for what keeps the settings from being
-/// read.
-bool CanReadTags(Session& session, const platform::Platform& platform,
-                 std::vector<CheckedFinding>& findings) {
+/// Counts the tags. Returns whether it is known which there are. Adds a finding for what keeps the
+/// settings from being read.
+bool ReadTags(Session& session, const platform::Platform& platform, CheckedStore& checked) {
   std::vector<std::u16string> names;
   const RegistryError error = storage::TagStore(platform.files, platform.registry).ListNames(names);
   const std::string key = session.FindUnusableKey();
   if (error != RegistryError::kNone || !key.empty()) {
-    findings.push_back({{StoreProblem::kRegistryUnreadable, {}},
-                        fmt::format("{}: {}", Describe(StoreProblem::kRegistryUnreadable),
-                                    session.ExplainStore(error)),
-                        "",
-                        false,
-                        ""});
+    checked.findings.push_back({{StoreProblem::kRegistryUnreadable, {}},
+                                fmt::format("{}: {}", Describe(StoreProblem::kRegistryUnreadable),
+                                            session.ExplainStore(error)),
+                                "",
+                                false,
+                                ""});
   }
+  checked.tagCount = error == RegistryError::kNone ? static_cast<std::uint32_t>(names.size()) : 0;
   // Among the tags nobody knows what such a key means, nor which files belong to it.
   return error == RegistryError::kNone &&
          key.find(text::ToUtf8(storage::kTagKey) + '\\') == std::string::npos;
@@ -79,30 +77,30 @@ std::string ReadListText(const platform::Platform& platform, const std::u16strin
   return isFound ? text::ToUtf8(tags::ReadForTagList(*contact, entry.phoneType).text) : "";
 }
 
-std::vector<CheckedFinding> FindProblems(Session& session, const platform::Platform& platform) {
-  std::vector<CheckedFinding> findings;
-  if (!CanReadTags(session, platform, findings)) {
-    return findings;
+CheckedStore FindProblems(Session& session, const platform::Platform& platform) {
+  CheckedStore checked;
+  if (!ReadTags(session, platform, checked)) {
+    return checked;
   }
-  const bool hasTags = CountTags(platform) > 0;
+  const bool hasTags = checked.tagCount > 0;
   const bool isAway = hasTags && tags::OpenContacts(platform.contacts, platform.clock);
   if (isAway) {
-    findings.push_back({{StoreProblem::kContactsAway, {}},
-                        fmt::format("{}: {}", Describe(StoreProblem::kContactsAway),
-                                    ExplainContactsProblem(session)),
-                        "",
-                        false,
-                        ""});
+    checked.findings.push_back({{StoreProblem::kContactsAway, {}},
+                                fmt::format("{}: {}", Describe(StoreProblem::kContactsAway),
+                                            ExplainContactsProblem(session)),
+                                "",
+                                false,
+                                ""});
   }
   const bool isOpen = hasTags && !isAway;
   const ContactsState contacts = isOpen ? ContactsState::kOpen : ContactsState::kAway;
   for (StoreFinding& finding : CheckStore(platform, contacts)) {
     std::string listText = isOpen ? ReadListText(platform, finding.tag) : "";
-    findings.push_back(
+    checked.findings.push_back(
         {finding, std::string(Describe(finding.problem)), std::move(listText), false, ""});
   }
   platform.contacts.Logoff();
-  return findings;
+  return checked;
 }
 
 void PrintFindingsAsJson(const std::vector<CheckedFinding>& findings, std::uint32_t tagCount) {
@@ -160,20 +158,20 @@ void RemoveOrphans(const platform::Platform& platform, std::vector<CheckedFindin
   }
 }
 
-void Repair(const platform::Platform& platform, std::vector<CheckedFinding>& findings) {
-  if (CountTags(platform) > 0) {
+void Repair(const platform::Platform& platform, CheckedStore& checked) {
+  if (checked.tagCount > 0) {
     // What fails here each template that needs it tells.
     storage::CreateInstallFolders(platform.files);
     storage::CreateDataFolders(platform.files);
   }
-  for (CheckedFinding& checked : findings) {
-    if (IsRepairable(checked.finding.problem)) {
-      const auto result = maintenance::RepairTemplate(platform, checked.finding.tag);
-      checked.isRepaired = result == maintenance::RepairResult::kDone;
-      checked.reason = Describe(result);
+  for (CheckedFinding& found : checked.findings) {
+    if (IsRepairable(found.finding.problem)) {
+      const auto result = maintenance::RepairTemplate(platform, found.finding.tag);
+      found.isRepaired = result == maintenance::RepairResult::kDone;
+      found.reason = Describe(result);
     }
   }
-  RemoveOrphans(platform, findings);
+  RemoveOrphans(platform, checked.findings);
 }
 
 /// Whether there is a folder that may hold tags. A repair makes none.
@@ -204,12 +202,12 @@ void CheckTags(Session& session, bool isRepair) {
     // What a killed deletion left is no finding: it is finished or undone.
     storage::TagTrash(platform.files, platform.registry, platform.clock).Recover();
   }
-  std::vector<CheckedFinding> findings = FindProblems(session, platform);
+  CheckedStore checked = FindProblems(session, platform);
   if (mayRepair) {
-    Repair(platform, findings);
+    Repair(platform, checked);
   }
-  PrintFindings(session, findings, CountTags(platform));
-  const auto left = std::ranges::count(findings, false, &CheckedFinding::isRepaired);
+  PrintFindings(session, checked.findings, checked.tagCount);
+  const auto left = std::ranges::count(checked.findings, false, &CheckedFinding::isRepaired);
   if (left > 0) {
     session.Fail(fmt::format(
         "{} {}", left,

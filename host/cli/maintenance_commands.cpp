@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -11,6 +13,7 @@
 #include "host/cli/maintenance_check.h"
 #include "host/cli/output.h"
 #include "host/cli/page_run.h"
+#include "maintenance/store_check.h"
 #include "platform/text/utf.h"
 #include "resources/dialogs.h"
 #include "storage/device_paths.h"
@@ -23,11 +26,11 @@ namespace {
 using platform::RegistryError;
 
 /// Makes the recorded version missing, so that the page finds another one than its own.
-bool ForgetVersion(platform::Registry& registry) {
+RegistryError ForgetVersion(platform::Registry& registry) {
   const platform::OpenedKey key = registry.CreateKey(storage::kSetupKey);
   const RegistryError error =
       key.key ? key.key->DeleteValue(storage::kMathVersionValue) : key.error;
-  return error == RegistryError::kNone || error == RegistryError::kNotFound;
+  return error == RegistryError::kNotFound ? RegistryError::kNone : error;
 }
 
 struct Tag {
@@ -69,33 +72,58 @@ void CountRecordings(const platform::Platform& platform, const storage::TagTable
   }
 }
 
+/// Whether each tag that has a recording has the template of it: what the waiting dialog shows no
+/// message about must be there too.
+bool HaveNewTemplates(const platform::Platform& own) {
+  headless::HeadlessUi silent;
+  const platform::Platform platform{own.files, own.waveIn,   own.clock,    own.threads, own.process,
+                                    silent,    own.registry, own.contacts, own.waveOut, own.shell};
+  using enum maintenance::StoreProblem;
+  constexpr std::array kAllowed{kTooManyTags,        kTagName,     kContact,
+                                kPhoneType,          kNoRecording, kTemplateWithoutTag,
+                                kRecordingWithoutTag};
+  return std::ranges::all_of(CheckStore(platform, maintenance::ContactsState::kAway),
+                             [&](const maintenance::StoreFinding& finding) {
+                               return std::ranges::find(kAllowed, finding.problem) !=
+                                      kAllowed.end();
+                             });
+}
+
 void RunReinit(Session& session, PageRun& run, bool isForced, ReinitOutcome& outcome) {
-  outcome.hasRun = run.wasReinitialized;
   outcome.tags = run.page.GetTags().tagCount;
-  if (isForced && !outcome.hasRun && outcome.tags > 0) {
-    if (!ForgetVersion(session.GetRegistry())) {
-      session.Fail("the settings cannot be changed");
+  if (isForced && !run.wasReinitialized && outcome.tags > 0) {
+    if (const RegistryError error = ForgetVersion(session.GetRegistry());
+        error != RegistryError::kNone) {
+      session.Fail(session.ExplainStore(error));
       return;
     }
     run.page.OnCommand(resources::kCheckVersionCommand, platform::CommandEvent::kPosted);
-    outcome.hasRun = true;
+    if (!run.wasReinitialized) {
+      session.Fail("the voice templates were not computed again, since the settings do not answer");
+    }
   }
+  outcome.hasRun = run.wasReinitialized;
   CountRecordings(session.GetPlatform(), run.page.GetTags(), outcome);
-  if (outcome.hasRun && !session.GetUi().GetMessages().empty()) {
+  if (!ListsAllTags(session, run)) {
     session.Fail(
-        "not every voice template was computed anew; `voxtrel check` tells which, and `voxtrel "
+        "not all voice tags could be listed; `voxtrel check` says what is wrong with them");
+  }
+  if (outcome.hasRun && (!session.GetUi().GetMessages().empty() ||
+                         (outcome.tags > 0 && !HaveNewTemplates(session.GetPlatform())))) {
+    session.Fail(
+        "not every voice template was computed again; `voxtrel check` says which, and `voxtrel "
         "reinit --force` tries again");
   }
 }
 
-/// Of a page that computing anew ended, since it found no recording.
+/// Of a page that computing them again ended, since it found no recording.
 void NoteEndedReinit(Session& session, const tags::Page_one& page, ReinitOutcome& outcome) {
   outcome.hasRun = true;
   outcome.tags = page.GetTags().tagCount;
   CountRecordings(session.GetPlatform(), page.GetTags(), outcome);
 }
 
-/// Those that have no recording any more cannot have been computed anew.
+/// Those that have no recording any more cannot have been computed again.
 void TellTagsWithoutRecording(Session& session, const ReinitOutcome& outcome) {
   std::string names;
   for (const Tag& tag : outcome.withoutRecording) {
@@ -126,7 +154,7 @@ void PrintReinit(Session& session, const ReinitOutcome& outcome) {
   } else if (session.GetExitCode() != 0) {
     return;
   } else if (outcome.hasRun) {
-    PrintLine("The voice templates were computed anew.");
+    PrintLine("The voice templates were computed again.");
   } else {
     PrintLine(outcome.tags == 0 ? "There are no voice tags."
                                 : "The voice templates are those of this version already; --force "
@@ -149,7 +177,7 @@ void AddMaintenanceCommands(CLI::App& app, Session& session) {
   const auto isForced = std::make_shared<bool>(false);
   CLI::App* reinit = app.add_subcommand(
       "reinit",
-      "Compute every voice template anew where another version made them (exit code 1 where any "
+      "Compute every voice template again where another version made them (exit code 1 where any "
       "could not be, as for a tag without a recording)");
   reinit->add_flag("--force", *isForced, "Whatever version made them");
   reinit->callback([&session, isForced] { Reinit(session, *isForced); });
@@ -157,8 +185,8 @@ void AddMaintenanceCommands(CLI::App& app, Session& session) {
   const auto isRepair = std::make_shared<bool>(false);
   CLI::App* check = app.add_subcommand(
       "check",
-      "Tell what is not as it should be with the voice tags (exit code 1 where anything "
-      "is), and change nothing");
+      "Say what is not as it should be with the voice tags (exit code 1 if anything is), and "
+      "change nothing");
   check->add_flag("--repair", *isRepair,
                   "Compute missing and torn templates again from the kept recordings, and move "
                   "files that belong to no tag to the trash");

@@ -90,6 +90,11 @@ void PrintLine(std::string_view line) { Write(stdout, line); }
 
 void PrintErrorLine(std::string_view line) { Write(stderr, line); }
 
+void PrintOutOfMemory() {
+  constexpr std::string_view kMessage = "voxtrel: there is not enough memory\n";
+  static_cast<void>(::write(STDERR_FILENO, kMessage.data(), kMessage.size()));
+}
+
 bool FlushOutput() { return std::fflush(stdout) == 0 && std::ferror(stdout) == 0; }
 
 }  // namespace cli

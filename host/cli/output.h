@@ -23,6 +23,9 @@ void PrintJson(const Json& json);
 void PrintLine(std::string_view line);
 void PrintErrorLine(std::string_view line);
 
+/// Says on standard error that memory has run out, which takes none.
+void PrintOutOfMemory();
+
 /// False where not all that was printed has reached standard output.
 [[nodiscard]] bool FlushOutput();
 

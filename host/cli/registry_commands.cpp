@@ -133,8 +133,8 @@ void AddRegistryCommands(CLI::App& app, Session& session) {
 
   CLI::App* command = group->add_subcommand(
       "export", "Write all settings as a registry file of Windows, version 5.00");
-  command->add_option("file", *file, "The file to write (default: standard output)");
-  command->callback([&session, file] { Export(session, *file); });
+  command->add_option("file", *file, "The file to write (default, or -: standard output)");
+  command->callback([&session, file] { Export(session, *file == "-" ? "" : *file); });
 
   command =
       group->add_subcommand("import", "Make all changes that a registry file asks for, or none");

@@ -219,7 +219,7 @@ void Delete(Session& session, const std::string& name) {
 
 void DeleteAll(Session& session) {
   RunPage(session, Contacts::kOptional, [&](PageRun& run) {
-    if (run.dialog.GetItemCount(kTagListId) == 0) {
+    if (run.dialog.GetItemCount(kTagListId) == 0 && ListsAllTags(session, run)) {
       PrintResult(session, 0);
       return;
     }

@@ -144,7 +144,7 @@ TEST_F(MaintenanceCommands, ForceComputesThemWhateverTheVersionSays) {
   fs::remove(Template("200"));
   const auto run = Run({"reinit", "--force"});
   EXPECT_EQ(run.exitCode, 0) << run.err;
-  EXPECT_THAT(run.out, HasSubstr("computed anew"));
+  EXPECT_THAT(run.out, HasSubstr("computed again"));
   EXPECT_TRUE(GetFiles() == expected);
   auto registry = Registry();
   EXPECT_EQ(support::BytesOf(registry, storage::kSetupKey, u"Version_Math").size(), 8U);

@@ -162,6 +162,13 @@ TEST_F(RegistryCommands, AnExportTakesNoNameThatAnotherCouldHoldOrPlant) {
   EXPECT_EQ(GetNames(), std::vector<std::string>({".voxtrel-export-1", "a.reg", "mine"}));
 }
 
+TEST_F(RegistryCommands, ADashIsStandardOutput) {
+  const auto run = Run({"registry", "export", "-"});
+  EXPECT_EQ(run.exitCode, 0) << run.err;
+  EXPECT_EQ(run.out, Run({"registry", "export"}).out);
+  EXPECT_FALSE(std::filesystem::exists("-"));
+}
+
 TEST_F(RegistryCommands, ImportNeedsAFile) { EXPECT_EQ(Run({"registry", "import"}).exitCode, 2); }
 
 TEST_F(RegistryCommands, KeysOfOtherHivesAreCountedAndTheRestIsMade) {
