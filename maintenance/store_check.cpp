@@ -13,6 +13,7 @@
 #include "storage/registry_keys.h"
 #include "storage/tag_record.h"
 #include "storage/tag_store.h"
+#include "voicemath/recording_review.h"
 #include "voicemath/template_file.h"
 #include "voicemath/voice_mathematics.h"
 
@@ -155,6 +156,14 @@ class Checker {
     if (!Exists(m_mathematics.m_wavePath)) {
       Report(StoreProblem::kNoRecording, tag);
       return false;
+    }
+    const auto review = voicemath::ReviewRecording(m_mathematics, false);
+    if (review && (review->isEmpty || review->hasNoFrame)) {
+      Report(StoreProblem::kRecordingEmpty, tag);
+      return false;
+    }
+    if (review && review->isSilent) {
+      Report(StoreProblem::kRecordingSilent, tag);
     }
     if (m_mathematics.ReadFile(kComputedSlot) != voicemath::kLearned) {
       Report(StoreProblem::kRecordingUnreadable, tag);

@@ -22,6 +22,8 @@ enum class StoreProblem : std::uint8_t {
   kContactGone,  ///< The contact does not exist any more.
   kNoRecording,
   kRecordingUnreadable,
+  kRecordingEmpty,   ///< Too short for a template: that of an empty one has 65,535 frames.
+  kRecordingSilent,  ///< All samples are alike.
   kNoTemplate,
   kTemplateTorn,
   kTemplateContradicting,  ///< Its two counts do not agree.

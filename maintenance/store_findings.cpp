@@ -37,6 +37,10 @@ Wording WordingOf(StoreProblem problem) {
       return {"no-recording", "there is no recording"};
     case kRecordingUnreadable:
       return {"recording-unreadable", "the recording cannot be processed"};
+    case kRecordingEmpty:
+      return {"recording-empty", "the recording is too short to hold a spoken name"};
+    case kRecordingSilent:
+      return {"recording-silent", "the recording is silent"};
     case kNoTemplate:
       return {"no-template", "there is no template"};
     case kTemplateTorn:

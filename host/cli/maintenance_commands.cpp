@@ -79,9 +79,9 @@ bool HaveNewTemplates(const platform::Platform& own) {
   const platform::Platform platform{own.files, own.waveIn,   own.clock,    own.threads, own.process,
                                     silent,    own.registry, own.contacts, own.waveOut, own.shell};
   using enum maintenance::StoreProblem;
-  constexpr std::array kAllowed{kTooManyTags,        kTagName,     kContact,
-                                kPhoneType,          kNoRecording, kTemplateWithoutTag,
-                                kRecordingWithoutTag};
+  constexpr std::array kAllowed{kTooManyTags,         kTagName,        kContact,
+                                kPhoneType,           kNoRecording,    kTemplateWithoutTag,
+                                kRecordingWithoutTag, kRecordingEmpty, kRecordingSilent};
   return std::ranges::all_of(CheckStore(platform, maintenance::ContactsState::kAway),
                              [&](const maintenance::StoreFinding& finding) {
                                return std::ranges::find(kAllowed, finding.problem) !=

@@ -52,7 +52,7 @@ void Watch(headless::HeadlessDialog& window, std::string_view what,
 
 void WatchReinit(headless::HeadlessDialog& window) {
   // Closing does nothing while the work goes on; once that has failed, nobody else closes it.
-  Watch(window, "Computing the voice tags anew", [&window] { window.Close(); });
+  Watch(window, "Computing the voice tags again", [&window] { window.Close(); });
 }
 
 void WatchComparison(headless::HeadlessDialog& window) {

@@ -6,7 +6,7 @@ namespace cli {
 
 // Who waits in front of a window with a bar: shows on a terminal how far the work has come.
 
-/// While every template is computed anew. Closes the dialog as soon as it lets itself be closed.
+/// While every template is computed again. Closes the dialog as soon as it lets itself be closed.
 void WatchReinit(headless::HeadlessDialog& window);
 
 /// While voice tags are compared that take long.

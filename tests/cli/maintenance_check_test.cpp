@@ -56,6 +56,20 @@ TEST_F(CheckCommand, TellsEachThingInPlainWordsAndChangesNothing) {
   EXPECT_THAT(run.err, HasSubstr("6 things are not as they should be"));
 }
 
+TEST_F(CheckCommand, ReportsRecordingsThatAreEmptyOrSilentOrNone) {
+  PutThreeTags();
+  const std::string header = Content(Wave("100")).substr(0, 44);
+  std::string empty = header;
+  empty.replace(4, 4, std::string("\x2c\0\0\0", 4)).replace(40, 4, std::string(4, '\0'));
+  std::ofstream(Wave("100"), std::ios::binary) << empty;
+  const std::string spoken = Content(Wave("200"));
+  std::ofstream(Wave("200"), std::ios::binary)
+      << spoken.substr(0, 44) << std::string(spoken.size() - 44, '\0');
+  std::ofstream(Wave("300"), std::ios::binary) << "";
+  EXPECT_EQ(Check({}, 1), (Lines{"recording-empty 100", "recording-silent 200",
+                                 "template-stale 200", "recording-unreadable 300"}));
+}
+
 TEST_F(CheckCommand, RepairMakesMissingAndTornTemplatesAndNothingElse) {
   PutThreeTags();
   const auto good = GetFiles();
