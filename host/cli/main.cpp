@@ -1,6 +1,7 @@
 #include <unistd.h>
 
 #include <clocale>
+#include <csignal>
 #include <cstdlib>
 #include <exception>
 #include <new>
@@ -25,6 +26,23 @@ namespace {
   std::abort();
 }
 
+/// The sound server's library writes a message and raises SIGQUIT if memory runs out. A SIGQUIT
+/// from anywhere else, as from a terminal, ends the process as it always does.
+void EndByLibrary(int signal, siginfo_t* info, void* /*context*/) {
+  if (info->si_code == SI_TKILL && info->si_pid == ::getpid()) {
+    ::_exit(cli::kFailed);
+  }
+  static_cast<void>(std::signal(signal, SIG_DFL));
+  static_cast<void>(std::raise(signal));
+}
+
+void WatchForEndByLibrary() {
+  struct sigaction action {};
+  action.sa_sigaction = EndByLibrary;
+  action.sa_flags = SA_SIGINFO;
+  ::sigaction(SIGQUIT, &action, nullptr);
+}
+
 struct TerminateHandler {
   TerminateHandler() noexcept { std::set_terminate(EndWithoutMemory); }
 };
@@ -37,6 +55,7 @@ constexpr int kFirstPriority = 101;
 
 int main(int argc, char** argv) {
   cli::ReserveStandardStreams();
+  WatchForEndByLibrary();
   // Only the character set, so that pictures fit the terminal; numbers keep their decimal point.
   std::setlocale(LC_CTYPE, "");
   try {

@@ -240,7 +240,8 @@ void AddName(CLI::App& command, TagArguments& arguments) {
 }  // namespace
 
 void AddTagsCommands(CLI::App& app, Session& session) {
-  CLI::App* group = app.add_subcommand("tags", "Learn, list, test, play, delete and restore voice tags");
+  CLI::App* group =
+      app.add_subcommand("tags", "Learn, list, test, play, delete and restore voice tags");
   group->require_subcommand(1);
   const auto arguments = std::make_shared<TagArguments>();
 
