@@ -72,6 +72,14 @@ void MakePrivateFile(const std::filesystem::path& database) {
   }
 }
 
+/// Frees the room of an index that could not be made whole. Called by who has the database alone.
+void RemoveIndex(const std::filesystem::path& database) {
+  std::filesystem::path index = database;
+  index += "-shm";
+  std::error_code ignored;
+  std::filesystem::remove(index, ignored);
+}
+
 bool IsMissing(const std::filesystem::path& database) {
   std::error_code error;
   return std::filesystem::status(database, error).type() == std::filesystem::file_type::not_found;
@@ -100,6 +108,9 @@ RegistryError Connection::OpenOnce(const Settings& settings,
                                                   SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
   if (error == RegistryError::kNone) {
     SetOption(candidate->m_database.get(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, false);
+    if (settings.access == Access::kChangeAlone) {
+      RemoveIndex(settings.database);
+    }
     connection = std::move(candidate);
     return error;
   }
@@ -179,7 +190,14 @@ RegistryError Connection::Configure(const Settings& settings) const {
   sqlite3_busy_timeout(database, static_cast<int>(settings.busyLimit.count()));
   SetOption(database, SQLITE_DBCONFIG_DEFENSIVE, true);
   SetOption(database, SQLITE_DBCONFIG_ENABLE_TRIGGER, false);
-  int result = Execute(database, kConnectionSettings);
+  int result = SQLITE_OK;
+  if (settings.access == Access::kChangeAlone) {
+    // Before the settings, which read the database and with it the index.
+    result = Execute(database, "PRAGMA locking_mode = EXCLUSIVE");
+  }
+  if (result == SQLITE_OK) {
+    result = Execute(database, kConnectionSettings);
+  }
   if (result == SQLITE_OK && m_isReading) {
     result = Execute(database, "PRAGMA query_only = ON");
   }

@@ -16,6 +16,9 @@ namespace sqlite {
 /// What a registry may do with its database.
 enum class Access : std::uint8_t {
   kChange,
+  /// As kChange, with the index of the log in memory: it takes no room, and nobody else can open
+  /// the database meanwhile. For a medium that is full, so that what takes room can be deleted.
+  kChangeAlone,
   /// Nothing but reading: no file is made but the log and its index, and only next to a database
   /// that has a log. Every change gives kReadOnly.
   kRead,

@@ -98,7 +98,7 @@ RegistryError SqliteRegistry::BeginGroup() {
   if (error == RegistryError::kNone && m_lacksRoom) {
     // Without room the group serves for reading.
     error = OpenForChanges();
-    error = error == RegistryError::kFull ? RegistryError::kNone : error;
+    error = error == RegistryError::kFull && m_connection ? RegistryError::kNone : error;
   }
   if (error == RegistryError::kNone) {
     error = m_connection->Begin();
@@ -154,6 +154,9 @@ RegistryError SqliteRegistry::Perform(const Call& call) {
     error = m_gate.GroupIsOpen() ? RegistryError::kFull : OpenForChanges();
     error = error == RegistryError::kNone ? call(m_connection->GetStore()) : error;
   }
+  if (error == RegistryError::kFull && !m_gate.GroupIsOpen() && OpenAlone()) {
+    error = call(m_connection->GetStore());
+  }
   NoteDamage(error);
   if (m_gate.GroupIsOpen() && platform::DoomsGroup(error)) {
     // The library may have undone the transaction already; what followed would stand alone.
@@ -191,9 +194,24 @@ RegistryError SqliteRegistry::Open(Access access) {
 }
 
 RegistryError SqliteRegistry::OpenForChanges() {
-  const RegistryError error = Open(Access::kChange);
+  RegistryError error = Open(Access::kChange);
+  if (error == RegistryError::kFull && OpenAlone()) {
+    error = RegistryError::kNone;
+  }
   m_lacksRoom = error != RegistryError::kNone;
   return error;
+}
+
+bool SqliteRegistry::OpenAlone() {
+  if (m_isAlone || m_options.access != Access::kChange) {
+    return false;
+  }
+  m_connection.reset();
+  m_isAlone = Open(Access::kChangeAlone) == RegistryError::kNone;
+  if (!m_isAlone) {
+    static_cast<void>(Connect());  // The next call reports why that fails.
+  }
+  return m_isAlone;
 }
 
 OpenedKey SqliteRegistry::OpenWith(std::u16string_view path, const PathCall& find) {

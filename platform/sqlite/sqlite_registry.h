@@ -65,6 +65,10 @@ class SqliteRegistry final : public platform::Registry {
   [[nodiscard]] platform::RegistryError Open(Access access);
   /// Opens the registry for changes if it is open for reading for want of room.
   [[nodiscard]] platform::RegistryError OpenForChanges();
+  /// Opens the database so that a change takes the least room, which keeps everybody else out until
+  /// this goes. Returns false if it is so already, or if another process has the database open.
+  /// Then there may be no connection.
+  [[nodiscard]] bool OpenAlone();
   [[nodiscard]] platform::OpenedKey OpenWith(std::u16string_view path, const PathCall& find);
   [[nodiscard]] platform::RegistryError CreateMissing(const Store& store, const KeyNames& names,
                                                       std::int64_t& key);
@@ -79,6 +83,7 @@ class SqliteRegistry final : public platform::Registry {
   std::unique_ptr<Connection> m_connection;  ///< Null until the database could be opened.
   std::uint32_t m_connectionCount = 0;
   bool m_damaged = false;
+  bool m_isAlone = false;          ///< The connection keeps everybody else out.
   bool m_lacksRoom = false;        ///< The connection only reads, since the medium is full.
   std::shared_ptr<Group> m_group;  ///< Shared by the keys that were opened within it.
 };

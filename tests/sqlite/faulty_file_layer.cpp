@@ -18,6 +18,7 @@ struct State {
   std::uint32_t syncs = 0;
   int fault = SQLITE_OK;
   bool hasFailed = false;
+  bool indexFails = false;
   bool databaseIsReadOnly = false;
   bool mediumIsReadOnly = false;
 };
@@ -65,6 +66,9 @@ int Sync(sqlite3_file*, int) {
 }
 
 int MapShared(sqlite3_file* file, int page, int pageSize, int extend, void volatile** memory) {
+  if (extend != 0 && GetState().indexFails) {
+    return SQLITE_IOERR_SHMSIZE;
+  }
   const int fault = extend == 0 ? SQLITE_OK : CountCall();
   if (fault != SQLITE_OK) {
     return fault == SQLITE_FULL ? SQLITE_IOERR_SHMSIZE : SQLITE_IOERR_SHMMAP;
@@ -149,7 +153,12 @@ void FaultyFileLayer::FailFrom(std::uint32_t number, Fault fault) {
   state.hasFailed = false;
 }
 
-void FaultyFileLayer::Heal() { GetState().failingCall = 0; }
+void FaultyFileLayer::FailIndex() { GetState().indexFails = true; }
+
+void FaultyFileLayer::Heal() {
+  GetState().failingCall = 0;
+  GetState().indexFails = false;
+}
 
 bool FaultyFileLayer::HasFailed() const { return GetState().hasFailed; }
 

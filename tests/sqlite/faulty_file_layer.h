@@ -23,6 +23,9 @@ class FaultyFileLayer {
   /// Lets writing call `number` (from 1, counted from now on) and every later one fail.
   void FailFrom(std::uint32_t number, Fault fault);
 
+  /// Lets every call fail that needs room for the index of the log, and no other.
+  void FailIndex();
+
   /// Lets every call through again.
   void Heal();
 

@@ -254,4 +254,41 @@ TEST_F(SqliteRegistryReadOnly, WhereNotEvenTheLogCanBeMadeTheStoreSaysSo) {
   EXPECT_EQ(registry.BeginGroup(), RegistryError::kReadOnly);
 }
 
+TEST(SqliteRegistryWithoutRoomForAnIndex, DeletesAKeyAllTheSame) {
+  const support::TempFolder folder;
+  FaultyFileLayer layer;
+  const auto database = folder.Path() / kDatabaseName;
+  ASSERT_EQ(PutText(*std::make_unique<SqliteRegistry>(database), u"tags\\1", u"v", u"text"),
+            RegistryError::kNone);
+  layer.FailIndex();
+  {
+    SqliteRegistry registry(database, {{}, std::chrono::milliseconds(0), layer.Name()});
+    EXPECT_EQ(BytesOf(registry, u"tags\\1", u"v"), Terminated(u"text"));
+    EXPECT_EQ(registry.DeleteKey(u"tags\\1"), RegistryError::kNone);
+    EXPECT_FALSE(KeyExists(registry, u"tags\\1"));
+    EXPECT_FALSE(std::filesystem::exists(database.native() + "-shm")) << "What it took is free.";
+    RegistryGroup group(registry);
+    EXPECT_EQ(PutText(registry, u"tags\\2", u"v", u"text"), RegistryError::kNone);
+    EXPECT_EQ(group.Commit(), RegistryError::kNone);
+  }
+  layer.Heal();
+  SqliteRegistry registry(database);
+  EXPECT_FALSE(KeyExists(registry, u"tags\\1"));
+  EXPECT_TRUE(KeyExists(registry, u"tags\\2"));
+}
+
+TEST(SqliteRegistryWithoutRoomForAnIndex, LeavesADatabaseThatAnotherHasOpen) {
+  const support::TempFolder folder;
+  FaultyFileLayer layer;
+  const auto database = folder.Path() / kDatabaseName;
+  SqliteRegistry other(database);
+  ASSERT_EQ(PutText(other, u"tags\\1", u"v", u"text"), RegistryError::kNone);
+  layer.FailIndex();
+  SqliteRegistry registry(database, {{}, std::chrono::milliseconds(0), layer.Name()});
+  const RegistryError error = registry.DeleteKey(u"tags\\1");
+  EXPECT_EQ(KeyExists(other, u"tags\\1"), error != RegistryError::kNone);
+  EXPECT_EQ(PutText(other, u"tags\\1", u"v", u"other"), RegistryError::kNone);
+  EXPECT_TRUE(std::filesystem::exists(database.native() + "-shm")) << "It is the other's.";
+}
+
 }  // namespace sqlite
