@@ -44,8 +44,8 @@ TEST_F(StatusCommands, NameWhatIsDamagedInTheAddressBook) {
   const auto run = Status({"--contacts", file, "--microphone", kRecording});
   EXPECT_EQ(run.exitCode, 0);
   EXPECT_EQ(run.out, "Contacts with a telephone number: 1\n    " + remark + "\nMicrophones: 1\n");
-  const auto json = nlohmann::json::parse(Status({"--json", "--contacts", file}).out);
-  EXPECT_EQ(json["contacts"]["remarks"], nlohmann::json::array({remark}));
+  const auto printed = nlohmann::json::parse(Status({"--json", "--contacts", file}).out);
+  EXPECT_EQ(printed["contacts"]["remarks"], nlohmann::json::array({remark}));
 }
 
 TEST_F(StatusCommands, PrintJson) {
