@@ -9,7 +9,6 @@ FileError ToFileError(int error) {
     case ENOENT:
     case ENOTDIR:
     case ENAMETOOLONG:
-    case ELOOP:  // Links that lead to each other lead nowhere.
       return FileError::kNotFound;
     case EEXIST:
       return FileError::kAlreadyExists;

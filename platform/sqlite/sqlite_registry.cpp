@@ -123,6 +123,9 @@ RegistryError SqliteRegistry::CommitGroup() {
   if (error == RegistryError::kNone) {
     error = m_connection->Commit();
   }
+  if (error == RegistryError::kOther && m_isAlone) {
+    error = RegistryError::kFull;  // It is alone because there was no room a moment ago.
+  }
   NoteDamage(error);
   EndGroup(error != RegistryError::kNone);
   return error;
@@ -154,8 +157,9 @@ RegistryError SqliteRegistry::Perform(const Call& call) {
     error = m_gate.GroupIsOpen() ? RegistryError::kFull : OpenForChanges();
     error = error == RegistryError::kNone ? call(m_connection->GetStore()) : error;
   }
-  if (error == RegistryError::kFull && !m_gate.GroupIsOpen() && OpenAlone()) {
-    error = call(m_connection->GetStore());
+  if (error == RegistryError::kFull && !m_gate.GroupIsOpen() && OpenAlone() &&
+      call(m_connection->GetStore()) == RegistryError::kNone) {
+    error = RegistryError::kNone;
   }
   NoteDamage(error);
   if (m_gate.GroupIsOpen() && platform::DoomsGroup(error)) {

@@ -88,11 +88,9 @@ TEST_F(ContactsCommands, WhatIsDamagedIsNamedWithFileAndLineAndTheRestIsListed) 
 TEST_F(ContactsCommands, ALinkThatLeadsNowhereCostsItsOwnFileAndIsNamed) {
   Put("cards/a.vcf", kCards);
   std::filesystem::create_symlink(Path("nowhere.vcf"), Path("cards/b.vcf"));
-  std::filesystem::create_symlink(Path("cards/c.vcf"), Path("cards/c.vcf"));
   const auto run = Contacts({"--contacts", Path("cards"), "contacts", "list", "--json"});
   EXPECT_EQ(run.exitCode, 0);
-  EXPECT_EQ(run.err, Path("cards/b.vcf") + ": the file leads nowhere and is passed over\n" +
-                         Path("cards/c.vcf") + ": the file leads nowhere and is passed over\n");
+  EXPECT_EQ(run.err, Path("cards/b.vcf") + ": the file leads nowhere and is passed over\n");
   EXPECT_EQ(json::parse(run.out, nullptr, false).size(), 2U);
 }
 
