@@ -141,7 +141,15 @@ RegistryError CreateWhereEmpty(sqlite3* database, std::span<const std::u16string
 
 RegistryError CheckSchema(sqlite3* database) {
   Identity identity;
-  if (const int result = ReadIdentity(database, identity); result != SQLITE_OK) {
+  // In one transaction: half of it from before another process made the store, and half from after,
+  // would pass for damage.
+  int result = Execute(database, "BEGIN");
+  if (result == SQLITE_OK) {
+    result = ReadIdentity(database, identity);
+    const int ended = Execute(database, "ROLLBACK");
+    result = result == SQLITE_OK ? ended : result;
+  }
+  if (result != SQLITE_OK) {
     return ToRegistryError(result);
   }
   if (identity.IsEmpty()) {
