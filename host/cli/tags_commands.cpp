@@ -209,9 +209,22 @@ void PressDelete(Session& session, PageRun& run, int button, const char* failure
   }
 }
 
+bool HasEntry(Session& session, const std::string& name) {
+  storage::TagEntry entry;
+  return storage::TagStore(session.GetFiles(), session.GetRegistry())
+             .ReadEntry(text::FromUtf8(name), entry) == platform::RegistryError::kNone;
+}
+
 void Delete(Session& session, const std::string& name) {
+  if (!session.OpenForChanging()) {
+    return;
+  }
+  const bool wasThere = HasEntry(session, name);
   RunPage(session, Contacts::kOptional, [&](PageRun& run) {
-    if (SelectTag(session, run, name)) {
+    if (wasThere && !HasEntry(session, name)) {
+      // The page that opened moved it to the trash, since its contact has gone: it is deleted.
+      PrintResult(session, 0);
+    } else if (SelectTag(session, run, name)) {
       PressDelete(session, run, resources::kDeleteButtonId, "the tag was not deleted");
     }
   });

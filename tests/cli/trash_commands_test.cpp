@@ -88,6 +88,16 @@ TEST_F(TrashCommands, ATagWhoseContactHasGoneIsCleanedUpIntoTheTrash) {
   EXPECT_THAT(GetNames(), ElementsAre("200"));
 }
 
+TEST_F(TrashCommands, ATagThatTheCleanUpTookIsDeleted) {
+  PutThreeTags();
+  std::ofstream(Path("all.vcf"), std::ios::binary) << kAnnsCard;
+  const auto run = Run({"--yes", "tags", "delete", "200"});
+  EXPECT_EQ(run.exitCode, 0) << run.err;
+  EXPECT_FALSE(HasEntry("200"));
+  EXPECT_THAT(TrashedNames(), UnorderedElementsAre("200", "300"));
+  EXPECT_EQ(Run({"--yes", "tags", "delete", "200"}).exitCode, 1);
+}
+
 TEST_F(TrashCommands, ARestoredTagIsWhatItWasByteForByte) {
   PutThreeTags();
   const std::string wave = Content(Wave("200"));
