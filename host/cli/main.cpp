@@ -49,7 +49,7 @@ struct TerminateHandler {
 
 /// Made before the texts of libraries.
 constexpr int kFirstPriority = 101;
-[[gnu::init_priority(kFirstPriority)]] const TerminateHandler g_handler;
+[[gnu::init_priority(kFirstPriority)]] const TerminateHandler kHandler;
 
 }  // namespace
 
