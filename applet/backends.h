@@ -44,8 +44,8 @@ class Backends {
   ~Backends();
 
   /// From now on nothing is changed: settings are only read, no address book is remembered, no
-  /// folder is made. Settings that are not there count as new ones. To be called before registry or
-  /// contacts are asked for.
+  /// folder is made. Missing settings count as new ones. Call it before the registry or the
+  /// contacts are used.
   void ChangeNothing() { m_access = sqlite::Access::kRead; }
 
   /// Whether there is a folder to stand for the device's root: none where no option names one and
@@ -71,8 +71,8 @@ class Backends {
   void OnNoContacts(std::function<void()> tell) { m_noContacts = std::move(tell); }
 
   /// If anything may be changed: makes the root folder if it is missing, and takes from other users
-  /// every right to what the applet keeps there. If that fails, whoever needs the folder reports
-  /// it.
+  /// every right to what the applet keeps there. If that fails, the code that needs the folder
+  /// reports it.
   void MakeRoot() const;
 
   /// Where a device path leads on this machine.

@@ -13,8 +13,8 @@ namespace applet {
 // be loaded there is no device, and standard error tells why. Made while the process has one
 // thread: the library's manners are set by the environment.
 //
-// A mutex and no std::call_once, since an exception for want of memory that passes through the C
-// library ends the process: that one would have to load the unwinder first.
+// This is a mutex and not std::call_once. If memory runs out, an exception would pass through the C
+// library, which would have to load the unwinder first: that ends the process.
 
 class LateWaveIn final : public platform::WaveIn {
  public:

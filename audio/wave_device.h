@@ -16,7 +16,7 @@ namespace audio {
 /// Result codes of WaveDevice::Record. The numbers are shown to users and are fixed.
 enum RecordCode : int {
   kRecorded = 0,
-  kFileNotCreated = 1,  ///< Or not written to its end, or not put in its place; a message has told.
+  kFileNotCreated = 1,  ///< Or not written to its end, or not put in its place; a message said so.
   kDeviceNotOpened = 2,
   kNoBuffer = 3,  ///< Memory ran out.
   kBufferNotQueued = 4,
@@ -67,8 +67,8 @@ class WaveDevice {
 
   /// Records `milliseconds` from now into a file, and returns a RecordCode. The file takes its
   /// place at `path` when it is whole; whatever happens before, the path is what it was. Blocks for
-  /// the length of the recording: its end is found by sleeping, no notice is awaited. With
-  /// Durability::kLater whoever works on the recording next has it flushed.
+  /// the length of the recording: it sleeps until the end and waits for no notice. With
+  /// Durability::kLater the code that works on the recording next has to flush it.
   [[nodiscard]] int Record(std::u16string_view path, std::uint32_t milliseconds,
                            platform::Durability durability = platform::Durability::kNow);
 
@@ -77,7 +77,7 @@ class WaveDevice {
   /// path.
   [[nodiscard]] int Play(std::u16string_view path);
 
-  /// Why there was no file, after kFileNotCreated.
+  /// Why there is no file, after kFileNotCreated.
   [[nodiscard]] platform::FileError GetFileError() const { return m_fileError; }
 
   /// Bytes of samples in the file that Record wrote last.

@@ -75,8 +75,8 @@ class File {
   /// Cuts the file, or lets it grow by zeros. The position stays, even behind the new end.
   [[nodiscard]] virtual FileError SetLength(std::uint64_t length) = 0;
 
-  /// Returns when everything written is on the medium, and for a file with a name the name as well,
-  /// whoever made it: a loss of power keeps both.
+  /// Returns when everything written is on the medium. If the file has a name, the name is on the
+  /// medium as well, whoever made the file: both survive a loss of power.
   [[nodiscard]] virtual FileError Flush() = 0;
 
   /// Gives up the file. A failure means that earlier writes may be lost; calling again is allowed
@@ -98,9 +98,10 @@ enum class Durability : std::uint8_t {
 /// Begins every name that a process can leave behind when it is killed while it replaces a file.
 inline constexpr std::u16string_view kUnfinishedPrefix = u".voxtrel-";
 
-/// A new file on its way to its name. Nobody else can open it, and it is gone if it is destroyed
-/// before it is published, whether or not anything else was at its name. A process that is killed
-/// leaves at most a name that begins with kUnfinishedPrefix, next to the path.
+/// A new file that has not got its name yet. Nobody else can open it. If this object is destroyed
+/// before the file is published, the file is gone, whether or not anything else was at its name. A
+/// process that is killed leaves at most a name that begins with kUnfinishedPrefix, next to the
+/// path.
 class Replacement {
  public:
   Replacement() = default;
@@ -123,7 +124,7 @@ class Replacement {
 };
 
 struct OpenedReplacement {
-  std::unique_ptr<Replacement> replacement;  ///< Null exactly where `error` is not kNone.
+  std::unique_ptr<Replacement> replacement;  ///< Null exactly if `error` is not kNone.
   FileError error = FileError::kOther;
 };
 
@@ -184,8 +185,9 @@ class FileSystem {
   /// open matters only when it is published. kAccessDenied, kLink and kNotFound as for Open.
   [[nodiscard]] virtual OpenedReplacement OpenReplacement(std::u16string_view path) = 0;
 
-  /// Deletes a file. Refused with kSharingViolation while any holder has it open. A link on a
-  /// device path goes itself and its file stays; one on a path of the host is refused with kLink.
+  /// Deletes a file. Refused with kSharingViolation while any holder has it open. If a device path
+  /// ends in a link, the link is deleted and its file stays. A link on a path of the host is
+  /// refused with kLink.
   [[nodiscard]] virtual FileError Delete(std::u16string_view path) = 0;
 
   /// Makes one folder, and returns when its name is on the medium.
@@ -197,10 +199,10 @@ class FileSystem {
 
   /// Finds names in the folder of `pattern` whose last part matches; "*" stands for any run of
   /// characters, "?" for one, letter case counts for nothing. A pattern without either asks whether
-  /// that file or folder exists. "." and ".." are never found. kNotFound where nothing matches and
-  /// for a missing folder; a folder that is there and cannot be read is another error. The names
-  /// are those that were there when the search began, each once, also when files are made or
-  /// deleted before the next one is asked for.
+  /// that file or folder exists. "." and ".." are never found. kNotFound if nothing matches or the
+  /// folder is missing; a folder that is there and cannot be read is another error. The names are
+  /// those that were there when the search began, each once, also when files are made or deleted
+  /// before the next one is asked for.
   [[nodiscard]] virtual StartedSearch FindFirst(std::u16string_view pattern) = 0;
 };
 

@@ -55,8 +55,8 @@ inline constexpr std::uint64_t kMaxRegistryFileLength = std::uint64_t{1} << 28;
 
 /// Stores the key of `path`, with all below it, as such a file in `file`; without a path the whole
 /// registry. The same keys and values give the same bytes. What is read from them again are the
-/// same keys and values, byte for byte. kInvalid, and no file, if a name or a length of another
-/// program's could not be read again.
+/// same keys and values, byte for byte. Gives kInvalid, and no file, if another program made a name
+/// or a length that could not be read again.
 [[nodiscard]] platform::RegistryError WriteRegistryFile(platform::Registry& registry,
                                                         std::vector<std::byte>& file,
                                                         std::u16string_view path = {});

@@ -14,7 +14,7 @@ namespace storage {
 /// why in the error it was given, where that is not what it should be.
 class RegistryValueReader {
  public:
-  /// In a file that `isAnsi`, of version 4, the bytes of texts are in its code page too.
+  /// If `isAnsi`, the file is of version 4, and the bytes of texts are in its code page too.
   RegistryValueReader(RegistryFileScanner& scanner, RegistryFileError& error, bool isAnsi)
       : m_scanner(scanner), m_error(error), m_isAnsi(isAnsi) {}
 

@@ -90,8 +90,8 @@ class TagTrash {
 };
 
 /// One deletion. First each tag that is to go is copied, then the copies are sealed, then the tags
-/// may go. The destructor looks what is left of them: a copy of a tag that is still whole goes, and
-/// if any part of a tag is left, the next Recover finishes the work.
+/// may go. The destructor looks at what is left of them. If a tag is still whole, its copy goes. If
+/// only a part of a tag is left, the next Recover finishes the work.
 class Deletion {
  public:
   Deletion(const TagTrash& trash, DeletionReason by) : m_trash(trash), m_by(by) {}

@@ -64,7 +64,7 @@ class Page_one : public framework::CPropertyPage,
   /// What the player answered last; it tells the user nothing.
   [[nodiscard]] int GetPlayCode() const { return m_playCode; }
 
-  /// What the recorder answered last. A message has shown it as a number.
+  /// The recorder's last answer. A message has shown it as a number.
   [[nodiscard]] int GetRecordCode() const { return m_recordCode; }
   /// Why a file of the last recording was not written; kNone if that was not the reason.
   [[nodiscard]] platform::FileError GetLearnError() const { return m_learnError; }

@@ -13,7 +13,7 @@
 
 namespace tags {
 
-/// A tag as the Learning page lists it, for who changes nothing.
+/// A tag as the Learning page lists it, for code that changes nothing.
 struct ListedTag {
   std::u16string name;
   storage::TagEntry entry;  ///< Empty if `error` is not kNone.
@@ -26,10 +26,10 @@ struct ListedTag {
   std::optional<ContactMessage> failure;  ///< Why its contact, which is there, cannot be read.
 };
 
-/// Stores every tag in `tags`, in the order of the registry. Differs from the page in this: a tag
-/// that cannot be read or is stale neither ends the list nor goes, and has a line of its own.
-/// `contacts` are logged on, or null if they cannot be read; then no tag is stale. Returns why the
-/// list of tags cannot be read; what was read until then is no list of them.
+/// Stores every tag in `tags`, in the order of the registry. Differs from the page in one way: if a
+/// tag cannot be read or is stale, it does not end the list, is not deleted, and has a line of its
+/// own. `contacts` are logged on, or null if they cannot be read; then no tag is stale. Returns why
+/// the list of tags cannot be read. Then `tags` does not hold the whole list.
 [[nodiscard]] platform::RegistryError ReadTags(const storage::TagStore& store,
                                                platform::ContactsStore* contacts,
                                                std::vector<ListedTag>& tags);

@@ -19,7 +19,7 @@ struct SpeechBlocks {
   std::int64_t left = 0;
   std::int64_t right = 0;
 
-  /// Whether both are what they are in 16 bits too, in which ToSegment calculates on. If not, its
+  /// Whether 16 bits hold both numbers. ToSegment goes on in 16 bits; if they do not hold them, its
   /// segment is not that of the speech. That is so for speech that ends with block 32,768 or later,
   /// at sample 1,802,240 (163.5 s) or later.
   [[nodiscard]] bool HavePlace() const;

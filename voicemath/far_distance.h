@@ -14,8 +14,9 @@ namespace voicemath {
 /// How many floats FarDistance needs for its work.
 [[nodiscard]] std::size_t FarScratchSize(const Pair& pair);
 
-/// The distance of TemplateDistance for a pair that IsFar. A shift costs what the shorter template
-/// is long and not what the longer one is. `scratch` holds FarScratchSize floats.
+/// The distance of TemplateDistance for a pair that IsFar. The cost of a shift is in proportion to
+/// the length of the shorter template, not of the longer one. `scratch` holds FarScratchSize
+/// floats.
 [[nodiscard]] float FarDistance(const Pair& pair, float bound, std::span<float> scratch,
                                 const GoOn& goOn);
 

@@ -25,7 +25,8 @@ struct Neighbour {
 /// Finds for each template the nearest other one; of several at the same distance the one with the
 /// lowest index, which is the first other one where all are kMaxDistance away. The template in
 /// whose place the search stands counts as the first of TemplateDistance. `nearest` is as long as
-/// `templates`, at most kMostTemplates. False if `watch` said stop; `nearest` then means nothing.
+/// `templates`, at most kMostTemplates. Returns false if `watch` said stop; `nearest` then means
+/// nothing.
 bool FindNearest(std::span<const PreparedTemplate> templates, std::span<Neighbour> nearest,
                  const SearchWatch& watch = {});
 

@@ -29,9 +29,9 @@ struct RecordingReview {
   bool isSpeechTooLate = false;
 };
 
-/// Looks at the recording `mathematics.m_wavePath`, which is opened for reading alone and closed
-/// again, as LearnFile does where `findsSpeech`, else as ProcessFile does. Changes no file and no
-/// slot. Returns nothing if the recording cannot be opened or read, or its header is refused.
+/// Looks at the recording `mathematics.m_wavePath` as LearnFile does if `findsSpeech`, otherwise as
+/// ProcessFile does. The recording is opened only for reading and closed again. Changes no file and
+/// no slot. Returns nothing if the recording cannot be opened or read, or its header is refused.
 [[nodiscard]] std::optional<RecordingReview> ReviewRecording(CVoiceMathematics& mathematics,
                                                              bool findsSpeech);
 

@@ -38,8 +38,8 @@ class DistanceBound {
 /// the float reciprocal. Two templates without frames have distance 0; one without frames against
 /// one with frames has kMaxDistance.
 ///
-/// A distance that is not below `bound` is told as the bound's. If `goOn` says stop, the result
-/// means nothing.
+/// If a distance is not below `bound`, the bound's distance is returned. If `goOn` says stop, the
+/// result means nothing.
 [[nodiscard]] float TemplateDistance(const PreparedTemplate& a, const PreparedTemplate& b,
                                      const DistanceBound& bound = {}, const GoOn& goOn = {});
 

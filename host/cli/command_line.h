@@ -2,7 +2,7 @@
 
 namespace cli {
 
-/// The exit code of what was not done.
+/// The exit code of a command that did not do its work.
 inline constexpr int kFailed = 1;
 
 /// Runs one command line. Returns the exit code of the program: 0 done, 1 failed with a message on

@@ -6,8 +6,8 @@
 namespace cli {
 
 /// The user's contacts for a page that can do without them: if they cannot be read the log-on
-/// succeeds all the same. Then there is no contact, and no look-up can tell whether one exists, so
-/// that no tag counts as stale.
+/// succeeds all the same. Then there are no contacts. Each look-up fails instead of reporting a
+/// missing contact, so no tag counts as stale.
 class ContactsIfReadable final : public platform::ContactsStore {
  public:
   ContactsIfReadable(platform::ContactsStore& contacts, platform::Clock& clock)

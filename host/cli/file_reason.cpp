@@ -18,7 +18,7 @@ std::string ExplainFileError(platform::FileError error) {
     case FileError::kReadOnly:
       return "the disk takes no writes";
     case FileError::kLink:
-      return "it is a symbolic link, which nothing is written through";
+      return "it is a symbolic link, and nothing is written through one";
     default:
       return "it cannot be read or written";
   }

@@ -160,7 +160,7 @@ void RemoveOrphans(const platform::Platform& platform, std::vector<CheckedFindin
 
 void Repair(const platform::Platform& platform, CheckedStore& checked) {
   if (checked.tagCount > 0) {
-    // What fails here each template that needs it tells.
+    // If this fails, each template that needs a folder reports it.
     storage::CreateInstallFolders(platform.files);
     storage::CreateDataFolders(platform.files);
   }

@@ -177,8 +177,8 @@ void AddMaintenanceCommands(CLI::App& app, Session& session) {
   const auto isForced = std::make_shared<bool>(false);
   CLI::App* reinit = app.add_subcommand(
       "reinit",
-      "Compute every voice template again where another version made them (exit code 1 where any "
-      "could not be, as for a tag without a recording)");
+      "Compute every voice template again if another version made them (exit code 1 if any could "
+      "not be computed, as for a tag without a recording)");
   reinit->add_flag("--force", *isForced, "Whatever version made them");
   reinit->callback([&session, isForced] { Reinit(session, *isForced); });
 

@@ -18,12 +18,12 @@ void ReserveStandardStreams();
 void PrintJson(const Json& json);
 
 /// A line on standard output or standard error, as text::Printable gives it, since it may hold
-/// names that others chose. Where that takes nothing more the line is lost; for standard output
-/// FlushOutput tells.
+/// names that others chose. If the stream takes nothing more, the line is lost. For standard
+/// output, FlushOutput reports it.
 void PrintLine(std::string_view line);
 void PrintErrorLine(std::string_view line);
 
-/// Says on standard error that memory has run out, which takes none.
+/// Says on standard error that memory has run out. Takes no memory.
 void PrintOutOfMemory();
 
 /// False where not all that was printed has reached standard output.

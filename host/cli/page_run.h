@@ -16,19 +16,19 @@ namespace cli {
 struct PageRun {
   tags::Page_one& page;
   headless::HeadlessDialog& dialog;
-  /// Whether the dialog ran by now in which every template is computed again.
+  /// Whether the dialog that computes every template again has run by now.
   const bool& wasReinitialized;
 };
 
-/// Whether a command can do without the contacts. Then the page opens without them, which standard
-/// error says, and no tag counts as stale.
+/// Whether a command can do without the contacts. If so, the page opens without them, standard
+/// error says so, and no tag counts as stale.
 enum class Contacts : std::uint8_t { kNeeded, kOptional };
 
-/// Opens the page, hands it to `use`, and closes it. If it does not open, as when a window has it
+/// Opens the page, hands it to `use`, and closes it. If it does not open, because a window has it
 /// open already or the tags cannot be read, that is reported and `use` is not called: a page that
-/// was not filled must not pass for one without tags. If computing the templates again ended the
-/// page while it opened, `useEnded` gets it with the tags that it had read; a message has said why
-/// it ended.
+/// was not filled must not look like one without tags. If the page ended while it opened, because
+/// the templates were computed again, `useEnded` gets it with the tags that it had read. A message
+/// has said why it ended.
 void RunPage(Session& session, Contacts contacts, const std::function<void(PageRun&)>& use,
              const std::function<void(const tags::Page_one&)>& useEnded = {});
 

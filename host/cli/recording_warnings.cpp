@@ -23,8 +23,8 @@ std::vector<std::string> DescribeOddities(const voicemath::RecordingReview& revi
   }
   if (review.isSpeechTooLate) {
     sentences.emplace_back(
-        "its speech ends after 163 s, where its place is not found any more; what is taken is "
-        "something else");
+        "its speech ends after 163 s, which is too late to be found; something else is taken "
+        "instead");
   }
   if (review.hasNoFrame) {
     sentences.emplace_back(

@@ -7,7 +7,8 @@
 
 namespace cli {
 
-/// What is odd about a recording, a sentence for each. What makes it useless is none of these.
+/// Returns one sentence for each thing that is odd about a recording. What makes a recording
+/// useless is not among them.
 [[nodiscard]] std::vector<std::string> DescribeOddities(const voicemath::RecordingReview& review);
 
 }  // namespace cli

@@ -85,7 +85,7 @@ class Session {
   /// Whether both names lead to one file that is there.
   [[nodiscard]] static bool AreSameFile(const std::string& a, const std::string& b);
 
-  /// Why nothing is written to `name` if it is a symbolic link, "" if it is none.
+  /// Returns why nothing is written to `name` if it is a symbolic link. Returns "" if it is none.
   [[nodiscard]] static std::string ExplainLink(const std::string& name);
 
   /// Tells what failed on standard error; the exit code will be 1.

@@ -93,7 +93,7 @@ void Test(Session& session) {
         fmt::format("only the first {} of {} voice tags were compared", kMost, table.tagCount));
   }
   if (!dialog.IsComplete()) {
-    session.Fail("not all tags were compared; `voxtrel check` tells what is wrong with them");
+    session.Fail("not all tags were compared; `voxtrel check` says what is wrong with them");
   }
 }
 

@@ -4,7 +4,8 @@
 
 namespace cli {
 
-// Who waits in front of a window with a bar: shows on a terminal how far the work has come.
+// These wait in the place of a user in front of a window with a bar. They show on a terminal how
+// far the work has come.
 
 /// While every template is computed again. Closes the dialog as soon as it lets itself be closed.
 void WatchReinit(headless::HeadlessDialog& window);

@@ -11,8 +11,8 @@ namespace panel {
 /// A loaded library of applets. Released, and its code gone, with the object.
 class AppletLibrary {
  public:
-  /// Null, with the reason in `problem`, if the library cannot be loaded or is no applet, or if
-  /// `path` is not a full path.
+  /// Returns null, with the reason in `problem`, if the library cannot be loaded or is no applet,
+  /// or if `path` is not a full path.
   [[nodiscard]] static std::unique_ptr<AppletLibrary> Load(const std::string& path,
                                                            std::string& problem);
 

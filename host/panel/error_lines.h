@@ -16,7 +16,7 @@ class ErrorLines {
 
   /// Takes the next bytes, in whatever pieces they arrive.
   void Take(const QByteArray& bytes);
-  /// Nothing follows: a line that has not ended is one.
+  /// No more bytes follow: what has arrived of a line counts as a line.
   void End();
 
   /// The last line that was meant for the user, without the prefix; empty if there was none.

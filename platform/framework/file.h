@@ -29,7 +29,7 @@ class CFile {
   /// other readers, any other is shared with nobody. `flags` is a combination of OpenFlags.
   [[nodiscard]] bool Open(std::u16string_view path, unsigned flags);
 
-  /// Works on `file` from now on, which outlives that and is not closed by Close.
+  /// Works on `file` from now on. `file` outlives this use, and Close does not close it.
   void Attach(platform::File& file);
 
   [[nodiscard]] bool IsOpen() const { return m_file != nullptr; }
@@ -45,7 +45,7 @@ class CFile {
   [[nodiscard]] bool SetLength(std::uint64_t length);
   [[nodiscard]] bool Flush();
 
-  /// Why the last operation that failed did so; kNone if none has.
+  /// Why the last operation that failed did so. Returns kNone if none has failed.
   [[nodiscard]] platform::FileError GetError() const { return m_error; }
 
   /// Closes the file, which is not open afterwards whatever the result; false where writes may be

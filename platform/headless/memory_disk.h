@@ -56,7 +56,8 @@ class MemoryDisk {
   static MemoryNode& Add(const Place& place, bool isFolder);
   void Remove(const Place& place);
 
-  /// The content of `file`, which is in no folder, becomes the file at `to`, made where missing.
+  /// The content of `file`, which is in no folder, becomes the file at `to`, which is made if it is
+  /// missing.
   void Publish(MemoryNode& file, const Place& to);
 
   /// False where there is no room to grow; nothing is changed then.

@@ -12,15 +12,15 @@ namespace loading {
 [[nodiscard]] std::filesystem::path FindOwnFile();
 
 /// The folder of the build in which `file`, an absolute path, was made, be it a program, a test or
-/// the applet's library; empty if it is part of none. Only there are other parts looked for in
-/// folders next to its own: next to what is installed, folders of the same names are somebody
-/// else's.
+/// the applet's library. Returns an empty path if it is part of no build. Only in a build are other
+/// parts looked for in folders next to its own: next to an installed file, folders of the same
+/// names are somebody else's.
 [[nodiscard]] std::filesystem::path FindBuildFolder(const std::filesystem::path& file);
 
-/// Where a library of the system's own can be, the best place first, if `file` is the code that
-/// loads it: with the applet's library once both are installed, and else in the folder of platform/
-/// where it was built. None if `file` is no absolute path, since nothing is loaded from the current
-/// folder.
+/// Returns the places of one of the system's own libraries, the best first. `file` is the code that
+/// loads it. If both are installed, that is next to the applet's library; otherwise it is the
+/// folder of platform/ in which it was built. Returns none if `file` is no absolute path, since
+/// nothing is loaded from the current folder.
 [[nodiscard]] std::vector<std::filesystem::path> FindLibraryPlaces(
     const std::filesystem::path& file, const char* library, const char* folder);
 

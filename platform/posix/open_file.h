@@ -14,7 +14,7 @@ namespace posix {
 struct LockedFile {
   Descriptor descriptor;  ///< Open exactly where `error` is kNone.
   platform::FileError error = platform::FileError::kOther;
-  std::string path;  ///< Where the file is, behind every symbolic link.
+  std::string path;  ///< Where the file is, after every symbolic link was followed.
 };
 
 /// Rights of a new file, which belongs to its user alone.

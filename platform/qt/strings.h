@@ -19,14 +19,14 @@ namespace qt {
   return escaped.replace(u'&', QStringLiteral("&&"));
 }
 
-/// The text as a tool tip has to be given it, which takes what looks like HTML for HTML.
+/// The text in the form that a tool tip needs, since a tool tip shows what looks like HTML as HTML.
 [[nodiscard]] inline QString AsToolTip(const QString& text) {
   return Qt::mightBeRichText(text) ? QStringLiteral("<span style='white-space:pre-wrap'>%1</span>")
                                          .arg(text.toHtmlEscaped())
                                    : text;
 }
 
-/// The text as a window has to be given its title, where "[*]" is the mark of a change.
+/// The text in the form that a window's title needs, since "[*]" is the mark of a change there.
 [[nodiscard]] inline QString AsWindowTitle(const QString& text) {
   QString escaped = text;
   return escaped.replace(QStringLiteral("[*]"), QStringLiteral("[*][*]"));

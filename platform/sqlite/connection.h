@@ -17,7 +17,7 @@ namespace sqlite {
 enum class Access : std::uint8_t {
   kChange,
   /// As kChange, with the index of the log in memory: it takes no room, and nobody else can open
-  /// the database meanwhile. For a medium that is full, so that what takes room can be deleted.
+  /// the database meanwhile. It is for a full medium, so that something can be deleted there.
   kChangeAlone,
   /// Nothing but reading: no file is made but the log and its index, and only next to a database
   /// that has a log. Every change gives kReadOnly.

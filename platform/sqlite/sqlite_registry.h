@@ -65,9 +65,9 @@ class SqliteRegistry final : public platform::Registry {
   [[nodiscard]] platform::RegistryError Open(Access access);
   /// Opens the registry for changes if it is open for reading for want of room.
   [[nodiscard]] platform::RegistryError OpenForChanges();
-  /// Opens the database so that a change takes the least room, which keeps everybody else out until
-  /// this goes. Returns false if it is so already, or if another process has the database open.
-  /// Then there may be no connection.
+  /// Opens the database so that a change takes the least room. Everybody else is kept out until
+  /// this object goes. Returns false if the database is open so already, or if another process has
+  /// it open. Then there may be no connection.
   [[nodiscard]] bool OpenAlone();
   [[nodiscard]] platform::OpenedKey OpenWith(std::u16string_view path, const PathCall& find);
   [[nodiscard]] platform::RegistryError CreateMissing(const Store& store, const KeyNames& names,

@@ -40,8 +40,8 @@ class AddressBooks final : public platform::ContactsStore {
     std::function<void()> nothingFound;
 
     /// Nothing is written to the registry: no choice is remembered, and a contact without a number
-    /// gets, for this time alone, the one that it will have for good. So it is, with a remark, if
-    /// something is to be written and the registry takes no writes or is full.
+    /// gets, for this time alone, the one that it will have for good. The same happens, with a
+    /// remark, if something is to be written and the registry takes no writes or is full.
     bool changesNothing = false;
 
     /// The desktop's address books; without them nobody answers for the desktop.

@@ -6,19 +6,19 @@
 
 namespace vcard {
 
-/// UTF-8 of `text`, with U+FFFD for each byte that is nothing in the set; nothing if there is such
-/// a byte and the set is UTF-8 or ASCII, or the text is UTF-8 as it stands, so that the name of the
-/// set is wrong; nothing either if the set is none of those that address books write. Other names
-/// are not handed to the system's converter: a file must not choose which of its hundreds of
-/// modules is loaded.
+/// Returns `text` in UTF-8, with U+FFFD for each byte that means nothing in the set. Returns
+/// nothing if there is such a byte and either the set is UTF-8 or ASCII, or the text is UTF-8 as it
+/// stands, so that the name of the set is wrong. Returns nothing either if the set is none of those
+/// that address books write. Other names are not handed to the system's converter: a file must not
+/// choose which of its hundreds of modules is loaded.
 [[nodiscard]] std::optional<std::string> ToUtf8(std::string_view text, std::string_view charset);
 
-/// Text that names no character set: as it stands if some character beyond ASCII is UTF-8, whatever
-/// single bytes are not; else from the set of the old western Windows programs, which wrote theirs
-/// without saying so.
+/// Text that names no character set: as it stands if some character beyond ASCII is UTF-8, even if
+/// single bytes are not. Otherwise it is read in the set of the old western Windows programs, which
+/// wrote theirs without naming it.
 [[nodiscard]] std::string GuessUtf8(std::string_view text);
 
-/// Whether bytes of the set mean something else behind an escape sequence.
+/// Whether bytes of the set mean something else after an escape sequence.
 [[nodiscard]] bool IsStateful(std::string_view charset);
 
 }  // namespace vcard

@@ -27,12 +27,12 @@ struct CardKeys {
 /// Names, company and numbers, as one text.
 [[nodiscard]] std::string ContentOf(const ContactData& contact);
 
-/// The keys of each contact of the book. Takes time in proportion to their number, however alike
-/// they are, as the next two do.
+/// The keys of each contact of the book. The time is in proportion to their number, however alike
+/// they are. The same holds for the next two.
 [[nodiscard]] std::vector<CardKeys> KeysOf(const Book& book);
 
-/// Under what a contact may be found in the entries of 20 bytes (see StoredBook): kNoDigest if it
-/// cannot.
+/// The key by which a contact may be found in the entries of 20 bytes (see StoredBook). kNoDigest
+/// if there is none.
 struct FormerKeys {
   Digest content = kNoDigest;
   Digest uid = kNoDigest;

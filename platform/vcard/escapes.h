@@ -17,12 +17,13 @@ namespace vcard {
 /// The text of a URI.
 [[nodiscard]] std::string DecodePercents(std::string_view text);
 
-/// The bytes behind base64, blanks within it passed over; nothing if it is none.
+/// Returns the bytes that base64 stands for. Blanks within it are passed over. Returns nothing if
+/// it is not base64.
 [[nodiscard]] std::optional<std::string> DecodeBase64(std::string_view text);
 
 enum class Commas : std::uint8_t {
   kKept,
-  kBlanks,  ///< One without a backslash that no blank follows is between two names: a blank.
+  kBlanks,  ///< One without a backslash and without a blank after it stands between two names.
 };
 
 /// The components of a value between its semicolons, each without its backslashes.

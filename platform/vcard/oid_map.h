@@ -26,8 +26,9 @@ class OidMap {
  public:
   explicit OidMap(platform::Registry& registry) : m_registry(registry) {}
 
-  /// Reads what was given so far. False if the registry cannot be asked. What other programs left
-  /// there and makes no sense is passed over; GetRemarks names it.
+  /// Reads the numbers that were given so far. Returns false if the registry cannot be asked. If
+  /// other programs left something there that makes no sense, it is passed over, and GetRemarks
+  /// names it.
   [[nodiscard]] bool Load();
 
   enum class Keeping : std::uint8_t {
@@ -37,8 +38,8 @@ class OidMap {
 
   /// Stores the number of each contact of each book, in the same order, in `oids`; contacts that
   /// have none are given one. If the registry takes no writes, or is full, they are known to this
-  /// map alone, as with kInMemory, and a remark says so. False if it fails otherwise: the map is to
-  /// be loaded again then.
+  /// map alone, as with kInMemory, and a remark says so. Returns false if it fails otherwise. Then
+  /// the map has to be loaded again.
   [[nodiscard]] bool Assign(std::span<const Book> books, Keeping keeping,
                             std::vector<std::vector<std::int32_t>>& oids);
 

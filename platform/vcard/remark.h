@@ -7,7 +7,7 @@
 
 namespace vcard {
 
-/// Something that was passed over while contacts were read, for who can mend it.
+/// Something that was passed over while contacts were read, for the person who can correct it.
 struct Remark {
   std::u16string place;  ///< A file, an address book of the desktop, or a key of the registry.
   std::size_t line = 0;  ///< Of the file, from 1; 0 if none is meant.

@@ -22,12 +22,12 @@ struct SourceChoice {
 [[nodiscard]] SourceChoice ParseChoice(std::u16string_view text);
 
 /// Stores the remembered choice in `choice`, or nothing if there is none. A value of another
-/// program that is no choice is named in `remarks` and counts as none. False if the registry
-/// cannot be asked.
+/// program that is no choice is named in `remarks` and counts as none. Returns false if the
+/// registry cannot be asked.
 [[nodiscard]] bool RecallChoice(platform::Registry& registry, std::optional<SourceChoice>& choice,
                                 std::vector<Remark>& remarks);
 
-/// kNone if it is remembered, also if it was before; nothing is written then.
+/// Returns kNone if it is remembered. If it was remembered before, nothing is written.
 [[nodiscard]] platform::RegistryError RememberChoice(platform::Registry& registry,
                                                      const SourceChoice& choice);
 

@@ -22,7 +22,8 @@ namespace vcard {
 /// again the later entry counts.
 ///
 /// "0", "1", ...: entries of 20 bytes, a former key (see FormerKeys) and a number. None is written
-/// any more; they are how contacts are found that were last seen before the others were.
+/// any more. They serve to find contacts that were last seen before entries of 56 bytes were
+/// written.
 ///
 /// What makes no sense as an entry is passed over, and its value is not written again.
 class StoredBook {

@@ -26,14 +26,15 @@ using Numbers = std::array<std::u16string, 10>;
 /// "_$!<HomeFAX>!$_", stands for.
 void AppendWords(std::string_view typeOrLabel, std::vector<std::string>& words);
 
-/// As AppendWords, but nothing if the label says something else besides: "Car Rental" is no number
-/// in a car.
+/// As AppendWords, but appends nothing if the label says something else besides: "Car Rental" is no
+/// number in a car.
 void AppendLabel(std::string_view label, std::vector<std::string>& words);
 
 enum class Rules : std::uint8_t {
   kNow,
-  /// Of the time of the former entries (see StoredBook), by which their contacts are found: a
-  /// second mobile number has no place, and a preference is none or the first.
+  /// The rules of the time of the former entries (see StoredBook), by which their contacts are
+  /// found. A second mobile number has no place, and a preference only says whether a number is the
+  /// first.
   kFormer,
 };
 
@@ -44,9 +45,9 @@ struct AssignedNumbers {
 };
 
 /// Gives each line its place among the ten kinds, in the order of the preferences and then of the
-/// card. A preference without a number is the first if the kind has one place, and none else. What
-/// says nothing about its kind takes what is left of Mobile, Home and Business at the end, and
-/// after that further mobile numbers do.
+/// card. A preference without a number goes first if the kind has one place, and counts for nothing
+/// otherwise. A line that says nothing about its kind takes what is left of Mobile, Home and
+/// Business at the end. Further mobile numbers take what is left after that.
 [[nodiscard]] AssignedNumbers AssignNumbers(std::span<const TelephoneLine> lines,
                                             Rules rules = Rules::kNow);
 

@@ -21,9 +21,10 @@ class VcardSource final : public ContactSource {
   /// `path` is absolute, or one of the device; it names the book for good.
   VcardSource(platform::FileSystem& files, std::u16string path);
 
-  /// A file of a folder that is not there to be opened, as at the end of a dangling link, costs
-  /// itself alone. A source without a single card is unreadable: an empty file or folder is more
-  /// likely one that was lost, or not mounted, than one whose last contact was deleted.
+  /// If a file of a folder cannot be opened because it is not there, as at the end of a dangling
+  /// link, only that file is passed over. A source without a single card is unreadable: an empty
+  /// file or folder is more likely one that was lost, or not mounted, than one whose last contact
+  /// was deleted.
   [[nodiscard]] ReadResult Read(std::vector<Book>& books) override;
   [[nodiscard]] std::vector<Remark> GetRemarks() const override { return m_remarks.GetAll(); }
 

@@ -45,7 +45,7 @@ class VcardSplitter {
   void OnLineBetweenCards(const LogicalLines::Line& line);
   void BeginCard(std::size_t line);
   void EndCard();
-  /// The card in progress has no end, if there is one.
+  /// If a card is in progress, it has no end.
   void TearCard();
   void Damage(std::size_t line, std::string_view sentence);
 

@@ -12,7 +12,7 @@
 #include "tests/faults/plan.h"
 
 // What the calls on files have in common, that this library makes in the place of the C library.
-// What that one calls within itself does not come by here; fopen and its like are caught as a
+// Calls that the C library makes within itself are not seen here. fopen and its like are seen as a
 // whole.
 namespace faults {
 

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
-// What the library does to the program that it is loaded into. It is told by the environment:
+// What the library does to the program that it is loaded into. Environment variables choose it:
 //
 //   VOXTREL_FAULT_FOLDER  calls on files below this folder are counted, no others
 //   VOXTREL_FAULT_LOG     file that every counted call is written to; none if it is not set
@@ -43,7 +43,7 @@ enum class Kind : std::uint8_t {
   kMemory,  ///< Only in the log: how many allocations there were.
 };
 
-/// One call as the log tells of it. Paths are absolute.
+/// One call as the log reports it. Paths are absolute.
 struct Call {
   Kind kind;
   bool changes = false;  ///< Whether it changes a file, or which names there are.
