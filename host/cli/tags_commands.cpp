@@ -209,19 +209,19 @@ void PressDelete(Session& session, PageRun& run, int button, const char* failure
   }
 }
 
-bool HasEntry(Session& session, const std::string& name) {
+platform::RegistryError LookUp(Session& session, const std::string& name) {
   storage::TagEntry entry;
   return storage::TagStore(session.GetFiles(), session.GetRegistry())
-             .ReadEntry(text::FromUtf8(name), entry) == platform::RegistryError::kNone;
+      .ReadEntry(text::FromUtf8(name), entry);
 }
 
 void Delete(Session& session, const std::string& name) {
   if (!session.OpenForChanging()) {
     return;
   }
-  const bool wasThere = HasEntry(session, name);
+  const bool wasThere = LookUp(session, name) == platform::RegistryError::kNone;
   RunPage(session, Contacts::kOptional, [&](PageRun& run) {
-    if (wasThere && !HasEntry(session, name)) {
+    if (wasThere && LookUp(session, name) == platform::RegistryError::kNotFound) {
       // The page that opened moved it to the trash, since its contact has gone: it is deleted.
       PrintResult(session, 0);
     } else if (SelectTag(session, run, name)) {
