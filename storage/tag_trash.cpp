@@ -90,7 +90,9 @@ bool TagTrash::ListFiles(std::vector<std::u16string>& names) const {
   platform::StartedSearch found = m_files.FindFirst(InTrash(u"*"));
   FileError error = found.error;
   while (error == FileError::kNone) {
-    names.push_back(found.first.name);
+    if (!found.first.isFolder) {  // Nothing of the trash is a folder.
+      names.push_back(found.first.name);
+    }
     error = found.search->Next(found.first);
   }
   std::ranges::sort(names);

@@ -426,6 +426,18 @@ TEST_F(TagTrashTest, ATornFileInItIsPassedOver) {
   EXPECT_THAT(TrashFiles(), IsEmpty());
 }
 
+TEST_F(TagTrashTest, AFolderInItIsPassedOver) {
+  PutTag(u"1");
+  ASSERT_EQ(Delete(u"1"), ItemResult::kDone);
+  const std::u16string folder =
+      std::u16string(kTrashFolder).append(u"\\20700101T000000Z-01-0001.tar");
+  ASSERT_EQ(m_files.CreateFolder(folder), FileError::kNone);
+
+  EXPECT_THAT(Names(), ElementsAre(u"1"));
+  EXPECT_TRUE(m_trash.Empty());
+  EXPECT_THAT(Names(), IsEmpty());
+}
+
 TEST_F(TagTrashTest, AFileThatCannotBeReadIsNoTornOne) {
   PutTag(u"100");
   ASSERT_EQ(Delete(u"100"), ItemResult::kDone);
