@@ -44,8 +44,9 @@ language::Texts LoadTexts(Session& session) {
 bool ListsAllTags(Session& session, const PageRun& run) {
   std::vector<std::u16string> names;
   const int lines = run.dialog.GetItemCount(resources::kTagListId);
+  // The page counts and lists in two passes, each of which ends at the first failure.
   return ListNames(session, names) == platform::RegistryError::kNone &&
-         names.size() == static_cast<std::size_t>(lines);
+         names.size() == static_cast<std::size_t>(lines) && run.page.GetTags().tagCount >= lines;
 }
 
 void RunPage(Session& session, Contacts contacts, const std::function<void(PageRun&)>& use,
