@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 
 constexpr const char* kProgram = "voxtrel-connection";
 
-/// In this program's folder once both are installed, and else where it was built.
+/// Returns its path next to this program if both are installed, otherwise in the build tree.
 fs::path FindProgram() {
   const fs::path own = loading::FindOwnFile();
   const fs::path build = loading::FindBuildFolder(own);

@@ -11,7 +11,7 @@
 
 namespace {
 
-/// For memory that runs out where nothing can be caught: in a thread, in a destructor, or before
+/// Called if memory runs out and nothing can catch it: in a thread, in a destructor, or before
 /// `main`. What was written until then is as after a kill, which every command allows for.
 [[noreturn]] void EndWithoutMemory() {
   try {

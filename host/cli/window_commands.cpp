@@ -30,7 +30,7 @@ bool HasDisplay() {
   });
 }
 
-/// The panel is in this program's folder once both are installed, and else where it was built. No
+/// The panel is in this program's folder once both are installed, otherwise in the build tree. No
 /// other one is taken: it would load libraries from where it is itself.
 std::filesystem::path FindPanel() {
   const std::filesystem::path own = loading::FindOwnFile();

@@ -55,7 +55,7 @@ FileError MakeFolders(const std::string& path) {
     if (end == std::string::npos) {
       return error == FileError::kAlreadyExists ? FileError::kNone : error;
     }
-    // A folder on the way may be one that this process may pass and not write; the next call tells.
+    // This process may pass a folder that it cannot write; then the next call reports it.
   }
 }
 

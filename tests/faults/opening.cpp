@@ -152,7 +152,7 @@ dirent* readdir(DIR* folder) {
   if (*path == 0) {
     return next(folder);
   }
-  // At its end errno tells a failure from a folder that has no more.
+  // At the end of the folder, errno says whether the call failed.
   const Call call{.kind = Kind::kRead, .path = path};
   if (Judge(call) == Verdict::kFail) {
     return nullptr;

@@ -198,7 +198,7 @@ void Change(platform::Registry& registry) {
 
 }  // namespace
 
-/// An input that begins with a zero is the whole file behind it; any other tells of rows.
+/// An input that begins with a zero holds the whole file after it. Any other describes rows.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const support::TempFolder folder;
   static const fs::path path = folder.Path() / sqlite::kDatabaseName;
