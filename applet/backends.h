@@ -8,14 +8,14 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/posix/posix_clock.h"
-#include "platform/posix/posix_file_system.h"
-#include "platform/posix/posix_threads.h"
+#include "backends/posix/posix_clock.h"
+#include "backends/posix/posix_file_system.h"
+#include "backends/posix/posix_threads.h"
+#include "backends/sqlite/connection.h"
+#include "backends/vcard/address_books.h"
+#include "backends/vcard/background_source.h"
+#include "backends/vcard/desktop_source.h"
 #include "platform/registry.h"
-#include "platform/sqlite/connection.h"
-#include "platform/vcard/address_books.h"
-#include "platform/vcard/background_source.h"
-#include "platform/vcard/desktop_source.h"
 #include "platform/wave_in.h"
 #include "platform/wave_out.h"
 

@@ -9,8 +9,8 @@
 #include "applet/library.h"
 #include "applet/no_window.h"
 #include "applet/qt_presentation.h"
-#include "platform/loading/loaded_library.h"
-#include "platform/text/utf.h"
+#include "backends/loading/loaded_library.h"
+#include "backends/text/utf.h"
 #include "resources/pictures.h"
 
 extern "C" __attribute__((visibility("default"))) std::int32_t CPlApplet(void* parentWindow,

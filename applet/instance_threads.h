@@ -4,7 +4,7 @@
 #include <string>
 #include <utility>
 
-#include "platform/posix/doorbell.h"
+#include "backends/posix/doorbell.h"
 #include "platform/threads.h"
 
 namespace applet {

@@ -3,10 +3,10 @@
 #include <cstdio>
 #include <string>
 
-#include "platform/loading/loaded_library.h"
-#include "platform/pulse/quiet_library.h"
+#include "backends/loading/loaded_library.h"
+#include "backends/pulse/quiet_library.h"
+#include "backends/text/printable.h"
 #include "platform/sound_library.h"
-#include "platform/text/printable.h"
 
 namespace applet {
 namespace {

@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "applet/no_window.h"
-#include "platform/text/utf.h"
+#include "backends/text/utf.h"
 #include "resources/desktop_strings.h"
 
 namespace applet {

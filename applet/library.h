@@ -8,9 +8,9 @@
 #include "applet/instance_threads.h"
 #include "applet/late_presentation.h"
 #include "applet/voxtrel_app.h"
-#include "platform/posix/posix_module.h"
-#include "platform/posix/posix_process.h"
-#include "platform/xdg/xdg_shell.h"
+#include "backends/desktop/xdg_shell.h"
+#include "backends/posix/posix_module.h"
+#include "backends/posix/posix_process.h"
 
 namespace applet {
 

@@ -4,9 +4,9 @@
 #include <cstdio>
 #include <string>
 
-#include "platform/framework/dialog.h"
-#include "platform/text/printable.h"
-#include "platform/text/utf.h"
+#include "backends/text/printable.h"
+#include "backends/text/utf.h"
+#include "framework/dialog.h"
 
 namespace applet {
 

@@ -2,8 +2,8 @@
 
 #include <string_view>
 
+#include "framework/property_sheet.h"
 #include "language/texts.h"
-#include "platform/framework/property_sheet.h"
 #include "platform/platform.h"
 
 namespace applet {

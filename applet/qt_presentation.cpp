@@ -5,11 +5,11 @@
 #include <utility>
 
 #include "applet/no_window.h"
-#include "platform/qt/host/host_application.h"
-#include "platform/qt/qt_clock.h"
-#include "platform/qt/qt_threads.h"
-#include "platform/qt/qt_ui.h"
-#include "platform/qt/ui_thread.h"
+#include "backends/qt/host/host_application.h"
+#include "backends/qt/qt_clock.h"
+#include "backends/qt/qt_threads.h"
+#include "backends/qt/qt_ui.h"
+#include "backends/qt/ui_thread.h"
 #include "resources/pictures.h"
 #include "resources/strings.h"
 

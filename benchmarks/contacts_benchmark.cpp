@@ -1,6 +1,6 @@
 // Loading the contacts, and the contacts of a hundred tags, beside the ways that suggest
 // themselves. For the desktop's address books run it in a session of its own:
-//   tests/ebook/in_desktop_session.sh build/benchmark/benchmarks/contacts_benchmark
+//   tests/backends/ebook/in_desktop_session.sh build/benchmark/benchmarks/contacts_benchmark
 
 #include <benchmark/benchmark.h>
 #include <libebook-contacts/libebook-contacts.h>
@@ -15,18 +15,18 @@
 #include <string_view>
 #include <vector>
 
+#include "backends/ebook/glib_pointers.h"
+#include "backends/posix/posix_file_system.h"
+#include "backends/sqlite/sqlite_registry.h"
+#include "backends/text/utf.h"
+#include "backends/vcard/address_books.h"
+#include "backends/vcard/desktop_source.h"
 #include "benchmarks/full_device.h"
-#include "platform/ebook/glib_pointers.h"
-#include "platform/posix/posix_file_system.h"
-#include "platform/sqlite/sqlite_registry.h"
-#include "platform/text/utf.h"
-#include "platform/vcard/address_books.h"
-#include "platform/vcard/desktop_source.h"
 #include "storage/tag_record.h"
 #include "storage/tag_store.h"
 #include "tags/contact_picker.h"
 #include "tags/oids_in_use.h"
-#include "tests/ebook/desktop_book.h"
+#include "tests/backends/ebook/desktop_book.h"
 #include "tests/support/temp_folder.h"
 
 namespace {
@@ -108,7 +108,7 @@ BENCHMARK(ReadTheFile)->Unit(benchmark::kMillisecond);
 /// A thousand contacts from the real servers; the time that the user waits.
 void LoadDesktopBook(benchmark::State& state) {
   if (std::getenv("VOXTREL_TEST_SESSION") == nullptr) {
-    state.SkipWithError("only with tests/ebook/in_desktop_session.sh");
+    state.SkipWithError("only with tests/backends/ebook/in_desktop_session.sh");
     return;
   }
   static const bool isFilled = [] {

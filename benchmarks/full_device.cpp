@@ -3,8 +3,8 @@
 #include <cstdlib>
 #include <fstream>
 
+#include "backends/text/utf.h"
 #include "maintenance/math_version.h"
-#include "platform/text/utf.h"
 #include "storage/tag_record.h"
 #include "tags/contact_picker.h"
 #include "tags/oids_in_use.h"

@@ -5,9 +5,9 @@
 #include <memory>
 #include <string>
 
-#include "platform/posix/posix_file_system.h"
-#include "platform/sqlite/sqlite_registry.h"
-#include "platform/vcard/address_books.h"
+#include "backends/posix/posix_file_system.h"
+#include "backends/sqlite/sqlite_registry.h"
+#include "backends/vcard/address_books.h"
 #include "storage/tag_store.h"
 #include "tests/support/temp_folder.h"
 

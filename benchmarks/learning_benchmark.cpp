@@ -9,12 +9,12 @@
 #include <utility>
 #include <vector>
 
+#include "backends/text/utf.h"
 #include "benchmarks/full_device.h"
 #include "benchmarks/moments.h"
+#include "framework/property_sheet.h"
 #include "host/cli/page_run.h"
 #include "host/cli/session.h"
-#include "platform/framework/property_sheet.h"
-#include "platform/text/utf.h"
 #include "resources/dialogs.h"
 #include "resources/strings.h"
 #include "tags/page_one.h"

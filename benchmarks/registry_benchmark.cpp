@@ -8,8 +8,8 @@
 #include <cstdint>
 #include <string>
 
-#include "platform/headless/memory_file_system.h"
-#include "platform/sqlite/sqlite_registry.h"
+#include "backends/headless/memory_file_system.h"
+#include "backends/sqlite/sqlite_registry.h"
 #include "storage/registry_keys.h"
 #include "storage/tag_record.h"
 #include "storage/tag_store.h"

@@ -1,7 +1,7 @@
 #include "connection/connection_sheet.h"
 
 #include "connection/connection_page.h"
-#include "platform/framework/property_sheet.h"
+#include "framework/property_sheet.h"
 
 namespace connection {
 

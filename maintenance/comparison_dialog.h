@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <memory>
 
+#include "framework/dialog.h"
 #include "maintenance/nearest_neighbours.h"
-#include "platform/framework/dialog.h"
 #include "platform/platform.h"
 
 namespace maintenance {

@@ -4,10 +4,10 @@
 #include <cstdint>
 #include <memory>
 
+#include "framework/dialog.h"
 #include "language/texts.h"
 #include "maintenance/reinit_progress.h"
 #include "maintenance/tag_session.h"
-#include "platform/framework/dialog.h"
 #include "platform/platform.h"
 
 namespace maintenance {

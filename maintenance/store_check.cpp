@@ -6,8 +6,8 @@
 #include <optional>
 #include <span>
 
+#include "backends/text/names.h"
 #include "maintenance/math_version.h"
-#include "platform/text/names.h"
 #include "storage/device_paths.h"
 #include "storage/phone_types.h"
 #include "storage/registry_keys.h"

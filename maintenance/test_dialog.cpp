@@ -4,9 +4,9 @@
 #include <optional>
 #include <utility>
 
+#include "framework/wait_cursor.h"
 #include "maintenance/comparison_dialog.h"
 #include "maintenance/page_header.h"
-#include "platform/framework/wait_cursor.h"
 #include "resources/dialogs.h"
 #include "resources/strings.h"
 

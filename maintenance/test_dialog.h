@@ -2,10 +2,10 @@
 
 #include <vector>
 
+#include "framework/dialog.h"
 #include "language/texts.h"
 #include "maintenance/tag_session.h"
 #include "maintenance/test_results.h"
-#include "platform/framework/dialog.h"
 #include "platform/platform.h"
 
 namespace maintenance {

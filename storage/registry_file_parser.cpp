@@ -2,9 +2,9 @@
 #include <optional>
 #include <utility>
 
+#include "backends/text/names.h"
+#include "backends/text/utf.h"
 #include "platform/registry_names.h"
-#include "platform/text/names.h"
-#include "platform/text/utf.h"
 #include "storage/registry_file.h"
 #include "storage/registry_file_encoding.h"
 #include "storage/registry_file_format.h"

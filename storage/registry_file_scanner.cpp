@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <optional>
 
-#include "platform/text/names.h"
+#include "backends/text/names.h"
 
 namespace storage {
 

@@ -3,7 +3,7 @@
 #include <map>
 #include <utility>
 
-#include "platform/text/names.h"
+#include "backends/text/names.h"
 #include "storage/device_paths.h"
 #include "storage/tag_store.h"
 

@@ -6,7 +6,7 @@
 #include <variant>
 #include <vector>
 
-#include "platform/text/utf.h"
+#include "backends/text/utf.h"
 #include "storage/device_paths.h"
 #include "storage/registry_file.h"
 #include "storage/registry_keys.h"

@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <string_view>
 
+#include "backends/text/utf.h"
 #include "platform/registry_names.h"
-#include "platform/text/utf.h"
 
 namespace storage {
 namespace {

@@ -8,11 +8,11 @@
 #include <vector>
 
 #include "audio/wave_device.h"
+#include "framework/property_sheet.h"
 #include "language/texts.h"
 #include "maintenance/reinit_progress_dialog.h"
 #include "maintenance/tag_session.h"
 #include "maintenance/test_dialog.h"
-#include "platform/framework/property_sheet.h"
 #include "platform/platform.h"
 #include "storage/store_contents.h"
 #include "storage/tag_record.h"

@@ -1,7 +1,7 @@
 // The Learning page opens: contacts, tag list, buttons.
 
+#include "framework/wait_cursor.h"
 #include "language/formatting.h"
-#include "platform/framework/wait_cursor.h"
 #include "resources/dialogs.h"
 #include "resources/strings.h"
 #include "storage/folders.h"

@@ -6,7 +6,7 @@
 #include <optional>
 #include <span>
 
-#include "platform/framework/file.h"
+#include "framework/file.h"
 #include "platform/little_endian.h"
 
 namespace voicemath {

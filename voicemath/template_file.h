@@ -3,9 +3,9 @@
 #include <cstdint>
 #include <string_view>
 
+#include "framework/archive.h"
+#include "framework/object.h"
 #include "platform/file_system.h"
-#include "platform/framework/archive.h"
-#include "platform/framework/object.h"
 
 namespace voicemath {
 

@@ -8,10 +8,10 @@
 #include <string>
 #include <string_view>
 
+#include "framework/archive.h"
+#include "framework/file.h"
+#include "framework/object.h"
 #include "platform/file_system.h"
-#include "platform/framework/archive.h"
-#include "platform/framework/file.h"
-#include "platform/framework/object.h"
 #include "platform/ui.h"
 #include "voicemath/constants.h"
 #include "voicemath/endpoint_detector.h"

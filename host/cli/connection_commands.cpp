@@ -10,15 +10,15 @@
 #include <string>
 #include <vector>
 
+#include "backends/text/utf.h"
+#include "backends/udev/serial_ports.h"
+#include "backends/udev/udev_serial_devices.h"
 #include "connection/active_ports.h"
 #include "connection/connection_sheet.h"
 #include "host/cli/connection_settings.h"
 #include "host/cli/connection_window.h"
 #include "host/cli/output.h"
 #include "host/cli/page_run.h"
-#include "platform/text/utf.h"
-#include "platform/udev/serial_ports.h"
-#include "platform/udev/udev_serial_devices.h"
 #include "resources/strings.h"
 #include "storage/registry_file.h"
 

@@ -8,9 +8,9 @@
 #include <optional>
 #include <span>
 
+#include "backends/text/names.h"
+#include "backends/text/utf.h"
 #include "connection/choices.h"
-#include "platform/text/names.h"
-#include "platform/text/utf.h"
 
 namespace cli {
 namespace {

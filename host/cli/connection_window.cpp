@@ -9,7 +9,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "platform/loading/loaded_library.h"
+#include "backends/loading/loaded_library.h"
 
 namespace cli {
 namespace {

@@ -9,10 +9,10 @@
 #include <string_view>
 #include <vector>
 
+#include "backends/text/names.h"
+#include "backends/text/utf.h"
 #include "host/cli/contacts_commands.h"
 #include "host/cli/output.h"
-#include "platform/text/names.h"
-#include "platform/text/utf.h"
 #include "resources/dialogs.h"
 #include "tags/phone_kind.h"
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <compare>
 
-#include "platform/text/collation.h"
+#include "backends/text/collation.h"
 
 namespace cli {
 

@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
+#include "backends/text/utf.h"
 #include "host/cli/contact_lists.h"
 #include "host/cli/output.h"
 #include "host/cli/page_run.h"
-#include "platform/text/utf.h"
 #include "storage/device_paths.h"
 #include "tags/contact_opening.h"
 

@@ -10,11 +10,11 @@
 #include <string>
 #include <vector>
 
+#include "backends/text/utf.h"
 #include "host/cli/output.h"
 #include "language/language_check.h"
 #include "language/language_table.h"
 #include "language/language_template.h"
-#include "platform/text/utf.h"
 
 namespace cli {
 namespace {

@@ -11,12 +11,12 @@
 #include <utility>
 #include <vector>
 
+#include "backends/headless/headless_ui.h"
+#include "backends/text/utf.h"
 #include "host/cli/contacts_commands.h"
 #include "host/cli/output.h"
 #include "maintenance/store_check.h"
 #include "maintenance/template_repair.h"
-#include "platform/headless/headless_ui.h"
-#include "platform/text/utf.h"
 #include "storage/folders.h"
 #include "storage/registry_keys.h"
 #include "storage/store_contents.h"

@@ -10,11 +10,11 @@
 #include <string>
 #include <vector>
 
+#include "backends/text/utf.h"
 #include "host/cli/maintenance_check.h"
 #include "host/cli/output.h"
 #include "host/cli/page_run.h"
 #include "maintenance/store_check.h"
-#include "platform/text/utf.h"
 #include "resources/dialogs.h"
 #include "storage/device_paths.h"
 #include "storage/registry_keys.h"

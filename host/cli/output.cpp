@@ -9,8 +9,8 @@
 #include <cstdio>
 #include <string>
 
-#include "platform/text/printable.h"
-#include "platform/text/utf.h"
+#include "backends/text/printable.h"
+#include "backends/text/utf.h"
 
 namespace cli {
 namespace {

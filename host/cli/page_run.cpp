@@ -3,11 +3,11 @@
 #include <string>
 #include <vector>
 
+#include "framework/property_sheet.h"
 #include "host/cli/contacts_commands.h"
 #include "host/cli/contacts_if_readable.h"
 #include "host/cli/tag_reading.h"
 #include "host/cli/waiting_windows.h"
-#include "platform/framework/property_sheet.h"
 #include "resources/dialogs.h"
 #include "resources/strings.h"
 #include "storage/device_paths.h"

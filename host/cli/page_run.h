@@ -4,9 +4,9 @@
 #include <functional>
 #include <memory>
 
+#include "backends/headless/headless_dialog.h"
 #include "host/cli/session.h"
 #include "language/texts.h"
-#include "platform/headless/headless_dialog.h"
 #include "tags/page_one.h"
 
 namespace cli {

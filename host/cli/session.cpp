@@ -6,8 +6,8 @@
 #include <iostream>
 #include <system_error>
 
+#include "backends/text/utf.h"
 #include "host/cli/output.h"
-#include "platform/text/utf.h"
 #include "resources/strings.h"
 #include "storage/registry_file.h"
 #include "storage/unusable_key.h"

@@ -7,12 +7,12 @@
 #include <utility>
 
 #include "applet/backends.h"
-#include "platform/headless/headless_process.h"
-#include "platform/headless/headless_shell.h"
-#include "platform/headless/headless_ui.h"
+#include "backends/headless/headless_process.h"
+#include "backends/headless/headless_shell.h"
+#include "backends/headless/headless_ui.h"
+#include "backends/vcard/address_books.h"
 #include "platform/platform.h"
 #include "platform/registry.h"
-#include "platform/vcard/address_books.h"
 
 namespace cli {
 

@@ -4,8 +4,8 @@
 
 #include <string>
 
+#include "backends/text/utf.h"
 #include "host/cli/contacts_commands.h"
-#include "platform/text/utf.h"
 #include "storage/device_paths.h"
 #include "storage/registry_file.h"
 #include "tags/contact_opening.h"

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "audio/wave_header.h"
+#include "backends/text/utf.h"
 #include "host/cli/contact_choice.h"
 #include "host/cli/file_reason.h"
 #include "host/cli/output.h"
@@ -21,7 +22,6 @@
 #include "host/cli/tags_test_command.h"
 #include "host/cli/trash_commands.h"
 #include "language/formatting.h"
-#include "platform/text/utf.h"
 #include "resources/dialogs.h"
 #include "resources/strings.h"
 #include "storage/device_paths.h"

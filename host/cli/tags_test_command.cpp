@@ -7,13 +7,13 @@
 #include <string>
 #include <vector>
 
+#include "backends/text/utf.h"
 #include "host/cli/output.h"
 #include "host/cli/page_run.h"
 #include "host/cli/tag_reading.h"
 #include "host/cli/waiting_windows.h"
 #include "maintenance/tag_session.h"
 #include "maintenance/test_dialog.h"
-#include "platform/text/utf.h"
 #include "resources/dialogs.h"
 
 namespace cli {

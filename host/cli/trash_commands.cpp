@@ -11,8 +11,8 @@
 #include <string>
 #include <vector>
 
+#include "backends/text/utf.h"
 #include "host/cli/output.h"
-#include "platform/text/utf.h"
 #include "storage/tag_trash.h"
 #include "tags/page_one.h"
 

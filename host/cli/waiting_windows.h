@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/headless/headless_dialog.h"
+#include "backends/headless/headless_dialog.h"
 
 namespace cli {
 

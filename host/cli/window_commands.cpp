@@ -11,9 +11,9 @@
 #include <string_view>
 #include <vector>
 
+#include "backends/loading/loaded_library.h"
+#include "backends/posix/foreground_program.h"
 #include "host/cli/output.h"
-#include "platform/loading/loaded_library.h"
-#include "platform/posix/foreground_program.h"
 
 namespace cli {
 namespace {

@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <sstream>
 
-#include "platform/text/printable.h"
+#include "backends/text/printable.h"
 
 namespace panel {
 namespace {

@@ -6,8 +6,8 @@
 #include <string>
 #include <utility>
 
+#include "backends/text/printable.h"
 #include "host/panel/opener_protocol.h"
-#include "platform/text/printable.h"
 
 namespace panel {
 namespace {

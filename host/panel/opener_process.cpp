@@ -14,6 +14,7 @@
 
 #include <unistd.h>
 
+#include "backends/text/printable.h"
 #include "host/panel/applet_library.h"
 #include "host/panel/applet_talk.h"
 #include "host/panel/icons.h"
@@ -21,7 +22,6 @@
 #include "host/panel/opener_protocol.h"
 #include "host/panel/places.h"
 #include "host/panel/standard_output.h"
-#include "platform/text/printable.h"
 #include "resources/desktop_strings.h"
 
 namespace panel {

@@ -15,11 +15,11 @@
 #include <QVBoxLayout>
 #include <utility>
 
+#include "backends/qt/strings.h"
 #include "host/panel/icons.h"
 #include "host/panel/message.h"
 #include "host/panel/notice_bar.h"
 #include "host/panel/places.h"
-#include "platform/qt/strings.h"
 #include "resources/desktop_strings.h"
 
 namespace panel {

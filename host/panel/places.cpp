@@ -4,7 +4,7 @@
 #include <QFileInfo>
 #include <filesystem>
 
-#include "platform/loading/loaded_library.h"
+#include "backends/loading/loaded_library.h"
 
 namespace panel {
 namespace {

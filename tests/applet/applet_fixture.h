@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "applet/voxtrel_app.h"
+#include "backends/headless/headless_module.h"
+#include "backends/headless/headless_sheet.h"
 #include "language/language_table.h"
-#include "platform/headless/headless_module.h"
-#include "platform/headless/headless_sheet.h"
 #include "storage/device_paths.h"
 #include "tests/support/headless_platform.h"
 

@@ -4,8 +4,8 @@
 
 #include <memory>
 
-#include "platform/headless/headless_ui.h"
-#include "platform/headless/simulation.h"
+#include "backends/headless/headless_ui.h"
+#include "backends/headless/simulation.h"
 
 namespace {
 

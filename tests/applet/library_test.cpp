@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "applet/no_window.h"
-#include "platform/headless/headless_ui.h"
-#include "platform/text/utf.h"
+#include "backends/headless/headless_ui.h"
+#include "backends/text/utf.h"
 #include "resources/dialogs.h"
 #include "tests/support/temp_folder.h"
 

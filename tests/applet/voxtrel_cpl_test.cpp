@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/posix/doorbell.h"
-#include "platform/posix/posix_threads.h"
+#include "backends/posix/doorbell.h"
+#include "backends/posix/posix_threads.h"
 #include "tests/support/run_program.h"
 #include "tests/support/temp_folder.h"
 

@@ -7,14 +7,14 @@
 
 #include "audio/wave_device.h"
 #include "audio/wave_header.h"
-#include "platform/headless/headless_contacts.h"
-#include "platform/headless/headless_process.h"
-#include "platform/headless/headless_shell.h"
-#include "platform/headless/headless_ui.h"
-#include "platform/headless/headless_wave_in.h"
-#include "platform/headless/headless_wave_out.h"
-#include "platform/headless/memory_file_system.h"
-#include "platform/headless/memory_registry.h"
+#include "backends/headless/headless_contacts.h"
+#include "backends/headless/headless_process.h"
+#include "backends/headless/headless_shell.h"
+#include "backends/headless/headless_ui.h"
+#include "backends/headless/headless_wave_in.h"
+#include "backends/headless/headless_wave_out.h"
+#include "backends/headless/memory_file_system.h"
+#include "backends/headless/memory_registry.h"
 #include "tests/support/failing_file_system.h"
 
 /// A clock that does not wait and remembers what it was asked for.

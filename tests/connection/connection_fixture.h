@@ -7,10 +7,10 @@
 #include <string_view>
 #include <vector>
 
+#include "backends/headless/headless_dialog.h"
+#include "backends/headless/headless_ui.h"
+#include "backends/headless/memory_registry.h"
 #include "connection/connection_page.h"
-#include "platform/headless/headless_dialog.h"
-#include "platform/headless/headless_ui.h"
-#include "platform/headless/memory_registry.h"
 #include "resources/dialogs.h"
 #include "storage/registry_keys.h"
 #include "tests/support/registry_access.h"

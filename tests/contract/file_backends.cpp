@@ -4,8 +4,8 @@
 #include <filesystem>
 #include <stdexcept>
 
-#include "platform/headless/memory_file_system.h"
-#include "platform/posix/posix_file_system.h"
+#include "backends/headless/memory_file_system.h"
+#include "backends/posix/posix_file_system.h"
 #include "tests/support/file_bytes.h"
 #include "tests/support/temp_folder.h"
 

@@ -1,4 +1,4 @@
-#include "platform/headless/memory_registry.h"
+#include "backends/headless/memory_registry.h"
 #include "tests/contract/registry_contract.h"
 
 namespace contract {

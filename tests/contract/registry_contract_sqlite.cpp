@@ -1,4 +1,4 @@
-#include "platform/sqlite/sqlite_registry.h"
+#include "backends/sqlite/sqlite_registry.h"
 #include "tests/contract/registry_contract.h"
 #include "tests/support/temp_folder.h"
 

@@ -3,9 +3,9 @@
 #include <stdexcept>
 #include <utility>
 
-#include "platform/headless/simulation.h"
-#include "platform/posix/posix_clock.h"
-#include "platform/posix/posix_threads.h"
+#include "backends/headless/simulation.h"
+#include "backends/posix/posix_clock.h"
+#include "backends/posix/posix_threads.h"
 
 namespace contract {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "platform/text/utf.h"
+#include "backends/text/utf.h"
 #include "tests/contract/contacts_contract.h"
 
 namespace contract {

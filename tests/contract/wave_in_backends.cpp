@@ -7,10 +7,10 @@
 #include <thread>
 #include <utility>
 
-#include "platform/headless/headless_wave_in.h"
-#include "platform/headless/memory_file_system.h"
-#include "platform/pulse/pulse_wave_in.h"
-#include "platform/wave_file/file_wave_in.h"
+#include "backends/headless/headless_wave_in.h"
+#include "backends/headless/memory_file_system.h"
+#include "backends/pulse/pulse_wave_in.h"
+#include "backends/wave_file/file_wave_in.h"
 #include "tests/e2e/pipe_microphone.h"
 #include "tests/e2e/pulse_server.h"
 #include "tests/e2e/recording.h"

@@ -2,11 +2,11 @@
 
 #include <optional>
 
-#include "platform/headless/headless_wave_out.h"
-#include "platform/headless/memory_file_system.h"
-#include "platform/pulse/pulse_wave_out.h"
-#include "platform/wave_file/file_wave_out.h"
-#include "platform/wave_file/wave_file_layout.h"
+#include "backends/headless/headless_wave_out.h"
+#include "backends/headless/memory_file_system.h"
+#include "backends/pulse/pulse_wave_out.h"
+#include "backends/wave_file/file_wave_out.h"
+#include "backends/wave_file/wave_file_layout.h"
 #include "tests/e2e/ear.h"
 #include "tests/e2e/pulse_server.h"
 #include "tests/e2e/sound_session.h"

@@ -13,7 +13,7 @@
 #include <nlohmann/json.hpp>
 
 #include "storage/utf16_bytes.h"
-#include "tests/cli/command_fixture.h"
+#include "tests/host/cli/command_fixture.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "platform/pulse/pulse_wave_out.h"
+#include "backends/pulse/pulse_wave_out.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -4,8 +4,8 @@
 #include <fstream>
 #include <thread>
 
+#include "backends/qt/scale.h"
 #include "platform/dialog_units.h"
-#include "platform/qt/scale.h"
 #include "tests/e2e/speech.h"
 #include "tests/e2e/text_file.h"
 

@@ -1,4 +1,4 @@
-#include "platform/framework/archive.h"
+#include "framework/archive.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "platform/headless/memory_file_system.h"
+#include "backends/headless/memory_file_system.h"
 
 namespace {
 

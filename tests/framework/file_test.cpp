@@ -1,4 +1,4 @@
-#include "platform/framework/file.h"
+#include "framework/file.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/headless/memory_file_system.h"
+#include "backends/headless/memory_file_system.h"
 
 namespace {
 

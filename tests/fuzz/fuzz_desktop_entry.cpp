@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/xdg/desktop_entry.h"
+#include "backends/desktop/desktop_entry.h"
 #include "tests/fuzz/require.h"
 
 namespace {

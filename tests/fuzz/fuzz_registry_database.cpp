@@ -16,8 +16,8 @@
 #include <variant>
 #include <vector>
 
-#include "platform/headless/memory_file_system.h"
-#include "platform/sqlite/sqlite_registry.h"
+#include "backends/headless/memory_file_system.h"
+#include "backends/sqlite/sqlite_registry.h"
 #include "storage/registry_file.h"
 #include "storage/tag_store.h"
 #include "tests/fuzz/require.h"

@@ -9,7 +9,7 @@
 #include <variant>
 #include <vector>
 
-#include "platform/headless/memory_registry.h"
+#include "backends/headless/memory_registry.h"
 #include "storage/registry_file.h"
 #include "tests/fuzz/require.h"
 

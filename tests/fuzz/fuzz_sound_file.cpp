@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "audio/wave_device.h"
-#include "platform/wave_file/file_wave_in.h"
-#include "platform/wave_file/wave_file_layout.h"
+#include "backends/wave_file/file_wave_in.h"
+#include "backends/wave_file/wave_file_layout.h"
 #include "tests/fuzz/require.h"
 #include "tests/support/headless_platform.h"
 

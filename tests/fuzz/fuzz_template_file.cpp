@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/headless/headless_ui.h"
-#include "platform/headless/memory_file_system.h"
+#include "backends/headless/headless_ui.h"
+#include "backends/headless/memory_file_system.h"
 #include "tests/fuzz/require.h"
 #include "voicemath/template_file.h"
 #include "voicemath/voice_mathematics.h"

@@ -8,10 +8,10 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/vcard/contact_matching.h"
-#include "platform/vcard/content_line.h"
+#include "backends/vcard/contact_matching.h"
+#include "backends/vcard/content_line.h"
+#include "tests/backends/vcard/read_cards.h"
 #include "tests/fuzz/require.h"
-#include "tests/vcard/read_cards.h"
 
 namespace {
 

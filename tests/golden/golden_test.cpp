@@ -15,8 +15,8 @@
 #include <tuple>
 #include <vector>
 
-#include "platform/headless/headless_ui.h"
-#include "platform/headless/memory_file_system.h"
+#include "backends/headless/headless_ui.h"
+#include "backends/headless/memory_file_system.h"
 #include "voicemath/template_file.h"
 #include "voicemath/voice_mathematics.h"
 

@@ -6,9 +6,9 @@
 #include <string>
 #include <utility>
 
+#include "backends/headless/memory_file_system.h"
 #include "language/texts.h"
 #include "platform/clock.h"
-#include "platform/headless/memory_file_system.h"
 #include "tests/language/language_bytes.h"
 #include "tests/support/failing_file_system.h"
 

@@ -4,9 +4,9 @@
 #include <memory>
 #include <optional>
 
+#include "backends/headless/headless_dialog.h"
+#include "backends/posix/posix_threads.h"
 #include "maintenance/test_dialog.h"
-#include "platform/headless/headless_dialog.h"
-#include "platform/posix/posix_threads.h"
 #include "resources/dialogs.h"
 #include "tests/maintenance/session_fixture.h"
 

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/headless/memory_registry.h"
+#include "backends/headless/memory_registry.h"
 #include "storage/registry_keys.h"
 #include "tests/support/failing_registry.h"
 #include "tests/support/registry_access.h"

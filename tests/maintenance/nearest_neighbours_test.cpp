@@ -12,8 +12,8 @@
 #include <utility>
 #include <vector>
 
-#include "platform/headless/headless_ui.h"
-#include "platform/headless/memory_file_system.h"
+#include "backends/headless/headless_ui.h"
+#include "backends/headless/memory_file_system.h"
 #include "voicemath/constants.h"
 
 namespace {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/headless/stroke_canvas.h"
+#include "backends/headless/stroke_canvas.h"
 
 namespace {
 

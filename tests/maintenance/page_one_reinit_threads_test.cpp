@@ -2,7 +2,7 @@
 
 #include <thread>
 
-#include "platform/posix/posix_threads.h"
+#include "backends/posix/posix_threads.h"
 #include "tests/maintenance/reinit_page_fixture.h"
 #include "tests/support/temp_folder.h"
 

@@ -4,9 +4,9 @@
 #include <map>
 #include <optional>
 
+#include "backends/headless/headless_dialog.h"
 #include "maintenance/reinit_progress_dialog.h"
 #include "maintenance/reinit_worker.h"
-#include "platform/headless/headless_dialog.h"
 #include "resources/dialogs.h"
 #include "tests/maintenance/session_fixture.h"
 #include "voicemath/template_file.h"

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <functional>
 
-#include "platform/headless/headless_dialog.h"
+#include "backends/headless/headless_dialog.h"
 #include "resources/dialogs.h"
 #include "tests/maintenance/session_fixture.h"
 #include "tests/support/forwarding_file_system.h"

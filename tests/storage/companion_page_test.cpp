@@ -3,9 +3,9 @@
 #include <fstream>
 #include <iterator>
 
-#include "platform/headless/memory_file_system.h"
-#include "platform/sqlite/schema.h"
-#include "platform/sqlite/sqlite_registry.h"
+#include "backends/headless/memory_file_system.h"
+#include "backends/sqlite/schema.h"
+#include "backends/sqlite/sqlite_registry.h"
 #include "storage/device_paths.h"
 #include "storage/phone_types.h"
 #include "storage/registry_keys.h"

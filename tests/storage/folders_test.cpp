@@ -3,10 +3,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "backends/headless/headless_process.h"
+#include "backends/headless/headless_ui.h"
+#include "backends/headless/memory_file_system.h"
 #include "language/language_table.h"
-#include "platform/headless/headless_process.h"
-#include "platform/headless/headless_ui.h"
-#include "platform/headless/memory_file_system.h"
 #include "storage/device_paths.h"
 #include "tests/support/failing_file_system.h"
 #include "tests/support/forwarding_file_system.h"

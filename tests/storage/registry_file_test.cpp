@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/headless/memory_registry.h"
+#include "backends/headless/memory_registry.h"
 #include "storage/utf16_bytes.h"
 #include "tests/support/failing_registry.h"
 #include "tests/support/registry_access.h"

@@ -3,9 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/headless/memory_file_system.h"
-#include "platform/headless/memory_registry.h"
-#include "platform/headless/simulation.h"
+#include "backends/headless/memory_file_system.h"
+#include "backends/headless/memory_registry.h"
+#include "backends/headless/simulation.h"
 #include "storage/device_paths.h"
 #include "storage/folders.h"
 #include "storage/registry_keys.h"

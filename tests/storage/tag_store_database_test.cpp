@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 
-#include "platform/headless/memory_file_system.h"
-#include "platform/sqlite/sqlite_registry.h"
+#include "backends/headless/memory_file_system.h"
+#include "backends/sqlite/sqlite_registry.h"
 #include "storage/registry_keys.h"
 #include "storage/tag_store.h"
-#include "tests/sqlite/raw_database.h"
+#include "tests/backends/sqlite/raw_database.h"
 #include "tests/support/temp_folder.h"
 
 namespace storage {

@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/headless/memory_file_system.h"
-#include "platform/headless/memory_registry.h"
+#include "backends/headless/memory_file_system.h"
+#include "backends/headless/memory_registry.h"
 #include "storage/device_paths.h"
 #include "storage/registry_keys.h"
 #include "tests/support/failing_file_system.h"

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/headless/memory_file_system.h"
+#include "backends/headless/memory_file_system.h"
 #include "tests/support/file_bytes.h"
 
 namespace storage {

@@ -4,8 +4,8 @@
 
 #include <filesystem>
 
-#include "platform/sqlite/sqlite_registry.h"
-#include "tests/sqlite/raw_database.h"
+#include "backends/sqlite/sqlite_registry.h"
+#include "tests/backends/sqlite/raw_database.h"
 #include "tests/support/temp_folder.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include <functional>
 #include <vector>
 
-#include "platform/headless/memory_file_system.h"
+#include "backends/headless/memory_file_system.h"
 #include "tests/support/file_bytes.h"
 
 namespace {

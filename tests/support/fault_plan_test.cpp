@@ -5,10 +5,10 @@
 #include <vector>
 
 #include "audio/wave_header.h"
-#include "platform/headless/headless_contacts.h"
-#include "platform/headless/headless_wave_in.h"
-#include "platform/headless/headless_wave_out.h"
-#include "platform/headless/simulation.h"
+#include "backends/headless/headless_contacts.h"
+#include "backends/headless/headless_wave_in.h"
+#include "backends/headless/headless_wave_out.h"
+#include "backends/headless/simulation.h"
 #include "tests/support/failing_contacts.h"
 #include "tests/support/failing_threads.h"
 #include "tests/support/failing_wave.h"

@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "platform/text/utf.h"
+#include "backends/text/utf.h"
 
 namespace support {
 namespace {

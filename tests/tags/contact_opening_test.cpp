@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "platform/headless/headless_contacts.h"
+#include "backends/headless/headless_contacts.h"
 
 namespace tags {
 namespace {

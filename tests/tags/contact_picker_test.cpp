@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/headless/headless_contacts.h"
+#include "backends/headless/headless_contacts.h"
 #include "tests/tags/recording_view.h"
 
 namespace tags {

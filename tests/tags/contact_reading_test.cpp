@@ -7,7 +7,7 @@
 #include <string>
 #include <utility>
 
-#include "platform/headless/headless_contacts.h"
+#include "backends/headless/headless_contacts.h"
 #include "storage/phone_types.h"
 
 namespace tags {

@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/headless/memory_file_system.h"
-#include "platform/headless/memory_registry.h"
+#include "backends/headless/memory_file_system.h"
+#include "backends/headless/memory_registry.h"
 #include "tests/support/failing_registry.h"
 #include "tests/support/registry_access.h"
 

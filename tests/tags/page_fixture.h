@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "backends/headless/headless_dialog.h"
 #include "language/language_table.h"
-#include "platform/headless/headless_dialog.h"
 #include "resources/dialogs.h"
 #include "storage/device_paths.h"
 #include "tags/page_one.h"

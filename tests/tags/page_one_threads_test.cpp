@@ -2,7 +2,7 @@
 
 #include <atomic>
 
-#include "platform/posix/posix_threads.h"
+#include "backends/posix/posix_threads.h"
 #include "tests/support/temp_folder.h"
 #include "tests/tags/page_fixture.h"
 

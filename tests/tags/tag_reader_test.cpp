@@ -3,9 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/headless/headless_contacts.h"
-#include "platform/headless/memory_file_system.h"
-#include "platform/headless/memory_registry.h"
+#include "backends/headless/headless_contacts.h"
+#include "backends/headless/memory_file_system.h"
+#include "backends/headless/memory_registry.h"
 #include "tests/support/failing_registry.h"
 #include "tests/support/registry_access.h"
 

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/headless/headless_ui.h"
-#include "platform/headless/memory_file_system.h"
+#include "backends/headless/headless_ui.h"
+#include "backends/headless/memory_file_system.h"
 #include "tests/support/signals.h"
 #include "tests/voicemath/twins/processing.h"
 #include "voicemath/voice_mathematics.h"

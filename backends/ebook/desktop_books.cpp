@@ -1,0 +1,195 @@
+#include "platform/desktop_books.h"
+
+#include <libebook/libebook.h>
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <exception>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string_view>
+#include <thread>
+#include <utility>
+
+#include "backends/ebook/glib_pointers.h"
+
+// The one function that the library exports.
+extern "C" __attribute__((visibility("default"))) platform::ReadResult VoxtrelReadDesktopBooks(
+    std::uint32_t milliseconds, std::vector<platform::DesktopBook>& books, std::string& reason);
+
+namespace ebook {
+namespace {
+
+using platform::DesktopBook;
+using platform::ReadResult;
+
+static_assert(
+    std::is_same_v<decltype(VoxtrelReadDesktopBooks), platform::ReadDesktopBooksFunction>);
+
+/// The library waits for a book to be online unless it is given this number.
+constexpr auto kDoNotWait = static_cast<std::uint32_t>(-1);
+constexpr std::string_view kLocalBackend = "local";
+
+using Text = std::unique_ptr<char, decltype(&g_free)>;
+
+/// Takes the error of a call.
+class CallError {
+ public:
+  CallError() = default;
+  CallError(const CallError&) = delete;
+  CallError& operator=(const CallError&) = delete;
+  ~CallError() { g_clear_error(&m_error); }
+
+  [[nodiscard]] GError** Receive() { return &m_error; }
+  [[nodiscard]] std::string GetText() const { return m_error == nullptr ? "" : m_error->message; }
+
+ private:
+  GError* m_error = nullptr;
+};
+
+ObjectList ListEnabledBooks(ESourceRegistry& registry) {
+  ObjectList sources(e_source_registry_list_enabled(&registry, E_SOURCE_EXTENSION_ADDRESS_BOOK));
+  const auto byUid = [](const void* a, const void* b) {
+    return g_strcmp0(e_source_get_uid(static_cast<ESource*>(const_cast<void*>(a))),
+                     e_source_get_uid(static_cast<ESource*>(const_cast<void*>(b))));
+  };
+  return ObjectList(g_list_sort(sources.release(), byUid));
+}
+
+bool IsLocal(ESource& source) {
+  void* extension = e_source_get_extension(&source, E_SOURCE_EXTENSION_ADDRESS_BOOK);
+  const Text name(e_source_backend_dup_backend_name(static_cast<ESourceBackend*>(extension)),
+                  &g_free);
+  return name && name.get() == kLocalBackend;
+}
+
+bool ReadBook(ESource& source, GCancellable* cancellable, DesktopBook& book, CallError& error) {
+  const ObjectPointer<EClient> client(
+      e_book_client_connect_sync(&source, kDoNotWait, cancellable, error.Receive()));
+  if (!client) {
+    return false;
+  }
+  const std::unique_ptr<EBookQuery, decltype(&e_book_query_unref)> all(
+      e_book_query_any_field_contains(""), &e_book_query_unref);
+  const Text query(e_book_query_to_string(all.get()), &g_free);
+  GSList* found = nullptr;
+  void* const opened = client.get();
+  const bool isRead =
+      e_book_client_get_contacts_sync(static_cast<EBookClient*>(opened), query.get(), &found,
+                                      cancellable, error.Receive()) != FALSE;
+  const ObjectSlist contacts(found);
+  if (!isRead) {
+    return false;
+  }
+  book.uid = e_source_get_uid(&source);
+  for (const GSList* node = contacts.get(); node != nullptr; node = node->next) {
+    const Text card(e_vcard_to_string(static_cast<EVCard*>(node->data), EVC_FORMAT_VCARD_30),
+                    &g_free);
+    book.cards.append(card ? card.get() : "").append("\r\n");
+  }
+  book.isSettled = IsLocal(source) ||
+                   e_source_get_connection_status(&source) == E_SOURCE_CONNECTION_STATUS_CONNECTED;
+  return true;
+}
+
+/// Whether the user's programs have a way to talk to each other at all.
+bool IsSessionRunning(GCancellable* cancellable) {
+  const Text address(g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SESSION, cancellable, nullptr),
+                     &g_free);
+  return address != nullptr;
+}
+
+/// One reading, shared by who waits for it and the thread that does it.
+class Reading {
+ public:
+  /// For the thread.
+  void Run() {
+    Outcome outcome;
+    try {
+      outcome.result = ReadEnabledBooks(outcome);
+    } catch (const std::exception& error) {
+      outcome = {ReadResult::kUnreadable, {}, error.what()};
+    }
+    const std::lock_guard lock(m_mutex);
+    m_outcome = std::move(outcome);
+    m_isDone.notify_one();
+  }
+
+  /// Waits for the end of the reading, and gives up on it after `limit`.
+  [[nodiscard]] ReadResult Wait(std::chrono::milliseconds limit, std::vector<DesktopBook>& books,
+                                std::string& reason) {
+    std::unique_lock lock(m_mutex);
+    if (!m_isDone.wait_for(lock, limit, [this] { return m_outcome.has_value(); })) {
+      g_cancellable_cancel(m_cancellable.get());
+      reason.clear();
+      return m_hasAnswer ? ReadResult::kUnreadable : ReadResult::kNoAnswer;
+    }
+    books = std::move(m_outcome->books);
+    reason = std::move(m_outcome->reason);
+    return m_outcome->result;
+  }
+
+ private:
+  struct Outcome {
+    ReadResult result = ReadResult::kUnreadable;
+    std::vector<DesktopBook> books;
+    std::string reason;
+  };
+
+  [[nodiscard]] ReadResult ReadEnabledBooks(Outcome& outcome) {
+    GCancellable* const cancellable = m_cancellable.get();
+    if (!IsSessionRunning(cancellable)) {
+      outcome.reason = "no desktop session is running";
+      return ReadResult::kNoAnswer;
+    }
+    CallError error;
+    const ObjectPointer<ESourceRegistry> registry(
+        e_source_registry_new_sync(cancellable, error.Receive()));
+    if (!registry) {
+      outcome.reason = error.GetText();
+      return ReadResult::kNoAnswer;
+    }
+    m_hasAnswer = true;
+    const ObjectList sources = ListEnabledBooks(*registry);
+    for (const GList* node = sources.get(); node != nullptr; node = node->next) {
+      DesktopBook book;
+      if (g_cancellable_is_cancelled(cancellable) != FALSE ||
+          !ReadBook(*static_cast<ESource*>(node->data), cancellable, book, error)) {
+        outcome.books.clear();
+        outcome.reason = error.GetText();
+        return ReadResult::kUnreadable;
+      }
+      outcome.books.push_back(std::move(book));
+    }
+    return ReadResult::kRead;
+  }
+
+  const ObjectPointer<GCancellable> m_cancellable{g_cancellable_new()};
+  std::atomic<bool> m_hasAnswer = false;
+  std::mutex m_mutex;
+  std::condition_variable m_isDone;
+  std::optional<Outcome> m_outcome;
+};
+
+}  // namespace
+}  // namespace ebook
+
+platform::ReadResult VoxtrelReadDesktopBooks(std::uint32_t milliseconds,
+                                             std::vector<platform::DesktopBook>& books,
+                                             std::string& reason) {
+  books.clear();
+  try {
+    const auto reading = std::make_shared<ebook::Reading>();
+    // The desktop's library does not let go of a server that keeps silent before half a minute has
+    // passed, whatever it is told. The thread then goes on alone and ends without anybody waiting
+    // for it.
+    std::thread([reading] { reading->Run(); }).detach();
+    return reading->Wait(std::chrono::milliseconds(milliseconds), books, reason);
+  } catch (const std::exception& error) {
+    books.clear();
+    reason = error.what();
+    return platform::ReadResult::kUnreadable;
+  }
+}

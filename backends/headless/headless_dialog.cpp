@@ -1,0 +1,308 @@
+#include "backends/headless/headless_dialog.h"
+
+#include <algorithm>
+#include <compare>
+
+#include "backends/headless/stroke_canvas.h"
+#include "backends/text/collation.h"
+#include "platform/dialog_units.h"
+
+namespace headless {
+
+using resources::ControlKind;
+
+HeadlessDialog::HeadlessDialog(const resources::DialogTemplate& dialog,
+                               platform::DialogHandler& handler, platform::Threads* threads)
+    : m_template(dialog), m_handler(handler) {
+  for (const resources::ControlTemplate& control : dialog.controls) {
+    if (control.id != resources::kNoControlId) {
+      m_controls.emplace(control.id,
+                         Control{control, std::u16string(control.text), control.isEnabled});
+    }
+  }
+  if (threads != nullptr) {
+    m_ended = threads->CreateManualResetEvent();
+  }
+  m_handler.Attach(*this);
+}
+
+HeadlessDialog::~HeadlessDialog() { m_handler.Detach(); }
+
+void HeadlessDialog::Press(int id) {
+  const Control* control = Find(id);
+  if (control == nullptr || !control->isEnabled || !control->description.isVisible) {
+    return;
+  }
+  if (control->description.kind == ControlKind::kCheckBox) {
+    SetCheck(id, !control->isChecked);
+  }
+  m_handler.OnCommand(id, platform::CommandEvent::kClick);
+  DeliverPosted();
+}
+
+void HeadlessDialog::Choose(int id, int index) {
+  const Control* control = Find(id);
+  if (control == nullptr || !control->isEnabled || index < 0 || index >= GetItemCount(id)) {
+    return;
+  }
+  SetSelection(id, index);
+  m_handler.OnCommand(id, platform::CommandEvent::kSelectionChange);
+  DeliverPosted();
+}
+
+void HeadlessDialog::Type(int id, std::u16string_view text) {
+  const Control* control = Find(id);
+  if (control != nullptr && control->isEnabled &&
+      control->description.kind == ControlKind::kEditableComboBox) {
+    SetText(id, text);
+  }
+}
+
+void HeadlessDialog::ClickAt(platform::Point point) {
+  m_handler.OnLButtonDown(point);
+  DeliverPosted();
+}
+
+bool HeadlessDialog::AskForHelp() {
+  const bool hasHelp = m_handler.OnHelp();
+  DeliverPosted();
+  return hasHelp;
+}
+
+void HeadlessDialog::PressEnter() {
+  for (const auto& [id, control] : m_controls) {
+    if (control.description.kind == ControlKind::kDefaultPushButton) {
+      Press(id);
+      return;
+    }
+  }
+  m_handler.OnOK();
+}
+
+void HeadlessDialog::Close() { m_handler.OnCancel(); }
+
+bool HeadlessDialog::HasControl(int id) const {
+  const std::lock_guard lock(m_mutex);
+  return Find(id) != nullptr || m_bars.contains(id);
+}
+
+bool HeadlessDialog::IsVisible(int id) const {
+  const Control* control = Find(id);
+  return control != nullptr && control->description.isVisible;
+}
+
+std::vector<std::u16string> HeadlessDialog::GetItems(int id) const {
+  const Control* control = Find(id);
+  return control == nullptr ? std::vector<std::u16string>() : control->items;
+}
+
+std::optional<platform::Font> HeadlessDialog::GetFont(int id) const {
+  const Control* control = Find(id);
+  return control == nullptr ? std::nullopt : control->font;
+}
+
+std::optional<HeadlessDialog::Progress> HeadlessDialog::GetProgress(int id) const {
+  const std::lock_guard lock(m_mutex);
+  const auto found = m_bars.find(id);
+  return found == m_bars.end() ? std::nullopt : std::optional(found->second);
+}
+
+std::vector<PaintedStroke> HeadlessDialog::Paint() {
+  StrokeCanvas canvas(GetClientRect());
+  m_handler.OnPaint(canvas);
+  return canvas.TakeStrokes();
+}
+
+std::optional<int> HeadlessDialog::GetResult() const {
+  const std::lock_guard lock(m_mutex);
+  return m_result;
+}
+
+void HeadlessDialog::DeliverPosted() {
+  while (!m_posted.empty() && !GetResult()) {
+    const int id = m_posted.front();
+    m_posted.pop_front();
+    m_handler.OnCommand(id, platform::CommandEvent::kPosted);
+  }
+}
+
+bool HeadlessDialog::WaitForEnd(std::uint32_t milliseconds) {
+  return GetResult() ||
+         (m_ended && m_ended->Wait(milliseconds) == platform::WaitResult::kSignalled);
+}
+
+void HeadlessDialog::SetText(int id, std::u16string_view text) {
+  const std::lock_guard lock(m_mutex);
+  if (Control* control = Find(id)) {
+    control->text = text;
+  }
+}
+
+std::u16string HeadlessDialog::GetText(int id) const {
+  const std::lock_guard lock(m_mutex);
+  const Control* control = Find(id);
+  return control == nullptr ? std::u16string() : control->text;
+}
+
+void HeadlessDialog::Enable(int id, bool isEnabled) {
+  if (Control* control = Find(id)) {
+    control->isEnabled = isEnabled;
+  }
+}
+
+bool HeadlessDialog::IsEnabled(int id) const {
+  const Control* control = Find(id);
+  return control != nullptr && control->isEnabled;
+}
+
+void HeadlessDialog::SetFont(int id, const platform::Font& font) {
+  if (Control* control = Find(id)) {
+    control->font = font;
+  }
+}
+
+int HeadlessDialog::AddItem(int id, std::u16string_view text) {
+  Control* control = Find(id);
+  if (control == nullptr) {
+    return -1;
+  }
+  auto at = control->items.end();
+  if (control->description.kind == ControlKind::kSortedComboBox) {
+    at = std::ranges::upper_bound(control->items, text,
+                                  [](std::u16string_view a, std::u16string_view b) {
+                                    return std::is_lt(text::CompareForDisplay(a, b));
+                                  });
+  }
+  const auto place = at - control->items.begin();
+  control->items.insert(at, std::u16string(text));
+  return static_cast<int>(place);
+}
+
+void HeadlessDialog::DeleteItem(int id, int index) {
+  Control* control = Find(id);
+  if (control == nullptr || index < 0 || index >= GetItemCount(id)) {
+    return;
+  }
+  control->items.erase(control->items.begin() + index);
+  if (control->selection == index) {
+    control->selection.reset();
+  } else if (control->selection > index) {
+    control->selection = *control->selection - 1;
+  }
+}
+
+void HeadlessDialog::ResetItems(int id) {
+  if (Control* control = Find(id)) {
+    control->items.clear();
+    control->selection.reset();
+  }
+}
+
+int HeadlessDialog::GetItemCount(int id) const {
+  const Control* control = Find(id);
+  return control == nullptr ? 0 : static_cast<int>(control->items.size());
+}
+
+std::u16string HeadlessDialog::GetItemText(int id, int index) const {
+  const Control* control = Find(id);
+  return control == nullptr || index < 0 || index >= GetItemCount(id)
+             ? std::u16string()
+             : control->items[static_cast<std::size_t>(index)];
+}
+
+std::optional<int> HeadlessDialog::GetSelection(int id) const {
+  const Control* control = Find(id);
+  return control == nullptr ? std::nullopt : control->selection;
+}
+
+void HeadlessDialog::SetSelection(int id, std::optional<int> index) {
+  if (Control* control = Find(id)) {
+    const bool isItem = index && *index >= 0 && *index < GetItemCount(id);
+    control->selection = isItem ? index : std::nullopt;
+    if (isItem && control->description.kind == ControlKind::kEditableComboBox) {
+      control->text = GetItemText(id, *index);
+    }
+  }
+}
+
+void HeadlessDialog::SetHorizontalExtent(int id, int width) {
+  if (Control* control = Find(id)) {
+    control->horizontalExtent = width;
+  }
+}
+
+int HeadlessDialog::GetHorizontalExtent(int id) const {
+  const Control* control = Find(id);
+  return control == nullptr ? 0 : control->horizontalExtent;
+}
+
+int HeadlessDialog::GetTextWidth(int /*id*/, std::u16string_view text) const {
+  return MeasureText(text);
+}
+
+void HeadlessDialog::SetCheck(int id, bool isChecked) {
+  if (Control* control = Find(id)) {
+    control->isChecked = isChecked;
+  }
+}
+
+bool HeadlessDialog::IsChecked(int id) const {
+  const Control* control = Find(id);
+  return control != nullptr && control->isChecked;
+}
+
+void HeadlessDialog::CreateProgressBar(int id, const platform::ProgressBar& bar) {
+  const std::lock_guard lock(m_mutex);
+  m_bars[id] = {bar, bar.minimum};
+}
+
+void HeadlessDialog::StepProgress(int id) {
+  const std::lock_guard lock(m_mutex);
+  const auto found = m_bars.find(id);
+  if (found != m_bars.end()) {
+    Progress& progress = found->second;
+    progress.position = std::min(progress.position + progress.bar.step, progress.bar.maximum);
+  }
+}
+
+void HeadlessDialog::DestroyProgressBar(int id) {
+  const std::lock_guard lock(m_mutex);
+  m_bars.erase(id);
+}
+
+platform::Rect HeadlessDialog::GetControlRect(int id) const {
+  const Control* control = Find(id);
+  return control == nullptr ? platform::Rect() : platform::ToPixels(control->description.rect);
+}
+
+platform::Rect HeadlessDialog::GetClientRect() const {
+  return platform::ToPixels({0, 0, m_template.width, m_template.height});
+}
+
+void HeadlessDialog::PostCommand(int id) { m_posted.push_back(id); }
+
+void HeadlessDialog::Invalidate() { ++m_invalidations; }
+
+void HeadlessDialog::EndDialog(int result) {
+  {
+    const std::lock_guard lock(m_mutex);
+    if (!m_result) {
+      m_result = result;
+    }
+  }
+  if (m_ended) {
+    m_ended->Set();
+  }
+}
+
+HeadlessDialog::Control* HeadlessDialog::Find(int id) {
+  const auto found = m_controls.find(id);
+  return found == m_controls.end() ? nullptr : &found->second;
+}
+
+const HeadlessDialog::Control* HeadlessDialog::Find(int id) const {
+  const auto found = m_controls.find(id);
+  return found == m_controls.end() ? nullptr : &found->second;
+}
+
+}  // namespace headless

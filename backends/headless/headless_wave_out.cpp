@@ -1,0 +1,105 @@
+#include "backends/headless/headless_wave_out.h"
+
+#include <optional>
+#include <utility>
+
+#include "platform/wave_queue.h"
+
+namespace headless {
+
+using platform::WaveHeader;
+using platform::WaveResult;
+
+class HeadlessOutDevice final : public platform::WaveOutDevice {
+ public:
+  HeadlessOutDevice(const platform::WaveFormat& format, const WaveOutScript& script,
+                    std::shared_ptr<HeadlessWaveOut::State> state)
+      : m_format(format), m_script(script), m_state(std::move(state)) {
+    const std::lock_guard lock(m_state->mutex);
+    ++m_state->openDevices;
+  }
+  ~HeadlessOutDevice() override { GiveUp(); }
+
+  WaveResult Prepare(WaveHeader& header) override {
+    if (const auto failure = Failure(m_script.prepare)) return *failure;
+    return m_queue.Prepare(header);
+  }
+
+  WaveResult Write(WaveHeader& header) override {
+    if (const auto failure = Failure(m_script.write)) return *failure;
+    const WaveResult added = m_queue.Add(header);
+    if (added == WaveResult::kOk) {
+      const std::size_t played = header.bufferLength - header.bufferLength % m_format.blockAlign;
+      const std::lock_guard lock(m_state->mutex);
+      m_state->played.push_back({m_format, {header.data, header.data + played}});
+    }
+    return added;
+  }
+
+  WaveResult Unprepare(WaveHeader& header) override {
+    if (const auto failure = Failure(m_script.unprepare)) return *failure;
+    if (m_queue.Holds(header) && m_script.stillPlaying > 0) {
+      --m_script.stillPlaying;
+      return WaveResult::kStillPlaying;
+    }
+    m_queue.Release(header);
+    return WaveResult::kOk;
+  }
+
+  WaveResult Reset() override {
+    if (const auto failure = Failure(m_script.reset)) return *failure;
+    m_queue.Drop();
+    return WaveResult::kOk;
+  }
+
+  WaveResult Close() override {
+    GiveUp();
+    return m_script.close;
+  }
+
+ private:
+  [[nodiscard]] std::optional<WaveResult> Failure(WaveResult scripted) const {
+    if (!m_state) return WaveResult::kNoDevice;
+    return scripted == WaveResult::kOk ? std::nullopt : std::optional(scripted);
+  }
+
+  void GiveUp() {
+    m_queue.Drop();
+    if (m_state) {
+      const std::lock_guard lock(m_state->mutex);
+      --m_state->openDevices;
+    }
+    m_state.reset();
+  }
+
+  platform::WaveFormat m_format;
+  WaveOutScript m_script;
+  platform::WaveQueue m_queue;
+  std::shared_ptr<HeadlessWaveOut::State> m_state;  ///< Null once the device is given up.
+};
+
+void HeadlessWaveOut::SetScript(const WaveOutScript& script) {
+  const std::lock_guard lock(m_mutex);
+  m_script = script;
+}
+
+platform::OpenedWaveOut HeadlessWaveOut::Open(const platform::WaveFormat& format) {
+  if (!platform::IsWholeBytePcm(format)) return {nullptr, WaveResult::kBadFormat};
+  const std::lock_guard lock(m_mutex);
+  if (m_script.open != WaveResult::kOk) {
+    return {nullptr, m_script.open};
+  }
+  return {std::make_unique<HeadlessOutDevice>(format, m_script, m_state), WaveResult::kOk};
+}
+
+std::vector<PlayedSound> HeadlessWaveOut::GetPlayed() const {
+  const std::lock_guard lock(m_state->mutex);
+  return m_state->played;
+}
+
+int HeadlessWaveOut::CountOpenDevices() const {
+  const std::lock_guard lock(m_state->mutex);
+  return m_state->openDevices;
+}
+
+}  // namespace headless

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+
+#include "backends/headless/memory_disk.h"
+#include "platform/file_system.h"
+
+namespace headless {
+
+/// Whether opening so, or the holder of it, may change the file.
+[[nodiscard]] bool MayChange(const platform::OpenMode& mode);
+
+/// Whether a holder of such a mode goes together with others of its kind.
+[[nodiscard]] bool GoesTogether(const platform::OpenMode& mode);
+
+/// A file of a MemoryFileSystem, which it may outlive.
+class MemoryFile final : public platform::File {
+ public:
+  /// Becomes a holder of `node`. Called with the mutex of `disk` held.
+  MemoryFile(std::shared_ptr<MemoryDisk> disk, MemoryNode& node, const platform::OpenMode& mode);
+  MemoryFile(const MemoryFile&) = delete;
+  MemoryFile& operator=(const MemoryFile&) = delete;
+  ~MemoryFile() override;
+
+  [[nodiscard]] std::optional<std::uint64_t> GetLength() override;
+  [[nodiscard]] platform::FileError Seek(std::uint64_t offset) override;
+  [[nodiscard]] std::optional<std::size_t> Read(std::span<std::byte> into) override;
+  [[nodiscard]] platform::FileError Write(std::span<const std::byte> bytes) override;
+  [[nodiscard]] platform::FileError SetLength(std::uint64_t length) override;
+  [[nodiscard]] platform::FileError Flush() override;
+  [[nodiscard]] platform::FileError Close() override;
+
+ private:
+  [[nodiscard]] platform::FileError CheckWritable() const;
+
+  const std::shared_ptr<MemoryDisk> m_disk;
+  MemoryNode* m_node;  ///< Null once the file is given up.
+  const platform::OpenMode m_mode;
+  std::uint64_t m_position = 0;
+};
+
+}  // namespace headless

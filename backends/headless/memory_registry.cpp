@@ -1,0 +1,251 @@
+#include "backends/headless/memory_registry.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "backends/text/names.h"
+#include "platform/registry_names.h"
+
+namespace headless {
+
+using platform::OpenedKey;
+using platform::RegistryError;
+using platform::RegistryType;
+using platform::RegistryValue;
+
+namespace {
+
+constexpr std::uint64_t kNoKey = 0;
+constexpr std::uint64_t kRootKey = 1;
+
+}  // namespace
+
+class MemoryRegistry::Key final : public platform::RegistryKey {
+ public:
+  Key(MemoryRegistry& registry, Number number) : m_registry(registry), m_number(number) {}
+
+  RegistryError EnumerateSubkey(std::uint32_t index, std::u16string& name) override {
+    return WithNode([&](Node& node) {
+      if (index >= node.subkeys.size()) {
+        return RegistryError::kNoMoreItems;
+      }
+      name = m_registry.m_nodes.at(node.subkeys[index]).name;
+      return RegistryError::kNone;
+    });
+  }
+
+  RegistryError EnumerateValue(std::uint32_t index, std::u16string& name) override {
+    return WithNode([&](Node& node) {
+      if (index >= node.values.size()) {
+        return RegistryError::kNoMoreItems;
+      }
+      name = node.values[index].name;
+      return RegistryError::kNone;
+    });
+  }
+
+  RegistryError Query(std::u16string_view valueName, RegistryValue& value) override {
+    return WithNode([&](Node& node) {
+      const auto found = FindValue(node, valueName);
+      if (found == node.values.end()) {
+        return RegistryError::kNotFound;
+      }
+      value = found->content;
+      return RegistryError::kNone;
+    });
+  }
+
+  RegistryError Set(std::u16string_view valueName, RegistryType type,
+                    std::span<const std::byte> bytes) override {
+    if (!platform::IsValueName(valueName) || bytes.size() > platform::kMaxValueBytes) {
+      return RegistryError::kInvalid;
+    }
+    return WithNode([&](Node& node) {
+      RegistryValue content{type, {bytes.begin(), bytes.end()}};
+      if (const auto found = FindValue(node, valueName); found != node.values.end()) {
+        found->content = std::move(content);
+      } else {
+        node.values.push_back(
+            {std::u16string(valueName), text::FoldName(valueName), std::move(content)});
+      }
+      return RegistryError::kNone;
+    });
+  }
+
+  RegistryError DeleteValue(std::u16string_view valueName) override {
+    return WithNode([&](Node& node) {
+      const auto found = FindValue(node, valueName);
+      if (found == node.values.end()) {
+        return RegistryError::kNotFound;
+      }
+      node.values.erase(found);
+      return RegistryError::kNone;
+    });
+  }
+
+ private:
+  template <typename Call>
+  RegistryError WithNode(const Call& call) {
+    const auto pass = m_registry.m_gate.Enter();
+    if (!pass) {
+      return RegistryError::kBusy;
+    }
+    const auto node = m_registry.m_nodes.find(m_number);
+    return node == m_registry.m_nodes.end() ? RegistryError::kNotFound : call(node->second);
+  }
+
+  static std::vector<Value>::iterator FindValue(Node& node, std::u16string_view name) {
+    return std::find_if(
+        node.values.begin(), node.values.end(),
+        [folded = text::FoldName(name)](const Value& value) { return value.foldedName == folded; });
+  }
+
+  MemoryRegistry& m_registry;
+  Number m_number;
+};
+
+MemoryRegistry::MemoryRegistry(const std::vector<std::u16string>& initialKeys,
+                               std::chrono::milliseconds busyLimit)
+    : m_gate(busyLimit), m_nodes{{kRootKey, {}}}, m_lastNumber(kRootKey) {
+  for (const std::u16string& path : initialKeys) {
+    if (const auto names = platform::SplitKeyPath(path)) {
+      [[maybe_unused]] const Number made = CreatePath(*names);
+    }
+  }
+}
+
+OpenedKey MemoryRegistry::OpenKey(std::u16string_view path) {
+  const auto names = platform::SplitKeyPath(path);
+  if (!names) {
+    return {nullptr, RegistryError::kInvalid};
+  }
+  const auto pass = m_gate.Enter();
+  if (!pass) {
+    return {nullptr, RegistryError::kBusy};
+  }
+  return Opened(FindPath(*names));
+}
+
+OpenedKey MemoryRegistry::CreateKey(std::u16string_view path) {
+  const auto names = platform::SplitKeyPath(path);
+  if (!names) {
+    return {nullptr, RegistryError::kInvalid};
+  }
+  const auto pass = m_gate.Enter();
+  if (!pass) {
+    return {nullptr, RegistryError::kBusy};
+  }
+  return Opened(CreatePath(*names));
+}
+
+RegistryError MemoryRegistry::DeleteKey(std::u16string_view path) {
+  auto names = platform::SplitKeyPath(path);
+  if (!names || names->empty()) {
+    return RegistryError::kInvalid;
+  }
+  const auto pass = m_gate.Enter();
+  if (!pass) {
+    return RegistryError::kBusy;
+  }
+  const Number number = FindPath(*names);
+  if (number == kNoKey) {
+    return RegistryError::kNotFound;
+  }
+  names->pop_back();
+  Node& parent = m_nodes.at(FindPath(*names));
+  std::erase(parent.subkeys, number);
+  parent.subkeysByName.erase(m_nodes.at(number).foldedName);
+  DeleteTree(number);
+  return RegistryError::kNone;
+}
+
+RegistryError MemoryRegistry::BeginGroup() {
+  const auto pass = m_gate.Enter();
+  if (!pass) {
+    return RegistryError::kBusy;
+  }
+  if (m_gate.GroupIsOpen()) {
+    return RegistryError::kInvalid;
+  }
+  m_beforeGroup = m_nodes;
+  m_gate.OpenGroup();
+  return RegistryError::kNone;
+}
+
+RegistryError MemoryRegistry::CommitGroup() {
+  const auto pass = m_gate.Enter();
+  if (!pass) {
+    return RegistryError::kBusy;
+  }
+  if (!m_gate.GroupIsOpen()) {
+    return RegistryError::kInvalid;
+  }
+  EndGroup();
+  return RegistryError::kNone;
+}
+
+void MemoryRegistry::CancelGroup() {
+  const auto pass = m_gate.Enter();
+  if (!pass || !m_gate.GroupIsOpen()) {
+    return;
+  }
+  m_nodes.swap(m_beforeGroup);
+  EndGroup();
+}
+
+MemoryRegistry::Number MemoryRegistry::FindSubkey(const Node& node, std::u16string_view name) {
+  const auto found = node.subkeysByName.find(text::FoldName(name));
+  return found == node.subkeysByName.end() ? kNoKey : found->second;
+}
+
+MemoryRegistry::Number MemoryRegistry::FindPath(const Names& names) const {
+  Number number = kRootKey;
+  for (const std::u16string_view name : names) {
+    number = FindSubkey(m_nodes.at(number), name);
+    if (number == kNoKey) {
+      return kNoKey;
+    }
+  }
+  return number;
+}
+
+MemoryRegistry::Number MemoryRegistry::CreatePath(const Names& names) {
+  Number number = kRootKey;
+  for (const std::u16string_view name : names) {
+    Number next = FindSubkey(m_nodes.at(number), name);
+    if (next == kNoKey) {
+      next = ++m_lastNumber;
+      const std::u16string folded = text::FoldName(name);
+      Node& parent = m_nodes.at(number);
+      parent.subkeys.push_back(next);
+      parent.subkeysByName.emplace(folded, next);
+      m_nodes[next] = {std::u16string(name), folded, {}, {}, {}};
+    }
+    number = next;
+  }
+  return number;
+}
+
+void MemoryRegistry::DeleteTree(Number number) {
+  std::vector<Number> doomed{number};
+  while (!doomed.empty()) {
+    const auto node = m_nodes.find(doomed.back());
+    doomed.pop_back();
+    doomed.insert(doomed.end(), node->second.subkeys.begin(), node->second.subkeys.end());
+    m_nodes.erase(node);
+  }
+}
+
+OpenedKey MemoryRegistry::Opened(Number number) {
+  if (number == kNoKey) {
+    return {nullptr, RegistryError::kNotFound};
+  }
+  return {std::make_unique<Key>(*this, number), RegistryError::kNone};
+}
+
+void MemoryRegistry::EndGroup() {
+  m_beforeGroup.clear();
+  m_gate.CloseGroup();
+}
+
+}  // namespace headless

@@ -1,0 +1,210 @@
+#include "backends/posix/posix_replacement.h"
+
+#include <fcntl.h>
+#include <sys/random.h>
+#include <unistd.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+#include "backends/posix/errors.h"
+#include "backends/text/utf.h"
+
+namespace posix {
+namespace {
+
+using platform::Durability;
+using platform::FileAccess;
+using platform::FileError;
+using platform::OpenedReplacement;
+
+constexpr mode_t kPermissionBits = S_IRWXU | S_IRWXG | S_IRWXO;
+constexpr int kMostAttempts = 100;
+
+FileError Result(int returned) { return returned == 0 ? FileError::kNone : ToFileError(errno); }
+
+/// Where the system shows an open descriptor as a file, which can be given a name.
+std::string PathOf(int descriptor) { return "/proc/self/fd/" + std::to_string(descriptor); }
+
+std::string RandomPath(const std::string& folder) {
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  std::uint64_t random = 0;
+  static_cast<void>(::getrandom(&random, sizeof random, 0));  // A name that is taken is refused.
+  std::string path = folder + text::ToHostName(platform::kUnfinishedPrefix);
+  for (int i = 0; i < 16; ++i, random /= kDigits.size()) {
+    path += kDigits[random % kDigits.size()];
+  }
+  return path;
+}
+
+Descriptor OpenWithoutName(const std::string& folder) {
+  Descriptor file(
+      Retry([&] { return ::open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, kOwnerFile); }));
+  struct stat status {};
+  if (file.IsOpen() && ::stat(PathOf(file.Get()).c_str(), &status) != 0) {
+    file.Reset();  // Without /proc it could never be given a name.
+  }
+  return file;
+}
+
+Descriptor OpenWithRandomName(const std::string& folder, std::string& path) {
+  for (int i = 0; i < kMostAttempts; ++i) {
+    path = RandomPath(folder);
+    constexpr int kFlags = O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
+    Descriptor file(Retry([&] { return ::open(path.c_str(), kFlags, kOwnerFile); }));
+    if (file.IsOpen() || errno != EEXIST) {
+      return file;
+    }
+  }
+  return Descriptor();
+}
+
+int GiveName(int descriptor, const std::string& path) {
+  return ::linkat(AT_FDCWD, PathOf(descriptor).c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW);
+}
+
+/// Gives a file the permissions and, as far as the process may, the owner of another.
+FileError TakeOver(int from, int descriptor, Others others) {
+  struct stat other {};
+  struct stat own {};
+  if (::fstat(from, &other) != 0 || ::fstat(descriptor, &own) != 0) {
+    return ToFileError(errno);
+  }
+  // Only an administrator may give a file away; anyone else owns both or leaves it.
+  if ((own.st_uid != other.st_uid || own.st_gid != other.st_gid) &&
+      ::fchown(descriptor, other.st_uid, other.st_gid) != 0) {
+    static_cast<void>(::fchown(descriptor, static_cast<uid_t>(-1), other.st_gid) == 0);
+  }
+  const mode_t kept = others == Others::kKeepRights ? kPermissionBits : mode_t{S_IRWXU};
+  return SetRights(descriptor, other.st_mode & kept);
+}
+
+/// Whether the file at `path`, if there is one, may be replaced as far as one sees from outside.
+FileError CheckTarget(const std::string& path) {
+  struct stat status {};
+  if (::lstat(path.c_str(), &status) != 0) {
+    return errno == ENOENT ? FileError::kNone : ToFileError(errno);
+  }
+  if (S_ISLNK(status.st_mode)) {
+    return FileError::kLink;
+  }
+  return S_ISREG(status.st_mode) && !IsProtected(status) ? FileError::kNone
+                                                         : FileError::kAccessDenied;
+}
+
+}  // namespace
+
+OpenedReplacement PosixReplacement::Open(HostPlace place, Others others, Making making) {
+  if (const FileError error = CheckTarget(place.Path()); error != FileError::kNone) {
+    return {nullptr, error};
+  }
+  Descriptor file = making == Making::kWithoutName ? OpenWithoutName(place.folder) : Descriptor();
+  std::string temporary;
+  if (!file.IsOpen()) {
+    file = OpenWithRandomName(place.folder, temporary);
+  }
+  if (!file.IsOpen()) {
+    return {nullptr, ToFileError(errno)};
+  }
+  auto replacement = std::make_unique<PosixReplacement>(std::move(place), others, std::move(file),
+                                                        std::move(temporary));
+  const FileError error = SetRights(replacement->m_file.GetDescriptor(), kOwnerFile);
+  if (error != FileError::kNone) {
+    replacement.reset();
+  }
+  return {std::move(replacement), error};
+}
+
+PosixReplacement::PosixReplacement(HostPlace place, Others others, Descriptor file,
+                                   std::string temporary)
+    : m_place(std::move(place)),
+      m_others(others),
+      m_file({std::move(file), FileError::kNone, {}}, FileAccess::kReadWrite),
+      m_temporary(std::move(temporary)) {}
+
+PosixReplacement::~PosixReplacement() {
+  if (!m_temporary.empty()) {
+    ::unlink(m_temporary.c_str());
+  }
+}
+
+FileError PosixReplacement::Publish(Durability durability) {
+  if (!m_hasPlace) {
+    if (durability == Durability::kNow) {
+      if (const FileError error = m_file.Flush(); error != FileError::kNone) {
+        // The system reports a loss once. A second attempt would find nothing wrong.
+        static_cast<void>(m_file.Close());
+        return error;
+      }
+    }
+    const FileError error = WithMemory(FileError::kOther, [&] { return TakePlace(); });
+    if (error != FileError::kNone) {
+      return error;
+    }
+    m_hasPlace = true;
+  }
+  const FileError closed = m_file.Close();
+  const FileError kept =
+      durability == Durability::kNow ? SyncFolder(m_place.folder) : FileError::kNone;
+  return closed == FileError::kNone ? kept : closed;
+}
+
+FileError PosixReplacement::TakePlace() {
+  if (m_file.GetDescriptor() == Descriptor::kNone) {
+    return FileError::kClosed;
+  }
+  for (int i = 0; i < kMostAttempts; ++i) {
+    if (const std::optional<FileError> error = TryTakePlace()) {
+      return *error;
+    }
+  }
+  return FileError::kSharingViolation;
+}
+
+std::optional<FileError> PosixReplacement::TryTakePlace() {
+  const std::string path = m_place.Path();
+  if (const FileError error = CheckTarget(path); error != FileError::kNone) {
+    return error;
+  }
+  // Held until the end, so that nobody opens the earlier file while it goes.
+  const LockedFile earlier = OpenForRemoval(path);
+  const bool isNew = earlier.error == FileError::kNotFound;
+  if (isNew && m_temporary.empty()) {
+    if (GiveName(m_file.GetDescriptor(), path) == 0) {
+      return FileError::kNone;
+    }
+    return errno == EEXIST ? std::nullopt : std::optional(ToFileError(errno));
+  }
+  FileError error = isNew ? FileError::kNone : earlier.error;
+  if (error == FileError::kNone && !isNew) {
+    error = TakeOver(earlier.descriptor.Get(), m_file.GetDescriptor(), m_others);
+  }
+  if (error == FileError::kNone) {
+    error = NameTemporarily();
+  }
+  if (error == FileError::kNone) {
+    error = Result(::rename(m_temporary.c_str(), path.c_str()));
+  }
+  if (error == FileError::kNone) {
+    m_temporary.clear();
+  }
+  return error;
+}
+
+FileError PosixReplacement::NameTemporarily() {
+  for (int i = 0; i < kMostAttempts && m_temporary.empty(); ++i) {
+    std::string path = RandomPath(m_place.folder);
+    if (GiveName(m_file.GetDescriptor(), path) == 0) {
+      m_temporary = std::move(path);
+    } else if (errno != EEXIST) {
+      return ToFileError(errno);
+    }
+  }
+  return m_temporary.empty() ? FileError::kAlreadyExists : FileError::kNone;
+}
+
+}  // namespace posix

@@ -1,0 +1,88 @@
+#include "backends/qt/dialog_surface.h"
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <optional>
+
+#include "backends/qt/fonts.h"
+#include "backends/qt/look.h"
+#include "backends/qt/qt_canvas.h"
+#include "backends/qt/scale.h"
+#include "platform/dialog_units.h"
+
+namespace qt {
+namespace {
+
+[[nodiscard]] std::optional<resources::Key> ToKey(const QKeyEvent& event) {
+  if ((event.modifiers() & ~Qt::KeypadModifier) != Qt::NoModifier) {
+    return std::nullopt;
+  }
+  switch (event.key()) {
+    case Qt::Key_Delete:
+      return resources::Key::kDelete;
+    case Qt::Key_Space:
+      return resources::Key::kSpace;
+    default:
+      return std::nullopt;
+  }
+}
+
+class KeyWatcher final : public QObject {
+ public:
+  KeyWatcher(QWidget& control, int id, DialogSurface::PressKey press)
+      : QObject(&control), m_id(id), m_press(std::move(press)) {}
+
+  bool eventFilter(QObject* /*watched*/, QEvent* event) override {
+    if (event->type() != QEvent::KeyPress) {
+      return false;
+    }
+    const auto& pressed = *static_cast<const QKeyEvent*>(event);
+    const auto key = ToKey(pressed);
+    // A key that is held down is one press.
+    return key && (pressed.isAutoRepeat() || m_press(m_id, *key));
+  }
+
+ private:
+  const int m_id;
+  const DialogSurface::PressKey m_press;
+};
+
+}  // namespace
+
+DialogSurface::DialogSurface(const resources::DialogTemplate& dialog,
+                             platform::DialogHandler& handler, Pictures& pictures, QWidget* parent)
+    : QWidget(parent),
+      m_client(platform::ToPixels({0, 0, dialog.width, dialog.height})),
+      m_handler(handler),
+      m_pictures(pictures) {
+  setObjectName(QStringLiteral("dialog_%1").arg(dialog.id));
+  setFixedSize(ToDesktop(m_client).size());
+  setFont(DialogFont());
+  setPalette(DialogPalette());
+  setAutoFillBackground(true);
+}
+
+void DialogSurface::WatchKeys(QWidget& control, int id, const PressKey& press) {
+  control.installEventFilter(new KeyWatcher(control, id, press));
+}
+
+void DialogSurface::paintEvent(QPaintEvent* /*event*/) {
+  QPainter painter(this);
+  QtCanvas canvas(painter, m_client, m_pictures);
+  m_handler.OnPaint(canvas);
+  // A screen reader finds here what is painted and no text of a control.
+  if (const QString told = canvas.GetTexts().join(u'\n'); told != accessibleDescription()) {
+    setAccessibleDescription(told);
+  }
+}
+
+void DialogSurface::mousePressEvent(QMouseEvent* event) {
+  // Controls that are disabled let a press through to what lies under them.
+  const bool isBeside = childAt(event->position().toPoint()) == nullptr;
+  if (event->button() == Qt::LeftButton && isBeside && onPress) {
+    onPress(ToDevice(event->position()));
+  }
+}
+
+}  // namespace qt

@@ -1,0 +1,57 @@
+#include "backends/qt/frame.h"
+
+#include <QEventLoop>
+#include <QKeyEvent>
+#include <QPushButton>
+#include <algorithm>
+
+namespace qt {
+
+Frame::Frame(QWidget* parent) : QDialog(parent) {
+  setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+}
+
+void Frame::Run() {
+  if (m_isOver) {
+    return;
+  }
+  QEventLoop loop;
+  m_loop = &loop;
+  show();
+  loop.exec();
+  // The loop ends early where the application is told to quit; the user still has to answer.
+  while (!m_isOver) {
+    loop.processEvents(QEventLoop::WaitForMoreEvents);
+  }
+  m_loop = nullptr;
+  hide();
+}
+
+void Frame::End() {
+  m_isOver = true;
+  if (m_loop != nullptr) {
+    m_loop->quit();
+  } else {
+    hide();
+  }
+}
+
+bool Frame::HasDefaultButton() const {
+  const auto buttons = findChildren<QPushButton*>();
+  return std::ranges::any_of(buttons, [](const QPushButton* button) {
+    return button->isDefault() && button->isVisible();
+  });
+}
+
+void Frame::keyPressEvent(QKeyEvent* event) {
+  const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+  if (event->matches(QKeySequence::HelpContents)) {
+    OnHelpKey();
+  } else if (isEnter && !HasDefaultButton()) {
+    OnEnterKey();
+  } else {
+    QDialog::keyPressEvent(event);
+  }
+}
+
+}  // namespace qt

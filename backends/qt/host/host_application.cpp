@@ -1,0 +1,54 @@
+#include "backends/qt/host/host_application.h"
+
+#include <QApplication>
+#include <QWindow>
+#include <utility>
+
+namespace qt {
+namespace {
+
+/// An application that is never destroyed: what the library registered with the desktop is used
+/// until the process ends, and no other object could say when nobody needs it any more.
+void MakeApplication() {
+  static int argumentCount = 1;
+  static char programName[] = "voxtrel";
+  static char* arguments[] = {programName, nullptr};
+  static QApplication* application = new QApplication(argumentCount, arguments);
+  static_cast<void>(application);
+}
+
+}  // namespace
+
+bool HasDisplay() {
+  return !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") ||
+         !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") || !qEnvironmentVariableIsEmpty("DISPLAY");
+}
+
+bool EnsureApplication() {
+  if (QCoreApplication::instance() == nullptr && HasDisplay()) {
+    MakeApplication();
+  }
+  return qobject_cast<QApplication*>(QCoreApplication::instance()) != nullptr;
+}
+
+void BringWindowsForward(const std::string& activationToken) {
+  if (!activationToken.empty()) {
+    // Where the library looks for it.
+    qputenv("XDG_ACTIVATION_TOKEN", QByteArray::fromStdString(activationToken));
+  }
+  for (QWindow* const window : QGuiApplication::topLevelWindows()) {
+    if (window->isVisible() && window->type() != Qt::ToolTip) {
+      window->setWindowStates(window->windowStates() & ~Qt::WindowMinimized);
+      window->raise();
+      window->requestActivate();
+    }
+  }
+}
+
+DescriptorWatch::DescriptorWatch(int descriptor, std::function<void()> onReadable)
+    : m_notifier(descriptor, QSocketNotifier::Read) {
+  QObject::connect(&m_notifier, &QSocketNotifier::activated, &m_notifier,
+                   [onReadable = std::move(onReadable)] { onReadable(); });
+}
+
+}  // namespace qt

@@ -1,0 +1,161 @@
+#include "backends/qt/look.h"
+
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QPainter>
+#include <QProxyStyle>
+#include <QStyleOption>
+#include <array>
+#include <cmath>
+
+namespace qt {
+namespace {
+
+/// Has the style mark the focus even where it came by the mouse: which control the keys go to is
+/// never left open.
+template <typename Option>
+[[nodiscard]] Option WithFocusMarked(const Option& option) {
+  Option marked = option;
+  if (marked.state.testFlag(QStyle::State_HasFocus)) {
+    marked.state |= QStyle::State_KeyboardFocusChange;
+  }
+  return marked;
+}
+
+/// The style's own colour of edges.
+[[nodiscard]] QColor EdgeColor(const QPalette& palette) {
+  return palette.color(QPalette::Window).darker(140);
+}
+
+/// The outermost line within `area`. The style itself puts it on the border of the area, where at a
+/// scale that is no whole number half of it is cut off, and with that some of its sides altogether.
+void DrawEdge(QPainter& painter, const QRect& area, const QColor& color) {
+  const QSize upright(1, area.height());
+  const QSize level(area.width(), 1);
+  for (const QRect& side : {QRect(area.topLeft(), upright), QRect(area.topLeft(), level),
+                            QRect(area.topRight(), upright), QRect(area.bottomLeft(), level)}) {
+    painter.fillRect(side, color);
+  }
+}
+
+class Look final : public QProxyStyle {
+ public:
+  Look() : QProxyStyle(QStringLiteral("fusion")) {}
+
+  int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                QStyleHintReturn* returned) const override {
+    switch (hint) {
+      case SH_UnderlineShortcut:
+        return 1;
+      case SH_DialogButtonBox_ButtonsHaveIcons:
+      case SH_ComboBox_Popup:
+        return 0;
+      default:
+        return QProxyStyle::styleHint(hint, option, widget, returned);
+    }
+  }
+
+  void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
+                          QPainter* painter, const QWidget* widget) const override {
+    if (const auto* combo = qstyleoption_cast<const QStyleOptionComboBox*>(option)) {
+      const auto marked = WithFocusMarked(*combo);
+      QProxyStyle::drawComplexControl(control, &marked, painter, widget);
+      return;
+    }
+    QProxyStyle::drawComplexControl(control, option, painter, widget);
+  }
+
+  void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                   const QWidget* widget) const override {
+    if (const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option)) {
+      const auto marked = WithFocusMarked(*button);
+      QProxyStyle::drawControl(element, &marked, painter, widget);
+      return;
+    }
+    const auto* frame = qstyleoption_cast<const QStyleOptionFrame*>(option);
+    if (element == CE_ShapedFrame && frame != nullptr && frame->frameShape == QFrame::StyledPanel &&
+        dynamic_cast<const QAbstractItemView*>(widget) != nullptr) {
+      const bool hasFocus = option->state.testFlag(State_HasFocus);
+      DrawEdge(*painter, option->rect,
+               hasFocus ? option->palette.color(QPalette::Highlight)
+                        : EdgeColor(option->palette).lighter(108));
+      return;
+    }
+    QProxyStyle::drawControl(element, option, painter, widget);
+  }
+
+  void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                     const QWidget* widget) const override {
+    if (element == PE_FrameTabWidget) {
+      DrawPane(*option, *painter, widget);
+      return;
+    }
+    QProxyStyle::drawPrimitive(element, option, painter, widget);
+  }
+
+ private:
+  void DrawPane(const QStyleOption& option, QPainter& painter, const QWidget* widget) const {
+    const QRect pane = option.rect.adjusted(0, 0, 0, -1);
+    QStyleOption within(option);
+    within.rect = pane.adjusted(-3, -3, 3, 3);  // So that the edge which it draws is cut off.
+    painter.save();
+    painter.setClipRect(pane, Qt::IntersectClip);
+    QProxyStyle::drawPrimitive(PE_FrameTabWidget, &within, &painter, widget);
+    painter.restore();
+    constexpr QColor kShadow(0, 0, 0, 15);
+    painter.fillRect(QRect(pane.left(), option.rect.bottom(), pane.width(), 1), kShadow);
+    DrawEdge(painter, pane, EdgeColor(option.palette));
+  }
+};
+
+/// How light a colour is to the eye, from 0 to 1.
+[[nodiscard]] double Lightness(const QColor& color) {
+  constexpr auto kLinear = [](double part) {
+    return part <= 0.03928 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+  };
+  return 0.2126 * kLinear(color.redF()) + 0.7152 * kLinear(color.greenF()) +
+         0.0722 * kLinear(color.blueF());
+}
+
+[[nodiscard]] double Contrast(const QColor& a, const QColor& b) {
+  const double lighter = std::max(Lightness(a), Lightness(b));
+  const double darker = std::min(Lightness(a), Lightness(b));
+  return (lighter + 0.05) / (darker + 0.05);
+}
+
+}  // namespace
+
+void ApplyLook() {
+  static bool isApplied = false;
+  if (!isApplied) {
+    isApplied = true;
+    QApplication::setStyle(new Look);
+  }
+}
+
+QPalette DialogPalette() {
+  const QColor surface(0xF6, 0xF7, 0xF9);
+  const QColor ink(0x1B, 0x1F, 0x27);
+  const QColor faint(0x8A, 0x90, 0x9B);
+  QPalette palette(QColor(0xEE, 0xF0, 0xF3), surface);
+  palette.setColor(QPalette::Base, Qt::white);
+  palette.setColor(QPalette::AlternateBase, surface);
+  palette.setColor(QPalette::ToolTipBase, Qt::white);
+  for (const auto role :
+       {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText}) {
+    palette.setColor(role, ink);
+    palette.setColor(QPalette::Disabled, role, faint);
+  }
+  palette.setColor(QPalette::PlaceholderText, faint);
+  // The user's own colour, where it can be told from the surface and read upon.
+  constexpr double kLeastContrast = 3;
+  const QPalette users = QApplication::palette();
+  const QColor chosen = users.color(QPalette::Active, QPalette::Highlight);
+  const bool isFit = Contrast(chosen, Qt::white) >= kLeastContrast;
+  palette.setColor(QPalette::Highlight, isFit ? chosen : QColor(0x2F, 0x48, 0xAD));
+  palette.setColor(QPalette::HighlightedText, Qt::white);
+  palette.setColor(QPalette::Disabled, QPalette::Highlight, faint);
+  return palette;
+}
+
+}  // namespace qt

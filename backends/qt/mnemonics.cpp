@@ -1,0 +1,66 @@
+#include "backends/qt/mnemonics.h"
+
+#include <set>
+
+#include "backends/qt/strings.h"
+
+namespace qt {
+namespace {
+
+/// A letter that is a key by itself on keyboards of its alphabet.
+[[nodiscard]] bool IsKey(QChar letter) {
+  const QChar lower = letter.toLower();
+  switch (letter.script()) {
+    case QChar::Script_Latin:
+      return lower >= u'a' && lower <= u'z';
+    case QChar::Script_Cyrillic:
+    case QChar::Script_Greek:
+      return letter.isLetter() && letter.decomposition().isEmpty();
+    default:
+      return false;
+  }
+}
+
+[[nodiscard]] bool IsInitial(const QString& text, qsizetype place) {
+  return place == 0 || !text.at(place - 1).isLetter();
+}
+
+[[nodiscard]] std::optional<qsizetype> Choose(const QString& text, const std::set<QChar>& taken) {
+  std::optional<qsizetype> other;
+  for (qsizetype place = 0; place < text.size(); ++place) {
+    const QChar letter = text.at(place);
+    if (!IsKey(letter) || taken.contains(letter.toLower())) {
+      continue;
+    }
+    if (IsInitial(text, place)) {
+      return place;
+    }
+    other = other ? other : place;
+  }
+  return other;
+}
+
+}  // namespace
+
+std::vector<std::optional<qsizetype>> ChooseMnemonics(const std::vector<QString>& texts) {
+  std::set<QChar> taken;
+  std::vector<std::optional<qsizetype>> places;
+  places.reserve(texts.size());
+  for (const QString& text : texts) {
+    const auto place = Choose(text, taken);
+    if (place) {
+      taken.insert(text.at(*place).toLower());
+    }
+    places.push_back(place);
+  }
+  return places;
+}
+
+QString WithMnemonic(const QString& text, std::optional<qsizetype> place) {
+  if (!place) {
+    return WithoutMnemonic(text);
+  }
+  return WithoutMnemonic(text.left(*place)) + u'&' + WithoutMnemonic(text.mid(*place));
+}
+
+}  // namespace qt

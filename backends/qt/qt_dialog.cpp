@@ -1,0 +1,239 @@
+#include "backends/qt/qt_dialog.h"
+
+#include <QPushButton>
+#include <algorithm>
+
+#include "backends/qt/control_factory.h"
+#include "backends/qt/control_names.h"
+#include "backends/qt/link_area.h"
+#include "backends/qt/scale.h"
+#include "backends/qt/strings.h"
+
+namespace qt {
+
+using platform::CommandEvent;
+using resources::ControlKind;
+
+QtDialog::QtDialog(const resources::DialogTemplate& dialog, platform::DialogHandler& handler,
+                   UiThread& thread, Pictures& pictures, QWidget* parent)
+    : m_template(dialog),
+      m_handler(handler),
+      m_thread(thread),
+      m_surface(std::make_unique<DialogSurface>(dialog, handler, pictures, parent)),
+      m_self(std::make_shared<QtDialog*>(this)) {
+  m_surface->setAccessibleName(ToQString(dialog.caption));
+  m_surface->onPress = [this](platform::Point point) {
+    if (!m_thread.IsWaiting() && m_callDepth == 0) {
+      Call([&] { m_handler.OnLButtonDown(point); });
+    }
+  };
+  MakeControls(pictures);
+  m_handler.Attach(*this);
+  MakeLinks();
+}
+
+QtDialog::~QtDialog() { m_handler.Detach(); }
+
+void QtDialog::MakeControls(Pictures& pictures) {
+  for (const resources::ControlTemplate& description : m_template.controls) {
+    const int id = description.id;
+    m_controls.push_back(MakeControl(description, *m_surface, pictures,
+                                     [this, id](CommandEvent e) { TellUsersCommand(id, e); }));
+    const bool hasKeys = std::ranges::any_of(
+        m_template.keys, [id](const resources::KeyTemplate& key) { return key.control == id; });
+    if (hasKeys) {
+      m_surface->WatchKeys(*m_controls.back().widget, id, [this](int control, resources::Key key) {
+        return PressKey(control, key);
+      });
+    }
+  }
+  GiveLabelsRoom();
+  TieLabels(m_controls);
+  for (Control& control : m_controls) {
+    ShowText(control);
+  }
+  ShowButtons(m_controls);
+  NameControls(m_controls, ToQString(m_template.caption));
+}
+
+void QtDialog::MakeLinks() {
+  for (const platform::PaintedLink& link : m_handler.GetLinks()) {
+    const platform::Rect& area = link.area;
+    const platform::Point middle{(area.left + area.right) / 2, (area.top + area.bottom) / 2};
+    auto* made = new LinkArea(m_surface.get(), ToDesktop(area));
+    made->setAccessibleName(ToQString(link.name));
+    QObject::connect(made, &QAbstractButton::clicked, made,
+                     [this, middle] { m_surface->onPress(middle); });
+    m_links.push_back(made);
+  }
+}
+
+void QtDialog::GiveLabelsRoom() {
+  for (Control& label : m_controls) {
+    if (label.label == nullptr) {
+      continue;
+    }
+    const QRect place = label.widget->geometry();
+    int right = m_surface->width() - place.left();
+    for (const Control& other : m_controls) {
+      const QRect area = other.widget->geometry();
+      const bool isBeside = area.top() <= place.bottom() && area.bottom() >= place.top() &&
+                            area.left() > place.right();
+      if (isBeside && other.description.isVisible) {
+        right = std::min(right, area.left() - ToDesktop(2));
+      }
+    }
+    label.room = std::max(label.room, right - place.left());
+  }
+}
+
+void QtDialog::Init() {
+  Call([this] { m_handler.OnInitDialog(); });
+}
+
+void QtDialog::TellOk() {
+  Call([this] { m_handler.OnOK(); });
+}
+
+void QtDialog::TellCancel() {
+  if (!m_thread.IsWaiting() && m_callDepth == 0) {
+    Call([this] { m_handler.OnCancel(); });
+  }
+}
+
+bool QtDialog::AskForHelp() {
+  bool hasHelp = false;
+  Call([&] { hasHelp = m_handler.OnHelp(); });
+  return hasHelp;
+}
+
+void QtDialog::Call(const std::function<void()>& call) {
+  ++m_callDepth;
+  call();
+  --m_callDepth;
+  if (m_callDepth == 0 && !m_posted.empty()) {
+    m_thread.PostForLater([weak = std::weak_ptr(m_self)] {
+      if (const auto self = weak.lock()) {
+        (*self)->DeliverPosted();
+      }
+    });
+  }
+}
+
+void QtDialog::TellUsersCommand(int id, CommandEvent event) {
+  Rename();
+  if (m_thread.IsWaiting() || m_callDepth > 0) {
+    return;
+  }
+  m_command = id;
+  Call([&] { m_handler.OnCommand(id, event); });
+  m_command = resources::kNoControlId;
+}
+
+bool QtDialog::PressKey(int control, resources::Key key) {
+  const auto found = std::ranges::find_if(m_template.keys, [&](const resources::KeyTemplate& each) {
+    return each.control == control && each.key == key;
+  });
+  if (found == m_template.keys.end()) {
+    return false;
+  }
+  const Control* button = Find(found->button);
+  if (button != nullptr && button->button != nullptr) {
+    button->button->click();
+  }
+  return true;
+}
+
+void QtDialog::PostCommand(int id) {
+  m_posted.push_back(id);
+  Call([] {});
+}
+
+void QtDialog::DeliverPosted() {
+  if (m_callDepth > 0) {
+    return;  // Comes again when that call is over.
+  }
+  while (!m_posted.empty() && !m_result) {
+    const int id = m_posted.front();
+    m_posted.pop_front();
+    ++m_callDepth;
+    m_handler.OnCommand(id, CommandEvent::kPosted);
+    --m_callDepth;
+  }
+}
+
+void QtDialog::CallHere(const std::function<void(QtDialog&)>& call) {
+  if (m_thread.IsCurrent()) {
+    call(*this);
+    return;
+  }
+  m_thread.Post([weak = std::weak_ptr(m_self), call] {
+    if (const auto self = weak.lock()) {
+      call(**self);
+    }
+  });
+}
+
+void QtDialog::StepProgress(int id) {
+  CallHere([id](QtDialog& dialog) { dialog.m_bars.Step(id); });
+}
+
+void QtDialog::EndDialog(int result) {
+  CallHere([result](QtDialog& dialog) {
+    if (!dialog.m_result) {
+      dialog.m_result = result;
+      if (dialog.m_onEnd) {
+        dialog.m_onEnd();
+      }
+    }
+  });
+}
+
+void QtDialog::CreateProgressBar(int id, const platform::ProgressBar& bar) {
+  // What it shows the progress of is the command that is being done, or the dialog itself.
+  const Control* command = Find(m_command);
+  m_bars.Create(id, bar,
+                command == nullptr ? ToQString(m_template.caption) : GetShownText(*command),
+                *m_surface);
+}
+
+void QtDialog::DestroyProgressBar(int id) { m_bars.Destroy(id); }
+
+void QtDialog::Invalidate() { m_surface->update(); }
+
+QPushButton* QtDialog::GetDefaultButton() const {
+  for (const Control& control : m_controls) {
+    if (control.description.kind == ControlKind::kDefaultPushButton &&
+        control.description.isVisible) {
+      return static_cast<QPushButton*>(control.button);
+    }
+  }
+  return nullptr;
+}
+
+std::vector<QWidget*> QtDialog::GetTabChain() const {
+  std::vector<QWidget*> chain;
+  for (const Control& control : m_controls) {
+    if (control.widget->focusPolicy() != Qt::NoFocus && control.description.isVisible) {
+      chain.push_back(control.widget);
+    }
+  }
+  chain.insert(chain.end(), m_links.begin(), m_links.end());
+  return chain;
+}
+
+void QtDialog::Rename() { NameControls(m_controls, ToQString(m_template.caption)); }
+
+Control* QtDialog::Find(int id) {
+  const auto found = std::ranges::find_if(
+      m_controls, [id](const Control& control) { return control.description.id == id; });
+  return id == resources::kNoControlId || found == m_controls.end() ? nullptr : &*found;
+}
+
+const Control* QtDialog::Find(int id) const {
+  const auto found = std::ranges::find_if(
+      m_controls, [id](const Control& control) { return control.description.id == id; });
+  return id == resources::kNoControlId || found == m_controls.end() ? nullptr : &*found;
+}
+
+}  // namespace qt

@@ -1,0 +1,105 @@
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <list>
+#include <memory>
+#include <optional>
+
+#include "backends/qt/control.h"
+#include "backends/qt/dialog_surface.h"
+#include "backends/qt/pictures.h"
+#include "backends/qt/progress_bars.h"
+#include "backends/qt/ui_thread.h"
+#include "platform/dialog_handler.h"
+#include "platform/dialog_window.h"
+
+class QPushButton;
+
+namespace qt {
+
+/// One live dialog: its surface with the controls on it, to be put into a window.
+///
+/// Tells the handler nothing of the user's while the thread waits or the handler is at work.
+class QtDialog final : public platform::DialogWindow {
+ public:
+  QtDialog(const resources::DialogTemplate& dialog, platform::DialogHandler& handler,
+           UiThread& thread, Pictures& pictures, QWidget* parent);
+  ~QtDialog() override;
+
+  /// Has the handler set the dialog up.
+  void Init();
+  void TellOk();
+  void TellCancel();
+  [[nodiscard]] bool AskForHelp();
+
+  [[nodiscard]] DialogSurface& GetSurface() { return *m_surface; }
+  /// Null where no button is the default one.
+  [[nodiscard]] QPushButton* GetDefaultButton() const;
+  /// The controls that Tab reaches, in its order.
+  [[nodiscard]] std::vector<QWidget*> GetTabChain() const;
+  [[nodiscard]] std::optional<int> GetResult() const { return m_result; }
+  /// Called when the dialog is ended.
+  void SetEndListener(std::function<void()> listener) { m_onEnd = std::move(listener); }
+
+  void SetText(int id, std::u16string_view text) override;
+  [[nodiscard]] std::u16string GetText(int id) const override;
+  void Enable(int id, bool isEnabled) override;
+  [[nodiscard]] bool IsEnabled(int id) const override;
+  void SetFont(int id, const platform::Font& font) override;
+  int AddItem(int id, std::u16string_view text) override;
+  void DeleteItem(int id, int index) override;
+  void ResetItems(int id) override;
+  [[nodiscard]] int GetItemCount(int id) const override;
+  [[nodiscard]] std::u16string GetItemText(int id, int index) const override;
+  [[nodiscard]] std::optional<int> GetSelection(int id) const override;
+  void SetSelection(int id, std::optional<int> index) override;
+  void SetHorizontalExtent(int id, int width) override;
+  [[nodiscard]] int GetHorizontalExtent(int id) const override;
+  [[nodiscard]] int GetTextWidth(int id, std::u16string_view text) const override;
+  void SetCheck(int id, bool isChecked) override;
+  [[nodiscard]] bool IsChecked(int id) const override;
+  void CreateProgressBar(int id, const platform::ProgressBar& bar) override;
+  void StepProgress(int id) override;
+  void DestroyProgressBar(int id) override;
+  [[nodiscard]] platform::Rect GetControlRect(int id) const override;
+  [[nodiscard]] platform::Rect GetClientRect() const override;
+  void PostCommand(int id) override;
+  void Invalidate() override;
+  void EndDialog(int result) override;
+
+ private:
+  void MakeControls(Pictures& pictures);
+  void MakeLinks();
+  void GiveLabelsRoom();
+  /// Calls the handler; what it posts is delivered after it.
+  void Call(const std::function<void()>& call);
+  void TellUsersCommand(int id, platform::CommandEvent event);
+  [[nodiscard]] bool PressKey(int control, resources::Key key);
+  void DeliverPosted();
+  /// Calls `call` on the user-interface thread, now or soon, unless the dialog is gone by then.
+  void CallHere(const std::function<void(QtDialog&)>& call);
+  void ChangeText(int id, const std::u16string& text);
+  void Rename();
+  /// Of a control that is about to be disabled: to the list, or to the first control that is no
+  /// button.
+  void TakeFocusFrom(const Control& leaving);
+  [[nodiscard]] Control* Find(int id);
+  [[nodiscard]] const Control* Find(int id) const;
+
+  const resources::DialogTemplate& m_template;
+  platform::DialogHandler& m_handler;
+  UiThread& m_thread;
+  std::unique_ptr<DialogSurface> m_surface;
+  std::list<Control> m_controls;
+  std::vector<QWidget*> m_links;  ///< Children of the surface.
+  ProgressBars m_bars;
+  std::deque<int> m_posted;
+  std::function<void()> m_onEnd;
+  std::optional<int> m_result;
+  int m_callDepth = 0;
+  int m_command = resources::kNoControlId;  ///< Being handled.
+  std::shared_ptr<QtDialog*> m_self;  ///< Goes with the dialog; calls from afar hold it weakly.
+};
+
+}  // namespace qt

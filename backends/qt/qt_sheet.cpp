@@ -1,0 +1,178 @@
+#include "backends/qt/qt_sheet.h"
+
+#include <QPushButton>
+#include <QShortcut>
+#include <QTabBar>
+#include <QTabWidget>
+#include <QVBoxLayout>
+#include <algorithm>
+
+#include "backends/qt/fonts.h"
+#include "backends/qt/look.h"
+#include "backends/qt/scale.h"
+#include "backends/qt/strings.h"
+#include "platform/dialog_units.h"
+
+namespace qt {
+namespace {
+
+// In pixels of the device.
+constexpr double kSheetMargin = 6;
+constexpr double kOkWidth = 56;
+constexpr double kOkHeight = 21;
+
+}  // namespace
+
+QtSheet::QtSheet(std::u16string_view caption, std::span<const platform::SheetPage> pages,
+                 platform::SheetHandler& handler, UiThread& thread, Pictures& pictures,
+                 QWidget* parent)
+    : Frame(parent),
+      m_pages(pages.begin(), pages.end()),
+      m_handler(handler),
+      m_thread(thread),
+      m_pictures(pictures),
+      m_shown(pages.size()) {
+  setWindowTitle(AsWindowTitle(ToQString(caption)));
+  setFont(DialogFont());
+  setPalette(DialogPalette());
+  setWindowFlag(Qt::WindowMinMaxButtonsHint, false);
+  setWindowFlag(Qt::WindowMinimizeButtonHint, true);
+  auto* layout = new QVBoxLayout(this);
+  const int margin = ToDesktop(kSheetMargin);
+  layout->setContentsMargins(margin, margin, margin, margin);
+  layout->setSpacing(margin);
+  layout->setSizeConstraint(QLayout::SetFixedSize);
+  MakeTabs();
+  MakeOkButton();
+  MakeTabKeys();
+  layout->addWidget(m_tabs);
+  layout->addWidget(m_okButton, 0, Qt::AlignRight);
+}
+
+void QtSheet::MakeTabs() {
+  m_tabs = new QTabWidget(this);
+  m_tabs->setObjectName(QStringLiteral("tabs"));
+  m_tabs->tabBar()->setElideMode(Qt::ElideRight);
+  QSize largest;
+  for (const platform::SheetPage& page : m_pages) {
+    const auto client = platform::ToPixels({0, 0, page.dialog.width, page.dialog.height});
+    largest = largest.expandedTo(ToDesktop(client).size());
+  }
+  for (const platform::SheetPage& page : m_pages) {
+    auto* place = new QWidget;
+    place->setFixedSize(largest);
+    m_tabs->addTab(place, WithoutMnemonic(ToQString(page.dialog.caption)));
+  }
+}
+
+void QtSheet::MakeOkButton() {
+  m_okButton = new QPushButton(QStringLiteral("OK"), this);
+  m_okButton->setObjectName(QStringLiteral("ok"));
+  m_okButton->setFixedSize(ToDesktop(kOkWidth), ToDesktop(kOkHeight));
+  connect(m_okButton, &QPushButton::clicked, this, [this] { OnOk(); });
+}
+
+void QtSheet::MakeTabKeys() {
+  // As shortcuts, which come before the control that has the focus: the tabs see only the keys of
+  // what stands on them, and of those a combo box keeps some for itself.
+  const struct {
+    QKeyCombination key;
+    int step;
+  } keys[] = {{Qt::CTRL | Qt::Key_Tab, 1},
+              {Qt::CTRL | Qt::SHIFT | Qt::Key_Tab, -1},
+              {Qt::CTRL | Qt::Key_PageDown, 1},
+              {Qt::CTRL | Qt::Key_PageUp, -1}};
+  for (const auto& tabKey : keys) {
+    auto* shortcut = new QShortcut(QKeySequence(tabKey.key), this);
+    connect(shortcut, &QShortcut::activated, this, [this, step = tabKey.step] { TurnTabs(step); });
+  }
+}
+
+void QtSheet::TurnTabs(int step) {
+  const int count = m_tabs->count();
+  if (count > 0) {
+    m_tabs->setCurrentIndex((m_tabs->currentIndex() + step + count) % count);
+  }
+}
+
+void QtSheet::Init() {
+  m_handler.OnInitSheet(*this);
+  if (!m_pages.empty()) {
+    ShowPage(0);
+  }
+  connect(m_tabs, &QTabWidget::currentChanged, this, [this](int page) {
+    if (page >= 0) {
+      ShowPage(static_cast<std::size_t>(page));
+    }
+  });
+}
+
+void QtSheet::ShowPage(std::size_t page) {
+  if (!m_shown[page]) {
+    QWidget* place = m_tabs->widget(static_cast<int>(page));
+    m_shown[page] = std::make_unique<QtDialog>(m_pages[page].dialog, m_pages[page].handler,
+                                               m_thread, m_pictures, place);
+    OrderTabs();
+    m_shown[page]->Init();
+    m_shown[page]->GetSurface().show();
+    const auto chain = m_shown[page]->GetTabChain();
+    if (page == 0 && !chain.empty()) {
+      chain.front()->setFocus();
+    }
+  }
+  ChooseDefaultButton(page);
+}
+
+void QtSheet::ChooseDefaultButton(std::size_t page) {
+  QPushButton* ofPage = m_shown[page]->GetDefaultButton();
+  (ofPage == nullptr ? m_okButton : ofPage)->setDefault(true);
+}
+
+void QtSheet::OrderTabs() {
+  std::vector<QWidget*> chain;
+  for (const auto& page : m_shown) {
+    if (page) {
+      const auto controls = page->GetTabChain();
+      chain.insert(chain.end(), controls.begin(), controls.end());
+    }
+  }
+  chain.push_back(m_okButton);
+  chain.push_back(m_tabs->tabBar());
+  for (std::size_t i = 1; i < chain.size(); ++i) {
+    setTabOrder(chain[i - 1], chain[i]);
+  }
+}
+
+void QtSheet::OnOk() {
+  if (m_thread.IsWaiting() || IsOver()) {
+    return;
+  }
+  for (const auto& page : m_shown) {
+    if (page) {
+      page->TellOk();
+    }
+  }
+  m_wasAccepted = true;
+  End();
+}
+
+void QtSheet::OnCloseBox() {
+  if (!m_thread.IsWaiting()) {
+    End();
+  }
+}
+
+void QtSheet::OnHelpKey() {
+  const auto page = static_cast<std::size_t>(std::max(0, m_tabs->currentIndex()));
+  if (page >= m_shown.size() || !m_shown[page] || !m_shown[page]->AskForHelp()) {
+    m_handler.OnHelp();
+  }
+}
+
+void QtSheet::SetTabText(std::size_t tab, std::u16string_view text) {
+  if (tab < m_pages.size()) {
+    m_tabs->setTabText(static_cast<int>(tab), WithoutMnemonic(ToQString(text)));
+  }
+}
+
+}  // namespace qt

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <memory>
+#include <span>
+#include <vector>
+
+#include "backends/qt/frame.h"
+#include "backends/qt/qt_dialog.h"
+#include "platform/sheet_window.h"
+#include "platform/ui.h"
+
+class QTabWidget;
+
+namespace qt {
+
+/// The window of a property sheet: a tab for each page and an OK button.
+class QtSheet final : public Frame, public platform::SheetWindow {
+ public:
+  QtSheet(std::u16string_view caption, std::span<const platform::SheetPage> pages,
+          platform::SheetHandler& handler, UiThread& thread, Pictures& pictures, QWidget* parent);
+  QtSheet(const QtSheet&) = delete;
+  QtSheet& operator=(const QtSheet&) = delete;
+
+  /// Has the handler prepare the sheet, and sets the first page up.
+  void Init();
+  [[nodiscard]] bool WasAccepted() const { return m_wasAccepted; }
+
+  void SetTabText(std::size_t tab, std::u16string_view text) override;
+
+ protected:
+  void OnCloseBox() override;
+  void OnHelpKey() override;
+  void OnEnterKey() override {}
+
+ private:
+  void MakeTabs();
+  void MakeOkButton();
+  void MakeTabKeys();
+  /// Shows the page that many tabs further on; the first one follows the last.
+  void TurnTabs(int step);
+  /// Sets a page up that is shown for the first time.
+  void ShowPage(std::size_t page);
+  void ChooseDefaultButton(std::size_t page);
+  void OrderTabs();
+  void OnOk();
+
+  const std::vector<platform::SheetPage> m_pages;
+  platform::SheetHandler& m_handler;
+  UiThread& m_thread;
+  Pictures& m_pictures;
+  QTabWidget* m_tabs = nullptr;                    ///< A child.
+  QPushButton* m_okButton = nullptr;               ///< A child.
+  std::vector<std::unique_ptr<QtDialog>> m_shown;  ///< Null for a page not yet set up.
+  bool m_wasAccepted = false;
+};
+
+}  // namespace qt

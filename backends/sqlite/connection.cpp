@@ -1,0 +1,270 @@
+#include "backends/sqlite/connection.h"
+
+#include <fcntl.h>
+#include <sqlite3.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include "backends/sqlite/errors.h"
+#include "backends/sqlite/schema.h"
+
+namespace sqlite {
+
+using platform::RegistryError;
+
+namespace {
+
+constexpr int kRetryMilliseconds = 5;
+
+/// In bytes, with its names: a row of the longest value that a registry takes is shorter. What
+/// another program made longer is not read into memory.
+constexpr int kLongestRow = static_cast<int>(2 * platform::kMaxValueBytes);
+
+// A change is on the medium when it returns; a file made by another hand is not trusted.
+constexpr const char* kConnectionSettings =
+    "PRAGMA synchronous = FULL;"
+    "PRAGMA foreign_keys = ON;"
+    "PRAGMA cell_size_check = ON;"
+    "PRAGMA trusted_schema = OFF;"
+    "PRAGMA temp_store = MEMORY";
+
+void SetOption(sqlite3* database, int option, bool on) {
+  sqlite3_db_config(database, option, on ? 1 : 0, nullptr);
+}
+
+/// The database as a file that nobody changes: then it is read without its log, and without the
+/// index that a log needs.
+std::string NameWithoutLog(const std::filesystem::path& database) {
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  std::string name = "file:";
+  for (const char character : database.native()) {
+    if (character == '%' || character == '?' || character == '#') {
+      const auto code = static_cast<unsigned char>(character);
+      name += {'%', kDigits[code >> 4U], kDigits[code & 0xFU]};
+    } else {
+      name += character;
+    }
+  }
+  return name + "?immutable=1";
+}
+
+/// Whether changes lie beside the database that it does not hold yet, or may do so.
+bool HasLog(const std::filesystem::path& database) {
+  std::filesystem::path log = database;
+  log += "-wal";
+  std::error_code error;
+  const std::uintmax_t length = std::filesystem::file_size(log, error);
+  return error ? error != std::errc::no_such_file_or_directory : length > 0;
+}
+
+/// Makes an empty file of its user alone if there is none. The library takes it for a new database,
+/// and gives its rights to the files next to it. Whatever fails, the library reports it.
+void MakePrivateFile(const std::filesystem::path& database) {
+  const int file =
+      ::open(database.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR);
+  if (file != -1) {
+    static_cast<void>(::fchmod(file, S_IRUSR | S_IWUSR));  // The umask may have left less.
+    ::close(file);
+  }
+}
+
+/// Frees the room of an index that could not be made whole. Called by who has the database alone.
+void RemoveIndex(const std::filesystem::path& database) {
+  std::filesystem::path index = database;
+  index += "-shm";
+  std::error_code ignored;
+  std::filesystem::remove(index, ignored);
+}
+
+bool IsMissing(const std::filesystem::path& database) {
+  std::error_code error;
+  return std::filesystem::status(database, error).type() == std::filesystem::file_type::not_found;
+}
+
+}  // namespace
+
+RegistryError Connection::Open(const Settings& settings, std::unique_ptr<Connection>& connection) {
+  // Two processes that make the store at the same time can meet where the library does not wait.
+  const auto deadline = std::chrono::steady_clock::now() + settings.busyLimit;
+  while (true) {
+    const RegistryError error = settings.access == Access::kRead ? OpenToRead(settings, connection)
+                                                                 : OpenOnce(settings, connection);
+    if (error != RegistryError::kBusy || std::chrono::steady_clock::now() >= deadline) {
+      return error;
+    }
+    sqlite3_sleep(kRetryMilliseconds);
+  }
+}
+
+RegistryError Connection::OpenOnce(const Settings& settings,
+                                   std::unique_ptr<Connection>& connection) {
+  MakePrivateFile(settings.database);
+  auto candidate = std::make_unique<Connection>();
+  const RegistryError error = candidate->OpenFile(settings, settings.database.native(),
+                                                  SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+  if (error == RegistryError::kNone) {
+    SetOption(candidate->m_database.get(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, false);
+    if (settings.access == Access::kChangeAlone) {
+      RemoveIndex(settings.database);
+    }
+    connection = std::move(candidate);
+    return error;
+  }
+  // Where the database takes no writes, what else cannot be opened is the log beside it.
+  const bool lacksLog = error == RegistryError::kOther && candidate->m_database != nullptr &&
+                        sqlite3_db_readonly(candidate->m_database.get(), "main") == 1;
+  return lacksLog ? RegistryError::kReadOnly : error;
+}
+
+RegistryError Connection::OpenToRead(const Settings& settings,
+                                     std::unique_ptr<Connection>& connection) {
+  auto candidate = std::make_unique<Connection>();
+  candidate->m_isReading = true;
+  RegistryError error =
+      IsMissing(settings.database)
+          ? RegistryError::kNotFound
+          : candidate->OpenFile(settings, settings.database.native(), SQLITE_OPEN_READONLY);
+  const bool lacksIndex = error == RegistryError::kOther || error == RegistryError::kFull ||
+                          error == RegistryError::kReadOnly;
+  if (lacksIndex && !HasLog(settings.database)) {
+    // The index of the log cannot be made: the medium is full, or takes no writes. All changes are
+    // in the database, so that it can be read by itself. With a log it cannot.
+    auto alone = std::make_unique<Connection>();
+    alone->m_isReading = true;
+    if (alone->OpenFile(settings, NameWithoutLog(settings.database),
+                        SQLITE_OPEN_READONLY | SQLITE_OPEN_URI) == RegistryError::kNone) {
+      candidate = std::move(alone);
+      error = RegistryError::kNone;
+    }
+  }
+  if (error == RegistryError::kNotFound) {
+    error = candidate->OpenEmpty(settings);
+  }
+  if (error == RegistryError::kNone) {
+    connection = std::move(candidate);
+  }
+  // Nobody wanted to write.
+  return error == RegistryError::kReadOnly ? RegistryError::kOther : error;
+}
+
+RegistryError Connection::OpenFile(const Settings& settings, const std::string& name, int flags) {
+  sqlite3* database = nullptr;
+  const char* const fileLayer = settings.fileLayer.empty() ? nullptr : settings.fileLayer.c_str();
+  const int result = sqlite3_open_v2(
+      name.c_str(), &database, flags | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, fileLayer);
+  m_database.reset(database);
+  if (result != SQLITE_OK) {
+    return ToRegistryError(result);
+  }
+  // Until the store is known to be sound, closing it must not move anything into it.
+  SetOption(database, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, true);
+  const RegistryError error = Configure(settings);
+  return error == RegistryError::kNone ? MakeReady(settings) : error;
+}
+
+RegistryError Connection::OpenEmpty(const Settings& settings) {
+  sqlite3* database = nullptr;
+  const int result = sqlite3_open_v2(
+      ":memory:", &database,
+      SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE,
+      nullptr);
+  m_store = {};
+  m_database.reset(database);
+  m_isStandIn = true;
+  RegistryError error = ToRegistryError(result);
+  if (error == RegistryError::kNone) {
+    error = PrepareSchema(database, settings.initialKeys);
+  }
+  if (error == RegistryError::kNone) {
+    error = Configure(settings);
+  }
+  return error == RegistryError::kNone ? MakeReady(settings) : error;
+}
+
+RegistryError Connection::Configure(const Settings& settings) const {
+  sqlite3* const database = m_database.get();
+  sqlite3_busy_timeout(database, static_cast<int>(settings.busyLimit.count()));
+  SetOption(database, SQLITE_DBCONFIG_DEFENSIVE, true);
+  SetOption(database, SQLITE_DBCONFIG_ENABLE_TRIGGER, false);
+  int result = SQLITE_OK;
+  if (settings.access == Access::kChangeAlone) {
+    // Before the settings, which read the database and with it the index.
+    result = Execute(database, "PRAGMA locking_mode = EXCLUSIVE");
+  }
+  if (result == SQLITE_OK) {
+    result = Execute(database, kConnectionSettings);
+  }
+  if (result == SQLITE_OK && m_isReading) {
+    result = Execute(database, "PRAGMA query_only = ON");
+  }
+  return ToRegistryError(result);
+}
+
+RegistryError Connection::MakeReady(const Settings& settings) {
+  sqlite3* const database = m_database.get();
+  RegistryError error =
+      m_isReading ? CheckSchema(database) : PrepareSchema(database, settings.initialKeys);
+  if (error == RegistryError::kNone && !m_isReading) {
+    error = UseWriteAheadLog();
+  }
+  if (error == RegistryError::kNone) {
+    // After the check of all pages, which must not stumble over a row that is too long.
+    sqlite3_limit(database, SQLITE_LIMIT_LENGTH, kLongestRow);
+    error = m_store.Prepare(database, settings.number);
+  }
+  return error;
+}
+
+RegistryError Connection::UseWriteAheadLog() const {
+  if (sqlite3_db_readonly(m_database.get(), "main") == 1) {
+    return RegistryError::kNone;
+  }
+  const int result = Execute(m_database.get(), "PRAGMA journal_mode = WAL");
+  const RegistryError error = ToRegistryError(result);
+  // A medium without shared memory, or another process that is in the database now, keeps it in
+  // the other mode: every promise holds there too, only readers and writers wait for each other.
+  return error == RegistryError::kBusy || error == RegistryError::kReadOnly ? RegistryError::kNone
+                                                                            : error;
+}
+
+RegistryError Connection::Begin() const {
+  if (!m_isReading) {
+    const int result = Execute(m_database.get(), "BEGIN IMMEDIATE");
+    const RegistryError error = ToRegistryError(result);
+    if (error != RegistryError::kReadOnly) {
+      return error;
+    }
+  }
+  // The first reading fixes what the transaction sees.
+  const int result = Execute(m_database.get(), "BEGIN; SELECT 1 FROM registry_key LIMIT 1");
+  if (result != SQLITE_OK) {
+    Rollback();
+  }
+  return ToRegistryError(result);
+}
+
+RegistryError Connection::Commit() const {
+  const int result = Execute(m_database.get(), "COMMIT");
+  if (result != SQLITE_OK) {
+    Rollback();
+  }
+  return ToRegistryError(result);
+}
+
+void Connection::Rollback() const {
+  m_store.NoteUndone();  // Also where the library did it by itself.
+  if (sqlite3_get_autocommit(m_database.get()) != 0) {
+    return;
+  }
+  [[maybe_unused]] const int result = Execute(m_database.get(), "ROLLBACK");
+}
+
+void Connection::Abandon() const {
+  SetOption(m_database.get(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, true);
+}
+
+}  // namespace sqlite

@@ -1,0 +1,81 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <span>
+#include <string>
+
+#include "backends/sqlite/statement.h"
+#include "backends/sqlite/store.h"
+#include "platform/registry.h"
+
+namespace sqlite {
+
+/// What a registry may do with its database.
+enum class Access : std::uint8_t {
+  kChange,
+  /// As kChange, with the index of the log in memory: it takes no room, and nobody else can open
+  /// the database meanwhile. It is for a full medium, so that something can be deleted there.
+  kChangeAlone,
+  /// Nothing but reading: no file is made but the log and its index, and only next to a database
+  /// that has a log. Every change gives kReadOnly.
+  kRead,
+};
+
+/// One open database that holds a registry, and the transaction it may be in.
+class Connection {
+ public:
+  struct Settings {
+    std::filesystem::path database;
+    std::span<const std::u16string> initialKeys;
+    std::chrono::milliseconds busyLimit;
+    std::string fileLayer;
+    Access access = Access::kChange;
+    std::uint32_t number = 0;  ///< Differs from that of every other connection of one registry.
+  };
+
+  /// Opens the database. To change it, the registry is made if there is none. To read it, a
+  /// database that is missing or empty counts as a new registry, which is kept in memory. A file
+  /// that holds something else, a damaged or a newer registry is left byte for byte as it is.
+  [[nodiscard]] static platform::RegistryError Open(const Settings& settings,
+                                                    std::unique_ptr<Connection>& connection);
+
+  /// Whether this stands for a database that is missing or empty.
+  [[nodiscard]] bool IsStandIn() const { return m_isStandIn; }
+
+  [[nodiscard]] const Store& GetStore() const { return m_store; }
+
+  /// Begins a transaction that may write; on a store that takes no writes, one that reads.
+  [[nodiscard]] platform::RegistryError Begin() const;
+
+  /// A transaction that cannot be committed is undone.
+  [[nodiscard]] platform::RegistryError Commit() const;
+
+  /// Undoes the transaction, if there is one.
+  void Rollback() const;
+
+  /// From now on the files are only closed, nothing gathered is moved into the database.
+  void Abandon() const;
+
+ private:
+  [[nodiscard]] static platform::RegistryError OpenOnce(const Settings& settings,
+                                                        std::unique_ptr<Connection>& connection);
+  [[nodiscard]] static platform::RegistryError OpenToRead(const Settings& settings,
+                                                          std::unique_ptr<Connection>& connection);
+  /// `name` is a path, or a name as the library takes it.
+  [[nodiscard]] platform::RegistryError OpenFile(const Settings& settings, const std::string& name,
+                                                 int flags);
+  [[nodiscard]] platform::RegistryError OpenEmpty(const Settings& settings);
+  [[nodiscard]] platform::RegistryError Configure(const Settings& settings) const;
+  [[nodiscard]] platform::RegistryError MakeReady(const Settings& settings);
+  [[nodiscard]] platform::RegistryError UseWriteAheadLog() const;
+
+  Database m_database;
+  Store m_store;  ///< Goes before the database.
+  bool m_isReading = false;
+  bool m_isStandIn = false;
+};
+
+}  // namespace sqlite

@@ -1,0 +1,196 @@
+#include "backends/sqlite/store.h"
+
+#include <sqlite3.h>
+
+#include <utility>
+
+#include "backends/sqlite/errors.h"
+#include "backends/text/names.h"
+
+namespace sqlite {
+
+using platform::RegistryError;
+
+namespace {
+
+/// Of a statement that gives no rows.
+RegistryError RunChange(Run& run) { return ToRegistryError(run.Step()); }
+
+}  // namespace
+
+RegistryError Store::Prepare(sqlite3* database, std::uint32_t number) {
+  constexpr unsigned kBitsOfNumber = 32;
+  m_database = database;
+  m_losses = std::uint64_t{number} << kBitsOfNumber;
+  const struct {
+    Statement& statement;
+    const char* sql;
+  } kStatements[] = {
+      {m_findKey, "SELECT id FROM registry_key WHERE parent_id = ? AND folded_name = ?"},
+      {m_insertKey, "INSERT INTO registry_key (parent_id, name, folded_name) VALUES (?, ?, ?)"},
+      {m_deleteKey, "DELETE FROM registry_key WHERE id = ?"},
+      {m_keyExists, "SELECT 1 FROM registry_key WHERE id = ?"},
+      {m_subkeys.at,
+       "SELECT name, id FROM registry_key WHERE parent_id = ? ORDER BY id LIMIT 1 OFFSET ?"},
+      {m_subkeys.behind,
+       "SELECT name, id FROM registry_key WHERE parent_id = ? AND id > ? ORDER BY id LIMIT 1"},
+      {m_values.at,
+       "SELECT name, id FROM registry_value WHERE key_id = ? ORDER BY id LIMIT 1 OFFSET ?"},
+      {m_values.behind,
+       "SELECT name, id FROM registry_value WHERE key_id = ? AND id > ? ORDER BY id LIMIT 1"},
+      {m_version, "PRAGMA data_version"},
+      {m_queryValue, "SELECT type, data FROM registry_value WHERE key_id = ? AND folded_name = ?"},
+      {m_setValue,
+       "INSERT INTO registry_value (key_id, name, folded_name, type, data) VALUES (?, ?, ?, ?, ?)"
+       " ON CONFLICT (key_id, folded_name)"
+       " DO UPDATE SET type = excluded.type, data = excluded.data"},
+      {m_deleteValue, "DELETE FROM registry_value WHERE key_id = ? AND folded_name = ?"},
+  };
+  for (const auto& entry : kStatements) {
+    const int result = entry.statement.Prepare(database, entry.sql);
+    // A table or column that is missing is a plain error to the library.
+    if (result == SQLITE_ERROR) {
+      return RegistryError::kDamaged;
+    }
+    if (result != SQLITE_OK) {
+      return ToRegistryError(result);
+    }
+  }
+  return RegistryError::kNone;
+}
+
+RegistryError Store::FindKey(std::int64_t parent, std::u16string_view name,
+                             std::int64_t& key) const {
+  const std::u16string folded = text::FoldName(name);
+  Run run(m_findKey);
+  const int result = run.Integer(parent).Text(folded).Step();
+  if (result == SQLITE_DONE) {
+    return RegistryError::kNotFound;
+  }
+  if (result == SQLITE_ROW) {
+    key = run.IntegerAt(0);
+  }
+  return ToRegistryError(result);
+}
+
+RegistryError Store::InsertKey(std::int64_t parent, std::u16string_view name,
+                               std::int64_t& key) const {
+  const std::u16string folded = text::FoldName(name);
+  Run run(m_insertKey);
+  const RegistryError error = RunChange(run.Integer(parent).Text(name).Text(folded));
+  if (error == RegistryError::kNone) {
+    key = sqlite3_last_insert_rowid(m_database);
+  }
+  return error;
+}
+
+RegistryError Store::DeleteKey(std::int64_t key) const {
+  Run run(m_deleteKey);
+  const RegistryError error = RunChange(run.Integer(key));
+  if (error != RegistryError::kNone) {
+    return error;
+  }
+  ++m_losses;
+  return sqlite3_changes(m_database) == 0 ? RegistryError::kNotFound : RegistryError::kNone;
+}
+
+RegistryError Store::SubkeyAt(std::int64_t key, std::uint32_t index, Position& position,
+                              std::u16string& name) const {
+  return NameAt(m_subkeys, key, index, position, name);
+}
+
+RegistryError Store::ValueAt(std::int64_t key, std::uint32_t index, Position& position,
+                             std::u16string& name) const {
+  return NameAt(m_values, key, index, position, name);
+}
+
+RegistryError Store::QueryValue(std::int64_t key, std::u16string_view name,
+                                platform::RegistryValue& value) const {
+  const std::u16string folded = text::FoldName(name);
+  Run run(m_queryValue);
+  const int result = run.Integer(key).Text(folded).Step();
+  if (result == SQLITE_DONE) {
+    return RegistryError::kNotFound;
+  }
+  if (result != SQLITE_ROW) {
+    return ToRegistryError(result);
+  }
+  std::vector<std::byte> bytes = run.BytesAt(1);
+  if (bytes.size() > platform::kMaxValueBytes) {
+    return RegistryError::kInvalid;
+  }
+  value.type = static_cast<platform::RegistryType>(run.IntegerAt(0));
+  value.bytes = std::move(bytes);
+  return RegistryError::kNone;
+}
+
+RegistryError Store::SetValue(std::int64_t key, std::u16string_view name,
+                              platform::RegistryType type, std::span<const std::byte> bytes) const {
+  const std::u16string folded = text::FoldName(name);
+  Run run(m_setValue);
+  run.Integer(key).Text(name).Text(folded);
+  return RunChange(run.Integer(static_cast<std::uint32_t>(type)).Bytes(bytes));
+}
+
+RegistryError Store::DeleteValue(std::int64_t key, std::u16string_view name) const {
+  const std::u16string folded = text::FoldName(name);
+  Run run(m_deleteValue);
+  const RegistryError error = RunChange(run.Integer(key).Text(folded));
+  if (error != RegistryError::kNone) {
+    return error;
+  }
+  ++m_losses;
+  return sqlite3_changes(m_database) == 0 ? RegistryError::kNotFound : RegistryError::kNone;
+}
+
+RegistryError Store::NameAt(const Enumeration& items, std::int64_t key, std::uint32_t index,
+                            Position& position, std::u16string& name) const {
+  if (const auto found = NameFrom(items, key, index, position, name)) {
+    return *found;
+  }
+  Run run(items.at);
+  int result = run.Integer(key).Integer(index).Step();
+  if (result == SQLITE_ROW) {
+    name = run.TextAt(0);
+    const auto version = ReadVersion();
+    position = {version.has_value(), index, run.IntegerAt(1), version.value_or(0), m_losses};
+  }
+  if (result != SQLITE_DONE) {
+    return ToRegistryError(result);
+  }
+  Run exists(m_keyExists);
+  result = exists.Integer(key).Step();
+  if (result == SQLITE_DONE) {
+    return RegistryError::kNotFound;
+  }
+  return result == SQLITE_ROW ? RegistryError::kNoMoreItems : ToRegistryError(result);
+}
+
+std::optional<RegistryError> Store::NameFrom(const Enumeration& items, std::int64_t key,
+                                             std::uint32_t index, Position& position,
+                                             std::u16string& name) const {
+  const bool isSame = index == position.index;
+  // New items come behind all others, so that only what goes moves an item to another index.
+  if (!position.isKnown || position.losses != m_losses ||
+      (!isSame && index != position.index + 1)) {
+    return std::nullopt;
+  }
+  Run run(items.behind);
+  const int result = run.Integer(key).Integer(isSame ? position.id - 1 : position.id).Step();
+  if (result == SQLITE_ROW && ReadVersion() == position.version) {
+    name = run.TextAt(0);
+    position.index = index;
+    position.id = run.IntegerAt(1);
+    return RegistryError::kNone;
+  }
+  // A failure may have undone the group, and must not be passed over.
+  return result == SQLITE_ROW || result == SQLITE_DONE ? std::nullopt
+                                                       : std::optional(ToRegistryError(result));
+}
+
+std::optional<std::int64_t> Store::ReadVersion() const {
+  Run run(m_version);
+  return run.Step() == SQLITE_ROW ? std::optional(run.IntegerAt(0)) : std::nullopt;
+}
+
+}  // namespace sqlite

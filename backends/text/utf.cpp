@@ -1,0 +1,136 @@
+#include "backends/text/utf.h"
+
+#include <cstddef>
+#include <cstdint>
+
+#include "backends/text/characters.h"
+
+// Written here and not left to a library: libraries put one replacement character in the place of a
+// whole broken sequence, while names of files need each of its bytes kept.
+
+namespace text {
+namespace {
+
+constexpr char32_t kReplacement = 0xFFFD;
+constexpr char32_t kByteBase = 0xDC00;  ///< A stray byte b of a host name becomes kByteBase + b.
+
+struct Sequence {
+  std::size_t length = 0;  ///< Bytes; 0 where no well-formed sequence starts.
+  char32_t character = 0;
+};
+
+std::uint8_t ByteAt(std::string_view bytes, std::size_t at) {
+  return static_cast<std::uint8_t>(bytes[at]);
+}
+
+/// The well-formed sequence at the start of `bytes`, which is not empty.
+Sequence Decode(std::string_view bytes) {
+  const std::uint8_t lead = ByteAt(bytes, 0);
+  if (lead < 0x80) {
+    return {1, lead};
+  }
+  const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
+  if (lead < 0xC2 || lead > 0xF4 || bytes.size() < length) {
+    return {};
+  }
+  char32_t character = lead & (0x7FU >> length);
+  for (std::size_t i = 1; i < length; ++i) {
+    const std::uint8_t next = ByteAt(bytes, i);
+    if ((next & 0xC0) != 0x80) {
+      return {};
+    }
+    character = (character << 6) | (next & 0x3FU);
+  }
+  constexpr char32_t kSmallest[] = {0, 0, 0x80, 0x800, 0x10000};
+  if (character < kSmallest[length] || character > 0x10FFFF || IsSurrogate(character)) {
+    return {};
+  }
+  return {length, character};
+}
+
+void Append(std::string& utf8, char32_t character) {
+  const auto continuation = [&](int shift) {
+    utf8.push_back(static_cast<char>(0x80 | ((character >> shift) & 0x3F)));
+  };
+  if (character < 0x80) {
+    utf8.push_back(static_cast<char>(character));
+  } else if (character < 0x800) {
+    utf8.push_back(static_cast<char>(0xC0 | (character >> 6)));
+    continuation(0);
+  } else if (character < 0x10000) {
+    utf8.push_back(static_cast<char>(0xE0 | (character >> 12)));
+    continuation(6);
+    continuation(0);
+  } else {
+    utf8.push_back(static_cast<char>(0xF0 | (character >> 18)));
+    continuation(12);
+    continuation(6);
+    continuation(0);
+  }
+}
+
+/// `strayByte` says what stands for a byte that is no part of well-formed UTF-8.
+template <typename StrayByte>
+std::u16string Convert(std::string_view utf8, StrayByte strayByte) {
+  std::u16string text;
+  text.reserve(utf8.size());
+  while (!utf8.empty()) {
+    const Sequence sequence = Decode(utf8);
+    if (sequence.length == 0) {
+      AppendCharacter(text, strayByte(ByteAt(utf8, 0)));
+      utf8.remove_prefix(1);
+    } else {
+      AppendCharacter(text, sequence.character);
+      utf8.remove_prefix(sequence.length);
+    }
+  }
+  return text;
+}
+
+}  // namespace
+
+std::string ToUtf8(std::u16string_view text) {
+  std::string utf8;
+  utf8.reserve(text.size());
+  for (std::size_t at = 0; at < text.size();) {
+    const char32_t character = NextCharacter(text, at);
+    Append(utf8, IsSurrogate(character) ? kReplacement : character);
+  }
+  return utf8;
+}
+
+std::u16string FromUtf8(std::string_view utf8) {
+  return Convert(utf8, [](std::uint8_t) { return kReplacement; });
+}
+
+bool IsUtf8(std::string_view bytes) {
+  while (!bytes.empty()) {
+    const Sequence sequence = Decode(bytes);
+    if (sequence.length == 0) {
+      return false;
+    }
+    bytes.remove_prefix(sequence.length);
+  }
+  return true;
+}
+
+std::u16string FromHostName(std::string_view name) {
+  return Convert(name, [](std::uint8_t byte) { return kByteBase + byte; });
+}
+
+std::string ToHostName(std::u16string_view text) {
+  std::string name;
+  name.reserve(text.size());
+  for (std::size_t at = 0; at < text.size();) {
+    const char32_t character = NextCharacter(text, at);
+    // Bytes below 0x80 are never stray, so a surrogate for one, a "/" say, is not from a host name.
+    if (character >= kByteBase + 0x80 && character <= kByteBase + 0xFF) {
+      name.push_back(static_cast<char>(character - kByteBase));
+    } else {
+      Append(name, IsSurrogate(character) ? kReplacement : character);
+    }
+  }
+  return name;
+}
+
+}  // namespace text

@@ -1,0 +1,109 @@
+#include "backends/udev/udev_serial_devices.h"
+
+#include <libudev.h>
+#include <unistd.h>
+
+#include <memory>
+#include <string_view>
+
+#include "backends/text/utf.h"
+
+namespace udev_ports {
+namespace {
+
+struct Release {
+  void operator()(::udev* library) const { ::udev_unref(library); }
+  void operator()(::udev_enumerate* search) const { ::udev_enumerate_unref(search); }
+  void operator()(::udev_device* device) const { ::udev_device_unref(device); }
+};
+
+using Library = std::unique_ptr<::udev, Release>;
+using Search = std::unique_ptr<::udev_enumerate, Release>;
+using Device = std::unique_ptr<::udev_device, Release>;
+
+std::string_view ToView(const char* text) {
+  return text == nullptr ? std::string_view() : std::string_view(text);
+}
+
+std::string_view Property(const Device& device, const char* name) {
+  return ToView(::udev_device_get_property_value(device.get(), name));
+}
+
+std::string_view Attribute(::udev_device* device, const char* name) {
+  return device == nullptr ? std::string_view()
+                           : ToView(::udev_device_get_sysattr_value(device, name));
+}
+
+/// Drivers of built-in ports make the nodes of as many as there might be; only those where the
+/// driver found a circuit have a type.
+bool HasHardware(const Device& device) {
+  if (!ToView(::udev_device_get_sysname(device.get())).starts_with("ttyS")) {
+    return true;
+  }
+  const std::string_view type = Attribute(device.get(), "type");
+  return type.empty() ? ::udev_device_get_parent(device.get()) != nullptr : type != "0";
+}
+
+std::u16string Join(std::string_view a, std::string_view b) {
+  std::string both(a);
+  if (!a.empty() && !b.empty()) {
+    both += '-';
+  }
+  return text::FromHostName(both.append(b));
+}
+
+platform::SerialDevice Describe(const Device& device) {
+  platform::SerialDevice port;
+  port.node = text::FromHostName(ToView(::udev_device_get_devnode(device.get())));
+  // A Bluetooth link is known by the other end and its channel.
+  if (const std::string_view address = Attribute(device.get(), "address"); !address.empty()) {
+    port.serial = text::FromHostName(address);
+    port.part = text::FromHostName(Attribute(device.get(), "channel"));
+    return port;
+  }
+  // Without a number of the one device this would be the same for every device of its model.
+  if (!Property(device, "ID_SERIAL_SHORT").empty()) {
+    port.serial = text::FromHostName(Property(device, "ID_SERIAL"));
+  }
+  port.path = text::FromHostName(Property(device, "ID_PATH"));
+  port.part = Join(Property(device, "ID_USB_INTERFACE_NUM"),
+                   Attribute(::udev_device_get_parent(device.get()), "port_number"));
+  return port;
+}
+
+Search StartSearch(const Library& library) {
+  Search search(library ? ::udev_enumerate_new(library.get()) : nullptr);
+  if (!search || ::udev_enumerate_add_match_subsystem(search.get(), "tty") < 0) {
+    return nullptr;
+  }
+  for (const char* name : {"ttyS[0-9]*", "ttyUSB[0-9]*", "ttyACM[0-9]*", "rfcomm[0-9]*"}) {
+    if (::udev_enumerate_add_match_sysname(search.get(), name) < 0) {
+      return nullptr;
+    }
+  }
+  return ::udev_enumerate_scan_devices(search.get()) < 0 ? nullptr : std::move(search);
+}
+
+}  // namespace
+
+std::optional<std::vector<platform::SerialDevice>> UdevSerialDevices::List() {
+  const Library library(::udev_new());
+  const Search search = StartSearch(library);
+  if (!search) {
+    return std::nullopt;
+  }
+  std::vector<platform::SerialDevice> ports;
+  ::udev_list_entry* entry = nullptr;
+  udev_list_entry_foreach(entry, ::udev_enumerate_get_list_entry(search.get())) {
+    const Device device(
+        ::udev_device_new_from_syspath(library.get(), ::udev_list_entry_get_name(entry)));
+    const char* node = device ? ::udev_device_get_devnode(device.get()) : nullptr;
+    // In a container the kernel tells of ports whose nodes are not there.
+    if (node != nullptr && ::access(node, F_OK) == 0 && HasHardware(device)) {
+      ports.push_back(Describe(device));
+    }
+  }
+  return ports;
+}
+
+}  // namespace udev_ports

@@ -1,0 +1,141 @@
+#include "backends/vcard/charset.h"
+
+#include <iconv.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstddef>
+
+#include "backends/text/utf.h"
+#include "backends/vcard/ascii.h"
+
+namespace vcard {
+namespace {
+
+constexpr const char* kLegacyCharset = "WINDOWS-1252";
+
+constexpr std::string_view kJapaneseMail = "ISO-2022-JP";
+
+constexpr std::array<std::string_view, 21> kSingleSets = {
+    kJapaneseMail, "UTF-8",     "UTF8",   "US-ASCII", "ASCII",  "KOI8-R", "KOI8-U",
+    "SHIFT_JIS",   "SHIFT-JIS", "EUC-JP", "EUC-KR",   "GB2312", "GBK",    "GB18030",
+    "BIG5",        "TIS-620",   "CP874",  "CP932",    "CP936",  "CP949",  "CP950"};
+
+/// Sets that differ in a number behind the prefix.
+struct Family {
+  std::string_view prefix;
+  std::size_t maxDigits;
+};
+constexpr std::array<Family, 3> kFamilies = {{{"ISO-8859-", 2}, {"WINDOWS-125", 1}, {"CP125", 1}}};
+
+bool IsMember(const Family& family, std::string_view name) {
+  if (!name.starts_with(family.prefix)) {
+    return false;
+  }
+  const std::string_view number = name.substr(family.prefix.size());
+  return !number.empty() && number.size() <= family.maxDigits &&
+         number.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
+bool IsKnownCharset(std::string_view name) {
+  const std::string upper = ToUpper(name);
+  return std::find(kSingleSets.begin(), kSingleSets.end(), upper) != kSingleSets.end() ||
+         std::any_of(kFamilies.begin(), kFamilies.end(),
+                     [&upper](const Family& family) { return IsMember(family, upper); });
+}
+
+/// One converter of the system to UTF-8.
+class Converter {
+ public:
+  explicit Converter(const std::string& charset)
+      : m_handle(::iconv_open("UTF-8", charset.c_str())) {}
+  Converter(const Converter&) = delete;
+  Converter& operator=(const Converter&) = delete;
+  ~Converter() {
+    if (IsOpen()) {
+      ::iconv_close(m_handle);
+    }
+  }
+
+  [[nodiscard]] bool IsOpen() const { return m_handle != reinterpret_cast<iconv_t>(kFailed); }
+
+  struct Converted {
+    std::string text;
+    bool isWhole = true;  ///< Every byte was something in the set.
+  };
+
+  [[nodiscard]] std::optional<Converted> Convert(std::string text) {
+    // No character of these sets takes more bytes than this for each of its own, and none is kept
+    // back for longer than the rest.
+    constexpr std::size_t kMostBytes = 4;
+    constexpr std::size_t kRest = 16;
+    Converted converted{std::string(text.size() * kMostBytes + kRest, '\0')};
+    char* from = text.data();
+    std::size_t left = text.size();
+    char* to = converted.text.data();
+    std::size_t room = converted.text.size();
+    while (::iconv(m_handle, &from, &left, &to, &room) == kFailed) {
+      const bool isBadByte = errno == EILSEQ || errno == EINVAL;
+      if (!isBadByte || left == 0 || room < kReplacement.size()) {
+        return std::nullopt;
+      }
+      converted.isWhole = false;
+      to = std::copy(kReplacement.begin(), kReplacement.end(), to);
+      room -= kReplacement.size();
+      ++from;
+      --left;
+    }
+    if (::iconv(m_handle, nullptr, nullptr, &to, &room) == kFailed) {
+      return std::nullopt;
+    }
+    converted.text.resize(converted.text.size() - room);
+    return converted;
+  }
+
+ private:
+  static constexpr auto kFailed = static_cast<std::size_t>(-1);
+  static constexpr std::string_view kReplacement = "\xEF\xBF\xBD";  // U+FFFD.
+
+  iconv_t m_handle;
+};
+
+/// Whether texts that name no set are read in this one first.
+bool IsUnicode(std::string_view charset) {
+  const std::string upper = ToUpper(charset);
+  return upper.starts_with("UTF") || upper.ends_with("ASCII");
+}
+
+/// Whether some character beyond ASCII is well-formed UTF-8.
+bool HasUtf8Beyond7Bits(std::string_view text) {
+  const std::u16string decoded = text::FromUtf8(text);
+  return std::any_of(decoded.begin(), decoded.end(),
+                     [](char16_t unit) { return unit >= 0x80 && unit != u'\uFFFD'; });
+}
+
+}  // namespace
+
+std::optional<std::string> ToUtf8(std::string_view text, std::string_view charset) {
+  if (!IsKnownCharset(charset)) {
+    return std::nullopt;
+  }
+  Converter converter{std::string(charset)};
+  auto converted = converter.IsOpen() ? converter.Convert(std::string(text)) : std::nullopt;
+  const bool isOfSet =
+      converted && (converted->isWhole || !(IsUnicode(charset) || text::IsUtf8(text)));
+  if (!isOfSet) {
+    return std::nullopt;
+  }
+  return std::move(converted->text);
+}
+
+std::string GuessUtf8(std::string_view text) {
+  if (text::IsUtf8(text) || HasUtf8Beyond7Bits(text)) {
+    return std::string(text);
+  }
+  return ToUtf8(text, kLegacyCharset).value_or(std::string(text));
+}
+
+bool IsStateful(std::string_view charset) { return EqualIgnoringCase(charset, kJapaneseMail); }
+
+}  // namespace vcard

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <span>
+#include <string>
+#include <vector>
+
+#include "backends/vcard/contact_source.h"
+#include "backends/vcard/digest.h"
+
+namespace vcard {
+
+/// No text has it.
+inline constexpr Digest kNoDigest{};
+
+/// What a contact of one address book is recognised by.
+struct CardKeys {
+  Digest uid = kNoDigest;      ///< kNoDigest if the card has none.
+  Digest name = kNoDigest;     ///< Of the full name; kNoDigest if there is none.
+  Digest content = kNoDigest;  ///< Of names, company and numbers.
+  bool isUidUnique = false;    ///< No other card of the book has the UID,
+  bool isNameUnique = false;   ///< or the full name.
+};
+
+/// First, middle and last name, joined by blanks; the company if the contact has none of them.
+[[nodiscard]] std::u16string FullNameOf(const ContactData& contact);
+
+/// Names, company and numbers, as one text.
+[[nodiscard]] std::string ContentOf(const ContactData& contact);
+
+/// The keys of each contact of the book. The time is in proportion to their number, however alike
+/// they are. The same holds for the next two.
+[[nodiscard]] std::vector<CardKeys> KeysOf(const Book& book);
+
+/// The key by which a contact may be found in the entries of 20 bytes (see StoredBook). kNoDigest
+/// if there is none.
+struct FormerKeys {
+  Digest content = kNoDigest;
+  Digest uid = kNoDigest;
+  /// Of a card that has a UID now: what it was filed under while it had none.
+  Digest contentBeforeUid = kNoDigest;
+};
+[[nodiscard]] std::vector<FormerKeys> FormerKeysOf(std::span<const ContactData> contacts);
+
+/// A text for each contact that depends on it alone and differs from the others', from which its
+/// number is made.
+[[nodiscard]] std::vector<std::string> SeedsOf(std::span<const ContactData> contacts);
+
+}  // namespace vcard

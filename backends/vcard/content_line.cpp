@@ -1,0 +1,174 @@
+#include "backends/vcard/content_line.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstddef>
+#include <utility>
+
+#include "backends/vcard/ascii.h"
+#include "backends/vcard/charset.h"
+#include "backends/vcard/escapes.h"
+#include "backends/vcard/telephone_kinds.h"
+
+namespace vcard {
+namespace {
+
+constexpr std::size_t kNone = std::string_view::npos;
+constexpr std::string_view kCustomPrefix = "X-CUSTOM(";
+
+/// How the value of a line is written.
+struct Encoding {
+  std::string charset;
+  bool isQuotedPrintable = false;
+  bool isBase64 = false;
+};
+
+/// Position of the first of `wanted` outside quotes, and outside parentheses where those count.
+std::size_t FindOutside(std::string_view text, char wanted, bool parenthesesCount) {
+  bool isQuoted = false;
+  int depth = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const char c = text[i];
+    if (c == '"') {
+      isQuoted = !isQuoted;
+    } else if (!isQuoted && c == wanted && depth <= 0) {
+      return i;
+    } else if (!isQuoted && parenthesesCount) {
+      depth += (c == '(' ? 1 : 0) - (c == ')' ? 1 : 0);
+    }
+  }
+  return kNone;
+}
+
+/// A type or a label may be quoted and, once it is decoded, hold anything.
+std::string WithoutQuotes(std::string text) {
+  std::erase_if(text, [](char c) { return c == '"' || IsControl(c); });
+  return text;
+}
+
+/// 0 for what is no number from 1 to 100.
+int ParsePreference(std::string_view value) {
+  int preference = 0;
+  const char* const end = value.data() + value.size();
+  const auto [parsed, error] = std::from_chars(value.data(), end, preference);
+  const bool isMeant = error == std::errc() && parsed == end && preference <= 100;
+  return isMeant ? std::max(preference, 0) : 0;
+}
+
+bool IsBase64(std::string_view name, std::string_view value) {
+  return EqualIgnoringCase(value, "BASE64") ||
+         (EqualIgnoringCase(name, "ENCODING") && EqualIgnoringCase(value, "B"));
+}
+
+/// Label of "X-CUSTOM(Label)" or "X-CUSTOM(CHARSET=UTF-8,ENCODING=QUOTED-PRINTABLE,=4C=61)".
+std::string CustomLabel(std::string_view parameter) {
+  std::string_view label = parameter.substr(kCustomPrefix.size());
+  label = label.substr(0, label.rfind(')'));
+  if (!ContainsIgnoringCase(label, "ENCODING=QUOTED-PRINTABLE,")) {
+    return std::string(label);
+  }
+  const std::size_t encoded = label.rfind(',');
+  return GuessUtf8(DecodeQuotedPrintable(label.substr(encoded + 1)));
+}
+
+void TakeParameter(std::string_view parameter, ContentLine& line, Encoding& encoding) {
+  if (EqualIgnoringCase(parameter.substr(0, kCustomPrefix.size()), kCustomPrefix)) {
+    line.label = WithoutQuotes(CustomLabel(parameter));
+    return;
+  }
+  const std::size_t equals = parameter.find('=');
+  const std::string_view name = Trim(parameter.substr(0, equals));
+  std::string value(equals == kNone ? parameter : Trim(parameter.substr(equals + 1)));
+  if (EqualIgnoringCase(name, "CHARSET")) {
+    encoding.charset = std::move(value);
+  } else if (EqualIgnoringCase(value, "QUOTED-PRINTABLE")) {
+    encoding.isQuotedPrintable = true;
+  } else if (IsBase64(name, value)) {
+    encoding.isBase64 = true;
+  } else if (equals == kNone || EqualIgnoringCase(name, "TYPE")) {
+    AppendWords(WithoutQuotes(std::move(value)), line.words);
+  } else if (EqualIgnoringCase(name, "PREF")) {
+    line.words.emplace_back("PREF");
+    line.preference = ParsePreference(WithoutQuotes(std::move(value)));
+  } else if (EqualIgnoringCase(name, "VALUE")) {
+    std::erase(value, '"');
+    line.isUri = line.isUri || EqualIgnoringCase(value, "uri");
+  }
+}
+
+/// `parameters` with the semicolon before each of them.
+void TakeParameters(std::string_view parameters, ContentLine& line, Encoding& encoding) {
+  while (!parameters.empty()) {
+    parameters.remove_prefix(1);
+    const std::size_t end = std::min(FindOutside(parameters, ';', true), parameters.size());
+    TakeParameter(Trim(parameters.substr(0, end)), line, encoding);
+    parameters.remove_prefix(end);
+  }
+}
+
+std::vector<std::string> ReadValue(std::string_view value, const Encoding& encoding,
+                                   Commas commas) {
+  const auto decode = [&encoding](std::string_view text) {
+    std::optional<std::string> converted = ToUtf8(text, encoding.charset);
+    return converted ? std::move(*converted) : GuessUtf8(text);
+  };
+  if (const auto bytes = encoding.isBase64 ? DecodeBase64(value) : std::nullopt) {
+    return SplitValue(decode(*bytes), commas);
+  }
+  if (!encoding.isQuotedPrintable) {
+    // Before it is cut: the second byte of a character may look like a backslash.
+    return SplitValue(decode(value), commas);
+  }
+  if (IsStateful(encoding.charset)) {
+    // Any of its bytes may look like a semicolon.
+    return SplitValue(decode(DecodeQuotedPrintable(value)), commas);
+  }
+  std::vector<std::string> components = SplitValue(value, commas);
+  for (std::string& component : components) {
+    component = decode(DecodeQuotedPrintable(component));
+  }
+  return components;
+}
+
+}  // namespace
+
+Property PropertyOf(std::string_view line) {
+  const std::size_t end = line.find_first_of(":;");
+  if (end == kNone) {
+    return {};
+  }
+  const std::string_view whole = line.substr(0, end);
+  const std::size_t stop = whole.rfind('.');
+  return stop == kNone ? Property{{}, Trim(whole)}
+                       : Property{Trim(whole.substr(0, stop)), Trim(whole.substr(stop + 1))};
+}
+
+std::optional<ContentLine> ParseContentLine(std::string_view line) {
+  std::size_t colon = FindOutside(line, ':', false);
+  const bool isQuoteOpen = colon == kNone;
+  if (isQuoteOpen) {
+    colon = line.find(':');
+  }
+  if (colon == kNone) {
+    return std::nullopt;
+  }
+  std::string parameters(line.substr(0, colon));
+  parameters.erase(0, parameters.find(';'));
+  if (isQuoteOpen) {
+    std::erase(parameters, '"');
+  }
+  const Property property = PropertyOf(line);
+  ContentLine parsed;
+  parsed.group = ToUpper(property.group);
+  parsed.name = ToUpper(property.name);
+  Encoding encoding;
+  TakeParameters(GuessUtf8(parameters), parsed, encoding);
+  const std::string_view value = line.substr(colon + 1);
+  parsed.components = ReadValue(value, encoding, Commas::kKept);
+  if (parsed.name == "N") {
+    parsed.spacedComponents = ReadValue(value, encoding, Commas::kBlanks);
+  }
+  return parsed;
+}
+
+}  // namespace vcard

@@ -1,0 +1,79 @@
+#include "backends/vcard/desktop_source.h"
+
+#include <algorithm>
+#include <compare>
+#include <cstdint>
+#include <utility>
+
+#include "backends/text/collation.h"
+#include "backends/text/utf.h"
+#include "backends/vcard/card_reader.h"
+
+namespace vcard {
+namespace {
+
+constexpr std::size_t kNoLimit = static_cast<std::size_t>(-1);
+
+void SortForReading(std::vector<ContactData>& contacts) {
+  const auto nameOf = [](const ContactData& contact) {
+    return contact.lastName + u' ' + contact.firstName + u' ' + contact.middleName + u' ' +
+           contact.companyName;
+  };
+  std::vector<std::pair<std::u16string, ContactData>> named;
+  named.reserve(contacts.size());
+  for (ContactData& contact : contacts) {
+    std::u16string name = nameOf(contact);
+    name.erase(0, name.find_first_not_of(u' '));
+    named.emplace_back(std::move(name), std::move(contact));
+  }
+  std::sort(named.begin(), named.end(), [](const auto& a, const auto& b) {
+    const auto order = text::CompareForDisplay(a.first, b.first);
+    return std::is_neq(order) ? std::is_lt(order) : a.second.uid < b.second.uid;
+  });
+  std::transform(named.begin(), named.end(), contacts.begin(),
+                 [](auto& entry) { return std::move(entry.second); });
+}
+
+Book ToBook(const platform::DesktopBook& read, RemarkList& remarks) {
+  Book book;
+  book.name = u"eds:" + text::FromUtf8(read.uid);
+  book.isComplete = read.isSettled;
+  CardReader reader(book.name, kNoLimit, book, remarks);
+  reader.Feed(read.cards);
+  reader.Finish();
+  // An empty book may be one that was lost and made again.
+  book.isComplete = book.isComplete && !book.contacts.empty();
+  SortForReading(book.contacts);
+  return book;
+}
+
+}  // namespace
+
+DesktopSource::DesktopSource(Load load, std::chrono::milliseconds limit)
+    : m_load(std::move(load)), m_limit(limit) {}
+
+ReadResult DesktopSource::Read(std::vector<Book>& books) {
+  books.clear();
+  m_remarks.Clear();
+  Library library = m_load();
+  m_reason = std::move(library.reason);
+  if (library.read == nullptr) {
+    return ReadResult::kNoAnswer;
+  }
+  std::vector<platform::DesktopBook> read;
+  const ReadResult result =
+      library.read(static_cast<std::uint32_t>(m_limit.count()), read, m_reason);
+  std::transform(read.begin(), read.end(), std::back_inserter(books),
+                 [this](const platform::DesktopBook& book) { return ToBook(book, m_remarks); });
+  return result;
+}
+
+std::vector<Remark> DesktopSource::GetRemarks() const {
+  std::vector<Remark> remarks = m_remarks.GetAll();
+  for (Remark& remark : remarks) {
+    remark.line = 0;
+  }
+  return remarks;
+}
+
+}  // namespace vcard

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "backends/vcard/contact_source.h"
+
+namespace vcard {
+
+/// Every enabled address book of the desktop, in the order of their lasting names, each sorted as a
+/// reader expects.
+class DesktopSource final : public ContactSource {
+ public:
+  /// What knows the desktop's address books.
+  struct Library {
+    platform::ReadDesktopBooksFunction* read = nullptr;  ///< Null where it could not be loaded.
+    std::string reason;                                  ///< Why not.
+  };
+  using Load = std::function<Library()>;
+
+  /// `limit` is how long all books together may take.
+  explicit DesktopSource(Load load, std::chrono::milliseconds limit = std::chrono::seconds(20));
+
+  /// Loads the library; without it nobody answers.
+  [[nodiscard]] ReadResult Read(std::vector<Book>& books) override;
+  [[nodiscard]] std::string GetReason() const override { return m_reason; }
+  /// Without lines, since nobody can look up those of what a server hands over.
+  [[nodiscard]] std::vector<Remark> GetRemarks() const override;
+
+ private:
+  const Load m_load;
+  const std::chrono::milliseconds m_limit;
+  std::string m_reason;
+  RemarkList m_remarks;
+};
+
+}  // namespace vcard

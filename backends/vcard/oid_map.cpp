@@ -1,0 +1,239 @@
+#include "backends/vcard/oid_map.h"
+
+#include <algorithm>
+#include <charconv>
+#include <optional>
+#include <utility>
+
+#include "backends/text/utf.h"
+#include "backends/vcard/registry_names.h"
+#include "platform/little_endian.h"
+#include "platform/registry_text.h"
+
+namespace vcard {
+
+using platform::RegistryError;
+
+namespace {
+
+constexpr std::uint32_t kMaxKeyNumber = 1'000'000;
+
+std::optional<std::uint32_t> ParseKeyNumber(const std::u16string& keyName) {
+  const std::string digits = text::ToUtf8(keyName);
+  std::uint32_t number = 0;
+  const char* const end = digits.data() + digits.size();
+  const auto [parsed, error] = std::from_chars(digits.data(), end, number);
+  const bool isNumber = error == std::errc() && parsed == end && number <= kMaxKeyNumber;
+  return isNumber ? std::optional(number) : std::nullopt;
+}
+
+/// Whether the key or value is one that another program left, and not out of reach for a moment.
+bool IsOdd(RegistryError error) {
+  return error == RegistryError::kNotFound || error == RegistryError::kInvalid;
+}
+
+/// What is known of a contact once its card was read.
+Person Learn(const CardKeys& card, const Person* known) {
+  Person person;
+  person.oid = known == nullptr ? 0 : known->oid;
+  person.uid = card.uid == kNoDigest && known != nullptr ? known->uid : card.uid;
+  person.name = card.name;
+  person.content = card.content;
+  person.isPresent = true;
+  return person;
+}
+
+}  // namespace
+
+bool OidMap::Load() {
+  m_books.clear();
+  m_taken.clear();
+  m_remarks.clear();
+  m_lastKeyNumber = 0;
+  const platform::OpenedKey opened = m_registry.OpenKey(kContactsKey);
+  if (!opened.key) {
+    return opened.error == RegistryError::kNotFound;
+  }
+  std::u16string keyName;
+  for (std::uint32_t i = 0;; ++i) {
+    const RegistryError error = opened.key->EnumerateSubkey(i, keyName);
+    if (error != RegistryError::kNone) {
+      return error == RegistryError::kNoMoreItems;
+    }
+    if (LoadBook(keyName) != RegistryError::kNone) {
+      return false;
+    }
+  }
+}
+
+RegistryError OidMap::LoadBook(const std::u16string& keyName) {
+  const std::u16string path = std::u16string(kContactsKey) + u'\\' + keyName;
+  const auto passOver = [&](std::string why) {
+    m_remarks.push_back({path, 0, std::move(why)});
+    return RegistryError::kNone;
+  };
+  const std::optional<std::uint32_t> number = ParseKeyNumber(keyName);
+  if (!number) {
+    return passOver("the key is no address book's and is passed over");
+  }
+  m_lastKeyNumber = std::max(m_lastKeyNumber, *number);
+  const platform::OpenedKey opened = m_registry.OpenKey(path);
+  platform::RegistryValue value;
+  const RegistryError error = opened.key ? opened.key->Query(kSourceValue, value) : opened.error;
+  if (error != RegistryError::kNone && !IsOdd(error)) {
+    return error;
+  }
+  const auto source = error == RegistryError::kNone ? ToText(value) : std::nullopt;
+  if (!source || source->empty()) {
+    return passOver("the value \"source\" names no address book, and the key is passed over");
+  }
+  if (m_books.contains(*source)) {
+    return passOver("another key is of the same address book, and this one is passed over");
+  }
+  KnownBook& book = m_books[*source];
+  book.keyPath = path;
+  return book.contacts.Load(
+      *opened.key,
+      [&](const std::u16string& name, const std::string& what) {
+        m_remarks.push_back(
+            {path, 0,
+             "the value \"" + text::ToUtf8(name) + "\" " + what + "; that is passed over"});
+      },
+      m_taken);
+}
+
+bool OidMap::Assign(std::span<const Book> books, Keeping keeping,
+                    std::vector<std::vector<std::int32_t>>& oids) {
+  oids = Recognise(books);
+  if (keeping == Keeping::kInMemory || !HasChanged()) {
+    return true;
+  }
+  const RegistryError error = Store(books);
+  if (error == RegistryError::kFull || error == RegistryError::kReadOnly) {
+    NoteUnkept(error);
+  } else if (error != RegistryError::kNone) {
+    return false;
+  }
+  // Again, as another process may have given numbers since.
+  oids = Recognise(books);
+  return true;
+}
+
+void OidMap::NoteUnkept(RegistryError error) {
+  Remark remark{std::u16string(kContactsKey), 0, "what is new of the contacts cannot be kept: "};
+  remark.text += error == RegistryError::kFull ? "the disk is full" : "nothing can be written";
+  if (std::find(m_remarks.begin(), m_remarks.end(), remark) == m_remarks.end()) {
+    m_remarks.push_back(std::move(remark));
+  }
+}
+
+RegistryError OidMap::Store(std::span<const Book> books) {
+  platform::RegistryGroup group(m_registry);
+  if (group.BeginError() != RegistryError::kNone) {
+    return group.BeginError();
+  }
+  // Another process may have given numbers since; within the group nobody else can.
+  if (!Load()) {
+    return RegistryError::kOther;
+  }
+  static_cast<void>(Recognise(books));
+  for (const Book& book : books) {
+    if (const RegistryError error = StoreBook(book); error != RegistryError::kNone) {
+      return error;
+    }
+  }
+  const RegistryError error = group.Commit();
+  if (error == RegistryError::kNone) {
+    for (auto& [source, book] : m_books) {
+      book.contacts.SetSaved();
+    }
+  }
+  return error;
+}
+
+RegistryError OidMap::StoreBook(const Book& book) {
+  KnownBook& known = m_books.at(book.name);
+  if (!known.contacts.HasChanged()) {
+    return RegistryError::kNone;
+  }
+  const bool isNew = known.keyPath.empty();
+  if (isNew) {
+    known.keyPath =
+        std::u16string(kContactsKey) + u'\\' + text::FromUtf8(std::to_string(++m_lastKeyNumber));
+  }
+  const platform::OpenedKey opened =
+      isNew ? m_registry.CreateKey(known.keyPath) : m_registry.OpenKey(known.keyPath);
+  if (!opened.key) {
+    return opened.error;
+  }
+  const RegistryError error =
+      isNew ? SetText(*opened.key, kSourceValue, book.name) : RegistryError::kNone;
+  return error == RegistryError::kNone ? known.contacts.Save(*opened.key) : error;
+}
+
+std::vector<std::vector<std::int32_t>> OidMap::Recognise(std::span<const Book> books) {
+  std::vector<std::vector<std::int32_t>> oids;
+  for (const Book& book : books) {
+    oids.push_back(Recognise(book));
+  }
+  return oids;
+}
+
+std::vector<std::int32_t> OidMap::Recognise(const Book& book) {
+  StoredBook& contacts = m_books[book.name].contacts;
+  const std::vector<CardKeys> cards = KeysOf(book);
+  const std::vector<FormerKeys> former =
+      contacts.HasFormerKeys() ? FormerKeysOf(book.contacts) : std::vector<FormerKeys>();
+  const std::vector<std::size_t> people = MatchCards(cards, former, contacts.GetPeople()).people;
+  std::vector<bool> isMet(contacts.GetPeople().size());
+  std::vector<std::string> seeds;
+  std::vector<std::int32_t> oids;
+  for (std::size_t i = 0; i < cards.size(); ++i) {
+    const bool isKnown = people[i] != Matches::kNobody;
+    Person person = Learn(cards[i], isKnown ? &contacts.GetPeople()[people[i]] : nullptr);
+    if (isKnown) {
+      isMet[people[i]] = true;
+      contacts.Update(people[i], person);
+    } else {
+      seeds = seeds.empty() ? SeedsOf(book.contacts) : std::move(seeds);
+      person.oid = ChooseOid(book.name, seeds[i]);
+      m_taken.insert(person.oid);
+      contacts.Add(person);
+    }
+    oids.push_back(person.oid);
+  }
+  for (std::size_t i = 0; book.isComplete && i < isMet.size(); ++i) {
+    Person person = contacts.GetPeople()[i];
+    if (!isMet[i] && person.isPresent) {
+      person.isPresent = false;
+      contacts.Update(i, person);
+    }
+  }
+  return oids;
+}
+
+bool OidMap::HasChanged() const {
+  return std::any_of(m_books.begin(), m_books.end(),
+                     [](const auto& book) { return book.second.contacts.HasChanged(); });
+}
+
+bool OidMap::Belongs(std::int32_t oid, std::u16string_view source) const {
+  const auto book = m_books.find(std::u16string(source));
+  return book != m_books.end() && book->second.contacts.Holds(oid);
+}
+
+std::int32_t OidMap::ChooseOid(std::u16string_view source, const std::string& seed) const {
+  // Taken from what the number stands for, so that a store that was lost gives most contacts the
+  // numbers they had.
+  for (std::size_t attempt = 0;; ++attempt) {
+    const Digest digest =
+        ComputeDigest(text::ToUtf8(source) + '\n' + seed + '\n' + std::to_string(attempt));
+    const auto oid = static_cast<std::int32_t>(
+        platform::LoadLittleEndian32(std::span(digest).first<sizeof(std::uint32_t)>()));
+    if (oid != 0 && !m_taken.contains(oid)) {
+      return oid;
+    }
+  }
+}
+
+}  // namespace vcard

@@ -1,0 +1,75 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "backends/vcard/contact_source.h"
+#include "backends/vcard/remark.h"
+#include "backends/vcard/stored_book.h"
+#include "platform/registry.h"
+
+namespace vcard {
+
+/// The numbers under which tags remember contacts, each given to one contact of one address book
+/// for good: numbers of contacts and books that are gone stay taken.
+///
+/// Each address book has a subkey of its own, a decimal number, with its name ("source") and what
+/// StoredBook says. So reading thousands of contacts takes a few queries, and a log-on that meets
+/// nothing new writes nothing.
+class OidMap {
+ public:
+  explicit OidMap(platform::Registry& registry) : m_registry(registry) {}
+
+  /// Reads the numbers that were given so far. Returns false if the registry cannot be asked. If
+  /// other programs left something there that makes no sense, it is passed over, and GetRemarks
+  /// names it.
+  [[nodiscard]] bool Load();
+
+  enum class Keeping : std::uint8_t {
+    kStored,    ///< In one durable change.
+    kInMemory,  ///< Nothing is written; new numbers are those that kStored would give.
+  };
+
+  /// Stores the number of each contact of each book, in the same order, in `oids`; contacts that
+  /// have none are given one. If the registry takes no writes, or is full, they are known to this
+  /// map alone, as with kInMemory, and a remark says so. Returns false if it fails otherwise. Then
+  /// the map has to be loaded again.
+  [[nodiscard]] bool Assign(std::span<const Book> books, Keeping keeping,
+                            std::vector<std::vector<std::int32_t>>& oids);
+
+  /// Whether the number was given to a contact of this book.
+  [[nodiscard]] bool Belongs(std::int32_t oid, std::u16string_view source) const;
+
+  /// What was passed over since the latest Load.
+  [[nodiscard]] const std::vector<Remark>& GetRemarks() const { return m_remarks; }
+
+ private:
+  struct KnownBook {
+    std::u16string keyPath;  ///< Empty until the book has a key.
+    StoredBook contacts;
+  };
+
+  [[nodiscard]] platform::RegistryError LoadBook(const std::u16string& keyName);
+  [[nodiscard]] platform::RegistryError Store(std::span<const Book> books);
+  [[nodiscard]] platform::RegistryError StoreBook(const Book& book);
+  /// Recognises the contacts of each book, and notes what is new of them.
+  [[nodiscard]] std::vector<std::vector<std::int32_t>> Recognise(std::span<const Book> books);
+  [[nodiscard]] std::vector<std::int32_t> Recognise(const Book& book);
+  [[nodiscard]] bool HasChanged() const;
+  void NoteUnkept(platform::RegistryError error);
+  [[nodiscard]] std::int32_t ChooseOid(std::u16string_view source, const std::string& seed) const;
+
+  platform::Registry& m_registry;
+  std::unordered_map<std::u16string, KnownBook> m_books;
+  std::unordered_set<std::int32_t> m_taken;
+  std::vector<Remark> m_remarks;
+  std::uint32_t m_lastKeyNumber = 0;
+};
+
+}  // namespace vcard

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "backends/vcard/remark.h"
+#include "platform/registry.h"
+
+namespace vcard {
+
+/// Which address book is used.
+struct SourceChoice {
+  std::u16string path;  ///< Of a vCard file or folder; empty: the desktop's address books.
+
+  friend bool operator==(const SourceChoice&, const SourceChoice&) = default;
+};
+
+/// What the user wrote: "eds" for the desktop's address books, else a path, which is made absolute
+/// so that it means the same wherever the system is started the next time.
+[[nodiscard]] SourceChoice ParseChoice(std::u16string_view text);
+
+/// Stores the remembered choice in `choice`, or nothing if there is none. A value of another
+/// program that is no choice is named in `remarks` and counts as none. Returns false if the
+/// registry cannot be asked.
+[[nodiscard]] bool RecallChoice(platform::Registry& registry, std::optional<SourceChoice>& choice,
+                                std::vector<Remark>& remarks);
+
+/// Returns kNone if it is remembered. If it was remembered before, nothing is written.
+[[nodiscard]] platform::RegistryError RememberChoice(platform::Registry& registry,
+                                                     const SourceChoice& choice);
+
+}  // namespace vcard

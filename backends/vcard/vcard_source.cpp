@@ -1,0 +1,109 @@
+#include "backends/vcard/vcard_source.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <memory>
+#include <utility>
+
+namespace vcard {
+
+using platform::FileError;
+
+namespace {
+
+constexpr std::size_t kChunkSize = std::size_t{64} * 1024;
+
+char16_t SeparatorOf(std::u16string_view path) { return path.starts_with(u'\\') ? u'\\' : u'/'; }
+
+}  // namespace
+
+VcardSource::VcardSource(platform::FileSystem& files, std::u16string path)
+    : m_files(files), m_path(std::move(path)) {
+  while (m_path.size() > 1 && m_path.back() == SeparatorOf(m_path)) {
+    m_path.pop_back();
+  }
+}
+
+ReadResult VcardSource::Read(std::vector<Book>& books) {
+  books.clear();
+  m_remarks.Clear();
+  const platform::StartedSearch found = m_files.FindFirst(m_path);
+  if (!found.search) {
+    return ReadResult::kUnreadable;
+  }
+  Book book;
+  book.name = u"vcard:" + m_path;
+  book.isComplete = true;
+  const bool isRead =
+      found.first.isFolder ? ReadFolder(book) : ReadFile(m_path, book) == FileError::kNone;
+  if (!isRead || book.contacts.empty()) {
+    return ReadResult::kUnreadable;
+  }
+  books.push_back(std::move(book));
+  return ReadResult::kRead;
+}
+
+bool VcardSource::ReadFolder(Book& book) {
+  const std::u16string prefix = m_path + SeparatorOf(m_path);
+  platform::StartedSearch found = m_files.FindFirst(prefix + u"*.vcf");
+  std::vector<std::u16string> names;
+  FileError error = found.error;
+  while (error == FileError::kNone) {
+    if (!found.first.isFolder) {
+      names.push_back(found.first.name);
+    }
+    error = found.search->Next(found.first);
+  }
+  if (error != FileError::kNoMoreFiles) {
+    return false;
+  }
+  found.search.reset();
+  std::sort(names.begin(), names.end());
+  return std::all_of(names.begin(), names.end(), [&](const std::u16string& name) {
+    return ReadFileOfFolder(prefix + name, book);
+  });
+}
+
+bool VcardSource::ReadFileOfFolder(const std::u16string& path, Book& book) {
+  const std::size_t before = book.contacts.size();
+  const FileError error = ReadFile(path, book);
+  if (error == FileError::kNotFound || error == FileError::kAccessDenied ||
+      error == FileError::kSharingViolation) {
+    m_remarks.Add({path, 0,
+                   error == FileError::kNotFound ? "the file leads nowhere and is passed over"
+                                                 : "the file cannot be opened and is passed over"});
+  } else if (error != FileError::kNone) {
+    return false;
+  } else if (book.contacts.size() == before) {
+    m_remarks.Add({path, 0, "the file holds no whole card"});
+  }
+  book.isComplete = book.isComplete && book.contacts.size() > before;
+  return true;
+}
+
+FileError VcardSource::ReadFile(const std::u16string& path, Book& book) {
+  const platform::OpenedFile opened =
+      m_files.Open(path, {platform::FileAccess::kRead, platform::FileShare::kRead,
+                          platform::FileCreation::kOpenExisting});
+  if (!opened.file) {
+    return opened.error;
+  }
+  CardReader reader(path, kMaxContacts, book, m_remarks);
+  const auto chunk = std::make_unique<std::array<std::byte, kChunkSize>>();
+  std::uint64_t total = 0;
+  std::size_t length = kChunkSize;
+  while (length == kChunkSize) {
+    const std::optional<std::size_t> read = opened.file->Read(*chunk);
+    total += read.value_or(0);
+    if (!read || total > kMaxBytes || book.contacts.size() > kMaxContacts) {
+      return FileError::kOther;
+    }
+    length = *read;
+    reader.Feed({reinterpret_cast<const char*>(chunk->data()), length});
+  }
+  reader.Finish();
+  return book.contacts.size() <= kMaxContacts ? FileError::kNone : FileError::kOther;
+}
+
+}  // namespace vcard

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "backends/vcard/card_reader.h"
+#include "backends/vcard/contact_source.h"
+#include "platform/file_system.h"
+
+namespace vcard {
+
+/// A vCard file, or the files of a folder that end in ".vcf" in the order of their names, as one
+/// address book in the order in which the contacts are written. Each file is read once, from its
+/// start to its end, in bounded memory.
+class VcardSource final : public ContactSource {
+ public:
+  // What nobody's address book reaches, so that an endless file ends somewhere.
+  static constexpr std::size_t kMaxContacts = 100'000;
+  static constexpr std::uint64_t kMaxBytes = std::uint64_t{1} << 30;
+
+  /// `path` is absolute, or one of the device; it names the book for good.
+  VcardSource(platform::FileSystem& files, std::u16string path);
+
+  /// If a file of a folder cannot be opened because it is not there, as at the end of a dangling
+  /// link, only that file is passed over. A source without a single card is unreadable: an empty
+  /// file or folder is more likely one that was lost, or not mounted, than one whose last contact
+  /// was deleted.
+  [[nodiscard]] ReadResult Read(std::vector<Book>& books) override;
+  [[nodiscard]] std::vector<Remark> GetRemarks() const override { return m_remarks.GetAll(); }
+
+ private:
+  [[nodiscard]] bool ReadFolder(Book& book);
+  [[nodiscard]] bool ReadFileOfFolder(const std::u16string& path, Book& book);
+  [[nodiscard]] platform::FileError ReadFile(const std::u16string& path, Book& book);
+
+  platform::FileSystem& m_files;
+  std::u16string m_path;
+  RemarkList m_remarks;
+};
+
+}  // namespace vcard

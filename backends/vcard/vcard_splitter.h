@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <string_view>
+
+#include "backends/vcard/content_line.h"
+#include "backends/vcard/logical_lines.h"
+#include "backends/vcard/stream_decoder.h"
+
+namespace vcard {
+
+/// Cuts a stream into vCards and keeps of each only the lines that a contact is made of, so that a
+/// picture costs no more than passing over it. Takes any bytes: what is no vCard is left out and
+/// counted as damage.
+class VcardSplitter {
+ public:
+  // Bounds of one card, far above what a real one needs, so that a hostile one stays cheap to
+  // parse.
+  static constexpr std::size_t kMaxLines = 200;
+  static constexpr std::size_t kMaxSeparators = 64;  ///< Commas and semicolons of one line.
+
+  /// Called with each card in order, valid during the call.
+  using CardSink = std::function<void(const Card& card)>;
+  /// Called with the number of a line of the stream, from 1, and a sentence about what is damaged.
+  using DamageSink = std::function<void(std::size_t line, std::string_view sentence)>;
+
+  /// `sink` gets the whole cards, `torn` what was read of those that have no end.
+  explicit VcardSplitter(CardSink sink, CardSink torn = {}, DamageSink damage = {});
+
+  /// The stream may be cut anywhere between two calls. UTF-16 is known by its mark or by the zeros
+  /// next to its first character.
+  void Feed(std::string_view bytes);
+
+  /// To be called once, at the end of the stream.
+  void Finish();
+
+  /// Whether cards, or lines of cards, were left out, so that the stream may have held a contact
+  /// that was not handed on.
+  [[nodiscard]] bool IsDamaged() const { return m_isDamaged; }
+
+ private:
+  void OnLine(const LogicalLines::Line& line);
+  void OnLineOfCard(const LogicalLines::Line& line, std::string_view name);
+  void OnLineBetweenCards(const LogicalLines::Line& line);
+  void BeginCard(std::size_t line);
+  void EndCard();
+  /// If a card is in progress, it has no end.
+  void TearCard();
+  void Damage(std::size_t line, std::string_view sentence);
+
+  CardSink m_sink;
+  CardSink m_torn;
+  DamageSink m_damage;
+  StreamDecoder m_decoder;
+  LogicalLines m_lines;
+  Card m_card;
+  std::size_t m_firstLine = 0;  ///< Of the card.
+  std::size_t m_nesting = 0;    ///< Cards within the card, as the agents of vCard 2.1 are written.
+  bool m_isInCard = false;
+  bool m_isAgentDue = false;  ///< The line before announced a card within the card.
+  bool m_isStray = false;     ///< The line before was no part of a card either.
+  bool m_isDamaged = false;
+};
+
+}  // namespace vcard

@@ -1,0 +1,112 @@
+#include "backends/wave_file/file_wave_in.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <memory>
+#include <span>
+#include <utility>
+
+#include "backends/wave_file/wave_file_layout.h"
+#include "platform/wave_queue.h"
+
+namespace wave_file {
+namespace {
+
+using platform::FileError;
+using platform::WaveHeader;
+using platform::WaveResult;
+
+/// Reads a file's samples into the queued header at the moment that they are asked for.
+class FileDevice final : public platform::WaveInDevice {
+ public:
+  FileDevice(std::unique_ptr<platform::File> file, const WaveFileLayout& layout)
+      : m_file(std::move(file)), m_offset(layout.dataOffset), m_left(layout.dataBytes) {}
+
+  WaveResult Prepare(WaveHeader& header) override {
+    return m_file ? m_queue.Prepare(header) : WaveResult::kNoDevice;
+  }
+
+  WaveResult AddBuffer(WaveHeader& header) override {
+    return m_file ? m_queue.Add(header) : WaveResult::kNoDevice;
+  }
+
+  WaveResult Start() override {
+    if (!m_file) return WaveResult::kNoDevice;
+    if (m_queue.Queued() == nullptr) return WaveResult::kNotPrepared;
+    m_started = true;
+    return WaveResult::kOk;
+  }
+
+  WaveResult Unprepare(WaveHeader& header) override {
+    if (!m_file) return WaveResult::kNoDevice;
+    if (m_queue.Holds(header)) {
+      if (!m_started) return WaveResult::kStillPlaying;
+      if (!Fill(header)) return WaveResult::kNoDevice;
+      m_started = false;
+    }
+    m_queue.Release(header);
+    return WaveResult::kOk;
+  }
+
+  WaveResult Reset() override {
+    if (!m_file) return WaveResult::kNoDevice;
+    // A file that can no longer be read gives back what it gave: nothing.
+    if (m_started) static_cast<void>(Fill(*m_queue.Queued()));
+    m_started = false;
+    m_queue.Drop();
+    return WaveResult::kOk;
+  }
+
+  WaveResult Close() override {
+    m_file.reset();
+    m_started = false;
+    m_queue.Drop();
+    return WaveResult::kOk;
+  }
+
+ private:
+  /// False where the file cannot be read; the header then holds nothing.
+  [[nodiscard]] bool Fill(WaveHeader& header) {
+    const std::span<std::byte> memory(header.data, header.bufferLength);
+    const auto sound = memory.first(
+        static_cast<std::size_t>(std::min<std::uint64_t>(m_left, header.bufferLength)));
+    if (m_file->Seek(m_offset) != FileError::kNone) return false;
+    const auto count = m_file->Read(sound);
+    if (!count) return false;
+    std::ranges::fill(memory.subspan(*count), std::byte{0});
+    // By what was asked for, so that a file that has become shorter stays silent from there on.
+    m_offset += sound.size();
+    m_left -= sound.size();
+    header.bytesRecorded = header.bufferLength;
+    return true;
+  }
+
+  std::unique_ptr<platform::File> m_file;
+  std::uint64_t m_offset;
+  std::uint64_t m_left;
+  platform::WaveQueue m_queue;
+  bool m_started = false;  ///< Never without a queued header.
+};
+
+}  // namespace
+
+FileWaveIn::FileWaveIn(platform::FileSystem& files, std::u16string path)
+    : m_files(files), m_path(std::move(path)) {}
+
+std::uint32_t FileWaveIn::GetDeviceCount() { return OpenFile().error == FileError::kNone ? 1 : 0; }
+
+platform::OpenedWaveIn FileWaveIn::Open(const platform::WaveFormat& format) {
+  auto opened = OpenFile();
+  if (opened.error != FileError::kNone) return {nullptr, WaveResult::kNoDevice};
+  const auto layout = ReadWaveFileLayout(*opened.file);
+  if (!layout || layout->format != format) return {nullptr, WaveResult::kBadFormat};
+  return {std::make_unique<FileDevice>(std::move(opened.file), *layout), WaveResult::kOk};
+}
+
+platform::OpenedFile FileWaveIn::OpenFile() {
+  return m_files.Open(m_path, {.access = platform::FileAccess::kRead,
+                               .share = platform::FileShare::kRead,
+                               .creation = platform::FileCreation::kOpenExisting});
+}
+
+}  // namespace wave_file

@@ -1,0 +1,96 @@
+#include "backends/wave_file/file_wave_out.h"
+
+#include <cstddef>
+#include <memory>
+#include <span>
+#include <utility>
+
+#include "backends/wave_file/wave_file_writer.h"
+#include "platform/wave_queue.h"
+
+namespace wave_file {
+namespace {
+
+using platform::WaveHeader;
+using platform::WaveResult;
+
+class FileOutDevice final : public platform::WaveOutDevice {
+ public:
+  /// `next` is the file of the first sound.
+  FileOutDevice(platform::FileSystem& files, std::u16string path,
+                const platform::WaveFormat& format, std::unique_ptr<platform::Replacement> next,
+                std::shared_ptr<void> turn)
+      : m_files(files),
+        m_path(std::move(path)),
+        m_format(format),
+        m_next(std::move(next)),
+        m_turn(std::move(turn)) {}
+
+  WaveResult Prepare(WaveHeader& header) override {
+    return m_turn ? m_queue.Prepare(header) : WaveResult::kNoDevice;
+  }
+
+  WaveResult Write(WaveHeader& header) override {
+    if (!m_turn) return WaveResult::kNoDevice;
+    const WaveResult result = m_queue.Add(header);
+    if (result != WaveResult::kOk || WriteFile(header)) return result;
+    m_queue.Drop();
+    return WaveResult::kFailed;
+  }
+
+  WaveResult Unprepare(WaveHeader& header) override {
+    if (!m_turn) return WaveResult::kNoDevice;
+    m_queue.Release(header);
+    return WaveResult::kOk;
+  }
+
+  WaveResult Reset() override {
+    if (!m_turn) return WaveResult::kNoDevice;
+    m_queue.Drop();
+    return WaveResult::kOk;
+  }
+
+  WaveResult Close() override {
+    m_next.reset();
+    m_turn.reset();
+    m_queue.Drop();
+    return WaveResult::kOk;
+  }
+
+ private:
+  [[nodiscard]] bool WriteFile(const WaveHeader& header) {
+    std::unique_ptr<platform::Replacement> file = std::move(m_next);
+    if (!file) file = m_files.OpenReplacement(m_path).replacement;
+    const std::span<const std::byte> bytes(header.data, header.bufferLength);
+    return file &&
+           WriteWaveFile(file->GetFile(), m_format,
+                         bytes.first(bytes.size() - bytes.size() % m_format.blockAlign)) &&
+           file->Publish(platform::Durability::kNow) == platform::FileError::kNone;
+  }
+
+  platform::FileSystem& m_files;
+  const std::u16string m_path;
+  const platform::WaveFormat m_format;
+  std::unique_ptr<platform::Replacement> m_next;  ///< Null after the first sound.
+  std::shared_ptr<void> m_turn;                   ///< Null once closed.
+  platform::WaveQueue m_queue;
+};
+
+}  // namespace
+
+FileWaveOut::FileWaveOut(platform::FileSystem& files, std::u16string path)
+    : m_files(files), m_path(std::move(path)) {}
+
+platform::OpenedWaveOut FileWaveOut::Open(const platform::WaveFormat& format) {
+  if (!platform::IsWholeBytePcm(format)) return {nullptr, WaveResult::kBadFormat};
+  if (!m_device.expired()) return {nullptr, WaveResult::kNoDevice};
+  platform::OpenedReplacement opened = m_files.OpenReplacement(m_path);
+  if (!opened.replacement) return {nullptr, WaveResult::kNoDevice};
+  auto turn = std::make_shared<char>();
+  m_device = turn;
+  return {std::make_unique<FileOutDevice>(m_files, m_path, format, std::move(opened.replacement),
+                                          std::move(turn)),
+          WaveResult::kOk};
+}
+
+}  // namespace wave_file

@@ -1,0 +1,111 @@
+#include "backends/wave_file/wave_file_layout.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstring>
+#include <span>
+#include <string_view>
+
+#include "platform/little_endian.h"
+
+namespace wave_file {
+namespace {
+
+using platform::LoadLittleEndian16;
+using platform::LoadLittleEndian32;
+
+constexpr std::uint64_t kRiffHeaderBytes = 12;
+constexpr std::uint64_t kChunkHeaderBytes = 8;
+constexpr std::size_t kFormatBytes = 16;
+
+// No honest file has more; a file made of empty chunks must not keep its reader busy.
+constexpr int kMostChunks = 1000;
+
+bool HasName(std::span<const std::byte> bytes, std::string_view name) {
+  return std::memcmp(bytes.data(), name.data(), name.size()) == 0;
+}
+
+bool ReadAt(platform::File& file, std::uint64_t offset, std::span<std::byte> into) {
+  return file.Seek(offset) == platform::FileError::kNone && file.Read(into) == into.size();
+}
+
+std::optional<platform::WaveFormat> ReadFormat(platform::File& file, std::uint64_t offset) {
+  std::array<std::byte, kFormatBytes> bytes{};
+  if (!ReadAt(file, offset, bytes)) return std::nullopt;
+  const std::span<const std::byte, kFormatBytes> fields(bytes);
+  platform::WaveFormat format;
+  format.formatTag = LoadLittleEndian16(fields.subspan<0, 2>());
+  format.channels = LoadLittleEndian16(fields.subspan<2, 2>());
+  format.samplesPerSecond = LoadLittleEndian32(fields.subspan<4, 4>());
+  format.averageBytesPerSecond = LoadLittleEndian32(fields.subspan<8, 4>());
+  format.blockAlign = LoadLittleEndian16(fields.subspan<12, 2>());
+  format.bitsPerSample = LoadLittleEndian16(fields.subspan<14, 2>());
+  // What follows in a longer chunk says nothing about PCM.
+  if (format.formatTag != platform::kFormatTagPcm || format.blockAlign == 0) return std::nullopt;
+  return format;
+}
+
+/// The walk from chunk to chunk. Offsets are 64 bits wide, so 32-bit sizes cannot make them wrap.
+class ChunkWalk {
+ public:
+  ChunkWalk(platform::File& file, std::uint64_t length) : m_file(file), m_length(length) {}
+
+  std::optional<WaveFileLayout> Run() {
+    for (int i = 0; i < kMostChunks && !(m_hasFormat && m_hasData); ++i) {
+      if (!TakeChunk()) return std::nullopt;
+    }
+    if (!m_hasFormat || !m_hasData) return std::nullopt;
+    m_layout.dataBytes -= m_layout.dataBytes % m_layout.format.blockAlign;
+    return m_layout;
+  }
+
+ private:
+  bool TakeChunk() {
+    std::array<std::byte, kChunkHeaderBytes> header{};
+    if (m_offset + kChunkHeaderBytes > m_length || !ReadAt(m_file, m_offset, header)) return false;
+    const std::span<const std::byte, kChunkHeaderBytes> fields(header);
+    const std::uint64_t size = LoadLittleEndian32(fields.last<4>());
+    const std::uint64_t body = m_offset + kChunkHeaderBytes;
+    const std::uint64_t rest = m_length - body;
+    // A chunk of odd size is followed by a byte that belongs to none.
+    m_offset = body + size + size % 2;
+    if (!m_hasData && HasName(fields, "data")) {
+      m_layout.dataOffset = body;
+      m_layout.dataBytes = std::min(size, rest);
+      m_hasData = true;
+      return true;
+    }
+    if (size > rest) return false;
+    return m_hasFormat || !HasName(fields, "fmt ") || TakeFormat(body, size);
+  }
+
+  bool TakeFormat(std::uint64_t body, std::uint64_t size) {
+    if (size < kFormatBytes) return false;
+    const auto format = ReadFormat(m_file, body);
+    if (!format) return false;
+    m_layout.format = *format;
+    m_hasFormat = true;
+    return true;
+  }
+
+  platform::File& m_file;
+  const std::uint64_t m_length;
+  std::uint64_t m_offset = kRiffHeaderBytes;
+  WaveFileLayout m_layout;
+  bool m_hasFormat = false;
+  bool m_hasData = false;
+};
+
+}  // namespace
+
+std::optional<WaveFileLayout> ReadWaveFileLayout(platform::File& file) {
+  const auto length = file.GetLength();
+  std::array<std::byte, kRiffHeaderBytes> header{};
+  if (!length || !ReadAt(file, 0, header)) return std::nullopt;
+  const std::span<const std::byte> fields(header);
+  if (!HasName(fields, "RIFF") || !HasName(fields.subspan(8), "WAVE")) return std::nullopt;
+  return ChunkWalk(file, *length).Run();
+}
+
+}  // namespace wave_file

@@ -1,0 +1,125 @@
+#include "framework/archive.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+
+#include "platform/little_endian.h"
+
+namespace framework {
+
+CArchive::CArchive(CFile& file, Mode mode, std::size_t bufferSize)
+    : m_file(file), m_mode(mode), m_buffer(std::max<std::size_t>(bufferSize, 1)) {}
+
+void CArchive::Fail(ArchiveStatus status) {
+  if (m_status == ArchiveStatus::kGood) {
+    m_status = status;
+  }
+}
+
+CArchive& CArchive::operator<<(std::uint16_t value) {
+  std::array<std::byte, 2> bytes{};
+  platform::StoreLittleEndian16(bytes, value);
+  Write(bytes);
+  return *this;
+}
+
+CArchive& CArchive::operator<<(std::uint32_t value) {
+  std::array<std::byte, 4> bytes{};
+  platform::StoreLittleEndian32(bytes, value);
+  Write(bytes);
+  return *this;
+}
+
+CArchive& CArchive::operator<<(float value) { return *this << std::bit_cast<std::uint32_t>(value); }
+
+CArchive& CArchive::operator>>(std::uint16_t& value) {
+  std::array<std::byte, 2> bytes{};
+  Read(bytes);
+  value = platform::LoadLittleEndian16(bytes);
+  return *this;
+}
+
+CArchive& CArchive::operator>>(std::uint32_t& value) {
+  std::array<std::byte, 4> bytes{};
+  Read(bytes);
+  value = platform::LoadLittleEndian32(bytes);
+  return *this;
+}
+
+CArchive& CArchive::operator>>(float& value) {
+  std::uint32_t bits = 0;
+  *this >> bits;
+  value = std::bit_cast<float>(bits);
+  return *this;
+}
+
+std::uint64_t CArchive::GetRemaining() {
+  if (IsStoring() || m_status != ArchiveStatus::kGood) {
+    return 0;
+  }
+  const auto length = m_file.GetLength();
+  if (!length) {
+    Fail(ArchiveStatus::kFileFailure);
+    return 0;
+  }
+  const std::uint64_t behind = *length > m_fromFile ? *length - m_fromFile : 0;
+  return behind + (m_end - m_begin);
+}
+
+ArchiveStatus CArchive::Close() {
+  if (IsStoring()) {
+    FlushBuffer();
+  }
+  return m_status;
+}
+
+void CArchive::Write(std::span<const std::byte> bytes) {
+  if (!IsStoring()) {
+    Fail(ArchiveStatus::kBadFormat);
+  }
+  while (!bytes.empty() && m_status == ArchiveStatus::kGood) {
+    const std::size_t count = std::min(bytes.size(), m_buffer.size() - m_end);
+    std::copy_n(bytes.begin(), count, m_buffer.begin() + static_cast<std::ptrdiff_t>(m_end));
+    m_end += count;
+    bytes = bytes.subspan(count);
+    if (m_end == m_buffer.size()) {
+      FlushBuffer();
+    }
+  }
+}
+
+void CArchive::Read(std::span<std::byte> into) {
+  std::fill(into.begin(), into.end(), std::byte{});
+  if (IsStoring()) {
+    Fail(ArchiveStatus::kBadFormat);
+  }
+  while (!into.empty() && m_status == ArchiveStatus::kGood && (m_begin < m_end || FillBuffer())) {
+    const std::size_t count = std::min(into.size(), m_end - m_begin);
+    std::copy_n(m_buffer.begin() + static_cast<std::ptrdiff_t>(m_begin), count, into.begin());
+    m_begin += count;
+    into = into.subspan(count);
+  }
+}
+
+void CArchive::FlushBuffer() {
+  if (m_status == ArchiveStatus::kGood && m_end > 0 &&
+      !m_file.Write(std::span(m_buffer).first(m_end))) {
+    Fail(ArchiveStatus::kFileFailure);
+  }
+  m_end = 0;
+}
+
+bool CArchive::FillBuffer() {
+  const auto count = m_file.Read(m_buffer);
+  if (!count || *count == 0) {
+    Fail(count ? ArchiveStatus::kEndOfFile : ArchiveStatus::kFileFailure);
+    return false;
+  }
+  m_begin = 0;
+  m_end = *count;
+  m_fromFile += *count;
+  return true;
+}
+
+}  // namespace framework

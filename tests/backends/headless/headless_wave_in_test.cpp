@@ -1,0 +1,169 @@
+#include "backends/headless/headless_wave_in.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstddef>
+#include <vector>
+
+namespace {
+
+using headless::HeadlessWaveIn;
+using headless::WaveInScript;
+using platform::WaveHeader;
+using platform::WaveResult;
+using testing::ElementsAre;
+
+constexpr platform::WaveFormat kMono{platform::kFormatTagPcm, 1, 11025, 22050, 2, 16, 0};
+constexpr std::byte kUntouched{0xA5};
+
+struct Buffer {
+  std::array<std::byte, 6> memory{kUntouched, kUntouched, kUntouched,
+                                  kUntouched, kUntouched, kUntouched};
+  WaveHeader header{.data = memory.data(), .bufferLength = 6};
+};
+
+std::vector<std::byte> Sound(std::size_t count) { return std::vector(count, std::byte{7}); }
+
+/// An open device with a started buffer.
+class HeadlessWaveInDevice : public testing::Test {
+ protected:
+  void Start(WaveInScript script) {
+    m_waveIn.SetScript(std::move(script));
+    m_device = m_waveIn.Open(kMono).device;
+    ASSERT_TRUE(m_device);
+    ASSERT_EQ(m_device->Prepare(m_buffer.header), WaveResult::kOk);
+    ASSERT_EQ(m_device->AddBuffer(m_buffer.header), WaveResult::kOk);
+    ASSERT_EQ(m_device->Start(), WaveResult::kOk);
+  }
+
+  HeadlessWaveIn m_waveIn;
+  Buffer m_buffer;
+  std::unique_ptr<platform::WaveInDevice> m_device;
+};
+
+TEST_F(HeadlessWaveInDevice, BufferIsFullAtOnceUnlessToldOtherwise) {
+  Start({.sound = Sound(9)});
+  EXPECT_EQ(m_device->Unprepare(m_buffer.header), WaveResult::kOk);
+  EXPECT_EQ(m_buffer.header.bytesRecorded, 6U);
+  EXPECT_THAT(m_buffer.memory, testing::Each(std::byte{7}));
+}
+
+TEST_F(HeadlessWaveInDevice, SilenceFollowsTheSound) {
+  Start({.sound = Sound(2)});
+  EXPECT_EQ(m_device->Unprepare(m_buffer.header), WaveResult::kOk);
+  EXPECT_THAT(m_buffer.memory, ElementsAre(std::byte{7}, std::byte{7}, std::byte{0}, std::byte{0},
+                                           std::byte{0}, std::byte{0}));
+}
+
+TEST_F(HeadlessWaveInDevice, BytesArriveCallByCall) {
+  Start({.sound = Sound(9), .arrivals = {2, 4}});
+  EXPECT_EQ(m_device->Unprepare(m_buffer.header), WaveResult::kStillPlaying);
+  EXPECT_EQ(m_buffer.header.bytesRecorded, 2U);
+  EXPECT_EQ(m_buffer.memory[2], kUntouched);
+  EXPECT_EQ(m_device->Unprepare(m_buffer.header), WaveResult::kStillPlaying);
+  EXPECT_EQ(m_buffer.header.bytesRecorded, 4U);
+  EXPECT_EQ(m_device->Unprepare(m_buffer.header), WaveResult::kStillPlaying);
+  EXPECT_EQ(m_buffer.header.bytesRecorded, 4U);
+}
+
+TEST_F(HeadlessWaveInDevice, NothingMayArriveAtAll) {
+  Start({.sound = Sound(9), .arrivals = {0}});
+  EXPECT_EQ(m_device->Unprepare(m_buffer.header), WaveResult::kStillPlaying);
+  EXPECT_EQ(m_buffer.header.bytesRecorded, 0U);
+  EXPECT_THAT(m_buffer.memory, testing::Each(kUntouched));
+}
+
+TEST_F(HeadlessWaveInDevice, SecondCallMayFindTheBufferFull) {
+  Start({.sound = Sound(9), .arrivals = {5, 1000}});
+  EXPECT_EQ(m_device->Unprepare(m_buffer.header), WaveResult::kStillPlaying);
+  EXPECT_EQ(m_device->Unprepare(m_buffer.header), WaveResult::kOk);
+  EXPECT_EQ(m_buffer.header.bytesRecorded, 6U);
+}
+
+TEST_F(HeadlessWaveInDevice, NextBufferHearsWhatFollows) {
+  Start({.sound = Sound(8)});
+  ASSERT_EQ(m_device->Unprepare(m_buffer.header), WaveResult::kOk);
+  Buffer next;
+  ASSERT_EQ(m_device->Prepare(next.header), WaveResult::kOk);
+  ASSERT_EQ(m_device->AddBuffer(next.header), WaveResult::kOk);
+  ASSERT_EQ(m_device->Start(), WaveResult::kOk);
+  ASSERT_EQ(m_device->Unprepare(next.header), WaveResult::kOk);
+  EXPECT_THAT(next.memory, ElementsAre(std::byte{7}, std::byte{7}, std::byte{0}, std::byte{0},
+                                       std::byte{0}, std::byte{0}));
+}
+
+TEST_F(HeadlessWaveInDevice, UnprepareFailsAsToldAndTouchesNothing) {
+  Start({.sound = Sound(9), .unprepare = WaveResult::kFailed});
+  EXPECT_EQ(m_device->Unprepare(m_buffer.header), WaveResult::kFailed);
+  EXPECT_EQ(m_buffer.header.bytesRecorded, 0U);
+  EXPECT_THAT(m_buffer.memory, testing::Each(kUntouched));
+}
+
+TEST_F(HeadlessWaveInDevice, ResetFailsAsTold) {
+  Start({.reset = WaveResult::kFailed});
+  EXPECT_EQ(m_device->Reset(), WaveResult::kFailed);
+}
+
+TEST_F(HeadlessWaveInDevice, CloseThatFailsAsToldGivesTheDeviceUp) {
+  Start({.close = WaveResult::kFailed});
+  EXPECT_EQ(m_waveIn.OpenDevices(), 1U);
+  EXPECT_EQ(m_device->Close(), WaveResult::kFailed);
+  EXPECT_EQ(m_waveIn.OpenDevices(), 0U);
+  EXPECT_EQ(m_device->Reset(), WaveResult::kNoDevice);
+}
+
+TEST(HeadlessWaveIn, CountsTheDevicesItIsTold) {
+  HeadlessWaveIn waveIn({.deviceCount = 3});
+  EXPECT_EQ(waveIn.GetDeviceCount(), 3U);
+  waveIn.SetScript({.deviceCount = 0});
+  EXPECT_EQ(waveIn.GetDeviceCount(), 0U);
+}
+
+TEST(HeadlessWaveIn, OpenFailsAsTold) {
+  HeadlessWaveIn waveIn({.open = WaveResult::kBadFormat});
+  const auto opened = waveIn.Open(kMono);
+  EXPECT_EQ(opened.result, WaveResult::kBadFormat);
+  EXPECT_EQ(opened.device, nullptr);
+  EXPECT_EQ(waveIn.OpenDevices(), 0U);
+}
+
+TEST(HeadlessWaveIn, EachStepBeforeTheRecordingFailsAsTold) {
+  HeadlessWaveIn waveIn({.prepare = WaveResult::kFailed,
+                         .addBuffer = WaveResult::kNotPrepared,
+                         .start = WaveResult::kNoDevice});
+  const auto opened = waveIn.Open(kMono);
+  ASSERT_TRUE(opened.device);
+  Buffer buffer;
+  EXPECT_EQ(opened.device->Prepare(buffer.header), WaveResult::kFailed);
+  EXPECT_EQ(buffer.header.flags, 0U);
+  buffer.header.flags = platform::kWaveHeaderPrepared;
+  EXPECT_EQ(opened.device->AddBuffer(buffer.header), WaveResult::kNotPrepared);
+  EXPECT_EQ(opened.device->Start(), WaveResult::kNoDevice);
+}
+
+TEST(HeadlessWaveIn, DestroyedDeviceIsNoLongerOpen) {
+  HeadlessWaveIn waveIn;
+  auto opened = waveIn.Open(kMono);
+  EXPECT_EQ(waveIn.OpenDevices(), 1U);
+  opened.device.reset();
+  EXPECT_EQ(waveIn.OpenDevices(), 0U);
+}
+
+TEST(HeadlessWaveIn, RemembersTheFormatAskedFor) {
+  HeadlessWaveIn waveIn({.deviceCount = 0});
+  EXPECT_EQ(waveIn.AskedFormat(), std::nullopt);
+  static_cast<void>(waveIn.Open(kMono));
+  EXPECT_EQ(waveIn.AskedFormat(), kMono);
+}
+
+TEST(HeadlessWaveIn, DeviceMayOutliveItsInput) {
+  auto waveIn = std::make_unique<HeadlessWaveIn>();
+  const auto opened = waveIn->Open(kMono);
+  ASSERT_TRUE(opened.device);
+  waveIn.reset();
+  EXPECT_EQ(opened.device->Close(), WaveResult::kOk);
+}
+
+}  // namespace

@@ -1,0 +1,89 @@
+#include "backends/posix/posix_threads.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <memory>
+#include <vector>
+
+#include "tests/support/temp_folder.h"
+
+namespace {
+
+using platform::kNoLimit;
+using platform::ThreadStart;
+using platform::WaitResult;
+
+TEST(PosixThreads, AThreadMayGiveUpItsOwnHandle) {
+  posix::PosixThreads threads;
+  const auto done = threads.CreateManualResetEvent();
+  std::unique_ptr<platform::Thread> handle;
+  const auto owner = std::make_shared<std::atomic<bool>>(false);
+  handle = threads.Start(
+      [&, owner] {
+        handle.reset();
+        *owner = true;
+        done->Set();
+      },
+      ThreadStart::kSuspended);
+  handle->Resume();
+  EXPECT_EQ(done->Wait(kNoLimit), WaitResult::kSignalled);
+  EXPECT_TRUE(*owner);
+}
+
+TEST(PosixThreads, ThreadsRunSideBySide) {
+  posix::PosixThreads threads;
+  const auto first = threads.CreateManualResetEvent();
+  const auto second = threads.CreateManualResetEvent();
+  std::atomic<int> met = 0;
+  const auto a = threads.Start(
+      [&] {
+        first->Set();
+        met += second->Wait(kNoLimit) == WaitResult::kSignalled ? 1 : 0;
+      },
+      ThreadStart::kRunning);
+  const auto b = threads.Start(
+      [&] {
+        second->Set();
+        met += first->Wait(kNoLimit) == WaitResult::kSignalled ? 1 : 0;
+      },
+      ThreadStart::kRunning);
+  ASSERT_EQ(a->Wait(kNoLimit), WaitResult::kSignalled);
+  ASSERT_EQ(b->Wait(kNoLimit), WaitResult::kSignalled);
+  EXPECT_EQ(met, 2);
+}
+
+TEST(PosixThreads, AWaitOutlivesOthersThatResetTheEvent) {
+  posix::PosixThreads threads;
+  const auto event = threads.CreateManualResetEvent();
+  std::atomic<int> passed = 0;
+  std::vector<std::unique_ptr<platform::Thread>> waiters;
+  for (int i = 0; i < 4; ++i) {
+    waiters.push_back(threads.Start(
+        [&] {
+          passed += event->Wait(kNoLimit) == WaitResult::kSignalled ? 1 : 0;
+          event->Set();
+        },
+        ThreadStart::kRunning));
+  }
+  event->Set();
+  waiters.clear();
+  EXPECT_EQ(passed, 4);
+}
+
+TEST(NamedMutexFile, TellsWhetherTheMutexWasEverMadeAndMakesNothing) {
+  const support::TempFolder folder;
+  const std::string root = folder.Path().native();
+  EXPECT_FALSE(posix::PosixThreads::WasNamedMutexMade(root, u"ZedraD"));
+  EXPECT_FALSE(posix::PosixThreads::WasNamedMutexMade(root, u"ZedraD"));
+  posix::PosixThreads threads(root);
+  auto created = threads.CreateNamedMutex(u"ZedraD");
+  EXPECT_TRUE(posix::PosixThreads::WasNamedMutexMade(root, u"ZedraD"));
+  EXPECT_FALSE(posix::PosixThreads::WasNamedMutexMade(root, u"Other"));
+  created.mutex.reset();
+  EXPECT_TRUE(posix::PosixThreads::WasNamedMutexMade(root, u"ZedraD")) << "Though it is free.";
+  EXPECT_TRUE(posix::PosixThreads::WasNamedMutexMade(std::string(5000, 'x'), u"ZedraD"))
+      << "It cannot be told.";
+}
+
+}  // namespace

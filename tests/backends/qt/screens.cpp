@@ -1,0 +1,104 @@
+// Writes pictures of the windows as they are at one scale of the desktop:
+//
+//   screens FOLDER PERCENT [LANGUAGE_FILE]
+
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QTabWidget>
+#include <QTest>
+#include <cstdio>
+#include <span>
+#include <string>
+
+#include "resources/dialogs.h"
+#include "tests/backends/qt/page_machine.h"
+#include "tests/backends/qt/screens_dialogs.h"
+#include "tests/backends/qt/user.h"
+
+namespace {
+
+using support::User;
+
+constexpr int kMiddle = 50;  ///< Of the bar of a recording.
+
+void TakeSheet(support::PageMachine& machine, User& user, const QString& prefix) {
+  user.Soon([&] {
+    User::GetWindow()->activateWindow();
+    QApplication::processEvents();
+    support::SaveScreenshot(*User::GetWindow(), prefix + QStringLiteral("empty.png"));
+    User::Click(resources::kRecordButtonId);
+    User::Choose(resources::kContactComboId, 1);
+    User::Click(resources::kRecordButtonId);
+    const support::BarWatcher watcher(prefix + QStringLiteral("recording.png"), kMiddle);
+    User::Click(resources::kRecordButtonId);
+    User::ChooseLine(resources::kTagListId, 1);
+    User::FindList(resources::kTagListId)->setFocus();
+    User::GetWindow()->activateWindow();
+    QApplication::processEvents();
+    support::SaveScreenshot(*User::GetWindow(), prefix + QStringLiteral("learning.png"));
+    user.SetAnswer([&](QDialog& box) {
+      support::SaveScreenshot(box, prefix + QStringLiteral("confirm.png"));
+      box.reject();
+    });
+    User::Click(resources::kDeleteButtonId);
+    support::TakeTestDialog(user, prefix);
+    User::GetWindow()->findChild<QTabWidget*>()->setCurrentIndex(1);
+    support::SaveScreenshot(*User::GetWindow(), prefix + QStringLiteral("about.png"));
+    User::GetWindow()->reject();
+  });
+  support::RunAppletSheet(machine);
+}
+
+void TakeBoxes(support::PageMachine& machine, User& user, const QString& prefix) {
+  const auto take = [&](const char* name, const std::u16string& text) {
+    user.SetAnswer([&](QDialog& box) {
+      support::SaveScreenshot(box, prefix + QLatin1StringView(name));
+      box.reject();
+    });
+    machine.ui.ShowMessage(platform::ApplicationBox(text));
+  };
+  take("short.png", u"Error: oid == 0");
+  take("lines.png",
+       u"There are no voice tags.\n\nTo record voice tags select Start -> Settings -> System tab "
+       u"-> Zedra Voxtrel.");
+  take("long_word.png", u"/home/" + std::u16string(120, u'x') + u"/Voxtrel_wav");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const std::span<char*> arguments(argv, static_cast<std::size_t>(argc));
+  if (argc < 3) {
+    std::fputs("usage: screens FOLDER PERCENT [LANGUAGE_FILE]\n", stderr);
+    return 2;
+  }
+  if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+  }
+  qputenv("QT_SCALE_FACTOR", QByteArray::number(std::stod(arguments[2]) / 100));
+  const QApplication application(argc, argv);
+  if (application.devicePixelRatio() * 100 != std::stod(arguments[2])) {
+    std::fputs("screens: the scale was not taken\n", stderr);
+    return 1;
+  }
+  support::PageMachine machine;
+  if (argc > 3) {
+    QFile file(QString::fromLocal8Bit(arguments[3]));
+    if (!file.open(QIODevice::ReadOnly)) {
+      std::fputs("screens: cannot read the language file\n", stderr);
+      return 1;
+    }
+    const QByteArray read = file.readAll();
+    const auto bytes =
+        std::as_bytes(std::span(read.constData(), static_cast<std::size_t>(read.size())));
+    machine.LoadLanguage(std::vector<std::byte>(bytes.begin(), bytes.end()));
+  }
+  User user;
+  const QString prefix = QString::fromLocal8Bit(arguments[1]) + u'/';
+  QDir().mkpath(prefix);
+  TakeSheet(machine, user, prefix);
+  support::TakeConnection(machine, user, prefix);
+  TakeBoxes(machine, user, prefix);
+  return 0;
+}

@@ -1,0 +1,260 @@
+#include <gmock/gmock.h>
+
+#include <QApplication>
+#include <QPointer>
+#include <QTest>
+#include <atomic>
+#include <chrono>
+#include <future>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "backends/posix/posix_threads.h"
+#include "backends/qt/qt_clock.h"
+#include "backends/qt/qt_threads.h"
+#include "backends/vcard/background_source.h"
+#include "tests/backends/qt/dialog_fixture.h"
+
+namespace {
+
+using platform::ThreadStart;
+using platform::WaitResult;
+using support::User;
+using testing::ElementsAre;
+
+/// The user-interface thread waits.
+class Waiting : public DialogFixture {
+ protected:
+  /// Waits on this thread for `open` to be called.
+  void AwaitOpening() {
+    m_thread.Await([this] { m_opening.get_future().wait(); });
+  }
+  void Open() { m_opening.set_value(); }
+
+  std::promise<void> m_opening;
+};
+
+TEST_F(Waiting, ServesPostedCallsInTheirOrder) {
+  std::vector<int> served;
+  m_thread.Post([&] { served.push_back(1); });
+  m_thread.Post([&] {
+    served.push_back(2);
+    Open();
+  });
+  AwaitOpening();
+  EXPECT_THAT(served, ElementsAre(1, 2));
+}
+
+TEST_F(Waiting, GoesOnPainting) {
+  class Widget final : public QWidget {
+   public:
+    explicit Widget(std::function<void()> onPaint) : m_onPaint(std::move(onPaint)) {}
+
+   protected:
+    void paintEvent(QPaintEvent* /*event*/) override {
+      std::exchange(m_onPaint, [] {})();
+    }
+
+   private:
+    std::function<void()> m_onPaint;
+  } widget([this] { Open(); });
+  widget.show();
+  AwaitOpening();
+}
+
+TEST_F(Waiting, AnAddressBookThatIsSlowToAnswerLeavesTheWindowAlive) {
+  /// Answers once the user-interface thread has served a call, or was given up.
+  class SlowBook final : public vcard::ContactSource {
+   public:
+    explicit SlowBook(qt::UiThread& thread) : m_thread(thread) {}
+
+    vcard::ReadResult Read(std::vector<vcard::Book>& /*books*/) override {
+      m_thread.Post([this] { m_served.set_value(); });
+      const bool isAlive =
+          m_served.get_future().wait_for(std::chrono::seconds(60)) == std::future_status::ready;
+      return isAlive ? vcard::ReadResult::kRead : vcard::ReadResult::kNoAnswer;
+    }
+    std::string GetReason() const override { return {}; }
+
+   private:
+    qt::UiThread& m_thread;
+    std::promise<void> m_served;
+  } book(m_thread);
+  posix::PosixThreads real;
+  qt::QtThreads threads(m_thread, real);
+  std::vector<vcard::Book> books;
+  EXPECT_EQ(vcard::BackgroundSource(book, threads).Read(books), vcard::ReadResult::kRead);
+}
+
+TEST_F(Waiting, HoldsBackWhatMustNotRunDuringAWait) {
+  std::vector<int> served;
+  m_thread.PostForLater([&] { served.push_back(1); });
+  m_thread.Post([&] {
+    served.push_back(2);
+    Open();
+  });
+  AwaitOpening();
+  EXPECT_THAT(served, ElementsAre(2));
+  QApplication::processEvents();
+  EXPECT_THAT(served, ElementsAre(2, 1));
+}
+
+TEST_F(Waiting, OnAnotherThreadItJustCalls) {
+  std::thread([this] {
+    const auto self = std::this_thread::get_id();
+    std::thread::id called;
+    m_thread.Await([&] { called = std::this_thread::get_id(); });
+    EXPECT_EQ(called, self);
+    EXPECT_FALSE(m_thread.IsWaiting());
+  }).join();
+}
+
+TEST_F(Waiting, OutlastsTheEndOfTheApplication) {
+  m_thread.Post([this] {
+    QCoreApplication::exit();
+    m_thread.Post([this] { Open(); });
+  });
+  AwaitOpening();
+  EXPECT_FALSE(m_thread.IsWaiting());
+}
+
+TEST_F(Waiting, TakesNoInput) {
+  NotingDialog dialog(m_ui);
+  dialog.onCommand = [&](int id) {
+    EXPECT_EQ(id, sample::kGo);
+    QDialog* window = User::GetWindow();
+    m_thread.Post([&, window] {
+      User::Click(sample::kStop);
+      User::Click(sample::kGo);
+      User::ChooseLine(sample::kList, 0);
+      User::Type(Qt::Key_Return);
+      User::Type(Qt::Key_F1);
+      User::Type(Qt::Key_Escape);
+      User::Type(Qt::Key_S, Qt::AltModifier);
+      QTest::mouseClick(window->findChild<QWidget*>("dialog_77"), Qt::LeftButton, {},
+                        QPoint(331, 151));
+      EXPECT_FALSE(window->close());
+      // A screen reader presses without any event.
+      User::FindButton(sample::kStop)->click();
+      Open();
+    });
+    AwaitOpening();
+  };
+  Run(dialog, [&] {
+    dialog.Window().AddItem(sample::kList, u"line");
+    User::Click(sample::kGo);
+    EXPECT_EQ(dialog.Window().GetSelection(sample::kList), std::nullopt);
+    EXPECT_TRUE(dialog.IsAttached());
+    dialog.onCommand = {};
+    User::Click(sample::kStop);
+  });
+  EXPECT_EQ(dialog.heard.size(), 2U) << "What was pressed meanwhile is not made up for.";
+  EXPECT_EQ(dialog.helps, 0);
+  EXPECT_EQ(dialog.cancels, 0);
+  EXPECT_TRUE(dialog.presses.empty());
+}
+
+TEST_F(Waiting, AWorkersBoxIsAnsweredAndStopsTheWorkerAlone) {
+  m_user.SetAnswer(support::Press("cancel"));
+  platform::MessageAnswer answer = platform::MessageAnswer::kOk;
+  std::thread worker([&] {
+    answer = m_ui.ShowMessage(
+        {u"from afar", platform::MessageCaption::kNone, {}, platform::MessageStyle::kOkCancel});
+    Open();
+  });
+  AwaitOpening();
+  worker.join();
+  EXPECT_EQ(answer, platform::MessageAnswer::kCancel);
+  EXPECT_FALSE(m_user.GetBoxes().at(0).isModal);
+  QApplication::processEvents();
+  EXPECT_TRUE(QApplication::topLevelWidgets().isEmpty()) << "The box has gone.";
+}
+
+TEST_F(Waiting, EndsWhileAWorkersBoxIsStillOpenWhichThenStandsAboveEverything) {
+  QPointer<QDialog> open;
+  m_user.SetAnswer([&](QDialog& box) {
+    open = &box;
+    Open();
+  });
+  std::thread worker([&] { m_ui.ShowMessage(platform::ApplicationBox(u"from afar")); });
+  NotingDialog dialog(m_ui);
+  const auto story = [&] {
+    // Through the window system, which spares no window that another one blocks.
+    const auto click = [](QWidget* widget) {
+      const QPoint place = widget->mapTo(widget->window(), widget->rect().center());
+      QTest::mouseClick(widget->window()->windowHandle(), Qt::LeftButton, {}, place);
+    };
+    click(User::Find(sample::kStop));
+    EXPECT_EQ(dialog.heard.size(), 1U) << "The dialog can be used.";
+    EXPECT_TRUE(open->isVisible());
+    click(open->findChild<QPushButton*>("ok"));
+    EXPECT_TRUE(open.isNull() || !open->isVisible());
+    dialog.EndDialog(1);
+  };
+  dialog.onInit = [&] {
+    AwaitOpening();
+    m_user.Soon(story);
+  };
+  dialog.DoModal();
+  worker.join();
+}
+
+TEST_F(Waiting, TheHandleOfAThreadIsGivenUpWithoutBlockingTheWorkersBox) {
+  qt::QtThreads threads(m_thread, m_machine.simulation);
+  auto thread = threads.Start([&] { m_ui.ShowMessage(platform::ApplicationBox(u"last words")); },
+                              ThreadStart::kRunning);
+  thread.reset();
+  EXPECT_THAT(m_user.GetBoxTexts(), ElementsAre("last words"));
+  EXPECT_EQ(m_user.GetBoxes().at(0).caption, "Zedra Voxtrel");
+}
+
+TEST_F(Waiting, TheClockIsTheInnerOne) {
+  qt::QtClock clock(m_thread, m_machine.simulation);
+  EXPECT_EQ(clock.GetTickCount(), 1000U);
+  clock.Sleep(300);
+  EXPECT_EQ(clock.GetTickCount(), 1300U);
+  EXPECT_EQ(m_machine.simulation.GetElapsed(), 300U);
+}
+
+TEST_F(Waiting, ThreadsAndEventsAreTheInnerOnes) {
+  qt::QtThreads threads(m_thread, m_machine.simulation);
+  const auto event = threads.CreateManualResetEvent();
+  EXPECT_EQ(event->Wait(100), WaitResult::kTimedOut);
+  EXPECT_EQ(m_machine.simulation.GetElapsed(), 100U);
+  const auto thread = threads.Start([&] { event->Set(); }, ThreadStart::kSuspended);
+  EXPECT_EQ(thread->Wait(50), WaitResult::kTimedOut);
+  thread->Resume();
+  EXPECT_EQ(event->Wait(platform::kNoLimit), WaitResult::kSignalled);
+  EXPECT_EQ(thread->Wait(platform::kNoLimit), WaitResult::kSignalled);
+  event->Reset();
+  EXPECT_EQ(event->Wait(0), WaitResult::kTimedOut);
+  const auto mutex = threads.CreateNamedMutex(u"name");
+  EXPECT_TRUE(threads.CreateNamedMutex(u"name").existed);
+}
+
+TEST_F(Waiting, AThreadNeverResumedEndsWithoutHavingRun) {
+  qt::QtThreads threads(m_thread, m_machine.simulation);
+  bool hasRun = false;
+  {
+    const auto thread = threads.Start([&] { hasRun = true; }, ThreadStart::kSuspended);
+  }
+  EXPECT_FALSE(hasRun);
+}
+
+TEST_F(Waiting, NoThreadsFromASystemThatHasNone) {
+  class Poor final : public platform::Threads {
+   public:
+    std::unique_ptr<platform::Thread> Start(std::function<void()> /*body*/,
+                                            ThreadStart /*start*/) override {
+      return nullptr;
+    }
+    std::unique_ptr<platform::Event> CreateManualResetEvent() override { return nullptr; }
+    platform::CreatedMutex CreateNamedMutex(std::u16string_view /*name*/) override { return {}; }
+  } poor;
+  qt::QtThreads threads(m_thread, poor);
+  EXPECT_EQ(threads.Start([] {}, ThreadStart::kRunning), nullptr);
+  EXPECT_EQ(threads.CreateManualResetEvent(), nullptr);
+}
+
+}  // namespace

@@ -1,0 +1,189 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <map>
+
+#include "backends/sqlite/sqlite_registry.h"
+#include "tests/backends/sqlite/faulty_file_layer.h"
+#include "tests/backends/sqlite/raw_database.h"
+#include "tests/support/registry_access.h"
+#include "tests/support/temp_folder.h"
+
+namespace sqlite {
+
+using platform::RegistryError;
+using platform::RegistryGroup;
+using support::BytesOf;
+using support::FaultyFileLayer;
+using support::FileContent;
+using support::KeyExists;
+using support::PutText;
+using support::SubkeyNames;
+using support::Utf16Bytes;
+using testing::ElementsAre;
+
+namespace {
+
+std::vector<std::byte> TextWithZero(const std::u16string& text) { return Utf16Bytes(text + u'\0'); }
+
+class SqliteRegistryReading : public testing::Test {
+ protected:
+  [[nodiscard]] std::filesystem::path Database() const { return m_folder.Path() / kDatabaseName; }
+
+  [[nodiscard]] RegistryOptions Options(Access access) const {
+    return {{u"Software\\Initial"}, std::chrono::milliseconds(0), m_layer.Name(), access};
+  }
+  [[nodiscard]] SqliteRegistry Reader() const {
+    return SqliteRegistry(Database(), Options(Access::kRead));
+  }
+  [[nodiscard]] std::unique_ptr<SqliteRegistry> Writer() const {
+    return std::make_unique<SqliteRegistry>(Database(), Options(Access::kChange));
+  }
+  void MakeStore() const {
+    ASSERT_EQ(PutText(*Writer(), u"tags\\1", u"v", u"text"), RegistryError::kNone);
+  }
+  /// As other programs and other users may leave it: every change is in the database.
+  [[nodiscard]] bool HasLogFiles() const {
+    return std::filesystem::exists(Database().native() + "-wal") ||
+           std::filesystem::exists(Database().native() + "-shm");
+  }
+  [[nodiscard]] FaultyFileLayer& Layer() { return m_layer; }
+  [[nodiscard]] std::filesystem::path Folder() const { return m_folder.Path(); }
+
+ private:
+  support::TempFolder m_folder;
+  FaultyFileLayer m_layer;
+};
+
+}  // namespace
+
+TEST_F(SqliteRegistryReading, AStoreIsReadAndTakesNoChange) {
+  MakeStore();
+  const std::string before = FileContent(Database());
+  {
+    SqliteRegistry registry = Reader();
+    EXPECT_EQ(BytesOf(registry, u"tags\\1", u"v"), TextWithZero(u"text"));
+    EXPECT_EQ(PutText(registry, u"tags\\1", u"v", u"other"), RegistryError::kReadOnly);
+    EXPECT_EQ(registry.CreateKey(u"tags\\2").error, RegistryError::kReadOnly);
+    EXPECT_EQ(registry.DeleteKey(u"tags"), RegistryError::kReadOnly);
+    EXPECT_EQ(BytesOf(registry, u"tags\\1", u"v"), TextWithZero(u"text"));
+  }
+  EXPECT_TRUE(FileContent(Database()) == before);
+}
+
+TEST_F(SqliteRegistryReading, AStoreThatIsMissingReadsAsANewOneAndIsNotMade) {
+  SqliteRegistry registry = Reader();
+  EXPECT_TRUE(KeyExists(registry, u"Software\\Initial"));
+  EXPECT_EQ(registry.OpenKey(u"tags").error, RegistryError::kNotFound);
+  EXPECT_EQ(registry.CreateKey(u"tags").error, RegistryError::kReadOnly);
+  EXPECT_TRUE(std::filesystem::is_empty(Folder()));
+  SqliteRegistry inNoFolder(Folder() / "none" / kDatabaseName, Options(Access::kRead));
+  EXPECT_TRUE(KeyExists(inNoFolder, u"Software\\Initial"));
+  EXPECT_FALSE(std::filesystem::exists(Folder() / "none"));
+}
+
+TEST_F(SqliteRegistryReading, AnEmptyFileReadsAsANewStoreAndStaysEmpty) {
+  support::WriteFileContent(Database(), "");
+  SqliteRegistry registry = Reader();
+  EXPECT_TRUE(KeyExists(registry, u"Software\\Initial"));
+  EXPECT_EQ(std::filesystem::file_size(Database()), 0U);
+}
+
+TEST_F(SqliteRegistryReading, WhatIsNoStoreIsReportedAndLeftAlone) {
+  const std::string other(5000, 'x');
+  support::WriteFileContent(Database(), other);
+  EXPECT_EQ(Reader().OpenKey(u"tags").error, RegistryError::kDamaged);
+  EXPECT_TRUE(FileContent(Database()) == other);
+}
+
+TEST_F(SqliteRegistryReading, AGroupReadsOneStateAndWaitsForNoWriter) {
+  MakeStore();
+  const auto writer = Writer();
+  ASSERT_EQ(writer->BeginGroup(), RegistryError::kNone);
+  ASSERT_EQ(PutText(*writer, u"tags\\2", u"v", u"new"), RegistryError::kNone);
+  SqliteRegistry registry = Reader();
+  RegistryGroup group(registry);
+  EXPECT_EQ(group.BeginError(), RegistryError::kNone);
+  EXPECT_THAT(SubkeyNames(registry, u"tags"), ElementsAre(u"1"));
+  ASSERT_EQ(writer->CommitGroup(), RegistryError::kNone);
+  EXPECT_THAT(SubkeyNames(registry, u"tags"), ElementsAre(u"1"));
+  EXPECT_EQ(group.Commit(), RegistryError::kNone);
+  EXPECT_THAT(SubkeyNames(registry, u"tags"), ElementsAre(u"1", u"2"));
+}
+
+TEST_F(SqliteRegistryReading, AFinishedStoreIsReadWhereNoIndexCanBeMade) {
+  MakeStore();
+  ASSERT_FALSE(HasLogFiles());
+  for (const auto fault :
+       {FaultyFileLayer::Fault::kDiskFull, FaultyFileLayer::Fault::kWriteError}) {
+    Layer().FailFrom(1, fault);
+    SqliteRegistry registry = Reader();
+    EXPECT_EQ(BytesOf(registry, u"tags\\1", u"v"), TextWithZero(u"text"));
+    EXPECT_TRUE(Layer().HasFailed());
+    Layer().Heal();
+    for (const char* const ending : {"-wal", "-shm"}) {
+      std::filesystem::remove(Database().native() + ending);
+    }
+  }
+  Layer().MakeReadOnly(FaultyFileLayer::ReadOnly::kWholeMedium);
+  SqliteRegistry registry = Reader();
+  EXPECT_EQ(BytesOf(registry, u"tags\\1", u"v"), TextWithZero(u"text"));
+}
+
+TEST_F(SqliteRegistryReading, AnOddNameOfTheFolderIsNoOption) {
+  const std::filesystem::path odd = Folder() / "50%?immutable=0#x";
+  std::filesystem::create_directory(odd);
+  ASSERT_EQ(PutText(*std::make_unique<SqliteRegistry>(odd / kDatabaseName), u"a", u"v", u"text"),
+            RegistryError::kNone);
+  Layer().MakeReadOnly(FaultyFileLayer::ReadOnly::kWholeMedium);
+  SqliteRegistry registry(odd / kDatabaseName, Options(Access::kRead));
+  EXPECT_EQ(BytesOf(registry, u"a", u"v"), TextWithZero(u"text"));
+}
+
+TEST_F(SqliteRegistryReading, ALogWithoutAnIndexIsNotPassedOver) {
+  MakeStore();
+  const auto writer = Writer();
+  ASSERT_EQ(PutText(*writer, u"tags\\1", u"v", u"newer"), RegistryError::kNone);
+  // As copied from elsewhere onto a medium that is full.
+  const std::filesystem::path copy = Folder() / "copy";
+  std::filesystem::create_directory(copy);
+  for (const char* const ending : {"", "-wal"}) {
+    std::filesystem::copy_file(Database().native() + ending,
+                               (copy / kDatabaseName).native() + ending);
+  }
+  Layer().FailFrom(1, FaultyFileLayer::Fault::kDiskFull);
+  SqliteRegistry registry(copy / kDatabaseName, Options(Access::kRead));
+  EXPECT_EQ(registry.OpenKey(u"tags").error, RegistryError::kFull);
+  Layer().Heal();
+  EXPECT_EQ(BytesOf(registry, u"tags\\1", u"v"), TextWithZero(u"newer"));
+}
+
+TEST_F(SqliteRegistryReading, OnAFullMediumTheStoreOpensAndTakesChangesOnceThereIsRoom) {
+  MakeStore();
+  Layer().FailFrom(1, FaultyFileLayer::Fault::kDiskFull);
+  const auto registry = Writer();
+  const auto key = registry->OpenKey(u"tags\\1");
+  ASSERT_EQ(key.error, RegistryError::kNone);
+  EXPECT_EQ(BytesOf(*registry, u"tags\\1", u"v"), TextWithZero(u"text"));
+  EXPECT_EQ(PutText(*registry, u"tags\\1", u"v", u"other"), RegistryError::kFull);
+  EXPECT_EQ(registry->DeleteKey(u"tags"), RegistryError::kFull);
+  {
+    RegistryGroup group(*registry);
+    EXPECT_EQ(group.BeginError(), RegistryError::kNone);
+    EXPECT_EQ(BytesOf(*registry, u"tags\\1", u"v"), TextWithZero(u"text"));
+    // That there is no room shows at the end, if not before.
+    static_cast<void>(PutText(*registry, u"tags\\1", u"v", u"other"));
+    EXPECT_EQ(group.Commit(), RegistryError::kFull);
+  }
+  Layer().Heal();
+  EXPECT_EQ(key.key->Set(u"v", platform::RegistryType::kString, Utf16Bytes(u"other")),
+            RegistryError::kNone);
+  EXPECT_EQ(BytesOf(*registry, u"tags\\1", u"v"), Utf16Bytes(u"other"));
+  RegistryGroup group(*registry);
+  EXPECT_EQ(registry->DeleteKey(u"tags"), RegistryError::kNone);
+  EXPECT_EQ(group.Commit(), RegistryError::kNone);
+  EXPECT_FALSE(KeyExists(*Writer(), u"tags"));
+}
+
+}  // namespace sqlite

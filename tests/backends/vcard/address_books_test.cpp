@@ -1,0 +1,522 @@
+#include "backends/vcard/address_books.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+#include "backends/headless/memory_file_system.h"
+#include "backends/headless/memory_registry.h"
+#include "tests/backends/vcard/read_cards.h"
+#include "tests/support/failing_registry.h"
+#include "tests/support/file_bytes.h"
+#include "tests/support/read_only_registry.h"
+#include "tests/support/registry_access.h"
+
+namespace vcard {
+namespace {
+
+using platform::ContactLookup;
+
+/// The desktop's address books as a test sets them.
+class SetDesktop final : public ContactSource {
+ public:
+  ReadResult Read(std::vector<Book>& read) override {
+    read.clear();
+    if (result == ReadResult::kRead) {
+      read = books;
+    }
+    return result;
+  }
+
+  ReadResult result = ReadResult::kNoAnswer;
+  std::vector<Book> books;
+};
+
+ContactData Contact(std::string uid, std::u16string lastName) {
+  ContactData contact;
+  contact.uid = std::move(uid);
+  contact.lastName = std::move(lastName);
+  return contact;
+}
+
+std::string Person(const std::string& name) {
+  return WriteCard("UID:" + name + "\nN:" + name + ";;;;");
+}
+
+class AddressBooksTest : public testing::Test {
+ protected:
+  void Put(std::u16string_view path, const std::string& content) {
+    ASSERT_TRUE(m_files.PutFile(path, support::ToBytes(content)));
+  }
+
+  /// A new start of the program. Whether the log-on went well.
+  bool Start(std::optional<SourceChoice> choice = std::nullopt) {
+    AddressBooks::Options options;
+    options.choice = std::move(choice);
+    options.desktop = &m_desktop;
+    options.oidsInUse = [this] { return m_inUse; };
+    m_store = std::make_unique<AddressBooks>(m_files, m_registry, std::move(options));
+    return m_store->Initialize() && m_store->Connect() && m_store->Logon();
+  }
+
+  std::string Names() {
+    std::string names;
+    for (std::int32_t i = 1; i <= m_store->GetCount(); ++i) {
+      std::u16string name;
+      EXPECT_TRUE(m_store->GetItem(i).contact->GetLastName(name));
+      names += text::ToUtf8(name) + ".";
+    }
+    return names;
+  }
+
+  std::int32_t Oid(std::int32_t index) {
+    std::int32_t oid = 0;
+    EXPECT_TRUE(m_store->GetItem(index).contact->GetOid(oid));
+    return oid;
+  }
+
+  ContactLookup LookUp(std::int32_t oid) {
+    std::unique_ptr<platform::Contact> contact;
+    return m_store->GetItemFromOid(oid, contact);
+  }
+
+  void SetDesktopTo(std::vector<ContactData> contacts, bool isComplete = true) {
+    m_desktop.result = ReadResult::kRead;
+    m_desktop.books = {{u"eds:book", std::move(contacts), isComplete}};
+  }
+
+  headless::MemoryFileSystem m_files;
+  headless::MemoryRegistry m_registry;
+  SetDesktop m_desktop;
+  std::optional<std::vector<std::int32_t>> m_inUse = std::vector<std::int32_t>();
+  std::unique_ptr<AddressBooks> m_store;
+};
+
+// Which address book is read.
+
+TEST_F(AddressBooksTest, TheDesktopIsReadWhereItHasContacts) {
+  Put(u"\\contacts.vcf", Person("File"));
+  SetDesktopTo({Contact("a", u"Desktop")});
+  ASSERT_TRUE(Start());
+  EXPECT_EQ(Names(), "Desktop.");
+}
+
+TEST_F(AddressBooksTest, TheDevicesFileIsReadWhereNoServerAnswers) {
+  Put(u"\\contacts.vcf", Person("File"));
+  ASSERT_TRUE(Start());
+  EXPECT_EQ(Names(), "File.");
+}
+
+TEST_F(AddressBooksTest, TheDevicesFileIsReadWhereTheDesktopHasNoContacts) {
+  Put(u"\\contacts.vcf", Person("File"));
+  SetDesktopTo({});
+  ASSERT_TRUE(Start());
+  EXPECT_EQ(Names(), "File.");
+}
+
+TEST_F(AddressBooksTest, ADesktopThatCannotBeReadToItsEndIsNotPassedOver) {
+  Put(u"\\contacts.vcf", Person("File"));
+  m_desktop.result = ReadResult::kUnreadable;
+  EXPECT_FALSE(Start());
+}
+
+TEST_F(AddressBooksTest, ANewcomerHasNoContacts) {
+  EXPECT_TRUE(Start());
+  EXPECT_EQ(m_store->GetCount(), 0);
+  EXPECT_EQ(m_store->GetProblem(), AddressBooks::Problem::kNothingChosen);
+  SetDesktopTo({});
+  EXPECT_TRUE(Start());
+  EXPECT_EQ(m_store->GetCount(), 0);
+  EXPECT_EQ(m_store->GetProblem(), AddressBooks::Problem::kNothingChosen);
+}
+
+TEST_F(AddressBooksTest, NoContactsAnywhereIsAFailureWhereTagsNeedThem) {
+  m_inUse = {17};
+  EXPECT_FALSE(Start());
+  EXPECT_EQ(m_store->GetProblem(), AddressBooks::Problem::kNothingChosen);
+  SetDesktopTo({});
+  EXPECT_FALSE(Start());
+}
+
+TEST_F(AddressBooksTest, NoContactsAnywhereIsAFailureWhereNobodyKnowsWhetherTagsNeedThem) {
+  m_inUse = std::nullopt;
+  EXPECT_FALSE(Start());
+}
+
+TEST_F(AddressBooksTest, ADefaultFileThatCannotBeReadIsAFailure) {
+  Put(u"\\contacts.vcf", "no card at all");
+  EXPECT_FALSE(Start());
+  EXPECT_EQ(m_store->GetProblem(), AddressBooks::Problem::kUnreadable);
+}
+
+TEST_F(AddressBooksTest, AChoiceIsRememberedOnceItWorked) {
+  SetDesktopTo({Contact("a", u"Desktop")});
+  EXPECT_FALSE(Start(SourceChoice{u"/all.vcf"}));
+  ASSERT_TRUE(Start());
+  EXPECT_EQ(Names(), "Desktop.");
+  Put(u"/all.vcf", Person("Ann"));
+  ASSERT_TRUE(Start(SourceChoice{u"/all.vcf"}));
+  ASSERT_TRUE(Start());
+  EXPECT_EQ(Names(), "Ann.");
+  ASSERT_TRUE(Start(SourceChoice{}));
+  ASSERT_TRUE(Start());
+  EXPECT_EQ(Names(), "Desktop.");
+}
+
+TEST_F(AddressBooksTest, AChosenDesktopIsNotReplacedByTheFile) {
+  Put(u"\\contacts.vcf", Person("File"));
+  EXPECT_FALSE(Start(SourceChoice{}));
+}
+
+TEST_F(AddressBooksTest, TellsWhyALogonFailed) {
+  using Problem = AddressBooks::Problem;
+  EXPECT_TRUE(Start());
+  EXPECT_EQ(m_store->GetProblem(), Problem::kNothingChosen);
+  EXPECT_FALSE(Start(SourceChoice{}));
+  EXPECT_EQ(m_store->GetProblem(), Problem::kNoServer);
+  EXPECT_FALSE(Start(SourceChoice{u"/all.vcf"}));
+  EXPECT_EQ(m_store->GetProblem(), Problem::kUnreadable);
+  m_desktop.result = ReadResult::kUnreadable;
+  EXPECT_FALSE(Start());
+  EXPECT_EQ(m_store->GetProblem(), Problem::kUnreadable);
+  Put(u"/all.vcf", Person("Ann"));
+  m_inUse = {17};
+  EXPECT_FALSE(Start(SourceChoice{u"/all.vcf"}));
+  EXPECT_EQ(m_store->GetProblem(), Problem::kTagsElsewhere);
+  m_inUse = std::nullopt;
+  EXPECT_FALSE(Start(SourceChoice{u"/all.vcf"}));
+  EXPECT_EQ(m_store->GetProblem(), Problem::kStore);
+  m_inUse = std::vector<std::int32_t>();
+  EXPECT_TRUE(Start(SourceChoice{u"/all.vcf"}));
+  EXPECT_EQ(m_store->GetProblem(), Problem::kNone);
+}
+
+// Numbers and lookup.
+
+TEST_F(AddressBooksTest, ContactsAreFoundByNumberOverRestarts) {
+  Put(u"/all.vcf", Person("Ann") + Person("Bob"));
+  ASSERT_TRUE(Start(SourceChoice{u"/all.vcf"}));
+  const std::int32_t bob = Oid(2);
+  Put(u"/all.vcf", Person("Zoe") + Person("Bob") + Person("Ann"));
+  ASSERT_TRUE(Start());
+  std::unique_ptr<platform::Contact> contact;
+  ASSERT_EQ(m_store->GetItemFromOid(bob, contact), ContactLookup::kFound);
+  std::u16string name;
+  ASSERT_TRUE(contact->GetLastName(name));
+  EXPECT_EQ(name, u"Bob");
+}
+
+TEST_F(AddressBooksTest, ADeletedContactIsAbsent) {
+  Put(u"/all.vcf", Person("Ann") + Person("Bob"));
+  ASSERT_TRUE(Start(SourceChoice{u"/all.vcf"}));
+  const std::int32_t ann = Oid(1);
+  m_inUse = {ann};
+  Put(u"/all.vcf", Person("Bob"));
+  ASSERT_TRUE(Start());
+  EXPECT_EQ(LookUp(ann), ContactLookup::kAbsent);
+}
+
+TEST_F(AddressBooksTest, ANumberThatNobodyEverHadIsNotAbsent) {
+  Put(u"/all.vcf", Person("Ann"));
+  ASSERT_TRUE(Start(SourceChoice{u"/all.vcf"}));
+  EXPECT_EQ(LookUp(Oid(1) + 1), ContactLookup::kFailed);
+  EXPECT_EQ(LookUp(0), ContactLookup::kFailed);
+}
+
+TEST_F(AddressBooksTest, AnItemOutsideTheCollectionFails) {
+  Put(u"/all.vcf", Person("Ann"));
+  ASSERT_TRUE(Start(SourceChoice{u"/all.vcf"}));
+  for (const std::int32_t index : {-1, 0, 2}) {
+    EXPECT_FALSE(m_store->GetItem(index).ok) << index;
+  }
+}
+
+// No tag is lost because an address book was away.
+
+class AddressBooksInUse : public AddressBooksTest {
+ protected:
+  void SetUp() override {
+    Put(u"/all.vcf", Person("Ann") + Person("Bob"));
+    ASSERT_TRUE(Start(SourceChoice{u"/all.vcf"}));
+    m_ann = Oid(1);
+    m_inUse = {m_ann};
+    ASSERT_TRUE(Start());
+  }
+
+  /// The log-on fails, and Ann is not taken for absent even by who asks all the same.
+  void ExpectRefused(std::optional<SourceChoice> choice = std::nullopt) {
+    EXPECT_FALSE(Start(std::move(choice)));
+    EXPECT_EQ(m_store->GetCount(), 0);
+    EXPECT_EQ(LookUp(m_ann), ContactLookup::kFailed);
+  }
+
+  std::int32_t m_ann = 0;
+};
+
+TEST_F(AddressBooksInUse, AMissingFileEndsTheLogon) {
+  ASSERT_EQ(m_files.Delete(u"/all.vcf"), platform::FileError::kNone);
+  ExpectRefused();
+}
+
+TEST_F(AddressBooksInUse, AnEmptiedFileEndsTheLogon) {
+  Put(u"/all.vcf", "");
+  ExpectRefused();
+}
+
+TEST_F(AddressBooksInUse, AFileOfSomethingElseEndsTheLogon) {
+  Put(u"/all.vcf", "<html></html>");
+  ExpectRefused();
+}
+
+TEST_F(AddressBooksInUse, AFileTornBeforeTheContactEndsTheLogon) {
+  Put(u"/all.vcf", Person("Bob") + Person("Ann").substr(0, 30));
+  ExpectRefused();
+}
+
+TEST_F(AddressBooksInUse, AFileTornBehindTheContactDoesNot) {
+  Put(u"/all.vcf", Person("Ann") + Person("Bob").substr(0, 30));
+  EXPECT_TRUE(Start());
+}
+
+TEST_F(AddressBooksInUse, AnotherFileEndsTheLogonAndIsNotRemembered) {
+  Put(u"/other.vcf", Person("Ann"));
+  ExpectRefused(SourceChoice{u"/other.vcf"});
+  ASSERT_TRUE(Start());
+  EXPECT_EQ(LookUp(m_ann), ContactLookup::kFound);
+}
+
+TEST_F(AddressBooksInUse, AServerThatDoesNotAnswerEndsTheLogon) {
+  SetDesktopTo({Contact("a", u"Lee")});
+  m_inUse = std::vector<std::int32_t>();
+  ASSERT_TRUE(Start(SourceChoice{}));
+  m_inUse = {Oid(1)};
+  m_desktop.result = ReadResult::kNoAnswer;
+  EXPECT_FALSE(Start());
+}
+
+TEST_F(AddressBooksInUse, ABookOfTheDesktopThatIsOffNowEndsTheLogon) {
+  SetDesktopTo({Contact("a", u"Lee")});
+  m_desktop.books.push_back({u"eds:other", {Contact("b", u"Ray")}, true});
+  m_inUse = std::vector<std::int32_t>();
+  ASSERT_TRUE(Start(SourceChoice{}));
+  m_inUse = {Oid(2)};
+  m_desktop.books.pop_back();
+  EXPECT_FALSE(Start());
+}
+
+TEST_F(AddressBooksInUse, ABookThatMayStillBeFillingUpTellsNobodyAbsent) {
+  SetDesktopTo({Contact("a", u"Lee"), Contact("b", u"Ray")});
+  m_inUse = std::vector<std::int32_t>();
+  ASSERT_TRUE(Start(SourceChoice{}));
+  const std::int32_t lee = Oid(1);
+  SetDesktopTo({Contact("b", u"Ray")}, false);
+  ASSERT_TRUE(Start());
+  EXPECT_EQ(LookUp(lee), ContactLookup::kFailed);
+  m_inUse = {lee};
+  EXPECT_FALSE(Start());
+}
+
+class AddressBooksDefault : public AddressBooksTest {
+ protected:
+  void SetUp() override {
+    Put(u"\\contacts.vcf", Person("Ann"));
+    ASSERT_TRUE(Start());
+    m_inUse = {Oid(1)};
+  }
+};
+
+TEST_F(AddressBooksDefault, ADesktopThatComesUpDoesNotReplaceTheFileThatTagsBelongTo) {
+  SetDesktopTo({Contact("a", u"Lee")});
+  ASSERT_TRUE(Start());
+  EXPECT_EQ(Names(), "Ann.");
+}
+
+TEST_F(AddressBooksDefault, ADesktopThatFailsDoesNotReplaceTheFileThatTagsBelongTo) {
+  m_desktop.result = ReadResult::kUnreadable;
+  ASSERT_TRUE(Start());
+  EXPECT_EQ(Names(), "Ann.");
+}
+
+TEST_F(AddressBooksDefault, AFileThatIsAwayIsNotReplacedByTheDesktop) {
+  SetDesktopTo({Contact("a", u"Lee")});
+  Put(u"\\contacts.vcf", "");
+  EXPECT_FALSE(Start());
+}
+
+TEST_F(AddressBooksDefault, AStoreThatTakesNoNumbersIsNoReasonToPassOverTheDesktop) {
+  m_inUse = std::vector<std::int32_t>();
+  SetDesktopTo({Contact("a", u"Lee")});
+  support::FailingRegistry failing(m_registry);
+  AddressBooks::Options options;
+  options.desktop = &m_desktop;
+  bool hasFailed = true;
+  for (std::size_t call = 1; hasFailed; ++call) {
+    failing.FailCall(call, support::Failing::kOnce, platform::RegistryError::kBusy);
+    m_store = std::make_unique<AddressBooks>(m_files, failing, options);
+    const bool isOpen = m_store->Connect() && m_store->Logon();
+    hasFailed = failing.HasFailed();
+    EXPECT_EQ(isOpen, !hasFailed) << call;
+    EXPECT_EQ(Names(), hasFailed ? "" : "Lee.") << call;
+    EXPECT_EQ(m_store->GetProblem(),
+              hasFailed ? AddressBooks::Problem::kStore : AddressBooks::Problem::kNone)
+        << call;
+  }
+}
+
+// What only reads leaves no trace.
+
+class AddressBooksReading : public AddressBooksTest {
+ protected:
+  /// A log-on that may not change anything, over a registry that fails at the first write.
+  bool StartReading(std::optional<SourceChoice> choice = std::nullopt) {
+    AddressBooks::Options options;
+    options.choice = std::move(choice);
+    options.desktop = &m_desktop;
+    options.oidsInUse = [this] { return m_inUse; };
+    options.changesNothing = true;
+    m_store = std::make_unique<AddressBooks>(m_files, m_frozen, std::move(options));
+    return m_store->Initialize() && m_store->Connect() && m_store->Logon();
+  }
+
+  support::ReadOnlyRegistry m_frozen{m_registry};
+};
+
+TEST_F(AddressBooksReading, ANewContactHasTheNumberThatLearningThenGives) {
+  Put(u"/all.vcf", Person("Ann"));
+  ASSERT_TRUE(Start(SourceChoice{u"/all.vcf"}));
+  Put(u"/all.vcf", Person("Bob") + Person("Ann") + WriteCard("N:Zoe;;;;") + WriteCard("N:Zoe;;;;"));
+  ASSERT_TRUE(StartReading());
+  const std::vector<std::int32_t> shown = {Oid(1), Oid(2), Oid(3), Oid(4)};
+  ASSERT_TRUE(StartReading());
+  EXPECT_EQ(shown, (std::vector{Oid(1), Oid(2), Oid(3), Oid(4)}));
+  ASSERT_TRUE(Start());
+  EXPECT_EQ(shown, (std::vector{Oid(1), Oid(2), Oid(3), Oid(4)}));
+  EXPECT_EQ(m_frozen.CountWrites(), 0U);
+}
+
+TEST_F(AddressBooksReading, NoChoiceIsRememberedAndNoKeyIsMade) {
+  Put(u"/all.vcf", Person("Ann"));
+  ASSERT_TRUE(StartReading(SourceChoice{u"/all.vcf"}));
+  EXPECT_EQ(Names(), "Ann.");
+  EXPECT_EQ(m_frozen.CountWrites(), 0U);
+  EXPECT_FALSE(support::KeyExists(m_registry, u"Software\\Zedra\\Voxtrel Contacts"));
+  ASSERT_TRUE(StartReading());
+  EXPECT_EQ(m_store->GetCount(), 0);
+}
+
+TEST_F(AddressBooksReading, EveryBookOfTheDesktopHasItsNumbers) {
+  SetDesktopTo({Contact("a", u"Lee")});
+  m_desktop.books.push_back({u"eds:other", {Contact("a", u"Ray")}, true});
+  ASSERT_TRUE(StartReading());
+  const std::vector<std::int32_t> shown = {Oid(1), Oid(2)};
+  EXPECT_NE(shown[0], shown[1]);
+  ASSERT_TRUE(Start());
+  EXPECT_EQ(shown, (std::vector{Oid(1), Oid(2)}));
+}
+
+TEST_F(AddressBooksReading, TagsAreGuardedAsEver) {
+  Put(u"/all.vcf", Person("Ann"));
+  m_inUse = {17};
+  EXPECT_FALSE(StartReading(SourceChoice{u"/all.vcf"}));
+  EXPECT_EQ(m_store->GetProblem(), AddressBooks::Problem::kTagsElsewhere);
+}
+
+TEST_F(AddressBooksInUse, ATornCardIsNamedAndNobodyIsTakenForAbsent) {
+  Put(u"/all.vcf", Person("Bob") + "BEGIN:VCARD\r\nN:Ann;;;;\r\n");
+  EXPECT_FALSE(Start());
+  EXPECT_EQ(m_store->GetProblem(), AddressBooks::Problem::kTagsElsewhere);
+  ASSERT_EQ(m_store->GetRemarks().size(), 1U);
+  EXPECT_EQ(m_store->GetRemarks()[0].place, u"/all.vcf");
+  EXPECT_EQ(m_store->GetRemarks()[0].line, 6U);
+}
+
+// A registry of the time when a contact without a UID was known by its content.
+
+TEST_F(AddressBooksTest, AContactWithTwoMobileNumbersKeepsTheNumberOfAFormerEntry) {
+  const Digest digest = ComputeDigest("content:\nLee\n\n\n\n\n\n1\n\n\n\n\n\n\n");
+  std::vector<std::byte> entry(digest.begin(), digest.end());
+  entry.insert(entry.end(), {std::byte{17}, std::byte{0}, std::byte{0}, std::byte{0}});
+  constexpr std::u16string_view kBook = u"Software\\Zedra\\Voxtrel Contacts\\1";
+  ASSERT_EQ(support::PutText(m_registry, kBook, u"source", u"vcard:/all.vcf"),
+            platform::RegistryError::kNone);
+  ASSERT_EQ(support::Put(m_registry, kBook, u"0", platform::RegistryType::kBinary, entry),
+            platform::RegistryError::kNone);
+  m_inUse = {17};
+  Put(u"/all.vcf", WriteCard("N:Lee;;;;\nTEL;CELL:1\nTEL;CELL:2", "2.1"));
+  ASSERT_TRUE(Start(SourceChoice{u"/all.vcf"}));
+  EXPECT_EQ(Oid(1), 17);
+  Put(u"/all.vcf", WriteCard("UID:new\nN:Lee;;;;\nTEL;CELL:3", "2.1"));
+  ASSERT_TRUE(Start());
+  EXPECT_EQ(Oid(1), 17);
+}
+
+// A registry without room.
+
+TEST_F(AddressBooksInUse, AFullRegistryKeepsNobodyFromHisContacts) {
+  Put(u"/copy.vcf", Person("Ann"));
+  support::ReadOnlyRegistry full(m_registry, platform::RegistryError::kFull);
+  AddressBooks::Options options;
+  options.choice = SourceChoice{u"/copy.vcf"};
+  AddressBooks copy(m_files, full, options);
+  ASSERT_TRUE(copy.Connect() && copy.Logon());
+  EXPECT_EQ(copy.GetCount(), 1);
+  std::vector<std::string> said;
+  for (const Remark& remark : copy.GetRemarks()) {
+    said.push_back(remark.text);
+  }
+  EXPECT_EQ(said, (std::vector<std::string>{
+                      "the choice of the address book cannot be remembered",
+                      "what is new of the contacts cannot be kept: the disk is full"}));
+  ASSERT_TRUE(Start());
+  EXPECT_EQ(Names(), "Ann.Bob.") << "the other book was not remembered";
+}
+
+TEST_F(AddressBooksInUse, AnotherProgramsValuesInTheMapAreNamedAndStopNothing) {
+  ASSERT_EQ(support::Put(m_registry, u"Software\\Zedra\\Voxtrel Contacts\\1", u"0",
+                         platform::RegistryType::kBinary, std::vector<std::byte>(19)),
+            platform::RegistryError::kNone);
+  ASSERT_TRUE(Start());
+  EXPECT_EQ(LookUp(m_ann), ContactLookup::kFound);
+  ASSERT_EQ(m_store->GetRemarks().size(), 1U);
+  EXPECT_EQ(m_store->GetRemarks()[0].place, u"Software\\Zedra\\Voxtrel Contacts\\1");
+}
+
+TEST_F(AddressBooksInUse, TagsThatCannotBeCountedEndTheLogon) {
+  m_inUse = std::nullopt;
+  ExpectRefused();
+}
+
+TEST_F(AddressBooksInUse, ATagOfANumberThatNobodyEverHadEndsTheLogon) {
+  m_inUse = {m_ann, 12345};
+  ExpectRefused();
+}
+
+TEST_F(AddressBooksInUse, AStoreThatCannotBeReadEndsTheConnection) {
+  support::FailingRegistry failing(m_registry);
+  AddressBooks::Options options;
+  options.desktop = &m_desktop;
+  bool hasFailed = true;
+  for (std::size_t call = 1; hasFailed; ++call) {
+    failing.FailCall(call, support::Failing::kOnce, platform::RegistryError::kBusy);
+    AddressBooks store(m_files, failing, options);
+    const bool isOpen = store.Connect() && store.Logon();
+    hasFailed = failing.HasFailed();
+    EXPECT_EQ(isOpen, !hasFailed) << call;
+    EXPECT_EQ(store.GetCount(), hasFailed ? 0 : 2);
+  }
+}
+
+TEST_F(AddressBooksInUse, ALostStoreGivesContactsTheirNumbersBack) {
+  headless::MemoryRegistry fresh;
+  AddressBooks::Options options;
+  options.choice = SourceChoice{u"/all.vcf"};
+  options.desktop = &m_desktop;
+  AddressBooks store(m_files, fresh, options);
+  ASSERT_TRUE(store.Connect() && store.Logon());
+  std::unique_ptr<platform::Contact> contact;
+  EXPECT_EQ(store.GetItemFromOid(m_ann, contact), ContactLookup::kFound);
+}
+
+}  // namespace
+}  // namespace vcard

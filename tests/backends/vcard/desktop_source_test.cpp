@@ -1,0 +1,105 @@
+// What becomes of the cards that the desktop's library hands over. With the library itself and the
+// real servers: tests/backends/ebook.
+
+#include "backends/vcard/desktop_source.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <string>
+#include <vector>
+
+#include "tests/backends/vcard/read_cards.h"
+
+namespace vcard {
+namespace {
+
+using platform::DesktopBook;
+
+std::string Person(const std::string& name) {
+  return WriteCard("UID:" + name + "\nN:" + name + ";;;;\nTEL;TYPE=CELL:1");
+}
+
+ReadResult ReadTwoBooks(std::uint32_t /*milliseconds*/, std::vector<DesktopBook>& books,
+                        std::string& /*reason*/) {
+  books = {{"first", Person("Zoe") + "\r\n" + Person("Ann") + "\r\n", true},
+           {"second", Person("Bob"), false}};
+  return ReadResult::kRead;
+}
+
+ReadResult ReadBadBooks(std::uint32_t /*milliseconds*/, std::vector<DesktopBook>& books,
+                        std::string& /*reason*/) {
+  books = {{"empty", "", true}, {"torn", Person("Ann") + Person("Bob").substr(0, 40), true}};
+  return ReadResult::kRead;
+}
+
+ReadResult RefuseAndTellTheLimit(std::uint32_t milliseconds, std::vector<DesktopBook>& /*books*/,
+                                 std::string& reason) {
+  reason = "no answer in " + std::to_string(milliseconds) + " ms";
+  return ReadResult::kUnreadable;
+}
+
+TEST(DesktopSourceOfALibrary, SortsEachBookByName) {
+  DesktopSource source([] { return DesktopSource::Library{ReadTwoBooks, ""}; });
+  std::vector<Book> books;
+  ASSERT_EQ(source.Read(books), ReadResult::kRead);
+  ASSERT_EQ(books.size(), 2U);
+  EXPECT_EQ(books[0].name, u"eds:first");
+  ASSERT_EQ(books[0].contacts.size(), 2U);
+  EXPECT_EQ(books[0].contacts[0].uid, "Ann");
+  EXPECT_EQ(NumbersOf(books[0].contacts[0]), "Mobile=1");
+  EXPECT_EQ(books[0].contacts[1].uid, "Zoe");
+  EXPECT_EQ(books[1].contacts.size(), 1U);
+}
+
+TEST(DesktopSourceOfALibrary, OnlyASettledBookIsComplete) {
+  DesktopSource source([] { return DesktopSource::Library{ReadTwoBooks, ""}; });
+  std::vector<Book> books;
+  ASSERT_EQ(source.Read(books), ReadResult::kRead);
+  EXPECT_TRUE(books[0].isComplete);
+  EXPECT_FALSE(books[1].isComplete);
+}
+
+TEST(DesktopSourceOfALibrary, ABookThatIsEmptyOrTornIsNotComplete) {
+  DesktopSource source([] { return DesktopSource::Library{ReadBadBooks, ""}; });
+  std::vector<Book> books;
+  ASSERT_EQ(source.Read(books), ReadResult::kRead);
+  EXPECT_FALSE(books[0].isComplete);
+  EXPECT_EQ(books[1].contacts.size(), 1U);
+  EXPECT_FALSE(books[1].isComplete);
+}
+
+TEST(DesktopSourceOfALibrary, GivesTheReasonOfARefusal) {
+  DesktopSource source(
+      [] {
+        return DesktopSource::Library{RefuseAndTellTheLimit, ""};
+      },
+      std::chrono::milliseconds(7));
+  std::vector<Book> books(1);
+  EXPECT_EQ(source.Read(books), ReadResult::kUnreadable);
+  EXPECT_TRUE(books.empty());
+  EXPECT_EQ(source.GetReason(), "no answer in 7 ms");
+}
+
+TEST(DesktopSourceOfALibrary, WithoutTheLibraryNobodyAnswers) {
+  DesktopSource source([] { return DesktopSource::Library{nullptr, "it is missing"}; });
+  std::vector<Book> books(1);
+  EXPECT_EQ(source.Read(books), ReadResult::kNoAnswer);
+  EXPECT_TRUE(books.empty());
+  EXPECT_EQ(source.GetReason(), "it is missing");
+}
+
+TEST(DesktopSourceOfALibrary, IsNotLoadedBeforeItIsRead) {
+  int loadings = 0;
+  DesktopSource source([&loadings] {
+    ++loadings;
+    return DesktopSource::Library{ReadTwoBooks, ""};
+  });
+  EXPECT_EQ(loadings, 0);
+  std::vector<Book> books;
+  ASSERT_EQ(source.Read(books), ReadResult::kRead);
+  EXPECT_EQ(loadings, 1);
+}
+
+}  // namespace
+}  // namespace vcard

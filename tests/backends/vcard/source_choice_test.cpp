@@ -1,0 +1,86 @@
+#include "backends/vcard/source_choice.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "backends/headless/memory_registry.h"
+#include "backends/text/utf.h"
+#include "tests/support/failing_registry.h"
+#include "tests/support/registry_access.h"
+
+namespace vcard {
+namespace {
+
+using platform::RegistryError;
+
+constexpr std::u16string_view kKey = u"Software\\Zedra\\Voxtrel Contacts";
+
+TEST(SourceChoice, TheDesktopsAddressBooksAreCalledEds) {
+  EXPECT_EQ(ParseChoice(u"eds"), SourceChoice{});
+  EXPECT_NE(ParseChoice(u"./eds"), SourceChoice{});
+}
+
+TEST(SourceChoice, APathMeansTheSameFromEverywhere) {
+  const auto here = std::filesystem::current_path();
+  EXPECT_EQ(ParseChoice(u"a/../all.vcf").path, text::FromHostName((here / "all.vcf").native()));
+  EXPECT_EQ(ParseChoice(u"/home/ann//all.vcf").path, u"/home/ann/all.vcf");
+}
+
+TEST(SourceChoice, APathOfTheDeviceStaysOne) {
+  EXPECT_EQ(ParseChoice(u"\\contacts.vcf").path, u"\\contacts.vcf");
+}
+
+TEST(SourceChoice, IsRemembered) {
+  headless::MemoryRegistry registry;
+  std::optional<SourceChoice> choice = SourceChoice{u"/x"};
+  std::vector<Remark> remarks;
+  ASSERT_TRUE(RecallChoice(registry, choice, remarks));
+  EXPECT_EQ(choice, std::nullopt);
+  for (const SourceChoice& each : {SourceChoice{u"/home/ann/all.vcf"}, SourceChoice{}}) {
+    ASSERT_EQ(RememberChoice(registry, each), RegistryError::kNone);
+    ASSERT_TRUE(RecallChoice(registry, choice, remarks));
+    EXPECT_EQ(choice, each);
+  }
+  EXPECT_TRUE(remarks.empty());
+}
+
+TEST(SourceChoice, RememberingTheSameAgainWritesNothing) {
+  headless::MemoryRegistry registry;
+  ASSERT_EQ(RememberChoice(registry, {u"/all.vcf"}), RegistryError::kNone);
+  support::FailingRegistry counting(registry);
+  counting.FailCall(1000, support::Failing::kOnce);
+  ASSERT_EQ(RememberChoice(counting, {u"/all.vcf"}), RegistryError::kNone);
+  EXPECT_EQ(counting.CountCalls(), 2U);
+}
+
+TEST(SourceChoice, AStoreThatCannotBeReadIsNoReasonToTakeAnotherBook) {
+  headless::MemoryRegistry registry;
+  ASSERT_EQ(RememberChoice(registry, {u"/all.vcf"}), RegistryError::kNone);
+  support::FailingRegistry failing(registry);
+  std::optional<SourceChoice> choice;
+  std::vector<Remark> remarks;
+  for (const std::size_t call : {1U, 2U}) {
+    failing.FailCall(call, support::Failing::kOnce, RegistryError::kBusy);
+    EXPECT_FALSE(RecallChoice(failing, choice, remarks)) << call;
+  }
+}
+
+TEST(SourceChoice, AValueThatIsNoChoiceIsPassedOverAndNamed) {
+  headless::MemoryRegistry registry;
+  ASSERT_EQ(support::Put(registry, kKey, u"chosen", platform::RegistryType::kDword, {}),
+            RegistryError::kNone);
+  std::optional<SourceChoice> choice;
+  std::vector<Remark> remarks;
+  ASSERT_TRUE(RecallChoice(registry, choice, remarks));
+  EXPECT_EQ(choice, std::nullopt);
+  ASSERT_EQ(remarks.size(), 1U);
+  EXPECT_EQ(remarks[0].place, kKey);
+  EXPECT_EQ(remarks[0].text, "the value \"chosen\" names no address book and is passed over");
+  ASSERT_EQ(RememberChoice(registry, {u"/all.vcf"}), RegistryError::kNone);
+  ASSERT_TRUE(RecallChoice(registry, choice, remarks));
+  EXPECT_EQ(choice, SourceChoice{u"/all.vcf"});
+}
+
+}  // namespace
+}  // namespace vcard

@@ -1,0 +1,165 @@
+#include "backends/wave_file/file_wave_out.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "backends/headless/memory_file_system.h"
+#include "tests/support/failing_file_system.h"
+#include "tests/support/riff.h"
+
+namespace {
+
+using platform::WaveFormat;
+using platform::WaveOutDevice;
+using platform::WaveResult;
+
+constexpr WaveFormat kMono{platform::kFormatTagPcm, 1, 11025, 22050, 2, 16, 0};
+constexpr WaveFormat kStereo{platform::kFormatTagPcm, 2, 44100, 176400, 4, 16, 0};
+constexpr WaveFormat kEightBits{platform::kFormatTagPcm, 1, 8000, 8000, 1, 8, 0};
+constexpr std::u16string_view kPath = u"/heard.wav";
+
+std::vector<std::byte> Ramp(std::size_t count) {
+  std::vector<std::byte> bytes(count);
+  std::uint8_t next = 1;
+  for (std::byte& byte : bytes) byte = std::byte{next++};
+  return bytes;
+}
+
+class FileWaveOut : public testing::Test {
+ protected:
+  [[nodiscard]] std::unique_ptr<WaveOutDevice> Open(const WaveFormat& format = kMono) {
+    auto opened = m_waveOut.Open(format);
+    EXPECT_EQ(opened.result, WaveResult::kOk);
+    return std::move(opened.device);
+  }
+
+  [[nodiscard]] static WaveResult Write(WaveOutDevice& device, std::vector<std::byte> sound) {
+    platform::WaveHeader header{.data = sound.data(),
+                                .bufferLength = static_cast<std::uint32_t>(sound.size())};
+    EXPECT_EQ(device.Prepare(header), WaveResult::kOk);
+    const WaveResult result = device.Write(header);
+    EXPECT_EQ(device.Unprepare(header), WaveResult::kOk);
+    return result;
+  }
+
+  void ExpectFile(const support::RiffBytes& bytes) const {
+    EXPECT_THAT(m_memory.GetFile(kPath), testing::Optional(testing::ElementsAreArray(bytes)));
+  }
+
+  /// All of a session with a speaker; whether it went well.
+  [[nodiscard]] bool PlayOnce(const std::vector<std::byte>& sound) {
+    const auto opened = m_waveOut.Open(kMono);
+    return opened.device && Write(*opened.device, sound) == WaveResult::kOk;
+  }
+
+  headless::MemoryFileSystem m_memory;
+  support::FailingFileSystem m_files{m_memory};
+  wave_file::FileWaveOut m_waveOut{m_files, std::u16string(kPath)};
+};
+
+TEST_F(FileWaveOut, WritesAFileThatOtherProgramsOpen) {
+  for (const WaveFormat& format : {kMono, kStereo, kEightBits}) {
+    EXPECT_EQ(Write(*Open(format), Ramp(100)), WaveResult::kOk);
+    ExpectFile(support::RiffWave(format, Ramp(100)));
+  }
+}
+
+TEST_F(FileWaveOut, TellsTheByteRateWhateverTheFormatSaysOfIt) {
+  WaveFormat format = kMono;
+  format.averageBytesPerSecond = 11025;
+  EXPECT_EQ(Write(*Open(format), Ramp(100)), WaveResult::kOk);
+  ExpectFile(support::RiffWave(kMono, Ramp(100)));
+}
+
+TEST_F(FileWaveOut, PadsAnOddNumberOfBytes) {
+  EXPECT_EQ(Write(*Open(kEightBits), Ramp(101)), WaveResult::kOk);
+  ExpectFile(support::RiffWave(kEightBits, Ramp(101)));
+}
+
+TEST_F(FileWaveOut, EachSoundTakesThePlaceOfTheOneBefore) {
+  const auto device = Open();
+  EXPECT_EQ(Write(*device, Ramp(100)), WaveResult::kOk);
+  EXPECT_EQ(Write(*device, Ramp(50)), WaveResult::kOk);
+  ExpectFile(support::RiffWave(kMono, Ramp(50)));
+}
+
+TEST_F(FileWaveOut, OpeningAloneLeavesTheFileAsItIs) {
+  ASSERT_TRUE(m_memory.PutFile(kPath, Ramp(10)));
+  EXPECT_EQ(Open()->Close(), WaveResult::kOk);
+  ExpectFile(Ramp(10));
+  EXPECT_EQ(m_memory.ListFiles().size(), 1U);
+  EXPECT_EQ(m_memory.CountOpenHandles(), 0U);
+}
+
+TEST_F(FileWaveOut, TakesNoFileOfTheUsersWhateverItsName) {
+  ASSERT_TRUE(m_memory.PutFile(u"/heard.wav.part", Ramp(20)));
+  EXPECT_EQ(Write(*Open(), Ramp(100)), WaveResult::kOk);
+  EXPECT_EQ(Write(*Open(), Ramp(100)), WaveResult::kOk);
+  EXPECT_EQ(m_memory.GetFile(u"/heard.wav.part"), Ramp(20));
+}
+
+TEST_F(FileWaveOut, PlaceThatCannotBeWrittenIsNoDevice) {
+  wave_file::FileWaveOut nowhere{m_files, u"/missing/heard.wav"};
+  EXPECT_EQ(nowhere.Open(kMono).result, WaveResult::kNoDevice);
+}
+
+TEST_F(FileWaveOut, SecondDeviceWaitsItsTurn) {
+  auto device = Open();
+  EXPECT_EQ(m_waveOut.Open(kMono).result, WaveResult::kNoDevice);
+  EXPECT_EQ(Write(*device, Ramp(100)), WaveResult::kOk);
+  ExpectFile(support::RiffWave(kMono, Ramp(100)));
+}
+
+TEST_F(FileWaveOut, ADestroyedDeviceLetsTheNextInLikeAClosedOne) {
+  Open().reset();
+  const auto device = Open();
+  EXPECT_EQ(device->Close(), WaveResult::kOk);
+  EXPECT_EQ(Write(*Open(), Ramp(100)), WaveResult::kOk);
+}
+
+TEST_F(FileWaveOut, FailureOfAnyCallLeavesTheEarlierFileOrTheNewOne) {
+  const auto earlier = support::RiffWave(kMono, Ramp(10));
+  bool anyFailed = true;
+  for (std::size_t call = 1; anyFailed; ++call) {
+    ASSERT_TRUE(m_memory.PutFile(kPath, earlier));
+    m_files.FailCall(call, support::Failing::kOnce);
+    const bool isPlayed = PlayOnce(Ramp(100));
+    anyFailed = m_files.HasFailed();
+    EXPECT_EQ(isPlayed, !anyFailed) << call;
+    ExpectFile(isPlayed ? support::RiffWave(kMono, Ramp(100)) : earlier);
+    EXPECT_EQ(m_memory.ListFiles().size(), 1U) << call;
+    EXPECT_EQ(m_memory.CountOpenHandles(), 0U) << call;
+    ASSERT_LT(call, 20U);
+  }
+}
+
+TEST_F(FileWaveOut, LossOfPowerAtAnyCallLeavesTheEarlierFileOrTheNewOne) {
+  const auto earlier = support::RiffWave(kMono, Ramp(10));
+  const auto later = support::RiffWave(kMono, Ramp(100));
+  bool anyFailed = true;
+  for (std::size_t call = 1; anyFailed; ++call) {
+    ASSERT_TRUE(m_memory.PutFile(kPath, earlier));
+    m_files.FailCall(call, support::Failing::kPowerFailure);
+    static_cast<void>(PlayOnce(Ramp(100)));
+    anyFailed = m_files.HasFailed();
+    EXPECT_THAT(m_memory.GetFile(kPath), testing::Optional(testing::AnyOf(earlier, later)));
+    ASSERT_LT(call, 20U);
+  }
+}
+
+TEST_F(FileWaveOut, WritesAgainAfterAWriteThatFailed) {
+  const auto device = Open();
+  m_files.FailCall(1, support::Failing::kOnce, platform::FileError::kDiskFull);
+  EXPECT_EQ(Write(*device, Ramp(100)), WaveResult::kFailed);
+  EXPECT_EQ(m_memory.GetFile(kPath), std::nullopt);
+  EXPECT_EQ(Write(*device, Ramp(50)), WaveResult::kOk);
+  ExpectFile(support::RiffWave(kMono, Ramp(50)));
+}
+
+}  // namespace

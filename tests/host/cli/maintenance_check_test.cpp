@@ -1,0 +1,269 @@
+#include <filesystem>
+#include <fstream>
+
+#include "backends/posix/posix_file_system.h"
+#include "backends/posix/posix_threads.h"
+#include "storage/device_paths.h"
+#include "tests/backends/sqlite/raw_database.h"
+#include "tests/host/cli/maintenance_fixture.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+constexpr const char* kEvesCard =
+    "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:e\r\nN:Fox;Eve;;;\r\nTEL;TYPE=CELL:5559\r\nEND:VCARD\r\n";
+
+using Lines = std::vector<std::string>;
+
+class CheckCommand : public MaintenanceFixture {};
+
+TEST_F(CheckCommand, FindsNothingInGoodTags) {
+  EXPECT_EQ(Check({}, 0), Lines());
+  PutThreeTags();
+  EXPECT_EQ(Check({}, 0), Lines());
+  EXPECT_THAT(Run({"check"}).out, HasSubstr("as they should be"));
+}
+
+TEST_F(CheckCommand, OfAStoreThatDoesNotExistMakesNone) {
+  const auto run = support::RunProgram({VOXTREL_PROGRAM, "--root", Path("none"), "check"});
+  EXPECT_EQ(run.exitCode, 0) << run.err;
+  EXPECT_EQ(run.out, "There are no voice tags in " + Path("none") + ".\n");
+  EXPECT_FALSE(fs::exists(Path("none")));
+}
+
+TEST_F(CheckCommand, TellsEachThingInPlainWordsAndChangesNothing) {
+  PutThreeTags();
+  fs::remove(Wave("100"));
+  fs::resize_file(Template("200"), 20);
+  PutEntry("300", m_bob, u"Radio2");
+  std::ofstream(Path("all.vcf"), std::ios::binary) << kAnnsCard;
+  fs::copy_file(fs::path(VOXTREL_SAMPLES_DIR) / "sophie_1.wav", Wave("900"));
+  const auto before = GetFiles();
+  EXPECT_EQ(Check({}, 1),
+            (Lines{"no-recording 100", "contact-gone 200", "template-torn 200", "contact-gone 300",
+                   "phone-type 300", "recording-without-tag 900"}));
+  EXPECT_TRUE(GetFiles() == before);
+  const auto run = Run({"check"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.out,
+              HasSubstr("100 (Ann Lee 5551234 M): there is no recording [no-recording]\n"));
+  EXPECT_THAT(run.out, HasSubstr("\n200: the contact does not exist any more"));
+  EXPECT_THAT(run.err, HasSubstr("6 things are not as they should be"));
+}
+
+TEST_F(CheckCommand, ReportsRecordingsThatAreEmptyOrSilentOrNone) {
+  PutThreeTags();
+  const std::string header = Content(Wave("100")).substr(0, 44);
+  std::string empty = header;
+  empty.replace(4, 4, std::string("\x2c\0\0\0", 4)).replace(40, 4, std::string(4, '\0'));
+  std::ofstream(Wave("100"), std::ios::binary) << empty;
+  const std::string spoken = Content(Wave("200"));
+  std::ofstream(Wave("200"), std::ios::binary)
+      << spoken.substr(0, 44) << std::string(spoken.size() - 44, '\0');
+  std::ofstream(Wave("300"), std::ios::binary) << "";
+  EXPECT_EQ(Check({}, 1), (Lines{"recording-empty 100", "recording-silent 200",
+                                 "template-stale 200", "recording-unreadable 300"}));
+}
+
+TEST_F(CheckCommand, RepairMakesMissingAndTornTemplatesAndNothingElse) {
+  PutThreeTags();
+  const auto good = GetFiles();
+  fs::remove(Template("100"));
+  fs::resize_file(Template("200"), 20);
+  EXPECT_EQ(Check({"--repair"}, 0), (Lines{"no-template 100!", "template-torn 200!"}));
+  EXPECT_TRUE(GetFiles() == good);
+  fs::copy_file(fs::path(VOXTREL_SAMPLES_DIR) / "sophie_1.wav", Wave("900"));
+  fs::remove(Template("100"));
+  fs::remove(Wave("300"));
+  EXPECT_EQ(Check({"--repair"}, 1),
+            (Lines{"no-template 100!", "no-recording 300", "recording-without-tag 900!"}));
+  EXPECT_FALSE(fs::exists(Template("900")));
+  EXPECT_TRUE(fs::exists(Template("300")));
+}
+
+TEST_F(CheckCommand, RepairMovesWhatBelongsToNoTagToTheTrash) {
+  PutThreeTags();
+  fs::copy_file(fs::path(VOXTREL_SAMPLES_DIR) / "sophie_1.wav", Wave("900"));
+  std::ofstream(Template("901")) << "t";
+  std::ofstream(Folder("Voxtrel_wav") / ".voxtrel-trimmed-0123456789abcdef") << "half";
+  const Lines found{"recording-without-tag 900", "template-without-tag 901",
+                    "unfinished-file .voxtrel-trimmed-0123456789abcdef"};
+  EXPECT_EQ(Check({}, 1), found);
+  EXPECT_EQ(Check({"--repair"}, 0), (Lines{found[0] + "!", found[1] + "!", found[2] + "!"}));
+  EXPECT_EQ(Check({}, 0), Lines{});
+  const auto restored = Run({"tags", "restore", "--last"});
+  EXPECT_EQ(restored.exitCode, 0) << restored.err;
+  EXPECT_TRUE(fs::exists(Wave("900")) && fs::exists(Template("901")));
+  EXPECT_EQ(Check({}, 1), found);
+}
+
+TEST_F(CheckCommand, RepairLeavesAFileThatIsInUse) {
+  PutThreeTags();
+  fs::copy_file(fs::path(VOXTREL_SAMPLES_DIR) / "sophie_1.wav", Wave("900"));
+  posix::PosixFileSystem files(Wide(Path("root")));
+  const auto held = files.Open(storage::WavePath(u"900"), {});
+  EXPECT_EQ(Check({"--repair"}, 1), Lines{"recording-without-tag 900"});
+  EXPECT_TRUE(fs::exists(Wave("900")));
+}
+
+TEST_F(CheckCommand, RepairMakesAFolderThatIsGoneWithItsTemplates) {
+  PutThreeTags();
+  const auto good = GetFiles();
+  fs::remove_all(Folder("Voxtrel_stor"));
+  EXPECT_THAT(Run({"tags", "test"}).err, HasSubstr("run this command, which"));
+  EXPECT_EQ(Check({}, 1), (Lines{"no-template 100", "no-template 200", "no-template 300"}));
+  EXPECT_FALSE(fs::exists(Folder("Voxtrel_stor")));
+  EXPECT_EQ(Check({"--repair"}, 0),
+            (Lines{"no-template 100!", "no-template 200!", "no-template 300!"}));
+  EXPECT_TRUE(GetFiles() == good);
+  EXPECT_EQ(Run({"tags", "test"}).exitCode, 0);
+}
+
+TEST_F(CheckCommand, ARepairThatFailsTellsTheReason) {
+  PutThreeTags();
+  fs::remove_all(Folder("Voxtrel_stor"));
+  std::ofstream(Folder("Voxtrel_stor")) << "A file in its place.";
+  const json result = RunJson({"check", "--repair"}, 1);
+  ASSERT_EQ(result["findings"].size(), 3U);
+  EXPECT_EQ(result["findings"][1]["repaired"], false);
+  EXPECT_EQ(result["findings"][1]["reason"],
+            "the folder Voxtrel_stor is missing and cannot be made");
+  EXPECT_THAT(Run({"check", "--repair"}).out,
+              HasSubstr("[no-template] not repaired: the folder Voxtrel_stor is missing and cannot "
+                        "be made\n"));
+  EXPECT_FALSE(RunJson({"check"}, 1)["findings"][1].contains("reason")) << "Nobody tried.";
+}
+
+TEST_F(CheckCommand, ContactsThatAreAwayMakeNobodyGoneAndAreToldWithTheReason) {
+  PutThreeTags();
+  fs::remove(Path("all.vcf"));
+  EXPECT_EQ(Check({}, 1), Lines{"contacts-away "});
+  const json result = RunJson({"check"}, 1);
+  EXPECT_THAT(result["findings"][0]["text"], HasSubstr("address book is missing"));
+  const auto run = Run({"check"});
+  EXPECT_THAT(run.out, HasSubstr("contacts cannot be read"));
+  EXPECT_THAT(run.out, HasSubstr("address book is missing"));
+  EXPECT_THAT(run.out, HasSubstr("[contacts-away]\n"));
+  EXPECT_THAT(run.out, Not(HasSubstr("as they should be")));
+}
+
+TEST_F(CheckCommand, GivesTheListTextOfEachTagAsJson) {
+  PutThreeTags();
+  fs::remove(Template("200"));
+  fs::copy_file(fs::path(VOXTREL_SAMPLES_DIR) / "sophie_1.wav", Wave("900"));
+  const json result = RunJson({"check"}, 1);
+  EXPECT_EQ(result["tags"], 3);
+  ASSERT_EQ(result["findings"].size(), 2U);
+  EXPECT_EQ(result["findings"][0]["listText"], "Bob Ray 5550001 H");
+  EXPECT_EQ(result["findings"][1]["listText"], "") << "No tag.";
+}
+
+TEST_F(CheckCommand, LeavesTheSettingsAsTheyAre) {
+  PutThreeTags();
+  std::ofstream(Path("all.vcf"), std::ios::binary | std::ios::app) << kEvesCard;
+  std::ofstream(Path("other.vcf"), std::ios::binary) << kEvesCard;
+  ASSERT_EQ(Run({"registry", "export", Path("before.reg")}).exitCode, 0);
+  EXPECT_EQ(Check({}, 0), Lines());
+  ASSERT_EQ(Run({"registry", "export", Path("new_card.reg")}).exitCode, 0);
+  EXPECT_TRUE(Content(Path("new_card.reg")) == Content(Path("before.reg")));
+  fs::copy_file(Path("all.vcf"), Path("copy.vcf"));
+  for (const char* contacts : {"copy.vcf", "other.vcf"}) {
+    static_cast<void>(Run({"--contacts", Path(contacts), "check"}));
+    ASSERT_EQ(Run({"registry", "export", Path("after.reg")}).exitCode, 0);
+    EXPECT_TRUE(Content(Path("after.reg")) == Content(Path("before.reg"))) << contacts;
+  }
+  ASSERT_EQ(Run({"reinit"}).exitCode, 0);
+  ASSERT_EQ(Run({"registry", "export", Path("opened.reg")}).exitCode, 0);
+  EXPECT_FALSE(Content(Path("opened.reg")) == Content(Path("before.reg")))
+      << "Else the new card were none.";
+}
+
+TEST_F(CheckCommand, MakesNoFileInTheRoot) {
+  PutThreeTags();
+  const fs::path lock = fs::path(Path("root")) / ".ZedraD.lock";
+  ASSERT_TRUE(fs::remove(lock));
+  EXPECT_EQ(Check({}, 0), Lines());
+  EXPECT_FALSE(fs::exists(lock));
+  EXPECT_EQ(Check({"--repair"}, 0), Lines());
+  EXPECT_TRUE(fs::exists(lock)) << "What may change tags keeps others away.";
+}
+
+TEST_F(CheckCommand, ReadsRecordingsThatOthersReadAndThatTakeNoWrites) {
+  PutThreeTags();
+  fs::permissions(Wave("100"), fs::perms::owner_read);
+  posix::PosixFileSystem files(Wide(Path("root")));
+  const auto reader = files.Open(storage::WavePath(u"200"),
+                                 {platform::FileAccess::kRead, platform::FileShare::kRead, {}});
+  ASSERT_NE(reader.file, nullptr);
+  EXPECT_EQ(Check({}, 0), Lines());
+  fs::remove(Template("100"));
+  EXPECT_EQ(Check({"--repair"}, 0), Lines{"no-template 100!"});
+}
+
+TEST_F(CheckCommand, LooksAtTagsThatAWindowHasInUseAndRepairsNone) {
+  PutThreeTags();
+  fs::remove(Template("100"));
+  posix::PosixThreads threads(Path("root"));
+  const auto page = threads.CreateNamedMutex(u"ZedraD");
+  ASSERT_NE(page.mutex, nullptr);
+  EXPECT_EQ(Check({}, 1), Lines{"no-template 100"});
+  const auto run = Run({"check", "--repair"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.err, HasSubstr("in use by another Voxtrel"));
+  EXPECT_THAT(run.out, IsEmpty());
+  EXPECT_FALSE(fs::exists(Template("100")));
+}
+
+TEST_F(CheckCommand, ARootThatIsNoFolderIsTold) {
+  std::ofstream(Path("file")) << "x";
+  for (const std::string& root : {Path("file"), Path("file/below/it")}) {
+    for (const std::vector<std::string>& command : std::vector<std::vector<std::string>>{
+             {"check"}, {"check", "--repair"}, {"tags", "list"}, {"connection", "show"}}) {
+      std::vector<std::string> all{VOXTREL_PROGRAM, "--root", root};
+      all.insert(all.end(), command.begin(), command.end());
+      const auto run = support::RunProgram(all);
+      EXPECT_EQ(run.exitCode, 1) << command.front();
+      EXPECT_THAT(run.out, IsEmpty());
+      EXPECT_THAT(run.err, HasSubstr(Path("file") + " is no folder"));
+    }
+  }
+}
+
+TEST_F(CheckCommand, SettingsThatCannotBeReadAreToldWithTheReason) {
+  PutThreeTags();
+  const fs::path store = fs::path(Path("root")) / sqlite::kDatabaseName;
+  fs::resize_file(store, 0);
+  std::ofstream(store, std::ios::binary) << std::string(5000, 'x');
+  EXPECT_EQ(Check({}, 1), Lines{"registry-unreadable "});
+  EXPECT_THAT(Run({"check"}).out, HasSubstr("damaged"));
+  EXPECT_EQ(fs::file_size(store), 5000U);
+}
+
+TEST_F(CheckCommand, AKeyThatAnotherProgramNamedBadlyIsNamedByEveryCommandThatItHinders) {
+  PutThreeTags();
+  const fs::path store = fs::path(Path("root")) / sqlite::kDatabaseName;
+  ASSERT_EQ(
+      support::RawDatabase(store).Execute(
+          "INSERT INTO registry_key (parent_id, name, folded_name) SELECT parent_id, 'two' || "
+          "char(10) || 'lines', 'x' FROM registry_key WHERE name = '100'"),
+      0);
+  constexpr const char* kNamed = R"(cannot be used: Software\Zedra\Zedra Voxtrel\two\nlines)";
+  for (const std::vector<std::string>& command :
+       std::vector<std::vector<std::string>>{{"check"},
+                                             {"tags", "list"},
+                                             {"registry", "export", Path("a.reg")},
+                                             {"contacts", "list"},
+                                             {"status"}}) {
+    const auto run = Run(command);
+    EXPECT_THAT(run.out + run.err, HasSubstr(kNamed)) << command.front();
+    EXPECT_THAT(run.out + run.err, HasSubstr(store.native())) << command.front();
+  }
+  EXPECT_EQ(Check({}, 1), Lines{"registry-unreadable "});
+}
+
+}  // namespace

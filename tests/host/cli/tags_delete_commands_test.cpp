@@ -1,0 +1,116 @@
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <utility>
+
+#include "backends/posix/posix_file_system.h"
+#include "storage/device_paths.h"
+#include "tests/host/cli/run_on_terminal.h"
+#include "tests/host/cli/tags_fixture.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+constexpr const char* kInUse = "Zedra Voxtrel: The tag is in use. Try to delete it later.\n";
+
+class TagsDeleteCommands : public TagsFixture {
+ protected:
+  /// Has the recording open as the dialer has it while it is in use.
+  [[nodiscard]] std::unique_ptr<platform::File> HoldWave(const std::string& tag) const {
+    posix::PosixFileSystem files(Wide(Path("root")));
+    // As a companion reads it.
+    platform::OpenedFile opened = files.Open(
+        storage::WavePath(Wide(tag)), {platform::FileAccess::kRead, platform::FileShare::kRead,
+                                       platform::FileCreation::kOpenExisting});
+    EXPECT_TRUE(opened.file);
+    return std::move(opened.file);
+  }
+  [[nodiscard]] support::ProgramRun Answer(const std::string& typed,
+                                           std::vector<std::string> arguments) const {
+    arguments.insert(arguments.begin(), {VOXTREL_PROGRAM, "--root", Path("root")});
+    return RunOnTerminal(arguments, typed);
+  }
+};
+
+TEST_F(TagsDeleteCommands, DeleteRemovesTheTagAndNoOther) {
+  PutThreeTags();
+  EXPECT_EQ(RunJson({"--yes", "tags", "delete", "200"}, 0), (json{{"result", 0}}));
+  EXPECT_FALSE(fs::exists(Wave("200")));
+  EXPECT_FALSE(fs::exists(Template("200")));
+  EXPECT_FALSE(HasEntry("200"));
+  EXPECT_THAT(GetNames(), ElementsAre("100", "300"));
+  EXPECT_TRUE(HasFiles("100"));
+  EXPECT_TRUE(HasFiles("300"));
+}
+
+TEST_F(TagsDeleteCommands, DeletionIsRefusedWhereNobodyCanBeAsked) {
+  PutThreeTags();
+  const auto one = Run({"tags", "delete", "200"});
+  EXPECT_EQ(one.exitCode, 1);
+  EXPECT_EQ(one.err,
+            "Attention: The tag will be deleted! (there is no terminal to ask on; --yes agrees)\n"
+            "voxtrel: the tag was not deleted\n");
+  EXPECT_EQ(RunJson({"tags", "delete", "200"}, 1), (json{{"result", 1}}));
+  const auto all = Run({"tags", "delete-all"});
+  EXPECT_EQ(all.exitCode, 1);
+  EXPECT_THAT(all.err, HasSubstr("Attention: All voice tags will be deleted! (there is no"));
+  EXPECT_EQ(RunJson({"tags", "delete-all"}, 1), (json{{"result", 1}}));
+  EXPECT_THAT(GetNames(), ElementsAre("100", "200", "300"));
+  EXPECT_TRUE(HasFiles("200"));
+}
+
+TEST_F(TagsDeleteCommands, OnATerminalTheAnswerCounts) {
+  PutThreeTags();
+  const auto refused = Answer("n\n", {"tags", "delete", "200"});
+  EXPECT_EQ(refused.exitCode, 1);
+  EXPECT_THAT(refused.out, HasSubstr("Attention: The tag will be deleted! [y/N]\r\n"));
+  EXPECT_TRUE(HasEntry("200"));
+  EXPECT_EQ(Answer("\n", {"tags", "delete", "200"}).exitCode, 1) << "Nothing said is no.";
+  const auto agreed = Answer("y\n", {"tags", "delete", "200"});
+  EXPECT_EQ(agreed.exitCode, 0) << agreed.out;
+  EXPECT_THAT(GetNames(), ElementsAre("100", "300"));
+}
+
+TEST_F(TagsDeleteCommands, ATagThatTheDialerHasOpenStays) {
+  PutThreeTags();
+  const auto held = HoldWave("200");
+  const auto run = Run({"--yes", "tags", "delete", "200"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_EQ(run.err, std::string(kInUse) + "voxtrel: the tag was not deleted\n");
+  EXPECT_EQ(RunJson({"--yes", "tags", "delete", "200"}, 1), (json{{"result", 1}}));
+  EXPECT_TRUE(HasEntry("200"));
+  EXPECT_TRUE(HasFiles("200"));
+  EXPECT_THAT(GetNames(), ElementsAre("100", "200", "300"));
+}
+
+TEST_F(TagsDeleteCommands, DeleteAllEmptiesListAndFolders) {
+  PutThreeTags();
+  std::ofstream(Wave("of nobody")) << "x";
+  EXPECT_EQ(RunJson({"--yes", "tags", "delete-all"}, 0), (json{{"result", 0}}));
+  EXPECT_TRUE(fs::is_empty(Folder("Voxtrel_wav")));
+  EXPECT_TRUE(fs::is_empty(Folder("Voxtrel_stor")));
+  auto registry = Registry();
+  EXPECT_FALSE(support::KeyExists(registry, storage::kTagKey));
+  EXPECT_THAT(GetNames(), testing::IsEmpty());
+}
+
+TEST_F(TagsDeleteCommands, DeleteAllWithoutTagsAsksNothing) {
+  EXPECT_EQ(RunJson({"tags", "delete-all"}, 0), (json{{"result", 0}}));
+}
+
+TEST_F(TagsDeleteCommands, DeleteAllThatLeavesAFileSaysSo) {
+  PutThreeTags();
+  const auto held = HoldWave("200");
+  const auto run = Run({"--yes", "tags", "delete-all"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_EQ(run.err, std::string(kInUse) + "voxtrel: some files of deleted tags are left\n");
+  EXPECT_FALSE(fs::exists(Wave("100")));
+  EXPECT_TRUE(fs::exists(Wave("200")));
+  EXPECT_THAT(GetNames(), testing::IsEmpty());
+}
+
+}  // namespace
