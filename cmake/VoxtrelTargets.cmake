@@ -46,6 +46,12 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
               -Wno-error=nonnull)
 endif()
 target_include_directories(voxtrel_options INTERFACE "${PROJECT_SOURCE_DIR}")
+# A header alone. It is taken out of the system's folder, since a cross compiler must not see the
+# headers next to it.
+find_path(TL_EXPECTED_FOLDER tl/expected.hpp PATHS /usr/include NO_CMAKE_FIND_ROOT_PATH REQUIRED)
+configure_file("${TL_EXPECTED_FOLDER}/tl/expected.hpp" "${PROJECT_BINARY_DIR}/include/tl/expected.hpp"
+               COPYONLY)
+target_include_directories(voxtrel_options SYSTEM INTERFACE "${PROJECT_BINARY_DIR}/include")
 target_link_libraries(voxtrel_options INTERFACE Threads::Threads)
 if(VOXTREL_SANITIZE)
   target_compile_options(voxtrel_options INTERFACE -fsanitize=${VOXTREL_SANITIZE}
