@@ -16,6 +16,21 @@ constexpr std::size_t kChunkSize = std::size_t{64} * 1024;
 
 char16_t SeparatorOf(std::u16string_view path) { return path.starts_with(u'\\') ? u'\\' : u'/'; }
 
+/// Returns why a file of a folder is passed over. Returns null if its error is no reason for that.
+const char* PassOver(FileError error) {
+  switch (error) {
+    case FileError::kNotFound:
+      return "the file leads nowhere and is passed over";
+    case FileError::kLink:
+      return "the link cannot be followed and is passed over";
+    case FileError::kAccessDenied:
+    case FileError::kSharingViolation:
+      return "the file cannot be opened and is passed over";
+    default:
+      return nullptr;
+  }
+}
+
 }  // namespace
 
 VcardSource::VcardSource(platform::FileSystem& files, std::u16string path)
@@ -68,11 +83,8 @@ bool VcardSource::ReadFolder(Book& book) {
 bool VcardSource::ReadFileOfFolder(const std::u16string& path, Book& book) {
   const std::size_t before = book.contacts.size();
   const FileError error = ReadFile(path, book);
-  if (error == FileError::kNotFound || error == FileError::kAccessDenied ||
-      error == FileError::kSharingViolation) {
-    m_remarks.Add({path, 0,
-                   error == FileError::kNotFound ? "the file leads nowhere and is passed over"
-                                                 : "the file cannot be opened and is passed over"});
+  if (const char* const sentence = PassOver(error)) {
+    m_remarks.Add({path, 0, sentence});
   } else if (error != FileError::kNone) {
     return false;
   } else if (book.contacts.size() == before) {
@@ -82,12 +94,20 @@ bool VcardSource::ReadFileOfFolder(const std::u16string& path, Book& book) {
   return true;
 }
 
+bool VcardSource::IsLink(const std::u16string& path) const {
+  // Nothing is written: only a file that is opened for it is never reached by a link.
+  return m_files
+             .Open(path, {platform::FileAccess::kWrite, platform::FileShare::kNone,
+                          platform::FileCreation::kOpenExisting})
+             .error == FileError::kLink;
+}
+
 FileError VcardSource::ReadFile(const std::u16string& path, Book& book) {
   const platform::OpenedFile opened =
       m_files.Open(path, {platform::FileAccess::kRead, platform::FileShare::kRead,
                           platform::FileCreation::kOpenExisting});
   if (!opened.file) {
-    return opened.error;
+    return opened.error == FileError::kOther && IsLink(path) ? FileError::kLink : opened.error;
   }
   CardReader reader(path, kMaxContacts, book, m_remarks);
   const auto chunk = std::make_unique<std::array<std::byte, kChunkSize>>();

@@ -22,15 +22,16 @@ class VcardSource final : public ContactSource {
   VcardSource(platform::FileSystem& files, std::u16string path);
 
   /// If a file of a folder cannot be opened because it is not there, as at the end of a dangling
-  /// link, only that file is passed over. A source without a single card is unreadable: an empty
-  /// file or folder is more likely one that was lost, or not mounted, than one whose last contact
-  /// was deleted.
+  /// link, only that file is passed over. So is a link that cannot be followed, as one in a circle.
+  /// A source without a single card is unreadable: an empty file or folder is more likely one that
+  /// was lost, or not mounted, than one whose last contact was deleted.
   [[nodiscard]] ReadResult Read(std::vector<Book>& books) override;
   [[nodiscard]] std::vector<Remark> GetRemarks() const override { return m_remarks.GetAll(); }
 
  private:
   [[nodiscard]] bool ReadFolder(Book& book);
   [[nodiscard]] bool ReadFileOfFolder(const std::u16string& path, Book& book);
+  [[nodiscard]] bool IsLink(const std::u16string& path) const;
   [[nodiscard]] platform::FileError ReadFile(const std::u16string& path, Book& book);
 
   platform::FileSystem& m_files;

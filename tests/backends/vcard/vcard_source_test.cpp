@@ -205,6 +205,38 @@ TEST_F(VcardSourceTest, AFileOfAFolderThatCannotBeOpenedCostsItselfAloneAndIsNam
   }
 }
 
+/// Another file system in which one name is a link that cannot be followed.
+class CircleFileSystem final : public support::ForwardingFileSystem {
+ public:
+  CircleFileSystem(platform::FileSystem& files, std::u16string link)
+      : ForwardingFileSystem(files), m_link(std::move(link)) {}
+
+  platform::OpenedFile Open(std::u16string_view path, const platform::OpenMode& mode) override {
+    const bool follows = mode.access == platform::FileAccess::kRead;
+    return path != m_link ? ForwardingFileSystem::Open(path, mode)
+                          : platform::OpenedFile{nullptr, follows ? platform::FileError::kOther
+                                                                  : platform::FileError::kLink};
+  }
+
+ private:
+  const std::u16string m_link;
+};
+
+TEST_F(VcardSourceTest, ALinkThatCannotBeFollowedCostsItselfAloneAndIsNamed) {
+  Put(u"/cards/a.vcf", Named("A"));
+  Put(u"/cards/b.vcf", Named("B"));
+  CircleFileSystem files(m_files, u"/cards/b.vcf");
+  VcardSource source(files, u"/cards");
+  std::vector<Book> books;
+  ASSERT_EQ(source.Read(books), ReadResult::kRead);
+  ASSERT_EQ(books[0].contacts.size(), 1U);
+  EXPECT_FALSE(books[0].isComplete) << "nobody is absent for it";
+  EXPECT_EQ(source.GetRemarks(),
+            (std::vector<Remark>{
+                {u"/cards/b.vcf", 0, "the link cannot be followed and is passed over"}}));
+  EXPECT_EQ(VcardSource(files, u"/cards/b.vcf").Read(books), ReadResult::kUnreadable);
+}
+
 TEST_F(VcardSourceTest, DamageIsNamedByFileAndLine) {
   Put(u"/cards/a.vcf", Named("A") + "stray\r\n");
   Put(u"/cards/b.vcf", "\r\nBEGIN:VCARD\r\nN:B;;;;\r\n");

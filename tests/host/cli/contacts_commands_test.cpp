@@ -94,6 +94,18 @@ TEST_F(ContactsCommands, ALinkThatLeadsNowhereCostsItsOwnFileAndIsNamed) {
   EXPECT_EQ(json::parse(run.out, nullptr, false).size(), 2U);
 }
 
+TEST_F(ContactsCommands, LinksInACircleCostThemselvesAloneAndAreNamed) {
+  Put("cards/a.vcf", kCards);
+  std::filesystem::create_symlink(Path("cards/c.vcf"), Path("cards/b.vcf"));
+  std::filesystem::create_symlink("b.vcf", Path("cards/c.vcf"));
+  const auto run = Contacts({"--contacts", Path("cards"), "contacts", "list", "--json"});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_EQ(run.err, Path("cards/b.vcf") + ": the link cannot be followed and is passed over\n" +
+                         Path("cards/c.vcf") +
+                         ": the link cannot be followed and is passed over\n");
+  EXPECT_EQ(json::parse(run.out, nullptr, false).size(), 2U);
+}
+
 TEST_F(ContactsCommands, AnotherProgramsValueInTheMapOfContactsIsNamedAndStopsNothing) {
   Put("root/contacts.vcf", kCards);
   const json list = List();
