@@ -2,9 +2,11 @@
 
 #include <fmt/format.h>
 
+#include "host/cli/output.h"
 #include "voicemath/constants.h"
 
 namespace cli {
+namespace {
 
 std::vector<std::string> DescribeOddities(const voicemath::RecordingReview& review) {
   std::vector<std::string> sentences;
@@ -32,6 +34,18 @@ std::vector<std::string> DescribeOddities(const voicemath::RecordingReview& revi
         "empty");
   }
   return sentences;
+}
+
+}  // namespace
+
+std::vector<std::string> WarnOfOddities(const std::optional<voicemath::RecordingReview>& review,
+                                        const std::string& name) {
+  std::vector<std::string> warnings =
+      review ? DescribeOddities(*review) : std::vector<std::string>();
+  for (const std::string& warning : warnings) {
+    PrintErrorLine(fmt::format("voxtrel: warning: {}: {}", name, warning));
+  }
+  return warnings;
 }
 
 }  // namespace cli

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -7,8 +8,10 @@
 
 namespace cli {
 
-/// Returns one sentence for each thing that is odd about a recording. What makes a recording
-/// useless is not among them.
-[[nodiscard]] std::vector<std::string> DescribeOddities(const voicemath::RecordingReview& review);
+/// Says on standard error what is odd about a recording, one line for each thing; `name` is what
+/// the recording is called there. Returns the sentences, for "warnings". What makes a recording
+/// useless is not among them. A recording without a review has none.
+[[nodiscard]] std::vector<std::string> WarnOfOddities(
+    const std::optional<voicemath::RecordingReview>& review, const std::string& name);
 
 }  // namespace cli

@@ -101,17 +101,23 @@ std::string ExplainNoTag(const Session& session, const tags::Page_one& page) {
   return reason.empty() ? reason : ": " + reason;
 }
 
-/// Warns if the recording of a new tag is no spoken name.
-void WarnOfRecording(Session& session, std::u16string_view tagName) {
+/// Warns if the recording of a new tag is no spoken name. Returns the warnings.
+std::vector<std::string> WarnOfRecording(Session& session, std::u16string_view tagName) {
   const platform::Platform platform = session.GetPlatform();
   const auto mathematics =
       std::make_unique<voicemath::CVoiceMathematics>(platform.files, platform.ui);
   mathematics->m_wavePath = storage::WavePath(tagName);
-  const auto review = voicemath::ReviewRecording(*mathematics, false);
-  for (const std::string& warning :
-       review ? DescribeOddities(*review) : std::vector<std::string>()) {
-    PrintErrorLine("voxtrel: warning: the recording: " + warning);
+  return WarnOfOddities(voicemath::ReviewRecording(*mathematics, false), "the recording");
+}
+
+/// What `tags list` has of the tag, with the warnings if there are any.
+void PrintLearned(const Session& session, const tags::ListedTag& tag,
+                  const std::vector<std::string>& warnings) {
+  Json json = ToJson(session, tag);
+  if (!warnings.empty()) {
+    json["warnings"] = warnings;
   }
+  PrintJson(json);
 }
 
 void Learn(Session& session, const std::string& contact, const std::string& kind) {
@@ -129,11 +135,10 @@ void Learn(Session& session, const std::string& contact, const std::string& kind
       session.Fail("no tag was learned" + ExplainNoTag(session, run.page));
       return;
     }
-    if (const storage::TagRecord* record = run.page.GetTags().GetRecord(before)) {
-      WarnOfRecording(session, record->GetTagName());
-    }
+    const std::vector<std::string> warnings =
+        WarnOfRecording(session, run.page.GetTagOfLine(before));
     if (session.GetOptions().json) {
-      PrintJson(ToJson(session, ReadLearned(session, run, before)));
+      PrintLearned(session, ReadLearned(session, run, before), warnings);
     } else {
       PrintLine(
           fmt::format("Learned: {}", text::ToUtf8(run.dialog.GetItemText(kTagListId, before))));

@@ -122,10 +122,7 @@ class TemplateMaker {
   void Run() {
     CheckNames();
     const auto review = voicemath::ReviewRecording(m_mathematics, m_learns);
-    m_warnings = review ? DescribeOddities(*review) : std::vector<std::string>();
-    for (const std::string& warning : m_warnings) {
-      PrintErrorLine(fmt::format("voxtrel: warning: {}: {}", m_arguments.wave, warning));
-    }
+    m_warnings = WarnOfOddities(review, m_arguments.wave);
     // All that can be known to fail is known before the recording is cut.
     if (review && (!HasEnough(*review) || (m_learns && !CanLearn(*review)))) {
       PrintResult(voicemath::kNotProcessed);

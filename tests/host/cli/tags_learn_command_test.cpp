@@ -148,15 +148,18 @@ TEST_F(TagsLearnCommand, AMicrophoneFileThatIsNoneIsTold) {
   ExpectNothingLearned();
 }
 
-TEST_F(TagsLearnCommand, ASilentMicrophoneIsWarnedOf) {
+TEST_F(TagsLearnCommand, ASilentMicrophoneIsWarnedOfInWordsAndAsJson) {
   const support::Bytes silence = support::WaveFile(support::Constant(33075, 0));
   std::ofstream(Path("silence.wav"), std::ios::binary)
       .write(reinterpret_cast<const char*>(silence.data()),
              static_cast<std::streamsize>(silence.size()));
   const auto run = Run({"--microphone", Path("silence.wav"), "--speaker", Path("heard.wav"), "tags",
-                        "learn", "--contact", std::to_string(m_bob)});
+                        "learn", "--contact", std::to_string(m_bob), "--json"});
   EXPECT_EQ(run.exitCode, 0) << run.err;
-  EXPECT_THAT(run.err, HasSubstr("voxtrel: warning: the recording: it is silent"));
+  EXPECT_THAT(run.err, StartsWith("voxtrel: warning: the recording: it is silent"));
+  const json tag = json::parse(run.out, nullptr, false);
+  ASSERT_EQ(tag["warnings"].size(), 1U) << run.out;
+  EXPECT_THAT(std::string(tag["warnings"][0]), StartsWith("it is silent"));
 }
 
 TEST_F(TagsLearnCommand, AFullDiskIsNamed) {
