@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <cstdlib>
 
 // The library's handles, which are opaque to the program.
 
@@ -50,8 +51,10 @@ T* Make(const char* function) {
   return new T;
 }
 
+/// Ends the process if there is nothing to give back, as the library does.
 template <typename T>
 void GiveBack(T* thing) {
+  if (thing == nullptr) std::abort();
   --fake.held;
   delete thing;
 }
