@@ -1,13 +1,14 @@
 #include "backends/udev/serial_ports.h"
 
+#include <algorithm>
+#include <array>
 #include <charconv>
+#include <cstddef>
 #include <memory>
-#include <optional>
-#include <string>
-#include <vector>
+#include <set>
+#include <tuple>
 
 #include "backends/text/utf.h"
-#include "backends/udev/port_numbers.h"
 #include "platform/active_drivers.h"
 #include "platform/registry_text.h"
 
@@ -16,6 +17,123 @@ namespace {
 
 using platform::RegistryError;
 using platform::SerialDevice;
+
+/// A node's kind, the length of its number and the number: compared in that order, numbers of any
+/// length stand as numbers do.
+auto NodeOrder(const platform::SerialDevice& device) {
+  constexpr std::array<std::u16string_view, 4> kKinds{u"/dev/ttyS", u"/dev/ttyUSB", u"/dev/ttyACM",
+                                                      u"/dev/rfcomm"};
+  const std::u16string_view node = device.node;
+  const std::size_t lastOther = node.find_last_not_of(u"0123456789");
+  const std::size_t digits = lastOther == std::u16string_view::npos ? 0 : lastOther + 1;
+  const std::u16string_view name = node.substr(0, digits);
+  const auto kind = std::ranges::find(kKinds, name) - kKinds.begin();
+  return std::tuple(kind, name, node.size(), node);
+}
+
+std::u16string PartOf(const platform::SerialDevice& device) {
+  return device.part.empty() ? std::u16string() : u" " + device.part;
+}
+
+std::u16string IdentityOf(const platform::SerialDevice& device) {
+  const std::u16string part = PartOf(device);
+  if (!device.serial.empty()) {
+    return u"serial " + device.serial + part;
+  }
+  if (!device.path.empty()) {
+    return u"path " + device.path + part;
+  }
+  return u"node " + device.node;
+}
+
+/// What tells the device from others of its serial number; empty where nothing does.
+std::u16string IdentityWithSocket(const platform::SerialDevice& device) {
+  return device.serial.empty() || device.path.empty()
+             ? std::u16string()
+             : u"serial " + device.serial + u" path " + device.path + PartOf(device);
+}
+
+std::optional<int> NumberOf(const std::u16string& identity, const PortNumbers& numbers) {
+  const auto found =
+      std::ranges::find_if(numbers, [&](const auto& entry) { return entry.second == identity; });
+  return found == numbers.end() ? std::nullopt : std::optional(found->first);
+}
+
+std::u16string Counted(const std::u16string& identity, int count) {
+  return count > 1 ? identity + u" #" + text::FromUtf8(std::to_string(count)) : identity;
+}
+
+/// Notes the number of `from`, or of another that was counted as the same, for `to`.
+void HandOn(const std::u16string& from, const std::u16string& to, PortNumbers& numbers) {
+  for (int count = 1; count <= kHighestPort; ++count) {
+    if (const auto number = NumberOf(Counted(from, count), numbers)) {
+      numbers[*number] = to;
+      return;
+    }
+  }
+}
+
+std::optional<int> FindFree(const PortNumbers& numbers, const std::set<std::u16string>& present) {
+  for (int number = kLowestPort; number <= kHighestPort; ++number) {
+    if (!numbers.contains(number)) {
+      return number;
+    }
+  }
+  for (const auto& [number, identity] : numbers) {
+    if (number >= kLowestPort && number <= kHighestPort && !present.contains(identity)) {
+      return number;
+    }
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+void SortByNode(std::vector<platform::SerialDevice>& devices) {
+  std::ranges::sort(devices,
+                    [](const auto& a, const auto& b) { return NodeOrder(a) < NodeOrder(b); });
+}
+
+std::vector<std::u16string> IdentitiesOf(const std::vector<platform::SerialDevice>& devices,
+                                         PortNumbers& numbers) {
+  std::map<std::u16string, int> sharers;
+  for (const platform::SerialDevice& device : devices) {
+    ++sharers[IdentityOf(device)];
+  }
+  std::vector<std::u16string> identities;
+  std::map<std::u16string, int> counts;
+  for (const platform::SerialDevice& device : devices) {
+    const std::u16string plain = IdentityOf(device);
+    const std::u16string withSocket = IdentityWithSocket(device);
+    const bool isKnownBySocket = NumberOf(withSocket, numbers).has_value();
+    const bool usesSocket = !withSocket.empty() && (sharers[plain] > 1 || isKnownBySocket);
+    if (usesSocket && !isKnownBySocket) {
+      HandOn(plain, withSocket, numbers);
+    }
+    const std::u16string identity = usesSocket ? withSocket : plain;
+    identities.push_back(Counted(identity, ++counts[identity]));
+  }
+  return identities;
+}
+
+std::vector<std::optional<int>> AssignNumbers(const std::vector<std::u16string>& identities,
+                                              PortNumbers& numbers) {
+  const std::set<std::u16string> present(identities.begin(), identities.end());
+  std::vector<std::optional<int>> assigned;
+  for (const std::u16string& identity : identities) {
+    std::optional<int> number = NumberOf(identity, numbers);
+    if (!number) {
+      number = FindFree(numbers, present);
+      if (number) {
+        numbers[*number] = identity;
+      }
+    }
+    assigned.push_back(number);
+  }
+  return assigned;
+}
+
+namespace {
 
 std::u16string Decimal(int number) { return text::FromUtf8(std::to_string(number)); }
 

@@ -6,7 +6,7 @@
 #include <span>
 #include <utility>
 
-#include "backends/wave_file/wave_file_layout.h"
+#include "backends/wave_file/riff_file.h"
 #include "platform/wave_queue.h"
 
 namespace wave_file {

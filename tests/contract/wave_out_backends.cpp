@@ -6,7 +6,7 @@
 #include "backends/headless/memory_file_system.h"
 #include "backends/pulse/pulse_wave_out.h"
 #include "backends/wave_file/file_wave_out.h"
-#include "backends/wave_file/wave_file_layout.h"
+#include "backends/wave_file/riff_file.h"
 #include "tests/e2e/ear.h"
 #include "tests/e2e/pulse_server.h"
 #include "tests/e2e/sound_session.h"

@@ -11,7 +11,7 @@
 
 #include "audio/wave_device.h"
 #include "backends/wave_file/file_wave_in.h"
-#include "backends/wave_file/wave_file_layout.h"
+#include "backends/wave_file/riff_file.h"
 #include "tests/fuzz/require.h"
 #include "tests/support/headless_platform.h"
 

@@ -1,4 +1,4 @@
-#include "backends/udev/port_numbers.h"
+#include "backends/udev/serial_ports.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "backends/wave_file/wave_file_layout.h"
+#include "backends/wave_file/riff_file.h"
 
 #include <gtest/gtest.h>
 
