@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <cstddef>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "backends/text/utf.h"
@@ -182,6 +184,21 @@ void TakeNumbers(const Card& card, Rules rules, ContactData& contact) {
   }
 }
 
+/// The card with its values as former versions read them. Returns nothing if they are the same.
+std::optional<Card> FormerCard(const Card& card) {
+  if (std::all_of(card.begin(), card.end(),
+                  [](const ContentLine& line) { return line.formerComponents.empty(); })) {
+    return std::nullopt;
+  }
+  Card former = card;
+  for (ContentLine& line : former) {
+    if (!line.formerComponents.empty()) {
+      line.components = std::move(line.formerComponents);
+    }
+  }
+  return former;
+}
+
 bool SaysTheSame(const ContactData& a, const ContactData& b) {
   return a.lastName == b.lastName && a.firstName == b.firstName && a.middleName == b.middleName &&
          a.companyName == b.companyName && a.numbers == b.numbers;
@@ -199,8 +216,10 @@ ContactData ToContactData(const Card& card) {
   TakeNames(card, Rules::kNow, contact);
   TakeNumbers(card, Rules::kNow, contact);
   ContactData former;
-  TakeNames(card, Rules::kFormer, former);
-  TakeNumbers(card, Rules::kFormer, former);
+  const std::optional<Card> readOtherwise = FormerCard(card);
+  const Card& formerCard = readOtherwise ? *readOtherwise : card;
+  TakeNames(formerCard, Rules::kFormer, former);
+  TakeNumbers(formerCard, Rules::kFormer, former);
   if (!SaysTheSame(contact, former)) {
     contact.formerContent = ContentOf(former);
   }

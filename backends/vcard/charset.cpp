@@ -100,6 +100,15 @@ class Converter {
   iconv_t m_handle;
 };
 
+/// Returns nothing if the set is none that address books write.
+std::optional<Converter::Converted> ConvertFrom(std::string_view charset, std::string_view text) {
+  if (!IsKnownCharset(charset)) {
+    return std::nullopt;
+  }
+  Converter converter{std::string(charset)};
+  return converter.IsOpen() ? converter.Convert(std::string(text)) : std::nullopt;
+}
+
 /// Whether texts that name no set are read in this one first.
 bool IsUnicode(std::string_view charset) {
   const std::string upper = ToUpper(charset);
@@ -116,11 +125,7 @@ bool HasUtf8Beyond7Bits(std::string_view text) {
 }  // namespace
 
 std::optional<std::string> ToUtf8(std::string_view text, std::string_view charset) {
-  if (!IsKnownCharset(charset)) {
-    return std::nullopt;
-  }
-  Converter converter{std::string(charset)};
-  auto converted = converter.IsOpen() ? converter.Convert(std::string(text)) : std::nullopt;
+  auto converted = ConvertFrom(charset, text);
   const bool isOfSet =
       converted && (converted->isWhole || !(IsUnicode(charset) || text::IsUtf8(text)));
   if (!isOfSet) {
@@ -134,6 +139,14 @@ std::string GuessUtf8(std::string_view text) {
     return std::string(text);
   }
   return ToUtf8(text, kLegacyCharset).value_or(std::string(text));
+}
+
+std::string FormerUtf8(std::string_view text, std::string_view charset) {
+  auto converted = IsStateful(charset) ? std::nullopt : ConvertFrom(charset, text);
+  if (!converted || !converted->isWhole) {
+    converted = text::IsUtf8(text) ? std::nullopt : ConvertFrom(kLegacyCharset, text);
+  }
+  return converted && converted->isWhole ? std::move(converted->text) : std::string(text);
 }
 
 bool IsStateful(std::string_view charset) { return EqualIgnoringCase(charset, kJapaneseMail); }

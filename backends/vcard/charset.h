@@ -18,6 +18,10 @@ namespace vcard {
 /// wrote theirs without naming it.
 [[nodiscard]] std::string GuessUtf8(std::string_view text);
 
+/// Returns what former versions made of the text: they did not know ISO-2022-JP, and gave up a set
+/// at the first byte that means nothing in it.
+[[nodiscard]] std::string FormerUtf8(std::string_view text, std::string_view charset);
+
 /// Whether bytes of the set mean something else after an escape sequence.
 [[nodiscard]] bool IsStateful(std::string_view charset);
 

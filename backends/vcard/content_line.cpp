@@ -106,6 +106,21 @@ void TakeParameters(std::string_view parameters, ContentLine& line, Encoding& en
   }
 }
 
+/// Cuts the value before it is freed from quoted-printable; `decode` gives the UTF-8 of a text.
+template <typename Decode>
+std::vector<std::string> ReadComponents(std::string_view value, bool isQuotedPrintable,
+                                        Commas commas, const Decode& decode) {
+  if (!isQuotedPrintable) {
+    // Before it is cut: the second byte of a character may look like a backslash.
+    return SplitValue(decode(value), commas);
+  }
+  std::vector<std::string> components = SplitValue(value, commas);
+  for (std::string& component : components) {
+    component = decode(DecodeQuotedPrintable(component));
+  }
+  return components;
+}
+
 std::vector<std::string> ReadValue(std::string_view value, const Encoding& encoding,
                                    Commas commas) {
   const auto decode = [&encoding](std::string_view text) {
@@ -115,19 +130,24 @@ std::vector<std::string> ReadValue(std::string_view value, const Encoding& encod
   if (const auto bytes = encoding.isBase64 ? DecodeBase64(value) : std::nullopt) {
     return SplitValue(decode(*bytes), commas);
   }
-  if (!encoding.isQuotedPrintable) {
-    // Before it is cut: the second byte of a character may look like a backslash.
-    return SplitValue(decode(value), commas);
-  }
-  if (IsStateful(encoding.charset)) {
+  if (encoding.isQuotedPrintable && IsStateful(encoding.charset)) {
     // Any of its bytes may look like a semicolon.
     return SplitValue(decode(DecodeQuotedPrintable(value)), commas);
   }
-  std::vector<std::string> components = SplitValue(value, commas);
-  for (std::string& component : components) {
-    component = decode(DecodeQuotedPrintable(component));
-  }
-  return components;
+  return ReadComponents(value, encoding.isQuotedPrintable, commas, decode);
+}
+
+std::vector<std::string> ReadFormerValue(std::string_view value, const Encoding& encoding) {
+  return ReadComponents(
+      value, encoding.isQuotedPrintable, Commas::kKept,
+      [&encoding](std::string_view text) { return FormerUtf8(text, encoding.charset); });
+}
+
+/// Whether former versions may have read the value otherwise.
+bool MayReadOtherwise(std::string_view value, const Encoding& encoding) {
+  return encoding.isBase64 || encoding.isQuotedPrintable || IsStateful(encoding.charset) ||
+         std::any_of(value.begin(), value.end(),
+                     [](char c) { return static_cast<unsigned char>(c) >= 0x80; });
 }
 
 }  // namespace
@@ -167,6 +187,12 @@ std::optional<ContentLine> ParseContentLine(std::string_view line) {
   parsed.components = ReadValue(value, encoding, Commas::kKept);
   if (parsed.name == "N") {
     parsed.spacedComponents = ReadValue(value, encoding, Commas::kBlanks);
+  }
+  if (MayReadOtherwise(value, encoding)) {
+    parsed.formerComponents = ReadFormerValue(value, encoding);
+    if (parsed.formerComponents == parsed.components) {
+      parsed.formerComponents.clear();
+    }
   }
   return parsed;
 }

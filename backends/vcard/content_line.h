@@ -30,6 +30,9 @@ struct ContentLine {
   std::vector<std::string> components;
   /// Of a name alone: the same, with a blank for each comma between two names.
   std::vector<std::string> spacedComponents;
+  /// The components as former versions read them, who knew neither base64 nor ISO-2022-JP; empty if
+  /// they read the same.
+  std::vector<std::string> formerComponents;
 };
 
 /// The lines of one vCard between its BEGIN and END.

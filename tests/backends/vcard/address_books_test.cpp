@@ -433,22 +433,40 @@ TEST_F(AddressBooksInUse, ATornCardIsNamedAndNobodyIsTakenForAbsent) {
 
 // A registry of the time when a contact without a UID was known by its content.
 
-TEST_F(AddressBooksTest, AContactWithTwoMobileNumbersKeepsTheNumberOfAFormerEntry) {
-  const Digest digest = ComputeDigest("content:\nLee\n\n\n\n\n\n1\n\n\n\n\n\n\n");
-  std::vector<std::byte> entry(digest.begin(), digest.end());
-  entry.insert(entry.end(), {std::byte{17}, std::byte{0}, std::byte{0}, std::byte{0}});
-  constexpr std::u16string_view kBook = u"Software\\Zedra\\Voxtrel Contacts\\1";
-  ASSERT_EQ(support::PutText(m_registry, kBook, u"source", u"vcard:/all.vcf"),
-            platform::RegistryError::kNone);
-  ASSERT_EQ(support::Put(m_registry, kBook, u"0", platform::RegistryType::kBinary, entry),
-            platform::RegistryError::kNone);
-  m_inUse = {17};
+class FormerAddressBooks : public AddressBooksTest {
+ protected:
+  /// Gives the number 17 to the contact of that content in /all.vcf, which a tag uses.
+  void PutFormerEntry(const std::string& content) {
+    const Digest digest = ComputeDigest("content:" + content);
+    std::vector<std::byte> entry(digest.begin(), digest.end());
+    entry.insert(entry.end(), {std::byte{17}, std::byte{0}, std::byte{0}, std::byte{0}});
+    constexpr std::u16string_view kBook = u"Software\\Zedra\\Voxtrel Contacts\\1";
+    ASSERT_EQ(support::PutText(m_registry, kBook, u"source", u"vcard:/all.vcf"),
+              platform::RegistryError::kNone);
+    ASSERT_EQ(support::Put(m_registry, kBook, u"0", platform::RegistryType::kBinary, entry),
+              platform::RegistryError::kNone);
+    m_inUse = {17};
+  }
+};
+
+TEST_F(FormerAddressBooks, AContactWithTwoMobileNumbersKeepsTheNumberOfAFormerEntry) {
+  PutFormerEntry("\nLee\n\n\n\n\n\n1\n\n\n\n\n\n\n");
   Put(u"/all.vcf", WriteCard("N:Lee;;;;\nTEL;CELL:1\nTEL;CELL:2", "2.1"));
   ASSERT_TRUE(Start(SourceChoice{u"/all.vcf"}));
   EXPECT_EQ(Oid(1), 17);
   Put(u"/all.vcf", WriteCard("UID:new\nN:Lee;;;;\nTEL;CELL:3", "2.1"));
   ASSERT_TRUE(Start());
   EXPECT_EQ(Oid(1), 17);
+}
+
+TEST_F(FormerAddressBooks, ANameThatWasReadAsItsBase64KeepsTheNumberOfAFormerEntry) {
+  PutFormerEntry("\nTGVlO0Fubjs7Ow==\n\n\n\n\n\n1\n\n\n\n\n\n\n");
+  Put(u"/all.vcf", WriteCard("N;ENCODING=B:TGVlO0Fubjs7Ow==\nTEL;CELL:1", "2.1"));
+  ASSERT_TRUE(Start(SourceChoice{u"/all.vcf"}));
+  EXPECT_EQ(Oid(1), 17);
+  Put(u"/all.vcf", WriteCard("N:Lee;Ann;;;\nTEL;CELL:3", "2.1"));
+  ASSERT_TRUE(Start());
+  EXPECT_EQ(Oid(1), 17) << "it is known by its name now";
 }
 
 // A registry without room.

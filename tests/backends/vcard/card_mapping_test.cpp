@@ -86,7 +86,20 @@ TEST(CardMapping, KeepsTheFormerContentOfACardThatReadsOtherwiseNow) {
             "\nLee\n\n\n\n1\n\n\n\n\n\n\n\n\n");
 }
 
+TEST(CardMapping, KeepsTheFormerContentOfANameWhoseEncodingWasNotRead) {
+  const std::string empty(10, '\n');
+  EXPECT_EQ(Only("N;ENCODING=B:TGVlO0Fubjs7Ow==").formerContent,
+            "\nTGVlO0Fubjs7Ow==\n\n\n" + empty);
+  EXPECT_EQ(Only("N;CHARSET=ISO-2022-JP:\x1B$B;3ED\x1B(B;Ann;;;").formerContent,
+            "\n$B\n3ED (B\nAnn\n" + empty);
+  // A bad byte made a text one of Windows.
+  EXPECT_EQ(Only("N;CHARSET=UTF-8:M\xC3\xBCller\xFF;;;;").formerContent,
+            "\nM\xC3\x83\xC2\xBCller\xC3\xBF\n\n\n" + empty);
+}
+
 TEST(CardMapping, KeepsNoFormerContentOfACardThatReadsAsBefore) {
+  EXPECT_EQ(Only("N;CHARSET=UTF-8;ENCODING=QUOTED-PRINTABLE:M=C3=BCller;;;;").formerContent, "");
+  EXPECT_EQ(Only("N;CHARSET=ISO-8859-1:M\xFCller;;;;").formerContent, "");
   EXPECT_EQ(Only("N:Lee;Ann;May,Sue;;\nORG:Acme\nTEL;CELL:1\nTEL;HOME:2").formerContent, "");
 }
 
