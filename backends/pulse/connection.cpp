@@ -1,24 +1,28 @@
 #include "backends/pulse/connection.h"
 
+#include <pulse/channelmap.h>
 #include <pulse/introspect.h>
 
 #include <algorithm>
 #include <exception>
+#include <utility>
 #include <vector>
 
 namespace pulse {
 namespace {
 
-/// What the server tells about its sources. The loop's thread fills it and then says that it is
-/// done.
+using platform::WaveResult;
+
+/// What the server reports of its sources. The loop's thread fills it, and then says that it is
+/// complete.
 struct SourceList {
   std::vector<std::string> inputs;
   std::string defaultSource;
-  Answer<bool> complete;
+  Answer complete;
 };
 
 void OnContextState(pa_context* context, void* ready) {
-  auto& answer = *static_cast<Answer<bool>*>(ready);
+  auto& answer = *static_cast<Answer*>(ready);
   const pa_context_state_t state = pa_context_get_state(context);
   if (state == PA_CONTEXT_READY) {
     answer.Give(true);
@@ -51,25 +55,26 @@ void OnSource(pa_context*, const pa_source_info* source, int end, void* data) {
   }
 }
 
-ProplistHandle MakeProperties() {
+ProplistHandle MakeProperties(const char* name, const char* value) {
   ProplistHandle properties(pa_proplist_new());
-  pa_proplist_sets(properties.get(), PA_PROP_APPLICATION_NAME, "Voxtrel");
+  pa_proplist_sets(properties.get(), name, value);
   return properties;
 }
 
 }  // namespace
 
-std::unique_ptr<Connection> Connection::Open(Deadline deadline) {
+Result<std::unique_ptr<Connection>> Connection::Open(Deadline deadline) {
   std::unique_ptr<Connection> connection(new Connection);
-  if (!connection->Start()) return nullptr;
-  if (!connection->m_ready.WaitUntil(deadline).value_or(false)) return nullptr;
+  if (!connection->Start() || !connection->m_ready.WaitUntil(deadline).value_or(false)) {
+    return platform::Failure(WaveResult::kNoDevice);
+  }
   return connection;
 }
 
 bool Connection::Start() {
   m_loop.reset(pa_threaded_mainloop_new());
   if (!m_loop) return false;
-  const ProplistHandle properties = MakeProperties();
+  const ProplistHandle properties = MakeProperties(PA_PROP_APPLICATION_NAME, "Voxtrel");
   m_context.reset(pa_context_new_with_proplist(pa_threaded_mainloop_get_api(m_loop.get()), nullptr,
                                                properties.get()));
   if (!m_context) return false;
@@ -88,7 +93,7 @@ Connection::~Connection() {
   m_context.reset();
 }
 
-std::optional<Inputs> Connection::FindInputs(Deadline deadline) {
+Result<Inputs> Connection::FindInputs(Deadline deadline) {
   SourceList list;
   OperationHandle server;
   OperationHandle sources;
@@ -104,13 +109,59 @@ std::optional<Inputs> Connection::FindInputs(Deadline deadline) {
     server.reset();
     sources.reset();
   }
-  if (!isComplete) return std::nullopt;
+  if (!isComplete) return platform::Failure(WaveResult::kNoDevice);
   Inputs inputs{static_cast<std::uint32_t>(list.inputs.size()), {}};
   if (!list.inputs.empty() &&
       std::ranges::find(list.inputs, list.defaultSource) == list.inputs.end()) {
     inputs.preferred = list.inputs.front();
   }
   return inputs;
+}
+
+Stream::Stream(Connection& connection, std::function<void()> onLost)
+    : m_connection(connection), m_onLost(std::move(onLost)) {}
+
+Result<void> Stream::Start(const StreamLabel& label, const pa_sample_spec& sampleSpec,
+                           const std::function<int(pa_stream*)>& connect, Deadline deadline) {
+  const ProplistHandle properties = MakeProperties(PA_PROP_MEDIA_ICON_NAME, label.icon);
+  // Not every number of channels has an order that the library would choose by itself.
+  pa_channel_map channels{};
+  pa_channel_map_init_extend(&channels, sampleSpec.channels, PA_CHANNEL_MAP_WAVEEX);
+  bool isAsked = false;
+  {
+    const LoopLock lock(m_connection.Loop());
+    m_stream.reset(pa_stream_new_with_proplist(m_connection.Context(), label.name, &sampleSpec,
+                                               &channels, properties.get()));
+    if (m_stream) {
+      pa_stream_set_state_callback(m_stream.get(), OnState, this);
+      isAsked = connect(m_stream.get()) == 0;
+    }
+  }
+  if (!isAsked || !m_ready.WaitUntil(deadline).value_or(false)) {
+    return platform::Failure(WaveResult::kNoDevice);
+  }
+  return {};
+}
+
+Stream::~Stream() {
+  if (!m_stream) return;
+  const LoopLock lock(m_connection.Loop());
+  pa_stream_set_state_callback(m_stream.get(), nullptr, nullptr);
+  pa_stream_set_read_callback(m_stream.get(), nullptr, nullptr);
+  pa_stream_set_write_callback(m_stream.get(), nullptr, nullptr);
+  pa_stream_disconnect(m_stream.get());
+  m_stream.reset();
+}
+
+void Stream::OnState(pa_stream* stream, void* self) {
+  auto& me = *static_cast<Stream*>(self);
+  const pa_stream_state_t state = pa_stream_get_state(stream);
+  if (state == PA_STREAM_READY) {
+    me.m_ready.Give(true);
+  } else if (!PA_STREAM_IS_GOOD(state)) {
+    me.m_onLost();
+    me.m_ready.Give(false);
+  }
 }
 
 }  // namespace pulse

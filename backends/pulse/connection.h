@@ -1,40 +1,48 @@
 #pragma once
 
+#include <pulse/sample.h>
+
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 
-#include "backends/pulse/answer.h"
 #include "backends/pulse/handles.h"
+#include "platform/result.h"
+#include "platform/wave_format.h"
 
 namespace pulse {
 
-/// Within this the server has answered all that one call asks of it, or counts as not there.
+/// A server that has not answered all that one call asks of it within this time counts as not
+/// there.
 inline constexpr std::chrono::milliseconds kCallLimit(3000);
+
+/// What fails here fails with WaveResult::kNoDevice: there is no server, it does not answer before
+/// the deadline, or it went away.
+template <typename T>
+using Result = platform::Result<T, platform::WaveResult>;
 
 /// The sources that are no monitors of outputs.
 struct Inputs {
   std::uint32_t count = 0;
-  /// The one to record from where that is not the server's default, which may well be a monitor
-  /// although there is a microphone. Empty stands for the default.
+  /// The source to record from if that is not the server's default, which may well be a monitor
+  /// although there is a microphone. Empty: the default.
   std::string preferred;
 };
 
 /// A connection to the user's sound server, with the thread that serves it.
 class Connection {
  public:
-  /// Null where there is no server, or none that answers before the deadline. Never starts a
-  /// server: that is the business of the user's session, and could not be given a deadline.
-  [[nodiscard]] static std::unique_ptr<Connection> Open(Deadline deadline);
+  /// Never starts a server: that is the business of the user's session, and could not be given a
+  /// deadline.
+  [[nodiscard]] static Result<std::unique_ptr<Connection>> Open(Deadline deadline);
 
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;
   ~Connection();
 
-  /// Nothing where the server went away or did not answer in time.
-  [[nodiscard]] std::optional<Inputs> FindInputs(Deadline deadline);
+  [[nodiscard]] Result<Inputs> FindInputs(Deadline deadline);
 
   [[nodiscard]] pa_threaded_mainloop* Loop() const { return m_loop.get(); }
   [[nodiscard]] pa_context* Context() const { return m_context.get(); }
@@ -44,10 +52,45 @@ class Connection {
 
   [[nodiscard]] bool Start();
 
-  // Before the handles: the loop's thread uses it until they are gone.
-  Answer<bool> m_ready;
+  // The answer stands before the handles: the loop's thread uses it until they are gone.
+  Answer m_ready;
   LoopHandle m_loop;
   ContextHandle m_context;
+};
+
+/// What the user's mixer shows of a stream.
+struct StreamLabel {
+  const char* name;
+  const char* icon;
+};
+
+/// A stream of either direction from its connecting to its end. Does not outlive the connection.
+/// After it is destroyed no callback of the stream comes any more, so it is the last member of its
+/// user.
+class Stream {
+ public:
+  /// `onLost` is called on the loop's thread when the stream is no longer there.
+  Stream(Connection& connection, std::function<void()> onLost);
+  Stream(const Stream&) = delete;
+  Stream& operator=(const Stream&) = delete;
+  ~Stream();
+
+  /// Makes the stream, lets `connect` set its callbacks and connect it (0: done), and waits until
+  /// the server has agreed.
+  [[nodiscard]] Result<void> Start(const StreamLabel& label, const pa_sample_spec& sampleSpec,
+                                   const std::function<int(pa_stream*)>& connect,
+                                   Deadline deadline);
+
+  /// Returns null before Start. Needs the loop's lock.
+  [[nodiscard]] pa_stream* Get() const { return m_stream.get(); }
+
+ private:
+  static void OnState(pa_stream* stream, void* self);
+
+  Connection& m_connection;
+  const std::function<void()> m_onLost;
+  Answer m_ready;
+  StreamHandle m_stream;
 };
 
 }  // namespace pulse

@@ -2,8 +2,7 @@
 
 #include <type_traits>
 
-#include "backends/pulse/pulse_wave_in.h"
-#include "backends/pulse/pulse_wave_out.h"
+#include "backends/pulse/pulse_sound.h"
 
 // The functions that the library exports.
 extern "C" __attribute__((visibility("default"))) void VoxtrelMakeWaveIn(

@@ -9,7 +9,7 @@
 
 #include "backends/headless/headless_wave_in.h"
 #include "backends/headless/memory_file_system.h"
-#include "backends/pulse/pulse_wave_in.h"
+#include "backends/pulse/pulse_sound.h"
 #include "backends/wave_file/file_wave_in.h"
 #include "tests/e2e/pipe_microphone.h"
 #include "tests/e2e/pulse_server.h"

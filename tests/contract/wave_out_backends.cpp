@@ -4,7 +4,7 @@
 
 #include "backends/headless/headless_wave_out.h"
 #include "backends/headless/memory_file_system.h"
-#include "backends/pulse/pulse_wave_out.h"
+#include "backends/pulse/pulse_sound.h"
 #include "backends/wave_file/file_wave_out.h"
 #include "backends/wave_file/riff_file.h"
 #include "tests/e2e/ear.h"

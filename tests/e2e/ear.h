@@ -4,7 +4,7 @@
 #include <memory>
 #include <span>
 
-#include "backends/pulse/pulse_wave_in.h"
+#include "backends/pulse/pulse_sound.h"
 #include "tests/e2e/recording.h"
 
 namespace e2e {

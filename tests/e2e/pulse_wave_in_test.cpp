@@ -1,4 +1,4 @@
-#include "backends/pulse/pulse_wave_in.h"
+#include "backends/pulse/pulse_sound.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

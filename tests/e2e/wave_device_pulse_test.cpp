@@ -19,7 +19,7 @@
 #include "backends/posix/posix_clock.h"
 #include "backends/posix/posix_file_system.h"
 #include "backends/posix/posix_threads.h"
-#include "backends/pulse/pulse_wave_in.h"
+#include "backends/pulse/pulse_sound.h"
 #include "tests/e2e/pipe_microphone.h"
 #include "tests/e2e/pulse_server.h"
 #include "tests/e2e/sound_session.h"

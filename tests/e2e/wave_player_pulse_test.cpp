@@ -20,7 +20,7 @@
 #include "backends/posix/posix_clock.h"
 #include "backends/posix/posix_file_system.h"
 #include "backends/posix/posix_threads.h"
-#include "backends/pulse/pulse_wave_out.h"
+#include "backends/pulse/pulse_sound.h"
 #include "tests/e2e/ear.h"
 #include "tests/e2e/playing.h"
 #include "tests/e2e/pulse_server.h"

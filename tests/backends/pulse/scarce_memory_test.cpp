@@ -11,8 +11,7 @@
 #include <set>
 #include <string>
 
-#include "backends/pulse/pulse_wave_in.h"
-#include "backends/pulse/pulse_wave_out.h"
+#include "backends/pulse/pulse_sound.h"
 #include "tests/backends/pulse/fake_library.h"
 
 namespace {

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstdint>
+
+#include "platform/wave_in.h"
+#include "platform/wave_out.h"
+
+// The user's sound server, PulseAudio or one that speaks its protocol.
+//
+// No call, closing a device included, takes longer than about three seconds. Messages of the sound
+// library go to the system log, never to the program's own output, unless the user asked for them
+// by PULSE_LOG. To bring that about the constructors change the environment, so they run before the
+// program has a second thread.
+
+namespace pulse {
+
+/// The server's default source. If that only listens to an output, the first source that does not.
+class PulseWaveIn final : public platform::WaveIn {
+ public:
+  PulseWaveIn();
+
+  [[nodiscard]] std::uint32_t GetDeviceCount() override;
+  [[nodiscard]] platform::OpenedWaveIn Open(const platform::WaveFormat& format) override;
+};
+
+/// The server's default sink. Takes samples of 8 bits without sign and of 16, 24 and 32 bits with
+/// one, in as many channels and at such rates as the library knows; the server converts.
+class PulseWaveOut final : public platform::WaveOut {
+ public:
+  PulseWaveOut();
+
+  [[nodiscard]] platform::OpenedWaveOut Open(const platform::WaveFormat& format) override;
+};
+
+}  // namespace pulse
