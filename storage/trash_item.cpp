@@ -40,6 +40,9 @@ constexpr std::string_view kTemplateLine = "template ";
 constexpr std::string_view kEntryLine = "entry ";
 constexpr std::string_view kTextLine = "text ";
 
+constexpr std::u16string_view kKeySeparators = u"\\";
+constexpr std::u16string_view kFileSeparators = u"\\/";
+
 std::u16string PathIn(std::u16string_view folder, std::u16string_view name) {
   return std::u16string(folder).append(u"\\").append(name);
 }
@@ -94,14 +97,16 @@ bool TakeLine(std::string_view& about, std::string_view word, std::string_view& 
   return true;
 }
 
-bool TakeName(std::string_view& about, std::string_view word, std::u16string& name) {
+/// Returns false as well if the name holds one of `separators`: it would lead out of its folder or
+/// its key, and is none of ours.
+bool TakeName(std::string_view& about, std::string_view word, std::u16string_view separators,
+              std::u16string& name) {
   std::string_view value;
   if (!TakeLine(about, word, value)) {
     return false;
   }
   name = text::FromHostName(value);
-  // A name that leads out of its folder is none of ours.
-  return name.find_first_of(u"\\/") == std::u16string::npos;
+  return name.find_first_of(separators) == std::u16string::npos;
 }
 
 bool ParseAbout(std::string_view about, TrashItem& item) {
@@ -119,9 +124,9 @@ bool ParseAbout(std::string_view about, TrashItem& item) {
     return false;
   }
   item.by = static_cast<DeletionReason>(word - kReasonWords.begin());
-  if (!TakeName(about, kNameLine, item.parts.name) ||
-      !TakeName(about, kRecordingLine, item.parts.waveFile) ||
-      !TakeName(about, kTemplateLine, item.parts.templateFile) ||
+  if (!TakeName(about, kNameLine, kKeySeparators, item.parts.name) ||
+      !TakeName(about, kRecordingLine, kFileSeparators, item.parts.waveFile) ||
+      !TakeName(about, kTemplateLine, kFileSeparators, item.parts.templateFile) ||
       !TakeLine(about, kEntryLine, value)) {
     return false;
   }

@@ -179,6 +179,16 @@ TEST_F(TagTrashTest, KeepsATagWithoutFilesAndAFileWithoutATag) {
   EXPECT_EQ(support::ReadWhole(m_files, WavePath(u"orphan")), "w");
 }
 
+TEST_F(TagTrashTest, KeepsAnotherProgramsEntryWhoseNameIsNoFilesName) {
+  const std::u16string name = u"../../outside";
+  ASSERT_EQ(TagStore(m_files, m_registry).WriteEntry(name, 1, u"Car"), RegistryError::kNone);
+  ASSERT_EQ(Delete(name), ItemResult::kDone);
+  ASSERT_THAT(Names(), ElementsAre(name));
+  EXPECT_EQ(m_trash.Restore(List().front()), RestoreResult::kDone);
+  EXPECT_TRUE(support::KeyExists(m_registry, KeyOfTag(name)));
+  EXPECT_THAT(TrashFiles(), IsEmpty());
+}
+
 TEST_F(TagTrashTest, RestoresNothingOverWhatIsThere) {
   PutTag(u"100");
   ASSERT_EQ(Delete(u"100"), ItemResult::kDone);
