@@ -7,18 +7,9 @@
 #include <string>
 #include <string_view>
 
-#include "host/cli/connection_commands.h"
-#include "host/cli/contacts_commands.h"
-#include "host/cli/language_commands.h"
-#include "host/cli/maintenance_commands.h"
+#include "host/cli/commands.h"
 #include "host/cli/output.h"
-#include "host/cli/registry_commands.h"
 #include "host/cli/session.h"
-#include "host/cli/status_commands.h"
-#include "host/cli/tags_commands.h"
-#include "host/cli/template_commands.h"
-#include "host/cli/wave_commands.h"
-#include "host/cli/window_commands.h"
 
 namespace cli {
 namespace {

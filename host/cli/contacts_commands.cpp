@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "backends/text/utf.h"
+#include "host/cli/commands.h"
 #include "host/cli/contact_lists.h"
 #include "host/cli/output.h"
 #include "host/cli/page_run.h"

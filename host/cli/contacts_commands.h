@@ -1,15 +1,11 @@
 #pragma once
 
-#include <CLI/App.hpp>
 #include <string>
 #include <vector>
 
 #include "host/cli/session.h"
 
 namespace cli {
-
-/// voxtrel contacts list
-void AddContactsCommands(CLI::App& app, Session& session);
 
 /// What the latest log-on to the contacts passed over, each as "FILE:LINE: sentence".
 [[nodiscard]] std::vector<std::string> DescribeContactRemarks(Session& session);

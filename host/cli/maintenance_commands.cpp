@@ -1,4 +1,4 @@
-#include "host/cli/maintenance_commands.h"
+#include "host/cli/commands.h"
 
 #include <fmt/format.h>
 

@@ -63,8 +63,9 @@ void RunPage(Session& session, Contacts contacts, const std::function<void(PageR
   sheet.AddPage(page);
   const auto wasReinitialized = std::make_shared<bool>(false);
   session.GetUi().SetDialogStory(resources::kReinitDialog.id,
-                                 [wasReinitialized](headless::HeadlessDialog& window) {
+                                 [&session, wasReinitialized](headless::HeadlessDialog& window) {
                                    *wasReinitialized = true;
+                                   const QuickScope quick(session.GetClock(), true);
                                    WatchReinit(window);
                                  });
   session.GetUi().SetSheetStory([&](headless::HeadlessSheet& window) {

@@ -1,4 +1,4 @@
-#include "host/cli/registry_commands.h"
+#include "host/cli/commands.h"
 
 #include <fmt/format.h>
 #include <unistd.h>

@@ -47,14 +47,17 @@ void PrintMessage(const headless::ShownMessage& shown) {
 }  // namespace
 
 Session::Session(const Options& options)
-    : m_options(options), m_backends(options), m_ui(std::u16string(kApplicationName)) {
+    : m_options(options),
+      m_backends(options),
+      m_clock(m_backends.GetClock()),
+      m_ui(std::u16string(kApplicationName)) {
   m_ui.SetListener(PrintMessage);
   m_ui.SetAnswerer([this](const platform::MessageBox& box) { return Answer(box); });
 }
 
 Session::~Session() = default;
 
-platform::Platform Session::GetPlatform() { return GetPlatform(m_backends.GetClock()); }
+platform::Platform Session::GetPlatform() { return GetPlatform(m_clock); }
 
 platform::Platform Session::GetPlatform(platform::Clock& clock) {
   m_ui.UseThreads(m_backends.GetThreads());

@@ -11,6 +11,7 @@
 #include "backends/headless/headless_shell.h"
 #include "backends/headless/headless_ui.h"
 #include "backends/vcard/address_books.h"
+#include "host/cli/clocks.h"
 #include "platform/platform.h"
 #include "platform/registry.h"
 
@@ -38,7 +39,11 @@ class Session {
   /// The same with `clock` in the place of the session's own.
   [[nodiscard]] platform::Platform GetPlatform(platform::Clock& clock);
   [[nodiscard]] platform::FileSystem& GetFiles() { return m_backends.GetFiles(); }
-  [[nodiscard]] platform::Clock& GetClock() { return m_backends.GetClock(); }
+  [[nodiscard]] SessionClock& GetClock() { return m_clock; }
+
+  /// Whether files stand for every device that the sound goes through, so that nobody waits for it.
+  [[nodiscard]] bool HearsFile() const { return !m_options.microphone.empty(); }
+  [[nodiscard]] bool PlaysIntoFile() const { return !m_options.speaker.empty(); }
 
   /// Whether there is a root folder, or can be one. Reports it if there cannot.
   [[nodiscard]] bool RequireRoot();
@@ -101,6 +106,7 @@ class Session {
 
   const Options& m_options;
   applet::Backends m_backends;
+  SessionClock m_clock;
   headless::HeadlessProcess m_process;
   headless::HeadlessShell m_shell;
   headless::HeadlessUi m_ui;

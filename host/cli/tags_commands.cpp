@@ -1,4 +1,4 @@
-#include "host/cli/tags_commands.h"
+#include "host/cli/commands.h"
 
 #include <fmt/format.h>
 
@@ -19,8 +19,6 @@
 #include "host/cli/record_code.h"
 #include "host/cli/recording_warnings.h"
 #include "host/cli/tag_reading.h"
-#include "host/cli/tags_test_command.h"
-#include "host/cli/trash_commands.h"
 #include "language/formatting.h"
 #include "resources/dialogs.h"
 #include "resources/strings.h"
@@ -126,11 +124,14 @@ void Learn(Session& session, const std::string& contact, const std::string& kind
         (!kind.empty() && !ChooseNumber(session, run, kind)) || !CanHear(session)) {
       return;
     }
-    if (!session.GetOptions().json) {
+    if (!session.GetOptions().json && !session.HearsFile()) {
       PrintErrorLine("Say the name now: three seconds are recorded, then you hear it.");
     }
     const int before = run.dialog.GetItemCount(kTagListId);
-    run.dialog.Press(kRecordButtonId);
+    {
+      const QuickScope quick(session.GetClock(), session.HearsFile() && session.PlaysIntoFile());
+      run.dialog.Press(kRecordButtonId);
+    }
     if (run.dialog.GetItemCount(kTagListId) == before) {
       session.Fail("no tag was learned" + ExplainNoTag(session, run.page));
       return;
@@ -177,6 +178,7 @@ void PlayTag(Session& session, const std::string& name) {
     if (!SelectTag(session, run, name)) {
       return;
     }
+    const QuickScope quick(session.GetClock(), session.PlaysIntoFile());
     run.dialog.Press(resources::kPlayButtonId);
     const int code = run.page.GetPlayCode();
     PrintResult(session, code);

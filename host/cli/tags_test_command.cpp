@@ -1,4 +1,4 @@
-#include "host/cli/tags_test_command.h"
+#include "host/cli/commands.h"
 
 #include <fmt/format.h>
 

@@ -1,4 +1,4 @@
-#include "host/cli/template_commands.h"
+#include "host/cli/commands.h"
 
 #include <fmt/format.h>
 

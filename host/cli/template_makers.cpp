@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "host/cli/band_picture.h"
+#include "host/cli/commands.h"
 #include "host/cli/file_reason.h"
 #include "host/cli/header_code.h"
 #include "host/cli/output.h"

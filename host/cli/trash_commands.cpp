@@ -1,4 +1,4 @@
-#include "host/cli/trash_commands.h"
+#include "host/cli/commands.h"
 
 #include <fmt/chrono.h>
 #include <fmt/format.h>

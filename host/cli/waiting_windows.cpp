@@ -36,6 +36,9 @@ void DrawBar(const headless::HeadlessDialog& window, std::string_view what) {
 void Watch(headless::HeadlessDialog& window, std::string_view what,
            const std::function<void()>& whenever) {
   const bool isTerminal = ::isatty(STDERR_FILENO) == 1;
+  if (isTerminal) {
+    DrawBar(window, what);
+  }
   while (!window.WaitForEnd(kRedrawMilliseconds)) {
     if (isTerminal) {
       DrawBar(window, what);

@@ -1,4 +1,4 @@
-#include "host/cli/wave_commands.h"
+#include "host/cli/commands.h"
 
 #include <fmt/format.h>
 
@@ -8,11 +8,11 @@
 
 #include "audio/wave_device.h"
 #include "audio/wave_header.h"
+#include "host/cli/clocks.h"
 #include "host/cli/file_reason.h"
 #include "host/cli/header_code.h"
 #include "host/cli/output.h"
 #include "host/cli/play_code.h"
-#include "host/cli/progress_clock.h"
 #include "host/cli/record_code.h"
 #include "voicemath/voice_mathematics.h"
 
@@ -32,7 +32,9 @@ void Record(Session& session, const std::string& file, std::uint32_t millisecond
   if (Session::AreSameFile(microphone, file)) {
     throw CLI::ValidationError("record", file + " cannot be microphone and recording at once");
   }
-  ProgressClock clock(session.GetPlatform().clock, milliseconds);
+  const QuickScope quick(session.GetClock(), session.HearsFile());
+  ProgressClock clock(session.GetPlatform().clock, milliseconds,
+                      session.HearsFile() ? "Reading" : "Speak now");
   audio::WaveDevice device(session.GetPlatform(clock));
   device.SetFormat(audio::kRecordingBits, audio::kRecordingRate);
   const int code = device.Record(Session::ToSystemPath(file), milliseconds);
@@ -52,6 +54,7 @@ void Record(Session& session, const std::string& file, std::uint32_t millisecond
 }
 
 void PlayWave(Session& session, const std::string& file) {
+  const QuickScope quick(session.GetClock(), session.PlaysIntoFile());
   audio::WaveDevice device(session.GetPlatform());
   const int code = device.Play(Session::ToSystemPath(file));
   if (session.GetOptions().json) {

@@ -24,24 +24,24 @@ using testing::Not;
 
 using ProgressLine = CommandFixture;
 
-TEST_F(ProgressLine, ShowsOnATerminalHowFarTheRecordingHasCome) {
+TEST_F(ProgressLine, ShowsOnATerminalHowFarTheReadingOfAFileHasCome) {
   const auto run = RunOnTerminal({VOXTREL_PROGRAM, "--microphone", CopySample("anna_1.wav"), "wave",
                                   "record", Path("new.wav"), "--milliseconds", "300"});
   EXPECT_EQ(run.exitCode, 0);
   EXPECT_EQ(run.out,
-            "\rSpeak now  [..............................] 0.0 s of 0.3 s"
-            "\rSpeak now  [##########....................] 0.1 s of 0.3 s"
-            "\rSpeak now  [####################..........] 0.2 s of 0.3 s"
-            "\rSpeak now  [##############################] 0.3 s of 0.3 s\r\n"
+            "\rReading  [..............................] 0.0 s of 0.3 s"
+            "\rReading  [##########....................] 0.1 s of 0.3 s"
+            "\rReading  [####################..........] 0.2 s of 0.3 s"
+            "\rReading  [##############################] 0.3 s of 0.3 s\r\n"
             "Recorded 0.3 s to " +
                 Path("new.wav") + "\r\n");
 }
 
-TEST_F(ProgressLine, AsksNobodyToSpeakWhereNothingIsRecorded) {
+TEST_F(ProgressLine, SaysNothingIfNothingIsRecorded) {
   const auto run = RunOnTerminal({VOXTREL_PROGRAM, "--microphone", Path("none.wav"), "wave",
                                   "record", Path("new.wav"), "--milliseconds", "300"});
   EXPECT_EQ(run.exitCode, 1);
-  EXPECT_THAT(run.out, Not(HasSubstr("Speak now")));
+  EXPECT_THAT(run.out, Not(HasSubstr("s of 0.3 s")));
   EXPECT_THAT(run.out, HasSubstr("was not recorded"));
 }
 
@@ -58,9 +58,7 @@ TEST_F(ProgressLineOfReinit, ShowsOnATerminalHowManyTagsAreDone) {
   PutThreeTags();
   const auto run = RunOnTerminal({VOXTREL_PROGRAM, "--root", Path("root"), "reinit", "--force"});
   EXPECT_EQ(run.exitCode, 0);
-  EXPECT_THAT(run.out,
-              testing::StartsWith(
-                  "\rComputing the voice tags again  [..............................] 0 of 3\r"));
+  EXPECT_THAT(run.out, testing::StartsWith("\rComputing the voice tags again  ["));
   EXPECT_THAT(run.out,
               testing::EndsWith(
                   "\rComputing the voice tags again  [##############################] 3 of 3\r\n"

@@ -84,7 +84,9 @@ class WaveRecordKilled : public CommandFixture {
   [[nodiscard]] std::string Target() const { return Folder() + "/ann.wav"; }
 
   void KillWith(int signal) const {
-    KillWhileRecording({VOXTREL_PROGRAM, "--microphone", kMicrophone, "wave", "record", Target()},
+    // A file is read in a hundredth of the time that is asked for.
+    KillWhileRecording({VOXTREL_PROGRAM, "--microphone", kMicrophone, "wave", "record", Target(),
+                        "--milliseconds", "180000"},
                        Folder(), signal);
   }
 

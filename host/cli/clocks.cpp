@@ -1,4 +1,4 @@
-#include "host/cli/progress_clock.h"
+#include "host/cli/clocks.h"
 
 #include <fmt/format.h>
 #include <unistd.h>
@@ -23,9 +23,18 @@ void DrawClock(const std::string& text) {
 
 }  // namespace
 
-ProgressClock::ProgressClock(platform::Clock& clock, std::uint32_t recordingMilliseconds)
+void SessionClock::Sleep(std::uint32_t milliseconds) {
+  constexpr std::uint32_t kQuicker = 100;
+  const std::uint32_t slept = m_isQuick ? milliseconds / kQuicker : milliseconds;
+  m_clock.Sleep(slept);
+  m_skipped += milliseconds - slept;
+}
+
+ProgressClock::ProgressClock(platform::Clock& clock, std::uint32_t recordingMilliseconds,
+                             std::string_view label)
     : m_clock(clock),
       m_recording(recordingMilliseconds),
+      m_label(label),
       m_isAwaited(::isatty(STDERR_FILENO) == 1) {}
 
 void ProgressClock::Sleep(std::uint32_t milliseconds) {
@@ -46,7 +55,7 @@ void ProgressClock::Sleep(std::uint32_t milliseconds) {
 
 void ProgressClock::Show(std::uint32_t passed) const {
   const auto filled = static_cast<std::uint32_t>(std::uint64_t{kClockWidth} * passed / m_recording);
-  DrawClock(fmt::format("\rSpeak now  [{:#<{}}{:.<{}}] {:.1f} s of {:.1f} s", "", filled, "",
+  DrawClock(fmt::format("\r{}  [{:#<{}}{:.<{}}] {:.1f} s of {:.1f} s", m_label, "", filled, "",
                         kClockWidth - filled, ToSeconds(passed), ToSeconds(m_recording)));
 }
 

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <CLI/App.hpp>
+
+#include "host/cli/session.h"
+
+namespace cli {
+
+// Each adds its commands to the command line. They run after the line was parsed, with the options
+// that `session` has by then. What a command throws is a wrong usage (CLI::ParseError).
+
+void AddConnectionCommands(CLI::App& app, Session& session);
+void AddContactsCommands(CLI::App& app, Session& session);
+void AddLanguageCommands(CLI::App& app, Session& session);
+void AddMaintenanceCommands(CLI::App& app, Session& session);
+void AddRegistryCommands(CLI::App& app, Session& session);
+void AddStatusCommands(CLI::App& app, Session& session);
+void AddTagsCommands(CLI::App& app, Session& session);
+void AddTemplateCommands(CLI::App& app, Session& session);
+void AddWaveCommands(CLI::App& app, Session& session);
+void AddWindowCommands(CLI::App& app, Session& session);
+
+// Parts of a group of commands that have files of their own.
+
+/// template learn|process
+void AddTemplateMakers(CLI::App& group, Session& session);
+/// tags test. With --json: {"lines":[TEXT,...],"pairs":[{"tag","neighbour","score","distance",
+/// "confusions"},...]}. "beyond" is there if a test leaves tags out, since it takes 100, and says
+/// how many.
+void AddTagsTestCommand(CLI::App& group, Session& session);
+/// tags trash|restore
+void AddTrashCommands(CLI::App& group, Session& session);
+
+}  // namespace cli
