@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "framework/property_sheet.h"
+#include "framework/dialog.h"
 #include "platform/platform.h"
 
 namespace applet {

@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "framework/property_sheet.h"
+#include "framework/dialog.h"
 #include "language/texts.h"
 #include "platform/platform.h"
 

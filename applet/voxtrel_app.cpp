@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "resources/pictures.h"
-#include "resources/string_table.h"
 #include "resources/strings.h"
 #include "storage/device_paths.h"
 

@@ -6,7 +6,7 @@
 #include "applet/about_page.h"
 #include "applet/control_panel.h"
 #include "applet/pr_shit.h"
-#include "framework/application.h"
+#include "framework/object.h"
 #include "language/texts.h"
 #include "platform/module.h"
 #include "platform/platform.h"

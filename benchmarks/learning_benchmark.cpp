@@ -12,7 +12,7 @@
 #include "backends/text/utf.h"
 #include "benchmarks/full_device.h"
 #include "benchmarks/moments.h"
-#include "framework/property_sheet.h"
+#include "framework/dialog.h"
 #include "host/cli/page_run.h"
 #include "host/cli/session.h"
 #include "resources/dialogs.h"

@@ -3,7 +3,7 @@
 #include <memory>
 #include <string_view>
 
-#include "framework/property_sheet.h"
+#include "framework/dialog.h"
 #include "platform/registry.h"
 
 namespace connection {

@@ -1,7 +1,7 @@
 #include "connection/connection_sheet.h"
 
 #include "connection/connection_page.h"
-#include "framework/property_sheet.h"
+#include "framework/dialog.h"
 
 namespace connection {
 

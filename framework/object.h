@@ -6,13 +6,13 @@ namespace framework {
 
 class CArchive;
 
-/// What a class tells about itself at run time.
+/// The description of a class that can be asked for at run time.
 struct RuntimeClass {
   std::string_view name;
 };
 
-/// Base of the framework's serialisable classes. The virtual operations stand in the order of the
-/// framework's own table.
+/// The base of the framework's serialisable classes. The virtual operations stand in the order of
+/// the framework's own table.
 class CObject {
  public:
   CObject() = default;
@@ -22,8 +22,8 @@ class CObject {
   [[nodiscard]] virtual const RuntimeClass& GetRuntimeClass() const;
   virtual ~CObject() = default;
 
-  /// Writes the object to the archive or reads it from there, as the archive's mode says. What went
-  /// wrong stands in the archive's status.
+  /// Writes the object to the archive or reads it from there, as the archive's mode says. A failure
+  /// is in the archive's status.
   virtual void Serialize(CArchive& archive);
 
   // The two diagnostic slots.
@@ -37,5 +37,13 @@ inline const RuntimeClass& CObject::GetRuntimeClass() const {
 }
 
 inline void CObject::Serialize(CArchive& /*archive*/) {}
+
+/// An application in the style of the framework: the work that is done once when its library is
+/// loaded.
+class CWinApp : public CObject {
+ public:
+  /// Returns false if the application cannot run.
+  virtual bool InitInstance() { return true; }
+};
 
 }  // namespace framework

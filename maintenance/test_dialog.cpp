@@ -4,7 +4,7 @@
 #include <optional>
 #include <utility>
 
-#include "framework/wait_cursor.h"
+#include "framework/dialog.h"
 #include "maintenance/comparison_dialog.h"
 #include "maintenance/page_header.h"
 #include "resources/dialogs.h"

@@ -1,11 +1,15 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <span>
+#include <string_view>
+
+#include "resources/strings.h"
 
 namespace platform {
 
-/// A handle of an icon, known to the whole process; what it stands for is the back end's affair.
+/// A handle of an icon, valid in the whole process. Its meaning belongs to the back end.
 using IconHandle = std::uint32_t;
 
 inline constexpr IconHandle kNoIcon = 0;
@@ -18,15 +22,28 @@ class Module {
   Module& operator=(const Module&) = delete;
   virtual ~Module() = default;
 
-  /// The icon of that number, kNoIcon where there is none or it cannot be had. Until it is
-  /// destroyed the same icon has the same handle, however often it is loaded.
+  /// Returns the icon of that number. Returns kNoIcon if there is none or if it cannot be loaded.
+  /// Until the icon is destroyed, every call with this number returns the same handle.
   [[nodiscard]] virtual IconHandle LoadIcon(int id) = 0;
-  /// No effect on what is no handle of a loaded icon.
+  /// Does nothing if `icon` is not the handle of a loaded icon.
   virtual void DestroyIcon(IconHandle icon) = 0;
 
-  /// Copies as much of the string-table entry as fits with the NUL that ends it, and returns its
-  /// length without the NUL. 0, with `buffer` as it was, where there is no such entry or no room.
+  /// Copies as much of the string-table entry as fits together with its ending NUL. Returns the
+  /// copied length without the NUL. Returns 0 and leaves `buffer` as it is if there is no such
+  /// entry or no room.
   virtual int LoadString(int id, std::span<char16_t> buffer) = 0;
 };
+
+/// Does what Module::LoadString promises, for back ends whose system has no string tables.
+inline int CopyModuleString(int id, std::span<char16_t> buffer) {
+  const std::u16string_view text = resources::FindString(id);
+  if (text.empty() || buffer.empty()) {
+    return 0;
+  }
+  const std::u16string_view fitting = text.substr(0, buffer.size() - 1);
+  std::ranges::copy(fitting, buffer.begin());
+  buffer[fitting.size()] = u'\0';
+  return static_cast<int>(fitting.size());
+}
 
 }  // namespace platform

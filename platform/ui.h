@@ -6,13 +6,12 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/dialog_handler.h"
-#include "resources/dialog_template.h"
+#include "platform/dialog.h"
 
 namespace platform {
 
-/// Style bits of a message box, with the values of the Windows family, so that a back end there
-/// hands them on as they are.
+/// Style bits of a message box. They have the values of the Windows family, so a back end there can
+/// pass them on as they are.
 enum class MessageStyle : std::uint32_t {
   kOk = 0x0,
   kOkCancel = 0x1,
@@ -30,7 +29,7 @@ enum class MessageStyle : std::uint32_t {
   return (static_cast<std::uint32_t>(style) & bits) == bits;
 }
 
-/// Where the caption of a message box comes from.
+/// The source of a message box's caption.
 enum class MessageCaption : std::uint8_t {
   kText,         ///< `MessageBox::caption`.
   kApplication,  ///< The application's own name: the framework's plain box.
@@ -40,11 +39,11 @@ enum class MessageCaption : std::uint8_t {
 struct MessageBox {
   std::u16string text;
   MessageCaption captionKind = MessageCaption::kText;
-  std::u16string caption;  ///< Meant only with kText.
+  std::u16string caption;  ///< Used only with kText.
   MessageStyle style = MessageStyle::kOk;
 };
 
-/// The framework's plain box: text, the application's caption, one OK button.
+/// Returns the framework's plain box: text, the application's caption, one OK button.
 [[nodiscard]] inline MessageBox ApplicationBox(std::u16string text) {
   return {std::move(text), MessageCaption::kApplication, {}, MessageStyle::kOk};
 }
@@ -61,8 +60,8 @@ struct SheetPage {
   DialogHandler& handler;
 };
 
-/// What the system shows and sounds outside its own windows. May be called from any thread; a box
-/// asked for by a worker thread appears and blocks that worker alone.
+/// The user interface outside the dialogs' own windows. Any thread may call it. If a worker thread
+/// asks for a message box, the box appears and blocks that worker alone.
 class Ui {
  public:
   Ui() = default;
@@ -70,8 +69,7 @@ class Ui {
   Ui& operator=(const Ui&) = delete;
   virtual ~Ui() = default;
 
-  /// Shows `box` and returns when the user has answered. The text is data: nothing in it is
-  /// interpreted.
+  /// Shows `box` and returns the user's answer. The text is data: nothing in it is interpreted.
   virtual MessageAnswer ShowMessage(const MessageBox& box) = 0;
 
   virtual void Beep(Sound sound) = 0;
@@ -80,14 +78,14 @@ class Ui {
 
   virtual void SetCursor(Cursor cursor) = 0;
 
-  /// Builds a dialog from its template, hands it to `handler`, and runs it until EndDialog, whose
-  /// result it returns. Where the dialog was ended while it was set up it is never shown.
+  /// Builds a dialog from its template, hands it to `handler`, runs it until EndDialog, and returns
+  /// the result given there. Never shows a dialog that was ended while it was set up.
   [[nodiscard]] virtual int RunDialog(const resources::DialogTemplate& dialog,
                                       DialogHandler& handler) = 0;
 
-  /// Runs a property sheet until the user closes it, and returns true where that was by OK. A page
-  /// is set up when it is first shown; the first page is shown first. OK calls OnOK of every page
-  /// that was set up. `handler` may be called for the sheet's own help.
+  /// Runs a property sheet until the user closes it. Returns true if the user closed it by OK. A
+  /// page is set up when it is first shown; the first page is shown first. OK calls OnOK of every
+  /// page that was set up. Calls `handler` if the user asks for help and the page has none.
   [[nodiscard]] virtual bool RunSheet(std::u16string_view caption, std::span<const SheetPage> pages,
                                       SheetHandler& handler) = 0;
 };

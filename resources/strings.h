@@ -195,4 +195,12 @@ inline constexpr std::array<std::u16string_view, 10> kNumberFailedOnSelection = 
     u"Failed to get Home2 phone number",       u"Failed to get HomeFax phone number",
 };
 
+/// Entries of the string table, by their number.
+inline constexpr int kAppletNameString = 1;
+
+/// Returns an entry of the string table. Returns an empty text if there is none.
+[[nodiscard]] constexpr std::u16string_view FindString(int id) {
+  return id == kAppletNameString ? kAppletName : std::u16string_view();
+}
+
 }  // namespace resources

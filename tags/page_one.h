@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "audio/wave_device.h"
-#include "framework/property_sheet.h"
+#include "framework/dialog.h"
 #include "language/texts.h"
 #include "maintenance/reinit_progress_dialog.h"
 #include "maintenance/tag_session.h"

@@ -1,6 +1,6 @@
 // The Learning page opens: contacts, tag list, buttons.
 
-#include "framework/wait_cursor.h"
+#include "framework/dialog.h"
 #include "language/formatting.h"
 #include "resources/dialogs.h"
 #include "resources/strings.h"

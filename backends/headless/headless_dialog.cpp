@@ -1,11 +1,9 @@
 #include "backends/headless/headless_dialog.h"
 
 #include <algorithm>
-#include <compare>
 
 #include "backends/headless/stroke_canvas.h"
-#include "backends/text/collation.h"
-#include "platform/dialog_units.h"
+#include "platform/dialog.h"
 
 namespace headless {
 
@@ -16,8 +14,11 @@ HeadlessDialog::HeadlessDialog(const resources::DialogTemplate& dialog,
     : m_template(dialog), m_handler(handler) {
   for (const resources::ControlTemplate& control : dialog.controls) {
     if (control.id != resources::kNoControlId) {
-      m_controls.emplace(control.id,
-                         Control{control, std::u16string(control.text), control.isEnabled});
+      const auto made = m_controls.emplace(
+          control.id, Control{control, std::u16string(control.text), control.isEnabled});
+      if (framework::ItemList::IsFor(control.kind)) {
+        made.first->second.items.emplace(control.kind, control.text);
+      }
     }
   }
   if (threads != nullptr) {
@@ -42,7 +43,8 @@ void HeadlessDialog::Press(int id) {
 
 void HeadlessDialog::Choose(int id, int index) {
   const Control* control = Find(id);
-  if (control == nullptr || !control->isEnabled || index < 0 || index >= GetItemCount(id)) {
+  if (control == nullptr || !control->isEnabled || !control->items ||
+      !control->items->HasItem(index)) {
     return;
   }
   SetSelection(id, index);
@@ -92,8 +94,8 @@ bool HeadlessDialog::IsVisible(int id) const {
 }
 
 std::vector<std::u16string> HeadlessDialog::GetItems(int id) const {
-  const Control* control = Find(id);
-  return control == nullptr ? std::vector<std::u16string>() : control->items;
+  const framework::ItemList* items = FindItems(id);
+  return items == nullptr ? std::vector<std::u16string>() : items->GetItems();
 }
 
 std::optional<platform::Font> HeadlessDialog::GetFont(int id) const {
@@ -133,7 +135,10 @@ bool HeadlessDialog::WaitForEnd(std::uint32_t milliseconds) {
 
 void HeadlessDialog::SetText(int id, std::u16string_view text) {
   const std::lock_guard lock(m_mutex);
-  if (Control* control = Find(id)) {
+  Control* control = Find(id);
+  if (control != nullptr && control->items) {
+    control->items->SetField(text);
+  } else if (control != nullptr) {
     control->text = text;
   }
 }
@@ -141,7 +146,10 @@ void HeadlessDialog::SetText(int id, std::u16string_view text) {
 std::u16string HeadlessDialog::GetText(int id) const {
   const std::lock_guard lock(m_mutex);
   const Control* control = Find(id);
-  return control == nullptr ? std::u16string() : control->text;
+  if (control == nullptr) {
+    return {};
+  }
+  return control->items ? control->items->GetField() : control->text;
 }
 
 void HeadlessDialog::Enable(int id, bool isEnabled) {
@@ -162,71 +170,47 @@ void HeadlessDialog::SetFont(int id, const platform::Font& font) {
 }
 
 int HeadlessDialog::AddItem(int id, std::u16string_view text) {
-  Control* control = Find(id);
-  if (control == nullptr) {
-    return -1;
-  }
-  auto at = control->items.end();
-  if (control->description.kind == ControlKind::kSortedComboBox) {
-    at = std::ranges::upper_bound(control->items, text,
-                                  [](std::u16string_view a, std::u16string_view b) {
-                                    return std::is_lt(text::CompareForDisplay(a, b));
-                                  });
-  }
-  const auto place = at - control->items.begin();
-  control->items.insert(at, std::u16string(text));
-  return static_cast<int>(place);
+  framework::ItemList* items = FindItems(id);
+  return items == nullptr ? -1 : items->Add(text);
 }
 
 void HeadlessDialog::DeleteItem(int id, int index) {
-  Control* control = Find(id);
-  if (control == nullptr || index < 0 || index >= GetItemCount(id)) {
-    return;
-  }
-  control->items.erase(control->items.begin() + index);
-  if (control->selection == index) {
-    control->selection.reset();
-  } else if (control->selection > index) {
-    control->selection = *control->selection - 1;
+  if (framework::ItemList* items = FindItems(id)) {
+    items->Delete(index);
   }
 }
 
 void HeadlessDialog::ResetItems(int id) {
-  if (Control* control = Find(id)) {
-    control->items.clear();
-    control->selection.reset();
+  if (framework::ItemList* items = FindItems(id)) {
+    items->Reset();
   }
 }
 
 int HeadlessDialog::GetItemCount(int id) const {
-  const Control* control = Find(id);
-  return control == nullptr ? 0 : static_cast<int>(control->items.size());
+  const framework::ItemList* items = FindItems(id);
+  return items == nullptr ? 0 : items->GetCount();
 }
 
 std::u16string HeadlessDialog::GetItemText(int id, int index) const {
-  const Control* control = Find(id);
-  return control == nullptr || index < 0 || index >= GetItemCount(id)
-             ? std::u16string()
-             : control->items[static_cast<std::size_t>(index)];
+  const framework::ItemList* items = FindItems(id);
+  return items == nullptr ? std::u16string() : items->GetText(index);
 }
 
 std::optional<int> HeadlessDialog::GetSelection(int id) const {
-  const Control* control = Find(id);
-  return control == nullptr ? std::nullopt : control->selection;
+  const framework::ItemList* items = FindItems(id);
+  return items == nullptr ? std::nullopt : items->GetSelection();
 }
 
 void HeadlessDialog::SetSelection(int id, std::optional<int> index) {
-  if (Control* control = Find(id)) {
-    const bool isItem = index && *index >= 0 && *index < GetItemCount(id);
-    control->selection = isItem ? index : std::nullopt;
-    if (isItem && control->description.kind == ControlKind::kEditableComboBox) {
-      control->text = GetItemText(id, *index);
-    }
+  const std::lock_guard lock(m_mutex);
+  if (framework::ItemList* items = FindItems(id)) {
+    items->Select(index);
   }
 }
 
 void HeadlessDialog::SetHorizontalExtent(int id, int width) {
-  if (Control* control = Find(id)) {
+  Control* control = Find(id);
+  if (control != nullptr && control->description.kind == ControlKind::kListBox) {
     control->horizontalExtent = width;
   }
 }
@@ -241,7 +225,8 @@ int HeadlessDialog::GetTextWidth(int /*id*/, std::u16string_view text) const {
 }
 
 void HeadlessDialog::SetCheck(int id, bool isChecked) {
-  if (Control* control = Find(id)) {
+  Control* control = Find(id);
+  if (control != nullptr && control->description.kind == ControlKind::kCheckBox) {
     control->isChecked = isChecked;
   }
 }
@@ -303,6 +288,16 @@ HeadlessDialog::Control* HeadlessDialog::Find(int id) {
 const HeadlessDialog::Control* HeadlessDialog::Find(int id) const {
   const auto found = m_controls.find(id);
   return found == m_controls.end() ? nullptr : &found->second;
+}
+
+framework::ItemList* HeadlessDialog::FindItems(int id) {
+  Control* control = Find(id);
+  return control == nullptr || !control->items ? nullptr : &*control->items;
+}
+
+const framework::ItemList* HeadlessDialog::FindItems(int id) const {
+  const Control* control = Find(id);
+  return control == nullptr || !control->items ? nullptr : &*control->items;
 }
 
 }  // namespace headless

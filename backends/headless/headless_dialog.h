@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/dialog_handler.h"
-#include "platform/dialog_window.h"
+#include "framework/item_list.h"
+#include "platform/dialog.h"
 #include "platform/threads.h"
 #include "resources/dialog_template.h"
 
@@ -42,7 +42,7 @@ class HeadlessDialog final : public platform::DialogWindow {
 
   void Press(int id);
   void Choose(int id, int index);
-  /// Writes into an editable combo box, in place of what stands there.
+  /// Replaces the text in the field of an editable combo box.
   void Type(int id, std::u16string_view text);
   void ClickAt(platform::Point point);
   bool AskForHelp();
@@ -108,8 +108,7 @@ class HeadlessDialog final : public platform::DialogWindow {
     resources::ControlTemplate description;
     std::u16string text;
     bool isEnabled = true;
-    std::vector<std::u16string> items = {};
-    std::optional<int> selection = std::nullopt;
+    std::optional<framework::ItemList> items = std::nullopt;  ///< Of a combo box or a list box.
     int horizontalExtent = 0;
     bool isChecked = false;
     std::optional<platform::Font> font = std::nullopt;
@@ -117,6 +116,9 @@ class HeadlessDialog final : public platform::DialogWindow {
 
   [[nodiscard]] Control* Find(int id);
   [[nodiscard]] const Control* Find(int id) const;
+  /// Returns null for a control without items.
+  [[nodiscard]] framework::ItemList* FindItems(int id);
+  [[nodiscard]] const framework::ItemList* FindItems(int id) const;
 
   const resources::DialogTemplate& m_template;
   platform::DialogHandler& m_handler;

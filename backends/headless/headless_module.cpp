@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "platform/module_strings.h"
+#include "platform/module.h"
 
 namespace headless {
 

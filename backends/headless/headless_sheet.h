@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "backends/headless/headless_dialog.h"
-#include "platform/sheet_window.h"
+#include "platform/dialog.h"
 #include "platform/ui.h"
 
 namespace headless {

@@ -6,7 +6,7 @@
 
 #include <cerrno>
 
-#include "platform/module_strings.h"
+#include "platform/module.h"
 
 namespace posix {
 namespace {

@@ -108,14 +108,14 @@ void ShowText(Control& control) {
   } else if (control.button != nullptr) {
     control.button->setText(WithoutMnemonic(text));
   } else if (control.combo != nullptr && control.combo->isEditable()) {
-    control.combo->setEditText(text);
+    control.combo->setEditText(ToQString(control.items->GetField()));
   } else if (auto* group = dynamic_cast<QGroupBox*>(control.widget)) {
     group->setTitle(WithoutMnemonic(text));
   }
 }
 
 QString GetShownText(const Control& control) {
-  return control.combo != nullptr ? control.combo->currentText() : ToQString(control.text);
+  return ToQString(control.items ? control.items->GetField() : control.text);
 }
 
 }  // namespace qt

@@ -8,6 +8,7 @@
 
 #include "backends/qt/combo_box.h"
 #include "backends/qt/list_box.h"
+#include "framework/item_list.h"
 #include "resources/dialog_template.h"
 
 namespace qt {
@@ -17,6 +18,7 @@ namespace qt {
 struct Control {
   resources::ControlTemplate description;
   std::u16string text;  ///< As the page knows it; the widget may show it shortened or escaped.
+  std::optional<framework::ItemList> items = std::nullopt;  ///< Of a combo box or a list box.
   QWidget* widget = nullptr;
   ComboBox* combo = nullptr;
   ListBox* list = nullptr;

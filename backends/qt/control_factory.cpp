@@ -9,15 +9,13 @@
 #include "backends/qt/picture_button.h"
 #include "backends/qt/scale.h"
 #include "backends/qt/strings.h"
-#include "platform/dialog_units.h"
+#include "platform/dialog.h"
 
 namespace qt {
 namespace {
 
-using platform::CommandEvent;
 using resources::ControlKind;
 using resources::ControlTemplate;
-using Tell = std::function<void(CommandEvent)>;
 
 /// A template gives a combo box with its list dropped down; closed it is as high as a button.
 constexpr int kClosedComboUnits = 13;
@@ -39,32 +37,26 @@ void MakeLabel(Control& control, QWidget& surface) {
   control.widget = control.label;
 }
 
-void MakeCombo(Control& control, QWidget& surface, const Tell& tell) {
+void MakeCombo(Control& control, QWidget& surface) {
   control.combo = new ComboBox(&surface);
   control.widget = control.combo;
   if (control.description.kind == ControlKind::kEditableComboBox) {
     control.combo->setEditable(true);
     control.combo->setCompleter(nullptr);
   }
-  QObject::connect(control.combo, &QComboBox::activated, control.combo,
-                   [tell] { tell(CommandEvent::kSelectionChange); });
 }
 
-void MakeList(Control& control, QWidget& surface, const Tell& tell) {
+void MakeList(Control& control, QWidget& surface) {
   control.list = new ListBox(&surface);
   control.widget = control.list;
-  QObject::connect(control.list, &QListWidget::itemSelectionChanged, control.list,
-                   [tell] { tell(CommandEvent::kSelectionChange); });
 }
 
-void SetButton(Control& control, QAbstractButton* button, const Tell& tell) {
+void SetButton(Control& control, QAbstractButton* button) {
   control.button = button;
   control.widget = button;
-  QObject::connect(button, &QAbstractButton::clicked, button,
-                   [tell] { tell(CommandEvent::kClick); });
 }
 
-void MakeWidget(Control& control, QWidget& surface, Pictures& pictures, const Tell& tell) {
+void MakeWidget(Control& control, QWidget& surface, Pictures& pictures) {
   switch (control.description.kind) {
     case ControlKind::kStatic:
     case ControlKind::kCenteredStatic:
@@ -72,20 +64,19 @@ void MakeWidget(Control& control, QWidget& surface, Pictures& pictures, const Te
     case ControlKind::kComboBox:
     case ControlKind::kSortedComboBox:
     case ControlKind::kEditableComboBox:
-      return MakeCombo(control, surface, tell);
+      return MakeCombo(control, surface);
     case ControlKind::kListBox:
-      return MakeList(control, surface, tell);
+      return MakeList(control, surface);
     case ControlKind::kPushButton:
     case ControlKind::kDefaultPushButton: {
       auto* button = new QPushButton(&surface);
       button->setAutoDefault(true);
-      return SetButton(control, button, tell);
+      return SetButton(control, button);
     }
     case ControlKind::kCheckBox:
-      return SetButton(control, new QCheckBox(&surface), tell);
+      return SetButton(control, new QCheckBox(&surface));
     case ControlKind::kPicture:
-      return SetButton(control, new PictureButton(&surface, pictures, control.description.id),
-                       tell);
+      return SetButton(control, new PictureButton(&surface, pictures, control.description.id));
     case ControlKind::kGroupBox:
       control.widget = new QGroupBox(&surface);
       control.widget->lower();
@@ -114,10 +105,12 @@ void Place(Control& control, Pictures& pictures) {
 
 }  // namespace
 
-Control MakeControl(const ControlTemplate& description, QWidget& surface, Pictures& pictures,
-                    const Tell& tell) {
+Control MakeControl(const ControlTemplate& description, QWidget& surface, Pictures& pictures) {
   Control control{.description = description, .text = std::u16string(description.text)};
-  MakeWidget(control, surface, pictures, tell);
+  if (framework::ItemList::IsFor(description.kind)) {
+    control.items.emplace(description.kind, description.text);
+  }
+  MakeWidget(control, surface, pictures);
   Place(control, pictures);
   if (description.id != resources::kNoControlId) {
     control.widget->setObjectName(QString::number(description.id));

@@ -9,7 +9,7 @@
 #include "backends/qt/look.h"
 #include "backends/qt/qt_canvas.h"
 #include "backends/qt/scale.h"
-#include "platform/dialog_units.h"
+#include "platform/dialog.h"
 
 namespace qt {
 namespace {

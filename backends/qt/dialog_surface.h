@@ -4,7 +4,7 @@
 #include <functional>
 
 #include "backends/qt/pictures.h"
-#include "platform/dialog_handler.h"
+#include "platform/dialog.h"
 #include "resources/dialog_template.h"
 
 namespace qt {

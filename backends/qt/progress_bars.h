@@ -4,7 +4,7 @@
 #include <map>
 #include <memory>
 
-#include "platform/dialog_window.h"
+#include "platform/dialog.h"
 
 namespace qt {
 

@@ -37,8 +37,8 @@ QtDialog::~QtDialog() { m_handler.Detach(); }
 void QtDialog::MakeControls(Pictures& pictures) {
   for (const resources::ControlTemplate& description : m_template.controls) {
     const int id = description.id;
-    m_controls.push_back(MakeControl(description, *m_surface, pictures,
-                                     [this, id](CommandEvent e) { TellUsersCommand(id, e); }));
+    m_controls.push_back(MakeControl(description, *m_surface, pictures));
+    Hear(m_controls.back());
     const bool hasKeys = std::ranges::any_of(
         m_template.keys, [id](const resources::KeyTemplate& key) { return key.control == id; });
     if (hasKeys) {
@@ -234,6 +234,16 @@ const Control* QtDialog::Find(int id) const {
   const auto found = std::ranges::find_if(
       m_controls, [id](const Control& control) { return control.description.id == id; });
   return id == resources::kNoControlId || found == m_controls.end() ? nullptr : &*found;
+}
+
+Control* QtDialog::FindList(int id) {
+  Control* control = Find(id);
+  return control == nullptr || !control->items ? nullptr : control;
+}
+
+const Control* QtDialog::FindList(int id) const {
+  const Control* control = Find(id);
+  return control == nullptr || !control->items ? nullptr : control;
 }
 
 }  // namespace qt

@@ -11,8 +11,7 @@
 #include "backends/qt/pictures.h"
 #include "backends/qt/progress_bars.h"
 #include "backends/qt/ui_thread.h"
-#include "platform/dialog_handler.h"
-#include "platform/dialog_window.h"
+#include "platform/dialog.h"
 
 class QPushButton;
 
@@ -71,6 +70,8 @@ class QtDialog final : public platform::DialogWindow {
  private:
   void MakeControls(Pictures& pictures);
   void MakeLinks();
+  /// Connects a control's widget, so that the dialog hears what the user does there.
+  void Hear(Control& control);
   void GiveLabelsRoom();
   /// Calls the handler; what it posts is delivered after it.
   void Call(const std::function<void()>& call);
@@ -86,6 +87,9 @@ class QtDialog final : public platform::DialogWindow {
   void TakeFocusFrom(const Control& leaving);
   [[nodiscard]] Control* Find(int id);
   [[nodiscard]] const Control* Find(int id) const;
+  /// Returns null for a control without items.
+  [[nodiscard]] Control* FindList(int id);
+  [[nodiscard]] const Control* FindList(int id) const;
 
   const resources::DialogTemplate& m_template;
   platform::DialogHandler& m_handler;

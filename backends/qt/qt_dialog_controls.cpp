@@ -4,7 +4,7 @@
 #include "backends/qt/fonts.h"
 #include "backends/qt/qt_dialog.h"
 #include "backends/qt/strings.h"
-#include "platform/dialog_units.h"
+#include "platform/dialog.h"
 
 namespace qt {
 
@@ -14,7 +14,11 @@ void QtDialog::SetText(int id, std::u16string_view text) {
 
 void QtDialog::ChangeText(int id, const std::u16string& text) {
   if (Control* control = Find(id)) {
-    control->text = text;
+    if (control->items) {
+      control->items->SetField(text);
+    } else {
+      control->text = text;
+    }
     ShowText(*control);
     if (IsPushButton(*control) || IsCheckBox(*control)) {
       ShowButtons(m_controls);
@@ -28,7 +32,7 @@ std::u16string QtDialog::GetText(int id) const {
   if (control == nullptr) {
     return {};
   }
-  return control->combo == nullptr ? control->text : ToText(control->combo->currentText());
+  return control->items ? control->items->GetField() : control->text;
 }
 
 void QtDialog::Enable(int id, bool isEnabled) {

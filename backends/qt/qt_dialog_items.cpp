@@ -1,101 +1,98 @@
-// Combo boxes and list boxes of a dialog: their items and what is selected.
+// Combo boxes and list boxes of a dialog. A framework::ItemList holds the items and the selection;
+// the widget shows them. The widget's signals are blocked while the page changes the items, so what
+// arrives as a signal is what the user did.
 
 #include <QFontMetrics>
 #include <QSignalBlocker>
-#include <compare>
 
 #include "backends/qt/qt_dialog.h"
 #include "backends/qt/scale.h"
 #include "backends/qt/strings.h"
-#include "backends/text/collation.h"
 
 namespace qt {
+
+using platform::CommandEvent;
+
 namespace {
 
-using resources::ControlKind;
-
-[[nodiscard]] int CountItems(const Control& control) {
+/// Returns -1 if no item is shown as selected.
+[[nodiscard]] int ShownRow(const Control& control) {
   if (control.combo != nullptr) {
-    return control.combo->count();
+    return control.combo->currentIndex();
   }
-  return control.list == nullptr ? 0 : control.list->count();
+  const auto selected = control.list->selectedItems();
+  return selected.isEmpty() ? -1 : control.list->row(selected.front());
 }
 
-[[nodiscard]] std::optional<int> SelectionOf(const Control& control) {
-  int row = -1;
-  if (control.combo != nullptr) {
-    row = control.combo->currentIndex();
-  } else if (control.list != nullptr && !control.list->selectedItems().isEmpty()) {
-    row = control.list->row(control.list->selectedItems().front());
-  }
-  return row < 0 ? std::nullopt : std::optional(row);
+[[nodiscard]] int SelectedRow(const Control& control) {
+  return control.items->GetSelection().value_or(-1);
 }
 
-void Select(const Control& control, std::optional<int> index) {
-  const int row = index && *index >= 0 && *index < CountItems(control) ? *index : -1;
+void ShowSelection(const Control& control) {
+  const int row = SelectedRow(control);
   if (control.combo != nullptr) {
-    // Only a choice writes into the field of an editable box; that none is left changes no text.
-    const QString typed = control.combo->currentText();
     control.combo->setCurrentIndex(row);
-    if (row < 0 && control.combo->isEditable()) {
-      control.combo->setEditText(typed);
+    const QString field = ToQString(control.items->GetField());
+    if (control.combo->isEditable() && control.combo->currentText() != field) {
+      control.combo->setEditText(field);
     }
-  } else if (control.list != nullptr) {
-    const QSignalBlocker blocker(control.list);
-    control.list->setCurrentRow(row);
-    if (row < 0) {
-      control.list->clearSelection();
-    }
+    return;
+  }
+  control.list->setCurrentRow(row);
+  if (row < 0) {
+    control.list->clearSelection();
   }
 }
 
-/// Changes the items without letting the widget choose one by itself, as it likes to.
+/// Changes the items of the widget, which selects another one of its own accord now and then.
 template <typename Change>
-void ChangeItems(const Control& control, Change change) {
+void ChangeWidget(const Control& control, Change change) {
   const QSignalBlocker comboBlocker(control.combo);
   const QSignalBlocker listBlocker(control.list);
-  const bool isEditable = control.combo != nullptr && control.combo->isEditable();
-  const QString typed = isEditable ? control.combo->currentText() : QString();
-  const std::optional<int> selection = change(SelectionOf(control));
-  if (selection != SelectionOf(control)) {
-    Select(control, selection);
+  change();
+  const bool isFieldOther =
+      control.combo != nullptr && ToText(control.combo->currentText()) != control.items->GetField();
+  if (ShownRow(control) != SelectedRow(control) || isFieldOther) {
+    ShowSelection(control);
   }
-  if (isEditable && control.combo->currentText() != typed) {
-    control.combo->setEditText(typed);
-  }
-}
-
-[[nodiscard]] QString ItemText(const Control& control, int index) {
-  return control.combo != nullptr ? control.combo->itemText(index)
-                                  : control.list->item(index)->text();
-}
-
-/// Behind those that it is equal to.
-[[nodiscard]] int SortedPlace(const Control& control, std::u16string_view text) {
-  int place = 0;
-  while (place < CountItems(control) &&
-         !std::is_lt(text::CompareForDisplay(text, ToText(ItemText(control, place))))) {
-    ++place;
-  }
-  return place;
 }
 
 }  // namespace
 
+void QtDialog::Hear(Control& control) {
+  // The items first: when the page hears of a choice, it finds it selected.
+  const auto select = [&control] {
+    const int row = ShownRow(control);
+    control.items->Select(row < 0 ? std::nullopt : std::optional(row));
+  };
+  const int id = control.description.id;
+  const auto tellChoice = [this, id] { TellUsersCommand(id, CommandEvent::kSelectionChange); };
+  if (ComboBox* combo = control.combo) {
+    QObject::connect(combo, &QComboBox::currentIndexChanged, combo, select);
+    QObject::connect(combo, &QComboBox::editTextChanged, combo,
+                     [&control](const QString& typed) { control.items->SetField(ToText(typed)); });
+    QObject::connect(combo, &QComboBox::activated, combo, tellChoice);
+  } else if (ListBox* list = control.list) {
+    QObject::connect(list, &QListWidget::itemSelectionChanged, list, select);
+    QObject::connect(list, &QListWidget::itemSelectionChanged, list, tellChoice);
+  } else if (QAbstractButton* button = control.button) {
+    QObject::connect(button, &QAbstractButton::clicked, button,
+                     [this, id] { TellUsersCommand(id, CommandEvent::kClick); });
+  }
+}
+
 int QtDialog::AddItem(int id, std::u16string_view text) {
-  Control* control = Find(id);
-  if (control == nullptr || (control->combo == nullptr && control->list == nullptr)) {
+  Control* control = FindList(id);
+  if (control == nullptr) {
     return -1;
   }
-  const bool isSorted = control->description.kind == ControlKind::kSortedComboBox;
-  const int place = isSorted ? SortedPlace(*control, text) : CountItems(*control);
-  ChangeItems(*control, [&](std::optional<int> selection) {
+  const int place = control->items->Add(text);
+  ChangeWidget(*control, [&] {
     if (control->combo != nullptr) {
       control->combo->insertItem(place, ToQString(text));
     } else {
       control->list->insertItem(place, ToQString(text));
     }
-    return selection && *selection >= place ? std::optional(*selection + 1) : selection;
   });
   // A list that is filled before it is shown stands at its top.
   if (control->list != nullptr && control->list->isVisible()) {
@@ -106,60 +103,60 @@ int QtDialog::AddItem(int id, std::u16string_view text) {
 }
 
 void QtDialog::DeleteItem(int id, int index) {
-  Control* control = Find(id);
-  if (control == nullptr || index < 0 || index >= CountItems(*control)) {
+  Control* control = FindList(id);
+  if (control == nullptr || !control->items->HasItem(index)) {
     return;
   }
-  ChangeItems(*control, [&](std::optional<int> selection) {
+  control->items->Delete(index);
+  ChangeWidget(*control, [&] {
     if (control->combo != nullptr) {
       control->combo->removeItem(index);
     } else {
       const std::unique_ptr<QListWidgetItem> gone(control->list->takeItem(index));
     }
-    if (selection == index) {
-      return std::optional<int>();
-    }
-    return selection > index ? std::optional(*selection - 1) : selection;
   });
   Rename();
 }
 
 void QtDialog::ResetItems(int id) {
-  Control* control = Find(id);
+  Control* control = FindList(id);
   if (control == nullptr) {
     return;
   }
-  ChangeItems(*control, [&](std::optional<int> /*selection*/) {
+  control->items->Reset();
+  ChangeWidget(*control, [&] {
     if (control->combo != nullptr) {
       control->combo->clear();
-    } else if (control->list != nullptr) {
+    } else {
       control->list->clear();
     }
-    return std::optional<int>();
   });
   Rename();
 }
 
 int QtDialog::GetItemCount(int id) const {
-  const Control* control = Find(id);
-  return control == nullptr ? 0 : CountItems(*control);
+  const Control* control = FindList(id);
+  return control == nullptr ? 0 : control->items->GetCount();
 }
 
 std::u16string QtDialog::GetItemText(int id, int index) const {
-  const Control* control = Find(id);
-  return control == nullptr || index < 0 || index >= CountItems(*control)
-             ? std::u16string()
-             : ToText(ItemText(*control, index));
+  const Control* control = FindList(id);
+  return control == nullptr ? std::u16string() : control->items->GetText(index);
 }
 
 std::optional<int> QtDialog::GetSelection(int id) const {
-  const Control* control = Find(id);
-  return control == nullptr ? std::nullopt : SelectionOf(*control);
+  const Control* control = FindList(id);
+  return control == nullptr ? std::nullopt : control->items->GetSelection();
 }
 
 void QtDialog::SetSelection(int id, std::optional<int> index) {
-  if (const Control* control = Find(id)) {
-    Select(*control, index);
+  if (Control* control = FindList(id)) {
+    control->items->Select(index);
+    {
+      const QSignalBlocker comboBlocker(control->combo);
+      const QSignalBlocker listBlocker(control->list);
+      ShowSelection(*control);
+    }
     Rename();
   }
 }

@@ -11,7 +11,7 @@
 #include "backends/qt/look.h"
 #include "backends/qt/scale.h"
 #include "backends/qt/strings.h"
-#include "platform/dialog_units.h"
+#include "platform/dialog.h"
 
 namespace qt {
 namespace {

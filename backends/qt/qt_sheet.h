@@ -6,7 +6,7 @@
 
 #include "backends/qt/frame.h"
 #include "backends/qt/qt_dialog.h"
-#include "platform/sheet_window.h"
+#include "platform/dialog.h"
 #include "platform/ui.h"
 
 class QTabWidget;

@@ -5,7 +5,7 @@
 #include <QRectF>
 #include <cmath>
 
-#include "platform/geometry.h"
+#include "platform/canvas.h"
 
 namespace qt {
 

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "framework/property_sheet.h"
+#include "framework/dialog.h"
 #include "host/cli/contacts_commands.h"
 #include "host/cli/contacts_if_readable.h"
 #include "host/cli/tag_reading.h"

@@ -5,7 +5,7 @@
 #include <thread>
 
 #include "backends/qt/scale.h"
-#include "platform/dialog_units.h"
+#include "platform/dialog.h"
 #include "tests/e2e/speech.h"
 #include "tests/e2e/text_file.h"
 

@@ -1,6 +1,6 @@
 #include <gmock/gmock.h>
 
-#include "framework/property_sheet.h"
+#include "framework/dialog.h"
 #include "tests/tags/page_fixture.h"
 
 namespace {

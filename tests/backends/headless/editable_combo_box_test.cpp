@@ -4,7 +4,7 @@
 
 #include "backends/headless/headless_dialog.h"
 #include "backends/headless/headless_ui.h"
-#include "framework/property_sheet.h"
+#include "framework/dialog.h"
 
 namespace {
 

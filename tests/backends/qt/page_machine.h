@@ -8,7 +8,7 @@
 #include "backends/qt/qt_clock.h"
 #include "backends/qt/qt_threads.h"
 #include "backends/qt/qt_ui.h"
-#include "framework/property_sheet.h"
+#include "framework/dialog.h"
 #include "language/language_table.h"
 #include "tags/page_one.h"
 

@@ -18,7 +18,7 @@
 #include "backends/qt/fonts.h"
 #include "backends/qt/scale.h"
 #include "backends/qt/strings.h"
-#include "platform/dialog_units.h"
+#include "platform/dialog.h"
 #include "resources/dialogs.h"
 #include "resources/strings.h"
 #include "tests/backends/qt/page_machine.h"
