@@ -198,10 +198,8 @@ RegistryError SqliteRegistry::Open(Access access) {
 }
 
 RegistryError SqliteRegistry::OpenForChanges() {
-  RegistryError error = Open(Access::kChange);
-  if (error == RegistryError::kFull && OpenAlone()) {
-    error = RegistryError::kNone;
-  }
+  // Alone first: if there is room by now, it was made for something else than an index.
+  const RegistryError error = OpenAlone() ? RegistryError::kNone : Open(Access::kChange);
   m_lacksRoom = error != RegistryError::kNone;
   return error;
 }

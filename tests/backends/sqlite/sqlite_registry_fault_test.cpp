@@ -277,6 +277,25 @@ TEST(SqliteRegistryWithoutRoomForAnIndex, DeletesAKeyAllTheSame) {
   EXPECT_TRUE(KeyExists(registry, u"tags\\2"));
 }
 
+TEST(SqliteRegistryWithoutRoomForAnIndex, TakesNoneOfTheRoomThatIsMadeMeanwhile) {
+  const support::TempFolder folder;
+  FaultyFileLayer layer;
+  const auto database = folder.Path() / kDatabaseName;
+  ASSERT_EQ(PutText(*std::make_unique<SqliteRegistry>(database), u"tags\\1", u"v", u"text"),
+            RegistryError::kNone);
+  layer.FailIndex();
+  SqliteRegistry registry(database, {{}, std::chrono::milliseconds(0), layer.Name()});
+  EXPECT_EQ(BytesOf(registry, u"tags\\1", u"v"), Terminated(u"text"));
+  layer.Heal();
+  {
+    RegistryGroup group(registry);
+    EXPECT_EQ(BytesOf(registry, u"tags\\1", u"v"), Terminated(u"text"));
+    EXPECT_EQ(group.Commit(), RegistryError::kNone);
+  }
+  EXPECT_EQ(registry.DeleteKey(u"tags\\1"), RegistryError::kNone);
+  EXPECT_FALSE(std::filesystem::exists(database.native() + "-shm"));
+}
+
 TEST(SqliteRegistryWithoutRoomForAnIndex, LeavesADatabaseThatAnotherHasOpen) {
   const support::TempFolder folder;
   FaultyFileLayer layer;
