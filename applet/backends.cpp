@@ -17,6 +17,7 @@
 #include "storage/registry_keys.h"
 #include "storage/tag_store.h"
 #include "tags/oids_in_use.h"
+#include "tags/page_one.h"
 
 namespace applet {
 namespace {
@@ -104,10 +105,12 @@ void Backends::MakeRoot() const {
         storage::kInstallFolder, storage::kWaveFolder, storage::kTemplateFolder}) {
     files.KeepFromOthers(path);
   }
-  for (const std::u16string_view suffix : {u"", u"-wal", u"-shm"}) {
+  for (const std::u16string_view suffix : {u"", u"-wal", u"-shm", u"-journal"}) {
     files.KeepFromOthers(u"\\" + text::FromHostName(sqlite::kDatabaseName) +
                          std::u16string(suffix));
   }
+  files.KeepFromOthers(u"\\" +
+                       text::FromHostName(posix::PosixThreads::LockName(tags::kInstanceMutex)));
 }
 
 std::u16string Backends::ToSystemPath(const std::string& name) {

@@ -20,6 +20,7 @@ enum class RegistryError : std::uint8_t {
   kFull,        ///< The medium is full.
   kDamaged,     ///< The store is there but cannot be read as one. It is left as it is.
   kNewerStore,  ///< The store was made by a later version of the system. It is left as it is.
+  kLink,  ///< A file of the store is a symbolic link, which is neither read nor written through.
   kOther,
 };
 

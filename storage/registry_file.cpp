@@ -91,6 +91,9 @@ std::string ExplainRegistryError(RegistryError error) {
       return "the disk is full";
     case RegistryError::kDamaged:
       return "the settings store is damaged; it was left as it is";
+    case RegistryError::kLink:
+      return "it, or a file next to it, is a symbolic link, through which nothing is read or "
+             "written";
     case RegistryError::kNewerStore:
       return "the settings store was made by a later version of this program; it was left as it is";
     case RegistryError::kOther:

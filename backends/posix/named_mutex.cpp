@@ -34,10 +34,14 @@ int LockAtOnce(int file) {
 }
 
 std::string PathOf(const std::string& lockFolder, std::u16string_view name) {
-  return lockFolder + "/." + text::ToHostName(name) + ".lock";
+  return lockFolder + "/" + PosixThreads::LockName(name);
 }
 
 }  // namespace
+
+std::string PosixThreads::LockName(std::u16string_view name) {
+  return "." + text::ToHostName(name) + ".lock";
+}
 
 bool PosixThreads::WasNamedMutexMade(const std::string& lockFolder, std::u16string_view name) {
   std::error_code error;

@@ -193,9 +193,10 @@ void PosixFileSystem::KeepFromOthers(std::u16string_view path) {
       place = found.place.Path();
     }
     struct stat status {};
-    if (::stat(place.c_str(), &status) == 0) {
-      TakeRightsOfOthers(place, status);
+    if (::stat(place.c_str(), &status) != 0 || (IsLink(place) && !S_ISDIR(status.st_mode))) {
+      return 0;
     }
+    TakeRightsOfOthers(place, status);
     if (path == u"\\" || !S_ISDIR(status.st_mode)) {
       return 0;
     }

@@ -25,7 +25,8 @@ class PosixFileSystem final : public platform::FileSystem {
 
   /// Takes from other users every right to `path`, and to the files that lie directly in it if it
   /// is a folder. A path that is not there is passed over, and so is what cannot be changed: a
-  /// folder that belongs to all (with the sticky bit), or a file of somebody else.
+  /// folder that belongs to all (with the sticky bit), or a file of somebody else. A link to a file
+  /// is passed over too, since nothing is written through it.
   void KeepFromOthers(std::u16string_view path);
 
  private:

@@ -23,6 +23,9 @@ class PosixThreads final : public platform::Threads {
   [[nodiscard]] std::unique_ptr<platform::Event> CreateManualResetEvent() override;
   [[nodiscard]] platform::CreatedMutex CreateNamedMutex(std::u16string_view name) override;
 
+  /// Returns the name in the lock folder of the file that is locked for the mutex of that name.
+  [[nodiscard]] static std::string LockName(std::u16string_view name);
+
   /// Whether anybody ever made the mutex of that name: as long as not, nobody holds it. Makes
   /// nothing.
   [[nodiscard]] static bool WasNamedMutexMade(const std::string& lockFolder,

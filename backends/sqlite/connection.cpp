@@ -87,7 +87,23 @@ bool IsMissing(const std::filesystem::path& database) {
 
 }  // namespace
 
+std::filesystem::path FindLink(const std::filesystem::path& database) {
+  for (const char* const suffix : {"", "-wal", "-shm", "-journal"}) {
+    std::filesystem::path file = database;
+    file += suffix;
+    std::error_code ignored;
+    if (std::filesystem::is_symlink(std::filesystem::symlink_status(file, ignored))) {
+      return file;
+    }
+  }
+  return {};
+}
+
 RegistryError Connection::Open(const Settings& settings, std::unique_ptr<Connection>& connection) {
+  // The library follows a link at the database itself, and makes its files next to the target.
+  if (!FindLink(settings.database).empty()) {
+    return RegistryError::kLink;
+  }
   // Two processes that make the store at the same time can meet where the library does not wait.
   const auto deadline = std::chrono::steady_clock::now() + settings.busyLimit;
   while (true) {

@@ -24,6 +24,10 @@ enum class Access : std::uint8_t {
   kRead,
 };
 
+/// Returns the file of a store, which are the database and what the library makes next to it, that
+/// is a symbolic link. Returns an empty path if none is. The folders on the way may be links.
+[[nodiscard]] std::filesystem::path FindLink(const std::filesystem::path& database);
+
 /// One open database that holds a registry, and the transaction it may be in.
 class Connection {
  public:
@@ -38,7 +42,8 @@ class Connection {
 
   /// Opens the database. To change it, the registry is made if there is none. To read it, a
   /// database that is missing or empty counts as a new registry, which is kept in memory. A file
-  /// that holds something else, a damaged or a newer registry is left byte for byte as it is.
+  /// that holds something else, a damaged or a newer registry is left byte for byte as it is, and
+  /// so is what a link leads to (kLink).
   [[nodiscard]] static platform::RegistryError Open(const Settings& settings,
                                                     std::unique_ptr<Connection>& connection);
 

@@ -1,5 +1,6 @@
 #include "host/cli/session.h"
 
+#include <fmt/format.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -84,6 +85,10 @@ bool Session::RequireRoot() {
     Fail(there.native() + " is no folder, so that no voice tags can be there");
     return false;
   }
+  if (const auto link = sqlite::FindLink(GetRegistryPath()); !link.empty()) {
+    Fail(ExplainLink(link.native(), "not used, and neither are the settings"));
+    return false;
+  }
   return true;
 }
 
@@ -106,10 +111,11 @@ bool Session::AreSameFile(const std::string& a, const std::string& b) {
   return std::filesystem::equivalent(a, b, ignored);
 }
 
-std::string Session::ExplainLink(const std::string& name) {
+std::string Session::ExplainLink(const std::string& name, std::string_view consequence) {
   std::error_code error;
   const std::filesystem::path target = std::filesystem::read_symlink(name, error);
-  return error ? std::string() : name + " is a link to " + target.native() + ": not written";
+  return error ? std::string()
+               : fmt::format("{} is a link to {}: {}", name, target.native(), consequence);
 }
 
 platform::MessageAnswer Session::Answer(const platform::MessageBox& box) const {

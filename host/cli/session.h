@@ -45,7 +45,8 @@ class Session {
   [[nodiscard]] bool HearsFile() const { return !m_options.microphone.empty(); }
   [[nodiscard]] bool PlaysIntoFile() const { return !m_options.speaker.empty(); }
 
-  /// Whether there is a root folder, or can be one. Reports it if there cannot.
+  /// Whether there is a root folder, or can be one, and no file of the settings is a link. Reports
+  /// it if not.
   [[nodiscard]] bool RequireRoot();
 
   /// The same for a command that changes nothing: settings and contacts are only read, no folder is
@@ -90,8 +91,10 @@ class Session {
   /// Whether both names lead to one file that is there.
   [[nodiscard]] static bool AreSameFile(const std::string& a, const std::string& b);
 
-  /// Returns why nothing is written to `name` if it is a symbolic link. Returns "" if it is none.
-  [[nodiscard]] static std::string ExplainLink(const std::string& name);
+  /// Returns what `name` leads to, and the consequence, if it is a symbolic link. Returns "" if it
+  /// is none.
+  [[nodiscard]] static std::string ExplainLink(const std::string& name,
+                                               std::string_view consequence = "not written");
 
   /// Tells what failed on standard error; the exit code will be 1.
   void Fail(std::string_view message);

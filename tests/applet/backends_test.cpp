@@ -137,7 +137,9 @@ TEST_F(Backends, WhatAnEarlierVersionLeftToTheUmaskIsTightened) {
   const mode_t before = ::umask(0);
   fs::create_directories(voices);
   std::ofstream(voices / "1.wav") << "voice";
-  std::ofstream(m_options.root + "/registry.db");
+  for (const char* name : {"registry.db", "registry.db-journal", ".ZedraD.lock"}) {
+    std::ofstream(fs::path(m_options.root) / name);
+  }
   std::ofstream(m_options.root + "/notes.txt") << "of the user";
   ::umask(before);
   const applet::Backends backends(m_options);
@@ -146,7 +148,9 @@ TEST_F(Backends, WhatAnEarlierVersionLeftToTheUmaskIsTightened) {
     EXPECT_EQ(fs::status(path).permissions(), fs::perms(0700)) << path;
   }
   EXPECT_EQ(fs::status(voices / "1.wav").permissions(), fs::perms(0600));
-  EXPECT_EQ(fs::status(m_options.root + "/registry.db").permissions(), fs::perms(0600));
+  for (const char* name : {"registry.db", "registry.db-journal", ".ZedraD.lock"}) {
+    EXPECT_EQ(fs::status(fs::path(m_options.root) / name).permissions(), fs::perms(0600)) << name;
+  }
   EXPECT_EQ(fs::status(m_options.root + "/notes.txt").permissions(), fs::perms(0666));
 }
 

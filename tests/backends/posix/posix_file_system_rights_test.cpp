@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <fstream>
 
 #include "backends/posix/posix_file_system.h"
 #include "backends/text/utf.h"
@@ -126,6 +127,16 @@ TEST_F(PosixFileSystemRights, WhatLiesInAFolderIsKeptFromOthersAndStaysProtected
   EXPECT_EQ(ModeOf(folder / "b.wav"), 0400U);
   EXPECT_EQ(ModeOf(folder / "inner"), 0755U);
   EXPECT_EQ(ModeOf(elsewhere.Path()), 0755U);
+}
+
+TEST_F(PosixFileSystemRights, TheFileOfALinkKeepsItsRights) {
+  const support::TempFolder elsewhere;
+  const std::filesystem::path target = elsewhere.Path() / "f";
+  std::ofstream(target) << "abc";
+  ASSERT_EQ(::chmod(target.c_str(), 0644), 0);
+  std::filesystem::create_symlink(target, m_root.Path() / "link");
+  m_files.KeepFromOthers(u"\\link");
+  EXPECT_EQ(ModeOf(target), 0644U);
 }
 
 TEST_F(PosixFileSystemRights, TheRootIsKeptFromOthersUnlessItBelongsToAll) {

@@ -72,6 +72,32 @@ TEST_F(SqliteRegistryReading, AStoreIsReadAndTakesNoChange) {
   EXPECT_TRUE(FileContent(Database()) == before);
 }
 
+TEST_F(SqliteRegistryReading, NoFileOfAStoreIsALinkWhetherItIsReadOrChanged) {
+  MakeStore();
+  const std::filesystem::path target = Folder() / "other.db";
+  std::filesystem::rename(Database(), target);
+  const std::string before = FileContent(target);
+  for (const std::string suffix : {"", "-wal", "-shm", "-journal"}) {
+    const std::filesystem::path link = Database().native() + suffix;
+    std::filesystem::create_symlink(target, link);
+    EXPECT_EQ(FindLink(Database()), link);
+    EXPECT_EQ(Reader().OpenKey(u"tags").error, RegistryError::kLink);
+    EXPECT_EQ(PutText(*Writer(), u"tags\\1", u"v", u"other"), RegistryError::kLink);
+    std::filesystem::remove(link);
+  }
+  std::filesystem::create_symlink(Folder() / "nothing", Database());
+  EXPECT_EQ(Reader().OpenKey(u"tags").error, RegistryError::kLink) << "It is no missing store.";
+  EXPECT_EQ(FileContent(target), before);
+}
+
+TEST_F(SqliteRegistryReading, TheFolderOfAStoreMayBeALink) {
+  std::filesystem::create_directory(Folder() / "real");
+  std::filesystem::create_directory_symlink(Folder() / "real", Folder() / "link");
+  SqliteRegistry registry(Folder() / "link" / kDatabaseName, Options(Access::kChange));
+  EXPECT_EQ(PutText(registry, u"tags\\1", u"v", u"text"), RegistryError::kNone);
+  EXPECT_EQ(FindLink(Folder() / "link" / kDatabaseName), "");
+}
+
 TEST_F(SqliteRegistryReading, AStoreThatIsMissingReadsAsANewOneAndIsNotMade) {
   SqliteRegistry registry = Reader();
   EXPECT_TRUE(KeyExists(registry, u"Software\\Initial"));

@@ -74,6 +74,41 @@ TEST_F(LinkTargets, ATemplateLeavesTheFileOfALinkAlone) {
   ExpectRefusal({"template", "learn", wave, m_link});
 }
 
+TEST_F(LinkTargets, SettingsThatAreALinkAreNeitherReadNorWritten) {
+  ASSERT_EQ(Run({"connection", "set", "port=COM1"}).exitCode, 0);
+  const std::string store = Path("root/registry.db");
+  ASSERT_TRUE(fs::exists(store));
+  const std::string target = Path("other.db");
+  fs::rename(store, target);
+  fs::permissions(target, fs::perms(0644));
+  const std::string content = Read(target);
+  for (const std::string suffix : {"", "-wal", "-shm", "-journal"}) {
+    const std::string link = store + suffix;
+    fs::create_symlink(target, link);
+    for (const std::vector<std::string>& command :
+         std::vector<std::vector<std::string>>{{"connection", "set", "port=COM7"},
+                                               {"--yes", "tags", "delete-all"},
+                                               {"check", "--repair"},
+                                               {"tags", "list"},
+                                               {"contacts", "list"}}) {
+      const auto run = Run(command);
+      EXPECT_EQ(run.exitCode, 1) << command.front();
+      EXPECT_THAT(run.err, HasSubstr(link + " is a link to " + target));
+    }
+    EXPECT_EQ(Read(target), content);
+    EXPECT_EQ(fs::status(target).permissions(), fs::perms(0644));
+    fs::remove(link);
+  }
+}
+
+TEST_F(LinkTargets, ARootThatIsALinkToAFolderIsUsed) {
+  fs::create_directory(Path("elsewhere"));
+  fs::create_directory_symlink(Path("elsewhere"), Path("root"));
+  EXPECT_EQ(Run({"connection", "set", "port=COM7"}).exitCode, 0);
+  EXPECT_TRUE(fs::exists(Path("elsewhere/registry.db")));
+  EXPECT_THAT(Run({"connection", "show"}).out, HasSubstr("COM7:"));
+}
+
 TEST_F(LinkTargets, AFolderThatIsALinkIsWrittenIn) {
   fs::create_directory(Path("real"));
   fs::create_directory_symlink(Path("real"), Path("folder"));
