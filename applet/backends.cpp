@@ -194,7 +194,7 @@ vcard::AddressBooks& Backends::GetContacts(platform::Threads& threads) {
     };
     options.oidsInUse = [this] {
       MakeRoot();
-      return tags::FindOidsInUse(GetRegistry(), storage::TagStore(GetFiles(), GetRegistry()));
+      return tags::FindOidsInUse(storage::TagStore(GetFiles(), GetRegistry()));
     };
     m_contacts = std::make_unique<vcard::AddressBooks>(GetFiles(), GetRegistry(), options);
   }

@@ -51,7 +51,7 @@ FullDevice::FullDevice()
 std::unique_ptr<vcard::AddressBooks> FullDevice::Open() {
   vcard::AddressBooks::Options options;
   options.choice = vcard::SourceChoice{text::FromHostName(m_file)};
-  options.oidsInUse = [this] { return tags::FindOidsInUse(m_registry, m_store); };
+  options.oidsInUse = [this] { return tags::FindOidsInUse(m_store); };
   auto contacts = std::make_unique<vcard::AddressBooks>(m_files, m_registry, options);
   if (!contacts->Initialize() || !contacts->Connect() || !contacts->Logon()) {
     std::abort();

@@ -71,7 +71,7 @@ class Checker {
 
  private:
   void Report(StoreProblem problem, std::u16string_view tag = {}) {
-    m_findings.push_back({problem, std::u16string(tag)});
+    m_findings.push_back({problem, std::u16string(tag), {}});
   }
 
   void ReadTags() {
@@ -195,7 +195,14 @@ class Checker {
       error = started.search->Next(started.first);
     }
     if (error != FileError::kNoMoreFiles && error != FileError::kNotFound) {
-      Report(StoreProblem::kFolderUnreadable);
+      ReportFolder(pattern.substr(0, pattern.rfind(u'\\')));
+    }
+  }
+
+  /// Each folder is searched twice and named once.
+  void ReportFolder(std::u16string_view folder) {
+    if (std::ranges::find(m_findings, folder, &StoreFinding::folder) == m_findings.end()) {
+      m_findings.push_back({StoreProblem::kFolderUnreadable, {}, std::u16string(folder)});
     }
   }
 

@@ -36,7 +36,8 @@ enum class StoreProblem : std::uint8_t {
 
 struct StoreFinding {
   StoreProblem problem = StoreProblem::kRegistryUnreadable;
-  std::u16string tag;  ///< Name of the tag, or of the files without one; empty for none.
+  std::u16string tag;     ///< Name of the tag, or of the files without one; empty for none.
+  std::u16string folder;  ///< Device path of a folder that cannot be read; empty for none.
 };
 
 /// A short name that scripts can rely on.

@@ -1,5 +1,6 @@
 #include "storage/store_contents.h"
 
+#include <algorithm>
 #include <map>
 #include <utility>
 
@@ -95,12 +96,22 @@ bool KeepAll(Deletion& deletion, const std::vector<TagParts>& all,
   return true;
 }
 
+/// Deletes the entries, and the tag key unless it holds what no copy could be made of.
+bool DeleteEntries(const TagStore& store, const StoreContents& contents) {
+  if (contents.unusableKeys == 0) {
+    return store.DeleteAllEntries() == RegistryError::kNone;
+  }
+  return std::ranges::all_of(contents.tags, [&store](const TagParts& parts) {
+    return store.DeleteEntry(parts.name) == RegistryError::kNone;
+  });
+}
+
 }  // namespace
 
 ListResult ListStore(platform::FileSystem& files, platform::Registry& registry,
                      StoreContents& contents, const std::function<void()>& searchFailed) {
   std::vector<std::u16string> names;
-  if (TagStore(files, registry).ListNames(names) != RegistryError::kNone) {
+  if (TagStore(files, registry).ListNames(names, &contents.unusableKeys) != RegistryError::kNone) {
     return ListResult::kNoEntries;
   }
   const std::u16string unfinished = std::u16string(platform::kUnfinishedPrefix) + u"*";
@@ -143,7 +154,7 @@ DeletedAll DeleteAllTags(platform::FileSystem& files, platform::Registry& regist
     }
     return {};
   }
-  std::vector<TagParts> all = std::move(contents.tags);
+  std::vector<TagParts> all = contents.tags;
   all.insert(all.end(), contents.orphans.begin(), contents.orphans.end());
   Deletion deletion(trash, DeletionReason::kDeleteAll);
   DeletedAll outcome;
@@ -165,11 +176,43 @@ DeletedAll DeleteAllTags(platform::FileSystem& files, platform::Registry& regist
   };
   deleteFiles(kWaveFolder, &TagParts::waveFile);
   deleteFiles(kTemplateFolder, &TagParts::templateFile);
-  outcome.isDone = TagStore(files, registry).DeleteAllEntries() == RegistryError::kNone;
+  outcome.isDone = DeleteEntries(TagStore(files, registry), contents);
   if (!outcome.isDone) {
     report(DeletionProblem::kFileInUse);
   }
   return outcome;
+}
+
+StaleDeletion DeleteStaleTag(platform::FileSystem& files, platform::Registry& registry,
+                             Deletion& deletion, std::u16string_view tagName) {
+  TagParts parts;
+  const bool isFound = FindParts(files, registry, tagName, parts);
+  switch (isFound ? deletion.Keep(parts, tagName) : ItemResult::kFailed) {
+    case ItemResult::kDone:
+      break;
+    case ItemResult::kRecordingInUse:
+      return StaleDeletion::kRecordingInUse;
+    case ItemResult::kTemplateInUse:
+      return StaleDeletion::kTemplateInUse;
+    case ItemResult::kEntryUnread:
+    case ItemResult::kFull:
+    case ItemResult::kFailed:
+      return StaleDeletion::kNotKept;
+  }
+  if (!deletion.Seal()) {
+    return StaleDeletion::kNotKept;
+  }
+  switch (TagStore(files, registry).Delete(tagName)) {
+    case TagDeletion::kDone:
+      return StaleDeletion::kDone;
+    case TagDeletion::kWaveFailed:
+      return StaleDeletion::kRecordingInUse;
+    case TagDeletion::kTemplateFailed:
+      return StaleDeletion::kTemplateInUse;
+    case TagDeletion::kEntryFailed:
+      break;
+  }
+  return StaleDeletion::kEntryFailed;
 }
 
 std::vector<std::u16string> DeleteOrphans(platform::FileSystem& files, platform::Registry& registry,

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "language/formatting.h"
+#include "platform/registry_names.h"
 #include "storage/device_paths.h"
 #include "storage/registry_keys.h"
 
@@ -137,18 +138,26 @@ RegistryError TagStore::ReadEntry(std::u16string_view tagName, TagEntry& entry) 
   return RegistryError::kNone;
 }
 
-RegistryError TagStore::ListNames(std::vector<std::u16string>& names) const {
+RegistryError TagStore::ListNames(std::vector<std::u16string>& names,
+                                  std::size_t* passedOver) const {
   const platform::OpenedKey tags = m_registry.OpenKey(kTagKey);
   if (!tags.key) {
     return tags.error == RegistryError::kNotFound ? RegistryError::kNone : tags.error;
   }
+  std::size_t unusable = 0;
   RegistryError error = RegistryError::kNone;
-  for (std::uint32_t index = 0; error == RegistryError::kNone; ++index) {
+  for (std::uint32_t index = 0; error == RegistryError::kNone || error == RegistryError::kInvalid;
+       ++index) {
     std::u16string name;
     error = tags.key->EnumerateSubkey(index, name);
-    if (error == RegistryError::kNone) {
+    if (error == RegistryError::kNone && platform::IsKeyName(name)) {
       names.push_back(std::move(name));
+    } else if (error == RegistryError::kNone || error == RegistryError::kInvalid) {
+      ++unusable;
     }
+  }
+  if (passedOver != nullptr) {
+    *passedOver = unusable;
   }
   return error == RegistryError::kNoMoreItems ? RegistryError::kNone : error;
 }

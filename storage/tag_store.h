@@ -54,8 +54,10 @@ class TagStore {
   /// Null where there is no tag key or it cannot be opened: there are no tags then.
   [[nodiscard]] std::unique_ptr<TagNames> OpenNames() const;
 
-  /// Stores the names of all tags in `names`, however long they are.
-  [[nodiscard]] platform::RegistryError ListNames(std::vector<std::u16string>& names) const;
+  /// Stores the names of all tags in `names`, however long they are. A key of another program that
+  /// no path can name is no tag: it is passed over and counted in `passedOver`.
+  [[nodiscard]] platform::RegistryError ListNames(std::vector<std::u16string>& names,
+                                                  std::size_t* passedOver = nullptr) const;
 
   /// Stores what the registry says about a tag in `entry`. An error means that it could not be
   /// asked, and nothing must be concluded; values that are missing or unusable are no error.
@@ -70,7 +72,7 @@ class TagStore {
   /// Deletes the recording, the template and the entry, in that order, up to the first failure.
   [[nodiscard]] TagDeletion Delete(std::u16string_view tagName) const;
 
-  /// Deletes the tag key with every entry.
+  /// Deletes the tag key with all that is below it.
   [[nodiscard]] platform::RegistryError DeleteAllEntries() const;
 
   /// Searches the recordings, of tags or not; finds their file names, and no folders.

@@ -82,10 +82,11 @@ std::string FindBelow(platform::Registry& registry, const std::u16string& path) 
 
 }  // namespace
 
-std::string FindUnusableKey(platform::Registry& registry) {
+std::string FindUnusableKey(platform::Registry& registry, std::u16string_view start) {
   // Within a group, so that keys that come and go meanwhile are no surprise.
   platform::RegistryGroup group(registry);
-  return group.BeginError() == RegistryError::kNone ? FindBelow(registry, {}) : std::string();
+  return group.BeginError() == RegistryError::kNone ? FindBelow(registry, std::u16string(start))
+                                                    : std::string();
 }
 
 }  // namespace storage

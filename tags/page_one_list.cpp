@@ -72,36 +72,18 @@ Page_one::LoadedTag Page_one::LoadTag(std::u16string_view tagName, std::int32_t&
 }
 
 Page_one::LoadedTag Page_one::DeleteStaleTag(std::u16string_view tagName) {
-  storage::TagParts parts;
-  const bool isFound = storage::FindParts(m_platform.files, m_platform.registry, tagName, parts);
-  switch (isFound ? m_cleanUp->Keep(parts, tagName) : storage::ItemResult::kFailed) {
-    case storage::ItemResult::kDone:
-      break;
-    case storage::ItemResult::kRecordingInUse:
-      ShowBox(resources::kStaleWaveNotDeleted);
-      return LoadedTag::kFailed;
-    case storage::ItemResult::kTemplateInUse:
-      ShowBox(resources::kStaleTemplateNotDeleted);
-      return LoadedTag::kFailed;
-    case storage::ItemResult::kEntryUnread:
-    case storage::ItemResult::kFull:
-    case storage::ItemResult::kFailed:
-      // Nobody asked for this deletion, so nothing is destroyed by it.
-      return LoadedTag::kPassedOver;
-  }
-  if (!m_cleanUp->Seal()) {
-    return LoadedTag::kPassedOver;
-  }
-  switch (m_store.Delete(tagName)) {
-    case storage::TagDeletion::kDone:
+  switch (storage::DeleteStaleTag(m_platform.files, m_platform.registry, *m_cleanUp, tagName)) {
+    case storage::StaleDeletion::kDone:
       return LoadedTag::kDeleted;
-    case storage::TagDeletion::kWaveFailed:
+    case storage::StaleDeletion::kNotKept:
+      return LoadedTag::kPassedOver;
+    case storage::StaleDeletion::kRecordingInUse:
       ShowBox(resources::kStaleWaveNotDeleted);
       break;
-    case storage::TagDeletion::kTemplateFailed:
+    case storage::StaleDeletion::kTemplateInUse:
       ShowBox(resources::kStaleTemplateNotDeleted);
       break;
-    case storage::TagDeletion::kEntryFailed:
+    case storage::StaleDeletion::kEntryFailed:
       ShowBox(resources::kStaleKeyNotDeleted);
       break;
   }

@@ -119,6 +119,7 @@ void Set(Session& session, const std::vector<std::string>& arguments) {
   if (!PreparePorts(session)) {
     return;
   }
+  TidyTrash(session);
   Values wanted;
   // The page stores each setting by itself. One command is one change: the dialer never finds the
   // rate of one line with the bits of another.

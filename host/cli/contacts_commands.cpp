@@ -11,6 +11,7 @@
 #include "host/cli/contact_lists.h"
 #include "host/cli/output.h"
 #include "host/cli/page_run.h"
+#include "host/cli/tag_reading.h"
 #include "storage/device_paths.h"
 #include "tags/contact_opening.h"
 
@@ -60,6 +61,9 @@ void ListContacts(Session& session) {
     session.Fail(ExplainContactsProblem(session));
     return;
   }
+  // Only for what it says on standard error: no tag is needed here.
+  std::vector<std::u16string> tagNames;
+  static_cast<void>(ListTagNames(session, tagNames));
   std::vector<ListedContact> contacts;
   if (!ListContacts(store, platform.ui, texts, contacts)) {
     session.Fail("the contacts cannot be listed");

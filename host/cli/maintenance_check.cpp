@@ -53,7 +53,7 @@ bool ReadTags(Session& session, const platform::Platform& platform, CheckedStore
   const RegistryError error = storage::TagStore(platform.files, platform.registry).ListNames(names);
   const std::string key = session.FindUnusableKey();
   if (error != RegistryError::kNone || !key.empty()) {
-    checked.findings.push_back({{StoreProblem::kRegistryUnreadable, {}},
+    checked.findings.push_back({{StoreProblem::kRegistryUnreadable, {}, {}},
                                 fmt::format("{}: {}", Describe(StoreProblem::kRegistryUnreadable),
                                             session.ExplainStore(error)),
                                 "",
@@ -85,7 +85,7 @@ CheckedStore FindProblems(Session& session, const platform::Platform& platform) 
   const bool hasTags = checked.tagCount > 0;
   const bool isAway = hasTags && tags::OpenContacts(platform.contacts, platform.clock);
   if (isAway) {
-    checked.findings.push_back({{StoreProblem::kContactsAway, {}},
+    checked.findings.push_back({{StoreProblem::kContactsAway, {}, {}},
                                 fmt::format("{}: {}", Describe(StoreProblem::kContactsAway),
                                             ExplainContactsProblem(session)),
                                 "",
@@ -96,14 +96,18 @@ CheckedStore FindProblems(Session& session, const platform::Platform& platform) 
   const ContactsState contacts = isOpen ? ContactsState::kOpen : ContactsState::kAway;
   for (StoreFinding& finding : CheckStore(platform, contacts)) {
     std::string listText = isOpen ? ReadListText(platform, finding.tag) : "";
-    checked.findings.push_back(
-        {finding, std::string(Describe(finding.problem)), std::move(listText), false, ""});
+    std::string description(Describe(finding.problem));
+    if (!finding.folder.empty()) {
+      description += ": " + session.ToHostPath(finding.folder);
+    }
+    checked.findings.push_back({finding, std::move(description), std::move(listText), false, ""});
   }
   platform.contacts.Logoff();
   return checked;
 }
 
-void PrintFindingsAsJson(const std::vector<CheckedFinding>& findings, std::uint32_t tagCount) {
+void PrintFindingsAsJson(const Session& session, const std::vector<CheckedFinding>& findings,
+                         std::uint32_t tagCount) {
   Json list = Json::array();
   for (const CheckedFinding& checked : findings) {
     list.push_back({{"problem", ToWord(checked.finding.problem)},
@@ -111,6 +115,9 @@ void PrintFindingsAsJson(const std::vector<CheckedFinding>& findings, std::uint3
                     {"listText", checked.listText},
                     {"text", checked.description},
                     {"repaired", checked.isRepaired}});
+    if (!checked.finding.folder.empty()) {
+      list.back()["folder"] = session.ToHostPath(checked.finding.folder);
+    }
     if (!checked.reason.empty()) {
       list.back()["reason"] = checked.reason;
     }
@@ -121,7 +128,7 @@ void PrintFindingsAsJson(const std::vector<CheckedFinding>& findings, std::uint3
 void PrintFindings(Session& session, const std::vector<CheckedFinding>& findings,
                    std::uint32_t tagCount) {
   if (session.GetOptions().json) {
-    PrintFindingsAsJson(findings, tagCount);
+    PrintFindingsAsJson(session, findings, tagCount);
     return;
   }
   for (const CheckedFinding& checked : findings) {
@@ -158,14 +165,52 @@ void RemoveOrphans(const platform::Platform& platform, std::vector<CheckedFindin
   }
 }
 
+std::string Describe(storage::StaleDeletion result) {
+  switch (result) {
+    case storage::StaleDeletion::kRecordingInUse:
+      return "the recording is in use";
+    case storage::StaleDeletion::kTemplateInUse:
+      return "the template is in use";
+    case storage::StaleDeletion::kEntryFailed:
+      return "the entry cannot be deleted";
+    case storage::StaleDeletion::kNotKept:
+      return "the trash cannot take the tag";
+    case storage::StaleDeletion::kDone:
+      break;
+  }
+  return {};
+}
+
+/// Moves the tags whose contacts have gone to the trash, as the page does when it opens.
+void CleanUp(const platform::Platform& platform, std::vector<CheckedFinding>& findings) {
+  const storage::TagTrash trash(platform.files, platform.registry, platform.clock);
+  storage::Deletion cleanUp(trash, storage::DeletionReason::kCleanUp);
+  for (const CheckedFinding& stale : findings) {
+    if (stale.finding.problem != StoreProblem::kContactGone) {
+      continue;
+    }
+    const std::u16string& tag = stale.finding.tag;
+    const auto result = DeleteStaleTag(platform.files, platform.registry, cleanUp, tag);
+    for (CheckedFinding& checked : findings) {
+      if (checked.finding.tag == tag &&
+          (result == storage::StaleDeletion::kDone || &checked == &stale)) {
+        checked.isRepaired = result == storage::StaleDeletion::kDone;
+        checked.description += checked.isRepaired ? "; the tag is in the trash now" : "";
+        checked.reason = Describe(result);
+      }
+    }
+  }
+}
+
 void Repair(const platform::Platform& platform, CheckedStore& checked) {
+  CleanUp(platform, checked.findings);
   if (checked.tagCount > 0) {
     // If this fails, each template that needs a folder reports it.
     storage::CreateInstallFolders(platform.files);
     storage::CreateDataFolders(platform.files);
   }
   for (CheckedFinding& found : checked.findings) {
-    if (IsRepairable(found.finding.problem)) {
+    if (!found.isRepaired && IsRepairable(found.finding.problem)) {
       const auto result = maintenance::RepairTemplate(platform, found.finding.tag);
       found.isRepaired = result == maintenance::RepairResult::kDone;
       found.reason = Describe(result);

@@ -187,9 +187,10 @@ void AddMaintenanceCommands(CLI::App& app, Session& session) {
       "check",
       "Say what is not as it should be with the voice tags (exit code 1 if anything is), and "
       "change nothing");
-  check->add_flag("--repair", *isRepair,
-                  "Compute missing and torn templates again from the kept recordings, and move "
-                  "files that belong to no tag to the trash");
+  check->add_flag(
+      "--repair", *isRepair,
+      "Compute missing and torn templates again from the kept recordings, and move to the "
+      "trash what belongs to no tag and tags whose contact does not exist any more");
   check->callback([&session, isRepair] { CheckTags(session, *isRepair); });
 }
 

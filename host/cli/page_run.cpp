@@ -16,14 +16,10 @@
 namespace cli {
 namespace {
 
-platform::RegistryError ListNames(Session& session, std::vector<std::u16string>& names) {
-  return storage::TagStore(session.GetFiles(), session.GetRegistry()).ListNames(names);
-}
-
 /// The page takes a store that it cannot read for one without tags.
 bool CanListTags(Session& session) {
   std::vector<std::u16string> names;
-  const platform::RegistryError error = ListNames(session, names);
+  const platform::RegistryError error = ListTagNames(session, names);
   if (error != platform::RegistryError::kNone) {
     session.Fail(session.ExplainStore(error));
   }
@@ -42,11 +38,16 @@ language::Texts LoadTexts(Session& session) {
 }
 
 bool ListsAllTags(Session& session, const PageRun& run) {
+  std::size_t passedOver = 0;
   std::vector<std::u16string> names;
   const int lines = run.dialog.GetItemCount(resources::kTagListId);
-  // The page counts and lists in two passes, each of which ends at the first failure.
-  return ListNames(session, names) == platform::RegistryError::kNone &&
-         names.size() == static_cast<std::size_t>(lines) && run.page.GetTags().tagCount >= lines;
+  const platform::RegistryError error =
+      storage::TagStore(session.GetFiles(), session.GetRegistry()).ListNames(names, &passedOver);
+  // The page counts and lists in two passes, each of which ends at the first failure. It has a line
+  // for a key that no path can name, too.
+  return error == platform::RegistryError::kNone &&
+         names.size() + passedOver == static_cast<std::size_t>(lines) &&
+         run.page.GetTags().tagCount >= lines;
 }
 
 void RunPage(Session& session, Contacts contacts, const std::function<void(PageRun&)>& use,

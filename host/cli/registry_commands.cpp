@@ -115,6 +115,7 @@ void Import(Session& session, const std::string& name) {
     return;
   }
   const auto& content = std::get<storage::RegistryFileContent>(parsed);
+  TidyTrash(session);
   if (const auto error = storage::ApplyRegistryChanges(session.GetRegistry(), content.changes)) {
     // A file that was read to its end is right; what hinders its changes is the store.
     session.Fail(fmt::format("{}: {}", session.GetRegistryPath().native(), error->message));

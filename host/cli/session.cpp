@@ -142,8 +142,8 @@ void Session::Fail(std::string_view message) {
 
 int Session::GetExitCode() const { return m_failed || m_process.GetExitCode() ? 1 : 0; }
 
-std::string Session::FindUnusableKey() {
-  const std::string key = storage::FindUnusableKey(GetRegistry());
+std::string Session::FindUnusableKey(std::u16string_view start) {
+  const std::string key = storage::FindUnusableKey(GetRegistry(), start);
   return key.empty() ? key : "another program made a key or value that cannot be used: " + key;
 }
 

@@ -9,6 +9,7 @@
 #include "host/cli/contact_lists.h"
 #include "host/cli/contacts_commands.h"
 #include "host/cli/output.h"
+#include "host/cli/tag_reading.h"
 #include "tags/contact_opening.h"
 
 namespace cli {
@@ -55,6 +56,9 @@ void ShowStatus(Session& session) {
     return;
   }
   const FoundContacts contacts = FindContacts(session);
+  // Only for what it says on standard error: no tag is needed here.
+  std::vector<std::u16string> tagNames;
+  static_cast<void>(ListTagNames(session, tagNames));
   const std::uint32_t microphones = session.GetPlatform().waveIn.GetDeviceCount();
   if (session.GetOptions().json) {
     Json ofContacts = {{"count", contacts.count}, {"problem", contacts.problem}};

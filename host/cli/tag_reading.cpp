@@ -2,12 +2,14 @@
 
 #include <fmt/format.h>
 
+#include <cstddef>
 #include <string>
 
 #include "backends/text/utf.h"
 #include "host/cli/contacts_commands.h"
 #include "storage/device_paths.h"
 #include "storage/registry_file.h"
+#include "storage/registry_keys.h"
 #include "tags/contact_opening.h"
 
 namespace cli {
@@ -48,10 +50,21 @@ void WarnOfContacts(Session& session) {
                  ExplainContactsProblem(session));
 }
 
+RegistryError ListTagNames(Session& session, std::vector<std::u16string>& names) {
+  std::size_t passedOver = 0;
+  const RegistryError error =
+      storage::TagStore(session.GetFiles(), session.GetRegistry()).ListNames(names, &passedOver);
+  if (error == RegistryError::kNone && passedOver > 0) {
+    PrintErrorLine(fmt::format("voxtrel: {}: {}", session.GetRegistryPath().native(),
+                               session.FindUnusableKey(storage::kTagKey)));
+  }
+  return error;
+}
+
 bool ReadTags(Session& session, std::vector<tags::ListedTag>& tags) {
   const platform::Platform platform = session.GetPlatform();
   std::vector<std::u16string> names;
-  RegistryError error = storage::TagStore(platform.files, platform.registry).ListNames(names);
+  RegistryError error = ListTagNames(session, names);
   if (error == RegistryError::kNone && !names.empty()) {
     const bool hasContacts = !tags::OpenContacts(platform.contacts, platform.clock);
     error = ReadAtOnce(platform, hasContacts, tags);

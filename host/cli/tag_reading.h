@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "host/cli/output.h"
@@ -7,6 +8,11 @@
 #include "tags/tag_reader.h"
 
 namespace cli {
+
+/// Stores the names of all tags in `names`. If a key among them is passed over, since no path can
+/// name it, standard error names it.
+[[nodiscard]] platform::RegistryError ListTagNames(Session& session,
+                                                   std::vector<std::u16string>& names);
 
 /// Stores every tag in `tags` for a command that changes nothing. If the contacts cannot be read
 /// the tags have their own names, and standard error says why. Returns false, after reporting it,

@@ -194,6 +194,13 @@ struct RestoreArguments {
 
 }  // namespace
 
+void TidyTrash(Session& session) {
+  const auto hold = session.GetPlatform().threads.CreateNamedMutex(tags::kInstanceMutex);
+  if (!hold.existed) {
+    OpenTrash(session).Recover();
+  }
+}
+
 void AddTrashCommands(CLI::App& tags, Session& session) {
   const auto isEmptied = std::make_shared<bool>(false);
   CLI::App* trash = tags.add_subcommand(

@@ -262,6 +262,18 @@ TEST_F(StoreCheck, FilesThatFailAreToldAndNothingElseIsMadeUp) {
   }
 }
 
+TEST_F(StoreCheck, NamesAFolderThatCannotBeReadOnce) {
+  support::FailingFileSystem failing(m_machine.files);
+  failing.FailCall(1, support::Failing::kFromThenOn);
+  std::vector<std::u16string> folders;
+  for (const auto& finding :
+       CheckStore(m_machine.GetWith(failing, m_machine.registry), ContactsState::kAway)) {
+    EXPECT_EQ(finding.problem, StoreProblem::kFolderUnreadable);
+    folders.push_back(finding.folder);
+  }
+  EXPECT_THAT(folders, testing::ElementsAre(storage::kWaveFolder, storage::kTemplateFolder));
+}
+
 TEST_F(StoreCheck, HasAWordAndASentenceForEachProblem) {
   std::vector<std::string_view> words;
   for (int i = 0; i <= static_cast<int>(StoreProblem::kUnfinishedFile); ++i) {

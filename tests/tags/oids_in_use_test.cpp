@@ -28,20 +28,20 @@ class OidsInUse : public testing::Test {
 };
 
 TEST_F(OidsInUse, AreNoneBeforeTheFirstTag) {
-  EXPECT_THAT(FindOidsInUse(m_registry, m_store), Optional(testing::IsEmpty()));
+  EXPECT_THAT(FindOidsInUse(m_store), Optional(testing::IsEmpty()));
 }
 
 TEST_F(OidsInUse, AreThoseOfEveryTag) {
   Write(u"100", 17);
   Write(u"200", -5);
-  EXPECT_THAT(FindOidsInUse(m_registry, m_store), Optional(ElementsAre(17, -5)));
+  EXPECT_THAT(FindOidsInUse(m_store), Optional(ElementsAre(17, -5)));
 }
 
 TEST_F(OidsInUse, LeaveOutATagThatNamesNoContact) {
   Write(u"100", 17);
   ASSERT_EQ(support::PutText(m_memory, u"Software\\Zedra\\Zedra Voxtrel\\200", u"contact", u"?"),
             RegistryError::kNone);
-  EXPECT_THAT(FindOidsInUse(m_registry, m_store), Optional(ElementsAre(17)));
+  EXPECT_THAT(FindOidsInUse(m_store), Optional(ElementsAre(17)));
 }
 
 TEST_F(OidsInUse, CannotBeToldWhereTheStoreFails) {
@@ -50,7 +50,7 @@ TEST_F(OidsInUse, CannotBeToldWhereTheStoreFails) {
   bool hasFailed = true;
   for (std::size_t call = 1; hasFailed; ++call) {
     m_registry.FailCall(call, support::Failing::kOnce, RegistryError::kBusy);
-    const auto oids = FindOidsInUse(m_registry, m_store);
+    const auto oids = FindOidsInUse(m_store);
     hasFailed = m_registry.HasFailed();
     EXPECT_EQ(oids.has_value(), !hasFailed) << call;
   }

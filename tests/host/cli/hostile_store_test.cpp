@@ -66,6 +66,39 @@ TEST_F(HostileStore, AKeyWithoutANameAmongTheTagsIsNamed) {
   ExpectNoCrash();
 }
 
+TEST_F(HostileStore, AKeyThatNoPathCanNameAmongTheTagsHindersNoCommand) {
+  for (const std::string name : {"''", "'bell' || char(7)"}) {
+    PutKeyAmongTags(name);
+    for (const std::vector<std::string>& command :
+         std::vector<std::vector<std::string>>{{"contacts", "list"}, {"tags", "list"}}) {
+      const auto run = Run(command);
+      EXPECT_EQ(run.exitCode, 0) << run.err;
+      EXPECT_THAT(run.out, HasSubstr("5551234"));
+      EXPECT_THAT(run.err, HasSubstr(R"(cannot be used: Software\Zedra\Zedra Voxtrel\)"));
+    }
+  }
+  EXPECT_EQ(Run({"--yes", "tags", "delete", "200"}).exitCode, 0);
+  EXPECT_FALSE(HasEntry("200"));
+}
+
+TEST_F(HostileStore, DeleteAllLeavesAKeyThatNoPathCanNameAndNothingElse) {
+  PutKeyAmongTags("''");
+  PutKeyAmongTags("'bell' || char(7)");
+  for (int i = 0; i < 2; ++i) {
+    const auto run = Run({"--yes", "tags", "delete-all"});
+    EXPECT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_THAT(run.err, HasSubstr(R"(Zedra Voxtrel\(without a name))"));
+    EXPECT_THAT(run.err, Not(HasSubstr("in use")));
+    for (const std::string tag : {"100", "200", "300"}) {
+      EXPECT_FALSE(HasEntry(tag) || fs::exists(Wave(tag)) || fs::exists(Template(tag))) << tag;
+    }
+  }
+  const auto trash = nlohmann::json::parse(Run({"tags", "trash", "--json"}).out);
+  EXPECT_EQ(trash.size(), 3U);
+  EXPECT_EQ(Run({"tags", "restore", "--last"}).exitCode, 0);
+  EXPECT_TRUE(HasEntry("100") && HasFiles("100"));
+}
+
 TEST_F(HostileStore, AnEntryThatCannotBeReadIsNamedAndShowsNoOtherTagsText) {
   Execute(
       "UPDATE registry_value SET data = zeroblob (5000000) WHERE folded_name = 'contact' AND "

@@ -70,6 +70,18 @@ TEST_F(CheckCommand, ReportsRecordingsThatAreEmptyOrSilentOrNone) {
                                  "template-stale 200", "recording-unreadable 300"}));
 }
 
+TEST_F(CheckCommand, NamesTheFolderThatCannotBeRead) {
+  fs::remove(Folder("Voxtrel_wav"));
+  fs::create_directory_symlink("Voxtrel_wav", Folder("Voxtrel_wav"));  // Leads to itself.
+  const auto run = Run({"check"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_EQ(run.out, "not all files of the folder can be found: " + Folder("Voxtrel_wav").native() +
+                         " [folder-unreadable]\n");
+  const nlohmann::json findings = RunJson({"check"}, 1)["findings"];
+  ASSERT_EQ(findings.size(), 1U);
+  EXPECT_EQ(findings[0]["folder"], Folder("Voxtrel_wav").native());
+}
+
 TEST_F(CheckCommand, RepairMakesMissingAndTornTemplatesAndNothingElse) {
   PutThreeTags();
   const auto good = GetFiles();
@@ -100,6 +112,47 @@ TEST_F(CheckCommand, RepairMovesWhatBelongsToNoTagToTheTrash) {
   EXPECT_EQ(restored.exitCode, 0) << restored.err;
   EXPECT_TRUE(fs::exists(Wave("900")) && fs::exists(Template("901")));
   EXPECT_EQ(Check({}, 1), found);
+}
+
+TEST_F(CheckCommand, RepairMovesATagWhoseContactHasGoneToTheTrash) {
+  PutThreeTags();
+  const auto before = GetFiles();
+  std::ofstream(Path("all.vcf"), std::ios::binary) << kAnnsCard;
+  fs::remove(Template("200"));
+  EXPECT_EQ(Check({"--repair"}, 0),
+            (Lines{"contact-gone 200!", "no-template 200!", "contact-gone 300!"}));
+  EXPECT_EQ(Check({}, 0), Lines{});
+  for (const std::string tag : {"200", "300"}) {
+    EXPECT_FALSE(HasEntry(tag) || fs::exists(Wave(tag)) || fs::exists(Template(tag))) << tag;
+  }
+  EXPECT_TRUE(HasEntry("100") && HasFiles("100"));
+  const auto trash = nlohmann::json::parse(Run({"tags", "trash", "--json"}).out);
+  ASSERT_EQ(trash.size(), 2U);
+  EXPECT_EQ(trash[0]["by"], "clean-up");
+  EXPECT_EQ(Run({"tags", "restore", "--last"}).exitCode, 0);
+  EXPECT_EQ(Content(Wave("200")), before.at("200.wav"));
+  const auto run = Run({"check", "--repair"});
+  EXPECT_EQ(run.exitCode, 0) << run.err;
+  EXPECT_THAT(run.out, HasSubstr("300: the contact does not exist any more; the tag is in the "
+                                 "trash now [contact-gone] repaired\n"));
+}
+
+TEST_F(CheckCommand, RepairLeavesATagWhoseContactHasGoneIfItsRecordingIsInUse) {
+  PutThreeTags();
+  std::ofstream(Path("all.vcf"), std::ios::binary) << kAnnsCard;
+  posix::PosixFileSystem files(Wide(Path("root")));
+  const auto held = files.Open(storage::WavePath(u"200"), {});
+  EXPECT_EQ(Check({"--repair"}, 1),
+            (Lines{"contact-gone 200", "recording-unreadable 200", "contact-gone 300!"}));
+  EXPECT_TRUE(HasEntry("200") && HasFiles("200"));
+  EXPECT_THAT(Run({"check", "--repair"}).out, HasSubstr("not repaired: the recording is in use"));
+}
+
+TEST_F(CheckCommand, RepairLeavesTagsAloneIfTheContactsCannotBeRead) {
+  PutThreeTags();
+  fs::remove(Path("all.vcf"));
+  EXPECT_EQ(Check({"--repair"}, 1), Lines{"contacts-away "});
+  EXPECT_TRUE(HasEntry("200") && HasFiles("200"));
 }
 
 TEST_F(CheckCommand, RepairLeavesAFileThatIsInUse) {

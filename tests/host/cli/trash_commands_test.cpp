@@ -180,4 +180,22 @@ TEST_F(TrashCommands, ATrashThatCannotBeReadIsNoEmptyOne) {
   }
 }
 
+TEST_F(TrashCommands, WhatIsTooOldIsEmptiedByCommandsThatNeedNoPageToo) {
+  PutThreeTags();
+  std::ofstream(Path("nothing.reg")) << "REGEDIT4\n";
+  for (const std::vector<std::string>& command : std::vector<std::vector<std::string>>{
+           {"connection", "set", "port=COM7"}, {"registry", "import", Path("nothing.reg")}}) {
+    Delete("100");
+    const fs::path item = *fs::directory_iterator(TrashFolder());
+    std::string tar = Content(item);
+    const std::size_t at = tar.find("deleted ");
+    ASSERT_NE(at, std::string::npos) << "The time of the deletion, in seconds.";
+    std::ofstream(item, std::ios::binary) << tar.replace(at + 8, 4, "1000");
+    EXPECT_EQ(Trash().size(), 1U);
+    ASSERT_EQ(Run(command).exitCode, 0);
+    EXPECT_THAT(Trash(), IsEmpty());
+    PutTag("100", "anna_1.wav", m_ann, u"Mobile");
+  }
+}
+
 }  // namespace
