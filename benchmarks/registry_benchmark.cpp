@@ -8,11 +8,11 @@
 #include <cstdint>
 #include <string>
 
-#include "backends/headless/memory_file_system.h"
 #include "backends/sqlite/sqlite_registry.h"
 #include "storage/registry_keys.h"
 #include "storage/tag_record.h"
 #include "storage/tag_store.h"
+#include "tests/machine/memory_file_system.h"
 #include "tests/support/temp_folder.h"
 
 namespace {
@@ -32,7 +32,7 @@ class Store {
  private:
   support::TempFolder m_folder;
   sqlite::SqliteRegistry m_registry{m_folder.Path() / sqlite::kDatabaseName};
-  headless::MemoryFileSystem m_files;
+  machine::MemoryFileSystem m_files;
   storage::TagStore m_tags{m_files, m_registry};
   std::uint32_t m_lastName = 0;
 };

@@ -9,10 +9,10 @@
 #include <vector>
 
 #include "applet/voxtrel_app.h"
-#include "backends/headless/headless_module.h"
 #include "backends/headless/headless_sheet.h"
 #include "language/language_table.h"
 #include "storage/device_paths.h"
+#include "tests/machine/simulated_module.h"
 #include "tests/support/headless_platform.h"
 
 /// The applet on a machine without anything real, and without a language file unless a test puts
@@ -60,5 +60,5 @@ class AppletFixture : public testing::Test {
   }
 
   support::HeadlessPlatform m_machine;
-  headless::HeadlessModule m_module;
+  machine::SimulatedModule m_module;
 };

@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "backends/headless/headless_ui.h"
-#include "backends/headless/simulation.h"
+#include "tests/machine/simulation.h"
 
 namespace {
 
@@ -40,8 +40,8 @@ class LatePresentation : public testing::Test {
   headless::HeadlessUi m_ui;
   NotingClock m_plainClock;
   NotingClock m_shownClock;
-  headless::Simulation m_plainThreads;
-  headless::Simulation m_shownThreads;
+  machine::Simulation m_plainThreads;
+  machine::Simulation m_shownThreads;
   int m_made = 0;
   applet::LatePresentation m_late{[this](platform::Clock& clock, platform::Threads& threads) {
                                     ++m_made;

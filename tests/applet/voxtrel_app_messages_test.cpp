@@ -131,7 +131,7 @@ class LoggingModule final : public platform::Module {
   }
 
  private:
-  headless::HeadlessModule m_inner;
+  machine::SimulatedModule m_inner;
   std::vector<platform::IconHandle> m_destroyed;
 };
 

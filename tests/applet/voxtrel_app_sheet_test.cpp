@@ -128,7 +128,7 @@ TEST_F(VoxtrelAppSheet, ASecondOpeningHasTwoTabsAsTheFirst) {
 }
 
 TEST_F(VoxtrelAppSheet, OpensAndClosesManyTimesInOneProcess) {
-  headless::HeadlessContact ann{.oid = 17, .firstName = u"Ann", .lastName = u"Lee"};
+  machine::SimulatedContact ann{.oid = 17, .firstName = u"Ann", .lastName = u"Lee"};
   ann.Number(platform::PhoneNumberKind::kMobile) = u"5551234";
   m_machine.contacts.Add(ann);
   const auto app = Start();
@@ -153,7 +153,7 @@ TEST_F(VoxtrelAppSheet, OpensAndClosesManyTimesInOneProcess) {
 }
 
 TEST_F(VoxtrelAppSheet, ASecondOpeningReadsContactsAndTagsAgainAndDoublesNothing) {
-  headless::HeadlessContact ann{.oid = 17, .firstName = u"Ann", .lastName = u"Lee"};
+  machine::SimulatedContact ann{.oid = 17, .firstName = u"Ann", .lastName = u"Lee"};
   ann.Number(platform::PhoneNumberKind::kMobile) = u"5551234";
   m_machine.contacts.Add(ann);
   const std::u16string tag = std::u16string(storage::kTagKey) + u"\\100";
@@ -169,7 +169,7 @@ TEST_F(VoxtrelAppSheet, ASecondOpeningReadsContactsAndTagsAgainAndDoublesNothing
       EXPECT_EQ(page.GetItems(resources::kTagListId), Texts{u"Ann Lee 5551234 M"}) << opening;
       EXPECT_EQ(page.GetText(resources::kCountLabelId), u"Learned commands: 1") << opening;
       EXPECT_EQ(page.GetItems(resources::kContactComboId).size(), opening == 1 ? 1U : 2U);
-      headless::HeadlessContact bob{.oid = 18, .firstName = u"Bob", .lastName = u"Ray"};
+      machine::SimulatedContact bob{.oid = 18, .firstName = u"Bob", .lastName = u"Ray"};
       bob.Number(platform::PhoneNumberKind::kMobile) = u"5555678";
       m_machine.contacts.Add(bob);
     });

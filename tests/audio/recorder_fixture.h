@@ -7,14 +7,14 @@
 
 #include "audio/wave_device.h"
 #include "audio/wave_header.h"
-#include "backends/headless/headless_contacts.h"
 #include "backends/headless/headless_process.h"
 #include "backends/headless/headless_shell.h"
 #include "backends/headless/headless_ui.h"
-#include "backends/headless/headless_wave_in.h"
-#include "backends/headless/headless_wave_out.h"
-#include "backends/headless/memory_file_system.h"
-#include "backends/headless/memory_registry.h"
+#include "tests/machine/memory_file_system.h"
+#include "tests/machine/memory_registry.h"
+#include "tests/machine/simulated_contacts.h"
+#include "tests/machine/simulated_wave_in.h"
+#include "tests/machine/simulated_wave_out.h"
 #include "tests/support/failing_file_system.h"
 
 /// A clock that does not wait and remembers what it was asked for.
@@ -54,17 +54,17 @@ class RecorderFixture : public testing::Test {
     return m_files.GetFile(kPath).value_or(std::vector<std::byte>());
   }
 
-  headless::MemoryFileSystem m_files;
+  machine::MemoryFileSystem m_files;
   support::FailingFileSystem m_failingFiles{m_files};
-  headless::HeadlessWaveIn m_waveIn;
+  machine::SimulatedWaveIn m_waveIn;
   SleepLog m_clock;
   NoThreads m_threads;
   headless::HeadlessProcess m_process;
   headless::HeadlessShell m_shell;
   headless::HeadlessUi m_ui;
-  headless::MemoryRegistry m_registry;
-  headless::HeadlessContacts m_contacts;
-  headless::HeadlessWaveOut m_waveOut;
+  machine::MemoryRegistry m_registry;
+  machine::SimulatedContacts m_contacts;
+  machine::SimulatedWaveOut m_waveOut;
   audio::WaveDevice m_device{platform::Platform{m_failingFiles, m_waveIn, m_clock, m_threads,
                                                 m_process, m_ui, m_registry, m_contacts, m_waveOut,
                                                 m_shell}};

@@ -56,7 +56,7 @@ TEST_F(WaveDeviceOrder, AFailureDropsTheFileThenResetsAndClosesTheDevice) {
   const Steps begin = {"count devices", kTried, kCreated, "open device"};
   const Steps end = {"reset", "close device"};
   const struct {
-    headless::WaveInScript script;
+    machine::WaveInScript script;
     std::uint32_t milliseconds;
     Steps between;
     int code;

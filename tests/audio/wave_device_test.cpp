@@ -116,7 +116,7 @@ TEST_F(WaveDevice, AFileThatCannotBeMadeHasItsMessageAndCode) {
 
 TEST_F(WaveDevice, EachStepOfStartingHasItsCodeAndReleasesEverything) {
   const struct {
-    headless::WaveInScript script;
+    machine::WaveInScript script;
     int code;
   } cases[] = {
       {{.open = WaveResult::kBadFormat}, audio::kDeviceNotOpened},

@@ -9,10 +9,10 @@
 
 #include "backends/headless/headless_dialog.h"
 #include "backends/headless/headless_ui.h"
-#include "backends/headless/memory_registry.h"
 #include "connection/connection_page.h"
 #include "resources/dialogs.h"
 #include "storage/registry_keys.h"
+#include "tests/machine/memory_registry.h"
 #include "tests/support/registry_access.h"
 
 /// The page on a registry in memory.
@@ -51,7 +51,7 @@ class ConnectionFixture : public testing::Test {
     return bytes;
   }
 
-  headless::MemoryRegistry m_registry;
+  machine::MemoryRegistry m_registry;
   headless::HeadlessUi m_ui;
   std::unique_ptr<connection::ConnectionPage> m_page;
   std::unique_ptr<headless::HeadlessDialog> m_dialog;

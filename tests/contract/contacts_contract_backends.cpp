@@ -1,10 +1,10 @@
-#include "backends/headless/headless_contacts.h"
-#include "backends/headless/memory_file_system.h"
-#include "backends/headless/memory_registry.h"
 #include "backends/text/utf.h"
 #include "backends/vcard/address_books.h"
 #include "tests/contract/contacts_contract.h"
 #include "tests/contract/vcard_of.h"
+#include "tests/machine/memory_file_system.h"
+#include "tests/machine/memory_registry.h"
+#include "tests/machine/simulated_contacts.h"
 #include "tests/support/file_bytes.h"
 
 namespace contract {
@@ -13,7 +13,7 @@ namespace {
 class HeadlessFixture final : public ContactsFixture {
  public:
   void Add(const WantedContact& wanted) override {
-    headless::HeadlessContact contact;
+    machine::SimulatedContact contact;
     contact.oid = m_nextOid--;
     contact.firstName = wanted.firstName;
     contact.middleName = wanted.middleName;
@@ -27,7 +27,7 @@ class HeadlessFixture final : public ContactsFixture {
   [[nodiscard]] platform::ContactsStore& Get() override { return m_store; }
 
  private:
-  headless::HeadlessContacts m_store;
+  machine::SimulatedContacts m_store;
   std::map<std::string, std::int32_t> m_oids;
   std::int32_t m_nextOid = -1;
 };
@@ -59,8 +59,8 @@ class VcardFixture final : public ContactsFixture {
   }
 
   std::vector<WantedContact> m_contacts;
-  headless::MemoryFileSystem m_files;
-  headless::MemoryRegistry m_registry;
+  machine::MemoryFileSystem m_files;
+  machine::MemoryRegistry m_registry;
   std::unique_ptr<vcard::AddressBooks> m_store;
 };
 

@@ -4,8 +4,8 @@
 #include <filesystem>
 #include <stdexcept>
 
-#include "backends/headless/memory_file_system.h"
 #include "backends/posix/posix_file_system.h"
+#include "tests/machine/memory_file_system.h"
 #include "tests/support/file_bytes.h"
 #include "tests/support/temp_folder.h"
 
@@ -33,7 +33,7 @@ class MemoryBackend final : public FileBackend {
   void Protect(std::u16string_view name) override { m_files.SetReadOnly(Path(name), true); }
 
  private:
-  headless::MemoryFileSystem m_files;
+  machine::MemoryFileSystem m_files;
   const bool m_isDevice;
 };
 

@@ -1,5 +1,5 @@
-#include "backends/headless/memory_registry.h"
 #include "tests/contract/registry_contract.h"
+#include "tests/machine/memory_registry.h"
 
 namespace contract {
 
@@ -13,7 +13,7 @@ class MemoryFixture final : public RegistryFixture {
   platform::Registry& Get() override { return m_registry; }
 
  private:
-  headless::MemoryRegistry m_registry;
+  machine::MemoryRegistry m_registry;
 };
 
 const RegistryBackEnd kMemory{"Memory", [](const auto& initialKeys, auto busyLimit) {

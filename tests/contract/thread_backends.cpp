@@ -3,9 +3,9 @@
 #include <stdexcept>
 #include <utility>
 
-#include "backends/headless/simulation.h"
 #include "backends/posix/posix_clock.h"
 #include "backends/posix/posix_threads.h"
+#include "tests/machine/simulation.h"
 
 namespace contract {
 namespace {
@@ -16,7 +16,7 @@ class SimulationBackend final : public ThreadBackend {
   platform::Clock& Clock() override { return m_simulation; }
 
  private:
-  headless::Simulation m_simulation;
+  machine::Simulation m_simulation;
 };
 
 class PosixBackend final : public ThreadBackend {

@@ -7,14 +7,14 @@
 #include <thread>
 #include <utility>
 
-#include "backends/headless/headless_wave_in.h"
-#include "backends/headless/memory_file_system.h"
 #include "backends/pulse/pulse_sound.h"
 #include "backends/wave_file/file_wave_in.h"
 #include "tests/e2e/pipe_microphone.h"
 #include "tests/e2e/pulse_server.h"
 #include "tests/e2e/recording.h"
 #include "tests/e2e/sound_session.h"
+#include "tests/machine/memory_file_system.h"
+#include "tests/machine/simulated_wave_in.h"
 #include "tests/support/riff.h"
 
 namespace contract {
@@ -43,7 +43,7 @@ class HeadlessBackend final : public WaveInBackend {
   void Unplug() override { m_input.SetScript({.deviceCount = 0}); }
 
  private:
-  headless::HeadlessWaveIn m_input;
+  machine::SimulatedWaveIn m_input;
 };
 
 class WaveFileBackend final : public WaveInBackend {
@@ -58,7 +58,7 @@ class WaveFileBackend final : public WaveInBackend {
  private:
   static constexpr char16_t kPath[] = u"/melody.wav";
 
-  headless::MemoryFileSystem m_files;
+  machine::MemoryFileSystem m_files;
   wave_file::FileWaveIn m_input{m_files, kPath};
 };
 

@@ -2,14 +2,14 @@
 
 #include <optional>
 
-#include "backends/headless/headless_wave_out.h"
-#include "backends/headless/memory_file_system.h"
 #include "backends/pulse/pulse_sound.h"
 #include "backends/wave_file/file_wave_out.h"
 #include "backends/wave_file/riff_file.h"
 #include "tests/e2e/ear.h"
 #include "tests/e2e/pulse_server.h"
 #include "tests/e2e/sound_session.h"
+#include "tests/machine/memory_file_system.h"
+#include "tests/machine/simulated_wave_out.h"
 #include "tests/support/failing_file_system.h"
 
 namespace contract {
@@ -32,7 +32,7 @@ class HeadlessBackend final : public WaveOutBackend {
   void Unplug() override { m_output.SetScript({.open = WaveResult::kNoDevice}); }
 
  private:
-  headless::HeadlessWaveOut m_output;
+  machine::SimulatedWaveOut m_output;
 };
 
 class WaveFileBackend final : public WaveOutBackend {
@@ -51,7 +51,7 @@ class WaveFileBackend final : public WaveOutBackend {
  private:
   static constexpr char16_t kPath[] = u"/heard.wav";
 
-  headless::MemoryFileSystem m_memory;
+  machine::MemoryFileSystem m_memory;
   support::FailingFileSystem m_files{m_memory};
   wave_file::FileWaveOut m_output{m_files, kPath};
 };

@@ -10,12 +10,9 @@
 #include <vector>
 
 #include "audio/wave_device.h"
-#include "backends/headless/headless_contacts.h"
 #include "backends/headless/headless_process.h"
 #include "backends/headless/headless_shell.h"
 #include "backends/headless/headless_ui.h"
-#include "backends/headless/headless_wave_out.h"
-#include "backends/headless/memory_registry.h"
 #include "backends/posix/posix_clock.h"
 #include "backends/posix/posix_file_system.h"
 #include "backends/posix/posix_threads.h"
@@ -26,6 +23,9 @@
 #include "tests/e2e/speech.h"
 #include "tests/e2e/text_file.h"
 #include "tests/e2e/watched_wave_in.h"
+#include "tests/machine/memory_registry.h"
+#include "tests/machine/simulated_contacts.h"
+#include "tests/machine/simulated_wave_out.h"
 #include "tests/support/temp_folder.h"
 
 namespace {
@@ -127,9 +127,9 @@ class WaveDeviceAndSoundServer : public testing::Test {
   headless::HeadlessProcess m_process;
   headless::HeadlessShell m_shell;
   headless::HeadlessUi m_ui;
-  headless::MemoryRegistry m_registry;
-  headless::HeadlessContacts m_contacts;
-  headless::HeadlessWaveOut m_waveOut;
+  machine::MemoryRegistry m_registry;
+  machine::SimulatedContacts m_contacts;
+  machine::SimulatedWaveOut m_waveOut;
   audio::WaveDevice m_device{platform::Platform{m_files, m_waveIn, m_clock, m_threads, m_process,
                                                 m_ui, m_registry, m_contacts, m_waveOut, m_shell}};
 };

@@ -11,12 +11,9 @@
 #include <vector>
 
 #include "audio/wave_device.h"
-#include "backends/headless/headless_contacts.h"
 #include "backends/headless/headless_process.h"
 #include "backends/headless/headless_shell.h"
 #include "backends/headless/headless_ui.h"
-#include "backends/headless/headless_wave_in.h"
-#include "backends/headless/memory_registry.h"
 #include "backends/posix/posix_clock.h"
 #include "backends/posix/posix_file_system.h"
 #include "backends/posix/posix_threads.h"
@@ -26,6 +23,9 @@
 #include "tests/e2e/pulse_server.h"
 #include "tests/e2e/sound_session.h"
 #include "tests/e2e/text_file.h"
+#include "tests/machine/memory_registry.h"
+#include "tests/machine/simulated_contacts.h"
+#include "tests/machine/simulated_wave_in.h"
 #include "tests/support/riff.h"
 #include "tests/support/temp_folder.h"
 
@@ -87,14 +87,14 @@ class WavePlayerAndSoundServer : public testing::Test {
   std::unique_ptr<PulseServer> m_server;
   std::optional<e2e::Ear> m_ear;
   posix::PosixFileSystem m_files{m_root.Text()};
-  headless::HeadlessWaveIn m_waveIn;
+  machine::SimulatedWaveIn m_waveIn;
   posix::PosixClock m_clock;
   posix::PosixThreads m_threads;
   headless::HeadlessProcess m_process;
   headless::HeadlessShell m_shell;
   headless::HeadlessUi m_ui;
-  headless::MemoryRegistry m_registry;
-  headless::HeadlessContacts m_contacts;
+  machine::MemoryRegistry m_registry;
+  machine::SimulatedContacts m_contacts;
   pulse::PulseWaveOut m_waveOut;
   audio::WaveDevice m_device{platform::Platform{m_files, m_waveIn, m_clock, m_threads, m_process,
                                                 m_ui, m_registry, m_contacts, m_waveOut, m_shell}};

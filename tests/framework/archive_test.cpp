@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "backends/headless/memory_file_system.h"
+#include "tests/machine/memory_file_system.h"
 
 namespace {
 
@@ -30,7 +30,7 @@ class CArchiveTest : public testing::Test {
     ASSERT_TRUE(m_file.Open(u"/a", CFile::modeRead));
   }
 
-  headless::MemoryFileSystem m_files;
+  machine::MemoryFileSystem m_files;
   CFile m_file{m_files};
 };
 

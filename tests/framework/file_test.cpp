@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "backends/headless/memory_file_system.h"
+#include "tests/machine/memory_file_system.h"
 
 namespace {
 
@@ -22,7 +22,7 @@ std::vector<std::byte> Bytes(std::initializer_list<int> values) {
 
 class CFileTest : public testing::Test {
  protected:
-  headless::MemoryFileSystem m_files;
+  machine::MemoryFileSystem m_files;
   CFile m_file{m_files};
 };
 

@@ -16,11 +16,11 @@
 #include <variant>
 #include <vector>
 
-#include "backends/headless/memory_file_system.h"
 #include "backends/sqlite/sqlite_registry.h"
 #include "storage/registry_file.h"
 #include "storage/tag_store.h"
 #include "tests/fuzz/require.h"
+#include "tests/machine/memory_file_system.h"
 #include "tests/support/temp_folder.h"
 
 namespace {
@@ -52,7 +52,7 @@ const std::string& RightDatabase(const fs::path& path) {
   static const std::string content = [&path] {
     {
       sqlite::SqliteRegistry registry(path, {.initialKeys = {u"Software"}});
-      headless::MemoryFileSystem files;
+      machine::MemoryFileSystem files;
       const storage::TagStore store(files, registry);
       Require(store.WriteEntry(u"4711", -17, u"Mobile") == RegistryError::kNone, "a tag is stored");
     }
@@ -160,7 +160,7 @@ void ReadAll(platform::Registry& registry) {
        {u"", u"Software", u"Software\\Zedra", u"Software\\Zedra\\Zedra Voxtrel"}) {
     ListKey(registry, path);
   }
-  headless::MemoryFileSystem files;
+  machine::MemoryFileSystem files;
   const storage::TagStore store(files, registry);
   std::vector<std::u16string> names;
   static_cast<void>(store.ListNames(names));

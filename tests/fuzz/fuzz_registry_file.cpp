@@ -9,9 +9,9 @@
 #include <variant>
 #include <vector>
 
-#include "backends/headless/memory_registry.h"
 #include "storage/registry_file.h"
 #include "tests/fuzz/require.h"
+#include "tests/machine/memory_registry.h"
 
 namespace {
 
@@ -58,14 +58,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Require(error->line <= lines && !error->message.empty(), "a refusal names a line of the file");
     return 0;
   }
-  headless::MemoryRegistry registry;
+  machine::MemoryRegistry registry;
   Require(!storage::ApplyRegistryChanges(registry, std::get<0>(parsed).changes),
           "what is read can be imported");
   const Bytes exported = Export(registry);
 
   const auto again = storage::ParseRegistryFile(exported);
   Require(again.index() == 0, "what is exported is read");
-  headless::MemoryRegistry copy;
+  machine::MemoryRegistry copy;
   Require(!storage::ApplyRegistryChanges(copy, std::get<0>(again).changes), "and can be imported");
   Require(Export(copy) == exported, "as the same registry");
   return 0;

@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "backends/headless/headless_ui.h"
-#include "backends/headless/memory_file_system.h"
 #include "tests/fuzz/require.h"
+#include "tests/machine/memory_file_system.h"
 #include "voicemath/template_file.h"
 #include "voicemath/voice_mathematics.h"
 
@@ -66,7 +66,7 @@ void RequireHolds(const voicemath::CVoiceMathematics& mathematics, std::size_t s
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const Bytes file = std::as_bytes(std::span(data, size));
   const Bytes earlier = std::as_bytes(std::span(kEarlier));
-  headless::MemoryFileSystem files;
+  machine::MemoryFileSystem files;
   headless::HeadlessUi ui;
   Require(files.PutFile(kPath, file) && files.PutFile(kEarlierPath, earlier),
           "the files can be made");

@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "backends/headless/headless_ui.h"
-#include "backends/headless/memory_file_system.h"
 #include "tests/fuzz/require.h"
+#include "tests/machine/memory_file_system.h"
 #include "voicemath/voice_mathematics.h"
 
 namespace {
@@ -101,7 +101,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (offset && IsLeftOut(before, *offset)) {
     return 0;
   }
-  headless::MemoryFileSystem files;
+  machine::MemoryFileSystem files;
   headless::HeadlessUi ui;
   Require(files.PutFile(kPath, before), "the file can be made");
 

@@ -16,7 +16,7 @@
 #include <vector>
 
 #include "backends/headless/headless_ui.h"
-#include "backends/headless/memory_file_system.h"
+#include "tests/machine/memory_file_system.h"
 #include "voicemath/template_file.h"
 #include "voicemath/voice_mathematics.h"
 
@@ -81,7 +81,7 @@ class GoldenFiles : public testing::TestWithParam<std::tuple<const char*, int>> 
     return m_files.GetFile(kTemplatePath).value_or(Bytes{});
   }
 
-  headless::MemoryFileSystem m_files;
+  machine::MemoryFileSystem m_files;
   headless::HeadlessUi m_ui;
   voicemath::CVoiceMathematics m_mathematics{m_files, m_ui};
 };

@@ -6,10 +6,10 @@
 #include <string>
 #include <utility>
 
-#include "backends/headless/memory_file_system.h"
 #include "language/texts.h"
 #include "platform/clock.h"
 #include "tests/language/language_bytes.h"
+#include "tests/machine/memory_file_system.h"
 #include "tests/support/failing_file_system.h"
 
 namespace {
@@ -206,7 +206,7 @@ class LanguageTableFile : public testing::Test {
     EXPECT_TRUE(m_files.PutFile(kPath, FileOf(u"ID_A text\r\n")));
   }
 
-  headless::MemoryFileSystem m_files;
+  machine::MemoryFileSystem m_files;
   LanguageTable m_table;
 };
 

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "backends/headless/memory_registry.h"
 #include "storage/registry_keys.h"
+#include "tests/machine/memory_registry.h"
 #include "tests/support/failing_registry.h"
 #include "tests/support/registry_access.h"
 
@@ -35,7 +35,7 @@ class MathVersion : public testing::Test {
     return bytes;
   }
 
-  headless::MemoryRegistry m_registry;
+  machine::MemoryRegistry m_registry;
 };
 
 TEST_F(MathVersion, WithoutItsKeyNothingIsDone) {

@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "backends/headless/headless_ui.h"
-#include "backends/headless/memory_file_system.h"
+#include "tests/machine/memory_file_system.h"
 #include "voicemath/constants.h"
 
 namespace {
@@ -71,7 +71,7 @@ class FindNearest : public testing::Test {
     return found;
   }
 
-  headless::MemoryFileSystem m_files;
+  machine::MemoryFileSystem m_files;
   headless::HeadlessUi m_ui;
   voicemath::CVoiceMathematics m_mathematics{m_files, m_ui};
   std::mt19937 m_random{7};

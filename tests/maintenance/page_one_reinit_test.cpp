@@ -100,7 +100,7 @@ TEST_F(PageOneReinit, ComesAfterThePageIsSetUp) {
 TEST_F(PageOneReinit, DoesNotComeWhereTheContactsWereAway) {
   PutSpokenTag(u"100", 1);
   PutVersion(u"2");
-  m_machine.contacts.FailOpening(headless::HeadlessContacts::Opening::kLogon);
+  m_machine.contacts.FailOpening(machine::SimulatedContacts::Opening::kLogon);
   Open();
   EXPECT_EQ(m_shown, 0);
   EXPECT_EQ(GetVersion(), support::Utf16Bytes(std::u16string(u"2") + u'\0'));

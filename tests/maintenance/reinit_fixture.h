@@ -54,7 +54,7 @@ class ReinitFixture : public SessionFixture {
 
   /// The template that the mathematics makes of a recording: trimmed first, then taken whole.
   support::Bytes Expected(std::uint32_t seed) {
-    headless::MemoryFileSystem files;
+    machine::MemoryFileSystem files;
     EXPECT_TRUE(files.PutFile(u"/a.wav", Recording(seed)));
     headless::HeadlessUi ui;
     voicemath::CVoiceMathematics mathematics(files, ui);

@@ -7,7 +7,7 @@ namespace {
 /// A bar that remembers when it was moved on.
 class NotedProgress final : public maintenance::ReinitProgress {
  public:
-  explicit NotedProgress(headless::Simulation& simulation)
+  explicit NotedProgress(machine::Simulation& simulation)
       : done(simulation.CreateManualResetEvent()), m_simulation(simulation) {}
 
   void Step() override { steps.push_back(m_simulation.GetElapsed()); }
@@ -21,7 +21,7 @@ class NotedProgress final : public maintenance::ReinitProgress {
   bool isGone = false;
 
  private:
-  headless::Simulation& m_simulation;
+  machine::Simulation& m_simulation;
 };
 
 class ReinitMonitorTest : public SessionFixture {

@@ -42,7 +42,7 @@ class EndedProgress final : public maintenance::ReinitProgress {
 /// Notes at what time it was set.
 class NotedEvent final : public platform::Event {
  public:
-  NotedEvent(headless::Simulation& simulation, std::vector<std::uint64_t>& sets)
+  NotedEvent(machine::Simulation& simulation, std::vector<std::uint64_t>& sets)
       : m_simulation(simulation), m_sets(sets) {}
   void Set() override { m_sets.push_back(m_simulation.GetElapsed()); }
   void Reset() override {}
@@ -51,7 +51,7 @@ class NotedEvent final : public platform::Event {
   }
 
  private:
-  headless::Simulation& m_simulation;
+  machine::Simulation& m_simulation;
   std::vector<std::uint64_t>& m_sets;
 };
 

@@ -332,7 +332,7 @@ TEST_F(StoreCheck, ARepairThatFailsSaysWhy) {
     EXPECT_EQ(Describe(result).empty(), result == RepairResult::kDone);
   }
   EXPECT_GT(count, 3U);
-  headless::MemoryFileSystem withoutFolder;
+  machine::MemoryFileSystem withoutFolder;
   for (const auto folder : {storage::kProgramFilesFolder, storage::kMakerFolder,
                             storage::kInstallFolder, storage::kWaveFolder}) {
     ASSERT_EQ(withoutFolder.CreateFolder(folder), platform::FileError::kNone);

@@ -3,13 +3,13 @@
 #include <fstream>
 #include <iterator>
 
-#include "backends/headless/memory_file_system.h"
 #include "backends/sqlite/schema.h"
 #include "backends/sqlite/sqlite_registry.h"
 #include "storage/device_paths.h"
 #include "storage/phone_types.h"
 #include "storage/registry_keys.h"
 #include "storage/tag_store.h"
+#include "tests/machine/memory_file_system.h"
 #include "tests/support/run_program.h"
 #include "tests/support/temp_folder.h"
 
@@ -47,7 +47,7 @@ TEST(CompanionPage, ItsExampleReadsTheTagsHoweverTheKeysAreSpelled) {
   for (const auto* const spelled : {u"Software\\Zedra", u"SOFTWARE\\ZEDRA"}) {
     const support::TempFolder root;
     {
-      headless::MemoryFileSystem files;
+      machine::MemoryFileSystem files;
       sqlite::SqliteRegistry registry(root.Path() / sqlite::kDatabaseName);
       ASSERT_EQ(registry.CreateKey(spelled).error, RegistryError::kNone);
       const TagStore store(files, registry);

@@ -5,9 +5,9 @@
 
 #include "backends/headless/headless_process.h"
 #include "backends/headless/headless_ui.h"
-#include "backends/headless/memory_file_system.h"
 #include "language/language_table.h"
 #include "storage/device_paths.h"
+#include "tests/machine/memory_file_system.h"
 #include "tests/support/failing_file_system.h"
 #include "tests/support/forwarding_file_system.h"
 
@@ -69,7 +69,7 @@ class Folders : public testing::Test {
     EXPECT_FALSE(m_process.GetExitCode().has_value());
   }
 
-  headless::MemoryFileSystem m_files;
+  machine::MemoryFileSystem m_files;
   support::FailingFileSystem m_failing{m_files};
   headless::HeadlessUi m_ui;
   headless::HeadlessProcess m_process;
@@ -144,7 +144,7 @@ TEST_F(Folders, EachFolderThatCannotBeMadeEndsTheProcessWithItsMessage) {
       {9, u"Can't create \\Program Files\\Zedra Tech.\\Zedra Voxtrel\\Voxtrel_wav"},
   };
   for (const auto& one : cases) {
-    headless::MemoryFileSystem files;
+    machine::MemoryFileSystem files;
     support::FailingFileSystem failing(files);
     failing.FailCall(one.failingCall, support::Failing::kOnce, FileError::kAccessDenied);
     headless::HeadlessUi ui;

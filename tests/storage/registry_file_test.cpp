@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "backends/headless/memory_registry.h"
 #include "storage/utf16_bytes.h"
+#include "tests/machine/memory_registry.h"
 #include "tests/support/failing_registry.h"
 #include "tests/support/registry_access.h"
 
@@ -84,7 +84,7 @@ class RegistryFile : public testing::Test {
     return text.substr(1 + kHeader.size());
   }
 
-  headless::MemoryRegistry m_registry;
+  machine::MemoryRegistry m_registry;
   std::size_t m_passedOver = 0;  ///< In the latest import.
 };
 
@@ -369,7 +369,7 @@ TEST_F(RegistryFileImport, IsMadeWholeOrNotAtAll) {
   std::size_t call = 1;
   for (;; ++call) {
     SCOPED_TRACE(call);
-    headless::MemoryRegistry registry({u"old"});
+    machine::MemoryRegistry registry({u"old"});
     support::FailingRegistry failing(registry);
     failing.FailCall(call, support::Failing::kOnce, RegistryError::kFull);
     const auto failed = ApplyRegistryChanges(failing, changes);
@@ -510,7 +510,7 @@ TEST_F(RegistryFileWriting, WhatIsReadAgainIsTheSameRegistry) {
   }
   std::vector<std::byte> file;
   ASSERT_EQ(WriteRegistryFile(m_registry, file), RegistryError::kNone);
-  headless::MemoryRegistry copy;
+  machine::MemoryRegistry copy;
   const auto parsed = ParseRegistryFile(file);
   ASSERT_EQ(parsed.index(), 0U) << std::get<1>(parsed).line << std::get<1>(parsed).message;
   ASSERT_FALSE(ApplyRegistryChanges(copy, std::get<0>(parsed).changes));

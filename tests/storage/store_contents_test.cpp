@@ -3,13 +3,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "backends/headless/memory_file_system.h"
-#include "backends/headless/memory_registry.h"
-#include "backends/headless/simulation.h"
 #include "storage/device_paths.h"
 #include "storage/folders.h"
 #include "storage/registry_keys.h"
 #include "storage/tag_store.h"
+#include "tests/machine/memory_file_system.h"
+#include "tests/machine/memory_registry.h"
+#include "tests/machine/simulation.h"
 #include "tests/support/failing_file_system.h"
 #include "tests/support/failing_registry.h"
 #include "tests/support/file_bytes.h"
@@ -76,10 +76,10 @@ class StoreContentsTest : public testing::Test {
     return tags;
   }
 
-  headless::MemoryFileSystem m_files;
-  headless::MemoryRegistry m_registry;
+  machine::MemoryFileSystem m_files;
+  machine::MemoryRegistry m_registry;
   support::FailingRegistry m_failingRegistry{m_registry};
-  headless::Simulation m_clock;
+  machine::Simulation m_clock;
   std::vector<DeletionProblem> m_problems;
 };
 

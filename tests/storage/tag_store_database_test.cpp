@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 
-#include "backends/headless/memory_file_system.h"
 #include "backends/sqlite/sqlite_registry.h"
 #include "storage/registry_keys.h"
 #include "storage/tag_store.h"
 #include "tests/backends/sqlite/raw_database.h"
+#include "tests/machine/memory_file_system.h"
 #include "tests/support/temp_folder.h"
 
 namespace storage {
@@ -35,7 +35,7 @@ class TagStoreDatabase : public testing::Test {
   }
 
   support::TempFolder m_folder;
-  headless::MemoryFileSystem m_files;
+  machine::MemoryFileSystem m_files;
   sqlite::SqliteRegistry m_registry;
 };
 

@@ -3,10 +3,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "backends/headless/memory_file_system.h"
-#include "backends/headless/memory_registry.h"
 #include "storage/device_paths.h"
 #include "storage/registry_keys.h"
+#include "tests/machine/memory_file_system.h"
+#include "tests/machine/memory_registry.h"
 #include "tests/support/failing_file_system.h"
 #include "tests/support/failing_registry.h"
 #include "tests/support/registry_access.h"
@@ -66,9 +66,9 @@ class TagStoreTest : public testing::Test {
     return m_files.Open(path, {}).file;
   }
 
-  headless::MemoryFileSystem m_files;
+  machine::MemoryFileSystem m_files;
   support::FailingFileSystem m_failingFiles{m_files};
-  headless::MemoryRegistry m_registry;
+  machine::MemoryRegistry m_registry;
   support::FailingRegistry m_failingRegistry{m_registry};
   TagStore m_store{m_failingFiles, m_failingRegistry};
 };

@@ -3,15 +3,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "backends/headless/memory_file_system.h"
-#include "backends/headless/memory_registry.h"
-#include "backends/headless/simulation.h"
 #include "storage/device_paths.h"
 #include "storage/folders.h"
 #include "storage/registry_keys.h"
 #include "storage/store_contents.h"
 #include "storage/tag_record.h"
 #include "storage/tag_store.h"
+#include "tests/machine/memory_file_system.h"
+#include "tests/machine/memory_registry.h"
+#include "tests/machine/simulation.h"
 #include "tests/support/failing_file_system.h"
 #include "tests/support/failing_registry.h"
 #include "tests/support/file_bytes.h"
@@ -103,9 +103,9 @@ class TagTrashTest : public testing::Test {
     EXPECT_THAT(TrashFiles(), IsEmpty());
   }
 
-  headless::MemoryFileSystem m_files;
-  headless::MemoryRegistry m_registry;
-  headless::Simulation m_clock;
+  machine::MemoryFileSystem m_files;
+  machine::MemoryRegistry m_registry;
+  machine::Simulation m_clock;
   TagTrash m_trash{m_files, m_registry, m_clock};
 };
 
@@ -126,7 +126,7 @@ TEST_F(TagTrashTest, ListsWhatWasDeletedWithItsTextItsTimeAndItsReason) {
   ASSERT_EQ(tags.size(), 1U);
   EXPECT_EQ(tags[0].item.parts.name, u"100");
   EXPECT_EQ(tags[0].item.text, u"Ann Lee 555 M");
-  EXPECT_EQ(tags[0].item.deletedAt, headless::Simulation::kStartTime);
+  EXPECT_EQ(tags[0].item.deletedAt, machine::Simulation::kStartTime);
   EXPECT_EQ(tags[0].item.by, DeletionReason::kDelete);
   EXPECT_THAT(TrashFiles(), ElementsAre(u"20261121T221005Z-01-0001.tar")) << "No mark is left.";
 }
@@ -156,8 +156,8 @@ TEST_F(TagTrashTest, RestoresATagByteForByteAndForgetsIt) {
 
 TEST_F(TagTrashTest, RestoresIntoAStoreWithoutFolders) {
   PutTag(u"100");
-  headless::MemoryFileSystem files;
-  headless::MemoryRegistry registry;
+  machine::MemoryFileSystem files;
+  machine::MemoryRegistry registry;
   const TagTrash trash(files, registry, m_clock);
   ASSERT_EQ(Delete(u"100"), ItemResult::kDone);
   const std::u16string path = std::u16string(kTrashFolder) + u"\\" + List().front().file;

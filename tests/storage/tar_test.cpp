@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "backends/headless/memory_file_system.h"
+#include "tests/machine/memory_file_system.h"
 #include "tests/support/file_bytes.h"
 
 namespace storage {
@@ -32,7 +32,7 @@ class TarTest : public testing::Test {
 
   [[nodiscard]] std::string Content() { return support::ReadWhole(m_files, kPath).value_or(""); }
 
-  headless::MemoryFileSystem m_files;
+  machine::MemoryFileSystem m_files;
 };
 
 TEST_F(TarTest, AMemberIsAHeaderAndItsBytesInWholeBlocks) {

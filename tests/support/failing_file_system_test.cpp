@@ -6,7 +6,7 @@
 #include <functional>
 #include <vector>
 
-#include "backends/headless/memory_file_system.h"
+#include "tests/machine/memory_file_system.h"
 #include "tests/support/file_bytes.h"
 
 namespace {
@@ -28,7 +28,7 @@ constexpr OpenMode kReadWrite{FileAccess::kReadWrite, FileShare::kNone, FileCrea
 
 class FailingFileSystemTest : public testing::Test {
  protected:
-  headless::MemoryFileSystem m_files;
+  machine::MemoryFileSystem m_files;
   FailingFileSystem m_failing{m_files};
 };
 

@@ -5,10 +5,10 @@
 #include <vector>
 
 #include "audio/wave_header.h"
-#include "backends/headless/headless_contacts.h"
-#include "backends/headless/headless_wave_in.h"
-#include "backends/headless/headless_wave_out.h"
-#include "backends/headless/simulation.h"
+#include "tests/machine/simulated_contacts.h"
+#include "tests/machine/simulated_wave_in.h"
+#include "tests/machine/simulated_wave_out.h"
+#include "tests/machine/simulation.h"
 #include "tests/support/failing_contacts.h"
 #include "tests/support/failing_threads.h"
 #include "tests/support/failing_wave.h"
@@ -44,7 +44,7 @@ TEST(FaultPlan, LetsOneCallFailOrAllFromItOn) {
 
 TEST(FailingWaveIn, CountsTheCallsOfInputAndDeviceTogether) {
   FaultPlan plan;
-  headless::HeadlessWaveIn real;
+  machine::SimulatedWaveIn real;
   support::FailingWaveIn waveIn(real, plan);
   plan.FailCall(3, Failing::kOnce);
   EXPECT_EQ(waveIn.GetDeviceCount(), 1U);
@@ -60,7 +60,7 @@ TEST(FailingWaveIn, CountsTheCallsOfInputAndDeviceTogether) {
 
 TEST(FailingWaveOut, AnOutputThatFailsIsNotOpened) {
   FaultPlan plan;
-  headless::HeadlessWaveOut real;
+  machine::SimulatedWaveOut real;
   support::FailingWaveOut waveOut(real, plan);
   plan.FailCall(1, Failing::kOnce);
   EXPECT_FALSE(waveOut.Open(kFormat).device);
@@ -69,7 +69,7 @@ TEST(FailingWaveOut, AnOutputThatFailsIsNotOpened) {
 
 TEST(FailingContacts, AContactThatWasHandedOutCanFailToo) {
   FaultPlan plan;
-  headless::HeadlessContacts real;
+  machine::SimulatedContacts real;
   real.Add({.oid = 3, .firstName = u"Ann"});
   support::FailingContacts contacts(real, plan);
   ASSERT_TRUE(contacts.Logon());
@@ -85,7 +85,7 @@ TEST(FailingContacts, AContactThatWasHandedOutCanFailToo) {
 
 TEST(FailingThreads, AThreadThatIsNotMadeNeverRuns) {
   FaultPlan plan;
-  headless::Simulation real;
+  machine::Simulation real;
   support::FailingThreads threads(real, plan);
   plan.FailCall(1, Failing::kOnce);
   int runs = 0;

@@ -2,16 +2,16 @@
 
 #include <cstdint>
 
-#include "backends/headless/headless_contacts.h"
 #include "backends/headless/headless_process.h"
 #include "backends/headless/headless_shell.h"
 #include "backends/headless/headless_ui.h"
-#include "backends/headless/headless_wave_in.h"
-#include "backends/headless/headless_wave_out.h"
-#include "backends/headless/memory_file_system.h"
-#include "backends/headless/memory_registry.h"
-#include "backends/headless/simulation.h"
 #include "platform/platform.h"
+#include "tests/machine/memory_file_system.h"
+#include "tests/machine/memory_registry.h"
+#include "tests/machine/simulated_contacts.h"
+#include "tests/machine/simulated_wave_in.h"
+#include "tests/machine/simulated_wave_out.h"
+#include "tests/machine/simulation.h"
 
 namespace support {
 
@@ -31,12 +31,12 @@ class HeadlessPlatform {
             ui,         otherRegistry, contacts,   waveOut,    shell};
   }
 
-  headless::MemoryFileSystem files;
-  headless::MemoryRegistry registry;
-  headless::HeadlessContacts contacts;
-  headless::HeadlessWaveIn waveIn;
-  headless::HeadlessWaveOut waveOut;
-  headless::Simulation simulation;
+  machine::MemoryFileSystem files;
+  machine::MemoryRegistry registry;
+  machine::SimulatedContacts contacts;
+  machine::SimulatedWaveIn waveIn;
+  machine::SimulatedWaveOut waveOut;
+  machine::Simulation simulation;
   headless::HeadlessProcess process;
   headless::HeadlessShell shell;
   headless::HeadlessUi ui{u"Zedra Voxtrel", &simulation};

@@ -4,13 +4,13 @@
 
 #include <vector>
 
-#include "backends/headless/headless_contacts.h"
+#include "tests/machine/simulated_contacts.h"
 
 namespace tags {
 namespace {
 
-using headless::HeadlessContacts;
-using Opening = HeadlessContacts::Opening;
+using machine::SimulatedContacts;
+using Opening = SimulatedContacts::Opening;
 
 class RecordingClock final : public platform::Clock {
  public:
@@ -25,7 +25,7 @@ class ContactOpening : public testing::Test {
  protected:
   std::optional<ContactMessage> Open() { return OpenContacts(m_store, m_clock); }
 
-  HeadlessContacts m_store;
+  SimulatedContacts m_store;
   RecordingClock m_clock;
 };
 

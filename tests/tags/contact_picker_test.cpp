@@ -6,22 +6,22 @@
 #include <string>
 #include <vector>
 
-#include "backends/headless/headless_contacts.h"
+#include "tests/machine/simulated_contacts.h"
 #include "tests/tags/recording_view.h"
 
 namespace tags {
 namespace {
 
-using headless::HeadlessContact;
-using headless::HeadlessContacts;
+using machine::SimulatedContact;
+using machine::SimulatedContacts;
 using platform::ContactLookup;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using Failure = ContactFailure;
 
-HeadlessContact Named(std::int32_t oid, std::u16string last, std::u16string first = u"",
-                      std::u16string middle = u"", std::u16string company = u"") {
-  HeadlessContact contact;
+SimulatedContact Named(std::int32_t oid, std::u16string last, std::u16string first = u"",
+                       std::u16string middle = u"", std::u16string company = u"") {
+  SimulatedContact contact;
   contact.oid = oid;
   contact.lastName = std::move(last);
   contact.firstName = std::move(first);
@@ -35,14 +35,14 @@ std::u16string Long(std::size_t length, char16_t c = u'x') { return std::u16stri
 
 class ContactPickerTest : public testing::Test {
  protected:
-  HeadlessContact& Add(HeadlessContact contact) { return m_store.Add(std::move(contact)); }
+  SimulatedContact& Add(SimulatedContact contact) { return m_store.Add(std::move(contact)); }
 
   bool Load() {
     EXPECT_TRUE(m_store.Logon());
     return m_picker.Load();
   }
 
-  HeadlessContacts m_store;
+  SimulatedContacts m_store;
   RecordingView m_view;
   ContactPicker m_picker{m_store, m_view};
 };
@@ -131,7 +131,7 @@ TEST_F(ContactPickerLoad, ACutNameEndsWithAWholeCharacter) {
 }
 
 TEST_F(ContactPickerLoad, RecordsHoldNameOidAndKindsInReadingOrder) {
-  HeadlessContact contact = Named(-7, u"Lee");
+  SimulatedContact contact = Named(-7, u"Lee");
   contact.Number(PhoneKind::kHomeFax) = u"9";
   contact.Number(PhoneKind::kCar) = u"0";
   contact.Number(PhoneKind::kRadio) = u"1";
@@ -146,7 +146,7 @@ TEST_F(ContactPickerLoad, RecordsHoldNameOidAndKindsInReadingOrder) {
 }
 
 TEST_F(ContactPickerLoad, AContactWithoutANumberIsPassedOver) {
-  HeadlessContact none = Named(1, u"None");
+  SimulatedContact none = Named(1, u"None");
   none.Number(PhoneKind::kMobile).clear();
   Add(none);
   Add(Named(2, u"Lee"));
@@ -159,10 +159,10 @@ TEST_F(ContactPickerLoad, AContactWithoutANumberIsPassedOver) {
 }
 
 TEST_F(ContactPickerLoad, NumbersOfTheFirstListedContactAloneAreShown) {
-  HeadlessContact none = Named(1, u"None");
+  SimulatedContact none = Named(1, u"None");
   none.Number(PhoneKind::kMobile).clear();
   Add(none);
-  HeadlessContact first = Named(2, u"Lee");
+  SimulatedContact first = Named(2, u"Lee");
   first.Number(PhoneKind::kHome) = u"111";
   Add(first);
   Add(Named(3, u"Ray"));
@@ -175,7 +175,7 @@ TEST_F(ContactPickerLoad, NumbersOfTheFirstListedContactAloneAreShown) {
 }
 
 TEST_F(ContactPickerLoad, ANumberOf95CharactersIsAccepted) {
-  HeadlessContact contact = Named(1, u"Lee");
+  SimulatedContact contact = Named(1, u"Lee");
   contact.Number(PhoneKind::kMobile) = Long(95, u'5');
   Add(contact);
   EXPECT_TRUE(Load());
@@ -183,7 +183,7 @@ TEST_F(ContactPickerLoad, ANumberOf95CharactersIsAccepted) {
 }
 
 TEST_F(ContactPickerLoad, ANumberOf96CharactersIsPassedOverWithoutAWord) {
-  HeadlessContact contact = Named(1, u"Lee");
+  SimulatedContact contact = Named(1, u"Lee");
   contact.Number(PhoneKind::kMobile) = Long(96, u'5');
   Add(contact);
   EXPECT_TRUE(Load());
@@ -192,7 +192,7 @@ TEST_F(ContactPickerLoad, ANumberOf96CharactersIsPassedOverWithoutAWord) {
 }
 
 TEST_F(ContactPickerLoad, EachNumberOf97CharactersIsReportedAndPassedOver) {
-  HeadlessContact contact = Named(1, u"Lee");
+  SimulatedContact contact = Named(1, u"Lee");
   contact.Number(PhoneKind::kHome) = Long(97, u'5');
   contact.Number(PhoneKind::kCar) = Long(97, u'5');
   Add(contact);
@@ -240,12 +240,12 @@ TEST_F(ContactPickerLoad, AFailingFirstNameOfTheFirstContactListsNobody) {
 }
 
 TEST_F(ContactPickerLoad, EveryOtherFailingPartOfTheNameEndsTheInitialization) {
-  const std::pair<bool HeadlessContact::*, Failure> rows[] = {
-      {&HeadlessContact::lastNameFails, Failure::kLastName},
-      {&HeadlessContact::middleNameFails, Failure::kMiddleName},
-      {&HeadlessContact::companyNameFails, Failure::kCompanyName}};
+  const std::pair<bool SimulatedContact::*, Failure> rows[] = {
+      {&SimulatedContact::lastNameFails, Failure::kLastName},
+      {&SimulatedContact::middleNameFails, Failure::kMiddleName},
+      {&SimulatedContact::companyNameFails, Failure::kCompanyName}};
   for (const auto& [fails, failure] : rows) {
-    HeadlessContacts store;
+    SimulatedContacts store;
     store.Add(Named(1, u"Lee"));
     store.Add(Named(2, u"Ray")).*fails = true;
     ASSERT_TRUE(store.Logon());
@@ -258,14 +258,14 @@ TEST_F(ContactPickerLoad, EveryOtherFailingPartOfTheNameEndsTheInitialization) {
 }
 
 TEST_F(ContactPickerLoad, EveryPartOfTheNameIsReadBeforeTheFirstNumber) {
-  const std::pair<bool HeadlessContact::*, Failure> rows[] = {
-      {&HeadlessContact::lastNameFails, Failure::kLastName},
-      {&HeadlessContact::firstNameFails, Failure::kFirstName},
-      {&HeadlessContact::middleNameFails, Failure::kMiddleName},
-      {&HeadlessContact::companyNameFails, Failure::kCompanyName}};
+  const std::pair<bool SimulatedContact::*, Failure> rows[] = {
+      {&SimulatedContact::lastNameFails, Failure::kLastName},
+      {&SimulatedContact::firstNameFails, Failure::kFirstName},
+      {&SimulatedContact::middleNameFails, Failure::kMiddleName},
+      {&SimulatedContact::companyNameFails, Failure::kCompanyName}};
   for (const auto& [fails, failure] : rows) {
-    HeadlessContacts store;
-    HeadlessContact& contact = store.Add(Named(1, u"Lee"));
+    SimulatedContacts store;
+    SimulatedContact& contact = store.Add(Named(1, u"Lee"));
     contact.*fails = true;
     contact.numberFails.fill(true);
     ASSERT_TRUE(store.Logon());
@@ -278,7 +278,7 @@ TEST_F(ContactPickerLoad, EveryPartOfTheNameIsReadBeforeTheFirstNumber) {
 
 TEST_F(ContactPickerLoad, EveryFailingNumberEndsTheInitialization) {
   for (const PhoneKind kind : kReadingOrder) {
-    HeadlessContacts store;
+    SimulatedContacts store;
     store.Add(Named(1, u"Lee")).FailNumber(kind);
     ASSERT_TRUE(store.Logon());
     RecordingView view;
@@ -300,7 +300,7 @@ TEST_F(ContactPickerLoad, AFailingOidListsTheContactUnderZero) {
 
 TEST_F(ContactPickerNumbers, ListTheChosenContactsNumbersWithTheirSuffixes) {
   Add(Named(1, u"Lee"));
-  HeadlessContact ray = Named(2, u"Ray");
+  SimulatedContact ray = Named(2, u"Ray");
   ray.Number(PhoneKind::kMobile) = u"9";
   ray.Number(PhoneKind::kHome2) = u"1";
   Add(ray);
@@ -339,11 +339,11 @@ TEST_F(ContactPickerNumbers, ASelectionOfNothingIsReportedLikeAMissingContact) {
 
 TEST_F(ContactPickerNumbers, AFailingNumberIsReportedAndTheOthersListed) {
   for (const PhoneKind kind : kReadingOrder) {
-    HeadlessContacts store;
-    HeadlessContact contact;
+    SimulatedContacts store;
+    SimulatedContact contact;
     contact.oid = 1;
     contact.numbers.fill(u"5");
-    HeadlessContact& live = store.Add(contact);
+    SimulatedContact& live = store.Add(contact);
     ASSERT_TRUE(store.Logon());
     RecordingView view;
     ContactPicker picker(store, view);
@@ -357,9 +357,9 @@ TEST_F(ContactPickerNumbers, AFailingNumberIsReportedAndTheOthersListed) {
 }
 
 TEST_F(ContactPickerNumbers, TheFirstOneIsSelectedAfterEachThatWasAdded) {
-  HeadlessContact contact = Named(1, u"Lee");
+  SimulatedContact contact = Named(1, u"Lee");
   contact.Number(PhoneKind::kCar) = u"1";
-  HeadlessContact& lee = Add(contact);
+  SimulatedContact& lee = Add(contact);
   ASSERT_TRUE(Load());
   lee.FailNumber(PhoneKind::kCar);
   m_picker.ListNumbers(0);
@@ -368,7 +368,7 @@ TEST_F(ContactPickerNumbers, TheFirstOneIsSelectedAfterEachThatWasAdded) {
 }
 
 TEST_F(ContactPickerNumbers, NoNumberAtAllLeavesNoPhoneTypeWord) {
-  HeadlessContact& lee = Add(Named(1, u"Lee"));
+  SimulatedContact& lee = Add(Named(1, u"Lee"));
   ASSERT_TRUE(Load());
   m_picker.ListNumbers(0);
   ASSERT_EQ(m_picker.GetPhoneTypeWord(), u"Mobile");

@@ -7,18 +7,18 @@
 #include <string>
 #include <utility>
 
-#include "backends/headless/headless_contacts.h"
 #include "storage/phone_types.h"
+#include "tests/machine/simulated_contacts.h"
 
 namespace tags {
 namespace {
 
-using headless::HeadlessContact;
+using machine::SimulatedContact;
 using Failure = ContactFailure;
 
-HeadlessContact Named(std::u16string first, std::u16string middle, std::u16string last,
-                      std::u16string company = u"") {
-  HeadlessContact contact;
+SimulatedContact Named(std::u16string first, std::u16string middle, std::u16string last,
+                       std::u16string company = u"") {
+  SimulatedContact contact;
   contact.oid = 1;
   contact.firstName = std::move(first);
   contact.middleName = std::move(middle);
@@ -31,26 +31,26 @@ std::u16string Long(std::size_t length, char16_t c = u'x') { return std::u16stri
 
 /// Reads one settable contact as the code under test gets it.
 template <typename Read>
-TagText With(const HeadlessContact& contact, Read read) {
-  headless::HeadlessContacts store;
+TagText With(const SimulatedContact& contact, Read read) {
+  machine::SimulatedContacts store;
   store.Add(contact);
   EXPECT_TRUE(store.Logon());
   const platform::ContactItem item = store.GetItem(1);
   return read(*item.contact);
 }
 
-TagText Record(const HeadlessContact& contact, std::u16string_view phoneType,
+TagText Record(const SimulatedContact& contact, std::u16string_view phoneType,
                ContactBuffers& buffers) {
   return With(contact,
               [&](platform::Contact& each) { return ReadForRecording(each, phoneType, buffers); });
 }
 
-TagText Record(const HeadlessContact& contact, std::u16string_view phoneType = u"") {
+TagText Record(const SimulatedContact& contact, std::u16string_view phoneType = u"") {
   ContactBuffers buffers;
   return Record(contact, phoneType, buffers);
 }
 
-TagText List(const HeadlessContact& contact, std::u16string_view phoneType = u"") {
+TagText List(const SimulatedContact& contact, std::u16string_view phoneType = u"") {
   return With(contact, [&](platform::Contact& each) { return ReadForTagList(each, phoneType); });
 }
 
@@ -87,7 +87,7 @@ TEST(ReadForRecording, ALongerCompanyLeavesTheCompanyThatWasReadBefore) {
 
 TEST(ReadForRecording, AFirstNameThatFailsToBeFollowedStaysInTheBuffer) {
   ContactBuffers buffers{u"Bob Ray", u"Old"};
-  HeadlessContact contact = Named(u"Ann", u"", u"");
+  SimulatedContact contact = Named(u"Ann", u"", u"");
   contact.middleNameFails = true;
   EXPECT_NE(Record(contact, u"", buffers).failure, std::nullopt);
   EXPECT_EQ(buffers.name, u"Ann");
@@ -120,7 +120,7 @@ TEST(ReadForTagList, ALongerFirstNameIsNotTaken) {
 
 // What both readers do alike.
 
-using Reader = TagText (*)(const HeadlessContact&, std::u16string_view);
+using Reader = TagText (*)(const SimulatedContact&, std::u16string_view);
 
 struct ReaderRow {
   Reader read;
@@ -145,7 +145,7 @@ TEST_P(TagTexts, EndWithTheNumberOfTheKindAndItsMark) {
       {u"Business", u"Ann Lee 54 B"},     {u"Business2", u"Ann Lee 55 B2"},
       {u"BusinessFax", u"Ann Lee 56 Bx"}, {u"Home", u"Ann Lee 57 H"},
       {u"Home2", u"Ann Lee 58 H2"},       {u"HomeFax", u"Ann Lee 59 Hx"}};
-  HeadlessContact contact = Named(u"Ann", u"", u"Lee");
+  SimulatedContact contact = Named(u"Ann", u"", u"Lee");
   for (std::size_t i = 0; i < contact.numbers.size(); ++i) {
     contact.numbers[i] = {u'5', static_cast<char16_t>(u'0' + i)};
   }
@@ -158,7 +158,7 @@ TEST_P(TagTexts, EndWithTheNumberOfTheKindAndItsMark) {
 }
 
 TEST_P(TagTexts, AreTheBareNameForAWordThatNamesNoKind) {
-  HeadlessContact contact = Named(u"Ann", u"", u"Lee");
+  SimulatedContact contact = Named(u"Ann", u"", u"Lee");
   contact.numbers.fill(u"5");
   for (const std::u16string_view word : {u"Pager", u"mobile", u""}) {
     const TagText read = GetParam().read(contact, word);
@@ -172,13 +172,13 @@ TEST_P(TagTexts, KeepBothBlanksAroundAMissingNumber) {
 }
 
 TEST_P(TagTexts, TellWhichPartOfTheNameFailed) {
-  const std::pair<bool HeadlessContact::*, Failure> rows[] = {
-      {&HeadlessContact::firstNameFails, Failure::kFirstName},
-      {&HeadlessContact::middleNameFails, Failure::kMiddleName},
-      {&HeadlessContact::lastNameFails, Failure::kLastName},
-      {&HeadlessContact::companyNameFails, Failure::kCompanyName}};
+  const std::pair<bool SimulatedContact::*, Failure> rows[] = {
+      {&SimulatedContact::firstNameFails, Failure::kFirstName},
+      {&SimulatedContact::middleNameFails, Failure::kMiddleName},
+      {&SimulatedContact::lastNameFails, Failure::kLastName},
+      {&SimulatedContact::companyNameFails, Failure::kCompanyName}};
   for (const auto& [fails, failure] : rows) {
-    HeadlessContact contact = Named(u"Ann", u"", u"Lee");
+    SimulatedContact contact = Named(u"Ann", u"", u"Lee");
     contact.*fails = true;
     const ContactMessage expected{failure, GetParam().reader};
     EXPECT_EQ(GetParam().read(contact, u"Mobile").failure, expected);
@@ -186,7 +186,7 @@ TEST_P(TagTexts, TellWhichPartOfTheNameFailed) {
 }
 
 TEST_P(TagTexts, ReadTheCompanyBeforeTheNumber) {
-  HeadlessContact contact = Named(u"Ann", u"", u"Lee");
+  SimulatedContact contact = Named(u"Ann", u"", u"Lee");
   contact.companyNameFails = true;
   contact.numberFails.fill(true);
   const ContactMessage expected{Failure::kCompanyName, GetParam().reader};
@@ -195,7 +195,7 @@ TEST_P(TagTexts, ReadTheCompanyBeforeTheNumber) {
 
 TEST_P(TagTexts, TellWhichNumberFailed) {
   for (const storage::PhoneType& texts : storage::kPhoneTypes) {
-    HeadlessContact contact = Named(u"Ann", u"", u"Lee");
+    SimulatedContact contact = Named(u"Ann", u"", u"Lee");
     contact.FailNumber(texts.kind);
     const ContactMessage expected{Failure::kNumber, GetParam().reader, texts.kind};
     EXPECT_EQ(GetParam().read(contact, texts.word).failure, expected);
@@ -203,7 +203,7 @@ TEST_P(TagTexts, TellWhichNumberFailed) {
 }
 
 TEST_P(TagTexts, NeverReadAnotherNumberThanTheirOwn) {
-  HeadlessContact contact = Named(u"Ann", u"", u"Lee");
+  SimulatedContact contact = Named(u"Ann", u"", u"Lee");
   contact.numberFails.fill(true);
   contact.numberFails[static_cast<std::size_t>(PhoneKind::kHome)] = false;
   contact.Number(PhoneKind::kHome) = u"5";

@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "backends/headless/memory_file_system.h"
-#include "backends/headless/memory_registry.h"
+#include "tests/machine/memory_file_system.h"
+#include "tests/machine/memory_registry.h"
 #include "tests/support/failing_registry.h"
 #include "tests/support/registry_access.h"
 
@@ -21,8 +21,8 @@ class OidsInUse : public testing::Test {
     EXPECT_EQ(m_store.WriteEntry(tagName, oid, u"Mobile"), RegistryError::kNone);
   }
 
-  headless::MemoryFileSystem m_files;
-  headless::MemoryRegistry m_memory;
+  machine::MemoryFileSystem m_files;
+  machine::MemoryRegistry m_memory;
   support::FailingRegistry m_registry{m_memory};
   storage::TagStore m_store{m_files, m_registry};
 };

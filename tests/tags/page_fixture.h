@@ -23,11 +23,11 @@ class PageFixture : public testing::Test {
   static constexpr std::int32_t kBob = -5;
 
   PageFixture() {
-    headless::HeadlessContact ann{.oid = kAnn, .firstName = u"Ann", .lastName = u"Lee"};
+    machine::SimulatedContact ann{.oid = kAnn, .firstName = u"Ann", .lastName = u"Lee"};
     ann.Number(platform::PhoneNumberKind::kMobile) = u"5551234";
     ann.Number(platform::PhoneNumberKind::kHome) = u"1110000";
     m_machine.contacts.Add(ann);
-    headless::HeadlessContact bob{.oid = kBob, .firstName = u"Bob", .lastName = u"Ray"};
+    machine::SimulatedContact bob{.oid = kBob, .firstName = u"Bob", .lastName = u"Ray"};
     bob.Number(platform::PhoneNumberKind::kHome) = u"5550001";
     m_machine.contacts.Add(bob);
     m_machine.waveIn.SetScript({.sound = Speech()});

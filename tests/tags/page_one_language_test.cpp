@@ -10,7 +10,7 @@ namespace {
 
 using Texts = std::vector<std::u16string>;
 using namespace resources;
-using headless::HeadlessContact;
+using machine::SimulatedContact;
 using platform::MessageCaption;
 using platform::PhoneNumberKind;
 
@@ -53,8 +53,8 @@ class PageOneLanguage : public WatchedPage {
     EXPECT_EQ(messages.back().box.caption, u"<ID_S_MESSAGE_A>");
   }
 
-  HeadlessContact& AddEve() {
-    HeadlessContact eve{.oid = kEve, .firstName = u"Eve"};
+  SimulatedContact& AddEve() {
+    SimulatedContact eve{.oid = kEve, .firstName = u"Eve"};
     eve.numbers.fill(u"1");
     return m_machine.contacts.Add(eve);
   }
@@ -177,7 +177,7 @@ TEST_F(PageOneLanguage, TheCountOfTags) {
 }
 
 TEST_F(PageOneLanguage, ContactsThatCannotBeReached) {
-  using Opening = headless::HeadlessContacts::Opening;
+  using Opening = machine::SimulatedContacts::Opening;
   const std::pair<Opening, std::u16string_view> rows[] = {
       {Opening::kInitialize, u"<ID_S_MESSAGE_D3>"},
       {Opening::kConnect, u"<ID_S_MESSAGE_D4>"},
@@ -191,7 +191,7 @@ TEST_F(PageOneLanguage, ContactsThatCannotBeReached) {
 }
 
 TEST_F(PageOneLanguage, ItemsOfTheContacts) {
-  HeadlessContact& eve = AddEve();
+  SimulatedContact& eve = AddEve();
   eve.Number(PhoneNumberKind::kMobile) = std::u16string(97, u'5');
   Open();
   ExpectLastCaptionedBox(u"<ID_S_MESSAGE_D22>");
@@ -214,15 +214,15 @@ TEST_F(PageOneLanguage, AContactThatIsGoneWhenItsTagIsRecorded) {
 struct Unreadable {
   std::u16string_view phoneType;  ///< The kind of the number, or any for a part of the name.
   std::u16string_view text;
-  std::function<void(HeadlessContact&)> fail;
+  std::function<void(SimulatedContact&)> fail;
 };
 
 std::vector<Unreadable> EachUnreadable() {
   std::vector<Unreadable> rows = {
-      {u"Car", u"<ID_S_MESSAGE_D7>", [](HeadlessContact& c) { c.firstNameFails = true; }},
-      {u"Car", u"<ID_S_MESSAGE_D8>", [](HeadlessContact& c) { c.middleNameFails = true; }},
-      {u"Car", u"<ID_S_MESSAGE_D9>", [](HeadlessContact& c) { c.lastNameFails = true; }},
-      {u"Car", u"<ID_S_MESSAGE_D10>", [](HeadlessContact& c) { c.companyNameFails = true; }}};
+      {u"Car", u"<ID_S_MESSAGE_D7>", [](SimulatedContact& c) { c.firstNameFails = true; }},
+      {u"Car", u"<ID_S_MESSAGE_D8>", [](SimulatedContact& c) { c.middleNameFails = true; }},
+      {u"Car", u"<ID_S_MESSAGE_D9>", [](SimulatedContact& c) { c.lastNameFails = true; }},
+      {u"Car", u"<ID_S_MESSAGE_D10>", [](SimulatedContact& c) { c.companyNameFails = true; }}};
   const std::pair<std::u16string_view, std::u16string_view> numbers[] = {
       {u"Car", u"<ID_S_MESSAGE_D14>"},         {u"Radio", u"<ID_S_MESSAGE_D13>"},
       {u"Mobile", u"<ID_S_MESSAGE_D11>"},      {u"Assistant", u"<ID_S_MESSAGE_D15>"},
@@ -231,14 +231,14 @@ std::vector<Unreadable> EachUnreadable() {
       {u"Home2", u"<ID_S_MESSAGE_D20>"},       {u"HomeFax", u"<ID_S_MESSAGE_D21>"}};
   for (std::size_t code = 0; code < std::size(numbers); ++code) {
     rows.push_back({numbers[code].first, numbers[code].second,
-                    [code](HeadlessContact& c) { c.numberFails[code] = true; }});
+                    [code](SimulatedContact& c) { c.numberFails[code] = true; }});
   }
   return rows;
 }
 
 TEST_F(PageOneLanguage, EachPropertyThatFailsWhileTheContactsAreLoaded) {
-  HeadlessContact& eve = AddEve();
-  const HeadlessContact whole = eve;
+  SimulatedContact& eve = AddEve();
+  const SimulatedContact whole = eve;
   for (const Unreadable& row : EachUnreadable()) {
     row.fail(eve);
     Open();
@@ -249,8 +249,8 @@ TEST_F(PageOneLanguage, EachPropertyThatFailsWhileTheContactsAreLoaded) {
 }
 
 TEST_F(PageOneLanguage, EachPropertyThatFailsWhileTheTagsAreListed) {
-  HeadlessContact& eve = AddEve();
-  const HeadlessContact whole = eve;
+  SimulatedContact& eve = AddEve();
+  const SimulatedContact whole = eve;
   for (const Unreadable& row : EachUnreadable()) {
     PutTag(u"100", kEve, row.phoneType);
     m_contacts.SetListener([&](std::string_view call) {
@@ -266,8 +266,8 @@ TEST_F(PageOneLanguage, EachPropertyThatFailsWhileTheTagsAreListed) {
 }
 
 TEST_F(PageOneLanguage, EachPropertyThatFailsWhenATagIsRecorded) {
-  HeadlessContact& eve = AddEve();
-  const HeadlessContact whole = eve;
+  SimulatedContact& eve = AddEve();
+  const SimulatedContact whole = eve;
   for (const Unreadable& row : EachUnreadable()) {
     Open().Choose(kContactComboId, 2);
     m_dialog->ResetItems(kNumberComboId);

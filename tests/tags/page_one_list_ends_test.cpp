@@ -25,10 +25,10 @@ class UnopenableKey final : public support::ForwardingRegistry {
 class PageOneListEnds : public WatchedPage {
  protected:
   /// A contact whose getters fail once the contacts were loaded and the tags are being listed.
-  void AddContactThatFailsLater(void (*fail)(headless::HeadlessContact&)) {
-    headless::HeadlessContact eve{.oid = kEve, .firstName = u"Eve"};
+  void AddContactThatFailsLater(void (*fail)(machine::SimulatedContact&)) {
+    machine::SimulatedContact eve{.oid = kEve, .firstName = u"Eve"};
     eve.Number(platform::PhoneNumberKind::kHome) = u"1";
-    headless::HeadlessContact& live = m_machine.contacts.Add(eve);
+    machine::SimulatedContact& live = m_machine.contacts.Add(eve);
     m_contacts.SetListener([&live, fail](std::string_view call) {
       if (call == "GetItemFromOid") {
         fail(live);
@@ -46,7 +46,7 @@ class PageOneListEnds : public WatchedPage {
 
 TEST_F(PageOneListEnds, AFailingPropertyEndsTheLoad) {
   PutThreeTags();
-  AddContactThatFailsLater([](headless::HeadlessContact& contact) {
+  AddContactThatFailsLater([](machine::SimulatedContact& contact) {
     contact.FailNumber(platform::PhoneNumberKind::kHome);
   });
   const auto& dialog = OpenWatched();
@@ -60,7 +60,7 @@ TEST_F(PageOneListEnds, AFailingPropertyEndsTheLoad) {
 TEST_F(PageOneListEnds, AFailingNameEndsTheLoadToo) {
   PutThreeTags();
   AddContactThatFailsLater(
-      [](headless::HeadlessContact& contact) { contact.firstNameFails = true; });
+      [](machine::SimulatedContact& contact) { contact.firstNameFails = true; });
   EXPECT_EQ(OpenWatched().GetItems(kTagListId), Texts{u"Ann Lee 5551234 M"});
   EXPECT_EQ(GetMessages(), Texts{u"Failed to get first name"});
 }

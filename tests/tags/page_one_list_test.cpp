@@ -503,7 +503,7 @@ TEST_F(PageOneList, DeleteAllWhoseKeyStaysKeepsTheList) {
 TEST_F(PageOneList, DeleteAllOfAListThatWasNotFilledSaysHowManyRecordingsItIsAbout) {
   PutTag(u"100", kAnn, u"Mobile");
   PutTag(u"200", kBob, u"Home");
-  m_machine.contacts.FailOpening(headless::HeadlessContacts::Opening::kLogon, 100);
+  m_machine.contacts.FailOpening(machine::SimulatedContacts::Opening::kLogon, 100);
   auto& dialog = Open();
   ASSERT_EQ(dialog.GetItemCount(kTagListId), 0);
   ASSERT_TRUE(dialog.IsEnabled(kDeleteAllButtonId));

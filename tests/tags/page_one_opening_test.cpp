@@ -111,7 +111,7 @@ TEST_F(PageOneOpening, NobodyIsChosenWhenThePageIsShownOnceMoreWithoutContacts) 
 
 TEST_F(PageOneOpening, AFailureOfTheContactsIsTheLastThingThatHappens) {
   PutTag(u"100", kAnn, u"Mobile");
-  m_machine.contacts.FailOpening(headless::HeadlessContacts::Opening::kLogon);
+  m_machine.contacts.FailOpening(machine::SimulatedContacts::Opening::kLogon);
   const auto& dialog = Open();
   EXPECT_EQ(GetMessages(), Texts{u"Failed to logon to Pocket Outlook"});
   EXPECT_EQ(dialog.GetItemCount(kTagListId), 0);

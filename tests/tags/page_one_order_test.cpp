@@ -18,7 +18,7 @@ using testing::ElementsAre;
 class PageOneOrder : public WatchedPage {};
 
 TEST_F(PageOneOrder, ASecondPageEndsBeforeItReachesTheContacts) {
-  using Opening = headless::HeadlessContacts::Opening;
+  using Opening = machine::SimulatedContacts::Opening;
   Open();
   ASSERT_EQ(m_machine.contacts.CountCalls(Opening::kInitialize), 1);
   tags::Page_one second(m_machine.Get(), m_texts);

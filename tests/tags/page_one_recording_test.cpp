@@ -105,7 +105,7 @@ TEST_F(PageOneRecording, ASecondTagEnablesTest) {
 TEST_F(PageOneRecording, AfterTwoToThe31MillisecondsTheNameIsNegative) {
   support::HeadlessPlatform late(0x80000000U);
   late.waveIn.SetScript({.sound = Speech()});
-  headless::HeadlessContact ann{.oid = kAnn, .firstName = u"Ann"};
+  machine::SimulatedContact ann{.oid = kAnn, .firstName = u"Ann"};
   ann.Number(platform::PhoneNumberKind::kCar) = u"1";
   late.contacts.Add(ann);
   OpenOn(late.Get()).Press(kRecordButtonId);
@@ -141,7 +141,7 @@ TEST_F(PageOneRecording, WithoutALetterInTheWordNothingIsWritten) {
 TEST_F(PageOneRecording, UnderTheIdentifierZeroNothingIsWritten) {
   m_machine.contacts.Remove(kAnn);
   m_machine.contacts.Remove(kBob);
-  headless::HeadlessContact nobody{.oid = 0, .firstName = u"No"};
+  machine::SimulatedContact nobody{.oid = 0, .firstName = u"No"};
   nobody.Number(platform::PhoneNumberKind::kMobile) = u"555";
   m_machine.contacts.Add(nobody);
   auto& dialog = Open();
@@ -267,7 +267,7 @@ TEST_F(PageOneRecording, AFolderThatCannotBeMadeEndsTheProcess) {
 TEST_F(PageOneRecording, ALongTextIsCutToItsField) {
   m_machine.contacts.Remove(kAnn);
   m_machine.contacts.Remove(kBob);
-  headless::HeadlessContact someone{.oid = 5, .firstName = std::u16string(120, u'a')};
+  machine::SimulatedContact someone{.oid = 5, .firstName = std::u16string(120, u'a')};
   someone.Number(platform::PhoneNumberKind::kMobile) = std::u16string(90, u'5');
   m_machine.contacts.Add(someone);
   Open().Press(kRecordButtonId);

@@ -3,9 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "backends/headless/headless_contacts.h"
-#include "backends/headless/memory_file_system.h"
-#include "backends/headless/memory_registry.h"
+#include "tests/machine/memory_file_system.h"
+#include "tests/machine/memory_registry.h"
+#include "tests/machine/simulated_contacts.h"
 #include "tests/support/failing_registry.h"
 #include "tests/support/registry_access.h"
 
@@ -17,7 +17,7 @@ using platform::RegistryError;
 class TagReader : public testing::Test {
  protected:
   TagReader() {
-    headless::HeadlessContact ann{.oid = 17, .firstName = u"Ann", .lastName = u"Lee"};
+    machine::SimulatedContact ann{.oid = 17, .firstName = u"Ann", .lastName = u"Lee"};
     ann.Number(platform::PhoneNumberKind::kMobile) = u"555";
     m_ann = &m_contacts.Add(ann);
     EXPECT_TRUE(m_contacts.Initialize() && m_contacts.Connect() && m_contacts.Logon());
@@ -32,12 +32,12 @@ class TagReader : public testing::Test {
     return tags;
   }
 
-  headless::MemoryFileSystem m_files;
-  headless::MemoryRegistry m_memory;
+  machine::MemoryFileSystem m_files;
+  machine::MemoryRegistry m_memory;
   support::FailingRegistry m_registry{m_memory};
   storage::TagStore m_store{m_files, m_registry};
-  headless::HeadlessContacts m_contacts;
-  headless::HeadlessContact* m_ann = nullptr;
+  machine::SimulatedContacts m_contacts;
+  machine::SimulatedContact* m_ann = nullptr;
 };
 
 TEST_F(TagReader, FindsNoTagsBeforeTheFirst) { EXPECT_TRUE(Read(&m_contacts).empty()); }

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "backends/headless/headless_ui.h"
-#include "backends/headless/memory_file_system.h"
+#include "tests/machine/memory_file_system.h"
 #include "tests/support/signals.h"
 #include "tests/voicemath/twins/processing.h"
 #include "voicemath/voice_mathematics.h"
@@ -32,7 +32,7 @@ class ClassAndTwin {
   void ExpectSameTemplate(std::int32_t slot, const twins::Processed& expected);
   [[nodiscard]] support::Bytes Serialized();
 
-  headless::MemoryFileSystem m_files;
+  machine::MemoryFileSystem m_files;
   headless::HeadlessUi m_ui;
   CVoiceMathematics m_mathematics{m_files, m_ui};
 };

@@ -36,7 +36,7 @@ class FileFaults : public testing::TestWithParam<Failing> {
     return m_files.GetFile(kPath).value_or(support::Bytes());
   }
 
-  headless::MemoryFileSystem m_files;
+  machine::MemoryFileSystem m_files;
   support::FailingFileSystem m_failing{m_files};
   headless::HeadlessUi m_ui;
   voicemath::CVoiceMathematics m_mathematics{m_failing, m_ui};

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "backends/headless/headless_ui.h"
-#include "backends/headless/memory_file_system.h"
+#include "tests/machine/memory_file_system.h"
 #include "tests/support/signals.h"
 #include "voicemath/template_file.h"
 #include "voicemath/voice_mathematics.h"
@@ -45,7 +45,7 @@ class MathematicsFixture : public testing::Test {
     return {values.begin(), values.end()};
   }
 
-  headless::MemoryFileSystem m_files;
+  machine::MemoryFileSystem m_files;
   headless::HeadlessUi m_ui{u"Zedra Voxtrel"};
   voicemath::CVoiceMathematics m_mathematics{m_files, m_ui};
 };

@@ -1,11 +1,11 @@
 #include <filesystem>
 
-#include "backends/headless/memory_file_system.h"
-#include "backends/headless/memory_registry.h"
 #include "backends/vcard/address_books.h"
 #include "tests/backends/ebook/desktop_book.h"
 #include "tests/contract/contacts_contract.h"
 #include "tests/contract/vcard_of.h"
+#include "tests/machine/memory_file_system.h"
+#include "tests/machine/memory_registry.h"
 
 namespace contract {
 namespace {
@@ -31,8 +31,8 @@ class DesktopFixture final : public ContactsFixture {
 
   ebook_test::DesktopBook m_book;
   vcard::DesktopSource m_desktop{ebook_test::LoadDesktopBooks};
-  headless::MemoryFileSystem m_files;
-  headless::MemoryRegistry m_registry;
+  machine::MemoryFileSystem m_files;
+  machine::MemoryRegistry m_registry;
   std::unique_ptr<vcard::AddressBooks> m_store;
 };
 

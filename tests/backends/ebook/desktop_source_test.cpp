@@ -8,11 +8,11 @@
 #include <memory>
 #include <string>
 
-#include "backends/headless/memory_file_system.h"
 #include "backends/sqlite/sqlite_registry.h"
 #include "backends/vcard/address_books.h"
 #include "tests/backends/ebook/desktop_book.h"
 #include "tests/backends/vcard/read_cards.h"
+#include "tests/machine/memory_file_system.h"
 #include "tests/support/temp_folder.h"
 
 namespace vcard {
@@ -167,7 +167,7 @@ class DesktopContacts : public testing::Test {
 
  private:
   support::TempFolder m_folder;
-  headless::MemoryFileSystem m_files;
+  machine::MemoryFileSystem m_files;
   DesktopSource m_desktop{ebook_test::LoadDesktopBooks};
   std::unique_ptr<sqlite::SqliteRegistry> m_registry;
   std::unique_ptr<AddressBooks> m_store;

@@ -6,13 +6,13 @@
 #include <QTest>
 #include <functional>
 
-#include "backends/headless/memory_registry.h"
 #include "backends/qt/qt_ui.h"
 #include "connection/connection_sheet.h"
 #include "resources/dialogs.h"
 #include "storage/registry_keys.h"
 #include "tests/backends/qt/page_machine.h"
 #include "tests/backends/qt/user.h"
+#include "tests/machine/memory_registry.h"
 #include "tests/support/registry_access.h"
 
 namespace {
@@ -51,7 +51,7 @@ class ConnectionPageScreen : public testing::Test {
     return dynamic_cast<QCheckBox*>(User::Find(id))->isChecked();
   }
 
-  headless::MemoryRegistry m_registry;
+  machine::MemoryRegistry m_registry;
   qt::UiThread m_thread;
   qt::QtUi m_ui{m_thread, u"Zedra Voxtrel", support::TestPictures()};
   User m_user;

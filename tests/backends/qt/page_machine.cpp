@@ -75,11 +75,11 @@ void PaintedPage::OnPaint(platform::Canvas& canvas) {
 }
 
 PageMachine::PageMachine() {
-  headless::HeadlessContact ann{.oid = 17, .firstName = u"Ann", .lastName = u"Lee"};
+  machine::SimulatedContact ann{.oid = 17, .firstName = u"Ann", .lastName = u"Lee"};
   ann.Number(platform::PhoneNumberKind::kMobile) = u"5551234";
   ann.Number(platform::PhoneNumberKind::kHome) = u"1110000";
   machine.contacts.Add(ann);
-  headless::HeadlessContact bob{.oid = -5, .firstName = u"Bob", .lastName = u"Ray & Sons <b>"};
+  machine::SimulatedContact bob{.oid = -5, .firstName = u"Bob", .lastName = u"Ray & Sons <b>"};
   bob.Number(platform::PhoneNumberKind::kHome) = u"5550001";
   machine.contacts.Add(bob);
   machine.waveIn.SetScript(

@@ -4,9 +4,9 @@
 
 #include <map>
 
-#include "backends/headless/memory_registry.h"
 #include "backends/sqlite/sqlite_registry.h"
 #include "tests/backends/udev/fake_serial_devices.h"
+#include "tests/machine/memory_registry.h"
 #include "tests/support/failing_registry.h"
 #include "tests/support/registry_access.h"
 #include "tests/support/temp_folder.h"
@@ -53,7 +53,7 @@ class SerialPorts : public testing::Test {
   }
 
   FakeSerialDevices m_devices;
-  headless::MemoryRegistry m_registry;
+  machine::MemoryRegistry m_registry;
 };
 
 TEST_F(SerialPorts, EachDeviceIsAnActiveDriverWithItsNameAndNode) {

@@ -5,9 +5,9 @@
 #include <memory>
 #include <string>
 
-#include "backends/headless/memory_file_system.h"
-#include "backends/headless/memory_registry.h"
 #include "tests/backends/vcard/read_cards.h"
+#include "tests/machine/memory_file_system.h"
+#include "tests/machine/memory_registry.h"
 #include "tests/support/failing_registry.h"
 #include "tests/support/file_bytes.h"
 #include "tests/support/read_only_registry.h"
@@ -86,8 +86,8 @@ class AddressBooksTest : public testing::Test {
     m_desktop.books = {{u"eds:book", std::move(contacts), isComplete}};
   }
 
-  headless::MemoryFileSystem m_files;
-  headless::MemoryRegistry m_registry;
+  machine::MemoryFileSystem m_files;
+  machine::MemoryRegistry m_registry;
   SetDesktop m_desktop;
   std::optional<std::vector<std::int32_t>> m_inUse = std::vector<std::int32_t>();
   std::unique_ptr<AddressBooks> m_store;
@@ -526,7 +526,7 @@ TEST_F(AddressBooksInUse, AStoreThatCannotBeReadEndsTheConnection) {
 }
 
 TEST_F(AddressBooksInUse, ALostStoreGivesContactsTheirNumbersBack) {
-  headless::MemoryRegistry fresh;
+  machine::MemoryRegistry fresh;
   AddressBooks::Options options;
   options.choice = SourceChoice{u"/all.vcf"};
   options.desktop = &m_desktop;

@@ -10,8 +10,8 @@
 #include <utility>
 #include <vector>
 
-#include "backends/headless/simulation.h"
 #include "backends/posix/posix_threads.h"
+#include "tests/machine/simulation.h"
 #include "tests/support/failing_threads.h"
 
 namespace vcard {
@@ -78,7 +78,7 @@ TEST(BackgroundSource, ReadsOnAnotherThread) {
 /// The simulation gives another thread its turn only where this one waits through it, and lets time
 /// pass only where all of them wait: any other way to wait would hang.
 TEST(BackgroundSource, WaitsForASlowServerAsTheThreadsHaveIt) {
-  headless::Simulation simulation;
+  machine::Simulation simulation;
   ScriptedSource inner([&simulation](std::vector<Book>& books) {
     simulation.Sleep(20'000);
     return ReadOneBook(books);

@@ -7,8 +7,8 @@
 #include <set>
 #include <string>
 
-#include "backends/headless/memory_registry.h"
 #include "backends/text/utf.h"
+#include "tests/machine/memory_registry.h"
 #include "tests/support/failing_registry.h"
 #include "tests/support/read_only_registry.h"
 #include "tests/support/registry_access.h"
@@ -57,7 +57,7 @@ class OidMapTest : public testing::Test {
     return Assign(m_registry, source, uids);
   }
 
-  headless::MemoryRegistry m_registry;
+  machine::MemoryRegistry m_registry;
 };
 
 TEST_F(OidMapTest, ContactsKeepTheirNumbersOverRestarts) {
@@ -94,7 +94,7 @@ TEST_F(OidMapTest, BooksShareNoNumber) {
 
 TEST_F(OidMapTest, ANumberThatIsTakenIsNotGivenAgain) {
   // Gives the number that "a" would be given to somebody else first.
-  headless::MemoryRegistry other;
+  machine::MemoryRegistry other;
   const std::int32_t wanted = Assign(other, u"book", {"a"})[0];
   auto bytes = support::BytesOf(other, kFirstBook, u"people0");
   std::fill(bytes.begin() + 8, bytes.end(), std::byte{0x77});
@@ -184,7 +184,7 @@ TEST_F(OidMapTest, AnyFailureOfTheStoreLeavesAllOrNothing) {
   static_cast<void>(Assign(u"book", {"a"}));
   bool hasFailed = true;
   for (std::size_t call = 1; hasFailed; ++call) {
-    headless::MemoryRegistry registry;
+    machine::MemoryRegistry registry;
     const Oids before = Assign(registry, u"book", {"a"});
     support::FailingRegistry failing(registry);
     failing.FailCall(call, support::Failing::kOnce);

@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "backends/headless/memory_registry.h"
 #include "backends/text/utf.h"
 #include "backends/vcard/oid_map.h"
+#include "tests/machine/memory_registry.h"
 #include "tests/support/registry_access.h"
 
 namespace vcard {
@@ -42,7 +42,7 @@ class Recognition : public testing::Test {
     return oids.at(0);
   }
 
-  headless::MemoryRegistry m_registry;
+  machine::MemoryRegistry m_registry;
 };
 
 // Cards without a UID.

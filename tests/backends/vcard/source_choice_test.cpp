@@ -4,8 +4,8 @@
 
 #include <filesystem>
 
-#include "backends/headless/memory_registry.h"
 #include "backends/text/utf.h"
+#include "tests/machine/memory_registry.h"
 #include "tests/support/failing_registry.h"
 #include "tests/support/registry_access.h"
 
@@ -32,7 +32,7 @@ TEST(SourceChoice, APathOfTheDeviceStaysOne) {
 }
 
 TEST(SourceChoice, IsRemembered) {
-  headless::MemoryRegistry registry;
+  machine::MemoryRegistry registry;
   std::optional<SourceChoice> choice = SourceChoice{u"/x"};
   std::vector<Remark> remarks;
   ASSERT_TRUE(RecallChoice(registry, choice, remarks));
@@ -46,7 +46,7 @@ TEST(SourceChoice, IsRemembered) {
 }
 
 TEST(SourceChoice, RememberingTheSameAgainWritesNothing) {
-  headless::MemoryRegistry registry;
+  machine::MemoryRegistry registry;
   ASSERT_EQ(RememberChoice(registry, {u"/all.vcf"}), RegistryError::kNone);
   support::FailingRegistry counting(registry);
   counting.FailCall(1000, support::Failing::kOnce);
@@ -55,7 +55,7 @@ TEST(SourceChoice, RememberingTheSameAgainWritesNothing) {
 }
 
 TEST(SourceChoice, AStoreThatCannotBeReadIsNoReasonToTakeAnotherBook) {
-  headless::MemoryRegistry registry;
+  machine::MemoryRegistry registry;
   ASSERT_EQ(RememberChoice(registry, {u"/all.vcf"}), RegistryError::kNone);
   support::FailingRegistry failing(registry);
   std::optional<SourceChoice> choice;
@@ -67,7 +67,7 @@ TEST(SourceChoice, AStoreThatCannotBeReadIsNoReasonToTakeAnotherBook) {
 }
 
 TEST(SourceChoice, AValueThatIsNoChoiceIsPassedOverAndNamed) {
-  headless::MemoryRegistry registry;
+  machine::MemoryRegistry registry;
   ASSERT_EQ(support::Put(registry, kKey, u"chosen", platform::RegistryType::kDword, {}),
             RegistryError::kNone);
   std::optional<SourceChoice> choice;

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "backends/headless/memory_registry.h"
+#include "tests/machine/memory_registry.h"
 #include "tests/support/registry_access.h"
 
 namespace vcard {
@@ -37,7 +37,7 @@ class StoredBookTest : public testing::Test {
     EXPECT_EQ(book.Save(*m_registry.CreateKey(kKey).key), RegistryError::kNone);
   }
 
-  headless::MemoryRegistry m_registry;
+  machine::MemoryRegistry m_registry;
 };
 
 TEST_F(StoredBookTest, AnEntryIsNumberPresenceAndThreeDigests) {

@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
-#include "backends/headless/memory_file_system.h"
 #include "tests/backends/vcard/read_cards.h"
+#include "tests/machine/memory_file_system.h"
 #include "tests/support/failing_file_system.h"
 #include "tests/support/file_bytes.h"
 #include "tests/support/forwarding_file_system.h"
@@ -75,7 +75,7 @@ class VcardSourceTest : public testing::Test {
     return names;
   }
 
-  headless::MemoryFileSystem m_files;
+  machine::MemoryFileSystem m_files;
   Book m_book;
 };
 

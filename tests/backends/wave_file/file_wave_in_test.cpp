@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "backends/headless/memory_file_system.h"
+#include "tests/machine/memory_file_system.h"
 #include "tests/support/failing_file_system.h"
 #include "tests/support/riff.h"
 
@@ -56,7 +56,7 @@ class FileWaveIn : public testing::Test {
     return memory;
   }
 
-  headless::MemoryFileSystem m_files;
+  machine::MemoryFileSystem m_files;
   wave_file::FileWaveIn m_waveIn{m_files, std::u16string(kPath)};
 };
 

@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "backends/headless/memory_file_system.h"
+#include "tests/machine/memory_file_system.h"
 #include "tests/support/failing_file_system.h"
 #include "tests/support/riff.h"
 
@@ -58,7 +58,7 @@ class FileWaveOut : public testing::Test {
     return opened.device && Write(*opened.device, sound) == WaveResult::kOk;
   }
 
-  headless::MemoryFileSystem m_memory;
+  machine::MemoryFileSystem m_memory;
   support::FailingFileSystem m_files{m_memory};
   wave_file::FileWaveOut m_waveOut{m_files, std::u16string(kPath)};
 };

@@ -6,7 +6,7 @@
 #include <optional>
 #include <vector>
 
-#include "backends/headless/memory_file_system.h"
+#include "tests/machine/memory_file_system.h"
 #include "tests/support/riff.h"
 
 namespace {
@@ -24,7 +24,7 @@ constexpr std::size_t kPlainHeader = 44;
 RiffBytes Samples(std::size_t count) { return RiffBytes(count, std::byte{7}); }
 
 std::optional<WaveFileLayout> Read(const RiffBytes& bytes) {
-  headless::MemoryFileSystem files;
+  machine::MemoryFileSystem files;
   EXPECT_TRUE(files.PutFile(u"/a.wav", bytes));
   const auto opened = files.Open(u"/a.wav", {});
   if (!opened.file) {

@@ -9,10 +9,10 @@
 #include <string_view>
 #include <vector>
 
-#include "backends/headless/memory_disk.h"
 #include "platform/file_system.h"
+#include "tests/machine/memory_disk.h"
 
-namespace headless {
+namespace machine {
 
 /// Files and folders in memory. The host's own paths have a tree of their own, with "/" between the
 /// parts and letter case that counts; its current folder is its root.
@@ -55,4 +55,4 @@ class MemoryFileSystem final : public platform::FileSystem {
   const std::shared_ptr<MemoryDisk> m_disk;
 };
 
-}  // namespace headless
+}  // namespace machine

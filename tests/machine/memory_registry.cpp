@@ -1,4 +1,4 @@
-#include "backends/headless/memory_registry.h"
+#include "tests/machine/memory_registry.h"
 
 #include <algorithm>
 #include <utility>
@@ -6,7 +6,7 @@
 #include "backends/text/names.h"
 #include "platform/registry_names.h"
 
-namespace headless {
+namespace machine {
 
 using platform::OpenedKey;
 using platform::RegistryError;
@@ -248,4 +248,4 @@ void MemoryRegistry::EndGroup() {
   m_gate.CloseGroup();
 }
 
-}  // namespace headless
+}  // namespace machine

@@ -8,7 +8,7 @@
 
 #include "platform/threads.h"
 
-namespace headless {
+namespace machine {
 
 /// The names of the mutexes that have a holder. May be used from any thread.
 class MutexNames {
@@ -23,4 +23,4 @@ class MutexNames {
   std::set<std::u16string, std::less<>> m_held;
 };
 
-}  // namespace headless
+}  // namespace machine

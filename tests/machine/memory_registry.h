@@ -12,7 +12,7 @@
 #include "platform/registry.h"
 #include "platform/registry_gate.h"
 
-namespace headless {
+namespace machine {
 
 /// The registry in memory, gone with the object. Nothing of it fails by itself.
 class MemoryRegistry final : public platform::Registry {
@@ -66,4 +66,4 @@ class MemoryRegistry final : public platform::Registry {
   std::map<Number, Node> m_beforeGroup;
 };
 
-}  // namespace headless
+}  // namespace machine

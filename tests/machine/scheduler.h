@@ -9,7 +9,7 @@
 
 #include "platform/threads.h"
 
-namespace headless {
+namespace machine {
 
 /// Something that threads wait for: an event, or the end of a thread. Guarded by its scheduler.
 struct Signal {
@@ -90,4 +90,4 @@ class Scheduler {
   std::uint64_t m_now = 0;
 };
 
-}  // namespace headless
+}  // namespace machine

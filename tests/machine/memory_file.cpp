@@ -1,10 +1,10 @@
-#include "backends/headless/memory_file.h"
+#include "tests/machine/memory_file.h"
 
 #include <algorithm>
 #include <mutex>
 #include <utility>
 
-namespace headless {
+namespace machine {
 
 using platform::FileAccess;
 using platform::FileError;
@@ -104,4 +104,4 @@ FileError MemoryFile::Close() {
   return FileError::kNone;
 }
 
-}  // namespace headless
+}  // namespace machine

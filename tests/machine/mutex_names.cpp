@@ -1,8 +1,8 @@
-#include "backends/headless/mutex_names.h"
+#include "tests/machine/mutex_names.h"
 
 #include <utility>
 
-namespace headless {
+namespace machine {
 
 class MutexNames::Holder final : public platform::NamedMutex {
  public:
@@ -27,4 +27,4 @@ platform::CreatedMutex MutexNames::Create(const std::shared_ptr<MutexNames>& nam
   return {std::make_unique<Holder>(names, name), false};
 }
 
-}  // namespace headless
+}  // namespace machine

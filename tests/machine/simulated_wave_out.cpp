@@ -1,24 +1,24 @@
-#include "backends/headless/headless_wave_out.h"
+#include "tests/machine/simulated_wave_out.h"
 
 #include <optional>
 #include <utility>
 
 #include "platform/wave_queue.h"
 
-namespace headless {
+namespace machine {
 
 using platform::WaveHeader;
 using platform::WaveResult;
 
-class HeadlessOutDevice final : public platform::WaveOutDevice {
+class SimulatedOutDevice final : public platform::WaveOutDevice {
  public:
-  HeadlessOutDevice(const platform::WaveFormat& format, const WaveOutScript& script,
-                    std::shared_ptr<HeadlessWaveOut::State> state)
+  SimulatedOutDevice(const platform::WaveFormat& format, const WaveOutScript& script,
+                     std::shared_ptr<SimulatedWaveOut::State> state)
       : m_format(format), m_script(script), m_state(std::move(state)) {
     const std::lock_guard lock(m_state->mutex);
     ++m_state->openDevices;
   }
-  ~HeadlessOutDevice() override { GiveUp(); }
+  ~SimulatedOutDevice() override { GiveUp(); }
 
   WaveResult Prepare(WaveHeader& header) override {
     if (const auto failure = Failure(m_script.prepare)) return *failure;
@@ -75,31 +75,31 @@ class HeadlessOutDevice final : public platform::WaveOutDevice {
   platform::WaveFormat m_format;
   WaveOutScript m_script;
   platform::WaveQueue m_queue;
-  std::shared_ptr<HeadlessWaveOut::State> m_state;  ///< Null once the device is given up.
+  std::shared_ptr<SimulatedWaveOut::State> m_state;  ///< Null once the device is given up.
 };
 
-void HeadlessWaveOut::SetScript(const WaveOutScript& script) {
+void SimulatedWaveOut::SetScript(const WaveOutScript& script) {
   const std::lock_guard lock(m_mutex);
   m_script = script;
 }
 
-platform::OpenedWaveOut HeadlessWaveOut::Open(const platform::WaveFormat& format) {
+platform::OpenedWaveOut SimulatedWaveOut::Open(const platform::WaveFormat& format) {
   if (!platform::IsWholeBytePcm(format)) return {nullptr, WaveResult::kBadFormat};
   const std::lock_guard lock(m_mutex);
   if (m_script.open != WaveResult::kOk) {
     return {nullptr, m_script.open};
   }
-  return {std::make_unique<HeadlessOutDevice>(format, m_script, m_state), WaveResult::kOk};
+  return {std::make_unique<SimulatedOutDevice>(format, m_script, m_state), WaveResult::kOk};
 }
 
-std::vector<PlayedSound> HeadlessWaveOut::GetPlayed() const {
+std::vector<PlayedSound> SimulatedWaveOut::GetPlayed() const {
   const std::lock_guard lock(m_state->mutex);
   return m_state->played;
 }
 
-int HeadlessWaveOut::CountOpenDevices() const {
+int SimulatedWaveOut::CountOpenDevices() const {
   const std::lock_guard lock(m_state->mutex);
   return m_state->openDevices;
 }
 
-}  // namespace headless
+}  // namespace machine

@@ -1,12 +1,12 @@
-#include "backends/headless/memory_file_system.h"
+#include "tests/machine/memory_file_system.h"
 
 #include <mutex>
 #include <utility>
 
-#include "backends/headless/memory_file.h"
 #include "backends/text/names.h"
+#include "tests/machine/memory_file.h"
 
-namespace headless {
+namespace machine {
 namespace {
 
 using platform::FileCreation;
@@ -258,4 +258,4 @@ std::size_t MemoryFileSystem::CountOpenHandles() const {
   return m_disk->openHandles;
 }
 
-}  // namespace headless
+}  // namespace machine

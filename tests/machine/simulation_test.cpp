@@ -1,4 +1,4 @@
-#include "backends/headless/simulation.h"
+#include "tests/machine/simulation.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 
 namespace {
 
-using headless::Simulation;
+using machine::Simulation;
 using platform::kNoLimit;
 using platform::ThreadStart;
 using platform::WaitResult;

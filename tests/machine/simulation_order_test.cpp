@@ -5,11 +5,11 @@
 #include <string>
 #include <vector>
 
-#include "backends/headless/simulation.h"
+#include "tests/machine/simulation.h"
 
 namespace {
 
-using headless::Simulation;
+using machine::Simulation;
 using platform::kNoLimit;
 using platform::ThreadStart;
 using platform::WaitResult;

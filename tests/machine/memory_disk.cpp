@@ -1,4 +1,4 @@
-#include "backends/headless/memory_disk.h"
+#include "tests/machine/memory_disk.h"
 
 #include <algorithm>
 #include <utility>
@@ -6,7 +6,7 @@
 #include "backends/text/device_path.h"
 #include "backends/text/names.h"
 
-namespace headless {
+namespace machine {
 namespace {
 
 /// The names along one of the host's own paths, whose current folder is the root.
@@ -145,4 +145,4 @@ std::vector<std::u16string> MemoryDisk::ListFiles() const {
   return files;
 }
 
-}  // namespace headless
+}  // namespace machine

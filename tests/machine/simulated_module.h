@@ -5,11 +5,11 @@
 
 #include "platform/module.h"
 
-namespace headless {
+namespace machine {
 
 /// The resources of a library without pictures: every number has an icon unless there are to be
 /// none. Belongs to one thread.
-class HeadlessModule final : public platform::Module {
+class SimulatedModule final : public platform::Module {
  public:
   [[nodiscard]] platform::IconHandle LoadIcon(int id) override;
   void DestroyIcon(platform::IconHandle icon) override;
@@ -27,4 +27,4 @@ class HeadlessModule final : public platform::Module {
   bool m_hasIcons = true;
 };
 
-}  // namespace headless
+}  // namespace machine

@@ -1,4 +1,4 @@
-#include "backends/headless/headless_wave_in.h"
+#include "tests/machine/simulated_wave_in.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -9,8 +9,8 @@
 
 namespace {
 
-using headless::HeadlessWaveIn;
-using headless::WaveInScript;
+using machine::SimulatedWaveIn;
+using machine::WaveInScript;
 using platform::WaveHeader;
 using platform::WaveResult;
 using testing::ElementsAre;
@@ -27,7 +27,7 @@ struct Buffer {
 std::vector<std::byte> Sound(std::size_t count) { return std::vector(count, std::byte{7}); }
 
 /// An open device with a started buffer.
-class HeadlessWaveInDevice : public testing::Test {
+class SimulatedWaveInDevice : public testing::Test {
  protected:
   void Start(WaveInScript script) {
     m_waveIn.SetScript(std::move(script));
@@ -38,26 +38,26 @@ class HeadlessWaveInDevice : public testing::Test {
     ASSERT_EQ(m_device->Start(), WaveResult::kOk);
   }
 
-  HeadlessWaveIn m_waveIn;
+  SimulatedWaveIn m_waveIn;
   Buffer m_buffer;
   std::unique_ptr<platform::WaveInDevice> m_device;
 };
 
-TEST_F(HeadlessWaveInDevice, BufferIsFullAtOnceUnlessToldOtherwise) {
+TEST_F(SimulatedWaveInDevice, BufferIsFullAtOnceUnlessToldOtherwise) {
   Start({.sound = Sound(9)});
   EXPECT_EQ(m_device->Unprepare(m_buffer.header), WaveResult::kOk);
   EXPECT_EQ(m_buffer.header.bytesRecorded, 6U);
   EXPECT_THAT(m_buffer.memory, testing::Each(std::byte{7}));
 }
 
-TEST_F(HeadlessWaveInDevice, SilenceFollowsTheSound) {
+TEST_F(SimulatedWaveInDevice, SilenceFollowsTheSound) {
   Start({.sound = Sound(2)});
   EXPECT_EQ(m_device->Unprepare(m_buffer.header), WaveResult::kOk);
   EXPECT_THAT(m_buffer.memory, ElementsAre(std::byte{7}, std::byte{7}, std::byte{0}, std::byte{0},
                                            std::byte{0}, std::byte{0}));
 }
 
-TEST_F(HeadlessWaveInDevice, BytesArriveCallByCall) {
+TEST_F(SimulatedWaveInDevice, BytesArriveCallByCall) {
   Start({.sound = Sound(9), .arrivals = {2, 4}});
   EXPECT_EQ(m_device->Unprepare(m_buffer.header), WaveResult::kStillPlaying);
   EXPECT_EQ(m_buffer.header.bytesRecorded, 2U);
@@ -68,21 +68,21 @@ TEST_F(HeadlessWaveInDevice, BytesArriveCallByCall) {
   EXPECT_EQ(m_buffer.header.bytesRecorded, 4U);
 }
 
-TEST_F(HeadlessWaveInDevice, NothingMayArriveAtAll) {
+TEST_F(SimulatedWaveInDevice, NothingMayArriveAtAll) {
   Start({.sound = Sound(9), .arrivals = {0}});
   EXPECT_EQ(m_device->Unprepare(m_buffer.header), WaveResult::kStillPlaying);
   EXPECT_EQ(m_buffer.header.bytesRecorded, 0U);
   EXPECT_THAT(m_buffer.memory, testing::Each(kUntouched));
 }
 
-TEST_F(HeadlessWaveInDevice, SecondCallMayFindTheBufferFull) {
+TEST_F(SimulatedWaveInDevice, SecondCallMayFindTheBufferFull) {
   Start({.sound = Sound(9), .arrivals = {5, 1000}});
   EXPECT_EQ(m_device->Unprepare(m_buffer.header), WaveResult::kStillPlaying);
   EXPECT_EQ(m_device->Unprepare(m_buffer.header), WaveResult::kOk);
   EXPECT_EQ(m_buffer.header.bytesRecorded, 6U);
 }
 
-TEST_F(HeadlessWaveInDevice, NextBufferHearsWhatFollows) {
+TEST_F(SimulatedWaveInDevice, NextBufferHearsWhatFollows) {
   Start({.sound = Sound(8)});
   ASSERT_EQ(m_device->Unprepare(m_buffer.header), WaveResult::kOk);
   Buffer next;
@@ -94,19 +94,19 @@ TEST_F(HeadlessWaveInDevice, NextBufferHearsWhatFollows) {
                                        std::byte{0}, std::byte{0}));
 }
 
-TEST_F(HeadlessWaveInDevice, UnprepareFailsAsToldAndTouchesNothing) {
+TEST_F(SimulatedWaveInDevice, UnprepareFailsAsToldAndTouchesNothing) {
   Start({.sound = Sound(9), .unprepare = WaveResult::kFailed});
   EXPECT_EQ(m_device->Unprepare(m_buffer.header), WaveResult::kFailed);
   EXPECT_EQ(m_buffer.header.bytesRecorded, 0U);
   EXPECT_THAT(m_buffer.memory, testing::Each(kUntouched));
 }
 
-TEST_F(HeadlessWaveInDevice, ResetFailsAsTold) {
+TEST_F(SimulatedWaveInDevice, ResetFailsAsTold) {
   Start({.reset = WaveResult::kFailed});
   EXPECT_EQ(m_device->Reset(), WaveResult::kFailed);
 }
 
-TEST_F(HeadlessWaveInDevice, CloseThatFailsAsToldGivesTheDeviceUp) {
+TEST_F(SimulatedWaveInDevice, CloseThatFailsAsToldGivesTheDeviceUp) {
   Start({.close = WaveResult::kFailed});
   EXPECT_EQ(m_waveIn.OpenDevices(), 1U);
   EXPECT_EQ(m_device->Close(), WaveResult::kFailed);
@@ -114,25 +114,25 @@ TEST_F(HeadlessWaveInDevice, CloseThatFailsAsToldGivesTheDeviceUp) {
   EXPECT_EQ(m_device->Reset(), WaveResult::kNoDevice);
 }
 
-TEST(HeadlessWaveIn, CountsTheDevicesItIsTold) {
-  HeadlessWaveIn waveIn({.deviceCount = 3});
+TEST(SimulatedWaveIn, CountsTheDevicesItIsTold) {
+  SimulatedWaveIn waveIn({.deviceCount = 3});
   EXPECT_EQ(waveIn.GetDeviceCount(), 3U);
   waveIn.SetScript({.deviceCount = 0});
   EXPECT_EQ(waveIn.GetDeviceCount(), 0U);
 }
 
-TEST(HeadlessWaveIn, OpenFailsAsTold) {
-  HeadlessWaveIn waveIn({.open = WaveResult::kBadFormat});
+TEST(SimulatedWaveIn, OpenFailsAsTold) {
+  SimulatedWaveIn waveIn({.open = WaveResult::kBadFormat});
   const auto opened = waveIn.Open(kMono);
   EXPECT_EQ(opened.result, WaveResult::kBadFormat);
   EXPECT_EQ(opened.device, nullptr);
   EXPECT_EQ(waveIn.OpenDevices(), 0U);
 }
 
-TEST(HeadlessWaveIn, EachStepBeforeTheRecordingFailsAsTold) {
-  HeadlessWaveIn waveIn({.prepare = WaveResult::kFailed,
-                         .addBuffer = WaveResult::kNotPrepared,
-                         .start = WaveResult::kNoDevice});
+TEST(SimulatedWaveIn, EachStepBeforeTheRecordingFailsAsTold) {
+  SimulatedWaveIn waveIn({.prepare = WaveResult::kFailed,
+                          .addBuffer = WaveResult::kNotPrepared,
+                          .start = WaveResult::kNoDevice});
   const auto opened = waveIn.Open(kMono);
   ASSERT_TRUE(opened.device);
   Buffer buffer;
@@ -143,23 +143,23 @@ TEST(HeadlessWaveIn, EachStepBeforeTheRecordingFailsAsTold) {
   EXPECT_EQ(opened.device->Start(), WaveResult::kNoDevice);
 }
 
-TEST(HeadlessWaveIn, DestroyedDeviceIsNoLongerOpen) {
-  HeadlessWaveIn waveIn;
+TEST(SimulatedWaveIn, DestroyedDeviceIsNoLongerOpen) {
+  SimulatedWaveIn waveIn;
   auto opened = waveIn.Open(kMono);
   EXPECT_EQ(waveIn.OpenDevices(), 1U);
   opened.device.reset();
   EXPECT_EQ(waveIn.OpenDevices(), 0U);
 }
 
-TEST(HeadlessWaveIn, RemembersTheFormatAskedFor) {
-  HeadlessWaveIn waveIn({.deviceCount = 0});
+TEST(SimulatedWaveIn, RemembersTheFormatAskedFor) {
+  SimulatedWaveIn waveIn({.deviceCount = 0});
   EXPECT_EQ(waveIn.AskedFormat(), std::nullopt);
   static_cast<void>(waveIn.Open(kMono));
   EXPECT_EQ(waveIn.AskedFormat(), kMono);
 }
 
-TEST(HeadlessWaveIn, DeviceMayOutliveItsInput) {
-  auto waveIn = std::make_unique<HeadlessWaveIn>();
+TEST(SimulatedWaveIn, DeviceMayOutliveItsInput) {
+  auto waveIn = std::make_unique<SimulatedWaveIn>();
   const auto opened = waveIn->Open(kMono);
   ASSERT_TRUE(opened.device);
   waveIn.reset();

@@ -1,4 +1,4 @@
-#include "backends/headless/memory_file_system.h"
+#include "tests/machine/memory_file_system.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -7,7 +7,7 @@
 
 namespace {
 
-using headless::MemoryFileSystem;
+using machine::MemoryFileSystem;
 using platform::FileAccess;
 using platform::FileCreation;
 using platform::FileError;

@@ -10,7 +10,7 @@
 
 #include "platform/wave_in.h"
 
-namespace headless {
+namespace machine {
 
 /// How a headless wave input behaves.
 struct WaveInScript {
@@ -37,10 +37,10 @@ struct WaveInScript {
 
 /// A wave input without a device, which does what it was told. It needs no time. It knows how many
 /// devices are open, so that their users can be held to closing them.
-class HeadlessWaveIn final : public platform::WaveIn {
+class SimulatedWaveIn final : public platform::WaveIn {
  public:
-  HeadlessWaveIn() = default;
-  explicit HeadlessWaveIn(WaveInScript script);
+  SimulatedWaveIn() = default;
+  explicit SimulatedWaveIn(WaveInScript script);
 
   /// Holds for what is called from now on, but not for devices that are open already.
   void SetScript(WaveInScript script);
@@ -64,4 +64,4 @@ class HeadlessWaveIn final : public platform::WaveIn {
       std::make_shared<std::atomic<std::uint32_t>>(0);
 };
 
-}  // namespace headless
+}  // namespace machine

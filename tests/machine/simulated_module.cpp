@@ -1,12 +1,12 @@
-#include "backends/headless/headless_module.h"
+#include "tests/machine/simulated_module.h"
 
 #include <utility>
 
 #include "platform/module.h"
 
-namespace headless {
+namespace machine {
 
-platform::IconHandle HeadlessModule::LoadIcon(int id) {
+platform::IconHandle SimulatedModule::LoadIcon(int id) {
   if (!m_hasIcons) {
     return platform::kNoIcon;
   }
@@ -17,15 +17,15 @@ platform::IconHandle HeadlessModule::LoadIcon(int id) {
   return icon->second;
 }
 
-void HeadlessModule::DestroyIcon(platform::IconHandle icon) {
+void SimulatedModule::DestroyIcon(platform::IconHandle icon) {
   std::erase_if(m_icons, [icon](const auto& loaded) { return loaded.second == icon; });
 }
 
-int HeadlessModule::LoadString(int id, std::span<char16_t> buffer) {
+int SimulatedModule::LoadString(int id, std::span<char16_t> buffer) {
   return platform::CopyModuleString(id, buffer);
 }
 
-std::set<int> HeadlessModule::GetIcons() const {
+std::set<int> SimulatedModule::GetIcons() const {
   std::set<int> ids;
   for (const auto& icon : m_icons) {
     ids.insert(icon.first);
@@ -33,4 +33,4 @@ std::set<int> HeadlessModule::GetIcons() const {
   return ids;
 }
 
-}  // namespace headless
+}  // namespace machine

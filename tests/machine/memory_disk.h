@@ -13,7 +13,7 @@
 
 #include "platform/file_system.h"
 
-namespace headless {
+namespace machine {
 
 /// One file or folder of a MemoryDisk.
 struct MemoryNode {
@@ -84,4 +84,4 @@ class MemoryDisk {
   std::uint64_t m_used = 0;
 };
 
-}  // namespace headless
+}  // namespace machine

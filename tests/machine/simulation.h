@@ -4,12 +4,12 @@
 #include <functional>
 #include <memory>
 
-#include "backends/headless/mutex_names.h"
-#include "backends/headless/scheduler.h"
 #include "platform/clock.h"
 #include "platform/threads.h"
+#include "tests/machine/mutex_names.h"
+#include "tests/machine/scheduler.h"
 
-namespace headless {
+namespace machine {
 
 /// Threads that run one at a time, in the same order in every run, and a clock that does not wait:
 /// where all of them wait, the time jumps to the earliest limit.
@@ -45,4 +45,4 @@ class Simulation final : public platform::Clock, public platform::Threads {
   const std::shared_ptr<MutexNames> m_mutexNames = std::make_shared<MutexNames>();
 };
 
-}  // namespace headless
+}  // namespace machine

@@ -6,10 +6,10 @@
 #include <optional>
 #include <span>
 
-#include "backends/headless/memory_disk.h"
 #include "platform/file_system.h"
+#include "tests/machine/memory_disk.h"
 
-namespace headless {
+namespace machine {
 
 /// Whether opening so, or the holder of it, may change the file.
 [[nodiscard]] bool MayChange(const platform::OpenMode& mode);
@@ -43,4 +43,4 @@ class MemoryFile final : public platform::File {
   std::uint64_t m_position = 0;
 };
 
-}  // namespace headless
+}  // namespace machine

@@ -1,8 +1,8 @@
-#include "backends/headless/scheduler.h"
+#include "tests/machine/scheduler.h"
 
 #include <algorithm>
 
-namespace headless {
+namespace machine {
 namespace {
 
 using platform::WaitResult;
@@ -148,4 +148,4 @@ void Scheduler::AwaitTurn(std::unique_lock<std::mutex>& lock, Participant& threa
   thread.turn.wait(lock, [&] { return m_running == &thread || thread.isAbandoned; });
 }
 
-}  // namespace headless
+}  // namespace machine

@@ -1,9 +1,9 @@
-#include "backends/headless/headless_contacts.h"
+#include "tests/machine/simulated_contacts.h"
 
 #include <algorithm>
 #include <utility>
 
-namespace headless {
+namespace machine {
 
 using platform::ContactLookup;
 
@@ -11,7 +11,7 @@ namespace {
 
 class LiveContact final : public platform::Contact {
  public:
-  explicit LiveContact(std::shared_ptr<const HeadlessContact> contact)
+  explicit LiveContact(std::shared_ptr<const SimulatedContact> contact)
       : m_contact(std::move(contact)) {}
 
   [[nodiscard]] bool GetFirstName(std::u16string& text) override {
@@ -43,32 +43,32 @@ class LiveContact final : public platform::Contact {
     return !fails;
   }
 
-  std::shared_ptr<const HeadlessContact> m_contact;
+  std::shared_ptr<const SimulatedContact> m_contact;
 };
 
 }  // namespace
 
-HeadlessContact& HeadlessContacts::Add(HeadlessContact contact) {
-  m_settings.push_back({false, std::make_shared<HeadlessContact>(std::move(contact))});
+SimulatedContact& SimulatedContacts::Add(SimulatedContact contact) {
+  m_settings.push_back({false, std::make_shared<SimulatedContact>(std::move(contact))});
   return *m_settings.back().contact;
 }
 
-void HeadlessContacts::AddNullContact() { m_settings.push_back({false, nullptr}); }
+void SimulatedContacts::AddNullContact() { m_settings.push_back({false, nullptr}); }
 
-void HeadlessContacts::AddFailingItem() { m_settings.push_back({true, nullptr}); }
+void SimulatedContacts::AddFailingItem() { m_settings.push_back({true, nullptr}); }
 
-void HeadlessContacts::Remove(std::int32_t oid) {
+void SimulatedContacts::Remove(std::int32_t oid) {
   std::erase_if(m_settings,
                 [oid](const Item& item) { return item.contact && item.contact->oid == oid; });
   m_lookups[oid] = ContactLookup::kAbsent;
 }
 
-int HeadlessContacts::CountCalls(Opening step) const {
+int SimulatedContacts::CountCalls(Opening step) const {
   const auto calls = m_calls.find(step);
   return calls == m_calls.end() ? 0 : calls->second;
 }
 
-bool HeadlessContacts::Logon() {
+bool SimulatedContacts::Logon() {
   Logoff();
   if (!Succeeds(Opening::kLogon)) {
     return false;
@@ -78,9 +78,9 @@ bool HeadlessContacts::Logon() {
   return true;
 }
 
-std::int32_t HeadlessContacts::GetCount() { return static_cast<std::int32_t>(m_items.size()); }
+std::int32_t SimulatedContacts::GetCount() { return static_cast<std::int32_t>(m_items.size()); }
 
-platform::ContactItem HeadlessContacts::GetItem(std::int32_t index) {
+platform::ContactItem SimulatedContacts::GetItem(std::int32_t index) {
   if (index < 1 || index > GetCount()) {
     return {};
   }
@@ -88,8 +88,8 @@ platform::ContactItem HeadlessContacts::GetItem(std::int32_t index) {
   return {!item.fails, item.contact ? std::make_unique<LiveContact>(item.contact) : nullptr};
 }
 
-ContactLookup HeadlessContacts::GetItemFromOid(std::int32_t oid,
-                                               std::unique_ptr<platform::Contact>& contact) {
+ContactLookup SimulatedContacts::GetItemFromOid(std::int32_t oid,
+                                                std::unique_ptr<platform::Contact>& contact) {
   if (!m_isLoggedOn) {
     return ContactLookup::kFailed;
   }
@@ -110,12 +110,12 @@ ContactLookup HeadlessContacts::GetItemFromOid(std::int32_t oid,
   return ContactLookup::kFound;
 }
 
-void HeadlessContacts::Logoff() {
+void SimulatedContacts::Logoff() {
   m_items.clear();
   m_isLoggedOn = false;
 }
 
-bool HeadlessContacts::Succeeds(Opening step) {
+bool SimulatedContacts::Succeeds(Opening step) {
   ++m_calls[step];
   int& failures = m_failures[step];
   if (failures == 0) {
@@ -125,4 +125,4 @@ bool HeadlessContacts::Succeeds(Opening step) {
   return false;
 }
 
-}  // namespace headless
+}  // namespace machine

@@ -1,4 +1,4 @@
-#include "backends/headless/headless_wave_in.h"
+#include "tests/machine/simulated_wave_in.h"
 
 #include <algorithm>
 #include <span>
@@ -6,7 +6,7 @@
 
 #include "platform/wave_queue.h"
 
-namespace headless {
+namespace machine {
 namespace {
 
 using platform::WaveHeader;
@@ -106,19 +106,19 @@ class HeadlessDevice final : public platform::WaveInDevice {
 
 }  // namespace
 
-HeadlessWaveIn::HeadlessWaveIn(WaveInScript script) : m_script(std::move(script)) {}
+SimulatedWaveIn::SimulatedWaveIn(WaveInScript script) : m_script(std::move(script)) {}
 
-void HeadlessWaveIn::SetScript(WaveInScript script) {
+void SimulatedWaveIn::SetScript(WaveInScript script) {
   const std::lock_guard lock(m_mutex);
   m_script = std::move(script);
 }
 
-std::uint32_t HeadlessWaveIn::GetDeviceCount() {
+std::uint32_t SimulatedWaveIn::GetDeviceCount() {
   const std::lock_guard lock(m_mutex);
   return m_script.deviceCount;
 }
 
-platform::OpenedWaveIn HeadlessWaveIn::Open(const platform::WaveFormat& format) {
+platform::OpenedWaveIn SimulatedWaveIn::Open(const platform::WaveFormat& format) {
   const std::lock_guard lock(m_mutex);
   m_askedFormat = format;
   if (format.formatTag != platform::kFormatTagPcm) return {nullptr, WaveResult::kBadFormat};
@@ -127,11 +127,11 @@ platform::OpenedWaveIn HeadlessWaveIn::Open(const platform::WaveFormat& format) 
   return {std::make_unique<HeadlessDevice>(m_script, m_openDevices), WaveResult::kOk};
 }
 
-std::uint32_t HeadlessWaveIn::OpenDevices() const { return *m_openDevices; }
+std::uint32_t SimulatedWaveIn::OpenDevices() const { return *m_openDevices; }
 
-std::optional<platform::WaveFormat> HeadlessWaveIn::AskedFormat() const {
+std::optional<platform::WaveFormat> SimulatedWaveIn::AskedFormat() const {
   const std::lock_guard lock(m_mutex);
   return m_askedFormat;
 }
 
-}  // namespace headless
+}  // namespace machine

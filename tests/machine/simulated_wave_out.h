@@ -8,7 +8,7 @@
 
 #include "platform/wave_out.h"
 
-namespace headless {
+namespace machine {
 
 /// How a headless wave output behaves.
 struct WaveOutScript {
@@ -32,7 +32,7 @@ struct PlayedSound {
 };
 
 /// A wave output without a device, which keeps what it was given. It needs no time.
-class HeadlessWaveOut final : public platform::WaveOut {
+class SimulatedWaveOut final : public platform::WaveOut {
  public:
   /// Holds for devices opened from now on.
   void SetScript(const WaveOutScript& script);
@@ -44,7 +44,7 @@ class HeadlessWaveOut final : public platform::WaveOut {
   [[nodiscard]] int CountOpenDevices() const;
 
  private:
-  friend class HeadlessOutDevice;
+  friend class SimulatedOutDevice;
 
   /// Shared with the devices, which may outlive this.
   struct State {
@@ -58,4 +58,4 @@ class HeadlessWaveOut final : public platform::WaveOut {
   std::shared_ptr<State> m_state = std::make_shared<State>();
 };
 
-}  // namespace headless
+}  // namespace machine

@@ -1,10 +1,10 @@
-#include "backends/headless/simulation.h"
+#include "tests/machine/simulation.h"
 
 #include <system_error>
 #include <thread>
 #include <utility>
 
-namespace headless {
+namespace machine {
 namespace {
 
 using platform::ThreadStart;
@@ -106,4 +106,4 @@ platform::CreatedMutex Simulation::CreateNamedMutex(std::u16string_view name) {
   return MutexNames::Create(m_mutexNames, name);
 }
 
-}  // namespace headless
+}  // namespace machine

@@ -10,10 +10,10 @@
 
 #include "platform/contacts_store.h"
 
-namespace headless {
+namespace machine {
 
 /// One settable contact. Each of its getters can be made to fail.
-struct HeadlessContact {
+struct SimulatedContact {
   static constexpr std::size_t kNumberCount = 10;
 
   std::int32_t oid = 0;
@@ -39,7 +39,7 @@ struct HeadlessContact {
 };
 
 /// Contacts as they are set, with every failure that a real store can have.
-class HeadlessContacts final : public platform::ContactsStore {
+class SimulatedContacts final : public platform::ContactsStore {
  public:
   enum class Opening : std::uint8_t { kInitialize, kConnect, kLogon };
   static constexpr int kAlways = -1;
@@ -47,7 +47,7 @@ class HeadlessContacts final : public platform::ContactsStore {
   // The collection, in the order of these calls. What is added counts from the next log-on.
 
   /// The contact, which may be changed at any time: handed-out contacts show it.
-  HeadlessContact& Add(HeadlessContact contact);
+  SimulatedContact& Add(SimulatedContact contact);
   void AddNullContact();
   void AddFailingItem();
 
@@ -76,7 +76,7 @@ class HeadlessContacts final : public platform::ContactsStore {
  private:
   struct Item {
     bool fails = false;
-    std::shared_ptr<HeadlessContact> contact;
+    std::shared_ptr<SimulatedContact> contact;
   };
 
   [[nodiscard]] bool Succeeds(Opening step);
@@ -89,4 +89,4 @@ class HeadlessContacts final : public platform::ContactsStore {
   std::map<std::int32_t, platform::ContactLookup> m_lookups;
 };
 
-}  // namespace headless
+}  // namespace machine
