@@ -9,7 +9,8 @@ declare -A groups=(
   # To build and run the program.
   [build]='
     g++ cmake ninja-build pkg-config
-    libcli11-dev libebook-contacts1.2-dev libebook1.2-dev libexpected-dev libfmt-dev libicu-dev
+    libcli11-dev libebook-contacts1.2-dev libebook1.2-dev libexpected-dev libfmt-dev libglib2.0-dev
+    libicu-dev
     libpulse-dev
     nettle-dev
     fonts-wine librsvg2-bin libsqlite3-dev libudev-dev nlohmann-json3-dev qt6-base-dev qt6-svg-dev

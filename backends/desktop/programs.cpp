@@ -10,9 +10,10 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <span>
-
-#include "backends/desktop/pipe.h"
+#include <cstdlib>
+#include <optional>
+#include <string_view>
+#include <utility>
 
 namespace xdg {
 namespace {
@@ -20,7 +21,103 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-/// Pointers to the texts of a command, as exec takes them.
+std::string GetVariable(const char* name) {
+  // Read before there is a second thread.
+  const char* value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe)
+  return value == nullptr ? std::string() : std::string(value);
+}
+
+/// Returns the parts between colons that are absolute folders.
+std::vector<std::string> SplitFolders(std::string_view list) {
+  std::vector<std::string> folders;
+  while (!list.empty()) {
+    const std::size_t end = std::min(list.find(':'), list.size());
+    if (list.front() == '/') {
+      folders.emplace_back(list.substr(0, end));
+    }
+    list.remove_prefix(std::min(end + 1, list.size()));
+  }
+  return folders;
+}
+
+std::vector<std::string> FindDataFolders() {
+  std::vector<std::string> folders = SplitFolders(GetVariable("XDG_DATA_HOME"));
+  if (folders.empty()) {
+    if (const std::string home = GetVariable("HOME"); home.starts_with('/')) {
+      folders.push_back(home + "/.local/share");
+    }
+  }
+  std::string shared = GetVariable("XDG_DATA_DIRS");
+  if (shared.empty()) {
+    shared = "/usr/local/share:/usr/share";
+  }
+  for (std::string& folder : SplitFolders(shared)) {
+    folders.push_back(std::move(folder));
+  }
+  return folders;
+}
+
+/// "de_AT.UTF-8" gives "de_AT" and "de"; the languages "C" and "POSIX" are none.
+std::vector<std::string> FindLanguages() {
+  std::string locale;
+  for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+    locale = GetVariable(name);
+    if (!locale.empty()) {
+      break;
+    }
+  }
+  locale = locale.substr(0, locale.find_first_of(".@"));
+  if (locale.empty() || locale == "C" || locale == "POSIX" ||
+      locale.find('/') != std::string::npos) {
+    return {};
+  }
+  std::vector<std::string> languages{locale};
+  if (const std::size_t country = locale.find('_'); country != std::string::npos) {
+    languages.push_back(locale.substr(0, country));
+  }
+  return languages;
+}
+
+/// One end of a pipe, closed when it goes out of scope.
+class PipeEnd {
+ public:
+  explicit PipeEnd(int descriptor) : m_descriptor(descriptor) {}
+  PipeEnd(PipeEnd&& other) noexcept : m_descriptor(std::exchange(other.m_descriptor, kNone)) {}
+  PipeEnd(const PipeEnd&) = delete;
+  PipeEnd& operator=(const PipeEnd&) = delete;
+  PipeEnd& operator=(PipeEnd&&) = delete;
+  ~PipeEnd() { Close(); }
+
+  [[nodiscard]] int Get() const { return m_descriptor; }
+
+  void Close() {
+    const int descriptor = std::exchange(m_descriptor, kNone);
+    if (descriptor != kNone) {
+      ::close(descriptor);
+    }
+  }
+
+ private:
+  static constexpr int kNone = -1;
+
+  int m_descriptor;
+};
+
+struct Pipe {
+  PipeEnd read;
+  PipeEnd write;
+
+  /// Returns a pipe that no other program inherits. Returns nothing if the system has none to give.
+  [[nodiscard]] static std::optional<Pipe> Make() {
+    std::array<int, 2> ends{};
+    if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
+      return std::nullopt;
+    }
+    return Pipe{PipeEnd(ends[0]), PipeEnd(ends[1])};
+  }
+};
+
+/// Returns pointers to the texts of a command, as exec takes them.
 std::vector<char*> PointersOf(Command& command) {
   std::vector<char*> pointers;
   pointers.reserve(command.size() + 1);
@@ -31,18 +128,26 @@ std::vector<char*> PointersOf(Command& command) {
   return pointers;
 }
 
-// From here on, what runs between fork and exec: only calls that are safe there, and no memory
-// taken, since another thread may have held the lock of the heap.
+// A program is started by two forks. This process waits for the first child, which ends at once; so
+// the second child belongs to nobody here, and neither does the program. The second child stays and
+// watches the program. It writes one byte into a pipe when the program ends: that is how a failure
+// shows although the program is not our child.
+//
+// What follows runs between fork and exec. It makes only calls that are safe there and takes no
+// memory, since another thread may have held the lock of the heap.
 
-/// Where the descriptor is kept that the new process reports by.
+/// The descriptor by which the watching process reports.
 constexpr int kReport = 3;
 
-[[noreturn]] void Exec(const char* program, char* const* arguments, int output) {
-  // What is given up here goes with the process where something fails.
+void GiveUpStandardStreams() {
   const int nothing = ::open("/dev/null", O_RDWR);
-  ::dup2(nothing, STDIN_FILENO);
-  ::dup2(output >= 0 ? output : nothing, STDOUT_FILENO);
-  ::dup2(nothing, STDERR_FILENO);
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    ::dup2(nothing, stream);
+  }
+}
+
+[[noreturn]] void Exec(const char* program, char* const* arguments) {
+  GiveUpStandardStreams();
   ::close_range(kReport, ~0U, 0);
   sigset_t none{};
   ::sigemptyset(&none);
@@ -51,21 +156,17 @@ constexpr int kReport = 3;
   ::_exit(127);
 }
 
-/// The process between this one and the program: waits for the program, says by one byte how it
-/// ended, and goes.
+/// The watching process: starts the program, waits for its end and reports how it ended.
 [[noreturn]] void Watch(const char* program, char* const* arguments, int report) {
   ::setsid();
   const pid_t child = ::fork();
   if (child == 0) {
-    Exec(program, arguments, -1);
+    Exec(program, arguments);
   }
   ::dup2(report, kReport);
   ::close_range(kReport + 1, ~0U, 0);
-  // The standard streams as well: whoever reads them from us must not wait for the program.
-  const int nothing = ::open("/dev/null", O_RDWR);
-  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-    ::dup2(nothing, stream);
-  }
+  // A program that reads the standard streams from us must not wait for this process.
+  GiveUpStandardStreams();
   int status = 0;
   bool isWell = child > 0;
   if (isWell) {
@@ -78,9 +179,9 @@ constexpr int kReport = 3;
   ::_exit(0);
 }
 
-// To here.
+// Here it ends.
 
-/// Waits until something can be read, or `end`.
+/// Waits until something can be read, but no longer than to `end`. Returns whether it can.
 bool AwaitInput(int descriptor, steady_clock::time_point end) {
   while (true) {
     const auto left = std::chrono::duration_cast<milliseconds>(end - steady_clock::now()).count();
@@ -92,41 +193,30 @@ bool AwaitInput(int descriptor, steady_clock::time_point end) {
   }
 }
 
-/// One read, without a word of interruptions.
-ssize_t ReadSome(int descriptor, std::span<char> into) {
+void AwaitEnd(pid_t child) {
+  while (::waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
+  }
+}
+
+/// Reads the report of the watching process. Returns whether it says that all is well.
+bool ReadReport(int descriptor) {
+  char report = '0';
   ssize_t length = -1;
   do {
-    length = ::read(descriptor, into.data(), into.size());
+    length = ::read(descriptor, &report, 1);
   } while (length < 0 && errno == EINTR);
-  return length;
-}
-
-/// The end of a process of ours; whether it did what it was to.
-bool Reap(pid_t child) {
-  int status = 0;
-  while (::waitpid(child, &status, 0) < 0) {
-    if (errno != EINTR) {
-      return false;
-    }
-  }
-  return WIFEXITED(status) && WEXITSTATUS(status) == 0;
-}
-
-/// Everything up to the end of the output or `end`; whether that end was seen.
-bool ReadAll(int descriptor, steady_clock::time_point end, std::string& output) {
-  constexpr std::size_t kMaxLength = 4096;
-  std::array<char, 512> buffer{};
-  while (output.size() < kMaxLength && AwaitInput(descriptor, end)) {
-    const ssize_t length = ReadSome(descriptor, buffer);
-    if (length <= 0) {
-      return length == 0;
-    }
-    output.append(buffer.data(), static_cast<std::size_t>(length));
-  }
-  return false;
+  return length == 1 && report == '1';
 }
 
 }  // namespace
+
+Environment ReadEnvironment() {
+  std::string path = GetVariable("PATH");
+  if (path.empty()) {
+    path = "/usr/local/bin:/usr/bin:/bin";
+  }
+  return {SplitFolders(path), FindDataFolders(), FindLanguages(), GetVariable("BROWSER")};
+}
 
 std::string FindProgram(const Environment& environment, const std::string& name) {
   const auto canRun = [](const std::string& path) {
@@ -153,57 +243,22 @@ bool StartDetached(const Environment& environment, const Command& command, milli
   if (!pipe) {
     return false;
   }
-  Command copy = command;
+  Command copy = command;  // exec takes texts that it may change.
   const std::vector<char*> arguments = PointersOf(copy);
   const pid_t between = ::fork();
   if (between < 0) {
     return false;
   }
   if (between == 0) {
-    // This process ends at once, so that the next one, and with it the program, is not ours to
-    // wait for.
     if (::fork() == 0) {
       Watch(program.c_str(), arguments.data(), pipe->write.Get());
     }
     ::_exit(0);
   }
   pipe->write.Close();
-  Reap(between);
-  std::array<char, 1> report{'1'};
-  if (!AwaitInput(pipe->read.Get(), steady_clock::now() + patience)) {
-    return true;
-  }
-  return ReadSome(pipe->read.Get(), report) == 1 && report.front() == '1';
-}
-
-std::optional<std::string> ReadLine(const Environment& environment, const Command& command,
-                                    milliseconds patience) {
-  const std::string program =
-      command.empty() ? std::string() : FindProgram(environment, command.front());
-  std::optional<Pipe> pipe = program.empty() ? std::nullopt : Pipe::Make();
-  if (!pipe) {
-    return std::nullopt;
-  }
-  Command copy = command;
-  const std::vector<char*> arguments = PointersOf(copy);
-  const pid_t child = ::fork();
-  if (child < 0) {
-    return std::nullopt;
-  }
-  if (child == 0) {
-    ::setsid();
-    Exec(program.c_str(), arguments.data(), pipe->write.Get());
-  }
-  pipe->write.Close();
-  std::string output;
-  const bool isComplete = ReadAll(pipe->read.Get(), steady_clock::now() + patience, output);
-  if (!isComplete) {
-    ::kill(-child, SIGKILL);
-    ::kill(child, SIGKILL);
-  }
-  const bool isWell = Reap(child) && isComplete;
-  output.resize(std::min(output.find('\n'), output.size()));
-  return isWell && !output.empty() ? std::optional(output) : std::nullopt;
+  AwaitEnd(between);
+  return !AwaitInput(pipe->read.Get(), steady_clock::now() + patience) ||
+         ReadReport(pipe->read.Get());
 }
 
 }  // namespace xdg

@@ -1,33 +1,35 @@
 #pragma once
 
 #include <chrono>
-#include <optional>
 #include <string>
 #include <vector>
 
-#include "backends/desktop/environment.h"
-
 namespace xdg {
+
+/// What the environment of the process says about the user's programs.
+struct Environment {
+  std::vector<std::string> programFolders;  ///< Where programs are looked for, best first.
+  std::vector<std::string> dataFolders;     ///< Where programs keep their data, best first.
+  std::vector<std::string> languages;  ///< Of the user's texts, best first, as "pt_BR" or "de".
+  std::string browsers;                ///< $BROWSER: commands with colons between them.
+};
+
+/// Is called before there is a second thread.
+[[nodiscard]] Environment ReadEnvironment();
 
 /// A program and its arguments, the program's own name first.
 using Command = std::vector<std::string>;
 
-/// Path of a program that can be run: `name` itself where it has a slash, else looked for. Empty
-/// where there is none.
+/// Returns the path of a program that can be run: `name` itself if it has a slash, else the first
+/// one in the program folders. Returns an empty path if there is none.
 [[nodiscard]] std::string FindProgram(const Environment& environment, const std::string& name);
 
 /// Starts a program that then has nothing to do with this one: no shell between them, a session of
 /// its own, no standard streams, no descriptors of ours, and nobody here who has to wait for it.
 ///
-/// Watches it for at most `patience`: false where it could not be started, or failed within that
-/// time; one that still runs is well.
+/// Watches it for at most `patience`. Returns false if it could not be started, or if it failed
+/// within that time. A program that still runs then counts as well.
 [[nodiscard]] bool StartDetached(const Environment& environment, const Command& command,
                                  std::chrono::milliseconds patience);
-
-/// What a program prints, without the line's end; nothing where it fails, says nothing, or takes
-/// longer than `patience`, in which case it is killed.
-[[nodiscard]] std::optional<std::string> ReadLine(const Environment& environment,
-                                                  const Command& command,
-                                                  std::chrono::milliseconds patience);
 
 }  // namespace xdg

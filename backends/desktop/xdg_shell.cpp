@@ -1,5 +1,7 @@
 #include "backends/desktop/xdg_shell.h"
 
+#include <filesystem>
+#include <system_error>
 #include <utility>
 
 #include "backends/desktop/browsers.h"
@@ -9,17 +11,72 @@
 namespace xdg {
 namespace {
 
-// The device's own programs.
+// The names of the device's own programs, as the pages call them.
 constexpr std::u16string_view kHelpViewer = u"peghelp.exe";
 constexpr std::u16string_view kBrowser = u"iexplore.exe";
 constexpr std::u16string_view kOpenVerb = u"open";
 
-/// Whether this is the address of a site. Anything else could be an option of the browser.
+bool IsFile(const std::string& path) {
+  std::error_code ignored;
+  return std::filesystem::is_regular_file(path, ignored);
+}
+
+/// Returns whether an address shows the byte as it is, in a path or after it.
+bool IsPlain(char byte) {
+  return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') ||
+         (byte >= '0' && byte <= '9') ||
+         std::string_view("-._~/").find(byte) != std::string_view::npos;
+}
+
+std::string Escape(std::string_view text) {
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  std::string escaped;
+  for (const char byte : text) {
+    if (IsPlain(byte)) {
+      escaped += byte;
+    } else {
+      const auto value = static_cast<unsigned char>(byte);
+      escaped += '%';
+      escaped += kDigits[value >> 4U];
+      escaped += kDigits[value & 0xFU];
+    }
+  }
+  return escaped;
+}
+
+/// Returns whether this is the address of a site. Anything else could be an option of the browser.
 bool IsSite(std::string_view address) {
   return address.starts_with("https://") || address.starts_with("http://");
 }
 
 }  // namespace
+
+std::string HelpPage::GetUrl() const {
+  return "file://" + Escape(path) + (anchor.empty() ? "" : "#" + Escape(anchor));
+}
+
+HelpPage HelpFolders::Find(std::string_view address) const {
+  constexpr std::string_view kScheme = "file:";
+  if (address.starts_with(kScheme)) {
+    address.remove_prefix(kScheme.size());
+  }
+  const std::size_t hash = address.find('#');
+  const std::string name(address.substr(0, hash));
+  const std::string anchor(hash == std::string_view::npos ? "" : address.substr(hash + 1));
+  for (const std::string& folder : folders) {
+    for (const std::string& language : languages) {
+      std::string path = folder;
+      path.append("/").append(language).append("/").append(name);
+      if (IsFile(path)) {
+        return {path, anchor};
+      }
+    }
+    if (std::string path = folder + "/" + name; IsFile(path)) {
+      return {path, anchor};
+    }
+  }
+  return {folders.empty() ? "/" + name : folders.front() + "/" + name, anchor};
+}
 
 XdgShell::XdgShell(platform::Threads& threads, Options options)
     : m_threads(threads),
@@ -46,7 +103,7 @@ void XdgShell::Execute(std::u16string_view verb, std::u16string_view file,
 }
 
 void XdgShell::Open(std::string url, std::string shownName) {
-  // Those that are done go; who waits for the rest is the destructor.
+  // Threads that have ended go. The destructor waits for the rest.
   std::erase_if(m_running, [](const std::unique_ptr<platform::Thread>& thread) {
     return thread->Wait(0) == platform::WaitResult::kSignalled;
   });

@@ -7,19 +7,38 @@
 #include <string_view>
 #include <vector>
 
-#include "backends/desktop/environment.h"
-#include "backends/desktop/help_pages.h"
+#include "backends/desktop/programs.h"
 #include "platform/shell.h"
 #include "platform/threads.h"
 
 namespace xdg {
 
-/// Tells the user something in a few words. Called on a thread of the shell.
+/// A help page on the disk, and a place within it.
+struct HelpPage {
+  std::string path;
+  std::string anchor;  ///< Empty: the page's beginning.
+
+  /// Returns the page's address for a browser.
+  [[nodiscard]] std::string GetUrl() const;
+};
+
+/// The folders with help pages, best first. Pages in another language than the program's own lie in
+/// a folder below, which is named by the language.
+struct HelpFolders {
+  std::vector<std::string> folders;
+  std::vector<std::string> languages;  ///< Of the user, best first.
+
+  /// Returns the page that a help viewer's "file:NAME#anchor" means. If there is no such page,
+  /// returns the one that should be there.
+  [[nodiscard]] HelpPage Find(std::string_view address) const;
+};
+
+/// Says something to the user in a few words. Called on a thread of the shell.
 using Tell = std::function<void(std::u16string_view text)>;
 
-/// The device's help viewer and browser on a Linux desktop: both are the user's browser, which gets
-/// the place within a page, too. What may take a moment is done on threads of its own, which end
-/// with the shell.
+/// The device's help viewer and browser on a Linux desktop. Both are the user's browser, which gets
+/// the place within the page, too. What may take a moment is done on threads of the shell's own,
+/// and the destructor waits for them.
 class XdgShell final : public platform::Shell {
  public:
   struct Options {

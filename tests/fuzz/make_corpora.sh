@@ -8,12 +8,11 @@ cd "$(dirname "$0")"
 
 wave=corpora/fuzz_wave_file
 template=corpora/fuzz_template_file
-desktop=corpora/fuzz_desktop_entry
 sound=corpora/fuzz_sound_file
 talk=corpora/fuzz_panel_talk
 database=corpora/fuzz_registry_database
-mkdir -p $wave $template $desktop $sound $talk $database
-find $wave $template $desktop $sound $talk $database -type f ! -name 'found_*' -delete
+mkdir -p $wave $template $sound $talk $database
+find $wave $template $sound $talk $database -type f ! -name 'found_*' -delete
 
 zeros() { # BYTES
   head -c "$1" /dev/zero
@@ -105,18 +104,6 @@ stored 65535 0 >$template/most_frames_and_no_values
 { stored 2 0 && for bits in 0x7fc00000 0x7f800000 0xff800000 0x00000001 0x80000000 \
   0x7f7fffff 0x7fa00000 0xff7fffff 0 0x3f800000; do little_endian 4 $((bits)); done; } \
   >$template/odd_floats
-
-entry() { # EXEC: a desktop file with that command
-  printf '[Desktop Entry]\nType=Application\nName=Fox\nExec=%s\nTerminal=false\n' "$1"
-}
-entry 'fox %u' >$desktop/address
-entry 'fox --url=%F -- %% %i %c' >$desktop/codes
-entry '"/opt/a b/fox" "x\\"y\\$" "" @@u %U @@' >$desktop/quotes
-entry 'fox\s--new\\\\n' >$desktop/escapes
-entry 'fox "%u' >$desktop/open_quote
-entry '%u' >$desktop/address_alone
-entry '%i' >$desktop/nothing_left
-{ entry '' && printf '[Desktop Action New]\nExec=fox %%u\n\r\nTerminal = true'; } >$desktop/groups
 
 sound_file() { # CHANNELS BITS RATE SAMPLES
   local block=$(($1 * $2 / 8))

@@ -84,25 +84,4 @@ TEST_F(Programs, InheritNoDescriptorAndAreNotOursToWaitFor) {
   EXPECT_EQ(errno, ECHILD);
 }
 
-TEST_F(Programs, AnswerWithTheirFirstLine) {
-  PutAnswer("tool", "first\nsecond");
-  EXPECT_EQ(xdg::ReadLine(m_environment, {"tool"}, kLong), "first");
-}
-
-TEST_F(Programs, ThatFailOrSayNothingGiveNoAnswer) {
-  PutProgram("tool", "printf 'x\\n'; exit 1");
-  EXPECT_EQ(xdg::ReadLine(m_environment, {"tool"}, kLong), std::nullopt);
-  PutProgram("tool");
-  EXPECT_EQ(xdg::ReadLine(m_environment, {"tool"}, kLong), std::nullopt);
-  EXPECT_EQ(xdg::ReadLine(m_environment, {"missing"}, kLong), std::nullopt);
-}
-
-TEST_F(Programs, ThatTakeTooLongAreKilled) {
-  ASSERT_EQ(::mkfifo(Path("gate").c_str(), 0600), 0);
-  PutProgram("tool", "read x <'" + Path("gate") + "'");  // For ever.
-  EXPECT_EQ(xdg::ReadLine(m_environment, {"tool"}, std::chrono::milliseconds(0)), std::nullopt);
-  EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1);
-  EXPECT_EQ(errno, ECHILD);
-}
-
 }  // namespace
