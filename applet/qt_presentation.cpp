@@ -6,10 +6,8 @@
 
 #include "applet/no_window.h"
 #include "backends/qt/host/host_application.h"
-#include "backends/qt/qt_clock.h"
-#include "backends/qt/qt_threads.h"
-#include "backends/qt/qt_ui.h"
 #include "backends/qt/ui_thread.h"
+#include "backends/qt/qt_ui.h"
 #include "resources/pictures.h"
 #include "resources/strings.h"
 

@@ -2,16 +2,13 @@
 
 #include <utility>
 
+#include "framework/dialog.h"
+
 namespace headless {
 
 using platform::MessageAnswer;
 using platform::MessageBox;
 using platform::MessageCaption;
-
-namespace {
-/// What a dialog returns that the user closed.
-constexpr int kClosedByUser = 2;
-}  // namespace
 
 HeadlessUi::HeadlessUi(std::u16string applicationName, platform::Threads* threads)
     : m_applicationName(std::move(applicationName)), m_threads(threads) {}
@@ -82,7 +79,7 @@ int HeadlessUi::RunDialog(const resources::DialogTemplate& dialog,
   if (!window.GetResult()) {
     window.Close();
   }
-  return window.GetResult().value_or(kClosedByUser);
+  return window.GetResult().value_or(framework::kIdCancel);
 }
 
 bool HeadlessUi::RunSheet(std::u16string_view caption, std::span<const platform::SheetPage> pages,

@@ -1,23 +1,32 @@
 #include "backends/qt/control.h"
 
+#include <QCheckBox>
+#include <QCompleter>
 #include <QFontMetrics>
 #include <QGroupBox>
+#include <QPushButton>
 #include <QStyle>
 #include <QStyleOptionButton>
 #include <QVariant>
 #include <algorithm>
 
-#include "backends/qt/mnemonics.h"
+#include "backends/qt/look.h"
 #include "backends/qt/strings.h"
+#include "backends/qt/widgets.h"
+#include "platform/dialog.h"
 
 namespace qt {
 namespace {
 
-/// Between a button's edge and its text, in pixels of the desktop.
+/// The distance between a button's edge and its text, in pixels of the desktop.
 constexpr int kButtonMargin = 6;
 constexpr double kSmallestLetters = 0.75;
-/// Keeps the font that a control was given while it shows a smaller one.
+/// The property that keeps the given font of a control while it shows a smaller one.
 constexpr const char* kGivenFont = "givenFont";
+
+// Texts come from language files, and their length is unknown. A label grows into the free room on
+// its right. Buttons take smaller letters, all of one size, down to a limit. What is still too long
+// is cut off, and the tool tip shows the whole text.
 
 void FitLabel(Control& control, const QString& text) {
   const int wanted = control.label->fontMetrics().horizontalAdvance(text) + 1;
@@ -27,19 +36,19 @@ void FitLabel(Control& control, const QString& text) {
   }
   const QString hidden = wanted > given ? text : QString();
   control.label->setToolTip(AsToolTip(hidden));
-  // Else a screen reader would be given the tool tip with its marks.
+  // Without a description a screen reader would read the tool tip with its marks.
   control.label->setAccessibleDescription(hidden);
 }
 
 void ShowLabel(Control& control, const QString& text) {
-  // A label takes "&" for a mark only where it names another control.
+  // A label takes "&" for a mark only if it names another control.
   control.label->setText(control.label->buddy() == nullptr ? text : WithoutMnemonic(text));
   FitLabel(control, text);
 }
 
 [[nodiscard]] int RoomForText(const Control& control) {
   if (IsCheckBox(control)) {
-    // What the style leaves of the width beside the box, as it reckons the width for a text.
+    // The width that the style leaves next to the box, by the same sum that it does for a text.
     QStyleOptionButton option;
     option.initFrom(control.widget);
     option.text = QStringLiteral("x");
@@ -51,7 +60,7 @@ void ShowLabel(Control& control, const QString& text) {
   return control.widget->width() - 2 * kButtonMargin;
 }
 
-/// As the button was given it, whatever it shows its text in now.
+/// Returns the font that the button was given, whatever font shows its text now.
 [[nodiscard]] QFont GivenFont(const QAbstractButton& button) {
   const QVariant given = button.property(kGivenFont);
   return given.isValid() ? given.value<QFont>() : button.font();
@@ -73,7 +82,7 @@ void ShowButton(Control& control, const QString& text) {
   const QString hidden = fits ? QString() : text;
   button.setToolTip(AsToolTip(hidden));
   button.setAccessibleName(hidden);
-  // Else a screen reader would be given the tool tip with its marks.
+  // Without a description a screen reader would read the tool tip with its marks.
   button.setAccessibleDescription(hidden);
 }
 
@@ -116,6 +125,115 @@ void ShowText(Control& control) {
 
 QString GetShownText(const Control& control) {
   return ToQString(control.items ? control.items->GetField() : control.text);
+}
+
+namespace {
+
+using resources::ControlKind;
+using resources::ControlTemplate;
+
+/// A template gives the size of a combo box with its open list. A closed one is as high as a
+/// button.
+constexpr int kClosedComboUnits = 13;
+constexpr int kFewestLines = 4;
+/// Some capitals with an accent are higher than the line of their font, and a line may be higher
+/// than its place. So that nothing is cut off, a label has this much more room above and below, in
+/// pixels of the desktop.
+constexpr int kAccentRoom = 4;
+
+[[nodiscard]] QRect PlaceOf(const ControlTemplate& description) {
+  return ToDesktop(platform::ToPixels(description.rect));
+}
+
+void MakeLabel(Control& control, QWidget& surface) {
+  control.label = new QLabel(&surface);
+  control.label->setTextFormat(Qt::PlainText);
+  const bool isCentered = control.description.kind == ControlKind::kCenteredStatic;
+  control.label->setAlignment((isCentered ? Qt::AlignHCenter : Qt::AlignLeft) | Qt::AlignTop);
+  control.widget = control.label;
+}
+
+void MakeCombo(Control& control, QWidget& surface) {
+  control.combo = new ComboBox(&surface);
+  control.widget = control.combo;
+  if (control.description.kind == ControlKind::kEditableComboBox) {
+    control.combo->setEditable(true);
+    control.combo->setCompleter(nullptr);
+  }
+}
+
+void MakeList(Control& control, QWidget& surface) {
+  control.list = new ListBox(&surface);
+  control.widget = control.list;
+}
+
+void SetButton(Control& control, QAbstractButton* button) {
+  control.button = button;
+  control.widget = button;
+}
+
+void MakeWidget(Control& control, QWidget& surface, Pictures& pictures) {
+  switch (control.description.kind) {
+    case ControlKind::kStatic:
+    case ControlKind::kCenteredStatic:
+      return MakeLabel(control, surface);
+    case ControlKind::kComboBox:
+    case ControlKind::kSortedComboBox:
+    case ControlKind::kEditableComboBox:
+      return MakeCombo(control, surface);
+    case ControlKind::kListBox:
+      return MakeList(control, surface);
+    case ControlKind::kPushButton:
+    case ControlKind::kDefaultPushButton: {
+      auto* button = new QPushButton(&surface);
+      button->setAutoDefault(true);
+      return SetButton(control, button);
+    }
+    case ControlKind::kCheckBox:
+      return SetButton(control, new QCheckBox(&surface));
+    case ControlKind::kPicture:
+      return SetButton(control, new PictureButton(&surface, pictures, control.description.id));
+    case ControlKind::kGroupBox:
+      control.widget = new QGroupBox(&surface);
+      control.widget->lower();
+      return;
+  }
+}
+
+void Place(Control& control, Pictures& pictures) {
+  QRect place = PlaceOf(control.description);
+  if (control.combo != nullptr) {
+    const int dropped = place.height();
+    place.setHeight(ToDesktop(platform::ToPixels({0, 0, 0, kClosedComboUnits}).Height()));
+    const int line = std::max(1, control.combo->fontMetrics().height() + 2);
+    control.combo->setMaxVisibleItems(std::max(kFewestLines, (dropped - place.height()) / line));
+  } else if (control.description.kind == ControlKind::kPicture) {
+    const QSizeF size = pictures.GetSize(control.description.id) * kScale;
+    place.setSize(size.isEmpty() ? place.size() : size.toSize());
+  }
+  control.room = place.width();
+  if (control.label != nullptr) {
+    control.label->setContentsMargins(0, kAccentRoom, 0, 0);
+    place.adjust(0, -kAccentRoom, 0, kAccentRoom);
+  }
+  control.widget->setGeometry(place);
+}
+
+}  // namespace
+
+Control MakeControl(const ControlTemplate& description, QWidget& surface, Pictures& pictures) {
+  Control control{.description = description, .text = std::u16string(description.text)};
+  if (framework::ItemList::IsFor(description.kind)) {
+    control.items.emplace(description.kind, description.text);
+  }
+  MakeWidget(control, surface, pictures);
+  Place(control, pictures);
+  if (description.id != resources::kNoControlId) {
+    control.widget->setObjectName(QString::number(description.id));
+  }
+  control.widget->setEnabled(description.isEnabled);
+  control.widget->setVisible(description.isVisible);
+  return control;
 }
 
 }  // namespace qt

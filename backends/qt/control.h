@@ -6,15 +6,15 @@
 #include <optional>
 #include <string>
 
-#include "backends/qt/combo_box.h"
-#include "backends/qt/list_box.h"
+#include "backends/qt/qt_canvas.h"
+#include "backends/qt/widgets.h"
 #include "framework/item_list.h"
 #include "resources/dialog_template.h"
 
 namespace qt {
 
-/// One control of a dialog. The widget is a child of the dialog's surface; of the typed pointers
-/// the one that fits it is set.
+/// One control of a dialog. The widget is a child of the dialog's surface. Of the typed pointers,
+/// the one that fits the widget is set.
 struct Control {
   resources::ControlTemplate description;
   std::u16string text;  ///< As the page knows it; the widget may show it shortened or escaped.
@@ -24,10 +24,11 @@ struct Control {
   ListBox* list = nullptr;
   QAbstractButton* button = nullptr;
   QLabel* label = nullptr;
-  QLabel* spoken = nullptr;  ///< Of a control without a label to see: one that is only read out.
+  QLabel* spoken =
+      nullptr;  ///< Of a control without a visible label: a label that is only read out.
   int letters =
       0;  ///< Size of a button's or check box's letters, in pixels of the desktop; 0: as given.
-  int room = 0;  ///< How wide a label may become to show a longer text, in pixels of the desktop.
+  int room = 0;  ///< How wide a label may become for a longer text, in pixels of the desktop.
   std::optional<qsizetype> mnemonic = std::nullopt;  ///< Place in the text.
   int horizontalExtent = 0;
 };
@@ -36,14 +37,20 @@ struct Control {
 
 [[nodiscard]] bool IsCheckBox(const Control& control);
 
-/// The size of letters, the given one or a smaller one, in which the text of a push button or a
-/// check box fits.
+/// Returns the size of letters in which the text of a push button or a check box fits: the given
+/// size or a smaller one.
 [[nodiscard]] int FittingLetters(const Control& control);
 
-/// Has the widget show the control's text: a label as wide as it has room, a button in its letters.
+/// Shows the control's text in its widget. A label becomes as wide as it has room; a button uses
+/// letters of its size.
 void ShowText(Control& control);
 
-/// What the user reads in the control: of a combo box what is chosen.
+/// Returns the text that the user reads in the control. Of a combo box this is the text of its
+/// field.
 [[nodiscard]] QString GetShownText(const Control& control);
+
+/// Makes the widget of a control: a child of `surface`, at its place.
+[[nodiscard]] Control MakeControl(const resources::ControlTemplate& description, QWidget& surface,
+                                  Pictures& pictures);
 
 }  // namespace qt

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <vector>
 
-#include "backends/qt/mnemonics.h"
 #include "backends/qt/strings.h"
 
 namespace qt {
@@ -22,8 +21,8 @@ using resources::ControlKind;
   return id == resources::kNoControlId || found == controls.end() ? nullptr : &*found;
 }
 
-/// On some desktops a combo box is called what is chosen in it, and only a label tied to it says
-/// what it is for.
+/// Some desktops call a combo box by the item that is chosen in it. Only a label tied to it says
+/// what the box is for.
 void MakeSpokenLabel(Control& control) {
   control.spoken = new QLabel(control.widget->parentWidget());
   control.spoken->setTextFormat(Qt::PlainText);
@@ -31,7 +30,7 @@ void MakeSpokenLabel(Control& control) {
   control.spoken->setBuddy(control.widget);
 }
 
-/// Of those that can be seen: letters of one size, in which all of their texts fit.
+/// Gives the visible ones letters of one size, in which all their texts fit, and returns them.
 [[nodiscard]] std::vector<Control*> GiveOneSize(std::list<Control>& controls,
                                                 bool (*isOne)(const Control&)) {
   std::vector<Control*> alike;

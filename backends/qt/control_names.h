@@ -7,18 +7,19 @@
 
 namespace qt {
 
-// What a screen reader calls the controls, in the words that the page shows anyhow, so that it
-// speaks every language that the page does.
+// The names by which a screen reader calls the controls. They are made of the words that the page
+// shows, so they are in the page's language.
 
-/// Ties each label to the control that it stands before. Once, when all controls are there.
+/// Ties each label to the control that follows it. Call this once, when all controls exist.
 void TieLabels(std::list<Control>& controls);
 
-/// Names what has neither a text nor a label of its own: by the control that its template says, by
-/// the frame it begins, or by the dialog. Whenever a text or a choice has changed.
+/// Names the controls that have neither a text nor a label of their own: after the control that the
+/// template gives, after the frame that they begin, or after the dialog. Call this whenever a text
+/// or a choice has changed.
 void NameControls(std::list<Control>& controls, const QString& caption);
 
-/// Gives the push buttons that can be seen their mnemonics, and letters of one size, in which all
-/// of their texts fit; the check boxes letters of one size likewise. Whenever the text of one has
+/// Gives the visible push buttons their mnemonics, and letters of one size, in which all their
+/// texts fit. Gives the check boxes letters of one size too. Call this whenever a text of these has
 /// changed.
 void ShowButtons(std::list<Control>& controls);
 

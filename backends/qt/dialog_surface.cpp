@@ -5,10 +5,8 @@
 #include <QPainter>
 #include <optional>
 
-#include "backends/qt/fonts.h"
 #include "backends/qt/look.h"
 #include "backends/qt/qt_canvas.h"
-#include "backends/qt/scale.h"
 #include "platform/dialog.h"
 
 namespace qt {
@@ -71,14 +69,14 @@ void DialogSurface::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
   QtCanvas canvas(painter, m_client, m_pictures);
   m_handler.OnPaint(canvas);
-  // A screen reader finds here what is painted and no text of a control.
+  // A screen reader finds here the painted texts, which are no texts of a control.
   if (const QString told = canvas.GetTexts().join(u'\n'); told != accessibleDescription()) {
     setAccessibleDescription(told);
   }
 }
 
 void DialogSurface::mousePressEvent(QMouseEvent* event) {
-  // Controls that are disabled let a press through to what lies under them.
+  // A disabled control lets a press through to the surface under it.
   const bool isBeside = childAt(event->position().toPoint()) == nullptr;
   if (event->button() == Qt::LeftButton && isBeside && onPress) {
     onPress(ToDevice(event->position()));

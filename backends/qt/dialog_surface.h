@@ -3,13 +3,13 @@
 #include <QWidget>
 #include <functional>
 
-#include "backends/qt/pictures.h"
+#include "backends/qt/qt_canvas.h"
 #include "platform/dialog.h"
 #include "resources/dialog_template.h"
 
 namespace qt {
 
-/// What a dialog's controls stand on and its handler paints on. It has a size that does not change.
+/// The area on which a dialog's controls stand and its handler paints. Its size does not change.
 class DialogSurface final : public QWidget {
  public:
   using PressKey = std::function<bool(int control, resources::Key key)>;
@@ -17,10 +17,11 @@ class DialogSurface final : public QWidget {
   DialogSurface(const resources::DialogTemplate& dialog, platform::DialogHandler& handler,
                 Pictures& pictures, QWidget* parent);
 
-  /// Called where a key goes down in a control, which then never hears of it if that returns true.
+  /// Makes `press` be called when a key goes down in the control. If it returns true, the control
+  /// never gets that key.
   void WatchKeys(QWidget& control, int id, const PressKey& press);
 
-  /// Called with the place of a press of the main button beside all controls.
+  /// Is called with the place of a press of the main mouse button outside all controls.
   std::function<void(platform::Point)> onPress;
 
  protected:

@@ -19,7 +19,7 @@ void Frame::Run() {
   m_loop = &loop;
   show();
   loop.exec();
-  // The loop ends early where the application is told to quit; the user still has to answer.
+  // The loop ends early if the application has to quit. The user still has to answer.
   while (!m_isOver) {
     loop.processEvents(QEventLoop::WaitForMoreEvents);
   }

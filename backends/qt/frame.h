@@ -11,18 +11,18 @@ class Frame : public QDialog {
  public:
   explicit Frame(QWidget* parent);
 
-  /// Shows the window and serves it until it is over; not at all where it is over already.
+  /// Shows the window and serves it until it is over. Does nothing if it is over already.
   void Run();
   void End();
   [[nodiscard]] bool IsOver() const { return m_isOver; }
 
-  /// The close box and Esc.
+  /// Is called by the close box and by Esc.
   void reject() final { OnCloseBox(); }
 
  protected:
   virtual void OnCloseBox() = 0;
   virtual void OnHelpKey() {}
-  /// Enter where no button is the default one.
+  /// Is called by Enter if no button is the default one.
   virtual void OnEnterKey() {}
 
   void keyPressEvent(QKeyEvent* event) override;

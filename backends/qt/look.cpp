@@ -2,17 +2,22 @@
 
 #include <QAbstractItemView>
 #include <QApplication>
+#include <QFile>
+#include <QFontDatabase>
+#include <QFontMetricsF>
 #include <QPainter>
 #include <QProxyStyle>
 #include <QStyleOption>
 #include <array>
 #include <cmath>
 
+#include "backends/qt/strings.h"
+
 namespace qt {
 namespace {
 
-/// Has the style mark the focus even where it came by the mouse: which control the keys go to is
-/// never left open.
+/// Makes the style mark the focus even if it came by the mouse. The user always sees which control
+/// gets the keys.
 template <typename Option>
 [[nodiscard]] Option WithFocusMarked(const Option& option) {
   Option marked = option;
@@ -22,13 +27,13 @@ template <typename Option>
   return marked;
 }
 
-/// The style's own colour of edges.
+/// Returns the style's own colour of edges.
 [[nodiscard]] QColor EdgeColor(const QPalette& palette) {
   return palette.color(QPalette::Window).darker(140);
 }
 
-/// The outermost line within `area`. The style itself puts it on the border of the area, where at a
-/// scale that is no whole number half of it is cut off, and with that some of its sides altogether.
+/// Draws the outermost line within `area`. The style itself puts the line on the border of the
+/// area. At a scale that is no whole number, half of that line is cut off, and some sides vanish.
 void DrawEdge(QPainter& painter, const QRect& area, const QColor& color) {
   const QSize upright(1, area.height());
   const QSize level(area.width(), 1);
@@ -97,7 +102,8 @@ class Look final : public QProxyStyle {
   void DrawPane(const QStyleOption& option, QPainter& painter, const QWidget* widget) const {
     const QRect pane = option.rect.adjusted(0, 0, 0, -1);
     QStyleOption within(option);
-    within.rect = pane.adjusted(-3, -3, 3, 3);  // So that the edge which it draws is cut off.
+    within.rect =
+        pane.adjusted(-3, -3, 3, 3);  // The edge that the style draws falls outside and is cut off.
     painter.save();
     painter.setClipRect(pane, Qt::IntersectClip);
     QProxyStyle::drawPrimitive(PE_FrameTabWidget, &within, &painter, widget);
@@ -108,7 +114,7 @@ class Look final : public QProxyStyle {
   }
 };
 
-/// How light a colour is to the eye, from 0 to 1.
+/// Returns how light a colour is to the eye, from 0 to 1.
 [[nodiscard]] double Lightness(const QColor& color) {
   constexpr auto kLinear = [](double part) {
     return part <= 0.03928 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
@@ -147,7 +153,7 @@ QPalette DialogPalette() {
     palette.setColor(QPalette::Disabled, role, faint);
   }
   palette.setColor(QPalette::PlaceholderText, faint);
-  // The user's own colour, where it can be told from the surface and read upon.
+  // The user's own colour, if it differs enough from the surface and white text on it can be read.
   constexpr double kLeastContrast = 3;
   const QPalette users = QApplication::palette();
   const QColor chosen = users.color(QPalette::Active, QPalette::Highlight);
@@ -156,6 +162,44 @@ QPalette DialogPalette() {
   palette.setColor(QPalette::HighlightedText, Qt::white);
   palette.setColor(QPalette::Disabled, QPalette::Highlight, faint);
   return palette;
+}
+
+namespace {
+
+/// The files of the free Tahoma in its package. Only some distributions also put it into the
+/// system's list of fonts.
+constexpr std::array<const char*, 2> kFontFiles{"/usr/share/wine/fonts/tahoma.ttf",
+                                                "/usr/share/fonts/truetype/wine/tahoma.ttf"};
+
+void LoadTahoma() {
+  if (QFontDatabase::hasFamily(QStringLiteral("Tahoma"))) {
+    return;
+  }
+  // The bold file is left out: its outlines are no bolder, only wider apart. Without it the library
+  // makes the regular outlines bold.
+  for (const char* file : kFontFiles) {
+    const QString path = QString::fromLatin1(file);
+    if (QFile::exists(path)) {
+      QFontDatabase::addApplicationFont(path);
+    }
+  }
+}
+
+}  // namespace
+
+QFont MakeFont(const platform::Font& font) {
+  [[maybe_unused]] static const bool kIsLoaded = (LoadTahoma(), true);
+  QFont made(ToQString(font.face));
+  made.setStyleHint(QFont::SansSerif);
+  made.setWeight(static_cast<QFont::Weight>(font.weight));
+  // The height is that of a line, but a font is chosen by the size of its letters.
+  constexpr int kProbe = 100;
+  made.setPixelSize(kProbe);
+  const QFontMetricsF metrics(made);
+  const double line = metrics.ascent() + metrics.descent();
+  const double size = font.height * kScale * kProbe / line;
+  made.setPixelSize(std::max(1, static_cast<int>(std::lround(size))));
+  return made;
 }
 
 }  // namespace qt

@@ -15,9 +15,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "backends/qt/fonts.h"
 #include "backends/qt/look.h"
-#include "backends/qt/scale.h"
 #include "backends/qt/strings.h"
 
 namespace qt {
@@ -34,7 +32,7 @@ constexpr double kLeastText = 90;
 constexpr double kWidestText = 260;
 constexpr double kButtonWidth = 56;
 constexpr double kButtonHeight = 20;
-/// Of the height of the screen.
+/// A share of the height of the screen.
 constexpr double kTallestText = 0.6;
 
 }  // namespace
@@ -94,7 +92,8 @@ QWidget* MessageDialog::MakeBody(const platform::MessageBox& box) {
 }
 
 void MessageDialog::FitText() {
-  // Measured on a text of its own, for the editor sets its own one to the width that it has now.
+  // The text is measured in a document of its own, because the editor fits its document to its
+  // current width.
   QTextDocument document(m_text->toPlainText());
   document.setDefaultFont(font());
   document.setDocumentMargin(0);
@@ -158,7 +157,7 @@ void MessageDialog::keyPressEvent(QKeyEvent* event) {
 }
 
 bool MessageDialog::eventFilter(QObject* watched, QEvent* event) {
-  // The text keeps the key to itself once it was clicked, and copies nothing without a selection.
+  // A text that was clicked keeps the key for itself and copies nothing if nothing is selected.
   if (watched == m_text && event->type() == QEvent::KeyPress &&
       !m_text->textCursor().hasSelection() &&
       static_cast<QKeyEvent*>(event)->matches(QKeySequence::Copy)) {
@@ -168,7 +167,7 @@ bool MessageDialog::eventFilter(QObject* watched, QEvent* event) {
   return Frame::eventFilter(watched, event);
 }
 
-// With nothing selected the whole text is meant.
+// Copies the whole text. The user means that if nothing is selected.
 void MessageDialog::CopyText() const { QApplication::clipboard()->setText(m_text->toPlainText()); }
 
 void MessageDialog::showEvent(QShowEvent* event) {

@@ -8,20 +8,20 @@
 
 namespace qt {
 
-/// One message box. Its text is plain, can be selected and copied by mouse and keyboard, wraps
-/// anywhere it must, and scrolls where it is longer than the screen.
+/// One message box. Its text is plain text. The user can select and copy it by mouse and keyboard.
+/// It wraps anywhere if it must, and scrolls if it is longer than the screen.
 class MessageDialog final : public Frame {
  public:
   using Listener = std::function<void(platform::MessageAnswer)>;
 
   MessageDialog(const platform::MessageBox& box, const QString& caption, QWidget* parent);
 
-  /// Called once, when the user has answered.
+  /// `listener` is called once, when the user has answered.
   void SetListener(Listener listener) { m_listener = std::move(listener); }
   [[nodiscard]] platform::MessageAnswer GetAnswer() const { return m_answer; }
 
  protected:
-  /// Declines where that is one of the answers.
+  /// Answers Cancel if the box has that button, else OK.
   void OnCloseBox() override;
   void keyPressEvent(QKeyEvent* event) override;
   void showEvent(QShowEvent* event) override;

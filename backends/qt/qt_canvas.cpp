@@ -1,21 +1,59 @@
 #include "backends/qt/qt_canvas.h"
 
+#include <QByteArray>
 #include <QFontMetricsF>
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
-#include "backends/qt/fonts.h"
-#include "backends/qt/scale.h"
+#include "backends/qt/look.h"
 #include "backends/qt/strings.h"
 
 namespace qt {
+
+Pictures::Pictures(PictureSource source) : m_source(std::move(source)) {}
+
+QSizeF Pictures::GetSize(int picture) { return Find(picture).size; }
+
+void Pictures::Draw(QPainter& painter, const QPointF& at, int picture) {
+  const Picture& found = Find(picture);
+  const QRectF area(at, found.size);
+  if (found.drawing) {
+    found.drawing->render(&painter, area);
+  } else if (!found.image.isNull()) {
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.drawImage(area, found.image);
+  }
+}
+
+Pictures::Picture& Pictures::Find(int picture) {
+  const auto [place, isNew] = m_pictures.try_emplace(picture);
+  Picture& found = place->second;
+  if (!isNew || !m_source.getBytes) {
+    return found;
+  }
+  const std::span<const std::byte> bytes = m_source.getBytes(picture);
+  const QByteArray data(static_cast<const char*>(static_cast<const void*>(bytes.data())),
+                        static_cast<qsizetype>(bytes.size()));
+  if (found.image.loadFromData(data, "PNG")) {
+    found.size = found.image.size();
+  } else if (!data.isEmpty()) {
+    auto drawing = std::make_unique<QSvgRenderer>(data);
+    if (drawing->isValid()) {
+      found.size = drawing->defaultSize();
+      found.drawing = std::move(drawing);
+    }
+  }
+  return found;
+}
+
 namespace {
 
 [[nodiscard]] QColor ToQColor(platform::Color color) {
   return {color.red, color.green, color.blue};
 }
 
-/// What a line of text may hold that would break or shift it is shown as blanks.
+/// Returns the text with blanks for the characters that would break or shift a line.
 [[nodiscard]] QString OneLine(std::u16string_view text) {
   QString line = ToQString(text);
   for (QChar& unit : line) {
@@ -48,7 +86,7 @@ void QtCanvas::DrawLine(platform::Point from, platform::Point to, platform::Colo
     return;
   }
   const QPointF leftTop(Snap(std::min(from.x, to.x)), Snap(std::min(from.y, to.y)));
-  // As thick as it would be with its first end at the origin, so that all lines are alike.
+  // The thickness of a line that begins at the origin, so all lines are equally thick.
   const double thickness = Snap(1);
   const bool isLevel = from.y == to.y;
   const QPointF rightBottom(isLevel ? Snap(std::max(from.x, to.x) + 1) : leftTop.x() + thickness,

@@ -3,11 +3,11 @@
 #include <QPushButton>
 #include <algorithm>
 
-#include "backends/qt/control_factory.h"
+#include "backends/qt/control.h"
 #include "backends/qt/control_names.h"
-#include "backends/qt/link_area.h"
-#include "backends/qt/scale.h"
+#include "backends/qt/look.h"
 #include "backends/qt/strings.h"
+#include "backends/qt/widgets.h"
 
 namespace qt {
 
@@ -107,6 +107,10 @@ bool QtDialog::AskForHelp() {
   return hasHelp;
 }
 
+// The handler may run an event loop of its own: it opens message boxes and waits for recordings. So
+// all calls of it are counted. While one is active, nothing new that the user does is reported, and
+// posted commands are kept until the outermost call has returned.
+
 void QtDialog::Call(const std::function<void()>& call) {
   ++m_callDepth;
   call();
@@ -151,7 +155,7 @@ void QtDialog::PostCommand(int id) {
 
 void QtDialog::DeliverPosted() {
   if (m_callDepth > 0) {
-    return;  // Comes again when that call is over.
+    return;  // This is called again after that call.
   }
   while (!m_posted.empty() && !m_result) {
     const int id = m_posted.front();
@@ -174,10 +178,6 @@ void QtDialog::CallHere(const std::function<void(QtDialog&)>& call) {
   });
 }
 
-void QtDialog::StepProgress(int id) {
-  CallHere([id](QtDialog& dialog) { dialog.m_bars.Step(id); });
-}
-
 void QtDialog::EndDialog(int result) {
   CallHere([result](QtDialog& dialog) {
     if (!dialog.m_result) {
@@ -188,16 +188,6 @@ void QtDialog::EndDialog(int result) {
     }
   });
 }
-
-void QtDialog::CreateProgressBar(int id, const platform::ProgressBar& bar) {
-  // What it shows the progress of is the command that is being done, or the dialog itself.
-  const Control* command = Find(m_command);
-  m_bars.Create(id, bar,
-                command == nullptr ? ToQString(m_template.caption) : GetShownText(*command),
-                *m_surface);
-}
-
-void QtDialog::DestroyProgressBar(int id) { m_bars.Destroy(id); }
 
 void QtDialog::Invalidate() { m_surface->update(); }
 

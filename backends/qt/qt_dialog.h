@@ -1,15 +1,16 @@
 #pragma once
 
+#include <QProgressBar>
 #include <deque>
 #include <functional>
 #include <list>
+#include <map>
 #include <memory>
 #include <optional>
 
 #include "backends/qt/control.h"
 #include "backends/qt/dialog_surface.h"
-#include "backends/qt/pictures.h"
-#include "backends/qt/progress_bars.h"
+#include "backends/qt/qt_canvas.h"
 #include "backends/qt/ui_thread.h"
 #include "platform/dialog.h"
 
@@ -17,28 +18,27 @@ class QPushButton;
 
 namespace qt {
 
-/// One live dialog: its surface with the controls on it, to be put into a window.
-///
-/// Tells the handler nothing of the user's while the thread waits or the handler is at work.
+/// One live dialog: a surface with the controls on it, ready to be put into a window. While the
+/// thread waits or the handler runs, nothing that the user does is reported to the handler.
 class QtDialog final : public platform::DialogWindow {
  public:
   QtDialog(const resources::DialogTemplate& dialog, platform::DialogHandler& handler,
            UiThread& thread, Pictures& pictures, QWidget* parent);
   ~QtDialog() override;
 
-  /// Has the handler set the dialog up.
+  /// Makes the handler set the dialog up.
   void Init();
   void TellOk();
   void TellCancel();
   [[nodiscard]] bool AskForHelp();
 
   [[nodiscard]] DialogSurface& GetSurface() { return *m_surface; }
-  /// Null where no button is the default one.
+  /// Returns null if no button is the default one.
   [[nodiscard]] QPushButton* GetDefaultButton() const;
-  /// The controls that Tab reaches, in its order.
+  /// Returns the controls that Tab reaches, in its order.
   [[nodiscard]] std::vector<QWidget*> GetTabChain() const;
   [[nodiscard]] std::optional<int> GetResult() const { return m_result; }
-  /// Called when the dialog is ended.
+  /// `listener` is called when the dialog is ended.
   void SetEndListener(std::function<void()> listener) { m_onEnd = std::move(listener); }
 
   void SetText(int id, std::u16string_view text) override;
@@ -68,22 +68,28 @@ class QtDialog final : public platform::DialogWindow {
   void EndDialog(int result) override;
 
  private:
+  struct Bar {
+    std::unique_ptr<QProgressBar> widget;
+    int step = 0;
+  };
+
   void MakeControls(Pictures& pictures);
   void MakeLinks();
-  /// Connects a control's widget, so that the dialog hears what the user does there.
+  /// Connects a control's widget, so the dialog hears what the user does there.
   void Hear(Control& control);
   void GiveLabelsRoom();
-  /// Calls the handler; what it posts is delivered after it.
+  /// Calls the handler. Commands that the handler posts are delivered after `call`.
   void Call(const std::function<void()>& call);
   void TellUsersCommand(int id, platform::CommandEvent event);
   [[nodiscard]] bool PressKey(int control, resources::Key key);
   void DeliverPosted();
-  /// Calls `call` on the user-interface thread, now or soon, unless the dialog is gone by then.
+  /// Calls `call` on the user-interface thread, now or soon. Does nothing if the dialog is gone by
+  /// then.
   void CallHere(const std::function<void(QtDialog&)>& call);
   void ChangeText(int id, const std::u16string& text);
   void Rename();
-  /// Of a control that is about to be disabled: to the list, or to the first control that is no
-  /// button.
+  /// Moves the focus away from a control that is about to be disabled: to the list, or to the first
+  /// control that is no button.
   void TakeFocusFrom(const Control& leaving);
   [[nodiscard]] Control* Find(int id);
   [[nodiscard]] const Control* Find(int id) const;
@@ -97,13 +103,14 @@ class QtDialog final : public platform::DialogWindow {
   std::unique_ptr<DialogSurface> m_surface;
   std::list<Control> m_controls;
   std::vector<QWidget*> m_links;  ///< Children of the surface.
-  ProgressBars m_bars;
+  std::map<int, Bar> m_bars;
   std::deque<int> m_posted;
   std::function<void()> m_onEnd;
   std::optional<int> m_result;
   int m_callDepth = 0;
-  int m_command = resources::kNoControlId;  ///< Being handled.
-  std::shared_ptr<QtDialog*> m_self;  ///< Goes with the dialog; calls from afar hold it weakly.
+  int m_command = resources::kNoControlId;  ///< The command that is being handled.
+  std::shared_ptr<QtDialog*>
+      m_self;  ///< Dies with the dialog. Calls from other threads hold it weakly.
 };
 
 }  // namespace qt

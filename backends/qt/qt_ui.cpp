@@ -1,25 +1,73 @@
 #include "backends/qt/qt_ui.h"
 
 #include <QApplication>
+#include <QWindow>
 #include <future>
 #include <utility>
 
-#include "backends/qt/dialog_frame.h"
+#include "backends/qt/dialog_windows.h"
 #include "backends/qt/look.h"
-#include "backends/qt/qt_sheet.h"
 #include "backends/qt/strings.h"
+#include "framework/dialog.h"
 
 namespace qt {
+namespace {
+
+/// Returns the native window and makes it if there is none yet.
+[[nodiscard]] QWindow* NativeWindow(QWidget& window) {
+  static_cast<void>(window.winId());
+  return window.windowHandle();
+}
+
+void CentreOver(QWidget& window, const QWidget& below) {
+  const QRect area = below.frameGeometry();
+  window.move(area.center() - QPoint(window.width() / 2, window.height() / 2));
+}
+
+}  // namespace
+
+void WindowStack::RunModal(Frame& frame) {
+  if (frame.IsOver()) {
+    return;
+  }
+  frame.setWindowModality(Qt::ApplicationModal);
+  PutBoxesAbove(&frame);
+  m_modal.push_back(&frame);
+  frame.Run();
+  m_modal.pop_back();
+  PutBoxesAbove(GetTop());
+}
+
+void WindowStack::ShowBeside(std::unique_ptr<MessageDialog> box) {
+  QWidget* top = GetTop();
+  NativeWindow(*box)->setTransientParent(top == nullptr ? nullptr : NativeWindow(*top));
+  if (top != nullptr) {
+    box->adjustSize();
+    CentreOver(*box, *top);
+  }
+  MessageDialog* shown = box.get();
+  m_boxes.push_back(std::move(box));
+  shown->show();
+  shown->raise();
+  shown->activateWindow();
+}
+
+void WindowStack::Tidy() {
+  std::erase_if(m_boxes, [](const auto& box) { return box->IsOver(); });
+}
+
+void WindowStack::PutBoxesAbove(QWidget* window) {
+  for (const auto& box : m_boxes) {
+    if (!box->IsOver()) {
+      NativeWindow(*box)->setTransientParent(window == nullptr ? nullptr : NativeWindow(*window));
+    }
+  }
+}
 
 using platform::Cursor;
 using platform::MessageAnswer;
 using platform::MessageBox;
 using platform::MessageCaption;
-
-namespace {
-/// What a dialog returns that the user closed.
-constexpr int kClosedByUser = 2;
-}  // namespace
 
 QtUi::QtUi(UiThread& thread, std::u16string_view applicationName, PictureSource pictures)
     : m_thread(thread),
@@ -43,14 +91,14 @@ MessageAnswer QtUi::ShowMessage(const MessageBox& box) {
 }
 
 MessageAnswer QtUi::AskOnUiThread(const MessageBox& box) {
-  // Shared, since this thread may be gone before the promise has finished telling it.
+  // Shared, because this thread may be gone before set_value has returned.
   const auto promise = std::make_shared<std::promise<MessageAnswer>>();
   std::future<MessageAnswer> answer = promise->get_future();
   m_thread.Post([this, promise, box] {
     auto dialog = std::make_unique<MessageDialog>(box, CaptionOf(box), nullptr);
     dialog->SetListener(
         [&thread = m_thread, windows = std::weak_ptr(m_windows), promise](MessageAnswer given) {
-          // Not at once: the box is still at work.
+          // Not now: the box is still running.
           thread.Post([windows] {
             if (const auto open = windows.lock()) {
               open->Tidy();
@@ -63,7 +111,7 @@ MessageAnswer QtUi::AskOnUiThread(const MessageBox& box) {
   try {
     return answer.get();
   } catch (const std::future_error&) {
-    return MessageAnswer::kCancel;  // The user interface is gone, and the question with it.
+    return MessageAnswer::kCancel;  // The user interface is gone, and the box with it.
   }
 }
 
@@ -102,7 +150,7 @@ void QtUi::ShowCursor() {
 }
 
 void QtUi::RunModal(Frame& frame) {
-  // Over a window that expects an answer the cursor never says "wait".
+  // Over a window that expects an answer, the cursor never says "wait".
   const Cursor outside = std::exchange(m_cursor, Cursor::kNormal);
   ShowCursor();
   m_windows->RunModal(frame);
@@ -114,7 +162,7 @@ int QtUi::RunDialog(const resources::DialogTemplate& dialog, platform::DialogHan
   DialogFrame frame(dialog, handler, m_thread, m_pictures, m_windows->GetTop());
   frame.GetDialog().Init();
   RunModal(frame);
-  return frame.GetDialog().GetResult().value_or(kClosedByUser);
+  return frame.GetDialog().GetResult().value_or(framework::kIdCancel);
 }
 
 bool QtUi::RunSheet(std::u16string_view caption, std::span<const platform::SheetPage> pages,

@@ -2,16 +2,48 @@
 
 #include <QString>
 #include <memory>
+#include <vector>
 
-#include "backends/qt/pictures.h"
+#include "backends/qt/frame.h"
+#include "backends/qt/message_dialog.h"
+#include "backends/qt/qt_canvas.h"
 #include "backends/qt/ui_thread.h"
-#include "backends/qt/window_stack.h"
 #include "platform/ui.h"
 
 namespace qt {
 
-/// The user interface on a desktop. There is an application object of the library before it; the
-/// application need not run, for each modal call serves its windows itself.
+/// The open windows. Modal windows stand one above the other. Next to them are the message boxes of
+/// worker threads, which can always be answered and block no window. Belongs to the user-interface
+/// thread.
+class WindowStack {
+ public:
+  WindowStack() = default;
+  WindowStack(const WindowStack&) = delete;
+  WindowStack& operator=(const WindowStack&) = delete;
+
+  /// Returns the window that a new one has to stand above. Returns null if there is none.
+  [[nodiscard]] QWidget* GetTop() const { return m_modal.empty() ? nullptr : m_modal.back(); }
+
+  /// Runs `frame` above all other windows until it is over.
+  void RunModal(Frame& frame);
+
+  /// Shows a box that blocks no window. Its listener gets the answer.
+  void ShowBeside(std::unique_ptr<MessageDialog> box);
+
+  /// Destroys the boxes that were answered.
+  void Tidy();
+
+ private:
+  /// Puts the boxes above `window`. The library lets a modal window block all others except those
+  /// above it.
+  void PutBoxesAbove(QWidget* window);
+
+  std::vector<Frame*> m_modal;
+  std::vector<std::unique_ptr<MessageDialog>> m_boxes;
+};
+
+/// The user interface on a desktop. The application object of the library must exist before it. The
+/// application need not run, because each modal call serves its windows itself.
 class QtUi final : public platform::Ui {
  public:
   /// `applicationName` is the caption of the framework's plain boxes.
@@ -36,7 +68,7 @@ class QtUi final : public platform::Ui {
   UiThread& m_thread;
   const QString m_applicationName;
   Pictures m_pictures;
-  /// Shared with the answers of boxes, which may come in after the last window has closed.
+  /// Shared with the answers of boxes, because these may come after the last window has closed.
   const std::shared_ptr<WindowStack> m_windows = std::make_shared<WindowStack>();
   platform::Cursor m_cursor = platform::Cursor::kNormal;
   bool m_isWaitShown = false;

@@ -2,8 +2,13 @@
 
 #include <QString>
 #include <QTextDocument>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
+
+// Texts in the forms that the library wants. A widget, a tool tip and a window title each interpret
+// some characters, but texts of a page are data.
 
 namespace qt {
 
@@ -13,23 +18,33 @@ namespace qt {
 
 [[nodiscard]] inline std::u16string ToText(const QString& text) { return text.toStdU16String(); }
 
-/// The text as a widget has to be given it that takes "&" for the mark of a mnemonic.
+/// Returns the text for a widget that takes "&" for the mark of a mnemonic.
 [[nodiscard]] inline QString WithoutMnemonic(const QString& text) {
   QString escaped = text;
   return escaped.replace(u'&', QStringLiteral("&&"));
 }
 
-/// The text in the form that a tool tip needs, since a tool tip shows what looks like HTML as HTML.
+/// Returns the text for a tool tip, which would show text that looks like HTML as HTML.
 [[nodiscard]] inline QString AsToolTip(const QString& text) {
   return Qt::mightBeRichText(text) ? QStringLiteral("<span style='white-space:pre-wrap'>%1</span>")
                                          .arg(text.toHtmlEscaped())
                                    : text;
 }
 
-/// The text in the form that a window's title needs, since "[*]" is the mark of a change there.
+/// Returns the text for the title of a window, which takes "[*]" for the mark of a change.
 [[nodiscard]] inline QString AsWindowTitle(const QString& text) {
   QString escaped = text;
   return escaped.replace(QStringLiteral("[*]"), QStringLiteral("[*][*]"));
 }
+
+/// Returns for each text the place of the letter that presses its button together with Alt.
+/// Initials of words come first, and no letter is used twice. A text has no place if no letter is
+/// left in it that is a key on a keyboard. In languages without an alphabet the texts themselves
+/// end with such a letter in brackets, as is usual there.
+[[nodiscard]] std::vector<std::optional<qsizetype>> ChooseMnemonics(
+    const std::vector<QString>& texts);
+
+/// Returns the text for a button, with the mnemonic marked.
+[[nodiscard]] QString WithMnemonic(const QString& text, std::optional<qsizetype> place);
 
 }  // namespace qt

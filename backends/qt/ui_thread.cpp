@@ -1,21 +1,118 @@
 #include "backends/qt/ui_thread.h"
 
+#include <QApplication>
 #include <QCoreApplication>
 #include <QEvent>
 #include <QEventLoop>
 #include <QThread>
+#include <QWidget>
+#include <QWindow>
 #include <atomic>
 #include <system_error>
 #include <thread>
 #include <utility>
 
+#include "backends/qt/message_dialog.h"
+
 namespace qt {
+namespace {
+
+[[nodiscard]] bool IsInput(QEvent::Type type) {
+  switch (type) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::MouseMove:
+    case QEvent::NonClientAreaMouseButtonPress:
+    case QEvent::Wheel:
+    case QEvent::KeyPress:
+    case QEvent::KeyRelease:
+    case QEvent::ShortcutOverride:
+    case QEvent::Shortcut:
+    case QEvent::InputMethod:
+    case QEvent::ContextMenu:
+    case QEvent::TouchBegin:
+    case QEvent::TouchUpdate:
+    case QEvent::TouchEnd:
+    case QEvent::TouchCancel:
+    case QEvent::TabletPress:
+    case QEvent::TabletMove:
+    case QEvent::TabletRelease:
+    case QEvent::NativeGesture:
+    case QEvent::Gesture:
+    case QEvent::DragEnter:
+    case QEvent::DragMove:
+    case QEvent::Drop:
+    case QEvent::Close:
+      return true;
+    default:
+      return false;
+  }
+}
+
+/// A window must see the pointer move and its button go up. Otherwise it takes the next press for a
+/// part of the last one. The widgets in the window need not see that.
+[[nodiscard]] bool IsBookkeeping(const QObject* watched, QEvent::Type type) {
+  return watched->isWindowType() &&
+         (type == QEvent::MouseMove || type == QEvent::MouseButtonRelease);
+}
+
+/// Returns the widget that an event is for. Returns null if it is for none.
+[[nodiscard]] const QWidget* FindWidget(const QObject* watched) {
+  if (watched->isWidgetType()) {
+    return static_cast<const QWidget*>(watched);
+  }
+  if (watched->isWindowType()) {
+    for (const QWidget* widget : QApplication::topLevelWidgets()) {
+      if (widget->windowHandle() == watched) {
+        return widget;
+      }
+    }
+  }
+  return nullptr;
+}
+
+/// Returns whether the widget is a message box or belongs to one, such as the menu of its text.
+[[nodiscard]] bool IsOfMessageBox(const QWidget* widget) {
+  for (; widget != nullptr; widget = widget->parentWidget()) {
+    if (dynamic_cast<const MessageDialog*>(widget) != nullptr) {
+      return true;
+    }
+  }
+  return false;
+}
+
+}  // namespace
+
+void InputGate::Close() {
+  if (m_depth++ == 0) {
+    qApp->installEventFilter(this);
+  }
+}
+
+void InputGate::Open() {
+  if (--m_depth == 0) {
+    qApp->removeEventFilter(this);
+  }
+}
+
+bool InputGate::eventFilter(QObject* watched, QEvent* event) {
+  if (!IsInput(event->type()) || IsBookkeeping(watched, event->type()) ||
+      IsOfMessageBox(FindWidget(watched))) {
+    return false;
+  }
+  event->ignore();
+  return true;
+}
 
 bool UiThread::IsCurrent() const { return QThread::currentThread() == m_receiver.thread(); }
 
 void UiThread::Post(std::function<void()> call) {
   QMetaObject::invokeMethod(&m_receiver, std::move(call), Qt::QueuedConnection);
 }
+
+// A posted call that must not come during a wait is kept in m_later, and posted again after the
+// outermost wait.
 
 void UiThread::PostForLater(std::function<void()> call) {
   Post([this, call = std::move(call)] {
@@ -53,15 +150,72 @@ void UiThread::ServeUntilDone(const std::function<void()>& blocking) {
       QCoreApplication::postEvent(&loop, new QEvent(QEvent::Quit));
     });
   } catch (const std::system_error&) {
-    blocking();  // No thread to be had: this one waits, and its windows with it.
+    blocking();  // There is no thread, so this one waits, and its windows with it.
     return;
   }
   loop.exec();
-  // The loop ends early where the application is told to quit; what was begun is still waited for.
+  // The loop ends early if the application has to quit. The wait that was begun still has to end.
   while (!isDone) {
     loop.processEvents(QEventLoop::WaitForMoreEvents);
   }
   waiter.join();
+}
+
+namespace {
+
+using platform::WaitResult;
+
+class QtThread final : public platform::Thread {
+ public:
+  QtThread(UiThread& thread, std::unique_ptr<platform::Thread> inner)
+      : m_thread(thread), m_inner(std::move(inner)) {}
+  QtThread(const QtThread&) = delete;
+  QtThread& operator=(const QtThread&) = delete;
+  ~QtThread() override {
+    m_thread.Await([this] { m_inner.reset(); });
+  }
+
+  void Resume() override { m_inner->Resume(); }
+  [[nodiscard]] WaitResult Wait(std::uint32_t milliseconds) override {
+    WaitResult result = WaitResult::kFailed;
+    m_thread.Await([&] { result = m_inner->Wait(milliseconds); });
+    return result;
+  }
+
+ private:
+  UiThread& m_thread;
+  std::unique_ptr<platform::Thread> m_inner;
+};
+
+class QtEvent final : public platform::Event {
+ public:
+  QtEvent(UiThread& thread, std::unique_ptr<platform::Event> inner)
+      : m_thread(thread), m_inner(std::move(inner)) {}
+
+  void Set() override { m_inner->Set(); }
+  void Reset() override { m_inner->Reset(); }
+  [[nodiscard]] WaitResult Wait(std::uint32_t milliseconds) override {
+    WaitResult result = WaitResult::kFailed;
+    m_thread.Await([&] { result = m_inner->Wait(milliseconds); });
+    return result;
+  }
+
+ private:
+  UiThread& m_thread;
+  const std::unique_ptr<platform::Event> m_inner;
+};
+
+}  // namespace
+
+std::unique_ptr<platform::Thread> QtThreads::Start(std::function<void()> body,
+                                                   platform::ThreadStart start) {
+  auto inner = m_inner.Start(std::move(body), start);
+  return inner ? std::make_unique<QtThread>(m_thread, std::move(inner)) : nullptr;
+}
+
+std::unique_ptr<platform::Event> QtThreads::CreateManualResetEvent() {
+  auto inner = m_inner.CreateManualResetEvent();
+  return inner ? std::make_unique<QtEvent>(m_thread, std::move(inner)) : nullptr;
 }
 
 }  // namespace qt

@@ -4,14 +4,32 @@
 #include <functional>
 #include <vector>
 
-#include "backends/qt/input_gate.h"
+#include "platform/clock.h"
+#include "platform/threads.h"
 
 namespace qt {
 
-/// The thread that runs the user interface, and how it waits.
-///
-/// Made on that thread, after the application object of the library, and outlives everything that
-/// was given it.
+/// A filter of the user's input. While it is closed, input reaches message boxes only. What the
+/// user types or clicks elsewhere is lost and not done later. Windows go on painting, moving and
+/// resizing. Belongs to the user-interface thread.
+class InputGate final : public QObject {
+ public:
+  void Close();
+  void Open();
+  [[nodiscard]] bool IsClosed() const { return m_depth > 0; }
+
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  int m_depth = 0;
+};
+
+/// The thread that runs the user interface. A page waits on it as if it were any thread (for a
+/// recording, for a worker); UiThread makes such a wait harmless. The wait itself happens on a
+/// helper thread, and this one serves an event loop meanwhile: windows are painted and workers get
+/// their calls done, but the gate keeps the user's input away, because the page is in the middle of
+/// its work. Make it on that thread, after the application object of the library. It must outlive
+/// every object that was given it.
 class UiThread {
  public:
   UiThread() = default;
@@ -22,20 +40,20 @@ class UiThread {
 
   [[nodiscard]] bool IsCurrent() const;
 
-  /// Has `call` called on this thread when it next handles events, also during a wait, in the order
-  /// of posting.
+  /// Makes this thread call `call` when it next handles events, also during a wait. Calls come in
+  /// the order of posting.
   void Post(std::function<void()> call);
 
-  /// Calls `blocking`, which waits for something, and returns after it. On this thread it is called
-  /// on another one, and meanwhile windows are painted and posted calls served, but the user's
-  /// input reaches message boxes only.
+  /// Calls `blocking`, which waits for something, and returns after it. If the caller is this
+  /// thread, `blocking` runs on another one. Meanwhile windows are painted and posted calls are
+  /// done, but the user's input reaches message boxes only.
   void Await(const std::function<void()>& blocking);
 
   // On this thread.
 
   [[nodiscard]] bool IsWaiting() const { return m_gate.IsClosed(); }
 
-  /// Has `call` called as Post does, but not during a wait.
+  /// Does the same as Post, but not during a wait.
   void PostForLater(std::function<void()> call);
 
  private:
@@ -44,6 +62,40 @@ class UiThread {
   QObject m_receiver;  ///< Lives on the thread.
   InputGate m_gate;
   std::vector<std::function<void()>> m_later;
+};
+
+/// A clock over another one. Its Sleep keeps the windows alive on the user-interface thread.
+class QtClock final : public platform::Clock {
+ public:
+  QtClock(UiThread& thread, platform::Clock& inner) : m_thread(thread), m_inner(inner) {}
+
+  [[nodiscard]] std::uint32_t GetTickCount() override { return m_inner.GetTickCount(); }
+  [[nodiscard]] std::int64_t GetUnixTime() override { return m_inner.GetUnixTime(); }
+  void Sleep(std::uint32_t milliseconds) override {
+    m_thread.Await([this, milliseconds] { m_inner.Sleep(milliseconds); });
+  }
+
+ private:
+  UiThread& m_thread;
+  platform::Clock& m_inner;
+};
+
+/// Threads and events over others. Their waits keep the windows alive on the user-interface thread.
+/// Destroying a thread's handle is such a wait too, because it waits for the thread's body.
+class QtThreads final : public platform::Threads {
+ public:
+  QtThreads(UiThread& thread, platform::Threads& inner) : m_thread(thread), m_inner(inner) {}
+
+  [[nodiscard]] std::unique_ptr<platform::Thread> Start(std::function<void()> body,
+                                                        platform::ThreadStart start) override;
+  [[nodiscard]] std::unique_ptr<platform::Event> CreateManualResetEvent() override;
+  [[nodiscard]] platform::CreatedMutex CreateNamedMutex(std::u16string_view name) override {
+    return m_inner.CreateNamedMutex(name);
+  }
+
+ private:
+  UiThread& m_thread;
+  platform::Threads& m_inner;
 };
 
 }  // namespace qt

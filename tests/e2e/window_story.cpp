@@ -4,7 +4,7 @@
 #include <fstream>
 #include <thread>
 
-#include "backends/qt/scale.h"
+#include "backends/qt/look.h"
 #include "platform/dialog.h"
 #include "tests/e2e/speech.h"
 #include "tests/e2e/text_file.h"

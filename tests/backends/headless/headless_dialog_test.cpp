@@ -88,6 +88,24 @@ TEST(HeadlessDialog, PostedCommandsOfADialogThatHasEndedNeverCome) {
   EXPECT_TRUE(dialog.heard.empty());
 }
 
+TEST(HeadlessDialog, NobodyTypesIntoAListOrADisabledBox) {
+  constexpr int kList = 2;
+  constexpr int kDisabled = 3;
+  static constexpr std::array<ControlTemplate, 2> kBoxes{{
+      {kList, ControlKind::kComboBox, u"", {}},
+      {kDisabled, ControlKind::kEditableComboBox, u"", {}, true, false},
+  }};
+  static constexpr resources::DialogTemplate kBoxesDialog{1, u"", 10, 10, kBoxes};
+  headless::HeadlessUi ui;
+  framework::CPropertyPage page{kBoxesDialog, ui};
+  headless::HeadlessDialog dialog{kBoxesDialog, page, nullptr};
+  dialog.Type(kList, u"three");
+  dialog.Type(kDisabled, u"three");
+  dialog.Type(99, u"three");
+  EXPECT_EQ(dialog.GetText(kList), u"");
+  EXPECT_EQ(dialog.GetText(kDisabled), u"");
+}
+
 TEST(HeadlessSheet, CommandsPostedByAPageComeWhenItIsFirstShown) {
   headless::HeadlessUi ui;
   NotingDialog first(ui);

@@ -1,4 +1,4 @@
-#include "backends/qt/mnemonics.h"
+#include "backends/qt/strings.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

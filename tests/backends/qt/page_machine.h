@@ -5,9 +5,8 @@
 #include <string_view>
 #include <vector>
 
-#include "backends/qt/qt_clock.h"
-#include "backends/qt/qt_threads.h"
 #include "backends/qt/qt_ui.h"
+#include "backends/qt/ui_thread.h"
 #include "framework/dialog.h"
 #include "language/language_table.h"
 #include "tags/page_one.h"

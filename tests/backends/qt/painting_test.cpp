@@ -6,10 +6,8 @@
 #include <QFontMetricsF>
 #include <QImage>
 
-#include "backends/qt/fonts.h"
 #include "backends/qt/look.h"
 #include "backends/qt/qt_canvas.h"
-#include "backends/qt/scale.h"
 #include "tests/backends/qt/page_machine.h"
 
 namespace {

@@ -15,8 +15,7 @@
 #include <string_view>
 #include <vector>
 
-#include "backends/qt/fonts.h"
-#include "backends/qt/scale.h"
+#include "backends/qt/look.h"
 #include "backends/qt/strings.h"
 #include "platform/dialog.h"
 #include "resources/dialogs.h"

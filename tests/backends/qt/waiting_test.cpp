@@ -11,8 +11,7 @@
 #include <vector>
 
 #include "backends/posix/posix_threads.h"
-#include "backends/qt/qt_clock.h"
-#include "backends/qt/qt_threads.h"
+#include "backends/qt/ui_thread.h"
 #include "backends/vcard/background_source.h"
 #include "tests/backends/qt/dialog_fixture.h"
 

@@ -1,4 +1,4 @@
-#include "backends/qt/qt_sheet.h"
+#include "backends/qt/dialog_windows.h"
 
 #include <QPushButton>
 #include <QShortcut>
@@ -7,13 +7,36 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
-#include "backends/qt/fonts.h"
 #include "backends/qt/look.h"
-#include "backends/qt/scale.h"
 #include "backends/qt/strings.h"
 #include "platform/dialog.h"
 
 namespace qt {
+
+DialogFrame::DialogFrame(const resources::DialogTemplate& dialog, platform::DialogHandler& handler,
+                         UiThread& thread, Pictures& pictures, QWidget* parent)
+    : Frame(parent), m_dialog(dialog, handler, thread, pictures, this) {
+  setWindowTitle(AsWindowTitle(ToQString(dialog.caption)));
+  setPalette(DialogPalette());
+  auto* layout = new QVBoxLayout(this);
+  layout->setContentsMargins({});
+  layout->setSizeConstraint(QLayout::SetFixedSize);
+  layout->addWidget(&m_dialog.GetSurface());
+  if (QPushButton* button = m_dialog.GetDefaultButton()) {
+    button->setDefault(true);
+  }
+  QWidget* before = nullptr;
+  for (QWidget* widget : m_dialog.GetTabChain()) {
+    if (before == nullptr) {
+      widget->setFocus();
+    } else {
+      setTabOrder(before, widget);
+    }
+    before = widget;
+  }
+  m_dialog.SetEndListener([this] { End(); });
+}
+
 namespace {
 
 // In pixels of the device.
@@ -73,8 +96,8 @@ void QtSheet::MakeOkButton() {
 }
 
 void QtSheet::MakeTabKeys() {
-  // As shortcuts, which come before the control that has the focus: the tabs see only the keys of
-  // what stands on them, and of those a combo box keeps some for itself.
+  // These are shortcuts because a shortcut comes before the control with the focus. The tabs get
+  // only keys from the controls on them, and a combo box keeps some of those for itself.
   const struct {
     QKeyCombination key;
     int step;

@@ -1,13 +1,11 @@
-#include "backends/qt/mnemonics.h"
+#include "backends/qt/strings.h"
 
 #include <set>
-
-#include "backends/qt/strings.h"
 
 namespace qt {
 namespace {
 
-/// A letter that is a key by itself on keyboards of its alphabet.
+/// Returns whether a letter is a key of its own on the keyboards of its alphabet.
 [[nodiscard]] bool IsKey(QChar letter) {
   const QChar lower = letter.toLower();
   switch (letter.script()) {

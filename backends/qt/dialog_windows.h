@@ -11,7 +11,26 @@
 
 class QTabWidget;
 
+// The windows in which dialogs stand: a dialog alone, or dialogs as the pages of a sheet.
+
 namespace qt {
+
+/// The window of one dialog.
+class DialogFrame final : public Frame {
+ public:
+  DialogFrame(const resources::DialogTemplate& dialog, platform::DialogHandler& handler,
+              UiThread& thread, Pictures& pictures, QWidget* parent);
+
+  [[nodiscard]] QtDialog& GetDialog() { return m_dialog; }
+
+ protected:
+  void OnCloseBox() override { m_dialog.TellCancel(); }
+  void OnHelpKey() override { static_cast<void>(m_dialog.AskForHelp()); }
+  void OnEnterKey() override { m_dialog.TellOk(); }
+
+ private:
+  QtDialog m_dialog;
+};
 
 /// The window of a property sheet: a tab for each page and an OK button.
 class QtSheet final : public Frame, public platform::SheetWindow {
@@ -21,7 +40,7 @@ class QtSheet final : public Frame, public platform::SheetWindow {
   QtSheet(const QtSheet&) = delete;
   QtSheet& operator=(const QtSheet&) = delete;
 
-  /// Has the handler prepare the sheet, and sets the first page up.
+  /// Makes the handler prepare the sheet, and sets the first page up.
   void Init();
   [[nodiscard]] bool WasAccepted() const { return m_wasAccepted; }
 
@@ -36,9 +55,9 @@ class QtSheet final : public Frame, public platform::SheetWindow {
   void MakeTabs();
   void MakeOkButton();
   void MakeTabKeys();
-  /// Shows the page that many tabs further on; the first one follows the last.
+  /// Shows the page `step` tabs further on. The first tab follows the last.
   void TurnTabs(int step);
-  /// Sets a page up that is shown for the first time.
+  /// Sets the page up if it is shown for the first time.
   void ShowPage(std::size_t page);
   void ChooseDefaultButton(std::size_t page);
   void OrderTabs();

@@ -1,0 +1,69 @@
+#pragma once
+
+#include <QAbstractButton>
+#include <QComboBox>
+#include <QListWidget>
+
+#include "backends/qt/qt_canvas.h"
+
+// Widgets that differ from those of the library in a few habits.
+
+namespace qt {
+
+/// A drop-down list. The wheel turns it only while it has the focus, so scrolling past it chooses
+/// nothing.
+class ComboBox final : public QComboBox {
+ public:
+  explicit ComboBox(QWidget* parent);
+
+ protected:
+  void wheelEvent(QWheelEvent* event) override;
+};
+
+/// A list of lines, of which at most one is selected. The user can select another line but cannot
+/// take the selection back: a click next to the lines changes nothing.
+class ListBox final : public QListWidget {
+ public:
+  explicit ListBox(QWidget* parent);
+
+  /// Sets how far to the right the user can scroll at least, in pixels of the desktop.
+  void SetExtent(int extent);
+
+ protected:
+  QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
+                                                       const QEvent* event) const override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void focusInEvent(QFocusEvent* event) override;
+  void focusOutEvent(QFocusEvent* event) override;
+  void updateGeometries() override;
+
+ private:
+  int m_extent = 0;
+};
+
+/// A picture that the user can press.
+class PictureButton final : public QAbstractButton {
+ public:
+  PictureButton(QWidget* parent, Pictures& pictures, int picture);
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+
+ private:
+  Pictures& m_pictures;
+  const int m_picture;
+};
+
+/// Lies over a link that a dialog paints, for the keyboard and for screen readers. It shows nothing
+/// but the focus and lets the mouse through to the dialog. Space and Enter click it.
+class LinkArea final : public QAbstractButton {
+ public:
+  /// `link` is in pixels of the desktop.
+  LinkArea(QWidget* parent, const QRect& link);
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+};
+
+}  // namespace qt
