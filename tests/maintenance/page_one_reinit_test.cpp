@@ -97,6 +97,32 @@ TEST_F(PageOneReinit, ComesAfterThePageIsSetUp) {
   EXPECT_EQ(label, u"Learned commands: 1");
 }
 
+TEST_F(PageOneReinit, TheVersionCheckIsPostedAndNotCalled) {
+  PutSpokenTag(u"100", 1);
+  PutVersion(u"2");
+  const auto before = GetVersion();
+  tags::Page_one page(m_machine.Get(), m_texts);
+  headless::HeadlessDialog dialog(resources::kLearningDialog, page, &m_machine.simulation);
+  page.OnInitDialog();
+  EXPECT_EQ(GetVersion(), before);
+  EXPECT_EQ(m_shown, 0);
+  dialog.DeliverPosted();
+  EXPECT_NE(GetVersion(), before);
+  EXPECT_EQ(m_shown, 1);
+}
+
+TEST_F(PageOneReinit, TheWorkerIsCreatedSuspendedAndBeginsAfterASecond) {
+  PutSpokenTag(u"100", 1);
+  PutVersion(u"2");
+  m_machine.ui.SetDialogStory(138, [&](headless::HeadlessDialog& window) {
+    EXPECT_FALSE(window.WaitForEnd(999));
+    EXPECT_EQ(GetTemplate(u"100"), kOldTemplate);
+    EXPECT_TRUE(window.WaitForEnd());
+  });
+  Open();
+  EXPECT_NE(GetTemplate(u"100"), kOldTemplate);
+}
+
 TEST_F(PageOneReinit, DoesNotComeWhereTheContactsWereAway) {
   PutSpokenTag(u"100", 1);
   PutVersion(u"2");

@@ -112,7 +112,7 @@ TEST_F(ReinitMonitorTest, AMissingPageIsToldAndItGoesOn) {
   ASSERT_EQ(shown.size(), 1U);
   EXPECT_EQ(shown[0].box.text, u"Error == 0");
   EXPECT_EQ(shown[0].caption, u"Zedra Voxtrel");
-  EXPECT_TRUE(Has(shown[0].box.style, platform::MessageStyle::kTopmost));
+  EXPECT_EQ(shown[0].box.style, platform::MessageStyle::kTopmost);
   EXPECT_EQ(m_progress.steps.size(), 2U);
   EXPECT_TRUE(IsDone());
 }

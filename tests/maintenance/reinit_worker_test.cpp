@@ -117,7 +117,7 @@ TEST_F(ReinitWorkerTest, TagsWithoutAnyRecordingEndTheProcess) {
   ASSERT_EQ(shown.size(), 1U);
   EXPECT_EQ(shown[0].box.text, u"Error");
   EXPECT_EQ(shown[0].caption, u"Zedra Voxtrel");
-  EXPECT_TRUE(Has(shown[0].box.style, MessageStyle::kTopmost));
+  EXPECT_EQ(shown[0].box.style, MessageStyle::kTopmost);
   EXPECT_EQ(m_bar->position, 1) << "The first step is made before the work.";
   EXPECT_EQ(m_machine.simulation.GetElapsed(), 1000U);
 }
@@ -169,6 +169,7 @@ TEST_F(ReinitWorkerTest, ASearchThatFailsHalfWayIsToldAndGoesOn) {
   ASSERT_EQ(shown.size(), 1U);
   EXPECT_EQ(shown[0].box.text, u"ERROR in FindNextFile");
   EXPECT_EQ(shown[0].box.captionKind, MessageCaption::kNone);
+  EXPECT_EQ(shown[0].box.style, MessageStyle::kOk);
   EXPECT_EQ(GetTemplate(u"3"), Expected(3));
   EXPECT_EQ(m_machine.process.GetExitCode(), std::nullopt);
 }

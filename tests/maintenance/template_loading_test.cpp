@@ -169,6 +169,7 @@ TEST_F(TemplateLoading, ASearchThatFailsOnItsWayIsToldAndGoesOn) {
   ASSERT_EQ(shown.size(), 1U);
   EXPECT_EQ(shown[0].box.text, u"Error in FindNextFile");
   EXPECT_EQ(shown[0].box.captionKind, platform::MessageCaption::kNone);
+  EXPECT_EQ(shown[0].box.style, platform::MessageStyle::kOk);
 }
 
 }  // namespace

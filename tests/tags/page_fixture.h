@@ -53,6 +53,15 @@ class PageFixture : public testing::Test {
     return *m_dialog;
   }
 
+  /// Closes the page and opens the same object again, as the sheet does at a second double-click.
+  void ShowOnceMore() {
+    m_dialog.reset();
+    m_dialog = std::make_unique<headless::HeadlessDialog>(resources::kLearningDialog, *m_page,
+                                                          &m_machine.simulation);
+    m_page->OnInitDialog();
+    m_dialog->DeliverPosted();
+  }
+
   void LoadLanguage(std::u16string_view lines) {
     support::Bytes bytes{std::byte{0xFF}, std::byte{0xFE}};
     for (const char16_t unit : lines) {

@@ -8,18 +8,20 @@ namespace {
 using Texts = std::vector<std::u16string>;
 using namespace resources;
 
-/// A registry one of whose keys cannot be opened.
+/// A registry in which one key cannot be opened.
 class UnopenableKey final : public support::ForwardingRegistry {
  public:
   UnopenableKey(platform::Registry& inner, std::u16string_view path)
       : ForwardingRegistry(inner), m_path(path) {}
+
+  void SetPath(std::u16string_view path) { m_path = path; }
 
   [[nodiscard]] platform::OpenedKey OpenKey(std::u16string_view path) override {
     return path == m_path ? platform::OpenedKey{} : ForwardingRegistry::OpenKey(path);
   }
 
  private:
-  const std::u16string_view m_path;
+  std::u16string_view m_path;
 };
 
 class PageOneListEnds : public WatchedPage {
@@ -77,6 +79,17 @@ TEST_F(PageOneListEnds, AnEntryThatCannotBeOpenedRepeatsTheLineBeforeIt) {
   EXPECT_EQ(m_page->GetTags().GetRecord(1)->GetDisplayText(), u"");
   EXPECT_EQ(m_page->GetTags().GetRecord(2)->GetTagName(), u"300");
   EXPECT_TRUE(GetMessages().empty());
+  Close();
+}
+
+TEST_F(PageOneListEnds, TheTextOfAnEarlierOpeningIsForgottenWhenThePageOpensAgain) {
+  PutTag(u"100", kAnn, u"Mobile");
+  PutTag(u"200", kBob, u"Home");
+  UnopenableKey registry(m_machine.registry, u"");
+  OpenOn(m_machine.GetWith(m_machine.files, registry));
+  registry.SetPath(u"Software\\Zedra\\Zedra Voxtrel\\100");
+  ShowOnceMore();
+  EXPECT_EQ(m_dialog->GetItems(kTagListId), (Texts{u"", u"Bob Ray 5550001 H"}));
   Close();
 }
 

@@ -5,17 +5,7 @@ namespace {
 using Texts = std::vector<std::u16string>;
 using namespace resources;
 
-class PageOneOpening : public PageFixture {
- protected:
-  /// The sheet is closed and shown again by the same library.
-  void ShowOnceMore() {
-    m_dialog.reset();
-    m_dialog =
-        std::make_unique<headless::HeadlessDialog>(kLearningDialog, *m_page, &m_machine.simulation);
-    m_page->OnInitDialog();
-    m_dialog->DeliverPosted();
-  }
-};
+using PageOneOpening = PageFixture;
 
 TEST_F(PageOneOpening, TheConstructorMakesTheInstallFolders) {
   const tags::Page_one page(m_machine.Get(), m_texts);
