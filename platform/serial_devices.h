@@ -1,19 +1,26 @@
 #pragma once
 
-#include <optional>
+#include <cstdint>
 #include <string>
 #include <vector>
+
+#include "platform/result.h"
 
 namespace platform {
 
 /// One serial port that the machine has.
 struct SerialDevice {
-  std::u16string node;  ///< Where a program opens it, as "/dev/ttyUSB0".
+  std::u16string node;  ///< The name by which a program opens it, as "/dev/ttyUSB0".
 
-  // By what the same port is known again wherever its node is next time. Empty: not known.
+  // By these the same port is known again, even if it has another node next time. Empty: not known.
   std::u16string serial;  ///< Maker, model and the serial number of the one device.
   std::u16string path;    ///< The socket that it is plugged into.
   std::u16string part;    ///< Which port of a device that has several.
+};
+
+/// Why the ports are not known.
+enum class SerialDevicesError : std::uint8_t {
+  kUnreadable,  ///< The machine does not say which ports it has.
 };
 
 /// The serial ports of the machine.
@@ -24,8 +31,8 @@ class SerialDevices {
   SerialDevices& operator=(const SerialDevices&) = delete;
   virtual ~SerialDevices() = default;
 
-  /// The ports that are there now, in no particular order; nothing where that cannot be told.
-  [[nodiscard]] virtual std::optional<std::vector<SerialDevice>> List() = 0;
+  /// Returns the ports that are there now, in no particular order.
+  [[nodiscard]] virtual Result<std::vector<SerialDevice>, SerialDevicesError> List() = 0;
 };
 
 }  // namespace platform

@@ -18,8 +18,8 @@ namespace {
 using platform::RegistryError;
 using platform::SerialDevice;
 
-/// A node's kind, the length of its number and the number: compared in that order, numbers of any
-/// length stand as numbers do.
+/// Returns what nodes are compared by: the kind, the length of the number, and the number. So
+/// numbers of any length are in the order of their values.
 auto NodeOrder(const platform::SerialDevice& device) {
   constexpr std::array<std::u16string_view, 4> kKinds{u"/dev/ttyS", u"/dev/ttyUSB", u"/dev/ttyACM",
                                                       u"/dev/rfcomm"};
@@ -46,7 +46,8 @@ std::u16string IdentityOf(const platform::SerialDevice& device) {
   return u"node " + device.node;
 }
 
-/// What tells the device from others of its serial number; empty where nothing does.
+/// Returns what tells the device from others of its serial number. Returns an empty text if nothing
+/// does.
 std::u16string IdentityWithSocket(const platform::SerialDevice& device) {
   return device.serial.empty() || device.path.empty()
              ? std::u16string()
@@ -63,7 +64,7 @@ std::u16string Counted(const std::u16string& identity, int count) {
   return count > 1 ? identity + u" #" + text::FromUtf8(std::to_string(count)) : identity;
 }
 
-/// Notes the number of `from`, or of another that was counted as the same, for `to`.
+/// Gives the number of `from`, or of a port that was counted as the same, to `to`.
 void HandOn(const std::u16string& from, const std::u16string& to, PortNumbers& numbers) {
   for (int count = 1; count <= kHighestPort; ++count) {
     if (const auto number = NumberOf(Counted(from, count), numbers)) {

@@ -20,28 +20,30 @@ inline constexpr std::u16string_view kKnownPortsKey = u"Drivers\\Serial ports";
 [[nodiscard]] platform::RegistryError PublishSerialPorts(platform::Registry& registry,
                                                          platform::SerialDevices& devices);
 
-/// Names of ports have one digit or two.
+/// The name of a port has one digit or two.
 inline constexpr int kLowestPort = 1;
 inline constexpr int kHighestPort = 99;
 
-/// Which number each port has that was ever seen, by its identity.
+/// The identities of all ports that were ever seen, by their numbers.
 using PortNumbers = std::map<int, std::u16string>;
 
-/// Puts ports in the order in which new ones are numbered: those that are built in, then those that
-/// were plugged in, each kind by the number of its node.
+/// Puts ports in the order in which new ones are numbered: built-in ports, then those that were
+/// plugged in, each kind by the number of its node.
 void SortByNode(std::vector<platform::SerialDevice>& devices);
 
-/// What makes each port known again, in the order of `devices`: its serial number, else its socket,
-/// else its node. Where makers give one serial number to several devices, the socket stands beside
-/// it; a device of such a number keeps that while the others are away. Ports that cannot be told
-/// apart are counted, so that no two have one identity. A number that was noted before the second
-/// device of its serial number came is noted for the first of both then.
+/// Returns the identity of each port, by which it is known again, in the order of `devices`. It is
+/// the port's serial number, else its socket, else its node.
+///
+/// Some makers give one serial number to several devices. If two of them are there, the socket is
+/// added, and such a device keeps that identity while the others are away. A number that `numbers`
+/// has for the serial number alone then goes to the first of them. Ports that nothing tells apart
+/// are counted, so no two have one identity.
 [[nodiscard]] std::vector<std::u16string> IdentitiesOf(
     const std::vector<platform::SerialDevice>& devices, PortNumbers& numbers);
 
-/// The number of each port, in the order of `identities`. A port that was seen before has the
-/// number it had; a new one takes the lowest that is free and keeps it, noted in `numbers`. Only
-/// when none is free does it take the number of a port that is not there. Nothing for a port beyond
+/// Returns the number of each port, in the order of `identities`. A port that was seen before has
+/// the number it had. A new one takes the lowest free number and keeps it, noted in `numbers`. If
+/// none is free, it takes the number of a port that is not there. Returns nothing for a port beyond
 /// the last number.
 [[nodiscard]] std::vector<std::optional<int>> AssignNumbers(
     const std::vector<std::u16string>& identities, PortNumbers& numbers);

@@ -34,8 +34,8 @@ std::string_view Attribute(::udev_device* device, const char* name) {
                            : ToView(::udev_device_get_sysattr_value(device, name));
 }
 
-/// Drivers of built-in ports make the nodes of as many as there might be; only those where the
-/// driver found a circuit have a type.
+/// Returns whether the port exists. Drivers of built-in ports make a node for each port that there
+/// might be; a type other than 0 means that the driver found a circuit.
 bool HasHardware(const Device& device) {
   if (!ToView(::udev_device_get_sysname(device.get())).starts_with("ttyS")) {
     return true;
@@ -71,6 +71,7 @@ platform::SerialDevice Describe(const Device& device) {
   return port;
 }
 
+/// Returns null if the library has no memory, or the kernel's list cannot be read.
 Search StartSearch(const Library& library) {
   Search search(library ? ::udev_enumerate_new(library.get()) : nullptr);
   if (!search || ::udev_enumerate_add_match_subsystem(search.get(), "tty") < 0) {
@@ -86,11 +87,12 @@ Search StartSearch(const Library& library) {
 
 }  // namespace
 
-std::optional<std::vector<platform::SerialDevice>> UdevSerialDevices::List() {
+platform::Result<std::vector<platform::SerialDevice>, platform::SerialDevicesError>
+UdevSerialDevices::List() {
   const Library library(::udev_new());
   const Search search = StartSearch(library);
   if (!search) {
-    return std::nullopt;
+    return platform::Failure(platform::SerialDevicesError::kUnreadable);
   }
   std::vector<platform::SerialDevice> ports;
   ::udev_list_entry* entry = nullptr;
@@ -98,7 +100,7 @@ std::optional<std::vector<platform::SerialDevice>> UdevSerialDevices::List() {
     const Device device(
         ::udev_device_new_from_syspath(library.get(), ::udev_list_entry_get_name(entry)));
     const char* node = device ? ::udev_device_get_devnode(device.get()) : nullptr;
-    // In a container the kernel tells of ports whose nodes are not there.
+    // In a container the kernel reports ports whose nodes are not there.
     if (node != nullptr && ::access(node, F_OK) == 0 && HasHardware(device)) {
       ports.push_back(Describe(device));
     }

@@ -1,25 +1,23 @@
 #pragma once
 
-#include <optional>
 #include <utility>
 #include <vector>
 
 #include "platform/serial_devices.h"
 
-/// The ports that a test says.
+/// The ports of a machine that a test makes up.
 class FakeSerialDevices final : public platform::SerialDevices {
  public:
   explicit FakeSerialDevices(std::vector<platform::SerialDevice> devices = {})
       : m_devices(std::move(devices)) {}
 
-  void Set(std::optional<std::vector<platform::SerialDevice>> devices) {
-    m_devices = std::move(devices);
-  }
+  using Listed =
+      platform::Result<std::vector<platform::SerialDevice>, platform::SerialDevicesError>;
 
-  [[nodiscard]] std::optional<std::vector<platform::SerialDevice>> List() override {
-    return m_devices;
-  }
+  void Set(Listed devices) { m_devices = std::move(devices); }
+
+  [[nodiscard]] Listed List() override { return m_devices; }
 
  private:
-  std::optional<std::vector<platform::SerialDevice>> m_devices;
+  Listed m_devices;
 };

@@ -83,7 +83,7 @@ TEST_F(SerialPorts, WithoutDevicesTheListIsThereAndEmpty) {
 
 TEST_F(SerialPorts, WhereThePortsCannotBeToldTheListStaysAsItWas) {
   const Ports before = Publish({Adapter(u"/dev/ttyUSB0", u"A")});
-  m_devices.Set(std::nullopt);
+  m_devices.Set(platform::Failure(platform::SerialDevicesError::kUnreadable));
   EXPECT_EQ(PublishSerialPorts(m_registry, m_devices), RegistryError::kNotFound);
   EXPECT_EQ(ActivePorts(m_registry), before);
 }
