@@ -134,6 +134,9 @@ option(VOXTREL_TEST_PROGRAMS "Run each test program as one test, which saves sta
 # the bits of the mathematics.
 add_custom_target(thread_tests)
 add_custom_target(bit_tests)
+# What is tried with the program as users run it: these, and what compares bits.
+add_custom_target(release_tests)
+add_dependencies(release_tests bit_tests)
 
 # What is tested is optimised; what tests it is hardly, since it is compiled more often than it runs,
 # unless the processor is emulated, which makes it slow.
@@ -196,8 +199,11 @@ function(voxtrel_test name)
   if("threads" IN_LIST ARG_LABELS)
     add_dependencies(thread_tests ${name})
   endif()
-  if("voicemath" IN_LIST ARG_LABELS OR "golden" IN_LIST ARG_LABELS)
+  if("bits" IN_LIST ARG_LABELS)
     add_dependencies(bit_tests ${name})
+  endif()
+  if("program" IN_LIST ARG_LABELS)
+    add_dependencies(release_tests ${name})
   endif()
   # A list does not survive the discovery: its second label would be taken for a property's name. As
   # ctest selects labels by regular expression, each one is found in the joined text.
