@@ -37,7 +37,7 @@ struct ControlTemplate {
   DialogRect rect;
   bool isVisible = true;
   bool isEnabled = true;
-  /// The control whose text names this one to a screen reader, where no label stands before it.
+  /// The control whose text names this one to a screen reader, if no label stands before it.
   int namedBy = kNoControlId;
 };
 

@@ -32,7 +32,7 @@ inline constexpr int kNoHangUpCheckId = 1018;
 inline constexpr int kTestListId = 1026;
 inline constexpr int kTestHelpId = 142;  ///< A picture, of the same number.
 
-// Controls of the dialog that waits while every template is computed anew.
+// Controls of the dialog that waits while every template is computed again.
 inline constexpr int kReinitWaitLine1Id = 1023;
 inline constexpr int kReinitWaitLine2Id = 1024;
 

@@ -21,12 +21,12 @@ struct Picture {
   std::span<const std::byte> svg;  ///< Lives as long as the program.
 };
 
-/// The picture of that number; null where there is none.
+/// Returns the picture of that number in its own size. Returns null if there is none.
 [[nodiscard]] const Picture* FindPicture(int number);
 
-/// The drawing to show a picture `pixels` high with: small sizes of the icon have their own, which
-/// leave out what would blur. A drawing can be smaller or larger than what was asked for and is
-/// then to be scaled. Null where there is no such picture.
+/// Returns the drawing to show a picture `pixels` high with. Small sizes of the icon have drawings
+/// of their own, which leave out what would blur. The drawing can be smaller or larger than
+/// `pixels`, and the caller scales it. Returns null if there is no such picture.
 [[nodiscard]] const Picture* FindPictureFor(int number, int pixels);
 
 }  // namespace resources

@@ -93,7 +93,7 @@ TEST(HelpPage, ExplainsEveryTextThatAUserCanSee) {
 }
 
 /// For a text with places to be filled, such as "%1": with anything short in each of them. A full
-/// stop behind the last of them may be missing.
+/// stop after the last of them may be missing.
 std::regex PatternFor(const std::string& text) {
   const std::string line = Simplify(Replace(text, "\\n", " "));
   const std::string literal = std::regex_replace(line, std::regex("[.()?*+$^|{}]"), "\\$&");

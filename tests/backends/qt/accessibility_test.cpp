@@ -108,7 +108,7 @@ TEST_F(Accessibility, AMessageBoxIsReadOut) {
   EXPECT_EQ(description, "Error: oid == 0");
 }
 
-/// The real About page behind the Learning page's place.
+/// A sheet with the real About page as its second page.
 class AboutAccessibility : public testing::Test {
  protected:
   void Run(const std::function<void()>& story) {

@@ -23,7 +23,7 @@ using support::User;
 /// The connection settings on real widgets.
 class ConnectionPageScreen : public testing::Test {
  protected:
-  /// Opens the sheet, has `story` done on it, and closes it where that did not.
+  /// Opens the sheet, runs `story` on it, and closes it if the story did not.
   bool Run(const std::function<void()>& story) {
     m_user.Soon([&story] {
       story();

@@ -31,7 +31,7 @@ extern const resources::DialogTemplate kDialog;
 extern const resources::DialogTemplate kPlain;
 }  // namespace sample
 
-/// Notes what it is told, and does what a test gives it.
+/// Notes what is reported to it, and does what a test gives it.
 class NotingDialog final : public framework::CDialog {
  public:
   using Heard = std::vector<std::pair<int, platform::CommandEvent>>;
@@ -81,7 +81,7 @@ class NotingDialog final : public framework::CDialog {
 /// A user before one dialog after another.
 class DialogFixture : public testing::Test {
  protected:
-  /// Runs `dialog` and has `story` done on it; closes it where the story did not.
+  /// Runs `dialog` and `story` on it, and closes it if the story did not.
   int Run(NotingDialog& dialog, const std::function<void()>& story) {
     m_user.Soon([&dialog, &story] {
       story();

@@ -30,7 +30,7 @@ const QByteArray& RedPng() {
 
 constexpr resources::DialogTemplate kPaintedDialog{135, u"About", 160, 167, {}, {}};
 
-/// The first page, and the second one beside it.
+/// The first page and the second one.
 class Sheet final : public framework::CPropertySheet {
  public:
   explicit Sheet(platform::Ui& ui) : CPropertySheet(u"Property", ui) {}

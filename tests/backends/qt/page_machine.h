@@ -43,7 +43,8 @@ class PageMachine {
   [[nodiscard]] platform::Platform GetPlatform();
   /// The bytes of a language file.
   void LoadLanguage(const std::vector<std::byte>& file);
-  /// Makes the page and runs the sheet until the user has closed it; true where that was by OK.
+  /// Makes the page and runs the sheet until the user has closed it. Returns true if the user
+  /// pressed OK.
   bool RunSheet();
 
   HeadlessPlatform machine{1000};

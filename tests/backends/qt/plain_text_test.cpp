@@ -133,7 +133,7 @@ TEST(QtPlainTextOfALanguageFile, IsShownAsItStandsByTheWholeSheet) {
       EXPECT_EQ(widget->whatsThis(), "");
       EXPECT_EQ(widget->statusTip(), "");
       if (!widget->toolTip().isEmpty()) {
-        // The label of the count has a number behind its text.
+        // The label of the count has a number after its text.
         EXPECT_TRUE(Shown(widget->toolTip()).startsWith(QString::fromUtf16(kMarksOfLanguageFile)))
             << widget->toolTip().toStdString();
         ++tips;

@@ -5,20 +5,86 @@
 #include <QApplication>
 #include <QDir>
 #include <QFile>
+#include <QProgressBar>
 #include <QTabWidget>
 #include <QTest>
 #include <cstdio>
 #include <span>
 #include <string>
+#include <utility>
 
+#include "applet/about_page.h"
+#include "applet/pr_shit.h"
+#include "connection/connection_sheet.h"
 #include "resources/dialogs.h"
+#include "resources/pictures.h"
+#include "resources/strings.h"
+#include "tags/page_one.h"
 #include "tests/backends/qt/page_machine.h"
-#include "tests/backends/qt/screens_dialogs.h"
 #include "tests/backends/qt/user.h"
 
 namespace {
 
 using support::User;
+
+/// Takes a picture of the window when a progress bar has reached `value`.
+class BarWatcher final : public QObject {
+ public:
+  BarWatcher(QString file, int value) : m_file(std::move(file)), m_value(value) {
+    qApp->installEventFilter(this);
+  }
+
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    const auto* bar = dynamic_cast<QProgressBar*>(watched);
+    if (bar != nullptr && event->type() == QEvent::Show) {
+      connect(bar, &QProgressBar::valueChanged, this, [this](int value) {
+        if (value == m_value) {
+          support::SaveScreenshot(*User::GetWindow(), m_file);
+        }
+      });
+    }
+    return false;
+  }
+
+ private:
+  const QString m_file;
+  const int m_value;
+};
+
+/// Takes a picture of the window that opens next, and closes it.
+void TakeNextWindow(User& user, const QString& file) {
+  user.Soon([file] {
+    User::GetWindow()->activateWindow();
+    QApplication::processEvents();
+    support::SaveScreenshot(*User::GetWindow(), file);
+    User::GetWindow()->reject();
+  });
+}
+
+/// Opens the Test dialog by its button. Call this while the Learning page is shown.
+void TakeTestDialog(User& user, const QString& prefix) {
+  TakeNextWindow(user, prefix + QStringLiteral("test.png"));
+  User::Click(resources::kTestButtonId);
+}
+
+/// Runs the sheet as the applet shows it, with both pages.
+void RunAppletSheet(support::PageMachine& machine) {
+  tags::Page_one learning(machine.GetPlatform(), machine.texts);
+  applet::AboutPage about(
+      machine.GetPlatform(),
+      {resources::kProductPicture, resources::kMakerPicture, u"Voxtrel PE", u"v3.0"});
+  applet::PrShit sheet(machine.texts(resources::kSheetCaption), machine.GetPlatform(),
+                       machine.texts);
+  sheet.AddPage(learning);
+  sheet.AddPage(about);
+  sheet.DoModal();
+}
+
+void TakeConnection(support::PageMachine& machine, User& user, const QString& prefix) {
+  TakeNextWindow(user, prefix + QStringLiteral("connection.png"));
+  connection::RunConnectionSheet(machine.ui, machine.machine.registry,
+                                 machine.texts(resources::kSheetCaption));
+}
 
 constexpr int kMiddle = 50;  ///< Of the bar of a recording.
 
@@ -30,7 +96,7 @@ void TakeSheet(support::PageMachine& machine, User& user, const QString& prefix)
     User::Click(resources::kRecordButtonId);
     User::Choose(resources::kContactComboId, 1);
     User::Click(resources::kRecordButtonId);
-    const support::BarWatcher watcher(prefix + QStringLiteral("recording.png"), kMiddle);
+    const BarWatcher watcher(prefix + QStringLiteral("recording.png"), kMiddle);
     User::Click(resources::kRecordButtonId);
     User::ChooseLine(resources::kTagListId, 1);
     User::FindList(resources::kTagListId)->setFocus();
@@ -42,12 +108,12 @@ void TakeSheet(support::PageMachine& machine, User& user, const QString& prefix)
       box.reject();
     });
     User::Click(resources::kDeleteButtonId);
-    support::TakeTestDialog(user, prefix);
+    TakeTestDialog(user, prefix);
     User::GetWindow()->findChild<QTabWidget*>()->setCurrentIndex(1);
     support::SaveScreenshot(*User::GetWindow(), prefix + QStringLiteral("about.png"));
     User::GetWindow()->reject();
   });
-  support::RunAppletSheet(machine);
+  RunAppletSheet(machine);
 }
 
 void TakeBoxes(support::PageMachine& machine, User& user, const QString& prefix) {
@@ -98,7 +164,7 @@ int main(int argc, char** argv) {
   const QString prefix = QString::fromLocal8Bit(arguments[1]) + u'/';
   QDir().mkpath(prefix);
   TakeSheet(machine, user, prefix);
-  support::TakeConnection(machine, user, prefix);
+  TakeConnection(machine, user, prefix);
   TakeBoxes(machine, user, prefix);
   return 0;
 }

@@ -38,7 +38,7 @@ constexpr Key kKeys[] = {
     {Qt::Key_PageUp, Qt::ControlModifier, 0, 1},
 };
 
-/// The keys that turn to another tab, on the Learning page with two tags and the page beside it.
+/// The keys that turn to another tab, on the Learning page with two tags and on the other page.
 class SheetKeys : public testing::Test {
  protected:
   void Run(const std::function<void()>& story) {

@@ -50,7 +50,7 @@ class User final : public QObject {
   static void ChooseLine(int id, int row);
   /// Types a key to what has the focus.
   static void Type(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
-  /// Presses Tab until the control has the focus; false where it never has.
+  /// Presses Tab until the control has the focus. Returns false if it never gets it.
   [[nodiscard]] static bool TabTo(const QWidget* widget);
   static void PressOk() { Click(GetWindow()->findChild<QPushButton*>(QStringLiteral("ok"))); }
 
