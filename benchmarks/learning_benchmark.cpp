@@ -120,7 +120,7 @@ std::vector<double> LearnFilesOnly(cli::Session& session, const std::filesystem:
     std::filesystem::copy_file(VOXTREL_SAMPLE, copy,
                                std::filesystem::copy_options::overwrite_existing);
     voicemath::CVoiceMathematics mathematics(session.GetFiles(), session.GetUi());
-    mathematics.m_wavePath = applet::Backends::ToSystemPath(copy.string());
+    mathematics.m_wavePath = machine::Backends::ToSystemPath(copy.string());
     const double begin = ProcessorTime();
     if (mathematics.LearnFile(0) != voicemath::kLearned) {
       std::fputs("the sample was not learned\n", stderr);

@@ -1,15 +1,14 @@
-# Where everything stands once it is installed. Each program finds the rest from its own place, so
-# that the whole can be moved.
+# Where everything is after the installation. Each program finds the rest from its own place, so that
+# the whole can be moved.
 #
 #   bin/voxtrel, bin/voxtrel-connection, bin/voxtrel-panel
 #   lib/voxtrel/voxtrel.cpl
-#   lib/voxtrel/voxtrel-{collation,ebook,pulse}.so: loaded where they are wanted
+#   lib/voxtrel/voxtrel-ebook.so: loaded when the desktop's address books are wanted
 #   share/voxtrel/{help,languages,samples}
 #   share/applications, share/icons: what a desktop shows
 
 install(TARGETS voxtrel voxtrel-connection voxtrel-panel RUNTIME DESTINATION bin)
-install(TARGETS voxtrel_cpl voxtrel_collation_door voxtrel_ebook voxtrel_pulse_door
-        LIBRARY DESTINATION lib/voxtrel)
+install(TARGETS voxtrel_cpl voxtrel_ebook LIBRARY DESTINATION lib/voxtrel)
 
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/resources/help" DESTINATION share/voxtrel)
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/resources/languages" DESTINATION share/voxtrel)
@@ -34,7 +33,7 @@ install(DIRECTORY "${rendered}/icons" DESTINATION share)
 install(FILES "${PROJECT_SOURCE_DIR}/host/panel/voxtrel-panel.desktop"
         DESTINATION share/applications)
 
-# The same places beside the programs of the build tree.
+# The same places in the build tree.
 file(MAKE_DIRECTORY "${PROJECT_BINARY_DIR}/share/voxtrel")
 foreach(source IN ITEMS resources/help resources/languages samples)
   cmake_path(GET source FILENAME folder)

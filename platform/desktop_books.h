@@ -8,30 +8,24 @@ namespace platform {
 
 enum class ReadResult : std::uint8_t {
   kRead,
-  kNoAnswer,    ///< Nobody is there to ask.
+  kNoAnswer,    ///< There is nobody to ask.
   kUnreadable,  ///< There is something, and it cannot be read to its end.
 };
 
 /// One address book of the desktop.
 struct DesktopBook {
-  std::string uid;    ///< Lasting, and its own among all address books.
+  std::string uid;    ///< Stays the same, and no other address book has it.
   std::string cards;  ///< vCards in no particular order.
-  /// What is shown is the book itself, and no copy of one elsewhere that may still be filling up.
+  /// What is shown is the book itself. It is no copy of a book elsewhere that may still grow.
   bool isSettled = false;
 };
 
-/// The door of the library that knows the desktop's address books: apart from the rest, since it
-/// brings dozens of others with it, and loaded only where somebody wants those books.
-///
-/// Reads every enabled address book in the order of their lasting names, which may take
-/// `milliseconds` in all. `books` is empty unless this gives kRead; `reason` then says why not, in
-/// the words of whoever refused, where those are known. kUnreadable also where one of several books
-/// fails: whoever then saw the others alone would take its contacts for deleted. Throws nothing.
-/// May be called from any thread; once it was, the library stays loaded for good.
+/// Reads every enabled address book of the desktop, in the order of their `uid`. This may take
+/// `milliseconds` in all. If the result is not kRead, `books` is empty, and `reason` says why in
+/// the words of the program that refused, if those are known. If one of several books fails, the
+/// result is kUnreadable: a reader that saw only the others would take its contacts for deleted.
+/// Throws nothing. May be called from any thread.
 using ReadDesktopBooksFunction = ReadResult(std::uint32_t milliseconds,
                                             std::vector<DesktopBook>& books, std::string& reason);
-
-inline constexpr const char* kReadDesktopBooksName = "VoxtrelReadDesktopBooks";
-inline constexpr const char* kDesktopBooksLibrary = "voxtrel-ebook.so";
 
 }  // namespace platform

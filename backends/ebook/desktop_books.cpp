@@ -1,5 +1,3 @@
-#include "platform/desktop_books.h"
-
 #include <libebook/libebook.h>
 
 #include <atomic>
@@ -13,11 +11,8 @@
 #include <thread>
 #include <utility>
 
+#include "backends/ebook/door.h"
 #include "backends/ebook/glib_pointers.h"
-
-// The one function that the library exports.
-extern "C" __attribute__((visibility("default"))) platform::ReadResult VoxtrelReadDesktopBooks(
-    std::uint32_t milliseconds, std::vector<platform::DesktopBook>& books, std::string& reason);
 
 namespace ebook {
 namespace {

@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdlib>
 #include <utility>
 
 #include "backends/pulse/connection.h"
 #include "backends/pulse/player.h"
-#include "backends/pulse/quiet_library.h"
 #include "backends/pulse/recorder.h"
 
 namespace pulse {
@@ -22,6 +22,15 @@ constexpr std::chrono::milliseconds kWarmUpLimit(1000);
 // What the source could not deliver in time is filled up with zeros, which are silence only in
 // samples of this width.
 constexpr std::uint16_t kRecordedBits = 16;
+
+/// Sends messages of the sound library to the system log, unless the user asked for them. The
+/// library has no call for this: it reads the variable at its first message.
+void KeepLibraryQuiet() {
+  constexpr const char* kVariable = "PULSE_LOG_SYSLOG";
+  if (std::getenv("PULSE_LOG") == nullptr && std::getenv(kVariable) == nullptr) {
+    setenv(kVariable, "1", 0);
+  }
+}
 
 pa_sample_format_t ToSampleFormat(std::uint16_t bitsPerSample) {
   switch (bitsPerSample) {

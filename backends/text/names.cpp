@@ -2,8 +2,7 @@
 
 #include <cstddef>
 
-#include "backends/text/characters.h"
-#include "backends/text/fold.h"
+#include "backends/text/utf.h"
 
 namespace text {
 
@@ -27,15 +26,17 @@ std::u16string FoldName(std::u16string_view name) {
   return folded;
 }
 
+// Goes through both texts once. At a "*" it first assumes that the star stands for nothing. If the
+// rest does not match, it goes back to the latest star and lets it stand for one character more.
+// Earlier stars need not be tried again: what the latest one can match includes what they could.
 bool MatchesPattern(std::u16string_view name, std::u16string_view pattern) {
-  // Only the latest "*" is ever tried again: an earlier one cannot match more than it did.
   std::size_t atName = 0;
   std::size_t atPattern = 0;
-  std::size_t behindStar = std::u16string_view::npos;
+  std::size_t afterStar = std::u16string_view::npos;
   std::size_t starEnd = 0;
   while (atName < name.size()) {
     if (atPattern < pattern.size() && pattern[atPattern] == u'*') {
-      behindStar = ++atPattern;
+      afterStar = ++atPattern;
       starEnd = atName;
       continue;
     }
@@ -50,12 +51,12 @@ bool MatchesPattern(std::u16string_view name, std::u16string_view pattern) {
         continue;
       }
     }
-    if (behindStar == std::u16string_view::npos) {
+    if (afterStar == std::u16string_view::npos) {
       return false;
     }
     static_cast<void>(NextCharacter(name, starEnd));
     atName = starEnd;
-    atPattern = behindStar;
+    atPattern = afterStar;
   }
   while (atPattern < pattern.size() && pattern[atPattern] == u'*') {
     ++atPattern;

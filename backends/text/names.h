@@ -5,15 +5,21 @@
 
 namespace text {
 
-/// Whether two names of files or keys are the same on the device, where letter case counts for
-/// nothing (one-to-one case folding of single characters).
+// Names of files and keys. On the device letter case counts for nothing in them.
+
+/// Returns the one character under which a character is compared where case counts for nothing. The
+/// folding is one to one: no character becomes two.
+[[nodiscard]] char32_t FoldCharacter(char32_t character);
+
+/// Whether two names are the same on the device.
 [[nodiscard]] bool SameName(std::u16string_view a, std::u16string_view b);
 
-/// The form under which a name is filed: equal exactly for names that SameName holds equal.
+/// Returns the form under which a name is filed. Two names have the same form exactly if SameName
+/// holds them equal.
 [[nodiscard]] std::u16string FoldName(std::u16string_view name);
 
-/// Whether `name` matches `pattern`: "*" stands for any run of characters, "?" for one character (a
-/// surrogate pair is one); letter case counts for nothing.
+/// Whether `name` matches `pattern`. In a pattern "*" stands for any run of characters and "?" for
+/// one character; a surrogate pair is one character. Letter case counts for nothing.
 [[nodiscard]] bool MatchesPattern(std::u16string_view name, std::u16string_view pattern);
 
 /// Whether `pattern` holds a "*" or a "?", so that it may match more than one name.

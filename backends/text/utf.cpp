@@ -3,10 +3,8 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "backends/text/characters.h"
-
-// Written here and not left to a library: libraries put one replacement character in the place of a
-// whole broken sequence, while names of files need each of its bytes kept.
+// This is not left to a library, since libraries put one replacement character in the place of a
+// whole broken sequence. Names of files need each byte of it kept.
 
 namespace text {
 namespace {
@@ -69,7 +67,7 @@ void Append(std::string& utf8, char32_t character) {
   }
 }
 
-/// `strayByte` says what stands for a byte that is no part of well-formed UTF-8.
+/// `strayByte` gives the character that stands for a byte which is no part of well-formed UTF-8.
 template <typename StrayByte>
 std::u16string Convert(std::string_view utf8, StrayByte strayByte) {
   std::u16string text;
@@ -88,6 +86,29 @@ std::u16string Convert(std::string_view utf8, StrayByte strayByte) {
 }
 
 }  // namespace
+
+char32_t NextCharacter(std::u16string_view text, std::size_t& at) {
+  const char32_t first = text[at++];
+  if (first < 0xD800 || first > 0xDBFF || at == text.size()) {
+    return first;
+  }
+  const char32_t second = text[at];
+  if (second < 0xDC00 || second > 0xDFFF) {
+    return first;
+  }
+  ++at;
+  return 0x10000 + ((first - 0xD800) << 10) + (second - 0xDC00);
+}
+
+void AppendCharacter(std::u16string& text, char32_t character) {
+  if (character < 0x10000) {
+    text.push_back(static_cast<char16_t>(character));
+    return;
+  }
+  const char32_t offset = character - 0x10000;
+  text.push_back(static_cast<char16_t>(0xD800 + (offset >> 10)));
+  text.push_back(static_cast<char16_t>(0xDC00 + (offset & 0x3FF)));
+}
 
 std::string ToUtf8(std::u16string_view text) {
   std::string utf8;

@@ -39,21 +39,21 @@ Exit codes: 0 done, 1 failed with a message on standard error, 2 wrong usage.)";
 
 void AddGlobalOptions(CLI::App& app, Options& options) {
   app.set_version_flag("--version", "voxtrel " VOXTREL_VERSION);
-  app.add_option("--root", options.root,
+  app.add_option("--root", options.machine.root,
                  "Folder that stands for the device's root (default: voxtrel in the XDG data "
                  "folder)")
       ->type_name("DIR")
       ->envname("VOXTREL_ROOT");
-  app.add_option("--microphone", options.microphone,
+  app.add_option("--microphone", options.machine.microphone,
                  "Record from this wave file (11,025 Hz, mono, 16 bit) and not from the microphone")
       ->type_name("FILE")
       ->envname("VOXTREL_MICROPHONE");
-  app.add_option("--speaker", options.speaker,
+  app.add_option("--speaker", options.machine.speaker,
                  "Play into this wave file, in place of what it held, and not to the loudspeaker")
       ->type_name("FILE")
       ->envname("VOXTREL_SPEAKER");
   app.add_option(
-         "--contacts", options.contacts,
+         "--contacts", options.machine.contacts,
          "Address book to use, remembered by commands that may change something: eds for the "
          "desktop's, else a vCard file or a folder of them (default: the one remembered, else the "
          "desktop's, else contacts.vcf in the root folder)")

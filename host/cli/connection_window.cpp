@@ -9,20 +9,16 @@
 #include <cstdlib>
 #include <string>
 
-#include "backends/loading/loaded_library.h"
+#include "backends/posix/loaded_library.h"
+#include "host/machine/places.h"
 
 namespace cli {
 namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kProgram = "voxtrel-connection";
-
-/// Returns its path next to this program if both are installed, otherwise in the build tree.
 fs::path FindProgram() {
-  const fs::path own = loading::FindOwnFile();
-  const fs::path build = loading::FindBuildFolder(own);
-  return (build.empty() ? own.parent_path() : build / "host/connection") / kProgram;
+  return machine::Places(posix::FindOwnFile()).GetProgram(machine::kConnectionWindow);
 }
 
 }  // namespace

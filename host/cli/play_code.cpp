@@ -49,7 +49,7 @@ std::string InWords(int code, bool isSpeakerFile) {
 }  // namespace
 
 std::string ExplainPlayCode(const Session& session, int code) {
-  const std::string& speaker = session.GetOptions().speaker;
+  const std::string& speaker = session.GetOptions().machine.speaker;
   const bool isUnwritten = code == audio::kOutputNotOpened || code == audio::kNotWritten;
   const std::string link = isUnwritten ? Session::ExplainLink(speaker) : std::string();
   return fmt::format("{} (code {})", link.empty() ? InWords(code, !speaker.empty()) : link, code);

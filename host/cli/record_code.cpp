@@ -42,7 +42,7 @@ std::string RecordCodeInWords(int code) {
 }  // namespace
 
 std::string ExplainRecordCode(const Session& session, int code) {
-  const std::string& microphone = session.GetOptions().microphone;
+  const std::string& microphone = session.GetOptions().machine.microphone;
   std::string words = microphone.empty() ? std::string() : RecordCodeOfFile(code, microphone);
   if (words.empty()) {
     words = RecordCodeInWords(code);

@@ -7,6 +7,7 @@
 #include <iostream>
 #include <system_error>
 
+#include "backends/sqlite/connection.h"
 #include "backends/text/utf.h"
 #include "host/cli/output.h"
 #include "resources/strings.h"
@@ -49,7 +50,7 @@ void PrintMessage(const headless::ShownMessage& shown) {
 
 Session::Session(const Options& options)
     : m_options(options),
-      m_backends(options),
+      m_backends(options.machine),
       m_clock(m_backends.GetClock()),
       m_ui(std::u16string(kApplicationName)) {
   m_ui.SetListener(PrintMessage);

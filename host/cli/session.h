@@ -6,19 +6,20 @@
 #include <string_view>
 #include <utility>
 
-#include "applet/backends.h"
 #include "backends/headless/headless_process.h"
 #include "backends/headless/headless_shell.h"
 #include "backends/headless/headless_ui.h"
 #include "backends/vcard/address_books.h"
 #include "host/cli/clocks.h"
+#include "host/machine/backends.h"
 #include "platform/platform.h"
 #include "platform/registry.h"
 
 namespace cli {
 
 /// What stands before the command.
-struct Options : applet::BackendOptions {
+struct Options {
+  machine::Options machine;
   bool json = false;
   bool yes = false;  ///< Answers every confirmation with OK.
 };
@@ -42,8 +43,8 @@ class Session {
   [[nodiscard]] SessionClock& GetClock() { return m_clock; }
 
   /// Whether files stand for every device that the sound goes through, so that nobody waits for it.
-  [[nodiscard]] bool HearsFile() const { return !m_options.microphone.empty(); }
-  [[nodiscard]] bool PlaysIntoFile() const { return !m_options.speaker.empty(); }
+  [[nodiscard]] bool HearsFile() const { return !m_options.machine.microphone.empty(); }
+  [[nodiscard]] bool PlaysIntoFile() const { return !m_options.machine.speaker.empty(); }
 
   /// Whether there is a root folder, or can be one, and no file of the settings is a link. Reports
   /// it if not.
@@ -85,7 +86,7 @@ class Session {
 
   /// The path under which the system's files know a name from the command line.
   [[nodiscard]] static std::u16string ToSystemPath(const std::string& name) {
-    return applet::Backends::ToSystemPath(name);
+    return machine::Backends::ToSystemPath(name);
   }
 
   /// Whether both names lead to one file that is there.
@@ -108,7 +109,7 @@ class Session {
   [[nodiscard]] platform::MessageAnswer Answer(const platform::MessageBox& box) const;
 
   const Options& m_options;
-  applet::Backends m_backends;
+  machine::Backends m_backends;
   SessionClock m_clock;
   headless::HeadlessProcess m_process;
   headless::HeadlessShell m_shell;

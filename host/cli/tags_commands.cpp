@@ -73,7 +73,7 @@ void ListTags(Session& session) {
 /// Whether what stands for the microphone can be heard, before anybody is asked to speak; tells
 /// where it cannot. A real microphone tells that itself.
 bool CanHear(Session& session) {
-  const std::string& microphone = session.GetOptions().microphone;
+  const std::string& microphone = session.GetOptions().machine.microphone;
   if (microphone.empty()) {
     return true;
   }

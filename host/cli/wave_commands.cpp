@@ -28,7 +28,7 @@ double BytesToSeconds(std::uint32_t bytes) {
 }
 
 void Record(Session& session, const std::string& file, std::uint32_t milliseconds) {
-  const std::string& microphone = session.GetOptions().microphone;
+  const std::string& microphone = session.GetOptions().machine.microphone;
   if (Session::AreSameFile(microphone, file)) {
     throw CLI::ValidationError("record", file + " cannot be microphone and recording at once");
   }

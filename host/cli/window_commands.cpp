@@ -11,14 +11,15 @@
 #include <string_view>
 #include <vector>
 
-#include "backends/loading/loaded_library.h"
 #include "backends/posix/foreground_program.h"
+#include "backends/posix/loaded_library.h"
 #include "host/cli/output.h"
+#include "host/machine/places.h"
 
 namespace cli {
 namespace {
 
-constexpr const char* kPanel = "voxtrel-panel";
+constexpr const char* kPanel = machine::kPanel.name;
 constexpr const char* kApplet = "voxtrel.cpl";
 
 /// Whether the environment names a display; the panel knows best how to use it.
@@ -33,14 +34,12 @@ bool HasDisplay() {
 /// The panel is in this program's folder once both are installed, otherwise in the build tree. No
 /// other one is taken: it would load libraries from where it is itself.
 std::filesystem::path FindPanel() {
-  const std::filesystem::path own = loading::FindOwnFile();
-  const std::filesystem::path build = loading::FindBuildFolder(own);
-  return (build.empty() ? own.parent_path() : build / "host/panel") / kPanel;
+  return machine::Places(posix::FindOwnFile()).GetProgram(machine::kPanel);
 }
 
 /// What stood before the command, as the applet takes it.
 std::vector<std::string> VariablesOf(const Session& session) {
-  const Options& options = session.GetOptions();
+  const machine::Options& options = session.GetOptions().machine;
   std::vector<std::string> variables;
   const auto add = [&variables](std::string_view name, const std::string& value) {
     if (!value.empty()) {

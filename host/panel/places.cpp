@@ -4,25 +4,27 @@
 #include <QFileInfo>
 #include <filesystem>
 
-#include "backends/loading/loaded_library.h"
+#include "backends/posix/loaded_library.h"
+#include "host/machine/places.h"
 
 namespace panel {
 namespace {
 
-/// Of the build that this program is part of, or of the folder in which it is installed: its bin,
-/// lib and share.
-QString PathOf(const char* inBuild, const char* installed) {
-  const std::filesystem::path own = loading::FindOwnFile();
-  const std::filesystem::path build = loading::FindBuildFolder(own);
-  return QString::fromStdString(
-      (build.empty() ? own.parent_path().parent_path() / installed : build / inBuild).native());
+machine::Places OfThisProgram() { return machine::Places(posix::FindOwnFile()); }
+
+QString ToQString(const std::filesystem::path& path) {
+  return QString::fromStdString(path.native());
 }
 
-QString IfThere(const QString& path) { return QFileInfo::exists(path) ? path : QString(); }
+/// Returns an empty text if there is no such file.
+QString IfThere(const std::filesystem::path& path) {
+  const QString text = ToQString(path);
+  return QFileInfo::exists(text) ? text : QString();
+}
 
 }  // namespace
 
-QString AppletFolder() { return PathOf("applet", "lib/voxtrel"); }
+QString AppletFolder() { return ToQString(OfThisProgram().GetAppletFolder()); }
 
 QStringList FindApplets(const QStringList& places) {
   QStringList applets;
@@ -49,9 +51,9 @@ QString FindApplet(const QString& name) {
 }
 
 QString FindData(const QString& name) {
-  return IfThere(PathOf("share/voxtrel", "share/voxtrel") + QLatin1Char('/') + name);
+  return IfThere(OfThisProgram().GetDataFolder() / name.toStdString());
 }
 
-QString FindCommandLine() { return IfThere(PathOf("host/cli/voxtrel", "bin/voxtrel")); }
+QString FindCommandLine() { return IfThere(OfThisProgram().GetProgram(machine::kCommandLine)); }
 
 }  // namespace panel

@@ -6,7 +6,8 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "backends/loading/loaded_library.h"
+#include "backends/ebook/door.h"
+#include "backends/posix/loaded_library.h"
 
 namespace ebook_test {
 namespace {
@@ -42,8 +43,11 @@ ebook::ObjectPointer<ESourceRegistry> OpenRegistry() {
 
 vcard::DesktopSource::Library LoadDesktopBooks() {
   const std::filesystem::path place[] = {VOXTREL_DESKTOP_BOOKS};
-  loading::LoadedFunction found = loading::LoadFunction(place, platform::kReadDesktopBooksName);
-  return {reinterpret_cast<platform::ReadDesktopBooksFunction*>(found.address), found.reason};
+  const auto found = posix::LoadFunction(place, ebook::kFunctionName);
+  if (!found) {
+    return {nullptr, found.error()};
+  }
+  return {reinterpret_cast<platform::ReadDesktopBooksFunction*>(*found), {}};
 }
 
 DesktopBook::DesktopBook()

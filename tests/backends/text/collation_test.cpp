@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <compare>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace text {
@@ -18,6 +20,23 @@ std::vector<std::u16string> Sorted(std::vector<std::u16string> texts) {
 TEST(CompareForDisplay, PutsLettersInTheirOrderWhateverTheirCase) {
   const std::vector<std::u16string> sorted = {u"adam", u"Bob", u"cid", u"Dan"};
   EXPECT_EQ(Sorted({u"Dan", u"cid", u"adam", u"Bob"}), sorted);
+}
+
+TEST(CompareForDisplay, PutsBlanksAndSignsBeforeDigitsAndDigitsBeforeLetters) {
+  // Every character of ASCII that is printed, in its order.
+  constexpr std::u16string_view kInOrder =
+      u" _-,;:!?.'\"()[]{}@*/"
+      u"\\&#%`^+<=>|~$0123456789aAbBcCdDeEfFgGhHiIjJkKlLmMnNoOpPqQrRsStTuUvVwWx"
+      u"XyYzZ";
+  for (std::size_t i = 1; i < kInOrder.size(); ++i) {
+    EXPECT_TRUE(std::is_lt(CompareForDisplay(kInOrder.substr(i - 1, 1), kInOrder.substr(i, 1))))
+        << i;
+  }
+}
+
+TEST(CompareForDisplay, ComparesTheCaseOfLettersOnlyIfAllElseIsEqual) {
+  const std::vector<std::u16string> sorted = {u"ab1", u"aB1", u"Ab1", u"AB1", u"ab2"};
+  EXPECT_EQ(Sorted({u"AB1", u"ab2", u"ab1", u"Ab1", u"aB1"}), sorted);
 }
 
 TEST(CompareForDisplay, PutsAccentedLettersBesideTheirOwn) {

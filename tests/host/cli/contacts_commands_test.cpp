@@ -207,33 +207,6 @@ TEST_F(MovedProgram, TheDesktopLibraryIsFoundWhereItIsInstalled) {
   EXPECT_THAT(run.err, testing::HasSubstr("do not answer (Could not connect"));
 }
 
-TEST_F(MovedProgram, WithoutTheSoundLibraryThereIsNoMicrophone) {
-  const auto run = support::RunProgram(
-      {Path("bin/voxtrel"), "--root", Path("root"), "--contacts", Put("all.vcf", kCards), "status"},
-      {"HOME=" + Path(""), "LC_ALL=C.UTF-8"});
-  EXPECT_EQ(run.exitCode, 0);
-  EXPECT_THAT(run.out, testing::HasSubstr("No microphone"));
-  EXPECT_EQ(run.err, "voxtrel: no microphone: voxtrel-pulse.so is missing\n");
-}
-
-TEST_F(MovedProgram, WithoutTheSoundLibraryThereIsNoLoudspeaker) {
-  // A recording is played by one at a time, and other tests hear the sample itself meanwhile.
-  const auto run =
-      support::RunProgram({Path("bin/voxtrel"), "wave", "play", CopySample("anna_1.wav")},
-                          {"HOME=" + Path(""), "LC_ALL=C.UTF-8"});
-  EXPECT_EQ(run.exitCode, 1);
-  EXPECT_THAT(run.err,
-              testing::StartsWith("voxtrel: no loudspeaker: voxtrel-pulse.so is missing\n"));
-}
-
-TEST_F(MovedProgram, WhatNeedsNoSoundDoesNotLoadTheSoundLibrary) {
-  const auto run = support::RunProgram({Path("bin/voxtrel"), "--root", Path("root"), "--contacts",
-                                        Put("all.vcf", kCards), "tags", "list"},
-                                       {"HOME=" + Path(""), "LC_ALL=C.UTF-8"});
-  EXPECT_EQ(run.exitCode, 0);
-  EXPECT_EQ(run.err, "");
-}
-
 TEST_F(ContactsCommands, AnotherAddressBookIsRefusedWhileTagsNeedTheFirst) {
   const std::string book = Put("all.vcf", kCards);
   ASSERT_EQ(Contacts({"--contacts", book, "reinit"}).exitCode, 0);

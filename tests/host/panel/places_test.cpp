@@ -59,7 +59,7 @@ TEST_F(Places, ANameIsThatOfAnInstalledAppletWhateverIsInTheCurrentFolder) {
 
 TEST_F(Places, OfABuildAreInThatBuild) {
   const QString panel = QFileInfo(panel_test::Program()).canonicalPath();
-  EXPECT_EQ(panel::AppletFolder(), QDir::cleanPath(panel + QStringLiteral("/../../applet")));
+  EXPECT_EQ(panel::AppletFolder(), QDir::cleanPath(panel + QStringLiteral("/../applet")));
 }
 
 }  // namespace

@@ -1,0 +1,50 @@
+// What the library for all scripts knows: letter case and order.
+
+#include <unicode/uchar.h>
+#include <unicode/ucol.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+#include <memory>
+
+#include "backends/text/collation.h"
+#include "backends/text/names.h"
+
+namespace text {
+namespace {
+
+using Collator = std::unique_ptr<UCollator, decltype(&ucol_close)>;
+
+/// The collator of no language in particular. Any number of threads may use it, since nothing
+/// changes it. It is made when something is first compared: its tables take time and memory that
+/// most commands need not spend. Null if it cannot be made.
+const UCollator* GetRootCollator() {
+  static const Collator kCollator = [] {
+    UErrorCode status = U_ZERO_ERROR;
+    return Collator(ucol_open("", &status), &ucol_close);
+  }();
+  return kCollator.get();
+}
+
+std::int32_t LengthOf(std::u16string_view text) {
+  constexpr std::size_t kMax = std::numeric_limits<std::int32_t>::max();
+  return static_cast<std::int32_t>(std::min(text.size(), kMax));
+}
+
+}  // namespace
+
+char32_t FoldCharacter(char32_t character) {
+  return static_cast<char32_t>(u_foldCase(static_cast<UChar32>(character), U_FOLD_CASE_DEFAULT));
+}
+
+std::strong_ordering CompareForDisplay(std::u16string_view a, std::u16string_view b) {
+  const UCollator* const collator = GetRootCollator();
+  const int order = collator == nullptr
+                        ? 0
+                        : ucol_strcoll(collator, a.data(), LengthOf(a), b.data(), LengthOf(b));
+  // The collator holds some different texts equal, such as two spellings of one accented letter.
+  return order == 0 ? a <=> b : order <=> 0;
+}
+
+}  // namespace text

@@ -1,0 +1,176 @@
+#include "host/machine/backends.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "backends/sqlite/sqlite_registry.h"
+#include "backends/text/utf.h"
+#include "backends/wave_file/file_wave_in.h"
+#include "backends/wave_file/file_wave_out.h"
+#include "host/machine/system.h"
+#include "storage/device_paths.h"
+#include "storage/registry_keys.h"
+#include "storage/tag_store.h"
+#include "tags/oids_in_use.h"
+#include "tags/page_one.h"
+
+namespace machine {
+namespace {
+
+/// Below a device that is no folder: nothing can be found or made there.
+constexpr const char* kNowhere = "/dev/null/voxtrel";
+constexpr const char* kRootName = "voxtrel";
+
+/// Returns "" if it is not set.
+std::string GetVariable(const char* name) {
+  // Read once, before there is a second thread.
+  const char* value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe)
+  return value == nullptr ? std::string() : std::string(value);
+}
+
+std::optional<std::filesystem::path> FindRoot(const Options& options) {
+  if (options.root.empty()) {
+    const auto data = FindDataFolder();
+    return data ? std::optional(*data / kRootName) : std::nullopt;
+  }
+  std::error_code error;
+  std::filesystem::path root = std::filesystem::absolute(options.root, error);
+  return error ? std::nullopt : std::optional(std::move(root));
+}
+
+}  // namespace
+
+Options ReadOptions() {
+  return {GetVariable("VOXTREL_ROOT"), GetVariable("VOXTREL_MICROPHONE"),
+          GetVariable("VOXTREL_SPEAKER"), GetVariable("VOXTREL_CONTACTS")};
+}
+
+Backends::Backends(const Options& options)
+    : m_options(options), m_clock(MakeClock()), m_desktop(LoadDesktopBooks) {}
+
+Backends::~Backends() = default;
+
+const std::optional<std::filesystem::path>& Backends::FindRootOnce() const {
+  if (!m_root) {
+    m_root.emplace(FindRoot(m_options));
+  }
+  return *m_root;
+}
+
+bool Backends::HasRoot() const { return FindRootOnce().has_value(); }
+
+std::filesystem::path Backends::GetRoot() const { return FindRootOnce().value_or(kNowhere); }
+
+std::filesystem::path Backends::GetRegistryPath() const {
+  return GetRoot() / sqlite::kDatabaseName;
+}
+
+void Backends::MakeRoot() const {
+  if (m_changesNothing) {
+    return;
+  }
+  // An earlier version left the rights of these to the umask.
+  std::vector<std::u16string> paths{u"\\"};
+  for (const std::u16string_view folder :
+       {storage::kProgramFilesFolder, storage::kMakerFolder, storage::kInstallFolder,
+        storage::kWaveFolder, storage::kTemplateFolder}) {
+    paths.emplace_back(folder);
+  }
+  for (const std::u16string_view suffix : {u"", u"-wal", u"-shm", u"-journal"}) {
+    paths.push_back(u"\\" + text::FromHostName(sqlite::kDatabaseName) + std::u16string(suffix));
+  }
+  MakeRootFor(GetRoot(), paths);
+}
+
+std::u16string Backends::ToSystemPath(const std::string& name) {
+  std::error_code error;
+  const std::filesystem::path path = std::filesystem::absolute(name, error);
+  if (!error) {
+    return ToName(path);
+  }
+  // There is no name, or the current folder was deleted: the code that opens this reports it. The
+  // dot keeps a name that begins with a backslash from being a path of the device.
+  return name.empty() ? std::u16string() : text::FromHostName("./" + name);
+}
+
+std::string Backends::ToHostPath(std::u16string_view devicePath) const {
+  std::u16string path(devicePath);
+  std::ranges::replace(path, u'\\', u'/');
+  return ToHostText(ToName(GetRoot()) + path);
+}
+
+platform::FileSystem& Backends::GetFiles() {
+  if (!m_files) {
+    m_files = MakeFiles(GetRoot());
+  }
+  return *m_files;
+}
+
+platform::WaveIn& Backends::GetWaveIn() {
+  if (!m_waveIn) {
+    if (m_options.microphone.empty()) {
+      m_waveIn = MakeMicrophone();
+    } else {
+      m_waveIn =
+          std::make_unique<wave_file::FileWaveIn>(GetFiles(), ToSystemPath(m_options.microphone));
+    }
+  }
+  return *m_waveIn;
+}
+
+platform::WaveOut& Backends::GetWaveOut() {
+  if (!m_waveOut) {
+    if (m_options.speaker.empty()) {
+      m_waveOut = MakeLoudspeaker();
+    } else {
+      m_waveOut =
+          std::make_unique<wave_file::FileWaveOut>(GetFiles(), ToSystemPath(m_options.speaker));
+    }
+  }
+  return *m_waveOut;
+}
+
+platform::Threads& Backends::GetThreads() {
+  if (!m_threads) {
+    m_threads = MakeThreads(GetRoot());
+  }
+  return *m_threads;
+}
+
+platform::Registry& Backends::GetRegistry() {
+  if (!m_registry) {
+    sqlite::RegistryOptions options;
+    options.initialKeys.assign(storage::kInstalledKeys.begin(), storage::kInstalledKeys.end());
+    options.access = m_changesNothing ? sqlite::Access::kRead : sqlite::Access::kChange;
+    m_registry = std::make_unique<sqlite::SqliteRegistry>(GetRegistryPath(), options);
+  }
+  return *m_registry;
+}
+
+vcard::AddressBooks& Backends::GetContacts(platform::Threads& threads) {
+  if (!m_contacts) {
+    vcard::AddressBooks::Options options;
+    m_waitedDesktop = std::make_unique<vcard::BackgroundSource>(m_desktop, threads);
+    options.desktop = m_waitedDesktop.get();
+    if (!m_options.contacts.empty()) {
+      options.choice = vcard::ParseChoice(text::FromHostName(m_options.contacts));
+    }
+    options.changesNothing = m_changesNothing;
+    options.nothingFound = [this] {
+      if (m_noContacts) {
+        m_noContacts();
+      }
+    };
+    options.oidsInUse = [this] {
+      MakeRoot();
+      return tags::FindOidsInUse(storage::TagStore(GetFiles(), GetRegistry()));
+    };
+    m_contacts = std::make_unique<vcard::AddressBooks>(GetFiles(), GetRegistry(), options);
+  }
+  return *m_contacts;
+}
+
+}  // namespace machine

@@ -1,0 +1,85 @@
+// The back ends of a Linux desktop.
+
+#include <cstdlib>
+#include <utility>
+
+#include "backends/ebook/door.h"
+#include "backends/posix/loaded_library.h"
+#include "backends/posix/posix_clock.h"
+#include "backends/posix/posix_file.h"
+#include "backends/posix/posix_file_system.h"
+#include "backends/posix/posix_threads.h"
+#include "backends/pulse/pulse_sound.h"
+#include "backends/text/utf.h"
+#include "host/machine/places.h"
+#include "host/machine/system.h"
+#include "tags/page_one.h"
+
+namespace machine {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// A folder that a variable names counts only if it does not depend on the current folder.
+std::optional<fs::path> GetFolder(const char* variable) {
+  // Read before there is a second thread.
+  const char* const value = std::getenv(variable);  // NOLINT(concurrency-mt-unsafe)
+  fs::path folder = value == nullptr ? "" : value;
+  return folder.is_absolute() ? std::optional(std::move(folder)) : std::nullopt;
+}
+
+}  // namespace
+
+std::optional<fs::path> FindDataFolder() {
+  if (auto data = GetFolder("XDG_DATA_HOME")) {
+    return data;
+  }
+  if (const auto home = GetFolder("HOME")) {
+    return *home / ".local/share";
+  }
+  return std::nullopt;
+}
+
+void MakeRootFor(const fs::path& root, std::span<const std::u16string> paths) {
+  static_cast<void>(posix::MakeFolders(root.lexically_normal().native()));
+  posix::PosixFileSystem files(ToName(root));
+  for (const std::u16string& path : paths) {
+    files.KeepFromOthers(path);
+  }
+  files.KeepFromOthers(u"\\" +
+                       text::FromHostName(posix::PosixThreads::LockName(tags::kInstanceMutex)));
+}
+
+std::u16string ToName(const fs::path& path) { return text::FromHostName(path.native()); }
+
+std::string ToHostText(std::u16string_view name) { return text::ToHostName(name); }
+
+std::unique_ptr<platform::FileSystem> MakeFiles(const fs::path& root) {
+  return std::make_unique<posix::PosixFileSystem>(ToName(root));
+}
+
+std::unique_ptr<platform::Threads> MakeThreads(const fs::path& root) {
+  return std::make_unique<posix::PosixThreads>(root.native());
+}
+
+std::unique_ptr<platform::Clock> MakeClock() { return std::make_unique<posix::PosixClock>(); }
+
+std::unique_ptr<platform::WaveIn> MakeMicrophone() {
+  return std::make_unique<pulse::PulseWaveIn>();
+}
+
+std::unique_ptr<platform::WaveOut> MakeLoudspeaker() {
+  return std::make_unique<pulse::PulseWaveOut>();
+}
+
+vcard::DesktopSource::Library LoadDesktopBooks() {
+  const auto found = posix::LoadFunction(
+      Places(posix::FindOwnFile()).GetLibrary(ebook::kLibraryName, "backends/ebook"),
+      ebook::kFunctionName);
+  if (!found) {
+    return {nullptr, found.error()};
+  }
+  return {reinterpret_cast<platform::ReadDesktopBooksFunction*>(*found), {}};
+}
+
+}  // namespace machine
