@@ -27,6 +27,10 @@ declare -A groups=(
     g++-arm-linux-gnueabi libc6-dev-armel-cross qemu-user
     libbenchmark-dev
   '
+  # The portable half on Windows.
+  [windows]='
+    g++-mingw-w64-x86-64-posix wine64
+  '
   # What the speech mathematics are measured with and against.
   [benchmark]='
     libaubio-dev libfftw3-dev valgrind

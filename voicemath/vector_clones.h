@@ -3,16 +3,13 @@
 #include <cstddef>
 #include <cstdint>
 
-/// Before a function: compiled for vectors of 16 and of 32 bytes; the loader of the program chooses
-/// by the processor it finds. The source is one and the arithmetic is the same: the wider set is
-/// named without fused multiply-add, which rounds once where two roundings are part of the result.
-/// What such a function calls is only widened with it where it is inlined.
+/// Before a function: it is compiled for vectors of 16 and of 32 bytes, and the loader of the program
+/// chooses by the processor that it finds. The source is one and the arithmetic is the same: the
+/// wider set is named without fused multiply-add, which rounds once where the result has two
+/// roundings. What such a function calls is widened with it only if it is inlined.
 ///
-/// Plain where there is no choice: other processors, compilers that do not know the attribute for
-/// every kind of function, and sanitizers, which are not up yet when the loader asks.
-#if defined(__x86_64__) && defined(__linux__) && defined(__GNUC__) && !defined(__clang__) && \
-    !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) &&                       \
-    !defined(VOXTREL_ONE_VECTOR_WIDTH)
+/// The build defines VOXTREL_TWO_VECTOR_WIDTHS if there is such a choice (CMakeLists.txt says when).
+#if defined(VOXTREL_TWO_VECTOR_WIDTHS)
 #define VOXTREL_VECTOR_CLONES __attribute__((target_clones("avx2", "default")))
 #else
 #define VOXTREL_VECTOR_CLONES

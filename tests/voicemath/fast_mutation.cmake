@@ -1,8 +1,8 @@
 # Builds the comparison or the transform with one line changed for the worse, runs the tests of bit
 # identity on it, and fails unless they see the difference.
 #
-#   cmake -DCOMPILER=... -DROOT=... -DWORK=... -DSOURCE=... -DFROM=... -DTO=... -DFILTER=...
-#         -DLIBRARIES=a;b -P fast_mutation.cmake
+#   cmake -DCOMPILER=... -DWIDTHS=... -DROOT=... -DWORK=... -DSOURCE=... -DFROM=... -DTO=... 
+#         -DFILTER=... -DLIBRARIES=a;b -P fast_mutation.cmake
 
 file(READ "${ROOT}/voicemath/${SOURCE}" text)
 string(FIND "${text}" "${FROM}" found)
@@ -16,7 +16,7 @@ file(WRITE "${WORK}/${SOURCE}" "${text}")
 # The other sources of the mathematics come from the library, in which the changed one is not looked
 # for any more.
 execute_process(
-  COMMAND ${COMPILER} -std=c++20 -O2 -ffp-contract=off -I${ROOT} -include cmath
+  COMMAND ${COMPILER} -std=c++20 -O2 -ffp-contract=off ${WIDTHS} -I${ROOT} -include cmath
           "${WORK}/${SOURCE}" ${LIBRARIES} -lgtest_main -lgtest -lpthread -o "${WORK}/mutant"
   RESULT_VARIABLE built
   OUTPUT_VARIABLE said
