@@ -8,7 +8,7 @@
 #include <span>
 #include <string_view>
 
-namespace xdg {
+namespace desktop {
 namespace {
 
 using std::chrono::milliseconds;
@@ -125,4 +125,4 @@ Command MakeCommand(const std::string& exec, const std::string& url) {
   return command;
 }
 
-}  // namespace xdg
+}  // namespace desktop

@@ -5,7 +5,7 @@
 
 #include "backends/desktop/programs.h"
 
-namespace xdg {
+namespace desktop {
 
 /// Opens `url` in the user's browser. Returns whether one took it. Tries in this order:
 /// 1. the desktop's default for sites, else for pages, started by its own command. xdg-open loses
@@ -22,4 +22,4 @@ namespace xdg {
 /// for it. Returns no words if the key breaks the rules.
 [[nodiscard]] Command MakeCommand(const std::string& exec, const std::string& url);
 
-}  // namespace xdg
+}  // namespace desktop

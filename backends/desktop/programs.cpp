@@ -15,7 +15,7 @@
 #include <string_view>
 #include <utility>
 
-namespace xdg {
+namespace desktop {
 namespace {
 
 using std::chrono::milliseconds;
@@ -261,4 +261,4 @@ bool StartDetached(const Environment& environment, const Command& command, milli
          ReadReport(pipe->read.Get());
 }
 
-}  // namespace xdg
+}  // namespace desktop

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-namespace xdg {
+namespace desktop {
 
 /// What the environment of the process says about the user's programs.
 struct Environment {
@@ -32,4 +32,4 @@ using Command = std::vector<std::string>;
 [[nodiscard]] bool StartDetached(const Environment& environment, const Command& command,
                                  std::chrono::milliseconds patience);
 
-}  // namespace xdg
+}  // namespace desktop

@@ -31,7 +31,7 @@ std::string GetVariable(const char* name) {
 
 /// The help is installed with the library, or was built with it; else it is where the machine's
 /// programs keep their data.
-std::vector<std::string> FindHelpFolders(const xdg::Environment& environment) {
+std::vector<std::string> FindHelpFolders(const desktop::Environment& environment) {
   const machine::Places places(posix::FindOwnFile());
   std::vector<std::string> folders{(places.GetDataFolder() / "help").native()};
   for (const std::string& data : environment.dataFolders) {
@@ -48,7 +48,7 @@ std::span<const std::byte> GetPicture(int number) {
 applet::LibraryOptions ReadOptions() {
   applet::LibraryOptions options;
   options.backends = machine::ReadOptions();
-  options.environment = xdg::ReadEnvironment();
+  options.environment = desktop::ReadEnvironment();
   options.runtimeFolder = GetVariable("XDG_RUNTIME_DIR");
   options.activationToken = GetVariable("XDG_ACTIVATION_TOKEN");
   options.helpFolders = FindHelpFolders(options.environment);

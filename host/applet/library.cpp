@@ -41,7 +41,7 @@ InstanceThreads::Options Library::MakeInstanceOptions() {
           }};
 }
 
-xdg::XdgShell::Options Library::MakeShellOptions() {
+desktop::DesktopShell::Options Library::MakeShellOptions() {
   return {m_options.environment, m_options.helpFolders, [this](std::u16string_view text) {
             m_presentation.ShowMessage(platform::ApplicationBox(std::u16string(text)));
           }};

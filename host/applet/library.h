@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "applet/voxtrel_app.h"
-#include "backends/desktop/xdg_shell.h"
+#include "backends/desktop/desktop_shell.h"
 #include "backends/posix/posix_module.h"
 #include "backends/posix/posix_process.h"
 #include "host/applet/instance_threads.h"
@@ -17,7 +17,7 @@ namespace applet {
 /// What a loaded library is made with.
 struct LibraryOptions {
   machine::Options backends;
-  xdg::Environment environment;
+  desktop::Environment environment;
   std::string runtimeFolder;             ///< $XDG_RUNTIME_DIR.
   std::string activationToken;           ///< $XDG_ACTIVATION_TOKEN, of whoever opened this.
   std::vector<std::string> helpFolders;  ///< Best first.
@@ -39,7 +39,7 @@ class Library {
  private:
   [[nodiscard]] platform::Platform GetPlatform();
   [[nodiscard]] InstanceThreads::Options MakeInstanceOptions();
-  [[nodiscard]] xdg::XdgShell::Options MakeShellOptions();
+  [[nodiscard]] desktop::DesktopShell::Options MakeShellOptions();
   void TellNewcomer();
   void Listen(const posix::Doorbell& bell);
   [[nodiscard]] bool CanOpen();
@@ -50,7 +50,7 @@ class Library {
   posix::PosixProcess m_process;
   LatePresentation m_presentation;
   InstanceThreads m_threads;
-  xdg::XdgShell m_shell;
+  desktop::DesktopShell m_shell;
   VoxtrelApp m_app;
   bool m_isStarted = false;
 };

@@ -8,7 +8,7 @@ using Words = std::vector<std::string>;
 
 constexpr const char* kUrl = "file:///a%20b#test";
 
-[[nodiscard]] Words CommandOf(const std::string& exec) { return xdg::MakeCommand(exec, kUrl); }
+[[nodiscard]] Words CommandOf(const std::string& exec) { return desktop::MakeCommand(exec, kUrl); }
 
 TEST(BrowserCommand, PutsTheAddressWhereTheCodeStands) {
   EXPECT_EQ(CommandOf("fox %u"), (Words{"fox", kUrl}));
@@ -37,7 +37,7 @@ TEST(BrowserCommand, AnOpenQuoteMakesNoCommand) {
 
 TEST(BrowserCommand, NoLetterOfTheAddressEndsAnArgumentOrIsReadAsACode) {
   const std::string hostile = "file:///a b\"'$(c);%u%%\\\n--x #";
-  EXPECT_EQ(xdg::MakeCommand("fox --a=%u \"b %U\" %f", hostile),
+  EXPECT_EQ(desktop::MakeCommand("fox --a=%u \"b %U\" %f", hostile),
             (Words{"fox", "--a=" + hostile, "b " + hostile, hostile}));
 }
 
@@ -48,7 +48,7 @@ class Browsers : public FakeDesktop {
   [[nodiscard]] bool Open(const std::string& url) const {
     return InDesktop([&] {
       // As long as a loaded machine could take for a small program; a test never waits for its end.
-      return xdg::OpenInBrowser(xdg::ReadEnvironment(), url, std::chrono::minutes(1));
+      return desktop::OpenInBrowser(desktop::ReadEnvironment(), url, std::chrono::minutes(1));
     });
   }
 };

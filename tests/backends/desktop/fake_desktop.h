@@ -109,6 +109,6 @@ class FakeDesktop : public testing::Test {
   }
 
   support::TempFolder m_folder;
-  xdg::Environment m_environment;
+  desktop::Environment m_environment;
   std::map<std::string, std::string> m_variables;
 };

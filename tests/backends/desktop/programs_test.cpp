@@ -23,39 +23,39 @@ TEST_F(Programs, AreFoundInTheFoldersInTheirOrder) {
   Write("first/tool", "");  // Cannot be run.
   std::filesystem::create_directories(Path("second/tool"));
   m_environment.programFolders = {Path("first"), Path("second"), Path("bin")};
-  EXPECT_EQ(xdg::FindProgram(m_environment, "tool"), Path("bin/tool"));
-  EXPECT_EQ(xdg::FindProgram(m_environment, Path("bin/tool")), Path("bin/tool"));
-  EXPECT_EQ(xdg::FindProgram(m_environment, Path("first/tool")), "");
-  EXPECT_EQ(xdg::FindProgram(m_environment, "none"), "");
-  EXPECT_EQ(xdg::FindProgram(m_environment, ""), "");
+  EXPECT_EQ(desktop::FindProgram(m_environment, "tool"), Path("bin/tool"));
+  EXPECT_EQ(desktop::FindProgram(m_environment, Path("bin/tool")), Path("bin/tool"));
+  EXPECT_EQ(desktop::FindProgram(m_environment, Path("first/tool")), "");
+  EXPECT_EQ(desktop::FindProgram(m_environment, "none"), "");
+  EXPECT_EQ(desktop::FindProgram(m_environment, ""), "");
 }
 
 TEST_F(Programs, GetTheirArgumentsWithoutAShellBetween) {
   PutProgram("tool");
   const Words arguments = {"a b", "$HOME", "`x`", "", "'\"\\"};
-  xdg::Command command{"tool"};
+  desktop::Command command{"tool"};
   command.insert(command.end(), arguments.begin(), arguments.end());
-  EXPECT_TRUE(xdg::StartDetached(m_environment, command, kLong));
+  EXPECT_TRUE(desktop::StartDetached(m_environment, command, kLong));
   EXPECT_EQ(CallOf("tool"), arguments);
 }
 
 TEST_F(Programs, ThatFailAtOnceAreReported) {
   PutProgram("tool", "exit 4");
-  EXPECT_FALSE(xdg::StartDetached(m_environment, {"tool"}, kLong));
+  EXPECT_FALSE(desktop::StartDetached(m_environment, {"tool"}, kLong));
   PutProgram("tool", "kill -9 $$");
-  EXPECT_FALSE(xdg::StartDetached(m_environment, {"tool"}, kLong));
-  EXPECT_FALSE(xdg::StartDetached(m_environment, {"missing"}, kLong));
-  EXPECT_FALSE(xdg::StartDetached(m_environment, {}, kLong));
+  EXPECT_FALSE(desktop::StartDetached(m_environment, {"tool"}, kLong));
+  EXPECT_FALSE(desktop::StartDetached(m_environment, {"missing"}, kLong));
+  EXPECT_FALSE(desktop::StartDetached(m_environment, {}, kLong));
   Write("bin/broken", "#!/nonexistent/interpreter\n");
   std::filesystem::permissions(Path("bin/broken"), std::filesystem::perms::owner_all);
-  EXPECT_FALSE(xdg::StartDetached(m_environment, {"broken"}, kLong));
+  EXPECT_FALSE(desktop::StartDetached(m_environment, {"broken"}, kLong));
 }
 
 TEST_F(Programs, ThatGoOnRunningAreWell) {
   // The tool runs until the test opens its other end.
   ASSERT_EQ(::mkfifo(Path("gate").c_str(), 0600), 0);
   PutProgram("tool", "read x <'" + Path("gate") + "'");
-  EXPECT_TRUE(xdg::StartDetached(m_environment, {"tool"}, std::chrono::milliseconds(0)));
+  EXPECT_TRUE(desktop::StartDetached(m_environment, {"tool"}, std::chrono::milliseconds(0)));
   std::ofstream(Path("gate")) << "go\n";
 }
 
@@ -66,7 +66,7 @@ TEST_F(Programs, InheritNoDescriptorAndAreNotOursToWaitFor) {
                          "out=$(/usr/bin/readlink /proc/$$/fd/1); echo \"$out\" >'" +
                          Path("output") + "'\n" + "/usr/bin/cut -d' ' -f4,6 /proc/$$/stat >'" +
                          Path("family") + "'");
-  EXPECT_TRUE(xdg::StartDetached(m_environment, {"tool"}, kLong));
+  EXPECT_TRUE(desktop::StartDetached(m_environment, {"tool"}, kLong));
   ::close(ours);
   std::ostringstream descriptors;
   descriptors << std::ifstream(Path("descriptors")).rdbuf();

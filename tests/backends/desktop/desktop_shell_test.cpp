@@ -1,4 +1,4 @@
-#include "backends/desktop/xdg_shell.h"
+#include "backends/desktop/desktop_shell.h"
 
 #include <memory>
 #include <mutex>
@@ -14,7 +14,7 @@ using Words = std::vector<std::string>;
 class HelpPages : public FakeDesktop {
  protected:
   [[nodiscard]] std::string Find(const std::string& address) const {
-    return xdg::HelpFolders{{Path("a"), Path("b")}, {"pt_BR", "pt"}}.Find(address).GetUrl();
+    return desktop::HelpFolders{{Path("a"), Path("b")}, {"pt_BR", "pt"}}.Find(address).GetUrl();
   }
   [[nodiscard]] std::string Url(const std::string& rest) const { return "file://" + Path(rest); }
 };
@@ -36,18 +36,18 @@ TEST_F(HelpPages, AreFoundInTheBestLanguage) {
 
 TEST_F(HelpPages, ThatAreMissingHaveAnAddressNevertheless) {
   EXPECT_EQ(Find("file:page.htm#test"), Url("a/page.htm#test"));
-  EXPECT_EQ(xdg::HelpFolders{}.Find("file:page.htm").GetUrl(), "file:///page.htm");
+  EXPECT_EQ(desktop::HelpFolders{}.Find("file:page.htm").GetUrl(), "file:///page.htm");
 }
 
 TEST(HelpPage, EscapesWhatAnAddressGivesAMeaningTo) {
-  EXPECT_EQ((xdg::HelpPage{"/a b/100%#?\xC3\xA4.htm", ""}.GetUrl()),
+  EXPECT_EQ((desktop::HelpPage{"/a b/100%#?\xC3\xA4.htm", ""}.GetUrl()),
             "file:///a%20b/100%25%23%3F%C3%A4.htm");
 }
 
 constexpr std::u16string_view kHelp = u"file:ZedraVoxtrelPE_help.htm";
 constexpr std::u16string_view kHelpOnTest = u"file:ZedraVoxtrelPE_help.htm#test";
 
-class XdgShell : public FakeDesktop {
+class DesktopShell : public FakeDesktop {
  protected:
   /// Has a shell do something, and returns when it is done.
   template <typename Use>
@@ -55,8 +55,8 @@ class XdgShell : public FakeDesktop {
     EXPECT_TRUE(InDesktop([&] {
       std::mutex mutex;
       std::ofstream told(Path("told"), std::ios::app);
-      xdg::XdgShell::Options options;
-      options.environment = xdg::ReadEnvironment();
+      desktop::DesktopShell::Options options;
+      options.environment = desktop::ReadEnvironment();
       options.helpFolders = {Path("help")};
       options.tell = [&](std::u16string_view text) {
         const std::lock_guard lock(mutex);
@@ -65,7 +65,7 @@ class XdgShell : public FakeDesktop {
       // As long as a loaded machine could take for a small program; a test never waits for its end.
       options.patience = std::chrono::minutes(1);
       posix::PosixThreads threads;
-      xdg::XdgShell shell(threads, std::move(options));
+      desktop::DesktopShell shell(threads, std::move(options));
       use(shell);
       return true;
     }));
@@ -84,7 +84,7 @@ class XdgShell : public FakeDesktop {
   [[nodiscard]] Words Told() const { return LinesOf("told"); }
 };
 
-TEST_F(XdgShell, OpensTheHelpPageInTheDefaultBrowserItself) {
+TEST_F(DesktopShell, OpensTheHelpPageInTheDefaultBrowserItself) {
   PutDefaultBrowser();
   PutProgram("xdg-open");
   Write("help/ZedraVoxtrelPE_help.htm", "");
@@ -94,14 +94,14 @@ TEST_F(XdgShell, OpensTheHelpPageInTheDefaultBrowserItself) {
   EXPECT_TRUE(Told().empty());
 }
 
-TEST_F(XdgShell, KeepsThePlaceWithinThePage) {
+TEST_F(DesktopShell, KeepsThePlaceWithinThePage) {
   PutDefaultBrowser();
   Write("help/ZedraVoxtrelPE_help.htm", "");
   Help(kHelpOnTest);
   EXPECT_EQ(CallOf("fox"), (Words{"--new", PageUrl("#test")}));
 }
 
-TEST_F(XdgShell, PrefersThePageInTheLanguageOfTheUser) {
+TEST_F(DesktopShell, PrefersThePageInTheLanguageOfTheUser) {
   PutDefaultBrowser();
   Write("help/ZedraVoxtrelPE_help.htm", "");
   Write("help/de/ZedraVoxtrelPE_help.htm", "");
@@ -111,26 +111,26 @@ TEST_F(XdgShell, PrefersThePageInTheLanguageOfTheUser) {
             (Words{"--new", "file://" + Path("help/de/ZedraVoxtrelPE_help.htm") + "#test"}));
 }
 
-TEST_F(XdgShell, StartsTheBrowserEvenIfThePageIsMissingAndSaysNothing) {
+TEST_F(DesktopShell, StartsTheBrowserEvenIfThePageIsMissingAndSaysNothing) {
   PutDefaultBrowser();
   Help(kHelp);
   EXPECT_EQ(CallOf("fox"), (Words{"--new", PageUrl()}));
   EXPECT_TRUE(Told().empty());
 }
 
-TEST_F(XdgShell, WithoutABrowserNamesThePage) {
+TEST_F(DesktopShell, WithoutABrowserNamesThePage) {
   Write("help/ZedraVoxtrelPE_help.htm", "");
   Help(kHelpOnTest);
   EXPECT_EQ(Told(), Words{"There is no web browser to show this with: " +
                           Path("help/ZedraVoxtrelPE_help.htm")});
 }
 
-TEST_F(XdgShell, WithoutABrowserNamesTheSite) {
+TEST_F(DesktopShell, WithoutABrowserNamesTheSite) {
   OpenSite(u"https://site.example/");
   EXPECT_EQ(Told(), Words{"There is no web browser to show this with: https://site.example/"});
 }
 
-TEST_F(XdgShell, OpensNothingButSites) {
+TEST_F(DesktopShell, OpensNothingButSites) {
   PutDefaultBrowser();
   OpenSite(u"--profile=/tmp/x");
   With([](platform::Shell& shell) {
@@ -141,14 +141,14 @@ TEST_F(XdgShell, OpensNothingButSites) {
   EXPECT_EQ(Told().size(), 3U);
 }
 
-TEST_F(XdgShell, StartsNoOtherProgram) {
+TEST_F(DesktopShell, StartsNoOtherProgram) {
   PutProgram("other.exe");
   With([](platform::Shell& shell) { shell.StartProgram(u"other.exe", u"x"); });
   EXPECT_FALSE(WasCalled("other.exe"));
   EXPECT_EQ(Told(), Words{"There is no such program here: other.exe"});
 }
 
-TEST_F(XdgShell, TwoRequestsAreBothDone) {
+TEST_F(DesktopShell, TwoRequestsAreBothDone) {
   PutDefaultBrowser();
   // Each call leaves a note of its own.
   PutProgram("fox", "/bin/mktemp '" + Path("done.XXXXXX") + "'");

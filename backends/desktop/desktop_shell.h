@@ -11,7 +11,7 @@
 #include "platform/shell.h"
 #include "platform/threads.h"
 
-namespace xdg {
+namespace desktop {
 
 /// A help page on the disk, and a place within it.
 struct HelpPage {
@@ -39,7 +39,7 @@ using Tell = std::function<void(std::u16string_view text)>;
 /// The device's help viewer and browser on a Linux desktop. Both are the user's browser, which gets
 /// the place within the page, too. What may take a moment is done on threads of the shell's own,
 /// and the destructor waits for them.
-class XdgShell final : public platform::Shell {
+class DesktopShell final : public platform::Shell {
  public:
   struct Options {
     Environment environment;
@@ -50,7 +50,7 @@ class XdgShell final : public platform::Shell {
   };
 
   /// `threads` outlives this.
-  XdgShell(platform::Threads& threads, Options options);
+  DesktopShell(platform::Threads& threads, Options options);
 
   void StartProgram(std::u16string_view program, std::u16string_view commandLine) override;
   void Execute(std::u16string_view verb, std::u16string_view file,
@@ -66,4 +66,4 @@ class XdgShell final : public platform::Shell {
   std::vector<std::unique_ptr<platform::Thread>> m_running;
 };
 
-}  // namespace xdg
+}  // namespace desktop

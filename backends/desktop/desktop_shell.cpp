@@ -1,4 +1,4 @@
-#include "backends/desktop/xdg_shell.h"
+#include "backends/desktop/desktop_shell.h"
 
 #include <filesystem>
 #include <system_error>
@@ -8,7 +8,7 @@
 #include "backends/text/utf.h"
 #include "resources/desktop_strings.h"
 
-namespace xdg {
+namespace desktop {
 namespace {
 
 // The names of the device's own programs, as the pages call them.
@@ -78,12 +78,12 @@ HelpPage HelpFolders::Find(std::string_view address) const {
   return {folders.empty() ? "/" + name : folders.front() + "/" + name, anchor};
 }
 
-XdgShell::XdgShell(platform::Threads& threads, Options options)
+DesktopShell::DesktopShell(platform::Threads& threads, Options options)
     : m_threads(threads),
       m_options(std::move(options)),
       m_help{m_options.helpFolders, m_options.environment.languages} {}
 
-void XdgShell::StartProgram(std::u16string_view program, std::u16string_view commandLine) {
+void DesktopShell::StartProgram(std::u16string_view program, std::u16string_view commandLine) {
   if (program != kHelpViewer) {
     m_options.tell(std::u16string(resources::kNoSuchProgram).append(program));
     return;
@@ -92,8 +92,8 @@ void XdgShell::StartProgram(std::u16string_view program, std::u16string_view com
   Open(page.GetUrl(), page.path);
 }
 
-void XdgShell::Execute(std::u16string_view verb, std::u16string_view file,
-                       std::u16string_view parameters) {
+void DesktopShell::Execute(std::u16string_view verb, std::u16string_view file,
+                           std::u16string_view parameters) {
   std::string address = text::ToUtf8(parameters);
   if (verb != kOpenVerb || file != kBrowser || !IsSite(address)) {
     m_options.tell(std::u16string(resources::kNotOpenedHere).append(parameters));
@@ -102,7 +102,7 @@ void XdgShell::Execute(std::u16string_view verb, std::u16string_view file,
   Open(address, address);
 }
 
-void XdgShell::Open(std::string url, std::string shownName) {
+void DesktopShell::Open(std::string url, std::string shownName) {
   // Threads that have ended go. The destructor waits for the rest.
   std::erase_if(m_running, [](const std::unique_ptr<platform::Thread>& thread) {
     return thread->Wait(0) == platform::WaitResult::kSignalled;
@@ -117,10 +117,10 @@ void XdgShell::Open(std::string url, std::string shownName) {
   }
 }
 
-void XdgShell::OpenNow(const std::string& url, const std::string& shownName) const {
+void DesktopShell::OpenNow(const std::string& url, const std::string& shownName) const {
   if (!OpenInBrowser(m_options.environment, url, m_options.patience)) {
     m_options.tell(std::u16string(resources::kNoWebBrowser) + text::FromHostName(shownName));
   }
 }
 
-}  // namespace xdg
+}  // namespace desktop
