@@ -12,7 +12,9 @@
 
 namespace audio {
 
+using platform::Failure;
 using platform::FileError;
+using platform::Result;
 using platform::WaveHeader;
 using platform::WaveResult;
 
@@ -73,7 +75,7 @@ int WaveDevice::QueueBuffer(WaveHeader& header) {
 int WaveDevice::Record(std::u16string_view path, std::uint32_t milliseconds,
                        platform::Durability durability) {
   m_recordedBytes = 0;
-  m_fileError = FileError::kNone;
+  m_fileError.reset();
   try {
     return RecordTo(path, milliseconds, durability);
   } catch (const std::exception&) {
@@ -92,9 +94,8 @@ RecordCode WaveDevice::RecordTo(std::u16string_view path, std::uint32_t millisec
     m_platform.process.End(0);
     return kProcessEnded;
   }
-  const FileError opened = OpenFile(path);
-  if (opened != FileError::kNone) {
-    return RefuseFile(path, opened);
+  if (const auto opened = OpenFile(path); !opened) {
+    return RefuseFile(path, opened.error());
   }
   RecordCode code = StartInput(milliseconds);
   if (code == kRecorded && !AwaitRecording(milliseconds)) {
@@ -105,30 +106,31 @@ RecordCode WaveDevice::RecordTo(std::u16string_view path, std::uint32_t millisec
     ReleaseInput();
     return code;
   }
-  FileError written = WriteRecording();
-  if (written == FileError::kNone) {
+  auto written = WriteRecording();
+  if (written) {
     written = PublishFile(durability);
   }
   m_file.reset();
   ReleaseInput();
   // A recording cut short by a full disk must not pass for a good one.
-  return written == FileError::kNone ? kRecorded : RefuseFile(path, written);
+  return written ? kRecorded : RefuseFile(path, written.error());
 }
 
-FileError WaveDevice::OpenFile(std::u16string_view path) {
+Result<void, FileError> WaveDevice::OpenFile(std::u16string_view path) {
   // A file of that name that is in use is refused before anybody speaks, and not when the recording
   // is to take its place.
-  const FileError earlier =
-      m_platform.files
-          .Open(path, {platform::FileAccess::kWrite, platform::FileShare::kNone,
-                       platform::FileCreation::kOpenExisting})
-          .error;
-  if (earlier != FileError::kNone && earlier != FileError::kNotFound) {
-    return earlier;
+  const auto earlier =
+      m_platform.files.Open(path, {platform::FileAccess::kWrite, platform::FileShare::kNone,
+                                   platform::FileCreation::kOpenExisting});
+  if (!earlier && earlier.error() != FileError::kNotFound) {
+    return Failure(earlier.error());
   }
-  auto opened = m_platform.files.OpenReplacement(path);
-  m_file = std::move(opened.replacement);
-  return opened.error;
+  auto made = m_platform.files.OpenReplacement(path);
+  if (!made) {
+    return Failure(made.error());
+  }
+  m_file = std::move(*made);
+  return {};
 }
 
 RecordCode WaveDevice::RefuseFile(std::u16string_view path, FileError error) {
@@ -139,10 +141,11 @@ RecordCode WaveDevice::RefuseFile(std::u16string_view path, FileError error) {
 }
 
 RecordCode WaveDevice::StartInput(std::uint32_t milliseconds) {
-  m_waveIn = m_platform.waveIn.Open(m_format).device;
-  if (!m_waveIn) {
+  auto opened = m_platform.waveIn.Open(m_format);
+  if (!opened) {
     return kDeviceNotOpened;
   }
+  m_waveIn = std::move(*opened);
   WaveHeader* header = AllocBuffer(milliseconds);
   if (header == nullptr) {
     return kNoBuffer;
@@ -175,22 +178,21 @@ void WaveDevice::ReleaseInput() {
   m_samples.reset();
 }
 
-FileError WaveDevice::WriteRecording() {
+Result<void, FileError> WaveDevice::WriteRecording() {
   const std::uint32_t reported = m_header->bytesRecorded;
   const std::uint32_t bytes =
       std::min(reported == 0 ? kUnreportedBytes : reported, m_header->bufferLength);
   platform::File& file = m_file->GetFile();
-  FileError written = file.Write(MakeWaveHeader(m_format, bytes));
-  if (written == FileError::kNone) {
+  auto written = file.Write(MakeWaveHeader(m_format, bytes));
+  if (written) {
     written = file.Write(std::span(m_header->data, bytes));
   }
   m_recordedBytes = bytes;
   return written;
 }
 
-FileError WaveDevice::PublishFile(platform::Durability durability) {
-  const FileError published = m_file->Publish(durability);
-  if (published == FileError::kNone) {
+Result<void, FileError> WaveDevice::PublishFile(platform::Durability durability) {
+  if (const auto published = m_file->Publish(durability)) {
     return published;
   }
   m_platform.clock.Sleep(kCloseRetryWait);

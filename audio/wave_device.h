@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -77,8 +78,8 @@ class WaveDevice {
   /// path.
   [[nodiscard]] int Play(std::u16string_view path);
 
-  /// Why there is no file, after kFileNotCreated.
-  [[nodiscard]] platform::FileError GetFileError() const { return m_fileError; }
+  /// Why there is no file, after kFileNotCreated; otherwise nothing.
+  [[nodiscard]] std::optional<platform::FileError> GetFileError() const { return m_fileError; }
 
   /// Bytes of samples in the file that Record wrote last.
   [[nodiscard]] std::uint32_t GetRecordedBytes() const { return m_recordedBytes; }
@@ -100,9 +101,10 @@ class WaveDevice {
   /// before its buffer was full.
   [[nodiscard]] bool AwaitRecording(std::uint32_t milliseconds);
   void ReleaseInput();
-  [[nodiscard]] platform::FileError OpenFile(std::u16string_view path);
-  [[nodiscard]] platform::FileError WriteRecording();
-  [[nodiscard]] platform::FileError PublishFile(platform::Durability durability);
+  [[nodiscard]] platform::Result<void, platform::FileError> OpenFile(std::u16string_view path);
+  [[nodiscard]] platform::Result<void, platform::FileError> WriteRecording();
+  [[nodiscard]] platform::Result<void, platform::FileError> PublishFile(
+      platform::Durability durability);
   [[nodiscard]] RecordCode RefuseFile(std::u16string_view path, platform::FileError error);
   [[nodiscard]] PlayCode ReadSound(std::u16string_view path);
   /// Appends to the view until it is `length` bytes long. False where the file or the memory does
@@ -115,7 +117,7 @@ class WaveDevice {
   platform::Platform m_platform;
   std::unique_ptr<std::byte[]> m_samples;  ///< Memory of the header's buffer.
   std::uint32_t m_recordedBytes = 0;
-  platform::FileError m_fileError = platform::FileError::kNone;
+  std::optional<platform::FileError> m_fileError;
 };
 
 }  // namespace audio

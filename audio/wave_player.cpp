@@ -107,25 +107,25 @@ int WaveDevice::Play(std::u16string_view path) {
 }
 
 PlayCode WaveDevice::ReadSound(std::u16string_view path) {
-  const auto opened =
+  const auto file =
       m_platform.files.Open(path, {platform::FileAccess::kRead, platform::FileShare::kNone,
                                    platform::FileCreation::kOpenExisting});
-  if (!opened.file) {
+  if (!file) {
     return kSoundNotOpened;
   }
-  const auto length = opened.file->GetLength();
+  const auto length = (*file)->GetLength();
   if (!length || *length > std::numeric_limits<std::uint32_t>::max()) {
     return kSoundNotMapped;
   }
   // The header first: a file that is no sound may be longer than the memory.
-  if (!ReadUpTo(*opened.file, std::min<std::uint64_t>(*length, kWaveHeaderBytes))) {
+  if (!ReadUpTo(**file, std::min<std::uint64_t>(*length, kWaveHeaderBytes))) {
     return kSoundNotRead;
   }
   const PlayCode code = CheckHeader(m_view);
   if (code != kPlayed) {
     return code;
   }
-  return ReadUpTo(*opened.file, *length) ? kPlayed : kSoundNotRead;
+  return ReadUpTo(**file, *length) ? kPlayed : kSoundNotRead;
 }
 
 bool WaveDevice::ReadUpTo(platform::File& file, std::uint64_t length) {
@@ -145,10 +145,11 @@ PlayCode WaveDevice::PlaySound() {
   if (!data || !IsPlayable(format)) {
     return kSoundNoData;
   }
-  m_waveOut = m_platform.waveOut.Open(format).device;
-  if (!m_waveOut) {
+  auto opened = m_platform.waveOut.Open(format);
+  if (!opened) {
     return kOutputNotOpened;
   }
+  m_waveOut = std::move(*opened);
   m_header = std::make_unique<platform::WaveHeader>();
   m_header->data = m_view.data() + (data->data() - m_view.data());
   m_header->bufferLength = static_cast<std::uint32_t>(data->size());

@@ -58,10 +58,11 @@ class MarkedWaveIn final : public platform::WaveIn {
  public:
   explicit MarkedWaveIn(platform::WaveIn& waveIn) : m_waveIn(waveIn) {}
   std::uint32_t GetDeviceCount() override { return m_waveIn.GetDeviceCount(); }
-  platform::OpenedWaveIn Open(const platform::WaveFormat& format) override {
-    platform::OpenedWaveIn opened = m_waveIn.Open(format);
-    if (opened.device) {
-      opened.device = std::make_unique<MarkedDevice>(std::move(opened.device), closed);
+  platform::Result<std::unique_ptr<platform::WaveInDevice>, platform::WaveResult> Open(
+      const platform::WaveFormat& format) override {
+    auto opened = m_waveIn.Open(format);
+    if (opened) {
+      opened = std::make_unique<MarkedDevice>(std::move(*opened), closed);
     }
     return opened;
   }
@@ -75,9 +76,10 @@ class MarkedWaveIn final : public platform::WaveIn {
 /// No output; the name is to be heard right after its line was listed.
 class MarkedWaveOut final : public platform::WaveOut {
  public:
-  platform::OpenedWaveOut Open(const platform::WaveFormat& /*format*/) override {
+  platform::Result<std::unique_ptr<platform::WaveOutDevice>, platform::WaveResult> Open(
+      const platform::WaveFormat& /*format*/) override {
     opened = ProcessorTime();
-    return {nullptr, platform::WaveResult::kNoDevice};
+    return platform::Failure(platform::WaveResult::kNoDevice);
   }
 
   double opened = 0;

@@ -20,10 +20,14 @@ bool CFile::Open(std::u16string_view path, unsigned flags) {
     mode.creation = FileCreation::kCreateAlways;
   }
   auto opened = m_files.Open(path, mode);
-  m_owned = std::move(opened.file);
+  if (!opened) {
+    m_error = opened.error();
+    return false;
+  }
+  m_owned = std::move(*opened);
   m_file = m_owned.get();
-  m_path = m_file ? path : std::u16string_view();
-  return IsDone(opened.error);
+  m_path = path;
+  return true;
 }
 
 void CFile::Attach(platform::File& file) {
@@ -32,13 +36,15 @@ void CFile::Attach(platform::File& file) {
 }
 
 std::optional<std::uint64_t> CFile::GetLength() {
-  return m_file ? m_file->GetLength() : std::nullopt;
+  const auto length = m_file ? m_file->GetLength() : platform::Failure(FileError::kClosed);
+  return length ? std::optional(*length) : std::nullopt;
 }
 
 bool CFile::Seek(std::uint64_t offset) { return m_file && IsDone(m_file->Seek(offset)); }
 
 std::optional<std::size_t> CFile::Read(std::span<std::byte> into) {
-  return m_file ? m_file->Read(into) : std::nullopt;
+  const auto read = m_file ? m_file->Read(into) : platform::Failure(FileError::kClosed);
+  return read ? std::optional(*read) : std::nullopt;
 }
 
 bool CFile::Write(std::span<const std::byte> bytes) {
@@ -60,11 +66,11 @@ bool CFile::Close() {
   return closed;
 }
 
-bool CFile::IsDone(FileError error) {
-  if (error != FileError::kNone) {
-    m_error = error;
+bool CFile::IsDone(const platform::Result<void, FileError>& result) {
+  if (!result) {
+    m_error = result.error();
   }
-  return error == FileError::kNone;
+  return result.has_value();
 }
 
 }  // namespace framework

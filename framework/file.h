@@ -45,21 +45,21 @@ class CFile {
   [[nodiscard]] bool SetLength(std::uint64_t length);
   [[nodiscard]] bool Flush();
 
-  /// Why the last operation that failed did so. Returns kNone if none has failed.
-  [[nodiscard]] platform::FileError GetError() const { return m_error; }
+  /// Why the last operation that failed did so. Returns nothing if none has failed.
+  [[nodiscard]] std::optional<platform::FileError> GetError() const { return m_error; }
 
   /// Closes the file, which is not open afterwards whatever the result; false where writes may be
   /// lost. Closing what is not open succeeds.
   bool Close();
 
  private:
-  [[nodiscard]] bool IsDone(platform::FileError error);
+  [[nodiscard]] bool IsDone(const platform::Result<void, platform::FileError>& result);
 
   platform::FileSystem& m_files;
   std::unique_ptr<platform::File> m_owned;  ///< Null if another one's file is attached.
   platform::File* m_file = nullptr;
   std::u16string m_path;
-  platform::FileError m_error = platform::FileError::kNone;
+  std::optional<platform::FileError> m_error;
 };
 
 }  // namespace framework

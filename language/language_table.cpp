@@ -35,27 +35,28 @@ void LanguageTable::Load(platform::FileSystem& files, std::u16string_view path) 
 
 void LanguageTable::Load(platform::FileSystem& files, std::u16string_view path,
                          platform::Clock& clock) {
-  platform::OpenedFile opened = files.Open(path, {});
+  auto opened = files.Open(path, {});
   for (std::uint32_t waited = 0;
-       opened.error == platform::FileError::kSharingViolation && waited < kLongestWait;
+       !opened && opened.error() == platform::FileError::kSharingViolation && waited < kLongestWait;
        waited += kRetryWait) {
     clock.Sleep(kRetryWait);
     opened = files.Open(path, {});
   }
-  LoadFrom(std::move(opened));
+  LoadFrom(opened);
 }
 
-void LanguageTable::LoadFrom(platform::OpenedFile opened) {
+void LanguageTable::LoadFrom(
+    const platform::Result<std::unique_ptr<platform::File>, platform::FileError>& opened) {
   m_entries.clear();
-  if (!opened.file) {
+  if (!opened) {
     return;
   }
-  const std::optional<std::uint64_t> length = opened.file->GetLength();
+  const auto length = (*opened)->GetLength();
   if (!length || *length > kMaxFileLength) {
     return;
   }
   std::vector<std::byte> bytes(static_cast<std::size_t>(*length));
-  const std::optional<std::size_t> read = opened.file->Read(bytes);
+  const auto read = (*opened)->Read(bytes);
   if (!read) {
     return;
   }

@@ -60,7 +60,8 @@ class LanguageTable {
   [[nodiscard]] const std::vector<Entry>& GetEntries() const { return m_entries; }
 
  private:
-  void LoadFrom(platform::OpenedFile opened);
+  void LoadFrom(
+      const platform::Result<std::unique_ptr<platform::File>, platform::FileError>& opened);
 
   std::vector<Entry> m_entries;  ///< At most kMaxEntries.
 };

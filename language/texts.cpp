@@ -16,7 +16,7 @@ std::u16string_view Texts::operator()(const resources::Text& text) const {
 
 Texts LoadTexts(platform::FileSystem& files, std::u16string_view path, platform::Clock& clock) {
   try {
-    if (!files.FindFirst(path).search) {
+    if (!files.Find(path)) {
       return {};
     }
     LanguageTable& table = LanguageTable::GetInstance();

@@ -9,8 +9,6 @@
 
 namespace maintenance {
 
-using platform::FileError;
-
 namespace {
 
 constexpr std::uint32_t kMillisecondsBeforeFile = 300;
@@ -56,23 +54,22 @@ void ReinitWorker::Run() {
 }
 
 bool ReinitWorker::ProcessAll() {
-  platform::StartedSearch started = m_store.FindRecordings();
-  if (!started.search) {
+  const auto search = m_store.FindRecordings();
+  if (!search) {
     ReportNoRecordings();
     return false;
   }
-  FileError found = FileError::kNone;
-  while (found != FileError::kNoMoreFiles && !m_progress.IsGone()) {
-    if (found != FileError::kNone) {
+  for (auto found = (*search)->Next(); (!found || *found) && !m_progress.IsGone();
+       found = (*search)->Next()) {
+    if (!found) {
       ReportSearchFailure();
-    } else if (!Recompute(started.first.name)) {
-      ReportNotWritten(started.first.name);
+    } else if (!Recompute((*found)->name)) {
+      ReportNotWritten((*found)->name);
       m_progress.LetUserClose();
       return false;
     } else {
       m_page.GetWorkerEvent()->Set();
     }
-    found = started.search->Next(started.first);
   }
   return true;
 }

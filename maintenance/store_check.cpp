@@ -174,7 +174,8 @@ class Checker {
 
   [[nodiscard]] bool Exists(std::u16string_view path) {
     // Where it cannot be told, the file itself has to tell.
-    return m_platform.files.FindFirst(path).error != FileError::kNotFound;
+    const auto search = m_platform.files.Find(path);
+    return search || search.error() != FileError::kNotFound;
   }
 
   void CheckFolder(std::u16string_view pattern, std::u16string_view extension,
@@ -182,20 +183,26 @@ class Checker {
     if (!m_hasAllTags) {
       return;  // Nobody can tell which files have none.
     }
-    platform::StartedSearch started = m_platform.files.FindFirst(pattern);
-    FileError error = started.error;
-    while (error == FileError::kNone) {
-      const std::u16string_view file = started.first.name;
+    const std::u16string_view folder = pattern.substr(0, pattern.rfind(u'\\'));
+    const auto search = m_platform.files.Find(pattern);
+    if (!search) {
+      if (search.error() != FileError::kNotFound) {
+        ReportFolder(folder);
+      }
+      return;
+    }
+    auto found = (*search)->Next();
+    for (; found && *found; found = (*search)->Next()) {
+      const std::u16string_view file = (*found)->name;
       const std::u16string_view name = file.substr(0, file.size() - extension.size());
       const bool isOfTag = std::ranges::any_of(
           m_tags, [&](const std::u16string& tag) { return text::SameName(tag, name); });
-      if (!isOfTag && !started.first.isFolder) {
+      if (!isOfTag && !(*found)->isFolder) {
         Report(problem, name);
       }
-      error = started.search->Next(started.first);
     }
-    if (error != FileError::kNoMoreFiles && error != FileError::kNotFound) {
-      ReportFolder(pattern.substr(0, pattern.rfind(u'\\')));
+    if (!found) {
+      ReportFolder(folder);
     }
   }
 

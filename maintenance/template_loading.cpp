@@ -12,8 +12,6 @@
 
 namespace maintenance {
 
-using platform::FileError;
-
 namespace {
 constexpr auto kSlots = static_cast<std::int32_t>(voicemath::CVoiceMathematics::kStoredSlots);
 }  // namespace
@@ -44,17 +42,17 @@ void TemplateLoader::LoadTags(const storage::TagTable& tags) {
 
 void TemplateLoader::LoadFolder() {
   const storage::TagStore store(m_platform.files, m_platform.registry);
-  platform::StartedSearch started = store.FindRecordings();
-  if (!started.search) {
+  const auto search = store.FindRecordings();
+  if (!search) {
     m_platform.ui.ShowMessage(platform::ApplicationBox(language::NoVoiceTagsMessage(m_texts)));
     m_loaded.hasProcessEnded = true;
     m_platform.process.End(0);
     return;
   }
-  FileError found = FileError::kNone;
-  for (std::int32_t tag = 0; found != FileError::kNoMoreFiles && tag < kSlots;) {
-    if (found == FileError::kNone) {
-      const std::u16string path = storage::WaveFilePath(started.first.name);
+  auto found = (*search)->Next();
+  for (std::int32_t tag = 0; (!found || *found) && tag < kSlots;) {
+    if (found) {
+      const std::u16string path = storage::WaveFilePath((*found)->name);
       m_loaded.wavePaths.resize(static_cast<std::size_t>(tag) + 1);
       if (!LoadTemplate(tag, path, storage::TemplatePathOfWaveFile(path))) {
         m_loaded.unread.push_back(tag);
@@ -66,7 +64,7 @@ void TemplateLoader::LoadFolder() {
                                  {},
                                  platform::MessageStyle::kOk});
     }
-    found = started.search->Next(started.first);
+    found = (*search)->Next();
   }
 }
 

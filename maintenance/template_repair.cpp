@@ -10,8 +10,9 @@ namespace maintenance {
 namespace {
 
 bool HasTemplateFolder(platform::FileSystem& files) {
-  const platform::StartedSearch found = files.FindFirst(storage::kTemplateFolder);
-  return found.search != nullptr && found.first.isFolder;
+  const auto search = files.Find(storage::kTemplateFolder);
+  const auto found = search ? (*search)->Next() : platform::Failure(search.error());
+  return found && *found && (*found)->isFolder;
 }
 
 }  // namespace

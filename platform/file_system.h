@@ -8,19 +8,20 @@
 #include <string>
 #include <string_view>
 
+#include "platform/result.h"
+
 namespace platform {
 
+/// Why something failed that was asked of a file, a folder or the file system.
 enum class FileError : std::uint8_t {
-  kNone,
   kNotFound,  ///< The name, or a folder on its way, does not exist.
   kAlreadyExists,
   kAccessDenied,
   kSharingViolation,  ///< Another holder has the file open and does not share it so.
   kDiskFull,
-  kReadOnly,     ///< The medium takes no writes.
-  kNoMoreFiles,  ///< The normal end of a search.
-  kClosed,       ///< The file was closed before.
-  kLink,         ///< The name is a symbolic link, and what is written never follows one.
+  kReadOnly,  ///< The medium takes no writes.
+  kClosed,    ///< The file was closed before.
+  kLink,      ///< The name is a symbolic link, and what is written never follows one.
   kOther,
 };
 
@@ -32,14 +33,14 @@ enum class FileAccess : std::uint8_t {
 };
 
 /// What other holders may do while the file is open. Holders in this process and in others count
-/// alike. Two holders go together only where both share kRead and neither may write; whoever comes
-/// second is refused with kSharingViolation.
+/// alike. Two holders go together only if both share kRead and neither may write; the second one is
+/// refused with kSharingViolation.
 enum class FileShare : std::uint8_t { kNone, kRead };
 
 enum class FileCreation : std::uint8_t {
   kOpenExisting,
-  kOpenAlways,    ///< Made where missing, else opened as it is.
-  kCreateAlways,  ///< Made where missing, else emptied.
+  kOpenAlways,    ///< Made if missing, else opened as it is.
+  kCreateAlways,  ///< Made if missing, else emptied.
   kCreateNew,     ///< Made by this call. A link to nothing is there as well: kAlreadyExists.
 };
 
@@ -58,35 +59,30 @@ class File {
   File& operator=(const File&) = delete;
   virtual ~File() = default;
 
-  /// Length in bytes; nothing where it cannot be told.
-  [[nodiscard]] virtual std::optional<std::uint64_t> GetLength() = 0;
+  /// Returns the length in bytes.
+  [[nodiscard]] virtual Result<std::uint64_t, FileError> GetLength() = 0;
 
-  /// Moves the position to `offset` bytes from the start, which may lie behind the end.
-  [[nodiscard]] virtual FileError Seek(std::uint64_t offset) = 0;
+  /// Moves the position to `offset` bytes from the start, which may be after the end.
+  [[nodiscard]] virtual Result<void, FileError> Seek(std::uint64_t offset) = 0;
 
   /// Reads at the position and advances it. Returns the number of bytes read, which is below
-  /// `into.size()` only at the end of the file; nothing where the read failed.
-  [[nodiscard]] virtual std::optional<std::size_t> Read(std::span<std::byte> into) = 0;
+  /// `into.size()` only at the end of the file.
+  [[nodiscard]] virtual Result<std::size_t, FileError> Read(std::span<std::byte> into) = 0;
 
-  /// Writes all of `bytes` at the position and advances it; a gap behind the end reads as zeros.
+  /// Writes all of `bytes` at the position and advances it; a gap after the end reads as zeros.
   /// After a failure an unknown first part of `bytes` has been written.
-  [[nodiscard]] virtual FileError Write(std::span<const std::byte> bytes) = 0;
+  [[nodiscard]] virtual Result<void, FileError> Write(std::span<const std::byte> bytes) = 0;
 
-  /// Cuts the file, or lets it grow by zeros. The position stays, even behind the new end.
-  [[nodiscard]] virtual FileError SetLength(std::uint64_t length) = 0;
+  /// Cuts the file, or lets it grow by zeros. The position stays, even after the new end.
+  [[nodiscard]] virtual Result<void, FileError> SetLength(std::uint64_t length) = 0;
 
   /// Returns when everything written is on the medium. If the file has a name, the name is on the
-  /// medium as well, whoever made the file: both survive a loss of power.
-  [[nodiscard]] virtual FileError Flush() = 0;
+  /// medium as well, no matter who made the file: both survive a loss of power.
+  [[nodiscard]] virtual Result<void, FileError> Flush() = 0;
 
   /// Gives up the file. A failure means that earlier writes may be lost; calling again is allowed
   /// and, once the file is given up, succeeds.
-  [[nodiscard]] virtual FileError Close() = 0;
-};
-
-struct OpenedFile {
-  std::unique_ptr<File> file;  ///< Null exactly where `error` is not kNone.
-  FileError error = FileError::kOther;
+  [[nodiscard]] virtual Result<void, FileError> Close() = 0;
 };
 
 /// What a loss of power may undo once Replacement::Publish has returned.
@@ -120,12 +116,7 @@ class Replacement {
   /// Refused with kSharingViolation while any holder has the earlier file open, with kAccessDenied
   /// if it is protected, with kLink if the name has become a link. After a failure the file can be
   /// published again. kOther may also mean that it has its name, but perhaps not on the medium.
-  [[nodiscard]] virtual FileError Publish(Durability durability) = 0;
-};
-
-struct OpenedReplacement {
-  std::unique_ptr<Replacement> replacement;  ///< Null exactly if `error` is not kNone.
-  FileError error = FileError::kOther;
+  [[nodiscard]] virtual Result<void, FileError> Publish(Durability durability) = 0;
 };
 
 struct FoundFile {
@@ -141,15 +132,9 @@ class FileSearch {
   FileSearch& operator=(const FileSearch&) = delete;
   virtual ~FileSearch() = default;
 
-  /// Stores the next name in `found`. kNoMoreFiles is the normal end. After another failure the
-  /// search may be continued, and ends in a finite number of calls.
-  [[nodiscard]] virtual FileError Next(FoundFile& found) = 0;
-};
-
-struct StartedSearch {
-  std::unique_ptr<FileSearch> search;  ///< Null exactly where `error` is not kNone.
-  FoundFile first;
-  FileError error = FileError::kOther;
+  /// Returns the next name, first the first one. Returns nothing if there are no more. After a
+  /// failure the search may be continued; it ends in a finite number of calls.
+  [[nodiscard]] virtual Result<std::optional<FoundFile>, FileError> Next() = 0;
 };
 
 /// Files and folders by path.
@@ -179,31 +164,34 @@ class FileSystem {
   FileSystem& operator=(const FileSystem&) = delete;
   virtual ~FileSystem() = default;
 
-  [[nodiscard]] virtual OpenedFile Open(std::u16string_view path, const OpenMode& mode) = 0;
+  [[nodiscard]] virtual Result<std::unique_ptr<File>, FileError> Open(std::u16string_view path,
+                                                                      const OpenMode& mode) = 0;
 
-  /// Begins a file that is to take the place of `path`, or to be made there. Whoever has `path`
-  /// open matters only when it is published. kAccessDenied, kLink and kNotFound as for Open.
-  [[nodiscard]] virtual OpenedReplacement OpenReplacement(std::u16string_view path) = 0;
+  /// Begins a file that is to take the place of `path`, or to be made there. Other holders of
+  /// `path` matter only when it is published. kAccessDenied, kLink and kNotFound as for Open.
+  [[nodiscard]] virtual Result<std::unique_ptr<Replacement>, FileError> OpenReplacement(
+      std::u16string_view path) = 0;
 
   /// Deletes a file. Refused with kSharingViolation while any holder has it open. If a device path
   /// ends in a link, the link is deleted and its file stays. A link on a path of the host is
   /// refused with kLink.
-  [[nodiscard]] virtual FileError Delete(std::u16string_view path) = 0;
+  [[nodiscard]] virtual Result<void, FileError> Delete(std::u16string_view path) = 0;
 
   /// Makes one folder, and returns when its name is on the medium.
-  [[nodiscard]] virtual FileError CreateFolder(std::u16string_view path) = 0;
+  [[nodiscard]] virtual Result<void, FileError> CreateFolder(std::u16string_view path) = 0;
 
   /// Returns when the names that were made, replaced or deleted in the folder `path` are on the
   /// medium. "\" is the root folder.
-  [[nodiscard]] virtual FileError FlushFolder(std::u16string_view path) = 0;
+  [[nodiscard]] virtual Result<void, FileError> FlushFolder(std::u16string_view path) = 0;
 
-  /// Finds names in the folder of `pattern` whose last part matches; "*" stands for any run of
-  /// characters, "?" for one, letter case counts for nothing. A pattern without either asks whether
-  /// that file or folder exists. "." and ".." are never found. kNotFound if nothing matches or the
-  /// folder is missing; a folder that is there and cannot be read is another error. The names are
-  /// those that were there when the search began, each once, also when files are made or deleted
-  /// before the next one is asked for.
-  [[nodiscard]] virtual StartedSearch FindFirst(std::u16string_view pattern) = 0;
+  /// Starts a search for the names in the folder of `pattern` that match its last part. "*" stands
+  /// for any run of characters, "?" for one; letter case does not count. A pattern without either
+  /// asks whether that file or folder exists. "." and ".." are never found. Fails with kNotFound if
+  /// nothing matches or the folder is missing; a folder that is there and cannot be read is another
+  /// error. The names are those that were there when the search began, each once, even if files are
+  /// made or deleted before the next one is asked for.
+  [[nodiscard]] virtual Result<std::unique_ptr<FileSearch>, FileError> Find(
+      std::u16string_view pattern) = 0;
 };
 
 }  // namespace platform

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "platform/result.h"
 #include "platform/wave_format.h"
 
 namespace platform {
@@ -47,11 +48,6 @@ class WaveInDevice {
   [[nodiscard]] virtual WaveResult Close() = 0;
 };
 
-struct OpenedWaveIn {
-  std::unique_ptr<WaveInDevice> device;  ///< Null exactly where `result` is not kOk.
-  WaveResult result = WaveResult::kFailed;
-};
-
 /// The default wave input. May be called from any thread.
 class WaveIn {
  public:
@@ -68,7 +64,8 @@ class WaveIn {
   /// buffer that is queued and started then fills in its own length of time and less than a tenth
   /// of a second. kNoDevice where GetDeviceCount is 0, kBadFormat for a format that is not to be
   /// had.
-  [[nodiscard]] virtual OpenedWaveIn Open(const WaveFormat& format) = 0;
+  [[nodiscard]] virtual Result<std::unique_ptr<WaveInDevice>, WaveResult> Open(
+      const WaveFormat& format) = 0;
 };
 
 }  // namespace platform

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "platform/result.h"
 #include "platform/wave_format.h"
 
 namespace platform {
@@ -43,11 +44,6 @@ class WaveOutDevice {
   [[nodiscard]] virtual WaveResult Close() = 0;
 };
 
-struct OpenedWaveOut {
-  std::unique_ptr<WaveOutDevice> device;  ///< Null exactly where `result` is not kOk.
-  WaveResult result = WaveResult::kFailed;
-};
-
 /// The default wave output. May be called from any thread.
 class WaveOut {
  public:
@@ -60,7 +56,8 @@ class WaveOut {
   /// looked at. kBadFormat where that is not PCM, has no whole bytes for the samples of each
   /// channel or is not to be had; kNoDevice where there is no output, or none that answers within
   /// the limit.
-  [[nodiscard]] virtual OpenedWaveOut Open(const WaveFormat& format) = 0;
+  [[nodiscard]] virtual Result<std::unique_ptr<WaveOutDevice>, WaveResult> Open(
+      const WaveFormat& format) = 0;
 };
 
 }  // namespace platform

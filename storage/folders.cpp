@@ -15,7 +15,7 @@ namespace {
 constexpr int kExitCode = 0;
 
 void Create(platform::FileSystem& files, std::u16string_view folder) {
-  [[maybe_unused]] const FileError ignored = files.CreateFolder(folder);
+  static_cast<void>(files.CreateFolder(folder));
 }
 
 }  // namespace
@@ -34,8 +34,8 @@ bool CreateStoreFolders(platform::FileSystem& files) {
   constexpr std::array kFolders{kProgramFilesFolder, kMakerFolder, kInstallFolder, kWaveFolder,
                                 kTemplateFolder};
   return std::ranges::all_of(kFolders, [&files](std::u16string_view folder) {
-    const FileError error = files.CreateFolder(folder);
-    return error == FileError::kNone || error == FileError::kAlreadyExists;
+    const auto made = files.CreateFolder(folder);
+    return made || made.error() == FileError::kAlreadyExists;
   });
 }
 
@@ -58,9 +58,9 @@ FolderResult FolderRule::Ensure(const Step& dataFolder) const {
     if (Exists(step.folder)) {
       continue;
     }
-    const FileError error = m_files.CreateFolder(step.folder);
+    const auto made = m_files.CreateFolder(step.folder);
     // Another program may have made it since it was looked for.
-    if (error == FileError::kNone || error == FileError::kAlreadyExists) {
+    if (made || made.error() == FileError::kAlreadyExists) {
       continue;
     }
     m_ui.ShowMessage({std::u16string(m_texts(step.failure)), platform::MessageCaption::kNone, {}});
@@ -71,7 +71,7 @@ FolderResult FolderRule::Ensure(const Step& dataFolder) const {
 }
 
 bool FolderRule::Exists(std::u16string_view folder) const {
-  return m_files.FindFirst(folder).error == FileError::kNone;
+  return m_files.Find(folder).has_value();
 }
 
 }  // namespace storage

@@ -30,20 +30,18 @@ class Gathering {
   bool AddFiles(std::u16string_view folder, std::u16string_view pattern,
                 std::u16string TagParts::*part, std::size_t extension) {
     const std::u16string path = std::u16string(folder).append(u"\\").append(pattern);
-    platform::StartedSearch found = m_files.FindFirst(path);
-    FileError error = found.error;
+    const auto search = m_files.Find(path);
+    if (!search) {
+      return search.error() == FileError::kNotFound;
+    }
     bool isWhole = true;
-    while (error != FileError::kNoMoreFiles && error != FileError::kNotFound) {
-      if (error != FileError::kNone) {
+    for (auto found = (*search)->Next(); !found || *found; found = (*search)->Next()) {
+      if (!found) {
         isWhole = false;
-        if (!found.search) {
-          break;
-        }
-      } else if (!found.first.isFolder) {
-        const std::u16string& file = found.first.name;
+      } else if (!(*found)->isFolder) {
+        const std::u16string& file = (*found)->name;
         Get(file.substr(0, file.size() - extension)).*part = file;
       }
-      error = found.search->Next(found.first);
     }
     return isWhole;
   }
@@ -165,11 +163,11 @@ DeletedAll DeleteAllTags(platform::FileSystem& files, platform::Registry& regist
   // its files.
   const auto deleteFiles = [&](std::u16string_view folder, std::u16string TagParts::*part) {
     for (const TagParts& parts : all) {
-      const FileError error =
-          (parts.*part).empty()
-              ? FileError::kNone
-              : files.Delete(std::u16string(folder).append(u"\\").append(parts.*part));
-      if (error != FileError::kNone && error != FileError::kNotFound) {
+      if ((parts.*part).empty()) {
+        continue;
+      }
+      const auto deleted = files.Delete(std::u16string(folder).append(u"\\").append(parts.*part));
+      if (!deleted && deleted.error() != FileError::kNotFound) {
         report(DeletionProblem::kFileInUse);
       }
     }

@@ -1,5 +1,6 @@
 #include "storage/tag_store.h"
 
+#include <optional>
 #include <utility>
 
 #include "language/formatting.h"
@@ -9,10 +10,12 @@
 
 namespace storage {
 
+using platform::Failure;
 using platform::FileError;
 using platform::RegistryError;
 using platform::RegistryType;
 using platform::RegistryValue;
+using platform::Result;
 
 namespace {
 
@@ -34,44 +37,50 @@ Error AcceptMissing(Error error) {
   return error == Error::kNotFound ? Error::kNone : error;
 }
 
-/// Passes over folders.
+Result<void, FileError> AcceptMissing(const Result<void, FileError>& result) {
+  const bool isMissing = !result && result.error() == FileError::kNotFound;
+  return isMissing ? Result<void, FileError>() : result;
+}
+
+using FoundOrNot = Result<std::optional<platform::FoundFile>, FileError>;
+
+FoundOrNot NextFile(platform::FileSearch& search) {
+  FoundOrNot found = search.Next();
+  while (found && *found && (*found)->isFolder) {
+    found = search.Next();
+  }
+  return found;
+}
+
+/// Passes over folders. Its first file was looked for before, since there may be none.
 class FilesOnly final : public platform::FileSearch {
  public:
-  explicit FilesOnly(std::unique_ptr<platform::FileSearch> search) : m_search(std::move(search)) {}
+  FilesOnly(std::unique_ptr<platform::FileSearch> search, platform::FoundFile first)
+      : m_search(std::move(search)), m_first(std::move(first)) {}
 
-  FileError Next(platform::FoundFile& found) override {
-    platform::FoundFile next;
-    do {
-      const FileError error = m_search->Next(next);
-      if (error != FileError::kNone) {
-        return error;
-      }
-    } while (next.isFolder);
-    found = std::move(next);
-    return FileError::kNone;
+  [[nodiscard]] FoundOrNot Next() override {
+    return m_first ? std::exchange(m_first, std::nullopt) : NextFile(*m_search);
   }
 
  private:
   std::unique_ptr<platform::FileSearch> m_search;
+  std::optional<platform::FoundFile> m_first;
 };
 
-platform::StartedSearch FindFilesOnly(platform::FileSystem& files, std::u16string_view pattern) {
-  platform::StartedSearch started = files.FindFirst(pattern);
-  if (!started.search) {
-    return started;
+Result<std::unique_ptr<platform::FileSearch>, FileError> FindFilesOnly(
+    platform::FileSystem& files, std::u16string_view pattern) {
+  auto search = files.Find(pattern);
+  if (!search) {
+    return search;
   }
-  started.search = std::make_unique<FilesOnly>(std::move(started.search));
-  if (!started.first.isFolder) {
-    return started;
+  FoundOrNot first = NextFile(**search);
+  if (!first) {
+    return Failure(first.error());
   }
-  started.error = started.search->Next(started.first);
-  if (started.error == FileError::kNoMoreFiles) {
-    started.error = FileError::kNotFound;
+  if (!*first) {
+    return Failure(FileError::kNotFound);
   }
-  if (started.error != FileError::kNone) {
-    started.search.reset();
-  }
-  return started;
+  return std::make_unique<FilesOnly>(std::move(*search), std::move(**first));
 }
 
 }  // namespace
@@ -162,11 +171,11 @@ RegistryError TagStore::ListNames(std::vector<std::u16string>& names,
   return error == RegistryError::kNoMoreItems ? RegistryError::kNone : error;
 }
 
-FileError TagStore::DeleteWaveFile(std::u16string_view tagName) const {
+Result<void, FileError> TagStore::DeleteWaveFile(std::u16string_view tagName) const {
   return AcceptMissing(m_files.Delete(WavePath(tagName)));
 }
 
-FileError TagStore::DeleteTemplateFile(std::u16string_view tagName) const {
+Result<void, FileError> TagStore::DeleteTemplateFile(std::u16string_view tagName) const {
   return AcceptMissing(m_files.Delete(TemplatePath(tagName)));
 }
 
@@ -175,10 +184,10 @@ RegistryError TagStore::DeleteEntry(std::u16string_view tagName) const {
 }
 
 TagDeletion TagStore::Delete(std::u16string_view tagName) const {
-  if (DeleteWaveFile(tagName) != FileError::kNone) {
+  if (!DeleteWaveFile(tagName)) {
     return TagDeletion::kWaveFailed;
   }
-  if (DeleteTemplateFile(tagName) != FileError::kNone) {
+  if (!DeleteTemplateFile(tagName)) {
     return TagDeletion::kTemplateFailed;
   }
   if (DeleteEntry(tagName) != RegistryError::kNone) {
@@ -191,7 +200,7 @@ RegistryError TagStore::DeleteAllEntries() const {
   return AcceptMissing(m_registry.DeleteKey(kTagKey));
 }
 
-platform::StartedSearch TagStore::FindRecordings() const {
+Result<std::unique_ptr<platform::FileSearch>, FileError> TagStore::FindRecordings() const {
   return FindFilesOnly(m_files, kWavePattern);
 }
 

@@ -65,8 +65,10 @@ class TagStore {
                                                   TagEntry& entry) const;
 
   // What is missing counts as deleted: an earlier deletion may have come so far.
-  [[nodiscard]] platform::FileError DeleteWaveFile(std::u16string_view tagName) const;
-  [[nodiscard]] platform::FileError DeleteTemplateFile(std::u16string_view tagName) const;
+  [[nodiscard]] platform::Result<void, platform::FileError> DeleteWaveFile(
+      std::u16string_view tagName) const;
+  [[nodiscard]] platform::Result<void, platform::FileError> DeleteTemplateFile(
+      std::u16string_view tagName) const;
   [[nodiscard]] platform::RegistryError DeleteEntry(std::u16string_view tagName) const;
 
   /// Deletes the recording, the template and the entry, in that order, up to the first failure.
@@ -75,8 +77,10 @@ class TagStore {
   /// Deletes the tag key with all that is below it.
   [[nodiscard]] platform::RegistryError DeleteAllEntries() const;
 
-  /// Searches the recordings, of tags or not; finds their file names, and no folders.
-  [[nodiscard]] platform::StartedSearch FindRecordings() const;
+  /// Searches for the recordings, of tags or not. Finds their file names, and no folders. Fails
+  /// with kNotFound if there is none.
+  [[nodiscard]] platform::Result<std::unique_ptr<platform::FileSearch>, platform::FileError>
+  FindRecordings() const;
 
  private:
   platform::FileSystem& m_files;

@@ -16,6 +16,7 @@ namespace storage {
 
 using platform::FileError;
 using platform::RegistryError;
+using platform::Result;
 
 namespace {
 
@@ -71,13 +72,15 @@ bool IsMarked(const std::vector<std::u16string>& names, std::u16string_view item
 }
 
 /// What is there no more was deleted.
-bool IsGone(FileError error) { return error == FileError::kNone || error == FileError::kNotFound; }
+bool IsGone(const Result<void, FileError>& deleted) {
+  return deleted || deleted.error() == FileError::kNotFound;
+}
 
 std::uint64_t LengthOf(platform::FileSystem& files, std::u16string_view name) {
-  const platform::OpenedFile opened =
+  const auto file =
       files.Open(InTrash(name), {platform::FileAccess::kRead, platform::FileShare::kRead,
                                  platform::FileCreation::kOpenExisting});
-  return opened.file ? opened.file->GetLength().value_or(0) : 0;
+  return file ? (*file)->GetLength().value_or(0) : 0;
 }
 
 std::u16string TemplateFilePath(std::u16string_view file) {
@@ -87,16 +90,18 @@ std::u16string TemplateFilePath(std::u16string_view file) {
 }  // namespace
 
 bool TagTrash::ListFiles(std::vector<std::u16string>& names) const {
-  platform::StartedSearch found = m_files.FindFirst(InTrash(u"*"));
-  FileError error = found.error;
-  while (error == FileError::kNone) {
-    if (!found.first.isFolder) {  // Nothing of the trash is a folder.
-      names.push_back(found.first.name);
+  const auto search = m_files.Find(InTrash(u"*"));
+  if (!search) {
+    return search.error() == FileError::kNotFound;
+  }
+  auto found = (*search)->Next();
+  for (; found && *found; found = (*search)->Next()) {
+    if (!(*found)->isFolder) {  // Nothing of the trash is a folder.
+      names.push_back((*found)->name);
     }
-    error = found.search->Next(found.first);
   }
   std::ranges::sort(names);
-  return error == FileError::kNotFound || error == FileError::kNoMoreFiles;
+  return found.has_value();
 }
 
 bool TagTrash::List(std::vector<TrashedTag>& tags) const {
@@ -262,10 +267,11 @@ RestoreResult TagTrash::Restore(const TrashedTag& tag) const {
     return RestoreResult::kNoFolder;
   }
   const std::u16string mark = tag.file.substr(0, kItemLength).append(kRestoringEnd);
-  const FileError marked = Mark(mark);
-  if (marked != FileError::kNone || m_files.FlushFolder(kTrashFolder) != FileError::kNone) {
+  const auto marked = Mark(mark);
+  if (!marked || !m_files.FlushFolder(kTrashFolder)) {
     Delete(mark);
-    return marked == FileError::kDiskFull ? RestoreResult::kFull : RestoreResult::kFailed;
+    const bool isFull = !marked && marked.error() == FileError::kDiskFull;
+    return isFull ? RestoreResult::kFull : RestoreResult::kFailed;
   }
   const ItemResult unpacked = UnpackItem(m_files, m_registry, InTrash(tag.file));
   EndRestoring(mark);
@@ -294,11 +300,11 @@ bool TagTrash::Empty() const {
   return isEmpty && IsGone(m_files.FlushFolder(kTrashFolder));
 }
 
-FileError TagTrash::Mark(std::u16string_view name) const {
+Result<void, FileError> TagTrash::Mark(std::u16string_view name) const {
   return m_files
       .Open(InTrash(name), {platform::FileAccess::kWrite, platform::FileShare::kNone,
                             platform::FileCreation::kCreateNew})
-      .error;
+      .map([](const auto&) {});
 }
 
 bool TagTrash::Delete(std::u16string_view name) const {
@@ -361,11 +367,13 @@ ItemResult Deletion::Begin() {
   if (!m_name.empty()) {
     return ItemResult::kDone;
   }
-  const FileError folder = m_trash.m_files.CreateFolder(kTrashFolder);
+  const auto folder = m_trash.m_files.CreateFolder(kTrashFolder);
+  if (!folder && folder.error() != FileError::kAlreadyExists) {
+    return folder.error() == FileError::kDiskFull ? ItemResult::kFull : ItemResult::kFailed;
+  }
   std::vector<std::u16string> names;
-  if ((folder != FileError::kNone && folder != FileError::kAlreadyExists) ||
-      !m_trash.ListFiles(names)) {
-    return folder == FileError::kDiskFull ? ItemResult::kFull : ItemResult::kFailed;
+  if (!m_trash.ListFiles(names)) {
+    return ItemResult::kFailed;
   }
   constexpr unsigned kMostInOneSecond = 99;
   m_time = m_trash.m_clock.GetUnixTime();
@@ -374,19 +382,17 @@ ItemResult Deletion::Begin() {
     if (std::ranges::any_of(names, [&](const auto& other) { return other.starts_with(name); })) {
       continue;
     }
-    const FileError error = m_trash.Mark(name + std::u16string(kDeletingEnd));
-    if (error == FileError::kNone) {
-      m_name = name;
-      return ItemResult::kDone;
+    const auto marked = m_trash.Mark(name + std::u16string(kDeletingEnd));
+    if (!marked) {
+      return marked.error() == FileError::kDiskFull ? ItemResult::kFull : ItemResult::kFailed;
     }
-    return error == FileError::kDiskFull ? ItemResult::kFull : ItemResult::kFailed;
+    m_name = name;
+    return ItemResult::kDone;
   }
   return ItemResult::kFailed;
 }
 
-bool Deletion::Seal() const {
-  return m_name.empty() || m_trash.m_files.FlushFolder(kTrashFolder) == FileError::kNone;
-}
+bool Deletion::Seal() const { return m_name.empty() || m_trash.m_files.FlushFolder(kTrashFolder); }
 
 std::u16string FreeTagName(platform::FileSystem& files, platform::Registry& registry,
                            const TagTrash& trash, std::uint32_t tickCount) {

@@ -81,7 +81,7 @@ class TagTrash {
                    Unfinished unfinished) const;
   void RemoveOld(const std::vector<std::u16string>& names) const;
   [[nodiscard]] bool FlushStore() const;
-  [[nodiscard]] platform::FileError Mark(std::u16string_view name) const;
+  [[nodiscard]] platform::Result<void, platform::FileError> Mark(std::u16string_view name) const;
   bool Delete(std::u16string_view name) const;
 
   platform::FileSystem& m_files;

@@ -6,7 +6,9 @@
 
 namespace storage {
 
+using platform::Failure;
 using platform::FileError;
+using platform::Result;
 
 namespace {
 
@@ -83,43 +85,41 @@ std::uint64_t Padding(std::uint64_t length) {
 
 }  // namespace
 
-FileError TarWriter::Add(std::string_view name, std::span<const std::byte> bytes) {
-  FileError error = WriteHeader(name, bytes.size());
-  if (error == FileError::kNone) {
-    error = m_file.Write(bytes);
-  }
-  return error == FileError::kNone ? Pad(bytes.size()) : error;
+Result<void, FileError> TarWriter::Add(std::string_view name, std::span<const std::byte> bytes) {
+  return WriteHeader(name, bytes.size())
+      .and_then([&] { return m_file.Write(bytes); })
+      .and_then([&] { return Pad(bytes.size()); });
 }
 
-FileError TarWriter::AddFile(std::string_view name, platform::File& source) {
+Result<void, FileError> TarWriter::AddFile(std::string_view name, platform::File& source) {
   constexpr std::size_t kChunkBytes = 32768;
   const auto length = source.GetLength();
-  if (!length || source.Seek(0) != FileError::kNone) {
-    return FileError::kOther;
+  if (!length || !source.Seek(0)) {
+    return Failure(FileError::kOther);
   }
-  FileError error = WriteHeader(name, *length);
+  auto written = WriteHeader(name, *length);
   std::vector<std::byte> chunk(kChunkBytes);
-  for (std::uint64_t left = *length; left > 0 && error == FileError::kNone;) {
+  for (std::uint64_t left = *length; left > 0 && written;) {
     const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(left, chunk.size()));
     const auto count = source.Read(std::span(chunk).first(wanted));
     if (count != wanted) {
-      return FileError::kOther;
+      return Failure(FileError::kOther);
     }
-    error = m_file.Write(std::span(chunk).first(wanted));
+    written = m_file.Write(std::span(chunk).first(wanted));
     left -= wanted;
   }
-  return error == FileError::kNone ? Pad(*length) : error;
+  return written ? Pad(*length) : written;
 }
 
-FileError TarWriter::End() {
+Result<void, FileError> TarWriter::End() {
   const std::array<std::byte, 2 * kBlockBytes> zeros{};
   return m_file.Write(zeros);
 }
 
-FileError TarWriter::WriteHeader(std::string_view name, std::uint64_t length) {
+Result<void, FileError> TarWriter::WriteHeader(std::string_view name, std::uint64_t length) {
   constexpr std::uint64_t kMostBytes = (std::uint64_t{1} << 33U) - 1;  // Eleven octal digits.
   if (name.empty() || name.size() >= kName.length || length > kMostBytes) {
-    return FileError::kOther;
+    return Failure(FileError::kOther);
   }
   Block header{};
   PutText(header, kName, name);
@@ -134,36 +134,35 @@ FileError TarWriter::WriteHeader(std::string_view name, std::uint64_t length) {
   return m_file.Write(header);
 }
 
-FileError TarWriter::Pad(std::uint64_t length) {
+Result<void, FileError> TarWriter::Pad(std::uint64_t length) {
   const Block zeros{};
   return m_file.Write(std::span(zeros).first(static_cast<std::size_t>(Padding(length))));
 }
 
 bool TarReader::ReadAt(std::uint64_t offset, std::span<std::byte> bytes) {
-  const auto count =
-      m_file.Seek(offset) == FileError::kNone ? m_file.Read(bytes) : std::optional<std::size_t>();
+  const auto count = m_file.Seek(offset).and_then([&] { return m_file.Read(bytes); });
   m_hasFailed = m_hasFailed || !count;
   return count == bytes.size();
 }
 
-FileError TarReader::Next() {
+Result<bool, FileError> TarReader::Next() {
   Block header{};
   if (!ReadAt(m_next, header)) {
-    return FileError::kOther;
+    return Failure(FileError::kOther);
   }
   if (std::ranges::all_of(header, [](std::byte each) { return each == std::byte{0}; })) {
-    return FileError::kNoMoreFiles;
+    return false;
   }
   const auto checksum = GetNumber(header, kChecksum);
   const auto length = GetNumber(header, kLength);
   const auto whole = m_file.GetLength();
   m_hasFailed = m_hasFailed || !whole;
   if (checksum != ChecksumOf(header) || header[kTypeOffset] != kRegularFile || !length || !whole) {
-    return FileError::kOther;
+    return Failure(FileError::kOther);
   }
   m_offset = m_next + kBlockBytes;
   if (m_offset > *whole || *length > *whole - m_offset) {
-    return FileError::kOther;
+    return Failure(FileError::kOther);
   }
   m_length = *length;
   m_next = m_offset + m_length + Padding(m_length);
@@ -171,35 +170,37 @@ FileError TarReader::Next() {
   for (std::size_t i = 0; i < kName.length && header[i] != std::byte{0}; ++i) {
     m_name += static_cast<char>(header[i]);
   }
-  return FileError::kNone;
+  return true;
 }
 
-FileError TarReader::ReadAll(std::vector<std::byte>& bytes, std::uint64_t limit) {
+Result<std::vector<std::byte>, FileError> TarReader::ReadAll(std::uint64_t limit) {
   if (m_length > limit) {
-    return FileError::kOther;
+    return Failure(FileError::kOther);
   }
-  bytes.resize(static_cast<std::size_t>(m_length));
-  return ReadAt(m_offset, bytes) ? FileError::kNone : FileError::kOther;
+  std::vector<std::byte> bytes(static_cast<std::size_t>(m_length));
+  if (!ReadAt(m_offset, bytes)) {
+    return Failure(FileError::kOther);
+  }
+  return bytes;
 }
 
-FileError TarReader::CopyTo(platform::File& to) {
+Result<void, FileError> TarReader::CopyTo(platform::File& to) {
   constexpr std::size_t kChunkBytes = 32768;
-  if (m_file.Seek(m_offset) != FileError::kNone) {
-    return FileError::kOther;
+  if (!m_file.Seek(m_offset)) {
+    return Failure(FileError::kOther);
   }
   std::vector<std::byte> chunk(kChunkBytes);
   for (std::uint64_t left = m_length; left > 0;) {
     const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(left, chunk.size()));
     if (m_file.Read(std::span(chunk).first(wanted)) != wanted) {
-      return FileError::kOther;
+      return Failure(FileError::kOther);
     }
-    const FileError error = to.Write(std::span(chunk).first(wanted));
-    if (error != FileError::kNone) {
-      return error;
+    if (const auto written = to.Write(std::span(chunk).first(wanted)); !written) {
+      return written;
     }
     left -= wanted;
   }
-  return FileError::kNone;
+  return {};
 }
 
 }  // namespace storage

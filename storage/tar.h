@@ -21,17 +21,20 @@ class TarWriter {
   /// `file` is open for writing, at its beginning, and outlives this.
   explicit TarWriter(platform::File& file) : m_file(file) {}
 
-  [[nodiscard]] platform::FileError Add(std::string_view name, std::span<const std::byte> bytes);
+  [[nodiscard]] platform::Result<void, platform::FileError> Add(std::string_view name,
+                                                                std::span<const std::byte> bytes);
 
-  /// Adds all that `source` holds, from its beginning. Returns kOther if that cannot be read.
-  [[nodiscard]] platform::FileError AddFile(std::string_view name, platform::File& source);
+  /// Adds all that `source` holds, from its beginning. Fails with kOther if that cannot be read.
+  [[nodiscard]] platform::Result<void, platform::FileError> AddFile(std::string_view name,
+                                                                    platform::File& source);
 
   /// The last call.
-  [[nodiscard]] platform::FileError End();
+  [[nodiscard]] platform::Result<void, platform::FileError> End();
 
  private:
-  [[nodiscard]] platform::FileError WriteHeader(std::string_view name, std::uint64_t length);
-  [[nodiscard]] platform::FileError Pad(std::uint64_t length);
+  [[nodiscard]] platform::Result<void, platform::FileError> WriteHeader(std::string_view name,
+                                                                        std::uint64_t length);
+  [[nodiscard]] platform::Result<void, platform::FileError> Pad(std::uint64_t length);
 
   platform::File& m_file;
 };
@@ -44,19 +47,20 @@ class TarReader {
   /// Whether a call failed because the file could not be read, and not for what it holds.
   [[nodiscard]] bool HasFailed() const { return m_hasFailed; }
 
-  /// Goes to the next member. kNoMoreFiles at the end of the archive; kOther if the file is torn or
-  /// is no such archive.
-  [[nodiscard]] platform::FileError Next();
+  /// Goes to the next member. Returns false at the end of the archive. Fails with kOther if the
+  /// file is torn or is no such archive.
+  [[nodiscard]] platform::Result<bool, platform::FileError> Next();
 
   /// Of the member that Next went to.
   [[nodiscard]] const std::string& GetName() const { return m_name; }
   [[nodiscard]] std::uint64_t GetLength() const { return m_length; }
 
-  /// Stores the member's bytes in `bytes`. kOther if it is longer than `limit`.
-  [[nodiscard]] platform::FileError ReadAll(std::vector<std::byte>& bytes, std::uint64_t limit);
+  /// Returns the member's bytes. Fails with kOther if it is longer than `limit`.
+  [[nodiscard]] platform::Result<std::vector<std::byte>, platform::FileError> ReadAll(
+      std::uint64_t limit);
 
   /// Appends the member's bytes to `to`.
-  [[nodiscard]] platform::FileError CopyTo(platform::File& to);
+  [[nodiscard]] platform::Result<void, platform::FileError> CopyTo(platform::File& to);
 
  private:
   /// Fills `bytes` from there on; false at the end of the file too.

@@ -14,8 +14,10 @@
 
 namespace storage {
 
+using platform::Failure;
 using platform::FileError;
 using platform::RegistryError;
+using platform::Result;
 
 namespace {
 
@@ -49,15 +51,11 @@ std::u16string PathIn(std::u16string_view folder, std::u16string_view name) {
 
 std::u16string TrashedEntryPath(std::u16string_view name) { return PathIn(kTagKey, name); }
 
-ItemResult ToResult(FileError error) {
-  switch (error) {
-    case FileError::kNone:
-      return ItemResult::kDone;
-    case FileError::kDiskFull:
-      return ItemResult::kFull;
-    default:
-      return ItemResult::kFailed;
+ItemResult ToResult(const Result<void, FileError>& result) {
+  if (result) {
+    return ItemResult::kDone;
   }
+  return result.error() == FileError::kDiskFull ? ItemResult::kFull : ItemResult::kFailed;
 }
 
 ItemResult ToResult(RegistryError error) {
@@ -145,13 +143,14 @@ ItemResult AddFile(platform::FileSystem& files, TarWriter& tar, std::string_view
     return ItemResult::kDone;
   }
   // A companion that reads the file shares it.
-  const platform::OpenedFile source =
+  const auto source =
       files.Open(PathIn(folder, file), {platform::FileAccess::kRead, platform::FileShare::kRead,
                                         platform::FileCreation::kOpenExisting});
-  if (source.error == FileError::kSharingViolation) {
-    return inUse;
+  if (!source) {
+    return source.error() == FileError::kSharingViolation ? inUse
+                                                          : ToResult(Failure(source.error()));
   }
-  return ToResult(source.file ? tar.AddFile(member, *source.file) : source.error);
+  return ToResult(tar.AddFile(member, **source));
 }
 
 ItemResult AddEntry(platform::Registry& registry, TarWriter& tar, std::u16string_view name) {
@@ -178,41 +177,41 @@ ItemResult WriteParts(platform::FileSystem& files, platform::Registry& registry,
   return result == ItemResult::kDone ? ToResult(tar.End()) : result;
 }
 
-/// Goes to the member of that name.
-FileError Find(TarReader& tar, std::string_view member) {
-  FileError error = tar.Next();
-  while (error == FileError::kNone && tar.GetName() != member) {
-    error = tar.Next();
+/// Goes to the member of that name. Returns false if there is none, or the archive is torn.
+bool Find(TarReader& tar, std::string_view member) {
+  auto next = tar.Next();
+  while (next && *next && tar.GetName() != member) {
+    next = tar.Next();
   }
-  return error;
+  return next && *next;
 }
 
-FileError UnpackFile(platform::FileSystem& files, platform::File& archive, std::string_view member,
-                     const std::u16string& path) {
+Result<void, FileError> UnpackFile(platform::FileSystem& files, platform::File& archive,
+                                   std::string_view member, const std::u16string& path) {
   TarReader tar(archive);
-  FileError error = Find(tar, member);
-  if (error != FileError::kNone) {
-    return FileError::kOther;
+  if (!Find(tar, member)) {
+    return Failure(FileError::kOther);
   }
-  const platform::OpenedReplacement target = files.OpenReplacement(path);
-  if (!target.replacement) {
-    return target.error;
+  const auto target = files.OpenReplacement(path);
+  if (!target) {
+    return Failure(target.error());
   }
-  error = tar.CopyTo(target.replacement->GetFile());
-  return error == FileError::kNone ? target.replacement->Publish(platform::Durability::kNow)
-                                   : error;
+  const auto copied = tar.CopyTo((*target)->GetFile());
+  return copied ? (*target)->Publish(platform::Durability::kNow) : copied;
 }
 
 /// Of the file's changes only those of the tag's own key are made.
 ItemResult UnpackEntry(platform::Registry& registry, platform::File& archive,
                        std::u16string_view name) {
   TarReader tar(archive);
-  std::vector<std::byte> file;
-  if (Find(tar, kEntry) != FileError::kNone ||
-      tar.ReadAll(file, kMaxRegistryFileLength) != FileError::kNone) {
+  if (!Find(tar, kEntry)) {
     return ItemResult::kFailed;
   }
-  const auto read = ParseRegistryFile(file);
+  const auto file = tar.ReadAll(kMaxRegistryFileLength);
+  if (!file) {
+    return ItemResult::kFailed;
+  }
+  const auto read = ParseRegistryFile(*file);
   const auto* content = std::get_if<RegistryFileContent>(&read);
   const std::u16string key = TrashedEntryPath(name);
   if (content == nullptr ||
@@ -235,11 +234,15 @@ bool FindParts(platform::FileSystem& files, platform::Registry& registry, std::u
                TagParts& parts) {
   parts = {.name = std::u16string(name), .waveFile = {}, .templateFile = {}};
   const auto find = [&files](const std::u16string& path, std::u16string& file) {
-    const platform::StartedSearch found = files.FindFirst(path);
-    if (found.error == FileError::kNone && !found.first.isFolder) {
-      file = found.first.name;
+    const auto search = files.Find(path);
+    if (!search) {
+      return search.error() == FileError::kNotFound;
     }
-    return found.error == FileError::kNone || found.error == FileError::kNotFound;
+    const auto found = (*search)->Next();
+    if (found && *found && !(*found)->isFolder) {
+      file = (*found)->name;
+    }
+    return found.has_value();
   };
   if (!find(WavePath(name), parts.waveFile) || !find(TemplatePath(name), parts.templateFile)) {
     return false;
@@ -258,10 +261,10 @@ PartsState GetState(platform::FileSystem& files, platform::Registry& registry,
     if (file.empty()) {
       return true;
     }
-    const FileError error = files.FindFirst(PathIn(folder, file)).error;
+    const auto search = files.Find(PathIn(folder, file));
     ++wanted;
-    there += error == FileError::kNone ? 1U : 0U;
-    return error == FileError::kNone || error == FileError::kNotFound;
+    there += search ? 1U : 0U;
+    return search || search.error() == FileError::kNotFound;
   };
   if (!look(kWaveFolder, parts.waveFile) || !look(kTemplateFolder, parts.templateFile)) {
     return PartsState::kUnknown;
@@ -282,36 +285,34 @@ PartsState GetState(platform::FileSystem& files, platform::Registry& registry,
 
 ItemResult WriteItem(platform::FileSystem& files, platform::Registry& registry,
                      std::u16string_view path, const TrashItem& item) {
-  const platform::OpenedReplacement target = files.OpenReplacement(path);
-  if (!target.replacement) {
-    return ToResult(target.error);
+  const auto target = files.OpenReplacement(path);
+  if (!target) {
+    return ToResult(Failure(target.error()));
   }
-  platform::File& file = target.replacement->GetFile();
+  platform::File& file = (*target)->GetFile();
   TarWriter tar(file);
   const ItemResult result = WriteParts(files, registry, tar, item);
   if (result != ItemResult::kDone) {
     return result;
   }
-  const FileError flushed = file.Flush();
-  return ToResult(flushed == FileError::kNone
-                      ? target.replacement->Publish(platform::Durability::kLater)
-                      : flushed);
+  const auto flushed = file.Flush();
+  return ToResult(flushed ? (*target)->Publish(platform::Durability::kLater) : flushed);
 }
 
 ItemRead ReadItem(platform::FileSystem& files, std::u16string_view path, TrashItem& item) {
-  const platform::OpenedFile opened =
-      files.Open(path, {platform::FileAccess::kRead, platform::FileShare::kRead,
-                        platform::FileCreation::kOpenExisting});
-  if (!opened.file) {
-    return opened.error == FileError::kNotFound ? ItemRead::kNone : ItemRead::kUnreadable;
+  const auto file = files.Open(path, {platform::FileAccess::kRead, platform::FileShare::kRead,
+                                      platform::FileCreation::kOpenExisting});
+  if (!file) {
+    return file.error() == FileError::kNotFound ? ItemRead::kNone : ItemRead::kUnreadable;
   }
-  TarReader tar(*opened.file);
-  std::vector<std::byte> about;
-  if (tar.Next() != FileError::kNone || tar.GetName() != kAbout ||
-      tar.ReadAll(about, kLongestAbout) != FileError::kNone) {
+  TarReader tar(**file);
+  const auto about = tar.Next().value_or(false) && tar.GetName() == kAbout
+                         ? tar.ReadAll(kLongestAbout)
+                         : Failure(FileError::kOther);
+  if (!about) {
     return tar.HasFailed() ? ItemRead::kUnreadable : ItemRead::kNone;
   }
-  const std::string_view text(reinterpret_cast<const char*>(about.data()), about.size());
+  const std::string_view text(reinterpret_cast<const char*>(about->data()), about->size());
   TrashItem read;
   if (!ParseAbout(text, read)) {
     return ItemRead::kNone;
@@ -326,24 +327,23 @@ ItemResult UnpackItem(platform::FileSystem& files, platform::Registry& registry,
   if (ReadItem(files, path, item) != ItemRead::kDone) {
     return ItemResult::kFailed;
   }
-  const platform::OpenedFile archive =
-      files.Open(path, {platform::FileAccess::kRead, platform::FileShare::kRead,
-                        platform::FileCreation::kOpenExisting});
-  if (!archive.file) {
-    return ToResult(archive.error);
+  const auto archive = files.Open(path, {platform::FileAccess::kRead, platform::FileShare::kRead,
+                                         platform::FileCreation::kOpenExisting});
+  if (!archive) {
+    return ToResult(Failure(archive.error()));
   }
-  FileError error = FileError::kNone;
+  Result<void, FileError> unpacked;
   if (!item.parts.waveFile.empty()) {
-    error = UnpackFile(files, *archive.file, kRecording, WaveFilePath(item.parts.waveFile));
+    unpacked = UnpackFile(files, **archive, kRecording, WaveFilePath(item.parts.waveFile));
   }
-  if (error == FileError::kNone && !item.parts.templateFile.empty()) {
-    error = UnpackFile(files, *archive.file, kTemplate,
-                       PathIn(kTemplateFolder, item.parts.templateFile));
+  if (unpacked && !item.parts.templateFile.empty()) {
+    unpacked =
+        UnpackFile(files, **archive, kTemplate, PathIn(kTemplateFolder, item.parts.templateFile));
   }
-  if (error != FileError::kNone || !item.parts.hasEntry) {
-    return ToResult(error);
+  if (!unpacked || !item.parts.hasEntry) {
+    return ToResult(unpacked);
   }
-  return UnpackEntry(registry, *archive.file, item.parts.name);
+  return UnpackEntry(registry, **archive, item.parts.name);
 }
 
 }  // namespace storage

@@ -67,7 +67,7 @@ class Page_one : public framework::CPropertyPage,
   /// The recorder's last answer. A message has shown it as a number.
   [[nodiscard]] int GetRecordCode() const { return m_recordCode; }
   /// Why a file of the last recording was not written; kNone if that was not the reason.
-  [[nodiscard]] platform::FileError GetLearnError() const { return m_learnError; }
+  [[nodiscard]] std::optional<platform::FileError> GetLearnError() const { return m_learnError; }
 
  private:
   /// One line of the list. The rows of the tag table are counted from the registry and so are not
@@ -161,7 +161,7 @@ class Page_one : public framework::CPropertyPage,
   std::vector<std::unique_ptr<platform::Thread>> m_lateWorkers;
   int m_playCode = 0;
   int m_recordCode = 0;
-  platform::FileError m_learnError = platform::FileError::kNone;
+  std::optional<platform::FileError> m_learnError;
   bool m_isSetUp = false;
 };
 

@@ -151,8 +151,7 @@ bool Page_one::DeleteTagOfLine(std::size_t line) {
     ShowBox(resources::kTagInUse);
     return false;
   }
-  if (m_store.DeleteWaveFile(tagName) != platform::FileError::kNone ||
-      m_store.DeleteTemplateFile(tagName) != platform::FileError::kNone) {
+  if (!m_store.DeleteWaveFile(tagName) || !m_store.DeleteTemplateFile(tagName)) {
     ShowBox(resources::kTagInUse);
     return false;
   }

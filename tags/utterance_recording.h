@@ -28,10 +28,9 @@ class UtteranceRecording {
 
   /// The recorder's answer; kRecorded as long as there is none. May be called from any thread.
   [[nodiscard]] int GetCode() const { return m_code; }
-  /// Why there is no file, after kFileNotCreated; else kNone.
-  [[nodiscard]] platform::FileError GetFileError() const {
-    return GetCode() == audio::kFileNotCreated ? m_device->GetFileError()
-                                               : platform::FileError::kNone;
+  /// Why there is no file, after kFileNotCreated; otherwise nothing.
+  [[nodiscard]] std::optional<platform::FileError> GetFileError() const {
+    return GetCode() == audio::kFileNotCreated ? m_device->GetFileError() : std::nullopt;
   }
 
  private:

@@ -21,22 +21,16 @@ TemplateFileResult ToResult(ArchiveStatus status) {
   return TemplateFileResult::kFileFailure;
 }
 
-/// Makes the file where it is missing, without touching one that is there.
-platform::FileError EnsureFile(platform::FileSystem& files, std::u16string_view path) {
-  return files
-      .Open(path, {platform::FileAccess::kNone, platform::FileShare::kNone,
-                   platform::FileCreation::kOpenAlways})
-      .error;
-}
-
 }  // namespace
 
 TemplateFileResult WriteTemplateFile(platform::FileSystem& files, std::u16string_view path,
                                      framework::CObject& object) {
-  const platform::FileError made = EnsureFile(files, path);
-  if (made != platform::FileError::kNone) {
-    return made == platform::FileError::kDiskFull ? TemplateFileResult::kDiskFull
-                                                  : TemplateFileResult::kNotCreated;
+  // Makes the file if it is missing, without touching one that is there. It is closed at once.
+  if (const auto made = files.Open(path, {platform::FileAccess::kNone, platform::FileShare::kNone,
+                                          platform::FileCreation::kOpenAlways});
+      !made) {
+    return made.error() == platform::FileError::kDiskFull ? TemplateFileResult::kDiskFull
+                                                          : TemplateFileResult::kNotCreated;
   }
   CFile file(files);
   if (!file.Open(path, CFile::modeWrite)) {
@@ -53,21 +47,21 @@ TemplateFileResult WriteTemplateFile(platform::FileSystem& files, std::u16string
   return flushed && closed ? result : TemplateFileResult::kFileFailure;
 }
 
-platform::FileError ReplaceTemplateFile(platform::FileSystem& files, std::u16string_view path,
-                                        framework::CObject& object) {
-  const auto opened = files.OpenReplacement(path);
-  if (!opened.replacement) {
-    return opened.error;
+platform::Result<void, platform::FileError> ReplaceTemplateFile(platform::FileSystem& files,
+                                                                std::u16string_view path,
+                                                                framework::CObject& object) {
+  const auto made = files.OpenReplacement(path);
+  if (!made) {
+    return platform::Failure(made.error());
   }
   CFile file(files);
-  file.Attach(opened.replacement->GetFile());
+  file.Attach((*made)->GetFile());
   CArchive archive(file, CArchive::Mode::kStore);
   object.Serialize(archive);
   if (archive.Close() != ArchiveStatus::kGood) {
-    const platform::FileError error = file.GetError();
-    return error == platform::FileError::kNone ? platform::FileError::kOther : error;
+    return platform::Failure(file.GetError().value_or(platform::FileError::kOther));
   }
-  return opened.replacement->Publish(platform::Durability::kNow);
+  return (*made)->Publish(platform::Durability::kNow);
 }
 
 TemplateFileResult ReadTemplateFile(platform::FileSystem& files, std::u16string_view path,

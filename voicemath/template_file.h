@@ -27,11 +27,9 @@ enum class TemplateFileResult : std::uint8_t {
                                                    framework::CObject& object);
 
 /// As WriteTemplateFile, but the file takes the place of an earlier one in one step, and is as long
-/// as its template. Whatever fails, the path holds the earlier file or the new one. Returns kNone,
-/// or why there is no new one.
-[[nodiscard]] platform::FileError ReplaceTemplateFile(platform::FileSystem& files,
-                                                      std::u16string_view path,
-                                                      framework::CObject& object);
+/// as its template. Whatever fails, the path holds the earlier file or the new one.
+[[nodiscard]] platform::Result<void, platform::FileError> ReplaceTemplateFile(
+    platform::FileSystem& files, std::u16string_view path, framework::CObject& object);
 
 /// Reads the file at `path` into `object` through a loading archive.
 [[nodiscard]] TemplateFileResult ReadTemplateFile(platform::FileSystem& files,

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -142,8 +143,8 @@ class CVoiceMathematics : public framework::CObject {
   /// Whether the speech that DetectSpeechBounds found last, if any, has a place in 16 bits. If not,
   /// its bounds are elsewhere.
   bool m_hasSpeechPlace = true;
-  /// Why the last recording that was to be trimmed was not; kNone if it was.
-  platform::FileError m_trimError = platform::FileError::kNone;
+  /// Why the last recording that was to be trimmed was not. Nothing if it was.
+  std::optional<platform::FileError> m_trimError;
 
  private:
   enum class Extent : std::uint8_t { kSpeech, kWholeFile };
@@ -155,7 +156,9 @@ class CVoiceMathematics : public framework::CObject {
                                           std::uint64_t start);
   [[nodiscard]] HeaderCode ReadHeader();
   void SelectWholeFile();
-  [[nodiscard]] platform::FileError WriteTrimmed(platform::File& trimmed, std::uint32_t bytes);
+  [[nodiscard]] platform::Result<void, platform::FileError> ReplaceByTrimmed(std::uint32_t bytes);
+  [[nodiscard]] platform::Result<void, platform::FileError> WriteTrimmed(platform::File& trimmed,
+                                                                         std::uint32_t bytes);
   [[nodiscard]] bool ReadFrames(std::span<float> features);
   void Store(framework::CArchive& archive) const;
   void Load(framework::CArchive& archive);

@@ -12,7 +12,9 @@
 
 namespace voicemath {
 
+using platform::Failure;
 using platform::FileError;
+using platform::Result;
 
 namespace {
 
@@ -34,13 +36,13 @@ class SampleCopier {
                                                 offset, audio::kWaveHeaderBytes))) {}
 
   /// Copies one buffer, or its first `bytes`.
-  [[nodiscard]] FileError Copy(std::uint64_t done, std::size_t bytes) {
+  [[nodiscard]] Result<void, FileError> Copy(std::uint64_t done, std::size_t bytes) {
     std::array<std::byte, audio::kWaveHeaderBytes> written{};
     std::copy_n(m_buffer.end() - static_cast<std::ptrdiff_t>(m_overlap), m_overlap,
                 written.begin());
     const auto part = std::span(m_buffer).first(bytes);
     if (!ReadAt(m_from, m_offset + done, part)) {
-      return FileError::kOther;
+      return Failure(FileError::kOther);
     }
     if (done > 0) {
       std::copy_n(written.begin(), std::min(m_overlap, bytes), part.begin());
@@ -59,7 +61,7 @@ class SampleCopier {
 }  // namespace
 
 bool CVoiceMathematics::TrimWaveFile() {
-  m_trimError = FileError::kNone;
+  m_trimError.reset();
   const std::uint32_t total = m_dataBytes / static_cast<std::uint32_t>(kSampleBytes);
   const bool differs = m_firstSample > 0 || m_lastSample < total - 1;
   if (!differs || m_firstSample >= m_lastSample) {
@@ -68,15 +70,8 @@ bool CVoiceMathematics::TrimWaveFile() {
   const std::uint32_t bytes =
       (m_lastSample - m_firstSample + 1) * static_cast<std::uint32_t>(kSampleBytes);
   const std::u16string path = m_file.GetFilePath();
-  const platform::OpenedReplacement trimmed = m_files.OpenReplacement(path);
-  m_trimError =
-      trimmed.replacement ? WriteTrimmed(trimmed.replacement->GetFile(), bytes) : trimmed.error;
-  if (m_trimError != FileError::kNone) {
-    return false;
-  }
-  m_file.Close();  // It was the holder of the earlier file.
-  m_trimError = trimmed.replacement->Publish(platform::Durability::kNow);
-  if (m_trimError != FileError::kNone) {
+  if (const auto trimmed = ReplaceByTrimmed(bytes); !trimmed) {
+    m_trimError = trimmed.error();
     return false;
   }
   m_firstSample = 0;
@@ -87,16 +82,29 @@ bool CVoiceMathematics::TrimWaveFile() {
   return m_file.Open(path, framework::CFile::modeReadWrite);
 }
 
-FileError CVoiceMathematics::WriteTrimmed(platform::File& trimmed, std::uint32_t bytes) {
+Result<void, FileError> CVoiceMathematics::ReplaceByTrimmed(std::uint32_t bytes) {
+  const auto trimmed = m_files.OpenReplacement(m_file.GetFilePath());
+  if (!trimmed) {
+    return Failure(trimmed.error());
+  }
+  if (const auto written = WriteTrimmed((*trimmed)->GetFile(), bytes); !written) {
+    return written;
+  }
+  m_file.Close();  // It was the holder of the earlier file.
+  return (*trimmed)->Publish(platform::Durability::kNow);
+}
+
+Result<void, FileError> CVoiceMathematics::WriteTrimmed(platform::File& trimmed,
+                                                        std::uint32_t bytes) {
   const auto format = audio::MonoPcm(audio::kRecordingBits, audio::kRecordingRate);
-  FileError error = trimmed.Write(audio::MakeWaveHeader(format, bytes));
+  auto written = trimmed.Write(audio::MakeWaveHeader(format, bytes));
   SampleCopier copier(m_file, trimmed, m_dataOffset + std::uint64_t{m_firstSample} * kSampleBytes);
-  for (std::uint32_t done = 0; error == FileError::kNone && done < bytes;) {
+  for (std::uint32_t done = 0; written && done < bytes;) {
     const std::uint32_t part = std::min<std::uint32_t>(bytes - done, kCopyBytes);
-    error = copier.Copy(done, part);
+    written = copier.Copy(done, part);
     done += part;
   }
-  return error;
+  return written;
 }
 
 }  // namespace voicemath

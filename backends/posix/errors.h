@@ -10,6 +10,11 @@ namespace posix {
 /// What a value of errno means to the system.
 [[nodiscard]] platform::FileError ToFileError(int error);
 
+/// How a call of the system failed that has just set errno.
+[[nodiscard]] inline tl::unexpected<platform::FileError> FailureFromErrno() {
+  return platform::Failure(ToFileError(errno));
+}
+
 /// Calls until the call was not interrupted by a signal.
 template <typename Call>
 [[nodiscard]] auto Retry(Call call) {
@@ -20,13 +25,13 @@ template <typename Call>
   return result;
 }
 
-/// The result of the call, or `failure` if there was no memory for it.
-template <typename Result, typename Call>
-Result WithMemory(Result failure, const Call& call) {
+/// The result of the call, or kOther if there was no memory for it.
+template <typename Call>
+[[nodiscard]] auto WithMemory(const Call& call) -> decltype(call()) {
   try {
     return call();
   } catch (const std::bad_alloc&) {
-    return failure;
+    return platform::Failure(platform::FileError::kOther);
   }
 }
 

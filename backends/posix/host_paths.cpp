@@ -17,68 +17,65 @@
 namespace posix {
 namespace {
 
+using platform::Failure;
 using platform::FileError;
+using platform::Result;
 
 struct CloseFolder {
   void operator()(DIR* folder) const { ::closedir(folder); }
 };
 
-struct Spelling {
-  std::string name;
-  FileError error = FileError::kNone;
-};
-
 /// The spelling of `name` that exists in `folder`, an exact one first; kNotFound if none does.
-Spelling FindSpelling(const std::string& folder, std::u16string_view name) {
+Result<std::string, FileError> FindSpelling(const std::string& folder, std::u16string_view name) {
   std::string exact = text::ToHostName(name);
   struct stat status {};
   if (::lstat((folder + exact).c_str(), &status) == 0) {
-    return {std::move(exact)};
+    return exact;
   }
   if (errno != ENOENT) {
-    return {{}, ToFileError(errno)};
+    return FailureFromErrno();
   }
-  std::optional<std::vector<std::string>> names = ListFolder(folder);
+  auto names = ListFolder(folder);
   if (!names) {
-    return {{}, ToFileError(errno)};
+    return Failure(names.error());
   }
   for (std::string& candidate : *names) {
     if (text::SameName(text::FromHostName(candidate), name)) {
-      return {std::move(candidate)};
+      return std::move(candidate);
     }
   }
-  return {{}, FileError::kNotFound};
+  return Failure(FileError::kNotFound);
 }
 
-FoundPlace FindDevicePlace(const std::string& root, std::u16string_view path) {
+Result<HostPlace, FileError> FindDevicePlace(const std::string& root, std::u16string_view path) {
   const auto parts = text::SplitDevicePath(path);
   if (!parts) {
-    return {{}, FileError::kNotFound};
+    return Failure(FileError::kNotFound);
   }
   std::string folder = root + "/";
   for (std::size_t i = 0; i + 1 < parts->size(); ++i) {
-    const Spelling spelling = FindSpelling(folder, (*parts)[i]);
-    if (spelling.error != FileError::kNone) {
-      return {{}, spelling.error};
+    const auto spelling = FindSpelling(folder, (*parts)[i]);
+    if (!spelling) {
+      return Failure(spelling.error());
     }
-    folder += spelling.name + "/";
+    folder += *spelling + "/";
   }
-  Spelling last = FindSpelling(folder, parts->back());
-  if (last.error == FileError::kNotFound) {
-    last = {text::ToHostName(parts->back())};
+  auto last = FindSpelling(folder, parts->back());
+  if (!last && last.error() == FileError::kNotFound) {
+    last = text::ToHostName(parts->back());
   }
-  if (last.error != FileError::kNone) {
-    return {{}, last.error};
+  if (!last) {
+    return Failure(last.error());
   }
-  return {{std::move(folder), std::move(last.name)}, FileError::kNone};
+  return HostPlace{std::move(folder), std::move(*last)};
 }
 
 }  // namespace
 
-std::optional<std::vector<std::string>> ListFolder(const std::string& folder) {
+Result<std::vector<std::string>, FileError> ListFolder(const std::string& folder) {
   const std::unique_ptr<DIR, CloseFolder> stream(::opendir(folder.c_str()));
   if (!stream) {
-    return std::nullopt;
+    return FailureFromErrno();
   }
   std::vector<std::string> names;
   errno = 0;
@@ -90,26 +87,26 @@ std::optional<std::vector<std::string>> ListFolder(const std::string& folder) {
     errno = 0;
   }
   if (errno != 0) {
-    return std::nullopt;
+    return FailureFromErrno();
   }
   return names;
 }
 
-FoundPlace FindPlace(const std::string& root, std::u16string_view path) {
+Result<HostPlace, FileError> FindPlace(const std::string& root, std::u16string_view path) {
   if (text::IsDevicePath(path)) {
     return FindDevicePlace(root, path);
   }
   if (path.empty() || path.find(u'\0') != std::u16string_view::npos) {
-    return {{}, FileError::kNotFound};
+    return Failure(FileError::kNotFound);
   }
   std::string hostPath = text::ToHostName(path);
   while (hostPath.size() > 1 && hostPath.ends_with('/')) {
     hostPath.pop_back();
   }
-  return {{FolderOf(hostPath), hostPath.substr(hostPath.rfind('/') + 1)}, FileError::kNone};
+  return HostPlace{FolderOf(hostPath), hostPath.substr(hostPath.rfind('/') + 1)};
 }
 
-std::optional<std::string> FollowLinks(std::string path) {
+Result<std::string, FileError> FollowLinks(std::string path) {
   constexpr int kMostLinks = 40;
   for (int i = 0; i < kMostLinks; ++i) {
     std::array<char, 4096> target{};
@@ -120,8 +117,7 @@ std::optional<std::string> FollowLinks(std::string path) {
     const std::string_view link(target.data(), static_cast<std::size_t>(length));
     path = link.starts_with('/') ? std::string(link) : FolderOf(path) + std::string(link);
   }
-  errno = ELOOP;
-  return std::nullopt;
+  return Failure(ToFileError(ELOOP));
 }
 
 std::string FolderOf(const std::string& path) {

@@ -12,16 +12,15 @@
 namespace posix {
 namespace {
 
+using platform::Failure;
 using platform::FileAccess;
 using platform::FileCreation;
 using platform::FileError;
 using platform::OpenMode;
+using platform::Result;
 
 /// Never waits for the other end of a pipe, takes no terminal, and is not inherited by programs.
 constexpr int kOpenFlags = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
-
-LockedFile Failure(FileError error) { return {Descriptor(), error, {}}; }
-LockedFile FailureFromErrno() { return Failure(ToFileError(errno)); }
 
 bool Writes(const OpenMode& mode) {
   return mode.access == FileAccess::kWrite || mode.access == FileAccess::kReadWrite;
@@ -36,14 +35,15 @@ bool Changes(const OpenMode& mode) {
   return Writes(mode) || mode.creation == FileCreation::kCreateAlways;
 }
 
-FileError CheckStatus(const struct stat& status, const OpenMode& mode) {
-  return !S_ISREG(status.st_mode) || (Changes(mode) && IsProtected(status))
-             ? FileError::kAccessDenied
-             : FileError::kNone;
+Result<void, FileError> CheckStatus(const struct stat& status, const OpenMode& mode) {
+  if (!S_ISREG(status.st_mode) || (Changes(mode) && IsProtected(status))) {
+    return Failure(FileError::kAccessDenied);
+  }
+  return {};
 }
 
 int AccessFlag(const OpenMode& mode) {
-  // Emptying a file takes a descriptor that may write, also where the holder may not.
+  // Emptying a file takes a descriptor that may write, even if the holder may not.
   const bool empties = mode.creation == FileCreation::kCreateAlways;
   switch (mode.access) {
     case FileAccess::kNone:
@@ -69,7 +69,7 @@ Descriptor OpenExisting(const std::string& path, const OpenMode& mode, int flags
   return Descriptor(descriptor);
 }
 
-/// False only where another holder is in the way.
+/// Returns false only if another holder is in the way.
 bool Lock(int descriptor, const OpenMode& mode) {
   const bool isShared = mode.share == platform::FileShare::kRead && !Changes(mode);
   const int operation = (isShared ? LOCK_SH : LOCK_EX) | LOCK_NB;
@@ -77,15 +77,18 @@ bool Lock(int descriptor, const OpenMode& mode) {
 }
 
 /// Whether there is a file that may be opened so; kNotFound also if it is to be made.
-FileError Look(const std::string& path, const OpenMode& mode, bool refusesLinks,
-               struct stat& status) {
+Result<void, FileError> Look(const std::string& path, const OpenMode& mode, bool refusesLinks) {
+  struct stat status {};
   if (::fstatat(AT_FDCWD, path.c_str(), &status, refusesLinks ? AT_SYMLINK_NOFOLLOW : 0) != 0) {
-    return ToFileError(errno);
+    return FailureFromErrno();
   }
   if (mode.creation == FileCreation::kCreateNew) {
-    return FileError::kAlreadyExists;
+    return Failure(FileError::kAlreadyExists);
   }
-  return S_ISLNK(status.st_mode) ? FileError::kLink : CheckStatus(status, mode);
+  if (S_ISLNK(status.st_mode)) {
+    return Failure(FileError::kLink);
+  }
+  return CheckStatus(status, mode);
 }
 
 Descriptor OpenOrMake(const std::string& path, const OpenMode& mode, bool isThere) {
@@ -96,48 +99,53 @@ Descriptor OpenOrMake(const std::string& path, const OpenMode& mode, bool isTher
 }
 
 /// Sees to the rights of a file that was opened, and empties it if its mode says so.
-FileError Prepare(int descriptor, const struct stat& status, const OpenMode& mode, Others others,
-                  bool isThere) {
+Result<void, FileError> Prepare(int descriptor, const struct stat& status, const OpenMode& mode,
+                                Others others, bool isThere) {
   const bool tightens = others == Others::kLoseRights && Changes(mode);
   if (!isThere || tightens) {
-    const FileError error = SetRights(descriptor, isThere ? status.st_mode & S_IRWXU : kOwnerFile);
-    if (error != FileError::kNone) {
-      return error;
+    const auto set = SetRights(descriptor, isThere ? status.st_mode & S_IRWXU : kOwnerFile);
+    if (!set) {
+      return set;
     }
   }
   const bool empties = mode.creation == FileCreation::kCreateAlways;
-  return empties && Retry([&] { return ::ftruncate(descriptor, 0); }) != 0 ? ToFileError(errno)
-                                                                           : FileError::kNone;
-}
-
-/// One attempt; nothing where the file at `path` was made or swapped by another process meanwhile.
-std::optional<LockedFile> TryOpenLocked(const std::string& path, const OpenMode& mode,
-                                        Others others) {
-  const bool refusesLinks = RefusesLinks(mode);
-  std::optional<std::string> target = refusesLinks ? path : FollowLinks(path);
-  if (!target) {
+  if (empties && Retry([&] { return ::ftruncate(descriptor, 0); }) != 0) {
     return FailureFromErrno();
   }
+  return {};
+}
+
+/// One attempt. Returns nothing if another process made or swapped the file at `path` meanwhile.
+std::optional<Result<LockedFile, FileError>> TryOpenLocked(const std::string& path,
+                                                           const OpenMode& mode, Others others) {
+  const bool refusesLinks = RefusesLinks(mode);
+  auto target = refusesLinks ? path : FollowLinks(path);
+  if (!target) {
+    return Failure(target.error());
+  }
   // Looked at before it is opened, since opening a device can have effects of its own.
-  struct stat status {};
-  const FileError seen = Look(*target, mode, refusesLinks, status);
-  const bool isThere = seen == FileError::kNone;
-  const bool isToBeMade = seen == FileError::kNotFound && errno == ENOENT &&
+  const auto seen = Look(*target, mode, refusesLinks);
+  const bool isThere = seen.has_value();
+  const bool isToBeMade = !isThere && seen.error() == FileError::kNotFound && errno == ENOENT &&
                           mode.creation != FileCreation::kOpenExisting;
   if (!isThere && !isToBeMade) {
-    return Failure(seen);
+    return Failure(seen.error());
   }
-  LockedFile file{OpenOrMake(*target, mode, isThere), FileError::kNone, std::move(*target)};
+  LockedFile file{OpenOrMake(*target, mode, isThere), std::move(*target)};
   if (!file.descriptor.IsOpen()) {
     const bool isSwapped =
         isThere ? errno == ENOENT || (refusesLinks && errno == ELOOP) : errno == EEXIST;
-    return isSwapped ? std::nullopt : std::optional(FailureFromErrno());
+    if (isSwapped) {
+      return std::nullopt;
+    }
+    return FailureFromErrno();
   }
+  struct stat status {};
   if (::fstat(file.descriptor.Get(), &status) != 0) {
     return FailureFromErrno();
   }
-  if (const FileError error = CheckStatus(status, mode); isThere && error != FileError::kNone) {
-    return Failure(error);
+  if (const auto checked = CheckStatus(status, mode); isThere && !checked) {
+    return Failure(checked.error());
   }
   if (!Lock(file.descriptor.Get(), mode)) {
     return Failure(FileError::kSharingViolation);
@@ -147,50 +155,57 @@ std::optional<LockedFile> TryOpenLocked(const std::string& path, const OpenMode&
     return std::nullopt;
   }
   // Only now that no other holder can be in the middle of it.
-  const FileError error = Prepare(file.descriptor.Get(), status, mode, others, isThere);
-  return error == FileError::kNone ? std::move(file) : Failure(error);
+  if (const auto prepared = Prepare(file.descriptor.Get(), status, mode, others, isThere);
+      !prepared) {
+    return Failure(prepared.error());
+  }
+  return file;
 }
 
 }  // namespace
 
-LockedFile OpenLocked(const std::string& path, const OpenMode& mode, Others others) {
+Result<LockedFile, FileError> OpenLocked(const std::string& path, const OpenMode& mode,
+                                         Others others) {
   constexpr int kMostAttempts = 100;
   for (int i = 0; i < kMostAttempts; ++i) {
-    if (std::optional<LockedFile> file = TryOpenLocked(path, mode, others)) {
+    if (auto file = TryOpenLocked(path, mode, others)) {
       return std::move(*file);
     }
   }
   return Failure(FileError::kSharingViolation);
 }
 
-LockedFile OpenForRemoval(const std::string& path) {
-  LockedFile file = OpenLocked(
+Result<LockedFile, FileError> OpenForRemoval(const std::string& path) {
+  auto file = OpenLocked(
       path, {FileAccess::kNone, platform::FileShare::kNone, FileCreation::kOpenExisting});
-  if (file.error != FileError::kNone) {
+  if (!file) {
     return file;
   }
   struct stat status {};
-  if (::fstat(file.descriptor.Get(), &status) != 0) {
+  if (::fstat(file->descriptor.Get(), &status) != 0) {
     return FailureFromErrno();
   }
-  return IsProtected(status) ? Failure(FileError::kAccessDenied) : std::move(file);
+  if (IsProtected(status)) {
+    return Failure(FileError::kAccessDenied);
+  }
+  return file;
 }
 
 bool IsProtected(const struct stat& status) {
   return (status.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0;
 }
 
-FileError SetRights(int descriptor, mode_t rights) {
+Result<void, FileError> SetRights(int descriptor, mode_t rights) {
   constexpr mode_t kAllRights = S_IRWXU | S_IRWXG | S_IRWXO;
   struct stat status {};
   if (::fstat(descriptor, &status) != 0) {
-    return ToFileError(errno);
+    return FailureFromErrno();
   }
   if ((status.st_mode & kAllRights) == rights || ::fchmod(descriptor, rights) == 0 ||
       errno == EPERM || errno == EOPNOTSUPP) {
-    return FileError::kNone;
+    return {};
   }
-  return ToFileError(errno);
+  return FailureFromErrno();
 }
 
 bool IsSameFile(const struct stat& a, const struct stat& b) {

@@ -12,8 +12,7 @@ namespace posix {
 
 /// A regular file, open and locked against other holders as its mode says.
 struct LockedFile {
-  Descriptor descriptor;  ///< Open exactly where `error` is kNone.
-  platform::FileError error = platform::FileError::kOther;
+  Descriptor descriptor;
   std::string path;  ///< Where the file is, after every symbolic link was followed.
 };
 
@@ -27,12 +26,13 @@ enum class Others : std::uint8_t { kKeepRights, kLoseRights };
 /// the system and goes with the descriptor; on a file system without locks the file is open without
 /// one. While it is held no other user of this function is a conflicting holder, and the file is
 /// the one at `path`.
-[[nodiscard]] LockedFile OpenLocked(const std::string& path, const platform::OpenMode& mode,
-                                    Others others = Others::kKeepRights);
+[[nodiscard]] platform::Result<LockedFile, platform::FileError> OpenLocked(
+    const std::string& path, const platform::OpenMode& mode, Others others = Others::kKeepRights);
 
 /// Opens the file at `path` for its holder to take it away: nobody else has it open, and its user
 /// did not protect it.
-[[nodiscard]] LockedFile OpenForRemoval(const std::string& path);
+[[nodiscard]] platform::Result<LockedFile, platform::FileError> OpenForRemoval(
+    const std::string& path);
 
 /// Whether its user took away every right to write. The rights of the process do not matter, for to
 /// an administrator every file is writable.
@@ -40,7 +40,7 @@ enum class Others : std::uint8_t { kKeepRights, kLoseRights };
 
 /// Gives an open file these rights. Succeeds as well on a file system that keeps none, and for the
 /// file of another user, who alone can change them.
-[[nodiscard]] platform::FileError SetRights(int descriptor, mode_t rights);
+[[nodiscard]] platform::Result<void, platform::FileError> SetRights(int descriptor, mode_t rights);
 
 /// Whether both are the same file, under whatever names.
 [[nodiscard]] bool IsSameFile(const struct stat& a, const struct stat& b);

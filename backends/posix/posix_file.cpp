@@ -14,46 +14,49 @@
 namespace posix {
 namespace {
 
+using platform::Failure;
 using platform::FileAccess;
 using platform::FileError;
+using platform::Result;
 
 constexpr auto kMostBytes = static_cast<std::uint64_t>(std::numeric_limits<off_t>::max());
 
 }  // namespace
 
-FileError SyncFolder(const std::string& folder) {
+Result<void, FileError> SyncFolder(const std::string& folder) {
   const Descriptor descriptor(
       Retry([&] { return ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
   if (!descriptor.IsOpen()) {
-    return ToFileError(errno);
+    return FailureFromErrno();
   }
   // Some file systems cannot do this for folders, and keep their entries in order by themselves.
   if (Retry([&] { return ::fsync(descriptor.Get()); }) == 0 || errno == EINVAL) {
-    return FileError::kNone;
+    return {};
   }
-  return ToFileError(errno);
+  return FailureFromErrno();
 }
 
-FileError MakeFolder(const std::string& path) {
+Result<void, FileError> MakeFolder(const std::string& path) {
   if (::mkdir(path.c_str(), S_IRWXU) != 0) {
-    return ToFileError(errno);
+    return FailureFromErrno();
   }
   const Descriptor folder(
       Retry([&] { return ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC); }));
   if (folder.IsOpen()) {
     // The umask may have left less to its owner.
-    if (const FileError error = SetRights(folder.Get(), S_IRWXU); error != FileError::kNone) {
-      return error;
+    if (const auto set = SetRights(folder.Get(), S_IRWXU); !set) {
+      return set;
     }
   }
   return SyncFolder(FolderOf(path));
 }
 
-FileError MakeFolders(const std::string& path) {
+Result<void, FileError> MakeFolders(const std::string& path) {
   for (std::size_t end = path.find('/', 1);; end = path.find('/', end + 1)) {
-    const FileError error = MakeFolder(path.substr(0, end));
+    const auto made = MakeFolder(path.substr(0, end));
     if (end == std::string::npos) {
-      return error == FileError::kAlreadyExists ? FileError::kNone : error;
+      const bool isThere = made || made.error() == FileError::kAlreadyExists;
+      return isThere ? Result<void, FileError>() : made;
     }
     // This process may pass a folder that it cannot write; then the next call reports it.
   }
@@ -64,26 +67,31 @@ PosixFile::PosixFile(LockedFile file, FileAccess access)
       m_access(access),
       m_unsyncedFolder(file.path.empty() ? std::string() : FolderOf(file.path)) {}
 
-std::optional<std::uint64_t> PosixFile::GetLength() {
+Result<std::uint64_t, FileError> PosixFile::GetLength() {
+  if (!m_descriptor.IsOpen()) {
+    return Failure(FileError::kClosed);
+  }
   struct stat status {};
-  if (!m_descriptor.IsOpen() || ::fstat(m_descriptor.Get(), &status) != 0) {
-    return std::nullopt;
+  if (::fstat(m_descriptor.Get(), &status) != 0) {
+    return FailureFromErrno();
   }
   return static_cast<std::uint64_t>(status.st_size);
 }
 
-FileError PosixFile::Seek(std::uint64_t offset) {
+Result<void, FileError> PosixFile::Seek(std::uint64_t offset) {
   if (!m_descriptor.IsOpen()) {
-    return FileError::kClosed;
+    return Failure(FileError::kClosed);
   }
   m_position = offset;
-  return FileError::kNone;
+  return {};
 }
 
-std::optional<std::size_t> PosixFile::Read(std::span<std::byte> into) {
-  if (!m_descriptor.IsOpen() ||
-      (m_access != FileAccess::kRead && m_access != FileAccess::kReadWrite)) {
-    return std::nullopt;
+Result<std::size_t, FileError> PosixFile::Read(std::span<std::byte> into) {
+  if (!m_descriptor.IsOpen()) {
+    return Failure(FileError::kClosed);
+  }
+  if (m_access != FileAccess::kRead && m_access != FileAccess::kReadWrite) {
+    return Failure(FileError::kAccessDenied);
   }
   std::size_t total = 0;
   while (total < into.size() && m_position < kMostBytes) {
@@ -93,7 +101,7 @@ std::optional<std::size_t> PosixFile::Read(std::span<std::byte> into) {
       return ::pread(m_descriptor.Get(), into.data() + total, most, static_cast<off_t>(m_position));
     });
     if (count < 0) {
-      return std::nullopt;
+      return FailureFromErrno();
     }
     if (count == 0) {
       break;
@@ -104,21 +112,22 @@ std::optional<std::size_t> PosixFile::Read(std::span<std::byte> into) {
   return total;
 }
 
-FileError PosixFile::CheckWritable() const {
+Result<void, FileError> PosixFile::CheckWritable() const {
   if (!m_descriptor.IsOpen()) {
-    return FileError::kClosed;
+    return Failure(FileError::kClosed);
   }
-  return m_access == FileAccess::kWrite || m_access == FileAccess::kReadWrite
-             ? FileError::kNone
-             : FileError::kAccessDenied;
+  if (m_access != FileAccess::kWrite && m_access != FileAccess::kReadWrite) {
+    return Failure(FileError::kAccessDenied);
+  }
+  return {};
 }
 
-FileError PosixFile::Write(std::span<const std::byte> bytes) {
-  if (const FileError error = CheckWritable(); error != FileError::kNone) {
-    return error;
+Result<void, FileError> PosixFile::Write(std::span<const std::byte> bytes) {
+  if (const auto writable = CheckWritable(); !writable) {
+    return writable;
   }
   if (!bytes.empty() && (m_position > kMostBytes || bytes.size() > kMostBytes - m_position)) {
-    return FileError::kDiskFull;
+    return Failure(FileError::kDiskFull);
   }
   const SizeSignalHeld signalHeld;
   while (!bytes.empty()) {
@@ -127,56 +136,57 @@ FileError PosixFile::Write(std::span<const std::byte> bytes) {
                       static_cast<off_t>(m_position));
     });
     if (count < 0) {
-      return ToFileError(errno);
+      return FailureFromErrno();
     }
     if (count == 0) {
-      return FileError::kDiskFull;
+      return Failure(FileError::kDiskFull);
     }
     bytes = bytes.subspan(static_cast<std::size_t>(count));
     m_position += static_cast<std::uint64_t>(count);
   }
-  return FileError::kNone;
+  return {};
 }
 
-FileError PosixFile::SetLength(std::uint64_t length) {
-  if (const FileError error = CheckWritable(); error != FileError::kNone) {
-    return error;
+Result<void, FileError> PosixFile::SetLength(std::uint64_t length) {
+  if (const auto writable = CheckWritable(); !writable) {
+    return writable;
   }
   if (length > kMostBytes) {
-    return FileError::kDiskFull;
+    return Failure(FileError::kDiskFull);
   }
   const SizeSignalHeld signalHeld;
-  return Retry([&] { return ::ftruncate(m_descriptor.Get(), static_cast<off_t>(length)); }) == 0
-             ? FileError::kNone
-             : ToFileError(errno);
+  if (Retry([&] { return ::ftruncate(m_descriptor.Get(), static_cast<off_t>(length)); }) != 0) {
+    return FailureFromErrno();
+  }
+  return {};
 }
 
-FileError PosixFile::Flush() {
+Result<void, FileError> PosixFile::Flush() {
   if (!m_descriptor.IsOpen()) {
-    return FileError::kClosed;
+    return Failure(FileError::kClosed);
   }
   if (Retry([&] { return ::fsync(m_descriptor.Get()); }) != 0) {
-    return ToFileError(errno);
+    return FailureFromErrno();
   }
   if (!m_unsyncedFolder.empty()) {
-    if (const FileError error = SyncFolder(m_unsyncedFolder); error != FileError::kNone) {
-      return error;
+    if (const auto synced = SyncFolder(m_unsyncedFolder); !synced) {
+      return synced;
     }
     m_unsyncedFolder.clear();
   }
-  return FileError::kNone;
+  return {};
 }
 
-FileError PosixFile::Close() {
+Result<void, FileError> PosixFile::Close() {
   if (!m_descriptor.IsOpen()) {
-    return FileError::kNone;
+    return {};
   }
   // The descriptor is gone whatever the result, so the call is never repeated; interrupted is not
   // failed.
   if (::close(m_descriptor.Release()) != 0 && errno != EINTR) {
-    return ToFileError(errno);
+    return FailureFromErrno();
   }
-  return FileError::kNone;
+  return {};
 }
 
 }  // namespace posix

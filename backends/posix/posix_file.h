@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <span>
 #include <string>
 
@@ -16,19 +15,22 @@ class PosixFile final : public platform::File {
  public:
   PosixFile(LockedFile file, platform::FileAccess access);
 
-  [[nodiscard]] std::optional<std::uint64_t> GetLength() override;
-  [[nodiscard]] platform::FileError Seek(std::uint64_t offset) override;
-  [[nodiscard]] std::optional<std::size_t> Read(std::span<std::byte> into) override;
-  [[nodiscard]] platform::FileError Write(std::span<const std::byte> bytes) override;
-  [[nodiscard]] platform::FileError SetLength(std::uint64_t length) override;
-  [[nodiscard]] platform::FileError Flush() override;
-  [[nodiscard]] platform::FileError Close() override;
+  [[nodiscard]] platform::Result<std::uint64_t, platform::FileError> GetLength() override;
+  [[nodiscard]] platform::Result<void, platform::FileError> Seek(std::uint64_t offset) override;
+  [[nodiscard]] platform::Result<std::size_t, platform::FileError> Read(
+      std::span<std::byte> into) override;
+  [[nodiscard]] platform::Result<void, platform::FileError> Write(
+      std::span<const std::byte> bytes) override;
+  [[nodiscard]] platform::Result<void, platform::FileError> SetLength(
+      std::uint64_t length) override;
+  [[nodiscard]] platform::Result<void, platform::FileError> Flush() override;
+  [[nodiscard]] platform::Result<void, platform::FileError> Close() override;
 
   /// Descriptor::kNone once it is closed.
   [[nodiscard]] int GetDescriptor() const { return m_descriptor.Get(); }
 
  private:
-  [[nodiscard]] platform::FileError CheckWritable() const;
+  [[nodiscard]] platform::Result<void, platform::FileError> CheckWritable() const;
 
   Descriptor m_descriptor;
   const platform::FileAccess m_access;
@@ -39,12 +41,12 @@ class PosixFile final : public platform::File {
 };
 
 /// Makes a folder of this user alone. Returns when its name is on the medium.
-[[nodiscard]] platform::FileError MakeFolder(const std::string& path);
+[[nodiscard]] platform::Result<void, platform::FileError> MakeFolder(const std::string& path);
 
 /// Likewise with every missing folder on its way. One that is there is left as it is.
-[[nodiscard]] platform::FileError MakeFolders(const std::string& path);
+[[nodiscard]] platform::Result<void, platform::FileError> MakeFolders(const std::string& path);
 
 /// Returns when the entries of `folder` are on the medium.
-[[nodiscard]] platform::FileError SyncFolder(const std::string& folder);
+[[nodiscard]] platform::Result<void, platform::FileError> SyncFolder(const std::string& folder);
 
 }  // namespace posix

@@ -21,19 +21,20 @@
 namespace posix {
 namespace {
 
+using platform::Failure;
 using platform::FileError;
 using platform::FoundFile;
+using platform::Result;
 
 class PosixSearch final : public platform::FileSearch {
  public:
   explicit PosixSearch(std::vector<FoundFile> found) : m_found(std::move(found)) {}
 
-  [[nodiscard]] FileError Next(FoundFile& found) override {
+  [[nodiscard]] Result<std::optional<FoundFile>, FileError> Next() override {
     if (m_next == m_found.size()) {
-      return FileError::kNoMoreFiles;
+      return std::nullopt;
     }
-    found = std::move(m_found[m_next++]);
-    return FileError::kNone;
+    return std::move(m_found[m_next++]);
   }
 
  private:
@@ -43,14 +44,13 @@ class PosixSearch final : public platform::FileSearch {
 
 /// What a search says of the entry. A symbolic link that leads nowhere is found as a file, since
 /// its name is taken.
-FileError Describe(const HostPlace& place, FoundFile& found) {
+Result<FoundFile, FileError> Describe(const HostPlace& place) {
   struct stat status {};
   const std::string path = place.Path();
   if (::stat(path.c_str(), &status) != 0 && ::lstat(path.c_str(), &status) != 0) {
-    return ToFileError(errno);
+    return FailureFromErrno();
   }
-  found = {text::FromHostName(place.name), S_ISDIR(status.st_mode)};
-  return FileError::kNone;
+  return FoundFile{text::FromHostName(place.name), S_ISDIR(status.st_mode)};
 }
 
 bool IsLink(const std::string& path) {
@@ -59,25 +59,28 @@ bool IsLink(const std::string& path) {
 }
 
 /// Everything in the folder of `pattern` that matches its name.
-FileError FindMatches(const HostPlace& pattern, std::vector<FoundFile>& found) {
-  const std::optional<std::vector<std::string>> names = ListFolder(pattern.folder);
+Result<std::vector<FoundFile>, FileError> FindMatches(const HostPlace& pattern) {
+  const auto names = ListFolder(pattern.folder);
   if (!names) {
-    return ToFileError(errno);
+    return Failure(names.error());
   }
+  std::vector<FoundFile> found;
   const std::u16string wanted = text::FromHostName(pattern.name);
   for (const std::string& name : *names) {
     if (!text::MatchesPattern(text::FromHostName(name), wanted)) {
       continue;
     }
-    FoundFile file;
-    const FileError error = Describe({pattern.folder, name}, file);
-    if (error == FileError::kNone) {
-      found.push_back(std::move(file));
-    } else if (error != FileError::kNotFound) {
-      return error;  // kNotFound is a file that has just gone.
+    auto file = Describe({pattern.folder, name});
+    if (file) {
+      found.push_back(std::move(*file));
+    } else if (file.error() != FileError::kNotFound) {
+      return Failure(file.error());  // kNotFound is a file that has just gone.
     }
   }
-  return found.empty() ? FileError::kNotFound : FileError::kNone;
+  if (found.empty()) {
+    return Failure(FileError::kNotFound);
+  }
+  return found;
 }
 
 void TakeRightsOfOthers(const std::string& path, const struct stat& status) {
@@ -95,110 +98,109 @@ Others OthersOf(std::u16string_view path) {
 
 PosixFileSystem::PosixFileSystem(std::u16string_view root) : m_root(text::ToHostName(root)) {}
 
-platform::OpenedFile PosixFileSystem::Open(std::u16string_view path,
-                                           const platform::OpenMode& mode) {
-  return WithMemory(platform::OpenedFile{}, [&]() -> platform::OpenedFile {
-    const FoundPlace found = FindPlace(m_root, path);
-    if (found.error != FileError::kNone) {
-      return {nullptr, found.error};
+Result<std::unique_ptr<platform::File>, FileError> PosixFileSystem::Open(
+    std::u16string_view path, const platform::OpenMode& mode) {
+  return WithMemory([&]() -> Result<std::unique_ptr<platform::File>, FileError> {
+    const auto place = FindPlace(m_root, path);
+    if (!place) {
+      return Failure(place.error());
     }
-    LockedFile file = OpenLocked(found.place.Path(), mode, OthersOf(path));
-    if (file.error != FileError::kNone) {
-      return {nullptr, file.error};
+    auto file = OpenLocked(place->Path(), mode, OthersOf(path));
+    if (!file) {
+      return Failure(file.error());
     }
-    return {std::make_unique<PosixFile>(std::move(file), mode.access), FileError::kNone};
+    return std::make_unique<PosixFile>(std::move(*file), mode.access);
   });
 }
 
-platform::OpenedReplacement PosixFileSystem::OpenReplacement(std::u16string_view path) {
-  return WithMemory(platform::OpenedReplacement{}, [&]() -> platform::OpenedReplacement {
-    FoundPlace found = FindPlace(m_root, path);
-    if (found.error != FileError::kNone) {
-      return {nullptr, found.error};
+Result<std::unique_ptr<platform::Replacement>, FileError> PosixFileSystem::OpenReplacement(
+    std::u16string_view path) {
+  return WithMemory([&]() -> Result<std::unique_ptr<platform::Replacement>, FileError> {
+    auto place = FindPlace(m_root, path);
+    if (!place) {
+      return Failure(place.error());
     }
-    return PosixReplacement::Open(std::move(found.place), OthersOf(path));
+    return PosixReplacement::Open(std::move(*place), OthersOf(path));
   });
 }
 
-FileError PosixFileSystem::Delete(std::u16string_view path) {
-  return WithMemory(FileError::kOther, [&]() -> FileError {
-    const FoundPlace found = FindPlace(m_root, path);
-    if (found.error != FileError::kNone) {
-      return found.error;
+Result<void, FileError> PosixFileSystem::Delete(std::u16string_view path) {
+  return WithMemory([&]() -> Result<void, FileError> {
+    const auto place = FindPlace(m_root, path);
+    if (!place) {
+      return Failure(place.error());
     }
-    const std::string hostPath = found.place.Path();
+    const std::string hostPath = place->Path();
     const bool isLink = IsLink(hostPath);
     if (isLink && !text::IsDevicePath(path)) {
-      return FileError::kLink;
+      return Failure(FileError::kLink);
     }
     // Locked until the entry is gone, so that nobody becomes a holder in between.
-    const LockedFile file = OpenForRemoval(hostPath);
-    const bool goes =
-        file.error == FileError::kNone || (file.error == FileError::kNotFound && isLink);
+    const auto file = OpenForRemoval(hostPath);
+    const bool goes = file || (isLink && file.error() == FileError::kNotFound);
     if (!goes) {
-      return file.error;
+      return Failure(file.error());
     }
-    return ::unlink(hostPath.c_str()) == 0 ? FileError::kNone : ToFileError(errno);
+    if (::unlink(hostPath.c_str()) != 0) {
+      return FailureFromErrno();
+    }
+    return {};
   });
 }
 
-FileError PosixFileSystem::CreateFolder(std::u16string_view path) {
-  return WithMemory(FileError::kOther, [&] {
-    const FoundPlace found = FindPlace(m_root, path);
-    return found.error == FileError::kNone ? MakeFolder(found.place.Path()) : found.error;
+Result<void, FileError> PosixFileSystem::CreateFolder(std::u16string_view path) {
+  return WithMemory([&] {
+    return FindPlace(m_root, path).and_then([](const HostPlace& place) {
+      return MakeFolder(place.Path());
+    });
   });
 }
 
-FileError PosixFileSystem::FlushFolder(std::u16string_view path) {
-  return WithMemory(FileError::kOther, [&]() -> FileError {
-    if (path == u"\\") {
-      return SyncFolder(m_root);
-    }
-    const FoundPlace found = FindPlace(m_root, path);
-    return found.error == FileError::kNone ? SyncFolder(found.place.Path()) : found.error;
+Result<void, FileError> PosixFileSystem::FlushFolder(std::u16string_view path) {
+  return WithMemory([&] {
+    return path == u"\\" ? SyncFolder(m_root)
+                         : FindPlace(m_root, path).and_then([](const HostPlace& place) {
+                             return SyncFolder(place.Path());
+                           });
   });
 }
 
-platform::StartedSearch PosixFileSystem::FindFirst(std::u16string_view pattern) {
-  return WithMemory(platform::StartedSearch{}, [&]() -> platform::StartedSearch {
-    const FoundPlace place = FindPlace(m_root, pattern);
-    if (place.error != FileError::kNone) {
-      return {nullptr, {}, place.error};
+Result<std::unique_ptr<platform::FileSearch>, FileError> PosixFileSystem::Find(
+    std::u16string_view pattern) {
+  return WithMemory([&]() -> Result<std::unique_ptr<platform::FileSearch>, FileError> {
+    const auto place = FindPlace(m_root, pattern);
+    if (!place) {
+      return Failure(place.error());
     }
-    std::vector<FoundFile> found;
-    FileError error = FileError::kNone;
-    if (text::HasWildcards(text::FromHostName(place.place.name))) {
-      error = FindMatches(place.place, found);
-    } else {
-      error = Describe(place.place, found.emplace_back());
+    auto found = text::HasWildcards(text::FromHostName(place->name))
+                     ? FindMatches(*place)
+                     : Describe(*place).map(
+                           [](FoundFile&& one) { return std::vector<FoundFile>{std::move(one)}; });
+    if (!found) {
+      return Failure(found.error());
     }
-    if (error != FileError::kNone) {
-      return {nullptr, {}, error};
-    }
-    platform::StartedSearch started{nullptr, found.front(), FileError::kNone};
-    found.erase(found.begin());
-    started.search = std::make_unique<PosixSearch>(std::move(found));
-    return started;
+    return std::make_unique<PosixSearch>(std::move(*found));
   });
 }
 
 void PosixFileSystem::KeepFromOthers(std::u16string_view path) {
-  WithMemory(0, [&] {
+  // Best effort: what cannot be changed stays as it is.
+  static_cast<void>(WithMemory([&]() -> Result<void, FileError> {
     std::string place = m_root;
     if (path != u"\\") {
-      const FoundPlace found = FindPlace(m_root, path);
-      if (found.error != FileError::kNone) {
-        return 0;
+      const auto found = FindPlace(m_root, path);
+      if (!found) {
+        return Failure(found.error());
       }
-      place = found.place.Path();
+      place = found->Path();
     }
     struct stat status {};
     if (::stat(place.c_str(), &status) != 0 || (IsLink(place) && !S_ISDIR(status.st_mode))) {
-      return 0;
+      return {};
     }
     TakeRightsOfOthers(place, status);
     if (path == u"\\" || !S_ISDIR(status.st_mode)) {
-      return 0;
+      return {};
     }
     for (const std::string& name : ListFolder(place).value_or(std::vector<std::string>())) {
       const std::string file = place + "/" + name;
@@ -206,8 +208,8 @@ void PosixFileSystem::KeepFromOthers(std::u16string_view path) {
         TakeRightsOfOthers(file, status);
       }
     }
-    return 0;
-  });
+    return {};
+  }));
 }
 
 }  // namespace posix

@@ -15,13 +15,18 @@ class PosixFileSystem final : public platform::FileSystem {
   /// `root` is a path of the host.
   explicit PosixFileSystem(std::u16string_view root);
 
-  [[nodiscard]] platform::OpenedFile Open(std::u16string_view path,
-                                          const platform::OpenMode& mode) override;
-  [[nodiscard]] platform::OpenedReplacement OpenReplacement(std::u16string_view path) override;
-  [[nodiscard]] platform::FileError Delete(std::u16string_view path) override;
-  [[nodiscard]] platform::FileError CreateFolder(std::u16string_view path) override;
-  [[nodiscard]] platform::FileError FlushFolder(std::u16string_view path) override;
-  [[nodiscard]] platform::StartedSearch FindFirst(std::u16string_view pattern) override;
+  [[nodiscard]] platform::Result<std::unique_ptr<platform::File>, platform::FileError> Open(
+      std::u16string_view path, const platform::OpenMode& mode) override;
+  [[nodiscard]] platform::Result<std::unique_ptr<platform::Replacement>, platform::FileError>
+  OpenReplacement(std::u16string_view path) override;
+  [[nodiscard]] platform::Result<void, platform::FileError> Delete(
+      std::u16string_view path) override;
+  [[nodiscard]] platform::Result<void, platform::FileError> CreateFolder(
+      std::u16string_view path) override;
+  [[nodiscard]] platform::Result<void, platform::FileError> FlushFolder(
+      std::u16string_view path) override;
+  [[nodiscard]] platform::Result<std::unique_ptr<platform::FileSearch>, platform::FileError> Find(
+      std::u16string_view pattern) override;
 
   /// Takes from other users every right to `path`, and to the files that lie directly in it if it
   /// is a folder. A path that is not there is passed over, and so is what cannot be changed: a

@@ -18,14 +18,13 @@ namespace posix {
 namespace {
 
 using platform::Durability;
+using platform::Failure;
 using platform::FileAccess;
 using platform::FileError;
-using platform::OpenedReplacement;
+using platform::Result;
 
 constexpr mode_t kPermissionBits = S_IRWXU | S_IRWXG | S_IRWXO;
 constexpr int kMostAttempts = 100;
-
-FileError Result(int returned) { return returned == 0 ? FileError::kNone : ToFileError(errno); }
 
 /// Where the system shows an open descriptor as a file, which can be given a name.
 std::string PathOf(int descriptor) { return "/proc/self/fd/" + std::to_string(descriptor); }
@@ -68,11 +67,11 @@ int GiveName(int descriptor, const std::string& path) {
 }
 
 /// Gives a file the permissions and, as far as the process may, the owner of another.
-FileError TakeOver(int from, int descriptor, Others others) {
+Result<void, FileError> TakeOver(int from, int descriptor, Others others) {
   struct stat other {};
   struct stat own {};
   if (::fstat(from, &other) != 0 || ::fstat(descriptor, &own) != 0) {
-    return ToFileError(errno);
+    return FailureFromErrno();
   }
   // Only an administrator may give a file away; anyone else owns both or leaves it.
   if ((own.st_uid != other.st_uid || own.st_gid != other.st_gid) &&
@@ -84,23 +83,30 @@ FileError TakeOver(int from, int descriptor, Others others) {
 }
 
 /// Whether the file at `path`, if there is one, may be replaced as far as one sees from outside.
-FileError CheckTarget(const std::string& path) {
+Result<void, FileError> CheckTarget(const std::string& path) {
   struct stat status {};
   if (::lstat(path.c_str(), &status) != 0) {
-    return errno == ENOENT ? FileError::kNone : ToFileError(errno);
+    if (errno == ENOENT) {
+      return {};
+    }
+    return FailureFromErrno();
   }
   if (S_ISLNK(status.st_mode)) {
-    return FileError::kLink;
+    return Failure(FileError::kLink);
   }
-  return S_ISREG(status.st_mode) && !IsProtected(status) ? FileError::kNone
-                                                         : FileError::kAccessDenied;
+  if (!S_ISREG(status.st_mode) || IsProtected(status)) {
+    return Failure(FileError::kAccessDenied);
+  }
+  return {};
 }
 
 }  // namespace
 
-OpenedReplacement PosixReplacement::Open(HostPlace place, Others others, Making making) {
-  if (const FileError error = CheckTarget(place.Path()); error != FileError::kNone) {
-    return {nullptr, error};
+Result<std::unique_ptr<platform::Replacement>, FileError> PosixReplacement::Open(HostPlace place,
+                                                                                 Others others,
+                                                                                 Making making) {
+  if (const auto target = CheckTarget(place.Path()); !target) {
+    return Failure(target.error());
   }
   Descriptor file = making == Making::kWithoutName ? OpenWithoutName(place.folder) : Descriptor();
   std::string temporary;
@@ -108,22 +114,21 @@ OpenedReplacement PosixReplacement::Open(HostPlace place, Others others, Making 
     file = OpenWithRandomName(place.folder, temporary);
   }
   if (!file.IsOpen()) {
-    return {nullptr, ToFileError(errno)};
+    return FailureFromErrno();
   }
   auto replacement = std::make_unique<PosixReplacement>(std::move(place), others, std::move(file),
                                                         std::move(temporary));
-  const FileError error = SetRights(replacement->m_file.GetDescriptor(), kOwnerFile);
-  if (error != FileError::kNone) {
-    replacement.reset();
+  if (const auto set = SetRights(replacement->m_file.GetDescriptor(), kOwnerFile); !set) {
+    return Failure(set.error());
   }
-  return {std::move(replacement), error};
+  return replacement;
 }
 
 PosixReplacement::PosixReplacement(HostPlace place, Others others, Descriptor file,
                                    std::string temporary)
     : m_place(std::move(place)),
       m_others(others),
-      m_file({std::move(file), FileError::kNone, {}}, FileAccess::kReadWrite),
+      m_file({std::move(file), {}}, FileAccess::kReadWrite),
       m_temporary(std::move(temporary)) {}
 
 PosixReplacement::~PosixReplacement() {
@@ -132,79 +137,87 @@ PosixReplacement::~PosixReplacement() {
   }
 }
 
-FileError PosixReplacement::Publish(Durability durability) {
+Result<void, FileError> PosixReplacement::Publish(Durability durability) {
   if (!m_hasPlace) {
     if (durability == Durability::kNow) {
-      if (const FileError error = m_file.Flush(); error != FileError::kNone) {
+      if (const auto flushed = m_file.Flush(); !flushed) {
         // The system reports a loss once. A second attempt would find nothing wrong.
         static_cast<void>(m_file.Close());
-        return error;
+        return flushed;
       }
     }
-    const FileError error = WithMemory(FileError::kOther, [&] { return TakePlace(); });
-    if (error != FileError::kNone) {
-      return error;
+    if (const auto taken = WithMemory([&] { return TakePlace(); }); !taken) {
+      return taken;
     }
     m_hasPlace = true;
   }
-  const FileError closed = m_file.Close();
-  const FileError kept =
-      durability == Durability::kNow ? SyncFolder(m_place.folder) : FileError::kNone;
-  return closed == FileError::kNone ? kept : closed;
+  const auto closed = m_file.Close();
+  const auto kept =
+      durability == Durability::kNow ? SyncFolder(m_place.folder) : Result<void, FileError>();
+  return closed ? kept : closed;
 }
 
-FileError PosixReplacement::TakePlace() {
+Result<void, FileError> PosixReplacement::TakePlace() {
   if (m_file.GetDescriptor() == Descriptor::kNone) {
-    return FileError::kClosed;
+    return Failure(FileError::kClosed);
   }
   for (int i = 0; i < kMostAttempts; ++i) {
-    if (const std::optional<FileError> error = TryTakePlace()) {
-      return *error;
+    if (const auto taken = TryTakePlace()) {
+      return *taken;
     }
   }
-  return FileError::kSharingViolation;
+  return Failure(FileError::kSharingViolation);
 }
 
-std::optional<FileError> PosixReplacement::TryTakePlace() {
+std::optional<Result<void, FileError>> PosixReplacement::TryTakePlace() {
   const std::string path = m_place.Path();
-  if (const FileError error = CheckTarget(path); error != FileError::kNone) {
-    return error;
+  if (const auto target = CheckTarget(path); !target) {
+    return target;
   }
   // Held until the end, so that nobody opens the earlier file while it goes.
-  const LockedFile earlier = OpenForRemoval(path);
-  const bool isNew = earlier.error == FileError::kNotFound;
+  const auto earlier = OpenForRemoval(path);
+  const bool isNew = !earlier && earlier.error() == FileError::kNotFound;
   if (isNew && m_temporary.empty()) {
     if (GiveName(m_file.GetDescriptor(), path) == 0) {
-      return FileError::kNone;
+      return Result<void, FileError>();
     }
-    return errno == EEXIST ? std::nullopt : std::optional(ToFileError(errno));
+    if (errno == EEXIST) {
+      return std::nullopt;
+    }
+    return FailureFromErrno();
   }
-  FileError error = isNew ? FileError::kNone : earlier.error;
-  if (error == FileError::kNone && !isNew) {
-    error = TakeOver(earlier.descriptor.Get(), m_file.GetDescriptor(), m_others);
+  if (!earlier && !isNew) {
+    return Failure(earlier.error());
   }
-  if (error == FileError::kNone) {
-    error = NameTemporarily();
+  if (earlier) {
+    const auto taken = TakeOver(earlier->descriptor.Get(), m_file.GetDescriptor(), m_others);
+    if (!taken) {
+      return taken;
+    }
   }
-  if (error == FileError::kNone) {
-    error = Result(::rename(m_temporary.c_str(), path.c_str()));
+  if (const auto named = NameTemporarily(); !named) {
+    return named;
   }
-  if (error == FileError::kNone) {
-    m_temporary.clear();
+  if (::rename(m_temporary.c_str(), path.c_str()) != 0) {
+    return FailureFromErrno();
   }
-  return error;
+  m_temporary.clear();
+  return Result<void, FileError>();
 }
 
-FileError PosixReplacement::NameTemporarily() {
+Result<void, FileError> PosixReplacement::NameTemporarily() {
   for (int i = 0; i < kMostAttempts && m_temporary.empty(); ++i) {
     std::string path = RandomPath(m_place.folder);
     if (GiveName(m_file.GetDescriptor(), path) == 0) {
       m_temporary = std::move(path);
     } else if (errno != EEXIST) {
-      return ToFileError(errno);
+      return FailureFromErrno();
     }
   }
-  return m_temporary.empty() ? FileError::kAlreadyExists : FileError::kNone;
+  if (m_temporary.empty()) {
+    return Failure(FileError::kAlreadyExists);
+  }
+  return {};
 }
 
 }  // namespace posix

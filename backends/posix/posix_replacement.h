@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -17,9 +18,8 @@ class PosixReplacement final : public platform::Replacement {
  public:
   enum class Making : std::uint8_t { kWithoutName, kWithRandomName };
 
-  /// Returns null, with `error` set, if the file cannot be made.
-  [[nodiscard]] static platform::OpenedReplacement Open(HostPlace place, Others others,
-                                                        Making making = Making::kWithoutName);
+  [[nodiscard]] static platform::Result<std::unique_ptr<platform::Replacement>, platform::FileError>
+  Open(HostPlace place, Others others, Making making = Making::kWithoutName);
 
   PosixReplacement(HostPlace place, Others others, Descriptor file, std::string temporary);
   PosixReplacement(const PosixReplacement&) = delete;
@@ -27,13 +27,14 @@ class PosixReplacement final : public platform::Replacement {
   ~PosixReplacement() override;
 
   [[nodiscard]] platform::File& GetFile() override { return m_file; }
-  [[nodiscard]] platform::FileError Publish(platform::Durability durability) override;
+  [[nodiscard]] platform::Result<void, platform::FileError> Publish(
+      platform::Durability durability) override;
 
  private:
-  [[nodiscard]] platform::FileError TakePlace();
+  [[nodiscard]] platform::Result<void, platform::FileError> TakePlace();
   /// One attempt. Returns nothing if another process made the file at the path meanwhile.
-  [[nodiscard]] std::optional<platform::FileError> TryTakePlace();
-  [[nodiscard]] platform::FileError NameTemporarily();
+  [[nodiscard]] std::optional<platform::Result<void, platform::FileError>> TryTakePlace();
+  [[nodiscard]] platform::Result<void, platform::FileError> NameTemporarily();
 
   const HostPlace m_place;
   const Others m_others;

@@ -93,24 +93,22 @@ std::uint32_t PulseWaveIn::GetDeviceCount() {
   return connection ? (*connection)->FindInputs(deadline).value_or(Inputs{}).count : 0;
 }
 
-platform::OpenedWaveIn PulseWaveIn::Open(const platform::WaveFormat& format) {
+platform::Result<std::unique_ptr<platform::WaveInDevice>, platform::WaveResult> PulseWaveIn::Open(
+    const platform::WaveFormat& format) {
   const auto sampleSpec = ToSampleSpec(format);
   if (!sampleSpec || format.bitsPerSample != kRecordedBits) {
-    return {nullptr, WaveResult::kBadFormat};
+    return platform::Failure(WaveResult::kBadFormat);
   }
-  auto recorder = OpenRecorder(*sampleSpec);
-  if (!recorder) return {nullptr, recorder.error()};
-  return {std::move(*recorder), WaveResult::kOk};
+  return OpenRecorder(*sampleSpec);
 }
 
 PulseWaveOut::PulseWaveOut() { KeepLibraryQuiet(); }
 
-platform::OpenedWaveOut PulseWaveOut::Open(const platform::WaveFormat& format) {
+platform::Result<std::unique_ptr<platform::WaveOutDevice>, platform::WaveResult> PulseWaveOut::Open(
+    const platform::WaveFormat& format) {
   const auto sampleSpec = ToSampleSpec(format);
-  if (!sampleSpec) return {nullptr, sampleSpec.error()};
-  auto player = OpenPlayer(*sampleSpec);
-  if (!player) return {nullptr, player.error()};
-  return {std::move(*player), WaveResult::kOk};
+  if (!sampleSpec) return platform::Failure(sampleSpec.error());
+  return OpenPlayer(*sampleSpec);
 }
 
 }  // namespace pulse

@@ -20,7 +20,8 @@ class PulseWaveIn final : public platform::WaveIn {
   PulseWaveIn();
 
   [[nodiscard]] std::uint32_t GetDeviceCount() override;
-  [[nodiscard]] platform::OpenedWaveIn Open(const platform::WaveFormat& format) override;
+  [[nodiscard]] platform::Result<std::unique_ptr<platform::WaveInDevice>, platform::WaveResult>
+  Open(const platform::WaveFormat& format) override;
 };
 
 /// The server's default sink. Takes samples of 8 bits without sign and of 16, 24 and 32 bits with
@@ -29,7 +30,8 @@ class PulseWaveOut final : public platform::WaveOut {
  public:
   PulseWaveOut();
 
-  [[nodiscard]] platform::OpenedWaveOut Open(const platform::WaveFormat& format) override;
+  [[nodiscard]] platform::Result<std::unique_ptr<platform::WaveOutDevice>, platform::WaveResult>
+  Open(const platform::WaveFormat& format) override;
 };
 
 }  // namespace pulse

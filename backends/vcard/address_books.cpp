@@ -124,7 +124,7 @@ bool AddressBooks::LogonToDefault() {
     return Fail(Problem::kUnreadable);
   }
   const bool isReady = LogonTo({m_options.defaultPath});
-  if (m_problem != Problem::kUnreadable || m_files.FindFirst(m_options.defaultPath).search) {
+  if (m_problem != Problem::kUnreadable || m_files.Find(m_options.defaultPath)) {
     return isReady;
   }
   // There is no such file.

@@ -8,7 +8,9 @@
 
 namespace vcard {
 
+using platform::Failure;
 using platform::FileError;
+using platform::Result;
 
 namespace {
 
@@ -43,15 +45,15 @@ VcardSource::VcardSource(platform::FileSystem& files, std::u16string path)
 ReadResult VcardSource::Read(std::vector<Book>& books) {
   books.clear();
   m_remarks.Clear();
-  const platform::StartedSearch found = m_files.FindFirst(m_path);
-  if (!found.search) {
+  const auto search = m_files.Find(m_path);
+  const auto found = search ? (*search)->Next() : Failure(search.error());
+  if (!found || !*found) {
     return ReadResult::kUnreadable;
   }
   Book book;
   book.name = u"vcard:" + m_path;
   book.isComplete = true;
-  const bool isRead =
-      found.first.isFolder ? ReadFolder(book) : ReadFile(m_path, book) == FileError::kNone;
+  const bool isRead = (*found)->isFolder ? ReadFolder(book) : ReadFile(m_path, book).has_value();
   if (!isRead || book.contacts.empty()) {
     return ReadResult::kUnreadable;
   }
@@ -61,19 +63,21 @@ ReadResult VcardSource::Read(std::vector<Book>& books) {
 
 bool VcardSource::ReadFolder(Book& book) {
   const std::u16string prefix = m_path + SeparatorOf(m_path);
-  platform::StartedSearch found = m_files.FindFirst(prefix + u"*.vcf");
-  std::vector<std::u16string> names;
-  FileError error = found.error;
-  while (error == FileError::kNone) {
-    if (!found.first.isFolder) {
-      names.push_back(found.first.name);
-    }
-    error = found.search->Next(found.first);
-  }
-  if (error != FileError::kNoMoreFiles) {
+  auto search = m_files.Find(prefix + u"*.vcf");
+  if (!search) {
     return false;
   }
-  found.search.reset();
+  std::vector<std::u16string> names;
+  auto found = (*search)->Next();
+  for (; found && *found; found = (*search)->Next()) {
+    if (!(*found)->isFolder) {
+      names.push_back((*found)->name);
+    }
+  }
+  if (!found) {
+    return false;
+  }
+  search->reset();
   std::sort(names.begin(), names.end());
   return std::all_of(names.begin(), names.end(), [&](const std::u16string& name) {
     return ReadFileOfFolder(prefix + name, book);
@@ -82,11 +86,12 @@ bool VcardSource::ReadFolder(Book& book) {
 
 bool VcardSource::ReadFileOfFolder(const std::u16string& path, Book& book) {
   const std::size_t before = book.contacts.size();
-  const FileError error = ReadFile(path, book);
-  if (const char* const sentence = PassOver(error)) {
+  if (const auto read = ReadFile(path, book); !read) {
+    const char* const sentence = PassOver(read.error());
+    if (sentence == nullptr) {
+      return false;
+    }
     m_remarks.Add({path, 0, sentence});
-  } else if (error != FileError::kNone) {
-    return false;
   } else if (book.contacts.size() == before) {
     m_remarks.Add({path, 0, "the file holds no whole card"});
   }
@@ -96,34 +101,36 @@ bool VcardSource::ReadFileOfFolder(const std::u16string& path, Book& book) {
 
 bool VcardSource::IsLink(const std::u16string& path) const {
   // Nothing is written: only a file that is opened for it is never reached by a link.
-  return m_files
-             .Open(path, {platform::FileAccess::kWrite, platform::FileShare::kNone,
-                          platform::FileCreation::kOpenExisting})
-             .error == FileError::kLink;
+  const auto file = m_files.Open(path, {platform::FileAccess::kWrite, platform::FileShare::kNone,
+                                        platform::FileCreation::kOpenExisting});
+  return !file && file.error() == FileError::kLink;
 }
 
-FileError VcardSource::ReadFile(const std::u16string& path, Book& book) {
-  const platform::OpenedFile opened =
-      m_files.Open(path, {platform::FileAccess::kRead, platform::FileShare::kRead,
-                          platform::FileCreation::kOpenExisting});
-  if (!opened.file) {
-    return opened.error == FileError::kOther && IsLink(path) ? FileError::kLink : opened.error;
+Result<void, FileError> VcardSource::ReadFile(const std::u16string& path, Book& book) {
+  const auto file = m_files.Open(path, {platform::FileAccess::kRead, platform::FileShare::kRead,
+                                        platform::FileCreation::kOpenExisting});
+  if (!file) {
+    const bool isCircle = file.error() == FileError::kOther && IsLink(path);
+    return Failure(isCircle ? FileError::kLink : file.error());
   }
   CardReader reader(path, kMaxContacts, book, m_remarks);
   const auto chunk = std::make_unique<std::array<std::byte, kChunkSize>>();
   std::uint64_t total = 0;
   std::size_t length = kChunkSize;
   while (length == kChunkSize) {
-    const std::optional<std::size_t> read = opened.file->Read(*chunk);
+    const auto read = (*file)->Read(*chunk);
     total += read.value_or(0);
     if (!read || total > kMaxBytes || book.contacts.size() > kMaxContacts) {
-      return FileError::kOther;
+      return Failure(FileError::kOther);
     }
     length = *read;
     reader.Feed({reinterpret_cast<const char*>(chunk->data()), length});
   }
   reader.Finish();
-  return book.contacts.size() <= kMaxContacts ? FileError::kNone : FileError::kOther;
+  if (book.contacts.size() > kMaxContacts) {
+    return Failure(FileError::kOther);
+  }
+  return {};
 }
 
 }  // namespace vcard

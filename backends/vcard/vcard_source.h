@@ -32,7 +32,8 @@ class VcardSource final : public ContactSource {
   [[nodiscard]] bool ReadFolder(Book& book);
   [[nodiscard]] bool ReadFileOfFolder(const std::u16string& path, Book& book);
   [[nodiscard]] bool IsLink(const std::u16string& path) const;
-  [[nodiscard]] platform::FileError ReadFile(const std::u16string& path, Book& book);
+  [[nodiscard]] platform::Result<void, platform::FileError> ReadFile(const std::u16string& path,
+                                                                     Book& book);
 
   platform::FileSystem& m_files;
   std::u16string m_path;

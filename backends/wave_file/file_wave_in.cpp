@@ -12,7 +12,6 @@
 namespace wave_file {
 namespace {
 
-using platform::FileError;
 using platform::WaveHeader;
 using platform::WaveResult;
 
@@ -70,7 +69,7 @@ class FileDevice final : public platform::WaveInDevice {
     const std::span<std::byte> memory(header.data, header.bufferLength);
     const auto sound = memory.first(
         static_cast<std::size_t>(std::min<std::uint64_t>(m_left, header.bufferLength)));
-    if (m_file->Seek(m_offset) != FileError::kNone) return false;
+    if (!m_file->Seek(m_offset)) return false;
     const auto count = m_file->Read(sound);
     if (!count) return false;
     std::ranges::fill(memory.subspan(*count), std::byte{0});
@@ -93,17 +92,18 @@ class FileDevice final : public platform::WaveInDevice {
 FileWaveIn::FileWaveIn(platform::FileSystem& files, std::u16string path)
     : m_files(files), m_path(std::move(path)) {}
 
-std::uint32_t FileWaveIn::GetDeviceCount() { return OpenFile().error == FileError::kNone ? 1 : 0; }
+std::uint32_t FileWaveIn::GetDeviceCount() { return OpenFile() ? 1 : 0; }
 
-platform::OpenedWaveIn FileWaveIn::Open(const platform::WaveFormat& format) {
-  auto opened = OpenFile();
-  if (opened.error != FileError::kNone) return {nullptr, WaveResult::kNoDevice};
-  const auto layout = ReadWaveFileLayout(*opened.file);
-  if (!layout || layout->format != format) return {nullptr, WaveResult::kBadFormat};
-  return {std::make_unique<FileDevice>(std::move(opened.file), *layout), WaveResult::kOk};
+platform::Result<std::unique_ptr<platform::WaveInDevice>, platform::WaveResult> FileWaveIn::Open(
+    const platform::WaveFormat& format) {
+  auto file = OpenFile();
+  if (!file) return platform::Failure(WaveResult::kNoDevice);
+  const auto layout = ReadWaveFileLayout(**file);
+  if (!layout || layout->format != format) return platform::Failure(WaveResult::kBadFormat);
+  return std::make_unique<FileDevice>(std::move(*file), *layout);
 }
 
-platform::OpenedFile FileWaveIn::OpenFile() {
+platform::Result<std::unique_ptr<platform::File>, platform::FileError> FileWaveIn::OpenFile() {
   return m_files.Open(m_path, {.access = platform::FileAccess::kRead,
                                .share = platform::FileShare::kRead,
                                .creation = platform::FileCreation::kOpenExisting});

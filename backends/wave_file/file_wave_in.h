@@ -19,10 +19,11 @@ class FileWaveIn final : public platform::WaveIn {
   FileWaveIn(platform::FileSystem& files, std::u16string path);
 
   [[nodiscard]] std::uint32_t GetDeviceCount() override;
-  [[nodiscard]] platform::OpenedWaveIn Open(const platform::WaveFormat& format) override;
+  [[nodiscard]] platform::Result<std::unique_ptr<platform::WaveInDevice>, platform::WaveResult>
+  Open(const platform::WaveFormat& format) override;
 
  private:
-  [[nodiscard]] platform::OpenedFile OpenFile();
+  [[nodiscard]] platform::Result<std::unique_ptr<platform::File>, platform::FileError> OpenFile();
 
   platform::FileSystem& m_files;
   const std::u16string m_path;

@@ -60,12 +60,15 @@ class FileOutDevice final : public platform::WaveOutDevice {
  private:
   [[nodiscard]] bool WriteFile(const WaveHeader& header) {
     std::unique_ptr<platform::Replacement> file = std::move(m_next);
-    if (!file) file = m_files.OpenReplacement(m_path).replacement;
+    if (!file) {
+      auto made = m_files.OpenReplacement(m_path);
+      if (!made) return false;
+      file = std::move(*made);
+    }
     const std::span<const std::byte> bytes(header.data, header.bufferLength);
-    return file &&
-           WriteWaveFile(file->GetFile(), m_format,
+    return WriteWaveFile(file->GetFile(), m_format,
                          bytes.first(bytes.size() - bytes.size() % m_format.blockAlign)) &&
-           file->Publish(platform::Durability::kNow) == platform::FileError::kNone;
+           file->Publish(platform::Durability::kNow);
   }
 
   platform::FileSystem& m_files;
@@ -81,16 +84,16 @@ class FileOutDevice final : public platform::WaveOutDevice {
 FileWaveOut::FileWaveOut(platform::FileSystem& files, std::u16string path)
     : m_files(files), m_path(std::move(path)) {}
 
-platform::OpenedWaveOut FileWaveOut::Open(const platform::WaveFormat& format) {
-  if (!platform::IsWholeBytePcm(format)) return {nullptr, WaveResult::kBadFormat};
-  if (!m_device.expired()) return {nullptr, WaveResult::kNoDevice};
-  platform::OpenedReplacement opened = m_files.OpenReplacement(m_path);
-  if (!opened.replacement) return {nullptr, WaveResult::kNoDevice};
+platform::Result<std::unique_ptr<platform::WaveOutDevice>, platform::WaveResult> FileWaveOut::Open(
+    const platform::WaveFormat& format) {
+  if (!platform::IsWholeBytePcm(format)) return platform::Failure(WaveResult::kBadFormat);
+  if (!m_device.expired()) return platform::Failure(WaveResult::kNoDevice);
+  auto next = m_files.OpenReplacement(m_path);
+  if (!next) return platform::Failure(WaveResult::kNoDevice);
   auto turn = std::make_shared<char>();
   m_device = turn;
-  return {std::make_unique<FileOutDevice>(m_files, m_path, format, std::move(opened.replacement),
-                                          std::move(turn)),
-          WaveResult::kOk};
+  return std::make_unique<FileOutDevice>(m_files, m_path, format, std::move(*next),
+                                         std::move(turn));
 }
 
 }  // namespace wave_file

@@ -19,7 +19,8 @@ class FileWaveOut final : public platform::WaveOut {
   /// `files` outlives this and every device opened.
   FileWaveOut(platform::FileSystem& files, std::u16string path);
 
-  [[nodiscard]] platform::OpenedWaveOut Open(const platform::WaveFormat& format) override;
+  [[nodiscard]] platform::Result<std::unique_ptr<platform::WaveOutDevice>, platform::WaveResult>
+  Open(const platform::WaveFormat& format) override;
 
  private:
   platform::FileSystem& m_files;

@@ -28,7 +28,7 @@ bool HasName(std::span<const std::byte> bytes, std::string_view name) {
 }
 
 bool ReadAt(platform::File& file, std::uint64_t offset, std::span<std::byte> into) {
-  return file.Seek(offset) == platform::FileError::kNone && file.Read(into) == into.size();
+  return file.Seek(offset) && file.Read(into) == into.size();
 }
 
 std::optional<platform::WaveFormat> ReadFormat(platform::File& file, std::uint64_t offset) {
@@ -160,9 +160,8 @@ bool WriteWaveFile(platform::File& file, const platform::WaveFormat& format,
   const Header header = MakeHeader(format, static_cast<std::uint32_t>(samples.size()),
                                    static_cast<std::uint32_t>(padding));
   constexpr std::array<std::byte, 1> kPadding{};
-  return file.Write(header) == platform::FileError::kNone &&
-         file.Write(samples) == platform::FileError::kNone &&
-         file.Write(std::span(kPadding).first(padding)) == platform::FileError::kNone;
+  return file.Write(header) && file.Write(samples) &&
+         file.Write(std::span(kPadding).first(padding));
 }
 
 }  // namespace wave_file

@@ -25,9 +25,8 @@ using Bytes = std::vector<std::byte>;
 /// The whole file; tells what is wrong where it cannot be read.
 std::optional<Bytes> ReadLanguageFile(Session& session, const std::string& name) {
   const platform::Platform platform = session.GetPlatform();
-  const platform::OpenedFile opened = platform.files.Open(Session::ToSystemPath(name), {});
-  const std::optional<std::uint64_t> length =
-      opened.file ? opened.file->GetLength() : std::optional<std::uint64_t>();
+  const auto file = platform.files.Open(Session::ToSystemPath(name), {});
+  const auto length = file ? (*file)->GetLength() : platform::Failure(file.error());
   if (!length) {
     session.Fail(fmt::format("{}: it cannot be opened", name));
     return std::nullopt;
@@ -37,7 +36,7 @@ std::optional<Bytes> ReadLanguageFile(Session& session, const std::string& name)
     return std::nullopt;
   }
   Bytes bytes(static_cast<std::size_t>(*length));
-  const std::optional<std::size_t> read = opened.file->Read(bytes);
+  const auto read = (*file)->Read(bytes);
   if (!read) {
     session.Fail(fmt::format("{}: it cannot be read", name));
     return std::nullopt;
@@ -52,18 +51,18 @@ bool WriteLanguageFile(Session& session, const std::string& name, const Bytes& b
   using platform::FileError;
   platform::FileSystem& files = session.GetFiles();
   const std::u16string path = Session::ToSystemPath(name);
-  platform::OpenedFile earlier = files.Open(path, {});
-  if (earlier.file && earlier.file->GetLength() != 0) {
+  auto earlier = files.Open(path, {});
+  if (earlier && (*earlier)->GetLength() != 0) {
     session.Fail(fmt::format("{}: there is such a file already; it was left as it is", name));
     return false;
   }
-  const bool mayWrite = earlier.file || earlier.error == FileError::kNotFound;
-  earlier.file.reset();
-  const platform::OpenedReplacement made =
-      mayWrite ? files.OpenReplacement(path) : platform::OpenedReplacement();
-  const bool isWritten = made.replacement &&
-                         made.replacement->GetFile().Write(bytes) == FileError::kNone &&
-                         made.replacement->Publish(platform::Durability::kNow) == FileError::kNone;
+  const bool mayWrite = earlier || earlier.error() == FileError::kNotFound;
+  if (earlier) {
+    earlier->reset();
+  }
+  const auto made = mayWrite ? files.OpenReplacement(path) : platform::Failure(earlier.error());
+  const bool isWritten =
+      made && (*made)->GetFile().Write(bytes) && (*made)->Publish(platform::Durability::kNow);
   if (!isWritten) {
     session.Fail(fmt::format("{}: it cannot be written", name));
   }

@@ -57,16 +57,17 @@ std::string FindListText(const storage::TagTable& tags, std::u16string_view name
 void CountRecordings(const platform::Platform& platform, const storage::TagTable& tags,
                      ReinitOutcome& outcome) {
   const storage::TagStore store(platform.files, platform.registry);
-  platform::StartedSearch found = store.FindRecordings();
-  for (platform::FileError error = found.error;
-       found.search != nullptr && error != platform::FileError::kNoMoreFiles;
-       error = found.search->Next(found.first)) {
-    outcome.recordings += error == platform::FileError::kNone ? 1 : 0;
+  if (const auto search = store.FindRecordings()) {
+    // A failure in the middle is passed over: the search ends all the same.
+    for (auto found = (*search)->Next(); !found || *found; found = (*search)->Next()) {
+      outcome.recordings += found ? 1 : 0;
+    }
   }
   const auto names = store.OpenNames();
   std::u16string name;
   for (std::uint32_t i = 0; names && names->Get(i, name); ++i) {
-    if (platform.files.FindFirst(storage::WavePath(name)).error == platform::FileError::kNotFound) {
+    const auto recording = platform.files.Find(storage::WavePath(name));
+    if (!recording && recording.error() == platform::FileError::kNotFound) {
       outcome.withoutRecording.push_back({text::ToUtf8(name), FindListText(tags, name)});
     }
   }

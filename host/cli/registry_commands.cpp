@@ -19,16 +19,14 @@
 namespace cli {
 namespace {
 
-using platform::FileError;
 using storage::RegistryFileError;
 using Bytes = std::vector<std::byte>;
 
 /// The whole file; tells what is wrong where it cannot be read.
 std::optional<Bytes> ReadRegistryFile(Session& session, const std::string& name) {
   platform::FileSystem& files = session.GetFiles();
-  const platform::OpenedFile opened = files.Open(Session::ToSystemPath(name), {});
-  const std::optional<std::uint64_t> length =
-      opened.file ? opened.file->GetLength() : std::optional<std::uint64_t>();
+  const auto file = files.Open(Session::ToSystemPath(name), {});
+  const auto length = file ? (*file)->GetLength() : platform::Failure(file.error());
   if (!length) {
     session.Fail(fmt::format("{}: it cannot be opened", name));
     return std::nullopt;
@@ -38,7 +36,7 @@ std::optional<Bytes> ReadRegistryFile(Session& session, const std::string& name)
     return std::nullopt;
   }
   Bytes bytes(static_cast<std::size_t>(*length));
-  const std::optional<std::size_t> read = opened.file->Read(bytes);
+  const auto read = (*file)->Read(bytes);
   if (!read || *read != bytes.size()) {
     session.Fail(fmt::format("{}: it cannot be read", name));
     return std::nullopt;
@@ -48,10 +46,8 @@ std::optional<Bytes> ReadRegistryFile(Session& session, const std::string& name)
 
 /// The earlier export stays until the new one is whole.
 bool WriteRegistryFile(Session& session, const std::string& name, const Bytes& bytes) {
-  const platform::OpenedReplacement made =
-      session.GetFiles().OpenReplacement(Session::ToSystemPath(name));
-  return made.replacement && made.replacement->GetFile().Write(bytes) == FileError::kNone &&
-         made.replacement->Publish(platform::Durability::kNow) == FileError::kNone;
+  const auto made = session.GetFiles().OpenReplacement(Session::ToSystemPath(name));
+  return made && (*made)->GetFile().Write(bytes) && (*made)->Publish(platform::Durability::kNow);
 }
 
 bool WriteStandardOutput(const Bytes& bytes) {

@@ -79,20 +79,20 @@ bool CanHear(Session& session) {
   }
   const auto opened = session.GetPlatform().waveIn.Open(
       audio::MonoPcm(audio::kRecordingBits, audio::kRecordingRate));
-  if (opened.result != platform::WaveResult::kOk) {
-    session.Fail(opened.result == platform::WaveResult::kNoDevice
+  if (!opened) {
+    session.Fail(opened.error() == platform::WaveResult::kNoDevice
                      ? microphone + ": it cannot be opened"
                      : microphone + " is no wave file of 11,025 Hz, mono, 16 bit");
   }
-  return opened.result == platform::WaveResult::kOk;
+  return opened.has_value();
 }
 
 /// Why no tag was learned, with a colon before it. Returns an empty text if messages have said it.
 std::string ExplainNoTag(const Session& session, const tags::Page_one& page) {
   const int code = page.GetRecordCode();
   std::string reason;
-  if (page.GetLearnError() != platform::FileError::kNone) {
-    reason = ExplainFileError(page.GetLearnError());
+  if (const auto error = page.GetLearnError()) {
+    reason = ExplainFileError(*error);
   } else if (code != audio::kRecorded) {
     reason = ExplainRecordCode(session, code);
   }

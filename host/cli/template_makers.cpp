@@ -22,7 +22,9 @@
 namespace cli {
 namespace {
 
+using platform::Failure;
 using platform::FileError;
+using platform::Result;
 using voicemath::CVoiceMathematics;
 using voicemath::TemplateFileResult;
 
@@ -54,52 +56,51 @@ bool AreSameName(const std::string& a, const std::string& b) {
 }
 
 /// Whether `bytes` could be written to `path` now. Leaves nothing there.
-FileError TryToWrite(platform::FileSystem& files, const std::u16string& path, std::size_t bytes) {
-  const FileError earlier =
-      files
-          .Open(path, {platform::FileAccess::kWrite, platform::FileShare::kNone,
-                       platform::FileCreation::kOpenExisting})
-          .error;
-  if (earlier != FileError::kNone && earlier != FileError::kNotFound) {
-    return earlier;
+Result<void, FileError> TryToWrite(platform::FileSystem& files, const std::u16string& path,
+                                   std::size_t bytes) {
+  const auto earlier = files.Open(path, {platform::FileAccess::kWrite, platform::FileShare::kNone,
+                                         platform::FileCreation::kOpenExisting});
+  if (!earlier && earlier.error() != FileError::kNotFound) {
+    return Failure(earlier.error());
   }
   const auto trial = files.OpenReplacement(path);
-  return trial.replacement ? trial.replacement->GetFile().Write(std::vector<std::byte>(bytes))
-                           : trial.error;
+  return trial ? (*trial)->GetFile().Write(std::vector<std::byte>(bytes)) : Failure(trial.error());
 }
 
-FileError Copy(platform::File& from, platform::File& to) {
+Result<void, FileError> Copy(platform::File& from, platform::File& to) {
   std::vector<std::byte> buffer(kCopyBytes);
   for (;;) {
     const auto count = from.Read(buffer);
     if (!count) {
-      return FileError::kOther;
+      return Failure(FileError::kOther);
     }
-    const FileError written = to.Write(std::span(buffer).first(*count));
-    if (written != FileError::kNone || *count < buffer.size()) {
+    const auto written = to.Write(std::span(buffer).first(*count));
+    if (!written || *count < buffer.size()) {
       return written;
     }
   }
 }
 
 /// Copies a recording to a file that is not there yet: whole or not at all.
-FileError CopyRecording(platform::FileSystem& files, const std::u16string& wave,
-                        const std::u16string& copy) {
-  const FileError there = files.Open(copy, {.access = platform::FileAccess::kNone}).error;
-  if (there != FileError::kNotFound) {
-    return there == FileError::kNone ? FileError::kAlreadyExists : there;
+Result<void, FileError> CopyRecording(platform::FileSystem& files, const std::u16string& wave,
+                                      const std::u16string& copy) {
+  const auto there = files.Open(copy, {.access = platform::FileAccess::kNone});
+  if (there) {
+    return Failure(FileError::kAlreadyExists);
+  }
+  if (there.error() != FileError::kNotFound) {
+    return Failure(there.error());
   }
   const auto original = files.Open(wave, {.share = platform::FileShare::kRead});
-  if (!original.file) {
-    return original.error;
+  if (!original) {
+    return Failure(original.error());
   }
-  const auto opened = files.OpenReplacement(copy);
-  if (!opened.replacement) {
-    return opened.error;
+  const auto made = files.OpenReplacement(copy);
+  if (!made) {
+    return Failure(made.error());
   }
-  const FileError copied = Copy(*original.file, opened.replacement->GetFile());
-  return copied == FileError::kNone ? opened.replacement->Publish(platform::Durability::kNow)
-                                    : copied;
+  const auto copied = Copy(**original, (*made)->GetFile());
+  return copied ? (*made)->Publish(platform::Durability::kNow) : copied;
 }
 
 struct MakerArguments {
@@ -158,23 +159,23 @@ class TemplateMaker {
     const std::size_t samples = review.segment.last - review.segment.first + 1;
     const std::size_t frames = samples / voicemath::kFrameHop - 1;
     const std::size_t bytes = kTemplateHeaderBytes + frames * voicemath::kBandCount * sizeof(float);
-    const FileError target =
-        TryToWrite(m_platform.files, Session::ToSystemPath(m_arguments.st), bytes);
-    if (target != FileError::kNone) {
+    const auto target = TryToWrite(m_platform.files, Session::ToSystemPath(m_arguments.st), bytes);
+    if (!target) {
       m_session.Fail(fmt::format("{}: it cannot be made: {}; {} was left as it is", m_arguments.st,
-                                 ExplainFileError(target), m_arguments.wave));
+                                 ExplainFileError(target.error()), m_arguments.wave));
       return false;
     }
     if (m_arguments.keep.empty()) {
       return true;
     }
-    const FileError kept = CopyRecording(m_platform.files, m_mathematics.m_wavePath,
-                                         Session::ToSystemPath(m_arguments.keep));
-    if (kept != FileError::kNone) {
+    const auto kept = CopyRecording(m_platform.files, m_mathematics.m_wavePath,
+                                    Session::ToSystemPath(m_arguments.keep));
+    if (!kept) {
       m_session.Fail(fmt::format("{}: the original cannot be kept there: {}; {} was left as it is",
-                                 m_arguments.keep, ExplainFileError(kept), m_arguments.wave));
+                                 m_arguments.keep, ExplainFileError(kept.error()),
+                                 m_arguments.wave));
     }
-    return kept == FileError::kNone;
+    return kept.has_value();
   }
 
   /// Computes the template, also cuts the recording if it is to be learned. What has no review has
@@ -194,21 +195,21 @@ class TemplateMaker {
   }
 
   [[nodiscard]] std::string ExplainFailure() {
-    const FileError trimming = m_mathematics.m_trimError;
+    const std::optional<FileError> trimming = m_mathematics.m_trimError;
     const int code = CheckHeader(m_mathematics, m_mathematics.m_wavePath);
     if (code != voicemath::kHeaderAccepted) {
       return ExplainHeaderCode(code);
     }
     const std::string words = "it cannot be read or rewritten";
-    return trimming == FileError::kNone ? words : words + ": " + ExplainFileError(trimming);
+    return trimming ? words + ": " + ExplainFileError(*trimming) : words;
   }
 
   void WriteTemplate() {
-    const FileError error = voicemath::ReplaceTemplateFile(
+    const auto written = voicemath::ReplaceTemplateFile(
         m_platform.files, Session::ToSystemPath(m_arguments.st), m_mathematics);
-    if (error != FileError::kNone) {
-      m_session.Fail(
-          fmt::format("{}: it cannot be made: {}", m_arguments.st, ExplainFileError(error)));
+    if (!written) {
+      m_session.Fail(fmt::format("{}: it cannot be made: {}", m_arguments.st,
+                                 ExplainFileError(written.error())));
     } else if (!m_session.GetOptions().json) {
       PrintSummary(m_mathematics);
     }

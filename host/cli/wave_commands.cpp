@@ -46,9 +46,8 @@ void Record(Session& session, const std::string& file, std::uint32_t millisecond
         fmt::format("Recorded {:.1f} s to {}", BytesToSeconds(device.GetRecordedBytes()), file));
   }
   if (code != audio::kRecorded) {
-    const std::string reason = code == audio::kFileNotCreated
-                                   ? ExplainFileError(device.GetFileError())
-                                   : ExplainRecordCode(session, code);
+    const auto error = device.GetFileError();
+    const std::string reason = error ? ExplainFileError(*error) : ExplainRecordCode(session, code);
     session.Fail(fmt::format("{} was not recorded{}{}", file, reason.empty() ? "" : ": ", reason));
   }
 }

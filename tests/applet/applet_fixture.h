@@ -24,10 +24,9 @@ class AppletFixture : public testing::Test {
   ~AppletFixture() override { language::LanguageTable::Release(); }
 
   void SetUp() override {
-    ASSERT_EQ(m_machine.files.CreateFolder(storage::kProgramFilesFolder),
-              platform::FileError::kNone);
-    ASSERT_EQ(m_machine.files.CreateFolder(storage::kMakerFolder), platform::FileError::kNone);
-    ASSERT_EQ(m_machine.files.CreateFolder(storage::kInstallFolder), platform::FileError::kNone);
+    ASSERT_TRUE(m_machine.files.CreateFolder(storage::kProgramFilesFolder));
+    ASSERT_TRUE(m_machine.files.CreateFolder(storage::kMakerFolder));
+    ASSERT_TRUE(m_machine.files.CreateFolder(storage::kInstallFolder));
   }
 
   void PutLanguageFile(std::u16string_view lines) {

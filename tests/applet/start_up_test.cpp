@@ -2,6 +2,7 @@
 
 #include "tests/applet/applet_fixture.h"
 #include "tests/support/forwarding_file_system.h"
+#include "tests/support/results.h"
 
 namespace {
 
@@ -13,25 +14,28 @@ class NotingFiles final : public support::ForwardingFileSystem {
   NotingFiles(platform::FileSystem& files, Steps& steps)
       : ForwardingFileSystem(files), m_steps(steps) {}
 
-  platform::OpenedFile Open(std::u16string_view path, const platform::OpenMode& mode) override {
+  platform::Result<std::unique_ptr<platform::File>, platform::FileError> Open(
+      std::u16string_view path, const platform::OpenMode& mode) override {
     Note(u"open ", path);
     return ForwardingFileSystem::Open(path, mode);
   }
-  platform::FileError Delete(std::u16string_view path) override {
+  platform::Result<void, platform::FileError> Delete(std::u16string_view path) override {
     Note(u"delete ", path);
     return ForwardingFileSystem::Delete(path);
   }
-  platform::OpenedReplacement OpenReplacement(std::u16string_view path) override {
+  platform::Result<std::unique_ptr<platform::Replacement>, platform::FileError> OpenReplacement(
+      std::u16string_view path) override {
     Note(u"replace ", path);
     return ForwardingFileSystem::OpenReplacement(path);
   }
-  platform::FileError CreateFolder(std::u16string_view path) override {
+  platform::Result<void, platform::FileError> CreateFolder(std::u16string_view path) override {
     Note(u"create ", path);
     return ForwardingFileSystem::CreateFolder(path);
   }
-  platform::StartedSearch FindFirst(std::u16string_view pattern) override {
+  platform::Result<std::unique_ptr<platform::FileSearch>, platform::FileError> Find(
+      std::u16string_view pattern) override {
     Note(u"find ", pattern);
-    return ForwardingFileSystem::FindFirst(pattern);
+    return ForwardingFileSystem::Find(pattern);
   }
 
  private:
@@ -84,12 +88,13 @@ TEST_F(StartUp, NeitherLoadsTheIconNorShowsAnything) {
 }
 
 TEST_F(StartUp, AFolderThatCannotBeMadeIsNoReasonToSpeak) {
-  ASSERT_EQ(m_machine.files.Delete(m_install), platform::FileError::kAccessDenied);
+  ASSERT_EQ(support::ErrorOf(m_machine.files.Delete(m_install)),
+            platform::FileError::kAccessDenied);
   support::HeadlessPlatform bare;  // Even the folder above them is missing.
   applet::VoxtrelApp app(bare.Get(), m_module);
   EXPECT_TRUE(app.InitInstance());
   EXPECT_TRUE(bare.ui.GetMessages().empty());
-  EXPECT_EQ(bare.files.FindFirst(m_install).error, platform::FileError::kNotFound);
+  EXPECT_EQ(support::ErrorOf(bare.files.Find(m_install)), platform::FileError::kNotFound);
 }
 
 }  // namespace

@@ -18,12 +18,13 @@ class LoggingWaveOut final : public platform::WaveOut {
   [[nodiscard]] const platform::WaveFormat& GetFormat() const { return m_format; }
   [[nodiscard]] const platform::WaveHeader& GetHeader() const { return m_header; }
 
-  [[nodiscard]] platform::OpenedWaveOut Open(const platform::WaveFormat& format) override {
+  [[nodiscard]] platform::Result<std::unique_ptr<platform::WaveOutDevice>, platform::WaveResult>
+  Open(const platform::WaveFormat& format) override {
     m_calls.push_back("Open");
     m_format = format;
     auto opened = m_inner.Open(format);
-    if (opened.device) {
-      opened.device = std::make_unique<Device>(*this, std::move(opened.device));
+    if (opened) {
+      opened = std::make_unique<Device>(*this, std::move(*opened));
     }
     return opened;
   }

@@ -38,11 +38,12 @@ class StepsWaveIn final : public platform::WaveIn {
     return m_inner.GetDeviceCount();
   }
 
-  [[nodiscard]] platform::OpenedWaveIn Open(const platform::WaveFormat& format) override {
+  [[nodiscard]] platform::Result<std::unique_ptr<platform::WaveInDevice>, platform::WaveResult>
+  Open(const platform::WaveFormat& format) override {
     m_steps.push_back("open device");
     auto opened = m_inner.Open(format);
-    if (opened.device) {
-      opened.device = std::make_unique<Device>(m_steps, m_claimed, std::move(opened.device));
+    if (opened) {
+      opened = std::make_unique<Device>(m_steps, m_claimed, std::move(*opened));
     }
     return opened;
   }

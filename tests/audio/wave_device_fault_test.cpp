@@ -58,14 +58,16 @@ TEST_F(WaveDeviceFaults, ACloseThatFailsIsTriedOnceMoreAfterAWhile) {
 class NoMemoryWaveIn final : public platform::WaveIn {
  public:
   [[nodiscard]] std::uint32_t GetDeviceCount() override { return 1; }
-  [[nodiscard]] platform::OpenedWaveIn Open(const platform::WaveFormat& /*format*/) override {
+  [[nodiscard]] platform::Result<std::unique_ptr<platform::WaveInDevice>, platform::WaveResult>
+  Open(const platform::WaveFormat& /*format*/) override {
     throw std::bad_alloc();
   }
 };
 
 class NoMemoryWaveOut final : public platform::WaveOut {
  public:
-  [[nodiscard]] platform::OpenedWaveOut Open(const platform::WaveFormat& /*format*/) override {
+  [[nodiscard]] platform::Result<std::unique_ptr<platform::WaveOutDevice>, platform::WaveResult>
+  Open(const platform::WaveFormat& /*format*/) override {
     throw std::bad_alloc();
   }
 };

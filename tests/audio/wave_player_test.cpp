@@ -103,9 +103,9 @@ TEST_F(WavePlayer, AFileThatAnotherProgramReadsIsNotOpened) {
   ASSERT_TRUE(m_files.PutFile(kPath, Good()));
   auto held = m_files.Open(kPath, {platform::FileAccess::kRead, platform::FileShare::kRead,
                                    platform::FileCreation::kOpenExisting});
-  ASSERT_NE(held.file, nullptr);
+  ASSERT_TRUE(held);
   EXPECT_EQ(m_device.Play(kPath), audio::kSoundNotOpened) << "The file is not shared.";
-  held.file.reset();
+  held->reset();
   EXPECT_EQ(m_device.Play(kPath), audio::kPlayed);
 }
 

@@ -21,7 +21,7 @@ std::u16string WithBackslashes(std::u16string_view name) {
 class MemoryBackend final : public FileBackend {
  public:
   explicit MemoryBackend(bool isDevice) : m_isDevice(isDevice) {
-    if (m_files.CreateFolder(m_isDevice ? u"\\Base" : u"/base") != platform::FileError::kNone) {
+    if (!m_files.CreateFolder(m_isDevice ? u"\\Base" : u"/base")) {
       throw std::runtime_error("no folder for the test");
     }
   }
@@ -78,16 +78,15 @@ std::vector<FileBackendKind> AllFileBackends() {
 
 std::unique_ptr<platform::File> FileContract::MustOpen(std::u16string_view name,
                                                        const platform::OpenMode& mode) {
-  platform::OpenedFile opened = Files().Open(Path(name), mode);
-  if (opened.file == nullptr) {
+  auto opened = Files().Open(Path(name), mode);
+  if (!opened) {
     throw std::runtime_error("a file of the test does not open");
   }
-  EXPECT_EQ(opened.error, platform::FileError::kNone);
-  return std::move(opened.file);
+  return std::move(*opened);
 }
 
 void FileContract::Write(std::u16string_view name, std::string_view content) {
-  ASSERT_EQ(support::WriteWhole(Files(), Path(name), content), platform::FileError::kNone);
+  ASSERT_TRUE(support::WriteWhole(Files(), Path(name), content));
 }
 
 std::string FileContract::Read(std::u16string_view name) {

@@ -51,8 +51,8 @@ class FileContract : public testing::TestWithParam<FileBackendKind> {
                                                          const platform::OpenMode& mode);
   void Write(std::u16string_view name, std::string_view content);
   [[nodiscard]] std::string Read(std::u16string_view name);
-  [[nodiscard]] platform::FileError Open(std::u16string_view name, const platform::OpenMode& mode) {
-    return Files().Open(Path(name), mode).error;
+  [[nodiscard]] auto Open(std::u16string_view name, const platform::OpenMode& mode) {
+    return Files().Open(Path(name), mode);
   }
 
  private:

@@ -7,6 +7,7 @@
 
 #include "tests/contract/file_backends.h"
 #include "tests/support/file_bytes.h"
+#include "tests/support/results.h"
 
 namespace contract {
 namespace {
@@ -29,15 +30,16 @@ class FileReplacement : public FileContract {
   /// A replacement of `name` that holds `content`.
   [[nodiscard]] std::unique_ptr<platform::Replacement> Begin(std::u16string_view name,
                                                              std::string_view content) {
-    platform::OpenedReplacement opened = Files().OpenReplacement(Path(name));
-    EXPECT_EQ(opened.error, FileError::kNone);
-    if (opened.replacement == nullptr) {
+    auto opened = Files().OpenReplacement(Path(name));
+    EXPECT_TRUE(opened);
+    if (!opened) {
       throw std::runtime_error("a replacement of the test does not open");
     }
-    EXPECT_EQ(opened.replacement->GetFile().Write(ToBytes(std::string(content))), FileError::kNone);
-    return std::move(opened.replacement);
+    EXPECT_TRUE((*opened)->GetFile().Write(ToBytes(std::string(content))));
+    return std::move(*opened);
   }
-  [[nodiscard]] FileError Publish(std::u16string_view name, std::string_view content) {
+  [[nodiscard]] platform::Result<void, FileError> Publish(std::u16string_view name,
+                                                          std::string_view content) {
     return Begin(name, content)->Publish(Durability::kNow);
   }
   [[nodiscard]] std::vector<std::u16string> Names() { return FindNames(Files(), Path(u"*")); }
@@ -46,7 +48,7 @@ class FileReplacement : public FileContract {
 TEST_P(FileReplacement, TakesThePlaceOfTheEarlierFile) {
   Write(u"f", "a long earlier content");
   for (const Durability durability : {Durability::kNow, Durability::kLater}) {
-    EXPECT_EQ(Begin(u"f", "new")->Publish(durability), FileError::kNone);
+    EXPECT_TRUE(Begin(u"f", "new")->Publish(durability));
     EXPECT_EQ(Read(u"f"), "new");
     Write(u"f", "a long earlier content");
   }
@@ -54,7 +56,7 @@ TEST_P(FileReplacement, TakesThePlaceOfTheEarlierFile) {
 }
 
 TEST_P(FileReplacement, IsMadeWhereNothingWas) {
-  EXPECT_EQ(Publish(u"f", "new"), FileError::kNone);
+  EXPECT_TRUE(Publish(u"f", "new"));
   EXPECT_EQ(Read(u"f"), "new");
   EXPECT_THAT(Names(), UnorderedElementsAre(u"f"));
 }
@@ -64,7 +66,7 @@ TEST_P(FileReplacement, ChangesNothingBeforeItIsPublished) {
   const auto one = Begin(u"f", "new");
   const auto other = Begin(u"g", "new");
   EXPECT_EQ(Read(u"f"), "old");
-  EXPECT_EQ(Open(u"g", kLook), FileError::kNotFound);
+  EXPECT_EQ(support::ErrorOf(Open(u"g", kLook)), FileError::kNotFound);
 }
 
 TEST_P(FileReplacement, LeavesNothingIfItIsDropped) {
@@ -79,27 +81,27 @@ TEST_P(FileReplacement, IsReadAndWrittenAndCutLikeAnyFile) {
   const auto replacement = Begin(u"f", "abcdef");
   platform::File& file = replacement->GetFile();
   std::array<std::byte, 4> bytes{};
-  EXPECT_EQ(file.Seek(2), FileError::kNone);
+  EXPECT_TRUE(file.Seek(2));
   EXPECT_EQ(file.Read(bytes), 4U);
   EXPECT_EQ(bytes[0], std::byte{'c'});
-  EXPECT_EQ(file.SetLength(3), FileError::kNone);
+  EXPECT_TRUE(file.SetLength(3));
   EXPECT_EQ(file.GetLength(), 3U);
-  EXPECT_EQ(file.Flush(), FileError::kNone);
-  EXPECT_EQ(replacement->Publish(Durability::kLater), FileError::kNone);
+  EXPECT_TRUE(file.Flush());
+  EXPECT_TRUE(replacement->Publish(Durability::kLater));
   EXPECT_EQ(Read(u"f"), "abc");
 }
 
 TEST_P(FileReplacement, IsClosedOncePublished) {
   const auto replacement = Begin(u"f", "abc");
-  ASSERT_EQ(replacement->Publish(Durability::kNow), FileError::kNone);
-  EXPECT_EQ(replacement->GetFile().Write(ToBytes("more")), FileError::kClosed);
-  EXPECT_EQ(Open(u"f", kWriteExisting), FileError::kNone);
+  ASSERT_TRUE(replacement->Publish(Durability::kNow));
+  EXPECT_EQ(support::ErrorOf(replacement->GetFile().Write(ToBytes("more"))), FileError::kClosed);
+  EXPECT_TRUE(Open(u"f", kWriteExisting));
 }
 
 TEST_P(FileReplacement, IsNotPublishedOnceItIsClosed) {
   const auto replacement = Begin(u"f", "abc");
-  ASSERT_EQ(replacement->GetFile().Close(), FileError::kNone);
-  EXPECT_EQ(replacement->Publish(Durability::kNow), FileError::kClosed);
+  ASSERT_TRUE(replacement->GetFile().Close());
+  EXPECT_EQ(support::ErrorOf(replacement->Publish(Durability::kNow)), FileError::kClosed);
   EXPECT_THAT(Names(), IsEmpty());
 }
 
@@ -108,10 +110,11 @@ TEST_P(FileReplacement, WaitsForTheHolderOfTheEarlierFile) {
   const auto replacement = Begin(u"f", "new");
   for (const OpenMode& mode : {kReadTogether, kReadAlone, kWriteExisting, kLook}) {
     const auto holder = MustOpen(u"f", mode);
-    EXPECT_EQ(replacement->Publish(Durability::kNow), FileError::kSharingViolation);
+    EXPECT_EQ(support::ErrorOf(replacement->Publish(Durability::kNow)),
+              FileError::kSharingViolation);
   }
   EXPECT_EQ(Read(u"f"), "old");
-  EXPECT_EQ(replacement->Publish(Durability::kNow), FileError::kNone);
+  EXPECT_TRUE(replacement->Publish(Durability::kNow));
   EXPECT_EQ(Read(u"f"), "new");
 }
 
@@ -120,7 +123,7 @@ TEST_P(FileReplacement, BeginsWhileTheEarlierFileIsHeld) {
   auto holder = MustOpen(u"f", kReadWrite);
   const auto replacement = Begin(u"f", "new");
   holder.reset();
-  EXPECT_EQ(replacement->Publish(Durability::kNow), FileError::kNone);
+  EXPECT_TRUE(replacement->Publish(Durability::kNow));
   EXPECT_EQ(Read(u"f"), "new");
 }
 
@@ -130,24 +133,24 @@ TEST_P(FileReplacement, LeavesAProtectedFileAndAFolder) {
   const auto begun = Begin(u"g", "new");
   Protect(u"f");
   Protect(u"g");
-  ASSERT_EQ(Files().CreateFolder(Path(u"folder")), FileError::kNone);
-  EXPECT_EQ(Files().OpenReplacement(Path(u"f")).error, FileError::kAccessDenied);
-  EXPECT_EQ(Files().OpenReplacement(Path(u"folder")).error, FileError::kAccessDenied);
-  EXPECT_EQ(begun->Publish(Durability::kNow), FileError::kAccessDenied);
+  ASSERT_TRUE(Files().CreateFolder(Path(u"folder")));
+  EXPECT_EQ(support::ErrorOf(Files().OpenReplacement(Path(u"f"))), FileError::kAccessDenied);
+  EXPECT_EQ(support::ErrorOf(Files().OpenReplacement(Path(u"folder"))), FileError::kAccessDenied);
+  EXPECT_EQ(support::ErrorOf(begun->Publish(Durability::kNow)), FileError::kAccessDenied);
   EXPECT_EQ(Read(u"f"), "old");
   EXPECT_EQ(Read(u"g"), "old");
 }
 
 TEST_P(FileReplacement, NeedsAFolder) {
-  EXPECT_EQ(Files().OpenReplacement(Path(u"no/f")).error, FileError::kNotFound);
-  EXPECT_EQ(Files().OpenReplacement(u"").error, FileError::kNotFound);
-  EXPECT_EQ(Files().OpenReplacement(u"\\..\\f").error, FileError::kNotFound);
+  EXPECT_EQ(support::ErrorOf(Files().OpenReplacement(Path(u"no/f"))), FileError::kNotFound);
+  EXPECT_EQ(support::ErrorOf(Files().OpenReplacement(u"")), FileError::kNotFound);
+  EXPECT_EQ(support::ErrorOf(Files().OpenReplacement(u"\\..\\f")), FileError::kNotFound);
 }
 
 TEST_P(FileReplacement, OfTheSameFileAgainAndAgainIsTheLatest) {
   for (int i = 0; i < 20; ++i) {
     const std::string content(static_cast<std::size_t>(i), 'x');
-    ASSERT_EQ(Publish(u"f", content), FileError::kNone);
+    ASSERT_TRUE(Publish(u"f", content));
     ASSERT_EQ(Read(u"f"), content);
   }
 }
@@ -157,7 +160,7 @@ TEST_P(FileReplacement, KeepsTheSpellingOfTheEarlierName) {
     return;
   }
   Write(u"One.Wav", "old");
-  EXPECT_EQ(Publish(u"oNE.wAV", "new"), FileError::kNone);
+  EXPECT_TRUE(Publish(u"oNE.wAV", "new"));
   EXPECT_THAT(Names(), UnorderedElementsAre(u"One.Wav"));
   EXPECT_EQ(Read(u"one.wav"), "new");
 }
@@ -165,39 +168,39 @@ TEST_P(FileReplacement, KeepsTheSpellingOfTheEarlierName) {
 TEST_P(FileReplacement, OfTwoTheOnePublishedLastStays) {
   const auto first = Begin(u"f", "first");
   const auto second = Begin(u"f", "second");
-  EXPECT_EQ(second->Publish(Durability::kNow), FileError::kNone);
-  EXPECT_EQ(first->Publish(Durability::kNow), FileError::kNone);
+  EXPECT_TRUE(second->Publish(Durability::kNow));
+  EXPECT_TRUE(first->Publish(Durability::kNow));
   EXPECT_EQ(Read(u"f"), "first");
 }
 
 class FileNames : public FileContract {};
 
 TEST_P(FileNames, CreateNewMakesAFileOrRefuses) {
-  EXPECT_EQ(Open(u"f", kNew), FileError::kNone);
+  EXPECT_TRUE(Open(u"f", kNew));
   EXPECT_EQ(Read(u"f"), "");
   Write(u"f", "abc");
-  EXPECT_EQ(Open(u"f", kNew), FileError::kAlreadyExists);
+  EXPECT_EQ(support::ErrorOf(Open(u"f", kNew)), FileError::kAlreadyExists);
   EXPECT_EQ(Read(u"f"), "abc");
-  EXPECT_EQ(Open(u"no/f", kNew), FileError::kNotFound);
-  ASSERT_EQ(Files().CreateFolder(Path(u"folder")), FileError::kNone);
-  EXPECT_EQ(Open(u"folder", kNew), FileError::kAlreadyExists);
+  EXPECT_EQ(support::ErrorOf(Open(u"no/f", kNew)), FileError::kNotFound);
+  ASSERT_TRUE(Files().CreateFolder(Path(u"folder")));
+  EXPECT_EQ(support::ErrorOf(Open(u"folder", kNew)), FileError::kAlreadyExists);
 }
 
 TEST_P(FileNames, CreateNewRefusesAFileThatSomebodyHolds) {
   Write(u"f", "abc");
   const auto holder = MustOpen(u"f", kReadAlone);
-  EXPECT_EQ(Open(u"f", kNew), FileError::kAlreadyExists);
+  EXPECT_EQ(support::ErrorOf(Open(u"f", kNew)), FileError::kAlreadyExists);
 }
 
 TEST_P(FileNames, AFolderIsFlushedAndWhatIsNoneIsNot) {
-  ASSERT_EQ(Files().CreateFolder(Path(u"folder")), FileError::kNone);
+  ASSERT_TRUE(Files().CreateFolder(Path(u"folder")));
   Write(u"f", "abc");
-  EXPECT_EQ(Files().FlushFolder(Path(u"folder")), FileError::kNone);
-  EXPECT_EQ(Files().FlushFolder(u"\\"), FileError::kNone);
-  EXPECT_EQ(Files().FlushFolder(Path(u"f")), FileError::kNotFound);
-  EXPECT_EQ(Files().FlushFolder(Path(u"no")), FileError::kNotFound);
-  EXPECT_EQ(Files().FlushFolder(u"\\.."), FileError::kNotFound);
-  EXPECT_EQ(Files().FlushFolder(u""), FileError::kNotFound);
+  EXPECT_TRUE(Files().FlushFolder(Path(u"folder")));
+  EXPECT_TRUE(Files().FlushFolder(u"\\"));
+  EXPECT_EQ(support::ErrorOf(Files().FlushFolder(Path(u"f"))), FileError::kNotFound);
+  EXPECT_EQ(support::ErrorOf(Files().FlushFolder(Path(u"no"))), FileError::kNotFound);
+  EXPECT_EQ(support::ErrorOf(Files().FlushFolder(u"\\..")), FileError::kNotFound);
+  EXPECT_EQ(support::ErrorOf(Files().FlushFolder(u"")), FileError::kNotFound);
 }
 
 INSTANTIATE_TEST_SUITE_P(EachBackend, FileReplacement, testing::ValuesIn(AllFileBackends()),

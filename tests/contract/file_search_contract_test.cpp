@@ -3,13 +3,14 @@
 
 #include "tests/contract/file_backends.h"
 #include "tests/support/file_bytes.h"
+#include "tests/support/results.h"
 
 namespace contract {
 namespace {
 
 using platform::FileError;
 using platform::FoundFile;
-using platform::StartedSearch;
+using support::ErrorOf;
 using support::FindNames;
 using testing::IsEmpty;
 using testing::UnorderedElementsAre;
@@ -19,13 +20,19 @@ class FileSearching : public FileContract {
   [[nodiscard]] std::vector<std::u16string> Find(std::u16string_view pattern) {
     return FindNames(Files(), Path(pattern));
   }
+  [[nodiscard]] static FoundFile MustFind(platform::FileSearch& search) {
+    return search.Next().value().value();
+  }
+  [[nodiscard]] static bool IsAtEnd(platform::FileSearch& search) {
+    return !search.Next().value().has_value();
+  }
 };
 
 TEST_P(FileSearching, APatternFindsWhatMatchesInAnyCase) {
   Write(u"1.wav", "");
   Write(u"22.WAV", "");
   Write(u"1.st", "");
-  ASSERT_EQ(Files().CreateFolder(Path(u"sub.wav")), FileError::kNone);
+  ASSERT_TRUE(Files().CreateFolder(Path(u"sub.wav")));
   EXPECT_THAT(Find(u"*.wav"), UnorderedElementsAre(u"1.wav", u"22.WAV", u"sub.wav"));
   EXPECT_THAT(Find(u"*.ST"), UnorderedElementsAre(u"1.st"));
   EXPECT_THAT(Find(u"?.wav"), UnorderedElementsAre(u"1.wav"));
@@ -39,52 +46,45 @@ TEST_P(FileSearching, AStarFindsEverythingButTheFolderItself) {
 
 TEST_P(FileSearching, NothingThatMatchesIsNotFound) {
   Write(u"a", "");
-  const StartedSearch started = Files().FindFirst(Path(u"*.wav"));
-  EXPECT_EQ(started.error, FileError::kNotFound);
-  EXPECT_EQ(started.search, nullptr);
+  EXPECT_EQ(ErrorOf(Files().Find(Path(u"*.wav"))), FileError::kNotFound);
 }
 
 TEST_P(FileSearching, AMissingOrEmptyFolderHasNothing) {
-  EXPECT_EQ(Files().FindFirst(Path(u"no/*.wav")).error, FileError::kNotFound);
-  EXPECT_EQ(Files().FindFirst(Path(u"no/f")).error, FileError::kNotFound);
+  EXPECT_EQ(ErrorOf(Files().Find(Path(u"no/*.wav"))), FileError::kNotFound);
+  EXPECT_EQ(ErrorOf(Files().Find(Path(u"no/f"))), FileError::kNotFound);
   EXPECT_THAT(Find(u"*"), IsEmpty());
 }
 
 TEST_P(FileSearching, AFileIsNoFolderToSearchIn) {
   Write(u"f", "");
-  EXPECT_EQ(Files().FindFirst(Path(u"f/*")).error, FileError::kNotFound);
+  EXPECT_EQ(ErrorOf(Files().Find(Path(u"f/*"))), FileError::kNotFound);
 }
 
 TEST_P(FileSearching, ANameWithoutWildcardsAsksWhetherItIsThere) {
   Write(u"f", "");
-  ASSERT_EQ(Files().CreateFolder(Path(u"folder")), FileError::kNone);
-  StartedSearch file = Files().FindFirst(Path(u"f"));
-  ASSERT_EQ(file.error, FileError::kNone);
-  EXPECT_EQ(file.first.name, u"f");
-  EXPECT_FALSE(file.first.isFolder);
-  FoundFile next;
-  EXPECT_EQ(file.search->Next(next), FileError::kNoMoreFiles);
-  const StartedSearch folder = Files().FindFirst(Path(u"folder"));
-  ASSERT_EQ(folder.error, FileError::kNone);
-  EXPECT_TRUE(folder.first.isFolder);
-  EXPECT_EQ(Files().FindFirst(Path(u"g")).error, FileError::kNotFound);
+  ASSERT_TRUE(Files().CreateFolder(Path(u"folder")));
+  const auto file = Files().Find(Path(u"f")).value();
+  const FoundFile first = MustFind(*file);
+  EXPECT_EQ(first.name, u"f");
+  EXPECT_FALSE(first.isFolder);
+  EXPECT_TRUE(IsAtEnd(*file));
+  EXPECT_TRUE(MustFind(*Files().Find(Path(u"folder")).value()).isFolder);
+  EXPECT_EQ(ErrorOf(Files().Find(Path(u"g"))), FileError::kNotFound);
 }
 
 TEST_P(FileSearching, FoldersAreToldFromFiles) {
-  ASSERT_EQ(Files().CreateFolder(Path(u"folder")), FileError::kNone);
-  const StartedSearch started = Files().FindFirst(Path(u"*"));
-  ASSERT_EQ(started.error, FileError::kNone);
-  EXPECT_EQ(started.first.name, u"folder");
-  EXPECT_TRUE(started.first.isFolder);
+  ASSERT_TRUE(Files().CreateFolder(Path(u"folder")));
+  const FoundFile found = MustFind(*Files().Find(Path(u"*")).value());
+  EXPECT_EQ(found.name, u"folder");
+  EXPECT_TRUE(found.isFolder);
 }
 
 TEST_P(FileSearching, TheEndStaysTheEnd) {
   Write(u"f", "");
-  const StartedSearch started = Files().FindFirst(Path(u"*"));
-  ASSERT_EQ(started.error, FileError::kNone);
-  FoundFile found;
-  EXPECT_EQ(started.search->Next(found), FileError::kNoMoreFiles);
-  EXPECT_EQ(started.search->Next(found), FileError::kNoMoreFiles);
+  const auto search = Files().Find(Path(u"*")).value();
+  EXPECT_EQ(MustFind(*search).name, u"f");
+  EXPECT_TRUE(IsAtEnd(*search));
+  EXPECT_TRUE(IsAtEnd(*search));
 }
 
 TEST_P(FileSearching, FilesMayBeDeletedAndMadeOnTheWay) {
@@ -94,15 +94,15 @@ TEST_P(FileSearching, FilesMayBeDeletedAndMadeOnTheWay) {
               static_cast<char16_t>(u'a' + i % 26),
           "");
   }
-  const StartedSearch started = Files().FindFirst(Path(u"f*"));
-  ASSERT_EQ(started.error, FileError::kNone);
+  const auto search = Files().Find(Path(u"f*")).value();
   int count = 0;
-  FoundFile found = started.first;
-  do {
-    EXPECT_EQ(Files().Delete(Path(found.name)), FileError::kNone);
-    Write(u"fnew" + found.name, "");
+  auto found = search->Next();
+  for (; found && *found; found = search->Next()) {
+    EXPECT_TRUE(Files().Delete(Path((*found)->name)));
+    Write(u"fnew" + (*found)->name, "");
     ++count;
-  } while (started.search->Next(found) == FileError::kNone);
+  }
+  EXPECT_TRUE(found);
   EXPECT_EQ(count, kFiles);
 }
 

@@ -7,6 +7,7 @@
 
 #include "tests/contract/file_backends.h"
 #include "tests/support/file_bytes.h"
+#include "tests/support/results.h"
 
 namespace contract {
 namespace {
@@ -25,10 +26,9 @@ TEST_P(FilesOfThreads, EachThreadWorksOnItsOwnFiles) {
       const std::u16string name = Path(std::u16string(1, static_cast<char16_t>(u'a' + t)));
       for (int i = 0; i < kRounds; ++i) {
         const std::string content(static_cast<std::size_t>(i * 100), static_cast<char>('a' + t));
-        const bool works = support::WriteWhole(Files(), name, content) == FileError::kNone &&
-                           support::ReadWhole(Files(), name) == content &&
-                           Files().FindFirst(name).error == FileError::kNone &&
-                           Files().Delete(name) == FileError::kNone;
+        const bool works = support::WriteWhole(Files(), name, content) &&
+                           support::ReadWhole(Files(), name) == content && Files().Find(name) &&
+                           Files().Delete(name);
         failures += works ? 0 : 1;
       }
     });
@@ -49,11 +49,11 @@ TEST_P(FilesOfThreads, OnlyOneThreadAtATimeHoldsAFileAlone) {
   for (int t = 0; t < kThreads; ++t) {
     threads.emplace_back([&, this] {
       for (int i = 0; i < kRounds; ++i) {
-        const platform::OpenedFile opened = Files().Open(Path(u"f"), kReadWrite);
-        if (opened.error == FileError::kNone) {
+        const auto opened = Files().Open(Path(u"f"), kReadWrite);
+        if (opened) {
           overlaps += holders.fetch_add(1) == 0 ? 0 : 1;
           --holders;
-        } else if (opened.error != FileError::kSharingViolation) {
+        } else if (support::ErrorOf(opened) != FileError::kSharingViolation) {
           ++failures;
         }
       }

@@ -10,6 +10,7 @@
 #include "platform/wave_in.h"
 #include "tests/contract/wave_in_backends.h"
 #include "tests/e2e/recording.h"
+#include "tests/support/results.h"
 
 namespace {
 
@@ -33,8 +34,8 @@ class WaveInContract : public testing::TestWithParam<WaveInBackendKind> {
 
   void OpenDevice() {
     auto opened = Input().Open(kRecordingFormat);
-    ASSERT_EQ(opened.result, WaveResult::kOk);
-    m_device = std::move(opened.device);
+    ASSERT_TRUE(opened);
+    m_device = std::move(*opened);
     ASSERT_TRUE(m_device);
   }
 
@@ -63,16 +64,14 @@ TEST_P(WaveInContract, MicrophoneThatIsGoneIsNeitherCountedNorOpened) {
   m_backend->Unplug();
   EXPECT_EQ(Input().GetDeviceCount(), 0U);
   const auto opened = Input().Open(kRecordingFormat);
-  EXPECT_EQ(opened.result, WaveResult::kNoDevice);
-  EXPECT_EQ(opened.device, nullptr);
+  EXPECT_EQ(support::ErrorOf(opened), WaveResult::kNoDevice);
 }
 
 TEST_P(WaveInContract, FormatOtherThanPcmIsRefused) {
   auto format = kRecordingFormat;
   format.formatTag = 7;
   const auto opened = Input().Open(format);
-  EXPECT_EQ(opened.result, WaveResult::kBadFormat);
-  EXPECT_EQ(opened.device, nullptr);
+  EXPECT_EQ(support::ErrorOf(opened), WaveResult::kBadFormat);
 }
 
 TEST_P(WaveInContract, OpensAgainAfterClose) {

@@ -40,8 +40,8 @@ class WaveFileBackend final : public WaveOutBackend {
   platform::WaveOut& Output() override { return m_output; }
   bool Hears(std::span<const std::byte> sound) override {
     const auto opened = m_memory.Open(kPath, {});
-    if (!opened.file) return false;
-    const auto layout = wave_file::ReadWaveFileLayout(*opened.file);
+    if (!opened) return false;
+    const auto layout = wave_file::ReadWaveFileLayout(**opened);
     if (!layout) return false;
     const auto file = m_memory.GetFile(kPath).value_or(std::vector<std::byte>());
     return e2e::Contains(std::span(file).subspan(layout->dataOffset, layout->dataBytes), sound);

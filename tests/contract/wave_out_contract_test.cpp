@@ -11,6 +11,7 @@
 #include "tests/contract/wave_out_backends.h"
 #include "tests/e2e/playing.h"
 #include "tests/e2e/recording.h"
+#include "tests/support/results.h"
 
 namespace {
 
@@ -35,15 +36,14 @@ class WaveOutContract : public testing::TestWithParam<WaveOutBackendKind> {
   void OpenDevice(const WaveFormat& format = kRecordingFormat) {
     m_device.reset();
     auto opened = m_backend->Output().Open(format);
-    ASSERT_EQ(opened.result, WaveResult::kOk);
-    m_device = std::move(opened.device);
+    ASSERT_TRUE(opened);
+    m_device = std::move(*opened);
     ASSERT_TRUE(m_device);
   }
 
   void ExpectRefused(const WaveFormat& format) {
     const auto opened = m_backend->Output().Open(format);
-    EXPECT_EQ(opened.result, WaveResult::kBadFormat);
-    EXPECT_EQ(opened.device, nullptr);
+    EXPECT_EQ(support::ErrorOf(opened), WaveResult::kBadFormat);
   }
 
   const std::unique_ptr<WaveOutBackend> m_backend = GetParam().make();
@@ -67,8 +67,7 @@ WaveFormat Pcm(std::uint16_t channels, std::uint32_t rate, std::uint16_t bits) {
 TEST_P(WaveOutContract, LoudspeakerThatIsGoneIsNotOpened) {
   m_backend->Unplug();
   const auto opened = m_backend->Output().Open(kRecordingFormat);
-  EXPECT_EQ(opened.result, WaveResult::kNoDevice);
-  EXPECT_EQ(opened.device, nullptr);
+  EXPECT_EQ(support::ErrorOf(opened), WaveResult::kNoDevice);
 }
 
 TEST_P(WaveOutContract, FormatThatIsNotWholeBytePcmIsRefused) {

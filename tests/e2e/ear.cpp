@@ -20,7 +20,7 @@ constexpr std::chrono::milliseconds kPollInterval(10);
 }  // namespace
 
 Ear::Ear() : m_recording(kTwoMinutes) {
-  m_device = m_input.Open(kRecordingFormat).device;
+  m_device = m_input.Open(kRecordingFormat).value();
   if (m_device && StartRecording(*m_device, m_recording) != WaveResult::kOk) m_device.reset();
   if (!m_device) ADD_FAILURE() << "There is nothing to listen to.";
 }

@@ -15,6 +15,7 @@
 #include "tests/e2e/speech.h"
 #include "tests/e2e/text_file.h"
 #include "tests/e2e/unix_socket.h"
+#include "tests/support/results.h"
 
 namespace {
 
@@ -56,8 +57,8 @@ class PulseWaveIn : public testing::Test {
 
   void OpenDevice() {
     auto opened = m_waveIn.Open(kRecordingFormat);
-    ASSERT_EQ(opened.result, WaveResult::kOk);
-    m_device = std::move(opened.device);
+    ASSERT_TRUE(opened);
+    m_device = std::move(*opened);
   }
 
   /// A recording much longer than the test, of which some sound is there.
@@ -72,10 +73,9 @@ class PulseWaveIn : public testing::Test {
     std::uint32_t count = 1;
     EXPECT_LT(TimeOf([&] { count = m_waveIn.GetDeviceCount(); }), kCallLimit);
     EXPECT_EQ(count, 0U);
-    platform::OpenedWaveIn opened;
+    platform::Result<std::unique_ptr<platform::WaveInDevice>, platform::WaveResult> opened;
     EXPECT_LT(TimeOf([&] { opened = m_waveIn.Open(kRecordingFormat); }), kCallLimit);
-    EXPECT_EQ(opened.result, WaveResult::kNoDevice);
-    EXPECT_EQ(opened.device, nullptr);
+    EXPECT_EQ(support::ErrorOf(opened), WaveResult::kNoDevice);
   }
 
   void ExpectToEndAtOnce() {
@@ -243,10 +243,9 @@ TEST_F(PulseWaveIn, TwoRecordAtTheSameTime) {
   const auto record = [this](WaveResult& result) {
     const auto opened = m_waveIn.Open(kRecordingFormat);
     Recording recording(kTenthOfASecond);
-    if (!opened.device) return;
-    result = e2e::StartRecording(*opened.device, recording);
-    if (result == WaveResult::kOk)
-      result = e2e::UnprepareWhilePlaying(*opened.device, recording.header);
+    if (!opened) return;
+    result = e2e::StartRecording(**opened, recording);
+    if (result == WaveResult::kOk) result = e2e::UnprepareWhilePlaying(**opened, recording.header);
   };
   WaveResult first = WaveResult::kFailed;
   WaveResult second = WaveResult::kFailed;

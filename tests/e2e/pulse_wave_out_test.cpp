@@ -19,6 +19,7 @@
 #include "tests/e2e/speech.h"
 #include "tests/e2e/text_file.h"
 #include "tests/e2e/unix_socket.h"
+#include "tests/support/results.h"
 
 namespace {
 
@@ -64,8 +65,8 @@ class PulseWaveOut : public testing::Test {
 
   void OpenDevice(const platform::WaveFormat& format = kRecordingFormat) {
     auto opened = m_waveOut.Open(format);
-    ASSERT_EQ(opened.result, WaveResult::kOk);
-    m_device = std::move(opened.device);
+    ASSERT_TRUE(opened);
+    m_device = std::move(*opened);
   }
 
   /// A sound much longer than the test, whose beginning was heard.
@@ -83,10 +84,9 @@ class PulseWaveOut : public testing::Test {
   }
 
   void ExpectNoDeviceInTime() {
-    platform::OpenedWaveOut opened;
+    platform::Result<std::unique_ptr<platform::WaveOutDevice>, platform::WaveResult> opened;
     EXPECT_LT(TimeOf([&] { opened = m_waveOut.Open(kRecordingFormat); }), kCallLimit);
-    EXPECT_EQ(opened.result, WaveResult::kNoDevice);
-    EXPECT_EQ(opened.device, nullptr);
+    EXPECT_EQ(support::ErrorOf(opened), WaveResult::kNoDevice);
   }
 
   void ExpectToEndAtOnce() {
@@ -146,15 +146,14 @@ TEST_F(PulseWaveOut, TakesWhatTheLibraryCanExpress) {
   StartServer();
   const auto resultOf = [this](std::uint16_t channels, std::uint32_t rate, std::uint16_t bits) {
     const auto blockAlign = static_cast<std::uint16_t>(channels * bits / 8);
-    return m_waveOut
-        .Open({platform::kFormatTagPcm, channels, rate, rate * blockAlign, blockAlign, bits, 0})
-        .result;
+    return support::ErrorOf(m_waveOut.Open(
+        {platform::kFormatTagPcm, channels, rate, rate * blockAlign, blockAlign, bits, 0}));
   };
   for (const std::uint16_t bits : std::array<std::uint16_t, 4>{8, 16, 24, 32}) {
-    EXPECT_EQ(resultOf(1, 11025, bits), WaveResult::kOk) << bits;
+    EXPECT_EQ(resultOf(1, 11025, bits), std::nullopt) << bits;
   }
-  EXPECT_EQ(resultOf(7, 11025, 16), WaveResult::kOk);
-  EXPECT_EQ(resultOf(32, 11025, 16), WaveResult::kOk);
+  EXPECT_EQ(resultOf(7, 11025, 16), std::nullopt);
+  EXPECT_EQ(resultOf(32, 11025, 16), std::nullopt);
   EXPECT_EQ(resultOf(33, 11025, 16), WaveResult::kBadFormat);
   EXPECT_EQ(resultOf(257, 11025, 16), WaveResult::kBadFormat);
   EXPECT_EQ(resultOf(1, 10'000'000, 16), WaveResult::kBadFormat);
@@ -255,9 +254,9 @@ TEST_F(PulseWaveOut, TwoPlayAtTheSameTime) {
   const auto play = [this](WaveResult& result) {
     const auto opened = m_waveOut.Open(kRecordingFormat);
     Sound sound(Noise(kTenthOfASecond, 2));
-    if (!opened.device) return;
-    result = e2e::StartPlaying(*opened.device, sound);
-    if (result == WaveResult::kOk) result = e2e::UnprepareWhilePlaying(*opened.device, sound);
+    if (!opened) return;
+    result = e2e::StartPlaying(**opened, sound);
+    if (result == WaveResult::kOk) result = e2e::UnprepareWhilePlaying(**opened, sound);
   };
   WaveResult first = WaveResult::kFailed;
   WaveResult second = WaveResult::kFailed;
@@ -280,7 +279,7 @@ TEST_F(PulseWaveOut, ComplaintsOfTheLibraryStayOutOfTheProgramsOutput) {
   EXPECT_EXIT(
       {
         pulse::PulseWaveOut waveOut;
-        std::_Exit(waveOut.Open(kRecordingFormat).device ? 1 : 0);
+        std::_Exit(waveOut.Open(kRecordingFormat) ? 1 : 0);
       },
       testing::ExitedWithCode(0), testing::IsEmpty());
 }

@@ -55,9 +55,10 @@ void WatchedWaveIn::ActAfter(std::uint32_t bytes, std::function<void()> action) 
   m_action = std::move(action);
 }
 
-platform::OpenedWaveIn WatchedWaveIn::Open(const platform::WaveFormat& format) {
+platform::Result<std::unique_ptr<platform::WaveInDevice>, platform::WaveResult> WatchedWaveIn::Open(
+    const platform::WaveFormat& format) {
   auto opened = m_input.Open(format);
-  if (opened.device) opened.device = std::make_unique<Device>(*this, std::move(opened.device));
+  if (opened) opened = std::make_unique<Device>(*this, std::move(*opened));
   return opened;
 }
 

@@ -20,7 +20,8 @@ class WatchedWaveIn final : public platform::WaveIn {
   void WaitForStragglers() { m_waitsForStragglers = true; }
 
   [[nodiscard]] std::uint32_t GetDeviceCount() override { return m_input.GetDeviceCount(); }
-  [[nodiscard]] platform::OpenedWaveIn Open(const platform::WaveFormat& format) override;
+  [[nodiscard]] platform::Result<std::unique_ptr<platform::WaveInDevice>, platform::WaveResult>
+  Open(const platform::WaveFormat& format) override;
 
  private:
   class Device;

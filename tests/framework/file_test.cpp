@@ -80,7 +80,7 @@ TEST_F(CFileTest, EveryOperationFailsOnAFileThatIsNotOpen) {
 }
 
 TEST_F(CFileTest, SaysWhyTheLastOperationThatFailedDidSo) {
-  EXPECT_EQ(m_file.GetError(), platform::FileError::kNone);
+  EXPECT_EQ(m_file.GetError(), std::nullopt);
   EXPECT_FALSE(m_file.Open(u"/a", CFile::modeRead));
   EXPECT_EQ(m_file.GetError(), platform::FileError::kNotFound);
   ASSERT_TRUE(m_file.Open(u"/a", CFile::modeCreate | CFile::modeWrite));

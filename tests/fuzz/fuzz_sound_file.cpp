@@ -35,7 +35,7 @@ std::optional<wave_file::WaveFileLayout> ReadLayout(platform::FileSystem& files,
   const auto opened = files.Open(kSound, {.access = platform::FileAccess::kRead,
                                           .share = platform::FileShare::kRead,
                                           .creation = platform::FileCreation::kOpenExisting});
-  const auto layout = wave_file::ReadWaveFileLayout(*opened.file);
+  const auto layout = wave_file::ReadWaveFileLayout(**opened);
   if (layout) {
     Require(
         layout->dataOffset <= file.size() && layout->dataBytes <= file.size() - layout->dataOffset,
@@ -58,15 +58,15 @@ void RequireHeard(Bytes heard, Bytes sound, std::size_t from) {
 void Listen(wave_file::FileWaveIn& microphone, const wave_file::WaveFileLayout& layout,
             Bytes sound) {
   const auto opened = microphone.Open(layout.format);
-  Require(opened.device != nullptr, "a sound can be heard in its own format");
+  Require(opened != nullptr, "a sound can be heard in its own format");
   std::vector<std::byte> memory(1000);
   for (int round = 0; round < 3; ++round) {
     platform::WaveHeader header{.data = memory.data(),
                                 .bufferLength = static_cast<std::uint32_t>(memory.size())};
-    Require(opened.device->Prepare(header) == platform::WaveResult::kOk &&
-                opened.device->AddBuffer(header) == platform::WaveResult::kOk &&
-                opened.device->Start() == platform::WaveResult::kOk &&
-                opened.device->Unprepare(header) == platform::WaveResult::kOk &&
+    Require((*opened)->Prepare(header) == platform::WaveResult::kOk &&
+                (*opened)->AddBuffer(header) == platform::WaveResult::kOk &&
+                (*opened)->Start() == platform::WaveResult::kOk &&
+                (*opened)->Unprepare(header) == platform::WaveResult::kOk &&
                 header.bytesRecorded == memory.size(),
             "a buffer is filled at once");
     RequireHeard(memory, sound, static_cast<std::size_t>(round) * memory.size());

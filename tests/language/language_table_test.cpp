@@ -228,8 +228,8 @@ TEST_F(LanguageTableFile, IsEmptyAfterAFileThatIsMissing) {
 }
 
 TEST_F(LanguageTableFile, IsEmptyAfterAFileThatAnotherReaderHoldsSinceItSharesWithNobody) {
-  const platform::OpenedFile held = m_files.Open(kPath, {.share = platform::FileShare::kRead});
-  ASSERT_TRUE(held.file);
+  const auto held = m_files.Open(kPath, {.share = platform::FileShare::kRead});
+  ASSERT_TRUE(held);
   m_table.Load(m_files, kPath);
   EXPECT_EQ(m_table.GetCount(), 0);
 }
@@ -237,39 +237,39 @@ TEST_F(LanguageTableFile, IsEmptyAfterAFileThatAnotherReaderHoldsSinceItSharesWi
 /// Time passes at once; another reader may be done with its file at the `n`-th sleep.
 class ReaderBesideUs final : public platform::Clock {
  public:
-  explicit ReaderBesideUs(platform::OpenedFile held, std::size_t n)
+  explicit ReaderBesideUs(std::unique_ptr<platform::File> held, std::size_t n)
       : m_held(std::move(held)), m_isDoneAt(n) {}
 
   [[nodiscard]] std::uint32_t GetTickCount() override { return m_passed; }
   [[nodiscard]] std::int64_t GetUnixTime() override { return 0; }
   void Sleep(std::uint32_t milliseconds) override {
     m_passed += milliseconds;
-    if (++m_sleeps == m_isDoneAt) m_held.file.reset();
+    if (++m_sleeps == m_isDoneAt) m_held.reset();
   }
 
  private:
-  platform::OpenedFile m_held;
+  std::unique_ptr<platform::File> m_held;
   const std::size_t m_isDoneAt;
   std::size_t m_sleeps = 0;
   std::uint32_t m_passed = 0;
 };
 
 TEST_F(LanguageTableFile, WaitsForAProcessThatIsJustReadingTheFile) {
-  ReaderBesideUs reader(m_files.Open(kPath, {}), 3);
+  ReaderBesideUs reader(m_files.Open(kPath, {}).value(), 3);
   m_table.Load(m_files, kPath, reader);
   EXPECT_EQ(LookUp(m_table, u"ID_A"), u"text");
   EXPECT_EQ(m_files.CountOpenHandles(), 0U);
 }
 
 TEST_F(LanguageTableFile, IsWaitedForByWhoNeedsTheTexts) {
-  ReaderBesideUs reader(m_files.Open(kPath, {}), 3);
+  ReaderBesideUs reader(m_files.Open(kPath, {}).value(), 3);
   EXPECT_TRUE(language::LoadTexts(m_files, kPath, reader).IsLanguageFileLoaded());
   EXPECT_EQ(LookUp(LanguageTable::GetInstance(), u"ID_A"), u"text");
   LanguageTable::Release();
 }
 
 TEST_F(LanguageTableFile, IsEmptyAfterASecondInWhichAnotherHeldTheFile) {
-  ReaderBesideUs reader(m_files.Open(kPath, {}), 1000);
+  ReaderBesideUs reader(m_files.Open(kPath, {}).value(), 1000);
   m_table.Load(m_files, kPath, reader);
   EXPECT_EQ(m_table.GetCount(), 0);
   EXPECT_EQ(reader.GetTickCount(), 1000U);

@@ -6,8 +6,10 @@
 
 namespace machine {
 
+using platform::Failure;
 using platform::FileAccess;
 using platform::FileError;
+using platform::Result;
 
 bool MayChange(const platform::OpenMode& mode) {
   return mode.access == FileAccess::kWrite || mode.access == FileAccess::kReadWrite ||
@@ -31,27 +33,29 @@ MemoryFile::MemoryFile(std::shared_ptr<MemoryDisk> disk, MemoryNode& node,
 
 MemoryFile::~MemoryFile() { static_cast<void>(MemoryFile::Close()); }
 
-std::optional<std::uint64_t> MemoryFile::GetLength() {
+Result<std::uint64_t, FileError> MemoryFile::GetLength() {
   const std::lock_guard lock(m_disk->mutex);
   if (m_node == nullptr) {
-    return std::nullopt;
+    return Failure(FileError::kClosed);
   }
   return m_node->bytes.size();
 }
 
-FileError MemoryFile::Seek(std::uint64_t offset) {
+Result<void, FileError> MemoryFile::Seek(std::uint64_t offset) {
   if (m_node == nullptr) {
-    return FileError::kClosed;
+    return Failure(FileError::kClosed);
   }
   m_position = offset;
-  return FileError::kNone;
+  return {};
 }
 
-std::optional<std::size_t> MemoryFile::Read(std::span<std::byte> into) {
+Result<std::size_t, FileError> MemoryFile::Read(std::span<std::byte> into) {
   const std::lock_guard lock(m_disk->mutex);
-  if (m_node == nullptr ||
-      (m_mode.access != FileAccess::kRead && m_mode.access != FileAccess::kReadWrite)) {
-    return std::nullopt;
+  if (m_node == nullptr) {
+    return Failure(FileError::kClosed);
+  }
+  if (m_mode.access != FileAccess::kRead && m_mode.access != FileAccess::kReadWrite) {
+    return Failure(FileError::kAccessDenied);
   }
   const std::uint64_t length = m_node->bytes.size();
   const std::uint64_t start = std::min(m_position, length);
@@ -61,36 +65,48 @@ std::optional<std::size_t> MemoryFile::Read(std::span<std::byte> into) {
   return count;
 }
 
-FileError MemoryFile::CheckWritable() const {
+Result<void, FileError> MemoryFile::CheckWritable() const {
   if (m_node == nullptr) {
-    return FileError::kClosed;
+    return Failure(FileError::kClosed);
   }
-  return m_mode.access == FileAccess::kWrite || m_mode.access == FileAccess::kReadWrite
-             ? FileError::kNone
-             : FileError::kAccessDenied;
+  if (m_mode.access != FileAccess::kWrite && m_mode.access != FileAccess::kReadWrite) {
+    return Failure(FileError::kAccessDenied);
+  }
+  return {};
 }
 
-FileError MemoryFile::Write(std::span<const std::byte> bytes) {
+Result<void, FileError> MemoryFile::Write(std::span<const std::byte> bytes) {
   const std::lock_guard lock(m_disk->mutex);
-  if (const FileError error = CheckWritable(); error != FileError::kNone) {
-    return error;
+  if (const auto writable = CheckWritable(); !writable) {
+    return writable;
   }
   const std::size_t count = m_disk->Write(*m_node, m_position, bytes);
   m_position += count;
-  return count == bytes.size() ? FileError::kNone : FileError::kDiskFull;
-}
-
-FileError MemoryFile::SetLength(std::uint64_t length) {
-  const std::lock_guard lock(m_disk->mutex);
-  if (const FileError error = CheckWritable(); error != FileError::kNone) {
-    return error;
+  if (count < bytes.size()) {
+    return Failure(FileError::kDiskFull);
   }
-  return m_disk->Resize(*m_node, length) ? FileError::kNone : FileError::kDiskFull;
+  return {};
 }
 
-FileError MemoryFile::Flush() { return m_node == nullptr ? FileError::kClosed : FileError::kNone; }
+Result<void, FileError> MemoryFile::SetLength(std::uint64_t length) {
+  const std::lock_guard lock(m_disk->mutex);
+  if (const auto writable = CheckWritable(); !writable) {
+    return writable;
+  }
+  if (!m_disk->Resize(*m_node, length)) {
+    return Failure(FileError::kDiskFull);
+  }
+  return {};
+}
 
-FileError MemoryFile::Close() {
+Result<void, FileError> MemoryFile::Flush() {
+  if (m_node == nullptr) {
+    return Failure(FileError::kClosed);
+  }
+  return {};
+}
+
+Result<void, FileError> MemoryFile::Close() {
   const std::lock_guard lock(m_disk->mutex);
   if (m_node != nullptr) {
     --m_disk->openHandles;
@@ -101,7 +117,7 @@ FileError MemoryFile::Close() {
     }
     m_node = nullptr;
   }
-  return FileError::kNone;
+  return {};
 }
 
 }  // namespace machine

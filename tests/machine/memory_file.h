@@ -3,7 +3,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <span>
 
 #include "platform/file_system.h"
@@ -26,16 +25,19 @@ class MemoryFile final : public platform::File {
   MemoryFile& operator=(const MemoryFile&) = delete;
   ~MemoryFile() override;
 
-  [[nodiscard]] std::optional<std::uint64_t> GetLength() override;
-  [[nodiscard]] platform::FileError Seek(std::uint64_t offset) override;
-  [[nodiscard]] std::optional<std::size_t> Read(std::span<std::byte> into) override;
-  [[nodiscard]] platform::FileError Write(std::span<const std::byte> bytes) override;
-  [[nodiscard]] platform::FileError SetLength(std::uint64_t length) override;
-  [[nodiscard]] platform::FileError Flush() override;
-  [[nodiscard]] platform::FileError Close() override;
+  [[nodiscard]] platform::Result<std::uint64_t, platform::FileError> GetLength() override;
+  [[nodiscard]] platform::Result<void, platform::FileError> Seek(std::uint64_t offset) override;
+  [[nodiscard]] platform::Result<std::size_t, platform::FileError> Read(
+      std::span<std::byte> into) override;
+  [[nodiscard]] platform::Result<void, platform::FileError> Write(
+      std::span<const std::byte> bytes) override;
+  [[nodiscard]] platform::Result<void, platform::FileError> SetLength(
+      std::uint64_t length) override;
+  [[nodiscard]] platform::Result<void, platform::FileError> Flush() override;
+  [[nodiscard]] platform::Result<void, platform::FileError> Close() override;
 
  private:
-  [[nodiscard]] platform::FileError CheckWritable() const;
+  [[nodiscard]] platform::Result<void, platform::FileError> CheckWritable() const;
 
   const std::shared_ptr<MemoryDisk> m_disk;
   MemoryNode* m_node;  ///< Null once the file is given up.

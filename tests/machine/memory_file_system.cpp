@@ -9,9 +9,11 @@
 namespace machine {
 namespace {
 
+using platform::Failure;
 using platform::FileCreation;
 using platform::FileError;
 using platform::FoundFile;
+using platform::Result;
 using Place = MemoryDisk::Place;
 
 class MemorySearch final : public platform::FileSearch {
@@ -30,12 +32,11 @@ class MemorySearch final : public platform::FileSearch {
     --m_disk->openHandles;
   }
 
-  [[nodiscard]] FileError Next(FoundFile& found) override {
+  [[nodiscard]] Result<std::optional<FoundFile>, FileError> Next() override {
     if (m_next == m_found.size()) {
-      return FileError::kNoMoreFiles;
+      return std::nullopt;
     }
-    found = m_found[m_next++];
-    return FileError::kNone;
+    return m_found[m_next++];
   }
 
  private:
@@ -45,32 +46,37 @@ class MemorySearch final : public platform::FileSearch {
 };
 
 /// Whether a file that exists may be opened so.
-FileError CheckOpen(const MemoryNode& node, const platform::OpenMode& mode) {
+Result<void, FileError> CheckOpen(const MemoryNode& node, const platform::OpenMode& mode) {
   if (node.isFolder || (MayChange(mode) && node.isReadOnly)) {
-    return FileError::kAccessDenied;
+    return Failure(FileError::kAccessDenied);
   }
-  const bool conflicts = node.isHeldAlone || (node.readers != 0 && !GoesTogether(mode));
-  return conflicts ? FileError::kSharingViolation : FileError::kNone;
+  if (node.isHeldAlone || (node.readers != 0 && !GoesTogether(mode))) {
+    return Failure(FileError::kSharingViolation);
+  }
+  return {};
 }
 
 /// Whether the file at a place may be taken away.
-FileError CheckRemove(const MemoryNode* node) {
+Result<void, FileError> CheckRemove(const MemoryNode* node) {
   if (node == nullptr) {
-    return FileError::kNotFound;
+    return Failure(FileError::kNotFound);
   }
   if (node->isFolder || node->isReadOnly) {
-    return FileError::kAccessDenied;
+    return Failure(FileError::kAccessDenied);
   }
-  return node->IsHeld() ? FileError::kSharingViolation : FileError::kNone;
+  if (node->IsHeld()) {
+    return Failure(FileError::kSharingViolation);
+  }
+  return {};
 }
 
 /// Whether a replacement may take a place as it is now.
-FileError CheckReplace(const std::optional<Place>& place) {
+Result<void, FileError> CheckReplace(const std::optional<Place>& place) {
   if (!place) {
-    return FileError::kNotFound;
+    return Failure(FileError::kNotFound);
   }
-  const FileError error = CheckRemove(MemoryDisk::Find(*place));
-  return error == FileError::kNotFound ? FileError::kNone : error;
+  const MemoryNode* const earlier = MemoryDisk::Find(*place);
+  return earlier == nullptr ? Result<void, FileError>() : CheckRemove(earlier);
 }
 
 constexpr platform::OpenMode kReadWriteAlone{
@@ -91,15 +97,15 @@ class MemoryReplacement final : public platform::Replacement {
 
   [[nodiscard]] platform::File& GetFile() override { return m_file; }
 
-  [[nodiscard]] FileError Publish(platform::Durability) override {
+  [[nodiscard]] Result<void, FileError> Publish(platform::Durability) override {
     {
       const std::lock_guard lock(m_disk->mutex);
       if (!m_node.IsHeld()) {
-        return FileError::kClosed;
+        return Failure(FileError::kClosed);
       }
       const std::optional<Place> place = m_disk->FindPlace(m_path);
-      if (const FileError error = CheckReplace(place); error != FileError::kNone) {
-        return error;
+      if (const auto replaceable = CheckReplace(place); !replaceable) {
+        return replaceable;
       }
       m_disk->Publish(m_node, *place);
     }
@@ -117,71 +123,76 @@ class MemoryReplacement final : public platform::Replacement {
 
 MemoryFileSystem::MemoryFileSystem() : m_disk(std::make_shared<MemoryDisk>(kDefaultCapacity)) {}
 
-platform::OpenedFile MemoryFileSystem::Open(std::u16string_view path,
-                                            const platform::OpenMode& mode) {
+Result<std::unique_ptr<platform::File>, FileError> MemoryFileSystem::Open(
+    std::u16string_view path, const platform::OpenMode& mode) {
   const std::lock_guard lock(m_disk->mutex);
   const std::optional<Place> place = m_disk->FindPlace(path);
   if (!place) {
-    return {nullptr, FileError::kNotFound};
+    return Failure(FileError::kNotFound);
   }
   MemoryNode* node = MemoryDisk::Find(*place);
   if (node == nullptr) {
     if (mode.creation == FileCreation::kOpenExisting) {
-      return {nullptr, FileError::kNotFound};
+      return Failure(FileError::kNotFound);
     }
     node = &MemoryDisk::Add(*place, false);
   } else if (mode.creation == FileCreation::kCreateNew) {
-    return {nullptr, FileError::kAlreadyExists};
-  } else if (const FileError error = CheckOpen(*node, mode); error != FileError::kNone) {
-    return {nullptr, error};
+    return Failure(FileError::kAlreadyExists);
+  } else if (const auto openable = CheckOpen(*node, mode); !openable) {
+    return Failure(openable.error());
   }
   if (mode.creation == FileCreation::kCreateAlways) {
     static_cast<void>(m_disk->Resize(*node, 0));
   }
-  return {std::make_unique<MemoryFile>(m_disk, *node, mode), FileError::kNone};
+  return std::make_unique<MemoryFile>(m_disk, *node, mode);
 }
 
-platform::OpenedReplacement MemoryFileSystem::OpenReplacement(std::u16string_view path) {
+Result<std::unique_ptr<platform::Replacement>, FileError> MemoryFileSystem::OpenReplacement(
+    std::u16string_view path) {
   const std::lock_guard lock(m_disk->mutex);
-  const FileError error = CheckReplace(m_disk->FindPlace(path));
-  if (error != FileError::kNone && error != FileError::kSharingViolation) {
-    return {nullptr, error};
+  const auto replaceable = CheckReplace(m_disk->FindPlace(path));
+  if (!replaceable && replaceable.error() != FileError::kSharingViolation) {
+    return Failure(replaceable.error());
   }
-  return {std::make_unique<MemoryReplacement>(m_disk, path), FileError::kNone};
+  return std::make_unique<MemoryReplacement>(m_disk, path);
 }
 
-FileError MemoryFileSystem::Delete(std::u16string_view path) {
+Result<void, FileError> MemoryFileSystem::Delete(std::u16string_view path) {
   const std::lock_guard lock(m_disk->mutex);
   const std::optional<Place> place = m_disk->FindPlace(path);
-  const FileError error = CheckRemove(place ? MemoryDisk::Find(*place) : nullptr);
-  if (error == FileError::kNone) {
+  const auto removable = CheckRemove(place ? MemoryDisk::Find(*place) : nullptr);
+  if (removable) {
     m_disk->Remove(*place);
   }
-  return error;
+  return removable;
 }
 
-FileError MemoryFileSystem::CreateFolder(std::u16string_view path) {
+Result<void, FileError> MemoryFileSystem::CreateFolder(std::u16string_view path) {
   const std::lock_guard lock(m_disk->mutex);
   const std::optional<Place> place = m_disk->FindPlace(path);
   if (!place) {
-    return FileError::kNotFound;
+    return Failure(FileError::kNotFound);
   }
   if (MemoryDisk::Find(*place) != nullptr) {
-    return FileError::kAlreadyExists;
+    return Failure(FileError::kAlreadyExists);
   }
   MemoryDisk::Add(*place, true);
-  return FileError::kNone;
+  return {};
 }
 
-FileError MemoryFileSystem::FlushFolder(std::u16string_view path) {
+Result<void, FileError> MemoryFileSystem::FlushFolder(std::u16string_view path) {
   const std::lock_guard lock(m_disk->mutex);
   const std::optional<Place> place = m_disk->FindPlace(path);
   const MemoryNode* node = place ? MemoryDisk::Find(*place) : nullptr;
   const bool isFolder = path == u"\\" || (node != nullptr && node->isFolder);
-  return isFolder ? FileError::kNone : FileError::kNotFound;
+  if (!isFolder) {
+    return Failure(FileError::kNotFound);
+  }
+  return {};
 }
 
-platform::StartedSearch MemoryFileSystem::FindFirst(std::u16string_view pattern) {
+Result<std::unique_ptr<platform::FileSearch>, FileError> MemoryFileSystem::Find(
+    std::u16string_view pattern) {
   const std::lock_guard lock(m_disk->mutex);
   std::vector<FoundFile> found;
   if (const std::optional<Place> place = m_disk->FindPlace(pattern)) {
@@ -198,12 +209,9 @@ platform::StartedSearch MemoryFileSystem::FindFirst(std::u16string_view pattern)
     }
   }
   if (found.empty()) {
-    return {nullptr, {}, FileError::kNotFound};
+    return Failure(FileError::kNotFound);
   }
-  platform::StartedSearch started{nullptr, found.front(), FileError::kNone};
-  found.erase(found.begin());
-  started.search = std::make_unique<MemorySearch>(m_disk, std::move(found));
-  return started;
+  return std::make_unique<MemorySearch>(m_disk, std::move(found));
 }
 
 void MemoryFileSystem::SetCapacity(std::uint64_t bytes) {

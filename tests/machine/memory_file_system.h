@@ -24,13 +24,18 @@ class MemoryFileSystem final : public platform::FileSystem {
 
   MemoryFileSystem();
 
-  [[nodiscard]] platform::OpenedFile Open(std::u16string_view path,
-                                          const platform::OpenMode& mode) override;
-  [[nodiscard]] platform::OpenedReplacement OpenReplacement(std::u16string_view path) override;
-  [[nodiscard]] platform::FileError Delete(std::u16string_view path) override;
-  [[nodiscard]] platform::FileError CreateFolder(std::u16string_view path) override;
-  [[nodiscard]] platform::FileError FlushFolder(std::u16string_view path) override;
-  [[nodiscard]] platform::StartedSearch FindFirst(std::u16string_view pattern) override;
+  [[nodiscard]] platform::Result<std::unique_ptr<platform::File>, platform::FileError> Open(
+      std::u16string_view path, const platform::OpenMode& mode) override;
+  [[nodiscard]] platform::Result<std::unique_ptr<platform::Replacement>, platform::FileError>
+  OpenReplacement(std::u16string_view path) override;
+  [[nodiscard]] platform::Result<void, platform::FileError> Delete(
+      std::u16string_view path) override;
+  [[nodiscard]] platform::Result<void, platform::FileError> CreateFolder(
+      std::u16string_view path) override;
+  [[nodiscard]] platform::Result<void, platform::FileError> FlushFolder(
+      std::u16string_view path) override;
+  [[nodiscard]] platform::Result<std::unique_ptr<platform::FileSearch>, platform::FileError> Find(
+      std::u16string_view pattern) override;
 
   /// Bytes that all files together may hold. Files that hold more already keep what they have.
   void SetCapacity(std::uint64_t bytes);

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/file_bytes.h"
+#include "tests/support/results.h"
 
 namespace {
 
@@ -66,75 +67,75 @@ TEST(MemoryFileSystem, HostPathsAreTakenFromTheRoot) {
 TEST(MemoryFileSystem, AFullDiskTakesAFirstPart) {
   MemoryFileSystem files;
   files.SetCapacity(10);
-  ASSERT_EQ(WriteWhole(files, u"\\a", "1234"), FileError::kNone);
-  EXPECT_EQ(WriteWhole(files, u"\\b", "12345678"), FileError::kDiskFull);
+  ASSERT_TRUE(WriteWhole(files, u"\\a", "1234"));
+  EXPECT_EQ(support::ErrorOf(WriteWhole(files, u"\\b", "12345678")), FileError::kDiskFull);
   EXPECT_EQ(ReadWhole(files, u"\\b"), "123456");
-  EXPECT_EQ(WriteWhole(files, u"\\c", ""), FileError::kNone);
-  EXPECT_EQ(WriteWhole(files, u"\\c", "x"), FileError::kDiskFull);
+  EXPECT_TRUE(WriteWhole(files, u"\\c", ""));
+  EXPECT_EQ(support::ErrorOf(WriteWhole(files, u"\\c", "x")), FileError::kDiskFull);
 }
 
 TEST(MemoryFileSystem, AFullDiskStillTakesOverwrites) {
   MemoryFileSystem files;
   files.PutFile(u"\\a", ToBytes("abcd"));
   files.SetCapacity(4);
-  const auto file = files.Open(u"\\a", kReadWrite).file;
-  EXPECT_EQ(file->Write(ToBytes("WXYZ")), FileError::kNone);
-  EXPECT_EQ(file->Write(ToBytes("!")), FileError::kDiskFull);
-  EXPECT_EQ(file->SetLength(5), FileError::kDiskFull);
+  const auto file = files.Open(u"\\a", kReadWrite).value();
+  EXPECT_TRUE(file->Write(ToBytes("WXYZ")));
+  EXPECT_EQ(support::ErrorOf(file->Write(ToBytes("!"))), FileError::kDiskFull);
+  EXPECT_EQ(support::ErrorOf(file->SetLength(5)), FileError::kDiskFull);
   EXPECT_EQ(files.GetFile(u"\\a"), ToBytes("WXYZ"));
 }
 
 TEST(MemoryFileSystem, AGapNeedsRoomAsWell) {
   MemoryFileSystem files;
   files.SetCapacity(5);
-  const auto file = files.Open(u"\\a", kReadWrite).file;
-  ASSERT_EQ(file->Seek(3), FileError::kNone);
-  EXPECT_EQ(file->Write(ToBytes("abc")), FileError::kDiskFull);
+  const auto file = files.Open(u"\\a", kReadWrite).value();
+  ASSERT_TRUE(file->Seek(3));
+  EXPECT_EQ(support::ErrorOf(file->Write(ToBytes("abc"))), FileError::kDiskFull);
   EXPECT_EQ(file->GetLength(), 5U);
-  ASSERT_EQ(file->SetLength(0), FileError::kNone);
-  ASSERT_EQ(file->Seek(5), FileError::kNone);
-  EXPECT_EQ(file->Write(ToBytes("a")), FileError::kDiskFull);
+  ASSERT_TRUE(file->SetLength(0));
+  ASSERT_TRUE(file->Seek(5));
+  EXPECT_EQ(support::ErrorOf(file->Write(ToBytes("a"))), FileError::kDiskFull);
   EXPECT_EQ(file->GetLength(), 0U);
 }
 
 TEST(MemoryFileSystem, WhatGoesMakesRoom) {
   MemoryFileSystem files;
   files.SetCapacity(4);
-  ASSERT_EQ(WriteWhole(files, u"\\a", "1234"), FileError::kNone);
-  ASSERT_EQ(files.Delete(u"\\a"), FileError::kNone);
-  ASSERT_EQ(WriteWhole(files, u"\\b", "1234"), FileError::kNone);
-  ASSERT_EQ(WriteWhole(files, u"\\b", "12"), FileError::kNone);
-  auto replacement = files.OpenReplacement(u"\\b").replacement;
-  ASSERT_EQ(replacement->GetFile().Write(ToBytes("34")), FileError::kNone);
-  EXPECT_EQ(replacement->GetFile().Write(ToBytes("5")), FileError::kDiskFull);
-  replacement = files.OpenReplacement(u"\\b").replacement;  // The one before takes no room now.
-  ASSERT_EQ(replacement->GetFile().Write(ToBytes("34")), FileError::kNone);
-  ASSERT_EQ(replacement->Publish(platform::Durability::kNow), FileError::kNone);
-  ASSERT_EQ(WriteWhole(files, u"\\d", "12"), FileError::kNone);
-  EXPECT_EQ(WriteWhole(files, u"\\e", "1"), FileError::kDiskFull);
+  ASSERT_TRUE(WriteWhole(files, u"\\a", "1234"));
+  ASSERT_TRUE(files.Delete(u"\\a"));
+  ASSERT_TRUE(WriteWhole(files, u"\\b", "1234"));
+  ASSERT_TRUE(WriteWhole(files, u"\\b", "12"));
+  auto replacement = files.OpenReplacement(u"\\b").value();
+  ASSERT_TRUE(replacement->GetFile().Write(ToBytes("34")));
+  EXPECT_EQ(support::ErrorOf(replacement->GetFile().Write(ToBytes("5"))), FileError::kDiskFull);
+  replacement = files.OpenReplacement(u"\\b").value();  // The one before takes no room now.
+  ASSERT_TRUE(replacement->GetFile().Write(ToBytes("34")));
+  ASSERT_TRUE(replacement->Publish(platform::Durability::kNow));
+  ASSERT_TRUE(WriteWhole(files, u"\\d", "12"));
+  EXPECT_EQ(support::ErrorOf(WriteWhole(files, u"\\e", "1")), FileError::kDiskFull);
 }
 
 TEST(MemoryFileSystem, AFileThatIsNoLongerProtectedIsWritten) {
   MemoryFileSystem files;
   files.PutFile(u"\\a", {});
   EXPECT_TRUE(files.SetReadOnly(u"\\a", true));
-  EXPECT_EQ(WriteWhole(files, u"\\a", "x"), FileError::kAccessDenied);
+  EXPECT_EQ(support::ErrorOf(WriteWhole(files, u"\\a", "x")), FileError::kAccessDenied);
   EXPECT_TRUE(files.SetReadOnly(u"\\a", false));
-  EXPECT_EQ(WriteWhole(files, u"\\a", "x"), FileError::kNone);
+  EXPECT_TRUE(WriteWhole(files, u"\\a", "x"));
   EXPECT_FALSE(files.SetReadOnly(u"\\no", true));
 }
 
 TEST(MemoryFileSystem, OpenFilesAndSearchesAreCounted) {
   MemoryFileSystem files;
   files.PutFile(u"\\a", {});
-  auto first = files.Open(u"\\a", {FileAccess::kRead, FileShare::kRead}).file;
-  auto second = files.Open(u"\\a", {FileAccess::kRead, FileShare::kRead}).file;
-  auto search = files.FindFirst(u"\\*").search;
-  auto replacement = files.OpenReplacement(u"\\b").replacement;
+  auto first = files.Open(u"\\a", {FileAccess::kRead, FileShare::kRead}).value();
+  auto second = files.Open(u"\\a", {FileAccess::kRead, FileShare::kRead}).value();
+  auto search = files.Find(u"\\*").value();
+  auto replacement = files.OpenReplacement(u"\\b").value();
   EXPECT_EQ(files.CountOpenHandles(), 4U);
   replacement.reset();
   EXPECT_EQ(files.CountOpenHandles(), 3U);
-  ASSERT_EQ(first->Close(), FileError::kNone);
+  ASSERT_TRUE(first->Close());
   first.reset();
   second.reset();
   EXPECT_EQ(files.CountOpenHandles(), 1U);
@@ -144,9 +145,9 @@ TEST(MemoryFileSystem, OpenFilesAndSearchesAreCounted) {
 
 TEST(MemoryFileSystem, AFileMayOutliveIt) {
   auto files = std::make_unique<MemoryFileSystem>();
-  const auto file = files->Open(u"\\a", kReadWrite).file;
+  const auto file = files->Open(u"\\a", kReadWrite).value();
   files.reset();
-  EXPECT_EQ(file->Write(ToBytes("abc")), FileError::kNone);
+  EXPECT_TRUE(file->Write(ToBytes("abc")));
   EXPECT_EQ(file->GetLength(), 3U);
 }
 

@@ -118,13 +118,14 @@ std::uint32_t SimulatedWaveIn::GetDeviceCount() {
   return m_script.deviceCount;
 }
 
-platform::OpenedWaveIn SimulatedWaveIn::Open(const platform::WaveFormat& format) {
+platform::Result<std::unique_ptr<platform::WaveInDevice>, platform::WaveResult>
+SimulatedWaveIn::Open(const platform::WaveFormat& format) {
   const std::lock_guard lock(m_mutex);
   m_askedFormat = format;
-  if (format.formatTag != platform::kFormatTagPcm) return {nullptr, WaveResult::kBadFormat};
-  if (m_script.deviceCount == 0) return {nullptr, WaveResult::kNoDevice};
-  if (m_script.open != WaveResult::kOk) return {nullptr, m_script.open};
-  return {std::make_unique<HeadlessDevice>(m_script, m_openDevices), WaveResult::kOk};
+  if (format.formatTag != platform::kFormatTagPcm) return platform::Failure(WaveResult::kBadFormat);
+  if (m_script.deviceCount == 0) return platform::Failure(WaveResult::kNoDevice);
+  if (m_script.open != WaveResult::kOk) return platform::Failure(m_script.open);
+  return std::make_unique<HeadlessDevice>(m_script, m_openDevices);
 }
 
 std::uint32_t SimulatedWaveIn::OpenDevices() const { return *m_openDevices; }

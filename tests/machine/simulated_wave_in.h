@@ -46,7 +46,8 @@ class SimulatedWaveIn final : public platform::WaveIn {
   void SetScript(WaveInScript script);
 
   [[nodiscard]] std::uint32_t GetDeviceCount() override;
-  [[nodiscard]] platform::OpenedWaveIn Open(const platform::WaveFormat& format) override;
+  [[nodiscard]] platform::Result<std::unique_ptr<platform::WaveInDevice>, platform::WaveResult>
+  Open(const platform::WaveFormat& format) override;
 
   /// Devices that were opened and neither closed nor destroyed.
   [[nodiscard]] std::uint32_t OpenDevices() const;

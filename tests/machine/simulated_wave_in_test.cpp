@@ -1,4 +1,5 @@
 #include "tests/machine/simulated_wave_in.h"
+#include "tests/support/results.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -31,7 +32,7 @@ class SimulatedWaveInDevice : public testing::Test {
  protected:
   void Start(WaveInScript script) {
     m_waveIn.SetScript(std::move(script));
-    m_device = m_waveIn.Open(kMono).device;
+    m_device = m_waveIn.Open(kMono).value();
     ASSERT_TRUE(m_device);
     ASSERT_EQ(m_device->Prepare(m_buffer.header), WaveResult::kOk);
     ASSERT_EQ(m_device->AddBuffer(m_buffer.header), WaveResult::kOk);
@@ -124,8 +125,7 @@ TEST(SimulatedWaveIn, CountsTheDevicesItIsTold) {
 TEST(SimulatedWaveIn, OpenFailsAsTold) {
   SimulatedWaveIn waveIn({.open = WaveResult::kBadFormat});
   const auto opened = waveIn.Open(kMono);
-  EXPECT_EQ(opened.result, WaveResult::kBadFormat);
-  EXPECT_EQ(opened.device, nullptr);
+  EXPECT_EQ(support::ErrorOf(opened), WaveResult::kBadFormat);
   EXPECT_EQ(waveIn.OpenDevices(), 0U);
 }
 
@@ -134,20 +134,20 @@ TEST(SimulatedWaveIn, EachStepBeforeTheRecordingFailsAsTold) {
                           .addBuffer = WaveResult::kNotPrepared,
                           .start = WaveResult::kNoDevice});
   const auto opened = waveIn.Open(kMono);
-  ASSERT_TRUE(opened.device);
+  ASSERT_TRUE(opened);
   Buffer buffer;
-  EXPECT_EQ(opened.device->Prepare(buffer.header), WaveResult::kFailed);
+  EXPECT_EQ((*opened)->Prepare(buffer.header), WaveResult::kFailed);
   EXPECT_EQ(buffer.header.flags, 0U);
   buffer.header.flags = platform::kWaveHeaderPrepared;
-  EXPECT_EQ(opened.device->AddBuffer(buffer.header), WaveResult::kNotPrepared);
-  EXPECT_EQ(opened.device->Start(), WaveResult::kNoDevice);
+  EXPECT_EQ((*opened)->AddBuffer(buffer.header), WaveResult::kNotPrepared);
+  EXPECT_EQ((*opened)->Start(), WaveResult::kNoDevice);
 }
 
 TEST(SimulatedWaveIn, DestroyedDeviceIsNoLongerOpen) {
   SimulatedWaveIn waveIn;
   auto opened = waveIn.Open(kMono);
   EXPECT_EQ(waveIn.OpenDevices(), 1U);
-  opened.device.reset();
+  opened->reset();
   EXPECT_EQ(waveIn.OpenDevices(), 0U);
 }
 
@@ -161,9 +161,9 @@ TEST(SimulatedWaveIn, RemembersTheFormatAskedFor) {
 TEST(SimulatedWaveIn, DeviceMayOutliveItsInput) {
   auto waveIn = std::make_unique<SimulatedWaveIn>();
   const auto opened = waveIn->Open(kMono);
-  ASSERT_TRUE(opened.device);
+  ASSERT_TRUE(opened);
   waveIn.reset();
-  EXPECT_EQ(opened.device->Close(), WaveResult::kOk);
+  EXPECT_EQ((*opened)->Close(), WaveResult::kOk);
 }
 
 }  // namespace

@@ -83,13 +83,14 @@ void SimulatedWaveOut::SetScript(const WaveOutScript& script) {
   m_script = script;
 }
 
-platform::OpenedWaveOut SimulatedWaveOut::Open(const platform::WaveFormat& format) {
-  if (!platform::IsWholeBytePcm(format)) return {nullptr, WaveResult::kBadFormat};
+platform::Result<std::unique_ptr<platform::WaveOutDevice>, platform::WaveResult>
+SimulatedWaveOut::Open(const platform::WaveFormat& format) {
+  if (!platform::IsWholeBytePcm(format)) return platform::Failure(WaveResult::kBadFormat);
   const std::lock_guard lock(m_mutex);
   if (m_script.open != WaveResult::kOk) {
-    return {nullptr, m_script.open};
+    return platform::Failure(m_script.open);
   }
-  return {std::make_unique<SimulatedOutDevice>(format, m_script, m_state), WaveResult::kOk};
+  return std::make_unique<SimulatedOutDevice>(format, m_script, m_state);
 }
 
 std::vector<PlayedSound> SimulatedWaveOut::GetPlayed() const {

@@ -37,7 +37,8 @@ class SimulatedWaveOut final : public platform::WaveOut {
   /// Holds for devices opened from now on.
   void SetScript(const WaveOutScript& script);
 
-  [[nodiscard]] platform::OpenedWaveOut Open(const platform::WaveFormat& format) override;
+  [[nodiscard]] platform::Result<std::unique_ptr<platform::WaveOutDevice>, platform::WaveResult>
+  Open(const platform::WaveFormat& format) override;
 
   [[nodiscard]] std::vector<PlayedSound> GetPlayed() const;
   /// Devices that were opened and neither closed nor destroyed.

@@ -43,7 +43,7 @@ class PageOneReinitFaults : public ReinitPageFixture, public testing::WithParamI
           std::u16string(storage::kTagKey).append(u"\\").append(name)));
     }
     for (const auto& path : m_machine.files.ListFiles()) {
-      ASSERT_EQ(m_machine.files.Delete(path), platform::FileError::kNone);
+      ASSERT_TRUE(m_machine.files.Delete(path));
     }
     PutSpokenTag(u"100", 1);
     PutSpokenTag(u"200", 2);

@@ -102,7 +102,7 @@ TEST_F(ReinitWorkerTest, ALongerOldTemplateLeavesNoEnd) {
 
 TEST_F(ReinitWorkerTest, AnOldTemplateThatIsMissingIsNoFault) {
   PutTags(1);
-  ASSERT_EQ(m_machine.files.Delete(storage::TemplatePath(u"1")), platform::FileError::kNone);
+  ASSERT_TRUE(m_machine.files.Delete(storage::TemplatePath(u"1")));
   EXPECT_EQ(Reinitialize(), 0);
   EXPECT_EQ(GetTemplate(u"1"), Expected(1));
   EXPECT_TRUE(GetMessages().empty());
@@ -139,10 +139,11 @@ class HalfSearch final : public support::ForwardingFileSystem {
  public:
   using ForwardingFileSystem::ForwardingFileSystem;
 
-  platform::StartedSearch FindFirst(std::u16string_view pattern) override {
-    auto started = ForwardingFileSystem::FindFirst(pattern);
-    if (started.search) {
-      started.search = std::make_unique<Search>(std::move(started.search));
+  platform::Result<std::unique_ptr<platform::FileSearch>, platform::FileError> Find(
+      std::u16string_view pattern) override {
+    auto started = ForwardingFileSystem::Find(pattern);
+    if (started) {
+      started = std::make_unique<Search>(std::move(*started));
     }
     return started;
   }
@@ -151,8 +152,8 @@ class HalfSearch final : public support::ForwardingFileSystem {
   class Search final : public platform::FileSearch {
    public:
     explicit Search(std::unique_ptr<platform::FileSearch> search) : m_search(std::move(search)) {}
-    platform::FileError Next(platform::FoundFile& found) override {
-      return m_calls++ == 1 ? platform::FileError::kOther : m_search->Next(found);
+    platform::Result<std::optional<platform::FoundFile>, platform::FileError> Next() override {
+      return m_calls++ == 2 ? platform::Failure(platform::FileError::kOther) : m_search->Next();
     }
 
    private:
@@ -201,7 +202,7 @@ TEST_F(ReinitWorkerTest, ATemplateThatCannotBeMadeStopsTheRunAndTheUserCanClose)
   PutTags(3);
   // Held open by the dialer: neither deleted nor opened.
   const auto held = m_machine.files.Open(storage::TemplatePath(u"2"), {});
-  ASSERT_TRUE(held.file);
+  ASSERT_TRUE(held);
   const auto third = GetTemplate(u"3");
   EXPECT_EQ(Reinitialize(), 2) << "Closed by the user.";
   EXPECT_FALSE(m_wasEndedByItself) << "Nothing else ends it.";
@@ -240,7 +241,7 @@ TEST_F(ReinitWorkerTest, TheFailureOfATagWithoutATextNamesItByItsNameHoweverMany
     EXPECT_EQ(Reinitialize(), 2);
     EXPECT_TRUE(GetMessages().back().starts_with(u"ERROR in CreateFile\n\n" +
                                                  std::u16string(recording) + u"\n\n"));
-    ASSERT_EQ(m_machine.files.Delete(storage::WavePath(recording)), platform::FileError::kNone);
+    ASSERT_TRUE(m_machine.files.Delete(storage::WavePath(recording)));
   }
 }
 

@@ -51,7 +51,7 @@ class SessionFixture : public testing::Test {
     for (const auto folder :
          {storage::kProgramFilesFolder, storage::kMakerFolder, storage::kInstallFolder,
           storage::kWaveFolder, storage::kTemplateFolder}) {
-      EXPECT_EQ(m_machine.files.CreateFolder(folder), platform::FileError::kNone);
+      EXPECT_TRUE(m_machine.files.CreateFolder(folder));
     }
   }
 

@@ -64,9 +64,7 @@ class StoreCheck : public SessionFixture {
   [[nodiscard]] support::Bytes GetTemplate(std::u16string_view name) const {
     return GetFile(storage::TemplatePath(name));
   }
-  void Delete(const std::u16string& path) {
-    ASSERT_EQ(m_machine.files.Delete(path), platform::FileError::kNone);
-  }
+  void Delete(const std::u16string& path) { ASSERT_TRUE(m_machine.files.Delete(path)); }
   void PutValue(std::u16string_view tag, std::u16string_view value, std::u16string_view text) {
     const auto key = std::u16string(storage::kTagKey).append(u"\\").append(tag);
     ASSERT_EQ(support::PutText(m_machine.registry, key, value, text), RegistryError::kNone);
@@ -122,9 +120,8 @@ TEST_F(StoreCheck, FilesBelongToATagWhateverTheirLettersAndFoldersAreNoFiles) {
   const auto whole = GetTemplate(u"Ann");
   Delete(storage::TemplatePath(u"Ann"));
   PutTemplateBytes(u"aNN", whole);
-  ASSERT_EQ(m_machine.files.CreateFolder(storage::WavePath(u"400")), platform::FileError::kNone);
-  ASSERT_EQ(m_machine.files.CreateFolder(storage::TemplatePath(u"400")),
-            platform::FileError::kNone);
+  ASSERT_TRUE(m_machine.files.CreateFolder(storage::WavePath(u"400")));
+  ASSERT_TRUE(m_machine.files.CreateFolder(storage::TemplatePath(u"400")));
   EXPECT_EQ(Check(), Texts{u"tag-name Ann"});
 }
 
@@ -335,7 +332,7 @@ TEST_F(StoreCheck, ARepairThatFailsSaysWhy) {
   machine::MemoryFileSystem withoutFolder;
   for (const auto folder : {storage::kProgramFilesFolder, storage::kMakerFolder,
                             storage::kInstallFolder, storage::kWaveFolder}) {
-    ASSERT_EQ(withoutFolder.CreateFolder(folder), platform::FileError::kNone);
+    ASSERT_TRUE(withoutFolder.CreateFolder(folder));
   }
   const std::u16string wave = storage::WavePath(u"100");
   ASSERT_TRUE(withoutFolder.PutFile(wave, GetFile(wave)));

@@ -83,7 +83,7 @@ TEST_F(TemplateLoading, AFileHeldByAnotherProgramIsNotRead) {
   const auto held = m_machine.files.Open(
       storage::TemplatePath(u"100"), {platform::FileAccess::kReadWrite, platform::FileShare::kNone,
                                       platform::FileCreation::kOpenExisting});
-  ASSERT_TRUE(held.file);
+  ASSERT_TRUE(held);
   EXPECT_EQ(Load().unread, std::vector<std::int32_t>{0});
 }
 
@@ -155,9 +155,9 @@ TEST_F(TemplateLoading, ASearchThatFailsOnItsWayIsToldAndGoesOn) {
   support::FailingFileSystem failing(m_machine.files);
   maintenance::TemplateLoader loader(m_machine.GetWith(failing, m_machine.registry), m_texts,
                                      m_session.mathematics);
-  // The mathematics reads by other files, so of the walk itself: start, open, read, next.
+  // The mathematics reads by other files, so of the walk itself: start, first, next.
   bool wasTold = false;
-  for (std::size_t call = 2; call < 12 && !wasTold; ++call) {
+  for (std::size_t call = 3; call < 12 && !wasTold; ++call) {
     failing.FailCall(call, support::Failing::kOnce);
     const auto loaded = loader.Load(m_session.tags);
     wasTold = !GetMessages().empty();

@@ -42,7 +42,8 @@ class TestDialogTest : public SessionFixture {
    public:
     CursorWatch(platform::FileSystem& files, headless::HeadlessUi& ui)
         : ForwardingFileSystem(files), m_ui(ui) {}
-    platform::OpenedFile Open(std::u16string_view path, const platform::OpenMode& mode) override {
+    platform::Result<std::unique_ptr<platform::File>, platform::FileError> Open(
+        std::u16string_view path, const platform::OpenMode& mode) override {
       cursors.push_back(m_ui.GetCursor());
       return ForwardingFileSystem::Open(path, mode);
     }
@@ -222,7 +223,7 @@ TEST_F(TestDialogTest, ATemplateOfAnEarlierTestIsNeverTakenForAnUnreadableOne) {
   PutTag(u"1", u"Ann", kX);
   PutTag(u"2", u"Bob", kNearX);
   ASSERT_EQ(Lines().size(), 2U);
-  ASSERT_EQ(m_machine.files.Delete(storage::TemplatePath(u"2")), platform::FileError::kNone);
+  ASSERT_TRUE(m_machine.files.Delete(storage::TemplatePath(u"2")));
   EXPECT_EQ(Lines(), Texts{u"0%; 0; Ann; "}) << "Alone, it has no neighbour.";
 }
 
@@ -248,7 +249,7 @@ TEST_F(TestDialogTest, NothingIsKeptBetweenOpenings) {
   EXPECT_EQ(Lines()[0], u"94%; 1; Ann;  Bob");
   PutTemplate(u"2", kX);
   EXPECT_EQ(Lines(), (Texts{u"100%; 1; Ann;  Bob", u"100%; 1; Bob;  Ann"}));
-  ASSERT_EQ(m_machine.files.Delete(storage::TemplatePath(u"2")), platform::FileError::kNone);
+  ASSERT_TRUE(m_machine.files.Delete(storage::TemplatePath(u"2")));
   EXPECT_EQ(Lines().size(), 1U);
   EXPECT_FALSE(m_dialog.IsComplete());
   PutTemplate(u"2", kX);

@@ -24,21 +24,20 @@ class NothingFound final : public support::ForwardingFileSystem {
  public:
   explicit NothingFound(platform::FileSystem& inner) : ForwardingFileSystem(inner) {}
 
-  platform::StartedSearch FindFirst(std::u16string_view) override {
-    return {nullptr, {}, FileError::kNotFound};
+  platform::Result<std::unique_ptr<platform::FileSearch>, platform::FileError> Find(
+      std::u16string_view) override {
+    return platform::Failure(FileError::kNotFound);
   }
 };
 
 class Folders : public testing::Test {
  protected:
   [[nodiscard]] bool Exists(std::u16string_view folder) {
-    const auto found = m_files.FindFirst(folder);
-    return found.error == FileError::kNone && found.first.isFolder;
+    const auto search = m_files.Find(folder);
+    return search && (*search)->Next().value().value().isFolder;
   }
 
-  void Make(std::u16string_view folder) {
-    ASSERT_EQ(m_files.CreateFolder(folder), FileError::kNone);
-  }
+  void Make(std::u16string_view folder) { ASSERT_TRUE(m_files.CreateFolder(folder)); }
 
   void MakeChain() {
     Make(kProgramFilesFolder);

@@ -48,7 +48,7 @@ class StoreContentsTest : public testing::Test {
     return m_files
         .Open(path, {platform::FileAccess::kRead, platform::FileShare::kRead,
                      platform::FileCreation::kOpenExisting})
-        .file;
+        .value();
   }
 
   DeletedAll DeleteAll(platform::FileSystem& files) {
@@ -93,7 +93,7 @@ TEST_F(StoreContentsTest, AreTheTagsAndTheFilesOfNoTag) {
     ASSERT_TRUE(m_files.PutFile(InWaveFolder(name), {}));
   }
   ASSERT_TRUE(m_files.PutFile(InWaveFolder(u"notes.txt"), {}));
-  ASSERT_EQ(m_files.CreateFolder(InWaveFolder(u"folder.wav")), FileError::kNone);
+  ASSERT_TRUE(m_files.CreateFolder(InWaveFolder(u"folder.wav")));
   StoreContents contents;
   ASSERT_EQ(ListStore(m_files, m_registry, contents, [] { FAIL(); }), ListResult::kDone);
   ASSERT_EQ(contents.tags.size(), 2U);
@@ -231,8 +231,7 @@ TEST_F(DeleteAllTagsTest, ReportsAKeyThatStays) {
 }
 
 TEST_F(DeleteAllTagsTest, CountsWhatAFullDiskHadNoRoomToKeep) {
-  ASSERT_EQ(support::WriteWhole(m_files, WavePath(u"1"), std::string(50'000, 'w')),
-            FileError::kNone);
+  ASSERT_TRUE(support::WriteWhole(m_files, WavePath(u"1"), std::string(50'000, 'w')));
   PutTag(u"2");
   m_files.SetCapacity(60'000);
   const DeletedAll deleted = DeleteAll();

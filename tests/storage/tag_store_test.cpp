@@ -10,6 +10,7 @@
 #include "tests/support/failing_file_system.h"
 #include "tests/support/failing_registry.h"
 #include "tests/support/registry_access.h"
+#include "tests/support/results.h"
 
 namespace storage {
 
@@ -63,7 +64,7 @@ class TagStoreTest : public testing::Test {
 
   /// Keeps a file open, as another program does.
   [[nodiscard]] std::unique_ptr<platform::File> Hold(std::u16string_view path) {
-    return m_files.Open(path, {}).file;
+    return m_files.Open(path, {}).value();
   }
 
   machine::MemoryFileSystem m_files;
@@ -278,7 +279,7 @@ TEST_F(TagStoreDeletion, ARecordingInUseKeepsEverything) {
   PutTag(u"1");
   const auto held = Hold(WavePath(u"1"));
   EXPECT_EQ(m_store.Delete(u"1"), TagDeletion::kWaveFailed);
-  EXPECT_EQ(m_store.DeleteWaveFile(u"1"), FileError::kSharingViolation);
+  EXPECT_EQ(support::ErrorOf(m_store.DeleteWaveFile(u"1")), FileError::kSharingViolation);
   EXPECT_THAT(Names(), ElementsAre(u"1"));
   EXPECT_THAT(m_files.ListFiles(), UnorderedElementsAre(WavePath(u"1"), TemplatePath(u"1")));
 }
@@ -301,12 +302,12 @@ TEST_F(TagStoreDeletion, AnEntryThatCannotBeDeletedStays) {
 
 TEST_F(TagStoreDeletion, WhatIsMissingCountsAsDeleted) {
   PutTag(u"1");
-  ASSERT_EQ(m_files.Delete(WavePath(u"1")), FileError::kNone);
-  ASSERT_EQ(m_files.Delete(TemplatePath(u"1")), FileError::kNone);
+  ASSERT_TRUE(m_files.Delete(WavePath(u"1")));
+  ASSERT_TRUE(m_files.Delete(TemplatePath(u"1")));
   EXPECT_EQ(m_store.Delete(u"1"), TagDeletion::kDone);
   EXPECT_THAT(Names(), IsEmpty());
   EXPECT_EQ(m_store.Delete(u"1"), TagDeletion::kDone);
-  EXPECT_EQ(m_store.DeleteWaveFile(u"1"), FileError::kNone);
+  EXPECT_TRUE(m_store.DeleteWaveFile(u"1"));
   EXPECT_EQ(m_store.DeleteAllEntries(), RegistryError::kNone);
   EXPECT_EQ(m_store.DeleteAllEntries(), RegistryError::kNone);
 }
@@ -347,34 +348,35 @@ TEST_F(TagStoreRecordings, AreFoundWithAndWithoutAnEntryAndWithoutFolders) {
   PutFiles(u"2");
   ASSERT_TRUE(m_files.PutFile(std::u16string(kWaveFolder) + u"\\notes.txt", {}));
   for (const auto* const folder : {u"\\0.wav", u"\\3.wav"}) {
-    ASSERT_EQ(m_files.CreateFolder(std::u16string(kWaveFolder) + folder), FileError::kNone);
+    ASSERT_TRUE(m_files.CreateFolder(std::u16string(kWaveFolder) + folder));
   }
-  auto started = m_store.FindRecordings();
-  ASSERT_EQ(started.error, FileError::kNone);
+  const auto search = m_store.FindRecordings();
+  ASSERT_TRUE(search);
   std::vector<std::u16string> names;
-  do {
-    names.push_back(started.first.name);
-  } while (started.search->Next(started.first) == FileError::kNone);
+  for (auto found = (*search)->Next(); found && *found; found = (*search)->Next()) {
+    names.push_back((*found)->name);
+  }
   EXPECT_THAT(names, UnorderedElementsAre(u"1.wav", u"2.wav"));
 }
 
 TEST_F(TagStoreRecordings, AreNotFoundWhereThereAreNone) {
-  EXPECT_EQ(m_store.FindRecordings().error, FileError::kNotFound);
+  EXPECT_EQ(support::ErrorOf(m_store.FindRecordings()), FileError::kNotFound);
   ASSERT_TRUE(m_files.PutFile(std::u16string(kWaveFolder) + u"\\folder.wav\\file", {}));
-  const auto started = m_store.FindRecordings();
-  EXPECT_EQ(started.error, FileError::kNotFound);
-  EXPECT_EQ(started.search, nullptr);
+  EXPECT_EQ(support::ErrorOf(m_store.FindRecordings()), FileError::kNotFound);
 }
 
 TEST_F(TagStoreRecordings, TellWhereTheSearchFails) {
   PutFiles(u"1");
   PutFiles(u"2");
-  m_failingFiles.FailCall(1, Failing::kOnce);
-  EXPECT_EQ(m_store.FindRecordings().error, FileError::kOther);
-  m_failingFiles.FailCall(2, Failing::kOnce);
-  auto started = m_store.FindRecordings();
-  ASSERT_EQ(started.error, FileError::kNone);
-  EXPECT_EQ(started.search->Next(started.first), FileError::kOther);
+  for (const std::size_t call : {1U, 2U}) {
+    m_failingFiles.FailCall(call, Failing::kOnce);
+    EXPECT_EQ(support::ErrorOf(m_store.FindRecordings()), FileError::kOther) << call;
+  }
+  m_failingFiles.FailCall(3, Failing::kOnce);
+  const auto search = m_store.FindRecordings();
+  ASSERT_TRUE(search);
+  EXPECT_TRUE((*search)->Next());
+  EXPECT_EQ(support::ErrorOf((*search)->Next()), FileError::kOther);
 }
 
 }  // namespace storage

@@ -16,6 +16,7 @@
 #include "tests/support/failing_registry.h"
 #include "tests/support/file_bytes.h"
 #include "tests/support/registry_access.h"
+#include "tests/support/results.h"
 
 namespace storage {
 
@@ -38,9 +39,8 @@ class TagTrashTest : public testing::Test {
   void SetUp() override { ASSERT_TRUE(CreateStoreFolders(m_files)); }
 
   void PutTag(std::u16string_view name, std::size_t waveBytes = 1000) {
-    ASSERT_EQ(support::WriteWhole(m_files, WavePath(name), std::string(waveBytes, 'w')),
-              FileError::kNone);
-    ASSERT_EQ(support::WriteWhole(m_files, TemplatePath(name), "template"), FileError::kNone);
+    ASSERT_TRUE(support::WriteWhole(m_files, WavePath(name), std::string(waveBytes, 'w')));
+    ASSERT_TRUE(support::WriteWhole(m_files, TemplatePath(name), "template"));
     ASSERT_EQ(TagStore(m_files, m_registry).WriteEntry(name, -17, u"Mobile"), RegistryError::kNone);
   }
 
@@ -115,7 +115,7 @@ TEST_F(TagTrashTest, WithoutADeletionIsEmptyAndMakesNoFolder) {
   EXPECT_THAT(List(), IsEmpty());
   m_trash.Recover();
   EXPECT_TRUE(m_trash.Empty());
-  EXPECT_EQ(m_files.FindFirst(kTrashFolder).error, FileError::kNotFound);
+  EXPECT_EQ(support::ErrorOf(m_files.Find(kTrashFolder)), FileError::kNotFound);
 }
 
 TEST_F(TagTrashTest, ListsWhatWasDeletedWithItsTextItsTimeAndItsReason) {
@@ -168,7 +168,7 @@ TEST_F(TagTrashTest, RestoresIntoAStoreWithoutFolders) {
 
 TEST_F(TagTrashTest, KeepsATagWithoutFilesAndAFileWithoutATag) {
   ASSERT_EQ(TagStore(m_files, m_registry).WriteEntry(u"100", 1, u"Car"), RegistryError::kNone);
-  ASSERT_EQ(support::WriteWhole(m_files, WavePath(u"orphan"), "w"), FileError::kNone);
+  ASSERT_TRUE(support::WriteWhole(m_files, WavePath(u"orphan"), "w"));
   ASSERT_EQ(Delete(u"100"), ItemResult::kDone);
   ASSERT_EQ(Delete(u"orphan"), ItemResult::kDone);
   EXPECT_TRUE(HasNothingOf(u"100") && HasNothingOf(u"orphan"));
@@ -192,9 +192,9 @@ TEST_F(TagTrashTest, KeepsAnotherProgramsEntryWhoseNameIsNoFilesName) {
 TEST_F(TagTrashTest, RestoresNothingOverWhatIsThere) {
   PutTag(u"100");
   ASSERT_EQ(Delete(u"100"), ItemResult::kDone);
-  ASSERT_EQ(support::WriteWhole(m_files, WavePath(u"100"), "new"), FileError::kNone);
+  ASSERT_TRUE(support::WriteWhole(m_files, WavePath(u"100"), "new"));
   EXPECT_EQ(m_trash.Restore(List().front()), RestoreResult::kExists);
-  ASSERT_EQ(m_files.Delete(WavePath(u"100")), FileError::kNone);
+  ASSERT_TRUE(m_files.Delete(WavePath(u"100")));
   ASSERT_EQ(TagStore(m_files, m_registry).WriteEntry(u"100", 5, u"Car"), RegistryError::kNone);
   EXPECT_EQ(m_trash.Restore(List().front()), RestoreResult::kExists);
   EXPECT_FALSE(support::ReadWhole(m_files, TemplatePath(u"100")));
@@ -258,7 +258,7 @@ TEST_F(TagTrashTest, ARecoveryWhoseCallsFailLosesNothing) {
         TagParts parts;
         ASSERT_TRUE(FindParts(failing, m_registry, u"100", parts));
         ASSERT_EQ(deletion.Keep(parts, u""), ItemResult::kDone);
-        ASSERT_EQ(failing.Delete(WavePath(u"100")), FileError::kNone);
+        ASSERT_TRUE(failing.Delete(WavePath(u"100")));
         failing.FailCall(1, Failing::kPowerFailure);
       }
       failing.FailCall(call, failure);
@@ -324,10 +324,9 @@ TEST_F(TagTrashTest, ATagThatIsStillWholeIsNotInTheTrash) {
     ASSERT_TRUE(FindParts(m_files, m_registry, u"100", parts));
     ASSERT_EQ(deletion.Keep(parts, u""), ItemResult::kDone);
     EXPECT_THAT(Names(), IsEmpty());
-    ASSERT_EQ(m_files.Delete(WavePath(u"100")), FileError::kNone);
+    ASSERT_TRUE(m_files.Delete(WavePath(u"100")));
     EXPECT_THAT(Names(), ElementsAre(u"100")) << "From here on only the copy is whole.";
-    ASSERT_EQ(support::WriteWhole(m_files, WavePath(u"100"), std::string(1000, 'w')),
-              FileError::kNone);
+    ASSERT_TRUE(support::WriteWhole(m_files, WavePath(u"100"), std::string(1000, 'w')));
   }
   EXPECT_TRUE(HasTag(u"100"));
   EXPECT_THAT(TrashFiles(), IsEmpty()) << "Nothing went, so no copy is needed.";
@@ -343,7 +342,7 @@ TEST_F(TagTrashTest, AHalfDeletedTagIsKeptOnceAndFinishedLater) {
   m_trash.Recover();
   ASSERT_EQ(Delete(u"100"), ItemResult::kDone);
   EXPECT_THAT(Names(), ElementsAre(u"100"));
-  ASSERT_EQ(held.file->Close(), FileError::kNone);
+  ASSERT_TRUE((*held)->Close());
   ExpectWholeOrInTrash(u"100");
 }
 
@@ -351,10 +350,10 @@ TEST_F(TagTrashTest, AFileThatIsHeldAloneCannotBeKept) {
   PutTag(u"100");
   const auto recording = m_files.Open(WavePath(u"100"), {});
   EXPECT_EQ(Delete(u"100"), ItemResult::kRecordingInUse);
-  ASSERT_EQ(recording.file->Close(), FileError::kNone);
+  ASSERT_TRUE((*recording)->Close());
   const auto voiceTemplate = m_files.Open(TemplatePath(u"100"), {});
   EXPECT_EQ(Delete(u"100"), ItemResult::kTemplateInUse);
-  ASSERT_EQ(voiceTemplate.file->Close(), FileError::kNone);
+  ASSERT_TRUE((*voiceTemplate)->Close());
   EXPECT_TRUE(HasTag(u"100"));
   EXPECT_THAT(TrashFiles(), IsEmpty());
 }
@@ -428,7 +427,7 @@ TEST_F(TagTrashTest, ATornFileInItIsPassedOver) {
   ASSERT_EQ(Delete(u"100"), ItemResult::kDone);
   const std::u16string torn = std::u16string(kTrashFolder) + u"\\20261121T221005Z-07-0001.tar";
   for (const char* const content : {"", "torn", "deleted 1\nby nobody\n"}) {
-    ASSERT_EQ(support::WriteWhole(m_files, torn, content), FileError::kNone);
+    ASSERT_TRUE(support::WriteWhole(m_files, torn, content));
     m_trash.Recover();
     EXPECT_THAT(Names(), ElementsAre(u"100"));
   }
@@ -441,7 +440,7 @@ TEST_F(TagTrashTest, AFolderInItIsPassedOver) {
   ASSERT_EQ(Delete(u"1"), ItemResult::kDone);
   const std::u16string folder =
       std::u16string(kTrashFolder).append(u"\\20700101T000000Z-01-0001.tar");
-  ASSERT_EQ(m_files.CreateFolder(folder), FileError::kNone);
+  ASSERT_TRUE(m_files.CreateFolder(folder));
 
   EXPECT_THAT(Names(), ElementsAre(u"1"));
   EXPECT_TRUE(m_trash.Empty());
@@ -481,8 +480,8 @@ TEST_F(FreeTagNameTest, IsTheTickCountOrTheNextOneThatNothingHas) {
   };
   EXPECT_EQ(name(100), u"100");
   PutTag(u"100");
-  ASSERT_EQ(support::WriteWhole(m_files, WavePath(u"101"), "w"), FileError::kNone);
-  ASSERT_EQ(support::WriteWhole(m_files, TemplatePath(u"102"), "t"), FileError::kNone);
+  ASSERT_TRUE(support::WriteWhole(m_files, WavePath(u"101"), "w"));
+  ASSERT_TRUE(support::WriteWhole(m_files, TemplatePath(u"102"), "t"));
   ASSERT_EQ(TagStore(m_files, m_registry).WriteEntry(u"103", 1, u"Car"), RegistryError::kNone);
   PutTag(u"104");
   ASSERT_EQ(Delete(u"104"), ItemResult::kDone);

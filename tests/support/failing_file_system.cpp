@@ -9,6 +9,7 @@ namespace support {
 namespace {
 
 using platform::FileError;
+using platform::Result;
 
 class FailingFile final : public platform::File {
  public:
@@ -18,20 +19,22 @@ class FailingFile final : public platform::File {
   FailingFile(FailingFileSystem& counter, platform::File& file)
       : m_counter(counter), m_file(&file) {}
 
-  [[nodiscard]] std::optional<std::uint64_t> GetLength() override {
-    return m_counter.CountCall().Fails() ? std::nullopt : m_file->GetLength();
-  }
-
-  [[nodiscard]] FileError Seek(std::uint64_t offset) override {
+  [[nodiscard]] Result<std::uint64_t, FileError> GetLength() override {
     const auto verdict = m_counter.CountCall();
-    return verdict.Fails() ? verdict.error : m_file->Seek(offset);
+    return verdict.Fails() ? verdict.Failure() : m_file->GetLength();
   }
 
-  [[nodiscard]] std::optional<std::size_t> Read(std::span<std::byte> into) override {
-    return m_counter.CountCall().Fails() ? std::nullopt : m_file->Read(into);
+  [[nodiscard]] Result<void, FileError> Seek(std::uint64_t offset) override {
+    const auto verdict = m_counter.CountCall();
+    return verdict.Fails() ? verdict.Failure() : m_file->Seek(offset);
   }
 
-  [[nodiscard]] FileError Write(std::span<const std::byte> bytes) override {
+  [[nodiscard]] Result<std::size_t, FileError> Read(std::span<std::byte> into) override {
+    const auto verdict = m_counter.CountCall();
+    return verdict.Fails() ? verdict.Failure() : m_file->Read(into);
+  }
+
+  [[nodiscard]] Result<void, FileError> Write(std::span<const std::byte> bytes) override {
     const auto verdict = m_counter.CountCall();
     if (!verdict.Fails()) {
       return m_file->Write(bytes);
@@ -39,24 +42,24 @@ class FailingFile final : public platform::File {
     if (verdict.isForwarded) {
       static_cast<void>(m_file->Write(bytes.first(bytes.size() / 2)));
     }
-    return verdict.error;
+    return verdict.Failure();
   }
 
-  [[nodiscard]] FileError SetLength(std::uint64_t length) override {
+  [[nodiscard]] Result<void, FileError> SetLength(std::uint64_t length) override {
     const auto verdict = m_counter.CountCall();
-    return verdict.Fails() ? verdict.error : m_file->SetLength(length);
+    return verdict.Fails() ? verdict.Failure() : m_file->SetLength(length);
   }
 
-  [[nodiscard]] FileError Flush() override {
+  [[nodiscard]] Result<void, FileError> Flush() override {
     const auto verdict = m_counter.CountCall();
-    const FileError result = verdict.isForwarded ? m_file->Flush() : FileError::kNone;
-    return verdict.Fails() ? verdict.error : result;
+    const auto result = verdict.isForwarded ? m_file->Flush() : Result<void, FileError>();
+    return verdict.Fails() ? verdict.Failure() : result;
   }
 
-  [[nodiscard]] FileError Close() override {
+  [[nodiscard]] Result<void, FileError> Close() override {
     const auto verdict = m_counter.CountCall();
-    const FileError result = verdict.isForwarded ? m_file->Close() : FileError::kNone;
-    return verdict.Fails() ? verdict.error : result;
+    const auto result = verdict.isForwarded ? m_file->Close() : Result<void, FileError>();
+    return verdict.Fails() ? verdict.Failure() : result;
   }
 
  private:
@@ -72,9 +75,9 @@ class FailingReplacement final : public platform::Replacement {
 
   [[nodiscard]] platform::File& GetFile() override { return m_file; }
 
-  [[nodiscard]] FileError Publish(platform::Durability durability) override {
+  [[nodiscard]] Result<void, FileError> Publish(platform::Durability durability) override {
     const auto verdict = m_counter.CountCall();
-    return verdict.Fails() ? verdict.error : m_inner->Publish(durability);
+    return verdict.Fails() ? verdict.Failure() : m_inner->Publish(durability);
   }
 
  private:
@@ -88,18 +91,19 @@ class FailingSearch final : public platform::FileSearch {
   FailingSearch(FailingFileSystem& counter, std::unique_ptr<platform::FileSearch> search)
       : m_counter(counter), m_search(std::move(search)) {}
 
-  [[nodiscard]] FileError Next(platform::FoundFile& found) override {
+  [[nodiscard]] Result<std::optional<platform::FoundFile>, FileError> Next() override {
     const auto verdict = m_counter.CountCall();
     if (!verdict.Fails()) {
-      return m_search->Next(found);
+      return m_search->Next();
     }
     // A search that goes on failing still ends, as searches promise: from its second failure on,
     // each one swallows a name.
-    platform::FoundFile swallowed;
-    if (std::exchange(m_hasFailed, true) && m_search->Next(swallowed) == FileError::kNoMoreFiles) {
-      return FileError::kNoMoreFiles;
+    if (std::exchange(m_hasFailed, true)) {
+      if (const auto swallowed = m_search->Next(); swallowed && !*swallowed) {
+        return std::nullopt;
+      }
     }
-    return verdict.error;
+    return verdict.Failure();
   }
 
  private:
@@ -145,51 +149,53 @@ FailingFileSystem::Verdict FailingFileSystem::CountCall() {
   return {m_error, isTheOne || m_failing != Failing::kPowerFailure};
 }
 
-platform::OpenedFile FailingFileSystem::Open(std::u16string_view path,
-                                             const platform::OpenMode& mode) {
+Result<std::unique_ptr<platform::File>, FileError> FailingFileSystem::Open(
+    std::u16string_view path, const platform::OpenMode& mode) {
   if (const Verdict verdict = CountCall(); verdict.Fails()) {
-    return {nullptr, verdict.error};
+    return verdict.Failure();
   }
-  platform::OpenedFile opened = m_files.Open(path, mode);
-  if (opened.file) {
-    opened.file = std::make_unique<FailingFile>(*this, std::move(opened.file));
+  auto opened = m_files.Open(path, mode);
+  if (opened) {
+    opened = std::make_unique<FailingFile>(*this, std::move(*opened));
   }
   return opened;
 }
 
-platform::OpenedReplacement FailingFileSystem::OpenReplacement(std::u16string_view path) {
+Result<std::unique_ptr<platform::Replacement>, FileError> FailingFileSystem::OpenReplacement(
+    std::u16string_view path) {
   if (const Verdict verdict = CountCall(); verdict.Fails()) {
-    return {nullptr, verdict.error};
+    return verdict.Failure();
   }
-  platform::OpenedReplacement opened = m_files.OpenReplacement(path);
-  if (opened.replacement) {
-    opened.replacement = std::make_unique<FailingReplacement>(*this, std::move(opened.replacement));
+  auto opened = m_files.OpenReplacement(path);
+  if (opened) {
+    opened = std::make_unique<FailingReplacement>(*this, std::move(*opened));
   }
   return opened;
 }
 
-FileError FailingFileSystem::Delete(std::u16string_view path) {
+Result<void, FileError> FailingFileSystem::Delete(std::u16string_view path) {
   const Verdict verdict = CountCall();
-  return verdict.Fails() ? verdict.error : m_files.Delete(path);
+  return verdict.Fails() ? verdict.Failure() : m_files.Delete(path);
 }
 
-FileError FailingFileSystem::CreateFolder(std::u16string_view path) {
+Result<void, FileError> FailingFileSystem::CreateFolder(std::u16string_view path) {
   const Verdict verdict = CountCall();
-  return verdict.Fails() ? verdict.error : m_files.CreateFolder(path);
+  return verdict.Fails() ? verdict.Failure() : m_files.CreateFolder(path);
 }
 
-FileError FailingFileSystem::FlushFolder(std::u16string_view path) {
+Result<void, FileError> FailingFileSystem::FlushFolder(std::u16string_view path) {
   const Verdict verdict = CountCall();
-  return verdict.Fails() ? verdict.error : m_files.FlushFolder(path);
+  return verdict.Fails() ? verdict.Failure() : m_files.FlushFolder(path);
 }
 
-platform::StartedSearch FailingFileSystem::FindFirst(std::u16string_view pattern) {
+Result<std::unique_ptr<platform::FileSearch>, FileError> FailingFileSystem::Find(
+    std::u16string_view pattern) {
   if (const Verdict verdict = CountCall(); verdict.Fails()) {
-    return {nullptr, {}, verdict.error};
+    return verdict.Failure();
   }
-  platform::StartedSearch started = m_files.FindFirst(pattern);
-  if (started.search) {
-    started.search = std::make_unique<FailingSearch>(*this, std::move(started.search));
+  auto started = m_files.Find(pattern);
+  if (started) {
+    started = std::make_unique<FailingSearch>(*this, std::move(*started));
   }
   return started;
 }

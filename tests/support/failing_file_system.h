@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <iosfwd>
 #include <mutex>
+#include <optional>
 #include <string_view>
 
 #include "platform/file_system.h"
@@ -40,20 +41,27 @@ class FailingFileSystem final : public platform::FileSystem {
   /// Whether a failure was injected since the latest FailCall.
   [[nodiscard]] bool HasFailed() const;
 
-  [[nodiscard]] platform::OpenedFile Open(std::u16string_view path,
-                                          const platform::OpenMode& mode) override;
-  [[nodiscard]] platform::OpenedReplacement OpenReplacement(std::u16string_view path) override;
-  [[nodiscard]] platform::FileError Delete(std::u16string_view path) override;
-  [[nodiscard]] platform::FileError CreateFolder(std::u16string_view path) override;
-  [[nodiscard]] platform::FileError FlushFolder(std::u16string_view path) override;
-  [[nodiscard]] platform::StartedSearch FindFirst(std::u16string_view pattern) override;
+  [[nodiscard]] platform::Result<std::unique_ptr<platform::File>, platform::FileError> Open(
+      std::u16string_view path, const platform::OpenMode& mode) override;
+  [[nodiscard]] platform::Result<std::unique_ptr<platform::Replacement>, platform::FileError>
+  OpenReplacement(std::u16string_view path) override;
+  [[nodiscard]] platform::Result<void, platform::FileError> Delete(
+      std::u16string_view path) override;
+  [[nodiscard]] platform::Result<void, platform::FileError> CreateFolder(
+      std::u16string_view path) override;
+  [[nodiscard]] platform::Result<void, platform::FileError> FlushFolder(
+      std::u16string_view path) override;
+  [[nodiscard]] platform::Result<std::unique_ptr<platform::FileSearch>, platform::FileError> Find(
+      std::u16string_view pattern) override;
 
   /// What becomes of one call.
   struct Verdict {
-    platform::FileError error = platform::FileError::kNone;
+    std::optional<platform::FileError> error;
     bool isForwarded = true;  ///< Whether a call that may take effect although it fails does so.
 
-    [[nodiscard]] bool Fails() const { return error != platform::FileError::kNone; }
+    [[nodiscard]] bool Fails() const { return error.has_value(); }
+    /// What a call returns that fails.
+    [[nodiscard]] auto Failure() const { return platform::Failure(*error); }
   };
 
   /// Counts one call. For the files and searches of this file system.

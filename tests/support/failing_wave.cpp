@@ -74,24 +74,26 @@ std::uint32_t FailingWaveIn::GetDeviceCount() {
   return m_plan.NextFails() ? 0 : m_waveIn.GetDeviceCount();
 }
 
-platform::OpenedWaveIn FailingWaveIn::Open(const platform::WaveFormat& format) {
+platform::Result<std::unique_ptr<platform::WaveInDevice>, platform::WaveResult> FailingWaveIn::Open(
+    const platform::WaveFormat& format) {
   if (m_plan.NextFails()) {
-    return {nullptr, WaveResult::kFailed};
+    return platform::Failure(WaveResult::kFailed);
   }
-  platform::OpenedWaveIn opened = m_waveIn.Open(format);
-  if (opened.device) {
-    opened.device = std::make_unique<FailingInDevice>(m_plan, std::move(opened.device));
+  auto opened = m_waveIn.Open(format);
+  if (opened) {
+    opened = std::make_unique<FailingInDevice>(m_plan, std::move(*opened));
   }
   return opened;
 }
 
-platform::OpenedWaveOut FailingWaveOut::Open(const platform::WaveFormat& format) {
+platform::Result<std::unique_ptr<platform::WaveOutDevice>, platform::WaveResult>
+FailingWaveOut::Open(const platform::WaveFormat& format) {
   if (m_plan.NextFails()) {
-    return {nullptr, WaveResult::kFailed};
+    return platform::Failure(WaveResult::kFailed);
   }
-  platform::OpenedWaveOut opened = m_waveOut.Open(format);
-  if (opened.device) {
-    opened.device = std::make_unique<FailingOutDevice>(m_plan, std::move(opened.device));
+  auto opened = m_waveOut.Open(format);
+  if (opened) {
+    opened = std::make_unique<FailingOutDevice>(m_plan, std::move(*opened));
   }
   return opened;
 }

@@ -16,7 +16,8 @@ class FailingWaveIn final : public platform::WaveIn {
 
   /// A failure is that there is no device.
   [[nodiscard]] std::uint32_t GetDeviceCount() override;
-  [[nodiscard]] platform::OpenedWaveIn Open(const platform::WaveFormat& format) override;
+  [[nodiscard]] platform::Result<std::unique_ptr<platform::WaveInDevice>, platform::WaveResult>
+  Open(const platform::WaveFormat& format) override;
 
  private:
   platform::WaveIn& m_waveIn;
@@ -27,7 +28,8 @@ class FailingWaveOut final : public platform::WaveOut {
  public:
   FailingWaveOut(platform::WaveOut& waveOut, FaultPlan& plan) : m_waveOut(waveOut), m_plan(plan) {}
 
-  [[nodiscard]] platform::OpenedWaveOut Open(const platform::WaveFormat& format) override;
+  [[nodiscard]] platform::Result<std::unique_ptr<platform::WaveOutDevice>, platform::WaveResult>
+  Open(const platform::WaveFormat& format) override;
 
  private:
   platform::WaveOut& m_waveOut;

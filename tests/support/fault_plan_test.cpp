@@ -49,13 +49,13 @@ TEST(FailingWaveIn, CountsTheCallsOfInputAndDeviceTogether) {
   plan.FailCall(3, Failing::kOnce);
   EXPECT_EQ(waveIn.GetDeviceCount(), 1U);
   const auto opened = waveIn.Open(kFormat);
-  ASSERT_TRUE(opened.device);
-  EXPECT_EQ(opened.device->Reset(), platform::WaveResult::kFailed);
+  ASSERT_TRUE(opened);
+  EXPECT_EQ((*opened)->Reset(), platform::WaveResult::kFailed);
   plan.FailCall(1, Failing::kFromThenOn);
-  EXPECT_EQ(opened.device->Close(), platform::WaveResult::kFailed);
+  EXPECT_EQ((*opened)->Close(), platform::WaveResult::kFailed);
   EXPECT_EQ(real.OpenDevices(), 0U) << "Given up all the same.";
   EXPECT_EQ(waveIn.GetDeviceCount(), 0U);
-  EXPECT_FALSE(waveIn.Open(kFormat).device);
+  EXPECT_FALSE(waveIn.Open(kFormat));
 }
 
 TEST(FailingWaveOut, AnOutputThatFailsIsNotOpened) {
@@ -63,8 +63,8 @@ TEST(FailingWaveOut, AnOutputThatFailsIsNotOpened) {
   machine::SimulatedWaveOut real;
   support::FailingWaveOut waveOut(real, plan);
   plan.FailCall(1, Failing::kOnce);
-  EXPECT_FALSE(waveOut.Open(kFormat).device);
-  EXPECT_TRUE(waveOut.Open(kFormat).device);
+  EXPECT_FALSE(waveOut.Open(kFormat));
+  EXPECT_TRUE(waveOut.Open(kFormat));
 }
 
 TEST(FailingContacts, AContactThatWasHandedOutCanFailToo) {

@@ -7,7 +7,6 @@ namespace support {
 
 using platform::FileAccess;
 using platform::FileCreation;
-using platform::FileError;
 using platform::FileShare;
 
 std::vector<std::byte> ToBytes(std::string_view text) {
@@ -21,30 +20,31 @@ std::string ToText(const std::vector<std::byte>& bytes) {
   return text;
 }
 
-FileError WriteWhole(platform::FileSystem& files, std::u16string_view path,
-                     std::string_view content) {
-  const platform::OpenedFile opened =
+platform::Result<void, platform::FileError> WriteWhole(platform::FileSystem& files,
+                                                       std::u16string_view path,
+                                                       std::string_view content) {
+  const auto file =
       files.Open(path, {FileAccess::kWrite, FileShare::kNone, FileCreation::kCreateAlways});
-  if (opened.error != FileError::kNone) {
-    return opened.error;
+  if (!file) {
+    return platform::Failure(file.error());
   }
-  const FileError written = opened.file->Write(std::as_bytes(std::span(content)));
-  const FileError closed = opened.file->Close();
-  return written != FileError::kNone ? written : closed;
+  const auto written = (*file)->Write(std::as_bytes(std::span(content)));
+  const auto closed = (*file)->Close();
+  return written ? closed : written;
 }
 
 std::optional<std::string> ReadWhole(platform::FileSystem& files, std::u16string_view path) {
-  const platform::OpenedFile opened =
+  const auto file =
       files.Open(path, {FileAccess::kRead, FileShare::kRead, FileCreation::kOpenExisting});
-  if (opened.error != FileError::kNone) {
+  if (!file) {
     return std::nullopt;
   }
-  const std::optional<std::uint64_t> length = opened.file->GetLength();
+  const auto length = (*file)->GetLength();
   if (!length) {
     return std::nullopt;
   }
   std::vector<std::byte> bytes(static_cast<std::size_t>(*length));
-  if (opened.file->Read(bytes) != bytes.size()) {
+  if ((*file)->Read(bytes) != bytes.size()) {
     return std::nullopt;
   }
   return ToText(bytes);
@@ -52,13 +52,12 @@ std::optional<std::string> ReadWhole(platform::FileSystem& files, std::u16string
 
 std::vector<std::u16string> FindNames(platform::FileSystem& files, std::u16string_view pattern) {
   std::vector<std::u16string> names;
-  platform::StartedSearch started = files.FindFirst(pattern);
-  if (started.error != FileError::kNone) {
+  const auto search = files.Find(pattern);
+  if (!search) {
     return names;
   }
-  names.push_back(started.first.name);
-  for (platform::FoundFile found; started.search->Next(found) == FileError::kNone;) {
-    names.push_back(found.name);
+  for (auto found = (*search)->Next(); found && *found; found = (*search)->Next()) {
+    names.push_back((*found)->name);
   }
   return names;
 }

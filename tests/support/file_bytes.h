@@ -14,14 +14,15 @@ namespace support {
 [[nodiscard]] std::string ToText(const std::vector<std::byte>& bytes);
 
 /// Makes or empties a file and writes it; any failure is reported.
-[[nodiscard]] platform::FileError WriteWhole(platform::FileSystem& files, std::u16string_view path,
-                                             std::string_view content);
+[[nodiscard]] platform::Result<void, platform::FileError> WriteWhole(platform::FileSystem& files,
+                                                                     std::u16string_view path,
+                                                                     std::string_view content);
 
-/// The whole content; nothing where the file cannot be opened or read.
+/// The whole content; nothing if the file cannot be opened or read.
 [[nodiscard]] std::optional<std::string> ReadWhole(platform::FileSystem& files,
                                                    std::u16string_view path);
 
-/// Names found by a pattern, in any order; empty where nothing matches.
+/// Names found by a pattern, in any order; empty if nothing matches.
 [[nodiscard]] std::vector<std::u16string> FindNames(platform::FileSystem& files,
                                                     std::u16string_view pattern);
 

@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -25,28 +24,31 @@ class StepsFileSystem final : public ForwardingFileSystem {
   StepsFileSystem(platform::FileSystem& inner, Steps& steps)
       : ForwardingFileSystem(inner), m_steps(steps) {}
 
-  [[nodiscard]] platform::OpenedFile Open(std::u16string_view path,
-                                          const platform::OpenMode& mode) override {
+  [[nodiscard]] platform::Result<std::unique_ptr<platform::File>, platform::FileError> Open(
+      std::u16string_view path, const platform::OpenMode& mode) override {
     m_steps.push_back(Describe(mode));
     auto opened = ForwardingFileSystem::Open(path, mode);
-    if (opened.file) {
-      opened.file = std::make_unique<File>(m_steps, std::move(opened.file));
+    if (opened) {
+      opened = std::make_unique<File>(m_steps, std::move(*opened));
     }
     return opened;
   }
-  [[nodiscard]] platform::OpenedReplacement OpenReplacement(std::u16string_view path) override {
+  [[nodiscard]] platform::Result<std::unique_ptr<platform::Replacement>, platform::FileError>
+  OpenReplacement(std::u16string_view path) override {
     m_steps.push_back("open replacement");
     auto opened = ForwardingFileSystem::OpenReplacement(path);
-    if (opened.replacement) {
-      opened.replacement = std::make_unique<Replacement>(m_steps, std::move(opened.replacement));
+    if (opened) {
+      opened = std::make_unique<Replacement>(m_steps, std::move(*opened));
     }
     return opened;
   }
-  [[nodiscard]] platform::FileError FlushFolder(std::u16string_view path) override {
+  [[nodiscard]] platform::Result<void, platform::FileError> FlushFolder(
+      std::u16string_view path) override {
     m_steps.push_back("flush folder");
     return ForwardingFileSystem::FlushFolder(path);
   }
-  [[nodiscard]] platform::FileError Delete(std::u16string_view path) override {
+  [[nodiscard]] platform::Result<void, platform::FileError> Delete(
+      std::u16string_view path) override {
     m_steps.push_back("delete file");
     return ForwardingFileSystem::Delete(path);
   }
@@ -67,25 +69,30 @@ class StepsFileSystem final : public ForwardingFileSystem {
         : m_steps(steps), m_owned(std::move(inner)), m_inner(m_owned.get()) {}
     File(Steps& steps, platform::File& inner) : m_steps(steps), m_inner(&inner) {}
 
-    [[nodiscard]] std::optional<std::uint64_t> GetLength() override { return m_inner->GetLength(); }
-    [[nodiscard]] platform::FileError Seek(std::uint64_t offset) override {
+    [[nodiscard]] platform::Result<std::uint64_t, platform::FileError> GetLength() override {
+      return m_inner->GetLength();
+    }
+    [[nodiscard]] platform::Result<void, platform::FileError> Seek(std::uint64_t offset) override {
       return m_inner->Seek(offset);
     }
-    [[nodiscard]] std::optional<std::size_t> Read(std::span<std::byte> into) override {
+    [[nodiscard]] platform::Result<std::size_t, platform::FileError> Read(
+        std::span<std::byte> into) override {
       return m_inner->Read(into);
     }
-    [[nodiscard]] platform::FileError Write(std::span<const std::byte> bytes) override {
+    [[nodiscard]] platform::Result<void, platform::FileError> Write(
+        std::span<const std::byte> bytes) override {
       m_steps.push_back("write " + std::to_string(bytes.size()));
       return m_inner->Write(bytes);
     }
-    [[nodiscard]] platform::FileError SetLength(std::uint64_t length) override {
+    [[nodiscard]] platform::Result<void, platform::FileError> SetLength(
+        std::uint64_t length) override {
       return m_inner->SetLength(length);
     }
-    [[nodiscard]] platform::FileError Flush() override {
+    [[nodiscard]] platform::Result<void, platform::FileError> Flush() override {
       m_steps.push_back("flush");
       return m_inner->Flush();
     }
-    [[nodiscard]] platform::FileError Close() override {
+    [[nodiscard]] platform::Result<void, platform::FileError> Close() override {
       m_steps.push_back("close file");
       return m_inner->Close();
     }
@@ -102,7 +109,8 @@ class StepsFileSystem final : public ForwardingFileSystem {
         : m_steps(steps), m_inner(std::move(inner)), m_file(steps, m_inner->GetFile()) {}
 
     [[nodiscard]] platform::File& GetFile() override { return m_file; }
-    [[nodiscard]] platform::FileError Publish(platform::Durability durability) override {
+    [[nodiscard]] platform::Result<void, platform::FileError> Publish(
+        platform::Durability durability) override {
       m_steps.push_back(durability == platform::Durability::kNow ? "publish" : "publish for later");
       return m_inner->Publish(durability);
     }

@@ -4,6 +4,7 @@
 
 #include "audio/wave_header.h"
 #include "tests/support/failing_file_system.h"
+#include "tests/support/results.h"
 
 namespace {
 
@@ -11,15 +12,15 @@ TEST(HeadlessPlatform, EachMemberIsTheBackEndOfThatName) {
   support::HeadlessPlatform headless(7);
   const platform::Platform platform = headless.Get();
   EXPECT_EQ(platform.clock.GetTickCount(), 7U);
-  ASSERT_EQ(platform.files.CreateFolder(u"\\a"), platform::FileError::kNone);
-  EXPECT_EQ(headless.files.FindFirst(u"\\a").error, platform::FileError::kNone);
+  ASSERT_TRUE(platform.files.CreateFolder(u"\\a"));
+  EXPECT_TRUE(headless.files.Find(u"\\a"));
   platform.process.End(3);
   EXPECT_EQ(headless.process.GetExitCode(), 3);
   platform.ui.ShowMessage(platform::ApplicationBox(u"text"));
   EXPECT_EQ(headless.ui.GetMessages().size(), 1U);
   EXPECT_NE(platform.threads.CreateManualResetEvent(), nullptr);
   EXPECT_EQ(platform.waveIn.GetDeviceCount(), 1U);
-  EXPECT_NE(platform.waveOut.Open(audio::MonoPcm(16, 11025)).device, nullptr);
+  EXPECT_TRUE(platform.waveOut.Open(audio::MonoPcm(16, 11025)));
   EXPECT_NE(platform.registry.CreateKey(u"a").key, nullptr);
   EXPECT_TRUE(platform.contacts.Initialize());
 }
@@ -28,8 +29,9 @@ TEST(HeadlessPlatform, OtherFilesMayTakeThePlaceOfItsOwn) {
   support::HeadlessPlatform headless;
   support::FailingFileSystem failing(headless.files);
   failing.FailCall(1, support::Failing::kOnce, platform::FileError::kDiskFull);
-  EXPECT_EQ(headless.GetWith(failing, headless.registry).files.CreateFolder(u"\\a"),
-            platform::FileError::kDiskFull);
+  EXPECT_EQ(
+      support::ErrorOf(headless.GetWith(failing, headless.registry).files.CreateFolder(u"\\a")),
+      platform::FileError::kDiskFull);
 }
 
 }  // namespace

@@ -31,8 +31,7 @@ class PageFixture : public testing::Test {
     bob.Number(platform::PhoneNumberKind::kHome) = u"5550001";
     m_machine.contacts.Add(bob);
     m_machine.waveIn.SetScript({.sound = Speech()});
-    EXPECT_EQ(m_machine.files.CreateFolder(storage::kProgramFilesFolder),
-              platform::FileError::kNone);
+    EXPECT_TRUE(m_machine.files.CreateFolder(storage::kProgramFilesFolder));
   }
 
   static std::vector<std::byte> Speech() {

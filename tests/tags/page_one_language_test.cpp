@@ -28,7 +28,7 @@ class PageOneLanguage : public WatchedPage {
   }
 
   void Hold(const std::u16string& path) {
-    m_held = m_machine.files.Open(path, {}).file;
+    m_held = m_machine.files.Open(path, {}).value();
     ASSERT_NE(m_held, nullptr);
   }
   void ExpectLastBox(std::u16string_view text, MessageCaption caption) {
@@ -129,9 +129,8 @@ TEST_F(PageOneLanguage, NothingChosen) {
 
 TEST_F(PageOneLanguage, ATemplateThatCannotBeMade) {
   Open();
-  ASSERT_EQ(m_machine.files.CreateFolder(storage::kTemplateFolder), platform::FileError::kNone);
-  ASSERT_EQ(m_machine.files.CreateFolder(storage::TemplatePath(u"1000")),
-            platform::FileError::kNone);
+  ASSERT_TRUE(m_machine.files.CreateFolder(storage::kTemplateFolder));
+  ASSERT_TRUE(m_machine.files.CreateFolder(storage::TemplatePath(u"1000")));
   m_dialog->Press(kRecordButtonId);
   ExpectLastApplicationBox(u"<ID_S_MESSAGE_7>");
 }

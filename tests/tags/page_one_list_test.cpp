@@ -28,12 +28,12 @@ class PageOneList : public PageFixture {
     m_held = m_machine.files
                  .Open(path, {platform::FileAccess::kRead, platform::FileShare::kRead,
                               platform::FileCreation::kOpenExisting})
-                 .file;
+                 .value();
     ASSERT_NE(m_held, nullptr);
   }
   /// Has a file for itself alone, so that nobody can even read it.
   void HoldAlone(const std::u16string& path) {
-    m_held = m_machine.files.Open(path, {}).file;
+    m_held = m_machine.files.Open(path, {}).value();
     ASSERT_NE(m_held, nullptr);
   }
 
@@ -109,7 +109,7 @@ TEST_F(PageOneList, AStaleTagThatIsHeldAloneEndsTheLoadToo) {
 TEST_F(PageOneList, AStaleTagWithoutARecordingHidesNoOther) {
   PutTag(u"100", 999, u"Mobile");
   PutTag(u"200", kAnn, u"Mobile");
-  ASSERT_EQ(m_machine.files.Delete(storage::WavePath(u"100")), platform::FileError::kNone);
+  ASSERT_TRUE(m_machine.files.Delete(storage::WavePath(u"100")));
   EXPECT_EQ(Open().GetItems(kTagListId), Texts{u"Ann Lee 5551234 M"});
   EXPECT_EQ(GetEntries(), Texts{u"200"});
   EXPECT_TRUE(GetMessages().empty());
@@ -297,7 +297,7 @@ TEST_F(PageOneList, AnInterruptedDeleteIsFinishedByASecondPress) {
 
 TEST_F(PageOneList, AMissingRecordingIsNotInUse) {
   PutTag(u"100", kAnn, u"Mobile");
-  ASSERT_EQ(m_machine.files.Delete(storage::WavePath(u"100")), platform::FileError::kNone);
+  ASSERT_TRUE(m_machine.files.Delete(storage::WavePath(u"100")));
   auto& dialog = Open();
   dialog.Choose(kTagListId, 0);
   dialog.Press(kDeleteButtonId);
@@ -380,7 +380,7 @@ TEST_F(PageOneList, OpeningFinishesADeletionThatWasKilled) {
     storage::TagParts parts;
     ASSERT_TRUE(storage::FindParts(failing, m_machine.registry, u"100", parts));
     ASSERT_EQ(deletion.Keep(parts, u"Ann Lee 5551234 M"), storage::ItemResult::kDone);
-    ASSERT_EQ(failing.Delete(storage::WavePath(u"100")), platform::FileError::kNone);
+    ASSERT_TRUE(failing.Delete(storage::WavePath(u"100")));
     failing.FailCall(1, support::Failing::kPowerFailure);
   }
   ASSERT_TRUE(HasFile(storage::TemplatePath(u"100")));

@@ -1,3 +1,4 @@
+#include "tests/support/results.h"
 #include "tests/tags/page_fixture.h"
 
 namespace {
@@ -9,8 +10,9 @@ using PageOneOpening = PageFixture;
 
 TEST_F(PageOneOpening, TheConstructorMakesTheInstallFolders) {
   const tags::Page_one page(m_machine.Get(), m_texts);
-  EXPECT_EQ(m_machine.files.FindFirst(storage::kInstallFolder).error, platform::FileError::kNone);
-  EXPECT_EQ(m_machine.files.FindFirst(storage::kWaveFolder).error, platform::FileError::kNotFound);
+  EXPECT_TRUE(m_machine.files.Find(storage::kInstallFolder));
+  EXPECT_EQ(support::ErrorOf(m_machine.files.Find(storage::kWaveFolder)),
+            platform::FileError::kNotFound);
 }
 
 TEST_F(PageOneOpening, FillsBothBoxesAndChoosesTheFirstContact) {

@@ -209,9 +209,8 @@ TEST_F(PageOneRecording, AContactThatCannotBeReadAgainKeepsTheTagButNotItsLine) 
 TEST_F(PageOneRecording, ATemplateThatCannotBeMadeLeavesOnlyTheRecording) {
   Open();
   // The name of the template is taken by a folder.
-  ASSERT_EQ(m_machine.files.CreateFolder(storage::kTemplateFolder), platform::FileError::kNone);
-  ASSERT_EQ(m_machine.files.CreateFolder(storage::TemplatePath(u"1000")),
-            platform::FileError::kNone);
+  ASSERT_TRUE(m_machine.files.CreateFolder(storage::kTemplateFolder));
+  ASSERT_TRUE(m_machine.files.CreateFolder(storage::TemplatePath(u"1000")));
   m_dialog->Press(kRecordButtonId);
   EXPECT_EQ(GetMessages(), Texts{u"Error in CreateFile"});
   EXPECT_TRUE(HasFile(storage::WavePath(u"1000")));

@@ -86,7 +86,7 @@ TEST_F(PageOneSteps, TheFoldersAreMadeBeforeItIsAskedWhatWasChosen) {
   m_dialog->Press(kRecordButtonId);
   EXPECT_EQ(GetMessages(), Texts{u"Error: oid == 0"});
   for (const std::u16string_view folder : {storage::kWaveFolder, storage::kTemplateFolder}) {
-    EXPECT_EQ(m_machine.files.FindFirst(folder).error, platform::FileError::kNone);
+    EXPECT_TRUE(m_machine.files.Find(folder));
   }
 }
 

@@ -22,10 +22,11 @@ class SlowWaveIn final : public platform::WaveIn {
   }
 
   [[nodiscard]] std::uint32_t GetDeviceCount() override { return m_waveIn.GetDeviceCount(); }
-  [[nodiscard]] platform::OpenedWaveIn Open(const platform::WaveFormat& format) override {
+  [[nodiscard]] platform::Result<std::unique_ptr<platform::WaveInDevice>, platform::WaveResult>
+  Open(const platform::WaveFormat& format) override {
     auto opened = m_waveIn.Open(format);
-    if (opened.device) {
-      opened.device = std::make_unique<Device>(*this, std::move(opened.device));
+    if (opened) {
+      opened = std::make_unique<Device>(*this, std::move(*opened));
     }
     return opened;
   }

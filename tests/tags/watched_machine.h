@@ -29,20 +29,23 @@ class WatchedFiles final : public support::ForwardingFileSystem {
   void SetListener(Listener listener) { m_listener = std::move(listener); }
   void Refuse(std::set<std::u16string_view> folders) { m_refused = std::move(folders); }
 
-  [[nodiscard]] platform::FileError Delete(std::u16string_view path) override {
+  [[nodiscard]] platform::Result<void, platform::FileError> Delete(
+      std::u16string_view path) override {
     Tell(u"delete ", path);
     return ForwardingFileSystem::Delete(path);
   }
-  [[nodiscard]] platform::FileError CreateFolder(std::u16string_view path) override {
-    return m_refused.contains(path) ? platform::FileError::kAccessDenied
+  [[nodiscard]] platform::Result<void, platform::FileError> CreateFolder(
+      std::u16string_view path) override {
+    return m_refused.contains(path) ? platform::Failure(platform::FileError::kAccessDenied)
                                     : ForwardingFileSystem::CreateFolder(path);
   }
-  [[nodiscard]] platform::StartedSearch FindFirst(std::u16string_view pattern) override {
+  [[nodiscard]] platform::Result<std::unique_ptr<platform::FileSearch>, platform::FileError> Find(
+      std::u16string_view pattern) override {
     Tell(u"find ", pattern);
     if (m_refused.contains(pattern)) {
-      return {nullptr, {}, platform::FileError::kNotFound};
+      return platform::Failure(platform::FileError::kNotFound);
     }
-    return ForwardingFileSystem::FindFirst(pattern);
+    return ForwardingFileSystem::Find(pattern);
   }
 
  private:
@@ -133,7 +136,8 @@ class WatchedWaveOut final : public platform::WaveOut {
 
   void SetListener(std::function<void()> listener) { m_listener = std::move(listener); }
 
-  [[nodiscard]] platform::OpenedWaveOut Open(const platform::WaveFormat& format) override {
+  [[nodiscard]] platform::Result<std::unique_ptr<platform::WaveOutDevice>, platform::WaveResult>
+  Open(const platform::WaveFormat& format) override {
     if (m_listener) {
       m_listener();
     }

@@ -73,7 +73,7 @@ void ClassAndTwin::ExpectSameTemplate(std::int32_t slot, const twins::Processed&
 support::Bytes ClassAndTwin::Serialized() {
   EXPECT_EQ(WriteTemplateFile(m_files, kTemplate, m_mathematics), TemplateFileResult::kDone);
   support::Bytes bytes = m_files.GetFile(kTemplate).value_or(support::Bytes());
-  EXPECT_EQ(m_files.Delete(kTemplate), platform::FileError::kNone);
+  EXPECT_TRUE(m_files.Delete(kTemplate));
   return bytes;
 }
 

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "tests/support/failing_file_system.h"
+#include "tests/support/results.h"
 #include "tests/support/signals.h"
 #include "tests/voicemath/mathematics_fixture.h"
 
@@ -109,9 +110,10 @@ TEST_P(FileFaults, ATemplateThatReplacesAnEarlierOneIsTheEarlierOrTheNew) {
     SCOPED_TRACE(call);
     ASSERT_TRUE(m_files.PutFile(kTemplatePath, earlier));
     m_failing.FailCall(call, GetParam(), platform::FileError::kDiskFull);
-    const auto error = voicemath::ReplaceTemplateFile(m_failing, kTemplatePath, m_mathematics);
+    const auto replaced = voicemath::ReplaceTemplateFile(m_failing, kTemplatePath, m_mathematics);
     anyFailed = m_failing.HasFailed();
-    EXPECT_EQ(error, anyFailed ? platform::FileError::kDiskFull : platform::FileError::kNone);
+    EXPECT_EQ(support::ErrorOf(replaced),
+              anyFailed ? std::optional(platform::FileError::kDiskFull) : std::nullopt);
     EXPECT_EQ(m_files.GetFile(kTemplatePath), anyFailed ? earlier : m_template);
     EXPECT_EQ(m_files.CountOpenHandles(), 0U);
     ASSERT_LT(call, 100U);

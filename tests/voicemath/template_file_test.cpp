@@ -162,7 +162,7 @@ TEST_F(TemplateFile, TheSmallestAndLargestComeBackByteForByteAndAreTornOneByteEa
     ASSERT_EQ(ReadBytes(0, bytes), TemplateFileResult::kDone);
     EXPECT_EQ(m_mathematics.m_frameCounts[0], frames);
     m_mathematics.m_elementCount = static_cast<std::int32_t>(elements);
-    ASSERT_EQ(m_files.Delete(kTemplate), platform::FileError::kNone);
+    ASSERT_TRUE(m_files.Delete(kTemplate));
     ASSERT_EQ(Write(), TemplateFileResult::kDone);
     EXPECT_TRUE(GetFile() == bytes);
     bytes.pop_back();

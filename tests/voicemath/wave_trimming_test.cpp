@@ -113,8 +113,8 @@ class OpenedPaths final : public support::ForwardingFileSystem {
  public:
   using ForwardingFileSystem::ForwardingFileSystem;
 
-  [[nodiscard]] platform::OpenedFile Open(std::u16string_view path,
-                                          const platform::OpenMode& mode) override {
+  [[nodiscard]] platform::Result<std::unique_ptr<platform::File>, platform::FileError> Open(
+      std::u16string_view path, const platform::OpenMode& mode) override {
     m_paths.insert(std::u16string(path));
     return ForwardingFileSystem::Open(path, mode);
   }
@@ -149,7 +149,7 @@ class TrimmingPlace : public WaveTrimming {
 TEST_F(TrimmingPlace, IsTheRecordingAndNoOtherName) {
   Trim(u"/ann.wav");
   Trim(u"/" + std::u16string(251, u'x') + u".wav");
-  ASSERT_EQ(m_files.CreateFolder(u"\\Voices"), platform::FileError::kNone);
+  ASSERT_TRUE(m_files.CreateFolder(u"\\Voices"));
   Trim(u"\\Voices\\ann.wav");
   EXPECT_EQ(m_files.ListFiles().size(), 3U);
 }

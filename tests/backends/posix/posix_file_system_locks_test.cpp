@@ -6,6 +6,7 @@
 #include "backends/posix/posix_file_system.h"
 #include "tests/backends/posix/child_process.h"
 #include "tests/support/file_bytes.h"
+#include "tests/support/results.h"
 #include "tests/support/temp_folder.h"
 
 namespace {
@@ -25,13 +26,13 @@ constexpr OpenMode kTogether{FileAccess::kRead, FileShare::kRead, FileCreation::
 
 class PosixFileSystemLocks : public testing::Test {
  protected:
-  void SetUp() override { ASSERT_EQ(WriteWhole(m_files, u"\\f", "abc"), FileError::kNone); }
+  void SetUp() override { ASSERT_TRUE(WriteWhole(m_files, u"\\f", "abc")); }
 
   /// A process that holds the file until it is killed.
   [[nodiscard]] std::unique_ptr<ChildProcess> Hold(const OpenMode& mode) {
     auto child = std::make_unique<ChildProcess>([&](const ToTest& test) {
-      const platform::OpenedFile opened = m_files.Open(u"\\f", mode);
-      test.Say(opened.error == FileError::kNone ? 'y' : 'n');
+      const auto opened = m_files.Open(u"\\f", mode);
+      test.Say(opened ? 'y' : 'n');
       for (;;) {
         ::pause();
       }
@@ -41,9 +42,9 @@ class PosixFileSystemLocks : public testing::Test {
     return child;
   }
 
-  [[nodiscard]] FileError Replace(const std::string& content) {
-    const auto replacement = m_files.OpenReplacement(u"\\f").replacement;
-    EXPECT_EQ(replacement->GetFile().Write(support::ToBytes(content)), FileError::kNone);
+  [[nodiscard]] platform::Result<void, FileError> Replace(const std::string& content) {
+    const auto replacement = m_files.OpenReplacement(u"\\f").value();
+    EXPECT_TRUE(replacement->GetFile().Write(support::ToBytes(content)));
     return replacement->Publish(platform::Durability::kNow);
   }
 
@@ -53,28 +54,28 @@ class PosixFileSystemLocks : public testing::Test {
 
 TEST_F(PosixFileSystemLocks, AHolderInAnotherProcessIsRespected) {
   const auto holder = Hold(kAlone);
-  EXPECT_EQ(m_files.Open(u"\\f", kTogether).error, FileError::kSharingViolation);
-  EXPECT_EQ(WriteWhole(m_files, u"\\f", "xyz"), FileError::kSharingViolation);
-  EXPECT_EQ(m_files.Delete(u"\\f"), FileError::kSharingViolation);
-  EXPECT_EQ(Replace("new"), FileError::kSharingViolation);
+  EXPECT_EQ(support::ErrorOf(m_files.Open(u"\\f", kTogether)), FileError::kSharingViolation);
+  EXPECT_EQ(support::ErrorOf(WriteWhole(m_files, u"\\f", "xyz")), FileError::kSharingViolation);
+  EXPECT_EQ(support::ErrorOf(m_files.Delete(u"\\f")), FileError::kSharingViolation);
+  EXPECT_EQ(support::ErrorOf(Replace("new")), FileError::kSharingViolation);
   holder->Kill();
   EXPECT_EQ(ReadWhole(m_files, u"\\f"), "abc");
 }
 
 TEST_F(PosixFileSystemLocks, AReaderInAnotherProcessGoesTogetherWithReaders) {
   const auto holder = Hold(kTogether);
-  EXPECT_EQ(m_files.Open(u"\\f", kTogether).error, FileError::kNone);
-  EXPECT_EQ(m_files.Delete(u"\\f"), FileError::kSharingViolation);
+  EXPECT_TRUE(m_files.Open(u"\\f", kTogether));
+  EXPECT_EQ(support::ErrorOf(m_files.Delete(u"\\f")), FileError::kSharingViolation);
 }
 
 TEST_F(PosixFileSystemLocks, AKilledHolderIsNone) {
   Hold(kAlone)->Kill();
-  EXPECT_EQ(m_files.Delete(u"\\f"), FileError::kNone);
+  EXPECT_TRUE(m_files.Delete(u"\\f"));
 }
 
 TEST_F(PosixFileSystemLocks, NobodySeesAFileThatAnotherProcessIsWriting) {
   constexpr std::size_t kLength = 100'000;
-  ASSERT_EQ(WriteWhole(m_files, u"\\f", std::string(kLength, 'a')), FileError::kNone);
+  ASSERT_TRUE(WriteWhole(m_files, u"\\f", std::string(kLength, 'a')));
   ChildProcess writer([&](const ToTest& test) {
     test.Say('y');
     for (int i = 0;; ++i) {
@@ -103,10 +104,10 @@ TEST_F(PosixFileSystemLocks, WhoHoldsAFileThatAnotherProcessDeletesAndMakesHolds
   ASSERT_EQ(other.Hear(), 'y');
   int held = 0;
   for (int i = 0; i < 30'000; ++i) {
-    const platform::OpenedFile opened = m_files.Open(u"\\f", kAlone);
-    if (opened.error == FileError::kNone) {
+    const auto opened = m_files.Open(u"\\f", kAlone);
+    if (opened) {
       ++held;
-      ASSERT_EQ(m_files.Open(u"\\f", kAlone).error, FileError::kSharingViolation) << i;
+      ASSERT_EQ(support::ErrorOf(m_files.Open(u"\\f", kAlone)), FileError::kSharingViolation) << i;
     }
   }
   EXPECT_GT(held, 0);
@@ -114,10 +115,10 @@ TEST_F(PosixFileSystemLocks, WhoHoldsAFileThatAnotherProcessDeletesAndMakesHolds
 
 TEST_F(PosixFileSystemLocks, AFileThatAnotherProcessReplacesIsAlwaysThereAndWhole) {
   constexpr std::size_t kLength = 10'000;
-  ASSERT_EQ(WriteWhole(m_files, u"\\f", std::string(kLength, 'a')), FileError::kNone);
+  ASSERT_TRUE(WriteWhole(m_files, u"\\f", std::string(kLength, 'a')));
   ChildProcess replacer([&](const ToTest& test) {
     for (;;) {
-      if (Replace(std::string(kLength, 'b')) == FileError::kNone) {
+      if (Replace(std::string(kLength, 'b'))) {
         test.Say('y');
       }
     }
@@ -126,10 +127,10 @@ TEST_F(PosixFileSystemLocks, AFileThatAnotherProcessReplacesIsAlwaysThereAndWhol
   for (int round = 0; round < 20; ++round) {
     ASSERT_EQ(replacer.Hear(), 'y');
     for (int i = 0; i < 50; ++i) {
-      const platform::OpenedFile opened = m_files.Open(u"\\f", kAlone);
-      if (opened.error != FileError::kSharingViolation) {
-        ASSERT_EQ(opened.error, FileError::kNone);
-        EXPECT_EQ(opened.file->GetLength(), kLength);
+      const auto opened = m_files.Open(u"\\f", kAlone);
+      if (support::ErrorOf(opened) != FileError::kSharingViolation) {
+        ASSERT_TRUE(opened);
+        EXPECT_EQ((*opened)->GetLength(), kLength);
       }
     }
   }

@@ -9,6 +9,7 @@
 #include "backends/text/utf.h"
 #include "tests/backends/posix/child_process.h"
 #include "tests/support/file_bytes.h"
+#include "tests/support/results.h"
 #include "tests/support/temp_folder.h"
 
 namespace {
@@ -37,9 +38,9 @@ class PosixFileSystemRights : public testing::Test {
 TEST_F(PosixFileSystemRights, NewFilesAndFoldersBelongToTheirUserAloneWhateverTheMask) {
   for (const mode_t mask : {0U, 027U, 0277U}) {
     const mode_t before = ::umask(mask);
-    EXPECT_EQ(WriteWhole(m_files, u"\\f", "abc"), FileError::kNone);
-    EXPECT_EQ(WriteWhole(m_files, m_root.Text() + u"/g", "abc"), FileError::kNone);
-    EXPECT_EQ(m_files.CreateFolder(u"\\d"), FileError::kNone);
+    EXPECT_TRUE(WriteWhole(m_files, u"\\f", "abc"));
+    EXPECT_TRUE(WriteWhole(m_files, m_root.Text() + u"/g", "abc"));
+    EXPECT_TRUE(m_files.CreateFolder(u"\\d"));
     ::umask(before);
     EXPECT_EQ(ModeOf(m_root.Path() / "f"), 0600U);
     EXPECT_EQ(ModeOf(m_root.Path() / "g"), 0600U);
@@ -51,58 +52,58 @@ TEST_F(PosixFileSystemRights, NewFilesAndFoldersBelongToTheirUserAloneWhateverTh
 }
 
 TEST_F(PosixFileSystemRights, AnOlderFileOfTheDeviceLosesTheRightsOfOthersBeforeItIsWritten) {
-  ASSERT_EQ(WriteWhole(m_files, u"\\f", "abc"), FileError::kNone);
+  ASSERT_TRUE(WriteWhole(m_files, u"\\f", "abc"));
   const std::filesystem::path file = m_root.Path() / "f";
   ASSERT_EQ(::chmod(file.c_str(), 0664), 0);
-  ASSERT_EQ(m_files.Open(u"\\f", {FileAccess::kRead, FileShare::kNone}).error, FileError::kNone);
+  ASSERT_TRUE(m_files.Open(u"\\f", {FileAccess::kRead, FileShare::kNone}));
   EXPECT_EQ(ModeOf(file), 0664U);
-  ASSERT_EQ(m_files.Open(u"\\f", {FileAccess::kWrite, FileShare::kNone}).error, FileError::kNone);
+  ASSERT_TRUE(m_files.Open(u"\\f", {FileAccess::kWrite, FileShare::kNone}));
   EXPECT_EQ(ModeOf(file), 0600U);
   ASSERT_EQ(::chmod(file.c_str(), 0664), 0);
-  EXPECT_EQ(WriteWhole(m_files, m_root.Text() + u"/f", "xyz"), FileError::kNone);
+  EXPECT_TRUE(WriteWhole(m_files, m_root.Text() + u"/f", "xyz"));
   EXPECT_EQ(ModeOf(file), 0664U);
 }
 
 TEST_F(PosixFileSystemRights, AFileMadeWithoutAnyRightIsStillWrittenByItsMaker) {
   const mode_t before = ::umask(0777);
-  EXPECT_EQ(WriteWhole(m_files, u"\\f", "abc"), FileError::kNone);
+  EXPECT_TRUE(WriteWhole(m_files, u"\\f", "abc"));
   ::umask(before);
   EXPECT_EQ(std::filesystem::file_size(m_root.Path() / "f"), 3U);
 }
 
 TEST_F(PosixFileSystemRights, WhatTheUserMayNotReachIsDenied) {
-  ASSERT_EQ(WriteWhole(m_files, u"\\f", "abc"), FileError::kNone);
-  ASSERT_EQ(m_files.CreateFolder(u"\\locked"), FileError::kNone);
-  ASSERT_EQ(WriteWhole(m_files, u"\\locked\\f", "abc"), FileError::kNone);
+  ASSERT_TRUE(WriteWhole(m_files, u"\\f", "abc"));
+  ASSERT_TRUE(m_files.CreateFolder(u"\\locked"));
+  ASSERT_TRUE(WriteWhole(m_files, u"\\locked\\f", "abc"));
   ASSERT_EQ(::chmod((m_root.Path() / "f").c_str(), 0200), 0);
   ASSERT_EQ(::chmod((m_root.Path() / "locked").c_str(), 0200), 0);
   ASSERT_EQ(::chmod(m_root.Path().c_str(), 0555), 0);
   const int step = posix_test::RunAsOrdinaryUser([&] {
-    if (m_files.Open(u"\\f", {FileAccess::kRead, FileShare::kNone}).error !=
+    if (support::ErrorOf(m_files.Open(u"\\f", {FileAccess::kRead, FileShare::kNone})) !=
         FileError::kAccessDenied) {
       return 1;
     }
-    if (WriteWhole(m_files, u"\\new", "abc") != FileError::kAccessDenied) {
+    if (support::ErrorOf(WriteWhole(m_files, u"\\new", "abc")) != FileError::kAccessDenied) {
       return 2;
     }
-    if (m_files.CreateFolder(u"\\d") != FileError::kAccessDenied) {
+    if (support::ErrorOf(m_files.CreateFolder(u"\\d")) != FileError::kAccessDenied) {
       return 3;
     }
-    if (m_files.Delete(u"\\f") != FileError::kAccessDenied) {
+    if (support::ErrorOf(m_files.Delete(u"\\f")) != FileError::kAccessDenied) {
       return 4;
     }
-    return m_files.FindFirst(u"\\locked\\*").error == FileError::kAccessDenied ? 0 : 5;
+    return support::ErrorOf(m_files.Find(u"\\locked\\*")) == FileError::kAccessDenied ? 0 : 5;
   });
   EXPECT_EQ(step, 0);
 }
 
 TEST_F(PosixFileSystemRights, AFileThatMayOnlyBeWrittenIsThereAllTheSame) {
-  ASSERT_EQ(WriteWhole(m_files, u"\\f", "abc"), FileError::kNone);
+  ASSERT_TRUE(WriteWhole(m_files, u"\\f", "abc"));
   ASSERT_EQ(::chmod((m_root.Path() / "f").c_str(), 0222), 0);
-  const int error = posix_test::RunAsOrdinaryUser([&] {
-    return static_cast<int>(m_files.Open(u"\\f", {FileAccess::kNone, FileShare::kNone}).error);
+  const int step = posix_test::RunAsOrdinaryUser([&] {
+    return m_files.Open(u"\\f", {FileAccess::kNone, FileShare::kNone}) ? 0 : 1;
   });
-  EXPECT_EQ(error, static_cast<int>(FileError::kNone));
+  EXPECT_EQ(step, 0);
 }
 
 TEST_F(PosixFileSystemRights, WhatLiesInAFolderIsKeptFromOthersAndStaysProtected) {
@@ -110,8 +111,7 @@ TEST_F(PosixFileSystemRights, WhatLiesInAFolderIsKeptFromOthersAndStaysProtected
   std::filesystem::create_directory(folder);
   std::filesystem::create_directory(folder / "inner");
   for (const char* name : {"a.wav", "b.wav"}) {
-    ASSERT_EQ(WriteWhole(m_files, u"\\voices\\" + text::FromHostName(name), "abc"),
-              FileError::kNone);
+    ASSERT_TRUE(WriteWhole(m_files, u"\\voices\\" + text::FromHostName(name), "abc"));
   }
   const support::TempFolder elsewhere;
   std::filesystem::create_symlink(elsewhere.Path(), folder / "link");
@@ -140,7 +140,7 @@ TEST_F(PosixFileSystemRights, TheFileOfALinkKeepsItsRights) {
 }
 
 TEST_F(PosixFileSystemRights, TheRootIsKeptFromOthersUnlessItBelongsToAll) {
-  ASSERT_EQ(WriteWhole(m_files, u"\\f", "abc"), FileError::kNone);
+  ASSERT_TRUE(WriteWhole(m_files, u"\\f", "abc"));
   ASSERT_EQ(::chmod((m_root.Path() / "f").c_str(), 0644), 0);
   ASSERT_EQ(::chmod(m_root.Path().c_str(), 01777), 0);
   m_files.KeepFromOthers(u"\\");

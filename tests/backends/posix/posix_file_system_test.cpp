@@ -14,6 +14,7 @@
 
 #include "tests/backends/posix/child_process.h"
 #include "tests/support/file_bytes.h"
+#include "tests/support/results.h"
 #include "tests/support/temp_folder.h"
 
 namespace {
@@ -54,16 +55,16 @@ class PosixFileSystem : public testing::Test {
 };
 
 TEST_F(PosixFileSystem, DevicePathsLieBelowTheRoot) {
-  ASSERT_EQ(m_files.CreateFolder(u"\\Program Files"), FileError::kNone);
-  ASSERT_EQ(WriteWhole(m_files, u"\\Program Files\\f", "abc"), FileError::kNone);
+  ASSERT_TRUE(m_files.CreateFolder(u"\\Program Files"));
+  ASSERT_TRUE(WriteWhole(m_files, u"\\Program Files\\f", "abc"));
   EXPECT_EQ(Get("Program Files/f"), "abc");
 }
 
 TEST_F(PosixFileSystem, ARootThatIsNotThereHasNothingAndTakesNothing) {
   posix::PosixFileSystem files(m_root.Text() + u"/no");
-  EXPECT_EQ(files.CreateFolder(u"\\a"), FileError::kNotFound);
-  EXPECT_EQ(WriteWhole(files, u"\\f", "abc"), FileError::kNotFound);
-  EXPECT_EQ(files.FindFirst(u"\\*").error, FileError::kNotFound);
+  EXPECT_EQ(support::ErrorOf(files.CreateFolder(u"\\a")), FileError::kNotFound);
+  EXPECT_EQ(support::ErrorOf(WriteWhole(files, u"\\f", "abc")), FileError::kNotFound);
+  EXPECT_EQ(support::ErrorOf(files.Find(u"\\*")), FileError::kNotFound);
 }
 
 TEST_F(PosixFileSystem, TheExactSpellingComesFirst) {
@@ -80,30 +81,30 @@ TEST_F(PosixFileSystem, NamesWithStrayBytesAreFoundOpenedAndDeleted) {
   const std::vector<std::u16string> names = FindNames(m_files, u"\\CAF?.wav");
   ASSERT_EQ(names.size(), 1U);
   EXPECT_EQ(ReadWhole(m_files, u"\\" + names[0]), "abc");
-  EXPECT_EQ(m_files.Delete(u"\\" + names[0]), FileError::kNone);
+  EXPECT_TRUE(m_files.Delete(u"\\" + names[0]));
   EXPECT_TRUE(fs::is_empty(m_root.Path()));
 }
 
 TEST_F(PosixFileSystem, ATooLongNameIsNotFound) {
   const std::u16string path = u"\\" + std::u16string(300, u'x');
-  EXPECT_EQ(m_files.Open(path, kRead).error, FileError::kNotFound);
-  EXPECT_EQ(WriteWhole(m_files, path, "abc"), FileError::kNotFound);
-  EXPECT_EQ(m_files.CreateFolder(path), FileError::kNotFound);
+  EXPECT_EQ(support::ErrorOf(m_files.Open(path, kRead)), FileError::kNotFound);
+  EXPECT_EQ(support::ErrorOf(WriteWhole(m_files, path, "abc")), FileError::kNotFound);
+  EXPECT_EQ(support::ErrorOf(m_files.CreateFolder(path)), FileError::kNotFound);
 }
 
 TEST_F(PosixFileSystem, APipeIsNoFileAndNobodyWaitsForItsOtherEnd) {
   ASSERT_EQ(::mkfifo(Host("pipe").c_str(), 0666), 0);
   for (const OpenMode& mode : kAllModes) {
-    EXPECT_EQ(m_files.Open(u"\\pipe", mode).error, FileError::kAccessDenied);
+    EXPECT_EQ(support::ErrorOf(m_files.Open(u"\\pipe", mode)), FileError::kAccessDenied);
   }
-  EXPECT_EQ(m_files.Delete(u"\\pipe"), FileError::kAccessDenied);
-  EXPECT_EQ(m_files.OpenReplacement(u"\\pipe").error, FileError::kAccessDenied);
+  EXPECT_EQ(support::ErrorOf(m_files.Delete(u"\\pipe")), FileError::kAccessDenied);
+  EXPECT_EQ(support::ErrorOf(m_files.OpenReplacement(u"\\pipe")), FileError::kAccessDenied);
   EXPECT_TRUE(fs::is_fifo(Host("pipe")));
 }
 
 TEST_F(PosixFileSystem, ADeviceIsNoFile) {
   for (const OpenMode& mode : kAllModes) {
-    EXPECT_EQ(m_files.Open(u"/dev/null", mode).error, FileError::kAccessDenied);
+    EXPECT_EQ(support::ErrorOf(m_files.Open(u"/dev/null", mode)), FileError::kAccessDenied);
   }
 }
 
@@ -115,7 +116,7 @@ TEST_F(PosixFileSystem, ASocketIsNoFile) {
   const void* const plain = &address;
   ASSERT_EQ(::bind(socket.Get(), static_cast<const sockaddr*>(plain), sizeof address), 0);
   for (const OpenMode& mode : kAllModes) {
-    EXPECT_EQ(m_files.Open(u"\\s", mode).error, FileError::kAccessDenied);
+    EXPECT_EQ(support::ErrorOf(m_files.Open(u"\\s", mode)), FileError::kAccessDenied);
   }
 }
 
@@ -125,7 +126,7 @@ TEST_F(PosixFileSystem, ALinkLeadsToItsFileForReaders) {
   fs::create_symlink("nowhere", Host("dangling"));
   EXPECT_EQ(ReadWhole(m_files, u"\\LINK"), "abc");
   EXPECT_EQ(ReadWhole(m_files, m_root.Text() + u"/link"), "abc");
-  EXPECT_EQ(m_files.Open(u"\\dangling", kRead).error, FileError::kNotFound);
+  EXPECT_EQ(support::ErrorOf(m_files.Open(u"\\dangling", kRead)), FileError::kNotFound);
 }
 
 TEST_F(PosixFileSystem, ALinkIsNeverWrittenThrough) {
@@ -136,11 +137,11 @@ TEST_F(PosixFileSystem, ALinkIsNeverWrittenThrough) {
     for (const std::u16string_view name : {u"link", u"dangling"}) {
       const std::u16string path = folder + std::u16string(name);
       for (std::size_t i = 1; i < std::size(kAllModes); ++i) {
-        EXPECT_EQ(m_files.Open(path, kAllModes[i]).error, FileError::kLink) << i;
+        EXPECT_EQ(support::ErrorOf(m_files.Open(path, kAllModes[i])), FileError::kLink) << i;
       }
-      EXPECT_EQ(m_files.OpenReplacement(path).error, FileError::kLink);
+      EXPECT_EQ(support::ErrorOf(m_files.OpenReplacement(path)), FileError::kLink);
       constexpr OpenMode kNew{FileAccess::kWrite, FileShare::kNone, FileCreation::kCreateNew};
-      EXPECT_EQ(m_files.Open(path, kNew).error, FileError::kAlreadyExists);
+      EXPECT_EQ(support::ErrorOf(m_files.Open(path, kNew)), FileError::kAlreadyExists);
     }
   }
   EXPECT_EQ(Get("f"), "abc");
@@ -150,16 +151,16 @@ TEST_F(PosixFileSystem, ALinkIsNeverWrittenThrough) {
 TEST_F(PosixFileSystem, AFolderMayBeALink) {
   const support::TempFolder elsewhere;
   fs::create_directory_symlink(elsewhere.Path(), Host("Waves"));
-  EXPECT_EQ(WriteWhole(m_files, u"\\waves\\f", "abc"), FileError::kNone);
+  EXPECT_TRUE(WriteWhole(m_files, u"\\waves\\f", "abc"));
   EXPECT_TRUE(fs::exists(elsewhere.Path() / "f"));
-  EXPECT_TRUE(m_files.FindFirst(u"\\waves").first.isFolder);
+  EXPECT_TRUE(m_files.Find(u"\\waves").value()->Next().value().value().isFolder);
   EXPECT_THAT(FindNames(m_files, u"\\waves\\*"), UnorderedElementsAre(u"f"));
 }
 
 TEST_F(PosixFileSystem, DeleteLeavesALinkOnAPathOfTheHost) {
   Put("f", "abc");
   fs::create_symlink("f", Host("link"));
-  EXPECT_EQ(m_files.Delete(m_root.Text() + u"/link"), FileError::kLink);
+  EXPECT_EQ(support::ErrorOf(m_files.Delete(m_root.Text() + u"/link")), FileError::kLink);
   EXPECT_THAT(FindNames(m_files, u"\\*"), UnorderedElementsAre(u"f", u"link"));
 }
 
@@ -167,26 +168,26 @@ TEST_F(PosixFileSystem, DeleteTakesTheLinkOfTheDeviceAndNotItsFile) {
   Put("f", "abc");
   fs::create_symlink("f", Host("link"));
   fs::create_symlink("nowhere", Host("dangling"));
-  EXPECT_EQ(m_files.Delete(u"\\link"), FileError::kNone);
-  EXPECT_EQ(m_files.Delete(u"\\dangling"), FileError::kNone);
+  EXPECT_TRUE(m_files.Delete(u"\\link"));
+  EXPECT_TRUE(m_files.Delete(u"\\dangling"));
   EXPECT_THAT(FindNames(m_files, u"\\*"), UnorderedElementsAre(u"f"));
 }
 
 TEST_F(PosixFileSystem, LinksInACircleLeadNowhere) {
   fs::create_symlink("b", Host("a"));
   fs::create_symlink("a", Host("b"));
-  EXPECT_EQ(m_files.Open(u"\\a", kRead).error, FileError::kOther);
-  EXPECT_EQ(WriteWhole(m_files, u"\\a", "abc"), FileError::kLink);
+  EXPECT_EQ(support::ErrorOf(m_files.Open(u"\\a", kRead)), FileError::kOther);
+  EXPECT_EQ(support::ErrorOf(WriteWhole(m_files, u"\\a", "abc")), FileError::kLink);
   fs::create_directory_symlink("loop", Host("loop"));
-  EXPECT_EQ(WriteWhole(m_files, u"\\loop\\f", "abc"), FileError::kOther);
+  EXPECT_EQ(support::ErrorOf(WriteWhole(m_files, u"\\loop\\f", "abc")), FileError::kOther);
 }
 
 TEST_F(PosixFileSystem, ALinkToNothingIsFoundSinceItsNameIsTaken) {
   fs::create_symlink("nowhere", Host("link"));
-  const platform::StartedSearch started = m_files.FindFirst(u"\\link");
-  EXPECT_EQ(started.error, FileError::kNone);
-  EXPECT_FALSE(started.first.isFolder);
-  EXPECT_EQ(m_files.CreateFolder(u"\\link"), FileError::kAlreadyExists);
+  const auto search = m_files.Find(u"\\link");
+  ASSERT_TRUE(search);
+  EXPECT_FALSE((*search)->Next().value().value().isFolder);
+  EXPECT_EQ(support::ErrorOf(m_files.CreateFolder(u"\\link")), FileError::kAlreadyExists);
 }
 
 TEST_F(PosixFileSystem, AFolderThatCannotBeReadIsNotAnEmptyOne) {
@@ -196,11 +197,12 @@ TEST_F(PosixFileSystem, AFolderThatCannotBeReadIsNotAnEmptyOne) {
   fs::permissions(m_root.Path(), fs::perms(0755));
   fs::permissions(Host("blind"), fs::perms(0444));
   const int step = posix_test::RunAsOrdinaryUser([&] {
-    if (m_files.FindFirst(u"\\blind\\*.wav").error != FileError::kAccessDenied ||
-        m_files.FindFirst(u"\\blind\\one.wav").error != FileError::kAccessDenied) {
+    if (support::ErrorOf(m_files.Find(u"\\blind\\*.wav")) != FileError::kAccessDenied ||
+        support::ErrorOf(m_files.Find(u"\\blind\\one.wav")) != FileError::kAccessDenied) {
       return 1;
     }
-    return m_files.Delete(u"\\blind\\one.wav") == FileError::kAccessDenied ? 0 : 2;
+    return support::ErrorOf(m_files.Delete(u"\\blind\\one.wav")) == FileError::kAccessDenied ? 0
+                                                                                             : 2;
   });
   EXPECT_EQ(step, 0);
   fs::permissions(Host("blind"), fs::perms(0111));
@@ -208,7 +210,9 @@ TEST_F(PosixFileSystem, AFolderThatCannotBeReadIsNotAnEmptyOne) {
     if (ReadWhole(m_files, u"\\blind\\One.wav") != "abc") {
       return 1;
     }
-    return m_files.Open(u"\\blind\\one.wav", kRead).error == FileError::kAccessDenied ? 0 : 2;
+    return support::ErrorOf(m_files.Open(u"\\blind\\one.wav", kRead)) == FileError::kAccessDenied
+               ? 0
+               : 2;
   });
   EXPECT_EQ(spelling, 0);
 }
@@ -220,17 +224,17 @@ TEST_F(PosixFileSystem, WithoutDescriptorsASearchFailsAndFindsNothingMissing) {
     if (::setrlimit(RLIMIT_NOFILE, &limit) != 0) {
       return 1;
     }
-    if (m_files.FindFirst(u"\\*.wav").error != FileError::kOther) {
+    if (support::ErrorOf(m_files.Find(u"\\*.wav")) != FileError::kOther) {
       return 2;
     }
-    return m_files.FindFirst(u"\\one.wav").error == FileError::kOther ? 0 : 3;
+    return support::ErrorOf(m_files.Find(u"\\one.wav")) == FileError::kOther ? 0 : 3;
   });
   EXPECT_EQ(child.Wait(), 0);
 }
 
 TEST_F(PosixFileSystem, OpenFilesAreNotInheritedByPrograms) {
   const auto opened = m_files.Open(u"\\f", kAllModes[4]);
-  ASSERT_EQ(opened.error, FileError::kNone);
+  ASSERT_TRUE(opened);
   int files = 0;
   for (const auto& entry : fs::directory_iterator("/proc/self/fd")) {
     std::error_code gone;
@@ -250,11 +254,12 @@ TEST_F(PosixFileSystem, AWriteBeyondTheLimitOfTheUserFailsAndTheProcessGoesOn) {
     if (::setrlimit(RLIMIT_FSIZE, &limit) != 0) {
       return 1;
     }
-    const auto file = m_files.Open(u"\\f", kAllModes[4]).file;
-    if (file->Write(ToBytes(std::string(1500, 'x'))) != FileError::kDiskFull) {
+    const auto file = m_files.Open(u"\\f", kAllModes[4]).value();
+    if (support::ErrorOf(file->Write(ToBytes(std::string(1500, 'x')))) != FileError::kDiskFull) {
       return 2;
     }
-    if (file->SetLength(2000) != FileError::kDiskFull || file->GetLength() != kLimit) {
+    if (support::ErrorOf(file->SetLength(2000)) != FileError::kDiskFull ||
+        file->GetLength() != kLimit) {
       return 3;
     }
     sigset_t signals{};
@@ -263,7 +268,7 @@ TEST_F(PosixFileSystem, AWriteBeyondTheLimitOfTheUserFailsAndTheProcessGoesOn) {
         ::sigismember(&signals, SIGXFSZ) != 0) {
       return 4;
     }
-    return file->Close() == FileError::kNone ? 0 : 5;
+    return file->Close() ? 0 : 5;
   });
   EXPECT_EQ(child.Wait(), 0);
   EXPECT_EQ(Get("f"), std::string(kLimit, 'x'));

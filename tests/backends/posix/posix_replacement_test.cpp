@@ -11,6 +11,7 @@
 #include "backends/posix/posix_file_system.h"
 #include "tests/backends/posix/child_process.h"
 #include "tests/support/file_bytes.h"
+#include "tests/support/results.h"
 #include "tests/support/temp_folder.h"
 
 namespace {
@@ -35,18 +36,19 @@ using Making = PosixReplacement::Making;
 /// Both ways of making a file that has no name yet.
 class PosixReplacements : public testing::TestWithParam<Making> {
  protected:
-  [[nodiscard]] platform::OpenedReplacement Open(
-      const std::string& name, posix::Others others = posix::Others::kKeepRights) {
+  [[nodiscard]] auto Open(const std::string& name,
+                          posix::Others others = posix::Others::kKeepRights) {
     return PosixReplacement::Open({m_root.Path().native() + "/", name}, others, GetParam());
   }
-  [[nodiscard]] FileError Publish(const std::string& name, const std::string& content,
-                                  posix::Others others = posix::Others::kKeepRights) {
-    const platform::OpenedReplacement opened = Open(name, others);
-    if (opened.error != FileError::kNone) {
-      return opened.error;
+  [[nodiscard]] platform::Result<void, FileError> Publish(
+      const std::string& name, const std::string& content,
+      posix::Others others = posix::Others::kKeepRights) {
+    const auto opened = Open(name, others);
+    if (!opened) {
+      return platform::Failure(opened.error());
     }
-    EXPECT_EQ(opened.replacement->GetFile().Write(ToBytes(content)), FileError::kNone);
-    return opened.replacement->Publish(Durability::kNow);
+    EXPECT_TRUE((*opened)->GetFile().Write(ToBytes(content)));
+    return (*opened)->Publish(Durability::kNow);
   }
   [[nodiscard]] unsigned ModeOf(const char* name) const {
     return static_cast<unsigned>(fs::status(m_root.Path() / name).permissions());
@@ -59,11 +61,11 @@ class PosixReplacements : public testing::TestWithParam<Making> {
 TEST_P(PosixReplacements, AKillAtAnyMomentLeavesTheOldFileOrTheNewOne) {
   const std::string first(50'000, 'a');
   const std::string second(70'000, 'b');
-  ASSERT_EQ(WriteWhole(m_files, u"\\f", first), FileError::kNone);
+  ASSERT_TRUE(WriteWhole(m_files, u"\\f", first));
   for (int i = 0; i < 25; ++i) {
     ChildProcess replacer([&](const ToTest& test) {
       for (bool odd = false;; odd = !odd) {
-        if (Publish("f", odd ? first : second) != FileError::kNone) {
+        if (!Publish("f", odd ? first : second)) {
           return 1;
         }
         test.Say('y');
@@ -82,8 +84,8 @@ TEST_P(PosixReplacements, AKillAtAnyMomentLeavesTheOldFileOrTheNewOne) {
 
 TEST_P(PosixReplacements, AKillWhileTheFileIsWrittenLeavesAtMostAnUnfinishedName) {
   ChildProcess writer([&](const ToTest& test) {
-    const platform::OpenedReplacement opened = Open("f");
-    test.Say(opened.error == FileError::kNone ? 'y' : 'n');
+    const auto opened = Open("f");
+    test.Say(opened ? 'y' : 'n');
     for (;;) {
       ::pause();
     }
@@ -98,51 +100,51 @@ TEST_P(PosixReplacements, AKillWhileTheFileIsWrittenLeavesAtMostAnUnfinishedName
 }
 
 TEST_P(PosixReplacements, ALinkIsRefusedAndItsFileStays) {
-  ASSERT_EQ(WriteWhole(m_files, u"\\private", "mine"), FileError::kNone);
+  ASSERT_TRUE(WriteWhole(m_files, u"\\private", "mine"));
   fs::create_symlink("private", m_root.Path() / "link");
   fs::create_symlink("nothing", m_root.Path() / "dangling");
-  EXPECT_EQ(Open("link").error, FileError::kLink);
-  EXPECT_EQ(Open("dangling").error, FileError::kLink);
+  EXPECT_EQ(support::ErrorOf(Open("link")), FileError::kLink);
+  EXPECT_EQ(support::ErrorOf(Open("dangling")), FileError::kLink);
   EXPECT_EQ(ReadWhole(m_files, u"\\private"), "mine");
   EXPECT_FALSE(fs::exists(m_root.Path() / "nothing"));
 }
 
 TEST_P(PosixReplacements, ALinkThatIsPlantedMeanwhileIsRefusedAsWell) {
-  ASSERT_EQ(WriteWhole(m_files, u"\\private", "mine"), FileError::kNone);
-  const platform::OpenedReplacement opened = Open("f");
-  ASSERT_EQ(opened.error, FileError::kNone);
+  ASSERT_TRUE(WriteWhole(m_files, u"\\private", "mine"));
+  const auto opened = Open("f");
+  ASSERT_TRUE(opened);
   fs::create_symlink("private", m_root.Path() / "f");
-  EXPECT_EQ(opened.replacement->Publish(Durability::kNow), FileError::kLink);
+  EXPECT_EQ(support::ErrorOf((*opened)->Publish(Durability::kNow)), FileError::kLink);
   EXPECT_EQ(ReadWhole(m_files, u"\\private"), "mine");
   ASSERT_TRUE(fs::remove(m_root.Path() / "f"));
-  EXPECT_EQ(opened.replacement->Publish(Durability::kNow), FileError::kNone);
+  EXPECT_TRUE((*opened)->Publish(Durability::kNow));
 }
 
 TEST_P(PosixReplacements, ANewFileBelongsToItsUserAloneFromTheBeginning) {
   const mode_t before = ::umask(0);
-  const platform::OpenedReplacement opened = Open("f");
+  const auto opened = Open("f");
   ::umask(before);
-  ASSERT_EQ(opened.error, FileError::kNone);
+  ASSERT_TRUE(opened);
   for (const auto& entry : fs::directory_iterator(m_root.Path())) {
     EXPECT_EQ(ModeOf(entry.path().filename().c_str()), 0600U);
   }
-  EXPECT_EQ(opened.replacement->Publish(Durability::kNow), FileError::kNone);
+  EXPECT_TRUE((*opened)->Publish(Durability::kNow));
   EXPECT_EQ(ModeOf("f"), 0600U);
 }
 
 TEST_P(PosixReplacements, TheUmaskTakesNoRightFromTheOwner) {
   const mode_t before = ::umask(0777);
-  EXPECT_EQ(Publish("f", "abc"), FileError::kNone);
+  EXPECT_TRUE(Publish("f", "abc"));
   ::umask(before);
   EXPECT_EQ(ModeOf("f"), 0600U);
 }
 
 TEST_P(PosixReplacements, AFileOfTheUsersKeepsItsPermissions) {
-  ASSERT_EQ(WriteWhole(m_files, u"\\f", "old"), FileError::kNone);
+  ASSERT_TRUE(WriteWhole(m_files, u"\\f", "old"));
   ASSERT_EQ(::chmod((m_root.Path() / "f").c_str(), 0664), 0);
-  EXPECT_EQ(Publish("f", "new"), FileError::kNone);
+  EXPECT_TRUE(Publish("f", "new"));
   EXPECT_EQ(ModeOf("f"), 0664U);
-  EXPECT_EQ(Publish("f", "new", posix::Others::kLoseRights), FileError::kNone);
+  EXPECT_TRUE(Publish("f", "new", posix::Others::kLoseRights));
   EXPECT_EQ(ModeOf("f"), 0600U);
 }
 
@@ -152,9 +154,9 @@ TEST_P(PosixReplacements, AnAdministratorLeavesTheFileToItsOwner) {
   }
   constexpr uid_t kOwner = 1234;
   constexpr gid_t kGroup = 4321;
-  ASSERT_EQ(WriteWhole(m_files, u"\\f", "old"), FileError::kNone);
+  ASSERT_TRUE(WriteWhole(m_files, u"\\f", "old"));
   ASSERT_EQ(::chown((m_root.Path() / "f").c_str(), kOwner, kGroup), 0);
-  ASSERT_EQ(Publish("f", "new"), FileError::kNone);
+  ASSERT_TRUE(Publish("f", "new"));
   struct stat status {};
   ASSERT_EQ(::stat((m_root.Path() / "f").c_str(), &status), 0);
   EXPECT_EQ(status.st_uid, kOwner);
@@ -165,34 +167,34 @@ TEST_P(PosixReplacements, AFolderWhoseNamesAreForbiddenIsLeftAsItWas) {
   if (::geteuid() != 0) {
     GTEST_SKIP() << "the files of another user are needed";
   }
-  ASSERT_EQ(WriteWhole(m_files, u"\\f", "old"), FileError::kNone);
+  ASSERT_TRUE(WriteWhole(m_files, u"\\f", "old"));
   fs::permissions(m_root.Path(), fs::perms(0755));
-  const int error =
-      posix_test::RunAsOrdinaryUser([&] { return static_cast<int>(Publish("f", "new")); });
-  EXPECT_EQ(error, static_cast<int>(FileError::kAccessDenied));
+  const int step = posix_test::RunAsOrdinaryUser(
+      [&] { return support::ErrorOf(Publish("f", "new")) == FileError::kAccessDenied ? 0 : 1; });
+  EXPECT_EQ(step, 0);
   EXPECT_EQ(ReadWhole(m_files, u"\\f"), "old");
 }
 
 TEST_P(PosixReplacements, AFileOfAnotherNameKeepsWhatItWas) {
-  ASSERT_EQ(WriteWhole(m_files, u"\\f", "old"), FileError::kNone);
+  ASSERT_TRUE(WriteWhole(m_files, u"\\f", "old"));
   fs::create_hard_link(m_root.Path() / "f", m_root.Path() / "same");
-  EXPECT_EQ(Publish("f", "new"), FileError::kNone);
+  EXPECT_TRUE(Publish("f", "new"));
   EXPECT_EQ(ReadWhole(m_files, u"\\f"), "new");
   EXPECT_EQ(ReadWhole(m_files, u"\\same"), "old");
 }
 
 TEST_P(PosixReplacements, ThePathOfTheLongestNameIsReplaced) {
   const std::string longest(255, 'x');
-  EXPECT_EQ(Publish(longest, "one"), FileError::kNone);
-  EXPECT_EQ(Publish(longest, "two"), FileError::kNone);
+  EXPECT_TRUE(Publish(longest, "one"));
+  EXPECT_TRUE(Publish(longest, "two"));
   EXPECT_EQ(ReadWhole(m_files, u"\\" + std::u16string(255, u'x')), "two");
-  EXPECT_EQ(Open(std::string(256, 'x')).error, FileError::kNotFound);
+  EXPECT_EQ(support::ErrorOf(Open(std::string(256, 'x'))), FileError::kNotFound);
 }
 
 TEST_P(PosixReplacements, ADroppedFileLeavesNoName) {
   static_cast<void>(Open("f"));
   EXPECT_THAT(FindNames(m_files, u"\\*"), IsEmpty());
-  EXPECT_EQ(Publish("f", "abc"), FileError::kNone);
+  EXPECT_TRUE(Publish("f", "abc"));
   EXPECT_THAT(FindNames(m_files, u"\\*"), ElementsAre(u"f"));
 }
 

@@ -13,6 +13,7 @@
 
 #include "backends/pulse/pulse_sound.h"
 #include "tests/backends/pulse/fake_library.h"
+#include "tests/support/results.h"
 
 namespace {
 
@@ -95,8 +96,9 @@ TEST_F(ScarceLibraryMemory, AMicrophoneThatCannotBeOpenedIsNone) {
     const auto opened = pulse::PulseWaveIn().Open(kFormat);
     const std::string failed = fake_library::GetFailed();
     const bool isOpen = failed.empty() || failed == "pa_context_get_server_info";
-    EXPECT_EQ(opened.result, isOpen ? WaveResult::kOk : WaveResult::kNoDevice) << failed;
-    EXPECT_EQ(opened.device != nullptr, isOpen) << failed;
+    EXPECT_EQ(support::ErrorOf(opened),
+              isOpen ? std::nullopt : std::optional(WaveResult::kNoDevice))
+        << failed;
   });
   EXPECT_EQ(failures.size(), 5U);
   EXPECT_TRUE(failures.contains("pa_stream_new_with_proplist"));
@@ -106,16 +108,18 @@ TEST_F(ScarceLibraryMemory, ALoudspeakerThatCannotBeOpenedIsNoneAndASoundWithout
   const auto failures = FailEach([this] {
     const auto opened = pulse::PulseWaveOut().Open(kFormat);
     const std::string failed = fake_library::GetFailed();
-    EXPECT_EQ(opened.result, failed.empty() ? WaveResult::kOk : WaveResult::kNoDevice) << failed;
-    if (opened.device == nullptr) {
+    EXPECT_EQ(support::ErrorOf(opened),
+              failed.empty() ? std::nullopt : std::optional(WaveResult::kNoDevice))
+        << failed;
+    if (!opened) {
       return;
     }
     platform::WaveHeader header{.data = m_sound.data(), .bufferLength = kSoundBytes};
-    ASSERT_EQ(opened.device->Prepare(header), WaveResult::kOk);
-    ASSERT_EQ(opened.device->Write(header), WaveResult::kOk);
+    ASSERT_EQ((*opened)->Prepare(header), WaveResult::kOk);
+    ASSERT_EQ((*opened)->Write(header), WaveResult::kOk);
     const bool isHeard = fake_library::GetFailed().empty();
-    EXPECT_EQ(opened.device->Unprepare(header), isHeard ? WaveResult::kOk : WaveResult::kNoDevice);
-    EXPECT_EQ(opened.device->Reset(), WaveResult::kOk) << "with or without its own operation";
+    EXPECT_EQ((*opened)->Unprepare(header), isHeard ? WaveResult::kOk : WaveResult::kNoDevice);
+    EXPECT_EQ((*opened)->Reset(), WaveResult::kOk) << "with or without its own operation";
   });
   EXPECT_THAT(failures,
               UnorderedElementsAre("pa_threaded_mainloop_new", "pa_context_new_with_proplist",
@@ -124,14 +128,14 @@ TEST_F(ScarceLibraryMemory, ALoudspeakerThatCannotBeOpenedIsNoneAndASoundWithout
 
 TEST_F(ScarceLibraryMemory, AStopWithoutMemoryForItsOperationIsAStop) {
   const auto opened = pulse::PulseWaveOut().Open(kFormat);
-  ASSERT_EQ(opened.result, WaveResult::kOk);
+  ASSERT_TRUE(opened);
   platform::WaveHeader header{.data = m_sound.data(), .bufferLength = kSoundBytes};
-  ASSERT_EQ(opened.device->Prepare(header), WaveResult::kOk);
-  ASSERT_EQ(opened.device->Write(header), WaveResult::kOk);
+  ASSERT_EQ((*opened)->Prepare(header), WaveResult::kOk);
+  ASSERT_EQ((*opened)->Write(header), WaveResult::kOk);
   fake_library::FailAt(1);
-  EXPECT_EQ(opened.device->Reset(), WaveResult::kOk);
+  EXPECT_EQ((*opened)->Reset(), WaveResult::kOk);
   EXPECT_EQ(fake_library::GetFailed(), "pa_stream_flush");
-  EXPECT_EQ(opened.device->Write(header), WaveResult::kOk) << "the device takes the next sound";
+  EXPECT_EQ((*opened)->Write(header), WaveResult::kOk) << "the device takes the next sound";
 }
 
 TEST_F(ScarceLibraryMemory, AnAnswerThatThereIsNoMemoryForIsNoAnswer) {
@@ -144,15 +148,15 @@ TEST_F(ScarceLibraryMemory, AnAnswerThatThereIsNoMemoryForIsNoAnswer) {
 
 TEST_F(ScarceLibraryMemory, ARecordingWithoutItsMemoryIsRefusedAndTheNextOneIsTaken) {
   const auto opened = pulse::PulseWaveIn().Open(kFormat);
-  ASSERT_EQ(opened.result, WaveResult::kOk);
+  ASSERT_TRUE(opened);
   platform::WaveHeader header{.data = m_sound.data(), .bufferLength = kSoundBytes};
-  ASSERT_EQ(opened.device->Prepare(header), WaveResult::kOk);
+  ASSERT_EQ((*opened)->Prepare(header), WaveResult::kOk);
   isStarved = true;
-  const WaveResult refused = opened.device->AddBuffer(header);
+  const WaveResult refused = (*opened)->AddBuffer(header);
   isStarved = false;
   EXPECT_EQ(refused, WaveResult::kFailed);
-  EXPECT_EQ(opened.device->Start(), WaveResult::kNotPrepared) << "nothing is queued";
-  EXPECT_EQ(opened.device->AddBuffer(header), WaveResult::kOk);
+  EXPECT_EQ((*opened)->Start(), WaveResult::kNotPrepared) << "nothing is queued";
+  EXPECT_EQ((*opened)->AddBuffer(header), WaveResult::kOk);
 }
 
 }  // namespace

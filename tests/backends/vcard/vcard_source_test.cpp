@@ -25,29 +25,28 @@ class BackwardsFileSystem final : public support::ForwardingFileSystem {
  public:
   using ForwardingFileSystem::ForwardingFileSystem;
 
-  platform::StartedSearch FindFirst(std::u16string_view pattern) override {
-    platform::StartedSearch started = ForwardingFileSystem::FindFirst(pattern);
+  platform::Result<std::unique_ptr<platform::FileSearch>, platform::FileError> Find(
+      std::u16string_view pattern) override {
+    auto forwards = ForwardingFileSystem::Find(pattern);
+    if (!forwards) {
+      return forwards;
+    }
     auto search = std::make_unique<Search>();
-    for (platform::FileError error = started.error; error == platform::FileError::kNone;
-         error = started.search->Next(started.first)) {
-      search->found.push_back(started.first);
+    for (auto found = (*forwards)->Next(); found && *found; found = (*forwards)->Next()) {
+      search->found.push_back(std::move(**found));
     }
-    if (started.search) {
-      started.error = search->Next(started.first);
-      started.search = std::move(search);
-    }
-    return started;
+    return search;
   }
 
  private:
   struct Search final : platform::FileSearch {
-    platform::FileError Next(platform::FoundFile& file) override {
+    platform::Result<std::optional<platform::FoundFile>, platform::FileError> Next() override {
       if (found.empty()) {
-        return platform::FileError::kNoMoreFiles;
+        return std::nullopt;
       }
-      file = found.back();
+      platform::FoundFile file = found.back();
       found.pop_back();
-      return platform::FileError::kNone;
+      return file;
     }
     std::vector<platform::FoundFile> found;
   };
@@ -123,10 +122,10 @@ TEST_F(VcardSourceTest, AFolderNamedAsACardIsPassedOver) {
 
 TEST_F(VcardSourceTest, AFileThatAnotherProgramReadsIsReadToo) {
   Put(u"/all.vcf", Named("A"));
-  const platform::OpenedFile other =
+  const auto other =
       m_files.Open(u"/all.vcf", {platform::FileAccess::kRead, platform::FileShare::kRead,
                                  platform::FileCreation::kOpenExisting});
-  ASSERT_TRUE(other.file);
+  ASSERT_TRUE(other);
   EXPECT_EQ(Read(u"/all.vcf"), "A.");
 }
 
@@ -153,7 +152,7 @@ TEST_F(VcardSourceTest, WhatHoldsNoCardIsUnreadable) {
 }
 
 TEST_F(VcardSourceTest, AnEmptyFolderIsUnreadable) {
-  EXPECT_EQ(m_files.CreateFolder(u"/cards"), platform::FileError::kNone);
+  EXPECT_TRUE(m_files.CreateFolder(u"/cards"));
   EXPECT_EQ(Read(u"/cards"), "unreadable");
 }
 
@@ -176,9 +175,9 @@ class RefusingFileSystem final : public support::ForwardingFileSystem {
   RefusingFileSystem(platform::FileSystem& files, std::u16string path, platform::FileError error)
       : ForwardingFileSystem(files), m_path(std::move(path)), m_error(error) {}
 
-  platform::OpenedFile Open(std::u16string_view path, const platform::OpenMode& mode) override {
-    return path == m_path ? platform::OpenedFile{nullptr, m_error}
-                          : ForwardingFileSystem::Open(path, mode);
+  platform::Result<std::unique_ptr<platform::File>, platform::FileError> Open(
+      std::u16string_view path, const platform::OpenMode& mode) override {
+    return path == m_path ? platform::Failure(m_error) : ForwardingFileSystem::Open(path, mode);
   }
 
  private:
@@ -211,11 +210,12 @@ class CircleFileSystem final : public support::ForwardingFileSystem {
   CircleFileSystem(platform::FileSystem& files, std::u16string link)
       : ForwardingFileSystem(files), m_link(std::move(link)) {}
 
-  platform::OpenedFile Open(std::u16string_view path, const platform::OpenMode& mode) override {
+  platform::Result<std::unique_ptr<platform::File>, platform::FileError> Open(
+      std::u16string_view path, const platform::OpenMode& mode) override {
     const bool follows = mode.access == platform::FileAccess::kRead;
     return path != m_link ? ForwardingFileSystem::Open(path, mode)
-                          : platform::OpenedFile{nullptr, follows ? platform::FileError::kOther
-                                                                  : platform::FileError::kLink};
+                          : platform::Failure(follows ? platform::FileError::kOther
+                                                      : platform::FileError::kLink);
   }
 
  private:
@@ -329,8 +329,8 @@ TEST_F(VcardSourceTest, ReadsEachFileOnceFromItsStartToItsEnd) {
   counting.FailCall(100'000, support::Failing::kOnce);
   std::vector<Book> books;
   ASSERT_EQ(VcardSource(counting, u"/all.vcf").Read(books), ReadResult::kRead);
-  // One search, one opening, and a read for each 64 KiB begun.
-  EXPECT_LE(counting.CountCalls(), 2 + cards.size() / 65536 + 1);
+  // One search and its name, one opening, and a read for each 64 KiB begun.
+  EXPECT_LE(counting.CountCalls(), 3 + cards.size() / 65536 + 1);
   EXPECT_EQ(m_files.CountOpenHandles(), 0U);
 }
 

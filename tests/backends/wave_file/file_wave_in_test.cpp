@@ -12,6 +12,7 @@
 
 #include "tests/machine/memory_file_system.h"
 #include "tests/support/failing_file_system.h"
+#include "tests/support/results.h"
 #include "tests/support/riff.h"
 
 namespace {
@@ -40,8 +41,8 @@ class FileWaveIn : public testing::Test {
 
   [[nodiscard]] std::unique_ptr<WaveInDevice> Open() {
     auto opened = m_waveIn.Open(kMono);
-    EXPECT_EQ(opened.result, WaveResult::kOk);
-    return std::move(opened.device);
+    EXPECT_TRUE(opened);
+    return std::move(*opened);
   }
 
   /// A whole recording of `length` bytes from an open device.
@@ -62,13 +63,13 @@ class FileWaveIn : public testing::Test {
 
 TEST_F(FileWaveIn, FileThatIsNotThereIsNoDevice) {
   EXPECT_EQ(m_waveIn.GetDeviceCount(), 0U);
-  EXPECT_EQ(m_waveIn.Open(kMono).result, WaveResult::kNoDevice);
+  EXPECT_EQ(support::ErrorOf(m_waveIn.Open(kMono)), WaveResult::kNoDevice);
 }
 
 TEST_F(FileWaveIn, FileThatCanBeOpenedIsOneDeviceWhateverItHolds) {
   ASSERT_TRUE(m_files.PutFile(kPath, {}));
   EXPECT_EQ(m_waveIn.GetDeviceCount(), 1U);
-  EXPECT_EQ(m_waveIn.Open(kMono).result, WaveResult::kBadFormat);
+  EXPECT_EQ(support::ErrorOf(m_waveIn.Open(kMono)), WaveResult::kBadFormat);
 }
 
 TEST_F(FileWaveIn, NoHandleStaysOpenAfterCountingAndFailing) {
@@ -142,8 +143,7 @@ TEST_F(FileWaveIn, FormatMustBeTheOneAskedForInEveryField) {
   const auto refuses = [this](auto change) {
     auto format = kMono;
     change(format);
-    const auto opened = m_waveIn.Open(format);
-    return opened.result == WaveResult::kBadFormat && opened.device == nullptr;
+    return support::ErrorOf(m_waveIn.Open(format)) == WaveResult::kBadFormat;
   };
   EXPECT_TRUE(refuses([](auto& format) { format.channels = 2; }));
   EXPECT_TRUE(refuses([](auto& format) { format.samplesPerSecond = 8000; }));
@@ -172,12 +172,11 @@ TEST_F(FileWaveIn, WhicheverCallToTheFileFailsTheRecordingIsTheSoundOrNothing) {
     std::vector<std::byte> memory(100);
     WaveHeader header{.data = memory.data(), .bufferLength = 100};
     const auto opened = waveIn.Open(kMono);
-    EXPECT_EQ(opened.device == nullptr, opened.result != WaveResult::kOk);
-    if (opened.device) {
-      EXPECT_EQ(opened.device->Prepare(header), WaveResult::kOk);
-      EXPECT_EQ(opened.device->AddBuffer(header), WaveResult::kOk);
-      EXPECT_EQ(opened.device->Start(), WaveResult::kOk);
-      const auto result = opened.device->Unprepare(header);
+    if (opened) {
+      EXPECT_EQ((*opened)->Prepare(header), WaveResult::kOk);
+      EXPECT_EQ((*opened)->AddBuffer(header), WaveResult::kOk);
+      EXPECT_EQ((*opened)->Start(), WaveResult::kOk);
+      const auto result = (*opened)->Unprepare(header);
       hasFailed = failing.HasFailed();
       EXPECT_EQ(result, hasFailed ? WaveResult::kNoDevice : WaveResult::kOk);
       EXPECT_EQ(header.bytesRecorded, hasFailed ? 0U : 100U);

@@ -11,6 +11,7 @@
 
 #include "tests/machine/memory_file_system.h"
 #include "tests/support/failing_file_system.h"
+#include "tests/support/results.h"
 #include "tests/support/riff.h"
 
 namespace {
@@ -35,8 +36,8 @@ class FileWaveOut : public testing::Test {
  protected:
   [[nodiscard]] std::unique_ptr<WaveOutDevice> Open(const WaveFormat& format = kMono) {
     auto opened = m_waveOut.Open(format);
-    EXPECT_EQ(opened.result, WaveResult::kOk);
-    return std::move(opened.device);
+    EXPECT_TRUE(opened);
+    return std::move(*opened);
   }
 
   [[nodiscard]] static WaveResult Write(WaveOutDevice& device, std::vector<std::byte> sound) {
@@ -55,7 +56,7 @@ class FileWaveOut : public testing::Test {
   /// All of a session with a speaker; whether it went well.
   [[nodiscard]] bool PlayOnce(const std::vector<std::byte>& sound) {
     const auto opened = m_waveOut.Open(kMono);
-    return opened.device && Write(*opened.device, sound) == WaveResult::kOk;
+    return opened && Write(**opened, sound) == WaveResult::kOk;
   }
 
   machine::MemoryFileSystem m_memory;
@@ -106,12 +107,12 @@ TEST_F(FileWaveOut, TakesNoFileOfTheUsersWhateverItsName) {
 
 TEST_F(FileWaveOut, PlaceThatCannotBeWrittenIsNoDevice) {
   wave_file::FileWaveOut nowhere{m_files, u"/missing/heard.wav"};
-  EXPECT_EQ(nowhere.Open(kMono).result, WaveResult::kNoDevice);
+  EXPECT_EQ(support::ErrorOf(nowhere.Open(kMono)), WaveResult::kNoDevice);
 }
 
 TEST_F(FileWaveOut, SecondDeviceWaitsItsTurn) {
   auto device = Open();
-  EXPECT_EQ(m_waveOut.Open(kMono).result, WaveResult::kNoDevice);
+  EXPECT_EQ(support::ErrorOf(m_waveOut.Open(kMono)), WaveResult::kNoDevice);
   EXPECT_EQ(Write(*device, Ramp(100)), WaveResult::kOk);
   ExpectFile(support::RiffWave(kMono, Ramp(100)));
 }

@@ -27,11 +27,11 @@ std::optional<WaveFileLayout> Read(const RiffBytes& bytes) {
   machine::MemoryFileSystem files;
   EXPECT_TRUE(files.PutFile(u"/a.wav", bytes));
   const auto opened = files.Open(u"/a.wav", {});
-  if (!opened.file) {
+  if (!opened) {
     ADD_FAILURE() << "The file of the test does not open.";
     return std::nullopt;
   }
-  return wave_file::ReadWaveFileLayout(*opened.file);
+  return wave_file::ReadWaveFileLayout(**opened);
 }
 
 void ExpectData(const std::optional<WaveFileLayout>& layout, std::uint64_t offset,

@@ -252,7 +252,7 @@ TEST_F(CheckCommand, ReadsRecordingsThatOthersReadAndThatTakeNoWrites) {
   posix::PosixFileSystem files(Wide(Path("root")));
   const auto reader = files.Open(storage::WavePath(u"200"),
                                  {platform::FileAccess::kRead, platform::FileShare::kRead, {}});
-  ASSERT_NE(reader.file, nullptr);
+  ASSERT_TRUE(reader);
   EXPECT_EQ(Check({}, 0), Lines());
   fs::remove(Template("100"));
   EXPECT_EQ(Check({"--repair"}, 0), Lines{"no-template 100!"});

@@ -23,11 +23,11 @@ class TagsDeleteCommands : public TagsFixture {
   [[nodiscard]] std::unique_ptr<platform::File> HoldWave(const std::string& tag) const {
     posix::PosixFileSystem files(Wide(Path("root")));
     // As a companion reads it.
-    platform::OpenedFile opened = files.Open(
-        storage::WavePath(Wide(tag)), {platform::FileAccess::kRead, platform::FileShare::kRead,
-                                       platform::FileCreation::kOpenExisting});
-    EXPECT_TRUE(opened.file);
-    return std::move(opened.file);
+    auto opened = files.Open(storage::WavePath(Wide(tag)),
+                             {platform::FileAccess::kRead, platform::FileShare::kRead,
+                              platform::FileCreation::kOpenExisting});
+    EXPECT_TRUE(opened);
+    return std::move(*opened);
   }
   [[nodiscard]] support::ProgramRun Answer(const std::string& typed,
                                            std::vector<std::string> arguments) const {

@@ -71,8 +71,7 @@ TEST_F(Backends, AUserWithoutAHomeHasNoRoot) {
     machine::Backends backends(m_options);
     EXPECT_FALSE(backends.HasRoot()) << home.value_or("unset");
     backends.MakeRoot();
-    EXPECT_NE(backends.GetFiles().CreateFolder(storage::kProgramFilesFolder),
-              platform::FileError::kNone);
+    EXPECT_FALSE(backends.GetFiles().CreateFolder(storage::kProgramFilesFolder));
     EXPECT_FALSE(backends.GetRegistry().CreateKey(u"Software\\Zedra\\Zedra Voxtrel").key);
   }
 }
@@ -102,8 +101,7 @@ TEST_F(Backends, FilesAndSettingsLieBelowTheRoot) {
   m_options.root = (m_folder.Path() / "root").string();
   machine::Backends backends(m_options);
   backends.MakeRoot();
-  ASSERT_EQ(backends.GetFiles().CreateFolder(storage::kProgramFilesFolder),
-            platform::FileError::kNone);
+  ASSERT_TRUE(backends.GetFiles().CreateFolder(storage::kProgramFilesFolder));
   EXPECT_TRUE(std::filesystem::is_directory(m_folder.Path() / "root/Program Files"));
   EXPECT_EQ(backends.ToHostPath(storage::kProgramFilesFolder), m_options.root + "/Program Files");
   ASSERT_TRUE(backends.GetRegistry().OpenKey(storage::kSetupKey).key);
