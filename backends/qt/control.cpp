@@ -97,6 +97,7 @@ bool IsCheckBox(const Control& control) {
   return control.description.kind == resources::ControlKind::kCheckBox;
 }
 
+// The letters shrink pixel by pixel until the text fits or the limit is reached.
 int FittingLetters(const Control& control) {
   QFont font = GivenFont(*control.button);
   const QString text = ToQString(control.text);

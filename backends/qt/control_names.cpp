@@ -50,6 +50,10 @@ void MakeSpokenLabel(Control& control) {
 
 }  // namespace
 
+// A template lists the controls in their order on the dialog, so a label stands right before the
+// control that it names. The functions below go through the controls once and remember the one
+// before.
+
 void TieLabels(std::list<Control>& controls) {
   const Control* before = nullptr;
   for (Control& control : controls) {
@@ -74,6 +78,7 @@ void NameControls(std::list<Control>& controls, const QString& caption) {
       QString name = ToQString(control.description.kind == ControlKind::kPicture
                                    ? std::u16string_view(control.text)
                                    : std::u16string_view());
+      // The template's word comes first, then the label or the frame before it, then the dialog.
       if (const Control* namer = FindById(controls, control.description.namedBy)) {
         name = GetShownText(*namer);
       } else if (name.isEmpty() && before != nullptr) {
@@ -91,6 +96,7 @@ void NameControls(std::list<Control>& controls, const QString& caption) {
   }
 }
 
+// The size of the letters comes first: a mnemonic is shown only in a text that fits.
 void ShowButtons(std::list<Control>& controls) {
   const std::vector<Control*> buttons = GiveOneSize(controls, IsPushButton);
   std::vector<QString> texts;

@@ -26,6 +26,7 @@ namespace {
   }
 }
 
+/// Watches the keys of one control, before the control itself gets them.
 class KeyWatcher final : public QObject {
  public:
   KeyWatcher(QWidget& control, int id, DialogSurface::PressKey press)
@@ -65,6 +66,7 @@ void DialogSurface::WatchKeys(QWidget& control, int id, const PressKey& press) {
   control.installEventFilter(new KeyWatcher(control, id, press));
 }
 
+// The painter works in desktop pixels and the canvas in pixels of the device. The canvas converts.
 void DialogSurface::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
   QtCanvas canvas(painter, m_client, m_pictures);

@@ -130,6 +130,8 @@ void QtSheet::Init() {
   });
 }
 
+// A page is set up when it is first shown and stays until the sheet closes. Setting it up can show
+// message boxes, so its controls are in the order of Tab before.
 void QtSheet::ShowPage(std::size_t page) {
   if (!m_shown[page]) {
     QWidget* place = m_tabs->widget(static_cast<int>(page));
@@ -146,11 +148,13 @@ void QtSheet::ShowPage(std::size_t page) {
   ChooseDefaultButton(page);
 }
 
+// Enter presses the default button of the page, or OK if the page has none.
 void QtSheet::ChooseDefaultButton(std::size_t page) {
   QPushButton* ofPage = m_shown[page]->GetDefaultButton();
   (ofPage == nullptr ? m_okButton : ofPage)->setDefault(true);
 }
 
+// Tab goes through the controls of the page, then to OK, then to the tabs.
 void QtSheet::OrderTabs() {
   std::vector<QWidget*> chain;
   for (const auto& page : m_shown) {
@@ -166,6 +170,8 @@ void QtSheet::OrderTabs() {
   }
 }
 
+// While a page waits, neither OK nor the close box may close the sheet: the page is in the middle
+// of its work. The gate drops the clicks, but a program can still ask for them.
 void QtSheet::OnOk() {
   if (m_thread.IsWaiting() || IsOver()) {
     return;
@@ -185,6 +191,7 @@ void QtSheet::OnCloseBox() {
   }
 }
 
+// The page that is shown is asked first. The sheet's own help follows if the page has none.
 void QtSheet::OnHelpKey() {
   const auto page = static_cast<std::size_t>(std::max(0, m_tabs->currentIndex()));
   if (page >= m_shown.size() || !m_shown[page] || !m_shown[page]->AskForHelp()) {

@@ -11,6 +11,8 @@ Frame::Frame(QWidget* parent) : QDialog(parent) {
   setWindowFlag(Qt::WindowContextHelpButtonHint, false);
 }
 
+// QDialog::exec is not used: a dialog may be over before it is shown, and only its handler may end
+// it.
 void Frame::Run() {
   if (m_isOver) {
     return;
@@ -36,6 +38,7 @@ void Frame::End() {
   }
 }
 
+// Returns whether QDialog itself has a button to press on Enter.
 bool Frame::HasDefaultButton() const {
   const auto buttons = findChildren<QPushButton*>();
   return std::ranges::any_of(buttons, [](const QPushButton* button) {

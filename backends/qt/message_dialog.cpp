@@ -60,6 +60,9 @@ MessageDialog::MessageDialog(const platform::MessageBox& box, const QString& cap
   setAccessibleDescription(ToQString(box.text));
 }
 
+// The text is a QTextEdit and no QLabel: a label neither wraps within words nor scrolls, and it
+// would take a text that looks like HTML for HTML.
+
 QWidget* MessageDialog::MakeBody(const platform::MessageBox& box) {
   auto* body = new QWidget(this);
   auto* layout = new QHBoxLayout(body);
@@ -91,6 +94,7 @@ QWidget* MessageDialog::MakeBody(const platform::MessageBox& box) {
   return body;
 }
 
+// Makes the box as narrow as its text allows, within limits, and as high as the text is then.
 void MessageDialog::FitText() {
   // The text is measured in a document of its own, because the editor fits its document to its
   // current width.
@@ -176,6 +180,7 @@ void MessageDialog::showEvent(QShowEvent* event) {
     raise();
     activateWindow();
   }
+  // Screen readers read an alert aloud at once.
   QAccessibleEvent alert(this, QAccessible::Alert);
   QAccessible::updateAccessibility(&alert);
 }

@@ -26,6 +26,7 @@ void Pictures::Draw(QPainter& painter, const QPointF& at, int picture) {
   }
 }
 
+// A picture that cannot be read is kept as an empty one, so it is tried once only.
 Pictures::Picture& Pictures::Find(int picture) {
   const auto [place, isNew] = m_pictures.try_emplace(picture);
   Picture& found = place->second;
@@ -70,12 +71,15 @@ namespace {
 QtCanvas::QtCanvas(QPainter& painter, const platform::Rect& client, Pictures& pictures)
     : m_painter(painter), m_client(client), m_pictures(pictures) {}
 
+// Returns the place of a pixel of the device in desktop pixels, moved to the nearest whole pixel of
+// the screen. The screen's pixels are finer than the desktop's if the desktop is scaled.
 double QtCanvas::Snap(double device) const {
   const double ratio = m_painter.device()->devicePixelRatioF();
   return std::round(device * kScale * ratio) / ratio;
 }
 
 void QtCanvas::DrawLine(platform::Point from, platform::Point to, platform::Color color) {
+  // A slanted line has no whole pixels to lie on. It is smoothed instead.
   if (from.x != to.x && from.y != to.y) {
     m_painter.save();
     m_painter.setRenderHint(QPainter::Antialiasing);

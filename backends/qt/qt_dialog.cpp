@@ -56,6 +56,8 @@ void QtDialog::MakeControls(Pictures& pictures) {
   NameControls(m_controls, ToQString(m_template.caption));
 }
 
+// Each painted link gets an area that takes the focus. A click on it by the keyboard becomes a
+// press of the mouse at the link's middle, so the page has one way to follow a link.
 void QtDialog::MakeLinks() {
   for (const platform::PaintedLink& link : m_handler.GetLinks()) {
     const platform::Rect& area = link.area;
@@ -68,6 +70,7 @@ void QtDialog::MakeLinks() {
   }
 }
 
+// A label may grow to the right up to the next visible control on its height, or to the edge.
 void QtDialog::GiveLabelsRoom() {
   for (Control& label : m_controls) {
     if (label.label == nullptr) {
@@ -124,6 +127,7 @@ void QtDialog::Call(const std::function<void()>& call) {
   }
 }
 
+// The names of controls follow their texts and choices, so they are renewed before the page works.
 void QtDialog::TellUsersCommand(int id, CommandEvent event) {
   Rename();
   if (m_thread.IsWaiting() || m_callDepth > 0) {
@@ -166,6 +170,7 @@ void QtDialog::DeliverPosted() {
   }
 }
 
+// The dialog may be gone when a call from another thread arrives. A weak pointer shows that.
 void QtDialog::CallHere(const std::function<void(QtDialog&)>& call) {
   if (m_thread.IsCurrent()) {
     call(*this);

@@ -56,6 +56,7 @@ void WindowStack::Tidy() {
   std::erase_if(m_boxes, [](const auto& box) { return box->IsOver(); });
 }
 
+// The transient parent of a native window is the window that it stays above.
 void WindowStack::PutBoxesAbove(QWidget* window) {
   for (const auto& box : m_boxes) {
     if (!box->IsOver()) {
@@ -89,6 +90,9 @@ MessageAnswer QtUi::ShowMessage(const MessageBox& box) {
   RunModal(dialog);
   return dialog.GetAnswer();
 }
+
+// The box of a worker thread. The worker blocks on the answer's future. The user-interface thread
+// makes the box, shows it next to its windows, and goes on; the box's listener delivers the answer.
 
 MessageAnswer QtUi::AskOnUiThread(const MessageBox& box) {
   // Shared, because this thread may be gone before set_value has returned.
@@ -136,6 +140,7 @@ void QtUi::SetCursor(Cursor cursor) {
   ShowCursor();
 }
 
+// The library keeps a stack of cursors. This shows at most one of them, whatever is asked for.
 void QtUi::ShowCursor() {
   const bool isWaitWanted = m_cursor == Cursor::kWait;
   if (isWaitWanted == m_isWaitShown) {

@@ -23,6 +23,8 @@ namespace {
   return place == 0 || !text.at(place - 1).isLetter();
 }
 
+/// Returns the place of the first initial that is free, else of the first other letter that is
+/// free.
 [[nodiscard]] std::optional<qsizetype> Choose(const QString& text, const std::set<QChar>& taken) {
   std::optional<qsizetype> other;
   for (qsizetype place = 0; place < text.size(); ++place) {

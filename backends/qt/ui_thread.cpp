@@ -96,6 +96,7 @@ void InputGate::Open() {
   }
 }
 
+// The filter sits on the application and sees every event before its receiver does.
 bool InputGate::eventFilter(QObject* watched, QEvent* event) {
   if (!IsInput(event->type()) || IsBookkeeping(watched, event->type()) ||
       IsOfMessageBox(FindWidget(watched))) {
@@ -139,6 +140,8 @@ void UiThread::Await(const std::function<void()>& blocking) {
   }
 }
 
+// The helper thread posts a Quit event when `blocking` has returned. An event that was posted
+// before the loop began is not lost, so it does not matter who is first.
 void UiThread::ServeUntilDone(const std::function<void()>& blocking) {
   QEventLoop loop;
   std::atomic<bool> isDone = false;
