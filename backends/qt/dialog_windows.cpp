@@ -171,7 +171,7 @@ void QtSheet::OrderTabs() {
 }
 
 // While a page waits, neither OK nor the close box may close the sheet: the page is in the middle
-// of its work. The gate drops the clicks, but a program can still ask for them.
+// of its work. The gate drops clicks, but a screen reader presses the button without one.
 void QtSheet::OnOk() {
   if (m_thread.IsWaiting() || IsOver()) {
     return;

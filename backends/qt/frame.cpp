@@ -11,8 +11,8 @@ Frame::Frame(QWidget* parent) : QDialog(parent) {
   setWindowFlag(Qt::WindowContextHelpButtonHint, false);
 }
 
-// QDialog::exec is not used: a dialog may be over before it is shown, and only its handler may end
-// it.
+// This is not QDialog::exec, which would show a window that is over already, and would return if
+// the application has to quit.
 void Frame::Run() {
   if (m_isOver) {
     return;
