@@ -11,9 +11,9 @@ namespace framework {
 CArchive::CArchive(CFile& file, Mode mode, std::size_t bufferSize)
     : m_file(file), m_mode(mode), m_buffer(std::max<std::size_t>(bufferSize, 1)) {}
 
-void CArchive::Fail(ArchiveStatus status) {
-  if (m_status == ArchiveStatus::kGood) {
-    m_status = status;
+void CArchive::Fail(ArchiveError error) {
+  if (m_status) {
+    m_status = platform::Failure(error);
   }
 }
 
@@ -55,16 +55,16 @@ CArchive& CArchive::operator>>(float& value) {
 }
 
 std::uint64_t CArchive::GetRemaining() {
-  if (IsStoring() || m_status != ArchiveStatus::kGood) {
+  if (IsStoring() || !m_status) {
     return 0;
   }
   const auto length = m_file.GetLength();
   if (!length) {
-    Fail(ArchiveStatus::kFileFailure);
+    Fail(ArchiveError::kFileFailure);
     return 0;
   }
-  const std::uint64_t behind = *length > m_fromFile ? *length - m_fromFile : 0;
-  return behind + (m_end - m_begin);
+  const std::uint64_t unread = *length > m_fromFile ? *length - m_fromFile : 0;
+  return unread + (m_end - m_begin);
 }
 
 ArchiveStatus CArchive::Close() {
@@ -74,11 +74,14 @@ ArchiveStatus CArchive::Close() {
   return m_status;
 }
 
+// One buffer serves both directions. A storing archive fills it up to m_end and writes it when it
+// is full. A loading one reads the file ahead into it, and m_begin follows what was taken out.
+
 void CArchive::Write(std::span<const std::byte> bytes) {
   if (!IsStoring()) {
-    Fail(ArchiveStatus::kBadFormat);
+    Fail(ArchiveError::kBadFormat);
   }
-  while (!bytes.empty() && m_status == ArchiveStatus::kGood) {
+  while (!bytes.empty() && m_status) {
     const std::size_t count = std::min(bytes.size(), m_buffer.size() - m_end);
     std::copy_n(bytes.begin(), count, m_buffer.begin() + static_cast<std::ptrdiff_t>(m_end));
     m_end += count;
@@ -92,9 +95,9 @@ void CArchive::Write(std::span<const std::byte> bytes) {
 void CArchive::Read(std::span<std::byte> into) {
   std::fill(into.begin(), into.end(), std::byte{});
   if (IsStoring()) {
-    Fail(ArchiveStatus::kBadFormat);
+    Fail(ArchiveError::kBadFormat);
   }
-  while (!into.empty() && m_status == ArchiveStatus::kGood && (m_begin < m_end || FillBuffer())) {
+  while (!into.empty() && m_status && (m_begin < m_end || FillBuffer())) {
     const std::size_t count = std::min(into.size(), m_end - m_begin);
     std::copy_n(m_buffer.begin() + static_cast<std::ptrdiff_t>(m_begin), count, into.begin());
     m_begin += count;
@@ -103,9 +106,8 @@ void CArchive::Read(std::span<std::byte> into) {
 }
 
 void CArchive::FlushBuffer() {
-  if (m_status == ArchiveStatus::kGood && m_end > 0 &&
-      !m_file.Write(std::span(m_buffer).first(m_end))) {
-    Fail(ArchiveStatus::kFileFailure);
+  if (m_status && m_end > 0 && !m_file.Write(std::span(m_buffer).first(m_end))) {
+    Fail(ArchiveError::kFileFailure);
   }
   m_end = 0;
 }
@@ -113,7 +115,7 @@ void CArchive::FlushBuffer() {
 bool CArchive::FillBuffer() {
   const auto count = m_file.Read(m_buffer);
   if (!count || *count == 0) {
-    Fail(count ? ArchiveStatus::kEndOfFile : ArchiveStatus::kFileFailure);
+    Fail(count ? ArchiveError::kEndOfFile : ArchiveError::kFileFailure);
     return false;
   }
   m_begin = 0;

@@ -9,19 +9,22 @@
 
 namespace framework {
 
-enum class ArchiveStatus : std::uint8_t {
-  kGood,
-  kEndOfFile,    ///< The file holds less than was to be read.
+enum class ArchiveError : std::uint8_t {
+  kEndOfFile,    ///< The file holds fewer bytes than the object needs.
   kFileFailure,  ///< The file refused a read or a write.
-  kBadFormat,    ///< What was read contradicts itself, or what was to be written does.
+  kBadFormat,    ///< The object contradicts itself, or the archive was used the wrong way round.
 };
 
-/// A buffered byte stream to or from a file, in the style of the framework but without object
-/// headers: exactly the bytes that are written. All numbers are little-endian.
+using ArchiveStatus = platform::Result<void, ArchiveError>;
+
+/// A buffered stream of bytes to or from a file. It is in the style of the framework but has no
+/// object headers: the file holds exactly the bytes that are written. All numbers are
+/// little-endian.
 ///
-/// The first failure stays in the status; later reads give zeros and later writes do nothing. A
-/// storing archive hands its last bytes to the file in Close; without Close they are dropped. The
-/// file must outlive the archive and is not closed by it.
+/// The first failure stays in the status. After it, reads return zeros and writes do nothing, so a
+/// caller can read or write a whole object and ask once. A storing archive gives its last bytes to
+/// the file in Close; without Close they are dropped. The file must outlive the archive, which does
+/// not close it.
 class CArchive {
  public:
   enum class Mode : std::uint8_t { kLoad, kStore };
@@ -34,10 +37,10 @@ class CArchive {
   ~CArchive() = default;
 
   [[nodiscard]] bool IsStoring() const { return m_mode == Mode::kStore; }
-  [[nodiscard]] ArchiveStatus GetStatus() const { return m_status; }
+  [[nodiscard]] const ArchiveStatus& GetStatus() const { return m_status; }
 
-  /// Marks the archive as failed; the first failure stays.
-  void Fail(ArchiveStatus status);
+  /// Marks the archive as failed. Does nothing if it has failed before.
+  void Fail(ArchiveError error);
 
   CArchive& operator<<(std::uint16_t value);
   CArchive& operator<<(std::uint32_t value);
@@ -46,10 +49,11 @@ class CArchive {
   CArchive& operator>>(std::uint32_t& value);
   CArchive& operator>>(float& value);
 
-  /// Number of bytes that a loading archive can still read; 0 once it has failed.
+  /// Returns how many bytes a loading archive can still read. Returns 0 if the archive has failed.
   [[nodiscard]] std::uint64_t GetRemaining();
 
-  ArchiveStatus Close();
+  /// Writes what is still in the buffer, and returns the status.
+  [[nodiscard]] ArchiveStatus Close();
 
  private:
   void Write(std::span<const std::byte> bytes);
@@ -59,9 +63,9 @@ class CArchive {
 
   CFile& m_file;
   Mode m_mode;
-  ArchiveStatus m_status = ArchiveStatus::kGood;
+  ArchiveStatus m_status;
   std::vector<std::byte> m_buffer;
-  std::size_t m_begin = 0;       ///< Loading: first byte of the buffer not yet handed out.
+  std::size_t m_begin = 0;       ///< Loading: the first byte of the buffer that was not read yet.
   std::size_t m_end = 0;         ///< End of the bytes in the buffer.
   std::uint64_t m_fromFile = 0;  ///< Loading: bytes taken from the file so far.
 };

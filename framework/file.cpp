@@ -4,12 +4,27 @@
 
 namespace framework {
 
+using platform::Failure;
+using platform::File;
 using platform::FileAccess;
 using platform::FileCreation;
 using platform::FileError;
 using platform::FileShare;
+using platform::Result;
 
-bool CFile::Open(std::u16string_view path, unsigned flags) {
+template <typename Operation>
+std::invoke_result_t<Operation, File&> CFile::Do(Operation operation) {
+  if (m_file == nullptr) {
+    return Failure(FileError::kClosed);
+  }
+  auto result = operation(*m_file);
+  if (!result) {
+    m_error = result.error();
+  }
+  return result;
+}
+
+CFile::Done CFile::Open(std::u16string_view path, unsigned flags) {
   Close();
   platform::OpenMode mode{FileAccess::kRead, FileShare::kRead, FileCreation::kOpenExisting};
   if ((flags & (modeWrite | modeReadWrite)) != 0) {
@@ -22,55 +37,53 @@ bool CFile::Open(std::u16string_view path, unsigned flags) {
   auto opened = m_files.Open(path, mode);
   if (!opened) {
     m_error = opened.error();
-    return false;
+    return Failure(opened.error());
   }
   m_owned = std::move(*opened);
   m_file = m_owned.get();
   m_path = path;
-  return true;
+  return {};
 }
 
-void CFile::Attach(platform::File& file) {
+void CFile::Attach(File& file) {
   Close();
   m_file = &file;
 }
 
-std::optional<std::uint64_t> CFile::GetLength() {
-  const auto length = m_file ? m_file->GetLength() : platform::Failure(FileError::kClosed);
-  return length ? std::optional(*length) : std::nullopt;
+Result<std::uint64_t, FileError> CFile::GetLength() {
+  return Do([](File& file) { return file.GetLength(); });
 }
 
-bool CFile::Seek(std::uint64_t offset) { return m_file && IsDone(m_file->Seek(offset)); }
-
-std::optional<std::size_t> CFile::Read(std::span<std::byte> into) {
-  const auto read = m_file ? m_file->Read(into) : platform::Failure(FileError::kClosed);
-  return read ? std::optional(*read) : std::nullopt;
+CFile::Done CFile::Seek(std::uint64_t offset) {
+  return Do([&](File& file) { return file.Seek(offset); });
 }
 
-bool CFile::Write(std::span<const std::byte> bytes) {
-  return m_file && IsDone(m_file->Write(bytes));
+Result<std::size_t, FileError> CFile::Read(std::span<std::byte> into) {
+  return Do([&](File& file) { return file.Read(into); });
 }
 
-bool CFile::SetLength(std::uint64_t length) { return m_file && IsDone(m_file->SetLength(length)); }
+CFile::Done CFile::Write(std::span<const std::byte> bytes) {
+  return Do([&](File& file) { return file.Write(bytes); });
+}
 
-bool CFile::Flush() { return m_file && IsDone(m_file->Flush()); }
+CFile::Done CFile::SetLength(std::uint64_t length) {
+  return Do([&](File& file) { return file.SetLength(length); });
+}
 
-bool CFile::Close() {
-  if (!m_file) {
-    return true;
+CFile::Done CFile::Flush() {
+  return Do([](File& file) { return file.Flush(); });
+}
+
+CFile::Done CFile::Close() {
+  // An attached file belongs to another one, who closes it.
+  Done closed;
+  if (m_owned) {
+    closed = Do([](File& file) { return file.Close(); });
   }
-  const bool closed = !m_owned || IsDone(m_owned->Close());
   m_owned.reset();
   m_file = nullptr;
   m_path.clear();
   return closed;
-}
-
-bool CFile::IsDone(const platform::Result<void, FileError>& result) {
-  if (!result) {
-    m_error = result.error();
-  }
-  return result.has_value();
 }
 
 }  // namespace framework

@@ -13,11 +13,11 @@ namespace voicemath {
 
 inline constexpr std::size_t kSampleBytes = 2;
 
-/// Reads at `offset` of an open file; what lies behind the end of the file leaves the rest of
-/// `into` as it was. Number of bytes read, or nothing where the file layer failed.
-[[nodiscard]] inline std::optional<std::size_t> ReadAt(framework::CFile& file, std::uint64_t offset,
-                                                       std::span<std::byte> into) {
-  return file.Seek(offset) ? file.Read(into) : std::nullopt;
+/// Reads at `offset` of an open file. Returns the number of bytes read. If the file ends before,
+/// the rest of `into` stays as it was.
+[[nodiscard]] inline platform::Result<std::size_t, platform::FileError> ReadAt(
+    framework::CFile& file, std::uint64_t offset, std::span<std::byte> into) {
+  return file.Seek(offset).and_then([&] { return file.Read(into); });
 }
 
 /// Samples of a wave file, zeros at first. The bytes are kept as the file holds them, since a short

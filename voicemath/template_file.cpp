@@ -3,19 +3,21 @@
 namespace voicemath {
 namespace {
 
+using framework::ArchiveError;
 using framework::ArchiveStatus;
 using framework::CArchive;
 using framework::CFile;
 
-TemplateFileResult ToResult(ArchiveStatus status) {
-  switch (status) {
-    case ArchiveStatus::kGood:
-      return TemplateFileResult::kDone;
-    case ArchiveStatus::kEndOfFile:
+TemplateFileResult ToResult(const ArchiveStatus& status) {
+  if (status) {
+    return TemplateFileResult::kDone;
+  }
+  switch (status.error()) {
+    case ArchiveError::kEndOfFile:
       return TemplateFileResult::kTorn;
-    case ArchiveStatus::kBadFormat:
+    case ArchiveError::kBadFormat:
       return TemplateFileResult::kBadFormat;
-    case ArchiveStatus::kFileFailure:
+    case ArchiveError::kFileFailure:
       break;
   }
   return TemplateFileResult::kFileFailure;
@@ -39,8 +41,8 @@ TemplateFileResult WriteTemplateFile(platform::FileSystem& files, std::u16string
   CArchive archive(file, CArchive::Mode::kStore);
   object.Serialize(archive);
   const TemplateFileResult result = ToResult(archive.Close());
-  const bool flushed = file.Flush();
-  const bool closed = file.Close();
+  const CFile::Done flushed = file.Flush();
+  const CFile::Done closed = file.Close();
   if (file.GetError() == platform::FileError::kDiskFull) {
     return TemplateFileResult::kDiskFull;
   }
@@ -58,7 +60,7 @@ platform::Result<void, platform::FileError> ReplaceTemplateFile(platform::FileSy
   file.Attach((*made)->GetFile());
   CArchive archive(file, CArchive::Mode::kStore);
   object.Serialize(archive);
-  if (archive.Close() != ArchiveStatus::kGood) {
+  if (!archive.Close()) {
     return platform::Failure(file.GetError().value_or(platform::FileError::kOther));
   }
   return (*made)->Publish(platform::Durability::kNow);

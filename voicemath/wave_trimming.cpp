@@ -65,7 +65,7 @@ bool CVoiceMathematics::TrimWaveFile() {
   const std::uint32_t total = m_dataBytes / static_cast<std::uint32_t>(kSampleBytes);
   const bool differs = m_firstSample > 0 || m_lastSample < total - 1;
   if (!differs || m_firstSample >= m_lastSample) {
-    return m_file.Flush();  // Its recorder left that to whoever writes it last.
+    return m_file.Flush().has_value();  // Its recorder left that to whoever writes it last.
   }
   const std::uint32_t bytes =
       (m_lastSample - m_firstSample + 1) * static_cast<std::uint32_t>(kSampleBytes);
@@ -79,7 +79,7 @@ bool CVoiceMathematics::TrimWaveFile() {
   m_lastSample = bytes / static_cast<std::uint32_t>(kSampleBytes) - 1;
   // m_dataOffset stays, deliberately: it is 44 for the recorder's own files. For another file the
   // template begins as many samples late as the old header was longer.
-  return m_file.Open(path, framework::CFile::modeReadWrite);
+  return m_file.Open(path, framework::CFile::modeReadWrite).has_value();
 }
 
 Result<void, FileError> CVoiceMathematics::ReplaceByTrimmed(std::uint32_t bytes) {

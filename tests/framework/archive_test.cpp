@@ -7,10 +7,11 @@
 #include <vector>
 
 #include "tests/machine/memory_file_system.h"
+#include "tests/support/results.h"
 
 namespace {
 
-using framework::ArchiveStatus;
+using framework::ArchiveError;
 using framework::CArchive;
 using framework::CFile;
 
@@ -39,7 +40,7 @@ TEST_F(CArchiveTest, StoresLittleEndianBytesAndNothingElse) {
   CArchive archive(m_file, CArchive::Mode::kStore);
   EXPECT_TRUE(archive.IsStoring());
   archive << std::uint32_t{0x04030201} << std::uint16_t{0x0605} << 1.0F;
-  EXPECT_EQ(archive.Close(), ArchiveStatus::kGood);
+  EXPECT_TRUE(archive.Close());
   EXPECT_EQ(m_files.GetFile(u"/a"), Bytes({1, 2, 3, 4, 5, 6, 0, 0, 0x80, 0x3F}));
 }
 
@@ -50,7 +51,7 @@ TEST_F(CArchiveTest, HandsItsBytesToTheFileOnlyInFullBuffersAndAtTheEnd) {
   EXPECT_EQ(m_file.GetLength(), 0U);
   archive << std::uint32_t{0x06050403};
   EXPECT_EQ(m_file.GetLength(), 4U);
-  EXPECT_EQ(archive.Close(), ArchiveStatus::kGood);
+  EXPECT_TRUE(archive.Close());
   EXPECT_EQ(m_files.GetFile(u"/a"), Bytes({1, 2, 3, 4, 5, 6}));
 }
 
@@ -61,7 +62,7 @@ TEST_F(CArchiveTest, LoadsAcrossTheEdgesOfItsBuffer) {
   std::uint16_t narrow = 0;
   float number = 0.0F;
   archive >> wide >> narrow >> number;
-  EXPECT_EQ(archive.Close(), ArchiveStatus::kGood);
+  EXPECT_TRUE(archive.Close());
   EXPECT_EQ(wide, 0x04030201U);
   EXPECT_EQ(narrow, 0x0605U);
   EXPECT_EQ(number, 1.0F);
@@ -72,7 +73,7 @@ TEST_F(CArchiveTest, KeepsTheBitsOfEveryFloat) {
   const auto oddNan = std::bit_cast<float>(0xFFC12345U);
   CArchive storing(m_file, CArchive::Mode::kStore);
   storing << oddNan;
-  ASSERT_EQ(storing.Close(), ArchiveStatus::kGood);
+  ASSERT_TRUE(storing.Close());
   ASSERT_TRUE(m_file.Open(u"/a", CFile::modeRead));
   CArchive loading(m_file, CArchive::Mode::kLoad);
   float read = 0.0F;
@@ -99,7 +100,7 @@ TEST_F(CArchiveTest, AShortFileGivesZerosAndTheEndOfFileStatus) {
   EXPECT_EQ(first, 0x0201U);
   EXPECT_EQ(third, 0U);
   EXPECT_EQ(archive.GetRemaining(), 0U);
-  EXPECT_EQ(archive.Close(), ArchiveStatus::kEndOfFile);
+  EXPECT_EQ(support::ErrorOf(archive.Close()), ArchiveError::kEndOfFile);
 }
 
 TEST_F(CArchiveTest, AFullDiskIsAFileFailureThatStays) {
@@ -107,31 +108,31 @@ TEST_F(CArchiveTest, AFullDiskIsAFileFailureThatStays) {
   OpenForWriting();
   CArchive archive(m_file, CArchive::Mode::kStore, 4);
   archive << std::uint32_t{1} << std::uint32_t{2} << std::uint32_t{3};
-  EXPECT_EQ(archive.GetStatus(), ArchiveStatus::kFileFailure);
-  EXPECT_EQ(archive.Close(), ArchiveStatus::kFileFailure);
+  EXPECT_EQ(support::ErrorOf(archive.GetStatus()), ArchiveError::kFileFailure);
+  EXPECT_EQ(support::ErrorOf(archive.Close()), ArchiveError::kFileFailure);
 }
 
 TEST_F(CArchiveTest, TheFirstFailureStays) {
   OpenForReading(Bytes({1}));
   CArchive archive(m_file, CArchive::Mode::kLoad);
-  archive.Fail(ArchiveStatus::kBadFormat);
+  archive.Fail(ArchiveError::kBadFormat);
   std::uint32_t value = 7;
   archive >> value;
   EXPECT_EQ(value, 0U);
-  EXPECT_EQ(archive.Close(), ArchiveStatus::kBadFormat);
+  EXPECT_EQ(support::ErrorOf(archive.Close()), ArchiveError::kBadFormat);
 }
 
 TEST_F(CArchiveTest, RefusesToStoreIntoALoadingArchiveAndTheOtherWayRound) {
   OpenForReading(Bytes({1, 2}));
   CArchive loading(m_file, CArchive::Mode::kLoad);
   loading << std::uint16_t{5};
-  EXPECT_EQ(loading.Close(), ArchiveStatus::kBadFormat);
+  EXPECT_EQ(support::ErrorOf(loading.Close()), ArchiveError::kBadFormat);
 
   OpenForWriting();
   CArchive storing(m_file, CArchive::Mode::kStore);
   std::uint16_t value = 7;
   storing >> value;
-  EXPECT_EQ(storing.Close(), ArchiveStatus::kBadFormat);
+  EXPECT_EQ(support::ErrorOf(storing.Close()), ArchiveError::kBadFormat);
 }
 
 TEST_F(CArchiveTest, WhatIsNotClosedIsDropped) {

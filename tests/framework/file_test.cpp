@@ -7,10 +7,12 @@
 #include <vector>
 
 #include "tests/machine/memory_file_system.h"
+#include "tests/support/results.h"
 
 namespace {
 
 using framework::CFile;
+using support::ErrorOf;
 
 std::vector<std::byte> Bytes(std::initializer_list<int> values) {
   std::vector<std::byte> bytes;
@@ -70,18 +72,19 @@ TEST_F(CFileTest, OpeningAgainClosesTheEarlierFile) {
 
 TEST_F(CFileTest, EveryOperationFailsOnAFileThatIsNotOpen) {
   std::array<std::byte, 1> byte{};
-  EXPECT_EQ(m_file.GetLength(), std::nullopt);
-  EXPECT_FALSE(m_file.Seek(0));
-  EXPECT_EQ(m_file.Read(byte), std::nullopt);
-  EXPECT_FALSE(m_file.Write(byte));
-  EXPECT_FALSE(m_file.SetLength(0));
-  EXPECT_FALSE(m_file.Flush());
+  using platform::FileError;
+  EXPECT_EQ(ErrorOf(m_file.GetLength()), FileError::kClosed);
+  EXPECT_EQ(ErrorOf(m_file.Seek(0)), FileError::kClosed);
+  EXPECT_EQ(ErrorOf(m_file.Read(byte)), FileError::kClosed);
+  EXPECT_EQ(ErrorOf(m_file.Write(byte)), FileError::kClosed);
+  EXPECT_EQ(ErrorOf(m_file.SetLength(0)), FileError::kClosed);
+  EXPECT_EQ(ErrorOf(m_file.Flush()), FileError::kClosed);
   EXPECT_TRUE(m_file.Close());
 }
 
 TEST_F(CFileTest, SaysWhyTheLastOperationThatFailedDidSo) {
   EXPECT_EQ(m_file.GetError(), std::nullopt);
-  EXPECT_FALSE(m_file.Open(u"/a", CFile::modeRead));
+  EXPECT_EQ(ErrorOf(m_file.Open(u"/a", CFile::modeRead)), platform::FileError::kNotFound);
   EXPECT_EQ(m_file.GetError(), platform::FileError::kNotFound);
   ASSERT_TRUE(m_file.Open(u"/a", CFile::modeCreate | CFile::modeWrite));
   m_files.SetCapacity(2);

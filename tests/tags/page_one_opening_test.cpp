@@ -157,7 +157,7 @@ TEST_F(PageOneOpening, ThePageSerializesTheTemplateOfItsMathematics) {
   ASSERT_TRUE(file.Open(u"/a.st", framework::CFile::modeCreate | framework::CFile::modeWrite));
   framework::CArchive archive(file, framework::CArchive::Mode::kStore);
   m_page->Serialize(archive);
-  EXPECT_EQ(archive.Close(), framework::ArchiveStatus::kGood);
+  EXPECT_TRUE(archive.Close());
   EXPECT_EQ(m_machine.files.GetFile(u"/a.st"), support::Bytes(6));
 }
 
