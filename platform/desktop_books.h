@@ -4,13 +4,9 @@
 #include <string>
 #include <vector>
 
-namespace platform {
+#include "platform/result.h"
 
-enum class ReadResult : std::uint8_t {
-  kRead,
-  kNoAnswer,    ///< There is nobody to ask.
-  kUnreadable,  ///< There is something, and it cannot be read to its end.
-};
+namespace platform {
 
 /// One address book of the desktop.
 struct DesktopBook {
@@ -20,12 +16,22 @@ struct DesktopBook {
   bool isSettled = false;
 };
 
+/// Why the desktop's address books could not be read.
+struct DesktopBooksError {
+  enum class Kind : std::uint8_t {
+    kNoAnswer,    ///< There is nobody to ask.
+    kUnreadable,  ///< There is something, and it cannot be read to its end.
+  };
+  Kind kind = Kind::kUnreadable;
+  std::string reason;  ///< In the words of the program that refused. Empty: not known.
+};
+
+using DesktopBooks = Result<std::vector<DesktopBook>, DesktopBooksError>;
+
 /// Reads every enabled address book of the desktop, in the order of their `uid`. This may take
-/// `milliseconds` in all. If the result is not kRead, `books` is empty, and `reason` says why in
-/// the words of the program that refused, if those are known. If one of several books fails, the
-/// result is kUnreadable: a reader that saw only the others would take its contacts for deleted.
-/// Throws nothing. May be called from any thread.
-using ReadDesktopBooksFunction = ReadResult(std::uint32_t milliseconds,
-                                            std::vector<DesktopBook>& books, std::string& reason);
+/// `milliseconds` in all. If one of several books fails, this fails with kUnreadable: a reader that
+/// saw only the others would take its contacts for deleted. Throws nothing. May be called from any
+/// thread. The books go into a parameter, since a function with a name of C returns nothing of C++.
+using ReadDesktopBooksFunction = void(std::uint32_t milliseconds, DesktopBooks& books);
 
 }  // namespace platform

@@ -7,6 +7,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <thread>
 #include <utility>
@@ -18,7 +19,9 @@ namespace ebook {
 namespace {
 
 using platform::DesktopBook;
-using platform::ReadResult;
+using platform::DesktopBooks;
+using platform::DesktopBooksError;
+using platform::Failure;
 
 static_assert(
     std::is_same_v<decltype(VoxtrelReadDesktopBooks), platform::ReadDesktopBooksFunction>);
@@ -29,7 +32,7 @@ constexpr std::string_view kLocalBackend = "local";
 
 using Text = std::unique_ptr<char, decltype(&g_free)>;
 
-/// Takes the error of a call.
+/// Receives the error of a call of the library.
 class CallError {
  public:
   CallError() = default;
@@ -38,7 +41,11 @@ class CallError {
   ~CallError() { g_clear_error(&m_error); }
 
   [[nodiscard]] GError** Receive() { return &m_error; }
-  [[nodiscard]] std::string GetText() const { return m_error == nullptr ? "" : m_error->message; }
+  [[nodiscard]] std::string TakeText() {
+    std::string text = m_error == nullptr ? "" : m_error->message;
+    g_clear_error(&m_error);
+    return text;
+  }
 
  private:
   GError* m_error = nullptr;
@@ -60,11 +67,13 @@ bool IsLocal(ESource& source) {
   return name && name.get() == kLocalBackend;
 }
 
-bool ReadBook(ESource& source, GCancellable* cancellable, DesktopBook& book, CallError& error) {
+/// Reads one address book whole. The error is the library's text.
+platform::Result<DesktopBook, std::string> ReadBook(ESource& source, GCancellable* cancellable) {
+  CallError error;
   const ObjectPointer<EClient> client(
       e_book_client_connect_sync(&source, kDoNotWait, cancellable, error.Receive()));
   if (!client) {
-    return false;
+    return Failure(error.TakeText());
   }
   const std::unique_ptr<EBookQuery, decltype(&e_book_query_unref)> all(
       e_book_query_any_field_contains(""), &e_book_query_unref);
@@ -76,8 +85,9 @@ bool ReadBook(ESource& source, GCancellable* cancellable, DesktopBook& book, Cal
                                       cancellable, error.Receive()) != FALSE;
   const ObjectSlist contacts(found);
   if (!isRead) {
-    return false;
+    return Failure(error.TakeText());
   }
+  DesktopBook book;
   book.uid = e_source_get_uid(&source);
   for (const GSList* node = contacts.get(); node != nullptr; node = node->next) {
     const Text card(e_vcard_to_string(static_cast<EVCard*>(node->data), EVC_FORMAT_VCARD_30),
@@ -86,105 +96,93 @@ bool ReadBook(ESource& source, GCancellable* cancellable, DesktopBook& book, Cal
   }
   book.isSettled = IsLocal(source) ||
                    e_source_get_connection_status(&source) == E_SOURCE_CONNECTION_STATUS_CONNECTED;
-  return true;
+  return book;
 }
 
-/// Whether the user's programs have a way to talk to each other at all.
+/// Returns whether the user's programs have a way to talk to each other at all.
 bool IsSessionRunning(GCancellable* cancellable) {
   const Text address(g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SESSION, cancellable, nullptr),
                      &g_free);
   return address != nullptr;
 }
 
-/// One reading, shared by who waits for it and the thread that does it.
+/// One reading, which its caller and the thread that does it share.
+///
+/// The desktop's library does not let go of a server that keeps silent before half a minute has
+/// passed, even if it is cancelled. So the reading has a thread of its own. The caller gives up on
+/// it in time, and the thread goes on alone and ends without anybody waiting for it.
 class Reading {
  public:
   /// For the thread.
   void Run() {
-    Outcome outcome;
+    DesktopBooks books;
     try {
-      outcome.result = ReadEnabledBooks(outcome);
+      books = ReadEnabledBooks();
     } catch (const std::exception& error) {
-      outcome = {ReadResult::kUnreadable, {}, error.what()};
+      books = Failure(DesktopBooksError{.reason = error.what()});
     }
     const std::lock_guard lock(m_mutex);
-    m_outcome = std::move(outcome);
+    m_books = std::move(books);
     m_isDone.notify_one();
   }
 
   /// Waits for the end of the reading, and gives up on it after `limit`.
-  [[nodiscard]] ReadResult Wait(std::chrono::milliseconds limit, std::vector<DesktopBook>& books,
-                                std::string& reason) {
+  [[nodiscard]] DesktopBooks Wait(std::chrono::milliseconds limit) {
     std::unique_lock lock(m_mutex);
-    if (!m_isDone.wait_for(lock, limit, [this] { return m_outcome.has_value(); })) {
+    if (!m_isDone.wait_for(lock, limit, [this] { return m_books.has_value(); })) {
       g_cancellable_cancel(m_cancellable.get());
-      reason.clear();
-      return m_hasAnswer ? ReadResult::kUnreadable : ReadResult::kNoAnswer;
+      return Failure(DesktopBooksError{
+          m_hasAnswer ? DesktopBooksError::Kind::kUnreadable : DesktopBooksError::Kind::kNoAnswer,
+          {}});
     }
-    books = std::move(m_outcome->books);
-    reason = std::move(m_outcome->reason);
-    return m_outcome->result;
+    return std::move(*m_books);
   }
 
  private:
-  struct Outcome {
-    ReadResult result = ReadResult::kUnreadable;
-    std::vector<DesktopBook> books;
-    std::string reason;
-  };
-
-  [[nodiscard]] ReadResult ReadEnabledBooks(Outcome& outcome) {
+  [[nodiscard]] DesktopBooks ReadEnabledBooks() {
     GCancellable* const cancellable = m_cancellable.get();
     if (!IsSessionRunning(cancellable)) {
-      outcome.reason = "no desktop session is running";
-      return ReadResult::kNoAnswer;
+      return Failure(
+          DesktopBooksError{DesktopBooksError::Kind::kNoAnswer, "no desktop session is running"});
     }
     CallError error;
     const ObjectPointer<ESourceRegistry> registry(
         e_source_registry_new_sync(cancellable, error.Receive()));
     if (!registry) {
-      outcome.reason = error.GetText();
-      return ReadResult::kNoAnswer;
+      return Failure(DesktopBooksError{DesktopBooksError::Kind::kNoAnswer, error.TakeText()});
     }
     m_hasAnswer = true;
     const ObjectList sources = ListEnabledBooks(*registry);
+    std::vector<DesktopBook> books;
     for (const GList* node = sources.get(); node != nullptr; node = node->next) {
-      DesktopBook book;
-      if (g_cancellable_is_cancelled(cancellable) != FALSE ||
-          !ReadBook(*static_cast<ESource*>(node->data), cancellable, book, error)) {
-        outcome.books.clear();
-        outcome.reason = error.GetText();
-        return ReadResult::kUnreadable;
+      if (g_cancellable_is_cancelled(cancellable) != FALSE) {
+        return Failure(DesktopBooksError{});
       }
-      outcome.books.push_back(std::move(book));
+      auto book = ReadBook(*static_cast<ESource*>(node->data), cancellable);
+      if (!book) {
+        return Failure(DesktopBooksError{.reason = book.error()});
+      }
+      books.push_back(std::move(*book));
     }
-    return ReadResult::kRead;
+    return books;
   }
 
   const ObjectPointer<GCancellable> m_cancellable{g_cancellable_new()};
   std::atomic<bool> m_hasAnswer = false;
   std::mutex m_mutex;
   std::condition_variable m_isDone;
-  std::optional<Outcome> m_outcome;
+  std::optional<DesktopBooks> m_books;  ///< Nothing until the reading has ended.
 };
 
 }  // namespace
 }  // namespace ebook
 
-platform::ReadResult VoxtrelReadDesktopBooks(std::uint32_t milliseconds,
-                                             std::vector<platform::DesktopBook>& books,
-                                             std::string& reason) {
-  books.clear();
+void VoxtrelReadDesktopBooks(std::uint32_t milliseconds, platform::DesktopBooks& books) {
   try {
     const auto reading = std::make_shared<ebook::Reading>();
-    // The desktop's library does not let go of a server that keeps silent before half a minute has
-    // passed, whatever it is told. The thread then goes on alone and ends without anybody waiting
-    // for it.
     std::thread([reading] { reading->Run(); }).detach();
-    return reading->Wait(std::chrono::milliseconds(milliseconds), books, reason);
+    books = reading->Wait(std::chrono::milliseconds(milliseconds));
   } catch (const std::exception& error) {
-    books.clear();
-    reason = error.what();
-    return platform::ReadResult::kUnreadable;
+    books = platform::Failure(platform::DesktopBooksError{.reason = error.what()});
   }
 }

@@ -1,15 +1,19 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
 #include "backends/vcard/contact_data.h"
 #include "backends/vcard/remark.h"
-#include "platform/desktop_books.h"
 
 namespace vcard {
 
-using platform::ReadResult;
+enum class ReadResult : std::uint8_t {
+  kRead,
+  kNoAnswer,    ///< There is nobody to ask.
+  kUnreadable,  ///< There is something, and it cannot be read to its end.
+};
 
 /// One address book as it was read.
 struct Book {

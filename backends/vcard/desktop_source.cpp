@@ -55,17 +55,23 @@ DesktopSource::DesktopSource(Load load, std::chrono::milliseconds limit)
 ReadResult DesktopSource::Read(std::vector<Book>& books) {
   books.clear();
   m_remarks.Clear();
-  Library library = m_load();
-  m_reason = std::move(library.reason);
-  if (library.read == nullptr) {
+  m_reason.clear();
+  const Library read = m_load();
+  if (!read) {
+    m_reason = read.error();
     return ReadResult::kNoAnswer;
   }
-  std::vector<platform::DesktopBook> read;
-  const ReadResult result =
-      library.read(static_cast<std::uint32_t>(m_limit.count()), read, m_reason);
-  std::transform(read.begin(), read.end(), std::back_inserter(books),
+  platform::DesktopBooks desktop;
+  (*read)(static_cast<std::uint32_t>(m_limit.count()), desktop);
+  if (!desktop) {
+    m_reason = std::move(desktop.error().reason);
+    return desktop.error().kind == platform::DesktopBooksError::Kind::kNoAnswer
+               ? ReadResult::kNoAnswer
+               : ReadResult::kUnreadable;
+  }
+  std::transform(desktop->begin(), desktop->end(), std::back_inserter(books),
                  [this](const platform::DesktopBook& book) { return ToBook(book, m_remarks); });
-  return result;
+  return ReadResult::kRead;
 }
 
 std::vector<Remark> DesktopSource::GetRemarks() const {

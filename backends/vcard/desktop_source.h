@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "backends/vcard/contact_source.h"
+#include "platform/desktop_books.h"
 
 namespace vcard {
 
@@ -13,11 +14,9 @@ namespace vcard {
 /// reader expects.
 class DesktopSource final : public ContactSource {
  public:
-  /// What knows the desktop's address books.
-  struct Library {
-    platform::ReadDesktopBooksFunction* read = nullptr;  ///< Null where it could not be loaded.
-    std::string reason;                                  ///< Why not.
-  };
+  /// The function that reads the desktop's address books. The error is the reason why there is
+  /// none.
+  using Library = platform::Result<platform::ReadDesktopBooksFunction*, std::string>;
   using Load = std::function<Library()>;
 
   /// `limit` is how long all books together may take.

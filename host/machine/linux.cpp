@@ -76,10 +76,8 @@ vcard::DesktopSource::Library LoadDesktopBooks() {
   const auto found = posix::LoadFunction(
       Places(posix::FindOwnFile()).GetLibrary(ebook::kLibraryName, "backends/ebook"),
       ebook::kFunctionName);
-  if (!found) {
-    return {nullptr, found.error()};
-  }
-  return {reinterpret_cast<platform::ReadDesktopBooksFunction*>(*found), {}};
+  return found.map(
+      [](void* read) { return reinterpret_cast<platform::ReadDesktopBooksFunction*>(read); });
 }
 
 }  // namespace machine

@@ -44,10 +44,8 @@ ebook::ObjectPointer<ESourceRegistry> OpenRegistry() {
 vcard::DesktopSource::Library LoadDesktopBooks() {
   const std::filesystem::path place[] = {VOXTREL_DESKTOP_BOOKS};
   const auto found = posix::LoadFunction(place, ebook::kFunctionName);
-  if (!found) {
-    return {nullptr, found.error()};
-  }
-  return {reinterpret_cast<platform::ReadDesktopBooksFunction*>(*found), {}};
+  return found.map(
+      [](void* read) { return reinterpret_cast<platform::ReadDesktopBooksFunction*>(read); });
 }
 
 DesktopBook::DesktopBook()

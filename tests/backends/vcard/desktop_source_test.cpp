@@ -15,32 +15,29 @@ namespace vcard {
 namespace {
 
 using platform::DesktopBook;
+using platform::DesktopBooks;
 
 std::string Person(const std::string& name) {
   return WriteCard("UID:" + name + "\nN:" + name + ";;;;\nTEL;TYPE=CELL:1");
 }
 
-ReadResult ReadTwoBooks(std::uint32_t /*milliseconds*/, std::vector<DesktopBook>& books,
-                        std::string& /*reason*/) {
-  books = {{"first", Person("Zoe") + "\r\n" + Person("Ann") + "\r\n", true},
-           {"second", Person("Bob"), false}};
-  return ReadResult::kRead;
+void ReadTwoBooks(std::uint32_t /*milliseconds*/, DesktopBooks& books) {
+  books = std::vector<DesktopBook>{{"first", Person("Zoe") + "\r\n" + Person("Ann") + "\r\n", true},
+                                   {"second", Person("Bob"), false}};
 }
 
-ReadResult ReadBadBooks(std::uint32_t /*milliseconds*/, std::vector<DesktopBook>& books,
-                        std::string& /*reason*/) {
-  books = {{"empty", "", true}, {"torn", Person("Ann") + Person("Bob").substr(0, 40), true}};
-  return ReadResult::kRead;
+void ReadBadBooks(std::uint32_t /*milliseconds*/, DesktopBooks& books) {
+  books = std::vector<DesktopBook>{{"empty", "", true},
+                                   {"torn", Person("Ann") + Person("Bob").substr(0, 40), true}};
 }
 
-ReadResult RefuseAndTellTheLimit(std::uint32_t milliseconds, std::vector<DesktopBook>& /*books*/,
-                                 std::string& reason) {
-  reason = "no answer in " + std::to_string(milliseconds) + " ms";
-  return ReadResult::kUnreadable;
+void RefuseAndNameTheLimit(std::uint32_t milliseconds, DesktopBooks& books) {
+  books = platform::Failure(platform::DesktopBooksError{
+      .reason = "no answer in " + std::to_string(milliseconds) + " ms"});
 }
 
 TEST(DesktopSourceOfALibrary, SortsEachBookByName) {
-  DesktopSource source([] { return DesktopSource::Library{ReadTwoBooks, ""}; });
+  DesktopSource source([] { return DesktopSource::Library(ReadTwoBooks); });
   std::vector<Book> books;
   ASSERT_EQ(source.Read(books), ReadResult::kRead);
   ASSERT_EQ(books.size(), 2U);
@@ -53,7 +50,7 @@ TEST(DesktopSourceOfALibrary, SortsEachBookByName) {
 }
 
 TEST(DesktopSourceOfALibrary, OnlyASettledBookIsComplete) {
-  DesktopSource source([] { return DesktopSource::Library{ReadTwoBooks, ""}; });
+  DesktopSource source([] { return DesktopSource::Library(ReadTwoBooks); });
   std::vector<Book> books;
   ASSERT_EQ(source.Read(books), ReadResult::kRead);
   EXPECT_TRUE(books[0].isComplete);
@@ -61,7 +58,7 @@ TEST(DesktopSourceOfALibrary, OnlyASettledBookIsComplete) {
 }
 
 TEST(DesktopSourceOfALibrary, ABookThatIsEmptyOrTornIsNotComplete) {
-  DesktopSource source([] { return DesktopSource::Library{ReadBadBooks, ""}; });
+  DesktopSource source([] { return DesktopSource::Library(ReadBadBooks); });
   std::vector<Book> books;
   ASSERT_EQ(source.Read(books), ReadResult::kRead);
   EXPECT_FALSE(books[0].isComplete);
@@ -70,11 +67,8 @@ TEST(DesktopSourceOfALibrary, ABookThatIsEmptyOrTornIsNotComplete) {
 }
 
 TEST(DesktopSourceOfALibrary, GivesTheReasonOfARefusal) {
-  DesktopSource source(
-      [] {
-        return DesktopSource::Library{RefuseAndTellTheLimit, ""};
-      },
-      std::chrono::milliseconds(7));
+  DesktopSource source([] { return DesktopSource::Library(RefuseAndNameTheLimit); },
+                       std::chrono::milliseconds(7));
   std::vector<Book> books(1);
   EXPECT_EQ(source.Read(books), ReadResult::kUnreadable);
   EXPECT_TRUE(books.empty());
@@ -82,7 +76,8 @@ TEST(DesktopSourceOfALibrary, GivesTheReasonOfARefusal) {
 }
 
 TEST(DesktopSourceOfALibrary, WithoutTheLibraryNobodyAnswers) {
-  DesktopSource source([] { return DesktopSource::Library{nullptr, "it is missing"}; });
+  DesktopSource source(
+      [] { return DesktopSource::Library(platform::Failure<std::string>("it is missing")); });
   std::vector<Book> books(1);
   EXPECT_EQ(source.Read(books), ReadResult::kNoAnswer);
   EXPECT_TRUE(books.empty());
@@ -93,7 +88,7 @@ TEST(DesktopSourceOfALibrary, IsNotLoadedBeforeItIsRead) {
   int loadings = 0;
   DesktopSource source([&loadings] {
     ++loadings;
-    return DesktopSource::Library{ReadTwoBooks, ""};
+    return DesktopSource::Library(ReadTwoBooks);
   });
   EXPECT_EQ(loadings, 0);
   std::vector<Book> books;
