@@ -15,7 +15,8 @@ namespace {
 using platform::WaveHeader;
 using platform::WaveResult;
 
-/// Reads a file's samples into the queued header at the moment that they are asked for.
+/// Reads a file's samples into the queued header when Unprepare or Reset asks for them, and not at
+/// Start: headers and their memory are touched only within these calls.
 class FileDevice final : public platform::WaveInDevice {
  public:
   FileDevice(std::unique_ptr<platform::File> file, const WaveFileLayout& layout)
@@ -49,7 +50,7 @@ class FileDevice final : public platform::WaveInDevice {
 
   WaveResult Reset() override {
     if (!m_file) return WaveResult::kNoDevice;
-    // A file that can no longer be read gives back what it gave: nothing.
+    // A file that can no longer be read gives back nothing.
     if (m_started) static_cast<void>(Fill(*m_queue.Queued()));
     m_started = false;
     m_queue.Drop();
@@ -64,20 +65,19 @@ class FileDevice final : public platform::WaveInDevice {
   }
 
  private:
-  /// False where the file cannot be read; the header then holds nothing.
-  [[nodiscard]] bool Fill(WaveHeader& header) {
+  /// Fails if the file cannot be read. The header then holds nothing.
+  [[nodiscard]] platform::Result<void, platform::FileError> Fill(WaveHeader& header) {
     const std::span<std::byte> memory(header.data, header.bufferLength);
     const auto sound = memory.first(
         static_cast<std::size_t>(std::min<std::uint64_t>(m_left, header.bufferLength)));
-    if (!m_file->Seek(m_offset)) return false;
-    const auto count = m_file->Read(sound);
-    if (!count) return false;
+    const auto count = m_file->Seek(m_offset).and_then([&] { return m_file->Read(sound); });
+    if (!count) return platform::Failure(count.error());
     std::ranges::fill(memory.subspan(*count), std::byte{0});
-    // By what was asked for, so that a file that has become shorter stays silent from there on.
+    // Counted by what was asked for, so a file that has become shorter stays silent from there on.
     m_offset += sound.size();
     m_left -= sound.size();
     header.bytesRecorded = header.bufferLength;
-    return true;
+    return {};
   }
 
   std::unique_ptr<platform::File> m_file;

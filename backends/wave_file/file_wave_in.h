@@ -7,12 +7,12 @@
 
 namespace wave_file {
 
-/// A microphone that hears a wave file, from its beginning at every Open, and behind its end
-/// silence. It needs no time: a buffer that is started is full. For machines without sound and for
-/// scripts.
+/// A microphone that hears a wave file, from its beginning at every Open, and silence after its
+/// end. It needs no time: a buffer that is started is full. It is made for machines without sound
+/// and for scripts.
 ///
-/// It converts nothing: a file that is not PCM in exactly the format asked for is kBadFormat. One
-/// input where the file can be opened, else none.
+/// It converts nothing. Open fails with kBadFormat if the file is not PCM in exactly the format
+/// asked for. There is one input if the file can be opened, else none.
 class FileWaveIn final : public platform::WaveIn {
  public:
   /// `files` outlives this and every device opened.

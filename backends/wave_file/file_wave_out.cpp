@@ -14,6 +14,8 @@ namespace {
 using platform::WaveHeader;
 using platform::WaveResult;
 
+/// Writes each sound when it is queued, into a file that takes the place of the earlier one in one
+/// step. The file of the first sound is begun by Open, which so finds out whether there can be one.
 class FileOutDevice final : public platform::WaveOutDevice {
  public:
   /// `next` is the file of the first sound.

@@ -9,11 +9,11 @@
 namespace wave_file {
 
 /// A speaker that writes what it is given into a wave file, in place of what it was given before.
-/// It needs no time: a buffer that is written has been played. For machines without sound and for
-/// scripts.
+/// It needs no time: a buffer that is written has been played. It is made for machines without
+/// sound and for scripts.
 ///
-/// Whatever fails, the file is the earlier one or the new one. There is no device if the file
-/// cannot be written, and while another device is open.
+/// If anything fails, the file is the earlier one or the new one. There is no device if the file
+/// cannot be written, or while another device is open.
 class FileWaveOut final : public platform::WaveOut {
  public:
   /// `files` outlives this and every device opened.
@@ -25,7 +25,7 @@ class FileWaveOut final : public platform::WaveOut {
  private:
   platform::FileSystem& m_files;
   const std::u16string m_path;
-  std::weak_ptr<void> m_device;  ///< What the open device holds as long as it is open.
+  std::weak_ptr<void> m_device;  ///< The open device holds it as long as it is open.
 };
 
 }  // namespace wave_file

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstring>
 #include <limits>
+#include <optional>
 #include <span>
 #include <string_view>
 
@@ -15,12 +16,13 @@ namespace {
 
 using platform::LoadLittleEndian16;
 using platform::LoadLittleEndian32;
+using platform::WaveResult;
 
 constexpr std::uint64_t kRiffHeaderBytes = 12;
 constexpr std::uint64_t kChunkHeaderBytes = 8;
 constexpr std::uint32_t kFormatBytes = 16;
 
-// No honest file has more; a file made of empty chunks must not keep its reader busy.
+// No honest file has more. A file made of empty chunks must not keep its reader busy.
 constexpr int kMostChunks = 1000;
 
 bool HasName(std::span<const std::byte> bytes, std::string_view name) {
@@ -47,21 +49,27 @@ std::optional<platform::WaveFormat> ReadFormat(platform::File& file, std::uint64
   return format;
 }
 
-/// The walk from chunk to chunk. Offsets are 64 bits wide, so 32-bit sizes cannot make them wrap.
+/// The walk from chunk to chunk, which ends when it has seen a format and the data.
+///
+/// Each chunk has an identifier of four letters, a size, and as many bytes. So chunks that mean
+/// nothing here are passed over. Offsets are 64 bits wide, so 32-bit sizes cannot make them wrap.
 class ChunkWalk {
  public:
   ChunkWalk(platform::File& file, std::uint64_t length) : m_file(file), m_length(length) {}
 
-  std::optional<WaveFileLayout> Run() {
-    for (int i = 0; i < kMostChunks && !(m_hasFormat && m_hasData); ++i) {
-      if (!TakeChunk()) return std::nullopt;
+  platform::Result<WaveFileLayout, WaveResult> Run() {
+    bool isSound = true;
+    for (int i = 0; i < kMostChunks && isSound && !(m_hasFormat && m_hasData); ++i) {
+      isSound = TakeChunk();
     }
-    if (!m_hasFormat || !m_hasData) return std::nullopt;
+    if (!m_hasFormat || !m_hasData) return platform::Failure(WaveResult::kBadFormat);
     m_layout.dataBytes -= m_layout.dataBytes % m_layout.format.blockAlign;
     return m_layout;
   }
 
  private:
+  /// Takes the chunk at the offset. Returns false if it does not lie within the file, or if it is a
+  /// format that cannot be played.
   bool TakeChunk() {
     std::array<std::byte, kChunkHeaderBytes> header{};
     if (m_offset + kChunkHeaderBytes > m_length || !ReadAt(m_file, m_offset, header)) return false;
@@ -130,7 +138,7 @@ Header MakeHeader(const platform::WaveFormat& format, std::uint32_t dataBytes,
   Put16(header, 20, format.formatTag);
   Put16(header, 22, format.channels);
   Put32(header, 24, format.samplesPerSecond);
-  // Of the format's own average nobody knows what it is.
+  // Not the format's own average: players are known to fill in something else.
   Put32(header, 28, format.samplesPerSecond * format.blockAlign);
   Put16(header, 32, format.blockAlign);
   Put16(header, 34, format.bitsPerSample);
@@ -141,27 +149,33 @@ Header MakeHeader(const platform::WaveFormat& format, std::uint32_t dataBytes,
 
 }  // namespace
 
-std::optional<WaveFileLayout> ReadWaveFileLayout(platform::File& file) {
+platform::Result<WaveFileLayout, WaveResult> ReadWaveFileLayout(platform::File& file) {
   const auto length = file.GetLength();
   std::array<std::byte, kRiffHeaderBytes> header{};
-  if (!length || !ReadAt(file, 0, header)) return std::nullopt;
+  if (!length || !ReadAt(file, 0, header)) return platform::Failure(WaveResult::kBadFormat);
   const std::span<const std::byte> fields(header);
-  if (!HasName(fields, "RIFF") || !HasName(fields.subspan(8), "WAVE")) return std::nullopt;
+  if (!HasName(fields, "RIFF") || !HasName(fields.subspan(8), "WAVE")) {
+    return platform::Failure(WaveResult::kBadFormat);
+  }
   return ChunkWalk(file, *length).Run();
 }
 
-bool WriteWaveFile(platform::File& file, const platform::WaveFormat& format,
-                   std::span<const std::byte> samples) {
+platform::Result<void, WaveResult> WriteWaveFile(platform::File& file,
+                                                 const platform::WaveFormat& format,
+                                                 std::span<const std::byte> samples) {
   // A chunk of odd size is followed by a byte that belongs to none.
   const std::size_t padding = samples.size() % 2;
   if (samples.size() > std::numeric_limits<std::uint32_t>::max() - kBytesBehindRiffSize - padding) {
-    return false;
+    return platform::Failure(WaveResult::kFailed);
   }
   const Header header = MakeHeader(format, static_cast<std::uint32_t>(samples.size()),
                                    static_cast<std::uint32_t>(padding));
   constexpr std::array<std::byte, 1> kPadding{};
-  return file.Write(header) && file.Write(samples) &&
-         file.Write(std::span(kPadding).first(padding));
+  if (!file.Write(header) || !file.Write(samples) ||
+      !file.Write(std::span(kPadding).first(padding))) {
+    return platform::Failure(WaveResult::kFailed);
+  }
+  return {};
 }
 
 }  // namespace wave_file

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -31,7 +30,8 @@ constexpr platform::WaveFormat kRecorded{.formatTag = 1,
                                          .bitsPerSample = 16,
                                          .extraSize = 0};
 
-std::optional<wave_file::WaveFileLayout> ReadLayout(platform::FileSystem& files, Bytes file) {
+platform::Result<wave_file::WaveFileLayout, platform::WaveResult> ReadLayout(
+    platform::FileSystem& files, Bytes file) {
   const auto opened = files.Open(kSound, {.access = platform::FileAccess::kRead,
                                           .share = platform::FileShare::kRead,
                                           .creation = platform::FileCreation::kOpenExisting});
@@ -58,7 +58,7 @@ void RequireHeard(Bytes heard, Bytes sound, std::size_t from) {
 void Listen(wave_file::FileWaveIn& microphone, const wave_file::WaveFileLayout& layout,
             Bytes sound) {
   const auto opened = microphone.Open(layout.format);
-  Require(opened != nullptr, "a sound can be heard in its own format");
+  Require(opened.has_value(), "a sound can be heard in its own format");
   std::vector<std::byte> memory(1000);
   for (int round = 0; round < 3; ++round) {
     platform::WaveHeader header{.data = memory.data(),

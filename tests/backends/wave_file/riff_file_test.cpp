@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
-#include <optional>
 #include <vector>
 
 #include "tests/machine/memory_file_system.h"
@@ -23,19 +22,20 @@ constexpr std::size_t kPlainHeader = 44;
 
 RiffBytes Samples(std::size_t count) { return RiffBytes(count, std::byte{7}); }
 
-std::optional<WaveFileLayout> Read(const RiffBytes& bytes) {
+using Layout = platform::Result<WaveFileLayout, platform::WaveResult>;
+
+Layout Read(const RiffBytes& bytes) {
   machine::MemoryFileSystem files;
   EXPECT_TRUE(files.PutFile(u"/a.wav", bytes));
   const auto opened = files.Open(u"/a.wav", {});
   if (!opened) {
     ADD_FAILURE() << "The file of the test does not open.";
-    return std::nullopt;
+    return platform::Failure(platform::WaveResult::kNoDevice);
   }
   return wave_file::ReadWaveFileLayout(**opened);
 }
 
-void ExpectData(const std::optional<WaveFileLayout>& layout, std::uint64_t offset,
-                std::uint64_t bytes) {
+void ExpectData(const Layout& layout, std::uint64_t offset, std::uint64_t bytes) {
   ASSERT_TRUE(layout);
   EXPECT_EQ(layout->format, kMono);
   EXPECT_EQ(layout->dataOffset, offset);
