@@ -19,8 +19,9 @@ constexpr std::chrono::milliseconds kServerDelay(500);
 
 constexpr std::uint32_t kUnset = std::numeric_limits<std::uint32_t>::max();
 
-// About two seconds in the server's hands, where the library by itself would ask for a quarter of
-// one. A machine that is too busy to run this program for a while then leaves no gap in the sound.
+// With this the server holds about two seconds of the sound. The library by itself would ask for a
+// quarter of a second. A machine that is too busy to run this program for a while then leaves no
+// gap in the sound.
 constexpr pa_buffer_attr kServersChoice{kUnset, kUnset, kUnset, kUnset, kUnset};
 
 constexpr std::size_t kNoRoom = std::numeric_limits<std::size_t>::max();
