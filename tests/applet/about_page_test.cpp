@@ -5,6 +5,7 @@
 
 #include "resources/dialogs.h"
 #include "tests/applet/applet_fixture.h"
+#include "tests/support/watched_clock.h"
 
 namespace {
 
@@ -16,20 +17,6 @@ using platform::Point;
 using platform::Rect;
 
 constexpr Font kLineFont{u"Tahoma", 12, 700};
-
-/// A clock whose sleep shows what is on the screen meanwhile.
-class WatchedClock final : public platform::Clock {
- public:
-  std::uint32_t GetTickCount() override { return 0; }
-  [[nodiscard]] std::int64_t GetUnixTime() override { return 0; }
-  void Sleep(std::uint32_t milliseconds) override {
-    m_slept.push_back(milliseconds);
-    m_watch();
-  }
-
-  std::function<void()> m_watch = [] {};
-  std::vector<std::uint32_t> m_slept;
-};
 
 /// A shell that shows what is on the screen when the site is opened.
 class WatchedShell final : public platform::Shell {
@@ -78,7 +65,7 @@ class AboutPage : public AppletFixture {
     return places;
   }
 
-  WatchedClock m_clock;
+  support::WatchedClock m_clock;
   WatchedShell m_shell{m_machine.shell};
   std::unique_ptr<applet::AboutPage> m_page;
   std::unique_ptr<headless::HeadlessDialog> m_dialog;
@@ -134,13 +121,13 @@ TEST_F(AboutPage, PaintsFrameProductMakerAndWebSiteInThisOrder) {
 TEST_F(AboutPage, AClickOnThePictureMovesItForAMomentThenOpensTheSite) {
   std::vector<Point> meanwhile;
   int paintedBefore = 0;
-  m_clock.m_watch = [&] {
+  m_clock.SetListener([&](std::uint32_t) {
     paintedBefore = m_dialog->CountInvalidations();
     meanwhile = PaintedAt(143);
     EXPECT_TRUE(m_machine.shell.GetRequests().empty());
-  };
+  });
   m_dialog->ClickAt({60, 165});
-  EXPECT_EQ(m_clock.m_slept, std::vector<std::uint32_t>{200});
+  EXPECT_EQ(m_clock.GetSleeps(), std::vector<std::uint32_t>{200});
   EXPECT_EQ(meanwhile, (std::vector<Point>{{55, 160}, {56, 158}}));
   EXPECT_EQ(paintedBefore, 1);
   EXPECT_EQ(m_dialog->CountInvalidations(), 2);
@@ -167,7 +154,7 @@ TEST_F(AboutPage, TheLinkEndsBeforeItsRightAndBottomEdge) {
     m_dialog->ClickAt(point);
     EXPECT_TRUE(m_machine.shell.GetRequests().empty()) << point.x << "," << point.y;
   }
-  EXPECT_TRUE(m_clock.m_slept.empty());
+  EXPECT_TRUE(m_clock.GetSleeps().empty());
   EXPECT_EQ(m_dialog->CountInvalidations(), 0);
 
   const std::vector<Point> inside = {{55, 160}, {201, 172}, {55, 172}, {201, 160}};

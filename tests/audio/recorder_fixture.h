@@ -15,33 +15,9 @@
 #include "tests/machine/simulated_contacts.h"
 #include "tests/machine/simulated_wave_in.h"
 #include "tests/machine/simulated_wave_out.h"
+#include "tests/machine/simulation.h"
 #include "tests/support/failing_file_system.h"
-
-/// A clock that does not wait and remembers what it was asked for.
-class SleepLog final : public platform::Clock {
- public:
-  [[nodiscard]] std::uint32_t GetTickCount() override { return 0; }
-  [[nodiscard]] std::int64_t GetUnixTime() override { return 0; }
-  void Sleep(std::uint32_t milliseconds) override { m_sleeps.push_back(milliseconds); }
-  [[nodiscard]] const std::vector<std::uint32_t>& GetSleeps() const { return m_sleeps; }
-
- private:
-  std::vector<std::uint32_t> m_sleeps;
-};
-
-class NoThreads final : public platform::Threads {
- public:
-  [[nodiscard]] std::unique_ptr<platform::Thread> Start(std::function<void()> /*body*/,
-                                                        platform::ThreadStart /*start*/) override {
-    return nullptr;
-  }
-  [[nodiscard]] std::unique_ptr<platform::Event> CreateManualResetEvent() override {
-    return nullptr;
-  }
-  [[nodiscard]] platform::CreatedMutex CreateNamedMutex(std::u16string_view /*name*/) override {
-    return {};
-  }
-};
+#include "tests/support/watched_clock.h"
 
 /// A recorder on a machine without anything real.
 class RecorderFixture : public testing::Test {
@@ -57,8 +33,8 @@ class RecorderFixture : public testing::Test {
   machine::MemoryFileSystem m_files;
   support::FailingFileSystem m_failingFiles{m_files};
   machine::SimulatedWaveIn m_waveIn;
-  SleepLog m_clock;
-  NoThreads m_threads;
+  support::WatchedClock m_clock;
+  machine::Simulation m_threads;
   headless::HeadlessProcess m_process;
   headless::HeadlessShell m_shell;
   headless::HeadlessUi m_ui;

@@ -6,23 +6,8 @@
 #include <string>
 #include <utility>
 
-#include "platform/clock.h"
 #include "platform/wave_in.h"
 #include "tests/support/file_steps.h"
-
-/// A clock that does not wait.
-class StepsClock final : public platform::Clock {
- public:
-  explicit StepsClock(support::Steps& steps) : m_steps(steps) {}
-  [[nodiscard]] std::uint32_t GetTickCount() override { return 0; }
-  [[nodiscard]] std::int64_t GetUnixTime() override { return 0; }
-  void Sleep(std::uint32_t milliseconds) override {
-    m_steps.push_back("sleep " + std::to_string(milliseconds));
-  }
-
- private:
-  support::Steps& m_steps;
-};
 
 /// Forwards every call to another wave input. A header comes out of Prepare with one more flag, so
 /// that it can be told whether the recorder sets the flags itself.

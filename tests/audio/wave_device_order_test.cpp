@@ -18,15 +18,19 @@ class WaveDeviceOrder : public RecorderFixture {
     return m_recorder.Record(kPath, milliseconds);
   }
 
-  WaveDeviceOrder() { m_recorder.SetFormat(audio::kRecordingBits, audio::kRecordingRate); }
+  WaveDeviceOrder() {
+    m_recorder.SetFormat(audio::kRecordingBits, audio::kRecordingRate);
+    m_clock.SetListener([this](std::uint32_t milliseconds) {
+      m_steps.push_back("sleep " + std::to_string(milliseconds));
+    });
+  }
 
   Steps m_steps;
-  StepsClock m_stepsClock{m_steps};
   StepsWaveIn m_stepsWaveIn{m_waveIn, m_steps};
   support::StepsFileSystem m_stepsFiles{m_failingFiles, m_steps};
-  audio::WaveDevice m_recorder{platform::Platform{m_stepsFiles, m_stepsWaveIn, m_stepsClock,
-                                                  m_threads, m_process, m_ui, m_registry,
-                                                  m_contacts, m_waveOut, m_shell}};
+  audio::WaveDevice m_recorder{platform::Platform{m_stepsFiles, m_stepsWaveIn, m_clock, m_threads,
+                                                  m_process, m_ui, m_registry, m_contacts,
+                                                  m_waveOut, m_shell}};
 };
 
 TEST_F(WaveDeviceOrder, ARecordingSleepsForItsLengthAndLeavesTheDeviceLast) {

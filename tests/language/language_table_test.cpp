@@ -11,6 +11,7 @@
 #include "tests/language/language_bytes.h"
 #include "tests/machine/memory_file_system.h"
 #include "tests/support/failing_file_system.h"
+#include "tests/support/watched_clock.h"
 
 namespace {
 
@@ -234,49 +235,46 @@ TEST_F(LanguageTableFile, IsEmptyAfterAFileThatAnotherReaderHoldsSinceItSharesWi
   EXPECT_EQ(m_table.GetCount(), 0);
 }
 
-/// Time passes at once; another reader may be done with its file at the `n`-th sleep.
-class ReaderBesideUs final : public platform::Clock {
+/// A reader that holds a file, and is done with it at the `n`-th sleep of the clock.
+class Reader {
  public:
-  explicit ReaderBesideUs(std::unique_ptr<platform::File> held, std::size_t n)
-      : m_held(std::move(held)), m_isDoneAt(n) {}
-
-  [[nodiscard]] std::uint32_t GetTickCount() override { return m_passed; }
-  [[nodiscard]] std::int64_t GetUnixTime() override { return 0; }
-  void Sleep(std::uint32_t milliseconds) override {
-    m_passed += milliseconds;
-    if (++m_sleeps == m_isDoneAt) m_held.reset();
+  Reader(std::unique_ptr<platform::File> held, std::size_t n) : m_held(std::move(held)) {
+    m_clock.SetListener([this, n](std::uint32_t) {
+      if (m_clock.GetSleeps().size() == n) {
+        m_held.reset();
+      }
+    });
   }
+  [[nodiscard]] support::WatchedClock& GetClock() { return m_clock; }
 
  private:
   std::unique_ptr<platform::File> m_held;
-  const std::size_t m_isDoneAt;
-  std::size_t m_sleeps = 0;
-  std::uint32_t m_passed = 0;
+  support::WatchedClock m_clock;
 };
 
 TEST_F(LanguageTableFile, WaitsForAProcessThatIsJustReadingTheFile) {
-  ReaderBesideUs reader(m_files.Open(kPath, {}).value(), 3);
-  m_table.Load(m_files, kPath, reader);
+  Reader reader(m_files.Open(kPath, {}).value(), 3);
+  m_table.Load(m_files, kPath, reader.GetClock());
   EXPECT_EQ(LookUp(m_table, u"ID_A"), u"text");
   EXPECT_EQ(m_files.CountOpenHandles(), 0U);
 }
 
 TEST_F(LanguageTableFile, IsWaitedForByWhoNeedsTheTexts) {
-  ReaderBesideUs reader(m_files.Open(kPath, {}).value(), 3);
-  EXPECT_TRUE(language::LoadTexts(m_files, kPath, reader).IsLanguageFileLoaded());
+  Reader reader(m_files.Open(kPath, {}).value(), 3);
+  EXPECT_TRUE(language::LoadTexts(m_files, kPath, reader.GetClock()).IsLanguageFileLoaded());
   EXPECT_EQ(LookUp(LanguageTable::GetInstance(), u"ID_A"), u"text");
   LanguageTable::Release();
 }
 
 TEST_F(LanguageTableFile, IsEmptyAfterASecondInWhichAnotherHeldTheFile) {
-  ReaderBesideUs reader(m_files.Open(kPath, {}).value(), 1000);
-  m_table.Load(m_files, kPath, reader);
+  Reader reader(m_files.Open(kPath, {}).value(), 1000);
+  m_table.Load(m_files, kPath, reader.GetClock());
   EXPECT_EQ(m_table.GetCount(), 0);
-  EXPECT_EQ(reader.GetTickCount(), 1000U);
+  EXPECT_EQ(reader.GetClock().GetTickCount(), 1000U);
 }
 
 TEST_F(LanguageTableFile, DoesNotWaitForAFileThatIsMissing) {
-  ReaderBesideUs nobody({}, 0);
+  support::WatchedClock nobody;
   m_table.Load(m_files, u"\\Other.lng", nobody);
   EXPECT_EQ(nobody.GetTickCount(), 0U);
 }

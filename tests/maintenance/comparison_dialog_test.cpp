@@ -9,38 +9,15 @@
 #include "maintenance/test_dialog.h"
 #include "resources/dialogs.h"
 #include "tests/maintenance/session_fixture.h"
+#include "tests/support/watched_clock.h"
+#include "tests/support/watched_threads.h"
 
 namespace {
 
 using resources::kComparisonCancelId;
 using resources::kProgressBarId;
 using resources::kTestListId;
-
-/// A clock that tells the given tick counts one after the other, then the last one for good.
-class ToldClock final : public platform::Clock {
- public:
-  explicit ToldClock(std::vector<std::uint32_t> ticks) : m_ticks(std::move(ticks)) {}
-  [[nodiscard]] std::uint32_t GetTickCount() override {
-    return m_ticks[std::min(m_asked++, m_ticks.size() - 1)];
-  }
-  [[nodiscard]] std::int64_t GetUnixTime() override { return 0; }
-  void Sleep(std::uint32_t /*milliseconds*/) override {}
-
- private:
-  const std::vector<std::uint32_t> m_ticks;
-  std::size_t m_asked = 0;
-};
-
-/// The system has no thread to give.
-class NoThreads final : public platform::Threads {
- public:
-  std::unique_ptr<platform::Thread> Start(std::function<void()> /*body*/,
-                                          platform::ThreadStart /*start*/) override {
-    return nullptr;
-  }
-  std::unique_ptr<platform::Event> CreateManualResetEvent() override { return nullptr; }
-  platform::CreatedMutex CreateNamedMutex(std::u16string_view /*name*/) override { return {}; }
-};
+using Made = support::WatchedThreads::Made;
 
 class ComparisonDialogTest : public SessionFixture {
  protected:
@@ -79,7 +56,8 @@ class ComparisonDialogTest : public SessionFixture {
   }
 
   Texts TestSlowly(const Story& whileWaiting) {
-    ToldClock clock({0, 1000});
+    support::WatchedClock clock;
+    clock.SetTicks({0, 1000});
     return TestOn(With(clock, m_machine.simulation), whileWaiting);
   }
 
@@ -92,10 +70,12 @@ class ComparisonDialogTest : public SessionFixture {
 };
 
 TEST_F(ComparisonDialogTest, AppearsOnlyOnceASecondHasPassed) {
-  ToldClock quick({5, 6, 1004});
+  support::WatchedClock quick;
+  quick.SetTicks({5, 6, 1004});
   const Texts lines = TestOn(With(quick, m_machine.simulation), [](headless::HeadlessDialog&) {});
   EXPECT_EQ(m_boxes, 0);
-  ToldClock slow({5, 6, 1005});
+  support::WatchedClock slow;
+  slow.SetTicks({5, 6, 1005});
   EXPECT_EQ(TestOn(With(slow, m_machine.simulation),
                    [](headless::HeadlessDialog& window) { EXPECT_TRUE(window.WaitForEnd()); }),
             lines);
@@ -172,8 +152,10 @@ TEST_F(ComparisonDialogTest, EnterIsNoAnswerToIt) {
 }
 
 TEST_F(ComparisonDialogTest, WithoutAThreadAllIsComparedBeforeItIsShown) {
-  ToldClock clock({0, 1000});
-  NoThreads threads;
+  support::WatchedClock clock;
+  clock.SetTicks({0, 1000});
+  support::WatchedThreads threads(m_machine.simulation);
+  threads.Refuse({Made::kThread, Made::kEvent, Made::kMutex});
   EXPECT_EQ(TestOn(With(clock, threads), [](headless::HeadlessDialog&) {}), TestQuickly());
   EXPECT_EQ(m_boxes, 0);
 }
@@ -182,7 +164,8 @@ TEST_F(ComparisonDialogTest, OnRealThreadsItEndsByItselfAndByCancel) {
   posix::PosixThreads threads("");
   m_machine.ui.UseThreads(threads);
   for (const bool isCancelled : {false, true}) {
-    ToldClock clock({0, 1000});
+    support::WatchedClock clock;
+    clock.SetTicks({0, 1000});
     TestOn(With(clock, threads), [=](headless::HeadlessDialog& window) {
       if (isCancelled) {
         window.Press(kComparisonCancelId);

@@ -5,51 +5,19 @@
 #include "backends/posix/posix_threads.h"
 #include "tests/maintenance/reinit_page_fixture.h"
 #include "tests/support/temp_folder.h"
+#include "tests/support/watched_clock.h"
+#include "tests/support/watched_threads.h"
 
 namespace {
-
-/// Sleeping only lets the others run.
-class NoClock final : public platform::Clock {
- public:
-  std::uint32_t GetTickCount() override { return 0; }
-  [[nodiscard]] std::int64_t GetUnixTime() override { return 0; }
-  void Sleep(std::uint32_t /*milliseconds*/) override { std::this_thread::yield(); }
-};
-
-/// Events whose waits with a limit do not wait for it: what comes late is late at once.
-class NoWaitThreads final : public platform::Threads {
- public:
-  explicit NoWaitThreads(platform::Threads& threads) : m_threads(threads) {}
-  std::unique_ptr<platform::Thread> Start(std::function<void()> body,
-                                          platform::ThreadStart start) override {
-    return m_threads.Start(std::move(body), start);
-  }
-  std::unique_ptr<platform::Event> CreateManualResetEvent() override {
-    return std::make_unique<Event>(m_threads.CreateManualResetEvent());
-  }
-  platform::CreatedMutex CreateNamedMutex(std::u16string_view name) override {
-    return m_threads.CreateNamedMutex(name);
-  }
-
- private:
-  class Event final : public platform::Event {
-   public:
-    explicit Event(std::unique_ptr<platform::Event> event) : m_event(std::move(event)) {}
-    void Set() override { m_event->Set(); }
-    void Reset() override { m_event->Reset(); }
-    platform::WaitResult Wait(std::uint32_t milliseconds) override {
-      return m_event->Wait(milliseconds == platform::kNoLimit ? milliseconds : 1);
-    }
-
-   private:
-    std::unique_ptr<platform::Event> m_event;
-  };
-  platform::Threads& m_threads;
-};
 
 class PageOneReinitThreads : public ReinitPageFixture {
  protected:
   static constexpr int kRepetitions = 60;
+
+  PageOneReinitThreads() {
+    m_noWait.ShortenWaits(1);
+    m_clock.SetListener([](std::uint32_t) { std::this_thread::yield(); });
+  }
 
   /// Opens a page on real threads, and lets `story` be the user of the dialog.
   void OpenOnThreads(const std::function<void(headless::HeadlessDialog&)>& story) {
@@ -81,8 +49,8 @@ class PageOneReinitThreads : public ReinitPageFixture {
 
   support::TempFolder m_folder;
   posix::PosixThreads m_threads{m_folder.Path()};
-  NoWaitThreads m_noWait{m_threads};
-  NoClock m_clock;
+  support::WatchedThreads m_noWait{m_threads};
+  support::WatchedClock m_clock;
   int m_shown = 0;  ///< Dialogs that had not ended by themselves before the user could see them.
   Texts m_told;
 };

@@ -1,6 +1,7 @@
 #include "maintenance/reinit_progress_dialog.h"
 
 #include "tests/maintenance/reinit_fixture.h"
+#include "tests/support/watched_threads.h"
 
 namespace {
 
@@ -223,48 +224,6 @@ TEST_F(ReinitProgressDialogTest, AWindowThatGoesEarlyTakesBothThreadsWithIt) {
   EXPECT_EQ(m_machine.files.CountOpenHandles(), 0U);
 }
 
-/// A machine that gives no thread, or no event, and knows how many of its events are open.
-class PoorThreads final : public platform::Threads {
- public:
-  explicit PoorThreads(platform::Threads& threads) : m_threads(threads) {}
-  std::unique_ptr<platform::Thread> Start(std::function<void()> body,
-                                          platform::ThreadStart start) override {
-    return givesThreads ? m_threads.Start(std::move(body), start) : nullptr;
-  }
-  std::unique_ptr<platform::Event> CreateManualResetEvent() override {
-    return givesEvents
-               ? std::make_unique<CountedEvent>(m_threads.CreateManualResetEvent(), openEvents)
-               : nullptr;
-  }
-  platform::CreatedMutex CreateNamedMutex(std::u16string_view name) override {
-    return m_threads.CreateNamedMutex(name);
-  }
-  bool givesThreads = true;
-  bool givesEvents = true;
-  int openEvents = 0;
-
- private:
-  class CountedEvent final : public platform::Event {
-   public:
-    CountedEvent(std::unique_ptr<platform::Event> event, int& open)
-        : m_event(std::move(event)), m_open(open) {
-      ++m_open;
-    }
-    ~CountedEvent() override { --m_open; }
-    void Set() override { m_event->Set(); }
-    void Reset() override { m_event->Reset(); }
-    [[nodiscard]] platform::WaitResult Wait(std::uint32_t milliseconds) override {
-      return m_event->Wait(milliseconds);
-    }
-
-   private:
-    const std::unique_ptr<platform::Event> m_event;
-    int& m_open;
-  };
-
-  platform::Threads& m_threads;
-};
-
 /// The fixture's machine with other threads.
 platform::Platform With(const platform::Platform& whole, platform::Threads& threads) {
   return {whole.files, whole.waveIn,   whole.clock,    threads,       whole.process,
@@ -273,26 +232,26 @@ platform::Platform With(const platform::Platform& whole, platform::Threads& thre
 
 TEST_F(ReinitProgressDialogTest, ClosesItsDoneEventAtItsEnd) {
   PutTags(1);
-  PoorThreads threads(m_machine.simulation);
+  support::WatchedThreads threads(m_machine.simulation);
   int openMeanwhile = 0;
-  EXPECT_EQ(ReinitializeOn(With(m_machine.Get(), threads),
-                           [&](headless::HeadlessDialog&) { openMeanwhile = threads.openEvents; }),
-            0);
+  EXPECT_EQ(
+      ReinitializeOn(With(m_machine.Get(), threads),
+                     [&](headless::HeadlessDialog&) { openMeanwhile = threads.CountEvents(); }),
+      0);
   EXPECT_EQ(openMeanwhile, 1);
-  EXPECT_EQ(threads.openEvents, 0);
+  EXPECT_EQ(threads.CountEvents(), 0);
 }
 
 TEST_F(ReinitProgressDialogTest, WithoutAThreadOrAnEventItSaysSoAndEnds) {
   PutTags(1);
   const auto old = GetTemplate(u"1");
-  PoorThreads poor(m_machine.simulation);
+  support::WatchedThreads poor(m_machine.simulation);
   const platform::Platform platform = With(m_machine.Get(), poor);
-  poor.givesThreads = false;
+  poor.Refuse({support::WatchedThreads::Made::kThread});
   EXPECT_EQ(ReinitializeOn(platform), 0);
-  poor.givesThreads = true;
-  poor.givesEvents = false;
+  poor.Refuse({support::WatchedThreads::Made::kEvent});
   EXPECT_EQ(ReinitializeOn(platform), 0);
-  poor.givesEvents = true;
+  poor.Refuse({});
   m_session.workerEvent.reset();
   EXPECT_EQ(ReinitializeOn(platform), 0);
   EXPECT_EQ(GetMessages().size(), 3U);

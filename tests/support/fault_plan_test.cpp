@@ -10,8 +10,8 @@
 #include "tests/machine/simulated_wave_out.h"
 #include "tests/machine/simulation.h"
 #include "tests/support/failing_contacts.h"
-#include "tests/support/failing_threads.h"
 #include "tests/support/failing_wave.h"
+#include "tests/support/watched_threads.h"
 
 namespace {
 
@@ -83,10 +83,10 @@ TEST(FailingContacts, AContactThatWasHandedOutCanFailToo) {
   EXPECT_EQ(name, u"Ann");
 }
 
-TEST(FailingThreads, AThreadThatIsNotMadeNeverRuns) {
+TEST(WatchedThreads, AThreadThatIsNotMadeNeverRuns) {
   FaultPlan plan;
   machine::Simulation real;
-  support::FailingThreads threads(real, plan);
+  support::WatchedThreads threads(real, plan);
   plan.FailCall(1, Failing::kOnce);
   int runs = 0;
   EXPECT_FALSE(threads.Start([&runs] { ++runs; }, platform::ThreadStart::kRunning));

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "tests/machine/simulated_contacts.h"
+#include "tests/support/watched_clock.h"
 
 namespace tags {
 namespace {
@@ -12,27 +13,18 @@ namespace {
 using machine::SimulatedContacts;
 using Opening = SimulatedContacts::Opening;
 
-class RecordingClock final : public platform::Clock {
- public:
-  std::uint32_t GetTickCount() override { return 0; }
-  [[nodiscard]] std::int64_t GetUnixTime() override { return 0; }
-  void Sleep(std::uint32_t milliseconds) override { pauses.push_back(milliseconds); }
-
-  std::vector<std::uint32_t> pauses;
-};
-
 class ContactOpening : public testing::Test {
  protected:
   std::optional<ContactMessage> Open() { return OpenContacts(m_store, m_clock); }
 
   SimulatedContacts m_store;
-  RecordingClock m_clock;
+  support::WatchedClock m_clock;
 };
 
 TEST_F(ContactOpening, LogsOnWithoutAPauseWhereAllWorks) {
   EXPECT_EQ(Open(), std::nullopt);
   EXPECT_TRUE(m_store.IsLoggedOn());
-  EXPECT_TRUE(m_clock.pauses.empty());
+  EXPECT_TRUE(m_clock.GetSleeps().empty());
 }
 
 TEST_F(ContactOpening, EndsAtOnceWithoutTheService) {
@@ -44,20 +36,20 @@ TEST_F(ContactOpening, EndsAtOnceWithoutTheService) {
 TEST_F(ContactOpening, TriesASecondTimeAfter200Milliseconds) {
   m_store.FailOpening(Opening::kConnect, 1);
   EXPECT_EQ(Open(), std::nullopt);
-  EXPECT_EQ(m_clock.pauses, std::vector<std::uint32_t>({200}));
+  EXPECT_EQ(m_clock.GetSleeps(), std::vector<std::uint32_t>({200}));
 }
 
 TEST_F(ContactOpening, TriesAThirdTimeAfterAnother200Milliseconds) {
   m_store.FailOpening(Opening::kConnect, 2);
   EXPECT_EQ(Open(), std::nullopt);
-  EXPECT_EQ(m_clock.pauses, std::vector<std::uint32_t>({200, 200}));
+  EXPECT_EQ(m_clock.GetSleeps(), std::vector<std::uint32_t>({200, 200}));
 }
 
 TEST_F(ContactOpening, GivesUpAfterTheThirdAttempt) {
   m_store.FailOpening(Opening::kConnect);
   EXPECT_EQ(Open(), ContactMessage{ContactFailure::kNotConnected});
   EXPECT_EQ(m_store.CountCalls(Opening::kConnect), 3);
-  EXPECT_EQ(m_clock.pauses, std::vector<std::uint32_t>({200, 200}));
+  EXPECT_EQ(m_clock.GetSleeps(), std::vector<std::uint32_t>({200, 200}));
   EXPECT_EQ(m_store.CountCalls(Opening::kLogon), 0);
 }
 

@@ -9,8 +9,8 @@
 #include "tests/support/failing_contacts.h"
 #include "tests/support/failing_file_system.h"
 #include "tests/support/failing_registry.h"
-#include "tests/support/failing_threads.h"
 #include "tests/support/failing_wave.h"
+#include "tests/support/watched_threads.h"
 #include "tests/tags/page_fixture.h"
 
 /// A back end whose calls fail.
@@ -66,6 +66,6 @@ class FaultyPage : public PageFixture {
   support::FailingWaveIn m_waveIn{m_machine.waveIn, m_plans[FaultyPart::kWaveIn]};
   support::FailingWaveOut m_waveOut{m_machine.waveOut, m_plans[FaultyPart::kWaveOut]};
   support::FailingContacts m_contacts{m_machine.contacts, m_plans[FaultyPart::kContacts]};
-  support::FailingThreads m_threads{m_machine.simulation, m_plans[FaultyPart::kThreads]};
+  support::WatchedThreads m_threads{m_machine.simulation, m_plans[FaultyPart::kThreads]};
   std::size_t m_messagesBefore = 0;
 };

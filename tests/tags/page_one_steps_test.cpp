@@ -10,6 +10,7 @@
 #include "audio/wave_header.h"
 #include "platform/little_endian.h"
 #include "tags/utterance_recording.h"
+#include "tests/support/watched_threads.h"
 #include "tests/tags/watched_page.h"
 
 namespace {
@@ -17,30 +18,6 @@ namespace {
 using Texts = std::vector<std::u16string>;
 using namespace resources;
 using testing::ElementsAre;
-
-/// Threads whose mutex and events are told, then made by others.
-class WatchedThreads final : public platform::Threads {
- public:
-  WatchedThreads(platform::Threads& inner, std::vector<std::string>& log)
-      : m_inner(inner), m_log(log) {}
-
-  [[nodiscard]] std::unique_ptr<platform::Thread> Start(std::function<void()> body,
-                                                        platform::ThreadStart start) override {
-    return m_inner.Start(std::move(body), start);
-  }
-  [[nodiscard]] std::unique_ptr<platform::Event> CreateManualResetEvent() override {
-    m_log.emplace_back("event");
-    return m_inner.CreateManualResetEvent();
-  }
-  [[nodiscard]] platform::CreatedMutex CreateNamedMutex(std::u16string_view name) override {
-    m_log.emplace_back("mutex");
-    return m_inner.CreateNamedMutex(name);
-  }
-
- private:
-  platform::Threads& m_inner;
-  std::vector<std::string>& m_log;
-};
 
 class PageOneSteps : public WatchedPage {
  protected:
@@ -54,7 +31,12 @@ class PageOneSteps : public WatchedPage {
 TEST_F(PageOneSteps, ThePageOpensStepByStep) {
   PutTag(u"100", kAnn, u"Mobile");
   std::vector<std::string> log;
-  WatchedThreads threads(m_machine.simulation, log);
+  support::WatchedThreads threads(m_machine.simulation);
+  threads.SetListener([&](support::WatchedThreads::Made made) {
+    if (made != support::WatchedThreads::Made::kThread) {
+      log.emplace_back(made == support::WatchedThreads::Made::kMutex ? "mutex" : "event");
+    }
+  });
   m_contacts.SetListener([&](std::string_view call) { log.emplace_back(call); });
   m_ui.SetListener([&](platform::Cursor cursor) {
     log.emplace_back(cursor == platform::Cursor::kWait ? "wait cursor" : "normal cursor");

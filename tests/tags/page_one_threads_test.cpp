@@ -1,58 +1,14 @@
 #include <gmock/gmock.h>
 
-#include <atomic>
-
 #include "backends/posix/posix_threads.h"
 #include "tests/support/temp_folder.h"
+#include "tests/support/watched_clock.h"
+#include "tests/support/watched_threads.h"
 #include "tests/tags/page_fixture.h"
 
 namespace {
 
 using namespace resources;
-
-/// Time that passes by itself: nothing waits for it, so that the worker and the page meet at all
-/// points of their ways.
-class HastyClock final : public platform::Clock {
- public:
-  [[nodiscard]] std::uint32_t GetTickCount() override { return m_now; }
-  [[nodiscard]] std::int64_t GetUnixTime() override { return 0; }
-  void Sleep(std::uint32_t milliseconds) override { m_now += milliseconds; }
-
- private:
-  std::atomic<std::uint32_t> m_now = 1000;
-};
-
-/// Real threads, whose ends are never waited for where a wait has a limit.
-class ImpatientThreads final : public platform::Threads {
- public:
-  explicit ImpatientThreads(platform::Threads& inner) : m_inner(inner) {}
-
-  [[nodiscard]] std::unique_ptr<platform::Thread> Start(std::function<void()> body,
-                                                        platform::ThreadStart start) override {
-    return std::make_unique<Thread>(m_inner.Start(std::move(body), start));
-  }
-  [[nodiscard]] std::unique_ptr<platform::Event> CreateManualResetEvent() override {
-    return m_inner.CreateManualResetEvent();
-  }
-  [[nodiscard]] platform::CreatedMutex CreateNamedMutex(std::u16string_view name) override {
-    return m_inner.CreateNamedMutex(name);
-  }
-
- private:
-  class Thread final : public platform::Thread {
-   public:
-    explicit Thread(std::unique_ptr<platform::Thread> inner) : m_inner(std::move(inner)) {}
-    void Resume() override { m_inner->Resume(); }
-    [[nodiscard]] platform::WaitResult Wait(std::uint32_t milliseconds) override {
-      return m_inner->Wait(milliseconds == platform::kNoLimit ? milliseconds : 0);
-    }
-
-   private:
-    const std::unique_ptr<platform::Thread> m_inner;
-  };
-
-  platform::Threads& m_inner;
-};
 
 /// The page with real threads, many times over; for the thread sanitizer.
 class PageOneThreads : public PageFixture {
@@ -88,7 +44,7 @@ class PageOneThreads : public PageFixture {
 
   support::TempFolder m_folder;
   posix::PosixThreads m_threads{m_folder.Path().string()};
-  HastyClock m_clock;
+  support::WatchedClock m_clock;  ///< Time passes by itself: the worker and the page meet anywhere.
 };
 
 TEST_F(PageOneThreads, RecordsOverAndOver) {
@@ -104,7 +60,8 @@ TEST_F(PageOneThreads, RecordsOverAndOver) {
 
 TEST_F(PageOneThreads, TheWorkerMayBeLateAtAnyPoint) {
   HearAShortWord();
-  ImpatientThreads impatient(m_threads);
+  support::WatchedThreads impatient(m_threads);
+  impatient.ShortenWaits(0);
   for (int i = 0; i < kTimes / 4; ++i) {
     auto& dialog = OpenOn(GetPlatformWith(impatient));
     const int before = dialog.GetItemCount(kTagListId);

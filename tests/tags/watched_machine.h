@@ -16,6 +16,7 @@
 #include "platform/ui.h"
 #include "platform/wave_out.h"
 #include "tests/support/forwarding_file_system.h"
+#include "tests/support/watched_clock.h"
 
 // Each forwards every call to a back end, and tells before it does.
 
@@ -104,29 +105,6 @@ class WatchedContacts final : public platform::ContactsStore {
 
   platform::ContactsStore& m_inner;
   std::function<void(std::string_view)> m_listener;
-};
-
-/// A clock whose sleeps are told.
-class WatchedClock final : public platform::Clock {
- public:
-  explicit WatchedClock(platform::Clock& inner) : m_inner(inner) {}
-
-  void SetListener(std::function<void(std::uint32_t)> listener) {
-    m_listener = std::move(listener);
-  }
-
-  [[nodiscard]] std::uint32_t GetTickCount() override { return m_inner.GetTickCount(); }
-  [[nodiscard]] std::int64_t GetUnixTime() override { return m_inner.GetUnixTime(); }
-  void Sleep(std::uint32_t milliseconds) override {
-    if (m_listener) {
-      m_listener(milliseconds);
-    }
-    m_inner.Sleep(milliseconds);
-  }
-
- private:
-  platform::Clock& m_inner;
-  std::function<void(std::uint32_t)> m_listener;
 };
 
 /// An output whose opening is told.

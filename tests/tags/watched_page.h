@@ -20,7 +20,7 @@ class WatchedPage : public PageFixture {
 
   WatchedFiles m_files{m_machine.files};
   WatchedContacts m_contacts{m_machine.contacts};
-  WatchedClock m_clock{m_machine.simulation};
+  support::WatchedClock m_clock{m_machine.simulation};
   WatchedUi m_ui{m_machine.ui};
   WatchedWaveOut m_waveOut{m_machine.waveOut};
 };

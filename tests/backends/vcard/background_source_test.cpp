@@ -12,7 +12,7 @@
 
 #include "backends/posix/posix_threads.h"
 #include "tests/machine/simulation.h"
-#include "tests/support/failing_threads.h"
+#include "tests/support/watched_threads.h"
 
 namespace vcard {
 namespace {
@@ -107,7 +107,7 @@ TEST(BackgroundSource, AReadingThatThrowsIsUnreadableAndEndsNothing) {
 TEST(BackgroundSource, WithoutAThreadTheCallersOwnReads) {
   posix::PosixThreads threads;
   support::FaultPlan plan;
-  support::FailingThreads failing(threads, plan);
+  support::WatchedThreads failing(threads, plan);
   plan.FailCall(1, support::Failing::kOnce);
   ScriptedSource inner(ReadOneBook);
   std::vector<Book> books;
@@ -119,7 +119,7 @@ TEST(BackgroundSource, WithoutAThreadTheCallersOwnReads) {
 TEST(BackgroundSource, AWaitThatFailsLosesNothing) {
   posix::PosixThreads threads;
   support::FaultPlan plan;
-  support::FailingThreads failing(threads, plan);
+  support::WatchedThreads failing(threads, plan);
   plan.FailCall(2, support::Failing::kOnce);
   ScriptedSource inner(ReadOneBook);
   std::vector<Book> books;
