@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Measures the speech mathematics and prints one table: times and their ratios to the product's, for
 # the vectors that the processor has and for the narrowest ones, and instructions of one run on this
-# processor and on 32-bit ARM without floating-point unit. Installs what that takes.
+# processor and on 32-bit ARM without floating-point unit. Installs what it needs.
 #
 #   tools/benchmark.sh
 set -euo pipefail

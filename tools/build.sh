@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Configures and builds one preset without chatter; where that fails, shows everything it said.
+# Configures and builds one preset without chatter. If that fails, shows all of the output.
 #
 #   tools/build.sh PRESET [-DNAME=VALUE...] [TARGET...]
 set -euo pipefail

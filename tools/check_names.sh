@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Keeps out of the tree and of the history what a reader of the project could not look up: notes of
-# the workplace it was written at, numbers of its tickets, paths of one machine.
+# Fails if the tree or the history holds what a reader of the project could not look up: notes of the
+# workplace it was written at, numbers of its tickets, paths of one machine.
 set -uo pipefail
 cd "$(dirname "$0")/.."
 

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Finds using declarations that their own file has no use for. The analyser, which reads the files of
-# a library as one, takes the use in another file for it.
+# Finds using declarations that their own file does not use. The analyser cannot: it reads the files of
+# a library as one, and counts the use in another file.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

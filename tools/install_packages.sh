@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs what is missing of the named groups of Debian packages; does nothing, and asks for no
-# rights, where all are there.
+# Installs what is missing of the named groups of Debian packages. If all are there, it does nothing
+# and asks for no rights.
 #
 #   tools/install_packages.sh GROUP...
 set -euo pipefail
@@ -48,7 +48,7 @@ for group in "$@"; do
 done
 
 if ! command -v dpkg-query >/dev/null; then
-  echo "This is not Debian. Install by hand what corresponds to: ${wanted[*]}" >&2
+  echo "This is not Debian. Please install by hand what corresponds to: ${wanted[*]}" >&2
   exit 1
 fi
 
@@ -65,7 +65,7 @@ if [ "$(id -u)" -eq 0 ]; then
 elif command -v sudo >/dev/null; then
   as_root=(sudo env)
 else
-  echo "These packages are missing, and installing them takes root or sudo: ${missing[*]}" >&2
+  echo "These packages are missing. To install them, run this as root or with sudo: ${missing[*]}" >&2
   exit 1
 fi
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Writes the golden files anew, with the release build, from the sample recordings.
+# Writes the golden files again, with the release build, from the sample recordings.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

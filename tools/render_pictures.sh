@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Renders the drawings of resources/pictures/ as PNG: the icon in every size that desktops ask for,
-# in the folders where they look for it, and each other picture in its own size and twice as large.
+# in the folders in which they look for it, and each other picture in its own size and twice as large.
 #
 #   tools/render_pictures.sh FOLDER
 set -euo pipefail
