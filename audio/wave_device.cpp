@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "audio/wave_header.h"
+#include "resources/strings.h"
 
 namespace audio {
 
@@ -29,7 +30,6 @@ constexpr std::uint32_t kCloseRetryWait = 200;
 /// then kept as it is rather than thrown away.
 constexpr std::uint32_t kUnreportedBytes = 66106;
 
-constexpr std::u16string_view kCaption = u"Zedra Voxtrel";
 // Both texts stand as they always have, slips included: users and support know them so, and they
 // are no part of the language file.
 constexpr std::u16string_view kNoDevices = u"There are no wave-record devices in you computer.";
@@ -201,7 +201,8 @@ Result<void, FileError> WaveDevice::PublishFile(platform::Durability durability)
 
 void WaveDevice::ShowTopmost(std::u16string text) {
   m_platform.ui.ShowMessage({std::move(text), platform::MessageCaption::kText,
-                             std::u16string(kCaption), platform::MessageStyle::kTopmost});
+                             std::u16string(resources::kAppletName),
+                             platform::MessageStyle::kTopmost});
 }
 
 }  // namespace audio

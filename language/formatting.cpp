@@ -6,7 +6,6 @@ namespace language {
 namespace {
 
 constexpr std::u16string_view kNumberPlaceholder = u"%d";
-constexpr std::u16string_view kTagLimit = u"100";
 
 }  // namespace
 
@@ -38,9 +37,9 @@ std::u16string EnglishCountLabel(std::int32_t tagCount) {
   return FormatNumber(resources::kLearnedCommands.GetEnglish(), tagCount);
 }
 
-std::u16string TagLimitMessage(const Texts& texts) {
+std::u16string TagLimitMessage(const Texts& texts, std::int32_t limit) {
   std::u16string message(texts(resources::kTagLimit));
-  message += kTagLimit;
+  message += Decimal(limit);
   return message;
 }
 

@@ -24,7 +24,7 @@ namespace language {
 
 /// The refusal of a tag beyond the last one that there is room for. The number follows the text
 /// directly.
-[[nodiscard]] std::u16string TagLimitMessage(const Texts& texts);
+[[nodiscard]] std::u16string TagLimitMessage(const Texts& texts, std::int32_t limit);
 
 /// What is said where there is no recording to test: two texts with an empty line between them.
 [[nodiscard]] std::u16string NoVoiceTagsMessage(const Texts& texts);

@@ -33,7 +33,7 @@ void ReinitMonitor::StartWorker() {
   if (m_page == nullptr) {
     m_platform.ui.ShowMessage(
         {std::u16string(resources::kReinitWithoutPage), platform::MessageCaption::kText,
-         std::u16string(resources::kVoxtrelCaption), platform::MessageStyle::kTopmost});
+         std::u16string(resources::kAppletName), platform::MessageStyle::kTopmost});
     return;
   }
   if (platform::Thread* worker = m_page->GetReinitWorker()) {

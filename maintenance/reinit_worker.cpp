@@ -18,7 +18,7 @@ constexpr std::uint32_t kLongestWaitForBar = 10'000;
 
 /// What the list shows for the tag of a recording; the bare name where no tag has it.
 std::u16string_view FindDisplayText(const storage::TagTable& tags, std::u16string_view tagName) {
-  const std::int32_t count = std::min(tags.tagCount, storage::TagTable::kCapacity);
+  const std::int32_t count = std::min(tags.tagCount, storage::kMaxTags);
   for (std::int32_t i = 0; i < count; ++i) {
     const storage::TagRecord& record = *tags.GetRecord(i);
     if (record.GetTagName() == tagName && !record.GetDisplayText().empty()) {
@@ -99,7 +99,7 @@ bool ReinitWorker::Recompute(std::u16string_view waveFile) {
 void ReinitWorker::ReportNoRecordings() {
   m_platform.ui.ShowMessage(
       {std::u16string(resources::kNoRecordings), platform::MessageCaption::kText,
-       std::u16string(resources::kVoxtrelCaption), platform::MessageStyle::kTopmost});
+       std::u16string(resources::kAppletName), platform::MessageStyle::kTopmost});
   m_platform.process.End(0);
   // Only where the process goes on without the applet.
   m_progress.End();

@@ -88,7 +88,7 @@ class Checker {
       Report(StoreProblem::kRegistryUnreadable);
       m_hasAllTags = false;
     }
-    if (m_tags.size() > static_cast<std::size_t>(storage::TagTable::kCapacity)) {
+    if (m_tags.size() > static_cast<std::size_t>(storage::kMaxTags)) {
       Report(StoreProblem::kTooManyTags);
     }
   }

@@ -12,9 +12,7 @@
 
 namespace maintenance {
 
-namespace {
-constexpr auto kSlots = static_cast<std::int32_t>(voicemath::CVoiceMathematics::kStoredSlots);
-}  // namespace
+static_assert(voicemath::CVoiceMathematics::kStoredSlots == storage::kMaxTags);
 
 LoadedTemplates TemplateLoader::Load(const storage::TagTable& tags) {
   m_loaded = {};
@@ -27,7 +25,7 @@ LoadedTemplates TemplateLoader::Load(const storage::TagTable& tags) {
 }
 
 void TemplateLoader::LoadTags(const storage::TagTable& tags) {
-  const std::int32_t count = std::min(tags.tagCount, kSlots);
+  const std::int32_t count = std::min(tags.tagCount, storage::kMaxTags);
   m_loaded.wavePaths.resize(static_cast<std::size_t>(count));
   for (std::int32_t tag = 0; tag < count; ++tag) {
     const std::u16string_view name = tags.GetRecord(tag)->GetTagName();
@@ -50,7 +48,7 @@ void TemplateLoader::LoadFolder() {
     return;
   }
   auto found = (*search)->Next();
-  for (std::int32_t tag = 0; (!found || *found) && tag < kSlots;) {
+  for (std::int32_t tag = 0; (!found || *found) && tag < storage::kMaxTags;) {
     if (found) {
       const std::u16string path = storage::WaveFilePath((*found)->name);
       m_loaded.wavePaths.resize(static_cast<std::size_t>(tag) + 1);

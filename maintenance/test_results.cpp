@@ -26,7 +26,7 @@ std::u16string_view NameOf(const LoadedTemplates& loaded, std::int32_t tag) {
 /// cut and can so become the same; the last record of a name then counts.
 void ForRecords(const storage::TagTable& tags, std::u16string_view name,
                 const std::function<void(std::int32_t, const storage::TagRecord&)>& use) {
-  const std::int32_t count = std::min(tags.tagCount, storage::TagTable::kCapacity);
+  const std::int32_t count = std::min(tags.tagCount, storage::kMaxTags);
   for (std::int32_t i = 0; !name.empty() && i < count; ++i) {
     const storage::TagRecord& record = *tags.GetRecord(i);
     if (record.GetTagName() == name) {

@@ -1,13 +1,15 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
 
 namespace platform {
 
-/// The telephone numbers of a contact that the system knows, with their stored codes.
-enum class PhoneNumberKind : std::int8_t {
+/// The kinds of telephone number that the system knows, with their stored codes. A contact has one
+/// number of each kind.
+enum class PhoneKind : std::int8_t {
   kCar = 0,
   kRadio = 1,
   kMobile = 2,
@@ -19,6 +21,9 @@ enum class PhoneNumberKind : std::int8_t {
   kHome2 = 8,
   kHomeFax = 9,
 };
+
+/// How many kinds there are. Every table that is indexed by a kind has this many entries.
+inline constexpr std::size_t kPhoneKindCount = static_cast<std::size_t>(PhoneKind::kHomeFax) + 1;
 
 /// One contact. Each getter can fail by itself; it returns false then and leaves `text` alone. A
 /// part that the contact lacks is an empty text.
@@ -33,7 +38,7 @@ class Contact {
   [[nodiscard]] virtual bool GetMiddleName(std::u16string& text) = 0;
   [[nodiscard]] virtual bool GetLastName(std::u16string& text) = 0;
   [[nodiscard]] virtual bool GetCompanyName(std::u16string& text) = 0;
-  [[nodiscard]] virtual bool GetNumber(PhoneNumberKind kind, std::u16string& text) = 0;
+  [[nodiscard]] virtual bool GetNumber(PhoneKind kind, std::u16string& text) = 0;
 
   /// The stable identifier under which tags remember the contact; 0 is never one.
   [[nodiscard]] virtual bool GetOid(std::int32_t& oid) = 0;

@@ -26,9 +26,6 @@ class Text {
   std::u16string_view m_english;
 };
 
-/// Texts for the ten kinds of telephone number, indexed by the stored code of the kind.
-using NumberTexts = std::array<Text, 10>;
-
 // Property sheet.
 inline constexpr Text kSheetCaption(u"ID_S_PROP_TTL");
 inline constexpr Text kLearningTab(u"ID_TAB_2");
@@ -84,14 +81,21 @@ inline constexpr Text kMiddleNameFailed(u"ID_S_MESSAGE_D8");
 inline constexpr Text kLastNameFailed(u"ID_S_MESSAGE_D9");
 inline constexpr Text kCompanyNameFailed(u"ID_S_MESSAGE_D10");
 
-// The same failure is worded in three ways, and the numbers of the keys do not follow the kinds.
-inline constexpr NumberTexts kNumberFailedWhileLoading = {
-    Text(u"ID_S_MESSAGE_D14"), Text(u"ID_S_MESSAGE_D13"), Text(u"ID_S_MESSAGE_D11"),
-    Text(u"ID_S_MESSAGE_D15"), Text(u"ID_S_MESSAGE_D16"), Text(u"ID_S_MESSAGE_D17"),
-    Text(u"ID_S_MESSAGE_D18"), Text(u"ID_S_MESSAGE_D19"), Text(u"ID_S_MESSAGE_D20"),
+// Each is indexed by the stored code of the kind of number. The same failure is worded in three
+// ways, and the numbers of the keys do not follow the kinds.
+inline constexpr auto kNumberFailedWhileLoading = std::to_array<Text>({
+    Text(u"ID_S_MESSAGE_D14"),
+    Text(u"ID_S_MESSAGE_D13"),
+    Text(u"ID_S_MESSAGE_D11"),
+    Text(u"ID_S_MESSAGE_D15"),
+    Text(u"ID_S_MESSAGE_D16"),
+    Text(u"ID_S_MESSAGE_D17"),
+    Text(u"ID_S_MESSAGE_D18"),
+    Text(u"ID_S_MESSAGE_D19"),
+    Text(u"ID_S_MESSAGE_D20"),
     Text(u"ID_S_MESSAGE_D21"),
-};
-inline constexpr NumberTexts kNumberFailedWhileRecording = {
+});
+inline constexpr auto kNumberFailedWhileRecording = std::to_array<Text>({
     Text(u"ID_S_MESSAGE_D14"),
     Text(u"ID_S_MESSAGE_D13"),
     Text(u"ID_S_MESSAGE_D11"),
@@ -102,8 +106,8 @@ inline constexpr NumberTexts kNumberFailedWhileRecording = {
     Text(u"ID_S_MESSAGE_D19"),
     Text(u"ID_S_MESSAGE_D20"),
     Text(u"ID_S_MESSAGE_D21", u"Failed to get HomeFax phone number"),
-};
-inline constexpr NumberTexts kNumberFailedInTagList = {
+});
+inline constexpr auto kNumberFailedInTagList = std::to_array<Text>({
     Text(u"ID_S_MESSAGE_D14"),
     Text(u"ID_S_MESSAGE_D13", u"Failed to get Radio phone number"),
     Text(u"ID_S_MESSAGE_D11", u"Failed to get Mobile phone number"),
@@ -114,7 +118,7 @@ inline constexpr NumberTexts kNumberFailedInTagList = {
     Text(u"ID_S_MESSAGE_D19"),
     Text(u"ID_S_MESSAGE_D20", u"Failed to get Home2 phone number"),
     Text(u"ID_S_MESSAGE_D21", u"Failed to get HomeFax phone number"),
-};
+});
 
 // Test dialog.
 inline constexpr Text kTestTitle(u"ID_STTL3");
@@ -131,10 +135,9 @@ inline constexpr Text kReinitSearchFailed(u"ID_S_MESSAGE_1");
 
 // Texts without a key: the same in every language.
 
-/// Entry 1 of the string table: the applet's name in the control panel.
+/// The applet's name: in the control panel, as entry 1 of the string table, and as the caption of
+/// the boxes that are never translated.
 inline constexpr std::u16string_view kAppletName = u"Zedra Voxtrel";
-/// Caption of the boxes that are never translated.
-inline constexpr std::u16string_view kVoxtrelCaption = u"Zedra Voxtrel";
 /// Caption of the boxes about the numbers of a contact just chosen; the companion's name.
 inline constexpr std::u16string_view kDialerCaption = u"Zedra Dialer";
 inline constexpr std::u16string_view kBackPointerMissing = u"error set_Pageone_point";
@@ -187,13 +190,18 @@ inline constexpr std::u16string_view kTagsDestroyed =
 inline constexpr std::u16string_view kRecordingsWillBeDeleted =
     u"Recordings that will be deleted: %d";
 /// Indexed by the stored code of the kind.
-inline constexpr std::array<std::u16string_view, 10> kNumberFailedOnSelection = {
-    u"Failed to get car phone number",         u"Failed to get Radio phone number",
-    u"Failed to get Mobile phone number",      u"Failed to get Assistant phone number",
-    u"Failed to get Business phone number",    u"Failed to get Business2 phone number",
-    u"Failed to get BusinessFax phone number", u"Failed to get Home phone number",
-    u"Failed to get Home2 phone number",       u"Failed to get HomeFax phone number",
-};
+inline constexpr auto kNumberFailedOnSelection = std::to_array<std::u16string_view>({
+    u"Failed to get car phone number",
+    u"Failed to get Radio phone number",
+    u"Failed to get Mobile phone number",
+    u"Failed to get Assistant phone number",
+    u"Failed to get Business phone number",
+    u"Failed to get Business2 phone number",
+    u"Failed to get BusinessFax phone number",
+    u"Failed to get Home phone number",
+    u"Failed to get Home2 phone number",
+    u"Failed to get HomeFax phone number",
+});
 
 /// Entries of the string table, by their number.
 inline constexpr int kAppletNameString = 1;

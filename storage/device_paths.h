@@ -33,6 +33,9 @@ inline constexpr std::u16string_view kWavePattern =
     u"\\Program Files\\Zedra Tech.\\Zedra Voxtrel\\Voxtrel_wav\\*.wav";
 inline constexpr std::u16string_view kTemplatePattern =
     u"\\Program Files\\Zedra Tech.\\Zedra Voxtrel\\Voxtrel_stor\\*.st";
+static_assert(kWavePattern.starts_with(kWaveFolder) && kWavePattern.ends_with(kWaveExtension));
+static_assert(kTemplatePattern.starts_with(kTemplateFolder) &&
+              kTemplatePattern.ends_with(kTemplateExtension));
 
 [[nodiscard]] std::u16string WavePath(std::u16string_view tagName);
 [[nodiscard]] std::u16string TemplatePath(std::u16string_view tagName);

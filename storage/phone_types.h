@@ -8,29 +8,30 @@
 
 namespace storage {
 
-/// How a kind of telephone number stands in a tag, and behind the number in lists.
+/// How a kind of telephone number is written: in a tag's entry, and after the number in lists.
 struct PhoneType {
-  platform::PhoneNumberKind kind = platform::PhoneNumberKind::kCar;
+  platform::PhoneKind kind = platform::PhoneKind::kCar;
   std::u16string_view word;
   std::u16string_view abbreviation;
 };
 
 /// In the order of the kinds' codes, which is also that in which a stored word is tested.
-inline constexpr std::array<PhoneType, 10> kPhoneTypes{{
-    {platform::PhoneNumberKind::kCar, u"Car", u"C"},
-    {platform::PhoneNumberKind::kRadio, u"Radio", u"R"},
-    {platform::PhoneNumberKind::kMobile, u"Mobile", u"M"},
-    {platform::PhoneNumberKind::kAssistant, u"Assistant", u"A"},
-    {platform::PhoneNumberKind::kBusiness, u"Business", u"B"},
-    {platform::PhoneNumberKind::kBusiness2, u"Business2", u"B2"},
-    {platform::PhoneNumberKind::kBusinessFax, u"BusinessFax", u"Bx"},
-    {platform::PhoneNumberKind::kHome, u"Home", u"H"},
-    {platform::PhoneNumberKind::kHome2, u"Home2", u"H2"},
-    {platform::PhoneNumberKind::kHomeFax, u"HomeFax", u"Hx"},
-}};
+inline constexpr std::array kPhoneTypes = std::to_array<PhoneType>({
+    {platform::PhoneKind::kCar, u"Car", u"C"},
+    {platform::PhoneKind::kRadio, u"Radio", u"R"},
+    {platform::PhoneKind::kMobile, u"Mobile", u"M"},
+    {platform::PhoneKind::kAssistant, u"Assistant", u"A"},
+    {platform::PhoneKind::kBusiness, u"Business", u"B"},
+    {platform::PhoneKind::kBusiness2, u"Business2", u"B2"},
+    {platform::PhoneKind::kBusinessFax, u"BusinessFax", u"Bx"},
+    {platform::PhoneKind::kHome, u"Home", u"H"},
+    {platform::PhoneKind::kHome2, u"Home2", u"H2"},
+    {platform::PhoneKind::kHomeFax, u"HomeFax", u"Hx"},
+});
+static_assert(kPhoneTypes.size() == platform::kPhoneKindCount);
 
-/// The type whose word is exactly `word`, letter case included. A word that is none of them is no
-/// error: such a tag is shown without a number.
+/// Returns the type whose word is exactly `word`, letter case included. Returns nothing for any
+/// other word. That is no error: such a tag is shown without a number.
 [[nodiscard]] constexpr std::optional<PhoneType> FindPhoneType(std::u16string_view word) {
   for (const PhoneType& type : kPhoneTypes) {
     if (type.word == word) {
@@ -40,7 +41,7 @@ inline constexpr std::array<PhoneType, 10> kPhoneTypes{{
   return std::nullopt;
 }
 
-[[nodiscard]] constexpr const PhoneType& GetPhoneType(platform::PhoneNumberKind kind) {
+[[nodiscard]] constexpr const PhoneType& GetPhoneType(platform::PhoneKind kind) {
   return kPhoneTypes[static_cast<std::size_t>(kind)];
 }
 

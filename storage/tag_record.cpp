@@ -16,7 +16,7 @@ void Store(std::u16string_view text, std::array<char16_t, kLength>& field) {
   std::copy(kept.begin(), kept.end(), field.begin());
 }
 
-bool HasRoomFor(std::int32_t index) { return index >= 0 && index < TagTable::kCapacity; }
+bool HasRoomFor(std::int32_t index) { return index >= 0 && index < kMaxTags; }
 
 template <std::size_t kLength>
 std::u16string_view Read(const std::array<char16_t, kLength>& field) {

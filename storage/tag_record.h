@@ -22,11 +22,12 @@ struct TagRecord {
   [[nodiscard]] std::u16string_view GetDisplayText() const;
 };
 
+/// The most tags that there can be.
+inline constexpr std::int32_t kMaxTags = 100;
+
 /// The learned tags, and room for as many as there can be.
 class TagTable {
  public:
-  static constexpr std::int32_t kCapacity = 100;
-
   /// How many tags there are said to be. Counted from the registry, which other programs write as
   /// well, so it may be more than there is room for.
   std::int32_t tagCount = 0;
@@ -43,7 +44,7 @@ class TagTable {
   void Clear();
 
  private:
-  std::array<TagRecord, kCapacity> m_records{};
+  std::array<TagRecord, kMaxTags> m_records{};
 };
 
 /// The name of a tag that is recorded at this tick count: its decimal text as a signed number.

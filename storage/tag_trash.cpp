@@ -259,7 +259,7 @@ RestoreResult TagTrash::Restore(const TrashedTag& tag) const {
     if (TagStore(m_files, m_registry).ListNames(names) != RegistryError::kNone) {
       return RestoreResult::kFailed;
     }
-    if (names.size() >= static_cast<std::size_t>(TagTable::kCapacity)) {
+    if (names.size() >= static_cast<std::size_t>(kMaxTags)) {
       return RestoreResult::kTooMany;
     }
   }

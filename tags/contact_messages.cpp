@@ -17,6 +17,11 @@ namespace {
 constexpr std::u16string_view kSelectedContactFailed =
     u"Failed to get IContact in OnSelchangeComboName";
 
+static_assert(resources::kNumberFailedWhileLoading.size() == platform::kPhoneKindCount);
+static_assert(resources::kNumberFailedWhileRecording.size() == platform::kPhoneKindCount);
+static_assert(resources::kNumberFailedInTagList.size() == platform::kPhoneKindCount);
+static_assert(resources::kNumberFailedOnSelection.size() == platform::kPhoneKindCount);
+
 const resources::Text& NumberText(const ContactMessage& message) {
   const auto code = static_cast<std::size_t>(message.kind);
   switch (message.reader) {

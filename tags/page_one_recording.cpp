@@ -21,7 +21,6 @@ constexpr std::uint32_t kBeepMilliseconds = 150;  ///< The user hears the cue to
 constexpr int kProgressSteps = 10;
 constexpr std::uint32_t kProgressStepMilliseconds = 300;
 constexpr std::uint32_t kLongestWait = 10'000;
-constexpr std::int32_t kTagLimit = storage::TagTable::kCapacity;
 constexpr int kProgressGap = 10;  ///< Between the Record button and the bar.
 
 /// A progress bar that goes when the recording is over, whichever way it ended.
@@ -58,8 +57,9 @@ void Page_one::OnRecord() {
   m_platform.ui.Beep(platform::Sound::kExclamation);
   m_platform.clock.Sleep(kBeepMilliseconds);
   // Asked after the beep, as ever.
-  if (m_tags.tagCount >= kTagLimit) {
-    m_platform.ui.ShowMessage(platform::ApplicationBox(language::TagLimitMessage(m_texts)));
+  if (m_tags.tagCount >= storage::kMaxTags) {
+    m_platform.ui.ShowMessage(
+        platform::ApplicationBox(language::TagLimitMessage(m_texts, storage::kMaxTags)));
     return;
   }
   m_recordingPath = storage::WavePath(tagName);

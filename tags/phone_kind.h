@@ -8,13 +8,14 @@
 
 namespace tags {
 
-using PhoneKind = platform::PhoneNumberKind;
+using platform::PhoneKind;
 
 /// The order in which the numbers of a contact are gathered.
-inline constexpr std::array<PhoneKind, 10> kReadingOrder = {
+inline constexpr std::array kReadingOrder = {
     PhoneKind::kMobile,   PhoneKind::kRadio,     PhoneKind::kCar,         PhoneKind::kAssistant,
     PhoneKind::kBusiness, PhoneKind::kBusiness2, PhoneKind::kBusinessFax, PhoneKind::kHome,
     PhoneKind::kHome2,    PhoneKind::kHomeFax};
+static_assert(kReadingOrder.size() == platform::kPhoneKindCount);
 
 /// A number as the number combo box shows it: "555 Home2".
 [[nodiscard]] std::u16string ToComboItem(std::u16string_view number, PhoneKind kind);

@@ -10,6 +10,7 @@
 
 namespace voicemath {
 
+/// The most templates that are kept and compared: one for each tag that there can be.
 inline constexpr std::size_t kMostTemplates = 100;
 
 /// Asked now and then by a search, with the share of the work that is done: whether to go on. Empty

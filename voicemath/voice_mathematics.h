@@ -49,8 +49,8 @@ enum HeaderCode : int {
 /// they load a base themselves, the count.
 class CVoiceMathematics : public framework::CObject {
  public:
-  static constexpr std::size_t kSlotCount = 101;
-  static constexpr std::size_t kStoredSlots = 100;
+  static constexpr std::size_t kSlotCount = kMostTemplates + 1;
+  static constexpr std::size_t kStoredSlots = kMostTemplates;
 
   CVoiceMathematics(platform::FileSystem& files, platform::Ui& ui);
 

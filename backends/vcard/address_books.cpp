@@ -33,7 +33,7 @@ class AddressBooks::ReadContact final : public platform::Contact {
     text = m_contact->data.companyName;
     return true;
   }
-  [[nodiscard]] bool GetNumber(platform::PhoneNumberKind kind, std::u16string& text) override {
+  [[nodiscard]] bool GetNumber(platform::PhoneKind kind, std::u16string& text) override {
     text = m_contact->data.numbers[static_cast<std::size_t>(kind)];
     return true;
   }

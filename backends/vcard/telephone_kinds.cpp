@@ -12,7 +12,7 @@
 namespace vcard {
 namespace {
 
-using Kind = platform::PhoneNumberKind;
+using Kind = platform::PhoneKind;
 using Words = std::vector<std::string>;
 
 /// Words that several programs write for the same thing.

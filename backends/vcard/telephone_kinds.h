@@ -19,8 +19,8 @@ struct TelephoneLine {
   int preference = 0;  ///< 1 to 100, the first one first; 0 if the line does not say.
 };
 
-/// A contact's numbers, indexed by the code of platform::PhoneNumberKind.
-using Numbers = std::array<std::u16string, 10>;
+/// A contact's numbers, indexed by the code of platform::PhoneKind.
+using Numbers = std::array<std::u16string, platform::kPhoneKindCount>;
 
 /// Appends the words that a type such as "X-EVOLUTION-RADIO" or "work,voice", or a label such as
 /// "_$!<HomeFAX>!$_", stands for.

@@ -22,7 +22,7 @@ std::span<const std::byte> GetPicture(int number) {
 class QtPresentation final : public Presentation {
  public:
   QtPresentation(platform::Clock& clock, platform::Threads& threads)
-      : m_ui(m_thread, resources::kVoxtrelCaption, {GetPicture}),
+      : m_ui(m_thread, resources::kAppletName, {GetPicture}),
         m_clock(m_thread, clock),
         m_threads(m_thread, threads) {}
 

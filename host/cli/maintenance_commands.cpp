@@ -46,7 +46,7 @@ struct ReinitOutcome {
 };
 
 std::string FindListText(const storage::TagTable& tags, std::u16string_view name) {
-  for (std::int32_t i = 0; i < storage::TagTable::kCapacity; ++i) {
+  for (std::int32_t i = 0; i < storage::kMaxTags; ++i) {
     if (const storage::TagRecord* record = tags.GetRecord(i); record->GetTagName() == name) {
       return text::ToUtf8(record->GetDisplayText());
     }

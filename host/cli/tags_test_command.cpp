@@ -86,11 +86,10 @@ void Test(Session& session) {
                                  });
   session.GetUi().SetDialogStory(resources::kComparisonDialog.id, WatchComparison);
   dialog.DoModal();
-  constexpr std::int32_t kMost = storage::TagTable::kCapacity;
-  PrintTest(session, items, dialog, std::max(table.tagCount - kMost, 0));
-  if (table.tagCount > kMost) {
-    session.Fail(
-        fmt::format("only the first {} of {} voice tags were compared", kMost, table.tagCount));
+  PrintTest(session, items, dialog, std::max(table.tagCount - storage::kMaxTags, 0));
+  if (table.tagCount > storage::kMaxTags) {
+    session.Fail(fmt::format("only the first {} of {} voice tags were compared", storage::kMaxTags,
+                             table.tagCount));
   }
   if (!dialog.IsComplete()) {
     session.Fail("not all tags were compared; `voxtrel check` says what is wrong with them");

@@ -115,7 +115,8 @@ Json DistancesToJson(const CVoiceMathematics& mathematics, std::int32_t count) {
 
 void Compare(Session& session, const std::vector<std::string>& files) {
   if (files.size() > CVoiceMathematics::kStoredSlots) {
-    throw CLI::ValidationError("st", "more than 100 templates");
+    throw CLI::ValidationError(
+        "st", fmt::format("more than {} templates", CVoiceMathematics::kStoredSlots));
   }
   const platform::Platform platform = session.GetPlatform();
   const auto mathematics = std::make_unique<CVoiceMathematics>(platform.files, platform.ui);
@@ -153,7 +154,10 @@ void AddTemplateCommands(CLI::App& app, Session& session) {
 
   CLI::App* compare =
       group->add_subcommand("compare", "Tell how alike templates are (0 same, at most 2)");
-  compare->add_option("st", *templates, "The template files, at most 100")->required();
+  compare
+      ->add_option("st", *templates,
+                   fmt::format("The template files, at most {}", CVoiceMathematics::kStoredSlots))
+      ->required();
   compare->callback([&session, templates] { Compare(session, *templates); });
 }
 

@@ -116,7 +116,7 @@ std::string Explain(RestoreResult result) {
       return "there is a tag or a file of that name";
     case RestoreResult::kTooMany:
       return fmt::format("there are {} tags already, which is the most there can be",
-                         storage::TagTable::kCapacity);
+                         storage::kMaxTags);
     case RestoreResult::kFull:
       return "the disk is full";
     case RestoreResult::kNoFolder:

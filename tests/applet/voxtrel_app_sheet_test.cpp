@@ -129,7 +129,7 @@ TEST_F(VoxtrelAppSheet, ASecondOpeningHasTwoTabsAsTheFirst) {
 
 TEST_F(VoxtrelAppSheet, OpensAndClosesManyTimesInOneProcess) {
   machine::SimulatedContact ann{.oid = 17, .firstName = u"Ann", .lastName = u"Lee"};
-  ann.Number(platform::PhoneNumberKind::kMobile) = u"5551234";
+  ann.Number(platform::PhoneKind::kMobile) = u"5551234";
   m_machine.contacts.Add(ann);
   const auto app = Start();
   constexpr int kOpenings = 50;
@@ -154,7 +154,7 @@ TEST_F(VoxtrelAppSheet, OpensAndClosesManyTimesInOneProcess) {
 
 TEST_F(VoxtrelAppSheet, ASecondOpeningReadsContactsAndTagsAgainAndDoublesNothing) {
   machine::SimulatedContact ann{.oid = 17, .firstName = u"Ann", .lastName = u"Lee"};
-  ann.Number(platform::PhoneNumberKind::kMobile) = u"5551234";
+  ann.Number(platform::PhoneKind::kMobile) = u"5551234";
   m_machine.contacts.Add(ann);
   const std::u16string tag = std::u16string(storage::kTagKey) + u"\\100";
   for (const auto& [name, text] :
@@ -170,7 +170,7 @@ TEST_F(VoxtrelAppSheet, ASecondOpeningReadsContactsAndTagsAgainAndDoublesNothing
       EXPECT_EQ(page.GetText(resources::kCountLabelId), u"Learned commands: 1") << opening;
       EXPECT_EQ(page.GetItems(resources::kContactComboId).size(), opening == 1 ? 1U : 2U);
       machine::SimulatedContact bob{.oid = 18, .firstName = u"Bob", .lastName = u"Ray"};
-      bob.Number(platform::PhoneNumberKind::kMobile) = u"5555678";
+      bob.Number(platform::PhoneKind::kMobile) = u"5555678";
       m_machine.contacts.Add(bob);
     });
     EXPECT_EQ(Open(*app), 0);

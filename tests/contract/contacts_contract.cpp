@@ -100,7 +100,7 @@ TEST_P(ContactsContract, GivesEveryPartOfAContact) {
   EXPECT_TRUE(contact->GetCompanyName(text));
   EXPECT_EQ(text, wanted.companyName);
   for (std::size_t i = 0; i < wanted.numbers.size(); ++i) {
-    EXPECT_TRUE(contact->GetNumber(static_cast<platform::PhoneNumberKind>(i), text));
+    EXPECT_TRUE(contact->GetNumber(static_cast<platform::PhoneKind>(i), text));
     EXPECT_EQ(text, wanted.numbers[i]);
   }
 }
@@ -116,7 +116,7 @@ TEST_P(ContactsContract, GivesAnEmptyTextForWhatAContactLacks) {
     EXPECT_EQ(text, u"");
   }
   std::u16string number = u"before";
-  EXPECT_TRUE(contact->GetNumber(platform::PhoneNumberKind::kHome, number));
+  EXPECT_TRUE(contact->GetNumber(platform::PhoneKind::kHome, number));
   EXPECT_EQ(number, u"");
 }
 

@@ -20,7 +20,7 @@ struct WantedContact {
   std::u16string middleName;
   std::u16string lastName;
   std::u16string companyName;
-  std::array<std::u16string, 10> numbers;
+  std::array<std::u16string, platform::kPhoneKindCount> numbers;
 };
 
 /// A store over a source of its own, which is empty at first.

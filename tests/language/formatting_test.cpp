@@ -55,13 +55,13 @@ TEST(CountLabel, IsEnglishAfterTheDeletionOfOneTag) {
 }
 
 TEST(TagLimitMessage, EndsWithTheLimit) {
-  EXPECT_EQ(language::TagLimitMessage(Texts()), u"Tags number exceeds limit: 100");
+  EXPECT_EQ(language::TagLimitMessage(Texts(), 100), u"Tags number exceeds limit: 100");
 }
 
 TEST(TagLimitMessage, JoinsTheLimitDirectlyToTheTextOfTheLanguageFile) {
   LanguageTable table;
   table.LoadFrom(FileOf(u"ID_S_MESSAGE_EX Zu viele:  \r\n"));
-  EXPECT_EQ(language::TagLimitMessage(Texts(&table)), u"Zu viele:100");
+  EXPECT_EQ(language::TagLimitMessage(Texts(&table), 100), u"Zu viele:100");
 }
 
 TEST(NoVoiceTagsMessage, IsTwoParagraphs) {

@@ -107,9 +107,9 @@ TEST(Strings, ReadTheSameWithTheTemplateForALanguageFile) {
   }
   EXPECT_EQ(language::CountLabel(loaded, 5), language::CountLabel(builtIn, 5));
   EXPECT_EQ(language::NoVoiceTagsMessage(loaded), language::NoVoiceTagsMessage(builtIn));
-  std::u16string limit = language::TagLimitMessage(loaded);
+  std::u16string limit = language::TagLimitMessage(loaded, 100);
   std::replace(limit.begin(), limit.end(), u'\u00A0', u' ');
-  EXPECT_EQ(limit, language::TagLimitMessage(builtIn));
+  EXPECT_EQ(limit, language::TagLimitMessage(builtIn, 100));
 }
 
 TEST(Strings, NameTheKindsOfNumberByTheirCodes) {
@@ -128,7 +128,7 @@ TEST(Strings, NameTheKindsOfNumberByTheirCodes) {
     }
     return result;
   };
-  for (const resources::NumberTexts* texts :
+  for (const auto* texts :
        {&resources::kNumberFailedWhileLoading, &resources::kNumberFailedWhileRecording,
         &resources::kNumberFailedInTagList}) {
     for (std::size_t code = 0; code < texts->size(); ++code) {

@@ -26,7 +26,7 @@ class LiveContact final : public platform::Contact {
   [[nodiscard]] bool GetCompanyName(std::u16string& text) override {
     return Give(m_contact->companyName, m_contact->companyNameFails, text);
   }
-  [[nodiscard]] bool GetNumber(platform::PhoneNumberKind kind, std::u16string& text) override {
+  [[nodiscard]] bool GetNumber(platform::PhoneKind kind, std::u16string& text) override {
     const auto code = static_cast<std::size_t>(kind);
     return Give(m_contact->numbers[code], m_contact->numberFails[code], text);
   }

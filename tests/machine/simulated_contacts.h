@@ -14,26 +14,24 @@ namespace machine {
 
 /// One settable contact. Each of its getters can be made to fail.
 struct SimulatedContact {
-  static constexpr std::size_t kNumberCount = 10;
-
   std::int32_t oid = 0;
   std::u16string firstName = {};
   std::u16string middleName = {};
   std::u16string lastName = {};
   std::u16string companyName = {};
-  std::array<std::u16string, kNumberCount> numbers = {};  ///< Indexed by the code of the kind.
+  std::array<std::u16string, platform::kPhoneKindCount> numbers = {};  ///< Indexed by the code of the kind.
 
   bool firstNameFails = false;
   bool middleNameFails = false;
   bool lastNameFails = false;
   bool companyNameFails = false;
   bool oidFails = false;
-  std::array<bool, kNumberCount> numberFails{};
+  std::array<bool, platform::kPhoneKindCount> numberFails{};
 
-  [[nodiscard]] std::u16string& Number(platform::PhoneNumberKind kind) {
+  [[nodiscard]] std::u16string& Number(platform::PhoneKind kind) {
     return numbers[static_cast<std::size_t>(kind)];
   }
-  void FailNumber(platform::PhoneNumberKind kind) {
+  void FailNumber(platform::PhoneKind kind) {
     numberFails[static_cast<std::size_t>(kind)] = true;
   }
 };

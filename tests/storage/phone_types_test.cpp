@@ -24,8 +24,8 @@ TEST(PhoneTypes, HaveTheAbbreviationsOfTheLists) {
 
 TEST(PhoneTypes, AreFoundByTheExactWord) {
   ASSERT_TRUE(FindPhoneType(u"BusinessFax"));
-  EXPECT_EQ(FindPhoneType(u"BusinessFax")->kind, platform::PhoneNumberKind::kBusinessFax);
-  EXPECT_EQ(FindPhoneType(u"Home")->kind, platform::PhoneNumberKind::kHome);
+  EXPECT_EQ(FindPhoneType(u"BusinessFax")->kind, platform::PhoneKind::kBusinessFax);
+  EXPECT_EQ(FindPhoneType(u"Home")->kind, platform::PhoneKind::kHome);
 }
 
 TEST(PhoneTypes, AWordThatIsNoneOfThemIsNotFound) {

@@ -111,11 +111,11 @@ TEST(TagTable, RemovingARecordMovesTheLaterOnesDown) {
 }
 
 TEST(TagTable, RemovingFromAFullTableEmptiesTheLastPlace) {
-  const auto table = TableOf(TagTable::kCapacity);
+  const auto table = TableOf(kMaxTags);
   table->Remove(99);
   EXPECT_EQ(table->GetRecord(98)->GetTagName(), u"98");
   EXPECT_EQ(table->GetRecord(99)->GetTagName(), u"");
-  table->tagCount = TagTable::kCapacity;
+  table->tagCount = kMaxTags;
   table->Remove(0);
   EXPECT_EQ(table->GetRecord(0)->GetTagName(), u"1");
   EXPECT_EQ(table->GetRecord(99)->GetTagName(), u"");
@@ -125,13 +125,13 @@ TEST(TagTable, ARecordThatIsNotThereCannotBeRemoved) {
   const auto table = TableOf(2);
   table->Remove(2);
   table->Remove(-1);
-  table->Remove(TagTable::kCapacity);
+  table->Remove(kMaxTags);
   EXPECT_EQ(table->tagCount, 2);
   EXPECT_EQ(table->GetRecord(1)->GetTagName(), u"1");
 }
 
 TEST(TagTable, ACountBeyondTheRoomIsNoRecord) {
-  const auto table = TableOf(TagTable::kCapacity);
+  const auto table = TableOf(kMaxTags);
   table->tagCount = 150;
   table->Remove(120);
   EXPECT_EQ(table->tagCount, 150);

@@ -24,7 +24,7 @@ class FailingContact final : public platform::Contact {
   bool GetCompanyName(std::u16string& text) override {
     return !m_plan.NextFails() && m_contact->GetCompanyName(text);
   }
-  bool GetNumber(platform::PhoneNumberKind kind, std::u16string& text) override {
+  bool GetNumber(platform::PhoneKind kind, std::u16string& text) override {
     return !m_plan.NextFails() && m_contact->GetNumber(kind, text);
   }
   bool GetOid(std::int32_t& oid) override { return !m_plan.NextFails() && m_contact->GetOid(oid); }

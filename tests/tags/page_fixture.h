@@ -24,11 +24,11 @@ class PageFixture : public testing::Test {
 
   PageFixture() {
     machine::SimulatedContact ann{.oid = kAnn, .firstName = u"Ann", .lastName = u"Lee"};
-    ann.Number(platform::PhoneNumberKind::kMobile) = u"5551234";
-    ann.Number(platform::PhoneNumberKind::kHome) = u"1110000";
+    ann.Number(platform::PhoneKind::kMobile) = u"5551234";
+    ann.Number(platform::PhoneKind::kHome) = u"1110000";
     m_machine.contacts.Add(ann);
     machine::SimulatedContact bob{.oid = kBob, .firstName = u"Bob", .lastName = u"Ray"};
-    bob.Number(platform::PhoneNumberKind::kHome) = u"5550001";
+    bob.Number(platform::PhoneKind::kHome) = u"5550001";
     m_machine.contacts.Add(bob);
     m_machine.waveIn.SetScript({.sound = Speech()});
     EXPECT_TRUE(m_machine.files.CreateFolder(storage::kProgramFilesFolder));

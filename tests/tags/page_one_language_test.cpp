@@ -12,7 +12,7 @@ using Texts = std::vector<std::u16string>;
 using namespace resources;
 using machine::SimulatedContact;
 using platform::MessageCaption;
-using platform::PhoneNumberKind;
+using platform::PhoneKind;
 
 /// The page with a language file in which the text of each key is the key itself in brackets.
 class PageOneLanguage : public WatchedPage {
@@ -191,7 +191,7 @@ TEST_F(PageOneLanguage, ContactsThatCannotBeReached) {
 
 TEST_F(PageOneLanguage, ItemsOfTheContacts) {
   SimulatedContact& eve = AddEve();
-  eve.Number(PhoneNumberKind::kMobile) = std::u16string(97, u'5');
+  eve.Number(PhoneKind::kMobile) = std::u16string(97, u'5');
   Open();
   ExpectLastCaptionedBox(u"<ID_S_MESSAGE_D22>");
   m_machine.contacts.AddNullContact();

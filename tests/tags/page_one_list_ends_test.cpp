@@ -29,7 +29,7 @@ class PageOneListEnds : public WatchedPage {
   /// A contact whose getters fail once the contacts were loaded and the tags are being listed.
   void AddContactThatFailsLater(void (*fail)(machine::SimulatedContact&)) {
     machine::SimulatedContact eve{.oid = kEve, .firstName = u"Eve"};
-    eve.Number(platform::PhoneNumberKind::kHome) = u"1";
+    eve.Number(platform::PhoneKind::kHome) = u"1";
     machine::SimulatedContact& live = m_machine.contacts.Add(eve);
     m_contacts.SetListener([&live, fail](std::string_view call) {
       if (call == "GetItemFromOid") {
@@ -49,7 +49,7 @@ class PageOneListEnds : public WatchedPage {
 TEST_F(PageOneListEnds, AFailingPropertyEndsTheLoad) {
   PutThreeTags();
   AddContactThatFailsLater([](machine::SimulatedContact& contact) {
-    contact.FailNumber(platform::PhoneNumberKind::kHome);
+    contact.FailNumber(platform::PhoneKind::kHome);
   });
   const auto& dialog = OpenWatched();
   EXPECT_EQ(GetMessages(), Texts{u"Failed to get home phone number"});

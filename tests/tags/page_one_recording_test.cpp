@@ -106,7 +106,7 @@ TEST_F(PageOneRecording, AfterTwoToThe31MillisecondsTheNameIsNegative) {
   support::HeadlessPlatform late(0x80000000U);
   late.waveIn.SetScript({.sound = Speech()});
   machine::SimulatedContact ann{.oid = kAnn, .firstName = u"Ann"};
-  ann.Number(platform::PhoneNumberKind::kCar) = u"1";
+  ann.Number(platform::PhoneKind::kCar) = u"1";
   late.contacts.Add(ann);
   OpenOn(late.Get()).Press(kRecordButtonId);
   EXPECT_EQ(m_page->GetTags().GetRecord(0)->GetTagName(), u"-2147483648");
@@ -142,7 +142,7 @@ TEST_F(PageOneRecording, UnderTheIdentifierZeroNothingIsWritten) {
   m_machine.contacts.Remove(kAnn);
   m_machine.contacts.Remove(kBob);
   machine::SimulatedContact nobody{.oid = 0, .firstName = u"No"};
-  nobody.Number(platform::PhoneNumberKind::kMobile) = u"555";
+  nobody.Number(platform::PhoneKind::kMobile) = u"555";
   m_machine.contacts.Add(nobody);
   auto& dialog = Open();
   ASSERT_TRUE(dialog.IsEnabled(kRecordButtonId));
@@ -267,7 +267,7 @@ TEST_F(PageOneRecording, ALongTextIsCutToItsField) {
   m_machine.contacts.Remove(kAnn);
   m_machine.contacts.Remove(kBob);
   machine::SimulatedContact someone{.oid = 5, .firstName = std::u16string(120, u'a')};
-  someone.Number(platform::PhoneNumberKind::kMobile) = std::u16string(90, u'5');
+  someone.Number(platform::PhoneKind::kMobile) = std::u16string(90, u'5');
   m_machine.contacts.Add(someone);
   Open().Press(kRecordButtonId);
   const std::u16string expected = std::u16string(120, u'a') + u" " + std::u16string(6, u'5');

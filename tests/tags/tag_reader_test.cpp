@@ -18,7 +18,7 @@ class TagReader : public testing::Test {
  protected:
   TagReader() {
     machine::SimulatedContact ann{.oid = 17, .firstName = u"Ann", .lastName = u"Lee"};
-    ann.Number(platform::PhoneNumberKind::kMobile) = u"555";
+    ann.Number(platform::PhoneKind::kMobile) = u"555";
     m_ann = &m_contacts.Add(ann);
     EXPECT_TRUE(m_contacts.Initialize() && m_contacts.Connect() && m_contacts.Logon());
   }
@@ -82,7 +82,7 @@ TEST_F(TagReader, WithoutContactsTagsHaveTheirOwnNamesAndNoneIsStale) {
 TEST_F(TagReader, AContactThatCannotBeReadIsSaidAndHidesNoOtherTag) {
   Write(u"100", 17);
   Write(u"200", 17, u"?");
-  m_ann->FailNumber(platform::PhoneNumberKind::kMobile);
+  m_ann->FailNumber(platform::PhoneKind::kMobile);
   const std::vector<ListedTag> tags = Read(&m_contacts);
   ASSERT_EQ(tags.size(), 2U);
   EXPECT_TRUE(tags[0].failure);
@@ -92,7 +92,7 @@ TEST_F(TagReader, AContactThatCannotBeReadIsSaidAndHidesNoOtherTag) {
 
 TEST_F(TagReader, ALongTextIsCutAsInTheRecord) {
   m_ann->firstName = std::u16string(100, u'a');
-  m_ann->Number(platform::PhoneNumberKind::kMobile) = std::u16string(100, u'5');
+  m_ann->Number(platform::PhoneKind::kMobile) = std::u16string(100, u'5');
   Write(u"100", 17);
   EXPECT_EQ(Read(&m_contacts)[0].text.size(), 127U);
 }

@@ -76,11 +76,11 @@ void PaintedPage::OnPaint(platform::Canvas& canvas) {
 
 PageMachine::PageMachine() {
   machine::SimulatedContact ann{.oid = 17, .firstName = u"Ann", .lastName = u"Lee"};
-  ann.Number(platform::PhoneNumberKind::kMobile) = u"5551234";
-  ann.Number(platform::PhoneNumberKind::kHome) = u"1110000";
+  ann.Number(platform::PhoneKind::kMobile) = u"5551234";
+  ann.Number(platform::PhoneKind::kHome) = u"1110000";
   machine.contacts.Add(ann);
   machine::SimulatedContact bob{.oid = -5, .firstName = u"Bob", .lastName = u"Ray & Sons <b>"};
-  bob.Number(platform::PhoneNumberKind::kHome) = u"5550001";
+  bob.Number(platform::PhoneKind::kHome) = u"5550001";
   machine.contacts.Add(bob);
   machine.waveIn.SetScript(
       {.sound = BytesOf(Mixed(Noise(33075, 20, 1), 12000, SpeechLike(6000, 9000, 2)))});
