@@ -2,6 +2,8 @@
 
 #include "maintenance/store_check.h"
 
+#include "storage/tag_record.h"
+
 namespace maintenance {
 namespace {
 
@@ -24,6 +26,7 @@ Wording WordingOf(StoreProblem problem) {
               "the templates were made by another version; they are computed again when the tags "
               "are opened next"};
     case kTooManyTags:
+      static_assert(storage::kMaxTags == 100, "The sentence names it.");
       return {"too-many-tags", "there are more than 100 tags; those beyond are not compared"};
     case kTagName:
       return {"tag-name", "the name is not a number, as the names of recorded tags are"};

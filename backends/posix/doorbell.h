@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "backends/posix/descriptor.h"
+#include "backends/posix/system_calls.h"
 
 namespace posix {
 

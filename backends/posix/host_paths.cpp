@@ -1,6 +1,7 @@
 #include "backends/posix/host_paths.h"
 
 #include <dirent.h>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -9,7 +10,7 @@
 #include <memory>
 #include <utility>
 
-#include "backends/posix/errors.h"
+#include "backends/posix/system_calls.h"
 #include "backends/text/device_path.h"
 #include "backends/text/names.h"
 #include "backends/text/utf.h"
@@ -123,6 +124,66 @@ Result<std::string, FileError> FollowLinks(std::string path) {
 std::string FolderOf(const std::string& path) {
   const std::size_t slash = path.rfind('/');
   return slash == std::string::npos ? "./" : path.substr(0, slash + 1);
+}
+
+bool IsProtected(const struct stat& status) {
+  return (status.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0;
+}
+
+Result<void, FileError> SetRights(int descriptor, mode_t rights) {
+  constexpr mode_t kAllRights = S_IRWXU | S_IRWXG | S_IRWXO;
+  struct stat status {};
+  if (::fstat(descriptor, &status) != 0) {
+    return FailureFromErrno();
+  }
+  if ((status.st_mode & kAllRights) == rights || ::fchmod(descriptor, rights) == 0 ||
+      errno == EPERM || errno == EOPNOTSUPP) {
+    return {};
+  }
+  return FailureFromErrno();
+}
+
+bool IsSameFile(const struct stat& a, const struct stat& b) {
+  return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
+}
+
+Result<void, FileError> SyncFolder(const std::string& folder) {
+  const Descriptor descriptor(
+      Retry([&] { return ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
+  if (!descriptor.IsOpen()) {
+    return FailureFromErrno();
+  }
+  // Some file systems cannot do this for folders, and keep their entries in order by themselves.
+  if (Retry([&] { return ::fsync(descriptor.Get()); }) == 0 || errno == EINVAL) {
+    return {};
+  }
+  return FailureFromErrno();
+}
+
+Result<void, FileError> MakeFolder(const std::string& path) {
+  if (::mkdir(path.c_str(), S_IRWXU) != 0) {
+    return FailureFromErrno();
+  }
+  const Descriptor folder(
+      Retry([&] { return ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC); }));
+  if (folder.IsOpen()) {
+    // The umask may have left less to its owner.
+    if (const auto set = SetRights(folder.Get(), S_IRWXU); !set) {
+      return set;
+    }
+  }
+  return SyncFolder(FolderOf(path));
+}
+
+Result<void, FileError> MakeFolders(const std::string& path) {
+  for (std::size_t end = path.find('/', 1);; end = path.find('/', end + 1)) {
+    const auto made = MakeFolder(path.substr(0, end));
+    if (end == std::string::npos) {
+      const bool isThere = made || made.error() == FileError::kAlreadyExists;
+      return isThere ? Result<void, FileError>() : made;
+    }
+    // This process may pass a folder that it cannot write; then the next call reports it.
+  }
 }
 
 }  // namespace posix

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/stat.h>
+
 #include <string>
 #include <string_view>
 #include <vector>
@@ -32,5 +34,28 @@ struct HostPlace {
 
 /// The folder that holds the entry `path`, with the "/" at its end.
 [[nodiscard]] std::string FolderOf(const std::string& path);
+
+/// Rights of a new file, which belongs to its user alone.
+inline constexpr mode_t kOwnerFile = S_IRUSR | S_IWUSR;
+
+/// Whether its user took away every right to write. The rights of the process do not matter, for to
+/// an administrator every file is writable.
+[[nodiscard]] bool IsProtected(const struct stat& status);
+
+/// Gives an open file these rights. Succeeds as well on a file system that keeps none, and for the
+/// file of another user, who alone can change them.
+[[nodiscard]] platform::Result<void, platform::FileError> SetRights(int descriptor, mode_t rights);
+
+/// Whether both are the same file, under whatever names.
+[[nodiscard]] bool IsSameFile(const struct stat& a, const struct stat& b);
+
+/// Makes a folder of this user alone. Returns when its name is on the medium.
+[[nodiscard]] platform::Result<void, platform::FileError> MakeFolder(const std::string& path);
+
+/// Likewise with every missing folder on its way. One that is there is left as it is.
+[[nodiscard]] platform::Result<void, platform::FileError> MakeFolders(const std::string& path);
+
+/// Returns when the entries of `folder` are on the medium.
+[[nodiscard]] platform::Result<void, platform::FileError> SyncFolder(const std::string& folder);
 
 }  // namespace posix

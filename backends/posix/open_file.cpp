@@ -1,4 +1,6 @@
-#include "backends/posix/open_file.h"
+// How a file is opened: by which name, with which rights and under which lock.
+
+#include "backends/posix/posix_file.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -6,8 +8,8 @@
 
 #include <optional>
 
-#include "backends/posix/errors.h"
 #include "backends/posix/host_paths.h"
+#include "backends/posix/system_calls.h"
 
 namespace posix {
 namespace {
@@ -189,27 +191,6 @@ Result<LockedFile, FileError> OpenForRemoval(const std::string& path) {
     return Failure(FileError::kAccessDenied);
   }
   return file;
-}
-
-bool IsProtected(const struct stat& status) {
-  return (status.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0;
-}
-
-Result<void, FileError> SetRights(int descriptor, mode_t rights) {
-  constexpr mode_t kAllRights = S_IRWXU | S_IRWXG | S_IRWXO;
-  struct stat status {};
-  if (::fstat(descriptor, &status) != 0) {
-    return FailureFromErrno();
-  }
-  if ((status.st_mode & kAllRights) == rights || ::fchmod(descriptor, rights) == 0 ||
-      errno == EPERM || errno == EOPNOTSUPP) {
-    return {};
-  }
-  return FailureFromErrno();
-}
-
-bool IsSameFile(const struct stat& a, const struct stat& b) {
-  return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
 }
 
 }  // namespace posix

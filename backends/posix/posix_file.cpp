@@ -1,15 +1,15 @@
 #include "backends/posix/posix_file.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <csignal>
+#include <ctime>
 #include <limits>
 
-#include "backends/posix/errors.h"
 #include "backends/posix/host_paths.h"
-#include "backends/posix/size_signal.h"
+#include "backends/posix/system_calls.h"
 
 namespace posix {
 namespace {
@@ -21,46 +21,43 @@ using platform::Result;
 
 constexpr auto kMostBytes = static_cast<std::uint64_t>(std::numeric_limits<off_t>::max());
 
+bool IsPending(int signal) {
+  sigset_t pending{};
+  return ::sigpending(&pending) == 0 && ::sigismember(&pending, signal) == 1;
+}
+
+/// Holds back SIGXFSZ on this thread. The signal would end the process if a file outgrows the limit
+/// of the user; now the call that wrote reports the error instead. The rest of the process keeps
+/// its own way with the signal.
+class SizeSignalHeld {
+ public:
+  SizeSignalHeld() {
+    ::sigemptyset(&m_signal);
+    ::sigaddset(&m_signal, SIGXFSZ);
+    ::pthread_sigmask(SIG_BLOCK, &m_signal, &m_before);
+    m_wasPending = IsPending(SIGXFSZ);
+  }
+  SizeSignalHeld(const SizeSignalHeld&) = delete;
+  SizeSignalHeld& operator=(const SizeSignalHeld&) = delete;
+  ~SizeSignalHeld() {
+    const int savedErrno = errno;
+    // A signal that came before belongs to somebody else. One that came since is taken away.
+    if (!m_wasPending && IsPending(SIGXFSZ)) {
+      const timespec noWait{};
+      while (::sigtimedwait(&m_signal, nullptr, &noWait) == -1 && errno == EINTR) {
+      }
+    }
+    ::pthread_sigmask(SIG_SETMASK, &m_before, nullptr);
+    errno = savedErrno;
+  }
+
+ private:
+  sigset_t m_signal{};
+  sigset_t m_before{};
+  bool m_wasPending = false;
+};
+
 }  // namespace
-
-Result<void, FileError> SyncFolder(const std::string& folder) {
-  const Descriptor descriptor(
-      Retry([&] { return ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
-  if (!descriptor.IsOpen()) {
-    return FailureFromErrno();
-  }
-  // Some file systems cannot do this for folders, and keep their entries in order by themselves.
-  if (Retry([&] { return ::fsync(descriptor.Get()); }) == 0 || errno == EINVAL) {
-    return {};
-  }
-  return FailureFromErrno();
-}
-
-Result<void, FileError> MakeFolder(const std::string& path) {
-  if (::mkdir(path.c_str(), S_IRWXU) != 0) {
-    return FailureFromErrno();
-  }
-  const Descriptor folder(
-      Retry([&] { return ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC); }));
-  if (folder.IsOpen()) {
-    // The umask may have left less to its owner.
-    if (const auto set = SetRights(folder.Get(), S_IRWXU); !set) {
-      return set;
-    }
-  }
-  return SyncFolder(FolderOf(path));
-}
-
-Result<void, FileError> MakeFolders(const std::string& path) {
-  for (std::size_t end = path.find('/', 1);; end = path.find('/', end + 1)) {
-    const auto made = MakeFolder(path.substr(0, end));
-    if (end == std::string::npos) {
-      const bool isThere = made || made.error() == FileError::kAlreadyExists;
-      return isThere ? Result<void, FileError>() : made;
-    }
-    // This process may pass a folder that it cannot write; then the next call reports it.
-  }
-}
 
 PosixFile::PosixFile(LockedFile file, FileAccess access)
     : m_descriptor(std::move(file.descriptor)),

@@ -5,10 +5,31 @@
 #include <span>
 #include <string>
 
-#include "backends/posix/open_file.h"
+#include "backends/posix/system_calls.h"
 #include "platform/file_system.h"
 
 namespace posix {
+
+/// A regular file, open and locked against other holders as its mode says.
+struct LockedFile {
+  Descriptor descriptor;
+  std::string path;  ///< Where the file is, after every symbolic link was followed.
+};
+
+/// What becomes of the rights that other users have on an older file that is written or replaced.
+enum class Others : std::uint8_t { kKeepRights, kLoseRights };
+
+/// Opens the file at `path`. A link there is followed only to read. The lock is an advisory one of
+/// the system and goes with the descriptor; on a file system without locks the file is open without
+/// one. While it is held no other user of this function is a conflicting holder, and the file is
+/// the one at `path`.
+[[nodiscard]] platform::Result<LockedFile, platform::FileError> OpenLocked(
+    const std::string& path, const platform::OpenMode& mode, Others others = Others::kKeepRights);
+
+/// Opens the file at `path` for its holder to take it away: nobody else has it open, and its user
+/// did not protect it.
+[[nodiscard]] platform::Result<LockedFile, platform::FileError> OpenForRemoval(
+    const std::string& path);
 
 /// An open file of a PosixFileSystem. Its descriptor carries the lock that other holders see.
 class PosixFile final : public platform::File {
@@ -39,14 +60,5 @@ class PosixFile final : public platform::File {
   /// without a name. Whoever writes a file need not be the one who made it.
   std::string m_unsyncedFolder;
 };
-
-/// Makes a folder of this user alone. Returns when its name is on the medium.
-[[nodiscard]] platform::Result<void, platform::FileError> MakeFolder(const std::string& path);
-
-/// Likewise with every missing folder on its way. One that is there is left as it is.
-[[nodiscard]] platform::Result<void, platform::FileError> MakeFolders(const std::string& path);
-
-/// Returns when the entries of `folder` are on the medium.
-[[nodiscard]] platform::Result<void, platform::FileError> SyncFolder(const std::string& folder);
 
 }  // namespace posix

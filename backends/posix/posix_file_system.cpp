@@ -9,11 +9,10 @@
 #include <utility>
 #include <vector>
 
-#include "backends/posix/errors.h"
 #include "backends/posix/host_paths.h"
-#include "backends/posix/open_file.h"
 #include "backends/posix/posix_file.h"
 #include "backends/posix/posix_replacement.h"
+#include "backends/posix/system_calls.h"
 #include "backends/text/device_path.h"
 #include "backends/text/names.h"
 #include "backends/text/utf.h"

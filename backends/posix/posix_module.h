@@ -6,7 +6,7 @@
 #include <span>
 #include <utility>
 
-#include "backends/posix/descriptor.h"
+#include "backends/posix/system_calls.h"
 #include "platform/module.h"
 
 namespace posix {

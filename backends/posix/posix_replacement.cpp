@@ -11,7 +11,7 @@
 #include <string_view>
 #include <utility>
 
-#include "backends/posix/errors.h"
+#include "backends/posix/system_calls.h"
 #include "backends/text/utf.h"
 
 namespace posix {

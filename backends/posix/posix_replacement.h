@@ -6,7 +6,6 @@
 #include <string>
 
 #include "backends/posix/host_paths.h"
-#include "backends/posix/open_file.h"
 #include "backends/posix/posix_file.h"
 #include "platform/file_system.h"
 

@@ -1,17 +1,63 @@
 #include "backends/posix/posix_threads.h"
 
+#include <fcntl.h>
+#include <sys/file.h>
+
 #include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <filesystem>
+#include <mutex>
 #include <system_error>
 #include <thread>
 #include <utility>
 
-#include "backends/posix/gate.h"
+#include "backends/posix/host_paths.h"
+#include "backends/posix/system_calls.h"
+#include "backends/text/utf.h"
 
 namespace posix {
 namespace {
 
 using platform::ThreadStart;
 using platform::WaitResult;
+
+/// A state that threads wait for. Once it is open it lets all pass until it is shut.
+class Gate {
+ public:
+  void Open() {
+    const std::lock_guard lock(m_mutex);
+    m_isOpen = true;
+    ++m_openings;
+    m_opened.notify_all();
+  }
+
+  void Shut() {
+    const std::lock_guard lock(m_mutex);
+    m_isOpen = false;
+  }
+
+  [[nodiscard]] WaitResult Wait(std::uint32_t milliseconds) {
+    std::unique_lock lock(m_mutex);
+    // A thread that waits when the gate opens passes, even if the gate is shut again at once.
+    const auto passes = [this, openings = m_openings] {
+      return m_isOpen || m_openings != openings;
+    };
+    if (milliseconds == platform::kNoLimit) {
+      m_opened.wait(lock, passes);
+      return WaitResult::kSignalled;
+    }
+    return m_opened.wait_for(lock, std::chrono::milliseconds(milliseconds), passes)
+               ? WaitResult::kSignalled
+               : WaitResult::kTimedOut;
+  }
+
+ private:
+  std::mutex m_mutex;
+  std::condition_variable m_opened;
+  bool m_isOpen = false;
+  std::uint64_t m_openings = 0;
+};
 
 class PosixThread final : public platform::Thread {
  public:
@@ -54,7 +100,7 @@ class PosixThread final : public platform::Thread {
   }
 
  private:
-  /// Shared with the thread, which may outlive its handle where it destroys that itself.
+  /// Shared with the thread, which outlives its handle if it destroys the handle itself.
   struct State {
     Gate resumed;
     Gate ended;
@@ -78,6 +124,20 @@ class PosixEvent final : public platform::Event {
   Gate m_gate;
 };
 
+constexpr int kOwnerOnly = 0600;
+
+class FileMutex final : public platform::NamedMutex {
+ public:
+  explicit FileMutex(Descriptor file) : m_file(std::move(file)) {}
+
+ private:
+  const Descriptor m_file;
+};
+
+std::string PathOf(const std::string& lockFolder, std::u16string_view name) {
+  return lockFolder + "/" + PosixThreads::LockName(name);
+}
+
 }  // namespace
 
 std::unique_ptr<platform::Thread> PosixThreads::Start(std::function<void()> body,
@@ -91,6 +151,29 @@ std::unique_ptr<platform::Thread> PosixThreads::Start(std::function<void()> body
 
 std::unique_ptr<platform::Event> PosixThreads::CreateManualResetEvent() {
   return std::make_unique<PosixEvent>();
+}
+
+std::string PosixThreads::LockName(std::u16string_view name) {
+  return "." + text::ToHostName(name) + ".lock";
+}
+
+bool PosixThreads::WasNamedMutexMade(const std::string& lockFolder, std::u16string_view name) {
+  std::error_code error;
+  // If that is not known, the attempt to take it shows it.
+  return std::filesystem::exists(PathOf(lockFolder, name), error) || error;
+}
+
+platform::CreatedMutex PosixThreads::CreateNamedMutex(std::u16string_view name) {
+  static_cast<void>(MakeFolders(m_lockFolder));  // If that fails, so does what comes next.
+  const std::string path = PathOf(m_lockFolder, name);
+  Descriptor file(::open(path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, kOwnerOnly));
+  if (!file.IsOpen()) {
+    return {};
+  }
+  if (Retry([&] { return ::flock(file.Get(), LOCK_EX | LOCK_NB); }) != 0) {
+    return {nullptr, errno == EWOULDBLOCK};
+  }
+  return {std::make_unique<FileMutex>(std::move(file)), false};
 }
 
 }  // namespace posix

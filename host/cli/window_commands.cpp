@@ -11,8 +11,8 @@
 #include <string_view>
 #include <vector>
 
-#include "backends/posix/foreground_program.h"
 #include "backends/posix/loaded_library.h"
+#include "backends/posix/posix_process.h"
 #include "host/cli/output.h"
 #include "host/machine/places.h"
 

@@ -8,7 +8,7 @@
 #include <cerrno>
 #include <stdexcept>
 
-#include "backends/posix/errors.h"
+#include "backends/posix/system_calls.h"
 
 namespace posix_test {
 

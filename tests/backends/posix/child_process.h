@@ -4,7 +4,7 @@
 
 #include <functional>
 
-#include "backends/posix/descriptor.h"
+#include "backends/posix/system_calls.h"
 
 namespace posix_test {
 

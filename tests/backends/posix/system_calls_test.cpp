@@ -1,4 +1,4 @@
-#include "backends/posix/errors.h"
+#include "backends/posix/system_calls.h"
 
 #include <gtest/gtest.h>
 
