@@ -241,4 +241,20 @@ TEST_F(WavePlayer, EachFailingFileCallGivesACodeAndReleasesEverything) {
   }
 }
 
+TEST_F(WavePlayer, BytesAfterTheDataAreNotPlayed) {
+  support::Bytes bytes = Good();
+  bytes.insert(bytes.end(), 500, std::byte{0x55});  // What another program adds after the samples.
+  EXPECT_EQ(PlayBytes(bytes), audio::kPlayed);
+  EXPECT_EQ(m_waveOut.GetPlayed().at(0).bytes, support::BytesOf(support::Noise(1000, 9000, 1)));
+}
+
+TEST_F(WavePlayer, LooksForTheDataUpToTheLastBytesOfALongFile) {
+  const support::Bytes empty = support::WaveFile({});
+  support::Bytes bytes = With(36, {'D', 'A', 'T', 'A'});
+  ASSERT_EQ(bytes.size() % 4, 0U);
+  EXPECT_EQ(PlayBytes(bytes), audio::kSoundNoData);
+  bytes.insert(bytes.end(), empty.begin() + 36, empty.end());
+  EXPECT_EQ(PlayBytes(bytes), audio::kNotPrepared) << "Found, but there is nothing to play.";
+}
+
 }  // namespace

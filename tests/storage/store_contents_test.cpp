@@ -12,6 +12,7 @@
 #include "tests/machine/simulation.h"
 #include "tests/support/failing_file_system.h"
 #include "tests/support/failing_registry.h"
+#include "tests/support/forwarding_registry.h"
 #include "tests/support/file_bytes.h"
 #include "tests/support/registry_access.h"
 
@@ -30,6 +31,23 @@ namespace {
 std::u16string InWaveFolder(std::u16string_view file) {
   return std::u16string(kWaveFolder).append(u"\\").append(file);
 }
+
+/// Calls back before the tag key is deleted.
+class WatchedKeys final : public support::ForwardingRegistry {
+ public:
+  WatchedKeys(platform::Registry& inner, std::function<void()> goes)
+      : ForwardingRegistry(inner), m_goes(std::move(goes)) {}
+
+  [[nodiscard]] platform::RegistryError DeleteKey(std::u16string_view path) override {
+    if (path == kTagKey) {
+      m_goes();
+    }
+    return ForwardingRegistry::DeleteKey(path);
+  }
+
+ private:
+  const std::function<void()> m_goes;
+};
 
 class StoreContentsTest : public testing::Test {
  protected:
@@ -239,6 +257,19 @@ TEST_F(DeleteAllTagsTest, CountsWhatAFullDiskHadNoRoomToKeep) {
   EXPECT_EQ(deleted.destroyedCount, 1);
   ASSERT_EQ(Trashed().size(), 1U);
   EXPECT_EQ(Trashed()[0].item.parts.name, u"2");
+}
+
+TEST_F(DeleteAllTagsTest, TheKeyGoesWhenTheLastTemplateHasGone) {
+  PutTag(u"1");
+  PutTag(u"2");
+  std::vector<std::vector<std::u16string>> left;
+  WatchedKeys keys(m_registry, [&] { left.push_back(Files()); });
+  const TagTrash trash(m_files, keys, m_clock);
+  const DeletedAll deleted = DeleteAllTags(
+      m_files, keys, trash, [](std::u16string_view name) { return std::u16string(name); },
+      [](DeletionProblem) { FAIL(); });
+  EXPECT_TRUE(deleted.isDone);
+  EXPECT_THAT(left, ElementsAre(IsEmpty())) << "The files that were there when the key went.";
 }
 
 }  // namespace storage

@@ -1,5 +1,7 @@
 #include "tests/support/failing_file_system.h"
 #include "tests/support/forwarding_registry.h"
+#include "storage/registry_keys.h"
+#include "storage/tag_entry.h"
 #include "tests/tags/page_fixture.h"
 
 namespace {
@@ -512,6 +514,22 @@ TEST_F(PageOneList, DeleteAllOfAListThatWasNotFilledSaysHowManyRecordingsItIsAbo
   EXPECT_EQ(GetMessages().back(),
             u"All voice tags will be deleted!\n\nRecordings that will be deleted: 2");
   EXPECT_EQ(GetEntries(), (Texts{u"100", u"200"}));
+}
+
+TEST_F(PageOneList, ATagWhoseEntryNamesNoContactIsKeptUnderItsOwnName) {
+  PutTag(u"100", kAnn, u"Mobile");
+  for (const std::u16string_view contact : {u"", u"nobody", u"99999999999"}) {
+    const auto key = m_machine.registry.OpenKey(std::u16string(storage::kTagKey) + u"\\100");
+    ASSERT_TRUE(key.key);
+    ASSERT_EQ(key.key->Set(storage::kContactValue, platform::RegistryType::kString,
+                           storage::ToTagValue(contact)),
+              platform::RegistryError::kNone);
+    const auto& dialog = Open();
+    EXPECT_EQ(dialog.GetItems(kTagListId), Texts{u"100"});
+    EXPECT_EQ(GetEntries(), Texts{u"100"});
+    EXPECT_TRUE(HasFile(storage::WavePath(u"100")) && HasFile(storage::TemplatePath(u"100")));
+    Close();
+  }
 }
 
 }  // namespace

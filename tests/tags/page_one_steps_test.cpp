@@ -208,4 +208,17 @@ TEST_F(PageOneStaleCount, DoesNotKeepDeleteAllOfAListThatIsEmpty) {
   EXPECT_FALSE(dialog.IsEnabled(kTestButtonId));
 }
 
+TEST_F(PageOneSteps, TheLimitCountsTheTagsThatAreSaidToBeThereAndNotTheLines) {
+  PutTags(99);
+  auto& dialog = Open();
+  dialog.Choose(kContactComboId, 1);
+  m_machine.contacts.SetLookup(kBob, platform::ContactLookup::kFailed);
+  dialog.Press(kRecordButtonId);
+  ASSERT_EQ(m_page->GetTags().tagCount, 100);
+  ASSERT_EQ(dialog.GetItemCount(kTagListId), 99) << "The new tag cannot be named.";
+  dialog.Press(kRecordButtonId);
+  EXPECT_EQ(GetMessages().back(), u"Tags number exceeds limit: 100");
+  EXPECT_EQ(GetEntries().size(), 100U);
+}
+
 }  // namespace

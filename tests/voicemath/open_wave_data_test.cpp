@@ -162,4 +162,13 @@ TEST_F(OpenWaveData, AHeaderThatIsRefusedLeavesTheFieldsAsTheyWere) {
   EXPECT_EQ(m_mathematics.m_dataBytes, 200U);
 }
 
+TEST_F(OpenWaveData, AfterTheEndOfAShortFileNothingOfAnEarlierFileIsFound) {
+  ASSERT_EQ(CodeOf(support::WaveFileWithDataAt(60, 8, support::Bytes(200))),
+            voicemath::kHeaderAccepted);
+  m_mathematics.m_file.Close();
+  support::Bytes cut = support::WaveFileWithDataAt(60, 8, {});
+  cut.resize(60);  // The id would be next.
+  EXPECT_EQ(CodeOf(cut), voicemath::kNoData);
+}
+
 }  // namespace
