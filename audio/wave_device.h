@@ -30,7 +30,7 @@ enum RecordCode : int {
 enum PlayCode : int {
   kPlayed = 0,
   kSoundNotOpened = 1,
-  kSoundNotMapped = 2,  ///< Its length cannot be told, or it is longer than such a file can be.
+  kSoundNotMapped = 2,  ///< Its length is not known, or it is longer than such a file can be.
   kSoundTooShort = 3,
   kSoundNoRiff = 4,
   kSoundNoWave = 5,
@@ -58,12 +58,12 @@ class WaveDevice {
   /// Sets the format of the next recording: mono PCM.
   void SetFormat(std::uint16_t bits, std::uint32_t samplesPerSecond);
 
-  /// Allocates the capture buffer, as long as `milliseconds` of the set format, all zeros. Null
-  /// where there is no memory for it or its length does not fit the header's 32 bits. The device
+  /// Allocates the capture buffer, as long as `milliseconds` of the set format, all zeros. Returns
+  /// null if there is no memory for it or its length does not fit the header's 32 bits. The device
   /// owns the result, which stays valid until the next call or the end of a recording.
   [[nodiscard]] platform::WaveHeader* AllocBuffer(std::uint32_t milliseconds);
 
-  /// Prepares the header and queues it with the open input: 0 success, 1 failure.
+  /// Prepares the header and queues it with the open input. Returns 0 if that worked, else 1.
   [[nodiscard]] int QueueBuffer(platform::WaveHeader& header);
 
   /// Records `milliseconds` from now into a file, and returns a RecordCode. The file takes its
@@ -73,8 +73,8 @@ class WaveDevice {
   [[nodiscard]] int Record(std::u16string_view path, std::uint32_t milliseconds,
                            platform::Durability durability = platform::Durability::kNow);
 
-  /// Plays the wave file at `path` and returns a PlayCode; shows no message. Blocks for a time that
-  /// is computed beforehand, since no notice of the end is awaited. Everything is released on every
+  /// Plays the wave file at `path` and returns a PlayCode. Shows no message. It waits for no notice
+  /// of the end, but blocks for a time that it computes before. Everything is released on every
   /// path.
   [[nodiscard]] int Play(std::u16string_view path);
 
@@ -107,8 +107,8 @@ class WaveDevice {
       platform::Durability durability);
   [[nodiscard]] RecordCode RefuseFile(std::u16string_view path, platform::FileError error);
   [[nodiscard]] PlayCode ReadSound(std::u16string_view path);
-  /// Appends to the view until it is `length` bytes long. False where the file or the memory does
-  /// not go so far.
+  /// Appends to the view until it is `length` bytes long. Returns false if the file or the memory
+  /// does not go so far.
   [[nodiscard]] bool ReadUpTo(platform::File& file, std::uint64_t length);
   [[nodiscard]] PlayCode PlaySound();
   void ReleaseOutput();

@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::uint32_t kFormatChunkBytes = 16;
 
-/// Writes the fields of the header one behind the other.
+/// Writes the fields of the header one after the other.
 class FieldWriter {
  public:
   explicit FieldWriter(std::span<std::byte, kWaveHeaderBytes> to) : m_rest(to) {}

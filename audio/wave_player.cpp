@@ -1,4 +1,5 @@
-// The player of WaveDevice.
+// The player of WaveDevice. It hands the whole sound to the device as one buffer and sleeps for a
+// time that it has computed. Nobody waits for a notice of the end, which some devices never give.
 
 #include <algorithm>
 #include <cstring>
@@ -49,15 +50,16 @@ PlayCode CheckHeader(std::span<const std::byte> view) {
   return Number16At(view, 20) == platform::kFormatTagPcm ? kPlayed : kSoundNotPcm;
 }
 
-/// The samples: behind the first "data" id of the whole file, wherever that is. Nothing where there
-/// is none, or where it claims what the file does not hold.
+/// Returns the samples, which follow the first "data" id of the whole file. Returns nothing if
+/// there is no such id, or if it claims more bytes than the file has. Bytes after the samples are
+/// none of them.
 std::optional<std::span<const std::byte>> FindData(std::span<const std::byte> view) {
   for (std::size_t at = 0; at + kChunkHeaderBytes <= view.size(); at += kSearchStep) {
     if (HasIdAt(view, at, "data")) {
       const std::uint32_t length = Number32At(view, at + 4);
-      const auto behind = view.subspan(at + kChunkHeaderBytes);
+      const auto rest = view.subspan(at + kChunkHeaderBytes);
       return length <= view.size()
-                 ? std::optional(behind.first(std::min<std::size_t>(length, behind.size())))
+                 ? std::optional(rest.first(std::min<std::size_t>(length, rest.size())))
                  : std::nullopt;
     }
   }

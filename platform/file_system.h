@@ -146,8 +146,8 @@ class FileSearch {
 /// as it stands; the command line uses those. May be called from any thread.
 ///
 /// A file whose user protected it against writing is neither opened for writing nor emptied,
-/// deleted or replaced: kAccessDenied, whatever rights the process has. Likewise a folder, or
-/// anything else that is no regular file, where a file is asked for.
+/// deleted or replaced: kAccessDenied, whatever rights the process has. A folder,
+/// or anything else that is no regular file, is refused in the same way if a file is asked for.
 ///
 /// A symbolic link at the end of a path is followed to read, and never to write: a file opened for
 /// writing, made or replaced there is refused with kLink. So nobody who may plant a link in a

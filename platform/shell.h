@@ -5,10 +5,10 @@
 namespace platform {
 
 /// Starts other programs for the user: the help viewer and the browser. Which programs those are on
-/// this machine is the back end's affair; the command lines are the device's.
+/// this machine is for the back end to know; the command lines are those of the device.
 ///
-/// Both return at once. A back end that cannot do what is asked tells the user so; the caller has
-/// nothing to add and learns nothing.
+/// Both return at once. A back end that cannot do what is asked reports that to the user. The
+/// caller has nothing to add and learns nothing.
 class Shell {
  public:
   Shell() = default;

@@ -39,6 +39,8 @@ struct WaveHeader {
 
 inline constexpr std::uint32_t kWaveHeaderPrepared = 2;
 
+/// What an operation of a wave device returns. The values mirror the codes of wave devices, of
+/// which kStillPlaying is no failure but an answer; so kOk stands among them.
 enum class WaveResult : std::uint8_t {
   kOk,
   kNoDevice,      ///< No device, no server, or it went away.

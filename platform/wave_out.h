@@ -21,26 +21,27 @@ class WaveOutDevice {
   WaveOutDevice& operator=(const WaveOutDevice&) = delete;
   virtual ~WaveOutDevice() = default;
 
-  /// Makes the header fit to be queued and sets kWaveHeaderPrepared in its flags; once more does no
-  /// harm. kFailed where it has no memory, kStillPlaying while it is queued.
+  /// Makes the header fit to be queued and sets kWaveHeaderPrepared in its flags. A second call
+  /// does no harm. kFailed if the header has no memory, kStillPlaying while it is queued.
   [[nodiscard]] virtual WaveResult Prepare(WaveHeader& header) = 0;
 
   /// Queues a prepared header and starts to play it. Its memory must stay as it is until Unprepare
   /// succeeded, Reset or Close. Bytes at its end that are no whole sample block are not played.
   /// kNotPrepared for a header that lacks the flag, kStillPlaying while a header is queued, for
-  /// there is room for one, kNoDevice where the device went away, kFailed where it cannot take the
-  /// sound; after a failure the header is not queued.
+  /// there is room for one, kNoDevice if the device went away, kFailed if it cannot take the sound.
+  /// After a failure the header is not queued.
   [[nodiscard]] virtual WaveResult Write(WaveHeader& header) = 0;
 
-  /// While the header is queued: kStillPlaying until it was heard to its end, or kNoDevice where
-  /// that will never be because the device went away; the header stays queued. Else kOk: the header
-  /// is released and no longer prepared. A header that is not queued is released as it is.
+  /// While the header is queued this returns kStillPlaying until it was heard to its end, or
+  /// kNoDevice if that will never be because the device went away; the header stays queued.
+  /// Otherwise it returns kOk: the header is released and no longer prepared. A header that is not
+  /// queued is released as it is.
   [[nodiscard]] virtual WaveResult Unprepare(WaveHeader& header) = 0;
 
   /// Stops at once and gives back the queued header, if any, still prepared.
   [[nodiscard]] virtual WaveResult Reset() = 0;
 
-  /// Stops at once, gives up the device and a header still queued. Once more does no harm.
+  /// Stops at once, and gives up the device and a queued header. A second call does no harm.
   [[nodiscard]] virtual WaveResult Close() = 0;
 };
 
@@ -53,9 +54,9 @@ class WaveOut {
   virtual ~WaveOut() = default;
 
   /// Opens the default output for sound of `format`, whose average of bytes per second is not
-  /// looked at. kBadFormat where that is not PCM, has no whole bytes for the samples of each
-  /// channel or is not to be had; kNoDevice where there is no output, or none that answers within
-  /// the limit.
+  /// looked at. Fails with kBadFormat if the format is not PCM, has no whole bytes for the samples
+  /// of each channel or is not to be had. Fails with kNoDevice if there is no output, or none that
+  /// answers within the limit.
   [[nodiscard]] virtual Result<std::unique_ptr<WaveOutDevice>, WaveResult> Open(
       const WaveFormat& format) = 0;
 };

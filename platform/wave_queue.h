@@ -25,7 +25,7 @@ class WaveQueue {
 
   [[nodiscard]] bool Holds(const WaveHeader& header) const { return m_queued == &header; }
 
-  /// The queued header; null where there is none.
+  /// Returns the queued header. Returns null if there is none.
   [[nodiscard]] WaveHeader* Queued() const { return m_queued; }
 
   /// Ends the use of `header`, queued or not: it is no longer prepared.

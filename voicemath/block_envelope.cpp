@@ -74,7 +74,7 @@ VOXTREL_INLINE auto Fold(AnyLanes a, AnyLanes b, AnyLanes together(AnyLanes, Any
   }
 }
 
-/// All in 16 bits. A sum of few samples is told by two that fit: that of their upper halves, v >>
+/// All in 16 bits. A sum of few samples is held as two that fit: that of their upper halves, v >>
 /// 8, and that of their lower ones, which is what 256 times the first lacks of the sum of the
 /// samples, however often that wraps.
 class HalfBlockLanes {
@@ -96,7 +96,7 @@ class HalfBlockLanes {
   [[nodiscard]] VOXTREL_INLINE HalfBlock Together() const {
     const auto uppers = std::bit_cast<SumLanes>(m_upperSum);
     const auto [upperSum, lowerSum] = Fold(uppers, m_sum - (uppers << 8), Sum);
-    // ~v always fits, and rises where v falls.
+    // ~v always fits, and rises as v falls.
     const auto [highest, highestInverse] = Fold(m_highest, ~m_lowest, Higher);
     return {.sum = static_cast<std::int16_t>(upperSum) * 256 + static_cast<std::int32_t>(lowerSum),
             .lowest = static_cast<std::int16_t>(~highestInverse),
@@ -131,7 +131,7 @@ void MeasureEnvelope(std::span<const std::int16_t> samples, std::span<std::int16
     const std::int32_t mean = (first.sum + second.sum) / static_cast<std::int32_t>(kBlockSamples);
     const std::int32_t largest = std::max(std::max(first.highest, second.highest) - mean,
                                           mean - std::min(first.lowest, second.lowest));
-    // Where no distance leaves 16 bits the largest is that of the lowest or the highest sample.
+    // If no distance leaves 16 bits, the largest is that of the lowest or the highest sample.
     envelope[block] =
         largest <= std::numeric_limits<std::int16_t>::max()
             ? static_cast<std::int16_t>(largest)

@@ -14,7 +14,7 @@ constexpr std::size_t kHistogramBins = 32;
 constexpr std::size_t kNoiseBins = 16;  ///< The noise is looked for in the lower half only.
 constexpr std::int64_t kReach = 200;    ///< Blocks on either side of the middle that count, 1 s.
 constexpr std::int64_t kCore = 20;      ///< Blocks around the middle taken as speech, 0.1 s.
-constexpr std::int32_t kMarginSamples = 3307;  ///< Kept before and behind the speech, 0.3 s.
+constexpr std::int32_t kMarginSamples = 3307;  ///< Kept before and after the speech, 0.3 s.
 
 std::int16_t Narrow(std::int64_t value) { return static_cast<std::int16_t>(value); }
 
@@ -24,8 +24,8 @@ struct Peak {
 };
 
 /// Mean over the neighbourhood of each block, in place, from a sum that runs along: one block comes
-/// in ahead, one goes out behind. Block 0 counts only where the forward run begins with it, never
-/// as a neighbour behind: the test for neighbours is "greater than zero", deliberately.
+/// in ahead, one goes out at the back. Block 0 counts only if the forward run begins with it, never
+/// as an earlier neighbour: the test for neighbours is "greater than zero", deliberately.
 class Smoothing {
  public:
   explicit Smoothing(std::span<std::int16_t> envelope) : m_envelope(envelope) {
@@ -74,7 +74,7 @@ class Smoothing {
       m_peak = {height, block};
     }
   }
-  /// On to the block behind `block`.
+  /// On to the block after `block`.
   VOXTREL_INLINE void Enter(std::size_t block) {
     m_sum += static_cast<std::uint32_t>(m_envelope[block + kForwardBlocks]);
   }
@@ -138,7 +138,7 @@ struct ClippedEnvelope {
     }
     return mass;
   }
-  /// Centre of mass of the surroundings of `peak`; nothing where there is no mass.
+  /// Returns the centre of mass of the surroundings of `peak`. Returns nothing if there is no mass.
   [[nodiscard]] VOXTREL_INLINE std::optional<std::int64_t> Centre(std::int64_t peak) const {
     const auto blocks = Blocks(peak - kReach, peak + kReach);
     const std::int32_t mass = Mass(blocks);
@@ -165,7 +165,7 @@ std::optional<SpeechBlocks> FindSpeech(std::span<std::int16_t> envelope) {
   const Peak peak = Smoothing(envelope).Run();
   const auto binWidth = Narrow(peak.height / static_cast<std::int32_t>(kHistogramBins));
   if (binWidth == 0) {
-    return std::nullopt;  // Next to silence: nothing to tell speech from.
+    return std::nullopt;  // Almost silence: there is no speech to be found.
   }
   const std::int16_t noise = NoiseLevel(envelope, peak.height, binWidth);
   for (std::int16_t& value : envelope) {
@@ -186,7 +186,7 @@ std::optional<SpeechBlocks> FindSpeech(std::span<std::int16_t> envelope) {
 }
 
 std::optional<Segment> ToSegment(const SpeechBlocks& speech, std::uint32_t totalSamples) {
-  // In 16 bits, deliberately: what lies behind block 32,767 is not found again.
+  // In 16 bits, deliberately: what lies after block 32,767 is not found again.
   const std::int16_t left = Narrow(speech.left);
   const std::int16_t right = Narrow(speech.right);
   constexpr auto kStep = static_cast<std::int32_t>(kBlockStep);

@@ -12,14 +12,14 @@
 //
 // One shift holds the first frame of the shorter template against all frames of the longer one
 // before its place, its own frames against those at its place, and its last frame against all
-// frames behind: head, middle and tail, added in this order, each addition rounded.
+// frames after: head, middle and tail, added in this order, each addition rounded.
 //
 // - The head of one shift is that of the next, one frame shorter. All heads are one running sum.
 // - The middles are formed for several shifts side by side.
 // - The tails begin with another sum for each shift and are rounded otherwise. But a rounded sum
 //   x + t never falls as x rises. So for each place of a tail there is a largest x, the allowance,
 //   with which its sum still ends below the best one. The allowance at a value t is the largest x
-//   for which x + t, rounded, is within the allowance behind it. One walk from the end to the front
+//   for which x + t, rounded, is within the allowance after it. One walk from the end to the front
 //   gives all of them, and only a shift whose middle ends within its allowance is added up: it is
 //   the new best one.
 //
@@ -50,7 +50,7 @@ VOXTREL_INLINE float AllowanceBefore(float allowance, float t) {
     return kNoAllowance;
   }
   // What is rounded down to the allowance reaches half a step further. The guess is at most a few
-  // floats beside the result, as the difference is rounded once to double and once to float.
+  // floats next to the result, as the difference is rounded once to double and once to float.
   const double reach = (static_cast<double>(allowance) + static_cast<double>(Above(allowance))) / 2;
   auto x = static_cast<float>(reach - static_cast<double>(t));
   while (x + t > allowance) {
@@ -68,7 +68,7 @@ VOXTREL_INLINE float Term(float a, float b) {
   return difference * difference;
 }
 
-/// The search for the best shift of one pair. A shift is told by its place: how many frames of the
+/// The search for the best shift of one pair. A shift is named by its place: how many frames of the
 /// longer template stand before the shorter one. Places at which the shorter one runs out are not
 /// searched here.
 class FarSearch {
@@ -147,7 +147,7 @@ class FarSearch {
 
  private:
   [[nodiscard]] std::int32_t Places() const { return m_longer.Frames() - m_shorter.Frames() + 1; }
-  /// The first frame of the longer template behind the shorter one.
+  /// The first frame of the longer template after the shorter one.
   [[nodiscard]] std::int32_t TailOf(std::int32_t place) const { return place + m_shorter.Frames(); }
   [[nodiscard]] float& SumAt(std::int32_t place) { return m_sums[static_cast<std::size_t>(place)]; }
 
@@ -196,7 +196,7 @@ class FarSearch {
     m_best = sum < m_best ? sum : m_best;
   }
 
-  /// The allowance at frame `to` from that at frame `from`, which is behind it.
+  /// The allowance at frame `to` from that at frame `from`, which is after it.
   VOXTREL_INLINE float Allowance(std::int32_t from, std::int32_t to, float allowance) const {
     for (std::int32_t frame = from; frame > to;) {
       --frame;

@@ -1,6 +1,6 @@
 #pragma once
 
-// What tells of a shift that it cannot win, in whole numbers. Made of inline functions only, which
+// What proves that a shift cannot win, in whole numbers. Made of inline functions only, which
 // are compiled with what uses them for each width of vectors.
 
 #include <algorithm>
@@ -50,7 +50,7 @@ struct Pair {
 /// Sums of products of `count` values of `a` with those of each `b`, and with those of each `b`
 /// that follow in the next frames, kFrames for each. Behind the `count` values at least one side
 /// has zeros. No value is negative, so a sum that leaves 32 bits comes out too low, and what it is
-/// taken from too high. For a pair that is not near that happens only where the ends of the shorter
+/// taken from too high. For a pair that is not near that happens only if the ends of the shorter
 /// template, held, are more than three times as long as the longer one, and so the shift cannot
 /// win.
 template <std::size_t kFrames, std::size_t kOthers>
@@ -93,7 +93,7 @@ VOXTREL_INLINE std::int64_t SlidSquares(const Pair& pair, std::int32_t shift) {
 }
 
 /// Sums of the squared differences of the two grids at `shift` and the kProductLanes - 1 shifts
-/// above it, where Pair::IsNear. What leaves 32 bits comes out too low: such a shift is looked at
+/// above it, if Pair::IsNear. What leaves 32 bits comes out too low: such a shift is looked at
 /// more closely than it deserves.
 VOXTREL_INLINE std::array<std::uint32_t, kProductLanes> GridDistances(const Pair& pair,
                                                                       std::int32_t shift) {
@@ -143,7 +143,7 @@ VOXTREL_INLINE std::array<std::int64_t, kProductLanes> FarGridDistances(const Pa
 
 /// The distances of the outlines at all shifts: sums of the squared differences. What leaves 32
 /// bits comes out too low: such a shift is looked at more closely than it deserves. They are all 0
-/// where the pair is not near.
+/// if the pair is not near.
 class OutlineDistances {
  public:
   VOXTREL_INLINE explicit OutlineDistances(const Pair& pair)

@@ -4,7 +4,7 @@
 #include <bit>
 #include <utility>
 
-// Why the whole numbers tell the same float.
+// Why the whole numbers give the same float.
 //
 // Let m be the magnitude in units of 2^-e, where the larger part, which has 24 bits, begins at bit
 // 30: m < 2^32. The smaller part loses less than a unit when it is brought to the same units, and

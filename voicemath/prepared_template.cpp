@@ -31,7 +31,8 @@ float ReciprocalNorm(std::span<const float> values) {
   return 1.0F / norm;
 }
 
-/// As many numbers, not initialised where they need not be; false without memory for them.
+/// Reserves so many numbers, and initialises none that need not be. Returns false if there is no
+/// memory for them.
 template <typename T>
 bool Make(std::unique_ptr<T[]>& numbers, std::size_t count) {
   numbers.reset(new (std::nothrow) T[count]);

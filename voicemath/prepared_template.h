@@ -14,7 +14,7 @@ namespace voicemath {
 /// A template in the forms that comparing wants, made once when its slot is filled:
 ///
 /// - the *shape*: each value times the reciprocal of the norm, rounded to float. Once frame by
-///   frame, and once band by band, with the first frame repeated before it and the last one behind,
+///   frame, and once band by band, with the first frame repeated before it and the last one after,
 ///   kFloatLanes times each;
 /// - the *grid*: the shape on a grid of steps of 1 / kGridSteps, as whole numbers, frame by frame,
 ///   once as it is, and once between repetitions of its first and its last frame. Zeros follow;
@@ -23,7 +23,7 @@ namespace voicemath {
 ///   any frame, the ends repeated;
 /// - running sums of the grid, so that a frame held against many others costs no more than one.
 ///
-/// The grid and its outline are missing, and IsOnGrid false, where there are no frames, and where a
+/// The grid and its outline are missing, and IsOnGrid is false, if there are no frames, or if a
 /// value of the shape is negative, no number or nearly all of the norm, or the norm lost too much
 /// in float: hardly any recording gives such a template, and comparing it only takes longer.
 class PreparedTemplate {
@@ -31,7 +31,7 @@ class PreparedTemplate {
   static constexpr std::int32_t kGridSteps = 1 << 14;
   /// The grid may be read in blocks of so many values, its zeros included.
   static constexpr std::size_t kGridBlock = 16;
-  /// Zeros behind the held grid, enough for kProductLanes stretches that begin a frame apart.
+  /// Zeros after the held grid, enough for kProductLanes stretches that begin a frame apart.
   static constexpr std::size_t kHeldZeros = kGridBlock + kProductLanes * kBandCount;
 
   /// How often the held grid repeats its ends. Enough for words of usual lengths.
@@ -74,7 +74,7 @@ class PreparedTemplate {
   [[nodiscard]] const std::int16_t* HeldGrid(std::int32_t frame) const {
     return m_heldGrid.get() + static_cast<std::size_t>(frame + kHeldFrames) * kBandCount;
   }
-  /// Sum of the squares of the held grid before `frame`, as far as 32 bits tell it. Those before
+  /// Sum of the squares of the held grid before `frame`, as far as 32 bits hold it. Those before
   /// the next frames follow.
   [[nodiscard]] const std::uint32_t* HeldSquares(std::int32_t frame) const {
     return m_heldSquares.get() + (frame + kHeldFrames);
@@ -97,7 +97,7 @@ class PreparedTemplate {
   [[nodiscard]] const std::int16_t* SlidOutline(std::int32_t frame) const {
     return m_slidOutline.get() + SlidPlace(frame) * kBandCount;
   }
-  /// Sum of the squares of those before, as far as 32 bits tell it. What follows are the sums for
+  /// Sum of the squares of those before, as far as 32 bits hold it. What follows are the sums for
   /// groups that begin a frame later.
   [[nodiscard]] const std::uint32_t* SlidOutlineSquares(std::int32_t frame) const {
     return m_slidSquares.get() + (frame + kHeldFrames);

@@ -11,11 +11,11 @@
 //
 // The samples are real, and their sums as whole numbers are exact like the floats that hold them,
 // so either kind of number does. A factor of an imaginary part of 0 only decides the signs of
-// zeros, which no magnitude tells.
+// zeros, which no magnitude shows.
 //
 // After the first pass every eighth of the points goes its own way to the end. Half of the eighths
 // are made at a time, which keeps the work in the processor's nearest memory. Nothing is put into
-// another order at the end: a table tells which bins stand where.
+// another order at the end: a table says which bin stands at which place.
 
 namespace voicemath {
 namespace {

@@ -8,8 +8,8 @@
 
 namespace voicemath {
 
-/// Where the samples of kFrameLanes frames begin, kFrameSamples of each. They may overlap, and be
-/// the same.
+/// The places at which the samples of kFrameLanes frames begin, kFrameSamples of each. They may
+/// overlap, and be the same.
 using FrameStarts = std::array<const std::int16_t*, kFrameLanes>;
 
 /// The bins kFirstUsedBin to kUsedBins - 1 of each frame's transform, each as its magnitude times

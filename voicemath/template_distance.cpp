@@ -28,7 +28,7 @@
 // (3) The root of the right side is at most sqrt(B + 2^-100) (1 + (n + 3) e). G times it is, with
 //     B <= 2, at most G sqrt(B + 2^-100) + (n + 3) / 724.
 //
-// Together: where the grid distance is at least the square of
+// Together: if the grid distance is at least the square of
 //     G sqrt(B + 2^-100) + (n + 3) / 724 + sqrt(n),
 // the shift cannot win. GridRoot() is not below the first term, RootOfSize() not below the last.
 //
@@ -129,7 +129,7 @@ class Search {
   /// An order in which what is no number comes last.
   static bool IsLower(float a, float b) { return a < b || (b != b && a == a); }
 
-  /// Tries kLanes shifts, or those up to the `end`-th, where one of them can win.
+  /// Tries kLanes shifts, or those up to the `end`-th, if one of them can win.
   VOXTREL_INLINE void TryIfPromising(std::int32_t index, std::int32_t begin, std::int32_t end,
                                      const OutlineDistances& outlines) {
     end = std::min(begin + kLanes, end);

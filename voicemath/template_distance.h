@@ -44,7 +44,7 @@ class DistanceBound {
                                      const DistanceBound& bound = {}, const GoOn& goOn = {});
 
 /// The same of templates that are compared only once. Needs memory for both prepared, and says
-/// kMaxDistance where there is none.
+/// kMaxDistance if there is none.
 [[nodiscard]] float TemplateDistance(std::span<const float> a, std::span<const float> b);
 
 /// A number that rises with the distance, roughly, and costs a fraction of it. 0 where it says

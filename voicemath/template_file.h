@@ -19,7 +19,7 @@ enum class TemplateFileResult : std::uint8_t {
   kDiskFull,  ///< Writing.
 };
 
-/// Writes `object` through a storing archive to the file at `path`, made where it is missing. The
+/// Writes `object` through a storing archive to the file at `path`, made if it is missing. The
 /// file is never shortened: an existing longer one keeps its end, which readers do not look at.
 /// After kNotCreated nothing has been written; after a later failure the file is torn.
 [[nodiscard]] TemplateFileResult WriteTemplateFile(platform::FileSystem& files,

@@ -9,7 +9,7 @@
 namespace voicemath {
 namespace {
 
-/// 1 / 11,025, as the factor with which durations have always been told.
+/// 1 / 11,025, as the factor that durations have always been computed with.
 constexpr float kSecondsPerSample = 9.0702946e-5F;
 
 constexpr std::u16string_view kNotProcessedText = u"Can't process this file";
@@ -90,7 +90,7 @@ void CVoiceMathematics::RemoveTemplate(std::int32_t slot) {
   --m_count;
   const auto first = static_cast<std::size_t>(slot);
   if (first >= stored) {
-    return;  // Counted, but behind the last slot.
+    return;  // Counted, but there is no such slot.
   }
   for (std::size_t i = first; i + 1 < stored; ++i) {
     m_wavePaths[i] = m_wavePaths[i + 1];

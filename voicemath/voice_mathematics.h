@@ -37,7 +37,7 @@ enum HeaderCode : int {
   kNotPcm = 4,
   kNotMono = 5,
   kNot16Bit = 6,
-  kNoData = 7,  ///< No "data" id where it is looked for, or more data than file.
+  kNoData = 7,  ///< No "data" id at the places that are searched, or more data than file.
 };
 
 /// The speech mathematics of the system: turns recordings into templates, holds the templates of
@@ -45,7 +45,7 @@ enum HeaderCode : int {
 ///
 /// A template is a run of frames, each kBandCount floats, none negative. Slots 0 to 99 hold stored
 /// tags; slot 100 is for scratch work and is never counted or given a path. Used by one thread at a
-/// time. The documented fields are open to the pages, which set the paths, the load slot and, where
+/// time. The documented fields are open to the pages, which set the paths, the load slot and, if
 /// they load a base themselves, the count.
 class CVoiceMathematics : public framework::CObject {
  public:
@@ -57,9 +57,10 @@ class CVoiceMathematics : public framework::CObject {
   // The virtual operations, in the order of the framework's table.
   [[nodiscard]] const framework::RuntimeClass& GetRuntimeClass() const override;
   ~CVoiceMathematics() override = default;
-  /// Storing writes the template of slot 0. Loading fills slot `m_loadSlot`, or leaves it as it was
-  /// and marks the archive as failed where the file is short or contradicts itself. Bytes behind
-  /// the template are left alone: a longer file that was written over keeps its old end.
+  /// Storing writes the template of slot 0. Loading fills slot `m_loadSlot`. If the
+  /// file is short or contradicts itself, the slot stays as it was and the archive is marked as
+  /// failed. Bytes after the template are left alone: a longer file that was written over keeps its
+  /// old end.
   void Serialize(framework::CArchive& archive) override;
 
   /// Opens `m_wavePath`, finds the speech, trims the file to it, and computes the template into
@@ -78,7 +79,7 @@ class CVoiceMathematics : public framework::CObject {
   /// any but kHeaderAccepted.
   [[nodiscard]] int OpenWaveData();
 
-  // Steps of LearnFile on the open file; false where the file layer failed.
+  // Steps of LearnFile on the open file. Each returns false if the file layer failed.
   [[nodiscard]] bool DetectSpeechBounds();
   [[nodiscard]] bool TrimWaveFile();
   [[nodiscard]] bool ComputeTemplate(std::uint32_t slot);
@@ -95,7 +96,7 @@ class CVoiceMathematics : public framework::CObject {
   /// Empties the slots below `m_count` and sets it to 0.
   void ClearTemplates();
 
-  /// Distance of two slots, 0 to kMaxDistance; kMaxDistance where either is none.
+  /// Returns the distance of two slots, 0 to kMaxDistance; kMaxDistance if either is none.
   [[nodiscard]] float CompareTemplates(std::int32_t a, std::int32_t b) const;
 
   /// Finds for each of the slots from 0 on, as many as `nearest` has places for and at most
@@ -109,11 +110,12 @@ class CVoiceMathematics : public framework::CObject {
   std::int32_t ComputeThresholds();
 
   /// Puts a template of `frames` frames into `slot`, which must be one, and prepares it for
-  /// comparison. Without memory for that the slot is left as it was and the result is false.
+  /// comparison. Returns false, and leaves the slot as it was, if there is no memory for
+  /// that.
   [[nodiscard]] bool SetTemplate(std::size_t slot, std::unique_ptr<const float[]> values,
                                  std::uint16_t frames);
 
-  /// Values of the template in `slot`, which must be one; empty where it is empty.
+  /// Returns the values of the template in `slot`, which must be one. Empty if the slot is empty.
   [[nodiscard]] std::span<const float> GetTemplate(std::size_t slot) const;
 
   framework::CFile m_file;  ///< The wave file in work.

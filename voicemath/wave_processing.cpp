@@ -76,12 +76,12 @@ HeaderCode CVoiceMathematics::ReadHeader() {
     return format;
   }
   const auto id = FindDataId(header);
-  std::array<std::byte, 4> size{};  // Stands behind the buffer where the id is its last four bytes.
+  std::array<std::byte, 4> size{};  // After the buffer if the id is its last four bytes.
   if (!id || !ReadAt(m_file, *id + size.size(), size)) {
     return kNoData;
   }
   // Compared with the whole file, header included: a header that claims up to its own length too
-  // much passes, and the reads behind the end find nothing.
+  // much passes, and the reads after the end find nothing.
   const std::uint32_t dataBytes = platform::LoadLittleEndian32(size);
   if (dataBytes > *length) {
     return kNoData;
@@ -154,7 +154,7 @@ bool CVoiceMathematics::MeasureEnvelopeAtEnd(std::span<std::int16_t> envelope, s
 
 bool CVoiceMathematics::ComputeTemplate(std::uint32_t slot) {
   // Frames of two hops, one beginning at each hop. In 16 bits: a segment shorter than one hop gives
-  // 65,535 frames, almost all of them behind the end of the file.
+  // 65,535 frames, almost all of them after the end of the file.
   const std::size_t hops = (m_lastSample - m_firstSample + 1) / kFrameHop;
   const auto frames = static_cast<std::uint16_t>(hops - m_hopsPerFrame + 1U);
   const std::size_t elements = std::size_t{frames} * m_bandCount;
@@ -197,7 +197,7 @@ bool CVoiceMathematics::ReadFrames(std::span<float> features) {
     ++waiting;
   }
   compute();
-  // Nothing new behind the end of the file: the buffer, and so the result, stays the last one.
+  // Nothing new after the end of the file: the buffer, and so the result, stays the last one.
   for (; done < features.size(); done += kBandCount) {
     std::ranges::copy(features.subspan(done - kBandCount, kBandCount),
                       features.begin() + static_cast<std::ptrdiff_t>(done));

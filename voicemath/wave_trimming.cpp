@@ -23,9 +23,9 @@ constexpr std::size_t kCopyBytes = kCopySamples * kSampleBytes;
 
 /// Copies samples to the trimmed file with one buffer.
 ///
-/// Where the data begins before byte 44, less far in than the samples are written, the copy has
-/// always worked on the file itself and so has read, from the second buffer on, the end of what it
-/// had just written. The same samples come out here, from the end of the buffer before.
+/// The samples are written from byte 44 on. If the data begins before that byte, the copy has
+/// always read, from the second buffer on, the end of what it had just written, since it worked on
+/// the file itself. The same samples come out here, from the end of the buffer before.
 class SampleCopier {
  public:
   SampleCopier(framework::CFile& from, platform::File& to, std::uint64_t offset)
@@ -65,7 +65,7 @@ bool CVoiceMathematics::TrimWaveFile() {
   const std::uint32_t total = m_dataBytes / static_cast<std::uint32_t>(kSampleBytes);
   const bool differs = m_firstSample > 0 || m_lastSample < total - 1;
   if (!differs || m_firstSample >= m_lastSample) {
-    return m_file.Flush().has_value();  // Its recorder left that to whoever writes it last.
+    return m_file.Flush().has_value();  // Its recorder left that to the last writer.
   }
   const std::uint32_t bytes =
       (m_lastSample - m_firstSample + 1) * static_cast<std::uint32_t>(kSampleBytes);

@@ -14,7 +14,7 @@
 namespace posix {
 namespace {
 
-/// Nothing for a path that is too long for a socket.
+/// Returns nothing if the path is too long for a socket.
 std::optional<sockaddr_un> AddressOf(const std::string& path) {
   sockaddr_un address{};
   address.sun_family = AF_UNIX;
@@ -34,7 +34,7 @@ Descriptor MakeSocket() {
   return Descriptor(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
 }
 
-/// Sixteen digits that tell folders apart.
+/// Sixteen digits, different for different folders.
 std::string DigitsOf(std::string_view text) {
   std::uint64_t hash = 0xCBF29CE484222325U;
   for (const char byte : text) {

@@ -8,7 +8,7 @@
 
 namespace posix {
 
-/// By which one process asks another one on this machine for its attention. It is a socket of this
+/// One process asks another one on this machine for its attention with this. It is a socket of this
 /// user with a name that both know.
 class Doorbell {
  public:
@@ -17,21 +17,21 @@ class Doorbell {
 
   Doorbell() = default;
 
-  /// Hangs the bell, in the place of one that a process left behind; to be called only by whoever
-  /// knows to be the only one. False where that cannot be done.
+  /// Hangs the bell, in the place of one that an ended process left there. Only the process that
+  /// knows to be the only one may call this. Returns false if the bell cannot be hung.
   [[nodiscard]] bool Hang(const std::string& path);
 
-  /// Can be read, as poll tells, when somebody rang.
+  /// The descriptor that poll reports as readable after somebody rang.
   [[nodiscard]] int GetDescriptor() const { return m_socket.Get(); }
 
-  /// The message of who rang first; nothing where nobody did.
+  /// Returns the first message that was not answered yet. Returns nothing if nobody rang.
   [[nodiscard]] std::optional<std::string> Answer() const;
 
-  /// Rings, without waiting for an answer; false where there is no bell.
+  /// Rings, without waiting for an answer. Returns false if there is no bell.
   [[nodiscard]] static bool Ring(const std::string& path, std::string_view message);
 
-  /// Where the bell of a device hangs: in the user's folder for such things where there is one,
-  /// else in the root folder of the device. `runtimeFolder` is $XDG_RUNTIME_DIR.
+  /// Returns the path of a device's bell. It is in the user's folder for such things, or in the
+  /// root folder of the device if there is no such folder. `runtimeFolder` is $XDG_RUNTIME_DIR.
   [[nodiscard]] static std::string PathFor(const std::string& runtimeFolder,
                                            const std::string& root);
 

@@ -14,7 +14,7 @@ namespace posix {
 [[nodiscard]] platform::Result<std::vector<std::string>, platform::FileError> ListFolder(
     const std::string& folder);
 
-/// Where a path of the system's callers leads on the host.
+/// The place on the host that a path of the system leads to.
 struct HostPlace {
   std::string folder;  ///< Ends with a "/".
   std::string name;
@@ -22,9 +22,10 @@ struct HostPlace {
   [[nodiscard]] std::string Path() const { return folder + name; }
 };
 
-/// The host's place of a path, device paths below `root`. The last name is the one on the disk
-/// if some spelling of it exists, else the one that was asked for. kNotFound if a folder on the
-/// way is missing or the path names nothing; a folder that cannot be looked into is another error.
+/// Returns the host's place of a path; device paths lie below `root`. The last name is the one on
+/// the disk if some spelling of it exists, else the one that was asked for. Fails with kNotFound if
+/// a folder on the way is missing or the path names nothing; a folder that cannot be looked into is
+/// another error.
 [[nodiscard]] platform::Result<HostPlace, platform::FileError> FindPlace(const std::string& root,
                                                                          std::u16string_view path);
 

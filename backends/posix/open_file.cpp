@@ -78,7 +78,7 @@ bool Lock(int descriptor, const OpenMode& mode) {
   return Retry([&] { return ::flock(descriptor, operation); }) == 0 || errno != EWOULDBLOCK;
 }
 
-/// Whether there is a file that may be opened so; kNotFound also if it is to be made.
+/// Fails if there is no file that may be opened so: with kNotFound also if it is to be made.
 Result<void, FileError> Look(const std::string& path, const OpenMode& mode, bool refusesLinks) {
   struct stat status {};
   if (::fstatat(AT_FDCWD, path.c_str(), &status, refusesLinks ? AT_SYMLINK_NOFOLLOW : 0) != 0) {

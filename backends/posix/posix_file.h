@@ -13,7 +13,7 @@ namespace posix {
 /// A regular file, open and locked against other holders as its mode says.
 struct LockedFile {
   Descriptor descriptor;
-  std::string path;  ///< Where the file is, after every symbolic link was followed.
+  std::string path;  ///< Of the file itself, after every symbolic link was followed.
 };
 
 /// What becomes of the rights that other users have on an older file that is written or replaced.
@@ -57,7 +57,7 @@ class PosixFile final : public platform::File {
   const platform::FileAccess m_access;
   std::uint64_t m_position = 0;
   /// The folder whose entry of this file may not be on the medium yet; "" if it is, and for a file
-  /// without a name. Whoever writes a file need not be the one who made it.
+  /// without a name. The writer of a file need not be its maker.
   std::string m_unsyncedFolder;
 };
 

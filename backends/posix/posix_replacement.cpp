@@ -23,10 +23,15 @@ using platform::FileAccess;
 using platform::FileError;
 using platform::Result;
 
+// How a file takes the place of another one. The new file has no name while it is written, so a
+// process that is killed leaves nothing. To replace an earlier file it gets a random name first,
+// and then that of the earlier file by rename, since no call of the system gives a file without a
+// name the place of another one.
+
 constexpr mode_t kPermissionBits = S_IRWXU | S_IRWXG | S_IRWXO;
 constexpr int kMostAttempts = 100;
 
-/// Where the system shows an open descriptor as a file, which can be given a name.
+/// The path by which the system shows an open descriptor as a file, which can be given a name.
 std::string PathOf(int descriptor) { return "/proc/self/fd/" + std::to_string(descriptor); }
 
 std::string RandomPath(const std::string& folder) {

@@ -26,8 +26,7 @@ class PosixThreads final : public platform::Threads {
   /// Returns the name in the lock folder of the file that is locked for the mutex of that name.
   [[nodiscard]] static std::string LockName(std::u16string_view name);
 
-  /// Whether anybody ever made the mutex of that name: as long as not, nobody holds it. Makes
-  /// nothing.
+  /// Whether the mutex of that name was ever made. If not, nobody holds it. Makes nothing.
   [[nodiscard]] static bool WasNamedMutexMade(const std::string& lockFolder,
                                               std::u16string_view name);
 
