@@ -87,8 +87,7 @@ bool ReinitWorker::Recompute(std::u16string_view waveFile) {
     // must not be stored for this one.
     return true;
   }
-  if (voicemath::WriteTemplateFile(m_platform.files, templatePath, *m_mathematics) !=
-      voicemath::TemplateFileResult::kDone) {
+  if (!voicemath::WriteTemplateFile(m_platform.files, templatePath, *m_mathematics)) {
     // Half a template is worse than none.
     static_cast<void>(m_platform.files.Delete(templatePath));
     return false;

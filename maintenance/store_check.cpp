@@ -127,17 +127,19 @@ class Checker {
     const bool hasRecording = CheckRecording(tag);
     m_mathematics.m_loadSlot = kStoredSlot;
     const std::u16string path = storage::TemplatePath(tag);
-    using enum voicemath::TemplateFileResult;
-    switch (voicemath::ReadTemplateFile(m_platform.files, path, m_mathematics)) {
-      case kDone:
-        if (hasRecording && !AreSameBits(m_mathematics.GetTemplate(kComputedSlot),
-                                         m_mathematics.GetTemplate(kStoredSlot))) {
-          // A loss of power can leave a file of zeros, which holds no frames and is nobody's.
-          Report(m_mathematics.GetTemplate(kStoredSlot).empty() ? StoreProblem::kTemplateTorn
-                                                                : StoreProblem::kTemplateStale,
-                 tag);
-        }
-        break;
+    const auto read = voicemath::ReadTemplateFile(m_platform.files, path, m_mathematics);
+    if (read) {
+      if (hasRecording && !AreSameBits(m_mathematics.GetTemplate(kComputedSlot),
+                                       m_mathematics.GetTemplate(kStoredSlot))) {
+        // A loss of power can leave a file of zeros, which holds no frames and is nobody's.
+        Report(m_mathematics.GetTemplate(kStoredSlot).empty() ? StoreProblem::kTemplateTorn
+                                                              : StoreProblem::kTemplateStale,
+               tag);
+      }
+      return;
+    }
+    using enum voicemath::TemplateFileError;
+    switch (read.error()) {
       case kTorn:
         Report(StoreProblem::kTemplateTorn, tag);
         break;

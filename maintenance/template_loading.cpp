@@ -70,8 +70,7 @@ bool TemplateLoader::LoadTemplate(std::int32_t tag, const std::u16string& wavePa
                                   std::u16string_view templatePath) {
   const std::size_t slot = m_loaded.tags.size();
   m_mathematics.m_loadSlot = static_cast<std::int32_t>(slot);
-  if (voicemath::ReadTemplateFile(m_platform.files, templatePath, m_mathematics) !=
-      voicemath::TemplateFileResult::kDone) {
+  if (!voicemath::ReadTemplateFile(m_platform.files, templatePath, m_mathematics)) {
     return false;
   }
   m_mathematics.m_wavePaths[slot] = wavePath;

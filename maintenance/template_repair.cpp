@@ -41,8 +41,7 @@ RepairResult RepairTemplate(const platform::Platform& platform, std::u16string_v
   }
   const std::u16string path = storage::TemplatePath(tagName);
   static_cast<void>(platform.files.Delete(path));
-  if (voicemath::WriteTemplateFile(platform.files, path, mathematics) !=
-      voicemath::TemplateFileResult::kDone) {
+  if (!voicemath::WriteTemplateFile(platform.files, path, mathematics)) {
     static_cast<void>(platform.files.Delete(path));
     return HasTemplateFolder(platform.files) ? RepairResult::kNotWritten : RepairResult::kNoFolder;
   }

@@ -140,8 +140,8 @@ bool Page_one::StoreTag(std::u16string_view tagName) {
   }
   const auto written =
       voicemath::WriteTemplateFile(m_platform.files, storage::TemplatePath(tagName), *this);
-  if (written != voicemath::TemplateFileResult::kDone) {
-    if (written == voicemath::TemplateFileResult::kDiskFull) {
+  if (!written) {
+    if (written.error() == voicemath::TemplateFileError::kDiskFull) {
       m_learnError = platform::FileError::kDiskFull;
     }
     ShowBox(resources::kTemplateNotCreated);

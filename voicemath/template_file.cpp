@@ -13,46 +13,48 @@ using framework::ArchiveError;
 using framework::ArchiveStatus;
 using framework::CArchive;
 using framework::CFile;
+using platform::Failure;
 
-TemplateFileResult ToResult(const ArchiveStatus& status) {
+platform::Result<void, TemplateFileError> ToResult(const ArchiveStatus& status) {
   if (status) {
-    return TemplateFileResult::kDone;
+    return {};
   }
   switch (status.error()) {
     case ArchiveError::kEndOfFile:
-      return TemplateFileResult::kTorn;
+      return Failure(TemplateFileError::kTorn);
     case ArchiveError::kBadFormat:
-      return TemplateFileResult::kBadFormat;
+      return Failure(TemplateFileError::kBadFormat);
     case ArchiveError::kFileFailure:
       break;
   }
-  return TemplateFileResult::kFileFailure;
+  return Failure(TemplateFileError::kFileFailure);
 }
 
 }  // namespace
 
-TemplateFileResult WriteTemplateFile(platform::FileSystem& files, std::u16string_view path,
-                                     framework::CObject& object) {
+platform::Result<void, TemplateFileError> WriteTemplateFile(platform::FileSystem& files,
+                                                            std::u16string_view path,
+                                                            framework::CObject& object) {
   // Makes the file if it is missing, without touching one that is there. It is closed at once.
   if (const auto made = files.Open(path, {platform::FileAccess::kNone, platform::FileShare::kNone,
                                           platform::FileCreation::kOpenAlways});
       !made) {
-    return made.error() == platform::FileError::kDiskFull ? TemplateFileResult::kDiskFull
-                                                          : TemplateFileResult::kNotCreated;
+    const bool isFull = made.error() == platform::FileError::kDiskFull;
+    return Failure(isFull ? TemplateFileError::kDiskFull : TemplateFileError::kNotCreated);
   }
   CFile file(files);
   if (!file.Open(path, CFile::modeWrite)) {
-    return TemplateFileResult::kNotOpened;
+    return Failure(TemplateFileError::kNotOpened);
   }
   CArchive archive(file, CArchive::Mode::kStore);
   object.Serialize(archive);
-  const TemplateFileResult result = ToResult(archive.Close());
+  const auto stored = ToResult(archive.Close());
   const CFile::Done flushed = file.Flush();
   const CFile::Done closed = file.Close();
   if (file.GetError() == platform::FileError::kDiskFull) {
-    return TemplateFileResult::kDiskFull;
+    return Failure(TemplateFileError::kDiskFull);
   }
-  return flushed && closed ? result : TemplateFileResult::kFileFailure;
+  return flushed && closed ? stored : Failure(TemplateFileError::kFileFailure);
 }
 
 platform::Result<void, platform::FileError> ReplaceTemplateFile(platform::FileSystem& files,
@@ -60,23 +62,24 @@ platform::Result<void, platform::FileError> ReplaceTemplateFile(platform::FileSy
                                                                 framework::CObject& object) {
   const auto made = files.OpenReplacement(path);
   if (!made) {
-    return platform::Failure(made.error());
+    return Failure(made.error());
   }
   CFile file(files);
   file.Attach((*made)->GetFile());
   CArchive archive(file, CArchive::Mode::kStore);
   object.Serialize(archive);
   if (!archive.Close()) {
-    return platform::Failure(file.GetError().value_or(platform::FileError::kOther));
+    return Failure(file.GetError().value_or(platform::FileError::kOther));
   }
   return (*made)->Publish(platform::Durability::kNow);
 }
 
-TemplateFileResult ReadTemplateFile(platform::FileSystem& files, std::u16string_view path,
-                                    framework::CObject& object) {
+platform::Result<void, TemplateFileError> ReadTemplateFile(platform::FileSystem& files,
+                                                           std::u16string_view path,
+                                                           framework::CObject& object) {
   CFile file(files);
   if (!file.Open(path, CFile::modeRead)) {
-    return TemplateFileResult::kNotOpened;
+    return Failure(TemplateFileError::kNotOpened);
   }
   CArchive archive(file, CArchive::Mode::kLoad);
   object.Serialize(archive);

@@ -9,8 +9,8 @@
 
 namespace voicemath {
 
-enum class TemplateFileResult : std::uint8_t {
-  kDone,
+/// Why a template was not written or read.
+enum class TemplateFileError : std::uint8_t {
   kNotCreated,  ///< Writing: the file can neither be opened nor made.
   kNotOpened,
   kTorn,       ///< Reading: the file ends before its template does.
@@ -22,9 +22,8 @@ enum class TemplateFileResult : std::uint8_t {
 /// Writes `object` through a storing archive to the file at `path`, made if it is missing. The
 /// file is never shortened: an existing longer one keeps its end, which readers do not look at.
 /// After kNotCreated nothing has been written; after a later failure the file is torn.
-[[nodiscard]] TemplateFileResult WriteTemplateFile(platform::FileSystem& files,
-                                                   std::u16string_view path,
-                                                   framework::CObject& object);
+[[nodiscard]] platform::Result<void, TemplateFileError> WriteTemplateFile(
+    platform::FileSystem& files, std::u16string_view path, framework::CObject& object);
 
 /// As WriteTemplateFile, but the file takes the place of an earlier one in one step, and is as long
 /// as its template. Whatever fails, the path holds the earlier file or the new one.
@@ -32,8 +31,7 @@ enum class TemplateFileResult : std::uint8_t {
     platform::FileSystem& files, std::u16string_view path, framework::CObject& object);
 
 /// Reads the file at `path` into `object` through a loading archive.
-[[nodiscard]] TemplateFileResult ReadTemplateFile(platform::FileSystem& files,
-                                                  std::u16string_view path,
-                                                  framework::CObject& object);
+[[nodiscard]] platform::Result<void, TemplateFileError> ReadTemplateFile(
+    platform::FileSystem& files, std::u16string_view path, framework::CObject& object);
 
 }  // namespace voicemath

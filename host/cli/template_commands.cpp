@@ -19,18 +19,16 @@ namespace cli {
 namespace {
 
 using voicemath::CVoiceMathematics;
-using voicemath::TemplateFileResult;
-
 /// Reads a template into `slot`. Reports what is wrong if that fails.
 bool Load(Session& session, CVoiceMathematics& mathematics, const std::string& st,
           std::size_t slot) {
   mathematics.m_loadSlot = static_cast<std::int32_t>(slot);
   const auto read = voicemath::ReadTemplateFile(session.GetPlatform().files,
                                                 Session::ToSystemPath(st), mathematics);
-  if (read != TemplateFileResult::kDone) {
-    session.Fail(fmt::format("{}: {}", st, ExplainTemplateFile(read)));
+  if (!read) {
+    session.Fail(fmt::format("{}: {}", st, ExplainTemplateFile(read.error())));
   }
-  return read == TemplateFileResult::kDone;
+  return read.has_value();
 }
 
 /// A sentence about the values for which `isOdd` holds. Returns an empty text if there is none.

@@ -26,7 +26,7 @@ using platform::Failure;
 using platform::FileError;
 using platform::Result;
 using voicemath::CVoiceMathematics;
-using voicemath::TemplateFileResult;
+using voicemath::TemplateFileError;
 
 constexpr std::size_t kPictureColumns = 60;
 constexpr std::size_t kTemplateHeaderBytes = 6;
@@ -262,13 +262,13 @@ void AddTemplateMakers(CLI::App& group, Session& session) {
   AddMaker(group, session, arguments, "process", "Make the template of a whole recording", false);
 }
 
-std::string ExplainTemplateFile(TemplateFileResult result) {
-  switch (result) {
-    case TemplateFileResult::kNotOpened:
+std::string ExplainTemplateFile(TemplateFileError error) {
+  switch (error) {
+    case TemplateFileError::kNotOpened:
       return "it cannot be opened";
-    case TemplateFileResult::kTorn:
+    case TemplateFileError::kTorn:
       return "it is torn: it ends before its template does";
-    case TemplateFileResult::kBadFormat:
+    case TemplateFileError::kBadFormat:
       return "it is not a template file";
     default:
       return "it cannot be read to its end";

@@ -8,7 +8,7 @@
 namespace cli {
 
 /// Why a template file was not read, in words.
-[[nodiscard]] std::string ExplainTemplateFile(voicemath::TemplateFileResult result);
+[[nodiscard]] std::string ExplainTemplateFile(voicemath::TemplateFileError error);
 
 /// The bands of a template as a picture, line by line.
 void PrintPicture(std::span<const float> values);

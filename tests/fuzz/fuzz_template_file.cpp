@@ -12,13 +12,14 @@
 #include "backends/headless/headless_ui.h"
 #include "tests/fuzz/require.h"
 #include "tests/machine/memory_file_system.h"
+#include "tests/support/results.h"
 #include "voicemath/template_file.h"
 #include "voicemath/voice_mathematics.h"
 
 namespace {
 
 using Bytes = std::span<const std::byte>;
-using voicemath::TemplateFileResult;
+using voicemath::TemplateFileError;
 
 constexpr std::u16string_view kPath = u"\\tag.st";
 constexpr std::u16string_view kEarlierPath = u"\\earlier.st";
@@ -39,16 +40,18 @@ std::uint32_t Number(Bytes bytes, std::size_t at, std::size_t width) {
   return value;
 }
 
-TemplateFileResult Expected(Bytes file) {
+/// Why a file is not taken. Nothing if it is.
+std::optional<TemplateFileError> Expected(Bytes file) {
   if (file.size() < kHeader) {
-    return TemplateFileResult::kTorn;
+    return TemplateFileError::kTorn;
   }
   const std::uint32_t elements = Number(file, 0, 4);
   if (elements != Number(file, 4, 2) * voicemath::kBandCount) {
-    return TemplateFileResult::kBadFormat;
+    return TemplateFileError::kBadFormat;
   }
-  return (file.size() - kHeader) / sizeof(float) >= elements ? TemplateFileResult::kDone
-                                                             : TemplateFileResult::kTorn;
+  return (file.size() - kHeader) / sizeof(float) >= elements
+             ? std::nullopt
+             : std::optional(TemplateFileError::kTorn);
 }
 
 void RequireHolds(const voicemath::CVoiceMathematics& mathematics, std::size_t slot, Bytes file) {
@@ -73,21 +76,21 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
   voicemath::CVoiceMathematics mathematics(files, ui);
   mathematics.m_loadSlot = kSlot;
-  Require(ReadTemplateFile(files, kEarlierPath, mathematics) == TemplateFileResult::kDone,
-          "a right file loads");
-  const TemplateFileResult result = ReadTemplateFile(files, kPath, mathematics);
+  Require(ReadTemplateFile(files, kEarlierPath, mathematics).has_value(), "a right file loads");
+  const auto result = ReadTemplateFile(files, kPath, mathematics);
 
-  Require(result == Expected(file), "a file loads exactly where it holds what it says");
-  RequireHolds(mathematics, kSlot, result == TemplateFileResult::kDone ? file : earlier);
+  Require(support::ErrorOf(result) == Expected(file),
+          "a file loads exactly where it holds what it says");
+  RequireHolds(mathematics, kSlot, result ? file : earlier);
   Require(mathematics.m_count == 0 && mathematics.m_elementCount == 0, "a load counts nothing");
   Require(files.CountOpenHandles() == 0, "nothing stays open");
 
-  if (result == TemplateFileResult::kDone) {
+  if (result) {
     mathematics.m_loadSlot = 0;
-    Require(ReadTemplateFile(files, kPath, mathematics) == result, "a file loads every time");
+    Require(ReadTemplateFile(files, kPath, mathematics).has_value(), "a file loads every time");
     const std::uint32_t elements = Number(file, 0, 4);
     mathematics.m_elementCount = static_cast<std::int32_t>(elements);
-    Require(WriteTemplateFile(files, kCopyPath, mathematics) == TemplateFileResult::kDone,
+    Require(WriteTemplateFile(files, kCopyPath, mathematics).has_value(),
             "what was loaded can be stored");
     Require(std::ranges::equal(*files.GetFile(kCopyPath),
                                file.first(kHeader + std::size_t{elements} * sizeof(float))),

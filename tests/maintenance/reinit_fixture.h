@@ -61,8 +61,7 @@ class ReinitFixture : public SessionFixture {
     mathematics.m_wavePath = u"/a.wav";
     EXPECT_EQ(mathematics.LearnFile(0), voicemath::kLearned);
     EXPECT_EQ(mathematics.ProcessFile(0), voicemath::kLearned);
-    EXPECT_EQ(voicemath::WriteTemplateFile(files, u"/a.st", mathematics),
-              voicemath::TemplateFileResult::kDone);
+    EXPECT_TRUE(voicemath::WriteTemplateFile(files, u"/a.st", mathematics));
     m_expectedWave = files.GetFile(u"/a.wav").value_or(support::Bytes());
     return files.GetFile(u"/a.st").value_or(support::Bytes());
   }

@@ -37,9 +37,8 @@ class StoreCheck : public SessionFixture {
     PutRecording(name, seed);
     m_session.mathematics.m_wavePath = storage::WavePath(name);
     ASSERT_EQ(m_session.mathematics.LearnFile(0), voicemath::kLearned);
-    ASSERT_EQ(voicemath::WriteTemplateFile(m_machine.files, storage::TemplatePath(name),
-                                           m_session.mathematics),
-              voicemath::TemplateFileResult::kDone);
+    ASSERT_TRUE(voicemath::WriteTemplateFile(m_machine.files, storage::TemplatePath(name),
+                                             m_session.mathematics));
     ASSERT_EQ(storage::TagStore(m_machine.files, m_machine.registry).WriteEntry(name, 17, u"Home"),
               RegistryError::kNone);
   }

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <new>
 
+#include "tests/support/results.h"
 #include "tests/voicemath/mathematics_fixture.h"
 
 namespace {
@@ -77,8 +78,8 @@ TEST_F(ScarceMemory, ATornTemplateReservesNothingOfWhatItClaims) {
   bytes[4] = bytes[5] = std::byte{0xFF};
   ASSERT_TRUE(m_files.PutFile(kTemplate, bytes));
   refusedSize = kMostElements * sizeof(float);
-  EXPECT_EQ(voicemath::ReadTemplateFile(m_files, kTemplate, m_mathematics),
-            voicemath::TemplateFileResult::kTorn);
+  EXPECT_EQ(support::ErrorOf(voicemath::ReadTemplateFile(m_files, kTemplate, m_mathematics)),
+            voicemath::TemplateFileError::kTorn);
 }
 
 }  // namespace
