@@ -11,8 +11,8 @@
 #include "connection/port_order.h"
 #include "connection/setting_value.h"
 #include "resources/dialogs.h"
-#include "storage/fixed_text.h"
 #include "storage/registry_keys.h"
+#include "storage/stored_text.h"
 #include "storage/tag_entry.h"
 
 namespace connection {

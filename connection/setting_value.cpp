@@ -1,7 +1,6 @@
 #include "connection/setting_value.h"
 
-#include "storage/fixed_text.h"
-#include "storage/utf16_bytes.h"
+#include "storage/stored_text.h"
 
 namespace connection {
 

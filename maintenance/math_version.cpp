@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "storage/registry_keys.h"
+#include "storage/stored_text.h"
 #include "storage/tag_entry.h"
-#include "storage/utf16_bytes.h"
 
 namespace maintenance {
 namespace {

@@ -5,10 +5,10 @@
 #include <optional>
 #include <span>
 #include <string>
-#include <variant>
 #include <vector>
 
 #include "platform/registry.h"
+#include "platform/result.h"
 
 namespace storage {
 
@@ -17,7 +17,7 @@ struct RegistryChange {
   enum class Kind : std::uint8_t { kCreateKey, kDeleteKey, kSetValue, kDeleteValue };
 
   Kind kind = Kind::kCreateKey;
-  std::size_t line = 0;           ///< 1-based, where the file asks for it.
+  std::size_t line = 0;           ///< 1-based, of the file.
   std::u16string key;             ///< Path below HKEY_LOCAL_MACHINE; empty for that itself.
   std::u16string valueName;       ///< Of values only.
   platform::RegistryValue value;  ///< With kSetValue only.
@@ -31,7 +31,7 @@ struct RegistryFileContent {
 
 /// Why a registry file was not taken.
 struct RegistryFileError {
-  std::size_t line = 0;  ///< 1-based; 0 where no line is to blame.
+  std::size_t line = 0;  ///< 1-based; 0 if no line is to blame.
   std::string message;   ///< In English, without the line and without a full stop.
   /// What the store answered; kNone if the file itself is wrong.
   platform::RegistryError store = platform::RegistryError::kNone;
@@ -41,12 +41,12 @@ struct RegistryFileError {
 inline constexpr std::uint64_t kMaxRegistryFileLength = std::uint64_t{1} << 28;
 
 /// Reads a registry file of the Windows family: version 5.00, in UTF-16LE with its byte-order mark,
-/// or version 4 ("REGEDIT4"), in the code page Windows-1252. Gives what it asks for, or the first
-/// thing that is wrong with it.
+/// or version 4 ("REGEDIT4"), in the code page Windows-1252. Fails with the first thing that is
+/// wrong with it.
 ///
 /// HKEY_LOCAL_MACHINE alone is known. What 64-bit Windows keeps for programs of 32 bits in
 /// Software\WOW6432Node is in Software here, as it was on the device.
-[[nodiscard]] std::variant<RegistryFileContent, RegistryFileError> ParseRegistryFile(
+[[nodiscard]] platform::Result<RegistryFileContent, RegistryFileError> ParseRegistryFile(
     std::span<const std::byte> file);
 
 /// Makes all changes of a file, or none of them and tells why.

@@ -6,11 +6,9 @@
 #include "backends/text/utf.h"
 #include "platform/registry_names.h"
 #include "storage/registry_file.h"
-#include "storage/registry_file_encoding.h"
-#include "storage/registry_file_format.h"
-#include "storage/registry_file_scanner.h"
+#include "storage/registry_file_text.h"
 #include "storage/registry_value_reader.h"
-#include "storage/utf16_bytes.h"
+#include "storage/stored_text.h"
 
 namespace storage {
 
@@ -46,30 +44,32 @@ class Parser {
   Parser(std::u16string_view text, bool isAnsi)
       : m_header(isAnsi ? kAnsiRegistryFileHeader : kRegistryFileHeader),
         m_scanner(text),
-        m_values(m_scanner, m_error, isAnsi) {}
+        m_values(m_scanner, isAnsi) {}
 
-  [[nodiscard]] bool Parse() {
+  [[nodiscard]] platform::Result<RegistryFileContent, RegistryFileError> Parse() {
     if (!m_scanner.Take(m_header) || !m_scanner.TakeLineEnd()) {
       return Fail("the first line must be \"" + text::ToUtf8(m_header) + '"');
     }
     while (!m_scanner.IsAtEnd()) {
-      if (!m_scanner.TakeLineEnd() && !ParseLine()) {
-        return false;
+      if (m_scanner.TakeLineEnd()) {
+        continue;
+      }
+      if (auto parsed = ParseLine(); !parsed) {
+        return platform::Failure(std::move(parsed.error()));
       }
     }
-    return true;
+    return std::move(m_content);
   }
 
-  [[nodiscard]] RegistryFileContent TakeContent() { return std::move(m_content); }
-  [[nodiscard]] RegistryFileError TakeError() { return std::move(m_error); }
-
  private:
+  using Parsed = platform::Result<void, RegistryFileError>;
+
   enum class Place : std::uint8_t { kNoKey, kKey, kDeletedKey, kOtherHive };
 
-  bool ParseLine() {
+  Parsed ParseLine() {
     if (m_scanner.IsAt(u';')) {
       m_scanner.SkipRestOfLine();
-      return true;
+      return {};
     }
     if (m_scanner.IsAt(u'[')) {
       return ParseKey();
@@ -80,7 +80,7 @@ class Parser {
     return Fail("this is neither a key, nor a value, nor a comment");
   }
 
-  bool ParseKey() {
+  Parsed ParseKey() {
     const std::u16string_view line = m_scanner.GetRestOfLine();
     const std::size_t bracket = line.rfind(u']');
     const bool isClosed = bracket != std::u16string_view::npos;
@@ -99,15 +99,16 @@ class Parser {
     if (IsOtherHive(root)) {
       m_place = Place::kOtherHive;
       ++m_content.passedOver;
-      return true;
+      return {};
     }
-    return text::SameName(root, kRootName)
-               ? TakeKey(path, isDeletion)
-               : Fail("only keys below HKEY_LOCAL_MACHINE can be taken");
+    if (!text::SameName(root, kRootName)) {
+      return Fail("only keys below HKEY_LOCAL_MACHINE can be taken");
+    }
+    return TakeKey(path, isDeletion);
   }
 
   /// `path` is what follows the root's name: nothing, or a backslash and names.
-  bool TakeKey(std::u16string_view path, bool isDeletion) {
+  Parsed TakeKey(std::u16string_view path, bool isDeletion) {
     const bool isRoot = path.empty();
     if (!isRoot) {
       path.remove_prefix(1);
@@ -129,10 +130,10 @@ class Parser {
     m_place = isDeletion ? Place::kDeletedKey : Place::kKey;
     m_content.changes.push_back(NewChange(isDeletion ? RegistryChange::Kind::kDeleteKey
                                                      : RegistryChange::Kind::kCreateKey));
-    return true;
+    return {};
   }
 
-  bool ParseValue() {
+  Parsed ParseValue() {
     if (m_place == Place::kNoKey) {
       return Fail("a value stands before the first key");
     }
@@ -140,8 +141,12 @@ class Parser {
       return Fail("a value stands below a key to be deleted");
     }
     RegistryChange change = NewChange(RegistryChange::Kind::kSetValue);
-    if (!m_scanner.Take(u"@") && !m_values.ReadQuoted(change.valueName)) {
-      return false;
+    if (!m_scanner.Take(u"@")) {
+      auto name = m_values.ReadQuoted();
+      if (!name) {
+        return platform::Failure(std::move(name.error()));
+      }
+      change.valueName = std::move(*name);
     }
     // What is passed over need not fit into this registry.
     const bool isTaken = m_place == Place::kKey;
@@ -155,8 +160,10 @@ class Parser {
     m_scanner.SkipBlanks();
     if (m_scanner.Take(u"-")) {
       change.kind = RegistryChange::Kind::kDeleteValue;
-    } else if (!m_values.Read(change.value)) {
-      return false;
+    } else if (auto value = m_values.ReadValue()) {
+      change.value = std::move(*value);
+    } else {
+      return platform::Failure(std::move(value.error()));
     }
     if (isTaken && change.value.bytes.size() > platform::kMaxValueBytes) {
       return Fail("the value is too long");
@@ -168,7 +175,7 @@ class Parser {
     if (isTaken) {
       m_content.changes.push_back(std::move(change));
     }
-    return true;
+    return {};
   }
 
   [[nodiscard]] RegistryChange NewChange(RegistryChange::Kind kind) const {
@@ -179,14 +186,12 @@ class Parser {
     return change;
   }
 
-  bool Fail(std::string message) {
-    m_error = {m_scanner.GetLine(), std::move(message)};
-    return false;
+  [[nodiscard]] tl::unexpected<RegistryFileError> Fail(std::string message) const {
+    return FailAt(m_scanner.GetLine(), std::move(message));
   }
 
   const std::u16string_view m_header;
   RegistryFileScanner m_scanner;
-  RegistryFileError m_error;
   RegistryValueReader m_values;
   Place m_place = Place::kNoKey;
   std::u16string m_key;
@@ -195,19 +200,15 @@ class Parser {
 
 }  // namespace
 
-std::variant<RegistryFileContent, RegistryFileError> ParseRegistryFile(
+platform::Result<RegistryFileContent, RegistryFileError> ParseRegistryFile(
     std::span<const std::byte> file) {
   const bool isAnsi = IsAnsiRegistryFile(file);
-  if (const std::string_view wrong = CheckRegistryFileEncoding(file); !isAnsi && !wrong.empty()) {
-    return RegistryFileError{0, std::string(wrong)};
+  if (const auto checked = CheckRegistryFileEncoding(file); !isAnsi && !checked) {
+    return FailAt(0, std::string(checked.error()));
   }
   const std::u16string text =
       isAnsi ? FromWindows1252(file) : FromUtf16Bytes(file.subspan(sizeof(kByteOrderMark)));
-  Parser parser(text, isAnsi);
-  if (!parser.Parse()) {
-    return parser.TakeError();
-  }
-  return parser.TakeContent();
+  return Parser(text, isAnsi).Parse();
 }
 
 }  // namespace storage

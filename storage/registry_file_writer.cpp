@@ -3,8 +3,8 @@
 
 #include "platform/registry_names.h"
 #include "storage/registry_file.h"
-#include "storage/registry_file_format.h"
-#include "storage/utf16_bytes.h"
+#include "storage/registry_file_text.h"
+#include "storage/stored_text.h"
 
 namespace storage {
 

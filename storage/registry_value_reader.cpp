@@ -2,9 +2,7 @@
 
 #include <utility>
 
-#include "storage/registry_file_encoding.h"
-#include "storage/registry_file_format.h"
-#include "storage/utf16_bytes.h"
+#include "storage/stored_text.h"
 
 namespace storage {
 
@@ -22,43 +20,34 @@ bool IsText(RegistryType type) {
 
 }  // namespace
 
-bool RegistryValueReader::Read(RegistryValue& value) {
+RegistryValueReader::Read<RegistryValue> RegistryValueReader::ReadValue() {
   if (m_scanner.IsAt(u'"')) {
-    return ReadString(value);
+    return ReadString();
   }
   if (m_scanner.TakeWord(kDwordPrefix)) {
-    return ReadDword(value);
+    return ReadDword();
   }
-  if (!m_scanner.TakeWord(kHexPrefix)) {
-    return Fail("the value must be a string, \"dword:\", \"hex:\" or \"hex(...):\"");
+  if (m_scanner.TakeWord(kHexPrefix)) {
+    return ReadHex();
   }
-  if (!ReadHexType(value.type) || !ReadBytes(value.bytes)) {
-    return false;
-  }
-  if (m_isAnsi && IsText(value.type)) {
-    value.bytes = ToUtf16Bytes(FromWindows1252(value.bytes));
-  }
-  return true;
+  return Fail("the value must be a string, \"dword:\", \"hex:\" or \"hex(...):\"");
 }
 
-bool RegistryValueReader::ReadString(RegistryValue& value) {
-  std::u16string text;
-  if (!ReadQuoted(text)) {
-    return false;
-  }
-  value.type = RegistryType::kString;
-  value.bytes = ToUtf16Bytes(text + u'\0');
-  return true;
+RegistryValueReader::Read<RegistryValue> RegistryValueReader::ReadString() {
+  return ReadQuoted().map([](const std::u16string& text) {
+    return RegistryValue{RegistryType::kString, ToUtf16Bytes(text + u'\0')};
+  });
 }
 
-bool RegistryValueReader::ReadQuoted(std::u16string& text) {
+RegistryValueReader::Read<std::u16string> RegistryValueReader::ReadQuoted() {
   const std::size_t firstLine = m_scanner.GetLine();
   if (!m_scanner.Take(u"\"")) {
     return Fail("a quotation mark is missing");
   }
+  std::u16string text;
   while (!m_scanner.IsAtEnd()) {
     if (m_scanner.Take(u"\"")) {
-      return true;
+      return text;
     }
     if (m_scanner.Take(u"\\") && !m_scanner.IsAt(u'\\') && !m_scanner.IsAt(u'"')) {
       return Fail("\"\\\" in a text must stand before another one or before a quotation mark");
@@ -68,61 +57,68 @@ bool RegistryValueReader::ReadQuoted(std::u16string& text) {
   return FailAt(firstLine, "a quotation mark is not closed");
 }
 
-bool RegistryValueReader::ReadDword(RegistryValue& value) {
+RegistryValueReader::Read<RegistryValue> RegistryValueReader::ReadDword() {
   constexpr std::size_t kMostDigits = 8;
   constexpr unsigned kBitsOfUnit = 16;
-  std::uint32_t number = 0;
-  if (!m_scanner.TakeHexNumber(kMostDigits, number)) {
+  const auto number = m_scanner.TakeHexNumber(kMostDigits);
+  if (!number) {
     return Fail("\"dword:\" must be followed by one to eight hexadecimal digits");
   }
-  value.type = RegistryType::kDword;
-  AppendUnit(static_cast<char16_t>(number & 0xFFFF), value.bytes);
-  AppendUnit(static_cast<char16_t>(number >> kBitsOfUnit), value.bytes);
-  return true;
+  RegistryValue value{RegistryType::kDword, {}};
+  AppendUnit(static_cast<char16_t>(*number & 0xFFFF), value.bytes);
+  AppendUnit(static_cast<char16_t>(*number >> kBitsOfUnit), value.bytes);
+  return value;
 }
 
-bool RegistryValueReader::ReadHexType(RegistryType& type) {
-  constexpr std::size_t kMostDigits = 8;
-  type = RegistryType::kBinary;
-  if (m_scanner.Take(u":")) {
-    return true;
+RegistryValueReader::Read<RegistryValue> RegistryValueReader::ReadHex() {
+  const auto type = ReadHexType();
+  if (!type) {
+    return platform::Failure(type.error());
   }
-  std::uint32_t number = 0;
-  if (!m_scanner.Take(u"(") || !m_scanner.TakeHexNumber(kMostDigits, number) ||
-      !m_scanner.Take(u"):")) {
+  return ReadBytes().map([&](std::vector<std::byte> bytes) {
+    const bool isCoded = m_isAnsi && IsText(*type);
+    return RegistryValue{*type, isCoded ? ToUtf16Bytes(FromWindows1252(bytes)) : std::move(bytes)};
+  });
+}
+
+RegistryValueReader::Read<RegistryType> RegistryValueReader::ReadHexType() {
+  constexpr std::size_t kMostDigits = 8;
+  if (m_scanner.Take(u":")) {
+    return RegistryType::kBinary;
+  }
+  const auto number =
+      m_scanner.Take(u"(") ? m_scanner.TakeHexNumber(kMostDigits) : std::optional<std::uint32_t>();
+  if (!number || !m_scanner.Take(u"):")) {
     return Fail("\"hex\" must be followed by \":\" or by a type in hexadecimal, as \"hex(2):\"");
   }
-  type = static_cast<RegistryType>(number);
-  return true;
+  return static_cast<RegistryType>(*number);
 }
 
-bool RegistryValueReader::ReadBytes(std::vector<std::byte>& bytes) {
+RegistryValueReader::Read<std::vector<std::byte>> RegistryValueReader::ReadBytes() {
   constexpr std::size_t kMostDigits = 2;
-  if (!SkipContinuations()) {
-    return false;
+  std::vector<std::byte> bytes;
+  auto skipped = SkipContinuations();
+  if (skipped && (m_scanner.IsAtLineEnd() || m_scanner.IsAt(u';'))) {
+    return bytes;
   }
-  if (m_scanner.IsAtLineEnd() || m_scanner.IsAt(u';')) {
-    return true;
-  }
-  while (true) {
-    std::uint32_t number = 0;
-    if (!m_scanner.TakeHexNumber(kMostDigits, number)) {
+  while (skipped) {
+    const auto number = m_scanner.TakeHexNumber(kMostDigits);
+    if (!number) {
       return Fail("a byte of two hexadecimal digits is missing");
     }
-    bytes.push_back(static_cast<std::byte>(number));
-    if (!SkipContinuations()) {
-      return false;
+    bytes.push_back(static_cast<std::byte>(*number));
+    skipped = SkipContinuations();
+    if (skipped && !m_scanner.Take(u",")) {
+      return bytes;
     }
-    if (!m_scanner.Take(u",")) {
-      return true;
-    }
-    if (!SkipContinuations()) {
-      return false;
+    if (skipped) {
+      skipped = SkipContinuations();
     }
   }
+  return platform::Failure(skipped.error());
 }
 
-bool RegistryValueReader::SkipContinuations() {
+RegistryValueReader::Read<void> RegistryValueReader::SkipContinuations() {
   m_scanner.SkipBlanks();
   while (m_scanner.Take(u"\\")) {
     if (!m_scanner.TakeLineEnd()) {
@@ -130,16 +126,15 @@ bool RegistryValueReader::SkipContinuations() {
     }
     m_scanner.SkipBlanks();
   }
-  return true;
+  return {};
 }
 
-bool RegistryValueReader::Fail(std::string message) {
+tl::unexpected<RegistryFileError> RegistryValueReader::Fail(std::string message) const {
   return FailAt(m_scanner.GetLine(), std::move(message));
 }
 
-bool RegistryValueReader::FailAt(std::size_t line, std::string message) {
-  m_error = {line, std::move(message)};
-  return false;
+tl::unexpected<RegistryFileError> FailAt(std::size_t line, std::string message) {
+  return platform::Failure(RegistryFileError{line, std::move(message)});
 }
 
 }  // namespace storage

@@ -5,39 +5,45 @@
 #include <vector>
 
 #include "platform/registry.h"
+#include "platform/result.h"
 #include "storage/registry_file.h"
-#include "storage/registry_file_scanner.h"
+#include "storage/registry_file_text.h"
 
 namespace storage {
 
-/// Reads what stands behind the "=" of a value in a registry file. Each call gives false, and says
-/// why in the error it was given, where that is not what it should be.
+/// Reads what follows the "=" of a value in a registry file. Each call fails at the first thing
+/// that is not what it should be.
 class RegistryValueReader {
  public:
-  /// If `isAnsi`, the file is of version 4, and the bytes of texts are in its code page too.
-  RegistryValueReader(RegistryFileScanner& scanner, RegistryFileError& error, bool isAnsi)
-      : m_scanner(scanner), m_error(error), m_isAnsi(isAnsi) {}
+  template <typename Value>
+  using Read = platform::Result<Value, RegistryFileError>;
 
-  [[nodiscard]] bool Read(platform::RegistryValue& value);
+  /// If `isAnsi`, the file is of version 4, and the bytes of texts are in its code page too.
+  RegistryValueReader(RegistryFileScanner& scanner, bool isAnsi)
+      : m_scanner(scanner), m_isAnsi(isAnsi) {}
+
+  [[nodiscard]] Read<platform::RegistryValue> ReadValue();
 
   /// Reads a text in quotation marks. It may go on over line ends, which are then part of it.
-  [[nodiscard]] bool ReadQuoted(std::u16string& text);
+  [[nodiscard]] Read<std::u16string> ReadQuoted();
 
  private:
-  [[nodiscard]] bool ReadString(platform::RegistryValue& value);
-  [[nodiscard]] bool ReadDword(platform::RegistryValue& value);
-  [[nodiscard]] bool ReadHexType(platform::RegistryType& type);
-  [[nodiscard]] bool ReadBytes(std::vector<std::byte>& bytes);
+  [[nodiscard]] Read<platform::RegistryValue> ReadString();
+  [[nodiscard]] Read<platform::RegistryValue> ReadDword();
+  [[nodiscard]] Read<platform::RegistryValue> ReadHex();
+  [[nodiscard]] Read<platform::RegistryType> ReadHexType();
+  [[nodiscard]] Read<std::vector<std::byte>> ReadBytes();
 
   /// Passes over blanks, and over each backslash that continues the line on the next one.
-  [[nodiscard]] bool SkipContinuations();
+  [[nodiscard]] Read<void> SkipContinuations();
 
-  bool Fail(std::string message);
-  bool FailAt(std::size_t line, std::string message);
+  [[nodiscard]] tl::unexpected<RegistryFileError> Fail(std::string message) const;
 
   RegistryFileScanner& m_scanner;
-  RegistryFileError& m_error;
   const bool m_isAnsi;
 };
+
+/// Returns the failure of a registry file at `line`.
+[[nodiscard]] tl::unexpected<RegistryFileError> FailAt(std::size_t line, std::string message);
 
 }  // namespace storage

@@ -2,9 +2,8 @@
 
 #include <limits>
 
-#include "storage/fixed_text.h"
 #include "storage/registry_keys.h"
-#include "storage/utf16_bytes.h"
+#include "storage/stored_text.h"
 
 namespace storage {
 

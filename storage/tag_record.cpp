@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "language/formatting.h"
-#include "storage/fixed_text.h"
+#include "storage/stored_text.h"
 
 namespace storage {
 

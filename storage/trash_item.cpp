@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <variant>
 #include <vector>
 
 #include "backends/text/utf.h"
@@ -211,11 +210,9 @@ ItemResult UnpackEntry(platform::Registry& registry, platform::File& archive,
   if (!file) {
     return ItemResult::kFailed;
   }
-  const auto read = ParseRegistryFile(*file);
-  const auto* content = std::get_if<RegistryFileContent>(&read);
+  const auto content = ParseRegistryFile(*file);
   const std::u16string key = TrashedEntryPath(name);
-  if (content == nullptr ||
-      !std::ranges::all_of(content->changes, [&](const RegistryChange& change) {
+  if (!content || !std::ranges::all_of(content->changes, [&](const RegistryChange& change) {
         return change.key == key || change.key.starts_with(key + u'\\');
       })) {
     return ItemResult::kFailed;

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/contacts_store.h"
+
 namespace vcard {
 
 /// One telephone line of a card.

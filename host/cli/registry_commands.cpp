@@ -19,7 +19,6 @@
 namespace cli {
 namespace {
 
-using storage::RegistryFileError;
 using Bytes = std::vector<std::byte>;
 
 /// The whole file; tells what is wrong where it cannot be read.
@@ -104,19 +103,19 @@ void Import(Session& session, const std::string& name) {
   if (!file) {
     return;
   }
-  const auto parsed = storage::ParseRegistryFile(*file);
-  if (const auto* const error = std::get_if<RegistryFileError>(&parsed)) {
-    session.Fail(error->line == 0 ? fmt::format("{}: {}", name, error->message)
-                                  : fmt::format("{}:{}: {}", name, error->line, error->message));
+  const auto content = storage::ParseRegistryFile(*file);
+  if (!content) {
+    const storage::RegistryFileError& error = content.error();
+    session.Fail(error.line == 0 ? fmt::format("{}: {}", name, error.message)
+                                 : fmt::format("{}:{}: {}", name, error.line, error.message));
     return;
   }
-  const auto& content = std::get<storage::RegistryFileContent>(parsed);
   TidyTrash(session);
-  if (const auto error = storage::ApplyRegistryChanges(session.GetRegistry(), content.changes)) {
+  if (const auto error = storage::ApplyRegistryChanges(session.GetRegistry(), content->changes)) {
     // A file that was read to its end is right; what hinders its changes is the store.
     session.Fail(fmt::format("{}: {}", session.GetRegistryPath().native(), error->message));
   } else {
-    PrintDone(session, content.passedOver);
+    PrintDone(session, content->passedOver);
   }
 }
 

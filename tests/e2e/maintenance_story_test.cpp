@@ -12,7 +12,7 @@
 #include <map>
 #include <nlohmann/json.hpp>
 
-#include "storage/utf16_bytes.h"
+#include "storage/stored_text.h"
 #include "tests/host/cli/command_fixture.h"
 
 namespace {

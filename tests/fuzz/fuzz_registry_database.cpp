@@ -174,8 +174,7 @@ void ReadAll(platform::Registry& registry) {
 void Export(platform::Registry& registry) {
   std::vector<std::byte> file;
   if (storage::WriteRegistryFile(registry, file) == RegistryError::kNone) {
-    Require(!std::holds_alternative<storage::RegistryFileError>(storage::ParseRegistryFile(file)),
-            "what is exported is read");
+    Require(storage::ParseRegistryFile(file).has_value(), "what is exported is read");
   }
 }
 

@@ -53,20 +53,21 @@ Bytes Export(platform::Registry& registry) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const Bytes file = ToFile(std::as_bytes(std::span(data, size)));
   const auto parsed = storage::ParseRegistryFile(file);
-  if (const auto* const error = std::get_if<storage::RegistryFileError>(&parsed)) {
+  if (!parsed) {
     const auto lines = static_cast<std::size_t>(std::ranges::count(file, std::byte{'\n'})) + 1;
-    Require(error->line <= lines && !error->message.empty(), "a refusal names a line of the file");
+    Require(parsed.error().line <= lines && !parsed.error().message.empty(),
+            "a refusal names a line of the file");
     return 0;
   }
   machine::MemoryRegistry registry;
-  Require(!storage::ApplyRegistryChanges(registry, std::get<0>(parsed).changes),
+  Require(!storage::ApplyRegistryChanges(registry, parsed->changes),
           "what is read can be imported");
   const Bytes exported = Export(registry);
 
   const auto again = storage::ParseRegistryFile(exported);
-  Require(again.index() == 0, "what is exported is read");
+  Require(again.has_value(), "what is exported is read");
   machine::MemoryRegistry copy;
-  Require(!storage::ApplyRegistryChanges(copy, std::get<0>(again).changes), "and can be imported");
+  Require(!storage::ApplyRegistryChanges(copy, again->changes), "and can be imported");
   Require(Export(copy) == exported, "as the same registry");
   return 0;
 }

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "storage/utf16_bytes.h"
+#include "storage/stored_text.h"
 #include "tests/machine/memory_registry.h"
 #include "tests/support/failing_registry.h"
 #include "tests/support/registry_access.h"
@@ -50,12 +50,12 @@ class RegistryFile : public testing::Test {
 
   void ImportFile(const std::vector<std::byte>& file) {
     const auto parsed = ParseRegistryFile(file);
-    if (const auto* const error = std::get_if<RegistryFileError>(&parsed)) {
-      FAIL() << error->line << ": " << error->message;
+    if (!parsed) {
+      FAIL() << parsed.error().line << ": " << parsed.error().message;
     }
-    const auto failed = ApplyRegistryChanges(m_registry, std::get<0>(parsed).changes);
+    const auto failed = ApplyRegistryChanges(m_registry, parsed->changes);
     ASSERT_FALSE(failed) << failed->message;
-    m_passedOver = std::get<0>(parsed).passedOver;
+    m_passedOver = parsed->passedOver;
   }
 
   /// What is wrong with the header and `body`.
@@ -65,8 +65,7 @@ class RegistryFile : public testing::Test {
 
   [[nodiscard]] static RegistryFileError RefusedFile(const std::vector<std::byte>& file) {
     const auto parsed = ParseRegistryFile(file);
-    const auto* const error = std::get_if<RegistryFileError>(&parsed);
-    return error == nullptr ? RegistryFileError{999, "nothing"} : *error;
+    return parsed ? RegistryFileError{999, "nothing"} : parsed.error();
   }
 
   [[nodiscard]] RegistryValue Value(std::u16string_view key, std::u16string_view name) {
@@ -365,7 +364,8 @@ TEST_F(RegistryFileImport, IsMadeWholeOrNotAtAll) {
   const auto parsed = ParseRegistryFile(
       File(kHeader + u"[-HKEY_LOCAL_MACHINE\\old]\r\n[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=hex:01\r\n"
                      u"\"w\"=-\r\n[HKEY_LOCAL_MACHINE\\b]\r\n\"v\"=hex:02\r\n"));
-  const auto& changes = std::get<RegistryFileContent>(parsed).changes;
+  ASSERT_TRUE(parsed);
+  const auto& changes = parsed->changes;
   std::size_t call = 1;
   for (;; ++call) {
     SCOPED_TRACE(call);
@@ -393,7 +393,7 @@ TEST_F(RegistryFileImport, TellsTheLineThatCouldNotBeMade) {
   support::FailingRegistry failing(m_registry);
   // The group, the key, the value.
   failing.FailCall(3, support::Failing::kOnce, RegistryError::kReadOnly);
-  const auto failed = ApplyRegistryChanges(failing, std::get<0>(parsed).changes);
+  const auto failed = ApplyRegistryChanges(failing, parsed->changes);
   ASSERT_TRUE(failed);
   EXPECT_EQ(failed->line, 4U);
   EXPECT_THAT(failed->message, HasSubstr("written"));
@@ -512,8 +512,8 @@ TEST_F(RegistryFileWriting, WhatIsReadAgainIsTheSameRegistry) {
   ASSERT_EQ(WriteRegistryFile(m_registry, file), RegistryError::kNone);
   machine::MemoryRegistry copy;
   const auto parsed = ParseRegistryFile(file);
-  ASSERT_EQ(parsed.index(), 0U) << std::get<1>(parsed).line << std::get<1>(parsed).message;
-  ASSERT_FALSE(ApplyRegistryChanges(copy, std::get<0>(parsed).changes));
+  ASSERT_TRUE(parsed) << parsed.error().message;
+  ASSERT_FALSE(ApplyRegistryChanges(copy, parsed->changes));
   std::vector<std::byte> again;
   ASSERT_EQ(WriteRegistryFile(copy, again), RegistryError::kNone);
   EXPECT_EQ(again, file);

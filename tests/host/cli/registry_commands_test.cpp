@@ -3,7 +3,7 @@
 
 #include "backends/sqlite/sqlite_registry.h"
 #include "storage/registry_file.h"
-#include "storage/utf16_bytes.h"
+#include "storage/stored_text.h"
 #include "tests/backends/sqlite/raw_database.h"
 #include "tests/host/cli/command_fixture.h"
 #include "tests/host/cli/run_on_terminal.h"

@@ -8,7 +8,28 @@
 
 namespace storage {
 
-// Text as it stands in values and in registry files: UTF-16, little-endian, on every machine.
+// Text as it is stored: in fields of fixed length, and as bytes.
+
+/// Returns as much of `text` as has room in `units` units, without half a character at the end.
+[[nodiscard]] constexpr std::u16string_view CutText(std::u16string_view text, std::size_t units) {
+  constexpr char16_t kFirstLeading = 0xD800;
+  constexpr char16_t kLastLeading = 0xDBFF;
+  constexpr char16_t kLastTrailing = 0xDFFF;
+  if (text.size() <= units) {
+    return text;
+  }
+  const bool splitsPair = units > 0 && text[units - 1] >= kFirstLeading &&
+                          text[units - 1] <= kLastLeading && text[units] > kLastLeading &&
+                          text[units] <= kLastTrailing;
+  return text.substr(0, splitsPair ? units - 1 : units);
+}
+
+/// Returns `text` up to its first zero.
+[[nodiscard]] constexpr std::u16string_view UpToZero(std::u16string_view text) {
+  return text.substr(0, text.find(u'\0'));
+}
+
+// In values and in registry files: UTF-16, little-endian, on every machine.
 
 inline void AppendUnit(char16_t unit, std::vector<std::byte>& bytes) {
   constexpr unsigned kBitsOfByte = 8;
