@@ -66,7 +66,7 @@ class Page_one : public framework::CPropertyPage,
 
   /// The recorder's last answer. A message has shown it as a number.
   [[nodiscard]] int GetRecordCode() const { return m_recordCode; }
-  /// Why a file of the last recording was not written; kNone if that was not the reason.
+  /// Why a file of the last recording was not written. Nothing if that was not the reason.
   [[nodiscard]] std::optional<platform::FileError> GetLearnError() const { return m_learnError; }
 
  private:
