@@ -5,7 +5,7 @@
 
 namespace storage {
 
-// Where the system keeps its files on the device. The companion dialer looks for them there.
+// The places of the system's files on the device. The companion dialer looks for them there.
 inline constexpr std::u16string_view kProgramFilesFolder = u"\\Program Files";
 inline constexpr std::u16string_view kMakerFolder = u"\\Program Files\\Zedra Tech.";
 inline constexpr std::u16string_view kInstallFolder =
@@ -40,14 +40,15 @@ static_assert(kTemplatePattern.starts_with(kTemplateFolder) &&
 [[nodiscard]] std::u16string WavePath(std::u16string_view tagName);
 [[nodiscard]] std::u16string TemplatePath(std::u16string_view tagName);
 
-/// The path of a recording by its file name, which holds its extension.
+/// Returns the path of a recording. Its file name has the extension.
 [[nodiscard]] std::u16string WaveFilePath(std::u16string_view waveFile);
 
-/// The tag that a recording belongs to: the file's name less its last four characters. Takes a
-/// name with or without its folder; nothing is left of a name that is shorter.
+/// Returns the tag that a recording belongs to: the file's name without as many characters at its
+/// end as the extension has. Takes a name with or without its folder. Returns an empty name if the
+/// file's name is shorter than that.
 [[nodiscard]] std::u16string_view TagNameOfWaveFile(std::u16string_view waveFile);
 
-/// The template that belongs to a recording, by the same rule.
+/// Returns the path of the template that belongs to a recording, by the same rule.
 [[nodiscard]] std::u16string TemplatePathOfWaveFile(std::u16string_view waveFile);
 
 }  // namespace storage

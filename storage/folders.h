@@ -9,24 +9,24 @@
 
 namespace storage {
 
-/// Makes the maker's folder and the install folder where they are missing. Failures are ignored:
-/// the folder rule reports what is then still missing.
+/// Makes the maker's folder and the install folder if they are missing. Failures are ignored: the
+/// folder rule reports what is still missing afterwards.
 void CreateInstallFolders(platform::FileSystem& files);
 
-/// Makes the two data folders, likewise.
+/// Makes the two data folders in the same way.
 void CreateDataFolders(platform::FileSystem& files);
 
 /// Makes every folder of the store that is missing. Returns false if one is missing afterwards.
 [[nodiscard]] bool CreateStoreFolders(platform::FileSystem& files);
 
 enum class FolderResult : std::uint8_t {
-  kReady,  ///< A name stands where the folder belongs.
+  kReady,  ///< There is something of the folder's name.
   kEnded,  ///< A message was shown and the process was ended: the caller must leave at once.
 };
 
 /// The folder rule: a data folder that is missing is made with every missing folder on its way.
-/// The first one that cannot be made is told to the user, and the process ends with code 0, since
-/// nothing can be done without it.
+/// If one cannot be made, a message names it and the process ends with code 0, since nothing can be
+/// done without it.
 class FolderRule {
  public:
   FolderRule(platform::FileSystem& files, platform::Ui& ui, platform::Process& process,

@@ -49,7 +49,7 @@ inline constexpr std::uint64_t kMaxRegistryFileLength = std::uint64_t{1} << 28;
 [[nodiscard]] platform::Result<RegistryFileContent, RegistryFileError> ParseRegistryFile(
     std::span<const std::byte> file);
 
-/// Makes all changes of a file, or none of them and tells why.
+/// Makes all changes of a file, or none of them and returns why.
 [[nodiscard]] std::optional<RegistryFileError> ApplyRegistryChanges(
     platform::Registry& registry, std::span<const RegistryChange> changes);
 

@@ -8,8 +8,8 @@
 
 namespace storage {
 
-// Where the system keeps its settings in the registry, and under which names. The companion dialer
-// reads the same keys, so the names stand as they are, the misspelt one included.
+// The keys of the registry in which the system keeps its settings, and the names of the values. The
+// companion dialer reads the same keys, so the names stand as they are, the misspelt one included.
 
 /// Holds one subkey for each tag, named as the tag, and nothing else.
 inline constexpr std::u16string_view kTagKey = u"Software\\Zedra\\Zedra Voxtrel";

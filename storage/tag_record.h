@@ -32,12 +32,12 @@ class TagTable {
   /// well, so it may be more than there is room for.
   std::int32_t tagCount = 0;
 
-  /// The record at `index`; null where there is no room for it.
+  /// Returns the record at `index`. Returns null if there is no room for it.
   [[nodiscard]] TagRecord* GetRecord(std::int32_t index);
   [[nodiscard]] const TagRecord* GetRecord(std::int32_t index) const;
 
-  /// Moves every record behind `index` down by one and counts one tag less; the last place becomes
-  /// empty. Nothing happens where there is no such record.
+  /// Moves every record after `index` down by one and counts one tag less; the last place becomes
+  /// empty. Nothing happens if there is no such record.
   void Remove(std::int32_t index);
 
   /// Empties every record, and the count.
