@@ -19,9 +19,9 @@ using platform::Result;
 using platform::WaveHeader;
 using platform::WaveResult;
 
-// How a recording is made. The device gives no notice and is asked at most twice: the recorder sleeps
-// for the length of the recording, and then takes what is in the buffer. The file has no name until
-// the recording is whole, so a recording that fails leaves the earlier file.
+// How a recording is made. The device gives no notice and is asked at most twice: the recorder
+// sleeps for the length of the recording, and then takes what is in the buffer. The file has no
+// name until the recording is whole, so a recording that fails leaves the earlier file.
 
 namespace {
 

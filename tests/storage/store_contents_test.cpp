@@ -18,7 +18,6 @@
 
 namespace storage {
 
-using platform::FileError;
 using platform::RegistryError;
 using support::Failing;
 using support::KeyExists;
