@@ -60,6 +60,7 @@ ReportingDialog::Reports DialogContract::Run(const std::function<void(DialogWind
 
 std::vector<std::u16string> DialogContract::ItemsOf(const DialogWindow& window, int id) {
   std::vector<std::u16string> items;
+  items.reserve(static_cast<std::size_t>(window.GetItemCount(id)));
   for (int i = 0; i < window.GetItemCount(id); ++i) {
     items.push_back(window.GetItemText(id, i));
   }
@@ -182,7 +183,7 @@ TEST_P(DialogContract, TheFieldOfAnEditableBoxChangesByTextAndSelectionAlone) {
   });
 }
 
-TEST_P(DialogContract, ThePageIsNotToldOfWhatItDoesItself) {
+TEST_P(DialogContract, ThePageGetsNoReportOfWhatItDoesItself) {
   EXPECT_THAT(Run([](DialogWindow& window) {
                 for (const int id : kListIds) {
                   AddAll(window, id, {u"one", u"two"});

@@ -211,7 +211,7 @@ TEST_F(QtDialogControls, ALineOnceChosenStaysChosen) {
   });
 }
 
-TEST_F(QtDialogControls, AListCanBeScrolledAsFarAsItIsTold) {
+TEST_F(QtDialogControls, AListCanBeScrolledAsFarAsItsExtentSays) {
   NotingDialog dialog(m_ui);
   Run(dialog, [&] {
     platform::DialogWindow& window = dialog.Window();
