@@ -28,12 +28,12 @@ struct PaintedStroke {
 };
 
 /// A dialog without a window. It keeps what its controls hold, and lets a program do what a user
-/// would: press, choose, ask for help. A press on what is disabled or not there does nothing, as on
-/// a screen.
+/// would do: press, choose, ask for help. A press on a control that is disabled or missing does
+/// nothing, as on a screen.
 class HeadlessDialog final : public platform::DialogWindow {
  public:
-  /// Sets the dialog up. `threads` serves the wait for its end; null where nothing but the user
-  /// ends the dialog.
+  /// Sets the dialog up. `threads` serves the wait for its end. It is null if only the user ends
+  /// the dialog.
   HeadlessDialog(const resources::DialogTemplate& dialog, platform::DialogHandler& handler,
                  platform::Threads* threads);
   ~HeadlessDialog() override;
@@ -49,7 +49,7 @@ class HeadlessDialog final : public platform::DialogWindow {
   void PressEnter();
   void Close();
 
-  // What a user sees beside what the page itself can ask for.
+  // What a user sees and the page cannot ask for.
 
   [[nodiscard]] const resources::DialogTemplate& GetTemplate() const { return m_template; }
   [[nodiscard]] bool HasControl(int id) const;
@@ -65,14 +65,15 @@ class HeadlessDialog final : public platform::DialogWindow {
   [[nodiscard]] int CountInvalidations() const { return m_invalidations; }
   [[nodiscard]] std::optional<int> GetResult() const;
 
-  /// Delivers what the page has posted to itself. A presentation calls this once the dialog is set
-  /// up; what is posted during a user's doing comes right after it by itself.
+  /// Delivers the commands that the page has posted to itself. A presentation calls this after it
+  /// has set the dialog up. What the page posts while it serves a user comes right after that by
+  /// itself.
   void DeliverPosted();
-  /// Whether anything that was posted waits to be delivered.
+  /// Returns whether a posted command waits to be delivered.
   [[nodiscard]] bool HasPosted() const { return !m_posted.empty(); }
 
-  /// Waits until the dialog was ended, for at most `milliseconds`; false where it was not, which
-  /// without a limit means that nothing can end it any more.
+  /// Waits for at most `milliseconds` until the dialog has ended. Returns false if it has not; if
+  /// there is no limit, nothing can end it any more.
   bool WaitForEnd(std::uint32_t milliseconds = platform::kNoLimit);
 
   // What the page asks for.

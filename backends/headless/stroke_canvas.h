@@ -7,10 +7,10 @@
 
 namespace headless {
 
-/// Width of a text where there is no font: six pixels a UTF-16 unit.
+/// Returns the width of a text if there is no font: six pixels for each UTF-16 unit.
 [[nodiscard]] int MeasureText(std::u16string_view text);
 
-/// A canvas that remembers what was painted on it.
+/// A canvas that remembers what a dialog paints on it.
 class StrokeCanvas final : public platform::Canvas {
  public:
   explicit StrokeCanvas(const platform::Rect& client) : m_client(client) {}

@@ -6,8 +6,7 @@
 #include <string_view>
 #include <utility>
 
-#include "backends/headless/headless_process.h"
-#include "backends/headless/headless_shell.h"
+#include "backends/headless/headless_system.h"
 #include "backends/headless/headless_ui.h"
 #include "backends/vcard/address_books.h"
 #include "host/cli/clocks.h"

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "applet/voxtrel_app.h"
-#include "backends/headless/headless_sheet.h"
+#include "backends/headless/headless_ui.h"
 #include "language/language_table.h"
 #include "storage/device_paths.h"
 #include "tests/machine/simulated_module.h"

@@ -7,8 +7,7 @@
 
 #include "audio/wave_device.h"
 #include "audio/wave_header.h"
-#include "backends/headless/headless_process.h"
-#include "backends/headless/headless_shell.h"
+#include "backends/headless/headless_system.h"
 #include "backends/headless/headless_ui.h"
 #include "tests/machine/memory_file_system.h"
 #include "tests/machine/memory_registry.h"

@@ -11,8 +11,7 @@
 #include <vector>
 
 #include "audio/wave_device.h"
-#include "backends/headless/headless_process.h"
-#include "backends/headless/headless_shell.h"
+#include "backends/headless/headless_system.h"
 #include "backends/headless/headless_ui.h"
 #include "backends/posix/posix_clock.h"
 #include "backends/posix/posix_file_system.h"

@@ -47,9 +47,9 @@ class MemoryDisk {
 
   void SetCapacity(std::uint64_t bytes) { m_capacity = bytes; }
 
-  /// Nothing where a folder on the way is missing, or the path names nothing.
+  /// Returns nothing if a folder on the way is missing, or if the path names nothing.
   [[nodiscard]] std::optional<Place> FindPlace(std::u16string_view path);
-  /// Likewise, with every missing folder made.
+  /// Does the same, and makes every missing folder.
   [[nodiscard]] std::optional<Place> MakePlace(std::u16string_view path);
 
   [[nodiscard]] static MemoryNode* Find(const Place& place);
@@ -60,7 +60,7 @@ class MemoryDisk {
   /// missing.
   void Publish(MemoryNode& file, const Place& to);
 
-  /// False where there is no room to grow; nothing is changed then.
+  /// Returns false, and changes nothing, if there is no room to grow.
   [[nodiscard]] bool Resize(MemoryNode& file, std::uint64_t length);
   /// Writes as many of `bytes` as there is room for and returns their number.
   [[nodiscard]] std::size_t Write(MemoryNode& file, std::uint64_t offset,
@@ -82,6 +82,41 @@ class MemoryDisk {
   MemoryNode m_host;
   std::uint64_t m_capacity;
   std::uint64_t m_used = 0;
+};
+
+/// Whether opening so, or the holder of it, may change the file.
+[[nodiscard]] bool MayChange(const platform::OpenMode& mode);
+
+/// Whether a holder of such a mode goes together with others of its kind.
+[[nodiscard]] bool GoesTogether(const platform::OpenMode& mode);
+
+/// A file of a MemoryFileSystem, which it may outlive.
+class MemoryFile final : public platform::File {
+ public:
+  /// Becomes a holder of `node`. Called with the mutex of `disk` held.
+  MemoryFile(std::shared_ptr<MemoryDisk> disk, MemoryNode& node, const platform::OpenMode& mode);
+  MemoryFile(const MemoryFile&) = delete;
+  MemoryFile& operator=(const MemoryFile&) = delete;
+  ~MemoryFile() override;
+
+  [[nodiscard]] platform::Result<std::uint64_t, platform::FileError> GetLength() override;
+  [[nodiscard]] platform::Result<void, platform::FileError> Seek(std::uint64_t offset) override;
+  [[nodiscard]] platform::Result<std::size_t, platform::FileError> Read(
+      std::span<std::byte> into) override;
+  [[nodiscard]] platform::Result<void, platform::FileError> Write(
+      std::span<const std::byte> bytes) override;
+  [[nodiscard]] platform::Result<void, platform::FileError> SetLength(
+      std::uint64_t length) override;
+  [[nodiscard]] platform::Result<void, platform::FileError> Flush() override;
+  [[nodiscard]] platform::Result<void, platform::FileError> Close() override;
+
+ private:
+  [[nodiscard]] platform::Result<void, platform::FileError> CheckWritable() const;
+
+  const std::shared_ptr<MemoryDisk> m_disk;
+  MemoryNode* m_node;  ///< Null once the file is given up.
+  const platform::OpenMode m_mode;
+  std::uint64_t m_position = 0;
 };
 
 }  // namespace machine

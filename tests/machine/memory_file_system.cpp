@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "backends/text/names.h"
-#include "tests/machine/memory_file.h"
+#include "tests/machine/memory_disk.h"
 
 namespace machine {
 namespace {

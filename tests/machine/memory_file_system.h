@@ -40,14 +40,14 @@ class MemoryFileSystem final : public platform::FileSystem {
   /// Bytes that all files together may hold. Files that hold more already keep what they have.
   void SetCapacity(std::uint64_t bytes);
 
-  /// Protects a file against writing, or frees it; false where there is no such file.
+  /// Protects a file against writing, or frees it; returns false if there is no such file.
   bool SetReadOnly(std::u16string_view path, bool isReadOnly);
 
   /// Makes a file with this content, or gives it to one that exists, and makes the folders on its
-  /// way. Bounded by nothing but the memory. False where the path names no file.
+  /// way. Bounded by nothing but the memory. Returns false if the path names no file.
   bool PutFile(std::u16string_view path, std::span<const std::byte> bytes);
 
-  /// The whole content; nothing where there is no such file.
+  /// Returns the whole content, or nothing if there is no such file.
   [[nodiscard]] std::optional<std::vector<std::byte>> GetFile(std::u16string_view path) const;
 
   /// Paths of all files: first the device's, then the host's, which begin with a "/".

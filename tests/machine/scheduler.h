@@ -33,8 +33,8 @@ struct Participant {
 /// clock of its own.
 ///
 /// A thread gives up its turn in Wait and at its end only. Threads that may run take their turns in
-/// the order in which they became so. Where none may run, the time moves on to the earliest limit
-/// of a wait; where no wait has a limit, none can ever end, and all fail.
+/// the order in which they became so. If none may run, the time moves on to the earliest limit
+/// of a wait. If no wait has a limit, none can ever end, and all fail.
 ///
 /// The thread that uses the scheduler without having been started for it is its host; there is one
 /// host at a time, and it has the first turn.
@@ -46,23 +46,23 @@ class Scheduler {
   [[nodiscard]] std::uint64_t Now();
 
   /// Waits until `signal` is set, or with none for the time alone; kNoLimit milliseconds are
-  /// without limit where there is a signal.
+  /// without limit if there is a signal.
   platform::WaitResult Wait(const Signal* signal, std::uint32_t milliseconds);
 
   void Set(Signal& signal);
   void Reset(Signal& signal);
 
-  /// A signal that is going away: whoever waits for it fails.
+  /// Ends every wait for a signal that is going away: it fails.
   void Forget(const Signal& signal);
 
   /// Adds a thread, which may run or waits for Resume.
   void Add(Participant& thread, platform::ThreadStart start);
   void Resume(Participant& thread);
 
-  /// Takes a thread that still waits for Resume out for good; false for any other.
+  /// Takes a thread that still waits for Resume out for good. Returns false for any other.
   [[nodiscard]] bool Abandon(Participant& thread);
 
-  /// The first call on a thread that was added; false where it is not to run at all.
+  /// The first call on a thread that was added; returns false if it never runs.
   [[nodiscard]] bool Enter(Participant& thread);
   /// The last call on a thread that was entered.
   void Leave(Participant& thread);

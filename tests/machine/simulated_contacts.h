@@ -19,7 +19,8 @@ struct SimulatedContact {
   std::u16string middleName = {};
   std::u16string lastName = {};
   std::u16string companyName = {};
-  std::array<std::u16string, platform::kPhoneKindCount> numbers = {};  ///< Indexed by the code of the kind.
+  std::array<std::u16string, platform::kPhoneKindCount> numbers =
+      {};  ///< Indexed by the code of the kind.
 
   bool firstNameFails = false;
   bool middleNameFails = false;
@@ -31,12 +32,10 @@ struct SimulatedContact {
   [[nodiscard]] std::u16string& Number(platform::PhoneKind kind) {
     return numbers[static_cast<std::size_t>(kind)];
   }
-  void FailNumber(platform::PhoneKind kind) {
-    numberFails[static_cast<std::size_t>(kind)] = true;
-  }
+  void FailNumber(platform::PhoneKind kind) { numberFails[static_cast<std::size_t>(kind)] = true; }
 };
 
-/// Contacts as they are set, with every failure that a real store can have.
+/// Contacts that a test sets, with every failure that a real store can have.
 class SimulatedContacts final : public platform::ContactsStore {
  public:
   enum class Opening : std::uint8_t { kInitialize, kConnect, kLogon };
@@ -55,7 +54,7 @@ class SimulatedContacts final : public platform::ContactsStore {
   /// Lets the next `times` calls of a step of opening fail.
   void FailOpening(Opening step, int times = kAlways) { m_failures[step] = times; }
 
-  /// What GetItemFromOid gives for `oid`, instead of what the collection tells.
+  /// What GetItemFromOid gives for `oid`, instead of the answer of the collection.
   void SetLookup(std::int32_t oid, platform::ContactLookup lookup) { m_lookups[oid] = lookup; }
 
   /// Calls of a step so far.

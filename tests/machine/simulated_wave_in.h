@@ -12,11 +12,11 @@
 
 namespace machine {
 
-/// How a headless wave input behaves.
+/// How a simulated wave input behaves.
 struct WaveInScript {
   std::uint32_t deviceCount = 1;
 
-  /// What every device hears from its opening on, and silence behind it.
+  /// What every device hears from its opening on; silence follows.
   std::vector<std::byte> sound{};
 
   /// How many bytes of the started buffer have arrived by its first Unprepare, by its second, and

@@ -10,7 +10,7 @@
 
 namespace machine {
 
-/// How a headless wave output behaves.
+/// How a simulated wave output behaves.
 struct WaveOutScript {
   /// How often Unprepare finds the sound still playing.
   int stillPlaying = 0;

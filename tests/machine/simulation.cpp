@@ -1,10 +1,53 @@
 #include "tests/machine/simulation.h"
 
+#include <mutex>
+#include <set>
+#include <string>
+#include <string_view>
 #include <system_error>
 #include <thread>
 #include <utility>
 
+#include "tests/machine/scheduler.h"
+
 namespace machine {
+
+/// The names of the mutexes that have a holder. May be used from any thread.
+class MutexNames {
+ public:
+  [[nodiscard]] static platform::CreatedMutex Create(const std::shared_ptr<MutexNames>& names,
+                                                     std::u16string_view name);
+
+ private:
+  class Holder;
+
+  std::mutex m_mutex;
+  std::set<std::u16string, std::less<>> m_held;
+};
+
+class MutexNames::Holder final : public platform::NamedMutex {
+ public:
+  Holder(std::shared_ptr<MutexNames> names, std::u16string_view name)
+      : m_names(std::move(names)), m_name(name) {}
+  ~Holder() override {
+    const std::lock_guard lock(m_names->m_mutex);
+    m_names->m_held.erase(m_name);
+  }
+
+ private:
+  const std::shared_ptr<MutexNames> m_names;
+  const std::u16string m_name;
+};
+
+platform::CreatedMutex MutexNames::Create(const std::shared_ptr<MutexNames>& names,
+                                          std::u16string_view name) {
+  const std::lock_guard lock(names->m_mutex);
+  if (!names->m_held.emplace(name).second) {
+    return {nullptr, true};
+  }
+  return {std::make_unique<Holder>(names, name), false};
+}
+
 namespace {
 
 using platform::ThreadStart;
@@ -75,7 +118,9 @@ class SimulatedEvent final : public platform::Event {
 }  // namespace
 
 Simulation::Simulation(std::uint32_t startTick)
-    : m_scheduler(std::make_shared<Scheduler>()), m_startTick(startTick) {}
+    : m_scheduler(std::make_shared<Scheduler>()),
+      m_startTick(startTick),
+      m_mutexNames(std::make_shared<MutexNames>()) {}
 
 std::uint32_t Simulation::GetTickCount() {
   return static_cast<std::uint32_t>(m_startTick + m_scheduler->Now());

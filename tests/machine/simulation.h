@@ -6,13 +6,14 @@
 
 #include "platform/clock.h"
 #include "platform/threads.h"
-#include "tests/machine/mutex_names.h"
-#include "tests/machine/scheduler.h"
 
 namespace machine {
 
+class MutexNames;
+class Scheduler;
+
 /// Threads that run one at a time, in the same order in every run, and a clock that does not wait:
-/// where all of them wait, the time jumps to the earliest limit.
+/// if all of them wait, the time jumps to the earliest limit.
 ///
 /// Used by the threads that it started and by one other, its host. A thread gives up its turn only
 /// in Sleep, in Wait of a thread or an event (also in one that need not wait), and at its end; so a
@@ -42,7 +43,7 @@ class Simulation final : public platform::Clock, public platform::Threads {
  private:
   const std::shared_ptr<Scheduler> m_scheduler;
   const std::uint32_t m_startTick;
-  const std::shared_ptr<MutexNames> m_mutexNames = std::make_shared<MutexNames>();
+  const std::shared_ptr<MutexNames> m_mutexNames;
 };
 
 }  // namespace machine

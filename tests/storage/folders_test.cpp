@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "backends/headless/headless_process.h"
+#include "backends/headless/headless_system.h"
 #include "backends/headless/headless_ui.h"
 #include "language/language_table.h"
 #include "storage/device_paths.h"

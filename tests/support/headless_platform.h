@@ -2,8 +2,7 @@
 
 #include <cstdint>
 
-#include "backends/headless/headless_process.h"
-#include "backends/headless/headless_shell.h"
+#include "backends/headless/headless_system.h"
 #include "backends/headless/headless_ui.h"
 #include "platform/platform.h"
 #include "tests/machine/memory_file_system.h"

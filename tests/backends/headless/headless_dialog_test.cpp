@@ -7,7 +7,6 @@
 #include <utility>
 #include <vector>
 
-#include "backends/headless/headless_sheet.h"
 #include "backends/headless/headless_ui.h"
 #include "framework/dialog.h"
 

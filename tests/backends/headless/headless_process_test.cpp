@@ -1,4 +1,4 @@
-#include "backends/headless/headless_process.h"
+#include "backends/headless/headless_system.h"
 
 #include <gtest/gtest.h>
 

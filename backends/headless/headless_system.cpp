@@ -1,6 +1,18 @@
-#include "backends/headless/headless_shell.h"
+#include "backends/headless/headless_system.h"
 
 namespace headless {
+
+void HeadlessProcess::End(int exitCode) {
+  const std::lock_guard lock(m_mutex);
+  if (!m_exitCode) {
+    m_exitCode = exitCode;
+  }
+}
+
+std::optional<int> HeadlessProcess::GetExitCode() const {
+  const std::lock_guard lock(m_mutex);
+  return m_exitCode;
+}
 
 void HeadlessShell::StartProgram(std::u16string_view program, std::u16string_view commandLine) {
   m_requests.push_back({{}, std::u16string(program), std::u16string(commandLine)});

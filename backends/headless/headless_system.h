@@ -1,14 +1,31 @@
 #pragma once
 
+#include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "platform/process.h"
 #include "platform/shell.h"
 
 namespace headless {
 
-/// One thing that a shell was asked to do. A program that was started has no verb.
+/// A process that remembers that it should end, and goes on. May be used by several threads.
+class HeadlessProcess final : public platform::Process {
+ public:
+  void End(int exitCode) override;
+
+  /// Returns the exit code of the first end, or nothing if there was none. A process ends only
+  /// once, so later ends change nothing.
+  [[nodiscard]] std::optional<int> GetExitCode() const;
+
+ private:
+  mutable std::mutex m_mutex;
+  std::optional<int> m_exitCode;
+};
+
+/// One request to a shell. The start of a program has no verb.
 struct ShellRequest {
   std::u16string verb;
   std::u16string file;
@@ -17,7 +34,7 @@ struct ShellRequest {
   friend bool operator==(const ShellRequest&, const ShellRequest&) = default;
 };
 
-/// A shell that starts nothing and remembers what was asked. Belongs to one thread.
+/// A shell that starts nothing and remembers each request. Belongs to one thread.
 class HeadlessShell final : public platform::Shell {
  public:
   void StartProgram(std::u16string_view program, std::u16string_view commandLine) override;
