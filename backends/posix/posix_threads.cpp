@@ -164,6 +164,14 @@ bool PosixThreads::WasNamedMutexMade(const std::string& lockFolder, std::u16stri
 }
 
 platform::CreatedMutex PosixThreads::CreateNamedMutex(std::u16string_view name) {
+  platform::CreatedMutex created = Lock(name);
+  if (m_onNamedMutex) {
+    m_onNamedMutex(created);
+  }
+  return created;
+}
+
+platform::CreatedMutex PosixThreads::Lock(std::u16string_view name) const {
   static_cast<void>(MakeFolders(m_lockFolder));  // If that fails, so does what comes next.
   const std::string path = PathOf(m_lockFolder, name);
   Descriptor file(::open(path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, kOwnerOnly));

@@ -15,8 +15,12 @@ namespace posix {
 class PosixThreads final : public platform::Threads {
  public:
   /// `lockFolder` is the folder of the host in which the lock files lie, and so what stands for the
-  /// device on which a name is known. It is made when it is first needed.
-  explicit PosixThreads(std::string lockFolder = {}) : m_lockFolder(std::move(lockFolder)) {}
+  /// device on which a name is known. It is made when it is first needed. `onNamedMutex` is called
+  /// with each named mutex that was asked for here, before its creator has it.
+  explicit PosixThreads(
+      std::string lockFolder = {},
+      std::function<void(const platform::CreatedMutex& created)> onNamedMutex = nullptr)
+      : m_lockFolder(std::move(lockFolder)), m_onNamedMutex(std::move(onNamedMutex)) {}
 
   [[nodiscard]] std::unique_ptr<platform::Thread> Start(std::function<void()> body,
                                                         platform::ThreadStart start) override;
@@ -31,7 +35,10 @@ class PosixThreads final : public platform::Threads {
                                               std::u16string_view name);
 
  private:
+  [[nodiscard]] platform::CreatedMutex Lock(std::u16string_view name) const;
+
   const std::string m_lockFolder;
+  const std::function<void(const platform::CreatedMutex& created)> m_onNamedMutex;
 };
 
 }  // namespace posix

@@ -5,6 +5,7 @@
 #include <future>
 #include <utility>
 
+#include "backends/qt/application.h"
 #include "backends/qt/dialog_windows.h"
 #include "backends/qt/look.h"
 #include "backends/qt/strings.h"
@@ -73,19 +74,23 @@ using platform::MessageCaption;
 QtUi::QtUi(UiThread& thread, std::u16string_view applicationName, PictureSource pictures)
     : m_thread(thread),
       m_applicationName(ToQString(applicationName)),
-      m_pictures(std::move(pictures)) {
-  ApplyLook();
-}
+      m_pictures(std::move(pictures)) {}
 
 QtUi::~QtUi() {
   m_cursor = Cursor::kNormal;
   ShowCursor();
 }
 
+void QtUi::Begin() {
+  EnsureApplication();
+  ApplyLook();
+}
+
 MessageAnswer QtUi::ShowMessage(const MessageBox& box) {
   if (!m_thread.IsCurrent()) {
     return AskOnUiThread(box);
   }
+  Begin();
   MessageDialog dialog(box, CaptionOf(box), m_windows->GetTop());
   RunModal(dialog);
   return dialog.GetAnswer();
@@ -164,6 +169,7 @@ void QtUi::RunModal(Frame& frame) {
 }
 
 int QtUi::RunDialog(const resources::DialogTemplate& dialog, platform::DialogHandler& handler) {
+  Begin();
   DialogFrame frame(dialog, handler, m_thread, m_pictures, m_windows->GetTop());
   frame.GetDialog().Init();
   RunModal(frame);
@@ -172,6 +178,7 @@ int QtUi::RunDialog(const resources::DialogTemplate& dialog, platform::DialogHan
 
 bool QtUi::RunSheet(std::u16string_view caption, std::span<const platform::SheetPage> pages,
                     platform::SheetHandler& handler) {
+  Begin();
   QtSheet sheet(caption, pages, handler, m_thread, m_pictures, m_windows->GetTop());
   sheet.Init();
   RunModal(sheet);

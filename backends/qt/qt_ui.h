@@ -42,8 +42,9 @@ class WindowStack {
   std::vector<std::unique_ptr<MessageDialog>> m_boxes;
 };
 
-/// The user interface on a desktop. The application object of the library must exist before it. The
-/// application need not run, because each modal call serves its windows itself.
+/// The user interface on a desktop. The first window makes the application object of the library if
+/// the process has none. The application need not run, because each modal call serves its windows
+/// itself.
 class QtUi final : public platform::Ui {
  public:
   /// `applicationName` is the caption of the framework's plain boxes.
@@ -60,6 +61,8 @@ class QtUi final : public platform::Ui {
                               platform::SheetHandler& handler) override;
 
  private:
+  /// Called before anything is shown.
+  static void Begin();
   void RunModal(Frame& frame);
   [[nodiscard]] QString CaptionOf(const platform::MessageBox& box) const;
   [[nodiscard]] platform::MessageAnswer AskOnUiThread(const platform::MessageBox& box);

@@ -126,7 +126,7 @@ void UiThread::PostForLater(std::function<void()> call) {
 }
 
 void UiThread::Await(const std::function<void()>& blocking) {
-  if (!IsCurrent()) {
+  if (!IsCurrent() || QCoreApplication::instance() == nullptr) {
     blocking();
     return;
   }

@@ -28,8 +28,8 @@ class InputGate final : public QObject {
 /// recording, for a worker); UiThread makes such a wait harmless. The wait itself happens on a
 /// helper thread, and this one serves an event loop meanwhile: windows are painted and workers get
 /// their calls done, but the gate keeps the user's input away, because the page is in the middle of
-/// its work. Make it on that thread, after the application object of the library. It must outlive
-/// every object that was given it.
+/// its work. Before there is an application object of the library, no window needs that, and a wait
+/// is just a wait. Make it on that thread. It must outlive every object that was given it.
 class UiThread {
  public:
   UiThread() = default;

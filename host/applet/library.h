@@ -1,58 +1,51 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
-#include <vector>
+#include <functional>
+#include <string_view>
 
 #include "applet/voxtrel_app.h"
-#include "backends/desktop/desktop_shell.h"
-#include "backends/posix/posix_module.h"
-#include "backends/posix/posix_process.h"
-#include "host/applet/instance_threads.h"
-#include "host/applet/late_presentation.h"
 #include "host/machine/backends.h"
+#include "platform/module.h"
+#include "platform/platform.h"
 
 namespace applet {
 
-/// What a loaded library is made with.
-struct LibraryOptions {
-  machine::Options backends;
-  desktop::Environment environment;
-  std::string runtimeFolder;             ///< $XDG_RUNTIME_DIR.
-  std::string activationToken;           ///< $XDG_ACTIVATION_TOKEN, of whoever opened this.
-  std::vector<std::string> helpFolders;  ///< Best first.
-  posix::PosixModule::GetPicture getPicture;
-  PresentationMaker makePresentation;
+/// What the applet's library is made of. Each system gives its own.
+struct LibraryParts {
+  machine::Backends& backends;
+  platform::Platform platform;
+  platform::Module& module;
+  /// Whether there is a screen for windows. Nothing is shown unless this has said so.
+  std::function<bool()> hasScreen;
+  /// Shows the windows that are open in front of those of other programs.
+  std::function<void()> bringForward;
 };
 
-/// The applet with the real back ends of this machine: what CPlApplet is the door to. Belongs to
-/// the user-interface thread.
+/// The applet with the back ends of this machine: what CPlApplet is the door to. Belongs to the
+/// user-interface thread.
 class Library {
  public:
-  explicit Library(LibraryOptions options);
+  /// What `parts` refers to outlives this.
+  explicit Library(LibraryParts parts);
 
-  /// The first message starts the applet up: while a library is being loaded, neither the
-  /// presentation nor the back ends could be.
+  /// Answers a message of the control panel. The first message starts the applet up, since no back
+  /// end could be used while the library is being loaded. A second double-click brings the windows
+  /// of the first one forward.
   [[nodiscard]] std::int32_t Answer(std::uint32_t message, std::intptr_t lParam1,
                                     std::intptr_t lParam2);
 
  private:
-  [[nodiscard]] platform::Platform GetPlatform();
-  [[nodiscard]] InstanceThreads::Options MakeInstanceOptions();
-  [[nodiscard]] desktop::DesktopShell::Options MakeShellOptions();
-  void TellNewcomer();
-  void Listen(const posix::Doorbell& bell);
+  void WelcomeNewcomer();
   [[nodiscard]] bool CanOpen();
 
-  const LibraryOptions m_options;
-  machine::Backends m_backends;
-  posix::PosixModule m_module;
-  posix::PosixProcess m_process;
-  LatePresentation m_presentation;
-  InstanceThreads m_threads;
-  desktop::DesktopShell m_shell;
+  const LibraryParts m_parts;
   VoxtrelApp m_app;
   bool m_isStarted = false;
 };
+
+/// Writes one line for the user to standard error. It begins with the library's name, by which a
+/// control panel knows what to show.
+void ReportOnStandardError(std::u16string_view text);
 
 }  // namespace applet

@@ -31,6 +31,19 @@ TEST(PosixThreads, AThreadMayGiveUpItsOwnHandle) {
   EXPECT_TRUE(*owner);
 }
 
+TEST(PosixThreads, ReportEachNamedMutexThatIsTakenOrRefused) {
+  const support::TempFolder folder;
+  std::vector<bool> taken;
+  posix::PosixThreads threads(folder.Path(), [&](const platform::CreatedMutex& created) {
+    EXPECT_NE(created.mutex != nullptr, created.existed);
+    taken.push_back(created.mutex != nullptr);
+  });
+  const platform::CreatedMutex held = threads.CreateNamedMutex(u"name");
+  EXPECT_TRUE(held.mutex);
+  EXPECT_TRUE(threads.CreateNamedMutex(u"name").existed);
+  EXPECT_EQ(taken, (std::vector<bool>{true, false}));
+}
+
 TEST(PosixThreads, ThreadsRunSideBySide) {
   posix::PosixThreads threads;
   const auto first = threads.CreateManualResetEvent();

@@ -1,6 +1,8 @@
 // A control panel of the smallest kind: asks the library at argv[1] for its name and icon, and
-// double-clicks it argv[2] times. With windows, each sheet is closed as soon as it is shown; with
-// an argv[3], it is double-clicked once more before.
+// double-clicks it argv[2] times. With windows, each sheet is closed as soon as it is shown. If
+// argv[3] is "again", the library is double-clicked once more before. If it is "ring PATH", the
+// sheet is minimised and the bell of that path is rung before, and the sheet is closed when it is
+// back.
 
 #include <dlfcn.h>
 #include <unistd.h>
@@ -16,6 +18,7 @@
 #include <string>
 
 #include "applet/control_panel.h"
+#include "backends/posix/doorbell.h"
 
 namespace {
 
@@ -27,8 +30,8 @@ std::string ReadIcon(applet::IconHandle icon) {
   return std::string(begin.data(), static_cast<std::size_t>(length < 0 ? 0 : length));
 }
 
-/// What a second double-click does, if there is to be one.
-std::function<void()> clickAgain;
+/// What is done when a window is first shown, if anything is.
+std::function<void(QWidget& window)> onShown;
 
 /// Says the title of whatever window is shown, once, and closes it. One that is busy stays, until
 /// it is asked again.
@@ -40,15 +43,24 @@ void CloseWindows() {
     if (!window->property("said").toBool()) {
       std::printf("shown %s\n", window->windowTitle().toUtf8().constData());
       window->setProperty("said", true);
-      if (clickAgain) {
-        clickAgain();
+      if (onShown) {
+        onShown(*window);
       }
     }
-    window->close();
+    if (!window->isMinimized()) {
+      window->close();
+    }
   }
 }
 
-int Run(applet::CplAppletFunction entry, int openings, bool clicksAgain) {
+/// Minimises the window and calls its process from outside.
+void Ring(QWidget& window, const std::string& bell) {
+  window.showMinimized();
+  std::printf("minimised %d rung %d\n", window.isMinimized(), posix::Doorbell::Ring(bell, ""));
+}
+
+int Run(applet::CplAppletFunction entry, int openings, const std::string& what,
+        const std::string& bell) {
   const auto send = [entry](CplMessage message, std::intptr_t first = 0, std::intptr_t second = 0) {
     return entry(nullptr, static_cast<std::uint32_t>(message), first, second);
   };
@@ -56,8 +68,10 @@ int Run(applet::CplAppletFunction entry, int openings, bool clicksAgain) {
   std::printf("init %d count %d\n", send(CplMessage::kInit), send(CplMessage::kGetCount));
   send(CplMessage::kNewInquire, 0, reinterpret_cast<std::intptr_t>(&info));
   std::printf("icon %s\n", ReadIcon(info.hIcon).c_str());
-  if (clicksAgain) {
-    clickAgain = [send, &info] {
+  if (what == "ring") {
+    onShown = [bell](QWidget& window) { Ring(window, bell); };
+  } else if (what == "again") {
+    onShown = [send, &info](QWidget& /*window*/) {
       std::printf("again %d\n", send(CplMessage::kDblClk, 0, info.lData));
     };
   }
@@ -88,8 +102,8 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "%s\n", ::dlerror());
     return 3;
   }
-  const int result =
-      Run(reinterpret_cast<applet::CplAppletFunction>(entry), std::atoi(argv[2]), argc > 3);
+  const int result = Run(reinterpret_cast<applet::CplAppletFunction>(entry), std::atoi(argv[2]),
+                         argc > 3 ? argv[3] : "", argc > 4 ? argv[4] : "");
   ::dlclose(library);
   return result;
 }

@@ -2,20 +2,18 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
-#include <memory>
 #include <string>
 #include <vector>
 
-#include "host/applet/no_window.h"
-#include "backends/headless/headless_ui.h"
-#include "backends/posix/posix_clock.h"
-#include "backends/posix/posix_threads.h"
 #include "backends/text/utf.h"
 #include "resources/dialogs.h"
+#include "storage/device_paths.h"
+#include "tests/machine/simulated_module.h"
+#include "tests/support/forwarding_file_system.h"
+#include "tests/support/headless_platform.h"
 #include "tests/support/temp_folder.h"
 
 namespace {
@@ -23,45 +21,41 @@ namespace {
 using applet::CplMessage;
 using testing::ElementsAre;
 
-/// What a test sees of the presentations of one library.
-struct Stage {
-  int made = 0;
-  headless::HeadlessUi ui{u"Zedra Voxtrel"};
-  std::function<void()> onBell;
-  std::vector<std::string> tokens;
-};
-
-class StagePresentation final : public applet::Presentation {
+/// Counts how often the language file is looked for, which start-up does.
+class CountingFiles final : public support::ForwardingFileSystem {
  public:
-  StagePresentation(Stage& stage, platform::Clock& clock, platform::Threads& threads)
-      : m_stage(stage), m_clock(clock), m_threads(threads) {
-    ++m_stage.made;
+  using ForwardingFileSystem::ForwardingFileSystem;
+
+  [[nodiscard]] platform::StartedSearch FindFirst(std::u16string_view pattern) override {
+    m_searches += pattern == storage::kLanguageFile ? 1 : 0;
+    return ForwardingFileSystem::FindFirst(pattern);
   }
-  platform::Ui& GetUi() override { return m_stage.ui; }
-  platform::Clock& GetClock() override { return m_clock; }
-  platform::Threads& GetThreads() override { return m_threads; }
-  void Watch(int /*descriptor*/, std::function<void()> onReadable) override {
-    m_stage.onBell = std::move(onReadable);
-  }
-  void BringForward(std::string_view token) override { m_stage.tokens.emplace_back(token); }
+
+  [[nodiscard]] int CountSearches() const { return m_searches; }
 
  private:
-  Stage& m_stage;
-  platform::Clock& m_clock;
-  platform::Threads& m_threads;
+  int m_searches = 0;
 };
 
+/// The library with a machine without anything real, but with the contacts and the root folder of
+/// this one.
 class Library : public testing::Test {
  protected:
   Library() {
+    m_options.root = (m_folder.Path() / "root").string();
     // Contacts of a file that is not there: no server of the desktop is asked.
-    m_options.backends.root = (m_folder.Path() / "root").string();
-    m_options.backends.contacts = (m_folder.Path() / "none.vcf").string();
-    m_options.runtimeFolder = m_folder.Path().string();
-    m_options.getPicture = [](int) { return std::as_bytes(std::span("<svg/>")); };
-    m_options.makePresentation = [this](platform::Clock& clock, platform::Threads& threads) {
-      return std::make_unique<StagePresentation>(m_stage, clock, threads);
-    };
+    m_options.contacts = (m_folder.Path() / "none.vcf").string();
+  }
+
+  [[nodiscard]] applet::LibraryParts Parts() {
+    platform::Platform platform = m_machine.GetWith(m_files, m_machine.registry);
+    return {m_backends,
+            {platform.files, platform.waveIn, platform.clock, platform.threads, platform.process,
+             platform.ui, platform.registry, m_backends.GetContacts(m_machine.simulation),
+             platform.waveOut, platform.shell},
+            m_module,
+            [this] { return m_hasScreen; },
+            [this] { ++m_broughtForward; }};
   }
 
   [[nodiscard]] static std::int32_t Send(applet::Library& library, CplMessage message,
@@ -72,133 +66,137 @@ class Library : public testing::Test {
   [[nodiscard]] std::string Path(const char* name) const { return m_folder.Path() / name; }
 
   support::TempFolder m_folder;
-  Stage m_stage;
-  applet::LibraryOptions m_options;
+  machine::Options m_options;
+  machine::Backends m_backends{m_options};
+  support::HeadlessPlatform m_machine;
+  CountingFiles m_files{m_machine.files};
+  machine::SimulatedModule m_module;
+  bool m_hasScreen = true;
+  int m_broughtForward = 0;
 };
 
-TEST_F(Library, NeedsNoWindowSystemToTellNameAndIcon) {
-  applet::Library library(m_options);
+TEST_F(Library, NeedsNoScreenToTellNameAndIcon) {
+  applet::LibraryParts parts = Parts();
+  parts.hasScreen = [] {
+    ADD_FAILURE() << "The screen was asked for.";
+    return false;
+  };
+  applet::Library library(parts);
   applet::NewCplInfo info;
   EXPECT_EQ(Send(library, CplMessage::kInit), 1);
   EXPECT_EQ(Send(library, CplMessage::kGetCount), 1);
   EXPECT_EQ(Send(library, CplMessage::kNewInquire, 0, reinterpret_cast<std::intptr_t>(&info)), 0);
   EXPECT_EQ(std::u16string(info.szName.data()), u"Zedra Voxtrel");
-  EXPECT_GT(info.hIcon, 2U);
+  EXPECT_NE(info.hIcon, platform::kNoIcon);
   EXPECT_EQ(Send(library, CplMessage::kStop), 0);
   EXPECT_EQ(Send(library, CplMessage::kExit), 0);
-  EXPECT_EQ(m_stage.made, 0);
-  EXPECT_FALSE(std::filesystem::exists(m_options.backends.root));
+  EXPECT_FALSE(std::filesystem::exists(m_options.root));
 }
 
-TEST_F(Library, MakesThePresentationOnceWhenTheSheetIsShown) {
-  applet::Library library(m_options);
-  std::vector<std::size_t> tabs;
-  m_stage.ui.SetSheetStory(
-      [&](headless::HeadlessSheet& sheet) { tabs.push_back(sheet.GetTabTexts().size()); });
+TEST_F(Library, StartsTheAppletUpOnceAndNotWithEachMessage) {
+  applet::Library library(Parts());
+  EXPECT_EQ(m_files.CountSearches(), 0) << "Not while the library is loaded.";
+  applet::NewCplInfo info;
+  EXPECT_EQ(Send(library, CplMessage::kInit), 1);
+  EXPECT_EQ(m_files.CountSearches(), 1);
+  EXPECT_EQ(Send(library, CplMessage::kGetCount), 1);
+  EXPECT_EQ(Send(library, CplMessage::kNewInquire, 0, reinterpret_cast<std::intptr_t>(&info)), 0);
   EXPECT_EQ(Send(library, CplMessage::kDblClk), 0);
   EXPECT_EQ(Send(library, CplMessage::kDblClk), 0);
-  EXPECT_THAT(tabs, ElementsAre(2U, 2U));
-  EXPECT_EQ(m_stage.made, 1);
-  EXPECT_TRUE(std::filesystem::is_directory(m_options.backends.root));
+  EXPECT_EQ(Send(library, CplMessage::kStop), 0);
+  EXPECT_EQ(Send(library, CplMessage::kExit), 0);
+  EXPECT_EQ(m_files.CountSearches(), 1);
+}
+
+TEST_F(Library, ShowsTheSamePagesAtEachDoubleClick) {
+  applet::Library library(Parts());
+  std::vector<int> dialogs;
+  m_machine.ui.SetSheetStory([&](headless::HeadlessSheet& sheet) {
+    ASSERT_EQ(sheet.GetTabTexts().size(), 2U);
+    dialogs.push_back(sheet.ShowPage(0)->GetTemplate().id);
+    dialogs.push_back(sheet.ShowPage(1)->GetTemplate().id);
+  });
+  EXPECT_EQ(Send(library, CplMessage::kDblClk), 0);
+  EXPECT_EQ(Send(library, CplMessage::kDblClk), 0);
+  EXPECT_THAT(dialogs, ElementsAre(134, 135, 134, 135));
+  EXPECT_TRUE(std::filesystem::is_directory(m_options.root));
 }
 
 TEST_F(Library, ADoubleClickWhileTheSheetIsOpenBringsItForward) {
-  applet::Library library(m_options);
+  applet::Library library(Parts());
   int shown = 0;
-  m_stage.ui.SetSheetStory([&](headless::HeadlessSheet&) {
+  m_machine.ui.SetSheetStory([&](headless::HeadlessSheet&) {
     ++shown;
+    EXPECT_EQ(m_broughtForward, 0);
     EXPECT_EQ(Send(library, CplMessage::kDblClk), 0);
     EXPECT_EQ(Send(library, CplMessage::kDblClk), 0);
   });
   EXPECT_EQ(Send(library, CplMessage::kDblClk), 0);
   EXPECT_EQ(shown, 1);
-  EXPECT_THAT(m_stage.tokens, ElementsAre("", ""));
+  EXPECT_EQ(m_broughtForward, 2);
 }
 
 TEST_F(Library, SaysThatThereIsNoFolderInsteadOfOpening) {
   ASSERT_EQ(::unsetenv("HOME"), 0);
   ASSERT_EQ(::unsetenv("XDG_DATA_HOME"), 0);
-  m_options.backends.root.clear();
-  applet::Library library(m_options);
+  m_options.root.clear();
+  applet::Library library(Parts());
   bool isShown = false;
-  m_stage.ui.SetSheetStory([&](headless::HeadlessSheet&) { isShown = true; });
+  m_machine.ui.SetSheetStory([&](headless::HeadlessSheet&) { isShown = true; });
   applet::NewCplInfo info;
   EXPECT_EQ(Send(library, CplMessage::kNewInquire, 0, reinterpret_cast<std::intptr_t>(&info)), 0);
   EXPECT_EQ(Send(library, CplMessage::kDblClk, 1), 1);
   EXPECT_EQ(Send(library, CplMessage::kDblClk), 0);
+  EXPECT_TRUE(m_module.GetIcons().empty());
+  const std::u16string said =
+      u"There is no folder for the voice tags: HOME names none. Set it, or name a folder by "
+      u"VOXTREL_ROOT.";
+  ASSERT_EQ(m_machine.ui.GetMessages().size(), 2U);
+  EXPECT_EQ(m_machine.ui.GetMessages().front().box.text, said);
+
+  m_hasScreen = false;
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(Send(library, CplMessage::kDblClk), 0);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "voxtrel.cpl: " + text::ToUtf8(said) + "\n");
+  EXPECT_EQ(m_machine.ui.GetMessages().size(), 2U);
   EXPECT_FALSE(isShown);
-  ASSERT_EQ(m_stage.ui.GetMessages().size(), 2U);
-  EXPECT_EQ(m_stage.ui.GetMessages().front().box.text,
-            u"There is no folder for the voice tags: HOME names none. Set it, or name a folder by "
-            u"VOXTREL_ROOT.");
 }
 
 TEST_F(Library, TellsANewcomerWhereContactsAreLookedForAndOpensWithoutAny) {
   // No desktop answers here.
   ASSERT_EQ(::setenv("DBUS_SESSION_BUS_ADDRESS", ("unix:path=" + Path("no-bus")).c_str(), 1), 0);
-  m_options.backends.contacts.clear();
-  applet::Library library(m_options);
-  m_stage.ui.SetSheetStory([&](headless::HeadlessSheet& sheet) {
+  m_options.contacts.clear();
+  applet::Library library(Parts());
+  m_machine.ui.SetSheetStory([&](headless::HeadlessSheet& sheet) {
     const headless::HeadlessDialog& page = *sheet.ShowPage(0);
     EXPECT_FALSE(page.IsEnabled(resources::kRecordButtonId));
     EXPECT_EQ(page.GetText(resources::kCountLabelId), u"Learned commands: 0");
   });
   EXPECT_EQ(Send(library, CplMessage::kDblClk), 0);
-  ASSERT_EQ(m_stage.ui.GetMessages().size(), 1U);
-  EXPECT_EQ(text::ToUtf8(m_stage.ui.GetMessages().front().box.text),
+  ASSERT_EQ(m_machine.ui.GetMessages().size(), 1U);
+  EXPECT_EQ(text::ToUtf8(m_machine.ui.GetMessages().front().box.text),
             "No contacts were found. Add people with telephone numbers to the desktop's address "
             "book, or save them as vCards in " +
                 Path("root/contacts.vcf") + ".");
 }
 
-TEST_F(Library, ASecondProcessEndsAndCallsTheFirstOne) {
-  applet::Library first(m_options);
-  m_options.activationToken = "token";
-  m_stage.ui.SetSheetStory([&](headless::HeadlessSheet&) {
-    // What exits is a copy of this process, which first makes a library of its own.
-    EXPECT_EXIT(
-        static_cast<void>(Send(*std::make_unique<applet::Library>(m_options), CplMessage::kDblClk)),
-        testing::ExitedWithCode(0),
-        "^voxtrel.cpl: Zedra Voxtrel is open already; its window was brought forward.\n$");
-    ASSERT_TRUE(m_stage.onBell);
-    m_stage.onBell();
-  });
-  EXPECT_EQ(Send(first, CplMessage::kDblClk), 0);
-  EXPECT_THAT(m_stage.tokens, ElementsAre("token"));
-}
-
-TEST_F(Library, ASecondProcessSaysWhenTheFirstOneHasNoWindow) {
-  posix::PosixThreads commandLine(m_options.backends.root);
-  const platform::CreatedMutex held = commandLine.CreateNamedMutex(u"ZedraD");
-  ASSERT_TRUE(held.mutex);
-  EXPECT_EXIT(
-      static_cast<void>(Send(*std::make_unique<applet::Library>(m_options), CplMessage::kDblClk)),
-      testing::ExitedWithCode(0), "^voxtrel.cpl: The voice tags are in use by another");
-}
-
-TEST_F(Library, WithoutADisplaySaysSoAndGoesOn) {
-  m_options.makePresentation = [](platform::Clock& clock, platform::Threads& threads) {
-    return std::make_unique<applet::NoWindow>(clock, threads);
-  };
-  applet::Library library(m_options);
+TEST_F(Library, WithoutAScreenSaysSoOnStandardErrorAndOpensNothing) {
+  m_hasScreen = false;
+  applet::Library library(Parts());
+  bool isShown = false;
+  m_machine.ui.SetSheetStory([&](headless::HeadlessSheet&) { isShown = true; });
   testing::internal::CaptureStderr();
   EXPECT_EQ(Send(library, CplMessage::kDblClk), 0);
-  EXPECT_THAT(testing::internal::GetCapturedStderr(),
-              testing::StartsWith("voxtrel.cpl: There is no display to open a window on."));
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "voxtrel.cpl: There is no display to open a window on. Without one, the command line "
+            "does the same work: voxtrel --help\n");
+  EXPECT_FALSE(isShown);
 }
 
-TEST(NoWindow, AgreesToNothing) {
-  posix::PosixClock clock;
-  posix::PosixThreads threads;
-  applet::NoWindow window(clock, threads);
+TEST(ReportOnStandardError, IsOneLineWhateverTheTextHolds) {
   testing::internal::CaptureStderr();
-  EXPECT_EQ(window.GetUi().ShowMessage({u"Sure?\nReally?", platform::MessageCaption::kNone, u"",
-                                        platform::MessageStyle::kOkCancel}),
-            platform::MessageAnswer::kCancel);
-  EXPECT_EQ(window.GetUi().ShowMessage(platform::ApplicationBox(u"Done")),
-            platform::MessageAnswer::kOk);
-  EXPECT_EQ(testing::internal::GetCapturedStderr(),
-            "voxtrel.cpl: Sure? Really?\nvoxtrel.cpl: Done\n");
+  applet::ReportOnStandardError(u"Sure?\nReally?");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "voxtrel.cpl: Sure? Really?\n");
 }
 
 }  // namespace

@@ -78,6 +78,23 @@ TEST_F(VoxtrelCpl, ASecondDoubleClickWhileTheSheetIsOpenOpensNoOther) {
   EXPECT_EQ(run.out, kBegin + shown + shown + kEnd);
 }
 
+TEST_F(VoxtrelCpl, ItsWindowComesForwardWhenASecondProcessRings) {
+  const auto run = Host(1, "offscreen", {"ring", posix::Doorbell::PathFor(Path(""), Path("root"))});
+  EXPECT_EQ(run.exitCode, 0) << run.err;
+  // It is closed when it is no longer minimised.
+  EXPECT_EQ(run.out, kBegin + std::string("shown Property\nminimised 1 rung 1\nopened 0\n") + kEnd);
+}
+
+TEST_F(VoxtrelCpl, ASecondProcessSaysWhenTheFirstOneHasNoWindow) {
+  posix::PosixThreads commandLine(Path("root"));
+  const platform::CreatedMutex held = commandLine.CreateNamedMutex(u"ZedraD");
+  ASSERT_TRUE(held.mutex);
+  const auto run = Host(1, "offscreen");
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_EQ(run.out, kBegin);
+  EXPECT_THAT(run.err, HasSubstr("voxtrel.cpl: The voice tags are in use by another"));
+}
+
 TEST_F(VoxtrelCpl, ASecondProcessEndsAtOnceAndCallsTheFirstOne) {
   posix::PosixThreads first(Path("root"));
   const platform::CreatedMutex held = first.CreateNamedMutex(u"ZedraD");

@@ -1,0 +1,55 @@
+#include "backends/qt/application.h"
+
+#include <QApplication>
+#include <QWindow>
+#include <utility>
+
+namespace qt {
+namespace {
+
+bool HasDisplay() {
+  return !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") ||
+         !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") || !qEnvironmentVariableIsEmpty("DISPLAY");
+}
+
+}  // namespace
+
+bool CanShowWindows() {
+  const QCoreApplication* const application = QCoreApplication::instance();
+  return application == nullptr ? HasDisplay()
+                                : qobject_cast<const QApplication*>(application) != nullptr;
+}
+
+void EnsureApplication() {
+  if (QCoreApplication::instance() == nullptr) {
+    // It is never destroyed: what the library registered with the desktop is used until the process
+    // ends, and no other object could say when nobody needs it any more.
+    static int argumentCount = 1;
+    static char programName[] = "voxtrel";
+    static char* arguments[] = {programName, nullptr};
+    static QApplication* application = new QApplication(argumentCount, arguments);
+    static_cast<void>(application);
+  }
+}
+
+void BringWindowsForward(const std::string& activationToken) {
+  if (!activationToken.empty()) {
+    // Where the library looks for it.
+    qputenv("XDG_ACTIVATION_TOKEN", QByteArray::fromStdString(activationToken));
+  }
+  for (QWindow* const window : QGuiApplication::topLevelWindows()) {
+    if (window->isVisible() && window->type() != Qt::ToolTip) {
+      window->setWindowStates(window->windowStates() & ~Qt::WindowMinimized);
+      window->raise();
+      window->requestActivate();
+    }
+  }
+}
+
+DescriptorWatch::DescriptorWatch(int descriptor, std::function<void()> onReadable)
+    : m_notifier(descriptor, QSocketNotifier::Read) {
+  QObject::connect(&m_notifier, &QSocketNotifier::activated, &m_notifier,
+                   [onReadable = std::move(onReadable)] { onReadable(); });
+}
+
+}  // namespace qt

@@ -1,0 +1,97 @@
+#include "host/applet/desktop.h"
+
+#include <cstdlib>
+#include <utility>
+
+#include "backends/posix/loaded_library.h"
+#include "host/machine/places.h"
+#include "resources/desktop_strings.h"
+#include "resources/pictures.h"
+#include "resources/strings.h"
+
+namespace applet {
+namespace {
+
+std::string GetVariable(const char* name) {
+  const char* const value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe)
+  return value == nullptr ? std::string() : std::string(value);
+}
+
+/// The help is installed with the library or was built with it. Otherwise it is in a folder where
+/// the machine's programs keep their data.
+std::vector<std::string> FindHelpFolders(const desktop::Environment& environment) {
+  const machine::Places places(posix::FindOwnFile());
+  std::vector<std::string> folders{(places.GetDataFolder() / "help").native()};
+  for (const std::string& data : environment.dataFolders) {
+    folders.push_back(data + "/voxtrel/help");
+  }
+  return folders;
+}
+
+std::span<const std::byte> GetPicture(int number) {
+  const resources::Picture* const picture = resources::FindPicture(number);
+  return picture == nullptr ? std::span<const std::byte>() : picture->svg;
+}
+
+}  // namespace
+
+DesktopOptions ReadDesktopOptions() {
+  DesktopOptions options;
+  options.machine = machine::ReadOptions();
+  options.environment = desktop::ReadEnvironment();
+  options.runtimeFolder = GetVariable("XDG_RUNTIME_DIR");
+  options.activationToken = GetVariable("XDG_ACTIVATION_TOKEN");
+  options.helpFolders = FindHelpFolders(options.environment);
+  return options;
+}
+
+Desktop::Desktop(DesktopOptions options)
+    : m_options(std::move(options)),
+      m_backends(m_options.machine),
+      m_module(GetPicture),
+      m_plainThreads(m_backends.GetRoot().native(),
+                     [this](const platform::CreatedMutex& created) { OnNamedMutex(created); }),
+      m_clock(m_thread, m_backends.GetClock()),
+      m_threads(m_thread, m_plainThreads),
+      m_ui(m_thread, resources::kVoxtrelCaption, {GetPicture}),
+      // The shell's threads wait for programs only, and the windows need not know of that.
+      m_shell(m_plainThreads, GetShellOptions()),
+      m_library(GetParts()) {}
+
+LibraryParts Desktop::GetParts() {
+  return {m_backends,
+          {m_backends.GetFiles(), m_backends.GetWaveIn(), m_clock, m_threads, m_process, m_ui,
+           m_backends.GetRegistry(), m_backends.GetContacts(m_threads), m_backends.GetWaveOut(),
+           m_shell},
+          m_module,
+          qt::CanShowWindows,
+          [] { qt::BringWindowsForward({}); }};
+}
+
+desktop::DesktopShell::Options Desktop::GetShellOptions() {
+  return {m_options.environment, m_options.helpFolders, [this](std::u16string_view text) {
+            m_ui.ShowMessage(platform::ApplicationBox(std::u16string(text)));
+          }};
+}
+
+void Desktop::OnNamedMutex(const platform::CreatedMutex& created) {
+  const std::string bell =
+      posix::Doorbell::PathFor(m_options.runtimeFolder, m_backends.GetRoot().native());
+  if (created.existed) {
+    const bool isAnswered = posix::Doorbell::Ring(bell, m_options.activationToken);
+    ReportOnStandardError(isAnswered ? resources::kAppletIsOpen : resources::kTagsInUse);
+    return;
+  }
+  m_bellWatch.reset();
+  if (created.mutex && m_bell.Hang(bell)) {
+    m_bellWatch.emplace(m_bell.GetDescriptor(), [this] { OnRing(); });
+  }
+}
+
+void Desktop::OnRing() {
+  while (const auto token = m_bell.Answer()) {
+    qt::BringWindowsForward(*token);
+  }
+}
+
+}  // namespace applet
