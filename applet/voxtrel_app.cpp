@@ -1,5 +1,6 @@
 #include "applet/voxtrel_app.h"
 
+#include <array>
 #include <new>
 #include <utility>
 
@@ -13,11 +14,13 @@ namespace {
 constexpr std::u16string_view kProduct = u"Voxtrel PE";
 constexpr std::u16string_view kVersion = u"v3.0";
 
-/// Of the one applet that the library holds, and the answer to who means another one.
+/// The number of the one applet that the library holds, and the answer to a message for another
+/// one.
 constexpr std::intptr_t kOwnNumber = 0;
 constexpr std::int32_t kNotOfThisApplet = 1;
 
-static_assert(kNoIcon == platform::kNoIcon);
+/// Characters of the record's name, with the NUL.
+constexpr std::size_t kMaxName = std::tuple_size_v<decltype(NewCplInfo::szName)>;
 
 /// Raises a flag for as long as it lives, so that it falls too if a library throws.
 class Raised {
@@ -31,7 +34,7 @@ class Raised {
   bool& m_flag;
 };
 
-/// The object, or null where there is no memory for it: start-up goes on without it.
+/// Returns null if there is no memory for the object. Start-up goes on without it.
 template <typename T, typename... Arguments>
 std::unique_ptr<T> MakeOrNull(Arguments&&... arguments) {
   try {
@@ -65,10 +68,7 @@ std::int32_t VoxtrelApp::Answer(std::uint32_t message, std::intptr_t lParam1,
     case CplMessage::kStop:
       return OnStop(lParam1);
     case CplMessage::kNewInquire:
-      if (lParam2 != 0) {
-        // A message carries its record as a number.
-        OnNewInquire(*reinterpret_cast<NewCplInfo*>(lParam2));
-      }
+      OnNewInquire(lParam2);
       return 0;
     default:
       return 0;
@@ -107,16 +107,15 @@ std::int32_t VoxtrelApp::OnStop(std::intptr_t lParam1) {
   return 0;
 }
 
-void VoxtrelApp::OnNewInquire(NewCplInfo& info) {
-  if (m_module == nullptr) {
+void VoxtrelApp::OnNewInquire(std::intptr_t record) {
+  if (m_module == nullptr || record == 0) {
     return;
   }
-  // The flags, the help and the comment are the caller's and stay as they are.
-  info.dwSize = kNewCplInfoSize;
-  info.lData = resources::kAppletIcon;
   m_icon = m_module->LoadIcon(resources::kAppletIcon);
-  info.hIcon = m_icon;
-  m_module->LoadString(resources::kAppletNameString, info.szName);
+  std::array<char16_t, kMaxName> name{};
+  const int length = m_module->LoadString(resources::kAppletNameString, name);
+  m_writeRecord(record,
+                {resources::kAppletIcon, m_icon, {name.data(), static_cast<std::size_t>(length)}});
 }
 
 }  // namespace applet

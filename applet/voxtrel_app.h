@@ -19,8 +19,9 @@ namespace applet {
 class VoxtrelApp final : public framework::CWinApp {
  public:
   /// `module` is the applet's own library. It and what `platform` refers to outlive the applet.
-  VoxtrelApp(const platform::Platform& platform, platform::Module& module)
-      : m_platform(platform), m_ownModule(module) {}
+  /// `writeRecord` writes the record of the system's control panels.
+  VoxtrelApp(const platform::Platform& platform, platform::Module& module, RecordWriter writeRecord)
+      : m_platform(platform), m_ownModule(module), m_writeRecord(writeRecord) {}
 
   /// Builds the language table, the pages and the sheet, once, before the first message.
   bool InitInstance() override;
@@ -36,16 +37,17 @@ class VoxtrelApp final : public framework::CWinApp {
  private:
   [[nodiscard]] std::int32_t OnDoubleClick(std::intptr_t lParam1);
   [[nodiscard]] std::int32_t OnStop(std::intptr_t lParam1);
-  void OnNewInquire(NewCplInfo& info);
+  void OnNewInquire(std::intptr_t record);
 
   const platform::Platform m_platform;
   platform::Module& m_ownModule;
+  const RecordWriter m_writeRecord;
 
   platform::Module* m_module = nullptr;  ///< Known from start-up on.
   platform::IconHandle m_icon = platform::kNoIcon;
   language::Texts m_texts;
 
-  // Null before start-up, and where memory ran out during it.
+  // Null before start-up, or if memory ran out during it.
   std::unique_ptr<tags::Page_one> m_learningPage;
   std::unique_ptr<AboutPage> m_aboutPage;
   std::unique_ptr<PrShit> m_sheet;

@@ -9,8 +9,9 @@
 
 namespace platform {
 
-/// A handle of an icon, valid in the whole process. Its meaning belongs to the back end.
-using IconHandle = std::uint32_t;
+/// A handle of an icon, valid in the whole process. Its meaning belongs to the back end, and so
+/// does the number of bits that count in it.
+using IconHandle = std::uintptr_t;
 
 inline constexpr IconHandle kNoIcon = 0;
 

@@ -11,12 +11,13 @@
 
 namespace posix {
 
-/// The resources of a library on Linux. The handle of an icon is the number of a file descriptor:
-/// known to the whole process without help from this library, and good for reading the picture. It
-/// is a file in memory that nobody can change any more. Belongs to one thread.
+/// The resources of a library on Linux. The handle of an icon is the number of an open file
+/// descriptor that holds a picture in SVG, read-only and of fixed length. The whole process knows
+/// it without help from this library. A control panel reads it from offset 0, with pread or through
+/// a mapping, since the file offset is shared, and never closes it. Belongs to one thread.
 class PosixModule final : public platform::Module {
  public:
-  /// The picture of an icon by its number, empty for none.
+  /// Returns the picture of an icon by its number. Returns none if there is no such icon.
   using GetPicture = std::function<std::span<const std::byte>(int id)>;
 
   explicit PosixModule(GetPicture getPicture) : m_getPicture(std::move(getPicture)) {}

@@ -64,6 +64,7 @@ LibraryParts Desktop::GetParts() {
            m_backends.GetRegistry(), m_backends.GetContacts(m_threads), m_backends.GetWaveOut(),
            m_shell},
           m_module,
+          WriteRecord<NewCplInfo>,
           qt::CanShowWindows,
           [] { qt::BringWindowsForward({}); }};
 }

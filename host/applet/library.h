@@ -16,6 +16,7 @@ struct LibraryParts {
   machine::Backends& backends;
   platform::Platform platform;
   platform::Module& module;
+  RecordWriter writeRecord;
   /// Whether there is a screen for windows. Nothing is shown unless this has said so.
   std::function<bool()> hasScreen;
   /// Shows the windows that are open in front of those of other programs.

@@ -19,11 +19,12 @@ using applet::CplMessage;
 constexpr std::int32_t kMostApplets = 64;
 constexpr std::size_t kLongestIcon = std::size_t{1} << 20U;  // bytes
 
-/// The bytes behind an icon's handle. The offset of the file is not touched: others share it.
-std::string ReadIcon(applet::IconHandle handle) {
+/// Returns the picture of an icon, whose handle is the number of a descriptor on this system.
+/// Returns "" if there is none. The offset of the file is not touched, since others share it.
+std::string ReadIcon(std::uint32_t handle) {
   const int descriptor = static_cast<int>(handle);
   struct stat status {};
-  if (handle == applet::kNoIcon || descriptor < 0 || ::fstat(descriptor, &status) != 0 ||
+  if (handle == platform::kNoIcon || descriptor < 0 || ::fstat(descriptor, &status) != 0 ||
       !S_ISREG(status.st_mode) || status.st_size <= 0 ||
       static_cast<std::size_t>(status.st_size) > kLongestIcon) {
     return {};
@@ -79,7 +80,7 @@ AppletAnswer AppletTalk::Ask(int number) const {
   applet::NewCplInfo info;
   static_cast<void>(
       m_library.Send(CplMessage::kNewInquire, number, reinterpret_cast<std::intptr_t>(&info)));
-  if (info.dwSize != applet::kNewCplInfoSize) {
+  if (info.dwSize != sizeof(info)) {
     return {};  // Another record than this, or none.
   }
   return {ReadName(info), ReadIcon(info.hIcon), info.lData};

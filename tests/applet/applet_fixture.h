@@ -40,7 +40,8 @@ class AppletFixture : public testing::Test {
 
   /// The applet as it is after its library was loaded.
   [[nodiscard]] std::unique_ptr<applet::VoxtrelApp> Start() {
-    auto app = std::make_unique<applet::VoxtrelApp>(m_machine.Get(), m_module);
+    auto app = std::make_unique<applet::VoxtrelApp>(m_machine.Get(), m_module,
+                                                    applet::WriteRecord<applet::NewCplInfo>);
     EXPECT_TRUE(app->InitInstance());
     return app;
   }

@@ -46,7 +46,7 @@ TEST_F(ScarceMemory, StartUpGoesOnWithoutWhatThereIsNoMemoryFor) {
   bool isEverWithoutSheet = false;
   bool hasCompleted = false;
   for (int number = 0; !hasCompleted; ++number) {
-    applet::VoxtrelApp app(m_machine.Get(), m_module);
+    applet::VoxtrelApp app(m_machine.Get(), m_module, applet::WriteRecord<applet::NewCplInfo>);
     hasFailed = false;
     allocationsLeft = number;
     EXPECT_TRUE(app.InitInstance());

@@ -51,7 +51,8 @@ class StartUp : public AppletFixture {
   [[nodiscard]] Steps StartAndNote() {
     Steps steps;
     NotingFiles files(m_machine.files, steps);
-    applet::VoxtrelApp app(m_machine.GetWith(files, m_machine.registry), m_module);
+    applet::VoxtrelApp app(m_machine.GetWith(files, m_machine.registry), m_module,
+                           applet::WriteRecord<applet::NewCplInfo>);
     EXPECT_TRUE(app.InitInstance());
     return steps;
   }
@@ -91,7 +92,7 @@ TEST_F(StartUp, AFolderThatCannotBeMadeIsNoReasonToSpeak) {
   ASSERT_EQ(support::ErrorOf(m_machine.files.Delete(m_install)),
             platform::FileError::kAccessDenied);
   support::HeadlessPlatform bare;  // Even the folder above them is missing.
-  applet::VoxtrelApp app(bare.Get(), m_module);
+  applet::VoxtrelApp app(bare.Get(), m_module, applet::WriteRecord<applet::NewCplInfo>);
   EXPECT_TRUE(app.InitInstance());
   EXPECT_TRUE(bare.ui.GetMessages().empty());
   EXPECT_EQ(support::ErrorOf(bare.files.Find(m_install)), platform::FileError::kNotFound);

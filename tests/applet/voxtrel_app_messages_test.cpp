@@ -61,7 +61,7 @@ TEST_F(VoxtrelAppMessages, TheNewInquiryTellsSizeNumberIconAndName) {
   EXPECT_EQ(Inquire(*app, info), 0);
   EXPECT_EQ(info.dwSize, 468U);
   EXPECT_EQ(info.lData, kIcon);
-  EXPECT_NE(info.hIcon, applet::kNoIcon);
+  EXPECT_NE(info.hIcon, platform::kNoIcon);
   EXPECT_EQ(std::u16string(info.szName.data()), u"Zedra Voxtrel");
   EXPECT_EQ(m_module.GetIcons(), std::set<int>{kIcon});
 }
@@ -85,13 +85,25 @@ TEST_F(VoxtrelAppMessages, TheNewInquiryLeavesTheRestAsTheCallerPassedIt) {
   EXPECT_EQ(info.szName[14], u'n');
 }
 
+TEST_F(VoxtrelAppMessages, TheNewInquiryWritesTheRecordInTheWidthsOfItsSystem) {
+  using WideRecord = applet::BasicNewCplInfo<std::int64_t, std::uint64_t>;
+  applet::VoxtrelApp app(m_machine.Get(), m_module, applet::WriteRecord<WideRecord>);
+  ASSERT_TRUE(app.InitInstance());
+  WideRecord info;
+  EXPECT_EQ(Send(app, CplMessage::kNewInquire, 0, reinterpret_cast<std::intptr_t>(&info)), 0);
+  EXPECT_EQ(info.dwSize, sizeof(WideRecord));
+  EXPECT_EQ(info.lData, kIcon);
+  EXPECT_NE(info.hIcon, 0U);
+  EXPECT_EQ(std::u16string(info.szName.data()), u"Zedra Voxtrel");
+}
+
 TEST_F(VoxtrelAppMessages, TheNewInquiryAnswersWithoutAnIcon) {
   m_module.RunOutOfIcons();
   const auto app = Start();
   NewCplInfo info;
   info.hIcon = 5;
   EXPECT_EQ(Inquire(*app, info), 0);
-  EXPECT_EQ(info.hIcon, applet::kNoIcon);
+  EXPECT_EQ(info.hIcon, platform::kNoIcon);
   EXPECT_EQ(std::u16string(info.szName.data()), u"Zedra Voxtrel");
   EXPECT_EQ(Send(*app, CplMessage::kStop), 0);
 }
@@ -137,7 +149,7 @@ class LoggingModule final : public platform::Module {
 
 TEST_F(VoxtrelAppMessages, AnIconIsNeverDestroyedTwice) {
   LoggingModule module;
-  applet::VoxtrelApp app(m_machine.Get(), module);
+  applet::VoxtrelApp app(m_machine.Get(), module, applet::WriteRecord<applet::NewCplInfo>);
   ASSERT_TRUE(app.InitInstance());
   NewCplInfo info;
   EXPECT_EQ(Inquire(app, info), 0);
@@ -175,7 +187,7 @@ TEST_F(VoxtrelAppMessages, AnIconIsLoadedAnewAfterTheSheet) {
 }
 
 TEST_F(VoxtrelAppMessages, BeforeStartUpNothingIsShownOrLoaded) {
-  applet::VoxtrelApp app(m_machine.Get(), m_module);
+  applet::VoxtrelApp app(m_machine.Get(), m_module, applet::WriteRecord<applet::NewCplInfo>);
   bool isShown = false;
   m_machine.ui.SetSheetStory([&](headless::HeadlessSheet&) { isShown = true; });
   NewCplInfo info;

@@ -24,7 +24,7 @@ namespace {
 
 using applet::CplMessage;
 
-std::string ReadIcon(applet::IconHandle icon) {
+std::string ReadIcon(std::uint32_t icon) {
   std::array<char, 5> begin{};
   const ssize_t length = ::pread(static_cast<int>(icon), begin.data(), begin.size(), 0);
   return std::string(begin.data(), static_cast<std::size_t>(length < 0 ? 0 : length));

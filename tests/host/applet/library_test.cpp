@@ -54,6 +54,7 @@ class Library : public testing::Test {
              platform.ui, platform.registry, m_backends.GetContacts(m_machine.simulation),
              platform.waveOut, platform.shell},
             m_module,
+            applet::WriteRecord<applet::NewCplInfo>,
             [this] { return m_hasScreen; },
             [this] { ++m_broughtForward; }};
   }

@@ -55,18 +55,18 @@ int MakeFile(std::string_view bytes) {
 }
 
 void Fill(applet::NewCplInfo& info, std::intptr_t number) {
-  info.dwSize = kFault == "other-record" ? 7 : applet::kNewCplInfoSize;
+  info.dwSize = kFault == "other-record" ? 7U : std::uint32_t{sizeof(applet::NewCplInfo)};
   info.lData = 100 + static_cast<std::int32_t>(number);
   if (kFault == "odd-texts") {
     info.szName.fill(u'\u0007');  // No NUL at all.
     info.szName[0] = u'Q';
     info.szName[31] = u'Z';
-    info.hIcon = static_cast<applet::IconHandle>(MakeFile("This is no picture."));
+    info.hIcon = static_cast<std::uint32_t>(MakeFile("This is no picture."));
     return;
   }
   const std::u16string_view name = number == 0 ? u"Beta" : u"Alpha";
   std::ranges::copy(name, info.szName.begin());
-  info.hIcon = kFault == "no-icon" ? 987'654 : static_cast<applet::IconHandle>(MakeFile(kIcon));
+  info.hIcon = kFault == "no-icon" ? 987'654 : static_cast<std::uint32_t>(MakeFile(kIcon));
 }
 
 /// A window that waits, minimised, until the test makes a file.
