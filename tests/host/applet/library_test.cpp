@@ -26,9 +26,10 @@ class CountingFiles final : public support::ForwardingFileSystem {
  public:
   using ForwardingFileSystem::ForwardingFileSystem;
 
-  [[nodiscard]] platform::StartedSearch FindFirst(std::u16string_view pattern) override {
+  [[nodiscard]] platform::Result<std::unique_ptr<platform::FileSearch>, platform::FileError> Find(
+      std::u16string_view pattern) override {
     m_searches += pattern == storage::kLanguageFile ? 1 : 0;
-    return ForwardingFileSystem::FindFirst(pattern);
+    return ForwardingFileSystem::Find(pattern);
   }
 
   [[nodiscard]] int CountSearches() const { return m_searches; }
