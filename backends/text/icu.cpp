@@ -8,6 +8,7 @@
 #include <limits>
 #include <memory>
 
+#include "backends/text/ascii_order.h"
 #include "backends/text/collation.h"
 #include "backends/text/names.h"
 
@@ -39,6 +40,9 @@ char32_t FoldCharacter(char32_t character) {
 }
 
 std::strong_ordering CompareForDisplay(std::u16string_view a, std::u16string_view b) {
+  if (IsPrintableAscii(a) && IsPrintableAscii(b)) {
+    return CompareAscii(a, b);
+  }
   const UCollator* const collator = GetRootCollator();
   const int order = collator == nullptr
                         ? 0
