@@ -53,7 +53,7 @@ Desktop::Desktop(DesktopOptions options)
                      [this](const platform::CreatedMutex& created) { OnNamedMutex(created); }),
       m_clock(m_thread, m_backends.GetClock()),
       m_threads(m_thread, m_plainThreads),
-      m_ui(m_thread, resources::kVoxtrelCaption, {GetPicture}),
+      m_ui(m_thread, resources::kAppletName, {GetPicture}),
       // The shell's threads wait for programs only, and the windows need not know of that.
       m_shell(m_plainThreads, GetShellOptions()),
       m_library(GetParts()) {}
