@@ -9,8 +9,8 @@ namespace resources {
 
 // The applet's library.
 inline constexpr std::u16string_view kNoTagFolder =
-    u"There is no folder for the voice tags: HOME names none. Set it, or name a folder by "
-    u"VOXTREL_ROOT.";
+    u"There is no folder for the voice tags: HOME names none. Set HOME, or set VOXTREL_ROOT to a "
+    u"folder.";
 inline constexpr std::u16string_view kAppletIsOpen =
     u"Zedra Voxtrel is open already; its window was brought forward.";
 inline constexpr std::u16string_view kTagsInUse =
@@ -35,21 +35,21 @@ inline constexpr std::u16string_view kCannotBeOpened = u"%1 cannot be opened.";
 inline constexpr std::u16string_view kCannotBeOpenedSince = u"%1 cannot be opened: %2";
 inline constexpr std::u16string_view kDoesNotAnswer = u"%1 does not answer.";
 inline constexpr std::u16string_view kWaitOrClose =
-    u"%1 does not answer. You can wait for it, or close it; what it has not stored yet is then "
+    u"%1 does not answer. You can wait, or close it. If you close it, what it has not stored is "
     u"lost.";
 inline constexpr std::u16string_view kAnswersAgain = u"%1 answers again.";
 
 // The control panel about an applet in its list. The problems stand behind "This applet".
-inline constexpr std::u16string_view kIsBeingAsked = u"%1 is being asked for its name";
+inline constexpr std::u16string_view kIsBeingAsked = u"Asking %1 for its name";
 inline constexpr std::u16string_view kAppletProblem = u"This applet %1: %2";
 inline constexpr std::u16string_view kAppletGivesNoName = u"This applet gives no name: %1";
 inline constexpr std::u16string_view kCrashesWhenAsked = u"crashes when it is asked";
 inline constexpr std::u16string_view kEndsWhenAsked = u"ends when it is asked";
 inline constexpr std::u16string_view kCannotBeAsked = u"cannot be asked: %1";
 inline constexpr std::u16string_view kGivesNoAnswer = u"does not answer";
-inline constexpr std::u16string_view kDoesNotWantToStart = u"does not want to start";
-inline constexpr std::u16string_view kSaysThatItHolds = u"says that it holds %1 applets";
-inline constexpr std::u16string_view kHoldsNoApplet = u"holds no applet of the number %1";
+inline constexpr std::u16string_view kDoesNotWantToStart = u"refuses to start";
+inline constexpr std::u16string_view kSaysThatItHolds = u"says that it has %1 applets";
+inline constexpr std::u16string_view kHoldsNoApplet = u"has no applet number %1";
 inline constexpr std::u16string_view kCannotBeLoaded = u"cannot be loaded: %1";
 inline constexpr std::u16string_view kNoFullPath = u"its path is not a full one";
 inline constexpr std::u16string_view kIsNoApplet = u"is no applet: it has no %1";

@@ -154,8 +154,8 @@ inline constexpr std::u16string_view kReinitWithoutPage = u"Error == 0";
 inline constexpr std::u16string_view kTagsNotCompared =
     u"No voice template can be read for these voice tags:";
 inline constexpr std::u16string_view kRepairTemplates =
-    u"Close Zedra Voxtrel and run this command, which computes missing and damaged templates anew "
-    u"from the kept recordings: voxtrel check --repair";
+    u"Close Zedra Voxtrel and run this command. It makes missing and damaged templates again from "
+    u"the recordings: voxtrel check --repair";
 inline constexpr std::u16string_view kTagsWithoutName =
     u"Some voice tags were not read, or were removed because their contact is gone. ";
 /// Stands behind it.
@@ -164,19 +164,19 @@ inline constexpr std::u16string_view kTestCancelled =
     u"The test was cancelled. Nothing is listed, since not all voice tags were compared.";
 /// The tag whose template could not be written stands before it.
 inline constexpr std::u16string_view kReinitStopped =
-    u"This voice tag and those after it were not computed anew. There is no room on the device, "
-    u"another program has the file open, or the folder Voxtrel_stor is missing. Make room or close "
-    u"that program, close this window, and run this command: voxtrel reinit --force. Where the "
-    u"folder is missing, run this one first, which makes it: voxtrel check --repair";
+    u"The templates of this voice tag and of those after it were not made again. There is no room "
+    u"on the device, another program has the file open, or the folder Voxtrel_stor is missing. "
+    u"Make room or close that program, close this window, and run this command: voxtrel reinit "
+    u"--force. If the folder is missing, make it first: voxtrel check --repair";
 /// The two lines of the waiting window once nothing is waited for any more.
 inline constexpr std::u16string_view kReinitGaveUp = u"The work has stopped.";
 inline constexpr std::u16string_view kReinitMayClose = u"Press Escape to close.";
 inline constexpr std::u16string_view kReinitNotStarted =
-    u"The voice tags cannot be computed anew: the device is too busy. Record again those that are "
-    u"not recognized.";
+    u"The templates cannot be made again: the device is too busy. Record again those that are not "
+    u"recognized.";
 /// A deletion that the trash had no part in would destroy what it deletes.
 inline constexpr std::u16string_view kNotKept =
-    u"Nothing was deleted: what was to be deleted cannot be copied to the trash.";
+    u"Nothing was deleted, because the trash cannot take a copy.";
 inline constexpr std::u16string_view kTagDestroyed =
     u"The disk is full: the tag was deleted and could not be kept in the trash. It cannot be "
     u"restored.";

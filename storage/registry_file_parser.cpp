@@ -155,7 +155,7 @@ class Parser {
     }
     m_scanner.SkipBlanks();
     if (!m_scanner.Take(u"=")) {
-      return Fail("\"=\" is missing behind the name of the value");
+      return Fail("\"=\" is missing after the name of the value");
     }
     m_scanner.SkipBlanks();
     if (m_scanner.Take(u"-")) {
@@ -170,7 +170,7 @@ class Parser {
     }
     m_scanner.SkipBlanks();
     if (!m_scanner.IsAtLineEnd() && !m_scanner.IsAt(u';')) {
-      return Fail("something stands behind the value");
+      return Fail("there is something after the value");
     }
     if (isTaken) {
       m_content.changes.push_back(std::move(change));

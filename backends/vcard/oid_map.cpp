@@ -120,7 +120,7 @@ bool OidMap::Assign(std::span<const Book> books, Keeping keeping,
 }
 
 void OidMap::NoteUnkept(RegistryError error) {
-  Remark remark{std::u16string(kContactsKey), 0, "what is new of the contacts cannot be kept: "};
+  Remark remark{std::u16string(kContactsKey), 0, "new contacts cannot be remembered: "};
   remark.text += error == RegistryError::kFull ? "the disk is full" : "nothing can be written";
   if (std::find(m_remarks.begin(), m_remarks.end(), remark) == m_remarks.end()) {
     m_remarks.push_back(std::move(remark));

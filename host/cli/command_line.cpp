@@ -17,7 +17,7 @@ namespace {
 constexpr int kWrongUsage = 2;
 
 constexpr const char* kFooter = R"(Examples:
-  voxtrel open                                the window, in which all of this is done by clicks
+  voxtrel open                                the window where you do all of this by clicks
   voxtrel wave record ann.wav                 say a name within three seconds
   voxtrel wave play ann.wav                   hear it
   voxtrel template learn ann.wav ann.st       find the speech, trim the file to it
@@ -25,11 +25,11 @@ constexpr const char* kFooter = R"(Examples:
   voxtrel template compare ann.st bob.st      how alike two names sound
   voxtrel --microphone in.wav wave record ann.wav
   voxtrel language check Voxtrel.lng          what a translator should mend
-  voxtrel --contacts all.vcf contacts list    whom a voice tag can be for
+  voxtrel --contacts all.vcf contacts list    who can have a voice tag
   voxtrel tags learn --contact "Lee Ann" --number Mobile
   voxtrel tags list                           the voice tags there are
   voxtrel tags test                           which voice tags sound too much alike
-  voxtrel check                               whether the voice tags are as they should be
+  voxtrel check                               is anything wrong with the voice tags?
   voxtrel connection set port=COM1: baud-rate=115200
                                               the dialer's serial port
   voxtrel status                              what is missing on this machine
@@ -40,23 +40,22 @@ Exit codes: 0 done, 1 failed with a message on standard error, 2 wrong usage.)";
 void AddGlobalOptions(CLI::App& app, Options& options) {
   app.set_version_flag("--version", "voxtrel " VOXTREL_VERSION);
   app.add_option("--root", options.machine.root,
-                 "Folder that stands for the device's root (default: voxtrel in the XDG data "
-                 "folder)")
+                 "Folder of the voice tags and settings (default: voxtrel in the XDG data folder)")
       ->type_name("DIR")
       ->envname("VOXTREL_ROOT");
   app.add_option("--microphone", options.machine.microphone,
                  "Record from this wave file (11,025 Hz, mono, 16 bit) and not from the microphone")
       ->type_name("FILE")
       ->envname("VOXTREL_MICROPHONE");
-  app.add_option("--speaker", options.machine.speaker,
-                 "Play into this wave file, in place of what it held, and not to the loudspeaker")
+  app.add_option(
+         "--speaker", options.machine.speaker,
+         "Play into this wave file, which replaces an earlier one, and not to the loudspeaker")
       ->type_name("FILE")
       ->envname("VOXTREL_SPEAKER");
-  app.add_option(
-         "--contacts", options.machine.contacts,
-         "Address book to use, remembered by commands that may change something: eds for the "
-         "desktop's, else a vCard file or a folder of them (default: the one remembered, else the "
-         "desktop's, else contacts.vcf in the root folder)")
+  app.add_option("--contacts", options.machine.contacts,
+                 "Address book to use: eds for the desktop's, or a vCard file, or a folder of them "
+                 "(default: the last one, else the desktop's, else contacts.vcf in the root "
+                 "folder). Commands that may change something remember it")
       ->type_name("eds|PATH")
       ->envname("VOXTREL_CONTACTS");
   app.add_flag("--yes", options.yes, "Answer every confirmation with OK");
@@ -122,7 +121,7 @@ int RunCommandLine(int argc, const char* const* argv) {
   if (FlushOutput()) {
     return exitCode;
   }
-  PrintErrorLine("voxtrel: standard output did not take all that was to be printed");
+  PrintErrorLine("voxtrel: not all of the output could be written to standard output");
   return exitCode == 0 ? kFailed : exitCode;
 }
 

@@ -167,7 +167,7 @@ void OpenSheet(Session& session) {
 
 void AddConnectionCommands(CLI::App& app, Session& session) {
   CLI::App* group = app.add_subcommand(
-      "connection", "The serial port of the dialer: opens its window, or see below");
+      "connection", "The serial port of the dialer. Without a subcommand: open its window");
   group->require_subcommand(0, 1);
   group->callback([&session, group] {
     if (group->get_subcommands().empty()) {

@@ -131,7 +131,7 @@ std::string ExplainContactsProblem(Session& session) {
 }
 
 void AddContactsCommands(CLI::App& app, Session& session) {
-  CLI::App* contacts = app.add_subcommand("contacts", "The contacts that voice tags are for");
+  CLI::App* contacts = app.add_subcommand("contacts", "Look at the contacts");
   contacts->require_subcommand(1);
   contacts->add_subcommand("list", "List the contacts that have a number, and their numbers")
       ->callback([&session] { ListContacts(session); });

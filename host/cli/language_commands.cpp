@@ -161,7 +161,7 @@ void AddLanguageCommands(CLI::App& app, Session& session) {
   group->require_subcommand(1);
   const auto file = std::make_shared<std::string>();
 
-  CLI::App* check = group->add_subcommand("check", "Tell what a translator should mend");
+  CLI::App* check = group->add_subcommand("check", "Say what a translator should mend");
   check->add_option("file", *file, "The language file")->required();
   check->callback([&session, file] { CheckLanguage(session, *file); });
 

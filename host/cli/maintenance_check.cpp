@@ -141,7 +141,7 @@ void PrintFindings(Session& session, const std::vector<CheckedFinding>& findings
                           checked.reason.empty() ? "" : " not repaired: ", checked.reason));
   }
   if (findings.empty()) {
-    PrintLine(tagCount > 0 ? "All voice tags are as they should be."
+    PrintLine(tagCount > 0 ? "Nothing is wrong with the voice tags."
                            : fmt::format("There are no voice tags in {}.",
                                          session.GetRegistryPath().parent_path().native()));
   }
@@ -254,9 +254,8 @@ void CheckTags(Session& session, bool isRepair) {
   PrintFindings(session, checked.findings, checked.tagCount);
   const auto left = std::ranges::count(checked.findings, false, &CheckedFinding::isRepaired);
   if (left > 0) {
-    session.Fail(fmt::format(
-        "{} {}", left,
-        left == 1 ? "thing is not as it should be" : "things are not as they should be"));
+    session.Fail(
+        fmt::format("there {}", left == 1 ? "is 1 problem" : fmt::format("are {} problems", left)));
   }
 }
 

@@ -176,22 +176,20 @@ void Reinit(Session& session, bool isForced) {
 
 void AddMaintenanceCommands(CLI::App& app, Session& session) {
   const auto isForced = std::make_shared<bool>(false);
-  CLI::App* reinit = app.add_subcommand(
-      "reinit",
-      "Compute every voice template again if another version made them (exit code 1 if any could "
-      "not be computed, as for a tag without a recording)");
-  reinit->add_flag("--force", *isForced, "Whatever version made them");
+  CLI::App* reinit =
+      app.add_subcommand("reinit",
+                         "Make every template again if another version made them (exit code 1 if "
+                         "one cannot be made, for example because its recording is missing)");
+  reinit->add_flag("--force", *isForced, "Make them again in any case");
   reinit->callback([&session, isForced] { Reinit(session, *isForced); });
 
   const auto isRepair = std::make_shared<bool>(false);
   CLI::App* check = app.add_subcommand(
       "check",
-      "Say what is not as it should be with the voice tags (exit code 1 if anything is), and "
-      "change nothing");
-  check->add_flag(
-      "--repair", *isRepair,
-      "Compute missing and torn templates again from the kept recordings, and move to the "
-      "trash what belongs to no tag and tags whose contact does not exist any more");
+      "Look for problems with the voice tags (exit code 1 if there are any), and change nothing");
+  check->add_flag("--repair", *isRepair,
+                  "Make missing and torn templates again from the recordings. Move files that "
+                  "belong to no tag, and tags whose contact was deleted, to the trash");
   check->callback([&session, isRepair] { CheckTags(session, *isRepair); });
 }
 

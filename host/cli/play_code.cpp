@@ -12,7 +12,7 @@ std::string InWords(int code, bool isSpeakerFile) {
     case audio::kSoundNotOpened:
       return "the file could not be opened: it is missing, in use or not to be read";
     case audio::kSoundNotMapped:
-      return "the length of the file could not be told, or is 4 GB or more";
+      return "the length of the file is not known, or is 4 GB or more";
     case audio::kSoundTooShort:
       return "the file is shorter than the 44 bytes of a wave header";
     case audio::kSoundNoRiff:

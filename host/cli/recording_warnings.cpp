@@ -25,13 +25,11 @@ std::vector<std::string> DescribeOddities(const voicemath::RecordingReview& revi
   }
   if (review.isSpeechTooLate) {
     sentences.emplace_back(
-        "its speech ends after 163 s, which is too late to be found; something else is taken "
-        "instead");
+        "its speech ends after 163 s, which is too late to find it; another part is used");
   }
   if (review.hasNoFrame) {
     sentences.emplace_back(
-        "what is taken of it is shorter than a frame of 1024 samples, so that its template is "
-        "empty");
+        "the part that is used is shorter than a frame of 1024 samples, so its template is empty");
   }
   return sentences;
 }

@@ -83,7 +83,7 @@ bool Session::RequireRoot() {
   const std::filesystem::path there = NearestThatExists(m_backends.GetRoot());
   std::error_code error;
   if (!std::filesystem::is_directory(there, error) && !error) {
-    Fail(there.native() + " is no folder, so that no voice tags can be there");
+    Fail(there.native() + " is no folder, so it cannot hold voice tags");
     return false;
   }
   if (const auto link = sqlite::FindLink(GetRegistryPath()); !link.empty()) {

@@ -74,7 +74,7 @@ void ShowStatus(Session& session) {
 }  // namespace
 
 void AddStatusCommands(CLI::App& app, Session& session) {
-  app.add_subcommand("status", "What this machine has of what learning a name needs")
+  app.add_subcommand("status", "Say whether this machine has contacts and a microphone")
       ->callback([&session] { ShowStatus(session); });
 }
 

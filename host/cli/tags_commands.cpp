@@ -161,8 +161,8 @@ bool SelectTag(Session& session, PageRun& run, const std::string& name) {
   }
   session.Fail(ListsAllTags(session, run)
                    ? fmt::format("there is no tag {}; `voxtrel tags list` shows them", name)
-                   : fmt::format("no tag {} could be listed, nor all others; `voxtrel check` says "
-                                 "what is wrong with them",
+                   : fmt::format("tag {} could not be listed, and others could not either; "
+                                 "`voxtrel check` says what is wrong with them",
                                  name));
   return false;
 }

@@ -101,8 +101,8 @@ void Test(Session& session) {
 void AddTagsTestCommand(CLI::App& group, Session& session) {
   group
       .add_subcommand("test",
-                      "Compare every tag with every other: likeness in percent, how many tags are "
-                      "taken for it, the tag, the one it is most easily taken for")
+                      "Compare every tag with every other. Each line has: how alike in percent, "
+                      "for how many tags this one is the most alike, the tag, the tag most like it")
       ->callback([&session] { Test(session); });
 }
 

@@ -151,7 +151,7 @@ void AddTemplateCommands(CLI::App& app, Session& session) {
   show->callback([&session, st] { ShowTemplate(session, *st); });
 
   CLI::App* compare =
-      group->add_subcommand("compare", "Tell how alike templates are (0 same, at most 2)");
+      group->add_subcommand("compare", "Say how alike templates are (0: the same, at most 2)");
   compare
       ->add_option("st", *templates,
                    fmt::format("The template files, at most {}", CVoiceMathematics::kStoredSlots))

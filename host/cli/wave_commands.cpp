@@ -107,7 +107,7 @@ void AddWaveCommands(CLI::App& app, Session& session) {
   play->add_option("file", arguments->file, "The wave file")->required();
   play->callback([&session, arguments] { PlayWave(session, arguments->file); });
 
-  CLI::App* check = wave->add_subcommand("check", "Tell whether a wave file can be learned");
+  CLI::App* check = wave->add_subcommand("check", "Say whether a wave file can be learned");
   check->add_option("file", arguments->file, "The wave file")->required();
   check->callback([&session, arguments] { CheckWave(session, arguments->file); });
 }

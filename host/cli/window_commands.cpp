@@ -84,12 +84,13 @@ void RunWindow(Session& session, const std::vector<std::string>& arguments) {
 }  // namespace
 
 void AddWindowCommands(CLI::App& app, Session& session) {
-  app.add_subcommand("open", "Open the window, in which all of this is done by clicks")
+  app.add_subcommand("open", "Open the window where you do all of this by clicks")
       ->callback([&session] {
         RunWindow(session, {"--open", kApplet});
       });
-  app.add_subcommand("panel", "Open the control panel that the window is opened from")
-      ->callback([&session] { RunWindow(session, {}); });
+  app.add_subcommand("panel", "Open the control panel")->callback([&session] {
+    RunWindow(session, {});
+  });
 }
 
 }  // namespace cli

@@ -20,7 +20,7 @@ In the environment of the panel, for the voice dialer's applet:
   VOXTREL_CONTACTS      an address book: eds for the desktop's, else a vCard file or a folder of them
   VOXTREL_MICROPHONE    record from this wave file and not from the microphone
   VOXTREL_SPEAKER       play into this wave file and not to the loudspeaker
-  VOXTREL_ROOT          the folder that stands for the device's disk)";
+  VOXTREL_ROOT          the folder of the voice tags and settings)";
 
 /// Code is loaded from a file that is named, so that the name must not mean another file in another
 /// folder.

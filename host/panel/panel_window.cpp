@@ -125,11 +125,10 @@ void PanelWindow::BuildMenus() {
   });
   contents->setShortcut(QKeySequence::HelpContents);
   help->addAction(tr("&About the control panel"), this, [this] {
-    QMessageBox::about(
-        this, tr("Control Panel"),
-        tr("Control panel %1\n\nShows the applets that are installed and opens each in a process "
-           "of its own, so that one that fails takes no other with it.")
-            .arg(QStringLiteral(VOXTREL_VERSION)));
+    QMessageBox::about(this, tr("Control Panel"),
+                       tr("Control panel %1\n\nShows the applets that are installed. Each opens in "
+                          "a process of its own: if one fails, the others go on.")
+                           .arg(QStringLiteral(VOXTREL_VERSION)));
   });
 }
 

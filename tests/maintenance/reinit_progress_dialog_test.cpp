@@ -255,7 +255,7 @@ TEST_F(ReinitProgressDialogTest, WithoutAThreadOrAnEventItSaysSoAndEnds) {
   m_session.workerEvent.reset();
   EXPECT_EQ(ReinitializeOn(platform), 0);
   EXPECT_EQ(GetMessages().size(), 3U);
-  EXPECT_TRUE(GetMessages()[0].starts_with(u"The voice tags cannot be computed anew"));
+  EXPECT_TRUE(GetMessages()[0].starts_with(u"The templates cannot be made again"));
   EXPECT_EQ(GetTemplate(u"1"), old);
 }
 

@@ -209,11 +209,11 @@ TEST_F(ReinitWorkerTest, ATemplateThatCannotBeMadeStopsTheRunAndTheUserCanClose)
   const auto shown = m_machine.ui.GetMessages();
   ASSERT_EQ(shown.size(), 1U);
   EXPECT_EQ(shown[0].box.text,
-            u"ERROR in CreateFile\n\nTag 2\n\nThis voice tag and those after it were not computed "
-            u"anew. There is no room on the device, another program has the file open, or the "
-            u"folder Voxtrel_stor is missing. Make room or close that program, close this window, "
-            u"and run this command: voxtrel reinit --force. Where the folder is missing, run this "
-            u"one first, which makes it: voxtrel check --repair");
+            u"ERROR in CreateFile\n\nTag 2\n\nThe templates of this voice tag and of those after "
+            u"it were not made again. There is no room on the device, another program has the file "
+            u"open, or the folder Voxtrel_stor is missing. Make room or close that program, close "
+            u"this window, and run this command: voxtrel reinit --force. If the folder is missing, "
+            u"make it first: voxtrel check --repair");
   EXPECT_EQ(shown[0].box.captionKind, MessageCaption::kApplication);
   EXPECT_EQ(GetTemplate(u"1"), Expected(1));
   EXPECT_EQ(GetTemplate(u"3"), third) << "The rest is not processed.";

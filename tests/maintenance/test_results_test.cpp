@@ -145,9 +145,9 @@ TEST_F(TestResults, TheMessageNamesTheTagsAndSaysWhatToDo) {
   AddTag(u"2", u"");
   m_loaded.unread = {0, 1};
   EXPECT_EQ(UnreadTagsMessage(m_tags, m_loaded),
-            u"No voice template can be read for these voice tags:\n\nAnn Lee 555 M\n2\n\n"
-            u"Close Zedra Voxtrel and run this command, which computes missing and damaged "
-            u"templates anew from the kept recordings: voxtrel check --repair");
+            u"No voice template can be read for these voice tags:\n\nAnn Lee 555 M\n2\n\nClose "
+            u"Zedra Voxtrel and run this command. It makes missing and damaged templates again "
+            u"from the recordings: voxtrel check --repair");
 }
 
 TEST_F(TestResults, ManyNamesShareLinesSoThatTheMessageStaysLow) {

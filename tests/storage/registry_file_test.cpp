@@ -306,12 +306,12 @@ TEST_F(RegistryFileRefusal, TellsTheLineOfEachMistake) {
       {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=\"a\\n\"\r\n", 3, "\"\\\" in a text"},
       {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=\"a\\", 3, "\"\\\" in a text"},
       {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=\"a\r\nb\r\n", 3, "not closed"},
-      {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=\"a\" b\r\n", 3, "behind the value"},
+      {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=\"a\" b\r\n", 3, "after the value"},
       {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=\"a\r\nb\nc\"\r\nnonsense\r\n", 6, "neither a key"},
-      {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=-1\r\n", 3, "behind the value"},
+      {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=-1\r\n", 3, "after the value"},
       {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=dword:\r\n", 3, "one to eight"},
       {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=dword:123456789\r\n", 3, "one to eight"},
-      {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=dword:12x\r\n", 3, "behind the value"},
+      {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=dword:12x\r\n", 3, "after the value"},
       {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=hex01\r\n", 3, "\"hex\" must be"},
       {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=hex(x):01\r\n", 3, "\"hex\" must be"},
       {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=hex(2:01\r\n", 3, "\"hex\" must be"},
@@ -321,7 +321,7 @@ TEST_F(RegistryFileRefusal, TellsTheLineOfEachMistake) {
       {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=hex:01,\\\r\n\r\n", 4, "a byte"},
       {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=hex:01,\\", 3, "a byte"},
       {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=hex:01,\\ x\r\n", 3, "last of its line"},
-      {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=hex:01 02\r\n", 3, "behind the value"},
+      {u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=hex:01 02\r\n", 3, "after the value"},
   };
   for (const auto& one : cases) {
     const RegistryFileError error = Refused(one.body);

@@ -483,9 +483,9 @@ TEST_F(AddressBooksInUse, AFullRegistryKeepsNobodyFromHisContacts) {
   for (const Remark& remark : copy.GetRemarks()) {
     said.push_back(remark.text);
   }
-  EXPECT_EQ(said, (std::vector<std::string>{
-                      "the choice of the address book cannot be remembered",
-                      "what is new of the contacts cannot be kept: the disk is full"}));
+  EXPECT_EQ(said,
+            (std::vector<std::string>{"the choice of the address book cannot be remembered",
+                                      "new contacts cannot be remembered: the disk is full"}));
   ASSERT_TRUE(Start());
   EXPECT_EQ(Names(), "Ann.Bob.") << "the other book was not remembered";
 }

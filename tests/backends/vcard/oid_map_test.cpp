@@ -332,8 +332,7 @@ TEST_F(OddOidMap, NewNumbersThatCannotBeKeptAreThoseThatAreKeptLater) {
   ASSERT_TRUE(map.Load());
   ASSERT_TRUE(map.Assign(books, OidMap::Keeping::kStored, oids));
   ASSERT_EQ(map.GetRemarks().size(), 1U);
-  EXPECT_EQ(map.GetRemarks()[0].text,
-            "what is new of the contacts cannot be kept: the disk is full");
+  EXPECT_EQ(map.GetRemarks()[0].text, "new contacts cannot be remembered: the disk is full");
   EXPECT_EQ(Assign(u"book", {"a", "c"}), oids[0]);
 }
 

@@ -151,8 +151,8 @@ TEST_F(Library, SaysThatThereIsNoFolderInsteadOfOpening) {
   EXPECT_EQ(Send(library, CplMessage::kDblClk), 0);
   EXPECT_TRUE(m_module.GetIcons().empty());
   const std::u16string said =
-      u"There is no folder for the voice tags: HOME names none. Set it, or name a folder by "
-      u"VOXTREL_ROOT.";
+      u"There is no folder for the voice tags: HOME names none. Set HOME, or set "
+      u"VOXTREL_ROOT to a folder.";
   ASSERT_EQ(m_machine.ui.GetMessages().size(), 2U);
   EXPECT_EQ(m_machine.ui.GetMessages().front().box.text, said);
 

@@ -26,7 +26,7 @@ TEST_F(CheckCommand, FindsNothingInGoodTags) {
   EXPECT_EQ(Check({}, 0), Lines());
   PutThreeTags();
   EXPECT_EQ(Check({}, 0), Lines());
-  EXPECT_THAT(Run({"check"}).out, HasSubstr("as they should be"));
+  EXPECT_THAT(Run({"check"}).out, HasSubstr("Nothing is wrong"));
 }
 
 TEST_F(CheckCommand, OfAStoreThatDoesNotExistMakesNone) {
@@ -53,7 +53,7 @@ TEST_F(CheckCommand, TellsEachThingInPlainWordsAndChangesNothing) {
   EXPECT_THAT(run.out,
               HasSubstr("100 (Ann Lee 5551234 M): there is no recording [no-recording]\n"));
   EXPECT_THAT(run.out, HasSubstr("\n200: the contact does not exist any more"));
-  EXPECT_THAT(run.err, HasSubstr("6 things are not as they should be"));
+  EXPECT_THAT(run.err, HasSubstr("there are 6 problems"));
 }
 
 TEST_F(CheckCommand, ReportsRecordingsThatAreEmptyOrSilentOrNone) {
@@ -168,7 +168,7 @@ TEST_F(CheckCommand, RepairMakesAFolderThatIsGoneWithItsTemplates) {
   PutThreeTags();
   const auto good = GetFiles();
   fs::remove_all(Folder("Voxtrel_stor"));
-  EXPECT_THAT(Run({"tags", "test"}).err, HasSubstr("run this command, which"));
+  EXPECT_THAT(Run({"tags", "test"}).err, HasSubstr("run this command. It makes"));
   EXPECT_EQ(Check({}, 1), (Lines{"no-template 100", "no-template 200", "no-template 300"}));
   EXPECT_FALSE(fs::exists(Folder("Voxtrel_stor")));
   EXPECT_EQ(Check({"--repair"}, 0),
@@ -202,7 +202,7 @@ TEST_F(CheckCommand, ContactsThatAreAwayMakeNobodyGoneAndAreToldWithTheReason) {
   EXPECT_THAT(run.out, HasSubstr("contacts cannot be read"));
   EXPECT_THAT(run.out, HasSubstr("address book is missing"));
   EXPECT_THAT(run.out, HasSubstr("[contacts-away]\n"));
-  EXPECT_THAT(run.out, Not(HasSubstr("as they should be")));
+  EXPECT_THAT(run.out, Not(HasSubstr("Nothing is wrong")));
 }
 
 TEST_F(CheckCommand, GivesTheListTextOfEachTagAsJson) {

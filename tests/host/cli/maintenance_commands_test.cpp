@@ -208,7 +208,7 @@ TEST_F(MaintenanceCommands, TheAdviceAboutAFolderThatIsGonePutsItRight) {
   const auto run = Run({"reinit", "--force"});
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_THAT(run.err, HasSubstr("or the folder Voxtrel_stor is missing. Make room"));
-  EXPECT_THAT(run.err, HasSubstr("run this one first, which makes it: voxtrel check --repair"));
+  EXPECT_THAT(run.err, HasSubstr("make it first: voxtrel check --repair"));
   EXPECT_EQ(Run({"check", "--repair"}).exitCode, 0);
   EXPECT_EQ(Run({"reinit", "--force"}).exitCode, 0);
   EXPECT_EQ(Check({}, 0), std::vector<std::string>());

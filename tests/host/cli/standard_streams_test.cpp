@@ -22,7 +22,7 @@ TEST_F(StandardStreams, OutputThatIsLostIsAFailure) {
              {"wave", "check", wave}, {"--json", "wave", "check", wave}, {"--help"}}) {
       const auto run = Run(redirection, arguments);
       EXPECT_EQ(run.exitCode, 1) << redirection;
-      EXPECT_THAT(run.err, HasSubstr("standard output did not take")) << redirection;
+      EXPECT_THAT(run.err, HasSubstr("could be written to standard output")) << redirection;
     }
   }
 }

@@ -59,14 +59,14 @@ TEST(AppletTalk, TellsNameIconAndDataOfEveryApplet) {
 TEST(AppletTalk, SaysNothingMoreToALibraryThatDoesNotWantToStart) {
   const AppletTrace trace;
   const auto library = Load("refuses");
-  EXPECT_EQ(AppletTalk(*library).GetProblem(), "does not want to start");
+  EXPECT_EQ(AppletTalk(*library).GetProblem(), "refuses to start");
   EXPECT_EQ(trace.Lines(), QStringList({"1 0 0"}));
 }
 
 TEST(AppletTalk, EndsAfterACountThatMakesNoSense) {
   const AppletTrace trace;
   const auto library = Load("odd-count");
-  EXPECT_EQ(AppletTalk(*library).GetProblem(), "says that it holds -5 applets");
+  EXPECT_EQ(AppletTalk(*library).GetProblem(), "says that it has -5 applets");
   EXPECT_EQ(trace.Lines(), QStringList({"1 0 0", "2 0 0", "7 0 0"}));
 }
 

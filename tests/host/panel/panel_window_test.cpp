@@ -94,7 +94,7 @@ TEST_F(Panel, ShowsFaultyAppletsWithAPlainIconAndTheReason) {
             QStringLiteral("This applet crashes when it is asked: ") + Applet("crash-at-inquire"));
   EXPECT_EQ(reason(2), QStringLiteral("This applet does not answer: ") + Applet("hang-at-inquire"));
   EXPECT_EQ(reason(3),
-            QStringLiteral("This applet says that it holds -5 applets: ") + Applet("odd-count"));
+            QStringLiteral("This applet says that it has -5 applets: ") + Applet("odd-count"));
   EXPECT_EQ(m_list->item(0)->text(), QStringLiteral("crash-at-inquire"));
   EXPECT_EQ(m_list->item(0)->icon().pixmap(48, 48).toImage(),
             panel::PlainIcon().pixmap(48, 48).toImage());
