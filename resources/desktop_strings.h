@@ -4,8 +4,8 @@
 
 namespace resources {
 
-// What the parts that know the desktop tell a user: the same in every language. "%1" and "%2" stand
-// for what is put there. The help page explains each of them.
+// Texts of the parts that know the desktop, the same in every language. "%1" and "%2" are replaced.
+// The help page explains each text.
 
 // The applet's library.
 inline constexpr std::u16string_view kNoTagFolder =
@@ -39,7 +39,7 @@ inline constexpr std::u16string_view kWaitOrClose =
     u"lost.";
 inline constexpr std::u16string_view kAnswersAgain = u"%1 answers again.";
 
-// The control panel about an applet in its list. The problems stand behind "This applet".
+// The control panel about an applet in its list. The problems follow "This applet".
 inline constexpr std::u16string_view kIsBeingAsked = u"Asking %1 for its name";
 inline constexpr std::u16string_view kAppletProblem = u"This applet %1: %2";
 inline constexpr std::u16string_view kAppletGivesNoName = u"This applet gives no name: %1";

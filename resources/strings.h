@@ -141,14 +141,15 @@ inline constexpr std::u16string_view kAppletName = u"Zedra Voxtrel";
 /// Caption of the boxes about the numbers of a contact just chosen; the companion's name.
 inline constexpr std::u16string_view kDialerCaption = u"Zedra Dialer";
 inline constexpr std::u16string_view kBackPointerMissing = u"error set_Pageone_point";
-/// The walk over the recordings behind a test of no tags; language files never had a text for it.
+/// The walk over the recordings failed in a test of no tags. Language files never had a text for
+/// it.
 inline constexpr std::u16string_view kTestSearchFailed = u"Error in FindNextFile";
 /// No recording can be found although there are voice tags.
 inline constexpr std::u16string_view kNoRecordings = u"Error";
-/// The waiting dialog was given no page.
+/// The waiting dialog got no page.
 inline constexpr std::u16string_view kReinitWithoutPage = u"Error == 0";
 
-// Faults that language files in use know nothing of; a key of their own would show as nothing.
+// Faults that language files in use do not know. A key of their own would show as nothing.
 
 /// The names of the tags follow, then what to do.
 inline constexpr std::u16string_view kTagsNotCompared =
@@ -158,23 +159,23 @@ inline constexpr std::u16string_view kRepairTemplates =
     u"the recordings: voxtrel check --repair";
 inline constexpr std::u16string_view kTagsWithoutName =
     u"Some voice tags were not read, or were removed because their contact is gone. ";
-/// Stands behind it.
+/// Follows it.
 inline constexpr std::u16string_view kOpenAgain = u"Close Zedra Voxtrel and open it again.";
 inline constexpr std::u16string_view kTestCancelled =
     u"The test was cancelled. Nothing is listed, since not all voice tags were compared.";
-/// The tag whose template could not be written stands before it.
+/// The tag whose template could not be written comes before it.
 inline constexpr std::u16string_view kReinitStopped =
     u"The templates of this voice tag and of those after it were not made again. There is no room "
     u"on the device, another program has the file open, or the folder Voxtrel_stor is missing. "
     u"Make room or close that program, close this window, and run this command: voxtrel reinit "
     u"--force. If the folder is missing, make it first: voxtrel check --repair";
-/// The two lines of the waiting window once nothing is waited for any more.
+/// The two lines of the waiting window after the work has stopped.
 inline constexpr std::u16string_view kReinitGaveUp = u"The work has stopped.";
 inline constexpr std::u16string_view kReinitMayClose = u"Press Escape to close.";
 inline constexpr std::u16string_view kReinitNotStarted =
     u"The templates cannot be made again: the device is too busy. Record again those that are not "
     u"recognized.";
-/// A deletion that the trash had no part in would destroy what it deletes.
+/// Without a copy in the trash, a deletion would destroy what it deletes.
 inline constexpr std::u16string_view kNotKept =
     u"Nothing was deleted, because the trash cannot take a copy.";
 inline constexpr std::u16string_view kTagDestroyed =
