@@ -38,8 +38,8 @@ FullDevice::FullDevice()
     std::int32_t oid = 0;
     const bool hasOid =
         contacts->GetItem(static_cast<std::int32_t>(i) * 10 + 1).contact->GetOid(oid);
-    const bool isWritten = m_store.WriteEntry(storage::TagNameOfTickCount(100'000 + i), oid,
-                                              u"Mobile") == platform::RegistryError::kNone;
+    const bool isWritten =
+        m_store.WriteEntry(storage::TagNameOfTickCount(100'000 + i), oid, u"Mobile").has_value();
     if (!hasOid || !isWritten) {
       std::abort();
     }
@@ -64,11 +64,11 @@ std::size_t FullDevice::ReadTags(platform::ContactsStore& contacts) const {
   std::u16string name;
   const auto names = m_store.OpenNames();
   for (std::uint32_t i = 0; names->Get(i, name); ++i) {
-    storage::TagEntry entry;
+    const auto entry = m_store.ReadEntry(name);
     std::unique_ptr<platform::Contact> contact;
-    if (m_store.ReadEntry(name, entry) == platform::RegistryError::kNone && entry.oid &&
-        contacts.GetItemFromOid(*entry.oid, contact) == platform::ContactLookup::kFound &&
-        !tags::ReadForTagList(*contact, entry.phoneType).text.empty()) {
+    if (entry && entry->oid &&
+        contacts.GetItemFromOid(*entry->oid, contact) == platform::ContactLookup::kFound &&
+        !tags::ReadForTagList(*contact, entry->phoneType).text.empty()) {
       ++found;
     }
   }

@@ -17,7 +17,6 @@
 
 namespace {
 
-using platform::RegistryError;
 using platform::RegistryType;
 
 /// A store in a folder of its own.
@@ -39,17 +38,17 @@ class Store {
 
 bool WriteOneByOne(platform::Registry& registry, const std::u16string& name) {
   const auto entry = registry.CreateKey(std::u16string(storage::kTagKey) + u'\\' + name);
-  return entry.key &&
-         entry.key->Set(storage::kContactValue, RegistryType::kString,
-                        storage::ToTagValue(u"-17")) == RegistryError::kNone &&
-         entry.key->Set(storage::kPhoneTypeValue, RegistryType::kString,
-                        storage::ToTagValue(u"Mobile")) == RegistryError::kNone;
+  return entry &&
+         (*entry)->Set(storage::kContactValue, RegistryType::kString,
+                       storage::ToTagValue(u"-17")) &&
+         (*entry)->Set(storage::kPhoneTypeValue, RegistryType::kString,
+                       storage::ToTagValue(u"Mobile"));
 }
 
 void MakeTagAsOneGroup(benchmark::State& state) {
   Store store;
   for (auto _ : state) {
-    if (store.Tags().WriteEntry(store.NextName(), -17, u"Mobile") != RegistryError::kNone) {
+    if (!store.Tags().WriteEntry(store.NextName(), -17, u"Mobile")) {
       state.SkipWithError("the tag was not written");
       break;
     }
@@ -72,7 +71,7 @@ void ReadOneHundredTags(benchmark::State& state) {
   constexpr int kTags = 100;
   Store store;
   for (int i = 0; i < kTags; ++i) {
-    if (store.Tags().WriteEntry(store.NextName(), i, u"Mobile") != RegistryError::kNone) {
+    if (!store.Tags().WriteEntry(store.NextName(), i, u"Mobile")) {
       state.SkipWithError("a tag was not written");
       return;
     }
@@ -80,9 +79,8 @@ void ReadOneHundredTags(benchmark::State& state) {
   for (auto _ : state) {
     const auto names = store.Tags().OpenNames();
     std::u16string name;
-    storage::TagEntry entry;
     for (std::uint32_t i = 0; names && names->Get(i, name); ++i) {
-      benchmark::DoNotOptimize(store.Tags().ReadEntry(name, entry));
+      benchmark::DoNotOptimize(store.Tags().ReadEntry(name));
     }
   }
 }

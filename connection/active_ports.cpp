@@ -14,14 +14,8 @@ namespace {
 using platform::RegistryError;
 
 std::u16string ReadText(platform::RegistryKey& key, std::u16string_view name) {
-  platform::RegistryValue value;
-  return key.Query(name, value) == RegistryError::kNone ? storage::TextOfValue(value)
-                                                        : std::u16string();
-}
-
-/// A name that is too long to be read is no reason to leave out those after it.
-bool GoesOn(RegistryError error) {
-  return error == RegistryError::kNone || error == RegistryError::kInvalid;
+  const auto value = key.Query(name);
+  return value ? storage::TextOfValue(*value) : std::u16string();
 }
 
 }  // namespace
@@ -39,22 +33,24 @@ bool IsPortName(std::u16string_view name) {
 std::vector<ActivePort> ReadActivePorts(platform::Registry& registry) {
   std::vector<ActivePort> ports;
   const platform::OpenedKey active = registry.OpenKey(storage::kDriversKey);
-  std::u16string subkey;
-  RegistryError error = active.error;
-  for (std::uint32_t i = 0; active.key && GoesOn(error); ++i) {
-    error = active.key->EnumerateSubkey(i, subkey);
+  for (std::uint32_t i = 0; active; ++i) {
+    const auto subkey = (*active)->EnumerateSubkey(i);
+    // A name that is too long to be read is no reason to leave out those after it.
+    if (subkey ? !subkey->has_value() : subkey.error() != RegistryError::kInvalid) {
+      break;
+    }
     // Another program's name is passed over if it leads nowhere, or to another key.
-    if (error != RegistryError::kNone || !platform::IsKeyName(subkey)) {
+    if (!subkey || !platform::IsKeyName(**subkey)) {
       continue;
     }
     const auto driver =
-        registry.OpenKey(std::u16string(storage::kDriversKey).append(u"\\").append(subkey));
-    if (!driver.key) {
+        registry.OpenKey(std::u16string(storage::kDriversKey).append(u"\\").append(**subkey));
+    if (!driver) {
       continue;
     }
-    std::u16string name = ReadText(*driver.key, platform::kDriverNameValue);
+    std::u16string name = ReadText(**driver, platform::kDriverNameValue);
     if (IsPortName(name)) {
-      ports.push_back({std::move(name), ReadText(*driver.key, platform::kDriverDeviceValue)});
+      ports.push_back({std::move(name), ReadText(**driver, platform::kDriverDeviceValue)});
     }
   }
   return ports;

@@ -18,8 +18,6 @@
 namespace connection {
 namespace {
 
-using platform::RegistryError;
-
 /// A setting that is chosen from a list. The counts are those of the fields that the dialer reads
 /// into; the first is in UTF-16 units.
 struct ListSetting {
@@ -113,10 +111,10 @@ void ConnectionPage::OnOK() {
 
 void ConnectionPage::OpenKey() {
   platform::OpenedKey opened = m_registry.OpenKey(storage::kDialerKey);
-  if (!opened.key) {
+  if (!opened) {
     opened = m_registry.CreateKey(storage::kDialerKey);
   }
-  m_key = std::move(opened.key);
+  m_key = opened ? std::move(*opened) : nullptr;
 }
 
 void ConnectionPage::FillLists() {
@@ -143,9 +141,11 @@ void ConnectionPage::ShowStored() {
 }
 
 std::u16string ConnectionPage::ReadStored(std::u16string_view valueName) const {
-  platform::RegistryValue value;
-  const bool isRead = m_key && m_key->Query(valueName, value) == RegistryError::kNone;
-  return isRead ? storage::TextOfValue(value) : std::u16string();
+  if (!m_key) {
+    return {};
+  }
+  const auto value = m_key->Query(valueName);
+  return value ? storage::TextOfValue(*value) : std::u16string();
 }
 
 /// What no list holds stands in the field all the same, and is stored again as it is: a port that
@@ -179,11 +179,11 @@ void ConnectionPage::Write(std::u16string_view valueName, std::u16string_view te
     return;
   }
   // Each setting stands for itself, and the dialer has a default for each.
-  const RegistryError error =
+  const auto written =
       m_key->Set(valueName, platform::RegistryType::kString, ToSettingValue(text, byteCount));
   // Somebody has kept the store for as long as a write waits. Waiting as long again for each of the
   // others would leave the window dead under the user's OK.
-  if (error == RegistryError::kBusy) {
+  if (!written && written.error() == platform::RegistryError::kBusy) {
     m_key.reset();
   }
 }

@@ -24,14 +24,13 @@ constexpr std::size_t kBytesWhereMissing = 8;
 constexpr std::size_t kBytesWhereOther = 32;
 
 RecordedVersion ReadFrom(platform::RegistryKey& key) {
-  platform::RegistryValue value;
-  const RegistryError error = key.Query(storage::kMathVersionValue, value);
-  if (error != RegistryError::kNone) {
-    return error == RegistryError::kNotFound ? RecordedVersion::kMissing
-                                             : RecordedVersion::kUnknown;
+  const auto value = key.Query(storage::kMathVersionValue);
+  if (!value) {
+    return value.error() == RegistryError::kNotFound ? RecordedVersion::kMissing
+                                                     : RecordedVersion::kUnknown;
   }
-  const bool isCurrent = value.bytes.size() <= kMostBytes &&
-                         storage::ParseOid(storage::TextOfValue(value)) == kVersion;
+  const bool isCurrent = value->bytes.size() <= kMostBytes &&
+                         storage::ParseOid(storage::TextOfValue(*value)) == kVersion;
   return isCurrent ? RecordedVersion::kCurrent : RecordedVersion::kOther;
 }
 
@@ -39,15 +38,15 @@ RecordedVersion ReadFrom(platform::RegistryKey& key) {
 
 RecordedVersion ReadVersion(platform::Registry& registry) {
   const platform::OpenedKey opened = registry.OpenKey(storage::kSetupKey);
-  return opened.key ? ReadFrom(*opened.key) : RecordedVersion::kUnknown;
+  return opened ? ReadFrom(**opened) : RecordedVersion::kUnknown;
 }
 
 bool UpdateVersion(platform::Registry& registry) {
   const platform::OpenedKey opened = registry.OpenKey(storage::kSetupKey);
-  if (!opened.key) {
+  if (!opened) {
     return false;
   }
-  const RecordedVersion recorded = ReadFrom(*opened.key);
+  const RecordedVersion recorded = ReadFrom(**opened);
   if (recorded != RecordedVersion::kMissing && recorded != RecordedVersion::kOther) {
     return false;
   }
@@ -55,7 +54,7 @@ bool UpdateVersion(platform::Registry& registry) {
   bytes.resize(recorded == RecordedVersion::kMissing ? kBytesWhereMissing : kBytesWhereOther);
   // Where that fails the work is done all the same, and once more the next time.
   static_cast<void>(
-      opened.key->Set(storage::kMathVersionValue, platform::RegistryType::kString, bytes));
+      (*opened)->Set(storage::kMathVersionValue, platform::RegistryType::kString, bytes));
   return true;
 }
 

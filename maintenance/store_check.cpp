@@ -76,15 +76,11 @@ class Checker {
 
   void ReadTags() {
     const platform::OpenedKey tags = m_platform.registry.OpenKey(storage::kTagKey);
-    RegistryError error = tags.error;
-    std::u16string name;
-    for (std::uint32_t i = 0; error == RegistryError::kNone; ++i) {
-      error = tags.key->EnumerateSubkey(i, name);
-      if (error == RegistryError::kNone) {
-        m_tags.push_back(name);
-      }
+    auto name = tags ? (*tags)->EnumerateSubkey(0) : platform::Failure(tags.error());
+    for (std::uint32_t i = 1; name && *name; name = (*tags)->EnumerateSubkey(i++)) {
+      m_tags.push_back(std::move(**name));
     }
-    if (error != RegistryError::kNoMoreItems && error != RegistryError::kNotFound) {
+    if (!name && name.error() != RegistryError::kNotFound) {
       Report(StoreProblem::kRegistryUnreadable);
       m_hasAllTags = false;
     }
@@ -104,21 +100,21 @@ class Checker {
     if (!IsTagName(tag)) {
       Report(StoreProblem::kTagName, tag);
     }
-    storage::TagEntry entry;
-    if (m_store.ReadEntry(tag, entry) != RegistryError::kNone) {
+    const auto entry = m_store.ReadEntry(tag);
+    if (!entry) {
       Report(StoreProblem::kRegistryUnreadable, tag);
       return;
     }
-    if (!entry.oid) {
+    if (!entry->oid) {
       Report(StoreProblem::kContact, tag);
     } else if (m_contacts == ContactsState::kOpen) {
       std::unique_ptr<platform::Contact> contact;
-      if (m_platform.contacts.GetItemFromOid(*entry.oid, contact) ==
+      if (m_platform.contacts.GetItemFromOid(*entry->oid, contact) ==
           platform::ContactLookup::kAbsent) {
         Report(StoreProblem::kContactGone, tag);
       }
     }
-    if (!storage::FindPhoneType(entry.phoneType)) {
+    if (!storage::FindPhoneType(entry->phoneType)) {
       Report(StoreProblem::kPhoneType, tag);
     }
   }

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
+#include <optional>
 #include <thread>
 
 #include "platform/registry.h"
@@ -11,8 +12,7 @@ namespace platform {
 
 /// Whether a failure leaves a registry unable to keep the promise of the group it happened in.
 [[nodiscard]] constexpr bool DoomsGroup(RegistryError error) {
-  return error != RegistryError::kNone && error != RegistryError::kNotFound &&
-         error != RegistryError::kNoMoreItems && error != RegistryError::kInvalid;
+  return error != RegistryError::kNotFound && error != RegistryError::kInvalid;
 }
 
 /// The part of a registry's contract that concerns threads and groups, for its back ends: lets
@@ -38,20 +38,20 @@ class RegistryGate {
   /// Whether the calling thread has a group open.
   [[nodiscard]] bool GroupIsOpen() const { return m_groupIsOpen; }
 
-  /// What doomed the open group, or kNone.
-  [[nodiscard]] RegistryError Doom() const { return m_doom; }
+  /// Returns what doomed the open group. Returns nothing if it is not doomed.
+  [[nodiscard]] std::optional<RegistryError> Doom() const { return m_doom; }
 
   void SetDoom(RegistryError error) { m_doom = error; }
 
   void OpenGroup() {
     m_owner = std::this_thread::get_id();
-    m_doom = RegistryError::kNone;
+    m_doom.reset();
     m_groupIsOpen = true;
   }
 
   void CloseGroup() {
     m_groupIsOpen = false;
-    m_doom = RegistryError::kNone;
+    m_doom.reset();
     m_groupEnded.notify_all();
   }
 
@@ -61,7 +61,7 @@ class RegistryGate {
   std::condition_variable m_groupEnded;
   bool m_groupIsOpen = false;
   std::thread::id m_owner;
-  RegistryError m_doom = RegistryError::kNone;
+  std::optional<RegistryError> m_doom;
 };
 
 }  // namespace platform

@@ -14,8 +14,8 @@
 namespace platform {
 
 /// Writes a text with its terminating zero.
-[[nodiscard]] inline RegistryError SetText(RegistryKey& key, std::u16string_view name,
-                                           std::u16string_view text) {
+[[nodiscard]] inline Result<void, RegistryError> SetText(RegistryKey& key, std::u16string_view name,
+                                                         std::u16string_view text) {
   std::vector<std::byte> bytes((text.size() + 1) * 2);
   for (std::size_t i = 0; i < text.size(); ++i) {
     StoreLittleEndian16(std::span(bytes).subspan(i * 2).first<2>(), text[i]);

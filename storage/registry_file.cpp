@@ -1,8 +1,13 @@
 #include "storage/registry_file.h"
 
+#include <memory>
+#include <utility>
+
 namespace storage {
 
+using platform::Failure;
 using platform::RegistryError;
+using platform::Result;
 
 namespace {
 
@@ -11,40 +16,45 @@ class CurrentKey {
  public:
   explicit CurrentKey(platform::Registry& registry) : m_registry(registry) {}
 
-  /// Opens the key of `path`, made where it is missing.
-  RegistryError MoveTo(const std::u16string& path) {
-    if (m_key.key && m_path == path) {
-      return RegistryError::kNone;
+  /// Opens the key of `path`, and makes it if it is missing.
+  Result<void, RegistryError> MoveTo(const std::u16string& path) {
+    if (m_key && m_path == path) {
+      return {};
     }
-    m_key = m_registry.CreateKey(path);
+    platform::OpenedKey opened = m_registry.CreateKey(path);
+    if (!opened) {
+      return Failure(opened.error());
+    }
+    m_key = std::move(*opened);
     m_path = path;
-    return m_key.error;
+    return {};
   }
 
-  void Close() { m_key = {}; }
+  void Close() { m_key.reset(); }
 
-  [[nodiscard]] platform::RegistryKey& Get() const { return *m_key.key; }
+  [[nodiscard]] platform::RegistryKey& Get() const { return *m_key; }
 
  private:
   platform::Registry& m_registry;
-  platform::OpenedKey m_key;
+  std::unique_ptr<platform::RegistryKey> m_key;
   std::u16string m_path;
 };
 
 /// What was to be deleted and is not there is as it should be.
-RegistryError AcceptMissing(RegistryError error) {
-  return error == RegistryError::kNotFound ? RegistryError::kNone : error;
+Result<void, RegistryError> AcceptMissing(Result<void, RegistryError> deleted) {
+  return !deleted && deleted.error() == RegistryError::kNotFound ? Result<void, RegistryError>()
+                                                                 : deleted;
 }
 
-RegistryError Apply(platform::Registry& registry, CurrentKey& current,
-                    const RegistryChange& change) {
+Result<void, RegistryError> Apply(platform::Registry& registry, CurrentKey& current,
+                                  const RegistryChange& change) {
   if (change.kind == RegistryChange::Kind::kDeleteKey) {
     current.Close();
     return AcceptMissing(registry.DeleteKey(change.key));
   }
-  const RegistryError error = current.MoveTo(change.key);
-  if (error != RegistryError::kNone || change.kind == RegistryChange::Kind::kCreateKey) {
-    return error;
+  const auto moved = current.MoveTo(change.key);
+  if (!moved || change.kind == RegistryChange::Kind::kCreateKey) {
+    return moved;
   }
   if (change.kind == RegistryChange::Kind::kDeleteValue) {
     return AcceptMissing(current.Get().DeleteValue(change.valueName));
@@ -52,34 +62,33 @@ RegistryError Apply(platform::Registry& registry, CurrentKey& current,
   return current.Get().Set(change.valueName, change.value.type, change.value.bytes);
 }
 
+RegistryFileError StoreError(RegistryError error, std::size_t line) {
+  return {line, ExplainRegistryError(error), error};
+}
+
 }  // namespace
 
 std::optional<RegistryFileError> ApplyRegistryChanges(platform::Registry& registry,
                                                       std::span<const RegistryChange> changes) {
-  platform::RegistryGroup group(registry);
-  if (group.BeginError() != RegistryError::kNone) {
-    return RegistryFileError{0, ExplainRegistryError(group.BeginError()), group.BeginError()};
+  auto group = platform::RegistryGroup::Begin(registry);
+  if (!group) {
+    return StoreError(group.error(), 0);
   }
   CurrentKey current(registry);
   for (const RegistryChange& change : changes) {
-    const RegistryError error = Apply(registry, current, change);
-    if (error != RegistryError::kNone) {
-      return RegistryFileError{change.line, ExplainRegistryError(error), error};
+    if (const auto applied = Apply(registry, current, change); !applied) {
+      return StoreError(applied.error(), change.line);
     }
   }
-  const RegistryError error = group.Commit();
-  if (error != RegistryError::kNone) {
-    return RegistryFileError{0, ExplainRegistryError(error), error};
+  if (const auto committed = group->Commit(); !committed) {
+    return StoreError(committed.error(), 0);
   }
   return std::nullopt;
 }
 
 std::string ExplainRegistryError(RegistryError error) {
   switch (error) {
-    case RegistryError::kNone:
-      return "the settings store did it";
     case RegistryError::kNotFound:
-    case RegistryError::kNoMoreItems:
       return "the settings store holds no such key or value";
     case RegistryError::kInvalid:
       return "the settings store takes no such name or length";

@@ -33,8 +33,7 @@ struct RegistryFileContent {
 struct RegistryFileError {
   std::size_t line = 0;  ///< 1-based; 0 if no line is to blame.
   std::string message;   ///< In English, without the line and without a full stop.
-  /// What the store answered; kNone if the file itself is wrong.
-  platform::RegistryError store = platform::RegistryError::kNone;
+  std::optional<platform::RegistryError> store = {};  ///< Nothing if the file itself is wrong.
 };
 
 /// Longest registry file that is read, in bytes.
@@ -53,13 +52,12 @@ inline constexpr std::uint64_t kMaxRegistryFileLength = std::uint64_t{1} << 28;
 [[nodiscard]] std::optional<RegistryFileError> ApplyRegistryChanges(
     platform::Registry& registry, std::span<const RegistryChange> changes);
 
-/// Stores the key of `path`, with all below it, as such a file in `file`; without a path the whole
+/// Returns such a file with the key of `path` and all below it. Without a path it holds the whole
 /// registry. The same keys and values give the same bytes. What is read from them again are the
-/// same keys and values, byte for byte. Gives kInvalid, and no file, if another program made a name
-/// or a length that could not be read again.
-[[nodiscard]] platform::RegistryError WriteRegistryFile(platform::Registry& registry,
-                                                        std::vector<std::byte>& file,
-                                                        std::u16string_view path = {});
+/// same keys and values, byte for byte. Fails with kInvalid if another program made a name or a
+/// length that could not be read again.
+[[nodiscard]] platform::Result<std::vector<std::byte>, platform::RegistryError> WriteRegistryFile(
+    platform::Registry& registry, std::u16string_view path = {});
 
 /// The code in words for the user, without a full stop.
 [[nodiscard]] std::string ExplainRegistryError(platform::RegistryError error);

@@ -8,9 +8,11 @@
 
 namespace storage {
 
+using platform::Failure;
 using platform::RegistryError;
 using platform::RegistryType;
 using platform::RegistryValue;
+using platform::Result;
 
 namespace {
 
@@ -111,49 +113,62 @@ class Writer {
     m_text += kLineEnd;
   }
 
-  RegistryError WriteTree(std::u16string_view path) { return WriteKey(std::u16string(path)); }
+  Result<void, RegistryError> WriteTree(std::u16string_view path) {
+    return WriteKey(std::u16string(path));
+  }
 
   [[nodiscard]] std::vector<std::byte> GetBytes() const { return ToUtf16Bytes(m_text); }
 
  private:
   // Keys nest no deeper than the registry lets them.
-  RegistryError WriteKey(const std::u16string& path) {
+  Result<void, RegistryError> WriteKey(const std::u16string& path) {
     const platform::OpenedKey opened = m_registry.OpenKey(path);
-    if (!opened.key) {
-      return opened.error;
+    if (!opened) {
+      return Failure(opened.error());
     }
-    RegistryError error = WriteValues(path, *opened.key);
-    std::u16string name;
-    for (std::uint32_t i = 0; error == RegistryError::kNone; ++i) {
-      error = opened.key->EnumerateSubkey(i, name);
-      if (error == RegistryError::kNone) {
-        // Another program's name can lead anywhere: an empty one back to this key.
-        error = platform::IsKeyName(name) ? WriteKey(Join(path, name)) : RegistryError::kInvalid;
+    if (const auto written = WriteValues(path, **opened); !written) {
+      return written;
+    }
+    for (std::uint32_t i = 0;; ++i) {
+      const auto name = (*opened)->EnumerateSubkey(i);
+      if (!name) {
+        return Failure(name.error());
+      }
+      if (!*name) {
+        return {};
+      }
+      // Another program's name can lead anywhere: an empty one back to this key.
+      if (!platform::IsKeyName(**name)) {
+        return Failure(RegistryError::kInvalid);
+      }
+      if (const auto written = WriteKey(Join(path, **name)); !written) {
+        return written;
       }
     }
-    return error == RegistryError::kNoMoreItems ? RegistryError::kNone : error;
   }
 
-  RegistryError WriteValues(const std::u16string& path, platform::RegistryKey& key) {
-    std::u16string name;
-    RegistryError error = key.EnumerateValue(0, name);
-    // The root is there in every store, so it is worth a line only for its values.
-    if (error == RegistryError::kNone || !path.empty()) {
-      WriteHeading(path);
-    }
-    for (std::uint32_t i = 1; error == RegistryError::kNone; ++i) {
-      RegistryValue value;
-      error = key.Query(name, value);
-      if (error != RegistryError::kNone) {
-        return error;
+  Result<void, RegistryError> WriteValues(const std::u16string& path, platform::RegistryKey& key) {
+    for (std::uint32_t i = 0;; ++i) {
+      const auto name = key.EnumerateValue(i);
+      if (!name) {
+        return Failure(name.error());
       }
-      if (!platform::IsValueName(name) || value.bytes.size() > platform::kMaxValueBytes) {
-        return RegistryError::kInvalid;
+      // The root is there in every store, so it is worth a line only for its values.
+      if (i == 0 && (*name || !path.empty())) {
+        WriteHeading(path);
       }
-      WriteValue(name, value);
-      error = key.EnumerateValue(i, name);
+      if (!*name) {
+        return {};
+      }
+      const auto value = key.Query(**name);
+      if (!value) {
+        return Failure(value.error());
+      }
+      if (!platform::IsValueName(**name) || value->bytes.size() > platform::kMaxValueBytes) {
+        return Failure(RegistryError::kInvalid);
+      }
+      WriteValue(**name, *value);
     }
-    return error == RegistryError::kNoMoreItems ? RegistryError::kNone : error;
   }
 
   void WriteHeading(const std::u16string& path) {
@@ -206,22 +221,21 @@ class Writer {
 
 }  // namespace
 
-RegistryError WriteRegistryFile(platform::Registry& registry, std::vector<std::byte>& file,
-                                std::u16string_view path) {
+Result<std::vector<std::byte>, RegistryError> WriteRegistryFile(platform::Registry& registry,
+                                                                std::u16string_view path) {
   // Within a group, so that the file is one state of the registry.
-  platform::RegistryGroup group(registry);
-  if (group.BeginError() != RegistryError::kNone) {
-    return group.BeginError();
+  auto group = platform::RegistryGroup::Begin(registry);
+  if (!group) {
+    return Failure(group.error());
   }
   Writer writer(registry);
-  RegistryError error = writer.WriteTree(path);
-  if (error == RegistryError::kNone) {
-    error = group.Commit();
+  if (const auto written = writer.WriteTree(path); !written) {
+    return Failure(written.error());
   }
-  if (error == RegistryError::kNone) {
-    file = writer.GetBytes();
+  if (const auto committed = group->Commit(); !committed) {
+    return Failure(committed.error());
   }
-  return error;
+  return writer.GetBytes();
 }
 
 }  // namespace storage

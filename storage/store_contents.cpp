@@ -11,7 +11,6 @@
 namespace storage {
 
 using platform::FileError;
-using platform::RegistryError;
 
 namespace {
 
@@ -97,10 +96,10 @@ bool KeepAll(Deletion& deletion, const std::vector<TagParts>& all,
 /// Deletes the entries, and the tag key unless it holds what no copy could be made of.
 bool DeleteEntries(const TagStore& store, const StoreContents& contents) {
   if (contents.unusableKeys == 0) {
-    return store.DeleteAllEntries() == RegistryError::kNone;
+    return store.DeleteAllEntries().has_value();
   }
   return std::ranges::all_of(contents.tags, [&store](const TagParts& parts) {
-    return store.DeleteEntry(parts.name) == RegistryError::kNone;
+    return store.DeleteEntry(parts.name).has_value();
   });
 }
 
@@ -108,8 +107,8 @@ bool DeleteEntries(const TagStore& store, const StoreContents& contents) {
 
 ListResult ListStore(platform::FileSystem& files, platform::Registry& registry,
                      StoreContents& contents, const std::function<void()>& searchFailed) {
-  std::vector<std::u16string> names;
-  if (TagStore(files, registry).ListNames(names, &contents.unusableKeys) != RegistryError::kNone) {
+  const auto list = TagStore(files, registry).ListNames();
+  if (!list) {
     return ListResult::kNoEntries;
   }
   const std::u16string unfinished = std::u16string(platform::kUnfinishedPrefix) + u"*";
@@ -127,7 +126,8 @@ ListResult ListStore(platform::FileSystem& files, platform::Registry& registry,
       {kTemplateFolder, unfinished, &TagParts::templateFile, 0},
   };
   Gathering gathering(files);
-  gathering.AddTags(names);
+  gathering.AddTags(list->names);
+  contents.unusableKeys = list->passedOver;
   ListResult result = ListResult::kDone;
   for (const auto& search : searches) {
     if (!gathering.AddFiles(search.folder, search.pattern, search.part, search.extension)) {

@@ -14,7 +14,6 @@ using platform::Failure;
 using platform::FileError;
 using platform::RegistryError;
 using platform::RegistryType;
-using platform::RegistryValue;
 using platform::Result;
 
 namespace {
@@ -23,23 +22,19 @@ std::u16string EntryPath(std::u16string_view tagName) {
   return std::u16string(kTagKey).append(u"\\").append(tagName);
 }
 
-/// Stores the text of a value in `text`. A value that is missing or no text leaves it empty.
-RegistryError ReadText(platform::RegistryKey& key, std::u16string_view valueName,
-                       std::u16string& text) {
-  RegistryValue value;
-  const RegistryError error = key.Query(valueName, value);
-  text = error == RegistryError::kNone ? TextOfValue(value) : std::u16string();
-  return error == RegistryError::kNotFound ? RegistryError::kNone : error;
+/// Returns the text of a value. It is empty if the value is missing or no text.
+Result<std::u16string, RegistryError> ReadText(platform::RegistryKey& key,
+                                               std::u16string_view valueName) {
+  const auto value = key.Query(valueName);
+  if (!value && value.error() != RegistryError::kNotFound) {
+    return Failure(value.error());
+  }
+  return value ? TextOfValue(*value) : std::u16string();
 }
 
 template <typename Error>
-Error AcceptMissing(Error error) {
-  return error == Error::kNotFound ? Error::kNone : error;
-}
-
-Result<void, FileError> AcceptMissing(const Result<void, FileError>& result) {
-  const bool isMissing = !result && result.error() == FileError::kNotFound;
-  return isMissing ? Result<void, FileError>() : result;
+Result<void, Error> AcceptMissing(Result<void, Error> deleted) {
+  return !deleted && deleted.error() == Error::kNotFound ? Result<void, Error>() : deleted;
 }
 
 using FoundOrNot = Result<std::optional<platform::FoundFile>, FileError>;
@@ -86,89 +81,80 @@ Result<std::unique_ptr<platform::FileSearch>, FileError> FindFilesOnly(
 }  // namespace
 
 bool TagNames::Get(std::uint32_t index, std::u16string& name) const {
-  std::u16string found;
-  if (m_key->EnumerateSubkey(index, found) != RegistryError::kNone) {
+  auto found = m_key->EnumerateSubkey(index);
+  if (!found || !*found || (*found)->size() > kMaxLength) {
     return false;
   }
-  if (found.size() > kMaxLength) {
-    return false;
-  }
-  name = std::move(found);
+  name = std::move(**found);
   return true;
 }
 
-RegistryError TagStore::WriteEntry(std::u16string_view tagName, std::int32_t oid,
-                                   std::u16string_view phoneType) const {
-  platform::RegistryGroup group(m_registry);
-  if (group.BeginError() != RegistryError::kNone) {
-    return group.BeginError();
+Result<void, RegistryError> TagStore::WriteEntry(std::u16string_view tagName, std::int32_t oid,
+                                                 std::u16string_view phoneType) const {
+  auto group = platform::RegistryGroup::Begin(m_registry);
+  if (!group) {
+    return Failure(group.error());
   }
   const std::u16string path = EntryPath(tagName);
   platform::OpenedKey entry = m_registry.OpenKey(path);
-  if (!entry.key) {
+  if (!entry) {
     entry = m_registry.CreateKey(path);
   }
-  if (!entry.key) {
-    return entry.error;
+  if (!entry) {
+    return Failure(entry.error());
   }
-  RegistryError error =
-      entry.key->Set(kContactValue, RegistryType::kString, ToTagValue(language::Decimal(oid)));
-  if (error != RegistryError::kNone) {
-    return error;
-  }
-  error = entry.key->Set(kPhoneTypeValue, RegistryType::kString, ToTagValue(phoneType));
-  if (error != RegistryError::kNone) {
-    return error;
-  }
-  return group.Commit();
+  return (*entry)
+      ->Set(kContactValue, RegistryType::kString, ToTagValue(language::Decimal(oid)))
+      .and_then([&] {
+        return (*entry)->Set(kPhoneTypeValue, RegistryType::kString, ToTagValue(phoneType));
+      })
+      .and_then([&] { return group->Commit(); });
 }
 
 std::unique_ptr<TagNames> TagStore::OpenNames() const {
   platform::OpenedKey tags = m_registry.OpenKey(kTagKey);
-  return tags.key ? std::make_unique<TagNames>(std::move(tags.key)) : nullptr;
+  return tags ? std::make_unique<TagNames>(std::move(*tags)) : nullptr;
 }
 
-RegistryError TagStore::ReadEntry(std::u16string_view tagName, TagEntry& entry) const {
+Result<TagEntry, RegistryError> TagStore::ReadEntry(std::u16string_view tagName) const {
   const platform::OpenedKey opened = m_registry.OpenKey(EntryPath(tagName));
-  if (!opened.key) {
-    return opened.error;
+  if (!opened) {
+    return Failure(opened.error());
   }
-  std::u16string contact;
-  std::u16string phoneType;
-  RegistryError error = ReadText(*opened.key, kContactValue, contact);
-  if (error != RegistryError::kNone) {
-    return error;
+  const auto contact = ReadText(**opened, kContactValue);
+  if (!contact) {
+    return Failure(contact.error());
   }
-  error = ReadText(*opened.key, kPhoneTypeValue, phoneType);
-  if (error != RegistryError::kNone) {
-    return error;
+  auto phoneType = ReadText(**opened, kPhoneTypeValue);
+  if (!phoneType) {
+    return Failure(phoneType.error());
   }
-  entry = {ParseOid(contact), std::move(phoneType)};
-  return RegistryError::kNone;
+  return TagEntry{ParseOid(*contact), std::move(*phoneType)};
 }
 
-RegistryError TagStore::ListNames(std::vector<std::u16string>& names,
-                                  std::size_t* passedOver) const {
+Result<TagList, RegistryError> TagStore::ListNames() const {
+  TagList list;
   const platform::OpenedKey tags = m_registry.OpenKey(kTagKey);
-  if (!tags.key) {
-    return tags.error == RegistryError::kNotFound ? RegistryError::kNone : tags.error;
+  if (!tags && tags.error() == RegistryError::kNotFound) {
+    return list;
   }
-  std::size_t unusable = 0;
-  RegistryError error = RegistryError::kNone;
-  for (std::uint32_t index = 0; error == RegistryError::kNone || error == RegistryError::kInvalid;
-       ++index) {
-    std::u16string name;
-    error = tags.key->EnumerateSubkey(index, name);
-    if (error == RegistryError::kNone && platform::IsKeyName(name)) {
-      names.push_back(std::move(name));
-    } else if (error == RegistryError::kNone || error == RegistryError::kInvalid) {
-      ++unusable;
+  if (!tags) {
+    return Failure(tags.error());
+  }
+  for (std::uint32_t index = 0;; ++index) {
+    auto name = (*tags)->EnumerateSubkey(index);
+    if (!name && name.error() != RegistryError::kInvalid) {
+      return Failure(name.error());
+    }
+    if (name && !*name) {
+      return list;
+    }
+    if (name && platform::IsKeyName(**name)) {
+      list.names.push_back(std::move(**name));
+    } else {
+      ++list.passedOver;
     }
   }
-  if (passedOver != nullptr) {
-    *passedOver = unusable;
-  }
-  return error == RegistryError::kNoMoreItems ? RegistryError::kNone : error;
 }
 
 Result<void, FileError> TagStore::DeleteWaveFile(std::u16string_view tagName) const {
@@ -179,7 +165,7 @@ Result<void, FileError> TagStore::DeleteTemplateFile(std::u16string_view tagName
   return AcceptMissing(m_files.Delete(TemplatePath(tagName)));
 }
 
-RegistryError TagStore::DeleteEntry(std::u16string_view tagName) const {
+Result<void, RegistryError> TagStore::DeleteEntry(std::u16string_view tagName) const {
   return AcceptMissing(m_registry.DeleteKey(EntryPath(tagName)));
 }
 
@@ -190,13 +176,13 @@ TagDeletion TagStore::Delete(std::u16string_view tagName) const {
   if (!DeleteTemplateFile(tagName)) {
     return TagDeletion::kTemplateFailed;
   }
-  if (DeleteEntry(tagName) != RegistryError::kNone) {
+  if (!DeleteEntry(tagName)) {
     return TagDeletion::kEntryFailed;
   }
   return TagDeletion::kDone;
 }
 
-RegistryError TagStore::DeleteAllEntries() const {
+Result<void, RegistryError> TagStore::DeleteAllEntries() const {
   return AcceptMissing(m_registry.DeleteKey(kTagKey));
 }
 

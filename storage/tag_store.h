@@ -29,6 +29,12 @@ class TagNames {
   std::unique_ptr<platform::RegistryKey> m_key;
 };
 
+struct TagList {
+  std::vector<std::u16string> names;
+  /// Keys of another program that no path can name. They are no tags.
+  std::size_t passedOver = 0;
+};
+
 /// How far the deletion of a tag came. The steps before the one that failed were done.
 enum class TagDeletion : std::uint8_t {
   kDone,
@@ -48,34 +54,33 @@ class TagStore {
   /// Writes the entry of a tag over an earlier one of that name, all of it or nothing. The last
   /// step of making a tag: its recording and its template are there by then, and stay where this
   /// fails.
-  [[nodiscard]] platform::RegistryError WriteEntry(std::u16string_view tagName, std::int32_t oid,
-                                                   std::u16string_view phoneType) const;
+  [[nodiscard]] platform::Result<void, platform::RegistryError> WriteEntry(
+      std::u16string_view tagName, std::int32_t oid, std::u16string_view phoneType) const;
 
   /// Null where there is no tag key or it cannot be opened: there are no tags then.
   [[nodiscard]] std::unique_ptr<TagNames> OpenNames() const;
 
-  /// Stores the names of all tags in `names`, however long they are. A key of another program that
-  /// no path can name is no tag: it is passed over and counted in `passedOver`.
-  [[nodiscard]] platform::RegistryError ListNames(std::vector<std::u16string>& names,
-                                                  std::size_t* passedOver = nullptr) const;
+  /// Returns the names of all tags, however long they are.
+  [[nodiscard]] platform::Result<TagList, platform::RegistryError> ListNames() const;
 
-  /// Stores what the registry says about a tag in `entry`. An error means that it could not be
-  /// asked, and nothing must be concluded; values that are missing or unusable are no error.
-  [[nodiscard]] platform::RegistryError ReadEntry(std::u16string_view tagName,
-                                                  TagEntry& entry) const;
+  /// Returns what the registry says about a tag. An error means that it could not be asked, and
+  /// nothing must be concluded. Values that are missing or unusable are no error.
+  [[nodiscard]] platform::Result<TagEntry, platform::RegistryError> ReadEntry(
+      std::u16string_view tagName) const;
 
   // What is missing counts as deleted: an earlier deletion may have come so far.
   [[nodiscard]] platform::Result<void, platform::FileError> DeleteWaveFile(
       std::u16string_view tagName) const;
   [[nodiscard]] platform::Result<void, platform::FileError> DeleteTemplateFile(
       std::u16string_view tagName) const;
-  [[nodiscard]] platform::RegistryError DeleteEntry(std::u16string_view tagName) const;
+  [[nodiscard]] platform::Result<void, platform::RegistryError> DeleteEntry(
+      std::u16string_view tagName) const;
 
   /// Deletes the recording, the template and the entry, in that order, up to the first failure.
   [[nodiscard]] TagDeletion Delete(std::u16string_view tagName) const;
 
   /// Deletes the tag key with all that is below it.
-  [[nodiscard]] platform::RegistryError DeleteAllEntries() const;
+  [[nodiscard]] platform::Result<void, platform::RegistryError> DeleteAllEntries() const;
 
   /// Searches for the recordings, of tags or not. Finds their file names, and no folders. Fails
   /// with kNotFound if there is none.

@@ -15,7 +15,6 @@
 namespace storage {
 
 using platform::FileError;
-using platform::RegistryError;
 using platform::Result;
 
 namespace {
@@ -219,8 +218,7 @@ bool TagTrash::DeleteParts(const TagParts& parts) const {
       !IsGone(m_files.Delete(TemplateFilePath(parts.templateFile)))) {
     return false;
   }
-  return !parts.hasEntry ||
-         TagStore(m_files, m_registry).DeleteEntry(parts.name) == RegistryError::kNone;
+  return !parts.hasEntry || TagStore(m_files, m_registry).DeleteEntry(parts.name).has_value();
 }
 
 bool TagTrash::FlushStore() const {
@@ -255,11 +253,11 @@ RestoreResult TagTrash::Restore(const TrashedTag& tag) const {
     return RestoreResult::kExists;
   }
   if (parts.hasEntry) {
-    std::vector<std::u16string> names;
-    if (TagStore(m_files, m_registry).ListNames(names) != RegistryError::kNone) {
+    const auto list = TagStore(m_files, m_registry).ListNames();
+    if (!list) {
       return RestoreResult::kFailed;
     }
-    if (names.size() >= static_cast<std::size_t>(kMaxTags)) {
+    if (list->names.size() >= static_cast<std::size_t>(kMaxTags)) {
       return RestoreResult::kTooMany;
     }
   }

@@ -58,9 +58,6 @@ ItemResult ToResult(const Result<void, FileError>& result) {
 }
 
 ItemResult ToResult(RegistryError error) {
-  if (error == RegistryError::kNone) {
-    return ItemResult::kDone;
-  }
   return error == RegistryError::kFull ? ItemResult::kFull : ItemResult::kFailed;
 }
 
@@ -153,9 +150,8 @@ ItemResult AddFile(platform::FileSystem& files, TarWriter& tar, std::string_view
 }
 
 ItemResult AddEntry(platform::Registry& registry, TarWriter& tar, std::u16string_view name) {
-  std::vector<std::byte> entry;
-  const RegistryError read = WriteRegistryFile(registry, entry, TrashedEntryPath(name));
-  return read == RegistryError::kNone ? ToResult(tar.Add(kEntry, entry)) : ItemResult::kEntryUnread;
+  const auto entry = WriteRegistryFile(registry, TrashedEntryPath(name));
+  return entry ? ToResult(tar.Add(kEntry, *entry)) : ItemResult::kEntryUnread;
 }
 
 ItemResult WriteParts(platform::FileSystem& files, platform::Registry& registry, TarWriter& tar,
@@ -218,7 +214,7 @@ ItemResult UnpackEntry(platform::Registry& registry, platform::File& archive,
     return ItemResult::kFailed;
   }
   const auto failure = ApplyRegistryChanges(registry, content->changes);
-  return failure ? ToResult(failure->store) : ItemResult::kDone;
+  return failure ? ToResult(failure->store.value_or(RegistryError::kOther)) : ItemResult::kDone;
 }
 
 }  // namespace
@@ -244,10 +240,11 @@ bool FindParts(platform::FileSystem& files, platform::Registry& registry, std::u
   if (!find(WavePath(name), parts.waveFile) || !find(TemplatePath(name), parts.templateFile)) {
     return false;
   }
-  const RegistryError entry = registry.OpenKey(TrashedEntryPath(name)).error;
-  parts.hasEntry = entry == RegistryError::kNone;
+  const platform::OpenedKey entry = registry.OpenKey(TrashedEntryPath(name));
+  parts.hasEntry = entry.has_value();
   // A name that no key can have has no entry.
-  return parts.hasEntry || entry == RegistryError::kNotFound || entry == RegistryError::kInvalid;
+  return entry || entry.error() == RegistryError::kNotFound ||
+         entry.error() == RegistryError::kInvalid;
 }
 
 PartsState GetState(platform::FileSystem& files, platform::Registry& registry,
@@ -267,12 +264,12 @@ PartsState GetState(platform::FileSystem& files, platform::Registry& registry,
     return PartsState::kUnknown;
   }
   if (parts.hasEntry) {
-    const RegistryError error = registry.OpenKey(TrashedEntryPath(parts.name)).error;
-    if (error != RegistryError::kNone && error != RegistryError::kNotFound) {
+    const platform::OpenedKey entry = registry.OpenKey(TrashedEntryPath(parts.name));
+    if (!entry && entry.error() != RegistryError::kNotFound) {
       return PartsState::kUnknown;
     }
     ++wanted;
-    there += error == RegistryError::kNone ? 1U : 0U;
+    there += entry ? 1U : 0U;
   }
   if (there == 0) {
     return PartsState::kGone;

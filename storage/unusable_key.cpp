@@ -1,6 +1,8 @@
 #include "storage/unusable_key.h"
 
 #include <cstdint>
+#include <optional>
+#include <string>
 #include <string_view>
 
 #include "backends/text/utf.h"
@@ -10,6 +12,9 @@ namespace storage {
 namespace {
 
 using platform::RegistryError;
+
+/// What an enumeration gives.
+using ListedName = platform::Result<std::optional<std::u16string>, RegistryError>;
 
 std::string Escape(std::u16string_view name) {
   constexpr std::string_view kDigits = "0123456789abcdef";
@@ -34,28 +39,27 @@ std::string Escape(std::u16string_view name) {
 
 constexpr std::string_view kTooLong = "(longer than can be read)";
 
-std::string NameOf(RegistryError error, std::u16string_view name) {
-  if (error != RegistryError::kNone) {
+std::string NameOf(const ListedName& name) {
+  if (!name) {
     return std::string(kTooLong);
   }
-  return name.empty() ? "(without a name)" : Escape(name);
+  return (*name)->empty() ? "(without a name)" : Escape(**name);
 }
 
-bool GoesOn(RegistryError error) {
-  return error == RegistryError::kNone || error == RegistryError::kInvalid;
+/// Whether there is an item: one that can be named, or one that cannot be read.
+bool IsThere(const ListedName& name) {
+  return name ? name->has_value() : name.error() == RegistryError::kInvalid;
 }
 
 std::string FindValue(platform::RegistryKey& key, const std::u16string& path) {
-  std::u16string name;
-  RegistryError error = RegistryError::kNone;
-  for (std::uint32_t i = 0; GoesOn(error = key.EnumerateValue(i, name)); ++i) {
+  ListedName name = key.EnumerateValue(0);
+  for (std::uint32_t i = 1; IsThere(name); name = key.EnumerateValue(i++)) {
     const std::string start = text::ToUtf8(path) + ": ";
-    if (error != RegistryError::kNone || !platform::IsValueName(name)) {
-      return start + NameOf(error, name);
+    if (!name || !platform::IsValueName(**name)) {
+      return start + NameOf(name);
     }
-    platform::RegistryValue value;
-    if (key.Query(name, value) == RegistryError::kInvalid) {
-      return start + Escape(name) + ' ' + std::string(kTooLong);
+    if (const auto value = key.Query(**name); !value && value.error() == RegistryError::kInvalid) {
+      return start + Escape(**name) + ' ' + std::string(kTooLong);
     }
   }
   return {};
@@ -64,18 +68,18 @@ std::string FindValue(platform::RegistryKey& key, const std::u16string& path) {
 // Ends at the depth to which the registry opens keys.
 std::string FindBelow(platform::Registry& registry, const std::u16string& path) {
   const platform::OpenedKey opened = registry.OpenKey(path);
-  if (!opened.key) {
-    return opened.error == RegistryError::kInvalid ? text::ToUtf8(path) : std::string();
+  if (!opened) {
+    return opened.error() == RegistryError::kInvalid ? text::ToUtf8(path) : std::string();
   }
-  std::string found = FindValue(*opened.key, path);
+  std::string found = FindValue(**opened, path);
   const std::u16string start = path.empty() ? path : path + u'\\';
-  std::u16string name;
-  RegistryError error = RegistryError::kNone;
-  for (std::uint32_t i = 0; found.empty() && GoesOn(error = opened.key->EnumerateSubkey(i, name));
-       ++i) {
-    found = error == RegistryError::kNone && platform::IsKeyName(name)
-                ? FindBelow(registry, start + name)
-                : text::ToUtf8(start) + NameOf(error, name);
+  for (std::uint32_t i = 0; found.empty(); ++i) {
+    const ListedName name = (*opened)->EnumerateSubkey(i);
+    if (!IsThere(name)) {
+      break;
+    }
+    found = name && platform::IsKeyName(**name) ? FindBelow(registry, start + **name)
+                                                : text::ToUtf8(start) + NameOf(name);
   }
   return found;
 }
@@ -84,9 +88,8 @@ std::string FindBelow(platform::Registry& registry, const std::u16string& path) 
 
 std::string FindUnusableKey(platform::Registry& registry, std::u16string_view start) {
   // Within a group, so that keys that come and go meanwhile are no surprise.
-  platform::RegistryGroup group(registry);
-  return group.BeginError() == RegistryError::kNone ? FindBelow(registry, std::u16string(start))
-                                                    : std::string();
+  const auto group = platform::RegistryGroup::Begin(registry);
+  return group ? FindBelow(registry, std::u16string(start)) : std::string();
 }
 
 }  // namespace storage

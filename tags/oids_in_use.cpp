@@ -7,20 +7,19 @@ namespace tags {
 using platform::RegistryError;
 
 std::optional<std::vector<std::int32_t>> FindOidsInUse(const storage::TagStore& store) {
-  std::vector<std::u16string> names;
-  if (store.ListNames(names) != RegistryError::kNone) {
+  const auto list = store.ListNames();
+  if (!list) {
     return std::nullopt;
   }
   std::vector<std::int32_t> oids;
-  for (const std::u16string& name : names) {
-    storage::TagEntry entry;
-    const RegistryError error = store.ReadEntry(name, entry);
+  for (const std::u16string& name : list->names) {
+    const auto entry = store.ReadEntry(name);
     // A value that is too long to be read names no contact either.
-    if (error != RegistryError::kNone && error != RegistryError::kInvalid) {
+    if (!entry && entry.error() != RegistryError::kInvalid) {
       return std::nullopt;
     }
-    if (entry.oid) {
-      oids.push_back(*entry.oid);
+    if (entry && entry->oid) {
+      oids.push_back(*entry->oid);
     }
   }
   return oids;

@@ -35,17 +35,16 @@ void Page_one::LoadTagList() {
 }
 
 Page_one::LoadedTag Page_one::LoadTag(std::u16string_view tagName, std::int32_t& slot) {
-  storage::TagEntry entry;
-  if (m_store.ReadEntry(tagName, entry) == platform::RegistryError::kNone) {
+  if (const auto entry = m_store.ReadEntry(tagName)) {
     std::unique_ptr<platform::Contact> contact;
-    const auto lookup = entry.oid ? m_platform.contacts.GetItemFromOid(*entry.oid, contact)
-                                  : platform::ContactLookup::kFailed;
+    const auto lookup = entry->oid ? m_platform.contacts.GetItemFromOid(*entry->oid, contact)
+                                   : platform::ContactLookup::kFailed;
     if (lookup == platform::ContactLookup::kAbsent) {
       return DeleteStaleTag(tagName);
     }
     TagText tag{.text = std::u16string(tagName), .hasNumber = true, .failure = {}};
     if (lookup == platform::ContactLookup::kFound) {
-      tag = ReadForTagList(*contact, entry.phoneType);
+      tag = ReadForTagList(*contact, entry->phoneType);
     }
     // Where it cannot be told whose tag it is, it keeps its place under its own name, for no tag
     // may be lost because its contacts were away.
@@ -156,15 +155,15 @@ bool Page_one::DeleteTagOfLine(std::size_t line) {
     return false;
   }
   DropRecord(line);
-  const platform::RegistryError entry = m_store.DeleteEntry(tagName);
+  const bool isDeleted = m_store.DeleteEntry(tagName).has_value();
   // Said in either case: the files are gone.
   if (kept == storage::ItemResult::kFull) {
     ShowBox(resources::kTagDestroyed);
   }
-  if (entry != platform::RegistryError::kNone) {
+  if (!isDeleted) {
     ShowBox(resources::kTagInUse);
   }
-  return entry == platform::RegistryError::kNone;
+  return isDeleted;
 }
 
 void Page_one::DropRecord(std::size_t line) {

@@ -149,7 +149,7 @@ bool Page_one::StoreTag(std::u16string_view tagName) {
   }
   const auto entered = m_store.WriteEntry(tagName, static_cast<std::int32_t>(m_picker.GetOid()),
                                           m_picker.GetPhoneTypeWord());
-  if (entered != platform::RegistryError::kNone) {
+  if (!entered) {
     // Without its entry the tag does not exist; what is wrong is the same disk or folder.
     ShowBox(resources::kTemplateNotCreated);
     return false;

@@ -36,24 +36,29 @@ void ReadContact(platform::ContactsStore& contacts, std::int32_t oid, ListedTag&
 
 }  // namespace
 
-RegistryError ReadTags(const storage::TagStore& store, platform::ContactsStore* contacts,
-                       std::vector<ListedTag>& tags) {
-  std::vector<std::u16string> names;
-  if (const RegistryError error = store.ListNames(names); error != RegistryError::kNone) {
-    return error;
+platform::Result<std::vector<ListedTag>, RegistryError> ReadTags(
+    const storage::TagStore& store, platform::ContactsStore* contacts) {
+  auto list = store.ListNames();
+  if (!list) {
+    return platform::Failure(list.error());
   }
-  for (std::u16string& name : names) {
+  std::vector<ListedTag> tags;
+  for (std::u16string& name : list->names) {
     ListedTag tag;
     tag.text = CutAsRecord(name);
     tag.hasNumber = true;
-    tag.error = store.ReadEntry(name, tag.entry);
     tag.name = std::move(name);
+    if (auto entry = store.ReadEntry(tag.name)) {
+      tag.entry = std::move(*entry);
+    } else {
+      tag.error = entry.error();
+    }
     if (tag.entry.oid && contacts != nullptr) {
       ReadContact(*contacts, *tag.entry.oid, tag);
     }
     tags.push_back(std::move(tag));
   }
-  return RegistryError::kNone;
+  return tags;
 }
 
 storage::TagTable ToTable(const std::vector<ListedTag>& tags) {

@@ -16,23 +16,22 @@ namespace tags {
 /// A tag as the Learning page lists it, for code that changes nothing.
 struct ListedTag {
   std::u16string name;
-  storage::TagEntry entry;  ///< Empty if `error` is not kNone.
+  storage::TagEntry entry;  ///< Empty if there is an `error`.
   /// The line of the list: the contact with the number. The tag's own name if it is not known whose
   /// tag it is, so that no tag is without a line.
   std::u16string text;
   bool isStale = false;    ///< Its contact does not exist any more: the page would delete it.
   bool hasNumber = false;  ///< False if the line has no number, since the entry names no kind.
-  platform::RegistryError error = platform::RegistryError::kNone;  ///< Of its entry.
+  std::optional<platform::RegistryError> error;  ///< Why its entry cannot be read.
   std::optional<ContactMessage> failure;  ///< Why its contact, which is there, cannot be read.
 };
 
-/// Stores every tag in `tags`, in the order of the registry. Differs from the page in one way: if a
+/// Returns every tag, in the order of the registry. Differs from the page in one way: if a
 /// tag cannot be read or is stale, it does not end the list, is not deleted, and has a line of its
-/// own. `contacts` are logged on, or null if they cannot be read; then no tag is stale. Returns why
-/// the list of tags cannot be read. Then `tags` does not hold the whole list.
-[[nodiscard]] platform::RegistryError ReadTags(const storage::TagStore& store,
-                                               platform::ContactsStore* contacts,
-                                               std::vector<ListedTag>& tags);
+/// own. `contacts` are logged on, or null if they cannot be read; then no tag is stale. Fails if
+/// the list of tags cannot be read.
+[[nodiscard]] platform::Result<std::vector<ListedTag>, platform::RegistryError> ReadTags(
+    const storage::TagStore& store, platform::ContactsStore* contacts);
 
 /// The tags that are not stale as the pages know them.
 [[nodiscard]] storage::TagTable ToTable(const std::vector<ListedTag>& tags);

@@ -14,7 +14,9 @@
 
 namespace sqlite {
 
+using platform::Failure;
 using platform::RegistryError;
+using platform::Result;
 
 namespace {
 
@@ -99,51 +101,58 @@ std::filesystem::path FindLink(const std::filesystem::path& database) {
   return {};
 }
 
-RegistryError Connection::Open(const Settings& settings, std::unique_ptr<Connection>& connection) {
+OpenedConnection Connection::Open(const Settings& settings) {
   // The library follows a link at the database itself, and makes its files next to the target.
   if (!FindLink(settings.database).empty()) {
-    return RegistryError::kLink;
+    return Failure(RegistryError::kLink);
   }
   // Two processes that make the store at the same time can meet where the library does not wait.
   const auto deadline = std::chrono::steady_clock::now() + settings.busyLimit;
   while (true) {
-    const RegistryError error = settings.access == Access::kRead ? OpenToRead(settings, connection)
-                                                                 : OpenOnce(settings, connection);
-    if (error != RegistryError::kBusy || std::chrono::steady_clock::now() >= deadline) {
-      return error;
+    OpenedConnection opened =
+        settings.access == Access::kRead ? OpenToRead(settings) : OpenOnce(settings);
+    if (opened || opened.error() != RegistryError::kBusy ||
+        std::chrono::steady_clock::now() >= deadline) {
+      return opened;
     }
     sqlite3_sleep(kRetryMilliseconds);
   }
 }
 
-RegistryError Connection::OpenOnce(const Settings& settings,
-                                   std::unique_ptr<Connection>& connection) {
+OpenedConnection Connection::OpenOnce(const Settings& settings) {
   MakePrivateFile(settings.database);
   auto candidate = std::make_unique<Connection>();
-  const RegistryError error = candidate->OpenFile(settings, settings.database.native(),
-                                                  SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
-  if (error == RegistryError::kNone) {
+  const auto opened = candidate->OpenFile(settings, settings.database.native(),
+                                          SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+  if (opened) {
     SetOption(candidate->m_database.get(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, false);
     if (settings.access == Access::kChangeAlone) {
       RemoveIndex(settings.database);
     }
-    connection = std::move(candidate);
-    return error;
+    return candidate;
   }
-  // Where the database takes no writes, what else cannot be opened is the log beside it.
-  const bool lacksLog = error == RegistryError::kOther && candidate->m_database != nullptr &&
+  // If the database takes no writes, what else cannot be opened is the log next to it.
+  const bool lacksLog = opened.error() == RegistryError::kOther &&
+                        candidate->m_database != nullptr &&
                         sqlite3_db_readonly(candidate->m_database.get(), "main") == 1;
-  return lacksLog ? RegistryError::kReadOnly : error;
+  return Failure(lacksLog ? RegistryError::kReadOnly : opened.error());
 }
 
-RegistryError Connection::OpenToRead(const Settings& settings,
-                                     std::unique_ptr<Connection>& connection) {
+OpenedConnection Connection::OpenToRead(const Settings& settings) {
+  if (IsMissing(settings.database)) {
+    return OpenEmpty(settings);
+  }
   auto candidate = std::make_unique<Connection>();
   candidate->m_isReading = true;
-  RegistryError error =
-      IsMissing(settings.database)
-          ? RegistryError::kNotFound
-          : candidate->OpenFile(settings, settings.database.native(), SQLITE_OPEN_READONLY);
+  const auto opened =
+      candidate->OpenFile(settings, settings.database.native(), SQLITE_OPEN_READONLY);
+  if (opened) {
+    return candidate;
+  }
+  const RegistryError error = opened.error();
+  if (error == RegistryError::kNotFound) {
+    return OpenEmpty(settings);
+  }
   const bool lacksIndex = error == RegistryError::kOther || error == RegistryError::kFull ||
                           error == RegistryError::kReadOnly;
   if (lacksIndex && !HasLog(settings.database)) {
@@ -152,56 +161,54 @@ RegistryError Connection::OpenToRead(const Settings& settings,
     auto alone = std::make_unique<Connection>();
     alone->m_isReading = true;
     if (alone->OpenFile(settings, NameWithoutLog(settings.database),
-                        SQLITE_OPEN_READONLY | SQLITE_OPEN_URI) == RegistryError::kNone) {
-      candidate = std::move(alone);
-      error = RegistryError::kNone;
+                        SQLITE_OPEN_READONLY | SQLITE_OPEN_URI)) {
+      return alone;
     }
   }
-  if (error == RegistryError::kNotFound) {
-    error = candidate->OpenEmpty(settings);
-  }
-  if (error == RegistryError::kNone) {
-    connection = std::move(candidate);
-  }
   // Nobody wanted to write.
-  return error == RegistryError::kReadOnly ? RegistryError::kOther : error;
+  return Failure(error == RegistryError::kReadOnly ? RegistryError::kOther : error);
 }
 
-RegistryError Connection::OpenFile(const Settings& settings, const std::string& name, int flags) {
+OpenedConnection Connection::OpenEmpty(const Settings& settings) {
+  auto standIn = std::make_unique<Connection>();
+  standIn->m_isReading = true;
+  standIn->m_isStandIn = true;
+  if (const auto filled = standIn->FillInMemory(settings); !filled) {
+    return Failure(filled.error());
+  }
+  return standIn;
+}
+
+Result<void, RegistryError> Connection::OpenFile(const Settings& settings, const std::string& name,
+                                                 int flags) {
   sqlite3* database = nullptr;
   const char* const fileLayer = settings.fileLayer.empty() ? nullptr : settings.fileLayer.c_str();
   const int result = sqlite3_open_v2(
       name.c_str(), &database, flags | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, fileLayer);
   m_database.reset(database);
   if (result != SQLITE_OK) {
-    return ToRegistryError(result);
+    return ToResult(result);
   }
   // Until the store is known to be sound, closing it must not move anything into it.
   SetOption(database, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, true);
-  const RegistryError error = Configure(settings);
-  return error == RegistryError::kNone ? MakeReady(settings) : error;
+  const auto configured = Configure(settings);
+  return configured ? MakeReady(settings) : configured;
 }
 
-RegistryError Connection::OpenEmpty(const Settings& settings) {
+Result<void, RegistryError> Connection::FillInMemory(const Settings& settings) {
   sqlite3* database = nullptr;
   const int result = sqlite3_open_v2(
       ":memory:", &database,
       SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE,
       nullptr);
-  m_store = {};
   m_database.reset(database);
-  m_isStandIn = true;
-  RegistryError error = ToRegistryError(result);
-  if (error == RegistryError::kNone) {
-    error = PrepareSchema(database, settings.initialKeys);
-  }
-  if (error == RegistryError::kNone) {
-    error = Configure(settings);
-  }
-  return error == RegistryError::kNone ? MakeReady(settings) : error;
+  return ToResult(result)
+      .and_then([&] { return PrepareSchema(database, settings.initialKeys); })
+      .and_then([&] { return Configure(settings); })
+      .and_then([&] { return MakeReady(settings); });
 }
 
-RegistryError Connection::Configure(const Settings& settings) const {
+Result<void, RegistryError> Connection::Configure(const Settings& settings) const {
   sqlite3* const database = m_database.get();
   sqlite3_busy_timeout(database, static_cast<int>(settings.busyLimit.count()));
   SetOption(database, SQLITE_DBCONFIG_DEFENSIVE, true);
@@ -217,42 +224,41 @@ RegistryError Connection::Configure(const Settings& settings) const {
   if (result == SQLITE_OK && m_isReading) {
     result = Execute(database, "PRAGMA query_only = ON");
   }
-  return ToRegistryError(result);
+  return ToResult(result);
 }
 
-RegistryError Connection::MakeReady(const Settings& settings) {
+Result<void, RegistryError> Connection::MakeReady(const Settings& settings) {
   sqlite3* const database = m_database.get();
-  RegistryError error =
-      m_isReading ? CheckSchema(database) : PrepareSchema(database, settings.initialKeys);
-  if (error == RegistryError::kNone && !m_isReading) {
-    error = UseWriteAheadLog();
+  const auto checked = m_isReading ? CheckSchema(database)
+                                   : PrepareSchema(database, settings.initialKeys).and_then([this] {
+                                       return UseWriteAheadLog();
+                                     });
+  if (!checked) {
+    return checked;
   }
-  if (error == RegistryError::kNone) {
-    // After the check of all pages, which must not stumble over a row that is too long.
-    sqlite3_limit(database, SQLITE_LIMIT_LENGTH, kLongestRow);
-    error = m_store.Prepare(database, settings.number);
-  }
-  return error;
+  // After the check of all pages, which must not stumble over a row that is too long.
+  sqlite3_limit(database, SQLITE_LIMIT_LENGTH, kLongestRow);
+  return m_store.Prepare(database, settings.number);
 }
 
-RegistryError Connection::UseWriteAheadLog() const {
+Result<void, RegistryError> Connection::UseWriteAheadLog() const {
   if (sqlite3_db_readonly(m_database.get(), "main") == 1) {
-    return RegistryError::kNone;
+    return {};
   }
-  const int result = Execute(m_database.get(), "PRAGMA journal_mode = WAL");
-  const RegistryError error = ToRegistryError(result);
+  const auto used = ToResult(Execute(m_database.get(), "PRAGMA journal_mode = WAL"));
   // A medium without shared memory, or another process that is in the database now, keeps it in
   // the other mode: every promise holds there too, only readers and writers wait for each other.
-  return error == RegistryError::kBusy || error == RegistryError::kReadOnly ? RegistryError::kNone
-                                                                            : error;
+  if (!used && (used.error() == RegistryError::kBusy || used.error() == RegistryError::kReadOnly)) {
+    return {};
+  }
+  return used;
 }
 
-RegistryError Connection::Begin() const {
+Result<void, RegistryError> Connection::Begin() const {
   if (!m_isReading) {
-    const int result = Execute(m_database.get(), "BEGIN IMMEDIATE");
-    const RegistryError error = ToRegistryError(result);
-    if (error != RegistryError::kReadOnly) {
-      return error;
+    const auto begun = ToResult(Execute(m_database.get(), "BEGIN IMMEDIATE"));
+    if (begun || begun.error() != RegistryError::kReadOnly) {
+      return begun;
     }
   }
   // The first reading fixes what the transaction sees.
@@ -260,15 +266,15 @@ RegistryError Connection::Begin() const {
   if (result != SQLITE_OK) {
     Rollback();
   }
-  return ToRegistryError(result);
+  return ToResult(result);
 }
 
-RegistryError Connection::Commit() const {
+Result<void, RegistryError> Connection::Commit() const {
   const int result = Execute(m_database.get(), "COMMIT");
   if (result != SQLITE_OK) {
     Rollback();
   }
-  return ToRegistryError(result);
+  return ToResult(result);
 }
 
 void Connection::Rollback() const {

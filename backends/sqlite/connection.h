@@ -28,6 +28,9 @@ enum class Access : std::uint8_t {
 /// is a symbolic link. Returns an empty path if none is. The folders on the way may be links.
 [[nodiscard]] std::filesystem::path FindLink(const std::filesystem::path& database);
 
+class Connection;
+using OpenedConnection = platform::Result<std::unique_ptr<Connection>, platform::RegistryError>;
+
 /// One open database that holds a registry, and the transaction it may be in.
 class Connection {
  public:
@@ -44,8 +47,7 @@ class Connection {
   /// database that is missing or empty counts as a new registry, which is kept in memory. A file
   /// that holds something else, a damaged or a newer registry is left byte for byte as it is, and
   /// so is what a link leads to (kLink).
-  [[nodiscard]] static platform::RegistryError Open(const Settings& settings,
-                                                    std::unique_ptr<Connection>& connection);
+  [[nodiscard]] static OpenedConnection Open(const Settings& settings);
 
   /// Whether this stands for a database that is missing or empty.
   [[nodiscard]] bool IsStandIn() const { return m_isStandIn; }
@@ -53,10 +55,10 @@ class Connection {
   [[nodiscard]] const Store& GetStore() const { return m_store; }
 
   /// Begins a transaction that may write; on a store that takes no writes, one that reads.
-  [[nodiscard]] platform::RegistryError Begin() const;
+  [[nodiscard]] platform::Result<void, platform::RegistryError> Begin() const;
 
   /// A transaction that cannot be committed is undone.
-  [[nodiscard]] platform::RegistryError Commit() const;
+  [[nodiscard]] platform::Result<void, platform::RegistryError> Commit() const;
 
   /// Undoes the transaction, if there is one.
   void Rollback() const;
@@ -65,17 +67,19 @@ class Connection {
   void Abandon() const;
 
  private:
-  [[nodiscard]] static platform::RegistryError OpenOnce(const Settings& settings,
-                                                        std::unique_ptr<Connection>& connection);
-  [[nodiscard]] static platform::RegistryError OpenToRead(const Settings& settings,
-                                                          std::unique_ptr<Connection>& connection);
+  [[nodiscard]] static OpenedConnection OpenOnce(const Settings& settings);
+  [[nodiscard]] static OpenedConnection OpenToRead(const Settings& settings);
+  [[nodiscard]] static OpenedConnection OpenEmpty(const Settings& settings);
   /// `name` is a path, or a name as the library takes it.
-  [[nodiscard]] platform::RegistryError OpenFile(const Settings& settings, const std::string& name,
-                                                 int flags);
-  [[nodiscard]] platform::RegistryError OpenEmpty(const Settings& settings);
-  [[nodiscard]] platform::RegistryError Configure(const Settings& settings) const;
-  [[nodiscard]] platform::RegistryError MakeReady(const Settings& settings);
-  [[nodiscard]] platform::RegistryError UseWriteAheadLog() const;
+  [[nodiscard]] platform::Result<void, platform::RegistryError> OpenFile(const Settings& settings,
+                                                                         const std::string& name,
+                                                                         int flags);
+  [[nodiscard]] platform::Result<void, platform::RegistryError> FillInMemory(
+      const Settings& settings);
+  [[nodiscard]] platform::Result<void, platform::RegistryError> Configure(
+      const Settings& settings) const;
+  [[nodiscard]] platform::Result<void, platform::RegistryError> MakeReady(const Settings& settings);
+  [[nodiscard]] platform::Result<void, platform::RegistryError> UseWriteAheadLog() const;
 
   Database m_database;
   Store m_store;  ///< Goes before the database.

@@ -18,10 +18,6 @@ RegistryError ToRegistryError(int resultCode) {
   }
   constexpr int kPrimaryCode = 0xFF;
   switch (resultCode & kPrimaryCode) {
-    case SQLITE_OK:
-    case SQLITE_ROW:
-    case SQLITE_DONE:
-      return RegistryError::kNone;
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
     case SQLITE_PROTOCOL:
@@ -40,6 +36,13 @@ RegistryError ToRegistryError(int resultCode) {
     default:
       return RegistryError::kOther;
   }
+}
+
+platform::Result<void, RegistryError> ToResult(int resultCode) {
+  if (resultCode == SQLITE_OK || resultCode == SQLITE_ROW || resultCode == SQLITE_DONE) {
+    return {};
+  }
+  return platform::Failure(ToRegistryError(resultCode));
 }
 
 }  // namespace sqlite

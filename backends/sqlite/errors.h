@@ -4,7 +4,10 @@
 
 namespace sqlite {
 
-/// The registry's word for a result code of the library; kNone for those of success.
+/// Returns the registry's word for a result code of the library that is a failure.
 [[nodiscard]] platform::RegistryError ToRegistryError(int resultCode);
+
+/// As ToRegistryError, for any result code.
+[[nodiscard]] platform::Result<void, platform::RegistryError> ToResult(int resultCode);
 
 }  // namespace sqlite

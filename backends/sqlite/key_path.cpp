@@ -3,32 +3,26 @@
 namespace sqlite {
 
 using platform::RegistryError;
+using platform::Result;
 
-RegistryError FindPath(const Store& store, const KeyNames& names, std::int64_t& key) {
-  std::int64_t current = kRootKey;
-  for (const std::u16string_view name : names) {
-    const RegistryError error = store.FindKey(current, name, current);
-    if (error != RegistryError::kNone) {
-      return error;
-    }
+Result<std::int64_t, RegistryError> FindPath(const Store& store, const KeyNames& names) {
+  Result<std::int64_t, RegistryError> key = kRootKey;
+  for (std::size_t i = 0; key && i < names.size(); ++i) {
+    key = store.FindKey(*key, names[i]);
   }
-  key = current;
-  return RegistryError::kNone;
+  return key;
 }
 
-RegistryError CreatePath(const Store& store, const KeyNames& names, std::int64_t& key) {
-  std::int64_t current = kRootKey;
-  for (const std::u16string_view name : names) {
-    RegistryError error = store.FindKey(current, name, current);
-    if (error == RegistryError::kNotFound) {
-      error = store.InsertKey(current, name, current);
-    }
-    if (error != RegistryError::kNone) {
-      return error;
+Result<std::int64_t, RegistryError> CreatePath(const Store& store, const KeyNames& names) {
+  Result<std::int64_t, RegistryError> key = kRootKey;
+  for (std::size_t i = 0; key && i < names.size(); ++i) {
+    const std::int64_t parent = *key;
+    key = store.FindKey(parent, names[i]);
+    if (!key && key.error() == RegistryError::kNotFound) {
+      key = store.InsertKey(parent, names[i]);
     }
   }
-  key = current;
-  return RegistryError::kNone;
+  return key;
 }
 
 }  // namespace sqlite

@@ -14,12 +14,12 @@ inline constexpr std::int64_t kRootKey = 1;
 
 using KeyNames = std::vector<std::u16string_view>;
 
-/// Stores the number of the key in `key`.
-[[nodiscard]] platform::RegistryError FindPath(const Store& store, const KeyNames& names,
-                                               std::int64_t& key);
+/// Returns the number of the key.
+[[nodiscard]] platform::Result<std::int64_t, platform::RegistryError> FindPath(
+    const Store& store, const KeyNames& names);
 
 /// As FindPath, and makes what is missing. To be called within a transaction.
-[[nodiscard]] platform::RegistryError CreatePath(const Store& store, const KeyNames& names,
-                                                 std::int64_t& key);
+[[nodiscard]] platform::Result<std::int64_t, platform::RegistryError> CreatePath(
+    const Store& store, const KeyNames& names);
 
 }  // namespace sqlite

@@ -10,7 +10,9 @@
 
 namespace sqlite {
 
+using platform::Failure;
 using platform::RegistryError;
+using platform::Result;
 
 namespace {
 
@@ -65,81 +67,82 @@ int ReadIdentity(sqlite3* database, Identity& identity) {
 
 /// Whether every page can be read as what it should be: a change written beside a damaged page
 /// could spread the damage.
-RegistryError CheckPages(sqlite3* database) {
+Result<void, RegistryError> CheckPages(sqlite3* database) {
   Statement statement;
   if (const int result = statement.Prepare(database, "PRAGMA quick_check(1)");
       result != SQLITE_OK) {
-    return ToRegistryError(result);
+    return ToResult(result);
   }
   Run run(statement);
   const int result = run.Step();
-  if (result != SQLITE_ROW) {
-    return result == SQLITE_DONE ? RegistryError::kDamaged : ToRegistryError(result);
+  if (result != SQLITE_ROW && result != SQLITE_DONE) {
+    return ToResult(result);
   }
-  return run.TextAt(0) == u"ok" ? RegistryError::kNone : RegistryError::kDamaged;
+  if (result == SQLITE_DONE || run.TextAt(0) != u"ok") {
+    return Failure(RegistryError::kDamaged);
+  }
+  return {};
 }
 
 /// The root is there and lies below no key. So no key that can be reached from it is its own
 /// parent, however far up: each key has one parent, and a circle of them would hold the root.
-RegistryError CheckRoot(sqlite3* database) {
+Result<void, RegistryError> CheckRoot(sqlite3* database) {
   std::int64_t roots = 0;
   const int result = QueryInteger(
       database, "SELECT count(*) FROM registry_key WHERE id = 1 AND parent_id IS NULL", roots);
   // A table or column that is missing is a plain error to the library.
-  if (result == SQLITE_ERROR) {
-    return RegistryError::kDamaged;
+  if (result == SQLITE_ERROR || (result == SQLITE_OK && roots != 1)) {
+    return Failure(RegistryError::kDamaged);
   }
-  return result == SQLITE_OK && roots != 1 ? RegistryError::kDamaged : ToRegistryError(result);
+  return ToResult(result);
 }
 
-RegistryError CreateSchema(sqlite3* database, std::span<const std::u16string> initialKeys) {
+Result<void, RegistryError> CreateSchema(sqlite3* database,
+                                         std::span<const std::u16string> initialKeys) {
   if (const int result = Execute(database, kCreateSchema); result != SQLITE_OK) {
-    return ToRegistryError(result);
+    return ToResult(result);
   }
   Store store;
-  if (const RegistryError error = store.Prepare(database, 0); error != RegistryError::kNone) {
-    return error;
+  if (const auto prepared = store.Prepare(database, 0); !prepared) {
+    return prepared;
   }
   for (const std::u16string& path : initialKeys) {
     const auto names = platform::SplitKeyPath(path);
     if (!names) {
-      return RegistryError::kInvalid;
+      return Failure(RegistryError::kInvalid);
     }
-    std::int64_t key = kRootKey;
-    const RegistryError error = CreatePath(store, *names, key);
-    if (error != RegistryError::kNone) {
-      return error;
+    if (const auto made = CreatePath(store, *names); !made) {
+      return Failure(made.error());
     }
   }
-  return RegistryError::kNone;
+  return {};
 }
 
 /// Makes the registry unless another process has done so by the time that this one may write.
-RegistryError CreateWhereEmpty(sqlite3* database, std::span<const std::u16string> initialKeys) {
+Result<void, RegistryError> CreateIfEmpty(sqlite3* database,
+                                          std::span<const std::u16string> initialKeys) {
   // Names are stored in the form they have here, so that no unit of them is lost in a conversion.
-  int result = Execute(database, "PRAGMA encoding = 'UTF-16le'; BEGIN IMMEDIATE");
-  if (result != SQLITE_OK) {
-    return ToRegistryError(result);
+  const int begun = Execute(database, "PRAGMA encoding = 'UTF-16le'; BEGIN IMMEDIATE");
+  if (begun != SQLITE_OK) {
+    return ToResult(begun);
   }
   Identity identity;
-  result = ReadIdentity(database, identity);
-  RegistryError error = ToRegistryError(result);
-  if (error == RegistryError::kNone && identity.IsEmpty()) {
-    error = CreateSchema(database, initialKeys);
+  auto result = ToResult(ReadIdentity(database, identity));
+  if (result && identity.IsEmpty()) {
+    result = CreateSchema(database, initialKeys);
   }
-  if (error == RegistryError::kNone) {
-    result = Execute(database, "COMMIT");
-    error = ToRegistryError(result);
+  if (result) {
+    result = ToResult(Execute(database, "COMMIT"));
   }
   if (sqlite3_get_autocommit(database) == 0) {
     [[maybe_unused]] const int undone = Execute(database, "ROLLBACK");
   }
-  return error;
+  return result;
 }
 
 }  // namespace
 
-RegistryError CheckSchema(sqlite3* database) {
+Result<void, RegistryError> CheckSchema(sqlite3* database) {
   Identity identity;
   // In one transaction: half of it from before another process made the store, and half from after,
   // would pass for damage.
@@ -150,33 +153,29 @@ RegistryError CheckSchema(sqlite3* database) {
     result = result == SQLITE_OK ? ended : result;
   }
   if (result != SQLITE_OK) {
-    return ToRegistryError(result);
+    return ToResult(result);
   }
   if (identity.IsEmpty()) {
-    return RegistryError::kNotFound;
+    return Failure(RegistryError::kNotFound);
   }
-  if (identity.applicationId != kApplicationId) {
-    return RegistryError::kDamaged;
+  if (identity.applicationId != kApplicationId || identity.version < kSchemaVersion) {
+    return Failure(RegistryError::kDamaged);
   }
   if (identity.version > kSchemaVersion) {
-    return RegistryError::kNewerStore;
+    return Failure(RegistryError::kNewerStore);
   }
-  if (identity.version != kSchemaVersion) {
-    return RegistryError::kDamaged;
-  }
-  const RegistryError error = CheckPages(database);
-  return error == RegistryError::kNone ? CheckRoot(database) : error;
+  const auto pages = CheckPages(database);
+  return pages ? CheckRoot(database) : pages;
 }
 
-RegistryError PrepareSchema(sqlite3* database, std::span<const std::u16string> initialKeys) {
-  RegistryError error = CheckSchema(database);
-  if (error == RegistryError::kNotFound) {
-    error = CreateWhereEmpty(database, initialKeys);
-    if (error == RegistryError::kNone) {
-      error = CheckSchema(database);
-    }
+Result<void, RegistryError> PrepareSchema(sqlite3* database,
+                                          std::span<const std::u16string> initialKeys) {
+  const auto checked = CheckSchema(database);
+  if (checked || checked.error() != RegistryError::kNotFound) {
+    return checked;
   }
-  return error;
+  const auto created = CreateIfEmpty(database, initialKeys);
+  return created ? CheckSchema(database) : created;
 }
 
 }  // namespace sqlite

@@ -17,12 +17,12 @@ inline constexpr std::int64_t kSchemaVersion = 1;
 
 /// Whether the database holds a registry. kNotFound if it holds nothing at all; kDamaged or
 /// kNewerStore if it holds anything else. Changes nothing.
-[[nodiscard]] platform::RegistryError CheckSchema(sqlite3* database);
+[[nodiscard]] platform::Result<void, platform::RegistryError> CheckSchema(sqlite3* database);
 
 /// Makes sure that the database holds a registry. A database that holds nothing at all gets one,
 /// with its root key and the keys `initialKeys`, in one step; one that holds anything else is left
 /// as it is and refused: kDamaged, kNewerStore.
-[[nodiscard]] platform::RegistryError PrepareSchema(sqlite3* database,
-                                                    std::span<const std::u16string> initialKeys);
+[[nodiscard]] platform::Result<void, platform::RegistryError> PrepareSchema(
+    sqlite3* database, std::span<const std::u16string> initialKeys);
 
 }  // namespace sqlite

@@ -7,48 +7,52 @@
 
 namespace sqlite {
 
+using platform::Failure;
 using platform::OpenedKey;
 using platform::RegistryError;
 using platform::RegistryType;
 using platform::RegistryValue;
+using platform::Result;
 
 class SqliteRegistry::Key final : public platform::RegistryKey {
  public:
   Key(SqliteRegistry& registry, std::int64_t key, std::shared_ptr<const Group> group)
       : m_registry(registry), m_key(key), m_group(std::move(group)) {}
 
-  RegistryError EnumerateSubkey(std::uint32_t index, std::u16string& name) override {
-    return Perform(
-        [&](const Store& store) { return store.SubkeyAt(m_key, index, m_subkey, name); });
+  using ItemName = Result<std::optional<std::u16string>, RegistryError>;
+
+  ItemName EnumerateSubkey(std::uint32_t index) override {
+    return Perform([&](const Store& store) { return store.SubkeyAt(m_key, index, m_subkey); });
   }
 
-  RegistryError EnumerateValue(std::uint32_t index, std::u16string& name) override {
-    return Perform([&](const Store& store) { return store.ValueAt(m_key, index, m_value, name); });
+  ItemName EnumerateValue(std::uint32_t index) override {
+    return Perform([&](const Store& store) { return store.ValueAt(m_key, index, m_value); });
   }
 
-  RegistryError Query(std::u16string_view valueName, RegistryValue& value) override {
-    return Perform([&](const Store& store) { return store.QueryValue(m_key, valueName, value); });
+  Result<RegistryValue, RegistryError> Query(std::u16string_view valueName) override {
+    return Perform([&](const Store& store) { return store.QueryValue(m_key, valueName); });
   }
 
-  RegistryError Set(std::u16string_view valueName, RegistryType type,
-                    std::span<const std::byte> bytes) override {
+  Result<void, RegistryError> Set(std::u16string_view valueName, RegistryType type,
+                                  std::span<const std::byte> bytes) override {
     if (!platform::IsValueName(valueName) || bytes.size() > platform::kMaxValueBytes) {
-      return RegistryError::kInvalid;
+      return Failure(RegistryError::kInvalid);
     }
     return Perform(
         [&](const Store& store) { return store.SetValue(m_key, valueName, type, bytes); });
   }
 
-  RegistryError DeleteValue(std::u16string_view valueName) override {
+  Result<void, RegistryError> DeleteValue(std::u16string_view valueName) override {
     return Perform([&](const Store& store) { return store.DeleteValue(m_key, valueName); });
   }
 
  private:
-  RegistryError Perform(const Call& call) {
-    return m_registry.Perform([&](const Store& store) {
+  template <typename Call>
+  auto Perform(const Call& call) -> std::invoke_result_t<Call, const Store&> {
+    return m_registry.Perform([&](const Store& store) -> std::invoke_result_t<Call, const Store&> {
       // The number of a key that was never kept may by now be that of another one.
       if (m_group && m_group->undone) {
-        return RegistryError::kNotFound;
+        return Failure(RegistryError::kNotFound);
       }
       return call(store);
     });
@@ -56,7 +60,7 @@ class SqliteRegistry::Key final : public platform::RegistryKey {
 
   SqliteRegistry& m_registry;
   std::int64_t m_key;
-  Position m_subkey;  ///< As m_value, used behind the gate.
+  Position m_subkey;  ///< As m_value, used inside the gate.
   Position m_value;
   std::shared_ptr<const Group> m_group;  ///< Within which the key was opened, if any.
 };
@@ -67,68 +71,73 @@ SqliteRegistry::SqliteRegistry(std::filesystem::path database, RegistryOptions o
 OpenedKey SqliteRegistry::OpenKey(std::u16string_view path) { return OpenWith(path, FindPath); }
 
 OpenedKey SqliteRegistry::CreateKey(std::u16string_view path) {
-  return OpenWith(path, [this](const Store& store, const KeyNames& names, std::int64_t& key) {
+  return OpenWith(path, [this](const Store& store, const KeyNames& names) {
     // A store that takes no writes still opens the keys it has.
-    const RegistryError error = FindPath(store, names, key);
-    return error == RegistryError::kNotFound ? CreateMissing(store, names, key) : error;
+    auto key = FindPath(store, names);
+    const bool isMissing = !key && key.error() == RegistryError::kNotFound;
+    return isMissing ? CreateMissing(store, names) : key;
   });
 }
 
-RegistryError SqliteRegistry::DeleteKey(std::u16string_view path) {
+Result<void, RegistryError> SqliteRegistry::DeleteKey(std::u16string_view path) {
   const auto names = platform::SplitKeyPath(path);
   if (!names || names->empty()) {
-    return RegistryError::kInvalid;
+    return Failure(RegistryError::kInvalid);
   }
   return Perform([&](const Store& store) {
-    std::int64_t key = kRootKey;
-    const RegistryError error = FindPath(store, *names, key);
-    return error == RegistryError::kNone ? store.DeleteKey(key) : error;
+    return FindPath(store, *names).and_then([&](std::int64_t key) { return store.DeleteKey(key); });
   });
 }
 
-RegistryError SqliteRegistry::BeginGroup() {
+Result<void, RegistryError> SqliteRegistry::BeginGroup() {
   const auto pass = m_gate.Enter();
   if (!pass) {
-    return RegistryError::kBusy;
+    return Failure(RegistryError::kBusy);
   }
   if (m_gate.GroupIsOpen()) {
-    return RegistryError::kInvalid;
+    return Failure(RegistryError::kInvalid);
   }
-  RegistryError error = Connect();
-  if (error == RegistryError::kNone && m_lacksRoom) {
+  auto ready = Connect();
+  if (ready && m_lacksRoom) {
+    ready = OpenForChanges();
     // Without room the group serves for reading.
-    error = OpenForChanges();
-    error = error == RegistryError::kFull && m_connection ? RegistryError::kNone : error;
+    if (!ready && ready.error() == RegistryError::kFull && m_connection) {
+      ready = {};
+    }
   }
-  if (error == RegistryError::kNone) {
-    error = m_connection->Begin();
+  if (ready) {
+    ready = m_connection->Begin();
   }
-  if (error != RegistryError::kNone) {
-    return error;
+  if (!ready) {
+    return ready;
   }
   m_group = std::make_shared<Group>();
   m_gate.OpenGroup();
-  return RegistryError::kNone;
+  return {};
 }
 
-RegistryError SqliteRegistry::CommitGroup() {
+Result<void, RegistryError> SqliteRegistry::CommitGroup() {
   const auto pass = m_gate.Enter();
   if (!pass) {
-    return RegistryError::kBusy;
+    return Failure(RegistryError::kBusy);
   }
   if (!m_gate.GroupIsOpen()) {
-    return RegistryError::kInvalid;
+    return Failure(RegistryError::kInvalid);
   }
-  RegistryError error = m_gate.Doom();
-  if (error == RegistryError::kNone) {
-    error = m_connection->Commit();
+  Result<void, RegistryError> committed;
+  if (const auto doom = m_gate.Doom()) {
+    committed = Failure(*doom);
+  } else {
+    committed = m_connection->Commit();
   }
-  if (error == RegistryError::kOther && m_isAlone) {
-    error = RegistryError::kFull;  // It is alone because there was no room a moment ago.
+  if (!committed && committed.error() == RegistryError::kOther && m_isAlone) {
+    committed = Failure(RegistryError::kFull);  // It is alone for lack of room a moment ago.
   }
-  NoteDamage(error);
-  EndGroup(error != RegistryError::kNone);
-  return error;
+  if (!committed) {
+    NoteDamage(committed.error());
+  }
+  EndGroup(!committed);
+  return committed;
 }
 
 void SqliteRegistry::CancelGroup() {
@@ -140,68 +149,86 @@ void SqliteRegistry::CancelGroup() {
   EndGroup(true);
 }
 
-RegistryError SqliteRegistry::Perform(const Call& call) {
+template <typename Call>
+auto SqliteRegistry::Perform(const Call& call) -> std::invoke_result_t<Call, const Store&> {
   const auto pass = m_gate.Enter();
   if (!pass) {
-    return RegistryError::kBusy;
+    return Failure(RegistryError::kBusy);
   }
-  if (m_gate.GroupIsOpen() && m_gate.Doom() != RegistryError::kNone) {
-    return m_gate.Doom();
+  if (const auto doom = m_gate.Doom()) {
+    return Failure(*doom);
   }
-  RegistryError error = Connect();
-  if (error != RegistryError::kNone) {
-    return error;
+  if (const auto connected = Connect(); !connected) {
+    return Failure(connected.error());
   }
-  error = call(m_connection->GetStore());
-  if (error == RegistryError::kReadOnly && m_lacksRoom) {
-    error = m_gate.GroupIsOpen() ? RegistryError::kFull : OpenForChanges();
-    error = error == RegistryError::kNone ? call(m_connection->GetStore()) : error;
+  auto result = call(m_connection->GetStore());
+  if (!result && result.error() == RegistryError::kReadOnly && m_lacksRoom) {
+    const auto opened = m_gate.GroupIsOpen()
+                            ? Result<void, RegistryError>(Failure(RegistryError::kFull))
+                            : OpenForChanges();
+    if (opened) {
+      result = call(m_connection->GetStore());
+    } else {
+      result = Failure(opened.error());
+    }
   }
-  if (error == RegistryError::kFull && !m_gate.GroupIsOpen() && OpenAlone() &&
-      call(m_connection->GetStore()) == RegistryError::kNone) {
-    error = RegistryError::kNone;
+  if (!result && result.error() == RegistryError::kFull && !m_gate.GroupIsOpen() && OpenAlone()) {
+    if (auto again = call(m_connection->GetStore())) {
+      result = std::move(again);
+    }
   }
+  if (!result) {
+    NoteFailure(result.error());
+  }
+  return result;
+}
+
+void SqliteRegistry::NoteFailure(RegistryError error) {
   NoteDamage(error);
   if (m_gate.GroupIsOpen() && platform::DoomsGroup(error)) {
     // The library may have undone the transaction already; what followed would stand alone.
     m_connection->Rollback();
     m_gate.SetDoom(error);
   }
-  return error;
 }
 
-RegistryError SqliteRegistry::Connect() {
+Result<void, RegistryError> SqliteRegistry::Connect() {
   if (m_damaged) {
-    return RegistryError::kDamaged;
+    return Failure(RegistryError::kDamaged);
   }
   if (m_connection) {
-    return RegistryError::kNone;
+    return {};
   }
-  const RegistryError error = Open(m_options.access);
-  m_lacksRoom = error == RegistryError::kFull && m_options.access == Access::kChange;
-  if (!m_lacksRoom || Open(Access::kRead) != RegistryError::kNone) {
-    return error;
+  auto opened = Open(m_options.access);
+  m_lacksRoom =
+      !opened && opened.error() == RegistryError::kFull && m_options.access == Access::kChange;
+  if (!m_lacksRoom || !Open(Access::kRead)) {
+    return opened;
   }
   // What is there can be read, so that what takes room can be deleted. A store that could not be
   // made is made by a later call.
   if (m_connection->IsStandIn()) {
     m_connection.reset();
-    return error;
+    return opened;
   }
-  return RegistryError::kNone;
+  return {};
 }
 
-RegistryError SqliteRegistry::Open(Access access) {
-  return Connection::Open({m_database, m_options.initialKeys, m_options.busyLimit,
-                           m_options.fileLayer, access, ++m_connectionCount},
-                          m_connection);
+Result<void, RegistryError> SqliteRegistry::Open(Access access) {
+  auto opened = Connection::Open({m_database, m_options.initialKeys, m_options.busyLimit,
+                                  m_options.fileLayer, access, ++m_connectionCount});
+  if (!opened) {
+    return Failure(opened.error());
+  }
+  m_connection = std::move(*opened);
+  return {};
 }
 
-RegistryError SqliteRegistry::OpenForChanges() {
+Result<void, RegistryError> SqliteRegistry::OpenForChanges() {
   // Alone first: if there is room by now, it was made for something else than an index.
-  const RegistryError error = OpenAlone() ? RegistryError::kNone : Open(Access::kChange);
-  m_lacksRoom = error != RegistryError::kNone;
-  return error;
+  const auto opened = OpenAlone() ? Result<void, RegistryError>() : Open(Access::kChange);
+  m_lacksRoom = !opened;
+  return opened;
 }
 
 bool SqliteRegistry::OpenAlone() {
@@ -209,7 +236,7 @@ bool SqliteRegistry::OpenAlone() {
     return false;
   }
   m_connection.reset();
-  m_isAlone = Open(Access::kChangeAlone) == RegistryError::kNone;
+  m_isAlone = Open(Access::kChangeAlone).has_value();
   if (!m_isAlone) {
     static_cast<void>(Connect());  // The next call reports why that fails.
   }
@@ -219,35 +246,32 @@ bool SqliteRegistry::OpenAlone() {
 OpenedKey SqliteRegistry::OpenWith(std::u16string_view path, const PathCall& find) {
   const auto names = platform::SplitKeyPath(path);
   if (!names) {
-    return {nullptr, RegistryError::kInvalid};
+    return Failure(RegistryError::kInvalid);
   }
-  OpenedKey opened;
-  opened.error = Perform([&](const Store& store) {
-    std::int64_t number = kRootKey;
-    const RegistryError error = find(store, *names, number);
-    if (error == RegistryError::kNone) {
-      opened.key = std::make_unique<Key>(*this, number, m_group);
+  return Perform([&](const Store& store) -> OpenedKey {
+    const auto number = find(store, *names);
+    if (!number) {
+      return Failure(number.error());
     }
-    return error;
+    return std::make_unique<Key>(*this, *number, m_group);
   });
-  return opened;
 }
 
-RegistryError SqliteRegistry::CreateMissing(const Store& store, const KeyNames& names,
-                                            std::int64_t& key) {
+Result<std::int64_t, RegistryError> SqliteRegistry::CreateMissing(const Store& store,
+                                                                  const KeyNames& names) {
   if (m_gate.GroupIsOpen()) {
-    return CreatePath(store, names, key);
+    return CreatePath(store, names);
   }
-  RegistryError error = m_connection->Begin();
-  if (error != RegistryError::kNone) {
-    return error;
+  if (const auto begun = m_connection->Begin(); !begun) {
+    return Failure(begun.error());
   }
-  error = CreatePath(store, names, key);
-  if (error == RegistryError::kNone) {
-    return m_connection->Commit();
+  auto key = CreatePath(store, names);
+  if (!key) {
+    m_connection->Rollback();
+  } else if (const auto committed = m_connection->Commit(); !committed) {
+    return Failure(committed.error());
   }
-  m_connection->Rollback();
-  return error;
+  return key;
 }
 
 void SqliteRegistry::NoteDamage(RegistryError error) {

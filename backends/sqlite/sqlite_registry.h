@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
 #include "backends/sqlite/connection.h"
@@ -44,9 +45,10 @@ class SqliteRegistry final : public platform::Registry {
 
   [[nodiscard]] platform::OpenedKey OpenKey(std::u16string_view path) override;
   [[nodiscard]] platform::OpenedKey CreateKey(std::u16string_view path) override;
-  [[nodiscard]] platform::RegistryError DeleteKey(std::u16string_view path) override;
-  [[nodiscard]] platform::RegistryError BeginGroup() override;
-  [[nodiscard]] platform::RegistryError CommitGroup() override;
+  [[nodiscard]] platform::Result<void, platform::RegistryError> DeleteKey(
+      std::u16string_view path) override;
+  [[nodiscard]] platform::Result<void, platform::RegistryError> BeginGroup() override;
+  [[nodiscard]] platform::Result<void, platform::RegistryError> CommitGroup() override;
   void CancelGroup() override;
 
  private:
@@ -54,24 +56,26 @@ class SqliteRegistry final : public platform::Registry {
   struct Group {
     bool undone = false;
   };
-  using Call = std::function<platform::RegistryError(const Store&)>;
-  using PathCall =
-      std::function<platform::RegistryError(const Store&, const KeyNames&, std::int64_t& key)>;
+  using PathCall = std::function<platform::Result<std::int64_t, platform::RegistryError>(
+      const Store&, const KeyNames&)>;
 
-  /// Runs `call` as one caller at a time, connected, and takes account of its failure.
-  [[nodiscard]] platform::RegistryError Perform(const Call& call);
+  /// Runs `call` as one caller at a time, connected, and takes account of its failure. `call` takes
+  /// the store and gives a Result of the registry.
+  template <typename Call>
+  [[nodiscard]] auto Perform(const Call& call) -> std::invoke_result_t<Call, const Store&>;
 
-  [[nodiscard]] platform::RegistryError Connect();
-  [[nodiscard]] platform::RegistryError Open(Access access);
+  [[nodiscard]] platform::Result<void, platform::RegistryError> Connect();
+  [[nodiscard]] platform::Result<void, platform::RegistryError> Open(Access access);
   /// Opens the registry for changes if it is open for reading for want of room.
-  [[nodiscard]] platform::RegistryError OpenForChanges();
+  [[nodiscard]] platform::Result<void, platform::RegistryError> OpenForChanges();
   /// Opens the database so that a change takes the least room. Everybody else is kept out until
   /// this object goes. Returns false if the database is open so already, or if another process has
   /// it open. Then there may be no connection.
   [[nodiscard]] bool OpenAlone();
   [[nodiscard]] platform::OpenedKey OpenWith(std::u16string_view path, const PathCall& find);
-  [[nodiscard]] platform::RegistryError CreateMissing(const Store& store, const KeyNames& names,
-                                                      std::int64_t& key);
+  [[nodiscard]] platform::Result<std::int64_t, platform::RegistryError> CreateMissing(
+      const Store& store, const KeyNames& names);
+  void NoteFailure(platform::RegistryError error);
   void NoteDamage(platform::RegistryError error);
   void EndGroup(bool undone);
 

@@ -9,16 +9,11 @@
 
 namespace sqlite {
 
+using platform::Failure;
 using platform::RegistryError;
+using platform::Result;
 
-namespace {
-
-/// Of a statement that gives no rows.
-RegistryError RunChange(Run& run) { return ToRegistryError(run.Step()); }
-
-}  // namespace
-
-RegistryError Store::Prepare(sqlite3* database, std::uint32_t number) {
+Result<void, RegistryError> Store::Prepare(sqlite3* database, std::uint32_t number) {
   constexpr unsigned kBitsOfNumber = 32;
   m_database = database;
   m_losses = std::uint64_t{number} << kBitsOfNumber;
@@ -50,127 +45,124 @@ RegistryError Store::Prepare(sqlite3* database, std::uint32_t number) {
     const int result = entry.statement.Prepare(database, entry.sql);
     // A table or column that is missing is a plain error to the library.
     if (result == SQLITE_ERROR) {
-      return RegistryError::kDamaged;
+      return Failure(RegistryError::kDamaged);
     }
     if (result != SQLITE_OK) {
-      return ToRegistryError(result);
+      return ToResult(result);
     }
   }
-  return RegistryError::kNone;
+  return {};
 }
 
-RegistryError Store::FindKey(std::int64_t parent, std::u16string_view name,
-                             std::int64_t& key) const {
+Result<std::int64_t, RegistryError> Store::FindKey(std::int64_t parent,
+                                                   std::u16string_view name) const {
   const std::u16string folded = text::FoldName(name);
   Run run(m_findKey);
   const int result = run.Integer(parent).Text(folded).Step();
-  if (result == SQLITE_DONE) {
-    return RegistryError::kNotFound;
-  }
   if (result == SQLITE_ROW) {
-    key = run.IntegerAt(0);
+    return run.IntegerAt(0);
   }
-  return ToRegistryError(result);
+  return Failure(result == SQLITE_DONE ? RegistryError::kNotFound : ToRegistryError(result));
 }
 
-RegistryError Store::InsertKey(std::int64_t parent, std::u16string_view name,
-                               std::int64_t& key) const {
+Result<std::int64_t, RegistryError> Store::InsertKey(std::int64_t parent,
+                                                     std::u16string_view name) const {
   const std::u16string folded = text::FoldName(name);
   Run run(m_insertKey);
-  const RegistryError error = RunChange(run.Integer(parent).Text(name).Text(folded));
-  if (error == RegistryError::kNone) {
-    key = sqlite3_last_insert_rowid(m_database);
+  const auto inserted = ToResult(run.Integer(parent).Text(name).Text(folded).Step());
+  if (!inserted) {
+    return Failure(inserted.error());
   }
-  return error;
+  return sqlite3_last_insert_rowid(m_database);
 }
 
-RegistryError Store::DeleteKey(std::int64_t key) const {
+Result<void, RegistryError> Store::DeleteKey(std::int64_t key) const {
   Run run(m_deleteKey);
-  const RegistryError error = RunChange(run.Integer(key));
-  if (error != RegistryError::kNone) {
-    return error;
-  }
-  ++m_losses;
-  return sqlite3_changes(m_database) == 0 ? RegistryError::kNotFound : RegistryError::kNone;
+  return RunDeletion(run.Integer(key));
 }
 
-RegistryError Store::SubkeyAt(std::int64_t key, std::uint32_t index, Position& position,
-                              std::u16string& name) const {
-  return NameAt(m_subkeys, key, index, position, name);
+Result<std::optional<std::u16string>, RegistryError> Store::SubkeyAt(std::int64_t key,
+                                                                     std::uint32_t index,
+                                                                     Position& position) const {
+  return NameAt(m_subkeys, key, index, position);
 }
 
-RegistryError Store::ValueAt(std::int64_t key, std::uint32_t index, Position& position,
-                             std::u16string& name) const {
-  return NameAt(m_values, key, index, position, name);
+Result<std::optional<std::u16string>, RegistryError> Store::ValueAt(std::int64_t key,
+                                                                    std::uint32_t index,
+                                                                    Position& position) const {
+  return NameAt(m_values, key, index, position);
 }
 
-RegistryError Store::QueryValue(std::int64_t key, std::u16string_view name,
-                                platform::RegistryValue& value) const {
+Result<platform::RegistryValue, RegistryError> Store::QueryValue(std::int64_t key,
+                                                                 std::u16string_view name) const {
   const std::u16string folded = text::FoldName(name);
   Run run(m_queryValue);
   const int result = run.Integer(key).Text(folded).Step();
-  if (result == SQLITE_DONE) {
-    return RegistryError::kNotFound;
-  }
   if (result != SQLITE_ROW) {
-    return ToRegistryError(result);
+    return Failure(result == SQLITE_DONE ? RegistryError::kNotFound : ToRegistryError(result));
   }
   std::vector<std::byte> bytes = run.BytesAt(1);
   if (bytes.size() > platform::kMaxValueBytes) {
-    return RegistryError::kInvalid;
+    return Failure(RegistryError::kInvalid);
   }
-  value.type = static_cast<platform::RegistryType>(run.IntegerAt(0));
-  value.bytes = std::move(bytes);
-  return RegistryError::kNone;
+  return platform::RegistryValue{static_cast<platform::RegistryType>(run.IntegerAt(0)),
+                                 std::move(bytes)};
 }
 
-RegistryError Store::SetValue(std::int64_t key, std::u16string_view name,
-                              platform::RegistryType type, std::span<const std::byte> bytes) const {
+Result<void, RegistryError> Store::SetValue(std::int64_t key, std::u16string_view name,
+                                            platform::RegistryType type,
+                                            std::span<const std::byte> bytes) const {
   const std::u16string folded = text::FoldName(name);
   Run run(m_setValue);
   run.Integer(key).Text(name).Text(folded);
-  return RunChange(run.Integer(static_cast<std::uint32_t>(type)).Bytes(bytes));
+  return ToResult(run.Integer(static_cast<std::uint32_t>(type)).Bytes(bytes).Step());
 }
 
-RegistryError Store::DeleteValue(std::int64_t key, std::u16string_view name) const {
+Result<void, RegistryError> Store::DeleteValue(std::int64_t key, std::u16string_view name) const {
   const std::u16string folded = text::FoldName(name);
   Run run(m_deleteValue);
-  const RegistryError error = RunChange(run.Integer(key).Text(folded));
-  if (error != RegistryError::kNone) {
-    return error;
+  return RunDeletion(run.Integer(key).Text(folded));
+}
+
+Result<void, RegistryError> Store::RunDeletion(Run& run) const {
+  const auto deleted = ToResult(run.Step());
+  if (!deleted) {
+    return deleted;
   }
   ++m_losses;
-  return sqlite3_changes(m_database) == 0 ? RegistryError::kNotFound : RegistryError::kNone;
+  if (sqlite3_changes(m_database) == 0) {
+    return Failure(RegistryError::kNotFound);
+  }
+  return {};
 }
 
-RegistryError Store::NameAt(const Enumeration& items, std::int64_t key, std::uint32_t index,
-                            Position& position, std::u16string& name) const {
-  if (const auto found = NameFrom(items, key, index, position, name)) {
-    return *found;
+Store::Name Store::NameAt(const Enumeration& items, std::int64_t key, std::uint32_t index,
+                          Position& position) const {
+  if (Name found = NameFrom(items, key, index, position); !found || *found) {
+    return found;
   }
   Run run(items.at);
-  int result = run.Integer(key).Integer(index).Step();
+  const int result = run.Integer(key).Integer(index).Step();
   if (result == SQLITE_ROW) {
-    name = run.TextAt(0);
     const auto version = ReadVersion();
     position = {version.has_value(), index, run.IntegerAt(1), version.value_or(0), m_losses};
+    return run.TextAt(0);
   }
   if (result != SQLITE_DONE) {
-    return ToRegistryError(result);
+    return Failure(ToRegistryError(result));
   }
   Run exists(m_keyExists);
-  result = exists.Integer(key).Step();
-  if (result == SQLITE_DONE) {
-    return RegistryError::kNotFound;
+  const int existence = exists.Integer(key).Step();
+  if (existence == SQLITE_ROW) {
+    return std::nullopt;
   }
-  return result == SQLITE_ROW ? RegistryError::kNoMoreItems : ToRegistryError(result);
+  return Failure(existence == SQLITE_DONE ? RegistryError::kNotFound : ToRegistryError(existence));
 }
 
-std::optional<RegistryError> Store::NameFrom(const Enumeration& items, std::int64_t key,
-                                             std::uint32_t index, Position& position,
-                                             std::u16string& name) const {
+Store::Name Store::NameFrom(const Enumeration& items, std::int64_t key, std::uint32_t index,
+                            Position& position) const {
   const bool isSame = index == position.index;
-  // New items come behind all others, so that only what goes moves an item to another index.
+  // New items come after all others, so that only what goes moves an item to another index.
   if (!position.isKnown || position.losses != m_losses ||
       (!isSame && index != position.index + 1)) {
     return std::nullopt;
@@ -178,14 +170,15 @@ std::optional<RegistryError> Store::NameFrom(const Enumeration& items, std::int6
   Run run(items.behind);
   const int result = run.Integer(key).Integer(isSame ? position.id - 1 : position.id).Step();
   if (result == SQLITE_ROW && ReadVersion() == position.version) {
-    name = run.TextAt(0);
     position.index = index;
     position.id = run.IntegerAt(1);
-    return RegistryError::kNone;
+    return run.TextAt(0);
   }
   // A failure may have undone the group, and must not be passed over.
-  return result == SQLITE_ROW || result == SQLITE_DONE ? std::nullopt
-                                                       : std::optional(ToRegistryError(result));
+  if (result != SQLITE_ROW && result != SQLITE_DONE) {
+    return Failure(ToRegistryError(result));
+  }
+  return std::nullopt;
 }
 
 std::optional<std::int64_t> Store::ReadVersion() const {

@@ -25,33 +25,36 @@ struct Position {
 /// its number, which is never used again once the key is deleted.
 class Store {
  public:
-  /// Prepares the statements for `database`, which outlives this object. kDamaged if it lacks what
-  /// they need. `number` keeps apart the stores of one registry: a position that another one gave
-  /// counts as unknown.
-  [[nodiscard]] platform::RegistryError Prepare(sqlite3* database, std::uint32_t number);
+  /// Prepares the statements for `database`, which outlives this object. Fails with kDamaged if the
+  /// database lacks what they need. `number` keeps apart the stores of one registry: a position
+  /// that another one gave counts as unknown.
+  [[nodiscard]] platform::Result<void, platform::RegistryError> Prepare(sqlite3* database,
+                                                                        std::uint32_t number);
 
-  /// Stores the number of the subkey `name` of `parent` in `key`.
-  [[nodiscard]] platform::RegistryError FindKey(std::int64_t parent, std::u16string_view name,
-                                                std::int64_t& key) const;
-  [[nodiscard]] platform::RegistryError InsertKey(std::int64_t parent, std::u16string_view name,
-                                                  std::int64_t& key) const;
-  [[nodiscard]] platform::RegistryError DeleteKey(std::int64_t key) const;
+  /// Returns the number of the subkey `name` of `parent`.
+  [[nodiscard]] platform::Result<std::int64_t, platform::RegistryError> FindKey(
+      std::int64_t parent, std::u16string_view name) const;
+  /// Returns the number of the new key.
+  [[nodiscard]] platform::Result<std::int64_t, platform::RegistryError> InsertKey(
+      std::int64_t parent, std::u16string_view name) const;
+  [[nodiscard]] platform::Result<void, platform::RegistryError> DeleteKey(std::int64_t key) const;
 
-  // `position` is that of the last call for this key; it only makes the call cheaper.
-  [[nodiscard]] platform::RegistryError SubkeyAt(std::int64_t key, std::uint32_t index,
-                                                 Position& position, std::u16string& name) const;
-  [[nodiscard]] platform::RegistryError ValueAt(std::int64_t key, std::uint32_t index,
-                                                Position& position, std::u16string& name) const;
+  // `position` is that of the last call for this key. It only makes the call cheaper. Both return
+  // nothing if `index` is past the last item.
+  [[nodiscard]] platform::Result<std::optional<std::u16string>, platform::RegistryError> SubkeyAt(
+      std::int64_t key, std::uint32_t index, Position& position) const;
+  [[nodiscard]] platform::Result<std::optional<std::u16string>, platform::RegistryError> ValueAt(
+      std::int64_t key, std::uint32_t index, Position& position) const;
 
-  [[nodiscard]] platform::RegistryError QueryValue(std::int64_t key, std::u16string_view name,
-                                                   platform::RegistryValue& value) const;
-  [[nodiscard]] platform::RegistryError SetValue(std::int64_t key, std::u16string_view name,
-                                                 platform::RegistryType type,
-                                                 std::span<const std::byte> bytes) const;
-  [[nodiscard]] platform::RegistryError DeleteValue(std::int64_t key,
-                                                    std::u16string_view name) const;
+  [[nodiscard]] platform::Result<platform::RegistryValue, platform::RegistryError> QueryValue(
+      std::int64_t key, std::u16string_view name) const;
+  [[nodiscard]] platform::Result<void, platform::RegistryError> SetValue(
+      std::int64_t key, std::u16string_view name, platform::RegistryType type,
+      std::span<const std::byte> bytes) const;
+  [[nodiscard]] platform::Result<void, platform::RegistryError> DeleteValue(
+      std::int64_t key, std::u16string_view name) const;
 
-  /// To be told whenever changes were undone.
+  /// To be called whenever changes were undone.
   void NoteUndone() const { ++m_losses; }
 
  private:
@@ -61,15 +64,16 @@ class Store {
     Statement behind;  ///< By the number before theirs.
   };
 
-  [[nodiscard]] platform::RegistryError NameAt(const Enumeration& items, std::int64_t key,
-                                               std::uint32_t index, Position& position,
-                                               std::u16string& name) const;
-  /// Nothing where the item has to be found by its index.
-  [[nodiscard]] std::optional<platform::RegistryError> NameFrom(const Enumeration& items,
-                                                                std::int64_t key,
-                                                                std::uint32_t index,
-                                                                Position& position,
-                                                                std::u16string& name) const;
+  /// Runs a statement that deletes. Fails with kNotFound if there was nothing to delete.
+  [[nodiscard]] platform::Result<void, platform::RegistryError> RunDeletion(Run& run) const;
+
+  using Name = platform::Result<std::optional<std::u16string>, platform::RegistryError>;
+
+  [[nodiscard]] Name NameAt(const Enumeration& items, std::int64_t key, std::uint32_t index,
+                            Position& position) const;
+  /// Returns no name if the item has to be found by its index.
+  [[nodiscard]] Name NameFrom(const Enumeration& items, std::int64_t key, std::uint32_t index,
+                              Position& position) const;
   /// Of the state of the database that a statement reads which has not ended.
   [[nodiscard]] std::optional<std::int64_t> ReadVersion() const;
 

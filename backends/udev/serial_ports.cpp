@@ -15,7 +15,9 @@
 namespace udev_ports {
 namespace {
 
+using platform::Failure;
 using platform::RegistryError;
+using platform::Result;
 using platform::SerialDevice;
 
 /// Returns what nodes are compared by: the kind, the length of the number, and the number. So
@@ -151,87 +153,89 @@ std::optional<int> ParsePortName(const std::u16string& name) {
              : std::nullopt;
 }
 
-RegistryError ReadKnownPorts(platform::RegistryKey& key, PortNumbers& numbers) {
-  std::u16string name;
-  RegistryError error = RegistryError::kNone;
-  // Another program's name or value that is too long to be read, kInvalid, is passed over.
-  const auto goesOn = [](RegistryError code) {
-    return code == RegistryError::kNone || code == RegistryError::kInvalid;
-  };
-  for (std::uint32_t i = 0; goesOn(error = key.EnumerateValue(i, name)); ++i) {
-    platform::RegistryValue value;
-    error = error == RegistryError::kNone ? key.Query(name, value) : error;
-    if (!goesOn(error)) {
-      return error;
+Result<PortNumbers, RegistryError> ReadKnownPorts(platform::RegistryKey& key) {
+  PortNumbers numbers;
+  for (std::uint32_t i = 0;; ++i) {
+    const auto name = key.EnumerateValue(i);
+    if (name && !*name) {
+      return numbers;
     }
-    if (error != RegistryError::kNone) {
-      continue;
+    const auto value = name ? key.Query(**name) : Failure(name.error());
+    if (!value && value.error() != RegistryError::kInvalid) {
+      return Failure(value.error());
     }
-    const std::optional<int> number = ParsePortName(name);
-    if (const auto identity = platform::ToText(value); number && identity) {
+    if (!value) {
+      continue;  // Another program's name or value is too long to be read. It is passed over.
+    }
+    const std::optional<int> number = ParsePortName(**name);
+    if (const auto identity = platform::ToText(*value); number && identity) {
       numbers.emplace(*number, *identity);
     }
   }
-  return error == RegistryError::kNoMoreItems ? RegistryError::kNone : error;
 }
 
-RegistryError WriteActivePort(platform::Registry& registry, int number,
-                              const SerialDevice& device) {
+Result<void, RegistryError> WriteActivePort(platform::Registry& registry, int number,
+                                            const SerialDevice& device) {
   const auto path =
       std::u16string(platform::kActiveDriversKey).append(u"\\").append(Decimal(number));
   const platform::OpenedKey port = registry.CreateKey(path);
-  if (!port.key) {
-    return port.error;
+  if (!port) {
+    return Failure(port.error());
   }
-  const RegistryError error =
-      platform::SetText(*port.key, platform::kDriverNameValue, PortName(number));
-  return error == RegistryError::kNone
-             ? platform::SetText(*port.key, platform::kDriverDeviceValue, device.node)
-             : error;
+  return platform::SetText(**port, platform::kDriverNameValue, PortName(number)).and_then([&] {
+    return platform::SetText(**port, platform::kDriverDeviceValue, device.node);
+  });
 }
 
-RegistryError WritePorts(platform::Registry& registry, const std::vector<SerialDevice>& ports) {
+Result<void, RegistryError> WritePorts(platform::Registry& registry,
+                                       const std::vector<SerialDevice>& ports) {
   const platform::OpenedKey known = registry.CreateKey(kKnownPortsKey);
-  if (!known.key) {
-    return known.error;
+  if (!known) {
+    return Failure(known.error());
   }
-  PortNumbers numbers;
-  RegistryError error = ReadKnownPorts(*known.key, numbers);
-  if (error != RegistryError::kNone) {
-    return error;
+  auto numbers = ReadKnownPorts(**known);
+  if (!numbers) {
+    return Failure(numbers.error());
   }
-  const std::vector<std::u16string> identities = IdentitiesOf(ports, numbers);
-  const auto assigned = AssignNumbers(identities, numbers);
-  error = registry.DeleteKey(platform::kActiveDriversKey);
-  if (error != RegistryError::kNone && error != RegistryError::kNotFound) {
-    return error;
+  const std::vector<std::u16string> identities = IdentitiesOf(ports, *numbers);
+  const auto assigned = AssignNumbers(identities, *numbers);
+  const auto deleted = registry.DeleteKey(platform::kActiveDriversKey);
+  if (!deleted && deleted.error() != RegistryError::kNotFound) {
+    return deleted;
   }
   const platform::OpenedKey active = registry.CreateKey(platform::kActiveDriversKey);
-  error = active.error;
-  for (std::size_t i = 0; i < ports.size() && error == RegistryError::kNone; ++i) {
-    if (assigned[i]) {
-      error = platform::SetText(*known.key, PortName(*assigned[i]), identities[i]);
-      error =
-          error == RegistryError::kNone ? WriteActivePort(registry, *assigned[i], ports[i]) : error;
+  if (!active) {
+    return Failure(active.error());
+  }
+  for (std::size_t i = 0; i < ports.size(); ++i) {
+    if (!assigned[i]) {
+      continue;
+    }
+    const auto written =
+        platform::SetText(**known, PortName(*assigned[i]), identities[i]).and_then([&] {
+          return WriteActivePort(registry, *assigned[i], ports[i]);
+        });
+    if (!written) {
+      return written;
     }
   }
-  return error;
+  return {};
 }
 
 }  // namespace
 
-RegistryError PublishSerialPorts(platform::Registry& registry, platform::SerialDevices& devices) {
+Result<void, RegistryError> PublishSerialPorts(platform::Registry& registry,
+                                               platform::SerialDevices& devices) {
   auto ports = devices.List();
   if (!ports) {
-    return RegistryError::kNotFound;
+    return Failure(RegistryError::kNotFound);
   }
   SortByNode(*ports);
-  platform::RegistryGroup group(registry);
-  if (group.BeginError() != RegistryError::kNone) {
-    return group.BeginError();
+  auto group = platform::RegistryGroup::Begin(registry);
+  if (!group) {
+    return Failure(group.error());
   }
-  const RegistryError error = WritePorts(registry, *ports);
-  return error == RegistryError::kNone ? group.Commit() : error;
+  return WritePorts(registry, *ports).and_then([&] { return group->Commit(); });
 }
 
 }  // namespace udev_ports

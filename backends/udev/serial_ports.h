@@ -17,8 +17,8 @@ inline constexpr std::u16string_view kKnownPortsKey = u"Drivers\\Serial ports";
 /// Makes the active drivers of the registry the serial ports that the machine has now. The same
 /// port has the same name each time, and the name of one that was unplugged is given to no other.
 /// Where the ports cannot be told or the store does not take all of it, everything stays as it was.
-[[nodiscard]] platform::RegistryError PublishSerialPorts(platform::Registry& registry,
-                                                         platform::SerialDevices& devices);
+[[nodiscard]] platform::Result<void, platform::RegistryError> PublishSerialPorts(
+    platform::Registry& registry, platform::SerialDevices& devices);
 
 /// The name of a port has one digit or two.
 inline constexpr int kLowestPort = 1;

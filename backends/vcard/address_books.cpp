@@ -77,9 +77,13 @@ bool AddressBooks::RememberChoice() {
   if (!m_options.choice || m_options.changesNothing) {
     return true;
   }
-  const RegistryError error = vcard::RememberChoice(m_registry, *m_options.choice);
+  const auto remembered = vcard::RememberChoice(m_registry, *m_options.choice);
+  if (remembered) {
+    return true;
+  }
+  const RegistryError error = remembered.error();
   if (error != RegistryError::kFull && error != RegistryError::kReadOnly) {
-    return error == RegistryError::kNone || Fail(Problem::kStore);
+    return Fail(Problem::kStore);
   }
   m_bookRemarks.push_back(
       {std::u16string(kContactsKey), 0, "the choice of the address book cannot be remembered"});

@@ -12,7 +12,9 @@
 
 namespace vcard {
 
+using platform::Failure;
 using platform::RegistryError;
+using platform::Result;
 
 namespace {
 
@@ -51,26 +53,25 @@ bool OidMap::Load() {
   m_remarks.clear();
   m_lastKeyNumber = 0;
   const platform::OpenedKey opened = m_registry.OpenKey(kContactsKey);
-  if (!opened.key) {
-    return opened.error == RegistryError::kNotFound;
+  if (!opened) {
+    return opened.error() == RegistryError::kNotFound;
   }
-  std::u16string keyName;
   for (std::uint32_t i = 0;; ++i) {
-    const RegistryError error = opened.key->EnumerateSubkey(i, keyName);
-    if (error != RegistryError::kNone) {
-      return error == RegistryError::kNoMoreItems;
+    const auto keyName = (*opened)->EnumerateSubkey(i);
+    if (keyName && !*keyName) {
+      return true;
     }
-    if (LoadBook(keyName) != RegistryError::kNone) {
+    if (!keyName || !LoadBook(**keyName)) {
       return false;
     }
   }
 }
 
-RegistryError OidMap::LoadBook(const std::u16string& keyName) {
+Result<void, RegistryError> OidMap::LoadBook(const std::u16string& keyName) {
   const std::u16string path = std::u16string(kContactsKey) + u'\\' + keyName;
   const auto passOver = [&](std::string why) {
     m_remarks.push_back({path, 0, std::move(why)});
-    return RegistryError::kNone;
+    return Result<void, RegistryError>();
   };
   const std::optional<std::uint32_t> number = ParseKeyNumber(keyName);
   if (!number) {
@@ -78,12 +79,11 @@ RegistryError OidMap::LoadBook(const std::u16string& keyName) {
   }
   m_lastKeyNumber = std::max(m_lastKeyNumber, *number);
   const platform::OpenedKey opened = m_registry.OpenKey(path);
-  platform::RegistryValue value;
-  const RegistryError error = opened.key ? opened.key->Query(kSourceValue, value) : opened.error;
-  if (error != RegistryError::kNone && !IsOdd(error)) {
-    return error;
+  const auto value = opened ? (*opened)->Query(kSourceValue) : Failure(opened.error());
+  if (!value && !IsOdd(value.error())) {
+    return Failure(value.error());
   }
-  const auto source = error == RegistryError::kNone ? ToText(value) : std::nullopt;
+  const auto source = value ? ToText(*value) : std::nullopt;
   if (!source || source->empty()) {
     return passOver("the value \"source\" names no address book, and the key is passed over");
   }
@@ -93,7 +93,7 @@ RegistryError OidMap::LoadBook(const std::u16string& keyName) {
   KnownBook& book = m_books[*source];
   book.keyPath = path;
   return book.contacts.Load(
-      *opened.key,
+      **opened,
       [&](const std::u16string& name, const std::string& what) {
         m_remarks.push_back(
             {path, 0,
@@ -108,11 +108,11 @@ bool OidMap::Assign(std::span<const Book> books, Keeping keeping,
   if (keeping == Keeping::kInMemory || !HasChanged()) {
     return true;
   }
-  const RegistryError error = Store(books);
-  if (error == RegistryError::kFull || error == RegistryError::kReadOnly) {
-    NoteUnkept(error);
-  } else if (error != RegistryError::kNone) {
-    return false;
+  if (const auto stored = Store(books); !stored) {
+    if (stored.error() != RegistryError::kFull && stored.error() != RegistryError::kReadOnly) {
+      return false;
+    }
+    NoteUnkept(stored.error());
   }
   // Again, as another process may have given numbers since.
   oids = Recognise(books);
@@ -127,34 +127,34 @@ void OidMap::NoteUnkept(RegistryError error) {
   }
 }
 
-RegistryError OidMap::Store(std::span<const Book> books) {
-  platform::RegistryGroup group(m_registry);
-  if (group.BeginError() != RegistryError::kNone) {
-    return group.BeginError();
+Result<void, RegistryError> OidMap::Store(std::span<const Book> books) {
+  auto group = platform::RegistryGroup::Begin(m_registry);
+  if (!group) {
+    return Failure(group.error());
   }
   // Another process may have given numbers since; within the group nobody else can.
   if (!Load()) {
-    return RegistryError::kOther;
+    return Failure(RegistryError::kOther);
   }
   static_cast<void>(Recognise(books));
   for (const Book& book : books) {
-    if (const RegistryError error = StoreBook(book); error != RegistryError::kNone) {
-      return error;
+    if (const auto stored = StoreBook(book); !stored) {
+      return stored;
     }
   }
-  const RegistryError error = group.Commit();
-  if (error == RegistryError::kNone) {
+  const auto committed = group->Commit();
+  if (committed) {
     for (auto& [source, book] : m_books) {
       book.contacts.SetSaved();
     }
   }
-  return error;
+  return committed;
 }
 
-RegistryError OidMap::StoreBook(const Book& book) {
+Result<void, RegistryError> OidMap::StoreBook(const Book& book) {
   KnownBook& known = m_books.at(book.name);
   if (!known.contacts.HasChanged()) {
-    return RegistryError::kNone;
+    return {};
   }
   const bool isNew = known.keyPath.empty();
   if (isNew) {
@@ -163,12 +163,15 @@ RegistryError OidMap::StoreBook(const Book& book) {
   }
   const platform::OpenedKey opened =
       isNew ? m_registry.CreateKey(known.keyPath) : m_registry.OpenKey(known.keyPath);
-  if (!opened.key) {
-    return opened.error;
+  if (!opened) {
+    return Failure(opened.error());
   }
-  const RegistryError error =
-      isNew ? SetText(*opened.key, kSourceValue, book.name) : RegistryError::kNone;
-  return error == RegistryError::kNone ? known.contacts.Save(*opened.key) : error;
+  if (isNew) {
+    if (const auto named = SetText(**opened, kSourceValue, book.name); !named) {
+      return named;
+    }
+  }
+  return known.contacts.Save(**opened);
 }
 
 std::vector<std::vector<std::int32_t>> OidMap::Recognise(std::span<const Book> books) {

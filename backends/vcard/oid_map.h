@@ -55,9 +55,10 @@ class OidMap {
     StoredBook contacts;
   };
 
-  [[nodiscard]] platform::RegistryError LoadBook(const std::u16string& keyName);
-  [[nodiscard]] platform::RegistryError Store(std::span<const Book> books);
-  [[nodiscard]] platform::RegistryError StoreBook(const Book& book);
+  [[nodiscard]] platform::Result<void, platform::RegistryError> LoadBook(
+      const std::u16string& keyName);
+  [[nodiscard]] platform::Result<void, platform::RegistryError> Store(std::span<const Book> books);
+  [[nodiscard]] platform::Result<void, platform::RegistryError> StoreBook(const Book& book);
   /// Recognises the contacts of each book, and notes what is new of them.
   [[nodiscard]] std::vector<std::vector<std::int32_t>> Recognise(std::span<const Book> books);
   [[nodiscard]] std::vector<std::int32_t> Recognise(const Book& book);

@@ -35,15 +35,14 @@ bool RecallChoice(platform::Registry& registry, std::optional<SourceChoice>& cho
                   std::vector<Remark>& remarks) {
   choice.reset();
   const platform::OpenedKey opened = registry.OpenKey(kContactsKey);
-  if (!opened.key) {
-    return opened.error == RegistryError::kNotFound;
+  if (!opened) {
+    return opened.error() == RegistryError::kNotFound;
   }
-  platform::RegistryValue value;
-  const RegistryError error = opened.key->Query(kChoiceValue, value);
-  if (error != RegistryError::kNone) {
-    return error == RegistryError::kNotFound;
+  const auto value = (*opened)->Query(kChoiceValue);
+  if (!value) {
+    return value.error() == RegistryError::kNotFound;
   }
-  const std::optional<std::u16string> text = ToText(value);
+  const std::optional<std::u16string> text = ToText(*value);
   if (!text || text->empty()) {
     remarks.push_back({std::u16string(kContactsKey), 0,
                        "the value \"chosen\" names no address book and is passed over"});
@@ -53,16 +52,18 @@ bool RecallChoice(platform::Registry& registry, std::optional<SourceChoice>& cho
   return true;
 }
 
-RegistryError RememberChoice(platform::Registry& registry, const SourceChoice& choice) {
+platform::Result<void, RegistryError> RememberChoice(platform::Registry& registry,
+                                                     const SourceChoice& choice) {
   std::optional<SourceChoice> remembered;
   std::vector<Remark> ignored;  // What is odd gives way to the user's own choice.
   if (RecallChoice(registry, remembered, ignored) && remembered == choice) {
-    return RegistryError::kNone;
+    return {};
   }
   const platform::OpenedKey opened = registry.CreateKey(kContactsKey);
-  return opened.key
-             ? SetText(*opened.key, kChoiceValue, choice.path.empty() ? kDesktop : choice.path)
-             : opened.error;
+  if (!opened) {
+    return platform::Failure(opened.error());
+  }
+  return SetText(**opened, kChoiceValue, choice.path.empty() ? kDesktop : choice.path);
 }
 
 }  // namespace vcard

@@ -27,8 +27,8 @@ struct SourceChoice {
 [[nodiscard]] bool RecallChoice(platform::Registry& registry, std::optional<SourceChoice>& choice,
                                 std::vector<Remark>& remarks);
 
-/// Returns kNone if it is remembered. If it was remembered before, nothing is written.
-[[nodiscard]] platform::RegistryError RememberChoice(platform::Registry& registry,
-                                                     const SourceChoice& choice);
+/// Writes nothing if this choice is remembered already.
+[[nodiscard]] platform::Result<void, platform::RegistryError> RememberChoice(
+    platform::Registry& registry, const SourceChoice& choice);
 
 }  // namespace vcard

@@ -77,21 +77,24 @@ std::string Describe(std::size_t odd, std::size_t rest) {
 
 }  // namespace
 
-RegistryError StoredBook::ForEachValue(platform::RegistryKey& key, const std::u16string& prefix,
-                                       const Series& each) {
+platform::Result<void, RegistryError> StoredBook::ForEachValue(platform::RegistryKey& key,
+                                                               const std::u16string& prefix,
+                                                               const Series& each) {
   for (std::size_t number = 0;; ++number) {
     const std::u16string name = prefix + text::FromUtf8(std::to_string(number));
-    platform::RegistryValue value;
-    const RegistryError error = key.Query(name, value);
-    if (error != RegistryError::kNone) {
-      return error == RegistryError::kNotFound ? RegistryError::kNone : error;
+    const auto value = key.Query(name);
+    if (!value && value.error() == RegistryError::kNotFound) {
+      return {};
     }
-    each(name, value);
+    if (!value) {
+      return platform::Failure(value.error());
+    }
+    each(name, *value);
   }
 }
 
-RegistryError StoredBook::Load(platform::RegistryKey& key, const Sink& sink,
-                               std::unordered_set<std::int32_t>& taken) {
+platform::Result<void, RegistryError> StoredBook::Load(platform::RegistryKey& key, const Sink& sink,
+                                                       std::unordered_set<std::int32_t>& taken) {
   using LoadEntries = void (StoredBook::*)(std::span<const std::byte>,
                                            std::unordered_set<std::int32_t>&, std::size_t&);
   // Whether the value holds nothing but entries.
@@ -109,12 +112,12 @@ RegistryError StoredBook::Load(platform::RegistryKey& key, const Sink& sink,
     }
     return odd == 0 && rest == 0;
   };
-  const RegistryError error = ForEachValue(key, kPeople, [&](const auto& name, const auto& value) {
+  const auto read = ForEachValue(key, kPeople, [&](const auto& name, const auto& value) {
     m_values.emplace_back();
     m_values.back().isOdd = !load(name, value, kPersonSize, &StoredBook::LoadPeople);
   });
-  if (error != RegistryError::kNone) {
-    return error;
+  if (!read) {
+    return read;
   }
   return ForEachValue(key, u"", [&](const auto& name, const auto& value) {
     static_cast<void>(load(name, value, kFormerSize, &StoredBook::LoadFormer));
@@ -165,7 +168,7 @@ void StoredBook::LoadFormer(std::span<const std::byte> bytes,
   }
 }
 
-RegistryError StoredBook::Save(platform::RegistryKey& key) const {
+platform::Result<void, RegistryError> StoredBook::Save(platform::RegistryKey& key) const {
   for (std::size_t number = 0; number < m_values.size(); ++number) {
     const Value& value = m_values[number];
     if (!value.hasChanged) {
@@ -176,13 +179,13 @@ RegistryError StoredBook::Save(platform::RegistryKey& key) const {
     for (const std::size_t index : value.people) {
       AppendPerson(m_people[index], bytes);
     }
-    const RegistryError error =
+    const auto written =
         key.Set(kPeople + text::FromUtf8(std::to_string(number)), RegistryType::kBinary, bytes);
-    if (error != RegistryError::kNone) {
-      return error;
+    if (!written) {
+      return written;
     }
   }
-  return RegistryError::kNone;
+  return {};
 }
 
 void StoredBook::SetSaved() {

@@ -35,11 +35,12 @@ class StoredBook {
 
   /// Adds the numbers of the book to `taken`; an entry whose number is there already is passed
   /// over. An error if the registry cannot be asked.
-  [[nodiscard]] platform::RegistryError Load(platform::RegistryKey& key, const Sink& sink,
-                                             std::unordered_set<std::int32_t>& taken);
+  [[nodiscard]] platform::Result<void, platform::RegistryError> Load(
+      platform::RegistryKey& key, const Sink& sink, std::unordered_set<std::int32_t>& taken);
 
   /// Writes each value in which something has changed since SetSaved.
-  [[nodiscard]] platform::RegistryError Save(platform::RegistryKey& key) const;
+  [[nodiscard]] platform::Result<void, platform::RegistryError> Save(
+      platform::RegistryKey& key) const;
   void SetSaved();
 
   [[nodiscard]] std::span<const Person> GetPeople() const { return m_people; }
@@ -59,10 +60,10 @@ class StoredBook {
   };
   static constexpr std::size_t kNoValue = static_cast<std::size_t>(-1);
 
-  using Series = std::function<void(const std::u16string& name, platform::RegistryValue& value)>;
-  [[nodiscard]] static platform::RegistryError ForEachValue(platform::RegistryKey& key,
-                                                            const std::u16string& prefix,
-                                                            const Series& each);
+  using Series =
+      std::function<void(const std::u16string& name, const platform::RegistryValue& value)>;
+  [[nodiscard]] static platform::Result<void, platform::RegistryError> ForEachValue(
+      platform::RegistryKey& key, const std::u16string& prefix, const Series& each);
   void LoadPeople(std::span<const std::byte> bytes, std::unordered_set<std::int32_t>& taken,
                   std::size_t& odd);
   void LoadFormer(std::span<const std::byte> bytes, std::unordered_set<std::int32_t>& taken,

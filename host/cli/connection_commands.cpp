@@ -38,9 +38,9 @@ bool PreparePorts(Session& session) {
     return false;
   }
   platform::Registry& registry = session.GetRegistry();
-  if (const auto root = registry.OpenKey(u""); !root.key) {
+  if (const auto root = registry.OpenKey(u""); !root) {
     session.Fail(fmt::format("{}: {}", session.GetRegistryPath().native(),
-                             storage::ExplainRegistryError(root.error)));
+                             storage::ExplainRegistryError(root.error())));
     return false;
   }
   udev_ports::UdevSerialDevices devices;
@@ -123,7 +123,7 @@ void Set(Session& session, const std::vector<std::string>& arguments) {
   Values wanted;
   // The page stores each setting by itself. One command is one change: the dialer never finds the
   // rate of one line with the bits of another.
-  platform::RegistryGroup group(session.GetRegistry());
+  auto group = platform::RegistryGroup::Begin(session.GetRegistry());
   RunWithoutWindow(session, [&](headless::HeadlessSheet& sheet) {
     headless::HeadlessDialog& dialog = *sheet.ShowPage(0);
     for (const ConnectionChange& change : changes) {
@@ -134,14 +134,14 @@ void Set(Session& session, const std::vector<std::string>& arguments) {
     }
     sheet.PressOk();
   });
-  const platform::RegistryError error = group.Commit();
+  const auto kept = group ? group->Commit() : platform::Failure(group.error());
   // The page says nothing if a setting could not be written.
   const Values stored = ReadValues(session);
   PrintValues(session, stored);
   const std::string path = session.GetRegistryPath().native();
-  if (error != platform::RegistryError::kNone) {
+  if (!kept) {
     session.Fail(fmt::format("{}: the settings could not be stored: {}", path,
-                             storage::ExplainRegistryError(error)));
+                             storage::ExplainRegistryError(kept.error())));
   } else if (stored != wanted) {
     session.Fail(fmt::format("{}: the settings could not be stored", path));
   }

@@ -62,8 +62,7 @@ void ListContacts(Session& session) {
     return;
   }
   // Only for what it says on standard error: no tag is needed here.
-  std::vector<std::u16string> tagNames;
-  static_cast<void>(ListTagNames(session, tagNames));
+  static_cast<void>(ListTagNames(session));
   std::vector<ListedContact> contacts;
   if (!ListContacts(store, platform.ui, texts, contacts)) {
     session.Fail("the contacts cannot be listed");

@@ -49,10 +49,11 @@ struct CheckedStore {
 /// Counts the tags. Returns whether it is known which there are. Adds a finding for what keeps the
 /// settings from being read.
 bool ReadTags(Session& session, const platform::Platform& platform, CheckedStore& checked) {
-  std::vector<std::u16string> names;
-  const RegistryError error = storage::TagStore(platform.files, platform.registry).ListNames(names);
+  const auto list = storage::TagStore(platform.files, platform.registry).ListNames();
   const std::string key = session.FindUnusableKey();
-  if (error != RegistryError::kNone || !key.empty()) {
+  if (!list || !key.empty()) {
+    // If the store answers, such a key alone is to blame.
+    const RegistryError error = list ? RegistryError::kInvalid : list.error();
     checked.findings.push_back({{StoreProblem::kRegistryUnreadable, {}, {}},
                                 fmt::format("{}: {}", Describe(StoreProblem::kRegistryUnreadable),
                                             session.ExplainStore(error)),
@@ -60,21 +61,20 @@ bool ReadTags(Session& session, const platform::Platform& platform, CheckedStore
                                 false,
                                 ""});
   }
-  checked.tagCount = error == RegistryError::kNone ? static_cast<std::uint32_t>(names.size()) : 0;
+  checked.tagCount = list ? static_cast<std::uint32_t>(list->names.size()) : 0;
   // Among the tags nobody knows what such a key means, nor which files belong to it.
-  return error == RegistryError::kNone &&
-         key.find(text::ToUtf8(storage::kTagKey) + '\\') == std::string::npos;
+  return list && key.find(text::ToUtf8(storage::kTagKey) + '\\') == std::string::npos;
 }
 
 /// What the list shows for the tag, as long as the contacts are open.
 std::string ReadListText(const platform::Platform& platform, const std::u16string& tag) {
-  storage::TagEntry entry;
   std::unique_ptr<platform::Contact> contact;
   const storage::TagStore store(platform.files, platform.registry);
+  const auto entry = store.ReadEntry(tag);
   const bool isFound =
-      !tag.empty() && store.ReadEntry(tag, entry) == RegistryError::kNone && entry.oid &&
-      platform.contacts.GetItemFromOid(*entry.oid, contact) == platform::ContactLookup::kFound;
-  return isFound ? text::ToUtf8(tags::ReadForTagList(*contact, entry.phoneType).text) : "";
+      !tag.empty() && entry && entry->oid &&
+      platform.contacts.GetItemFromOid(*entry->oid, contact) == platform::ContactLookup::kFound;
+  return isFound ? text::ToUtf8(tags::ReadForTagList(*contact, entry->phoneType).text) : "";
 }
 
 CheckedStore FindProblems(Session& session, const platform::Platform& platform) {

@@ -26,11 +26,16 @@ namespace {
 using platform::RegistryError;
 
 /// Makes the recorded version missing, so that the page finds another one than its own.
-RegistryError ForgetVersion(platform::Registry& registry) {
+platform::Result<void, RegistryError> ForgetVersion(platform::Registry& registry) {
   const platform::OpenedKey key = registry.CreateKey(storage::kSetupKey);
-  const RegistryError error =
-      key.key ? key.key->DeleteValue(storage::kMathVersionValue) : key.error;
-  return error == RegistryError::kNotFound ? RegistryError::kNone : error;
+  if (!key) {
+    return platform::Failure(key.error());
+  }
+  const auto deleted = (*key)->DeleteValue(storage::kMathVersionValue);
+  if (!deleted && deleted.error() == RegistryError::kNotFound) {
+    return {};
+  }
+  return deleted;
 }
 
 struct Tag {
@@ -93,9 +98,8 @@ bool HaveNewTemplates(const platform::Platform& own) {
 void RunReinit(Session& session, PageRun& run, bool isForced, ReinitOutcome& outcome) {
   outcome.tags = run.page.GetTags().tagCount;
   if (isForced && !run.wasReinitialized && outcome.tags > 0) {
-    if (const RegistryError error = ForgetVersion(session.GetRegistry());
-        error != RegistryError::kNone) {
-      session.Fail(session.ExplainStore(error));
+    if (const auto forgotten = ForgetVersion(session.GetRegistry()); !forgotten) {
+      session.Fail(session.ExplainStore(forgotten.error()));
       return;
     }
     run.page.OnCommand(resources::kCheckVersionCommand, platform::CommandEvent::kPosted);

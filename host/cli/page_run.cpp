@@ -18,12 +18,11 @@ namespace {
 
 /// The page takes a store that it cannot read for one without tags.
 bool CanListTags(Session& session) {
-  std::vector<std::u16string> names;
-  const platform::RegistryError error = ListTagNames(session, names);
-  if (error != platform::RegistryError::kNone) {
-    session.Fail(session.ExplainStore(error));
+  const auto names = ListTagNames(session);
+  if (!names) {
+    session.Fail(session.ExplainStore(names.error()));
   }
-  return error == platform::RegistryError::kNone;
+  return names.has_value();
 }
 
 platform::Platform With(platform::ContactsStore& contacts, const platform::Platform& platform) {
@@ -38,15 +37,11 @@ language::Texts LoadTexts(Session& session) {
 }
 
 bool ListsAllTags(Session& session, const PageRun& run) {
-  std::size_t passedOver = 0;
-  std::vector<std::u16string> names;
   const int lines = run.dialog.GetItemCount(resources::kTagListId);
-  const platform::RegistryError error =
-      storage::TagStore(session.GetFiles(), session.GetRegistry()).ListNames(names, &passedOver);
+  const auto list = storage::TagStore(session.GetFiles(), session.GetRegistry()).ListNames();
   // The page counts and lists in two passes, each of which ends at the first failure. It has a line
   // for a key that no path can name, too.
-  return error == platform::RegistryError::kNone &&
-         names.size() + passedOver == static_cast<std::size_t>(lines) &&
+  return list && list->names.size() + list->passedOver == static_cast<std::size_t>(lines) &&
          run.page.GetTags().tagCount >= lines;
 }
 

@@ -81,11 +81,11 @@ void Export(Session& session, const std::string& name) {
   if (!session.OpenForReading()) {
     return;
   }
-  Bytes file;
-  const platform::RegistryError error = storage::WriteRegistryFile(session.GetRegistry(), file);
-  if (error != platform::RegistryError::kNone) {
-    session.Fail(session.ExplainStore(error));
-  } else if (!(name.empty() ? WriteStandardOutput(file) : WriteRegistryFile(session, name, file))) {
+  const auto file = storage::WriteRegistryFile(session.GetRegistry());
+  if (!file) {
+    session.Fail(session.ExplainStore(file.error()));
+  } else if (!(name.empty() ? WriteStandardOutput(*file)
+                            : WriteRegistryFile(session, name, *file))) {
     const std::string link = Session::ExplainLink(name);
     session.Fail(!link.empty() ? link
                                : fmt::format("{}: it cannot be written",

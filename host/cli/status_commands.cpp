@@ -57,8 +57,7 @@ void ShowStatus(Session& session) {
   }
   const FoundContacts contacts = FindContacts(session);
   // Only for what it says on standard error: no tag is needed here.
-  std::vector<std::u16string> tagNames;
-  static_cast<void>(ListTagNames(session, tagNames));
+  static_cast<void>(ListTagNames(session));
   const std::uint32_t microphones = session.GetPlatform().waveIn.GetDeviceCount();
   if (session.GetOptions().json) {
     Json ofContacts = {{"count", contacts.count}, {"problem", contacts.problem}};

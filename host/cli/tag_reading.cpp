@@ -15,26 +15,29 @@
 namespace cli {
 namespace {
 
-using platform::RegistryError;
-
 /// Reads all tags as one state of the store. Nobody waits for that, since nothing is written.
-RegistryError ReadAtOnce(const platform::Platform& platform, bool hasContacts,
-                         std::vector<tags::ListedTag>& tags) {
-  platform::RegistryGroup group(platform.registry);
-  if (group.BeginError() != RegistryError::kNone) {
-    return group.BeginError();
+platform::Result<std::vector<tags::ListedTag>, platform::RegistryError> ReadAtOnce(
+    const platform::Platform& platform, bool hasContacts) {
+  auto group = platform::RegistryGroup::Begin(platform.registry);
+  if (!group) {
+    return platform::Failure(group.error());
   }
   const storage::TagStore store(platform.files, platform.registry);
-  const RegistryError error =
-      tags::ReadTags(store, hasContacts ? &platform.contacts : nullptr, tags);
-  return error == RegistryError::kNone ? group.Commit() : error;
+  auto tags = tags::ReadTags(store, hasContacts ? &platform.contacts : nullptr);
+  if (!tags) {
+    return tags;
+  }
+  if (const auto committed = group->Commit(); !committed) {
+    return platform::Failure(committed.error());
+  }
+  return tags;
 }
 
 void ReportProblem(Session& session, const tags::ListedTag& tag) {
   const std::string name = text::ToUtf8(tag.name);
-  if (tag.error != RegistryError::kNone) {
+  if (tag.error) {
     session.Fail(fmt::format("the entry of tag {} cannot be read: {}", name,
-                             storage::ExplainRegistryError(tag.error)));
+                             storage::ExplainRegistryError(*tag.error)));
   } else if (tag.failure) {
     session.Fail(fmt::format("the contact of tag {} cannot be read", name));
   } else if (name.size() > storage::TagNames::kMaxLength) {
@@ -50,33 +53,40 @@ void WarnOfContacts(Session& session) {
                  ExplainContactsProblem(session));
 }
 
-RegistryError ListTagNames(Session& session, std::vector<std::u16string>& names) {
-  std::size_t passedOver = 0;
-  const RegistryError error =
-      storage::TagStore(session.GetFiles(), session.GetRegistry()).ListNames(names, &passedOver);
-  if (error == RegistryError::kNone && passedOver > 0) {
+platform::Result<std::vector<std::u16string>, platform::RegistryError> ListTagNames(
+    Session& session) {
+  auto list = storage::TagStore(session.GetFiles(), session.GetRegistry()).ListNames();
+  if (!list) {
+    return platform::Failure(list.error());
+  }
+  if (list->passedOver > 0) {
     PrintErrorLine(fmt::format("voxtrel: {}: {}", session.GetRegistryPath().native(),
                                session.FindUnusableKey(storage::kTagKey)));
   }
-  return error;
+  return std::move(list->names);
 }
 
 bool ReadTags(Session& session, std::vector<tags::ListedTag>& tags) {
   const platform::Platform platform = session.GetPlatform();
-  std::vector<std::u16string> names;
-  RegistryError error = ListTagNames(session, names);
-  if (error == RegistryError::kNone && !names.empty()) {
-    const bool hasContacts = !tags::OpenContacts(platform.contacts, platform.clock);
-    error = ReadAtOnce(platform, hasContacts, tags);
-    if (!hasContacts && error == RegistryError::kNone) {
-      WarnOfContacts(session);
-    }
-    platform.contacts.Logoff();
-  }
-  if (error != RegistryError::kNone) {
-    session.Fail(session.ExplainStore(error));
+  const auto names = ListTagNames(session);
+  if (!names) {
+    session.Fail(session.ExplainStore(names.error()));
     return false;
   }
+  if (names->empty()) {
+    return true;
+  }
+  const bool hasContacts = !tags::OpenContacts(platform.contacts, platform.clock);
+  auto read = ReadAtOnce(platform, hasContacts);
+  if (!hasContacts && read) {
+    WarnOfContacts(session);
+  }
+  platform.contacts.Logoff();
+  if (!read) {
+    session.Fail(session.ExplainStore(read.error()));
+    return false;
+  }
+  tags = std::move(*read);
   for (const tags::ListedTag& tag : tags) {
     ReportProblem(session, tag);
   }

@@ -9,10 +9,10 @@
 
 namespace cli {
 
-/// Stores the names of all tags in `names`. If a key among them is passed over, since no path can
+/// Returns the names of all tags. If a key among them is passed over, since no path can
 /// name it, standard error names it.
-[[nodiscard]] platform::RegistryError ListTagNames(Session& session,
-                                                   std::vector<std::u16string>& names);
+[[nodiscard]] platform::Result<std::vector<std::u16string>, platform::RegistryError> ListTagNames(
+    Session& session);
 
 /// Stores every tag in `tags` for a command that changes nothing. If the contacts cannot be read
 /// the tags have their own names, and standard error says why. Returns false, after reporting it,

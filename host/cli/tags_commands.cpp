@@ -38,7 +38,11 @@ tags::ListedTag ReadLearned(Session& session, const PageRun& run, std::int32_t i
   tag.name = run.page.GetTagOfLine(index);
   tag.text = run.dialog.GetItemText(kTagListId, index);
   const storage::TagStore store(session.GetFiles(), session.GetRegistry());
-  tag.error = store.ReadEntry(tag.name, tag.entry);
+  if (auto entry = store.ReadEntry(tag.name)) {
+    tag.entry = std::move(*entry);
+  } else {
+    tag.error = entry.error();
+  }
   return tag;
 }
 
@@ -216,19 +220,19 @@ void PressDelete(Session& session, PageRun& run, int button, const char* failure
   }
 }
 
-platform::RegistryError LookUp(Session& session, const std::string& name) {
-  storage::TagEntry entry;
+auto ReadEntry(Session& session, const std::string& name) {
   return storage::TagStore(session.GetFiles(), session.GetRegistry())
-      .ReadEntry(text::FromUtf8(name), entry);
+      .ReadEntry(text::FromUtf8(name));
 }
 
 void Delete(Session& session, const std::string& name) {
   if (!session.OpenForChanging()) {
     return;
   }
-  const bool wasThere = LookUp(session, name) == platform::RegistryError::kNone;
+  const bool wasThere = ReadEntry(session, name).has_value();
   RunPage(session, Contacts::kOptional, [&](PageRun& run) {
-    if (wasThere && LookUp(session, name) == platform::RegistryError::kNotFound) {
+    const auto entry = ReadEntry(session, name);
+    if (wasThere && !entry && entry.error() == platform::RegistryError::kNotFound) {
       // The page that opened moved it to the trash, since its contact has gone: it is deleted.
       PrintResult(session, 0);
     } else if (SelectTag(session, run, name)) {

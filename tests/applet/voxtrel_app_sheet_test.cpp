@@ -7,6 +7,7 @@
 #include "storage/registry_keys.h"
 #include "tests/applet/applet_fixture.h"
 #include "tests/support/registry_access.h"
+#include "tests/support/results.h"
 
 namespace {
 
@@ -159,8 +160,8 @@ TEST_F(VoxtrelAppSheet, ASecondOpeningReadsContactsAndTagsAgainAndDoublesNothing
   const std::u16string tag = std::u16string(storage::kTagKey) + u"\\100";
   for (const auto& [name, text] :
        {std::pair(storage::kContactValue, u"17"), std::pair(storage::kPhoneTypeValue, u"Mobile")}) {
-    ASSERT_EQ(support::PutText(m_machine.registry, tag, name, text),
-              platform::RegistryError::kNone);
+    ASSERT_EQ(support::ErrorOf(support::PutText(m_machine.registry, tag, name, text)),
+              std::nullopt);
   }
   const auto app = Start();
   for (int opening = 1; opening <= 2; ++opening) {

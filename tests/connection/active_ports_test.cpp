@@ -2,6 +2,7 @@
 
 #include "tests/connection/connection_fixture.h"
 #include "tests/support/failing_registry.h"
+#include "tests/support/results.h"
 
 namespace {
 
@@ -23,10 +24,11 @@ TEST_F(ActivePorts, AreReadInTheOrderOfTheRegistryWithTheirDevices) {
 TEST_F(ActivePorts, DriversOfOtherDevicesArePassedOver) {
   PutPort(u"1", u"DSK1:");
   PutPort(u"2", u"COM2:");
-  ASSERT_TRUE(m_registry.CreateKey(u"Drivers\\Active\\3").key) << "One without a name.";
-  ASSERT_EQ(support::Put(m_registry, u"Drivers\\Active\\4", u"Name", platform::RegistryType::kDword,
-                         std::vector<std::byte>(4)),
-            platform::RegistryError::kNone);
+  ASSERT_TRUE(m_registry.CreateKey(u"Drivers\\Active\\3")) << "One without a name.";
+  ASSERT_EQ(
+      support::ErrorOf(support::Put(m_registry, u"Drivers\\Active\\4", u"Name",
+                                    platform::RegistryType::kDword, std::vector<std::byte>(4))),
+      std::nullopt);
   const auto ports = connection::ReadActivePorts(m_registry);
   ASSERT_EQ(ports.size(), 1U);
   EXPECT_EQ(ports[0].name, u"COM2:");

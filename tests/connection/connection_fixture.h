@@ -14,6 +14,7 @@
 #include "storage/registry_keys.h"
 #include "tests/machine/memory_registry.h"
 #include "tests/support/registry_access.h"
+#include "tests/support/results.h"
 
 /// The page on a registry in memory.
 class ConnectionFixture : public testing::Test {
@@ -33,13 +34,13 @@ class ConnectionFixture : public testing::Test {
   void PutPort(std::u16string_view subkey, std::u16string_view name,
                std::u16string_view device = {}) {
     const std::u16string path = std::u16string(u"Drivers\\Active\\").append(subkey);
-    ASSERT_EQ(support::PutText(m_registry, path, u"Name", name), platform::RegistryError::kNone);
-    ASSERT_EQ(support::PutText(m_registry, path, u"Device", device),
-              platform::RegistryError::kNone);
+    ASSERT_EQ(support::ErrorOf(support::PutText(m_registry, path, u"Name", name)), std::nullopt);
+    ASSERT_EQ(support::ErrorOf(support::PutText(m_registry, path, u"Device", device)),
+              std::nullopt);
   }
   void PutSetting(std::u16string_view name, std::u16string_view text) {
-    ASSERT_EQ(support::PutText(m_registry, storage::kDialerKey, name, text),
-              platform::RegistryError::kNone);
+    ASSERT_EQ(support::ErrorOf(support::PutText(m_registry, storage::kDialerKey, name, text)),
+              std::nullopt);
   }
   [[nodiscard]] std::vector<std::byte> Stored(std::u16string_view name) {
     return support::BytesOf(m_registry, storage::kDialerKey, name);

@@ -3,6 +3,7 @@
 #include "connection/choices.h"
 #include "connection/connection_sheet.h"
 #include "tests/connection/connection_fixture.h"
+#include "tests/support/results.h"
 
 namespace {
 
@@ -84,17 +85,18 @@ TEST_F(ConnectionPage, KeepsAStoredValueThatNoListHolds) {
 }
 
 TEST_F(ConnectionPage, AStoredValueIsReadWithoutATerminatorToo) {
-  ASSERT_EQ(support::Put(m_registry, storage::kDialerKey, u"Bound_rate", RegistryType::kString,
-                         support::Utf16Bytes(u"4800")),
-            RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(support::Put(m_registry, storage::kDialerKey, u"Bound_rate",
+                                          RegistryType::kString, support::Utf16Bytes(u"4800"))),
+            std::nullopt);
   EXPECT_EQ(Open().GetText(kBaudRateComboId), u"4800");
 }
 
 TEST_F(ConnectionPage, WhatIsStoredAsNoTextOrEmptyCountsAsNotStored) {
   PutSetting(u"Com_port", u"");
-  ASSERT_EQ(support::Put(m_registry, storage::kDialerKey, u"Data_bit", RegistryType::kDword,
-                         std::vector<std::byte>(4, std::byte{'7'})),
-            RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(support::Put(m_registry, storage::kDialerKey, u"Data_bit",
+                                          RegistryType::kDword,
+                                          std::vector<std::byte>(4, std::byte{'7'}))),
+            std::nullopt);
   const auto& dialog = Open();
   EXPECT_EQ(dialog.GetText(kPortComboId), u"COM2:");
   EXPECT_EQ(dialog.GetText(kDataBitsComboId), u"8");
@@ -112,8 +114,8 @@ TEST_F(ConnectionPage, OpeningMakesTheKeyAndNoValue) {
   EXPECT_FALSE(support::KeyExists(m_registry, u"Software\\Zedra\\Zedra Dialer"));
   Open();
   const auto key = m_registry.OpenKey(u"Software\\Zedra\\Zedra Dialer");
-  ASSERT_TRUE(key.key);
-  EXPECT_TRUE(support::ValueNames(*key.key).empty());
+  ASSERT_TRUE(key);
+  EXPECT_TRUE(support::ValueNames(**key).empty());
 }
 
 TEST_F(ConnectionPage, DefaultLeavesThePortAndTheHangUpBoxAlone) {
@@ -142,8 +144,8 @@ TEST_F(ConnectionPage, OkWritesTheSevenValuesInTheirOrderAndLengths) {
   dialog.Press(kNoHangUpCheckId);
   m_page->OnOK();
   const auto opened = m_registry.OpenKey(u"Software\\Zedra\\Zedra Dialer");
-  ASSERT_TRUE(opened.key);
-  EXPECT_EQ(support::ValueNames(*opened.key),
+  ASSERT_TRUE(opened);
+  EXPECT_EQ(support::ValueNames(**opened),
             (Texts{u"Bound_rate", u"Data_bit", u"Stop_bit", u"Flow_control", u"Com_port", u"is_BT",
                    u"is_HU"}));
   EXPECT_EQ(Stored(u"Bound_rate"), Bytes(u"9600", 32));
@@ -153,9 +155,9 @@ TEST_F(ConnectionPage, OkWritesTheSevenValuesInTheirOrderAndLengths) {
   EXPECT_EQ(Stored(u"Com_port"), Bytes(u"COM2:", 200));
   EXPECT_EQ(Stored(u"is_BT"), Bytes(u"0", 4));
   EXPECT_EQ(Stored(u"is_HU"), Bytes(u"1", 4));
-  for (const std::u16string& name : support::ValueNames(*opened.key)) {
+  for (const std::u16string& name : support::ValueNames(**opened)) {
     platform::RegistryValue value;
-    ASSERT_EQ(opened.key->Query(name, value), RegistryError::kNone);
+    value = (*opened)->Query(name).value();
     EXPECT_EQ(value.type, RegistryType::kString);
   }
 }

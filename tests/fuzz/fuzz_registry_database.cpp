@@ -21,6 +21,7 @@
 #include "storage/tag_store.h"
 #include "tests/fuzz/require.h"
 #include "tests/machine/memory_file_system.h"
+#include "tests/support/results.h"
 #include "tests/support/temp_folder.h"
 
 namespace {
@@ -54,7 +55,7 @@ const std::string& RightDatabase(const fs::path& path) {
       sqlite::SqliteRegistry registry(path, {.initialKeys = {u"Software"}});
       machine::MemoryFileSystem files;
       const storage::TagStore store(files, registry);
-      Require(store.WriteEntry(u"4711", -17, u"Mobile") == RegistryError::kNone, "a tag is stored");
+      Require(store.WriteEntry(u"4711", -17, u"Mobile").has_value(), "a tag is stored");
     }
     return Content(path);
   }();
@@ -129,28 +130,27 @@ void WriteRows(const fs::path& path, Input input) {
 
 void ListKey(platform::Registry& registry, std::u16string_view path) {
   const platform::OpenedKey opened = registry.OpenKey(path);
-  Require((opened.key != nullptr) == (opened.error == RegistryError::kNone), "a key or an error");
-  if (!opened.key) {
+  if (!opened) {
     return;
   }
-  std::u16string name;
-  platform::RegistryValue value;
+  Require(*opened != nullptr, "a key or an error");
   std::uint32_t items = 0;
-  const auto goesOn = [](RegistryError error) {
-    return error == RegistryError::kNone || error == RegistryError::kInvalid;
+  const auto goesOn = [](const auto& name) {
+    return name ? name->has_value() : name.error() == RegistryError::kInvalid;
   };
-  while (items < kMostItems && goesOn(opened.key->EnumerateSubkey(items, name))) {
+  while (items < kMostItems && goesOn((*opened)->EnumerateSubkey(items))) {
     ++items;
   }
   Require(items < kMostItems, "an enumeration ends");
-  items = 0;
-  for (RegistryError error{}; items < kMostItems; ++items) {
-    error = opened.key->EnumerateValue(items, name);
-    if (!goesOn(error)) {
+  std::u16string latest;
+  for (items = 0; items < kMostItems; ++items) {
+    const auto name = (*opened)->EnumerateValue(items);
+    if (!goesOn(name)) {
       break;
     }
-    static_cast<void>(opened.key->Query(name, value));
-    Require(value.bytes.size() <= platform::kMaxValueBytes, "a value has its limit");
+    latest = name ? **name : latest;
+    const auto value = (*opened)->Query(latest);
+    Require(!value || value->bytes.size() <= platform::kMaxValueBytes, "a value has its limit");
   }
   Require(items < kMostItems, "an enumeration ends");
 }
@@ -162,19 +162,16 @@ void ReadAll(platform::Registry& registry) {
   }
   machine::MemoryFileSystem files;
   const storage::TagStore store(files, registry);
-  std::vector<std::u16string> names;
-  static_cast<void>(store.ListNames(names));
-  for (const std::u16string& name : names) {
-    storage::TagEntry entry;
-    static_cast<void>(store.ReadEntry(name, entry));
+  const auto list = store.ListNames();
+  for (const std::u16string& name : list ? list->names : std::vector<std::u16string>()) {
+    static_cast<void>(store.ReadEntry(name));
   }
 }
 
 /// What was exported can be imported, and is then the same.
 void Export(platform::Registry& registry) {
-  std::vector<std::byte> file;
-  if (storage::WriteRegistryFile(registry, file) == RegistryError::kNone) {
-    Require(storage::ParseRegistryFile(file).has_value(), "what is exported is read");
+  if (const auto file = storage::WriteRegistryFile(registry)) {
+    Require(storage::ParseRegistryFile(*file).has_value(), "what is exported is read");
   }
 }
 
@@ -182,17 +179,14 @@ void Change(platform::Registry& registry) {
   constexpr std::u16string_view kKey = u"Software\\Fuzz";
   constexpr std::byte kData[] = {std::byte{1}, std::byte{2}};
   auto made = registry.CreateKey(kKey);
-  if (!made.key ||
-      made.key->Set(u"v", platform::RegistryType::kBinary, kData) != RegistryError::kNone) {
+  if (!made || !(*made)->Set(u"v", platform::RegistryType::kBinary, kData)) {
     return;
   }
-  platform::RegistryValue value;
-  Require(made.key->Query(u"V", value) == RegistryError::kNone &&
-              std::ranges::equal(value.bytes, kData),
-          "what was stored is there");
-  made.key.reset();
-  Require(registry.DeleteKey(kKey) == RegistryError::kNone, "and can be deleted");
-  Require(registry.OpenKey(kKey).error == RegistryError::kNotFound, "and is gone then");
+  const auto value = (*made)->Query(u"V");
+  Require(value && std::ranges::equal(value->bytes, kData), "what was stored is there");
+  made->reset();
+  Require(registry.DeleteKey(kKey).has_value(), "and can be deleted");
+  Require(support::ErrorOf(registry.OpenKey(kKey)) == RegistryError::kNotFound, "and is gone then");
 }
 
 }  // namespace
@@ -217,10 +211,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Export(registry);
   }
   Require(Content(path) == before, "reading changes nothing");
-  RegistryError error{};
+  std::optional<RegistryError> error;
   {
     sqlite::SqliteRegistry registry(path, {.busyLimit = std::chrono::milliseconds(0)});
-    error = registry.OpenKey(u"").error;
+    error = support::ErrorOf(registry.OpenKey(u""));
     ReadAll(registry);
     Change(registry);
   }

@@ -42,10 +42,9 @@ Bytes ToFile(std::span<const std::byte> input) {
 }
 
 Bytes Export(platform::Registry& registry) {
-  Bytes file;
-  Require(storage::WriteRegistryFile(registry, file) == platform::RegistryError::kNone,
-          "a registry in memory can be exported");
-  return file;
+  const auto file = storage::WriteRegistryFile(registry);
+  Require(file.has_value(), "a registry in memory can be exported");
+  return *file;
 }
 
 }  // namespace

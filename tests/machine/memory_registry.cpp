@@ -1,6 +1,8 @@
 #include "tests/machine/memory_registry.h"
 
 #include <algorithm>
+#include <optional>
+#include <type_traits>
 #include <utility>
 
 #include "backends/text/names.h"
@@ -8,10 +10,12 @@
 
 namespace machine {
 
+using platform::Failure;
 using platform::OpenedKey;
 using platform::RegistryError;
 using platform::RegistryType;
 using platform::RegistryValue;
+using platform::Result;
 
 namespace {
 
@@ -24,43 +28,42 @@ class MemoryRegistry::Key final : public platform::RegistryKey {
  public:
   Key(MemoryRegistry& registry, Number number) : m_registry(registry), m_number(number) {}
 
-  RegistryError EnumerateSubkey(std::uint32_t index, std::u16string& name) override {
-    return WithNode([&](Node& node) {
+  using ItemName = Result<std::optional<std::u16string>, RegistryError>;
+
+  ItemName EnumerateSubkey(std::uint32_t index) override {
+    return WithNode([&](Node& node) -> ItemName {
       if (index >= node.subkeys.size()) {
-        return RegistryError::kNoMoreItems;
+        return std::nullopt;
       }
-      name = m_registry.m_nodes.at(node.subkeys[index]).name;
-      return RegistryError::kNone;
+      return m_registry.m_nodes.at(node.subkeys[index]).name;
     });
   }
 
-  RegistryError EnumerateValue(std::uint32_t index, std::u16string& name) override {
-    return WithNode([&](Node& node) {
+  ItemName EnumerateValue(std::uint32_t index) override {
+    return WithNode([&](Node& node) -> ItemName {
       if (index >= node.values.size()) {
-        return RegistryError::kNoMoreItems;
+        return std::nullopt;
       }
-      name = node.values[index].name;
-      return RegistryError::kNone;
+      return node.values[index].name;
     });
   }
 
-  RegistryError Query(std::u16string_view valueName, RegistryValue& value) override {
-    return WithNode([&](Node& node) {
+  Result<RegistryValue, RegistryError> Query(std::u16string_view valueName) override {
+    return WithNode([&](Node& node) -> Result<RegistryValue, RegistryError> {
       const auto found = FindValue(node, valueName);
       if (found == node.values.end()) {
-        return RegistryError::kNotFound;
+        return Failure(RegistryError::kNotFound);
       }
-      value = found->content;
-      return RegistryError::kNone;
+      return found->content;
     });
   }
 
-  RegistryError Set(std::u16string_view valueName, RegistryType type,
-                    std::span<const std::byte> bytes) override {
+  Result<void, RegistryError> Set(std::u16string_view valueName, RegistryType type,
+                                  std::span<const std::byte> bytes) override {
     if (!platform::IsValueName(valueName) || bytes.size() > platform::kMaxValueBytes) {
-      return RegistryError::kInvalid;
+      return Failure(RegistryError::kInvalid);
     }
-    return WithNode([&](Node& node) {
+    return WithNode([&](Node& node) -> Result<void, RegistryError> {
       RegistryValue content{type, {bytes.begin(), bytes.end()}};
       if (const auto found = FindValue(node, valueName); found != node.values.end()) {
         found->content = std::move(content);
@@ -68,30 +71,33 @@ class MemoryRegistry::Key final : public platform::RegistryKey {
         node.values.push_back(
             {std::u16string(valueName), text::FoldName(valueName), std::move(content)});
       }
-      return RegistryError::kNone;
+      return {};
     });
   }
 
-  RegistryError DeleteValue(std::u16string_view valueName) override {
-    return WithNode([&](Node& node) {
+  Result<void, RegistryError> DeleteValue(std::u16string_view valueName) override {
+    return WithNode([&](Node& node) -> Result<void, RegistryError> {
       const auto found = FindValue(node, valueName);
       if (found == node.values.end()) {
-        return RegistryError::kNotFound;
+        return Failure(RegistryError::kNotFound);
       }
       node.values.erase(found);
-      return RegistryError::kNone;
+      return {};
     });
   }
 
  private:
   template <typename Call>
-  RegistryError WithNode(const Call& call) {
+  auto WithNode(const Call& call) -> std::invoke_result_t<Call, Node&> {
     const auto pass = m_registry.m_gate.Enter();
     if (!pass) {
-      return RegistryError::kBusy;
+      return Failure(RegistryError::kBusy);
     }
     const auto node = m_registry.m_nodes.find(m_number);
-    return node == m_registry.m_nodes.end() ? RegistryError::kNotFound : call(node->second);
+    if (node == m_registry.m_nodes.end()) {
+      return Failure(RegistryError::kNotFound);
+    }
+    return call(node->second);
   }
 
   static std::vector<Value>::iterator FindValue(Node& node, std::u16string_view name) {
@@ -117,11 +123,11 @@ MemoryRegistry::MemoryRegistry(const std::vector<std::u16string>& initialKeys,
 OpenedKey MemoryRegistry::OpenKey(std::u16string_view path) {
   const auto names = platform::SplitKeyPath(path);
   if (!names) {
-    return {nullptr, RegistryError::kInvalid};
+    return Failure(RegistryError::kInvalid);
   }
   const auto pass = m_gate.Enter();
   if (!pass) {
-    return {nullptr, RegistryError::kBusy};
+    return Failure(RegistryError::kBusy);
   }
   return Opened(FindPath(*names));
 }
@@ -129,59 +135,59 @@ OpenedKey MemoryRegistry::OpenKey(std::u16string_view path) {
 OpenedKey MemoryRegistry::CreateKey(std::u16string_view path) {
   const auto names = platform::SplitKeyPath(path);
   if (!names) {
-    return {nullptr, RegistryError::kInvalid};
+    return Failure(RegistryError::kInvalid);
   }
   const auto pass = m_gate.Enter();
   if (!pass) {
-    return {nullptr, RegistryError::kBusy};
+    return Failure(RegistryError::kBusy);
   }
   return Opened(CreatePath(*names));
 }
 
-RegistryError MemoryRegistry::DeleteKey(std::u16string_view path) {
+Result<void, RegistryError> MemoryRegistry::DeleteKey(std::u16string_view path) {
   auto names = platform::SplitKeyPath(path);
   if (!names || names->empty()) {
-    return RegistryError::kInvalid;
+    return Failure(RegistryError::kInvalid);
   }
   const auto pass = m_gate.Enter();
   if (!pass) {
-    return RegistryError::kBusy;
+    return Failure(RegistryError::kBusy);
   }
   const Number number = FindPath(*names);
   if (number == kNoKey) {
-    return RegistryError::kNotFound;
+    return Failure(RegistryError::kNotFound);
   }
   names->pop_back();
   Node& parent = m_nodes.at(FindPath(*names));
   std::erase(parent.subkeys, number);
   parent.subkeysByName.erase(m_nodes.at(number).foldedName);
   DeleteTree(number);
-  return RegistryError::kNone;
+  return {};
 }
 
-RegistryError MemoryRegistry::BeginGroup() {
+Result<void, RegistryError> MemoryRegistry::BeginGroup() {
   const auto pass = m_gate.Enter();
   if (!pass) {
-    return RegistryError::kBusy;
+    return Failure(RegistryError::kBusy);
   }
   if (m_gate.GroupIsOpen()) {
-    return RegistryError::kInvalid;
+    return Failure(RegistryError::kInvalid);
   }
   m_beforeGroup = m_nodes;
   m_gate.OpenGroup();
-  return RegistryError::kNone;
+  return {};
 }
 
-RegistryError MemoryRegistry::CommitGroup() {
+Result<void, RegistryError> MemoryRegistry::CommitGroup() {
   const auto pass = m_gate.Enter();
   if (!pass) {
-    return RegistryError::kBusy;
+    return Failure(RegistryError::kBusy);
   }
   if (!m_gate.GroupIsOpen()) {
-    return RegistryError::kInvalid;
+    return Failure(RegistryError::kInvalid);
   }
   EndGroup();
-  return RegistryError::kNone;
+  return {};
 }
 
 void MemoryRegistry::CancelGroup() {
@@ -238,9 +244,9 @@ void MemoryRegistry::DeleteTree(Number number) {
 
 OpenedKey MemoryRegistry::Opened(Number number) {
   if (number == kNoKey) {
-    return {nullptr, RegistryError::kNotFound};
+    return Failure(RegistryError::kNotFound);
   }
-  return {std::make_unique<Key>(*this, number), RegistryError::kNone};
+  return std::make_unique<Key>(*this, number);
 }
 
 void MemoryRegistry::EndGroup() {

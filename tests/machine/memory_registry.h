@@ -24,9 +24,10 @@ class MemoryRegistry final : public platform::Registry {
 
   [[nodiscard]] platform::OpenedKey OpenKey(std::u16string_view path) override;
   [[nodiscard]] platform::OpenedKey CreateKey(std::u16string_view path) override;
-  [[nodiscard]] platform::RegistryError DeleteKey(std::u16string_view path) override;
-  [[nodiscard]] platform::RegistryError BeginGroup() override;
-  [[nodiscard]] platform::RegistryError CommitGroup() override;
+  [[nodiscard]] platform::Result<void, platform::RegistryError> DeleteKey(
+      std::u16string_view path) override;
+  [[nodiscard]] platform::Result<void, platform::RegistryError> BeginGroup() override;
+  [[nodiscard]] platform::Result<void, platform::RegistryError> CommitGroup() override;
   void CancelGroup() override;
 
  private:

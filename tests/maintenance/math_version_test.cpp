@@ -6,6 +6,7 @@
 #include "tests/machine/memory_registry.h"
 #include "tests/support/failing_registry.h"
 #include "tests/support/registry_access.h"
+#include "tests/support/results.h"
 
 namespace {
 
@@ -16,14 +17,16 @@ using support::Utf16Bytes;
 
 class MathVersion : public testing::Test {
  protected:
-  void MakeKey() { ASSERT_TRUE(m_registry.CreateKey(storage::kSetupKey).key); }
+  void MakeKey() { ASSERT_TRUE(m_registry.CreateKey(storage::kSetupKey)); }
   void PutBytes(RegistryType type, const std::vector<std::byte>& bytes) {
-    ASSERT_EQ(support::Put(m_registry, storage::kSetupKey, storage::kMathVersionValue, type, bytes),
-              RegistryError::kNone);
+    ASSERT_EQ(support::ErrorOf(support::Put(m_registry, storage::kSetupKey,
+                                            storage::kMathVersionValue, type, bytes)),
+              std::nullopt);
   }
   void PutText(std::u16string_view text) {
-    ASSERT_EQ(support::PutText(m_registry, storage::kSetupKey, storage::kMathVersionValue, text),
-              RegistryError::kNone);
+    ASSERT_EQ(support::ErrorOf(support::PutText(m_registry, storage::kSetupKey,
+                                                storage::kMathVersionValue, text)),
+              std::nullopt);
   }
   [[nodiscard]] std::vector<std::byte> GetBytes() {
     return support::BytesOf(m_registry, storage::kSetupKey, storage::kMathVersionValue);
@@ -61,10 +64,8 @@ TEST_F(MathVersion, AnotherVersionIsOverwrittenInThirtyTwoBytes) {
 TEST_F(MathVersion, IsWrittenAsAText) {
   MakeKey();
   EXPECT_TRUE(maintenance::UpdateVersion(m_registry));
-  platform::RegistryValue value;
-  ASSERT_EQ(m_registry.OpenKey(storage::kSetupKey).key->Query(u"Version_Math", value),
-            RegistryError::kNone);
-  EXPECT_EQ(value.type, RegistryType::kString);
+  const auto key = m_registry.OpenKey(storage::kSetupKey).value();
+  EXPECT_EQ(key->Query(u"Version_Math").value().type, RegistryType::kString);
 }
 
 TEST_F(MathVersion, IsCurrentAfterItWasWritten) {

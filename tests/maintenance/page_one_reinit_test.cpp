@@ -1,4 +1,5 @@
 #include "tests/maintenance/reinit_page_fixture.h"
+#include "tests/support/results.h"
 
 namespace {
 
@@ -37,7 +38,7 @@ TEST_F(PageOneReinit, WithTheCurrentVersionNothingHappens) {
 TEST_F(PageOneReinit, AMissingVersionIsWrittenAndEveryTemplateComputedAnew) {
   PutSpokenTag(u"100", 1);
   PutSpokenTag(u"200", 2);
-  ASSERT_TRUE(m_machine.registry.CreateKey(storage::kSetupKey).key);
+  ASSERT_TRUE(m_machine.registry.CreateKey(storage::kSetupKey));
   Open();
   EXPECT_EQ(m_shown, 1);
   EXPECT_EQ(GetVersion().size(), 8U);
@@ -134,7 +135,7 @@ TEST_F(PageOneReinit, DoesNotComeWhereTheContactsWereAway) {
 
 TEST_F(PageOneReinit, WithoutRecordingsTheProcessEndsAndThePageCanGo) {
   const storage::TagStore store(m_machine.files, m_machine.registry);
-  ASSERT_EQ(store.WriteEntry(u"100", kAnn, u"Mobile"), platform::RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(store.WriteEntry(u"100", kAnn, u"Mobile")), std::nullopt);
   PutVersion(u"2");
   Open();
   EXPECT_EQ(GetMessages(), Texts{u"Error"});

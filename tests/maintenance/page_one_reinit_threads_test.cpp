@@ -4,6 +4,7 @@
 
 #include "backends/posix/posix_threads.h"
 #include "tests/maintenance/reinit_page_fixture.h"
+#include "tests/support/results.h"
 #include "tests/support/temp_folder.h"
 #include "tests/support/watched_clock.h"
 #include "tests/support/watched_threads.h"
@@ -78,7 +79,7 @@ TEST_F(PageOneReinitThreads, EndsWithMoreAndWithFewerRecordingsThanTags) {
     if (i == kRepetitions / 2) {
       const storage::TagStore store(m_machine.files, m_machine.registry);
       for (const std::u16string_view name : {u"600", u"700", u"800"}) {
-        ASSERT_EQ(store.WriteEntry(name, kAnn, u"Mobile"), platform::RegistryError::kNone);
+        ASSERT_EQ(support::ErrorOf(store.WriteEntry(name, kAnn, u"Mobile")), std::nullopt);
       }
     }
     PutVersion(u"2");
@@ -125,7 +126,7 @@ TEST_F(PageOneReinitThreads, AWindowMayGoAtAnyMoment) {
 
 TEST_F(PageOneReinitThreads, TheEndOfTheAppletAloneIsSafeEveryTime) {
   const storage::TagStore store(m_machine.files, m_machine.registry);
-  ASSERT_EQ(store.WriteEntry(u"100", kAnn, u"Mobile"), platform::RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(store.WriteEntry(u"100", kAnn, u"Mobile")), std::nullopt);
   for (int i = 0; i < kRepetitions; ++i) {
     PutVersion(u"2");
     OpenOnThreads([](headless::HeadlessDialog& window) { EXPECT_TRUE(window.WaitForEnd()); });

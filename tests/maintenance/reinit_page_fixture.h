@@ -7,6 +7,7 @@
 #include "platform/little_endian.h"
 #include "storage/registry_keys.h"
 #include "tests/support/registry_access.h"
+#include "tests/support/results.h"
 #include "tests/tags/page_fixture.h"
 
 /// The Learning page on a machine with tags that an earlier version made.
@@ -15,9 +16,9 @@ class ReinitPageFixture : public PageFixture {
   using Texts = std::vector<std::u16string>;
 
   void PutVersion(std::u16string_view text) {
-    ASSERT_EQ(
-        support::PutText(m_machine.registry, storage::kSetupKey, storage::kMathVersionValue, text),
-        platform::RegistryError::kNone);
+    ASSERT_EQ(support::ErrorOf(support::PutText(m_machine.registry, storage::kSetupKey,
+                                                storage::kMathVersionValue, text)),
+              std::nullopt);
   }
   [[nodiscard]] std::vector<std::byte> GetVersion() {
     return support::BytesOf(m_machine.registry, storage::kSetupKey, storage::kMathVersionValue);

@@ -11,6 +11,7 @@
 #include "tests/support/failing_file_system.h"
 #include "tests/support/failing_registry.h"
 #include "tests/support/registry_access.h"
+#include "tests/support/results.h"
 #include "voicemath/template_file.h"
 
 namespace {
@@ -27,9 +28,9 @@ class StoreCheck : public SessionFixture {
     m_machine.contacts.Add({.oid = 17, .firstName = u"Ann"});
     EXPECT_TRUE(m_machine.contacts.Initialize() && m_machine.contacts.Connect() &&
                 m_machine.contacts.Logon());
-    EXPECT_EQ(
-        support::PutText(m_machine.registry, storage::kSetupKey, storage::kMathVersionValue, u"3"),
-        RegistryError::kNone);
+    EXPECT_EQ(support::ErrorOf(support::PutText(m_machine.registry, storage::kSetupKey,
+                                                storage::kMathVersionValue, u"3")),
+              std::nullopt);
   }
 
   /// A tag as the applet makes it.
@@ -39,8 +40,10 @@ class StoreCheck : public SessionFixture {
     ASSERT_EQ(m_session.mathematics.LearnFile(0), voicemath::kLearned);
     ASSERT_TRUE(voicemath::WriteTemplateFile(m_machine.files, storage::TemplatePath(name),
                                              m_session.mathematics));
-    ASSERT_EQ(storage::TagStore(m_machine.files, m_machine.registry).WriteEntry(name, 17, u"Home"),
-              RegistryError::kNone);
+    ASSERT_EQ(
+        support::ErrorOf(
+            storage::TagStore(m_machine.files, m_machine.registry).WriteEntry(name, 17, u"Home")),
+        std::nullopt);
   }
 
   /// The findings as "word tag".
@@ -66,7 +69,8 @@ class StoreCheck : public SessionFixture {
   void Delete(const std::u16string& path) { ASSERT_TRUE(m_machine.files.Delete(path)); }
   void PutValue(std::u16string_view tag, std::u16string_view value, std::u16string_view text) {
     const auto key = std::u16string(storage::kTagKey).append(u"\\").append(tag);
-    ASSERT_EQ(support::PutText(m_machine.registry, key, value, text), RegistryError::kNone);
+    ASSERT_EQ(support::ErrorOf(support::PutText(m_machine.registry, key, value, text)),
+              std::nullopt);
   }
 };
 
@@ -175,7 +179,7 @@ TEST_F(StoreCheck, FindsValuesThatDoNotParse) {
   PutValue(u"200", storage::kPhoneTypeValue, u"home");
   EXPECT_EQ(Check(), (Texts{u"contact 100", u"phone-type 200"}));
   const auto key = m_machine.registry.OpenKey(u"Software\\Zedra\\Zedra Voxtrel\\100");
-  ASSERT_EQ(key.key->DeleteValue(storage::kPhoneTypeValue), RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf((*key)->DeleteValue(storage::kPhoneTypeValue)), std::nullopt);
   EXPECT_EQ(Check(), (Texts{u"contact 100", u"phone-type 100", u"phone-type 200"}));
 }
 
@@ -198,13 +202,13 @@ TEST_F(StoreCheck, FindsNamesThatTheAppletDoesNotGive) {
 
 TEST_F(StoreCheck, FindsAnotherVersionOnceThereAreTags) {
   const auto key = m_machine.registry.OpenKey(storage::kSetupKey);
-  ASSERT_EQ(key.key->DeleteValue(storage::kMathVersionValue), RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf((*key)->DeleteValue(storage::kMathVersionValue)), std::nullopt);
   EXPECT_EQ(Check(), Texts()) << "A new store.";
   Learn(u"100", 1);
   EXPECT_EQ(Check(), Texts{u"other-version"});
-  ASSERT_EQ(
-      support::PutText(m_machine.registry, storage::kSetupKey, storage::kMathVersionValue, u"2"),
-      RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(support::PutText(m_machine.registry, storage::kSetupKey,
+                                              storage::kMathVersionValue, u"2")),
+            std::nullopt);
   EXPECT_EQ(Check(), Texts{u"other-version"});
 }
 
@@ -214,8 +218,10 @@ TEST_F(StoreCheck, FindsMoreTagsThanThereIsRoomFor) {
       EXPECT_EQ(Check().size(), 2U * 100U) << "There is room for a hundred.";
     }
     const std::u16string name = language::Decimal(1000 + i);
-    ASSERT_EQ(storage::TagStore(m_machine.files, m_machine.registry).WriteEntry(name, 17, u"Home"),
-              RegistryError::kNone);
+    ASSERT_EQ(
+        support::ErrorOf(
+            storage::TagStore(m_machine.files, m_machine.registry).WriteEntry(name, 17, u"Home")),
+        std::nullopt);
   }
   const auto findings = Check();
   EXPECT_EQ(findings[0], u"too-many-tags");

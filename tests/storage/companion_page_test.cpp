@@ -10,6 +10,7 @@
 #include "storage/registry_keys.h"
 #include "storage/tag_store.h"
 #include "tests/machine/memory_file_system.h"
+#include "tests/support/results.h"
 #include "tests/support/run_program.h"
 #include "tests/support/temp_folder.h"
 
@@ -49,10 +50,10 @@ TEST(CompanionPage, ItsExampleReadsTheTagsHoweverTheKeysAreSpelled) {
     {
       machine::MemoryFileSystem files;
       sqlite::SqliteRegistry registry(root.Path() / sqlite::kDatabaseName);
-      ASSERT_EQ(registry.CreateKey(spelled).error, RegistryError::kNone);
+      ASSERT_EQ(support::ErrorOf(registry.CreateKey(spelled)), std::nullopt);
       const TagStore store(files, registry);
-      ASSERT_EQ(store.WriteEntry(u"4711", -17, u"Mobile"), RegistryError::kNone);
-      ASSERT_EQ(store.WriteEntry(u"5822", 204, u"HomeFax"), RegistryError::kNone);
+      ASSERT_EQ(support::ErrorOf(store.WriteEntry(u"4711", -17, u"Mobile")), std::nullopt);
+      ASSERT_EQ(support::ErrorOf(store.WriteEntry(u"5822", 204, u"HomeFax")), std::nullopt);
     }
     const auto run =
         support::RunProgram({"/bin/sh", "-c", Block("sh")}, {"ROOT=" + root.Path().string()});
@@ -93,7 +94,7 @@ TEST(CompanionPage, NamesTheFiles) {
 TEST(CompanionPage, TheDatabaseSaysWhatItIsWithTheNumbersOfThePage) {
   const support::TempFolder root;
   sqlite::SqliteRegistry registry(root.Path() / sqlite::kDatabaseName);
-  ASSERT_EQ(registry.OpenKey(u"").error, RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(registry.OpenKey(u"")), std::nullopt);
   const auto ask = [&](const std::string& pragma) {
     return support::RunProgram({"/bin/sh", "-c", "sqlite3 \"$ROOT/registry.db\" '" + pragma + "'"},
                                {"ROOT=" + root.Path().string()})

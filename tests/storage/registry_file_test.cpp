@@ -7,6 +7,7 @@
 #include "tests/machine/memory_registry.h"
 #include "tests/support/failing_registry.h"
 #include "tests/support/registry_access.h"
+#include "tests/support/results.h"
 
 namespace storage {
 
@@ -69,16 +70,11 @@ class RegistryFile : public testing::Test {
   }
 
   [[nodiscard]] RegistryValue Value(std::u16string_view key, std::u16string_view name) {
-    RegistryValue value;
-    const auto opened = m_registry.OpenKey(key);
-    EXPECT_TRUE(opened.key && opened.key->Query(name, value) == RegistryError::kNone);
-    return value;
+    return m_registry.OpenKey(key).value()->Query(name).value();
   }
 
   [[nodiscard]] std::u16string Export() {
-    std::vector<std::byte> file;
-    EXPECT_EQ(WriteRegistryFile(m_registry, file), RegistryError::kNone);
-    const std::u16string text = FromUtf16Bytes(file);
+    const std::u16string text = FromUtf16Bytes(WriteRegistryFile(m_registry).value());
     EXPECT_TRUE(text.starts_with(u'\xFEFF' + kHeader));
     return text.substr(1 + kHeader.size());
   }
@@ -177,7 +173,7 @@ TEST_F(RegistryFileReading, DeletesKeysAndValues) {
       u"[HKEY_LOCAL_MACHINE\\a\\b]\r\n\"v\"=hex:01\r\n\"w\"=hex:02\r\n@=\"x\"\r\n"
       u"[HKEY_LOCAL_MACHINE\\c\\d]\r\n");
   Import(u"[HKEY_LOCAL_MACHINE\\a\\b]\r\n\"V\"=-\r\n@=-\r\n[-HKEY_LOCAL_MACHINE\\c]\r\n");
-  EXPECT_THAT(support::ValueNames(*m_registry.OpenKey(u"a\\b").key), ElementsAre(u"w"));
+  EXPECT_THAT(support::ValueNames(*m_registry.OpenKey(u"a\\b").value()), ElementsAre(u"w"));
   EXPECT_FALSE(KeyExists(m_registry, u"c"));
 }
 
@@ -191,7 +187,7 @@ TEST_F(RegistryFileReading, AKeyCanBeDeletedAndMadeAgain) {
   Import(
       u"[HKEY_LOCAL_MACHINE\\a]\r\n\"w\"=hex:01\r\n[-HKEY_LOCAL_MACHINE\\a]\r\n"
       u"[HKEY_LOCAL_MACHINE\\a]\r\n\"x\"=hex:01\r\n");
-  EXPECT_THAT(support::ValueNames(*m_registry.OpenKey(u"a").key), ElementsAre(u"x"));
+  EXPECT_THAT(support::ValueNames(*m_registry.OpenKey(u"a").value()), ElementsAre(u"x"));
 }
 
 TEST_F(RegistryFileReading, TheLongestValueIsTakenAndALongerOneIsNot) {
@@ -215,8 +211,8 @@ TEST_F(RegistryFileReading, PassesOverKeysOfOtherHivesAndCountsThem) {
   EXPECT_THAT(SubkeyNames(m_registry, u""), ElementsAre(u"a"));
   EXPECT_EQ(Value(u"a", u"v").bytes, SomeBytes({1}));
   const auto opened = m_registry.OpenKey(u"a");
-  ASSERT_TRUE(opened.key);
-  EXPECT_THAT(support::ValueNames(*opened.key), ElementsAre(u"v"));
+  ASSERT_TRUE(opened);
+  EXPECT_THAT(support::ValueNames(**opened), ElementsAre(u"v"));
 }
 
 TEST_F(RegistryFileReading, AMistakeBelowAnotherHiveIsStillAMistake) {
@@ -240,7 +236,7 @@ TEST_F(RegistryFileReading, TakesTheKeysOf32BitProgramsForThoseOfTheDevice) {
 }
 
 TEST_F(RegistryFileReading, DeletesKeysOf32BitProgramsButNotAllOfThem) {
-  ASSERT_EQ(m_registry.CreateKey(u"Software\\a").error, RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(m_registry.CreateKey(u"Software\\a")), std::nullopt);
   Import(u"[-HKEY_LOCAL_MACHINE\\Software\\WOW6432Node\\a]\r\n");
   EXPECT_FALSE(KeyExists(m_registry, u"Software\\a"));
   EXPECT_THAT(Refused(u"[-HKEY_LOCAL_MACHINE\\Software\\WOW6432Node]\r\n").message,
@@ -381,7 +377,7 @@ TEST_F(RegistryFileImport, IsMadeWholeOrNotAtAll) {
     ASSERT_TRUE(failed);
     EXPECT_THAT(failed->message, HasSubstr("full"));
     EXPECT_THAT(SubkeyNames(registry, u""), ElementsAre(u"old"));
-    ASSERT_EQ(registry.BeginGroup(), RegistryError::kNone) << "no group may stay open";
+    ASSERT_EQ(support::ErrorOf(registry.BeginGroup()), std::nullopt) << "no group may stay open";
     registry.CancelGroup();
   }
   EXPECT_GT(call, 6U);
@@ -404,10 +400,10 @@ using RegistryFileWriting = RegistryFile;
 TEST_F(RegistryFileWriting, AnEmptyRegistryIsTheHeaderAlone) { EXPECT_EQ(Export(), u""); }
 
 TEST_F(RegistryFileWriting, WritesEachKeyWithItsValuesInTheirOrder) {
-  ASSERT_EQ(m_registry.CreateKey(u"b\\c").error, RegistryError::kNone);
-  ASSERT_EQ(support::PutText(m_registry, u"b", u"two", u"2"), RegistryError::kNone);
-  ASSERT_EQ(support::PutText(m_registry, u"b", u"", u"default"), RegistryError::kNone);
-  ASSERT_EQ(m_registry.CreateKey(u"a").error, RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(m_registry.CreateKey(u"b\\c")), std::nullopt);
+  ASSERT_EQ(support::ErrorOf(support::PutText(m_registry, u"b", u"two", u"2")), std::nullopt);
+  ASSERT_EQ(support::ErrorOf(support::PutText(m_registry, u"b", u"", u"default")), std::nullopt);
+  ASSERT_EQ(support::ErrorOf(m_registry.CreateKey(u"a")), std::nullopt);
   EXPECT_EQ(Export(),
             u"\r\n[HKEY_LOCAL_MACHINE\\b]\r\n\"two\"=\"2\"\r\n@=\"default\"\r\n"
             u"\r\n[HKEY_LOCAL_MACHINE\\b\\c]\r\n"
@@ -415,8 +411,8 @@ TEST_F(RegistryFileWriting, WritesEachKeyWithItsValuesInTheirOrder) {
 }
 
 TEST_F(RegistryFileWriting, TheRootIsWrittenForItsValuesOnly) {
-  ASSERT_EQ(Put(m_registry, u"", u"v", RegistryType::kBinary, SomeBytes({1})),
-            RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(Put(m_registry, u"", u"v", RegistryType::kBinary, SomeBytes({1}))),
+            std::nullopt);
   EXPECT_EQ(Export(), u"\r\n[HKEY_LOCAL_MACHINE]\r\n\"v\"=hex:01\r\n");
 }
 
@@ -440,32 +436,36 @@ TEST_F(RegistryFileWriting, ATextThatIsNotExactlyTextAndTerminatorIsWrittenAsByt
       {SomeBytes({0, 0xD8, 0, 0xDC, 0, 0}), u"\"\xD800\xDC00\""},
   };
   for (const auto& one : cases) {
-    ASSERT_EQ(Put(m_registry, u"a", u"v", RegistryType::kString, one.bytes), RegistryError::kNone);
+    ASSERT_EQ(support::ErrorOf(Put(m_registry, u"a", u"v", RegistryType::kString, one.bytes)),
+              std::nullopt);
     EXPECT_EQ(Export(),
               u"\r\n[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=" + std::u16string(one.written) + u"\r\n");
   }
 }
 
 TEST_F(RegistryFileWriting, ANumberIsOneOnlyWithItsFourBytes) {
-  ASSERT_EQ(Put(m_registry, u"a", u"v", RegistryType::kDword, SomeBytes({0xDE, 0xC0, 0, 0x10})),
-            RegistryError::kNone);
-  ASSERT_EQ(Put(m_registry, u"a", u"w", RegistryType::kDword, SomeBytes({1})),
-            RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(Put(m_registry, u"a", u"v", RegistryType::kDword,
+                                 SomeBytes({0xDE, 0xC0, 0, 0x10}))),
+            std::nullopt);
+  ASSERT_EQ(support::ErrorOf(Put(m_registry, u"a", u"w", RegistryType::kDword, SomeBytes({1}))),
+            std::nullopt);
   EXPECT_EQ(Export(),
             u"\r\n[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=dword:1000c0de\r\n\"w\"=hex(4):01\r\n");
 }
 
 TEST_F(RegistryFileWriting, TypesAreWrittenInHexadecimal) {
-  ASSERT_EQ(Put(m_registry, u"a", u"v", static_cast<RegistryType>(0xFFFF0012), SomeBytes({1})),
-            RegistryError::kNone);
-  ASSERT_EQ(Put(m_registry, u"a", u"w", RegistryType::kNone, {}), RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(
+                Put(m_registry, u"a", u"v", static_cast<RegistryType>(0xFFFF0012), SomeBytes({1}))),
+            std::nullopt);
+  ASSERT_EQ(support::ErrorOf(Put(m_registry, u"a", u"w", RegistryType::kNone, {})), std::nullopt);
   EXPECT_EQ(Export(),
             u"\r\n[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=hex(ffff0012):01\r\n\"w\"=hex(0):\r\n");
 }
 
 TEST_F(RegistryFileWriting, LongValuesAreContinuedBeforeTheEightiethColumn) {
-  ASSERT_EQ(Put(m_registry, u"a", u"contact", RegistryType::kString, std::vector<std::byte>(100)),
-            RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(Put(m_registry, u"a", u"contact", RegistryType::kString,
+                                 std::vector<std::byte>(100))),
+            std::nullopt);
   const std::u16string text = Export();
   std::size_t lines = 0;
   for (std::size_t start = 0; start < text.size(); ++lines) {
@@ -477,19 +477,17 @@ TEST_F(RegistryFileWriting, LongValuesAreContinuedBeforeTheEightiethColumn) {
 }
 
 TEST_F(RegistryFileWriting, AFailureGivesNoFile) {
-  ASSERT_EQ(support::PutText(m_registry, u"a\\b", u"v", u"1"), RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(support::PutText(m_registry, u"a\\b", u"v", u"1")), std::nullopt);
   support::FailingRegistry failing(m_registry);
   for (std::size_t call = 1;; ++call) {
     failing.FailCall(call, support::Failing::kOnce, RegistryError::kBusy);
-    std::vector<std::byte> file;
-    const RegistryError error = WriteRegistryFile(failing, file);
+    const auto error = support::ErrorOf(WriteRegistryFile(failing));
     if (!failing.HasFailed()) {
-      EXPECT_EQ(error, RegistryError::kNone);
+      EXPECT_EQ(error, std::nullopt);
       EXPECT_GT(call, 5U);
       break;
     }
     EXPECT_EQ(error, RegistryError::kBusy);
-    EXPECT_THAT(file, IsEmpty());
   }
 }
 
@@ -500,23 +498,20 @@ TEST_F(RegistryFileWriting, WhatIsReadAgainIsTheSameRegistry) {
   for (const std::u16string& name : oddNames) {
     for (const std::u16string_view suffix : {u"s", u"b", u"n"}) {
       const auto type = static_cast<RegistryType>(suffix[0]);
-      ASSERT_EQ(
-          Put(m_registry, oddKey + u"\\" + std::u16string(suffix), name, type, Utf16Bytes(name)),
-          RegistryError::kNone);
-      ASSERT_EQ(Put(m_registry, oddKey, name + std::u16string(suffix), RegistryType::kString,
-                    Utf16Bytes(name + u'\0')),
-                RegistryError::kNone);
+      ASSERT_EQ(support::ErrorOf(Put(m_registry, oddKey + u"\\" + std::u16string(suffix), name,
+                                     type, Utf16Bytes(name))),
+                std::nullopt);
+      ASSERT_EQ(support::ErrorOf(Put(m_registry, oddKey, name + std::u16string(suffix),
+                                     RegistryType::kString, Utf16Bytes(name + u'\0'))),
+                std::nullopt);
     }
   }
-  std::vector<std::byte> file;
-  ASSERT_EQ(WriteRegistryFile(m_registry, file), RegistryError::kNone);
+  const std::vector<std::byte> file = WriteRegistryFile(m_registry).value();
   machine::MemoryRegistry copy;
   const auto parsed = ParseRegistryFile(file);
   ASSERT_TRUE(parsed) << parsed.error().message;
   ASSERT_FALSE(ApplyRegistryChanges(copy, parsed->changes));
-  std::vector<std::byte> again;
-  ASSERT_EQ(WriteRegistryFile(copy, again), RegistryError::kNone);
-  EXPECT_EQ(again, file);
+  EXPECT_EQ(WriteRegistryFile(copy).value(), file);
   for (const std::u16string& name : oddNames) {
     EXPECT_EQ(BytesOf(copy, oddKey + u"\\b", name), Utf16Bytes(name));
   }

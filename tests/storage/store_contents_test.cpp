@@ -12,9 +12,10 @@
 #include "tests/machine/simulation.h"
 #include "tests/support/failing_file_system.h"
 #include "tests/support/failing_registry.h"
-#include "tests/support/forwarding_registry.h"
 #include "tests/support/file_bytes.h"
+#include "tests/support/forwarding_registry.h"
 #include "tests/support/registry_access.h"
+#include "tests/support/results.h"
 
 namespace storage {
 
@@ -37,7 +38,8 @@ class WatchedKeys final : public support::ForwardingRegistry {
   WatchedKeys(platform::Registry& inner, std::function<void()> goes)
       : ForwardingRegistry(inner), m_goes(std::move(goes)) {}
 
-  [[nodiscard]] platform::RegistryError DeleteKey(std::u16string_view path) override {
+  [[nodiscard]] platform::Result<void, platform::RegistryError> DeleteKey(
+      std::u16string_view path) override {
     if (path == kTagKey) {
       m_goes();
     }
@@ -58,7 +60,8 @@ class StoreContentsTest : public testing::Test {
   }
   void PutTag(std::u16string_view name) {
     PutFiles(name);
-    ASSERT_EQ(TagStore(m_files, m_registry).WriteEntry(name, 1, u"Car"), RegistryError::kNone);
+    ASSERT_EQ(support::ErrorOf(TagStore(m_files, m_registry).WriteEntry(name, 1, u"Car")),
+              std::nullopt);
   }
   /// Reads a file, as the companion does.
   [[nodiscard]] std::unique_ptr<platform::File> Share(const std::u16string& path) {
@@ -127,7 +130,8 @@ TEST_F(StoreContentsTest, AreTheTagsAndTheFilesOfNoTag) {
 }
 
 TEST_F(StoreContentsTest, LetterCaseCountsForNothing) {
-  ASSERT_EQ(TagStore(m_files, m_registry).WriteEntry(u"a", 1, u"Car"), RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(TagStore(m_files, m_registry).WriteEntry(u"a", 1, u"Car")),
+            std::nullopt);
   ASSERT_TRUE(m_files.PutFile(WavePath(u"A"), {}));
   StoreContents contents;
   ASSERT_EQ(ListStore(m_files, m_registry, contents, [] {}), ListResult::kDone);
@@ -144,7 +148,7 @@ TEST_F(DeleteAllTagsTest, TakesEveryRecordingEveryTemplateAndTheKeyToTheTrash) {
   PutFiles(u"without an entry");
   ASSERT_TRUE(m_files.PutFile(InWaveFolder(u".voxtrel-trimmed-0123456789abcdef"), {}));
   ASSERT_TRUE(m_files.PutFile(InWaveFolder(u"notes.txt"), {}));
-  ASSERT_EQ(m_registry.CreateKey(kSetupKey).error, RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(m_registry.CreateKey(kSetupKey)), std::nullopt);
   const DeletedAll deleted = DeleteAll();
   EXPECT_TRUE(deleted.isDone);
   EXPECT_EQ(deleted.destroyedCount, 0);
@@ -163,7 +167,8 @@ TEST_F(DeleteAllTagsTest, TakesEveryRecordingEveryTemplateAndTheKeyToTheTrash) {
 }
 
 TEST_F(DeleteAllTagsTest, WithoutAFileStillTakesTheKey) {
-  ASSERT_EQ(TagStore(m_files, m_registry).WriteEntry(u"1", 1, u"Car"), RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(TagStore(m_files, m_registry).WriteEntry(u"1", 1, u"Car")),
+            std::nullopt);
   EXPECT_TRUE(DeleteAll().isDone);
   EXPECT_FALSE(KeyExists(m_registry, kTagKey));
 }

@@ -5,6 +5,7 @@
 #include "storage/tag_store.h"
 #include "tests/backends/sqlite/raw_database.h"
 #include "tests/machine/memory_file_system.h"
+#include "tests/support/results.h"
 #include "tests/support/temp_folder.h"
 
 namespace storage {
@@ -20,8 +21,8 @@ class TagStoreDatabase : public testing::Test {
   TagStoreDatabase()
       : m_registry(m_folder.Path() / sqlite::kDatabaseName,
                    {{kInstalledKeys.begin(), kInstalledKeys.end()}, std::chrono::seconds(2), {}}) {
-    EXPECT_EQ(TagStore(m_files, m_registry).WriteEntry(u"4711", -17, u"Mobile"),
-              RegistryError::kNone);
+    EXPECT_EQ(support::ErrorOf(TagStore(m_files, m_registry).WriteEntry(u"4711", -17, u"Mobile")),
+              std::nullopt);
   }
 
   [[nodiscard]] RawDatabase Raw() const {
@@ -69,7 +70,7 @@ TEST_F(TagStoreDatabase, HoldsTheKeyOfTheInstallationWithoutAValue) {
 }
 
 TEST_F(TagStoreDatabase, HoldsNothingOfATagThatWasDeleted) {
-  ASSERT_EQ(TagStore(m_files, m_registry).DeleteEntry(u"4711"), RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(TagStore(m_files, m_registry).DeleteEntry(u"4711")), std::nullopt);
   EXPECT_EQ(Raw().Text("SELECT count(*) FROM registry_value"), "0");
 }
 

@@ -41,7 +41,8 @@ class TagTrashTest : public testing::Test {
   void PutTag(std::u16string_view name, std::size_t waveBytes = 1000) {
     ASSERT_TRUE(support::WriteWhole(m_files, WavePath(name), std::string(waveBytes, 'w')));
     ASSERT_TRUE(support::WriteWhole(m_files, TemplatePath(name), "template"));
-    ASSERT_EQ(TagStore(m_files, m_registry).WriteEntry(name, -17, u"Mobile"), RegistryError::kNone);
+    ASSERT_EQ(support::ErrorOf(TagStore(m_files, m_registry).WriteEntry(name, -17, u"Mobile")),
+              std::nullopt);
   }
 
   /// Deletes a tag as a user of the store does: the copy first, then the parts in their order.
@@ -143,9 +144,10 @@ TEST_F(TagTrashTest, ListsTheLatestDeletionFirst) {
 
 TEST_F(TagTrashTest, RestoresATagByteForByteAndForgetsIt) {
   PutTag(u"100");
-  ASSERT_EQ(support::Put(m_registry, KeyOfTag(u"100"), u"Another's \"value\"",
-                         platform::RegistryType::kBinary, {std::byte{1}, std::byte{0}}),
-            RegistryError::kNone);
+  ASSERT_EQ(
+      support::ErrorOf(support::Put(m_registry, KeyOfTag(u"100"), u"Another's \"value\"",
+                                    platform::RegistryType::kBinary, {std::byte{1}, std::byte{0}})),
+      std::nullopt);
   ASSERT_EQ(Delete(u"100"), ItemResult::kDone);
   ASSERT_EQ(m_trash.Restore(List().front()), RestoreResult::kDone);
   EXPECT_TRUE(HasTag(u"100"));
@@ -167,7 +169,8 @@ TEST_F(TagTrashTest, RestoresIntoAStoreWithoutFolders) {
 }
 
 TEST_F(TagTrashTest, KeepsATagWithoutFilesAndAFileWithoutATag) {
-  ASSERT_EQ(TagStore(m_files, m_registry).WriteEntry(u"100", 1, u"Car"), RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(TagStore(m_files, m_registry).WriteEntry(u"100", 1, u"Car")),
+            std::nullopt);
   ASSERT_TRUE(support::WriteWhole(m_files, WavePath(u"orphan"), "w"));
   ASSERT_EQ(Delete(u"100"), ItemResult::kDone);
   ASSERT_EQ(Delete(u"orphan"), ItemResult::kDone);
@@ -181,7 +184,8 @@ TEST_F(TagTrashTest, KeepsATagWithoutFilesAndAFileWithoutATag) {
 
 TEST_F(TagTrashTest, KeepsAnotherProgramsEntryWhoseNameIsNoFilesName) {
   const std::u16string name = u"../../outside";
-  ASSERT_EQ(TagStore(m_files, m_registry).WriteEntry(name, 1, u"Car"), RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(TagStore(m_files, m_registry).WriteEntry(name, 1, u"Car")),
+            std::nullopt);
   ASSERT_EQ(Delete(name), ItemResult::kDone);
   ASSERT_THAT(Names(), ElementsAre(name));
   EXPECT_EQ(m_trash.Restore(List().front()), RestoreResult::kDone);
@@ -195,7 +199,8 @@ TEST_F(TagTrashTest, RestoresNothingOverWhatIsThere) {
   ASSERT_TRUE(support::WriteWhole(m_files, WavePath(u"100"), "new"));
   EXPECT_EQ(m_trash.Restore(List().front()), RestoreResult::kExists);
   ASSERT_TRUE(m_files.Delete(WavePath(u"100")));
-  ASSERT_EQ(TagStore(m_files, m_registry).WriteEntry(u"100", 5, u"Car"), RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(TagStore(m_files, m_registry).WriteEntry(u"100", 5, u"Car")),
+            std::nullopt);
   EXPECT_EQ(m_trash.Restore(List().front()), RestoreResult::kExists);
   EXPECT_FALSE(support::ReadWhole(m_files, TemplatePath(u"100")));
   EXPECT_THAT(Names(), ElementsAre(u"100"));
@@ -205,12 +210,13 @@ TEST_F(TagTrashTest, RestoresNoMoreThanOneHundredTags) {
   PutTag(u"9999");
   ASSERT_EQ(Delete(u"9999"), ItemResult::kDone);
   for (std::uint32_t i = 0; i < 100; ++i) {
-    ASSERT_EQ(TagStore(m_files, m_registry).WriteEntry(TagNameOfTickCount(i), 1, u"Car"),
-              RegistryError::kNone);
+    ASSERT_EQ(support::ErrorOf(
+                  TagStore(m_files, m_registry).WriteEntry(TagNameOfTickCount(i), 1, u"Car")),
+              std::nullopt);
   }
   EXPECT_EQ(m_trash.Restore(List().front()), RestoreResult::kTooMany);
   EXPECT_THAT(Names(), ElementsAre(u"9999"));
-  ASSERT_EQ(TagStore(m_files, m_registry).DeleteEntry(u"7"), RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(TagStore(m_files, m_registry).DeleteEntry(u"7")), std::nullopt);
   EXPECT_EQ(m_trash.Restore(List().front()), RestoreResult::kDone);
 }
 
@@ -482,7 +488,8 @@ TEST_F(FreeTagNameTest, IsTheTickCountOrTheNextOneThatNothingHas) {
   PutTag(u"100");
   ASSERT_TRUE(support::WriteWhole(m_files, WavePath(u"101"), "w"));
   ASSERT_TRUE(support::WriteWhole(m_files, TemplatePath(u"102"), "t"));
-  ASSERT_EQ(TagStore(m_files, m_registry).WriteEntry(u"103", 1, u"Car"), RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(TagStore(m_files, m_registry).WriteEntry(u"103", 1, u"Car")),
+            std::nullopt);
   PutTag(u"104");
   ASSERT_EQ(Delete(u"104"), ItemResult::kDone);
   EXPECT_EQ(name(100), u"105");

@@ -6,6 +6,7 @@
 
 #include "backends/sqlite/sqlite_registry.h"
 #include "tests/backends/sqlite/raw_database.h"
+#include "tests/support/results.h"
 #include "tests/support/temp_folder.h"
 
 namespace {
@@ -13,7 +14,7 @@ namespace {
 class UnusableKey : public testing::Test {
  protected:
   UnusableKey() {
-    EXPECT_EQ(m_registry.CreateKey(u"Software\\Grün\\Good").error, platform::RegistryError::kNone);
+    EXPECT_EQ(support::ErrorOf(m_registry.CreateKey(u"Software\\Grün\\Good")), std::nullopt);
   }
 
   /// Makes a key below "Grün" as another program can; `name` is an expression of the library.
@@ -48,7 +49,7 @@ TEST_F(UnusableKey, CanBeTooDeep) {
   for (std::uint32_t depth = 2; depth <= platform::kMaxKeyDepth; ++depth) {
     path += u"\\1";
   }
-  ASSERT_EQ(m_registry.CreateKey(path).error, platform::RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(m_registry.CreateKey(path)), std::nullopt);
   EXPECT_EQ(storage::FindUnusableKey(m_registry), "");
   ASSERT_EQ(support::RawDatabase(m_path).Execute(
                 "INSERT INTO registry_key (parent_id, name, folded_name) SELECT max(id), 'below', "

@@ -7,40 +7,39 @@
 
 namespace support {
 
+using platform::Failure;
 using platform::OpenedKey;
 using platform::RegistryError;
 using platform::RegistryType;
 using platform::RegistryValue;
+using platform::Result;
 
 class FailingRegistry::Key final : public platform::RegistryKey {
  public:
   Key(FailingRegistry& registry, std::unique_ptr<platform::RegistryKey> key)
       : m_registry(registry), m_key(std::move(key)) {}
 
-  RegistryError EnumerateSubkey(std::uint32_t index, std::u16string& name) override {
-    const RegistryError error = m_registry.CountCall();
-    return error == RegistryError::kNone ? m_key->EnumerateSubkey(index, name) : error;
+  using ItemName = Result<std::optional<std::u16string>, RegistryError>;
+
+  ItemName EnumerateSubkey(std::uint32_t index) override {
+    return m_registry.CountCall().and_then([&] { return m_key->EnumerateSubkey(index); });
   }
 
-  RegistryError EnumerateValue(std::uint32_t index, std::u16string& name) override {
-    const RegistryError error = m_registry.CountCall();
-    return error == RegistryError::kNone ? m_key->EnumerateValue(index, name) : error;
+  ItemName EnumerateValue(std::uint32_t index) override {
+    return m_registry.CountCall().and_then([&] { return m_key->EnumerateValue(index); });
   }
 
-  RegistryError Query(std::u16string_view valueName, RegistryValue& value) override {
-    const RegistryError error = m_registry.CountCall();
-    return error == RegistryError::kNone ? m_key->Query(valueName, value) : error;
+  Result<RegistryValue, RegistryError> Query(std::u16string_view valueName) override {
+    return m_registry.CountCall().and_then([&] { return m_key->Query(valueName); });
   }
 
-  RegistryError Set(std::u16string_view valueName, RegistryType type,
-                    std::span<const std::byte> bytes) override {
-    const RegistryError error = m_registry.CountCall();
-    return error == RegistryError::kNone ? m_key->Set(valueName, type, bytes) : error;
+  Result<void, RegistryError> Set(std::u16string_view valueName, RegistryType type,
+                                  std::span<const std::byte> bytes) override {
+    return m_registry.CountCall().and_then([&] { return m_key->Set(valueName, type, bytes); });
   }
 
-  RegistryError DeleteValue(std::u16string_view valueName) override {
-    const RegistryError error = m_registry.CountCall();
-    return error == RegistryError::kNone ? m_key->DeleteValue(valueName) : error;
+  Result<void, RegistryError> DeleteValue(std::u16string_view valueName) override {
+    return m_registry.CountCall().and_then([&] { return m_key->DeleteValue(valueName); });
   }
 
  private:
@@ -57,72 +56,66 @@ void FailingRegistry::FailCall(std::size_t number, Failing failing, RegistryErro
 }
 
 OpenedKey FailingRegistry::OpenKey(std::u16string_view path) {
-  if (const RegistryError error = CountCall(); error != RegistryError::kNone) {
-    return {nullptr, error};
+  if (const auto counted = CountCall(); !counted) {
+    return Failure(counted.error());
   }
   return Wrap(m_registry.OpenKey(path));
 }
 
 OpenedKey FailingRegistry::CreateKey(std::u16string_view path) {
-  if (const RegistryError error = CountCall(); error != RegistryError::kNone) {
-    return {nullptr, error};
+  if (const auto counted = CountCall(); !counted) {
+    return Failure(counted.error());
   }
   return Wrap(m_registry.CreateKey(path));
 }
 
-RegistryError FailingRegistry::DeleteKey(std::u16string_view path) {
-  const RegistryError error = CountCall();
-  return error == RegistryError::kNone ? m_registry.DeleteKey(path) : error;
+Result<void, RegistryError> FailingRegistry::DeleteKey(std::u16string_view path) {
+  return CountCall().and_then([&] { return m_registry.DeleteKey(path); });
 }
 
-RegistryError FailingRegistry::BeginGroup() {
-  RegistryError error = CountCall();
-  if (error == RegistryError::kNone) {
-    error = m_registry.BeginGroup();
-  }
-  if (error == RegistryError::kNone) {
-    m_groupIsOpen = true;
-  }
-  return error;
+Result<void, RegistryError> FailingRegistry::BeginGroup() {
+  const auto begun = CountCall().and_then([this] { return m_registry.BeginGroup(); });
+  m_groupIsOpen = m_groupIsOpen || begun;
+  return begun;
 }
 
-RegistryError FailingRegistry::CommitGroup() {
-  const RegistryError error = CountCall();
-  if (error == RegistryError::kNone) {
+Result<void, RegistryError> FailingRegistry::CommitGroup() {
+  const auto counted = CountCall();
+  if (counted) {
     m_groupIsOpen = false;
     return m_registry.CommitGroup();
   }
   CancelGroup();
-  return error;
+  return counted;
 }
 
 void FailingRegistry::CancelGroup() {
   m_groupIsOpen = false;
-  m_doom = RegistryError::kNone;
+  m_doom.reset();
   m_registry.CancelGroup();
 }
 
-RegistryError FailingRegistry::CountCall() {
+Result<void, RegistryError> FailingRegistry::CountCall() {
   ++m_calls;
-  if (m_doom != RegistryError::kNone) {
-    return m_doom;
+  if (m_doom) {
+    return Failure(*m_doom);
   }
   const bool isLater = m_calls > m_failingCall && m_failing != Failing::kOnce;
   if (m_failingCall == 0 || !(m_calls == m_failingCall || isLater)) {
-    return RegistryError::kNone;
+    return {};
   }
   m_hasFailed = true;
   if (m_groupIsOpen && platform::DoomsGroup(m_error)) {
     m_doom = m_error;
   }
-  return m_error;
+  return Failure(m_error);
 }
 
 OpenedKey FailingRegistry::Wrap(OpenedKey opened) {
-  if (opened.key) {
-    opened.key = std::make_unique<Key>(*this, std::move(opened.key));
+  if (!opened) {
+    return opened;
   }
-  return opened;
+  return std::make_unique<Key>(*this, std::move(*opened));
 }
 
 }  // namespace support

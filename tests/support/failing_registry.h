@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 
 #include "platform/registry.h"
 #include "tests/support/failing_file_system.h"
@@ -27,26 +28,27 @@ class FailingRegistry final : public platform::Registry {
 
   [[nodiscard]] platform::OpenedKey OpenKey(std::u16string_view path) override;
   [[nodiscard]] platform::OpenedKey CreateKey(std::u16string_view path) override;
-  [[nodiscard]] platform::RegistryError DeleteKey(std::u16string_view path) override;
-  [[nodiscard]] platform::RegistryError BeginGroup() override;
-  [[nodiscard]] platform::RegistryError CommitGroup() override;
+  [[nodiscard]] platform::Result<void, platform::RegistryError> DeleteKey(
+      std::u16string_view path) override;
+  [[nodiscard]] platform::Result<void, platform::RegistryError> BeginGroup() override;
+  [[nodiscard]] platform::Result<void, platform::RegistryError> CommitGroup() override;
   void CancelGroup() override;
 
  private:
   class Key;
 
-  /// Counts one call. What it shall fail with, or kNone.
-  [[nodiscard]] platform::RegistryError CountCall();
+  /// Counts one call. Fails with what it shall fail with.
+  [[nodiscard]] platform::Result<void, platform::RegistryError> CountCall();
   [[nodiscard]] platform::OpenedKey Wrap(platform::OpenedKey opened);
 
   platform::Registry& m_registry;
   std::size_t m_calls = 0;
   std::size_t m_failingCall = 0;  ///< 0: none.
   Failing m_failing = Failing::kOnce;
-  platform::RegistryError m_error = platform::RegistryError::kNone;
+  platform::RegistryError m_error = platform::RegistryError::kOther;
   bool m_hasFailed = false;
   bool m_groupIsOpen = false;
-  platform::RegistryError m_doom = platform::RegistryError::kNone;
+  std::optional<platform::RegistryError> m_doom;
 };
 
 }  // namespace support

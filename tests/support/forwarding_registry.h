@@ -17,11 +17,16 @@ class ForwardingRegistry : public platform::Registry {
   [[nodiscard]] platform::OpenedKey CreateKey(std::u16string_view path) override {
     return m_inner.CreateKey(path);
   }
-  [[nodiscard]] platform::RegistryError DeleteKey(std::u16string_view path) override {
+  [[nodiscard]] platform::Result<void, platform::RegistryError> DeleteKey(
+      std::u16string_view path) override {
     return m_inner.DeleteKey(path);
   }
-  [[nodiscard]] platform::RegistryError BeginGroup() override { return m_inner.BeginGroup(); }
-  [[nodiscard]] platform::RegistryError CommitGroup() override { return m_inner.CommitGroup(); }
+  [[nodiscard]] platform::Result<void, platform::RegistryError> BeginGroup() override {
+    return m_inner.BeginGroup();
+  }
+  [[nodiscard]] platform::Result<void, platform::RegistryError> CommitGroup() override {
+    return m_inner.CommitGroup();
+  }
   void CancelGroup() override { m_inner.CancelGroup(); }
 
  private:

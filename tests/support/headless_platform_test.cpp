@@ -21,7 +21,7 @@ TEST(HeadlessPlatform, EachMemberIsTheBackEndOfThatName) {
   EXPECT_NE(platform.threads.CreateManualResetEvent(), nullptr);
   EXPECT_EQ(platform.waveIn.GetDeviceCount(), 1U);
   EXPECT_TRUE(platform.waveOut.Open(audio::MonoPcm(16, 11025)));
-  EXPECT_NE(platform.registry.CreateKey(u"a").key, nullptr);
+  EXPECT_NE(platform.registry.CreateKey(u"a").value(), nullptr);
   EXPECT_TRUE(platform.contacts.Initialize());
 }
 

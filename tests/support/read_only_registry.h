@@ -19,23 +19,28 @@ class ReadOnlyRegistry final : public platform::Registry {
 
   [[nodiscard]] platform::OpenedKey OpenKey(std::u16string_view path) override {
     platform::OpenedKey opened = m_registry.OpenKey(path);
-    if (opened.key) {
-      opened.key = std::make_unique<Key>(*this, std::move(opened.key));
+    if (!opened) {
+      return opened;
     }
-    return opened;
+    return std::make_unique<Key>(*this, std::move(*opened));
   }
   [[nodiscard]] platform::OpenedKey CreateKey(std::u16string_view path) override {
     platform::OpenedKey opened = OpenKey(path);
-    if (!opened.key) {
-      opened.error = Refuse();
+    if (!opened) {
+      return platform::Failure(Refuse());
     }
     return opened;
   }
-  [[nodiscard]] platform::RegistryError DeleteKey(std::u16string_view /*path*/) override {
-    return Refuse();
+  [[nodiscard]] platform::Result<void, platform::RegistryError> DeleteKey(
+      std::u16string_view /*path*/) override {
+    return platform::Failure(Refuse());
   }
-  [[nodiscard]] platform::RegistryError BeginGroup() override { return m_registry.BeginGroup(); }
-  [[nodiscard]] platform::RegistryError CommitGroup() override { return m_registry.CommitGroup(); }
+  [[nodiscard]] platform::Result<void, platform::RegistryError> BeginGroup() override {
+    return m_registry.BeginGroup();
+  }
+  [[nodiscard]] platform::Result<void, platform::RegistryError> CommitGroup() override {
+    return m_registry.CommitGroup();
+  }
   void CancelGroup() override { m_registry.CancelGroup(); }
 
  private:
@@ -44,22 +49,26 @@ class ReadOnlyRegistry final : public platform::Registry {
     Key(ReadOnlyRegistry& registry, std::unique_ptr<platform::RegistryKey> key)
         : m_registry(registry), m_key(std::move(key)) {}
 
-    platform::RegistryError EnumerateSubkey(std::uint32_t index, std::u16string& name) override {
-      return m_key->EnumerateSubkey(index, name);
+    platform::Result<std::optional<std::u16string>, platform::RegistryError> EnumerateSubkey(
+        std::uint32_t index) override {
+      return m_key->EnumerateSubkey(index);
     }
-    platform::RegistryError EnumerateValue(std::uint32_t index, std::u16string& name) override {
-      return m_key->EnumerateValue(index, name);
+    platform::Result<std::optional<std::u16string>, platform::RegistryError> EnumerateValue(
+        std::uint32_t index) override {
+      return m_key->EnumerateValue(index);
     }
-    platform::RegistryError Query(std::u16string_view valueName,
-                                  platform::RegistryValue& value) override {
-      return m_key->Query(valueName, value);
+    platform::Result<platform::RegistryValue, platform::RegistryError> Query(
+        std::u16string_view valueName) override {
+      return m_key->Query(valueName);
     }
-    platform::RegistryError Set(std::u16string_view /*name*/, platform::RegistryType /*type*/,
-                                std::span<const std::byte> /*bytes*/) override {
-      return m_registry.Refuse();
+    platform::Result<void, platform::RegistryError> Set(
+        std::u16string_view /*name*/, platform::RegistryType /*type*/,
+        std::span<const std::byte> /*bytes*/) override {
+      return platform::Failure(m_registry.Refuse());
     }
-    platform::RegistryError DeleteValue(std::u16string_view /*valueName*/) override {
-      return m_registry.Refuse();
+    platform::Result<void, platform::RegistryError> DeleteValue(
+        std::u16string_view /*valueName*/) override {
+      return platform::Failure(m_registry.Refuse());
     }
 
    private:

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "platform/registry.h"
@@ -22,18 +23,18 @@ namespace support {
 /// The names of all subkeys of an open key, in order.
 [[nodiscard]] inline std::vector<std::u16string> SubkeyNames(platform::RegistryKey& key) {
   std::vector<std::u16string> names;
-  std::u16string name;
-  for (std::uint32_t i = 0; key.EnumerateSubkey(i, name) == platform::RegistryError::kNone; ++i) {
-    names.push_back(name);
+  auto name = key.EnumerateSubkey(0);
+  for (std::uint32_t i = 1; name && *name; name = key.EnumerateSubkey(i++)) {
+    names.push_back(**name);
   }
   return names;
 }
 
 [[nodiscard]] inline std::vector<std::u16string> ValueNames(platform::RegistryKey& key) {
   std::vector<std::u16string> names;
-  std::u16string name;
-  for (std::uint32_t i = 0; key.EnumerateValue(i, name) == platform::RegistryError::kNone; ++i) {
-    names.push_back(name);
+  auto name = key.EnumerateValue(0);
+  for (std::uint32_t i = 1; name && *name; name = key.EnumerateValue(i++)) {
+    names.push_back(**name);
   }
   return names;
 }
@@ -41,27 +42,25 @@ namespace support {
 [[nodiscard]] inline std::vector<std::u16string> SubkeyNames(platform::Registry& registry,
                                                              std::u16string_view path) {
   const auto opened = registry.OpenKey(path);
-  return opened.key ? SubkeyNames(*opened.key) : std::vector<std::u16string>{};
+  return opened ? SubkeyNames(**opened) : std::vector<std::u16string>{};
 }
 
 [[nodiscard]] inline bool KeyExists(platform::Registry& registry, std::u16string_view path) {
-  return registry.OpenKey(path).error == platform::RegistryError::kNone;
+  return registry.OpenKey(path).has_value();
 }
 
 /// Makes the key where it is missing and writes one value of it.
-[[nodiscard]] inline platform::RegistryError Put(platform::Registry& registry,
-                                                 std::u16string_view path, std::u16string_view name,
-                                                 platform::RegistryType type,
-                                                 const std::vector<std::byte>& bytes) {
+[[nodiscard]] inline platform::Result<void, platform::RegistryError> Put(
+    platform::Registry& registry, std::u16string_view path, std::u16string_view name,
+    platform::RegistryType type, const std::vector<std::byte>& bytes) {
   const auto created = registry.CreateKey(path);
-  return created.key ? created.key->Set(name, type, bytes) : created.error;
+  return created ? (*created)->Set(name, type, bytes) : platform::Failure(created.error());
 }
 
 /// As Put, with a text of type string, terminated.
-[[nodiscard]] inline platform::RegistryError PutText(platform::Registry& registry,
-                                                     std::u16string_view path,
-                                                     std::u16string_view name,
-                                                     std::u16string_view text) {
+[[nodiscard]] inline platform::Result<void, platform::RegistryError> PutText(
+    platform::Registry& registry, std::u16string_view path, std::u16string_view name,
+    std::u16string_view text) {
   return Put(registry, path, name, platform::RegistryType::kString,
              Utf16Bytes(std::u16string(text) + u'\0'));
 }
@@ -71,11 +70,11 @@ namespace support {
                                                     std::u16string_view path,
                                                     std::u16string_view name) {
   const auto opened = registry.OpenKey(path);
-  platform::RegistryValue value;
-  if (!opened.key || opened.key->Query(name, value) != platform::RegistryError::kNone) {
+  if (!opened) {
     return {};
   }
-  return value.bytes;
+  auto value = (*opened)->Query(name);
+  return value ? std::move(value->bytes) : std::vector<std::byte>();
 }
 
 }  // namespace support

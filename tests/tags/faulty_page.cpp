@@ -5,6 +5,7 @@
 #include <span>
 
 #include "platform/little_endian.h"
+#include "tests/support/results.h"
 #include "voicemath/template_file.h"
 
 using support::Failing;
@@ -86,11 +87,11 @@ void FaultyPage::ExpectWholeTag(const std::u16string& tag, std::u16string_view c
   voicemath::CVoiceMathematics mathematics(m_machine.files, m_machine.ui);
   EXPECT_TRUE(
       voicemath::ReadTemplateFile(m_machine.files, storage::TemplatePath(tag), mathematics));
-  storage::TagEntry entry;
   const storage::TagStore store(m_machine.files, m_machine.registry);
-  ASSERT_EQ(store.ReadEntry(tag, entry), platform::RegistryError::kNone);
-  EXPECT_EQ(entry.oid, storage::ParseOid(contact));
-  EXPECT_EQ(entry.phoneType, phoneType);
+  const auto entry = store.ReadEntry(tag);
+  ASSERT_EQ(support::ErrorOf(entry), std::nullopt);
+  EXPECT_EQ(entry->oid, storage::ParseOid(contact));
+  EXPECT_EQ(entry->phoneType, phoneType);
 }
 
 void FaultyPage::ExpectNothingHeld() {

@@ -7,6 +7,7 @@
 #include "tests/machine/memory_registry.h"
 #include "tests/support/failing_registry.h"
 #include "tests/support/registry_access.h"
+#include "tests/support/results.h"
 
 namespace tags {
 namespace {
@@ -18,7 +19,7 @@ using testing::Optional;
 class OidsInUse : public testing::Test {
  protected:
   void Write(std::u16string_view tagName, std::int32_t oid) {
-    EXPECT_EQ(m_store.WriteEntry(tagName, oid, u"Mobile"), RegistryError::kNone);
+    EXPECT_EQ(support::ErrorOf(m_store.WriteEntry(tagName, oid, u"Mobile")), std::nullopt);
   }
 
   machine::MemoryFileSystem m_files;
@@ -39,8 +40,9 @@ TEST_F(OidsInUse, AreThoseOfEveryTag) {
 
 TEST_F(OidsInUse, LeaveOutATagThatNamesNoContact) {
   Write(u"100", 17);
-  ASSERT_EQ(support::PutText(m_memory, u"Software\\Zedra\\Zedra Voxtrel\\200", u"contact", u"?"),
-            RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(support::PutText(m_memory, u"Software\\Zedra\\Zedra Voxtrel\\200",
+                                              u"contact", u"?")),
+            std::nullopt);
   EXPECT_THAT(FindOidsInUse(m_store), Optional(ElementsAre(17)));
 }
 

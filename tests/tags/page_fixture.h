@@ -13,6 +13,8 @@
 #include "storage/device_paths.h"
 #include "tags/page_one.h"
 #include "tests/support/headless_platform.h"
+#include "tests/support/registry_access.h"
+#include "tests/support/results.h"
 #include "tests/support/signals.h"
 
 /// The Learning page on a machine without anything real: three contacts, a microphone that hears
@@ -77,18 +79,10 @@ class PageFixture : public testing::Test {
     ASSERT_TRUE(m_machine.files.PutFile(storage::WavePath(name), support::Bytes(50)));
     ASSERT_TRUE(m_machine.files.PutFile(storage::TemplatePath(name), support::Bytes(6)));
     const storage::TagStore store(m_machine.files, m_machine.registry);
-    ASSERT_EQ(store.WriteEntry(name, oid, phoneType), platform::RegistryError::kNone);
+    ASSERT_EQ(support::ErrorOf(store.WriteEntry(name, oid, phoneType)), std::nullopt);
   }
   [[nodiscard]] std::vector<std::u16string> GetEntries() {
-    std::vector<std::u16string> entries;
-    const auto opened = m_machine.registry.OpenKey(u"Software\\Zedra\\Zedra Voxtrel");
-    std::u16string name;
-    for (std::uint32_t i = 0;
-         opened.key && opened.key->EnumerateSubkey(i, name) == platform::RegistryError::kNone;
-         ++i) {
-      entries.push_back(name);
-    }
-    return entries;
+    return support::SubkeyNames(m_machine.registry, u"Software\\Zedra\\Zedra Voxtrel");
   }
   [[nodiscard]] bool HasFile(const std::u16string& path) {
     return m_machine.files.GetFile(path).has_value();

@@ -17,7 +17,8 @@ class UnopenableKey final : public support::ForwardingRegistry {
   void SetPath(std::u16string_view path) { m_path = path; }
 
   [[nodiscard]] platform::OpenedKey OpenKey(std::u16string_view path) override {
-    return path == m_path ? platform::OpenedKey{} : ForwardingRegistry::OpenKey(path);
+    return path == m_path ? platform::Failure(platform::RegistryError::kOther)
+                          : ForwardingRegistry::OpenKey(path);
   }
 
  private:
@@ -48,9 +49,8 @@ class PageOneListEnds : public WatchedPage {
 
 TEST_F(PageOneListEnds, AFailingPropertyEndsTheLoad) {
   PutThreeTags();
-  AddContactThatFailsLater([](machine::SimulatedContact& contact) {
-    contact.FailNumber(platform::PhoneKind::kHome);
-  });
+  AddContactThatFailsLater(
+      [](machine::SimulatedContact& contact) { contact.FailNumber(platform::PhoneKind::kHome); });
   const auto& dialog = OpenWatched();
   EXPECT_EQ(GetMessages(), Texts{u"Failed to get home phone number"});
   EXPECT_EQ(dialog.GetItems(kTagListId), Texts{u"Ann Lee 5551234 M"});

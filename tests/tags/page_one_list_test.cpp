@@ -1,7 +1,8 @@
-#include "tests/support/failing_file_system.h"
-#include "tests/support/forwarding_registry.h"
 #include "storage/registry_keys.h"
 #include "storage/tag_entry.h"
+#include "tests/support/failing_file_system.h"
+#include "tests/support/forwarding_registry.h"
+#include "tests/support/results.h"
 #include "tests/tags/page_fixture.h"
 
 namespace {
@@ -13,8 +14,9 @@ using namespace resources;
 class LastingKeys final : public support::ForwardingRegistry {
  public:
   using ForwardingRegistry::ForwardingRegistry;
-  platform::RegistryError DeleteKey(std::u16string_view path) override {
-    return isLasting ? platform::RegistryError::kBusy : ForwardingRegistry::DeleteKey(path);
+  platform::Result<void, platform::RegistryError> DeleteKey(std::u16string_view path) override {
+    return isLasting ? platform::Failure(platform::RegistryError::kBusy)
+                     : ForwardingRegistry::DeleteKey(path);
   }
   bool isLasting = true;
 };
@@ -520,10 +522,10 @@ TEST_F(PageOneList, ATagWhoseEntryNamesNoContactIsKeptUnderItsOwnName) {
   PutTag(u"100", kAnn, u"Mobile");
   for (const std::u16string_view contact : {u"", u"nobody", u"99999999999"}) {
     const auto key = m_machine.registry.OpenKey(std::u16string(storage::kTagKey) + u"\\100");
-    ASSERT_TRUE(key.key);
-    ASSERT_EQ(key.key->Set(storage::kContactValue, platform::RegistryType::kString,
-                           storage::ToTagValue(contact)),
-              platform::RegistryError::kNone);
+    ASSERT_TRUE(key);
+    ASSERT_EQ(support::ErrorOf((*key)->Set(storage::kContactValue, platform::RegistryType::kString,
+                                           storage::ToTagValue(contact))),
+              std::nullopt);
     const auto& dialog = Open();
     EXPECT_EQ(dialog.GetItems(kTagListId), Texts{u"100"});
     EXPECT_EQ(GetEntries(), Texts{u"100"});

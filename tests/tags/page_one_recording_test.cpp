@@ -14,11 +14,8 @@ class PageOneRecording : public PageFixture {
  protected:
   [[nodiscard]] platform::RegistryValue GetValue(std::u16string_view tag,
                                                  std::u16string_view name) {
-    platform::RegistryValue value;
-    const auto opened =
-        m_machine.registry.OpenKey(u"Software\\Zedra\\Zedra Voxtrel\\" + std::u16string(tag));
-    EXPECT_TRUE(opened.key && opened.key->Query(name, value) == platform::RegistryError::kNone);
-    return value;
+    const std::u16string key = u"Software\\Zedra\\Zedra Voxtrel\\" + std::u16string(tag);
+    return m_machine.registry.OpenKey(key).value()->Query(name).value();
   }
   static std::u16string TextOf(const platform::RegistryValue& value) {
     return storage::TextOfValue(value);

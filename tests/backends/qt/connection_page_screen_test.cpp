@@ -14,6 +14,7 @@
 #include "tests/backends/qt/user.h"
 #include "tests/machine/memory_registry.h"
 #include "tests/support/registry_access.h"
+#include "tests/support/results.h"
 
 namespace {
 
@@ -36,7 +37,7 @@ class ConnectionPageScreen : public testing::Test {
 
   void PutPort(std::u16string_view name) {
     const std::u16string path = std::u16string(u"Drivers\\Active\\").append(name);
-    ASSERT_EQ(support::PutText(m_registry, path, u"Name", name), platform::RegistryError::kNone);
+    ASSERT_EQ(support::ErrorOf(support::PutText(m_registry, path, u"Name", name)), std::nullopt);
   }
 
   [[nodiscard]] std::vector<std::byte> Stored(std::u16string_view name) {

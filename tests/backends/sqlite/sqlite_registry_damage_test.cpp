@@ -9,6 +9,7 @@
 #include "backends/sqlite/sqlite_registry.h"
 #include "tests/backends/sqlite/raw_database.h"
 #include "tests/support/registry_access.h"
+#include "tests/support/results.h"
 #include "tests/support/temp_folder.h"
 
 namespace sqlite {
@@ -48,13 +49,14 @@ class SqliteRegistryDamage : public testing::Test {
   /// A sound store of several pages, closed.
   void MakeStore() const {
     SqliteRegistry registry(Database());
-    platform::RegistryGroup group(registry);
+    auto group = platform::RegistryGroup::Begin(registry);
     for (char16_t c = u'a'; c <= u'z'; ++c) {
       const std::u16string name(100, c);
-      ASSERT_EQ(PutText(registry, u"tags\\" + name, u"contact", std::u16string(200, c)),
-                RegistryError::kNone);
+      ASSERT_EQ(
+          support::ErrorOf(PutText(registry, u"tags\\" + name, u"contact", std::u16string(200, c))),
+          std::nullopt);
     }
-    ASSERT_EQ(group.Commit(), RegistryError::kNone);
+    ASSERT_EQ(support::ErrorOf(group->Commit()), std::nullopt);
   }
 
   /// Every call gives `error` and no byte of the file changes.
@@ -62,11 +64,11 @@ class SqliteRegistryDamage : public testing::Test {
     const std::string before = FileContent(Database());
     {
       SqliteRegistry registry(Database(), {{u"Software"}, std::chrono::milliseconds(0), {}});
-      EXPECT_EQ(registry.OpenKey(u"tags").error, error);
-      EXPECT_EQ(registry.CreateKey(u"b").error, error);
-      EXPECT_EQ(registry.DeleteKey(u"tags"), error);
-      EXPECT_EQ(registry.BeginGroup(), error);
-      EXPECT_EQ(registry.CommitGroup(), RegistryError::kInvalid);
+      EXPECT_EQ(support::ErrorOf(registry.OpenKey(u"tags")), error);
+      EXPECT_EQ(support::ErrorOf(registry.CreateKey(u"b")), error);
+      EXPECT_EQ(support::ErrorOf(registry.DeleteKey(u"tags")), error);
+      EXPECT_EQ(support::ErrorOf(registry.BeginGroup()), error);
+      EXPECT_EQ(support::ErrorOf(registry.CommitGroup()), RegistryError::kInvalid);
     }
     EXPECT_EQ(FileContent(Database()), before) << "the file must be left as it is";
   }
@@ -115,7 +117,8 @@ TEST_F(SqliteRegistryDamage, TheLogBesideAnOverwrittenPageIsNotMovedIntoTheStore
   std::string log;
   {
     SqliteRegistry registry(Database());
-    ASSERT_EQ(PutText(registry, u"tags\\one more", u"contact", u"1"), RegistryError::kNone);
+    ASSERT_EQ(support::ErrorOf(PutText(registry, u"tags\\one more", u"contact", u"1")),
+              std::nullopt);
     whole = FileContent(Database());
     log = FileContent(Database().string() + "-wal");
   }
@@ -146,9 +149,9 @@ TEST_F(SqliteRegistryDamage, FlippedBytesNeverCrash) {
     std::filesystem::remove(Database().string() + "-wal");
     std::filesystem::remove(Database().string() + "-shm");
     SqliteRegistry registry(Database(), {{}, std::chrono::milliseconds(0), {}});
-    const RegistryError error = registry.OpenKey(u"").error;
+    const auto error = support::ErrorOf(registry.OpenKey(u""));
     EXPECT_NE(error, RegistryError::kNotFound) << "the root always exists";
-    if (error == RegistryError::kNone) {
+    if (!error) {
       EXPECT_LE(support::SubkeyNames(registry, u"tags").size(), 26U);
     } else {
       EXPECT_EQ(FileContent(Database()), changed);
@@ -194,24 +197,24 @@ TEST_F(SqliteRegistryDamage, AStoreWithoutItsTablesIsRefusedAndKept) {
 TEST_F(SqliteRegistryDamage, AFolderInItsPlaceIsAnErrorAndStays) {
   std::filesystem::create_directory(Database());
   SqliteRegistry registry(Database());
-  EXPECT_NE(registry.OpenKey(u"a").error, RegistryError::kNone);
-  EXPECT_NE(registry.CreateKey(u"a").error, RegistryError::kNone);
-  EXPECT_NE(registry.BeginGroup(), RegistryError::kNone);
+  EXPECT_NE(support::ErrorOf(registry.OpenKey(u"a")), std::nullopt);
+  EXPECT_NE(support::ErrorOf(registry.CreateKey(u"a")), std::nullopt);
+  EXPECT_NE(support::ErrorOf(registry.BeginGroup()), std::nullopt);
   EXPECT_TRUE(std::filesystem::is_directory(Database()));
 }
 
 TEST_F(SqliteRegistryDamage, AnEmptyFileBecomesAStore) {
   WriteFileContent(Database(), "");
   SqliteRegistry registry(Database());
-  EXPECT_EQ(registry.CreateKey(u"a").error, RegistryError::kNone);
+  EXPECT_EQ(support::ErrorOf(registry.CreateKey(u"a")), std::nullopt);
 }
 
 TEST_F(SqliteRegistryDamage, ATornLogLosesOnlyTheChangeThatWasBeingWritten) {
   const auto copy = Database().parent_path() / "copy.db";
   {
     SqliteRegistry registry(Database());
-    ASSERT_EQ(PutText(registry, u"first", u"v", u"kept"), RegistryError::kNone);
-    ASSERT_EQ(PutText(registry, u"second", u"v", u"torn"), RegistryError::kNone);
+    ASSERT_EQ(support::ErrorOf(PutText(registry, u"first", u"v", u"kept")), std::nullopt);
+    ASSERT_EQ(support::ErrorOf(PutText(registry, u"second", u"v", u"torn")), std::nullopt);
     // As a loss of power in the middle of the second change leaves them.
     const std::string log = FileContent(Database().string() + "-wal");
     ASSERT_GT(log.size(), 100U);
@@ -221,13 +224,13 @@ TEST_F(SqliteRegistryDamage, ATornLogLosesOnlyTheChangeThatWasBeingWritten) {
   SqliteRegistry registry(copy);
   EXPECT_FALSE(support::BytesOf(registry, u"first", u"v").empty());
   EXPECT_TRUE(support::BytesOf(registry, u"second", u"v").empty());
-  EXPECT_EQ(PutText(registry, u"second", u"v", u"again"), RegistryError::kNone);
+  EXPECT_EQ(support::ErrorOf(PutText(registry, u"second", u"v", u"again")), std::nullopt);
 }
 
 TEST_F(SqliteRegistryDamage, DamageWhileInUseEndsTheUse) {
   SqliteRegistry registry(Database());
-  ASSERT_EQ(PutText(registry, u"tags\\1", u"v", u"text"), RegistryError::kNone);
-  const auto tags = registry.OpenKey(u"tags").key;
+  ASSERT_EQ(support::ErrorOf(PutText(registry, u"tags\\1", u"v", u"text")), std::nullopt);
+  const auto tags = registry.OpenKey(u"tags").value();
   {
     // The rows of the keys become those of no table that could hold them.
     RawDatabase raw(Database());
@@ -237,9 +240,9 @@ TEST_F(SqliteRegistryDamage, DamageWhileInUseEndsTheUse) {
               SQLITE_OK);
   }
   std::u16string name;
-  EXPECT_EQ(tags->EnumerateSubkey(0, name), RegistryError::kDamaged);
-  EXPECT_EQ(registry.CreateKey(u"b").error, RegistryError::kDamaged);
-  EXPECT_EQ(registry.BeginGroup(), RegistryError::kDamaged);
+  EXPECT_EQ(support::ErrorOf(tags->EnumerateSubkey(0)), RegistryError::kDamaged);
+  EXPECT_EQ(support::ErrorOf(registry.CreateKey(u"b")), RegistryError::kDamaged);
+  EXPECT_EQ(support::ErrorOf(registry.BeginGroup()), RegistryError::kDamaged);
 }
 
 TEST_F(SqliteRegistryDamage, ARootThatLiesBelowAKeyIsDamage) {
@@ -262,14 +265,13 @@ TEST_F(SqliteRegistryDamage, WhatIsLongerThanARegistryTakesIsNotReadAndHidesNoth
       SQLITE_OK);
   SqliteRegistry registry(Database());
   const auto key = registry.OpenKey(u"tags");
-  ASSERT_EQ(key.error, RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(key), std::nullopt);
   platform::RegistryValue value;
-  EXPECT_EQ(key.key->Query(u"huge", value), RegistryError::kInvalid);
-  EXPECT_EQ(key.key->Query(u"v", value), RegistryError::kNone);
+  EXPECT_EQ(support::ErrorOf((*key)->Query(u"huge")), RegistryError::kInvalid);
+  value = (*key)->Query(u"v").value();
   std::u16string name;
-  EXPECT_EQ(key.key->EnumerateSubkey(26, name), RegistryError::kInvalid);
-  EXPECT_EQ(key.key->EnumerateSubkey(27, name), RegistryError::kNone);
-  EXPECT_EQ(name, u"last");
+  EXPECT_EQ(support::ErrorOf((*key)->EnumerateSubkey(26)), RegistryError::kInvalid);
+  EXPECT_EQ((*key)->EnumerateSubkey(27).value(), u"last");
 }
 
 }  // namespace sqlite

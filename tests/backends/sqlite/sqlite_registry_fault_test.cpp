@@ -8,6 +8,7 @@
 #include "tests/backends/sqlite/faulty_file_layer.h"
 #include "tests/backends/sqlite/raw_database.h"
 #include "tests/support/registry_access.h"
+#include "tests/support/results.h"
 #include "tests/support/temp_folder.h"
 
 namespace sqlite {
@@ -15,6 +16,7 @@ namespace sqlite {
 using platform::RegistryError;
 using platform::RegistryGroup;
 using platform::RegistryType;
+using platform::Result;
 using support::BytesOf;
 using support::FaultyFileLayer;
 using support::FileContent;
@@ -50,19 +52,19 @@ class SqliteRegistryFaults : public testing::TestWithParam<FaultyFileLayer::Faul
 
   /// Runs `change` over a store with the old text, with its first writing call failing, then its
   /// second, and so on until none fails. `isDone` tells the new state from the old one.
-  void FailEachCall(const std::function<RegistryError(SqliteRegistry&)>& change,
+  void FailEachCall(const std::function<Result<void, RegistryError>(SqliteRegistry&)>& change,
                     const std::function<bool(SqliteRegistry&)>& isDone) {
     std::uint32_t call = 1;
     for (; call < kMostCalls; ++call) {
       SCOPED_TRACE(call);
       std::filesystem::remove(Database());
       SqliteRegistry registry(Database(), Options());
-      ASSERT_EQ(PutText(registry, u"tags\\1", u"v", kOldText), RegistryError::kNone);
+      ASSERT_EQ(support::ErrorOf(PutText(registry, u"tags\\1", u"v", kOldText)), std::nullopt);
       Layer().FailFrom(call, GetParam());
-      const RegistryError error = change(registry);
+      const auto error = support::ErrorOf(change(registry));
       Layer().Heal();
       if (!Layer().HasFailed()) {
-        EXPECT_EQ(error, RegistryError::kNone);
+        EXPECT_EQ(error, std::nullopt);
         EXPECT_TRUE(isDone(registry));
         break;
       }
@@ -70,7 +72,8 @@ class SqliteRegistryFaults : public testing::TestWithParam<FaultyFileLayer::Faul
       EXPECT_THAT(error, AnyOf(Expected(), RegistryError::kOther));
       EXPECT_FALSE(isDone(registry));
       EXPECT_EQ(BytesOf(registry, u"tags\\1", u"v"), Terminated(kOldText));
-      EXPECT_EQ(change(registry), RegistryError::kNone) << "once there is room it works again";
+      EXPECT_EQ(support::ErrorOf(change(registry)), std::nullopt)
+          << "once there is room it works again";
       EXPECT_TRUE(isDone(registry));
     }
     EXPECT_GT(call, 1U) << "nothing was written at all";
@@ -83,7 +86,7 @@ class SqliteRegistryFaults : public testing::TestWithParam<FaultyFileLayer::Faul
     const std::string database = FileContent(Database());
     {
       SqliteRegistry registry(Database(), Options());
-      ASSERT_EQ(PutText(registry, u"b", u"v", kNewText), RegistryError::kNone);
+      ASSERT_EQ(support::ErrorOf(PutText(registry, u"b", u"v", kNewText)), std::nullopt);
       std::filesystem::copy_file(log, m_folder.Path() / "log");
     }
     support::WriteFileContent(Database(), database);
@@ -106,8 +109,11 @@ TEST_P(SqliteRegistryFaults, AValueThatCannotBeWrittenLeavesTheOldOne) {
 }
 
 TEST_P(SqliteRegistryFaults, AKeyThatCannotBeMadeLeavesNoneOfItsParents) {
-  FailEachCall([](SqliteRegistry& registry) { return registry.CreateKey(u"new\\a\\b\\c").error; },
-               [](SqliteRegistry& registry) { return KeyExists(registry, u"new"); });
+  FailEachCall(
+      [](SqliteRegistry& registry) {
+        return registry.CreateKey(u"new\\a\\b\\c").map([](const auto& /*key*/) {});
+      },
+      [](SqliteRegistry& registry) { return KeyExists(registry, u"new"); });
 }
 
 TEST_P(SqliteRegistryFaults, AKeyThatCannotBeDeletedKeepsAllBelowIt) {
@@ -116,16 +122,16 @@ TEST_P(SqliteRegistryFaults, AKeyThatCannotBeDeletedKeepsAllBelowIt) {
 }
 
 TEST_P(SqliteRegistryFaults, AGroupIsKeptWholeOrNotAtAll) {
-  const auto change = [](SqliteRegistry& registry) {
-    RegistryGroup group(registry);
-    if (group.BeginError() != RegistryError::kNone) {
-      return group.BeginError();
+  const auto change = [](SqliteRegistry& registry) -> Result<void, RegistryError> {
+    auto group = platform::RegistryGroup::Begin(registry);
+    if (!group) {
+      return platform::Failure(group.error());
     }
     // A failure within the group shows at the latest when it is committed.
     std::ignore = PutText(registry, u"two\\a", u"v", kNewText);
     std::ignore = registry.DeleteKey(u"tags");
     std::ignore = PutText(registry, u"two\\b", u"v", kNewText);
-    return group.Commit();
+    return group->Commit();
   };
   FailEachCall(change, [](SqliteRegistry& registry) {
     const bool isDone = KeyExists(registry, u"two");
@@ -140,20 +146,21 @@ TEST_P(SqliteRegistryFaults, AGroupTooLargeForTheCacheIsStillKeptWholeOrNotAtAll
   SqliteRegistry registry(Database(), Options());
   ASSERT_TRUE(KeyExists(registry, u"Software"));
   Layer().FailFrom(kMostCalls, GetParam());
-  RegistryGroup group(registry);
-  RegistryError error = RegistryError::kNone;
+  auto group = platform::RegistryGroup::Begin(registry);
+  std::optional<RegistryError> error;
   for (const auto* const name : {u"1", u"2", u"3", u"4", u"5", u"6", u"7", u"8"}) {
-    const RegistryError result = Put(registry, u"large", name, RegistryType::kBinary, large);
-    if (error == RegistryError::kNone) {
+    const auto result =
+        support::ErrorOf(Put(registry, u"large", name, RegistryType::kBinary, large));
+    if (!error) {
       error = result;
     }
     EXPECT_EQ(result, error) << "once doomed, every call of the group tells so";
   }
   EXPECT_EQ(error, Expected());
-  EXPECT_EQ(group.Commit(), error);
+  EXPECT_EQ(support::ErrorOf(group->Commit()), error);
   Layer().Heal();
   EXPECT_FALSE(KeyExists(registry, u"large"));
-  EXPECT_EQ(registry.CreateKey(u"large").error, RegistryError::kNone);
+  EXPECT_EQ(support::ErrorOf(registry.CreateKey(u"large")), std::nullopt);
 }
 
 TEST_P(SqliteRegistryFaults, AStoreThatCannotBeMadeIsMadeByALaterCall) {
@@ -163,20 +170,20 @@ TEST_P(SqliteRegistryFaults, AStoreThatCannotBeMadeIsMadeByALaterCall) {
     std::filesystem::remove(Database());
     SqliteRegistry registry(Database(), Options());
     Layer().FailFrom(call, GetParam());
-    const RegistryError error = registry.OpenKey(u"Software\\Initial").error;
+    const auto error = support::ErrorOf(registry.OpenKey(u"Software\\Initial"));
     Layer().Heal();
     if (!Layer().HasFailed()) {
-      EXPECT_EQ(error, RegistryError::kNone);
+      EXPECT_EQ(error, std::nullopt);
       break;
     }
     // On a full medium a store that is made already opens for reading.
-    if (error == RegistryError::kNone) {
+    if (!error) {
       EXPECT_EQ(GetParam(), FaultyFileLayer::Fault::kDiskFull);
       EXPECT_GT(std::filesystem::file_size(Database()), 0U);
     } else {
       EXPECT_THAT(error, AnyOf(Expected(), RegistryError::kOther));
     }
-    EXPECT_EQ(registry.CreateKey(u"Software\\Later").error, RegistryError::kNone);
+    EXPECT_EQ(support::ErrorOf(registry.CreateKey(u"Software\\Later")), std::nullopt);
     EXPECT_TRUE(KeyExists(registry, u"Software\\Initial"));
   }
   EXPECT_GT(call, 1U);
@@ -184,12 +191,14 @@ TEST_P(SqliteRegistryFaults, AStoreThatCannotBeMadeIsMadeByALaterCall) {
 }
 
 TEST_P(SqliteRegistryFaults, AStoreThatCannotEvenBeReadTellsWhyAndIsReadLater) {
-  ASSERT_EQ(PutText(*std::make_unique<SqliteRegistry>(Database(), Options()), u"a", u"v", kOldText),
-            RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(PutText(*std::make_unique<SqliteRegistry>(Database(), Options()), u"a",
+                                     u"v", kOldText)),
+            std::nullopt);
   LeaveLogWithoutIndex();
   SqliteRegistry registry(Database(), Options());
   Layer().FailFrom(1, GetParam());
-  EXPECT_EQ(registry.OpenKey(u"a").error, Expected()) << "the index beside the log is made first";
+  EXPECT_EQ(support::ErrorOf(registry.OpenKey(u"a")), Expected())
+      << "the index beside the log is made first";
   Layer().Heal();
   EXPECT_EQ(BytesOf(registry, u"a", u"v"), Terminated(kOldText));
 }
@@ -209,8 +218,9 @@ class SqliteRegistryReadOnly : public testing::Test {
  protected:
   SqliteRegistry& MakeReadOnly(FaultyFileLayer::ReadOnly files) {
     const auto database = m_folder.Path() / kDatabaseName;
-    EXPECT_EQ(PutText(*std::make_unique<SqliteRegistry>(database), u"tags\\1", u"v", u"text"),
-              RegistryError::kNone);
+    EXPECT_EQ(support::ErrorOf(
+                  PutText(*std::make_unique<SqliteRegistry>(database), u"tags\\1", u"v", u"text")),
+              std::nullopt);
     m_layer.MakeReadOnly(files);
     const RegistryOptions options{{}, std::chrono::milliseconds(0), m_layer.Name()};
     m_registry = std::make_unique<SqliteRegistry>(database, options);
@@ -228,48 +238,52 @@ class SqliteRegistryReadOnly : public testing::Test {
 TEST_F(SqliteRegistryReadOnly, ADatabaseThatTakesNoWritesIsRead) {
   SqliteRegistry& registry = MakeReadOnly(FaultyFileLayer::ReadOnly::kDatabase);
   EXPECT_EQ(BytesOf(registry, u"tags\\1", u"v"), Terminated(u"text"));
-  EXPECT_EQ(PutText(registry, u"tags\\1", u"v", u"other"), RegistryError::kReadOnly);
-  EXPECT_EQ(registry.CreateKey(u"tags\\1").error, RegistryError::kNone) << "it is there already";
-  EXPECT_EQ(registry.CreateKey(u"tags\\2").error, RegistryError::kReadOnly);
-  EXPECT_EQ(registry.DeleteKey(u"tags"), RegistryError::kReadOnly);
+  EXPECT_EQ(support::ErrorOf(PutText(registry, u"tags\\1", u"v", u"other")),
+            RegistryError::kReadOnly);
+  EXPECT_EQ(support::ErrorOf(registry.CreateKey(u"tags\\1")), std::nullopt)
+      << "it is there already";
+  EXPECT_EQ(support::ErrorOf(registry.CreateKey(u"tags\\2")), RegistryError::kReadOnly);
+  EXPECT_EQ(support::ErrorOf(registry.DeleteKey(u"tags")), RegistryError::kReadOnly);
 }
 
 TEST_F(SqliteRegistryReadOnly, ThereAGroupServesForReading) {
   SqliteRegistry& registry = MakeReadOnly(FaultyFileLayer::ReadOnly::kDatabase);
   {
-    RegistryGroup group(registry);
-    EXPECT_EQ(group.BeginError(), RegistryError::kNone);
+    auto group = platform::RegistryGroup::Begin(registry);
+    ASSERT_EQ(support::ErrorOf(group), std::nullopt);
     EXPECT_EQ(BytesOf(registry, u"tags\\1", u"v"), Terminated(u"text"));
-    EXPECT_EQ(group.Commit(), RegistryError::kNone);
+    EXPECT_EQ(support::ErrorOf(group->Commit()), std::nullopt);
   }
-  RegistryGroup group(registry);
-  EXPECT_EQ(PutText(registry, u"tags\\1", u"v", u"other"), RegistryError::kReadOnly);
-  EXPECT_EQ(group.Commit(), RegistryError::kReadOnly);
+  auto group = platform::RegistryGroup::Begin(registry);
+  EXPECT_EQ(support::ErrorOf(PutText(registry, u"tags\\1", u"v", u"other")),
+            RegistryError::kReadOnly);
+  EXPECT_EQ(support::ErrorOf(group->Commit()), RegistryError::kReadOnly);
 }
 
 TEST_F(SqliteRegistryReadOnly, WhereNotEvenTheLogCanBeMadeTheStoreSaysSo) {
   SqliteRegistry& registry = MakeReadOnly(FaultyFileLayer::ReadOnly::kWholeMedium);
-  EXPECT_EQ(registry.OpenKey(u"tags").error, RegistryError::kReadOnly);
-  EXPECT_EQ(registry.CreateKey(u"tags").error, RegistryError::kReadOnly);
-  EXPECT_EQ(registry.BeginGroup(), RegistryError::kReadOnly);
+  EXPECT_EQ(support::ErrorOf(registry.OpenKey(u"tags")), RegistryError::kReadOnly);
+  EXPECT_EQ(support::ErrorOf(registry.CreateKey(u"tags")), RegistryError::kReadOnly);
+  EXPECT_EQ(support::ErrorOf(registry.BeginGroup()), RegistryError::kReadOnly);
 }
 
 TEST(SqliteRegistryWithoutRoomForAnIndex, DeletesAKeyAllTheSame) {
   const support::TempFolder folder;
   FaultyFileLayer layer;
   const auto database = folder.Path() / kDatabaseName;
-  ASSERT_EQ(PutText(*std::make_unique<SqliteRegistry>(database), u"tags\\1", u"v", u"text"),
-            RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(
+                PutText(*std::make_unique<SqliteRegistry>(database), u"tags\\1", u"v", u"text")),
+            std::nullopt);
   layer.FailIndex();
   {
     SqliteRegistry registry(database, {{}, std::chrono::milliseconds(0), layer.Name()});
     EXPECT_EQ(BytesOf(registry, u"tags\\1", u"v"), Terminated(u"text"));
-    EXPECT_EQ(registry.DeleteKey(u"tags\\1"), RegistryError::kNone);
+    EXPECT_EQ(support::ErrorOf(registry.DeleteKey(u"tags\\1")), std::nullopt);
     EXPECT_FALSE(KeyExists(registry, u"tags\\1"));
     EXPECT_FALSE(std::filesystem::exists(database.native() + "-shm")) << "What it took is free.";
-    RegistryGroup group(registry);
-    EXPECT_EQ(PutText(registry, u"tags\\2", u"v", u"text"), RegistryError::kNone);
-    EXPECT_EQ(group.Commit(), RegistryError::kNone);
+    auto group = platform::RegistryGroup::Begin(registry);
+    EXPECT_EQ(support::ErrorOf(PutText(registry, u"tags\\2", u"v", u"text")), std::nullopt);
+    EXPECT_EQ(support::ErrorOf(group->Commit()), std::nullopt);
   }
   layer.Heal();
   SqliteRegistry registry(database);
@@ -281,18 +295,19 @@ TEST(SqliteRegistryWithoutRoomForAnIndex, TakesNoneOfTheRoomThatIsMadeMeanwhile)
   const support::TempFolder folder;
   FaultyFileLayer layer;
   const auto database = folder.Path() / kDatabaseName;
-  ASSERT_EQ(PutText(*std::make_unique<SqliteRegistry>(database), u"tags\\1", u"v", u"text"),
-            RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(
+                PutText(*std::make_unique<SqliteRegistry>(database), u"tags\\1", u"v", u"text")),
+            std::nullopt);
   layer.FailIndex();
   SqliteRegistry registry(database, {{}, std::chrono::milliseconds(0), layer.Name()});
   EXPECT_EQ(BytesOf(registry, u"tags\\1", u"v"), Terminated(u"text"));
   layer.Heal();
   {
-    RegistryGroup group(registry);
+    auto group = platform::RegistryGroup::Begin(registry);
     EXPECT_EQ(BytesOf(registry, u"tags\\1", u"v"), Terminated(u"text"));
-    EXPECT_EQ(group.Commit(), RegistryError::kNone);
+    EXPECT_EQ(support::ErrorOf(group->Commit()), std::nullopt);
   }
-  EXPECT_EQ(registry.DeleteKey(u"tags\\1"), RegistryError::kNone);
+  EXPECT_EQ(support::ErrorOf(registry.DeleteKey(u"tags\\1")), std::nullopt);
   EXPECT_FALSE(std::filesystem::exists(database.native() + "-shm"));
 }
 
@@ -301,12 +316,12 @@ TEST(SqliteRegistryWithoutRoomForAnIndex, LeavesADatabaseThatAnotherHasOpen) {
   FaultyFileLayer layer;
   const auto database = folder.Path() / kDatabaseName;
   SqliteRegistry other(database);
-  ASSERT_EQ(PutText(other, u"tags\\1", u"v", u"text"), RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(PutText(other, u"tags\\1", u"v", u"text")), std::nullopt);
   layer.FailIndex();
   SqliteRegistry registry(database, {{}, std::chrono::milliseconds(0), layer.Name()});
-  const RegistryError error = registry.DeleteKey(u"tags\\1");
-  EXPECT_EQ(KeyExists(other, u"tags\\1"), error != RegistryError::kNone);
-  EXPECT_EQ(PutText(other, u"tags\\1", u"v", u"other"), RegistryError::kNone);
+  const bool isDeleted = registry.DeleteKey(u"tags\\1").has_value();
+  EXPECT_EQ(KeyExists(other, u"tags\\1"), !isDeleted);
+  EXPECT_EQ(support::ErrorOf(PutText(other, u"tags\\1", u"v", u"other")), std::nullopt);
   EXPECT_TRUE(std::filesystem::exists(database.native() + "-shm")) << "It is the other's.";
 }
 

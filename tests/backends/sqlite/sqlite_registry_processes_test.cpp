@@ -10,6 +10,7 @@
 
 #include "backends/sqlite/sqlite_registry.h"
 #include "tests/support/registry_access.h"
+#include "tests/support/results.h"
 #include "tests/support/temp_folder.h"
 
 namespace sqlite {
@@ -65,16 +66,17 @@ std::u16string Digits(int number) {
   return {digits.begin(), digits.end()};
 }
 
-RegistryError PutTag(SqliteRegistry& registry, int number) {
+/// Returns whether the tag is kept.
+bool PutTag(SqliteRegistry& registry, int number) {
   const std::u16string path = u"tags\\" + Digits(number);
-  RegistryGroup group(registry);
-  if (group.BeginError() != RegistryError::kNone) {
-    return group.BeginError();
+  auto group = platform::RegistryGroup::Begin(registry);
+  if (!group) {
+    return false;
   }
-  const RegistryError contact = PutText(registry, path, u"contact", u"-17");
-  const RegistryError kind = PutText(registry, path, u"phone type", u"Mobile");
-  const RegistryError commit = group.Commit();
-  return contact != RegistryError::kNone ? contact : kind != RegistryError::kNone ? kind : commit;
+  return PutText(registry, path, u"contact", u"-17")
+      .and_then([&] { return PutText(registry, path, u"phone type", u"Mobile"); })
+      .and_then([&] { return group->Commit(); })
+      .has_value();
 }
 
 }  // namespace
@@ -87,7 +89,7 @@ TEST(SqliteRegistryProcesses, AReaderSeesEachTagOfAWriterWholeOrNotAtAll) {
     SqliteRegistry registry(database);
     bool ok = true;
     for (int i = 0; i < kTags; ++i) {
-      ok = ok && PutTag(registry, i) == RegistryError::kNone;
+      ok = ok && PutTag(registry, i);
     }
     return ok;
   });
@@ -97,11 +99,11 @@ TEST(SqliteRegistryProcesses, AReaderSeesEachTagOfAWriterWholeOrNotAtAll) {
   while (!isLast) {
     isLast = writer.HasEnded();
     const auto opened = registry.OpenKey(u"tags");
-    ASSERT_TRUE(opened.error == RegistryError::kNone || opened.error == RegistryError::kNotFound);
-    if (!opened.key) {
+    ASSERT_TRUE(opened || opened.error() == RegistryError::kNotFound);
+    if (!opened) {
       continue;
     }
-    const auto names = SubkeyNames(*opened.key);
+    const auto names = SubkeyNames(**opened);
     EXPECT_GE(names.size(), seen);
     seen = names.size();
     for (const std::u16string& name : names) {
@@ -121,7 +123,7 @@ TEST(SqliteRegistryProcesses, TwoWritersBothSucceed) {
     SqliteRegistry registry(database, {{}, std::chrono::seconds(20), {}});
     bool ok = true;
     for (int i = first; i < first + kTags; ++i) {
-      ok = ok && PutTag(registry, i) == RegistryError::kNone;
+      ok = ok && PutTag(registry, i);
     }
     return ok;
   };
@@ -139,14 +141,14 @@ TEST(SqliteRegistryProcesses, AProcessThatDiesWithinAGroupLeavesNothingOfItAndNo
   {
     // Closed before the other process begins: the library forbids carrying a database across.
     SqliteRegistry registry(database);
-    ASSERT_EQ(PutText(registry, u"a", u"v", u"old"), RegistryError::kNone);
+    ASSERT_EQ(support::ErrorOf(PutText(registry, u"a", u"v", u"old")), std::nullopt);
   }
   {
     Child child([&] {
       SqliteRegistry registry(database);
-      const bool begun = registry.BeginGroup() == RegistryError::kNone;
-      const bool put = PutText(registry, u"b", u"v", u"new") == RegistryError::kNone;
-      const bool deleted = registry.DeleteKey(u"a") == RegistryError::kNone;
+      const bool begun = registry.BeginGroup().has_value();
+      const bool put = PutText(registry, u"b", u"v", u"new").has_value();
+      const bool deleted = registry.DeleteKey(u"a").has_value();
       if (begun && put && deleted) {
         std::ignore = raise(SIGKILL);
       }
@@ -157,7 +159,7 @@ TEST(SqliteRegistryProcesses, AProcessThatDiesWithinAGroupLeavesNothingOfItAndNo
   SqliteRegistry registry(database, {{}, std::chrono::milliseconds(0), {}});
   EXPECT_TRUE(KeyExists(registry, u"a"));
   EXPECT_FALSE(KeyExists(registry, u"b"));
-  EXPECT_EQ(PutText(registry, u"a", u"v", u"new"), RegistryError::kNone);
+  EXPECT_EQ(support::ErrorOf(PutText(registry, u"a", u"v", u"new")), std::nullopt);
 }
 
 TEST(SqliteRegistryProcesses, ManyThatMakeTheStoreAtTheSameTimeAllFindItMade) {
@@ -170,8 +172,7 @@ TEST(SqliteRegistryProcesses, ManyThatMakeTheStoreAtTheSameTimeAllFindItMade) {
     for (int i = 0; i < kProcesses; ++i) {
       children.push_back(std::make_unique<Child>([&database, i] {
         SqliteRegistry registry(database, {{u"Software\\Ini"}, std::chrono::seconds(20), {}});
-        return registry.CreateKey(u"made\\" + Digits(i)).error == RegistryError::kNone &&
-               KeyExists(registry, u"Software\\Ini");
+        return registry.CreateKey(u"made\\" + Digits(i)) && KeyExists(registry, u"Software\\Ini");
       }));
     }
     for (const auto& child : children) {

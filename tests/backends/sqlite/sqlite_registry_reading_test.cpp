@@ -8,6 +8,7 @@
 #include "tests/backends/sqlite/faulty_file_layer.h"
 #include "tests/backends/sqlite/raw_database.h"
 #include "tests/support/registry_access.h"
+#include "tests/support/results.h"
 #include "tests/support/temp_folder.h"
 
 namespace sqlite {
@@ -41,7 +42,7 @@ class SqliteRegistryReading : public testing::Test {
     return std::make_unique<SqliteRegistry>(Database(), Options(Access::kChange));
   }
   void MakeStore() const {
-    ASSERT_EQ(PutText(*Writer(), u"tags\\1", u"v", u"text"), RegistryError::kNone);
+    ASSERT_EQ(support::ErrorOf(PutText(*Writer(), u"tags\\1", u"v", u"text")), std::nullopt);
   }
   /// As other programs and other users may leave it: every change is in the database.
   [[nodiscard]] bool HasLogFiles() const {
@@ -64,9 +65,10 @@ TEST_F(SqliteRegistryReading, AStoreIsReadAndTakesNoChange) {
   {
     SqliteRegistry registry = Reader();
     EXPECT_EQ(BytesOf(registry, u"tags\\1", u"v"), TextWithZero(u"text"));
-    EXPECT_EQ(PutText(registry, u"tags\\1", u"v", u"other"), RegistryError::kReadOnly);
-    EXPECT_EQ(registry.CreateKey(u"tags\\2").error, RegistryError::kReadOnly);
-    EXPECT_EQ(registry.DeleteKey(u"tags"), RegistryError::kReadOnly);
+    EXPECT_EQ(support::ErrorOf(PutText(registry, u"tags\\1", u"v", u"other")),
+              RegistryError::kReadOnly);
+    EXPECT_EQ(support::ErrorOf(registry.CreateKey(u"tags\\2")), RegistryError::kReadOnly);
+    EXPECT_EQ(support::ErrorOf(registry.DeleteKey(u"tags")), RegistryError::kReadOnly);
     EXPECT_EQ(BytesOf(registry, u"tags\\1", u"v"), TextWithZero(u"text"));
   }
   EXPECT_TRUE(FileContent(Database()) == before);
@@ -81,12 +83,14 @@ TEST_F(SqliteRegistryReading, NoFileOfAStoreIsALinkWhetherItIsReadOrChanged) {
     const std::filesystem::path link = Database().native() + suffix;
     std::filesystem::create_symlink(target, link);
     EXPECT_EQ(FindLink(Database()), link);
-    EXPECT_EQ(Reader().OpenKey(u"tags").error, RegistryError::kLink);
-    EXPECT_EQ(PutText(*Writer(), u"tags\\1", u"v", u"other"), RegistryError::kLink);
+    EXPECT_EQ(support::ErrorOf(Reader().OpenKey(u"tags")), RegistryError::kLink);
+    EXPECT_EQ(support::ErrorOf(PutText(*Writer(), u"tags\\1", u"v", u"other")),
+              RegistryError::kLink);
     std::filesystem::remove(link);
   }
   std::filesystem::create_symlink(Folder() / "nothing", Database());
-  EXPECT_EQ(Reader().OpenKey(u"tags").error, RegistryError::kLink) << "It is no missing store.";
+  EXPECT_EQ(support::ErrorOf(Reader().OpenKey(u"tags")), RegistryError::kLink)
+      << "It is no missing store.";
   EXPECT_EQ(FileContent(target), before);
 }
 
@@ -94,15 +98,15 @@ TEST_F(SqliteRegistryReading, TheFolderOfAStoreMayBeALink) {
   std::filesystem::create_directory(Folder() / "real");
   std::filesystem::create_directory_symlink(Folder() / "real", Folder() / "link");
   SqliteRegistry registry(Folder() / "link" / kDatabaseName, Options(Access::kChange));
-  EXPECT_EQ(PutText(registry, u"tags\\1", u"v", u"text"), RegistryError::kNone);
+  EXPECT_EQ(support::ErrorOf(PutText(registry, u"tags\\1", u"v", u"text")), std::nullopt);
   EXPECT_EQ(FindLink(Folder() / "link" / kDatabaseName), "");
 }
 
 TEST_F(SqliteRegistryReading, AStoreThatIsMissingReadsAsANewOneAndIsNotMade) {
   SqliteRegistry registry = Reader();
   EXPECT_TRUE(KeyExists(registry, u"Software\\Initial"));
-  EXPECT_EQ(registry.OpenKey(u"tags").error, RegistryError::kNotFound);
-  EXPECT_EQ(registry.CreateKey(u"tags").error, RegistryError::kReadOnly);
+  EXPECT_EQ(support::ErrorOf(registry.OpenKey(u"tags")), RegistryError::kNotFound);
+  EXPECT_EQ(support::ErrorOf(registry.CreateKey(u"tags")), RegistryError::kReadOnly);
   EXPECT_TRUE(std::filesystem::is_empty(Folder()));
   SqliteRegistry inNoFolder(Folder() / "none" / kDatabaseName, Options(Access::kRead));
   EXPECT_TRUE(KeyExists(inNoFolder, u"Software\\Initial"));
@@ -119,22 +123,22 @@ TEST_F(SqliteRegistryReading, AnEmptyFileReadsAsANewStoreAndStaysEmpty) {
 TEST_F(SqliteRegistryReading, WhatIsNoStoreIsReportedAndLeftAlone) {
   const std::string other(5000, 'x');
   support::WriteFileContent(Database(), other);
-  EXPECT_EQ(Reader().OpenKey(u"tags").error, RegistryError::kDamaged);
+  EXPECT_EQ(support::ErrorOf(Reader().OpenKey(u"tags")), RegistryError::kDamaged);
   EXPECT_TRUE(FileContent(Database()) == other);
 }
 
 TEST_F(SqliteRegistryReading, AGroupReadsOneStateAndWaitsForNoWriter) {
   MakeStore();
   const auto writer = Writer();
-  ASSERT_EQ(writer->BeginGroup(), RegistryError::kNone);
-  ASSERT_EQ(PutText(*writer, u"tags\\2", u"v", u"new"), RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(writer->BeginGroup()), std::nullopt);
+  ASSERT_EQ(support::ErrorOf(PutText(*writer, u"tags\\2", u"v", u"new")), std::nullopt);
   SqliteRegistry registry = Reader();
-  RegistryGroup group(registry);
-  EXPECT_EQ(group.BeginError(), RegistryError::kNone);
+  auto group = platform::RegistryGroup::Begin(registry);
+  ASSERT_EQ(support::ErrorOf(group), std::nullopt);
   EXPECT_THAT(SubkeyNames(registry, u"tags"), ElementsAre(u"1"));
-  ASSERT_EQ(writer->CommitGroup(), RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(writer->CommitGroup()), std::nullopt);
   EXPECT_THAT(SubkeyNames(registry, u"tags"), ElementsAre(u"1"));
-  EXPECT_EQ(group.Commit(), RegistryError::kNone);
+  EXPECT_EQ(support::ErrorOf(group->Commit()), std::nullopt);
   EXPECT_THAT(SubkeyNames(registry, u"tags"), ElementsAre(u"1", u"2"));
 }
 
@@ -160,8 +164,9 @@ TEST_F(SqliteRegistryReading, AFinishedStoreIsReadWhereNoIndexCanBeMade) {
 TEST_F(SqliteRegistryReading, AnOddNameOfTheFolderIsNoOption) {
   const std::filesystem::path odd = Folder() / "50%?immutable=0#x";
   std::filesystem::create_directory(odd);
-  ASSERT_EQ(PutText(*std::make_unique<SqliteRegistry>(odd / kDatabaseName), u"a", u"v", u"text"),
-            RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(PutText(*std::make_unique<SqliteRegistry>(odd / kDatabaseName), u"a",
+                                     u"v", u"text")),
+            std::nullopt);
   Layer().MakeReadOnly(FaultyFileLayer::ReadOnly::kWholeMedium);
   SqliteRegistry registry(odd / kDatabaseName, Options(Access::kRead));
   EXPECT_EQ(BytesOf(registry, u"a", u"v"), TextWithZero(u"text"));
@@ -170,7 +175,7 @@ TEST_F(SqliteRegistryReading, AnOddNameOfTheFolderIsNoOption) {
 TEST_F(SqliteRegistryReading, ALogWithoutAnIndexIsNotPassedOver) {
   MakeStore();
   const auto writer = Writer();
-  ASSERT_EQ(PutText(*writer, u"tags\\1", u"v", u"newer"), RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(PutText(*writer, u"tags\\1", u"v", u"newer")), std::nullopt);
   // As copied from elsewhere onto a medium that is full.
   const std::filesystem::path copy = Folder() / "copy";
   std::filesystem::create_directory(copy);
@@ -180,7 +185,7 @@ TEST_F(SqliteRegistryReading, ALogWithoutAnIndexIsNotPassedOver) {
   }
   Layer().FailFrom(1, FaultyFileLayer::Fault::kDiskFull);
   SqliteRegistry registry(copy / kDatabaseName, Options(Access::kRead));
-  EXPECT_EQ(registry.OpenKey(u"tags").error, RegistryError::kFull);
+  EXPECT_EQ(support::ErrorOf(registry.OpenKey(u"tags")), RegistryError::kFull);
   Layer().Heal();
   EXPECT_EQ(BytesOf(registry, u"tags\\1", u"v"), TextWithZero(u"newer"));
 }
@@ -190,25 +195,26 @@ TEST_F(SqliteRegistryReading, OnAFullMediumTheStoreOpensAndTakesChangesOnceThere
   Layer().FailFrom(1, FaultyFileLayer::Fault::kDiskFull);
   const auto registry = Writer();
   const auto key = registry->OpenKey(u"tags\\1");
-  ASSERT_EQ(key.error, RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(key), std::nullopt);
   EXPECT_EQ(BytesOf(*registry, u"tags\\1", u"v"), TextWithZero(u"text"));
-  EXPECT_EQ(PutText(*registry, u"tags\\1", u"v", u"other"), RegistryError::kFull);
-  EXPECT_EQ(registry->DeleteKey(u"tags"), RegistryError::kFull);
+  EXPECT_EQ(support::ErrorOf(PutText(*registry, u"tags\\1", u"v", u"other")), RegistryError::kFull);
+  EXPECT_EQ(support::ErrorOf(registry->DeleteKey(u"tags")), RegistryError::kFull);
   {
-    RegistryGroup group(*registry);
-    EXPECT_EQ(group.BeginError(), RegistryError::kNone);
+    auto group = platform::RegistryGroup::Begin(*registry);
+    ASSERT_EQ(support::ErrorOf(group), std::nullopt);
     EXPECT_EQ(BytesOf(*registry, u"tags\\1", u"v"), TextWithZero(u"text"));
     // That there is no room shows at the end, if not before.
     static_cast<void>(PutText(*registry, u"tags\\1", u"v", u"other"));
-    EXPECT_EQ(group.Commit(), RegistryError::kFull);
+    EXPECT_EQ(support::ErrorOf(group->Commit()), RegistryError::kFull);
   }
   Layer().Heal();
-  EXPECT_EQ(key.key->Set(u"v", platform::RegistryType::kString, Utf16Bytes(u"other")),
-            RegistryError::kNone);
+  EXPECT_EQ(
+      support::ErrorOf((*key)->Set(u"v", platform::RegistryType::kString, Utf16Bytes(u"other"))),
+      std::nullopt);
   EXPECT_EQ(BytesOf(*registry, u"tags\\1", u"v"), Utf16Bytes(u"other"));
-  RegistryGroup group(*registry);
-  EXPECT_EQ(registry->DeleteKey(u"tags"), RegistryError::kNone);
-  EXPECT_EQ(group.Commit(), RegistryError::kNone);
+  auto group = platform::RegistryGroup::Begin(*registry);
+  EXPECT_EQ(support::ErrorOf(registry->DeleteKey(u"tags")), std::nullopt);
+  EXPECT_EQ(support::ErrorOf(group->Commit()), std::nullopt);
   EXPECT_FALSE(KeyExists(*Writer(), u"tags"));
 }
 

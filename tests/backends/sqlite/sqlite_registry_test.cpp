@@ -7,6 +7,7 @@
 #include "tests/backends/sqlite/faulty_file_layer.h"
 #include "tests/backends/sqlite/raw_database.h"
 #include "tests/support/registry_access.h"
+#include "tests/support/results.h"
 #include "tests/support/temp_folder.h"
 
 namespace sqlite {
@@ -44,8 +45,8 @@ TEST(SqliteRegistry, WhatWasWrittenIsThereForTheNextOne) {
   const Folder folder;
   {
     SqliteRegistry registry(folder.Database());
-    ASSERT_EQ(Put(registry, u"a\\b", u"v", RegistryType::kBinary, kSomeBytes),
-              RegistryError::kNone);
+    ASSERT_EQ(support::ErrorOf(Put(registry, u"a\\b", u"v", RegistryType::kBinary, kSomeBytes)),
+              std::nullopt);
   }
   SqliteRegistry registry(folder.Database());
   EXPECT_EQ(BytesOf(registry, u"a\\b", u"v"), kSomeBytes);
@@ -57,7 +58,7 @@ TEST(SqliteRegistry, TheInitialKeysAreMadeWithTheStoreAndNotAgain) {
   {
     SqliteRegistry registry(folder.Database(), options);
     ASSERT_TRUE(KeyExists(registry, u"Software\\Maker\\Ini"));
-    ASSERT_EQ(registry.DeleteKey(u"Software\\Maker\\Ini"), RegistryError::kNone);
+    ASSERT_EQ(support::ErrorOf(registry.DeleteKey(u"Software\\Maker\\Ini")), std::nullopt);
   }
   SqliteRegistry registry(folder.Database(), options);
   EXPECT_TRUE(KeyExists(registry, u"Software\\Maker"));
@@ -67,8 +68,9 @@ TEST(SqliteRegistry, TheInitialKeysAreMadeWithTheStoreAndNotAgain) {
 TEST(SqliteRegistry, TheDatabaseHoldsTheValuesAsTheyWereWritten) {
   const Folder folder;
   SqliteRegistry registry(folder.Database());
-  ASSERT_EQ(Put(registry, u"Soft\\Größe", u"Wert", static_cast<RegistryType>(7), kSomeBytes),
-            RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(
+                Put(registry, u"Soft\\Größe", u"Wert", static_cast<RegistryType>(7), kSomeBytes)),
+            std::nullopt);
   RawDatabase raw(folder.Database());
   const std::string from =
       " FROM registry_value JOIN registry_path USING (key_id) WHERE path = 'Soft\\Größe'";
@@ -81,10 +83,11 @@ TEST(SqliteRegistry, TheDatabaseHoldsTheValuesAsTheyWereWritten) {
 TEST(SqliteRegistry, DeletingAKeyLeavesNothingOfItInTheDatabase) {
   const Folder folder;
   SqliteRegistry registry(folder.Database());
-  ASSERT_EQ(Put(registry, u"a\\b\\c", u"v", RegistryType::kBinary, kSomeBytes),
-            RegistryError::kNone);
-  ASSERT_EQ(Put(registry, u"a", u"v", RegistryType::kBinary, kSomeBytes), RegistryError::kNone);
-  ASSERT_EQ(registry.DeleteKey(u"a"), RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(Put(registry, u"a\\b\\c", u"v", RegistryType::kBinary, kSomeBytes)),
+            std::nullopt);
+  ASSERT_EQ(support::ErrorOf(Put(registry, u"a", u"v", RegistryType::kBinary, kSomeBytes)),
+            std::nullopt);
+  ASSERT_EQ(support::ErrorOf(registry.DeleteKey(u"a")), std::nullopt);
   RawDatabase raw(folder.Database());
   EXPECT_EQ(raw.Text("SELECT count(*) FROM registry_key"), "1") << "the root";
   EXPECT_EQ(raw.Text("SELECT count(*) FROM registry_value"), "0");
@@ -94,15 +97,15 @@ TEST(SqliteRegistry, EachChangeIsForcedToTheMediumBeforeItReturns) {
   const Folder folder;
   const support::FaultyFileLayer layer;
   SqliteRegistry registry(folder.Database(), {{}, std::chrono::seconds(2), layer.Name()});
-  const auto key = registry.CreateKey(u"a").key;
+  const auto key = registry.CreateKey(u"a").value();
   std::uint32_t before = layer.CountSyncs();
-  ASSERT_EQ(key->Set(u"v", RegistryType::kBinary, kSomeBytes), RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(key->Set(u"v", RegistryType::kBinary, kSomeBytes)), std::nullopt);
   EXPECT_EQ(layer.CountSyncs(), before + 1);
   before = layer.CountSyncs();
-  ASSERT_EQ(key->DeleteValue(u"v"), RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(key->DeleteValue(u"v")), std::nullopt);
   EXPECT_EQ(layer.CountSyncs(), before + 1);
   before = layer.CountSyncs();
-  ASSERT_EQ(registry.DeleteKey(u"a"), RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(registry.DeleteKey(u"a")), std::nullopt);
   EXPECT_EQ(layer.CountSyncs(), before + 1);
 }
 
@@ -112,11 +115,11 @@ TEST(SqliteRegistry, AGroupIsForcedToTheMediumOnce) {
   SqliteRegistry registry(folder.Database(), {{}, std::chrono::seconds(2), layer.Name()});
   ASSERT_TRUE(KeyExists(registry, u""));
   const std::uint32_t before = layer.CountSyncs();
-  RegistryGroup group(registry);
-  ASSERT_EQ(PutText(registry, u"a\\b\\1", u"one", u"text"), RegistryError::kNone);
-  ASSERT_EQ(PutText(registry, u"a\\b\\1", u"two", u"text"), RegistryError::kNone);
+  auto group = platform::RegistryGroup::Begin(registry);
+  ASSERT_EQ(support::ErrorOf(PutText(registry, u"a\\b\\1", u"one", u"text")), std::nullopt);
+  ASSERT_EQ(support::ErrorOf(PutText(registry, u"a\\b\\1", u"two", u"text")), std::nullopt);
   EXPECT_EQ(layer.CountSyncs(), before);
-  ASSERT_EQ(group.Commit(), RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(group->Commit()), std::nullopt);
   // The first change of a new log forces the log's header as well.
   EXPECT_LE(layer.CountSyncs(), before + 2);
   EXPECT_GT(layer.CountSyncs(), before);
@@ -126,10 +129,10 @@ TEST(SqliteRegistry, TwoStoresOverOneDatabaseSeeEachOthersChangesAtOnce) {
   const Folder folder;
   SqliteRegistry one(folder.Database());
   SqliteRegistry two(folder.Database());
-  ASSERT_EQ(PutText(one, u"k\\a", u"v", u"1"), RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(PutText(one, u"k\\a", u"v", u"1")), std::nullopt);
   EXPECT_EQ(BytesOf(two, u"k\\a", u"v"), Utf16Bytes(std::u16string_view(u"1\0", 2)));
-  ASSERT_EQ(two.DeleteKey(u"k\\a"), RegistryError::kNone);
-  ASSERT_EQ(two.CreateKey(u"k\\b").error, RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(two.DeleteKey(u"k\\a")), std::nullopt);
+  ASSERT_EQ(support::ErrorOf(two.CreateKey(u"k\\b")), std::nullopt);
   EXPECT_THAT(SubkeyNames(one, u"k"), ElementsAre(u"b"));
 }
 
@@ -137,21 +140,21 @@ TEST(SqliteRegistry, AnotherProcessReadsTheOldStateUntilAGroupIsCommitted) {
   const Folder folder;
   SqliteRegistry writer(folder.Database());
   SqliteRegistry reader(folder.Database(), Impatient());
-  ASSERT_EQ(PutText(writer, u"a", u"v", u"old"), RegistryError::kNone);
-  RegistryGroup group(writer);
-  ASSERT_EQ(PutText(writer, u"a", u"v", u"new"), RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(PutText(writer, u"a", u"v", u"old")), std::nullopt);
+  auto group = platform::RegistryGroup::Begin(writer);
+  ASSERT_EQ(support::ErrorOf(PutText(writer, u"a", u"v", u"new")), std::nullopt);
   EXPECT_EQ(BytesOf(reader, u"a", u"v"), Utf16Bytes(std::u16string_view(u"old\0", 4)));
-  ASSERT_EQ(group.Commit(), RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(group->Commit()), std::nullopt);
   EXPECT_EQ(BytesOf(reader, u"a", u"v"), Utf16Bytes(std::u16string_view(u"new\0", 4)));
 }
 
 TEST(SqliteRegistry, AGroupReadsOneStateWhateverAnotherProcessReads) {
   const Folder folder;
   SqliteRegistry registry(folder.Database(), Impatient());
-  ASSERT_EQ(PutText(registry, u"a", u"v", u"old"), RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(PutText(registry, u"a", u"v", u"old")), std::nullopt);
   RawDatabase reader(folder.Database());
   ASSERT_EQ(reader.Execute("BEGIN; SELECT * FROM registry_value"), SQLITE_OK);
-  EXPECT_EQ(PutText(registry, u"a", u"v", u"new"), RegistryError::kNone)
+  EXPECT_EQ(support::ErrorOf(PutText(registry, u"a", u"v", u"new")), std::nullopt)
       << "a reader keeps no writer out";
   EXPECT_EQ(reader.Text("SELECT CAST (data AS TEXT) FROM registry_value"), "old");
 }
@@ -159,16 +162,16 @@ TEST(SqliteRegistry, AGroupReadsOneStateWhateverAnotherProcessReads) {
 TEST(SqliteRegistry, WhileAnotherProcessWritesChangesAreBusyAndReadingGoesOn) {
   const Folder folder;
   SqliteRegistry registry(folder.Database(), Impatient());
-  ASSERT_EQ(PutText(registry, u"a", u"v", u"old"), RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(PutText(registry, u"a", u"v", u"old")), std::nullopt);
   RawDatabase other(folder.Database());
   ASSERT_EQ(other.Execute("BEGIN IMMEDIATE"), SQLITE_OK);
-  EXPECT_EQ(PutText(registry, u"a", u"v", u"new"), RegistryError::kBusy);
-  EXPECT_EQ(registry.CreateKey(u"b").error, RegistryError::kBusy);
-  EXPECT_EQ(registry.DeleteKey(u"a"), RegistryError::kBusy);
-  EXPECT_EQ(registry.BeginGroup(), RegistryError::kBusy);
+  EXPECT_EQ(support::ErrorOf(PutText(registry, u"a", u"v", u"new")), RegistryError::kBusy);
+  EXPECT_EQ(support::ErrorOf(registry.CreateKey(u"b")), RegistryError::kBusy);
+  EXPECT_EQ(support::ErrorOf(registry.DeleteKey(u"a")), RegistryError::kBusy);
+  EXPECT_EQ(support::ErrorOf(registry.BeginGroup()), RegistryError::kBusy);
   EXPECT_EQ(BytesOf(registry, u"a", u"v"), Utf16Bytes(std::u16string_view(u"old\0", 4)));
   ASSERT_EQ(other.Execute("COMMIT"), SQLITE_OK);
-  EXPECT_EQ(PutText(registry, u"a", u"v", u"new"), RegistryError::kNone);
+  EXPECT_EQ(support::ErrorOf(PutText(registry, u"a", u"v", u"new")), std::nullopt);
 }
 
 TEST(SqliteRegistry, AStoreThatIsLockedWhenItIsFirstUsedIsFoundWhenItIsFree) {
@@ -176,26 +179,27 @@ TEST(SqliteRegistry, AStoreThatIsLockedWhenItIsFirstUsedIsFoundWhenItIsFree) {
   RawDatabase other(folder.Database());
   ASSERT_EQ(other.Execute("PRAGMA locking_mode = EXCLUSIVE; BEGIN EXCLUSIVE"), SQLITE_OK);
   SqliteRegistry registry(folder.Database(), Impatient());
-  EXPECT_EQ(registry.OpenKey(u"a").error, RegistryError::kBusy);
-  EXPECT_EQ(registry.CreateKey(u"a").error, RegistryError::kBusy);
-  EXPECT_EQ(registry.BeginGroup(), RegistryError::kBusy);
+  EXPECT_EQ(support::ErrorOf(registry.OpenKey(u"a")), RegistryError::kBusy);
+  EXPECT_EQ(support::ErrorOf(registry.CreateKey(u"a")), RegistryError::kBusy);
+  EXPECT_EQ(support::ErrorOf(registry.BeginGroup()), RegistryError::kBusy);
   ASSERT_EQ(other.Execute("COMMIT; PRAGMA locking_mode = NORMAL; SELECT * FROM sqlite_schema"),
             SQLITE_OK);
-  EXPECT_EQ(registry.CreateKey(u"a").error, RegistryError::kNone);
+  EXPECT_EQ(support::ErrorOf(registry.CreateKey(u"a")), std::nullopt);
 }
 
 TEST(SqliteRegistry, AStoreThatAnotherProgramKeepsWithoutALogIsUsedAllTheSame) {
   const Folder folder;
-  ASSERT_EQ(PutText(*std::make_unique<SqliteRegistry>(folder.Database()), u"a", u"v", u"old"),
-            RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(
+                PutText(*std::make_unique<SqliteRegistry>(folder.Database()), u"a", u"v", u"old")),
+            std::nullopt);
   RawDatabase other(folder.Database());
   ASSERT_EQ(other.Execute("PRAGMA journal_mode = DELETE; BEGIN; SELECT * FROM registry_key"),
             SQLITE_OK);
   SqliteRegistry registry(folder.Database(), Impatient());
   EXPECT_EQ(BytesOf(registry, u"a", u"v"), Utf16Bytes(std::u16string_view(u"old\0", 4)));
-  EXPECT_EQ(PutText(registry, u"a", u"v", u"new"), RegistryError::kBusy);
+  EXPECT_EQ(support::ErrorOf(PutText(registry, u"a", u"v", u"new")), RegistryError::kBusy);
   ASSERT_EQ(other.Execute("COMMIT"), SQLITE_OK);
-  EXPECT_EQ(PutText(registry, u"a", u"v", u"new"), RegistryError::kNone);
+  EXPECT_EQ(support::ErrorOf(PutText(registry, u"a", u"v", u"new")), std::nullopt);
 }
 
 TEST(SqliteRegistry, NumbersOfRowsAreNeverUsedAgain) {
@@ -204,11 +208,11 @@ TEST(SqliteRegistry, NumbersOfRowsAreNeverUsedAgain) {
   RawDatabase raw(folder.Database());
   const std::string lastKey = "SELECT max(id) FROM registry_key";
   const std::string lastValue = "SELECT max(id) FROM registry_value";
-  ASSERT_EQ(PutText(registry, u"a", u"v", u"text"), RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(PutText(registry, u"a", u"v", u"text")), std::nullopt);
   const std::string key = raw.Text(lastKey);
   const std::string value = raw.Text(lastValue);
-  ASSERT_EQ(registry.DeleteKey(u"a"), RegistryError::kNone);
-  ASSERT_EQ(PutText(registry, u"b", u"v", u"text"), RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(registry.DeleteKey(u"a")), std::nullopt);
+  ASSERT_EQ(support::ErrorOf(PutText(registry, u"b", u"v", u"text")), std::nullopt);
   EXPECT_NE(raw.Text(lastKey), key);
   EXPECT_NE(raw.Text(lastValue), value);
 }
@@ -217,21 +221,21 @@ TEST(SqliteRegistry, AMissingFolderIsAnErrorUntilItIsThere) {
   const Folder folder;
   const auto deep = folder.Database().parent_path() / "deep";
   SqliteRegistry registry(deep / kDatabaseName);
-  EXPECT_EQ(registry.OpenKey(u"a").error, RegistryError::kOther);
-  EXPECT_EQ(registry.BeginGroup(), RegistryError::kOther);
+  EXPECT_EQ(support::ErrorOf(registry.OpenKey(u"a")), RegistryError::kOther);
+  EXPECT_EQ(support::ErrorOf(registry.BeginGroup()), RegistryError::kOther);
   std::filesystem::create_directory(deep);
-  EXPECT_EQ(registry.CreateKey(u"a").error, RegistryError::kNone);
+  EXPECT_EQ(support::ErrorOf(registry.CreateKey(u"a")), std::nullopt);
 }
 
 TEST(SqliteRegistry, TheTriggersOfAnotherHandAreNotRun) {
   const Folder folder;
   SqliteRegistry registry(folder.Database());
-  ASSERT_EQ(PutText(registry, u"a\\b", u"v", u"text"), RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(PutText(registry, u"a\\b", u"v", u"text")), std::nullopt);
   RawDatabase raw(folder.Database());
   ASSERT_EQ(raw.Execute("CREATE TRIGGER trap AFTER INSERT ON registry_key"
                         " BEGIN DELETE FROM registry_value; END"),
             SQLITE_OK);
-  ASSERT_EQ(registry.CreateKey(u"c").error, RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(registry.CreateKey(u"c")), std::nullopt);
   EXPECT_EQ(raw.Text("SELECT count(*) FROM registry_value"), "1");
 }
 

@@ -6,6 +6,7 @@
 #include "backends/sqlite/sqlite_registry.h"
 #include "tests/backends/sqlite/raw_database.h"
 #include "tests/support/registry_access.h"
+#include "tests/support/results.h"
 #include "tests/support/temp_folder.h"
 
 namespace sqlite {
@@ -56,19 +57,19 @@ class SqliteRegistryWork : public testing::Test {
  protected:
   /// Makes that many subkeys and values of "k".
   void Fill(std::uint32_t count) {
-    platform::RegistryGroup group(m_registry);
-    const auto key = m_registry.CreateKey(u"k").key;
+    auto group = platform::RegistryGroup::Begin(m_registry);
+    const auto key = m_registry.CreateKey(u"k").value();
     for (std::uint32_t i = 0; i < count; ++i) {
-      ASSERT_EQ(m_registry.CreateKey(u"k\\" + NameOf(m_made)).error, RegistryError::kNone);
-      ASSERT_EQ(key->Set(NameOf(m_made), platform::RegistryType::kBinary, {}),
-                RegistryError::kNone);
+      ASSERT_EQ(support::ErrorOf(m_registry.CreateKey(u"k\\" + NameOf(m_made))), std::nullopt);
+      ASSERT_EQ(support::ErrorOf(key->Set(NameOf(m_made), platform::RegistryType::kBinary, {})),
+                std::nullopt);
       ++m_made;
     }
-    ASSERT_EQ(group.Commit(), RegistryError::kNone);
+    ASSERT_EQ(support::ErrorOf(group->Commit()), std::nullopt);
   }
   /// The steps that it takes to enumerate all of them.
   [[nodiscard]] std::uint64_t CountSteps() {
-    const auto key = m_registry.OpenKey(u"k").key;
+    const auto key = m_registry.OpenKey(u"k").value();
     static_cast<void>(StepCount::Take());
     EXPECT_EQ(support::SubkeyNames(*key).size(), m_made);
     EXPECT_EQ(support::ValueNames(*key).size(), m_made);
@@ -91,15 +92,15 @@ TEST_F(SqliteRegistryWork, OfAnEnumerationGrowsAsTheNumberOfItems) {
 
 TEST_F(SqliteRegistryWork, IsSavedAlsoWhileItemsAreAdded) {
   Fill(500);
-  const auto key = m_registry.OpenKey(u"k").key;
+  const auto key = m_registry.OpenKey(u"k").value();
   std::u16string name;
   std::uint64_t steps = 0;
   for (std::uint32_t i = 0; i < 500; ++i) {
     static_cast<void>(StepCount::Take());
-    ASSERT_EQ(key->EnumerateSubkey(i, name), RegistryError::kNone);
-    EXPECT_EQ(name, NameOf(i));
+    EXPECT_EQ(key->EnumerateSubkey(i).value(), NameOf(i));
     steps += StepCount::Take();
-    ASSERT_EQ(key->Set(u"new", platform::RegistryType::kBinary, {}), RegistryError::kNone);
+    ASSERT_EQ(support::ErrorOf(key->Set(u"new", platform::RegistryType::kBinary, {})),
+              std::nullopt);
   }
   constexpr std::uint64_t kForOneItem = 100;  // Counting from the first takes more than 500.
   EXPECT_LT(steps, 500 * kForOneItem);
@@ -107,16 +108,14 @@ TEST_F(SqliteRegistryWork, IsSavedAlsoWhileItemsAreAdded) {
 
 TEST_F(SqliteRegistryWork, IsNotSavedAtTheCostOfWhatAnotherProcessDeletes) {
   Fill(5);
-  const auto key = m_registry.OpenKey(u"k").key;
+  const auto key = m_registry.OpenKey(u"k").value();
   std::u16string name;
-  ASSERT_EQ(key->EnumerateSubkey(0, name), RegistryError::kNone);
-  ASSERT_EQ(key->EnumerateSubkey(1, name), RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(key->EnumerateSubkey(0)), std::nullopt);
+  ASSERT_EQ(support::ErrorOf(key->EnumerateSubkey(1)), std::nullopt);
   support::RawDatabase other(m_folder.Path() / kDatabaseName);
   ASSERT_EQ(other.Execute("DELETE FROM registry_key WHERE name = '0'"), SQLITE_OK);
-  ASSERT_EQ(key->EnumerateSubkey(2, name), RegistryError::kNone);
-  EXPECT_EQ(name, u"3") << "2 moved to 1.";
-  ASSERT_EQ(key->EnumerateSubkey(3, name), RegistryError::kNone);
-  EXPECT_EQ(name, u"4");
+  EXPECT_EQ(key->EnumerateSubkey(2).value(), u"3") << "2 moved to 1.";
+  EXPECT_EQ(key->EnumerateSubkey(3).value(), u"4");
 }
 
 }  // namespace

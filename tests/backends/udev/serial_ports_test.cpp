@@ -9,6 +9,7 @@
 #include "tests/machine/memory_registry.h"
 #include "tests/support/failing_registry.h"
 #include "tests/support/registry_access.h"
+#include "tests/support/results.h"
 #include "tests/support/temp_folder.h"
 
 namespace {
@@ -48,7 +49,7 @@ class SerialPorts : public testing::Test {
  protected:
   Ports Publish(std::vector<SerialDevice> devices) {
     m_devices.Set(std::move(devices));
-    EXPECT_EQ(PublishSerialPorts(m_registry, m_devices), RegistryError::kNone);
+    EXPECT_EQ(support::ErrorOf(PublishSerialPorts(m_registry, m_devices)), std::nullopt);
     return ActivePorts(m_registry);
   }
 
@@ -84,18 +85,20 @@ TEST_F(SerialPorts, WithoutDevicesTheListIsThereAndEmpty) {
 TEST_F(SerialPorts, WhereThePortsCannotBeToldTheListStaysAsItWas) {
   const Ports before = Publish({Adapter(u"/dev/ttyUSB0", u"A")});
   m_devices.Set(platform::Failure(platform::SerialDevicesError::kUnreadable));
-  EXPECT_EQ(PublishSerialPorts(m_registry, m_devices), RegistryError::kNotFound);
+  EXPECT_EQ(support::ErrorOf(PublishSerialPorts(m_registry, m_devices)), RegistryError::kNotFound);
   EXPECT_EQ(ActivePorts(m_registry), before);
 }
 
 TEST_F(SerialPorts, ValuesThatAreNoPortsAreLeftAlone) {
   for (const auto* name : {u"COM0:", u"COM01:", u"COM100:", u"COM:", u"x", u"M2:"}) {
-    ASSERT_EQ(support::PutText(m_registry, udev_ports::kKnownPortsKey, name, u"serial A"),
-              RegistryError::kNone);
+    ASSERT_EQ(support::ErrorOf(
+                  support::PutText(m_registry, udev_ports::kKnownPortsKey, name, u"serial A")),
+              std::nullopt);
   }
-  ASSERT_EQ(support::Put(m_registry, udev_ports::kKnownPortsKey, u"COM1:",
-                         platform::RegistryType::kDword, std::vector<std::byte>(4)),
-            RegistryError::kNone);
+  ASSERT_EQ(
+      support::ErrorOf(support::Put(m_registry, udev_ports::kKnownPortsKey, u"COM1:",
+                                    platform::RegistryType::kDword, std::vector<std::byte>(4))),
+      std::nullopt);
   EXPECT_EQ(Publish({Adapter(u"/dev/ttyUSB0", u"A")}), (Ports{{u"COM1:", u"/dev/ttyUSB0"}}));
   EXPECT_EQ(TextOf(m_registry, std::u16string(udev_ports::kKnownPortsKey), u"COM100:"),
             u"serial A");
@@ -108,7 +111,7 @@ TEST_F(SerialPorts, WhatAnotherProgramMadeUnreadableIsPassedOver) {
   // After the group was begun and the key opened: the name of the first port, and its value.
   for (const std::size_t call : {3U, 4U}) {
     odd.FailCall(call, support::Failing::kOnce, RegistryError::kInvalid);
-    EXPECT_EQ(PublishSerialPorts(odd, m_devices), RegistryError::kNone) << call;
+    EXPECT_EQ(support::ErrorOf(PublishSerialPorts(odd, m_devices)), std::nullopt) << call;
     EXPECT_TRUE(odd.HasFailed());
     EXPECT_EQ(ActivePorts(m_registry).at(u"COM2:"), before.at(u"COM2:")) << call;
   }
@@ -135,9 +138,9 @@ TEST_F(SerialPorts, AStoreThatFailsKeepsTheListAsItWas) {
   std::size_t call = 1;
   for (;; ++call) {
     failing.FailCall(call, support::Failing::kOnce, RegistryError::kFull);
-    const RegistryError error = PublishSerialPorts(failing, m_devices);
+    const auto error = support::ErrorOf(PublishSerialPorts(failing, m_devices));
     if (!failing.HasFailed()) {
-      EXPECT_EQ(error, RegistryError::kNone);
+      EXPECT_EQ(error, std::nullopt);
       break;
     }
     EXPECT_EQ(error, RegistryError::kFull) << call;
@@ -155,11 +158,11 @@ TEST(SerialPortsDatabase, NamesSurviveARestart) {
   FakeSerialDevices devices({Adapter(u"/dev/ttyUSB0", u"A"), Adapter(u"/dev/ttyUSB1", u"B")});
   {
     sqlite::SqliteRegistry registry(folder.Path() / "registry.db");
-    ASSERT_EQ(PublishSerialPorts(registry, devices), RegistryError::kNone);
+    ASSERT_EQ(support::ErrorOf(PublishSerialPorts(registry, devices)), std::nullopt);
   }
   devices.Set(std::vector{Adapter(u"/dev/ttyUSB0", u"B")});
   sqlite::SqliteRegistry registry(folder.Path() / "registry.db");
-  ASSERT_EQ(PublishSerialPorts(registry, devices), RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(PublishSerialPorts(registry, devices)), std::nullopt);
   EXPECT_EQ(ActivePorts(registry), (Ports{{u"COM2:", u"/dev/ttyUSB0"}}));
 }
 

@@ -12,6 +12,7 @@
 #include "tests/support/file_bytes.h"
 #include "tests/support/read_only_registry.h"
 #include "tests/support/registry_access.h"
+#include "tests/support/results.h"
 
 namespace vcard {
 namespace {
@@ -441,10 +442,11 @@ class FormerAddressBooks : public AddressBooksTest {
     std::vector<std::byte> entry(digest.begin(), digest.end());
     entry.insert(entry.end(), {std::byte{17}, std::byte{0}, std::byte{0}, std::byte{0}});
     constexpr std::u16string_view kBook = u"Software\\Zedra\\Voxtrel Contacts\\1";
-    ASSERT_EQ(support::PutText(m_registry, kBook, u"source", u"vcard:/all.vcf"),
-              platform::RegistryError::kNone);
-    ASSERT_EQ(support::Put(m_registry, kBook, u"0", platform::RegistryType::kBinary, entry),
-              platform::RegistryError::kNone);
+    ASSERT_EQ(support::ErrorOf(support::PutText(m_registry, kBook, u"source", u"vcard:/all.vcf")),
+              std::nullopt);
+    ASSERT_EQ(support::ErrorOf(
+                  support::Put(m_registry, kBook, u"0", platform::RegistryType::kBinary, entry)),
+              std::nullopt);
     m_inUse = {17};
   }
 };
@@ -491,9 +493,10 @@ TEST_F(AddressBooksInUse, AFullRegistryKeepsNobodyFromHisContacts) {
 }
 
 TEST_F(AddressBooksInUse, AnotherProgramsValuesInTheMapAreNamedAndStopNothing) {
-  ASSERT_EQ(support::Put(m_registry, u"Software\\Zedra\\Voxtrel Contacts\\1", u"0",
-                         platform::RegistryType::kBinary, std::vector<std::byte>(19)),
-            platform::RegistryError::kNone);
+  ASSERT_EQ(
+      support::ErrorOf(support::Put(m_registry, u"Software\\Zedra\\Voxtrel Contacts\\1", u"0",
+                                    platform::RegistryType::kBinary, std::vector<std::byte>(19))),
+      std::nullopt);
   ASSERT_TRUE(Start());
   EXPECT_EQ(LookUp(m_ann), ContactLookup::kFound);
   ASSERT_EQ(m_store->GetRemarks().size(), 1U);

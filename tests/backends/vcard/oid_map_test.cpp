@@ -12,6 +12,7 @@
 #include "tests/support/failing_registry.h"
 #include "tests/support/read_only_registry.h"
 #include "tests/support/registry_access.h"
+#include "tests/support/results.h"
 
 namespace vcard {
 namespace {
@@ -98,9 +99,11 @@ TEST_F(OidMapTest, ANumberThatIsTakenIsNotGivenAgain) {
   const std::int32_t wanted = Assign(other, u"book", {"a"})[0];
   auto bytes = support::BytesOf(other, kFirstBook, u"people0");
   std::fill(bytes.begin() + 8, bytes.end(), std::byte{0x77});
-  ASSERT_EQ(support::PutText(m_registry, kFirstBook, u"source", u"book"), RegistryError::kNone);
-  ASSERT_EQ(support::Put(m_registry, kFirstBook, u"people0", RegistryType::kBinary, bytes),
-            RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(support::PutText(m_registry, kFirstBook, u"source", u"book")),
+            std::nullopt);
+  ASSERT_EQ(support::ErrorOf(
+                support::Put(m_registry, kFirstBook, u"people0", RegistryType::kBinary, bytes)),
+            std::nullopt);
   EXPECT_NE(Assign(u"book", {"a"})[0], wanted);
   EXPECT_NE(Assign(u"another", {"a"})[0], wanted);
 }
@@ -171,9 +174,11 @@ TEST_F(OidMapTest, SeesWhatAnotherProcessGaveSinceItWasLoaded) {
 
 TEST_F(OidMapTest, ANewBookTakesNoKeyOfAnother) {
   // Keys that were imported come in any order.
-  ASSERT_EQ(support::PutText(m_registry, std::u16string(kKey) + u"\\2", u"source", u"two"),
-            RegistryError::kNone);
-  ASSERT_EQ(support::PutText(m_registry, kFirstBook, u"source", u"one"), RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(
+                support::PutText(m_registry, std::u16string(kKey) + u"\\2", u"source", u"two")),
+            std::nullopt);
+  ASSERT_EQ(support::ErrorOf(support::PutText(m_registry, kFirstBook, u"source", u"one")),
+            std::nullopt);
   static_cast<void>(Assign(u"new", {"a"}));
   EXPECT_EQ(support::BytesOf(m_registry, std::u16string(kKey) + u"\\2", u"source"),
             support::Utf16Bytes(std::u16string_view(u"two\0", 4)));
@@ -213,7 +218,8 @@ class OddOidMap : public OidMapTest {
 
   void Put(const std::vector<std::byte>& bytes, RegistryType type = RegistryType::kBinary,
            const std::u16string& name = u"people0") {
-    ASSERT_EQ(support::Put(m_registry, kFirstBook, name, type, bytes), RegistryError::kNone);
+    ASSERT_EQ(support::ErrorOf(support::Put(m_registry, kFirstBook, name, type, bytes)),
+              std::nullopt);
   }
 
   /// What is passed over, as "key: sentence".
@@ -283,19 +289,21 @@ TEST_F(OddOidMap, ANumberOfTwoBooksStaysTheFirsts) {
   const std::u16string second = std::u16string(kKey) + u"\\2";
   auto bytes = support::BytesOf(m_registry, second, u"people0");
   std::copy_n(m_good.begin(), 4, bytes.begin());
-  ASSERT_EQ(support::Put(m_registry, second, u"people0", RegistryType::kBinary, bytes),
-            RegistryError::kNone);
+  ASSERT_EQ(
+      support::ErrorOf(support::Put(m_registry, second, u"people0", RegistryType::kBinary, bytes)),
+      std::nullopt);
   EXPECT_THAT(Odd(), testing::HasSubstr("2: the value \"people0\" holds 1 entries"));
   EXPECT_EQ(Assign(u"book", {"a", "b"}), m_oids);
   EXPECT_NE(Assign(u"other", {"c"})[0], m_oids[0]);
 }
 
 TEST_F(OddOidMap, AKeyThatNamesNoBookIsPassedOver) {
-  ASSERT_EQ(support::PutText(m_registry, std::u16string(kKey) + u"\\x", u"source", u"book"),
-            RegistryError::kNone);
-  ASSERT_EQ(
-      support::Put(m_registry, std::u16string(kKey) + u"\\7", u"source", RegistryType::kDword, {}),
-      RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(
+                support::PutText(m_registry, std::u16string(kKey) + u"\\x", u"source", u"book")),
+            std::nullopt);
+  ASSERT_EQ(support::ErrorOf(support::Put(m_registry, std::u16string(kKey) + u"\\7", u"source",
+                                          RegistryType::kDword, {})),
+            std::nullopt);
   EXPECT_EQ(Odd(),
             "Software\\Zedra\\Voxtrel Contacts\\x: the key is no address book's and is passed "
             "over\n"
@@ -306,8 +314,9 @@ TEST_F(OddOidMap, AKeyThatNamesNoBookIsPassedOver) {
 }
 
 TEST_F(OddOidMap, ASecondKeyOfABookIsPassedOver) {
-  ASSERT_EQ(support::PutText(m_registry, std::u16string(kKey) + u"\\2", u"source", u"book"),
-            RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(
+                support::PutText(m_registry, std::u16string(kKey) + u"\\2", u"source", u"book")),
+            std::nullopt);
   EXPECT_EQ(Odd(),
             "Software\\Zedra\\Voxtrel Contacts\\2: another key is of the same address book, "
             "and this one is passed over\n");

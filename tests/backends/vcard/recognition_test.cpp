@@ -10,6 +10,7 @@
 #include "backends/vcard/oid_map.h"
 #include "tests/machine/memory_registry.h"
 #include "tests/support/registry_access.h"
+#include "tests/support/results.h"
 
 namespace vcard {
 namespace {
@@ -237,10 +238,11 @@ class FormerRecognition : public Recognition {
 
   void Put(const std::vector<std::byte>& entries) {
     constexpr std::u16string_view kBook = u"Software\\Zedra\\Voxtrel Contacts\\1";
-    ASSERT_EQ(support::PutText(m_registry, kBook, u"source", u"book"),
-              platform::RegistryError::kNone);
-    ASSERT_EQ(support::Put(m_registry, kBook, u"0", platform::RegistryType::kBinary, entries),
-              platform::RegistryError::kNone);
+    ASSERT_EQ(support::ErrorOf(support::PutText(m_registry, kBook, u"source", u"book")),
+              std::nullopt);
+    ASSERT_EQ(support::ErrorOf(
+                  support::Put(m_registry, kBook, u"0", platform::RegistryType::kBinary, entries)),
+              std::nullopt);
   }
 
   void SetUp() override {

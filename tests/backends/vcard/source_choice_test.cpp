@@ -8,6 +8,7 @@
 #include "tests/machine/memory_registry.h"
 #include "tests/support/failing_registry.h"
 #include "tests/support/registry_access.h"
+#include "tests/support/results.h"
 
 namespace vcard {
 namespace {
@@ -38,7 +39,7 @@ TEST(SourceChoice, IsRemembered) {
   ASSERT_TRUE(RecallChoice(registry, choice, remarks));
   EXPECT_EQ(choice, std::nullopt);
   for (const SourceChoice& each : {SourceChoice{u"/home/ann/all.vcf"}, SourceChoice{}}) {
-    ASSERT_EQ(RememberChoice(registry, each), RegistryError::kNone);
+    ASSERT_EQ(support::ErrorOf(RememberChoice(registry, each)), std::nullopt);
     ASSERT_TRUE(RecallChoice(registry, choice, remarks));
     EXPECT_EQ(choice, each);
   }
@@ -47,16 +48,16 @@ TEST(SourceChoice, IsRemembered) {
 
 TEST(SourceChoice, RememberingTheSameAgainWritesNothing) {
   machine::MemoryRegistry registry;
-  ASSERT_EQ(RememberChoice(registry, {u"/all.vcf"}), RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(RememberChoice(registry, {u"/all.vcf"})), std::nullopt);
   support::FailingRegistry counting(registry);
   counting.FailCall(1000, support::Failing::kOnce);
-  ASSERT_EQ(RememberChoice(counting, {u"/all.vcf"}), RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(RememberChoice(counting, {u"/all.vcf"})), std::nullopt);
   EXPECT_EQ(counting.CountCalls(), 2U);
 }
 
 TEST(SourceChoice, AStoreThatCannotBeReadIsNoReasonToTakeAnotherBook) {
   machine::MemoryRegistry registry;
-  ASSERT_EQ(RememberChoice(registry, {u"/all.vcf"}), RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(RememberChoice(registry, {u"/all.vcf"})), std::nullopt);
   support::FailingRegistry failing(registry);
   std::optional<SourceChoice> choice;
   std::vector<Remark> remarks;
@@ -68,8 +69,9 @@ TEST(SourceChoice, AStoreThatCannotBeReadIsNoReasonToTakeAnotherBook) {
 
 TEST(SourceChoice, AValueThatIsNoChoiceIsPassedOverAndNamed) {
   machine::MemoryRegistry registry;
-  ASSERT_EQ(support::Put(registry, kKey, u"chosen", platform::RegistryType::kDword, {}),
-            RegistryError::kNone);
+  ASSERT_EQ(
+      support::ErrorOf(support::Put(registry, kKey, u"chosen", platform::RegistryType::kDword, {})),
+      std::nullopt);
   std::optional<SourceChoice> choice;
   std::vector<Remark> remarks;
   ASSERT_TRUE(RecallChoice(registry, choice, remarks));
@@ -77,7 +79,7 @@ TEST(SourceChoice, AValueThatIsNoChoiceIsPassedOverAndNamed) {
   ASSERT_EQ(remarks.size(), 1U);
   EXPECT_EQ(remarks[0].place, kKey);
   EXPECT_EQ(remarks[0].text, "the value \"chosen\" names no address book and is passed over");
-  ASSERT_EQ(RememberChoice(registry, {u"/all.vcf"}), RegistryError::kNone);
+  ASSERT_EQ(support::ErrorOf(RememberChoice(registry, {u"/all.vcf"})), std::nullopt);
   ASSERT_TRUE(RecallChoice(registry, choice, remarks));
   EXPECT_EQ(choice, SourceChoice{u"/all.vcf"});
 }

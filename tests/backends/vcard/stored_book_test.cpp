@@ -6,6 +6,7 @@
 
 #include "tests/machine/memory_registry.h"
 #include "tests/support/registry_access.h"
+#include "tests/support/results.h"
 
 namespace vcard {
 namespace {
@@ -30,11 +31,12 @@ class StoredBookTest : public testing::Test {
     StoredBook book;
     std::unordered_set<std::int32_t> taken;
     const auto fail = [](const std::u16string&, const std::string& what) { ADD_FAILURE() << what; };
-    EXPECT_EQ(book.Load(*m_registry.CreateKey(kKey).key, fail, taken), RegistryError::kNone);
+    EXPECT_EQ(support::ErrorOf(book.Load(*m_registry.CreateKey(kKey).value(), fail, taken)),
+              std::nullopt);
     return book;
   }
   void Save(const StoredBook& book) {
-    EXPECT_EQ(book.Save(*m_registry.CreateKey(kKey).key), RegistryError::kNone);
+    EXPECT_EQ(support::ErrorOf(book.Save(*m_registry.CreateKey(kKey).value())), std::nullopt);
   }
 
   machine::MemoryRegistry m_registry;

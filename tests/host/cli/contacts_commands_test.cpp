@@ -8,6 +8,7 @@
 #include "backends/sqlite/sqlite_registry.h"
 #include "tests/host/cli/command_fixture.h"
 #include "tests/support/registry_access.h"
+#include "tests/support/results.h"
 
 namespace {
 
@@ -47,9 +48,10 @@ class ContactsCommands : public CommandFixture {
   void WriteTag(std::int32_t oid) const {
     sqlite::SqliteRegistry registry(std::filesystem::path(Path("root")) / sqlite::kDatabaseName);
     const std::string digits = std::to_string(oid);
-    ASSERT_EQ(support::PutText(registry, u"Software\\Zedra\\Zedra Voxtrel\\100", u"contact",
-                               std::u16string(digits.begin(), digits.end())),
-              platform::RegistryError::kNone);
+    ASSERT_EQ(support::ErrorOf(support::PutText(registry, u"Software\\Zedra\\Zedra Voxtrel\\100",
+                                                u"contact",
+                                                std::u16string(digits.begin(), digits.end()))),
+              std::nullopt);
   }
 };
 
@@ -112,11 +114,12 @@ TEST_F(ContactsCommands, AnotherProgramsValueInTheMapOfContactsIsNamedAndStopsNo
   {
     sqlite::SqliteRegistry registry(std::filesystem::path(Path("root")) / sqlite::kDatabaseName);
     constexpr std::u16string_view kBook = u"Software\\Zedra\\Voxtrel Contacts\\1";
-    ASSERT_EQ(support::PutText(registry, kBook, u"source", u"vcard:\\contacts.vcf"),
-              platform::RegistryError::kNone);
-    ASSERT_EQ(support::Put(registry, kBook, u"0", platform::RegistryType::kBinary,
-                           std::vector<std::byte>(19)),
-              platform::RegistryError::kNone);
+    ASSERT_EQ(
+        support::ErrorOf(support::PutText(registry, kBook, u"source", u"vcard:\\contacts.vcf")),
+        std::nullopt);
+    ASSERT_EQ(support::ErrorOf(support::Put(registry, kBook, u"0", platform::RegistryType::kBinary,
+                                            std::vector<std::byte>(19))),
+              std::nullopt);
   }
   const auto run = Contacts({"contacts", "list", "--json"});
   EXPECT_EQ(run.exitCode, 0);

@@ -12,6 +12,7 @@
 #include "storage/registry_keys.h"
 #include "tests/host/cli/command_fixture.h"
 #include "tests/support/registry_access.h"
+#include "tests/support/results.h"
 
 inline constexpr const char* kAnnsCard =
     "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:a\r\nN:Lee;Ann;;;\r\nTEL;TYPE=CELL:5551234\r\nEND:VCARD\r\n";
@@ -50,15 +51,17 @@ class TagsFixture : public CommandFixture {
 
   void PutVersion(std::u16string_view text) const {
     auto registry = Registry();
-    ASSERT_EQ(support::PutText(registry, storage::kSetupKey, storage::kMathVersionValue, text),
-              platform::RegistryError::kNone);
+    ASSERT_EQ(support::ErrorOf(
+                  support::PutText(registry, storage::kSetupKey, storage::kMathVersionValue, text)),
+              std::nullopt);
   }
   void PutEntry(const std::string& tag, std::int32_t oid, std::u16string_view kind) const {
     auto registry = Registry();
     const std::u16string key = std::u16string(storage::kTagKey) + u"\\" + Wide(tag);
-    ASSERT_EQ(support::PutText(registry, key, u"contact", Wide(std::to_string(oid))),
-              platform::RegistryError::kNone);
-    ASSERT_EQ(support::PutText(registry, key, u"phone type", kind), platform::RegistryError::kNone);
+    ASSERT_EQ(
+        support::ErrorOf(support::PutText(registry, key, u"contact", Wide(std::to_string(oid)))),
+        std::nullopt);
+    ASSERT_EQ(support::ErrorOf(support::PutText(registry, key, u"phone type", kind)), std::nullopt);
   }
   void PutTag(const std::string& tag, const std::string& sample, std::int32_t oid,
               std::u16string_view kind) const {

@@ -72,7 +72,7 @@ TEST_F(Backends, AUserWithoutAHomeHasNoRoot) {
     EXPECT_FALSE(backends.HasRoot()) << home.value_or("unset");
     backends.MakeRoot();
     EXPECT_FALSE(backends.GetFiles().CreateFolder(storage::kProgramFilesFolder));
-    EXPECT_FALSE(backends.GetRegistry().CreateKey(u"Software\\Zedra\\Zedra Voxtrel").key);
+    EXPECT_FALSE(backends.GetRegistry().CreateKey(u"Software\\Zedra\\Zedra Voxtrel"));
   }
 }
 
@@ -104,7 +104,7 @@ TEST_F(Backends, FilesAndSettingsLieBelowTheRoot) {
   ASSERT_TRUE(backends.GetFiles().CreateFolder(storage::kProgramFilesFolder));
   EXPECT_TRUE(std::filesystem::is_directory(m_folder.Path() / "root/Program Files"));
   EXPECT_EQ(backends.ToHostPath(storage::kProgramFilesFolder), m_options.root + "/Program Files");
-  ASSERT_TRUE(backends.GetRegistry().OpenKey(storage::kSetupKey).key);
+  ASSERT_TRUE(backends.GetRegistry().OpenKey(storage::kSetupKey));
   EXPECT_TRUE(std::filesystem::exists(backends.GetRegistryPath()));
 }
 
@@ -118,7 +118,7 @@ TEST_F(Backends, EverythingInTheRootBelongsToTheUserAlone) {
   const auto made = backends.GetRegistry().CreateKey(u"Software\\Test");
   const auto mutex = backends.GetThreads().CreateNamedMutex(u"Test");
   ::umask(before);
-  EXPECT_TRUE(made.key);
+  EXPECT_TRUE(made);
   std::size_t found = 0;
   for (const auto& entry : fs::recursive_directory_iterator(m_folder.Path())) {
     const auto rights = entry.status().permissions();
