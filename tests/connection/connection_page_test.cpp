@@ -8,7 +8,6 @@
 namespace {
 
 using namespace resources;
-using platform::RegistryError;
 using platform::RegistryType;
 
 class ConnectionPage : public ConnectionFixture {};

@@ -11,7 +11,6 @@
 namespace {
 
 using maintenance::RecordedVersion;
-using platform::RegistryError;
 using platform::RegistryType;
 using support::Utf16Bytes;
 

@@ -20,7 +20,6 @@ using maintenance::ContactsState;
 using maintenance::RepairResult;
 using maintenance::RepairTemplate;
 using maintenance::StoreProblem;
-using platform::RegistryError;
 
 class StoreCheck : public SessionFixture {
  protected:

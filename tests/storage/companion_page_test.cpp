@@ -16,7 +16,6 @@
 
 namespace storage {
 
-using platform::RegistryError;
 using testing::HasSubstr;
 
 namespace {

@@ -10,7 +10,6 @@
 
 namespace storage {
 
-using platform::RegistryError;
 using support::RawDatabase;
 
 namespace {

@@ -12,8 +12,6 @@
 namespace sqlite {
 namespace {
 
-using platform::RegistryError;
-
 /// Counts the steps of the library's machine, in every connection that is opened meanwhile.
 class StepCount {
  public:

@@ -11,8 +11,6 @@
 namespace vcard {
 namespace {
 
-using platform::RegistryError;
-
 constexpr std::u16string_view kKey = u"Book";
 
 Person Known(std::int32_t oid, std::uint8_t mark) {
