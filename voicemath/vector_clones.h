@@ -3,12 +3,13 @@
 #include <cstddef>
 #include <cstdint>
 
-/// Before a function: it is compiled for vectors of 16 and of 32 bytes, and the loader of the program
-/// chooses by the processor that it finds. The source is one and the arithmetic is the same: the
-/// wider set is named without fused multiply-add, which rounds once where the result has two
-/// roundings. What such a function calls is widened with it only if it is inlined.
+/// Before a function: it is compiled for vectors of 16 and of 32 bytes, and the loader of the
+/// program chooses by the processor that it finds. The source is one and the arithmetic is the
+/// same: the wider set is named without fused multiply-add, which rounds once where the result has
+/// two roundings. What such a function calls is widened with it only if it is inlined.
 ///
-/// The build defines VOXTREL_TWO_VECTOR_WIDTHS if there is such a choice (CMakeLists.txt says when).
+/// The build defines VOXTREL_TWO_VECTOR_WIDTHS if there is such a choice (CMakeLists.txt says
+/// when).
 #if defined(VOXTREL_TWO_VECTOR_WIDTHS)
 #define VOXTREL_VECTOR_CLONES __attribute__((target_clones("avx2", "default")))
 #else

@@ -5,16 +5,67 @@
 
 #include "framework/dialog.h"
 #include "host/cli/contacts_commands.h"
-#include "host/cli/contacts_if_readable.h"
 #include "host/cli/tag_reading.h"
-#include "host/cli/waiting_windows.h"
+#include "host/cli/waiting.h"
+#include "platform/clock.h"
+#include "platform/contacts_store.h"
 #include "resources/dialogs.h"
 #include "resources/strings.h"
 #include "storage/device_paths.h"
 #include "storage/tag_store.h"
+#include "tags/contact_opening.h"
 
 namespace cli {
 namespace {
+
+/// The user's contacts for a page that can do without them: if they cannot be read the log-on
+/// succeeds all the same. Then there are no contacts. Each look-up fails instead of reporting a
+/// missing contact, so no tag counts as stale.
+class ContactsIfReadable final : public platform::ContactsStore {
+ public:
+  ContactsIfReadable(platform::ContactsStore& contacts, platform::Clock& clock)
+      : m_contacts(contacts), m_clock(clock) {}
+
+  /// Whether the latest log-on read the contacts.
+  [[nodiscard]] bool AreRead() const { return m_areRead; }
+
+  // All of it happens at the log-on, so that each step may fail.
+  [[nodiscard]] bool Initialize() override { return true; }
+  [[nodiscard]] bool Connect() override { return true; }
+  [[nodiscard]] bool Logon() override;
+
+  [[nodiscard]] std::int32_t GetCount() override;
+  [[nodiscard]] platform::ContactItem GetItem(std::int32_t index) override;
+  [[nodiscard]] platform::ContactLookup GetItemFromOid(
+      std::int32_t oid, std::unique_ptr<platform::Contact>& contact) override;
+  void Logoff() override;
+
+ private:
+  platform::ContactsStore& m_contacts;
+  platform::Clock& m_clock;
+  bool m_areRead = false;
+};
+
+bool ContactsIfReadable::Logon() {
+  m_areRead = !tags::OpenContacts(m_contacts, m_clock);
+  return true;
+}
+
+std::int32_t ContactsIfReadable::GetCount() { return m_areRead ? m_contacts.GetCount() : 0; }
+
+platform::ContactItem ContactsIfReadable::GetItem(std::int32_t index) {
+  return m_areRead ? m_contacts.GetItem(index) : platform::ContactItem{};
+}
+
+platform::ContactLookup ContactsIfReadable::GetItemFromOid(
+    std::int32_t oid, std::unique_ptr<platform::Contact>& contact) {
+  return m_areRead ? m_contacts.GetItemFromOid(oid, contact) : platform::ContactLookup::kFailed;
+}
+
+void ContactsIfReadable::Logoff() {
+  m_areRead = false;
+  m_contacts.Logoff();
+}
 
 /// The page takes a store that it cannot read for one without tags.
 bool CanListTags(Session& session) {

@@ -9,7 +9,7 @@
 #include "backends/headless/headless_system.h"
 #include "backends/headless/headless_ui.h"
 #include "backends/vcard/address_books.h"
-#include "host/cli/clocks.h"
+#include "host/cli/waiting.h"
 #include "host/machine/backends.h"
 #include "platform/platform.h"
 #include "platform/registry.h"

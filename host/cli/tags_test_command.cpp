@@ -11,7 +11,7 @@
 #include "host/cli/output.h"
 #include "host/cli/page_run.h"
 #include "host/cli/tag_reading.h"
-#include "host/cli/waiting_windows.h"
+#include "host/cli/waiting.h"
 #include "maintenance/tag_session.h"
 #include "maintenance/test_dialog.h"
 #include "resources/dialogs.h"

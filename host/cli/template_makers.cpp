@@ -12,10 +12,8 @@
 
 #include "host/cli/band_picture.h"
 #include "host/cli/commands.h"
-#include "host/cli/file_reason.h"
-#include "host/cli/header_code.h"
+#include "host/cli/explanations.h"
 #include "host/cli/output.h"
-#include "host/cli/recording_warnings.h"
 #include "voicemath/recording_review.h"
 #include "voicemath/voice_mathematics.h"
 

@@ -8,12 +8,9 @@
 
 #include "audio/wave_device.h"
 #include "audio/wave_header.h"
-#include "host/cli/clocks.h"
-#include "host/cli/file_reason.h"
-#include "host/cli/header_code.h"
+#include "host/cli/explanations.h"
 #include "host/cli/output.h"
-#include "host/cli/play_code.h"
-#include "host/cli/record_code.h"
+#include "host/cli/waiting.h"
 #include "voicemath/voice_mathematics.h"
 
 namespace cli {

@@ -11,7 +11,7 @@
 #include "backends/headless/headless_ui.h"
 #include "backends/posix/posix_threads.h"
 #include "framework/dialog.h"
-#include "host/cli/waiting_windows.h"
+#include "host/cli/waiting.h"
 #include "resources/dialogs.h"
 #include "tests/host/cli/command_fixture.h"
 #include "tests/host/cli/maintenance_fixture.h"

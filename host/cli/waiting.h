@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include "backends/headless/headless_dialog.h"
 #include "platform/clock.h"
 
 namespace cli {
@@ -62,5 +63,14 @@ class ProgressClock final : public platform::Clock {
   const std::string_view m_label;
   bool m_isAwaited;  ///< The sleep to be shown is still to come.
 };
+
+// These wait in the place of a user in front of a window with a bar. They show on a terminal how
+// far the work has come.
+
+/// While every template is computed again. Closes the dialog as soon as it lets itself be closed.
+void WatchReinit(headless::HeadlessDialog& window);
+
+/// While voice tags are compared that take long.
+void WatchComparison(headless::HeadlessDialog& window);
 
 }  // namespace cli

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/cli/session.h"
+#include "platform/file_system.h"
+#include "voicemath/recording_review.h"
+#include "voicemath/voice_mathematics.h"
+
+namespace cli {
+
+/// Why a file was not opened, made or written, in words that go on after its name and a colon.
+[[nodiscard]] std::string ExplainFileError(platform::FileError error);
+
+/// The file cannot be opened, so there is no header to give a code for.
+inline constexpr int kFileNotOpened = -1;
+
+/// Checks the header of the wave file at `path`, which is left closed: a voicemath::HeaderCode, or
+/// kFileNotOpened.
+[[nodiscard]] int CheckHeader(voicemath::CVoiceMathematics& mathematics,
+                              const std::u16string& path);
+
+/// The code in words for the user.
+[[nodiscard]] std::string ExplainHeaderCode(int code);
+
+/// Why nothing was played, in words that tell the user where to look, and with `code`, an
+/// audio::PlayCode other than kPlayed.
+[[nodiscard]] std::string ExplainPlayCode(const Session& session, int code);
+
+/// Why nothing was recorded, in words. `code` is an audio::RecordCode other than kRecorded. Returns
+/// an empty text if a message box has said it all.
+[[nodiscard]] std::string ExplainRecordCode(const Session& session, int code);
+
+/// Says on standard error what is odd about a recording, one line for each thing; `name` is what
+/// the recording is called there. Returns the sentences, for "warnings". What makes a recording
+/// useless is not among them. A recording without a review has none.
+[[nodiscard]] std::vector<std::string> WarnOfOddities(
+    const std::optional<voicemath::RecordingReview>& review, const std::string& name);
+
+}  // namespace cli

@@ -1,0 +1,109 @@
+#include "host/cli/waiting.h"
+
+#include <unistd.h>
+
+#include <fmt/format.h>
+#include <algorithm>
+#include <cstdio>
+#include <functional>
+#include <string>
+
+#include "resources/dialogs.h"
+
+namespace cli {
+namespace {
+
+/// Between two looks at how far something has come.
+constexpr std::uint32_t kStep = 100;
+
+double ToSeconds(std::uint32_t milliseconds) { return milliseconds / 1000.0; }
+
+/// Not fmt::print, which throws where the terminal is gone.
+void DrawText(const std::string& text) {
+  static_cast<void>(std::fwrite(text.data(), 1, text.size(), stderr));
+  std::fflush(stderr);
+}
+
+/// Draws the line of a bar over the line that stands there. `howFar` says the same in words.
+void DrawLine(std::string_view what, std::uint64_t done, std::uint64_t whole,
+              const std::string& howFar) {
+  constexpr std::uint64_t kWidth = 30;
+  const std::uint64_t filled = kWidth * done / whole;
+  DrawText(fmt::format("\r{}  [{:#<{}}{:.<{}}] {}", what, "", filled, "", kWidth - filled, howFar));
+}
+
+void DrawBar(const headless::HeadlessDialog& window, std::string_view what) {
+  const auto progress = window.GetProgress(resources::kProgressBarId);
+  if (progress && progress->bar.maximum > 0) {
+    DrawLine(what, static_cast<std::uint64_t>(progress->position),
+             static_cast<std::uint64_t>(progress->bar.maximum),
+             fmt::format("{} of {}", progress->position, progress->bar.maximum));
+  }
+}
+
+/// Does `whenever` again and again until the window has ended.
+void Watch(headless::HeadlessDialog& window, std::string_view what,
+           const std::function<void()>& whenever) {
+  const bool isTerminal = ::isatty(STDERR_FILENO) == 1;
+  if (isTerminal) {
+    DrawBar(window, what);
+  }
+  while (!window.WaitForEnd(kStep)) {
+    if (isTerminal) {
+      DrawBar(window, what);
+    }
+    whenever();
+  }
+  if (isTerminal) {
+    DrawBar(window, what);
+    DrawText("\n");
+  }
+}
+
+}  // namespace
+
+void SessionClock::Sleep(std::uint32_t milliseconds) {
+  constexpr std::uint32_t kQuicker = 100;
+  const std::uint32_t slept = m_isQuick ? milliseconds / kQuicker : milliseconds;
+  m_clock.Sleep(slept);
+  m_skipped += milliseconds - slept;
+}
+
+ProgressClock::ProgressClock(platform::Clock& clock, std::uint32_t recordingMilliseconds,
+                             std::string_view label)
+    : m_clock(clock),
+      m_recording(recordingMilliseconds),
+      m_label(label),
+      m_isAwaited(::isatty(STDERR_FILENO) == 1) {}
+
+void ProgressClock::Sleep(std::uint32_t milliseconds) {
+  if (!m_isAwaited || milliseconds != m_recording) {
+    m_clock.Sleep(milliseconds);
+    return;
+  }
+  m_isAwaited = false;
+  for (std::uint32_t passed = 0; passed < milliseconds;) {
+    Show(passed);
+    const std::uint32_t step = std::min(kStep, milliseconds - passed);
+    m_clock.Sleep(step);
+    passed += step;
+  }
+  Show(milliseconds);
+  DrawText("\n");
+}
+
+void ProgressClock::Show(std::uint32_t passed) const {
+  DrawLine(m_label, passed, m_recording,
+           fmt::format("{:.1f} s of {:.1f} s", ToSeconds(passed), ToSeconds(m_recording)));
+}
+
+void WatchReinit(headless::HeadlessDialog& window) {
+  // Closing does nothing while the work goes on; once that has failed, nobody else closes it.
+  Watch(window, "Computing the voice tags again", [&window] { window.Close(); });
+}
+
+void WatchComparison(headless::HeadlessDialog& window) {
+  Watch(window, "Comparing the voice tags", [] {});
+}
+
+}  // namespace cli
