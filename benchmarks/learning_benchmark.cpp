@@ -139,9 +139,9 @@ int main() {
   const support::TempFolder folder;
   const benchmarks::FullDevice device;
   cli::Options options;
-  options.root = folder.Path() / "root";
-  options.contacts = device.GetFile();
-  options.microphone = VOXTREL_SAMPLE;
+  options.machine.root = folder.Path() / "root";
+  options.machine.contacts = device.GetFile();
+  options.machine.microphone = VOXTREL_SAMPLE;
   cli::Session session(options);
   static_cast<void>(session.GetRegistry());  // Makes the root folder.
   const double whole = benchmarks::Median(Learn(session));
