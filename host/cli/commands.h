@@ -29,7 +29,7 @@ void AddTemplateMakers(CLI::App& group, Session& session);
 /// how many.
 void AddTagsTestCommand(CLI::App& group, Session& session);
 /// tags trash|restore
-void AddTrashCommands(CLI::App& group, Session& session);
+void AddTrashCommands(CLI::App& tags, Session& session);
 
 /// Finishes or undoes what a killed command left, and empties the trash of what is too old, as the
 /// page does when it opens. For commands that need no page: if a window has the tags, it has done
