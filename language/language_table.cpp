@@ -27,6 +27,8 @@ LanguageTable& LanguageTable::GetInstance() {
   return *Instance();
 }
 
+bool LanguageTable::IsMade() { return Instance() != nullptr; }
+
 void LanguageTable::Release() { Instance().reset(); }
 
 void LanguageTable::Load(platform::FileSystem& files, std::u16string_view path) {

@@ -35,6 +35,9 @@ class LanguageTable {
   /// entry alone, on the thread that starts it; everything else is given what it needs.
   [[nodiscard]] static LanguageTable& GetInstance();
 
+  /// Returns whether the process has its table. Makes none.
+  [[nodiscard]] static bool IsMade();
+
   /// Empties and destroys the table of the process; its texts are gone then.
   static void Release();
 

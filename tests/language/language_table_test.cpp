@@ -11,6 +11,7 @@
 #include "tests/language/language_bytes.h"
 #include "tests/machine/memory_file_system.h"
 #include "tests/support/failing_file_system.h"
+#include "tests/support/forwarding_file_system.h"
 #include "tests/support/watched_clock.h"
 
 namespace {
@@ -263,6 +264,31 @@ TEST_F(LanguageTableFile, IsWaitedForByWhoNeedsTheTexts) {
   Reader reader(m_files.Open(kPath, {}).value(), 3);
   EXPECT_TRUE(language::LoadTexts(m_files, kPath, reader.GetClock()).IsLanguageFileLoaded());
   EXPECT_EQ(LookUp(LanguageTable::GetInstance(), u"ID_A"), u"text");
+  LanguageTable::Release();
+}
+
+/// Notes in which mode each file is opened.
+class NotedModes final : public support::ForwardingFileSystem {
+ public:
+  using ForwardingFileSystem::ForwardingFileSystem;
+
+  platform::Result<std::unique_ptr<platform::File>, platform::FileError> Open(
+      std::u16string_view path, const platform::OpenMode& mode) override {
+    modes.push_back(mode);
+    return ForwardingFileSystem::Open(path, mode);
+  }
+
+  std::vector<platform::OpenMode> modes;
+};
+
+TEST_F(LanguageTableFile, IsOpenedForReadingAloneAndSharedWithNobodyByWhoNeedsTheTexts) {
+  NotedModes files(m_files);
+  support::WatchedClock clock;
+  EXPECT_TRUE(language::LoadTexts(files, kPath, clock).IsLanguageFileLoaded());
+  ASSERT_EQ(files.modes.size(), 1U);
+  EXPECT_EQ(files.modes[0].access, platform::FileAccess::kRead);
+  EXPECT_EQ(files.modes[0].share, platform::FileShare::kNone);
+  EXPECT_EQ(files.modes[0].creation, platform::FileCreation::kOpenExisting);
   LanguageTable::Release();
 }
 

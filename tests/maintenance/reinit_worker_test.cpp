@@ -24,15 +24,16 @@ TEST_F(ReinitWorkerTest, ComputesEveryTemplateAnew) {
   EXPECT_EQ(m_machine.files.CountOpenHandles(), 0U);
 }
 
-/// A dialog of which only the end is seen.
+/// A dialog that counts how it is ended.
 class EndedProgress final : public maintenance::ReinitProgress {
  public:
   explicit EndedProgress(platform::Threads& threads) : m_done(threads.CreateManualResetEvent()) {}
   void Step() override {}
   platform::Event& GetDoneEvent() override { return *m_done; }
   [[nodiscard]] bool IsGone() const override { return false; }
-  void LetUserClose() override {}
+  void LetUserClose() override { ++letsClose; }
   void End() override { ++ends; }
+  int letsClose = 0;
   int ends = 0;
 
  private:
@@ -64,6 +65,20 @@ TEST_F(ReinitWorkerTest, SetsItsEventAfterEachRecordingAndOnceMoreAndWaitsForThe
   EXPECT_EQ(sets, (std::vector<std::uint64_t>{300, 600, 900, 900}));
   EXPECT_EQ(m_machine.simulation.GetElapsed(), 10'900U) << "Nobody says that the bar is done.";
   EXPECT_EQ(progress.ends, 1);
+}
+
+TEST_F(ReinitWorkerTest, AfterATemplateThatCannotBeMadeItsEventIsNotSetAndTheDialogStays) {
+  PutTags(3);
+  const auto held = m_machine.files.Open(storage::TemplatePath(u"2"), {});
+  ASSERT_TRUE(held);
+  std::vector<std::uint64_t> sets;
+  m_session.workerEvent = std::make_unique<NotedEvent>(m_machine.simulation, sets);
+  EndedProgress progress(m_machine.simulation);
+  maintenance::ReinitWorker(m_machine.Get(), m_texts, m_session, progress).Run();
+  EXPECT_EQ(sets, std::vector<std::uint64_t>{300}) << "Of the recording before.";
+  EXPECT_EQ(m_machine.simulation.GetElapsed(), 600U) << "Nobody waits for the bar.";
+  EXPECT_EQ(progress.letsClose, 1);
+  EXPECT_EQ(progress.ends, 0);
 }
 
 TEST_F(ReinitWorkerTest, WithoutTagsEndsTheDialogAndTouchesNothing) {
