@@ -18,8 +18,8 @@ void ReinitMonitor::Run(std::int32_t tagCount) {
   }
   m_platform.clock.Sleep(kMillisecondsBeforeWork);
   StartWorker();
-  // Asked after each reset and before each wait: the dialog says that it is gone before it sets the
-  // event a last time, so that either the question or the wait sees it.
+  // The question comes after each reset and before each wait. A dialog that goes says so before it
+  // sets the event a last time, so either the question or the wait sees it.
   for (std::int32_t i = 0; i < tagCount && !m_progress.IsGone(); ++i) {
     m_progress.Step();
     if (!WaitForRecording()) {

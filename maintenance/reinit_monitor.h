@@ -8,15 +8,16 @@
 
 namespace maintenance {
 
-/// Paces the base reinitialization, on a thread of the dialog: lets the worker begin once the
-/// dialog can be seen, and moves the bar on whenever the worker has done a recording.
+/// Paces the base reinitialization, on a thread of the dialog. It lets the worker begin after the
+/// dialog has appeared, and moves the bar on after each recording of the worker.
 class ReinitMonitor {
  public:
-  /// `page` may be null, which is told to the user. Everything given outlives this.
+  /// If `page` is null, the user is shown a message. All arguments must outlive this object.
   ReinitMonitor(const platform::Platform& platform, TagSession* page, ReinitProgress& progress)
       : m_platform(platform), m_page(page), m_progress(progress) {}
 
-  /// Steps the bar for `tagCount` tags, each when the one before is done.
+  /// Steps the bar once for each of `tagCount` tags: at once for the first, and for each later one
+  /// after the recording before it is done. Returns early if the dialog is gone.
   void Run(std::int32_t tagCount);
 
  private:

@@ -4,8 +4,8 @@
 
 namespace maintenance {
 
-/// What the worker and the monitor know of the dialog that the user waits in front of. Called by
-/// their threads; the dialog stays until both have ended.
+/// What the worker and the monitor know of the dialog in which the user waits. Their threads call
+/// it. The dialog stays until both have ended.
 class ReinitProgress {
  public:
   ReinitProgress() = default;
@@ -16,14 +16,14 @@ class ReinitProgress {
   /// Moves the bar on by one.
   virtual void Step() = 0;
 
-  /// Set by the monitor when the bar has made all its steps.
+  /// Returns the event that the monitor sets after the last step of the bar.
   [[nodiscard]] virtual platform::Event& GetDoneEvent() = 0;
 
-  /// The dialog was ended, or is about to go: whoever sees this leaves as soon as it can.
+  /// Returns whether the dialog has ended or is about to go. A thread that sees this ends as soon
+  /// as it can.
   [[nodiscard]] virtual bool IsGone() const = 0;
 
-  /// Lets the user close the dialog, which then goes on being shown and tells that it may be
-  /// closed.
+  /// Lets the user close the dialog. The dialog stays and says that it may be closed.
   virtual void LetUserClose() = 0;
 
   /// Ends the dialog with result 0.

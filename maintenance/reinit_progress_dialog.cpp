@@ -87,7 +87,7 @@ void ReinitProgressDialog::LetUserClose() {
 void ReinitProgressDialog::OnPaint(platform::Canvas& canvas) {
   PaintHeader(canvas, m_texts(resources::kReinitTitle));
   if (!m_hasFonts) {
-    // Once, for a new font has the text painted again.
+    // Only once, since a new font makes the text be painted again.
     m_hasFonts = true;
     GetWindow().SetFont(resources::kReinitWaitLine1Id, kWaitFont);
     GetWindow().SetFont(resources::kReinitWaitLine2Id, kWaitFont);
@@ -107,7 +107,7 @@ void ReinitProgressDialog::Detach() {
   if (m_monitor) {
     m_page->GetWorkerEvent()->Set();
     static_cast<void>(m_monitor->Wait(platform::kNoLimit));
-    // The monitor has resumed it.
+    // The worker can end, since the monitor has resumed it.
     static_cast<void>(m_page->GetReinitWorker()->Wait(platform::kNoLimit));
     m_monitor.reset();
   }

@@ -12,27 +12,26 @@
 
 namespace maintenance {
 
-/// The dialog that the user waits in front of while every template is computed anew. It ends when
-/// the worker says so. It has no button, and its close box does nothing while the worker is at
-/// work; once the worker has given up, the close box (or Enter, or Escape) ends the dialog with
-/// framework::kIdCancel.
+/// The dialog in which the user waits while every template is computed again. The worker ends it.
+/// It has no button, and its close box does nothing while the worker is at work. After the worker
+/// has given up, the close box (or Enter, or Escape) ends the dialog with framework::kIdCancel.
 class ReinitProgressDialog final : public framework::CDialog, private ReinitProgress {
  public:
-  /// What `platform` refers to outlives the dialog.
+  /// What `platform` refers to must outlive the dialog.
   ReinitProgressDialog(const platform::Platform& platform, language::Texts texts);
 
-  /// The page whose tags are computed anew, which outlives the dialog. Null is told to the user;
-  /// the dialog then ends at once when it is opened.
+  /// Sets the page whose templates are computed again. The page must outlive the dialog. If it is
+  /// null, the user is shown a message, and the dialog ends as soon as it is opened.
   void set_Pageone_point(TagSession* page);
 
-  /// What the worker sees of this dialog.
+  /// Returns what the worker sees of this dialog.
   [[nodiscard]] ReinitProgress& GetProgress() { return *this; }
 
   bool OnInitDialog() override;
   void OnPaint(platform::Canvas& canvas) override;
   void OnOK() override;
   void OnCancel() override;
-  /// Returns when the worker and the monitor have ended, since both know the window.
+  /// Returns after the worker and the monitor have ended, since both use the window.
   void Detach() override;
 
  private:

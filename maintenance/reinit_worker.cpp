@@ -13,10 +13,10 @@ namespace {
 
 constexpr std::uint32_t kMillisecondsBeforeFile = 300;
 
-/// The longest that the dialog stays after the last recording, where the bar has steps left.
+/// The longest time that the dialog stays after the last recording while the bar has steps left.
 constexpr std::uint32_t kLongestWaitForBar = 10'000;
 
-/// What the list shows for the tag of a recording; the bare name where no tag has it.
+/// Returns what the list shows for the tag of a recording. Returns the bare name if no tag has it.
 std::u16string_view FindDisplayText(const storage::TagTable& tags, std::u16string_view tagName) {
   const std::int32_t count = std::min(tags.tagCount, storage::kMaxTags);
   for (std::int32_t i = 0; i < count; ++i) {
@@ -45,7 +45,7 @@ void ReinitWorker::Run() {
   }
   m_mathematics = std::make_unique<voicemath::CVoiceMathematics>(m_platform.files, m_platform.ui);
   if (ProcessAll()) {
-    // Once more, since two sets before one reset are one step of the bar.
+    // Two sets before one reset are one step of the bar, so the bar may still wait for a set.
     m_page.GetWorkerEvent()->Set();
     static_cast<void>(m_progress.GetDoneEvent().Wait(kLongestWaitForBar));
     m_progress.End();
@@ -100,7 +100,7 @@ void ReinitWorker::ReportNoRecordings() {
       {std::u16string(resources::kNoRecordings), platform::MessageCaption::kText,
        std::u16string(resources::kAppletName), platform::MessageStyle::kTopmost});
   m_platform.process.End(0);
-  // Only where the process goes on without the applet.
+  // Reached only if the process goes on without the applet.
   m_progress.End();
 }
 

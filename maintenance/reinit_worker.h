@@ -13,11 +13,11 @@
 
 namespace maintenance {
 
-/// Computes the template of every recording anew, on a thread of its own and with a mathematics
+/// Computes the template of every recording again, on a thread of its own and with a mathematics
 /// object of its own. Recordings without a tag get their template as well.
 class ReinitWorker {
  public:
-  /// Everything given outlives this.
+  /// All arguments must outlive this object.
   ReinitWorker(const platform::Platform& platform, language::Texts texts, TagSession& page,
                ReinitProgress& progress);
 
@@ -25,8 +25,9 @@ class ReinitWorker {
   void Run();
 
  private:
-  /// False where the thread has to end at once.
+  /// Returns false if the thread has to end at once. A message has been shown then.
   [[nodiscard]] bool ProcessAll();
+  /// Returns false if the template could not be written.
   [[nodiscard]] bool Recompute(std::u16string_view waveFile);
   void ReportNoRecordings();
   void ReportSearchFailure();

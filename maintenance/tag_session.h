@@ -6,8 +6,8 @@
 
 namespace maintenance {
 
-/// What the Learning page lends to the dialogs that look after its tags. All of it belongs to the
-/// page and lives as long as it.
+/// What the Learning page lends to the dialogs that look after its tags. The page owns all of it,
+/// and it lives as long as the page.
 class TagSession {
  public:
   TagSession() = default;
@@ -15,18 +15,19 @@ class TagSession {
   TagSession& operator=(const TagSession&) = delete;
   virtual ~TagSession() = default;
 
-  /// Not changed while a dialog runs, so every thread may read it then.
+  /// Returns the tags of the page. While a dialog runs they do not change, so every thread may read
+  /// them.
   [[nodiscard]] virtual const storage::TagTable& GetTags() const = 0;
 
-  /// Belongs to the user-interface thread.
+  /// Returns the mathematics of the page. Only the user-interface thread may use it.
   [[nodiscard]] virtual voicemath::CVoiceMathematics& GetMathematics() = 0;
 
-  /// Manual-reset: set by the worker after each recording, reset by the monitor. Null where the
-  /// system had none to give.
+  /// Returns the event that the worker sets after each recording and that the monitor resets.
+  /// Returns null if the system gave none.
   [[nodiscard]] virtual platform::Event* GetWorkerEvent() = 0;
 
-  /// The thread that computes the templates anew, suspended until the monitor resumes it. Null
-  /// while there is none.
+  /// Returns the thread that computes the templates again. It is suspended until the monitor
+  /// resumes it. Returns null while there is none.
   [[nodiscard]] virtual platform::Thread* GetReinitWorker() = 0;
 };
 

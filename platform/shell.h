@@ -4,11 +4,11 @@
 
 namespace platform {
 
-/// Starts other programs for the user: the help viewer and the browser. Which programs those are on
-/// this machine is for the back end to know; the command lines are those of the device.
+/// Starts other programs for the user: the help viewer and the browser. The command lines are those
+/// of the device. The back end knows which programs this machine has for them.
 ///
-/// Both return at once. A back end that cannot do what is asked reports that to the user. The
-/// caller has nothing to add and learns nothing.
+/// Both calls return at once. If a program cannot be started, the back end reports that to the
+/// user. The caller does not learn of it and adds nothing.
 class Shell {
  public:
   Shell() = default;
@@ -19,7 +19,8 @@ class Shell {
   /// Starts `program` with `commandLine`.
   virtual void StartProgram(std::u16string_view program, std::u16string_view commandLine) = 0;
 
-  /// Has `file` do `verb` with `parameters`, shown normally.
+  /// Does `verb`, such as "open", with `file` and gives it `parameters`. Its window is shown in its
+  /// normal size.
   virtual void Execute(std::u16string_view verb, std::u16string_view file,
                        std::u16string_view parameters) = 0;
 };

@@ -13,11 +13,11 @@ inline constexpr std::uint32_t kNoLimit = std::numeric_limits<std::uint32_t>::ma
 enum class WaitResult : std::uint8_t {
   kSignalled,
   kTimedOut,
-  kFailed,  ///< The wait can never end, or the system refused it.
+  kFailed,  ///< The wait can never end, or the system has refused it.
 };
 
-/// A handle of one thread. The destructor of a thread that ran waits for its body to end, so no
-/// thread outlives what it was given; a thread never resumed ends without having run.
+/// A handle of one thread. The destructor waits until the body has ended, so no thread outlives
+/// what it uses. A thread that was never resumed ends without having run.
 class Thread {
  public:
   Thread() = default;
@@ -25,14 +25,15 @@ class Thread {
   Thread& operator=(const Thread&) = delete;
   virtual ~Thread() = default;
 
-  /// Lets a suspended thread run; no effect on one that runs already.
+  /// Lets a suspended thread run. Has no effect on a thread that runs already.
   virtual void Resume() = 0;
 
-  /// Waits for the end of the body for at most `milliseconds` (kNoLimit: without limit).
+  /// Waits until the body has ended, for at most `milliseconds`. kNoLimit waits without limit.
   [[nodiscard]] virtual WaitResult Wait(std::uint32_t milliseconds) = 0;
 };
 
-/// A manual-reset event: once set it lets every waiter pass until it is reset.
+/// A manual-reset event. After it is set, every waiter passes until it is reset. May be called from
+/// any thread.
 class Event {
  public:
   Event() = default;
@@ -42,11 +43,13 @@ class Event {
 
   virtual void Set() = 0;
   virtual void Reset() = 0;
+
+  /// Waits until the event is set, for at most `milliseconds`. kNoLimit waits without limit.
   [[nodiscard]] virtual WaitResult Wait(std::uint32_t milliseconds) = 0;
 };
 
-/// A mutex known by its name to all processes on the device. Goes with its last holder, also where
-/// that is killed.
+/// A mutex that all processes of the device know by its name. The mutex goes with its last holder,
+/// even if that process is killed.
 class NamedMutex {
  public:
   NamedMutex() = default;
@@ -56,13 +59,13 @@ class NamedMutex {
 };
 
 struct CreatedMutex {
-  std::unique_ptr<NamedMutex> mutex;  ///< Null where another holder has it, or none can be made.
+  std::unique_ptr<NamedMutex> mutex;  ///< Null if another holder has it, or if none can be made.
   bool existed = false;               ///< Another holder has it.
 };
 
 enum class ThreadStart : std::uint8_t { kRunning, kSuspended };
 
-/// Threads and what they wait for. May be called from any thread.
+/// Makes threads, and what they wait for. May be called from any thread.
 class Threads {
  public:
   Threads() = default;
@@ -70,13 +73,15 @@ class Threads {
   Threads& operator=(const Threads&) = delete;
   virtual ~Threads() = default;
 
-  /// Null where the system has no thread to give. `body` must not throw.
+  /// Starts a thread that calls `body`, which must not throw. Returns null if the system gives no
+  /// thread.
   [[nodiscard]] virtual std::unique_ptr<Thread> Start(std::function<void()> body,
                                                       ThreadStart start) = 0;
 
-  /// An event, not signalled; null where the system has none to give.
+  /// Returns an event that is not set. Returns null if the system gives none.
   [[nodiscard]] virtual std::unique_ptr<Event> CreateManualResetEvent() = 0;
 
+  /// Makes the mutex of this name, unless another holder has it.
   [[nodiscard]] virtual CreatedMutex CreateNamedMutex(std::u16string_view name) = 0;
 };
 
