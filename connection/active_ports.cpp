@@ -3,9 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "platform/active_drivers.h"
-#include "platform/registry_names.h"
-#include "storage/registry_keys.h"
+#include "platform/serial_devices.h"
 #include "storage/tag_entry.h"
 
 namespace connection {
@@ -32,7 +30,7 @@ bool IsPortName(std::u16string_view name) {
 
 std::vector<ActivePort> ReadActivePorts(platform::Registry& registry) {
   std::vector<ActivePort> ports;
-  const platform::OpenedKey active = registry.OpenKey(storage::kDriversKey);
+  const platform::OpenedKey active = registry.OpenKey(platform::kActiveDriversKey);
   for (std::uint32_t i = 0; active; ++i) {
     const auto subkey = (*active)->EnumerateSubkey(i);
     // A name that is too long to be read is no reason to leave out those after it.
@@ -43,8 +41,8 @@ std::vector<ActivePort> ReadActivePorts(platform::Registry& registry) {
     if (!subkey || !platform::IsKeyName(**subkey)) {
       continue;
     }
-    const auto driver =
-        registry.OpenKey(std::u16string(storage::kDriversKey).append(u"\\").append(**subkey));
+    const auto driver = registry.OpenKey(
+        std::u16string(platform::kActiveDriversKey).append(u"\\").append(**subkey));
     if (!driver) {
       continue;
     }

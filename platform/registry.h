@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -26,6 +27,12 @@ enum class RegistryError : std::uint8_t {
   kOther,
 };
 
+/// Returns whether a failure leaves a registry unable to keep the promise of the group in which it
+/// happened.
+[[nodiscard]] constexpr bool DoomsGroup(RegistryError error) {
+  return error != RegistryError::kNotFound && error != RegistryError::kInvalid;
+}
+
 /// Type of a value, with the numbers of the Windows family; other numbers are kept as they are.
 enum class RegistryType : std::uint32_t { kNone = 0, kString = 1, kBinary = 3, kDword = 4 };
 
@@ -34,6 +41,41 @@ inline constexpr std::size_t kMaxKeyNameLength = 255;
 inline constexpr std::size_t kMaxKeyDepth = 512;
 inline constexpr std::size_t kMaxValueNameLength = 16383;
 inline constexpr std::size_t kMaxValueBytes = std::size_t{1} << 20;
+
+/// Returns whether a registry takes `name` as the name of one key.
+[[nodiscard]] inline bool IsKeyName(std::u16string_view name) {
+  constexpr char16_t kFirstPrintable = u' ';
+  return !name.empty() && name.size() <= kMaxKeyNameLength &&
+         std::none_of(name.begin(), name.end(),
+                      [](char16_t unit) { return unit < kFirstPrintable || unit == u'\\'; });
+}
+
+/// Returns whether a registry takes `name` as the name of a value.
+[[nodiscard]] inline bool IsValueName(std::u16string_view name) {
+  return name.size() <= kMaxValueNameLength && name.find(u'\0') == std::u16string_view::npos;
+}
+
+/// Returns the key names of `path` from the root downwards, and none for the root itself. Returns
+/// nothing if a registry does not take it as a path.
+[[nodiscard]] inline std::optional<std::vector<std::u16string_view>> SplitKeyPath(
+    std::u16string_view path) {
+  std::vector<std::u16string_view> names;
+  if (path.empty()) {
+    return names;
+  }
+  while (true) {
+    const std::size_t end = path.find(u'\\');
+    const std::u16string_view name = path.substr(0, end);
+    if (!IsKeyName(name) || names.size() == kMaxKeyDepth) {
+      return std::nullopt;
+    }
+    names.push_back(name);
+    if (end == std::u16string_view::npos) {
+      return names;
+    }
+    path.remove_prefix(end + 1);
+  }
+}
 
 struct RegistryValue {
   RegistryType type = RegistryType::kNone;

@@ -2,11 +2,22 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/result.h"
 
 namespace platform {
+
+// Where the registry holds the drivers of the machine. A program finds the port that it is to open
+// there.
+
+/// Has one subkey for each active driver.
+inline constexpr std::u16string_view kActiveDriversKey = u"Drivers\\Active";
+/// The name under which a program opens the driver's device, as "COM2:".
+inline constexpr std::u16string_view kDriverNameValue = u"Name";
+/// What that name stands for on this machine, as "/dev/ttyUSB0".
+inline constexpr std::u16string_view kDriverDeviceValue = u"Device";
 
 /// One serial port that the machine has.
 struct SerialDevice {

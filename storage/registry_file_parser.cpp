@@ -4,7 +4,6 @@
 
 #include "backends/text/names.h"
 #include "backends/text/utf.h"
-#include "platform/registry_names.h"
 #include "storage/registry_file.h"
 #include "storage/registry_file_text.h"
 #include "storage/registry_value_reader.h"

@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/registry_names.h"
 #include "storage/registry_file.h"
 #include "storage/registry_file_text.h"
 #include "storage/stored_text.h"

@@ -4,8 +4,6 @@
 #include <cstddef>
 #include <string_view>
 
-#include "platform/active_drivers.h"
-
 namespace storage {
 
 // The keys of the registry in which the system keeps its settings, and the names of the values. The
@@ -34,9 +32,6 @@ inline constexpr std::u16string_view kFlowControlValue = u"Flow_control";
 inline constexpr std::u16string_view kComPortValue = u"Com_port";
 inline constexpr std::u16string_view kIsBluetoothValue = u"is_BT";
 inline constexpr std::u16string_view kIsHangUpValue = u"is_HU";
-
-/// One subkey for each active driver of the device; only read.
-inline constexpr std::u16string_view kDriversKey = platform::kActiveDriversKey;
 
 /// What the installation leaves in a new store: keys without values.
 inline constexpr std::array kInstalledKeys{kSetupKey};

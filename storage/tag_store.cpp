@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "language/formatting.h"
-#include "platform/registry_names.h"
 #include "storage/device_paths.h"
 #include "storage/registry_keys.h"
 

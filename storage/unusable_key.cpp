@@ -6,7 +6,6 @@
 #include <string_view>
 
 #include "backends/text/utf.h"
-#include "platform/registry_names.h"
 
 namespace storage {
 namespace {

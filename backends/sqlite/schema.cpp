@@ -6,7 +6,6 @@
 #include "backends/sqlite/key_path.h"
 #include "backends/sqlite/statement.h"
 #include "backends/sqlite/store.h"
-#include "platform/registry_names.h"
 
 namespace sqlite {
 

@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "backends/sqlite/store.h"
-#include "platform/registry_names.h"
 
 namespace sqlite {
 

@@ -11,8 +11,8 @@
 
 #include "backends/sqlite/connection.h"
 #include "backends/sqlite/key_path.h"
+#include "backends/sqlite/registry_gate.h"
 #include "platform/registry.h"
-#include "platform/registry_gate.h"
 
 namespace sqlite {
 
@@ -81,7 +81,7 @@ class SqliteRegistry final : public platform::Registry {
 
   std::filesystem::path m_database;
   RegistryOptions m_options;
-  platform::RegistryGate m_gate;
+  RegistryGate m_gate;
 
   // Used behind the gate.
   std::unique_ptr<Connection> m_connection;  ///< Null until the database could be opened.

@@ -8,9 +8,8 @@
 #include <set>
 #include <tuple>
 
+#include "backends/text/registry_text.h"
 #include "backends/text/utf.h"
-#include "platform/active_drivers.h"
-#include "platform/registry_text.h"
 
 namespace udev_ports {
 namespace {
@@ -168,7 +167,7 @@ Result<PortNumbers, RegistryError> ReadKnownPorts(platform::RegistryKey& key) {
       continue;  // Another program's name or value is too long to be read. It is passed over.
     }
     const std::optional<int> number = ParsePortName(**name);
-    if (const auto identity = platform::ToText(*value); number && identity) {
+    if (const auto identity = text::ToText(*value); number && identity) {
       numbers.emplace(*number, *identity);
     }
   }
@@ -182,8 +181,8 @@ Result<void, RegistryError> WriteActivePort(platform::Registry& registry, int nu
   if (!port) {
     return Failure(port.error());
   }
-  return platform::SetText(**port, platform::kDriverNameValue, PortName(number)).and_then([&] {
-    return platform::SetText(**port, platform::kDriverDeviceValue, device.node);
+  return text::SetText(**port, platform::kDriverNameValue, PortName(number)).and_then([&] {
+    return text::SetText(**port, platform::kDriverDeviceValue, device.node);
   });
 }
 
@@ -212,7 +211,7 @@ Result<void, RegistryError> WritePorts(platform::Registry& registry,
       continue;
     }
     const auto written =
-        platform::SetText(**known, PortName(*assigned[i]), identities[i]).and_then([&] {
+        text::SetText(**known, PortName(*assigned[i]), identities[i]).and_then([&] {
           return WriteActivePort(registry, *assigned[i], ports[i]);
         });
     if (!written) {

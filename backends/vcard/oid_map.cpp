@@ -5,10 +5,10 @@
 #include <optional>
 #include <utility>
 
+#include "backends/text/registry_text.h"
 #include "backends/text/utf.h"
 #include "backends/vcard/registry_names.h"
 #include "platform/little_endian.h"
-#include "platform/registry_text.h"
 
 namespace vcard {
 
@@ -83,7 +83,7 @@ Result<void, RegistryError> OidMap::LoadBook(const std::u16string& keyName) {
   if (!value && !IsOdd(value.error())) {
     return Failure(value.error());
   }
-  const auto source = value ? ToText(*value) : std::nullopt;
+  const auto source = value ? text::ToText(*value) : std::nullopt;
   if (!source || source->empty()) {
     return passOver("the value \"source\" names no address book, and the key is passed over");
   }
@@ -167,7 +167,7 @@ Result<void, RegistryError> OidMap::StoreBook(const Book& book) {
     return Failure(opened.error());
   }
   if (isNew) {
-    if (const auto named = SetText(**opened, kSourceValue, book.name); !named) {
+    if (const auto named = text::SetText(**opened, kSourceValue, book.name); !named) {
       return named;
     }
   }

@@ -3,9 +3,9 @@
 #include <filesystem>
 #include <system_error>
 
+#include "backends/text/registry_text.h"
 #include "backends/text/utf.h"
 #include "backends/vcard/registry_names.h"
-#include "platform/registry_text.h"
 
 namespace vcard {
 
@@ -42,7 +42,7 @@ bool RecallChoice(platform::Registry& registry, std::optional<SourceChoice>& cho
   if (!value) {
     return value.error() == RegistryError::kNotFound;
   }
-  const std::optional<std::u16string> text = ToText(*value);
+  const std::optional<std::u16string> text = text::ToText(*value);
   if (!text || text->empty()) {
     remarks.push_back({std::u16string(kContactsKey), 0,
                        "the value \"chosen\" names no address book and is passed over"});
@@ -63,7 +63,7 @@ platform::Result<void, RegistryError> RememberChoice(platform::Registry& registr
   if (!opened) {
     return platform::Failure(opened.error());
   }
-  return SetText(**opened, kChoiceValue, choice.path.empty() ? kDesktop : choice.path);
+  return text::SetText(**opened, kChoiceValue, choice.path.empty() ? kDesktop : choice.path);
 }
 
 }  // namespace vcard

@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "backends/text/names.h"
-#include "platform/registry_names.h"
 
 namespace machine {
 

@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
+#include "backends/sqlite/registry_gate.h"
 #include "platform/registry.h"
-#include "platform/registry_gate.h"
 
 namespace machine {
 
@@ -59,7 +59,7 @@ class MemoryRegistry final : public platform::Registry {
   [[nodiscard]] platform::OpenedKey Opened(Number number);
   void EndGroup();
 
-  platform::RegistryGate m_gate;
+  sqlite::RegistryGate m_gate;
 
   // Used behind the gate.
   std::map<Number, Node> m_nodes;

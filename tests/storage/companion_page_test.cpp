@@ -5,6 +5,7 @@
 
 #include "backends/sqlite/schema.h"
 #include "backends/sqlite/sqlite_registry.h"
+#include "platform/serial_devices.h"
 #include "storage/device_paths.h"
 #include "storage/phone_types.h"
 #include "storage/registry_keys.h"
@@ -73,7 +74,7 @@ TEST(CompanionPage, NamesTheDatabaseAndItsVersion) {
 TEST(CompanionPage, NamesEveryKeyAndValue) {
   const std::string page = Page();
   for (const std::u16string_view name :
-       {kTagKey, kSetupKey, kDialerKey, kDriversKey, kContactValue, kPhoneTypeValue,
+       {kTagKey, kSetupKey, kDialerKey, platform::kActiveDriversKey, kContactValue, kPhoneTypeValue,
         kMathVersionValue, kBaudRateValue, kDataBitsValue, kStopBitsValue, kFlowControlValue,
         kComPortValue, kIsBluetoothValue, kIsHangUpValue}) {
     EXPECT_THAT(page, HasSubstr(Ascii(name)));

@@ -3,8 +3,6 @@
 #include <memory>
 #include <utility>
 
-#include "platform/registry_gate.h"
-
 namespace support {
 
 using platform::Failure;

@@ -8,22 +8,18 @@
 
 #include "platform/registry.h"
 
-namespace platform {
+namespace sqlite {
 
-/// Whether a failure leaves a registry unable to keep the promise of the group it happened in.
-[[nodiscard]] constexpr bool DoomsGroup(RegistryError error) {
-  return error != RegistryError::kNotFound && error != RegistryError::kInvalid;
-}
-
-/// The part of a registry's contract that concerns threads and groups, for its back ends: lets
-/// calls in one at a time, keeps other threads out while one has a group open, and remembers what
-/// doomed that group.
+/// The part of a registry's contract that concerns threads and groups. Lets calls in one at a time,
+/// keeps other threads out while one has a group open, and remembers what doomed that group. It
+/// knows no database: the registry of the tests, in memory, uses it as well.
 class RegistryGate {
  public:
-  /// `limit` is how long a thread waits for another one's group to end.
+  /// A thread waits for `limit` at most until another thread's group ends.
   explicit RegistryGate(std::chrono::milliseconds limit) : m_limit(limit) {}
 
-  /// A lock that is held for one call; not held where another thread's group did not end in time.
+  /// Returns a lock, which the caller holds for one call. It is not held if another thread's group
+  /// did not end in time.
   [[nodiscard]] std::unique_lock<std::mutex> Enter() {
     std::unique_lock lock(m_mutex);
     const auto free = [this] { return !m_groupIsOpen || m_owner == std::this_thread::get_id(); };
@@ -33,15 +29,15 @@ class RegistryGate {
     return lock;
   }
 
-  // What follows is called with that lock held.
+  // The caller of the following holds that lock.
 
-  /// Whether the calling thread has a group open.
+  /// Returns whether the calling thread has a group open.
   [[nodiscard]] bool GroupIsOpen() const { return m_groupIsOpen; }
 
   /// Returns what doomed the open group. Returns nothing if it is not doomed.
-  [[nodiscard]] std::optional<RegistryError> Doom() const { return m_doom; }
+  [[nodiscard]] std::optional<platform::RegistryError> Doom() const { return m_doom; }
 
-  void SetDoom(RegistryError error) { m_doom = error; }
+  void SetDoom(platform::RegistryError error) { m_doom = error; }
 
   void OpenGroup() {
     m_owner = std::this_thread::get_id();
@@ -61,7 +57,7 @@ class RegistryGate {
   std::condition_variable m_groupEnded;
   bool m_groupIsOpen = false;
   std::thread::id m_owner;
-  std::optional<RegistryError> m_doom;
+  std::optional<platform::RegistryError> m_doom;
 };
 
-}  // namespace platform
+}  // namespace sqlite
