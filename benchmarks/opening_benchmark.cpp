@@ -22,7 +22,6 @@
 
 #include "benchmarks/full_device.h"
 #include "benchmarks/moments.h"
-#include "host/panel/applet_library.h"
 #include "host/panel/applet_talk.h"
 #include "tests/support/run_program.h"
 
@@ -70,10 +69,11 @@ class ShownWindow final : public QObject {
 
 int ShowApplet(int lines) {
   const ShownWindow shown(lines);
-  std::string problem;
-  const auto library = panel::AppletLibrary::Load(VOXTREL_APPLET, problem);
+  const auto library = panel::AppletLibrary::Load(VOXTREL_APPLET);
   if (library) {
-    panel::AppletTalk(*library).Open(0);
+    if (const auto talk = panel::AppletTalk::Begin(*library)) {
+      (*talk)->Open(0);
+    }
   }
   return 1;
 }

@@ -1,13 +1,15 @@
 #include "host/panel/applet_talk.h"
 
+#include <dlfcn.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cstddef>
+#include <utility>
 
-#include "host/panel/message.h"
+#include "backends/qt/strings.h"
 #include "resources/desktop_strings.h"
 
 namespace panel {
@@ -15,9 +17,19 @@ namespace {
 
 using applet::CplMessage;
 
-/// More applets than any library holds; beyond it the count makes no sense.
+/// No library holds more applets than this. A greater count makes no sense.
 constexpr std::int32_t kMostApplets = 64;
 constexpr std::size_t kLongestIcon = std::size_t{1} << 20U;  // bytes
+
+QString LatestProblem() {
+  // Each process of the panel that loads an applet has one thread at that time.
+  const char* text = ::dlerror();  // NOLINT(concurrency-mt-unsafe)
+  return text == nullptr ? QStringLiteral("the reason is not known") : QString::fromLocal8Bit(text);
+}
+
+auto CannotBeLoaded(const QString& reason) {
+  return platform::Failure(qt::ToQString(resources::kCannotBeLoaded).arg(reason));
+}
 
 /// Returns the picture of an icon, whose handle is the number of a descriptor on this system.
 /// Returns "" if there is none. The offset of the file is not touched, since others share it.
@@ -43,27 +55,55 @@ std::u16string ReadName(const applet::NewCplInfo& info) {
 
 }  // namespace
 
-AppletTalk::AppletTalk(const AppletLibrary& library) : m_library(library) {
-  m_hasBegun = m_library.Send(CplMessage::kInit) != 0;
-  if (!m_hasBegun) {
-    m_problem = Message(resources::kDoesNotWantToStart).toStdString();
-    return;
+platform::Result<AppletLibrary, QString> AppletLibrary::Load(const std::string& path) {
+  // Any other path is a file of the current folder, or one of the system's folders of libraries.
+  if (!path.starts_with('/')) {
+    return CannotBeLoaded(qt::ToQString(resources::kNoFullPath));
   }
-  const std::int32_t count = m_library.Send(CplMessage::kGetCount);
+  Handle handle(::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL));
+  if (!handle) {
+    return CannotBeLoaded(LatestProblem());
+  }
+  const auto function =
+      reinterpret_cast<applet::CplAppletFunction>(::dlsym(handle.get(), applet::kCplAppletName));
+  if (function == nullptr) {
+    return platform::Failure(
+        qt::ToQString(resources::kIsNoApplet).arg(QLatin1String(applet::kCplAppletName)));
+  }
+  return AppletLibrary(std::move(handle), function);
+}
+
+AppletLibrary::AppletLibrary(Handle handle, applet::CplAppletFunction function)
+    : m_handle(std::move(handle)), m_function(function) {}
+
+std::int32_t AppletLibrary::Send(applet::CplMessage message, std::intptr_t lParam1,
+                                 std::intptr_t lParam2) const {
+  return m_function(nullptr, static_cast<std::uint32_t>(message), lParam1, lParam2);
+}
+
+void AppletLibrary::Release::operator()(void* library) const {
+  static_cast<void>(::dlclose(library));
+}
+
+platform::Result<std::unique_ptr<AppletTalk>, QString> AppletTalk::Begin(
+    const AppletLibrary& library) {
+  if (library.Send(CplMessage::kInit) == 0) {
+    // A library that did not begin gets no message about an end.
+    return platform::Failure(qt::ToQString(resources::kDoesNotWantToStart));
+  }
+  std::unique_ptr<AppletTalk> talk(new AppletTalk(library));  // From here on there is an end.
+  const std::int32_t count = library.Send(CplMessage::kGetCount);
   if (count < 1 || count > kMostApplets) {
-    m_problem = Message(resources::kSaysThatItHolds).arg(count).toStdString();
-    return;
+    return platform::Failure(qt::ToQString(resources::kSaysThatItHolds).arg(count));
   }
-  m_answers.reserve(static_cast<std::size_t>(count));
+  talk->m_answers.reserve(static_cast<std::size_t>(count));
   for (int number = 0; number < count; ++number) {
-    m_answers.push_back(Ask(number));
+    talk->m_answers.push_back(talk->Ask(number));
   }
+  return talk;
 }
 
 AppletTalk::~AppletTalk() {
-  if (!m_hasBegun) {
-    return;  // A library that did not begin is not told of an end.
-  }
   for (std::size_t number = 0; number < m_answers.size(); ++number) {
     static_cast<void>(m_library.Send(CplMessage::kStop, static_cast<std::intptr_t>(number),
                                      m_answers[number].data));
@@ -81,7 +121,7 @@ AppletAnswer AppletTalk::Ask(int number) const {
   static_cast<void>(
       m_library.Send(CplMessage::kNewInquire, number, reinterpret_cast<std::intptr_t>(&info)));
   if (info.dwSize != sizeof(info)) {
-    return {};  // Another record than this, or none.
+    return {};  // The applet filled another record than this one, or none.
   }
   return {ReadName(info), ReadIcon(info.hIcon), info.lData};
 }

@@ -1,46 +1,71 @@
 #pragma once
 
+#include <QString>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "applet/control_panel.h"
-#include "host/panel/applet_library.h"
+#include "platform/result.h"
 
 namespace panel {
 
-/// What an applet told of itself.
+/// A loaded library of applets. The library is released, and its code is gone, with the object.
+class AppletLibrary {
+ public:
+  /// Loads the library at `path`. The error completes a sentence that begins with "This applet". It
+  /// says why the library cannot be loaded or is no applet, or that `path` is not a full path.
+  [[nodiscard]] static platform::Result<AppletLibrary, QString> Load(const std::string& path);
+
+  [[nodiscard]] std::int32_t Send(applet::CplMessage message, std::intptr_t lParam1 = 0,
+                                  std::intptr_t lParam2 = 0) const;
+
+ private:
+  struct Release {
+    void operator()(void* library) const;
+  };
+  using Handle = std::unique_ptr<void, Release>;
+
+  AppletLibrary(Handle handle, applet::CplAppletFunction function);
+
+  Handle m_handle;
+  applet::CplAppletFunction m_function;
+};
+
+/// What an applet says about itself.
 struct AppletAnswer {
-  std::u16string name;  ///< Empty where it gave none.
-  std::string icon;     ///< SVG; empty where it gave none that can be read.
+  std::u16string name;  ///< Empty if it gave none.
+  std::string icon;     ///< SVG; empty if it gave none that can be read.
   std::int32_t data = 0;
 };
 
-/// One conversation with a library, in the order in which a control panel holds it: begins it and
-/// asks for every applet when made, ends it when destroyed.
+/// One conversation with a library, in the order in which a control panel holds it. The object asks
+/// each applet when the conversation begins, and ends the conversation when it is destroyed.
 class AppletTalk {
  public:
-  explicit AppletTalk(const AppletLibrary& library);
+  /// Begins a conversation. `library` must live as long as it. The error says why the applets
+  /// cannot be used, in the form of AppletLibrary::Load.
+  [[nodiscard]] static platform::Result<std::unique_ptr<AppletTalk>, QString> Begin(
+      const AppletLibrary& library);
+
   AppletTalk(const AppletTalk&) = delete;
   AppletTalk& operator=(const AppletTalk&) = delete;
   ~AppletTalk();
 
-  /// Why the applets cannot be used; empty where they can.
-  [[nodiscard]] const std::string& GetProblem() const { return m_problem; }
-
-  /// One for each applet of the library.
+  /// Returns one answer for each applet of the library, at least one.
   [[nodiscard]] const std::vector<AppletAnswer>& GetAnswers() const { return m_answers; }
 
-  /// Shows an applet's window and returns when it was closed. `number` is below the count of
+  /// Shows an applet's window. Returns when the window is closed. `number` is an index of the
   /// answers.
   void Open(int number) const;
 
  private:
+  explicit AppletTalk(const AppletLibrary& library) : m_library(library) {}
+
   [[nodiscard]] AppletAnswer Ask(int number) const;
 
   const AppletLibrary& m_library;
-  std::string m_problem;
-  bool m_hasBegun = false;
   std::vector<AppletAnswer> m_answers;
 };
 

@@ -22,8 +22,8 @@ In the environment of the panel, for the voice dialer's applet:
   VOXTREL_SPEAKER       play into this wave file and not to the loudspeaker
   VOXTREL_ROOT          the folder of the voice tags and settings)";
 
-/// Code is loaded from a file that is named, so that the name must not mean another file in another
-/// folder.
+/// Code is loaded from the file. So its name must not mean another file if the current folder is
+/// another one.
 CLI::Validator FullPath(const std::string& wanted) {
   return {[wanted](const std::string& path) {
             return path.starts_with('/') ? std::string() : path + " is not " + wanted;
@@ -41,7 +41,8 @@ CLI::Validator InstalledNameOrFullPath() {
           ""};
 }
 
-/// Prints the help, the version, or what is wrong; the library quotes arguments as they are.
+/// Prints the help, the version, or what is wrong, and returns the exit code. The library quotes
+/// arguments as they are, so the text is made safe for a terminal.
 int ExplainUsage(const CLI::App& app, const CLI::ParseError& error) {
   std::ostringstream output;
   std::ostringstream errors;
@@ -73,7 +74,8 @@ std::variant<Arguments, int> ParseArguments(int argc, const char* const* argv) {
           ->type_name("FILE")
           ->check(InstalledNameOrFullPath())
           ->excludes(places);
-  // What follows is for programs: mostly the panel says it to itself.
+  // The options that follow are for programs, above all for the panel, which starts itself. The
+  // help does not show them.
   std::string inquired;
   app.add_option("--inquire", inquired)
       ->group("")

@@ -33,7 +33,7 @@ QPixmap Render(QSvgRenderer& renderer, int size) {
 
 QIcon IconOf(const QByteArray& svg) {
   if (!svg.contains("<svg")) {
-    return PlainIcon();  // Also keeps what is compressed from being unpacked without a limit.
+    return PlainIcon();  // A compressed picture too, since the library unpacks it without a limit.
   }
   QSvgRenderer renderer(svg);
   if (!renderer.isValid()) {

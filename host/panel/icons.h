@@ -5,14 +5,14 @@
 
 namespace panel {
 
-/// The icon of an applet's SVG in every size that is shown, or the plain icon where the bytes are
-/// no picture.
+/// Returns the icon of an applet's SVG in every size that is shown. Returns the plain icon if the
+/// bytes are no picture.
 [[nodiscard]] QIcon IconOf(const QByteArray& svg);
 
-/// For applets that have none.
+/// Returns the icon for applets that have none.
 [[nodiscard]] QIcon PlainIcon();
 
-/// The panel's own.
+/// Returns the panel's own icon.
 [[nodiscard]] QIcon PanelIcon();
 
 }  // namespace panel

@@ -1,22 +1,42 @@
 #pragma once
 
+#include <QByteArray>
 #include <QProcess>
 #include <QString>
 #include <QTimer>
 #include <chrono>
 #include <functional>
+#include <optional>
+#include <vector>
 
-#include "host/panel/report.h"
+#include "platform/result.h"
 
 namespace panel {
+
+/// What the panel shows of one applet.
+struct AppletReport {
+  QString name;     ///< Empty if the applet gave none.
+  QByteArray icon;  ///< SVG; empty for the plain icon.
+};
+
+/// What the process that asked a library reports to the panel: the applets, or the problem because
+/// of which they cannot be used. The problem completes a sentence that begins with "This applet".
+using LibraryReport = platform::Result<std::vector<AppletReport>, QString>;
+
+[[nodiscard]] QByteArray ToBytes(const LibraryReport& report);
+
+/// Returns the report in `bytes`. Returns nothing if they are no report, because the process ended
+/// early or wrote something else. Control characters in texts become blanks.
+[[nodiscard]] std::optional<LibraryReport> FromBytes(const QByteArray& bytes);
 
 /// Asks one library for its applets in a process of its own, since a library may crash or hang.
 class Inquiry {
  public:
-  /// Told once, from the event loop: the applets, or the problem.
+  /// Called once, from the event loop.
   using Answer = std::function<void(const LibraryReport& report)>;
 
-  /// `program` is the panel itself.
+  /// Starts the process. `program` is the panel itself. A library that gives no answer within
+  /// `limit` has a problem. The end of the object ends the process, and then there is no answer.
   Inquiry(const QString& program, const QString& library, std::chrono::milliseconds limit,
           Answer answer);
   Inquiry(const Inquiry&) = delete;

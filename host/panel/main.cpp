@@ -3,9 +3,8 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "host/panel/applet_process.h"
 #include "host/panel/arguments.h"
-#include "host/panel/inquiry_process.h"
-#include "host/panel/opener_process.h"
 #include "host/panel/panel_window.h"
 #include "host/panel/places.h"
 
@@ -13,9 +12,9 @@ namespace {
 
 constexpr int kNoDisplay = 1;
 
-/// Without a usable display the library ends the process as a crash would. Ends it in an orderly
-/// way instead, with words that help.
-void TellOfNoDisplay(QtMsgType type, const QMessageLogContext& /*context*/,
+/// Without a usable display Qt reports a fatal message and then aborts. This ends the process
+/// before that, with an exit code and a message that helps.
+void ReportNoDisplay(QtMsgType type, const QMessageLogContext& /*context*/,
                      const QString& /*text*/) {
   if (type != QtFatalMsg) {
     return;
@@ -57,7 +56,7 @@ int main(int argc, char** argv) {
     return panel::RunInquiry(arguments.applet);
   }
   int ownArguments = 1;  // The rest was the panel's.
-  const QtMessageHandler usual = qInstallMessageHandler(TellOfNoDisplay);
+  const QtMessageHandler usual = qInstallMessageHandler(ReportNoDisplay);
   const QApplication application(ownArguments, argv);
   qInstallMessageHandler(usual);
   QApplication::setApplicationName(QStringLiteral("voxtrel-panel"));
@@ -68,6 +67,6 @@ int main(int argc, char** argv) {
     case panel::Mode::kShow:
       return Show(arguments);
     default:
-      return 0;  // Got as far as here, so there is a display.
+      return 0;  // A probe that comes as far as this has found a display.
   }
 }

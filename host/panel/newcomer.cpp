@@ -1,20 +1,25 @@
 #include "host/panel/newcomer.h"
 
 #include <QDir>
+#include <QHBoxLayout>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QLabel>
+#include <QPushButton>
 #include <QStandardPaths>
+#include <QStyle>
+#include <QToolButton>
 #include <array>
 #include <utility>
 
-#include "host/panel/message.h"
+#include "backends/qt/strings.h"
 #include "host/panel/places.h"
 #include "resources/desktop_strings.h"
 
 namespace panel {
 namespace {
 
-/// Where contacts are read from that nobody has chosen.
+/// Returns the file that contacts are read from if the user has chosen none.
 QString DefaultContacts() {
   const QString root = qEnvironmentVariable("VOXTREL_ROOT");
   return (root.isEmpty() ? QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
@@ -23,7 +28,8 @@ QString DefaultContacts() {
          QStringLiteral("/contacts.vcf");
 }
 
-/// What the applet takes from the environment, as the command line takes it.
+/// Returns what the applet takes from the environment in the form in which the command line takes
+/// it. So both look at the same machine.
 QStringList StatusArguments() {
   QStringList arguments{QStringLiteral("--json")};
   constexpr std::array<std::pair<const char*, const char*>, 3> kOptions{
@@ -55,15 +61,16 @@ std::optional<Equipment> ParseEquipment(const QByteArray& json) {
 
 QString DescribeMissing(const Equipment& equipment) {
   QStringList lines;
+  // "There are no ..." is a new machine. Any other problem comes from a choice that the user made.
   const bool isChoiceAtFault = !equipment.contactsProblem.isEmpty() &&
                                !equipment.contactsProblem.startsWith(QLatin1String("there are no"));
   if (equipment.contacts == 0 && isChoiceAtFault) {
-    lines.append(Message(resources::kNoContactsRead).arg(equipment.contactsProblem));
+    lines.append(qt::ToQString(resources::kNoContactsRead).arg(equipment.contactsProblem));
   } else if (equipment.contacts == 0) {
-    lines.append(Message(resources::kNoContacts).arg(DefaultContacts()));
+    lines.append(qt::ToQString(resources::kNoContacts).arg(DefaultContacts()));
   }
   if (equipment.microphones == 0) {
-    lines.append(Message(resources::kNoMicrophone));
+    lines.append(qt::ToQString(resources::kNoMicrophone));
   }
   return lines.join(QLatin1Char('\n'));
 }
@@ -89,6 +96,41 @@ EquipmentCheck::~EquipmentCheck() {
     m_process.kill();
     m_process.waitForFinished();
   }
+}
+
+NoticeBar::NoticeBar(QWidget* parent)
+    : QFrame(parent), m_text(new QLabel(this)), m_button(new QPushButton(this)) {
+  setFrameShape(QFrame::StyledPanel);
+  setAccessibleName(tr("What is missing"));
+  m_text->setWordWrap(true);
+  m_text->setTextFormat(Qt::PlainText);
+  m_text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+  m_text->setObjectName(QStringLiteral("noticeText"));
+  m_button->setObjectName(QStringLiteral("noticeAction"));
+  auto* const close = new QToolButton(this);
+  close->setAutoRaise(true);
+  close->setIcon(style()->standardIcon(QStyle::SP_TitleBarCloseButton));
+  close->setAccessibleName(tr("Hide"));
+  close->setToolTip(tr("Hide"));
+  connect(close, &QToolButton::clicked, this, &QWidget::hide);
+
+  auto* const layout = new QHBoxLayout(this);
+  layout->addWidget(m_text, 1);
+  layout->addWidget(m_button);
+  layout->addWidget(close, 0, Qt::AlignTop);
+  hide();
+}
+
+void NoticeBar::Show(const QString& text, const QString& button,
+                     const std::function<void()>& action) {
+  m_text->setText(text);
+  m_button->disconnect(this);
+  m_button->setVisible(action != nullptr);
+  m_button->setText(button);
+  if (action) {
+    connect(m_button, &QPushButton::clicked, this, action);
+  }
+  setVisible(!text.isEmpty());
 }
 
 std::vector<Sample> FindSamples() {

@@ -4,12 +4,13 @@
 #include <QPushButton>
 #include <utility>
 
-#include "host/panel/message.h"
+#include "backends/qt/strings.h"
 #include "resources/desktop_strings.h"
 
 namespace panel {
 namespace {
 
+/// The same applet in other surroundings is another one: it may be open twice.
 QString KeyOf(const AppletChoice& choice) {
   return choice.library + QLatin1Char('\n') + QString::number(choice.number) + QLatin1Char('\n') +
          choice.environment.join(QLatin1Char('\n'));
@@ -37,11 +38,11 @@ void OpenApplets::Open(const AppletChoice& choice) {
   const auto found = m_open.find(key);
   if (found != m_open.end()) {
     found->second.applet->Raise();
-    m_events.told(Message(resources::kIsOpenAlready).arg(choice.name));
+    m_events.status(qt::ToQString(resources::kIsOpenAlready).arg(choice.name));
     return;
   }
-  const QString opening = Message(resources::kOpening).arg(choice.name);
-  m_events.told(opening);
+  const QString opening = qt::ToQString(resources::kOpening).arg(choice.name);
+  m_events.status(opening);
   OpenedApplet::Events events;
   events.ended = [this, key](Ending ending, const QString& message) {
     OnEnd(key, ending, message);
@@ -58,7 +59,7 @@ void OpenApplets::Open(const AppletChoice& choice) {
 }
 
 void OpenApplets::OnEnd(const QString& key, Ending ending, const QString& message) {
-  // Its own event is under way: the object goes when that is over.
+  // This is an event of the object, so the object is released when the event is over.
   const auto finish = [this, key, ending, message] {
     const auto found = m_open.find(key);
     if (found->second.question != nullptr) {
@@ -66,7 +67,7 @@ void OpenApplets::OnEnd(const QString& key, Ending ending, const QString& messag
     }
     const AppletChoice choice = found->second.choice;
     m_open.erase(found);
-    Tell(choice, ending, message);
+    ReportEnd(choice, ending, message);
     if (m_open.empty()) {
       m_events.allClosed();
     }
@@ -74,29 +75,30 @@ void OpenApplets::OnEnd(const QString& key, Ending ending, const QString& messag
   QMetaObject::invokeMethod(&m_context, finish, Qt::QueuedConnection);
 }
 
-void OpenApplets::Tell(const AppletChoice& choice, Ending ending, const QString& message) {
+void OpenApplets::ReportEnd(const AppletChoice& choice, Ending ending, const QString& message) {
   switch (ending) {
     case Ending::kClosed:
-      m_events.told(message);
+      m_events.status(message);
       break;
     case Ending::kFailed:
-      // Without words of its own it has told the user all before it ended.
-      m_events.told(message.isEmpty() ? Message(resources::kHasEndedEarly).arg(choice.name)
-                                      : message);
+      // An applet that leaves no message has shown its own before it ended.
+      m_events.status(message.isEmpty() ? qt::ToQString(resources::kHasEndedEarly).arg(choice.name)
+                                        : message);
       if (!message.isEmpty()) {
         ShowProblem(choice.name, message);
       }
       break;
     case Ending::kCrashed:
-      m_events.told(Message(resources::kHasCrashed).arg(choice.name));
-      ShowProblem(choice.name, Message(resources::kHasCrashedAndWasClosed).arg(choice.name));
+      m_events.status(qt::ToQString(resources::kHasCrashed).arg(choice.name));
+      ShowProblem(choice.name, qt::ToQString(resources::kHasCrashedAndWasClosed).arg(choice.name));
       break;
     case Ending::kStopped:
-      m_events.told(Message(resources::kWasClosed).arg(choice.name));
+      m_events.status(qt::ToQString(resources::kWasClosed).arg(choice.name));
       break;
     case Ending::kNotStarted:
-      m_events.told(Message(resources::kCannotBeOpened).arg(choice.name));
-      ShowProblem(choice.name, Message(resources::kCannotBeOpenedSince).arg(choice.name, message));
+      m_events.status(qt::ToQString(resources::kCannotBeOpened).arg(choice.name));
+      ShowProblem(choice.name,
+                  qt::ToQString(resources::kCannotBeOpenedSince).arg(choice.name, message));
       break;
   }
 }
@@ -110,9 +112,9 @@ void OpenApplets::ShowProblem(const QString& name, const QString& text) {
 void OpenApplets::OnSilence(const QString& key) {
   Entry& entry = m_open[key];
   const QString& name = entry.choice.name;
-  m_events.told(Message(resources::kDoesNotAnswer).arg(name));
-  QMessageBox* const box =
-      MakeBox(m_window, QMessageBox::Question, name, Message(resources::kWaitOrClose).arg(name));
+  m_events.status(qt::ToQString(resources::kDoesNotAnswer).arg(name));
+  QMessageBox* const box = MakeBox(m_window, QMessageBox::Question, name,
+                                   qt::ToQString(resources::kWaitOrClose).arg(name));
   QPushButton* const wait = box->addButton(QObject::tr("&Wait"), QMessageBox::RejectRole);
   QPushButton* const close = box->addButton(QObject::tr("&Close it"), QMessageBox::DestructiveRole);
   box->setDefaultButton(wait);
@@ -135,7 +137,7 @@ void OpenApplets::OnSilence(const QString& key) {
 
 void OpenApplets::OnAliveAgain(const QString& key) {
   Entry& entry = m_open[key];
-  m_events.told(Message(resources::kAnswersAgain).arg(entry.choice.name));
+  m_events.status(qt::ToQString(resources::kAnswersAgain).arg(entry.choice.name));
   if (entry.question != nullptr) {
     entry.question->close();
   }

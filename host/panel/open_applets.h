@@ -14,25 +14,27 @@ class QMessageBox;
 
 namespace panel {
 
-/// Which applet is to be opened, and in what surroundings.
+/// The applet to open, and its surroundings.
 struct AppletChoice {
   QString library;
   int number = 0;
   QString name;
-  QStringList environment;  ///< "NAME=value", beside the panel's own.
+  QStringList environment;  ///< "NAME=value", added to the panel's own.
 };
 
-/// The applets that are open. Tells the user how each of them fares.
+/// The applets that are open, each at most once. Reports to the user how each of them fares: in the
+/// status line, and in a box if something went wrong or an applet does not answer.
 class OpenApplets {
  public:
   struct Settings {
     QString program;                       ///< The panel itself.
-    std::chrono::milliseconds patience{};  ///< Without a sign of life.
+    std::chrono::milliseconds patience{};  ///< How long an applet may go without a sign of life.
   };
   struct Events {
-    std::function<void(const QString& text)> told;  ///< For the status line.
-    /// What was told at the opening of an applet is no longer so: its window is there.
-    std::function<void(const QString& told)> shown;
+    std::function<void(const QString& text)> status;  ///< A text for the status line.
+    /// An applet's window is there. So `text`, which the status line got at its opening, is no
+    /// longer true.
+    std::function<void(const QString& text)> shown;
     std::function<void()> allClosed;
   };
 
@@ -41,7 +43,7 @@ class OpenApplets {
   OpenApplets& operator=(const OpenApplets&) = delete;
   ~OpenApplets();
 
-  /// Opens the applet, or brings its window to the front where it is open.
+  /// Opens the applet, or brings its window to the front if it is open.
   void Open(const AppletChoice& choice);
 
   [[nodiscard]] bool IsAnyOpen() const { return !m_open.empty(); }
@@ -50,20 +52,20 @@ class OpenApplets {
   struct Entry {
     AppletChoice choice;
     std::unique_ptr<OpenedApplet> applet;
-    QMessageBox* question = nullptr;  ///< Whether to wait; null where it is not asked.
+    QMessageBox* question = nullptr;  ///< "Wait or close?" Null if it is not asked.
   };
 
   void OnEnd(const QString& key, Ending ending, const QString& message);
   void OnSilence(const QString& key);
   void OnAliveAgain(const QString& key);
-  void Tell(const AppletChoice& choice, Ending ending, const QString& message);
+  void ReportEnd(const AppletChoice& choice, Ending ending, const QString& message);
   void ShowProblem(const QString& name, const QString& text);
 
   QWidget& m_window;
   Settings m_settings;
   Events m_events;
   std::map<QString, Entry> m_open;
-  QObject m_context;  ///< Calls that wait for the event loop end with it.
+  QObject m_context;  ///< With it end the calls that wait for the event loop.
 };
 
 }  // namespace panel

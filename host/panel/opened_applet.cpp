@@ -2,15 +2,18 @@
 
 #include <QFileInfo>
 #include <QProcessEnvironment>
+#include <algorithm>
 #include <cstdio>
 #include <string>
 #include <utility>
 
 #include "backends/text/printable.h"
-#include "host/panel/opener_protocol.h"
 
 namespace panel {
 namespace {
+
+/// A limit for the memory that a line without an end can take. No user has to read more.
+constexpr qsizetype kLongestLine = 4096;
 
 QProcessEnvironment EnvironmentWith(const QStringList& additions) {
   QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -23,9 +26,39 @@ QProcessEnvironment EnvironmentWith(const QStringList& additions) {
 
 }  // namespace
 
+ErrorLines::ErrorLines(QByteArray prefix, PassOn passOn)
+    : m_prefix(std::move(prefix)), m_passOn(std::move(passOn)) {}
+
+void ErrorLines::Take(const QByteArray& bytes) {
+  for (qsizetype begin = 0; begin < bytes.size();) {
+    const qsizetype end = bytes.indexOf('\n', begin);
+    const qsizetype length = (end < 0 ? bytes.size() : end) - begin;
+    m_begun += bytes.mid(begin, std::min(length, kLongestLine - m_begun.size()));
+    begin += length;
+    if (end >= 0) {
+      TakeLine(std::exchange(m_begun, {}));
+      ++begin;
+    }
+  }
+}
+
+void ErrorLines::End() {
+  if (!m_begun.isEmpty()) {
+    TakeLine(std::exchange(m_begun, {}));
+  }
+}
+
+void ErrorLines::TakeLine(const QByteArray& line) {
+  if (line.startsWith(m_prefix)) {
+    m_message = QString::fromUtf8(line.mid(m_prefix.size()));
+  } else {
+    m_passOn(line);
+  }
+}
+
 OpenedApplet::OpenedApplet(const Start& start, Events events)
     : m_events(std::move(events)),
-      // A message that standard error does not take changes nothing.
+      // If standard error does not take a line, nothing changes.
       m_errors(QFileInfo(start.library).fileName().toUtf8() + ": ", [](const QByteArray& line) {
         const std::string shown =
             text::Printable({line.constData(), static_cast<std::size_t>(line.size())}) + '\n';

@@ -17,8 +17,6 @@
 
 #include "backends/qt/strings.h"
 #include "host/panel/icons.h"
-#include "host/panel/message.h"
-#include "host/panel/notice_bar.h"
 #include "host/panel/places.h"
 #include "resources/desktop_strings.h"
 
@@ -33,7 +31,7 @@ constexpr int kDescriptionRole = Qt::UserRole + 2;
 constexpr int kIconSize = 48;
 constexpr QSize kGrid(136, 104);
 
-/// The applet that the samples are for.
+/// The samples are made for this applet.
 const QLatin1String kDialerApplet("voxtrel.cpl");
 
 }  // namespace
@@ -42,8 +40,8 @@ PanelWindow::PanelWindow(Settings settings)
     : m_settings(std::move(settings)),
       m_applets(*this, {m_settings.program, m_settings.patience},
                 {[this](const QString& text) { m_status->setText(text); },
-                 [this](const QString& told) {
-                   if (m_status->text() == told) {
+                 [this](const QString& text) {
+                   if (m_status->text() == text) {
                      m_status->clear();
                    }
                  },
@@ -119,8 +117,8 @@ void PanelWindow::BuildMenus() {
   QAction* const contents = help->addAction(tr("&Voice dialer help"), this, [this] {
     const QString page = FindData(QStringLiteral("help/ZedraVoxtrelPE_help.htm"));
     if (page.isEmpty() || !QDesktopServices::openUrl(QUrl::fromLocalFile(page))) {
-      m_status->setText(page.isEmpty() ? Message(resources::kHelpNotInstalled)
-                                       : Message(resources::kNoBrowserShows).arg(page));
+      m_status->setText(page.isEmpty() ? qt::ToQString(resources::kHelpNotInstalled)
+                                       : qt::ToQString(resources::kNoBrowserShows).arg(page));
     }
   });
   contents->setShortcut(QKeySequence::HelpContents);
@@ -146,7 +144,7 @@ void PanelWindow::Refresh() {
   const QStringList libraries = FindApplets(m_settings.places);
   for (const QString& library : libraries) {
     QListWidgetItem* const item = AddItem(library, 0, QFileInfo(library).completeBaseName());
-    item->setData(kDescriptionRole, Message(resources::kIsBeingAsked).arg(library));
+    item->setData(kDescriptionRole, qt::ToQString(resources::kIsBeingAsked).arg(library));
     m_inquiries.push_back(std::make_unique<Inquiry>(
         m_settings.program, library, m_settings.inquiryLimit,
         [this, library](const LibraryReport& report) { ShowApplets(library, report); }));
@@ -154,7 +152,8 @@ void PanelWindow::Refresh() {
   if (m_list->count() > 0) {
     m_list->setCurrentRow(0);
   }
-  m_empty->setText(Message(resources::kNoApplets).arg(m_settings.places.join(QLatin1Char('\n'))));
+  m_empty->setText(
+      qt::ToQString(resources::kNoApplets).arg(m_settings.places.join(QLatin1Char('\n'))));
   m_centre->setCurrentIndex(libraries.isEmpty() ? 1 : 0);
   m_open->setEnabled(!libraries.isEmpty());
   m_samples->menuAction()->setVisible(!m_samples->isEmpty() &&
@@ -170,6 +169,9 @@ QListWidgetItem* PanelWindow::AddItem(const QString& library, int number, const 
   return item;
 }
 
+/// Until its library has answered, an applet has one item, which bears the file's name. The answer
+/// changes that item into the first applet and adds one for each other, next to the end of the
+/// list.
 void PanelWindow::ShowApplets(const QString& library, const LibraryReport& report) {
   QListWidgetItem* first = nullptr;
   for (int row = 0; row < m_list->count() && first == nullptr; ++row) {
@@ -182,15 +184,17 @@ void PanelWindow::ShowApplets(const QString& library, const LibraryReport& repor
     item->setToolTip(qt::AsToolTip(text));
     item->setData(Qt::AccessibleDescriptionRole, text);
   };
-  if (!report.problem.isEmpty()) {
-    describe(first, Message(resources::kAppletProblem).arg(report.problem, library));
+  if (!report) {
+    describe(first, qt::ToQString(resources::kAppletProblem).arg(report.error(), library));
+    DescribeCurrent();
+    return;
   }
-  for (std::size_t i = 0; i < report.applets.size(); ++i) {
-    const AppletReport& applet = report.applets[i];
+  for (std::size_t i = 0; i < report->size(); ++i) {
+    const AppletReport& applet = (*report)[i];
     const int number = static_cast<int>(i);
     QListWidgetItem* const item = i == 0 ? first : AddItem(library, number, first->text());
     if (applet.name.isEmpty()) {
-      describe(item, Message(resources::kAppletGivesNoName).arg(library));
+      describe(item, qt::ToQString(resources::kAppletGivesNoName).arg(library));
     } else {
       item->setText(applet.name);
       describe(item, library);
@@ -228,11 +232,11 @@ void PanelWindow::OnEquipment(const Equipment& equipment) {
   const QString missing = DescribeMissing(equipment);
   const std::vector<Sample> samples = FindSamples();
   if (missing.isEmpty() || !m_samples->menuAction()->isVisible() || samples.empty()) {
-    m_notice->Tell(missing, {}, nullptr);
+    m_notice->Show(missing, {}, nullptr);
     return;
   }
   const Sample& sample = samples.front();
-  m_notice->Tell(missing + QLatin1Char('\n') +
+  m_notice->Show(missing + QLatin1Char('\n') +
                      tr("Until then you can try it with sample contacts and a recording of the "
                         "name “%1” as the microphone.")
                          .arg(sample.name),

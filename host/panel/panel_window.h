@@ -20,15 +20,13 @@ class QStackedWidget;
 
 namespace panel {
 
-class NoticeBar;
-
-/// The control panel: a grid of icons, one for each applet.
+/// The control panel: a grid of icons, one for each applet. It runs no code of an applet itself.
 class PanelWindow : public QMainWindow {
  public:
   struct Settings {
-    QString program;      ///< This program, which is started once more for each applet.
-    QStringList places;   ///< Where applets are looked for.
-    QString commandLine;  ///< Tells what the machine has; empty: nothing is told.
+    QString program;      ///< This program, which is started again for each applet.
+    QStringList places;   ///< The applets, and the folders of applets, to show.
+    QString commandLine;  ///< Asked what the machine has; empty if nobody is asked.
     std::chrono::milliseconds inquiryLimit{10'000};
     std::chrono::milliseconds patience{15'000};
   };
@@ -36,7 +34,7 @@ class PanelWindow : public QMainWindow {
   explicit PanelWindow(Settings settings);
   ~PanelWindow() override;
 
-  /// Looks for the applets anew and asks each of them.
+  /// Looks for the applets again and asks each of them.
   void Refresh();
 
  protected:

@@ -5,22 +5,23 @@
 
 namespace panel {
 
-// All are found from where the program is installed, so that the whole can be moved, or in the
-// build that it is part of; never from the current folder.
+// All are found from the place of this program, in an installation or in a build. So an
+// installation can be moved. The current folder never counts.
 
-/// The folder that holds the installed applets.
+/// Returns the folder that holds the installed applets.
 [[nodiscard]] QString AppletFolder();
 
-/// The applets that `places` are or hold, each once; those of a folder by name.
+/// Returns the applets that `places` are or hold, each once. Those of a folder are in the order of
+/// their names.
 [[nodiscard]] QStringList FindApplets(const QStringList& places);
 
-/// The file that `--open` means: that of a full path, else an installed applet.
+/// Returns the file that `--open` means: that of a full path, else an installed applet.
 [[nodiscard]] QString FindApplet(const QString& name);
 
-/// A file or folder of share/voxtrel, or empty if it is not there.
+/// Returns the path of a file or folder of share/voxtrel. Returns an empty text if it is not there.
 [[nodiscard]] QString FindData(const QString& name);
 
-/// The command line that belongs to this panel, or empty.
+/// Returns the command line that belongs to this panel. Returns an empty text if there is none.
 [[nodiscard]] QString FindCommandLine();
 
 }  // namespace panel

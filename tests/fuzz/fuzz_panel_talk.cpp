@@ -8,8 +8,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "host/panel/error_lines.h"
-#include "host/panel/report.h"
+#include "host/panel/inquiry.h"
+#include "host/panel/opened_applet.h"
 #include "tests/fuzz/require.h"
 
 namespace {
@@ -23,17 +23,19 @@ void ReadReport(const QByteArray& bytes) {
   if (!report) {
     return;
   }
-  Require(IsShown(report->problem), "a problem is on one line");
-  qsizetype told = report->problem.size();
-  for (const panel::AppletReport& applet : report->applets) {
+  const QString problem = report->has_value() ? QString() : report->error();
+  const auto applets = report->value_or(std::vector<panel::AppletReport>());
+  Require(IsShown(problem), "a problem is on one line");
+  qsizetype told = problem.size();
+  for (const panel::AppletReport& applet : applets) {
     Require(IsShown(applet.name), "a name is on one line");
     told += applet.name.size() + applet.icon.size();
   }
   Require(told <= bytes.size(), "a report holds no more than was written");
   const auto again = panel::FromBytes(panel::ToBytes(*report));
-  Require(
-      again && again->problem == report->problem && again->applets.size() == report->applets.size(),
-      "what was read can be written and read");
+  Require(again && again->has_value() == report->has_value() &&
+              (*again ? (**again).size() == applets.size() : again->error() == problem),
+          "what was read can be written and read");
 }
 
 struct Heard {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/host/panel/panel_fixture.h"
+#include "tests/support/results.h"
 
 namespace {
 
@@ -10,19 +11,16 @@ using panel::AppletLibrary;
 using panel::AppletTalk;
 using panel_test::Applet;
 using panel_test::AppletTrace;
+using support::ErrorOf;
 
-std::unique_ptr<AppletLibrary> Load(const char* fault) {
-  std::string problem;
-  std::unique_ptr<AppletLibrary> library =
-      AppletLibrary::Load(Applet(fault).toStdString(), problem);
-  EXPECT_TRUE(library) << problem;
+platform::Result<AppletLibrary, QString> Load(const char* fault) {
+  auto library = AppletLibrary::Load(Applet(fault).toStdString());
+  EXPECT_EQ(ErrorOf(library), std::nullopt);
   return library;
 }
 
 std::string LoadingProblem(const QString& path) {
-  std::string problem;
-  EXPECT_FALSE(AppletLibrary::Load(path.toStdString(), problem));
-  return problem;
+  return ErrorOf(AppletLibrary::Load(path.toStdString())).value_or(QString()).toStdString();
 }
 
 TEST(AppletLibrary, IsNoneWithoutTheEntryFunction) {
@@ -38,8 +36,9 @@ TEST(AppletTalk, HoldsTheMessagesInTheOrderOfAControlPanel) {
   const AppletTrace trace;
   const auto library = Load("good");
   {
-    const AppletTalk talk(*library);
-    talk.Open(1);
+    const auto talk = AppletTalk::Begin(*library);
+    ASSERT_EQ(ErrorOf(talk), std::nullopt);
+    (*talk)->Open(1);
   }
   // The number of the message, the applet's number, its data.
   EXPECT_EQ(trace.Lines(), QStringList({"1 0 0", "2 0 0", "8 0 record", "8 1 record", "5 1 101",
@@ -48,32 +47,34 @@ TEST(AppletTalk, HoldsTheMessagesInTheOrderOfAControlPanel) {
 
 TEST(AppletTalk, TellsNameIconAndDataOfEveryApplet) {
   const auto library = Load("good");
-  const AppletTalk talk(*library);
-  ASSERT_EQ(talk.GetAnswers().size(), 2U);
-  EXPECT_EQ(talk.GetAnswers()[0].name, u"Beta");
-  EXPECT_EQ(talk.GetAnswers()[1].name, u"Alpha");
-  EXPECT_TRUE(talk.GetAnswers()[1].icon.starts_with("<svg"));
-  EXPECT_EQ(talk.GetAnswers()[1].data, 101);
+  const auto talk = AppletTalk::Begin(*library);
+  ASSERT_EQ(ErrorOf(talk), std::nullopt);
+  ASSERT_EQ((*talk)->GetAnswers().size(), 2U);
+  EXPECT_EQ((*talk)->GetAnswers()[0].name, u"Beta");
+  EXPECT_EQ((*talk)->GetAnswers()[1].name, u"Alpha");
+  EXPECT_TRUE((*talk)->GetAnswers()[1].icon.starts_with("<svg"));
+  EXPECT_EQ((*talk)->GetAnswers()[1].data, 101);
 }
 
 TEST(AppletTalk, SaysNothingMoreToALibraryThatDoesNotWantToStart) {
   const AppletTrace trace;
   const auto library = Load("refuses");
-  EXPECT_EQ(AppletTalk(*library).GetProblem(), "refuses to start");
+  EXPECT_EQ(ErrorOf(AppletTalk::Begin(*library)), QStringLiteral("refuses to start"));
   EXPECT_EQ(trace.Lines(), QStringList({"1 0 0"}));
 }
 
 TEST(AppletTalk, EndsAfterACountThatMakesNoSense) {
   const AppletTrace trace;
   const auto library = Load("odd-count");
-  EXPECT_EQ(AppletTalk(*library).GetProblem(), "says that it has -5 applets");
+  EXPECT_EQ(ErrorOf(AppletTalk::Begin(*library)), QStringLiteral("says that it has -5 applets"));
   EXPECT_EQ(trace.Lines(), QStringList({"1 0 0", "2 0 0", "7 0 0"}));
 }
 
 TEST(AppletTalk, ReadsANameThatFillsItsField) {
   const auto library = Load("odd-texts");
-  const AppletTalk talk(*library);
-  const std::u16string& name = talk.GetAnswers()[0].name;
+  const auto talk = AppletTalk::Begin(*library);
+  ASSERT_EQ(ErrorOf(talk), std::nullopt);
+  const std::u16string& name = (*talk)->GetAnswers()[0].name;
   ASSERT_EQ(name.size(), 32U);
   EXPECT_EQ(name.front(), u'Q');
   EXPECT_EQ(name.back(), u'Z');
@@ -81,16 +82,18 @@ TEST(AppletTalk, ReadsANameThatFillsItsField) {
 
 TEST(AppletTalk, TakesNothingFromARecordOfAnotherSize) {
   const auto library = Load("other-record");
-  const AppletTalk talk(*library);
-  EXPECT_TRUE(talk.GetAnswers()[0].name.empty());
-  EXPECT_TRUE(talk.GetAnswers()[0].icon.empty());
+  const auto talk = AppletTalk::Begin(*library);
+  ASSERT_EQ(ErrorOf(talk), std::nullopt);
+  EXPECT_TRUE((*talk)->GetAnswers()[0].name.empty());
+  EXPECT_TRUE((*talk)->GetAnswers()[0].icon.empty());
 }
 
-TEST(AppletTalk, HasNoIconBehindAHandleOfNothing) {
+TEST(AppletTalk, HasNoIconIfItsHandleIsOfNothing) {
   const auto library = Load("no-icon");
-  const AppletTalk talk(*library);
-  EXPECT_EQ(talk.GetAnswers()[0].name, u"Beta");
-  EXPECT_TRUE(talk.GetAnswers()[0].icon.empty());
+  const auto talk = AppletTalk::Begin(*library);
+  ASSERT_EQ(ErrorOf(talk), std::nullopt);
+  EXPECT_EQ((*talk)->GetAnswers()[0].name, u"Beta");
+  EXPECT_TRUE((*talk)->GetAnswers()[0].icon.empty());
 }
 
 }  // namespace

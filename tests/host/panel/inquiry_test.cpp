@@ -3,12 +3,65 @@
 #include <gtest/gtest.h>
 
 #include <optional>
+#include <vector>
 
 #include "tests/host/panel/panel_fixture.h"
+#include "tests/support/results.h"
 
 namespace {
 
+using panel::FromBytes;
+using panel::ToBytes;
+using panel_test::Applet;
 using std::chrono::milliseconds;
+using support::ErrorOf;
+
+std::vector<panel::AppletReport> MakeApplets() {
+  return {{QStringLiteral("Ångström"), QByteArray("<svg/>")}, {QString(), QByteArray()}};
+}
+
+panel::LibraryReport MakeProblem() { return platform::Failure(QStringLiteral("a problem")); }
+
+TEST(LibraryReport, ComesBackFromItsBytes) {
+  const auto report = FromBytes(ToBytes(MakeApplets()));
+  ASSERT_TRUE(report && *report);
+  const std::vector<panel::AppletReport>& applets = **report;
+  ASSERT_EQ(applets.size(), 2U);
+  EXPECT_EQ(applets[0].name, QStringLiteral("Ångström"));
+  EXPECT_EQ(applets[0].icon, QByteArray("<svg/>"));
+  EXPECT_TRUE(applets[1].name.isEmpty());
+  const auto problem = FromBytes(ToBytes(MakeProblem()));
+  ASSERT_TRUE(problem);
+  EXPECT_EQ(ErrorOf(*problem), QStringLiteral("a problem"));
+}
+
+TEST(LibraryReport, IsNoneWhereverItIsCutOff) {
+  for (const QByteArray& bytes : {ToBytes(MakeApplets()), ToBytes(MakeProblem())}) {
+    for (qsizetype count = 0; count < bytes.size(); ++count) {
+      EXPECT_FALSE(FromBytes(bytes.left(count))) << count;
+    }
+  }
+}
+
+TEST(LibraryReport, IsNoneWithMoreAfterIt) {
+  EXPECT_FALSE(FromBytes(ToBytes(MakeApplets()) + 'x'));
+  EXPECT_FALSE(FromBytes(ToBytes(MakeProblem()) + 'x'));
+}
+
+TEST(LibraryReport, IsNoneOfAnythingElse) {
+  EXPECT_FALSE(FromBytes("noise on standard output\n"));
+  EXPECT_FALSE(FromBytes(QByteArray(64, '\xff')));
+}
+
+TEST(LibraryReport, HasNoControlCharactersInItsTexts) {
+  const QString unsafe = QStringLiteral("A\a\nB\u202e");
+  const auto report = FromBytes(ToBytes(std::vector<panel::AppletReport>{{unsafe, {}}}));
+  ASSERT_TRUE(report && *report);
+  EXPECT_EQ((**report)[0].name, QStringLiteral("A B"));
+  const auto problem = FromBytes(ToBytes(platform::Failure(unsafe)));
+  ASSERT_TRUE(problem);
+  EXPECT_EQ(ErrorOf(*problem), QStringLiteral("A B"));
+}
 
 panel::LibraryReport Ask(const QString& library, const QString& program = panel_test::Program(),
                          milliseconds limit = std::chrono::minutes(1)) {
@@ -16,47 +69,44 @@ panel::LibraryReport Ask(const QString& library, const QString& program = panel_
   const panel::Inquiry inquiry(program, library, limit,
                                [&](const panel::LibraryReport& answer) { report = answer; });
   EXPECT_TRUE(panel_test::Until([&] { return report.has_value(); }));
-  return report.value_or(panel::LibraryReport{});
+  return report.value_or(platform::Failure(QStringLiteral("no report")));
 }
 
 TEST(Inquiry, TellsTheAppletsOfALibraryWhateverItPrints) {
-  const panel::LibraryReport report = Ask(panel_test::Applet("good"));
-  EXPECT_TRUE(report.problem.isEmpty());
-  ASSERT_EQ(report.applets.size(), 2U);
-  EXPECT_EQ(report.applets[0].name, QStringLiteral("Beta"));
-  EXPECT_TRUE(report.applets[0].icon.startsWith("<svg"));
+  const panel::LibraryReport report = Ask(Applet("good"));
+  ASSERT_EQ(ErrorOf(report), std::nullopt);
+  ASSERT_EQ(report->size(), 2U);
+  EXPECT_EQ((*report)[0].name, QStringLiteral("Beta"));
+  EXPECT_TRUE((*report)[0].icon.startsWith("<svg"));
 }
 
 TEST(Inquiry, SurvivesALibraryThatCrashes) {
-  EXPECT_EQ(Ask(panel_test::Applet("crash-at-inquire")).problem,
-            QStringLiteral("crashes when it is asked"));
+  EXPECT_EQ(ErrorOf(Ask(Applet("crash-at-inquire"))), QStringLiteral("crashes when it is asked"));
 }
 
 TEST(Inquiry, SurvivesALibraryThatEndsItsProcess) {
-  EXPECT_EQ(Ask(panel_test::Applet("ends-at-inquire")).problem,
-            QStringLiteral("ends when it is asked"));
+  EXPECT_EQ(ErrorOf(Ask(Applet("ends-at-inquire"))), QStringLiteral("ends when it is asked"));
 }
 
 TEST(Inquiry, GivesUpOnALibraryThatHangs) {
-  EXPECT_EQ(
-      Ask(panel_test::Applet("hang-at-inquire"), panel_test::Program(), milliseconds(1)).problem,
-      QStringLiteral("does not answer"));
+  EXPECT_EQ(ErrorOf(Ask(Applet("hang-at-inquire"), panel_test::Program(), milliseconds(1))),
+            QStringLiteral("does not answer"));
 }
 
 TEST(Inquiry, TellsWhyAFileIsNoApplet) {
-  EXPECT_EQ(Ask(panel_test::Applet("no-entry")).problem,
-            QStringLiteral("is no applet: it has no CPlApplet"));
+  EXPECT_EQ(ErrorOf(Ask(Applet("no-entry"))), QStringLiteral("is no applet: it has no CPlApplet"));
 }
 
 TEST(Inquiry, TellsThatItCannotBeMade) {
-  EXPECT_TRUE(Ask(panel_test::Applet("good"), QStringLiteral("/no/such/program"))
-                  .problem.startsWith(QStringLiteral("cannot be asked: ")));
+  const panel::LibraryReport report = Ask(Applet("good"), QStringLiteral("/no/such/program"));
+  ASSERT_FALSE(report);
+  EXPECT_TRUE(report.error().startsWith(QStringLiteral("cannot be asked: ")));
 }
 
 TEST(Inquiry, CanBeGivenUpWhileTheLibraryHangs) {
   bool isAnswered = false;
   {
-    const panel::Inquiry inquiry(panel_test::Program(), panel_test::Applet("hang-at-inquire"),
+    const panel::Inquiry inquiry(panel_test::Program(), Applet("hang-at-inquire"),
                                  std::chrono::minutes(1),
                                  [&](const panel::LibraryReport&) { isAnswered = true; });
   }

@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <optional>
+#include <vector>
 
 #include "tests/host/panel/panel_fixture.h"
 
@@ -14,7 +15,42 @@ using panel_test::Applet;
 using panel_test::AppletTrace;
 using panel_test::Until;
 
-/// An applet that is open, and what it told.
+class ErrorLines : public testing::Test {
+ protected:
+  std::vector<QByteArray> m_passedOn;
+  panel::ErrorLines m_lines{"fox.cpl: ",
+                            [this](const QByteArray& line) { m_passedOn.push_back(line); }};
+};
+
+TEST_F(ErrorLines, KeepsTheLastLineThatIsMeantForTheUserAndPassesTheOthersOn) {
+  m_lines.Take("Qt: a warning\nfox.cpl: first\nfox.c");
+  m_lines.Take("pl: last\nmore");
+  EXPECT_EQ(m_lines.GetMessage(), QStringLiteral("last"));
+  EXPECT_EQ(m_passedOn, std::vector<QByteArray>{"Qt: a warning"});
+  m_lines.End();
+  EXPECT_EQ(m_passedOn.back(), "more");
+}
+
+TEST_F(ErrorLines, OfALineOnlyTheFirst4096BytesCountInWhateverPiecesItArrives) {
+  const QByteArray line = "fox.cpl: " + QByteArray(5000, 'x') + "fox.cpl: not a line of its own";
+  for (const qsizetype piece : {line.size(), qsizetype{4097}, qsizetype{1000}, qsizetype{1}}) {
+    for (qsizetype at = 0; at < line.size(); at += piece) {
+      m_lines.Take(line.mid(at, piece));
+    }
+    m_lines.Take("\n");
+    EXPECT_EQ(m_lines.GetMessage(), QString(4096 - 9, QLatin1Char('x'))) << piece;
+  }
+  EXPECT_TRUE(m_passedOn.empty());
+}
+
+TEST_F(ErrorLines, WithoutAnyLineThereIsNoMessage) {
+  m_lines.Take("");
+  m_lines.End();
+  EXPECT_TRUE(m_lines.GetMessage().isEmpty());
+  EXPECT_TRUE(m_passedOn.empty());
+}
+
+/// An applet that is open, and what it reported.
 class Opened {
  public:
   explicit Opened(const char* fault, std::chrono::milliseconds patience = std::chrono::minutes(1),
@@ -103,7 +139,7 @@ TEST(OpenedApplet, MayEndItsProcess) {
   EXPECT_TRUE(opened.GetMessage().isEmpty());
 }
 
-TEST(OpenedApplet, TellsTheUserWhatStandsBehindItsName) {
+TEST(OpenedApplet, TellsTheUserWhatFollowsItsName) {
   testing::internal::CaptureStderr();
   Opened opened("says-at-open");
   EXPECT_EQ(opened.WaitForEnd(), Ending::kClosed);

@@ -14,7 +14,6 @@
 #include <QTextDocument>
 
 #include "host/panel/icons.h"
-#include "host/panel/notice_bar.h"
 #include "tests/host/panel/panel_fixture.h"
 
 namespace {
