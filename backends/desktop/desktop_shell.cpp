@@ -85,7 +85,7 @@ DesktopShell::DesktopShell(platform::Threads& threads, Options options)
 
 void DesktopShell::StartProgram(std::u16string_view program, std::u16string_view commandLine) {
   if (program != kHelpViewer) {
-    m_options.tell(std::u16string(resources::kNoSuchProgram).append(program));
+    m_options.report(std::u16string(resources::kNoSuchProgram).append(program));
     return;
   }
   const HelpPage page = m_help.Find(text::ToHostName(commandLine));
@@ -96,7 +96,7 @@ void DesktopShell::Execute(std::u16string_view verb, std::u16string_view file,
                            std::u16string_view parameters) {
   std::string address = text::ToUtf8(parameters);
   if (verb != kOpenVerb || file != kBrowser || !IsSite(address)) {
-    m_options.tell(std::u16string(resources::kNotOpenedHere).append(parameters));
+    m_options.report(std::u16string(resources::kNotOpenedHere).append(parameters));
     return;
   }
   Open(address, address);
@@ -119,7 +119,7 @@ void DesktopShell::Open(std::string url, std::string shownName) {
 
 void DesktopShell::OpenNow(const std::string& url, const std::string& shownName) const {
   if (!OpenInBrowser(m_options.environment, url, m_options.patience)) {
-    m_options.tell(std::u16string(resources::kNoWebBrowser) + text::FromHostName(shownName));
+    m_options.report(std::u16string(resources::kNoWebBrowser) + text::FromHostName(shownName));
   }
 }
 

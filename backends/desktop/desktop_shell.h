@@ -34,7 +34,7 @@ struct HelpFolders {
 };
 
 /// Says something to the user in a few words. Called on a thread of the shell.
-using Tell = std::function<void(std::u16string_view text)>;
+using Report = std::function<void(std::u16string_view text)>;
 
 /// The device's help viewer and browser on a Linux desktop. Both are the user's browser, which gets
 /// the place within the page, too. What may take a moment is done on threads of the shell's own,
@@ -44,7 +44,7 @@ class DesktopShell final : public platform::Shell {
   struct Options {
     Environment environment;
     std::vector<std::string> helpFolders;  ///< Best first.
-    Tell tell;
+    Report report;
     /// How long a program is watched for a failure.
     std::chrono::milliseconds patience{2000};
   };

@@ -47,8 +47,8 @@ std::u16string IdentityOf(const platform::SerialDevice& device) {
   return u"node " + device.node;
 }
 
-/// Returns what tells the device from others of its serial number. Returns an empty text if nothing
-/// does.
+/// Returns an identity that differs from those of other devices with the same serial number.
+/// Returns an empty text if there is none.
 std::u16string IdentityWithSocket(const platform::SerialDevice& device) {
   return device.serial.empty() || device.path.empty()
              ? std::u16string()

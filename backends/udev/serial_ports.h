@@ -16,7 +16,7 @@ inline constexpr std::u16string_view kKnownPortsKey = u"Drivers\\Serial ports";
 
 /// Makes the active drivers of the registry the serial ports that the machine has now. The same
 /// port has the same name each time, and the name of one that was unplugged is given to no other.
-/// Where the ports cannot be told or the store does not take all of it, everything stays as it was.
+/// If the ports cannot be listed, or the store does not take all of it, everything stays as it was.
 [[nodiscard]] platform::Result<void, platform::RegistryError> PublishSerialPorts(
     platform::Registry& registry, platform::SerialDevices& devices);
 
@@ -36,7 +36,7 @@ void SortByNode(std::vector<platform::SerialDevice>& devices);
 ///
 /// Some makers give one serial number to several devices. If two of them are there, the socket is
 /// added, and such a device keeps that identity while the others are away. A number that `numbers`
-/// has for the serial number alone then goes to the first of them. Ports that nothing tells apart
+/// has for the serial number alone then goes to the first of them. Ports that look the same
 /// are counted, so no two have one identity.
 [[nodiscard]] std::vector<std::u16string> IdentitiesOf(
     const std::vector<platform::SerialDevice>& devices, PortNumbers& numbers);

@@ -25,8 +25,8 @@ inline constexpr int kFileNotOpened = -1;
 /// The code in words for the user.
 [[nodiscard]] std::string ExplainHeaderCode(int code);
 
-/// Why nothing was played, in words that tell the user where to look, and with `code`, an
-/// audio::PlayCode other than kPlayed.
+/// Returns why nothing was played, in words and with `code`. The words say what the user should
+/// look at. `code` is an audio::PlayCode other than kPlayed.
 [[nodiscard]] std::string ExplainPlayCode(const Session& session, int code);
 
 /// Why nothing was recorded, in words. `code` is an audio::RecordCode other than kRecorded. Returns

@@ -18,7 +18,7 @@ constexpr std::uint32_t kStep = 100;
 
 double ToSeconds(std::uint32_t milliseconds) { return milliseconds / 1000.0; }
 
-/// Not fmt::print, which throws where the terminal is gone.
+/// Not fmt::print, which throws if the terminal is gone.
 void DrawText(const std::string& text) {
   static_cast<void>(std::fwrite(text.data(), 1, text.size(), stderr));
   std::fflush(stderr);

@@ -44,7 +44,7 @@ class QuickScope {
 
 /// A clock for one recording, which is a sleep of its length: shows on the terminal how far that
 /// has come. The line appears when the microphone is open and not before, so that nobody speaks
-/// too early. Shows nothing where standard error is no terminal.
+/// too early. Shows nothing if standard error is no terminal.
 class ProgressClock final : public platform::Clock {
  public:
   /// `clock` and `label` outlive this. The label stands before the bar.

@@ -58,7 +58,7 @@ class DesktopShell : public FakeDesktop {
       desktop::DesktopShell::Options options;
       options.environment = desktop::ReadEnvironment();
       options.helpFolders = {Path("help")};
-      options.tell = [&](std::u16string_view text) {
+      options.report = [&](std::u16string_view text) {
         const std::lock_guard lock(mutex);
         told << text::ToUtf8(text) << std::endl;
       };
@@ -80,7 +80,7 @@ class DesktopShell : public FakeDesktop {
   [[nodiscard]] std::string PageUrl(const std::string& rest = "") const {
     return "file://" + Path("help/ZedraVoxtrelPE_help.htm") + rest;
   }
-  /// What the user was told.
+  /// The messages that the user saw.
   [[nodiscard]] Words Told() const { return LinesOf("told"); }
 };
 

@@ -64,7 +64,7 @@ TEST_F(TagsLearnCommand, WithoutAKindTakesTheNumberThatStandsFirst) {
   const auto run = Run({"--microphone", m_sample, "tags", "learn", "--contact", "Ann Lee"});
   EXPECT_EQ(run.exitCode, 0) << run.err;
   EXPECT_EQ(run.out, "Learned: Ann Lee 555 99 H\n");
-  // A file needs nobody to tell it when to speak.
+  // Nobody speaks if a file takes the place of the microphone.
   EXPECT_THAT(run.err, Not(HasSubstr("Say the name now")));
   // Without a loudspeaker the tag is learned all the same.
   EXPECT_THAT(run.err, HasSubstr("The recording was not played: the loudspeaker could not be"));
