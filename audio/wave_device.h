@@ -9,8 +9,7 @@
 
 #include "platform/file_system.h"
 #include "platform/platform.h"
-#include "platform/wave_format.h"
-#include "platform/wave_out.h"
+#include "platform/wave_devices.h"
 
 namespace audio {
 

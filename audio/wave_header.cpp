@@ -4,7 +4,7 @@
 #include <span>
 #include <string_view>
 
-#include "platform/little_endian.h"
+#include "platform/file_system.h"
 
 namespace audio {
 namespace {

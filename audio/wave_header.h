@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "platform/wave_format.h"
+#include "platform/wave_devices.h"
 
 namespace audio {
 

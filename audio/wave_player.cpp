@@ -6,12 +6,11 @@
 #include <exception>
 #include <limits>
 #include <new>
-#include <optional>
 #include <span>
 
 #include "audio/wave_device.h"
 #include "audio/wave_header.h"
-#include "platform/little_endian.h"
+#include "platform/file_system.h"
 
 namespace audio {
 
@@ -50,20 +49,21 @@ PlayCode CheckHeader(std::span<const std::byte> view) {
   return Number16At(view, 20) == platform::kFormatTagPcm ? kPlayed : kSoundNotPcm;
 }
 
-/// Returns the samples, which follow the first "data" id of the whole file. Returns nothing if
-/// there is no such id, or if it claims more bytes than the file has. Bytes after the samples are
-/// none of them.
-std::optional<std::span<const std::byte>> FindData(std::span<const std::byte> view) {
+/// Returns the samples, which follow the first "data" id of the whole file. Fails with kSoundNoData
+/// if there is no such id, or if it claims more bytes than the file has. Bytes after the samples
+/// are none of them.
+platform::Result<std::span<const std::byte>, PlayCode> FindData(std::span<const std::byte> view) {
   for (std::size_t at = 0; at + kChunkHeaderBytes <= view.size(); at += kSearchStep) {
     if (HasIdAt(view, at, "data")) {
       const std::uint32_t length = Number32At(view, at + 4);
       const auto rest = view.subspan(at + kChunkHeaderBytes);
-      return length <= view.size()
-                 ? std::optional(rest.first(std::min<std::size_t>(length, rest.size())))
-                 : std::nullopt;
+      if (length > view.size()) {
+        break;
+      }
+      return rest.first(std::min<std::size_t>(length, rest.size()));
     }
   }
-  return std::nullopt;
+  return platform::Failure(kSoundNoData);
 }
 
 platform::WaveFormat ReadFormat(std::span<const std::byte> view) {

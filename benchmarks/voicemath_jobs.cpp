@@ -161,7 +161,7 @@ std::vector<Way> TestDialog() {
   return {{"product",
            [prepared] {
              std::array<voicemath::Neighbour, kTags> nearest;
-             voicemath::FindNearest(*prepared, nearest);
+             static_cast<void>(voicemath::FindNearest(*prepared, nearest));
              Keep(nearest);
            }},
           {"literal", [words] { Keep(SearchEveryRow(*words)); }}};

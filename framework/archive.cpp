@@ -4,7 +4,7 @@
 #include <array>
 #include <bit>
 
-#include "platform/little_endian.h"
+#include "platform/file_system.h"
 
 namespace framework {
 

@@ -61,9 +61,8 @@ class Check {
   explicit Check(std::span<const std::byte> file) : m_reader(file) {}
 
   std::vector<Finding> Run() {
-    LanguageLine line;
-    while (m_reader.Next(line)) {
-      CheckLine(line);
+    while (const auto line = m_reader.Next()) {
+      CheckLine(*line);
     }
     for (const resources::LanguageKey& row : resources::kLanguageKeys) {
       if (m_lines.contains(std::u16string(row.key))) {

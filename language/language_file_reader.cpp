@@ -39,11 +39,11 @@ LanguageFileReader::LanguageFileReader(std::span<const std::byte> file) : m_next
   m_limit = file.size() < kTailBytes ? 0 : (file.size() - kTailBytes + 1) / 2;
 }
 
-bool LanguageFileReader::Next(LanguageLine& line) {
+std::optional<LanguageLine> LanguageFileReader::Next() {
   if (m_isAtEnd) {
-    return false;
+    return std::nullopt;
   }
-  line = Parse(m_next);
+  LanguageLine line = Parse(m_next);
   const std::size_t end = FindLineEnd(m_next);
   m_isAtEnd = end >= m_limit;
   line.number = m_lineNumber;
@@ -51,7 +51,7 @@ bool LanguageFileReader::Next(LanguageLine& line) {
   m_lineNumber +=
       1 + static_cast<std::size_t>(std::count(line.whole.begin(), line.whole.end(), u'\n'));
   m_next = end + 2;
-  return true;
+  return line;
 }
 
 LanguageLine LanguageFileReader::Parse(std::size_t start) const {

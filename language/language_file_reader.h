@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -40,8 +41,8 @@ class LanguageFileReader {
   /// Whether the bytes begin as a language file must; no line is read from one that does not.
   [[nodiscard]] bool IsAccepted() const { return m_isAccepted; }
 
-  /// Stores the next line in `line`; false behind the last one.
-  [[nodiscard]] bool Next(LanguageLine& line);
+  /// Returns the next line. Returns nothing after the last one.
+  [[nodiscard]] std::optional<LanguageLine> Next();
 
  private:
   [[nodiscard]] LanguageLine Parse(std::size_t start) const;

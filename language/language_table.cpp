@@ -69,12 +69,10 @@ void LanguageTable::LoadFrom(
 void LanguageTable::LoadFrom(std::span<const std::byte> file) {
   m_entries.clear();
   LanguageFileReader reader(file);
-  LanguageLine line;
-  while (m_entries.size() < kMaxEntries && reader.Next(line)) {
-    if (line.kind != LineKind::kEntry) {
-      continue;
+  for (auto line = reader.Next(); line && m_entries.size() < kMaxEntries; line = reader.Next()) {
+    if (line->kind == LineKind::kEntry) {
+      m_entries.push_back({std::u16string(line->key), std::u16string(line->text)});
     }
-    m_entries.push_back({std::u16string(line.key), std::u16string(line.text)});
   }
 }
 

@@ -49,7 +49,7 @@ void ComparisonDialog::Work() {
     }
     return !m_isGone;
   });
-  if (m_found.isComplete) {
+  if (m_found) {
     EndDialog(framework::kIdOk);
   }
 }

@@ -19,7 +19,7 @@ class ComparisonDialog final : public framework::CDialog {
   ComparisonDialog(const platform::Platform& platform,
                    const voicemath::CVoiceMathematics& mathematics, std::int32_t count);
 
-  /// What was found, if the dialog ended with framework::kIdOk.
+  /// Returns what was found. There is something if the dialog ended with framework::kIdOk.
   [[nodiscard]] const FoundNeighbours& GetFound() const { return m_found; }
 
   bool OnInitDialog() override;
@@ -39,7 +39,7 @@ class ComparisonDialog final : public framework::CDialog {
   const std::int32_t m_count;
   std::unique_ptr<platform::Thread> m_worker;
   std::atomic<bool> m_isGone = false;
-  FoundNeighbours m_found;
+  FoundNeighbours m_found = platform::Failure(voicemath::SearchStopped{});
 };
 
 }  // namespace maintenance

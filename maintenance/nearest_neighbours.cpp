@@ -8,15 +8,15 @@ namespace maintenance {
 FoundNeighbours FindNearest(const voicemath::CVoiceMathematics& mathematics, std::int32_t count,
                             const voicemath::SearchWatch& watch) {
   std::vector<voicemath::Neighbour> found(static_cast<std::size_t>(std::max(count, 0)));
-  if (!mathematics.FindNearest(found, watch)) {
-    return {};
+  if (const auto searched = mathematics.FindNearest(found, watch); !searched) {
+    return platform::Failure(searched.error());
   }
-  FoundNeighbours all{.isComplete = true, .nearest = {}};
-  all.nearest.reserve(found.size());
+  std::vector<Neighbour> nearest;
+  nearest.reserve(found.size());
   for (const voicemath::Neighbour& each : found) {
-    all.nearest.push_back(each.index < 0 ? Neighbour() : Neighbour{each.index, each.distance});
+    nearest.push_back(each.index < 0 ? Neighbour() : Neighbour{each.index, each.distance});
   }
-  return all;
+  return nearest;
 }
 
 NeighbourTable ToTable(std::span<const Neighbour> nearest, std::span<const std::int32_t> tags) {

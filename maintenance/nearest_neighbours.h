@@ -5,6 +5,7 @@
 #include <span>
 #include <vector>
 
+#include "platform/result.h"
 #include "voicemath/voice_mathematics.h"
 
 namespace maintenance {
@@ -18,14 +19,11 @@ struct Neighbour {
   float distance = 100.0F;  ///< Where the search starts: beyond every distance there is.
 };
 
-struct FoundNeighbours {
-  bool isComplete = false;  ///< False if the search was stopped; nothing is known then.
-  std::vector<Neighbour> nearest;
-};
+using FoundNeighbours = platform::Result<std::vector<Neighbour>, voicemath::SearchStopped>;
 
-/// The nearest other one for each of the slots 0 to `count` - 1 of the mathematics, the one that is
-/// searched for standing first in the comparison; of several at the same distance the one with the
-/// lowest index. `watch` may stop the search.
+/// Finds the nearest other one for each of the slots 0 to `count` - 1 of the mathematics. The slot
+/// that is looked at comes first in the comparison. Of several at the same distance the one with
+/// the lowest index counts. `watch` may stop the search.
 [[nodiscard]] FoundNeighbours FindNearest(const voicemath::CVoiceMathematics& mathematics,
                                           std::int32_t count,
                                           const voicemath::SearchWatch& watch = {});

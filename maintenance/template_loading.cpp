@@ -14,12 +14,13 @@ namespace maintenance {
 
 static_assert(voicemath::CVoiceMathematics::kStoredSlots == storage::kMaxTags);
 
-LoadedTemplates TemplateLoader::Load(const storage::TagTable& tags) {
+platform::Result<LoadedTemplates, ProcessEnded> TemplateLoader::Load(
+    const storage::TagTable& tags) {
   m_loaded = {};
-  if (tags.tagCount == 0) {
-    LoadFolder();
-  } else {
+  if (tags.tagCount != 0) {
     LoadTags(tags);
+  } else if (const auto loaded = LoadFolder(); !loaded) {
+    return platform::Failure(loaded.error());
   }
   return std::move(m_loaded);
 }
@@ -38,14 +39,13 @@ void TemplateLoader::LoadTags(const storage::TagTable& tags) {
   }
 }
 
-void TemplateLoader::LoadFolder() {
+platform::Result<void, ProcessEnded> TemplateLoader::LoadFolder() {
   const storage::TagStore store(m_platform.files, m_platform.registry);
   const auto search = store.FindRecordings();
   if (!search) {
     m_platform.ui.ShowMessage(platform::ApplicationBox(language::NoVoiceTagsMessage(m_texts)));
-    m_loaded.hasProcessEnded = true;
     m_platform.process.End(0);
-    return;
+    return platform::Failure(ProcessEnded{});
   }
   auto found = (*search)->Next();
   for (std::int32_t tag = 0; (!found || *found) && tag < storage::kMaxTags;) {
@@ -64,6 +64,7 @@ void TemplateLoader::LoadFolder() {
     }
     found = (*search)->Next();
   }
+  return {};
 }
 
 bool TemplateLoader::LoadTemplate(std::int32_t tag, const std::u16string& wavePath,

@@ -17,27 +17,31 @@ struct LoadedTemplates {
   std::vector<std::u16string> wavePaths;  ///< By tag: its recording; empty without a template.
   std::vector<std::int32_t> unread;       ///< Tags with a name and without a readable template.
   bool hasNamelessTags = false;           ///< Some records of the tag table are empty.
-  bool hasProcessEnded = false;           ///< A message was shown: the caller must leave at once.
 };
+
+/// Why nothing was loaded: the user was shown a message and the process has been ended. Seen only
+/// in a host that ends just the applet; the caller must leave at once.
+struct ProcessEnded {};
 
 /// Loads templates into the speech mathematics, for a comparison.
 ///
-/// A template that cannot be read takes no slot. So slot and tag have the same number where nothing
-/// is wrong, and the slots in use have no gaps in any case.
+/// A template that cannot be read takes no slot. So slot and tag have the same number if nothing is
+/// wrong, and the slots in use have no gaps in any case.
 class TemplateLoader {
  public:
   TemplateLoader(const platform::Platform& platform, language::Texts texts,
                  voicemath::CVoiceMathematics& mathematics)
       : m_platform(platform), m_texts(texts), m_mathematics(mathematics) {}
 
-  /// The templates of the tags; where there are none, those of all recordings in the wave folder.
-  /// Without any recording that tells the user how to make one, and ends the process.
-  [[nodiscard]] LoadedTemplates Load(const storage::TagTable& tags);
+  /// Loads the templates of the tags. If there are no tags, loads those of all recordings in the
+  /// wave folder. If there are no recordings either, shows the user how to make one and ends the
+  /// process.
+  [[nodiscard]] platform::Result<LoadedTemplates, ProcessEnded> Load(const storage::TagTable& tags);
 
  private:
   void LoadTags(const storage::TagTable& tags);
-  void LoadFolder();
-  /// False where the template cannot be read; nothing has changed then.
+  [[nodiscard]] platform::Result<void, ProcessEnded> LoadFolder();
+  /// Returns false if the template cannot be read. Nothing has changed then.
   [[nodiscard]] bool LoadTemplate(std::int32_t tag, const std::u16string& wavePath,
                                   std::u16string_view templatePath);
 

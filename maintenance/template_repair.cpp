@@ -17,35 +17,35 @@ bool HasTemplateFolder(platform::FileSystem& files) {
 
 }  // namespace
 
-std::string_view Describe(RepairResult result) {
-  switch (result) {
-    case RepairResult::kNoRecording:
+std::string_view Describe(RepairError error) {
+  switch (error) {
+    case RepairError::kNoRecording:
       return "the recording is missing or cannot be processed";
-    case RepairResult::kNoFolder:
+    case RepairError::kNoFolder:
       return "the folder Voxtrel_stor is missing and cannot be made";
-    case RepairResult::kNotWritten:
+    case RepairError::kNotWritten:
       return "the template cannot be written; there is no room on the device, another program has "
              "the file open, or it may not be written";
-    case RepairResult::kDone:
-      break;
   }
   return {};
 }
 
-RepairResult RepairTemplate(const platform::Platform& platform, std::u16string_view tagName) {
+platform::Result<void, RepairError> RepairTemplate(const platform::Platform& platform,
+                                                   std::u16string_view tagName) {
   voicemath::CVoiceMathematics mathematics(platform.files, platform.ui);
   mathematics.m_wavePath = storage::WavePath(tagName);
   // Not LearnFile, which would trim the recording.
   if (mathematics.ReadFile(0) != voicemath::kLearned) {
-    return RepairResult::kNoRecording;
+    return platform::Failure(RepairError::kNoRecording);
   }
   const std::u16string path = storage::TemplatePath(tagName);
   static_cast<void>(platform.files.Delete(path));
   if (!voicemath::WriteTemplateFile(platform.files, path, mathematics)) {
     static_cast<void>(platform.files.Delete(path));
-    return HasTemplateFolder(platform.files) ? RepairResult::kNotWritten : RepairResult::kNoFolder;
+    return platform::Failure(HasTemplateFolder(platform.files) ? RepairError::kNotWritten
+                                                               : RepairError::kNoFolder);
   }
-  return RepairResult::kDone;
+  return {};
 }
 
 }  // namespace maintenance

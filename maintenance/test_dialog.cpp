@@ -56,10 +56,13 @@ std::u16string TestDialog::Compare() {
   const storage::TagTable& tags = m_page->GetTags();
   voicemath::CVoiceMathematics& mathematics = m_page->GetMathematics();
   TemplateLoader loader(m_platform, m_texts, mathematics);
-  const LoadedTemplates loaded = loader.Load(tags);
-  const auto count = static_cast<std::int32_t>(loaded.tags.size());
+  const auto loaded = loader.Load(tags);
+  if (!loaded) {
+    return {};  // The process has ended.
+  }
+  const auto count = static_cast<std::int32_t>(loaded->tags.size());
   FoundNeighbours found = FindNearest(mathematics, count, ForASecond(m_platform.clock));
-  if (!found.isComplete) {
+  if (!found) {
     wait.reset();
     ComparisonDialog box(m_platform, mathematics, count);
     if (box.DoModal() != framework::kIdOk) {
@@ -68,9 +71,9 @@ std::u16string TestDialog::Compare() {
     wait.emplace(m_platform.ui);
     found = box.GetFound();
   }
-  m_lines = ToTestLines(tags, loaded, found.nearest);
+  m_lines = ToTestLines(tags, *loaded, *found);
   ShowLines();
-  return UnreadTagsMessage(tags, loaded);
+  return UnreadTagsMessage(tags, *loaded);
 }
 
 void TestDialog::ShowLines() {

@@ -8,8 +8,7 @@
 #include "platform/shell.h"
 #include "platform/threads.h"
 #include "platform/ui.h"
-#include "platform/wave_in.h"
-#include "platform/wave_out.h"
+#include "platform/wave_devices.h"
 
 namespace platform {
 

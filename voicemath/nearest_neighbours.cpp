@@ -18,8 +18,7 @@ class NeighbourSearch {
                   const SearchWatch& watch)
       : m_templates(templates), m_nearest(nearest), m_watch(watch) {}
 
-  /// False if the watch said stop.
-  [[nodiscard]] bool Run() {
+  [[nodiscard]] platform::Result<void, SearchStopped> Run() {
     for (std::size_t i = 0; i < m_templates.size(); ++i) {
       m_nearest[i] = {.index = m_templates.size() < 2 ? -1
                                : i == 0               ? 1
@@ -38,7 +37,10 @@ class NeighbourSearch {
         Compare(i, j);
       }
     }
-    return !m_isStopped;
+    if (m_isStopped) {
+      return platform::Failure(SearchStopped{});
+    }
+    return {};
   }
 
  private:
@@ -143,8 +145,9 @@ class NeighbourSearch {
 
 }  // namespace
 
-bool FindNearest(std::span<const PreparedTemplate> templates, std::span<Neighbour> nearest,
-                 const SearchWatch& watch) {
+platform::Result<void, SearchStopped> FindNearest(std::span<const PreparedTemplate> templates,
+                                                  std::span<Neighbour> nearest,
+                                                  const SearchWatch& watch) {
   return NeighbourSearch(templates, nearest, watch).Run();
 }
 

@@ -5,6 +5,7 @@
 #include <functional>
 #include <span>
 
+#include "platform/result.h"
 #include "voicemath/prepared_template.h"
 #include "voicemath/template_distance.h"
 
@@ -17,6 +18,9 @@ inline constexpr std::size_t kMostTemplates = 100;
 /// on. May be empty.
 using SearchWatch = std::function<bool(double)>;
 
+/// Why a search found nothing: its watch said stop.
+struct SearchStopped {};
+
 /// The template that is most easily confused with another one.
 struct Neighbour {
   std::int32_t index = -1;        ///< -1 only if there is no other template.
@@ -26,9 +30,10 @@ struct Neighbour {
 /// Finds for each template the nearest other one. Of several at the same distance it is the one
 /// with the lowest index; if all are kMaxDistance away, the first other one. The template whose
 /// neighbour is looked for is the first argument of TemplateDistance. `nearest` is as long as
-/// `templates`, at most kMostTemplates. Returns false if `watch` said stop; `nearest` then means
-/// nothing.
-bool FindNearest(std::span<const PreparedTemplate> templates, std::span<Neighbour> nearest,
-                 const SearchWatch& watch = {});
+/// `templates`, at most kMostTemplates. After a failure `nearest` means nothing; there is none
+/// without a `watch`.
+[[nodiscard]] platform::Result<void, SearchStopped> FindNearest(
+    std::span<const PreparedTemplate> templates, std::span<Neighbour> nearest,
+    const SearchWatch& watch = {});
 
 }  // namespace voicemath

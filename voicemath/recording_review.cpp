@@ -2,9 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 
 #include "audio/wave_header.h"
-#include "platform/little_endian.h"
+#include "platform/file_system.h"
 #include "voicemath/sample_file.h"
 
 namespace voicemath {
@@ -12,24 +13,26 @@ namespace {
 
 constexpr std::uint64_t kRateOffset = 24;
 
-std::optional<std::uint32_t> ReadRate(framework::CFile& file) {
+using platform::Failure;
+using platform::FileError;
+using platform::Result;
+
+Result<std::uint32_t, FileError> ReadRate(framework::CFile& file) {
   std::array<std::byte, 4> bytes{};
-  if (!ReadAt(file, kRateOffset, bytes)) {
-    return std::nullopt;
-  }
-  return platform::LoadLittleEndian32(bytes);
+  return ReadAt(file, kRateOffset, bytes).map([&](std::size_t) {
+    return platform::LoadLittleEndian32(bytes);
+  });
 }
 
-/// Whether the samples from `offset` on, as far as the file holds them, are all alike. Returns
-/// nothing if they cannot be read.
-std::optional<bool> AreAllAlike(framework::CFile& file, std::uint64_t offset,
-                                std::uint32_t samples) {
+/// Whether the samples from `offset` on, as far as the file holds them, are all alike.
+Result<bool, FileError> AreAllAlike(framework::CFile& file, std::uint64_t offset,
+                                    std::uint32_t samples) {
   SampleBuffer<kFrameSamples> buffer;
   std::optional<std::int16_t> first;
   for (std::size_t done = 0; done < samples; done += kFrameSamples) {
     const auto bytes = ReadAt(file, offset + done * kSampleBytes, buffer.Bytes());
     if (!bytes) {
-      return std::nullopt;
+      return Failure(bytes.error());
     }
     const std::size_t count = std::min(samples - done, *bytes / kSampleBytes);
     const auto read = buffer.Decode().first(count);
@@ -46,16 +49,17 @@ std::optional<bool> AreAllAlike(framework::CFile& file, std::uint64_t offset,
   return true;
 }
 
-std::optional<RecordingReview> ReviewOpened(CVoiceMathematics& mathematics, bool findsSpeech) {
+Result<RecordingReview, ReviewError> ReviewOpened(CVoiceMathematics& mathematics,
+                                                  bool findsSpeech) {
   if (mathematics.OpenWaveData() != kHeaderAccepted) {
-    return std::nullopt;
+    return Failure(ReviewError::kHeaderRefused);
   }
   RecordingReview review;
   review.samples = mathematics.m_dataBytes / static_cast<std::uint32_t>(kSampleBytes);
   const auto rate = ReadRate(mathematics.m_file);
   const auto isSilent = AreAllAlike(mathematics.m_file, mathematics.m_dataOffset, review.samples);
   if (!rate || !isSilent || (findsSpeech && !mathematics.DetectSpeechBounds())) {
-    return std::nullopt;
+    return Failure(ReviewError::kNotRead);
   }
   review.rate = *rate;
   review.segment = {mathematics.m_firstSample, mathematics.m_lastSample};
@@ -72,9 +76,10 @@ std::optional<RecordingReview> ReviewOpened(CVoiceMathematics& mathematics, bool
 
 }  // namespace
 
-std::optional<RecordingReview> ReviewRecording(CVoiceMathematics& mathematics, bool findsSpeech) {
+Result<RecordingReview, ReviewError> ReviewRecording(CVoiceMathematics& mathematics,
+                                                     bool findsSpeech) {
   if (!mathematics.m_file.Open(mathematics.m_wavePath, framework::CFile::modeRead)) {
-    return std::nullopt;
+    return Failure(ReviewError::kNotOpened);
   }
   auto review = ReviewOpened(mathematics, findsSpeech);
   mathematics.m_file.Close();

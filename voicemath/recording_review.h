@@ -1,8 +1,7 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
-
+#include "platform/result.h"
 #include "voicemath/endpoint_detector.h"
 #include "voicemath/voice_mathematics.h"
 
@@ -29,10 +28,17 @@ struct RecordingReview {
   bool isSpeechTooLate = false;
 };
 
+/// Why there is no review of a recording.
+enum class ReviewError : std::uint8_t {
+  kNotOpened,
+  kHeaderRefused,  ///< CVoiceMathematics::OpenWaveData did not accept it.
+  kNotRead,
+};
+
 /// Looks at the recording `mathematics.m_wavePath` as LearnFile does if `findsSpeech`, otherwise as
 /// ProcessFile does. The recording is opened only for reading and closed again. Changes no file and
-/// no slot. Returns nothing if the recording cannot be opened or read, or its header is refused.
-[[nodiscard]] std::optional<RecordingReview> ReviewRecording(CVoiceMathematics& mathematics,
-                                                             bool findsSpeech);
+/// no slot.
+[[nodiscard]] platform::Result<RecordingReview, ReviewError> ReviewRecording(
+    CVoiceMathematics& mathematics, bool findsSpeech);
 
 }  // namespace voicemath

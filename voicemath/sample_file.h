@@ -7,7 +7,7 @@
 #include <span>
 
 #include "framework/file.h"
-#include "platform/little_endian.h"
+#include "platform/file_system.h"
 
 namespace voicemath {
 

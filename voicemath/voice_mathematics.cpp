@@ -118,7 +118,8 @@ float CVoiceMathematics::CompareTemplates(std::int32_t a, std::int32_t b) const 
                           m_prepared[static_cast<std::size_t>(b)]);
 }
 
-bool CVoiceMathematics::FindNearest(std::span<Neighbour> nearest, const SearchWatch& watch) const {
+platform::Result<void, SearchStopped> CVoiceMathematics::FindNearest(
+    std::span<Neighbour> nearest, const SearchWatch& watch) const {
   const std::size_t slots = std::min(nearest.size(), kStoredSlots);
   return voicemath::FindNearest(std::span(m_prepared).first(slots), nearest.first(slots), watch);
 }
@@ -128,7 +129,8 @@ std::int32_t CVoiceMathematics::ComputeThresholds() {
   if (m_count > 1) {
     std::array<Neighbour, kStoredSlots> nearest;
     const std::size_t stored = GetStoredCount();
-    FindNearest(std::span(nearest).first(stored));
+    // Nobody watches, so nobody stops it.
+    static_cast<void>(FindNearest(std::span(nearest).first(stored)));
     for (std::size_t slot = 0; slot < stored; ++slot) {
       const float distance = nearest[slot].distance;
       const float share = distance / static_cast<float>(m_count);

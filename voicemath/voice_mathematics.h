@@ -102,9 +102,10 @@ class CVoiceMathematics : public framework::CObject {
   /// Finds for each of the slots from 0 on, as many as `nearest` has places for and at most
   /// kStoredSlots, the one of them with the smallest distance, that slot being the first argument
   /// of CompareTemplates; of several the lowest. The same as comparing all with all, and much
-  /// faster. Places after those are left as they are. Returns false if `watch` said stop; `nearest`
-  /// then means nothing.
-  bool FindNearest(std::span<Neighbour> nearest, const SearchWatch& watch = {}) const;
+  /// faster. Places after those are left as they are. After a failure `nearest` means nothing;
+  /// there is none without a `watch`.
+  [[nodiscard]] platform::Result<void, SearchStopped> FindNearest(
+      std::span<Neighbour> nearest, const SearchWatch& watch = {}) const;
 
   /// Fills `m_thresholds` from the nearest neighbours of the stored templates. Returns `m_count`.
   std::int32_t ComputeThresholds();

@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "audio/wave_header.h"
-#include "platform/little_endian.h"
+#include "platform/file_system.h"
 #include "voicemath/band_features.h"
 #include "voicemath/block_envelope.h"
 #include "voicemath/sample_file.h"

@@ -11,9 +11,10 @@
 #include <array>
 #include <cerrno>
 #include <cstdlib>
-#include <optional>
 #include <string_view>
 #include <utility>
+
+#include "platform/result.h"
 
 namespace desktop {
 namespace {
@@ -107,11 +108,11 @@ struct Pipe {
   PipeEnd read;
   PipeEnd write;
 
-  /// Returns a pipe that no other program inherits. Returns nothing if the system has none to give.
-  [[nodiscard]] static std::optional<Pipe> Make() {
+  /// Makes a pipe that no other program inherits. Fails with the system's error number.
+  [[nodiscard]] static platform::Result<Pipe, int> Make() {
     std::array<int, 2> ends{};
     if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
-      return std::nullopt;
+      return platform::Failure(errno);
     }
     return Pipe{PipeEnd(ends[0]), PipeEnd(ends[1])};
   }
@@ -218,14 +219,14 @@ Environment ReadEnvironment() {
   return {SplitFolders(path), FindDataFolders(), FindLanguages(), GetVariable("BROWSER")};
 }
 
-std::string FindProgram(const Environment& environment, const std::string& name) {
+std::optional<std::string> FindProgram(const Environment& environment, const std::string& name) {
   const auto canRun = [](const std::string& path) {
     struct stat found {};
     return ::stat(path.c_str(), &found) == 0 && S_ISREG(found.st_mode) &&
            ::access(path.c_str(), X_OK) == 0;
   };
   if (name.find('/') != std::string::npos) {
-    return canRun(name) ? name : std::string();
+    return canRun(name) ? std::optional(name) : std::nullopt;
   }
   for (const std::string& folder : environment.programFolders) {
     std::string path = folder + "/" + name;
@@ -233,13 +234,15 @@ std::string FindProgram(const Environment& environment, const std::string& name)
       return path;
     }
   }
-  return {};
+  return std::nullopt;
 }
 
 bool StartDetached(const Environment& environment, const Command& command, milliseconds patience) {
-  const std::string program =
-      command.empty() ? std::string() : FindProgram(environment, command.front());
-  std::optional<Pipe> pipe = program.empty() ? std::nullopt : Pipe::Make();
+  const auto program = command.empty() ? std::nullopt : FindProgram(environment, command.front());
+  if (!program) {
+    return false;
+  }
+  auto pipe = Pipe::Make();
   if (!pipe) {
     return false;
   }
@@ -251,7 +254,7 @@ bool StartDetached(const Environment& environment, const Command& command, milli
   }
   if (between == 0) {
     if (::fork() == 0) {
-      Watch(program.c_str(), arguments.data(), pipe->write.Get());
+      Watch(program->c_str(), arguments.data(), pipe->write.Get());
     }
     ::_exit(0);
   }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,8 +22,9 @@ struct Environment {
 using Command = std::vector<std::string>;
 
 /// Returns the path of a program that can be run: `name` itself if it has a slash, else the first
-/// one in the program folders. Returns an empty path if there is none.
-[[nodiscard]] std::string FindProgram(const Environment& environment, const std::string& name);
+/// one in the program folders. Returns nothing if there is none.
+[[nodiscard]] std::optional<std::string> FindProgram(const Environment& environment,
+                                                     const std::string& name);
 
 /// Starts a program that then has nothing to do with this one: no shell between them, a session of
 /// its own, no standard streams, no descriptors of ours, and nobody here who has to wait for it.

@@ -10,7 +10,7 @@
 
 #include "backends/pulse/handles.h"
 #include "platform/result.h"
-#include "platform/wave_format.h"
+#include "platform/wave_devices.h"
 
 namespace pulse {
 

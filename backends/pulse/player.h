@@ -9,8 +9,7 @@
 #include <span>
 
 #include "backends/pulse/connection.h"
-#include "platform/wave_out.h"
-#include "platform/wave_queue.h"
+#include "platform/wave_devices.h"
 
 namespace pulse {
 

@@ -2,8 +2,7 @@
 
 #include <cstdint>
 
-#include "platform/wave_in.h"
-#include "platform/wave_out.h"
+#include "platform/wave_devices.h"
 
 // The user's sound server, PulseAudio or one that speaks its protocol.
 //

@@ -12,8 +12,7 @@
 #include <vector>
 
 #include "backends/pulse/connection.h"
-#include "platform/wave_in.h"
-#include "platform/wave_queue.h"
+#include "platform/wave_devices.h"
 
 namespace pulse {
 

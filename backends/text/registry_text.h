@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/little_endian.h"
+#include "platform/file_system.h"
 #include "platform/registry.h"
 
 namespace text {

@@ -8,7 +8,7 @@
 #include "backends/text/registry_text.h"
 #include "backends/text/utf.h"
 #include "backends/vcard/registry_names.h"
-#include "platform/little_endian.h"
+#include "platform/file_system.h"
 
 namespace vcard {
 

@@ -4,7 +4,7 @@
 #include <array>
 
 #include "backends/text/utf.h"
-#include "platform/little_endian.h"
+#include "platform/file_system.h"
 
 namespace vcard {
 

@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "backends/wave_file/riff_file.h"
-#include "platform/wave_queue.h"
+#include "platform/wave_devices.h"
 
 namespace wave_file {
 namespace {

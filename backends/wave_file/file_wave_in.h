@@ -3,7 +3,7 @@
 #include <string>
 
 #include "platform/file_system.h"
-#include "platform/wave_in.h"
+#include "platform/wave_devices.h"
 
 namespace wave_file {
 

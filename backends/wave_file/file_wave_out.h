@@ -4,7 +4,7 @@
 #include <string>
 
 #include "platform/file_system.h"
-#include "platform/wave_out.h"
+#include "platform/wave_devices.h"
 
 namespace wave_file {
 

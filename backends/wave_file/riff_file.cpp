@@ -5,11 +5,10 @@
 #include <cstddef>
 #include <cstring>
 #include <limits>
-#include <optional>
 #include <span>
 #include <string_view>
 
-#include "platform/little_endian.h"
+#include "platform/file_system.h"
 
 namespace wave_file {
 namespace {
@@ -29,13 +28,20 @@ bool HasName(std::span<const std::byte> bytes, std::string_view name) {
   return std::memcmp(bytes.data(), name.data(), name.size()) == 0;
 }
 
-bool ReadAt(platform::File& file, std::uint64_t offset, std::span<std::byte> into) {
-  return file.Seek(offset) && file.Read(into) == into.size();
+using Done = platform::Result<void, WaveResult>;
+
+/// What is wrong with a file that is no sound, or is not whole.
+tl::unexpected<WaveResult> NoSound() { return platform::Failure(WaveResult::kBadFormat); }
+
+Done ReadAt(platform::File& file, std::uint64_t offset, std::span<std::byte> into) {
+  if (!file.Seek(offset) || file.Read(into) != into.size()) return NoSound();
+  return {};
 }
 
-std::optional<platform::WaveFormat> ReadFormat(platform::File& file, std::uint64_t offset) {
+platform::Result<platform::WaveFormat, WaveResult> ReadFormat(platform::File& file,
+                                                              std::uint64_t offset) {
   std::array<std::byte, kFormatBytes> bytes{};
-  if (!ReadAt(file, offset, bytes)) return std::nullopt;
+  if (const auto read = ReadAt(file, offset, bytes); !read) return NoSound();
   const std::span<const std::byte, kFormatBytes> fields(bytes);
   platform::WaveFormat format;
   format.formatTag = LoadLittleEndian16(fields.subspan<0, 2>());
@@ -45,7 +51,7 @@ std::optional<platform::WaveFormat> ReadFormat(platform::File& file, std::uint64
   format.blockAlign = LoadLittleEndian16(fields.subspan<12, 2>());
   format.bitsPerSample = LoadLittleEndian16(fields.subspan<14, 2>());
   // What follows in a longer chunk says nothing about PCM.
-  if (format.formatTag != platform::kFormatTagPcm || format.blockAlign == 0) return std::nullopt;
+  if (format.formatTag != platform::kFormatTagPcm || format.blockAlign == 0) return NoSound();
   return format;
 }
 
@@ -58,21 +64,23 @@ class ChunkWalk {
   ChunkWalk(platform::File& file, std::uint64_t length) : m_file(file), m_length(length) {}
 
   platform::Result<WaveFileLayout, WaveResult> Run() {
-    bool isSound = true;
-    for (int i = 0; i < kMostChunks && isSound && !(m_hasFormat && m_hasData); ++i) {
-      isSound = TakeChunk();
+    Done taken;
+    for (int i = 0; i < kMostChunks && taken && !(m_hasFormat && m_hasData); ++i) {
+      taken = TakeChunk();
     }
-    if (!m_hasFormat || !m_hasData) return platform::Failure(WaveResult::kBadFormat);
+    if (!m_hasFormat || !m_hasData) return NoSound();
     m_layout.dataBytes -= m_layout.dataBytes % m_layout.format.blockAlign;
     return m_layout;
   }
 
  private:
-  /// Takes the chunk at the offset. Returns false if it does not lie within the file, or if it is a
-  /// format that cannot be played.
-  bool TakeChunk() {
+  /// Takes the chunk at the offset. Fails if it does not lie within the file, or if it is a format
+  /// that cannot be played.
+  Done TakeChunk() {
     std::array<std::byte, kChunkHeaderBytes> header{};
-    if (m_offset + kChunkHeaderBytes > m_length || !ReadAt(m_file, m_offset, header)) return false;
+    if (m_offset + kChunkHeaderBytes > m_length || !ReadAt(m_file, m_offset, header)) {
+      return NoSound();
+    }
     const std::span<const std::byte, kChunkHeaderBytes> fields(header);
     const std::uint64_t size = LoadLittleEndian32(fields.last<4>());
     const std::uint64_t body = m_offset + kChunkHeaderBytes;
@@ -83,19 +91,20 @@ class ChunkWalk {
       m_layout.dataOffset = body;
       m_layout.dataBytes = std::min(size, rest);
       m_hasData = true;
-      return true;
+      return {};
     }
-    if (size > rest) return false;
-    return m_hasFormat || !HasName(fields, "fmt ") || TakeFormat(body, size);
+    if (size > rest) return NoSound();
+    if (!m_hasFormat && HasName(fields, "fmt ")) return TakeFormat(body, size);
+    return {};
   }
 
-  bool TakeFormat(std::uint64_t body, std::uint64_t size) {
-    if (size < kFormatBytes) return false;
+  Done TakeFormat(std::uint64_t body, std::uint64_t size) {
+    if (size < kFormatBytes) return NoSound();
     const auto format = ReadFormat(m_file, body);
-    if (!format) return false;
+    if (!format) return NoSound();
     m_layout.format = *format;
     m_hasFormat = true;
-    return true;
+    return {};
   }
 
   platform::File& m_file;
@@ -152,10 +161,10 @@ Header MakeHeader(const platform::WaveFormat& format, std::uint32_t dataBytes,
 platform::Result<WaveFileLayout, WaveResult> ReadWaveFileLayout(platform::File& file) {
   const auto length = file.GetLength();
   std::array<std::byte, kRiffHeaderBytes> header{};
-  if (!length || !ReadAt(file, 0, header)) return platform::Failure(WaveResult::kBadFormat);
+  if (!length || !ReadAt(file, 0, header)) return NoSound();
   const std::span<const std::byte> fields(header);
   if (!HasName(fields, "RIFF") || !HasName(fields.subspan(8), "WAVE")) {
-    return platform::Failure(WaveResult::kBadFormat);
+    return NoSound();
   }
   return ChunkWalk(file, *length).Run();
 }

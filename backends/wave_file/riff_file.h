@@ -6,7 +6,7 @@
 
 #include "platform/file_system.h"
 #include "platform/result.h"
-#include "platform/wave_format.h"
+#include "platform/wave_devices.h"
 
 namespace wave_file {
 

@@ -180,8 +180,9 @@ std::string ExplainRecordCode(const Session& session, int code) {
   return words.empty() || code < 0 ? words : fmt::format("{} (code {})", words, code);
 }
 
-std::vector<std::string> WarnOfOddities(const std::optional<voicemath::RecordingReview>& review,
-                                        const std::string& name) {
+std::vector<std::string> WarnOfOddities(
+    const platform::Result<voicemath::RecordingReview, voicemath::ReviewError>& review,
+    const std::string& name) {
   std::vector<std::string> warnings =
       review ? DescribeOddities(*review) : std::vector<std::string>();
   for (const std::string& warning : warnings) {

@@ -37,6 +37,7 @@ inline constexpr int kFileNotOpened = -1;
 /// the recording is called there. Returns the sentences, for "warnings". What makes a recording
 /// useless is not among them. A recording without a review has none.
 [[nodiscard]] std::vector<std::string> WarnOfOddities(
-    const std::optional<voicemath::RecordingReview>& review, const std::string& name);
+    const platform::Result<voicemath::RecordingReview, voicemath::ReviewError>& review,
+    const std::string& name);
 
 }  // namespace cli

@@ -212,8 +212,8 @@ void Repair(const platform::Platform& platform, CheckedStore& checked) {
   for (CheckedFinding& found : checked.findings) {
     if (!found.isRepaired && IsRepairable(found.finding.problem)) {
       const auto result = maintenance::RepairTemplate(platform, found.finding.tag);
-      found.isRepaired = result == maintenance::RepairResult::kDone;
-      found.reason = Describe(result);
+      found.isRepaired = result.has_value();
+      found.reason = result ? "" : Describe(result.error());
     }
   }
   RemoveOrphans(platform, checked.findings);

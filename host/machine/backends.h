@@ -15,8 +15,7 @@
 #include "platform/file_system.h"
 #include "platform/registry.h"
 #include "platform/threads.h"
-#include "platform/wave_in.h"
-#include "platform/wave_out.h"
+#include "platform/wave_devices.h"
 
 namespace machine {
 

@@ -11,8 +11,7 @@
 #include "platform/clock.h"
 #include "platform/file_system.h"
 #include "platform/threads.h"
-#include "platform/wave_in.h"
-#include "platform/wave_out.h"
+#include "platform/wave_devices.h"
 
 // What differs from one system to the next. Each system has one source file with these functions,
 // and the build chooses it.

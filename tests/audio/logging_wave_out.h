@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/wave_out.h"
+#include "platform/wave_devices.h"
 
 /// Forwards every call to another wave output, and remembers which were made.
 class LoggingWaveOut final : public platform::WaveOut {

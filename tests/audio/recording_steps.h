@@ -6,7 +6,7 @@
 #include <string>
 #include <utility>
 
-#include "platform/wave_in.h"
+#include "platform/wave_devices.h"
 #include "tests/support/file_steps.h"
 
 /// Forwards every call to another wave input. A header comes out of Prepare with one more flag, so

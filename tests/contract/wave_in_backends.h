@@ -5,7 +5,7 @@
 #include <ostream>
 #include <vector>
 
-#include "platform/wave_in.h"
+#include "platform/wave_devices.h"
 
 namespace contract {
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <utility>
 
-#include "platform/wave_in.h"
+#include "platform/wave_devices.h"
 #include "tests/contract/wave_in_backends.h"
 #include "tests/e2e/recording.h"
 #include "tests/support/results.h"

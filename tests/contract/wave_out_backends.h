@@ -6,7 +6,7 @@
 #include <span>
 #include <vector>
 
-#include "platform/wave_out.h"
+#include "platform/wave_devices.h"
 
 namespace contract {
 

@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/wave_out.h"
+#include "platform/wave_devices.h"
 #include "tests/contract/wave_out_backends.h"
 #include "tests/e2e/playing.h"
 #include "tests/e2e/recording.h"

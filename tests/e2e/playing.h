@@ -6,8 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/wave_format.h"
-#include "platform/wave_out.h"
+#include "platform/wave_devices.h"
 
 namespace e2e {
 

@@ -6,8 +6,7 @@
 #include <span>
 #include <vector>
 
-#include "platform/wave_format.h"
-#include "platform/wave_in.h"
+#include "platform/wave_devices.h"
 
 namespace e2e {
 

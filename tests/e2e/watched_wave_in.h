@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <functional>
 
-#include "platform/wave_in.h"
+#include "platform/wave_devices.h"
 
 namespace e2e {
 

@@ -4,7 +4,7 @@
 #include <span>
 #include <utility>
 
-#include "platform/wave_queue.h"
+#include "platform/wave_devices.h"
 
 namespace machine {
 namespace {

@@ -8,7 +8,7 @@
 #include <optional>
 #include <vector>
 
-#include "platform/wave_in.h"
+#include "platform/wave_devices.h"
 
 namespace machine {
 

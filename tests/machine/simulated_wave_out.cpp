@@ -3,7 +3,7 @@
 #include <optional>
 #include <utility>
 
-#include "platform/wave_queue.h"
+#include "platform/wave_devices.h"
 
 namespace machine {
 

@@ -6,7 +6,7 @@
 #include <mutex>
 #include <vector>
 
-#include "platform/wave_out.h"
+#include "platform/wave_devices.h"
 
 namespace machine {
 

@@ -61,7 +61,8 @@ class FindNearest : public testing::Test {
   }
   /// What the product finds, which is expected to be what its twin does.
   [[nodiscard]] std::vector<Neighbour> Find(std::int32_t count) const {
-    const auto found = maintenance::FindNearest(m_mathematics, count).nearest;
+    const auto found =
+        maintenance::FindNearest(m_mathematics, count).value_or(std::vector<Neighbour>());
     const auto expected = FindNearestLiterally(m_mathematics, count);
     EXPECT_EQ(found.size(), expected.size());
     for (std::size_t i = 0; i < std::min(found.size(), expected.size()); ++i) {

@@ -4,7 +4,7 @@
 #include <optional>
 #include <set>
 
-#include "platform/little_endian.h"
+#include "platform/file_system.h"
 #include "storage/registry_keys.h"
 #include "tests/support/registry_access.h"
 #include "tests/support/results.h"

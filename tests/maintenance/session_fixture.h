@@ -13,7 +13,7 @@
 #include "language/language_table.h"
 #include "language/texts.h"
 #include "maintenance/tag_session.h"
-#include "platform/little_endian.h"
+#include "platform/file_system.h"
 #include "storage/device_paths.h"
 #include "tests/support/headless_platform.h"
 #include "tests/support/signals.h"

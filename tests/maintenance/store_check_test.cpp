@@ -17,9 +17,10 @@
 namespace {
 
 using maintenance::ContactsState;
-using maintenance::RepairResult;
+using maintenance::RepairError;
 using maintenance::RepairTemplate;
 using maintenance::StoreProblem;
+using support::ErrorOf;
 
 class StoreCheck : public SessionFixture {
  protected:
@@ -133,7 +134,7 @@ TEST_F(StoreCheck, ProtectedRecordingsAreReadAndRepairedFrom) {
   ASSERT_TRUE(m_machine.files.SetReadOnly(storage::WavePath(u"100"), true));
   EXPECT_EQ(Check(), Texts());
   PutTemplateBytes(u"100", support::Bytes(3));
-  EXPECT_EQ(RepairTemplate(m_machine.Get(), u"100"), RepairResult::kDone);
+  EXPECT_EQ(ErrorOf(RepairTemplate(m_machine.Get(), u"100")), std::nullopt);
   EXPECT_EQ(GetTemplate(u"100"), whole);
 }
 
@@ -291,13 +292,13 @@ TEST_F(StoreCheck, MissingAndTornTemplatesAreRepairedToTheSameBytes) {
   const auto whole = GetTemplate(u"100");
   const auto recording = GetFile(storage::WavePath(u"100"));
   Delete(storage::TemplatePath(u"100"));
-  EXPECT_EQ(RepairTemplate(m_machine.Get(), u"100"), RepairResult::kDone);
+  EXPECT_EQ(ErrorOf(RepairTemplate(m_machine.Get(), u"100")), std::nullopt);
   EXPECT_EQ(GetTemplate(u"100"), whole);
   auto longer = whole;
   longer[4] = std::byte{1};
   longer.resize(whole.size() + 50);
   PutTemplateBytes(u"100", longer);
-  EXPECT_EQ(RepairTemplate(m_machine.Get(), u"100"), RepairResult::kDone);
+  EXPECT_EQ(ErrorOf(RepairTemplate(m_machine.Get(), u"100")), std::nullopt);
   EXPECT_EQ(GetTemplate(u"100"), whole);
   EXPECT_EQ(GetFile(storage::WavePath(u"100")), recording);
   EXPECT_EQ(Check(), Texts());
@@ -307,7 +308,7 @@ TEST_F(StoreCheck, ARepairLeavesTheRecordingAloneEvenWhereItCouldBeTrimmed) {
   Learn(u"100", 1);
   PutRecording(u"100", 4);
   const auto recording = GetFile(storage::WavePath(u"100"));
-  EXPECT_EQ(RepairTemplate(m_machine.Get(), u"100"), RepairResult::kDone);
+  EXPECT_EQ(ErrorOf(RepairTemplate(m_machine.Get(), u"100")), std::nullopt);
   EXPECT_EQ(GetFile(storage::WavePath(u"100")), recording);
 }
 
@@ -315,7 +316,7 @@ TEST_F(StoreCheck, ARepairNeedsARecording) {
   Learn(u"100", 1);
   PutTemplateBytes(u"100", support::Bytes(3));
   Delete(storage::WavePath(u"100"));
-  EXPECT_EQ(RepairTemplate(m_machine.Get(), u"100"), RepairResult::kNoRecording);
+  EXPECT_EQ(ErrorOf(RepairTemplate(m_machine.Get(), u"100")), RepairError::kNoRecording);
   EXPECT_EQ(GetTemplate(u"100"), support::Bytes(3)) << "Nothing was put in its place.";
 }
 
@@ -327,10 +328,10 @@ TEST_F(StoreCheck, ARepairThatFailsSaysWhy) {
   for (bool hasFailed = true; hasFailed; ++count) {
     PutTemplateBytes(u"100", support::Bytes(3));
     failing.FailCall(count + 1, support::Failing::kOnce, platform::FileError::kDiskFull);
-    const RepairResult result = RepairTemplate(broken, u"100");
+    const auto result = RepairTemplate(broken, u"100");
     hasFailed = failing.HasFailed();
-    EXPECT_NE(result, RepairResult::kNoFolder) << "It is there.";
-    EXPECT_EQ(Describe(result).empty(), result == RepairResult::kDone);
+    EXPECT_NE(ErrorOf(result), RepairError::kNoFolder) << "It is there.";
+    EXPECT_TRUE(result || !Describe(result.error()).empty());
   }
   EXPECT_GT(count, 3U);
   machine::MemoryFileSystem withoutFolder;
@@ -340,8 +341,8 @@ TEST_F(StoreCheck, ARepairThatFailsSaysWhy) {
   }
   const std::u16string wave = storage::WavePath(u"100");
   ASSERT_TRUE(withoutFolder.PutFile(wave, GetFile(wave)));
-  EXPECT_EQ(RepairTemplate(m_machine.GetWith(withoutFolder, m_machine.registry), u"100"),
-            RepairResult::kNoFolder);
+  EXPECT_EQ(ErrorOf(RepairTemplate(m_machine.GetWith(withoutFolder, m_machine.registry), u"100")),
+            RepairError::kNoFolder);
 }
 
 TEST_F(StoreCheck, ARepairThatFailsLeavesAWholeTemplateOrNone) {
@@ -353,8 +354,8 @@ TEST_F(StoreCheck, ARepairThatFailsLeavesAWholeTemplateOrNone) {
     for (std::size_t call = 1; hasFailed; ++call) {
       PutTemplateBytes(u"100", support::Bytes(3));
       failing.FailCall(call, kind, platform::FileError::kDiskFull);
-      const bool isDone = RepairTemplate(m_machine.GetWith(failing, m_machine.registry), u"100") ==
-                          RepairResult::kDone;
+      const bool isDone =
+          RepairTemplate(m_machine.GetWith(failing, m_machine.registry), u"100").has_value();
       hasFailed = failing.HasFailed();
       if (isDone) {
         EXPECT_EQ(GetTemplate(u"100"), whole) << call;
@@ -373,7 +374,7 @@ TEST_F(StoreCheck, ATemplateOfZerosIsTornAndMadeAgain) {
   const support::Bytes whole = GetTemplate(u"100");
   PutTemplateBytes(u"100", support::Bytes(whole.size()));
   EXPECT_EQ(Check(), Texts{u"template-torn 100"});
-  EXPECT_EQ(RepairTemplate(m_machine.Get(), u"100"), RepairResult::kDone);
+  EXPECT_EQ(ErrorOf(RepairTemplate(m_machine.Get(), u"100")), std::nullopt);
   EXPECT_EQ(Check(), Texts());
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "platform/wave_in.h"
-#include "platform/wave_out.h"
+#include "platform/wave_devices.h"
 #include "tests/support/fault_plan.h"
 
 namespace support {

@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/little_endian.h"
-#include "platform/wave_format.h"
+#include "platform/file_system.h"
+#include "platform/wave_devices.h"
 
 namespace support {
 

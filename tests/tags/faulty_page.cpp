@@ -4,7 +4,7 @@
 #include <ostream>
 #include <span>
 
-#include "platform/little_endian.h"
+#include "platform/file_system.h"
 #include "tests/support/results.h"
 #include "voicemath/template_file.h"
 

@@ -1,6 +1,6 @@
 #include <new>
 
-#include "platform/little_endian.h"
+#include "platform/file_system.h"
 #include "tests/support/failing_file_system.h"
 #include "tests/support/failing_registry.h"
 #include "tests/tags/page_fixture.h"

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "audio/wave_header.h"
-#include "platform/little_endian.h"
+#include "platform/file_system.h"
 #include "tags/utterance_recording.h"
 #include "tests/support/watched_threads.h"
 #include "tests/tags/watched_page.h"

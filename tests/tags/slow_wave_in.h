@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "platform/clock.h"
-#include "platform/wave_in.h"
+#include "platform/wave_devices.h"
 
 /// Forwards every call to another wave input, and takes its time over one of them, as a sound
 /// service does that hangs.

@@ -14,7 +14,7 @@
 #include "platform/contacts_store.h"
 #include "platform/file_system.h"
 #include "platform/ui.h"
-#include "platform/wave_out.h"
+#include "platform/wave_devices.h"
 #include "tests/support/forwarding_file_system.h"
 #include "tests/support/watched_clock.h"
 

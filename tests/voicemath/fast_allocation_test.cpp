@@ -70,9 +70,10 @@ TEST(Memory, IsNotTakenWhenTemplatesAreCompared) {
   }
   std::vector<Neighbour> nearest(prepared.size());
   const std::size_t ready = allocations;
-  FindNearest(prepared, nearest);
+  const auto found = FindNearest(prepared, nearest);
   const float distance = TemplateDistance(prepared[2], prepared[2]);
   EXPECT_EQ(allocations, ready);
+  EXPECT_TRUE(found);
   EXPECT_EQ(distance, 0.0F);
 }
 

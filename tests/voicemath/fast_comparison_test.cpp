@@ -257,7 +257,7 @@ TEST(FindNearest, EqualsTheSearchRowByRow) {
     prepared.push_back(Prepared(word));
   }
   std::vector<Neighbour> nearest(words.size());
-  FindNearest(prepared, nearest);
+  ASSERT_TRUE(FindNearest(prepared, nearest));
   for (std::size_t i = 0; i < words.size(); ++i) {
     float best = 100.0F;
     std::int32_t index = -1;
@@ -286,7 +286,7 @@ std::vector<PreparedTemplate> ManyKinds() {
 TEST(FindNearest, TellsItsWatchHowMuchIsDoneAndFindsTheSame) {
   const std::vector<PreparedTemplate> prepared = ManyKinds();
   std::vector<Neighbour> expected(prepared.size());
-  FindNearest(prepared, expected);
+  ASSERT_TRUE(FindNearest(prepared, expected));
   std::vector<double> shares;
   std::vector<Neighbour> nearest(prepared.size());
   EXPECT_TRUE(FindNearest(prepared, nearest, [&](double share) {
@@ -319,7 +319,7 @@ TEST(FindNearest, OneTemplateHasNoNeighbour) {
   std::vector<PreparedTemplate> alone;
   alone.push_back(Prepared(DrawWord(random, 10, 1)));
   std::array<Neighbour, 1> nearest;
-  FindNearest(alone, nearest);
+  ASSERT_TRUE(FindNearest(alone, nearest));
   EXPECT_EQ(nearest[0].index, -1);
 }
 

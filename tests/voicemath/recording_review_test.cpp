@@ -1,10 +1,13 @@
 #include "voicemath/recording_review.h"
 
+#include "tests/support/results.h"
 #include "tests/voicemath/mathematics_fixture.h"
 
 namespace {
 
+using support::ErrorOf;
 using voicemath::RecordingReview;
+using voicemath::ReviewError;
 
 class RecordingReviewTest : public MathematicsFixture {
  protected:
@@ -100,11 +103,11 @@ TEST_F(RecordingReviewTest, SpeechBehindTheSixteenBitBlockNumbersIsTooLate) {
 
 TEST_F(RecordingReviewTest, WhatIsNoRecordingHasNoReview) {
   m_mathematics.m_wavePath = u"/missing.wav";
-  EXPECT_FALSE(voicemath::ReviewRecording(m_mathematics, true));
+  EXPECT_EQ(ErrorOf(voicemath::ReviewRecording(m_mathematics, true)), ReviewError::kNotOpened);
   support::Bytes file = support::WaveFile(SpeechAt(12000, 33075));
   file[0] = std::byte{'r'};
   PutWaveBytes(file);
-  EXPECT_FALSE(voicemath::ReviewRecording(m_mathematics, true));
+  EXPECT_EQ(ErrorOf(voicemath::ReviewRecording(m_mathematics, true)), ReviewError::kHeaderRefused);
   EXPECT_EQ(m_files.CountOpenHandles(), 0U);
   EXPECT_TRUE(m_ui.GetMessages().empty());
 }

@@ -10,7 +10,7 @@
 #include <span>
 #include <vector>
 
-#include "platform/little_endian.h"
+#include "platform/file_system.h"
 #include "tests/support/signals.h"
 
 namespace voicemath {

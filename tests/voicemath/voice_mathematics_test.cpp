@@ -216,7 +216,7 @@ TEST_F(CVoiceMathematicsTest, TheScratchSlotIsNobodysNeighbourWhateverPlacesTher
   ASSERT_EQ(m_mathematics.CompareTemplates(0, 100), 0.0F);
   std::array<voicemath::Neighbour, 101> nearest;
   nearest[100] = {.index = 7, .distance = 0.5F};
-  m_mathematics.FindNearest(nearest);
+  ASSERT_TRUE(m_mathematics.FindNearest(nearest));
   EXPECT_EQ(nearest[0].index, 1);
   for (std::size_t slot = 0; slot < 100; ++slot) {
     EXPECT_GE(nearest[slot].index, 0) << slot;

@@ -25,9 +25,9 @@ TEST_F(Programs, AreFoundInTheFoldersInTheirOrder) {
   m_environment.programFolders = {Path("first"), Path("second"), Path("bin")};
   EXPECT_EQ(desktop::FindProgram(m_environment, "tool"), Path("bin/tool"));
   EXPECT_EQ(desktop::FindProgram(m_environment, Path("bin/tool")), Path("bin/tool"));
-  EXPECT_EQ(desktop::FindProgram(m_environment, Path("first/tool")), "");
-  EXPECT_EQ(desktop::FindProgram(m_environment, "none"), "");
-  EXPECT_EQ(desktop::FindProgram(m_environment, ""), "");
+  EXPECT_EQ(desktop::FindProgram(m_environment, Path("first/tool")), std::nullopt);
+  EXPECT_EQ(desktop::FindProgram(m_environment, "none"), std::nullopt);
+  EXPECT_EQ(desktop::FindProgram(m_environment, ""), std::nullopt);
 }
 
 TEST_F(Programs, GetTheirArgumentsWithoutAShellBetween) {
