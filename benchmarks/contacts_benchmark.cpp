@@ -16,16 +16,20 @@
 #include <vector>
 
 #include "backends/ebook/glib_pointers.h"
+#include "backends/headless/headless_dialog.h"
+#include "backends/headless/headless_ui.h"
 #include "backends/posix/posix_file_system.h"
 #include "backends/sqlite/sqlite_registry.h"
 #include "backends/text/utf.h"
 #include "backends/vcard/address_books.h"
 #include "backends/vcard/desktop_source.h"
 #include "benchmarks/full_device.h"
+#include "framework/dialog.h"
+#include "resources/dialogs.h"
 #include "storage/tag_record.h"
 #include "storage/tag_store.h"
 #include "tags/contact_picker.h"
-#include "tags/oids_in_use.h"
+#include "tags/tag_reader.h"
 #include "tests/backends/ebook/desktop_book.h"
 #include "tests/support/temp_folder.h"
 
@@ -36,18 +40,6 @@ using benchmarks::kContacts;
 using benchmarks::kTags;
 using benchmarks::Person;
 
-/// Nobody looks.
-class NoView final : public tags::ContactView {
- public:
-  void AddContact(std::u16string_view /*name*/) override {}
-  void SelectFirstContact() override {}
-  void AddNumber(std::u16string_view /*text*/) override {}
-  void RemoveNumbers() override {}
-  void SelectFirstNumber() override {}
-  [[nodiscard]] std::u16string GetFirstNumber() override { return {}; }
-  void Report(const tags::ContactMessage& /*message*/) override {}
-};
-
 FullDevice& TheDevice() {
   static FullDevice device;
   return device;
@@ -56,11 +48,13 @@ FullDevice& TheDevice() {
 /// The whole of opening the page: log on, list a thousand contacts, read those of a hundred tags.
 void LoadHundredTags(benchmark::State& state) {
   FullDevice& device = TheDevice();
+  headless::HeadlessUi ui;
   for (auto _ : state) {
     const auto contacts = device.Open();
-    NoView view;
-    tags::ContactPicker picker(*contacts, view);
-    if (!picker.Load() || picker.GetContacts().GetCount() != kContacts ||
+    framework::CDialog page(resources::kLearningDialog, ui);
+    headless::HeadlessDialog window(resources::kLearningDialog, page, nullptr);
+    tags::ContactPicker picker(*contacts, [](const tags::ContactMessage& /*message*/) {});
+    if (!picker.Load(window) || picker.GetContacts().GetCount() != kContacts ||
         device.ReadTags(*contacts) != kTags) {
       state.SkipWithError("not all contacts or tags were found");
     }
@@ -121,10 +115,9 @@ void LoadDesktopBook(benchmark::State& state) {
   }();
   benchmark::DoNotOptimize(isFilled);
   for (auto _ : state) {
-    std::vector<vcard::Book> books;
-    if (vcard::DesktopSource(ebook_test::LoadDesktopBooks).Read(books) !=
-            vcard::ReadResult::kRead ||
-        books.empty() || books[0].contacts.size() != kContacts) {
+    vcard::RemarkList remarks;
+    const auto books = vcard::DesktopSource(ebook_test::LoadDesktopBooks).Read(remarks);
+    if (!books || books->empty() || books->front().contacts.size() != kContacts) {
       state.SkipWithError("the address book was not read");
     }
   }

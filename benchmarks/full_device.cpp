@@ -7,7 +7,7 @@
 #include "maintenance/math_version.h"
 #include "storage/tag_record.h"
 #include "tags/contact_picker.h"
-#include "tags/oids_in_use.h"
+#include "tags/tag_reader.h"
 
 namespace benchmarks {
 
@@ -35,12 +35,9 @@ FullDevice::FullDevice()
   file.close();
   const auto contacts = Open();
   for (std::uint32_t i = 0; i < kTags; ++i) {
-    std::int32_t oid = 0;
-    const bool hasOid =
-        contacts->GetItem(static_cast<std::int32_t>(i) * 10 + 1).contact->GetOid(oid);
-    const bool isWritten =
-        m_store.WriteEntry(storage::TagNameOfTickCount(100'000 + i), oid, u"Mobile").has_value();
-    if (!hasOid || !isWritten) {
+    const auto contact = contacts->GetItem(static_cast<std::int32_t>(i) * 10 + 1);
+    const auto oid = (*contact)->GetOid();
+    if (!oid || !m_store.WriteEntry(storage::TagNameOfTickCount(100'000 + i), *oid, u"Mobile")) {
       std::abort();
     }
   }
@@ -65,12 +62,12 @@ std::size_t FullDevice::ReadTags(platform::ContactsStore& contacts) const {
   const auto names = m_store.OpenNames();
   for (std::uint32_t i = 0; names->Get(i, name); ++i) {
     const auto entry = m_store.ReadEntry(name);
-    std::unique_ptr<platform::Contact> contact;
-    if (entry && entry->oid &&
-        contacts.GetItemFromOid(*entry->oid, contact) == platform::ContactLookup::kFound &&
-        !tags::ReadForTagList(*contact, entry->phoneType).text.empty()) {
-      ++found;
+    if (!entry || !entry->oid) {
+      continue;
     }
+    const auto contact = contacts.GetItemFromOid(*entry->oid);
+    const auto read = contact ? tags::ReadForTagList(**contact, entry->phoneType) : tags::TagText();
+    found += read && !read->text.empty() ? 1 : 0;
   }
   return found;
 }

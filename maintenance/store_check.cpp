@@ -108,9 +108,8 @@ class Checker {
     if (!entry->oid) {
       Report(StoreProblem::kContact, tag);
     } else if (m_contacts == ContactsState::kOpen) {
-      std::unique_ptr<platform::Contact> contact;
-      if (m_platform.contacts.GetItemFromOid(*entry->oid, contact) ==
-          platform::ContactLookup::kAbsent) {
+      const auto contact = m_platform.contacts.GetItemFromOid(*entry->oid);
+      if (!contact && contact.error() == platform::ContactsError::kAbsent) {
         Report(StoreProblem::kContactGone, tag);
       }
     }

@@ -5,6 +5,8 @@
 #include <memory>
 #include <string>
 
+#include "platform/result.h"
+
 namespace platform {
 
 /// The kinds of telephone number that the system knows, with their stored codes. A contact has one
@@ -25,8 +27,16 @@ enum class PhoneKind : std::int8_t {
 /// How many kinds there are. Every table that is indexed by a kind has this many entries.
 inline constexpr std::size_t kPhoneKindCount = static_cast<std::size_t>(PhoneKind::kHomeFax) + 1;
 
-/// One contact. Each getter can fail by itself; it returns false then and leaves `text` alone. A
-/// part that the contact lacks is an empty text.
+enum class ContactsError : std::uint8_t {
+  /// The contact does not exist any more: its source was read to its end and does not hold it.
+  /// Only a look-up by identifier fails with this.
+  kAbsent,
+  kFailed,  ///< Any other failure. After a look-up nobody knows whether the contact exists.
+};
+
+using ContactText = Result<std::u16string, ContactsError>;
+
+/// One contact. Each getter can fail by itself. A part that the contact lacks is an empty text.
 class Contact {
  public:
   Contact() = default;
@@ -34,26 +44,17 @@ class Contact {
   Contact& operator=(const Contact&) = delete;
   virtual ~Contact() = default;
 
-  [[nodiscard]] virtual bool GetFirstName(std::u16string& text) = 0;
-  [[nodiscard]] virtual bool GetMiddleName(std::u16string& text) = 0;
-  [[nodiscard]] virtual bool GetLastName(std::u16string& text) = 0;
-  [[nodiscard]] virtual bool GetCompanyName(std::u16string& text) = 0;
-  [[nodiscard]] virtual bool GetNumber(PhoneKind kind, std::u16string& text) = 0;
+  [[nodiscard]] virtual ContactText GetFirstName() = 0;
+  [[nodiscard]] virtual ContactText GetMiddleName() = 0;
+  [[nodiscard]] virtual ContactText GetLastName() = 0;
+  [[nodiscard]] virtual ContactText GetCompanyName() = 0;
+  [[nodiscard]] virtual ContactText GetNumber(PhoneKind kind) = 0;
 
-  /// The stable identifier under which tags remember the contact; 0 is never one.
-  [[nodiscard]] virtual bool GetOid(std::int32_t& oid) = 0;
+  /// Returns the stable identifier under which tags remember the contact. It is never 0.
+  [[nodiscard]] virtual Result<std::int32_t, ContactsError> GetOid() = 0;
 };
 
-struct ContactItem {
-  bool ok = false;                   ///< False: the collection failed to give the item.
-  std::unique_ptr<Contact> contact;  ///< May be null even where `ok` is true.
-};
-
-enum class ContactLookup : std::uint8_t {
-  kFound,
-  kAbsent,  ///< The source of this oid was read to its end and does not hold it any more.
-  kFailed,  ///< It cannot be told whether the contact exists.
-};
+using FoundContact = Result<std::unique_ptr<Contact>, ContactsError>;
 
 /// The user's contacts. Used by one thread.
 class ContactsStore {
@@ -63,28 +64,28 @@ class ContactsStore {
   ContactsStore& operator=(const ContactsStore&) = delete;
   virtual ~ContactsStore() = default;
 
-  /// Makes the service of the machine ready; false where the machine has none.
-  [[nodiscard]] virtual bool Initialize() = 0;
+  /// Makes the service of the machine ready. Fails if the machine has none.
+  [[nodiscard]] virtual Result<void, ContactsError> Initialize() = 0;
 
   /// Makes the connection to the contacts, without reading them. What fails here may work a moment
   /// later: another process may have held what is needed.
-  [[nodiscard]] virtual bool Connect() = 0;
+  [[nodiscard]] virtual Result<void, ContactsError> Connect() = 0;
 
-  /// Reads the source. False where it does not answer or cannot be read to its end, and where
-  /// contacts that must not be lost are in another source than this one; nobody can then be taken
-  /// for absent.
-  [[nodiscard]] virtual bool Logon() = 0;
+  /// Reads the source. Fails if it does not answer or cannot be read to its end. Fails too if
+  /// contacts that must not be lost are in another source than this one: otherwise they would count
+  /// as absent.
+  [[nodiscard]] virtual Result<void, ContactsError> Logon() = 0;
 
-  /// Number of contacts; 0 where nobody is logged on.
+  /// Returns the number of contacts. Returns 0 if nobody is logged on.
   [[nodiscard]] virtual std::int32_t GetCount() = 0;
 
-  /// Contact by 1-based index, in an order that is the same until the log-off.
-  [[nodiscard]] virtual ContactItem GetItem(std::int32_t index) = 0;
+  /// Returns the contact with this index, which counts from 1. The order stays the same until the
+  /// log-off. A store may succeed and give null all the same; then there is no such contact.
+  [[nodiscard]] virtual FoundContact GetItem(std::int32_t index) = 0;
 
-  /// Contact by its identifier; `contact` is set only with kFound. kFailed where nobody is logged
+  /// Returns the contact with this identifier, never null. Fails with kFailed if nobody is logged
   /// on.
-  [[nodiscard]] virtual ContactLookup GetItemFromOid(std::int32_t oid,
-                                                     std::unique_ptr<Contact>& contact) = 0;
+  [[nodiscard]] virtual FoundContact GetItemFromOid(std::int32_t oid) = 0;
 
   /// Allowed at any time. Contacts that were handed out stay readable.
   virtual void Logoff() = 0;

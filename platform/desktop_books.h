@@ -12,12 +12,12 @@ namespace platform {
 struct DesktopBook {
   std::string uid;    ///< Stays the same, and no other address book has it.
   std::string cards;  ///< vCards in no particular order.
-  /// What is shown is the book itself. It is no copy of a book elsewhere that may still grow.
+  /// The cards are the book itself, and no copy of a book elsewhere that may still grow.
   bool isSettled = false;
 };
 
-/// Why the desktop's address books could not be read.
-struct DesktopBooksError {
+/// Why address books could not be read: the desktop's, or a file.
+struct BooksError {
   enum class Kind : std::uint8_t {
     kNoAnswer,    ///< There is nobody to ask.
     kUnreadable,  ///< There is something, and it cannot be read to its end.
@@ -26,7 +26,7 @@ struct DesktopBooksError {
   std::string reason;  ///< In the words of the program that refused. Empty: not known.
 };
 
-using DesktopBooks = Result<std::vector<DesktopBook>, DesktopBooksError>;
+using DesktopBooks = Result<std::vector<DesktopBook>, BooksError>;
 
 /// Reads every enabled address book of the desktop, in the order of their `uid`. This may take
 /// `milliseconds` in all. If one of several books fails, this fails with kUnreadable: a reader that

@@ -1,151 +1,166 @@
 #include "tags/contact_picker.h"
 
-#include <memory>
+#include <cstddef>
+
+#include "resources/dialogs.h"
 
 namespace tags {
+
+using platform::DialogWindow;
+using platform::Failure;
+using resources::kContactComboId;
+using resources::kNumberComboId;
+
 namespace {
 
-/// A number of this length or more does not fit where the dialer keeps it. Of exactly this length
-/// it is passed over without a word.
+/// A number of this length or more does not fit into the memory that the dialer keeps it in. One of
+/// exactly this length is passed over without a word.
 constexpr std::size_t kNumberCapacity = 96;
+
+auto LoadFailed(ContactFailure failure, PhoneKind kind = PhoneKind::kCar) {
+  return Failure(ContactMessage{failure, ContactReader::kLoading, kind});
+}
 
 }  // namespace
 
-bool ContactPicker::Load() {
+ContactPicker::Loaded ContactPicker::Load(DialogWindow& window) {
   m_oid = 0;
   m_phoneTypeWord.clear();
   m_contacts = ContactList(m_store.GetCount());
-  Step step = Step::kGoOn;
-  for (std::int32_t i = 1; i <= m_contacts.GetReportedCount() && step == Step::kGoOn; ++i) {
-    step = LoadItem(i);
-  }
-  if (step == Step::kEndOfPage) {
-    return false;
+  for (std::int32_t i = 1; i <= m_contacts.GetReportedCount(); ++i) {
+    const Loaded loaded = LoadItem(window, i);
+    if (!loaded && loaded.error().failure == ContactFailure::kFirstName) {
+      m_report(loaded.error());
+      break;  // The one failure that ends the list and keeps what was gathered.
+    }
+    if (!loaded) {
+      return loaded;
+    }
   }
   if (const ContactRecord* first = m_contacts.Find(0)) {
-    m_view.SelectFirstContact();
-    m_view.SelectFirstNumber();
+    window.SetSelection(kContactComboId, 0);
+    window.SetSelection(kNumberComboId, 0);
     m_oid = static_cast<std::uint32_t>(first->oid);
   }
-  return true;
+  return {};
 }
 
-ContactPicker::Step ContactPicker::LoadItem(std::int32_t itemIndex) {
-  const platform::ContactItem item = m_store.GetItem(itemIndex);
-  if (!item.ok) {
-    return Report(ContactFailure::kItem, Step::kEndOfPage);
+ContactPicker::Loaded ContactPicker::LoadItem(DialogWindow& window, std::int32_t itemIndex) {
+  const platform::FoundContact item = m_store.GetItem(itemIndex);
+  if (!item) {
+    return LoadFailed(ContactFailure::kItem);
   }
-  if (!item.contact) {
-    return Report(ContactFailure::kNullContact, Step::kGoOn);
+  if (!*item) {
+    m_report({ContactFailure::kNullContact});
+    return {};
   }
-  return LoadContact(*item.contact);
+  return LoadContact(window, **item);
 }
 
-ContactPicker::Step ContactPicker::LoadContact(platform::Contact& contact) {
+ContactPicker::Loaded ContactPicker::LoadContact(DialogWindow& window, platform::Contact& contact) {
   ContactRecord& record = m_contacts.GetNext();
-  if (const Step step = LoadName(contact); step != Step::kGoOn) {
-    return step;
-  }
-  if (const Step step = LoadNumbers(contact, record); step != Step::kGoOn) {
-    return step;
+  const Loaded loaded =
+      LoadName(contact).and_then([&] { return LoadNumbers(window, contact, record); });
+  if (!loaded) {
+    return loaded;
   }
   if (m_buffers.name.empty()) {
     m_buffers.name = m_buffers.company;
   }
   record.SetName(m_buffers.name);
-  std::int32_t oid = 0;
   // A failure has no message: the contact is listed under 0, with which nothing can be recorded.
-  const bool hasOid = contact.GetOid(oid);
+  const std::int32_t oid = contact.GetOid().value_or(0);
   if (record.HasNumber()) {
-    record.oid = hasOid ? oid : 0;
-    m_view.AddContact(record.GetName());
+    record.oid = oid;
+    window.AddItem(kContactComboId, record.GetName());
     m_contacts.KeepNext();
   }
-  return Step::kGoOn;
+  return {};
 }
 
-ContactPicker::Step ContactPicker::LoadName(platform::Contact& contact) {
-  std::u16string part;
-  if (!contact.GetLastName(part)) {
-    return Report(ContactFailure::kLastName, Step::kEndOfPage);
+ContactPicker::Loaded ContactPicker::LoadName(platform::Contact& contact) {
+  const auto last = contact.GetLastName();
+  if (!last) {
+    return LoadFailed(ContactFailure::kLastName);
   }
-  ReplaceIfFits(m_buffers.name, part);
-  if (!contact.GetFirstName(part)) {
-    // The one failure that keeps what was gathered.
-    return Report(ContactFailure::kFirstName, Step::kEndOfList);
+  ReplaceIfFits(m_buffers.name, *last);
+  const auto first = contact.GetFirstName();
+  if (!first) {
+    return LoadFailed(ContactFailure::kFirstName);
   }
-  AppendName(part);
-  if (!contact.GetMiddleName(part)) {
-    return Report(ContactFailure::kMiddleName, Step::kEndOfPage);
+  AppendName(*first);
+  const auto middle = contact.GetMiddleName();
+  if (!middle) {
+    return LoadFailed(ContactFailure::kMiddleName);
   }
-  AppendName(part);
-  if (!contact.GetCompanyName(part)) {
-    return Report(ContactFailure::kCompanyName, Step::kEndOfPage);
+  AppendName(*middle);
+  const auto company = contact.GetCompanyName();
+  if (!company) {
+    return LoadFailed(ContactFailure::kCompanyName);
   }
-  ReplaceIfFits(m_buffers.company, part);
-  return Step::kGoOn;
+  ReplaceIfFits(m_buffers.company, *company);
+  return {};
 }
 
-ContactPicker::Step ContactPicker::LoadNumbers(platform::Contact& contact, ContactRecord& record) {
+ContactPicker::Loaded ContactPicker::LoadNumbers(DialogWindow& window, platform::Contact& contact,
+                                                 ContactRecord& record) {
   std::size_t accepted = 0;
-  std::u16string number;
   for (const PhoneKind kind : kReadingOrder) {
-    if (!contact.GetNumber(kind, number)) {
-      return Report(ContactFailure::kNumber, Step::kEndOfPage, kind);
+    const auto number = contact.GetNumber(kind);
+    if (!number) {
+      return LoadFailed(ContactFailure::kNumber, kind);
     }
-    if (number.size() > kNumberCapacity) {
-      m_view.Report({ContactFailure::kNumberTooLong});
-    } else if (!number.empty() && number.size() < kNumberCapacity) {
+    if (number->size() > kNumberCapacity) {
+      m_report({ContactFailure::kNumberTooLong});
+    } else if (!number->empty() && number->size() < kNumberCapacity) {
       record.phoneKinds[accepted] = static_cast<std::int32_t>(kind);
       ++accepted;
       if (m_contacts.GetCount() == 0) {
-        m_view.AddNumber(ToComboItem(number, kind));
+        window.AddItem(kNumberComboId, ToComboItem(*number, kind));
       }
     }
   }
-  return Step::kGoOn;
+  return {};
 }
 
-void ContactPicker::ListNumbers(std::int32_t index) {
-  m_view.RemoveNumbers();
+void ContactPicker::ListNumbers(DialogWindow& window, std::int32_t index) {
+  window.ResetItems(kNumberComboId);
   const ContactRecord* record = m_contacts.Find(index);
-  std::unique_ptr<platform::Contact> contact;
-  if (record == nullptr ||
-      m_store.GetItemFromOid(record->oid, contact) != platform::ContactLookup::kFound) {
-    m_view.Report({ContactFailure::kLookup, ContactReader::kSelection});
+  const platform::FoundContact contact = record == nullptr
+                                             ? Failure(platform::ContactsError::kFailed)
+                                             : m_store.GetItemFromOid(record->oid);
+  if (!contact) {
+    m_report({ContactFailure::kLookup, ContactReader::kSelection});
     return;
   }
   m_oid = static_cast<std::uint32_t>(record->oid);
   for (const std::int32_t code : record->phoneKinds) {
-    ListNumber(*contact, code);
-    m_view.SelectFirstNumber();
+    ListNumber(window, **contact, code);
+    window.SetSelection(kNumberComboId, 0);
   }
-  contact.reset();
-  ChooseNumber(m_view.GetFirstNumber());
+  ChooseNumber(window.GetItemText(kNumberComboId, 0));
 }
 
-void ContactPicker::ListNumber(platform::Contact& contact, std::int32_t code) {
+void ContactPicker::ListNumber(DialogWindow& window, platform::Contact& contact,
+                               std::int32_t code) {
   if (code < 0 || code >= static_cast<std::int32_t>(kReadingOrder.size())) {
     return;
   }
   const auto kind = static_cast<PhoneKind>(code);
-  std::u16string number;
-  if (!contact.GetNumber(kind, number)) {
-    m_view.Report({ContactFailure::kNumber, ContactReader::kSelection, kind});
+  const auto number = contact.GetNumber(kind);
+  if (!number) {
+    m_report({ContactFailure::kNumber, ContactReader::kSelection, kind});
     return;
   }
-  m_view.AddNumber(ToComboItem(number, kind));
+  window.AddItem(kNumberComboId, ToComboItem(*number, kind));
 }
 
-TagText ContactPicker::ReadForTag() {
-  std::unique_ptr<platform::Contact> contact;
-  const auto oid = static_cast<std::int32_t>(m_oid);
-  if (m_store.GetItemFromOid(oid, contact) != platform::ContactLookup::kFound) {
-    TagText failed;
-    failed.failure = ContactMessage{ContactFailure::kLookup, ContactReader::kRecording};
-    return failed;
+ReadTagText ContactPicker::ReadForTag() {
+  const platform::FoundContact contact = m_store.GetItemFromOid(static_cast<std::int32_t>(m_oid));
+  if (!contact) {
+    return Failure(ContactMessage{ContactFailure::kLookup, ContactReader::kRecording});
   }
-  return ReadForRecording(*contact, m_phoneTypeWord, m_buffers);
+  return ReadForRecording(**contact, m_phoneTypeWord, m_buffers);
 }
 
 void ContactPicker::AppendName(const std::u16string& part) {
@@ -155,11 +170,6 @@ void ContactPicker::AppendName(const std::u16string& part) {
     name += name.empty() ? part : u' ' + part;
     name.resize(FitName(name).size());
   }
-}
-
-ContactPicker::Step ContactPicker::Report(ContactFailure failure, Step step, PhoneKind kind) {
-  m_view.Report({failure, ContactReader::kLoading, kind});
-  return step;
 }
 
 }  // namespace tags

@@ -1,13 +1,32 @@
 #include "tags/contact_reading.h"
 
 #include <cstddef>
+#include <cstdint>
+#include <optional>
 
 #include "storage/phone_types.h"
-#include "tags/contact_record.h"
+#include "tags/contact_list.h"
 #include "tags/phone_kind.h"
 
 namespace tags {
+
+using platform::ContactsError;
+using platform::Failure;
+using platform::Result;
+
 namespace {
+
+constexpr int kAttempts = 3;
+constexpr std::uint32_t kPauseMilliseconds = 200;
+
+Result<void, ContactsError> ConnectTo(platform::ContactsStore& store, platform::Clock& clock) {
+  auto connected = store.Connect();
+  for (int attempt = 1; !connected && attempt < kAttempts; ++attempt) {
+    clock.Sleep(kPauseMilliseconds);
+    connected = store.Connect();
+  }
+  return connected;
+}
 
 /// The blank counts, and comes first also in an empty name.
 void AppendForRecording(std::u16string& name, const std::u16string& part) {
@@ -23,26 +42,37 @@ void AppendForTagList(std::u16string& name, const std::u16string& part) {
   }
 }
 
-TagText Failed(ContactReader reader, ContactFailure failure, PhoneKind kind = PhoneKind::kCar) {
-  TagText result;
-  result.failure = ContactMessage{failure, reader, kind};
-  return result;
+auto ReadFailed(ContactReader reader, ContactFailure failure, PhoneKind kind = PhoneKind::kCar) {
+  return Failure(ContactMessage{failure, reader, kind});
 }
 
-TagText AddNumber(platform::Contact& contact, std::u16string_view phoneType, ContactReader reader,
-                  const std::u16string& name) {
+ReadTagText AddNumber(platform::Contact& contact, std::u16string_view phoneType,
+                      ContactReader reader, const std::u16string& name) {
   const std::optional<storage::PhoneType> type = storage::FindPhoneType(phoneType);
   if (!type) {
-    return {name, false, std::nullopt};
+    return TagText{name, false};
   }
-  std::u16string number;
-  if (!contact.GetNumber(type->kind, number)) {
-    return Failed(reader, ContactFailure::kNumber, type->kind);
+  const auto number = contact.GetNumber(type->kind);
+  if (!number) {
+    return ReadFailed(reader, ContactFailure::kNumber, type->kind);
   }
-  return {name + u' ' + ToListNumber(number, type->kind), true, std::nullopt};
+  return TagText{name + u' ' + ToListNumber(*number, type->kind), true};
 }
 
 }  // namespace
+
+Result<void, ContactMessage> OpenContacts(platform::ContactsStore& store, platform::Clock& clock) {
+  if (!store.Initialize()) {
+    return ReadFailed(ContactReader::kLoading, ContactFailure::kServiceNotReady);
+  }
+  if (!ConnectTo(store, clock)) {
+    return ReadFailed(ContactReader::kLoading, ContactFailure::kNotConnected);
+  }
+  if (!store.Logon()) {
+    return ReadFailed(ContactReader::kLoading, ContactFailure::kNotLoggedOn);
+  }
+  return {};
+}
 
 void ReplaceIfFits(std::u16string& buffer, std::u16string_view text) {
   if (text.size() < kNameCapacity) {
@@ -50,53 +80,59 @@ void ReplaceIfFits(std::u16string& buffer, std::u16string_view text) {
   }
 }
 
-TagText ReadForRecording(platform::Contact& contact, std::u16string_view phoneType,
-                         ContactBuffers& buffers) {
+ReadTagText ReadForRecording(platform::Contact& contact, std::u16string_view phoneType,
+                             ContactBuffers& buffers) {
   constexpr ContactReader kReader = ContactReader::kRecording;
-  std::u16string part;
-  if (!contact.GetFirstName(part)) {
-    return Failed(kReader, ContactFailure::kFirstName);
+  const auto first = contact.GetFirstName();
+  if (!first) {
+    return ReadFailed(kReader, ContactFailure::kFirstName);
   }
-  ReplaceIfFits(buffers.name, part);
-  if (!contact.GetMiddleName(part)) {
-    return Failed(kReader, ContactFailure::kMiddleName);
+  ReplaceIfFits(buffers.name, *first);
+  const auto middle = contact.GetMiddleName();
+  if (!middle) {
+    return ReadFailed(kReader, ContactFailure::kMiddleName);
   }
-  AppendForRecording(buffers.name, part);
-  if (!contact.GetLastName(part)) {
-    return Failed(kReader, ContactFailure::kLastName);
+  AppendForRecording(buffers.name, *middle);
+  const auto last = contact.GetLastName();
+  if (!last) {
+    return ReadFailed(kReader, ContactFailure::kLastName);
   }
-  AppendForRecording(buffers.name, part);
-  if (!contact.GetCompanyName(part)) {
-    return Failed(kReader, ContactFailure::kCompanyName);
+  AppendForRecording(buffers.name, *last);
+  const auto company = contact.GetCompanyName();
+  if (!company) {
+    return ReadFailed(kReader, ContactFailure::kCompanyName);
   }
-  ReplaceIfFits(buffers.company, part);
+  ReplaceIfFits(buffers.company, *company);
   if (buffers.name.empty()) {
     buffers.name = buffers.company;
   }
   return AddNumber(contact, phoneType, kReader, buffers.name);
 }
 
-TagText ReadForTagList(platform::Contact& contact, std::u16string_view phoneType) {
+ReadTagText ReadForTagList(platform::Contact& contact, std::u16string_view phoneType) {
   constexpr ContactReader kReader = ContactReader::kTagList;
   std::u16string name;
-  std::u16string part;
-  if (!contact.GetFirstName(part)) {
-    return Failed(kReader, ContactFailure::kFirstName);
+  const auto first = contact.GetFirstName();
+  if (!first) {
+    return ReadFailed(kReader, ContactFailure::kFirstName);
   }
-  ReplaceIfFits(name, part);
-  if (!contact.GetMiddleName(part)) {
-    return Failed(kReader, ContactFailure::kMiddleName);
+  ReplaceIfFits(name, *first);
+  const auto middle = contact.GetMiddleName();
+  if (!middle) {
+    return ReadFailed(kReader, ContactFailure::kMiddleName);
   }
-  AppendForTagList(name, part);
-  if (!contact.GetLastName(part)) {
-    return Failed(kReader, ContactFailure::kLastName);
+  AppendForTagList(name, *middle);
+  const auto last = contact.GetLastName();
+  if (!last) {
+    return ReadFailed(kReader, ContactFailure::kLastName);
   }
-  AppendForTagList(name, part);
-  if (!contact.GetCompanyName(part)) {
-    return Failed(kReader, ContactFailure::kCompanyName);
+  AppendForTagList(name, *last);
+  const auto company = contact.GetCompanyName();
+  if (!company) {
+    return ReadFailed(kReader, ContactFailure::kCompanyName);
   }
   if (name.empty()) {
-    ReplaceIfFits(name, part);
+    ReplaceIfFits(name, *company);
   }
   return AddNumber(contact, phoneType, kReader, name);
 }

@@ -19,7 +19,6 @@
 #include "storage/tag_store.h"
 #include "storage/tag_trash.h"
 #include "tags/contact_picker.h"
-#include "tags/contact_view.h"
 #include "voicemath/voice_mathematics.h"
 
 namespace tags {
@@ -33,9 +32,7 @@ inline constexpr std::u16string_view kInstanceMutex = u"ZedraD";
 /// Owns what all pages share for the life of the sheet. Lives on the user-interface thread. While a
 /// recording runs its worker has the audio device, and this thread does not touch it; a worker that
 /// takes too long keeps it, and the page goes on with a new one.
-class Page_one : public framework::CPropertyPage,
-                 private ContactView,
-                 private maintenance::TagSession {
+class Page_one : public framework::CPropertyPage, private maintenance::TagSession {
  public:
   /// Makes the install folders. `platform` is kept as a copy; what it refers to outlives the page.
   Page_one(const platform::Platform& platform, const language::Texts& texts);
@@ -87,14 +84,8 @@ class Page_one : public framework::CPropertyPage,
   void TranslateControls();
   void ShowCount();
 
-  // Contacts: what the picker shows.
-  void AddContact(std::u16string_view name) override;
-  void SelectFirstContact() override;
-  void AddNumber(std::u16string_view text) override;
-  void RemoveNumbers() override;
-  void SelectFirstNumber() override;
-  [[nodiscard]] std::u16string GetFirstNumber() override;
-  void Report(const ContactMessage& message) override;
+  // Contacts.
+  void Report(const ContactMessage& message);
   void OnSelchangeComboName();
   void OnSelchangeComboNumber();
 

@@ -36,30 +36,28 @@ void Page_one::LoadTagList() {
 
 Page_one::LoadedTag Page_one::LoadTag(std::u16string_view tagName, std::int32_t& slot) {
   if (const auto entry = m_store.ReadEntry(tagName)) {
-    std::unique_ptr<platform::Contact> contact;
-    const auto lookup = entry->oid ? m_platform.contacts.GetItemFromOid(*entry->oid, contact)
-                                   : platform::ContactLookup::kFailed;
-    if (lookup == platform::ContactLookup::kAbsent) {
+    const platform::FoundContact contact =
+        entry->oid ? m_platform.contacts.GetItemFromOid(*entry->oid)
+                   : platform::Failure(platform::ContactsError::kFailed);
+    if (!contact && contact.error() == platform::ContactsError::kAbsent) {
       return DeleteStaleTag(tagName);
     }
-    TagText tag{.text = std::u16string(tagName), .hasNumber = true, .failure = {}};
-    if (lookup == platform::ContactLookup::kFound) {
-      tag = ReadForTagList(*contact, entry->phoneType);
-    }
-    // Where it cannot be told whose tag it is, it keeps its place under its own name, for no tag
-    // may be lost because its contacts were away.
-    if (tag.failure) {
-      Report(*tag.failure);
+    // If nobody knows whose tag it is, it keeps its place under its own name: no tag may be lost
+    // because its contacts were away.
+    const ReadTagText tag = contact ? ReadForTagList(**contact, entry->phoneType)
+                                    : TagText{.text = std::u16string(tagName), .hasNumber = true};
+    if (!tag) {
+      Report(tag.error());
       return LoadedTag::kFailed;
     }
     // The line and the record show the same text, cut where the record's field ends.
     storage::TagRecord shown;
-    shown.SetDisplayText(tag.text);
+    shown.SetDisplayText(tag->text);
     m_listText = shown.GetDisplayText();
     if (storage::TagRecord* record = m_tags.GetRecord(slot)) {
       record->SetTagName(tagName);
       // Without a number the record stays without a text, although the list has one.
-      if (tag.hasNumber) {
+      if (tag->hasNumber) {
         record->SetDisplayText(m_listText);
       }
     }

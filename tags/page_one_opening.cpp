@@ -1,11 +1,11 @@
-// The Learning page opens: contacts, tag list, buttons.
+// The Learning page opens, with contacts, tag list and buttons; the user chooses a contact.
 
 #include "framework/dialog.h"
 #include "language/formatting.h"
 #include "resources/dialogs.h"
 #include "resources/strings.h"
 #include "storage/folders.h"
-#include "tags/contact_opening.h"
+#include "tags/contact_reading.h"
 #include "tags/page_one.h"
 
 namespace tags {
@@ -15,7 +15,7 @@ Page_one::Page_one(const platform::Platform& platform, const language::Texts& te
       m_texts(texts),
       m_store(platform.files, platform.registry),
       m_trash(platform.files, platform.registry, platform.clock),
-      m_picker(platform.contacts, *this),
+      m_picker(platform.contacts, [this](const ContactMessage& message) { Report(message); }),
       m_mathematics(platform.files, platform.ui),
       m_reinitDialog(platform, texts),
       m_testDialog(platform, texts) {
@@ -80,11 +80,29 @@ bool Page_one::BecomeOnlyInstance() {
 }
 
 bool Page_one::OpenContacts() {
-  if (const auto failure = tags::OpenContacts(m_platform.contacts, m_platform.clock)) {
-    Report(*failure);
-    return false;
+  const auto opened = tags::OpenContacts(m_platform.contacts, m_platform.clock).and_then([this] {
+    return m_picker.Load(GetWindow());
+  });
+  if (!opened) {
+    Report(opened.error());
   }
-  return m_picker.Load();
+  return opened.has_value();
+}
+
+void Page_one::Report(const ContactMessage& message) {
+  m_platform.ui.ShowMessage(ToBox(message, m_texts));
+}
+
+void Page_one::OnSelchangeComboName() {
+  if (const auto selection = GetWindow().GetSelection(resources::kContactComboId)) {
+    m_picker.ListNumbers(GetWindow(), *selection);
+  }
+}
+
+void Page_one::OnSelchangeComboNumber() {
+  if (const auto selection = GetWindow().GetSelection(resources::kNumberComboId)) {
+    m_picker.ChooseNumber(GetWindow().GetItemText(resources::kNumberComboId, *selection));
+  }
 }
 
 void Page_one::EnableButtons() {

@@ -9,7 +9,6 @@
 #include "resources/strings.h"
 #include "storage/device_paths.h"
 #include "storage/folders.h"
-#include "tags/letters.h"
 #include "tags/page_one.h"
 #include "tags/utterance_recording.h"
 #include "voicemath/template_file.h"
@@ -77,7 +76,7 @@ bool Page_one::EnsureDataFolders() {
 
 bool Page_one::HasNumberChosen() {
   if (m_picker.GetPhoneTypeWord().empty()) {
-    m_picker.ChooseNumber(GetFirstNumber());
+    m_picker.ChooseNumber(GetWindow().GetItemText(resources::kNumberComboId, 0));
   }
   const std::u16string& word = m_picker.GetPhoneTypeWord();
   if (m_picker.GetOid() == 0 || word.empty() || !IsWordLetter(word.front())) {
@@ -162,13 +161,13 @@ void Page_one::ListNewTag(std::u16string_view tagName) {
   storage::TagRecord* record = m_tags.GetRecord(row);
   record->SetTagName(tagName);
   ++m_tags.tagCount;
-  const TagText tag = m_picker.ReadForTag();
-  if (tag.failure) {
+  const ReadTagText tag = m_picker.ReadForTag();
+  if (!tag) {
     // The tag is stored and counted; it is listed when the page opens next.
-    Report(*tag.failure);
+    Report(tag.error());
     return;
   }
-  record->SetDisplayText(tag.text);
+  record->SetDisplayText(tag->text);
   AppendToList(record->GetDisplayText(), tagName, row);
   m_playCode = m_audio->Play(m_recordingPath);
   platform::DialogWindow& window = GetWindow();

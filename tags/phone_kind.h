@@ -17,14 +17,21 @@ inline constexpr std::array kReadingOrder = {
     PhoneKind::kHome2,    PhoneKind::kHomeFax};
 static_assert(kReadingOrder.size() == platform::kPhoneKindCount);
 
-/// A number as the number combo box shows it: "555 Home2".
+/// Returns a number as the number combo box shows it: "555 Home2".
 [[nodiscard]] std::u16string ToComboItem(std::u16string_view number, PhoneKind kind);
 
-/// A number as it stands behind the name in the tag list: "555 H2".
+/// Returns a number as it stands after the name in the tag list: "555 H2".
 [[nodiscard]] std::u16string ToListNumber(std::u16string_view number, PhoneKind kind);
 
-/// What follows the last white space of an item of the number combo box: "Home2" of "555 Home2". An
-/// item without white space is kept whole.
+/// Returns what follows the last white space of an item of the number combo box: "Home2" of
+/// "555 Home2". Returns the whole item if it has no white space.
 [[nodiscard]] std::u16string_view PhoneTypeWord(std::u16string_view item);
+
+/// Whether a phone-type word can begin with this unit. The words that the system knows are ASCII,
+/// and letters of other scripts count as well. No word begins with a digit, a blank or a sign, as a
+/// bare number does.
+[[nodiscard]] constexpr bool IsWordLetter(char16_t unit) {
+  return (unit >= u'A' && unit <= u'Z') || (unit >= u'a' && unit <= u'z') || unit >= 0xC0;
+}
 
 }  // namespace tags

@@ -1,13 +1,11 @@
 #include "tags/tag_reader.h"
 
-#include <memory>
 #include <utility>
 
 #include "tags/contact_reading.h"
 
 namespace tags {
 
-using platform::ContactLookup;
 using platform::RegistryError;
 
 namespace {
@@ -20,18 +18,18 @@ std::u16string CutAsRecord(std::u16string_view text) {
 }
 
 void ReadContact(platform::ContactsStore& contacts, std::int32_t oid, ListedTag& tag) {
-  std::unique_ptr<platform::Contact> contact;
-  const ContactLookup lookup = contacts.GetItemFromOid(oid, contact);
-  tag.isStale = lookup == ContactLookup::kAbsent;
-  if (lookup != ContactLookup::kFound) {
+  const platform::FoundContact contact = contacts.GetItemFromOid(oid);
+  if (!contact) {
+    tag.isStale = contact.error() == platform::ContactsError::kAbsent;
     return;
   }
-  TagText read = ReadForTagList(*contact, tag.entry.phoneType);
-  tag.failure = read.failure;
-  if (!read.failure) {
-    tag.text = CutAsRecord(read.text);
-    tag.hasNumber = read.hasNumber;
+  const ReadTagText read = ReadForTagList(**contact, tag.entry.phoneType);
+  if (!read) {
+    tag.failure = read.error();
+    return;
   }
+  tag.text = CutAsRecord(read->text);
+  tag.hasNumber = read->hasNumber;
 }
 
 }  // namespace
@@ -59,6 +57,26 @@ platform::Result<std::vector<ListedTag>, RegistryError> ReadTags(
     tags.push_back(std::move(tag));
   }
   return tags;
+}
+
+platform::Result<std::vector<std::int32_t>, RegistryError> FindOidsInUse(
+    const storage::TagStore& store) {
+  const auto list = store.ListNames();
+  if (!list) {
+    return platform::Failure(list.error());
+  }
+  std::vector<std::int32_t> oids;
+  for (const std::u16string& name : list->names) {
+    const auto entry = store.ReadEntry(name);
+    // A value that is too long to be read names no contact either.
+    if (!entry && entry.error() != RegistryError::kInvalid) {
+      return platform::Failure(entry.error());
+    }
+    if (entry && entry->oid) {
+      oids.push_back(*entry->oid);
+    }
+  }
+  return oids;
 }
 
 storage::TagTable ToTable(const std::vector<ListedTag>& tags) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -32,6 +33,12 @@ struct ListedTag {
 /// the list of tags cannot be read.
 [[nodiscard]] platform::Result<std::vector<ListedTag>, platform::RegistryError> ReadTags(
     const storage::TagStore& store, platform::ContactsStore* contacts);
+
+/// Returns the identifiers of the contacts that tags were recorded for. A change of the address
+/// book must not lose them. A tag that names no contact has none, and a key that no path can name
+/// is no tag. Fails if some of them are not known.
+[[nodiscard]] platform::Result<std::vector<std::int32_t>, platform::RegistryError> FindOidsInUse(
+    const storage::TagStore& store);
 
 /// The tags that are not stale as the pages know them.
 [[nodiscard]] storage::TagTable ToTable(const std::vector<ListedTag>& tags);

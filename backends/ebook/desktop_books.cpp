@@ -18,9 +18,9 @@
 namespace ebook {
 namespace {
 
+using platform::BooksError;
 using platform::DesktopBook;
 using platform::DesktopBooks;
-using platform::DesktopBooksError;
 using platform::Failure;
 
 static_assert(
@@ -119,7 +119,7 @@ class Reading {
     try {
       books = ReadEnabledBooks();
     } catch (const std::exception& error) {
-      books = Failure(DesktopBooksError{.reason = error.what()});
+      books = Failure(BooksError{.reason = error.what()});
     }
     const std::lock_guard lock(m_mutex);
     m_books = std::move(books);
@@ -131,9 +131,8 @@ class Reading {
     std::unique_lock lock(m_mutex);
     if (!m_isDone.wait_for(lock, limit, [this] { return m_books.has_value(); })) {
       g_cancellable_cancel(m_cancellable.get());
-      return Failure(DesktopBooksError{
-          m_hasAnswer ? DesktopBooksError::Kind::kUnreadable : DesktopBooksError::Kind::kNoAnswer,
-          {}});
+      return Failure(BooksError{
+          m_hasAnswer ? BooksError::Kind::kUnreadable : BooksError::Kind::kNoAnswer, {}});
     }
     return std::move(*m_books);
   }
@@ -142,25 +141,24 @@ class Reading {
   [[nodiscard]] DesktopBooks ReadEnabledBooks() {
     GCancellable* const cancellable = m_cancellable.get();
     if (!IsSessionRunning(cancellable)) {
-      return Failure(
-          DesktopBooksError{DesktopBooksError::Kind::kNoAnswer, "no desktop session is running"});
+      return Failure(BooksError{BooksError::Kind::kNoAnswer, "no desktop session is running"});
     }
     CallError error;
     const ObjectPointer<ESourceRegistry> registry(
         e_source_registry_new_sync(cancellable, error.Receive()));
     if (!registry) {
-      return Failure(DesktopBooksError{DesktopBooksError::Kind::kNoAnswer, error.TakeText()});
+      return Failure(BooksError{BooksError::Kind::kNoAnswer, error.TakeText()});
     }
     m_hasAnswer = true;
     const ObjectList sources = ListEnabledBooks(*registry);
     std::vector<DesktopBook> books;
     for (const GList* node = sources.get(); node != nullptr; node = node->next) {
       if (g_cancellable_is_cancelled(cancellable) != FALSE) {
-        return Failure(DesktopBooksError{});
+        return Failure(BooksError{});
       }
       auto book = ReadBook(*static_cast<ESource*>(node->data), cancellable);
       if (!book) {
-        return Failure(DesktopBooksError{.reason = book.error()});
+        return Failure(BooksError{.reason = book.error()});
       }
       books.push_back(std::move(*book));
     }
@@ -183,6 +181,6 @@ void VoxtrelReadDesktopBooks(std::uint32_t milliseconds, platform::DesktopBooks&
     std::thread([reading] { reading->Run(); }).detach();
     books = reading->Wait(std::chrono::milliseconds(milliseconds));
   } catch (const std::exception& error) {
-    books = platform::Failure(platform::DesktopBooksError{.reason = error.what()});
+    books = platform::Failure(platform::BooksError{.reason = error.what()});
   }
 }

@@ -9,38 +9,26 @@
 
 namespace vcard {
 
-using platform::ContactLookup;
+using platform::BooksError;
+using platform::ContactsError;
+using platform::ContactText;
+using platform::Failure;
 using platform::RegistryError;
+using platform::Result;
 
 class AddressBooks::ReadContact final : public platform::Contact {
  public:
   explicit ReadContact(std::shared_ptr<const StoredContact> contact)
       : m_contact(std::move(contact)) {}
 
-  [[nodiscard]] bool GetFirstName(std::u16string& text) override {
-    text = m_contact->data.firstName;
-    return true;
+  [[nodiscard]] ContactText GetFirstName() override { return m_contact->data.firstName; }
+  [[nodiscard]] ContactText GetMiddleName() override { return m_contact->data.middleName; }
+  [[nodiscard]] ContactText GetLastName() override { return m_contact->data.lastName; }
+  [[nodiscard]] ContactText GetCompanyName() override { return m_contact->data.companyName; }
+  [[nodiscard]] ContactText GetNumber(platform::PhoneKind kind) override {
+    return m_contact->data.numbers[static_cast<std::size_t>(kind)];
   }
-  [[nodiscard]] bool GetMiddleName(std::u16string& text) override {
-    text = m_contact->data.middleName;
-    return true;
-  }
-  [[nodiscard]] bool GetLastName(std::u16string& text) override {
-    text = m_contact->data.lastName;
-    return true;
-  }
-  [[nodiscard]] bool GetCompanyName(std::u16string& text) override {
-    text = m_contact->data.companyName;
-    return true;
-  }
-  [[nodiscard]] bool GetNumber(platform::PhoneKind kind, std::u16string& text) override {
-    text = m_contact->data.numbers[static_cast<std::size_t>(kind)];
-    return true;
-  }
-  [[nodiscard]] bool GetOid(std::int32_t& oid) override {
-    oid = m_contact->oid;
-    return true;
-  }
+  [[nodiscard]] Result<std::int32_t, ContactsError> GetOid() override { return m_contact->oid; }
 
  private:
   std::shared_ptr<const StoredContact> m_contact;
@@ -50,44 +38,56 @@ AddressBooks::AddressBooks(platform::FileSystem& files, platform::Registry& regi
                            Options options)
     : m_files(files), m_registry(registry), m_options(std::move(options)), m_oids(registry) {}
 
-bool AddressBooks::Initialize() { return true; }
+Result<void, ContactsError> AddressBooks::Initialize() { return {}; }
 
-bool AddressBooks::Connect() {
-  m_problem = Problem::kNone;
+Result<void, ContactsError> AddressBooks::Connect() {
+  m_problem.reset();
   m_choice = m_options.choice;
   m_choiceRemarks.clear();
-  const bool isReady =
-      (m_choice || RecallChoice(m_registry, m_choice, m_choiceRemarks)) && m_oids.Load();
-  return isReady || Fail(Problem::kStore);
+  bool isReady = true;
+  if (!m_choice) {
+    auto recalled = RecallChoice(m_registry, m_choiceRemarks);
+    isReady = recalled.has_value();
+    m_choice = std::move(recalled).value_or(std::nullopt);
+  }
+  if (!isReady || !m_oids.Load()) {
+    m_problem = Problem::kStore;
+    return Failure(ContactsError::kFailed);
+  }
+  return {};
 }
 
-bool AddressBooks::Logon() {
+Result<void, ContactsError> AddressBooks::Logon() {
   Logoff();
-  m_problem = Problem::kNone;
+  m_problem.reset();
   m_reason.clear();
   m_bookRemarks.clear();
-  const bool isReady = (m_choice ? LogonTo(*m_choice) : LogonToDefault()) && RememberChoice();
-  if (!isReady) {
+  const Done done = (m_choice ? LogonTo(*m_choice) : LogonToDefault()).and_then([this] {
+    return RememberChoice();
+  });
+  if (!done) {
     Logoff();
+    m_problem = done.error();
+    return Failure(ContactsError::kFailed);
   }
-  return isReady;
+  return {};
 }
 
-bool AddressBooks::RememberChoice() {
+AddressBooks::Done AddressBooks::RememberChoice() {
   if (!m_options.choice || m_options.changesNothing) {
-    return true;
+    return {};
   }
   const auto remembered = vcard::RememberChoice(m_registry, *m_options.choice);
   if (remembered) {
-    return true;
+    return {};
   }
   const RegistryError error = remembered.error();
   if (error != RegistryError::kFull && error != RegistryError::kReadOnly) {
-    return Fail(Problem::kStore);
+    return Failure(Problem::kStore);
   }
   m_bookRemarks.push_back(
       {std::u16string(kContactsKey), 0, "the choice of the address book cannot be remembered"});
-  return true;
+  return {};
 }
 
 std::vector<Remark> AddressBooks::GetRemarks() const {
@@ -98,134 +98,126 @@ std::vector<Remark> AddressBooks::GetRemarks() const {
   return remarks;
 }
 
-bool AddressBooks::LogonTo(const SourceChoice& choice) {
-  std::vector<Book> books;
+AddressBooks::Done AddressBooks::LogonTo(const SourceChoice& choice) {
   VcardSource file(m_files, choice.path);
-  const ReadResult result = choice.path.empty() ? ReadDesktop(books) : file.Read(books);
-  if (!choice.path.empty()) {
-    m_bookRemarks = file.GetRemarks();
+  auto read = choice.path.empty() ? ReadDesktop() : ReadFrom(file);
+  if (!read) {
+    return Failure(read.error().kind == BooksError::Kind::kNoAnswer ? Problem::kNoServer
+                                                                    : Problem::kUnreadable);
   }
-  if (result != ReadResult::kRead) {
-    return Fail(result == ReadResult::kNoAnswer ? Problem::kNoServer : Problem::kUnreadable);
-  }
-  return TakeContacts(books);
+  return TakeContacts(std::move(*read));
 }
 
-bool AddressBooks::LogonToDefault() {
-  std::vector<Book> books;
-  const ReadResult result = ReadDesktop(books);
-  const bool hasContacts = std::any_of(books.begin(), books.end(),
-                                       [](const Book& book) { return !book.contacts.empty(); });
-  if (hasContacts && TakeContacts(books)) {
-    return true;
+// Nobody has chosen an address book yet. A desktop that comes up, goes away or fails must not take
+// the place of the file that tags were recorded with, nor the file that of the desktop. So the
+// desktop counts if it has the contacts of all tags. Otherwise the default file does, which then
+// has to have them.
+AddressBooks::Done AddressBooks::LogonToDefault() {
+  auto desktop = ReadDesktop();
+  const bool hasContacts =
+      desktop && std::any_of(desktop->begin(), desktop->end(),
+                             [](const Book& book) { return !book.contacts.empty(); });
+  if (hasContacts) {
+    const Done taken = TakeContacts(std::move(*desktop));
+    if (taken || taken.error() == Problem::kStore) {
+      return taken;
+    }
+    Logoff();
   }
-  if (m_problem == Problem::kStore) {
-    return false;  // Which book the tags belong to is not known.
+  const bool isUnreadable = !desktop && desktop.error().kind == BooksError::Kind::kUnreadable;
+  if (isUnreadable && GetOidsInUse().value_or(std::vector<std::int32_t>()).empty()) {
+    return Failure(Problem::kUnreadable);
   }
-  Logoff();
-  // A desktop that comes up, or fails, after tags were recorded with the file changes nothing.
-  if (result == ReadResult::kUnreadable && !IsAnyOidInUse()) {
-    return Fail(Problem::kUnreadable);
-  }
-  const bool isReady = LogonTo({m_options.defaultPath});
-  if (m_problem != Problem::kUnreadable || m_files.Find(m_options.defaultPath)) {
-    return isReady;
+  const Done done = LogonTo({m_options.defaultPath});
+  if (done || done.error() != Problem::kUnreadable || m_files.Find(m_options.defaultPath)) {
+    return done;
   }
   // There is no such file.
-  m_problem = hasContacts ? Problem::kTagsElsewhere : Problem::kNothingChosen;
-  const bool isNewcomer = !hasContacts && IsNoOidInUse();
-  if (isNewcomer && m_options.nothingFound) {
+  if (hasContacts) {
+    return Failure(Problem::kTagsElsewhere);
+  }
+  if (const Oids inUse = GetOidsInUse(); !inUse || !inUse->empty()) {
+    return Failure(Problem::kNothingChosen);
+  }
+  m_problem = Problem::kNothingChosen;
+  if (m_options.nothingFound) {
     m_options.nothingFound();
   }
-  return isNewcomer;
+  return {};
 }
 
-ReadResult AddressBooks::ReadDesktop(std::vector<Book>& books) {
+ReadBooks AddressBooks::ReadFrom(ContactSource& source) {
+  RemarkList remarks;
+  auto read = source.Read(remarks);
+  m_bookRemarks = remarks.GetAll();
+  return read;
+}
+
+ReadBooks AddressBooks::ReadDesktop() {
   if (m_options.desktop == nullptr) {
-    return ReadResult::kNoAnswer;
+    return Failure(BooksError{BooksError::Kind::kNoAnswer, {}});
   }
-  const ReadResult result = m_options.desktop->Read(books);
-  m_reason = m_options.desktop->GetReason();
-  m_bookRemarks = m_options.desktop->GetRemarks();
-  return result;
+  auto read = ReadFrom(*m_options.desktop);
+  m_reason = read ? std::string() : read.error().reason;
+  return read;
 }
 
-bool AddressBooks::Fail(Problem problem) {
-  m_problem = problem;
-  return false;
-}
-
-bool AddressBooks::TakeContacts(std::vector<Book>& books) {
+AddressBooks::Done AddressBooks::TakeContacts(std::vector<Book> books) {
   const OidMap::Keeping keeping =
       m_options.changesNothing ? OidMap::Keeping::kInMemory : OidMap::Keeping::kStored;
-  std::vector<std::vector<std::int32_t>> oids;
-  if (!m_oids.Assign(books, keeping, oids)) {
-    return Fail(Problem::kStore);
+  const auto oids = m_oids.Assign(books, keeping);
+  if (!oids) {
+    return Failure(Problem::kStore);
   }
   for (std::size_t i = 0; i < books.size(); ++i) {
     for (std::size_t j = 0; j < books[i].contacts.size(); ++j) {
-      m_indexes.emplace(oids[i][j], m_contacts.size());
-      m_contacts.push_back(std::make_shared<StoredContact>(
-          StoredContact{std::move(books[i].contacts[j]), oids[i][j]}));
+      const std::int32_t oid = (*oids)[i][j];
+      m_indexes.emplace(oid, m_contacts.size());
+      m_contacts.push_back(
+          std::make_shared<StoredContact>(StoredContact{std::move(books[i].contacts[j]), oid}));
     }
     if (books[i].isComplete) {
       m_completeBooks.push_back(books[i].name);
     }
   }
-  return IsEveryOidInUseKnown();
+  return CheckOidsInUse();
 }
 
-bool AddressBooks::IsAnyOidInUse() const {
-  const auto oids = m_options.oidsInUse ? m_options.oidsInUse() : std::nullopt;
-  return oids && !oids->empty();
+AddressBooks::Oids AddressBooks::GetOidsInUse() const {
+  return m_options.oidsInUse ? m_options.oidsInUse() : std::vector<std::int32_t>();
 }
 
-bool AddressBooks::IsNoOidInUse() const {
-  const auto oids = m_options.oidsInUse ? m_options.oidsInUse() : std::vector<std::int32_t>();
-  return oids && oids->empty();
-}
-
-bool AddressBooks::IsEveryOidInUseKnown() {
-  if (!m_options.oidsInUse) {
-    return true;
-  }
-  const std::optional<std::vector<std::int32_t>> oids = m_options.oidsInUse();
+AddressBooks::Done AddressBooks::CheckOidsInUse() const {
+  const Oids oids = GetOidsInUse();
   if (!oids) {
-    return Fail(Problem::kStore);
+    return Failure(Problem::kStore);
   }
-  const bool isKnown = std::none_of(oids->begin(), oids->end(), [this](std::int32_t oid) {
-    return Find(oid) == ContactLookup::kFailed;
+  const bool areKnown = std::all_of(oids->begin(), oids->end(), [this](std::int32_t oid) {
+    return m_indexes.contains(oid) || IsGone(oid);
   });
-  return isKnown || Fail(Problem::kTagsElsewhere);
+  return areKnown ? Done() : Failure(Problem::kTagsElsewhere);
 }
 
-ContactLookup AddressBooks::Find(std::int32_t oid) const {
-  if (m_indexes.contains(oid)) {
-    return ContactLookup::kFound;
-  }
-  const bool isGone =
-      std::any_of(m_completeBooks.begin(), m_completeBooks.end(),
-                  [&](const std::u16string& book) { return m_oids.Belongs(oid, book); });
-  return isGone ? ContactLookup::kAbsent : ContactLookup::kFailed;
+bool AddressBooks::IsGone(std::int32_t oid) const {
+  return std::any_of(m_completeBooks.begin(), m_completeBooks.end(),
+                     [&](const std::u16string& book) { return m_oids.Belongs(oid, book); });
 }
 
 std::int32_t AddressBooks::GetCount() { return static_cast<std::int32_t>(m_contacts.size()); }
 
-platform::ContactItem AddressBooks::GetItem(std::int32_t index) {
+platform::FoundContact AddressBooks::GetItem(std::int32_t index) {
   if (index < 1 || index > GetCount()) {
-    return {};
+    return Failure(ContactsError::kFailed);
   }
-  return {true, std::make_unique<ReadContact>(m_contacts[static_cast<std::size_t>(index) - 1])};
+  return std::make_unique<ReadContact>(m_contacts[static_cast<std::size_t>(index) - 1]);
 }
 
-ContactLookup AddressBooks::GetItemFromOid(std::int32_t oid,
-                                           std::unique_ptr<platform::Contact>& contact) {
+platform::FoundContact AddressBooks::GetItemFromOid(std::int32_t oid) {
   const auto found = m_indexes.find(oid);
   if (found == m_indexes.end()) {
-    return Find(oid);
+    return Failure(IsGone(oid) ? ContactsError::kAbsent : ContactsError::kFailed);
   }
-  contact = std::make_unique<ReadContact>(m_contacts[found->second]);
-  return ContactLookup::kFound;
+  return std::make_unique<ReadContact>(m_contacts[found->second]);
 }
 
 void AddressBooks::Logoff() {

@@ -19,24 +19,24 @@ namespace vcard {
 
 /// Contacts of the desktop's address books or of vCard files, read whole at the log-on.
 ///
-/// Guards what the user recorded: a contact counts as absent only where its own address book was
-/// read to its end in this log-on and does not hold it. Where a number in use belongs to a book
-/// that was not read so, the log-on fails.
+/// Guards what the user recorded: a contact counts as absent only if its own address book was read
+/// to its end in this log-on and does not hold it. If a number in use belongs to a book that was
+/// not read so, the log-on fails.
 class AddressBooks final : public platform::ContactsStore {
  public:
   struct Options {
     /// What the user asked for this time; it is remembered once a log-on to it succeeded.
     std::optional<SourceChoice> choice;
 
-    /// Read where nothing was ever chosen and the desktop offers no contacts, or not those of the
+    /// Is read if nothing was ever chosen and the desktop offers no contacts, or not those of the
     /// tags.
     std::u16string defaultPath = u"\\contacts.vcf";
 
-    /// The numbers of contacts that must not be lost: those of the recorded tags; nothing where
-    /// that cannot be told. Without the function none is in use.
-    std::function<std::optional<std::vector<std::int32_t>>()> oidsInUse;
+    /// Returns the numbers of contacts that must not be lost, which are those of the recorded tags.
+    /// Fails if nobody knows them. Without the function none is in use.
+    std::function<platform::Result<std::vector<std::int32_t>, platform::RegistryError>()> oidsInUse;
 
-    /// Told at each log-on of a newcomer, who has no contacts and no tags.
+    /// Called at each log-on of a newcomer, who has no contacts and no tags.
     std::function<void()> nothingFound;
 
     /// Nothing is written to the registry: no choice is remembered, and a contact without a number
@@ -44,40 +44,38 @@ class AddressBooks final : public platform::ContactsStore {
     /// remark, if something is to be written and the registry takes no writes or is full.
     bool changesNothing = false;
 
-    /// The desktop's address books; without them nobody answers for the desktop.
+    /// The desktop's address books. Without them nobody answers for the desktop.
     ContactSource* desktop = nullptr;
   };
 
-  /// Why the latest Connect or Logon failed, or found nothing, for who can tell the user more than
-  /// that it did.
+  /// Why a Connect or Logon failed or found nothing.
   enum class Problem : std::uint8_t {
-    kNone,
     kStore,       ///< The registry could not be read or written.
     kNoServer,    ///< The desktop's address books do not answer.
     kUnreadable,  ///< The desktop's address books, or the file, cannot be read to the end.
-    /// Nothing was ever chosen, the desktop has no contacts, and the default is not there. Fails
-    /// only where there are tags; a newcomer has no contacts.
+    /// Nothing was ever chosen, the desktop has no contacts, and the default is not there. The
+    /// log-on of a newcomer, who has no tags, succeeds all the same.
     kNothingChosen,
     kTagsElsewhere,  ///< Contacts of tags are in another address book, or may be.
   };
 
   AddressBooks(platform::FileSystem& files, platform::Registry& registry, Options options);
 
-  [[nodiscard]] bool Initialize() override;
-  [[nodiscard]] bool Connect() override;
-  [[nodiscard]] bool Logon() override;
+  [[nodiscard]] platform::Result<void, platform::ContactsError> Initialize() override;
+  [[nodiscard]] platform::Result<void, platform::ContactsError> Connect() override;
+  [[nodiscard]] platform::Result<void, platform::ContactsError> Logon() override;
   [[nodiscard]] std::int32_t GetCount() override;
-  [[nodiscard]] platform::ContactItem GetItem(std::int32_t index) override;
-  [[nodiscard]] platform::ContactLookup GetItemFromOid(
-      std::int32_t oid, std::unique_ptr<platform::Contact>& contact) override;
+  [[nodiscard]] platform::FoundContact GetItem(std::int32_t index) override;
+  [[nodiscard]] platform::FoundContact GetItemFromOid(std::int32_t oid) override;
   void Logoff() override;
 
-  [[nodiscard]] Problem GetProblem() const { return m_problem; }
-  /// Why the desktop's address books could not be read, where they were asked in the latest Logon
-  /// and said so.
+  /// Returns the problem of the latest Connect or Logon. Returns nothing if there was none.
+  [[nodiscard]] std::optional<Problem> GetProblem() const { return m_problem; }
+  /// Returns why the desktop's address books could not be read in the latest Logon. Returns an
+  /// empty text if they could, were not asked, or gave no reason.
   [[nodiscard]] const std::string& GetReason() const { return m_reason; }
-  /// What the latest Connect and Logon passed over: in the address books that were read, then in
-  /// the registry.
+  /// Returns what the latest Connect and Logon passed over: in the address books that were read,
+  /// then in the registry.
   [[nodiscard]] std::vector<Remark> GetRemarks() const;
 
  private:
@@ -87,17 +85,19 @@ class AddressBooks final : public platform::ContactsStore {
   };
   class ReadContact;
 
-  [[nodiscard]] bool LogonTo(const SourceChoice& choice);
-  [[nodiscard]] bool RememberChoice();
-  [[nodiscard]] bool LogonToDefault();
-  [[nodiscard]] ReadResult ReadDesktop(std::vector<Book>& books);
-  [[nodiscard]] bool Fail(Problem problem);
-  [[nodiscard]] bool TakeContacts(std::vector<Book>& books);
-  [[nodiscard]] bool IsAnyOidInUse() const;
-  /// Not the opposite: where it cannot be told, neither is true.
-  [[nodiscard]] bool IsNoOidInUse() const;
-  [[nodiscard]] bool IsEveryOidInUseKnown();
-  [[nodiscard]] platform::ContactLookup Find(std::int32_t oid) const;
+  using Done = platform::Result<void, Problem>;
+  using Oids = platform::Result<std::vector<std::int32_t>, platform::RegistryError>;
+
+  [[nodiscard]] Done LogonTo(const SourceChoice& choice);
+  [[nodiscard]] Done LogonToDefault();
+  [[nodiscard]] Done RememberChoice();
+  [[nodiscard]] ReadBooks ReadFrom(ContactSource& source);
+  [[nodiscard]] ReadBooks ReadDesktop();
+  [[nodiscard]] Done TakeContacts(std::vector<Book> books);
+  [[nodiscard]] Oids GetOidsInUse() const;
+  [[nodiscard]] Done CheckOidsInUse() const;
+  /// Whether the contact was in a book that was read to its end, and is there no more.
+  [[nodiscard]] bool IsGone(std::int32_t oid) const;
 
   platform::FileSystem& m_files;
   platform::Registry& m_registry;
@@ -107,7 +107,7 @@ class AddressBooks final : public platform::ContactsStore {
   std::vector<std::shared_ptr<const StoredContact>> m_contacts;
   std::unordered_map<std::int32_t, std::size_t> m_indexes;  ///< By oid.
   std::vector<std::u16string> m_completeBooks;              ///< Names.
-  Problem m_problem = Problem::kNone;
+  std::optional<Problem> m_problem;
   std::string m_reason;
   std::vector<Remark> m_bookRemarks;
   std::vector<Remark> m_choiceRemarks;

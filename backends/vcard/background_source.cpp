@@ -4,30 +4,25 @@
 
 namespace vcard {
 
-ReadResult BackgroundSource::Read(std::vector<Book>& books) {
-  ReadResult result = ReadResult::kUnreadable;
-  const auto body = [&] { result = ReadInner(books); };
+ReadBooks BackgroundSource::Read(RemarkList& remarks) {
+  ReadBooks read = platform::Failure(platform::BooksError());
+  const auto body = [&] { read = ReadInner(remarks); };
   if (const auto thread = m_threads.Start(body, platform::ThreadStart::kRunning)) {
     // Should the wait fail, the end of the handle still waits for the thread.
     static_cast<void>(thread->Wait(platform::kNoLimit));
   } else {
     body();
   }
-  return result;
+  return read;
 }
 
-ReadResult BackgroundSource::ReadInner(std::vector<Book>& books) {
+ReadBooks BackgroundSource::ReadInner(RemarkList& remarks) {
   // A thread that lets an exception out ends the process.
   try {
-    const ReadResult result = m_inner.Read(books);
-    m_reason = m_inner.GetReason();
-    m_remarks = m_inner.GetRemarks();
-    return result;
+    return m_inner.Read(remarks);
   } catch (const std::exception& error) {
-    books.clear();
-    m_remarks.clear();
-    m_reason = error.what();
-    return ReadResult::kUnreadable;
+    remarks.Clear();
+    return platform::Failure(platform::BooksError{.reason = error.what()});
   }
 }
 

@@ -52,34 +52,23 @@ Book ToBook(const platform::DesktopBook& read, RemarkList& remarks) {
 DesktopSource::DesktopSource(Load load, std::chrono::milliseconds limit)
     : m_load(std::move(load)), m_limit(limit) {}
 
-ReadResult DesktopSource::Read(std::vector<Book>& books) {
-  books.clear();
-  m_remarks.Clear();
-  m_reason.clear();
+ReadBooks DesktopSource::Read(RemarkList& remarks) {
   const Library read = m_load();
   if (!read) {
-    m_reason = read.error();
-    return ReadResult::kNoAnswer;
+    return platform::Failure(
+        platform::BooksError{platform::BooksError::Kind::kNoAnswer, read.error()});
   }
   platform::DesktopBooks desktop;
   (*read)(static_cast<std::uint32_t>(m_limit.count()), desktop);
   if (!desktop) {
-    m_reason = std::move(desktop.error().reason);
-    return desktop.error().kind == platform::DesktopBooksError::Kind::kNoAnswer
-               ? ReadResult::kNoAnswer
-               : ReadResult::kUnreadable;
+    return platform::Failure(std::move(desktop.error()));
   }
-  std::transform(desktop->begin(), desktop->end(), std::back_inserter(books),
-                 [this](const platform::DesktopBook& book) { return ToBook(book, m_remarks); });
-  return ReadResult::kRead;
-}
-
-std::vector<Remark> DesktopSource::GetRemarks() const {
-  std::vector<Remark> remarks = m_remarks.GetAll();
-  for (Remark& remark : remarks) {
-    remark.line = 0;
+  std::vector<Book> books;
+  for (const platform::DesktopBook& book : *desktop) {
+    books.push_back(ToBook(book, remarks));
   }
-  return remarks;
+  remarks.ForgetLines();
+  return books;
 }
 
 }  // namespace vcard

@@ -3,7 +3,6 @@
 #include <chrono>
 #include <functional>
 #include <string>
-#include <vector>
 
 #include "backends/vcard/contact_source.h"
 #include "platform/desktop_books.h"
@@ -22,17 +21,13 @@ class DesktopSource final : public ContactSource {
   /// `limit` is how long all books together may take.
   explicit DesktopSource(Load load, std::chrono::milliseconds limit = std::chrono::seconds(20));
 
-  /// Loads the library; without it nobody answers.
-  [[nodiscard]] ReadResult Read(std::vector<Book>& books) override;
-  [[nodiscard]] std::string GetReason() const override { return m_reason; }
-  /// Without lines, since nobody can look up those of what a server hands over.
-  [[nodiscard]] std::vector<Remark> GetRemarks() const override;
+  /// Loads the library. Without it nobody answers. The remarks have no lines, since nobody can look
+  /// up the lines of what a server hands over.
+  [[nodiscard]] ReadBooks Read(RemarkList& remarks) override;
 
  private:
   const Load m_load;
   const std::chrono::milliseconds m_limit;
-  std::string m_reason;
-  RemarkList m_remarks;
 };
 
 }  // namespace vcard

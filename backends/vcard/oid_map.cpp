@@ -47,22 +47,28 @@ Person Learn(const CardKeys& card, const Person* known) {
 
 }  // namespace
 
-bool OidMap::Load() {
+Result<void, RegistryError> OidMap::Load() {
   m_books.clear();
   m_taken.clear();
   m_remarks.clear();
   m_lastKeyNumber = 0;
   const platform::OpenedKey opened = m_registry.OpenKey(kContactsKey);
+  if (!opened && opened.error() == RegistryError::kNotFound) {
+    return {};
+  }
   if (!opened) {
-    return opened.error() == RegistryError::kNotFound;
+    return Failure(opened.error());
   }
   for (std::uint32_t i = 0;; ++i) {
     const auto keyName = (*opened)->EnumerateSubkey(i);
-    if (keyName && !*keyName) {
-      return true;
+    if (!keyName) {
+      return Failure(keyName.error());
     }
-    if (!keyName || !LoadBook(**keyName)) {
-      return false;
+    if (!*keyName) {
+      return {};
+    }
+    if (auto loaded = LoadBook(**keyName); !loaded) {
+      return loaded;
     }
   }
 }
@@ -102,21 +108,19 @@ Result<void, RegistryError> OidMap::LoadBook(const std::u16string& keyName) {
       m_taken);
 }
 
-bool OidMap::Assign(std::span<const Book> books, Keeping keeping,
-                    std::vector<std::vector<std::int32_t>>& oids) {
-  oids = Recognise(books);
+Result<OidMap::Oids, RegistryError> OidMap::Assign(std::span<const Book> books, Keeping keeping) {
+  Oids oids = Recognise(books);
   if (keeping == Keeping::kInMemory || !HasChanged()) {
-    return true;
+    return oids;
   }
   if (const auto stored = Store(books); !stored) {
     if (stored.error() != RegistryError::kFull && stored.error() != RegistryError::kReadOnly) {
-      return false;
+      return Failure(stored.error());
     }
     NoteUnkept(stored.error());
   }
   // Again, as another process may have given numbers since.
-  oids = Recognise(books);
-  return true;
+  return Recognise(books);
 }
 
 void OidMap::NoteUnkept(RegistryError error) {
@@ -133,6 +137,7 @@ Result<void, RegistryError> OidMap::Store(std::span<const Book> books) {
     return Failure(group.error());
   }
   // Another process may have given numbers since; within the group nobody else can.
+  // A store that cannot be read is none that takes no writes.
   if (!Load()) {
     return Failure(RegistryError::kOther);
   }
@@ -174,8 +179,8 @@ Result<void, RegistryError> OidMap::StoreBook(const Book& book) {
   return known.contacts.Save(**opened);
 }
 
-std::vector<std::vector<std::int32_t>> OidMap::Recognise(std::span<const Book> books) {
-  std::vector<std::vector<std::int32_t>> oids;
+OidMap::Oids OidMap::Recognise(std::span<const Book> books) {
+  Oids oids;
   for (const Book& book : books) {
     oids.push_back(Recognise(book));
   }

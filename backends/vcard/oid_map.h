@@ -26,22 +26,23 @@ class OidMap {
  public:
   explicit OidMap(platform::Registry& registry) : m_registry(registry) {}
 
-  /// Reads the numbers that were given so far. Returns false if the registry cannot be asked. If
-  /// other programs left something there that makes no sense, it is passed over, and GetRemarks
-  /// names it.
-  [[nodiscard]] bool Load();
+  /// Reads the numbers that were given so far. Fails if the registry cannot be asked. If other
+  /// programs left something there that makes no sense, it is passed over, and GetRemarks names it.
+  [[nodiscard]] platform::Result<void, platform::RegistryError> Load();
 
   enum class Keeping : std::uint8_t {
     kStored,    ///< In one durable change.
     kInMemory,  ///< Nothing is written; new numbers are those that kStored would give.
   };
 
-  /// Stores the number of each contact of each book, in the same order, in `oids`; contacts that
-  /// have none are given one. If the registry takes no writes, or is full, they are known to this
-  /// map alone, as with kInMemory, and a remark says so. Returns false if it fails otherwise. Then
-  /// the map has to be loaded again.
-  [[nodiscard]] bool Assign(std::span<const Book> books, Keeping keeping,
-                            std::vector<std::vector<std::int32_t>>& oids);
+  /// The number of each contact, in the order of the contacts of a book; one list for each book.
+  using Oids = std::vector<std::vector<std::int32_t>>;
+
+  /// Returns the numbers of all contacts of `books`. Contacts that have none are given one. If the
+  /// registry takes no writes, or is full, the new ones are known to this map alone, as with
+  /// kInMemory, and a remark says so. If this fails otherwise, the map has to be loaded again.
+  [[nodiscard]] platform::Result<Oids, platform::RegistryError> Assign(std::span<const Book> books,
+                                                                       Keeping keeping);
 
   /// Whether the number was given to a contact of this book.
   [[nodiscard]] bool Belongs(std::int32_t oid, std::u16string_view source) const;
@@ -60,7 +61,7 @@ class OidMap {
   [[nodiscard]] platform::Result<void, platform::RegistryError> Store(std::span<const Book> books);
   [[nodiscard]] platform::Result<void, platform::RegistryError> StoreBook(const Book& book);
   /// Recognises the contacts of each book, and notes what is new of them.
-  [[nodiscard]] std::vector<std::vector<std::int32_t>> Recognise(std::span<const Book> books);
+  [[nodiscard]] Oids Recognise(std::span<const Book> books);
   [[nodiscard]] std::vector<std::int32_t> Recognise(const Book& book);
   [[nodiscard]] bool HasChanged() const;
   void NoteUnkept(platform::RegistryError error);

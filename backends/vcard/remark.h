@@ -35,6 +35,13 @@ class RemarkList {
     }
   }
 
+  /// For remarks about lines that nobody can look up.
+  void ForgetLines() {
+    for (Remark& remark : m_remarks) {
+      remark.line = 0;
+    }
+  }
+
   /// Those that were kept, then one that says how many more there were, if there were any.
   [[nodiscard]] std::vector<Remark> GetAll() const {
     std::vector<Remark> all = m_remarks;

@@ -9,7 +9,9 @@
 
 namespace vcard {
 
+using platform::Failure;
 using platform::RegistryError;
+using platform::Result;
 
 namespace {
 
@@ -31,37 +33,35 @@ SourceChoice ParseChoice(std::u16string_view text) {
   return {text::FromHostName((error ? written : absolute.lexically_normal()).native())};
 }
 
-bool RecallChoice(platform::Registry& registry, std::optional<SourceChoice>& choice,
-                  std::vector<Remark>& remarks) {
-  choice.reset();
+Result<std::optional<SourceChoice>, RegistryError> RecallChoice(platform::Registry& registry,
+                                                                std::vector<Remark>& remarks) {
   const platform::OpenedKey opened = registry.OpenKey(kContactsKey);
-  if (!opened) {
-    return opened.error() == RegistryError::kNotFound;
+  const auto value = opened ? (*opened)->Query(kChoiceValue) : Failure(opened.error());
+  if (!value && value.error() == RegistryError::kNotFound) {
+    return std::nullopt;
   }
-  const auto value = (*opened)->Query(kChoiceValue);
   if (!value) {
-    return value.error() == RegistryError::kNotFound;
+    return Failure(value.error());
   }
   const std::optional<std::u16string> text = text::ToText(*value);
   if (!text || text->empty()) {
     remarks.push_back({std::u16string(kContactsKey), 0,
                        "the value \"chosen\" names no address book and is passed over"});
-    return true;
+    return std::nullopt;
   }
-  choice = *text == kDesktop ? SourceChoice{} : SourceChoice{*text};
-  return true;
+  return *text == kDesktop ? SourceChoice{} : SourceChoice{*text};
 }
 
-platform::Result<void, RegistryError> RememberChoice(platform::Registry& registry,
-                                                     const SourceChoice& choice) {
-  std::optional<SourceChoice> remembered;
+Result<void, RegistryError> RememberChoice(platform::Registry& registry,
+                                           const SourceChoice& choice) {
   std::vector<Remark> ignored;  // What is odd gives way to the user's own choice.
-  if (RecallChoice(registry, remembered, ignored) && remembered == choice) {
+  if (const auto remembered = RecallChoice(registry, ignored);
+      remembered && *remembered == choice) {
     return {};
   }
   const platform::OpenedKey opened = registry.CreateKey(kContactsKey);
   if (!opened) {
-    return platform::Failure(opened.error());
+    return Failure(opened.error());
   }
   return text::SetText(**opened, kChoiceValue, choice.path.empty() ? kDesktop : choice.path);
 }

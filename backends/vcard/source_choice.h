@@ -21,11 +21,10 @@ struct SourceChoice {
 /// so that it means the same wherever the system is started the next time.
 [[nodiscard]] SourceChoice ParseChoice(std::u16string_view text);
 
-/// Stores the remembered choice in `choice`, or nothing if there is none. A value of another
-/// program that is no choice is named in `remarks` and counts as none. Returns false if the
-/// registry cannot be asked.
-[[nodiscard]] bool RecallChoice(platform::Registry& registry, std::optional<SourceChoice>& choice,
-                                std::vector<Remark>& remarks);
+/// Returns the remembered choice. Returns nothing if there is none. A value of another program that
+/// is no choice is named in `remarks` and counts as none. Fails if the registry cannot be asked.
+[[nodiscard]] platform::Result<std::optional<SourceChoice>, platform::RegistryError> RecallChoice(
+    platform::Registry& registry, std::vector<Remark>& remarks);
 
 /// Writes nothing if this choice is remembered already.
 [[nodiscard]] platform::Result<void, platform::RegistryError> RememberChoice(

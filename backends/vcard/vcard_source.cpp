@@ -5,12 +5,12 @@
 #include <cstddef>
 #include <memory>
 #include <utility>
+#include <vector>
 
 namespace vcard {
 
 using platform::Failure;
 using platform::FileError;
-using platform::Result;
 
 namespace {
 
@@ -42,30 +42,30 @@ VcardSource::VcardSource(platform::FileSystem& files, std::u16string path)
   }
 }
 
-ReadResult VcardSource::Read(std::vector<Book>& books) {
-  books.clear();
-  m_remarks.Clear();
+ReadBooks VcardSource::Read(RemarkList& remarks) {
   const auto search = m_files.Find(m_path);
   const auto found = search ? (*search)->Next() : Failure(search.error());
   if (!found || !*found) {
-    return ReadResult::kUnreadable;
+    return Failure(platform::BooksError());
   }
   Book book;
   book.name = u"vcard:" + m_path;
   book.isComplete = true;
-  const bool isRead = (*found)->isFolder ? ReadFolder(book) : ReadFile(m_path, book).has_value();
-  if (!isRead || book.contacts.empty()) {
-    return ReadResult::kUnreadable;
+  const auto read =
+      (*found)->isFolder ? ReadFolder(book, remarks) : ReadFile(m_path, book, remarks);
+  if (!read || book.contacts.empty()) {
+    return Failure(platform::BooksError());
   }
+  std::vector<Book> books;
   books.push_back(std::move(book));
-  return ReadResult::kRead;
+  return books;
 }
 
-bool VcardSource::ReadFolder(Book& book) {
+VcardSource::ReadPart VcardSource::ReadFolder(Book& book, RemarkList& remarks) {
   const std::u16string prefix = m_path + SeparatorOf(m_path);
   auto search = m_files.Find(prefix + u"*.vcf");
   if (!search) {
-    return false;
+    return Failure(search.error());
   }
   std::vector<std::u16string> names;
   auto found = (*search)->Next();
@@ -75,28 +75,32 @@ bool VcardSource::ReadFolder(Book& book) {
     }
   }
   if (!found) {
-    return false;
+    return Failure(found.error());
   }
   search->reset();
   std::sort(names.begin(), names.end());
-  return std::all_of(names.begin(), names.end(), [&](const std::u16string& name) {
-    return ReadFileOfFolder(prefix + name, book);
-  });
+  for (const std::u16string& name : names) {
+    if (auto read = ReadFileOfFolder(prefix + name, book, remarks); !read) {
+      return read;
+    }
+  }
+  return {};
 }
 
-bool VcardSource::ReadFileOfFolder(const std::u16string& path, Book& book) {
+VcardSource::ReadPart VcardSource::ReadFileOfFolder(const std::u16string& path, Book& book,
+                                                    RemarkList& remarks) {
   const std::size_t before = book.contacts.size();
-  if (const auto read = ReadFile(path, book); !read) {
+  if (auto read = ReadFile(path, book, remarks); !read) {
     const char* const sentence = PassOver(read.error());
     if (sentence == nullptr) {
-      return false;
+      return read;
     }
-    m_remarks.Add({path, 0, sentence});
+    remarks.Add({path, 0, sentence});
   } else if (book.contacts.size() == before) {
-    m_remarks.Add({path, 0, "the file holds no whole card"});
+    remarks.Add({path, 0, "the file holds no whole card"});
   }
   book.isComplete = book.isComplete && book.contacts.size() > before;
-  return true;
+  return {};
 }
 
 bool VcardSource::IsLink(const std::u16string& path) const {
@@ -106,14 +110,15 @@ bool VcardSource::IsLink(const std::u16string& path) const {
   return !file && file.error() == FileError::kLink;
 }
 
-Result<void, FileError> VcardSource::ReadFile(const std::u16string& path, Book& book) {
+VcardSource::ReadPart VcardSource::ReadFile(const std::u16string& path, Book& book,
+                                            RemarkList& remarks) {
   const auto file = m_files.Open(path, {platform::FileAccess::kRead, platform::FileShare::kRead,
                                         platform::FileCreation::kOpenExisting});
   if (!file) {
     const bool isCircle = file.error() == FileError::kOther && IsLink(path);
     return Failure(isCircle ? FileError::kLink : file.error());
   }
-  CardReader reader(path, kMaxContacts, book, m_remarks);
+  CardReader reader(path, kMaxContacts, book, remarks);
   const auto chunk = std::make_unique<std::array<std::byte, kChunkSize>>();
   std::uint64_t total = 0;
   std::size_t length = kChunkSize;

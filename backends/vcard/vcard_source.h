@@ -1,7 +1,6 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
 #include "backends/vcard/card_reader.h"
 #include "backends/vcard/contact_source.h"
@@ -25,19 +24,19 @@ class VcardSource final : public ContactSource {
   /// link, only that file is passed over. So is a link that cannot be followed, as one in a circle.
   /// A source without a single card is unreadable: an empty file or folder is more likely one that
   /// was lost, or not mounted, than one whose last contact was deleted.
-  [[nodiscard]] ReadResult Read(std::vector<Book>& books) override;
-  [[nodiscard]] std::vector<Remark> GetRemarks() const override { return m_remarks.GetAll(); }
+  [[nodiscard]] ReadBooks Read(RemarkList& remarks) override;
 
  private:
-  [[nodiscard]] bool ReadFolder(Book& book);
-  [[nodiscard]] bool ReadFileOfFolder(const std::u16string& path, Book& book);
+  using ReadPart = platform::Result<void, platform::FileError>;
+
+  [[nodiscard]] ReadPart ReadFolder(Book& book, RemarkList& remarks);
+  [[nodiscard]] ReadPart ReadFileOfFolder(const std::u16string& path, Book& book,
+                                          RemarkList& remarks);
+  [[nodiscard]] ReadPart ReadFile(const std::u16string& path, Book& book, RemarkList& remarks);
   [[nodiscard]] bool IsLink(const std::u16string& path) const;
-  [[nodiscard]] platform::Result<void, platform::FileError> ReadFile(const std::u16string& path,
-                                                                     Book& book);
 
   platform::FileSystem& m_files;
   std::u16string m_path;
-  RemarkList m_remarks;
 };
 
 }  // namespace vcard

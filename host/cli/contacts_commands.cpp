@@ -3,17 +3,19 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "backends/headless/headless_dialog.h"
 #include "backends/text/utf.h"
+#include "framework/dialog.h"
 #include "host/cli/commands.h"
-#include "host/cli/contact_lists.h"
 #include "host/cli/output.h"
 #include "host/cli/page_run.h"
 #include "host/cli/tag_reading.h"
-#include "storage/device_paths.h"
-#include "tags/contact_opening.h"
+#include "resources/dialogs.h"
+#include "tags/contact_picker.h"
 
 namespace cli {
 namespace {
@@ -41,19 +43,18 @@ void Print(const std::vector<ListedContact>& contacts) {
   }
 }
 
-void ListContacts(Session& session) {
+void ShowContacts(Session& session) {
   if (!session.OpenForReading()) {
     return;
   }
   const platform::Platform platform = session.GetPlatform();
   const language::Texts texts = LoadTexts(session);
-  platform::ContactsStore& store = session.GetContacts();
-  const auto failure = tags::OpenContacts(store, platform.clock);
+  const auto opened = tags::OpenContacts(session.GetContacts(), platform.clock);
   for (const std::string& remark : DescribeContactRemarks(session)) {
     PrintErrorLine(remark);
   }
-  if (failure) {
-    platform.ui.ShowMessage(tags::ToBox(*failure, texts));
+  if (!opened) {
+    platform.ui.ShowMessage(tags::ToBox(opened.error(), texts));
     session.Fail(ExplainContactsProblem(session));
     return;
   }
@@ -63,21 +64,21 @@ void ListContacts(Session& session) {
   }
   // Only for what it says on standard error: no tag is needed here.
   static_cast<void>(ListTagNames(session));
-  std::vector<ListedContact> contacts;
-  if (!ListContacts(store, platform.ui, texts, contacts)) {
+  const auto contacts = ListContacts(session, texts);
+  if (!contacts) {
     session.Fail("the contacts cannot be listed");
     return;
   }
   if (session.GetOptions().json) {
     Json list = Json::array();
-    for (const ListedContact& contact : contacts) {
+    for (const ListedContact& contact : *contacts) {
       list.push_back(ToJson(contact));
     }
     PrintJson(list);
-  } else if (contacts.empty()) {
+  } else if (contacts->empty()) {
     PrintLine("No contact has a telephone number.");
   } else {
-    Print(contacts);
+    Print(*contacts);
   }
 }
 
@@ -88,6 +89,31 @@ std::string ExplainStoreProblem(Session& session) {
 }
 
 }  // namespace
+
+// The numbers come from the page's own boxes, in a window that nobody sees. So they are in the same
+// order as on the page.
+platform::Result<std::vector<ListedContact>, tags::ContactMessage> ListContacts(
+    Session& session, const language::Texts& texts) {
+  platform::Ui& ui = session.GetPlatform().ui;
+  const auto report = [&](const tags::ContactMessage& message) {
+    ui.ShowMessage(tags::ToBox(message, texts));
+  };
+  framework::CDialog page(resources::kLearningDialog, ui);
+  headless::HeadlessDialog boxes(resources::kLearningDialog, page, nullptr);
+  tags::ContactPicker picker(session.GetContacts(), report);
+  if (const auto loaded = picker.Load(boxes); !loaded) {
+    report(loaded.error());
+    return platform::Failure(loaded.error());
+  }
+  std::vector<ListedContact> listed;
+  for (std::int32_t i = 0; i < picker.GetContacts().GetCount(); ++i) {
+    const tags::ContactRecord& record = *picker.GetContacts().Find(i);
+    picker.ListNumbers(boxes, i);
+    listed.push_back({i + 1, record.oid, std::u16string(record.GetName()),
+                      boxes.GetItems(resources::kNumberComboId)});
+  }
+  return listed;
+}
 
 std::vector<std::string> DescribeContactRemarks(Session& session) {
   std::vector<std::string> described;
@@ -103,7 +129,11 @@ std::vector<std::string> DescribeContactRemarks(Session& session) {
 std::string ExplainContactsProblem(Session& session) {
   const std::string& reason = session.GetContacts().GetReason();
   const std::string because = reason.empty() ? std::string() : " (" + reason + ")";
-  switch (session.GetContacts().GetProblem()) {
+  const std::optional<Problem> problem = session.GetContacts().GetProblem();
+  if (!problem) {
+    return "the contacts cannot be read";
+  }
+  switch (*problem) {
     case Problem::kStore:
       return ExplainStoreProblem(session);
     case Problem::kNoServer:
@@ -121,19 +151,17 @@ std::string ExplainContactsProblem(Session& session) {
           "there as vCards, or choose them with --contacts FILE",
           because, (session.GetRegistryPath().parent_path() / "contacts.vcf").string());
     case Problem::kTagsElsewhere:
-      return "voice tags belong to contacts that this address book does not have; nothing was "
-             "changed. Choose the address book they were recorded with, or delete the tags";
-    case Problem::kNone:
       break;
   }
-  return "the contacts cannot be read";
+  return "voice tags belong to contacts that this address book does not have; nothing was "
+         "changed. Choose the address book they were recorded with, or delete the tags";
 }
 
 void AddContactsCommands(CLI::App& app, Session& session) {
   CLI::App* contacts = app.add_subcommand("contacts", "Look at the contacts");
   contacts->require_subcommand(1);
   contacts->add_subcommand("list", "List the contacts that have a number, and their numbers")
-      ->callback([&session] { ListContacts(session); });
+      ->callback([&session] { ShowContacts(session); });
 }
 
 }  // namespace cli

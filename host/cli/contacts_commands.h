@@ -1,16 +1,33 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
 #include "host/cli/session.h"
+#include "language/texts.h"
+#include "platform/result.h"
+#include "tags/contact_messages.h"
 
 namespace cli {
 
-/// What the latest log-on to the contacts passed over, each as "FILE:LINE: sentence".
+/// One contact as both combo boxes of the Learning page show it.
+struct ListedContact {
+  std::int32_t index = 0;  ///< From 1, in the contact combo box.
+  std::int32_t oid = 0;
+  std::u16string name;
+  std::vector<std::u16string> numbers;  ///< In the order of the number combo box.
+};
+
+/// Returns every contact that the page offers. The contacts are open. If something hinders that, it
+/// is shown in the words of `texts`. Fails if the page would not open.
+[[nodiscard]] platform::Result<std::vector<ListedContact>, tags::ContactMessage> ListContacts(
+    Session& session, const language::Texts& texts);
+
+/// Returns what the latest log-on to the contacts passed over, each as "FILE:LINE: sentence".
 [[nodiscard]] std::vector<std::string> DescribeContactRemarks(Session& session);
 
-/// What a user can do about a log-on to the contacts that failed.
+/// Returns what a user can do about a log-on to the contacts that failed or found none.
 [[nodiscard]] std::string ExplainContactsProblem(Session& session);
 
 }  // namespace cli

@@ -21,7 +21,6 @@
 #include "storage/registry_keys.h"
 #include "storage/store_contents.h"
 #include "storage/tag_store.h"
-#include "tags/contact_opening.h"
 #include "tags/contact_reading.h"
 #include "tags/page_one.h"
 
@@ -68,13 +67,13 @@ bool ReadTags(Session& session, const platform::Platform& platform, CheckedStore
 
 /// What the list shows for the tag, as long as the contacts are open.
 std::string ReadListText(const platform::Platform& platform, const std::u16string& tag) {
-  std::unique_ptr<platform::Contact> contact;
-  const storage::TagStore store(platform.files, platform.registry);
-  const auto entry = store.ReadEntry(tag);
-  const bool isFound =
-      !tag.empty() && entry && entry->oid &&
-      platform.contacts.GetItemFromOid(*entry->oid, contact) == platform::ContactLookup::kFound;
-  return isFound ? text::ToUtf8(tags::ReadForTagList(*contact, entry->phoneType).text) : "";
+  const auto entry = storage::TagStore(platform.files, platform.registry).ReadEntry(tag);
+  if (tag.empty() || !entry || !entry->oid) {
+    return "";
+  }
+  const auto contact = platform.contacts.GetItemFromOid(*entry->oid);
+  const auto read = contact ? tags::ReadForTagList(**contact, entry->phoneType) : tags::TagText{};
+  return read ? text::ToUtf8(read->text) : "";
 }
 
 CheckedStore FindProblems(Session& session, const platform::Platform& platform) {
@@ -83,7 +82,7 @@ CheckedStore FindProblems(Session& session, const platform::Platform& platform) 
     return checked;
   }
   const bool hasTags = checked.tagCount > 0;
-  const bool isAway = hasTags && tags::OpenContacts(platform.contacts, platform.clock);
+  const bool isAway = hasTags && !tags::OpenContacts(platform.contacts, platform.clock);
   if (isAway) {
     checked.findings.push_back({{StoreProblem::kContactsAway, {}, {}},
                                 fmt::format("{}: {}", Describe(StoreProblem::kContactsAway),

@@ -13,9 +13,13 @@
 #include "resources/strings.h"
 #include "storage/device_paths.h"
 #include "storage/tag_store.h"
-#include "tags/contact_opening.h"
+#include "tags/contact_reading.h"
 
 namespace cli {
+
+using platform::ContactsError;
+using platform::Result;
+
 namespace {
 
 /// The user's contacts for a page that can do without them: if they cannot be read the log-on
@@ -30,14 +34,13 @@ class ContactsIfReadable final : public platform::ContactsStore {
   [[nodiscard]] bool AreRead() const { return m_areRead; }
 
   // All of it happens at the log-on, so that each step may fail.
-  [[nodiscard]] bool Initialize() override { return true; }
-  [[nodiscard]] bool Connect() override { return true; }
-  [[nodiscard]] bool Logon() override;
+  [[nodiscard]] Result<void, ContactsError> Initialize() override { return {}; }
+  [[nodiscard]] Result<void, ContactsError> Connect() override { return {}; }
+  [[nodiscard]] Result<void, ContactsError> Logon() override;
 
   [[nodiscard]] std::int32_t GetCount() override;
-  [[nodiscard]] platform::ContactItem GetItem(std::int32_t index) override;
-  [[nodiscard]] platform::ContactLookup GetItemFromOid(
-      std::int32_t oid, std::unique_ptr<platform::Contact>& contact) override;
+  [[nodiscard]] platform::FoundContact GetItem(std::int32_t index) override;
+  [[nodiscard]] platform::FoundContact GetItemFromOid(std::int32_t oid) override;
   void Logoff() override;
 
  private:
@@ -46,20 +49,19 @@ class ContactsIfReadable final : public platform::ContactsStore {
   bool m_areRead = false;
 };
 
-bool ContactsIfReadable::Logon() {
-  m_areRead = !tags::OpenContacts(m_contacts, m_clock);
-  return true;
+Result<void, ContactsError> ContactsIfReadable::Logon() {
+  m_areRead = tags::OpenContacts(m_contacts, m_clock).has_value();
+  return {};
 }
 
 std::int32_t ContactsIfReadable::GetCount() { return m_areRead ? m_contacts.GetCount() : 0; }
 
-platform::ContactItem ContactsIfReadable::GetItem(std::int32_t index) {
-  return m_areRead ? m_contacts.GetItem(index) : platform::ContactItem{};
+platform::FoundContact ContactsIfReadable::GetItem(std::int32_t index) {
+  return m_areRead ? m_contacts.GetItem(index) : platform::Failure(ContactsError::kFailed);
 }
 
-platform::ContactLookup ContactsIfReadable::GetItemFromOid(
-    std::int32_t oid, std::unique_ptr<platform::Contact>& contact) {
-  return m_areRead ? m_contacts.GetItemFromOid(oid, contact) : platform::ContactLookup::kFailed;
+platform::FoundContact ContactsIfReadable::GetItemFromOid(std::int32_t oid) {
+  return m_areRead ? m_contacts.GetItemFromOid(oid) : platform::Failure(ContactsError::kFailed);
 }
 
 void ContactsIfReadable::Logoff() {

@@ -6,11 +6,10 @@
 #include <utility>
 #include <vector>
 
-#include "host/cli/contact_lists.h"
 #include "host/cli/contacts_commands.h"
 #include "host/cli/output.h"
 #include "host/cli/tag_reading.h"
-#include "tags/contact_opening.h"
+#include "tags/contact_reading.h"
 
 namespace cli {
 namespace {
@@ -23,18 +22,17 @@ struct FoundContacts {
 
 FoundContacts FindContacts(Session& session) {
   const platform::Platform platform = session.GetPlatform();
-  platform::ContactsStore& store = session.GetContacts();
-  if (tags::OpenContacts(store, platform.clock)) {
+  if (!tags::OpenContacts(session.GetContacts(), platform.clock)) {
     return {0, ExplainContactsProblem(session), DescribeContactRemarks(session)};
   }
   if (session.GetContacts().GetProblem() == vcard::AddressBooks::Problem::kNothingChosen) {
     return {0, ExplainContactsProblem(session), {}};
   }
-  std::vector<ListedContact> contacts;
-  if (!ListContacts(store, platform.ui, language::Texts(nullptr), contacts)) {
+  const auto contacts = ListContacts(session, language::Texts(nullptr));
+  if (!contacts) {
     return {0, "the contacts cannot be listed", {}};
   }
-  return {contacts.size(), contacts.empty() ? "no contact has a telephone number" : "",
+  return {contacts->size(), contacts->empty() ? "no contact has a telephone number" : "",
           DescribeContactRemarks(session)};
 }
 

@@ -10,7 +10,7 @@
 #include "storage/device_paths.h"
 #include "storage/registry_file.h"
 #include "storage/registry_keys.h"
-#include "tags/contact_opening.h"
+#include "tags/contact_reading.h"
 
 namespace cli {
 namespace {
@@ -76,7 +76,7 @@ bool ReadTags(Session& session, std::vector<tags::ListedTag>& tags) {
   if (names->empty()) {
     return true;
   }
-  const bool hasContacts = !tags::OpenContacts(platform.contacts, platform.clock);
+  const bool hasContacts = tags::OpenContacts(platform.contacts, platform.clock).has_value();
   auto read = ReadAtOnce(platform, hasContacts);
   if (!hasContacts && read) {
     WarnOfContacts(session);

@@ -14,8 +14,8 @@
 #include "storage/device_paths.h"
 #include "storage/registry_keys.h"
 #include "storage/tag_store.h"
-#include "tags/oids_in_use.h"
 #include "tags/page_one.h"
+#include "tags/tag_reader.h"
 
 namespace machine {
 namespace {

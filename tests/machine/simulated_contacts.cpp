@@ -5,7 +5,8 @@
 
 namespace machine {
 
-using platform::ContactLookup;
+using platform::ContactsError;
+using platform::Failure;
 
 namespace {
 
@@ -14,33 +15,33 @@ class LiveContact final : public platform::Contact {
   explicit LiveContact(std::shared_ptr<const SimulatedContact> contact)
       : m_contact(std::move(contact)) {}
 
-  [[nodiscard]] bool GetFirstName(std::u16string& text) override {
-    return Give(m_contact->firstName, m_contact->firstNameFails, text);
+  [[nodiscard]] platform::ContactText GetFirstName() override {
+    return Give(m_contact->firstName, m_contact->firstNameFails);
   }
-  [[nodiscard]] bool GetMiddleName(std::u16string& text) override {
-    return Give(m_contact->middleName, m_contact->middleNameFails, text);
+  [[nodiscard]] platform::ContactText GetMiddleName() override {
+    return Give(m_contact->middleName, m_contact->middleNameFails);
   }
-  [[nodiscard]] bool GetLastName(std::u16string& text) override {
-    return Give(m_contact->lastName, m_contact->lastNameFails, text);
+  [[nodiscard]] platform::ContactText GetLastName() override {
+    return Give(m_contact->lastName, m_contact->lastNameFails);
   }
-  [[nodiscard]] bool GetCompanyName(std::u16string& text) override {
-    return Give(m_contact->companyName, m_contact->companyNameFails, text);
+  [[nodiscard]] platform::ContactText GetCompanyName() override {
+    return Give(m_contact->companyName, m_contact->companyNameFails);
   }
-  [[nodiscard]] bool GetNumber(platform::PhoneKind kind, std::u16string& text) override {
+  [[nodiscard]] platform::ContactText GetNumber(platform::PhoneKind kind) override {
     const auto code = static_cast<std::size_t>(kind);
-    return Give(m_contact->numbers[code], m_contact->numberFails[code], text);
+    return Give(m_contact->numbers[code], m_contact->numberFails[code]);
   }
-  [[nodiscard]] bool GetOid(std::int32_t& oid) override {
-    return Give(m_contact->oid, m_contact->oidFails, oid);
+  [[nodiscard]] platform::Result<std::int32_t, ContactsError> GetOid() override {
+    return Give(m_contact->oid, m_contact->oidFails);
   }
 
  private:
   template <typename T>
-  [[nodiscard]] static bool Give(const T& value, bool fails, T& to) {
-    if (!fails) {
-      to = value;
+  [[nodiscard]] static platform::Result<T, ContactsError> Give(const T& value, bool fails) {
+    if (fails) {
+      return Failure(ContactsError::kFailed);
     }
-    return !fails;
+    return value;
   }
 
   std::shared_ptr<const SimulatedContact> m_contact;
@@ -60,7 +61,7 @@ void SimulatedContacts::AddFailingItem() { m_settings.push_back({true, nullptr})
 void SimulatedContacts::Remove(std::int32_t oid) {
   std::erase_if(m_settings,
                 [oid](const Item& item) { return item.contact && item.contact->oid == oid; });
-  m_lookups[oid] = ContactLookup::kAbsent;
+  m_lookups[oid] = ContactsError::kAbsent;
 }
 
 int SimulatedContacts::CountCalls(Opening step) const {
@@ -68,46 +69,43 @@ int SimulatedContacts::CountCalls(Opening step) const {
   return calls == m_calls.end() ? 0 : calls->second;
 }
 
-bool SimulatedContacts::Logon() {
+SimulatedContacts::Opened SimulatedContacts::Logon() {
   Logoff();
-  if (!Succeeds(Opening::kLogon)) {
-    return false;
+  const Opened opened = Open(Opening::kLogon);
+  if (opened) {
+    m_items = m_settings;
+    m_isLoggedOn = true;
   }
-  m_items = m_settings;
-  m_isLoggedOn = true;
-  return true;
+  return opened;
 }
 
 std::int32_t SimulatedContacts::GetCount() { return static_cast<std::int32_t>(m_items.size()); }
 
-platform::ContactItem SimulatedContacts::GetItem(std::int32_t index) {
+platform::FoundContact SimulatedContacts::GetItem(std::int32_t index) {
   if (index < 1 || index > GetCount()) {
-    return {};
+    return Failure(ContactsError::kFailed);
   }
   const Item& item = m_items[static_cast<std::size_t>(index) - 1];
-  return {!item.fails, item.contact ? std::make_unique<LiveContact>(item.contact) : nullptr};
+  if (item.fails) {
+    return Failure(ContactsError::kFailed);
+  }
+  return item.contact ? std::make_unique<LiveContact>(item.contact) : nullptr;
 }
 
-ContactLookup SimulatedContacts::GetItemFromOid(std::int32_t oid,
-                                                std::unique_ptr<platform::Contact>& contact) {
+platform::FoundContact SimulatedContacts::GetItemFromOid(std::int32_t oid) {
   if (!m_isLoggedOn) {
-    return ContactLookup::kFailed;
+    return Failure(ContactsError::kFailed);
+  }
+  if (const auto set = m_lookups.find(oid); set != m_lookups.end()) {
+    return Failure(set->second);
   }
   const auto item = std::find_if(m_items.begin(), m_items.end(), [oid](const Item& each) {
     return each.contact && each.contact->oid == oid;
   });
-  const auto set = m_lookups.find(oid);
-  const ContactLookup lookup = set != m_lookups.end()  ? set->second
-                               : item != m_items.end() ? ContactLookup::kFound
-                                                       : ContactLookup::kAbsent;
-  if (lookup != ContactLookup::kFound) {
-    return lookup;
-  }
   if (item == m_items.end()) {
-    return ContactLookup::kAbsent;
+    return Failure(ContactsError::kAbsent);
   }
-  contact = std::make_unique<LiveContact>(item->contact);
-  return ContactLookup::kFound;
+  return std::make_unique<LiveContact>(item->contact);
 }
 
 void SimulatedContacts::Logoff() {
@@ -115,14 +113,14 @@ void SimulatedContacts::Logoff() {
   m_isLoggedOn = false;
 }
 
-bool SimulatedContacts::Succeeds(Opening step) {
+SimulatedContacts::Opened SimulatedContacts::Open(Opening step) {
   ++m_calls[step];
   int& failures = m_failures[step];
   if (failures == 0) {
-    return true;
+    return {};
   }
   failures -= failures > 0 ? 1 : 0;
-  return false;
+  return Failure(ContactsError::kFailed);
 }
 
 }  // namespace machine

@@ -40,6 +40,7 @@ class SimulatedContacts final : public platform::ContactsStore {
  public:
   enum class Opening : std::uint8_t { kInitialize, kConnect, kLogon };
   static constexpr int kAlways = -1;
+  using Opened = platform::Result<void, platform::ContactsError>;
 
   // The collection, in the order of these calls. What is added counts from the next log-on.
 
@@ -54,20 +55,19 @@ class SimulatedContacts final : public platform::ContactsStore {
   /// Lets the next `times` calls of a step of opening fail.
   void FailOpening(Opening step, int times = kAlways) { m_failures[step] = times; }
 
-  /// What GetItemFromOid gives for `oid`, instead of the answer of the collection.
-  void SetLookup(std::int32_t oid, platform::ContactLookup lookup) { m_lookups[oid] = lookup; }
+  /// Lets GetItemFromOid fail for `oid`, instead of answering from the collection.
+  void SetLookup(std::int32_t oid, platform::ContactsError error) { m_lookups[oid] = error; }
 
   /// Calls of a step so far.
   [[nodiscard]] int CountCalls(Opening step) const;
   [[nodiscard]] bool IsLoggedOn() const { return m_isLoggedOn; }
 
-  [[nodiscard]] bool Initialize() override { return Succeeds(Opening::kInitialize); }
-  [[nodiscard]] bool Connect() override { return Succeeds(Opening::kConnect); }
-  [[nodiscard]] bool Logon() override;
+  [[nodiscard]] Opened Initialize() override { return Open(Opening::kInitialize); }
+  [[nodiscard]] Opened Connect() override { return Open(Opening::kConnect); }
+  [[nodiscard]] Opened Logon() override;
   [[nodiscard]] std::int32_t GetCount() override;
-  [[nodiscard]] platform::ContactItem GetItem(std::int32_t index) override;
-  [[nodiscard]] platform::ContactLookup GetItemFromOid(
-      std::int32_t oid, std::unique_ptr<platform::Contact>& contact) override;
+  [[nodiscard]] platform::FoundContact GetItem(std::int32_t index) override;
+  [[nodiscard]] platform::FoundContact GetItemFromOid(std::int32_t oid) override;
   void Logoff() override;
 
  private:
@@ -76,14 +76,14 @@ class SimulatedContacts final : public platform::ContactsStore {
     std::shared_ptr<SimulatedContact> contact;
   };
 
-  [[nodiscard]] bool Succeeds(Opening step);
+  [[nodiscard]] Opened Open(Opening step);
 
   std::vector<Item> m_settings;
   std::vector<Item> m_items;  ///< Of this log-on.
   bool m_isLoggedOn = false;
   std::map<Opening, int> m_failures;
   std::map<Opening, int> m_calls;
-  std::map<std::int32_t, platform::ContactLookup> m_lookups;
+  std::map<std::int32_t, platform::ContactsError> m_lookups;
 };
 
 }  // namespace machine

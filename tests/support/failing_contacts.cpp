@@ -1,10 +1,15 @@
 #include "tests/support/failing_contacts.h"
 
 #include <memory>
-#include <string>
 #include <utility>
 
 namespace support {
+
+using platform::ContactsError;
+using platform::ContactText;
+using platform::Failure;
+using platform::FoundContact;
+
 namespace {
 
 class FailingContact final : public platform::Contact {
@@ -12,59 +17,63 @@ class FailingContact final : public platform::Contact {
   FailingContact(FaultPlan& plan, std::unique_ptr<platform::Contact> contact)
       : m_plan(plan), m_contact(std::move(contact)) {}
 
-  bool GetFirstName(std::u16string& text) override {
-    return !m_plan.NextFails() && m_contact->GetFirstName(text);
+  ContactText GetFirstName() override {
+    return m_plan.NextFails() ? kFailed : m_contact->GetFirstName();
   }
-  bool GetMiddleName(std::u16string& text) override {
-    return !m_plan.NextFails() && m_contact->GetMiddleName(text);
+  ContactText GetMiddleName() override {
+    return m_plan.NextFails() ? kFailed : m_contact->GetMiddleName();
   }
-  bool GetLastName(std::u16string& text) override {
-    return !m_plan.NextFails() && m_contact->GetLastName(text);
+  ContactText GetLastName() override {
+    return m_plan.NextFails() ? kFailed : m_contact->GetLastName();
   }
-  bool GetCompanyName(std::u16string& text) override {
-    return !m_plan.NextFails() && m_contact->GetCompanyName(text);
+  ContactText GetCompanyName() override {
+    return m_plan.NextFails() ? kFailed : m_contact->GetCompanyName();
   }
-  bool GetNumber(platform::PhoneKind kind, std::u16string& text) override {
-    return !m_plan.NextFails() && m_contact->GetNumber(kind, text);
+  ContactText GetNumber(platform::PhoneKind kind) override {
+    return m_plan.NextFails() ? kFailed : m_contact->GetNumber(kind);
   }
-  bool GetOid(std::int32_t& oid) override { return !m_plan.NextFails() && m_contact->GetOid(oid); }
+  platform::Result<std::int32_t, ContactsError> GetOid() override {
+    return m_plan.NextFails() ? kFailed : m_contact->GetOid();
+  }
 
  private:
+  static constexpr auto kFailed = Failure(ContactsError::kFailed);
+
   FaultPlan& m_plan;
   const std::unique_ptr<platform::Contact> m_contact;
 };
 
+FoundContact WithFaults(FoundContact found, FaultPlan& plan) {
+  if (found && *found) {
+    *found = std::make_unique<FailingContact>(plan, std::move(*found));
+  }
+  return found;
+}
+
 }  // namespace
 
-bool FailingContacts::Initialize() { return !m_plan.NextFails() && m_contacts.Initialize(); }
+FailingContacts::Opened FailingContacts::Initialize() {
+  return m_plan.NextFails() ? Failure(ContactsError::kFailed) : m_contacts.Initialize();
+}
 
-bool FailingContacts::Connect() { return !m_plan.NextFails() && m_contacts.Connect(); }
+FailingContacts::Opened FailingContacts::Connect() {
+  return m_plan.NextFails() ? Failure(ContactsError::kFailed) : m_contacts.Connect();
+}
 
-bool FailingContacts::Logon() { return !m_plan.NextFails() && m_contacts.Logon(); }
+FailingContacts::Opened FailingContacts::Logon() {
+  return m_plan.NextFails() ? Failure(ContactsError::kFailed) : m_contacts.Logon();
+}
 
 std::int32_t FailingContacts::GetCount() { return m_plan.NextFails() ? 0 : m_contacts.GetCount(); }
 
-platform::ContactItem FailingContacts::GetItem(std::int32_t index) {
-  if (m_plan.NextFails()) {
-    return {};
-  }
-  platform::ContactItem item = m_contacts.GetItem(index);
-  if (item.contact) {
-    item.contact = std::make_unique<FailingContact>(m_plan, std::move(item.contact));
-  }
-  return item;
+FoundContact FailingContacts::GetItem(std::int32_t index) {
+  return m_plan.NextFails() ? Failure(ContactsError::kFailed)
+                            : WithFaults(m_contacts.GetItem(index), m_plan);
 }
 
-platform::ContactLookup FailingContacts::GetItemFromOid(
-    std::int32_t oid, std::unique_ptr<platform::Contact>& contact) {
-  if (m_plan.NextFails()) {
-    return platform::ContactLookup::kFailed;
-  }
-  const auto lookup = m_contacts.GetItemFromOid(oid, contact);
-  if (lookup == platform::ContactLookup::kFound) {
-    contact = std::make_unique<FailingContact>(m_plan, std::move(contact));
-  }
-  return lookup;
+FoundContact FailingContacts::GetItemFromOid(std::int32_t oid) {
+  return m_plan.NextFails() ? Failure(ContactsError::kFailed)
+                            : WithFaults(m_contacts.GetItemFromOid(oid), m_plan);
 }
 
 void FailingContacts::Logoff() { m_contacts.Logoff(); }

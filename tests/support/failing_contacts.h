@@ -6,20 +6,21 @@
 namespace support {
 
 /// Forwards every call to other contacts and lets the n-th one fail. Calls of the store and of the
-/// contacts it hands out are counted together, Logoff not at all. A failed GetCount gives 0, a
-/// failed look-up cannot tell whether the contact exists.
+/// contacts it hands out are counted together, Logoff not at all. A failed GetCount gives 0, and
+/// after a failed look-up nobody knows whether the contact exists.
 class FailingContacts final : public platform::ContactsStore {
  public:
+  using Opened = platform::Result<void, platform::ContactsError>;
+
   FailingContacts(platform::ContactsStore& contacts, FaultPlan& plan)
       : m_contacts(contacts), m_plan(plan) {}
 
-  [[nodiscard]] bool Initialize() override;
-  [[nodiscard]] bool Connect() override;
-  [[nodiscard]] bool Logon() override;
+  [[nodiscard]] Opened Initialize() override;
+  [[nodiscard]] Opened Connect() override;
+  [[nodiscard]] Opened Logon() override;
   [[nodiscard]] std::int32_t GetCount() override;
-  [[nodiscard]] platform::ContactItem GetItem(std::int32_t index) override;
-  [[nodiscard]] platform::ContactLookup GetItemFromOid(
-      std::int32_t oid, std::unique_ptr<platform::Contact>& contact) override;
+  [[nodiscard]] platform::FoundContact GetItem(std::int32_t index) override;
+  [[nodiscard]] platform::FoundContact GetItemFromOid(std::int32_t oid) override;
   void Logoff() override;
 
  private:

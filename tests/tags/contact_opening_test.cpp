@@ -1,10 +1,11 @@
-#include "tags/contact_opening.h"
+#include "tags/contact_reading.h"
 
 #include <gtest/gtest.h>
 
 #include <vector>
 
 #include "tests/machine/simulated_contacts.h"
+#include "tests/support/results.h"
 #include "tests/support/watched_clock.h"
 
 namespace tags {
@@ -15,13 +16,14 @@ using Opening = SimulatedContacts::Opening;
 
 class ContactOpening : public testing::Test {
  protected:
-  std::optional<ContactMessage> Open() { return OpenContacts(m_store, m_clock); }
+  /// The message if that fails.
+  std::optional<ContactMessage> Open() { return support::ErrorOf(OpenContacts(m_store, m_clock)); }
 
   SimulatedContacts m_store;
   support::WatchedClock m_clock;
 };
 
-TEST_F(ContactOpening, LogsOnWithoutAPauseWhereAllWorks) {
+TEST_F(ContactOpening, LogsOnWithoutAPauseIfAllWorks) {
   EXPECT_EQ(Open(), std::nullopt);
   EXPECT_TRUE(m_store.IsLoggedOn());
   EXPECT_TRUE(m_clock.GetSleeps().empty());

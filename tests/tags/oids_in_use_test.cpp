@@ -1,4 +1,4 @@
-#include "tags/oids_in_use.h"
+#include "tags/tag_reader.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,7 +14,6 @@ namespace {
 
 using platform::RegistryError;
 using testing::ElementsAre;
-using testing::Optional;
 
 class OidsInUse : public testing::Test {
  protected:
@@ -29,13 +28,13 @@ class OidsInUse : public testing::Test {
 };
 
 TEST_F(OidsInUse, AreNoneBeforeTheFirstTag) {
-  EXPECT_THAT(FindOidsInUse(m_store), Optional(testing::IsEmpty()));
+  EXPECT_THAT(FindOidsInUse(m_store).value(), testing::IsEmpty());
 }
 
 TEST_F(OidsInUse, AreThoseOfEveryTag) {
   Write(u"100", 17);
   Write(u"200", -5);
-  EXPECT_THAT(FindOidsInUse(m_store), Optional(ElementsAre(17, -5)));
+  EXPECT_THAT(FindOidsInUse(m_store).value(), ElementsAre(17, -5));
 }
 
 TEST_F(OidsInUse, LeaveOutATagThatNamesNoContact) {
@@ -43,10 +42,10 @@ TEST_F(OidsInUse, LeaveOutATagThatNamesNoContact) {
   ASSERT_EQ(support::ErrorOf(support::PutText(m_memory, u"Software\\Zedra\\Zedra Voxtrel\\200",
                                               u"contact", u"?")),
             std::nullopt);
-  EXPECT_THAT(FindOidsInUse(m_store), Optional(ElementsAre(17)));
+  EXPECT_THAT(FindOidsInUse(m_store).value(), ElementsAre(17));
 }
 
-TEST_F(OidsInUse, CannotBeToldWhereTheStoreFails) {
+TEST_F(OidsInUse, AreNotKnownIfTheStoreFails) {
   Write(u"100", 17);
   Write(u"200", 18);
   bool hasFailed = true;

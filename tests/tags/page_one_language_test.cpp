@@ -204,7 +204,7 @@ TEST_F(PageOneLanguage, ItemsOfTheContacts) {
 
 TEST_F(PageOneLanguage, AContactThatIsGoneWhenItsTagIsRecorded) {
   Open();
-  m_machine.contacts.SetLookup(kAnn, platform::ContactLookup::kFailed);
+  m_machine.contacts.SetLookup(kAnn, platform::ContactsError::kFailed);
   m_dialog->Press(kRecordButtonId);
   ExpectLastCaptionedBox(u"<ID_S_MESSAGE_D6>");
 }

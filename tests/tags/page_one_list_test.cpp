@@ -134,7 +134,7 @@ TEST_F(PageOneList, AStaleTagThatTheTrashCannotTakeStaysWithoutALine) {
 TEST_F(PageOneList, ATagOfContactsThatAreAwayStaysUnderItsOwnName) {
   PutTag(u"100", kAnn, u"Mobile");
   PutTag(u"200", 999, u"Mobile");
-  m_machine.contacts.SetLookup(999, platform::ContactLookup::kFailed);
+  m_machine.contacts.SetLookup(999, platform::ContactsError::kFailed);
   const auto& dialog = Open();
   EXPECT_EQ(dialog.GetItems(kTagListId), (Texts{u"Ann Lee 5551234 M", u"200"}));
   EXPECT_EQ(GetEntries(), (Texts{u"100", u"200"}));
@@ -329,7 +329,7 @@ TEST_F(PageOneList, ALineStandsForItsTagAfterAStaleOneWasRemoved) {
 
 TEST_F(PageOneList, ALineStandsForItsTagAfterOneThatWasStoredAndNotListed) {
   auto& dialog = Open();
-  m_machine.contacts.SetLookup(kAnn, platform::ContactLookup::kFailed);
+  m_machine.contacts.SetLookup(kAnn, platform::ContactsError::kFailed);
   dialog.Press(kRecordButtonId);
   dialog.Choose(kContactComboId, 1);
   dialog.Press(kRecordButtonId);

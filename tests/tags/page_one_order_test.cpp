@@ -78,7 +78,7 @@ TEST_F(PageOneOrder, ATagThatCannotBeNamedIsCountedButEnablesNothing) {
   auto& dialog = Open();
   dialog.Press(kRecordButtonId);
   dialog.Choose(kContactComboId, 1);
-  m_machine.contacts.SetLookup(kBob, platform::ContactLookup::kFailed);
+  m_machine.contacts.SetLookup(kBob, platform::ContactsError::kFailed);
   dialog.Press(kRecordButtonId);
   EXPECT_EQ(m_page->GetTags().tagCount, 2);
   EXPECT_EQ(GetEntries().size(), 2U);
@@ -89,7 +89,7 @@ TEST_F(PageOneOrder, ATagThatCannotBeNamedIsCountedButEnablesNothing) {
 
 TEST_F(PageOneOrder, TheFirstTagThatCannotBeNamedDoesNotEnableDeleteAll) {
   auto& dialog = Open();
-  m_machine.contacts.SetLookup(kAnn, platform::ContactLookup::kFailed);
+  m_machine.contacts.SetLookup(kAnn, platform::ContactsError::kFailed);
   dialog.Press(kRecordButtonId);
   EXPECT_EQ(m_page->GetTags().tagCount, 1);
   EXPECT_FALSE(dialog.IsEnabled(kDeleteAllButtonId));

@@ -68,7 +68,7 @@ TEST_F(PageOneRecording, TakesTheTimeOfTheBeepTheRecordingAndThePlaying) {
 TEST_F(PageOneRecording, TheBarStandsBesideTheButtonAndGoesAtTheEnd) {
   auto& dialog = Open();
   std::optional<headless::HeadlessDialog::Progress> seen;
-  m_machine.contacts.SetLookup(kAnn, platform::ContactLookup::kFailed);
+  m_machine.contacts.SetLookup(kAnn, platform::ContactsError::kFailed);
   m_machine.ui.SetAnswerer([&](const platform::MessageBox&) {
     seen = dialog.GetProgress(kProgressBarId);
     return platform::MessageAnswer::kOk;
@@ -193,7 +193,7 @@ TEST_F(PageOneRecording, ARecordingThreadWithoutMemoryForItsMessageEndsTheProces
 
 TEST_F(PageOneRecording, AContactThatCannotBeReadAgainKeepsTheTagButNotItsLine) {
   auto& dialog = Open();
-  m_machine.contacts.SetLookup(kAnn, platform::ContactLookup::kFailed);
+  m_machine.contacts.SetLookup(kAnn, platform::ContactsError::kFailed);
   dialog.Press(kRecordButtonId);
   EXPECT_EQ(GetMessages(), Texts{u"Failed to get IContact in OnRecord"});
   EXPECT_EQ(GetEntries(), Texts{u"1000"});

@@ -212,7 +212,7 @@ TEST_F(PageOneSteps, TheLimitCountsTheTagsThatAreSaidToBeThereAndNotTheLines) {
   PutTags(99);
   auto& dialog = Open();
   dialog.Choose(kContactComboId, 1);
-  m_machine.contacts.SetLookup(kBob, platform::ContactLookup::kFailed);
+  m_machine.contacts.SetLookup(kBob, platform::ContactsError::kFailed);
   dialog.Press(kRecordButtonId);
   ASSERT_EQ(m_page->GetTags().tagCount, 100);
   ASSERT_EQ(dialog.GetItemCount(kTagListId), 99) << "The new tag cannot be named.";

@@ -56,7 +56,7 @@ TEST_F(TagReader, ReadsTagsInTheOrderAndWithTheTextsOfThePage) {
 TEST_F(TagReader, ATagWhoseContactIsGoneIsStaleAndStays) {
   Write(u"100", 18);
   Write(u"200", 17);
-  m_contacts.SetLookup(18, platform::ContactLookup::kAbsent);
+  m_contacts.SetLookup(18, platform::ContactsError::kAbsent);
   const std::vector<ListedTag> tags = Read(&m_contacts);
   ASSERT_EQ(tags.size(), 2U);
   EXPECT_TRUE(tags[0].isStale);
@@ -70,7 +70,7 @@ TEST_F(TagReader, ATagWhoseContactIsGoneIsStaleAndStays) {
 
 TEST_F(TagReader, WithoutContactsTagsHaveTheirOwnNamesAndNoneIsStale) {
   Write(u"100", 18);
-  m_contacts.SetLookup(18, platform::ContactLookup::kAbsent);
+  m_contacts.SetLookup(18, platform::ContactsError::kAbsent);
   const std::vector<ListedTag> tags = Read(nullptr);
   ASSERT_EQ(tags.size(), 1U);
   EXPECT_FALSE(tags[0].isStale);

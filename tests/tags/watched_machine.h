@@ -63,21 +63,23 @@ class WatchedFiles final : public support::ForwardingFileSystem {
 /// Contacts of whose calls each kind is told.
 class WatchedContacts final : public platform::ContactsStore {
  public:
+  using Opened = platform::Result<void, platform::ContactsError>;
+
   explicit WatchedContacts(platform::ContactsStore& inner) : m_inner(inner) {}
 
   void SetListener(std::function<void(std::string_view)> listener) {
     m_listener = std::move(listener);
   }
 
-  [[nodiscard]] bool Initialize() override {
+  [[nodiscard]] Opened Initialize() override {
     Tell("Initialize");
     return m_inner.Initialize();
   }
-  [[nodiscard]] bool Connect() override {
+  [[nodiscard]] Opened Connect() override {
     Tell("Connect");
     return m_inner.Connect();
   }
-  [[nodiscard]] bool Logon() override {
+  [[nodiscard]] Opened Logon() override {
     Tell("Logon");
     return m_inner.Logon();
   }
@@ -85,14 +87,13 @@ class WatchedContacts final : public platform::ContactsStore {
     Tell("GetCount");
     return m_inner.GetCount();
   }
-  [[nodiscard]] platform::ContactItem GetItem(std::int32_t index) override {
+  [[nodiscard]] platform::FoundContact GetItem(std::int32_t index) override {
     Tell("GetItem");
     return m_inner.GetItem(index);
   }
-  [[nodiscard]] platform::ContactLookup GetItemFromOid(
-      std::int32_t oid, std::unique_ptr<platform::Contact>& contact) override {
+  [[nodiscard]] platform::FoundContact GetItemFromOid(std::int32_t oid) override {
     Tell("GetItemFromOid");
-    return m_inner.GetItemFromOid(oid, contact);
+    return m_inner.GetItemFromOid(oid);
   }
   void Logoff() override { m_inner.Logoff(); }
 

@@ -13,13 +13,13 @@
 #include "tests/backends/ebook/desktop_book.h"
 #include "tests/backends/vcard/read_cards.h"
 #include "tests/machine/memory_file_system.h"
+#include "tests/support/results.h"
 #include "tests/support/temp_folder.h"
 
 namespace vcard {
 namespace {
 
 using ebook_test::DesktopBook;
-using platform::ContactLookup;
 
 std::string Person(int number) {
   const std::string text = std::to_string(number);
@@ -36,9 +36,8 @@ std::vector<std::string> People(int count) {
 }
 
 std::vector<Book> ReadAll() {
-  std::vector<Book> books;
-  EXPECT_EQ(DesktopSource(ebook_test::LoadDesktopBooks).Read(books), ReadResult::kRead);
-  return books;
+  RemarkList remarks;
+  return DesktopSource(ebook_test::LoadDesktopBooks).Read(remarks).value();
 }
 
 TEST(DesktopSource, ReadsAThousandContactsInTheOrderOfTheirNames) {
@@ -56,7 +55,7 @@ TEST(DesktopSource, ReadsAThousandContactsInTheOrderOfTheirNames) {
   EXPECT_EQ(contacts[999].uid, "person-999");
 }
 
-TEST(DesktopSource, AnEmptyBookIsReadAndTellsNobodyAbsent) {
+TEST(DesktopSource, AnEmptyBookIsReadAndMakesNobodyAbsent) {
   const std::vector<Book> books = ReadAll();
   ASSERT_EQ(books.size(), 1U);
   EXPECT_TRUE(books[0].contacts.empty());
@@ -134,10 +133,11 @@ class SilentServer {
 
 TEST(DesktopSource, AServerThatDoesNotAnswerIsGivenUp) {
   const SilentServer server;
-  std::vector<Book> books;
-  EXPECT_EQ(DesktopSource(ebook_test::LoadDesktopBooks, std::chrono::milliseconds(300)).Read(books),
-            ReadResult::kNoAnswer);
-  EXPECT_TRUE(books.empty());
+  RemarkList remarks;
+  const ReadBooks books =
+      DesktopSource(ebook_test::LoadDesktopBooks, std::chrono::milliseconds(300)).Read(remarks);
+  ASSERT_FALSE(books);
+  EXPECT_EQ(books.error().kind, platform::BooksError::Kind::kNoAnswer);
 }
 
 class DesktopContacts : public testing::Test {
@@ -152,15 +152,11 @@ class DesktopContacts : public testing::Test {
     return m_store->Initialize() && m_store->Connect() && m_store->Logon();
   }
 
-  std::int32_t Oid(std::int32_t index) {
-    std::int32_t oid = 0;
-    EXPECT_TRUE(m_store->GetItem(index).contact->GetOid(oid));
-    return oid;
-  }
+  std::int32_t Oid(std::int32_t index) { return (*m_store->GetItem(index))->GetOid().value(); }
 
-  ContactLookup LookUp(std::int32_t oid) {
-    std::unique_ptr<platform::Contact> contact;
-    return m_store->GetItemFromOid(oid, contact);
+  /// Why the contact cannot be found; nothing if it can.
+  std::optional<platform::ContactsError> LookUp(std::int32_t oid) {
+    return support::ErrorOf(m_store->GetItemFromOid(oid));
   }
 
   std::vector<std::int32_t> m_inUse;
@@ -185,8 +181,8 @@ TEST_F(DesktopContacts, NumbersLastOverRestartsAndADeletedContactIsAbsent) {
   EXPECT_EQ(Oid(1000), last);
   book.Remove("person-999");
   ASSERT_TRUE(Start());
-  EXPECT_EQ(LookUp(first), ContactLookup::kFound);
-  EXPECT_EQ(LookUp(last), ContactLookup::kAbsent);
+  EXPECT_EQ(LookUp(first), std::nullopt);
+  EXPECT_EQ(LookUp(last), platform::ContactsError::kAbsent);
 }
 
 TEST_F(DesktopContacts, ABookThatIsSwitchedOffDoesNotMakeItsContactsAbsent) {

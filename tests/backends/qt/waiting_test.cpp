@@ -68,13 +68,12 @@ TEST_F(Waiting, AnAddressBookThatIsSlowToAnswerLeavesTheWindowAlive) {
    public:
     explicit SlowBook(qt::UiThread& thread) : m_thread(thread) {}
 
-    vcard::ReadResult Read(std::vector<vcard::Book>& /*books*/) override {
+    vcard::ReadBooks Read(vcard::RemarkList& /*remarks*/) override {
       m_thread.Post([this] { m_served.set_value(); });
       const bool isAlive =
           m_served.get_future().wait_for(std::chrono::seconds(60)) == std::future_status::ready;
-      return isAlive ? vcard::ReadResult::kRead : vcard::ReadResult::kNoAnswer;
+      return isAlive ? vcard::ReadBooks() : platform::Failure(platform::BooksError());
     }
-    std::string GetReason() const override { return {}; }
 
    private:
     qt::UiThread& m_thread;
@@ -82,8 +81,8 @@ TEST_F(Waiting, AnAddressBookThatIsSlowToAnswerLeavesTheWindowAlive) {
   } book(m_thread);
   posix::PosixThreads real;
   qt::QtThreads threads(m_thread, real);
-  std::vector<vcard::Book> books;
-  EXPECT_EQ(vcard::BackgroundSource(book, threads).Read(books), vcard::ReadResult::kRead);
+  vcard::RemarkList remarks;
+  EXPECT_TRUE(vcard::BackgroundSource(book, threads).Read(remarks));
 }
 
 TEST_F(Waiting, HoldsBackWhatMustNotRunDuringAWait) {

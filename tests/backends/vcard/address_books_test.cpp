@@ -17,21 +17,17 @@
 namespace vcard {
 namespace {
 
-using platform::ContactLookup;
+using platform::BooksError;
+using platform::ContactsError;
 
 /// The desktop's address books as a test sets them.
 class SetDesktop final : public ContactSource {
  public:
-  ReadResult Read(std::vector<Book>& read) override {
-    read.clear();
-    if (result == ReadResult::kRead) {
-      read = books;
-    }
-    return result;
-  }
+  ReadBooks Read(RemarkList& /*remarks*/) override { return books; }
 
-  ReadResult result = ReadResult::kNoAnswer;
-  std::vector<Book> books;
+  void Fail(BooksError::Kind kind) { books = platform::Failure(BooksError{kind, {}}); }
+
+  ReadBooks books = platform::Failure(BooksError{BooksError::Kind::kNoAnswer, {}});
 };
 
 ContactData Contact(std::string uid, std::u16string lastName) {
@@ -47,6 +43,8 @@ std::string Person(const std::string& name) {
 
 class AddressBooksTest : public testing::Test {
  protected:
+  using Oids = std::vector<std::int32_t>;
+
   void Put(std::u16string_view path, const std::string& content) {
     ASSERT_TRUE(m_files.PutFile(path, support::ToBytes(content)));
   }
@@ -64,33 +62,26 @@ class AddressBooksTest : public testing::Test {
   std::string Names() {
     std::string names;
     for (std::int32_t i = 1; i <= m_store->GetCount(); ++i) {
-      std::u16string name;
-      EXPECT_TRUE(m_store->GetItem(i).contact->GetLastName(name));
-      names += text::ToUtf8(name) + ".";
+      names += text::ToUtf8((*m_store->GetItem(i))->GetLastName().value()) + ".";
     }
     return names;
   }
 
-  std::int32_t Oid(std::int32_t index) {
-    std::int32_t oid = 0;
-    EXPECT_TRUE(m_store->GetItem(index).contact->GetOid(oid));
-    return oid;
-  }
+  std::int32_t Oid(std::int32_t index) { return (*m_store->GetItem(index))->GetOid().value(); }
 
-  ContactLookup LookUp(std::int32_t oid) {
-    std::unique_ptr<platform::Contact> contact;
-    return m_store->GetItemFromOid(oid, contact);
+  /// Why the contact cannot be found; nothing if it can.
+  std::optional<ContactsError> LookUp(std::int32_t oid) {
+    return support::ErrorOf(m_store->GetItemFromOid(oid));
   }
 
   void SetDesktopTo(std::vector<ContactData> contacts, bool isComplete = true) {
-    m_desktop.result = ReadResult::kRead;
-    m_desktop.books = {{u"eds:book", std::move(contacts), isComplete}};
+    m_desktop.books = std::vector<Book>{{u"eds:book", std::move(contacts), isComplete}};
   }
 
   machine::MemoryFileSystem m_files;
   machine::MemoryRegistry m_registry;
   SetDesktop m_desktop;
-  std::optional<std::vector<std::int32_t>> m_inUse = std::vector<std::int32_t>();
+  platform::Result<Oids, platform::RegistryError> m_inUse;
   std::unique_ptr<AddressBooks> m_store;
 };
 
@@ -118,7 +109,7 @@ TEST_F(AddressBooksTest, TheDevicesFileIsReadWhereTheDesktopHasNoContacts) {
 
 TEST_F(AddressBooksTest, ADesktopThatCannotBeReadToItsEndIsNotPassedOver) {
   Put(u"\\contacts.vcf", Person("File"));
-  m_desktop.result = ReadResult::kUnreadable;
+  m_desktop.Fail(BooksError::Kind::kUnreadable);
   EXPECT_FALSE(Start());
 }
 
@@ -133,7 +124,7 @@ TEST_F(AddressBooksTest, ANewcomerHasNoContacts) {
 }
 
 TEST_F(AddressBooksTest, NoContactsAnywhereIsAFailureWhereTagsNeedThem) {
-  m_inUse = {17};
+  m_inUse = Oids{17};
   EXPECT_FALSE(Start());
   EXPECT_EQ(m_store->GetProblem(), AddressBooks::Problem::kNothingChosen);
   SetDesktopTo({});
@@ -141,7 +132,7 @@ TEST_F(AddressBooksTest, NoContactsAnywhereIsAFailureWhereTagsNeedThem) {
 }
 
 TEST_F(AddressBooksTest, NoContactsAnywhereIsAFailureWhereNobodyKnowsWhetherTagsNeedThem) {
-  m_inUse = std::nullopt;
+  m_inUse = platform::Failure(platform::RegistryError::kBusy);
   EXPECT_FALSE(Start());
 }
 
@@ -178,19 +169,19 @@ TEST_F(AddressBooksTest, TellsWhyALogonFailed) {
   EXPECT_EQ(m_store->GetProblem(), Problem::kNoServer);
   EXPECT_FALSE(Start(SourceChoice{u"/all.vcf"}));
   EXPECT_EQ(m_store->GetProblem(), Problem::kUnreadable);
-  m_desktop.result = ReadResult::kUnreadable;
+  m_desktop.Fail(BooksError::Kind::kUnreadable);
   EXPECT_FALSE(Start());
   EXPECT_EQ(m_store->GetProblem(), Problem::kUnreadable);
   Put(u"/all.vcf", Person("Ann"));
-  m_inUse = {17};
+  m_inUse = Oids{17};
   EXPECT_FALSE(Start(SourceChoice{u"/all.vcf"}));
   EXPECT_EQ(m_store->GetProblem(), Problem::kTagsElsewhere);
-  m_inUse = std::nullopt;
+  m_inUse = platform::Failure(platform::RegistryError::kBusy);
   EXPECT_FALSE(Start(SourceChoice{u"/all.vcf"}));
   EXPECT_EQ(m_store->GetProblem(), Problem::kStore);
-  m_inUse = std::vector<std::int32_t>();
+  m_inUse = Oids();
   EXPECT_TRUE(Start(SourceChoice{u"/all.vcf"}));
-  EXPECT_EQ(m_store->GetProblem(), Problem::kNone);
+  EXPECT_EQ(m_store->GetProblem(), std::nullopt);
 }
 
 // Numbers and lookup.
@@ -201,35 +192,33 @@ TEST_F(AddressBooksTest, ContactsAreFoundByNumberOverRestarts) {
   const std::int32_t bob = Oid(2);
   Put(u"/all.vcf", Person("Zoe") + Person("Bob") + Person("Ann"));
   ASSERT_TRUE(Start());
-  std::unique_ptr<platform::Contact> contact;
-  ASSERT_EQ(m_store->GetItemFromOid(bob, contact), ContactLookup::kFound);
-  std::u16string name;
-  ASSERT_TRUE(contact->GetLastName(name));
-  EXPECT_EQ(name, u"Bob");
+  const auto contact = m_store->GetItemFromOid(bob);
+  ASSERT_TRUE(contact);
+  EXPECT_EQ((*contact)->GetLastName(), u"Bob");
 }
 
 TEST_F(AddressBooksTest, ADeletedContactIsAbsent) {
   Put(u"/all.vcf", Person("Ann") + Person("Bob"));
   ASSERT_TRUE(Start(SourceChoice{u"/all.vcf"}));
   const std::int32_t ann = Oid(1);
-  m_inUse = {ann};
+  m_inUse = Oids{ann};
   Put(u"/all.vcf", Person("Bob"));
   ASSERT_TRUE(Start());
-  EXPECT_EQ(LookUp(ann), ContactLookup::kAbsent);
+  EXPECT_EQ(LookUp(ann), ContactsError::kAbsent);
 }
 
 TEST_F(AddressBooksTest, ANumberThatNobodyEverHadIsNotAbsent) {
   Put(u"/all.vcf", Person("Ann"));
   ASSERT_TRUE(Start(SourceChoice{u"/all.vcf"}));
-  EXPECT_EQ(LookUp(Oid(1) + 1), ContactLookup::kFailed);
-  EXPECT_EQ(LookUp(0), ContactLookup::kFailed);
+  EXPECT_EQ(LookUp(Oid(1) + 1), ContactsError::kFailed);
+  EXPECT_EQ(LookUp(0), ContactsError::kFailed);
 }
 
 TEST_F(AddressBooksTest, AnItemOutsideTheCollectionFails) {
   Put(u"/all.vcf", Person("Ann"));
   ASSERT_TRUE(Start(SourceChoice{u"/all.vcf"}));
   for (const std::int32_t index : {-1, 0, 2}) {
-    EXPECT_FALSE(m_store->GetItem(index).ok) << index;
+    EXPECT_FALSE(m_store->GetItem(index)) << index;
   }
 }
 
@@ -241,7 +230,7 @@ class AddressBooksInUse : public AddressBooksTest {
     Put(u"/all.vcf", Person("Ann") + Person("Bob"));
     ASSERT_TRUE(Start(SourceChoice{u"/all.vcf"}));
     m_ann = Oid(1);
-    m_inUse = {m_ann};
+    m_inUse = Oids{m_ann};
     ASSERT_TRUE(Start());
   }
 
@@ -249,7 +238,7 @@ class AddressBooksInUse : public AddressBooksTest {
   void ExpectRefused(std::optional<SourceChoice> choice = std::nullopt) {
     EXPECT_FALSE(Start(std::move(choice)));
     EXPECT_EQ(m_store->GetCount(), 0);
-    EXPECT_EQ(LookUp(m_ann), ContactLookup::kFailed);
+    EXPECT_EQ(LookUp(m_ann), ContactsError::kFailed);
   }
 
   std::int32_t m_ann = 0;
@@ -284,37 +273,37 @@ TEST_F(AddressBooksInUse, AnotherFileEndsTheLogonAndIsNotRemembered) {
   Put(u"/other.vcf", Person("Ann"));
   ExpectRefused(SourceChoice{u"/other.vcf"});
   ASSERT_TRUE(Start());
-  EXPECT_EQ(LookUp(m_ann), ContactLookup::kFound);
+  EXPECT_EQ(LookUp(m_ann), std::nullopt);
 }
 
 TEST_F(AddressBooksInUse, AServerThatDoesNotAnswerEndsTheLogon) {
   SetDesktopTo({Contact("a", u"Lee")});
-  m_inUse = std::vector<std::int32_t>();
+  m_inUse = Oids();
   ASSERT_TRUE(Start(SourceChoice{}));
-  m_inUse = {Oid(1)};
-  m_desktop.result = ReadResult::kNoAnswer;
+  m_inUse = Oids{Oid(1)};
+  m_desktop.Fail(BooksError::Kind::kNoAnswer);
   EXPECT_FALSE(Start());
 }
 
 TEST_F(AddressBooksInUse, ABookOfTheDesktopThatIsOffNowEndsTheLogon) {
   SetDesktopTo({Contact("a", u"Lee")});
-  m_desktop.books.push_back({u"eds:other", {Contact("b", u"Ray")}, true});
-  m_inUse = std::vector<std::int32_t>();
+  m_desktop.books->push_back({u"eds:other", {Contact("b", u"Ray")}, true});
+  m_inUse = Oids();
   ASSERT_TRUE(Start(SourceChoice{}));
-  m_inUse = {Oid(2)};
-  m_desktop.books.pop_back();
+  m_inUse = Oids{Oid(2)};
+  m_desktop.books->pop_back();
   EXPECT_FALSE(Start());
 }
 
-TEST_F(AddressBooksInUse, ABookThatMayStillBeFillingUpTellsNobodyAbsent) {
+TEST_F(AddressBooksInUse, ABookThatMayStillBeFillingUpMakesNobodyAbsent) {
   SetDesktopTo({Contact("a", u"Lee"), Contact("b", u"Ray")});
-  m_inUse = std::vector<std::int32_t>();
+  m_inUse = Oids();
   ASSERT_TRUE(Start(SourceChoice{}));
   const std::int32_t lee = Oid(1);
   SetDesktopTo({Contact("b", u"Ray")}, false);
   ASSERT_TRUE(Start());
-  EXPECT_EQ(LookUp(lee), ContactLookup::kFailed);
-  m_inUse = {lee};
+  EXPECT_EQ(LookUp(lee), ContactsError::kFailed);
+  m_inUse = Oids{lee};
   EXPECT_FALSE(Start());
 }
 
@@ -323,7 +312,7 @@ class AddressBooksDefault : public AddressBooksTest {
   void SetUp() override {
     Put(u"\\contacts.vcf", Person("Ann"));
     ASSERT_TRUE(Start());
-    m_inUse = {Oid(1)};
+    m_inUse = Oids{Oid(1)};
   }
 };
 
@@ -334,7 +323,7 @@ TEST_F(AddressBooksDefault, ADesktopThatComesUpDoesNotReplaceTheFileThatTagsBelo
 }
 
 TEST_F(AddressBooksDefault, ADesktopThatFailsDoesNotReplaceTheFileThatTagsBelongTo) {
-  m_desktop.result = ReadResult::kUnreadable;
+  m_desktop.Fail(BooksError::Kind::kUnreadable);
   ASSERT_TRUE(Start());
   EXPECT_EQ(Names(), "Ann.");
 }
@@ -346,7 +335,7 @@ TEST_F(AddressBooksDefault, AFileThatIsAwayIsNotReplacedByTheDesktop) {
 }
 
 TEST_F(AddressBooksDefault, AStoreThatTakesNoNumbersIsNoReasonToPassOverTheDesktop) {
-  m_inUse = std::vector<std::int32_t>();
+  m_inUse = Oids();
   SetDesktopTo({Contact("a", u"Lee")});
   support::FailingRegistry failing(m_registry);
   AddressBooks::Options options;
@@ -360,7 +349,7 @@ TEST_F(AddressBooksDefault, AStoreThatTakesNoNumbersIsNoReasonToPassOverTheDeskt
     EXPECT_EQ(isOpen, !hasFailed) << call;
     EXPECT_EQ(Names(), hasFailed ? "" : "Lee.") << call;
     EXPECT_EQ(m_store->GetProblem(),
-              hasFailed ? AddressBooks::Problem::kStore : AddressBooks::Problem::kNone)
+              hasFailed ? std::optional(AddressBooks::Problem::kStore) : std::nullopt)
         << call;
   }
 }
@@ -408,7 +397,7 @@ TEST_F(AddressBooksReading, NoChoiceIsRememberedAndNoKeyIsMade) {
 
 TEST_F(AddressBooksReading, EveryBookOfTheDesktopHasItsNumbers) {
   SetDesktopTo({Contact("a", u"Lee")});
-  m_desktop.books.push_back({u"eds:other", {Contact("a", u"Ray")}, true});
+  m_desktop.books->push_back({u"eds:other", {Contact("a", u"Ray")}, true});
   ASSERT_TRUE(StartReading());
   const std::vector<std::int32_t> shown = {Oid(1), Oid(2)};
   EXPECT_NE(shown[0], shown[1]);
@@ -418,7 +407,7 @@ TEST_F(AddressBooksReading, EveryBookOfTheDesktopHasItsNumbers) {
 
 TEST_F(AddressBooksReading, TagsAreGuardedAsEver) {
   Put(u"/all.vcf", Person("Ann"));
-  m_inUse = {17};
+  m_inUse = Oids{17};
   EXPECT_FALSE(StartReading(SourceChoice{u"/all.vcf"}));
   EXPECT_EQ(m_store->GetProblem(), AddressBooks::Problem::kTagsElsewhere);
 }
@@ -447,7 +436,7 @@ class FormerAddressBooks : public AddressBooksTest {
     ASSERT_EQ(support::ErrorOf(
                   support::Put(m_registry, kBook, u"0", platform::RegistryType::kBinary, entry)),
               std::nullopt);
-    m_inUse = {17};
+    m_inUse = Oids{17};
   }
 };
 
@@ -498,18 +487,18 @@ TEST_F(AddressBooksInUse, AnotherProgramsValuesInTheMapAreNamedAndStopNothing) {
                                     platform::RegistryType::kBinary, std::vector<std::byte>(19))),
       std::nullopt);
   ASSERT_TRUE(Start());
-  EXPECT_EQ(LookUp(m_ann), ContactLookup::kFound);
+  EXPECT_EQ(LookUp(m_ann), std::nullopt);
   ASSERT_EQ(m_store->GetRemarks().size(), 1U);
   EXPECT_EQ(m_store->GetRemarks()[0].place, u"Software\\Zedra\\Voxtrel Contacts\\1");
 }
 
 TEST_F(AddressBooksInUse, TagsThatCannotBeCountedEndTheLogon) {
-  m_inUse = std::nullopt;
+  m_inUse = platform::Failure(platform::RegistryError::kBusy);
   ExpectRefused();
 }
 
 TEST_F(AddressBooksInUse, ATagOfANumberThatNobodyEverHadEndsTheLogon) {
-  m_inUse = {m_ann, 12345};
+  m_inUse = Oids{m_ann, 12345};
   ExpectRefused();
 }
 
@@ -535,8 +524,7 @@ TEST_F(AddressBooksInUse, ALostStoreGivesContactsTheirNumbersBack) {
   options.desktop = &m_desktop;
   AddressBooks store(m_files, fresh, options);
   ASSERT_TRUE(store.Connect() && store.Logon());
-  std::unique_ptr<platform::Contact> contact;
-  EXPECT_EQ(store.GetItemFromOid(m_ann, contact), ContactLookup::kFound);
+  EXPECT_TRUE(store.GetItemFromOid(m_ann));
 }
 
 }  // namespace

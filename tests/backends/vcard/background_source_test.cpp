@@ -17,60 +17,60 @@
 namespace vcard {
 namespace {
 
+using platform::BooksError;
+
 /// Reads as a test says.
 class ScriptedSource final : public ContactSource {
  public:
-  explicit ScriptedSource(std::function<ReadResult(std::vector<Book>&)> read)
-      : m_read(std::move(read)) {}
+  explicit ScriptedSource(std::function<ReadBooks()> read) : m_read(std::move(read)) {}
 
-  ReadResult Read(std::vector<Book>& books) override { return m_read(books); }
-  std::string GetReason() const override { return "asked for"; }
+  ReadBooks Read(RemarkList& remarks) override {
+    remarks.Add({u"eds:book", 0, "it was asked for"});
+    return m_read();
+  }
 
  private:
-  const std::function<ReadResult(std::vector<Book>&)> m_read;
+  const std::function<ReadBooks()> m_read;
 };
 
-ReadResult ReadOneBook(std::vector<Book>& books) {
-  books = {{u"eds:book", std::vector<ContactData>(3), true}};
-  return ReadResult::kRead;
-}
-
-ReadResult RunOutOfMemory(std::vector<Book>& books) {
-  books.resize(2);
-  throw std::bad_alloc();
+ReadBooks ReadOneBook() {
+  return std::vector<Book>{{u"eds:book", std::vector<ContactData>(3), true}};
 }
 
 TEST(BackgroundSource, GivesWhatTheInnerSourceRead) {
   posix::PosixThreads threads;
   ScriptedSource inner(ReadOneBook);
-  std::vector<Book> books;
-  EXPECT_EQ(BackgroundSource(inner, threads).Read(books), ReadResult::kRead);
-  ASSERT_EQ(books.size(), 1U);
-  EXPECT_EQ(books[0].name, u"eds:book");
-  EXPECT_EQ(books[0].contacts.size(), 3U);
-  EXPECT_TRUE(books[0].isComplete);
+  RemarkList remarks;
+  const ReadBooks books = BackgroundSource(inner, threads).Read(remarks);
+  ASSERT_TRUE(books);
+  ASSERT_EQ(books->size(), 1U);
+  EXPECT_EQ(books->front().name, u"eds:book");
+  EXPECT_EQ(books->front().contacts.size(), 3U);
+  EXPECT_TRUE(books->front().isComplete);
+  EXPECT_EQ(remarks.GetAll(), (std::vector<Remark>{{u"eds:book", 0, "it was asked for"}}));
 }
 
 TEST(BackgroundSource, GivesTheFailureOfTheInnerSourceAndItsReason) {
   posix::PosixThreads threads;
-  for (const ReadResult failure : {ReadResult::kNoAnswer, ReadResult::kUnreadable}) {
-    ScriptedSource inner([failure](std::vector<Book>&) { return failure; });
-    BackgroundSource source(inner, threads);
-    std::vector<Book> books;
-    EXPECT_EQ(source.Read(books), failure);
-    EXPECT_EQ(source.GetReason(), "asked for");
+  for (const BooksError::Kind kind : {BooksError::Kind::kNoAnswer, BooksError::Kind::kUnreadable}) {
+    ScriptedSource inner([kind] { return platform::Failure(BooksError{kind, "asked for"}); });
+    RemarkList remarks;
+    const ReadBooks books = BackgroundSource(inner, threads).Read(remarks);
+    ASSERT_FALSE(books);
+    EXPECT_EQ(books.error().kind, kind);
+    EXPECT_EQ(books.error().reason, "asked for");
   }
 }
 
 TEST(BackgroundSource, ReadsOnAnotherThread) {
   posix::PosixThreads threads;
   std::thread::id reader;
-  ScriptedSource inner([&reader](std::vector<Book>& books) {
+  ScriptedSource inner([&reader] {
     reader = std::this_thread::get_id();
-    return ReadOneBook(books);
+    return ReadOneBook();
   });
-  std::vector<Book> books;
-  ASSERT_EQ(BackgroundSource(inner, threads).Read(books), ReadResult::kRead);
+  RemarkList remarks;
+  ASSERT_TRUE(BackgroundSource(inner, threads).Read(remarks));
   EXPECT_NE(reader, std::thread::id());
   EXPECT_NE(reader, std::this_thread::get_id());
 }
@@ -79,29 +79,30 @@ TEST(BackgroundSource, ReadsOnAnotherThread) {
 /// pass only where all of them wait: any other way to wait would hang.
 TEST(BackgroundSource, WaitsForASlowServerAsTheThreadsHaveIt) {
   machine::Simulation simulation;
-  ScriptedSource inner([&simulation](std::vector<Book>& books) {
+  ScriptedSource inner([&simulation] {
     simulation.Sleep(20'000);
-    return ReadOneBook(books);
+    return ReadOneBook();
   });
-  std::vector<Book> books;
-  EXPECT_EQ(BackgroundSource(inner, simulation).Read(books), ReadResult::kRead);
+  RemarkList remarks;
+  const ReadBooks books = BackgroundSource(inner, simulation).Read(remarks);
   EXPECT_EQ(simulation.GetElapsed(), 20'000U);
-  EXPECT_EQ(books.size(), 1U);
+  ASSERT_TRUE(books);
+  EXPECT_EQ(books->size(), 1U);
 }
 
 TEST(BackgroundSource, AReadingThatThrowsIsUnreadableAndEndsNothing) {
   posix::PosixThreads threads;
-  ScriptedSource poor(RunOutOfMemory);
-  BackgroundSource poorSource(poor, threads);
-  std::vector<Book> books;
-  EXPECT_EQ(poorSource.Read(books), ReadResult::kUnreadable);
-  EXPECT_TRUE(books.empty());
-  EXPECT_EQ(poorSource.GetReason(), std::bad_alloc().what());
-
-  ScriptedSource broken([](std::vector<Book>&) -> ReadResult { throw std::runtime_error("torn"); });
-  BackgroundSource brokenSource(broken, threads);
-  EXPECT_EQ(brokenSource.Read(books), ReadResult::kUnreadable);
-  EXPECT_EQ(brokenSource.GetReason(), "torn");
+  const auto reasonOf = [&threads](const std::function<ReadBooks()>& read) {
+    ScriptedSource inner(read);
+    RemarkList remarks;
+    const ReadBooks books = BackgroundSource(inner, threads).Read(remarks);
+    EXPECT_FALSE(books);
+    EXPECT_EQ(books.error().kind, BooksError::Kind::kUnreadable);
+    EXPECT_TRUE(remarks.GetAll().empty());
+    return books.error().reason;
+  };
+  EXPECT_EQ(reasonOf([]() -> ReadBooks { throw std::bad_alloc(); }), std::bad_alloc().what());
+  EXPECT_EQ(reasonOf([]() -> ReadBooks { throw std::runtime_error("torn"); }), "torn");
 }
 
 TEST(BackgroundSource, WithoutAThreadTheCallersOwnReads) {
@@ -110,10 +111,11 @@ TEST(BackgroundSource, WithoutAThreadTheCallersOwnReads) {
   support::WatchedThreads failing(threads, plan);
   plan.FailCall(1, support::Failing::kOnce);
   ScriptedSource inner(ReadOneBook);
-  std::vector<Book> books;
-  EXPECT_EQ(BackgroundSource(inner, failing).Read(books), ReadResult::kRead);
+  RemarkList remarks;
+  const ReadBooks books = BackgroundSource(inner, failing).Read(remarks);
   EXPECT_TRUE(plan.HasFailed());
-  EXPECT_EQ(books.size(), 1U);
+  ASSERT_TRUE(books);
+  EXPECT_EQ(books->size(), 1U);
 }
 
 TEST(BackgroundSource, AWaitThatFailsLosesNothing) {
@@ -122,10 +124,11 @@ TEST(BackgroundSource, AWaitThatFailsLosesNothing) {
   support::WatchedThreads failing(threads, plan);
   plan.FailCall(2, support::Failing::kOnce);
   ScriptedSource inner(ReadOneBook);
-  std::vector<Book> books;
-  EXPECT_EQ(BackgroundSource(inner, failing).Read(books), ReadResult::kRead);
+  RemarkList remarks;
+  const ReadBooks books = BackgroundSource(inner, failing).Read(remarks);
   EXPECT_TRUE(plan.HasFailed());
-  EXPECT_EQ(books.size(), 1U);
+  ASSERT_TRUE(books);
+  EXPECT_EQ(books->size(), 1U);
 }
 
 }  // namespace

@@ -14,6 +14,7 @@
 namespace vcard {
 namespace {
 
+using platform::BooksError;
 using platform::DesktopBook;
 using platform::DesktopBooks;
 
@@ -32,14 +33,16 @@ void ReadBadBooks(std::uint32_t /*milliseconds*/, DesktopBooks& books) {
 }
 
 void RefuseAndNameTheLimit(std::uint32_t milliseconds, DesktopBooks& books) {
-  books = platform::Failure(platform::DesktopBooksError{
-      .reason = "no answer in " + std::to_string(milliseconds) + " ms"});
+  books = platform::Failure(
+      BooksError{.reason = "no answer in " + std::to_string(milliseconds) + " ms"});
 }
 
 TEST(DesktopSourceOfALibrary, SortsEachBookByName) {
   DesktopSource source([] { return DesktopSource::Library(ReadTwoBooks); });
-  std::vector<Book> books;
-  ASSERT_EQ(source.Read(books), ReadResult::kRead);
+  RemarkList remarks;
+  const ReadBooks read = source.Read(remarks);
+  ASSERT_TRUE(read);
+  const std::vector<Book>& books = *read;
   ASSERT_EQ(books.size(), 2U);
   EXPECT_EQ(books[0].name, u"eds:first");
   ASSERT_EQ(books[0].contacts.size(), 2U);
@@ -51,16 +54,20 @@ TEST(DesktopSourceOfALibrary, SortsEachBookByName) {
 
 TEST(DesktopSourceOfALibrary, OnlyASettledBookIsComplete) {
   DesktopSource source([] { return DesktopSource::Library(ReadTwoBooks); });
-  std::vector<Book> books;
-  ASSERT_EQ(source.Read(books), ReadResult::kRead);
+  RemarkList remarks;
+  const ReadBooks read = source.Read(remarks);
+  ASSERT_TRUE(read);
+  const std::vector<Book>& books = *read;
   EXPECT_TRUE(books[0].isComplete);
   EXPECT_FALSE(books[1].isComplete);
 }
 
 TEST(DesktopSourceOfALibrary, ABookThatIsEmptyOrTornIsNotComplete) {
   DesktopSource source([] { return DesktopSource::Library(ReadBadBooks); });
-  std::vector<Book> books;
-  ASSERT_EQ(source.Read(books), ReadResult::kRead);
+  RemarkList remarks;
+  const ReadBooks read = source.Read(remarks);
+  ASSERT_TRUE(read);
+  const std::vector<Book>& books = *read;
   EXPECT_FALSE(books[0].isComplete);
   EXPECT_EQ(books[1].contacts.size(), 1U);
   EXPECT_FALSE(books[1].isComplete);
@@ -69,19 +76,21 @@ TEST(DesktopSourceOfALibrary, ABookThatIsEmptyOrTornIsNotComplete) {
 TEST(DesktopSourceOfALibrary, GivesTheReasonOfARefusal) {
   DesktopSource source([] { return DesktopSource::Library(RefuseAndNameTheLimit); },
                        std::chrono::milliseconds(7));
-  std::vector<Book> books(1);
-  EXPECT_EQ(source.Read(books), ReadResult::kUnreadable);
-  EXPECT_TRUE(books.empty());
-  EXPECT_EQ(source.GetReason(), "no answer in 7 ms");
+  RemarkList remarks;
+  const ReadBooks read = source.Read(remarks);
+  ASSERT_FALSE(read);
+  EXPECT_EQ(read.error().kind, BooksError::Kind::kUnreadable);
+  EXPECT_EQ(read.error().reason, "no answer in 7 ms");
 }
 
 TEST(DesktopSourceOfALibrary, WithoutTheLibraryNobodyAnswers) {
   DesktopSource source(
       [] { return DesktopSource::Library(platform::Failure<std::string>("it is missing")); });
-  std::vector<Book> books(1);
-  EXPECT_EQ(source.Read(books), ReadResult::kNoAnswer);
-  EXPECT_TRUE(books.empty());
-  EXPECT_EQ(source.GetReason(), "it is missing");
+  RemarkList remarks;
+  const ReadBooks read = source.Read(remarks);
+  ASSERT_FALSE(read);
+  EXPECT_EQ(read.error().kind, BooksError::Kind::kNoAnswer);
+  EXPECT_EQ(read.error().reason, "it is missing");
 }
 
 TEST(DesktopSourceOfALibrary, IsNotLoadedBeforeItIsRead) {
@@ -91,8 +100,8 @@ TEST(DesktopSourceOfALibrary, IsNotLoadedBeforeItIsRead) {
     return DesktopSource::Library(ReadTwoBooks);
   });
   EXPECT_EQ(loadings, 0);
-  std::vector<Book> books;
-  ASSERT_EQ(source.Read(books), ReadResult::kRead);
+  RemarkList remarks;
+  ASSERT_TRUE(source.Read(remarks));
   EXPECT_EQ(loadings, 1);
 }
 

@@ -48,11 +48,11 @@ class OidMapTest : public testing::Test {
   Oids Assign(platform::Registry& registry, const std::u16string& source,
               const std::vector<std::string>& uids) {
     OidMap map(registry);
-    std::vector<Oids> oids;
     const Book books[] = {BookOf(source, uids)};
     EXPECT_TRUE(map.Load());
-    EXPECT_TRUE(map.Assign(books, OidMap::Keeping::kStored, oids));
-    return oids.empty() ? Oids() : oids[0];
+    const auto oids = map.Assign(books, OidMap::Keeping::kStored);
+    EXPECT_TRUE(oids);
+    return oids ? oids->front() : Oids();
   }
   Oids Assign(const std::u16string& source, const std::vector<std::string>& uids) {
     return Assign(m_registry, source, uids);
@@ -153,21 +153,21 @@ TEST_F(OidMapTest, ALogonThatMeetsNobodyNewWritesNothing) {
   OidMap map(registry);
   ASSERT_TRUE(map.Load());
   registry.FailCall(1, support::Failing::kFromThenOn);
-  std::vector<Oids> again;
   const Book books[] = {BookOf(u"book", Uids(100))};
-  EXPECT_TRUE(map.Assign(books, OidMap::Keeping::kStored, again));
+  const auto again = map.Assign(books, OidMap::Keeping::kStored);
   EXPECT_EQ(registry.CountCalls(), 0U);
-  EXPECT_EQ(again[0], oids);
+  ASSERT_TRUE(again);
+  EXPECT_EQ(again->front(), oids);
 }
 
 TEST_F(OidMapTest, SeesWhatAnotherProcessGaveSinceItWasLoaded) {
   OidMap map(m_registry);
   ASSERT_TRUE(map.Load());
   const Oids given = Assign(u"book", {"a", "deleted since"});
-  std::vector<Oids> oids;
   const Book books[] = {BookOf(u"book", {"b", "a"})};
-  ASSERT_TRUE(map.Assign(books, OidMap::Keeping::kStored, oids));
-  EXPECT_EQ(oids[0][1], given[0]);
+  const auto oids = map.Assign(books, OidMap::Keeping::kStored);
+  ASSERT_TRUE(oids);
+  EXPECT_EQ(oids->front()[1], given[0]);
   EXPECT_EQ(support::BytesOf(m_registry, kFirstBook, u"people0").size(), 168U);
   EXPECT_TRUE(map.Belongs(given[1], u"book"));
 }
@@ -194,9 +194,8 @@ TEST_F(OidMapTest, AnyFailureOfTheStoreLeavesAllOrNothing) {
     support::FailingRegistry failing(registry);
     failing.FailCall(call, support::Failing::kOnce);
     OidMap map(failing);
-    std::vector<Oids> oids;
     const Book books[] = {BookOf(u"book", {"a", "b"}), BookOf(u"other", {"c"})};
-    const bool isDone = map.Load() && map.Assign(books, OidMap::Keeping::kStored, oids);
+    const bool isDone = map.Load() && map.Assign(books, OidMap::Keeping::kStored);
     hasFailed = failing.HasFailed();
     EXPECT_EQ(isDone, !hasFailed) << call;
     const bool bookIsNew = support::KeyExists(registry, std::u16string(kKey) + u"\\2");
@@ -337,12 +336,12 @@ TEST_F(OddOidMap, NewNumbersThatCannotBeKeptAreThoseThatAreKeptLater) {
   support::ReadOnlyRegistry full(m_registry, RegistryError::kFull);
   OidMap map(full);
   const Book books[] = {BookOf(u"book", {"a", "c"})};
-  std::vector<Oids> oids;
   ASSERT_TRUE(map.Load());
-  ASSERT_TRUE(map.Assign(books, OidMap::Keeping::kStored, oids));
+  const auto oids = map.Assign(books, OidMap::Keeping::kStored);
+  ASSERT_TRUE(oids);
   ASSERT_EQ(map.GetRemarks().size(), 1U);
   EXPECT_EQ(map.GetRemarks()[0].text, "new contacts cannot be remembered: the disk is full");
-  EXPECT_EQ(Assign(u"book", {"a", "c"}), oids[0]);
+  EXPECT_EQ(Assign(u"book", {"a", "c"}), oids->front());
 }
 
 }  // namespace

@@ -37,10 +37,8 @@ class Recognition : public testing::Test {
   }
   Oids Read(const Book& book) {
     OidMap map(m_registry);
-    std::vector<Oids> oids;
     EXPECT_TRUE(map.Load());
-    EXPECT_TRUE(map.Assign(std::span(&book, 1), OidMap::Keeping::kStored, oids));
-    return oids.at(0);
+    return map.Assign(std::span(&book, 1), OidMap::Keeping::kStored).value().at(0);
   }
 
   machine::MemoryRegistry m_registry;

@@ -14,6 +14,7 @@ namespace vcard {
 namespace {
 
 using platform::RegistryError;
+using Recalled = platform::Result<std::optional<SourceChoice>, RegistryError>;
 
 constexpr std::u16string_view kKey = u"Software\\Zedra\\Voxtrel Contacts";
 
@@ -34,14 +35,11 @@ TEST(SourceChoice, APathOfTheDeviceStaysOne) {
 
 TEST(SourceChoice, IsRemembered) {
   machine::MemoryRegistry registry;
-  std::optional<SourceChoice> choice = SourceChoice{u"/x"};
   std::vector<Remark> remarks;
-  ASSERT_TRUE(RecallChoice(registry, choice, remarks));
-  EXPECT_EQ(choice, std::nullopt);
+  EXPECT_EQ(RecallChoice(registry, remarks), Recalled(std::nullopt));
   for (const SourceChoice& each : {SourceChoice{u"/home/ann/all.vcf"}, SourceChoice{}}) {
     ASSERT_EQ(support::ErrorOf(RememberChoice(registry, each)), std::nullopt);
-    ASSERT_TRUE(RecallChoice(registry, choice, remarks));
-    EXPECT_EQ(choice, each);
+    EXPECT_EQ(RecallChoice(registry, remarks), Recalled(each));
   }
   EXPECT_TRUE(remarks.empty());
 }
@@ -59,11 +57,10 @@ TEST(SourceChoice, AStoreThatCannotBeReadIsNoReasonToTakeAnotherBook) {
   machine::MemoryRegistry registry;
   ASSERT_EQ(support::ErrorOf(RememberChoice(registry, {u"/all.vcf"})), std::nullopt);
   support::FailingRegistry failing(registry);
-  std::optional<SourceChoice> choice;
   std::vector<Remark> remarks;
   for (const std::size_t call : {1U, 2U}) {
     failing.FailCall(call, support::Failing::kOnce, RegistryError::kBusy);
-    EXPECT_FALSE(RecallChoice(failing, choice, remarks)) << call;
+    EXPECT_EQ(support::ErrorOf(RecallChoice(failing, remarks)), RegistryError::kBusy) << call;
   }
 }
 
@@ -72,16 +69,13 @@ TEST(SourceChoice, AValueThatIsNoChoiceIsPassedOverAndNamed) {
   ASSERT_EQ(
       support::ErrorOf(support::Put(registry, kKey, u"chosen", platform::RegistryType::kDword, {})),
       std::nullopt);
-  std::optional<SourceChoice> choice;
   std::vector<Remark> remarks;
-  ASSERT_TRUE(RecallChoice(registry, choice, remarks));
-  EXPECT_EQ(choice, std::nullopt);
+  EXPECT_EQ(RecallChoice(registry, remarks), Recalled(std::nullopt));
   ASSERT_EQ(remarks.size(), 1U);
   EXPECT_EQ(remarks[0].place, kKey);
   EXPECT_EQ(remarks[0].text, "the value \"chosen\" names no address book and is passed over");
   ASSERT_EQ(support::ErrorOf(RememberChoice(registry, {u"/all.vcf"})), std::nullopt);
-  ASSERT_TRUE(RecallChoice(registry, choice, remarks));
-  EXPECT_EQ(choice, SourceChoice{u"/all.vcf"});
+  EXPECT_EQ(RecallChoice(registry, remarks), Recalled(SourceChoice{u"/all.vcf"}));
 }
 
 }  // namespace

@@ -58,15 +58,23 @@ class VcardSourceTest : public testing::Test {
     EXPECT_TRUE(m_files.PutFile(path, support::ToBytes(content)));
   }
 
-  /// Last names in order; a text that says why not where the source gives no book.
+  /// The books of a file or folder; the remarks go to m_remarks.
+  ReadBooks ReadFrom(platform::FileSystem& files, std::u16string path) {
+    RemarkList remarks;
+    auto read = VcardSource(files, std::move(path)).Read(remarks);
+    m_remarks = remarks.GetAll();
+    return read;
+  }
+
+  /// Last names in order; a text that says why not if the source gives no book.
   std::string Read(std::u16string path) {
-    std::vector<Book> books;
-    if (VcardSource(m_files, std::move(path)).Read(books) != ReadResult::kRead) {
-      EXPECT_TRUE(books.empty());
+    const ReadBooks books = ReadFrom(m_files, std::move(path));
+    if (!books) {
+      EXPECT_EQ(books.error().kind, platform::BooksError::Kind::kUnreadable);
       return "unreadable";
     }
-    EXPECT_EQ(books.size(), 1U);
-    m_book = books[0];
+    EXPECT_EQ(books->size(), 1U);
+    m_book = books->front();
     std::string names;
     for (const ContactData& contact : m_book.contacts) {
       names += text::ToUtf8(contact.lastName) + ".";
@@ -76,6 +84,7 @@ class VcardSourceTest : public testing::Test {
 
   machine::MemoryFileSystem m_files;
   Book m_book;
+  std::vector<Remark> m_remarks;
 };
 
 TEST_F(VcardSourceTest, ReadsAFileInTheOrderInWhichItIsWritten) {
@@ -106,11 +115,11 @@ TEST_F(VcardSourceTest, TheOrderOfAFolderIsThatOfTheNamesHoweverTheyAreFound) {
   Put(u"/cards/b.vcf", Named("B"));
   Put(u"/cards/c.vcf", Named("C"));
   BackwardsFileSystem backwards(m_files);
-  std::vector<Book> books;
-  ASSERT_EQ(VcardSource(backwards, u"/cards").Read(books), ReadResult::kRead);
-  ASSERT_EQ(books[0].contacts.size(), 3U);
-  EXPECT_EQ(books[0].contacts.front().lastName, u"A");
-  EXPECT_EQ(books[0].contacts.back().lastName, u"C");
+  const ReadBooks books = ReadFrom(backwards, u"/cards");
+  ASSERT_TRUE(books);
+  ASSERT_EQ(books->front().contacts.size(), 3U);
+  EXPECT_EQ(books->front().contacts.front().lastName, u"A");
+  EXPECT_EQ(books->front().contacts.back().lastName, u"C");
 }
 
 TEST_F(VcardSourceTest, AFolderNamedAsACardIsPassedOver) {
@@ -194,13 +203,13 @@ TEST_F(VcardSourceTest, AFileOfAFolderThatCannotBeOpenedCostsItselfAloneAndIsNam
       {platform::FileError::kAccessDenied, "the file cannot be opened and is passed over"}};
   for (const auto& [error, sentence] : cases) {
     RefusingFileSystem files(m_files, u"/cards/b.vcf", error);
-    VcardSource source(files, u"/cards");
-    std::vector<Book> books;
-    ASSERT_EQ(source.Read(books), ReadResult::kRead);
+    const ReadBooks read = ReadFrom(files, u"/cards");
+    ASSERT_TRUE(read);
+    const std::vector<Book>& books = *read;
     ASSERT_EQ(books[0].contacts.size(), 2U);
     EXPECT_EQ(books[0].contacts[1].lastName, u"C");
     EXPECT_FALSE(books[0].isComplete) << "nobody is absent for it";
-    EXPECT_EQ(source.GetRemarks(), (std::vector<Remark>{{u"/cards/b.vcf", 0, sentence}}));
+    EXPECT_EQ(m_remarks, (std::vector<Remark>{{u"/cards/b.vcf", 0, sentence}}));
   }
 }
 
@@ -226,51 +235,45 @@ TEST_F(VcardSourceTest, ALinkThatCannotBeFollowedCostsItselfAloneAndIsNamed) {
   Put(u"/cards/a.vcf", Named("A"));
   Put(u"/cards/b.vcf", Named("B"));
   CircleFileSystem files(m_files, u"/cards/b.vcf");
-  VcardSource source(files, u"/cards");
-  std::vector<Book> books;
-  ASSERT_EQ(source.Read(books), ReadResult::kRead);
-  ASSERT_EQ(books[0].contacts.size(), 1U);
-  EXPECT_FALSE(books[0].isComplete) << "nobody is absent for it";
-  EXPECT_EQ(source.GetRemarks(),
-            (std::vector<Remark>{
-                {u"/cards/b.vcf", 0, "the link cannot be followed and is passed over"}}));
-  EXPECT_EQ(VcardSource(files, u"/cards/b.vcf").Read(books), ReadResult::kUnreadable);
+  const ReadBooks books = ReadFrom(files, u"/cards");
+  ASSERT_TRUE(books);
+  ASSERT_EQ(books->front().contacts.size(), 1U);
+  EXPECT_FALSE(books->front().isComplete) << "nobody is absent for it";
+  EXPECT_EQ(m_remarks, (std::vector<Remark>{{u"/cards/b.vcf", 0,
+                                             "the link cannot be followed and is passed over"}}));
+  EXPECT_FALSE(ReadFrom(files, u"/cards/b.vcf"));
 }
 
 TEST_F(VcardSourceTest, DamageIsNamedByFileAndLine) {
   Put(u"/cards/a.vcf", Named("A") + "stray\r\n");
   Put(u"/cards/b.vcf", "\r\nBEGIN:VCARD\r\nN:B;;;;\r\n");
-  VcardSource source(m_files, u"/cards");
-  std::vector<Book> books;
-  ASSERT_EQ(source.Read(books), ReadResult::kRead);
-  EXPECT_EQ(source.GetRemarks(),
+  const ReadBooks books = ReadFrom(m_files, u"/cards");
+  ASSERT_TRUE(books);
+  EXPECT_EQ(m_remarks,
             (std::vector<Remark>{
                 {u"/cards/a.vcf", 6, "the line belongs to no card"},
                 {u"/cards/b.vcf", 2, "the card that begins here has no end and is passed over"},
                 {u"/cards/b.vcf", 0, "the file holds no whole card"}}));
-  ASSERT_EQ(books[0].torn.size(), 1U);
-  EXPECT_EQ(books[0].torn[0].lastName, u"B");
-  EXPECT_FALSE(books[0].isComplete);
+  ASSERT_EQ(books->front().torn.size(), 1U);
+  EXPECT_EQ(books->front().torn[0].lastName, u"B");
+  EXPECT_FALSE(books->front().isComplete);
 }
 
 TEST_F(VcardSourceTest, ATornFileThatHoldsNothingElseIsNamedToo) {
   Put(u"/torn.vcf", "BEGIN:VCARD\nN:A;;;;\n");
-  VcardSource source(m_files, u"/torn.vcf");
-  std::vector<Book> books;
-  EXPECT_EQ(source.Read(books), ReadResult::kUnreadable);
-  ASSERT_EQ(source.GetRemarks().size(), 1U);
-  EXPECT_EQ(source.GetRemarks()[0].line, 1U);
+  EXPECT_FALSE(ReadFrom(m_files, u"/torn.vcf"));
+  ASSERT_EQ(m_remarks.size(), 1U);
+  EXPECT_EQ(m_remarks[0].line, 1U);
 }
 
 TEST_F(VcardSourceTest, ANumberWithoutAPlaceIsNamedAndLosesNobody) {
   Put(u"/all.vcf", WriteCard("N:Lee;Ann;;;\nTEL;CAR:1\nTEL;CAR:2"));
-  VcardSource source(m_files, u"/all.vcf");
-  std::vector<Book> books;
-  ASSERT_EQ(source.Read(books), ReadResult::kRead);
-  EXPECT_EQ(source.GetRemarks(),
+  const ReadBooks books = ReadFrom(m_files, u"/all.vcf");
+  ASSERT_TRUE(books);
+  EXPECT_EQ(m_remarks,
             (std::vector<Remark>{
                 {u"/all.vcf", 5, "the number 2 of Ann Lee finds no kind that is free"}}));
-  EXPECT_TRUE(books[0].isComplete);
+  EXPECT_TRUE(books->front().isComplete);
 }
 
 TEST_F(VcardSourceTest, ThousandsOfRemarksAreCounted) {
@@ -279,11 +282,10 @@ TEST_F(VcardSourceTest, ThousandsOfRemarksAreCounted) {
     cards += "BEGIN:VCARD\n";
   }
   Put(u"/all.vcf", cards);
-  VcardSource source(m_files, u"/all.vcf");
-  std::vector<Book> books;
-  ASSERT_EQ(source.Read(books), ReadResult::kRead);
-  ASSERT_EQ(source.GetRemarks().size(), 101U);
-  EXPECT_EQ(source.GetRemarks().back().text, "there are 4900 more such remarks");
+  const ReadBooks books = ReadFrom(m_files, u"/all.vcf");
+  ASSERT_TRUE(books);
+  ASSERT_EQ(m_remarks.size(), 101U);
+  EXPECT_EQ(m_remarks.back().text, "there are 4900 more such remarks");
 }
 
 TEST_F(VcardSourceTest, MoreContactsThanAnybodyHasAreUnreadable) {
@@ -312,10 +314,9 @@ TEST_F(VcardSourceTest, EveryFailureOfTheFilesMakesTheSourceUnreadable) {
   bool hasFailed = true;
   for (std::size_t call = 1; hasFailed; ++call) {
     failing.FailCall(call, support::Failing::kOnce);
-    std::vector<Book> books;
-    const ReadResult result = VcardSource(failing, u"/cards").Read(books);
+    const ReadBooks books = ReadFrom(failing, u"/cards");
     hasFailed = failing.HasFailed();
-    EXPECT_EQ(result, hasFailed ? ReadResult::kUnreadable : ReadResult::kRead) << call;
+    EXPECT_EQ(books.has_value(), !hasFailed) << call;
   }
 }
 
@@ -327,8 +328,8 @@ TEST_F(VcardSourceTest, ReadsEachFileOnceFromItsStartToItsEnd) {
   Put(u"/all.vcf", cards);
   support::FailingFileSystem counting(m_files);
   counting.FailCall(100'000, support::Failing::kOnce);
-  std::vector<Book> books;
-  ASSERT_EQ(VcardSource(counting, u"/all.vcf").Read(books), ReadResult::kRead);
+  const ReadBooks books = ReadFrom(counting, u"/all.vcf");
+  ASSERT_TRUE(books);
   // One search and its name, one opening, and a read for each 64 KiB begun.
   EXPECT_LE(counting.CountCalls(), 3 + cards.size() / 65536 + 1);
   EXPECT_EQ(m_files.CountOpenHandles(), 0U);

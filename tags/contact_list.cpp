@@ -1,4 +1,4 @@
-#include "tags/contact_record.h"
+#include "tags/contact_list.h"
 
 #include <algorithm>
 
