@@ -145,10 +145,11 @@ option(VOXTREL_TEST_PROGRAMS "Run each test program as one test, which saves sta
 # Test programs by label, for builds that run no others: those with threads, and those that compare
 # the bits of the mathematics.
 add_custom_target(thread_tests)
-add_custom_target(bit_tests)
+add_custom_target(bits_tests)
+add_custom_target(emulated_tests)
 # What is tried with the program as users run it: these, and what compares bits.
 add_custom_target(release_tests)
-add_dependencies(release_tests bit_tests)
+add_dependencies(release_tests bits_tests)
 
 # What is tested is optimised; what tests it is hardly, since it is compiled more often than it runs,
 # unless the processor is emulated, which makes it slow.
@@ -212,7 +213,10 @@ function(voxtrel_test name)
     add_dependencies(thread_tests ${name})
   endif()
   if("bits" IN_LIST ARG_LABELS)
-    add_dependencies(bit_tests ${name})
+    add_dependencies(bits_tests ${name})
+  endif()
+  if("emulated" IN_LIST ARG_LABELS)
+    add_dependencies(emulated_tests ${name})
   endif()
   if("program" IN_LIST ARG_LABELS)
     add_dependencies(release_tests ${name})

@@ -28,7 +28,7 @@ NEXT_COMMANDS = [["check", "--repair"], ["reinit"]]
 KINDS = ["kill", "power", "call", "memory"]
 # Of the points of a kind each which one is tried by --part. Odd, as failures once and for good take
 # turns.
-PART = {"kill": 1, "power": 1, "call": 7, "memory": 29}
+PART = {"kill": 5, "power": 3, "call": 31, "memory": 211}
 LATER = 100_000  # Seconds on the clock when a tried command begins.
 
 
@@ -225,7 +225,7 @@ def read_options():
     parser.add_argument("--library", required=True, help="the library that makes calls fail")
     parser.add_argument("--samples", required=True)
     parser.add_argument("--part", action="store_true",
-                        help="try as many points as two minutes have room for: of each kind each "
+                        help="try as many points as half a minute has room for: of each kind each "
                         + ", ".join(f"{step}th {kind}" for kind, step in PART.items()))
     parser.add_argument("--every", type=int, default=1, help="try each N-th point (default: all)")
     parser.add_argument("--only", help="commands whose name begins so")
