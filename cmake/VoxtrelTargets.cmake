@@ -56,6 +56,7 @@ target_include_directories(voxtrel_options SYSTEM INTERFACE "${PROJECT_BINARY_DI
 target_link_libraries(voxtrel_options INTERFACE Threads::Threads)
 if(VOXTREL_SANITIZE)
   target_compile_options(voxtrel_options INTERFACE -fsanitize=${VOXTREL_SANITIZE}
+                                                   $<$<BOOL:$<TARGET_PROPERTY:VOXTREL_IS_TEST>>:-fno-sanitize=undefined>
                                                    -fno-sanitize-recover=all
                                                    -fno-omit-frame-pointer)
   # Instrumented programs are large: the quicker linker saves minutes over all of them.
@@ -152,8 +153,14 @@ add_custom_target(release_tests)
 add_dependencies(release_tests bits_tests)
 
 # What is tested is optimised; what tests it is hardly, since it is compiled more often than it runs,
-# unless the processor is emulated, which makes it slow.
+# unless the processor is emulated, which makes it slow. For the same reason the sanitizer of undefined
+# behaviour watches the program alone, and tests that run under a sanitizer have no lines for a debugger:
+# the build `dev` has them.
 function(voxtrel_test_options name)
+  if(VOXTREL_SANITIZE)
+    set_target_properties(${name} PROPERTIES VOXTREL_IS_TEST ON)
+    target_compile_options(${name} PRIVATE -g0)
+  endif()
   set(level -O0)
   if(CMAKE_CROSSCOMPILING)
     set(level -O1)
