@@ -18,7 +18,6 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Not;
-using voicemath::Take;
 using voicemath::TakeQuality;
 using voicemath::Verdict;
 
