@@ -58,10 +58,10 @@ std::unique_ptr<vcard::AddressBooks> FullDevice::Open() {
 
 std::size_t FullDevice::ReadTags(platform::ContactsStore& contacts) const {
   std::size_t found = 0;
-  std::u16string name;
   const auto names = m_store.OpenNames();
-  for (std::uint32_t i = 0; names->Get(i, name); ++i) {
-    const auto entry = m_store.ReadEntry(name);
+  std::uint32_t index = 0;
+  while (const auto name = names->Get(index++)) {
+    const auto entry = m_store.ReadEntry(*name);
     if (!entry || !entry->oid) {
       continue;
     }

@@ -78,9 +78,9 @@ void ReadOneHundredTags(benchmark::State& state) {
   }
   for (auto _ : state) {
     const auto names = store.Tags().OpenNames();
-    std::u16string name;
-    for (std::uint32_t i = 0; names && names->Get(i, name); ++i) {
-      benchmark::DoNotOptimize(store.Tags().ReadEntry(name));
+    std::uint32_t index = 0;
+    while (const auto name = names ? names->Get(index++) : std::nullopt) {
+      benchmark::DoNotOptimize(store.Tags().ReadEntry(*name));
     }
   }
 }

@@ -22,7 +22,8 @@ bool ComparisonDialog::OnInitDialog() {
   CDialog::OnInitDialog();
   m_isGone = false;
   CreateBar();
-  m_worker = m_platform.threads.Start([this] { Work(); }, platform::ThreadStart::kRunning);
+  m_worker = m_platform.threads.Start([this] { Work(); }, platform::ThreadStart::kRunning)
+                 .value_or(nullptr);
   if (!m_worker) {
     Work();  // The dialog then ends before it is shown.
   }

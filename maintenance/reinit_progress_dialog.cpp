@@ -66,13 +66,15 @@ void ReinitProgressDialog::CreateBar(std::int32_t tagCount) {
 }
 
 bool ReinitProgressDialog::StartMonitor(std::int32_t tagCount) {
-  m_done = m_platform.threads.CreateManualResetEvent();
+  m_done = m_platform.threads.CreateManualResetEvent().value_or(nullptr);
   if (!m_done || m_page->GetWorkerEvent() == nullptr || m_page->GetReinitWorker() == nullptr) {
     return false;
   }
-  m_monitor = m_platform.threads.Start(
-      [this, tagCount] { ReinitMonitor(m_platform, m_page, *this).Run(tagCount); },
-      platform::ThreadStart::kRunning);
+  m_monitor =
+      m_platform.threads
+          .Start([this, tagCount] { ReinitMonitor(m_platform, m_page, *this).Run(tagCount); },
+                 platform::ThreadStart::kRunning)
+          .value_or(nullptr);
   return m_monitor != nullptr;
 }
 

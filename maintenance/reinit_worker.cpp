@@ -78,7 +78,7 @@ bool ReinitWorker::Recompute(std::u16string_view waveFile) {
   const std::u16string templatePath = storage::TemplatePathOfWaveFile(waveFile);
   m_platform.clock.Sleep(kMillisecondsBeforeFile);
   static_cast<void>(m_platform.files.Delete(templatePath));
-  m_mathematics->m_wavePath = storage::WaveFilePath(waveFile);
+  m_mathematics->m_wavePath = storage::PathIn(storage::kWaveFolder, waveFile);
   // The first trims the recording once more; the template of the second, over all of what is left,
   // is the one that is stored. Both are made for every recording.
   static_cast<void>(m_mathematics->LearnFile(0));

@@ -50,7 +50,7 @@ platform::Result<void, ProcessEnded> TemplateLoader::LoadFolder() {
   auto found = (*search)->Next();
   for (std::int32_t tag = 0; (!found || *found) && tag < storage::kMaxTags;) {
     if (found) {
-      const std::u16string path = storage::WaveFilePath((*found)->name);
+      const std::u16string path = storage::PathIn(storage::kWaveFolder, (*found)->name);
       m_loaded.wavePaths.resize(static_cast<std::size_t>(tag) + 1);
       if (!LoadTemplate(tag, path, storage::TemplatePathOfWaveFile(path))) {
         m_loaded.unread.push_back(tag);

@@ -55,9 +55,9 @@ inline constexpr std::size_t kMaxValueBytes = std::size_t{1} << 20;
   return name.size() <= kMaxValueNameLength && name.find(u'\0') == std::u16string_view::npos;
 }
 
-/// Returns the key names of `path` from the root downwards, and none for the root itself. Returns
-/// nothing if a registry does not take it as a path.
-[[nodiscard]] inline std::optional<std::vector<std::u16string_view>> SplitKeyPath(
+/// Returns the key names of `path` from the root downwards, and none for the root itself. Fails
+/// with kInvalid if a registry does not take it as a path.
+[[nodiscard]] inline Result<std::vector<std::u16string_view>, RegistryError> SplitKeyPath(
     std::u16string_view path) {
   std::vector<std::u16string_view> names;
   if (path.empty()) {
@@ -67,7 +67,7 @@ inline constexpr std::size_t kMaxValueBytes = std::size_t{1} << 20;
     const std::size_t end = path.find(u'\\');
     const std::u16string_view name = path.substr(0, end);
     if (!IsKeyName(name) || names.size() == kMaxKeyDepth) {
-      return std::nullopt;
+      return Failure(RegistryError::kInvalid);
     }
     names.push_back(name);
     if (end == std::u16string_view::npos) {

@@ -18,4 +18,10 @@ template <typename Error>
   return tl::unexpected<Error>(std::move(error));
 }
 
+/// Returns the result of a deletion. What was not there counts as deleted.
+template <typename Error>
+[[nodiscard]] Result<void, Error> AcceptMissing(Result<void, Error> deleted) {
+  return !deleted && deleted.error() == Error::kNotFound ? Result<void, Error>() : deleted;
+}
+
 }  // namespace platform

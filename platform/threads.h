@@ -6,6 +6,8 @@
 #include <memory>
 #include <string_view>
 
+#include "platform/result.h"
+
 namespace platform {
 
 inline constexpr std::uint32_t kNoLimit = std::numeric_limits<std::uint32_t>::max();
@@ -58,10 +60,15 @@ class NamedMutex {
   virtual ~NamedMutex() = default;
 };
 
-struct CreatedMutex {
-  std::unique_ptr<NamedMutex> mutex;  ///< Null if another holder has it, or if none can be made.
-  bool existed = false;               ///< Another holder has it.
+/// Why there is no thread, no event or no mutex.
+enum class ThreadError : std::uint8_t {
+  kHeld,     ///< Another holder has the mutex.
+  kRefused,  ///< The system gives none.
 };
+
+using StartedThread = Result<std::unique_ptr<Thread>, ThreadError>;
+using CreatedEvent = Result<std::unique_ptr<Event>, ThreadError>;
+using CreatedMutex = Result<std::unique_ptr<NamedMutex>, ThreadError>;
 
 enum class ThreadStart : std::uint8_t { kRunning, kSuspended };
 
@@ -73,15 +80,13 @@ class Threads {
   Threads& operator=(const Threads&) = delete;
   virtual ~Threads() = default;
 
-  /// Starts a thread that calls `body`, which must not throw. Returns null if the system gives no
-  /// thread.
-  [[nodiscard]] virtual std::unique_ptr<Thread> Start(std::function<void()> body,
-                                                      ThreadStart start) = 0;
+  /// Starts a thread that calls `body`, which must not throw. Fails with kRefused only.
+  [[nodiscard]] virtual StartedThread Start(std::function<void()> body, ThreadStart start) = 0;
 
-  /// Returns an event that is not set. Returns null if the system gives none.
-  [[nodiscard]] virtual std::unique_ptr<Event> CreateManualResetEvent() = 0;
+  /// Returns an event that is not set. Fails with kRefused only.
+  [[nodiscard]] virtual CreatedEvent CreateManualResetEvent() = 0;
 
-  /// Makes the mutex of this name, unless another holder has it.
+  /// Makes the mutex of this name. Fails with kHeld if another holder has it.
   [[nodiscard]] virtual CreatedMutex CreateNamedMutex(std::u16string_view name) = 0;
 };
 

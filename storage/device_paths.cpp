@@ -6,27 +6,21 @@ namespace {
 
 constexpr char16_t kSeparator = u'\\';
 
-std::u16string Join(std::u16string_view folder, std::u16string_view name,
-                    std::u16string_view extension) {
+}  // namespace
+
+std::u16string PathIn(std::u16string_view folder, std::u16string_view file) {
   std::u16string path(folder);
   path += kSeparator;
-  path += name;
-  path += extension;
+  path += file;
   return path;
 }
 
-}  // namespace
-
 std::u16string WavePath(std::u16string_view tagName) {
-  return Join(kWaveFolder, tagName, kWaveExtension);
+  return PathIn(kWaveFolder, tagName).append(kWaveExtension);
 }
 
 std::u16string TemplatePath(std::u16string_view tagName) {
-  return Join(kTemplateFolder, tagName, kTemplateExtension);
-}
-
-std::u16string WaveFilePath(std::u16string_view waveFile) {
-  return Join(kWaveFolder, waveFile, {});
+  return PathIn(kTemplateFolder, tagName).append(kTemplateExtension);
 }
 
 std::u16string_view TagNameOfWaveFile(std::u16string_view waveFile) {

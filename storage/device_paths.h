@@ -40,8 +40,8 @@ static_assert(kTemplatePattern.starts_with(kTemplateFolder) &&
 [[nodiscard]] std::u16string WavePath(std::u16string_view tagName);
 [[nodiscard]] std::u16string TemplatePath(std::u16string_view tagName);
 
-/// Returns the path of a recording. Its file name has the extension.
-[[nodiscard]] std::u16string WaveFilePath(std::u16string_view waveFile);
+/// Returns the path of a file in a folder. The file's name has its extension.
+[[nodiscard]] std::u16string PathIn(std::u16string_view folder, std::u16string_view file);
 
 /// Returns the tag that a recording belongs to: the file's name without as many characters at its
 /// end as the extension has. Takes a name with or without its folder. Returns an empty name if the

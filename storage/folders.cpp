@@ -1,6 +1,5 @@
 #include "storage/folders.h"
 
-#include <algorithm>
 #include <array>
 #include <string>
 
@@ -9,47 +8,50 @@
 namespace storage {
 
 using platform::FileError;
+using platform::Result;
 
 namespace {
 
 constexpr int kExitCode = 0;
 
-void Create(platform::FileSystem& files, std::u16string_view folder) {
-  static_cast<void>(files.CreateFolder(folder));
+/// Makes a folder. One that is there, or that another program makes at this moment, is as good.
+Result<void, FileError> MakeSure(platform::FileSystem& files, std::u16string_view folder) {
+  const auto made = files.CreateFolder(folder);
+  return !made && made.error() == FileError::kAlreadyExists ? Result<void, FileError>() : made;
 }
 
 }  // namespace
 
 void CreateInstallFolders(platform::FileSystem& files) {
-  Create(files, kMakerFolder);
-  Create(files, kInstallFolder);
+  static_cast<void>(files.CreateFolder(kMakerFolder));
+  static_cast<void>(files.CreateFolder(kInstallFolder));
 }
 
 void CreateDataFolders(platform::FileSystem& files) {
-  Create(files, kWaveFolder);
-  Create(files, kTemplateFolder);
+  static_cast<void>(files.CreateFolder(kWaveFolder));
+  static_cast<void>(files.CreateFolder(kTemplateFolder));
 }
 
-bool CreateStoreFolders(platform::FileSystem& files) {
-  constexpr std::array kFolders{kProgramFilesFolder, kMakerFolder, kInstallFolder, kWaveFolder,
-                                kTemplateFolder};
-  return std::ranges::all_of(kFolders, [&files](std::u16string_view folder) {
-    const auto made = files.CreateFolder(folder);
-    return made || made.error() == FileError::kAlreadyExists;
-  });
+Result<void, FileError> CreateStoreFolders(platform::FileSystem& files) {
+  Result<void, FileError> made;
+  for (const std::u16string_view folder :
+       {kProgramFilesFolder, kMakerFolder, kInstallFolder, kWaveFolder, kTemplateFolder}) {
+    made = made.and_then([&] { return MakeSure(files, folder); });
+  }
+  return made;
 }
 
-FolderResult FolderRule::EnsureWaveFolder() const {
+Result<void, FileError> FolderRule::EnsureWaveFolder() const {
   return Ensure({kWaveFolder, resources::kNoWaveFolder});
 }
 
-FolderResult FolderRule::EnsureTemplateFolder() const {
+Result<void, FileError> FolderRule::EnsureTemplateFolder() const {
   return Ensure({kTemplateFolder, resources::kNoTemplateFolder});
 }
 
-FolderResult FolderRule::Ensure(const Step& dataFolder) const {
+Result<void, FileError> FolderRule::Ensure(const Step& dataFolder) const {
   if (Exists(dataFolder.folder)) {
-    return FolderResult::kReady;
+    return {};
   }
   const std::array steps{Step{kProgramFilesFolder, resources::kNoProgramFilesFolder},
                          Step{kMakerFolder, resources::kNoMakerFolder},
@@ -58,16 +60,14 @@ FolderResult FolderRule::Ensure(const Step& dataFolder) const {
     if (Exists(step.folder)) {
       continue;
     }
-    const auto made = m_files.CreateFolder(step.folder);
-    // Another program may have made it since it was looked for.
-    if (made || made.error() == FileError::kAlreadyExists) {
-      continue;
+    if (const auto made = MakeSure(m_files, step.folder); !made) {
+      m_ui.ShowMessage(
+          {std::u16string(m_texts(step.failure)), platform::MessageCaption::kNone, {}});
+      m_process.End(kExitCode);
+      return made;
     }
-    m_ui.ShowMessage({std::u16string(m_texts(step.failure)), platform::MessageCaption::kNone, {}});
-    m_process.End(kExitCode);
-    return FolderResult::kEnded;
   }
-  return FolderResult::kReady;
+  return {};
 }
 
 bool FolderRule::Exists(std::u16string_view folder) const {

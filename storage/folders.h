@@ -1,7 +1,5 @@
 #pragma once
 
-#include <cstdint>
-
 #include "language/texts.h"
 #include "platform/file_system.h"
 #include "platform/process.h"
@@ -16,13 +14,9 @@ void CreateInstallFolders(platform::FileSystem& files);
 /// Makes the two data folders in the same way.
 void CreateDataFolders(platform::FileSystem& files);
 
-/// Makes every folder of the store that is missing. Returns false if one is missing afterwards.
-[[nodiscard]] bool CreateStoreFolders(platform::FileSystem& files);
-
-enum class FolderResult : std::uint8_t {
-  kReady,  ///< There is something of the folder's name.
-  kEnded,  ///< A message was shown and the process was ended: the caller must leave at once.
-};
+/// Makes every folder of the store that is missing. Fails if one is missing afterwards.
+[[nodiscard]] platform::Result<void, platform::FileError> CreateStoreFolders(
+    platform::FileSystem& files);
 
 /// The folder rule: a data folder that is missing is made with every missing folder on its way.
 /// If one cannot be made, a message names it and the process ends with code 0, since nothing can be
@@ -33,8 +27,10 @@ class FolderRule {
              language::Texts texts)
       : m_files(files), m_ui(ui), m_process(process), m_texts(texts) {}
 
-  [[nodiscard]] FolderResult EnsureWaveFolder() const;
-  [[nodiscard]] FolderResult EnsureTemplateFolder() const;
+  /// After success there is something of the folder's name. After a failure the message was shown
+  /// and the process was ended, so the caller must leave at once.
+  [[nodiscard]] platform::Result<void, platform::FileError> EnsureWaveFolder() const;
+  [[nodiscard]] platform::Result<void, platform::FileError> EnsureTemplateFolder() const;
 
  private:
   struct Step {
@@ -42,7 +38,7 @@ class FolderRule {
     resources::Text failure;
   };
 
-  [[nodiscard]] FolderResult Ensure(const Step& dataFolder) const;
+  [[nodiscard]] platform::Result<void, platform::FileError> Ensure(const Step& dataFolder) const;
   [[nodiscard]] bool Exists(std::u16string_view folder) const;
 
   platform::FileSystem& m_files;

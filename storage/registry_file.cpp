@@ -1,7 +1,11 @@
 #include "storage/registry_file.h"
 
+#include <cstdint>
 #include <memory>
+#include <string_view>
 #include <utility>
+
+#include "backends/text/utf.h"
 
 namespace storage {
 
@@ -40,50 +44,117 @@ class CurrentKey {
   std::u16string m_path;
 };
 
-/// What was to be deleted and is not there is as it should be.
-Result<void, RegistryError> AcceptMissing(Result<void, RegistryError> deleted) {
-  return !deleted && deleted.error() == RegistryError::kNotFound ? Result<void, RegistryError>()
-                                                                 : deleted;
-}
-
 Result<void, RegistryError> Apply(platform::Registry& registry, CurrentKey& current,
                                   const RegistryChange& change) {
   if (change.kind == RegistryChange::Kind::kDeleteKey) {
     current.Close();
-    return AcceptMissing(registry.DeleteKey(change.key));
+    return platform::AcceptMissing(registry.DeleteKey(change.key));
   }
   const auto moved = current.MoveTo(change.key);
   if (!moved || change.kind == RegistryChange::Kind::kCreateKey) {
     return moved;
   }
   if (change.kind == RegistryChange::Kind::kDeleteValue) {
-    return AcceptMissing(current.Get().DeleteValue(change.valueName));
+    return platform::AcceptMissing(current.Get().DeleteValue(change.valueName));
   }
   return current.Get().Set(change.valueName, change.value.type, change.value.bytes);
 }
 
-RegistryFileError StoreError(RegistryError error, std::size_t line) {
-  return {line, ExplainRegistryError(error), error};
+tl::unexpected<RegistryFileError> StoreFailure(RegistryError error, std::size_t line) {
+  return Failure(RegistryFileError{line, ExplainRegistryError(error), error});
+}
+
+/// What an enumeration gives.
+using ListedName = platform::Result<std::optional<std::u16string>, RegistryError>;
+
+std::string Escape(std::u16string_view name) {
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  constexpr unsigned kBitsOfDigit = 4;
+  std::string escaped;
+  for (const char character : text::ToUtf8(name)) {
+    const auto code = static_cast<unsigned char>(character);
+    if (character == '\\') {
+      escaped += "\\\\";
+    } else if (character == '\n') {
+      escaped += "\\n";
+    } else if (code < ' ') {
+      escaped += "\\x";
+      escaped += kDigits[code >> kBitsOfDigit];
+      escaped += kDigits[code & 0xF];
+    } else {
+      escaped += character;
+    }
+  }
+  return escaped;
+}
+
+constexpr std::string_view kTooLong = "(longer than can be read)";
+
+std::string NameOf(const ListedName& name) {
+  if (!name) {
+    return std::string(kTooLong);
+  }
+  return (*name)->empty() ? "(without a name)" : Escape(**name);
+}
+
+/// Whether there is an item: one that can be named, or one that cannot be read.
+bool IsThere(const ListedName& name) {
+  return name ? name->has_value() : name.error() == RegistryError::kInvalid;
+}
+
+std::optional<std::string> FindUnusableValue(platform::RegistryKey& key,
+                                             const std::u16string& path) {
+  ListedName name = key.EnumerateValue(0);
+  for (std::uint32_t i = 1; IsThere(name); name = key.EnumerateValue(i++)) {
+    const std::string start = text::ToUtf8(path) + ": ";
+    if (!name || !platform::IsValueName(**name)) {
+      return start + NameOf(name);
+    }
+    if (const auto value = key.Query(**name); !value && value.error() == RegistryError::kInvalid) {
+      return start + Escape(**name) + ' ' + std::string(kTooLong);
+    }
+  }
+  return std::nullopt;
+}
+
+// Ends at the depth to which the registry opens keys.
+std::optional<std::string> FindBelow(platform::Registry& registry, const std::u16string& path) {
+  const platform::OpenedKey opened = registry.OpenKey(path);
+  if (!opened) {
+    return opened.error() == RegistryError::kInvalid ? std::optional(text::ToUtf8(path))
+                                                     : std::nullopt;
+  }
+  auto found = FindUnusableValue(**opened, path);
+  const std::u16string start = path.empty() ? path : path + u'\\';
+  for (std::uint32_t i = 0; !found; ++i) {
+    const ListedName name = (*opened)->EnumerateSubkey(i);
+    if (!IsThere(name)) {
+      break;
+    }
+    found = name && platform::IsKeyName(**name) ? FindBelow(registry, start + **name)
+                                                : text::ToUtf8(start) + NameOf(name);
+  }
+  return found;
 }
 
 }  // namespace
 
-std::optional<RegistryFileError> ApplyRegistryChanges(platform::Registry& registry,
-                                                      std::span<const RegistryChange> changes) {
+Result<void, RegistryFileError> ApplyRegistryChanges(platform::Registry& registry,
+                                                     std::span<const RegistryChange> changes) {
   auto group = platform::RegistryGroup::Begin(registry);
   if (!group) {
-    return StoreError(group.error(), 0);
+    return StoreFailure(group.error(), 0);
   }
   CurrentKey current(registry);
   for (const RegistryChange& change : changes) {
     if (const auto applied = Apply(registry, current, change); !applied) {
-      return StoreError(applied.error(), change.line);
+      return StoreFailure(applied.error(), change.line);
     }
   }
   if (const auto committed = group->Commit(); !committed) {
-    return StoreError(committed.error(), 0);
+    return StoreFailure(committed.error(), 0);
   }
-  return std::nullopt;
+  return {};
 }
 
 std::string ExplainRegistryError(RegistryError error) {
@@ -109,6 +180,13 @@ std::string ExplainRegistryError(RegistryError error) {
       break;
   }
   return "the settings store cannot be reached";
+}
+
+std::optional<std::string> FindUnusableKey(platform::Registry& registry,
+                                           std::u16string_view start) {
+  // Within a group, so that keys that come and go meanwhile are no surprise.
+  const auto group = platform::RegistryGroup::Begin(registry);
+  return group ? FindBelow(registry, std::u16string(start)) : std::nullopt;
 }
 
 }  // namespace storage

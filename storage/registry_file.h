@@ -5,6 +5,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/registry.h"
@@ -48,8 +49,8 @@ inline constexpr std::uint64_t kMaxRegistryFileLength = std::uint64_t{1} << 28;
 [[nodiscard]] platform::Result<RegistryFileContent, RegistryFileError> ParseRegistryFile(
     std::span<const std::byte> file);
 
-/// Makes all changes of a file, or none of them and returns why.
-[[nodiscard]] std::optional<RegistryFileError> ApplyRegistryChanges(
+/// Makes all changes of a file, or none of them.
+[[nodiscard]] platform::Result<void, RegistryFileError> ApplyRegistryChanges(
     platform::Registry& registry, std::span<const RegistryChange> changes);
 
 /// Returns such a file with the key of `path` and all below it. Without a path it holds the whole
@@ -59,7 +60,15 @@ inline constexpr std::uint64_t kMaxRegistryFileLength = std::uint64_t{1} << 28;
 [[nodiscard]] platform::Result<std::vector<std::byte>, platform::RegistryError> WriteRegistryFile(
     platform::Registry& registry, std::u16string_view path = {});
 
-/// The code in words for the user, without a full stop.
+/// Returns the code in words for the user, without a full stop.
 [[nodiscard]] std::string ExplainRegistryError(platform::RegistryError error);
+
+/// Returns the path of the first key from `start` on that cannot be opened by its path. Another
+/// program may make such a key in a store on disk: its name is empty, has a backslash or a control
+/// character, or is too long, or the key lies too deep. A value that cannot be asked for, or is too
+/// long, is named with its key. Names are escaped, so that they stay on one line. Returns nothing
+/// if there is none, or if the registry cannot be read.
+[[nodiscard]] std::optional<std::string> FindUnusableKey(platform::Registry& registry,
+                                                         std::u16string_view start = {});
 
 }  // namespace storage

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 namespace storage {
@@ -16,6 +17,11 @@ inline constexpr std::u16string_view kPhoneTypeValue = u"phone type";
 
 /// Bytes that each of the two values is written with, however long its text is.
 inline constexpr std::size_t kTagValueBytes = 100;
+
+/// Returns the key of a tag.
+[[nodiscard]] inline std::u16string EntryPath(std::u16string_view tagName) {
+  return std::u16string(kTagKey).append(u"\\").append(tagName);
+}
 
 /// Made by the installation and never by the applet.
 inline constexpr std::u16string_view kSetupKey = u"Software\\Zedra\\VoxtrelPEIni";

@@ -9,6 +9,7 @@
 
 namespace storage {
 
+using platform::AcceptMissing;
 using platform::Failure;
 using platform::FileError;
 using platform::RegistryError;
@@ -16,10 +17,6 @@ using platform::RegistryType;
 using platform::Result;
 
 namespace {
-
-std::u16string EntryPath(std::u16string_view tagName) {
-  return std::u16string(kTagKey).append(u"\\").append(tagName);
-}
 
 /// Returns the text of a value. It is empty if the value is missing or no text.
 Result<std::u16string, RegistryError> ReadText(platform::RegistryKey& key,
@@ -29,11 +26,6 @@ Result<std::u16string, RegistryError> ReadText(platform::RegistryKey& key,
     return Failure(value.error());
   }
   return value ? TextOfValue(*value) : std::u16string();
-}
-
-template <typename Error>
-Result<void, Error> AcceptMissing(Result<void, Error> deleted) {
-  return !deleted && deleted.error() == Error::kNotFound ? Result<void, Error>() : deleted;
 }
 
 using FoundOrNot = Result<std::optional<platform::FoundFile>, FileError>;
@@ -46,7 +38,8 @@ FoundOrNot NextFile(platform::FileSearch& search) {
   return found;
 }
 
-/// Passes over folders. Its first file was looked for before, since there may be none.
+/// A search that passes over folders. A search must not begin if it finds nothing. So the first
+/// file is looked for before this is made, and kept until it is asked for.
 class FilesOnly final : public platform::FileSearch {
  public:
   FilesOnly(std::unique_ptr<platform::FileSearch> search, platform::FoundFile first)
@@ -79,13 +72,9 @@ Result<std::unique_ptr<platform::FileSearch>, FileError> FindFilesOnly(
 
 }  // namespace
 
-bool TagNames::Get(std::uint32_t index, std::u16string& name) const {
+std::optional<std::u16string> TagNames::Get(std::uint32_t index) const {
   auto found = m_key->EnumerateSubkey(index);
-  if (!found || !*found || (*found)->size() > kMaxLength) {
-    return false;
-  }
-  name = std::move(**found);
-  return true;
+  return found && *found && (*found)->size() <= kMaxLength ? std::move(*found) : std::nullopt;
 }
 
 Result<void, RegistryError> TagStore::WriteEntry(std::u16string_view tagName, std::int32_t oid,
@@ -110,9 +99,9 @@ Result<void, RegistryError> TagStore::WriteEntry(std::u16string_view tagName, st
       .and_then([&] { return group->Commit(); });
 }
 
-std::unique_ptr<TagNames> TagStore::OpenNames() const {
-  platform::OpenedKey tags = m_registry.OpenKey(kTagKey);
-  return tags ? std::make_unique<TagNames>(std::move(*tags)) : nullptr;
+Result<TagNames, RegistryError> TagStore::OpenNames() const {
+  return m_registry.OpenKey(kTagKey).map(
+      [](std::unique_ptr<platform::RegistryKey>&& key) { return TagNames(std::move(key)); });
 }
 
 Result<TagEntry, RegistryError> TagStore::ReadEntry(std::u16string_view tagName) const {
@@ -168,17 +157,17 @@ Result<void, RegistryError> TagStore::DeleteEntry(std::u16string_view tagName) c
   return AcceptMissing(m_registry.DeleteKey(EntryPath(tagName)));
 }
 
-TagDeletion TagStore::Delete(std::u16string_view tagName) const {
+Result<void, TagPart> TagStore::Delete(std::u16string_view tagName) const {
   if (!DeleteWaveFile(tagName)) {
-    return TagDeletion::kWaveFailed;
+    return Failure(TagPart::kWave);
   }
   if (!DeleteTemplateFile(tagName)) {
-    return TagDeletion::kTemplateFailed;
+    return Failure(TagPart::kTemplate);
   }
   if (!DeleteEntry(tagName)) {
-    return TagDeletion::kEntryFailed;
+    return Failure(TagPart::kEntry);
   }
-  return TagDeletion::kDone;
+  return {};
 }
 
 Result<void, RegistryError> TagStore::DeleteAllEntries() const {

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,9 +22,9 @@ class TagNames {
 
   explicit TagNames(std::unique_ptr<platform::RegistryKey> key) : m_key(std::move(key)) {}
 
-  /// Stores the name at `index` (0-based) in `name`; false where the enumeration ends. While tags
-  /// are deleted, the next one moves into the index of the one that went.
-  [[nodiscard]] bool Get(std::uint32_t index, std::u16string& name) const;
+  /// Returns the name at `index` (0-based). Returns nothing if the enumeration ends there. If a tag
+  /// is deleted, the next one moves into its index.
+  [[nodiscard]] std::optional<std::u16string> Get(std::uint32_t index) const;
 
  private:
   std::unique_ptr<platform::RegistryKey> m_key;
@@ -35,30 +36,25 @@ struct TagList {
   std::size_t passedOver = 0;
 };
 
-/// How far the deletion of a tag came. The steps before the one that failed were done.
-enum class TagDeletion : std::uint8_t {
-  kDone,
-  kWaveFailed,
-  kTemplateFailed,
-  kEntryFailed,
-};
+/// A part of a tag, in the order in which the parts are made and deleted.
+enum class TagPart : std::uint8_t { kWave, kTemplate, kEntry };
 
-/// The learned tags as the applet and the companion dialer share them: for each an entry in the
-/// registry, a recording and a template. The entries are the list of tags; files alone are none.
-/// Reports nothing to the user and keeps nothing in memory.
+/// The learned tags as the applet and the companion dialer share them. Each has an entry in the
+/// registry, a recording and a template. The entries are the list of tags: files alone are no tag.
+/// The store shows nothing to the user and keeps nothing in memory.
 class TagStore {
  public:
   TagStore(platform::FileSystem& files, platform::Registry& registry)
       : m_files(files), m_registry(registry) {}
 
-  /// Writes the entry of a tag over an earlier one of that name, all of it or nothing. The last
-  /// step of making a tag: its recording and its template are there by then, and stay where this
+  /// Writes the entry of a tag over an earlier one of that name, all of it or nothing. This is the
+  /// last step of making a tag: its recording and its template are there by then, and stay if this
   /// fails.
   [[nodiscard]] platform::Result<void, platform::RegistryError> WriteEntry(
       std::u16string_view tagName, std::int32_t oid, std::u16string_view phoneType) const;
 
-  /// Null where there is no tag key or it cannot be opened: there are no tags then.
-  [[nodiscard]] std::unique_ptr<TagNames> OpenNames() const;
+  /// Fails with kNotFound if there is no tag key.
+  [[nodiscard]] platform::Result<TagNames, platform::RegistryError> OpenNames() const;
 
   /// Returns the names of all tags, however long they are.
   [[nodiscard]] platform::Result<TagList, platform::RegistryError> ListNames() const;
@@ -76,8 +72,9 @@ class TagStore {
   [[nodiscard]] platform::Result<void, platform::RegistryError> DeleteEntry(
       std::u16string_view tagName) const;
 
-  /// Deletes the recording, the template and the entry, in that order, up to the first failure.
-  [[nodiscard]] TagDeletion Delete(std::u16string_view tagName) const;
+  /// Deletes the recording, the template and the entry, in that order. Fails with the part that
+  /// could not be deleted. The parts before it are gone then, and those after it are there.
+  [[nodiscard]] platform::Result<void, TagPart> Delete(std::u16string_view tagName) const;
 
   /// Deletes the tag key with all that is below it.
   [[nodiscard]] platform::Result<void, platform::RegistryError> DeleteAllEntries() const;

@@ -1,79 +1,23 @@
 #include "storage/tag_trash.h"
 
 #include <algorithm>
-#include <chrono>
 #include <set>
 #include <tuple>
 
-#include "language/formatting.h"
 #include "storage/device_paths.h"
 #include "storage/folders.h"
-#include "storage/registry_keys.h"
 #include "storage/tag_record.h"
 #include "storage/tag_store.h"
+#include "storage/trash_names.h"
 
 namespace storage {
 
+using platform::AcceptMissing;
+using platform::Failure;
 using platform::FileError;
 using platform::Result;
 
 namespace {
-
-constexpr std::u16string_view kItemEnd = u".tar";
-constexpr std::u16string_view kDeletingEnd = u".deleting";
-constexpr std::u16string_view kRestoringEnd = u".restoring";
-
-/// "20261121T221005Z-01"; an item has "-0001" after it.
-constexpr std::size_t kDeletionLength = 19;
-constexpr std::size_t kItemLength = kDeletionLength + 5;
-
-std::u16string InTrash(std::u16string_view name) {
-  return std::u16string(kTrashFolder).append(u"\\").append(name);
-}
-
-std::u16string Digits(unsigned number, std::size_t width) {
-  std::u16string digits(width, u'0');
-  for (std::size_t i = width; i > 0; --i, number /= 10) {
-    digits[i - 1] = static_cast<char16_t>(u'0' + number % 10);
-  }
-  return digits;
-}
-
-/// Sorts as the time does, and is a name on every file system.
-std::u16string Stamp(std::int64_t unixTime) {
-  using std::chrono::days;
-  const std::chrono::sys_seconds time{std::chrono::seconds(unixTime)};
-  const auto day = std::chrono::floor<days>(time);
-  const std::chrono::year_month_day date(day);
-  const std::chrono::hh_mm_ss clock(time - day);
-  return Digits(static_cast<unsigned>(static_cast<int>(date.year())), 4) +
-         Digits(static_cast<unsigned>(date.month()), 2) +
-         Digits(static_cast<unsigned>(date.day()), 2) + u"T" +
-         Digits(static_cast<unsigned>(clock.hours().count()), 2) +
-         Digits(static_cast<unsigned>(clock.minutes().count()), 2) +
-         Digits(static_cast<unsigned>(clock.seconds().count()), 2) + u"Z";
-}
-
-bool IsItem(std::u16string_view name) {
-  return name.size() == kItemLength + kItemEnd.size() && name.ends_with(kItemEnd);
-}
-
-bool Contains(const std::vector<std::u16string>& names, const std::u16string& name) {
-  return std::ranges::find(names, name) != names.end();
-}
-
-std::u16string_view DeletionOf(std::u16string_view item) { return item.substr(0, kDeletionLength); }
-
-/// Whether an item belongs to something that was not ended.
-bool IsMarked(const std::vector<std::u16string>& names, std::u16string_view item) {
-  return Contains(names, std::u16string(DeletionOf(item)).append(kDeletingEnd)) ||
-         Contains(names, std::u16string(item.substr(0, kItemLength)).append(kRestoringEnd));
-}
-
-/// What is there no more was deleted.
-bool IsGone(const Result<void, FileError>& deleted) {
-  return deleted || deleted.error() == FileError::kNotFound;
-}
 
 std::uint64_t LengthOf(platform::FileSystem& files, std::u16string_view name) {
   const auto file =
@@ -82,16 +26,16 @@ std::uint64_t LengthOf(platform::FileSystem& files, std::u16string_view name) {
   return file ? (*file)->GetLength().value_or(0) : 0;
 }
 
-std::u16string TemplateFilePath(std::u16string_view file) {
-  return std::u16string(kTemplateFolder).append(u"\\").append(file);
-}
-
 }  // namespace
 
-bool TagTrash::ListFiles(std::vector<std::u16string>& names) const {
+Result<std::vector<std::u16string>, FileError> TagTrash::ListFiles() const {
+  std::vector<std::u16string> names;
   const auto search = m_files.Find(InTrash(u"*"));
+  if (!search && search.error() == FileError::kNotFound) {
+    return names;
+  }
   if (!search) {
-    return search.error() == FileError::kNotFound;
+    return Failure(search.error());
   }
   auto found = (*search)->Next();
   for (; found && *found; found = (*search)->Next()) {
@@ -99,74 +43,73 @@ bool TagTrash::ListFiles(std::vector<std::u16string>& names) const {
       names.push_back((*found)->name);
     }
   }
+  if (!found) {
+    return Failure(found.error());
+  }
   std::ranges::sort(names);
-  return found.has_value();
+  return names;
 }
 
-bool TagTrash::List(std::vector<TrashedTag>& tags) const {
-  std::vector<std::u16string> names;
-  if (!ListFiles(names)) {
-    return false;
+Result<std::vector<TrashedTag>, FileError> TagTrash::List() const {
+  const auto names = ListFiles();
+  if (!names) {
+    return Failure(names.error());
   }
-  std::vector<TrashedTag> listed;
-  for (const std::u16string& name : names) {
-    TrashedTag tag{.file = name, .deletion = std::u16string(DeletionOf(name)), .item = {}};
-    const ItemRead read =
-        IsItem(name) ? ReadItem(m_files, InTrash(name), tag.item) : ItemRead::kNone;
-    if (read == ItemRead::kUnreadable) {
-      return false;
-    }
-    if (read == ItemRead::kNone) {
+  std::vector<TrashedTag> tags;
+  for (const std::u16string& name : *names) {
+    if (!IsItem(name)) {
       continue;
     }
-    const bool isStillThere = IsMarked(names, name) &&
-                              GetState(m_files, m_registry, tag.item.parts) == PartsState::kWhole;
-    if (!isStillThere) {
-      listed.push_back(std::move(tag));
+    auto item = ReadItem(m_files, InTrash(name));
+    if (!item) {
+      return Failure(item.error());
+    }
+    const bool isStillThere = *item && IsMarked(*names, name) &&
+                              GetState(m_files, m_registry, (*item)->parts) == PartsState::kWhole;
+    if (*item && !isStillThere) {
+      tags.push_back({name, std::u16string(DeletionOf(name)), std::move(**item)});
     }
   }
   // Within one deletion in the order in which the tags went.
-  std::ranges::stable_sort(listed, [](const TrashedTag& a, const TrashedTag& b) {
+  std::ranges::stable_sort(tags, [](const TrashedTag& a, const TrashedTag& b) {
     return std::tie(a.item.deletedAt, a.deletion) > std::tie(b.item.deletedAt, b.deletion);
   });
-  tags = std::move(listed);
-  return true;
+  return tags;
 }
 
 void TagTrash::Recover() const {
-  std::vector<std::u16string> names;
-  if (!ListFiles(names) || names.empty()) {
-    return;  // Whoever lists the trash reports that it cannot be read.
+  const auto names = ListFiles();
+  if (!names || names->empty()) {
+    return;  // A command that lists the trash reports that it cannot be read.
   }
-  for (const std::u16string& name : names) {
+  for (const std::u16string& name : *names) {
     if (name.ends_with(kRestoringEnd)) {
       EndRestoring(name);
     } else if (name.ends_with(kDeletingEnd)) {
-      EndDeletion(name, names, Unfinished::kFinish);
+      EndDeletion(name, *names, Unfinished::kFinish);
     }
   }
-  names.clear();
-  if (ListFiles(names)) {
-    RemoveOld(names);
+  if (const auto left = ListFiles()) {
+    RemoveOld(*left);
   }
 }
 
 void TagTrash::EndRestoring(std::u16string_view mark) const {
   const std::u16string name =
       std::u16string(mark.substr(0, mark.size() - kRestoringEnd.size())).append(kItemEnd);
-  TrashItem item;
-  const ItemRead read = ReadItem(m_files, InTrash(name), item);
-  if (read == ItemRead::kUnreadable) {
+  const auto item = ReadItem(m_files, InTrash(name));
+  if (!item) {
     return;
   }
-  if (read == ItemRead::kDone) {
-    const PartsState state = GetState(m_files, m_registry, item.parts);
-    if (state == PartsState::kUnknown) {
+  if (*item) {
+    const TagParts& parts = (*item)->parts;
+    const auto state = GetState(m_files, m_registry, parts);
+    if (!state) {
       return;
     }
     // The entry came last, so all of it is there, or what is there is a part of the copy.
     const bool isDone =
-        state == PartsState::kWhole ? Delete(name) : DeleteParts(item.parts) && FlushStore();
+        *state == PartsState::kWhole ? Delete(name) : DeleteParts(parts) && FlushStore();
     if (!isDone) {
       return;
     }
@@ -182,25 +125,27 @@ void TagTrash::EndDeletion(std::u16string_view mark, const std::vector<std::u16s
     if (!IsItem(name) || DeletionOf(name) != DeletionOf(mark)) {
       continue;
     }
-    TrashItem item;
-    const ItemRead read = ReadItem(m_files, InTrash(name), item);
-    isEnded = isEnded && read != ItemRead::kUnreadable;
-    if (read != ItemRead::kDone) {
+    const auto item = ReadItem(m_files, InTrash(name));
+    isEnded = isEnded && item;
+    if (!item || !*item) {
       continue;
     }
-    switch (GetState(m_files, m_registry, item.parts)) {
+    const TagParts& parts = (*item)->parts;
+    const auto state = GetState(m_files, m_registry, parts);
+    if (!state) {
+      isEnded = false;
+      continue;
+    }
+    switch (*state) {
       case PartsState::kWhole:
         isEnded = Delete(name) && isEnded;
         break;
       case PartsState::kPartly:
-        isEnded = unfinished == Unfinished::kFinish && DeleteParts(item.parts) && isEnded;
+        isEnded = unfinished == Unfinished::kFinish && DeleteParts(parts) && isEnded;
         hasChanged = true;
         break;
       case PartsState::kGone:
         hasChanged = true;
-        break;
-      case PartsState::kUnknown:
-        isEnded = false;
         break;
     }
   }
@@ -211,30 +156,32 @@ void TagTrash::EndDeletion(std::u16string_view mark, const std::vector<std::u16s
 }
 
 bool TagTrash::DeleteParts(const TagParts& parts) const {
-  if (!parts.waveFile.empty() && !IsGone(m_files.Delete(WaveFilePath(parts.waveFile)))) {
+  if (!parts.waveFile.empty() &&
+      !AcceptMissing(m_files.Delete(PathIn(kWaveFolder, parts.waveFile)))) {
     return false;
   }
   if (!parts.templateFile.empty() &&
-      !IsGone(m_files.Delete(TemplateFilePath(parts.templateFile)))) {
+      !AcceptMissing(m_files.Delete(PathIn(kTemplateFolder, parts.templateFile)))) {
     return false;
   }
   return !parts.hasEntry || TagStore(m_files, m_registry).DeleteEntry(parts.name).has_value();
 }
 
 bool TagTrash::FlushStore() const {
-  return IsGone(m_files.FlushFolder(kWaveFolder)) && IsGone(m_files.FlushFolder(kTemplateFolder));
+  return AcceptMissing(m_files.FlushFolder(kWaveFolder)) &&
+         AcceptMissing(m_files.FlushFolder(kTemplateFolder));
 }
 
 void TagTrash::RemoveOld(const std::vector<std::u16string>& names) const {
   const std::int64_t now = m_clock.GetUnixTime();
-  std::vector<TrashedTag> tags;
-  if (!List(tags)) {
+  const auto tags = List();
+  if (!tags) {
     return;
   }
   std::uint64_t bytes = 0;
-  for (const TrashedTag& tag : tags) {
+  for (const TrashedTag& tag : *tags) {
     bytes += LengthOf(m_files, tag.file);
-    const bool isLatest = tag.deletion == tags.front().deletion;
+    const bool isLatest = tag.deletion == tags->front().deletion;
     const bool isTooMuch = bytes > kKeptBytes && !isLatest;
     const bool isTooOld = tag.item.deletedAt < now - kKeptSeconds;
     if ((isTooMuch || isTooOld) && !IsMarked(names, tag.file)) {
@@ -243,59 +190,62 @@ void TagTrash::RemoveOld(const std::vector<std::u16string>& names) const {
   }
 }
 
-RestoreResult TagTrash::Restore(const TrashedTag& tag) const {
+Result<void, RestoreError> TagTrash::Restore(const TrashedTag& tag) const {
   const TagParts& parts = tag.item.parts;
-  TagParts there;
-  if (!FindParts(m_files, m_registry, parts.name, there)) {
-    return RestoreResult::kFailed;
-  }
-  if (there.hasEntry || GetState(m_files, m_registry, parts) != PartsState::kGone) {
-    return RestoreResult::kExists;
-  }
-  if (parts.hasEntry) {
-    const auto list = TagStore(m_files, m_registry).ListNames();
-    if (!list) {
-      return RestoreResult::kFailed;
-    }
-    if (list->names.size() >= static_cast<std::size_t>(kMaxTags)) {
-      return RestoreResult::kTooMany;
-    }
+  if (const auto hasRoom = CheckRoomFor(parts); !hasRoom) {
+    return hasRoom;
   }
   if (!CreateStoreFolders(m_files)) {
-    return RestoreResult::kNoFolder;
+    return Failure(RestoreError::kNoFolder);
   }
-  const std::u16string mark = tag.file.substr(0, kItemLength).append(kRestoringEnd);
+  const std::u16string mark = RestoringMarkOf(tag.file);
   const auto marked = Mark(mark);
   if (!marked || !m_files.FlushFolder(kTrashFolder)) {
     Delete(mark);
     const bool isFull = !marked && marked.error() == FileError::kDiskFull;
-    return isFull ? RestoreResult::kFull : RestoreResult::kFailed;
+    return Failure(isFull ? RestoreError::kFull : RestoreError::kOther);
   }
-  const ItemResult unpacked = UnpackItem(m_files, m_registry, InTrash(tag.file));
+  const auto unpacked = UnpackItem(m_files, m_registry, InTrash(tag.file));
   EndRestoring(mark);
-  switch (unpacked) {
-    case ItemResult::kDone:
-      return RestoreResult::kDone;
-    case ItemResult::kFull:
-      return RestoreResult::kFull;
-    default:
-      return RestoreResult::kFailed;
+  return unpacked.map_error([](ItemError error) {
+    return error == ItemError::kFull ? RestoreError::kFull : RestoreError::kOther;
+  });
+}
+
+Result<void, RestoreError> TagTrash::CheckRoomFor(const TagParts& parts) const {
+  const auto there = FindParts(m_files, m_registry, parts.name);
+  if (!there) {
+    return Failure(RestoreError::kOther);
   }
+  if (there->hasEntry || GetState(m_files, m_registry, parts) != PartsState::kGone) {
+    return Failure(RestoreError::kExists);
+  }
+  if (!parts.hasEntry) {
+    return {};
+  }
+  const auto list = TagStore(m_files, m_registry).ListNames();
+  if (!list) {
+    return Failure(RestoreError::kOther);
+  }
+  if (list->names.size() >= static_cast<std::size_t>(kMaxTags)) {
+    return Failure(RestoreError::kTooMany);
+  }
+  return {};
 }
 
 bool TagTrash::Empty() const {
-  std::vector<std::u16string> names;
-  if (!ListFiles(names)) {
+  const auto names = ListFiles();
+  if (!names) {
     return false;
   }
   bool isEmpty = true;
-  for (const std::u16string& name : names) {
+  for (const std::u16string& name : *names) {
     const bool isMark = name.ends_with(kDeletingEnd) || name.ends_with(kRestoringEnd);
-    if (!isMark && !IsMarked(names, name)) {
+    if (!isMark && !IsMarked(*names, name)) {
       isEmpty = Delete(name) && isEmpty;
     }
   }
-  return isEmpty && IsGone(m_files.FlushFolder(kTrashFolder));
+  return isEmpty && AcceptMissing(m_files.FlushFolder(kTrashFolder));
 }
 
 Result<void, FileError> TagTrash::Mark(std::u16string_view name) const {
@@ -306,96 +256,12 @@ Result<void, FileError> TagTrash::Mark(std::u16string_view name) const {
 }
 
 bool TagTrash::Delete(std::u16string_view name) const {
-  return IsGone(m_files.Delete(InTrash(name)));
+  return AcceptMissing(m_files.Delete(InTrash(name))).has_value();
 }
-
-Deletion::~Deletion() {
-  std::vector<std::u16string> names;
-  if (!m_name.empty() && m_trash.ListFiles(names)) {
-    m_trash.EndDeletion(m_name + std::u16string(kDeletingEnd), names, TagTrash::Unfinished::kKeep);
-    m_trash.RemoveOld(names);
-  }
-}
-
-ItemResult Deletion::Keep(const TagParts& parts, std::u16string_view text) {
-  if (IsKept(parts)) {
-    return ItemResult::kDone;
-  }
-  ItemResult result = Write(parts, text);
-  const bool isOfUser = m_by == DeletionReason::kDelete || m_by == DeletionReason::kDeleteAll;
-  if (result == ItemResult::kFull && isOfUser) {
-    static_cast<void>(m_trash.Empty());
-    result = Write(parts, text);
-  }
-  return result;
-}
-
-bool Deletion::IsKept(const TagParts& parts) const {
-  std::vector<std::u16string> names;
-  if (!m_trash.ListFiles(names)) {
-    return false;
-  }
-  const auto isSameOrGone = [](const std::u16string& left, const std::u16string& kept) {
-    return left.empty() || left == kept;
-  };
-  return std::ranges::any_of(names, [&](const std::u16string& name) {
-    TrashItem item;
-    return IsItem(name) && IsMarked(names, name) && DeletionOf(name) != m_name &&
-           ReadItem(m_trash.m_files, InTrash(name), item) == ItemRead::kDone &&
-           item.parts.name == parts.name && isSameOrGone(parts.waveFile, item.parts.waveFile) &&
-           isSameOrGone(parts.templateFile, item.parts.templateFile) &&
-           parts.hasEntry <= item.parts.hasEntry &&
-           GetState(m_trash.m_files, m_trash.m_registry, item.parts) == PartsState::kPartly;
-  });
-}
-
-ItemResult Deletion::Write(const TagParts& parts, std::u16string_view text) {
-  if (const ItemResult begun = Begin(); begun != ItemResult::kDone) {
-    return begun;
-  }
-  const std::u16string file = m_name + u"-" + Digits(static_cast<unsigned>(m_count + 1), 4);
-  const ItemResult result =
-      WriteItem(m_trash.m_files, m_trash.m_registry, InTrash(file + std::u16string(kItemEnd)),
-                {.parts = parts, .text = std::u16string(text), .deletedAt = m_time, .by = m_by});
-  m_count += result == ItemResult::kDone ? 1 : 0;
-  return result;
-}
-
-ItemResult Deletion::Begin() {
-  if (!m_name.empty()) {
-    return ItemResult::kDone;
-  }
-  const auto folder = m_trash.m_files.CreateFolder(kTrashFolder);
-  if (!folder && folder.error() != FileError::kAlreadyExists) {
-    return folder.error() == FileError::kDiskFull ? ItemResult::kFull : ItemResult::kFailed;
-  }
-  std::vector<std::u16string> names;
-  if (!m_trash.ListFiles(names)) {
-    return ItemResult::kFailed;
-  }
-  constexpr unsigned kMostInOneSecond = 99;
-  m_time = m_trash.m_clock.GetUnixTime();
-  for (unsigned i = 1; i <= kMostInOneSecond; ++i) {
-    const std::u16string name = Stamp(m_time) + u"-" + Digits(i, 2);
-    if (std::ranges::any_of(names, [&](const auto& other) { return other.starts_with(name); })) {
-      continue;
-    }
-    const auto marked = m_trash.Mark(name + std::u16string(kDeletingEnd));
-    if (!marked) {
-      return marked.error() == FileError::kDiskFull ? ItemResult::kFull : ItemResult::kFailed;
-    }
-    m_name = name;
-    return ItemResult::kDone;
-  }
-  return ItemResult::kFailed;
-}
-
-bool Deletion::Seal() const { return m_name.empty() || m_trash.m_files.FlushFolder(kTrashFolder); }
 
 std::u16string FreeTagName(platform::FileSystem& files, platform::Registry& registry,
                            const TagTrash& trash, std::uint32_t tickCount) {
-  std::vector<TrashedTag> trashed;
-  static_cast<void>(trash.List(trashed));
+  const auto trashed = trash.List().value_or(std::vector<TrashedTag>());
   std::set<std::u16string> taken;
   for (const TrashedTag& tag : trashed) {
     taken.insert(tag.item.parts.name);
@@ -403,10 +269,10 @@ std::u16string FreeTagName(platform::FileSystem& files, platform::Registry& regi
   // There are fewer names in use than tick counts.
   for (std::uint32_t tick = tickCount;; ++tick) {
     std::u16string name = TagNameOfTickCount(tick);
-    TagParts parts;
-    const bool isAsked = FindParts(files, registry, name, parts);
-    const bool isFree = parts.waveFile.empty() && parts.templateFile.empty() && !parts.hasEntry;
-    if (!taken.contains(name) && (isFree || !isAsked)) {
+    const auto parts = FindParts(files, registry, name);
+    const bool isFree =
+        parts && parts->waveFile.empty() && parts->templateFile.empty() && !parts->hasEntry;
+    if (!taken.contains(name) && (isFree || !parts)) {
       return name;
     }
   }

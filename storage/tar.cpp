@@ -15,7 +15,7 @@ namespace {
 constexpr std::size_t kBlockBytes = 512;
 using Block = std::array<std::byte, kBlockBytes>;
 
-/// Where a field of a header stands.
+/// The place of a field in a header.
 struct Field {
   std::size_t offset;
   std::size_t length;
@@ -139,16 +139,18 @@ Result<void, FileError> TarWriter::Pad(std::uint64_t length) {
   return m_file.Write(std::span(zeros).first(static_cast<std::size_t>(Padding(length))));
 }
 
-bool TarReader::ReadAt(std::uint64_t offset, std::span<std::byte> bytes) {
+Result<void, TarError> TarReader::ReadAt(std::uint64_t offset, std::span<std::byte> bytes) {
   const auto count = m_file.Seek(offset).and_then([&] { return m_file.Read(bytes); });
-  m_hasFailed = m_hasFailed || !count;
-  return count == bytes.size();
+  if (count == bytes.size()) {
+    return {};
+  }
+  return Failure(count ? TarError::kTorn : TarError::kUnread);
 }
 
-Result<bool, FileError> TarReader::Next() {
+Result<bool, TarError> TarReader::Next() {
   Block header{};
-  if (!ReadAt(m_next, header)) {
-    return Failure(FileError::kOther);
+  if (const auto read = ReadAt(m_next, header); !read) {
+    return Failure(read.error());
   }
   if (std::ranges::all_of(header, [](std::byte each) { return each == std::byte{0}; })) {
     return false;
@@ -156,13 +158,15 @@ Result<bool, FileError> TarReader::Next() {
   const auto checksum = GetNumber(header, kChecksum);
   const auto length = GetNumber(header, kLength);
   const auto whole = m_file.GetLength();
-  m_hasFailed = m_hasFailed || !whole;
-  if (checksum != ChecksumOf(header) || header[kTypeOffset] != kRegularFile || !length || !whole) {
-    return Failure(FileError::kOther);
+  if (!whole) {
+    return Failure(TarError::kUnread);
+  }
+  if (checksum != ChecksumOf(header) || header[kTypeOffset] != kRegularFile || !length) {
+    return Failure(TarError::kTorn);
   }
   m_offset = m_next + kBlockBytes;
   if (m_offset > *whole || *length > *whole - m_offset) {
-    return Failure(FileError::kOther);
+    return Failure(TarError::kTorn);
   }
   m_length = *length;
   m_next = m_offset + m_length + Padding(m_length);
@@ -173,15 +177,12 @@ Result<bool, FileError> TarReader::Next() {
   return true;
 }
 
-Result<std::vector<std::byte>, FileError> TarReader::ReadAll(std::uint64_t limit) {
+Result<std::vector<std::byte>, TarError> TarReader::ReadAll(std::uint64_t limit) {
   if (m_length > limit) {
-    return Failure(FileError::kOther);
+    return Failure(TarError::kTorn);
   }
   std::vector<std::byte> bytes(static_cast<std::size_t>(m_length));
-  if (!ReadAt(m_offset, bytes)) {
-    return Failure(FileError::kOther);
-  }
-  return bytes;
+  return ReadAt(m_offset, bytes).map([&] { return std::move(bytes); });
 }
 
 Result<void, FileError> TarReader::CopyTo(platform::File& to) {

@@ -39,35 +39,36 @@ class TarWriter {
   platform::File& m_file;
 };
 
+/// Why an archive gives no more.
+enum class TarError : std::uint8_t {
+  kUnread,  ///< The file cannot be read now, whatever it holds.
+  kTorn,    ///< The file is torn, or is no such archive, or a member is too long.
+};
+
 /// Reads an archive from a file, member by member. Used by one thread.
 class TarReader {
  public:
   explicit TarReader(platform::File& file) : m_file(file) {}
 
-  /// Whether a call failed because the file could not be read, and not for what it holds.
-  [[nodiscard]] bool HasFailed() const { return m_hasFailed; }
-
-  /// Goes to the next member. Returns false at the end of the archive. Fails with kOther if the
-  /// file is torn or is no such archive.
-  [[nodiscard]] platform::Result<bool, platform::FileError> Next();
+  /// Goes to the next member. Returns false at the end of the archive.
+  [[nodiscard]] platform::Result<bool, TarError> Next();
 
   /// Of the member that Next went to.
   [[nodiscard]] const std::string& GetName() const { return m_name; }
   [[nodiscard]] std::uint64_t GetLength() const { return m_length; }
 
-  /// Returns the member's bytes. Fails with kOther if it is longer than `limit`.
-  [[nodiscard]] platform::Result<std::vector<std::byte>, platform::FileError> ReadAll(
-      std::uint64_t limit);
+  /// Returns the member's bytes. Fails with kTorn if it is longer than `limit`.
+  [[nodiscard]] platform::Result<std::vector<std::byte>, TarError> ReadAll(std::uint64_t limit);
 
-  /// Appends the member's bytes to `to`.
+  /// Appends the member's bytes to `to`. Fails with kOther if they cannot be read.
   [[nodiscard]] platform::Result<void, platform::FileError> CopyTo(platform::File& to);
 
  private:
-  /// Fills `bytes` from there on; false at the end of the file too.
-  [[nodiscard]] bool ReadAt(std::uint64_t offset, std::span<std::byte> bytes);
+  /// Fills `bytes` from there on. Fails with kTorn if the file ends before.
+  [[nodiscard]] platform::Result<void, TarError> ReadAt(std::uint64_t offset,
+                                                        std::span<std::byte> bytes);
 
   platform::File& m_file;
-  bool m_hasFailed = false;
   std::string m_name;
   std::uint64_t m_offset = 0;  ///< Of the member's first byte.
   std::uint64_t m_next = 0;    ///< Of the next header.

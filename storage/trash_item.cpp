@@ -20,7 +20,8 @@ using platform::Result;
 
 namespace {
 
-// The members of an archive.
+// The members of an archive. The description comes first, so that a list of the trash reads only
+// the first blocks of each archive.
 constexpr std::string_view kAbout = "about.txt";
 constexpr std::string_view kEntry = "entry.reg";
 constexpr std::string_view kRecording = "recording.wav";
@@ -44,21 +45,12 @@ constexpr std::string_view kTextLine = "text ";
 constexpr std::u16string_view kKeySeparators = u"\\";
 constexpr std::u16string_view kFileSeparators = u"\\/";
 
-std::u16string PathIn(std::u16string_view folder, std::u16string_view name) {
-  return std::u16string(folder).append(u"\\").append(name);
+ItemError ToItemError(FileError error) {
+  return error == FileError::kDiskFull ? ItemError::kFull : ItemError::kOther;
 }
 
-std::u16string TrashedEntryPath(std::u16string_view name) { return PathIn(kTagKey, name); }
-
-ItemResult ToResult(const Result<void, FileError>& result) {
-  if (result) {
-    return ItemResult::kDone;
-  }
-  return result.error() == FileError::kDiskFull ? ItemResult::kFull : ItemResult::kFailed;
-}
-
-ItemResult ToResult(RegistryError error) {
-  return error == RegistryError::kFull ? ItemResult::kFull : ItemResult::kFailed;
+Result<void, ItemError> ToResult(const Result<void, FileError>& result) {
+  return result.map_error(ToItemError);
 }
 
 /// A name of the host may hold any byte but a zero; the end of a line must not be in a line.
@@ -80,99 +72,114 @@ std::string WriteAbout(const TrashItem& item) {
   return about;
 }
 
-/// Takes the next line off `about`. Returns false if it does not begin with `word`.
-bool TakeLine(std::string_view& about, std::string_view word, std::string_view& value) {
-  const std::size_t end = about.find('\n');
-  if (end == std::string_view::npos || !about.starts_with(word)) {
-    return false;
-  }
-  value = about.substr(word.size(), end - word.size());
-  about.remove_prefix(end + 1);
-  return true;
-}
+/// Reads about.txt from its beginning, line by line. What is not as WriteAbout writes it ends the
+/// reading: then HasFailed() is true, and each later line is empty.
+class AboutReader {
+ public:
+  explicit AboutReader(std::string_view about) : m_rest(about) {}
 
-/// Returns false as well if the name holds one of `separators`: it would lead out of its folder or
-/// its key, and is none of ours.
-bool TakeName(std::string_view& about, std::string_view word, std::u16string_view separators,
-              std::u16string& name) {
-  std::string_view value;
-  if (!TakeLine(about, word, value)) {
-    return false;
-  }
-  name = text::FromHostName(value);
-  return name.find_first_of(separators) == std::u16string::npos;
-}
+  [[nodiscard]] bool HasFailed() const { return m_hasFailed; }
 
-bool ParseAbout(std::string_view about, TrashItem& item) {
-  std::string_view value;
-  if (!TakeLine(about, kDeletedLine, value)) {
-    return false;
+  /// Returns what follows `word` on the next line.
+  std::string_view Take(std::string_view word) {
+    const std::size_t end = m_rest.find('\n');
+    if (m_hasFailed || end == std::string_view::npos || !m_rest.starts_with(word)) {
+      m_hasFailed = true;
+      return {};
+    }
+    const std::string_view value = m_rest.substr(word.size(), end - word.size());
+    m_rest.remove_prefix(end + 1);
+    return value;
   }
-  const auto number = std::from_chars(value.data(), value.data() + value.size(), item.deletedAt);
-  if (number.ec != std::errc() || number.ptr != value.data() + value.size() ||
-      !TakeLine(about, kByLine, value)) {
-    return false;
+
+  /// Returns the name on the next line. It is refused if it holds one of `separators`: it would
+  /// lead out of its folder or its key, and is none of ours.
+  std::u16string TakeName(std::string_view word, std::u16string_view separators) {
+    std::u16string name = text::FromHostName(Take(word));
+    m_hasFailed = m_hasFailed || name.find_first_of(separators) != std::u16string::npos;
+    return name;
   }
-  const auto* const word = std::ranges::find(kReasonWords, value);
-  if (word == kReasonWords.end()) {
-    return false;
+
+  std::int64_t TakeNumber(std::string_view word) {
+    const std::string_view value = Take(word);
+    std::int64_t number = 0;
+    const auto read = std::from_chars(value.data(), value.data() + value.size(), number);
+    m_hasFailed = m_hasFailed || read.ec != std::errc() || read.ptr != value.data() + value.size();
+    return number;
   }
-  item.by = static_cast<DeletionReason>(word - kReasonWords.begin());
-  if (!TakeName(about, kNameLine, kKeySeparators, item.parts.name) ||
-      !TakeName(about, kRecordingLine, kFileSeparators, item.parts.waveFile) ||
-      !TakeName(about, kTemplateLine, kFileSeparators, item.parts.templateFile) ||
-      !TakeLine(about, kEntryLine, value)) {
-    return false;
+
+  DeletionReason TakeReason(std::string_view word) {
+    const auto* const found = std::ranges::find(kReasonWords, Take(word));
+    if (found == kReasonWords.end()) {
+      m_hasFailed = true;
+      return {};
+    }
+    return static_cast<DeletionReason>(found - kReasonWords.begin());
   }
-  item.parts.hasEntry = value == "1";
-  if (!TakeLine(about, kTextLine, value)) {
-    return false;
-  }
-  item.text = text::FromHostName(value);
-  return true;
+
+ private:
+  std::string_view m_rest;
+  bool m_hasFailed = false;
+};
+
+/// Returns nothing if the text is no whole description of an item.
+std::optional<TrashItem> ParseAbout(std::string_view about) {
+  AboutReader reader(about);
+  TrashItem item;
+  item.deletedAt = reader.TakeNumber(kDeletedLine);
+  item.by = reader.TakeReason(kByLine);
+  item.parts.name = reader.TakeName(kNameLine, kKeySeparators);
+  item.parts.waveFile = reader.TakeName(kRecordingLine, kFileSeparators);
+  item.parts.templateFile = reader.TakeName(kTemplateLine, kFileSeparators);
+  item.parts.hasEntry = reader.Take(kEntryLine) == "1";
+  item.text = text::FromHostName(reader.Take(kTextLine));
+  return reader.HasFailed() ? std::nullopt : std::optional(std::move(item));
 }
 
 /// Adds nothing for a tag without such a file.
-ItemResult AddFile(platform::FileSystem& files, TarWriter& tar, std::string_view member,
-                   std::u16string_view folder, const std::u16string& file, ItemResult inUse) {
+Result<void, ItemError> AddFile(platform::FileSystem& files, TarWriter& tar,
+                                std::string_view member, std::u16string_view folder,
+                                const std::u16string& file, ItemError inUse) {
   if (file.empty()) {
-    return ItemResult::kDone;
+    return {};
   }
   // A companion that reads the file shares it.
   const auto source =
       files.Open(PathIn(folder, file), {platform::FileAccess::kRead, platform::FileShare::kRead,
                                         platform::FileCreation::kOpenExisting});
   if (!source) {
-    return source.error() == FileError::kSharingViolation ? inUse
-                                                          : ToResult(Failure(source.error()));
+    const bool isInUse = source.error() == FileError::kSharingViolation;
+    return Failure(isInUse ? inUse : ToItemError(source.error()));
   }
   return ToResult(tar.AddFile(member, **source));
 }
 
-ItemResult AddEntry(platform::Registry& registry, TarWriter& tar, std::u16string_view name) {
-  const auto entry = WriteRegistryFile(registry, TrashedEntryPath(name));
-  return entry ? ToResult(tar.Add(kEntry, *entry)) : ItemResult::kEntryUnread;
+Result<void, ItemError> AddEntry(platform::Registry& registry, TarWriter& tar,
+                                 const TagParts& parts) {
+  if (!parts.hasEntry) {
+    return {};
+  }
+  const auto entry = WriteRegistryFile(registry, EntryPath(parts.name));
+  return entry ? ToResult(tar.Add(kEntry, *entry)) : Failure(ItemError::kStoreUnread);
 }
 
-ItemResult WriteParts(platform::FileSystem& files, platform::Registry& registry, TarWriter& tar,
-                      const TrashItem& item) {
+Result<void, ItemError> WriteParts(platform::FileSystem& files, platform::Registry& registry,
+                                   TarWriter& tar, const TrashItem& item) {
   const std::string about = WriteAbout(item);
-  ItemResult result = ToResult(tar.Add(kAbout, std::as_bytes(std::span(about))));
-  if (result == ItemResult::kDone && item.parts.hasEntry) {
-    result = AddEntry(registry, tar, item.parts.name);
-  }
-  if (result == ItemResult::kDone) {
-    result = AddFile(files, tar, kRecording, kWaveFolder, item.parts.waveFile,
-                     ItemResult::kRecordingInUse);
-  }
-  if (result == ItemResult::kDone) {
-    result = AddFile(files, tar, kTemplate, kTemplateFolder, item.parts.templateFile,
-                     ItemResult::kTemplateInUse);
-  }
-  return result == ItemResult::kDone ? ToResult(tar.End()) : result;
+  return ToResult(tar.Add(kAbout, std::as_bytes(std::span(about))))
+      .and_then([&] { return AddEntry(registry, tar, item.parts); })
+      .and_then([&] {
+        return AddFile(files, tar, kRecording, kWaveFolder, item.parts.waveFile,
+                       ItemError::kRecordingInUse);
+      })
+      .and_then([&] {
+        return AddFile(files, tar, kTemplate, kTemplateFolder, item.parts.templateFile,
+                       ItemError::kTemplateInUse);
+      })
+      .and_then([&] { return ToResult(tar.End()); });
 }
 
-/// Goes to the member of that name. Returns false if there is none, or the archive is torn.
+/// Goes to the member of that name. Returns false if there is none, or if the archive is torn.
 bool Find(TarReader& tar, std::string_view member) {
   auto next = tar.Next();
   while (next && *next && tar.GetName() != member) {
@@ -181,40 +188,49 @@ bool Find(TarReader& tar, std::string_view member) {
   return next && *next;
 }
 
-Result<void, FileError> UnpackFile(platform::FileSystem& files, platform::File& archive,
-                                   std::string_view member, const std::u16string& path) {
+/// Makes nothing for a tag without such a file.
+Result<void, ItemError> UnpackFile(platform::FileSystem& files, platform::File& archive,
+                                   std::string_view member, std::u16string_view folder,
+                                   const std::u16string& file) {
+  if (file.empty()) {
+    return {};
+  }
   TarReader tar(archive);
   if (!Find(tar, member)) {
-    return Failure(FileError::kOther);
+    return Failure(ItemError::kOther);
   }
-  const auto target = files.OpenReplacement(path);
+  const auto target = files.OpenReplacement(PathIn(folder, file));
   if (!target) {
-    return Failure(target.error());
+    return Failure(ToItemError(target.error()));
   }
   const auto copied = tar.CopyTo((*target)->GetFile());
-  return copied ? (*target)->Publish(platform::Durability::kNow) : copied;
+  return ToResult(copied ? (*target)->Publish(platform::Durability::kNow) : copied);
 }
 
-/// Of the file's changes only those of the tag's own key are made.
-ItemResult UnpackEntry(platform::Registry& registry, platform::File& archive,
-                       std::u16string_view name) {
+/// Only changes of the tag's own key are made. A file with any other change is none of ours.
+Result<void, ItemError> UnpackEntry(platform::Registry& registry, platform::File& archive,
+                                    const TagParts& parts) {
+  if (!parts.hasEntry) {
+    return {};
+  }
   TarReader tar(archive);
   if (!Find(tar, kEntry)) {
-    return ItemResult::kFailed;
+    return Failure(ItemError::kOther);
   }
   const auto file = tar.ReadAll(kMaxRegistryFileLength);
   if (!file) {
-    return ItemResult::kFailed;
+    return Failure(ItemError::kOther);
   }
   const auto content = ParseRegistryFile(*file);
-  const std::u16string key = TrashedEntryPath(name);
+  const std::u16string key = EntryPath(parts.name);
   if (!content || !std::ranges::all_of(content->changes, [&](const RegistryChange& change) {
         return change.key == key || change.key.starts_with(key + u'\\');
       })) {
-    return ItemResult::kFailed;
+    return Failure(ItemError::kOther);
   }
-  const auto failure = ApplyRegistryChanges(registry, content->changes);
-  return failure ? ToResult(failure->store.value_or(RegistryError::kOther)) : ItemResult::kDone;
+  return ApplyRegistryChanges(registry, content->changes).map_error([](const auto& failure) {
+    return failure.store == RegistryError::kFull ? ItemError::kFull : ItemError::kOther;
+  });
 }
 
 }  // namespace
@@ -223,121 +239,60 @@ std::string_view ToWord(DeletionReason reason) {
   return kReasonWords[static_cast<std::size_t>(reason)];
 }
 
-bool FindParts(platform::FileSystem& files, platform::Registry& registry, std::u16string_view name,
-               TagParts& parts) {
-  parts = {.name = std::u16string(name), .waveFile = {}, .templateFile = {}};
-  const auto find = [&files](const std::u16string& path, std::u16string& file) {
-    const auto search = files.Find(path);
-    if (!search) {
-      return search.error() == FileError::kNotFound;
-    }
-    const auto found = (*search)->Next();
-    if (found && *found && !(*found)->isFolder) {
-      file = (*found)->name;
-    }
-    return found.has_value();
-  };
-  if (!find(WavePath(name), parts.waveFile) || !find(TemplatePath(name), parts.templateFile)) {
-    return false;
-  }
-  const platform::OpenedKey entry = registry.OpenKey(TrashedEntryPath(name));
-  parts.hasEntry = entry.has_value();
-  // A name that no key can have has no entry.
-  return entry || entry.error() == RegistryError::kNotFound ||
-         entry.error() == RegistryError::kInvalid;
-}
-
-PartsState GetState(platform::FileSystem& files, platform::Registry& registry,
-                    const TagParts& parts) {
-  std::size_t wanted = 0;
-  std::size_t there = 0;
-  const auto look = [&](std::u16string_view folder, const std::u16string& file) {
-    if (file.empty()) {
-      return true;
-    }
-    const auto search = files.Find(PathIn(folder, file));
-    ++wanted;
-    there += search ? 1U : 0U;
-    return search || search.error() == FileError::kNotFound;
-  };
-  if (!look(kWaveFolder, parts.waveFile) || !look(kTemplateFolder, parts.templateFile)) {
-    return PartsState::kUnknown;
-  }
-  if (parts.hasEntry) {
-    const platform::OpenedKey entry = registry.OpenKey(TrashedEntryPath(parts.name));
-    if (!entry && entry.error() != RegistryError::kNotFound) {
-      return PartsState::kUnknown;
-    }
-    ++wanted;
-    there += entry ? 1U : 0U;
-  }
-  if (there == 0) {
-    return PartsState::kGone;
-  }
-  return there == wanted ? PartsState::kWhole : PartsState::kPartly;
-}
-
-ItemResult WriteItem(platform::FileSystem& files, platform::Registry& registry,
-                     std::u16string_view path, const TrashItem& item) {
+Result<void, ItemError> WriteItem(platform::FileSystem& files, platform::Registry& registry,
+                                  std::u16string_view path, const TrashItem& item) {
   const auto target = files.OpenReplacement(path);
   if (!target) {
-    return ToResult(Failure(target.error()));
+    return Failure(ToItemError(target.error()));
   }
   platform::File& file = (*target)->GetFile();
   TarWriter tar(file);
-  const ItemResult result = WriteParts(files, registry, tar, item);
-  if (result != ItemResult::kDone) {
-    return result;
-  }
-  const auto flushed = file.Flush();
-  return ToResult(flushed ? (*target)->Publish(platform::Durability::kLater) : flushed);
+  return WriteParts(files, registry, tar, item)
+      .and_then([&] { return ToResult(file.Flush()); })
+      .and_then([&] { return ToResult((*target)->Publish(platform::Durability::kLater)); });
 }
 
-ItemRead ReadItem(platform::FileSystem& files, std::u16string_view path, TrashItem& item) {
+Result<std::optional<TrashItem>, FileError> ReadItem(platform::FileSystem& files,
+                                                     std::u16string_view path) {
   const auto file = files.Open(path, {platform::FileAccess::kRead, platform::FileShare::kRead,
                                       platform::FileCreation::kOpenExisting});
+  if (!file && file.error() == FileError::kNotFound) {
+    return std::nullopt;
+  }
   if (!file) {
-    return file.error() == FileError::kNotFound ? ItemRead::kNone : ItemRead::kUnreadable;
+    return Failure(file.error());
   }
   TarReader tar(**file);
-  const auto about = tar.Next().value_or(false) && tar.GetName() == kAbout
-                         ? tar.ReadAll(kLongestAbout)
-                         : Failure(FileError::kOther);
-  if (!about) {
-    return tar.HasFailed() ? ItemRead::kUnreadable : ItemRead::kNone;
+  const auto about = tar.Next().and_then([&](bool isThere) {
+    return isThere && tar.GetName() == kAbout ? tar.ReadAll(kLongestAbout)
+                                              : Failure(TarError::kTorn);
+  });
+  if (about) {
+    return ParseAbout({reinterpret_cast<const char*>(about->data()), about->size()});
   }
-  const std::string_view text(reinterpret_cast<const char*>(about->data()), about->size());
-  TrashItem read;
-  if (!ParseAbout(text, read)) {
-    return ItemRead::kNone;
+  if (about.error() == TarError::kTorn) {
+    return std::nullopt;
   }
-  item = std::move(read);
-  return ItemRead::kDone;
+  return Failure(FileError::kOther);
 }
 
-ItemResult UnpackItem(platform::FileSystem& files, platform::Registry& registry,
-                      std::u16string_view path) {
-  TrashItem item;
-  if (ReadItem(files, path, item) != ItemRead::kDone) {
-    return ItemResult::kFailed;
+Result<void, ItemError> UnpackItem(platform::FileSystem& files, platform::Registry& registry,
+                                   std::u16string_view path) {
+  const auto item = ReadItem(files, path);
+  if (!item || !*item) {
+    return Failure(ItemError::kOther);
   }
   const auto archive = files.Open(path, {platform::FileAccess::kRead, platform::FileShare::kRead,
                                          platform::FileCreation::kOpenExisting});
   if (!archive) {
-    return ToResult(Failure(archive.error()));
+    return Failure(ToItemError(archive.error()));
   }
-  Result<void, FileError> unpacked;
-  if (!item.parts.waveFile.empty()) {
-    unpacked = UnpackFile(files, **archive, kRecording, WaveFilePath(item.parts.waveFile));
-  }
-  if (unpacked && !item.parts.templateFile.empty()) {
-    unpacked =
-        UnpackFile(files, **archive, kTemplate, PathIn(kTemplateFolder, item.parts.templateFile));
-  }
-  if (!unpacked || !item.parts.hasEntry) {
-    return ToResult(unpacked);
-  }
-  return UnpackEntry(registry, **archive, item.parts.name);
+  const TagParts& parts = (*item)->parts;
+  return UnpackFile(files, **archive, kRecording, kWaveFolder, parts.waveFile)
+      .and_then([&] {
+        return UnpackFile(files, **archive, kTemplate, kTemplateFolder, parts.templateFile);
+      })
+      .and_then([&] { return UnpackEntry(registry, **archive, parts); });
 }
 
 }  // namespace storage

@@ -1,11 +1,14 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include "platform/file_system.h"
 #include "platform/registry.h"
+#include "platform/result.h"
+#include "storage/store_contents.h"
 
 namespace storage {
 
@@ -20,63 +23,41 @@ enum class DeletionReason : std::uint8_t {
 /// Returns the word by which a reason is stored and shown to scripts.
 [[nodiscard]] std::string_view ToWord(DeletionReason reason);
 
-/// What a tag consists of in the store. A file that belongs to no tag has no entry.
-struct TagParts {
-  std::u16string name;          ///< Of the tag, or of the files less their extension.
-  std::u16string waveFile;      ///< Name in the wave folder as it is spelled there; empty for none.
-  std::u16string templateFile;  ///< Likewise in the template folder.
-  bool hasEntry = false;
-};
-
-/// How much of some parts the store holds.
-enum class PartsState : std::uint8_t { kWhole, kPartly, kGone, kUnknown };
-
-/// Stores what the store holds under the name of a tag in `parts`. Returns false if a search failed
-/// or the registry could not be asked.
-[[nodiscard]] bool FindParts(platform::FileSystem& files, platform::Registry& registry,
-                             std::u16string_view name, TagParts& parts);
-
-/// Returns kUnknown if any part could not be looked for.
-[[nodiscard]] PartsState GetState(platform::FileSystem& files, platform::Registry& registry,
-                                  const TagParts& parts);
-
 /// One deleted tag, or file, as the trash keeps it: a tar archive with what is known about it
 /// ("about.txt"), its entry as a registry file ("entry.reg"), its recording and its template. So a
 /// user can unpack it with any tool.
 struct TrashItem {
   TagParts parts;
-  std::u16string text;         ///< As the list showed the tag; empty for files of no tag.
+  std::u16string text;         ///< As the list showed the tag. Empty for files of no tag.
   std::int64_t deletedAt = 0;  ///< Seconds since the beginning of 1970, UTC.
   DeletionReason by = DeletionReason::kDelete;
 };
 
-enum class ItemResult : std::uint8_t {
-  kDone,
+/// Why a tag could not be copied into the trash or out of it.
+enum class ItemError : std::uint8_t {
   kRecordingInUse,  ///< Another program has the recording open for itself.
-  kTemplateInUse,   ///< Likewise the template.
-  kEntryUnread,     ///< The registry cannot be asked.
+  kTemplateInUse,   ///< The same for the template.
+  kStoreUnread,     ///< A folder of the store or the registry cannot be read.
   kFull,            ///< The disk is full.
-  kFailed,          ///< Anything else.
+  kOther,
 };
 
-/// Copies the parts of `item` into a file at `path`. When this returns kDone the copy is complete
-/// and its bytes are on the medium; its name may not be. Otherwise there is no such file.
-[[nodiscard]] ItemResult WriteItem(platform::FileSystem& files, platform::Registry& registry,
-                                   std::u16string_view path, const TrashItem& item);
+/// Copies the parts of `item` into a file at `path`. After success the copy is complete and its
+/// bytes are on the medium, but perhaps not its name. After a failure there is no such file.
+[[nodiscard]] platform::Result<void, ItemError> WriteItem(platform::FileSystem& files,
+                                                          platform::Registry& registry,
+                                                          std::u16string_view path,
+                                                          const TrashItem& item);
 
-enum class ItemRead : std::uint8_t {
-  kDone,
-  kNone,        ///< There is no such file, or it is no whole item.
-  kUnreadable,  ///< There may be one; it cannot be read now.
-};
-
-/// Reads what is known about the item at `path`, without its parts.
-[[nodiscard]] ItemRead ReadItem(platform::FileSystem& files, std::u16string_view path,
-                                TrashItem& item);
+/// Reads what is known about the item at `path`, without its parts. Returns nothing if there is no
+/// such file, or if it is no whole item. Fails if there may be one that cannot be read now.
+[[nodiscard]] platform::Result<std::optional<TrashItem>, platform::FileError> ReadItem(
+    platform::FileSystem& files, std::u16string_view path);
 
 /// Puts the parts of the item at `path` back into the store: the files first, then the entry, each
 /// on the medium before the next. What is there already is replaced.
-[[nodiscard]] ItemResult UnpackItem(platform::FileSystem& files, platform::Registry& registry,
-                                    std::u16string_view path);
+[[nodiscard]] platform::Result<void, ItemError> UnpackItem(platform::FileSystem& files,
+                                                           platform::Registry& registry,
+                                                           std::u16string_view path);
 
 }  // namespace storage

@@ -14,7 +14,7 @@
 #include "maintenance/tag_session.h"
 #include "maintenance/test_dialog.h"
 #include "platform/platform.h"
-#include "storage/store_contents.h"
+#include "storage/deletion.h"
 #include "storage/tag_record.h"
 #include "storage/tag_store.h"
 #include "storage/tag_trash.h"

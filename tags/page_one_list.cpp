@@ -18,8 +18,7 @@ void Page_one::LoadTagList() {
   if (!names) {
     return;
   }
-  std::u16string name;
-  while (names->Get(static_cast<std::uint32_t>(m_tags.tagCount), name)) {
+  while (names->Get(static_cast<std::uint32_t>(m_tags.tagCount))) {
     ++m_tags.tagCount;
   }
   m_cleanUp = std::make_unique<storage::Deletion>(m_trash, storage::DeletionReason::kCleanUp);
@@ -27,8 +26,12 @@ void Page_one::LoadTagList() {
   // button count them until the page is opened again.
   std::int32_t slot = 0;
   LoadedTag loaded = LoadedTag::kListed;
-  for (std::uint32_t index = 0; loaded != LoadedTag::kFailed && names->Get(index, name);) {
-    loaded = LoadTag(name, slot);
+  for (std::uint32_t index = 0; loaded != LoadedTag::kFailed;) {
+    const auto name = names->Get(index);
+    if (!name) {
+      break;
+    }
+    loaded = LoadTag(*name, slot);
     index += loaded == LoadedTag::kDeleted ? 0U : 1U;
   }
   m_cleanUp.reset();
@@ -69,18 +72,21 @@ Page_one::LoadedTag Page_one::LoadTag(std::u16string_view tagName, std::int32_t&
 }
 
 Page_one::LoadedTag Page_one::DeleteStaleTag(std::u16string_view tagName) {
-  switch (storage::DeleteStaleTag(m_platform.files, m_platform.registry, *m_cleanUp, tagName)) {
-    case storage::StaleDeletion::kDone:
-      return LoadedTag::kDeleted;
-    case storage::StaleDeletion::kNotKept:
+  const auto deleted =
+      storage::DeleteStaleTag(m_platform.files, m_platform.registry, *m_cleanUp, tagName);
+  if (deleted) {
+    return LoadedTag::kDeleted;
+  }
+  switch (deleted.error()) {
+    case storage::StaleError::kNotKept:
       return LoadedTag::kPassedOver;
-    case storage::StaleDeletion::kRecordingInUse:
+    case storage::StaleError::kRecordingInUse:
       ShowBox(resources::kStaleWaveNotDeleted);
       break;
-    case storage::StaleDeletion::kTemplateInUse:
+    case storage::StaleError::kTemplateInUse:
       ShowBox(resources::kStaleTemplateNotDeleted);
       break;
-    case storage::StaleDeletion::kEntryFailed:
+    case storage::StaleError::kEntryFailed:
       ShowBox(resources::kStaleKeyNotDeleted);
       break;
   }
@@ -134,17 +140,18 @@ bool Page_one::DeleteTagOfLine(std::size_t line) {
   // A press that failed half-way before is finished first.
   m_trash.Recover();
   storage::Deletion deletion(m_trash, storage::DeletionReason::kDelete);
-  storage::TagParts parts;
-  const bool isFound = storage::FindParts(m_platform.files, m_platform.registry, tagName, parts);
-  const storage::ItemResult kept =
-      isFound ? deletion.Keep(parts, GetWindow().GetItemText(resources::kTagListId,
-                                                             static_cast<std::int32_t>(line)))
-              : storage::ItemResult::kEntryUnread;
-  if (kept == storage::ItemResult::kFailed || !deletion.Seal()) {
+  const std::u16string text =
+      GetWindow().GetItemText(resources::kTagListId, static_cast<std::int32_t>(line));
+  const auto kept =
+      storage::FindParts(m_platform.files, m_platform.registry, tagName)
+          .map_error([](storage::Unread) { return storage::ItemError::kStoreUnread; })
+          .and_then([&](const storage::TagParts& parts) { return deletion.Keep(parts, text); });
+  if (kept == platform::Failure(storage::ItemError::kOther) || !deletion.Seal()) {
     ShowBox(resources::kNotKept);
     return false;
   }
-  if (kept != storage::ItemResult::kDone && kept != storage::ItemResult::kFull) {
+  const bool isDestroyed = kept == platform::Failure(storage::ItemError::kFull);
+  if (!kept && !isDestroyed) {
     ShowBox(resources::kTagInUse);
     return false;
   }
@@ -155,7 +162,7 @@ bool Page_one::DeleteTagOfLine(std::size_t line) {
   DropRecord(line);
   const bool isDeleted = m_store.DeleteEntry(tagName).has_value();
   // Said in either case: the files are gone.
-  if (kept == storage::ItemResult::kFull) {
+  if (isDestroyed) {
     ShowBox(resources::kTagDestroyed);
   }
   if (!isDeleted) {
@@ -213,13 +220,17 @@ void Page_one::OnDeleteAll() {
 
 std::u16string Page_one::GetDeleteAllQuestion() {
   std::u16string question(m_texts(resources::kAllTagsWillBeDeleted));
-  storage::StoreContents contents;
+  if (m_isSetUp) {
+    return question;
+  }
   // Without its list the page does not show what would go.
-  if (!m_isSetUp && storage::ListStore(m_platform.files, m_platform.registry, contents, [] {}) ==
-                        storage::ListResult::kDone) {
-    contents.tags.insert(contents.tags.end(), contents.orphans.begin(), contents.orphans.end());
-    const auto recordings = std::ranges::count_if(
-        contents.tags, [](const storage::TagParts& parts) { return !parts.waveFile.empty(); });
+  const auto contents = storage::ListStore(m_platform.files, m_platform.registry);
+  if (contents && contents->failedSearches == 0) {
+    const auto hasRecording = [](const storage::TagParts& parts) {
+      return !parts.waveFile.empty();
+    };
+    const auto recordings = std::ranges::count_if(contents->tags, hasRecording) +
+                            std::ranges::count_if(contents->orphans, hasRecording);
     question += u"\n\n" + language::FormatNumber(resources::kRecordingsWillBeDeleted,
                                                  static_cast<std::int32_t>(recordings));
   }

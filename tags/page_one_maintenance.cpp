@@ -12,11 +12,11 @@ void Page_one::OnCheckVersion() {
   if (!maintenance::UpdateVersion(m_platform.registry)) {
     return;
   }
-  m_reinitWorker = m_platform.threads.Start(
-      [this] {
-        maintenance::ReinitWorker(m_platform, m_texts, *this, m_reinitDialog.GetProgress()).Run();
-      },
-      platform::ThreadStart::kSuspended);
+  const auto compute = [this] {
+    maintenance::ReinitWorker(m_platform, m_texts, *this, m_reinitDialog.GetProgress()).Run();
+  };
+  m_reinitWorker =
+      m_platform.threads.Start(compute, platform::ThreadStart::kSuspended).value_or(nullptr);
   m_reinitDialog.DoModal();
   m_reinitWorker.reset();
 }

@@ -58,7 +58,7 @@ bool Page_one::OnInitDialog() {
 bool Page_one::Fill() {
   // Gone before the command is posted, whose handler may show a dialog.
   const framework::WaitCursor wait(m_platform.ui);
-  m_workerEvent = m_platform.threads.CreateManualResetEvent();
+  m_workerEvent = m_platform.threads.CreateManualResetEvent().value_or(nullptr);
   OpenAudio();
   if (!OpenContacts()) {
     return false;
@@ -75,8 +75,12 @@ bool Page_one::BecomeOnlyInstance() {
     return true;  // The sheet is shown once more by the same library.
   }
   auto created = m_platform.threads.CreateNamedMutex(kInstanceMutex);
-  m_onlyInstance = std::move(created.mutex);
-  return !created.existed;
+  if (!created) {
+    // Without a mutex the page opens all the same: nothing shows that another one is open.
+    return created.error() != platform::ThreadError::kHeld;
+  }
+  m_onlyInstance = std::move(*created);
+  return true;
 }
 
 bool Page_one::OpenContacts() {

@@ -70,8 +70,7 @@ void Page_one::OnRecord() {
 bool Page_one::EnsureDataFolders() {
   storage::CreateDataFolders(m_platform.files);
   const storage::FolderRule rule(m_platform.files, m_platform.ui, m_platform.process, m_texts);
-  return rule.EnsureWaveFolder() == storage::FolderResult::kReady &&
-         rule.EnsureTemplateFolder() == storage::FolderResult::kReady;
+  return rule.EnsureWaveFolder() && rule.EnsureTemplateFolder();
 }
 
 bool Page_one::HasNumberChosen() {
@@ -100,8 +99,8 @@ bool Page_one::RecordUtterance(const std::function<void()>& step) {
     step();
   }
   // A recording that takes longer is no error: what the file holds by now is taken.
-  if (worker && worker->Wait(kLongestWait) == platform::WaitResult::kTimedOut) {
-    LeaveBehind(std::move(worker));
+  if (worker && (*worker)->Wait(kLongestWait) == platform::WaitResult::kTimedOut) {
+    LeaveBehind(std::move(*worker));
   }
   m_recordCode = recording->GetCode();
   m_learnError = recording->GetFileError();

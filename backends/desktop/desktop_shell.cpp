@@ -111,7 +111,7 @@ void DesktopShell::Open(std::string url, std::string shownName) {
     OpenNow(url, shownName);
   };
   if (auto thread = m_threads.Start(body, platform::ThreadStart::kRunning)) {
-    m_running.push_back(std::move(thread));
+    m_running.push_back(std::move(*thread));
   } else {
     body();
   }

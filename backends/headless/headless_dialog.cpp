@@ -22,7 +22,7 @@ HeadlessDialog::HeadlessDialog(const resources::DialogTemplate& dialog,
     }
   }
   if (threads != nullptr) {
-    m_ended = threads->CreateManualResetEvent();
+    m_ended = threads->CreateManualResetEvent().value_or(nullptr);
   }
   m_handler.Attach(*this);
 }

@@ -19,6 +19,8 @@
 namespace posix {
 namespace {
 
+using platform::Failure;
+using platform::ThreadError;
 using platform::ThreadStart;
 using platform::WaitResult;
 
@@ -140,16 +142,15 @@ std::string PathOf(const std::string& lockFolder, std::u16string_view name) {
 
 }  // namespace
 
-std::unique_ptr<platform::Thread> PosixThreads::Start(std::function<void()> body,
-                                                      ThreadStart start) {
+platform::StartedThread PosixThreads::Start(std::function<void()> body, ThreadStart start) {
   try {
     return std::make_unique<PosixThread>(std::move(body), start);
   } catch (const std::system_error&) {
-    return nullptr;
+    return Failure(ThreadError::kRefused);
   }
 }
 
-std::unique_ptr<platform::Event> PosixThreads::CreateManualResetEvent() {
+platform::CreatedEvent PosixThreads::CreateManualResetEvent() {
   return std::make_unique<PosixEvent>();
 }
 
@@ -176,12 +177,12 @@ platform::CreatedMutex PosixThreads::Lock(std::u16string_view name) const {
   const std::string path = PathOf(m_lockFolder, name);
   Descriptor file(::open(path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, kOwnerOnly));
   if (!file.IsOpen()) {
-    return {};
+    return Failure(ThreadError::kRefused);
   }
   if (Retry([&] { return ::flock(file.Get(), LOCK_EX | LOCK_NB); }) != 0) {
-    return {nullptr, errno == EWOULDBLOCK};
+    return Failure(errno == EWOULDBLOCK ? ThreadError::kHeld : ThreadError::kRefused);
   }
-  return {std::make_unique<FileMutex>(std::move(file)), false};
+  return std::make_unique<FileMutex>(std::move(file));
 }
 
 }  // namespace posix

@@ -22,9 +22,9 @@ class PosixThreads final : public platform::Threads {
       std::function<void(const platform::CreatedMutex& created)> onNamedMutex = nullptr)
       : m_lockFolder(std::move(lockFolder)), m_onNamedMutex(std::move(onNamedMutex)) {}
 
-  [[nodiscard]] std::unique_ptr<platform::Thread> Start(std::function<void()> body,
-                                                        platform::ThreadStart start) override;
-  [[nodiscard]] std::unique_ptr<platform::Event> CreateManualResetEvent() override;
+  [[nodiscard]] platform::StartedThread Start(std::function<void()> body,
+                                              platform::ThreadStart start) override;
+  [[nodiscard]] platform::CreatedEvent CreateManualResetEvent() override;
   [[nodiscard]] platform::CreatedMutex CreateNamedMutex(std::u16string_view name) override;
 
   /// Returns the name in the lock folder of the file that is locked for the mutex of that name.

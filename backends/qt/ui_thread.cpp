@@ -210,15 +210,20 @@ class QtEvent final : public platform::Event {
 
 }  // namespace
 
-std::unique_ptr<platform::Thread> QtThreads::Start(std::function<void()> body,
-                                                   platform::ThreadStart start) {
-  auto inner = m_inner.Start(std::move(body), start);
-  return inner ? std::make_unique<QtThread>(m_thread, std::move(inner)) : nullptr;
+platform::StartedThread QtThreads::Start(std::function<void()> body, platform::ThreadStart start) {
+  auto started = m_inner.Start(std::move(body), start);
+  if (started) {
+    started = std::make_unique<QtThread>(m_thread, std::move(*started));
+  }
+  return started;
 }
 
-std::unique_ptr<platform::Event> QtThreads::CreateManualResetEvent() {
-  auto inner = m_inner.CreateManualResetEvent();
-  return inner ? std::make_unique<QtEvent>(m_thread, std::move(inner)) : nullptr;
+platform::CreatedEvent QtThreads::CreateManualResetEvent() {
+  auto created = m_inner.CreateManualResetEvent();
+  if (created) {
+    created = std::make_unique<QtEvent>(m_thread, std::move(*created));
+  }
+  return created;
 }
 
 }  // namespace qt

@@ -86,9 +86,9 @@ class QtThreads final : public platform::Threads {
  public:
   QtThreads(UiThread& thread, platform::Threads& inner) : m_thread(thread), m_inner(inner) {}
 
-  [[nodiscard]] std::unique_ptr<platform::Thread> Start(std::function<void()> body,
-                                                        platform::ThreadStart start) override;
-  [[nodiscard]] std::unique_ptr<platform::Event> CreateManualResetEvent() override;
+  [[nodiscard]] platform::StartedThread Start(std::function<void()> body,
+                                              platform::ThreadStart start) override;
+  [[nodiscard]] platform::CreatedEvent CreateManualResetEvent() override;
   [[nodiscard]] platform::CreatedMutex CreateNamedMutex(std::u16string_view name) override {
     return m_inner.CreateNamedMutex(name);
   }

@@ -9,7 +9,7 @@ ReadBooks BackgroundSource::Read(RemarkList& remarks) {
   const auto body = [&] { read = ReadInner(remarks); };
   if (const auto thread = m_threads.Start(body, platform::ThreadStart::kRunning)) {
     // Should the wait fail, the end of the handle still waits for the thread.
-    static_cast<void>(thread->Wait(platform::kNoLimit));
+    static_cast<void>((*thread)->Wait(platform::kNoLimit));
   } else {
     body();
   }

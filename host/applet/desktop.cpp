@@ -78,13 +78,13 @@ desktop::DesktopShell::Options Desktop::GetShellOptions() {
 void Desktop::OnNamedMutex(const platform::CreatedMutex& created) {
   const std::string bell =
       posix::Doorbell::PathFor(m_options.runtimeFolder, m_backends.GetRoot().native());
-  if (created.existed) {
+  if (created == platform::Failure(platform::ThreadError::kHeld)) {
     const bool isAnswered = posix::Doorbell::Ring(bell, m_options.activationToken);
     ReportOnStandardError(isAnswered ? resources::kAppletIsOpen : resources::kTagsInUse);
     return;
   }
   m_bellWatch.reset();
-  if (created.mutex && m_bell.Hang(bell)) {
+  if (created && m_bell.Hang(bell)) {
     m_bellWatch.emplace(m_bell.GetDescriptor(), [this] { OnRing(); });
   }
 }

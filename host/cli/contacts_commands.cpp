@@ -83,9 +83,9 @@ void ShowContacts(Session& session) {
 }
 
 std::string ExplainStoreProblem(Session& session) {
-  const std::string key = session.FindUnusableKey();
+  const std::optional<std::string> key = session.FindUnusableKey();
   return fmt::format("the settings in {} cannot be read or written{}{}",
-                     session.GetRegistryPath().string(), key.empty() ? "" : ": ", key);
+                     session.GetRegistryPath().string(), key ? ": " : "", key.value_or(""));
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -17,9 +18,9 @@
 #include "host/cli/output.h"
 #include "maintenance/store_check.h"
 #include "maintenance/template_repair.h"
+#include "storage/deletion.h"
 #include "storage/folders.h"
 #include "storage/registry_keys.h"
-#include "storage/store_contents.h"
 #include "storage/tag_store.h"
 #include "tags/contact_reading.h"
 #include "tags/page_one.h"
@@ -49,8 +50,8 @@ struct CheckedStore {
 /// settings from being read.
 bool ReadTags(Session& session, const platform::Platform& platform, CheckedStore& checked) {
   const auto list = storage::TagStore(platform.files, platform.registry).ListNames();
-  const std::string key = session.FindUnusableKey();
-  if (!list || !key.empty()) {
+  const std::optional<std::string> key = session.FindUnusableKey();
+  if (!list || key) {
     // If the store answers, such a key alone is to blame.
     const RegistryError error = list ? RegistryError::kInvalid : list.error();
     checked.findings.push_back({{StoreProblem::kRegistryUnreadable, {}, {}},
@@ -62,7 +63,7 @@ bool ReadTags(Session& session, const platform::Platform& platform, CheckedStore
   }
   checked.tagCount = list ? static_cast<std::uint32_t>(list->names.size()) : 0;
   // Among the tags nobody knows what such a key means, nor which files belong to it.
-  return list && key.find(text::ToUtf8(storage::kTagKey) + '\\') == std::string::npos;
+  return list && key.value_or("").find(text::ToUtf8(storage::kTagKey) + '\\') == std::string::npos;
 }
 
 /// What the list shows for the tag, as long as the contacts are open.
@@ -164,20 +165,18 @@ void RemoveOrphans(const platform::Platform& platform, std::vector<CheckedFindin
   }
 }
 
-std::string Describe(storage::StaleDeletion result) {
-  switch (result) {
-    case storage::StaleDeletion::kRecordingInUse:
+std::string Describe(storage::StaleError error) {
+  switch (error) {
+    case storage::StaleError::kRecordingInUse:
       return "the recording is in use";
-    case storage::StaleDeletion::kTemplateInUse:
+    case storage::StaleError::kTemplateInUse:
       return "the template is in use";
-    case storage::StaleDeletion::kEntryFailed:
+    case storage::StaleError::kEntryFailed:
       return "the entry cannot be deleted";
-    case storage::StaleDeletion::kNotKept:
-      return "the trash cannot take the tag";
-    case storage::StaleDeletion::kDone:
+    case storage::StaleError::kNotKept:
       break;
   }
-  return {};
+  return "the trash cannot take the tag";
 }
 
 /// Moves the tags whose contacts have gone to the trash, as the page does when it opens.
@@ -189,13 +188,12 @@ void CleanUp(const platform::Platform& platform, std::vector<CheckedFinding>& fi
       continue;
     }
     const std::u16string& tag = stale.finding.tag;
-    const auto result = DeleteStaleTag(platform.files, platform.registry, cleanUp, tag);
+    const auto deleted = DeleteStaleTag(platform.files, platform.registry, cleanUp, tag);
     for (CheckedFinding& checked : findings) {
-      if (checked.finding.tag == tag &&
-          (result == storage::StaleDeletion::kDone || &checked == &stale)) {
-        checked.isRepaired = result == storage::StaleDeletion::kDone;
+      if (checked.finding.tag == tag && (deleted || &checked == &stale)) {
+        checked.isRepaired = deleted.has_value();
         checked.description += checked.isRepaired ? "; the tag is in the trash now" : "";
-        checked.reason = Describe(result);
+        checked.reason = deleted ? "" : Describe(deleted.error());
       }
     }
   }
@@ -235,7 +233,7 @@ void CheckTags(Session& session, bool isRepair) {
   // Whoever only looks waits for nobody, and keeps nobody from changing tags.
   const platform::CreatedMutex hold =
       mayRepair ? own.threads.CreateNamedMutex(tags::kInstanceMutex) : platform::CreatedMutex{};
-  if (mayRepair && hold.existed) {
+  if (hold == platform::Failure(platform::ThreadError::kHeld)) {
     session.Fail("the tags are in use by another Voxtrel; close it and try again");
     return;
   }

@@ -69,11 +69,14 @@ void CountRecordings(const platform::Platform& platform, const storage::TagTable
     }
   }
   const auto names = store.OpenNames();
-  std::u16string name;
-  for (std::uint32_t i = 0; names && names->Get(i, name); ++i) {
-    const auto recording = platform.files.Find(storage::WavePath(name));
+  if (!names) {
+    return;
+  }
+  std::uint32_t index = 0;
+  while (const auto name = names->Get(index++)) {
+    const auto recording = platform.files.Find(storage::WavePath(*name));
     if (!recording && recording.error() == platform::FileError::kNotFound) {
-      outcome.withoutRecording.push_back({text::ToUtf8(name), FindListText(tags, name)});
+      outcome.withoutRecording.push_back({text::ToUtf8(*name), FindListText(tags, *name)});
     }
   }
 }

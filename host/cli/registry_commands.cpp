@@ -111,9 +111,11 @@ void Import(Session& session, const std::string& name) {
     return;
   }
   TidyTrash(session);
-  if (const auto error = storage::ApplyRegistryChanges(session.GetRegistry(), content->changes)) {
+  const auto applied = storage::ApplyRegistryChanges(session.GetRegistry(), content->changes);
+  if (!applied) {
     // A file that was read to its end is right; what hinders its changes is the store.
-    session.Fail(fmt::format("{}: {}", session.GetRegistryPath().native(), error->message));
+    session.Fail(
+        fmt::format("{}: {}", session.GetRegistryPath().native(), applied.error().message));
   } else {
     PrintDone(session, content->passedOver);
   }

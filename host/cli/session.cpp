@@ -12,7 +12,6 @@
 #include "host/cli/output.h"
 #include "resources/strings.h"
 #include "storage/registry_file.h"
-#include "storage/unusable_key.h"
 
 namespace cli {
 namespace {
@@ -143,15 +142,17 @@ void Session::Fail(std::string_view message) {
 
 int Session::GetExitCode() const { return m_failed || m_process.GetExitCode() ? 1 : 0; }
 
-std::string Session::FindUnusableKey(std::u16string_view start) {
-  const std::string key = storage::FindUnusableKey(GetRegistry(), start);
-  return key.empty() ? key : "another program made a key or value that cannot be used: " + key;
+std::optional<std::string> Session::FindUnusableKey(std::u16string_view start) {
+  auto key = storage::FindUnusableKey(GetRegistry(), start);
+  if (key) {
+    key->insert(0, "another program made a key or value that cannot be used: ");
+  }
+  return key;
 }
 
 std::string Session::ExplainStore(platform::RegistryError error) {
-  const std::string key = FindUnusableKey();
   return GetRegistryPath().native() + ": " +
-         (key.empty() ? storage::ExplainRegistryError(error) : key);
+         FindUnusableKey().value_or(storage::ExplainRegistryError(error));
 }
 
 vcard::AddressBooks& Session::GetContacts() {

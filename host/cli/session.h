@@ -63,9 +63,9 @@ class Session {
     return m_backends.GetRegistryPath();
   }
 
-  /// A sentence about the key from `start` on that keeps the settings from being read by its name;
-  /// empty if there is none.
-  [[nodiscard]] std::string FindUnusableKey(std::u16string_view start = {});
+  /// Returns a sentence about the key from `start` on that keeps the settings from being read by
+  /// its name. Returns nothing if there is none.
+  [[nodiscard]] std::optional<std::string> FindUnusableKey(std::u16string_view start = {});
 
   /// Why the settings answered `error`, and for which file, without a full stop.
   [[nodiscard]] std::string ExplainStore(platform::RegistryError error);

@@ -61,7 +61,7 @@ platform::Result<std::vector<std::u16string>, platform::RegistryError> ListTagNa
   }
   if (list->passedOver > 0) {
     PrintErrorLine(fmt::format("voxtrel: {}: {}", session.GetRegistryPath().native(),
-                               session.FindUnusableKey(storage::kTagKey)));
+                               session.FindUnusableKey(storage::kTagKey).value_or("")));
   }
   return std::move(list->names);
 }

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <ctime>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,19 +18,19 @@
 namespace cli {
 namespace {
 
-using storage::RestoreResult;
+using storage::RestoreError;
 using storage::TrashedTag;
 
 storage::TagTrash OpenTrash(Session& session) {
   return {session.GetFiles(), session.GetRegistry(), session.GetClock()};
 }
 
-/// Returns nothing, and reports it, if the trash cannot be read.
-std::optional<std::vector<TrashedTag>> ListTrash(Session& session, const storage::TagTrash& trash) {
-  std::vector<TrashedTag> tags;
-  if (!trash.List(tags)) {
+/// Reports it if the trash cannot be read.
+platform::Result<std::vector<TrashedTag>, platform::FileError> ListTrash(
+    Session& session, const storage::TagTrash& trash) {
+  auto tags = trash.List();
+  if (!tags) {
     session.Fail("the trash cannot be read: " + session.ToHostPath(storage::kTrashFolder));
-    return std::nullopt;
   }
   return tags;
 }
@@ -76,14 +75,16 @@ class HeldTags {
  public:
   explicit HeldTags(Session& session)
       : m_mutex(session.GetPlatform().threads.CreateNamedMutex(tags::kInstanceMutex)) {
-    if (m_mutex.existed) {
+    if (!IsHeld()) {
       session.Fail("the tags are in use by another Voxtrel; close it and try again");
     } else {
       OpenTrash(session).Recover();
     }
   }
 
-  [[nodiscard]] bool IsHeld() const { return !m_mutex.existed; }
+  [[nodiscard]] bool IsHeld() const {
+    return m_mutex != platform::Failure(platform::ThreadError::kHeld);
+  }
 
  private:
   platform::CreatedMutex m_mutex;
@@ -110,23 +111,21 @@ void EmptyTrash(Session& session) {
   }
 }
 
-std::string Explain(RestoreResult result) {
-  switch (result) {
-    case RestoreResult::kExists:
+std::string Explain(RestoreError error) {
+  switch (error) {
+    case RestoreError::kExists:
       return "there is a tag or a file of that name";
-    case RestoreResult::kTooMany:
+    case RestoreError::kTooMany:
       return fmt::format("there are {} tags already, which is the most there can be",
                          storage::kMaxTags);
-    case RestoreResult::kFull:
+    case RestoreError::kFull:
       return "the disk is full";
-    case RestoreResult::kNoFolder:
+    case RestoreError::kNoFolder:
       return "a folder for recordings or templates is missing and cannot be made";
-    case RestoreResult::kFailed:
-      return "its files or its entry cannot be written";
-    case RestoreResult::kDone:
+    case RestoreError::kOther:
       break;
   }
-  return {};
+  return "its files or its entry cannot be written";
 }
 
 /// Stores the latest deletion of each name in `chosen`. Reports a name that is not in the trash.
@@ -172,9 +171,8 @@ void Restore(Session& session, const std::vector<std::string>& names, bool isLas
   Json restored = Json::array();
   for (const TrashedTag& tag : chosen) {
     const std::string name = text::ToUtf8(tag.item.parts.name);
-    const RestoreResult result = trash.Restore(tag);
-    if (result != RestoreResult::kDone) {
-      session.Fail(fmt::format("{} was not restored: {}", name, Explain(result)));
+    if (const auto done = trash.Restore(tag); !done) {
+      session.Fail(fmt::format("{} was not restored: {}", name, Explain(done.error())));
       continue;
     }
     restored.push_back(name);
@@ -196,7 +194,7 @@ struct RestoreArguments {
 
 void TidyTrash(Session& session) {
   const auto hold = session.GetPlatform().threads.CreateNamedMutex(tags::kInstanceMutex);
-  if (!hold.existed) {
+  if (hold != platform::Failure(platform::ThreadError::kHeld)) {
     OpenTrash(session).Recover();
   }
 }

@@ -1,6 +1,5 @@
 #include "tests/contract/thread_backends.h"
 
-#include <stdexcept>
 #include <utility>
 
 #include "backends/posix/posix_clock.h"
@@ -29,14 +28,6 @@ class PosixBackend final : public ThreadBackend {
   posix::PosixClock m_clock;
 };
 
-template <typename T>
-std::unique_ptr<T> Must(std::unique_ptr<T> made) {
-  if (made == nullptr) {
-    throw std::runtime_error("the system has none to give");
-  }
-  return made;
-}
-
 }  // namespace
 
 std::ostream& operator<<(std::ostream& stream, const ThreadBackendKind& kind) {
@@ -54,11 +45,11 @@ std::vector<ThreadBackendKind> AllThreadBackends() {
 
 std::unique_ptr<platform::Thread> ThreadContract::MustStart(std::function<void()> body,
                                                             platform::ThreadStart start) {
-  return Must(Threads().Start(std::move(body), start));
+  return Threads().Start(std::move(body), start).value();
 }
 
 std::unique_ptr<platform::Event> ThreadContract::MustCreateEvent() {
-  return Must(Threads().CreateManualResetEvent());
+  return Threads().CreateManualResetEvent().value();
 }
 
 std::string ThreadBackendName(const testing::TestParamInfo<ThreadBackendKind>& info) {

@@ -43,9 +43,9 @@ platform::CreatedMutex MutexNames::Create(const std::shared_ptr<MutexNames>& nam
                                           std::u16string_view name) {
   const std::lock_guard lock(names->m_mutex);
   if (!names->m_held.emplace(name).second) {
-    return {nullptr, true};
+    return platform::Failure(platform::ThreadError::kHeld);
   }
-  return {std::make_unique<Holder>(names, name), false};
+  return std::make_unique<Holder>(names, name);
 }
 
 namespace {
@@ -135,15 +135,15 @@ void Simulation::Sleep(std::uint32_t milliseconds) { m_scheduler->Wait(nullptr, 
 
 std::uint64_t Simulation::GetElapsed() { return m_scheduler->Now(); }
 
-std::unique_ptr<platform::Thread> Simulation::Start(std::function<void()> body, ThreadStart start) {
+platform::StartedThread Simulation::Start(std::function<void()> body, ThreadStart start) {
   try {
     return std::make_unique<SimulatedThread>(m_scheduler, std::move(body), start);
   } catch (const std::system_error&) {
-    return nullptr;
+    return platform::Failure(platform::ThreadError::kRefused);
   }
 }
 
-std::unique_ptr<platform::Event> Simulation::CreateManualResetEvent() {
+platform::CreatedEvent Simulation::CreateManualResetEvent() {
   return std::make_unique<SimulatedEvent>(m_scheduler);
 }
 

@@ -31,9 +31,9 @@ class Simulation final : public platform::Clock, public platform::Threads {
   [[nodiscard]] std::int64_t GetUnixTime() override;
   void Sleep(std::uint32_t milliseconds) override;
 
-  [[nodiscard]] std::unique_ptr<platform::Thread> Start(std::function<void()> body,
-                                                        platform::ThreadStart start) override;
-  [[nodiscard]] std::unique_ptr<platform::Event> CreateManualResetEvent() override;
+  [[nodiscard]] platform::StartedThread Start(std::function<void()> body,
+                                              platform::ThreadStart start) override;
+  [[nodiscard]] platform::CreatedEvent CreateManualResetEvent() override;
   /// Names are known to this simulation alone.
   [[nodiscard]] platform::CreatedMutex CreateNamedMutex(std::u16string_view name) override;
 

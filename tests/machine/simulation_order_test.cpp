@@ -20,7 +20,8 @@ TEST(SimulationOrder, StartedThreadsRunInTheOrderOfTheirStartOnceTheHostWaits) {
   std::string log;
   ThreadList threads;
   for (const char name : {'a', 'b', 'c'}) {
-    threads.push_back(simulation.Start([&log, name] { log += name; }, ThreadStart::kRunning));
+    threads.push_back(
+        simulation.Start([&log, name] { log += name; }, ThreadStart::kRunning).value());
   }
   log += '-';
   simulation.Sleep(0);
@@ -32,13 +33,15 @@ TEST(SimulationOrder, SleepersWakeByTimeAndThenByArrival) {
   std::string log;
   ThreadList threads;
   const auto start = [&](char name, std::uint32_t first, std::uint32_t second) {
-    threads.push_back(simulation.Start(
-        [&, name, first, second] {
-          simulation.Sleep(first);
-          simulation.Sleep(second);
-          log += name;
-        },
-        ThreadStart::kRunning));
+    threads.push_back(simulation
+                          .Start(
+                              [&, name, first, second] {
+                                simulation.Sleep(first);
+                                simulation.Sleep(second);
+                                log += name;
+                              },
+                              ThreadStart::kRunning)
+                          .value());
   };
   start('a', 10, 20);
   start('b', 20, 10);
@@ -51,17 +54,19 @@ TEST(SimulationOrder, SleepersWakeByTimeAndThenByArrival) {
 
 TEST(SimulationOrder, WaitersPassInTheOrderOfTheirArrival) {
   Simulation simulation;
-  const auto event = simulation.CreateManualResetEvent();
+  const auto event = simulation.CreateManualResetEvent().value();
   std::string log;
   ThreadList threads;
   for (const char name : {'c', 'a', 'b'}) {
-    threads.push_back(simulation.Start(
-        [&, name] {
-          if (event->Wait(kNoLimit) == WaitResult::kSignalled) {
-            log += name;
-          }
-        },
-        ThreadStart::kRunning));
+    threads.push_back(simulation
+                          .Start(
+                              [&, name] {
+                                if (event->Wait(kNoLimit) == WaitResult::kSignalled) {
+                                  log += name;
+                                }
+                              },
+                              ThreadStart::kRunning)
+                          .value());
   }
   simulation.Sleep(1);
   event->Set();
@@ -72,13 +77,18 @@ TEST(SimulationOrder, WaitersPassInTheOrderOfTheirArrival) {
 
 TEST(SimulationOrder, ASetThatIsResetAtOnceReleasesWhoWaitedAndNobodyElse) {
   Simulation simulation;
-  const auto event = simulation.CreateManualResetEvent();
+  const auto event = simulation.CreateManualResetEvent().value();
   std::string log;
-  const auto early = simulation.Start(
-      [&] { log += event->Wait(5) == WaitResult::kSignalled ? 'E' : 'e'; }, ThreadStart::kRunning);
+  const auto early =
+      simulation
+          .Start([&] { log += event->Wait(5) == WaitResult::kSignalled ? 'E' : 'e'; },
+                 ThreadStart::kRunning)
+          .value();
   simulation.Sleep(1);
-  const auto late = simulation.Start(
-      [&] { log += event->Wait(5) == WaitResult::kSignalled ? 'L' : 'l'; }, ThreadStart::kRunning);
+  const auto late = simulation
+                        .Start([&] { log += event->Wait(5) == WaitResult::kSignalled ? 'L' : 'l'; },
+                               ThreadStart::kRunning)
+                        .value();
   event->Set();
   event->Reset();
   simulation.Sleep(10);
@@ -88,10 +98,10 @@ TEST(SimulationOrder, ASetThatIsResetAtOnceReleasesWhoWaitedAndNobodyElse) {
 TEST(SimulationOrder, AResumedThreadQueuesBehindThoseThatAreReady) {
   Simulation simulation;
   std::string log;
-  const auto suspended = simulation.Start([&] { log += 's'; }, ThreadStart::kSuspended);
-  const auto first = simulation.Start([&] { log += 'f'; }, ThreadStart::kRunning);
+  const auto suspended = simulation.Start([&] { log += 's'; }, ThreadStart::kSuspended).value();
+  const auto first = simulation.Start([&] { log += 'f'; }, ThreadStart::kRunning).value();
   suspended->Resume();
-  const auto last = simulation.Start([&] { log += 'l'; }, ThreadStart::kRunning);
+  const auto last = simulation.Start([&] { log += 'l'; }, ThreadStart::kRunning).value();
   simulation.Sleep(0);
   EXPECT_EQ(log, "fsl");
 }
@@ -99,35 +109,38 @@ TEST(SimulationOrder, AResumedThreadQueuesBehindThoseThatAreReady) {
 /// One run of a small factory: five threads with sleeps of their own pass two events around.
 std::string RunFactory() {
   Simulation simulation;
-  const auto go = simulation.CreateManualResetEvent();
-  const auto done = simulation.CreateManualResetEvent();
+  const auto go = simulation.CreateManualResetEvent().value();
+  const auto done = simulation.CreateManualResetEvent().value();
   std::string log;
   ThreadList threads;
   for (std::uint32_t t = 0; t < 5; ++t) {
-    threads.push_back(simulation.Start(
-        [&, t] {
-          std::uint32_t number = t + 1;
-          for (int i = 0; i < 10; ++i) {
-            number = number * 1103515245U + 12345U;
-            switch ((number >> 16) % 4) {
-              case 0:
-                simulation.Sleep((number >> 20) % 4);
-                break;
-              case 1:
-                go->Set();
-                break;
-              case 2:
-                log += go->Wait((number >> 20) % 3) == WaitResult::kSignalled ? '+' : '-';
-                go->Reset();
-                break;
-              default:
-                log += static_cast<char>('0' + simulation.GetTickCount() % 10);
-            }
-            log += static_cast<char>('a' + t);
-          }
-          done->Set();
-        },
-        ThreadStart::kRunning));
+    threads.push_back(
+        simulation
+            .Start(
+                [&, t] {
+                  std::uint32_t number = t + 1;
+                  for (int i = 0; i < 10; ++i) {
+                    number = number * 1103515245U + 12345U;
+                    switch ((number >> 16) % 4) {
+                      case 0:
+                        simulation.Sleep((number >> 20) % 4);
+                        break;
+                      case 1:
+                        go->Set();
+                        break;
+                      case 2:
+                        log += go->Wait((number >> 20) % 3) == WaitResult::kSignalled ? '+' : '-';
+                        go->Reset();
+                        break;
+                      default:
+                        log += static_cast<char>('0' + simulation.GetTickCount() % 10);
+                    }
+                    log += static_cast<char>('a' + t);
+                  }
+                  done->Set();
+                },
+                ThreadStart::kRunning)
+            .value());
   }
   log += done->Wait(kNoLimit) == WaitResult::kSignalled ? '!' : '?';
   threads.clear();

@@ -41,7 +41,7 @@ TEST(Simulation, TheCalendarGoesOnWithTheClock) {
 
 TEST(Simulation, TimeStandsStillWhileAThreadRuns) {
   Simulation simulation;
-  const auto thread = simulation.Start([&] { simulation.Sleep(1); }, ThreadStart::kRunning);
+  const auto thread = simulation.Start([&] { simulation.Sleep(1); }, ThreadStart::kRunning).value();
   for (int i = 0; i < 1000; ++i) {
     ASSERT_EQ(simulation.GetTickCount(), 0U);
   }
@@ -51,14 +51,14 @@ TEST(Simulation, TimeStandsStillWhileAThreadRuns) {
 
 TEST(Simulation, AWaitThatTimesOutTakesExactlyItsLimit) {
   Simulation simulation;
-  const auto event = simulation.CreateManualResetEvent();
+  const auto event = simulation.CreateManualResetEvent().value();
   EXPECT_EQ(event->Wait(10000), WaitResult::kTimedOut);
   EXPECT_EQ(simulation.GetTickCount(), 10000U);
 }
 
 TEST(Simulation, ASignalledWaitTakesNoTime) {
   Simulation simulation;
-  const auto event = simulation.CreateManualResetEvent();
+  const auto event = simulation.CreateManualResetEvent().value();
   event->Set();
   EXPECT_EQ(event->Wait(10000), WaitResult::kSignalled);
   EXPECT_EQ(simulation.GetTickCount(), 0U);
@@ -66,13 +66,15 @@ TEST(Simulation, ASignalledWaitTakesNoTime) {
 
 TEST(Simulation, OfTwoWaitsThatEndAtOneTimeTheEarlierIsServedFirst) {
   Simulation simulation;
-  const auto event = simulation.CreateManualResetEvent();
-  const auto setter = simulation.Start(
-      [&] {
-        simulation.Sleep(5);
-        event->Set();
-      },
-      ThreadStart::kRunning);
+  const auto event = simulation.CreateManualResetEvent().value();
+  const auto setter = simulation
+                          .Start(
+                              [&] {
+                                simulation.Sleep(5);
+                                event->Set();
+                              },
+                              ThreadStart::kRunning)
+                          .value();
   // The setter begins to sleep only when this wait has begun, and so sets the event too late.
   EXPECT_EQ(event->Wait(5), WaitResult::kTimedOut);
   ASSERT_EQ(setter->Wait(kNoLimit), WaitResult::kSignalled);
@@ -81,12 +83,14 @@ TEST(Simulation, OfTwoWaitsThatEndAtOneTimeTheEarlierIsServedFirst) {
 
 TEST(Simulation, WhereAllWaitWithoutLimitEveryWaitFails) {
   Simulation simulation;
-  const auto event = simulation.CreateManualResetEvent();
+  const auto event = simulation.CreateManualResetEvent().value();
   std::vector<WaitResult> inThreads(2, WaitResult::kSignalled);
   const auto first =
-      simulation.Start([&] { inThreads[0] = event->Wait(kNoLimit); }, ThreadStart::kRunning);
+      simulation.Start([&] { inThreads[0] = event->Wait(kNoLimit); }, ThreadStart::kRunning)
+          .value();
   const auto second =
-      simulation.Start([&] { inThreads[1] = first->Wait(kNoLimit); }, ThreadStart::kRunning);
+      simulation.Start([&] { inThreads[1] = first->Wait(kNoLimit); }, ThreadStart::kRunning)
+          .value();
   EXPECT_EQ(event->Wait(kNoLimit), WaitResult::kFailed);
   EXPECT_EQ(first->Wait(kNoLimit), WaitResult::kSignalled);
   EXPECT_EQ(second->Wait(kNoLimit), WaitResult::kSignalled);
@@ -95,37 +99,40 @@ TEST(Simulation, WhereAllWaitWithoutLimitEveryWaitFails) {
 
 TEST(Simulation, AWaitForASuspendedThreadFailsWhereNobodyCanResumeIt) {
   Simulation simulation;
-  const auto thread = simulation.Start([] {}, ThreadStart::kSuspended);
+  const auto thread = simulation.Start([] {}, ThreadStart::kSuspended).value();
   EXPECT_EQ(thread->Wait(kNoLimit), WaitResult::kFailed);
   EXPECT_EQ(simulation.GetTickCount(), 0U);
 }
 
 TEST(Simulation, AThreadWithALimitKeepsTheOthersFromFailing) {
   Simulation simulation;
-  const auto event = simulation.CreateManualResetEvent();
-  const auto sleeper = simulation.Start(
-      [&] {
-        simulation.Sleep(0xFFFF'FFFFU);
-        event->Set();
-      },
-      ThreadStart::kRunning);
+  const auto event = simulation.CreateManualResetEvent().value();
+  const auto sleeper = simulation
+                           .Start(
+                               [&] {
+                                 simulation.Sleep(0xFFFF'FFFFU);
+                                 event->Set();
+                               },
+                               ThreadStart::kRunning)
+                           .value();
   EXPECT_EQ(event->Wait(kNoLimit), WaitResult::kSignalled);
   EXPECT_EQ(simulation.GetElapsed(), 0xFFFF'FFFFU);
 }
 
 TEST(Simulation, TheDestructionOfAThreadThatWaitsForEverWakesIt) {
   Simulation simulation;
-  const auto event = simulation.CreateManualResetEvent();
+  const auto event = simulation.CreateManualResetEvent().value();
   WaitResult result = WaitResult::kSignalled;
-  simulation.Start([&] { result = event->Wait(kNoLimit); }, ThreadStart::kRunning).reset();
+  simulation.Start([&] { result = event->Wait(kNoLimit); }, ThreadStart::kRunning).value().reset();
   EXPECT_EQ(result, WaitResult::kFailed);
 }
 
 TEST(Simulation, AWaitForAnEventThatIsDestroyedFails) {
   Simulation simulation;
-  auto event = simulation.CreateManualResetEvent();
+  auto event = simulation.CreateManualResetEvent().value();
   WaitResult result = WaitResult::kSignalled;
-  const auto thread = simulation.Start([&] { result = event->Wait(1000); }, ThreadStart::kRunning);
+  const auto thread =
+      simulation.Start([&] { result = event->Wait(1000); }, ThreadStart::kRunning).value();
   simulation.Sleep(1);
   event.reset();
   ASSERT_EQ(thread->Wait(kNoLimit), WaitResult::kSignalled);
@@ -135,8 +142,8 @@ TEST(Simulation, AWaitForAnEventThatIsDestroyedFails) {
 
 TEST(Simulation, AThreadThatOnlyAsksLetsOthersRun) {
   Simulation simulation;
-  const auto event = simulation.CreateManualResetEvent();
-  const auto setter = simulation.Start([&] { event->Set(); }, ThreadStart::kRunning);
+  const auto event = simulation.CreateManualResetEvent().value();
+  const auto setter = simulation.Start([&] { event->Set(); }, ThreadStart::kRunning).value();
   int asked = 0;
   while (event->Wait(0) == WaitResult::kTimedOut && asked < 1000) {
     ++asked;
@@ -150,15 +157,17 @@ TEST(Simulation, OnlyOneThreadRunsAtATime) {
   std::atomic<int> overlaps = 0;
   std::vector<std::unique_ptr<platform::Thread>> threads;
   for (std::uint32_t t = 0; t < 8; ++t) {
-    threads.push_back(simulation.Start(
-        [&, t] {
-          for (std::uint32_t i = 0; i < 50; ++i) {
-            overlaps += running.fetch_add(1) == 0 ? 0 : 1;
-            --running;
-            simulation.Sleep((t + i) % 3);
-          }
-        },
-        ThreadStart::kRunning));
+    threads.push_back(simulation
+                          .Start(
+                              [&, t] {
+                                for (std::uint32_t i = 0; i < 50; ++i) {
+                                  overlaps += running.fetch_add(1) == 0 ? 0 : 1;
+                                  --running;
+                                  simulation.Sleep((t + i) % 3);
+                                }
+                              },
+                              ThreadStart::kRunning)
+                          .value());
   }
   threads.clear();
   EXPECT_EQ(overlaps, 0);
@@ -166,8 +175,8 @@ TEST(Simulation, OnlyOneThreadRunsAtATime) {
 
 TEST(Simulation, AHandleMayOutliveIt) {
   auto simulation = std::make_unique<Simulation>();
-  const auto event = simulation->CreateManualResetEvent();
-  const auto thread = simulation->Start([&] { event->Set(); }, ThreadStart::kRunning);
+  const auto event = simulation->CreateManualResetEvent().value();
+  const auto thread = simulation->Start([&] { event->Set(); }, ThreadStart::kRunning).value();
   simulation.reset();
   EXPECT_EQ(thread->Wait(kNoLimit), WaitResult::kSignalled);
   EXPECT_EQ(event->Wait(0), WaitResult::kSignalled);
@@ -177,13 +186,15 @@ TEST(Simulation, TwoOfThemDoNotDisturbEachOther) {
   Simulation outer;
   Simulation inner(100);
   std::uint32_t inside = 0;
-  const auto thread = outer.Start(
-      [&] {
-        inner.Sleep(5);
-        inside = inner.GetTickCount();
-        outer.Sleep(1);
-      },
-      ThreadStart::kRunning);
+  const auto thread = outer
+                          .Start(
+                              [&] {
+                                inner.Sleep(5);
+                                inside = inner.GetTickCount();
+                                outer.Sleep(1);
+                              },
+                              ThreadStart::kRunning)
+                          .value();
   ASSERT_EQ(thread->Wait(kNoLimit), WaitResult::kSignalled);
   EXPECT_EQ(inside, 105U);
   EXPECT_EQ(outer.GetTickCount(), 1U);

@@ -25,12 +25,16 @@ class ReinitFixture : public SessionFixture {
       m_dialog = std::make_unique<maintenance::ReinitProgressDialog>(platform, m_texts);
       m_dialog->set_Pageone_point(&m_session);
     }
-    m_session.worker = m_machine.simulation.Start(
-        [this, platform] {
-          maintenance::ReinitWorker(platform, m_texts, m_session, m_dialog->GetProgress()).Run();
-          m_workerEnd = m_machine.simulation.GetElapsed();
-        },
-        platform::ThreadStart::kSuspended);
+    m_session.worker =
+        m_machine.simulation
+            .Start(
+                [this, platform] {
+                  maintenance::ReinitWorker(platform, m_texts, m_session, m_dialog->GetProgress())
+                      .Run();
+                  m_workerEnd = m_machine.simulation.GetElapsed();
+                },
+                platform::ThreadStart::kSuspended)
+            .value();
     m_machine.ui.SetDialogStory(138, [&](headless::HeadlessDialog& window) {
       if (story) {
         story(window);

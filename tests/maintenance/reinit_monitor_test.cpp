@@ -8,7 +8,7 @@ namespace {
 class NotedProgress final : public maintenance::ReinitProgress {
  public:
   explicit NotedProgress(machine::Simulation& simulation)
-      : done(simulation.CreateManualResetEvent()), m_simulation(simulation) {}
+      : done(simulation.CreateManualResetEvent().value()), m_simulation(simulation) {}
 
   void Step() override { steps.push_back(m_simulation.GetElapsed()); }
   platform::Event& GetDoneEvent() override { return *done; }
@@ -34,15 +34,17 @@ class ReinitMonitorTest : public SessionFixture {
   }
   /// A worker that sets the event `count` times, 300 ms apart, and notes when it began.
   void StartWorker(int count) {
-    m_session.worker = m_machine.simulation.Start(
-        [this, count] {
-          m_began = m_machine.simulation.GetElapsed();
-          for (int i = 0; i < count; ++i) {
-            m_machine.simulation.Sleep(300);
-            m_session.workerEvent->Set();
-          }
-        },
-        platform::ThreadStart::kSuspended);
+    m_session.worker = m_machine.simulation
+                           .Start(
+                               [this, count] {
+                                 m_began = m_machine.simulation.GetElapsed();
+                                 for (int i = 0; i < count; ++i) {
+                                   m_machine.simulation.Sleep(300);
+                                   m_session.workerEvent->Set();
+                                 }
+                               },
+                               platform::ThreadStart::kSuspended)
+                           .value();
   }
 
   NotedProgress m_progress{m_machine.simulation};
@@ -65,14 +67,16 @@ TEST_F(ReinitMonitorTest, StepsFirstAndThenWaitsForEachRecording) {
 
 TEST_F(ReinitMonitorTest, WaitsForARecordingHoweverLongItTakes) {
   constexpr std::uint32_t kHour = 3'600'000;
-  m_session.worker = m_machine.simulation.Start(
-      [this] {
-        for (int i = 0; i < 2; ++i) {
-          m_machine.simulation.Sleep(kHour);
-          m_session.workerEvent->Set();
-        }
-      },
-      platform::ThreadStart::kSuspended);
+  m_session.worker = m_machine.simulation
+                         .Start(
+                             [this] {
+                               for (int i = 0; i < 2; ++i) {
+                                 m_machine.simulation.Sleep(kHour);
+                                 m_session.workerEvent->Set();
+                               }
+                             },
+                             platform::ThreadStart::kSuspended)
+                         .value();
   Run(2, &m_session);
   EXPECT_EQ(m_progress.steps, (std::vector<std::uint64_t>{1000, 1000 + kHour}));
   EXPECT_EQ(m_machine.simulation.GetElapsed(), 1000U + 2 * kHour);
@@ -85,14 +89,16 @@ TEST_F(ReinitMonitorTest, ResetsTheEventAfterEachWait) {
 }
 
 TEST_F(ReinitMonitorTest, TwoSetsBeforeOneResetAreOneStep) {
-  m_session.worker = m_machine.simulation.Start(
-      [this] {
-        m_session.workerEvent->Set();
-        m_session.workerEvent->Set();
-        m_machine.simulation.Sleep(500);
-        m_session.workerEvent->Set();
-      },
-      platform::ThreadStart::kSuspended);
+  m_session.worker = m_machine.simulation
+                         .Start(
+                             [this] {
+                               m_session.workerEvent->Set();
+                               m_session.workerEvent->Set();
+                               m_machine.simulation.Sleep(500);
+                               m_session.workerEvent->Set();
+                             },
+                             platform::ThreadStart::kSuspended)
+                         .value();
   Run(2, &m_session);
   EXPECT_EQ(m_progress.steps, (std::vector<std::uint64_t>{1000, 1000}));
   EXPECT_EQ(m_machine.simulation.GetElapsed(), 1500U);

@@ -27,7 +27,8 @@ TEST_F(ReinitWorkerTest, ComputesEveryTemplateAnew) {
 /// A dialog that counts how it is ended.
 class EndedProgress final : public maintenance::ReinitProgress {
  public:
-  explicit EndedProgress(platform::Threads& threads) : m_done(threads.CreateManualResetEvent()) {}
+  explicit EndedProgress(platform::Threads& threads)
+      : m_done(threads.CreateManualResetEvent().value()) {}
   void Step() override {}
   platform::Event& GetDoneEvent() override { return *m_done; }
   [[nodiscard]] bool IsGone() const override { return false; }

@@ -23,7 +23,7 @@ class PlainSession final : public maintenance::TagSession {
  public:
   explicit PlainSession(const platform::Platform& platform)
       : mathematics(platform.files, platform.ui),
-        workerEvent(platform.threads.CreateManualResetEvent()) {}
+        workerEvent(platform.threads.CreateManualResetEvent().value()) {}
 
   [[nodiscard]] const storage::TagTable& GetTags() const override { return tags; }
   [[nodiscard]] voicemath::CVoiceMathematics& GetMathematics() override { return mathematics; }

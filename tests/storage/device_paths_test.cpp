@@ -16,7 +16,7 @@ TEST(DevicePaths, ATagNameThatBeginsWithAMinusIsTakenAsItStands) {
 }
 
 TEST(DevicePaths, ARecordingIsFoundUnderItsFileName) {
-  EXPECT_EQ(WaveFilePath(u"4711.WAV"),
+  EXPECT_EQ(PathIn(kWaveFolder, u"4711.WAV"),
             u"\\Program Files\\Zedra Tech.\\Zedra Voxtrel\\Voxtrel_wav\\4711.WAV");
 }
 

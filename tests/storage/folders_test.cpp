@@ -10,6 +10,7 @@
 #include "tests/machine/memory_file_system.h"
 #include "tests/support/failing_file_system.h"
 #include "tests/support/forwarding_file_system.h"
+#include "tests/support/results.h"
 
 namespace storage {
 
@@ -103,23 +104,23 @@ TEST_F(Folders, TheDataFoldersAreMadeBothEvenWhenOneFails) {
 TEST_F(Folders, WhereTheDataFolderExistsTheRuleOnlyLooks) {
   MakeChain();
   Make(kWaveFolder);
-  EXPECT_EQ(Rule().EnsureWaveFolder(), FolderResult::kReady);
+  EXPECT_TRUE(Rule().EnsureWaveFolder());
   EXPECT_EQ(m_failing.CountCalls(), 1U);
   ExpectNothingShown();
 }
 
 TEST_F(Folders, TheRuleMakesTheWholeChain) {
-  EXPECT_EQ(Rule().EnsureWaveFolder(), FolderResult::kReady);
+  EXPECT_TRUE(Rule().EnsureWaveFolder());
   EXPECT_TRUE(Exists(kWaveFolder));
   EXPECT_FALSE(Exists(kTemplateFolder));
-  EXPECT_EQ(Rule().EnsureTemplateFolder(), FolderResult::kReady);
+  EXPECT_TRUE(Rule().EnsureTemplateFolder());
   EXPECT_TRUE(Exists(kTemplateFolder));
   ExpectNothingShown();
 }
 
 TEST_F(Folders, TheRuleMakesWhatIsMissingOfTheChain) {
   Make(kProgramFilesFolder);
-  EXPECT_EQ(Rule().EnsureTemplateFolder(), FolderResult::kReady);
+  EXPECT_TRUE(Rule().EnsureTemplateFolder());
   EXPECT_TRUE(Exists(kTemplateFolder));
   ExpectNothingShown();
 }
@@ -127,7 +128,7 @@ TEST_F(Folders, TheRuleMakesWhatIsMissingOfTheChain) {
 TEST_F(Folders, AFileInThePlaceOfTheDataFolderCountsAsThere) {
   MakeChain();
   ASSERT_TRUE(m_files.PutFile(kWaveFolder, {}));
-  EXPECT_EQ(Rule().EnsureWaveFolder(), FolderResult::kReady);
+  EXPECT_TRUE(Rule().EnsureWaveFolder());
   ExpectNothingShown();
 }
 
@@ -148,7 +149,8 @@ TEST_F(Folders, EachFolderThatCannotBeMadeEndsTheProcessWithItsMessage) {
     failing.FailCall(one.failingCall, support::Failing::kOnce, FileError::kAccessDenied);
     headless::HeadlessUi ui;
     headless::HeadlessProcess process;
-    EXPECT_EQ(FolderRule(failing, ui, process, {}).EnsureWaveFolder(), FolderResult::kEnded);
+    EXPECT_EQ(support::ErrorOf(FolderRule(failing, ui, process, {}).EnsureWaveFolder()),
+              FileError::kAccessDenied);
     ASSERT_THAT(ui.GetMessages(), SizeIs(1));
     EXPECT_EQ(ui.GetMessages()[0].box.text, one.text);
     EXPECT_EQ(process.GetExitCode(), 0);
@@ -159,7 +161,7 @@ TEST_F(Folders, EachFolderThatCannotBeMadeEndsTheProcessWithItsMessage) {
 TEST_F(Folders, TheTemplateFolderHasItsOwnMessage) {
   MakeChain();
   // One look at the folder, three at the chain, one more at the folder.
-  EXPECT_EQ(Rule(6).EnsureTemplateFolder(), FolderResult::kEnded);
+  EXPECT_FALSE(Rule(6).EnsureTemplateFolder());
   ExpectEndedWith(u"Can't create \\Program Files\\Zedra Tech.\\Zedra Voxtrel\\Voxtrel_stor");
 }
 
@@ -167,7 +169,7 @@ TEST_F(Folders, AFolderThatAnotherProgramMadeMeanwhileIsNoFailure) {
   MakeChain();
   Make(kWaveFolder);
   NothingFound blind(m_files);
-  EXPECT_EQ(FolderRule(blind, m_ui, m_process, m_texts).EnsureWaveFolder(), FolderResult::kReady);
+  EXPECT_TRUE(FolderRule(blind, m_ui, m_process, m_texts).EnsureWaveFolder());
   ExpectNothingShown();
 }
 
@@ -178,14 +180,14 @@ TEST_F(Folders, WithALanguageFileTheMessageIsItsText) {
   ASSERT_TRUE(m_files.PutFile(u"\\Voxtrel.lng", bytes));
   table.Load(m_files, u"\\Voxtrel.lng");
   m_texts = language::Texts(&table);
-  EXPECT_EQ(Rule(3).EnsureWaveFolder(), FolderResult::kEnded);
+  EXPECT_FALSE(Rule(3).EnsureWaveFolder());
   ExpectEndedWith(u"Kein Programmordner");
 }
 
 TEST_F(Folders, AKeyThatTheLanguageFileLacksIsAnEmptyMessage) {
   const language::LanguageTable table;
   m_texts = language::Texts(&table);
-  EXPECT_EQ(Rule(3).EnsureWaveFolder(), FolderResult::kEnded);
+  EXPECT_FALSE(Rule(3).EnsureWaveFolder());
   ExpectEndedWith(u"");
 }
 

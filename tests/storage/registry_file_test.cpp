@@ -54,8 +54,8 @@ class RegistryFile : public testing::Test {
     if (!parsed) {
       FAIL() << parsed.error().line << ": " << parsed.error().message;
     }
-    const auto failed = ApplyRegistryChanges(m_registry, parsed->changes);
-    ASSERT_FALSE(failed) << failed->message;
+    const auto applied = ApplyRegistryChanges(m_registry, parsed->changes);
+    ASSERT_TRUE(applied) << applied.error().message;
     m_passedOver = parsed->passedOver;
   }
 
@@ -368,14 +368,14 @@ TEST_F(RegistryFileImport, IsMadeWholeOrNotAtAll) {
     machine::MemoryRegistry registry({u"old"});
     support::FailingRegistry failing(registry);
     failing.FailCall(call, support::Failing::kOnce, RegistryError::kFull);
-    const auto failed = ApplyRegistryChanges(failing, changes);
+    const auto applied = ApplyRegistryChanges(failing, changes);
     if (!failing.HasFailed()) {
-      EXPECT_FALSE(failed);
+      EXPECT_TRUE(applied);
       EXPECT_THAT(SubkeyNames(registry, u""), ElementsAre(u"a", u"b"));
       break;
     }
-    ASSERT_TRUE(failed);
-    EXPECT_THAT(failed->message, HasSubstr("full"));
+    ASSERT_FALSE(applied);
+    EXPECT_THAT(applied.error().message, HasSubstr("full"));
     EXPECT_THAT(SubkeyNames(registry, u""), ElementsAre(u"old"));
     ASSERT_EQ(support::ErrorOf(registry.BeginGroup()), std::nullopt) << "no group may stay open";
     registry.CancelGroup();
@@ -389,10 +389,10 @@ TEST_F(RegistryFileImport, TellsTheLineThatCouldNotBeMade) {
   support::FailingRegistry failing(m_registry);
   // The group, the key, the value.
   failing.FailCall(3, support::Failing::kOnce, RegistryError::kReadOnly);
-  const auto failed = ApplyRegistryChanges(failing, parsed->changes);
-  ASSERT_TRUE(failed);
-  EXPECT_EQ(failed->line, 4U);
-  EXPECT_THAT(failed->message, HasSubstr("written"));
+  const auto applied = ApplyRegistryChanges(failing, parsed->changes);
+  ASSERT_FALSE(applied);
+  EXPECT_EQ(applied.error().line, 4U);
+  EXPECT_THAT(applied.error().message, HasSubstr("written"));
 }
 
 using RegistryFileWriting = RegistryFile;
@@ -510,7 +510,7 @@ TEST_F(RegistryFileWriting, WhatIsReadAgainIsTheSameRegistry) {
   machine::MemoryRegistry copy;
   const auto parsed = ParseRegistryFile(file);
   ASSERT_TRUE(parsed) << parsed.error().message;
-  ASSERT_FALSE(ApplyRegistryChanges(copy, parsed->changes));
+  ASSERT_TRUE(ApplyRegistryChanges(copy, parsed->changes));
   EXPECT_EQ(WriteRegistryFile(copy).value(), file);
   for (const std::u16string& name : oddNames) {
     EXPECT_EQ(BytesOf(copy, oddKey + u"\\b", name), Utf16Bytes(name));

@@ -1,4 +1,4 @@
-#include "storage/store_contents.h"
+#include "storage/deletion.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -91,9 +91,7 @@ class StoreContentsTest : public testing::Test {
     return files;
   }
   [[nodiscard]] std::vector<TrashedTag> Trashed() {
-    std::vector<TrashedTag> tags;
-    EXPECT_TRUE(TagTrash(m_files, m_registry, m_clock).List(tags));
-    return tags;
+    return TagTrash(m_files, m_registry, m_clock).List().value();
   }
 
   machine::MemoryFileSystem m_files;
@@ -114,14 +112,15 @@ TEST_F(StoreContentsTest, AreTheTagsAndTheFilesOfNoTag) {
   }
   ASSERT_TRUE(m_files.PutFile(InWaveFolder(u"notes.txt"), {}));
   ASSERT_TRUE(m_files.CreateFolder(InWaveFolder(u"folder.wav")));
-  StoreContents contents;
-  ASSERT_EQ(ListStore(m_files, m_registry, contents, [] { FAIL(); }), ListResult::kDone);
-  ASSERT_EQ(contents.tags.size(), 2U);
-  EXPECT_EQ(contents.tags[0].name, u"2");
-  EXPECT_EQ(contents.tags[0].templateFile, u"2.st");
-  EXPECT_TRUE(contents.tags[1].hasEntry);
+  const auto contents = ListStore(m_files, m_registry);
+  ASSERT_TRUE(contents);
+  EXPECT_EQ(contents->failedSearches, 0U);
+  ASSERT_EQ(contents->tags.size(), 2U);
+  EXPECT_EQ(contents->tags[0].name, u"2");
+  EXPECT_EQ(contents->tags[0].templateFile, u"2.st");
+  EXPECT_TRUE(contents->tags[1].hasEntry);
   std::vector<std::u16string> orphans;
-  for (const TagParts& parts : contents.orphans) {
+  for (const TagParts& parts : contents->orphans) {
     orphans.push_back(parts.name);
     EXPECT_FALSE(parts.hasEntry);
   }
@@ -133,11 +132,31 @@ TEST_F(StoreContentsTest, LetterCaseCountsForNothing) {
   ASSERT_EQ(support::ErrorOf(TagStore(m_files, m_registry).WriteEntry(u"a", 1, u"Car")),
             std::nullopt);
   ASSERT_TRUE(m_files.PutFile(WavePath(u"A"), {}));
-  StoreContents contents;
-  ASSERT_EQ(ListStore(m_files, m_registry, contents, [] {}), ListResult::kDone);
-  ASSERT_EQ(contents.tags.size(), 1U);
-  EXPECT_EQ(contents.tags[0].waveFile, u"A.wav");
-  EXPECT_THAT(contents.orphans, IsEmpty());
+  const auto contents = ListStore(m_files, m_registry);
+  ASSERT_TRUE(contents);
+  ASSERT_EQ(contents->tags.size(), 1U);
+  EXPECT_EQ(contents->tags[0].waveFile, u"A.wav");
+  EXPECT_THAT(contents->orphans, IsEmpty());
+}
+
+TEST_F(StoreContentsTest, AFolderThatCannotBeReadIsCountedAndTheRestIsListed) {
+  PutTag(u"1");
+  PutFiles(u"stray");
+  support::FailingFileSystem failing(m_files);
+  failing.FailCall(1, Failing::kOnce);
+  const auto contents = ListStore(failing, m_registry);
+  ASSERT_TRUE(contents);
+  EXPECT_EQ(contents->failedSearches, 1U);
+  ASSERT_EQ(contents->tags.size(), 1U);
+  EXPECT_EQ(contents->tags[0].waveFile, u"");
+  EXPECT_EQ(contents->tags[0].templateFile, u"1.st");
+  EXPECT_EQ(contents->orphans.size(), 1U);
+}
+
+TEST_F(StoreContentsTest, AreUnknownWithoutTheRegistry) {
+  PutTag(u"1");
+  m_failingRegistry.FailCall(1, Failing::kOnce, RegistryError::kBusy);
+  EXPECT_EQ(support::ErrorOf(ListStore(m_files, m_failingRegistry)), RegistryError::kBusy);
 }
 
 using DeleteAllTagsTest = StoreContentsTest;
@@ -233,7 +252,7 @@ TEST_F(DeleteAllTagsTest, ComesToAnEndWhateverFails) {
     TagTrash(m_files, m_registry, m_clock).Recover();
     EXPECT_EQ(Trashed().size() + Entries().size(), 2U) << call;
     for (const TrashedTag& tag : Trashed()) {
-      EXPECT_EQ(TagTrash(m_files, m_registry, m_clock).Restore(tag), RestoreResult::kDone);
+      EXPECT_TRUE(TagTrash(m_files, m_registry, m_clock).Restore(tag));
     }
   }
 }

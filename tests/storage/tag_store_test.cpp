@@ -29,10 +29,6 @@ using testing::UnorderedElementsAre;
 
 namespace {
 
-std::u16string EntryPath(std::u16string_view tagName) {
-  return std::u16string(kTagKey) + u"\\" + std::u16string(tagName);
-}
-
 class TagStoreTest : public testing::Test {
  protected:
   void PutFiles(std::u16string_view tagName) {
@@ -49,9 +45,9 @@ class TagStoreTest : public testing::Test {
   [[nodiscard]] std::vector<std::u16string> Names() const {
     std::vector<std::u16string> names;
     const auto tags = m_store.OpenNames();
-    std::u16string name;
-    for (std::uint32_t i = 0; tags && tags->Get(i, name); ++i) {
-      names.push_back(name);
+    std::uint32_t index = 0;
+    while (const auto name = tags ? tags->Get(index++) : std::nullopt) {
+      names.push_back(*name);
     }
     return names;
   }
@@ -214,11 +210,13 @@ TEST_F(TagStoreEntries, AnEmptyTagNameNeverMeansTheWholeKey) {
 
 using TagStoreNames = TagStoreTest;
 
-TEST_F(TagStoreNames, WithoutATagKeyThereAreNone) { EXPECT_EQ(m_store.OpenNames(), nullptr); }
+TEST_F(TagStoreNames, WithoutATagKeyThereAreNone) {
+  EXPECT_EQ(support::ErrorOf(m_store.OpenNames()), RegistryError::kNotFound);
+}
 
 TEST_F(TagStoreNames, WithoutASubkeyThereAreNone) {
   ASSERT_EQ(support::ErrorOf(m_registry.CreateKey(kTagKey)), std::nullopt);
-  ASSERT_NE(m_store.OpenNames(), nullptr);
+  ASSERT_TRUE(m_store.OpenNames());
   EXPECT_THAT(Names(), IsEmpty());
 }
 
@@ -234,14 +232,12 @@ TEST_F(TagStoreNames, WhileTagsAreDeletedTheNextOneMovesIntoTheirIndex) {
     PutTag(name);
   }
   const auto tags = m_store.OpenNames();
-  std::u16string name;
-  ASSERT_TRUE(tags->Get(0, name));
-  ASSERT_EQ(m_store.Delete(name), TagDeletion::kDone);
-  ASSERT_TRUE(tags->Get(0, name));
-  EXPECT_EQ(name, u"2");
-  ASSERT_TRUE(tags->Get(1, name));
-  EXPECT_EQ(name, u"3");
-  EXPECT_FALSE(tags->Get(2, name));
+  ASSERT_TRUE(tags);
+  ASSERT_EQ(tags->Get(0), u"1");
+  ASSERT_TRUE(m_store.Delete(u"1"));
+  EXPECT_EQ(tags->Get(0), u"2");
+  EXPECT_EQ(tags->Get(1), u"3");
+  EXPECT_EQ(tags->Get(2), std::nullopt);
 }
 
 TEST_F(TagStoreNames, OfThirtyCharactersAreAccepted) {
@@ -271,7 +267,7 @@ using TagStoreDeletion = TagStoreTest;
 TEST_F(TagStoreDeletion, TakesTheRecordingTheTemplateAndTheEntry) {
   PutTag(u"1");
   PutTag(u"2");
-  ASSERT_EQ(m_store.Delete(u"1"), TagDeletion::kDone);
+  ASSERT_TRUE(m_store.Delete(u"1"));
   EXPECT_THAT(Names(), ElementsAre(u"2"));
   EXPECT_THAT(m_files.ListFiles(), UnorderedElementsAre(WavePath(u"2"), TemplatePath(u"2")));
 }
@@ -279,7 +275,7 @@ TEST_F(TagStoreDeletion, TakesTheRecordingTheTemplateAndTheEntry) {
 TEST_F(TagStoreDeletion, ARecordingInUseKeepsEverything) {
   PutTag(u"1");
   const auto held = Hold(WavePath(u"1"));
-  EXPECT_EQ(m_store.Delete(u"1"), TagDeletion::kWaveFailed);
+  EXPECT_EQ(support::ErrorOf(m_store.Delete(u"1")), TagPart::kWave);
   EXPECT_EQ(support::ErrorOf(m_store.DeleteWaveFile(u"1")), FileError::kSharingViolation);
   EXPECT_THAT(Names(), ElementsAre(u"1"));
   EXPECT_THAT(m_files.ListFiles(), UnorderedElementsAre(WavePath(u"1"), TemplatePath(u"1")));
@@ -288,7 +284,7 @@ TEST_F(TagStoreDeletion, ARecordingInUseKeepsEverything) {
 TEST_F(TagStoreDeletion, ATemplateInUseIsFoundOutWhenTheRecordingIsGone) {
   PutTag(u"1");
   const auto held = Hold(TemplatePath(u"1"));
-  EXPECT_EQ(m_store.Delete(u"1"), TagDeletion::kTemplateFailed);
+  EXPECT_EQ(support::ErrorOf(m_store.Delete(u"1")), TagPart::kTemplate);
   EXPECT_THAT(Names(), ElementsAre(u"1"));
   EXPECT_THAT(m_files.ListFiles(), ElementsAre(TemplatePath(u"1")));
 }
@@ -296,7 +292,7 @@ TEST_F(TagStoreDeletion, ATemplateInUseIsFoundOutWhenTheRecordingIsGone) {
 TEST_F(TagStoreDeletion, AnEntryThatCannotBeDeletedStays) {
   PutTag(u"1");
   m_failingRegistry.FailCall(1, Failing::kOnce, RegistryError::kBusy);
-  EXPECT_EQ(m_store.Delete(u"1"), TagDeletion::kEntryFailed);
+  EXPECT_EQ(support::ErrorOf(m_store.Delete(u"1")), TagPart::kEntry);
   EXPECT_THAT(Names(), ElementsAre(u"1"));
   EXPECT_THAT(m_files.ListFiles(), IsEmpty());
 }
@@ -305,9 +301,9 @@ TEST_F(TagStoreDeletion, WhatIsMissingCountsAsDeleted) {
   PutTag(u"1");
   ASSERT_TRUE(m_files.Delete(WavePath(u"1")));
   ASSERT_TRUE(m_files.Delete(TemplatePath(u"1")));
-  EXPECT_EQ(m_store.Delete(u"1"), TagDeletion::kDone);
+  EXPECT_TRUE(m_store.Delete(u"1"));
   EXPECT_THAT(Names(), IsEmpty());
-  EXPECT_EQ(m_store.Delete(u"1"), TagDeletion::kDone);
+  EXPECT_TRUE(m_store.Delete(u"1"));
   EXPECT_TRUE(m_store.DeleteWaveFile(u"1"));
   EXPECT_EQ(support::ErrorOf(m_store.DeleteAllEntries()), std::nullopt);
   EXPECT_EQ(support::ErrorOf(m_store.DeleteAllEntries()), std::nullopt);

@@ -60,7 +60,7 @@ TEST_F(TarTest, WhatIsWrittenIsReadInItsOrder) {
   EXPECT_EQ(tar.GetName(), "a");
   EXPECT_EQ(tar.GetLength(), 3U);
   EXPECT_EQ(support::ToText(tar.ReadAll(3).value()), "abc");
-  EXPECT_EQ(support::ErrorOf(tar.ReadAll(2)), FileError::kOther) << "It is longer than that.";
+  EXPECT_EQ(support::ErrorOf(tar.ReadAll(2)), TarError::kTorn) << "It is longer than that.";
   ASSERT_EQ(tar.Next(), true);
   EXPECT_EQ(tar.GetName(), "b");
   const auto copy =
@@ -101,13 +101,13 @@ TEST_F(TarTest, ATornArchiveHasNoMemberBeyondTheTear) {
   for (const std::size_t length : {0U, 1U, 511U, 513U, 514U}) {
     ASSERT_TRUE(support::WriteWhole(m_files, kPath, whole.substr(0, length)));
     const auto file = Open();
-    EXPECT_EQ(support::ErrorOf(TarReader(*file).Next()), FileError::kOther) << length;
+    EXPECT_EQ(support::ErrorOf(TarReader(*file).Next()), TarError::kTorn) << length;
   }
   ASSERT_TRUE(support::WriteWhole(m_files, kPath, whole.substr(0, 2047)));
   const auto file = Open();
   TarReader tar(*file);
   EXPECT_EQ(tar.Next(), true);
-  EXPECT_EQ(support::ErrorOf(tar.Next()), FileError::kOther);
+  EXPECT_EQ(support::ErrorOf(tar.Next()), TarError::kTorn);
 }
 
 TEST_F(TarTest, AHeaderWithAnyByteChangedIsRefused) {

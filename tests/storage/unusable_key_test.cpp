@@ -1,4 +1,4 @@
-#include "storage/unusable_key.h"
+#include "storage/registry_file.h"
 
 #include <gtest/gtest.h>
 
@@ -30,8 +30,8 @@ class UnusableKey : public testing::Test {
   sqlite::SqliteRegistry m_registry{m_path};
 };
 
-TEST_F(UnusableKey, NoneIsFoundWhereTheRegistryMadeThemAll) {
-  EXPECT_EQ(storage::FindUnusableKey(m_registry), "");
+TEST_F(UnusableKey, NoneIsFoundIfTheRegistryMadeThemAll) {
+  EXPECT_EQ(storage::FindUnusableKey(m_registry), std::nullopt);
 }
 
 TEST_F(UnusableKey, IsNamedOnOneLine) {
@@ -50,17 +50,17 @@ TEST_F(UnusableKey, CanBeTooDeep) {
     path += u"\\1";
   }
   ASSERT_EQ(support::ErrorOf(m_registry.CreateKey(path)), std::nullopt);
-  EXPECT_EQ(storage::FindUnusableKey(m_registry), "");
+  EXPECT_EQ(storage::FindUnusableKey(m_registry), std::nullopt);
   ASSERT_EQ(support::RawDatabase(m_path).Execute(
                 "INSERT INTO registry_key (parent_id, name, folded_name) SELECT max(id), 'below', "
                 "'below' FROM registry_key"),
             0);
-  EXPECT_TRUE(storage::FindUnusableKey(m_registry).ends_with("\\1\\below"));
+  EXPECT_TRUE(storage::FindUnusableKey(m_registry).value_or("").ends_with("\\1\\below"));
 }
 
-TEST_F(UnusableKey, IsNotToldOfAStoreThatCannotBeRead) {
+TEST_F(UnusableKey, IsNotReportedOfAStoreThatCannotBeRead) {
   sqlite::SqliteRegistry nowhere("/dev/null/registry.db");
-  EXPECT_EQ(storage::FindUnusableKey(nowhere), "");
+  EXPECT_EQ(storage::FindUnusableKey(nowhere), std::nullopt);
 }
 
 }  // namespace

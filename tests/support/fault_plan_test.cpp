@@ -87,8 +87,7 @@ TEST(WatchedThreads, AThreadThatIsNotMadeNeverRuns) {
   plan.FailCall(1, Failing::kOnce);
   int runs = 0;
   EXPECT_FALSE(threads.Start([&runs] { ++runs; }, platform::ThreadStart::kRunning));
-  const auto thread = threads.Start([&runs] { ++runs; }, platform::ThreadStart::kRunning);
-  ASSERT_TRUE(thread);
+  const auto thread = threads.Start([&runs] { ++runs; }, platform::ThreadStart::kRunning).value();
   EXPECT_EQ(thread->Wait(platform::kNoLimit), platform::WaitResult::kSignalled);
   EXPECT_EQ(runs, 1);
 }

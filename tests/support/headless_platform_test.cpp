@@ -18,7 +18,7 @@ TEST(HeadlessPlatform, EachMemberIsTheBackEndOfThatName) {
   EXPECT_EQ(headless.process.GetExitCode(), 3);
   platform.ui.ShowMessage(platform::ApplicationBox(u"text"));
   EXPECT_EQ(headless.ui.GetMessages().size(), 1U);
-  EXPECT_NE(platform.threads.CreateManualResetEvent(), nullptr);
+  EXPECT_NE(platform.threads.CreateManualResetEvent().value(), nullptr);
   EXPECT_EQ(platform.waveIn.GetDeviceCount(), 1U);
   EXPECT_TRUE(platform.waveOut.Open(audio::MonoPcm(16, 11025)));
   EXPECT_NE(platform.registry.CreateKey(u"a").value(), nullptr);

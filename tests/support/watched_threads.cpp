@@ -59,19 +59,32 @@ WaitResult WatchedThreads::Wait(Waited& waited, std::uint32_t milliseconds) {
                                : milliseconds);
 }
 
-std::unique_ptr<platform::Thread> WatchedThreads::Start(std::function<void()> body,
-                                                        platform::ThreadStart start) {
-  auto thread = Fails(Made::kThread) ? nullptr : m_inner.Start(std::move(body), start);
-  return thread ? std::make_unique<Thread>(*this, std::move(thread)) : nullptr;
+platform::StartedThread WatchedThreads::Start(std::function<void()> body,
+                                              platform::ThreadStart start) {
+  if (Fails(Made::kThread)) {
+    return platform::Failure(platform::ThreadError::kRefused);
+  }
+  auto started = m_inner.Start(std::move(body), start);
+  if (started) {
+    started = std::make_unique<Thread>(*this, std::move(*started));
+  }
+  return started;
 }
 
-std::unique_ptr<platform::Event> WatchedThreads::CreateManualResetEvent() {
-  auto event = Fails(Made::kEvent) ? nullptr : m_inner.CreateManualResetEvent();
-  return event ? std::make_unique<Event>(*this, std::move(event)) : nullptr;
+platform::CreatedEvent WatchedThreads::CreateManualResetEvent() {
+  if (Fails(Made::kEvent)) {
+    return platform::Failure(platform::ThreadError::kRefused);
+  }
+  auto created = m_inner.CreateManualResetEvent();
+  if (created) {
+    created = std::make_unique<Event>(*this, std::move(*created));
+  }
+  return created;
 }
 
 platform::CreatedMutex WatchedThreads::CreateNamedMutex(std::u16string_view name) {
-  return Fails(Made::kMutex) ? platform::CreatedMutex{} : m_inner.CreateNamedMutex(name);
+  return Fails(Made::kMutex) ? platform::Failure(platform::ThreadError::kRefused)
+                             : m_inner.CreateNamedMutex(name);
 }
 
 }  // namespace support

@@ -35,9 +35,9 @@ class WatchedThreads final : public platform::Threads {
   /// Events that were made and not given up.
   [[nodiscard]] int CountEvents() const { return m_events; }
 
-  [[nodiscard]] std::unique_ptr<platform::Thread> Start(std::function<void()> body,
-                                                        platform::ThreadStart start) override;
-  [[nodiscard]] std::unique_ptr<platform::Event> CreateManualResetEvent() override;
+  [[nodiscard]] platform::StartedThread Start(std::function<void()> body,
+                                              platform::ThreadStart start) override;
+  [[nodiscard]] platform::CreatedEvent CreateManualResetEvent() override;
   [[nodiscard]] platform::CreatedMutex CreateNamedMutex(std::u16string_view name) override;
 
  private:

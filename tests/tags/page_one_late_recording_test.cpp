@@ -101,12 +101,15 @@ TEST_F(PageOneLateRecording, LeavesTheTagsToAnotherPageAtOnce) {
   dialog.Press(kRecordButtonId);
   const std::uint64_t closed = m_machine.simulation.GetElapsed();
   bool wasFree = false;
-  const auto watcher = m_machine.simulation.Start(
-      [&] {
-        wasFree = !m_machine.simulation.CreateNamedMutex(tags::kInstanceMutex).existed &&
-                  m_machine.simulation.GetElapsed() == closed;
-      },
-      platform::ThreadStart::kRunning);
+  const auto watcher =
+      m_machine.simulation
+          .Start(
+              [&] {
+                wasFree = m_machine.simulation.CreateNamedMutex(tags::kInstanceMutex).has_value() &&
+                          m_machine.simulation.GetElapsed() == closed;
+              },
+              platform::ThreadStart::kRunning)
+          .value();
   m_dialog.reset();
   m_page.reset();
   EXPECT_TRUE(wasFree);

@@ -361,9 +361,8 @@ TEST_F(PageOneList, WhatIsDeletedGoesToTheTrashUnderItsLine) {
   dialog.Choose(kTagListId, 0);
   dialog.Press(kDeleteButtonId);
   dialog.Press(kDeleteAllButtonId);
-  std::vector<storage::TrashedTag> tags;
-  ASSERT_TRUE(
-      storage::TagTrash(m_machine.files, m_machine.registry, m_machine.simulation).List(tags));
+  const auto tags =
+      storage::TagTrash(m_machine.files, m_machine.registry, m_machine.simulation).List().value();
   ASSERT_EQ(tags.size(), 3U);
   EXPECT_EQ(tags[0].item.text, u"Bob Ray 5550001 H");
   EXPECT_EQ(tags[0].item.by, storage::DeletionReason::kDeleteAll);
@@ -381,9 +380,8 @@ TEST_F(PageOneList, OpeningFinishesADeletionThatWasKilled) {
   const storage::TagTrash trash(failing, m_machine.registry, m_machine.simulation);
   {
     storage::Deletion deletion(trash, storage::DeletionReason::kDelete);
-    storage::TagParts parts;
-    ASSERT_TRUE(storage::FindParts(failing, m_machine.registry, u"100", parts));
-    ASSERT_EQ(deletion.Keep(parts, u"Ann Lee 5551234 M"), storage::ItemResult::kDone);
+    const auto parts = storage::FindParts(failing, m_machine.registry, u"100");
+    ASSERT_TRUE(deletion.Keep(parts.value(), u"Ann Lee 5551234 M"));
     ASSERT_TRUE(failing.Delete(storage::WavePath(u"100")));
     failing.FailCall(1, support::Failing::kPowerFailure);
   }

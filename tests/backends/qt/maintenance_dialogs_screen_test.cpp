@@ -86,7 +86,7 @@ class BarPainting final : public QObject {
 /// The dialogs that look after the tags, on real widgets and with real threads.
 class MaintenanceDialogsScreen : public SessionFixture {
  protected:
-  MaintenanceDialogsScreen() { m_session.workerEvent = m_threads.CreateManualResetEvent(); }
+  MaintenanceDialogsScreen() { m_session.workerEvent = m_threads.CreateManualResetEvent().value(); }
 
   [[nodiscard]] platform::Platform GetPlatform() {
     const platform::Platform machine = m_machine.Get();
@@ -107,11 +107,15 @@ class MaintenanceDialogsScreen : public SessionFixture {
   int Reinitialize() {
     maintenance::ReinitProgressDialog dialog(GetPlatform(), m_texts);
     dialog.set_Pageone_point(&m_session);
-    m_session.worker = m_threads.Start(
-        [&] {
-          maintenance::ReinitWorker(GetPlatform(), m_texts, m_session, dialog.GetProgress()).Run();
-        },
-        platform::ThreadStart::kSuspended);
+    m_session.worker =
+        m_threads
+            .Start(
+                [&] {
+                  maintenance::ReinitWorker(GetPlatform(), m_texts, m_session, dialog.GetProgress())
+                      .Run();
+                },
+                platform::ThreadStart::kSuspended)
+            .value();
     const int result = dialog.DoModal();
     m_session.worker.reset();
     return result;
@@ -169,8 +173,7 @@ class HastyClock final : public platform::Clock {
 class HeldThreads final : public platform::Threads {
  public:
   explicit HeldThreads(platform::Threads& threads) : m_threads(threads) {}
-  std::unique_ptr<platform::Thread> Start(std::function<void()> body,
-                                          platform::ThreadStart start) override {
+  platform::StartedThread Start(std::function<void()> body, platform::ThreadStart start) override {
     return m_threads.Start(
         [this, body = std::move(body)] {
           m_released.acquire();
@@ -178,7 +181,7 @@ class HeldThreads final : public platform::Threads {
         },
         start);
   }
-  std::unique_ptr<platform::Event> CreateManualResetEvent() override {
+  platform::CreatedEvent CreateManualResetEvent() override {
     return m_threads.CreateManualResetEvent();
   }
   platform::CreatedMutex CreateNamedMutex(std::u16string_view name) override {

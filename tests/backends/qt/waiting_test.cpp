@@ -14,6 +14,8 @@
 #include "backends/qt/ui_thread.h"
 #include "backends/vcard/background_source.h"
 #include "tests/backends/qt/dialog_fixture.h"
+#include "tests/support/results.h"
+#include "tests/support/watched_threads.h"
 
 namespace {
 
@@ -200,8 +202,10 @@ TEST_F(Waiting, EndsWhileAWorkersBoxIsStillOpenWhichThenStandsAboveEverything) {
 
 TEST_F(Waiting, TheHandleOfAThreadIsGivenUpWithoutBlockingTheWorkersBox) {
   qt::QtThreads threads(m_thread, m_machine.simulation);
-  auto thread = threads.Start([&] { m_ui.ShowMessage(platform::ApplicationBox(u"last words")); },
-                              ThreadStart::kRunning);
+  auto thread = threads
+                    .Start([&] { m_ui.ShowMessage(platform::ApplicationBox(u"last words")); },
+                           ThreadStart::kRunning)
+                    .value();
   thread.reset();
   EXPECT_THAT(m_user.GetBoxTexts(), ElementsAre("last words"));
   EXPECT_EQ(m_user.GetBoxes().at(0).caption, "Zedra Voxtrel");
@@ -217,10 +221,10 @@ TEST_F(Waiting, TheClockIsTheInnerOne) {
 
 TEST_F(Waiting, ThreadsAndEventsAreTheInnerOnes) {
   qt::QtThreads threads(m_thread, m_machine.simulation);
-  const auto event = threads.CreateManualResetEvent();
+  const auto event = threads.CreateManualResetEvent().value();
   EXPECT_EQ(event->Wait(100), WaitResult::kTimedOut);
   EXPECT_EQ(m_machine.simulation.GetElapsed(), 100U);
-  const auto thread = threads.Start([&] { event->Set(); }, ThreadStart::kSuspended);
+  const auto thread = threads.Start([&] { event->Set(); }, ThreadStart::kSuspended).value();
   EXPECT_EQ(thread->Wait(50), WaitResult::kTimedOut);
   thread->Resume();
   EXPECT_EQ(event->Wait(platform::kNoLimit), WaitResult::kSignalled);
@@ -228,31 +232,26 @@ TEST_F(Waiting, ThreadsAndEventsAreTheInnerOnes) {
   event->Reset();
   EXPECT_EQ(event->Wait(0), WaitResult::kTimedOut);
   const auto mutex = threads.CreateNamedMutex(u"name");
-  EXPECT_TRUE(threads.CreateNamedMutex(u"name").existed);
+  EXPECT_EQ(support::ErrorOf(threads.CreateNamedMutex(u"name")), platform::ThreadError::kHeld);
 }
 
 TEST_F(Waiting, AThreadNeverResumedEndsWithoutHavingRun) {
   qt::QtThreads threads(m_thread, m_machine.simulation);
   bool hasRun = false;
   {
-    const auto thread = threads.Start([&] { hasRun = true; }, ThreadStart::kSuspended);
+    const auto thread = threads.Start([&] { hasRun = true; }, ThreadStart::kSuspended).value();
   }
   EXPECT_FALSE(hasRun);
 }
 
 TEST_F(Waiting, NoThreadsFromASystemThatHasNone) {
-  class Poor final : public platform::Threads {
-   public:
-    std::unique_ptr<platform::Thread> Start(std::function<void()> /*body*/,
-                                            ThreadStart /*start*/) override {
-      return nullptr;
-    }
-    std::unique_ptr<platform::Event> CreateManualResetEvent() override { return nullptr; }
-    platform::CreatedMutex CreateNamedMutex(std::u16string_view /*name*/) override { return {}; }
-  } poor;
+  using support::WatchedThreads;
+  WatchedThreads poor(m_machine.simulation);
+  poor.Refuse({WatchedThreads::Made::kThread, WatchedThreads::Made::kEvent});
   qt::QtThreads threads(m_thread, poor);
-  EXPECT_EQ(threads.Start([] {}, ThreadStart::kRunning), nullptr);
-  EXPECT_EQ(threads.CreateManualResetEvent(), nullptr);
+  EXPECT_EQ(support::ErrorOf(threads.Start([] {}, ThreadStart::kRunning)),
+            platform::ThreadError::kRefused);
+  EXPECT_EQ(support::ErrorOf(threads.CreateManualResetEvent()), platform::ThreadError::kRefused);
 }
 
 }  // namespace

@@ -88,7 +88,7 @@ TEST_F(VoxtrelCpl, ItsWindowComesForwardWhenASecondProcessRings) {
 TEST_F(VoxtrelCpl, ASecondProcessSaysWhenTheFirstOneHasNoWindow) {
   posix::PosixThreads commandLine(Path("root"));
   const platform::CreatedMutex held = commandLine.CreateNamedMutex(u"ZedraD");
-  ASSERT_TRUE(held.mutex);
+  ASSERT_TRUE(held);
   const auto run = Host(1, "offscreen");
   EXPECT_EQ(run.exitCode, 0);
   EXPECT_EQ(run.out, kBegin);
@@ -98,7 +98,7 @@ TEST_F(VoxtrelCpl, ASecondProcessSaysWhenTheFirstOneHasNoWindow) {
 TEST_F(VoxtrelCpl, ASecondProcessEndsAtOnceAndCallsTheFirstOne) {
   posix::PosixThreads first(Path("root"));
   const platform::CreatedMutex held = first.CreateNamedMutex(u"ZedraD");
-  ASSERT_TRUE(held.mutex);
+  ASSERT_TRUE(held);
   posix::Doorbell bell;
   ASSERT_TRUE(bell.Hang(posix::Doorbell::PathFor(Path(""), Path("root"))));
   const auto run = Host(1, "offscreen");

@@ -263,7 +263,7 @@ TEST_F(CheckCommand, LooksAtTagsThatAWindowHasInUseAndRepairsNone) {
   fs::remove(Template("100"));
   posix::PosixThreads threads(Path("root"));
   const auto page = threads.CreateNamedMutex(u"ZedraD");
-  ASSERT_NE(page.mutex, nullptr);
+  ASSERT_TRUE(page);
   EXPECT_EQ(Check({}, 1), Lines{"no-template 100"});
   const auto run = Run({"check", "--repair"});
   EXPECT_EQ(run.exitCode, 1);

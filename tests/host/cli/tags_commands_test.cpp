@@ -121,7 +121,7 @@ TEST_F(TagsCommands, WhileAWindowHasTheTagsCommandsOnlyReadThem) {
   {
     posix::PosixThreads window(Path("root"));
     const platform::CreatedMutex held = window.CreateNamedMutex(u"ZedraD");
-    ASSERT_TRUE(held.mutex);
+    ASSERT_TRUE(held);
     for (const std::vector<std::string>& command :
          std::vector<std::vector<std::string>>{{"tags", "learn", "--contact", "Ann"},
                                                {"tags", "play", "100", "--json"},
