@@ -11,7 +11,6 @@
 #include <utility>
 
 #include "backends/posix/system_calls.h"
-#include "backends/text/device_path.h"
 #include "backends/text/names.h"
 #include "backends/text/utf.h"
 

@@ -13,7 +13,6 @@
 #include "backends/posix/posix_file.h"
 #include "backends/posix/posix_replacement.h"
 #include "backends/posix/system_calls.h"
-#include "backends/text/device_path.h"
 #include "backends/text/names.h"
 #include "backends/text/utf.h"
 

@@ -1,10 +1,21 @@
 #include "backends/text/names.h"
 
+#include <algorithm>
 #include <cstddef>
 
 #include "backends/text/utf.h"
 
 namespace text {
+namespace {
+
+using namespace std::literals;
+
+bool IsPlainName(std::u16string_view part) {
+  return !part.empty() && part != u"." && part != u".." &&
+         part.find_first_of(u"/\0"sv) == std::u16string_view::npos;
+}
+
+}  // namespace
 
 bool SameName(std::u16string_view a, std::u16string_view b) {
   std::size_t atA = 0;
@@ -66,6 +77,25 @@ bool MatchesPattern(std::u16string_view name, std::u16string_view pattern) {
 
 bool HasWildcards(std::u16string_view pattern) {
   return pattern.find_first_of(u"*?") != std::u16string_view::npos;
+}
+
+bool IsDevicePath(std::u16string_view path) { return path.starts_with(u'\\'); }
+
+std::optional<std::vector<std::u16string_view>> SplitDevicePath(std::u16string_view path) {
+  if (!IsDevicePath(path)) {
+    return std::nullopt;
+  }
+  std::vector<std::u16string_view> parts;
+  for (std::size_t start = 1; start <= path.size();) {
+    const std::size_t end = std::min(path.find(u'\\', start), path.size());
+    const std::u16string_view part = path.substr(start, end - start);
+    if (!IsPlainName(part)) {
+      return std::nullopt;
+    }
+    parts.push_back(part);
+    start = end + 1;
+  }
+  return parts;
 }
 
 }  // namespace text

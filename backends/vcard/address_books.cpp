@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <utility>
 
-#include "backends/vcard/registry_names.h"
 #include "backends/vcard/vcard_source.h"
 
 namespace vcard {

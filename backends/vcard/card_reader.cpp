@@ -1,12 +1,229 @@
 #include "backends/vcard/card_reader.h"
 
+#include <algorithm>
+#include <cstddef>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
 #include <utility>
+#include <vector>
 
 #include "backends/text/utf.h"
-#include "backends/vcard/card_mapping.h"
+#include "backends/vcard/ascii.h"
+#include "backends/vcard/charset.h"
 #include "backends/vcard/contact_keys.h"
 
 namespace vcard {
+namespace {
+
+/// Text as it is shown: without blanks at its ends, and on one line.
+std::u16string ToShownText(std::string_view value) {
+  std::u16string shown = text::FromUtf8(value);
+  std::replace_if(
+      shown.begin(), shown.end(), [](char16_t c) { return c < u' '; }, u' ');
+  const std::size_t first = shown.find_first_not_of(u' ');
+  if (first == std::u16string::npos) {
+    return {};
+  }
+  return shown.substr(first, shown.find_last_not_of(u' ') - first + 1);
+}
+
+/// Component `index` of a structured value such as N or ORG.
+std::u16string Component(const std::vector<std::string>& components, std::size_t index) {
+  return index < components.size() ? ToShownText(components[index]) : std::u16string();
+}
+
+/// The middle names as Rules::kFormer has them: a blank for each comma, also one with a backslash.
+std::u16string FormerMiddleName(const ContentLine& name) {
+  constexpr std::size_t kMiddleNames = 2;
+  if (name.components.size() <= kMiddleNames) {
+    return {};
+  }
+  std::string names = name.components[kMiddleNames];
+  std::replace(names.begin(), names.end(), ',', ' ');
+  return ToShownText(names);
+}
+
+/// A value that is none of several components, with its semicolons.
+std::string WholeValue(const ContentLine& line) {
+  std::string whole = line.components.front();
+  std::for_each(line.components.begin() + 1, line.components.end(),
+                [&whole](const std::string& component) { whole += ';' + component; });
+  return whole;
+}
+
+/// Versions of one card differ in whether the identifier is written as a URI.
+std::string ToUid(const std::string& value) {
+  constexpr std::string_view kUriPrefix = "urn:uuid:";
+  std::string_view uid = Trim(value);
+  if (EqualIgnoringCase(uid.substr(0, kUriPrefix.size()), kUriPrefix)) {
+    uid.remove_prefix(kUriPrefix.size());
+  }
+  return std::string(uid);
+}
+
+/// The extension among the parameters of a "tel:" URI; empty if there is none.
+std::string ExtensionOf(std::string_view parameters) {
+  constexpr std::string_view kName = "ext=";
+  while (!parameters.empty()) {
+    parameters.remove_prefix(1);
+    const std::string_view parameter = parameters.substr(0, parameters.find(';'));
+    if (EqualIgnoringCase(parameter.substr(0, kName.size()), kName)) {
+      return DecodePercents(parameter.substr(kName.size()));
+    }
+    parameters.remove_prefix(parameter.size());
+  }
+  return {};
+}
+
+/// The number of a telephone line; empty if the line leads to something else.
+std::u16string NumberOf(const ContentLine& line, Rules rules) {
+  constexpr std::string_view kScheme = "tel:";
+  const std::string value = WholeValue(line);
+  const std::string_view trimmed = Trim(value);
+  if (EqualIgnoringCase(trimmed.substr(0, kScheme.size()), kScheme)) {
+    const std::string_view uri = trimmed.substr(kScheme.size());
+    const std::size_t end = std::min(uri.find(';'), uri.size());
+    std::string number = DecodePercents(uri.substr(0, end));
+    const std::string extension = ExtensionOf(uri.substr(end));
+    if (rules == Rules::kNow && !number.empty() && !extension.empty()) {
+      number += ',' + extension;  // A pause before it, as phones write one.
+    }
+    return ToShownText(GuessUtf8(number));
+  }
+  const bool hasOtherScheme = line.isUri && trimmed.find(':') != std::string_view::npos;
+  return hasOtherScheme ? std::u16string() : ToShownText(trimmed);
+}
+
+bool IsTelephone(const ContentLine& line) { return line.name == "TEL" || line.name == "X-MS-TEL"; }
+
+/// The first value of a line of that name that is not empty.
+std::u16string FirstOf(const Card& card, std::string_view name) {
+  for (const ContentLine& line : card) {
+    if (line.name == name) {
+      if (std::u16string value = ToShownText(WholeValue(line)); !value.empty()) {
+        return value;
+      }
+    }
+  }
+  return {};
+}
+
+/// What a contact without any name or company is shown by.
+std::u16string SubstituteName(const Card& card) {
+  for (const std::string_view name : {"NICKNAME", "EMAIL"}) {
+    if (std::u16string value = FirstOf(card, name); !value.empty()) {
+      return value;
+    }
+  }
+  for (const ContentLine& line : card) {
+    if (IsTelephone(line)) {
+      if (std::u16string number = NumberOf(line, Rules::kNow); !number.empty()) {
+        return number;
+      }
+    }
+  }
+  return {};
+}
+
+void TakeNames(const Card& card, Rules rules, ContactData& contact) {
+  const auto first = [&card](std::string_view name) {
+    return std::find_if(card.begin(), card.end(),
+                        [name](const ContentLine& line) { return line.name == name; });
+  };
+  if (const auto name = first("N"); name != card.end()) {
+    const auto& components = rules == Rules::kNow ? name->spacedComponents : name->components;
+    contact.lastName = Component(components, 0);
+    contact.firstName = Component(components, 1);
+    contact.middleName = rules == Rules::kNow ? Component(components, 2) : FormerMiddleName(*name);
+  }
+  if (const auto company = first("ORG"); company != card.end()) {
+    contact.companyName = Component(company->components, 0);
+  }
+  if (!contact.firstName.empty() || !contact.middleName.empty() || !contact.lastName.empty()) {
+    return;
+  }
+  contact.firstName = FirstOf(card, "FN");
+  if (contact.firstName == contact.companyName) {
+    contact.firstName.clear();
+  }
+  if (rules == Rules::kNow && FullNameOf(contact).empty()) {
+    contact.firstName = SubstituteName(card);
+  }
+}
+
+void TakeNumbers(const Card& card, Rules rules, ContactData& contact) {
+  std::map<std::string, std::string> labels;  // By group.
+  for (const ContentLine& line : card) {
+    if (line.name == "X-ABLABEL" && !line.group.empty()) {
+      labels[line.group] = WholeValue(line);
+    }
+  }
+  const auto append = rules == Rules::kNow ? AppendLabel : AppendWords;
+  std::vector<TelephoneLine> telephones;
+  std::vector<std::size_t> lines;
+  for (const ContentLine& line : card) {
+    std::u16string number = IsTelephone(line) ? NumberOf(line, rules) : std::u16string();
+    if (number.empty()) {
+      continue;
+    }
+    telephones.push_back({std::move(number), line.words, line.name != "TEL", line.preference});
+    lines.push_back(line.number);
+    append(line.label, telephones.back().words);
+    const auto label = labels.find(line.group);
+    if (label != labels.end()) {
+      append(label->second, telephones.back().words);
+    }
+  }
+  AssignedNumbers assigned = AssignNumbers(telephones, rules);
+  contact.numbers = std::move(assigned.numbers);
+  for (const std::size_t index : assigned.unplaced) {
+    contact.unplaced.push_back({telephones[index].number, lines[index]});
+  }
+}
+
+/// The card with its values as former versions read them. Returns nothing if they are the same.
+std::optional<Card> FormerCard(const Card& card) {
+  if (std::all_of(card.begin(), card.end(),
+                  [](const ContentLine& line) { return line.formerComponents.empty(); })) {
+    return std::nullopt;
+  }
+  Card former = card;
+  for (ContentLine& line : former) {
+    if (!line.formerComponents.empty()) {
+      line.components = std::move(line.formerComponents);
+    }
+  }
+  return former;
+}
+
+bool SaysTheSame(const ContactData& a, const ContactData& b) {
+  return a.lastName == b.lastName && a.firstName == b.firstName && a.middleName == b.middleName &&
+         a.companyName == b.companyName && a.numbers == b.numbers;
+}
+
+}  // namespace
+
+ContactData ToContactData(const Card& card) {
+  ContactData contact;
+  for (const ContentLine& line : card) {
+    if (line.name == "UID" && contact.uid.empty()) {
+      contact.uid = ToUid(WholeValue(line));
+    }
+  }
+  TakeNames(card, Rules::kNow, contact);
+  TakeNumbers(card, Rules::kNow, contact);
+  ContactData former;
+  const std::optional<Card> readOtherwise = FormerCard(card);
+  const Card& formerCard = readOtherwise ? *readOtherwise : card;
+  TakeNames(formerCard, Rules::kFormer, former);
+  TakeNumbers(formerCard, Rules::kFormer, former);
+  if (!SaysTheSame(contact, former)) {
+    contact.formerContent = ContentOf(former);
+  }
+  return contact;
+}
 
 CardReader::CardReader(std::u16string place, std::size_t maxContacts, Book& book,
                        RemarkList& remarks)

@@ -5,9 +5,13 @@
 #include <string_view>
 
 #include "backends/vcard/contact_source.h"
+#include "backends/vcard/content_line.h"
 #include "backends/vcard/vcard_splitter.h"
 
 namespace vcard {
+
+/// Contact that a card describes.
+[[nodiscard]] ContactData ToContactData(const Card& card);
 
 /// Adds the contacts of a stream of vCards to a book, and a remark for each thing in it that is
 /// passed over: damage, numbers without a place. A damaged stream leaves the book incomplete.

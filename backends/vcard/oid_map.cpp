@@ -7,7 +7,7 @@
 
 #include "backends/text/registry_text.h"
 #include "backends/text/utf.h"
-#include "backends/vcard/registry_names.h"
+#include "backends/vcard/source_choice.h"
 #include "platform/file_system.h"
 
 namespace vcard {
@@ -17,6 +17,9 @@ using platform::RegistryError;
 using platform::Result;
 
 namespace {
+
+/// Text, in the subkey of each address book: its lasting name.
+constexpr std::u16string_view kSourceValue = u"source";
 
 constexpr std::uint32_t kMaxKeyNumber = 1'000'000;
 

@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "backends/vcard/contact_source.h"
-#include "backends/vcard/remark.h"
 #include "backends/vcard/stored_book.h"
 #include "platform/registry.h"
 

@@ -5,7 +5,6 @@
 
 #include "backends/text/registry_text.h"
 #include "backends/text/utf.h"
-#include "backends/vcard/registry_names.h"
 
 namespace vcard {
 
@@ -15,6 +14,8 @@ using platform::Result;
 
 namespace {
 
+/// Text: "eds" or the path of a vCard file or folder.
+constexpr std::u16string_view kChoiceValue = u"chosen";
 constexpr std::u16string_view kDesktop = u"eds";
 
 }  // namespace

@@ -5,10 +5,14 @@
 #include <string_view>
 #include <vector>
 
-#include "backends/vcard/remark.h"
+#include "backends/vcard/contact_source.h"
 #include "platform/registry.h"
 
 namespace vcard {
+
+/// Holds the choice of the address book and the numbers of its contacts. It is not the key of the
+/// tags, which holds nothing but tags.
+inline constexpr std::u16string_view kContactsKey = u"Software\\Zedra\\Voxtrel Contacts";
 
 /// Which address book is used.
 struct SourceChoice {

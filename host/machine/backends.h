@@ -9,7 +9,6 @@
 #include <utility>
 
 #include "backends/vcard/address_books.h"
-#include "backends/vcard/background_source.h"
 #include "backends/vcard/desktop_source.h"
 #include "platform/clock.h"
 #include "platform/file_system.h"

@@ -4,7 +4,6 @@
 #include <mutex>
 #include <utility>
 
-#include "backends/text/device_path.h"
 #include "backends/text/names.h"
 
 namespace machine {

@@ -1,4 +1,4 @@
-#include "backends/text/device_path.h"
+#include "backends/text/names.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "backends/vcard/background_source.h"
+#include "backends/vcard/desktop_source.h"
 
 #include <gtest/gtest.h>
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "backends/text/utf.h"
-#include "backends/vcard/card_mapping.h"
+#include "backends/vcard/card_reader.h"
 #include "backends/vcard/vcard_splitter.h"
 #include "platform/contacts_store.h"
 

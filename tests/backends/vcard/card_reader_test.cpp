@@ -1,6 +1,6 @@
 // Names and identifiers of contacts, in the shapes in which each kind of exporter writes them.
 
-#include "backends/vcard/card_mapping.h"
+#include "backends/vcard/card_reader.h"
 
 #include <gtest/gtest.h>
 

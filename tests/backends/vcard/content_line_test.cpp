@@ -1,4 +1,4 @@
-#include "backends/vcard/escapes.h"
+#include "backends/vcard/content_line.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
