@@ -66,8 +66,8 @@ const resources::Text& TextOf(const ContactMessage& message) {
   return NumberText(message);
 }
 
-/// The boxes about a contact just chosen are the same in every language and bear the name of the
-/// companion dialer, by which users know them.
+/// The boxes about a contact just chosen are the same in every language. Their caption is the name
+/// of the companion dialer, by which users know them.
 MessageBox SelectionBox(const ContactMessage& message) {
   const std::u16string_view text =
       message.failure == ContactFailure::kNumber
@@ -77,8 +77,8 @@ MessageBox SelectionBox(const ContactMessage& message) {
           MessageStyle::kOk | MessageStyle::kSetForeground};
 }
 
-/// While the page is being opened its window may be hidden behind others. The built-in English
-/// boxes have always been topmost there, those of a language file never.
+/// While the page opens, other windows may hide its own. The built-in English boxes have always
+/// been topmost there, those of a language file never.
 MessageStyle StyleOf(const ContactMessage& message, const language::Texts& texts) {
   const bool isOpening = message.failure == ContactFailure::kServiceNotReady ||
                          message.failure == ContactFailure::kNotConnected ||

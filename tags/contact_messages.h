@@ -24,7 +24,7 @@ enum class ContactFailure : std::uint8_t {
   kNumberTooLong,
 };
 
-/// Who was reading; the same failure is worded by each in its own way.
+/// Who was reading. Each has its own words for the same failure.
 enum class ContactReader : std::uint8_t {
   kLoading,    ///< Filling the list of contacts.
   kSelection,  ///< Listing the numbers of the contact just chosen.
@@ -32,8 +32,8 @@ enum class ContactReader : std::uint8_t {
   kTagList,    ///< Naming the contacts of all tags.
 };
 
-/// One message to the user. Of the failures, kLookup is one of kSelection and kRecording, and the
-/// name parts are never read by kSelection.
+/// One message to the user. Only kSelection and kRecording fail with kLookup, and kSelection never
+/// reads the parts of a name.
 struct ContactMessage {
   ContactFailure failure = ContactFailure::kItem;
   ContactReader reader = ContactReader::kLoading;
@@ -42,6 +42,7 @@ struct ContactMessage {
   friend bool operator==(const ContactMessage&, const ContactMessage&) = default;
 };
 
+/// Returns the box that shows the message.
 [[nodiscard]] platform::MessageBox ToBox(const ContactMessage& message,
                                          const language::Texts& texts);
 

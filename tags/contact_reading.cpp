@@ -28,6 +28,9 @@ Result<void, ContactsError> ConnectTo(platform::ContactsStore& store, platform::
   return connected;
 }
 
+// The two readers below differ in small things, and both are meant so: a tag that was just recorded
+// may read otherwise than after the page opens again.
+
 /// The blank counts, and comes first also in an empty name.
 void AppendForRecording(std::u16string& name, const std::u16string& part) {
   if (!part.empty() && name.size() + 1 + part.size() < kNameCapacity) {

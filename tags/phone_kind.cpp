@@ -8,6 +8,7 @@
 namespace tags {
 namespace {
 
+/// The white space of Unicode. The table of the C library depends on the locale of the process.
 constexpr bool IsWhiteSpace(char16_t c) {
   return (c >= 0x9 && c <= 0xD) || c == 0x20 || c == 0x85 || c == 0xA0 || c == 0x1680 ||
          (c >= 0x2000 && c <= 0x200A) || c == 0x2028 || c == 0x2029 || c == 0x202F || c == 0x205F ||

@@ -15,8 +15,11 @@
 namespace text {
 namespace {
 
-/// All of them in their order. The case of letters counts only if all else is equal. The small one
-/// is then the first.
+// Letter case and order, from the library that knows every script. Printable ASCII has tables of
+// its own here, since most texts are plain and the library's tables are large.
+
+/// All printable characters of ASCII in the order of the collation. The case of letters counts only
+/// if all else is equal. The small one is then the first.
 constexpr std::u16string_view kInOrder =
     u" _-,;:!?.'\"()[]{}@*/\\&#%`^+<=>|~$0123456789abcdefghijklmnopqrstuvwxyz";
 

@@ -7,9 +7,9 @@
 
 namespace text {
 
-// Names of files and keys. On the device letter case counts for nothing in them.
+// Names and paths of files and keys. On the device letter case counts for nothing in them.
 
-/// Returns the one character under which a character is compared where case counts for nothing. The
+/// Returns the one character under which a character is compared if case counts for nothing. The
 /// folding is one to one: no character becomes two.
 [[nodiscard]] char32_t FoldCharacter(char32_t character);
 

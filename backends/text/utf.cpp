@@ -13,7 +13,7 @@ constexpr char32_t kReplacement = 0xFFFD;
 constexpr char32_t kByteBase = 0xDC00;  ///< A stray byte b of a host name becomes kByteBase + b.
 
 struct Sequence {
-  std::size_t length = 0;  ///< Bytes; 0 where no well-formed sequence starts.
+  std::size_t length = 0;  ///< Bytes; 0 if no well-formed sequence starts.
   char32_t character = 0;
 };
 

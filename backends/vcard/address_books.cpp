@@ -15,6 +15,7 @@ using platform::Failure;
 using platform::RegistryError;
 using platform::Result;
 
+/// A contact of one log-on. It shares the data, so it stays readable after the log-off.
 class AddressBooks::ReadContact final : public platform::Contact {
  public:
   explicit ReadContact(std::shared_ptr<const StoredContact> contact)

@@ -17,7 +17,7 @@
 namespace vcard {
 namespace {
 
-/// Text as it is shown: without blanks at its ends, and on one line.
+/// Returns a text as it is shown: without blanks at its ends, and on one line.
 std::u16string ToShownText(std::string_view value) {
   std::u16string shown = text::FromUtf8(value);
   std::replace_if(
@@ -29,12 +29,13 @@ std::u16string ToShownText(std::string_view value) {
   return shown.substr(first, shown.find_last_not_of(u' ') - first + 1);
 }
 
-/// Component `index` of a structured value such as N or ORG.
+/// Returns component `index` of a structured value such as N or ORG.
 std::u16string Component(const std::vector<std::string>& components, std::size_t index) {
   return index < components.size() ? ToShownText(components[index]) : std::u16string();
 }
 
-/// The middle names as Rules::kFormer has them: a blank for each comma, also one with a backslash.
+/// Returns the middle names as Rules::kFormer has them: a blank for each comma, also for one with a
+/// backslash.
 std::u16string FormerMiddleName(const ContentLine& name) {
   constexpr std::size_t kMiddleNames = 2;
   if (name.components.size() <= kMiddleNames) {
@@ -45,7 +46,7 @@ std::u16string FormerMiddleName(const ContentLine& name) {
   return ToShownText(names);
 }
 
-/// A value that is none of several components, with its semicolons.
+/// Returns a value that has no components, with its semicolons.
 std::string WholeValue(const ContentLine& line) {
   std::string whole = line.components.front();
   std::for_each(line.components.begin() + 1, line.components.end(),
@@ -53,7 +54,7 @@ std::string WholeValue(const ContentLine& line) {
   return whole;
 }
 
-/// Versions of one card differ in whether the identifier is written as a URI.
+/// Returns the identifier. Versions of one card differ in whether it is written as a URI.
 std::string ToUid(const std::string& value) {
   constexpr std::string_view kUriPrefix = "urn:uuid:";
   std::string_view uid = Trim(value);
@@ -63,7 +64,8 @@ std::string ToUid(const std::string& value) {
   return std::string(uid);
 }
 
-/// The extension among the parameters of a "tel:" URI; empty if there is none.
+/// Returns the extension among the parameters of a "tel:" URI. Returns an empty text if there is
+/// none.
 std::string ExtensionOf(std::string_view parameters) {
   constexpr std::string_view kName = "ext=";
   while (!parameters.empty()) {
@@ -77,7 +79,8 @@ std::string ExtensionOf(std::string_view parameters) {
   return {};
 }
 
-/// The number of a telephone line; empty if the line leads to something else.
+/// Returns the number of a telephone line. Returns an empty text if the line leads to something
+/// else.
 std::u16string NumberOf(const ContentLine& line, Rules rules) {
   constexpr std::string_view kScheme = "tel:";
   const std::string value = WholeValue(line);
@@ -98,7 +101,7 @@ std::u16string NumberOf(const ContentLine& line, Rules rules) {
 
 bool IsTelephone(const ContentLine& line) { return line.name == "TEL" || line.name == "X-MS-TEL"; }
 
-/// The first value of a line of that name that is not empty.
+/// Returns the first value of a line of that name that is not empty.
 std::u16string FirstOf(const Card& card, std::string_view name) {
   for (const ContentLine& line : card) {
     if (line.name == name) {
@@ -110,7 +113,7 @@ std::u16string FirstOf(const Card& card, std::string_view name) {
   return {};
 }
 
-/// What a contact without any name or company is shown by.
+/// Returns the name that stands for a contact without any name or company.
 std::u16string SubstituteName(const Card& card) {
   for (const std::string_view name : {"NICKNAME", "EMAIL"}) {
     if (std::u16string value = FirstOf(card, name); !value.empty()) {
@@ -183,7 +186,8 @@ void TakeNumbers(const Card& card, Rules rules, ContactData& contact) {
   }
 }
 
-/// The card with its values as former versions read them. Returns nothing if they are the same.
+/// Returns the card with its values as former versions read them. Returns nothing if they are the
+/// same.
 std::optional<Card> FormerCard(const Card& card) {
   if (std::all_of(card.begin(), card.end(),
                   [](const ContentLine& line) { return line.formerComponents.empty(); })) {
@@ -205,6 +209,9 @@ bool SaysTheSame(const ContactData& a, const ContactData& b) {
 
 }  // namespace
 
+// Each card is read twice, by today's rules and by those of former versions. Entries that former
+// versions stored hold a digest of what they read. Only with the same reading can their contacts be
+// found again, and with them the tags.
 ContactData ToContactData(const Card& card) {
   ContactData contact;
   for (const ContentLine& line : card) {

@@ -10,7 +10,7 @@
 
 namespace vcard {
 
-/// Contact that a card describes.
+/// Returns the contact that a card describes. Whatever the card holds, it is some contact.
 [[nodiscard]] ContactData ToContactData(const Card& card);
 
 /// Adds the contacts of a stream of vCards to a book, and a remark for each thing in it that is
@@ -26,7 +26,7 @@ class CardReader {
   /// The stream may be cut anywhere between two calls.
   void Feed(std::string_view bytes) { m_splitter.Feed(bytes); }
 
-  /// To be called once, at the end of the stream.
+  /// Call this once, at the end of the stream.
   void Finish();
 
  private:

@@ -23,7 +23,7 @@ constexpr std::array<std::string_view, 21> kSingleSets = {
     "SHIFT_JIS",   "SHIFT-JIS", "EUC-JP", "EUC-KR",   "GB2312", "GBK",    "GB18030",
     "BIG5",        "TIS-620",   "CP874",  "CP932",    "CP936",  "CP949",  "CP950"};
 
-/// Sets that differ in a number behind the prefix.
+/// Sets that differ in a number after the prefix.
 struct Family {
   std::string_view prefix;
   std::size_t maxDigits;
@@ -101,7 +101,7 @@ class Converter {
   iconv_t m_handle;
 };
 
-/// Returns nothing if the set is none that address books write.
+/// Returns nothing if address books do not write the set.
 std::optional<Converter::Converted> ConvertFrom(std::string_view charset, std::string_view text) {
   if (!IsKnownCharset(charset)) {
     return std::nullopt;

@@ -16,12 +16,12 @@ namespace vcard {
 /// choose which of its hundreds of modules is loaded.
 [[nodiscard]] std::optional<std::string> ToUtf8(std::string_view text, std::string_view charset);
 
-/// Text that names no character set: as it stands if some character beyond ASCII is UTF-8, even if
-/// single bytes are not. Otherwise it is read in the set of the old western Windows programs, which
-/// wrote theirs without naming it.
+/// Returns the UTF-8 of a text that names no character set. The text stays as it stands if some
+/// character beyond ASCII is UTF-8, even if single bytes are not. Otherwise it is read in the set
+/// of the old western Windows programs, which did not name theirs.
 [[nodiscard]] std::string GuessUtf8(std::string_view text);
 
-/// Returns what former versions made of the text: they did not know ISO-2022-JP, and gave up a set
+/// Returns what former versions made of the text. They did not know ISO-2022-JP, and gave up a set
 /// at the first byte that means nothing in it.
 [[nodiscard]] std::string FormerUtf8(std::string_view text, std::string_view charset);
 
@@ -39,7 +39,7 @@ class StreamDecoder {
   /// The stream may be cut anywhere between two calls.
   void Feed(std::string_view bytes);
 
-  /// To be called once, at the end of the stream.
+  /// Call this once, at the end of the stream.
   void Finish();
 
  private:
@@ -49,7 +49,7 @@ class StreamDecoder {
 
   Sink m_sink;
   Encoding m_encoding = Encoding::kUnknown;
-  std::string m_start;         ///< Bytes that do not tell the encoding yet.
+  std::string m_start;         ///< Bytes that do not show the encoding yet.
   std::optional<char> m_half;  ///< The first byte of a unit whose second is to come.
   std::u16string m_units;      ///< A surrogate whose second one is to come.
 };

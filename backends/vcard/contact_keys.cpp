@@ -14,7 +14,8 @@ using Counts = std::unordered_map<Digest, std::size_t, DigestHash>;
 
 std::string UidKey(const std::string& uid) { return "uid:" + uid; }
 
-/// Tells equal texts apart by how often each came before: the second of its kind ends with "\n2".
+/// Makes equal texts differ, by how often each came before: the second of its kind ends with "\n2".
+/// Counting digests keeps this linear, also for thousands of cards with one text.
 class Numbered {
  public:
   [[nodiscard]] std::string operator()(std::string text) {

@@ -39,18 +39,19 @@ struct CardKeys {
   bool isNameUnique = false;   ///< or the full name.
 };
 
-/// First, middle and last name, joined by blanks; the company if the contact has none of them.
+/// Returns first, middle and last name, joined by blanks. Returns the company if the contact has
+/// none of them.
 [[nodiscard]] std::u16string FullNameOf(const ContactData& contact);
 
-/// Names, company and numbers, as one text.
+/// Returns names, company and numbers, as one text.
 [[nodiscard]] std::string ContentOf(const ContactData& contact);
 
-/// The keys of each contact of the book. The time is in proportion to their number, however alike
-/// they are. The same holds for the next two.
+/// Returns the keys of each contact of the book. The time grows as their number does, however alike
+/// they are. The same holds for the next two functions.
 [[nodiscard]] std::vector<CardKeys> KeysOf(const Book& book);
 
-/// The key by which a contact may be found in the entries of 20 bytes (see StoredBook). kNoDigest
-/// if there is none.
+/// The keys by which a contact may be found in the entries of 20 bytes (see StoredBook). kNoDigest
+/// stands for a key that it does not have.
 struct FormerKeys {
   Digest content = kNoDigest;
   Digest uid = kNoDigest;
@@ -59,8 +60,8 @@ struct FormerKeys {
 };
 [[nodiscard]] std::vector<FormerKeys> FormerKeysOf(std::span<const ContactData> contacts);
 
-/// A text for each contact that depends on it alone and differs from the others', from which its
-/// number is made.
+/// Returns a text for each contact, from which its number is made. It depends on the contact alone
+/// and differs from those of the others.
 [[nodiscard]] std::vector<std::string> SeedsOf(std::span<const ContactData> contacts);
 
 }  // namespace vcard

@@ -20,6 +20,9 @@ struct KeyHash {
   }
 };
 
+/// The matches so far. Each round below makes an index of the people who are still free, by one
+/// key, and looks each card up that is nobody yet. So a round takes linear time, and a later and
+/// weaker sign never takes a person from an earlier one.
 class Matching {
  public:
   Matching(std::span<const CardKeys> cards, std::span<const Person> people)
@@ -27,9 +30,9 @@ class Matching {
     m_matches.people.assign(cards.size(), Matches::kNobody);
   }
 
-  /// Gives each card that is nobody yet the next free person of its key, those whom the book held
-  /// last time before the others. Both functions give the
-  /// key of an index; kNoKey leaves it out.
+  /// Gives each card that is nobody yet the next free person of its key. Those whom the book held
+  /// last time come before the others. Both functions return the key of a person or a card. kNoKey
+  /// leaves it out.
   template <typename KeyOfPerson, typename KeyOfCard>
   void MatchEqual(const KeyOfPerson& keyOfPerson, const KeyOfCard& keyOfCard) {
     if (IsDone()) {
@@ -97,8 +100,9 @@ class Matching {
     return key == kNoKey ? index.end() : index.find(key);
   }
 
-  /// The only one of `people` that the card may be, of those whom the book held last time; of the
-  /// others if it held none of them.
+  /// Returns the only one of `people` that the card may be. Those whom the book held last time
+  /// count first, and the others only if it held none of them. Returns kNobody if there is no such
+  /// one.
   [[nodiscard]] std::size_t SoleOf(const std::vector<std::size_t>& people, std::size_t card) {
     std::array<std::size_t, 2> counts{};
     std::array<std::size_t, 2> last{};

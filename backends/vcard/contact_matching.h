@@ -29,7 +29,15 @@ struct Matches {
   std::size_t looks = 0;
 };
 
-/// Recognises the contacts of a book. No person is given to two cards. A card is
+/// Recognises the contacts of a book that was read again.
+///
+/// A tag knows its contact by a number, and a book gives none. People change their numbers, names
+/// and address books, and some books give no UIDs either, or give one UID to two cards. So a card
+/// is compared with everybody who is known, by the surest sign first. A wrong match would call the
+/// wrong person, and a missed one would lose a tag. If only the name fits, and fits two people, the
+/// card is nobody known.
+///
+/// No person is given to two cards. A card is
 ///
 /// 1. the contact of its UID. If the UID is on several cards, or several contacts had it, it is the
 ///    one of that UID and the same full name, and of several such ones that of the same content;

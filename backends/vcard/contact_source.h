@@ -13,7 +13,7 @@ namespace vcard {
 
 /// What the system knows of one contact.
 struct ContactData {
-  std::string uid;  ///< As the address book gives it; empty where it gives none.
+  std::string uid;  ///< As the address book gives it; empty if it gives none.
   std::u16string firstName;
   std::u16string middleName;
   std::u16string lastName;
@@ -26,8 +26,8 @@ struct ContactData {
   };
   std::vector<UnplacedNumber> unplaced;  ///< Numbers of telephones for which there is no kind left.
 
-  /// The same text as ContentOf gives, of the names and numbers that the contact had under the
-  /// former rules; empty if those give the same. Contacts of old entries are found by it.
+  /// What ContentOf gives for the names and numbers that the contact had under the former rules.
+  /// Empty if that is the same as now. Contacts of old entries are found by it.
   std::string formerContent;
 };
 
@@ -40,8 +40,8 @@ struct Remark {
   friend bool operator==(const Remark&, const Remark&) = default;
 };
 
-/// Keeps the first remarks, so that a file of nothing but damage costs no memory, and counts the
-/// others.
+/// Keeps the first remarks and counts the others, so that a file of nothing but damage costs no
+/// memory.
 class RemarkList {
  public:
   static constexpr std::size_t kMaxRemarks = 100;
@@ -66,7 +66,7 @@ class RemarkList {
     }
   }
 
-  /// Those that were kept, then one that says how many more there were, if there were any.
+  /// Returns those that were kept. If there were more, one at the end says how many.
   [[nodiscard]] std::vector<Remark> GetAll() const {
     std::vector<Remark> all = m_remarks;
     if (m_further > 0) {
@@ -94,7 +94,7 @@ struct Book {
 
 using ReadBooks = platform::Result<std::vector<Book>, platform::BooksError>;
 
-/// Gives contacts.
+/// Something that address books are read from: files, or the desktop.
 class ContactSource {
  public:
   ContactSource() = default;

@@ -42,7 +42,8 @@ std::string DecodeHex(std::string_view text, char mark) {
   return decoded;
 }
 
-/// What a backslash before `next` makes of it; nothing where it stands for itself.
+/// Returns the character that a backslash and `next` stand for. Returns nothing if the backslash
+/// stands for itself.
 std::optional<char> Unescape(char next) {
   constexpr std::string_view kLineBreaks = "nNrR";
   constexpr std::string_view kThemselves =
@@ -63,7 +64,8 @@ struct Encoding {
   bool isBase64 = false;
 };
 
-/// Position of the first of `wanted` outside quotes, and outside parentheses where those count.
+/// Returns the position of the first `wanted` outside quotes, and outside parentheses if those
+/// count.
 std::size_t FindOutside(std::string_view text, char wanted, bool parenthesesCount) {
   bool isQuoted = false;
   int depth = 0;
@@ -86,7 +88,7 @@ std::string WithoutQuotes(std::string text) {
   return text;
 }
 
-/// 0 for what is no number from 1 to 100.
+/// Returns 0 if the value is no number from 1 to 100.
 int ParsePreference(std::string_view value) {
   int preference = 0;
   const char* const end = value.data() + value.size();
@@ -100,7 +102,8 @@ bool IsBase64(std::string_view name, std::string_view value) {
          (EqualIgnoringCase(name, "ENCODING") && EqualIgnoringCase(value, "B"));
 }
 
-/// Label of "X-CUSTOM(Label)" or "X-CUSTOM(CHARSET=UTF-8,ENCODING=QUOTED-PRINTABLE,=4C=61)".
+/// Returns the label of "X-CUSTOM(Label)" or
+/// "X-CUSTOM(CHARSET=UTF-8,ENCODING=QUOTED-PRINTABLE,=4C=61)".
 std::string CustomLabel(std::string_view parameter) {
   std::string_view label = parameter.substr(kCustomPrefix.size());
   label = label.substr(0, label.rfind(')'));
@@ -136,7 +139,7 @@ void TakeParameter(std::string_view parameter, ContentLine& line, Encoding& enco
   }
 }
 
-/// `parameters` with the semicolon before each of them.
+/// `parameters` holds the semicolon before each of them.
 void TakeParameters(std::string_view parameters, ContentLine& line, Encoding& encoding) {
   while (!parameters.empty()) {
     parameters.remove_prefix(1);
@@ -146,12 +149,16 @@ void TakeParameters(std::string_view parameters, ContentLine& line, Encoding& en
   }
 }
 
-/// Cuts the value before it is freed from quoted-printable; `decode` gives the UTF-8 of a text.
+// A value has to be decoded and cut at its semicolons, and the encoding says which comes first. In
+// quoted-printable a semicolon of the text is "=3B", so the value is cut first. Base64 hides every
+// semicolon, and in a set with escape sequences any byte may look like one, so these are decoded
+// first. So are all other values, since the second byte of a character may look like a backslash.
+
+/// `decode` gives the UTF-8 of a text.
 template <typename Decode>
 std::vector<std::string> ReadComponents(std::string_view value, bool isQuotedPrintable,
                                         Commas commas, const Decode& decode) {
   if (!isQuotedPrintable) {
-    // Before it is cut: the second byte of a character may look like a backslash.
     return SplitValue(decode(value), commas);
   }
   std::vector<std::string> components = SplitValue(value, commas);
@@ -171,7 +178,6 @@ std::vector<std::string> ReadValue(std::string_view value, const Encoding& encod
     return SplitValue(decode(*bytes), commas);
   }
   if (encoding.isQuotedPrintable && IsStateful(encoding.charset)) {
-    // Any of its bytes may look like a semicolon.
     return SplitValue(decode(DecodeQuotedPrintable(value)), commas);
   }
   return ReadComponents(value, encoding.isQuotedPrintable, commas, decode);

@@ -9,13 +9,14 @@
 
 namespace vcard {
 
-// What keeps text apart from what is written around it. None of these refuses anything: what is no
-// escape stands for itself.
+// Escapes keep a text apart from what is written around it. The functions below refuse nothing:
+// what is no escape stands for itself.
 
-/// The text without soft line breaks, which are gone when lines are put together.
+/// Returns what quoted-printable stands for. Its soft line breaks are gone before this, when lines
+/// are put together.
 [[nodiscard]] std::string DecodeQuotedPrintable(std::string_view text);
 
-/// The text of a URI.
+/// Returns the text of a URI.
 [[nodiscard]] std::string DecodePercents(std::string_view text);
 
 /// Returns the bytes that base64 stands for. Blanks within it are passed over. Returns nothing if
@@ -24,17 +25,19 @@ namespace vcard {
 
 enum class Commas : std::uint8_t {
   kKept,
-  kBlanks,  ///< One without a backslash and without a blank after it stands between two names.
+  /// A comma becomes a blank if it has neither a backslash before it nor a blank after it: it
+  /// stands between two names.
+  kBlanks,
 };
 
-/// The components of a value between its semicolons, each without its backslashes.
+/// Returns the components of a value between its semicolons, each without its backslashes.
 [[nodiscard]] std::vector<std::string> SplitValue(std::string_view value,
                                                   Commas commas = Commas::kKept);
 
-/// What stands before the parameters and the value of a content line.
+/// The beginning of a content line, before its parameters and its value.
 struct Property {
-  std::string_view group;  ///< Empty where the line belongs to none.
-  std::string_view name;   ///< Empty where the line has no value.
+  std::string_view group;  ///< Empty if the line belongs to none.
+  std::string_view name;   ///< Empty if the line has no value.
 };
 
 [[nodiscard]] Property PropertyOf(std::string_view line);
@@ -53,15 +56,15 @@ struct ContentLine {
   std::vector<std::string> components;
   /// Of a name alone: the same, with a blank for each comma between two names.
   std::vector<std::string> spacedComponents;
-  /// The components as former versions read them, who knew neither base64 nor ISO-2022-JP; empty if
-  /// they read the same.
+  /// The components as former versions read them, which knew neither base64 nor ISO-2022-JP. Empty
+  /// if they read the same.
   std::vector<std::string> formerComponents;
 };
 
 /// The lines of one vCard between its BEGIN and END.
 using Card = std::vector<ContentLine>;
 
-/// Reads one unfolded line of vCard 2.1, 3.0 or 4.0; nothing where it has no value.
+/// Reads one unfolded line of vCard 2.1, 3.0 or 4.0. Returns nothing if the line has no value.
 [[nodiscard]] std::optional<ContentLine> ParseContentLine(std::string_view line);
 
 }  // namespace vcard

@@ -10,12 +10,11 @@
 
 namespace vcard {
 
-/// Every enabled address book of the desktop, in the order of their lasting names, each sorted as a
-/// reader expects.
+/// Every enabled address book of the desktop, in the order of their lasting names. A server gives
+/// contacts in any order, so each book is sorted here as a reader expects.
 class DesktopSource final : public ContactSource {
  public:
-  /// The function that reads the desktop's address books. The error is the reason why there is
-  /// none.
+  /// The function that reads the desktop's address books. The error says why there is none.
   using Library = platform::Result<platform::ReadDesktopBooksFunction*, std::string>;
   using Load = std::function<Library()>;
 

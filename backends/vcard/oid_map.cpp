@@ -32,12 +32,12 @@ std::optional<std::uint32_t> ParseKeyNumber(const std::u16string& keyName) {
   return isNumber ? std::optional(number) : std::nullopt;
 }
 
-/// Whether the key or value is one that another program left, and not out of reach for a moment.
+/// Whether another program left the key or value. Otherwise it is out of reach for a moment only.
 bool IsOdd(RegistryError error) {
   return error == RegistryError::kNotFound || error == RegistryError::kInvalid;
 }
 
-/// What is known of a contact once its card was read.
+/// Returns what is known of a contact after its card was read.
 Person Learn(const CardKeys& card, const Person* known) {
   Person person;
   person.oid = known == nullptr ? 0 : known->oid;
@@ -111,6 +111,9 @@ Result<void, RegistryError> OidMap::LoadBook(const std::u16string& keyName) {
       m_taken);
 }
 
+// Most log-ons meet nobody new. So the contacts are recognised first without the store, and only a
+// change opens a group. Within the group the map is read and the contacts are recognised again:
+// another process may have given numbers since, and no two contacts may get one number.
 Result<OidMap::Oids, RegistryError> OidMap::Assign(std::span<const Book> books, Keeping keeping) {
   Oids oids = Recognise(books);
   if (keeping == Keeping::kInMemory || !HasChanged()) {
@@ -234,8 +237,8 @@ bool OidMap::Belongs(std::int32_t oid, std::u16string_view source) const {
 }
 
 std::int32_t OidMap::ChooseOid(std::u16string_view source, const std::string& seed) const {
-  // Taken from what the number stands for, so that a store that was lost gives most contacts the
-  // numbers they had.
+  // The number is taken from what it stands for. So after a store was lost, most contacts get the
+  // numbers that they had, and their tags find them.
   for (std::size_t attempt = 0;; ++attempt) {
     const Digest digest =
         ComputeDigest(text::ToUtf8(source) + '\n' + seed + '\n' + std::to_string(attempt));

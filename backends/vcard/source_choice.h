@@ -21,8 +21,8 @@ struct SourceChoice {
   friend bool operator==(const SourceChoice&, const SourceChoice&) = default;
 };
 
-/// What the user wrote: "eds" for the desktop's address books, else a path, which is made absolute
-/// so that it means the same wherever the system is started the next time.
+/// Returns what the user wrote: "eds" for the desktop's address books, else a path. The path is
+/// made absolute, so it means the same in whatever folder the program is started the next time.
 [[nodiscard]] SourceChoice ParseChoice(std::u16string_view text);
 
 /// Returns the remembered choice. Returns nothing if there is none. A value of another program that

@@ -215,6 +215,9 @@ void StoredBook::Update(std::size_t index, const Person& person) {
   PutIntoAValue(index);
 }
 
+// A person who changes stays in the value that holds it, so one changed contact writes one value of
+// a few. A value that holds something odd is never written. Its person goes into the last value,
+// and counts there, since later entries win.
 void StoredBook::PutIntoAValue(std::size_t index) {
   std::size_t& place = m_valueOf[index];
   if (place == kNoValue || m_values[place].isOdd) {

@@ -30,11 +30,11 @@ class StoredBook {
  public:
   static constexpr std::size_t kPeoplePerValue = 4096;
 
-  /// Called with the name of each value that holds something else than entries, and what.
+  /// Called with the name of each value that holds anything but entries, and with what it holds.
   using Sink = std::function<void(const std::u16string& value, const std::string& what)>;
 
-  /// Adds the numbers of the book to `taken`; an entry whose number is there already is passed
-  /// over. An error if the registry cannot be asked.
+  /// Adds the numbers of the book to `taken`. An entry whose number is there already is passed
+  /// over. Fails if the registry cannot be asked.
   [[nodiscard]] platform::Result<void, platform::RegistryError> Load(
       platform::RegistryKey& key, const Sink& sink, std::unordered_set<std::int32_t>& taken);
 
@@ -55,7 +55,7 @@ class StoredBook {
  private:
   struct Value {
     std::vector<std::size_t> people;  ///< Indexes.
-    bool isOdd = false;               ///< Holds something else besides, and is left as it is.
+    bool isOdd = false;               ///< Holds not only entries, and is left as it is.
     bool hasChanged = false;
   };
   static constexpr std::size_t kNoValue = static_cast<std::size_t>(-1);

@@ -47,7 +47,8 @@ bool HasAny(const Words& words, std::span<const std::string_view> wanted) {
                      [&words](std::string_view word) { return Has(words, word); });
 }
 
-/// The places that a line may take, best first. Empty: none; nothing: the line does not say.
+/// Returns the places that a line may take, the best first. Returns an empty list if it may take
+/// none, and nothing if the line does not say.
 std::optional<std::span<const Kind>> PlacesOf(const Words& words) {
   static constexpr std::array kAssistant = {Kind::kAssistant};
   static constexpr std::array kRadio = {Kind::kRadio};
@@ -90,7 +91,7 @@ std::optional<std::span<const Kind>> PlacesOf(const Words& words) {
   return std::nullopt;
 }
 
-/// Puts `number` into the first free place; whether there was one.
+/// Puts `number` into the first free place. Returns whether there was one.
 bool Place(const std::u16string& number, std::span<const Kind> places, Numbers& numbers) {
   for (const Kind kind : places) {
     std::u16string& place = numbers[static_cast<std::size_t>(kind)];
@@ -102,7 +103,7 @@ bool Place(const std::u16string& number, std::span<const Kind> places, Numbers& 
   return false;
 }
 
-/// 1 for the first; kNoPreference for a line without one.
+/// Returns 1 for the first, and kNoPreference for a line without a preference.
 int RankOf(const TelephoneLine& line, Rules rules) {
   constexpr int kNoPreference = 101;
   if (line.preference > 0 && rules == Rules::kNow) {

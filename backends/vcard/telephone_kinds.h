@@ -16,7 +16,7 @@ struct TelephoneLine {
   std::u16string number;
   /// Everything that says what the number is, in ASCII capitals: types, and the words of a label.
   std::vector<std::string> words;
-  /// Only counted if one of `words` names a kind: for lines that carry other things besides.
+  /// The line only counts if one of `words` names a kind. Such lines carry other things too.
   bool needsKind = false;
   int preference = 0;  ///< 1 to 100, the first one first; 0 if the line does not say.
 };
@@ -28,14 +28,14 @@ using Numbers = std::array<std::u16string, platform::kPhoneKindCount>;
 /// "_$!<HomeFAX>!$_", stands for.
 void AppendWords(std::string_view typeOrLabel, std::vector<std::string>& words);
 
-/// As AppendWords, but appends nothing if the label says something else besides: "Car Rental" is no
+/// As AppendWords, but appends nothing if the label also says something else: "Car Rental" is no
 /// number in a car.
 void AppendLabel(std::string_view label, std::vector<std::string>& words);
 
 enum class Rules : std::uint8_t {
   kNow,
-  /// The rules of the time of the former entries (see StoredBook), by which their contacts are
-  /// found. A second mobile number has no place, and a preference only says whether a number is the
+  /// The rules of the time of the former entries (see StoredBook). Their contacts are found by
+  /// them. A second mobile number has no place, and a preference only says whether a number is the
   /// first.
   kFormer,
 };

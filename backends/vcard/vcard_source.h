@@ -8,22 +8,22 @@
 
 namespace vcard {
 
-/// A vCard file, or the files of a folder that end in ".vcf" in the order of their names, as one
-/// address book in the order in which the contacts are written. Each file is read once, from its
-/// start to its end, in bounded memory.
+/// A vCard file, or the files of a folder that end in ".vcf", as one address book. Files come in
+/// the order of their names, and contacts in the order in which they are written. Each file is read
+/// once, from its start to its end, in bounded memory.
 class VcardSource final : public ContactSource {
  public:
-  // What nobody's address book reaches, so that an endless file ends somewhere.
+  // Nobody's address book reaches these. They end an endless file.
   static constexpr std::size_t kMaxContacts = 100'000;
   static constexpr std::uint64_t kMaxBytes = std::uint64_t{1} << 30;
 
-  /// `path` is absolute, or one of the device; it names the book for good.
+  /// `path` is absolute, or one of the device. It names the book for good.
   VcardSource(platform::FileSystem& files, std::u16string path);
 
-  /// If a file of a folder cannot be opened because it is not there, as at the end of a dangling
-  /// link, only that file is passed over. So is a link that cannot be followed, as one in a circle.
-  /// A source without a single card is unreadable: an empty file or folder is more likely one that
-  /// was lost, or not mounted, than one whose last contact was deleted.
+  /// A file of a folder is passed over if it is not there, as at the end of a dangling link, or if
+  /// it may not be opened. So is a link that cannot be followed, as one in a circle. A source
+  /// without a single card is unreadable: an empty file or folder is more likely one that was lost,
+  /// or not mounted, than one whose last contact was deleted.
   [[nodiscard]] ReadBooks Read(RemarkList& remarks) override;
 
  private:

@@ -41,8 +41,8 @@ std::size_t CountSeparators(std::string_view line) {
 }  // namespace
 
 void LogicalLines::Feed(std::string_view bytes) {
-  // Each end is looked for once only, so that neither a stream without the one nor one that is full
-  // of the other costs more than two fast passes.
+  // Each kind of end is searched for only after the last one found was passed. So a stream without
+  // line feeds, or full of carriage returns, costs two fast passes and no more.
   std::size_t lineFeed = bytes.find('\n');
   std::size_t carriageReturn = bytes.find('\r');
   for (std::size_t at = 0; at < bytes.size();) {
@@ -145,7 +145,8 @@ void VcardSplitter::Finish() {
 
 void VcardSplitter::OnLine(const LogicalLines::Line& line) {
   std::string_view content = line.text;
-  // Anywhere in the stream: files are joined as they are, also behind one that ends within a card.
+  // A mark may be anywhere in the stream: people join files as they are, also after one that ends
+  // within a card.
   if (content.starts_with(kByteOrderMark)) {
     content.remove_prefix(kByteOrderMark.size());
   }

@@ -39,7 +39,7 @@ class LogicalLines {
  private:
   enum class State : std::uint8_t {
     kInLine,
-    kAtEnd,        ///< The next byte tells whether the line goes on.
+    kAtEnd,        ///< The next byte decides whether the line goes on.
     kAtSoftBreak,  ///< The line goes on; a blank that folds it is dropped.
   };
   enum class Encoding : std::uint8_t { kUnknown, kQuotedPrintable, kOther };
@@ -62,12 +62,12 @@ class LogicalLines {
   char m_lastOfLine = 0;
 };
 
-/// Cuts a stream into vCards and keeps of each only the lines that a contact is made of, so that a
-/// picture costs no more than passing over it. Takes any bytes: what is no vCard is left out and
-/// counted as damage.
+/// Cuts a stream into vCards. It keeps of each card only the lines that a contact is made of, so a
+/// picture costs no more than passing over it. It takes any bytes: what is no vCard is left out and
+/// counts as damage.
 class VcardSplitter {
  public:
-  // Bounds of one card, far above what a real one needs, so that a hostile one stays cheap to
+  // Bounds of one card. They are far above what a real one needs, and keep a hostile one cheap to
   // parse.
   static constexpr std::size_t kMaxLines = 200;
   static constexpr std::size_t kMaxSeparators = 64;  ///< Commas and semicolons of one line.
@@ -77,18 +77,18 @@ class VcardSplitter {
   /// Called with the number of a line of the stream, from 1, and a sentence about what is damaged.
   using DamageSink = std::function<void(std::size_t line, std::string_view sentence)>;
 
-  /// `sink` gets the whole cards, `torn` what was read of those that have no end.
+  /// `sink` gets the whole cards. `torn` gets what was read of cards that have no end.
   explicit VcardSplitter(CardSink sink, CardSink torn = {}, DamageSink damage = {});
 
   /// The stream may be cut anywhere between two calls. UTF-16 is known by its mark or by the zeros
   /// next to its first character.
   void Feed(std::string_view bytes);
 
-  /// To be called once, at the end of the stream.
+  /// Call this once, at the end of the stream.
   void Finish();
 
-  /// Whether cards, or lines of cards, were left out, so that the stream may have held a contact
-  /// that was not handed on.
+  /// Whether cards, or lines of cards, were left out. The stream may then have held a contact that
+  /// was not handed on.
   [[nodiscard]] bool IsDamaged() const { return m_isDamaged; }
 
  private:

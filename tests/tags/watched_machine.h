@@ -18,9 +18,9 @@
 #include "tests/support/forwarding_file_system.h"
 #include "tests/support/watched_clock.h"
 
-// Each forwards every call to a back end, and tells before it does.
+// Each forwards every call to a back end, and calls its listener first.
 
-/// Files whose searches and deletions are told, "find ..." and "delete ...". Folders that are
+/// Files whose searches and deletions are heard, "find ..." and "delete ...". Folders that are
 /// refused can neither be found nor made.
 class WatchedFiles final : public support::ForwardingFileSystem {
  public:
@@ -60,7 +60,7 @@ class WatchedFiles final : public support::ForwardingFileSystem {
   std::set<std::u16string_view> m_refused;
 };
 
-/// Contacts of whose calls each kind is told.
+/// Contacts of whose calls each kind is heard.
 class WatchedContacts final : public platform::ContactsStore {
  public:
   using Opened = platform::Result<void, platform::ContactsError>;
@@ -108,7 +108,7 @@ class WatchedContacts final : public platform::ContactsStore {
   std::function<void(std::string_view)> m_listener;
 };
 
-/// An output whose opening is told.
+/// An output whose opening is heard.
 class WatchedWaveOut final : public platform::WaveOut {
  public:
   explicit WatchedWaveOut(platform::WaveOut& inner) : m_inner(inner) {}
@@ -128,7 +128,7 @@ class WatchedWaveOut final : public platform::WaveOut {
   std::function<void()> m_listener;
 };
 
-/// A user interface whose cursors are told.
+/// A user interface whose cursors are heard.
 class WatchedUi final : public platform::Ui {
  public:
   explicit WatchedUi(platform::Ui& inner) : m_inner(inner) {}

@@ -3,7 +3,7 @@
 #include "tests/tags/page_fixture.h"
 #include "tests/tags/watched_machine.h"
 
-/// The Learning page on a machine that tells what it is asked for.
+/// The Learning page on a machine that reports what it is asked for.
 class WatchedPage : public PageFixture {
  protected:
   // What the page refers to goes before the page's own fixture does.

@@ -11,11 +11,11 @@
 
 namespace ebook_test {
 
-/// The library that was built beside the tests.
+/// The library that was built next to the tests.
 [[nodiscard]] vcard::DesktopSource::Library LoadDesktopBooks();
 
-/// An address book of the desktop session that in_desktop_session.sh has made; elsewhere it ends
-/// the program, before it touches the user's own. Every call fails the test where the server
+/// An address book of the desktop session that in_desktop_session.sh has made. In any other session
+/// it ends the program, before it touches the user's own. Every call fails the test if the server
 /// refuses.
 class DesktopBook {
  public:

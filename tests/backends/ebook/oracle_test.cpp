@@ -1,4 +1,4 @@
-// The parser of vCards beside the one of the desktop's own library, for every example that the
+// The parser of vCards next to the one of the desktop's own library, for every example that the
 // library reads without losing something.
 
 #include <gtest/gtest.h>

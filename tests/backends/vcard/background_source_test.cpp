@@ -75,8 +75,8 @@ TEST(BackgroundSource, ReadsOnAnotherThread) {
   EXPECT_NE(reader, std::this_thread::get_id());
 }
 
-/// The simulation gives another thread its turn only where this one waits through it, and lets time
-/// pass only where all of them wait: any other way to wait would hang.
+/// The simulation gives another thread its turn only if this one waits through it, and lets time
+/// pass only if all of them wait: any other way to wait would hang.
 TEST(BackgroundSource, WaitsForASlowServerAsTheThreadsHaveIt) {
   machine::Simulation simulation;
   ScriptedSource inner([&simulation] {

@@ -226,7 +226,7 @@ TEST_F(Recognition, ABookThatIsNotWholeMakesNobodyOneOfFormerTimes) {
 class FormerRecognition : public Recognition {
  protected:
   /// An entry as it was written for a contact: the digest of "uid:" and the UID, or of "content:",
-  /// the UID, and each part behind a line feed.
+  /// the UID, and each part after a line feed.
   static void Add(std::vector<std::byte>& entries, const std::string& identifier,
                   std::uint8_t oid) {
     const Digest digest = ComputeDigest(identifier);

@@ -96,7 +96,7 @@ TEST(VcardSplitter, AnEmptyStreamHoldsNothingAndIsWhole) {
   EXPECT_FALSE(cards.isDamaged);
 }
 
-// Damage: what can be read is read, and that something is missing is told.
+// Damage: what can be read is read, and what is missing is reported.
 
 void ExpectDamaged(const std::string& stream, const std::string& names) {
   const Cards cards = ReadCards(stream);
