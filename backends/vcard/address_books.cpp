@@ -162,6 +162,8 @@ ReadBooks AddressBooks::ReadDesktop() {
   return read;
 }
 
+// Fails if a tag belongs to somebody whose book was not read to its end. The page deletes the tags
+// of contacts that are gone, so it must not open while one only seems to be gone.
 AddressBooks::Done AddressBooks::TakeContacts(std::vector<Book> books) {
   const OidMap::Keeping keeping =
       m_options.changesNothing ? OidMap::Keeping::kInMemory : OidMap::Keeping::kStored;

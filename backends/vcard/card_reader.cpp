@@ -130,6 +130,8 @@ std::u16string SubstituteName(const Card& card) {
   return {};
 }
 
+// FN is the whole name, which programs also fill from the company. It only counts if N is missing
+// or empty, and not if it repeats the company.
 void TakeNames(const Card& card, Rules rules, ContactData& contact) {
   const auto first = [&card](std::string_view name) {
     return std::find_if(card.begin(), card.end(),
@@ -156,6 +158,8 @@ void TakeNames(const Card& card, Rules rules, ContactData& contact) {
   }
 }
 
+// A label in the user's own words may stand on a line of its own, in the same group as the number.
+// So the labels are gathered before the numbers.
 void TakeNumbers(const Card& card, Rules rules, ContactData& contact) {
   std::map<std::string, std::string> labels;  // By group.
   for (const ContentLine& line : card) {

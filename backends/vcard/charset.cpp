@@ -156,6 +156,8 @@ std::string FormerUtf8(std::string_view text, std::string_view charset) {
 
 bool IsStateful(std::string_view charset) { return EqualIgnoringCase(charset, kJapaneseMail); }
 
+// The first two bytes decide. A card begins with an ASCII letter, which has a zero next to it in
+// UTF-16 and in nothing else. The mark, if there is one, is handed on as the character that it is.
 void StreamDecoder::Feed(std::string_view bytes) {
   if (m_encoding == Encoding::kUnknown) {
     const std::size_t taken = std::min(kUnitSize - m_start.size(), bytes.size());
@@ -178,6 +180,7 @@ void StreamDecoder::Feed(std::string_view bytes) {
   }
 }
 
+// A piece may end within a unit or between two surrogates. What is left waits for the next piece.
 void StreamDecoder::FeedUtf16(std::string_view bytes) {
   for (const char byte : bytes) {
     if (!m_half) {

@@ -103,6 +103,8 @@ std::vector<CardKeys> KeysOf(const Book& book) {
   return keys;
 }
 
+// Former versions filed a contact under its UID or its content, and numbered equal contents in the
+// order of the cards. The same is worked out here, so it must not change.
 std::vector<FormerKeys> FormerKeysOf(std::span<const ContactData> contacts) {
   std::vector<FormerKeys> keys;
   Numbered numbered;
@@ -117,6 +119,8 @@ std::vector<FormerKeys> FormerKeysOf(std::span<const ContactData> contacts) {
   return keys;
 }
 
+// A UID is the best seed, since the content may change. Only the first card of a UID gets it: the
+// others need numbers of their own.
 std::vector<std::string> SeedsOf(std::span<const ContactData> contacts) {
   std::vector<std::string> seeds;
   std::unordered_map<std::string, std::size_t> uids;

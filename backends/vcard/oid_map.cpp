@@ -76,6 +76,8 @@ Result<void, RegistryError> OidMap::Load() {
   }
 }
 
+// Other programs can write here too. Whatever makes no sense is named and left as it is. A log-on
+// that failed instead would lock the user out of all tags.
 Result<void, RegistryError> OidMap::LoadBook(const std::u16string& keyName) {
   const std::u16string path = std::u16string(kContactsKey) + u'\\' + keyName;
   const auto passOver = [&](std::string why) {
@@ -193,6 +195,9 @@ OidMap::Oids OidMap::Recognise(std::span<const Book> books) {
   return oids;
 }
 
+// A contact that is known keeps its number and what is known of it is brought up to date. Everybody
+// else gets a new number. Whoever is missing from a complete book is only marked: the number stays
+// taken, and the contact may come back.
 std::vector<std::int32_t> OidMap::Recognise(const Book& book) {
   StoredBook& contacts = m_books[book.name].contacts;
   const std::vector<CardKeys> cards = KeysOf(book);

@@ -124,6 +124,8 @@ platform::Result<void, RegistryError> StoredBook::Load(platform::RegistryKey& ke
   });
 }
 
+// A number that occurs twice in the book is one person, and the later entry counts. A number that
+// another book has already is nobody here: one number must never mean two people.
 void StoredBook::LoadPeople(std::span<const std::byte> bytes,
                             std::unordered_set<std::int32_t>& taken, std::size_t& odd) {
   for (; !bytes.empty(); bytes = bytes.subspan(kPersonSize)) {
@@ -168,6 +170,8 @@ void StoredBook::LoadFormer(std::span<const std::byte> bytes,
   }
 }
 
+// A book of thousands is a few values of at most 4,096 people each. Only those with a change are
+// written.
 platform::Result<void, RegistryError> StoredBook::Save(platform::RegistryKey& key) const {
   for (std::size_t number = 0; number < m_values.size(); ++number) {
     const Value& value = m_values[number];

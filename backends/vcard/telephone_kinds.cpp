@@ -171,6 +171,9 @@ void AppendLabel(std::string_view label, Words& words) {
   }
 }
 
+// Lines that name a kind come first, each in the best place that is free. A line that names none
+// could take the place of one that does, so it waits. The order must not change: a tag knows its
+// number by the kind alone.
 AssignedNumbers AssignNumbers(std::span<const TelephoneLine> lines, Rules rules) {
   // If nothing else is known, the most likely telephone to call somebody on.
   static constexpr std::array kUnknown = {Kind::kMobile, Kind::kHome, Kind::kHome2, Kind::kBusiness,

@@ -61,6 +61,8 @@ ReadBooks VcardSource::Read(RemarkList& remarks) {
   return books;
 }
 
+// Systems find files in any order, and numbers of equal cards depend on the order. So the names are
+// sorted before anything is read.
 VcardSource::ReadPart VcardSource::ReadFolder(Book& book, RemarkList& remarks) {
   const std::u16string prefix = m_path + SeparatorOf(m_path);
   auto search = m_files.Find(prefix + u"*.vcf");

@@ -40,6 +40,8 @@ std::size_t CountSeparators(std::string_view line) {
 
 }  // namespace
 
+// A line ends only after the next one has begun without a blank: a blank means that it goes on. So
+// the line in progress is kept until then, and Finish hands on the last one.
 void LogicalLines::Feed(std::string_view bytes) {
   // Each kind of end is searched for only after the last one found was passed. So a stream without
   // line feeds, or full of carriage returns, costs two fast passes and no more.
@@ -143,6 +145,9 @@ void VcardSplitter::Finish() {
   TearCard();
 }
 
+// vCard 2.1 writes the card of an agent within the card: AGENT with an empty value, and then a
+// whole card. Its lines must not count for the person around it, so they are passed over up to its
+// end. A BEGIN that no AGENT announced means that the card before it has no end.
 void VcardSplitter::OnLine(const LogicalLines::Line& line) {
   std::string_view content = line.text;
   // A mark may be anywhere in the stream: people join files as they are, also after one that ends
@@ -193,6 +198,7 @@ void VcardSplitter::OnLineOfCard(const LogicalLines::Line& line, std::string_vie
   }
 }
 
+// A run of lines that belong to no card is reported once, at its first line.
 void VcardSplitter::OnLineBetweenCards(const LogicalLines::Line& line) {
   const bool isStray = !Trim(line.text).empty();
   if (isStray && !m_isStray) {
