@@ -23,7 +23,15 @@ using resources::kContactComboId;
 using resources::kNumberComboId;
 
 /// How well a contact fits what was asked for. Only those that fit best are meant.
-enum class Likeness : std::uint8_t { kNone, kHoldsWords, kSameWords, kSameName, kIdentifier };
+/// A number that `contacts list` prints may also be a name (112), which then counts for more.
+enum class Likeness : std::uint8_t {
+  kNone,
+  kHoldsWords,
+  kSameWords,
+  kListNumber,
+  kSameName,
+  kIdentifier
+};
 
 using Words = std::vector<std::u16string>;
 
@@ -46,17 +54,18 @@ class Wanted {
  public:
   explicit Wanted(const std::string& wanted)
       : m_name(text::FromUtf8(wanted)), m_words(SortedWords(m_name)) {
-    std::int32_t oid = 0;
+    std::int32_t number = 0;
     const char* end = wanted.data() + wanted.size();
-    const auto parsed = std::from_chars(wanted.data(), end, oid);
+    const auto parsed = std::from_chars(wanted.data(), end, number);
     if (parsed.ec == std::errc() && parsed.ptr == end) {
-      m_oid = oid;
+      m_number = number;
     }
   }
 
-  [[nodiscard]] Likeness Compare(const tags::ContactRecord& record,
+  /// `listNumber` is the number of the contact in `contacts list`, and `item` its name there.
+  [[nodiscard]] Likeness Compare(const tags::ContactRecord& record, std::int32_t listNumber,
                                  std::u16string_view item) const {
-    if (m_oid == record.oid) {
+    if (m_number == record.oid) {
       return Likeness::kIdentifier;
     }
     if (m_words.empty()) {
@@ -64,6 +73,9 @@ class Wanted {
     }
     if (text::SameName(item, m_name)) {
       return Likeness::kSameName;
+    }
+    if (m_number == listNumber) {
+      return Likeness::kListNumber;
     }
     if (SortedWords(item) == m_words) {
       return Likeness::kSameWords;
@@ -78,7 +90,7 @@ class Wanted {
  private:
   std::u16string m_name;
   Words m_words;
-  std::optional<std::int32_t> m_oid;
+  std::optional<std::int32_t> m_number;
 };
 
 /// Items of the contact combo box.
@@ -89,8 +101,9 @@ std::vector<int> FindContacts(const PageRun& run, const std::string& name) {
   for (int i = 0; i < run.dialog.GetItemCount(kContactComboId); ++i) {
     const tags::ContactRecord* record = run.page.GetPicker().GetContacts().Find(i);
     const Likeness likeness =
-        record == nullptr ? Likeness::kNone
-                          : wanted.Compare(*record, run.dialog.GetItemText(kContactComboId, i));
+        record == nullptr
+            ? Likeness::kNone
+            : wanted.Compare(*record, i + 1, run.dialog.GetItemText(kContactComboId, i));
     if (likeness > best) {
       best = likeness;
       found.clear();
