@@ -8,11 +8,13 @@
 #include <cmath>
 #include <string_view>
 
+#include "host/cli/output.h"
 #include "voicemath/constants.h"
 
 namespace cli {
 namespace {
 
+constexpr std::size_t kPictureColumns = 60;
 constexpr std::size_t kLevels = 9;
 constexpr std::array<std::string_view, kLevels> kBlocks{" ", "▁", "▂", "▃", "▄",
                                                         "▅", "▆", "▇", "█"};
@@ -42,12 +44,13 @@ std::vector<float> GatherColumns(std::span<const float> values, std::size_t band
   return gathered;
 }
 
-}  // namespace
-
+/// Returns what the character set of the terminal has.
 PictureStyle ChoosePictureStyle() {
   const std::string_view charset = ::nl_langinfo(CODESET);
   return charset == "UTF-8" ? PictureStyle::kBlocks : PictureStyle::kAscii;
 }
+
+}  // namespace
 
 std::vector<std::string> DrawBands(std::span<const float> values, std::size_t columns,
                                    PictureStyle style) {
@@ -64,6 +67,16 @@ std::vector<std::string> DrawBands(std::span<const float> values, std::size_t co
     lines.push_back(std::move(line));
   }
   return lines;
+}
+
+void PrintPicture(std::span<const float> values) {
+  for (const std::string& line : DrawBands(values, kPictureColumns, ChoosePictureStyle())) {
+    PrintLine("  " + line);
+  }
+}
+
+std::string CountFrames(std::int32_t frames) {
+  return fmt::format("{} {}", frames, frames == 1 ? "frame" : "frames");
 }
 
 }  // namespace cli

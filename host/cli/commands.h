@@ -31,6 +31,16 @@ void AddTagsTestCommand(CLI::App& group, Session& session);
 /// tags trash|restore
 void AddTrashCommands(CLI::App& tags, Session& session);
 
+/// check. Prints what is wrong with the voice tags. The exit code is 1 if anything is. The settings
+/// stay as they are, even if it reads another address book than the last one. With `isRepair`,
+/// templates are computed again from the kept recordings if that helps.
+void CheckTags(Session& session, bool isRepair);
+
+/// Runs the window of the connection settings, and returns when it is closed. Reports it if there
+/// is no screen or the window cannot be shown. Calls `prepare` before the window opens, and opens
+/// none if that returns false.
+void RunConnectionWindow(Session& session, bool (*prepare)(Session& session));
+
 /// Finishes or undoes what a killed command left, and empties the trash of what is too old, as the
 /// page does when it opens. For commands that need no page: if a window has the tags, it has done
 /// so, and nothing happens.

@@ -16,9 +16,10 @@
 #include "connection/active_ports.h"
 #include "connection/connection_sheet.h"
 #include "host/cli/connection_settings.h"
-#include "host/cli/connection_window.h"
+#include "host/cli/file_arguments.h"
 #include "host/cli/output.h"
 #include "host/cli/page_run.h"
+#include "host/machine/backends.h"
 #include "resources/strings.h"
 #include "storage/registry_file.h"
 
@@ -32,7 +33,14 @@ std::string ValueOf(const headless::HeadlessDialog& dialog, const ConnectionSett
                          : text::ToUtf8(dialog.GetText(setting.control));
 }
 
-/// Makes the ports that the machine has now known to the page; false where there is no store.
+/// If that fails, the ports are those of last time.
+void PublishPorts(platform::Registry& registry) {
+  udev_ports::UdevSerialDevices devices;
+  static_cast<void>(udev_ports::PublishSerialPorts(registry, devices));
+}
+
+/// Makes the ports that the machine has now known to the page. Returns false, and reports it, if
+/// there is no store.
 bool PreparePorts(Session& session) {
   if (!session.OpenForChanging()) {
     return false;
@@ -43,22 +51,21 @@ bool PreparePorts(Session& session) {
                              storage::ExplainRegistryError(root.error())));
     return false;
   }
-  udev_ports::UdevSerialDevices devices;
-  // Where that fails the ports are those of last time.
-  static_cast<void>(udev_ports::PublishSerialPorts(registry, devices));
+  PublishPorts(registry);
   return true;
 }
 
-/// Opens the page without a window and hands it to `use`.
-void RunWithoutWindow(Session& session, const std::function<void(headless::HeadlessSheet&)>& use) {
+/// Opens the page over `registry` without a window, and hands it to `use`.
+void RunWithoutWindow(Session& session, platform::Registry& registry,
+                      const std::function<void(headless::HeadlessSheet&)>& use) {
   session.GetUi().SetSheetStory(use);
-  connection::RunConnectionSheet(session.GetUi(), session.GetRegistry(),
+  connection::RunConnectionSheet(session.GetUi(), registry,
                                  LoadTexts(session)(resources::kSheetCaption));
 }
 
-Values ReadValues(Session& session) {
+Values ReadValues(Session& session, platform::Registry& registry) {
   Values values;
-  RunWithoutWindow(session, [&values](headless::HeadlessSheet& sheet) {
+  RunWithoutWindow(session, registry, [&values](headless::HeadlessSheet& sheet) {
     for (const ConnectionSetting& setting : kConnectionSettings) {
       values.push_back(ValueOf(*sheet.ShowPage(0), setting));
     }
@@ -66,8 +73,9 @@ Values ReadValues(Session& session) {
   return values;
 }
 
-void PrintValues(Session& session, const Values& values) {
-  const auto ports = connection::ReadActivePorts(session.GetRegistry());
+/// `registry` has the ports.
+void PrintValues(Session& session, const Values& values, platform::Registry& registry) {
+  const auto ports = connection::ReadActivePorts(registry);
   if (!session.GetOptions().json) {
     for (std::size_t i = 0; i < kConnectionSettings.size(); ++i) {
       PrintLine(fmt::format("{:<13}{}", kConnectionSettings[i].name, values[i]));
@@ -87,13 +95,27 @@ void PrintValues(Session& session, const Values& values) {
     json["ports"].push_back(
         {{"name", text::ToUtf8(port.name)}, {"device", text::ToUtf8(port.device)}});
   }
-  PrintJson(json);
+  session.SetJson(json);
 }
 
 void Show(Session& session) {
-  if (PreparePorts(session)) {
-    PrintValues(session, ReadValues(session));
+  if (!session.RequireRoot()) {
+    return;
   }
+  const auto folder = session.HasRootFolder() ? nullptr : TemporaryFolder::Make();
+  if (!folder) {
+    if (PreparePorts(session)) {
+      PrintValues(session, ReadValues(session, session.GetRegistry()), session.GetRegistry());
+    }
+    return;
+  }
+  // A root folder that is missing counts as a new one. It is not made, since its name may be
+  // mistyped. So the settings of a temporary one are shown.
+  machine::Options options = session.GetOptions().machine;
+  options.root = folder->GetPath().native();
+  machine::Backends backends(options);
+  PublishPorts(backends.GetRegistry());
+  PrintValues(session, ReadValues(session, backends.GetRegistry()), backends.GetRegistry());
 }
 
 /// Does to the page what the user asks for.
@@ -124,7 +146,7 @@ void Set(Session& session, const std::vector<std::string>& arguments) {
   // The page stores each setting by itself. One command is one change: the dialer never finds the
   // rate of one line with the bits of another.
   auto group = platform::RegistryGroup::Begin(session.GetRegistry());
-  RunWithoutWindow(session, [&](headless::HeadlessSheet& sheet) {
+  RunWithoutWindow(session, session.GetRegistry(), [&](headless::HeadlessSheet& sheet) {
     headless::HeadlessDialog& dialog = *sheet.ShowPage(0);
     for (const ConnectionChange& change : changes) {
       Apply(dialog, change);
@@ -136,30 +158,14 @@ void Set(Session& session, const std::vector<std::string>& arguments) {
   });
   const auto kept = group ? group->Commit() : platform::Failure(group.error());
   // The page says nothing if a setting could not be written.
-  const Values stored = ReadValues(session);
-  PrintValues(session, stored);
+  const Values stored = ReadValues(session, session.GetRegistry());
+  PrintValues(session, stored, session.GetRegistry());
   const std::string path = session.GetRegistryPath().native();
   if (!kept) {
     session.Fail(fmt::format("{}: the settings could not be stored: {}", path,
                              storage::ExplainRegistryError(kept.error())));
   } else if (stored != wanted) {
     session.Fail(fmt::format("{}: the settings could not be stored", path));
-  }
-}
-
-void OpenSheet(Session& session) {
-  if (!session.RequireRoot()) {
-    return;
-  }
-  if (!HasScreen()) {
-    session.Fail(
-        "there is no screen here; see `voxtrel connection show` and `voxtrel connection set`");
-  } else if (!PreparePorts(session)) {
-    return;
-  } else if (!RunConnectionWindow(session.GetRegistryPath().parent_path())) {
-    session.Fail("the window could not be shown; see `voxtrel connection show` and `set`");
-  } else if (session.GetOptions().json) {
-    PrintJson({{"result", 0}});
   }
 }
 
@@ -171,7 +177,7 @@ void AddConnectionCommands(CLI::App& app, Session& session) {
   group->require_subcommand(0, 1);
   group->callback([&session, group] {
     if (group->get_subcommands().empty()) {
-      OpenSheet(session);
+      RunConnectionWindow(session, PreparePorts);
     }
   });
 

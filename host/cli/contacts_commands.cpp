@@ -74,7 +74,7 @@ void ShowContacts(Session& session) {
     for (const ListedContact& contact : *contacts) {
       list.push_back(ToJson(contact));
     }
-    PrintJson(list);
+    session.SetJson(list);
   } else if (contacts->empty()) {
     PrintLine("No contact has a telephone number.");
   } else {

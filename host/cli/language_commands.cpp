@@ -3,14 +3,13 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
-#include <cstddef>
 #include <cstdio>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "backends/text/utf.h"
+#include "host/cli/file_arguments.h"
 #include "host/cli/output.h"
 #include "language/language_check.h"
 #include "language/language_table.h"
@@ -20,53 +19,49 @@ namespace cli {
 namespace {
 
 using language::LanguageTable;
-using Bytes = std::vector<std::byte>;
+using Bytes = FileArgument::Bytes;
+using platform::Failure;
+using platform::FileError;
+using platform::Result;
 
-/// The whole file; tells what is wrong where it cannot be read.
-std::optional<Bytes> ReadLanguageFile(Session& session, const std::string& name) {
-  const platform::Platform platform = session.GetPlatform();
-  const auto file = platform.files.Open(Session::ToSystemPath(name), {});
-  const auto length = file ? (*file)->GetLength() : platform::Failure(file.error());
-  if (!length) {
-    session.Fail(fmt::format("{}: it cannot be opened", name));
-    return std::nullopt;
+/// A language file that was given by name, with its bytes.
+struct ReadFile {
+  std::string name;
+  Bytes bytes;
+};
+
+/// Returns the whole file. The error is a sentence.
+Result<ReadFile, std::string> ReadLanguageFile(Session& session, const std::string& name) {
+  const auto file = FileArgument::ForReading(name);
+  if (!file) {
+    return Failure(file.error());
   }
-  if (*length > LanguageTable::kMaxFileLength) {
-    session.Fail(fmt::format("{}: it is too long for a language file", name));
-    return std::nullopt;
+  auto bytes = file->Read(session, LanguageTable::kMaxFileLength, "a language file");
+  if (!bytes) {
+    return Failure(bytes.error());
   }
-  Bytes bytes(static_cast<std::size_t>(*length));
-  const auto read = (*file)->Read(bytes);
-  if (!read) {
-    session.Fail(fmt::format("{}: it cannot be read", name));
-    return std::nullopt;
-  }
-  bytes.resize(*read);
-  return bytes;
+  return ReadFile{file->GetName(), std::move(*bytes)};
 }
 
 /// A file of that name is left alone, since somebody may have translated it. A new one is there
-/// when it is whole.
-bool WriteLanguageFile(Session& session, const std::string& name, const Bytes& bytes) {
-  using platform::FileError;
+/// when it is whole. The error is a sentence.
+Result<void, std::string> WriteLanguageFile(Session& session, const std::string& name,
+                                            const Bytes& bytes) {
   platform::FileSystem& files = session.GetFiles();
   const std::u16string path = Session::ToSystemPath(name);
   auto earlier = files.Open(path, {});
   if (earlier && (*earlier)->GetLength() != 0) {
-    session.Fail(fmt::format("{}: there is such a file already; it was left as it is", name));
-    return false;
+    return Failure(fmt::format("{}: there is such a file already; it was left as it is", name));
   }
   const bool mayWrite = earlier || earlier.error() == FileError::kNotFound;
   if (earlier) {
     earlier->reset();
   }
-  const auto made = mayWrite ? files.OpenReplacement(path) : platform::Failure(earlier.error());
-  const bool isWritten =
-      made && (*made)->GetFile().Write(bytes) && (*made)->Publish(platform::Durability::kNow);
-  if (!isWritten) {
-    session.Fail(fmt::format("{}: it cannot be written", name));
+  const auto made = mayWrite ? files.OpenReplacement(path) : Failure(earlier.error());
+  if (!made || !(*made)->GetFile().Write(bytes) || !(*made)->Publish(platform::Durability::kNow)) {
+    return Failure(fmt::format("{}: it cannot be written", name));
   }
-  return isWritten;
+  return {};
 }
 
 /// For a terminal, which must not take a text of the file for a command.
@@ -93,31 +88,32 @@ Json ToJson(const language::Finding& finding) {
           {"message", finding.message}};
 }
 
-void CheckLanguage(Session& session, const std::string& file) {
-  const std::optional<Bytes> bytes = ReadLanguageFile(session, file);
-  if (!bytes) {
+void CheckLanguage(Session& session, const std::string& name) {
+  const auto file = ReadLanguageFile(session, name);
+  if (!file) {
+    session.Fail(file.error());
     return;
   }
-  const std::vector<language::Finding> findings = language::CheckLanguageFile(*bytes);
+  const std::vector<language::Finding> findings = language::CheckLanguageFile(file->bytes);
   if (session.GetOptions().json) {
     Json list = Json::array();
     for (const language::Finding& finding : findings) {
       list.push_back(ToJson(finding));
     }
-    PrintJson({{"findings", std::move(list)}});
+    session.SetJson({{"findings", std::move(list)}});
   } else {
     for (const language::Finding& finding : findings) {
-      PrintFinding(file, finding);
+      PrintFinding(file->name, finding);
     }
   }
   if (!findings.empty()) {
-    session.Fail(fmt::format("{}: {} to mend", file, findings.size()));
+    session.Fail(fmt::format("{}: {} to mend", file->name, findings.size()));
   } else if (!session.GetOptions().json) {
-    PrintLine(fmt::format("{}: every key has its text", file));
+    PrintLine(fmt::format("{}: every key has its text", file->name));
   }
 }
 
-void PrintEntries(const Session& session, const Bytes& bytes) {
+void PrintEntries(Session& session, const Bytes& bytes) {
   LanguageTable table;
   table.LoadFrom(bytes);
   if (!session.GetOptions().json) {
@@ -130,24 +126,29 @@ void PrintEntries(const Session& session, const Bytes& bytes) {
   for (const LanguageTable::Entry& entry : table.GetEntries()) {
     list.push_back(Json::array({text::ToUtf8(entry.key), text::ToUtf8(entry.text)}));
   }
-  PrintJson({{"entries", std::move(list)}});
+  session.SetJson({{"entries", std::move(list)}});
 }
 
-void ShowLanguage(Session& session, const std::string& file) {
-  const std::optional<Bytes> bytes = ReadLanguageFile(session, file);
-  if (bytes) {
-    PrintEntries(session, *bytes);
+void ShowLanguage(Session& session, const std::string& name) {
+  if (const auto file = ReadLanguageFile(session, name)) {
+    PrintEntries(session, file->bytes);
+  } else {
+    session.Fail(file.error());
   }
 }
 
-void WriteTemplate(Session& session, const std::string& file) {
+void WriteTemplate(Session& session, const std::string& name) {
   const Bytes bytes = language::ToLanguageFile(language::LanguageTemplate());
-  if (!file.empty() && !WriteLanguageFile(session, file, bytes)) {
-    return;
+  const bool isStream = name.empty() || name == "-";
+  if (!isStream) {
+    if (const auto written = WriteLanguageFile(session, name, bytes); !written) {
+      session.Fail(written.error());
+      return;
+    }
   }
   if (session.GetOptions().json) {
     PrintEntries(session, bytes);
-  } else if (file.empty()) {
+  } else if (isStream) {
     if (std::fwrite(bytes.data(), 1, bytes.size(), stdout) != bytes.size()) {
       session.Fail("standard output cannot be written");
     }
@@ -162,16 +163,16 @@ void AddLanguageCommands(CLI::App& app, Session& session) {
   const auto file = std::make_shared<std::string>();
 
   CLI::App* check = group->add_subcommand("check", "Say what a translator should mend");
-  check->add_option("file", *file, "The language file")->required();
+  check->add_option("file", *file, "The language file; - for standard input")->required();
   check->callback([&session, file] { CheckLanguage(session, *file); });
 
   CLI::App* show = group->add_subcommand("show", "Print the texts that a language file gives");
-  show->add_option("file", *file, "The language file")->required();
+  show->add_option("file", *file, "The language file; - for standard input")->required();
   show->callback([&session, file] { ShowLanguage(session, *file); });
 
   CLI::App* start = group->add_subcommand(
       "template", "Write a complete English language file for translators to begin with");
-  start->add_option("file", *file, "Where to write it (default: standard output)");
+  start->add_option("file", *file, "Where to write it (default, or -: standard output)");
   start->callback([&session, file] { WriteTemplate(session, *file); });
 }
 

@@ -1,14 +1,12 @@
-#include "host/cli/maintenance_check.h"
+#include "host/cli/commands.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <cstdint>
-#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
-#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -106,7 +104,7 @@ CheckedStore FindProblems(Session& session, const platform::Platform& platform) 
   return checked;
 }
 
-void PrintFindingsAsJson(const Session& session, const std::vector<CheckedFinding>& findings,
+void PrintFindingsAsJson(Session& session, const std::vector<CheckedFinding>& findings,
                          std::uint32_t tagCount) {
   Json list = Json::array();
   for (const CheckedFinding& checked : findings) {
@@ -122,7 +120,7 @@ void PrintFindingsAsJson(const Session& session, const std::vector<CheckedFindin
       list.back()["reason"] = checked.reason;
     }
   }
-  PrintJson({{"tags", tagCount}, {"findings", list}});
+  session.SetJson({{"tags", tagCount}, {"findings", list}});
 }
 
 void PrintFindings(Session& session, const std::vector<CheckedFinding>& findings,
@@ -216,21 +214,15 @@ void Repair(const platform::Platform& platform, CheckedStore& checked) {
   RemoveOrphans(platform, checked.findings);
 }
 
-/// Whether there is a folder that may hold tags. A repair makes none.
-bool HasRootFolder(const Session& session) {
-  std::error_code ignored;
-  return std::filesystem::is_directory(session.GetRegistryPath().parent_path(), ignored);
-}
-
 }  // namespace
 
 void CheckTags(Session& session, bool isRepair) {
-  const bool mayRepair = isRepair && HasRootFolder(session);
+  const bool mayRepair = isRepair && session.HasRootFolder();  // A repair makes none.
   if (!(mayRepair ? session.OpenForChanging() : session.OpenForReading())) {
     return;
   }
   const platform::Platform own = session.GetPlatform();
-  // Whoever only looks waits for nobody, and keeps nobody from changing tags.
+  // A look at the tags waits for nobody, and keeps nobody from changing them.
   const platform::CreatedMutex hold =
       mayRepair ? own.threads.CreateNamedMutex(tags::kInstanceMutex) : platform::CreatedMutex{};
   if (hold == platform::Failure(platform::ThreadError::kHeld)) {

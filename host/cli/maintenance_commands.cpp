@@ -11,7 +11,6 @@
 #include <vector>
 
 #include "backends/text/utf.h"
-#include "host/cli/maintenance_check.h"
 #include "host/cli/output.h"
 #include "host/cli/page_run.h"
 #include "maintenance/store_check.h"
@@ -153,12 +152,12 @@ void PrintReinit(Session& session, const ReinitOutcome& outcome) {
     for (const headless::ShownMessage& shown : session.GetUi().GetMessages()) {
       messages.push_back(text::ToUtf8(shown.box.text));
     }
-    PrintJson({{"ran", outcome.hasRun},
-               {"tags", outcome.tags},
-               {"recordings", outcome.recordings},
-               {"withoutRecording", without},
-               {"messages", messages},
-               {"problem", session.GetFailure()}});
+    session.SetJson({{"ran", outcome.hasRun},
+                     {"tags", outcome.tags},
+                     {"recordings", outcome.recordings},
+                     {"withoutRecording", without},
+                     {"messages", messages},
+                     {"problem", session.GetFailure()}});
   } else if (session.GetExitCode() != 0) {
     return;
   } else if (outcome.hasRun) {

@@ -15,7 +15,8 @@
 namespace cli {
 namespace {
 
-/// The library prints a fraction with as many digits as tell the double, up to 17.
+/// Nine digits, where the library prints as many as a double needs, up to 17: the values are
+/// floats.
 std::string NumberText(double value) {
   if (!std::isfinite(value)) {
     return "null";
@@ -27,8 +28,9 @@ std::string NumberText(double value) {
   return number;
 }
 
-/// Paths of the host need not be UTF-8; what is not becomes U+FFFD, since a JSON text has no bytes.
-/// What the library leaves as it is, and a terminal might take for a command, becomes an escape.
+/// Returns the library's text of a value. Paths of the host need not be UTF-8: what is not becomes
+/// U+FFFD, since a JSON text has no bytes. What the library leaves as it is, and a terminal might
+/// take for a command, becomes an escape.
 std::string Dump(const Json& json) {
   const std::string dumped = json.dump(-1, ' ', false, Json::error_handler_t::replace);
   std::u16string text;
@@ -74,7 +76,8 @@ void Write(std::FILE* stream, std::string_view line) {
 void ReserveStandardStreams() {
   for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
     if (::fcntl(stream, F_GETFD) == -1) {
-      // Takes the lowest free number, this one. Opened the wrong way round, so that its use fails.
+      // It gets the lowest free number, which is this one. It is opened for the wrong direction, so
+      // its use fails.
       static_cast<void>(::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY));
     }
   }
@@ -84,6 +87,10 @@ void PrintJson(const Json& json) {
   std::string text;
   AppendJson(text, json);
   PrintLine(text);
+}
+
+Json ErrorToJson(int code, std::string_view message) {
+  return {{"error", {{"code", code}, {"message", message}}}};
 }
 
 void PrintLine(std::string_view line) { Write(stdout, line); }

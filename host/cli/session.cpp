@@ -31,18 +31,8 @@ std::filesystem::path NearestThatExists(std::filesystem::path path) {
   return path;
 }
 
-void PrintMessage(const headless::ShownMessage& shown) {
-  if (IsConfirmation(shown.box)) {
-    return;  // Was told when it was asked.
-  }
-  const std::string caption = text::ToUtf8(shown.caption);
-  std::string body = text::ToUtf8(shown.box.text);
-  // A command has no window to close.
-  const std::string advice = text::ToUtf8(resources::kOpenAgain);
-  if (body.ends_with(advice)) {
-    body.replace(body.size() - advice.size(), advice.size(), "Run the command again.");
-  }
-  PrintErrorLine(caption.empty() ? body : caption + ": " + body);
+void AppendLine(std::string& lines, std::string_view line) {
+  lines.append(lines.empty() ? "" : "\n").append(line);
 }
 
 }  // namespace
@@ -52,7 +42,7 @@ Session::Session(const Options& options)
       m_backends(options.machine),
       m_clock(m_backends.GetClock()),
       m_ui(std::u16string(kApplicationName)) {
-  m_ui.SetListener(PrintMessage);
+  m_ui.SetListener([this](const headless::ShownMessage& shown) { PrintMessage(shown); });
   m_ui.SetAnswerer([this](const platform::MessageBox& box) { return Answer(box); });
 }
 
@@ -90,6 +80,11 @@ bool Session::RequireRoot() {
     return false;
   }
   return true;
+}
+
+bool Session::HasRootFolder() const {
+  std::error_code ignored;
+  return std::filesystem::is_directory(m_backends.GetRoot(), ignored);
 }
 
 bool Session::OpenForReading() {
@@ -134,13 +129,43 @@ platform::MessageAnswer Session::Answer(const platform::MessageBox& box) const {
                                                            : platform::MessageAnswer::kCancel;
 }
 
+void Session::PrintMessage(const headless::ShownMessage& shown) {
+  if (IsConfirmation(shown.box)) {
+    return;  // It was printed as a question.
+  }
+  const std::string caption = text::ToUtf8(shown.caption);
+  std::string body = text::ToUtf8(shown.box.text);
+  // A command has no window to close.
+  const std::string advice = text::ToUtf8(resources::kOpenAgain);
+  if (body.ends_with(advice)) {
+    body.replace(body.size() - advice.size(), advice.size(), "Run the command again.");
+  }
+  const std::string line = caption.empty() ? body : caption + ": " + body;
+  PrintErrorLine(line);
+  AppendLine(m_messages, line);
+}
+
 void Session::Fail(std::string_view message) {
   PrintErrorLine(std::string("voxtrel: ").append(message));
   m_failed = true;
   m_failure = message;
+  AppendLine(m_messages, message);
 }
 
-int Session::GetExitCode() const { return m_failed || m_process.GetExitCode() ? 1 : 0; }
+int Session::GetExitCode() const { return m_failed || m_process.GetExitCode() ? kFailed : 0; }
+
+void Session::PrintOutcome() const {
+  if (!m_options.json) {
+    return;
+  }
+  std::optional<Json> json = m_json;
+  if (GetExitCode() != 0 && (!json || json->is_object())) {
+    (json ? *json : json.emplace(Json::object())).update(ErrorToJson(GetExitCode(), m_messages));
+  }
+  if (json) {
+    PrintJson(*json);
+  }
+}
 
 std::optional<std::string> Session::FindUnusableKey(std::u16string_view start) {
   auto key = storage::FindUnusableKey(GetRegistry(), start);

@@ -62,7 +62,7 @@ void ShowStatus(Session& session) {
     if (!contacts.remarks.empty()) {
       ofContacts["remarks"] = contacts.remarks;
     }
-    PrintJson({{"contacts", std::move(ofContacts)}, {"microphones", microphones}});
+    session.SetJson({{"contacts", std::move(ofContacts)}, {"microphones", microphones}});
   } else {
     Tell(contacts, microphones);
   }

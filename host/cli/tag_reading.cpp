@@ -66,15 +66,14 @@ platform::Result<std::vector<std::u16string>, platform::RegistryError> ListTagNa
   return std::move(list->names);
 }
 
-bool ReadTags(Session& session, std::vector<tags::ListedTag>& tags) {
+platform::Result<std::vector<tags::ListedTag>, std::string> ReadTags(Session& session) {
   const platform::Platform platform = session.GetPlatform();
   const auto names = ListTagNames(session);
   if (!names) {
-    session.Fail(session.ExplainStore(names.error()));
-    return false;
+    return platform::Failure(session.ExplainStore(names.error()));
   }
   if (names->empty()) {
-    return true;
+    return {};
   }
   const bool hasContacts = tags::OpenContacts(platform.contacts, platform.clock).has_value();
   auto read = ReadAtOnce(platform, hasContacts);
@@ -83,14 +82,12 @@ bool ReadTags(Session& session, std::vector<tags::ListedTag>& tags) {
   }
   platform.contacts.Logoff();
   if (!read) {
-    session.Fail(session.ExplainStore(read.error()));
-    return false;
+    return platform::Failure(session.ExplainStore(read.error()));
   }
-  tags = std::move(*read);
-  for (const tags::ListedTag& tag : tags) {
+  for (const tags::ListedTag& tag : *read) {
     ReportProblem(session, tag);
   }
-  return true;
+  return std::move(*read);
 }
 
 Json ToJson(const Session& session, const tags::ListedTag& tag) {

@@ -14,11 +14,11 @@ namespace cli {
 [[nodiscard]] platform::Result<std::vector<std::u16string>, platform::RegistryError> ListTagNames(
     Session& session);
 
-/// Stores every tag in `tags` for a command that changes nothing. If the contacts cannot be read
-/// the tags have their own names, and standard error says why. Returns false, after reporting it,
-/// if it is not known which tags there are. A tag that is not as it should be is reported as well,
-/// and makes the exit code 1.
-[[nodiscard]] bool ReadTags(Session& session, std::vector<tags::ListedTag>& tags);
+/// Returns every tag, for a command that changes nothing. If the contacts cannot be read, the tags
+/// have their own names, and standard error says why. A tag that has a fault is reported, and makes
+/// the exit code 1. The error is the sentence that says why it is not known which tags there are.
+[[nodiscard]] platform::Result<std::vector<tags::ListedTag>, std::string> ReadTags(
+    Session& session);
 
 /// {"name","contact","phoneType","text","wave","template","stale"}
 [[nodiscard]] Json ToJson(const Session& session, const tags::ListedTag& tag);

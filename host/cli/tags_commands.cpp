@@ -54,21 +54,25 @@ void PrintTag(const tags::ListedTag& tag) {
 }
 
 void ListTags(Session& session) {
-  std::vector<tags::ListedTag> tags;
-  if (!session.OpenForReading() || !ReadTags(session, tags)) {
+  if (!session.OpenForReading()) {
+    return;
+  }
+  const auto tags = ReadTags(session);
+  if (!tags) {
+    session.Fail(tags.error());
     return;
   }
   if (session.GetOptions().json) {
     Json list = Json::array();
-    for (const tags::ListedTag& tag : tags) {
+    for (const tags::ListedTag& tag : *tags) {
       list.push_back(ToJson(session, tag));
     }
-    PrintJson(list);
+    session.SetJson(list);
     return;
   }
-  std::ranges::for_each(tags, PrintTag);
+  std::ranges::for_each(*tags, PrintTag);
   PrintLine(text::ToUtf8(
-      language::CountLabel(LoadTexts(session), static_cast<std::int32_t>(tags.size()))));
+      language::CountLabel(LoadTexts(session), static_cast<std::int32_t>(tags->size()))));
 }
 
 /// Whether what stands for the microphone can be heard, before anybody is asked to speak; tells
@@ -110,13 +114,13 @@ std::vector<std::string> WarnOfRecording(Session& session, std::u16string_view t
 }
 
 /// What `tags list` has of the tag, with the warnings if there are any.
-void PrintLearned(const Session& session, const tags::ListedTag& tag,
+void PrintLearned(Session& session, const tags::ListedTag& tag,
                   const std::vector<std::string>& warnings) {
   Json json = ToJson(session, tag);
   if (!warnings.empty()) {
     json["warnings"] = warnings;
   }
-  PrintJson(json);
+  session.SetJson(json);
 }
 
 void Learn(Session& session, const std::string& contact, const std::string& kind) {
@@ -152,7 +156,11 @@ void Learn(Session& session, const std::string& contact, const std::string& kind
   });
 }
 
-/// Selects the tag of that name; tells where there is none.
+std::string ExplainNoSuchTag(const std::string& name) {
+  return fmt::format("there is no tag {}; `voxtrel tags list` shows them", name);
+}
+
+/// Selects the tag of that name. Reports it if there is none.
 bool SelectTag(Session& session, PageRun& run, const std::string& name) {
   for (int i = 0; i < run.dialog.GetItemCount(kTagListId); ++i) {
     if (run.page.GetTagOfLine(i) == text::FromUtf8(name)) {
@@ -161,7 +169,7 @@ bool SelectTag(Session& session, PageRun& run, const std::string& name) {
     }
   }
   session.Fail(ListsAllTags(session, run)
-                   ? fmt::format("there is no tag {}; `voxtrel tags list` shows them", name)
+                   ? ExplainNoSuchTag(name)
                    : fmt::format("tag {} could not be listed, and others could not either; "
                                  "`voxtrel check` says what is wrong with them",
                                  name));
@@ -170,11 +178,19 @@ bool SelectTag(Session& session, PageRun& run, const std::string& name) {
 
 void PrintResult(Session& session, int result) {
   if (session.GetOptions().json) {
-    PrintJson({{"result", result}});
+    session.SetJson({{"result", result}});
   }
 }
 
 void PlayTag(Session& session, const std::string& name) {
+  // The page would make the root folder, although it is only asked for a recording.
+  if (!session.RequireRoot()) {
+    return;
+  }
+  if (!session.HasRootFolder()) {
+    session.Fail(ExplainNoSuchTag(name));
+    return;
+  }
   RunPage(session, Contacts::kOptional, [&](PageRun& run) {
     if (!SelectTag(session, run, name)) {
       return;

@@ -50,7 +50,7 @@ void PrintTest(Session& session, const std::vector<std::u16string>& items,
   if (beyond > 0) {
     json["beyond"] = beyond;
   }
-  PrintJson(json);
+  session.SetJson(json);
 }
 
 /// The tags of the store as the Test dialog takes them from the page.
@@ -70,11 +70,15 @@ class ReadSession final : public maintenance::TagSession {
 };
 
 void Test(Session& session) {
-  std::vector<tags::ListedTag> tags;
-  if (!session.OpenForReading() || !ReadTags(session, tags)) {
+  if (!session.OpenForReading()) {
     return;
   }
-  const storage::TagTable table = tags::ToTable(tags);
+  const auto tags = ReadTags(session);
+  if (!tags) {
+    session.Fail(tags.error());
+    return;
+  }
+  const storage::TagTable table = tags::ToTable(*tags);
   const platform::Platform platform = session.GetPlatform();
   ReadSession read(table, platform);
   maintenance::TestDialog dialog(platform, LoadTexts(session));

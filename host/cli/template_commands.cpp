@@ -10,8 +10,9 @@
 #include <string>
 #include <vector>
 
+#include "host/cli/band_picture.h"
+#include "host/cli/file_arguments.h"
 #include "host/cli/output.h"
-#include "host/cli/template_makers.h"
 #include "voicemath/template_file.h"
 #include "voicemath/voice_mathematics.h"
 
@@ -19,16 +20,37 @@ namespace cli {
 namespace {
 
 using voicemath::CVoiceMathematics;
-/// Reads a template into `slot`. Reports what is wrong if that fails.
-bool Load(Session& session, CVoiceMathematics& mathematics, const std::string& st,
-          std::size_t slot) {
-  mathematics.m_loadSlot = static_cast<std::int32_t>(slot);
-  const auto read = voicemath::ReadTemplateFile(session.GetPlatform().files,
-                                                Session::ToSystemPath(st), mathematics);
-  if (!read) {
-    session.Fail(fmt::format("{}: {}", st, ExplainTemplateFile(read.error())));
+using voicemath::TemplateFileError;
+
+/// Returns what is wrong with a template file, in words that go on after its name and a colon.
+std::string ExplainTemplateFile(TemplateFileError error) {
+  switch (error) {
+    case TemplateFileError::kNotOpened:
+      return "it cannot be opened";
+    case TemplateFileError::kTorn:
+      return "it is torn: it ends before its template does";
+    case TemplateFileError::kBadFormat:
+      return "it is not a template file";
+    default:
+      return "it cannot be read to its end";
   }
-  return read.has_value();
+}
+
+/// Reads a template into `slot`. Returns what messages call its file. The error is a sentence.
+platform::Result<std::string, std::string> Load(Session& session, CVoiceMathematics& mathematics,
+                                                const std::string& st, std::size_t slot) {
+  const auto file = FileArgument::ForReading(st);
+  if (!file) {
+    return platform::Failure(file.error());
+  }
+  mathematics.m_loadSlot = static_cast<std::int32_t>(slot);
+  const auto read =
+      voicemath::ReadTemplateFile(session.GetPlatform().files, file->GetPath(), mathematics);
+  if (!read) {
+    return platform::Failure(
+        fmt::format("{}: {}", file->GetName(), ExplainTemplateFile(read.error())));
+  }
+  return file->GetName();
 }
 
 /// A sentence about the values for which `isOdd` holds. Returns an empty text if there is none.
@@ -40,9 +62,10 @@ std::string NameOdd(std::span<const float> values, const char* what, Predicate i
   }
   const auto at = static_cast<std::size_t>(first - values.begin());
   const auto more = std::count_if(first, values.end(), isOdd) - 1;
-  return fmt::format("the value of frame {}, band {} is {} ({}){}", at / voicemath::kBandCount + 1,
-                     at % voicemath::kBandCount + 1, what, *first,
-                     more > 0 ? fmt::format(", and so are {} more", more) : "");
+  return fmt::format(
+      "the value of frame {}, band {} is {} ({}){}", at / voicemath::kBandCount + 1,
+      at % voicemath::kBandCount + 1, what, *first,
+      more > 0 ? fmt::format(", and so {} {} more", more == 1 ? "is" : "are", more) : "");
 }
 
 /// Names values that no template has. Returns false, and the command has failed, if some are no
@@ -64,13 +87,15 @@ bool CheckValues(Session& session, const std::string& st, std::span<const float>
 void ShowTemplate(Session& session, const std::string& st) {
   const platform::Platform platform = session.GetPlatform();
   CVoiceMathematics mathematics(platform.files, platform.ui);
-  if (!Load(session, mathematics, st, 0)) {
+  const auto name = Load(session, mathematics, st, 0);
+  if (!name) {
+    session.Fail(name.error());
     return;
   }
   const auto values = mathematics.GetTemplate(0);
-  static_cast<void>(CheckValues(session, st, values));  // Shown all the same.
+  static_cast<void>(CheckValues(session, *name, values));  // Shown all the same.
   if (!session.GetOptions().json) {
-    PrintLine(fmt::format("{}: {} frames, {:.2f} s", st, mathematics.m_frameCounts[0],
+    PrintLine(fmt::format("{}: {}, {:.2f} s", *name, CountFrames(mathematics.m_frameCounts[0]),
                           mathematics.GetTemplateDuration(0)));
     PrintPicture(values);
     return;
@@ -79,13 +104,13 @@ void ShowTemplate(Session& session, const std::string& st) {
   for (const float value : values) {
     numbers.push_back(value);
   }
-  PrintJson({{"elementCount", values.size()},
-             {"frames", mathematics.m_frameCounts[0]},
-             {"values", std::move(numbers)}});
+  session.SetJson({{"elementCount", values.size()},
+                   {"frames", mathematics.m_frameCounts[0]},
+                   {"values", std::move(numbers)}});
 }
 
-void PrintDistances(const CVoiceMathematics& mathematics, const std::vector<std::string>& files) {
-  const auto count = static_cast<std::int32_t>(files.size());
+void PrintDistances(const CVoiceMathematics& mathematics, const std::vector<std::string>& names) {
+  const auto count = static_cast<std::int32_t>(names.size());
   for (std::int32_t i = 0; i < count; ++i) {
     std::string line;
     for (std::int32_t j = 0; j < count; ++j) {
@@ -93,7 +118,7 @@ void PrintDistances(const CVoiceMathematics& mathematics, const std::vector<std:
     }
     const auto index = static_cast<std::size_t>(i);
     PrintLine(fmt::format("{}   accepts below {:.4f}  {}", line, mathematics.m_thresholds[index],
-                          files[index]));
+                          names[index]));
   }
 }
 
@@ -118,12 +143,19 @@ void Compare(Session& session, const std::vector<std::string>& files) {
   }
   const platform::Platform platform = session.GetPlatform();
   const auto mathematics = std::make_unique<CVoiceMathematics>(platform.files, platform.ui);
+  if (std::ranges::count(files, kStream) > 1) {
+    throw CLI::ValidationError("st", "standard input holds one template, so - is given once");
+  }
   bool areNumbers = true;
+  std::vector<std::string> names;
   for (std::size_t slot = 0; slot < files.size(); ++slot) {
-    if (!Load(session, *mathematics, files[slot], slot)) {
+    const auto name = Load(session, *mathematics, files[slot], slot);
+    if (!name) {
+      session.Fail(name.error());
       return;
     }
-    areNumbers &= CheckValues(session, files[slot], mathematics->GetTemplate(slot));
+    areNumbers &= CheckValues(session, *name, mathematics->GetTemplate(slot));
+    names.push_back(*name);
   }
   if (!areNumbers) {
     return;
@@ -131,9 +163,9 @@ void Compare(Session& session, const std::vector<std::string>& files) {
   mathematics->m_count = static_cast<std::int32_t>(files.size());
   const std::int32_t count = mathematics->ComputeThresholds();
   if (session.GetOptions().json) {
-    PrintJson(DistancesToJson(*mathematics, count));
+    session.SetJson(DistancesToJson(*mathematics, count));
   } else {
-    PrintDistances(*mathematics, files);
+    PrintDistances(*mathematics, names);
   }
 }
 
@@ -147,14 +179,15 @@ void AddTemplateCommands(CLI::App& app, Session& session) {
   const auto st = std::make_shared<std::string>();
 
   CLI::App* show = group->add_subcommand("show", "Draw a template: its five bands over time");
-  show->add_option("st", *st, "The template file")->required();
+  show->add_option("st", *st, "The template file; - for standard input")->required();
   show->callback([&session, st] { ShowTemplate(session, *st); });
 
   CLI::App* compare =
       group->add_subcommand("compare", "Say how alike templates are (0: the same, at most 2)");
   compare
       ->add_option("st", *templates,
-                   fmt::format("The template files, at most {}", CVoiceMathematics::kStoredSlots))
+                   fmt::format("The template files, at most {}; - for standard input",
+                               CVoiceMathematics::kStoredSlots))
       ->required();
   compare->callback([&session, templates] { Compare(session, *templates); });
 }

@@ -1,4 +1,4 @@
-#include "host/cli/template_makers.h"
+#include "host/cli/commands.h"
 
 #include <fmt/format.h>
 
@@ -7,14 +7,17 @@
 #include <cstddef>
 #include <filesystem>
 #include <memory>
+#include <optional>
+#include <string>
 #include <system_error>
 #include <vector>
 
 #include "host/cli/band_picture.h"
-#include "host/cli/commands.h"
 #include "host/cli/explanations.h"
+#include "host/cli/file_arguments.h"
 #include "host/cli/output.h"
 #include "voicemath/recording_review.h"
+#include "voicemath/template_file.h"
 #include "voicemath/voice_mathematics.h"
 
 namespace cli {
@@ -24,9 +27,7 @@ using platform::Failure;
 using platform::FileError;
 using platform::Result;
 using voicemath::CVoiceMathematics;
-using voicemath::TemplateFileError;
 
-constexpr std::size_t kPictureColumns = 60;
 constexpr std::size_t kTemplateHeaderBytes = 6;
 constexpr std::size_t kCopyBytes = std::size_t{64} * 1024;
 
@@ -38,7 +39,7 @@ void PrintSummary(const CVoiceMathematics& mathematics) {
   const voicemath::Segment segment = mathematics.m_detected;
   PrintLine(fmt::format("Speech    {:.2f} s to {:.2f} s", SamplesToSeconds(segment.first),
                         SamplesToSeconds(segment.last + 1)));
-  PrintLine(fmt::format("Template  {} frames, {:.2f} s", mathematics.m_frameCounts[0],
+  PrintLine(fmt::format("Template  {}, {:.2f} s", CountFrames(mathematics.m_frameCounts[0]),
                         mathematics.GetTemplateDuration(0)));
   PrintPicture(mathematics.GetTemplate(0));
 }
@@ -107,22 +108,29 @@ struct MakerArguments {
   std::string keep;
 };
 
+/// The files of one run, as its arguments name them.
+struct MakerFiles {
+  FileArgument wave;
+  FileArgument st;
+  std::optional<FileArgument> keep;
+};
+
 /// One run of `template learn` or `template process`.
 class TemplateMaker {
  public:
-  TemplateMaker(Session& session, const MakerArguments& arguments, bool learns)
+  /// `files` outlive this.
+  TemplateMaker(Session& session, const MakerFiles& files, bool learns)
       : m_session(session),
-        m_arguments(arguments),
+        m_files(files),
         m_learns(learns),
         m_platform(session.GetPlatform()),
         m_mathematics(m_platform.files, m_platform.ui) {
-    m_mathematics.m_wavePath = Session::ToSystemPath(arguments.wave);
+    m_mathematics.m_wavePath = files.wave.GetPath();
   }
 
   void Run() {
-    CheckNames();
     const auto review = voicemath::ReviewRecording(m_mathematics, m_learns);
-    m_warnings = WarnOfOddities(review, m_arguments.wave);
+    m_warnings = WarnOfOddities(review, m_files.wave.GetName());
     // All that can be known to fail is known before the recording is cut.
     if (review && (!HasEnough(*review) || (m_learns && !CanLearn(*review)))) {
       PrintResult(voicemath::kNotProcessed);
@@ -134,20 +142,10 @@ class TemplateMaker {
   }
 
  private:
-  void CheckNames() const {
-    const auto& [wave, st, keep] = m_arguments;
-    if (AreSameName(wave, st)) {
-      throw CLI::ValidationError("st", "the template would overwrite the recording " + wave);
-    }
-    if (AreSameName(keep, wave) || AreSameName(keep, st)) {
-      throw CLI::ValidationError("--keep", keep + " is the recording or the template itself");
-    }
-  }
-
   [[nodiscard]] bool HasEnough(const voicemath::RecordingReview& review) {
     if (review.isEmpty) {
       m_session.Fail(fmt::format("{}: there are fewer than 512 samples to make a template of",
-                                 m_arguments.wave));
+                                 m_files.wave.GetName()));
     }
     return !review.isEmpty;
   }
@@ -157,21 +155,21 @@ class TemplateMaker {
     const std::size_t samples = review.segment.last - review.segment.first + 1;
     const std::size_t frames = samples / voicemath::kFrameHop - 1;
     const std::size_t bytes = kTemplateHeaderBytes + frames * voicemath::kBandCount * sizeof(float);
-    const auto target = TryToWrite(m_platform.files, Session::ToSystemPath(m_arguments.st), bytes);
+    const std::string& wave = m_files.wave.GetName();
+    const auto target = TryToWrite(m_platform.files, m_files.st.GetPath(), bytes);
     if (!target) {
-      m_session.Fail(fmt::format("{}: it cannot be made: {}; {} was left as it is", m_arguments.st,
-                                 ExplainFileError(target.error()), m_arguments.wave));
+      m_session.Fail(fmt::format("{}: it cannot be made: {}; {} was left as it is",
+                                 m_files.st.GetName(), ExplainFileError(target.error()), wave));
       return false;
     }
-    if (m_arguments.keep.empty()) {
+    if (!m_files.keep) {
       return true;
     }
-    const auto kept = CopyRecording(m_platform.files, m_mathematics.m_wavePath,
-                                    Session::ToSystemPath(m_arguments.keep));
+    const auto kept =
+        CopyRecording(m_platform.files, m_mathematics.m_wavePath, m_files.keep->GetPath());
     if (!kept) {
       m_session.Fail(fmt::format("{}: the original cannot be kept there: {}; {} was left as it is",
-                                 m_arguments.keep, ExplainFileError(kept.error()),
-                                 m_arguments.wave));
+                                 m_files.keep->GetName(), ExplainFileError(kept.error()), wave));
     }
     return kept.has_value();
   }
@@ -185,8 +183,9 @@ class TemplateMaker {
     }
     PrintResult(result);
     if (result != voicemath::kLearned) {
-      const std::string link = m_learns ? Session::ExplainLink(m_arguments.wave) : std::string();
-      m_session.Fail(link.empty() ? fmt::format("{}: {}", m_arguments.wave, ExplainFailure())
+      const std::string link =
+          m_learns ? Session::ExplainLink(m_files.wave.GetHostPath()) : std::string();
+      m_session.Fail(link.empty() ? fmt::format("{}: {}", m_files.wave.GetName(), ExplainFailure())
                                   : link);
     }
     return result == voicemath::kLearned;
@@ -203,17 +202,24 @@ class TemplateMaker {
   }
 
   void WriteTemplate() {
-    const auto written = voicemath::ReplaceTemplateFile(
-        m_platform.files, Session::ToSystemPath(m_arguments.st), m_mathematics);
+    const auto written =
+        voicemath::ReplaceTemplateFile(m_platform.files, m_files.st.GetPath(), m_mathematics);
     if (!written) {
-      m_session.Fail(fmt::format("{}: it cannot be made: {}", m_arguments.st,
+      m_session.Fail(fmt::format("{}: it cannot be made: {}", m_files.st.GetName(),
                                  ExplainFileError(written.error())));
-    } else if (!m_session.GetOptions().json) {
+      return;
+    }
+    m_files.st.Send(m_session);
+    if (m_files.keep) {
+      m_files.keep->Send(m_session);
+    }
+    const bool isOutputFree = !m_files.st.IsStream() && !(m_files.keep && m_files.keep->IsStream());
+    if (isOutputFree && !m_session.GetOptions().json) {
       PrintSummary(m_mathematics);
     }
   }
 
-  void PrintResult(int result) const {
+  void PrintResult(int result) {
     if (!m_session.GetOptions().json) {
       return;
     }
@@ -226,25 +232,69 @@ class TemplateMaker {
     if (m_learns || !m_warnings.empty()) {
       json["warnings"] = m_warnings;
     }
-    PrintJson(json);
+    m_session.SetJson(json);
   }
 
   Session& m_session;
-  const MakerArguments& m_arguments;
+  const MakerFiles& m_files;
   const bool m_learns;
   const platform::Platform m_platform;
   CVoiceMathematics m_mathematics;
   std::vector<std::string> m_warnings;
 };
 
+void CheckNames(const Session& session, const MakerArguments& arguments) {
+  const auto& [wave, st, keep] = arguments;
+  const OutputKind ofTemplate{"st", "a template", "for the template"};
+  const OutputKind ofOriginal{"--keep", "a recording", "for the original"};
+  RefuseStandardOutput(session, st, ofTemplate);
+  RefuseStandardOutput(session, keep, ofOriginal);
+  // The name of both streams is "-", and these are two.
+  if (AreSameName(wave, st) && st != kStream) {
+    throw CLI::ValidationError("st", "the template would overwrite the recording " + wave);
+  }
+  if ((AreSameName(keep, wave) && wave != kStream) || AreSameName(keep, st)) {
+    throw CLI::ValidationError("--keep", keep + " is the recording or the template itself");
+  }
+}
+
+Result<MakerFiles, std::string> OpenFiles(const MakerArguments& arguments) {
+  auto wave = FileArgument::ForReading(arguments.wave);
+  if (!wave) {
+    return Failure(wave.error());
+  }
+  auto st = FileArgument::ForWriting(arguments.st);
+  if (!st) {
+    return Failure(st.error());
+  }
+  MakerFiles files{std::move(*wave), std::move(*st), std::nullopt};
+  if (!arguments.keep.empty()) {
+    auto keep = FileArgument::ForWriting(arguments.keep);
+    if (!keep) {
+      return Failure(keep.error());
+    }
+    files.keep = std::move(*keep);
+  }
+  return files;
+}
+
+void MakeTemplate(Session& session, const MakerArguments& arguments, bool learns) {
+  CheckNames(session, arguments);
+  if (const auto files = OpenFiles(arguments)) {
+    TemplateMaker(session, *files, learns).Run();
+  } else {
+    session.Fail(files.error());
+  }
+}
+
 CLI::App* AddMaker(CLI::App& group, Session& session,
                    const std::shared_ptr<MakerArguments>& arguments, const char* name,
                    const char* description, bool learns) {
   CLI::App* command = group.add_subcommand(name, description);
-  command->add_option("wave", arguments->wave, "The recording")->required();
-  command->add_option("st", arguments->st, "The template file to write")->required();
-  command->callback(
-      [&session, arguments, learns] { TemplateMaker(session, *arguments, learns).Run(); });
+  command->add_option("wave", arguments->wave, "The recording; - for standard input")->required();
+  command->add_option("st", arguments->st, "The template file to write; - for standard output")
+      ->required();
+  command->callback([&session, arguments, learns] { MakeTemplate(session, *arguments, learns); });
   return command;
 }
 
@@ -258,25 +308,6 @@ void AddTemplateMakers(CLI::App& group, Session& session) {
                    "Keep the recording as it was in this file, which must not be there yet")
       ->type_name("FILE");
   AddMaker(group, session, arguments, "process", "Make the template of a whole recording", false);
-}
-
-std::string ExplainTemplateFile(TemplateFileError error) {
-  switch (error) {
-    case TemplateFileError::kNotOpened:
-      return "it cannot be opened";
-    case TemplateFileError::kTorn:
-      return "it is torn: it ends before its template does";
-    case TemplateFileError::kBadFormat:
-      return "it is not a template file";
-    default:
-      return "it cannot be read to its end";
-  }
-}
-
-void PrintPicture(std::span<const float> values) {
-  for (const std::string& line : DrawBands(values, kPictureColumns, ChoosePictureStyle())) {
-    PrintLine("  " + line);
-  }
 }
 
 }  // namespace cli

@@ -25,14 +25,16 @@ storage::TagTrash OpenTrash(Session& session) {
   return {session.GetFiles(), session.GetRegistry(), session.GetClock()};
 }
 
-/// Reports it if the trash cannot be read.
-platform::Result<std::vector<TrashedTag>, platform::FileError> ListTrash(
-    Session& session, const storage::TagTrash& trash) {
+/// Returns what is in the trash, the latest deletion first. The error is the sentence that says
+/// where it cannot be read.
+platform::Result<std::vector<TrashedTag>, std::string> ListTrash(const Session& session,
+                                                                 const storage::TagTrash& trash) {
   auto tags = trash.List();
   if (!tags) {
-    session.Fail("the trash cannot be read: " + session.ToHostPath(storage::kTrashFolder));
+    return platform::Failure("the trash cannot be read: " +
+                             session.ToHostPath(storage::kTrashFolder));
   }
-  return tags;
+  return std::move(*tags);
 }
 
 std::string TimeText(const char* format, std::int64_t unixTime) {
@@ -46,6 +48,7 @@ void PrintTrash(Session& session) {
   const storage::TagTrash trash = OpenTrash(session);
   const auto tags = ListTrash(session, trash);
   if (!tags) {
+    session.Fail(tags.error());
     return;
   }
   Json list = Json::array();
@@ -64,7 +67,7 @@ void PrintTrash(Session& session) {
     }
   }
   if (session.GetOptions().json) {
-    PrintJson(list);
+    session.SetJson(list);
   } else if (tags->empty()) {
     PrintLine("The trash is empty.");
   }
@@ -105,7 +108,7 @@ void EmptyTrash(Session& session) {
     return;
   }
   if (session.GetOptions().json) {
-    PrintJson({{"result", 0}});
+    session.SetJson({{"result", 0}});
   } else {
     PrintLine("The trash is empty.");
   }
@@ -128,9 +131,10 @@ std::string Explain(RestoreError error) {
   return "its files or its entry cannot be written";
 }
 
-/// Stores the latest deletion of each name in `chosen`. Reports a name that is not in the trash.
-void Choose(Session& session, const std::vector<TrashedTag>& tags,
-            const std::vector<std::string>& names, std::vector<TrashedTag>& chosen) {
+/// Returns the latest deletion of each name. Reports a name that is not in the trash.
+std::vector<TrashedTag> Choose(Session& session, const std::vector<TrashedTag>& tags,
+                               const std::vector<std::string>& names) {
+  std::vector<TrashedTag> chosen;
   for (const std::string& name : names) {
     const auto tag = std::ranges::find_if(tags, [&name](const TrashedTag& each) {
       return text::ToUtf8(each.item.parts.name) == name;
@@ -142,6 +146,7 @@ void Choose(Session& session, const std::vector<TrashedTag>& tags,
       chosen.push_back(*tag);
     }
   }
+  return chosen;
 }
 
 void Restore(Session& session, const std::vector<std::string>& names, bool isLast) {
@@ -155,6 +160,7 @@ void Restore(Session& session, const std::vector<std::string>& names, bool isLas
   const storage::TagTrash trash = OpenTrash(session);
   const auto tags = ListTrash(session, trash);
   if (!tags) {
+    session.Fail(tags.error());
     return;
   }
   std::vector<TrashedTag> chosen;
@@ -166,7 +172,7 @@ void Restore(Session& session, const std::vector<std::string>& names, bool isLas
       session.Fail("the trash is empty");
     }
   } else {
-    Choose(session, *tags, names, chosen);
+    chosen = Choose(session, *tags, names);
   }
   Json restored = Json::array();
   for (const TrashedTag& tag : chosen) {
@@ -181,7 +187,7 @@ void Restore(Session& session, const std::vector<std::string>& names, bool isLas
     }
   }
   if (session.GetOptions().json) {
-    PrintJson({{"restored", restored}});
+    session.SetJson({{"restored", restored}});
   }
 }
 

@@ -9,6 +9,7 @@
 #include "audio/wave_device.h"
 #include "audio/wave_header.h"
 #include "host/cli/explanations.h"
+#include "host/cli/file_arguments.h"
 #include "host/cli/output.h"
 #include "host/cli/waiting.h"
 #include "voicemath/voice_mathematics.h"
@@ -24,59 +25,80 @@ double BytesToSeconds(std::uint32_t bytes) {
   return static_cast<double>(bytes) / (audio::kRecordingRate * kBytesPerSample);
 }
 
-void Record(Session& session, const std::string& file, std::uint32_t milliseconds) {
+void Record(Session& session, const std::string& name, std::uint32_t milliseconds) {
+  RefuseStandardOutput(session, name, {"record", "a recording", "to record to"});
   const std::string& microphone = session.GetOptions().machine.microphone;
-  if (Session::AreSameFile(microphone, file)) {
-    throw CLI::ValidationError("record", file + " cannot be microphone and recording at once");
+  if (Session::AreSameFile(microphone, name)) {
+    throw CLI::ValidationError("record", name + " cannot be microphone and recording at once");
+  }
+  const auto file = FileArgument::ForWriting(name);
+  if (!file) {
+    session.Fail(file.error());
+    return;
   }
   const QuickScope quick(session.GetClock(), session.HearsFile());
   ProgressClock clock(session.GetPlatform().clock, milliseconds,
                       session.HearsFile() ? "Reading" : "Speak now");
   audio::WaveDevice device(session.GetPlatform(clock));
   device.SetFormat(audio::kRecordingBits, audio::kRecordingRate);
-  const int code = device.Record(Session::ToSystemPath(file), milliseconds);
+  const int code = device.Record(file->GetPath(), milliseconds);
 
   if (session.GetOptions().json) {
-    PrintJson({{"code", code}, {"bytes", device.GetRecordedBytes()}});
-  } else if (code == audio::kRecorded) {
+    session.SetJson({{"code", code}, {"bytes", device.GetRecordedBytes()}});
+  } else if (code == audio::kRecorded && !file->IsStream()) {
     PrintLine(
-        fmt::format("Recorded {:.1f} s to {}", BytesToSeconds(device.GetRecordedBytes()), file));
+        fmt::format("Recorded {:.1f} s to {}", BytesToSeconds(device.GetRecordedBytes()), name));
   }
-  if (code != audio::kRecorded) {
+  if (code == audio::kRecorded) {
+    file->Send(session);
+  } else {
     const auto error = device.GetFileError();
     const std::string reason = error ? ExplainFileError(*error) : ExplainRecordCode(session, code);
-    session.Fail(fmt::format("{} was not recorded{}{}", file, reason.empty() ? "" : ": ", reason));
+    session.Fail(fmt::format("{} was not recorded{}{}", file->GetName(), reason.empty() ? "" : ": ",
+                             reason));
   }
 }
 
-void PlayWave(Session& session, const std::string& file) {
+void PlayWave(Session& session, const FileArgument& file) {
   const QuickScope quick(session.GetClock(), session.PlaysIntoFile());
   audio::WaveDevice device(session.GetPlatform());
-  const int code = device.Play(Session::ToSystemPath(file));
+  const int code = device.Play(file.GetPath());
   if (session.GetOptions().json) {
-    PrintJson({{"code", code}});
+    session.SetJson({{"code", code}});
   } else if (code == audio::kPlayed) {
-    PrintLine(fmt::format("Played {}", file));
+    PrintLine(fmt::format("Played {}", file.GetName()));
   }
   if (code != audio::kPlayed) {
-    session.Fail(fmt::format("{} was not played: {}", file, ExplainPlayCode(session, code)));
+    session.Fail(
+        fmt::format("{} was not played: {}", file.GetName(), ExplainPlayCode(session, code)));
   }
 }
 
-void CheckWave(Session& session, const std::string& file) {
+void CheckWave(Session& session, const FileArgument& file) {
   const platform::Platform platform = session.GetPlatform();
   voicemath::CVoiceMathematics mathematics(platform.files, platform.ui);
-  const int code = CheckHeader(mathematics, Session::ToSystemPath(file));
+  const int code = CheckHeader(mathematics, file.GetPath());
   if (session.GetOptions().json) {
-    PrintJson({{"code", code},
-               {"dataOffset", mathematics.m_dataOffset},
-               {"dataBytes", mathematics.m_dataBytes}});
+    session.SetJson({{"code", code},
+                     {"dataOffset", mathematics.m_dataOffset},
+                     {"dataBytes", mathematics.m_dataBytes}});
   } else if (code == voicemath::kHeaderAccepted) {
-    PrintLine(fmt::format("{}: accepted, {} bytes of samples from byte {} on", file,
+    PrintLine(fmt::format("{}: accepted, {} bytes of samples from byte {} on", file.GetName(),
                           mathematics.m_dataBytes, mathematics.m_dataOffset));
   }
   if (code != voicemath::kHeaderAccepted) {
-    session.Fail(fmt::format("{}: {}", file, ExplainHeaderCode(code)));
+    session.Fail(fmt::format("{}: {}", file.GetName(), ExplainHeaderCode(code)));
+  }
+}
+
+/// Hands the wave file of that name to `use`. Reports it if standard input, which the name may
+/// mean, cannot be read.
+void WithWave(Session& session, const std::string& name,
+              void (*use)(Session& session, const FileArgument& file)) {
+  if (const auto file = FileArgument::ForReading(name)) {
+    use(session, *file);
+  } else {
+    session.Fail(file.error());
   }
 }
 
@@ -93,7 +115,8 @@ void AddWaveCommands(CLI::App& app, Session& session) {
   const auto arguments = std::make_shared<Arguments>();
 
   CLI::App* record = wave->add_subcommand("record", "Record from the microphone into a wave file");
-  record->add_option("file", arguments->file, "The wave file to write")->required();
+  record->add_option("file", arguments->file, "The wave file to write; - for standard output")
+      ->required();
   record->add_option("--milliseconds", arguments->milliseconds, "Length of the recording")
       ->check(CLI::Range(1U, kLongestMilliseconds))
       ->capture_default_str();
@@ -101,12 +124,12 @@ void AddWaveCommands(CLI::App& app, Session& session) {
       [&session, arguments] { Record(session, arguments->file, arguments->milliseconds); });
 
   CLI::App* play = wave->add_subcommand("play", "Play a wave file");
-  play->add_option("file", arguments->file, "The wave file")->required();
-  play->callback([&session, arguments] { PlayWave(session, arguments->file); });
+  play->add_option("file", arguments->file, "The wave file; - for standard input")->required();
+  play->callback([&session, arguments] { WithWave(session, arguments->file, PlayWave); });
 
   CLI::App* check = wave->add_subcommand("check", "Say whether a wave file can be learned");
-  check->add_option("file", arguments->file, "The wave file")->required();
-  check->callback([&session, arguments] { CheckWave(session, arguments->file); });
+  check->add_option("file", arguments->file, "The wave file; - for standard input")->required();
+  check->callback([&session, arguments] { WithWave(session, arguments->file, CheckWave); });
 }
 
 }  // namespace cli

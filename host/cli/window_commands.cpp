@@ -31,10 +31,10 @@ bool HasDisplay() {
   });
 }
 
-/// The panel is in this program's folder once both are installed, otherwise in the build tree. No
-/// other one is taken: it would load libraries from where it is itself.
-std::filesystem::path FindPanel() {
-  return machine::Places(posix::FindOwnFile()).GetProgram(machine::kPanel);
+/// Returns the program in this program's folder if both are installed, otherwise in the build tree.
+/// No other one is taken: it would load libraries from its own place.
+std::filesystem::path Find(const machine::Program& program) {
+  return machine::Places(posix::FindOwnFile()).GetProgram(program);
 }
 
 /// What stood before the command, as the applet takes it.
@@ -62,7 +62,7 @@ void RunWindow(Session& session, const std::vector<std::string>& arguments) {
         "there is no display to open a window on; without one, `voxtrel tags` does the same work");
     return;
   }
-  const std::filesystem::path panel = FindPanel();
+  const std::filesystem::path panel = Find(machine::kPanel);
   if (::access(panel.c_str(), X_OK) != 0) {
     session.Fail(fmt::format("{} is not installed; it belongs in this program's folder", kPanel));
     return;
@@ -77,7 +77,7 @@ void RunWindow(Session& session, const std::vector<std::string>& arguments) {
   } else if (end->exitCode != 0) {
     session.Fail(fmt::format("{} failed with exit code {}", kPanel, end->exitCode));
   } else if (session.GetOptions().json) {
-    PrintJson({{"result", 0}});
+    session.SetJson({{"result", 0}});
   }
 }
 
@@ -91,6 +91,28 @@ void AddWindowCommands(CLI::App& app, Session& session) {
   app.add_subcommand("panel", "Open the control panel")->callback([&session] {
     RunWindow(session, {});
   });
+}
+
+void RunConnectionWindow(Session& session, bool (*prepare)(Session& session)) {
+  if (!session.RequireRoot()) {
+    return;
+  }
+  if (!HasDisplay()) {
+    session.Fail(
+        "there is no screen here; see `voxtrel connection show` and `voxtrel connection set`");
+    return;
+  }
+  if (!prepare(session)) {
+    return;
+  }
+  const auto end = posix::RunInForeground(
+      {Find(machine::kConnectionWindow).native(), session.GetRegistryPath().parent_path().native()},
+      {});
+  if (!end || end->wasKilled || end->exitCode != 0) {
+    session.Fail("the window could not be shown; see `voxtrel connection show` and `set`");
+  } else if (session.GetOptions().json) {
+    session.SetJson({{"result", 0}});
+  }
 }
 
 }  // namespace cli

@@ -20,7 +20,8 @@ class CommandFixture : public testing::Test {
     return support::RunProgram(all, {"PULSE_SERVER=unix:" + Path("no-server"), "LC_ALL=C.UTF-8"});
   }
 
-  /// As Run with "--json"; what is printed must be one JSON object.
+  /// As Run with "--json". What is printed must be one JSON object. Returns it without the error
+  /// that it must have if the command failed.
   [[nodiscard]] nlohmann::json RunJson(std::vector<std::string> arguments, int exitCode) const {
     arguments.emplace_back("--json");
     const auto run = Run(arguments);
@@ -28,7 +29,28 @@ class CommandFixture : public testing::Test {
     EXPECT_EQ(run.err.empty(), exitCode == 0) << run.err;
     auto json = nlohmann::json::parse(run.out, nullptr, false);
     EXPECT_TRUE(json.is_object()) << run.out;
+    EXPECT_EQ(json.contains("error"), exitCode != 0) << run.out;
+    if (exitCode != 0) {
+      ExpectError(run, json["error"]);
+      json.erase("error");
+    }
     return json;
+  }
+
+  /// Expects an error that says what the exit code and standard error say.
+  static void ExpectError(const support::ProgramRun& run, const nlohmann::json& error) {
+    ASSERT_EQ(error.value("code", 0), run.exitCode);
+    const std::string message = error.value("message", "");
+    EXPECT_FALSE(message.empty());
+    EXPECT_THAT(run.err, testing::HasSubstr(message.substr(0, message.find('\n'))));
+  }
+
+  /// Expects that a command with "--json" failed and printed its error and nothing else.
+  static void ExpectOnlyAnError(const support::ProgramRun& run) {
+    const auto json = nlohmann::json::parse(run.out, nullptr, false);
+    ASSERT_TRUE(json.is_object() && json.contains("error")) << run.out;
+    EXPECT_EQ(json.size(), 1U) << run.out;
+    ExpectError(run, json["error"]);
   }
 
   /// As Run, but no file may become longer than `blocks` of 512 bytes, as on a disk that is full.

@@ -183,4 +183,11 @@ TEST_F(ConnectionCommands, AWindowThatCannotBeShownIsToldWithTheOtherWays) {
   EXPECT_THAT(run.err, HasSubstr("could not be shown"));
 }
 
+TEST_F(ConnectionCommands, ShowsTheSettingsOfANewRootWithoutMakingIt) {
+  const auto before = RunJson({"connection", "show"}, 0);
+  EXPECT_FALSE(std::filesystem::exists(Path("root")));
+  static_cast<void>(RunJson({"connection", "set", "port=COM7:"}, 0));
+  EXPECT_EQ(RunJson({"connection", "set", "port=" + std::string(before["port"])}, 0), before);
+}
+
 }  // namespace

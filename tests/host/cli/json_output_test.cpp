@@ -8,7 +8,6 @@ namespace {
 namespace fs = std::filesystem;
 using nlohmann::json;
 using testing::HasSubstr;
-using testing::IsEmpty;
 
 using Command = std::vector<std::string>;
 
@@ -21,7 +20,8 @@ class JsonOutput : public TagsFixture {
     EXPECT_EQ(Run({"language", "template", Path("a.lng")}).exitCode, 0);
   }
 
-  /// Standard output has one JSON value on one line, or there is nothing but a reason.
+  /// Standard output has one JSON value on one line. If the command failed, an object has the error
+  /// that standard error says.
   static void ExpectOneValue(const support::ProgramRun& run, const std::string& name) {
     EXPECT_TRUE(run.exitCode == 0 || run.exitCode == 1) << name << run.exitCode;
     // What was done all the same may say what it was done without.
@@ -29,12 +29,15 @@ class JsonOutput : public TagsFixture {
     EXPECT_TRUE(run.exitCode == 0 ? run.err.empty() || isWarning : !run.err.empty())
         << name << run.err;
     EXPECT_THAT(run.err, Not(HasSubstr("json.exception"))) << name;
-    if (run.exitCode == 1 && run.out.empty()) {
-      return;
-    }
     EXPECT_EQ(std::ranges::count(run.out, '\n'), 1) << name << run.out;
     EXPECT_TRUE(run.out.ends_with('\n')) << name;
-    EXPECT_TRUE(json::parse(run.out, nullptr, false).is_structured()) << name << run.out;
+    const json value = json::parse(run.out, nullptr, false);
+    EXPECT_TRUE(value.is_structured()) << name << run.out;
+    EXPECT_TRUE(value.is_array() || value.contains("error") == (run.exitCode != 0))
+        << name << value;
+    if (value.is_object() && run.exitCode != 0) {
+      ExpectError(run, value["error"]);
+    }
   }
 
   [[nodiscard]] std::vector<Command> Commands() const {
@@ -116,7 +119,7 @@ class JsonOutput : public TagsFixture {
   std::string m_wave;
 };
 
-TEST_F(JsonOutput, OfEachCommandIsOneValueOrNothingButAReason) {
+TEST_F(JsonOutput, OfEachCommandIsOneValueWithTheErrorIfItFailed) {
   PutThreeTags();
   ExpectOneValueOfEach(Path("root"), SlowCommands());
   ExpectOneValueOfEach(Path("root"), Commands());
@@ -170,10 +173,37 @@ TEST_F(JsonOutput, TellsFromARootThatIsNoUtf8WhatItTellsFromAnother) {
 TEST_F(JsonOutput, OfAnExportNeedsAFile) {
   const auto run = RunIn(Path("root"), {"registry", "export"});
   EXPECT_EQ(run.exitCode, 2);
-  EXPECT_THAT(run.out, IsEmpty());
+  EXPECT_EQ(json::parse(run.out, nullptr, false)["error"]["code"], 2);
   EXPECT_THAT(run.err, HasSubstr("--json needs a file to export to"));
   EXPECT_EQ(RunJson({"registry", "export", Path("a.reg")}, 0), (json{{"result", 0}}));
   EXPECT_EQ(RunJson({"registry", "import", Path("a.reg")}, 0), (json{{"result", 0}}));
+}
+
+TEST_F(JsonOutput, OfACommandThatPrintsNothingElseIsItsError) {
+  const auto run = RunIn(Path("root"), {"tags", "play", "1"});
+  EXPECT_EQ(run.exitCode, 1);
+  const std::string message = "there is no tag 1; `voxtrel tags list` shows them";
+  EXPECT_EQ(json::parse(run.out, nullptr, false),
+            (json{{"error", {{"code", 1}, {"message", message}}}}));
+  EXPECT_EQ(run.err, "voxtrel: " + message + "\n");
+}
+
+TEST_F(JsonOutput, OfACommandThatPrintsAnObjectHasItsErrorToo) {
+  const auto run = RunIn(Path("root"), {"wave", "check", Path("none.wav")});
+  EXPECT_EQ(run.exitCode, 1);
+  const json value = json::parse(run.out, nullptr, false);
+  EXPECT_EQ(value["code"], -1);
+  EXPECT_EQ(value["error"]["code"], 1);
+  EXPECT_EQ(value["error"]["message"], Path("none.wav") + ": it cannot be opened");
+}
+
+TEST_F(JsonOutput, OfAMessageBoxIsPartOfTheError) {
+  fs::remove(Path("all.vcf"));
+  const auto run = RunIn(Path("root"), {"contacts", "list"});
+  EXPECT_EQ(run.exitCode, 1);
+  const std::string message = json::parse(run.out, nullptr, false)["error"]["message"];
+  EXPECT_EQ(std::ranges::count(message, '\n'), 1) << message;
+  EXPECT_THAT(run.err, testing::StartsWith(message.substr(0, message.find('\n')) + "\n"));
 }
 
 TEST_F(JsonOutput, OfATestNamesTagsLeftOutOnlyWhereThereAreAny) {

@@ -110,7 +110,7 @@ TEST_F(TagsCommands, AnUnknownTagIsNotPlayedNorDeleted) {
   for (const std::string command : {"play", "delete"}) {
     const auto run = Run({"--yes", "tags", command, "10", "--json"});
     EXPECT_EQ(run.exitCode, 1);
-    EXPECT_EQ(run.out, "");
+    ExpectOnlyAnError(run);
     EXPECT_EQ(run.err, "voxtrel: there is no tag 10; `voxtrel tags list` shows them\n");
   }
   EXPECT_THAT(GetNames(), ElementsAre("100", "200", "300"));
@@ -123,13 +123,13 @@ TEST_F(TagsCommands, WhileAWindowHasTheTagsCommandsOnlyReadThem) {
     const platform::CreatedMutex held = window.CreateNamedMutex(u"ZedraD");
     ASSERT_TRUE(held);
     for (const std::vector<std::string>& command :
-         std::vector<std::vector<std::string>>{{"tags", "learn", "--contact", "Ann"},
+         std::vector<std::vector<std::string>>{{"tags", "learn", "--contact", "Ann", "--json"},
                                                {"tags", "play", "100", "--json"},
                                                {"--yes", "tags", "delete", "100", "--json"},
                                                {"--yes", "tags", "delete-all", "--json"}}) {
       const auto run = Run(command);
       EXPECT_EQ(run.exitCode, 1);
-      EXPECT_EQ(run.out, "");
+      ExpectOnlyAnError(run);
       EXPECT_EQ(run.err,
                 "voxtrel: the tags are in use by another Voxtrel; close it and try again\n");
     }
@@ -200,6 +200,32 @@ TEST_F(TagsCommands, WrongUsageIsTwo) {
   EXPECT_EQ(Run({"tags", "delete", "1", "2"}).exitCode, 2);
   EXPECT_EQ(Run({"tags", "delete-all", "1"}).exitCode, 2);
   EXPECT_EQ(Run({"tags", "list", "1"}).exitCode, 2);
+}
+
+TEST_F(TagsCommands, ARootFolderWithAMistypedNameIsNotMadeByACommandThatOnlyReads) {
+  const std::vector<std::vector<std::string>> commands{{"tags", "list"},
+                                                       {"tags", "test"},
+                                                       {"tags", "trash"},
+                                                       {"tags", "play", "100"},
+                                                       {"contacts", "list"},
+                                                       {"status"},
+                                                       {"check"},
+                                                       {"check", "--repair"},
+                                                       {"connection", "show"},
+                                                       {"registry", "export", Path("a.reg")},
+                                                       {"registry", "import", Path("none.reg")}};
+  const auto run = [this](const std::vector<std::string>& command) {
+    std::vector<std::string> all{VOXTREL_PROGRAM, "--root", Path("rot")};
+    all.insert(all.end(), command.begin(), command.end());
+    return support::RunProgram(all, {"PULSE_SERVER=unix:" + Path("no-server")});
+  };
+  for (const std::vector<std::string>& command : commands) {
+    EXPECT_NE(run(command).exitCode, 2);
+    EXPECT_FALSE(fs::exists(Path("rot"))) << command.front() << ' ' << command.back();
+  }
+  const auto play = run({"tags", "play", "100"});
+  EXPECT_EQ(play.exitCode, 1);
+  EXPECT_EQ(play.err, "voxtrel: there is no tag 100; `voxtrel tags list` shows them\n");
 }
 
 }  // namespace

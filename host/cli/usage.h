@@ -1,0 +1,31 @@
+#pragma once
+
+#include <CLI/App.hpp>
+#include <string>
+#include <vector>
+
+#include "host/cli/session.h"
+
+namespace cli {
+
+// What the command line says about itself: its options, the help of each command, and what is wrong
+// with a line.
+
+/// Gives `app` the options of every command, which `options` gets, and the form of its help. Called
+/// before the commands are added, since each takes the form from its parent.
+void PrepareUsage(CLI::App& app, Options& options);
+
+/// Gives each command the examples that its help ends with. Called after the commands were added.
+void AddExamples(CLI::App& app);
+
+/// Prints the help, the version, or what is wrong with the line `arguments`. Returns the exit code.
+[[nodiscard]] int ExplainUsage(const CLI::App& app, const CLI::ParseError& error,
+                               const std::vector<std::string>& arguments);
+
+/// Returns the name among `names` that is most like `word`, if it is so much alike that somebody
+/// may have meant it: few letters are wrong, missing, too many or swapped with their neighbour, or
+/// it is the beginning of the name. Returns an empty text if there is none.
+[[nodiscard]] std::string FindNearest(const std::string& word,
+                                      const std::vector<std::string>& names);
+
+}  // namespace cli
