@@ -75,6 +75,10 @@ desktop::DesktopShell::Options Desktop::GetShellOptions() {
           }};
 }
 
+// The page's mutex decides who has the tags: a second instance finds that it exists, and ends. For
+// the user it is the same window, so the second instance first rings at the first one, which brings
+// its window to the front. The bell hangs only while the mutex is held, and a new mutex takes the
+// old bell down.
 void Desktop::OnNamedMutex(const platform::CreatedMutex& created) {
   const std::string bell =
       posix::Doorbell::PathFor(m_options.runtimeFolder, m_backends.GetRoot().native());

@@ -39,6 +39,8 @@ void Library::WelcomeNewcomer() {
   m_parts.platform.ui.ShowMessage(platform::ApplicationBox(std::move(text)));
 }
 
+// A control panel shows nothing of what a library reports, so what hinders the applet is said here:
+// in a box if there is a screen, otherwise on standard error.
 bool Library::CanOpen() {
   const bool hasScreen = m_parts.hasScreen();
   if (!m_parts.backends.HasRoot()) {

@@ -52,6 +52,9 @@ PictureStyle ChoosePictureStyle() {
 
 }  // namespace
 
+// The bands of a template differ much in size, and the shape of each over time is what makes two
+// names alike. So every band fills its line up to its own maximum. A column shows the largest value
+// of its frames and not their mean: a short sound would vanish in a mean.
 std::vector<std::string> DrawBands(std::span<const float> values, std::size_t columns,
                                    PictureStyle style) {
   const auto& marks = style == PictureStyle::kBlocks ? kBlocks : kAscii;

@@ -135,6 +135,8 @@ void Apply(headless::HeadlessDialog& dialog, const ConnectionChange& change) {
   }
 }
 
+// Every argument is looked at before anything is opened: a wrong one is a wrong usage, and then
+// nothing has changed.
 void Set(Session& session, const std::vector<std::string>& arguments) {
   std::vector<ConnectionChange> changes;
   std::ranges::transform(arguments, std::back_inserter(changes), ParseConnectionChange);

@@ -94,6 +94,8 @@ std::string NamesOfSettings() {
 
 }  // namespace
 
+// The window lets any text be typed as a port. A script has nobody who sees a mistyped one, so here
+// only the values of the window's lists count, and the names that a port can have.
 ConnectionChange ParseConnectionChange(const std::string& argument) {
   const std::size_t equals = argument.find('=');
   const ConnectionSetting* setting = FindSetting(std::string_view(argument).substr(0, equals));

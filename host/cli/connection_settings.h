@@ -38,7 +38,7 @@ struct ConnectionChange {
 };
 
 /// Reads "NAME=VALUE". What is not that, or no value that the setting can have, is thrown as
-/// CLI::ValidationError, which tells what it can be.
+/// CLI::ValidationError, which names what it can be.
 [[nodiscard]] ConnectionChange ParseConnectionChange(const std::string& argument);
 
 }  // namespace cli

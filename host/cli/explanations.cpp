@@ -9,6 +9,10 @@
 namespace cli {
 namespace {
 
+// The codes are the documented ones of the recorder, the player and the header check. Each has its
+// own cause, and so its own words: "it failed" would send a user with a muted loudspeaker to the
+// file.
+
 const char* Explain(int code) {
   switch (code) {
     case voicemath::kTooShort:
@@ -68,7 +72,7 @@ std::string InWords(int code, bool isSpeakerFile) {
   }
 }
 
-/// With a file in the microphone's place.
+/// With a file in the microphone's place. The codes then mean something else than for a device.
 std::string RecordCodeOfFile(int code, const std::string& file) {
   switch (code) {
     case audio::kProcessEnded:
@@ -100,6 +104,8 @@ std::string RecordCodeInWords(int code) {
   }
 }
 
+/// What is odd about a recording that was taken all the same. Nothing forbids it: a user may want
+/// it.
 std::vector<std::string> DescribeOddities(const voicemath::RecordingReview& review) {
   std::vector<std::string> sentences;
   if (review.hasOtherRate) {

@@ -72,6 +72,8 @@ Result<FileArgument, std::string> FileArgument::MakeStream(const char* name) {
   return FileArgument(std::move(folder), name);
 }
 
+// The stream is read before the command begins its work. So a pipe that breaks is reported as what
+// it is, and no command sees half a file.
 Result<FileArgument, std::string> FileArgument::ForReading(const std::string& name) {
   if (name != kStream) {
     return FileArgument(name);

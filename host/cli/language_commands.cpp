@@ -64,7 +64,8 @@ Result<void, std::string> WriteLanguageFile(Session& session, const std::string&
   return {};
 }
 
-/// For a terminal, which must not take a text of the file for a command.
+/// Returns the text for a terminal, which must not take a part of it for a command. The places of
+/// control characters stay visible, since a translator has to find them.
 std::string Printable(std::u16string text) {
   for (char16_t& character : text) {
     const bool isControl = character < u' ' || (character >= u'\u007F' && character < u'\u00A0');
@@ -137,6 +138,8 @@ void ShowLanguage(Session& session, const std::string& name) {
   }
 }
 
+// On a terminal or in a pipe the bytes are those of the file, in UTF-16 with its mark: so
+// `language template > FILE` makes the same file as `language template FILE`.
 void WriteTemplate(Session& session, const std::string& name) {
   const Bytes bytes = language::ToLanguageFile(language::LanguageTemplate());
   const bool isStream = name.empty() || name == "-";

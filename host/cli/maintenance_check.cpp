@@ -34,9 +34,9 @@ using platform::RegistryError;
 struct CheckedFinding {
   StoreFinding finding;
   std::string description;
-  std::string listText;  ///< Of the tag; empty where it is not known.
+  std::string listText;  ///< Of the tag; empty if it is not known.
   bool isRepaired = false;
-  std::string reason;  ///< Why it could not be repaired; empty where nobody tried.
+  std::string reason;  ///< Why it could not be repaired; empty if nothing was tried.
 };
 
 struct CheckedStore {
@@ -197,6 +197,8 @@ void CleanUp(const platform::Platform& platform, std::vector<CheckedFinding>& fi
   }
 }
 
+// The order matters. Tags of deleted contacts go first, since their templates need no repair any
+// more. Orphans go last, since a folder or a template that was made again may have ended being one.
 void Repair(const platform::Platform& platform, CheckedStore& checked) {
   CleanUp(platform, checked.findings);
   if (checked.tagCount > 0) {

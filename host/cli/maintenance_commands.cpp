@@ -39,7 +39,7 @@ platform::Result<void, RegistryError> ForgetVersion(platform::Registry& registry
 
 struct Tag {
   std::string name;
-  std::string listText;  ///< Empty where it is not known.
+  std::string listText;  ///< Empty if it is not known.
 };
 
 struct ReinitOutcome {
@@ -97,6 +97,9 @@ bool HaveNewTemplates(const platform::Platform& own) {
                              });
 }
 
+// The page itself decides whether templates are old: it compares the recorded version of the
+// mathematics with its own. To force it, the recorded version is removed, and the page is asked to
+// look again. What the page does not report is looked for afterwards in the store.
 void RunReinit(Session& session, PageRun& run, bool isForced, ReinitOutcome& outcome) {
   outcome.tags = run.page.GetTags().tagCount;
   if (isForced && !run.wasReinitialized && outcome.tags > 0) {
@@ -123,15 +126,16 @@ void RunReinit(Session& session, PageRun& run, bool isForced, ReinitOutcome& out
   }
 }
 
-/// Of a page that computing them again ended, since it found no recording.
+/// Takes the outcome from a page that ended while it opened: the reinitialization found no
+/// recording.
 void NoteEndedReinit(Session& session, const tags::Page_one& page, ReinitOutcome& outcome) {
   outcome.hasRun = true;
   outcome.tags = page.GetTags().tagCount;
   CountRecordings(session.GetPlatform(), page.GetTags(), outcome);
 }
 
-/// Those that have no recording any more cannot have been computed again.
-void TellTagsWithoutRecording(Session& session, const ReinitOutcome& outcome) {
+/// A tag without a recording cannot have a new template, which is a failure.
+void ReportTagsWithoutRecording(Session& session, const ReinitOutcome& outcome) {
   std::string names;
   for (const Tag& tag : outcome.withoutRecording) {
     names += (names.empty() ? "" : ", ") + tag.name;
@@ -174,7 +178,7 @@ void Reinit(Session& session, bool isForced) {
   RunPage(
       session, Contacts::kNeeded, [&](PageRun& run) { RunReinit(session, run, isForced, outcome); },
       [&](const tags::Page_one& page) { NoteEndedReinit(session, page, outcome); });
-  TellTagsWithoutRecording(session, outcome);
+  ReportTagsWithoutRecording(session, outcome);
   PrintReinit(session, outcome);
 }
 

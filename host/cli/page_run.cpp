@@ -98,6 +98,10 @@ bool ListsAllTags(Session& session, const PageRun& run) {
          run.page.GetTags().tagCount >= lines;
 }
 
+// The page runs as it does in the window, in a sheet that shows nothing. A story is what a user
+// would do there: it gets the sheet when that is open, presses buttons, and returns, which closes
+// the sheet. The page has no way to report that it could not read its tags, so the command looks
+// before it opens one.
 void RunPage(Session& session, Contacts contacts, const std::function<void(PageRun&)>& use,
              const std::function<void(const tags::Page_one&)>& useEnded) {
   if (!session.OpenForChanging() || !CanListTags(session)) {

@@ -36,7 +36,8 @@ void RunPage(Session& session, Contacts contacts, const std::function<void(PageR
 /// with.
 [[nodiscard]] bool ListsAllTags(Session& session, const PageRun& run);
 
-/// What the applet speaks: the language file of the device, where there is one.
+/// Returns the texts of the applet: those of the language file of the device if there is one,
+/// otherwise the English ones.
 [[nodiscard]] language::Texts LoadTexts(Session& session);
 
 }  // namespace cli

@@ -63,6 +63,9 @@ void Export(Session& session, const std::string& name) {
   }
 }
 
+// The file is read and understood as a whole before the settings are opened: a file with one wrong
+// line changes nothing, and a root folder with a mistyped name is not made for a file that is not
+// there.
 void Import(Session& session, const std::string& name) {
   const auto source = FileArgument::ForReading(name);
   const auto file = source

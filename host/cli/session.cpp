@@ -64,6 +64,8 @@ platform::Platform Session::GetPlatform(platform::Clock& clock) {
           m_shell};
 }
 
+// A typing error in --root must not look like an error of some file below it. So the nearest folder
+// that exists is looked at, and a link in the place of the settings is named.
 bool Session::RequireRoot() {
   if (!m_backends.HasRoot()) {
     Fail("there is no folder for the voice tags, since HOME names none; name one with --root DIR");

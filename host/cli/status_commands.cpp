@@ -16,7 +16,7 @@ namespace {
 
 struct FoundContacts {
   std::size_t count = 0;  ///< Of those with a telephone number.
-  std::string problem;    ///< Why there are none; empty where there are.
+  std::string problem;    ///< Why there are none; empty if there are some.
   std::vector<std::string> remarks;
 };
 
@@ -36,7 +36,7 @@ FoundContacts FindContacts(Session& session) {
           DescribeContactRemarks(session)};
 }
 
-void Tell(const FoundContacts& contacts, std::uint32_t microphones) {
+void Print(const FoundContacts& contacts, std::uint32_t microphones) {
   PrintLine(contacts.count > 0 ? fmt::format("Contacts with a telephone number: {}", contacts.count)
                                : fmt::format("Contacts: {}.", contacts.problem));
   for (const std::string& remark : contacts.remarks) {
@@ -48,7 +48,7 @@ void Tell(const FoundContacts& contacts, std::uint32_t microphones) {
                   "--microphone FILE records from a wave file.");
 }
 
-/// What is missing is what was asked for, so that it is no failure.
+/// The command is asked what is missing. So a missing thing is its answer, and no failure.
 void ShowStatus(Session& session) {
   if (!session.OpenForReading()) {
     return;
@@ -64,7 +64,7 @@ void ShowStatus(Session& session) {
     }
     session.SetJson({{"contacts", std::move(ofContacts)}, {"microphones", microphones}});
   } else {
-    Tell(contacts, microphones);
+    Print(contacts, microphones);
   }
 }
 

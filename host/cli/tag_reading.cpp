@@ -33,6 +33,7 @@ platform::Result<std::vector<tags::ListedTag>, platform::RegistryError> ReadAtOn
   return tags;
 }
 
+/// Reports what is wrong with one tag. The list has it all the same.
 void ReportProblem(Session& session, const tags::ListedTag& tag) {
   const std::string name = text::ToUtf8(tag.name);
   if (tag.error) {
@@ -66,6 +67,10 @@ platform::Result<std::vector<std::u16string>, platform::RegistryError> ListTagNa
   return std::move(list->names);
 }
 
+// A reading command opens no page, since a page cleans up. So it reads what the page would list:
+// first the names alone, because a store without tags needs no address book, which may take seconds
+// to answer. Then all tags in one transaction, so that a tag is never listed with half of its
+// entry.
 platform::Result<std::vector<tags::ListedTag>, std::string> ReadTags(Session& session) {
   const platform::Platform platform = session.GetPlatform();
   const auto names = ListTagNames(session);

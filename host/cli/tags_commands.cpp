@@ -75,8 +75,8 @@ void ListTags(Session& session) {
       language::CountLabel(LoadTexts(session), static_cast<std::int32_t>(tags->size()))));
 }
 
-/// Whether what stands for the microphone can be heard, before anybody is asked to speak; tells
-/// where it cannot. A real microphone tells that itself.
+/// Whether the file that stands for the microphone can be heard, before anybody is asked to speak.
+/// Reports it if not. A real microphone reports that itself.
 bool CanHear(Session& session) {
   const std::string& microphone = session.GetOptions().machine.microphone;
   if (microphone.empty()) {
@@ -123,6 +123,9 @@ void PrintLearned(Session& session, const tags::ListedTag& tag,
   session.SetJson(json);
 }
 
+// The command line has no rules of its own for learning: it chooses in the page's boxes, presses
+// the page's button, and looks whether the list has a new line. Everything that the page refuses is
+// so refused here.
 void Learn(Session& session, const std::string& contact, const std::string& kind) {
   RunPage(session, Contacts::kNeeded, [&](PageRun& run) {
     if (!ChooseContact(session, run, contact) ||
@@ -220,7 +223,7 @@ std::ptrdiff_t CountProblems(Session& session) {
       });
 }
 
-/// Presses a button that deletes, and tells whether the list became shorter and nothing was left.
+/// Presses a button that deletes. It has worked if the list became shorter and nothing was left.
 void PressDelete(Session& session, PageRun& run, int button, const char* failure) {
   const int before = run.dialog.GetItemCount(kTagListId);
   const std::ptrdiff_t problems = CountProblems(session);

@@ -53,7 +53,8 @@ platform::Result<std::string, std::string> Load(Session& session, CVoiceMathemat
   return file->GetName();
 }
 
-/// A sentence about the values for which `isOdd` holds. Returns an empty text if there is none.
+/// Returns a sentence about the values for which `isOdd` holds. Returns an empty text if there is
+/// none.
 template <typename Predicate>
 std::string NameOdd(std::span<const float> values, const char* what, Predicate isOdd) {
   const auto first = std::ranges::find_if(values, isOdd);
@@ -136,6 +137,8 @@ Json DistancesToJson(const CVoiceMathematics& mathematics, std::int32_t count) {
   return {{"distances", std::move(distances)}, {"thresholds", std::move(thresholds)}};
 }
 
+// All templates are loaded into the slots in which the dialer compares them. So the distances, and
+// the acceptance distances next to them, are those that count for a spoken name.
 void Compare(Session& session, const std::vector<std::string>& files) {
   if (files.size() > CVoiceMathematics::kStoredSlots) {
     throw CLI::ValidationError(

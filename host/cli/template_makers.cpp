@@ -116,6 +116,10 @@ struct MakerFiles {
 };
 
 /// One run of `template learn` or `template process`.
+///
+/// Learning cuts the user's own file, and that cannot be undone. So everything that can be known to
+/// fail is tried before: is there enough speech, can the template be written, can the original be
+/// kept? Only then is the recording touched.
 class TemplateMaker {
  public:
   /// `files` outlive this.

@@ -73,7 +73,8 @@ void PrintTrash(Session& session) {
   }
 }
 
-/// Has the tags for the time of a command, after what an earlier one left unfinished was ended.
+/// Holds the tags for the time of a command: no window can open meanwhile. A command that was
+/// killed may have left a deletion half done, which is finished or undone first.
 class HeldTags {
  public:
   explicit HeldTags(Session& session)
@@ -149,6 +150,8 @@ std::vector<TrashedTag> Choose(Session& session, const std::vector<TrashedTag>& 
   return chosen;
 }
 
+// Each name is restored by itself. If one fails, its reason is reported, and the next ones still
+// come back: a user who lost five tags wants the four that can be had.
 void Restore(Session& session, const std::vector<std::string>& names, bool isLast) {
   if (!session.OpenForChanging()) {
     return;

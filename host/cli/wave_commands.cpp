@@ -25,6 +25,8 @@ double BytesToSeconds(std::uint32_t bytes) {
   return static_cast<double>(bytes) / (audio::kRecordingRate * kBytesPerSample);
 }
 
+// The clock draws the progress line: the recorder sleeps on it for the length of the recording, and
+// only once the microphone is open. So "Speak now" appears when somebody should speak.
 void Record(Session& session, const std::string& name, std::uint32_t milliseconds) {
   RefuseStandardOutput(session, name, {"record", "a recording", "to record to"});
   const std::string& microphone = session.GetOptions().machine.microphone;

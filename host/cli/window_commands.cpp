@@ -37,7 +37,7 @@ std::filesystem::path Find(const machine::Program& program) {
   return machine::Places(posix::FindOwnFile()).GetProgram(program);
 }
 
-/// What stood before the command, as the applet takes it.
+/// Returns the options in front of the command in the form in which the applet takes them.
 std::vector<std::string> VariablesOf(const Session& session) {
   const machine::Options& options = session.GetOptions().machine;
   std::vector<std::string> variables;
@@ -53,6 +53,8 @@ std::vector<std::string> VariablesOf(const Session& session) {
   return variables;
 }
 
+// The windows belong to another program, which is started and waited for. So a command line without
+// a screen needs none of its libraries, and a crash of a window is reported like any failure.
 void RunWindow(Session& session, const std::vector<std::string>& arguments) {
   if (!session.RequireRoot()) {
     return;

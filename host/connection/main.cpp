@@ -30,7 +30,7 @@ void Run(const std::filesystem::path& root) {
   posix::PosixFileSystem files(text::FromHostName(root.native()));
   posix::PosixClock clock;
   udev_ports::UdevSerialDevices devices;
-  // Where that fails the ports are those of last time.
+  // If that fails, the ports are those of last time.
   static_cast<void>(udev_ports::PublishSerialPorts(registry, devices));
 
   qt::UiThread thread;

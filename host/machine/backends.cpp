@@ -48,6 +48,8 @@ Options ReadOptions() {
           GetVariable("VOXTREL_SPEAKER"), GetVariable("VOXTREL_CONTACTS")};
 }
 
+// Each back end is made when it is first asked for. So a command on plain files opens no settings
+// and no sound, and the options may still change until then.
 Backends::Backends(const Options& options)
     : m_options(options), m_clock(MakeClock()), m_desktop(LoadDesktopBooks) {}
 

@@ -20,6 +20,7 @@ QByteArray BytesOf(const resources::Picture& picture) {
                                  static_cast<qsizetype>(picture.svg.size()));
 }
 
+/// Draws the picture as large as it fits into a square, in its own proportions.
 QPixmap Render(QSvgRenderer& renderer, int size) {
   QPixmap pixmap(size, size);
   pixmap.fill(Qt::transparent);
@@ -50,6 +51,7 @@ QIcon PlainIcon() { return QApplication::style()->standardIcon(QStyle::SP_FileIc
 
 QIcon PanelIcon() {
   QIcon icon;
+  // Small sizes have pictures of their own, with fewer lines.
   for (const int size : kSizes) {
     QSvgRenderer renderer(BytesOf(*resources::FindPictureFor(resources::kAppletIcon, size)));
     icon.addPixmap(Render(renderer, size));

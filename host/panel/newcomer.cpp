@@ -59,6 +59,8 @@ std::optional<Equipment> ParseEquipment(const QByteArray& json) {
                    microphones.toInt()};
 }
 
+// A newcomer has chosen nothing, so the text says where to put contacts. If the user has
+// chosen an address book, the text says what is wrong with it.
 QString DescribeMissing(const Equipment& equipment) {
   QStringList lines;
   // "There are no ..." is a new machine. Any other problem comes from a choice that the user made.
@@ -75,6 +77,8 @@ QString DescribeMissing(const Equipment& equipment) {
   return lines.join(QLatin1Char('\n'));
 }
 
+// The command line has exit code 0 also if something is missing. So the output alone counts, and
+// anything that is no answer leaves the bar hidden.
 EquipmentCheck::EquipmentCheck(const QString& commandLine,
                                std::function<void(const Equipment& equipment)> answer) {
   QObject::connect(&m_process, &QProcess::finished, &m_process,
@@ -148,6 +152,8 @@ std::vector<Sample> FindSamples() {
   return samples;
 }
 
+// The samples have a root folder of their own in the cache. To empty the cache costs the user no
+// voice tag of their own.
 QStringList SampleEnvironment(const QString& recording) {
   const QString root = QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) +
                        QStringLiteral("/voxtrel/samples");

@@ -28,6 +28,10 @@ QMessageBox* MakeBox(QWidget& window, QMessageBox::Icon icon, const QString& tit
 
 }  // namespace
 
+// Boxes and applets live longer than the calls that make them, and any of them may go first: the
+// user closes a box while the applet answers again, or the applet ends while its box is open. So
+// each event finds its applet by the key again, and a box that goes takes its name out of the
+// entry.
 OpenApplets::OpenApplets(QWidget& window, Settings settings, Events events)
     : m_window(window), m_settings(std::move(settings)), m_events(std::move(events)) {}
 
@@ -109,6 +113,8 @@ void OpenApplets::ShowProblem(const QString& name, const QString& text) {
   box->show();
 }
 
+// The box does not block: the panel and its other applets go on. "Wait" is the answer to Enter and
+// Escape, since "Close it" loses what the user did in the applet.
 void OpenApplets::OnSilence(const QString& key) {
   Entry& entry = m_open[key];
   const QString& name = entry.choice.name;

@@ -29,6 +29,8 @@ QProcessEnvironment EnvironmentWith(const QStringList& additions) {
 ErrorLines::ErrorLines(QByteArray prefix, PassOn passOn)
     : m_prefix(std::move(prefix)), m_passOn(std::move(passOn)) {}
 
+// Bytes arrive in pieces that begin and end anywhere. What has come of a line waits for its end, up
+// to the limit. The rest of a line that is too long is dropped, and the next line is whole again.
 void ErrorLines::Take(const QByteArray& bytes) {
   for (qsizetype begin = 0; begin < bytes.size();) {
     const qsizetype end = bytes.indexOf('\n', begin);
@@ -56,6 +58,9 @@ void ErrorLines::TakeLine(const QByteArray& line) {
   }
 }
 
+// An applet is watched by its signs of life: each one starts the timer again, and the timer runs
+// out if none comes in time. That is no end: a slow applet may answer again. The events come from
+// the event loop only, never from within this constructor.
 OpenedApplet::OpenedApplet(const Start& start, Events events)
     : m_events(std::move(events)),
       // If standard error does not take a line, nothing changes.
@@ -94,7 +99,7 @@ OpenedApplet::OpenedApplet(const Start& start, Events events)
 }
 
 OpenedApplet::~OpenedApplet() {
-  m_process.disconnect();
+  m_process.disconnect();  // Nobody waits for the events of a process that goes with its object.
   if (m_process.state() != QProcess::NotRunning) {
     m_process.kill();
     m_process.waitForFinished();
@@ -130,6 +135,7 @@ void OpenedApplet::OnSilence() {
 
 void OpenedApplet::OnEnd(Ending ending) {
   m_silence.stop();
+  // Qt may report the end before the last bytes.
   m_errors.Take(m_process.readAllStandardError());
   m_errors.End();
   m_events.ended(ending, m_errors.GetMessage());
