@@ -122,6 +122,10 @@ void FileArgument::Send(Session& session) const {
   }
   const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(m_path.c_str(), "rb"),
                                                              std::fclose);
+  // A reader that goes away ends this process. The file has no name any more by then, so no
+  // recording of a voice stays on the disk.
+  std::error_code ignored;
+  fs::remove(m_path, ignored);
   const bool isSent = file && EachPiece(file.get(), [](std::span<const char> piece) {
                         return std::fwrite(piece.data(), 1, piece.size(), stdout) == piece.size();
                       });

@@ -1,3 +1,4 @@
+#include <csignal>
 #include <fstream>
 #include <iterator>
 
@@ -134,6 +135,20 @@ TEST_F(StandardStreamAsFile, ThatTakesNoMoreIsAFailure) {
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_THAT(run.out, IsEmpty());
   EXPECT_THAT(run.err, HasSubstr("voxtrel: standard output: it cannot be written\n"));
+}
+
+TEST_F(StandardStreamAsFile, WhoseReaderGoesAwayLeavesNoRecordingOnTheDisk) {
+  const auto sample = CopySample("anna_1.wav");
+  fs::create_directories(Path("temporary"));
+  // The pipe is smaller than the recording, so the program is writing when its reader has gone.
+  const auto run = support::RunProgram(
+      {"bash", "-c", "\"$0\" \"$@\" | head -c 1 >/dev/null; exit ${PIPESTATUS[0]}", VOXTREL_PROGRAM,
+       "--microphone", sample, "wave", "record", "-", "--milliseconds", "20000"},
+      {"TMPDIR=" + Path("temporary")});
+  EXPECT_EQ(run.exitCode, 128 + SIGPIPE);
+  for (const auto& entry : fs::recursive_directory_iterator(Path("temporary"))) {
+    EXPECT_TRUE(entry.is_directory()) << entry.path();
+  }
 }
 
 }  // namespace
