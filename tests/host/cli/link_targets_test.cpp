@@ -36,7 +36,8 @@ class LinkTargets : public CommandFixture {
     return {std::istreambuf_iterator<char>(file), {}};
   }
 
-  const std::string m_sample = std::string(VOXTREL_SAMPLES_DIR) + "/anna_1.wav";
+  // Of its own: to play a file keeps everybody else from opening it.
+  const std::string m_sample = CopySample("anna_1.wav");
   const std::string m_private = Path("private.wav");
   const std::string m_link = Path("shared/target.wav");
   std::string m_content;
