@@ -11,10 +11,8 @@
 #include "tests/voicemath/twins/matching.h"
 #include "tests/voicemath/twins/speech_bounds.h"
 #include "voicemath/band_features.h"
-#include "voicemath/block_envelope.h"
 #include "voicemath/endpoint_detector.h"
 #include "voicemath/nearest_neighbours.h"
-#include "voicemath/spectrum.h"
 #include "voicemath/template_distance.h"
 
 namespace benchmarks {

@@ -1,5 +1,3 @@
-#include "voicemath/block_envelope.h"
-
 #include <algorithm>
 #include <bit>
 #include <cstddef>
@@ -9,7 +7,13 @@
 #include <type_traits>
 #include <utility>
 
+#include "voicemath/endpoint_detector.h"
 #include "voicemath/vector_clones.h"
+
+// The envelope looks at every sample of the recording, so it reads each one once. A block is two
+// half blocks, and each half block belongs to two blocks: its sum, its lowest and its highest
+// sample are measured once and used twice. The largest distance from the mean is that of the lowest
+// or of the highest sample, so the samples need not be read again when the mean is known.
 
 namespace voicemath {
 namespace {
@@ -32,8 +36,8 @@ struct EightLanes {
     std::memcpy(&values, samples, sizeof values);
     return values;
   }
-  /// All bits, but for those of lanes that the last samples of a half block have in common with the
-  /// ones before.
+  /// Returns all bits, except those of the lanes that the last samples of a half block share with
+  /// the samples before.
   VOXTREL_INLINE static Samples LastCounted() {
     static_assert(kBlockStep % kCount == kCount - 1);
     Samples counted = ~Samples{};
@@ -41,7 +45,7 @@ struct EightLanes {
     return counted;
   }
 };
-/// A single one in what the processor calculates with.
+/// A single sample, for processors without vectors.
 struct OneLane {
   [[maybe_unused]] static constexpr std::size_t kCount = 1;
   using Samples = std::int32_t;
@@ -58,7 +62,8 @@ using SumLanes = InLanes::Sums;
 VOXTREL_INLINE SampleLanes Higher(SampleLanes a, SampleLanes b) { return a > b ? a : b; }
 VOXTREL_INLINE SumLanes Sum(SumLanes a, SumLanes b) { return a + b; }
 
-/// Takes all lanes of `a` together, and all of `b`.
+/// Returns all lanes of `a` taken together, and all of `b`: both at once in one vector, which is
+/// halved three times.
 template <typename AnyLanes>
 VOXTREL_INLINE auto Fold(AnyLanes a, AnyLanes b, AnyLanes together(AnyLanes, AnyLanes)) {
   if constexpr (std::is_integral_v<AnyLanes>) {
@@ -74,9 +79,12 @@ VOXTREL_INLINE auto Fold(AnyLanes a, AnyLanes b, AnyLanes together(AnyLanes, Any
   }
 }
 
-/// All in 16 bits. A sum of few samples is held as two that fit: that of their upper halves, v >>
-/// 8, and that of their lower ones, which is what 256 times the first lacks of the sum of the
-/// samples, however often that wraps.
+/// Measures a half block, several samples side by side, and never leaves 16 bits.
+///
+/// The sum of the samples does not fit, so two sums are kept: that of the upper halves, v >> 8,
+/// which fits, and that of the samples themselves, which wraps. What 256 times the first lacks of
+/// the second is the sum of the lower halves. It fits, so it is right however often the other
+/// wrapped.
 class HalfBlockLanes {
  public:
   VOXTREL_INLINE explicit HalfBlockLanes(SampleLanes values)
@@ -85,7 +93,7 @@ class HalfBlockLanes {
         m_sum(std::bit_cast<SumLanes>(values)),
         m_upperSum(values >> 8) {}
 
-  /// Those without a bit in `counted` have been added before.
+  /// Takes more samples. Lanes without a bit in `counted` were added before.
   VOXTREL_INLINE void Take(SampleLanes values, SampleLanes counted) {
     m_highest = Higher(m_highest, values);
     m_lowest = values < m_lowest ? values : m_lowest;
@@ -116,7 +124,7 @@ VOXTREL_INLINE HalfBlock MeasureHalf(const std::int16_t* samples) {
   for (std::size_t at = InLanes::kCount; at < kLast; at += InLanes::kCount) {
     lanes.Take(InLanes::At(samples + at), ~SampleLanes{});
   }
-  // The last ones end with the half block.
+  // The last samples end with the half block, and repeat one of those before.
   lanes.Take(InLanes::At(samples + kLast), InLanes::LastCounted());
   return lanes.Together();
 }
@@ -148,7 +156,7 @@ std::int16_t BlockEnvelope(std::span<const std::int16_t, kBlockSamples> block) {
   const std::int32_t mean = sum / static_cast<std::int32_t>(kBlockSamples);
   std::int16_t largest = 0;
   for (const std::int16_t sample : block) {
-    // Kept in 16 bits: a distance of 32,768 or more wraps to a negative value and never wins.
+    // In 16 bits, deliberately: a distance of 32,768 or more becomes negative and never wins.
     const std::int16_t distance = static_cast<std::int16_t>(std::abs(sample - mean));
     largest = std::max(largest, distance);
   }

@@ -23,9 +23,14 @@ struct Peak {
   std::size_t block = 0;  ///< The first of that height.
 };
 
-/// Mean over the neighbourhood of each block, in place, from a sum that runs along: one block comes
-/// in ahead, one goes out at the back. Block 0 counts only if the forward run begins with it, never
-/// as an earlier neighbour: the test for neighbours is "greater than zero", deliberately.
+/// Puts the mean of its neighbourhood in the place of each block, and finds the highest mean.
+///
+/// The sum of the neighbourhood runs along: one block comes in ahead and one goes out at the back,
+/// so each block costs the same, however wide the neighbourhood is. Blocks that were replaced are
+/// still needed unsmoothed until they have gone out, so the last few are kept.
+///
+/// Block 0 is never an earlier neighbour, deliberately: the test for neighbours has always been
+/// "greater than zero". It counts only in its own mean.
 class Smoothing {
  public:
   explicit Smoothing(std::span<std::int16_t> envelope) : m_envelope(envelope) {
@@ -89,15 +94,16 @@ class Smoothing {
   Peak m_peak;
 };
 
-/// The noise level under the speech: the mode of the lower half of the amplitudes, and a little.
+/// Returns the noise level under the speech: the commonest of the lower amplitudes, and a sixteenth
+/// of the peak. Most blocks of a recording are no speech, so the commonest amplitude is the room's.
 VOXTREL_INLINE std::int16_t NoiseLevel(std::span<const std::int16_t> envelope, std::int16_t peak,
                                        std::int16_t binWidth) {
-  // Division by a product with a number above the reciprocal, in units of 2^-31. With a value below
-  // 2^15 it comes out too large by less than 2^-16, and a width below 2^10 leaves more room than
+  // Divides by a product with a number above the reciprocal, in units of 2^-31. With a value below
+  // 2^15 the product is too large by less than 2^-16, and a width below 2^10 leaves more room than
   // that up to the next whole number.
   const std::uint64_t reciprocal =
       (std::uint64_t{1} << 31U) / static_cast<std::uint64_t>(binWidth) + 1;
-  // Neighbours mostly fall into the same bin. Counted apart they need not wait for each other.
+  // Neighbours mostly fall into the same bin. In four histograms they need not wait for each other.
   std::array<std::array<std::uint32_t, kHistogramBins>, 4> histograms{};
   std::size_t apart = 0;
   for (const std::int16_t value : envelope) {
@@ -116,14 +122,16 @@ VOXTREL_INLINE std::int16_t NoiseLevel(std::span<const std::int16_t> envelope, s
 }
 
 /// The envelope above the noise, with peaks cut at half height so that one loud syllable does not
-/// outweigh the others. The sum over the blocks within reach, 2 * kReach + 1 values below 2^14, is
-/// below 2^23; that of the products with their distances from the first of them, which add up to
-/// 80,200, is below 2^31.
+/// outweigh the others.
+///
+/// 32 bits hold every sum: 2 * kReach + 1 blocks are within reach, each below 2^14, so their sum is
+/// below 2^23. Their distances from the first block add up to 80,200, so the sum of the products is
+/// below 2^31.
 struct ClippedEnvelope {
   std::span<const std::int16_t> envelope;
   std::int16_t clip;
 
-  /// Blocks `from` up to `to`, as far as there are such.
+  /// Returns the blocks `from` up to `to`, as far as they exist.
   [[nodiscard]] std::span<const std::int16_t> Blocks(std::int64_t from, std::int64_t to) const {
     const std::int64_t begin = std::max<std::int64_t>(from, 0);
     const std::int64_t end = std::min(to + 1, static_cast<std::int64_t>(envelope.size()));

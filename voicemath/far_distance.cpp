@@ -1,56 +1,59 @@
-#include "voicemath/far_distance.h"
-
 #include <algorithm>
 #include <array>
 #include <bit>
 #include <cstdint>
 #include <cstring>
 
+#include "voicemath/template_pair.h"
 #include "voicemath/vector_clones.h"
 
-// How a short template is compared with one a thousand times as long, each sum with every rounding.
+// How a short template is compared with one a thousand times as long.
+//
+// Taken as it is defined, each of thousands of shifts adds up all frames of the longer template,
+// with every rounding. Here each shift costs only as much as the shorter template is long.
 //
 // One shift holds the first frame of the shorter template against all frames of the longer one
 // before its place, its own frames against those at its place, and its last frame against all
 // frames after: head, middle and tail, added in this order, each addition rounded.
 //
-// - The head of one shift is that of the next, one frame shorter. All heads are one running sum.
+// - The head of a shift is the head of the next shift, one frame shorter. All heads are one running
+//   sum.
 // - The middles are formed for several shifts side by side.
-// - The tails begin with another sum for each shift and are rounded otherwise. But a rounded sum
-//   x + t never falls as x rises. So for each place of a tail there is a largest x, the allowance,
-//   with which its sum still ends below the best one. The allowance at a value t is the largest x
-//   for which x + t, rounded, is within the allowance after it. One walk from the end to the front
-//   gives all of them, and only a shift whose middle ends within its allowance is added up: it is
-//   the new best one.
+// - The tails cannot share a sum: each begins with another middle, and is rounded otherwise. But a
+//   rounded sum x + t never falls as x rises. So for each place in a tail there is a largest x, the
+//   allowance, with which the sum still ends below the best one. The allowance at a value t is the
+//   largest x for which x + t, rounded, is within the allowance after it. One walk from the end to
+//   the front gives all allowances. Only a shift whose middle ends within its allowance is added
+//   up, and it is the new best one.
 //
-// The best shift is guessed first, from tails summed in double, so that few become the best later.
+// The best shift is guessed first, from tails summed in double. Then few others become the best.
 
 namespace voicemath {
 namespace {
 
 constexpr auto kLanes = static_cast<std::int32_t>(kFloatLanes);
 
-/// From so many frames more in the longer template on. Words are never so long.
+/// A pair is far if the longer template has so many frames more. Words are never so long.
 constexpr std::int32_t kFarFrames = 1000;
 
 /// Blocks of shifts between two questions whether to go on.
 constexpr std::int32_t kBlocksBetweenQuestions = 32;
 
-/// No sum is within it.
+/// The allowance that no sum is within.
 constexpr float kNoAllowance = -1.0F;
 
-/// Next to a float that is not negative.
+/// The neighbours of a float that is not negative.
 float Above(float x) { return std::bit_cast<float>(std::bit_cast<std::uint32_t>(x) + 1); }
 float Below(float x) { return std::bit_cast<float>(std::bit_cast<std::uint32_t>(x) - 1); }
 
-/// The largest float x from 0 on for which x + t, rounded, is not above `allowance`, which is not
-/// infinite; kNoAllowance if there is none. `t` is not negative, or no number.
+/// Returns the largest float x from 0 on for which x + t, rounded, is not above `allowance`, which
+/// is not infinite. Returns kNoAllowance if there is none. `t` is not negative, or no number.
 VOXTREL_INLINE float AllowanceBefore(float allowance, float t) {
   if (!(t <= allowance)) {
     return kNoAllowance;
   }
-  // What is rounded down to the allowance reaches half a step further. The guess is at most a few
-  // floats next to the result, as the difference is rounded once to double and once to float.
+  // Sums up to half a step above the allowance are rounded down to it. The guess is at most a few
+  // floats away from the result, since the difference is rounded once to double and once to float.
   const double reach = (static_cast<double>(allowance) + static_cast<double>(Above(allowance))) / 2;
   auto x = static_cast<float>(reach - static_cast<double>(t));
   while (x + t > allowance) {
@@ -62,15 +65,15 @@ VOXTREL_INLINE float AllowanceBefore(float allowance, float t) {
   return x;
 }
 
-/// Square of the difference of two values, rounded twice as everywhere.
+/// Returns the square of the difference of two values, rounded twice as everywhere.
 VOXTREL_INLINE float Term(float a, float b) {
   const float difference = a - b;
   return difference * difference;
 }
 
 /// The search for the best shift of one pair. A shift is named by its place: how many frames of the
-/// longer template stand before the shorter one. Places at which the shorter one runs out are not
-/// searched here.
+/// longer template come before the shorter one. Shifts at which the shorter one runs out at an end
+/// have no place and are tried one by one.
 class FarSearch {
  public:
   FarSearch(const Pair& pair, float best, std::span<float> sums)
@@ -78,7 +81,7 @@ class FarSearch {
 
   [[nodiscard]] float Best() const { return m_best; }
 
-  /// Adds up the shift of Pair from frame 0 on.
+  /// Adds up one shift as it is defined, from frame 0 on.
   VOXTREL_INLINE void TryRunOut(std::int32_t shift) {
     float sum = 0.0F;
     for (std::int32_t frame = 0; frame < m_longer.Frames() && sum < m_best; ++frame) {
@@ -87,7 +90,7 @@ class FarSearch {
     m_best = sum < m_best ? sum : m_best;
   }
 
-  /// Forms head and middle of all places; false if `goOn` says stop.
+  /// Forms head and middle of all places. Returns false if `goOn` says stop.
   VOXTREL_INLINE bool SumMiddles(const GoOn& goOn) {
     float head = 0.0F;
     for (std::int32_t place = 0; place < Places(); place += kLanes) {
@@ -164,13 +167,14 @@ class FarSearch {
                 m_longer.ShapeByFrame(frame)[band]);
   }
 
-  /// Goes on from the heads of kLanes places. Gives up when none can win: sums never fall.
+  /// Adds the middles to the heads of kLanes places. Gives up when none can win, since sums never
+  /// fall.
   VOXTREL_INLINE void SumMiddle(std::int32_t place, const std::array<float, kFloatLanes>& heads) {
     ShiftLanes sums;
     std::memcpy(&sums, heads.data(), sizeof sums);
-    std::array<float, kFloatLanes> told = heads;
+    std::array<float, kFloatLanes> seen = heads;
     const auto canWin = [this](float sum) { return sum < m_best; };
-    for (std::int32_t frame = 0; frame < m_shorter.Frames() && std::ranges::any_of(told, canWin);) {
+    for (std::int32_t frame = 0; frame < m_shorter.Frames() && std::ranges::any_of(seen, canWin);) {
       const std::int32_t look = std::min(frame + kLanes, m_shorter.Frames());
       for (; frame < look; ++frame) {
         const float* slid = m_shorter.ShapeByFrame(frame);
@@ -182,9 +186,9 @@ class FarSearch {
           sums += squares;
         }
       }
-      std::memcpy(told.data(), &sums, sizeof sums);
+      std::memcpy(seen.data(), &sums, sizeof sums);
     }
-    std::memcpy(&SumAt(place), told.data(), sizeof told);
+    std::memcpy(&SumAt(place), seen.data(), sizeof seen);
   }
 
   VOXTREL_INLINE void AddTail(std::int32_t place) {
@@ -196,7 +200,7 @@ class FarSearch {
     m_best = sum < m_best ? sum : m_best;
   }
 
-  /// The allowance at frame `to` from that at frame `from`, which is after it.
+  /// Returns the allowance at frame `to`, given the one at frame `from`, which is after it.
   VOXTREL_INLINE float Allowance(std::int32_t from, std::int32_t to, float allowance) const {
     for (std::int32_t frame = from; frame > to;) {
       --frame;
@@ -210,7 +214,7 @@ class FarSearch {
   const PreparedTemplate& m_shorter;
   const PreparedTemplate& m_longer;
   float m_best;
-  std::span<float> m_sums;  ///< By place, and a few more: head and middle, or what cannot win.
+  std::span<float> m_sums;  ///< Of head and middle, by place; or what cannot win.
 };
 
 }  // namespace

@@ -27,8 +27,8 @@ struct Neighbour {
   float distance = kMaxDistance;  ///< Also if no template is nearer.
 };
 
-/// Finds for each template the nearest other one. Of several at the same distance it is the one
-/// with the lowest index; if all are kMaxDistance away, the first other one. The template whose
+/// Finds for each template the nearest other one. Of several at the same distance the one with the
+/// lowest index counts. If all are kMaxDistance away, it is the first other one. The template whose
 /// neighbour is looked for is the first argument of TemplateDistance. `nearest` is as long as
 /// `templates`, at most kMostTemplates. After a failure `nearest` means nothing; there is none
 /// without a `watch`.

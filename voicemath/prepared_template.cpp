@@ -8,16 +8,17 @@
 namespace voicemath {
 namespace {
 
-/// Values of the shape stay below this: a frame that is repeated makes half the sum of four of the
-/// same value, which has to fit into 16 bits, rounded up. Only a value that is as good as the whole
-/// norm is not below it.
+/// Values of the shape stay below this. A repeated frame makes half the sum of four equal values,
+/// rounded up, and that has to fit into 16 bits. Only a value that is nearly the whole norm is not
+/// below it.
 constexpr float kShapeLimit = 1.0F - 1.0F / static_cast<float>(2 * PreparedTemplate::kGridSteps);
 
-/// Limit of the sum of squares of a grid, twice what a norm of 1 gives.
+/// The sum of squares of a grid is at most this, which is twice what a norm of 1 gives.
 constexpr std::int64_t kLargestSquares =
     std::int64_t{2} * PreparedTemplate::kGridSteps * PreparedTemplate::kGridSteps;
 
-/// Reciprocal of the Euclidean norm; 1 for a template that is all zeros or has no frames.
+/// Returns the reciprocal of the Euclidean norm. Returns 1 for a template that is all zeros or has
+/// no frames.
 float ReciprocalNorm(std::span<const float> values) {
   float sum = 0.0F;
   for (const float value : values) {
@@ -31,16 +32,16 @@ float ReciprocalNorm(std::span<const float> values) {
   return 1.0F / norm;
 }
 
-/// Reserves so many numbers, and initialises none that need not be. Returns false if there is no
-/// memory for them.
+/// Reserves so many numbers and leaves them without a value. Returns false if there is no memory
+/// for them.
 template <typename T>
 bool Make(std::unique_ptr<T[]>& numbers, std::size_t count) {
   numbers.reset(new (std::nothrow) T[count]);
   return numbers != nullptr;
 }
 
-/// Nearest point of the grid, a tie going up: never further than half a step. The product with a
-/// power of two is exact, and so is the rest.
+/// Returns the nearest point of the grid, which is at most half a step away. A tie goes up. The
+/// product with a power of two is exact, and so is all that follows.
 std::int16_t OnGrid(float shape) {
   const auto halfSteps =
       static_cast<std::int32_t>(shape * static_cast<float>(2 * PreparedTemplate::kGridSteps));
@@ -155,13 +156,13 @@ void PreparedTemplate::FillOutline() {
       *squares += static_cast<std::uint32_t>(*at * *at);
     }
   }
-  // Behind the last group, more than kGroupFrames sums are asked for and then thrown away.
+  // After the last group, a few more sums are read and not used, so they are zeros.
   std::fill(squares, m_slidSquares.get() + kGroupFrames * m_slidRow, 0U);
   std::fill_n(m_slidOutline.get() + kGroupFrames * m_slidRow * kBandCount, kGridBlock,
               std::int16_t{0});
-  std::int16_t* const behind =
+  std::int16_t* const after =
       std::copy_n(SlidOutline(0), static_cast<std::size_t>(Groups()) * kBandCount, m_outline.get());
-  std::fill_n(behind, kGridBlock, std::int16_t{0});
+  std::fill_n(after, kGridBlock, std::int16_t{0});
   m_outlineSquares = *SlidOutlineSquares(Groups() * kGroupFrames) - *SlidOutlineSquares(0);
 }
 

@@ -11,21 +11,27 @@
 
 namespace voicemath {
 
-/// A template in the forms that comparing wants, made once when its slot is filled:
+/// A template in the forms that a comparison needs. They are made once, when its slot is filled,
+/// since each template is compared with many others.
 ///
-/// - the *shape*: each value times the reciprocal of the norm, rounded to float. Once frame by
-///   frame, and once band by band, with the first frame repeated before it and the last one after,
-///   kFloatLanes times each;
-/// - the *grid*: the shape on a grid of steps of 1 / kGridSteps, as whole numbers, frame by frame,
-///   once as it is, and once between repetitions of its first and its last frame. Zeros follow;
-/// - the *outline*: half the sums of groups of kGroupFrames frames of the grid, as whole numbers.
-///   Once of the groups that follow each other from the first frame on, once of those that begin at
-///   any frame, the ends repeated;
-/// - running sums of the grid, so that a frame held against many others costs no more than one.
+/// - The *shape* decides: each value times the reciprocal of the norm, rounded to float. It is kept
+///   frame by frame, and once more band by band, so that one band of several neighbouring frames is
+///   one vector. There the first frame is repeated before it and the last one after it, kFloatLanes
+///   times each.
+/// - The *grid* screens: the shape in whole steps of 1 / kGridSteps. Sums of whole numbers are
+/// exact
+///   in any order, and twice as many 16-bit numbers as floats are in a vector. It is kept as it is,
+///   and once more between repetitions of its first and its last frame. Zeros follow.
+/// - The *outline* screens first, with a quarter of the numbers: half the sums of groups of
+///   kGroupFrames frames of the grid. It is kept for the groups from the first frame on, and once
+///   more for groups that begin at any frame, the ends repeated.
+/// - Running sums of the grid: with them a frame that is held against many others costs as little
+/// as
+///   one that is held against one.
 ///
-/// The grid and its outline are missing, and IsOnGrid is false, if there are no frames, or if a
-/// value of the shape is negative, no number or nearly all of the norm, or the norm lost too much
-/// in float: hardly any recording gives such a template, and comparing it only takes longer.
+/// Grid and outline are missing, and IsOnGrid is false, if there are no frames, if a value of the
+/// shape is negative, no number or nearly all of the norm, or if the norm lost too much in float.
+/// Hardly any recording gives such a template, and to compare it only takes longer.
 class PreparedTemplate {
  public:
   static constexpr std::int32_t kGridSteps = 1 << 14;
@@ -39,7 +45,7 @@ class PreparedTemplate {
 
   static constexpr std::int32_t kGroupFrames = 4;
 
-  /// Sums over all frames before one.
+  /// Sums over all frames before one frame.
   struct GridSums {
     std::array<std::int32_t, kBandCount> bands{};
     std::int32_t squares = 0;
@@ -47,67 +53,70 @@ class PreparedTemplate {
 
   PreparedTemplate() = default;
 
-  /// Prepares `values`, frame-major, kBandCount a frame. Without memory for it the template is left
-  /// as it was and the result is false.
+  /// Prepares `values`, frame by frame, kBandCount each. Returns false if there is no memory; the
+  /// template is then as it was.
   [[nodiscard]] bool Prepare(std::span<const float> values);
 
   [[nodiscard]] std::int32_t Frames() const { return m_frames; }
   [[nodiscard]] bool IsOnGrid() const { return m_isOnGrid; }
-  /// Whether all frames are alike.
+  /// Returns whether all frames are alike.
   [[nodiscard]] bool IsSteady() const { return m_isSteady; }
-  /// Square root of the number of values, rounded up.
+  /// Returns the square root of the number of values, rounded up.
   [[nodiscard]] std::int32_t RootOfSize() const { return m_rootOfSize; }
 
-  /// Frame `frame` of a band's shape, which may be from -kFloatLanes up to Frames(); kFloatLanes
-  /// frames may be read from there.
+  /// Returns the place of frame `frame` of a band's shape. `frame` may be from -kFloatLanes up to
+  /// Frames(), and kFloatLanes frames may be read from there.
   [[nodiscard]] const float* Shape(std::size_t band, std::ptrdiff_t frame) const {
     return m_shape.get() + static_cast<std::ptrdiff_t>(band * m_bandLength + kFloatLanes) + frame;
   }
-  /// The bands of one frame of the shape.
+  /// Returns the bands of one frame of the shape.
   [[nodiscard]] const float* ShapeByFrame(std::int32_t frame) const {
     return m_shapeByFrame.get() + static_cast<std::size_t>(frame) * kBandCount;
   }
   [[nodiscard]] const std::int16_t* Grid(std::int32_t frame) const {
     return m_grid.get() + static_cast<std::size_t>(frame) * kBandCount;
   }
-  /// `frame` may be from -kHeldFrames on. Behind kHeldFrames frames after the last are kHeldZeros.
+  /// `frame` may be from -kHeldFrames on. The last frame is repeated kHeldFrames times, and then
+  /// kHeldZeros follow.
   [[nodiscard]] const std::int16_t* HeldGrid(std::int32_t frame) const {
     return m_heldGrid.get() + static_cast<std::size_t>(frame + kHeldFrames) * kBandCount;
   }
-  /// Sum of the squares of the held grid before `frame`, as far as 32 bits hold it. Those before
-  /// the next frames follow.
+  /// Returns the sum of the squares of the held grid before `frame`, as far as 32 bits hold it. The
+  /// sums before the next frames follow.
   [[nodiscard]] const std::uint32_t* HeldSquares(std::int32_t frame) const {
     return m_heldSquares.get() + (frame + kHeldFrames);
   }
   [[nodiscard]] const GridSums& SumsBefore(std::int32_t frame) const {
     return m_sums[static_cast<std::size_t>(frame)];
   }
-  /// Sum of the squares of one frame of the grid.
+  /// Returns the sum of the squares of one frame of the grid.
   [[nodiscard]] std::int32_t Square(std::int32_t frame) const {
     return SumsBefore(frame + 1).squares - SumsBefore(frame).squares;
   }
 
-  /// Whole groups of kGroupFrames frames.
+  /// Returns the number of whole groups of kGroupFrames frames.
   [[nodiscard]] std::int32_t Groups() const { return m_frames / kGroupFrames; }
-  /// Frame by frame, one for each group. Zeros follow.
+  /// One frame for each group. Zeros follow.
   [[nodiscard]] const std::int16_t* Outline() const { return m_outline.get(); }
   [[nodiscard]] std::uint32_t OutlineSquares() const { return m_outlineSquares; }
-  /// The outline of the group that begins at `frame`, and of those that follow it. `frame` may be
-  /// from -kHeldFrames on, and all frames of a group up to kHeldFrames - 1 behind the last.
+  /// Returns the outline of the group that begins at `frame`; those of the groups that follow it
+  /// come next. `frame` may be from -kHeldFrames on, and the last frame of a group at most
+  /// kHeldFrames - 1 after the template's last one.
   [[nodiscard]] const std::int16_t* SlidOutline(std::int32_t frame) const {
     return m_slidOutline.get() + SlidPlace(frame) * kBandCount;
   }
-  /// Sum of the squares of those before, as far as 32 bits hold it. What follows are the sums for
-  /// groups that begin a frame later.
+  /// Returns the sum of the squares of the outlines before that group, as far as 32 bits hold it.
+  /// The sums for groups that begin a frame later follow.
   [[nodiscard]] const std::uint32_t* SlidOutlineSquares(std::int32_t frame) const {
     return m_slidSquares.get() + (frame + kHeldFrames);
   }
-  /// How many frames of outlines lie between those of groups that begin at one frame and at the
-  /// next, from a multiple of kGroupFrames on.
+  /// Returns how many frames of outlines lie between a group that begins at a multiple of
+  /// kGroupFrames and the group that begins a frame later.
   [[nodiscard]] std::size_t SlidRow() const { return m_slidRow; }
 
  private:
-  /// Groups that follow each other lie side by side, so there is a row for each way to begin.
+  /// Groups that follow each other lie side by side, so there is a row for each of the kGroupFrames
+  /// ways to begin.
   [[nodiscard]] std::size_t SlidPlace(std::int32_t frame) const {
     const std::int32_t fromHeld = frame + kHeldFrames;
     const auto held = static_cast<std::size_t>(fromHeld);

@@ -7,7 +7,7 @@
 
 namespace voicemath {
 
-/// More than this is no spoken name: a minute.
+/// A recording of more samples, a minute, is no spoken name.
 inline constexpr std::uint32_t kLongSamples = 60 * kSamplesPerSecond;
 
 /// What is odd about a recording of which a template is to be made. The mathematics processes each

@@ -20,8 +20,8 @@ inline constexpr std::size_t kSampleBytes = 2;
   return file.Seek(offset).and_then([&] { return file.Read(into); });
 }
 
-/// Samples of a wave file, zeros at first. The bytes are kept as the file holds them, since a short
-/// read can end in the middle of a sample and must leave the rest alone.
+/// Samples of a wave file, zeros at first. The bytes are kept as the file holds them: a read at the
+/// end of the file may stop in the middle of a sample, and must leave the rest as it was.
 template <std::size_t kCount>
 class SampleBuffer {
  public:

@@ -7,15 +7,23 @@
 #include <memory>
 #include <new>
 
-#include "voicemath/far_distance.h"
-#include "voicemath/grid_distance.h"
+#include "voicemath/template_pair.h"
 #include "voicemath/vector_clones.h"
 
-// Why most shifts need no exact sum.
+// How a comparison saves most of its work.
+//
+// The exact sum of a shift is slow, since its additions have to follow each other. It is needed
+// only for shifts that may win. So each shift is judged twice before, first by its outline and then
+// by its grid (prepared_template.h). Both are sums of whole numbers that cannot be far from the
+// exact sum, and a whole number may be added in any order, many at a time. The likeliest shift
+// comes first: the lower the best distance so far, the more shifts can be left out. And since a sum
+// of squares never falls, an exact sum is abandoned as soon as it is no longer below the best one.
+//
+// Why a shift that is left out cannot win.
 //
 // Let u and v be the n values of the shapes that one shift holds against each other, p and q the
 // same values on the grid of G = kGridSteps steps, and F the float sum of the squares of u - v.
-// A shift is left out where F is proven not to be below the best distance so far, B.
+// A shift is left out if F is proven not to be below the best distance so far, B.
 //
 // (1) From grid to shape. Neither p / G nor q / G is further than 1 / (2 G) from its value, so
 //     ||p - q|| <= G ||u - v|| + sqrt(n), in the Euclidean norm. ||p - q|| squared, the grid
@@ -24,7 +32,7 @@
 //     takes part in at most n + 3 of them: its difference and its square (that factor twice, and
 //     once), and n additions. Only a product can also fall below the normal numbers, and then loses
 //     less than 2^-149. So F >= ||u - v||^2 (1 - e)^(n + 3) - n 2^-149, and with n < 2^19,
-//     F >= B wherever ||u - v||^2 >= (B + 2^-100) (1 + 2 (n + 3) e).
+//     F >= B if ||u - v||^2 >= (B + 2^-100) (1 + 2 (n + 3) e).
 // (3) The root of the right side is at most sqrt(B + 2^-100) (1 + (n + 3) e). G times it is, with
 //     B <= 2, at most G sqrt(B + 2^-100) + (n + 3) / 724.
 //
@@ -32,7 +40,7 @@
 //     G sqrt(B + 2^-100) + (n + 3) / 724 + sqrt(n),
 // the shift cannot win. GridRoot() is not below the first term, RootOfSize() not below the last.
 //
-// Most need not even the grid distance, but only that of the outlines.
+// Most shifts need not even the grid distance, but only that of the outlines.
 //
 // (4) From outline to grid. The square of the sum of four differences is at most four times the sum
 //     of their squares, so half the sums of groups of four frames are no further from each other
@@ -45,23 +53,24 @@ namespace {
 constexpr auto kStep = static_cast<std::int32_t>(kProductLanes);
 constexpr auto kLanes = static_cast<std::int32_t>(kFloatLanes);
 
-/// Frames between two looks at whether any lane can still win.
+/// After so many frames an exact sum looks whether any lane can still win.
 constexpr std::int32_t kFramesBetweenLooks = kLanes;
 
 using LaneSums = std::array<float, kFloatLanes>;
 
-/// The float sums of `shift` and the kLanes - 1 shifts above it. Gives up, with some sums that are
-/// not below `bound`, as soon as none is: they never fall, and one that is no number never wins.
+/// Returns the float sums of `shift` and of the kLanes - 1 shifts above it. Gives up as soon as
+/// none of them is below `bound`, and then returns sums that are not below it either. A sum that is
+/// no number never wins.
 VOXTREL_INLINE LaneSums ExactSums(const Pair& pair, std::int32_t shift, float bound) {
   const auto& [shorter, longer] = pair;
   ShiftLanes sums{};
-  LaneSums told{};
+  LaneSums seen{};
   const auto canWin = [bound](float sum) { return sum < bound; };
   std::array<const float*, kBandCount> slid;
   for (std::size_t band = 0; band < kBandCount; ++band) {
     slid[band] = shorter.Shape(band, 0);
   }
-  for (std::int32_t frame = 0; frame < longer.Frames() && std::ranges::any_of(told, canWin);) {
+  for (std::int32_t frame = 0; frame < longer.Frames() && std::ranges::any_of(seen, canWin);) {
     const std::int32_t look = std::min(frame + kFramesBetweenLooks, longer.Frames());
     for (; frame < look; ++frame) {
       const std::int32_t held = std::clamp(frame + shift, -kLanes, shorter.Frames());
@@ -73,19 +82,19 @@ VOXTREL_INLINE LaneSums ExactSums(const Pair& pair, std::int32_t shift, float bo
         sums += squares;
       }
     }
-    std::memcpy(told.data(), &sums, sizeof sums);
+    std::memcpy(seen.data(), &sums, sizeof sums);
   }
-  return told;
+  return seen;
 }
 
-/// The root of the grid distance from which on no shift can win; derived above.
+/// Returns the root of the grid distance from which on no shift can win, as derived above.
 VOXTREL_INLINE std::int32_t GridLimitRoot(const PreparedTemplate& longer,
                                           const DistanceBound& bound) {
   const std::int32_t values = longer.Frames() * static_cast<std::int32_t>(kBandCount);
   return bound.GridRoot() + longer.RootOfSize() + values / 512 + 1;
 }
 
-/// The outline distance from which on no shift can win; derived above.
+/// Returns the outline distance from which on no shift can win, as derived above.
 VOXTREL_INLINE std::uint32_t OutlineLimit(const PreparedTemplate& longer,
                                           const DistanceBound& bound) {
   const std::int32_t root = GridLimitRoot(longer, bound) + longer.RootOfSize() / 4 + 1;
@@ -109,8 +118,8 @@ class Search {
     }
   }
 
-  /// Does so for all of the `count` shifts from the `index`-th on that can win, beginning about the
-  /// likeliest: the lower the bound, the fewer are left.
+  /// Forms the exact sums of those of the `count` shifts from the `index`-th on that can win.
+  /// Begins near the likeliest one.
   VOXTREL_INLINE void TryPromising(std::int32_t index, std::int32_t count) {
     const OutlineDistances outlines(m_pair);
     const auto likeliest = static_cast<std::int32_t>(
@@ -144,7 +153,7 @@ class Search {
     }
   }
 
-  /// Whether one of `lanes` shifts, at most kStep, can win.
+  /// Returns whether one of `lanes` shifts, at most kStep, can win.
   VOXTREL_INLINE bool IsPromisingOnGrid(std::int32_t index, std::int32_t lanes) const {
     if (m_pair.IsNear() && Best() == kMaxDistance) {
       return true;  // Most are below it.
@@ -166,7 +175,7 @@ class Search {
 
 DistanceBound::DistanceBound(float distance)
     : m_distance(distance),
-      // One for the fraction that is cut off, one for the rounding of the product and the root.
+      // 1 for the fraction that is cut off, and 1 for the rounding of the product and the root.
       m_gridRoot(static_cast<std::int32_t>(PreparedTemplate::kGridSteps *
                                            std::sqrt(static_cast<double>(distance) + 0x1p-100)) +
                  2) {}

@@ -10,20 +10,23 @@
 
 namespace voicemath {
 
-/// Start value, and so the upper bound, of every distance.
+/// Every comparison starts with this value, so no distance is larger.
 inline constexpr float kMaxDistance = 2.0F;
 
-/// Asked now and then by work that may take long: whether to go on. Empty if nobody wants to know.
+/// Work that may take long asks this now and then whether to go on. Empty if nobody wants to stop
+/// it.
 using GoOn = std::function<bool()>;
 
-/// The distance that a comparison has to stay below to be of interest.
+/// The distance that a comparison has to stay below to be of interest. Given the best distance so
+/// far, a comparison may be abandoned as soon as it cannot be below.
 class DistanceBound {
  public:
   DistanceBound() : DistanceBound(kMaxDistance) {}
   explicit DistanceBound(float distance);
 
   [[nodiscard]] float Distance() const { return m_distance; }
-  /// The square root of the distance in steps of the grid of PreparedTemplate, not rounded down.
+  /// Returns the square root of the distance in steps of the grid of PreparedTemplate. It is never
+  /// too small.
   [[nodiscard]] std::int32_t GridRoot() const { return m_gridRoot; }
 
  private:
@@ -31,28 +34,31 @@ class DistanceBound {
   std::int32_t m_gridRoot;
 };
 
-/// Dissimilarity of two templates (frame-major, kBandCount values a frame): 0 for the same shape,
-/// at most kMaxDistance. Both are scaled to unit length; the one with fewer frames (`a` where both
-/// have the same number) slides along the other, its ends held; the best shift counts. Every
-/// product and sum is rounded to float, in the order of the loops; a division is a product with
-/// the float reciprocal. Two templates without frames have distance 0; one without frames against
-/// one with frames has kMaxDistance.
+/// Returns how unlike two templates are: 0 for the same shape, at most kMaxDistance.
 ///
-/// If a distance is not below `bound`, the bound's distance is returned. If `goOn` says stop, the
+/// Both are scaled to unit length, so loudness does not count. The one with fewer frames (`a` if
+/// both have the same number) slides along the other one. At each shift the squares of all
+/// differences are added up; beyond the ends of the shorter one, its first or last frame is held.
+/// The smallest sum counts. Every product and sum is rounded to float, in the order frame by frame
+/// and band by band. A division is a product with the float reciprocal.
+///
+/// Two templates without frames have distance 0. One without frames and one with frames have
+/// kMaxDistance. Returns the distance of `bound` if no shift is below it. If `goOn` says stop, the
 /// result means nothing.
 [[nodiscard]] float TemplateDistance(const PreparedTemplate& a, const PreparedTemplate& b,
                                      const DistanceBound& bound = {}, const GoOn& goOn = {});
 
-/// The same of templates that are compared only once. Needs memory for both prepared, and says
-/// kMaxDistance if there is none.
+/// Compares two templates that are compared only once: frame by frame, kBandCount values each.
+/// Needs memory to prepare both, and returns kMaxDistance if there is none.
 [[nodiscard]] float TemplateDistance(std::span<const float> a, std::span<const float> b);
 
-/// A number that rises with the distance, roughly, and costs a fraction of it. 0 where it says
-/// nothing.
+/// Returns a number that rises with the distance, roughly, and costs a fraction of it. Returns 0 if
+/// it says nothing about these two.
 [[nodiscard]] std::uint32_t LeastOutlineDistance(const PreparedTemplate& a,
                                                  const PreparedTemplate& b);
 
-/// Whether the distance of two templates with this LeastOutlineDistance may be below `bound`.
+/// Returns whether the distance of two templates with this LeastOutlineDistance may be below
+/// `bound`.
 [[nodiscard]] bool CanBeBelow(const DistanceBound& bound, const PreparedTemplate& a,
                               const PreparedTemplate& b, std::uint32_t leastOutlineDistance);
 

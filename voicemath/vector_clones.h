@@ -3,10 +3,13 @@
 #include <cstddef>
 #include <cstdint>
 
-/// Before a function: it is compiled for vectors of 16 and of 32 bytes, and the loader of the
-/// program chooses by the processor that it finds. The source is one and the arithmetic is the
-/// same: the wider set is named without fused multiply-add, which rounds once where the result has
-/// two roundings. What such a function calls is widened with it only if it is inlined.
+// What makes the inner loops fast on each processor. All of it changes how much is calculated at
+// the same time, and none of it what is calculated: the bits are the same everywhere.
+
+/// Stands before a function. The function is compiled for vectors of 16 and of 32 bytes, and the
+/// loader of the program chooses by the processor that it finds. The wider set is named without
+/// fused multiply-add, which would round once and not twice. What such a function calls is widened
+/// with it only if it is inlined.
 ///
 /// The build defines VOXTREL_TWO_VECTOR_WIDTHS if there is such a choice (CMakeLists.txt says
 /// when).
@@ -16,18 +19,18 @@
 #define VOXTREL_VECTOR_CLONES
 #endif
 
-/// Before what such a function is made of.
+/// Stands before what such a function is made of.
 #define VOXTREL_INLINE [[gnu::always_inline]] inline
 
-/// Before an inner loop of simple steps, for processors on which it does not become one of vectors:
-/// there the counting takes longer than the work.
+/// Stands before an inner loop of simple steps. On processors without vectors the counting would
+/// take longer than the work.
 #if defined(__SOFTFP__)
 #define VOXTREL_UNROLL _Pragma("GCC unroll 16")
 #else
 #define VOXTREL_UNROLL
 #endif
 
-/// Before a loop over lanes, in which no lane looks at what another one writes.
+/// Stands before a loop over lanes in which no lane looks at what another one writes.
 #if defined(__GNUC__) && !defined(__clang__)
 #define VOXTREL_LANES _Pragma("GCC ivdep")
 #else
@@ -36,22 +39,22 @@
 
 namespace voicemath {
 
-// What depends on the kind of processor and not on the width of its vectors.
+// The next constants depend on the kind of processor and not on the width of its vectors.
 #if defined(__SOFTFP__)
-/// How many float sums are formed side by side. Without a floating-point unit each costs as much as
-/// the first.
+/// How many float sums are formed side by side. Without a floating-point unit, forming them side by
+/// side saves nothing.
 inline constexpr std::size_t kFloatLanes = 1;
 /// How many frames are transformed side by side.
 inline constexpr std::size_t kFrameLanes = 1;
 /// Whether there are vectors.
 inline constexpr bool kVectorsFast = false;
-/// A sample, or a sum of some of them, where it is as good a whole number as a float.
+/// A sample, or a sum of some of them. A float holds it exactly, so it may be either.
 using LaneSample = std::int32_t;
 /// How many sums of 16-bit products are formed side by side.
 inline constexpr std::size_t kProductLanes = 1;
-/// Whether multiplying by what could be known beforehand is cheaper than looking it up.
+/// Whether a product is cheaper than to look it up in sums that were formed before.
 inline constexpr bool kMultipliesFast = false;
-/// Whether roots, and doubles, are the processor's own work.
+/// Whether the processor itself forms roots and doubles.
 inline constexpr bool kRootsFast = false;
 #else
 inline constexpr std::size_t kFloatLanes = 8;

@@ -6,6 +6,9 @@
 #include "voicemath/fft.h"
 #include "voicemath/template_distance.h"
 
+// The slots of CVoiceMathematics and what is asked of them. Its other parts are in
+// wave_processing.cpp (from the file to the template), wave_trimming.cpp and template_file.cpp.
+
 namespace voicemath {
 namespace {
 
@@ -124,6 +127,8 @@ platform::Result<void, SearchStopped> CVoiceMathematics::FindNearest(
   return voicemath::FindNearest(std::span(m_prepared).first(slots), nearest.first(slots), watch);
 }
 
+// The threshold of a template is the distance of its nearest neighbour, less a share that shrinks
+// as the templates become more.
 std::int32_t CVoiceMathematics::ComputeThresholds() {
   m_thresholds.fill(kMaxDistance);
   if (m_count > 1) {

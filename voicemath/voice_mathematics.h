@@ -43,10 +43,13 @@ enum HeaderCode : int {
 /// The speech mathematics of the system: turns recordings into templates, holds the templates of
 /// the learned tags and compares them.
 ///
-/// A template is a run of frames, each kBandCount floats, none negative. Slots 0 to 99 hold stored
-/// tags; slot 100 is for scratch work and is never counted or given a path. Used by one thread at a
-/// time. The documented fields are open to the pages, which set the paths, the load slot and, if
-/// they load a base themselves, the count.
+/// A template is how a name sounds: a run of frames, one each 46 ms, and of each frame how loud
+/// five bands of frequencies are (kBandCount floats, none negative). Two recordings of a name give
+/// templates of much the same shape, if the same person speaks them.
+///
+/// Slots 0 to 99 hold stored tags. Slot 100 is for scratch work and is never counted or given a
+/// path. Used by one thread at a time. The documented fields are open to the pages, which set the
+/// paths, the load slot and, if they load a base themselves, the count.
 class CVoiceMathematics : public framework::CObject {
  public:
   static constexpr std::size_t kSlotCount = kMostTemplates + 1;
@@ -75,8 +78,8 @@ class CVoiceMathematics : public framework::CObject {
   /// be protected against writing.
   int ReadFile(std::int32_t slot);
 
-  /// Reads and checks the header of the open `m_file`. Returns a HeaderCode; the file is closed on
-  /// any but kHeaderAccepted.
+  /// Reads and checks the header of the open `m_file`. Returns a HeaderCode. The file is closed
+  /// unless that is kHeaderAccepted.
   [[nodiscard]] int OpenWaveData();
 
   // Steps of LearnFile on the open file. Each returns false if the file layer failed.
@@ -84,39 +87,39 @@ class CVoiceMathematics : public framework::CObject {
   [[nodiscard]] bool TrimWaveFile();
   [[nodiscard]] bool ComputeTemplate(std::uint32_t slot);
 
-  /// In-place complex transform of `count` points, a power of two; see voicemath/fft.h.
+  /// Transforms `count` points in place; see voicemath/fft.h.
   static void Fft(float* real, float* imaginary, std::size_t count, int sign);
 
-  /// Seconds of sound that the template stands for; 0 for no such slot or an empty one.
+  /// Returns the seconds of sound that the template stands for. Returns 0 if there is no such slot
+  /// or it is empty.
   [[nodiscard]] float GetTemplateDuration(std::int32_t slot) const;
 
-  /// Removes a stored template; all later ones, with their paths and labels, move down by one.
+  /// Removes a stored template. All later ones, with their paths and labels, move down by one.
   void RemoveTemplate(std::int32_t slot);
 
   /// Empties the slots below `m_count` and sets it to 0.
   void ClearTemplates();
 
-  /// Returns the distance of two slots, 0 to kMaxDistance; kMaxDistance if either is none.
+  /// Returns the distance of two slots, 0 to kMaxDistance. Returns kMaxDistance if one does not
+  /// exist.
   [[nodiscard]] float CompareTemplates(std::int32_t a, std::int32_t b) const;
 
-  /// Finds for each of the slots from 0 on, as many as `nearest` has places for and at most
-  /// kStoredSlots, the one of them with the smallest distance, that slot being the first argument
-  /// of CompareTemplates; of several the lowest. The same as comparing all with all, and much
-  /// faster. Places after those are left as they are. After a failure `nearest` means nothing;
-  /// there is none without a `watch`.
+  /// Finds the nearest other slot for each of the slots from 0 on, as voicemath::FindNearest does.
+  /// It looks at as many slots as `nearest` has places, and at most at kStoredSlots. Further places
+  /// are left as they are. After a failure `nearest` means nothing; there is none without a
+  /// `watch`.
   [[nodiscard]] platform::Result<void, SearchStopped> FindNearest(
       std::span<Neighbour> nearest, const SearchWatch& watch = {}) const;
 
   /// Fills `m_thresholds` from the nearest neighbours of the stored templates. Returns `m_count`.
   std::int32_t ComputeThresholds();
 
-  /// Puts a template of `frames` frames into `slot`, which must be one, and prepares it for
-  /// comparison. Returns false, and leaves the slot as it was, if there is no memory for
-  /// that.
+  /// Puts a template of `frames` frames into `slot`, which must exist, and prepares it for
+  /// comparison. Returns false if there is no memory for that; the slot is then as it was.
   [[nodiscard]] bool SetTemplate(std::size_t slot, std::unique_ptr<const float[]> values,
                                  std::uint16_t frames);
 
-  /// Returns the values of the template in `slot`, which must be one. Empty if the slot is empty.
+  /// Returns the values of the template in `slot`, which must exist. They are empty if the slot is.
   [[nodiscard]] std::span<const float> GetTemplate(std::size_t slot) const;
 
   framework::CFile m_file;  ///< The wave file in work.

@@ -1,4 +1,10 @@
-// The steps of CVoiceMathematics that read the wave file.
+// The steps of CVoiceMathematics that read the wave file: header, envelope, frames.
+//
+// The file is read in small pieces, since it need not fit into memory. It may be shorter than its
+// header claims. A read that ends early leaves the rest of the buffer as the read before left it,
+// and this is part of the result: the last blocks and frames repeat old samples. So everything here
+// that reads several blocks or frames at a time takes care that a short file gives the same numbers
+// as if they were read one by one.
 
 #include <algorithm>
 #include <array>
@@ -10,7 +16,7 @@
 #include "audio/wave_header.h"
 #include "platform/file_system.h"
 #include "voicemath/band_features.h"
-#include "voicemath/block_envelope.h"
+#include "voicemath/endpoint_detector.h"
 #include "voicemath/sample_file.h"
 #include "voicemath/voice_mathematics.h"
 
@@ -26,7 +32,7 @@ bool HasId(std::span<const std::byte> bytes, std::string_view id) {
   return std::memcmp(bytes.data(), id.data(), id.size()) == 0;
 }
 
-/// Code of everything in the header but the data.
+/// Returns the code of everything in the header but the data.
 HeaderCode CheckFormat(std::span<const std::byte, kHeaderBuffer> header) {
   if (!HasId(header, "RIFF")) {
     return kNoRiff;
@@ -45,7 +51,8 @@ HeaderCode CheckFormat(std::span<const std::byte, kHeaderBuffer> header) {
   return bits == audio::kRecordingBits ? kHeaderAccepted : kNot16Bit;
 }
 
-/// Offset of the "data" id, which is looked for at multiples of four only.
+/// Returns the offset of the "data" id, which is looked for at multiples of four only. Returns
+/// nothing if it is at none of them.
 std::optional<std::size_t> FindDataId(std::span<const std::byte, kHeaderBuffer> header) {
   for (std::size_t at = 0; at < kHeaderBuffer; at += kHeaderStep) {
     if (HasId(header.subspan(at), "data")) {
@@ -76,12 +83,12 @@ HeaderCode CVoiceMathematics::ReadHeader() {
     return format;
   }
   const auto id = FindDataId(header);
-  std::array<std::byte, 4> size{};  // After the buffer if the id is its last four bytes.
+  std::array<std::byte, 4> size{};  // It may lie after the buffer, so it is read by itself.
   if (!id || !ReadAt(m_file, *id + size.size(), size)) {
     return kNoData;
   }
-  // Compared with the whole file, header included: a header that claims up to its own length too
-  // much passes, and the reads after the end find nothing.
+  // Compared with the whole file, header included. So a header may claim up to its own length too
+  // much, and the reads after the end find nothing.
   const std::uint32_t dataBytes = platform::LoadLittleEndian32(size);
   if (dataBytes > *length) {
     return kNoData;
@@ -94,7 +101,7 @@ HeaderCode CVoiceMathematics::ReadHeader() {
 
 void CVoiceMathematics::SelectWholeFile() {
   m_firstSample = 0;
-  // Without a whole sample this wraps, and the segment is empty.
+  // If there is no whole sample this wraps, and the segment is empty.
   m_lastSample = m_dataBytes / static_cast<std::uint32_t>(kSampleBytes) - 1;
 }
 
@@ -140,7 +147,7 @@ bool CVoiceMathematics::MeasureEnvelope(std::span<std::int16_t> envelope) {
 
 bool CVoiceMathematics::MeasureEnvelopeAtEnd(std::span<std::int16_t> envelope, std::size_t whole,
                                              std::uint64_t start) {
-  // What a block lacks is what the block before it has there, so that has to be read first.
+  // What a block lacks at its end is what the block before it has there, so that one is read first.
   SampleBuffer<kBlockSamples> samples;
   for (std::size_t block = std::max<std::size_t>(whole, 1) - 1; block < envelope.size(); ++block) {
     const std::uint64_t offset = start + block * kBlockStep * kSampleBytes;
@@ -197,7 +204,7 @@ bool CVoiceMathematics::ReadFrames(std::span<float> features) {
     ++waiting;
   }
   compute();
-  // Nothing new after the end of the file: the buffer, and so the result, stays the last one.
+  // After the end of the file nothing new is read: the buffer, and so the result, stays the same.
   for (; done < features.size(); done += kBandCount) {
     std::ranges::copy(features.subspan(done - kBandCount, kBandCount),
                       features.begin() + static_cast<std::ptrdiff_t>(done));

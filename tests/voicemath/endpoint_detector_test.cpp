@@ -1,5 +1,4 @@
 #include "voicemath/endpoint_detector.h"
-#include "voicemath/block_envelope.h"
 
 #include <algorithm>
 #include <cstdint>

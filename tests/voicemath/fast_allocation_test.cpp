@@ -9,7 +9,6 @@
 #include "gtest/gtest.h"
 #include "tests/support/signals.h"
 #include "voicemath/band_features.h"
-#include "voicemath/block_envelope.h"
 #include "voicemath/endpoint_detector.h"
 #include "voicemath/nearest_neighbours.h"
 #include "voicemath/template_distance.h"

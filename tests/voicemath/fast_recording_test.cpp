@@ -15,9 +15,8 @@
 #include "tests/voicemath/twins/features.h"
 #include "tests/voicemath/twins/speech_bounds.h"
 #include "voicemath/band_features.h"
-#include "voicemath/block_envelope.h"
 #include "voicemath/endpoint_detector.h"
-#include "voicemath/magnitude.h"
+#include "voicemath/fft.h"
 #include "voicemath/vector_clones.h"
 
 namespace voicemath {

@@ -1,15 +1,23 @@
 #pragma once
 
-// What proves that a shift cannot win, in whole numbers. Made of inline functions only, which
-// are compiled with what uses them for each width of vectors.
+// Two templates that are held against each other, and what can be said of their shifts without an
+// exact sum: the distances of their grids and of their outlines, in whole numbers.
+//
+// A sum of squared differences is the squares of one side, plus the squares of the other, minus
+// twice the products. The squares come from running sums. So only the products are formed for each
+// shift, and no difference is.
+//
+// All of it is inline, and so compiled for each width of vectors with what uses it.
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 
 #include "voicemath/constants.h"
 #include "voicemath/prepared_template.h"
+#include "voicemath/template_distance.h"
 #include "voicemath/vector_clones.h"
 
 namespace voicemath {
@@ -20,7 +28,7 @@ inline constexpr std::int32_t kLead = 2;
 /// Shifts that are looked at together: those of two words of usual lengths.
 inline constexpr std::int32_t kShiftsAtOnce = PreparedTemplate::kHeldFrames;
 
-/// One float for each of kFloatLanes neighbouring shifts. Each is rounded as a float by itself is.
+/// One float for each of kFloatLanes neighbouring shifts, each rounded by itself.
 using ShiftLanes [[gnu::vector_size(sizeof(float) * kFloatLanes)]] = float;
 /// The same if they lie in an array of floats.
 using ShiftLanesInArray [[gnu::vector_size(sizeof(float) * kFloatLanes),
@@ -37,22 +45,23 @@ struct Pair {
   [[nodiscard]] std::int32_t LowestShift() const {
     return shorter.Frames() - longer.Frames() - kLead;
   }
-  /// At least five, as the longer one is not the shorter one: no pair is left without a shift.
-  /// Frames that are all alike are held against the others in the same way whatever the shift is.
+  /// Returns at least 5 if the frames differ, since the longer one is not the shorter one. If all
+  /// frames of the shorter one are alike, every shift gives the same sum, and one is enough.
   [[nodiscard]] std::int32_t ShiftCount() const {
     return shorter.IsSteady() ? 1 : kLead - LowestShift() + 1;
   }
   [[nodiscard]] bool IsOnGrid() const { return shorter.IsOnGrid() && longer.IsOnGrid(); }
-  /// Whether no shift holds the ends for longer than the held grid and the outlines do.
+  /// Returns whether the held grid and the outlines repeat the ends often enough for every shift.
   [[nodiscard]] bool IsNear() const { return IsOnGrid() && kLead - LowestShift() < kShiftsAtOnce; }
 };
 
-/// Sums of products of `count` values of `a` with those of each `b`, and with those of each `b`
-/// that follow in the next frames, kFrames for each. Behind the `count` values at least one side
-/// has zeros. No value is negative, so a sum that leaves 32 bits comes out too low, and what it is
-/// taken from too high. For a pair that is not near that happens only if the ends of the shorter
-/// template, held, are more than three times as long as the longer one, and so the shift cannot
-/// win.
+/// Returns the sums of the products of `count` values of `a` with those of each `b`, for kFrames
+/// beginnings of each `b` that are a frame apart. After the `count` values at least one side has
+/// zeros.
+///
+/// No value is negative, so a sum that leaves 32 bits comes out too low, and the distance that it
+/// is taken from too high. For a pair that is not near this happens only if the held ends of the
+/// shorter template are more than three times as long as the longer one. Such a shift cannot win.
 template <std::size_t kFrames, std::size_t kOthers>
 VOXTREL_INLINE std::array<std::uint32_t, kFrames * kOthers> GridProducts(
     const std::int16_t* a, const std::array<const std::int16_t*, kOthers>& b, std::int32_t count) {
@@ -69,7 +78,7 @@ VOXTREL_INLINE std::array<std::uint32_t, kFrames * kOthers> GridProducts(
   return sums;
 }
 
-/// Sum of products of one frame with all frames of `other` from `begin` to `end`.
+/// Returns the sum of the products of one frame with all frames of `other` from `begin` to `end`.
 VOXTREL_INLINE std::int64_t HeldProduct(const std::int16_t* frame, const PreparedTemplate& other,
                                         std::int32_t begin, std::int32_t end) {
   std::int64_t sum = 0;
@@ -80,7 +89,7 @@ VOXTREL_INLINE std::int64_t HeldProduct(const std::int16_t* frame, const Prepare
   return sum;
 }
 
-/// Sum of the squares of the shorter grid as one shift holds it against the longer one.
+/// Returns the sum of the squares of the shorter grid as one shift holds it against the longer one.
 VOXTREL_INLINE std::int64_t SlidSquares(const Pair& pair, std::int32_t shift) {
   const auto& [shorter, longer] = pair;
   const std::int32_t last = shorter.Frames() - 1;
@@ -92,9 +101,9 @@ VOXTREL_INLINE std::int64_t SlidSquares(const Pair& pair, std::int32_t shift) {
          shorter.SumsBefore(to).squares - shorter.SumsBefore(from).squares;
 }
 
-/// Sums of the squared differences of the two grids at `shift` and the kProductLanes - 1 shifts
-/// above it, if Pair::IsNear. What leaves 32 bits comes out too low: such a shift is looked at
-/// more closely than it deserves.
+/// Returns the sums of the squared differences of the two grids at `shift` and the kProductLanes -
+/// 1 shifts above it, of a pair that is near. A sum that leaves 32 bits comes out too low. Such a
+/// shift is only looked at more closely than it deserves.
 VOXTREL_INLINE std::array<std::uint32_t, kProductLanes> GridDistances(const Pair& pair,
                                                                       std::int32_t shift) {
   const auto& [shorter, longer] = pair;
@@ -112,16 +121,16 @@ VOXTREL_INLINE std::array<std::uint32_t, kProductLanes> GridDistances(const Pair
   return distances;
 }
 
-/// The same of any pair, which takes longer.
+/// Returns the same for any pair, and takes longer.
 VOXTREL_INLINE std::array<std::int64_t, kProductLanes> FarGridDistances(const Pair& pair,
                                                                         std::int32_t shift) {
-  // Products of the ends, which are the same frame over and over, can be looked up instead.
+  // The ends are the same frame over and over, so their products can be looked up instead.
   constexpr std::int32_t kHeld = kMultipliesFast ? PreparedTemplate::kHeldFrames : 1;
   const PreparedTemplate& shorter = pair.shorter;
   const PreparedTemplate& longer = pair.longer;
   const std::int32_t frames = longer.Frames();
-  // Frames of the longer one before `begin`, whichever of the shifts it is, and from `end` on are
-  // beyond what the held grid repeats of the shorter one's ends.
+  // The held grid repeats the ends of the shorter one often enough for the frames of the longer one
+  // from `begin` to `endAt`. `begin` is the same for all shifts.
   const auto endAt = [&](std::int32_t at) {
     return std::clamp(shorter.Frames() - at + kHeld, 0, frames);
   };
@@ -141,9 +150,12 @@ VOXTREL_INLINE std::array<std::int64_t, kProductLanes> FarGridDistances(const Pa
   return distances;
 }
 
-/// The distances of the outlines at all shifts: sums of the squared differences. What leaves 32
-/// bits comes out too low: such a shift is looked at more closely than it deserves. They are all 0
-/// if the pair is not near.
+/// The distances of the outlines at all shifts: sums of the squared differences. One that leaves 32
+/// bits comes out too low; its shift is only looked at more closely than it deserves. All are 0 if
+/// the pair is not near.
+///
+/// The groups of the longer one always begin at its first frame. Those of the shorter one begin at
+/// each of kGroupFrames ways to begin, so several shifts side by side read several rows.
 class OutlineDistances {
  public:
   VOXTREL_INLINE explicit OutlineDistances(const Pair& pair)
@@ -158,7 +170,7 @@ class OutlineDistances {
     }
   }
 
-  /// The `index`-th shift's.
+  /// Returns the place of the distance of the `index`-th shift; those of the next shifts follow.
   [[nodiscard]] const std::uint32_t* At(std::int32_t index) const {
     const std::int32_t place = m_before + index;
     return &m_distances[static_cast<std::size_t>(place)];
@@ -168,12 +180,13 @@ class OutlineDistances {
   }
 
  private:
-  /// Ways to begin that are looked at together, and in each of them beginnings a group apart.
+  /// How many ways to begin are looked at together, and how many beginnings, a group apart, in
+  /// each.
   static constexpr std::size_t kWays = kProductLanes;
   static constexpr std::size_t kRows = kProductLanes == 1 ? 1 : 2;
   static constexpr std::int32_t kLanes = kWays * kRows;
 
-  /// The last shift up to `shift` with which looking at several may begin.
+  /// Returns the last shift up to `shift` at which a look at several shifts may begin.
   static std::int32_t Aligned(std::int32_t shift) {
     static_assert(kWays == 1 || kWays == PreparedTemplate::kGroupFrames);
     return shift - (shift + PreparedTemplate::kHeldFrames) % static_cast<std::int32_t>(kWays);
@@ -196,9 +209,20 @@ class OutlineDistances {
     }
   }
 
-  std::int32_t m_before = 0;  ///< Distances in front of the lowest shift's, of none.
+  std::int32_t m_before = 0;  ///< Distances before that of the lowest shift, which mean nothing.
   std::int32_t m_count;
   std::array<std::uint32_t, kShiftsAtOnce + 2 * kLanes> m_distances;
 };
+
+/// Returns whether FarDistance can compare the pair, and is worth the memory that it takes.
+[[nodiscard]] bool IsFar(const Pair& pair);
+
+/// Returns how many floats FarDistance needs for its work.
+[[nodiscard]] std::size_t FarScratchSize(const Pair& pair);
+
+/// Returns the distance of TemplateDistance for a pair that is far. A shift costs as much as the
+/// shorter template is long, however long the other one is. `scratch` holds FarScratchSize floats.
+[[nodiscard]] float FarDistance(const Pair& pair, float bound, std::span<float> scratch,
+                                const GoOn& goOn);
 
 }  // namespace voicemath
