@@ -2,6 +2,7 @@
 
 #include <array>
 #include <new>
+#include <string>
 #include <utility>
 
 #include "resources/pictures.h"
@@ -21,6 +22,13 @@ constexpr std::int32_t kNotOfThisApplet = 1;
 
 /// Characters of the record's name, with the NUL.
 constexpr std::size_t kMaxName = std::tuple_size_v<decltype(NewCplInfo::szName)>;
+
+constexpr std::u16string_view kHelpViewer = u"peghelp.exe";
+/// What stands before a page on the help viewer's command line.
+constexpr std::u16string_view kHelpPrefix = u"file:";
+
+constexpr std::size_t kLearningTabIndex = 0;
+constexpr std::size_t kAboutTabIndex = 1;
 
 /// Raises a flag for as long as it lives, so that it falls too if a library throws.
 class Raised {
@@ -45,6 +53,23 @@ std::unique_ptr<T> MakeOrNull(Arguments&&... arguments) {
 }
 
 }  // namespace
+
+bool PrShit::OnInitDialog() {
+  const bool result = CPropertySheet::OnInitDialog();
+  if (m_texts.IsLanguageFileLoaded()) {
+    // Without a language file the tabs keep the captions of their pages.
+    GetWindow().SetTabText(kLearningTabIndex, m_texts(resources::kLearningTab));
+    GetWindow().SetTabText(kAboutTabIndex, m_texts(resources::kAboutTab));
+  }
+  return result;
+}
+
+void PrShit::OnHelp() {
+  std::u16string commandLine(kHelpPrefix);
+  commandLine += storage::kHelpFile;
+  m_shell.StartProgram(kHelpViewer, commandLine);
+  CPropertySheet::OnHelp();
+}
 
 bool VoxtrelApp::InitInstance() {
   m_module = &m_ownModule;

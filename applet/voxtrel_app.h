@@ -2,10 +2,11 @@
 
 #include <cstdint>
 #include <memory>
+#include <string_view>
 
 #include "applet/about_page.h"
 #include "applet/control_panel.h"
-#include "applet/pr_shit.h"
+#include "framework/dialog.h"
 #include "framework/object.h"
 #include "language/texts.h"
 #include "platform/module.h"
@@ -13,6 +14,22 @@
 #include "tags/page_one.h"
 
 namespace applet {
+
+/// The applet's property sheet: labels its tabs in the language of the user, and opens the help
+/// page.
+class PrShit final : public framework::CPropertySheet {
+ public:
+  PrShit(std::u16string_view caption, const platform::Platform& platform,
+         const language::Texts& texts)
+      : CPropertySheet(caption, platform.ui), m_shell(platform.shell), m_texts(texts) {}
+
+  bool OnInitDialog() override;
+  void OnHelp() override;
+
+ private:
+  platform::Shell& m_shell;
+  const language::Texts m_texts;
+};
 
 /// The applet object: one for each loaded library, for as long as that is loaded. Everything comes
 /// on the user-interface thread.

@@ -29,9 +29,9 @@ constexpr std::uint32_t kMillisecondsPerSecond = 1000;
 constexpr std::uint32_t kUnprepareRetryWait = 100;
 constexpr std::uint32_t kCloseRetryWait = 200;
 
-/// Length taken for a recording of which the device reports nothing: three seconds, 66,150 bytes,
-/// less the 44 bytes of a header. Some devices fill the buffer and forget to say so; the buffer is
-/// then kept as it is rather than thrown away.
+/// The length that a recording has if the device reports none: three seconds, 66,150 bytes, less
+/// the 44 bytes of a header. Some devices fill the buffer and forget to say so, and the buffer is
+/// then kept as it is.
 constexpr std::uint32_t kUnreportedBytes = 66106;
 
 // Both texts stand as they always have, slips included: users and support know them so, and they

@@ -43,10 +43,9 @@ enum PlayCode : int {
   kSoundNotRead = 202,
 };
 
-/// The recorder and player of the Learning page: takes one utterance of fixed length from the
-/// default wave input and writes it as a wave file; plays a wave file through the default wave
-/// output. Used by one thread at a time; while a recording runs on a worker, nobody else touches
-/// the object.
+/// The recorder and player of the Learning page. Records one utterance of fixed length from the
+/// default wave input into a wave file, and plays a wave file through the default wave output. Used
+/// by one thread at a time: while a recording runs on a worker, nobody else touches the object.
 class WaveDevice {
  public:
   explicit WaveDevice(const platform::Platform& platform);

@@ -14,10 +14,10 @@ inline constexpr std::size_t kWaveHeaderBytes = 44;
 inline constexpr std::uint16_t kRecordingBits = 16;
 inline constexpr std::uint32_t kRecordingRate = 11025;
 
-/// Mono PCM of `bits` bits and `samplesPerSecond`.
+/// Returns the format of mono PCM with `bits` bits and `samplesPerSecond`.
 [[nodiscard]] platform::WaveFormat MonoPcm(std::uint16_t bits, std::uint32_t samplesPerSecond);
 
-/// The header of every wave file that the system writes, for `dataBytes` bytes of samples.
+/// Returns the header of every wave file that the system writes, for `dataBytes` bytes of samples.
 ///
 /// The RIFF size field holds the length of the whole file, `dataBytes` + 44, and not that length
 /// less 8 as is usual. The recorder and the trimmer have always written it so and the companion

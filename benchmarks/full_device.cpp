@@ -41,7 +41,7 @@ FullDevice::FullDevice()
       std::abort();
     }
   }
-  // Nothing is to be computed anew when the page opens.
+  // Nothing is to be computed again when the page opens.
   static_cast<void>(maintenance::UpdateVersion(m_registry));
 }
 

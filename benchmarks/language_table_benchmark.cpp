@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "language/language_table.h"
-#include "language/language_template.h"
+#include "language/translation.h"
 #include "tests/language/twins/language_table_twin.h"
 
 namespace {

@@ -6,10 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "connection/active_ports.h"
-#include "connection/choices.h"
-#include "connection/port_order.h"
-#include "connection/setting_value.h"
+#include "connection/serial_ports.h"
 #include "resources/dialogs.h"
 #include "storage/registry_keys.h"
 #include "storage/stored_text.h"
@@ -68,6 +65,13 @@ std::vector<std::u16string> SortedPorts(platform::Registry& registry) {
 }
 
 }  // namespace
+
+std::vector<std::byte> ToSettingValue(std::u16string_view text, std::size_t byteCount) {
+  std::vector<std::byte> bytes = storage::ToUtf16Bytes(
+      storage::CutText(storage::UpToZero(text), byteCount / sizeof(char16_t)));
+  bytes.resize(byteCount);
+  return bytes;
+}
 
 ConnectionPage::ConnectionPage(platform::Registry& registry, platform::Ui& ui)
     : CPropertyPage(resources::kConnectionDialog, ui), m_registry(registry) {}
@@ -148,8 +152,8 @@ std::u16string ConnectionPage::ReadStored(std::u16string_view valueName) const {
   return value ? storage::TextOfValue(*value) : std::u16string();
 }
 
-/// What no list holds stands in the field all the same, and is stored again as it is: a port that
-/// is unplugged at the moment, or a rate that somebody typed.
+/// A text that is not in the list is shown in the field all the same, and is stored again as it is:
+/// a port that is unplugged at the moment, or a rate that somebody typed.
 void ConnectionPage::ShowText(int id, std::u16string_view text) {
   platform::DialogWindow& window = GetWindow();
   window.SetSelection(id, std::nullopt);
@@ -162,8 +166,8 @@ void ConnectionPage::ShowText(int id, std::u16string_view text) {
   }
 }
 
-/// Leaves the port and the box about hanging up alone, deliberately: both are about the phone that
-/// is there and not about its line.
+/// Leaves the port and the box about hanging up as they are, deliberately: both are about the phone
+/// and not about its line.
 void ConnectionPage::OnDefault() {
   for (const ListSetting& setting : kListSettings) {
     if (setting.id != resources::kPortComboId) {
@@ -181,11 +185,19 @@ void ConnectionPage::Write(std::u16string_view valueName, std::u16string_view te
   // Each setting stands for itself, and the dialer has a default for each.
   const auto written =
       m_key->Set(valueName, platform::RegistryType::kString, ToSettingValue(text, byteCount));
-  // Somebody has kept the store for as long as a write waits. Waiting as long again for each of the
-  // others would leave the window dead under the user's OK.
+  // Somebody has kept the store for as long as a write waits. If each of the others waited as long,
+  // the window would stand still after the user's OK.
   if (!written && written.error() == platform::RegistryError::kBusy) {
     m_key.reset();
   }
+}
+
+bool RunConnectionSheet(platform::Ui& ui, platform::Registry& registry,
+                        std::u16string_view caption) {
+  ConnectionPage page(registry, ui);
+  framework::CPropertySheet sheet(caption, ui);
+  sheet.AddPage(page);
+  return sheet.DoModal();
 }
 
 }  // namespace connection

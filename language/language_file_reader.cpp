@@ -5,12 +5,12 @@
 namespace language {
 namespace {
 
-constexpr std::size_t kFirstCharacter = 1;  // Behind the byte-order mark.
+constexpr std::size_t kFirstCharacter = 1;  // The byte-order mark is the one before.
 
-// The last four bytes of a file are where a CR LF is expected: what begins there begins nothing.
+// In the last four bytes of a file only a CR LF is expected. Nothing begins there.
 constexpr std::size_t kTailBytes = 4;
 
-// The third byte tells UTF-16 from UTF-32, whose mark begins with the same two bytes.
+// The marks of UTF-16 and UTF-32 begin with the same two bytes. The third byte is 0 in UTF-32.
 bool HasAcceptedStart(std::span<const std::byte> file) {
   return file.size() >= 3 && file[0] == std::byte{0xFF} && file[1] == std::byte{0xFE} &&
          file[2] != std::byte{0};
@@ -97,7 +97,7 @@ void LanguageFileReader::TakeText(std::size_t start, LanguageLine& line) const {
   }
   line.kind = LineKind::kEntry;
   line.text = Between(start, end);
-  line.behind = Between(end, FindLineEnd(end));
+  line.rest = Between(end, FindLineEnd(end));
   // Texts are zero-terminated, so nobody sees what follows a NUL; the blanks before it stay.
   line.text = line.text.substr(0, line.text.find(u'\0'));
 }

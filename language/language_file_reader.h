@@ -19,16 +19,19 @@ enum class LineKind : std::uint8_t {
 /// One line of a language file, in views into the reader that gave it.
 struct LanguageLine {
   LineKind kind = LineKind::kEmpty;
-  std::size_t number = 0;      ///< 1-based, as editors count, which end a line at a lone LF too.
-  std::u16string_view key;     ///< With kEntry.
-  std::u16string_view text;    ///< With kEntry; never empty, never with a NUL.
-  std::u16string_view behind;  ///< With kEntry: what the line holds behind the text, blanks too.
-  std::u16string_view whole;   ///< The line without its CR LF.
+  std::size_t number = 0;     ///< From 1, as editors count: for them a lone LF ends a line too.
+  std::u16string_view key;    ///< With kEntry.
+  std::u16string_view text;   ///< With kEntry; never empty, never with a NUL.
+  std::u16string_view rest;   ///< With kEntry: what follows the text in the line, blanks too.
+  std::u16string_view whole;  ///< The line without its CR LF.
 };
 
-/// Reads the lines of a language file: UTF-16LE behind a byte-order mark, each line a key, blanks
-/// and a text that ends before the first "/". Never reads beyond the bytes it was given, whatever
-/// they hold.
+/// Reads the lines of a language file. The file is a byte-order mark and UTF-16LE. Each line is a
+/// key, blanks, and a text that ends before the first "/". Never reads beyond the bytes that it was
+/// given, whatever they hold.
+///
+/// Language files in use were written for its rules, so it keeps the odd ones too: what it makes of
+/// a torn line or a stray character has to stay the same.
 class LanguageFileReader {
  public:
   explicit LanguageFileReader(std::span<const std::byte> file);
@@ -38,7 +41,7 @@ class LanguageFileReader {
   LanguageFileReader(const LanguageFileReader&) = delete;
   LanguageFileReader& operator=(const LanguageFileReader&) = delete;
 
-  /// Whether the bytes begin as a language file must; no line is read from one that does not.
+  /// Returns whether the bytes begin as a language file must. If not, the reader gives no line.
   [[nodiscard]] bool IsAccepted() const { return m_isAccepted; }
 
   /// Returns the next line. Returns nothing after the last one.
@@ -55,7 +58,7 @@ class LanguageFileReader {
   bool m_isAccepted = false;
   std::u16string m_characters;  ///< With the byte-order mark, without a last half character.
 
-  /// First index at which neither a key, nor a text, nor another line may begin any more.
+  /// From this index on neither a key nor a text nor another line may begin.
   std::size_t m_limit = 0;
 
   std::size_t m_next;

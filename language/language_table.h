@@ -12,7 +12,8 @@
 
 namespace language {
 
-/// The texts of a language file by their keys, in file order, duplicates kept.
+/// The texts of a language file by their keys, in the order of the file. A key that the file has
+/// twice is kept twice, and the first one counts.
 class LanguageTable {
  public:
   struct Entry {
@@ -20,10 +21,11 @@ class LanguageTable {
     std::u16string text;
   };
 
-  /// As many entries as the count of the table can tell; later ones of a file are not taken.
+  /// The count of the table is 16 bits wide. Entries of a file beyond that are not taken.
   static constexpr std::size_t kMaxEntries = 65535;
 
-  /// Longest file that is read, in bytes: all the memory that one program of the handheld had.
+  /// A longer file is not read. So many bytes were all the memory that a program of the handheld
+  /// had.
   static constexpr std::uint64_t kMaxFileLength = std::uint64_t{32} << 20U;
 
   LanguageTable() = default;
@@ -31,30 +33,30 @@ class LanguageTable {
   LanguageTable(const LanguageTable&) = delete;
   LanguageTable& operator=(const LanguageTable&) = delete;
 
-  /// The one table of the process, made on the first call. It and Release are for the applet's
-  /// entry alone, on the thread that starts it; everything else is given what it needs.
+  /// Returns the one table of the process, which the first call makes. Only the applet's entry uses
+  /// this and Release, on the thread that starts it. Everything else is given what it needs.
   [[nodiscard]] static LanguageTable& GetInstance();
 
   /// Returns whether the process has its table. Makes none.
   [[nodiscard]] static bool IsMade();
 
-  /// Empties and destroys the table of the process; its texts are gone then.
+  /// Destroys the table of the process and its texts.
   static void Release();
 
-  /// Replaces the contents with the entries of a file. A file that cannot be read, or that does not
-  /// begin as a language file must, leaves the table empty, without a word: all texts are empty
-  /// then.
+  /// Replaces the contents by the entries of a file. If the file cannot be read, or does not begin
+  /// as a language file must, the table is empty and nothing is reported: all texts are empty then.
   void Load(platform::FileSystem& files, std::u16string_view path);
 
-  /// The same, but waits up to a second for another process that is just reading the file, which
-  /// neither shares with anybody: programs that start together must not lose all their texts.
+  /// Does the same, but waits up to a second while another process reads the file. Nobody shares
+  /// the file with others, and programs that start together must not lose all their texts.
   void Load(platform::FileSystem& files, std::u16string_view path, platform::Clock& clock);
 
-  /// The same for a file that was read already.
+  /// Does the same with a file that was read already.
   void LoadFrom(std::span<const std::byte> file);
 
-  /// Text of the first entry with exactly this key, owned by the table and valid until the next
-  /// load. `defaultText` where there is none or `key` is null. Both may be null.
+  /// Returns the text of the first entry with exactly this key. The table owns it, and it is valid
+  /// until the next load. Returns `defaultText` if there is no such entry or `key` is null. Both
+  /// arguments may be null.
   [[nodiscard]] const char16_t* LookUp(const char16_t* key, const char16_t* defaultText) const;
 
   [[nodiscard]] std::uint16_t GetCount() const {

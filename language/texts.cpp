@@ -5,6 +5,11 @@
 #include "language/language_table.h"
 
 namespace language {
+namespace {
+
+constexpr std::u16string_view kNumberPlaceholder = u"%d";
+
+}  // namespace
 
 std::u16string_view Texts::operator()(const resources::Text& text) const {
   if (m_table == nullptr) {
@@ -25,6 +30,47 @@ Texts LoadTexts(platform::FileSystem& files, std::u16string_view path, platform:
   } catch (const std::bad_alloc&) {
     return {};
   }
+}
+
+std::u16string FormatNumber(std::u16string_view format, std::int32_t number) {
+  std::u16string result(format);
+  const std::size_t at = result.find(kNumberPlaceholder);
+  if (at != std::u16string::npos) {
+    result.replace(at, kNumberPlaceholder.size(), Decimal(number));
+  }
+  return result;
+}
+
+std::u16string Decimal(std::int32_t number) {
+  const std::string digits = std::to_string(number);
+  return {digits.begin(), digits.end()};
+}
+
+std::u16string CountLabel(const Texts& texts, std::int32_t tagCount) {
+  if (!texts.IsLanguageFileLoaded()) {
+    return EnglishCountLabel(tagCount);
+  }
+  std::u16string label(texts(resources::kLearnedCommands));
+  label += u' ';
+  label += Decimal(tagCount);
+  return label;
+}
+
+std::u16string EnglishCountLabel(std::int32_t tagCount) {
+  return FormatNumber(resources::kLearnedCommands.GetEnglish(), tagCount);
+}
+
+std::u16string TagLimitMessage(const Texts& texts, std::int32_t limit) {
+  std::u16string message(texts(resources::kTagLimit));
+  message += Decimal(limit);
+  return message;
+}
+
+std::u16string NoVoiceTagsMessage(const Texts& texts) {
+  std::u16string message(texts(resources::kNoVoiceTags));
+  message += u"\n\n";
+  message += texts(resources::kHowToRecord);
+  return message;
 }
 
 }  // namespace language

@@ -25,7 +25,7 @@ bool ComparisonDialog::OnInitDialog() {
   m_worker = m_platform.threads.Start([this] { Work(); }, platform::ThreadStart::kRunning)
                  .value_or(nullptr);
   if (!m_worker) {
-    Work();  // The dialog then ends before it is shown.
+    Work();  // There is no thread. The dialog ends before it is shown.
   }
   return true;
 }

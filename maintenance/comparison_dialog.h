@@ -5,17 +5,17 @@
 #include <memory>
 
 #include "framework/dialog.h"
-#include "maintenance/nearest_neighbours.h"
+#include "maintenance/test_results.h"
 #include "platform/platform.h"
 
 namespace maintenance {
 
-/// The box that the user waits in front of while templates are compared that take long: a bar and
-/// Cancel. The work goes on on a thread of its own, and ends the box with framework::kIdOk.
+/// The box in which the user waits while a comparison takes long: a bar and Cancel. A thread of the
+/// box does the work, and then ends the box with framework::kIdOk.
 class ComparisonDialog final : public framework::CDialog {
  public:
-  /// Compares the slots 0 to `count` - 1 of `mathematics`, which nobody else uses meanwhile.
-  /// Everything given outlives the dialog.
+  /// Compares the slots 0 to `count` - 1 of `mathematics`. Nobody else may use it meanwhile. All
+  /// arguments must outlive the dialog.
   ComparisonDialog(const platform::Platform& platform,
                    const voicemath::CVoiceMathematics& mathematics, std::int32_t count);
 
@@ -24,10 +24,10 @@ class ComparisonDialog final : public framework::CDialog {
 
   bool OnInitDialog() override;
   void OnCommand(int id, platform::CommandEvent event) override;
-  /// Enter is no answer to a box that goes by itself.
+  /// Enter does nothing, since the box goes by itself.
   void OnOK() override {}
   void OnCancel() override;
-  /// Returns when the thread has ended, since it knows the window.
+  /// Returns after the thread has ended, since it uses the window.
   void Detach() override;
 
  private:

@@ -15,13 +15,13 @@ using platform::RegistryError;
 constexpr std::int32_t kVersion = 3;
 constexpr std::u16string_view kVersionText = u"3";
 
-/// Room that the value is read into; a longer one counts as having no text.
+/// The value is read into so many bytes. A longer one counts as having no text.
 constexpr std::size_t kMostBytes = 32;
 
-// The value is written with one length where it was missing and with another where it was there.
-// The two lengths differ on purpose, since both are what stands in stores in use.
-constexpr std::size_t kBytesWhereMissing = 8;
-constexpr std::size_t kBytesWhereOther = 32;
+// A value that was missing is written with one length, and a value that was there with another one.
+// The two lengths differ on purpose, since stores in use hold both.
+constexpr std::size_t kBytesIfMissing = 8;
+constexpr std::size_t kBytesIfOther = 32;
 
 RecordedVersion ReadFrom(platform::RegistryKey& key) {
   const auto value = key.Query(storage::kMathVersionValue);
@@ -51,8 +51,8 @@ bool UpdateVersion(platform::Registry& registry) {
     return false;
   }
   std::vector<std::byte> bytes = storage::ToUtf16Bytes(kVersionText);
-  bytes.resize(recorded == RecordedVersion::kMissing ? kBytesWhereMissing : kBytesWhereOther);
-  // Where that fails the work is done all the same, and once more the next time.
+  bytes.resize(recorded == RecordedVersion::kMissing ? kBytesIfMissing : kBytesIfOther);
+  // If this fails the work is done all the same, and once more the next time.
   static_cast<void>(
       (*opened)->Set(storage::kMathVersionValue, platform::RegistryType::kString, bytes));
   return true;

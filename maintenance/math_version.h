@@ -6,9 +6,9 @@
 
 namespace maintenance {
 
-/// Which speech mathematics computed the stored templates, as the registry tells.
+/// Which speech mathematics computed the stored templates, as far as the registry says.
 enum class RecordedVersion : std::uint8_t {
-  kUnknown,  ///< There is no key for it, or it cannot be asked: nothing must be concluded.
+  kUnknown,  ///< There is no key for it, or it cannot be read. Nothing must be concluded.
   kMissing,
   kOther,
   kCurrent,
@@ -16,9 +16,9 @@ enum class RecordedVersion : std::uint8_t {
 
 [[nodiscard]] RecordedVersion ReadVersion(platform::Registry& registry);
 
-/// Where the recorded version is missing or another one than this system's, records this system's
-/// and returns true: every template is to be computed anew. So the version is recorded before the
-/// work is done, and work that is interrupted is not done again.
+/// Returns whether every template has to be computed again: if the recorded version is missing or
+/// is not this system's. Then records this system's version. So the version is recorded before the
+/// work is done, deliberately, and work that is interrupted is not begun again.
 [[nodiscard]] bool UpdateVersion(platform::Registry& registry);
 
 }  // namespace maintenance

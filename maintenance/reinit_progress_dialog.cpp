@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "maintenance/page_header.h"
-#include "maintenance/reinit_monitor.h"
+#include "maintenance/maintenance_dialog.h"
+#include "maintenance/reinit_threads.h"
 #include "resources/dialogs.h"
 #include "resources/strings.h"
 

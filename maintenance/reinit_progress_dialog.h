@@ -6,8 +6,8 @@
 
 #include "framework/dialog.h"
 #include "language/texts.h"
-#include "maintenance/reinit_progress.h"
-#include "maintenance/tag_session.h"
+#include "maintenance/maintenance_dialog.h"
+#include "maintenance/reinit_threads.h"
 #include "platform/platform.h"
 
 namespace maintenance {

@@ -27,7 +27,8 @@ using platform::RegistryError;
 constexpr std::int32_t kComputedSlot = 0;
 constexpr std::int32_t kStoredSlot = 1;
 
-/// A decimal number with a sign only where it is negative, short enough for the applet to keep.
+/// Returns whether this is a decimal number, with a sign only if it is negative, and short enough
+/// for the applet to keep.
 bool IsTagName(std::u16string_view name) {
   constexpr std::size_t kMostUnits = std::tuple_size_v<decltype(storage::TagRecord::tagName)> - 1;
   const std::u16string_view digits = name.substr(name.starts_with(u'-') ? 1 : 0);
@@ -41,6 +42,10 @@ bool AreSameBits(std::span<const float> a, std::span<const float> b) {
       [](float value) { return std::bit_cast<std::uint32_t>(value); });
 }
 
+/// One run of the check. The order of its steps is the order of the findings.
+///
+/// A template is checked by computing it again from the recording and comparing the bits. So a
+/// template of another recording, or of another version of the mathematics, is found too.
 class Checker {
  public:
   Checker(const platform::Platform& platform, ContactsState contacts)
@@ -147,7 +152,7 @@ class Checker {
     }
   }
 
-  /// Computes the template of the recording; false where there is none.
+  /// Computes the template of the recording. Returns false if the recording gives none.
   [[nodiscard]] bool CheckRecording(const std::u16string& tag) {
     m_mathematics.m_wavePath = storage::WavePath(tag);
     if (!Exists(m_mathematics.m_wavePath)) {
@@ -170,7 +175,7 @@ class Checker {
   }
 
   [[nodiscard]] bool Exists(std::u16string_view path) {
-    // Where it cannot be told, the file itself has to tell.
+    // If the search fails in another way, opening the file will show what is wrong.
     const auto search = m_platform.files.Find(path);
     return search || search.error() != FileError::kNotFound;
   }
@@ -178,7 +183,7 @@ class Checker {
   void CheckFolder(std::u16string_view pattern, std::u16string_view extension,
                    StoreProblem problem) {
     if (!m_hasAllTags) {
-      return;  // Nobody can tell which files have none.
+      return;  // Without all tags nobody knows which files have none.
     }
     const std::u16string_view folder = pattern.substr(0, pattern.rfind(u'\\'));
     const auto search = m_platform.files.Find(pattern);
@@ -203,7 +208,7 @@ class Checker {
     }
   }
 
-  /// Each folder is searched twice and named once.
+  /// Each folder is searched twice and reported once.
   void ReportFolder(std::u16string_view folder) {
     if (std::ranges::find(m_findings, folder, &StoreFinding::folder) == m_findings.end()) {
       m_findings.push_back({StoreProblem::kFolderUnreadable, {}, std::u16string(folder)});

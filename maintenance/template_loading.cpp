@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <utility>
 
-#include "language/formatting.h"
+#include "language/texts.h"
 #include "resources/strings.h"
 #include "storage/device_paths.h"
 #include "storage/tag_store.h"

@@ -6,7 +6,7 @@
 
 #include "framework/dialog.h"
 #include "maintenance/comparison_dialog.h"
-#include "maintenance/page_header.h"
+#include "maintenance/maintenance_dialog.h"
 #include "resources/dialogs.h"
 #include "resources/strings.h"
 
@@ -19,7 +19,7 @@ constexpr int kExtentBehindLine = 20;  ///< Room right of the longest line.
 constexpr std::u16string_view kHelpViewer = u"peghelp.exe";
 constexpr std::u16string_view kHelpCommandLine = u"file:ZedraVoxtrelPE_help.htm#test";
 
-/// So long the user waits without being told what for.
+/// After so long a wait a box says what the user waits for.
 constexpr std::uint32_t kQuietMilliseconds = 1000;
 
 /// Stops a search after a second. What it has found by then is thrown away: a search that goes on

@@ -3,16 +3,15 @@
 #include <algorithm>
 #include <cstddef>
 #include <functional>
-#include <span>
 
-#include "language/formatting.h"
+#include "language/texts.h"
 #include "resources/strings.h"
 #include "storage/device_paths.h"
 
 namespace maintenance {
 namespace {
 
-/// So many names have a line each in a message; more of them share lines.
+/// Up to so many names have a line each in a message. More of them share lines.
 constexpr std::size_t kNamesWithLines = 10;
 
 constexpr std::u16string_view kSeparator = u"; ";
@@ -22,8 +21,8 @@ std::u16string_view NameOf(const LoadedTemplates& loaded, std::int32_t tag) {
                  : storage::TagNameOfWaveFile(loaded.wavePaths[static_cast<std::size_t>(tag)]);
 }
 
-/// Calls `use` with the place of every record of that name. Long names of other programs' tags are
-/// cut and can so become the same; the last record of a name then counts.
+/// Calls `use` with the place of every record of that name. Other programs may give tags longer
+/// names. These are cut and can become the same; the last record of a name then counts.
 void ForRecords(const storage::TagTable& tags, std::u16string_view name,
                 const std::function<void(std::int32_t, const storage::TagRecord&)>& use) {
   const std::int32_t count = std::min(tags.tagCount, storage::kMaxTags);
@@ -60,8 +59,8 @@ TestLine ToLine(const storage::TagTable& tags, const LoadedTemplates& loaded, fl
     line.confusions = confusions[static_cast<std::size_t>(place)];
     count = language::Decimal(line.confusions);
   });
-  // The blank in front makes two of them between the separator and the second name; so the lines
-  // have always looked.
+  // With this blank there are two between the separator and the second name. The lines have always
+  // looked so.
   std::u16string neighbour;
   ForRecords(tags, line.neighbourName, [&](std::int32_t, const storage::TagRecord& record) {
     neighbour = std::u16string(u" ").append(record.GetDisplayText());
@@ -71,6 +70,49 @@ TestLine ToLine(const storage::TagTable& tags, const LoadedTemplates& loaded, fl
 }
 
 }  // namespace
+
+FoundNeighbours FindNearest(const voicemath::CVoiceMathematics& mathematics, std::int32_t count,
+                            const voicemath::SearchWatch& watch) {
+  std::vector<voicemath::Neighbour> found(static_cast<std::size_t>(std::max(count, 0)));
+  if (const auto searched = mathematics.FindNearest(found, watch); !searched) {
+    return platform::Failure(searched.error());
+  }
+  std::vector<Neighbour> nearest;
+  nearest.reserve(found.size());
+  for (const voicemath::Neighbour& each : found) {
+    nearest.push_back(each.index < 0 ? Neighbour() : Neighbour{each.index, each.distance});
+  }
+  return nearest;
+}
+
+NeighbourTable ToTable(std::span<const Neighbour> nearest, std::span<const std::int32_t> tags) {
+  NeighbourTable table;
+  for (std::size_t i = 0; i < nearest.size(); ++i) {
+    const std::int32_t other = nearest[i].index;
+    const std::int32_t neighbour = other < 0 ? other : tags[static_cast<std::size_t>(other)];
+    // A row is put after the rows of the same distance.
+    table.emplace(nearest[i].distance, NeighbourRow{tags[i], neighbour});
+  }
+  return table;
+}
+
+std::vector<std::int32_t> CountConfusions(const NeighbourTable& table, std::int32_t count) {
+  std::vector<std::int32_t> confusions(static_cast<std::size_t>(std::max(count, 0)));
+  for (const auto& [distance, row] : table) {
+    if (row.neighbour >= 0 && row.neighbour < count) {
+      ++confusions[static_cast<std::size_t>(row.neighbour)];
+    }
+  }
+  return confusions;
+}
+
+std::int32_t ToScore(float distance) {
+  constexpr float kWhole = 100.0F;
+  // Rounded to a float after the product and again after the difference.
+  const float share = distance * kWhole;
+  const float score = kWhole - share;
+  return score > 0.0F ? static_cast<std::int32_t>(score) : 0;
+}
 
 std::vector<TestLine> ToTestLines(const storage::TagTable& tags, const LoadedTemplates& loaded,
                                   const std::vector<Neighbour>& nearest) {

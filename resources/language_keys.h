@@ -32,20 +32,29 @@ struct LanguageKey {
   TextUse use = TextUse::kShown;
 };
 
-/// Every key of the system, once. The names and the gaps between the numbers are what language
-/// files in use are written for.
+/// Every key of the system, once. Language files in use are written for these names, and so the
+/// gaps between the numbers stay.
 ///
-/// Two English texts differ from the built-in ones, since the format of the file drops blanks at
-/// the ends of a text and the count label joins the number on by itself.
+/// Two English texts differ from the built-in ones: the format of the file drops blanks at the ends
+/// of a text, and the count label adds the number by itself.
+///
+/// No text of a language file has a placeholder such as "%s" or "%d". If a number or a name belongs
+/// to a message, the program puts it after the text, and the note of the text says so. The comment
+/// above each group says where its texts appear.
 inline constexpr auto kLanguageKeys = std::to_array<LanguageKey>({
+    // The window with the two tabs.
     {TextArea::kSheet, u"ID_S_PROP_TTL", u"Property", u"Caption of the property sheet"},
     {TextArea::kSheet, u"ID_TAB_2", u"Learning", u"First tab"},
     {TextArea::kSheet, u"ID_TAB_3", u"About", u"Second tab"},
 
+    // The title bars of message boxes. "Attention" is that of the two questions whether to delete.
     {TextArea::kEveryPage, u"ID_S_MESSAGE_DW", u"Zedra Voxtrel",
      u"Caption of message boxes; the product's name"},
     {TextArea::kEveryPage, u"ID_S_MESSAGE_A", u"Attention", u"Caption of the two confirmations"},
 
+    // The first tab. Its labels and buttons do not grow, so each has room for so many letters. The
+    // last
+    // text stands under the list: "Learned commands: 12".
     {TextArea::kLearningPage, u"ID_S_DIALOG_SET_L1", u"Contacts",
      u"Label above the list of contacts; room for about 10 letters"},
     {TextArea::kLearningPage, u"ID_S_DIALOG_SET_LBR", u"Record",
@@ -61,6 +70,7 @@ inline constexpr auto kLanguageKeys = std::to_array<LanguageKey>({
     {TextArea::kLearningPage, u"ID_S_MESSAGE_L", u"Learned commands:",
      u"Label under the list of voice tags; a blank and their number follow", TextUse::kFormatted},
 
+    // Message boxes after a press of Record: "Tags number exceeds limit: 100".
     {TextArea::kRecording, u"ID_S_MESSAGE_8", u"Error: oid == 0",
      u"No contact or no telephone number is chosen"},
     {TextArea::kRecording, u"ID_S_MESSAGE_EX", u"Tags number exceeds limit:\u00A0",
@@ -69,6 +79,9 @@ inline constexpr auto kLanguageKeys = std::to_array<LanguageKey>({
     {TextArea::kRecording, u"ID_S_MESSAGE_7", u"Error in CreateFile",
      u"The file for the template of a voice tag cannot be made"},
 
+    // Message boxes after a press of Delete or Delete All. The last three appear while the page
+    // opens,
+    // when it removes a voice tag whose contact is gone.
     {TextArea::kDeleting, u"ID_S_MESSAGE_D", u"The tag will be deleted!",
      u"Confirmation with OK and Cancel"},
     {TextArea::kDeleting, u"ID_S_MESSAGE_DALL", u"All voice tags will be deleted!",
@@ -82,6 +95,7 @@ inline constexpr auto kLanguageKeys = std::to_array<LanguageKey>({
     {TextArea::kDeleting, u"ID_S_MESSAGE_12", u"Error in 33",
      u"The contact of a voice tag is gone, and its settings cannot be deleted"},
 
+    // Message boxes while the program starts. It ends after any of them.
     {TextArea::kFolders, u"ID_S_MESSAGE_14", u"Can't create \\Program Files",
      u"The program ends after this message; the names of folders stay as they are"},
     {TextArea::kFolders, u"ID_S_MESSAGE_15", u"Can't create \\Program Files\\Zedra Tech.",
@@ -93,6 +107,9 @@ inline constexpr auto kLanguageKeys = std::to_array<LanguageKey>({
     {TextArea::kFolders, u"ID_S_MESSAGE_18",
      u"Can't create \\Program Files\\Zedra Tech.\\Zedra Voxtrel\\Voxtrel_stor", u"The same"},
 
+    // Message boxes while contacts are read: when the first tab opens, when a contact is recorded,
+    // and
+    // when the list of voice tags is filled.
     {TextArea::kContacts, u"ID_S_MESSAGE_D3", u"Failed to initialize COM",
      u"The way to the contacts cannot be opened, first step"},
     {TextArea::kContacts, u"ID_S_MESSAGE_D4", u"Failed to create instance of Pocket Outlook",
@@ -134,6 +151,8 @@ inline constexpr auto kLanguageKeys = std::to_array<LanguageKey>({
     {TextArea::kContacts, u"ID_S_MESSAGE_D22", u"Phone number is too long",
      u"A telephone number of more than 96 characters is left out"},
 
+    // The window that the button Test opens. The two paragraphs of the message have an empty line
+    // between them.
     {TextArea::kTestDialog, u"ID_STTL3", u"Test results", u"Title in the dialog",
      TextUse::kFormatted},
     {TextArea::kTestDialog, u"ID_S_MESSAGE_NOCOM1", u"There are no voice tags.",
@@ -142,8 +161,9 @@ inline constexpr auto kLanguageKeys = std::to_array<LanguageKey>({
      u"To record voice tags select Start -> Settings -> System tab -> Zedra Voxtrel.",
      u"Second paragraph of the same message; the names are those of the device's own menus"},
 
+    // The window in which the user waits after an update, and its message box.
     {TextArea::kReinitialization, u"ID_STTL2", u"Base reinitialization...",
-     u"Title in the dialog that waits while every voice tag is computed anew; room for about 30 "
+     u"Title in the dialog that waits while every voice tag is computed again; room for about 30 "
      u"letters",
      TextUse::kFormatted},
     {TextArea::kReinitialization, u"ID_S_DIALOG_UP_1", u"Please wait a few",
@@ -153,7 +173,7 @@ inline constexpr auto kLanguageKeys = std::to_array<LanguageKey>({
      u"The search for recordings failed on its way and goes on"},
 });
 
-/// The row of `key`; null where the system has no such key.
+/// Returns the row of `key`. Returns null if the system has no such key.
 [[nodiscard]] constexpr const LanguageKey* FindLanguageKey(std::u16string_view key) {
   for (const LanguageKey& row : kLanguageKeys) {
     if (row.key == key) {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "language/formatting.h"
+#include "language/texts.h"
 #include "storage/stored_text.h"
 
 namespace storage {

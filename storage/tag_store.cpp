@@ -3,7 +3,7 @@
 #include <optional>
 #include <utility>
 
-#include "language/formatting.h"
+#include "language/texts.h"
 #include "storage/device_paths.h"
 #include "storage/registry_keys.h"
 

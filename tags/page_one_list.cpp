@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "language/formatting.h"
+#include "language/texts.h"
 #include "resources/dialogs.h"
 #include "resources/strings.h"
 #include "storage/device_paths.h"

@@ -1,7 +1,7 @@
 // The Learning page looks after its tags: tests them, and has them computed anew.
 
 #include "maintenance/math_version.h"
-#include "maintenance/reinit_worker.h"
+#include "maintenance/reinit_threads.h"
 #include "tags/page_one.h"
 
 namespace tags {

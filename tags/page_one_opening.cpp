@@ -1,7 +1,7 @@
 // The Learning page opens, with contacts, tag list and buttons; the user chooses a contact.
 
 #include "framework/dialog.h"
-#include "language/formatting.h"
+#include "language/texts.h"
 #include "resources/dialogs.h"
 #include "resources/strings.h"
 #include "storage/folders.h"

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "audio/wave_header.h"
-#include "language/formatting.h"
+#include "language/texts.h"
 #include "resources/dialogs.h"
 #include "resources/strings.h"
 #include "storage/device_paths.h"

@@ -4,7 +4,7 @@
 #include <exception>
 
 #include "audio/wave_header.h"
-#include "language/formatting.h"
+#include "language/texts.h"
 
 namespace tags {
 namespace {

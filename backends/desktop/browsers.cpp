@@ -1,5 +1,3 @@
-#include "backends/desktop/browsers.h"
-
 #include <gio/gdesktopappinfo.h>
 #include <gio/gio.h>
 
@@ -7,6 +5,8 @@
 #include <memory>
 #include <span>
 #include <string_view>
+
+#include "backends/desktop/desktop_shell.h"
 
 namespace desktop {
 namespace {

@@ -4,7 +4,6 @@
 #include <system_error>
 #include <utility>
 
-#include "backends/desktop/browsers.h"
 #include "backends/text/utf.h"
 #include "resources/desktop_strings.h"
 

@@ -1,13 +1,11 @@
-#include "backends/wave_file/file_wave_in.h"
-
 #include <algorithm>
 #include <cstddef>
 #include <memory>
 #include <span>
 #include <utility>
 
+#include "backends/wave_file/file_sound.h"
 #include "backends/wave_file/riff_file.h"
-#include "platform/wave_devices.h"
 
 namespace wave_file {
 namespace {

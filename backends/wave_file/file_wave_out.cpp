@@ -1,12 +1,10 @@
-#include "backends/wave_file/file_wave_out.h"
-
 #include <cstddef>
 #include <memory>
 #include <span>
 #include <utility>
 
+#include "backends/wave_file/file_sound.h"
 #include "backends/wave_file/riff_file.h"
-#include "platform/wave_devices.h"
 
 namespace wave_file {
 namespace {
@@ -77,7 +75,7 @@ class FileOutDevice final : public platform::WaveOutDevice {
   const std::u16string m_path;
   const platform::WaveFormat m_format;
   std::unique_ptr<platform::Replacement> m_next;  ///< Null after the first sound.
-  std::shared_ptr<void> m_turn;                   ///< Null once closed.
+  std::shared_ptr<void> m_turn;                   ///< Null after Close.
   platform::WaveQueue m_queue;
 };
 

@@ -10,7 +10,7 @@
 
 #include "backends/text/names.h"
 #include "backends/text/utf.h"
-#include "connection/choices.h"
+#include "connection/connection_page.h"
 
 namespace cli {
 namespace {

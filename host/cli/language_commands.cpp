@@ -11,9 +11,8 @@
 #include "backends/text/utf.h"
 #include "host/cli/file_arguments.h"
 #include "host/cli/output.h"
-#include "language/language_check.h"
 #include "language/language_table.h"
-#include "language/language_template.h"
+#include "language/translation.h"
 
 namespace cli {
 namespace {

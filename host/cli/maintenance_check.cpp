@@ -15,7 +15,6 @@
 #include "host/cli/contacts_commands.h"
 #include "host/cli/output.h"
 #include "maintenance/store_check.h"
-#include "maintenance/template_repair.h"
 #include "storage/deletion.h"
 #include "storage/folders.h"
 #include "storage/registry_keys.h"

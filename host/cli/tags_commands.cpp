@@ -16,7 +16,7 @@
 #include "host/cli/output.h"
 #include "host/cli/page_run.h"
 #include "host/cli/tag_reading.h"
-#include "language/formatting.h"
+#include "language/texts.h"
 #include "resources/dialogs.h"
 #include "resources/strings.h"
 #include "storage/device_paths.h"

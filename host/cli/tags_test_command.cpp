@@ -12,7 +12,7 @@
 #include "host/cli/page_run.h"
 #include "host/cli/tag_reading.h"
 #include "host/cli/waiting.h"
-#include "maintenance/tag_session.h"
+#include "maintenance/maintenance_dialog.h"
 #include "maintenance/test_dialog.h"
 #include "resources/dialogs.h"
 

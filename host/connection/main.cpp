@@ -12,7 +12,7 @@
 #include "backends/text/utf.h"
 #include "backends/udev/serial_ports.h"
 #include "backends/udev/udev_serial_devices.h"
-#include "connection/connection_sheet.h"
+#include "connection/connection_page.h"
 #include "language/texts.h"
 #include "resources/strings.h"
 #include "storage/device_paths.h"

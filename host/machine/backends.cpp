@@ -8,8 +8,7 @@
 
 #include "backends/sqlite/sqlite_registry.h"
 #include "backends/text/utf.h"
-#include "backends/wave_file/file_wave_in.h"
-#include "backends/wave_file/file_wave_out.h"
+#include "backends/wave_file/file_sound.h"
 #include "host/machine/system.h"
 #include "storage/device_paths.h"
 #include "storage/registry_keys.h"

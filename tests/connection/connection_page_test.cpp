@@ -1,12 +1,14 @@
 #include "connection/connection_page.h"
 
-#include "connection/choices.h"
-#include "connection/connection_sheet.h"
+#include <gtest/gtest.h>
+
 #include "tests/connection/connection_fixture.h"
+#include "tests/support/registry_access.h"
 #include "tests/support/results.h"
 
 namespace {
 
+using connection::ToSettingValue;
 using namespace resources;
 using platform::RegistryType;
 
@@ -254,6 +256,30 @@ TEST_F(ConnectionPage, ASheetThatIsClosedStoresNothing) {
   });
   EXPECT_FALSE(connection::RunConnectionSheet(m_ui, m_registry, u"Property"));
   EXPECT_TRUE(Stored(u"Bound_rate").empty());
+}
+
+TEST(SettingValue, IsAlwaysAsLongAsItsField) {
+  auto expected = support::Utf16Bytes(u"9600");
+  expected.resize(32);
+  EXPECT_EQ(ToSettingValue(u"9600", 32), expected);
+  EXPECT_EQ(ToSettingValue(u"", 4), std::vector<std::byte>(4));
+}
+
+TEST(SettingValue, ATextAsLongAsItsFieldHasNoTerminator) {
+  EXPECT_EQ(ToSettingValue(u"0123456789abcdef", 32), support::Utf16Bytes(u"0123456789abcdef"));
+  EXPECT_EQ(ToSettingValue(u"0123456789abcdefgh", 32), support::Utf16Bytes(u"0123456789abcdef"));
+}
+
+TEST(SettingValue, EndsAtAZero) {
+  EXPECT_EQ(ToSettingValue(std::u16string_view(u"1\0"
+                                               u"2",
+                                               3),
+                           8),
+            ToSettingValue(u"1", 8));
+}
+
+TEST(SettingValue, NeverEndsWithHalfACharacter) {
+  EXPECT_EQ(ToSettingValue(u"1\U0001F600", 4), ToSettingValue(u"1", 4));
 }
 
 }  // namespace

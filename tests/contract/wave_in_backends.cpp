@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "backends/pulse/pulse_sound.h"
-#include "backends/wave_file/file_wave_in.h"
+#include "backends/wave_file/file_sound.h"
 #include "tests/e2e/pipe_microphone.h"
 #include "tests/e2e/pulse_server.h"
 #include "tests/e2e/recording.h"

@@ -3,7 +3,7 @@
 #include <optional>
 
 #include "backends/pulse/pulse_sound.h"
-#include "backends/wave_file/file_wave_out.h"
+#include "backends/wave_file/file_sound.h"
 #include "backends/wave_file/riff_file.h"
 #include "tests/e2e/ear.h"
 #include "tests/e2e/pulse_server.h"

@@ -1,4 +1,4 @@
-// Ten names are learned, tested, and computed anew after a change of the speech mathematics: with
+// Ten names are learned, tested, and computed again after a change of the speech mathematics: with
 // the real program, real files and a real registry.
 
 #include <gmock/gmock.h>

@@ -7,9 +7,9 @@
 #include <span>
 #include <string>
 
-#include "language/language_check.h"
 #include "language/language_file_reader.h"
 #include "language/language_table.h"
+#include "language/translation.h"
 #include "resources/language_keys.h"
 #include "tests/fuzz/require.h"
 #include "tests/language/twins/compare_with_twin.h"

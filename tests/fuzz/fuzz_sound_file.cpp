@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "audio/wave_device.h"
-#include "backends/wave_file/file_wave_in.h"
+#include "backends/wave_file/file_sound.h"
 #include "backends/wave_file/riff_file.h"
 #include "tests/fuzz/require.h"
 #include "tests/support/headless_platform.h"

@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "language/language_template.h"
+#include "language/translation.h"
 
 /// Bytes of a language file that holds `text` behind the byte-order mark.
 inline std::vector<std::byte> FileOf(std::u16string_view text) {

@@ -6,9 +6,9 @@
 #include <set>
 #include <string>
 
-#include "language/formatting.h"
 #include "language/language_table.h"
-#include "language/language_template.h"
+#include "language/texts.h"
+#include "language/translation.h"
 #include "resources/language_keys.h"
 #include "resources/strings.h"
 #include "tests/language/source_files.h"

@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <string>
 
-#include "language/language_check.h"
 #include "language/language_table.h"
+#include "language/translation.h"
 #include "resources/language_keys.h"
 #include "resources/strings.h"
 #include "tests/language/button_width.h"

@@ -1,4 +1,4 @@
-#include "maintenance/nearest_neighbours.h"
+#include "maintenance/test_results.h"
 
 #include <gtest/gtest.h>
 

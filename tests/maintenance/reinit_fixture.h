@@ -6,7 +6,7 @@
 
 #include "backends/headless/headless_dialog.h"
 #include "maintenance/reinit_progress_dialog.h"
-#include "maintenance/reinit_worker.h"
+#include "maintenance/reinit_threads.h"
 #include "resources/dialogs.h"
 #include "tests/maintenance/session_fixture.h"
 #include "voicemath/template_file.h"

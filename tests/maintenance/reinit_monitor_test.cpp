@@ -1,4 +1,4 @@
-#include "maintenance/reinit_monitor.h"
+#include "maintenance/reinit_threads.h"
 
 #include "tests/maintenance/session_fixture.h"
 

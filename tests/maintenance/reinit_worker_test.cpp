@@ -1,4 +1,4 @@
-#include "maintenance/reinit_worker.h"
+#include "maintenance/reinit_threads.h"
 
 #include "tests/maintenance/reinit_fixture.h"
 #include "tests/support/failing_file_system.h"

@@ -9,10 +9,9 @@
 #include <string_view>
 #include <vector>
 
-#include "language/formatting.h"
 #include "language/language_table.h"
 #include "language/texts.h"
-#include "maintenance/tag_session.h"
+#include "maintenance/maintenance_dialog.h"
 #include "platform/file_system.h"
 #include "storage/device_paths.h"
 #include "tests/support/headless_platform.h"

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 
-#include "maintenance/template_repair.h"
 #include "storage/registry_keys.h"
 #include "storage/tag_store.h"
 #include "tests/maintenance/session_fixture.h"

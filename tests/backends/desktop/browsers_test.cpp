@@ -1,4 +1,4 @@
-#include "backends/desktop/browsers.h"
+#include "backends/desktop/desktop_shell.h"
 
 #include "tests/backends/desktop/fake_desktop.h"
 

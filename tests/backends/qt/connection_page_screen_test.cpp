@@ -7,7 +7,7 @@
 #include <functional>
 
 #include "backends/qt/qt_ui.h"
-#include "connection/connection_sheet.h"
+#include "connection/connection_page.h"
 #include "resources/dialogs.h"
 #include "storage/registry_keys.h"
 #include "tests/backends/qt/page_machine.h"

@@ -13,7 +13,7 @@
 #include <semaphore>
 
 #include "backends/posix/posix_threads.h"
-#include "maintenance/reinit_worker.h"
+#include "maintenance/reinit_threads.h"
 #include "maintenance/test_dialog.h"
 #include "resources/dialogs.h"
 #include "tests/backends/qt/page_machine.h"

@@ -12,7 +12,7 @@
 #include <QToolTip>
 
 #include "backends/qt/strings.h"
-#include "language/language_template.h"
+#include "language/translation.h"
 #include "resources/dialogs.h"
 #include "resources/language_keys.h"
 #include "tests/backends/qt/dialog_fixture.h"

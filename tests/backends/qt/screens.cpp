@@ -14,8 +14,8 @@
 #include <utility>
 
 #include "applet/about_page.h"
-#include "applet/pr_shit.h"
-#include "connection/connection_sheet.h"
+#include "applet/voxtrel_app.h"
+#include "connection/connection_page.h"
 #include "resources/dialogs.h"
 #include "resources/pictures.h"
 #include "resources/strings.h"

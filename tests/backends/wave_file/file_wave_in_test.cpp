@@ -1,4 +1,4 @@
-#include "backends/wave_file/file_wave_in.h"
+#include "backends/wave_file/file_sound.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

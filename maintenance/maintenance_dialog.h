@@ -1,5 +1,8 @@
 #pragma once
 
+#include <string_view>
+
+#include "platform/canvas.h"
 #include "platform/threads.h"
 #include "storage/tag_record.h"
 #include "voicemath/voice_mathematics.h"
@@ -30,5 +33,9 @@ class TagSession {
   /// resumes it. Returns null while there is none.
   [[nodiscard]] virtual platform::Thread* GetReinitWorker() = 0;
 };
+
+/// Paints the header of a dialog: a rule across its whole width and the title above it. The title
+/// is data: a percent sign in it is shown and never read as a format.
+void PaintHeader(platform::Canvas& canvas, std::u16string_view title);
 
 }  // namespace maintenance

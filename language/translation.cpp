@@ -1,13 +1,64 @@
-#include "language/language_check.h"
+#include "language/translation.h"
 
+#include <algorithm>
+#include <array>
 #include <map>
 #include <utility>
 
 #include "language/language_file_reader.h"
+#include "platform/file_system.h"
 #include "resources/language_keys.h"
 
 namespace language {
 namespace {
+
+constexpr std::u16string_view kLineEnd = u"\r\n";
+
+constexpr std::u16string_view kInstructions[] = {
+    u"Language file of Zedra Voxtrel: English, the template for translators.",
+    u"",
+    u"The dialer's settings read it as Voxtrel.lng in their install folder.",
+    u"Save it as UTF-16LE with a byte-order mark, and end every line with CR LF.",
+    u"A line holds a key, blanks and a text. Translate the texts and keep the keys.",
+    u"A text ends at its first slash: what follows is dropped, as are blanks at both ends.",
+    u"There are no escape sequences and no quotes: what stands there is shown.",
+    u"A key left out shows an empty text, not the English one.",
+    u"Lines that begin with two slashes are comments.",
+};
+
+std::u16string_view Heading(resources::TextArea area) {
+  using enum resources::TextArea;
+  switch (area) {
+    case kSheet:
+      return u"Property sheet";
+    case kEveryPage:
+      return u"Captions of messages";
+    case kLearningPage:
+      return u"Learning page";
+    case kRecording:
+      return u"Recording a voice tag";
+    case kDeleting:
+      return u"Deleting voice tags";
+    case kFolders:
+      return u"Folders that cannot be created";
+    case kContacts:
+      return u"Contacts that cannot be read";
+    case kTestDialog:
+      return u"Test dialog";
+    case kReinitialization:
+      return u"Computing every voice tag again";
+  }
+  return u"";
+}
+
+void AddComment(std::u16string& file, std::u16string_view comment) {
+  file += u"//";
+  if (!comment.empty()) {
+    file += u' ';
+  }
+  file += comment;
+  file += kLineEnd;
+}
 
 bool BeginsWith(std::span<const std::byte> file, std::initializer_list<unsigned> start) {
   if (file.size() < start.size()) {
@@ -50,12 +101,15 @@ std::u16string_view FirstWord(std::u16string_view line) {
   return line.substr(0, line.find_first_of(std::u16string_view(u" \t\0", 3)));
 }
 
-// "text // comment", as the template's own instructions advise.
-bool IsComment(std::u16string_view behind) {
-  const std::size_t slash = behind.find(u'/');
-  return slash > 0 && behind.substr(slash).starts_with(u"//");
+/// Returns whether a comment follows the text, after a blank: "text // comment". The instructions
+/// in the template advise translators to write it so.
+bool IsComment(std::u16string_view rest) {
+  const std::size_t slash = rest.find(u'/');
+  return slash > 0 && rest.substr(slash).starts_with(u"//");
 }
 
+/// One check of a file. It reads the lines as the table does, and reports what the table would
+/// drop, cut or never find.
 class Check {
  public:
   explicit Check(std::span<const std::byte> file) : m_reader(file) {}
@@ -105,7 +159,7 @@ class Check {
       Add(FindingKind::kPercentSign, line.number, line.key,
           "a percent sign has no place in a text that takes part in formatting");
     }
-    if (line.behind.find(u'/') != std::u16string_view::npos && !IsComment(line.behind)) {
+    if (line.rest.find(u'/') != std::u16string_view::npos && !IsComment(line.rest)) {
       Add(FindingKind::kTextCut, line.number, line.key,
           "the text ends at its first \"/\"; a comment begins with a blank and \"//\"");
     }
@@ -117,6 +171,42 @@ class Check {
 };
 
 }  // namespace
+
+std::u16string LanguageTemplate() {
+  std::u16string file;
+  for (const std::u16string_view line : kInstructions) {
+    AddComment(file, line);
+  }
+
+  std::size_t width = 0;
+  for (const resources::LanguageKey& row : resources::kLanguageKeys) {
+    width = std::max(width, row.key.size());
+  }
+  const resources::LanguageKey* previous = nullptr;
+  for (const resources::LanguageKey& row : resources::kLanguageKeys) {
+    if (previous == nullptr || previous->area != row.area) {
+      file += kLineEnd;
+      AddComment(file, u"---- " + std::u16string(Heading(row.area)) + u" ----");
+    }
+    previous = &row;
+    AddComment(file, row.note);
+    file += row.key;
+    file.append(width + 2 - row.key.size(), u' ');
+    file += row.english;
+    file += kLineEnd;
+  }
+  return file;
+}
+
+std::vector<std::byte> ToLanguageFile(std::u16string_view text) {
+  std::vector<std::byte> bytes = {std::byte{0xFF}, std::byte{0xFE}};
+  bytes.reserve(2 + 2 * text.size());
+  for (const char16_t character : text) {
+    bytes.push_back(static_cast<std::byte>(character & 0xFFU));
+    bytes.push_back(static_cast<std::byte>(character >> 8U));
+  }
+  return bytes;
+}
 
 std::string_view ToWord(FindingKind kind) {
   switch (kind) {

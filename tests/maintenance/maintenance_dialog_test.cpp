@@ -1,4 +1,4 @@
-#include "maintenance/page_header.h"
+#include "maintenance/maintenance_dialog.h"
 
 #include <gtest/gtest.h>
 

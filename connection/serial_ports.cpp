@@ -1,6 +1,7 @@
-#include "connection/active_ports.h"
+#include "connection/serial_ports.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 
 #include "platform/serial_devices.h"
@@ -15,6 +16,24 @@ std::u16string ReadText(platform::RegistryKey& key, std::u16string_view name) {
   const auto value = key.Query(name);
   return value ? storage::TextOfValue(*value) : std::u16string();
 }
+
+constexpr std::size_t kDigitsAt = 3;  ///< After "COM".
+
+/// Returns the number of one digit or two. It ends before anything that is no digit.
+int PortNumber(std::u16string_view name) {
+  constexpr std::size_t kMostDigits = 2;
+  constexpr int kBase = 10;
+  int number = 0;
+  for (std::size_t i = kDigitsAt; i < name.size() && i < kDigitsAt + kMostDigits; ++i) {
+    if (name[i] < u'0' || name[i] > u'9') {
+      break;
+    }
+    number = number * kBase + (name[i] - u'0');
+  }
+  return number;
+}
+
+PortOrder ToOrder(bool isGreater) { return isGreater ? PortOrder::kGreater : PortOrder::kLess; }
 
 }  // namespace
 
@@ -37,7 +56,7 @@ std::vector<ActivePort> ReadActivePorts(platform::Registry& registry) {
     if (subkey ? !subkey->has_value() : subkey.error() != RegistryError::kInvalid) {
       break;
     }
-    // Another program's name is passed over if it leads nowhere, or to another key.
+    // Another program may have made a key whose name leads nowhere, or to another key.
     if (!subkey || !platform::IsKeyName(**subkey)) {
       continue;
     }
@@ -52,6 +71,26 @@ std::vector<ActivePort> ReadActivePorts(platform::Registry& registry) {
     }
   }
   return ports;
+}
+
+PortOrder ComparePorts(std::u16string_view a, std::u16string_view b) {
+  const char16_t firstOfA = a.empty() ? u'\0' : a.front();
+  const char16_t firstOfB = b.empty() ? u'\0' : b.front();
+  if (firstOfA != firstOfB) {
+    return ToOrder(firstOfA > firstOfB);
+  }
+  return ToOrder(PortNumber(a) > PortNumber(b));
+}
+
+void SortPorts(std::vector<std::u16string>& names) {
+  // By exchange, since the sort of a library needs an order in which names can be equal.
+  for (std::size_t i = 0; i + 1 < names.size(); ++i) {
+    for (std::size_t j = i + 1; j < names.size(); ++j) {
+      if (ComparePorts(names[i], names[j]) == PortOrder::kLess) {
+        names[i].swap(names[j]);
+      }
+    }
+  }
 }
 
 }  // namespace connection

@@ -1,4 +1,4 @@
-#include "maintenance/reinit_worker.h"
+#include "maintenance/reinit_threads.h"
 
 #include <algorithm>
 #include <string>
@@ -8,8 +8,10 @@
 #include "voicemath/template_file.h"
 
 namespace maintenance {
-
 namespace {
+
+/// The dialog has appeared by then.
+constexpr std::uint32_t kMillisecondsBeforeWork = 1000;
 
 constexpr std::uint32_t kMillisecondsBeforeFile = 300;
 
@@ -121,6 +123,47 @@ void ReinitWorker::ReportNotWritten(std::u16string_view waveFile) {
       .append(u"\n\n")
       .append(resources::kReinitStopped);
   m_platform.ui.ShowMessage(platform::ApplicationBox(std::move(text)));
+}
+
+void ReinitMonitor::Run(std::int32_t tagCount) {
+  if (tagCount == 0) {
+    return;
+  }
+  m_platform.clock.Sleep(kMillisecondsBeforeWork);
+  StartWorker();
+  // The question comes after each reset and before each wait. A dialog that goes says so before it
+  // sets the event a last time, so either the question or the wait sees it.
+  for (std::int32_t i = 0; i < tagCount && !m_progress.IsGone(); ++i) {
+    m_progress.Step();
+    if (!WaitForRecording()) {
+      break;
+    }
+  }
+  m_progress.GetDoneEvent().Set();
+}
+
+void ReinitMonitor::StartWorker() {
+  if (m_page == nullptr) {
+    m_platform.ui.ShowMessage(
+        {std::u16string(resources::kReinitWithoutPage), platform::MessageCaption::kText,
+         std::u16string(resources::kAppletName), platform::MessageStyle::kTopmost});
+    return;
+  }
+  if (platform::Thread* worker = m_page->GetReinitWorker()) {
+    worker->Resume();
+  }
+}
+
+bool ReinitMonitor::WaitForRecording() {
+  if (m_page == nullptr || m_page->GetWorkerEvent() == nullptr) {
+    return true;
+  }
+  platform::Event& event = *m_page->GetWorkerEvent();
+  if (event.Wait(platform::kNoLimit) != platform::WaitResult::kSignalled) {
+    return false;
+  }
+  event.Reset();
+  return true;
 }
 
 }  // namespace maintenance
