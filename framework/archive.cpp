@@ -112,6 +112,7 @@ void CArchive::FlushBuffer() {
   m_end = 0;
 }
 
+/// Reads the next bytes of the file. Returns false at the end of the file and after a failure.
 bool CArchive::FillBuffer() {
   const auto count = m_file.Read(m_buffer);
   if (!count || *count == 0) {

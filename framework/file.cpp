@@ -12,6 +12,8 @@ using platform::FileError;
 using platform::FileShare;
 using platform::Result;
 
+// Every operation goes through here, so that none forgets to ask for an open file or to keep the
+// error.
 template <typename Operation>
 std::invoke_result_t<Operation, File&> CFile::Do(Operation operation) {
   if (m_file == nullptr) {

@@ -16,6 +16,8 @@ bool ItemList::IsFor(ControlKind kind) {
 
 ItemList::ItemList(ControlKind kind, std::u16string_view field) : m_kind(kind) { SetField(field); }
 
+// In a sorted box the new item comes after its equals, so people of the same name stay in the order
+// in which they were added.
 int ItemList::Add(std::u16string_view text) {
   auto at = m_items.end();
   if (m_kind == ControlKind::kSortedComboBox) {

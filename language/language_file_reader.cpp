@@ -54,6 +54,8 @@ std::optional<LanguageLine> LanguageFileReader::Next() {
   return line;
 }
 
+/// Goes along the line from its start: blanks, key, blanks, text. If the line ends on the way, it
+/// has no text, or not even a key.
 LanguageLine LanguageFileReader::Parse(std::size_t start) const {
   LanguageLine line;
   if (StopsAt(start)) {
@@ -87,6 +89,8 @@ LanguageLine LanguageFileReader::Parse(std::size_t start) const {
   return line;
 }
 
+/// The text may reach into the last four bytes of the file, where no text may begin: a file without
+/// a CR LF at its end keeps its last text.
 void LanguageFileReader::TakeText(std::size_t start, LanguageLine& line) const {
   std::size_t end = start;
   while (end < m_characters.size() && m_characters[end] != u'/' && !IsLineEnd(end)) {

@@ -76,6 +76,8 @@ void LanguageTable::LoadFrom(std::span<const std::byte> file) {
   }
 }
 
+// From the front, since the first of two equal keys counts. A file has some fifty entries, and a
+// window asks for its texts once.
 const char16_t* LanguageTable::LookUp(const char16_t* key, const char16_t* defaultText) const {
   if (key == nullptr) {
     return defaultText;

@@ -73,6 +73,7 @@ bool BeginsWith(std::span<const std::byte> file, std::initializer_list<unsigned>
   return true;
 }
 
+/// Most files that are refused were saved in another encoding, and their first bytes say in which.
 std::string DescribeEncoding(std::span<const std::byte> file) {
   constexpr std::string_view kWanted = "save it as UTF-16LE with a byte-order mark";
   std::string_view found = "the file does not begin with the bytes FF FE";
@@ -172,6 +173,7 @@ class Check {
 
 }  // namespace
 
+// Keys stand in a column, so that the texts begin below each other. Each key has its note above it.
 std::u16string LanguageTemplate() {
   std::u16string file;
   for (const std::u16string_view line : kInstructions) {

@@ -42,6 +42,7 @@ void ComparisonDialog::CreateBar() {
        .isSmooth = true});
 }
 
+// Runs on the thread. The search reports its share in its own steps; the bar has a hundred.
 void ComparisonDialog::Work() {
   int steps = 0;
   m_found = FindNearest(m_mathematics, m_count, [this, &steps](double share) {

@@ -104,6 +104,8 @@ void ReinitProgressDialog::OnCancel() {
   }
 }
 
+// The monitor may be waiting for the next recording, so the event is set once more. Then it sees
+// that the dialog is gone, and so does the worker after its recording.
 void ReinitProgressDialog::Detach() {
   m_isGone = true;
   if (m_monitor) {

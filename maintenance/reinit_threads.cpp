@@ -55,6 +55,8 @@ void ReinitWorker::Run() {
   m_mathematics.reset();
 }
 
+// Returns false in two cases: there is nothing to do and the process has been ended, or a template
+// could not be written. After the second the rest would fail too, so the user closes the dialog.
 bool ReinitWorker::ProcessAll() {
   const auto search = m_store.FindRecordings();
   if (!search) {

@@ -123,6 +123,8 @@ class Checker {
     }
   }
 
+  /// Compares the stored template with the one that the recording gives. If there is no recording
+  /// to compare with, the template is only read.
   void CheckFiles(const std::u16string& tag) {
     const bool hasRecording = CheckRecording(tag);
     m_mathematics.m_loadSlot = kStoredSlot;
@@ -180,6 +182,8 @@ class Checker {
     return search || search.error() != FileError::kNotFound;
   }
 
+  /// Reports each file of the pattern that belongs to no tag. It belongs to the tag that has its
+  /// name without the extension, in upper or lower case.
   void CheckFolder(std::u16string_view pattern, std::u16string_view extension,
                    StoreProblem problem) {
     if (!m_hasAllTags) {

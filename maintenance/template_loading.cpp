@@ -39,6 +39,8 @@ void TemplateLoader::LoadTags(const storage::TagTable& tags) {
   }
 }
 
+// The Test dialog never comes here, as it asks for nothing with less than two tags. The walk
+// belongs to the loader all the same. A step that fails is reported, and the walk goes on.
 platform::Result<void, ProcessEnded> TemplateLoader::LoadFolder() {
   const storage::TagStore store(m_platform.files, m_platform.registry);
   const auto search = store.FindRecordings();

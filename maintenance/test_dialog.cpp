@@ -14,7 +14,7 @@ namespace maintenance {
 namespace {
 
 constexpr int kFirstExtent = 100;
-constexpr int kExtentBehindLine = 20;  ///< Room right of the longest line.
+constexpr int kExtentAfterLine = 20;  ///< Room to the right of the longest line.
 
 constexpr std::u16string_view kHelpViewer = u"peghelp.exe";
 constexpr std::u16string_view kHelpCommandLine = u"file:ZedraVoxtrelPE_help.htm#test";
@@ -47,6 +47,8 @@ bool TestDialog::OnInitDialog() {
   return true;
 }
 
+// Tags of usual lengths are compared before the user could notice, so the search runs right here
+// for a second. Only if it takes longer is it begun again on a thread, behind a box with a bar.
 std::u16string TestDialog::Compare() {
   std::optional<framework::WaitCursor> wait(std::in_place, m_platform.ui);
   if (m_page == nullptr || m_page->GetTags().tagCount < 2) {
@@ -82,7 +84,7 @@ void TestDialog::ShowLines() {
   for (const TestLine& line : m_lines) {
     const int width = window.GetTextWidth(resources::kTestListId, line.text);
     if (width > extent) {
-      extent = width + kExtentBehindLine;
+      extent = width + kExtentAfterLine;
       window.SetHorizontalExtent(resources::kTestListId, extent);
     }
     window.AddItem(resources::kTestListId, line.text);

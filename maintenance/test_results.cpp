@@ -34,6 +34,8 @@ void ForRecords(const storage::TagTable& tags, std::u16string_view name,
   }
 }
 
+/// A line is four columns: "87%; 1; Ann Lee 5551234 M;  Bob Ray 5550001 H". They are the likeness,
+/// how many tags have this one as their nearest, the tag, and its own nearest.
 std::u16string ToText(const TestLine& line, std::u16string_view count, std::u16string_view name,
                       std::u16string_view neighbour) {
   return language::Decimal(line.score)

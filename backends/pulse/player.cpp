@@ -112,11 +112,15 @@ void Player::Disconnect() {
   m_connection.reset();
 }
 
+// Before the sound can have ended nobody waits. After that the server has a little time for its
+// way, counted from the end of the sound: asking twice gives it no more.
 std::optional<bool> Player::AwaitEnd() {
   const Deadline now = steady_clock::now();
   return m_end->WaitUntil(now < m_soundEnd ? now : m_soundEnd + kServerDelay);
 }
 
+/// Gives the server as much of the sound as it has room for, in whole samples of all channels.
+/// After the last byte it asks the server to report when all has been played.
 void Player::Feed() {
   pa_stream* const stream = m_stream->Get();
   const std::size_t frame = pa_frame_size(&m_sampleSpec);

@@ -73,6 +73,8 @@ WaveResult Recorder::Start() {
   return WaveResult::kOk;
 }
 
+// A device that went away while the buffer was not full gives no recording. If the buffer was full
+// by then, it is whole, and the loss concerns nobody.
 WaveResult Recorder::Unprepare(WaveHeader& header) {
   if (!m_isOpen) return WaveResult::kNoDevice;
   if (m_queue.Holds(header)) {
