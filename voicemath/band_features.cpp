@@ -16,8 +16,7 @@
 //   with 0 only decides the sign of a zero, which no magnitude shows. The sums of samples are whole
 //   numbers that a float holds exactly, so they may be formed as integers or as floats.
 // - The ten stages are done in four passes over the points. After the first pass every eighth of
-// the
-//   points goes its own way to the end. Half of the eighths are made at a time, which keeps the
+//   the points goes its own way to the end. Half of the eighths are made at a time, which keeps the
 //   work in the processor's nearest memory.
 // - Nothing is put into another order at the end: a table says which bin stands at which place.
 

@@ -56,8 +56,7 @@ void ReverseBits(std::span<float> real, std::span<float> imaginary) {
 //     less than one. The root is rounded down and loses less than another one. So r <= m < r + 2,
 //     and the weighed magnitude lies from r * weight to (r + 2) * weight.
 // (2) Double errs by less than 2^-50 of the weighed magnitude. That is below 2^40, so double errs
-// by
-//     less than one unit.
+//     by less than one unit.
 // (3) If one less than the lower end and one more than the upper end round to the same float, what
 //     double gives rounds to that float too. It lies strictly between them, so it is no tie either.
 //

@@ -19,15 +19,13 @@ namespace voicemath {
 ///   one vector. There the first frame is repeated before it and the last one after it, kFloatLanes
 ///   times each.
 /// - The *grid* screens: the shape in whole steps of 1 / kGridSteps. Sums of whole numbers are
-/// exact
-///   in any order, and twice as many 16-bit numbers as floats are in a vector. It is kept as it is,
-///   and once more between repetitions of its first and its last frame. Zeros follow.
+///   exact in any order, and a vector holds twice as many 16-bit numbers as floats. It is kept as
+///   it is, and once more between repetitions of its first and its last frame. Zeros follow.
 /// - The *outline* screens first, with a quarter of the numbers: half the sums of groups of
 ///   kGroupFrames frames of the grid. It is kept for the groups from the first frame on, and once
 ///   more for groups that begin at any frame, the ends repeated.
 /// - Running sums of the grid: with them a frame that is held against many others costs as little
-/// as
-///   one that is held against one.
+///   as one that is held against a single one.
 ///
 /// Grid and outline are missing, and IsOnGrid is false, if there are no frames, if a value of the
 /// shape is negative, no number or nearly all of the norm, or if the norm lost too much in float.
