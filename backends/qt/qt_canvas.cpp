@@ -118,7 +118,8 @@ void QtCanvas::DrawLineOfText(const QPointF& at, std::u16string_view text,
   m_painter.setFont(made);
   m_painter.setPen(ToQColor(color));
   m_texts.append(OneLine(text));
-  m_painter.drawText(QPointF(at.x(), at.y() + QFontMetricsF(made).ascent()), m_texts.back());
+  m_painter.drawText(QPointF(at.x(), at.y() + QFontMetricsF(made).ascent()),
+                     WithNumbersInOrder(m_texts.back()));
 }
 
 void QtCanvas::DrawPicture(platform::Point at, int picture) {

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QWindow>
+#include <algorithm>
 #include <future>
 #include <utility>
 
@@ -39,7 +40,7 @@ void WindowStack::RunModal(Frame& frame) {
   PutBoxesAbove(GetTop());
 }
 
-void WindowStack::ShowBeside(std::unique_ptr<MessageDialog> box) {
+void WindowStack::ShowBeside(std::unique_ptr<MessageDialog> box, Awaited answer) {
   QWidget* top = GetTop();
   NativeWindow(*box)->setTransientParent(top == nullptr ? nullptr : NativeWindow(*top));
   if (top != nullptr) {
@@ -47,21 +48,28 @@ void WindowStack::ShowBeside(std::unique_ptr<MessageDialog> box) {
     CentreOver(*box, *top);
   }
   MessageDialog* shown = box.get();
-  m_boxes.push_back(std::move(box));
+  m_boxes.push_back({std::move(box), std::move(answer)});
   shown->show();
   shown->raise();
   shown->activateWindow();
 }
 
 void WindowStack::Tidy() {
-  std::erase_if(m_boxes, [](const auto& box) { return box->IsOver(); });
+  std::erase_if(m_boxes, [](const Box& box) { return box.window->IsOver(); });
+}
+
+std::optional<WindowStack::Awaited> WindowStack::GetAwaited() const {
+  const auto open =
+      std::ranges::find_if(m_boxes, [](const Box& box) { return !box.window->IsOver(); });
+  return open == m_boxes.end() ? std::nullopt : std::optional(open->answer);
 }
 
 // The transient parent of a native window is the window that it stays above.
 void WindowStack::PutBoxesAbove(QWidget* window) {
-  for (const auto& box : m_boxes) {
-    if (!box->IsOver()) {
-      NativeWindow(*box)->setTransientParent(window == nullptr ? nullptr : NativeWindow(*window));
+  for (const Box& box : m_boxes) {
+    if (!box.window->IsOver()) {
+      NativeWindow(*box.window)
+          ->setTransientParent(window == nullptr ? nullptr : NativeWindow(*window));
     }
   }
 }
@@ -91,6 +99,7 @@ MessageAnswer QtUi::ShowMessage(const MessageBox& box) {
     return AskOnUiThread(box);
   }
   Begin();
+  AwaitWorkersBoxes();
   MessageDialog dialog(box, CaptionOf(box), m_windows->GetTop());
   RunModal(dialog);
   return dialog.GetAnswer();
@@ -102,8 +111,8 @@ MessageAnswer QtUi::ShowMessage(const MessageBox& box) {
 MessageAnswer QtUi::AskOnUiThread(const MessageBox& box) {
   // Shared, because this thread may be gone before set_value has returned.
   const auto promise = std::make_shared<std::promise<MessageAnswer>>();
-  std::future<MessageAnswer> answer = promise->get_future();
-  m_thread.Post([this, promise, box] {
+  const WindowStack::Awaited answer = promise->get_future().share();
+  m_thread.Post([this, promise, answer, box] {
     auto dialog = std::make_unique<MessageDialog>(box, CaptionOf(box), nullptr);
     dialog->SetListener(
         [&thread = m_thread, windows = std::weak_ptr(m_windows), promise](MessageAnswer given) {
@@ -115,12 +124,21 @@ MessageAnswer QtUi::AskOnUiThread(const MessageBox& box) {
           });
           promise->set_value(given);
         });
-    m_windows->ShowBeside(std::move(dialog));
+    m_windows->ShowBeside(std::move(dialog), answer);
   });
   try {
     return answer.get();
   } catch (const std::future_error&) {
     return MessageAnswer::kCancel;  // The user interface is gone, and the box with it.
+  }
+}
+
+// A box of the page would open under that of a worker, and would have the focus: the user would
+// answer what nobody has seen. So the page's box comes after the worker's, and until then the page
+// is as dead as under its own box.
+void QtUi::AwaitWorkersBoxes() {
+  while (const auto answer = m_windows->GetAwaited()) {
+    m_thread.Await([&answer] { answer->wait(); });
   }
 }
 

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <QString>
+#include <future>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "backends/qt/frame.h"
@@ -27,8 +29,13 @@ class WindowStack {
   /// Runs `frame` above all other windows until it is over.
   void RunModal(Frame& frame);
 
-  /// Shows a box that blocks no window. Its listener gets the answer.
-  void ShowBeside(std::unique_ptr<MessageDialog> box);
+  using Awaited = std::shared_future<platform::MessageAnswer>;
+
+  /// Shows a box that blocks no window. Its listener gets the answer and makes `answer` ready.
+  void ShowBeside(std::unique_ptr<MessageDialog> box, Awaited answer);
+
+  /// Returns the answer that an open box owes. Returns nothing if no box is open.
+  [[nodiscard]] std::optional<Awaited> GetAwaited() const;
 
   /// Destroys the boxes that were answered.
   void Tidy();
@@ -39,7 +46,11 @@ class WindowStack {
   void PutBoxesAbove(QWidget* window);
 
   std::vector<Frame*> m_modal;
-  std::vector<std::unique_ptr<MessageDialog>> m_boxes;
+  struct Box {
+    std::unique_ptr<MessageDialog> window;
+    Awaited answer;
+  };
+  std::vector<Box> m_boxes;
 };
 
 /// The user interface on a desktop. The first window makes the application object of the library if
@@ -66,6 +77,7 @@ class QtUi final : public platform::Ui {
   void RunModal(Frame& frame);
   [[nodiscard]] QString CaptionOf(const platform::MessageBox& box) const;
   [[nodiscard]] platform::MessageAnswer AskOnUiThread(const platform::MessageBox& box);
+  void AwaitWorkersBoxes();
   void ShowCursor();
 
   UiThread& m_thread;

@@ -1,5 +1,7 @@
 #include "backends/qt/strings.h"
 
+#include <QRegularExpression>
+#include <algorithm>
 #include <set>
 
 namespace qt {
@@ -41,6 +43,23 @@ namespace {
 }
 
 }  // namespace
+
+QString WithNumbersInOrder(const QString& text) {
+  const bool isPartlyFromTheRight = std::ranges::any_of(text, [](QChar unit) {
+    return unit.direction() == QChar::DirR || unit.direction() == QChar::DirAL;
+  });
+  if (!isPartlyFromTheRight) {
+    return text;
+  }
+  // Digits of any script, with what stands between the blocks of a number, and dialled signs.
+  static const QRegularExpression kNumber(
+      QStringLiteral("([+*#(]*\\d(?:[\\d*#)+]|[ ()./,;-]+(?=[\\d*#+]))*)"),
+      QRegularExpression::UseUnicodePropertiesOption);
+  constexpr QChar kBeginFromTheLeft(0x2066);
+  constexpr QChar kEnd(0x2069);
+  QString marked = text;
+  return marked.replace(kNumber, kBeginFromTheLeft + QStringLiteral("\\1") + kEnd);
+}
 
 std::vector<std::optional<qsizetype>> ChooseMnemonics(const std::vector<QString>& texts) {
   std::set<QChar> taken;

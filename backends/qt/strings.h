@@ -24,6 +24,11 @@ namespace qt {
   return escaped.replace(u'&', QStringLiteral("&&"));
 }
 
+/// Returns the text for one line of a list. Next to a name that is written from right to left, the
+/// blocks of a telephone number would stand in the wrong order ("0144 555 50 972+"). So each number
+/// stands between marks that set it apart. Other texts come back as they are.
+[[nodiscard]] QString WithNumbersInOrder(const QString& text);
+
 /// Returns the text for a tool tip, which would show text that looks like HTML as HTML.
 [[nodiscard]] inline QString AsToolTip(const QString& text) {
   return Qt::mightBeRichText(text) ? QStringLiteral("<span style='white-space:pre-wrap'>%1</span>")

@@ -1,23 +1,81 @@
 #include "backends/qt/widgets.h"
 
 #include <QAbstractItemView>
+#include <QApplication>
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QScrollBar>
 #include <QStyleOptionFocusRect>
+#include <QToolTip>
 #include <QWheelEvent>
 #include <algorithm>
 
 #include "backends/qt/look.h"
+#include "backends/qt/strings.h"
 
 namespace qt {
+
+void LineDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const {
+  QStyledItemDelegate::initStyleOption(option, index);
+  option->text = WithNumbersInOrder(option->text);
+}
+
+bool LineDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view,
+                             const QStyleOptionViewItem& option, const QModelIndex& index) {
+  if (event->type() != QEvent::ToolTip || !index.isValid()) {
+    return QStyledItemDelegate::helpEvent(event, view, option, index);
+  }
+  const bool fits = sizeHint(option, index).width() <= view->viewport()->width();
+  const QString text = index.data(Qt::DisplayRole).toString();
+  QToolTip::showText(event->globalPos(), fits ? QString() : AsToolTip(text), view);
+  return true;
+}
 
 ComboBox::ComboBox(QWidget* parent) : QComboBox(parent) {
   setFocusPolicy(Qt::StrongFocus);
   setInsertPolicy(NoInsert);
   // The box keeps its place on the dialog, however long its items are.
   setSizeAdjustPolicy(AdjustToMinimumContentsLengthWithIcon);
+  setItemDelegate(new LineDelegate(this));
   view()->setTextElideMode(Qt::ElideRight);
+}
+
+bool ComboBox::event(QEvent* event) {
+  if (event->type() != QEvent::ToolTip || isEditable()) {
+    return QComboBox::event(event);
+  }
+  QStyleOptionComboBox shown;
+  initStyleOption(&shown);
+  const bool isWhole = shown.currentText == WithNumbersInOrder(currentText());
+  QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(),
+                     isWhole ? QString() : AsToolTip(currentText()), this);
+  return true;
+}
+
+void ComboBox::keyPressEvent(QKeyEvent* event) {
+  const bool isBlank = event->key() == Qt::Key_Space;
+  const bool goesOn =
+      m_sinceLetter.isValid() && !m_sinceLetter.hasExpired(QApplication::keyboardInputInterval());
+  const QString text = event->text();
+  if (!text.isEmpty() && text.front().isPrint() && (!isBlank || goesOn)) {
+    m_sinceLetter.start();
+  }
+  if (isBlank && goesOn && !isEditable()) {
+    // The library takes a blank for the key that opens the list, and any other key for a letter.
+    QKeyEvent letter(QEvent::KeyPress, Qt::Key_unknown, event->modifiers(), text);
+    QComboBox::keyPressEvent(&letter);
+    return;
+  }
+  QComboBox::keyPressEvent(event);
+}
+
+void ComboBox::initStyleOption(QStyleOptionComboBox* option) const {
+  QComboBox::initStyleOption(option);
+  const QRect field =
+      style()->subControlRect(QStyle::CC_ComboBox, option, QStyle::SC_ComboBoxEditField, this);
+  option->currentText = option->fontMetrics.elidedText(WithNumbersInOrder(option->currentText),
+                                                       Qt::ElideRight, field.width() - 2);
 }
 
 void ComboBox::wheelEvent(QWheelEvent* event) {
@@ -33,6 +91,7 @@ ListBox::ListBox(QWidget* parent) : QListWidget(parent) {
   setTextElideMode(Qt::ElideNone);
   setHorizontalScrollMode(ScrollPerPixel);
   setTabKeyNavigation(false);
+  setItemDelegate(new LineDelegate(this));
 }
 
 void ListBox::SetExtent(int extent) {
@@ -56,6 +115,13 @@ void ListBox::keyPressEvent(QKeyEvent* event) {
   // it.
   if (event->key() == Qt::Key_Down && selectedItems().isEmpty() && count() > 0) {
     setCurrentRow(std::max(0, currentRow()));
+    return;
+  }
+  // The lines have no second column to which these keys could go.
+  if (event->key() == Qt::Key_Left || event->key() == Qt::Key_Right) {
+    horizontalScrollBar()->triggerAction(event->key() == Qt::Key_Right
+                                             ? QAbstractSlider::SliderPageStepAdd
+                                             : QAbstractSlider::SliderPageStepSub);
     return;
   }
   QListWidget::keyPressEvent(event);

@@ -2,7 +2,9 @@
 
 #include <QAbstractButton>
 #include <QComboBox>
+#include <QElapsedTimer>
 #include <QListWidget>
+#include <QStyledItemDelegate>
 
 #include "backends/qt/qt_canvas.h"
 
@@ -10,18 +12,41 @@
 
 namespace qt {
 
+/// Draws the lines of a list. Numbers read from left to right next to names of any script. The tool
+/// tip of a line that is wider than the list is its whole text.
+class LineDelegate final : public QStyledItemDelegate {
+ public:
+  using QStyledItemDelegate::QStyledItemDelegate;
+
+  bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
+                 const QModelIndex& index) override;
+
+ protected:
+  void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override;
+};
+
 /// A drop-down list. The wheel turns it only while it has the focus, so scrolling past it chooses
-/// nothing.
+/// nothing. What is typed chooses the item that begins with it; a blank is a part of that, and
+/// opens the list only if nothing was typed before. A choice that is too long for the field is
+/// elided, and its tool tip is the whole text.
 class ComboBox final : public QComboBox {
  public:
   explicit ComboBox(QWidget* parent);
 
  protected:
+  bool event(QEvent* event) override;
   void wheelEvent(QWheelEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void initStyleOption(QStyleOptionComboBox* option) const override;
+
+ private:
+  /// Runs since the latest letter that was typed to find an item.
+  QElapsedTimer m_sinceLetter;
 };
 
 /// A list of lines, of which at most one is selected. The user can select another line but cannot
-/// take the selection back: a click next to the lines changes nothing.
+/// take the selection back: a click next to the lines changes nothing. Left and Right scroll to the
+/// ends of long lines.
 class ListBox final : public QListWidget {
  public:
   explicit ListBox(QWidget* parent);

@@ -1,11 +1,15 @@
 #include <gmock/gmock.h>
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QCheckBox>
+#include <QHelpEvent>
 #include <QLabel>
 #include <QScrollBar>
 #include <QTest>
+#include <QToolTip>
 
+#include "backends/qt/strings.h"
 #include "tests/backends/qt/dialog_fixture.h"
 
 namespace {
@@ -222,6 +226,108 @@ TEST_F(QtDialogControls, AListCanBeScrolledAsFarAsItsExtentSays) {
     EXPECT_EQ(list->horizontalScrollBar()->maximum(), 600 - list->viewport()->width());
     EXPECT_GT(window.GetTextWidth(sample::kList, u"wide text"),
               window.GetTextWidth(sample::kList, u"text"));
+  });
+}
+
+/// Items of which one begins with the other, up to a blank.
+const std::vector<std::u16string> kNames{u"Anna", u"Stone Ann", u"Stone Tom"};
+
+TEST_F(QtDialogControls, ABlankIsAPartOfTheNameThatIsTyped) {
+  QApplication::setKeyboardInputInterval(100'000);  // The test may be slow.
+  NotingDialog dialog(m_ui);
+  Run(dialog, [&] {
+    for (const std::u16string& name : kNames) {
+      dialog.Window().AddItem(sample::kCombo, name);
+    }
+    QComboBox* combo = User::FindCombo(sample::kCombo);
+    QTest::keyClicks(combo, "stone t");
+    EXPECT_FALSE(combo->view()->isVisible());
+    EXPECT_EQ(combo->currentText(), "Stone Tom");
+    EXPECT_EQ(dialog.Window().GetSelection(sample::kCombo), 2);
+  });
+  QApplication::setKeyboardInputInterval(400);
+}
+
+TEST_F(QtDialogControls, ABlankBeforeAnyLetterOpensTheList) {
+  NotingDialog dialog(m_ui);
+  Run(dialog, [&] {
+    dialog.Window().AddItem(sample::kCombo, u"Anna");
+    QComboBox* combo = User::FindCombo(sample::kCombo);
+    QTest::keyClick(combo, Qt::Key_Space);
+    EXPECT_TRUE(combo->view()->isVisible());
+    combo->hidePopup();
+  });
+}
+
+const std::u16string kHebrewLine = u"\u05D3\u05E0\u05D4 +972 50 555 0144 M";
+/// The same line with its number set apart from the name.
+const std::u16string kHebrewLineInOrder = u"\u05D3\u05E0\u05D4 \u2066+972 50 555 0144\u2069 M";
+
+TEST_F(QtDialogControls, NumbersReadFromLeftToRightNextToANameOfAnotherScript) {
+  NotingDialog dialog(m_ui);
+  Run(dialog, [&] {
+    platform::DialogWindow& window = dialog.Window();
+    const auto pictures = [&](const std::u16string& line) {
+      window.ResetItems(sample::kList);
+      window.ResetItems(sample::kCombo);
+      window.AddItem(sample::kList, line);
+      window.AddItem(sample::kCombo, line);
+      window.SetSelection(sample::kCombo, 0);
+      EXPECT_EQ(window.GetItemText(sample::kList, 0), line);
+      EXPECT_EQ(User::FindList(sample::kList)->item(0)->text().toStdU16String(), line);
+      return std::pair(User::FindList(sample::kList)->grab().toImage(),
+                       User::FindCombo(sample::kCombo)->grab().toImage());
+    };
+    const auto marked = pictures(kHebrewLineInOrder);
+    const auto plain = pictures(kHebrewLine);
+    EXPECT_EQ(plain.first, marked.first);
+    EXPECT_EQ(plain.second, marked.second);
+    EXPECT_NE(plain.first, pictures(u"Dana +972 50 555 0144 M").first);
+  });
+}
+
+TEST(NumbersInOrder, AreSetApartWithWhatBelongsToThem) {
+  const auto marked = [](const char16_t* text) {
+    return qt::WithNumbersInOrder(qt::ToQString(text)).toStdU16String();
+  };
+  EXPECT_EQ(marked(kHebrewLine.c_str()), kHebrewLineInOrder);
+  EXPECT_EQ(marked(u"(050) 12-3,4# \u05D3"), u"\u2066(050) 12-3,4#\u2069 \u05D3");
+  EXPECT_EQ(marked(u"\u0627 \u0660\u0661 \u0662 (x)"),
+            u"\u0627 \u2066\u0660\u0661 \u0662\u2069 (x)");
+  EXPECT_EQ(marked(u"7%; 1; \u05D3; \u05D4"), u"\u20667\u2069%; \u20661\u2069; \u05D3; \u05D4");
+  EXPECT_EQ(marked(u"Dana +972 50"), u"Dana +972 50") << "Nothing stands in the wrong order.";
+}
+
+TEST_F(QtDialogControls, AllOfALineThatIsTooLongIsInReach) {
+  const std::u16string longLine = u"A line that is far longer than the box in which it stands";
+  const auto tipOver = [](QWidget* widget, const QPoint& place) {
+    QHelpEvent event(QEvent::ToolTip, place, widget->mapToGlobal(place));
+    QApplication::sendEvent(widget, &event);
+    return QToolTip::text().toStdU16String();
+  };
+  NotingDialog dialog(m_ui);
+  Run(dialog, [&] {
+    dialog.Window().AddItem(sample::kList, longLine);
+    dialog.Window().AddItem(sample::kList, u"short");
+    dialog.Window().AddItem(sample::kCombo, longLine);
+    dialog.Window().SetSelection(sample::kCombo, 0);
+    QApplication::processEvents();
+    QListWidget* list = User::FindList(sample::kList);
+    const auto middle = [list](int row) { return list->visualItemRect(list->item(row)).center(); };
+    EXPECT_EQ(tipOver(list->viewport(), QPoint(5, middle(1).y())), u"");
+    EXPECT_EQ(tipOver(list->viewport(), QPoint(5, middle(0).y())), longLine);
+    EXPECT_EQ(tipOver(User::FindCombo(sample::kCombo), QPoint(5, 5)), longLine);
+    const QScrollBar* bar = list->horizontalScrollBar();
+    list->setFocus();
+    for (int i = 0; i < 20; ++i) {
+      User::Type(Qt::Key_Right);
+    }
+    EXPECT_GT(bar->maximum(), 0);
+    EXPECT_EQ(bar->value(), bar->maximum());
+    for (int i = 0; i < 20; ++i) {
+      User::Type(Qt::Key_Left);
+    }
+    EXPECT_EQ(bar->value(), 0);
   });
 }
 

@@ -70,7 +70,9 @@ TEST_F(QtPlainText, IsShownByEveryKindOfControl) {
       ASSERT_EQ(dialog.Window().AddItem(id, kMarks), 0);
       dialog.Window().SetSelection(id, 0);
       EXPECT_EQ(dialog.Window().GetItemText(id, 0), kMarks);
-      EXPECT_EQ(ShownTip(*User::Find(id)), "") << id;
+      // The choice of a closed box is elided, and the tip shows it whole.
+      const bool isElided = id == sample::kCombo || id == sample::kSortedCombo;
+      EXPECT_EQ(ShownTip(*User::Find(id)), isElided ? marks : QString()) << id;
     }
     EXPECT_EQ(ShownTip(*User::FindList(sample::kList)->viewport()), "");
     dialog.Window().SetText(sample::kEditable, kMarks);

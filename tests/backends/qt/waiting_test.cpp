@@ -200,6 +200,29 @@ TEST_F(Waiting, EndsWhileAWorkersBoxIsStillOpenWhichThenStandsAboveEverything) {
   worker.join();
 }
 
+TEST_F(Waiting, ABoxOfThePageComesOnlyWhenTheBoxOfAWorkerIsAnswered) {
+  QPointer<QDialog> first;
+  m_user.SetAnswer([&](QDialog& box) {
+    if (m_user.GetBoxes().size() == 1) {
+      first = &box;
+      Open();
+    } else {
+      box.reject();
+    }
+  });
+  std::thread worker([&] { m_ui.ShowMessage(platform::ApplicationBox(u"no microphone")); });
+  AwaitOpening();
+  std::size_t shownAtFirstAnswer = 0;
+  m_user.Soon([&] {
+    shownAtFirstAnswer = m_user.GetBoxes().size();
+    User::Click(first->findChild<QPushButton*>("ok"));
+  });
+  m_ui.ShowMessage(platform::ApplicationBox(u"no recording"));
+  worker.join();
+  EXPECT_EQ(shownAtFirstAnswer, 1U);
+  EXPECT_THAT(m_user.GetBoxTexts(), ElementsAre("no microphone", "no recording"));
+}
+
 TEST_F(Waiting, TheHandleOfAThreadIsGivenUpWithoutBlockingTheWorkersBox) {
   qt::QtThreads threads(m_thread, m_machine.simulation);
   auto thread = threads
