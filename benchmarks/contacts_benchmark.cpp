@@ -1,4 +1,4 @@
-// Loading the contacts, and the contacts of a hundred tags, beside the ways that suggest
+// Loading the contacts, and the contacts of a hundred tags, next to the ways that suggest
 // themselves. For the desktop's address books run it in a session of its own:
 //   tests/backends/ebook/in_desktop_session.sh build/benchmark/benchmarks/contacts_benchmark
 

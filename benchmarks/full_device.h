@@ -19,8 +19,8 @@ inline constexpr std::uint32_t kTags = 100;
 /// The vCard of a person with what address books usually hold; three numbers.
 [[nodiscard]] std::string Person(int number);
 
-/// A root folder with a thousand contacts beside it, and a tag without files for every tenth of
-/// them. Ends the program where that cannot be made.
+/// A root folder with a thousand contacts next to it, and a tag without files for every tenth of
+/// them. Ends the program if that cannot be made.
 class FullDevice {
  public:
   FullDevice();

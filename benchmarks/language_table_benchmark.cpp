@@ -1,5 +1,5 @@
-// Loading language files of 300 lines and of multiples, and looking a text up, beside the literal
-// twin, whose arrays grow by one element an entry.
+// Loading language files of 300 lines and of multiples, and looking a text up, next to the literal
+// twin, which grows its arrays by one element for each entry.
 
 #include <benchmark/benchmark.h>
 

@@ -1,6 +1,6 @@
 // Processor time from the end of the recording to the line in the list, with real files, settings
-// and contacts, beside the mathematics of the same recording alone. The recordings take their three
-// seconds each.
+// and contacts, next to the mathematics of the same recording alone. The recordings take their
+// three seconds each.
 
 #include <cstdio>
 #include <cstdlib>

@@ -1,6 +1,6 @@
 // From the loading of the applet's library to its window, each time in a process of its own and on
 // a screen that is not there: a hundred tags and a thousand contacts, none of them, and a window
-// that shows as much without anything behind it.
+// that shows as much and does nothing.
 
 #include <QApplication>
 #include <QComboBox>
@@ -39,8 +39,8 @@ Cost Now() {
           benchmarks::Milliseconds(CLOCK_PROCESS_CPUTIME_ID)};
 }
 
-/// Ends the process once a window with tabs has been painted with all that is in it, and tells what
-/// it took since this was made. Fails where its list does not hold as many lines as expected.
+/// Ends the process once a window with tabs has been painted with all that is in it, and prints the
+/// time since this object was made. Fails if its list does not hold as many lines as expected.
 class ShownWindow final : public QObject {
  public:
   explicit ShownWindow(int lines) : m_lines(lines) { qApp->installEventFilter(this); }

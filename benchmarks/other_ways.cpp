@@ -119,8 +119,8 @@ void WarpEachWithEach(const std::vector<twins::Template>& words, bool inBothOrde
   }
 }
 
-/// The dialog asks for each two in both orders, as equal lengths are not symmetric. Warping is, so
-/// whoever knows that it is warping that he asks could do with half.
+/// The dialog asks for each two in both orders, since equal lengths are not symmetric. Warping is
+/// symmetric, so half of that would be enough for it: "once each".
 void AddTestDialog(std::vector<Way>& ways) {
   const auto words = Vocabulary();
   ways.push_back({"dynamic time warping, as asked", [words] { WarpEachWithEach(words, true); }});

@@ -1,4 +1,4 @@
-// Making a tag in the registry: as one group of changes, which is what the applet does, beside one
+// Making a tag in the registry: as one group of changes, which is what the applet does, next to one
 // change after the other. Real files, so each change is forced to the medium; TMPDIR chooses it.
 //
 //   build/benchmark/benchmarks/registry_benchmark

@@ -18,7 +18,7 @@ struct Way {
 struct Job {
   std::string name;
   std::function<std::vector<Way>()> make;
-  /// How many of the job a way does in one call. What is told is the share of one.
+  /// How many of the job a way does in one call. The table shows the share of one.
   std::size_t together = 1;
 };
 

@@ -1,4 +1,4 @@
-// The speech mathematics beside its baselines, in one run.
+// The speech mathematics next to its baselines, in one run.
 //
 //   voicemath_table                    a table of medians and of their ratios
 //   voicemath_table JOB WAY TIMES      runs the product or the literal twin so often and prints
@@ -82,7 +82,7 @@ int RunOne(std::string_view name, std::string_view way, int times) {
     if (job.name != name) {
       continue;
     }
-    // Without the other libraries, whose planning never takes the same number of steps twice.
+    // Without the other libraries, since their planning never takes the same number of steps twice.
     for (const Way& candidate : job.make()) {
       if (candidate.name.starts_with(way)) {
         for (int i = 0; i < times; ++i) {

@@ -63,8 +63,8 @@ if(VOXTREL_SANITIZE)
   target_link_options(voxtrel_options INTERFACE -fsanitize=${VOXTREL_SANITIZE} -fuse-ld=lld)
 endif()
 
-# Heavy arithmetic, which is neither to be waited for under the sanitizers, nor held back where speed
-# counts.
+# Heavy arithmetic. Under the sanitizers nobody should wait for it, and in a release it should be as
+# fast as it can be.
 set(VOXTREL_ARITHMETIC_OPTIONS $<$<CONFIG:Release>:-O3>)
 if(VOXTREL_SANITIZE)
   set(VOXTREL_ARITHMETIC_OPTIONS -O2)
@@ -198,15 +198,15 @@ function(voxtrel_test_program name)
   voxtrel_join(TESTS ${name})
 endfunction()
 
-# For what must not be joined, as test programs whose files have helpers of the same names.
+# For what must not be joined, such as test programs with helpers of the same name in several files.
 function(voxtrel_keep_apart)
   set_target_properties(${ARGN} PROPERTIES UNITY_BUILD OFF)
 endfunction()
 
 # voxtrel_test(NAME SOURCES ... DEPENDS ... [LABELS ...] [COST n] [SHARDS n]): one test program; each
-# case is one test. What takes long begins first, so that nothing is waited for in the end: COST says
-# how many seconds, about, where the program runs as one test under the sanitizers; there SHARDS says
-# in how many parts it runs, beside each other.
+# case is one test. What takes long begins first, so that nobody waits for it at the end. COST is
+# about how many seconds the program takes under the sanitizers, which run it as one test. SHARDS says
+# in how many parts they run it side by side.
 function(voxtrel_test name)
   cmake_parse_arguments(ARG "" "COST;SHARDS" "SOURCES;DEPENDS;LABELS" ${ARGN})
   if(NOT ARG_COST)

@@ -12,11 +12,12 @@ class Clock {
   Clock& operator=(const Clock&) = delete;
   virtual ~Clock() = default;
 
-  /// Milliseconds since the machine started, wrapping after 2^32 of them.
+  /// Returns the milliseconds since the machine started. After 2^32 of them the count begins again.
   [[nodiscard]] virtual std::uint32_t GetTickCount() = 0;
 
-  /// Seconds since the beginning of 1970 in UTC, as the user set the machine's calendar. It can
-  /// jump in either direction: it dates what a user looks at and orders nothing.
+  /// Returns the seconds since the beginning of 1970 in UTC, as the user set the machine's
+  /// calendar. It can jump in either direction, so it serves as a date for users and puts nothing
+  /// in order.
   [[nodiscard]] virtual std::int64_t GetUnixTime() = 0;
 
   /// Lets at least `milliseconds` pass.

@@ -114,7 +114,8 @@ class DialogHandler {
   /// Sets the dialog up. Is called once, before the dialog is shown.
   virtual bool OnInitDialog() = 0;
   virtual void OnCommand(int id, CommandEvent event) = 0;
-  /// Paints the dialog whenever a part of it has to be painted. What was painted before is gone.
+  /// Paints the dialog. Is called each time a part of it has to be painted. What was painted before
+  /// is gone.
   virtual void OnPaint(Canvas& canvas) = 0;
   /// Returns the links that the dialog paints. If the keyboard chooses one, the presentation
   /// reports a press at its middle.

@@ -91,7 +91,7 @@ enum class Durability : std::uint8_t {
   kLater,  ///< Anything, also the earlier file, until content and folder are flushed.
 };
 
-/// Begins every name that a process can leave behind when it is killed while it replaces a file.
+/// A process that is killed while it replaces a file can leave a name that begins so.
 inline constexpr std::u16string_view kUnfinishedPrefix = u".voxtrel-";
 
 /// A new file that has not got its name yet. Nobody else can open it. If this object is destroyed
@@ -105,7 +105,8 @@ class Replacement {
   Replacement& operator=(const Replacement&) = delete;
   virtual ~Replacement() = default;
 
-  /// The file, empty at first, open for reading and writing until it is published.
+  /// Returns the file. It is empty at first, and open for reading and writing until it is
+  /// published.
   [[nodiscard]] virtual File& GetFile() = 0;
 
   /// Gives the file its name in one step and closes it: at any moment the path is wholly the
@@ -113,8 +114,8 @@ class Replacement {
   /// this holds through a loss of power as well. The name of an earlier file stays as it was
   /// spelled. Its permissions stay too, except those of other users on a device path, which go.
   ///
-  /// Refused with kSharingViolation while any holder has the earlier file open, with kAccessDenied
-  /// if it is protected, with kLink if the name has become a link. After a failure the file can be
+  /// Fails with kSharingViolation while any holder has the earlier file open, with kAccessDenied if
+  /// it is protected, and with kLink if the name has become a link. After a failure the file can be
   /// published again. kOther may also mean that it has its name, but perhaps not on the medium.
   [[nodiscard]] virtual Result<void, FileError> Publish(Durability durability) = 0;
 };
@@ -145,9 +146,9 @@ class FileSearch {
 /// with a "/" or a zero character) names nothing. Any other path is one of the host's own and taken
 /// as it stands; the command line uses those. May be called from any thread.
 ///
-/// A file whose user protected it against writing is neither opened for writing nor emptied,
-/// deleted or replaced: kAccessDenied, whatever rights the process has. A folder,
-/// or anything else that is no regular file, is refused in the same way if a file is asked for.
+/// A file that its user protected against writing is not opened for writing, emptied, deleted or
+/// replaced. Each of these fails with kAccessDenied, whatever rights the process has. So does a
+/// call that asks for a file and meets a folder, or anything else that is no regular file.
 ///
 /// A symbolic link at the end of a path is followed to read, and never to write: a file opened for
 /// writing, made or replaced there is refused with kLink. So nobody who may plant a link in a
@@ -168,13 +169,14 @@ class FileSystem {
                                                                       const OpenMode& mode) = 0;
 
   /// Begins a file that is to take the place of `path`, or to be made there. Other holders of
-  /// `path` matter only when it is published. kAccessDenied, kLink and kNotFound as for Open.
+  /// `path` matter only when it is published. Fails with kAccessDenied, kLink and kNotFound as Open
+  /// does.
   [[nodiscard]] virtual Result<std::unique_ptr<Replacement>, FileError> OpenReplacement(
       std::u16string_view path) = 0;
 
-  /// Deletes a file. Refused with kSharingViolation while any holder has it open. If a device path
-  /// ends in a link, the link is deleted and its file stays. A link on a path of the host is
-  /// refused with kLink.
+  /// Deletes a file. Fails with kSharingViolation while any holder has it open. If a device path
+  /// ends in a link, deletes the link and leaves its file. On a path of the host, a link fails with
+  /// kLink.
   [[nodiscard]] virtual Result<void, FileError> Delete(std::u16string_view path) = 0;
 
   /// Makes one folder, and returns when its name is on the medium.

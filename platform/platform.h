@@ -13,7 +13,7 @@
 namespace platform {
 
 /// Everything that the system needs of the machine. A host or a test chooses the back ends, owns
-/// them and hands this on; they outlive everything that was given it.
+/// them and hands this on. They outlive everything that gets it.
 struct Platform {
   FileSystem& files;
   WaveIn& waveIn;

@@ -169,7 +169,7 @@ class RegistryGroup {
     return RegistryGroup(registry);
   }
 
-  /// Ends the group. To be called once.
+  /// Ends the group. Call it once.
   [[nodiscard]] Result<void, RegistryError> Commit() { return m_open.release()->CommitGroup(); }
 
  private:

@@ -14,14 +14,14 @@ namespace platform {
 
 /// Has one subkey for each active driver.
 inline constexpr std::u16string_view kActiveDriversKey = u"Drivers\\Active";
-/// The name under which a program opens the driver's device, as "COM2:".
+/// The name under which a program opens the driver's device, such as "COM2:".
 inline constexpr std::u16string_view kDriverNameValue = u"Name";
-/// What that name stands for on this machine, as "/dev/ttyUSB0".
+/// What that name stands for on this machine, such as "/dev/ttyUSB0".
 inline constexpr std::u16string_view kDriverDeviceValue = u"Device";
 
 /// One serial port that the machine has.
 struct SerialDevice {
-  std::u16string node;  ///< The name by which a program opens it, as "/dev/ttyUSB0".
+  std::u16string node;  ///< The name by which a program opens it, such as "/dev/ttyUSB0".
 
   // By these the same port is known again, even if it has another node next time. Empty: not known.
   std::u16string serial;  ///< Maker, model and the serial number of the one device.

@@ -23,9 +23,9 @@ struct WaveFormat {
 
 inline constexpr std::uint16_t kFormatTagPcm = 1;
 
-/// Whether this is PCM whose fields agree with each other: a rate, channels, and whole bytes for
-/// each sample. The average of bytes per second is not looked at; players are known to fill in
-/// something else.
+/// Returns whether this is PCM with fields that agree with each other: a rate, channels, and whole
+/// bytes for each sample. Does not look at the average of bytes per second, since some programs
+/// fill in something else.
 [[nodiscard]] constexpr bool IsWholeBytePcm(const WaveFormat& format) {
   return format.formatTag == kFormatTagPcm && format.channels > 0 && format.samplesPerSecond > 0 &&
          format.bitsPerSample > 0 && format.bitsPerSample % 8 == 0 &&
@@ -55,8 +55,8 @@ enum class WaveResult : std::uint8_t {
 
 /// An open input device that records into one queued buffer. Used by one thread at a time.
 ///
-/// The header and its memory are touched only within calls of this class, on the caller's thread:
-/// what arrived since is copied there by Unprepare and Reset. No call blocks for longer than a
+/// Only calls of this class touch the header and its memory, on the caller's thread: Unprepare and
+/// Reset copy there what has arrived. No call blocks for longer than a
 /// fixed limit of the back end (a few seconds), whatever the device does. After Close every
 /// operation but Close itself fails with kNoDevice. The destructor closes.
 class WaveInDevice {
@@ -71,20 +71,20 @@ class WaveInDevice {
   [[nodiscard]] virtual WaveResult Prepare(WaveHeader& header) = 0;
 
   /// Queues a prepared header and sets its `bytesRecorded` to 0. Its memory must stay until
-  /// Unprepare succeeded, Reset or Close. kNotPrepared for a header that lacks the flag,
-  /// kStillPlaying while a header is queued, for there is room for one.
+  /// Unprepare has succeeded, or until Reset or Close. Returns kNotPrepared if the header lacks the
+  /// flag. Returns kStillPlaying while a header is queued, since there is room for one.
   [[nodiscard]] virtual WaveResult AddBuffer(WaveHeader& header) = 0;
 
-  /// Starts recording into the queued buffer, from what the device hears now. kNotPrepared without
-  /// a queued buffer, kNoDevice if the device went away. A second call changes nothing.
+  /// Starts recording into the queued buffer, from what the device hears now. Returns kNotPrepared
+  /// without a queued buffer, and kNoDevice if the device went away. A second call changes nothing.
   [[nodiscard]] virtual WaveResult Start() = 0;
 
   /// Copies what has been recorded so far, and stores its length in `bytesRecorded`.
   ///
-  /// While the buffer is queued and not full this returns kStillPlaying, or kNoDevice if nothing
-  /// more will come because the device went away; the header stays queued. Otherwise it returns
-  /// kOk: the header is released and no longer prepared. A header that is not queued is released as
-  /// it is.
+  /// Returns kStillPlaying while the buffer is queued and not full. Returns kNoDevice if it will
+  /// never be full, because the device went away. In both cases the header stays queued. Otherwise
+  /// releases the header, which is then no longer prepared, and returns kOk. A header that is not
+  /// queued is released as it is.
   [[nodiscard]] virtual WaveResult Unprepare(WaveHeader& header) = 0;
 
   /// Stops recording and gives back the queued buffer, if any, with what it holds.
@@ -106,10 +106,10 @@ class WaveIn {
   /// Returns 0 if the sound service cannot be reached, or does not answer within the limit.
   [[nodiscard]] virtual std::uint32_t GetDeviceCount() = 0;
 
-  /// Opens the default input, which converts to `format`. The device is warm when this returns: a
-  /// buffer that is queued and started then fills in its own length of time and less than a tenth
-  /// of a second. Fails with kNoDevice if GetDeviceCount is 0, with kBadFormat if there
-  /// is no such format.
+  /// Opens the default input, which converts to `format`. The device is warm when this returns: if
+  /// a buffer is queued and started then, it fills in its own length of time and less than a tenth
+  /// of a second more. Fails with kNoDevice if GetDeviceCount is 0, and with kBadFormat if there is
+  /// no such format.
   [[nodiscard]] virtual Result<std::unique_ptr<WaveInDevice>, WaveResult> Open(
       const WaveFormat& format) = 0;
 };
@@ -132,16 +132,16 @@ class WaveOutDevice {
   [[nodiscard]] virtual WaveResult Prepare(WaveHeader& header) = 0;
 
   /// Queues a prepared header and starts to play it. Its memory must stay as it is until Unprepare
-  /// succeeded, Reset or Close. Bytes at its end that are no whole sample block are not played.
-  /// kNotPrepared for a header that lacks the flag, kStillPlaying while a header is queued, for
-  /// there is room for one, kNoDevice if the device went away, kFailed if it cannot take the sound.
-  /// After a failure the header is not queued.
+  /// has succeeded, or until Reset or Close. Bytes at its end that are no whole sample block are
+  /// not played. Returns kNotPrepared if the header lacks the flag. Returns kStillPlaying while a
+  /// header is queued, since there is room for one. Returns kNoDevice if the device went away, and
+  /// kFailed if it cannot take the sound. After a failure the header is not queued.
   [[nodiscard]] virtual WaveResult Write(WaveHeader& header) = 0;
 
-  /// While the header is queued this returns kStillPlaying until it was heard to its end, or
-  /// kNoDevice if that will never be because the device went away; the header stays queued.
-  /// Otherwise it returns kOk: the header is released and no longer prepared. A header that is not
-  /// queued is released as it is.
+  /// Returns kStillPlaying while the sound of the queued header has not been heard to its end.
+  /// Returns kNoDevice if it never will be, because the device went away. In both cases the header
+  /// stays queued. Otherwise releases the header, which is then no longer prepared, and returns
+  /// kOk. A header that is not queued is released as it is.
   [[nodiscard]] virtual WaveResult Unprepare(WaveHeader& header) = 0;
 
   /// Stops at once and gives back the queued header, if any, still prepared.
@@ -159,10 +159,10 @@ class WaveOut {
   WaveOut& operator=(const WaveOut&) = delete;
   virtual ~WaveOut() = default;
 
-  /// Opens the default output for sound of `format`, whose average of bytes per second is not
-  /// looked at. Fails with kBadFormat if the format is not PCM, has no whole bytes for the samples
-  /// of each channel or is not to be had. Fails with kNoDevice if there is no output, or none that
-  /// answers within the limit.
+  /// Opens the default output for sound of `format`. Does not look at its average of bytes per
+  /// second. Fails with kBadFormat if the format is not PCM, if a sample of one channel is no whole
+  /// number of bytes, or if the output cannot play it. Fails with kNoDevice if there is no output,
+  /// or none that answers within the limit.
   [[nodiscard]] virtual Result<std::unique_ptr<WaveOutDevice>, WaveResult> Open(
       const WaveFormat& format) = 0;
 };

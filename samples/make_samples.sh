@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Makes the recordings beside this script anew. With the package versions named in README.md each
+# Makes the recordings next to this script again. With the package versions named in README.md each
 # comes out byte for byte as it is kept here.
 #
-#   samples/make_samples.sh [FOLDER]     FOLDER: where to write them (default: beside the script)
+#   samples/make_samples.sh [FOLDER]     FOLDER: where to write them (default: next to the script)
 set -euo pipefail
 export LC_ALL=C
 . "$(dirname "$0")/../tools/wave_bytes.sh"

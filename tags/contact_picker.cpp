@@ -104,8 +104,8 @@ ContactPicker::Loaded ContactPicker::LoadName(platform::Contact& contact) {
   return {};
 }
 
-// Numbers go into the box while nobody is listed yet, so it ends up with those of the first contact
-// that is.
+// While no contact is listed yet, the numbers of each one go into the box. So it ends up with those
+// of the first contact that is listed.
 ContactPicker::Loaded ContactPicker::LoadNumbers(DialogWindow& window, platform::Contact& contact,
                                                  ContactRecord& record) {
   std::size_t accepted = 0;

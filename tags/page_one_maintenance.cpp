@@ -1,4 +1,4 @@
-// The Learning page looks after its tags: tests them, and has them computed anew.
+// The Learning page looks after its tags: it tests them, and has their templates computed again.
 
 #include "maintenance/math_version.h"
 #include "maintenance/reinit_threads.h"

@@ -91,7 +91,7 @@ awk '
     next
   }
   { narrow[job, way] = number[1]; narrow_ratio[job, way] = number[3] }
-  function told(value) { return value == "" ? "-" : value }
+  function shown(value) { return value == "" ? "-" : value }
   END {
     print "| job | way | wide, us | x | narrow, us | x | instructions, wide | narrow | ARM |"
     print "| --- | --- | --- | --- | --- | --- | --- | --- | --- |"
@@ -99,8 +99,8 @@ awk '
       at = order[line]
       split(at, name, SUBSEP)
       printf "| %s | %s | %s | %s | %s | %s | %s | %s | %s |\n", name[1], name[2], wide[at], \
-        wide_ratio[at], narrow[at], narrow_ratio[at], told(wide_count[at]), \
-        told(narrow_count[at]), told(arm_count[at])
+        wide_ratio[at], narrow[at], narrow_ratio[at], shown(wide_count[at]), \
+        shown(narrow_count[at]), shown(arm_count[at])
     }
   }
 ' "$work/counts" "$work/wide" "$work/narrow"

@@ -15,10 +15,10 @@ namespace pulse {
 
 /// An output device: a playback stream of the sound server, which plays one sound at a time.
 ///
-/// The loop's thread hands the sound to the server as that has room, and then asks for its drain,
-/// whose answer is the sound's end. Only Unprepare may wait, half a second for each sound in all:
-/// its caller reckons with the length of the sound, and the way through a sound server takes a
-/// little longer than that.
+/// The loop's thread hands the sound to the server as soon as the server has room, and then asks
+/// the server to play it out (a drain). The answer to that is the end of the sound. Only Unprepare
+/// may wait, half a second in all for each sound: its caller allows for the length of the sound,
+/// and the way through a sound server takes a little longer.
 class Player final : public platform::WaveOutDevice {
  public:
   explicit Player(const pa_sample_spec& sampleSpec) : m_sampleSpec(sampleSpec) {}

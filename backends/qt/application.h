@@ -21,7 +21,7 @@ void EnsureApplication();
 /// systems that want to know which program asked for it.
 void BringWindowsForward(const std::string& activationToken);
 
-/// Calls `onReadable` whenever a descriptor can be read, as long as this object lives. Needs the
+/// Calls `onReadable` each time a descriptor can be read, as long as this object lives. Needs the
 /// application object.
 class DescriptorWatch {
  public:

@@ -11,7 +11,8 @@
 
 namespace udev_ports {
 
-/// One value for each port that was ever seen: its name, as "COM2:", and what it is known by.
+/// Has one value for each port that was ever seen. Its name is that of the port, such as "COM2:".
+/// It holds what the port is known by.
 inline constexpr std::u16string_view kKnownPortsKey = u"Drivers\\Serial ports";
 
 /// Makes the active drivers of the registry the serial ports that the machine has now. The same

@@ -50,8 +50,8 @@ class StreamDecoder {
   Sink m_sink;
   Encoding m_encoding = Encoding::kUnknown;
   std::string m_start;         ///< Bytes that do not show the encoding yet.
-  std::optional<char> m_half;  ///< The first byte of a unit whose second is to come.
-  std::u16string m_units;      ///< A surrogate whose second one is to come.
+  std::optional<char> m_half;  ///< The first byte of a unit, if the second is to come.
+  std::u16string m_units;      ///< The first surrogate of a pair, if the second is to come.
 };
 
 }  // namespace vcard

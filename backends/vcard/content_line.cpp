@@ -47,7 +47,7 @@ std::string DecodeHex(std::string_view text, char mark) {
 std::optional<char> Unescape(char next) {
   constexpr std::string_view kLineBreaks = "nNrR";
   constexpr std::string_view kThemselves =
-      ";,\\:";  // The colon is no version's, yet it is written.
+      ";,\\:";  // No version has the colon, but some programs write it.
   if (kLineBreaks.find(next) != std::string_view::npos) {
     return '\n';
   }

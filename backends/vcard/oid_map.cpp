@@ -145,7 +145,7 @@ Result<void, RegistryError> OidMap::Store(std::span<const Book> books) {
     return Failure(group.error());
   }
   // Another process may have given numbers since; within the group nobody else can.
-  // A store that cannot be read is none that takes no writes.
+  // A store that cannot even be read is more than one that takes no writes.
   if (!Load()) {
     return Failure(RegistryError::kOther);
   }
@@ -196,8 +196,8 @@ OidMap::Oids OidMap::Recognise(std::span<const Book> books) {
 }
 
 // A contact that is known keeps its number and what is known of it is brought up to date. Everybody
-// else gets a new number. Whoever is missing from a complete book is only marked: the number stays
-// taken, and the contact may come back.
+// else gets a new number. A contact that is missing from a complete book is only marked: its
+// number stays taken, and the contact may come back.
 std::vector<std::int32_t> OidMap::Recognise(const Book& book) {
   StoredBook& contacts = m_books[book.name].contacts;
   const std::vector<CardKeys> cards = KeysOf(book);

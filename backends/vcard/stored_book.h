@@ -33,8 +33,8 @@ class StoredBook {
   /// Called with the name of each value that holds anything but entries, and with what it holds.
   using Sink = std::function<void(const std::u16string& value, const std::string& what)>;
 
-  /// Adds the numbers of the book to `taken`. An entry whose number is there already is passed
-  /// over. Fails if the registry cannot be asked.
+  /// Adds the numbers of the book to `taken`. Passes over an entry if its number is there already.
+  /// Fails if the registry cannot be asked.
   [[nodiscard]] platform::Result<void, platform::RegistryError> Load(
       platform::RegistryKey& key, const Sink& sink, std::unordered_set<std::int32_t>& taken);
 

@@ -106,7 +106,8 @@ VcardSource::ReadPart VcardSource::ReadFileOfFolder(const std::u16string& path, 
 }
 
 bool VcardSource::IsLink(const std::u16string& path) const {
-  // Nothing is written: only a file that is opened for it is never reached by a link.
+  // A link is followed if a file is opened for reading, and refused if it is opened for writing. So
+  // this opens the path for writing, and writes nothing.
   const auto file = m_files.Open(path, {platform::FileAccess::kWrite, platform::FileShare::kNone,
                                         platform::FileCreation::kOpenExisting});
   return !file && file.error() == FileError::kLink;

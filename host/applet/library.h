@@ -23,8 +23,8 @@ struct LibraryParts {
   std::function<void()> bringForward;
 };
 
-/// The applet with the back ends of this machine: what CPlApplet is the door to. Belongs to the
-/// user-interface thread.
+/// The applet with the back ends of this machine. CPlApplet hands each message to it. Belongs to
+/// the user-interface thread.
 class Library {
  public:
   /// What `parts` refers to outlives this.

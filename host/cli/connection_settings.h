@@ -9,8 +9,8 @@
 
 namespace cli {
 
-/// A setting of the connection page as users name it. The name that the dialer reads means the
-/// same.
+/// A setting of the connection page, by the name that users type. They may also type the name under
+/// which it is stored.
 struct ConnectionSetting {
   std::string_view name;
   std::string_view jsonName;
@@ -37,8 +37,8 @@ struct ConnectionChange {
   bool isChecked = false;  ///< Of a check box.
 };
 
-/// Reads "NAME=VALUE". What is not that, or no value that the setting can have, is thrown as
-/// CLI::ValidationError, which names what it can be.
+/// Reads "NAME=VALUE". Throws CLI::ValidationError if the argument is no such pair, or if the
+/// setting cannot have that value. The error names the values that it can have.
 [[nodiscard]] ConnectionChange ParseConnectionChange(const std::string& argument);
 
 }  // namespace cli

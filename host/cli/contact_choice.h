@@ -9,12 +9,12 @@ namespace cli {
 
 /// Chooses the one contact that `wanted` means: the one with that identifier, else the one of that
 /// name, else the one with that number in `contacts list`, else the one of those words in another
-/// order, else the one whose name holds each of those words. Returns false if that is none or
-/// several, after it has reported it with the candidates.
+/// order, else the one with each of those words in its name. If that is none, or if there are
+/// several, reports the candidates and returns false.
 [[nodiscard]] bool ChooseContact(Session& session, PageRun& run, const std::string& wanted);
 
-/// Chooses the number of the kind with that word, as "Mobile", whatever its letter case. Returns
-/// false if the contact has none, after it has reported the kinds that it has.
+/// Chooses the number of the kind with that word, such as "Mobile", in any letter case. If the
+/// contact has no such number, reports the kinds that it has and returns false.
 [[nodiscard]] bool ChooseNumber(Session& session, PageRun& run, const std::string& kind);
 
 }  // namespace cli

@@ -36,7 +36,7 @@ const char* Explain(int code) {
 std::string InWords(int code, bool isSpeakerFile) {
   switch (code) {
     case audio::kSoundNotOpened:
-      return "the file could not be opened: it is missing, in use or not to be read";
+      return "the file could not be opened: it is missing, in use or protected";
     case audio::kSoundNotMapped:
       return "the length of the file is not known, or is 4 GB or more";
     case audio::kSoundTooShort:
@@ -48,8 +48,9 @@ std::string InWords(int code, bool isSpeakerFile) {
     case audio::kSoundNotPcm:
       return "the samples are not PCM (format tag 1)";
     case audio::kSoundNoData:
-      return "there are no samples that can be played: no \"data\" in the file, more of it claimed "
-             "than the file has, or a header without rate, channels or block length";
+      return "there are no samples that can be played: the file has no \"data\", or less of it "
+             "than "
+             "it says, or a header without rate, channels or block length";
     case audio::kOutputNotOpened:
       return isSpeakerFile
                  ? "the speaker file could not be made, or takes no such format"

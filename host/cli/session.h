@@ -76,8 +76,8 @@ class Session {
     return m_backends.GetRegistryPath();
   }
 
-  /// Returns a sentence about the first key from `start` on whose name keeps the settings from
-  /// being read. Returns nothing if there is none.
+  /// Looks for a key, from `start` on, with a name that keeps the settings from being read. Returns
+  /// a sentence about the first one. Returns nothing if there is none.
   [[nodiscard]] std::optional<std::string> FindUnusableKey(std::u16string_view start = {});
 
   /// Returns why the settings answered `error`, and for which file, without a full stop.

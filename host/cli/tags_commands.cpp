@@ -286,10 +286,12 @@ void AddTagsCommands(CLI::App& app, Session& session) {
   const auto arguments = std::make_shared<TagArguments>();
 
   CLI::App* learn = group->add_subcommand("learn", "Record a name for a contact's number");
-  learn->add_option("--contact", arguments->contact, "Name or identifier, as in contacts list")
+  learn
+      ->add_option("--contact", arguments->contact,
+                   "Name, identifier, or number in `contacts list`")
       ->required();
   learn->add_option("--number", arguments->kind,
-                    "Kind of the number, as Mobile or Home (default: the first in the list)");
+                    "Kind of the number, such as Mobile or Home (default: the first in the list)");
   learn->callback([&session, arguments] { Learn(session, arguments->contact, arguments->kind); });
 
   AddTagsTestCommand(*group, session);

@@ -31,7 +31,7 @@ constexpr Example kExamples[] = {
     {"wave play", "wave play ann.wav", "hear it"},
     {"wave check", "wave check ann.wav", "can this file be learned?"},
     {"wave check", "sox ann.flac -t wav - | voxtrel wave check -",
-     "can what a program makes be learned?"},
+     "can the output of a program be learned?"},
     {"template", "template learn ann.wav ann.st", "find the speech, trim the file to it"},
     {"template learn", "template learn ann.wav ann.st", "find the speech, trim the file to it"},
     {"template learn", "template learn ann.wav ann.st --keep whole.wav",

@@ -61,12 +61,11 @@ class Backends {
   /// The settings below the root folder.
   [[nodiscard]] platform::Registry& GetRegistry();
 
-  /// The user's contacts. Logging on to other ones than the recorded tags are for fails. While a
-  /// server is asked, the log-on waits by means of `threads`, which outlive this or its last
-  /// log-on.
+  /// Returns the user's contacts. A log-on fails if the recorded tags are for other contacts. While
+  /// a server is asked, the log-on waits on `threads`, which outlive the last log-on.
   [[nodiscard]] vcard::AddressBooks& GetContacts(platform::Threads& threads);
 
-  /// `report` is called when contacts are looked for and nobody ever chose or recorded any.
+  /// Sets what is called if contacts are looked for, and the user never chose any and has no tag.
   void OnNoContacts(std::function<void()> report) { m_noContacts = std::move(report); }
 
   /// If anything may be changed: makes the root folder if it is missing, and takes from other users
