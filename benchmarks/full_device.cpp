@@ -67,7 +67,7 @@ std::size_t FullDevice::ReadTags(platform::ContactsStore& contacts) const {
     }
     const auto contact = contacts.GetItemFromOid(*entry->oid);
     const auto read = contact ? tags::ReadForTagList(**contact, entry->phoneType) : tags::TagText();
-    found += read && !read->text.empty() ? 1 : 0;
+    found += read && !read->text.empty() ? 1U : 0U;
   }
   return found;
 }
