@@ -90,7 +90,11 @@ TEST_F(RecordCommand, WithoutAMicrophoneSaysSoAndMakesNoFile) {
   const auto server = PulseServer::Start(m_session, {.input = PulseInput::kMonitorOnly});
   ASSERT_TRUE(server);
   const auto run = Run("--json");
-  EXPECT_EQ(run.out, "{\"code\":-1,\"bytes\":0}\n");
+  EXPECT_EQ(
+      run.out,
+      "{\"code\":-1,\"bytes\":0,\"error\":{\"code\":1,\"message\":\"Zedra Voxtrel: There are no "
+      "wave-record devices in you computer.\\n" +
+          File() + " was not recorded\"}}\n");
   EXPECT_EQ(run.err,
             "Zedra Voxtrel: There are no wave-record devices in you computer.\n"
             "voxtrel: " +

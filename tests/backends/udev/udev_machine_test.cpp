@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -44,6 +45,9 @@ std::string BluetoothLink(const std::string& node, const std::string& address) {
 
 class UdevMachine : public testing::Test {
  protected:
+  /// The numbers of ports are remembered only in a root folder that is there.
+  UdevMachine() { std::filesystem::create_directory(Root()); }
+
   /// The ports that the program shows on a machine with these devices, as "COM1: /dev/ttyS0".
   [[nodiscard]] std::vector<std::string> PortsOn(const std::string& devices) const {
     const std::string file = (m_folder.Path() / "devices").string();
