@@ -43,7 +43,8 @@ class VoxtrelApp final : public framework::CWinApp {
   /// Builds the language table, the pages and the sheet, once, before the first message.
   bool InitInstance() override;
 
-  /// Whether the sheet is open, from the double-click that opened it until that is answered.
+  /// Returns whether the sheet is open, from the double-click that opened it until that is
+  /// answered.
   [[nodiscard]] bool IsOpen() const { return m_isOpen; }
 
   /// Answers a message of the control panel. One that comes while the sheet is open, from the event

@@ -76,7 +76,7 @@ class WaveDevice {
   /// path.
   [[nodiscard]] int Play(std::u16string_view path);
 
-  /// Why there is no file, after kFileNotCreated; otherwise nothing.
+  /// Returns why there is no file after kFileNotCreated. Returns nothing otherwise.
   [[nodiscard]] std::optional<platform::FileError> GetFileError() const { return m_fileError; }
 
   /// Bytes of samples in the file that Record wrote last.

@@ -16,7 +16,7 @@ namespace benchmarks {
 inline constexpr int kContacts = 1000;
 inline constexpr std::uint32_t kTags = 100;
 
-/// The vCard of a person with what address books usually hold; three numbers.
+/// Returns the vCard of a person with what address books usually hold; three numbers.
 [[nodiscard]] std::string Person(int number);
 
 /// A root folder with a thousand contacts next to it, and a tag without files for every tenth of
@@ -26,10 +26,10 @@ class FullDevice {
   FullDevice();
 
   [[nodiscard]] std::string GetRoot() const { return m_folder.Path().string(); }
-  /// All contacts, as vCards.
+  /// Returns all contacts, as vCards.
   [[nodiscard]] const std::string& GetFile() const { return m_file; }
 
-  /// The contacts, logged on to.
+  /// Returns the contacts, logged on to.
   [[nodiscard]] std::unique_ptr<vcard::AddressBooks> Open();
 
   /// Reads what the tag list shows for every tag; the number of tags that have a contact.

@@ -25,7 +25,7 @@ class Store {
   [[nodiscard]] platform::Registry& Registry() { return m_registry; }
   [[nodiscard]] const storage::TagStore& Tags() const { return m_tags; }
 
-  /// A name that no tag has yet.
+  /// Returns a name that no tag has yet.
   [[nodiscard]] std::u16string NextName() { return storage::TagNameOfTickCount(++m_lastName); }
 
  private:

@@ -11,7 +11,7 @@ namespace connection {
 
 /// One active serial driver of the machine.
 struct ActivePort {
-  std::u16string name;  ///< As "COM2:".
+  std::u16string name;  ///< Such as "COM2:".
   std::u16string
       device;  ///< What it stands for on this machine. Empty if the registry does not say.
 };
@@ -26,8 +26,8 @@ struct ActivePort {
 /// The order of two names, which are never equal here.
 enum class PortOrder : std::uint8_t { kLess, kGreater };
 
-/// Compares names of serial ports, as "COM2:" and "COM10:": first by their first character, then by
-/// their number. If both are equal, the first one counts as less.
+/// Compares names of serial ports, such as "COM2:" and "COM10:": first by their first character,
+/// then by their number. If both are equal, the first one counts as less.
 [[nodiscard]] PortOrder ComparePorts(std::u16string_view a, std::u16string_view b);
 
 /// Sorts names so that the highest port comes first.

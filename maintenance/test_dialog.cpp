@@ -48,7 +48,7 @@ bool TestDialog::OnInitDialog() {
 }
 
 // Tags of usual lengths are compared before the user could notice, so the search runs right here
-// for a second. Only if it takes longer is it begun again on a thread, behind a box with a bar.
+// for a second. Only if it takes longer does it begin again on a thread, while a box shows a bar.
 std::u16string TestDialog::Compare() {
   std::optional<framework::WaitCursor> wait(std::in_place, m_platform.ui);
   if (m_page == nullptr || m_page->GetTags().tagCount < 2) {

@@ -8,7 +8,8 @@ namespace {
 constexpr std::array<ControlTemplate, 11> kLearningControls{{
     {kContactsLabelId, ControlKind::kStatic, u"Contacts", {6, 2, 40, 8}},
     {kContactComboId, ControlKind::kComboBox, u"", {6, 12, 147, 102}},
-    // Told apart from the other box by whose numbers it holds.
+    // A screen reader names this box after the contact in the other one: it holds the numbers of
+    // that contact.
     {.id = kNumberComboId,
      .kind = ControlKind::kSortedComboBox,
      .text = u"",

@@ -27,9 +27,9 @@ static_assert(kReadingOrder.size() == platform::kPhoneKindCount);
 /// "555 Home2". Returns the whole item if it has no white space.
 [[nodiscard]] std::u16string_view PhoneTypeWord(std::u16string_view item);
 
-/// Whether a phone-type word can begin with this unit. The words that the system knows are ASCII,
-/// and letters of other scripts count as well. No word begins with a digit, a blank or a sign, as a
-/// bare number does.
+/// Returns whether a phone-type word can begin with this unit. The words that the system knows are
+/// ASCII, and letters of other scripts count as well. No word begins with a digit, a blank or a
+/// sign, as a bare number does.
 [[nodiscard]] constexpr bool IsWordLetter(char16_t unit) {
   return (unit >= u'A' && unit <= u'Z') || (unit >= u'a' && unit <= u'z') || unit >= 0xC0;
 }

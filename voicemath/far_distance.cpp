@@ -150,7 +150,7 @@ class FarSearch {
 
  private:
   [[nodiscard]] std::int32_t Places() const { return m_longer.Frames() - m_shorter.Frames() + 1; }
-  /// The first frame of the longer template after the shorter one.
+  /// Returns the first frame of the longer template after the shorter one.
   [[nodiscard]] std::int32_t TailOf(std::int32_t place) const { return place + m_shorter.Frames(); }
   [[nodiscard]] float& SumAt(std::int32_t place) { return m_sums[static_cast<std::size_t>(place)]; }
 

@@ -94,7 +94,7 @@ class PreparedTemplate {
 
   /// Returns the number of whole groups of kGroupFrames frames.
   [[nodiscard]] std::int32_t Groups() const { return m_frames / kGroupFrames; }
-  /// One frame for each group. Zeros follow.
+  /// Returns one frame for each group. Zeros follow.
   [[nodiscard]] const std::int16_t* Outline() const { return m_outline.get(); }
   [[nodiscard]] std::uint32_t OutlineSquares() const { return m_outlineSquares; }
   /// Returns the outline of the group that begins at `frame`; those of the groups that follow it

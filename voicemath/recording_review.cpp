@@ -24,7 +24,7 @@ Result<std::uint32_t, FileError> ReadRate(framework::CFile& file) {
   });
 }
 
-/// Whether the samples from `offset` on, as far as the file holds them, are all alike.
+/// Returns whether the samples from `offset` on, as far as the file holds them, are all alike.
 Result<bool, FileError> AreAllAlike(framework::CFile& file, std::uint64_t offset,
                                     std::uint32_t samples) {
   SampleBuffer<kFrameSamples> buffer;

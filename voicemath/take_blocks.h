@@ -33,8 +33,8 @@ class TakeBlocks {
   [[nodiscard]] std::size_t Count() const { return m_blocks.size(); }
   [[nodiscard]] std::size_t SamplesOfBlock() const { return m_length; }
 
-  /// How exactly the sound around a block repeats itself after a period that a voice can have: 0
-  /// not at all, about 1 for a steady vowel.
+  /// Returns how exactly the sound around a block repeats itself after a period that a voice can
+  /// have: 0 not at all, about 1 for a steady vowel.
   [[nodiscard]] float Voicing(std::size_t block) const;
 
  private:

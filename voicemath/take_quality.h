@@ -24,7 +24,7 @@ enum class Verdict : std::uint8_t {
   kTooAlike,  ///< The dialer may take it for a tag of another number.
 };
 
-/// A short name that scripts can rely on.
+/// Returns a short name that scripts can rely on.
 [[nodiscard]] std::string_view ToWord(Verdict verdict);
 
 /// How good a recording is as a voice tag.

@@ -226,7 +226,8 @@ bool TakeSpeech::IsTone() const {
          Quantile(std::move(moves), 0.5F) < kToneMove;
 }
 
-/// How far the bands move against each other, in decibels, from `first` up to before `last`.
+/// Returns how far the bands move against each other, in decibels, from `first` up to before
+/// `last`.
 float TakeSpeech::Movement(std::size_t first, std::size_t last) const {
   std::array<std::vector<float>, kTakeBands> levels;
   for (std::size_t band = 0; band < kTakeBands; ++band) {

@@ -10,7 +10,7 @@ namespace voicemath {
 /// Power in decibels above a square of 1 in 16 bits. Even of nothing it is a number.
 [[nodiscard]] float LevelDb(float power);
 
-/// The value below which a share of all `values` lies. There is at least one.
+/// Returns the value below which a share of all `values` lies. There is at least one.
 [[nodiscard]] float Quantile(std::vector<float> values, float share);
 
 /// Where the speech of a take is.
@@ -25,19 +25,19 @@ class TakeSpeech {
  public:
   explicit TakeSpeech(const TakeBlocks& blocks);
 
-  /// Whether somebody speaks.
+  /// Returns whether somebody speaks.
   [[nodiscard]] bool IsThere() const { return m_isThere; }
 
-  /// Whether a block belongs to the speech; if there is none, to what came nearest to it.
+  /// Returns whether a block belongs to the speech; if there is none, to what came nearest to it.
   [[nodiscard]] bool Has(std::size_t block) const { return m_isActive[block]; }
 
   /// Blocks as loud as speech is, without the quiet sounds at its ends.
   [[nodiscard]] std::size_t CountLoud() const;
 
-  /// Whether some sound is there that is too short for a word, and voiced like one.
+  /// Returns whether some sound is there that is too short for a word, and voiced like one.
   [[nodiscard]] bool HasFragment() const;
 
-  /// Whether the take begins, or if `fromEnd` ends, with speech.
+  /// Returns whether the take begins, or if `fromEnd` ends, with speech.
   [[nodiscard]] bool IsCut(bool fromEnd) const;
 
   /// Level in the bands of speech that a quarter of the blocks exceed.

@@ -9,8 +9,8 @@
 
 namespace qt {
 
-/// Whether windows can be shown: the process has an application object with windows, or it has none
-/// and the environment names a display.
+/// Returns whether windows can be shown: the process has an application object with windows, or it
+/// has none and the environment names a display.
 [[nodiscard]] bool CanShowWindows();
 
 /// Makes the application object if the process has none. It then stays until the process ends. Call

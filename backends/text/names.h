@@ -13,21 +13,22 @@ namespace text {
 /// folding is one to one: no character becomes two.
 [[nodiscard]] char32_t FoldCharacter(char32_t character);
 
-/// Whether two names are the same on the device.
+/// Returns whether two names are the same on the device.
 [[nodiscard]] bool SameName(std::u16string_view a, std::u16string_view b);
 
 /// Returns the form under which a name is filed. Two names have the same form exactly if SameName
 /// holds them equal.
 [[nodiscard]] std::u16string FoldName(std::u16string_view name);
 
-/// Whether `name` matches `pattern`. In a pattern "*" stands for any run of characters and "?" for
-/// one character; a surrogate pair is one character. Letter case counts for nothing.
+/// Returns whether `name` matches `pattern`. In a pattern "*" stands for any run of characters and
+/// "?" for one character; a surrogate pair is one character. Letter case counts for nothing.
 [[nodiscard]] bool MatchesPattern(std::u16string_view name, std::u16string_view pattern);
 
-/// Whether `pattern` holds a "*" or a "?", so that it may match more than one name.
+/// Returns whether `pattern` holds a "*" or a "?", so that it may match more than one name.
 [[nodiscard]] bool HasWildcards(std::u16string_view pattern);
 
-/// Whether `path` is a path of the device ("\Program Files\...") and not one of the host's own.
+/// Returns whether `path` is a path of the device ("\Program Files\...") and not one of the host's
+/// own.
 [[nodiscard]] bool IsDevicePath(std::u16string_view path);
 
 /// Returns the names along a device path, at least one. Returns nothing if the path names no file

@@ -5,9 +5,9 @@
 
 namespace text {
 
-/// Whether a terminal may take the character for a command, or may turn or break the line at it:
-/// control characters, marks and overrides of the direction of writing, and the separators of lines
-/// and paragraphs.
+/// Returns whether a terminal may take the character for a command, or may turn or break the line
+/// at it: control characters, marks and overrides of the direction of writing, and the separators
+/// of lines and paragraphs.
 [[nodiscard]] bool IsCommand(char16_t unit);
 
 /// Returns `utf8` in a form that is safe for a terminal, since it may hold names that others chose.

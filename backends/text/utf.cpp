@@ -21,7 +21,7 @@ std::uint8_t ByteAt(std::string_view bytes, std::size_t at) {
   return static_cast<std::uint8_t>(bytes[at]);
 }
 
-/// The well-formed sequence at the start of `bytes`, which is not empty.
+/// Returns the well-formed sequence at the start of `bytes`, which is not empty.
 Sequence Decode(std::string_view bytes) {
   const std::uint8_t lead = ByteAt(bytes, 0);
   if (lead < 0x80) {

@@ -141,7 +141,7 @@ std::u16string Decimal(int number) { return text::FromUtf8(std::to_string(number
 
 std::u16string PortName(int number) { return u"COM" + Decimal(number) + u":"; }
 
-/// The number in a name that PortName makes.
+/// Returns the number in a name that PortName makes.
 std::optional<int> ParsePortName(const std::u16string& name) {
   const std::string digits = text::ToUtf8(std::u16string_view(name).substr(name.find(u'M') + 1));
   int number = 0;

@@ -96,7 +96,7 @@ class AddressBooks final : public platform::ContactsStore {
   [[nodiscard]] Done TakeContacts(std::vector<Book> books);
   [[nodiscard]] Oids GetOidsInUse() const;
   [[nodiscard]] Done CheckOidsInUse() const;
-  /// Whether the contact was in a book that was read to its end, and is there no more.
+  /// Returns whether the contact was in a book that was read to its end, and is there no more.
   [[nodiscard]] bool IsGone(std::int32_t oid) const;
 
   platform::FileSystem& m_files;

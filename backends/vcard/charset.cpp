@@ -110,7 +110,7 @@ std::optional<Converter::Converted> ConvertFrom(std::string_view charset, std::s
   return converter.IsOpen() ? converter.Convert(std::string(text)) : std::nullopt;
 }
 
-/// Whether texts that name no set are read in this one first.
+/// Returns whether texts that name no set are read in this one first.
 bool IsUnicode(std::string_view charset) {
   const std::string upper = ToUpper(charset);
   return upper.starts_with("UTF") || upper.ends_with("ASCII");

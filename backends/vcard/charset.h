@@ -25,7 +25,7 @@ namespace vcard {
 /// at the first byte that means nothing in it.
 [[nodiscard]] std::string FormerUtf8(std::string_view text, std::string_view charset);
 
-/// Whether bytes of the set mean something else after an escape sequence.
+/// Returns whether bytes of the set mean something else after an escape sequence.
 [[nodiscard]] bool IsStateful(std::string_view charset);
 
 /// Makes UTF-8 of a stream that is UTF-16, and hands on any other as it is. UTF-16 is known by its

@@ -189,7 +189,7 @@ std::vector<std::string> ReadFormerValue(std::string_view value, const Encoding&
       [&encoding](std::string_view text) { return FormerUtf8(text, encoding.charset); });
 }
 
-/// Whether former versions may have read the value otherwise.
+/// Returns whether former versions may have read the value otherwise.
 bool MayReadOtherwise(std::string_view value, const Encoding& encoding) {
   return encoding.isBase64 || encoding.isQuotedPrintable || IsStateful(encoding.charset) ||
          std::any_of(value.begin(), value.end(),

@@ -32,7 +32,8 @@ std::optional<std::uint32_t> ParseKeyNumber(const std::u16string& keyName) {
   return isNumber ? std::optional(number) : std::nullopt;
 }
 
-/// Whether another program left the key or value. Otherwise it is out of reach for a moment only.
+/// Returns whether another program left the key or value. Otherwise it is out of reach for a moment
+/// only.
 bool IsOdd(RegistryError error) {
   return error == RegistryError::kNotFound || error == RegistryError::kInvalid;
 }

@@ -43,10 +43,10 @@ class OidMap {
   [[nodiscard]] platform::Result<Oids, platform::RegistryError> Assign(std::span<const Book> books,
                                                                        Keeping keeping);
 
-  /// Whether the number was given to a contact of this book.
+  /// Returns whether the number was given to a contact of this book.
   [[nodiscard]] bool Belongs(std::int32_t oid, std::u16string_view source) const;
 
-  /// What was passed over since the latest Load.
+  /// Returns what was passed over since the latest Load.
   [[nodiscard]] const std::vector<Remark>& GetRemarks() const { return m_remarks; }
 
  private:

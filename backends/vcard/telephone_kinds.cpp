@@ -127,7 +127,7 @@ std::vector<std::size_t> ByPreference(std::span<const TelephoneLine> lines, Rule
   return order;
 }
 
-/// Whether a word in a label says what kind of telephone it is, or nothing at all.
+/// Returns whether a word in a label says what kind of telephone it is, or nothing at all.
 bool IsPlainWord(const std::string& word) {
   static constexpr std::array<std::string_view, 18> kPlain = {
       "ASSISTANT", "RADIO", "CAR",    "CELL",  "WORK", "HOME",      "PREF", "MAIN",    "VOICE",

@@ -18,7 +18,7 @@ static_assert(LogicalLines::kMaxLength == 8192 && VcardSplitter::kMaxLines == 20
 constexpr std::array<std::string_view, 9> kKeptNames = {
     "N", "FN", "ORG", "TEL", "UID", "X-MS-TEL", "X-ABLABEL", "NICKNAME", "EMAIL"};
 
-/// Whether the line is BEGIN:VCARD or END:VCARD.
+/// Returns whether the line is BEGIN:VCARD or END:VCARD.
 bool IsBracket(std::string_view line, std::string_view name, std::string_view bracket) {
   return EqualIgnoringCase(name, bracket) &&
          EqualIgnoringCase(Trim(line.substr(line.find(':') + 1)), "VCARD");

@@ -87,8 +87,8 @@ class VcardSplitter {
   /// Call this once, at the end of the stream.
   void Finish();
 
-  /// Whether cards, or lines of cards, were left out. The stream may then have held a contact that
-  /// was not handed on.
+  /// Returns whether cards, or lines of cards, were left out. The stream may then have held a
+  /// contact that was not handed on.
   [[nodiscard]] bool IsDamaged() const { return m_isDamaged; }
 
  private:

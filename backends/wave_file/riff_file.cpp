@@ -30,7 +30,7 @@ bool HasName(std::span<const std::byte> bytes, std::string_view name) {
 
 using Done = platform::Result<void, WaveResult>;
 
-/// What is wrong with a file that is no sound, or is not whole.
+/// Returns the failure of a file that is no sound, or is not whole.
 tl::unexpected<WaveResult> NoSound() { return platform::Failure(WaveResult::kBadFormat); }
 
 Done ReadAt(platform::File& file, std::uint64_t offset, std::span<std::byte> into) {

@@ -11,7 +11,8 @@
 
 namespace cli {
 
-/// Why a file was not opened, made or written, in words that go on after its name and a colon.
+/// Returns why a file was not opened, made or written, in words that go on after its name and a
+/// colon.
 [[nodiscard]] std::string ExplainFileError(platform::FileError error);
 
 /// The file cannot be opened, so there is no header to give a code for.
@@ -22,15 +23,15 @@ inline constexpr int kFileNotOpened = -1;
 [[nodiscard]] int CheckHeader(voicemath::CVoiceMathematics& mathematics,
                               const std::u16string& path);
 
-/// The code in words for the user.
+/// Returns the code in words for the user.
 [[nodiscard]] std::string ExplainHeaderCode(int code);
 
 /// Returns why nothing was played, in words and with `code`. The words say what the user should
 /// look at. `code` is an audio::PlayCode other than kPlayed.
 [[nodiscard]] std::string ExplainPlayCode(const Session& session, int code);
 
-/// Why nothing was recorded, in words. `code` is an audio::RecordCode other than kRecorded. Returns
-/// an empty text if a message box has said it all.
+/// Returns why nothing was recorded, in words. `code` is an audio::RecordCode other than kRecorded.
+/// Returns an empty text if a message box has said it all.
 [[nodiscard]] std::string ExplainRecordCode(const Session& session, int code);
 
 /// Says on standard error what is odd about a recording, one line for each thing; `name` is what

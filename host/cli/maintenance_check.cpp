@@ -63,7 +63,7 @@ bool ReadTags(Session& session, const platform::Platform& platform, CheckedStore
   return list && key.value_or("").find(text::ToUtf8(storage::kTagKey) + '\\') == std::string::npos;
 }
 
-/// What the list shows for the tag, as long as the contacts are open.
+/// Returns what the list shows for the tag, as long as the contacts are open.
 std::string ReadListText(const platform::Platform& platform, const std::u16string& tag) {
   const auto entry = storage::TagStore(platform.files, platform.registry).ReadEntry(tag);
   if (tag.empty() || !entry || !entry->oid) {

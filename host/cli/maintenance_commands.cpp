@@ -80,8 +80,8 @@ void CountRecordings(const platform::Platform& platform, const storage::TagTable
   }
 }
 
-/// Whether each tag that has a recording has the template of it: what the waiting dialog shows no
-/// message about must be there too.
+/// Returns whether each tag that has a recording has the template of it: what the waiting dialog
+/// shows no message about must be there too.
 bool HaveNewTemplates(const platform::Platform& own) {
   headless::HeadlessUi silent;
   const platform::Platform platform{own.files, own.waveIn,   own.clock,    own.threads, own.process,

@@ -15,7 +15,7 @@
 namespace cli {
 namespace {
 
-/// Nine digits, where the library prints as many as a double needs, up to 17: the values are
+/// Returns nine digits. The library prints as many as a double needs, up to 17, but the values are
 /// floats.
 std::string NumberText(double value) {
   if (!std::isfinite(value)) {

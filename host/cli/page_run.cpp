@@ -30,7 +30,7 @@ class ContactsIfReadable final : public platform::ContactsStore {
   ContactsIfReadable(platform::ContactsStore& contacts, platform::Clock& clock)
       : m_contacts(contacts), m_clock(clock) {}
 
-  /// Whether the latest log-on read the contacts.
+  /// Returns whether the latest log-on read the contacts.
   [[nodiscard]] bool AreRead() const { return m_areRead; }
 
   // All of it happens at the log-on, so that each step may fail.

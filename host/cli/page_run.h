@@ -32,8 +32,8 @@ enum class Contacts : std::uint8_t { kNeeded, kOptional };
 void RunPage(Session& session, Contacts contacts, const std::function<void(PageRun&)>& use,
              const std::function<void(const tags::Page_one&)>& useEnded = {});
 
-/// Whether the page lists every tag of the store. It ends its list at a tag that it cannot deal
-/// with.
+/// Returns whether the page lists every tag of the store. It ends its list at a tag that it cannot
+/// deal with.
 [[nodiscard]] bool ListsAllTags(Session& session, const PageRun& run);
 
 /// Returns the texts of the applet: those of the language file of the device if there is one,

@@ -50,16 +50,16 @@ class Session {
   [[nodiscard]] platform::FileSystem& GetFiles() { return m_backends.GetFiles(); }
   [[nodiscard]] SessionClock& GetClock() { return m_clock; }
 
-  /// Whether a file stands for the microphone. Nobody waits for its sound.
+  /// Returns whether a file stands for the microphone. Nobody waits for its sound.
   [[nodiscard]] bool HearsFile() const { return !m_options.machine.microphone.empty(); }
-  /// Whether a file stands for the loudspeaker.
+  /// Returns whether a file stands for the loudspeaker.
   [[nodiscard]] bool PlaysIntoFile() const { return !m_options.machine.speaker.empty(); }
 
-  /// Whether there is a root folder, or can be one, and no file of the settings is a link. Reports
-  /// it if not.
+  /// Returns whether there is a root folder, or can be one, and no file of the settings is a link.
+  /// Reports it if not.
   [[nodiscard]] bool RequireRoot();
 
-  /// Whether the root folder is there. If it is not, there are no tags and no settings.
+  /// Returns whether the root folder is there. If it is not, there are no tags and no settings.
   [[nodiscard]] bool HasRootFolder() const;
 
   /// The same as RequireRoot for a command that changes nothing: settings and contacts are only
@@ -70,7 +70,7 @@ class Session {
   /// The same as RequireRoot for a command that may change something: makes the root folder.
   [[nodiscard]] bool OpenForChanging();
 
-  /// The settings below the root folder.
+  /// Returns the settings below the root folder.
   [[nodiscard]] platform::Registry& GetRegistry() { return m_backends.GetRegistry(); }
   [[nodiscard]] std::filesystem::path GetRegistryPath() const {
     return m_backends.GetRegistryPath();
@@ -88,7 +88,7 @@ class Session {
 
   [[nodiscard]] headless::HeadlessUi& GetUi() { return m_ui; }
 
-  /// Whether the system ended its process, which here ends only the command.
+  /// Returns whether the system ended its process, which here ends only the command.
   [[nodiscard]] bool HasEnded() const { return m_process.GetExitCode().has_value(); }
 
   /// Returns the path of this machine to which a device path leads.
@@ -101,7 +101,7 @@ class Session {
     return machine::Backends::ToSystemPath(name);
   }
 
-  /// Whether both names lead to one file that is there.
+  /// Returns whether both names lead to one file that is there.
   [[nodiscard]] static bool AreSameFile(const std::string& a, const std::string& b);
 
   /// Returns what `name` leads to, and the consequence, if it is a symbolic link. Returns "" if it

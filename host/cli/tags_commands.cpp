@@ -29,7 +29,7 @@ namespace {
 using resources::kRecordButtonId;
 using resources::kTagListId;
 
-/// The tag of a line, which has just been learned.
+/// Returns the tag of a line, which has just been learned.
 tags::ListedTag ReadLearned(Session& session, const PageRun& run, std::int32_t index) {
   tags::ListedTag tag;
   tag.name = run.page.GetTagOfLine(index);
@@ -75,8 +75,8 @@ void ListTags(Session& session) {
       language::CountLabel(LoadTexts(session), static_cast<std::int32_t>(tags->size()))));
 }
 
-/// Whether the file that stands for the microphone can be heard, before anybody is asked to speak.
-/// Reports it if not. A real microphone reports that itself.
+/// Returns whether the file that stands for the microphone can be heard, before anybody is asked to
+/// speak. Reports it if not. A real microphone reports that itself.
 bool CanHear(Session& session) {
   const std::string& microphone = session.GetOptions().machine.microphone;
   if (microphone.empty()) {
@@ -92,7 +92,8 @@ bool CanHear(Session& session) {
   return opened.has_value();
 }
 
-/// Why no tag was learned, with a colon before it. Returns an empty text if messages have said it.
+/// Returns why no tag was learned, with a colon before it. Returns an empty text if messages have
+/// said it.
 std::string ExplainNoTag(const Session& session, const tags::Page_one& page) {
   const int code = page.GetRecordCode();
   std::string reason;
@@ -208,7 +209,7 @@ void PlayTag(Session& session, const std::string& name) {
   });
 }
 
-/// Whether a box says that tags were deleted which the trash had no room for.
+/// Returns whether a box says that tags were deleted which the trash had no room for.
 bool IsOfDestroyedTags(std::u16string_view text) {
   const std::u16string_view many = resources::kTagsDestroyed;
   return text == resources::kTagDestroyed || text.starts_with(many.substr(0, many.find(u'%')));

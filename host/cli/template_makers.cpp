@@ -44,7 +44,7 @@ void PrintSummary(const CVoiceMathematics& mathematics) {
   PrintPicture(mathematics.GetTemplate(0));
 }
 
-/// Whether both names are, or would be, one file.
+/// Returns whether both names are, or would be, one file.
 bool AreSameName(const std::string& a, const std::string& b) {
   std::error_code failedA;
   std::error_code failedB;
@@ -54,7 +54,7 @@ bool AreSameName(const std::string& a, const std::string& b) {
          (!a.empty() && !failedA && !failedB && canonicalA == canonicalB);
 }
 
-/// Whether `bytes` could be written to `path` now. Leaves nothing there.
+/// Returns whether `bytes` could be written to `path` now. Leaves nothing there.
 Result<void, FileError> TryToWrite(platform::FileSystem& files, const std::u16string& path,
                                    std::size_t bytes) {
   const auto earlier = files.Open(path, {platform::FileAccess::kWrite, platform::FileShare::kNone,
@@ -154,7 +154,8 @@ class TemplateMaker {
     return !review.isEmpty;
   }
 
-  /// Whether the template could be written now; keeps the original as well, if that is wanted.
+  /// Returns whether the template could be written now; keeps the original as well, if that is
+  /// wanted.
   [[nodiscard]] bool CanLearn(const voicemath::RecordingReview& review) {
     const std::size_t samples = review.segment.last - review.segment.first + 1;
     const std::size_t frames = samples / voicemath::kFrameHop - 1;

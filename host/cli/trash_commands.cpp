@@ -25,8 +25,8 @@ storage::TagTrash OpenTrash(Session& session) {
   return {session.GetFiles(), session.GetRegistry(), session.GetClock()};
 }
 
-/// Returns what is in the trash, the latest deletion first. The error is the sentence that says
-/// where it cannot be read.
+/// Returns what is in the trash, the latest deletion first. The error is a sentence with the
+/// folder that cannot be read.
 platform::Result<std::vector<TrashedTag>, std::string> ListTrash(const Session& session,
                                                                  const storage::TagTrash& trash) {
   auto tags = trash.List();

@@ -86,7 +86,7 @@ std::string LinesOf(const std::vector<const Example*>& examples) {
   constexpr std::size_t kColumn = 50;
   std::string lines = "Examples:";
   for (const Example* example : examples) {
-    // Where a program feeds the command, the line begins with that program.
+    // If a program feeds the command, the line begins with that program.
     const bool isWhole = example->line.find("voxtrel ") != std::string_view::npos;
     std::string line = fmt::format("  {}{}", isWhole ? "" : "voxtrel ", example->line);
     line += line.size() < kColumn ? std::string(kColumn - line.size(), ' ')

@@ -22,7 +22,7 @@ namespace {
 constexpr const char* kPanel = machine::kPanel.name;
 constexpr const char* kApplet = "voxtrel.cpl";
 
-/// Whether the environment names a display; the panel knows best how to use it.
+/// Returns whether the environment names a display; the panel knows best how to use it.
 bool HasDisplay() {
   constexpr const char* kVariables[] = {"WAYLAND_DISPLAY", "DISPLAY", "QT_QPA_PLATFORM"};
   return std::ranges::any_of(kVariables, [](const char* name) {

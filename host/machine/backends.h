@@ -46,8 +46,8 @@ class Backends {
   /// contacts are used.
   void ChangeNothing() { m_changesNothing = true; }
 
-  /// Whether there is a folder to stand for the device's root. There is none if no option names one
-  /// and the user has no home folder. Device paths lead nowhere then.
+  /// Returns whether there is a folder to stand for the device's root. There is none if no option
+  /// names one and the user has no home folder. Device paths lead nowhere then.
   [[nodiscard]] bool HasRoot() const;
   [[nodiscard]] std::filesystem::path GetRoot() const;
   [[nodiscard]] std::filesystem::path GetRegistryPath() const;
@@ -58,7 +58,7 @@ class Backends {
   [[nodiscard]] platform::Threads& GetThreads();
   [[nodiscard]] platform::Clock& GetClock() { return *m_clock; }
 
-  /// The settings below the root folder.
+  /// Returns the settings below the root folder.
   [[nodiscard]] platform::Registry& GetRegistry();
 
   /// Returns the user's contacts. A log-on fails if the recorded tags are for other contacts. While

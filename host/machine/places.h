@@ -25,14 +25,14 @@ class Places {
 
   [[nodiscard]] std::filesystem::path GetProgram(const Program& program) const;
 
-  /// The folder of the applets.
+  /// Returns the folder of the applets.
   [[nodiscard]] std::filesystem::path GetAppletFolder() const;
 
-  /// The folder with the help, the language files and the samples.
+  /// Returns the folder with the help, the language files and the samples.
   [[nodiscard]] std::filesystem::path GetDataFolder() const;
 
-  /// The places of a library that is loaded when it is wanted, the best first. `folder` is the one
-  /// in which it is built.
+  /// Returns the places to look for a library that is loaded on demand, the best first. `folder` is
+  /// the one in which it is built.
   [[nodiscard]] std::vector<std::filesystem::path> GetLibrary(const char* name,
                                                               const char* folder) const;
 

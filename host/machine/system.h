@@ -27,7 +27,7 @@ namespace machine {
 /// instance.
 void MakeRootFor(const std::filesystem::path& root, std::span<const std::u16string> paths);
 
-/// The text under which the files of the system know a path of this machine, and back.
+/// These convert a path of this machine to the name by which the system's files know it, and back.
 [[nodiscard]] std::u16string ToName(const std::filesystem::path& path);
 [[nodiscard]] std::string ToHostText(std::u16string_view name);
 
