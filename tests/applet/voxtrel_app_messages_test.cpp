@@ -55,7 +55,7 @@ TEST_F(VoxtrelAppMessages, SelectExitAndUnknownOnesDoNothing) {
   EXPECT_EQ(m_module.GetIcons(), std::set<int>{kIcon});
 }
 
-TEST_F(VoxtrelAppMessages, TheNewInquiryTellsSizeNumberIconAndName) {
+TEST_F(VoxtrelAppMessages, TheNewInquiryGivesSizeNumberIconAndName) {
   const auto app = Start();
   NewCplInfo info;
   EXPECT_EQ(Inquire(*app, info), 0);
@@ -177,7 +177,7 @@ TEST_F(VoxtrelAppMessages, TheIconOutlivesTheSheetOnlyForAnotherAppletsNumber) {
   EXPECT_EQ(shown, 2);
 }
 
-TEST_F(VoxtrelAppMessages, AnIconIsLoadedAnewAfterTheSheet) {
+TEST_F(VoxtrelAppMessages, AnIconIsLoadedAgainAfterTheSheet) {
   const auto app = Start();
   NewCplInfo info;
   EXPECT_EQ(Inquire(*app, info), 0);

@@ -110,7 +110,7 @@ TEST_F(VoxtrelAppSheet, AsksForHelpByThePageOfTheDevicesViewer) {
   EXPECT_EQ(m_machine.shell.GetRequests(), expected);
 }
 
-TEST_F(VoxtrelAppSheet, HelpIsStartedWhereThePageIsMissingAndNothingIsSaid) {
+TEST_F(VoxtrelAppSheet, HelpIsStartedIfThePageIsMissingAndNothingIsSaid) {
   const auto app = Start();
   m_machine.ui.SetSheetStory([](HeadlessSheet& sheet) {
     sheet.AskForHelp();

@@ -7,7 +7,7 @@
 
 namespace {
 
-TEST(WaveHeader, HoldsTheWholeFileLengthWhereOthersHoldEightLess) {
+TEST(WaveHeader, HoldsTheWholeFileLengthAndNotEightLess) {
   const auto header = audio::MakeWaveHeader(audio::MonoPcm(16, 11025), 66150);
   constexpr std::array<unsigned char, 44> kExpected{
       'R',  'I',  'F', 'F', 0x92, 0x02, 0x01, 0x00,               // 66,194

@@ -162,7 +162,7 @@ TEST_F(WavePlayer, TheFormatTagHasSixteenBits) {
   EXPECT_EQ(PlayBytes(With(20, {1, 1})), audio::kSoundNotPcm);
 }
 
-TEST_F(WavePlayer, TheFirstDataCountsEvenWhereALaterOneWouldFit) {
+TEST_F(WavePlayer, TheFirstDataCountsEvenIfALaterOneWouldFit) {
   support::Bytes bytes = With(40, {0xFF, 0xFF, 0xFF, 0x7F});
   const support::Bytes whole = Good();
   bytes.insert(bytes.end(), whole.begin() + 36, whole.end());
@@ -175,14 +175,14 @@ TEST_F(WavePlayer, AHeaderThatHasNoEndIsRefused) {
   EXPECT_EQ(PlayBytes(With(32, {0, 0})), audio::kSoundNoData);
 }
 
-TEST_F(WavePlayer, FindsTheDataBehindTheHundredthByte) {
+TEST_F(WavePlayer, FindsTheDataAfterTheHundredthByte) {
   support::Bytes bytes = Good();
   bytes.insert(bytes.begin() + 36, 100, std::byte{});
   EXPECT_EQ(PlayBytes(bytes), audio::kPlayed);
   EXPECT_EQ(m_waveOut.GetPlayed().at(0).bytes, support::BytesOf(support::Noise(1000, 9000, 1)));
 }
 
-TEST_F(WavePlayer, NeverReadsBehindTheEndOfTheFile) {
+TEST_F(WavePlayer, NeverReadsAfterTheEndOfTheFile) {
   // The id as the very last bytes, and with half a length behind it.
   support::Bytes atTheEnd = support::WaveFile({});
   EXPECT_EQ(PlayBytes(support::Bytes(atTheEnd.begin(), atTheEnd.end())), audio::kNotPrepared)

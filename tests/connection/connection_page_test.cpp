@@ -24,7 +24,7 @@ TEST_F(ConnectionPage, HasTheListsInTheirOrder) {
   EXPECT_EQ(dialog.GetItems(kFlowControlComboId), (Texts{u"hardware", u"software", u"none"}));
 }
 
-TEST_F(ConnectionPage, ShowsTheDefaultsWhereNothingIsStored) {
+TEST_F(ConnectionPage, ShowsTheDefaultsIfNothingIsStored) {
   const auto& dialog = Open();
   EXPECT_EQ(dialog.GetText(kPortComboId), u"COM2:");
   EXPECT_EQ(dialog.GetText(kBaudRateComboId), u"9600");

@@ -42,7 +42,7 @@ TEST_P(FileCalls, AReadReturnsLessOnlyAtTheEnd) {
   EXPECT_EQ(ReadText(*file, 0), "");
 }
 
-TEST_P(FileCalls, AReadBehindTheEndFindsNothing) {
+TEST_P(FileCalls, AReadAfterTheEndFindsNothing) {
   Write(u"f", "abc");
   const auto file = MustOpen(u"f", kReadAlone);
   for (const std::uint64_t offset :
@@ -63,7 +63,7 @@ TEST_P(FileCalls, AnOverwriteKeepsTheRest) {
   EXPECT_EQ(Read(u"f"), "abXYef");
 }
 
-TEST_P(FileCalls, AGapBehindTheEndReadsAsZeros) {
+TEST_P(FileCalls, AGapAfterTheEndReadsAsZeros) {
   {
     const auto file = MustOpen(u"f", kCreate);
     ASSERT_TRUE(file->Write(ToBytes("a")));
@@ -75,7 +75,7 @@ TEST_P(FileCalls, AGapBehindTheEndReadsAsZeros) {
   EXPECT_EQ(Read(u"f"), std::string("a\0\0\0b", 5));
 }
 
-TEST_P(FileCalls, AnEmptyWriteChangesNothingEvenBehindTheEnd) {
+TEST_P(FileCalls, AnEmptyWriteChangesNothingEvenAfterTheEnd) {
   const auto file = MustOpen(u"f", kCreate);
   ASSERT_TRUE(file->Seek(100));
   EXPECT_TRUE(file->Write({}));
@@ -126,7 +126,7 @@ TEST_P(FileCalls, AFileOpenedForWritingGivesNoReads) {
   EXPECT_FALSE(file->Read(into).has_value());
 }
 
-TEST_P(FileCalls, AFileOpenedWithoutAccessTellsItsLengthOnly) {
+TEST_P(FileCalls, AFileOpenedWithoutAccessGivesItsLengthOnly) {
   Write(u"f", "abc");
   const auto file = MustOpen(u"f", kLook);
   std::array<std::byte, 1> into{};

@@ -72,7 +72,7 @@ TEST_P(FileSearching, ANameWithoutWildcardsAsksWhetherItIsThere) {
   EXPECT_EQ(ErrorOf(Files().Find(Path(u"g"))), FileError::kNotFound);
 }
 
-TEST_P(FileSearching, FoldersAreToldFromFiles) {
+TEST_P(FileSearching, FoldersAreKnownFromFiles) {
   ASSERT_TRUE(Files().CreateFolder(Path(u"folder")));
   const FoundFile found = MustFind(*Files().Find(Path(u"*")).value());
   EXPECT_EQ(found.name, u"folder");

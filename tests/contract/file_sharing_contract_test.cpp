@@ -30,14 +30,14 @@ TEST_P(FileSharing, ReadersThatShareGoTogether) {
   EXPECT_TRUE(Open(u"f", kLookTogether));
 }
 
-TEST_P(FileSharing, WhoeverSharesNothingIsAlone) {
+TEST_P(FileSharing, AHolderThatSharesNothingIsAlone) {
   const auto first = MustOpen(u"f", kReadAlone);
   for (const OpenMode& mode : {kReadTogether, kReadAlone, kWriteExisting, kLook, kMake, kCreate}) {
     EXPECT_EQ(support::ErrorOf(Open(u"f", mode)), FileError::kSharingViolation);
   }
 }
 
-TEST_P(FileSharing, NobodyIsAloneBesideAReader) {
+TEST_P(FileSharing, NobodyIsAloneNextToAReader) {
   const auto first = MustOpen(u"f", kReadTogether);
   for (const OpenMode& mode : {kReadAlone, kWriteExisting, kReadWrite, kLook, kCreate}) {
     EXPECT_EQ(support::ErrorOf(Open(u"f", mode)), FileError::kSharingViolation);
@@ -45,12 +45,12 @@ TEST_P(FileSharing, NobodyIsAloneBesideAReader) {
   EXPECT_EQ(Read(u"f"), "abc");
 }
 
-TEST_P(FileSharing, NobodyReadsBesideAWriter) {
+TEST_P(FileSharing, NobodyReadsNextToAWriter) {
   const auto first = MustOpen(u"f", kWriteTogether);
   EXPECT_EQ(support::ErrorOf(Open(u"f", kReadTogether)), FileError::kSharingViolation);
 }
 
-TEST_P(FileSharing, NobodyWritesOrEmptiesBesideAReader) {
+TEST_P(FileSharing, NobodyWritesOrEmptiesNextToAReader) {
   const auto first = MustOpen(u"f", kReadTogether);
   EXPECT_EQ(support::ErrorOf(Open(u"f", kWriteTogether)), FileError::kSharingViolation);
   EXPECT_EQ(support::ErrorOf(Open(u"f", kReadEmptiedTogether)), FileError::kSharingViolation);

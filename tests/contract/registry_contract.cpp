@@ -138,7 +138,7 @@ TEST_P(RegistryContract, SubkeysAreEnumeratedInTheOrderInWhichTheyWereMade) {
   EXPECT_THAT(SubkeyNames(Store(), u"k"), ElementsAre(u"m", u"a", u"Z", u"b"));
 }
 
-TEST_P(RegistryContract, BehindTheLastItemThereAreNoMore) {
+TEST_P(RegistryContract, AfterTheLastItemThereAreNoMore) {
   const auto key = Store().CreateKey(u"a").value();
   std::u16string name = u"untouched";
   EXPECT_EQ(key->EnumerateSubkey(0).value(), std::nullopt);
@@ -214,7 +214,7 @@ TEST_P(RegistryContract, WritingAValueAgainLeavesItInItsPlace) {
   EXPECT_THAT(ValueNames(*key), ElementsAre(u"one", u"two"));
 }
 
-TEST_P(RegistryContract, DeletingAKeyTakesAllBelowItAndNothingBesideIt) {
+TEST_P(RegistryContract, DeletingAKeyTakesAllBelowItAndNothingNextToIt) {
   ASSERT_EQ(support::ErrorOf(Put(Store(), u"a\\tags\\1", u"v", RegistryType::kBinary, kSomeBytes)),
             std::nullopt);
   ASSERT_EQ(support::ErrorOf(Store().CreateKey(u"a\\tags\\2\\deep")), std::nullopt);

@@ -97,7 +97,7 @@ class MaintenanceStory : public CommandFixture {
   }
 };
 
-TEST_F(MaintenanceStory, TenNamesAreTestedAndComputedAnew) {
+TEST_F(MaintenanceStory, TenNamesAreTestedAndComputedAgain) {
   LearnAll();
   const auto learned = GetFiles();
   ASSERT_EQ(learned.size(), 20U);

@@ -125,7 +125,7 @@ TEST_F(PulseWaveIn, ServerConvertsFromTheFormOfItsMicrophone) {
   EXPECT_GT(e2e::FindSound(e2e::ToSamples(recording.Sound()), name, name.size()).correlation, 0.95);
 }
 
-TEST_F(PulseWaveIn, MicrophoneIsRecordedEvenWhereAMonitorIsTheDefault) {
+TEST_F(PulseWaveIn, MicrophoneIsRecordedEvenIfAMonitorIsTheDefault) {
   StartServer({.input = PulseInput::kPipeBesideMonitor});
   ASSERT_EQ(std::system("pactl set-default-source speaker.monitor"), 0);
   const PipeMicrophone microphone(m_server->Pipe(), 11025, 1, kHum);

@@ -64,7 +64,7 @@ class ReinitOnScreen : public WindowStory, public testing::WithParamInterface<co
   std::string m_sheetTitle = "Property";
 };
 
-TEST_P(ReinitOnScreen, AnOtherMathematicsComputesAllTemplatesAnewBeforeTheEyesOfTheUser) {
+TEST_P(ReinitOnScreen, AnOtherMathematicsComputesAllTemplatesAgainBeforeTheEyesOfTheUser) {
   LearnSamples();
   const auto templates = NamesIn("Voxtrel_stor");
   ASSERT_EQ(templates.size(), GetNames().size());

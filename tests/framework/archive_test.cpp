@@ -81,7 +81,7 @@ TEST_F(CArchiveTest, KeepsTheBitsOfEveryFloat) {
   EXPECT_EQ(std::bit_cast<std::uint32_t>(read), 0xFFC12345U);
 }
 
-TEST_F(CArchiveTest, TellsHowMuchIsLeftWhileItsBufferReadsAhead) {
+TEST_F(CArchiveTest, SaysHowMuchIsLeftWhileItsBufferReadsAhead) {
   OpenForReading(Bytes({1, 2, 3, 4, 5, 6, 7}));
   CArchive archive(m_file, CArchive::Mode::kLoad, 4);
   EXPECT_EQ(archive.GetRemaining(), 7U);

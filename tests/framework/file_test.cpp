@@ -28,7 +28,7 @@ class CFileTest : public testing::Test {
   CFile m_file{m_files};
 };
 
-TEST_F(CFileTest, OpensOnlyWhatExistsUnlessToldToMakeIt) {
+TEST_F(CFileTest, OpensOnlyWhatExistsUnlessAskedToMakeIt) {
   EXPECT_FALSE(m_file.Open(u"/a", CFile::modeRead));
   EXPECT_FALSE(m_file.Open(u"/a", CFile::modeWrite));
   EXPECT_FALSE(m_file.IsOpen());

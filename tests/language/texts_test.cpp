@@ -42,7 +42,7 @@ TEST(Texts, AreAllEmptyWithABrokenLanguageFile) {
   EXPECT_EQ(Texts(&table)(resources::kLearningTab), u"");
 }
 
-TEST(Texts, DifferInEnglishWhereOneKeyIsWordedInTwoWays) {
+TEST(Texts, DifferInEnglishIfOneKeyIsWordedInTwoWays) {
   const Texts english;
   EXPECT_EQ(english(resources::kTemplateNotCreated), u"Error in CreateFile");
   EXPECT_EQ(english(resources::kReinitTemplateNotCreated), u"ERROR in CreateFile");
@@ -78,7 +78,7 @@ TEST(CountLabel, JoinsTheWordsOfTheLanguageFileAndTheCountWithOneBlank) {
   EXPECT_EQ(CountLabel(Texts(&table), 12), u"Gelernte Namen: 12");
 }
 
-TEST(CountLabel, IsABlankAndTheCountWhereTheLanguageFileLacksTheKey) {
+TEST(CountLabel, IsABlankAndTheCountIfTheLanguageFileLacksTheKey) {
   const LanguageTable table;
   EXPECT_EQ(CountLabel(Texts(&table), 12), u" 12");
 }

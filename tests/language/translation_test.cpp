@@ -47,7 +47,7 @@ TEST(LanguageTemplate, ExplainsEveryText) {
   }
 }
 
-TEST(LanguageTemplate, IsWrittenLowByteFirstBehindTheByteOrderMark) {
+TEST(LanguageTemplate, IsWrittenLowByteFirstAfterTheByteOrderMark) {
   const std::vector<std::byte> expected = {std::byte{0xFF}, std::byte{0xFE}, std::byte{0x16},
                                            std::byte{0x04}, std::byte{'/'},  std::byte{0}};
   EXPECT_EQ(language::ToLanguageFile(u"\u0416/"), expected);
@@ -146,7 +146,7 @@ TEST(LanguageCheck, ReportsATextTooShortForTheEndOfTheFile) {
               ElementsAre(Found(FindingKind::kNoText, 2, u"ID_TAB_3")));
 }
 
-TEST(LanguageCheck, ReportsPercentSignsWhereATextIsFormatted) {
+TEST(LanguageCheck, ReportsPercentSignsIfATextIsFormatted) {
   EXPECT_THAT(CheckLines(u"ID_STTL2 100 %\r\nID_STTL3 50%%\r\nID_S_MESSAGE_L Namen: %d\r\n"
                          u"ID_S_MESSAGE_D 100 %\r\n"),
               ElementsAre(Found(FindingKind::kPercentSign, 1, u"ID_STTL2"),

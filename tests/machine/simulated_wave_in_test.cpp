@@ -44,7 +44,7 @@ class SimulatedWaveInDevice : public testing::Test {
   std::unique_ptr<platform::WaveInDevice> m_device;
 };
 
-TEST_F(SimulatedWaveInDevice, BufferIsFullAtOnceUnlessToldOtherwise) {
+TEST_F(SimulatedWaveInDevice, BufferIsFullAtOnceUnlessAskedOtherwise) {
   Start({.sound = Sound(9)});
   EXPECT_EQ(m_device->Unprepare(m_buffer.header), WaveResult::kOk);
   EXPECT_EQ(m_buffer.header.bytesRecorded, 6U);
@@ -95,19 +95,19 @@ TEST_F(SimulatedWaveInDevice, NextBufferHearsWhatFollows) {
                                        std::byte{0}, std::byte{0}));
 }
 
-TEST_F(SimulatedWaveInDevice, UnprepareFailsAsToldAndTouchesNothing) {
+TEST_F(SimulatedWaveInDevice, UnprepareFailsAsArrangedAndTouchesNothing) {
   Start({.sound = Sound(9), .unprepare = WaveResult::kFailed});
   EXPECT_EQ(m_device->Unprepare(m_buffer.header), WaveResult::kFailed);
   EXPECT_EQ(m_buffer.header.bytesRecorded, 0U);
   EXPECT_THAT(m_buffer.memory, testing::Each(kUntouched));
 }
 
-TEST_F(SimulatedWaveInDevice, ResetFailsAsTold) {
+TEST_F(SimulatedWaveInDevice, ResetFailsAsArranged) {
   Start({.reset = WaveResult::kFailed});
   EXPECT_EQ(m_device->Reset(), WaveResult::kFailed);
 }
 
-TEST_F(SimulatedWaveInDevice, CloseThatFailsAsToldGivesTheDeviceUp) {
+TEST_F(SimulatedWaveInDevice, CloseThatFailsAsArrangedGivesTheDeviceUp) {
   Start({.close = WaveResult::kFailed});
   EXPECT_EQ(m_waveIn.OpenDevices(), 1U);
   EXPECT_EQ(m_device->Close(), WaveResult::kFailed);
@@ -115,21 +115,21 @@ TEST_F(SimulatedWaveInDevice, CloseThatFailsAsToldGivesTheDeviceUp) {
   EXPECT_EQ(m_device->Reset(), WaveResult::kNoDevice);
 }
 
-TEST(SimulatedWaveIn, CountsTheDevicesItIsTold) {
+TEST(SimulatedWaveIn, CountsTheDevicesItIsGiven) {
   SimulatedWaveIn waveIn({.deviceCount = 3});
   EXPECT_EQ(waveIn.GetDeviceCount(), 3U);
   waveIn.SetScript({.deviceCount = 0});
   EXPECT_EQ(waveIn.GetDeviceCount(), 0U);
 }
 
-TEST(SimulatedWaveIn, OpenFailsAsTold) {
+TEST(SimulatedWaveIn, OpenFailsAsArranged) {
   SimulatedWaveIn waveIn({.open = WaveResult::kBadFormat});
   const auto opened = waveIn.Open(kMono);
   EXPECT_EQ(support::ErrorOf(opened), WaveResult::kBadFormat);
   EXPECT_EQ(waveIn.OpenDevices(), 0U);
 }
 
-TEST(SimulatedWaveIn, EachStepBeforeTheRecordingFailsAsTold) {
+TEST(SimulatedWaveIn, EachStepBeforeTheRecordingFailsAsArranged) {
   SimulatedWaveIn waveIn({.prepare = WaveResult::kFailed,
                           .addBuffer = WaveResult::kNotPrepared,
                           .start = WaveResult::kNoDevice});

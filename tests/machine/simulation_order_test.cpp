@@ -95,7 +95,7 @@ TEST(SimulationOrder, ASetThatIsResetAtOnceReleasesWhoWaitedAndNobodyElse) {
   EXPECT_EQ(log, "El");
 }
 
-TEST(SimulationOrder, AResumedThreadQueuesBehindThoseThatAreReady) {
+TEST(SimulationOrder, AResumedThreadQueuesAfterThoseThatAreReady) {
   Simulation simulation;
   std::string log;
   const auto suspended = simulation.Start([&] { log += 's'; }, ThreadStart::kSuspended).value();

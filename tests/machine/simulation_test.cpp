@@ -81,7 +81,7 @@ TEST(Simulation, OfTwoWaitsThatEndAtOneTimeTheEarlierIsServedFirst) {
   EXPECT_EQ(simulation.GetTickCount(), 5U);
 }
 
-TEST(Simulation, WhereAllWaitWithoutLimitEveryWaitFails) {
+TEST(Simulation, IfAllWaitWithoutLimitEveryWaitFails) {
   Simulation simulation;
   const auto event = simulation.CreateManualResetEvent().value();
   std::vector<WaitResult> inThreads(2, WaitResult::kSignalled);
@@ -97,7 +97,7 @@ TEST(Simulation, WhereAllWaitWithoutLimitEveryWaitFails) {
   EXPECT_EQ(inThreads, std::vector<WaitResult>(2, WaitResult::kFailed));
 }
 
-TEST(Simulation, AWaitForASuspendedThreadFailsWhereNobodyCanResumeIt) {
+TEST(Simulation, AWaitForASuspendedThreadFailsIfNobodyCanResumeIt) {
   Simulation simulation;
   const auto thread = simulation.Start([] {}, ThreadStart::kSuspended).value();
   EXPECT_EQ(thread->Wait(kNoLimit), WaitResult::kFailed);

@@ -181,7 +181,7 @@ TEST_F(FindNearest, InTheTableTwoCloseOnesComeFirstAndTheFarOneLast) {
   EXPECT_EQ(CountConfusions(table, 3), (std::vector<std::int32_t>{1, 2, 0}));
 }
 
-TEST(NeighbourTable, NamesTagsByTheirPlaceWhereSomeHaveNoTemplate) {
+TEST(NeighbourTable, NamesTagsByTheirPlaceIfSomeHaveNoTemplate) {
   const std::vector<Neighbour> nearest{{1, 0.5F}, {0, 0.5F}};
   const std::vector<std::int32_t> tags{3, 7};
   const auto table = maintenance::ToTable(nearest, tags);

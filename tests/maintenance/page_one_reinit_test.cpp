@@ -35,7 +35,7 @@ TEST_F(PageOneReinit, WithTheCurrentVersionNothingHappens) {
   EXPECT_EQ(m_machine.simulation.GetElapsed(), 0U);
 }
 
-TEST_F(PageOneReinit, AMissingVersionIsWrittenAndEveryTemplateComputedAnew) {
+TEST_F(PageOneReinit, AMissingVersionIsWrittenAndEveryTemplateComputedAgain) {
   PutSpokenTag(u"100", 1);
   PutSpokenTag(u"200", 2);
   ASSERT_TRUE(m_machine.registry.CreateKey(storage::kSetupKey));
@@ -124,7 +124,7 @@ TEST_F(PageOneReinit, TheWorkerIsCreatedSuspendedAndBeginsAfterASecond) {
   EXPECT_NE(GetTemplate(u"100"), kOldTemplate);
 }
 
-TEST_F(PageOneReinit, DoesNotComeWhereTheContactsWereAway) {
+TEST_F(PageOneReinit, DoesNotComeIfTheContactsWereAway) {
   PutSpokenTag(u"100", 1);
   PutVersion(u"2");
   m_machine.contacts.FailOpening(machine::SimulatedContacts::Opening::kLogon);

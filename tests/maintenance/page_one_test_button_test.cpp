@@ -35,7 +35,7 @@ TEST_F(PageOneTestButton, IsDisabledWithOneTag) {
   EXPECT_FALSE(wasShown);
 }
 
-TEST_F(PageOneTestButton, ATagOfAContactThatIsGoneLeavesAnEmptyPlaceThatIsTold) {
+TEST_F(PageOneTestButton, ATagOfAContactThatIsGoneLeavesAnEmptyPlaceThatIsReported) {
   PutTag(u"100", kAnn, u"Mobile");
   PutTag(u"200", 99, u"Home");
   PutTag(u"300", kBob, u"Home");

@@ -112,7 +112,7 @@ TEST_F(ReinitMonitorTest, WithoutTagsDoesNothing) {
   EXPECT_FALSE(IsDone());
 }
 
-TEST_F(ReinitMonitorTest, AMissingPageIsToldAndItGoesOn) {
+TEST_F(ReinitMonitorTest, AMissingPageIsReportedAndItGoesOn) {
   Run(2, nullptr);
   const auto shown = m_machine.ui.GetMessages();
   ASSERT_EQ(shown.size(), 1U);
@@ -133,7 +133,7 @@ TEST_F(ReinitMonitorTest, LeavesWhenTheDialogGoes) {
   EXPECT_EQ(m_session.worker->Wait(platform::kNoLimit), platform::WaitResult::kSignalled);
 }
 
-TEST_F(ReinitMonitorTest, LeavesWhereNothingCanComeAnyMore) {
+TEST_F(ReinitMonitorTest, LeavesIfNothingCanComeAnyMore) {
   StartWorker(1);
   Run(5, &m_session);
   EXPECT_EQ(m_progress.steps.size(), 2U);

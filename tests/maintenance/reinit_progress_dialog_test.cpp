@@ -82,7 +82,7 @@ TEST_F(ReinitProgressDialogTest, WithoutTagsItEndsAtOnceAndNothingIsDone) {
   EXPECT_TRUE(GetMessages().empty());
 }
 
-TEST_F(ReinitProgressDialogTest, AMissingPageIsToldAndTheDialogEndsAtOnce) {
+TEST_F(ReinitProgressDialogTest, AMissingPageIsReportedAndTheDialogEndsAtOnce) {
   maintenance::ReinitProgressDialog dialog(m_machine.Get(), m_texts);
   dialog.set_Pageone_point(nullptr);
   const auto shown = m_machine.ui.GetMessages();

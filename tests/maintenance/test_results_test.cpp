@@ -43,7 +43,7 @@ TEST_F(TestResults, ALineIsScoreCountNameAndNeighbour) {
                    u"87%; 1; Bob Ray 5550001 H;  Ann Lee 5551234 M"}));
 }
 
-TEST_F(TestResults, TellWhatTheyWereMadeFrom) {
+TEST_F(TestResults, KnowWhatTheyWereMadeFrom) {
   AddTag(u"100", u"P");
   AddTag(u"200", u"Q");
   AddTag(u"-300", u"R");
@@ -135,7 +135,7 @@ TEST_F(TestResults, AreAsManyAsThereAreTags) {
   EXPECT_EQ(lines[99].tagName, u"99");
 }
 
-TEST_F(TestResults, NoMessageWhereEveryTemplateWasRead) {
+TEST_F(TestResults, NoMessageIfEveryTemplateWasRead) {
   AddTag(u"1", u"P");
   EXPECT_EQ(UnreadTagsMessage(m_tags, m_loaded), u"");
 }
@@ -159,7 +159,7 @@ TEST_F(TestResults, ManyNamesShareLinesSoThatTheMessageStaysLow) {
   EXPECT_NE(message.find(u"\n\nP; P; P; P; P; P; P; P; P; P; P\n\n"), std::u16string::npos);
 }
 
-TEST_F(TestResults, PlacesWithoutANameAreToldOnce) {
+TEST_F(TestResults, PlacesWithoutANameAreReportedOnce) {
   m_loaded.hasNamelessTags = true;
   const std::u16string alone = UnreadTagsMessage(m_tags, m_loaded);
   EXPECT_TRUE(alone.ends_with(u"Close Zedra Voxtrel and open it again."));

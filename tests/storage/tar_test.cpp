@@ -71,7 +71,7 @@ TEST_F(TarTest, WhatIsWrittenIsReadInItsOrder) {
   EXPECT_EQ(tar.Next(), false);
 }
 
-TEST_F(TarTest, AFileIsAddedWholeWhereverItsPositionIs) {
+TEST_F(TarTest, AFileIsAddedWholeWhateverItsPositionIs) {
   ASSERT_TRUE(support::WriteWhole(m_files, u"\\source", std::string(40000, 's')));
   {
     const auto source = m_files.Open(u"\\source", {}).value();

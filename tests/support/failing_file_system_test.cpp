@@ -169,7 +169,7 @@ TEST_F(FailingFileSystemTest, ASearchThatGoesOnFailingEnds) {
   EXPECT_EQ(calls, 5);
 }
 
-TEST_F(FailingFileSystemTest, ALoopOverTheCallsEndsWhereARunNeedsNoMore) {
+TEST_F(FailingFileSystemTest, ALoopOverTheCallsEndsIfARunNeedsNoMore) {
   std::size_t number = 1;
   for (;; ++number) {
     m_failing.FailCall(number, Failing::kOnce);

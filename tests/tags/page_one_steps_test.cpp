@@ -99,7 +99,7 @@ TEST_F(PageOneSteps, TheHundredthTagIsTheLastThatIsMade) {
   EXPECT_EQ(GetEntries().size(), 100U);
 }
 
-TEST_F(PageOneSteps, TheLimitIsToldWhenTheCueHasBeenHeard) {
+TEST_F(PageOneSteps, TheLimitIsShownWhenTheCueHasBeenHeard) {
   PutTags(100);
   auto& dialog = Open();
   const std::uint64_t pressed = m_machine.simulation.GetElapsed();

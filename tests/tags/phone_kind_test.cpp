@@ -60,7 +60,7 @@ TEST(PhoneTypeWord, IsTheWholeItemWithoutWhiteSpace) {
   EXPECT_EQ(PhoneTypeWord(u""), u"");
 }
 
-TEST(PhoneTypeWord, IsEmptyBehindABlankAtTheEnd) { EXPECT_EQ(PhoneTypeWord(u"555 Home "), u""); }
+TEST(PhoneTypeWord, IsEmptyAfterABlankAtTheEnd) { EXPECT_EQ(PhoneTypeWord(u"555 Home "), u""); }
 
 }  // namespace
 }  // namespace tags

@@ -85,7 +85,7 @@ TEST(SubtractBandMinima, EqualsItsTwinForEveryNumberOfFrames) {
   }
 }
 
-TEST(SubtractBandMinima, EqualsItsTwinWhereTheMinimumIsLastOrRepeated) {
+TEST(SubtractBandMinima, EqualsItsTwinIfTheMinimumIsLastOrRepeated) {
   twins::Template expected{.frameCount = 3,
                            .values = {5, 1, 3, 7, 0, 4, 1, 3, 2, 0, 3, 1, 9, 2, 1e30F}};
   std::vector<float> features = expected.values;

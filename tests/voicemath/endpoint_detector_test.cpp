@@ -68,7 +68,7 @@ TEST(BlockEnvelope, EqualsItsTwinOnEveryBlockOfEveryRecording) {
   }
 }
 
-TEST(BlockEnvelope, EqualsItsTwinWhereTheDistanceWraps) {
+TEST(BlockEnvelope, EqualsItsTwinIfTheDistanceWraps) {
   for (int others = -32768; others <= 32767; others += 97) {
     for (const int one : {32767, 32766, 600, 0, -1, -600, -32768}) {
       support::Samples block(kBlockSamples, static_cast<std::int16_t>(others));
@@ -99,7 +99,7 @@ TEST(LocateSpeech, EqualsItsTwinForEverySmallNumberOfBlocks) {
   }
 }
 
-TEST(LocateSpeech, EqualsItsTwinWhereTheDataEndInsideABlock) {
+TEST(LocateSpeech, EqualsItsTwinIfTheDataEndInsideABlock) {
   std::mt19937 random(2);
   for (std::uint32_t dataBytes = 0; dataBytes <= 2300; ++dataBytes) {
     const Envelope envelope = DrawEnvelope(random, dataBytes / 110, 4000);
@@ -134,7 +134,7 @@ TEST(LocateSpeech, EqualsItsTwinOnMinutesOfSound) {
   }
 }
 
-TEST(LocateSpeech, EqualsItsTwinWhereTheEndsWrap) {
+TEST(LocateSpeech, EqualsItsTwinIfTheEndsWrap) {
   const std::size_t blocks = 66500;
   int telling = 0;
   for (const std::size_t around : {std::size_t{32768}, std::size_t{65536}}) {

@@ -71,7 +71,7 @@ TEST(FastComparison, EqualsItsTwinForAllFrameCountsUpTo63) {
 }
 
 /// Many shifts at nearly the same distance: which of them is the best is decided behind the margin.
-TEST(FastComparison, EqualsItsTwinWhereShiftsAreNearlyAlike) {
+TEST(FastComparison, EqualsItsTwinIfShiftsAreNearlyAlike) {
   std::mt19937 random(22);
   for (int round = 0; round < 2000; ++round) {
     const std::size_t frames = 20 + support::Draw(random, 20);
@@ -119,7 +119,7 @@ TEST(FastComparison, EqualsItsTwinOnSpokenWords) {
 
 /// Shapes that are nearly or wholly in one value, or in two: a grid value is then the largest there
 /// is, and held ends repeat it.
-TEST(FastComparison, EqualsItsTwinWhereOneValueIsNearlyAll) {
+TEST(FastComparison, EqualsItsTwinIfOneValueIsNearlyAll) {
   std::mt19937 random(29);
   const auto draw = [&random] {
     const std::size_t frames = 1 + support::Draw(random, 12);
@@ -229,7 +229,7 @@ TEST(FastComparison, EqualsItsTwinOnFarLongerTemplatesThatAreOffTheGrid) {
   }
 }
 
-TEST(FastComparison, TellsTheBoundOfFarLongerTemplatesToo) {
+TEST(FastComparison, ReturnsTheBoundOfFarLongerTemplatesToo) {
   std::mt19937 random(35);
   Template word = DrawEven(random, 9, 0, 1);
   std::fill_n(word.values.begin(), kBandCount, 0.0F);
@@ -243,7 +243,7 @@ TEST(FastComparison, TellsTheBoundOfFarLongerTemplatesToo) {
   }
 }
 
-TEST(FastComparison, TellsTheBoundWhereTheDistanceIsNotBelowIt) {
+TEST(FastComparison, ReturnsTheBoundIfTheDistanceIsNotBelowIt) {
   std::mt19937 random(24);
   int below = 0;
   for (int round = 0; round < 500; ++round) {
@@ -296,7 +296,7 @@ std::vector<PreparedTemplate> ManyKinds() {
   return prepared;
 }
 
-TEST(FindNearest, TellsItsWatchHowMuchIsDoneAndFindsTheSame) {
+TEST(FindNearest, ReportsToItsWatchHowMuchIsDoneAndFindsTheSame) {
   const std::vector<PreparedTemplate> prepared = ManyKinds();
   std::vector<Neighbour> expected(prepared.size());
   ASSERT_TRUE(FindNearest(prepared, expected));

@@ -90,7 +90,7 @@ TEST(CVoiceMathematics, EqualsItsTwinInTheAcceptanceDistancesOfAFullBase) {
   }
 }
 
-TEST(CVoiceMathematics, EqualsItsTwinWhereTheCountIsBeyondTheSlots) {
+TEST(CVoiceMathematics, EqualsItsTwinIfTheCountIsBeyondTheSlots) {
   ClassAndTwin both;
   std::vector<twins::Template> stored = Learn(both, 6);
   stored.resize(100);  // The others are empty.

@@ -110,13 +110,13 @@ TEST_F(OpenWaveData, FindsTheDataAtEveryMultipleOfFourBelowAHundred) {
   }
 }
 
-TEST_F(OpenWaveData, AnIdBehindTheHundredthByteIsNotFound) {
+TEST_F(OpenWaveData, AnIdAfterTheHundredthByteIsNotFound) {
   support::Bytes bytes = support::WaveFileWithDataAt(96, 8, support::Bytes(8));
   bytes.insert(bytes.begin() + 96, 4, std::byte{});
   EXPECT_EQ(CodeOf(bytes), voicemath::kNoData);
 }
 
-TEST_F(OpenWaveData, AnIdBesideTheMultiplesOfFourIsNotFound) {
+TEST_F(OpenWaveData, AnIdNextToTheMultiplesOfFourIsNotFound) {
   for (std::size_t shift = 1; shift < 4; ++shift) {
     support::Bytes bytes = Good();
     bytes.insert(bytes.begin() + 36, shift, std::byte{});

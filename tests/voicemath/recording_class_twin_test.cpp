@@ -67,7 +67,7 @@ TEST(CVoiceMathematics, EqualsItsTwinOnEveryKindOfRecording) {
   EXPECT_GT(trimmed, 20);
 }
 
-TEST(CVoiceMathematics, EqualsItsTwinWhereASpokenPartIsLearnedAgainAndAgain) {
+TEST(CVoiceMathematics, EqualsItsTwinIfASpokenPartIsLearnedAgainAndAgain) {
   ClassAndTwin both;
   Bytes file = support::WaveFile(
       support::Mixed(support::Noise(33075, 70, 1), 9000, support::SpeechLike(14000, 9000.0, 2)));

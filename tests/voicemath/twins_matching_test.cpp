@@ -92,7 +92,7 @@ TEST(MatchingTwin, FirstOneCountsAsTheShorterOfTwoEquallyLong) {
   EXPECT_NEAR(CompareTemplates(even, onset), 0.585786F, 1e-6F);
 }
 
-TEST(MatchingTwin, OrderDoesNotMatterWhereOneIsShorter) {
+TEST(MatchingTwin, OrderDoesNotMatterIfOneIsShorter) {
   const Template shorter = Frames({1.0F, 0.5F});
   const Template longer = Frames({1.0F, 0.0F, 2.0F});
   EXPECT_EQ(CompareTemplates(shorter, longer), CompareTemplates(longer, shorter));

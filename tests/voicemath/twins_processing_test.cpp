@@ -37,7 +37,7 @@ Bytes Trimmed(const Bytes& bytes, std::uint32_t first, std::uint32_t last) {
   return file.Content();
 }
 
-TEST(TrimTwin, SegmentIsMovedBehindANewHeader) {
+TEST(TrimTwin, SegmentIsMovedAfterANewHeader) {
   for (const std::uint32_t samples : {2U, 1023U, 1024U, 1025U, 2048U, 3000U}) {
     const Bytes after = Trimmed(support::WaveFile(Ramp(5000)), 100, 100 + samples - 1);
     const Samples all = Ramp(5000);

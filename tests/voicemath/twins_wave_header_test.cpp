@@ -66,7 +66,7 @@ TEST(WaveHeaderTwin, DataMayBeAtAnyMultipleOfFourUpTo96) {
   }
 }
 
-TEST(WaveHeaderTwin, SizeBehindAnIdAt96IsReadAsFarAsTheFileGoes) {
+TEST(WaveHeaderTwin, SizeAfterAnIdAt96IsReadAsFarAsTheFileGoes) {
   Bytes bytes = support::WaveFileWithDataAt(96, 0x04030201U, {});
   EXPECT_EQ(Check(bytes).code, 7);
   bytes.resize(101);

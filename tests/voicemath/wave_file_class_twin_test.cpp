@@ -26,7 +26,7 @@ Bytes Recording(std::size_t count, std::size_t burstAt) {
       support::Mixed(support::Noise(count, 50, 8), burstAt, support::Tone(1500, 61.0, 12000.0)));
 }
 
-TEST(CVoiceMathematics, EqualsItsTwinWhereverTheDataBegin) {
+TEST(CVoiceMathematics, EqualsItsTwinAtWhateverPlaceTheDataBegin) {
   ClassAndTwin both;
   for (const std::size_t idOffset : {12U, 24U, 36U, 40U, 44U, 48U, 60U, 88U, 92U, 96U}) {
     for (const std::size_t burstAt : {0U, 6000U, 14000U}) {
@@ -37,7 +37,7 @@ TEST(CVoiceMathematics, EqualsItsTwinWhereverTheDataBegin) {
   }
 }
 
-TEST(CVoiceMathematics, EqualsItsTwinWhereTheDataIdIsNotToBeFound) {
+TEST(CVoiceMathematics, EqualsItsTwinIfTheDataIdIsNotToBeFound) {
   ClassAndTwin both;
   for (const std::size_t idOffset : {37U, 38U, 39U, 42U, 58U, 93U, 94U, 97U, 98U, 104U}) {
     const auto file = support::WaveFileWithDataAt(idOffset, 4000, Recording(2000, 500));
@@ -45,7 +45,7 @@ TEST(CVoiceMathematics, EqualsItsTwinWhereTheDataIdIsNotToBeFound) {
   }
 }
 
-TEST(CVoiceMathematics, EqualsItsTwinWhereTheDataSizeIsAFormatFieldToo) {
+TEST(CVoiceMathematics, EqualsItsTwinIfTheDataSizeIsAFormatFieldToo) {
   ClassAndTwin both;
   // "data" at 16: the size is the format tag and the channel count.
   const Bytes tagged =
@@ -53,7 +53,7 @@ TEST(CVoiceMathematics, EqualsItsTwinWhereTheDataSizeIsAFormatFieldToo) {
   EXPECT_EQ(both.ExpectSameTwice(tagged, "id at 16").result, 0);
 }
 
-TEST(CVoiceMathematics, EqualsItsTwinWhereDataThatBeganEarlyOverwriteThemselves) {
+TEST(CVoiceMathematics, EqualsItsTwinIfDataThatBeganEarlyOverwriteThemselves) {
   ClassAndTwin both;
   // The spoken part begins at once, so what is kept moves towards the end of the file.
   const Samples samples =
@@ -67,7 +67,7 @@ TEST(CVoiceMathematics, EqualsItsTwinWhereDataThatBeganEarlyOverwriteThemselves)
   }
 }
 
-TEST(CVoiceMathematics, EqualsItsTwinWhereTheFileHoldsLessThanItClaims) {
+TEST(CVoiceMathematics, EqualsItsTwinIfTheFileHoldsLessThanItClaims) {
   ClassAndTwin both;
   for (const std::size_t idOffset : {12U, 36U, 96U}) {
     for (std::size_t lacking = 0; lacking <= idOffset + 9; lacking += 11) {
@@ -83,7 +83,7 @@ TEST(CVoiceMathematics, EqualsItsTwinWhereTheFileHoldsLessThanItClaims) {
   }
 }
 
-TEST(CVoiceMathematics, EqualsItsTwinWhereMoreFollowsTheData) {
+TEST(CVoiceMathematics, EqualsItsTwinIfMoreFollowsTheData) {
   ClassAndTwin both;
   for (std::uint32_t claimed = 9000; claimed < 9300; claimed += 37) {
     both.ExpectSameTwice(support::WaveFileWithDataAt(36, claimed, Recording(6000, 2000)),
@@ -114,7 +114,7 @@ TEST(CVoiceMathematics, EqualsItsTwinOnEveryFaultyHeader) {
   }
 }
 
-TEST(CVoiceMathematics, EqualsItsTwinWhereTheFrameCountWraps) {
+TEST(CVoiceMathematics, EqualsItsTwinIfTheFrameCountWraps) {
   ClassAndTwin both;
   const Bytes content = support::BytesOf(support::Noise(600, 5000, 9));
   EXPECT_EQ(both.ExpectSame(Task::kLearn, 0, support::WaveFileWithDataAt(36, 1022, content), "511")
@@ -125,7 +125,7 @@ TEST(CVoiceMathematics, EqualsItsTwinWhereTheFrameCountWraps) {
   both.ExpectSame(Task::kLearn, 0, support::WaveFileWithDataAt(36, 1024, content), "512");
 }
 
-TEST(CVoiceMathematics, EqualsItsTwinWhereAFrameFindsHalfASample) {
+TEST(CVoiceMathematics, EqualsItsTwinIfAFrameFindsHalfASample) {
   ClassAndTwin both;
   // Frames wrap here, so that there is one that begins with the last byte of the file.
   Bytes content = support::BytesOf(support::Noise(513, 5000, 9));

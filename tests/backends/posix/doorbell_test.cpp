@@ -39,7 +39,7 @@ TEST_F(Doorbell, BringsTheMessagesInTheirOrder) {
   EXPECT_EQ(bell.Answer(), std::nullopt);
 }
 
-TEST_F(Doorbell, DoesNotRingWhereThereIsNone) {
+TEST_F(Doorbell, DoesNotRingIfThereIsNone) {
   EXPECT_FALSE(posix::Doorbell::Ring(m_path, "x"));
   EXPECT_FALSE(posix::Doorbell::Ring("", "x"));
 }

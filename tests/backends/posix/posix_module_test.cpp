@@ -88,7 +88,7 @@ TEST(PosixModule, CopiesWhatFitsOfAString) {
   EXPECT_EQ(std::u16string_view(little.data()), u"Zedra");
 }
 
-TEST(PosixModule, LeavesTheBufferAloneWhereThereIsNoString) {
+TEST(PosixModule, LeavesTheBufferAloneIfThereIsNoString) {
   posix::PosixModule module = MakeModule();
   std::array<char16_t, 2> buffer{u'a', u'b'};
   EXPECT_EQ(module.LoadString(2, buffer), 0);

@@ -38,7 +38,7 @@ TEST_F(QtDialogControls, AnAmpersandIsShownAsItStandsAndMnemonicsAreNoPartOfTheT
   });
 }
 
-TEST_F(QtDialogControls, ATextTooLongForItsButtonIsCutAndToldInFull) {
+TEST_F(QtDialogControls, ATextTooLongForItsButtonIsCutAndShownInFull) {
   NotingDialog dialog(m_ui);
   Run(dialog, [&] {
     const std::u16string text = u"A text that no button of this width can ever hold";
@@ -54,7 +54,7 @@ TEST_F(QtDialogControls, ATextTooLongForItsButtonIsCutAndToldInFull) {
   });
 }
 
-TEST_F(QtDialogControls, ATextTooLongForItsCheckBoxIsSmallerThenCutAndToldInFull) {
+TEST_F(QtDialogControls, ATextTooLongForItsCheckBoxIsSmallerThenCutAndShownInFull) {
   NotingDialog dialog(m_ui);
   Run(dialog, [&] {
     const auto* box = dynamic_cast<QCheckBox*>(User::Find(sample::kCheck));
@@ -123,7 +123,7 @@ TEST_F(QtDialogControls, F1AsksForHelp) {
   EXPECT_EQ(dialog.helps, 1);
 }
 
-TEST_F(QtDialogControls, APressBesideAllControlsIsToldInPixelsOfTheDevice) {
+TEST_F(QtDialogControls, APressOutsideAllControlsIsReportedInPixelsOfTheDevice) {
   NotingDialog dialog(m_ui);
   Run(dialog, [] {
     auto* surface = User::GetWindow()->findChild<QWidget*>("dialog_77");

@@ -23,7 +23,7 @@ TEST_F(QtDialog, GivesTheResultItWasEndedWith) {
   EXPECT_FALSE(dialog.IsAttached());
 }
 
-TEST_F(QtDialog, IsNeverShownWhereItWasEndedWhileSetUp) {
+TEST_F(QtDialog, IsNeverShownIfItWasEndedWhileSetUp) {
   NotingDialog dialog(m_ui);
   dialog.onInit = [&] {
     dialog.Window().PostCommand(2222);
@@ -42,7 +42,7 @@ TEST_F(QtDialog, EscAndTheCloseBoxCancel) {
   EXPECT_EQ(dialog.cancels, 2);
 }
 
-TEST_F(QtDialog, StaysOpenWhereItDoesNotLetItselfBeClosed) {
+TEST_F(QtDialog, StaysOpenIfItDoesNotLetItselfBeClosed) {
   NotingDialog dialog(m_ui);
   dialog.mayBeClosed = false;
   EXPECT_EQ(Run(dialog,
@@ -55,12 +55,12 @@ TEST_F(QtDialog, StaysOpenWhereItDoesNotLetItselfBeClosed) {
   EXPECT_EQ(dialog.cancels, 1);
 }
 
-TEST_F(QtDialog, EnterIsOkWhereNoButtonIsTheDefaultOne) {
+TEST_F(QtDialog, EnterIsOkIfNoButtonIsTheDefaultOne) {
   NotingDialog dialog(m_ui, sample::kPlain);
   EXPECT_EQ(Run(dialog, [] { User::Type(Qt::Key_Return); }), framework::kIdOk);
 }
 
-TEST_F(QtDialog, EnterPressesTheDefaultButtonAndNothingWhereThatIsDisabled) {
+TEST_F(QtDialog, EnterPressesTheDefaultButtonAndNothingIfThatIsDisabled) {
   NotingDialog dialog(m_ui);
   Run(dialog, [&] {
     User::Find(sample::kList)->setFocus();
@@ -153,7 +153,7 @@ TEST_F(QtDialog, OneDialogRunsAboveAnother) {
   EXPECT_EQ(below.heard.size(), 1U);
 }
 
-TEST_F(QtDialog, TheWaitCursorGoesWhereAnAnswerIsExpectedAndComesBack) {
+TEST_F(QtDialog, TheWaitCursorGoesIfAnAnswerIsExpectedAndComesBack) {
   m_ui.SetCursor(platform::Cursor::kWait);
   m_ui.SetCursor(platform::Cursor::kWait);
   EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::WaitCursor);

@@ -73,14 +73,14 @@ TEST_F(MessageDialog, NothingInTheTextIsInterpreted) {
   EXPECT_EQ(m_user.GetBoxes()[0].text.toStdU16String(), text);
 }
 
-TEST_F(MessageDialog, StaysOnTopOnlyWhereToldTo) {
+TEST_F(MessageDialog, StaysOnTopOnlyIfAskedTo) {
   Show({u"text", MessageCaption::kNone, {}, MessageStyle::kTopmost}, support::Press("ok"));
   Show({u"text", MessageCaption::kNone, {}, MessageStyle::kSetForeground}, support::Press("ok"));
   EXPECT_TRUE(m_user.GetBoxes()[0].staysOnTop);
   EXPECT_FALSE(m_user.GetBoxes()[1].staysOnTop);
 }
 
-TEST_F(MessageDialog, AnExclamationIsShownOnlyWhereAskedFor) {
+TEST_F(MessageDialog, AnExclamationIsShownOnlyIfAskedFor) {
   std::vector<int> icons;
   const auto count = [&icons](QDialog& box) {
     const auto labels = box.findChildren<QLabel*>();
@@ -93,7 +93,7 @@ TEST_F(MessageDialog, AnExclamationIsShownOnlyWhereAskedFor) {
   EXPECT_THAT(icons, ElementsAre(1, 0));
 }
 
-TEST_F(MessageDialog, ComesToTheFrontOnlyWhereToldTo) {
+TEST_F(MessageDialog, ComesToTheFrontOnlyIfAskedTo) {
   /// Notes which windows are raised.
   class Raises final : public QObject {
    public:
@@ -134,7 +134,7 @@ TEST_F(MessageDialog, TheWholeTextIsCopiedByTheKeyboard) {
   EXPECT_EQ(QApplication::clipboard()->text(), "Really?");
 }
 
-TEST_F(MessageDialog, TheWholeTextIsCopiedAlsoWhereItWasOnlyClicked) {
+TEST_F(MessageDialog, TheWholeTextIsCopiedAlsoIfItWasOnlyClicked) {
   QApplication::clipboard()->clear();
   Show(m_question, [](QDialog& box) {
     QTest::mouseClick(TextOf(box)->viewport(), Qt::LeftButton);

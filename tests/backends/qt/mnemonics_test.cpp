@@ -15,7 +15,7 @@ TEST(Mnemonics, TakeInitialsFirst) {
               ElementsAre(Optional(0), Optional(0), Optional(7), Optional(0)));
 }
 
-TEST(Mnemonics, TakeAnyOtherLetterWhereTheInitialsAreTaken) {
+TEST(Mnemonics, TakeAnyOtherLetterIfTheInitialsAreTaken) {
   EXPECT_THAT(ChooseMnemonics({"Testen", "Tauschen"}), ElementsAre(Optional(0), Optional(1)));
 }
 

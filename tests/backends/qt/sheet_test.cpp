@@ -59,13 +59,13 @@ TEST_F(QtSheet, SetsAPageUpWhenItIsFirstShown) {
   });
 }
 
-TEST_F(QtSheet, OkTellsThePagesThatWereSetUp) {
+TEST_F(QtSheet, OkCallsThePagesThatWereSetUp) {
   EXPECT_TRUE(RunSheet([] { User::PressOk(); }));
   EXPECT_EQ(m_first.okCount, 1);
   EXPECT_EQ(m_second.okCount, 0);
 }
 
-TEST_F(QtSheet, TheCloseBoxAndEscTellNoPage) {
+TEST_F(QtSheet, TheCloseBoxAndEscCallNoPage) {
   EXPECT_FALSE(RunSheet([] { User::GetWindow()->close(); }));
   EXPECT_FALSE(RunSheet([] { User::Type(Qt::Key_Escape); }));
   EXPECT_EQ(m_first.okCount, 0);
@@ -84,7 +84,7 @@ TEST_F(QtSheet, ShowsCaptionAndTabsAsTheyStand) {
   });
 }
 
-TEST_F(QtSheet, F1IsTheSheetsWhereThePageHasNoHelpOfItsOwn) {
+TEST_F(QtSheet, F1IsTheSheetsIfThePageHasNoHelpOfItsOwn) {
   RunSheet([] { User::Type(Qt::Key_F1); });
   EXPECT_EQ(m_helps, 1);
 }

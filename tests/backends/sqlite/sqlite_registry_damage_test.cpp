@@ -111,7 +111,7 @@ TEST_F(SqliteRegistryDamage, AnOverwrittenPageIsNoticedBeforeAnythingIsWritten) 
   }
 }
 
-TEST_F(SqliteRegistryDamage, TheLogBesideAnOverwrittenPageIsNotMovedIntoTheStore) {
+TEST_F(SqliteRegistryDamage, TheLogNextToAnOverwrittenPageIsNotMovedIntoTheStore) {
   MakeStore();
   std::string whole;
   std::string log;

@@ -190,7 +190,7 @@ TEST_P(SqliteRegistryFaults, AStoreThatCannotBeMadeIsMadeByALaterCall) {
   EXPECT_LT(call, kMostCalls);
 }
 
-TEST_P(SqliteRegistryFaults, AStoreThatCannotEvenBeReadTellsWhyAndIsReadLater) {
+TEST_P(SqliteRegistryFaults, AStoreThatCannotEvenBeReadSaysWhyAndIsReadLater) {
   ASSERT_EQ(support::ErrorOf(PutText(*std::make_unique<SqliteRegistry>(Database(), Options()), u"a",
                                      u"v", kOldText)),
             std::nullopt);
@@ -260,7 +260,7 @@ TEST_F(SqliteRegistryReadOnly, ThereAGroupServesForReading) {
   EXPECT_EQ(support::ErrorOf(group->Commit()), RegistryError::kReadOnly);
 }
 
-TEST_F(SqliteRegistryReadOnly, WhereNotEvenTheLogCanBeMadeTheStoreSaysSo) {
+TEST_F(SqliteRegistryReadOnly, IfNotEvenTheLogCanBeMadeTheStoreSaysSo) {
   SqliteRegistry& registry = MakeReadOnly(FaultyFileLayer::ReadOnly::kWholeMedium);
   EXPECT_EQ(support::ErrorOf(registry.OpenKey(u"tags")), RegistryError::kReadOnly);
   EXPECT_EQ(support::ErrorOf(registry.CreateKey(u"tags")), RegistryError::kReadOnly);

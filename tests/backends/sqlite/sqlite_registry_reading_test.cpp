@@ -142,7 +142,7 @@ TEST_F(SqliteRegistryReading, AGroupReadsOneStateAndWaitsForNoWriter) {
   EXPECT_THAT(SubkeyNames(registry, u"tags"), ElementsAre(u"1", u"2"));
 }
 
-TEST_F(SqliteRegistryReading, AFinishedStoreIsReadWhereNoIndexCanBeMade) {
+TEST_F(SqliteRegistryReading, AFinishedStoreIsReadIfNoIndexCanBeMade) {
   MakeStore();
   ASSERT_FALSE(HasLogFiles());
   for (const auto fault :

@@ -43,7 +43,7 @@ TEST(CompareForDisplay, ComparesTheCaseOfLettersOnlyIfAllElseIsEqual) {
   EXPECT_EQ(Sorted({u"AB1", u"ab2", u"ab1", u"Ab1", u"aB1"}), sorted);
 }
 
-TEST(CompareForDisplay, PutsAccentedLettersBesideTheirOwn) {
+TEST(CompareForDisplay, PutsAccentedLettersNextToTheirOwn) {
   const std::vector<std::u16string> sorted = {u"Oslo", u"Österreich", u"Otto", u"Zoe"};
   EXPECT_EQ(Sorted({u"Zoe", u"Österreich", u"Otto", u"Oslo"}), sorted);
 }

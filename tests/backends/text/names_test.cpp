@@ -26,7 +26,7 @@ TEST(Names, ANameDiffersFromItsBeginning) {
   EXPECT_FALSE(SameName(u"", u"a"));
 }
 
-TEST(Names, FoldedNamesAreEqualExactlyWhereTheNamesAreTheSame) {
+TEST(Names, FoldedNamesAreEqualExactlyIfTheNamesAreTheSame) {
   EXPECT_EQ(FoldName(u"12345.WAV"), FoldName(u"12345.wav"));
   EXPECT_NE(FoldName(u"12345.wav"), FoldName(u"12345.wax"));
   EXPECT_EQ(FoldName(FoldName(u"ABC")), FoldName(u"ABC"));
@@ -57,7 +57,7 @@ TEST(Names, AStarMatchesAnyRunAlsoAnEmptyOne) {
   EXPECT_FALSE(MatchesPattern(u"123wav", u"*.wav"));
 }
 
-TEST(Names, AStarIsTriedAgainWhereTheRestDoesNotFit) {
+TEST(Names, AStarIsTriedAgainIfTheRestDoesNotFit) {
   EXPECT_TRUE(MatchesPattern(u"abcabd", u"*abd"));
   EXPECT_TRUE(MatchesPattern(u"aXbXc", u"a*X*c"));
   EXPECT_FALSE(MatchesPattern(u"aXbXd", u"a*X*c"));

@@ -33,7 +33,7 @@ std::u16string Digits(int number) {
   return digits;
 }
 
-TEST(PortNumbers, BuiltInPortsComeFirstAndTenBehindNine) {
+TEST(PortNumbers, BuiltInPortsComeFirstAndTenAfterNine) {
   EXPECT_EQ(NodesInOrder({u"/dev/rfcomm0", u"/dev/ttyUSB10", u"/dev/ttyACM0", u"/dev/ttyUSB9",
                           u"/dev/ttyS4", u"/dev/ttyS0"}),
             (Texts{u"/dev/ttyS0", u"/dev/ttyS4", u"/dev/ttyUSB9", u"/dev/ttyUSB10", u"/dev/ttyACM0",
@@ -55,14 +55,14 @@ TEST(PortNumbers, APortIsKnownByItsSerialNumberBeforeItsSocketBeforeItsNode) {
             (Texts{u"serial FTDI_A1 00", u"path usb-2 00-1", u"node /dev/ttyS0"}));
 }
 
-TEST(PortNumbers, PortsThatCannotBeToldApartAreCounted) {
+TEST(PortNumbers, PortsThatCannotBeKeptApartAreCounted) {
   const SerialDevice clone{.node = u"/dev/ttyUSB0", .serial = u"X_1", .path = {}, .part = {}};
   PortNumbers numbers;
   EXPECT_EQ(udev_ports::IdentitiesOf({clone, clone, clone}, numbers),
             (Texts{u"serial X_1", u"serial X_1 #2", u"serial X_1 #3"}));
 }
 
-TEST(PortNumbers, DevicesOfOneSerialNumberAreToldApartByTheirSockets) {
+TEST(PortNumbers, DevicesOfOneSerialNumberAreKeptApartByTheirSockets) {
   const SerialDevice left{.node = u"/dev/ttyUSB0", .serial = u"X_1", .path = u"a", .part = u"00"};
   const SerialDevice right{.node = u"/dev/ttyUSB1", .serial = u"X_1", .path = u"b", .part = u"00"};
   PortNumbers numbers;

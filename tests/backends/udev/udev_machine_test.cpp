@@ -99,7 +99,7 @@ TEST_F(UdevMachine, AnAdapterWithoutASerialNumberIsKnownByItsSocket) {
   EXPECT_THAT(PortsOn(Adapter("ttyUSB0", "1-3", "")), ElementsAre("COM3: /dev/ttyUSB0"));
 }
 
-TEST_F(UdevMachine, ThePortsOfOneAdapterAreToldApart) {
+TEST_F(UdevMachine, ThePortsOfOneAdapterAreKeptApart) {
   const std::string first = Adapter("ttyUSB0", "1-1", "A", "0");
   ASSERT_THAT(PortsOn(first + Adapter("ttyUSB1", "1-1", "A", "1")),
               ElementsAre("COM1: /dev/ttyUSB0", "COM2: /dev/ttyUSB1"));

@@ -28,7 +28,7 @@ TEST(CardMapping, ReadsANameWithoutAllOfItsParts) {
   EXPECT_EQ(NamesOf(Only("N:;Ann;;;")), "|Ann||");
 }
 
-TEST(CardMapping, TakesTheFormattedNameWhereThereIsNoOther) {
+TEST(CardMapping, TakesTheFormattedNameIfThereIsNoOther) {
   EXPECT_EQ(NamesOf(Only("FN:Ann Lee", "4.0")), "|Ann Lee||");
   EXPECT_EQ(NamesOf(Only("N:;;;;\nFN:Ann Lee")), "|Ann Lee||");
   EXPECT_EQ(NamesOf(Only("FN:Ann Lee\nFN;LANGUAGE=de:Anna Lee", "4.0")), "|Ann Lee||");

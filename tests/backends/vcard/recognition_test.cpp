@@ -192,7 +192,7 @@ TEST_F(Recognition, WhoIsLeftOfAUidDoesNotTakeOverTheNumberOfTheOther) {
   EXPECT_EQ(Read({Card("a", u"Robert", u"2")}), Oids{before[1]});
 }
 
-TEST_F(Recognition, CardsOfOneUidAndOneNameAreToldApartByTheirContent) {
+TEST_F(Recognition, CardsOfOneUidAndOneNameAreKeptApartByTheirContent) {
   const Oids before = Read({Card("a", u"Ann", u"1"), Card("a", u"Ann", u"2")});
   EXPECT_EQ(Read({Card("a", u"Ann", u"2"), Card("a", u"Ann", u"1")}), (Oids{before[1], before[0]}));
   EXPECT_EQ(Read({Card("a", u"Ann", u"2")}), Oids{before[1]});

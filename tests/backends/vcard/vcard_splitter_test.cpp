@@ -76,7 +76,7 @@ TEST(VcardSplitter, PassesOverTheByteOrderMarksOfFilesThatWereJoined) {
   EXPECT_FALSE(cards.isDamaged);
 }
 
-TEST(VcardSplitter, AMarkBehindATornFileHidesNoDamage) {
+TEST(VcardSplitter, AMarkAfterATornFileHidesNoDamage) {
   const std::string torn = "BEGIN:VCARD\nTEL:1\n";
   const Cards plain = ReadCards(torn + Named("A"));
   const Cards marked = ReadCards(torn + "\xEF\xBB\xBF" + Named("A"));

@@ -42,7 +42,7 @@ void ExpectData(const Layout& layout, std::uint64_t offset, std::uint64_t bytes)
   EXPECT_EQ(layout->dataBytes, bytes);
 }
 
-TEST(WaveFileLayout, PlainFileHasItsDataBehindFortyFourBytes) {
+TEST(WaveFileLayout, PlainFileHasItsDataAfterFortyFourBytes) {
   ExpectData(Read(RiffWave(kMono, Samples(100))), kPlainHeader, 100);
 }
 
@@ -58,7 +58,7 @@ TEST(WaveFileLayout, OtherChunksAreSkipped) {
   ExpectData(Read(bytes), 12 + 18 + 24 + 12 + 8, 8);
 }
 
-TEST(WaveFileLayout, ByteBehindAnOddChunkIsSkipped) {
+TEST(WaveFileLayout, ByteAfterAnOddChunkIsSkipped) {
   const auto bytes = RiffWave(
       {Chunk("LIST", Samples(3)), Chunk("fmt ", FormatBody(kMono)), Chunk("data", Samples(8))});
   ExpectData(Read(bytes), 12 + 12 + 24 + 8, 8);

@@ -49,7 +49,7 @@ class VoxtrelCpl : public testing::Test {
 constexpr const char* kBegin = "init 1 count 1\nicon <svg \n";
 constexpr const char* kEnd = "stop 0 exit 0\nicon \n";
 
-TEST_F(VoxtrelCpl, TellsNameAndIconWithoutAWindowSystem) {
+TEST_F(VoxtrelCpl, GivesNameAndIconWithoutAWindowSystem) {
   const auto run = Host(0, "");
   EXPECT_EQ(run.exitCode, 0);
   EXPECT_EQ(run.out, std::string(kBegin) + kEnd);

@@ -78,7 +78,7 @@ TEST_F(ConnectionCommands, TheNamesThatTheDialerReadsMeanTheSame) {
   EXPECT_EQ(Stored(u"is_HU"), Bytes(u"1", 4));
 }
 
-TEST_F(ConnectionCommands, AValueThatIsNoChoiceIsWrongUsageToldWithTheChoicesAndStoresNothing) {
+TEST_F(ConnectionCommands, AValueThatIsNoChoiceIsWrongUsageReportedWithTheChoicesAndStoresNothing) {
   const auto run = Run({"connection", "set", "port=COM7:", "stop-bits=3"});
   EXPECT_EQ(run.exitCode, 2);
   EXPECT_THAT(run.err, HasSubstr("stop-bits is one of: 1, 1.5, 2\n"));
@@ -90,7 +90,7 @@ TEST_F(ConnectionCommands, AValueThatIsNoChoiceIsWrongUsageToldWithTheChoicesAnd
   EXPECT_THAT(Stored(u"Com_port"), IsEmpty());
 }
 
-TEST_F(ConnectionCommands, WhatIsNoPortIsWrongUsageAndThePortsAreToldOnce) {
+TEST_F(ConnectionCommands, WhatIsNoPortIsWrongUsageAndThePortsAreListedOnce) {
   ASSERT_EQ(Run({"connection", "show"}).exitCode, 0);
   for (const char* port : {"ttyS0", "COM0:", "COM07:", "COM100:", "COM:", "COM1::", "COMX:", ""}) {
     const auto run = Run({"connection", "set", std::string("port=") + port});
@@ -132,7 +132,7 @@ TEST_F(ConnectionCommands, AnUnknownNameIsWrongUsage) {
   EXPECT_EQ(Run({"connection", "set"}).exitCode, 2);
 }
 
-TEST_F(ConnectionCommands, ADamagedStoreIsToldAndKept) {
+TEST_F(ConnectionCommands, ADamagedStoreIsReportedAndKept) {
   std::filesystem::create_directory(Path("root"));
   const std::string store = Path("root/" + std::string(sqlite::kDatabaseName));
   std::ofstream(store, std::ios::binary) << std::string(5000, 'x');
@@ -169,14 +169,14 @@ TEST_F(ConnectionCommands, SettingsOfOneCommandAreStoredTogetherOrNotAtAll) {
   EXPECT_TRUE(isDone);
 }
 
-TEST_F(ConnectionCommands, WithoutAScreenTheOtherWaysAreTold) {
+TEST_F(ConnectionCommands, WithoutAScreenTheOtherWaysAreReported) {
   const auto run = support::RunProgram({VOXTREL_PROGRAM, "--root", Path("root"), "connection"},
                                        {"DISPLAY=", "WAYLAND_DISPLAY=", "QT_QPA_PLATFORM="});
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_THAT(run.err, HasSubstr("voxtrel connection show"));
 }
 
-TEST_F(ConnectionCommands, AWindowThatCannotBeShownIsToldWithTheOtherWays) {
+TEST_F(ConnectionCommands, AWindowThatCannotBeShownIsReportedWithTheOtherWays) {
   const auto run = support::RunProgram({VOXTREL_PROGRAM, "--root", Path("root"), "connection"},
                                        {"QT_QPA_PLATFORM=nothing-of-that-name"});
   EXPECT_EQ(run.exitCode, 1);

@@ -147,7 +147,7 @@ TEST_F(ContactsCommands, WithoutADesktopTheFileInTheRootFolderIsRead) {
   EXPECT_EQ(List().size(), 2U);
 }
 
-TEST_F(ContactsCommands, ANewcomerIsToldWhereContactsAreLookedFor) {
+TEST_F(ContactsCommands, ANewcomerReadsWhereContactsAreLookedFor) {
   const auto run = Contacts({"contacts", "list", "--json"});
   EXPECT_EQ(run.exitCode, 1);
   ExpectOnlyAnError(run);
@@ -155,7 +155,7 @@ TEST_F(ContactsCommands, ANewcomerIsToldWhereContactsAreLookedFor) {
   EXPECT_THAT(run.err, testing::HasSubstr(Path("root/contacts.vcf")));
 }
 
-TEST_F(ContactsCommands, ADesktopThatDoesNotAnswerIsTold) {
+TEST_F(ContactsCommands, ADesktopThatDoesNotAnswerIsReported) {
   const auto run = Contacts({"--contacts", "eds", "contacts", "list"});
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_THAT(run.err, testing::HasSubstr("do not answer"));

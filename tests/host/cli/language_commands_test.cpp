@@ -38,7 +38,7 @@ TEST_F(LanguageCommands, FindNothingToMendInAShippedTranslation) {
   EXPECT_EQ(RunJson({"language", "check", file}, 0), json({{"findings", json::array()}}));
 }
 
-TEST_F(LanguageCommands, TellWhatToMendWithItsLine) {
+TEST_F(LanguageCommands, SayWhatToMendWithItsLine) {
   const std::string file = Write(FileOf(u"// c\r\nID_TAB_2 An/Aus\r\n"));
   const auto run = Run({"language", "check", file});
   EXPECT_EQ(run.exitCode, 1);
@@ -47,7 +47,7 @@ TEST_F(LanguageCommands, TellWhatToMendWithItsLine) {
   EXPECT_EQ(run.err, "voxtrel: " + file + ": 54 to mend\n");
 }
 
-TEST_F(LanguageCommands, TellWhatToMendToOtherPrograms) {
+TEST_F(LanguageCommands, SayWhatToMendToOtherPrograms) {
   const std::string file = Write(FileOf(u"// c\r\nID_TAB_2 An/Aus\r\n"));
   const json findings = RunJson({"language", "check", file}, 1).at("findings");
   ASSERT_EQ(findings.size(), 54U);
@@ -119,7 +119,7 @@ TEST_F(LanguageCommands, LeaveNoTornTemplateOnAFullDisk) {
   EXPECT_FALSE(std::filesystem::exists(Path("new.lng")));
 }
 
-TEST_F(LanguageCommands, FailWhereTheTemplateCannotBeWritten) {
+TEST_F(LanguageCommands, FailIfTheTemplateCannotBeWritten) {
   const auto run = Run({"language", "template", Path("none") + "/new.lng"});
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_THAT(run.err, HasSubstr("new.lng: it cannot be written"));

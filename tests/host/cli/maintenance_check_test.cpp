@@ -36,7 +36,7 @@ TEST_F(CheckCommand, OfAStoreThatDoesNotExistMakesNone) {
   EXPECT_FALSE(fs::exists(Path("none")));
 }
 
-TEST_F(CheckCommand, TellsEachThingInPlainWordsAndChangesNothing) {
+TEST_F(CheckCommand, SaysEachThingInPlainWordsAndChangesNothing) {
   PutThreeTags();
   fs::remove(Wave("100"));
   fs::resize_file(Template("200"), 20);
@@ -177,7 +177,7 @@ TEST_F(CheckCommand, RepairMakesAFolderThatIsGoneWithItsTemplates) {
   EXPECT_EQ(Run({"tags", "test"}).exitCode, 0);
 }
 
-TEST_F(CheckCommand, ARepairThatFailsTellsTheReason) {
+TEST_F(CheckCommand, ARepairThatFailsGivesTheReason) {
   PutThreeTags();
   fs::remove_all(Folder("Voxtrel_stor"));
   std::ofstream(Folder("Voxtrel_stor")) << "A file in its place.";
@@ -192,7 +192,7 @@ TEST_F(CheckCommand, ARepairThatFailsTellsTheReason) {
   EXPECT_FALSE(RunJson({"check"}, 1)["findings"][1].contains("reason")) << "Nobody tried.";
 }
 
-TEST_F(CheckCommand, ContactsThatAreAwayMakeNobodyGoneAndAreToldWithTheReason) {
+TEST_F(CheckCommand, ContactsThatAreAwayMakeNobodyGoneAndAreReportedWithTheReason) {
   PutThreeTags();
   fs::remove(Path("all.vcf"));
   EXPECT_EQ(Check({}, 1), Lines{"contacts-away "});
@@ -272,7 +272,7 @@ TEST_F(CheckCommand, LooksAtTagsThatAWindowHasInUseAndRepairsNone) {
   EXPECT_FALSE(fs::exists(Template("100")));
 }
 
-TEST_F(CheckCommand, ARootThatIsNoFolderIsTold) {
+TEST_F(CheckCommand, ARootThatIsNoFolderIsReported) {
   std::ofstream(Path("file")) << "x";
   for (const std::string& root : {Path("file"), Path("file/below/it")}) {
     for (const std::vector<std::string>& command : std::vector<std::vector<std::string>>{
@@ -287,7 +287,7 @@ TEST_F(CheckCommand, ARootThatIsNoFolderIsTold) {
   }
 }
 
-TEST_F(CheckCommand, SettingsThatCannotBeReadAreToldWithTheReason) {
+TEST_F(CheckCommand, SettingsThatCannotBeReadAreReportedWithTheReason) {
   PutThreeTags();
   const fs::path store = fs::path(Path("root")) / sqlite::kDatabaseName;
   fs::resize_file(store, 0);

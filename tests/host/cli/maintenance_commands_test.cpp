@@ -83,7 +83,7 @@ TEST_F(MaintenanceCommands, TheAdviceAboutUnreadableTemplatesPutsThemRight) {
   EXPECT_EQ(std::ranges::count(again.out, '\n'), 3);
 }
 
-TEST_F(MaintenanceCommands, TestTellsOfTagsBeyondThoseThatAreCompared) {
+TEST_F(MaintenanceCommands, TestReportsTagsBeyondThoseThatAreCompared) {
   PutThreeTags();
   for (int tag = 1000; tag < 1098; ++tag) {
     PutEntry(std::to_string(tag), m_ann, u"Mobile");
@@ -110,7 +110,7 @@ TEST_F(MaintenanceCommands, TestLeavesOutTagsWhoseContactIsGoneAndDeletesNone) {
   EXPECT_TRUE(HasEntry("100"));
 }
 
-TEST_F(MaintenanceCommands, ReinitDoesNothingWhereTheVersionIsCurrent) {
+TEST_F(MaintenanceCommands, ReinitDoesNothingIfTheVersionIsCurrent) {
   PutThreeTags();
   const auto before = GetFiles();
   EXPECT_EQ(RunJson({"reinit"}, 0), Reinit(false, 3));
@@ -150,7 +150,7 @@ TEST_F(MaintenanceCommands, ForceComputesThemWhateverTheVersionSays) {
   EXPECT_EQ(support::BytesOf(registry, storage::kSetupKey, u"Version_Math").size(), 8U);
 }
 
-TEST_F(MaintenanceCommands, ForceIsDoneOnceWhereTheVersionHasChangedAsWell) {
+TEST_F(MaintenanceCommands, ForceIsDoneOnceIfTheVersionHasChangedAsWell) {
   PutThreeTags();
   PutVersion(u"2");
   EXPECT_EQ(RunJson({"reinit", "--force"}, 0)["ran"], true);
@@ -185,7 +185,7 @@ TEST_F(MaintenanceCommands, ReinitWithoutAnyRecordingEndsWithItsMessage) {
   }
 }
 
-TEST_F(MaintenanceCommands, ATemplateThatCannotBeMadeEndsTheWaitAndIsTold) {
+TEST_F(MaintenanceCommands, ATemplateThatCannotBeMadeEndsTheWaitAndIsReported) {
   PutThreeTags();
   fs::remove(Template("200"));
   fs::create_directory(Template("200"));  // A folder in its place.
@@ -230,7 +230,7 @@ TEST_F(MaintenanceCommands, ReinitNamesTagsWithoutARecording) {
             json::array({{{"tag", "200"}, {"listText", "Bob Ray 5550001 H"}}}));
 }
 
-TEST_F(MaintenanceCommands, AStaleTemplateIsToldWithWhatComputesItAnew) {
+TEST_F(MaintenanceCommands, AStaleTemplateIsReportedWithWhatComputesItAgain) {
   PutThreeTags();
   fs::copy_file(Template("300"), Template("100"), fs::copy_options::overwrite_existing);
   ASSERT_EQ(Check({}, 1), std::vector<std::string>{"template-stale 100"});

@@ -91,7 +91,7 @@ TEST_F(RegistryCommands, WhatWasExportedAndImportedElsewhereIsTheSame) {
   EXPECT_EQ(Run({"registry", "export"}).out, Content(Path("two.reg")));
 }
 
-TEST_F(RegistryCommands, AMistakeIsToldWithItsLineAndChangesNothing) {
+TEST_F(RegistryCommands, AMistakeIsReportedWithItsLineAndChangesNothing) {
   const auto file =
       Put("bad.reg", kHeader + u"[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=hex:01\r\nnonsense\r\n");
   const auto run = Run({"registry", "import", file});
@@ -114,7 +114,7 @@ TEST_F(RegistryCommands, AFileThatIsNotThereCannotBeOpened) {
   EXPECT_THAT(run.err, HasSubstr("cannot be opened"));
 }
 
-TEST_F(RegistryCommands, ADamagedStoreIsToldAndKept) {
+TEST_F(RegistryCommands, ADamagedStoreIsReportedAndKept) {
   std::filesystem::create_directory(Path("root"));
   const std::string damaged(5000, 'x');
   const auto store = PutBytes("root/" + std::string(sqlite::kDatabaseName), damaged);

@@ -23,13 +23,13 @@ class StatusCommands : public CommandFixture {
   }
 };
 
-TEST_F(StatusCommands, TellWhatThereIs) {
+TEST_F(StatusCommands, SayWhatThereIs) {
   const auto run = Status({"--contacts", kContacts, "--microphone", kRecording});
   EXPECT_EQ(run.exitCode, 0);
   EXPECT_EQ(run.out, "Contacts with a telephone number: 8\nMicrophones: 1\n");
 }
 
-TEST_F(StatusCommands, TellWhatIsMissingAndWhatHelps) {
+TEST_F(StatusCommands, SayWhatIsMissingAndWhatHelps) {
   const auto run = Status({});
   EXPECT_EQ(run.exitCode, 0) << "it was asked for and told";
   EXPECT_THAT(run.out, testing::HasSubstr("Contacts: there are no contacts: "));

@@ -47,7 +47,7 @@ TEST_F(TagsDeleteCommands, DeleteRemovesTheTagAndNoOther) {
   EXPECT_TRUE(HasFiles("300"));
 }
 
-TEST_F(TagsDeleteCommands, DeletionIsRefusedWhereNobodyCanBeAsked) {
+TEST_F(TagsDeleteCommands, DeletionIsRefusedIfNobodyCanBeAsked) {
   PutThreeTags();
   const auto one = Run({"tags", "delete", "200"});
   EXPECT_EQ(one.exitCode, 1);

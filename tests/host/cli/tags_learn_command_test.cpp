@@ -70,7 +70,7 @@ TEST_F(TagsLearnCommand, WithoutAKindTakesTheNumberThatStandsFirst) {
   EXPECT_THAT(run.err, HasSubstr("The recording was not played: the loudspeaker could not be"));
 }
 
-TEST_F(TagsLearnCommand, AMissingMicrophoneFileIsToldBeforeAnybodyIsAskedToSpeak) {
+TEST_F(TagsLearnCommand, AMissingMicrophoneFileIsReportedBeforeAnybodyIsAskedToSpeak) {
   const std::string none = Path("none.wav");
   const auto missing = Run({"--microphone", none, "tags", "learn", "--contact", "Ann Lee"});
   EXPECT_EQ(missing.exitCode, 1);
@@ -130,7 +130,7 @@ TEST_F(TagsLearnCommand, TheWholeNameMeansNobodyElseInAnyOrder) {
   EXPECT_THAT(ChooseOnly("b ra").err, HasSubstr("it has: Business, ")) << "Parts of a name.";
 }
 
-TEST_F(TagsLearnCommand, AnUnknownNameIsTold) {
+TEST_F(TagsLearnCommand, AnUnknownNameIsReported) {
   // Neither a contact without a number, nor one that is left open, nor a number of nobody.
   for (const std::string name : {"Hubert", "Silent", "", " ", "4", "99999999999"}) {
     const auto run = ChooseOnly(name);
@@ -140,7 +140,7 @@ TEST_F(TagsLearnCommand, AnUnknownNameIsTold) {
   }
 }
 
-TEST_F(TagsLearnCommand, AKindThatTheContactHasNotIsTold) {
+TEST_F(TagsLearnCommand, AKindThatTheContactHasNotIsReported) {
   // A part of a word could mean several kinds and means none.
   for (const std::string kind : {"Mobile", "Bus", "71"}) {
     const auto run = Run({"tags", "learn", "--contact", "Bob Ray", "--number", kind, "--json"});
@@ -167,7 +167,7 @@ TEST_F(TagsLearnCommand, AsksToSpeakIntoARealMicrophone) {
   EXPECT_THAT(run.err, StartsWith("Say the name now: three seconds are recorded"));
 }
 
-TEST_F(TagsLearnCommand, AMicrophoneFileThatIsNoneIsTold) {
+TEST_F(TagsLearnCommand, AMicrophoneFileThatIsNoneIsReported) {
   const std::string text = Path("text.wav");
   std::ofstream(text) << std::string(50, 'x');
   const auto run = Run({"--microphone", text, "tags", "learn", "--contact", "Bob"});
@@ -213,7 +213,7 @@ TEST_F(TagsLearnCommand, TheHundredAndFirstTagIsRefused) {
   EXPECT_THAT(Run({"tags", "list"}).out, HasSubstr("Learned commands: 100\n"));
 }
 
-TEST_F(TagsLearnCommand, ANewcomerIsToldWhereContactsAreLookedFor) {
+TEST_F(TagsLearnCommand, ANewcomerReadsWhereContactsAreLookedFor) {
   const auto run = support::RunProgram(
       {VOXTREL_PROGRAM, "--root", Path("new"), "tags", "learn", "--contact", "Ann"},
       {"DBUS_SESSION_BUS_ADDRESS=unix:path=" + Path("no-bus"), "HOME=" + Path(""),

@@ -74,7 +74,7 @@ TEST_F(TemplateCommands, LearnShowsASummaryAndAPicture) {
   EXPECT_THAT(run.out, HasSubstr("█"));
 }
 
-TEST_F(TemplateCommands, TheSummaryTellsWhereTheSpeechBeginsAndEnds) {
+TEST_F(TemplateCommands, TheSummarySaysWhereTheSpeechBeginsAndEnds) {
   const std::string wave = CopySample("anna_1.wav");
   EXPECT_THAT(Run({"template", "process", wave, Path("a.st")}).out,
               HasSubstr("Speech    0.00 s to 3.00 s"));
@@ -208,7 +208,7 @@ TEST_F(TemplateCommands, ProcessNamesWarningsOnlyIfThereAreAny) {
                    .contains("warnings"));
 }
 
-TEST_F(TemplateCommands, LearnKeepsTheUncutOriginalIfItIsToldTo) {
+TEST_F(TemplateCommands, LearnKeepsTheUncutOriginalIfItIsAskedTo) {
   const std::string wave = CopySample("anna_1.wav");
   const std::string original = Read(wave);
   EXPECT_EQ(Run({"template", "learn", wave, Path("a.st"), "--keep", Path("uncut.wav")}).exitCode,

@@ -90,7 +90,7 @@ TEST_F(WindowCommands, StartNoPanelButTheOneThatBelongsToThem) {
   }
 }
 
-TEST_F(WindowCommands, SayWhereThePanelIsMissing) {
+TEST_F(WindowCommands, SayIfThePanelIsMissing) {
   const auto run = Window({"open"});
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_THAT(run.err, HasSubstr("voxtrel-panel is not installed"));

@@ -152,7 +152,7 @@ TEST_F(Backends, WhatAnEarlierVersionLeftToTheUmaskIsTightened) {
   EXPECT_EQ(fs::status(m_options.root + "/notes.txt").permissions(), fs::perms(0666));
 }
 
-TEST_F(Backends, WhoeverOnlyReadsTightensNothing) {
+TEST_F(Backends, AReaderTightensNothing) {
   m_options.root = (m_folder.Path() / "root").string();
   std::filesystem::create_directory(m_options.root);
   std::filesystem::permissions(m_options.root, std::filesystem::perms(0755));

@@ -27,7 +27,7 @@ TEST(AppletLibrary, IsNoneWithoutTheEntryFunction) {
   EXPECT_EQ(LoadingProblem(Applet("no-entry")), "is no applet: it has no CPlApplet");
 }
 
-TEST(AppletLibrary, TellsWhyAFileCannotBeLoaded) {
+TEST(AppletLibrary, SaysWhyAFileCannotBeLoaded) {
   EXPECT_TRUE(LoadingProblem(QStringLiteral(__FILE__)).starts_with("cannot be loaded: "));
   EXPECT_TRUE(LoadingProblem(Applet("not-there")).starts_with("cannot be loaded: "));
 }
@@ -45,7 +45,7 @@ TEST(AppletTalk, HoldsTheMessagesInTheOrderOfAControlPanel) {
                                         "6 0 100", "6 1 101", "7 0 0"}));
 }
 
-TEST(AppletTalk, TellsNameIconAndDataOfEveryApplet) {
+TEST(AppletTalk, GivesNameIconAndDataOfEveryApplet) {
   const auto library = Load("good");
   const auto talk = AppletTalk::Begin(*library);
   ASSERT_EQ(ErrorOf(talk), std::nullopt);

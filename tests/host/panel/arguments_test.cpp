@@ -12,7 +12,7 @@ std::variant<panel::Arguments, int> Parse(std::vector<const char*> arguments) {
   return panel::ParseArguments(static_cast<int>(arguments.size()), arguments.data());
 }
 
-TEST(Arguments, AreTheWindowWithTheInstalledAppletsWhereThereAreNone) {
+TEST(Arguments, AreTheWindowWithTheInstalledAppletsIfThereAreNone) {
   const auto parsed = Parse({});
   const auto& arguments = std::get<panel::Arguments>(parsed);
   EXPECT_EQ(arguments.mode, panel::Mode::kShow);

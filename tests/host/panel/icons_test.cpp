@@ -18,7 +18,7 @@ TEST(Icons, ShowAnAppletsDrawing) {
   EXPECT_EQ(image.pixelColor(24, 24), QColor(255, 0, 0));
 }
 
-TEST(Icons, ArePlainWhereThereIsNoDrawing) {
+TEST(Icons, ArePlainIfThereIsNoDrawing) {
   const QImage plain = Shown(panel::PlainIcon());
   ASSERT_FALSE(plain.isNull());
   EXPECT_EQ(Shown(panel::IconOf("")), plain);

@@ -35,7 +35,7 @@ TEST(LibraryReport, ComesBackFromItsBytes) {
   EXPECT_EQ(ErrorOf(*problem), QStringLiteral("a problem"));
 }
 
-TEST(LibraryReport, IsNoneWhereverItIsCutOff) {
+TEST(LibraryReport, IsNoneAtWhateverPlaceItIsCutOff) {
   for (const QByteArray& bytes : {ToBytes(MakeApplets()), ToBytes(MakeProblem())}) {
     for (qsizetype count = 0; count < bytes.size(); ++count) {
       EXPECT_FALSE(FromBytes(bytes.left(count))) << count;
@@ -72,7 +72,7 @@ panel::LibraryReport Ask(const QString& library, const QString& program = panel_
   return report.value_or(platform::Failure(QStringLiteral("no report")));
 }
 
-TEST(Inquiry, TellsTheAppletsOfALibraryWhateverItPrints) {
+TEST(Inquiry, ReportsTheAppletsOfALibraryWhateverItPrints) {
   const panel::LibraryReport report = Ask(Applet("good"));
   ASSERT_EQ(ErrorOf(report), std::nullopt);
   ASSERT_EQ(report->size(), 2U);
@@ -93,11 +93,11 @@ TEST(Inquiry, GivesUpOnALibraryThatHangs) {
             QStringLiteral("does not answer"));
 }
 
-TEST(Inquiry, TellsWhyAFileIsNoApplet) {
+TEST(Inquiry, SaysWhyAFileIsNoApplet) {
   EXPECT_EQ(ErrorOf(Ask(Applet("no-entry"))), QStringLiteral("is no applet: it has no CPlApplet"));
 }
 
-TEST(Inquiry, TellsThatItCannotBeMade) {
+TEST(Inquiry, ReportsThatItCannotBeMade) {
   const panel::LibraryReport report = Ask(Applet("good"), QStringLiteral("/no/such/program"));
   ASSERT_FALSE(report);
   EXPECT_TRUE(report.error().startsWith(QStringLiteral("cannot be asked: ")));

@@ -114,7 +114,7 @@ TEST(OpenedApplet, IsBroughtForwardOnRequest) {
   EXPECT_EQ(opened.WaitForEnd(), Ending::kClosed);
 }
 
-TEST(OpenedApplet, TellsOnceThatItsWindowIsThere) {
+TEST(OpenedApplet, ReportsOnceThatItsWindowIsThere) {
   AppletTrace trace;
   trace.Stay();
   Opened opened("good");
@@ -125,7 +125,7 @@ TEST(OpenedApplet, TellsOnceThatItsWindowIsThere) {
   EXPECT_EQ(opened.GetShowings(), 1);
 }
 
-TEST(OpenedApplet, WithoutAWindowTellsOfNone) {
+TEST(OpenedApplet, WithoutAWindowReportsNone) {
   Opened opened("good");
   EXPECT_EQ(opened.WaitForEnd(), Ending::kClosed);
   EXPECT_EQ(opened.GetShowings(), 0);
@@ -139,7 +139,7 @@ TEST(OpenedApplet, MayEndItsProcess) {
   EXPECT_TRUE(opened.GetMessage().isEmpty());
 }
 
-TEST(OpenedApplet, TellsTheUserWhatFollowsItsName) {
+TEST(OpenedApplet, ShowsTheUserWhatFollowsItsName) {
   testing::internal::CaptureStderr();
   Opened opened("says-at-open");
   EXPECT_EQ(opened.WaitForEnd(), Ending::kClosed);
@@ -148,13 +148,13 @@ TEST(OpenedApplet, TellsTheUserWhatFollowsItsName) {
       << "What is not for the user is handed on, but no command to a terminal.";
 }
 
-TEST(OpenedApplet, TellsWhyALibraryCannotBeOpened) {
+TEST(OpenedApplet, SaysWhyALibraryCannotBeOpened) {
   Opened opened("no-entry");
   EXPECT_EQ(opened.WaitForEnd(), Ending::kFailed);
   EXPECT_EQ(opened.GetMessage(), QStringLiteral("This applet is no applet: it has no CPlApplet."));
 }
 
-TEST(OpenedApplet, TellsThatTheProcessCannotBeMade) {
+TEST(OpenedApplet, ReportsThatTheProcessCannotBeMade) {
   Opened opened("good", std::chrono::minutes(1), QStringLiteral("/no/such/program"));
   EXPECT_EQ(opened.WaitForEnd(), Ending::kNotStarted);
 }

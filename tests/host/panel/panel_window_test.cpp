@@ -112,7 +112,7 @@ TEST_F(Panel, ShowsAToolTipAsItStandsWhateverAFolderIsCalled) {
       << m_list->item(0)->toolTip().toStdString();
 }
 
-TEST_F(Panel, TellsWhereItLookedWhereThereIsNoApplet) {
+TEST_F(Panel, SaysWhereItLookedIfThereIsNoApplet) {
   m_settings.places = {QStringLiteral("/no/such/folder")};
   Show({});
   QString shown;
@@ -246,7 +246,7 @@ TEST_F(Panel, CanBeReadByAScreenReader) {
   EXPECT_EQ(list->child(0)->text(QAccessible::Description), Applet("good"));
 }
 
-TEST_F(Panel, TellsANewcomerWhatIsMissing) {
+TEST_F(Panel, ShowsANewcomerWhatIsMissing) {
   const QTemporaryDir folder;
   QFile script(folder.filePath(QStringLiteral("voxtrel")));
   ASSERT_TRUE(script.open(QIODevice::WriteOnly));

@@ -52,7 +52,7 @@ TEST(PanelProgram, SaysThatTheDisplayCannotBeReached) {
   ExpectWordsOfNoDisplay(RunPanel({}, environment));
 }
 
-TEST(PanelProgram, TellsByItsExitCodeWhetherThereIsADisplay) {
+TEST(PanelProgram, SaysByItsExitCodeWhetherThereIsADisplay) {
   const QStringList probe{QStringLiteral("--probe")};
   EXPECT_EQ(RunPanel(probe, QProcessEnvironment::systemEnvironment()).code, 0);
   EXPECT_EQ(RunPanel(probe, WithoutDisplay()).code, 1);
