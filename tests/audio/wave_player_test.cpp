@@ -183,7 +183,7 @@ TEST_F(WavePlayer, FindsTheDataAfterTheHundredthByte) {
 }
 
 TEST_F(WavePlayer, NeverReadsAfterTheEndOfTheFile) {
-  // The id as the very last bytes, and with half a length behind it.
+  // The id as the very last bytes, and with half a length after it.
   support::Bytes atTheEnd = support::WaveFile({});
   EXPECT_EQ(PlayBytes(support::Bytes(atTheEnd.begin(), atTheEnd.end())), audio::kNotPrepared)
       << "Found, but there is nothing to play.";

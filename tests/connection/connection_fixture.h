@@ -45,7 +45,7 @@ class ConnectionFixture : public testing::Test {
   [[nodiscard]] std::vector<std::byte> Stored(std::u16string_view name) {
     return support::BytesOf(m_registry, storage::kDialerKey, name);
   }
-  /// What a text is as `count` bytes, zeros behind it.
+  /// What a text is as `count` bytes, zeros after it.
   [[nodiscard]] static std::vector<std::byte> Bytes(std::u16string_view text, std::size_t count) {
     std::vector<std::byte> bytes = support::Utf16Bytes(text);
     bytes.resize(count);

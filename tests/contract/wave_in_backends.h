@@ -17,12 +17,12 @@ class WaveInBackend {
   WaveInBackend& operator=(const WaveInBackend&) = delete;
   virtual ~WaveInBackend() = default;
 
-  /// Whether there is a microphone at all; a failure of the test where not.
+  /// Whether there is a microphone at all; a failure of the test if not.
   [[nodiscard]] virtual bool IsReady() const { return true; }
 
   [[nodiscard]] virtual platform::WaveIn& Input() = 0;
 
-  /// Lets some sound reach the microphone, where that takes time.
+  /// Lets some sound reach the microphone, if that takes time.
   virtual void LetSoundPass() {}
 
   /// Takes the microphone away.

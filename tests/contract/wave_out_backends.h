@@ -18,13 +18,13 @@ class WaveOutBackend {
   WaveOutBackend& operator=(const WaveOutBackend&) = delete;
   virtual ~WaveOutBackend() = default;
 
-  /// Whether there is a loudspeaker at all; a failure of the test where not.
+  /// Whether there is a loudspeaker at all; a failure of the test if not.
   [[nodiscard]] virtual bool IsReady() { return true; }
 
   [[nodiscard]] virtual platform::WaveOut& Output() = 0;
 
   /// Whether `sound`, in the recording format, was played without a gap. Listens for a bounded time
-  /// where that takes time.
+  /// if that takes time.
   [[nodiscard]] virtual bool Hears(std::span<const std::byte> sound) = 0;
 
   /// Takes the loudspeaker away.

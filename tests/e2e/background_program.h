@@ -8,7 +8,7 @@
 
 namespace e2e {
 
-/// A program that runs beside the test, and ends with this object, or with the test program
+/// A program that runs next to the test, and ends with this object, or with the test program
 /// whatever becomes of that.
 class BackgroundProgram {
  public:
@@ -27,7 +27,7 @@ class BackgroundProgram {
   void Freeze();
 
  private:
-  pid_t m_process;  ///< 0 or below where there is none any more.
+  pid_t m_process;  ///< 0 or below if there is none any more.
 };
 
 }  // namespace e2e

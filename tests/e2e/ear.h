@@ -15,7 +15,7 @@ class Ear {
  public:
   Ear();
 
-  /// Whether it hears at all; a failure of the test where not.
+  /// Whether it hears at all; a failure of the test if not.
   [[nodiscard]] bool IsListening() const { return m_device != nullptr; }
 
   /// All that it has heard so far.

@@ -30,7 +30,7 @@ struct PulseServerOptions {
 /// whatever becomes of that.
 class PulseServer {
  public:
-  /// Returns when clients can connect. Null, and a failure of the test, where it does not come up.
+  /// Returns when clients can connect. Null, and a failure of the test, if it does not come up.
   [[nodiscard]] static std::unique_ptr<PulseServer> Start(const SoundSession& session,
                                                           const PulseServerOptions& options = {});
 

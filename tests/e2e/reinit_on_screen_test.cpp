@@ -13,7 +13,7 @@ namespace {
 
 constexpr const char* kEnglish = "en";
 
-/// The story in each language, for the eyes of whoever looks at its pictures.
+/// The story in each language, for those who look at its pictures.
 class ReinitOnScreen : public WindowStory, public testing::WithParamInterface<const char*> {
  protected:
   /// The name of a picture of this language.

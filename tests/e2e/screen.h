@@ -22,10 +22,10 @@ struct WindowPlace {
 class Screen {
  public:
   /// Returns when windows can be opened on it; the session's environment leads there from then on.
-  /// Null, and a failure of the test, where it does not come up.
+  /// Null, and a failure of the test, if it does not come up.
   [[nodiscard]] static std::unique_ptr<Screen> Start(SoundSession& session);
 
-  /// The window with that title, awaited for a bounded time; a failure of the test where none
+  /// The window with that title, awaited for a bounded time; a failure of the test if none
   /// comes. Takes the keyboard to it.
   [[nodiscard]] WindowPlace AwaitWindow(const std::string& title) const;
 

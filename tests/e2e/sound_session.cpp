@@ -32,7 +32,7 @@ SoundSession::SoundSession() {
         "PULSE_STATE_PATH", "PULSE_LOG", "PULSE_LOG_SYSLOG", "DISPLAY"}) {
     SetVariable(name, std::nullopt);
   }
-  // Where there is no address at all, windows try to start a bus of their own.
+  // If there is no address at all, windows try to start a bus of their own.
   SetVariable("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + (Folder() / "no-bus").string());
 }
 

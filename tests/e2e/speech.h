@@ -10,7 +10,7 @@
 namespace e2e {
 
 /// `words`, spoken by espeak-ng: signed 16-bit samples in the given form. `folder` takes
-/// intermediate files. Empty, and a failure of the test, where the machine cannot speak.
+/// intermediate files. Empty, and a failure of the test, if the machine cannot speak.
 [[nodiscard]] std::vector<std::byte> Speak(const std::filesystem::path& folder,
                                            const std::string& words, std::uint32_t rate,
                                            std::uint16_t channels);

@@ -7,7 +7,7 @@
 
 namespace e2e {
 
-/// The content of a file; empty where it cannot be read.
+/// The content of a file; empty if it cannot be read.
 [[nodiscard]] inline std::string ReadText(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(file), {}};

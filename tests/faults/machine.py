@@ -9,7 +9,7 @@ import subprocess
 import typing
 
 ERRORS = {"EIO": 5, "ENOSPC": 28, "EACCES": 13, "EMFILE": 24, "ENOMEM": 12}
-# Far above what a run needs on a busy machine: whoever is not done by then waits for ever.
+# Far above what a run needs on a busy machine: a run that is not done by then waits for ever.
 LIMIT_SECONDS = 20
 
 

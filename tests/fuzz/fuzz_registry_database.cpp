@@ -62,7 +62,7 @@ const std::string& RightDatabase(const fs::path& path) {
   return content;
 }
 
-/// Takes bytes from the front of an input, zeros behind its end.
+/// Takes bytes from the front of an input, zeros after its end.
 class Input {
  public:
   explicit Input(Bytes bytes) : m_bytes(bytes) {}

@@ -24,8 +24,8 @@ void Append(Bytes& file, unsigned unit) {
   file.push_back(static_cast<std::byte>(unit >> 8));
 }
 
-/// An input that begins with a zero is the whole file behind it. Any other is what follows the
-/// first line, a character a byte, so that the mistakes behind the header are found soon.
+/// An input that begins with a zero is the whole file after it. Any other is what follows the
+/// first line, a character a byte, so that the mistakes after the header are found soon.
 Bytes ToFile(std::span<const std::byte> input) {
   if (!input.empty() && input.front() == std::byte{0}) {
     return {input.begin() + 1, input.end()};

@@ -1,5 +1,5 @@
 // Takes a wave file of arbitrary bytes for the microphone and for a sound to play: what is heard
-// and played are bytes of the file and silence behind them.
+// and played are bytes of the file and silence after them.
 
 #include <algorithm>
 #include <cstddef>

@@ -35,7 +35,7 @@ bool HasId(Bytes bytes, std::size_t at, std::string_view id) {
   return at + id.size() <= bytes.size() && std::memcmp(&bytes[at], id.data(), id.size()) == 0;
 }
 
-/// Offset of the samples where the header is one to accept. Written apart from the program's own
+/// Offset of the samples if the header is one to accept. Written apart from the program's own
 /// check, so that the two watch each other.
 std::optional<std::size_t> FindSamples(Bytes file) {
   if (file.size() < kHeader || !HasId(file, 0, "RIFF") || !HasId(file, 8, "WAVE") ||

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Writes the start corpora of the fuzz targets anew: excerpts of the sample recordings and files at
+# Writes the start corpora of the fuzz targets again: excerpts of the sample recordings and files at
 # the edges of what the formats allow. Inputs that a run has found are added by hand, with a name
 # that begins with "found_", and stay.
 set -eu # Not pipefail: a "head" that has enough ends the command before it.
@@ -78,7 +78,7 @@ data_at 100 300 >$wave/data_id_behind_the_search
 { head -c 12 $wave/whole.tmp && printf data && little_endian 4 23000 && tail -c +21 $wave/whole.tmp; } \
   >$wave/data_id_at_12
 rm $wave/whole.tmp
-# The samples begin behind byte 44, as in files of other programs.
+# The samples begin after byte 44, as in files of other programs.
 { data_at 92 0 | head -c 96 && little_endian 4 23000 && zeros 11000 && tone 1000 && zeros 10000; } \
   >$wave/data_id_at_92_to_trim
 

@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-/// Ends the run of a fuzz target where `holds` is false; the fuzzer then keeps the input.
+/// Ends the run of a fuzz target if `holds` is false; the fuzzer then keeps the input.
 inline void Require(bool holds, const char* what) {
   if (!holds) {
     std::fprintf(stderr, "does not hold: %s\n", what);

@@ -3,7 +3,7 @@
 #include <string_view>
 
 // Widths in tenths of a pixel, for Tahoma at 8 points and 96 dots an inch: about the mean of the
-// font's own widths in each class of characters. Close enough to tell a word that fits from one
+// font's own widths in each class of characters. Close enough to know a word that fits from one
 // that is cut, which is all that is asked of it.
 
 constexpr int CharacterWidth(char16_t c) {

@@ -6,7 +6,7 @@
 
 #include "language/translation.h"
 
-/// Bytes of a language file that holds `text` behind the byte-order mark.
+/// Bytes of a language file that holds `text` after the byte-order mark.
 inline std::vector<std::byte> FileOf(std::u16string_view text) {
   return language::ToLanguageFile(text);
 }

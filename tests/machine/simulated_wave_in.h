@@ -24,7 +24,7 @@ struct WaveInScript {
   /// calls; without any number the buffer is full at once. Reset brings nothing new.
   std::vector<std::uint32_t> arrivals{};
 
-  // Where one of these is not kOk the operation fails with it and does nothing else. Close is the
+  // If one of these is not kOk the operation fails with it and does nothing else. Close is the
   // exception: a device is given up even so.
   platform::WaveResult open = platform::WaveResult::kOk;
   platform::WaveResult prepare = platform::WaveResult::kOk;
@@ -35,8 +35,8 @@ struct WaveInScript {
   platform::WaveResult close = platform::WaveResult::kOk;
 };
 
-/// A wave input without a device, which does what it was told. It needs no time. It knows how many
-/// devices are open, so that their users can be held to closing them.
+/// A wave input without a device, which does what the test asks for. It needs no time. It knows how
+/// many devices are open, so that their users can be held to closing them.
 class SimulatedWaveIn final : public platform::WaveIn {
  public:
   SimulatedWaveIn() = default;

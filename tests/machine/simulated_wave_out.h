@@ -15,7 +15,7 @@ struct WaveOutScript {
   /// How often Unprepare finds the sound still playing.
   int stillPlaying = 0;
 
-  // Where one of these is not kOk the operation fails with it and does nothing else. Close is the
+  // If one of these is not kOk the operation fails with it and does nothing else. Close is the
   // exception: a device is given up even so.
   platform::WaveResult open = platform::WaveResult::kOk;
   platform::WaveResult prepare = platform::WaveResult::kOk;

@@ -76,7 +76,7 @@ class SimulatedThread final : public platform::Thread {
       return;
     }
     if (!m_scheduler->Abandon(*m_participant)) {
-      // A wait may fail where all threads wait for each other; that wakes the thread as well.
+      // A wait may fail if all threads wait for each other; that wakes the thread as well.
       while (!m_scheduler->IsSet(m_participant->ended)) {
         m_scheduler->Wait(&m_participant->ended, platform::kNoLimit);
       }

@@ -119,7 +119,7 @@ TEST_F(FindNearest, OfSeveralAtOneDistanceTheLowestIndexWins) {
 }
 
 TEST_F(FindNearest, TheOneThatIsSearchedForStandsFirst) {
-  // Of two of the same length the first one slides, with its ends held: not symmetric where they
+  // Of two of the same length the first one slides, with its ends held: not symmetric if they
   // are most alike a frame apart.
   Put(0, {1, 0, 0, 0, 0, 50, 0, 0, 0, 0, 9, 0, 0, 0, 0, 2, 0, 0, 0, 0});
   Put(1, {7, 0, 0, 0, 0, 1, 0, 0, 0, 0, 50, 0, 0, 0, 0, 9, 0, 0, 0, 0});

@@ -17,7 +17,7 @@ class ReinitFixture : public SessionFixture {
   using Story = std::function<void(headless::HeadlessDialog&)>;
 
   /// Returns the result of the dialog. Without a story the user waits for its end, and closes it
-  /// where nothing else can end it. As with the page, it is the same dialog each time.
+  /// if nothing else can end it. As with the page, it is the same dialog each time.
   int Reinitialize(const Story& story = {}) { return ReinitializeOn(m_machine.Get(), story); }
   /// The first time decides about the machine of the dialog.
   int ReinitializeOn(const platform::Platform& platform, const Story& story = {}) {

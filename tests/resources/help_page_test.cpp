@@ -51,7 +51,7 @@ std::string HelpText() {
   return Simplify(Replace(text, "&amp;", "&"));
 }
 
-/// The texts of the literals in a source, where neighbours are one: all but the keys.
+/// The texts of the literals in a source, neighbours joined to one: all but the keys.
 std::set<std::string> TextsIn(const std::string& path) {
   const std::string source = std::regex_replace(ReadAll(path), std::regex("//[^\n]*"), "");
   const std::regex literals("u\"(?:[^\"\\\\]|\\\\.)*\"(?:\\s*u\"(?:[^\"\\\\]|\\\\.)*\")*");

@@ -23,7 +23,7 @@ class HeadlessPlatform {
   /// The platform with these back ends.
   [[nodiscard]] platform::Platform Get() { return GetWith(files, registry); }
 
-  /// Likewise with other files and registry, ones that fail for example.
+  /// The same with another file system and registry, such as ones that fail.
   [[nodiscard]] platform::Platform GetWith(platform::FileSystem& otherFiles,
                                            platform::Registry& otherRegistry) {
     return {otherFiles, waveIn,        simulation, simulation, process,

@@ -49,7 +49,7 @@ namespace support {
   return registry.OpenKey(path).has_value();
 }
 
-/// Makes the key where it is missing and writes one value of it.
+/// Makes the key if it is missing and writes one value of it.
 [[nodiscard]] inline platform::Result<void, platform::RegistryError> Put(
     platform::Registry& registry, std::u16string_view path, std::u16string_view name,
     platform::RegistryType type, const std::vector<std::byte>& bytes) {
@@ -65,7 +65,7 @@ namespace support {
              Utf16Bytes(std::u16string(text) + u'\0'));
 }
 
-/// The value's bytes; none where it cannot be read.
+/// The value's bytes; none if it cannot be read.
 [[nodiscard]] inline std::vector<std::byte> BytesOf(platform::Registry& registry,
                                                     std::u16string_view path,
                                                     std::u16string_view name) {

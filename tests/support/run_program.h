@@ -6,9 +6,9 @@
 namespace support {
 
 struct ProgramRun {
-  int exitCode = -1;  ///< 128 + the signal's number where one ended the program.
+  int exitCode = -1;  ///< 128 + the signal's number if one ended the program.
   /// The most memory that was resident at one time, in KiB: of the program, or of this one's own
-  /// data when it started it, whichever is more.
+  /// data when it started it, the more of both.
   long peakKiB = 0;
   std::string out;
   std::string err;

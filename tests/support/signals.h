@@ -49,7 +49,7 @@ using Bytes = std::vector<std::byte>;
 [[nodiscard]] Bytes BytesOf(std::span<const std::int16_t> samples);
 
 /// A wave file with the header that the recorder writes: 44 bytes, then the samples. The size
-/// behind "RIFF" is that of the whole file.
+/// after "RIFF" is that of the whole file.
 [[nodiscard]] Bytes WaveFile(std::span<const std::int16_t> samples);
 
 /// A wave file whose "data" id stands at `idOffset` (36 to 96, or 12 or 24, where a field that

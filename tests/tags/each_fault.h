@@ -23,7 +23,7 @@ class EachFault : public testing::TestWithParam<Fault> {
   void Run(const std::function<void(FaultyPage&)>& act,
            const std::function<void(FaultyPage&)>& check);
 
-  /// A new tag without any fault, on the page as it is or, where its process ended, on a new one.
+  /// A new tag without any fault, on the page as it is or, if its process ended, on a new one.
   static void ExpectThatATagCanBeLearned(FaultyPage& page);
 
   /// That the entries are those of the table, in its order.

@@ -109,7 +109,7 @@ class DeleteAllFaults : public EachFault {
     EXPECT_EQ(page.Dialog().GetText(kCountLabelId), u"Learned commands: 2");
   }
 
-  /// A file stays with a message about it, or where the search for its kind found nothing at all.
+  /// A file stays with a message about it, or if the search for its kind found nothing at all.
   static void ExpectToldLeftovers(FaultyPage& page, const Texts& before) {
     const Texts messages = page.Messages();
     ASSERT_FALSE(messages.empty());

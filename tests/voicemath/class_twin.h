@@ -14,7 +14,7 @@ namespace voicemath {
 
 enum class Task : std::uint8_t { kLearn, kProcess };
 
-/// CVoiceMathematics over a disk in memory, beside its twin. Everything that a caller can see of
+/// CVoiceMathematics over a disk in memory, next to its twin. Everything that a caller can see of
 /// the one is expected to be as the twin has it.
 class ClassAndTwin {
  public:

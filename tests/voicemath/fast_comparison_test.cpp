@@ -70,7 +70,7 @@ TEST(FastComparison, EqualsItsTwinForAllFrameCountsUpTo63) {
   }
 }
 
-/// Many shifts at nearly the same distance: which of them is the best is decided behind the margin.
+/// Many shifts at nearly the same distance: which of them is the best is decided beyond the margin.
 TEST(FastComparison, EqualsItsTwinIfShiftsAreNearlyAlike) {
   std::mt19937 random(22);
   for (int round = 0; round < 2000; ++round) {
@@ -89,7 +89,7 @@ TEST(FastComparison, EqualsItsTwinIfShiftsAreNearlyAlike) {
 }
 
 /// Templates of spoken names, some said several times: those of like and of unlike words, some
-/// of them of the same length. Fewer where a transform is emulated.
+/// of them of the same length. Fewer if a transform is emulated.
 std::vector<Template> SpokenWords() {
   const std::vector<support::Samples>& recordings = SampleRecordings();
   std::vector<Template> words;

@@ -202,7 +202,7 @@ TEST_F(CVoiceMathematicsTest, ThresholdsComeCloserToTheNearestNeighbourTheMoreTa
   EXPECT_EQ(m_mathematics.m_thresholds[0], nearest - nearest / 2.0F);
   EXPECT_EQ(m_mathematics.m_thresholds[2], 2.0F);
 
-  m_mathematics.m_count = 1000;  // Slots 2 to 99 are empty, and nothing is behind them.
+  m_mathematics.m_count = 1000;  // Slots 2 to 99 are empty, and nothing is after them.
   EXPECT_EQ(m_mathematics.ComputeThresholds(), 1000);
   EXPECT_EQ(m_mathematics.m_thresholds[0], nearest - nearest / 1000.0F);
 }

@@ -21,7 +21,7 @@ constexpr std::array<ControlTemplate, 1> kControls{
     {{kButton, ControlKind::kPushButton, u"Go", {0, 0, 10, 10}}}};
 constexpr resources::DialogTemplate kDialog{7, u"Seven", 100, 100, kControls};
 
-/// Notes what it is told, and does what a test gives it.
+/// Notes each call, and does what a test gives it.
 class NotingDialog final : public framework::CDialog {
  public:
   using Heard = std::vector<std::pair<int, CommandEvent>>;

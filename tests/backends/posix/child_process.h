@@ -18,7 +18,7 @@ class ToTest {
   int m_descriptor;
 };
 
-/// A copy of this process that runs one function and exits with its result. Killed, where it still
+/// A copy of this process that runs one function and exits with its result. Killed, if it still
 /// runs, and waited for at the end. Started while the test has one thread only.
 class ChildProcess {
  public:
@@ -27,7 +27,7 @@ class ChildProcess {
   ChildProcess(const ChildProcess&) = delete;
   ChildProcess& operator=(const ChildProcess&) = delete;
 
-  /// Waits for a word of the child; 0 where it ended without one.
+  /// Waits for a word of the child; 0 if it ended without one.
   [[nodiscard]] char Hear() const;
 
   /// Waits for its end and returns its exit code, or minus the signal that ended it.

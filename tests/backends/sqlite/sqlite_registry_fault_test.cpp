@@ -51,7 +51,7 @@ class SqliteRegistryFaults : public testing::TestWithParam<FaultyFileLayer::Faul
   }
 
   /// Runs `change` over a store with the old text, with its first writing call failing, then its
-  /// second, and so on until none fails. `isDone` tells the new state from the old one.
+  /// second, and so on until none fails. `isDone` knows the new state from the old one.
   void FailEachCall(const std::function<Result<void, RegistryError>(SqliteRegistry&)>& change,
                     const std::function<bool(SqliteRegistry&)>& isDone) {
     std::uint32_t call = 1;

@@ -1,4 +1,4 @@
-# Fails where the library exports anything but its entry.
+# Fails if the library exports anything but its entry.
 #
 #   cmake -DNM=... -DLIBRARY=... -P check_exports.cmake
 execute_process(

@@ -13,7 +13,7 @@ using testing::IsEmpty;
 
 class ConnectionCommands : public CommandFixture {
  protected:
-  /// What the dialer would read, "" where there is nothing.
+  /// What the dialer would read, "" if there is nothing.
   [[nodiscard]] std::vector<std::byte> Stored(std::u16string_view name) const {
     sqlite::SqliteRegistry registry(Path("root") + "/" + std::string(sqlite::kDatabaseName));
     return support::BytesOf(registry, storage::kDialerKey, name);

@@ -14,7 +14,7 @@ using testing::IsEmpty;
 
 class MaintenanceCommands : public MaintenanceFixture {
  protected:
-  /// What is printed where nothing is wrong and each tag has its recording.
+  /// What is printed if nothing is wrong and each tag has its recording.
   [[nodiscard]] static json Reinit(bool hasRun, int tags) {
     return {{"ran", hasRun},
             {"tags", tags},

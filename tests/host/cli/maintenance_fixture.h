@@ -35,7 +35,7 @@ class MaintenanceFixture : public TagsFixture {
     }
     return files;
   }
-  /// The findings as "word tag", with "!" where repaired.
+  /// The findings as "word tag", with "!" if repaired.
   [[nodiscard]] std::vector<std::string> Check(std::vector<std::string> options,
                                                int exitCode) const {
     options.insert(options.begin(), "check");

@@ -78,7 +78,7 @@ TEST_F(TemplateCommands, TheSummarySaysWhereTheSpeechBeginsAndEnds) {
   const std::string wave = CopySample("anna_1.wav");
   EXPECT_THAT(Run({"template", "process", wave, Path("a.st")}).out,
               HasSubstr("Speech    0.00 s to 3.00 s"));
-  // 11,081 samples: the last one ends just behind half a hundredth of a second.
+  // 11,081 samples: the last one ends just after half a hundredth of a second.
   std::fstream(wave, std::ios::binary | std::ios::in | std::ios::out)
       .seekp(40)
       .write("\x92\x56\0\0", 4);

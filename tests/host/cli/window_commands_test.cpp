@@ -7,7 +7,7 @@ namespace {
 
 using testing::HasSubstr;
 
-/// The program on its own, as where nothing else is installed: a copy beside a panel that notes how
+/// The program on its own, as if nothing else were installed: a copy next to a panel that notes how
 /// it was called.
 class WindowCommands : public CommandFixture {
  protected:

@@ -17,7 +17,7 @@ inline QString Applet(const char* fault) {
 
 inline QString Program() { return QStringLiteral(PANEL_PROGRAM); }
 
-/// Serves the event loop until `isReached`; false where a real process takes much too long.
+/// Serves the event loop until `isReached`; false if a real process takes much too long.
 template <typename Condition>
 bool Until(Condition isReached) {
   constexpr qint64 kLongest = 60'000;  // ms
@@ -37,7 +37,7 @@ inline QString ReadAll(const QString& path) {
   return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
 }
 
-/// Where the test applets tell what they were sent, and are told to close.
+/// Where the test applets write what they were sent, and read that they are to close.
 class AppletTrace {
  public:
   AppletTrace() {

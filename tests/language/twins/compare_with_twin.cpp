@@ -19,7 +19,7 @@ bool Same(const char16_t* a, const char16_t* b) {
 }  // namespace
 
 std::string DifferenceFromTwin(std::span<const std::byte> file) {
-  // A copy of exactly this length, so that a sanitizer sees any byte read behind its end.
+  // A copy of exactly this length, so that a sanitizer sees any byte read after its end.
   const std::vector<std::byte> exact(file.begin(), file.end());
   language::LanguageTable table;
   table.LoadFrom(exact);

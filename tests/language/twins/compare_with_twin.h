@@ -6,7 +6,7 @@
 
 namespace twins {
 
-/// Loads `file` into a LanguageTable and into its twin; says what differs, nothing where they
+/// Loads `file` into a LanguageTable and into its twin; says what differs, nothing if they
 /// agree.
 std::string DifferenceFromTwin(std::span<const std::byte> file);
 

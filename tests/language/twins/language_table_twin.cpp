@@ -20,7 +20,7 @@ class Scan {
     return m_end > 2 && Byte(0) == 0xFF && Byte(1) == 0xFE && Byte(2) != 0;
   }
 
-  // A character that lies wholly or half behind the end matches nothing.
+  // A character that lies wholly or half after the end matches nothing.
   bool Is(Position at, char16_t wanted) const { return at + 2 <= m_end && Character(at) == wanted; }
 
   bool IsBlank(Position at) const { return Is(at, u' ') || Is(at, u'\t'); }

@@ -18,7 +18,7 @@ class ByteFile {
   [[nodiscard]] std::uint64_t Length() const { return m_bytes.size(); }
   [[nodiscard]] const Bytes& Content() const { return m_bytes; }
 
-  /// The position may lie behind the end.
+  /// The position may lie after the end.
   void Seek(std::uint64_t offset) { m_position = offset; }
 
   /// Reads what is there, at most `into.size()` bytes; the rest of `into` stays as it was.

@@ -69,7 +69,7 @@ Template ComputeTemplate(ByteFile& file, const Wave& wave) {
     file.Seek(wave.dataOffset + (std::uint64_t{wave.firstSample} + 512ULL * f) * 2);
     file.Read(buffer);  // What the file lacks stays as the frame before left it.
     // The same bytes give the same bands. A wrapped frame count asks for tens of thousands of
-    // frames behind the end of the file, and would take minutes on a slow machine.
+    // frames after the end of the file, and would take minutes on a slow machine.
     if (f == 0 || buffer != before) {
       std::array<std::int16_t, 1024> frame{};
       for (std::size_t i = 0; i < frame.size(); ++i) {

@@ -15,7 +15,7 @@ struct Template {
   std::vector<float> values;
 };
 
-/// What the transform of a frame works on. Whoever transforms many keeps one for all of them.
+/// What the transform of a frame works on. A caller that transforms many keeps one for all of them.
 struct FrameBuffers {
   std::vector<float> real = std::vector<float>(1024);
   std::vector<float> imaginary = std::vector<float>(1024);

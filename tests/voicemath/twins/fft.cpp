@@ -13,7 +13,7 @@ static_assert(FLT_EVAL_METHOD == 0);
 constexpr float kPi = 3.14159265358979323846F;
 
 // Four products, one difference and one sum, six roundings. The library's complex product is not
-// used: it looks for infinities, and may take another path where it finds a NaN.
+// used: it looks for infinities, and may take another path if it finds a NaN.
 Complex Product(Complex x, Complex y) {
   const float realReal = x.real * y.real;
   const float imaginaryImaginary = x.imaginary * y.imaginary;

@@ -8,7 +8,7 @@
 
 namespace twins {
 
-/// 0 for the same shape, at most 2.0. `a` counts as the shorter one where both have the same
+/// 0 for the same shape, at most 2.0. `a` counts as the shorter one if both have the same
 /// number of frames.
 [[nodiscard]] float CompareTemplates(const Template& a, const Template& b);
 

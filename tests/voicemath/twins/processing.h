@@ -9,7 +9,7 @@ namespace twins {
 /// What is to be seen after one wave file was made into a template.
 struct Processed {
   int result = 0;                 ///< 0 done, 1 slot above 100, 2 not to be processed.
-  int headerCode = 0;             ///< Where the header was looked at.
+  int headerCode = 0;             ///< If the header was looked at.
   std::uint32_t firstSample = 0;  ///< The segment as it was found, before trimming.
   std::uint32_t lastSample = 0;
   Bytes after;  ///< The wave file.

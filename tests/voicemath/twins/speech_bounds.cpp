@@ -93,7 +93,7 @@ void FindEnds(SpeechSearch& search) {
   for (std::int64_t b = std::min(c + 200, blocks - 1); b > c + 20; --b) {
     search.rightMass += Clipped(search, b);
   }
-  // Cut to 16 bits before they are turned into samples: behind block 32,767 they wrap.
+  // Cut to 16 bits before they are turned into samples: after block 32,767 they wrap.
   search.left = static_cast<std::int16_t>(c - search.leftMass / search.clip - 20);
   search.right = static_cast<std::int16_t>(c + search.rightMass / search.clip + 20);
 }

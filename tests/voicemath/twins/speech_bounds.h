@@ -16,10 +16,10 @@ namespace twins {
 [[nodiscard]] std::vector<std::int16_t> RawEnvelope(ByteFile& file, const Wave& wave);
 
 /// Everything that the search for the spoken part forms on its way, so that a difference can be
-/// traced to the step that makes it. Where the search ends early, the later fields are zero.
+/// traced to the step that makes it. If the search ends early, the later fields are zero.
 struct SpeechSearch {
   std::vector<std::int16_t> smoothed;
-  std::vector<std::int16_t> cleared;  ///< Without its noise; where the search ends early, smoothed.
+  std::vector<std::int16_t> cleared;  ///< Without its noise; if the search ends early, smoothed.
   std::int16_t peak = 0;
   std::uint32_t peakBlock = 0;
   std::int16_t binWidth = 0;

@@ -15,8 +15,8 @@ void TrimWaveFile(ByteFile& file, Wave& wave) {
   }
   const std::uint32_t samples = last - first + 1;
   std::array<std::byte, 2048> buffer{};
-  // One pass more than there are full buffers. Reading and writing go through the same file: where
-  // the samples began before byte 44, a pass reads what the pass before it wrote. Where the file
+  // One pass more than there are full buffers. Reading and writing go through the same file: if
+  // the samples began before byte 44, a pass reads what the pass before it wrote. If the file
   // ends early, the buffer keeps samples of the pass before, and they are written.
   for (std::uint32_t i = 0; i <= samples / 1024; ++i) {
     const std::uint32_t count = std::min<std::uint32_t>(samples - 1024 * i, 1024);

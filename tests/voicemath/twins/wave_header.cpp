@@ -42,7 +42,7 @@ Wave CheckHeader(ByteFile& file) {
     if (!TextAt(start, k, "data")) {
       continue;
     }
-    // The size behind an id at 96 lies behind the buffer. What the file lacks of it is zero.
+    // The size after an id at 96 lies after the buffer. What the file lacks of it is zero.
     std::array<std::byte, 4> size{};
     file.Seek(k + 4);
     file.Read(size);

@@ -20,7 +20,7 @@ struct Wave {
 /// 16 bits, 7 no "data" at a multiple of four below 100, or more data than the file is long.
 [[nodiscard]] Wave CheckHeader(ByteFile& file);
 
-/// The 44 bytes in front of `dataBytes` bytes of samples. The size behind "RIFF" is that of the
+/// The 44 bytes in front of `dataBytes` bytes of samples. The size after "RIFF" is that of the
 /// whole file.
 [[nodiscard]] Bytes HeaderFor(std::uint32_t dataBytes);
 
