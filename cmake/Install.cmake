@@ -3,7 +3,7 @@
 #
 #   bin/voxtrel, bin/voxtrel-connection, bin/voxtrel-panel
 #   lib/voxtrel/voxtrel.cpl
-#   lib/voxtrel/voxtrel-ebook.so: loaded when the desktop's address books are wanted
+#   lib/voxtrel/voxtrel-ebook.so: loaded when the desktop's address books are first asked for
 #   share/voxtrel/{help,languages,samples}
 #   share/applications, share/icons: what a desktop shows
 

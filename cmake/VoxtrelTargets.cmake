@@ -11,8 +11,8 @@ find_package(Threads REQUIRED)
 # Options of every target of the project. Contraction to fused operations is off everywhere, since
 # each rounding of the speech mathematics is part of its behaviour.
 add_library(voxtrel_options INTERFACE)
-# All code can be moved as that of a library: the windows' library asks for it, and the precompiled
-# header fits only what is compiled alike.
+# All code is position-independent: the windows' library asks for it, and the precompiled header fits
+# only code that is compiled alike.
 target_compile_options(
   voxtrel_options
   INTERFACE -Wall
@@ -30,7 +30,7 @@ target_compile_options(
             -fPIC
             -ffp-contract=off
             -fno-fast-math)
-# The warnings that g++ 12 draws from following the flow of optimised code are shown and are no
+# g++ 12 gives some warnings because it follows the flow of optimised code. They are shown and are no
 # errors. About the strings and vectors of its own library they are wrong (restrict, array-bounds),
 # differently at each level of optimisation, and about tests that replace operator new as well.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
@@ -86,9 +86,9 @@ if(CMAKE_SYSTEM_NAME STREQUAL "Linux"
   set(VOXTREL_TWO_VECTOR_WIDTHS ON)
 endif()
 
-# Joined, the files of a target share one reading of the headers, which is most of the work. Their
-# helpers need names of their own then. Each file is compiled by itself in `dev`, where an include
-# that is missing shows.
+# If the files of a target are joined, the compiler reads their headers once, which is most of its work.
+# Their helpers then need names of their own. The build `dev` compiles each file by itself and shows an
+# include that is missing.
 option(VOXTREL_JOIN_PROGRAM "Compile the files of each library of the program as one" OFF)
 option(VOXTREL_JOIN_TESTS "Compile the files of each test program as one" OFF)
 
@@ -96,7 +96,7 @@ option(VOXTREL_JOIN_TESTS "Compile the files of each test program as one" OFF)
 function(voxtrel_join part name)
   set_target_properties(${name} PROPERTIES UNITY_BUILD "${VOXTREL_JOIN_${part}}"
                                            UNITY_BUILD_BATCH_SIZE 0)
-  # Which takes what lies in a joined file for what lies in a header.
+  # The warning takes what lies in a joined file for what lies in a header.
   if(VOXTREL_JOIN_${part} AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     target_compile_options(${name} PRIVATE -Wno-subobject-linkage)
   endif()
@@ -152,10 +152,9 @@ add_custom_target(emulated_tests)
 add_custom_target(release_tests)
 add_dependencies(release_tests bits_tests)
 
-# What is tested is optimised; what tests it is hardly, since it is compiled more often than it runs,
-# unless the processor is emulated, which makes it slow. For the same reason the sanitizer of undefined
-# behaviour watches the program alone, and tests that run under a sanitizer have no lines for a debugger:
-# the build `dev` has them.
+# Tests are hardly optimised, since they are compiled more often than they run. They are if the processor
+# is emulated, which makes it slow. For the same reason the sanitizer of undefined behaviour watches the
+# program alone. Tests under a sanitizer have no lines for a debugger: the build `dev` has them.
 function(voxtrel_test_options name)
   if(VOXTREL_SANITIZE)
     set_target_properties(${name} PROPERTIES VOXTREL_IS_TEST ON)
@@ -228,8 +227,8 @@ function(voxtrel_test name)
   if("program" IN_LIST ARG_LABELS)
     add_dependencies(release_tests ${name})
   endif()
-  # A list does not survive the discovery: its second label would be taken for a property's name. As
-  # ctest selects labels by regular expression, each one is found in the joined text.
+  # The discovery would take the second label of a list for the name of a property. So the labels are
+  # joined to one text: ctest selects labels by regular expression and finds each of them there.
   list(JOIN ARG_LABELS "+" labels)
   if(VOXTREL_TEST_PROGRAMS AND ARG_SHARDS)
     math(EXPR last "${ARG_SHARDS} - 1")

@@ -39,8 +39,8 @@ of_one() { # COUNTER TIMES TOGETHER PROGRAM JOB WAY
   echo $(((many - one) / times / together))
 }
 
-# JOB: together, runs of the product's way, runs of the literal one; none of that on ARM, where the
-# literal dialog takes an hour.
+# Counts the instructions of a job. One call makes TOGETHER of it. PRODUCT and LITERAL say how often
+# each way is run. On ARM the literal dialog is left out, since it takes an hour.
 count() { # JOB TOGETHER PRODUCT LITERAL
   local job=$1 together=$2 way times literal_on_arm=1
   [ "$job" != 'test dialog' ] || literal_on_arm=0
@@ -69,7 +69,7 @@ $programs/voicemath_table_narrow 2>"$work/messages" >"$work/narrow"
   count 'test dialog' 1 10 1
 } >"$work/counts"
 
-# The tables have columns of fixed width; the name of a job stands in its first line only.
+# The tables have columns of fixed width. The name of a job stands only in its first line.
 awk '
   function trimmed(text) { sub(/ +$/, "", text); sub(/^ +/, "", text); return text }
   FILENAME ~ /counts$/ {

@@ -76,8 +76,8 @@ apt_get() {
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT
 echo "Installing: ${missing[*]}"
-# The package lists of a new machine are empty and those of an old one out of date; either shows as
-# a failure of the first attempt.
+# The package lists of a new machine are empty, and those of an old one are out of date. In both cases
+# the first attempt fails.
 if ! apt_get install -y -q --no-install-recommends "${missing[@]}" >"$log" 2>&1; then
   echo "Refreshing the package lists first"
   if ! { apt_get update -q &&

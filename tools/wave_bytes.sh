@@ -1,4 +1,4 @@
-# Functions for scripts that write wave files; to be sourced.
+# Functions for scripts that write wave files. Source this file.
 
 little_endian() { # WIDTH VALUE
   local i byte bytes=
@@ -10,7 +10,7 @@ little_endian() { # WIDTH VALUE
 }
 
 # The header as the recorder writes it: the RIFF size field holds the length of the whole file,
-# not the customary length less 8.
+# and not that length less 8 as is usual.
 wave_header() { # DATA_BYTES
   printf RIFF
   little_endian 4 $(($1 + 44))
