@@ -166,7 +166,7 @@ class Checker {
       Report(StoreProblem::kRecordingEmpty, tag);
       return false;
     }
-    if (review && review->isSilent) {
+    if (review && review->isConstant) {
       Report(StoreProblem::kRecordingSilent, tag);
     }
     if (m_mathematics.ReadFile(kComputedSlot) != voicemath::kLearned) {

@@ -36,4 +36,21 @@ struct Neighbour {
     std::span<const PreparedTemplate> templates, std::span<Neighbour> nearest,
     const SearchWatch& watch = {});
 
+/// Returns how far an utterance may be from a template to be accepted as its name, if the nearest
+/// other one of `count` templates is `nearest` away.
+[[nodiscard]] inline float AcceptanceDistance(float nearest, std::int32_t count) {
+  const float share = nearest / static_cast<float>(count);
+  return nearest - share;
+}
+
+/// Of the repetitions of a name by one speaker two in three are nearer to its template than this
+/// (docs/quality.md).
+inline constexpr float kRepetitionDistance = 0.15F;
+
+/// Whether two of `count` templates are so near to each other that the acceptance distance between
+/// them leaves no room for a repetition: it is refused, or taken for the other name.
+[[nodiscard]] inline bool AreTooAlike(float distance, std::int32_t count) {
+  return AcceptanceDistance(distance, count) < kRepetitionDistance;
+}
+
 }  // namespace voicemath

@@ -2,9 +2,10 @@
 
 #include <algorithm>
 #include <array>
-#include <optional>
+#include <cmath>
+#include <functional>
+#include <vector>
 
-#include "audio/wave_header.h"
 #include "platform/file_system.h"
 #include "voicemath/sample_file.h"
 
@@ -24,29 +25,24 @@ Result<std::uint32_t, FileError> ReadRate(framework::CFile& file) {
   });
 }
 
-/// Returns whether the samples from `offset` on, as far as the file holds them, are all alike.
-Result<bool, FileError> AreAllAlike(framework::CFile& file, std::uint64_t offset,
-                                    std::uint32_t samples) {
+/// Returns the samples from `offset` on, at most `most` of them, as far as the file holds them.
+Result<std::vector<std::int16_t>, FileError> ReadSamples(framework::CFile& file,
+                                                         std::uint64_t offset, std::size_t most) {
   SampleBuffer<kFrameSamples> buffer;
-  std::optional<std::int16_t> first;
-  for (std::size_t done = 0; done < samples; done += kFrameSamples) {
-    const auto bytes = ReadAt(file, offset + done * kSampleBytes, buffer.Bytes());
+  std::vector<std::int16_t> samples;
+  while (samples.size() < most) {
+    const auto bytes = ReadAt(file, offset + samples.size() * kSampleBytes, buffer.Bytes());
     if (!bytes) {
       return Failure(bytes.error());
     }
-    const std::size_t count = std::min(samples - done, *bytes / kSampleBytes);
+    const std::size_t count = std::min(most - samples.size(), *bytes / kSampleBytes);
     const auto read = buffer.Decode().first(count);
+    samples.insert(samples.end(), read.begin(), read.end());
     if (read.empty()) {
       break;
     }
-    if (!first) {
-      first = read.front();
-    }
-    if (!std::ranges::all_of(read, [&](std::int16_t sample) { return sample == *first; })) {
-      return false;
-    }
   }
-  return true;
+  return samples;
 }
 
 Result<RecordingReview, ReviewError> ReviewOpened(CVoiceMathematics& mathematics,
@@ -57,8 +53,9 @@ Result<RecordingReview, ReviewError> ReviewOpened(CVoiceMathematics& mathematics
   RecordingReview review;
   review.samples = mathematics.m_dataBytes / static_cast<std::uint32_t>(kSampleBytes);
   const auto rate = ReadRate(mathematics.m_file);
-  const auto isSilent = AreAllAlike(mathematics.m_file, mathematics.m_dataOffset, review.samples);
-  if (!rate || !isSilent || (findsSpeech && !mathematics.DetectSpeechBounds())) {
+  const auto samples = ReadSamples(mathematics.m_file, mathematics.m_dataOffset,
+                                   std::min(review.samples, kLongSamples));
+  if (!rate || !samples || (findsSpeech && !mathematics.DetectSpeechBounds())) {
     return Failure(ReviewError::kNotRead);
   }
   review.rate = *rate;
@@ -67,8 +64,8 @@ Result<RecordingReview, ReviewError> ReviewOpened(CVoiceMathematics& mathematics
   const std::uint32_t taken = review.segment.last - review.segment.first + 1;
   review.isEmpty = taken < kFrameHop;
   review.hasNoFrame = !review.isEmpty && taken < kFrameSamples;
-  review.hasOtherRate = review.rate != audio::kRecordingRate;
-  review.isSilent = *isSilent;
+  review.quality = JudgeTake({.samples = *samples, .rate = *rate});
+  review.isConstant = std::ranges::adjacent_find(*samples, std::not_equal_to()) == samples->end();
   review.isLong = review.samples > kLongSamples;
   review.isSpeechTooLate = findsSpeech && !mathematics.m_hasSpeechPlace;
   return review;
@@ -84,6 +81,22 @@ Result<RecordingReview, ReviewError> ReviewRecording(CVoiceMathematics& mathemat
   auto review = ReviewOpened(mathematics, findsSpeech);
   mathematics.m_file.Close();
   return review;
+}
+
+Result<TakeQuality, ReviewError> JudgeRecording(CVoiceMathematics& mathematics) {
+  if (!mathematics.m_file.Open(mathematics.m_wavePath, framework::CFile::modeRead)) {
+    return Failure(ReviewError::kNotOpened);
+  }
+  const int code = mathematics.OpenWaveData();
+  mathematics.m_file.Close();
+  if (code == kHeaderAccepted) {
+    return ReviewRecording(mathematics, false).map([](const RecordingReview& review) {
+      return review.quality;
+    });
+  }
+  TakeQuality quality{.verdicts = {}, .peakDb = std::nan(""), .snrDb = std::nan("")};
+  quality.Add(code == kTooShort || code == kNoData ? Verdict::kInterrupted : Verdict::kRate);
+  return quality;
 }
 
 }  // namespace voicemath

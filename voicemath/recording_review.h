@@ -3,6 +3,7 @@
 #include <cstdint>
 #include "platform/result.h"
 #include "voicemath/endpoint_detector.h"
+#include "voicemath/take_quality.h"
 #include "voicemath/voice_mathematics.h"
 
 namespace voicemath {
@@ -18,11 +19,12 @@ struct RecordingReview {
   /// The template is made of these, counted in the file as it is.
   Segment segment;
 
-  bool isEmpty = false;       ///< Less than a hop: the number of frames is a wrapped one.
-  bool hasNoFrame = false;    ///< Less than a frame: the template holds nothing.
-  bool hasOtherRate = false;  ///< The samples are taken for 11,025 a second nevertheless.
-  bool isSilent = false;      ///< All samples are alike.
-  bool isLong = false;        ///< More than kLongSamples.
+  TakeQuality quality;  ///< Of the first kLongSamples.
+
+  bool isEmpty = false;     ///< Less than a hop: the number of frames is a wrapped one.
+  bool hasNoFrame = false;  ///< Less than a frame: the template holds nothing.
+  bool isConstant = false;  ///< The first kLongSamples are all alike.
+  bool isLong = false;      ///< More than kLongSamples.
   /// The speech ends too late for the 16-bit block numbers; what is taken is not the speech. See
   /// SpeechBlocks::HavePlace.
   bool isSpeechTooLate = false;
@@ -40,5 +42,11 @@ enum class ReviewError : std::uint8_t {
 /// no slot.
 [[nodiscard]] platform::Result<RecordingReview, ReviewError> ReviewRecording(
     CVoiceMathematics& mathematics, bool findsSpeech);
+
+/// Judges the recording `mathematics.m_wavePath`, also one that LearnFile would refuse: a wave file
+/// that is shorter than it says was interrupted, and any other file has the wrong form. Of such a
+/// file there is neither peak nor distance from the room (NaN).
+[[nodiscard]] platform::Result<TakeQuality, ReviewError> JudgeRecording(
+    CVoiceMathematics& mathematics);
 
 }  // namespace voicemath

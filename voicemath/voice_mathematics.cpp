@@ -137,9 +137,7 @@ std::int32_t CVoiceMathematics::ComputeThresholds() {
     // Nobody watches, so nobody stops it.
     static_cast<void>(FindNearest(std::span(nearest).first(stored)));
     for (std::size_t slot = 0; slot < stored; ++slot) {
-      const float distance = nearest[slot].distance;
-      const float share = distance / static_cast<float>(m_count);
-      m_thresholds[slot] = distance - share;
+      m_thresholds[slot] = AcceptanceDistance(nearest[slot].distance, m_count);
     }
   }
   return m_count;

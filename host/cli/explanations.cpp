@@ -2,7 +2,10 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "audio/wave_device.h"
+#include "audio/wave_header.h"
 #include "host/cli/output.h"
 #include "voicemath/constants.h"
 
@@ -109,13 +112,15 @@ std::string RecordCodeInWords(int code) {
 /// it.
 std::vector<std::string> DescribeOddities(const voicemath::RecordingReview& review) {
   std::vector<std::string> sentences;
-  if (review.hasOtherRate) {
+  if (review.rate != audio::kRecordingRate) {
     sentences.push_back(fmt::format(
         "it has {} samples a second, which are taken for 11025; its template fits no speech",
         review.rate));
   }
-  if (review.isSilent && !review.isEmpty) {
-    sentences.emplace_back("it is silent: all its samples are alike");
+  if (std::ranges::find(review.quality.verdicts, voicemath::Verdict::kSilent) !=
+          review.quality.verdicts.end() &&
+      !review.isEmpty) {
+    sentences.emplace_back("it is silent");
   }
   if (review.isLong) {
     sentences.push_back(

@@ -8,6 +8,7 @@ namespace {
 using support::ErrorOf;
 using voicemath::RecordingReview;
 using voicemath::ReviewError;
+using voicemath::Verdict;
 
 class RecordingReviewTest : public MathematicsFixture {
  protected:
@@ -31,8 +32,7 @@ class RecordingReviewTest : public MathematicsFixture {
   static void ExpectNothingOdd(const RecordingReview& review) {
     EXPECT_FALSE(review.isEmpty);
     EXPECT_FALSE(review.hasNoFrame);
-    EXPECT_FALSE(review.hasOtherRate);
-    EXPECT_FALSE(review.isSilent);
+    EXPECT_FALSE(review.isConstant);
     EXPECT_FALSE(review.isLong);
     EXPECT_FALSE(review.isSpeechTooLate);
   }
@@ -45,6 +45,7 @@ class RecordingReviewTest : public MathematicsFixture {
 TEST_F(RecordingReviewTest, FindsNothingOddInASpokenNameAndSaysWhatWillBeTaken) {
   const RecordingReview review = Review(SpeechAt(12000, 33075));
   ExpectNothingOdd(review);
+  EXPECT_TRUE(review.quality.verdicts.empty());
   EXPECT_EQ(review.rate, 11025U);
   EXPECT_EQ(review.samples, 33075U);
   ASSERT_EQ(m_mathematics.LearnFile(0), voicemath::kLearned);
@@ -75,16 +76,40 @@ TEST_F(RecordingReviewTest, AnotherRateIsNamed) {
   file[25] = std::byte{0xAC};
   PutWaveBytes(file);
   const RecordingReview review = ReviewFile();
-  EXPECT_TRUE(review.hasOtherRate);
+  EXPECT_EQ(review.quality.verdicts.front(), Verdict::kRate);
   EXPECT_EQ(review.rate, 44100U);
 }
 
-TEST_F(RecordingReviewTest, OnlySamplesThatAreAllAlikeAreSilence) {
-  EXPECT_TRUE(Review(support::Constant(33075, 0)).isSilent);
-  EXPECT_TRUE(Review(support::Constant(33075, -77)).isSilent);
+TEST_F(RecordingReviewTest, OnlySamplesThatAreAllAlikeAreConstant) {
+  EXPECT_TRUE(Review(support::Constant(33075, 0)).isConstant);
+  EXPECT_TRUE(Review(support::Constant(33075, -77)).isConstant);
   support::Samples samples = support::Constant(33075, 0);
   samples.back() = 1;
-  EXPECT_FALSE(Review(samples).isSilent);
+  EXPECT_FALSE(Review(samples).isConstant);
+}
+
+TEST_F(RecordingReviewTest, AFewStepsOfNoiseAreSilentAndNotConstant) {
+  const RecordingReview review = Review(support::Noise(33075, 1, 1));
+  EXPECT_EQ(review.quality.verdicts, std::vector{Verdict::kSilent});
+  EXPECT_FALSE(review.isConstant);
+}
+
+TEST_F(RecordingReviewTest, ARecordingThatTheHeaderRulesOutIsJudgedByWhatItLacks) {
+  support::Bytes file = support::WaveFile(SpeechAt(12000, 33075));
+  const auto judge = [&](const support::Bytes& bytes) {
+    PutWaveBytes(bytes);
+    return voicemath::JudgeRecording(m_mathematics).value().verdicts;
+  };
+  EXPECT_TRUE(judge(file).empty());
+  support::Bytes stereo = file;
+  stereo[22] = std::byte{2};
+  EXPECT_EQ(judge(stereo), std::vector{Verdict::kRate});
+  const support::Bytes torn(file.begin(), file.begin() + 20000);
+  EXPECT_EQ(judge(torn), std::vector{Verdict::kInterrupted});
+  EXPECT_EQ(judge({}), std::vector{Verdict::kInterrupted});
+  m_mathematics.m_wavePath = u"/missing.wav";
+  EXPECT_EQ(ErrorOf(voicemath::JudgeRecording(m_mathematics)), ReviewError::kNotOpened);
+  EXPECT_EQ(m_files.CountOpenHandles(), 0U);
 }
 
 TEST_F(RecordingReviewTest, MoreThanAMinuteIsLong) {

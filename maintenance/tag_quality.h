@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "platform/platform.h"
+#include "platform/result.h"
+#include "storage/tag_entry.h"
+#include "voicemath/recording_review.h"
+#include "voicemath/take_quality.h"
+
+namespace maintenance {
+
+/// A tag of the store that is to be judged.
+struct JudgedTag {
+  std::u16string name;
+  storage::TagEntry entry;
+};
+
+/// A tag of another number that the dialer may take for this one.
+struct AlikeTag {
+  std::size_t index = 0;  ///< Among the tags that were judged.
+  float distance = 0.0F;
+};
+
+/// What is known of how good a tag is.
+struct TagQuality {
+  /// Of the recording. An error if there is none that can be read; the check of the store reports
+  /// that.
+  platform::Result<voicemath::TakeQuality, voicemath::ReviewError> take;
+  std::vector<AlikeTag> tooAlike;  ///< The most alike first.
+
+  /// Whether there is anything to warn of.
+  [[nodiscard]] bool HasVerdicts() const { return take && !take->verdicts.empty(); }
+};
+
+/// Judges every tag: its recording, and its template next to those of the other tags. Two tags of
+/// one number are not compared, since the dialer calls that number for both. A template that cannot
+/// be read is like no other; so are those of tags after the first voicemath::kMostTemplates.
+/// Changes nothing and shows nothing: message boxes go to the `ui` of `platform`, and there are
+/// none for files that can be opened.
+[[nodiscard]] std::vector<TagQuality> JudgeTags(const platform::Platform& platform,
+                                                std::span<const JudgedTag> tags);
+
+/// Judges only `tags[index]`, next to the others.
+[[nodiscard]] TagQuality JudgeTag(const platform::Platform& platform,
+                                  std::span<const JudgedTag> tags, std::size_t index);
+
+}  // namespace maintenance
