@@ -14,6 +14,7 @@
 #include "backends/text/utf.h"
 #include "host/cli/contacts_commands.h"
 #include "host/cli/output.h"
+#include "host/cli/quality_output.h"
 #include "maintenance/store_check.h"
 #include "storage/deletion.h"
 #include "storage/folders.h"
@@ -21,6 +22,7 @@
 #include "storage/tag_store.h"
 #include "tags/contact_reading.h"
 #include "tags/page_one.h"
+#include "tags/tag_reader.h"
 
 namespace cli {
 namespace {
@@ -38,9 +40,17 @@ struct CheckedFinding {
   std::string reason;  ///< Why it could not be repaired; empty if nothing was tried.
 };
 
+/// What could be better about the recording of a tag. Nothing is wrong with the store then.
+struct Advice {
+  tags::ListedTag tag;
+  Json quality;
+  std::vector<std::string> sentences;
+};
+
 struct CheckedStore {
   std::uint32_t tagCount = 0;
   std::vector<CheckedFinding> findings;
+  std::vector<Advice> advice;
 };
 
 /// Counts the tags. Returns whether it is known which there are. Adds a finding for what keeps the
@@ -74,6 +84,32 @@ std::string ReadListText(const platform::Platform& platform, const std::u16strin
   return read ? text::ToUtf8(read->text) : "";
 }
 
+/// Judges the tags whose recordings the check found nothing wrong with. `contacts` is null if they
+/// are away.
+std::vector<Advice> FindAdvice(const platform::Platform& platform,
+                               platform::ContactsStore* contacts,
+                               const std::vector<CheckedFinding>& findings) {
+  const auto tags = tags::ReadTags(storage::TagStore(platform.files, platform.registry), contacts);
+  if (!tags) {
+    return {};
+  }
+  const std::vector<maintenance::JudgedTag> judged = ToJudged(*tags);
+  const auto qualities = maintenance::JudgeTags(platform, judged);
+  std::vector<Advice> advice;
+  for (std::size_t i = 0; i < tags->size(); ++i) {
+    const bool isFault = std::ranges::any_of(findings, [&](const CheckedFinding& checked) {
+      const StoreProblem problem = checked.finding.problem;
+      return checked.finding.tag == (*tags)[i].name && (problem == StoreProblem::kRecordingEmpty ||
+                                                        problem == StoreProblem::kRecordingSilent);
+    });
+    if (!isFault && qualities[i].HasVerdicts()) {
+      advice.push_back(
+          {(*tags)[i], QualityToJson(qualities[i], judged), DescribeAll(qualities[i], *tags)});
+    }
+  }
+  return advice;
+}
+
 CheckedStore FindProblems(Session& session, const platform::Platform& platform) {
   CheckedStore checked;
   if (!ReadTags(session, platform, checked)) {
@@ -99,14 +135,16 @@ CheckedStore FindProblems(Session& session, const platform::Platform& platform) 
     }
     checked.findings.push_back({finding, std::move(description), std::move(listText), false, ""});
   }
+  if (hasTags) {
+    checked.advice = FindAdvice(platform, isOpen ? &platform.contacts : nullptr, checked.findings);
+  }
   platform.contacts.Logoff();
   return checked;
 }
 
-void PrintFindingsAsJson(Session& session, const std::vector<CheckedFinding>& findings,
-                         std::uint32_t tagCount) {
+void PrintFindingsAsJson(Session& session, const CheckedStore& checkedStore) {
   Json list = Json::array();
-  for (const CheckedFinding& checked : findings) {
+  for (const CheckedFinding& checked : checkedStore.findings) {
     list.push_back({{"problem", ToWord(checked.finding.problem)},
                     {"tag", text::ToUtf8(checked.finding.tag)},
                     {"listText", checked.listText},
@@ -119,13 +157,31 @@ void PrintFindingsAsJson(Session& session, const std::vector<CheckedFinding>& fi
       list.back()["reason"] = checked.reason;
     }
   }
-  session.SetJson({{"tags", tagCount}, {"findings", list}});
+  Json advice = Json::array();
+  for (const Advice& each : checkedStore.advice) {
+    advice.push_back({{"tag", text::ToUtf8(each.tag.name)},
+                      {"listText", text::ToUtf8(each.tag.text)},
+                      {"quality", each.quality},
+                      {"text", each.sentences}});
+  }
+  session.SetJson({{"tags", checkedStore.tagCount}, {"findings", list}, {"advice", advice}});
 }
 
-void PrintFindings(Session& session, const std::vector<CheckedFinding>& findings,
-                   std::uint32_t tagCount) {
+void PrintAdvice(const std::vector<Advice>& advice) {
+  for (const Advice& each : advice) {
+    const std::string name = text::ToUtf8(each.tag.name);
+    const std::string text = text::ToUtf8(each.tag.text);
+    for (const std::string& sentence : each.sentences) {
+      PrintLine(fmt::format("Advice: {}{}: {}", name,
+                            text == name ? "" : fmt::format(" ({})", text), sentence));
+    }
+  }
+}
+
+void PrintFindings(Session& session, const CheckedStore& checkedStore) {
+  const auto& [tagCount, findings, advice] = checkedStore;
   if (session.GetOptions().json) {
-    PrintFindingsAsJson(session, findings, tagCount);
+    PrintFindingsAsJson(session, checkedStore);
     return;
   }
   for (const CheckedFinding& checked : findings) {
@@ -142,6 +198,7 @@ void PrintFindings(Session& session, const std::vector<CheckedFinding>& findings
                            : fmt::format("There are no voice tags in {}.",
                                          session.GetRegistryPath().parent_path().native()));
   }
+  PrintAdvice(advice);
 }
 
 void RemoveOrphans(const platform::Platform& platform, std::vector<CheckedFinding>& findings) {
@@ -241,7 +298,7 @@ void CheckTags(Session& session, bool isRepair) {
   if (mayRepair) {
     Repair(platform, checked);
   }
-  PrintFindings(session, checked.findings, checked.tagCount);
+  PrintFindings(session, checked);
   const auto left = std::ranges::count(checked.findings, false, &CheckedFinding::isRepaired);
   if (left > 0) {
     session.Fail(

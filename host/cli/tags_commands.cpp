@@ -15,13 +15,13 @@
 #include "host/cli/explanations.h"
 #include "host/cli/output.h"
 #include "host/cli/page_run.h"
+#include "host/cli/quality_output.h"
 #include "host/cli/tag_reading.h"
 #include "language/texts.h"
 #include "resources/dialogs.h"
 #include "resources/strings.h"
 #include "storage/device_paths.h"
 #include "storage/tag_store.h"
-#include "voicemath/recording_review.h"
 
 namespace cli {
 namespace {
@@ -29,8 +29,8 @@ namespace {
 using resources::kRecordButtonId;
 using resources::kTagListId;
 
-/// Returns the tag of a line, which has just been learned.
-tags::ListedTag ReadLearned(Session& session, const PageRun& run, std::int32_t index) {
+/// Returns the tag of a line of the page.
+tags::ListedTag ReadTagOfLine(Session& session, const PageRun& run, std::int32_t index) {
   tags::ListedTag tag;
   tag.name = run.page.GetTagOfLine(index);
   tag.text = run.dialog.GetItemText(kTagListId, index);
@@ -63,9 +63,12 @@ void ListTags(Session& session) {
     return;
   }
   if (session.GetOptions().json) {
+    const std::vector<maintenance::JudgedTag> judged = ToJudged(*tags);
+    const auto qualities = maintenance::JudgeTags(session.GetPlatform(), judged);
     Json list = Json::array();
-    for (const tags::ListedTag& tag : *tags) {
-      list.push_back(ToJson(session, tag));
+    for (std::size_t i = 0; i < tags->size(); ++i) {
+      list.push_back(ToJson(session, (*tags)[i]));
+      list.back()["quality"] = QualityToJson(qualities[i], judged);
     }
     session.SetJson(list);
     return;
@@ -105,19 +108,25 @@ std::string ExplainNoTag(const Session& session, const tags::Page_one& page) {
   return reason.empty() ? reason : ": " + reason;
 }
 
-/// Warns if the recording of a new tag is no spoken name. Returns the warnings.
-std::vector<std::string> WarnOfRecording(Session& session, std::u16string_view tagName) {
-  const platform::Platform platform = session.GetPlatform();
-  const auto mathematics =
-      std::make_unique<voicemath::CVoiceMathematics>(platform.files, platform.ui);
-  mathematics->m_wavePath = storage::WavePath(tagName);
-  return WarnOfOddities(voicemath::ReviewRecording(*mathematics, false), "the recording");
-}
-
-/// What `tags list` has of the tag, with the warnings if there are any.
-void PrintLearned(Session& session, const tags::ListedTag& tag,
-                  const std::vector<std::string>& warnings) {
-  Json json = ToJson(session, tag);
+/// Says what is wrong with a tag that has just been learned, and prints it as `tags list` does.
+void PrintLearned(Session& session, PageRun& run, std::int32_t index) {
+  std::vector<tags::ListedTag> tags;
+  for (std::int32_t i = 0; i < run.dialog.GetItemCount(kTagListId); ++i) {
+    tags.push_back(ReadTagOfLine(session, run, i));
+  }
+  const std::vector<maintenance::JudgedTag> judged = ToJudged(tags);
+  const auto place = static_cast<std::size_t>(index);
+  const auto quality = maintenance::JudgeTag(session.GetPlatform(), judged, place);
+  const std::vector<std::string> warnings = DescribeAll(quality, tags);
+  for (const std::string& warning : warnings) {
+    PrintErrorLine("voxtrel: warning: the recording: " + warning);
+  }
+  if (!session.GetOptions().json) {
+    PrintLine(fmt::format("Learned: {}", text::ToUtf8(tags[place].text)));
+    return;
+  }
+  Json json = ToJson(session, tags[place]);
+  json["quality"] = QualityToJson(quality, judged);
   if (!warnings.empty()) {
     json["warnings"] = warnings;
   }
@@ -145,17 +154,11 @@ void Learn(Session& session, const std::string& contact, const std::string& kind
       session.Fail("no tag was learned" + ExplainNoTag(session, run.page));
       return;
     }
-    const std::vector<std::string> warnings =
-        WarnOfRecording(session, run.page.GetTagOfLine(before));
-    if (session.GetOptions().json) {
-      PrintLearned(session, ReadLearned(session, run, before), warnings);
-    } else {
-      PrintLine(
-          fmt::format("Learned: {}", text::ToUtf8(run.dialog.GetItemText(kTagListId, before))));
-      if (const int code = run.page.GetPlayCode(); code != audio::kPlayed) {
-        PrintErrorLine(
-            fmt::format("The recording was not played: {}", ExplainPlayCode(session, code)));
-      }
+    PrintLearned(session, run, before);
+    const int code = run.page.GetPlayCode();
+    if (!session.GetOptions().json && code != audio::kPlayed) {
+      PrintErrorLine(
+          fmt::format("The recording was not played: {}", ExplainPlayCode(session, code)));
     }
   });
 }

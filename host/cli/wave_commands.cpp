@@ -11,6 +11,7 @@
 #include "host/cli/explanations.h"
 #include "host/cli/file_arguments.h"
 #include "host/cli/output.h"
+#include "host/cli/quality_output.h"
 #include "host/cli/waiting.h"
 #include "voicemath/voice_mathematics.h"
 
@@ -76,17 +77,30 @@ void PlayWave(Session& session, const FileArgument& file) {
   }
 }
 
+void PrintVerdicts(const std::string& file,
+                   const platform::Result<voicemath::TakeQuality, voicemath::ReviewError>& take) {
+  if (take) {
+    for (const voicemath::Verdict verdict : take->verdicts) {
+      PrintLine(fmt::format("{}: {}", file, Describe(verdict, *take)));
+    }
+  }
+}
+
 void CheckWave(Session& session, const FileArgument& file) {
   const platform::Platform platform = session.GetPlatform();
   voicemath::CVoiceMathematics mathematics(platform.files, platform.ui);
   const int code = CheckHeader(mathematics, file.GetPath());
+  mathematics.m_wavePath = file.GetPath();
+  const auto take = voicemath::JudgeRecording(mathematics);
   if (session.GetOptions().json) {
     session.SetJson({{"code", code},
                      {"dataOffset", mathematics.m_dataOffset},
-                     {"dataBytes", mathematics.m_dataBytes}});
+                     {"dataBytes", mathematics.m_dataBytes},
+                     {"quality", QualityToJson(take)}});
   } else if (code == voicemath::kHeaderAccepted) {
     PrintLine(fmt::format("{}: accepted, {} bytes of samples from byte {} on", file.GetName(),
                           mathematics.m_dataBytes, mathematics.m_dataOffset));
+    PrintVerdicts(file.GetName(), take);
   }
   if (code != voicemath::kHeaderAccepted) {
     session.Fail(fmt::format("{}: {}", file.GetName(), ExplainHeaderCode(code)));

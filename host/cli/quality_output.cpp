@@ -1,0 +1,106 @@
+#include "host/cli/quality_output.h"
+
+#include <fmt/format.h>
+
+#include <cmath>
+
+#include "backends/text/utf.h"
+
+namespace cli {
+namespace {
+
+using voicemath::TakeQuality;
+using voicemath::Verdict;
+
+/// More digits would be no truer.
+double ToTenths(double decibels) { return std::round(decibels * 10) / 10; }
+
+}  // namespace
+
+std::vector<maintenance::JudgedTag> ToJudged(std::span<const tags::ListedTag> tags) {
+  std::vector<maintenance::JudgedTag> judged;
+  judged.reserve(tags.size());
+  for (const tags::ListedTag& tag : tags) {
+    judged.push_back({tag.name, tag.entry});
+  }
+  return judged;
+}
+
+Json QualityToJson(const platform::Result<TakeQuality, voicemath::ReviewError>& take) {
+  if (!take) {
+    return nullptr;
+  }
+  Json verdicts = Json::array();
+  for (const Verdict verdict : take->verdicts) {
+    verdicts.push_back(ToWord(verdict));
+  }
+  return {{"verdicts", verdicts},
+          {"peakDb", ToTenths(take->peakDb)},
+          {"snrDb", ToTenths(take->snrDb)},
+          {"tooAlike", Json::array()}};
+}
+
+Json QualityToJson(const maintenance::TagQuality& quality,
+                   std::span<const maintenance::JudgedTag> tags) {
+  Json json = QualityToJson(quality.take);
+  for (const maintenance::AlikeTag& alike : quality.tooAlike) {
+    if (!json.is_null()) {
+      json["tooAlike"].push_back(
+          {{"tag", text::ToUtf8(tags[alike.index].name)}, {"distance", alike.distance}});
+    }
+  }
+  return json;
+}
+
+std::string Describe(Verdict verdict, const TakeQuality& quality) {
+  switch (verdict) {
+    case Verdict::kInterrupted:
+      return "it was interrupted: the microphone was lost before it was whole";
+    case Verdict::kRate:
+      return "it is not of 11,025 Hz, mono, 16 bit; its template fits no speech";
+    case Verdict::kSilent:
+      return "it is silent; the microphone may be muted";
+    case Verdict::kNoSpeech:
+      return "no speech is heard in it";
+    case Verdict::kCutStart:
+      return "its beginning is cut off: it starts in the middle of the speech";
+    case Verdict::kCutEnd:
+      return "its end is cut off: it stops in the middle of the speech";
+    case Verdict::kShort:
+      return "what is heard in it is shorter than a name";
+    case Verdict::kClipped:
+      return "it is clipped: the microphone was too loud";
+    case Verdict::kSoft:
+      return fmt::format("it is soft: its peak is {:.1f} dB, and a good one is above -40 dB",
+                         quality.peakDb);
+    case Verdict::kNoisy:
+      return quality.snrDb > 0
+                 ? fmt::format("the room is loud: the speech is only {:.1f} dB above it",
+                               quality.snrDb)
+                 : "the room is loud";
+    default:
+      return "it sounds like the tag of another number";
+  }
+}
+
+std::vector<std::string> DescribeAll(const maintenance::TagQuality& quality,
+                                     std::span<const tags::ListedTag> tags) {
+  std::vector<std::string> sentences;
+  if (!quality.take) {
+    return sentences;
+  }
+  for (const Verdict verdict : quality.take->verdicts) {
+    if (verdict != Verdict::kTooAlike) {
+      sentences.push_back(Describe(verdict, *quality.take));
+    }
+  }
+  for (const maintenance::AlikeTag& alike : quality.tooAlike) {
+    const tags::ListedTag& other = tags[alike.index];
+    sentences.push_back(
+        fmt::format("it sounds like tag {} ({}); the dialer may take one for the other",
+                    text::ToUtf8(other.name), text::ToUtf8(other.text)));
+  }
+  return sentences;
+}
+
+}  // namespace cli

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <span>
+#include <string>
+#include <vector>
+
+#include "host/cli/output.h"
+#include "maintenance/tag_quality.h"
+#include "tags/tag_reader.h"
+
+namespace cli {
+
+/// Returns the tags for maintenance::JudgeTags, in the same order.
+[[nodiscard]] std::vector<maintenance::JudgedTag> ToJudged(std::span<const tags::ListedTag> tags);
+
+/// Returns {"verdicts","peakDb","snrDb","tooAlike"} of a recording by itself, or null if it could
+/// not be read. A number that is not known is null.
+[[nodiscard]] Json QualityToJson(
+    const platform::Result<voicemath::TakeQuality, voicemath::ReviewError>& take);
+
+/// Returns the same of a tag among `tags`, with the tags that are too alike.
+[[nodiscard]] Json QualityToJson(const maintenance::TagQuality& quality,
+                                 std::span<const maintenance::JudgedTag> tags);
+
+/// Returns a verdict on a recording as a sentence without a full stop. That of kTooAlike does not
+/// name the tag.
+[[nodiscard]] std::string Describe(voicemath::Verdict verdict,
+                                   const voicemath::TakeQuality& quality);
+
+/// Returns a sentence for each verdict, and for each tag that is too alike with its name.
+[[nodiscard]] std::vector<std::string> DescribeAll(const maintenance::TagQuality& quality,
+                                                   std::span<const tags::ListedTag> tags);
+
+}  // namespace cli
