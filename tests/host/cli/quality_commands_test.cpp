@@ -1,0 +1,152 @@
+#include <filesystem>
+#include <fstream>
+
+#include "tests/host/cli/tags_fixture.h"
+#include "tests/support/signals.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+using testing::AllOf;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::SizeIs;
+
+class QualityCommands : public TagsFixture {
+ protected:
+  static void Write(const fs::path& path, const support::Bytes& bytes) {
+    std::ofstream(path, std::ios::binary)
+        .write(reinterpret_cast<const char*>(bytes.data()),
+               static_cast<std::streamsize>(bytes.size()));
+  }
+  /// The sample with every value divided by 200, which leaves a peak below -50 dB.
+  static support::Bytes SoftSample() {
+    const std::string file = Content(fs::path(VOXTREL_SAMPLES_DIR) / "anna_1.wav");
+    support::Samples samples;
+    for (std::size_t at = 44; at + 1 < file.size(); at += 2) {
+      const auto low = static_cast<unsigned char>(file[at]);
+      const auto high = static_cast<unsigned char>(file[at + 1]);
+      samples.push_back(
+          static_cast<std::int16_t>(static_cast<std::int16_t>(high << 8U | low) / 200));
+    }
+    return support::WaveFile(samples);
+  }
+  [[nodiscard]] static json VerdictsOf(const json& object) { return object["quality"]["verdicts"]; }
+};
+
+TEST_F(QualityCommands, WaveCheckJudgesARecordingThatIsNotTrimmedYet) {
+  const std::string sample = std::string(VOXTREL_SAMPLES_DIR) + "/anna_1.wav";
+  const json good = RunJson({"wave", "check", sample}, 0);
+  EXPECT_EQ(VerdictsOf(good), json::array());
+  EXPECT_EQ(good["quality"]["tooAlike"], json::array());
+  EXPECT_NEAR(good["quality"]["peakDb"].get<double>(), -6.0, 0.1);
+  EXPECT_GT(good["quality"]["snrDb"].get<double>(), 30);
+  EXPECT_EQ(good["dataBytes"], 66150);
+
+  Write(Path("soft.wav"), SoftSample());
+  const json soft = RunJson({"wave", "check", Path("soft.wav")}, 0);
+  EXPECT_EQ(VerdictsOf(soft), json::array({"soft"}));
+  EXPECT_NEAR(soft["quality"]["peakDb"].get<double>(), -52.0, 0.5);
+}
+
+TEST_F(QualityCommands, WaveCheckJudgesWhateverTheCodeIs) {
+  support::Bytes file = support::WaveFile(support::Noise(33075, 3000, 1));
+  file[24] = std::byte{0x44};  // 44,100 samples a second.
+  file[25] = std::byte{0xAC};
+  Write(Path("rate.wav"), file);
+  EXPECT_THAT(VerdictsOf(RunJson({"wave", "check", Path("rate.wav")}, 0)), Contains("rate"));
+  file[22] = std::byte{2};  // Stereo.
+  Write(Path("stereo.wav"), file);
+  const json stereo = RunJson({"wave", "check", Path("stereo.wav")}, 1);
+  EXPECT_EQ(stereo["code"], 5);
+  EXPECT_EQ(VerdictsOf(stereo), json::array({"rate"}));
+  EXPECT_TRUE(stereo["quality"]["peakDb"].is_null());
+  file.resize(9000);
+  file[22] = std::byte{1};
+  Write(Path("torn.wav"), file);
+  EXPECT_EQ(VerdictsOf(RunJson({"wave", "check", Path("torn.wav")}, 1)),
+            json::array({"interrupted"}));
+  EXPECT_TRUE(RunJson({"wave", "check", Path("none.wav")}, 1)["quality"].is_null());
+}
+
+TEST_F(QualityCommands, WaveCheckSaysEachVerdictInOneSentence) {
+  Write(Path("soft.wav"), SoftSample());
+  const auto run = Run({"wave", "check", Path("soft.wav")});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_THAT(run.out, HasSubstr("soft.wav: it is soft: its peak is -52."));
+}
+
+TEST_F(QualityCommands, TagsListHasTheQualityOfEachTag) {
+  PutThreeTags();
+  const json list = List();
+  ASSERT_EQ(list.size(), 3U);
+  EXPECT_EQ(VerdictsOf(list[0]), json::array({"too-alike"})) << "The same name for two numbers.";
+  ASSERT_THAT(list[0]["quality"]["tooAlike"], SizeIs(1));
+  EXPECT_EQ(list[0]["quality"]["tooAlike"][0]["tag"], "200");
+  EXPECT_NEAR(list[0]["quality"]["tooAlike"][0]["distance"].get<double>(), 0.13, 0.02);
+  EXPECT_EQ(list[1]["quality"]["tooAlike"][0]["tag"], "100");
+  EXPECT_EQ(VerdictsOf(list[2]), json::array());
+}
+
+TEST_F(QualityCommands, ATagWithoutARecordingIsNotJudged) {
+  PutThreeTags();
+  fs::remove(Wave("300"));
+  EXPECT_TRUE(List()[2]["quality"].is_null());
+}
+
+TEST_F(QualityCommands, CheckGivesAdviceAndNoFault) {
+  PutThreeTags();
+  const json result = RunJson({"check"}, 0);
+  EXPECT_EQ(result["findings"], json::array());
+  ASSERT_THAT(result["advice"], SizeIs(2));
+  EXPECT_EQ(result["advice"][0]["tag"], "100");
+  EXPECT_EQ(VerdictsOf(result["advice"][0]), json::array({"too-alike"}));
+  const auto run = Run({"check"});
+  EXPECT_EQ(run.exitCode, 0) << run.err;
+  EXPECT_THAT(run.out, AllOf(HasSubstr("Nothing is wrong with the voice tags."),
+                             HasSubstr("\nAdvice: 100 (Ann Lee 5551234 M): it sounds like tag 200 "
+                                       "(Bob Ray 5550001 H)")));
+}
+
+TEST_F(QualityCommands, LearnWarnsAndKeepsTheTag) {
+  Write(Path("soft.wav"), SoftSample());
+  const std::vector<std::string> learn{
+      "--microphone", Path("soft.wav"), "--speaker", Path("heard.wav"),
+      "tags",         "learn",          "--contact", "Ann"};
+  const auto run = Run(learn);
+  EXPECT_EQ(run.exitCode, 0) << run.err;
+  EXPECT_THAT(run.out, HasSubstr("Learned: Ann Lee"));
+  EXPECT_THAT(run.err, HasSubstr("voxtrel: warning: the recording: it is soft: its peak is -52."));
+  auto asJson = learn;
+  asJson.emplace_back("--json");
+  const json tag = json::parse(Run(asJson).out, nullptr, false);
+  EXPECT_EQ(VerdictsOf(tag), json::array({"soft"})) << tag;
+  EXPECT_THAT(tag["warnings"], SizeIs(1));
+  EXPECT_THAT(List(), SizeIs(2));
+}
+
+TEST_F(QualityCommands, LearnSaysNothingOfAGoodRecording) {
+  const std::string sample = std::string(VOXTREL_SAMPLES_DIR) + "/robert_1.wav";
+  const auto run = Run({"--microphone", sample, "--speaker", Path("heard.wav"), "tags", "learn",
+                        "--contact", "Ann", "--json"});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_EQ(run.err, "");
+  const json tag = json::parse(run.out, nullptr, false);
+  EXPECT_EQ(VerdictsOf(tag), json::array());
+  EXPECT_FALSE(tag.contains("warnings"));
+}
+
+TEST_F(QualityCommands, LearnNamesTheTagThatTheNewOneSoundsLike) {
+  PutThreeTags();
+  const std::string sample = std::string(VOXTREL_SAMPLES_DIR) + "/robert_2.wav";
+  const auto run = Run({"--microphone", sample, "--speaker", Path("heard.wav"), "tags", "learn",
+                        "--contact", "Ann"});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_THAT(run.err, HasSubstr("it sounds like tag 300 (Bob Ray 5550001 H)"));
+}
+
+}  // namespace
