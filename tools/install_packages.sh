@@ -19,7 +19,7 @@ declare -A groups=(
   [test]='
     git googletest libgmock-dev libgtest-dev
     dbus desktop-file-utils espeak-ng evolution-data-server fonts-wqy-microhei imagemagick pulseaudio
-    pulseaudio-utils python3 sox sqlite3 umockdev xdotool xvfb
+    pulseaudio-utils python3 python3-numpy sox sqlite3 umockdev xdotool xvfb
   '
   # The other compilers, the sanitizers, the analysers and the benchmarks.
   [check]='
