@@ -43,7 +43,7 @@ struct Neighbour {
   return nearest - share;
 }
 
-/// Of the repetitions of a name by one speaker two in three are nearer to its template than this
+/// Of the repetitions of a name by one speaker seven in ten are nearer to its template than this
 /// (docs/quality.md).
 inline constexpr float kRepetitionDistance = 0.15F;
 

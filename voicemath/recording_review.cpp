@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <functional>
 #include <vector>
 
@@ -94,9 +93,8 @@ Result<TakeQuality, ReviewError> JudgeRecording(CVoiceMathematics& mathematics) 
       return review.quality;
     });
   }
-  TakeQuality quality{.verdicts = {}, .peakDb = std::nan(""), .snrDb = std::nan("")};
-  quality.Add(code == kTooShort || code == kNoData ? Verdict::kInterrupted : Verdict::kRate);
-  return quality;
+  return WithoutSamples(code == kTooShort || code == kNoData ? Verdict::kInterrupted
+                                                             : Verdict::kRate);
 }
 
 }  // namespace voicemath

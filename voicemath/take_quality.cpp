@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <limits>
 #include <utility>
 
 #include "voicemath/take_blocks.h"
@@ -167,6 +168,11 @@ void TakeQuality::Add(Verdict verdict) {
   if (place == verdicts.end() || *place != verdict) {
     verdicts.insert(place, verdict);
   }
+}
+
+TakeQuality WithoutSamples(Verdict verdict) {
+  constexpr double kUnknown = std::numeric_limits<double>::quiet_NaN();
+  return {.verdicts = {verdict}, .peakDb = kUnknown, .snrDb = kUnknown};
 }
 
 TakeQuality JudgeTake(const Take& take) {

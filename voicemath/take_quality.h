@@ -54,4 +54,8 @@ struct Take {
 /// speech. Gives every verdict but kTooAlike, which takes other tags. A pure function.
 [[nodiscard]] TakeQuality JudgeTake(const Take& take);
 
+/// Returns the judgement on a recording whose samples are not known: this verdict, and neither peak
+/// nor distance from the room (NaN).
+[[nodiscard]] TakeQuality WithoutSamples(Verdict verdict);
+
 }  // namespace voicemath

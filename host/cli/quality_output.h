@@ -13,6 +13,13 @@ namespace cli {
 /// Returns the tags for maintenance::JudgeTags, in the same order.
 [[nodiscard]] std::vector<maintenance::JudgedTag> ToJudged(std::span<const tags::ListedTag> tags);
 
+/// Returns the judgement on a recording during which the microphone was lost. Nothing of it is
+/// kept.
+[[nodiscard]] inline platform::Result<voicemath::TakeQuality, voicemath::ReviewError>
+InterruptedTake() {
+  return voicemath::WithoutSamples(voicemath::Verdict::kInterrupted);
+}
+
 /// Returns {"verdicts","peakDb","snrDb","tooAlike"} of a recording by itself, or null if it could
 /// not be read. A number that is not known is null.
 [[nodiscard]] Json QualityToJson(

@@ -151,6 +151,9 @@ void Learn(Session& session, const std::string& contact, const std::string& kind
       run.dialog.Press(kRecordButtonId);
     }
     if (run.dialog.GetItemCount(kTagListId) == before) {
+      if (session.GetOptions().json && run.page.GetRecordCode() == audio::kDeviceLost) {
+        session.SetJson({{"quality", QualityToJson(InterruptedTake())}});
+      }
       session.Fail("no tag was learned" + ExplainNoTag(session, run.page));
       return;
     }

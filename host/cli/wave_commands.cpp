@@ -47,7 +47,11 @@ void Record(Session& session, const std::string& name, std::uint32_t millisecond
   const int code = device.Record(file->GetPath(), milliseconds);
 
   if (session.GetOptions().json) {
-    session.SetJson({{"code", code}, {"bytes", device.GetRecordedBytes()}});
+    Json json{{"code", code}, {"bytes", device.GetRecordedBytes()}};
+    if (code == audio::kDeviceLost) {
+      json["quality"] = QualityToJson(InterruptedTake());
+    }
+    session.SetJson(json);
   } else if (code == audio::kRecorded && !file->IsStream()) {
     PrintLine(
         fmt::format("Recorded {:.1f} s to {}", BytesToSeconds(device.GetRecordedBytes()), name));
@@ -143,7 +147,8 @@ void AddWaveCommands(CLI::App& app, Session& session) {
   play->add_option("file", arguments->file, "The wave file; - for standard input")->required();
   play->callback([&session, arguments] { WithWave(session, arguments->file, PlayWave); });
 
-  CLI::App* check = wave->add_subcommand("check", "Say whether a wave file can be learned");
+  CLI::App* check = wave->add_subcommand(
+      "check", "Say whether a wave file can be learned, and what is wrong with the recording");
   check->add_option("file", arguments->file, "The wave file; - for standard input")->required();
   check->callback([&session, arguments] { WithWave(session, arguments->file, CheckWave); });
 }

@@ -37,7 +37,8 @@ class RecordCommand : public testing::Test {
   static constexpr int kAttempts = 5;
 
   /// The server dies a second after the program began to record, or nearly.
-  [[nodiscard]] support::ProgramRun RunUntilTheServerDies() const {
+  [[nodiscard]] support::ProgramRun RunUntilTheServerDies(
+      const std::string& option = "--root=unused") const {
     const auto server = PulseServer::Start(m_session);
     if (!server) return {};
     const PipeMicrophone microphone(server->Pipe(), 11025, 1, kHum);
@@ -48,7 +49,7 @@ class RecordCommand : public testing::Test {
       std::this_thread::sleep_for(std::chrono::seconds(1));
       server->Kill();
     });
-    return Run("--root=unused");
+    return Run(option);
   }
 
   /// Whether the server has somebody who records.
@@ -84,6 +85,18 @@ TEST_F(RecordCommand, SaysThatTheMicrophoneWasLostAndLeavesNoFile) {
   EXPECT_THAT(run.err, lost);
   EXPECT_THAT(run.err, testing::HasSubstr("(code 6)"));
   EXPECT_FALSE(std::filesystem::exists(File()));
+}
+
+TEST_F(RecordCommand, AMicrophoneThatIsLostIsAVerdictInJson) {
+  const testing::Matcher<std::string> lost = testing::HasSubstr(
+      R"("quality":{"verdicts":["interrupted"],"peakDb":null,"snrDb":null,"tooAlike":[]})");
+  support::ProgramRun run;
+  for (int attempt = 0; attempt < kAttempts && !testing::Matches(lost)(run.out); ++attempt) {
+    run = RunUntilTheServerDies("--json");
+  }
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.out, testing::StartsWith(R"({"code":6,"bytes":0,)"));
+  EXPECT_THAT(run.out, lost);
 }
 
 TEST_F(RecordCommand, WithoutAMicrophoneSaysSoAndMakesNoFile) {

@@ -194,8 +194,8 @@ TEST_F(WaveCommands, PlayIntoAFileThatCannotBeMadeSaysSo) {
 }
 
 TEST_F(WaveCommands, CheckTellsWhereTheSamplesAre) {
-  const auto answer =
-      RunJson({"wave", "check", std::string(VOXTREL_SAMPLES_DIR) + "/anna_1.wav"}, 0);
+  auto answer = RunJson({"wave", "check", std::string(VOXTREL_SAMPLES_DIR) + "/anna_1.wav"}, 0);
+  answer.erase("quality");  // See quality_commands_test.cpp.
   EXPECT_EQ(answer, (nlohmann::json{{"code", 0}, {"dataOffset", 44}, {"dataBytes", 66150}}));
 }
 
