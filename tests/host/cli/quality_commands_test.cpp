@@ -10,10 +10,7 @@ namespace fs = std::filesystem;
 using nlohmann::json;
 using testing::AllOf;
 using testing::Contains;
-using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
 using testing::SizeIs;
 
 class QualityCommands : public TagsFixture {
