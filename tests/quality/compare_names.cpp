@@ -17,7 +17,6 @@
 
 #include "audio/wave_header.h"
 #include "voicemath/band_features.h"
-#include "voicemath/block_envelope.h"
 #include "voicemath/endpoint_detector.h"
 #include "voicemath/nearest_neighbours.h"
 

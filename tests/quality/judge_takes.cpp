@@ -13,7 +13,6 @@
 #include <vector>
 
 #include "audio/wave_header.h"
-#include "voicemath/block_envelope.h"
 #include "voicemath/endpoint_detector.h"
 #include "voicemath/take_quality.h"
 
