@@ -25,8 +25,8 @@ enum class TemplateFileError : std::uint8_t {
 [[nodiscard]] platform::Result<void, TemplateFileError> WriteTemplateFile(
     platform::FileSystem& files, std::u16string_view path, framework::CObject& object);
 
-/// As WriteTemplateFile, but the file takes the place of an earlier one in one step, and is as long
-/// as its template. Whatever fails, the path holds the earlier file or the new one.
+/// Does the same as WriteTemplateFile, but the file takes the place of an earlier one in one step,
+/// and is as long as its template. Whatever fails, the path holds the earlier file or the new one.
 [[nodiscard]] platform::Result<void, platform::FileError> ReplaceTemplateFile(
     platform::FileSystem& files, std::u16string_view path, framework::CObject& object);
 

@@ -71,11 +71,11 @@ class CVoiceMathematics : public framework::CObject {
   /// one. After kLearned the file and its name are on the medium, also if they were not before.
   int LearnFile(std::int32_t slot);
 
-  /// As LearnFile, but takes all samples of the file and leaves the file alone.
+  /// Does the same as LearnFile, but takes all samples of the file and leaves the file alone.
   int ProcessFile(std::int32_t slot);
 
-  /// As ProcessFile, but opens the file for reading only: others may read it meanwhile, and it may
-  /// be protected against writing.
+  /// Does the same as ProcessFile, but opens the file for reading only: others may read it
+  /// meanwhile, and it may be protected against writing.
   int ReadFile(std::int32_t slot);
 
   /// Reads and checks the header of the open `m_file`. Returns a HeaderCode. The file is closed

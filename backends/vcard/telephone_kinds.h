@@ -28,8 +28,8 @@ using Numbers = std::array<std::u16string, platform::kPhoneKindCount>;
 /// "_$!<HomeFAX>!$_", stands for.
 void AppendWords(std::string_view typeOrLabel, std::vector<std::string>& words);
 
-/// As AppendWords, but appends nothing if the label also says something else: "Car Rental" is no
-/// number in a car.
+/// Does the same as AppendWords, but appends nothing if the label also says something else: "Car
+/// Rental" is no number in a car.
 void AppendLabel(std::string_view label, std::vector<std::string>& words);
 
 enum class Rules : std::uint8_t {

@@ -62,7 +62,7 @@ void ShowContacts(Session& session) {
     session.Fail(ExplainContactsProblem(session));
     return;
   }
-  // Only for what it says on standard error: no tag is needed here.
+  // This names keys among the tags that no path can name. The tags are not needed here.
   static_cast<void>(ListTagNames(session));
   const auto contacts = ListContacts(session, texts);
   if (!contacts) {
