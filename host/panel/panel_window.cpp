@@ -170,8 +170,8 @@ QListWidgetItem* PanelWindow::AddItem(const QString& library, int number, const 
 }
 
 /// Until its library has answered, an applet has one item, which bears the file's name. The answer
-/// changes that item into the first applet and adds one for each other, next to the end of the
-/// list.
+/// changes that item into the first applet, and adds an item for each other applet at the end of
+/// the list.
 void PanelWindow::ShowApplets(const QString& library, const LibraryReport& report) {
   QListWidgetItem* first = nullptr;
   for (int row = 0; row < m_list->count() && first == nullptr; ++row) {
