@@ -31,7 +31,7 @@ Wording WordingOf(StoreProblem problem) {
               "are opened next"};
     case kTooManyTags:
       static_assert(storage::kMaxTags == 100, "The sentence names it.");
-      return {"too-many-tags", "there are more than 100 tags; those beyond are not compared"};
+      return {"too-many-tags", "there are more than 100 tags; only the first 100 are compared"};
     case kTagName:
       return {"tag-name", "the name is not a number, as the names of recorded tags are"};
     case kContact:
@@ -51,7 +51,7 @@ Wording WordingOf(StoreProblem problem) {
     case kNoTemplate:
       return {"no-template", "there is no template"};
     case kTemplateTorn:
-      return {"template-torn", "the template ends before its time"};
+      return {"template-torn", "the template file ends too early"};
     case kTemplateContradicting:
       return {"template-contradicting", "the counts in the template do not agree"};
     case kTemplateUnreadable:
