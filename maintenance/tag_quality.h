@@ -32,7 +32,7 @@ struct TagQuality {
   platform::Result<voicemath::TakeQuality, voicemath::ReviewError> take;
   std::vector<AlikeTag> tooAlike;  ///< The most alike first.
 
-  /// Whether there is anything to warn of.
+  /// Returns whether there is anything to warn of.
   [[nodiscard]] bool HasVerdicts() const { return take && !take->verdicts.empty(); }
 };
 

@@ -47,8 +47,8 @@ struct Neighbour {
 /// (docs/quality.md).
 inline constexpr float kRepetitionDistance = 0.15F;
 
-/// Whether two of `count` templates are so near to each other that the acceptance distance between
-/// them leaves no room for a repetition: it is refused, or taken for the other name.
+/// Returns whether two of `count` templates are so near to each other that the acceptance distance
+/// between them leaves no room for a repetition: it is refused, or taken for the other name.
 [[nodiscard]] inline bool AreTooAlike(float distance, std::int32_t count) {
   return AcceptanceDistance(distance, count) < kRepetitionDistance;
 }

@@ -23,7 +23,7 @@ using e2e::PulseServer;
 
 const std::vector<std::byte> kHum{std::byte{17}, std::byte{17}};
 
-/// The real program beside a sound server of its own.
+/// The real program next to a sound server of its own.
 class RecordCommand : public testing::Test {
  protected:
   [[nodiscard]] support::ProgramRun Run(const std::string& option) const {

@@ -117,7 +117,7 @@ TEST_F(RecordingReviewTest, MoreThanAMinuteIsLong) {
   EXPECT_TRUE(Review(SpeechAt(12000, 661'501)).isLong);
 }
 
-TEST_F(RecordingReviewTest, SpeechBehindTheSixteenBitBlockNumbersIsTooLate) {
+TEST_F(RecordingReviewTest, SpeechAfterTheSixteenBitBlockNumbersIsTooLate) {
   const support::Samples late = SpeechAt(1'810'000, 1'850'000);
   EXPECT_TRUE(Review(late).isSpeechTooLate);
   EXPECT_FALSE(Review(late, false).isSpeechTooLate) << "Nobody looks for it.";

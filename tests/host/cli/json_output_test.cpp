@@ -142,14 +142,14 @@ TEST_F(JsonOutput, OfEachCommandIsOneValueAlsoWithADamagedStore) {
   ExpectOneValueOfEach(Path("root"), Commands());
 }
 
-TEST_F(JsonOutput, OfEachCommandIsOneValueAlsoWhereTheRootIsNoUtf8) {
+TEST_F(JsonOutput, OfEachCommandIsOneValueAlsoIfTheRootIsNoUtf8) {
   PutThreeTags();
   const std::string root = Path("bad\xff root");
   fs::rename(Path("root"), root);
   ExpectOneValueOfEach(root, Commands());
 }
 
-TEST_F(JsonOutput, TellsFromARootThatIsNoUtf8WhatItTellsFromAnother) {
+TEST_F(JsonOutput, SaysOfARootThatIsNoUtf8WhatItSaysOfAnother) {
   PutThreeTags();
   const json before = List();
   const std::string root = Path("bad\xff");
@@ -208,7 +208,7 @@ TEST_F(JsonOutput, OfAMessageBoxIsPartOfTheError) {
   EXPECT_THAT(run.err, testing::StartsWith(message.substr(0, message.find('\n')) + "\n"));
 }
 
-TEST_F(JsonOutput, OfATestNamesTagsLeftOutOnlyWhereThereAreAny) {
+TEST_F(JsonOutput, OfATestNamesTagsLeftOutOnlyIfThereAreAny) {
   PutThreeTags();
   const json result = RunJson({"tags", "test"}, 0);
   EXPECT_EQ(result.size(), 2U) << result;

@@ -51,7 +51,7 @@ TEST_F(WaveCommands, RecordFromAWaveFileInsteadOfTheMicrophone) {
   EXPECT_EQ(std::filesystem::file_size(target), 44U + 2205U);
 }
 
-TEST_F(WaveCommands, RecordTakesThreeSecondsUnlessToldOtherwise) {
+TEST_F(WaveCommands, RecordTakesThreeSecondsUnlessAskedOtherwise) {
   const std::string sample = std::string(VOXTREL_SAMPLES_DIR) + "/anna_1.wav";
   const std::string target = Path("new.wav");
   const auto run = Run({"--microphone", sample, "wave", "record", target});
@@ -145,7 +145,7 @@ TEST_F(WaveCommands, PlayIntoAWaveFileInsteadOfTheLoudspeaker) {
             (nlohmann::json{{"code", 0}}));
   std::string expected = Read(recording);
   ASSERT_EQ(expected.size(), 44U + 2205U);
-  // The last byte is half a sample; and the usual length stands behind "RIFF".
+  // The last byte is half a sample; and the usual length stands after "RIFF".
   expected.pop_back();
   expected.replace(4, 4, std::string("\xC0\x08\0\0", 4));
   expected.replace(40, 4, std::string("\x9C\x08\0\0", 4));
@@ -160,7 +160,7 @@ TEST_F(WaveCommands, PlaySaysWhatItPlayed) {
   EXPECT_EQ(run.err, "");
 }
 
-TEST_F(WaveCommands, PlayTellsWhatIsWrongWithTheFile) {
+TEST_F(WaveCommands, PlaySaysWhatIsWrongWithTheFile) {
   const std::string good = Read(MakeShortRecording());
   const auto with = [&good](std::size_t at, const std::string& bytes) {
     return std::string(good).replace(at, bytes.size(), bytes);
@@ -193,13 +193,13 @@ TEST_F(WaveCommands, PlayIntoAFileThatCannotBeMadeSaysSo) {
   EXPECT_EQ(RunJson({"--speaker", Path("folder"), "wave", "play", recording}, 1)["code"], 8);
 }
 
-TEST_F(WaveCommands, CheckTellsWhereTheSamplesAre) {
+TEST_F(WaveCommands, CheckSaysWhereTheSamplesAre) {
   auto answer = RunJson({"wave", "check", std::string(VOXTREL_SAMPLES_DIR) + "/anna_1.wav"}, 0);
   answer.erase("quality");  // See quality_commands_test.cpp.
   EXPECT_EQ(answer, (nlohmann::json{{"code", 0}, {"dataOffset", 44}, {"dataBytes", 66150}}));
 }
 
-TEST_F(WaveCommands, CheckTellsTheCodeOfAFileThatIsNone) {
+TEST_F(WaveCommands, CheckSaysTheCodeOfAFileThatIsNone) {
   std::ofstream(Path("text.wav")) << std::string(50, 'x');
   EXPECT_EQ(RunJson({"wave", "check", Path("text.wav")}, 1)["code"], 2);
   std::ofstream(Path("short.wav")) << "RIFF";
