@@ -52,7 +52,7 @@ Json QualityToJson(const maintenance::TagQuality& quality,
   return json;
 }
 
-std::string Describe(Verdict verdict, const TakeQuality& quality) {
+std::string DescribeVerdict(Verdict verdict, const TakeQuality& quality) {
   switch (verdict) {
     case Verdict::kInterrupted:
       return "it was interrupted: the microphone was lost before it was whole";
@@ -91,7 +91,7 @@ std::vector<std::string> DescribeAll(const maintenance::TagQuality& quality,
   }
   for (const Verdict verdict : quality.take->verdicts) {
     if (verdict != Verdict::kTooAlike) {
-      sentences.push_back(Describe(verdict, *quality.take));
+      sentences.push_back(DescribeVerdict(verdict, *quality.take));
     }
   }
   for (const maintenance::AlikeTag& alike : quality.tooAlike) {

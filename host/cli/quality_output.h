@@ -31,8 +31,8 @@ InterruptedTake() {
 
 /// Returns a verdict on a recording as a sentence without a full stop. That of kTooAlike does not
 /// name the tag.
-[[nodiscard]] std::string Describe(voicemath::Verdict verdict,
-                                   const voicemath::TakeQuality& quality);
+[[nodiscard]] std::string DescribeVerdict(voicemath::Verdict verdict,
+                                          const voicemath::TakeQuality& quality);
 
 /// Returns a sentence for each verdict, and for each tag that is too alike with its name.
 [[nodiscard]] std::vector<std::string> DescribeAll(const maintenance::TagQuality& quality,

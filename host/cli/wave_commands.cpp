@@ -85,7 +85,7 @@ void PrintVerdicts(const std::string& file,
                    const platform::Result<voicemath::TakeQuality, voicemath::ReviewError>& take) {
   if (take) {
     for (const voicemath::Verdict verdict : take->verdicts) {
-      PrintLine(fmt::format("{}: {}", file, Describe(verdict, *take)));
+      PrintLine(fmt::format("{}: {}", file, DescribeVerdict(verdict, *take)));
     }
   }
 }
