@@ -26,8 +26,8 @@ from power import states_after_power_cuts
 # What a user does after a failure; each mends what it is for.
 NEXT_COMMANDS = [["check", "--repair"], ["reinit"]]
 KINDS = ["kill", "power", "call", "memory"]
-# Of the points of a kind each which one is tried by --part. Odd, as failures once and for good take
-# turns.
+# --part tries one point of a kind in so many. The number is odd, so that it meets failures that happen
+# once as well as those that stay: they take turns.
 PART = {"kill": 5, "power": 3, "call": 31, "memory": 211}
 LATER = 100_000  # Seconds on the clock when a tried command begins.
 
