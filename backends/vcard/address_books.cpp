@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <span>
 #include <utility>
 
 #include "backends/vcard/vcard_source.h"
@@ -12,6 +13,7 @@ using platform::BooksError;
 using platform::ContactsError;
 using platform::ContactText;
 using platform::Failure;
+using platform::FileError;
 using platform::RegistryError;
 using platform::Result;
 
@@ -105,7 +107,39 @@ AddressBooks::Done AddressBooks::LogonTo(const SourceChoice& choice) {
     return Failure(read.error().kind == BooksError::Kind::kNoAnswer ? Problem::kNoServer
                                                                     : Problem::kUnreadable);
   }
+  if (!choice.path.empty() && !read->empty()) {
+    FollowMovedFile(read->front());
+  }
   return TakeContacts(std::move(*read));
+}
+
+// A vCard file that was moved has another name, and the numbers of tags belong to the old one. The
+// new file takes them over if it has the contact of each tag. Two files that are both there may be
+// those of two people who know the same names, so the new one then has to be a plain copy.
+void AddressBooks::FollowMovedFile(const Book& book) {
+  if (m_oids.Knows(book.name)) {
+    return;
+  }
+  std::vector<Remark> ignored;
+  const auto remembered = RecallChoice(m_registry, ignored);
+  if (!remembered || !*remembered || (*remembered)->path.empty()) {
+    return;
+  }
+  const std::u16string former = NameOfFile((*remembered)->path);
+  if (!m_oids.Knows(former)) {
+    return;
+  }
+  OidMap trial = m_oids;
+  trial.Rename(former, book.name);
+  const auto oids = trial.Assign(std::span(&book, 1), OidMap::Keeping::kInMemory);
+  const bool isMoved =
+      !trial.HasNews() || m_files.Find((*remembered)->path) == Failure(FileError::kNotFound);
+  const Oids inUse = GetOidsInUse();
+  if (oids && inUse && isMoved && std::ranges::all_of(*inUse, [&](std::int32_t oid) {
+        return std::ranges::find(oids->front(), oid) != oids->front().end();
+      })) {
+    m_oids.Rename(former, book.name);
+  }
 }
 
 // Nobody has chosen an address book yet. A desktop that comes up, goes away or fails must not take

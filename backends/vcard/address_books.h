@@ -91,6 +91,8 @@ class AddressBooks final : public platform::ContactsStore {
   [[nodiscard]] Done LogonTo(const SourceChoice& choice);
   [[nodiscard]] Done LogonToDefault();
   [[nodiscard]] Done RememberChoice();
+  /// Makes the numbers of the file that was chosen before those of `book` if `book` is that file.
+  void FollowMovedFile(const Book& book);
   [[nodiscard]] ReadBooks ReadFrom(ContactSource& source);
   [[nodiscard]] ReadBooks ReadDesktop();
   [[nodiscard]] Done TakeContacts(std::vector<Book> books);

@@ -52,6 +52,25 @@ Person Learn(const CardKeys& card, const Person* known) {
 }  // namespace
 
 Result<void, RegistryError> OidMap::Load() {
+  m_renaming.reset();
+  return LoadBooks();
+}
+
+bool OidMap::Knows(std::u16string_view source) const {
+  return m_books.contains(std::u16string(source));
+}
+
+void OidMap::Rename(std::u16string former, std::u16string now) {
+  auto book = m_books.extract(former);
+  if (book.empty()) {
+    return;
+  }
+  book.key() = now;
+  m_books.insert(std::move(book));
+  m_renaming = {std::move(former), std::move(now)};
+}
+
+Result<void, RegistryError> OidMap::LoadBooks() {
   m_books.clear();
   m_taken.clear();
   m_remarks.clear();
@@ -95,7 +114,10 @@ Result<void, RegistryError> OidMap::LoadBook(const std::u16string& keyName) {
   if (!value && !IsOdd(value.error())) {
     return Failure(value.error());
   }
-  const auto source = value ? text::ToText(*value) : std::nullopt;
+  auto source = value ? text::ToText(*value) : std::nullopt;
+  if (m_renaming && source == m_renaming->former) {
+    source = m_renaming->now;
+  }
   if (!source || source->empty()) {
     return passOver("the value \"source\" names no address book, and the key is passed over");
   }
@@ -119,7 +141,7 @@ Result<void, RegistryError> OidMap::LoadBook(const std::u16string& keyName) {
 // another process may have given numbers since, and no two contacts may get one number.
 Result<OidMap::Oids, RegistryError> OidMap::Assign(std::span<const Book> books, Keeping keeping) {
   Oids oids = Recognise(books);
-  if (keeping == Keeping::kInMemory || !HasChanged()) {
+  if (keeping == Keeping::kInMemory || (!HasNews() && !m_renaming)) {
     return oids;
   }
   if (const auto stored = Store(books); !stored) {
@@ -147,7 +169,7 @@ Result<void, RegistryError> OidMap::Store(std::span<const Book> books) {
   }
   // Another process may have given numbers since; within the group nobody else can.
   // A store that cannot even be read is more than one that takes no writes.
-  if (!Load()) {
+  if (!LoadBooks()) {
     return Failure(RegistryError::kOther);
   }
   static_cast<void>(Recognise(books));
@@ -161,13 +183,15 @@ Result<void, RegistryError> OidMap::Store(std::span<const Book> books) {
     for (auto& [source, book] : m_books) {
       book.contacts.SetSaved();
     }
+    m_renaming.reset();
   }
   return committed;
 }
 
 Result<void, RegistryError> OidMap::StoreBook(const Book& book) {
   KnownBook& known = m_books.at(book.name);
-  if (!known.contacts.HasChanged()) {
+  const bool isRenamed = m_renaming && m_renaming->now == book.name;
+  if (!known.contacts.HasChanged() && !isRenamed) {
     return {};
   }
   const bool isNew = known.keyPath.empty();
@@ -180,7 +204,7 @@ Result<void, RegistryError> OidMap::StoreBook(const Book& book) {
   if (!opened) {
     return Failure(opened.error());
   }
-  if (isNew) {
+  if (isNew || isRenamed) {
     if (const auto named = text::SetText(**opened, kSourceValue, book.name); !named) {
       return named;
     }
@@ -232,7 +256,7 @@ std::vector<std::int32_t> OidMap::Recognise(const Book& book) {
   return oids;
 }
 
-bool OidMap::HasChanged() const {
+bool OidMap::HasNews() const {
   return std::any_of(m_books.begin(), m_books.end(),
                      [](const auto& book) { return book.second.contacts.HasChanged(); });
 }

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -29,6 +30,16 @@ class OidMap {
   /// programs left something there that makes no sense, it is passed over, and GetRemarks names it.
   [[nodiscard]] platform::Result<void, platform::RegistryError> Load();
 
+  [[nodiscard]] bool Knows(std::u16string_view source) const;
+
+  /// Takes the book `former` for `now`, which is not known. So its contacts keep their numbers. The
+  /// next Assign stores that, and Load forgets it.
+  void Rename(std::u16string former, std::u16string now);
+
+  /// Returns whether the latest Assign met a contact that is new, gone or changed, and did not
+  /// store it.
+  [[nodiscard]] bool HasNews() const;
+
   enum class Keeping : std::uint8_t {
     kStored,    ///< In one durable change.
     kInMemory,  ///< Nothing is written; new numbers are those that kStored would give.
@@ -55,6 +66,12 @@ class OidMap {
     StoredBook contacts;
   };
 
+  struct Renaming {
+    std::u16string former;
+    std::u16string now;
+  };
+
+  [[nodiscard]] platform::Result<void, platform::RegistryError> LoadBooks();
   [[nodiscard]] platform::Result<void, platform::RegistryError> LoadBook(
       const std::u16string& keyName);
   [[nodiscard]] platform::Result<void, platform::RegistryError> Store(std::span<const Book> books);
@@ -62,12 +79,12 @@ class OidMap {
   /// Recognises the contacts of each book, and notes what is new of them.
   [[nodiscard]] Oids Recognise(std::span<const Book> books);
   [[nodiscard]] std::vector<std::int32_t> Recognise(const Book& book);
-  [[nodiscard]] bool HasChanged() const;
   void NoteUnkept(platform::RegistryError error);
   [[nodiscard]] std::int32_t ChooseOid(std::u16string_view source, const std::string& seed) const;
 
   platform::Registry& m_registry;
   std::unordered_map<std::u16string, KnownBook> m_books;
+  std::optional<Renaming> m_renaming;  ///< That was not stored yet.
   std::unordered_set<std::int32_t> m_taken;
   std::vector<Remark> m_remarks;
   std::uint32_t m_lastKeyNumber = 0;

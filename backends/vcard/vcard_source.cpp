@@ -35,6 +35,10 @@ const char* PassOver(FileError error) {
 
 }  // namespace
 
+std::u16string NameOfFile(std::u16string_view path) {
+  return std::u16string(u"vcard:").append(path);
+}
+
 VcardSource::VcardSource(platform::FileSystem& files, std::u16string path)
     : m_files(files), m_path(std::move(path)) {
   while (m_path.size() > 1 && m_path.back() == SeparatorOf(m_path)) {
@@ -49,7 +53,7 @@ ReadBooks VcardSource::Read(RemarkList& remarks) {
     return Failure(platform::BooksError());
   }
   Book book;
-  book.name = u"vcard:" + m_path;
+  book.name = NameOfFile(m_path);
   book.isComplete = true;
   const auto read =
       (*found)->isFolder ? ReadFolder(book, remarks) : ReadFile(m_path, book, remarks);

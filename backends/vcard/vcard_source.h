@@ -1,12 +1,16 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "backends/vcard/card_reader.h"
 #include "backends/vcard/contact_source.h"
 #include "platform/file_system.h"
 
 namespace vcard {
+
+/// Returns the lasting name of the address book that a vCard file or a folder of them is.
+[[nodiscard]] std::u16string NameOfFile(std::u16string_view path);
 
 /// A vCard file, or the files of a folder that end in ".vcf", as one address book. Files come in
 /// the order of their names, and contacts in the order in which they are written. Each file is read

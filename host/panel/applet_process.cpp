@@ -158,6 +158,10 @@ int RunOpener(const Arguments& arguments) {
   if (arguments.isWatched) {
     line = std::make_unique<PanelLine>(TakeStandardOutput());
   }
+  // The library puts this name into the title of each window, and the applet's own title stays.
+  if (!arguments.remark.empty()) {
+    QGuiApplication::setApplicationDisplayName(QString::fromStdString(arguments.remark));
+  }
   const QString path = FindApplet(QString::fromStdString(arguments.applet));
   const auto opened = OpenApplet(path, arguments.number);
   if (opened) {

@@ -83,6 +83,7 @@ std::variant<Arguments, int> ParseArguments(int argc, const char* const* argv) {
       ->excludes(places)
       ->excludes(open);
   app.add_option("--number", arguments.number)->group("")->needs(open);
+  app.add_option("--remark", arguments.remark)->group("")->needs(open);
   app.add_flag("--watched", arguments.isWatched)->group("")->needs(open);
 
   bool isProbe = false;

@@ -19,6 +19,7 @@ struct Arguments {
   std::vector<std::string>
       places;              ///< Applets and folders of applets; empty for the installed ones.
   std::string applet;      ///< Of kOpen and kInquire.
+  std::string remark;      ///< Of kOpen: stands in the titles of the windows, after their own.
   int number = 0;          ///< Which applet of the library is opened.
   bool isWatched = false;  ///< Sends signs of life on standard output.
 };

@@ -1,6 +1,7 @@
 #include "host/panel/newcomer.h"
 
 #include <QDir>
+#include <QFile>
 #include <QHBoxLayout>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -158,8 +159,11 @@ QStringList SampleEnvironment(const QString& recording) {
   const QString root = QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) +
                        QStringLiteral("/voxtrel/samples");
   static_cast<void>(QDir().mkpath(root));
-  return {QStringLiteral("VOXTREL_ROOT=") + root,
-          QStringLiteral("VOXTREL_CONTACTS=") + FindData(QStringLiteral("samples/contacts.vcf")),
+  // A copy, at a place that stays the same if the program is moved: tags know their contacts by it.
+  const QString copy = root + QStringLiteral("/contacts.vcf");
+  static_cast<void>(QFile::remove(copy));
+  static_cast<void>(QFile::copy(FindData(QStringLiteral("samples/contacts.vcf")), copy));
+  return {QStringLiteral("VOXTREL_ROOT=") + root, QStringLiteral("VOXTREL_CONTACTS=\\contacts.vcf"),
           QStringLiteral("VOXTREL_MICROPHONE=") + recording};
 }
 

@@ -2,6 +2,7 @@
 
 #include <QMessageBox>
 #include <QPushButton>
+#include <algorithm>
 #include <utility>
 
 #include "backends/qt/strings.h"
@@ -45,6 +46,9 @@ void OpenApplets::Open(const AppletChoice& choice) {
     m_events.status(qt::ToQString(resources::kIsOpenAlready).arg(choice.name));
     return;
   }
+  if (TakesTurn(choice)) {
+    return;
+  }
   const QString opening = qt::ToQString(resources::kOpening).arg(choice.name);
   m_events.status(opening);
   OpenedApplet::Events events;
@@ -58,8 +62,22 @@ void OpenApplets::Open(const AppletChoice& choice) {
   entry.choice = choice;
   entry.applet = std::make_unique<OpenedApplet>(
       OpenedApplet::Start{m_settings.program, choice.library, choice.number, choice.environment,
-                          m_settings.patience},
+                          m_settings.patience, choice.remark},
       std::move(events));
+}
+
+// Two instances on the same tags are not possible: the second one would only bring forward the
+// window of the first. What the first has not stored is a recording that has just begun.
+bool OpenApplets::TakesTurn(const AppletChoice& choice) {
+  const auto found = std::ranges::find_if(m_open, [&](const auto& open) {
+    return !choice.group.isEmpty() && open.second.choice.group == choice.group;
+  });
+  if (found == m_open.end()) {
+    return false;
+  }
+  found->second.next = choice;
+  found->second.applet->Stop();
+  return true;
 }
 
 void OpenApplets::OnEnd(const QString& key, Ending ending, const QString& message) {
@@ -70,7 +88,12 @@ void OpenApplets::OnEnd(const QString& key, Ending ending, const QString& messag
       found->second.question->close();
     }
     const AppletChoice choice = found->second.choice;
+    const std::optional<AppletChoice> next = found->second.next;
     m_open.erase(found);
+    if (next) {
+      Open(*next);
+      return;
+    }
     ReportEnd(choice, ending, message);
     if (m_open.empty()) {
       m_events.allClosed();

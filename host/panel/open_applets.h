@@ -7,6 +7,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 
 #include "host/panel/opened_applet.h"
 
@@ -20,6 +21,10 @@ struct AppletChoice {
   int number = 0;
   QString name;
   QStringList environment;  ///< "NAME=value", added to the panel's own.
+  QString remark = {};      ///< Stands in the titles of its windows, after their own; can be empty.
+  /// Of several choices of one group, one is open: to open another one closes it first. Empty for
+  /// a choice without a group.
+  QString group = {};
 };
 
 /// The applets that are open, each at most once. Reports to the user how each of them fares: in the
@@ -43,7 +48,8 @@ class OpenApplets {
   OpenApplets& operator=(const OpenApplets&) = delete;
   ~OpenApplets();
 
-  /// Opens the applet, or brings its window to the front if it is open.
+  /// Opens the applet, or brings its window to the front if it is open. Closes another one of its
+  /// group first.
   void Open(const AppletChoice& choice);
 
   [[nodiscard]] bool IsAnyOpen() const { return !m_open.empty(); }
@@ -52,9 +58,12 @@ class OpenApplets {
   struct Entry {
     AppletChoice choice;
     std::unique_ptr<OpenedApplet> applet;
-    QMessageBox* question = nullptr;  ///< "Wait or close?" Null if it is not asked.
+    QMessageBox* question = nullptr;                  ///< "Wait or close?" Null if it is not asked.
+    std::optional<AppletChoice> next = std::nullopt;  ///< Opens in its place once it has ended.
   };
 
+  /// Makes `choice` follow the one of its group that is open. Returns false if none is.
+  [[nodiscard]] bool TakesTurn(const AppletChoice& choice);
   void OnEnd(const QString& key, Ending ending, const QString& message);
   void OnSilence(const QString& key);
   void OnAliveAgain(const QString& key);

@@ -92,9 +92,12 @@ OpenedApplet::OpenedApplet(const Start& start, Events events)
   QObject::connect(&m_silence, &QTimer::timeout, &m_silence, [this] { OnSilence(); });
 
   m_process.setProcessEnvironment(EnvironmentWith(start.environment));
-  m_process.start(start.program,
-                  {QStringLiteral("--open"), start.library, QStringLiteral("--number"),
-                   QString::number(start.number), QStringLiteral("--watched")});
+  QStringList arguments{QStringLiteral("--open"), start.library, QStringLiteral("--number"),
+                        QString::number(start.number), QStringLiteral("--watched")};
+  if (!start.remark.isEmpty()) {
+    arguments.append({QStringLiteral("--remark"), start.remark});
+  }
+  m_process.start(start.program, arguments);
   m_silence.start();
 }
 

@@ -62,6 +62,7 @@ class OpenedApplet {
     int number = 0;
     QStringList environment;               ///< "NAME=value", added to the panel's own.
     std::chrono::milliseconds patience{};  ///< How long it may go without a sign of life.
+    QString remark = {};  ///< Stands in the titles of its windows, after their own; can be empty.
   };
   /// All are called from the event loop. They must not release the object.
   struct Events {

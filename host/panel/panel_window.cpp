@@ -33,6 +33,8 @@ constexpr QSize kGrid(136, 104);
 
 /// The samples are made for this applet.
 const QLatin1String kDialerApplet("voxtrel.cpl");
+/// All samples have their tags in one folder.
+const QLatin1String kSampleGroup("samples");
 
 }  // namespace
 
@@ -134,7 +136,7 @@ void PanelWindow::BuildSampleMenu() {
   m_samples = new QMenu(tr("&Try with samples"), this);
   for (const Sample& sample : FindSamples()) {
     m_samples->addAction(tr("The microphone says “%1”").arg(qt::WithoutMnemonic(sample.name)), this,
-                         [this, path = sample.path] { OpenSample(path); });
+                         [this, sample] { OpenSample(sample); });
   }
 }
 
@@ -217,12 +219,13 @@ void PanelWindow::OpenCurrent() {
   }
 }
 
-void PanelWindow::OpenSample(const QString& recording) {
+void PanelWindow::OpenSample(const Sample& sample) {
   for (int row = 0; row < m_list->count(); ++row) {
     const QListWidgetItem* const item = m_list->item(row);
     const QString library = item->data(kLibraryRole).toString();
     if (QFileInfo(library).fileName() == kDialerApplet) {
-      m_applets.Open({library, 0, item->text(), SampleEnvironment(recording)});
+      m_applets.Open({library, 0, item->text(), SampleEnvironment(sample.path),
+                      tr("samples: “%1”").arg(sample.name), kSampleGroup});
       return;
     }
   }
@@ -240,7 +243,7 @@ void PanelWindow::OnEquipment(const Equipment& equipment) {
                      tr("Until then you can try it with sample contacts and a recording of the "
                         "name “%1” as the microphone.")
                          .arg(sample.name),
-                 tr("&Try it now"), [this, path = sample.path] { OpenSample(path); });
+                 tr("&Try it now"), [this, sample] { OpenSample(sample); });
 }
 
 void PanelWindow::closeEvent(QCloseEvent* event) {

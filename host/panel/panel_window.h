@@ -48,7 +48,7 @@ class PanelWindow : public QMainWindow {
   QListWidgetItem* AddItem(const QString& library, int number, const QString& name);
   void DescribeCurrent();
   void OpenCurrent();
-  void OpenSample(const QString& recording);
+  void OpenSample(const Sample& sample);
   void OnEquipment(const Equipment& equipment);
 
   Settings m_settings;

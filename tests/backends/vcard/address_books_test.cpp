@@ -276,6 +276,28 @@ TEST_F(AddressBooksInUse, AnotherFileEndsTheLogonAndIsNotRemembered) {
   EXPECT_EQ(LookUp(m_ann), std::nullopt);
 }
 
+TEST_F(AddressBooksInUse, AFileThatWasMovedKeepsTheNumbersOfItsContacts) {
+  ASSERT_TRUE(m_files.Delete(u"/all.vcf"));
+  Put(u"/moved.vcf", Person("Cy") + Person("Ann"));
+  ASSERT_TRUE(Start(SourceChoice{u"/moved.vcf"}));
+  EXPECT_EQ(LookUp(m_ann), std::nullopt);
+  ASSERT_TRUE(Start()) << "The new place is remembered.";
+  EXPECT_EQ(LookUp(m_ann), std::nullopt);
+  EXPECT_EQ(Oid(2), m_ann);
+  Put(u"/back.vcf", Person("Cy") + Person("Ann"));
+  ASSERT_TRUE(Start(SourceChoice{u"/back.vcf"})) << "A copy may take its place.";
+  EXPECT_EQ(Oid(2), m_ann);
+}
+
+TEST_F(AddressBooksInUse, AFileWithoutTheContactsOfAllTagsIsNotTheOneThatWasMoved) {
+  ASSERT_TRUE(m_files.Delete(u"/all.vcf"));
+  Put(u"/moved.vcf", Person("Bob"));
+  ExpectRefused(SourceChoice{u"/moved.vcf"});
+  Put(u"/all.vcf", Person("Ann") + Person("Bob"));
+  ASSERT_TRUE(Start());
+  EXPECT_EQ(LookUp(m_ann), std::nullopt);
+}
+
 TEST_F(AddressBooksInUse, AServerThatDoesNotAnswerEndsTheLogon) {
   SetDesktopTo({Contact("a", u"Lee")});
   m_inUse = Oids();

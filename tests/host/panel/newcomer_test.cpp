@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <QFile>
+#include <QTemporaryDir>
+
 namespace {
 
 TEST(Equipment, IsReadFromTheCommandLinesAnswer) {
@@ -32,6 +35,21 @@ TEST(Equipment, ThatIsMissingIsNamedWithWhatHelps) {
             QStringLiteral("No contacts could be read: the file is gone."));
   EXPECT_FALSE(panel::DescribeMissing({0, {}, 1}).contains(QStringLiteral("microphone")));
   EXPECT_FALSE(panel::DescribeMissing({1, {}, 0}).contains(QStringLiteral("contacts")));
+}
+
+TEST(SampleEnvironment, KnowsTheSampleContactsByAPlaceThatOutlivesTheProgramsOwn) {
+  const QTemporaryDir cache;
+  qputenv("XDG_CACHE_HOME", cache.path().toUtf8());
+  const QString copy = cache.filePath(QStringLiteral("voxtrel/samples/contacts.vcf"));
+  for (int start = 0; start < 2; ++start) {
+    const QStringList environment = panel::SampleEnvironment(QStringLiteral("/a.wav"));
+    EXPECT_TRUE(environment.contains(QStringLiteral("VOXTREL_CONTACTS=\\contacts.vcf")));
+    QFile file(copy);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << "start " << start;
+    EXPECT_TRUE(file.readAll().startsWith("BEGIN:VCARD"));
+    ASSERT_TRUE(file.remove()) << "It is made again.";
+  }
+  qunsetenv("XDG_CACHE_HOME");
 }
 
 }  // namespace

@@ -174,6 +174,37 @@ TEST_F(Panel, BringsAnOpenAppletForwardAndSaysWhy) {
   EXPECT_TRUE(WaitForStatus(""));
 }
 
+TEST_F(Panel, OpensASampleInPlaceOfTheOneThatIsOpenAndNamesItInTheTitle) {
+  const QTemporaryDir folder;
+  qputenv("XDG_CACHE_HOME", folder.filePath(QStringLiteral("cache")).toUtf8());
+  ASSERT_TRUE(QFile::copy(Applet("good"), folder.filePath(QStringLiteral("voxtrel.cpl"))));
+  m_settings.places = {folder.path()};
+  AppletTrace trace;
+  trace.Stay();
+  Show({});
+  ASSERT_TRUE(WaitForName("Alpha"));
+  const auto tryWith = [this](const char* name) {
+    for (QAction* action : m_window->findChildren<QAction*>()) {
+      if (action->text().contains(QString::fromUtf8(name))) {
+        action->trigger();
+      }
+    }
+  };
+  const auto waitFor = [&trace](const char* line) {
+    return Until([&] { return trace.Lines().contains(QString::fromUtf8(line)); });
+  };
+  tryWith("“Anna”");
+  ASSERT_TRUE(waitFor("as samples: “Anna”"));
+  tryWith("“Oliver”");
+  EXPECT_TRUE(waitFor("as samples: “Oliver”"));
+  tryWith("“Oliver”");
+  EXPECT_EQ(Status(), QStringLiteral("Beta is open already; its window was brought forward."));
+  EXPECT_EQ(Box(), nullptr) << "Nobody asks why the first one has ended.";
+  trace.Leave();
+  EXPECT_TRUE(WaitForStatus(""));
+  qunsetenv("XDG_CACHE_HOME");
+}
+
 TEST_F(Panel, SaysNoLongerThatItOpensAnAppletWhoseWindowIsThere) {
   AppletTrace trace;
   trace.Stay();

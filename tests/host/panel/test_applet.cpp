@@ -85,6 +85,9 @@ class Window : public QWidget {
     timer.start(20);
     showMinimized();
     Log("shown");
+    if (const QString remark = QGuiApplication::applicationDisplayName(); remark.contains(u' ')) {
+      Log("as " + remark.toStdString());
+    }
     m_loop.exec();
   }
 
