@@ -44,7 +44,8 @@ AboutPage::AboutPage(const platform::Platform& platform, const AboutDetails& det
       m_product(details.product),
       m_version(details.version),
       m_backgroundBrush(kYellow),
-      m_link(kLink) {}
+      m_link(kLink),
+      m_isSiteReachable(details.isSiteReachable) {}
 
 bool AboutPage::OnInitDialog() {
   CPropertyPage::OnInitDialog();
@@ -89,7 +90,10 @@ void AboutPage::PaintWebSite(Canvas& canvas) const {
   }
 }
 
-std::vector<platform::PaintedLink> AboutPage::GetLinks() const { return {{m_link, kWebSite}}; }
+std::vector<platform::PaintedLink> AboutPage::GetLinks() const {
+  return m_isSiteReachable ? std::vector<platform::PaintedLink>{{m_link, kWebSite}}
+                           : std::vector<platform::PaintedLink>();
+}
 
 void AboutPage::OnLButtonDown(Point point) {
   if (!m_link.Contains(point)) {

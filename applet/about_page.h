@@ -20,6 +20,9 @@ struct AboutDetails {
   int secondPicture = 0;
   std::u16string_view product;  ///< Copied, as is the version.
   std::u16string_view version;
+  /// Whether anybody can see the site. If not, its picture is offered to nobody as a link: a press
+  /// of the mouse does what it always did, and the shell says that the site cannot be opened.
+  bool isSiteReachable = false;
 };
 
 /// The About page: the product, its version and maker, and a picture that opens the maker's web
@@ -54,6 +57,7 @@ class AboutPage final : public framework::CPropertyPage {
   const std::u16string m_version;
   const platform::Color m_backgroundBrush;
   const platform::Rect m_link;
+  const bool m_isSiteReachable;
   std::optional<platform::Font> m_titleFont;  ///< Made when the dialog is set up, as is the next.
   std::optional<platform::Font> m_textFont;
   bool m_isLinkShifted = false;

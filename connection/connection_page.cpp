@@ -164,6 +164,10 @@ void ConnectionPage::ShowText(int id, std::u16string_view text) {
       return;
     }
   }
+  // A list without a field shows its items only.
+  if (window.GetText(id) != text) {
+    window.SetSelection(id, window.AddItem(id, text));
+  }
 }
 
 /// Leaves the port and the box about hanging up as they are, deliberately: both are about the phone
@@ -171,7 +175,7 @@ void ConnectionPage::ShowText(int id, std::u16string_view text) {
 void ConnectionPage::OnDefault() {
   for (const ListSetting& setting : kListSettings) {
     if (setting.id != resources::kPortComboId) {
-      GetWindow().SetText(setting.id, setting.defaultText);
+      ShowText(setting.id, setting.defaultText);
     }
   }
   GetWindow().SetCheck(resources::kHeadsetCheckId, false);

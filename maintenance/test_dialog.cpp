@@ -93,8 +93,13 @@ void TestDialog::ShowLines() {
 
 void TestDialog::OnCommand(int id, platform::CommandEvent event) {
   if (id == resources::kTestHelpId && event == platform::CommandEvent::kClick) {
-    m_platform.shell.StartProgram(kHelpViewer, kHelpCommandLine);
+    OnHelp();
   }
+}
+
+bool TestDialog::OnHelp() {
+  m_platform.shell.StartProgram(kHelpViewer, kHelpCommandLine);
+  return true;
 }
 
 void TestDialog::OnPaint(platform::Canvas& canvas) {

@@ -25,6 +25,8 @@ class TestDialog final : public framework::CDialog {
   bool OnInitDialog() override;
   void OnCommand(int id, platform::CommandEvent event) override;
   void OnPaint(platform::Canvas& canvas) override;
+  /// Opens the help at the place that explains the test.
+  bool OnHelp() override;
 
   /// Returns what the list shows, or showed when the dialog was last open.
   [[nodiscard]] const std::vector<TestLine>& GetLines() const { return m_lines; }

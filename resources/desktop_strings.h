@@ -62,7 +62,6 @@ inline constexpr std::u16string_view kNoContacts =
 inline constexpr std::u16string_view kNoMicrophone =
     u"No microphone was found. Plug one in, or switch it on in the desktop's sound settings.";
 inline constexpr std::u16string_view kHelpNotInstalled = u"The help page is not installed.";
-inline constexpr std::u16string_view kNoBrowserShows = u"There is no browser that shows %1.";
 inline constexpr std::u16string_view kNoApplets =
     u"There are no applets here yet.\n\nLooked in:\n%1\n\nInstall an applet (a file that ends with "
     u".cpl) there and press F5, or name one by its full path when you start the control panel:\n"

@@ -41,7 +41,8 @@ constexpr std::array<ControlTemplate, 14> kConnectionControls{{
     {kNoControlId, ControlKind::kStatic, u"Stop bits:", {10, 67, 60, 8}},
     {kStopBitsComboId, ControlKind::kEditableComboBox, u"", {74, 65, 75, 60}},
     {kNoControlId, ControlKind::kStatic, u"Flow control:", {10, 84, 60, 8}},
-    {kFlowControlComboId, ControlKind::kEditableComboBox, u"", {74, 82, 75, 60}},
+    // A list: the dialer knows these three words and no others.
+    {kFlowControlComboId, ControlKind::kComboBox, u"", {74, 82, 75, 60}},
     {kHeadsetCheckId,
      ControlKind::kCheckBox,
      u"Use BT headset for Ericsson phones only",

@@ -2,6 +2,7 @@
 #include <gio/gio.h>
 
 #include <algorithm>
+#include <array>
 #include <memory>
 #include <span>
 #include <string_view>
@@ -96,12 +97,25 @@ std::string Expand(std::string_view argument, const std::string& url, bool& isUr
   return text;
 }
 
+/// Some systems have a browser and neither a list of what opens what nor xdg-utils. So the names
+/// that packages give to browsers are tried last. Those of Debian's own choice come first.
+bool OpenByName(const Environment& environment, const std::string& url, milliseconds patience) {
+  constexpr std::array<const char*, 12> kNames{
+      "x-www-browser",    "gnome-www-browser", "firefox",
+      "firefox-esr",      "chromium",          "google-chrome",
+      "chromium-browser", "brave-browser",     "epiphany",
+      "falkon",           "konqueror",         "opera"};
+  return std::ranges::any_of(kNames, [&](const char* name) {
+    return StartDetached(environment, {name, url}, patience);
+  });
+}
+
 }  // namespace
 
 bool OpenInBrowser(const Environment& environment, const std::string& url, milliseconds patience) {
   return OpenByDefault(environment, url, patience) ||
          StartDetached(environment, {"xdg-open", url}, patience) ||
-         OpenByVariable(environment, url, patience);
+         OpenByVariable(environment, url, patience) || OpenByName(environment, url, patience);
 }
 
 Command MakeCommand(const std::string& exec, const std::string& url) {

@@ -48,6 +48,12 @@ bool IsSite(std::string_view address) {
   return address.starts_with("https://") || address.starts_with("http://");
 }
 
+/// Returns whether no site of this name can exist: its last part is kept free for examples.
+bool IsForExamples(std::string_view address) {
+  address.remove_prefix(address.find("//") + 2);
+  return address.substr(0, address.find('/')).ends_with(".example");
+}
+
 }  // namespace
 
 std::string HelpPage::GetUrl() const {
@@ -94,7 +100,7 @@ void DesktopShell::StartProgram(std::u16string_view program, std::u16string_view
 void DesktopShell::Execute(std::u16string_view verb, std::u16string_view file,
                            std::u16string_view parameters) {
   std::string address = text::ToUtf8(parameters);
-  if (verb != kOpenVerb || file != kBrowser || !IsSite(address)) {
+  if (verb != kOpenVerb || file != kBrowser || !IsSite(address) || IsForExamples(address)) {
     m_options.report(std::u16string(resources::kNotOpenedHere).append(parameters));
     return;
   }

@@ -1,5 +1,6 @@
 #include "backends/qt/control_names.h"
 
+#include <QLineEdit>
 #include <algorithm>
 #include <vector>
 
@@ -88,6 +89,10 @@ void NameControls(std::list<Control>& controls, const QString& caption) {
       }
       name = name.isEmpty() ? caption : name;
       control.widget->setAccessibleName(name);
+      // The field of an editable box takes the focus, so it is what a screen reader reads.
+      if (control.combo != nullptr && control.combo->isEditable()) {
+        control.combo->lineEdit()->setAccessibleName(name);
+      }
       if (control.spoken != nullptr) {
         control.spoken->setText(WithoutMnemonic(name));
       }

@@ -1,5 +1,6 @@
 #include "backends/qt/dialog_windows.h"
 
+#include <QHBoxLayout>
 #include <QPushButton>
 #include <QShortcut>
 #include <QTabBar>
@@ -69,7 +70,19 @@ QtSheet::QtSheet(std::u16string_view caption, std::span<const platform::SheetPag
   MakeOkButton();
   MakeTabKeys();
   layout->addWidget(m_tabs);
-  layout->addWidget(m_okButton, 0, Qt::AlignRight);
+  m_buttons = new QHBoxLayout;
+  m_buttons->setSpacing(margin);
+  m_buttons->addStretch();
+  m_buttons->addWidget(m_okButton);
+  layout->addLayout(m_buttons);
+}
+
+void QtSheet::AddCancelButton() {
+  m_cancelButton = new QPushButton(QStringLiteral("Cancel"), this);
+  m_cancelButton->setObjectName(QStringLiteral("cancel"));
+  m_cancelButton->setFixedSize(m_okButton->size());
+  m_buttons->addWidget(m_cancelButton);
+  connect(m_cancelButton, &QPushButton::clicked, this, [this] { OnCloseBox(); });
 }
 
 void QtSheet::MakeTabs() {
@@ -164,6 +177,9 @@ void QtSheet::OrderTabs() {
     }
   }
   chain.push_back(m_okButton);
+  if (m_cancelButton != nullptr) {
+    chain.push_back(m_cancelButton);
+  }
   chain.push_back(m_tabs->tabBar());
   for (std::size_t i = 1; i < chain.size(); ++i) {
     setTabOrder(chain[i - 1], chain[i]);

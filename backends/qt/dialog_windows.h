@@ -9,6 +9,7 @@
 #include "platform/dialog.h"
 #include "platform/ui.h"
 
+class QHBoxLayout;
 class QTabWidget;
 
 // The windows in which dialogs stand: a dialog alone, or dialogs as the pages of a sheet.
@@ -40,6 +41,8 @@ class QtSheet final : public Frame, public platform::SheetWindow {
   QtSheet(const QtSheet&) = delete;
   QtSheet& operator=(const QtSheet&) = delete;
 
+  /// Adds a button that does what the close box does. Call it before Init.
+  void AddCancelButton();
   /// Makes the handler prepare the sheet, and sets the first page up.
   void Init();
   [[nodiscard]] bool WasAccepted() const { return m_wasAccepted; }
@@ -68,7 +71,9 @@ class QtSheet final : public Frame, public platform::SheetWindow {
   UiThread& m_thread;
   Pictures& m_pictures;
   QTabWidget* m_tabs = nullptr;                    ///< A child.
+  QHBoxLayout* m_buttons = nullptr;                ///< Of the layout: OK and Cancel.
   QPushButton* m_okButton = nullptr;               ///< A child.
+  QPushButton* m_cancelButton = nullptr;           ///< A child; null if there is none.
   std::vector<std::unique_ptr<QtDialog>> m_shown;  ///< Null for a page not yet set up.
   bool m_wasAccepted = false;
 };

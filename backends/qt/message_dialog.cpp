@@ -58,6 +58,7 @@ MessageDialog::MessageDialog(const platform::MessageBox& box, const QString& cap
   layout->addWidget(MakeButtons());
   setAccessibleName(caption.isEmpty() ? ToQString(box.text) : caption);
   setAccessibleDescription(ToQString(box.text));
+  m_text->setAccessibleName(accessibleName());
 }
 
 // The text is a QTextEdit and no QLabel: a label neither wraps within words nor scrolls, and it

@@ -198,6 +198,9 @@ bool QtUi::RunSheet(std::u16string_view caption, std::span<const platform::Sheet
                     platform::SheetHandler& handler) {
   Begin();
   QtSheet sheet(caption, pages, handler, m_thread, m_pictures, m_windows->GetTop());
+  if (m_offersCancel) {
+    sheet.AddCancelButton();
+  }
   sheet.Init();
   RunModal(sheet);
   return sheet.WasAccepted();

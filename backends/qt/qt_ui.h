@@ -62,6 +62,9 @@ class QtUi final : public platform::Ui {
   QtUi(UiThread& thread, std::u16string_view applicationName, PictureSource pictures);
   ~QtUi() override;
 
+  /// Gives each sheet a Cancel button next to OK. For hosts whose sheet stores all at OK.
+  void OfferCancel() { m_offersCancel = true; }
+
   platform::MessageAnswer ShowMessage(const platform::MessageBox& box) override;
   void Beep(platform::Sound sound) override;
   void SetCursor(platform::Cursor cursor) override;
@@ -87,6 +90,7 @@ class QtUi final : public platform::Ui {
   const std::shared_ptr<WindowStack> m_windows = std::make_shared<WindowStack>();
   platform::Cursor m_cursor = platform::Cursor::kNormal;
   bool m_isWaitShown = false;
+  bool m_offersCancel = false;
 };
 
 }  // namespace qt

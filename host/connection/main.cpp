@@ -1,6 +1,10 @@
 // voxtrel-connection ROOT: the connection settings in a window of their own.
 
 #include <QApplication>
+#include <QIcon>
+#include <QPainter>
+#include <QPixmap>
+#include <QSvgRenderer>
 #include <cstdio>
 #include <filesystem>
 
@@ -14,6 +18,7 @@
 #include "backends/udev/udev_serial_devices.h"
 #include "connection/connection_page.h"
 #include "language/texts.h"
+#include "resources/pictures.h"
 #include "resources/strings.h"
 #include "storage/device_paths.h"
 #include "storage/registry_keys.h"
@@ -22,6 +27,19 @@ namespace {
 
 constexpr std::u16string_view kApplicationName = u"Zedra Voxtrel";
 constexpr int kWrongUsage = 2;
+
+/// The applet's icon, since the window is a part of the same program.
+QIcon MakeIcon() {
+  constexpr int kSize = 256;  // pixels
+  const auto svg = resources::FindPicture(resources::kAppletIcon)->svg;
+  QSvgRenderer renderer(
+      QByteArray(reinterpret_cast<const char*>(svg.data()), static_cast<qsizetype>(svg.size())));
+  QPixmap pixmap(kSize, kSize);
+  pixmap.fill(Qt::transparent);
+  QPainter painter(&pixmap);
+  renderer.render(&painter);
+  return {pixmap};
+}
 
 void Run(const std::filesystem::path& root) {
   sqlite::RegistryOptions options;
@@ -36,6 +54,7 @@ void Run(const std::filesystem::path& root) {
   qt::UiThread thread;
   qt::QtUi ui(thread, kApplicationName,
               {.getBytes = [](int /*picture*/) { return std::span<const std::byte>(); }});
+  ui.OfferCancel();
   connection::RunConnectionSheet(
       ui, registry,
       language::LoadTexts(files, storage::kLanguageFile, clock)(resources::kSheetCaption));
@@ -51,6 +70,7 @@ int main(int argc, char** argv) {
     std::fputs("usage: voxtrel-connection ROOT\n", stderr);
     return kWrongUsage;
   }
+  QApplication::setWindowIcon(MakeIcon());
   Run(arguments.at(1).toStdString());
   return 0;
 }

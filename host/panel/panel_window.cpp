@@ -3,7 +3,6 @@
 #include <QAction>
 #include <QCloseEvent>
 #include <QCoreApplication>
-#include <QDesktopServices>
 #include <QFileInfo>
 #include <QLabel>
 #include <QMenu>
@@ -11,7 +10,6 @@
 #include <QMessageBox>
 #include <QStackedWidget>
 #include <QStatusBar>
-#include <QUrl>
 #include <QVBoxLayout>
 #include <utility>
 
@@ -116,13 +114,7 @@ void PanelWindow::BuildMenus() {
   quit->setShortcut(QKeySequence::Quit);
 
   QMenu* const help = menuBar()->addMenu(tr("&Help"));
-  QAction* const contents = help->addAction(tr("&Voice dialer help"), this, [this] {
-    const QString page = FindData(QStringLiteral("help/ZedraVoxtrelPE_help.htm"));
-    if (page.isEmpty() || !QDesktopServices::openUrl(QUrl::fromLocalFile(page))) {
-      m_status->setText(page.isEmpty() ? qt::ToQString(resources::kHelpNotInstalled)
-                                       : qt::ToQString(resources::kNoBrowserShows).arg(page));
-    }
-  });
+  QAction* const contents = help->addAction(tr("&Voice dialer help"), this, [this] { OpenHelp(); });
   contents->setShortcut(QKeySequence::HelpContents);
   help->addAction(tr("&About the control panel"), this, [this] {
     QMessageBox::about(this, tr("Control Panel"),
@@ -130,6 +122,28 @@ void PanelWindow::BuildMenus() {
                           "a process of its own: if one fails, the others go on.")
                            .arg(QStringLiteral(VOXTREL_VERSION)));
   });
+}
+
+// The applet's own shell opens the page, so F1 does the same here as in the sheet. It reports on a
+// thread of its own.
+void PanelWindow::OpenHelp() {
+  const QString folder = FindData(QStringLiteral("help"));
+  if (folder.isEmpty()) {
+    m_status->setText(qt::ToQString(resources::kHelpNotInstalled));
+    return;
+  }
+  if (!m_shell) {
+    desktop::DesktopShell::Options options;
+    options.environment = desktop::ReadEnvironment();
+    options.helpFolders = {folder.toStdString()};
+    options.report = [this](std::u16string_view text) {
+      QMetaObject::invokeMethod(
+          this, [this, shown = qt::ToQString(text)] { m_status->setText(shown); },
+          Qt::QueuedConnection);
+    };
+    m_shell = std::make_unique<desktop::DesktopShell>(m_threads, std::move(options));
+  }
+  m_shell->StartProgram(u"peghelp.exe", u"file:ZedraVoxtrelPE_help.htm");
 }
 
 void PanelWindow::BuildSampleMenu() {

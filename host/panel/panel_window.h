@@ -9,6 +9,8 @@
 #include <optional>
 #include <vector>
 
+#include "backends/desktop/desktop_shell.h"
+#include "backends/posix/posix_threads.h"
 #include "host/panel/inquiry.h"
 #include "host/panel/newcomer.h"
 #include "host/panel/open_applets.h"
@@ -44,6 +46,7 @@ class PanelWindow : public QMainWindow {
   void BuildMenus();
   void BuildSampleMenu();
   void BuildCentre();
+  void OpenHelp();
   void ShowApplets(const QString& library, const LibraryReport& report);
   QListWidgetItem* AddItem(const QString& library, int number, const QString& name);
   void DescribeCurrent();
@@ -55,6 +58,8 @@ class PanelWindow : public QMainWindow {
   OpenApplets m_applets;
   std::vector<std::unique_ptr<Inquiry>> m_inquiries;
   std::unique_ptr<EquipmentCheck> m_equipment;
+  posix::PosixThreads m_threads{std::string()};
+  std::unique_ptr<desktop::DesktopShell> m_shell;  ///< Null until it is needed.
   // Owned by the window.
   QStackedWidget* m_centre = nullptr;
   QListWidget* m_list = nullptr;

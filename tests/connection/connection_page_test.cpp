@@ -85,6 +85,16 @@ TEST_F(ConnectionPage, KeepsAStoredValueThatNoListHolds) {
   EXPECT_EQ(Stored(u"Bound_rate"), Bytes(u"921600", 32));
 }
 
+TEST_F(ConnectionPage, FlowControlIsAListThatKeepsAStoredWordOfAnotherProgram) {
+  PutSetting(u"Flow_control", u"rts");
+  auto& dialog = Open();
+  EXPECT_EQ(dialog.GetText(kFlowControlComboId), u"rts");
+  dialog.SetText(kFlowControlComboId, u"anything");
+  EXPECT_EQ(dialog.GetText(kFlowControlComboId), u"rts") << "Nothing can be typed.";
+  m_page->OnOK();
+  EXPECT_EQ(Stored(u"Flow_control"), Bytes(u"rts", 32));
+}
+
 TEST_F(ConnectionPage, AStoredValueIsReadWithoutATerminatorToo) {
   ASSERT_EQ(support::ErrorOf(support::Put(m_registry, storage::kDialerKey, u"Bound_rate",
                                           RegistryType::kString, support::Utf16Bytes(u"4800"))),

@@ -270,6 +270,14 @@ TEST_F(TestDialogTest, AClickOnThePictureOpensItsHelp) {
                 {u"", u"peghelp.exe", u"file:ZedraVoxtrelPE_help.htm#test"}}));
 }
 
+TEST_F(TestDialogTest, TheKeyForHelpOpensItsHelpToo) {
+  maintenance::TestDialog dialog(m_machine.Get(), m_texts);
+  EXPECT_TRUE(dialog.OnHelp());
+  EXPECT_EQ(m_machine.shell.GetRequests(),
+            (std::vector<headless::ShellRequest>{
+                {u"", u"peghelp.exe", u"file:ZedraVoxtrelPE_help.htm#test"}}));
+}
+
 TEST_F(TestDialogTest, ChoosingALineDoesNothing) {
   PutTag(u"1", u"A", kX);
   PutTag(u"2", u"B", kX);

@@ -53,6 +53,12 @@ class Browsers : public FakeDesktop {
   }
 };
 
+TEST_F(Browsers, ABrowserIsFoundByItsNameWhereNothingElseNamesOne) {
+  PutProgram("firefox-esr");
+  EXPECT_TRUE(Open(kSite));
+  EXPECT_EQ(CallOf("firefox-esr"), Words{kSite});
+}
+
 TEST_F(Browsers, TheUsersChoiceIsStartedByItsOwnCommand) {
   PutDefaultBrowser();
   PutProgram("xdg-open");

@@ -126,19 +126,28 @@ TEST_F(DesktopShell, WithoutABrowserNamesThePage) {
 }
 
 TEST_F(DesktopShell, WithoutABrowserNamesTheSite) {
-  OpenSite(u"https://site.example/");
-  EXPECT_EQ(Told(), Words{"There is no web browser to show this with: https://site.example/"});
+  OpenSite(u"https://site.org/");
+  EXPECT_EQ(Told(), Words{"There is no web browser to show this with: https://site.org/"});
 }
 
 TEST_F(DesktopShell, OpensNothingButSites) {
   PutDefaultBrowser();
   OpenSite(u"--profile=/tmp/x");
   With([](platform::Shell& shell) {
-    shell.Execute(u"print", u"iexplore.exe", u"https://site.example/");
-    shell.Execute(u"open", u"other.exe", u"https://site.example/");
+    shell.Execute(u"print", u"iexplore.exe", u"https://site.org/");
+    shell.Execute(u"open", u"other.exe", u"https://site.org/");
   });
   EXPECT_FALSE(WasCalled("fox"));
   EXPECT_EQ(Told().size(), 3U);
+}
+
+TEST_F(DesktopShell, OpensNoBrowserOnASiteThatCannotBeThere) {
+  PutDefaultBrowser();
+  OpenSite(u"https://site.example/");
+  OpenSite(u"http://site.example");
+  EXPECT_FALSE(WasCalled("fox"));
+  EXPECT_EQ(Told(), (Words{"This cannot be opened here: https://site.example/",
+                           "This cannot be opened here: http://site.example"}));
 }
 
 TEST_F(DesktopShell, StartsNoOtherProgram) {
@@ -154,7 +163,7 @@ TEST_F(DesktopShell, TwoRequestsAreBothDone) {
   PutProgram("fox", "/bin/mktemp '" + Path("done.XXXXXX") + "'");
   With([](platform::Shell& shell) {
     shell.StartProgram(u"peghelp.exe", kHelp);
-    shell.Execute(u"open", u"iexplore.exe", u"https://site.example/");
+    shell.Execute(u"open", u"iexplore.exe", u"https://site.org/");
   });
   const auto files = std::filesystem::directory_iterator(m_folder.Path());
   EXPECT_EQ(std::count_if(begin(files), end(files),

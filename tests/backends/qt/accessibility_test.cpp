@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QTest>
+#include <QTextEdit>
 
 #include "applet/about_page.h"
 #include "resources/dialogs.h"
@@ -108,13 +109,24 @@ TEST_F(Accessibility, AMessageBoxIsReadOut) {
   EXPECT_EQ(description, "Error: oid == 0");
 }
 
+TEST_F(Accessibility, TheTextOfAMessageBoxHasTheNameOfTheBox) {
+  QString name;
+  m_user.SetAnswer([&](QDialog& box) {
+    name = QAccessible::queryAccessibleInterface(box.findChild<QTextEdit*>("text"))
+               ->text(QAccessible::Name);
+    box.reject();
+  });
+  m_machine.ui.ShowMessage(platform::ApplicationBox(u"Error: oid == 0"));
+  EXPECT_EQ(name, "Zedra Voxtrel");
+}
+
 /// A sheet with the real About page as its second page.
 class AboutAccessibility : public testing::Test {
  protected:
-  void Run(const std::function<void()>& story) {
-    applet::AboutPage page(
-        m_machine.GetPlatform(),
-        {resources::kProductPicture, resources::kMakerPicture, u"Voxtrel PE", u"v3.0"});
+  void Run(const std::function<void()>& story, bool isSiteReachable = true) {
+    applet::AboutPage page(m_machine.GetPlatform(),
+                           {resources::kProductPicture, resources::kMakerPicture, u"Voxtrel PE",
+                            u"v3.0", isSiteReachable});
     framework::CPropertySheet sheet(u"Property", m_machine.ui);
     sheet.AddPage(page);
     m_user.Soon([&story] {
@@ -132,6 +144,10 @@ class AboutAccessibility : public testing::Test {
   support::PageMachine m_machine;
   User m_user;
 };
+
+TEST_F(AboutAccessibility, ASiteThatNobodyCanReachIsNoLink) {
+  Run([] { EXPECT_EQ(GetLink(), nullptr); }, false);
+}
 
 TEST_F(AboutAccessibility, WhatIsPaintedCanBeRead) {
   Run([] {

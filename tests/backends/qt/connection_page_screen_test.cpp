@@ -123,6 +123,35 @@ TEST_F(ConnectionPageScreen, ShowsAllOfItsControlsAndNotItsOwnOk) {
   });
 }
 
+TEST_F(ConnectionPageScreen, CancelClosesTheSheetAndStoresNothing) {
+  m_ui.OfferCancel();
+  EXPECT_FALSE(Run([] {
+    User::Choose(kStopBitsComboId, 2);
+    auto* cancel = User::GetWindow()->findChild<QPushButton*>("cancel");
+    ASSERT_NE(cancel, nullptr);
+    ASSERT_TRUE(User::TabTo(cancel));
+    User::Click(cancel);
+  }));
+  EXPECT_TRUE(Stored(u"Stop_bit").empty());
+}
+
+TEST_F(ConnectionPageScreen, NothingCanBeTypedAsFlowControl) {
+  Run([] {
+    EXPECT_FALSE(User::FindCombo(kFlowControlComboId)->isEditable());
+    EXPECT_EQ(User::FindCombo(kFlowControlComboId)->currentText(), "none");
+  });
+}
+
+TEST_F(ConnectionPageScreen, TheFieldOfEachBoxHasTheNameOfTheBox) {
+  Run([] {
+    for (const int id : {kPortComboId, kBaudRateComboId, kDataBitsComboId, kStopBitsComboId}) {
+      const QComboBox* combo = User::FindCombo(id);
+      EXPECT_FALSE(combo->accessibleName().isEmpty()) << id;
+      EXPECT_EQ(combo->lineEdit()->accessibleName(), combo->accessibleName()) << id;
+    }
+  });
+}
+
 TEST_F(ConnectionPageScreen, ShowsTheTextsOfItsCheckBoxesToTheirEnd) {
   Run([] {
     const auto* headset = dynamic_cast<QCheckBox*>(User::Find(kHeadsetCheckId));

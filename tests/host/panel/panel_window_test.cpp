@@ -205,6 +205,29 @@ TEST_F(Panel, OpensASampleInPlaceOfTheOneThatIsOpenAndNamesItInTheTitle) {
   qunsetenv("XDG_CACHE_HOME");
 }
 
+TEST_F(Panel, OpensItsHelpInABrowserThatNothingButItsNameMakesOne) {
+  const QTemporaryDir folder;
+  const QString called = folder.filePath(QStringLiteral("called"));
+  QFile browser(folder.filePath(QStringLiteral("firefox")));
+  ASSERT_TRUE(browser.open(QIODevice::WriteOnly));
+  browser.write("#!/bin/sh\necho \"$1\" >'" + called.toUtf8() + ".new'\n/bin/mv '" +
+                called.toUtf8() + ".new' '" + called.toUtf8() + "'\n");
+  browser.close();
+  browser.setPermissions(QFile::ReadOwner | QFile::ExeOwner);
+  const QByteArray path = qgetenv("PATH");
+  qputenv("PATH", folder.path().toUtf8());
+  Show({"good"});
+  for (QAction* action : m_window->findChildren<QAction*>()) {
+    if (action->shortcut() == QKeySequence(QKeySequence::HelpContents)) {
+      action->trigger();
+    }
+  }
+  qputenv("PATH", path);
+  ASSERT_TRUE(Until([&] { return QFile::exists(called); }));
+  EXPECT_TRUE(panel_test::ReadAll(called).endsWith(
+      QStringLiteral("share/voxtrel/help/ZedraVoxtrelPE_help.htm\n")));
+}
+
 TEST_F(Panel, SaysNoLongerThatItOpensAnAppletWhoseWindowIsThere) {
   AppletTrace trace;
   trace.Stay();
