@@ -13,6 +13,9 @@ namespace {
 
 using voicemath::CVoiceMathematics;
 
+/// Judges tags one by one. Each tag's template takes the slot of the tag's index, all of them
+/// before the first judgement: any tag may be too much like any other. The recording of a tag is
+/// read when the tag is judged.
 class TagJudge {
  public:
   TagJudge(const platform::Platform& platform, std::span<const JudgedTag> tags)

@@ -23,6 +23,9 @@
 #include "resources/strings.h"
 #include "storage/registry_file.h"
 
+// The commands work the controls of the real page, in a sheet that nobody sees. So they follow the
+// rules of the window, and nothing but the page writes the settings.
+
 namespace cli {
 namespace {
 

@@ -45,7 +45,8 @@ std::optional<std::u16string> ParseChoice(int control, std::u16string_view value
   return found == choices.end() ? std::nullopt : std::optional(std::u16string(*found));
 }
 
-/// Whatever its letter case, and with the colon or without it. The port may be unplugged.
+/// Returns the name of a port that was typed in any letter case, with the colon or without it. The
+/// port may be unplugged.
 std::optional<std::u16string> ParsePort(std::u16string_view value) {
   constexpr std::u16string_view kStart = u"COM";
   if (value.ends_with(u':')) {

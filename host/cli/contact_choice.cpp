@@ -35,7 +35,7 @@ enum class Likeness : std::uint8_t {
 
 using Words = std::vector<std::u16string>;
 
-/// Returns the words of a name in the order of their letters, letter case gone.
+/// Returns the words of a name in the order of their letters, without their letter case.
 Words SortedWords(std::u16string_view name) {
   Words words(1);
   for (const char16_t unit : text::FoldName(name)) {

@@ -12,7 +12,7 @@ namespace {
 using voicemath::TakeQuality;
 using voicemath::Verdict;
 
-/// More digits would be no truer.
+/// Returns a level in whole tenths of a decibel. More digits would be no truer.
 double ToTenths(double decibels) { return std::round(decibels * 10) / 10; }
 
 }  // namespace

@@ -16,7 +16,7 @@ namespace {
 
 using FileResult = platform::Result<void, platform::FileError>;
 
-/// The earlier export stays until the new one is whole.
+/// Writes the export. The earlier one stays until the new one is whole.
 FileResult Replace(Session& session, const FileArgument& file, const FileArgument::Bytes& bytes) {
   const auto made = session.GetFiles().OpenReplacement(file.GetPath());
   if (!made) {

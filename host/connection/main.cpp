@@ -1,4 +1,7 @@
 // voxtrel-connection ROOT: the connection settings in a window of their own.
+//
+// The command line starts this program with the root folder that it uses. So `voxtrel` itself is
+// not linked with the window library.
 
 #include <QApplication>
 #include <QIcon>
