@@ -53,7 +53,7 @@ class Browsers : public FakeDesktop {
   }
 };
 
-TEST_F(Browsers, ABrowserIsFoundByItsNameWhereNothingElseNamesOne) {
+TEST_F(Browsers, ABrowserIsFoundByItsNameIfNothingElseNamesOne) {
   PutProgram("firefox-esr");
   EXPECT_TRUE(Open(kSite));
   EXPECT_EQ(CallOf("firefox-esr"), Words{kSite});
