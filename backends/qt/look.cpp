@@ -11,10 +11,25 @@
 #include <array>
 #include <cmath>
 
+#include "backends/qt/message_dialog.h"
 #include "backends/qt/strings.h"
 
 namespace qt {
 namespace {
+
+bool g_isBusy = false;
+
+/// Makes the style draw a control of a window that takes no input now as a disabled one.
+template <typename Option>
+[[nodiscard]] Option AsItAnswers(const Option& option, const QWidget* widget) {
+  Option shown = option;
+  if (g_isBusy && widget != nullptr &&
+      dynamic_cast<const MessageDialog*>(widget->window()) == nullptr) {
+    shown.state &= ~QStyle::State_Enabled;
+    shown.palette.setCurrentColorGroup(QPalette::Disabled);
+  }
+  return shown;
+}
 
 /// Makes the style mark the focus even if it came by the mouse. The user always sees which control
 /// gets the keys.
@@ -63,7 +78,7 @@ class Look final : public QProxyStyle {
   void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
                           QPainter* painter, const QWidget* widget) const override {
     if (const auto* combo = qstyleoption_cast<const QStyleOptionComboBox*>(option)) {
-      const auto marked = WithFocusMarked(*combo);
+      const auto marked = AsItAnswers(WithFocusMarked(*combo), widget);
       QProxyStyle::drawComplexControl(control, &marked, painter, widget);
       return;
     }
@@ -73,8 +88,18 @@ class Look final : public QProxyStyle {
   void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
                    const QWidget* widget) const override {
     if (const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option)) {
-      const auto marked = WithFocusMarked(*button);
+      const auto marked = AsItAnswers(WithFocusMarked(*button), widget);
       QProxyStyle::drawControl(element, &marked, painter, widget);
+      return;
+    }
+    if (const auto* tab = qstyleoption_cast<const QStyleOptionTab*>(option)) {
+      const auto shown = AsItAnswers(*tab, widget);
+      QProxyStyle::drawControl(element, &shown, painter, widget);
+      return;
+    }
+    if (const auto* combo = qstyleoption_cast<const QStyleOptionComboBox*>(option)) {
+      const auto shown = AsItAnswers(*combo, widget);
+      QProxyStyle::drawControl(element, &shown, painter, widget);
       return;
     }
     const auto* frame = qstyleoption_cast<const QStyleOptionFrame*>(option);
@@ -136,6 +161,21 @@ void ApplyLook() {
   if (!isApplied) {
     isApplied = true;
     QApplication::setStyle(new Look);
+  }
+}
+
+void DrawAsBusy(bool isBusy) {
+  g_isBusy = isBusy;
+  for (QWidget* window : QApplication::topLevelWidgets()) {
+    if (dynamic_cast<MessageDialog*>(window) != nullptr) {
+      continue;
+    }
+    if (isBusy) {
+      window->setCursor(Qt::BusyCursor);
+    } else {
+      window->unsetCursor();
+    }
+    window->update();
   }
 }
 

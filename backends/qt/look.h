@@ -51,6 +51,11 @@ inline constexpr double kScale = 1.5;
 /// with underlined mnemonics. Further calls do nothing.
 void ApplyLook();
 
+/// Draws buttons, boxes and tabs of all windows but message boxes as disabled ones, and gives those
+/// windows the cursor that says "busy", until it is called with false. The controls themselves stay
+/// as they are: for a page, and for the focus, nothing has changed.
+void DrawAsBusy(bool isBusy);
+
 /// Returns the colours of all windows. Windows are light even on a dark desktop, because pages
 /// paint in fixed dark colours. Marks of a choice have the user's own colour.
 [[nodiscard]] QPalette DialogPalette();

@@ -12,6 +12,7 @@
 #include <thread>
 #include <utility>
 
+#include "backends/qt/look.h"
 #include "backends/qt/message_dialog.h"
 
 namespace qt {
@@ -87,12 +88,14 @@ namespace {
 void InputGate::Close() {
   if (m_depth++ == 0) {
     qApp->installEventFilter(this);
+    DrawAsBusy(true);
   }
 }
 
 void InputGate::Open() {
   if (--m_depth == 0) {
     qApp->removeEventFilter(this);
+    DrawAsBusy(false);
   }
 }
 

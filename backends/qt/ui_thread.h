@@ -11,7 +11,7 @@ namespace qt {
 
 /// A filter of the user's input. While it is closed, input reaches message boxes only. What the
 /// user types or clicks elsewhere is lost and not done later. Windows go on painting, moving and
-/// resizing. Belongs to the user-interface thread.
+/// resizing, and look as dead as they are. Belongs to the user-interface thread.
 class InputGate final : public QObject {
  public:
   void Close();

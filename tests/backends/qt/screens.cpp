@@ -8,6 +8,7 @@
 #include <QProgressBar>
 #include <QTabWidget>
 #include <QTest>
+#include <QTimer>
 #include <cstdio>
 #include <span>
 #include <string>
@@ -39,7 +40,9 @@ class BarWatcher final : public QObject {
     if (bar != nullptr && event->type() == QEvent::Show) {
       connect(bar, &QProgressBar::valueChanged, this, [this](int value) {
         if (value == m_value) {
-          support::SaveScreenshot(*User::GetWindow(), m_file);
+          // During the next wait, as the user sees it.
+          QTimer::singleShot(0, this,
+                             [this] { support::SaveScreenshot(*User::GetWindow(), m_file); });
         }
       });
     }

@@ -155,6 +155,30 @@ TEST_F(Waiting, TakesNoInput) {
   EXPECT_TRUE(dialog.presses.empty());
 }
 
+TEST_F(Waiting, ShowsAtOnceThatTheWindowIsBusyAndThatABoxIsNot) {
+  NotingDialog dialog(m_ui);
+  QImage busy;
+  Qt::CursorShape busyCursor = Qt::ArrowCursor;
+  m_user.SetAnswer([&](QDialog& box) {
+    busy = User::Find(sample::kStop)->grab().toImage();
+    busyCursor = User::GetWindow()->cursor().shape();
+    EXPECT_EQ(box.cursor().shape(), Qt::ArrowCursor);
+    EXPECT_TRUE(User::Find(sample::kStop)->isEnabled()) << "It only looks so.";
+    box.reject();
+    Open();
+  });
+  Run(dialog, [&] {
+    const QImage before = User::Find(sample::kStop)->grab().toImage();
+    std::thread worker([&] { m_ui.ShowMessage(platform::ApplicationBox(u"from afar")); });
+    AwaitOpening();
+    worker.join();
+    EXPECT_NE(busy, before);
+    EXPECT_EQ(busyCursor, Qt::BusyCursor);
+    EXPECT_EQ(User::Find(sample::kStop)->grab().toImage(), before);
+    EXPECT_EQ(User::GetWindow()->cursor().shape(), Qt::ArrowCursor);
+  });
+}
+
 TEST_F(Waiting, AWorkersBoxIsAnsweredAndStopsTheWorkerAlone) {
   m_user.SetAnswer(support::Press("cancel"));
   platform::MessageAnswer answer = platform::MessageAnswer::kOk;
