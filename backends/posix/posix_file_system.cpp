@@ -40,8 +40,8 @@ class PosixSearch final : public platform::FileSearch {
   std::size_t m_next = 0;
 };
 
-/// What a search says of the entry. A symbolic link that leads nowhere is found as a file, since
-/// its name is taken.
+/// Returns what a search says of the entry. A symbolic link that leads nowhere is found as a file,
+/// since its name is taken.
 Result<FoundFile, FileError> Describe(const HostPlace& place) {
   struct stat status {};
   const std::string path = place.Path();

@@ -31,7 +31,8 @@ using platform::Result;
 constexpr mode_t kPermissionBits = S_IRWXU | S_IRWXG | S_IRWXO;
 constexpr int kMostAttempts = 100;
 
-/// The path by which the system shows an open descriptor as a file, which can be given a name.
+/// Returns the path by which the system shows an open descriptor as a file, which can be given a
+/// name.
 std::string PathOf(int descriptor) { return "/proc/self/fd/" + std::to_string(descriptor); }
 
 std::string RandomPath(const std::string& folder) {
@@ -87,7 +88,8 @@ Result<void, FileError> TakeOver(int from, int descriptor, Others others) {
   return SetRights(descriptor, other.st_mode & kept);
 }
 
-/// Whether the file at `path`, if there is one, may be replaced as far as one sees from outside.
+/// Returns whether the file at `path`, if there is one, may be replaced as far as one sees from
+/// outside.
 Result<void, FileError> CheckTarget(const std::string& path) {
   struct stat status {};
   if (::lstat(path.c_str(), &status) != 0) {

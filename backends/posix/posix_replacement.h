@@ -31,7 +31,7 @@ class PosixReplacement final : public platform::Replacement {
 
  private:
   [[nodiscard]] platform::Result<void, platform::FileError> TakePlace();
-  /// One attempt. Returns nothing if another process made the file at the path meanwhile.
+  /// Makes one attempt. Returns nothing if another process made the file at the path meanwhile.
   [[nodiscard]] std::optional<platform::Result<void, platform::FileError>> TryTakePlace();
   [[nodiscard]] platform::Result<void, platform::FileError> NameTemporarily();
 
