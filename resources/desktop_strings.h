@@ -22,6 +22,9 @@ inline constexpr std::u16string_view kNoWebBrowser = u"There is no web browser t
 inline constexpr std::u16string_view kNoSuchProgram = u"There is no such program here: ";
 inline constexpr std::u16string_view kNotOpenedHere = u"This cannot be opened here: ";
 
+// The window of the connection settings; "%1" is the name of a port.
+inline constexpr std::u16string_view kPortNotConnected = u"%1 is not connected";
+
 // The control panel about an applet that is opened; "%1" is its name.
 inline constexpr std::u16string_view kOpening = u"Opening %1";
 inline constexpr std::u16string_view kIsOpenAlready =

@@ -1,6 +1,8 @@
 #include "backends/qt/dialog_windows.h"
 
+#include <QComboBox>
 #include <QHBoxLayout>
+#include <QLabel>
 #include <QPushButton>
 #include <QShortcut>
 #include <QTabBar>
@@ -106,6 +108,19 @@ void QtSheet::MakeOkButton() {
   m_okButton->setObjectName(QStringLiteral("ok"));
   m_okButton->setFixedSize(ToDesktop(kOkWidth), ToDesktop(kOkHeight));
   connect(m_okButton, &QPushButton::clicked, this, [this] { OnOk(); });
+}
+
+void QtSheet::AddRemark(int comboId, const std::function<QString(const QString&)>& remark) {
+  const auto* combo = findChild<QComboBox*>(QString::number(comboId));
+  if (combo == nullptr) {
+    return;
+  }
+  auto* label = new QLabel(remark(combo->currentText()), this);
+  label->setObjectName(QStringLiteral("remark"));
+  label->setTextFormat(Qt::PlainText);
+  m_buttons->insertWidget(0, label);
+  connect(combo, &QComboBox::currentTextChanged, label,
+          [label, remark](const QString& text) { label->setText(remark(text)); });
 }
 
 void QtSheet::MakeTabKeys() {

@@ -202,6 +202,9 @@ bool QtUi::RunSheet(std::u16string_view caption, std::span<const platform::Sheet
     sheet.AddCancelButton();
   }
   sheet.Init();
+  if (m_remark.second) {
+    sheet.AddRemark(m_remark.first, m_remark.second);
+  }
   RunModal(sheet);
   return sheet.WasAccepted();
 }

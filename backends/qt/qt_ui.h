@@ -1,9 +1,11 @@
 #pragma once
 
 #include <QString>
+#include <functional>
 #include <future>
 #include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "backends/qt/frame.h"
@@ -65,6 +67,11 @@ class QtUi final : public platform::Ui {
   /// Gives each sheet a Cancel button next to OK. For hosts whose sheet stores all at OK.
   void OfferCancel() { m_offersCancel = true; }
 
+  /// Each sheet shows next to OK what `remark` says about the text of one of its combo boxes.
+  void SetRemark(int comboId, std::function<QString(const QString&)> remark) {
+    m_remark = {comboId, std::move(remark)};
+  }
+
   platform::MessageAnswer ShowMessage(const platform::MessageBox& box) override;
   void Beep(platform::Sound sound) override;
   void SetCursor(platform::Cursor cursor) override;
@@ -91,6 +98,7 @@ class QtUi final : public platform::Ui {
   platform::Cursor m_cursor = platform::Cursor::kNormal;
   bool m_isWaitShown = false;
   bool m_offersCancel = false;
+  std::pair<int, std::function<QString(const QString&)>> m_remark;  ///< Of a combo box.
 };
 
 }  // namespace qt

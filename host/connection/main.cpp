@@ -8,19 +8,24 @@
 #include <QPainter>
 #include <QPixmap>
 #include <QSvgRenderer>
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 
 #include "backends/posix/posix_clock.h"
 #include "backends/posix/posix_file_system.h"
 #include "backends/qt/qt_ui.h"
+#include "backends/qt/strings.h"
 #include "backends/qt/ui_thread.h"
 #include "backends/sqlite/sqlite_registry.h"
 #include "backends/text/utf.h"
 #include "backends/udev/serial_ports.h"
 #include "backends/udev/udev_serial_devices.h"
 #include "connection/connection_page.h"
+#include "connection/serial_ports.h"
 #include "language/texts.h"
+#include "resources/desktop_strings.h"
+#include "resources/dialogs.h"
 #include "resources/pictures.h"
 #include "resources/strings.h"
 #include "storage/device_paths.h"
@@ -44,6 +49,16 @@ QIcon MakeIcon() {
   return {pixmap};
 }
 
+/// Says that a port is not there. The page shows it as it is stored, so that it stays chosen while
+/// it is unplugged.
+QString RemarkOnPort(platform::Registry& registry, const QString& port) {
+  const auto ports = connection::ReadActivePorts(registry);
+  const bool isThere = std::ranges::any_of(
+      ports, [&](const auto& active) { return qt::ToQString(active.name) == port; });
+  return isThere || port.isEmpty() ? QString()
+                                   : qt::ToQString(resources::kPortNotConnected).arg(port);
+}
+
 void Run(const std::filesystem::path& root) {
   sqlite::RegistryOptions options;
   options.initialKeys.assign(storage::kInstalledKeys.begin(), storage::kInstalledKeys.end());
@@ -58,6 +73,8 @@ void Run(const std::filesystem::path& root) {
   qt::QtUi ui(thread, kApplicationName,
               {.getBytes = [](int /*picture*/) { return std::span<const std::byte>(); }});
   ui.OfferCancel();
+  ui.SetRemark(resources::kPortComboId,
+               [&registry](const QString& port) { return RemarkOnPort(registry, port); });
   connection::RunConnectionSheet(
       ui, registry,
       language::LoadTexts(files, storage::kLanguageFile, clock)(resources::kSheetCaption));

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <QCheckBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QTabWidget>
 #include <QTest>
@@ -133,6 +134,21 @@ TEST_F(ConnectionPageScreen, CancelClosesTheSheetAndStoresNothing) {
     User::Click(cancel);
   }));
   EXPECT_TRUE(Stored(u"Stop_bit").empty());
+}
+
+TEST_F(ConnectionPageScreen, ARemarkNextToOkFollowsThePort) {
+  PutPort(u"COM1:");
+  m_ui.SetRemark(kPortComboId, [](const QString& port) { return port + u'?'; });
+  Run([] {
+    const auto* remark = User::GetWindow()->findChild<QLabel*>("remark");
+    EXPECT_EQ(remark->text(), "COM2:?");
+    User::Choose(kPortComboId, 0);
+    EXPECT_EQ(remark->text(), "COM1:?");
+    QTest::keyClicks(User::FindCombo(kPortComboId), "9");
+    EXPECT_EQ(remark->text(), User::FindCombo(kPortComboId)->currentText() + "?");
+    User::PressOk();
+  });
+  EXPECT_EQ(Stored(u"Com_port").size(), 200U);
 }
 
 TEST_F(ConnectionPageScreen, NothingCanBeTypedAsFlowControl) {
