@@ -118,7 +118,8 @@ void QtSheet::AddRemark(int comboId, const std::function<QString(const QString&)
   auto* label = new QLabel(remark(combo->currentText()), this);
   label->setObjectName(QStringLiteral("remark"));
   label->setTextFormat(Qt::PlainText);
-  m_buttons->insertWidget(0, label);
+  label->setWordWrap(true);
+  static_cast<QVBoxLayout*>(layout())->insertWidget(1, label);
   connect(combo, &QComboBox::currentTextChanged, label,
           [label, remark](const QString& text) { label->setText(remark(text)); });
 }

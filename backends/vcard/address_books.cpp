@@ -108,15 +108,16 @@ AddressBooks::Done AddressBooks::LogonTo(const SourceChoice& choice) {
                                                                     : Problem::kUnreadable);
   }
   if (!choice.path.empty() && !read->empty()) {
-    FollowMovedFile(read->front());
+    FollowMovedFile(choice, read->front());
   }
   return TakeContacts(std::move(*read));
 }
 
 // A vCard file that was moved has another name, and the numbers of tags belong to the old one. The
-// new file takes them over if it has the contact of each tag. Two files that are both there may be
-// those of two people who know the same names, so the new one then has to be a plain copy.
-void AddressBooks::FollowMovedFile(const Book& book) {
+// new file takes them over if it has the contact of each tag and the old one is gone. Two files
+// that are both there may be those of two people who know the same names. Only a plain copy among
+// the device's own files is taken for the file itself even then.
+void AddressBooks::FollowMovedFile(const SourceChoice& choice, const Book& book) {
   if (m_oids.Knows(book.name)) {
     return;
   }
@@ -132,8 +133,9 @@ void AddressBooks::FollowMovedFile(const Book& book) {
   OidMap trial = m_oids;
   trial.Rename(former, book.name);
   const auto oids = trial.Assign(std::span(&book, 1), OidMap::Keeping::kInMemory);
+  const bool isOwnCopy = choice.path.starts_with(u'\\') && !trial.HasNews();
   const bool isMoved =
-      !trial.HasNews() || m_files.Find((*remembered)->path) == Failure(FileError::kNotFound);
+      isOwnCopy || m_files.Find((*remembered)->path) == Failure(FileError::kNotFound);
   const Oids inUse = GetOidsInUse();
   if (oids && inUse && isMoved && std::ranges::all_of(*inUse, [&](std::int32_t oid) {
         return std::ranges::find(oids->front(), oid) != oids->front().end();

@@ -92,7 +92,7 @@ class AddressBooks final : public platform::ContactsStore {
   [[nodiscard]] Done LogonToDefault();
   [[nodiscard]] Done RememberChoice();
   /// Makes the numbers of the file that was chosen before those of `book` if `book` is that file.
-  void FollowMovedFile(const Book& book);
+  void FollowMovedFile(const SourceChoice& choice, const Book& book);
   [[nodiscard]] ReadBooks ReadFrom(ContactSource& source);
   [[nodiscard]] ReadBooks ReadDesktop();
   [[nodiscard]] Done TakeContacts(std::vector<Book> books);

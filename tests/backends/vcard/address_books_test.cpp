@@ -284,8 +284,8 @@ TEST_F(AddressBooksInUse, AFileThatWasMovedKeepsTheNumbersOfItsContacts) {
   ASSERT_TRUE(Start()) << "The new place is remembered.";
   EXPECT_EQ(LookUp(m_ann), std::nullopt);
   EXPECT_EQ(Oid(2), m_ann);
-  Put(u"/back.vcf", Person("Cy") + Person("Ann"));
-  ASSERT_TRUE(Start(SourceChoice{u"/back.vcf"})) << "A copy may take its place.";
+  Put(u"\\own.vcf", Person("Cy") + Person("Ann"));
+  ASSERT_TRUE(Start(SourceChoice{u"\\own.vcf"})) << "A copy on the device may take its place.";
   EXPECT_EQ(Oid(2), m_ann);
 }
 
