@@ -42,7 +42,7 @@ class QtSheet final : public Frame, public platform::SheetWindow {
   QtSheet(const QtSheet&) = delete;
   QtSheet& operator=(const QtSheet&) = delete;
 
-  /// Shows next to OK what `remark` says about the text of a combo box. Call it after Init.
+  /// Shows above OK what `remark` says about the text of a combo box. Call it after Init.
   void AddRemark(int comboId, const std::function<QString(const QString&)>& remark);
   /// Adds a button that does what the close box does. Call it before Init.
   void AddCancelButton();

@@ -67,7 +67,7 @@ class QtUi final : public platform::Ui {
   /// Gives each sheet a Cancel button next to OK. For hosts whose sheet stores all at OK.
   void OfferCancel() { m_offersCancel = true; }
 
-  /// Each sheet shows next to OK what `remark` says about the text of one of its combo boxes.
+  /// Each sheet shows above OK what `remark` says about the text of one of its combo boxes.
   void SetRemark(int comboId, std::function<QString(const QString&)> remark) {
     m_remark = {comboId, std::move(remark)};
   }

@@ -136,7 +136,7 @@ TEST_F(ConnectionPageScreen, CancelClosesTheSheetAndStoresNothing) {
   EXPECT_TRUE(Stored(u"Stop_bit").empty());
 }
 
-TEST_F(ConnectionPageScreen, ARemarkNextToOkFollowsThePort) {
+TEST_F(ConnectionPageScreen, ARemarkAboveOkFollowsThePort) {
   PutPort(u"COM1:");
   m_ui.SetRemark(kPortComboId, [](const QString& port) { return port + u'?'; });
   Run([] {
