@@ -10,7 +10,7 @@
 #include "resources/dialogs.h"
 #include "storage/registry_keys.h"
 #include "storage/stored_text.h"
-#include "storage/tag_entry.h"
+#include "storage/tag_record.h"
 
 namespace connection {
 namespace {

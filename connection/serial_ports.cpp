@@ -5,7 +5,7 @@
 #include <cstdint>
 
 #include "platform/serial_devices.h"
-#include "storage/tag_entry.h"
+#include "storage/tag_record.h"
 
 namespace connection {
 namespace {

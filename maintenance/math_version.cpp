@@ -5,7 +5,7 @@
 
 #include "storage/registry_keys.h"
 #include "storage/stored_text.h"
-#include "storage/tag_entry.h"
+#include "storage/tag_record.h"
 
 namespace maintenance {
 namespace {

@@ -6,7 +6,6 @@
 #include "backends/text/utf.h"
 #include "storage/registry_file.h"
 #include "storage/registry_file_text.h"
-#include "storage/registry_value_reader.h"
 #include "storage/stored_text.h"
 
 namespace storage {

@@ -6,12 +6,15 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "platform/registry.h"
 #include "platform/result.h"
+#include "storage/registry_file.h"
 
 namespace storage {
 
-// What reading and writing a registry file have in common.
+// What the text of a registry file is made of: its encodings, its lines and its values.
 inline constexpr char16_t kByteOrderMark = 0xFEFF;
 inline constexpr std::u16string_view kRegistryFileHeader = u"Windows Registry Editor Version 5.00";
 inline constexpr std::u16string_view kAnsiRegistryFileHeader = u"REGEDIT4";
@@ -21,11 +24,11 @@ inline constexpr std::u16string_view kRootName = u"HKEY_LOCAL_MACHINE";
 inline constexpr std::u16string_view kDwordPrefix = u"dword:";
 inline constexpr std::u16string_view kHexPrefix = u"hex";
 
-/// Whether it is a file of version 4, each byte of which is a character.
+/// Returns whether a file is of version 4, in which each byte is a character.
 [[nodiscard]] bool IsAnsiRegistryFile(std::span<const std::byte> file);
 
-/// Fails with what is wrong, in English, if any other registry file is not UTF-16LE with its
-/// byte-order mark. The sentence names the encodings that other programs save such files in.
+/// Checks that a file of version 5 is UTF-16LE with its byte-order mark. Fails with what is wrong,
+/// in English. The sentence names the encodings in which other programs save such files.
 [[nodiscard]] platform::Result<void, std::string_view> CheckRegistryFileEncoding(
     std::span<const std::byte> file);
 
@@ -74,5 +77,40 @@ class RegistryFileScanner {
   std::size_t m_at = 0;
   std::size_t m_line = 1;
 };
+
+/// Reads what follows the "=" of a value in a registry file. Each call fails at the first thing
+/// that is not what it should be.
+class RegistryValueReader {
+ public:
+  template <typename Value>
+  using Read = platform::Result<Value, RegistryFileError>;
+
+  /// If `isAnsi`, the file is of version 4, and the bytes of texts are in its code page too.
+  RegistryValueReader(RegistryFileScanner& scanner, bool isAnsi)
+      : m_scanner(scanner), m_isAnsi(isAnsi) {}
+
+  [[nodiscard]] Read<platform::RegistryValue> ReadValue();
+
+  /// Reads a text in quotation marks. It may go on over line ends, which are then part of it.
+  [[nodiscard]] Read<std::u16string> ReadQuoted();
+
+ private:
+  [[nodiscard]] Read<platform::RegistryValue> ReadString();
+  [[nodiscard]] Read<platform::RegistryValue> ReadDword();
+  [[nodiscard]] Read<platform::RegistryValue> ReadHex();
+  [[nodiscard]] Read<platform::RegistryType> ReadHexType();
+  [[nodiscard]] Read<std::vector<std::byte>> ReadBytes();
+
+  /// Passes over blanks, and over each backslash that continues the line on the next one.
+  [[nodiscard]] Read<void> SkipContinuations();
+
+  [[nodiscard]] tl::unexpected<RegistryFileError> Fail(std::string message) const;
+
+  RegistryFileScanner& m_scanner;
+  const bool m_isAnsi;
+};
+
+/// Returns the failure of a registry file at `line`.
+[[nodiscard]] tl::unexpected<RegistryFileError> FailAt(std::size_t line, std::string message);
 
 }  // namespace storage

@@ -10,7 +10,7 @@
 
 #include "platform/file_system.h"
 #include "platform/registry.h"
-#include "storage/tag_entry.h"
+#include "storage/tag_record.h"
 
 namespace storage {
 

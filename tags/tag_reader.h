@@ -7,7 +7,6 @@
 
 #include "platform/contacts_store.h"
 #include "platform/registry.h"
-#include "storage/tag_entry.h"
 #include "storage/tag_record.h"
 #include "storage/tag_store.h"
 #include "tags/contact_messages.h"

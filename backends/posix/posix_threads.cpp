@@ -4,8 +4,10 @@
 #include <sys/file.h>
 
 #include <atomic>
+#include <cerrno>
 #include <chrono>
 #include <condition_variable>
+#include <ctime>
 #include <filesystem>
 #include <mutex>
 #include <system_error>
@@ -126,6 +128,10 @@ class PosixEvent final : public platform::Event {
   Gate m_gate;
 };
 
+constexpr std::uint64_t kMillisecondsPerSecond = 1000;
+constexpr std::uint64_t kNanosecondsPerMillisecond = 1'000'000;
+constexpr std::uint64_t kNanosecondsPerSecond = 1'000'000'000;
+
 constexpr int kOwnerOnly = 0600;
 
 class FileMutex final : public platform::NamedMutex {
@@ -183,6 +189,33 @@ platform::CreatedMutex PosixThreads::Lock(std::u16string_view name) const {
     return Failure(errno == EWOULDBLOCK ? ThreadError::kHeld : ThreadError::kRefused);
   }
   return std::make_unique<FileMutex>(std::move(file));
+}
+
+std::uint32_t PosixClock::GetTickCount() {
+  timespec now{};
+  ::clock_gettime(CLOCK_BOOTTIME, &now);
+  const std::uint64_t milliseconds =
+      static_cast<std::uint64_t>(now.tv_sec) * kMillisecondsPerSecond +
+      static_cast<std::uint64_t>(now.tv_nsec) / kNanosecondsPerMillisecond;
+  return static_cast<std::uint32_t>(milliseconds);
+}
+
+std::int64_t PosixClock::GetUnixTime() {
+  timespec now{};
+  ::clock_gettime(CLOCK_REALTIME, &now);
+  return now.tv_sec;
+}
+
+void PosixClock::Sleep(std::uint32_t milliseconds) {
+  // To a fixed end, so that signals on the way do not make it longer.
+  timespec end{};
+  ::clock_gettime(CLOCK_MONOTONIC, &end);
+  const std::uint64_t nanoseconds = static_cast<std::uint64_t>(end.tv_nsec) +
+                                    std::uint64_t{milliseconds} * kNanosecondsPerMillisecond;
+  end.tv_sec += static_cast<time_t>(nanoseconds / kNanosecondsPerSecond);
+  end.tv_nsec = static_cast<long>(nanoseconds % kNanosecondsPerSecond);
+  while (::clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &end, nullptr) == EINTR) {
+  }
 }
 
 }  // namespace posix

@@ -6,17 +6,26 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/clock.h"
 #include "platform/threads.h"
 
 namespace posix {
 
-/// Threads and events of the C++ library. A named mutex is a lock on a file, which goes with the
-/// process that holds it, however that ends.
+/// The time of a Linux system. The tick count goes on while the machine is suspended.
+class PosixClock final : public platform::Clock {
+ public:
+  [[nodiscard]] std::uint32_t GetTickCount() override;
+  [[nodiscard]] std::int64_t GetUnixTime() override;
+  void Sleep(std::uint32_t milliseconds) override;
+};
+
+/// Threads and events of the C++ library. A named mutex is a lock on a file. So it goes with the
+/// process that holds it, however that process ends.
 class PosixThreads final : public platform::Threads {
  public:
-  /// `lockFolder` is the folder of the host in which the lock files lie, and so what stands for the
-  /// device on which a name is known. It is made when it is first needed. `onNamedMutex` is called
-  /// with each named mutex that was asked for here, before its creator has it.
+  /// `lockFolder` is the folder of the host in which the lock files lie. Processes with the same
+  /// folder know the same names. It is made when it is first needed. `onNamedMutex` is called with
+  /// the result of each call of CreateNamedMutex, before the caller has it.
   explicit PosixThreads(
       std::string lockFolder = {},
       std::function<void(const platform::CreatedMutex& created)> onNamedMutex = nullptr)
@@ -30,7 +39,7 @@ class PosixThreads final : public platform::Threads {
   /// Returns the name in the lock folder of the file that is locked for the mutex of that name.
   [[nodiscard]] static std::string LockName(std::u16string_view name);
 
-  /// Whether the mutex of that name was ever made. If not, nobody holds it. Makes nothing.
+  /// Returns whether the mutex of that name was ever made. If not, nobody holds it. Makes nothing.
   [[nodiscard]] static bool WasNamedMutexMade(const std::string& lockFolder,
                                               std::u16string_view name);
 

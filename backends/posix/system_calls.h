@@ -44,7 +44,33 @@ class Descriptor {
 };
 
 /// Returns what a value of errno means to the system.
-[[nodiscard]] platform::FileError ToFileError(int error);
+[[nodiscard]] constexpr platform::FileError ToFileError(int error) {
+  using platform::FileError;
+  switch (error) {
+    case ENOENT:
+    case ENOTDIR:
+    case ENAMETOOLONG:
+      return FileError::kNotFound;
+    case EEXIST:
+      return FileError::kAlreadyExists;
+    case EACCES:
+    case EPERM:
+    case EISDIR:
+    case ENXIO:
+      return FileError::kAccessDenied;
+    case ETXTBSY:
+    case EWOULDBLOCK:
+      return FileError::kSharingViolation;
+    case ENOSPC:
+    case EDQUOT:
+    case EFBIG:
+      return FileError::kDiskFull;
+    case EROFS:
+      return FileError::kReadOnly;
+    default:
+      return FileError::kOther;
+  }
+}
 
 /// Returns the failure of a call that has just set errno.
 [[nodiscard]] inline tl::unexpected<platform::FileError> FailureFromErrno() {

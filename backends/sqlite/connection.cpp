@@ -9,7 +9,6 @@
 #include <system_error>
 #include <utility>
 
-#include "backends/sqlite/errors.h"
 #include "backends/sqlite/schema.h"
 
 namespace sqlite {
@@ -54,7 +53,7 @@ std::string NameWithoutLog(const std::filesystem::path& database) {
   return name + "?immutable=1";
 }
 
-/// Whether changes lie beside the database that it does not hold yet, or may do so.
+/// Whether changes lie next to the database that it does not hold yet, or may do so.
 bool HasLog(const std::filesystem::path& database) {
   std::filesystem::path log = database;
   log += "-wal";
@@ -74,7 +73,7 @@ void MakePrivateFile(const std::filesystem::path& database) {
   }
 }
 
-/// Frees the room of an index that could not be made whole. Called by who has the database alone.
+/// Frees the room of an index that could not be made whole. The caller has the database alone.
 void RemoveIndex(const std::filesystem::path& database) {
   std::filesystem::path index = database;
   index += "-shm";
@@ -278,7 +277,7 @@ Result<void, RegistryError> Connection::Commit() const {
 }
 
 void Connection::Rollback() const {
-  m_store.NoteUndone();  // Also where the library did it by itself.
+  m_store.NoteUndone();  // Also if the library did it by itself.
   if (sqlite3_get_autocommit(m_database.get()) != 0) {
     return;
   }

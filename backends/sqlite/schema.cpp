@@ -2,8 +2,6 @@
 
 #include <sqlite3.h>
 
-#include "backends/sqlite/errors.h"
-#include "backends/sqlite/key_path.h"
 #include "backends/sqlite/statement.h"
 #include "backends/sqlite/store.h"
 
@@ -15,6 +13,7 @@ using platform::Result;
 
 namespace {
 
+// docs/companion.md describes the tables to other programs.
 constexpr const char* kCreateSchema = R"(
 CREATE TABLE registry_key (
   id INTEGER PRIMARY KEY AUTOINCREMENT,
@@ -44,6 +43,7 @@ PRAGMA application_id = 0x56505245;
 PRAGMA user_version = 1;
 )";
 
+/// By what a database is known. A new, empty one has none of these.
 struct Identity {
   std::int64_t objects = 0;
   std::int64_t applicationId = 0;
@@ -52,19 +52,23 @@ struct Identity {
   [[nodiscard]] bool IsEmpty() const { return objects == 0 && applicationId == 0 && version == 0; }
 };
 
-int ReadIdentity(sqlite3* database, Identity& identity) {
-  int result = QueryInteger(database, "SELECT count(*) FROM sqlite_schema", identity.objects);
-  if (result != SQLITE_OK) {
-    return result;
+Result<Identity, RegistryError> ReadIdentity(sqlite3* database) {
+  const auto objects = QueryInteger(database, "SELECT count(*) FROM sqlite_schema");
+  if (!objects) {
+    return Failure(ToRegistryError(objects.error()));
   }
-  result = QueryInteger(database, "PRAGMA application_id", identity.applicationId);
-  if (result != SQLITE_OK) {
-    return result;
+  const auto applicationId = QueryInteger(database, "PRAGMA application_id");
+  if (!applicationId) {
+    return Failure(ToRegistryError(applicationId.error()));
   }
-  return QueryInteger(database, "PRAGMA user_version", identity.version);
+  const auto version = QueryInteger(database, "PRAGMA user_version");
+  if (!version) {
+    return Failure(ToRegistryError(version.error()));
+  }
+  return Identity{*objects, *applicationId, *version};
 }
 
-/// Whether every page can be read as what it should be: a change written beside a damaged page
+/// Whether every page can be read as what it should be: a change written next to a damaged page
 /// could spread the damage.
 Result<void, RegistryError> CheckPages(sqlite3* database) {
   Statement statement;
@@ -86,14 +90,13 @@ Result<void, RegistryError> CheckPages(sqlite3* database) {
 /// The root is there and lies below no key. So no key that can be reached from it is its own
 /// parent, however far up: each key has one parent, and a circle of them would hold the root.
 Result<void, RegistryError> CheckRoot(sqlite3* database) {
-  std::int64_t roots = 0;
-  const int result = QueryInteger(
-      database, "SELECT count(*) FROM registry_key WHERE id = 1 AND parent_id IS NULL", roots);
+  const auto roots = QueryInteger(
+      database, "SELECT count(*) FROM registry_key WHERE id = 1 AND parent_id IS NULL");
   // A table or column that is missing is a plain error to the library.
-  if (result == SQLITE_ERROR || (result == SQLITE_OK && roots != 1)) {
+  if (roots ? *roots != 1 : roots.error() == SQLITE_ERROR) {
     return Failure(RegistryError::kDamaged);
   }
-  return ToResult(result);
+  return ToResult(roots ? SQLITE_OK : roots.error());
 }
 
 Result<void, RegistryError> CreateSchema(sqlite3* database,
@@ -125,14 +128,12 @@ Result<void, RegistryError> CreateIfEmpty(sqlite3* database,
   if (begun != SQLITE_OK) {
     return ToResult(begun);
   }
-  Identity identity;
-  auto result = ToResult(ReadIdentity(database, identity));
-  if (result && identity.IsEmpty()) {
-    result = CreateSchema(database, initialKeys);
-  }
-  if (result) {
-    result = ToResult(Execute(database, "COMMIT"));
-  }
+  const auto result = ReadIdentity(database)
+                          .and_then([&](const Identity& identity) {
+                            return identity.IsEmpty() ? CreateSchema(database, initialKeys)
+                                                      : Result<void, RegistryError>();
+                          })
+                          .and_then([&] { return ToResult(Execute(database, "COMMIT")); });
   if (sqlite3_get_autocommit(database) == 0) {
     [[maybe_unused]] const int undone = Execute(database, "ROLLBACK");
   }
@@ -142,25 +143,26 @@ Result<void, RegistryError> CreateIfEmpty(sqlite3* database,
 }  // namespace
 
 Result<void, RegistryError> CheckSchema(sqlite3* database) {
-  Identity identity;
   // In one transaction: half of it from before another process made the store, and half from after,
   // would pass for damage.
-  int result = Execute(database, "BEGIN");
-  if (result == SQLITE_OK) {
-    result = ReadIdentity(database, identity);
-    const int ended = Execute(database, "ROLLBACK");
-    result = result == SQLITE_OK ? ended : result;
+  if (const int begun = Execute(database, "BEGIN"); begun != SQLITE_OK) {
+    return ToResult(begun);
   }
-  if (result != SQLITE_OK) {
-    return ToResult(result);
+  const auto identity = ReadIdentity(database);
+  const int ended = Execute(database, "ROLLBACK");
+  if (!identity) {
+    return Failure(identity.error());
   }
-  if (identity.IsEmpty()) {
+  if (ended != SQLITE_OK) {
+    return ToResult(ended);
+  }
+  if (identity->IsEmpty()) {
     return Failure(RegistryError::kNotFound);
   }
-  if (identity.applicationId != kApplicationId || identity.version < kSchemaVersion) {
+  if (identity->applicationId != kApplicationId || identity->version < kSchemaVersion) {
     return Failure(RegistryError::kDamaged);
   }
-  if (identity.version > kSchemaVersion) {
+  if (identity->version > kSchemaVersion) {
     return Failure(RegistryError::kNewerStore);
   }
   const auto pages = CheckPages(database);

@@ -10,13 +10,13 @@ struct sqlite3;
 
 namespace sqlite {
 
-// How a database says that it is a registry, and of which form. docs/companion.md tells other
-// programs about the tables; a change of them needs a new version there as well.
+// How a database says that it is a registry, and of which form. docs/companion.md describes the
+// tables to other programs. A change of them needs a new version there as well.
 inline constexpr std::int64_t kApplicationId = 0x56505245;
 inline constexpr std::int64_t kSchemaVersion = 1;
 
-/// Whether the database holds a registry. kNotFound if it holds nothing at all; kDamaged or
-/// kNewerStore if it holds anything else. Changes nothing.
+/// Checks that the database holds a registry. Fails with kNotFound if it holds nothing at all, and
+/// with kDamaged or kNewerStore if it holds anything else. Changes nothing.
 [[nodiscard]] platform::Result<void, platform::RegistryError> CheckSchema(sqlite3* database);
 
 /// Makes sure that the database holds a registry. A database that holds nothing at all gets one,

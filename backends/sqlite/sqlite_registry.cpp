@@ -59,7 +59,7 @@ class SqliteRegistry::Key final : public platform::RegistryKey {
 
   SqliteRegistry& m_registry;
   std::int64_t m_key;
-  Position m_subkey;  ///< As m_value, used inside the gate.
+  Position m_subkey;  ///< Like m_value used only within the gate.
   Position m_value;
   std::shared_ptr<const Group> m_group;  ///< Within which the key was opened, if any.
 };

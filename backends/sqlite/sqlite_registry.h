@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "backends/sqlite/connection.h"
-#include "backends/sqlite/key_path.h"
 #include "backends/sqlite/registry_gate.h"
 #include "platform/registry.h"
 
@@ -33,8 +32,8 @@ struct RegistryOptions {
 };
 
 /// The registry in one SQLite database, which other processes may have open as well. The database
-/// is reached for at the first call, and again at the next one where that failed, so a store that
-/// was locked or away is found when it is back. A database once found damaged while in use is not
+/// is reached for at the first call, and again at the next one if that failed. So a store that was
+/// locked or away is found when it is back. A database once found damaged while in use is not
 /// touched again by this object. On a full medium the registry opens all the same, for reading; a
 /// change gives kFull until there is room.
 class SqliteRegistry final : public platform::Registry {
@@ -83,7 +82,7 @@ class SqliteRegistry final : public platform::Registry {
   RegistryOptions m_options;
   RegistryGate m_gate;
 
-  // Used behind the gate.
+  // Used only by the thread that the gate has let in.
   std::unique_ptr<Connection> m_connection;  ///< Null until the database could be opened.
   std::uint32_t m_connectionCount = 0;
   bool m_damaged = false;

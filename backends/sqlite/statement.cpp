@@ -4,11 +4,52 @@
 
 namespace sqlite {
 
+using platform::RegistryError;
+
 namespace {
 
 constexpr void (*kNotCopied)(void*) = nullptr;
 
 }  // namespace
+
+RegistryError ToRegistryError(int resultCode) {
+  // A change below a key that is gone breaks the reference to it.
+  if (resultCode == SQLITE_CONSTRAINT_FOREIGNKEY) {
+    return RegistryError::kNotFound;
+  }
+  // Even a reader makes the index next to the log. If that has no room, the library does not report
+  // a full medium.
+  if (resultCode == SQLITE_IOERR_SHMSIZE) {
+    return RegistryError::kFull;
+  }
+  constexpr int kPrimaryCode = 0xFF;
+  switch (resultCode & kPrimaryCode) {
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+    case SQLITE_PROTOCOL:
+      return RegistryError::kBusy;
+    case SQLITE_READONLY:
+    case SQLITE_PERM:
+      return RegistryError::kReadOnly;
+    case SQLITE_FULL:
+      return RegistryError::kFull;
+    case SQLITE_TOOBIG:
+      return RegistryError::kInvalid;
+    case SQLITE_CORRUPT:
+    case SQLITE_NOTADB:
+    case SQLITE_FORMAT:
+      return RegistryError::kDamaged;
+    default:
+      return RegistryError::kOther;
+  }
+}
+
+platform::Result<void, RegistryError> ToResult(int resultCode) {
+  if (resultCode == SQLITE_OK || resultCode == SQLITE_ROW || resultCode == SQLITE_DONE) {
+    return {};
+  }
+  return platform::Failure(ToRegistryError(resultCode));
+}
 
 void CloseDatabase::operator()(sqlite3* database) const { sqlite3_close_v2(database); }
 
@@ -81,21 +122,17 @@ int Execute(sqlite3* database, const char* sql) {
   return sqlite3_exec(database, sql, nullptr, nullptr, nullptr);
 }
 
-int QueryInteger(sqlite3* database, const char* sql, std::int64_t& value) {
+platform::Result<std::int64_t, int> QueryInteger(sqlite3* database, const char* sql) {
   Statement statement;
   if (const int result = statement.Prepare(database, sql); result != SQLITE_OK) {
-    return result;
+    return platform::Failure(result);
   }
   Run run(statement);
   const int result = run.Step();
-  if (result == SQLITE_DONE) {
-    return SQLITE_CORRUPT;
+  if (result == SQLITE_ROW) {
+    return run.IntegerAt(0);
   }
-  if (result != SQLITE_ROW) {
-    return result;
-  }
-  value = run.IntegerAt(0);
-  return SQLITE_OK;
+  return platform::Failure(result == SQLITE_DONE ? SQLITE_CORRUPT : result);
 }
 
 }  // namespace sqlite

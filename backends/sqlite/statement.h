@@ -8,10 +8,21 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/registry.h"
+
 struct sqlite3;
 struct sqlite3_stmt;
 
 namespace sqlite {
+
+// What the library gives, in types that clean up after themselves and in the registry's words. All
+// SQL of the registry runs through this file.
+
+/// Returns the registry's word for a result code of the library that is a failure.
+[[nodiscard]] platform::RegistryError ToRegistryError(int resultCode);
+
+/// As ToRegistryError, for any result code.
+[[nodiscard]] platform::Result<void, platform::RegistryError> ToResult(int resultCode);
 
 struct CloseDatabase {
   void operator()(sqlite3* database) const;
@@ -67,7 +78,8 @@ class Run {
 /// Runs `sql`, one or more statements without parameters, and drops their rows.
 [[nodiscard]] int Execute(sqlite3* database, const char* sql);
 
-/// Runs `sql`, one statement without parameters, and stores the integer in its first row.
-[[nodiscard]] int QueryInteger(sqlite3* database, const char* sql, std::int64_t& value);
+/// Runs `sql`, one statement without parameters. Returns the integer in its first row. Fails with
+/// the library's result code.
+[[nodiscard]] platform::Result<std::int64_t, int> QueryInteger(sqlite3* database, const char* sql);
 
 }  // namespace sqlite

@@ -4,7 +4,6 @@
 
 #include <utility>
 
-#include "backends/sqlite/errors.h"
 #include "backends/text/names.h"
 
 namespace sqlite {
@@ -27,11 +26,11 @@ Result<void, RegistryError> Store::Prepare(sqlite3* database, std::uint32_t numb
       {m_keyExists, "SELECT 1 FROM registry_key WHERE id = ?"},
       {m_subkeys.at,
        "SELECT name, id FROM registry_key WHERE parent_id = ? ORDER BY id LIMIT 1 OFFSET ?"},
-      {m_subkeys.behind,
+      {m_subkeys.after,
        "SELECT name, id FROM registry_key WHERE parent_id = ? AND id > ? ORDER BY id LIMIT 1"},
       {m_values.at,
        "SELECT name, id FROM registry_value WHERE key_id = ? ORDER BY id LIMIT 1 OFFSET ?"},
-      {m_values.behind,
+      {m_values.after,
        "SELECT name, id FROM registry_value WHERE key_id = ? AND id > ? ORDER BY id LIMIT 1"},
       {m_version, "PRAGMA data_version"},
       {m_queryValue, "SELECT type, data FROM registry_value WHERE key_id = ? AND folded_name = ?"},
@@ -167,7 +166,7 @@ Store::Name Store::NameFrom(const Enumeration& items, std::int64_t key, std::uin
       (!isSame && index != position.index + 1)) {
     return std::nullopt;
   }
-  Run run(items.behind);
+  Run run(items.after);
   const int result = run.Integer(key).Integer(isSame ? position.id - 1 : position.id).Step();
   if (result == SQLITE_ROW && ReadVersion() == position.version) {
     position.index = index;
@@ -184,6 +183,26 @@ Store::Name Store::NameFrom(const Enumeration& items, std::int64_t key, std::uin
 std::optional<std::int64_t> Store::ReadVersion() const {
   Run run(m_version);
   return run.Step() == SQLITE_ROW ? std::optional(run.IntegerAt(0)) : std::nullopt;
+}
+
+Result<std::int64_t, RegistryError> FindPath(const Store& store, const KeyNames& names) {
+  Result<std::int64_t, RegistryError> key = kRootKey;
+  for (std::size_t i = 0; key && i < names.size(); ++i) {
+    key = store.FindKey(*key, names[i]);
+  }
+  return key;
+}
+
+Result<std::int64_t, RegistryError> CreatePath(const Store& store, const KeyNames& names) {
+  Result<std::int64_t, RegistryError> key = kRootKey;
+  for (std::size_t i = 0; key && i < names.size(); ++i) {
+    const std::int64_t parent = *key;
+    key = store.FindKey(parent, names[i]);
+    if (!key && key.error() == RegistryError::kNotFound) {
+      key = store.InsertKey(parent, names[i]);
+    }
+  }
+  return key;
 }
 
 }  // namespace sqlite

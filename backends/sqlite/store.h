@@ -60,8 +60,8 @@ class Store {
  private:
   /// How the items of a key are found.
   struct Enumeration {
-    Statement at;      ///< By their index.
-    Statement behind;  ///< By the number before theirs.
+    Statement at;     ///< By their index.
+    Statement after;  ///< By the number before theirs.
   };
 
   /// Runs a statement that deletes. Fails with kNotFound if there was nothing to delete.
@@ -90,5 +90,18 @@ class Store {
   Statement m_setValue;
   Statement m_deleteValue;
 };
+
+/// The key that every path begins at.
+inline constexpr std::int64_t kRootKey = 1;
+
+using KeyNames = std::vector<std::u16string_view>;
+
+/// Returns the number of the key.
+[[nodiscard]] platform::Result<std::int64_t, platform::RegistryError> FindPath(
+    const Store& store, const KeyNames& names);
+
+/// As FindPath, and makes what is missing. To be called within a transaction.
+[[nodiscard]] platform::Result<std::int64_t, platform::RegistryError> CreatePath(
+    const Store& store, const KeyNames& names);
 
 }  // namespace sqlite

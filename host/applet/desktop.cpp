@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <utility>
 
-#include "backends/posix/loaded_library.h"
+#include "backends/posix/library.h"
 #include "host/machine/places.h"
 #include "resources/desktop_strings.h"
 #include "resources/pictures.h"

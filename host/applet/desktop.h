@@ -7,7 +7,7 @@
 
 #include "backends/desktop/desktop_shell.h"
 #include "backends/posix/doorbell.h"
-#include "backends/posix/posix_module.h"
+#include "backends/posix/library.h"
 #include "backends/posix/posix_process.h"
 #include "backends/posix/posix_threads.h"
 #include "backends/qt/application.h"

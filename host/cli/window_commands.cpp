@@ -11,7 +11,7 @@
 #include <string_view>
 #include <vector>
 
-#include "backends/posix/loaded_library.h"
+#include "backends/posix/library.h"
 #include "backends/posix/posix_process.h"
 #include "host/cli/output.h"
 #include "host/machine/places.h"

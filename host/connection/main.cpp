@@ -12,8 +12,8 @@
 #include <cstdio>
 #include <filesystem>
 
-#include "backends/posix/posix_clock.h"
 #include "backends/posix/posix_file_system.h"
+#include "backends/posix/posix_threads.h"
 #include "backends/qt/qt_ui.h"
 #include "backends/qt/strings.h"
 #include "backends/qt/ui_thread.h"

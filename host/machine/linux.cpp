@@ -5,8 +5,7 @@
 
 #include "backends/ebook/door.h"
 #include "backends/posix/host_paths.h"
-#include "backends/posix/loaded_library.h"
-#include "backends/posix/posix_clock.h"
+#include "backends/posix/library.h"
 #include "backends/posix/posix_file_system.h"
 #include "backends/posix/posix_threads.h"
 #include "backends/pulse/pulse_sound.h"

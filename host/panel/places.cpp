@@ -4,7 +4,7 @@
 #include <QFileInfo>
 #include <filesystem>
 
-#include "backends/posix/loaded_library.h"
+#include "backends/posix/library.h"
 #include "host/machine/places.h"
 
 namespace panel {

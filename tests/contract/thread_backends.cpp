@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "backends/posix/posix_clock.h"
 #include "backends/posix/posix_threads.h"
 #include "tests/machine/simulation.h"
 

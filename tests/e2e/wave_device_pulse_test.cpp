@@ -12,7 +12,6 @@
 #include "audio/wave_device.h"
 #include "backends/headless/headless_system.h"
 #include "backends/headless/headless_ui.h"
-#include "backends/posix/posix_clock.h"
 #include "backends/posix/posix_file_system.h"
 #include "backends/posix/posix_threads.h"
 #include "backends/pulse/pulse_sound.h"

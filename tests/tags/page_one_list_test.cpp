@@ -1,5 +1,5 @@
 #include "storage/registry_keys.h"
-#include "storage/tag_entry.h"
+#include "storage/tag_record.h"
 #include "tests/support/failing_file_system.h"
 #include "tests/support/forwarding_registry.h"
 #include "tests/support/results.h"

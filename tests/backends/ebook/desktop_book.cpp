@@ -7,7 +7,7 @@
 #include <filesystem>
 
 #include "backends/ebook/door.h"
-#include "backends/posix/loaded_library.h"
+#include "backends/posix/library.h"
 
 namespace ebook_test {
 namespace {

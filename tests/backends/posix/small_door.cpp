@@ -1,6 +1,6 @@
 #include <string>
 
-#include "backends/posix/loaded_library.h"
+#include "backends/posix/library.h"
 
 extern "C" {
 __attribute__((visibility("default"))) int TellFortyTwo();

@@ -1,15 +1,30 @@
 #pragma once
 
 #include <cstddef>
+#include <filesystem>
 #include <functional>
 #include <map>
 #include <span>
+#include <string>
 #include <utility>
 
 #include "backends/posix/system_calls.h"
 #include "platform/module.h"
+#include "platform/result.h"
 
 namespace posix {
+
+// Libraries that a process loads: where this code lies, a function of another library, and the
+// icons that a library shows to its control panel.
+
+/// Returns the file of this code, which is a program or a library that a program has loaded.
+/// Returns an empty path if the system does not know it.
+[[nodiscard]] std::filesystem::path FindOwnFile();
+
+/// Loads the first of `libraries` that exists, for good, and returns the address of a function that
+/// it exports. Fails with the system's words for why there is none.
+[[nodiscard]] platform::Result<void*, std::string> LoadFunction(
+    std::span<const std::filesystem::path> libraries, const char* name);
 
 /// The resources of a library on Linux. The handle of an icon is the number of an open file
 /// descriptor that holds a picture in SVG, read-only and of fixed length. The whole process knows
