@@ -1,41 +1,41 @@
 #include <set>
 
 #include "tests/applet/applet_fixture.h"
-#include "tests/support/forwarding_file_system.h"
 #include "tests/support/results.h"
+#include "tests/support/watched_file_system.h"
 
 namespace {
 
 using Steps = std::vector<std::u16string>;
 
 /// Remembers what was asked of the files, in its order.
-class NotingFiles final : public support::ForwardingFileSystem {
+class NotingFiles final : public support::WatchedFileSystem {
  public:
   NotingFiles(platform::FileSystem& files, Steps& steps)
-      : ForwardingFileSystem(files), m_steps(steps) {}
+      : WatchedFileSystem(files), m_steps(steps) {}
 
   platform::Result<std::unique_ptr<platform::File>, platform::FileError> Open(
       std::u16string_view path, const platform::OpenMode& mode) override {
     Note(u"open ", path);
-    return ForwardingFileSystem::Open(path, mode);
+    return WatchedFileSystem::Open(path, mode);
   }
   platform::Result<void, platform::FileError> Delete(std::u16string_view path) override {
     Note(u"delete ", path);
-    return ForwardingFileSystem::Delete(path);
+    return WatchedFileSystem::Delete(path);
   }
   platform::Result<std::unique_ptr<platform::Replacement>, platform::FileError> OpenReplacement(
       std::u16string_view path) override {
     Note(u"replace ", path);
-    return ForwardingFileSystem::OpenReplacement(path);
+    return WatchedFileSystem::OpenReplacement(path);
   }
   platform::Result<void, platform::FileError> CreateFolder(std::u16string_view path) override {
     Note(u"create ", path);
-    return ForwardingFileSystem::CreateFolder(path);
+    return WatchedFileSystem::CreateFolder(path);
   }
   platform::Result<std::unique_ptr<platform::FileSearch>, platform::FileError> Find(
       std::u16string_view pattern) override {
     Note(u"find ", pattern);
-    return ForwardingFileSystem::Find(pattern);
+    return WatchedFileSystem::Find(pattern);
   }
 
  private:

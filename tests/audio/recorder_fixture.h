@@ -15,8 +15,8 @@
 #include "tests/machine/simulated_wave_in.h"
 #include "tests/machine/simulated_wave_out.h"
 #include "tests/machine/simulation.h"
-#include "tests/support/failing_file_system.h"
 #include "tests/support/watched_clock.h"
+#include "tests/support/watched_file_system.h"
 
 /// A recorder on a machine without anything real.
 class RecorderFixture : public testing::Test {
@@ -30,7 +30,7 @@ class RecorderFixture : public testing::Test {
   }
 
   machine::MemoryFileSystem m_files;
-  support::FailingFileSystem m_failingFiles{m_files};
+  support::WatchedFileSystem m_failingFiles{m_files};
   machine::SimulatedWaveIn m_waveIn;
   support::WatchedClock m_clock;
   machine::Simulation m_threads;

@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "platform/wave_devices.h"
-#include "tests/support/file_steps.h"
+#include "tests/support/watched_file_system.h"
 
 /// Forwards every call to another wave input. A header comes out of Prepare with one more flag, so
 /// that it can be told whether the recorder sets the flags itself.

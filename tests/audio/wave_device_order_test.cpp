@@ -27,7 +27,7 @@ class WaveDeviceOrder : public RecorderFixture {
 
   Steps m_steps;
   StepsWaveIn m_stepsWaveIn{m_waveIn, m_steps};
-  support::StepsFileSystem m_stepsFiles{m_failingFiles, m_steps};
+  support::WatchedFileSystem m_stepsFiles{m_failingFiles, m_steps};
   audio::WaveDevice m_recorder{platform::Platform{m_stepsFiles, m_stepsWaveIn, m_clock, m_threads,
                                                   m_process, m_ui, m_registry, m_contacts,
                                                   m_waveOut, m_shell}};

@@ -1,12 +1,12 @@
 #include "tests/connection/connection_fixture.h"
-#include "tests/support/failing_registry.h"
+#include "tests/support/watched_registry.h"
 
 namespace {
 
 using namespace resources;
 using platform::RegistryError;
 using support::Failing;
-using support::FailingRegistry;
+using support::WatchedRegistry;
 
 constexpr std::array kValues{u"Bound_rate", u"Data_bit", u"Stop_bit", u"Flow_control",
                              u"Com_port",   u"is_BT",    u"is_HU"};
@@ -31,7 +31,7 @@ class ConnectionPageFaults : public ConnectionFixture {
   }
 
   bool m_isFirst = true;
-  FailingRegistry m_failing{m_registry};
+  WatchedRegistry m_failing{m_registry};
   const std::array<std::vector<std::byte>, 7> m_old{
       Bytes(u"9600", 32),   Bytes(u"8", 32), Bytes(u"1", 32), Bytes(u"none", 32),
       Bytes(u"COM2:", 200), Bytes(u"0", 4),  Bytes(u"0", 4)};

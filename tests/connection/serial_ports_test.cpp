@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/connection/connection_fixture.h"
-#include "tests/support/failing_registry.h"
+#include "tests/support/watched_registry.h"
 #include "tests/support/results.h"
 
 namespace {
@@ -42,7 +42,7 @@ TEST_F(ActivePorts, DriversOfOtherDevicesArePassedOver) {
 TEST_F(ActivePorts, WhatAnotherProgramMadeUnreadableIsPassedOver) {
   PutPort(u"1", u"COM1:");
   PutPort(u"2", u"COM2:");
-  support::FailingRegistry odd(m_registry);
+  support::WatchedRegistry odd(m_registry);
   constexpr std::size_t kFirstName = 2;  // After the key was opened.
   odd.FailCall(kFirstName, support::Failing::kOnce, platform::RegistryError::kInvalid);
   const auto ports = connection::ReadActivePorts(odd);

@@ -10,7 +10,7 @@
 #include "tests/e2e/sound_session.h"
 #include "tests/machine/memory_file_system.h"
 #include "tests/machine/simulated_wave_out.h"
-#include "tests/support/failing_file_system.h"
+#include "tests/support/watched_file_system.h"
 
 namespace contract {
 namespace {
@@ -52,7 +52,7 @@ class WaveFileBackend final : public WaveOutBackend {
   static constexpr char16_t kPath[] = u"/heard.wav";
 
   machine::MemoryFileSystem m_memory;
-  support::FailingFileSystem m_files{m_memory};
+  support::WatchedFileSystem m_files{m_memory};
   wave_file::FileWaveOut m_output{m_files, kPath};
 };
 

@@ -10,9 +10,8 @@
 #include "platform/clock.h"
 #include "tests/language/language_bytes.h"
 #include "tests/machine/memory_file_system.h"
-#include "tests/support/failing_file_system.h"
-#include "tests/support/forwarding_file_system.h"
 #include "tests/support/watched_clock.h"
+#include "tests/support/watched_file_system.h"
 
 namespace {
 
@@ -268,14 +267,14 @@ TEST_F(LanguageTableFile, IsWaitedForByWhoNeedsTheTexts) {
 }
 
 /// Notes in which mode each file is opened.
-class NotedModes final : public support::ForwardingFileSystem {
+class NotedModes final : public support::WatchedFileSystem {
  public:
-  using ForwardingFileSystem::ForwardingFileSystem;
+  using WatchedFileSystem::WatchedFileSystem;
 
   platform::Result<std::unique_ptr<platform::File>, platform::FileError> Open(
       std::u16string_view path, const platform::OpenMode& mode) override {
     modes.push_back(mode);
-    return ForwardingFileSystem::Open(path, mode);
+    return WatchedFileSystem::Open(path, mode);
   }
 
   std::vector<platform::OpenMode> modes;
@@ -306,7 +305,7 @@ TEST_F(LanguageTableFile, DoesNotWaitForAFileThatIsMissing) {
 }
 
 TEST_F(LanguageTableFile, IsEmptyAndKeepsNothingOpenWhicheverCallFails) {
-  support::FailingFileSystem failing(m_files);
+  support::WatchedFileSystem failing(m_files);
   for (std::size_t call = 1;; ++call) {
     failing.FailCall(call, support::Failing::kOnce);
     m_table.Load(failing, kPath);

@@ -4,9 +4,9 @@
 
 #include "storage/registry_keys.h"
 #include "tests/machine/memory_registry.h"
-#include "tests/support/failing_registry.h"
 #include "tests/support/registry_access.h"
 #include "tests/support/results.h"
+#include "tests/support/watched_registry.h"
 
 namespace {
 
@@ -122,7 +122,7 @@ TEST_F(MathVersion, AValueLongerThanItsBufferIsNoVersion) {
 
 TEST_F(MathVersion, ARegistryThatCannotBeAskedIsNoReasonToWork) {
   PutText(u"2");
-  support::FailingRegistry failing(m_registry);
+  support::WatchedRegistry failing(m_registry);
   for (const std::size_t call : {1U, 2U}) {
     failing.FailCall(call, support::Failing::kOnce);
     EXPECT_FALSE(maintenance::UpdateVersion(failing)) << call;
@@ -133,7 +133,7 @@ TEST_F(MathVersion, ARegistryThatCannotBeAskedIsNoReasonToWork) {
 
 TEST_F(MathVersion, AFailureToWriteKeepsNothingFromBeingComputed) {
   PutText(u"2");
-  support::FailingRegistry failing(m_registry);
+  support::WatchedRegistry failing(m_registry);
   failing.FailCall(3, support::Failing::kOnce);
   EXPECT_TRUE(maintenance::UpdateVersion(failing));
   EXPECT_TRUE(failing.HasFailed());

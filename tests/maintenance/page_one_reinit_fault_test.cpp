@@ -2,8 +2,8 @@
 #include <set>
 
 #include "tests/maintenance/reinit_page_fixture.h"
-#include "tests/support/failing_file_system.h"
-#include "tests/support/failing_registry.h"
+#include "tests/support/watched_file_system.h"
+#include "tests/support/watched_registry.h"
 
 namespace {
 
@@ -91,7 +91,7 @@ class PageOneReinitFaults : public ReinitPageFixture, public testing::WithParamI
 
 TEST_P(PageOneReinitFaults, OfFilesLeaveAStoreThatCanBeDescribed) {
   std::set<std::u16string> told;
-  support::FailingFileSystem failing(m_machine.files);
+  support::WatchedFileSystem failing(m_machine.files);
   bool hasFailed = true;
   for (std::size_t call = 1; hasFailed; ++call) {
     SCOPED_TRACE(call);
@@ -116,7 +116,7 @@ TEST_P(PageOneReinitFaults, OfFilesLeaveAStoreThatCanBeDescribed) {
 }
 
 TEST_P(PageOneReinitFaults, OfTheRegistryDoTheWorkOrLeaveItAsItWas) {
-  support::FailingRegistry failing(m_machine.registry);
+  support::WatchedRegistry failing(m_machine.registry);
   bool hasFailed = true;
   for (std::size_t call = 1; hasFailed; ++call) {
     SCOPED_TRACE(call);

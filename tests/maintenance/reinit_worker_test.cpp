@@ -1,8 +1,7 @@
 #include "maintenance/reinit_threads.h"
 
 #include "tests/maintenance/reinit_fixture.h"
-#include "tests/support/failing_file_system.h"
-#include "tests/support/forwarding_file_system.h"
+#include "tests/support/watched_file_system.h"
 
 namespace {
 
@@ -141,7 +140,7 @@ TEST_F(ReinitWorkerTest, TagsWithoutAnyRecordingEndTheProcess) {
 TEST_F(ReinitWorkerTest, ASearchThatFailsAtOnceEndsTheProcessAndChangesNothing) {
   PutTags(1);
   const auto before = GetTemplate(u"1");
-  support::FailingFileSystem failing(m_machine.files);
+  support::WatchedFileSystem failing(m_machine.files);
   failing.FailCall(1, support::Failing::kOnce);
   EXPECT_EQ(ReinitializeOn(m_machine.GetWith(failing, m_machine.registry)), 0);
   EXPECT_EQ(GetMessages(), Texts{u"Error"});
@@ -151,13 +150,13 @@ TEST_F(ReinitWorkerTest, ASearchThatFailsAtOnceEndsTheProcessAndChangesNothing) 
 }
 
 /// Lets the search for the next file fail once.
-class HalfSearch final : public support::ForwardingFileSystem {
+class HalfSearch final : public support::WatchedFileSystem {
  public:
-  using ForwardingFileSystem::ForwardingFileSystem;
+  using WatchedFileSystem::WatchedFileSystem;
 
   platform::Result<std::unique_ptr<platform::FileSearch>, platform::FileError> Find(
       std::u16string_view pattern) override {
-    auto started = ForwardingFileSystem::Find(pattern);
+    auto started = WatchedFileSystem::Find(pattern);
     if (started) {
       started = std::make_unique<Search>(std::move(*started));
     }

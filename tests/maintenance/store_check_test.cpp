@@ -7,10 +7,10 @@
 #include "storage/registry_keys.h"
 #include "storage/tag_store.h"
 #include "tests/maintenance/session_fixture.h"
-#include "tests/support/failing_file_system.h"
-#include "tests/support/failing_registry.h"
 #include "tests/support/registry_access.h"
 #include "tests/support/results.h"
+#include "tests/support/watched_file_system.h"
+#include "tests/support/watched_registry.h"
 #include "voicemath/template_file.h"
 
 namespace {
@@ -229,7 +229,7 @@ TEST_F(StoreCheck, FindsMoreTagsThanThereIsRoomFor) {
 
 TEST_F(StoreCheck, ARegistryThatFailsIsToldAndNoFileIsCalledAnOrphan) {
   Learn(u"100", 1);
-  support::FailingRegistry failing(m_machine.registry);
+  support::WatchedRegistry failing(m_machine.registry);
   const auto platform = m_machine.GetWith(m_machine.files, failing);
   for (std::size_t call = 1; call < 100; ++call) {
     failing.FailCall(call, support::Failing::kOnce);
@@ -246,7 +246,7 @@ TEST_F(StoreCheck, ARegistryThatFailsIsToldAndNoFileIsCalledAnOrphan) {
 
 TEST_F(StoreCheck, FilesThatFailAreToldAndNothingElseIsMadeUp) {
   Learn(u"100", 1);
-  support::FailingFileSystem failing(m_machine.files);
+  support::WatchedFileSystem failing(m_machine.files);
   const auto platform = m_machine.GetWith(failing, m_machine.registry);
   for (const auto kind : {support::Failing::kOnce, support::Failing::kFromThenOn}) {
     bool hasFailed = true;
@@ -264,7 +264,7 @@ TEST_F(StoreCheck, FilesThatFailAreToldAndNothingElseIsMadeUp) {
 }
 
 TEST_F(StoreCheck, NamesAFolderThatCannotBeReadOnce) {
-  support::FailingFileSystem failing(m_machine.files);
+  support::WatchedFileSystem failing(m_machine.files);
   failing.FailCall(1, support::Failing::kFromThenOn);
   std::vector<std::u16string> folders;
   for (const auto& finding :
@@ -321,7 +321,7 @@ TEST_F(StoreCheck, ARepairNeedsARecording) {
 
 TEST_F(StoreCheck, ARepairThatFailsSaysWhy) {
   Learn(u"100", 1);
-  support::FailingFileSystem failing(m_machine.files);
+  support::WatchedFileSystem failing(m_machine.files);
   const auto broken = m_machine.GetWith(failing, m_machine.registry);
   std::size_t count = 0;
   for (bool hasFailed = true; hasFailed; ++count) {
@@ -347,7 +347,7 @@ TEST_F(StoreCheck, ARepairThatFailsSaysWhy) {
 TEST_F(StoreCheck, ARepairThatFailsLeavesAWholeTemplateOrNone) {
   Learn(u"100", 1);
   const auto whole = GetTemplate(u"100");
-  support::FailingFileSystem failing(m_machine.files);
+  support::WatchedFileSystem failing(m_machine.files);
   for (const auto kind : {support::Failing::kOnce, support::Failing::kFromThenOn}) {
     bool hasFailed = true;
     for (std::size_t call = 1; hasFailed; ++call) {

@@ -2,7 +2,7 @@
 
 #include "resources/strings.h"
 #include "tests/maintenance/session_fixture.h"
-#include "tests/support/failing_file_system.h"
+#include "tests/support/watched_file_system.h"
 
 namespace {
 
@@ -156,7 +156,7 @@ TEST_F(TemplateLoading, ASearchThatFailsOnItsWayIsToldAndGoesOn) {
     PutRecording(name, 1);
     PutTemplate(name, kOne);
   }
-  support::FailingFileSystem failing(m_machine.files);
+  support::WatchedFileSystem failing(m_machine.files);
   maintenance::TemplateLoader loader(m_machine.GetWith(failing, m_machine.registry), m_texts,
                                      m_session.mathematics);
   // The mathematics reads by other files, so of the walk itself: start, first, next.

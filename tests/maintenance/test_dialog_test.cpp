@@ -6,7 +6,7 @@
 #include "backends/headless/headless_dialog.h"
 #include "resources/dialogs.h"
 #include "tests/maintenance/session_fixture.h"
-#include "tests/support/forwarding_file_system.h"
+#include "tests/support/watched_file_system.h"
 
 namespace {
 
@@ -38,14 +38,14 @@ class TestDialogTest : public SessionFixture {
   }
 
   /// Sees when the wait cursor is there: while files are read.
-  class CursorWatch final : public support::ForwardingFileSystem {
+  class CursorWatch final : public support::WatchedFileSystem {
    public:
     CursorWatch(platform::FileSystem& files, headless::HeadlessUi& ui)
-        : ForwardingFileSystem(files), m_ui(ui) {}
+        : WatchedFileSystem(files), m_ui(ui) {}
     platform::Result<std::unique_ptr<platform::File>, platform::FileError> Open(
         std::u16string_view path, const platform::OpenMode& mode) override {
       cursors.push_back(m_ui.GetCursor());
-      return ForwardingFileSystem::Open(path, mode);
+      return WatchedFileSystem::Open(path, mode);
     }
     std::vector<platform::Cursor> cursors;
 

@@ -8,9 +8,8 @@
 #include "language/language_table.h"
 #include "storage/device_paths.h"
 #include "tests/machine/memory_file_system.h"
-#include "tests/support/failing_file_system.h"
-#include "tests/support/forwarding_file_system.h"
 #include "tests/support/results.h"
+#include "tests/support/watched_file_system.h"
 
 namespace storage {
 
@@ -21,9 +20,9 @@ using testing::SizeIs;
 namespace {
 
 /// Files of another moment: what is there is not found yet.
-class NothingFound final : public support::ForwardingFileSystem {
+class NothingFound final : public support::WatchedFileSystem {
  public:
-  explicit NothingFound(platform::FileSystem& inner) : ForwardingFileSystem(inner) {}
+  explicit NothingFound(platform::FileSystem& inner) : WatchedFileSystem(inner) {}
 
   platform::Result<std::unique_ptr<platform::FileSearch>, platform::FileError> Find(
       std::u16string_view) override {
@@ -70,7 +69,7 @@ class Folders : public testing::Test {
   }
 
   machine::MemoryFileSystem m_files;
-  support::FailingFileSystem m_failing{m_files};
+  support::WatchedFileSystem m_failing{m_files};
   headless::HeadlessUi m_ui;
   headless::HeadlessProcess m_process;
   language::Texts m_texts;
@@ -145,7 +144,7 @@ TEST_F(Folders, EachFolderThatCannotBeMadeEndsTheProcessWithItsMessage) {
   };
   for (const auto& one : cases) {
     machine::MemoryFileSystem files;
-    support::FailingFileSystem failing(files);
+    support::WatchedFileSystem failing(files);
     failing.FailCall(one.failingCall, support::Failing::kOnce, FileError::kAccessDenied);
     headless::HeadlessUi ui;
     headless::HeadlessProcess process;

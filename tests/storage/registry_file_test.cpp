@@ -5,9 +5,9 @@
 
 #include "storage/stored_text.h"
 #include "tests/machine/memory_registry.h"
-#include "tests/support/failing_registry.h"
 #include "tests/support/registry_access.h"
 #include "tests/support/results.h"
+#include "tests/support/watched_registry.h"
 
 namespace storage {
 
@@ -366,7 +366,7 @@ TEST_F(RegistryFileImport, IsMadeWholeOrNotAtAll) {
   for (;; ++call) {
     SCOPED_TRACE(call);
     machine::MemoryRegistry registry({u"old"});
-    support::FailingRegistry failing(registry);
+    support::WatchedRegistry failing(registry);
     failing.FailCall(call, support::Failing::kOnce, RegistryError::kFull);
     const auto applied = ApplyRegistryChanges(failing, changes);
     if (!failing.HasFailed()) {
@@ -386,7 +386,7 @@ TEST_F(RegistryFileImport, IsMadeWholeOrNotAtAll) {
 TEST_F(RegistryFileImport, TellsTheLineThatCouldNotBeMade) {
   const auto parsed =
       ParseRegistryFile(File(kHeader + u"\r\n[HKEY_LOCAL_MACHINE\\a]\r\n\"v\"=hex:01\r\n"));
-  support::FailingRegistry failing(m_registry);
+  support::WatchedRegistry failing(m_registry);
   // The group, the key, the value.
   failing.FailCall(3, support::Failing::kOnce, RegistryError::kReadOnly);
   const auto applied = ApplyRegistryChanges(failing, parsed->changes);
@@ -478,7 +478,7 @@ TEST_F(RegistryFileWriting, LongValuesAreContinuedBeforeTheEightiethColumn) {
 
 TEST_F(RegistryFileWriting, AFailureGivesNoFile) {
   ASSERT_EQ(support::ErrorOf(support::PutText(m_registry, u"a\\b", u"v", u"1")), std::nullopt);
-  support::FailingRegistry failing(m_registry);
+  support::WatchedRegistry failing(m_registry);
   for (std::size_t call = 1;; ++call) {
     failing.FailCall(call, support::Failing::kOnce, RegistryError::kBusy);
     const auto error = support::ErrorOf(WriteRegistryFile(failing));

@@ -10,12 +10,11 @@
 #include "tests/machine/memory_file_system.h"
 #include "tests/machine/memory_registry.h"
 #include "tests/machine/simulation.h"
-#include "tests/support/failing_file_system.h"
-#include "tests/support/failing_registry.h"
 #include "tests/support/file_bytes.h"
-#include "tests/support/forwarding_registry.h"
 #include "tests/support/registry_access.h"
 #include "tests/support/results.h"
+#include "tests/support/watched_file_system.h"
+#include "tests/support/watched_registry.h"
 
 namespace storage {
 
@@ -33,17 +32,17 @@ std::u16string InWaveFolder(std::u16string_view file) {
 }
 
 /// Calls back before the tag key is deleted.
-class WatchedKeys final : public support::ForwardingRegistry {
+class WatchedKeys final : public support::WatchedRegistry {
  public:
   WatchedKeys(platform::Registry& inner, std::function<void()> goes)
-      : ForwardingRegistry(inner), m_goes(std::move(goes)) {}
+      : WatchedRegistry(inner), m_goes(std::move(goes)) {}
 
   [[nodiscard]] platform::Result<void, platform::RegistryError> DeleteKey(
       std::u16string_view path) override {
     if (path == kTagKey) {
       m_goes();
     }
-    return ForwardingRegistry::DeleteKey(path);
+    return WatchedRegistry::DeleteKey(path);
   }
 
  private:
@@ -96,7 +95,7 @@ class StoreContentsTest : public testing::Test {
 
   machine::MemoryFileSystem m_files;
   machine::MemoryRegistry m_registry;
-  support::FailingRegistry m_failingRegistry{m_registry};
+  support::WatchedRegistry m_failingRegistry{m_registry};
   machine::Simulation m_clock;
   std::vector<DeletionProblem> m_problems;
 };
@@ -142,7 +141,7 @@ TEST_F(StoreContentsTest, LetterCaseCountsForNothing) {
 TEST_F(StoreContentsTest, AFolderThatCannotBeReadIsCountedAndTheRestIsListed) {
   PutTag(u"1");
   PutFiles(u"stray");
-  support::FailingFileSystem failing(m_files);
+  support::WatchedFileSystem failing(m_files);
   failing.FailCall(1, Failing::kOnce);
   const auto contents = ListStore(failing, m_registry);
   ASSERT_TRUE(contents);
@@ -228,7 +227,7 @@ TEST_F(DeleteAllTagsTest, EndsBeforeTheFirstFileGoesIfOneCannotBeKept) {
 TEST_F(DeleteAllTagsTest, EndsBeforeTheFirstFileGoesIfASearchFails) {
   PutTag(u"1");
   PutTag(u"2");
-  support::FailingFileSystem failing(m_files);
+  support::WatchedFileSystem failing(m_files);
   // The searches of the four kinds of names make at least one call each.
   for (std::size_t call = 1; call <= 4; ++call) {
     SCOPED_TRACE(call);
@@ -243,7 +242,7 @@ TEST_F(DeleteAllTagsTest, EndsBeforeTheFirstFileGoesIfASearchFails) {
 TEST_F(DeleteAllTagsTest, ComesToAnEndWhateverFails) {
   PutTag(u"1");
   PutTag(u"2");
-  support::FailingFileSystem failing(m_files);
+  support::WatchedFileSystem failing(m_files);
   bool hasFailed = true;
   for (std::size_t call = 1; hasFailed; ++call) {
     failing.FailCall(call, Failing::kFromThenOn);

@@ -7,10 +7,10 @@
 #include "storage/registry_keys.h"
 #include "tests/machine/memory_file_system.h"
 #include "tests/machine/memory_registry.h"
-#include "tests/support/failing_file_system.h"
-#include "tests/support/failing_registry.h"
 #include "tests/support/registry_access.h"
 #include "tests/support/results.h"
+#include "tests/support/watched_file_system.h"
+#include "tests/support/watched_registry.h"
 
 namespace storage {
 
@@ -64,9 +64,9 @@ class TagStoreTest : public testing::Test {
   }
 
   machine::MemoryFileSystem m_files;
-  support::FailingFileSystem m_failingFiles{m_files};
+  support::WatchedFileSystem m_failingFiles{m_files};
   machine::MemoryRegistry m_registry;
-  support::FailingRegistry m_failingRegistry{m_registry};
+  support::WatchedRegistry m_failingRegistry{m_registry};
   TagStore m_store{m_failingFiles, m_failingRegistry};
 };
 

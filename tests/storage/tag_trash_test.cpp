@@ -12,11 +12,11 @@
 #include "tests/machine/memory_file_system.h"
 #include "tests/machine/memory_registry.h"
 #include "tests/machine/simulation.h"
-#include "tests/support/failing_file_system.h"
-#include "tests/support/failing_registry.h"
 #include "tests/support/file_bytes.h"
 #include "tests/support/registry_access.h"
 #include "tests/support/results.h"
+#include "tests/support/watched_file_system.h"
+#include "tests/support/watched_registry.h"
 
 namespace storage {
 
@@ -222,7 +222,7 @@ TEST_F(TagTrashTest, ADeletionThatIsKilledAnywhereLosesNothing) {
   for (std::size_t call = 1;; ++call) {
     SCOPED_TRACE(call);
     PutTag(u"100");
-    support::FailingFileSystem failing(m_files);
+    support::WatchedFileSystem failing(m_files);
     failing.FailCall(call, Failing::kPowerFailure);
     static_cast<void>(Delete(failing, u"100"));
     ExpectWholeOrInTrash(u"100");
@@ -239,7 +239,7 @@ TEST_F(TagTrashTest, ADeletionWhoseCallsFailLosesNothing) {
     for (std::size_t call = 1;; ++call) {
       SCOPED_TRACE(call);
       PutTag(u"100");
-      support::FailingFileSystem failing(m_files);
+      support::WatchedFileSystem failing(m_files);
       failing.FailCall(call, failure);
       static_cast<void>(Delete(failing, u"100"));
       ExpectWholeOrInTrash(u"100");
@@ -255,7 +255,7 @@ TEST_F(TagTrashTest, ARecoveryWhoseCallsFailLosesNothing) {
     for (std::size_t call = 1;; ++call) {
       SCOPED_TRACE(call);
       PutTag(u"100");
-      support::FailingFileSystem failing(m_files);
+      support::WatchedFileSystem failing(m_files);
       {
         const TagTrash trash(failing, m_registry, m_clock);
         Deletion deletion(trash, DeletionReason::kDelete);
@@ -281,7 +281,7 @@ TEST_F(TagTrashTest, ARestorationThatIsKilledAnywhereLosesNothing) {
   ASSERT_TRUE(Delete(u"100"));
   for (std::size_t call = 1;; ++call) {
     SCOPED_TRACE(call);
-    support::FailingFileSystem failing(m_files);
+    support::WatchedFileSystem failing(m_files);
     const TagTrash trash(failing, m_registry, m_clock);
     const TrashedTag tag = List().front();
     failing.FailCall(call, Failing::kPowerFailure);
@@ -299,7 +299,7 @@ TEST_F(TagTrashTest, ARestorationThatIsKilledAnywhereLosesNothing) {
 TEST_F(TagTrashTest, ARestorationThatFailsLeavesTheStoreAsItWas) {
   PutTag(u"100");
   ASSERT_TRUE(Delete(u"100"));
-  support::FailingRegistry failing(m_registry);
+  support::WatchedRegistry failing(m_registry);
   const TagTrash trash(m_files, failing, m_clock);
   bool hasFailed = true;
   for (std::size_t call = 1; hasFailed; ++call) {
@@ -450,7 +450,7 @@ TEST_F(TagTrashTest, AFolderInItIsPassedOver) {
 TEST_F(TagTrashTest, AFileThatCannotBeReadIsNoTornOne) {
   PutTag(u"100");
   ASSERT_TRUE(Delete(u"100"));
-  support::FailingFileSystem failing(m_files);
+  support::WatchedFileSystem failing(m_files);
   const TagTrash trash(failing, m_registry, m_clock);
   bool hasFailed = true;
   for (std::size_t call = 1; hasFailed; ++call) {
@@ -463,7 +463,7 @@ TEST_F(TagTrashTest, AFileThatCannotBeReadIsNoTornOne) {
 }
 
 TEST_F(TagTrashTest, ReportsThatItCannotBeRead) {
-  support::FailingFileSystem failing(m_files);
+  support::WatchedFileSystem failing(m_files);
   const TagTrash trash(failing, m_registry, m_clock);
   failing.FailCall(1, Failing::kFromThenOn);
   EXPECT_FALSE(trash.List());

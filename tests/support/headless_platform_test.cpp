@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "audio/wave_header.h"
-#include "tests/support/failing_file_system.h"
 #include "tests/support/results.h"
+#include "tests/support/watched_file_system.h"
 
 namespace {
 
@@ -27,7 +27,7 @@ TEST(HeadlessPlatform, EachMemberIsTheBackEndOfThatName) {
 
 TEST(HeadlessPlatform, OtherFilesMayTakeThePlaceOfItsOwn) {
   support::HeadlessPlatform headless;
-  support::FailingFileSystem failing(headless.files);
+  support::WatchedFileSystem failing(headless.files);
   failing.FailCall(1, support::Failing::kOnce, platform::FileError::kDiskFull);
   EXPECT_EQ(
       support::ErrorOf(headless.GetWith(failing, headless.registry).files.CreateFolder(u"\\a")),

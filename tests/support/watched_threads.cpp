@@ -64,7 +64,13 @@ platform::StartedThread WatchedThreads::Start(std::function<void()> body,
   if (Fails(Made::kThread)) {
     return platform::Failure(platform::ThreadError::kRefused);
   }
-  auto started = m_inner.Start(std::move(body), start);
+  auto run = [entry = m_entry, body = std::move(body)] {
+    if (entry) {
+      entry();
+    }
+    body();
+  };
+  auto started = m_inner.Start(std::move(run), start);
   if (started) {
     started = std::make_unique<Thread>(*this, std::move(*started));
   }

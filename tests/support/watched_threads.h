@@ -27,6 +27,8 @@ class WatchedThreads final : public platform::Threads {
 
   /// Is called before each thing that is made.
   void SetListener(std::function<void(Made)> listener) { m_listener = std::move(listener); }
+  /// Is called on each thread that is started from now on, before its body.
+  void SetEntry(std::function<void()> entry) { m_entry = std::move(entry); }
   /// From now on none of `refused` is made.
   void Refuse(std::set<Made> refused) { m_refused = std::move(refused); }
   /// From now on a wait that has a limit takes at most so long, so what comes late is late at once.
@@ -52,6 +54,7 @@ class WatchedThreads final : public platform::Threads {
   FaultPlan m_noFaults;
   FaultPlan& m_plan;
   std::function<void(Made)> m_listener;
+  std::function<void()> m_entry;
   std::set<Made> m_refused;
   std::optional<std::uint32_t> m_longestWait;
   std::atomic<int> m_events = 0;

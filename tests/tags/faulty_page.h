@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "tests/support/failing_contacts.h"
-#include "tests/support/failing_file_system.h"
-#include "tests/support/failing_registry.h"
 #include "tests/support/failing_wave.h"
+#include "tests/support/watched_file_system.h"
+#include "tests/support/watched_registry.h"
 #include "tests/support/watched_threads.h"
 #include "tests/tags/page_fixture.h"
 
@@ -60,8 +60,8 @@ class FaultyPage : public PageFixture {
   void TestBody() override {}
   [[nodiscard]] platform::Platform GetFaultyPlatform();
 
-  support::FailingFileSystem m_files{m_machine.files};
-  support::FailingRegistry m_registry{m_machine.registry};
+  support::WatchedFileSystem m_files{m_machine.files};
+  support::WatchedRegistry m_registry{m_machine.registry};
   std::map<FaultyPart, support::FaultPlan> m_plans;  ///< Of the other parts.
   support::FailingWaveIn m_waveIn{m_machine.waveIn, m_plans[FaultyPart::kWaveIn]};
   support::FailingWaveOut m_waveOut{m_machine.waveOut, m_plans[FaultyPart::kWaveOut]};

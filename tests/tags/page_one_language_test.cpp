@@ -3,7 +3,7 @@
 #include <functional>
 
 #include "resources/language_keys.h"
-#include "tests/support/failing_registry.h"
+#include "tests/support/watched_registry.h"
 #include "tests/tags/watched_page.h"
 
 namespace {
@@ -83,7 +83,7 @@ TEST_F(PageOneLanguage, ATagInUse) {
 
 TEST_F(PageOneLanguage, AnEntryInUse) {
   PutTag(u"100", kAnn, u"Mobile");
-  support::FailingRegistry failing(m_machine.registry);
+  support::WatchedRegistry failing(m_machine.registry);
   OpenOn(m_machine.GetWith(m_machine.files, failing)).Choose(kTagListId, 0);
   failing.FailCall(1, support::Failing::kFromThenOn);
   m_dialog->Press(kDeleteButtonId);
@@ -105,7 +105,7 @@ TEST_F(PageOneLanguage, AStaleTagThatStays) {
 }
 
 TEST_F(PageOneLanguage, AStaleEntryThatStays) {
-  support::FailingRegistry failing(m_machine.registry);
+  support::WatchedRegistry failing(m_machine.registry);
   Texts seen;
   for (std::size_t call = 1; call < 30; ++call) {
     PutTag(u"100", 999, u"Mobile");

@@ -1,6 +1,6 @@
 // The list of learned tags where one of them cannot be read.
 
-#include "tests/support/forwarding_registry.h"
+#include "tests/support/watched_registry.h"
 #include "tests/tags/watched_page.h"
 
 namespace {
@@ -9,16 +9,16 @@ using Texts = std::vector<std::u16string>;
 using namespace resources;
 
 /// A registry in which one key cannot be opened.
-class UnopenableKey final : public support::ForwardingRegistry {
+class UnopenableKey final : public support::WatchedRegistry {
  public:
   UnopenableKey(platform::Registry& inner, std::u16string_view path)
-      : ForwardingRegistry(inner), m_path(path) {}
+      : WatchedRegistry(inner), m_path(path) {}
 
   void SetPath(std::u16string_view path) { m_path = path; }
 
   [[nodiscard]] platform::OpenedKey OpenKey(std::u16string_view path) override {
     return path == m_path ? platform::Failure(platform::RegistryError::kOther)
-                          : ForwardingRegistry::OpenKey(path);
+                          : WatchedRegistry::OpenKey(path);
   }
 
  private:

@@ -1,8 +1,8 @@
 #include "storage/registry_keys.h"
 #include "storage/tag_record.h"
-#include "tests/support/failing_file_system.h"
-#include "tests/support/forwarding_registry.h"
 #include "tests/support/results.h"
+#include "tests/support/watched_file_system.h"
+#include "tests/support/watched_registry.h"
 #include "tests/tags/page_fixture.h"
 
 namespace {
@@ -11,12 +11,12 @@ using Texts = std::vector<std::u16string>;
 using namespace resources;
 
 /// A registry whose keys can be read and, for a time, not be deleted.
-class LastingKeys final : public support::ForwardingRegistry {
+class LastingKeys final : public support::WatchedRegistry {
  public:
-  using ForwardingRegistry::ForwardingRegistry;
+  using WatchedRegistry::WatchedRegistry;
   platform::Result<void, platform::RegistryError> DeleteKey(std::u16string_view path) override {
     return isLasting ? platform::Failure(platform::RegistryError::kBusy)
-                     : ForwardingRegistry::DeleteKey(path);
+                     : WatchedRegistry::DeleteKey(path);
   }
   bool isLasting = true;
 };
@@ -376,7 +376,7 @@ TEST_F(PageOneList, OpeningFinishesADeletionThatWasKilled) {
   PutTag(u"100", kAnn, u"Mobile");
   PutTag(u"200", kBob, u"Home");
   auto& dialog = Open();
-  support::FailingFileSystem failing(m_machine.files);
+  support::WatchedFileSystem failing(m_machine.files);
   const storage::TagTrash trash(failing, m_machine.registry, m_machine.simulation);
   {
     storage::Deletion deletion(trash, storage::DeletionReason::kDelete);
@@ -469,7 +469,7 @@ TEST_F(PageOneList, DeleteAllReportsAFileInUseAndGoesOn) {
 TEST_F(PageOneList, DeleteAllWhoseSearchFailsSaysErrorAndKeepsEverything) {
   PutTag(u"100", kAnn, u"Mobile");
   PutTag(u"200", kBob, u"Home");
-  support::FailingFileSystem failing(m_machine.files);
+  support::WatchedFileSystem failing(m_machine.files);
   auto& dialog = OpenOn(m_machine.GetWith(failing, m_machine.registry));
   // The trash is looked at first.
   failing.FailCall(2, support::Failing::kOnce);

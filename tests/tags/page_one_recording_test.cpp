@@ -1,8 +1,8 @@
 #include <new>
 
 #include "platform/file_system.h"
-#include "tests/support/failing_file_system.h"
-#include "tests/support/failing_registry.h"
+#include "tests/support/watched_file_system.h"
+#include "tests/support/watched_registry.h"
 #include "tests/tags/page_fixture.h"
 
 namespace {
@@ -216,7 +216,7 @@ TEST_F(PageOneRecording, ATemplateThatCannotBeMadeLeavesOnlyTheRecording) {
 }
 
 TEST_F(PageOneRecording, AnEntryThatCannotBeWrittenIsNoTag) {
-  support::FailingRegistry failing(m_machine.registry);
+  support::WatchedRegistry failing(m_machine.registry);
   OpenOn(m_machine.GetWith(m_machine.files, failing));
   failing.FailCall(1, support::Failing::kFromThenOn);
   m_dialog->Press(kRecordButtonId);
@@ -226,7 +226,7 @@ TEST_F(PageOneRecording, AnEntryThatCannotBeWrittenIsNoTag) {
 }
 
 TEST_F(PageOneRecording, ARecordingThatCannotBeLearnedNeverGetsAnotherTagsTemplate) {
-  support::FailingFileSystem failing(m_machine.files);
+  support::WatchedFileSystem failing(m_machine.files);
   OpenOn(m_machine.GetWith(failing, m_machine.registry));
   m_dialog->Press(kRecordButtonId);
   ASSERT_EQ(GetEntries().size(), 1U);
@@ -251,7 +251,7 @@ TEST_F(PageOneRecording, AFolderThatCannotBeMadeEndsTheProcess) {
   Open();
   ASSERT_TRUE(m_machine.files.PutFile(u"/x", {}));
   m_machine.files.SetCapacity(0);
-  support::FailingFileSystem failing(m_machine.files);
+  support::WatchedFileSystem failing(m_machine.files);
   OpenOn(m_machine.GetWith(failing, m_machine.registry));
   failing.FailCall(1, support::Failing::kFromThenOn, platform::FileError::kAccessDenied);
   m_dialog->Press(kRecordButtonId);

@@ -6,9 +6,9 @@
 #include "tests/machine/memory_file_system.h"
 #include "tests/machine/memory_registry.h"
 #include "tests/machine/simulated_contacts.h"
-#include "tests/support/failing_registry.h"
 #include "tests/support/registry_access.h"
 #include "tests/support/results.h"
+#include "tests/support/watched_registry.h"
 
 namespace tags {
 namespace {
@@ -34,7 +34,7 @@ class TagReader : public testing::Test {
 
   machine::MemoryFileSystem m_files;
   machine::MemoryRegistry m_memory;
-  support::FailingRegistry m_registry{m_memory};
+  support::WatchedRegistry m_registry{m_memory};
   storage::TagStore m_store{m_files, m_registry};
   machine::SimulatedContacts m_contacts;
   machine::SimulatedContact* m_ann = nullptr;
@@ -133,7 +133,7 @@ class OidsInUse : public testing::Test {
 
   machine::MemoryFileSystem m_files;
   machine::MemoryRegistry m_memory;
-  support::FailingRegistry m_registry{m_memory};
+  support::WatchedRegistry m_registry{m_memory};
   storage::TagStore m_store{m_files, m_registry};
 };
 

@@ -15,17 +15,17 @@
 #include "platform/file_system.h"
 #include "platform/ui.h"
 #include "platform/wave_devices.h"
-#include "tests/support/forwarding_file_system.h"
+#include "tests/support/watched_file_system.h"
 #include "tests/support/watched_clock.h"
 
 // Each forwards every call to a back end, and calls its listener first.
 
 /// Files whose searches and deletions are heard, "find ..." and "delete ...". Folders that are
 /// refused can neither be found nor made.
-class WatchedFiles final : public support::ForwardingFileSystem {
+class WatchedFiles final : public support::WatchedFileSystem {
  public:
   using Listener = std::function<void(const std::u16string&)>;
-  using ForwardingFileSystem::ForwardingFileSystem;
+  using WatchedFileSystem::WatchedFileSystem;
 
   void SetListener(Listener listener) { m_listener = std::move(listener); }
   void Refuse(std::set<std::u16string_view> folders) { m_refused = std::move(folders); }
@@ -33,12 +33,12 @@ class WatchedFiles final : public support::ForwardingFileSystem {
   [[nodiscard]] platform::Result<void, platform::FileError> Delete(
       std::u16string_view path) override {
     Tell(u"delete ", path);
-    return ForwardingFileSystem::Delete(path);
+    return WatchedFileSystem::Delete(path);
   }
   [[nodiscard]] platform::Result<void, platform::FileError> CreateFolder(
       std::u16string_view path) override {
     return m_refused.contains(path) ? platform::Failure(platform::FileError::kAccessDenied)
-                                    : ForwardingFileSystem::CreateFolder(path);
+                                    : WatchedFileSystem::CreateFolder(path);
   }
   [[nodiscard]] platform::Result<std::unique_ptr<platform::FileSearch>, platform::FileError> Find(
       std::u16string_view pattern) override {
@@ -46,7 +46,7 @@ class WatchedFiles final : public support::ForwardingFileSystem {
     if (m_refused.contains(pattern)) {
       return platform::Failure(platform::FileError::kNotFound);
     }
-    return ForwardingFileSystem::Find(pattern);
+    return WatchedFileSystem::Find(pattern);
   }
 
  private:

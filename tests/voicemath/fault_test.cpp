@@ -1,8 +1,8 @@
 #include <algorithm>
 
-#include "tests/support/failing_file_system.h"
 #include "tests/support/results.h"
 #include "tests/support/signals.h"
+#include "tests/support/watched_file_system.h"
 #include "tests/voicemath/mathematics_fixture.h"
 
 namespace {
@@ -37,7 +37,7 @@ class FileFaults : public testing::TestWithParam<Failing> {
   }
 
   machine::MemoryFileSystem m_files;
-  support::FailingFileSystem m_failing{m_files};
+  support::WatchedFileSystem m_failing{m_files};
   headless::HeadlessUi m_ui;
   voicemath::CVoiceMathematics m_mathematics{m_failing, m_ui};
   support::Bytes m_old;

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "tests/support/file_steps.h"
 #include "tests/support/results.h"
+#include "tests/support/watched_file_system.h"
 #include "tests/voicemath/mathematics_fixture.h"
 
 namespace {
@@ -58,7 +58,7 @@ TEST_F(TemplateFile, OfTenFramesIsTwoHundredAndSixBytes) {
 TEST_F(TemplateFile, IsMadeByOneHandleAndWrittenByAnotherThatIsFlushed) {
   SetSlotZero(std::vector<float>(2000, 1.0F));
   support::Steps steps;
-  support::StepsFileSystem files(m_files, steps);
+  support::WatchedFileSystem files(m_files, steps);
   ASSERT_TRUE(voicemath::WriteTemplateFile(files, kTemplate, m_mathematics));
   EXPECT_EQ(steps,
             (support::Steps{"open for nothing, alone, always", "open for writing, alone, existing",

@@ -3,8 +3,7 @@
 #include <string>
 #include <utility>
 
-#include "tests/support/file_steps.h"
-#include "tests/support/forwarding_file_system.h"
+#include "tests/support/watched_file_system.h"
 #include "tests/voicemath/mathematics_fixture.h"
 
 namespace {
@@ -109,14 +108,14 @@ TEST_F(WaveTrimming, ALongerHeaderIsReplacedButItsOffsetStays) {
 }
 
 /// Notes which files are opened.
-class OpenedPaths final : public support::ForwardingFileSystem {
+class OpenedPaths final : public support::WatchedFileSystem {
  public:
-  using ForwardingFileSystem::ForwardingFileSystem;
+  using WatchedFileSystem::WatchedFileSystem;
 
   [[nodiscard]] platform::Result<std::unique_ptr<platform::File>, platform::FileError> Open(
       std::u16string_view path, const platform::OpenMode& mode) override {
     m_paths.insert(std::u16string(path));
-    return ForwardingFileSystem::Open(path, mode);
+    return WatchedFileSystem::Open(path, mode);
   }
 
   /// All but `path`.
@@ -166,7 +165,7 @@ TEST_F(TrimmingPlace, TakesNoFileOfTheUsers) {
 
 TEST_F(WaveTrimming, ARecordingThatNeedsNoTrimmingIsFlushed) {
   support::Steps steps;
-  support::StepsFileSystem files(m_files, steps);
+  support::WatchedFileSystem files(m_files, steps);
   voicemath::CVoiceMathematics mathematics(files, m_ui);
   PutWave(support::Constant(5000, 0));
   mathematics.m_wavePath = kWave;
@@ -176,7 +175,7 @@ TEST_F(WaveTrimming, ARecordingThatNeedsNoTrimmingIsFlushed) {
 
 TEST_F(WaveTrimming, ATrimmedRecordingIsOnTheMediumWhenItIsPublished) {
   support::Steps steps;
-  support::StepsFileSystem files(m_files, steps);
+  support::WatchedFileSystem files(m_files, steps);
   voicemath::CVoiceMathematics mathematics(files, m_ui);
   PutWave(support::Mixed(support::Noise(33075, 20, 1), 12000, support::SpeechLike(6000, 9000, 2)));
   mathematics.m_wavePath = kWave;

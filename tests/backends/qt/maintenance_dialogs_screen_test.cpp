@@ -19,6 +19,8 @@
 #include "tests/backends/qt/page_machine.h"
 #include "tests/backends/qt/user.h"
 #include "tests/maintenance/session_fixture.h"
+#include "tests/support/watched_clock.h"
+#include "tests/support/watched_threads.h"
 
 namespace {
 
@@ -27,11 +29,10 @@ using testing::ElementsAre;
 
 /// What the worker waits for before each recording: that the bar's next value was painted. Other
 /// waits are none.
-class PaintedBarClock final : public platform::Clock {
+class PaintedBar {
  public:
-  [[nodiscard]] std::uint32_t GetTickCount() override { return 0; }
-  [[nodiscard]] std::int64_t GetUnixTime() override { return 0; }
-  void Sleep(std::uint32_t milliseconds) override {
+  /// The worker sleeps.
+  void OnSleep(std::uint32_t milliseconds) {
     if (milliseconds != 300) {
       return;
     }
@@ -40,7 +41,7 @@ class PaintedBarClock final : public platform::Clock {
     m_isPainted &= m_changed.wait_for(lock, std::chrono::seconds(30),
                                       [this] { return m_value >= m_recordings; });
   }
-  void TellPainted(int value) {
+  void OnPainted(int value) {
     const std::lock_guard lock(m_mutex);
     m_value = value;
     m_changed.notify_all();
@@ -59,10 +60,10 @@ class PaintedBarClock final : public platform::Clock {
   bool m_isPainted = true;
 };
 
-/// Tells, by a timer's call, which values of the bar were painted.
+/// Notes, by a timer's call, which values of the bar were painted.
 class BarPainting final : public QObject {
  public:
-  explicit BarPainting(PaintedBarClock& clock) : m_clock(clock) { qApp->installEventFilter(this); }
+  explicit BarPainting(PaintedBar& bar) : m_bar(bar) { qApp->installEventFilter(this); }
 
   bool eventFilter(QObject* watched, QEvent* event) override {
     const auto* bar = dynamic_cast<QProgressBar*>(watched);
@@ -71,7 +72,7 @@ class BarPainting final : public QObject {
         if (values.empty() || values.back() != value) {
           values.push_back(value);
         }
-        m_clock.TellPainted(value);
+        m_bar.OnPainted(value);
       });
     }
     return false;
@@ -80,13 +81,16 @@ class BarPainting final : public QObject {
   std::vector<int> values;
 
  private:
-  PaintedBarClock& m_clock;
+  PaintedBar& m_bar;
 };
 
 /// The dialogs that look after the tags, on real widgets and with real threads.
 class MaintenanceDialogsScreen : public SessionFixture {
  protected:
-  MaintenanceDialogsScreen() { m_session.workerEvent = m_threads.CreateManualResetEvent().value(); }
+  MaintenanceDialogsScreen() {
+    m_session.workerEvent = m_threads.CreateManualResetEvent().value();
+    m_clock.SetListener([this](std::uint32_t milliseconds) { m_bar.OnSleep(milliseconds); });
+  }
 
   [[nodiscard]] platform::Platform GetPlatform() {
     const platform::Platform machine = m_machine.Get();
@@ -138,12 +142,13 @@ class MaintenanceDialogsScreen : public SessionFixture {
   }
 
   qt::UiThread m_thread;
-  PaintedBarClock m_clock;
+  PaintedBar m_bar;
+  support::WatchedClock m_clock;
   posix::PosixThreads m_realThreads;
   qt::QtThreads m_threads{m_thread, m_realThreads};
   qt::QtUi m_ui{m_thread, u"Zedra Voxtrel", support::TestPictures()};
   User m_user;
-  BarPainting m_painting{m_clock};
+  BarPainting m_painting{m_bar};
 };
 
 TEST_F(MaintenanceDialogsScreen, TheTestShowsItsLinesAndShortOnesNeedNoScrolling) {
@@ -158,47 +163,15 @@ TEST_F(MaintenanceDialogsScreen, TheTestShowsItsLinesAndShortOnesNeedNoScrolling
   });
 }
 
-/// Each question for the time is a second later than the one before.
-class HastyClock final : public platform::Clock {
- public:
-  [[nodiscard]] std::uint32_t GetTickCount() override { return m_ticks += 1000; }
-  [[nodiscard]] std::int64_t GetUnixTime() override { return 0; }
-  void Sleep(std::uint32_t /*milliseconds*/) override {}
-
- private:
-  std::uint32_t m_ticks = 0;
-};
-
-/// Threads whose bodies begin when they are released.
-class HeldThreads final : public platform::Threads {
- public:
-  explicit HeldThreads(platform::Threads& threads) : m_threads(threads) {}
-  platform::StartedThread Start(std::function<void()> body, platform::ThreadStart start) override {
-    return m_threads.Start(
-        [this, body = std::move(body)] {
-          m_released.acquire();
-          body();
-        },
-        start);
-  }
-  platform::CreatedEvent CreateManualResetEvent() override {
-    return m_threads.CreateManualResetEvent();
-  }
-  platform::CreatedMutex CreateNamedMutex(std::u16string_view name) override {
-    return m_threads.CreateNamedMutex(name);
-  }
-  void Release() { m_released.release(); }
-
- private:
-  platform::Threads& m_threads;
-  std::counting_semaphore<> m_released{0};
-};
-
 TEST_F(MaintenanceDialogsScreen, ATestThatTakesLongShowsABoxThatGoesByItselfOrByCancel) {
   PutTag(u"1", u"Ann", {1, 2, 3, 4, 5});
   PutTag(u"2", u"Bob", {1, 2, 3, 4, 6});
-  HastyClock clock;
-  HeldThreads threads(m_threads);
+  // Each question for the time is a second later than the one before.
+  support::WatchedClock clock;
+  clock.SetTicks({1000, 2000, 3000, 4000, 5000, 6000, 7000, 8000, 9000, 10000});
+  std::counting_semaphore<> released{0};
+  support::WatchedThreads threads(m_threads);
+  threads.SetEntry([&released] { released.acquire(); });
   const platform::Platform machine = GetPlatform();
   maintenance::TestDialog dialog(
       {machine.files, machine.waveIn, clock, threads, machine.process, machine.ui, machine.registry,
@@ -211,7 +184,7 @@ TEST_F(MaintenanceDialogsScreen, ATestThatTakesLongShowsABoxThatGoesByItselfOrBy
       if (isCancelled) {
         User::Click(resources::kComparisonCancelId);
       }
-      threads.Release();
+      released.release();
     });
     int lines = -1;
     QTimer look;
@@ -247,7 +220,7 @@ TEST_F(MaintenanceDialogsScreen, TheWaitingWindowPaintsEachStepWhileTheWorkerWor
   std::vector<QString> lines;
   m_user.Soon([&lines] { lines = GetWaitLines(); });
   EXPECT_EQ(Reinitialize(), 0);
-  EXPECT_TRUE(m_clock.IsPainted());
+  EXPECT_TRUE(m_bar.IsPainted());
   EXPECT_THAT(m_painting.values, testing::IsSupersetOf({1, 2, 3}));
   EXPECT_TRUE(std::ranges::is_sorted(m_painting.values));
   EXPECT_THAT(lines, ElementsAre("Please wait a few", "seconds..."));

@@ -7,10 +7,10 @@
 #include "backends/sqlite/sqlite_registry.h"
 #include "tests/backends/udev/fake_serial_devices.h"
 #include "tests/machine/memory_registry.h"
-#include "tests/support/failing_registry.h"
 #include "tests/support/registry_access.h"
 #include "tests/support/results.h"
 #include "tests/support/temp_folder.h"
+#include "tests/support/watched_registry.h"
 
 namespace {
 
@@ -107,7 +107,7 @@ TEST_F(SerialPorts, ValuesThatAreNoPortsAreLeftAlone) {
 TEST_F(SerialPorts, WhatAnotherProgramMadeUnreadableIsPassedOver) {
   const std::vector devices{Adapter(u"/dev/ttyUSB0", u"A"), Adapter(u"/dev/ttyUSB1", u"B")};
   const Ports before = Publish(devices);
-  support::FailingRegistry odd(m_registry);
+  support::WatchedRegistry odd(m_registry);
   // After the group was begun and the key opened: the name of the first port, and its value.
   for (const std::size_t call : {3U, 4U}) {
     odd.FailCall(call, support::Failing::kOnce, RegistryError::kInvalid);
@@ -133,7 +133,7 @@ TEST_F(SerialPorts, OfMoreDevicesThanNamesTheLastHaveNone) {
 
 TEST_F(SerialPorts, AStoreThatFailsKeepsTheListAsItWas) {
   const Ports before = Publish({Adapter(u"/dev/ttyUSB0", u"A"), Adapter(u"/dev/ttyUSB1", u"B")});
-  support::FailingRegistry failing(m_registry);
+  support::WatchedRegistry failing(m_registry);
   m_devices.Set(std::vector{Adapter(u"/dev/ttyUSB0", u"C"), Adapter(u"/dev/ttyUSB1", u"B")});
   std::size_t call = 1;
   for (;; ++call) {

@@ -8,11 +8,10 @@
 #include "tests/backends/vcard/read_cards.h"
 #include "tests/machine/memory_file_system.h"
 #include "tests/machine/memory_registry.h"
-#include "tests/support/failing_registry.h"
 #include "tests/support/file_bytes.h"
-#include "tests/support/read_only_registry.h"
 #include "tests/support/registry_access.h"
 #include "tests/support/results.h"
+#include "tests/support/watched_registry.h"
 
 namespace vcard {
 namespace {
@@ -359,7 +358,7 @@ TEST_F(AddressBooksDefault, AFileThatIsAwayIsNotReplacedByTheDesktop) {
 TEST_F(AddressBooksDefault, AStoreThatTakesNoNumbersIsNoReasonToPassOverTheDesktop) {
   m_inUse = Oids();
   SetDesktopTo({Contact("a", u"Lee")});
-  support::FailingRegistry failing(m_registry);
+  support::WatchedRegistry failing(m_registry);
   AddressBooks::Options options;
   options.desktop = &m_desktop;
   bool hasFailed = true;
@@ -391,7 +390,7 @@ class AddressBooksReading : public AddressBooksTest {
     return m_store->Initialize() && m_store->Connect() && m_store->Logon();
   }
 
-  support::ReadOnlyRegistry m_frozen{m_registry};
+  support::WatchedRegistry m_frozen{m_registry, platform::RegistryError::kReadOnly};
 };
 
 TEST_F(AddressBooksReading, ANewContactHasTheNumberThatLearningThenGives) {
@@ -404,14 +403,14 @@ TEST_F(AddressBooksReading, ANewContactHasTheNumberThatLearningThenGives) {
   EXPECT_EQ(shown, (std::vector{Oid(1), Oid(2), Oid(3), Oid(4)}));
   ASSERT_TRUE(Start());
   EXPECT_EQ(shown, (std::vector{Oid(1), Oid(2), Oid(3), Oid(4)}));
-  EXPECT_EQ(m_frozen.CountWrites(), 0U);
+  EXPECT_EQ(m_frozen.CountRefusals(), 0U);
 }
 
 TEST_F(AddressBooksReading, NoChoiceIsRememberedAndNoKeyIsMade) {
   Put(u"/all.vcf", Person("Ann"));
   ASSERT_TRUE(StartReading(SourceChoice{u"/all.vcf"}));
   EXPECT_EQ(Names(), "Ann.");
-  EXPECT_EQ(m_frozen.CountWrites(), 0U);
+  EXPECT_EQ(m_frozen.CountRefusals(), 0U);
   EXPECT_FALSE(support::KeyExists(m_registry, u"Software\\Zedra\\Voxtrel Contacts"));
   ASSERT_TRUE(StartReading());
   EXPECT_EQ(m_store->GetCount(), 0);
@@ -486,7 +485,7 @@ TEST_F(FormerAddressBooks, ANameThatWasReadAsItsBase64KeepsTheNumberOfAFormerEnt
 
 TEST_F(AddressBooksInUse, AFullRegistryKeepsNobodyFromHisContacts) {
   Put(u"/copy.vcf", Person("Ann"));
-  support::ReadOnlyRegistry full(m_registry, platform::RegistryError::kFull);
+  support::WatchedRegistry full(m_registry, platform::RegistryError::kFull);
   AddressBooks::Options options;
   options.choice = SourceChoice{u"/copy.vcf"};
   AddressBooks copy(m_files, full, options);
@@ -525,7 +524,7 @@ TEST_F(AddressBooksInUse, ATagOfANumberThatNobodyEverHadEndsTheLogon) {
 }
 
 TEST_F(AddressBooksInUse, AStoreThatCannotBeReadEndsTheConnection) {
-  support::FailingRegistry failing(m_registry);
+  support::WatchedRegistry failing(m_registry);
   AddressBooks::Options options;
   options.desktop = &m_desktop;
   bool hasFailed = true;

@@ -9,10 +9,9 @@
 
 #include "backends/text/utf.h"
 #include "tests/machine/memory_registry.h"
-#include "tests/support/failing_registry.h"
-#include "tests/support/read_only_registry.h"
 #include "tests/support/registry_access.h"
 #include "tests/support/results.h"
+#include "tests/support/watched_registry.h"
 
 namespace vcard {
 namespace {
@@ -149,7 +148,7 @@ TEST_F(OidMapTest, ALargeBookIsSpreadOverSeveralValues) {
 
 TEST_F(OidMapTest, ALogonThatMeetsNobodyNewWritesNothing) {
   const Oids oids = Assign(u"book", Uids(100));
-  support::FailingRegistry registry(m_registry);
+  support::WatchedRegistry registry(m_registry);
   OidMap map(registry);
   ASSERT_TRUE(map.Load());
   registry.FailCall(1, support::Failing::kFromThenOn);
@@ -191,7 +190,7 @@ TEST_F(OidMapTest, AnyFailureOfTheStoreLeavesAllOrNothing) {
   for (std::size_t call = 1; hasFailed; ++call) {
     machine::MemoryRegistry registry;
     const Oids before = Assign(registry, u"book", {"a"});
-    support::FailingRegistry failing(registry);
+    support::WatchedRegistry failing(registry);
     failing.FailCall(call, support::Failing::kOnce);
     OidMap map(failing);
     const Book books[] = {BookOf(u"book", {"a", "b"}), BookOf(u"other", {"c"})};
@@ -326,14 +325,14 @@ TEST_F(OddOidMap, ASecondKeyOfABookIsPassedOver) {
 
 TEST_F(OddOidMap, NewNumbersThatCannotBeKeptAreThoseThatAreKeptLater) {
   for (const RegistryError refusal : {RegistryError::kFull, RegistryError::kReadOnly}) {
-    support::ReadOnlyRegistry refusing(m_registry, refusal);
+    support::WatchedRegistry refusing(m_registry, refusal);
     const Oids shown = Assign(refusing, u"book", {"a", "c"});
-    EXPECT_GT(refusing.CountWrites(), 0U);
+    EXPECT_GT(refusing.CountRefusals(), 0U);
     EXPECT_EQ(shown[0], m_oids[0]);
     EXPECT_EQ(Assign(refusing, u"book", {"a", "c"}), shown);
     EXPECT_EQ(support::BytesOf(m_registry, kFirstBook, u"people0"), m_good);
   }
-  support::ReadOnlyRegistry full(m_registry, RegistryError::kFull);
+  support::WatchedRegistry full(m_registry, RegistryError::kFull);
   OidMap map(full);
   const Book books[] = {BookOf(u"book", {"a", "c"})};
   ASSERT_TRUE(map.Load());

@@ -6,9 +6,9 @@
 
 #include "backends/text/utf.h"
 #include "tests/machine/memory_registry.h"
-#include "tests/support/failing_registry.h"
 #include "tests/support/registry_access.h"
 #include "tests/support/results.h"
+#include "tests/support/watched_registry.h"
 
 namespace vcard {
 namespace {
@@ -47,7 +47,7 @@ TEST(SourceChoice, IsRemembered) {
 TEST(SourceChoice, RememberingTheSameAgainWritesNothing) {
   machine::MemoryRegistry registry;
   ASSERT_EQ(support::ErrorOf(RememberChoice(registry, {u"/all.vcf"})), std::nullopt);
-  support::FailingRegistry counting(registry);
+  support::WatchedRegistry counting(registry);
   counting.FailCall(1000, support::Failing::kOnce);
   ASSERT_EQ(support::ErrorOf(RememberChoice(counting, {u"/all.vcf"})), std::nullopt);
   EXPECT_EQ(counting.CountCalls(), 2U);
@@ -56,7 +56,7 @@ TEST(SourceChoice, RememberingTheSameAgainWritesNothing) {
 TEST(SourceChoice, AStoreThatCannotBeReadIsNoReasonToTakeAnotherBook) {
   machine::MemoryRegistry registry;
   ASSERT_EQ(support::ErrorOf(RememberChoice(registry, {u"/all.vcf"})), std::nullopt);
-  support::FailingRegistry failing(registry);
+  support::WatchedRegistry failing(registry);
   std::vector<Remark> remarks;
   for (const std::size_t call : {1U, 2U}) {
     failing.FailCall(call, support::Failing::kOnce, RegistryError::kBusy);

@@ -9,9 +9,8 @@
 
 #include "tests/backends/vcard/read_cards.h"
 #include "tests/machine/memory_file_system.h"
-#include "tests/support/failing_file_system.h"
 #include "tests/support/file_bytes.h"
-#include "tests/support/forwarding_file_system.h"
+#include "tests/support/watched_file_system.h"
 
 namespace vcard {
 namespace {
@@ -21,13 +20,13 @@ std::string Named(const std::string& name) {
 }
 
 /// Finds files in the order opposite to that of another one: systems promise none.
-class BackwardsFileSystem final : public support::ForwardingFileSystem {
+class BackwardsFileSystem final : public support::WatchedFileSystem {
  public:
-  using ForwardingFileSystem::ForwardingFileSystem;
+  using WatchedFileSystem::WatchedFileSystem;
 
   platform::Result<std::unique_ptr<platform::FileSearch>, platform::FileError> Find(
       std::u16string_view pattern) override {
-    auto forwards = ForwardingFileSystem::Find(pattern);
+    auto forwards = WatchedFileSystem::Find(pattern);
     if (!forwards) {
       return forwards;
     }
@@ -179,14 +178,14 @@ TEST_F(VcardSourceTest, AFolderWithAnEmptiedCardIsNotComplete) {
 }
 
 /// Another file system in which one file cannot be opened.
-class RefusingFileSystem final : public support::ForwardingFileSystem {
+class RefusingFileSystem final : public support::WatchedFileSystem {
  public:
   RefusingFileSystem(platform::FileSystem& files, std::u16string path, platform::FileError error)
-      : ForwardingFileSystem(files), m_path(std::move(path)), m_error(error) {}
+      : WatchedFileSystem(files), m_path(std::move(path)), m_error(error) {}
 
   platform::Result<std::unique_ptr<platform::File>, platform::FileError> Open(
       std::u16string_view path, const platform::OpenMode& mode) override {
-    return path == m_path ? platform::Failure(m_error) : ForwardingFileSystem::Open(path, mode);
+    return path == m_path ? platform::Failure(m_error) : WatchedFileSystem::Open(path, mode);
   }
 
  private:
@@ -214,15 +213,15 @@ TEST_F(VcardSourceTest, AFileOfAFolderThatCannotBeOpenedCostsItselfAloneAndIsNam
 }
 
 /// Another file system in which one name is a link that cannot be followed.
-class CircleFileSystem final : public support::ForwardingFileSystem {
+class CircleFileSystem final : public support::WatchedFileSystem {
  public:
   CircleFileSystem(platform::FileSystem& files, std::u16string link)
-      : ForwardingFileSystem(files), m_link(std::move(link)) {}
+      : WatchedFileSystem(files), m_link(std::move(link)) {}
 
   platform::Result<std::unique_ptr<platform::File>, platform::FileError> Open(
       std::u16string_view path, const platform::OpenMode& mode) override {
     const bool follows = mode.access == platform::FileAccess::kRead;
-    return path != m_link ? ForwardingFileSystem::Open(path, mode)
+    return path != m_link ? WatchedFileSystem::Open(path, mode)
                           : platform::Failure(follows ? platform::FileError::kOther
                                                       : platform::FileError::kLink);
   }
@@ -310,7 +309,7 @@ TEST_F(VcardSourceTest, AHundredMegabytesOfAnythingEnd) {
 TEST_F(VcardSourceTest, EveryFailureOfTheFilesMakesTheSourceUnreadable) {
   Put(u"/cards/a.vcf", Named("A"));
   Put(u"/cards/b.vcf", Named("B"));
-  support::FailingFileSystem failing(m_files);
+  support::WatchedFileSystem failing(m_files);
   bool hasFailed = true;
   for (std::size_t call = 1; hasFailed; ++call) {
     failing.FailCall(call, support::Failing::kOnce);
@@ -326,7 +325,7 @@ TEST_F(VcardSourceTest, ReadsEachFileOnceFromItsStartToItsEnd) {
     cards += Named("Name" + std::to_string(i));
   }
   Put(u"/all.vcf", cards);
-  support::FailingFileSystem counting(m_files);
+  support::WatchedFileSystem counting(m_files);
   counting.FailCall(100'000, support::Failing::kOnce);
   const ReadBooks books = ReadFrom(counting, u"/all.vcf");
   ASSERT_TRUE(books);

@@ -11,9 +11,9 @@
 #include <vector>
 
 #include "tests/machine/memory_file_system.h"
-#include "tests/support/failing_file_system.h"
 #include "tests/support/results.h"
 #include "tests/support/riff.h"
+#include "tests/support/watched_file_system.h"
 
 namespace {
 
@@ -163,7 +163,7 @@ TEST_F(FileWaveIn, OthersMayReadTheFileMeanwhile) {
 TEST_F(FileWaveIn, WhicheverCallToTheFileFailsTheRecordingIsTheSoundOrNothing) {
   const auto sound = Ramp(100);
   PutSound(sound);
-  support::FailingFileSystem failing(m_files);
+  support::WatchedFileSystem failing(m_files);
   wave_file::FileWaveIn waveIn(failing, std::u16string(kPath));
   bool hasFailed = true;
   std::size_t call = 0;

@@ -10,9 +10,9 @@
 #include <vector>
 
 #include "tests/machine/memory_file_system.h"
-#include "tests/support/failing_file_system.h"
 #include "tests/support/results.h"
 #include "tests/support/riff.h"
+#include "tests/support/watched_file_system.h"
 
 namespace {
 
@@ -60,7 +60,7 @@ class FileWaveOut : public testing::Test {
   }
 
   machine::MemoryFileSystem m_memory;
-  support::FailingFileSystem m_files{m_memory};
+  support::WatchedFileSystem m_files{m_memory};
   wave_file::FileWaveOut m_waveOut{m_files, std::u16string(kPath)};
 };
 

@@ -12,9 +12,9 @@
 #include "resources/dialogs.h"
 #include "storage/device_paths.h"
 #include "tests/machine/simulated_module.h"
-#include "tests/support/forwarding_file_system.h"
 #include "tests/support/headless_platform.h"
 #include "tests/support/temp_folder.h"
+#include "tests/support/watched_file_system.h"
 
 namespace {
 
@@ -22,14 +22,14 @@ using applet::CplMessage;
 using testing::ElementsAre;
 
 /// Counts how often the language file is looked for, which start-up does.
-class CountingFiles final : public support::ForwardingFileSystem {
+class CountingFiles final : public support::WatchedFileSystem {
  public:
-  using ForwardingFileSystem::ForwardingFileSystem;
+  using WatchedFileSystem::WatchedFileSystem;
 
   [[nodiscard]] platform::Result<std::unique_ptr<platform::FileSearch>, platform::FileError> Find(
       std::u16string_view pattern) override {
     m_searches += pattern == storage::kLanguageFile ? 1 : 0;
-    return ForwardingFileSystem::Find(pattern);
+    return WatchedFileSystem::Find(pattern);
   }
 
   [[nodiscard]] int CountSearches() const { return m_searches; }

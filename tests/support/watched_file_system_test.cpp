@@ -1,4 +1,4 @@
-#include "tests/support/failing_file_system.h"
+#include "tests/support/watched_file_system.h"
 
 #include <gtest/gtest.h>
 
@@ -19,9 +19,9 @@ using platform::FileError;
 using platform::FileShare;
 using platform::OpenMode;
 using support::Failing;
-using support::FailingFileSystem;
 using support::ReadWhole;
 using support::ToBytes;
+using support::WatchedFileSystem;
 using support::WriteWhole;
 
 constexpr OpenMode kReadWrite{FileAccess::kReadWrite, FileShare::kNone, FileCreation::kOpenAlways};
@@ -36,13 +36,13 @@ bool Keeps(Value& kept, platform::Result<Value, FileError> result) {
   return true;
 }
 
-class FailingFileSystemTest : public testing::Test {
+class WatchedFileSystemTest : public testing::Test {
  protected:
   machine::MemoryFileSystem m_files;
-  FailingFileSystem m_failing{m_files};
+  WatchedFileSystem m_failing{m_files};
 };
 
-TEST_F(FailingFileSystemTest, ForwardsEverythingWhileNothingIsToFail) {
+TEST_F(WatchedFileSystemTest, ForwardsEverythingWhileNothingIsToFail) {
   EXPECT_TRUE(m_failing.CreateFolder(u"\\a"));
   EXPECT_TRUE(WriteWhole(m_failing, u"\\a\\f", "abc"));
   EXPECT_EQ(ReadWhole(m_failing, u"\\a\\f"), "abc");
@@ -57,13 +57,13 @@ TEST_F(FailingFileSystemTest, ForwardsEverythingWhileNothingIsToFail) {
   EXPECT_EQ(m_files.CountOpenHandles(), 0U);
 }
 
-TEST_F(FailingFileSystemTest, ErrorsOfTheFilesComeThrough) {
+TEST_F(WatchedFileSystemTest, ErrorsOfTheFilesComeThrough) {
   EXPECT_EQ(support::ErrorOf(m_failing.Delete(u"\\f")), FileError::kNotFound);
   EXPECT_FALSE(m_failing.Open(u"\\f", {}));
   EXPECT_FALSE(m_failing.Find(u"\\f"));
 }
 
-TEST_F(FailingFileSystemTest, EachKindOfCallCountsAndFailsInItsTurn) {
+TEST_F(WatchedFileSystemTest, EachKindOfCallCountsAndFailsInItsTurn) {
   m_files.PutFile(u"\\f", ToBytes("abcdef"));
   m_files.PutFile(u"\\fellow", {});
   std::array<std::byte, 2> into{};
@@ -99,28 +99,28 @@ TEST_F(FailingFileSystemTest, EachKindOfCallCountsAndFailsInItsTurn) {
   }
 }
 
-TEST_F(FailingFileSystemTest, TheErrorIsTheOneThatWasAskedFor) {
+TEST_F(WatchedFileSystemTest, TheErrorIsTheOneThatWasAskedFor) {
   m_failing.FailCall(1, Failing::kFromThenOn, FileError::kReadOnly);
   EXPECT_EQ(support::ErrorOf(m_failing.Open(u"\\f", kReadWrite)), FileError::kReadOnly);
   EXPECT_EQ(support::ErrorOf(m_failing.Delete(u"\\f")), FileError::kReadOnly);
   EXPECT_EQ(support::ErrorOf(m_failing.Find(u"\\f")), FileError::kReadOnly);
 }
 
-TEST_F(FailingFileSystemTest, AFailedWriteWritesItsFirstHalf) {
+TEST_F(WatchedFileSystemTest, AFailedWriteWritesItsFirstHalf) {
   const auto file = m_failing.Open(u"\\f", kReadWrite).value();
   m_failing.FailCall(1, Failing::kOnce, FileError::kDiskFull);
   EXPECT_EQ(support::ErrorOf(file->Write(ToBytes("abcdef"))), FileError::kDiskFull);
   EXPECT_EQ(file->GetLength(), 3U);
 }
 
-TEST_F(FailingFileSystemTest, AFailedCloseHasGivenUpTheFile) {
+TEST_F(WatchedFileSystemTest, AFailedCloseHasGivenUpTheFile) {
   const auto file = m_failing.Open(u"\\f", kReadWrite).value();
   m_failing.FailCall(1, Failing::kOnce);
   EXPECT_EQ(support::ErrorOf(file->Close()), FileError::kOther);
   EXPECT_EQ(m_files.CountOpenHandles(), 0U);
 }
 
-TEST_F(FailingFileSystemTest, OtherFailedCallsDoNothing) {
+TEST_F(WatchedFileSystemTest, OtherFailedCallsDoNothing) {
   m_files.PutFile(u"\\f", ToBytes("abc"));
   m_failing.FailCall(1, Failing::kFromThenOn);
   EXPECT_EQ(support::ErrorOf(m_failing.Delete(u"\\f")), FileError::kOther);
@@ -130,14 +130,14 @@ TEST_F(FailingFileSystemTest, OtherFailedCallsDoNothing) {
   EXPECT_EQ(ReadWhole(m_files, u"\\f"), "abc");
 }
 
-TEST_F(FailingFileSystemTest, OnceLeavesLaterCallsAlone) {
+TEST_F(WatchedFileSystemTest, OnceLeavesLaterCallsAlone) {
   m_failing.FailCall(2, Failing::kOnce);
   EXPECT_TRUE(m_failing.CreateFolder(u"\\a"));
   EXPECT_EQ(support::ErrorOf(m_failing.CreateFolder(u"\\b")), FileError::kOther);
   EXPECT_TRUE(m_failing.CreateFolder(u"\\b"));
 }
 
-TEST_F(FailingFileSystemTest, AfterAPowerFailureNothingReachesTheFiles) {
+TEST_F(WatchedFileSystemTest, AfterAPowerFailureNothingReachesTheFiles) {
   const auto file = m_failing.Open(u"\\f", kReadWrite).value();
   m_failing.FailCall(1, Failing::kPowerFailure);
   EXPECT_EQ(support::ErrorOf(file->Write(ToBytes("abcdef"))), FileError::kOther);
@@ -147,7 +147,7 @@ TEST_F(FailingFileSystemTest, AfterAPowerFailureNothingReachesTheFiles) {
   EXPECT_EQ(m_files.GetFile(u"\\f"), ToBytes("abc"));
 }
 
-TEST_F(FailingFileSystemTest, ASearchThatFailsOnceLosesNoName) {
+TEST_F(WatchedFileSystemTest, ASearchThatFailsOnceLosesNoName) {
   m_files.PutFile(u"\\a", {});
   m_files.PutFile(u"\\b", {});
   const auto search = m_failing.Find(u"\\*").value();
@@ -156,7 +156,7 @@ TEST_F(FailingFileSystemTest, ASearchThatFailsOnceLosesNoName) {
   EXPECT_EQ(search->Next().value().value().name, u"a");
 }
 
-TEST_F(FailingFileSystemTest, ASearchThatGoesOnFailingEnds) {
+TEST_F(WatchedFileSystemTest, ASearchThatGoesOnFailingEnds) {
   m_files.PutFile(u"\\a", {});
   m_files.PutFile(u"\\b", {});
   m_files.PutFile(u"\\c", {});
@@ -169,7 +169,7 @@ TEST_F(FailingFileSystemTest, ASearchThatGoesOnFailingEnds) {
   EXPECT_EQ(calls, 5);
 }
 
-TEST_F(FailingFileSystemTest, ALoopOverTheCallsEndsIfARunNeedsNoMore) {
+TEST_F(WatchedFileSystemTest, ALoopOverTheCallsEndsIfARunNeedsNoMore) {
   std::size_t number = 1;
   for (;; ++number) {
     m_failing.FailCall(number, Failing::kOnce);
