@@ -29,6 +29,17 @@ TEST_F(PageOneOrder, ASecondPageEndsBeforeItReachesTheContacts) {
   EXPECT_EQ(m_machine.contacts.CountCalls(Opening::kLogon), 1);
 }
 
+TEST_F(PageOneOrder, TheSoundDeviceIsThereBeforeTheContactsAreOpened) {
+  // Contacts that fail end the opening, and the user records all the same.
+  m_machine.contacts.AddFailingItem();
+  auto& dialog = Open();
+  ASSERT_FALSE(m_page->IsSetUp());
+  dialog.Choose(kContactComboId, 0);
+  dialog.Press(kRecordButtonId);
+  EXPECT_EQ(GetEntries(), Texts{u"1000"});
+  EXPECT_EQ(m_page->GetPlayCode(), audio::kPlayed);
+}
+
 TEST_F(PageOneOrder, TheWaitCursorIsSetWheneverTheContactsAreAskedWhileThePageOpens) {
   PutTag(u"100", kAnn, u"Mobile");
   std::set<std::string_view> calls;
