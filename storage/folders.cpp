@@ -12,7 +12,7 @@ using platform::Result;
 
 namespace {
 
-constexpr int kExitCode = 0;
+constexpr int kExitCode = 0;  ///< Deliberately that of success.
 
 /// Makes a folder. One that is there, or that another program makes at this moment, is as good.
 Result<void, FileError> MakeSure(platform::FileSystem& files, std::u16string_view folder) {

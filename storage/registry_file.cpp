@@ -15,7 +15,8 @@ using platform::Result;
 
 namespace {
 
-/// The key that the changes are at.
+/// The key that the changes are at. Most changes of a file are values of the key before, which is
+/// so opened once. It is closed before any key is deleted, since it may lie below that.
 class CurrentKey {
  public:
   explicit CurrentKey(platform::Registry& registry) : m_registry(registry) {}

@@ -35,7 +35,10 @@ std::optional<std::u16string_view> FindRedirectedPart(std::u16string_view path) 
   return isRedirected ? std::optional(path.substr(end)) : std::nullopt;
 }
 
-/// Reads a registry file from its start to its end, or to the first thing that is wrong.
+/// Reads a registry file from its start to its end, or to the first thing that is wrong. A line is
+/// a key, a value of the key above it, a comment, or empty. Keys of other hives are passed over
+/// with their values, which are parsed all the same: a file that is wrong anywhere is refused as a
+/// whole.
 class Parser {
  public:
   /// `text` is the file without its byte-order mark, of version 4 if it `isAnsi`.
@@ -118,7 +121,7 @@ class Parser {
       return Fail("HKEY_LOCAL_MACHINE itself cannot be deleted");
     }
     m_key = path;
-    // Again and again, so that what is exported later is read as the same keys.
+    // As often as it leads there, so that what is exported later is read as the same keys.
     while (const auto redirected = FindRedirectedPart(m_key)) {
       if (isDeletion && redirected->empty()) {
         return Fail("WOW6432Node itself cannot be deleted, since all of Software would go");

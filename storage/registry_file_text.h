@@ -48,7 +48,7 @@ class RegistryFileScanner {
   [[nodiscard]] bool IsAtEnd() const { return m_at == m_text.size(); }
   [[nodiscard]] bool IsAtLineEnd() const { return GetRestOfLine().empty(); }
 
-  /// Whether the next unit is `unit`.
+  /// Returns whether the next unit is `unit`.
   [[nodiscard]] bool IsAt(char16_t unit) const { return !IsAtEnd() && m_text[m_at] == unit; }
 
   [[nodiscard]] std::u16string_view GetRestOfLine() const;
@@ -59,7 +59,7 @@ class RegistryFileScanner {
   /// Passes over `expected` if it is next.
   [[nodiscard]] bool Take(std::u16string_view expected);
 
-  /// The same, but letter case does not count.
+  /// Passes over `expected` if it is next in any letter case.
   [[nodiscard]] bool TakeWord(std::u16string_view expected);
 
   /// Passes over blanks, and over the end of the line if it is next.

@@ -104,6 +104,9 @@ std::u16string Join(std::u16string_view path, std::u16string_view name) {
   return joined += name;
 }
 
+/// Writes a key, its values and then the keys below it, each with its heading, as Windows does. A
+/// value is written as text, as a number or as bytes: the first form from which it can be read
+/// again byte for byte.
 class Writer {
  public:
   explicit Writer(platform::Registry& registry) : m_registry(registry) {

@@ -11,6 +11,7 @@ namespace storage {
 
 namespace {
 
+/// What was in the field before goes to its last unit, so that equal records have equal bytes.
 template <std::size_t kLength>
 void Store(std::u16string_view text, std::array<char16_t, kLength>& field) {
   const std::u16string_view kept = CutText(UpToZero(text), kLength - 1);
@@ -85,6 +86,7 @@ std::optional<std::int32_t> ParseOid(std::u16string_view text) {
   if (at < text.size() && (text[at] == u'-' || text[at] == u'+')) {
     ++at;
   }
+  // Away from zero in both directions, since the smallest number has no positive counterpart.
   const std::size_t firstDigit = at;
   std::int64_t number = 0;
   for (; at < text.size() && text[at] >= u'0' && text[at] <= u'9'; ++at) {

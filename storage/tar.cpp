@@ -69,7 +69,7 @@ std::optional<std::uint64_t> GetNumber(const Block& block, Field field) {
   return number;
 }
 
-/// The sum of all bytes, those of its own field counted as blanks.
+/// The sum of all bytes, with those of its own field counted as blanks.
 std::uint64_t ChecksumOf(const Block& block) {
   std::uint64_t sum = 0;
   for (std::size_t i = 0; i < block.size(); ++i) {

@@ -28,7 +28,7 @@ class TarWriter {
   [[nodiscard]] platform::Result<void, platform::FileError> AddFile(std::string_view name,
                                                                     platform::File& source);
 
-  /// The last call.
+  /// Ends the archive. This is the last call.
   [[nodiscard]] platform::Result<void, platform::FileError> End();
 
  private:

@@ -23,7 +23,7 @@
 
 namespace tags {
 
-/// Whoever holds the mutex of this name is the one open Learning page of this device.
+/// The holder of the mutex of this name is the one open Learning page of this device.
 inline constexpr std::u16string_view kInstanceMutex = u"ZedraD";
 
 /// The Learning page: the user picks a contact and one of its numbers, presses Record and says the
@@ -53,17 +53,18 @@ class Page_one : public framework::CPropertyPage, private maintenance::TagSessio
   [[nodiscard]] const ContactPicker& GetPicker() const { return m_picker; }
   [[nodiscard]] const maintenance::TestDialog& GetTestDialog() const { return m_testDialog; }
 
-  /// Whether no other page of the device has the tags.
+  /// Returns whether this page has the tags, and no other page of the device.
   [[nodiscard]] bool IsOnlyInstance() const { return m_onlyInstance != nullptr; }
-  /// Whether the page opened to its end, with its contacts and its tags.
+  /// Returns whether the page opened to its end, with its contacts and its tags.
   [[nodiscard]] bool IsSetUp() const { return m_isSetUp; }
 
-  /// What the player answered last; it tells the user nothing.
+  /// Returns what the player answered last. The user is not shown it.
   [[nodiscard]] int GetPlayCode() const { return m_playCode; }
 
-  /// The recorder's last answer. A message has shown it as a number.
+  /// Returns the recorder's last answer. A message has shown it as a number.
   [[nodiscard]] int GetRecordCode() const { return m_recordCode; }
-  /// Why a file of the last recording was not written. Nothing if that was not the reason.
+  /// Returns why a file of the last recording was not written. Returns nothing if that was not the
+  /// reason.
   [[nodiscard]] std::optional<platform::FileError> GetLearnError() const { return m_learnError; }
 
  private:
@@ -77,7 +78,8 @@ class Page_one : public framework::CPropertyPage, private maintenance::TagSessio
 
   // Opening.
   [[nodiscard]] bool BecomeOnlyInstance();
-  /// Contacts, tags, buttons and texts, behind the wait cursor.
+  /// Fills the page with contacts, tags and texts under the wait cursor. Returns false if the
+  /// contacts cannot be read: their message has been shown.
   [[nodiscard]] bool Fill();
   [[nodiscard]] bool OpenContacts();
   void EnableButtons();

@@ -10,6 +10,9 @@
 
 namespace tags {
 
+// The count comes first, from the registry alone. Then each entry becomes a line. Three numbers run
+// through the loop, and they differ: the index of the entry, which stays if a stale tag was deleted
+// there; the slot in the table, which only a line takes; and the count, which includes stale tags.
 void Page_one::LoadTagList() {
   m_tags.Clear();
   m_lines.clear();
@@ -53,7 +56,7 @@ Page_one::LoadedTag Page_one::LoadTag(std::u16string_view tagName, std::int32_t&
       Report(tag.error());
       return LoadedTag::kFailed;
     }
-    // The line and the record show the same text, cut where the record's field ends.
+    // The line and the record show the same text, cut at the end of the record's field.
     storage::TagRecord shown;
     shown.SetDisplayText(tag->text);
     m_listText = shown.GetDisplayText();
@@ -135,6 +138,9 @@ void Page_one::OnDelete() {
   window.SetText(resources::kCountLabelId, language::EnglishCountLabel(m_tags.tagCount));
 }
 
+// Copies first, then the recording, the template, and last the entry: a companion sees no entry
+// without both its files. The record and the count go before the entry, deliberately: a press after
+// an entry that stayed must not count the tag twice (DropRecord).
 bool Page_one::DeleteTagOfLine(std::size_t line) {
   const std::u16string tagName = m_lines[line].tagName;
   // A press that failed half-way before is finished first.
@@ -161,7 +167,7 @@ bool Page_one::DeleteTagOfLine(std::size_t line) {
   }
   DropRecord(line);
   const bool isDeleted = m_store.DeleteEntry(tagName).has_value();
-  // Said in either case: the files are gone.
+  // In either case, since the files are gone.
   if (isDestroyed) {
     ShowBox(resources::kTagDestroyed);
   }

@@ -8,6 +8,9 @@ namespace tags {
 
 void Page_one::OnTest() { m_testDialog.DoModal(); }
 
+// The templates are computed again by a worker, while the waiting dialog is open. The worker is
+// made suspended and belongs to the page. The dialog's monitor lets it run when the dialog is there
+// to be stepped.
 void Page_one::OnCheckVersion() {
   if (!maintenance::UpdateVersion(m_platform.registry)) {
     return;

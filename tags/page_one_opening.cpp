@@ -46,7 +46,7 @@ bool Page_one::OnInitDialog() {
   // The tags are this page's alone now, so nobody else is in the middle of a deletion.
   m_trash.Recover();
   if (!Fill()) {
-    return true;  // The message was the last thing that happens: the page stays as it was drawn.
+    return true;  // Nothing happens after the message: the page stays as it was drawn.
   }
   m_testDialog.set_Pageone_point(this);
   m_reinitDialog.set_Pageone_point(this);
@@ -56,7 +56,7 @@ bool Page_one::OnInitDialog() {
 }
 
 bool Page_one::Fill() {
-  // Gone before the command is posted, whose handler may show a dialog.
+  // It goes before the command is posted, whose handler may show a dialog.
   const framework::WaitCursor wait(m_platform.ui);
   m_workerEvent = m_platform.threads.CreateManualResetEvent().value_or(nullptr);
   OpenAudio();
@@ -72,7 +72,7 @@ bool Page_one::Fill() {
 
 bool Page_one::BecomeOnlyInstance() {
   if (m_onlyInstance) {
-    return true;  // The sheet is shown once more by the same library.
+    return true;  // The same library shows the sheet once more.
   }
   auto created = m_platform.threads.CreateNamedMutex(kInstanceMutex);
   if (!created) {

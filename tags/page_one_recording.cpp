@@ -26,7 +26,7 @@ constexpr int kProgressGap = 10;  ///< Between the Record button and the bar.
 class RecordingProgress {
  public:
   explicit RecordingProgress(platform::DialogWindow& window) : m_window(window) {
-    // Beside the button, as far as the box above reaches. Of the button's place on the screen the
+    // Next to the button, as far as the box above reaches. Of the button's place on the screen the
     // device takes 26 for its title bar, and the page begins right under that.
     const platform::Rect button = m_window.GetControlRect(resources::kRecordButtonId);
     const platform::Rect combo = m_window.GetControlRect(resources::kNumberComboId);
@@ -90,6 +90,9 @@ void Page_one::OpenAudio() {
   m_audio->SetFormat(audio::kRecordingBits, audio::kRecordingRate);
 }
 
+// The page does not ask how the recording goes. It steps its bar ten times in three seconds, as
+// long as a recording takes, and then waits for the worker. A worker that is late keeps the device
+// and all it uses, and the page goes on.
 bool Page_one::RecordUtterance(const std::function<void()>& step) {
   const auto recording = std::make_shared<UtteranceRecording>(m_platform, m_audio, m_recordingPath);
   auto worker =
@@ -128,6 +131,8 @@ void Page_one::EndLateWorkers() {
   m_lateWorkers.clear();
 }
 
+// The parts of a tag in their order: the recording is there already and is cut to the name, then
+// the template, then the entry. Only the entry makes them a tag.
 bool Page_one::StoreTag(std::u16string_view tagName) {
   m_mathematics.m_wavePath = m_recordingPath;
   if (m_mathematics.LearnFile(0) != voicemath::kLearned) {

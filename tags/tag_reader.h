@@ -39,7 +39,7 @@ struct ListedTag {
 [[nodiscard]] platform::Result<std::vector<std::int32_t>, platform::RegistryError> FindOidsInUse(
     const storage::TagStore& store);
 
-/// The tags that are not stale as the pages know them.
+/// Returns the tags that are not stale, as the pages know them.
 [[nodiscard]] storage::TagTable ToTable(const std::vector<ListedTag>& tags);
 
 }  // namespace tags

@@ -10,8 +10,9 @@
 
 namespace tags {
 
-/// One recording, as its worker does it. It has everything of its own: the page goes on without a
-/// worker that takes too long, and may use a new device, or be gone, while this one still runs.
+/// One recording, as its worker does it. It shares nothing with the page: if a worker takes too
+/// long, the page goes on without it, and may use a new device, or be gone, while this one still
+/// runs.
 class UtteranceRecording {
  public:
   /// What `platform` refers to outlives the recording. Nobody else touches `device` while it runs.
@@ -23,12 +24,14 @@ class UtteranceRecording {
   /// nothing: it is the whole of a thread.
   void Run() noexcept;
 
-  /// Whether the process was to end: nothing may be done any more. May be called from any thread.
+  /// Returns whether the process was to end. Then nothing may be done any more. May be called from
+  /// any thread.
   [[nodiscard]] bool HasEndedProcess() const { return GetCode() != audio::kRecorded; }
 
-  /// The recorder's answer; kRecorded as long as there is none. May be called from any thread.
+  /// Returns the recorder's answer, and kRecorded as long as there is none. May be called from any
+  /// thread.
   [[nodiscard]] int GetCode() const { return m_code; }
-  /// Why there is no file, after kFileNotCreated; otherwise nothing.
+  /// Returns why there is no file, after kFileNotCreated. Returns nothing otherwise.
   [[nodiscard]] std::optional<platform::FileError> GetFileError() const {
     return GetCode() == audio::kFileNotCreated ? m_device->GetFileError() : std::nullopt;
   }

@@ -9,6 +9,13 @@ namespace headless {
 
 using resources::ControlKind;
 
+// What a user does goes through the same gate as on a screen: a control that is missing, hidden or
+// disabled takes no press and no choice. What the page asks for is done at once, whatever the state
+// of the control, as a window does it.
+//
+// The page belongs to one thread. Only SetText, StepProgress and EndDialog may be called by others,
+// so the mutex guards texts, bars and the result, and nothing else.
+
 HeadlessDialog::HeadlessDialog(const resources::DialogTemplate& dialog,
                                platform::DialogHandler& handler, platform::Threads* threads)
     : m_template(dialog), m_handler(handler) {
@@ -22,6 +29,7 @@ HeadlessDialog::HeadlessDialog(const resources::DialogTemplate& dialog,
     }
   }
   if (threads != nullptr) {
+    // Without an event nobody can wait for the end, and the user closes the dialog.
     m_ended = threads->CreateManualResetEvent().value_or(nullptr);
   }
   m_handler.Attach(*this);
@@ -34,6 +42,7 @@ void HeadlessDialog::Press(int id) {
   if (control == nullptr || !control->isEnabled || !control->description.isVisible) {
     return;
   }
+  // A check box of a window has its new state when the page hears of the click.
   if (control->description.kind == ControlKind::kCheckBox) {
     SetCheck(id, !control->isChecked);
   }
@@ -72,6 +81,7 @@ bool HeadlessDialog::AskForHelp() {
 }
 
 void HeadlessDialog::PressEnter() {
+  // Enter presses the default button. A dialog without one takes it as OK.
   for (const auto& [id, control] : m_controls) {
     if (control.description.kind == ControlKind::kDefaultPushButton) {
       Press(id);
@@ -121,6 +131,7 @@ std::optional<int> HeadlessDialog::GetResult() const {
 }
 
 void HeadlessDialog::DeliverPosted() {
+  // A command may post the next one, or end the dialog. After its end nothing is delivered.
   while (!m_posted.empty() && !GetResult()) {
     const int id = m_posted.front();
     m_posted.pop_front();
@@ -272,7 +283,7 @@ void HeadlessDialog::EndDialog(int result) {
   {
     const std::lock_guard lock(m_mutex);
     if (!m_result) {
-      m_result = result;
+      m_result = result;  // The first end counts.
     }
   }
   if (m_ended) {

@@ -6,6 +6,10 @@
 
 namespace headless {
 
+using platform::MessageAnswer;
+using platform::MessageBox;
+using platform::MessageCaption;
+
 HeadlessSheet::HeadlessSheet(std::u16string caption, std::span<const platform::SheetPage> pages,
                              platform::SheetHandler& handler, platform::Threads* threads)
     : m_caption(std::move(caption)),
@@ -35,6 +39,7 @@ HeadlessDialog* HeadlessSheet::ShowPage(std::size_t page) {
 void HeadlessSheet::AskForHelp() { m_handler.OnHelp(); }
 
 void HeadlessSheet::PressOk() {
+  // A page that was never shown was never set up, so it has nothing to take over.
   for (std::size_t page = 0; page < m_pages.size(); ++page) {
     if (m_shown[page]) {
       m_pages[page].handler.OnOK();
@@ -51,10 +56,6 @@ void HeadlessSheet::SetTabText(std::size_t tab, std::u16string_view text) {
     m_tabs[tab] = text;
   }
 }
-
-using platform::MessageAnswer;
-using platform::MessageBox;
-using platform::MessageCaption;
 
 HeadlessUi::HeadlessUi(std::u16string applicationName, platform::Threads* threads)
     : m_applicationName(std::move(applicationName)), m_threads(threads) {}
@@ -112,6 +113,8 @@ void HeadlessUi::SetCursor(platform::Cursor cursor) {
   m_cursor = cursor;
 }
 
+// A modal dialog, from its set-up to its end. Whatever the story leaves undone, the dialog does not
+// stay open: a user who does nothing more closes it in the end.
 int HeadlessUi::RunDialog(const resources::DialogTemplate& dialog,
                           platform::DialogHandler& handler) {
   HeadlessDialog window(dialog, handler, m_threads);

@@ -34,7 +34,8 @@ Descriptor MakeSocket() {
   return Descriptor(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
 }
 
-/// Sixteen digits, different for different folders.
+/// Sixteen digits, different for different folders (FNV-1a). A path itself would be too long for
+/// the name of a socket.
 std::string DigitsOf(std::string_view text) {
   std::uint64_t hash = 0xCBF29CE484222325U;
   for (const char byte : text) {

@@ -21,7 +21,7 @@ class Doorbell {
   /// knows to be the only one may call this. Returns false if the bell cannot be hung.
   [[nodiscard]] bool Hang(const std::string& path);
 
-  /// The descriptor that poll reports as readable after somebody rang.
+  /// Returns the descriptor that poll reports as readable after somebody rang.
   [[nodiscard]] int GetDescriptor() const { return m_socket.Get(); }
 
   /// Returns the first message that was not answered yet. Returns nothing if nobody rang.

@@ -25,6 +25,11 @@ struct CloseFolder {
   void operator()(DIR* folder) const { ::closedir(folder); }
 };
 
+// The device knows no letter case in names, and the host does. So each part of a device path is
+// looked up in its folder: first as it is spelled, which is one call of the system, and only then
+// among all names of the folder. A part that does not exist keeps the spelling that was asked for,
+// so that it can be made.
+
 /// The spelling of `name` that exists in `folder`, an exact one first; kNotFound if none does.
 Result<std::string, FileError> FindSpelling(const std::string& folder, std::u16string_view name) {
   std::string exact = text::ToHostName(name);

@@ -10,7 +10,7 @@
 
 namespace posix {
 
-/// The names in `folder` in the order in which the system gives them, without "." and "..".
+/// Returns the names in `folder` in the order in which the system gives them, without "." and "..".
 [[nodiscard]] platform::Result<std::vector<std::string>, platform::FileError> ListFolder(
     const std::string& folder);
 
@@ -33,27 +33,28 @@ struct HostPlace {
 /// not anything is there. Fails if they lead in a circle.
 [[nodiscard]] platform::Result<std::string, platform::FileError> FollowLinks(std::string path);
 
-/// The folder that holds the entry `path`, with the "/" at its end.
+/// Returns the folder that holds the entry `path`, with the "/" at its end.
 [[nodiscard]] std::string FolderOf(const std::string& path);
 
 /// Rights of a new file, which belongs to its user alone.
 inline constexpr mode_t kOwnerFile = S_IRUSR | S_IWUSR;
 
-/// Whether its user took away every right to write. The rights of the process do not matter, for to
-/// an administrator every file is writable.
+/// Returns whether its user took away every right to write. The rights of the process do not
+/// matter, since an administrator may write to every file.
 [[nodiscard]] bool IsProtected(const struct stat& status);
 
 /// Gives an open file these rights. Succeeds as well on a file system that keeps none, and for the
 /// file of another user, who alone can change them.
 [[nodiscard]] platform::Result<void, platform::FileError> SetRights(int descriptor, mode_t rights);
 
-/// Whether both are the same file, under whatever names.
+/// Returns whether both are the same file, under whatever names.
 [[nodiscard]] bool IsSameFile(const struct stat& a, const struct stat& b);
 
 /// Makes a folder of this user alone. Returns when its name is on the medium.
 [[nodiscard]] platform::Result<void, platform::FileError> MakeFolder(const std::string& path);
 
-/// Likewise with every missing folder on its way. One that is there is left as it is.
+/// Makes a folder in the same way, with every missing folder on its way. One that is there is left
+/// as it is.
 [[nodiscard]] platform::Result<void, platform::FileError> MakeFolders(const std::string& path);
 
 /// Returns when the entries of `folder` are on the medium.

@@ -1,4 +1,11 @@
 // How a file is opened: by which name, with which rights and under which lock.
+//
+// The system has no share modes. A holder is known by an advisory lock (flock) on the open file,
+// and that cannot be taken in the step that opens it. So each opening is an attempt in five steps:
+// look at the name, open it, check that it is still what was seen, lock it, and check that the name
+// still leads to the locked file. If another process swapped the file in between, the attempt is
+// made again. Only then is a file emptied, or are its rights changed: nobody else is in the middle
+// of it.
 
 #include "backends/posix/posix_file.h"
 

@@ -59,6 +59,9 @@ class SizeSignalHeld {
 
 }  // namespace
 
+// The position is kept here and not by the system: pread and pwrite leave the descriptor's own
+// offset alone. So a gap after the end, or a position after the end of a cut file, needs no care.
+
 PosixFile::PosixFile(LockedFile file, FileAccess access)
     : m_descriptor(std::move(file.descriptor)),
       m_access(access),

@@ -26,7 +26,8 @@ using platform::ThreadError;
 using platform::ThreadStart;
 using platform::WaitResult;
 
-/// A state that threads wait for. Once it is open it lets all pass until it is shut.
+/// A state that threads wait for: the start and the end of a thread, or an event. Once it is open
+/// it lets all pass until it is shut.
 class Gate {
  public:
   void Open() {
@@ -63,6 +64,8 @@ class Gate {
   std::uint64_t m_openings = 0;
 };
 
+/// A thread begins at a gate, so that it can be made without running. A handle that is given up
+/// before opens the gate as well, and the thread ends without having run its body.
 class PosixThread final : public platform::Thread {
  public:
   PosixThread(std::function<void()> body, ThreadStart start) : m_state(std::make_shared<State>()) {
@@ -134,6 +137,8 @@ constexpr std::uint64_t kNanosecondsPerSecond = 1'000'000'000;
 
 constexpr int kOwnerOnly = 0600;
 
+/// A lock on a file, held as long as the descriptor is open. The system takes it away from a
+/// process that ends in any way, so no mutex outlives its holder.
 class FileMutex final : public platform::NamedMutex {
  public:
   explicit FileMutex(Descriptor file) : m_file(std::move(file)) {}

@@ -100,12 +100,18 @@ std::filesystem::path FindLink(const std::filesystem::path& database) {
   return {};
 }
 
+// There are three ways to open a store. To change it, the library makes what is missing. Alone, the
+// index of the log is kept in memory, since a full disk has no room for it. To read it, nothing may
+// be made: if the index cannot be made, the database is read as a file that nobody changes, but
+// only if no log lies next to it, since the log may hold changes that the database does not have
+// yet.
 OpenedConnection Connection::Open(const Settings& settings) {
   // The library follows a link at the database itself, and makes its files next to the target.
   if (!FindLink(settings.database).empty()) {
     return Failure(RegistryError::kLink);
   }
-  // Two processes that make the store at the same time can meet where the library does not wait.
+  // Two processes that make the store at the same time can meet at a point at which the library
+  // does not wait.
   const auto deadline = std::chrono::steady_clock::now() + settings.busyLimit;
   while (true) {
     OpenedConnection opened =

@@ -49,7 +49,7 @@ class Connection {
   /// so is what a link leads to (kLink).
   [[nodiscard]] static OpenedConnection Open(const Settings& settings);
 
-  /// Whether this stands for a database that is missing or empty.
+  /// Returns whether this stands for a database that is missing or empty.
   [[nodiscard]] bool IsStandIn() const { return m_isStandIn; }
 
   [[nodiscard]] const Store& GetStore() const { return m_store; }

@@ -10,9 +10,9 @@
 
 namespace sqlite {
 
-/// The part of a registry's contract that concerns threads and groups. Lets calls in one at a time,
-/// keeps other threads out while one has a group open, and remembers what doomed that group. It
-/// knows no database: the registry of the tests, in memory, uses it as well.
+/// The part of a registry's contract that concerns threads and groups. It lets calls in one at a
+/// time, keeps other threads out while one has a group open, and remembers what doomed that group.
+/// It knows no database: the tests' registry in memory uses it too, so both keep one contract.
 class RegistryGate {
  public:
   /// A thread waits for `limit` at most until another thread's group ends.

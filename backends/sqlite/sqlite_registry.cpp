@@ -13,6 +13,8 @@ using platform::RegistryType;
 using platform::RegistryValue;
 using platform::Result;
 
+/// A key by its number. It remembers the places of its two enumerations, and the group within which
+/// it was opened: if that group is undone, a key that it made is gone.
 class SqliteRegistry::Key final : public platform::RegistryKey {
  public:
   Key(SqliteRegistry& registry, std::int64_t key, std::shared_ptr<const Group> group)
@@ -148,6 +150,10 @@ void SqliteRegistry::CancelGroup() {
   EndGroup(true);
 }
 
+// Every call runs through here. It is let in alone, refused in a doomed group, and connected. Then
+// two failures get a second try, since a full disk must not keep a user from deleting what fills
+// it. A store that was opened for reading for want of room is opened for changes. A change without
+// room is made again with the database alone, which takes the least room.
 template <typename Call>
 auto SqliteRegistry::Perform(const Call& call) -> std::invoke_result_t<Call, const Store&> {
   const auto pass = m_gate.Enter();
@@ -204,8 +210,8 @@ Result<void, RegistryError> SqliteRegistry::Connect() {
   if (!m_lacksRoom || !Open(Access::kRead)) {
     return opened;
   }
-  // What is there can be read, so that what takes room can be deleted. A store that could not be
-  // made is made by a later call.
+  // The store can be read, so that what takes room can be found and deleted. A store that could not
+  // be made is made by a later call.
   if (m_connection->IsStandIn()) {
     m_connection.reset();
     return opened;

@@ -15,6 +15,7 @@ using platform::Result;
 Result<void, RegistryError> Store::Prepare(sqlite3* database, std::uint32_t number) {
   constexpr unsigned kBitsOfNumber = 32;
   m_database = database;
+  // No place of an earlier connection is good for this one.
   m_losses = std::uint64_t{number} << kBitsOfNumber;
   const struct {
     Statement& statement;
@@ -135,6 +136,11 @@ Result<void, RegistryError> Store::RunDeletion(Run& run) const {
   return {};
 }
 
+// An enumeration asks for index 0, 1, 2, ... Counting rows up to each index would cost the square
+// of their number. So the place of the last item is remembered, and the next one is the first row
+// with a higher id. The place is good as long as nothing has moved: no other connection has written
+// (the database's data_version), and this one has neither deleted nor undone anything (m_losses).
+// In any other case the item is found by its index, as if nobody had asked before.
 Store::Name Store::NameAt(const Enumeration& items, std::int64_t key, std::uint32_t index,
                           Position& position) const {
   if (Name found = NameFrom(items, key, index, position); !found || *found) {
@@ -150,6 +156,7 @@ Store::Name Store::NameAt(const Enumeration& items, std::int64_t key, std::uint3
   if (result != SQLITE_DONE) {
     return Failure(ToRegistryError(result));
   }
+  // There is no such item, or the key itself has gone: these are different answers.
   Run exists(m_keyExists);
   const int existence = exists.Integer(key).Step();
   if (existence == SQLITE_ROW) {

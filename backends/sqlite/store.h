@@ -11,8 +11,8 @@
 
 namespace sqlite {
 
-/// Where an enumeration by rising index stands, so that the next item is found from the last one
-/// and not counted from the first. Good for nothing else than to be given back.
+/// The place that an enumeration by rising index has reached. With it the next item is found from
+/// the last one and not counted from the first. It is only good to be given back.
 struct Position {
   bool isKnown = false;
   std::uint32_t index = 0;
@@ -74,7 +74,8 @@ class Store {
   /// Returns no name if the item has to be found by its index.
   [[nodiscard]] Name NameFrom(const Enumeration& items, std::int64_t key, std::uint32_t index,
                               Position& position) const;
-  /// Of the state of the database that a statement reads which has not ended.
+  /// Returns the version of the state that a statement reads which has not ended. Returns nothing
+  /// if it cannot be read: then the place of an item is not remembered.
   [[nodiscard]] std::optional<std::int64_t> ReadVersion() const;
 
   sqlite3* m_database = nullptr;
