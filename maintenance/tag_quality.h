@@ -7,7 +7,7 @@
 
 #include "platform/platform.h"
 #include "platform/result.h"
-#include "storage/tag_entry.h"
+#include "storage/tag_record.h"
 #include "voicemath/recording_review.h"
 #include "voicemath/take_quality.h"
 
