@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "tests/connection/connection_fixture.h"
-#include "tests/support/watched_registry.h"
 #include "tests/support/results.h"
+#include "tests/support/watched_registry.h"
 
 namespace {
 

@@ -15,8 +15,8 @@
 #include "platform/file_system.h"
 #include "platform/ui.h"
 #include "platform/wave_devices.h"
-#include "tests/support/watched_file_system.h"
 #include "tests/support/watched_clock.h"
+#include "tests/support/watched_file_system.h"
 
 // Each forwards every call to a back end, and calls its listener first.
 
