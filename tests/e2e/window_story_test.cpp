@@ -76,8 +76,8 @@ TEST_F(WindowStory, TheConnectionSettingsHaveASheetOfTheirOwnWhoseOkStoresThem) 
   m_sheet = m_screen->AwaitWindow("Property");
   ASSERT_FALSE(m_sheet.id.empty()) << ReadText(Log());
   Shoot("connection");
-  // OK stands in the lower right corner.
-  m_screen->Click(m_sheet.left + m_sheet.width - 50, m_sheet.top + m_sheet.height - 25);
+  // OK stands in the lower right corner, to the left of Cancel.
+  m_screen->Click(m_sheet.left + m_sheet.width - 142, m_sheet.top + m_sheet.height - 25);
   ASSERT_TRUE(Await(std::chrono::seconds(30), [this] { return m_panel->HasEnded(); }));
   EXPECT_THAT(ReadText(Log()), testing::HasSubstr("{\"result\":0}\n"));
   const auto stored = support::RunProgram(
