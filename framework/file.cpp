@@ -28,6 +28,7 @@ std::invoke_result_t<Operation, File&> CFile::Do(Operation operation) {
 
 CFile::Done CFile::Open(std::u16string_view path, unsigned flags) {
   Close();
+  m_error.reset();
   platform::OpenMode mode{FileAccess::kRead, FileShare::kRead, FileCreation::kOpenExisting};
   if ((flags & (modeWrite | modeReadWrite)) != 0) {
     mode.access = (flags & modeReadWrite) != 0 ? FileAccess::kReadWrite : FileAccess::kWrite;

@@ -49,8 +49,8 @@ class CFile {
   [[nodiscard]] Done SetLength(std::uint64_t length);
   [[nodiscard]] Done Flush();
 
-  /// Returns why the last operation that failed did so. Returns nothing if none has failed. For
-  /// callers that leave the reading and writing to an archive.
+  /// Returns why the last operation since Open, Open too, that failed did so. Returns nothing if
+  /// none has failed. For callers that leave the reading and writing to others.
   [[nodiscard]] std::optional<platform::FileError> GetError() const { return m_error; }
 
   /// Closes the file. It is closed afterwards in any case; after a failure writes may be lost.

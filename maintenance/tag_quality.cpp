@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "platform/file_system.h"
 #include "storage/device_paths.h"
 #include "voicemath/template_file.h"
 #include "voicemath/voice_mathematics.h"
@@ -24,10 +25,11 @@ class TagJudge {
         m_mathematics(std::make_unique<CVoiceMathematics>(platform.files, platform.ui)) {
     for (std::size_t i = 0; i < m_tags.size(); ++i) {
       m_mathematics->m_loadSlot = static_cast<std::int32_t>(i);
-      m_hasTemplate.push_back(voicemath::ReadTemplateFile(m_platform.files,
-                                                          storage::TemplatePath(m_tags[i].name),
-                                                          *m_mathematics)
-                                  .has_value());
+      const std::u16string path = storage::TemplatePath(m_tags[i].name);
+      const auto read = voicemath::ReadTemplateFile(m_platform.files, path, *m_mathematics);
+      m_templates.push_back(read                                       ? TemplateState::kRead
+                            : IsThere(path) && !IsDamage(read.error()) ? TemplateState::kUnread
+                                                                       : TemplateState::kNone);
     }
   }
 
@@ -35,6 +37,8 @@ class TagJudge {
     m_mathematics->m_wavePath = storage::WavePath(tag.name);
     TagQuality quality{.take = voicemath::JudgeRecording(*m_mathematics),
                        .tooAlike = FindTooAlike(index)};
+    quality.hasUnreadFile = quality.take == platform::Failure(voicemath::ReviewError::kNotRead) ||
+                            (index < m_tags.size() && m_templates[index] == TemplateState::kUnread);
     if (quality.take && !quality.tooAlike.empty()) {
       quality.take->Add(voicemath::Verdict::kTooAlike);
     }
@@ -42,11 +46,27 @@ class TagJudge {
   }
 
  private:
+  enum class TemplateState : std::uint8_t {
+    kRead,
+    kNone,    ///< There is none, or a damaged one.
+    kUnread,  ///< There is one, and it cannot be opened or read.
+  };
+
+  [[nodiscard]] static bool IsDamage(voicemath::TemplateFileError error) {
+    return error == voicemath::TemplateFileError::kTorn ||
+           error == voicemath::TemplateFileError::kBadFormat;
+  }
+
+  [[nodiscard]] bool IsThere(std::u16string_view path) const {
+    return m_platform.files.Find(path) != platform::Failure(platform::FileError::kNotFound);
+  }
+
   [[nodiscard]] bool AreCompared(std::size_t i, std::size_t j) const {
     const storage::TagEntry& a = m_tags[i].entry;
     const storage::TagEntry& b = m_tags[j].entry;
     const bool isSameNumber = a.oid && a.oid == b.oid && a.phoneType == b.phoneType;
-    return i != j && m_hasTemplate[i] && m_hasTemplate[j] && !isSameNumber;
+    return i != j && m_templates[i] == TemplateState::kRead &&
+           m_templates[j] == TemplateState::kRead && !isSameNumber;
   }
 
   [[nodiscard]] std::vector<AlikeTag> FindTooAlike(std::size_t index) const {
@@ -71,7 +91,7 @@ class TagJudge {
   const platform::Platform m_platform;
   const std::span<const JudgedTag> m_tags;
   const std::unique_ptr<CVoiceMathematics> m_mathematics;  ///< Too large for the stack.
-  std::vector<bool> m_hasTemplate;
+  std::vector<TemplateState> m_templates;
 };
 
 }  // namespace

@@ -31,6 +31,9 @@ struct TagQuality {
   /// that.
   platform::Result<voicemath::TakeQuality, voicemath::ReviewError> take;
   std::vector<AlikeTag> tooAlike;  ///< The most alike first.
+  /// Whether a file of the tag is there and could not be opened or read. Then this judgement, and
+  /// the likeness of others to this tag, may say too little.
+  bool hasUnreadFile = false;
 
   /// Returns whether there is anything to warn of.
   [[nodiscard]] bool HasVerdicts() const { return take && !take->verdicts.empty(); }

@@ -83,15 +83,23 @@ Result<RecordingReview, ReviewError> ReviewRecording(CVoiceMathematics& mathemat
 }
 
 Result<TakeQuality, ReviewError> JudgeRecording(CVoiceMathematics& mathematics) {
-  if (!mathematics.m_file.Open(mathematics.m_wavePath, framework::CFile::modeRead)) {
-    return Failure(ReviewError::kNotOpened);
+  const auto opened = mathematics.m_file.Open(mathematics.m_wavePath, framework::CFile::modeRead);
+  if (!opened) {
+    return Failure(opened == Failure(FileError::kNotFound) ? ReviewError::kNotOpened
+                                                           : ReviewError::kNotRead);
   }
   const int code = mathematics.OpenWaveData();
+  const bool isRead = !mathematics.m_file.GetError();
   mathematics.m_file.Close();
+  if (!isRead) {
+    return Failure(ReviewError::kNotRead);  // The code would blame the header.
+  }
   if (code == kHeaderAccepted) {
-    return ReviewRecording(mathematics, false).map([](const RecordingReview& review) {
-      return review.quality;
-    });
+    const auto review = ReviewRecording(mathematics, false);
+    if (!review) {
+      return Failure(ReviewError::kNotRead);
+    }
+    return review->quality;
   }
   return WithoutSamples(code == kTooShort || code == kNoData ? Verdict::kInterrupted
                                                              : Verdict::kRate);

@@ -15,6 +15,7 @@
 #include "host/cli/contacts_commands.h"
 #include "host/cli/output.h"
 #include "host/cli/quality_output.h"
+#include "host/cli/tag_reading.h"
 #include "maintenance/store_check.h"
 #include "storage/deletion.h"
 #include "storage/folders.h"
@@ -85,12 +86,15 @@ std::string ReadListText(const platform::Platform& platform, const std::u16strin
 }
 
 /// Judges the tags whose recordings the check found nothing wrong with. `contacts` is null if they
-/// are away.
-std::vector<Advice> FindAdvice(const platform::Platform& platform,
+/// are away. Reports a tag that the check could read and that cannot be read now.
+std::vector<Advice> FindAdvice(Session& session, const platform::Platform& platform,
                                platform::ContactsStore* contacts,
                                const std::vector<CheckedFinding>& findings) {
   const auto tags = tags::ReadTags(storage::TagStore(platform.files, platform.registry), contacts);
   if (!tags) {
+    if (findings.empty()) {
+      session.Fail(Describe(StoreProblem::kRegistryUnreadable));
+    }
     return {};
   }
   const std::vector<maintenance::JudgedTag> judged = ToJudged(*tags);
@@ -102,6 +106,15 @@ std::vector<Advice> FindAdvice(const platform::Platform& platform,
       return checked.finding.tag == (*tags)[i].name && (problem == StoreProblem::kRecordingEmpty ||
                                                         problem == StoreProblem::kRecordingSilent);
     });
+    const bool isFound = std::ranges::any_of(findings, [&](const CheckedFinding& checked) {
+      return checked.finding.tag == (*tags)[i].name;
+    });
+    if (!isFound) {
+      ReportProblem(session, (*tags)[i]);
+    }
+    if (!isFound && qualities[i].hasUnreadFile) {
+      ReportUnjudged(session, (*tags)[i]);
+    }
     if (!isFault && qualities[i].HasVerdicts()) {
       advice.push_back(
           {(*tags)[i], QualityToJson(qualities[i], judged), DescribeAll(qualities[i], *tags)});
@@ -136,7 +149,8 @@ CheckedStore FindProblems(Session& session, const platform::Platform& platform) 
     checked.findings.push_back({finding, std::move(description), std::move(listText), false, ""});
   }
   if (hasTags) {
-    checked.advice = FindAdvice(platform, isOpen ? &platform.contacts : nullptr, checked.findings);
+    checked.advice =
+        FindAdvice(session, platform, isOpen ? &platform.contacts : nullptr, checked.findings);
   }
   platform.contacts.Logoff();
   return checked;

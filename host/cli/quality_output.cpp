@@ -26,6 +26,12 @@ std::vector<maintenance::JudgedTag> ToJudged(std::span<const tags::ListedTag> ta
   return judged;
 }
 
+void ReportUnjudged(Session& session, const tags::ListedTag& tag) {
+  session.Fail(fmt::format(
+      "voice tag {} cannot be judged, since its recording or its template cannot be read",
+      text::ToUtf8(tag.name)));
+}
+
 Json QualityToJson(const platform::Result<TakeQuality, voicemath::ReviewError>& take) {
   if (!take) {
     return nullptr;
@@ -86,6 +92,9 @@ std::string DescribeVerdict(Verdict verdict, const TakeQuality& quality) {
 std::vector<std::string> DescribeAll(const maintenance::TagQuality& quality,
                                      std::span<const tags::ListedTag> tags) {
   std::vector<std::string> sentences;
+  if (quality.hasUnreadFile) {
+    sentences.emplace_back("it cannot be judged, since a file of the tag cannot be read");
+  }
   if (!quality.take) {
     return sentences;
   }

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "host/cli/output.h"
+#include "host/cli/session.h"
 #include "maintenance/tag_quality.h"
 #include "tags/tag_reader.h"
 
@@ -19,6 +20,9 @@ namespace cli {
 InterruptedTake() {
   return voicemath::WithoutSamples(voicemath::Verdict::kInterrupted);
 }
+
+/// Reports that a file of the tag is there and cannot be read.
+void ReportUnjudged(Session& session, const tags::ListedTag& tag);
 
 /// Returns {"verdicts","peakDb","snrDb","tooAlike"} of a recording by itself, or null if it could
 /// not be read. A number that is not known is null.

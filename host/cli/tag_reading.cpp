@@ -33,7 +33,8 @@ platform::Result<std::vector<tags::ListedTag>, platform::RegistryError> ReadAtOn
   return tags;
 }
 
-/// Reports what is wrong with one tag. The list has it all the same.
+}  // namespace
+
 void ReportProblem(Session& session, const tags::ListedTag& tag) {
   const std::string name = text::ToUtf8(tag.name);
   if (tag.error) {
@@ -46,8 +47,6 @@ void ReportProblem(Session& session, const tags::ListedTag& tag) {
         fmt::format("the name {} is too long for a tag; the list of the window ends there", name));
   }
 }
-
-}  // namespace
 
 void WarnOfContacts(Session& session) {
   PrintErrorLine("voxtrel: the tags are used without their contacts: " +

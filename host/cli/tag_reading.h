@@ -26,4 +26,8 @@ namespace cli {
 /// Says on standard error that the contacts cannot be read and why, when that hinders nothing.
 void WarnOfContacts(Session& session);
 
+/// Reports why one tag, or its contact, cannot be read. Reports nothing if both were. The list has
+/// the tag all the same.
+void ReportProblem(Session& session, const tags::ListedTag& tag);
+
 }  // namespace cli

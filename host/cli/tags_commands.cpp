@@ -69,6 +69,9 @@ void ListTags(Session& session) {
     for (std::size_t i = 0; i < tags->size(); ++i) {
       list.push_back(ToJson(session, (*tags)[i]));
       list.back()["quality"] = QualityToJson(qualities[i], judged);
+      if (qualities[i].hasUnreadFile) {
+        ReportUnjudged(session, (*tags)[i]);
+      }
     }
     session.SetJson(list);
     return;

@@ -87,6 +87,7 @@ TEST_F(CFileTest, SaysWhyTheLastOperationThatFailedDidSo) {
   EXPECT_EQ(ErrorOf(m_file.Open(u"/a", CFile::modeRead)), platform::FileError::kNotFound);
   EXPECT_EQ(m_file.GetError(), platform::FileError::kNotFound);
   ASSERT_TRUE(m_file.Open(u"/a", CFile::modeCreate | CFile::modeWrite));
+  EXPECT_EQ(m_file.GetError(), std::nullopt) << "That of another file does not count.";
   m_files.SetCapacity(2);
   EXPECT_FALSE(m_file.Write(Bytes({1, 2, 3})));
   EXPECT_TRUE(m_file.Flush());

@@ -2,8 +2,12 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <cstddef>
+
 #include "tests/maintenance/session_fixture.h"
 #include "tests/support/results.h"
+#include "tests/support/watched_file_system.h"
 #include "voicemath/template_file.h"
 
 namespace {
@@ -95,6 +99,39 @@ TEST_F(TagQualityTest, ATemplateThatIsTornIsLikeNoOther) {
   ASSERT_TRUE(m_machine.files.PutFile(storage::TemplatePath(u"100"), support::Bytes(20)));
   EXPECT_FALSE(Judge()[0].HasVerdicts());
   EXPECT_FALSE(Judge()[1].HasVerdicts());
+}
+
+/// A list that says less than it could must not look like a whole one.
+TEST_F(TagQualityTest, AFileThatIsThereAndCannotBeReadIsNamedAndNothingElseIsMadeUp) {
+  Learn(u"100", 1, 17);
+  Learn(u"200", 1, 18);
+  const auto whole = Judge();
+  support::WatchedFileSystem failing(m_machine.files);
+  const auto platform = m_machine.GetWith(failing, m_machine.registry);
+  for (const auto kind : {support::Failing::kOnce, support::Failing::kFromThenOn}) {
+    bool hasFailed = true;
+    for (std::size_t call = 1; hasFailed; ++call) {
+      failing.FailCall(call, kind);
+      const auto qualities = maintenance::JudgeTags(platform, m_tags);
+      hasFailed = failing.HasFailed();
+      ASSERT_EQ(qualities.size(), 2U);
+      const bool isWhole = VerdictsOf(qualities[0]) == VerdictsOf(whole[0]) &&
+                           VerdictsOf(qualities[1]) == VerdictsOf(whole[1]);
+      const auto unread = std::ranges::count(qualities, true, &TagQuality::hasUnreadFile);
+      EXPECT_TRUE(isWhole || unread > 0) << call;
+      EXPECT_LE(unread, kind == support::Failing::kOnce ? 1 : 2) << call;
+      ASSERT_LT(call, 10000U);
+    }
+  }
+}
+
+TEST_F(TagQualityTest, WhatIsMissingOrDamagedIsNotUnread) {
+  Learn(u"100", 1, 17);
+  Learn(u"200", 1, 18);
+  ASSERT_TRUE(m_machine.files.Delete(storage::WavePath(u"100")));
+  ASSERT_TRUE(m_machine.files.Delete(storage::TemplatePath(u"100")));
+  ASSERT_TRUE(m_machine.files.PutFile(storage::TemplatePath(u"200"), support::Bytes(20)));
+  EXPECT_EQ(std::ranges::count(Judge(), true, &TagQuality::hasUnreadFile), 0);
 }
 
 TEST_F(TagQualityTest, OneTagIsJudgedAsAmongAll) {

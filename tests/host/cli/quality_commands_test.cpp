@@ -95,6 +95,16 @@ TEST_F(QualityCommands, ATagWithoutARecordingIsNotJudged) {
   EXPECT_TRUE(List()[2]["quality"].is_null());
 }
 
+TEST_F(QualityCommands, ATemplateThatCannotBeReadIsReportedAndTheListIsWhole) {
+  PutThreeTags();
+  fs::remove(Template("100"));
+  fs::create_directory(Template("100"));
+  const auto run = Run({"--json", "tags", "list"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.err, HasSubstr("voice tag 100 cannot be judged"));
+  EXPECT_THAT(json::parse(run.out, nullptr, false), SizeIs(3));
+}
+
 TEST_F(QualityCommands, CheckGivesAdviceAndNoFault) {
   PutThreeTags();
   const json result = RunJson({"check"}, 0);
