@@ -45,8 +45,8 @@ enum class ReviewError : std::uint8_t {
 
 /// Judges the recording `mathematics.m_wavePath`, also one that LearnFile would refuse: a wave file
 /// that is shorter than it says was interrupted, and any other file has the wrong form. Of such a
-/// file there is neither peak nor distance from the room (NaN). Fails with kNotOpened if there is no
-/// such file, and with kNotRead if there is one that cannot be opened or read.
+/// file there is neither peak nor distance from the room (NaN). Fails with kNotOpened if there is
+/// no such file, and with kNotRead if there is one that cannot be opened or read.
 [[nodiscard]] platform::Result<TakeQuality, ReviewError> JudgeRecording(
     CVoiceMathematics& mathematics);
 

@@ -113,8 +113,10 @@ std::string ExplainNoTag(const Session& session, const tags::Page_one& page) {
 
 /// Says what is wrong with a tag that has just been learned, and prints it as `tags list` does.
 void PrintLearned(Session& session, PageRun& run, std::int32_t index) {
+  const std::int32_t count = run.dialog.GetItemCount(kTagListId);
   std::vector<tags::ListedTag> tags;
-  for (std::int32_t i = 0; i < run.dialog.GetItemCount(kTagListId); ++i) {
+  tags.reserve(static_cast<std::size_t>(count));
+  for (std::int32_t i = 0; i < count; ++i) {
     tags.push_back(ReadTagOfLine(session, run, i));
   }
   const std::vector<maintenance::JudgedTag> judged = ToJudged(tags);

@@ -119,7 +119,7 @@ class HelpFormatter final : public CLI::Formatter {
   }
 
   std::string make_footer(const CLI::App* app) const override {
-    const std::string footer = CLI::Formatter::make_footer(app);
+    std::string footer = CLI::Formatter::make_footer(app);
     if (app->get_parent() == nullptr) {
       return footer;
     }
