@@ -11,17 +11,17 @@ namespace home {
 
 /// A voice tag as the window shows it.
 struct Tag {
-  std::u16string name;     ///< In the store. No two tags have the same.
-  std::u16string contact;  ///< The tag's own name if it is not known whose tag it is.
-  std::u16string number;   ///< Empty if it is not known.
-  std::u16string kind;     ///< The word of the number's kind, such as "Mobile".
+  std::u16string name;                   ///< In the store. No two tags have the same.
+  std::u16string contact;                ///< The tag's own name if it is not known whose tag it is.
+  std::u16string number;                 ///< Empty if it is not known.
+  std::u16string kind;                   ///< The word of the number's kind, such as "Mobile".
   std::optional<std::int64_t> taughtAt;  ///< When its recording was written: Unix time in seconds.
   std::optional<double> seconds;         ///< Length of its recording.
   maintenance::TagQuality quality;       ///< Its indices are those of Shelf::tags.
   /// The most alike tag of another number, by the distance of the Test dialog.
   std::optional<maintenance::AlikeTag> nearest;
-  bool isStale = false;   ///< Its contact does not exist any more.
-  std::u16string problem; ///< A sentence if the tag or its contact cannot be read. Else empty.
+  bool isStale = false;    ///< Its contact does not exist any more.
+  std::u16string problem;  ///< A sentence if the tag or its contact cannot be read. Else empty.
 };
 
 struct Number {
@@ -42,7 +42,7 @@ struct Shelf {
   std::vector<Tag> tags;  ///< In the order of the store.
   std::vector<Person> people;
   std::u16string peopleProblem;  ///< A sentence if the contacts cannot be read. Else empty.
-  std::u16string tagsProblem;    ///< A sentence if it is not known which tags there are. Else empty.
+  std::u16string tagsProblem;  ///< A sentence if it is not known which tags there are. Else empty.
 };
 
 }  // namespace home

@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "host/home/shelf.h"
-#include "host/machine/backends.h"
 
 namespace home {
 
@@ -26,13 +25,10 @@ struct Outcome {
   std::u16string message;  ///< A sentence to show: why it was not done, or what the user must know.
 };
 
-/// Does what the window asks for, one thing after another, on a thread of its own. Everything that
-/// changes the store is done by the Learning page, which nobody sees, as the command line does it:
-/// the page is open, and has its mutex, only meanwhile. Its confirmations are agreed to, since the
-/// window has asked or offers an Undo.
+/// Does what the window asks for, one thing after another, and never on the thread that asks.
 ///
-/// Used by the thread that runs the event loop. That thread calls each answer, once, and not after
-/// the destructor.
+/// Used by the thread that runs the event loop. That thread calls each answer, once, and not before
+/// the method has returned, nor after the destructor.
 class Work {
  public:
   using Answer = std::function<void(const Outcome& outcome)>;
@@ -43,28 +39,23 @@ class Work {
   using TaughtAnswer = std::function<void(const Outcome& outcome, const std::u16string& tag,
                                           const std::vector<std::u16string>& trashed)>;
 
-  /// `options` outlive this.
-  explicit Work(const machine::Options& options);
+  Work() = default;
   Work(const Work&) = delete;
   Work& operator=(const Work&) = delete;
-  /// Waits for what is being done, and drops what waits.
-  ~Work();
+  virtual ~Work() = default;
 
   /// Calls `show` with what the store holds, after each Load and after each change.
-  void OnLoaded(std::function<void(std::shared_ptr<const Shelf> shelf)> show);
-  void Load();
+  virtual void OnLoaded(std::function<void(std::shared_ptr<const Shelf> shelf)> show) = 0;
+  virtual void Load() = 0;
 
-  /// Plays the recording of a tag. What is playing ends. Changes nothing.
-  void Play(const std::u16string& tag, Answer answer);
-  void StopPlaying();
+  /// Plays the recording of a tag, and answers when it has been heard or was stopped. What is
+  /// playing ends. Changes nothing.
+  virtual void Play(const std::u16string& tag, Answer answer) = 0;
+  virtual void StopPlaying() = 0;
 
-  void Delete(const std::vector<std::u16string>& tags, DeletedAnswer answer);
-  void Restore(const std::vector<std::u16string>& trashed, Answer answer);
-  void Teach(const Lesson& lesson, TaughtAnswer answer);
-
- private:
-  class Thread;
-  std::unique_ptr<Thread> m_thread;
+  virtual void Delete(const std::vector<std::u16string>& tags, DeletedAnswer answer) = 0;
+  virtual void Restore(const std::vector<std::u16string>& trashed, Answer answer) = 0;
+  virtual void Teach(const Lesson& lesson, TaughtAnswer answer) = 0;
 };
 
 }  // namespace home
