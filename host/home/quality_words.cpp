@@ -1,0 +1,102 @@
+#include "host/home/quality_words.h"
+
+#include <QLocale>
+
+#include "host/home/say.h"
+#include "resources/quality_strings.h"
+
+namespace home {
+namespace {
+
+using voicemath::Verdict;
+
+QString ToDecibels(double value) { return QLocale().toString(value, 'f', 1); }
+
+}  // namespace
+
+QString NameVerdict(Verdict verdict) {
+  switch (verdict) {
+    case Verdict::kInterrupted:
+      return Say(resources::kQualityInterrupted);
+    case Verdict::kRate:
+      return Say(resources::kQualityRate);
+    case Verdict::kSilent:
+      return Say(resources::kQualitySilent);
+    case Verdict::kNoSpeech:
+      return Say(resources::kQualityNoSpeech);
+    case Verdict::kCutStart:
+      return Say(resources::kQualityCutStart);
+    case Verdict::kCutEnd:
+      return Say(resources::kQualityCutEnd);
+    case Verdict::kShort:
+      return Say(resources::kQualityShort);
+    case Verdict::kClipped:
+      return Say(resources::kQualityClipped);
+    case Verdict::kSoft:
+      return Say(resources::kQualitySoft);
+    case Verdict::kNoisy:
+      return Say(resources::kQualityNoisy);
+    default:
+      return Say(resources::kQualityTooAlike);
+  }
+}
+
+QString DescribeVerdict(Verdict verdict, const voicemath::TakeQuality& quality) {
+  switch (verdict) {
+    case Verdict::kInterrupted:
+      return Say(resources::kTakeIsInterrupted);
+    case Verdict::kRate:
+      return Say(resources::kTakeHasWrongRate);
+    case Verdict::kSilent:
+      return Say(resources::kTakeIsSilent);
+    case Verdict::kNoSpeech:
+      return Say(resources::kTakeHasNoSpeech);
+    case Verdict::kCutStart:
+      return Say(resources::kTakeStartIsCut);
+    case Verdict::kCutEnd:
+      return Say(resources::kTakeEndIsCut);
+    case Verdict::kShort:
+      return Say(resources::kTakeIsShort);
+    case Verdict::kClipped:
+      return Say(resources::kTakeIsClipped);
+    case Verdict::kSoft:
+      return Say(resources::kTakeIsSoft).arg(ToDecibels(quality.peakDb));
+    case Verdict::kNoisy:
+      return quality.snrDb > 0 ? Say(resources::kTakeIsNoisy).arg(ToDecibels(quality.snrDb))
+                               : Say(resources::kTakeRoomIsLoud);
+    default:
+      return Say(resources::kTakeIsTooAlike);
+  }
+}
+
+QString NameQuality(const maintenance::TagQuality& quality) {
+  if (quality.take && !quality.take->verdicts.empty()) {
+    return NameVerdict(quality.take->verdicts.front());
+  }
+  if (!quality.tooAlike.empty()) {
+    return Say(resources::kQualityTooAlike);
+  }
+  return Say(quality.take && !quality.hasUnreadFile ? resources::kQualityGood
+                                                    : resources::kQualityUnknown);
+}
+
+QStringList DescribeQuality(const Tag& tag, const std::vector<Tag>& tags) {
+  QStringList sentences;
+  if (!tag.quality.take || tag.quality.hasUnreadFile) {
+    sentences.append(Say(resources::kTagIsNotJudged));
+  }
+  if (tag.quality.take) {
+    for (const Verdict verdict : tag.quality.take->verdicts) {
+      if (verdict != Verdict::kTooAlike) {
+        sentences.append(DescribeVerdict(verdict, *tag.quality.take));
+      }
+    }
+  }
+  for (const maintenance::AlikeTag& alike : tag.quality.tooAlike) {
+    sentences.append(
+        Say(resources::kTagIsTooAlike).arg(qt::ToQString(tags.at(alike.index).contact)));
+  }
+  return sentences.isEmpty() ? QStringList(Say(resources::kTakeIsGood)) : sentences;
+}
+
+}  // namespace home
