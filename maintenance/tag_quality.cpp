@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <cstdint>
 #include <memory>
+#include <utility>
 
 #include "platform/file_system.h"
 #include "storage/device_paths.h"
+#include "voicemath/take_template.h"
 #include "voicemath/template_file.h"
 #include "voicemath/voice_mathematics.h"
 
@@ -45,6 +47,20 @@ class TagJudge {
     return quality;
   }
 
+  [[nodiscard]] std::vector<AlikeTag> FindTooAlike(std::span<const std::int16_t> take,
+                                                   const storage::TagEntry& entry) {
+    const std::vector<float> features =
+        take.empty() ? std::vector<float>() : voicemath::ComputeLearnedTemplate(take);
+    auto values = std::make_unique<float[]>(features.size());
+    std::ranges::copy(features, values.get());
+    const auto frames = static_cast<std::uint16_t>(features.size() / voicemath::kBandCount);
+    constexpr std::size_t kScratchSlot = CVoiceMathematics::kSlotCount - 1;
+    if (frames == 0 || !m_mathematics->SetTemplate(kScratchSlot, std::move(values), frames)) {
+      return {};
+    }
+    return FindTooAlike(kScratchSlot, entry, m_tags.size() + 1);
+  }
+
  private:
   enum class TemplateState : std::uint8_t {
     kRead,
@@ -61,31 +77,41 @@ class TagJudge {
     return m_platform.files.Find(path) != platform::Failure(platform::FileError::kNotFound);
   }
 
-  [[nodiscard]] bool AreCompared(std::size_t i, std::size_t j) const {
-    const storage::TagEntry& a = m_tags[i].entry;
-    const storage::TagEntry& b = m_tags[j].entry;
-    const bool isSameNumber = a.oid && a.oid == b.oid && a.phoneType == b.phoneType;
-    return i != j && m_templates[i] == TemplateState::kRead &&
-           m_templates[j] == TemplateState::kRead && !isSameNumber;
+  /// Returns whether the tag at `index` is another one than that in slot `a`, and for another
+  /// number than that of `entry`.
+  [[nodiscard]] bool IsCompared(std::size_t index, std::int32_t a,
+                                const storage::TagEntry& entry) const {
+    const storage::TagEntry& other = m_tags[index].entry;
+    const bool isSameNumber =
+        entry.oid && entry.oid == other.oid && entry.phoneType == other.phoneType;
+    return static_cast<std::int32_t>(index) != a && m_templates[index] == TemplateState::kRead &&
+           !isSameNumber;
   }
 
-  [[nodiscard]] std::vector<AlikeTag> FindTooAlike(std::size_t index) const {
+  /// Compares the template in slot `a`, which is one of `count`, with those of the tags.
+  [[nodiscard]] std::vector<AlikeTag> FindTooAlike(std::int32_t a, const storage::TagEntry& entry,
+                                                   std::size_t count) const {
     std::vector<AlikeTag> found;
-    for (std::size_t i = 0; index < m_tags.size() && i < m_tags.size(); ++i) {
-      if (!AreCompared(index, i)) {
+    for (std::size_t i = 0; i < m_tags.size(); ++i) {
+      if (!IsCompared(i, a, entry)) {
         continue;
       }
-      const auto a = static_cast<std::int32_t>(index);
       const auto b = static_cast<std::int32_t>(i);
       // The comparison of two templates of one length depends on which comes first.
       const float distance =
           std::min(m_mathematics->CompareTemplates(a, b), m_mathematics->CompareTemplates(b, a));
-      if (voicemath::AreTooAlike(distance, static_cast<std::int32_t>(m_tags.size()))) {
+      if (voicemath::AreTooAlike(distance, static_cast<std::int32_t>(count))) {
         found.push_back({i, distance});
       }
     }
     std::ranges::stable_sort(found, {}, &AlikeTag::distance);
     return found;
+  }
+
+  [[nodiscard]] std::vector<AlikeTag> FindTooAlike(std::size_t index) const {
+    return index < m_tags.size() && m_templates[index] == TemplateState::kRead
+               ? FindTooAlike(static_cast<std::int32_t>(index), m_tags[index].entry, m_tags.size())
+               : std::vector<AlikeTag>();
   }
 
   const platform::Platform m_platform;
@@ -109,6 +135,13 @@ std::vector<TagQuality> JudgeTags(const platform::Platform& platform,
 TagQuality JudgeTag(const platform::Platform& platform, std::span<const JudgedTag> tags,
                     std::size_t index) {
   return TagJudge(platform, tags).Judge(tags[index], index);
+}
+
+std::vector<AlikeTag> FindTooAlike(const platform::Platform& platform,
+                                   std::span<const JudgedTag> tags,
+                                   std::span<const std::int16_t> take,
+                                   const storage::TagEntry& entry) {
+  return TagJudge(platform, tags).FindTooAlike(take, entry);
 }
 
 }  // namespace maintenance

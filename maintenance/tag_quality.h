@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <span>
 #include <string>
 #include <vector>
@@ -50,5 +51,13 @@ struct TagQuality {
 /// Judges only `tags[index]`, next to the others.
 [[nodiscard]] TagQuality JudgeTag(const platform::Platform& platform,
                                   std::span<const JudgedTag> tags, std::size_t index);
+
+/// Returns the tags that the dialer may take for `take`, the most alike first, if that becomes a
+/// tag of `entry` next to `tags`. `take` are the samples of a whole recording: the part that
+/// LearnFile would keep is compared. Changes nothing, and shows nothing, as JudgeTags.
+[[nodiscard]] std::vector<AlikeTag> FindTooAlike(const platform::Platform& platform,
+                                                 std::span<const JudgedTag> tags,
+                                                 std::span<const std::int16_t> take,
+                                                 const storage::TagEntry& entry);
 
 }  // namespace maintenance

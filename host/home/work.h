@@ -38,6 +38,9 @@ class Work {
   /// `tag` is the name of the new tag. It is empty if none was made.
   using TaughtAnswer = std::function<void(const Outcome& outcome, const std::u16string& tag,
                                           const std::vector<std::u16string>& trashed)>;
+  /// `alike` are tags of other numbers that the dialer may take for the lesson, the most alike
+  /// first.
+  using ComparedAnswer = std::function<void(const std::vector<std::u16string>& alike)>;
 
   Work() = default;
   Work(const Work&) = delete;
@@ -55,6 +58,8 @@ class Work {
 
   virtual void Delete(const std::vector<std::u16string>& tags, DeletedAnswer answer) = 0;
   virtual void Restore(const std::vector<std::u16string>& trashed, Answer answer) = 0;
+  /// Compares a lesson with the tags that stay if it is learned. Changes nothing.
+  virtual void Compare(const Lesson& lesson, ComparedAnswer answer) = 0;
   virtual void Teach(const Lesson& lesson, TaughtAnswer answer) = 0;
 };
 

@@ -80,10 +80,11 @@ class SessionFixture : public testing::Test {
   }
 
   /// A recording with something spoken in it, another one for each seed.
-  static support::Bytes Recording(std::uint32_t seed) {
-    return support::WaveFile(support::Mixed(support::Noise(12000, 20, seed), 4000,
-                                            support::SpeechLike(3000, 9000, seed)));
+  static support::Samples Spoken(std::uint32_t seed) {
+    return support::Mixed(support::Noise(12000, 20, seed), 4000,
+                          support::SpeechLike(3000, 9000, seed));
   }
+  static support::Bytes Recording(std::uint32_t seed) { return support::WaveFile(Spoken(seed)); }
   void PutRecording(std::u16string_view name, std::uint32_t seed) {
     ASSERT_TRUE(m_machine.files.PutFile(storage::WavePath(name), Recording(seed)));
   }

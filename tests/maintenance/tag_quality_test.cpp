@@ -101,6 +101,36 @@ TEST_F(TagQualityTest, ATemplateThatIsTornIsLikeNoOther) {
   EXPECT_FALSE(Judge()[1].HasVerdicts());
 }
 
+/// A recording is compared before it is kept, and counts then as the tag that it would become.
+TEST_F(TagQualityTest, ATakeIsTooAlikeToTheTagsThatItWouldBeTooAlikeToOnceItIsLearned) {
+  Learn(u"100", 1, 17);
+  Learn(u"200", 4, 18);
+  const support::Samples take = Spoken(1);
+  const auto alike =
+      maintenance::FindTooAlike(m_machine.Get(), m_tags, take, {.oid = 19, .phoneType = u"Home"});
+  Learn(u"300", 1, 19);
+  const auto learned = Judge()[2].tooAlike;
+  ASSERT_EQ(learned.size(), 1U);
+  ASSERT_EQ(alike.size(), 1U);
+  EXPECT_EQ(alike[0].index, learned[0].index);
+  EXPECT_EQ(alike[0].distance, learned[0].distance);
+}
+
+TEST_F(TagQualityTest, ATakeOfANumberThatHasATagAlreadyIsNotComparedWithThatTag) {
+  Learn(u"100", 1, 17);
+  EXPECT_THAT(maintenance::FindTooAlike(m_machine.Get(), m_tags, Spoken(1),
+                                        {.oid = 17, .phoneType = u"Home"}),
+              testing::IsEmpty());
+}
+
+TEST_F(TagQualityTest, ATakeWithoutSpeechEnoughForATemplateIsLikeNoTag) {
+  Learn(u"100", 1, 17);
+  for (const std::size_t length : {0U, 1U, 1000U}) {
+    EXPECT_THAT(maintenance::FindTooAlike(m_machine.Get(), m_tags, support::Samples(length), {}),
+                testing::IsEmpty());
+  }
+}
+
 /// A list that says less than it could must not look like a whole one.
 TEST_F(TagQualityTest, AFileThatIsThereAndCannotBeReadIsNamedAndNothingElseIsMadeUp) {
   Learn(u"100", 1, 17);
