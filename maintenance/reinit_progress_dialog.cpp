@@ -5,7 +5,9 @@
 #include "maintenance/maintenance_dialog.h"
 #include "maintenance/reinit_threads.h"
 #include "resources/dialogs.h"
+#include "resources/fault_strings.h"
 #include "resources/strings.h"
+#include "resources/translations.h"
 
 namespace maintenance {
 namespace {
@@ -48,7 +50,7 @@ bool ReinitProgressDialog::OnInitDialog() {
   }
   if (!StartMonitor(tagCount)) {
     m_platform.ui.ShowMessage(
-        platform::ApplicationBox(std::u16string(resources::kReinitNotStarted)));
+        platform::ApplicationBox(std::u16string(resources::Say(resources::kReinitNotStarted))));
     EndDialog(0);
   }
   return true;
@@ -82,8 +84,8 @@ void ReinitProgressDialog::Step() { GetWindow().StepProgress(resources::kProgres
 
 void ReinitProgressDialog::LetUserClose() {
   m_mayClose = true;
-  GetWindow().SetText(resources::kReinitWaitLine1Id, resources::kReinitGaveUp);
-  GetWindow().SetText(resources::kReinitWaitLine2Id, resources::kReinitMayClose);
+  GetWindow().SetText(resources::kReinitWaitLine1Id, resources::Say(resources::kReinitGaveUp));
+  GetWindow().SetText(resources::kReinitWaitLine2Id, resources::Say(resources::kReinitMayClose));
 }
 
 void ReinitProgressDialog::OnPaint(platform::Canvas& canvas) {

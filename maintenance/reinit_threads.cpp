@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <string>
 
+#include "resources/fault_strings.h"
 #include "resources/strings.h"
+#include "resources/translations.h"
 #include "storage/device_paths.h"
 #include "voicemath/template_file.h"
 
@@ -123,7 +125,7 @@ void ReinitWorker::ReportNotWritten(std::u16string_view waveFile) {
   text.append(u"\n\n")
       .append(FindDisplayText(m_page.GetTags(), storage::TagNameOfWaveFile(waveFile)))
       .append(u"\n\n")
-      .append(resources::kReinitStopped);
+      .append(resources::Say(resources::kReinitStopped));
   m_platform.ui.ShowMessage(platform::ApplicationBox(std::move(text)));
 }
 

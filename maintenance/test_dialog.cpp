@@ -8,7 +8,9 @@
 #include "maintenance/comparison_dialog.h"
 #include "maintenance/maintenance_dialog.h"
 #include "resources/dialogs.h"
+#include "resources/fault_strings.h"
 #include "resources/strings.h"
+#include "resources/translations.h"
 
 namespace maintenance {
 namespace {
@@ -68,7 +70,7 @@ std::u16string TestDialog::Compare() {
     wait.reset();
     ComparisonDialog box(m_platform, mathematics, count);
     if (box.DoModal() != framework::kIdOk) {
-      return std::u16string(resources::kTestCancelled);
+      return std::u16string(resources::Say(resources::kTestCancelled));
     }
     wait.emplace(m_platform.ui);
     found = box.GetFound();

@@ -5,7 +5,9 @@
 #include <functional>
 
 #include "language/texts.h"
+#include "resources/fault_strings.h"
 #include "resources/strings.h"
+#include "resources/translations.h"
 #include "storage/device_paths.h"
 
 namespace maintenance {
@@ -132,7 +134,7 @@ std::vector<TestLine> ToTestLines(const storage::TagTable& tags, const LoadedTem
 std::u16string UnreadTagsMessage(const storage::TagTable& tags, const LoadedTemplates& loaded) {
   std::u16string message;
   if (!loaded.unread.empty()) {
-    message = std::u16string(resources::kTagsNotCompared).append(u"\n\n");
+    message = std::u16string(resources::Say(resources::kTagsNotCompared)).append(u"\n\n");
     const bool hasLines = loaded.unread.size() <= kNamesWithLines;
     std::u16string_view separator;
     for (const std::int32_t tag : loaded.unread) {
@@ -141,12 +143,12 @@ std::u16string UnreadTagsMessage(const storage::TagTable& tags, const LoadedTemp
       message.append(separator).append(text.empty() ? record->GetTagName() : text);
       separator = hasLines ? u"\n" : kSeparator;
     }
-    message.append(u"\n\n").append(resources::kRepairTemplates);
+    message.append(u"\n\n").append(resources::Say(resources::kRepairTemplates));
   }
   if (loaded.hasNamelessTags) {
     message.append(message.empty() ? u"" : u"\n\n")
-        .append(resources::kTagsWithoutName)
-        .append(resources::kOpenAgain);
+        .append(resources::Say(resources::kTagsWithoutName))
+        .append(resources::Say(resources::kOpenAgain));
   }
   return message;
 }

@@ -4,7 +4,9 @@
 
 #include "language/texts.h"
 #include "resources/dialogs.h"
+#include "resources/fault_strings.h"
 #include "resources/strings.h"
+#include "resources/translations.h"
 #include "storage/device_paths.h"
 #include "tags/page_one.h"
 
@@ -153,7 +155,7 @@ bool Page_one::DeleteTagOfLine(std::size_t line) {
           .map_error([](storage::Unread) { return storage::ItemError::kStoreUnread; })
           .and_then([&](const storage::TagParts& parts) { return deletion.Keep(parts, text); });
   if (kept == platform::Failure(storage::ItemError::kOther) || !deletion.Seal()) {
-    ShowBox(resources::kNotKept);
+    ShowBox(resources::Say(resources::kNotKept));
     return false;
   }
   const bool isDestroyed = kept == platform::Failure(storage::ItemError::kFull);
@@ -169,7 +171,7 @@ bool Page_one::DeleteTagOfLine(std::size_t line) {
   const bool isDeleted = m_store.DeleteEntry(tagName).has_value();
   // In either case, since the files are gone.
   if (isDestroyed) {
-    ShowBox(resources::kTagDestroyed);
+    ShowBox(resources::Say(resources::kTagDestroyed));
   }
   if (!isDeleted) {
     ShowBox(resources::kTagInUse);
@@ -208,7 +210,8 @@ void Page_one::OnDeleteAll() {
       },
       [this](storage::DeletionProblem problem) { ReportDeletion(problem); });
   if (deleted.destroyedCount > 0) {
-    ShowBox(language::FormatNumber(resources::kTagsDestroyed, deleted.destroyedCount));
+    ShowBox(
+        language::FormatNumber(resources::Say(resources::kTagsDestroyed), deleted.destroyedCount));
   }
   if (!deleted.isDone) {
     return;
@@ -237,8 +240,9 @@ std::u16string Page_one::GetDeleteAllQuestion() {
     };
     const auto recordings = std::ranges::count_if(contents->tags, hasRecording) +
                             std::ranges::count_if(contents->orphans, hasRecording);
-    question += u"\n\n" + language::FormatNumber(resources::kRecordingsWillBeDeleted,
-                                                 static_cast<std::int32_t>(recordings));
+    question +=
+        u"\n\n" + language::FormatNumber(resources::Say(resources::kRecordingsWillBeDeleted),
+                                         static_cast<std::int32_t>(recordings));
   }
   return question;
 }
@@ -253,7 +257,7 @@ void Page_one::ReportDeletion(storage::DeletionProblem problem) {
       ShowBox(resources::kTagInUse);
       break;
     case storage::DeletionProblem::kNotKept:
-      ShowBox(resources::kNotKept);
+      ShowBox(resources::Say(resources::kNotKept));
       break;
   }
 }

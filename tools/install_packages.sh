@@ -12,8 +12,8 @@ declare -A groups=(
     libcli11-dev libebook-contacts1.2-dev libebook1.2-dev libexpected-dev libfmt-dev libglib2.0-dev
     libicu-dev
     libpulse-dev
-    nettle-dev
-    fonts-wine librsvg2-bin libsqlite3-dev libudev-dev nlohmann-json3-dev qt6-base-dev qt6-svg-dev
+    nettle-dev python3
+    fonts-wine librsvg2-bin libsqlite3-dev libudev-dev nlohmann-json3-dev qt6-base-dev qt6-svg-dev qt6-translations-l10n
   '
   # To build and run the tests with one compiler.
   [test]='

@@ -6,6 +6,7 @@
 
 #include "backends/text/utf.h"
 #include "resources/desktop_strings.h"
+#include "resources/translations.h"
 
 namespace desktop {
 namespace {
@@ -90,7 +91,7 @@ DesktopShell::DesktopShell(platform::Threads& threads, Options options)
 
 void DesktopShell::StartProgram(std::u16string_view program, std::u16string_view commandLine) {
   if (program != kHelpViewer) {
-    m_options.report(std::u16string(resources::kNoSuchProgram).append(program));
+    m_options.report(std::u16string(resources::Say(resources::kNoSuchProgram)).append(program));
     return;
   }
   const HelpPage page = m_help.Find(text::ToHostName(commandLine));
@@ -101,7 +102,7 @@ void DesktopShell::Execute(std::u16string_view verb, std::u16string_view file,
                            std::u16string_view parameters) {
   std::string address = text::ToUtf8(parameters);
   if (verb != kOpenVerb || file != kBrowser || !IsSite(address) || IsForExamples(address)) {
-    m_options.report(std::u16string(resources::kNotOpenedHere).append(parameters));
+    m_options.report(std::u16string(resources::Say(resources::kNotOpenedHere)).append(parameters));
     return;
   }
   Open(address, address);
@@ -124,7 +125,8 @@ void DesktopShell::Open(std::string url, std::string shownName) {
 
 void DesktopShell::OpenNow(const std::string& url, const std::string& shownName) const {
   if (!OpenInBrowser(m_options.environment, url, m_options.patience)) {
-    m_options.report(std::u16string(resources::kNoWebBrowser) + text::FromHostName(shownName));
+    m_options.report(std::u16string(resources::Say(resources::kNoWebBrowser)) +
+                     text::FromHostName(shownName));
   }
 }
 

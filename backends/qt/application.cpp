@@ -1,8 +1,14 @@
 #include "backends/qt/application.h"
 
 #include <QApplication>
+#include <QLibraryInfo>
+#include <QLocale>
+#include <QTranslator>
 #include <QWindow>
+#include <string_view>
 #include <utility>
+
+#include "resources/translations.h"
 
 namespace qt {
 namespace {
@@ -29,6 +35,31 @@ void EnsureApplication() {
     static char* arguments[] = {programName, nullptr};
     static QApplication* application = new QApplication(argumentCount, arguments);
     static_cast<void>(application);
+  }
+  FollowDesktopLanguage();
+}
+
+// The desktop has a list of languages, the one that the user prefers first. English in it ends the
+// search: who prefers it to German must not get German.
+void FollowDesktopLanguage() {
+  std::string_view language;
+  for (const QString& wanted : QLocale::system().uiLanguages()) {
+    language = resources::FindLanguage(wanted.toStdString());
+    if (!language.empty() || wanted.startsWith(QStringLiteral("en")) ||
+        wanted == QStringLiteral("C")) {
+      break;
+    }
+  }
+  resources::ChooseLanguage(language);
+  // Never destroyed, as the application object may outlive what is static here.
+  static auto* const translator = new QTranslator;
+  QCoreApplication::removeTranslator(translator);
+  if (!language.empty() &&
+      translator->load(QStringLiteral("qtbase_") + (language == "zh-Hans"
+                                                        ? QStringLiteral("zh_CN")
+                                                        : QString::fromUtf8(language.data(), 2)),
+                       QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+    QCoreApplication::installTranslator(translator);
   }
 }
 

@@ -17,6 +17,11 @@ namespace qt {
 /// it only if windows can be shown.
 void EnsureApplication();
 
+/// Gives our own texts, and the library's "Cancel" and the like, the language of the user's desktop
+/// if we have it. Needs the application object. EnsureApplication and the main functions of
+/// programs call it, before they show anything.
+void FollowDesktopLanguage();
+
 /// Shows this program's windows in front of those of others. `activationToken` is for window
 /// systems that want to know which program asked for it.
 void BringWindowsForward(const std::string& activationToken);

@@ -1,6 +1,7 @@
 #include "backends/qt/dialog_windows.h"
 
 #include <QComboBox>
+#include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -47,6 +48,11 @@ constexpr double kSheetMargin = 6;
 constexpr double kOkWidth = 56;
 constexpr double kOkHeight = 21;
 
+/// Returns the library's own word for one of its buttons.
+QString WordOfLibrary(const char* english) {
+  return QCoreApplication::translate("QPlatformTheme", english);
+}
+
 }  // namespace
 
 QtSheet::QtSheet(std::u16string_view caption, std::span<const platform::SheetPage> pages,
@@ -80,9 +86,10 @@ QtSheet::QtSheet(std::u16string_view caption, std::span<const platform::SheetPag
 }
 
 void QtSheet::AddCancelButton() {
-  m_cancelButton = new QPushButton(QStringLiteral("Cancel"), this);
+  m_cancelButton = new QPushButton(WordOfLibrary("Cancel"), this);
   m_cancelButton->setObjectName(QStringLiteral("cancel"));
-  m_cancelButton->setFixedSize(m_okButton->size());
+  m_cancelButton->setFixedSize(std::max(m_okButton->width(), m_cancelButton->sizeHint().width()),
+                               m_okButton->height());
   m_buttons->addWidget(m_cancelButton);
   connect(m_cancelButton, &QPushButton::clicked, this, [this] { OnCloseBox(); });
 }
@@ -104,9 +111,10 @@ void QtSheet::MakeTabs() {
 }
 
 void QtSheet::MakeOkButton() {
-  m_okButton = new QPushButton(QStringLiteral("OK"), this);
+  m_okButton = new QPushButton(WordOfLibrary("OK"), this);
   m_okButton->setObjectName(QStringLiteral("ok"));
-  m_okButton->setFixedSize(ToDesktop(kOkWidth), ToDesktop(kOkHeight));
+  m_okButton->setFixedSize(std::max(ToDesktop(kOkWidth), m_okButton->sizeHint().width()),
+                           ToDesktop(kOkHeight));
   connect(m_okButton, &QPushButton::clicked, this, [this] { OnOk(); });
 }
 

@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "resources/translations.h"
+
 // Texts in the forms that the library wants. A widget, a tool tip and a window title each interpret
 // some characters, but texts of a page are data.
 
@@ -14,6 +16,11 @@ namespace qt {
 
 [[nodiscard]] inline QString ToQString(std::u16string_view text) {
   return QString::fromUtf16(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+/// Returns one of our own texts in the language of the desktop. "%1" and so on are still in it.
+[[nodiscard]] inline QString Say(std::u16string_view english) {
+  return ToQString(resources::Say(english));
 }
 
 [[nodiscard]] inline std::u16string ToText(const QString& text) { return text.toStdU16String(); }

@@ -8,6 +8,7 @@
 #include "resources/desktop_strings.h"
 #include "resources/pictures.h"
 #include "resources/strings.h"
+#include "resources/translations.h"
 
 namespace applet {
 namespace {
@@ -84,7 +85,8 @@ void Desktop::OnNamedMutex(const platform::CreatedMutex& created) {
       posix::Doorbell::PathFor(m_options.runtimeFolder, m_backends.GetRoot().native());
   if (created == platform::Failure(platform::ThreadError::kHeld)) {
     const bool isAnswered = posix::Doorbell::Ring(bell, m_options.activationToken);
-    ReportOnStandardError(isAnswered ? resources::kAppletIsOpen : resources::kTagsInUse);
+    ReportOnStandardError(isAnswered ? resources::Say(resources::kAppletIsOpen)
+                                     : resources::Say(resources::kTagsInUse));
     return;
   }
   m_bellWatch.reset();

@@ -8,6 +8,7 @@
 #include "backends/text/printable.h"
 #include "backends/text/utf.h"
 #include "resources/desktop_strings.h"
+#include "resources/translations.h"
 
 namespace applet {
 namespace {
@@ -33,7 +34,7 @@ Library::Library(LibraryParts parts)
 
 void Library::WelcomeNewcomer() {
   constexpr std::u16string_view kPlace = u"%1";
-  std::u16string text(resources::kNoContacts);
+  std::u16string text(resources::Say(resources::kNoContacts));
   text.replace(text.find(kPlace), kPlace.size(),
                text::FromHostName(m_parts.backends.ToHostPath(u"\\contacts.vcf")));
   m_parts.platform.ui.ShowMessage(platform::ApplicationBox(std::move(text)));
@@ -46,9 +47,9 @@ bool Library::CanOpen() {
   if (!m_parts.backends.HasRoot()) {
     if (hasScreen) {
       m_parts.platform.ui.ShowMessage(
-          platform::ApplicationBox(std::u16string(resources::kNoTagFolder)));
+          platform::ApplicationBox(std::u16string(resources::Say(resources::kNoTagFolder))));
     } else {
-      ReportOnStandardError(resources::kNoTagFolder);
+      ReportOnStandardError(resources::Say(resources::kNoTagFolder));
     }
     return false;
   }

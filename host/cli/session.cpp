@@ -10,6 +10,7 @@
 #include "backends/sqlite/connection.h"
 #include "backends/text/utf.h"
 #include "host/cli/output.h"
+#include "resources/fault_strings.h"
 #include "resources/strings.h"
 #include "storage/registry_file.h"
 

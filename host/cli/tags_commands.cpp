@@ -19,6 +19,7 @@
 #include "host/cli/tag_reading.h"
 #include "language/texts.h"
 #include "resources/dialogs.h"
+#include "resources/fault_strings.h"
 #include "resources/strings.h"
 #include "storage/device_paths.h"
 #include "storage/tag_store.h"

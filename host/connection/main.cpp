@@ -14,6 +14,7 @@
 
 #include "backends/posix/posix_file_system.h"
 #include "backends/posix/posix_threads.h"
+#include "backends/qt/application.h"
 #include "backends/qt/qt_ui.h"
 #include "backends/qt/strings.h"
 #include "backends/qt/ui_thread.h"
@@ -55,8 +56,7 @@ QString RemarkOnPort(platform::Registry& registry, const QString& port) {
   const auto ports = connection::ReadActivePorts(registry);
   const bool isThere = std::ranges::any_of(
       ports, [&](const auto& active) { return qt::ToQString(active.name) == port; });
-  return isThere || port.isEmpty() ? QString()
-                                   : qt::ToQString(resources::kPortNotConnected).arg(port);
+  return isThere || port.isEmpty() ? QString() : qt::Say(resources::kPortNotConnected).arg(port);
 }
 
 void Run(const std::filesystem::path& root) {
@@ -90,6 +90,7 @@ int main(int argc, char** argv) {
     std::fputs("usage: voxtrel-connection ROOT\n", stderr);
     return kWrongUsage;
   }
+  qt::FollowDesktopLanguage();
   QApplication::setWindowIcon(MakeIcon());
   Run(arguments.at(1).toStdString());
   return 0;

@@ -138,7 +138,7 @@ platform::Result<void, QString> OpenApplet(const QString& path, int number) {
   const std::vector<AppletAnswer>& answers = (*talk)->GetAnswers();
   const auto index = static_cast<std::size_t>(number);
   if (number < 0 || index >= answers.size()) {
-    return platform::Failure(qt::ToQString(resources::kHoldsNoApplet).arg(number));
+    return platform::Failure(qt::Say(resources::kHoldsNoApplet).arg(number));
   }
   QApplication::setWindowIcon(IconOf(QByteArray::fromStdString(answers[index].icon)));
   (*talk)->Open(number);

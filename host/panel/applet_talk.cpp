@@ -28,7 +28,7 @@ QString LatestProblem() {
 }
 
 auto CannotBeLoaded(const QString& reason) {
-  return platform::Failure(qt::ToQString(resources::kCannotBeLoaded).arg(reason));
+  return platform::Failure(qt::Say(resources::kCannotBeLoaded).arg(reason));
 }
 
 /// Returns the picture of an icon, whose handle is the number of a descriptor on this system.
@@ -58,7 +58,7 @@ std::u16string ReadName(const applet::NewCplInfo& info) {
 platform::Result<AppletLibrary, QString> AppletLibrary::Load(const std::string& path) {
   // Any other path is a file of the current folder, or one of the system's folders of libraries.
   if (!path.starts_with('/')) {
-    return CannotBeLoaded(qt::ToQString(resources::kNoFullPath));
+    return CannotBeLoaded(qt::Say(resources::kNoFullPath));
   }
   Handle handle(::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL));
   if (!handle) {
@@ -68,7 +68,7 @@ platform::Result<AppletLibrary, QString> AppletLibrary::Load(const std::string& 
       reinterpret_cast<applet::CplAppletFunction>(::dlsym(handle.get(), applet::kCplAppletName));
   if (function == nullptr) {
     return platform::Failure(
-        qt::ToQString(resources::kIsNoApplet).arg(QLatin1String(applet::kCplAppletName)));
+        qt::Say(resources::kIsNoApplet).arg(QLatin1String(applet::kCplAppletName)));
   }
   return AppletLibrary(std::move(handle), function);
 }
@@ -89,12 +89,12 @@ platform::Result<std::unique_ptr<AppletTalk>, QString> AppletTalk::Begin(
     const AppletLibrary& library) {
   if (library.Send(CplMessage::kInit) == 0) {
     // A library that did not begin gets no message about an end.
-    return platform::Failure(qt::ToQString(resources::kDoesNotWantToStart));
+    return platform::Failure(qt::Say(resources::kDoesNotWantToStart));
   }
   std::unique_ptr<AppletTalk> talk(new AppletTalk(library));  // From here on there is an end.
   const std::int32_t count = library.Send(CplMessage::kGetCount);
   if (count < 1 || count > kMostApplets) {
-    return platform::Failure(qt::ToQString(resources::kSaysThatItHolds).arg(count));
+    return platform::Failure(qt::Say(resources::kSaysThatItHolds).arg(count));
   }
   talk->m_answers.reserve(static_cast<std::size_t>(count));
   for (int number = 0; number < count; ++number) {

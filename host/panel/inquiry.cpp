@@ -71,20 +71,20 @@ Inquiry::Inquiry(const QString& program, const QString& library, std::chrono::mi
     : m_answer(std::move(answer)) {
   m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
   m_process.setStandardInputFile(QProcess::nullDevice());
-  QObject::connect(
-      &m_process, &QProcess::finished, &m_process, [this](int, QProcess::ExitStatus status) {
-        Finish(qt::ToQString(status == QProcess::CrashExit ? resources::kCrashesWhenAsked
-                                                           : resources::kEndsWhenAsked));
-      });
-  QObject::connect(
-      &m_process, &QProcess::errorOccurred, &m_process, [this](QProcess::ProcessError error) {
-        if (error == QProcess::FailedToStart) {
-          Finish(qt::ToQString(resources::kCannotBeAsked).arg(m_process.errorString()));
-        }
-      });
+  QObject::connect(&m_process, &QProcess::finished, &m_process,
+                   [this](int, QProcess::ExitStatus status) {
+                     Finish(qt::Say(status == QProcess::CrashExit ? resources::kCrashesWhenAsked
+                                                                  : resources::kEndsWhenAsked));
+                   });
+  QObject::connect(&m_process, &QProcess::errorOccurred, &m_process,
+                   [this](QProcess::ProcessError error) {
+                     if (error == QProcess::FailedToStart) {
+                       Finish(qt::Say(resources::kCannotBeAsked).arg(m_process.errorString()));
+                     }
+                   });
   m_limit.setSingleShot(true);
   QObject::connect(&m_limit, &QTimer::timeout, &m_limit,
-                   [this] { Finish(qt::ToQString(resources::kGivesNoAnswer)); });
+                   [this] { Finish(qt::Say(resources::kGivesNoAnswer)); });
   m_limit.start(limit);
   m_process.start(program, {QStringLiteral("--inquire"), library});
 }

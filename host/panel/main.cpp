@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "backends/qt/application.h"
 #include "host/panel/applet_process.h"
 #include "host/panel/arguments.h"
 #include "host/panel/panel_window.h"
@@ -59,6 +60,7 @@ int main(int argc, char** argv) {
   const QtMessageHandler usual = qInstallMessageHandler(ReportNoDisplay);
   const QApplication application(ownArguments, argv);
   qInstallMessageHandler(usual);
+  qt::FollowDesktopLanguage();
   QApplication::setApplicationName(QStringLiteral("voxtrel-panel"));
   QGuiApplication::setDesktopFileName(QStringLiteral("voxtrel-panel"));
   switch (arguments.mode) {

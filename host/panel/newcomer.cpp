@@ -68,12 +68,12 @@ QString DescribeMissing(const Equipment& equipment) {
   const bool isChoiceAtFault = !equipment.contactsProblem.isEmpty() &&
                                !equipment.contactsProblem.startsWith(QLatin1String("there are no"));
   if (equipment.contacts == 0 && isChoiceAtFault) {
-    lines.append(qt::ToQString(resources::kNoContactsRead).arg(equipment.contactsProblem));
+    lines.append(qt::Say(resources::kNoContactsRead).arg(equipment.contactsProblem));
   } else if (equipment.contacts == 0) {
-    lines.append(qt::ToQString(resources::kNoContacts).arg(DefaultContacts()));
+    lines.append(qt::Say(resources::kNoContacts).arg(DefaultContacts()));
   }
   if (equipment.microphones == 0) {
-    lines.append(qt::ToQString(resources::kNoMicrophone));
+    lines.append(qt::Say(resources::kNoMicrophone));
   }
   return lines.join(QLatin1Char('\n'));
 }
@@ -106,7 +106,7 @@ EquipmentCheck::~EquipmentCheck() {
 NoticeBar::NoticeBar(QWidget* parent)
     : QFrame(parent), m_text(new QLabel(this)), m_button(new QPushButton(this)) {
   setFrameShape(QFrame::StyledPanel);
-  setAccessibleName(tr("What is missing"));
+  setAccessibleName(qt::Say(resources::kMissingLabel));
   m_text->setWordWrap(true);
   m_text->setTextFormat(Qt::PlainText);
   m_text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
@@ -115,8 +115,8 @@ NoticeBar::NoticeBar(QWidget* parent)
   auto* const close = new QToolButton(this);
   close->setAutoRaise(true);
   close->setIcon(style()->standardIcon(QStyle::SP_TitleBarCloseButton));
-  close->setAccessibleName(tr("Hide"));
-  close->setToolTip(tr("Hide"));
+  close->setAccessibleName(qt::Say(resources::kHideLabel));
+  close->setToolTip(qt::Say(resources::kHideLabel));
   connect(close, &QToolButton::clicked, this, &QWidget::hide);
 
   auto* const layout = new QHBoxLayout(this);

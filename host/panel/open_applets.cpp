@@ -43,13 +43,13 @@ void OpenApplets::Open(const AppletChoice& choice) {
   const auto found = m_open.find(key);
   if (found != m_open.end()) {
     found->second.applet->Raise();
-    m_events.status(qt::ToQString(resources::kIsOpenAlready).arg(choice.name));
+    m_events.status(qt::Say(resources::kIsOpenAlready).arg(choice.name));
     return;
   }
   if (TakesTurn(choice)) {
     return;
   }
-  const QString opening = qt::ToQString(resources::kOpening).arg(choice.name);
+  const QString opening = qt::Say(resources::kOpening).arg(choice.name);
   m_events.status(opening);
   OpenedApplet::Events events;
   events.ended = [this, key](Ending ending, const QString& message) {
@@ -109,23 +109,22 @@ void OpenApplets::ReportEnd(const AppletChoice& choice, Ending ending, const QSt
       break;
     case Ending::kFailed:
       // An applet that leaves no message has shown its own before it ended.
-      m_events.status(message.isEmpty() ? qt::ToQString(resources::kHasEndedEarly).arg(choice.name)
+      m_events.status(message.isEmpty() ? qt::Say(resources::kHasEndedEarly).arg(choice.name)
                                         : message);
       if (!message.isEmpty()) {
         ShowProblem(choice.name, message);
       }
       break;
     case Ending::kCrashed:
-      m_events.status(qt::ToQString(resources::kHasCrashed).arg(choice.name));
-      ShowProblem(choice.name, qt::ToQString(resources::kHasCrashedAndWasClosed).arg(choice.name));
+      m_events.status(qt::Say(resources::kHasCrashed).arg(choice.name));
+      ShowProblem(choice.name, qt::Say(resources::kHasCrashedAndWasClosed).arg(choice.name));
       break;
     case Ending::kStopped:
-      m_events.status(qt::ToQString(resources::kWasClosed).arg(choice.name));
+      m_events.status(qt::Say(resources::kWasClosed).arg(choice.name));
       break;
     case Ending::kNotStarted:
-      m_events.status(qt::ToQString(resources::kCannotBeOpened).arg(choice.name));
-      ShowProblem(choice.name,
-                  qt::ToQString(resources::kCannotBeOpenedSince).arg(choice.name, message));
+      m_events.status(qt::Say(resources::kCannotBeOpened).arg(choice.name));
+      ShowProblem(choice.name, qt::Say(resources::kCannotBeOpenedSince).arg(choice.name, message));
       break;
   }
 }
@@ -141,11 +140,13 @@ void OpenApplets::ShowProblem(const QString& name, const QString& text) {
 void OpenApplets::OnSilence(const QString& key) {
   Entry& entry = m_open[key];
   const QString& name = entry.choice.name;
-  m_events.status(qt::ToQString(resources::kDoesNotAnswer).arg(name));
-  QMessageBox* const box = MakeBox(m_window, QMessageBox::Question, name,
-                                   qt::ToQString(resources::kWaitOrClose).arg(name));
-  QPushButton* const wait = box->addButton(QObject::tr("&Wait"), QMessageBox::RejectRole);
-  QPushButton* const close = box->addButton(QObject::tr("&Close it"), QMessageBox::DestructiveRole);
+  m_events.status(qt::Say(resources::kDoesNotAnswer).arg(name));
+  QMessageBox* const box =
+      MakeBox(m_window, QMessageBox::Question, name, qt::Say(resources::kWaitOrClose).arg(name));
+  QPushButton* const wait =
+      box->addButton(qt::Say(resources::kWaitButton), QMessageBox::RejectRole);
+  QPushButton* const close =
+      box->addButton(qt::Say(resources::kCloseButton), QMessageBox::DestructiveRole);
   box->setDefaultButton(wait);
   box->setEscapeButton(wait);
   QObject::connect(close, &QPushButton::clicked, &m_context, [this, key] {
@@ -166,7 +167,7 @@ void OpenApplets::OnSilence(const QString& key) {
 
 void OpenApplets::OnAliveAgain(const QString& key) {
   Entry& entry = m_open[key];
-  m_events.status(qt::ToQString(resources::kAnswersAgain).arg(entry.choice.name));
+  m_events.status(qt::Say(resources::kAnswersAgain).arg(entry.choice.name));
   if (entry.question != nullptr) {
     entry.question->close();
   }

@@ -50,7 +50,7 @@ PanelWindow::PanelWindow(Settings settings)
                      QCoreApplication::quit();
                    }
                  }}) {
-  setWindowTitle(tr("Control Panel"));
+  setWindowTitle(qt::Say(resources::kPanelTitle));
   setWindowIcon(PanelIcon());
   resize(600, 380);
   m_status = new QLabel(this);
@@ -68,7 +68,7 @@ PanelWindow::~PanelWindow() = default;
 
 void PanelWindow::BuildCentre() {
   m_list = new QListWidget(this);
-  m_list->setAccessibleName(tr("Applets"));
+  m_list->setAccessibleName(qt::Say(resources::kPanelApplets));
   m_list->setViewMode(QListView::IconMode);
   m_list->setMovement(QListView::Static);
   m_list->setResizeMode(QListView::Adjust);
@@ -101,26 +101,26 @@ void PanelWindow::BuildCentre() {
 }
 
 void PanelWindow::BuildMenus() {
-  QMenu* const applet = menuBar()->addMenu(tr("&Applet"));
-  m_open = applet->addAction(tr("&Open"), this, &PanelWindow::OpenCurrent);
+  QMenu* const applet = menuBar()->addMenu(qt::Say(resources::kPanelAppletMenu));
+  m_open = applet->addAction(qt::Say(resources::kPanelOpen), this, &PanelWindow::OpenCurrent);
   m_list->addAction(m_open);
   m_list->setContextMenuPolicy(Qt::ActionsContextMenu);
   BuildSampleMenu();
   applet->addMenu(m_samples);
   applet->addSeparator();
-  QAction* const refresh = applet->addAction(tr("&Refresh"), this, &PanelWindow::Refresh);
+  QAction* const refresh =
+      applet->addAction(qt::Say(resources::kPanelRefresh), this, &PanelWindow::Refresh);
   refresh->setShortcut(QKeySequence::Refresh);
-  QAction* const quit = applet->addAction(tr("&Close"), this, &QWidget::close);
+  QAction* const quit = applet->addAction(qt::Say(resources::kPanelClose), this, &QWidget::close);
   quit->setShortcut(QKeySequence::Quit);
 
-  QMenu* const help = menuBar()->addMenu(tr("&Help"));
-  QAction* const contents = help->addAction(tr("&Voice dialer help"), this, [this] { OpenHelp(); });
+  QMenu* const help = menuBar()->addMenu(qt::Say(resources::kPanelHelpMenu));
+  QAction* const contents =
+      help->addAction(qt::Say(resources::kPanelHelp), this, [this] { OpenHelp(); });
   contents->setShortcut(QKeySequence::HelpContents);
-  help->addAction(tr("&About the control panel"), this, [this] {
-    QMessageBox::about(this, tr("Control Panel"),
-                       tr("Control panel %1\n\nShows the applets that are installed. Each opens in "
-                          "a process of its own: if one fails, the others go on.")
-                           .arg(QStringLiteral(VOXTREL_VERSION)));
+  help->addAction(qt::Say(resources::kPanelAbout), this, [this] {
+    QMessageBox::about(this, qt::Say(resources::kPanelTitle),
+                       qt::Say(resources::kPanelAboutText).arg(QStringLiteral(VOXTREL_VERSION)));
   });
 }
 
@@ -129,7 +129,7 @@ void PanelWindow::BuildMenus() {
 void PanelWindow::OpenHelp() {
   const QString folder = FindData(QStringLiteral("help"));
   if (folder.isEmpty()) {
-    m_status->setText(qt::ToQString(resources::kHelpNotInstalled));
+    m_status->setText(qt::Say(resources::kHelpNotInstalled));
     return;
   }
   if (!m_shell) {
@@ -147,10 +147,10 @@ void PanelWindow::OpenHelp() {
 }
 
 void PanelWindow::BuildSampleMenu() {
-  m_samples = new QMenu(tr("&Try with samples"), this);
+  m_samples = new QMenu(qt::Say(resources::kPanelSamples), this);
   for (const Sample& sample : FindSamples()) {
-    m_samples->addAction(tr("The microphone says “%1”").arg(qt::WithoutMnemonic(sample.name)), this,
-                         [this, sample] { OpenSample(sample); });
+    m_samples->addAction(qt::Say(resources::kPanelSample).arg(qt::WithoutMnemonic(sample.name)),
+                         this, [this, sample] { OpenSample(sample); });
   }
 }
 
@@ -160,7 +160,7 @@ void PanelWindow::Refresh() {
   const QStringList libraries = FindApplets(m_settings.places);
   for (const QString& library : libraries) {
     QListWidgetItem* const item = AddItem(library, 0, QFileInfo(library).completeBaseName());
-    item->setData(kDescriptionRole, qt::ToQString(resources::kIsBeingAsked).arg(library));
+    item->setData(kDescriptionRole, qt::Say(resources::kIsBeingAsked).arg(library));
     m_inquiries.push_back(std::make_unique<Inquiry>(
         m_settings.program, library, m_settings.inquiryLimit,
         [this, library](const LibraryReport& report) { ShowApplets(library, report); }));
@@ -168,8 +168,7 @@ void PanelWindow::Refresh() {
   if (m_list->count() > 0) {
     m_list->setCurrentRow(0);
   }
-  m_empty->setText(
-      qt::ToQString(resources::kNoApplets).arg(m_settings.places.join(QLatin1Char('\n'))));
+  m_empty->setText(qt::Say(resources::kNoApplets).arg(m_settings.places.join(QLatin1Char('\n'))));
   m_centre->setCurrentIndex(libraries.isEmpty() ? 1 : 0);
   m_open->setEnabled(!libraries.isEmpty());
   m_samples->menuAction()->setVisible(!m_samples->isEmpty() &&
@@ -201,7 +200,7 @@ void PanelWindow::ShowApplets(const QString& library, const LibraryReport& repor
     item->setData(Qt::AccessibleDescriptionRole, text);
   };
   if (!report) {
-    describe(first, qt::ToQString(resources::kAppletProblem).arg(report.error(), library));
+    describe(first, qt::Say(resources::kAppletProblem).arg(report.error(), library));
     DescribeCurrent();
     return;
   }
@@ -210,7 +209,7 @@ void PanelWindow::ShowApplets(const QString& library, const LibraryReport& repor
     const int number = static_cast<int>(i);
     QListWidgetItem* const item = i == 0 ? first : AddItem(library, number, first->text());
     if (applet.name.isEmpty()) {
-      describe(item, qt::ToQString(resources::kAppletGivesNoName).arg(library));
+      describe(item, qt::Say(resources::kAppletGivesNoName).arg(library));
     } else {
       item->setText(applet.name);
       describe(item, library);
@@ -239,7 +238,7 @@ void PanelWindow::OpenSample(const Sample& sample) {
     const QString library = item->data(kLibraryRole).toString();
     if (QFileInfo(library).fileName() == kDialerApplet) {
       m_applets.Open({library, 0, item->text(), SampleEnvironment(sample.path),
-                      tr("samples: “%1”").arg(sample.name), kSampleGroup});
+                      qt::Say(resources::kSamplesMark).arg(sample.name), kSampleGroup});
       return;
     }
   }
@@ -253,11 +252,8 @@ void PanelWindow::OnEquipment(const Equipment& equipment) {
     return;
   }
   const Sample& sample = samples.front();
-  m_notice->Show(missing + QLatin1Char('\n') +
-                     tr("Until then you can try it with sample contacts and a recording of the "
-                        "name “%1” as the microphone.")
-                         .arg(sample.name),
-                 tr("&Try it now"), [this, sample] { OpenSample(sample); });
+  m_notice->Show(missing + QLatin1Char('\n') + qt::Say(resources::kUntilThen).arg(sample.name),
+                 qt::Say(resources::kTryNow), [this, sample] { OpenSample(sample); });
 }
 
 void PanelWindow::closeEvent(QCloseEvent* event) {

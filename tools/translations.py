@@ -1,0 +1,108 @@
+#!/usr/bin/env python3
+"""Keeps the translations of our own texts.
+
+  translations.py update          adds the texts of resources/*_strings.h to resources/translations/*.po,
+                                  and takes out those that are no longer there
+  translations.py check           fails if a text has no translation, or one with other places to fill in
+  translations.py tables FILE     writes the tables that resources/translations.cpp includes
+"""
+import pathlib
+import re
+import sys
+
+RESOURCES = pathlib.Path(__file__).resolve().parent.parent / "resources"
+LANGUAGES = ("de", "es", "fr", "ru", "zh-Hans")  # resources::kLanguages
+LITERAL = r'"(?:[^"\\]|\\.)*"'
+PLACES = re.compile(r"%(?:\d|d|n)")
+
+
+def unquoted(literals):
+    """Returns the text of adjacent literals of C++ or of a catalogue, which share their escapes."""
+    text = "".join(literal[1:-1] for literal in re.findall(LITERAL, literals))
+    return re.sub(r"\\(.)", lambda m: {"n": "\n", "t": "\t"}.get(m.group(1), m.group(1)), text)
+
+
+def quoted(text):
+    return '"' + text.replace("\\", "\\\\").replace('"', '\\"').replace("\n", "\\n") + '"'
+
+
+def own_texts():
+    """Returns {text: names of its constants}, in the order of the headers."""
+    texts = {}
+    for header in sorted(RESOURCES.glob("*_strings.h")):
+        code = re.sub(r"^\s*//.*$", "", header.read_text(encoding="utf-8"), flags=re.M)
+        for name, value in re.findall(rf'inline constexpr \S+ (k\w+) =\s*((?:[^;"]|{LITERAL})*);', code):
+            for literals in re.findall(rf'(?:u{LITERAL}\s*)+', value):
+                if text := unquoted(literals):
+                    texts.setdefault(text, []).append(name)
+    return texts
+
+
+def catalogue(language):
+    return RESOURCES / "translations" / f"{language}.po"
+
+
+def read_catalogue(language):
+    path = catalogue(language)
+    if not path.exists():
+        return {}
+    entries = re.findall(rf"^msgid ((?:{LITERAL}\s*)+)^msgstr ((?:{LITERAL}\s*)+)",
+                         path.read_text(encoding="utf-8"), flags=re.M)
+    return {unquoted(text): unquoted(translation) for text, translation in entries}
+
+
+def update():
+    texts = own_texts()
+    for language in LANGUAGES:
+        known = read_catalogue(language)
+        lines = ['msgid ""', 'msgstr ""', '"MIME-Version: 1.0\\n"', f'"Language: {language.replace("-", "_")}\\n"',
+                 '"Content-Type: text/plain; charset=UTF-8\\n"', '"Content-Transfer-Encoding: 8bit\\n"']
+        for text, names in texts.items():
+            lines += ["", f"#: {' '.join(names)}", f"msgid {quoted(text)}",
+                      f"msgstr {quoted(known.get(text, ''))}"]
+        catalogue(language).parent.mkdir(exist_ok=True)
+        catalogue(language).write_text("\n".join(lines) + "\n", encoding="utf-8")
+
+
+def check():
+    faults = []
+    for language in LANGUAGES:
+        known = read_catalogue(language)
+        for text in own_texts():
+            translation = known.get(text, "")
+            if not translation:
+                faults.append(f"{language}: no translation of {quoted(text)}")
+            elif sorted(PLACES.findall(text)) != sorted(PLACES.findall(translation)):
+                faults.append(f"{language}: other places to fill in: {quoted(translation)}")
+    print("\n".join(faults))
+    return 1 if faults else 0
+
+
+def write_tables(path):
+    texts = own_texts()
+    lines = []
+    for number, language in enumerate(LANGUAGES):
+        known = {text: t for text, t in read_catalogue(language).items() if t and text in texts}
+        lines.append(f"constexpr std::array<Translation, {len(known)}> kTable{number} = {{{{")
+        for text in sorted(known, key=lambda text: text.encode("utf-16-be")):
+            lines.append(f"    {{u{quoted(text)}, u{quoted(known[text])}}},")
+        lines.append("}};")
+    tables = ", ".join(f"kTable{number}" for number in range(len(LANGUAGES)))
+    lines.append(f"constexpr std::array<std::span<const Translation>, {len(LANGUAGES)}> kTranslations = "
+                 f"{{{tables}}};")
+    pathlib.Path(path).write_text("\n".join(lines) + "\n", encoding="utf-8")
+    return 0
+
+
+def main(arguments):
+    if arguments == ["update"]:
+        return update()
+    if arguments == ["check"]:
+        return check()
+    if len(arguments) == 2 and arguments[0] == "tables":
+        return write_tables(arguments[1])
+    print(__doc__, file=sys.stderr)
+    return 2
+
+
+sys.exit(main(sys.argv[1:]))
