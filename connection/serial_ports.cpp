@@ -67,10 +67,22 @@ std::vector<ActivePort> ReadActivePorts(platform::Registry& registry) {
     }
     std::u16string name = ReadText(**driver, platform::kDriverNameValue);
     if (IsPortName(name)) {
-      ports.push_back({std::move(name), ReadText(**driver, platform::kDriverDeviceValue)});
+      ports.push_back({std::move(name), ReadText(**driver, platform::kDriverDeviceValue),
+                       ReadText(**driver, platform::kDriverDescriptionValue)});
     }
   }
   return ports;
+}
+
+const ActivePort* FindPort(std::span<const ActivePort> ports, std::u16string_view name) {
+  const auto found = std::ranges::find(ports, name, &ActivePort::name);
+  return found == ports.end() ? nullptr : &*found;
+}
+
+std::u16string DescribeDevice(const ActivePort& port) {
+  return port.description.empty() || port.device.empty()
+             ? port.description + port.device
+             : port.description + u" (" + port.device + u")";
 }
 
 PortOrder ComparePorts(std::u16string_view a, std::u16string_view b) {

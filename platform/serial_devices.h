@@ -18,10 +18,14 @@ inline constexpr std::u16string_view kActiveDriversKey = u"Drivers\\Active";
 inline constexpr std::u16string_view kDriverNameValue = u"Name";
 /// What that name stands for on this machine, such as "/dev/ttyUSB0".
 inline constexpr std::u16string_view kDriverDeviceValue = u"Device";
+/// What the device is called, such as "FTDI FT232R USB UART". Missing if the machine does not say.
+inline constexpr std::u16string_view kDriverDescriptionValue = u"Description";
 
 /// One serial port that the machine has.
 struct SerialDevice {
   std::u16string node;  ///< The name by which a program opens it, such as "/dev/ttyUSB0".
+  /// Maker and model, in words for people. Empty: not known.
+  std::u16string description = {};
 
   // By these the same port is known again, even if it has another node next time. Empty: not known.
   std::u16string serial;  ///< Maker, model and the serial number of the one device.

@@ -22,8 +22,9 @@ inline constexpr std::u16string_view kNoWebBrowser = u"There is no web browser t
 inline constexpr std::u16string_view kNoSuchProgram = u"There is no such program here: ";
 inline constexpr std::u16string_view kNotOpenedHere = u"This cannot be opened here: ";
 
-// The window of the connection settings; "%1" is the name of a port.
+// The window of the connection settings; "%1" is the name of a port, "%2" its device.
 inline constexpr std::u16string_view kPortNotConnected = u"%1 is not connected";
+inline constexpr std::u16string_view kPortIs = u"%1 is %2";
 
 // The control panel: its title, menus and buttons. "&" stands before the letter that chooses it.
 inline constexpr std::u16string_view kPanelTitle = u"Control Panel";

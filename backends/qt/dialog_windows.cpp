@@ -119,9 +119,16 @@ void QtSheet::MakeOkButton() {
 }
 
 void QtSheet::AddRemark(int comboId, const std::function<QString(const QString&)>& remark) {
-  const auto* combo = findChild<QComboBox*>(QString::number(comboId));
+  auto* combo = findChild<QComboBox*>(QString::number(comboId));
   if (combo == nullptr) {
     return;
+  }
+  // The items of the list stay as the page made them. What is said of each is in its tool tip, and
+  // screen readers read it after the item.
+  for (int i = 0; i < combo->count(); ++i) {
+    const QString said = remark(combo->itemText(i));
+    combo->setItemData(i, AsToolTip(said), Qt::ToolTipRole);
+    combo->setItemData(i, said, Qt::AccessibleDescriptionRole);
   }
   auto* label = new QLabel(remark(combo->currentText()), this);
   label->setObjectName(QStringLiteral("remark"));

@@ -42,7 +42,8 @@ class QtSheet final : public Frame, public platform::SheetWindow {
   QtSheet(const QtSheet&) = delete;
   QtSheet& operator=(const QtSheet&) = delete;
 
-  /// Shows above OK what `remark` says about the text of a combo box. Call it after Init.
+  /// Shows above OK what `remark` says about the text of a combo box, and in the tool tip of each
+  /// of its items what it says about that. Call it after Init.
   void AddRemark(int comboId, const std::function<QString(const QString&)>& remark);
   /// Adds a button that does what the close box does. Call it before Init.
   void AddCancelButton();

@@ -28,7 +28,8 @@ bool LineDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view,
   }
   const bool fits = sizeHint(option, index).width() <= view->viewport()->width();
   const QString text = index.data(Qt::DisplayRole).toString();
-  QToolTip::showText(event->globalPos(), fits ? QString() : AsToolTip(text), view);
+  const QString remark = index.data(Qt::ToolTipRole).toString();
+  QToolTip::showText(event->globalPos(), fits ? remark : AsToolTip(text), view);
   return true;
 }
 

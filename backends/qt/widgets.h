@@ -13,7 +13,8 @@
 namespace qt {
 
 /// Draws the lines of a list. Numbers read from left to right next to names of any script. The tool
-/// tip of a line that is wider than the list is its whole text.
+/// tip of a line that is wider than the list is its whole text. Other lines have their own, if
+/// any.
 class LineDelegate final : public QStyledItemDelegate {
  public:
   using QStyledItemDelegate::QStyledItemDelegate;

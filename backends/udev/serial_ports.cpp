@@ -181,9 +181,13 @@ Result<void, RegistryError> WriteActivePort(platform::Registry& registry, int nu
   if (!port) {
     return Failure(port.error());
   }
-  return text::SetText(**port, platform::kDriverNameValue, PortName(number)).and_then([&] {
-    return text::SetText(**port, platform::kDriverDeviceValue, device.node);
-  });
+  return text::SetText(**port, platform::kDriverNameValue, PortName(number))
+      .and_then([&] { return text::SetText(**port, platform::kDriverDeviceValue, device.node); })
+      .and_then([&]() -> Result<void, RegistryError> {
+        return device.description.empty()
+                   ? Result<void, RegistryError>()
+                   : text::SetText(**port, platform::kDriverDescriptionValue, device.description);
+      });
 }
 
 Result<void, RegistryError> WritePorts(platform::Registry& registry,

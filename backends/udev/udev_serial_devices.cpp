@@ -3,7 +3,10 @@
 #include <libudev.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <charconv>
 #include <memory>
+#include <string>
 #include <string_view>
 
 #include "backends/text/utf.h"
@@ -52,8 +55,45 @@ std::u16string Join(std::string_view a, std::string_view b) {
   return text::FromHostName(both.append(b));
 }
 
+/// Undoes how udev writes characters that a name may not hold: "\\x20" is a blank.
+std::string Unescape(std::string_view escaped) {
+  constexpr std::size_t kLength = 4;  // Of one such character.
+  std::string text;
+  while (!escaped.empty()) {
+    unsigned value = 0;
+    const char* const end = escaped.data() + std::min(escaped.size(), kLength);
+    if (escaped.starts_with("\\x") && escaped.size() >= kLength &&
+        std::from_chars(escaped.data() + 2, end, value, 16).ptr == end) {
+      text += static_cast<char>(value);
+      escaped.remove_prefix(kLength);
+    } else {
+      text += escaped.front();
+      escaped.remove_prefix(1);
+    }
+  }
+  const std::size_t first = text.find_first_not_of(' ');
+  return first == std::string::npos ? std::string()
+                                    : text.substr(first, text.find_last_not_of(' ') + 1 - first);
+}
+
+/// Returns maker and model. What the device says of itself counts for more than the database of
+/// hardware, which has one name for many devices.
+std::u16string Name(const Device& device) {
+  std::string maker = Unescape(Property(device, "ID_VENDOR_ENC"));
+  std::string model = Unescape(Property(device, "ID_MODEL_ENC"));
+  if (maker.empty()) {
+    maker = Property(device, "ID_VENDOR_FROM_DATABASE");
+  }
+  if (model.empty()) {
+    model = Property(device, "ID_MODEL_FROM_DATABASE");
+  }
+  const bool isMakerNamed = maker.empty() || model.starts_with(maker);
+  return text::FromHostName(isMakerNamed ? model : model.empty() ? maker : maker + ' ' + model);
+}
+
 platform::SerialDevice Describe(const Device& device) {
   platform::SerialDevice port;
+  port.description = Name(device);
   port.node = text::FromHostName(ToView(::udev_device_get_devnode(device.get())));
   // A Bluetooth link is known by the other end and its channel.
   if (const std::string_view address = Attribute(device.get(), "address"); !address.empty()) {

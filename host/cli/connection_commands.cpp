@@ -84,7 +84,8 @@ void PrintValues(Session& session, const Values& values, platform::Registry& reg
       PrintLine(fmt::format("{:<13}{}", kConnectionSettings[i].name, values[i]));
     }
     for (const connection::ActivePort& port : ports) {
-      PrintLine(fmt::format("{:<13}is {}", text::ToUtf8(port.name), text::ToUtf8(port.device)));
+      PrintLine(fmt::format("{:<13}is {}", text::ToUtf8(port.name),
+                            text::ToUtf8(connection::DescribeDevice(port))));
     }
     return;
   }
@@ -97,6 +98,9 @@ void PrintValues(Session& session, const Values& values, platform::Registry& reg
   for (const connection::ActivePort& port : ports) {
     json["ports"].push_back(
         {{"name", text::ToUtf8(port.name)}, {"device", text::ToUtf8(port.device)}});
+    if (!port.description.empty()) {
+      json["ports"].back()["description"] = text::ToUtf8(port.description);
+    }
   }
   session.SetJson(json);
 }

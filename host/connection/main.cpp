@@ -8,7 +8,6 @@
 #include <QPainter>
 #include <QPixmap>
 #include <QSvgRenderer>
-#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 
@@ -50,13 +49,16 @@ QIcon MakeIcon() {
   return {pixmap};
 }
 
-/// Says that a port is not there. The page shows it as it is stored, so that it stays chosen while
-/// it is unplugged.
-QString RemarkOnPort(platform::Registry& registry, const QString& port) {
+/// Says which device a port is, or that it is not there. The page shows a port as it is stored, so
+/// that it stays chosen while it is unplugged.
+QString RemarkOnPort(platform::Registry& registry, const QString& name) {
   const auto ports = connection::ReadActivePorts(registry);
-  const bool isThere = std::ranges::any_of(
-      ports, [&](const auto& active) { return qt::ToQString(active.name) == port; });
-  return isThere || port.isEmpty() ? QString() : qt::Say(resources::kPortNotConnected).arg(port);
+  const connection::ActivePort* const port = connection::FindPort(ports, qt::ToText(name));
+  if (port == nullptr) {
+    return name.isEmpty() ? QString() : qt::Say(resources::kPortNotConnected).arg(name);
+  }
+  const QString device = qt::ToQString(connection::DescribeDevice(*port));
+  return device.isEmpty() ? QString() : qt::Say(resources::kPortIs).arg(name, device);
 }
 
 void Run(const std::filesystem::path& root) {

@@ -55,6 +55,31 @@ TEST_F(ActivePorts, WithoutTheKeyThereAreNone) {
   EXPECT_TRUE(connection::ReadActivePorts(m_registry).empty());
 }
 
+TEST_F(ActivePorts, AreDescribedByTheirDevicesAndWhatTheseAreCalled) {
+  PutPort(u"1", u"COM1:", u"/dev/ttyUSB0");
+  ASSERT_EQ(support::ErrorOf(support::PutText(m_registry, u"Drivers\\Active\\1", u"Description",
+                                              u"FTDI FT232R")),
+            std::nullopt);
+  PutPort(u"2", u"COM2:", u"/dev/ttyS0");
+  PutPort(u"3", u"COM3:");
+  const auto ports = connection::ReadActivePorts(m_registry);
+  ASSERT_EQ(ports.size(), 3U);
+  EXPECT_EQ(connection::DescribeDevice(ports[0]), u"FTDI FT232R (/dev/ttyUSB0)");
+  EXPECT_EQ(connection::DescribeDevice(ports[1]), u"/dev/ttyS0");
+  EXPECT_EQ(connection::DescribeDevice(ports[2]), u"");
+}
+
+TEST_F(ActivePorts, AreFoundByTheirWholeNamesWithTheColon) {
+  PutPort(u"1", u"COM1:", u"/dev/ttyS0");
+  PutPort(u"10", u"COM10:", u"/dev/ttyUSB0");
+  const auto ports = connection::ReadActivePorts(m_registry);
+  ASSERT_NE(connection::FindPort(ports, u"COM10:"), nullptr);
+  EXPECT_EQ(connection::FindPort(ports, u"COM10:")->device, u"/dev/ttyUSB0");
+  for (const auto* other : {u"COM1", u"COM10", u"COM2:", u"com1:", u" COM1:", u""}) {
+    EXPECT_EQ(connection::FindPort(ports, other), nullptr);
+  }
+}
+
 TEST(PortName, IsComWithOneDigitOrTwoAndAColon) {
   for (const auto* name : {u"COM0:", u"COM9:", u"COM10:", u"COM99:"}) {
     EXPECT_TRUE(IsPortName(name));

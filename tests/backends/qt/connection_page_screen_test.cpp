@@ -151,6 +151,17 @@ TEST_F(ConnectionPageScreen, ARemarkAboveOkFollowsThePort) {
   EXPECT_EQ(Stored(u"Com_port").size(), 200U);
 }
 
+TEST_F(ConnectionPageScreen, EachPortOfTheListHasItsRemarkAsToolTipAndForScreenReaders) {
+  PutPort(u"COM1:");
+  m_ui.SetRemark(kPortComboId, [](const QString& port) { return port + " is <b>"; });
+  Run([] {
+    const QComboBox* ports = User::FindCombo(kPortComboId);
+    EXPECT_EQ(ports->itemText(0), "COM1:");
+    EXPECT_EQ(ports->itemData(0, Qt::AccessibleDescriptionRole), "COM1: is <b>");
+    EXPECT_TRUE(ports->itemData(0, Qt::ToolTipRole).toString().contains("COM1: is &lt;b&gt;"));
+  });
+}
+
 TEST_F(ConnectionPageScreen, NothingCanBeTypedAsFlowControl) {
   Run([] {
     EXPECT_FALSE(User::FindCombo(kFlowControlComboId)->isEditable());

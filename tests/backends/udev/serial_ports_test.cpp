@@ -22,7 +22,11 @@ using udev_ports::PublishSerialPorts;
 using Ports = std::map<std::u16string, std::u16string>;
 
 SerialDevice Adapter(std::u16string node, std::u16string serial) {
-  return {.node = std::move(node), .serial = std::move(serial), .path = {}, .part = {}};
+  return {.node = std::move(node),
+          .description = {},
+          .serial = std::move(serial),
+          .path = {},
+          .part = {}};
 }
 
 std::u16string TextOf(platform::Registry& registry, const std::u16string& path,
@@ -61,6 +65,14 @@ TEST_F(SerialPorts, EachDeviceIsAnActiveDriverWithItsNameAndNode) {
   EXPECT_EQ(Publish({Adapter(u"/dev/ttyUSB0", u"A"), Adapter(u"/dev/ttyS0", u"")}),
             (Ports{{u"COM1:", u"/dev/ttyS0"}, {u"COM2:", u"/dev/ttyUSB0"}}));
   EXPECT_EQ(support::SubkeyNames(m_registry, u"Drivers\\Active").size(), 2U);
+}
+
+TEST_F(SerialPorts, ADeviceThatHasANameOfItsOwnIsAnActiveDriverWithIt) {
+  SerialDevice named = Adapter(u"/dev/ttyUSB0", u"A");
+  named.description = u"FTDI FT232R USB UART";
+  Publish({named, Adapter(u"/dev/ttyUSB1", u"B")});
+  EXPECT_EQ(TextOf(m_registry, u"Drivers\\Active\\1", u"Description"), u"FTDI FT232R USB UART");
+  EXPECT_TRUE(support::BytesOf(m_registry, u"Drivers\\Active\\2", u"Description").empty());
 }
 
 TEST_F(SerialPorts, TheSameDeviceHasTheSameNameAtAnotherNode) {

@@ -50,6 +50,21 @@ class UdevMachine : public testing::Test {
 
   /// The ports that the program shows on a machine with these devices, as "COM1: /dev/ttyS0".
   [[nodiscard]] std::vector<std::string> PortsOn(const std::string& devices) const {
+    std::vector<std::string> ports;
+    for (const auto& port : ShowOn(devices)) {
+      ports.push_back(port["name"].get<std::string>() + " " + port["device"].get<std::string>());
+    }
+    return ports;
+  }
+  [[nodiscard]] std::vector<std::string> DescriptionsOn(const std::string& devices) const {
+    std::vector<std::string> descriptions;
+    for (const auto& port : ShowOn(devices)) {
+      descriptions.push_back(port.value("description", ""));
+    }
+    return descriptions;
+  }
+
+  [[nodiscard]] nlohmann::json ShowOn(const std::string& devices) const {
     const std::string file = (m_folder.Path() / "devices").string();
     std::ofstream(file) << devices;
     // The tool's library is loaded before the sanitizer's, which asks to be the first otherwise.
@@ -57,16 +72,12 @@ class UdevMachine : public testing::Test {
                                           "--root", Root(), "--json", "connection", "show"},
                                          {"ASAN_OPTIONS=verify_asan_link_order=0"});
     EXPECT_EQ(run.exitCode, 0) << run.err;
-    std::vector<std::string> ports;
     const auto json = nlohmann::json::parse(run.out, nullptr, false);
     if (!json.is_object()) {
       ADD_FAILURE() << run.out << run.err;
-      return ports;
+      return nlohmann::json::array();
     }
-    for (const auto& port : json["ports"]) {
-      ports.push_back(port["name"].get<std::string>() + " " + port["device"].get<std::string>());
-    }
-    return ports;
+    return json["ports"];
   }
   [[nodiscard]] std::string Root() const { return (m_folder.Path() / "root").string(); }
 
@@ -82,6 +93,22 @@ TEST_F(UdevMachine, HasThePortsWithHardwareBehindThemAndNoOtherTerminals) {
                       Adapter("ttyACM0", "1-3", "Z") + Adapter("ttyUSB0", "1-2", "A")),
               ElementsAre("COM1: /dev/ttyS0", "COM2: /dev/ttyUSB0", "COM3: /dev/ttyACM0",
                           "COM4: /dev/rfcomm0"));
+}
+
+TEST_F(UdevMachine, ADeviceIsCalledByItsMakerAndModel) {
+  const auto named = [](const std::string& node, const std::string& names) {
+    std::string device = Adapter(node, "1-" + node, node);
+    return device.insert(device.size() - 1, names);
+  };
+  const std::vector<std::string> expected{"FTDI FT232R USB UART", "Prolific PL2303", "Acme"};
+  EXPECT_EQ(DescriptionsOn(named("ttyUSB0",
+                                 "E: ID_VENDOR_ENC=FTDI\nE: "
+                                 "ID_MODEL_ENC=FT232R\\x20USB\\x20UART\\x20\n") +
+                           named("ttyUSB1",
+                                 "E: ID_VENDOR_FROM_DATABASE=Prolific\nE: "
+                                 "ID_MODEL_FROM_DATABASE=Prolific PL2303\n") +
+                           named("ttyUSB2", "E: ID_VENDOR_ENC=Acme\n")),
+            expected);
 }
 
 TEST_F(UdevMachine, WithoutSerialPortsThereIsNone) { EXPECT_THAT(PortsOn(""), IsEmpty()); }
