@@ -9,6 +9,7 @@
 #include <QStyleOptionButton>
 #include <QVariant>
 #include <algorithm>
+#include <array>
 
 #include "backends/qt/look.h"
 #include "backends/qt/strings.h"
@@ -19,14 +20,17 @@ namespace qt {
 namespace {
 
 /// The distance between a button's edge and its text, in pixels of the desktop.
-constexpr int kButtonMargin = 6;
+constexpr int kButtonMargin = 5;
 constexpr double kSmallestLetters = 0.75;
+/// How wide letters may be, in percent of their usual width, the widest first.
+constexpr std::array<int, 5> kWidths{100, 95, 90, 85, 80};
 /// The property that keeps the given font of a control while it shows a smaller one.
 constexpr const char* kGivenFont = "givenFont";
 
 // Texts come from language files, and their length is unknown. A label grows into the free room on
-// its right. Buttons take smaller letters, all of one size, down to a limit. What is still too long
-// is cut off, and the tool tip shows the whole text.
+// its right. A button takes narrower letters of the same height, so that its text looks as large as
+// that of the labels. If that does not suffice, all buttons take smaller letters, of one size, down
+// to a limit. What is still too long is cut off, and the tool tip shows the whole text.
 
 void FitLabel(Control& control, const QString& text) {
   const int wanted = control.label->fontMetrics().horizontalAdvance(text) + 1;
@@ -66,6 +70,17 @@ void ShowLabel(Control& control, const QString& text) {
   return given.isValid() ? given.value<QFont>() : button.font();
 }
 
+/// Returns the font with the widest letters in which the text fits, or with the narrowest ones.
+[[nodiscard]] QFont FittingWidth(QFont font, const QString& text, int room) {
+  for (const int width : kWidths) {
+    font.setStretch(width);
+    if (QFontMetrics(font).horizontalAdvance(text) <= room) {
+      break;
+    }
+  }
+  return font;
+}
+
 void ShowButton(Control& control, const QString& text) {
   QAbstractButton& button = *control.button;
   QFont font = GivenFont(button);
@@ -73,9 +88,10 @@ void ShowButton(Control& control, const QString& text) {
   if (control.letters > 0) {
     font.setPixelSize(control.letters);
   }
+  const int room = RoomForText(control);
+  font = FittingWidth(font, text, room);
   button.setFont(font);
   const QFontMetrics metrics(font);
-  const int room = RoomForText(control);
   const bool fits = metrics.horizontalAdvance(text) <= room;
   button.setText(WithMnemonic(fits ? text : metrics.elidedText(text, Qt::ElideRight, room),
                               fits ? control.mnemonic : std::nullopt));
@@ -102,6 +118,7 @@ int FittingLetters(const Control& control) {
   QFont font = GivenFont(*control.button);
   const QString text = ToQString(control.text);
   const int smallest = static_cast<int>(font.pixelSize() * kSmallestLetters);
+  font.setStretch(kWidths.back());
   while (QFontMetrics(font).horizontalAdvance(text) > RoomForText(control) &&
          font.pixelSize() > smallest) {
     font.setPixelSize(font.pixelSize() - 1);

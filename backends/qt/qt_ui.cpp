@@ -1,6 +1,8 @@
 #include "backends/qt/qt_ui.h"
 
 #include <QApplication>
+#include <QListWidget>
+#include <QScreen>
 #include <QWindow>
 #include <algorithm>
 #include <future>
@@ -24,6 +26,42 @@ namespace {
 void CentreOver(QWidget& window, const QWidget& below) {
   const QRect area = below.frameGeometry();
   window.move(area.center() - QPoint(window.width() / 2, window.height() / 2));
+}
+
+/// Returns the place on the screen of the line that is selected in a list of `window`. Returns
+/// nothing if there is none in sight.
+std::optional<QRect> FindSelectedLine(const QWidget& window) {
+  for (const QListWidget* list : window.findChildren<QListWidget*>()) {
+    const auto selected = list->selectedItems();
+    if (!list->isVisible() || selected.isEmpty()) {
+      continue;
+    }
+    const QRect line = list->visualItemRect(selected.front()).intersected(list->viewport()->rect());
+    if (!line.isEmpty()) {
+      return QRect(list->viewport()->mapToGlobal(line.topLeft()), line.size());
+    }
+  }
+  return std::nullopt;
+}
+
+/// Puts a question below the line that it is about, else above it. Its text does not name the line,
+/// so the user must see it. If there is no room on the screen, the box stays where it would be.
+void PutNextTo(QWidget& box, const QRect& line, const QWidget& asking) {
+  constexpr int kGap = 6;
+  box.adjustSize();
+  // The title bar of the box is not there yet. That of the window below is as high.
+  const int title = asking.geometry().top() - asking.frameGeometry().top();
+  const int height = box.height() + title;
+  const QRect screen = asking.screen()->availableGeometry();
+  const int below = line.bottom() + kGap;
+  const int above = line.top() - kGap - height;
+  const bool fitsBelow = below + height <= screen.bottom();
+  if (!fitsBelow && above < screen.top()) {
+    return;
+  }
+  const int left = asking.frameGeometry().center().x() - box.width() / 2;
+  const int rightmost = std::max(screen.left(), screen.right() - box.width());
+  box.move(std::clamp(left, screen.left(), rightmost), fitsBelow ? below : above);
 }
 
 }  // namespace
@@ -100,7 +138,13 @@ MessageAnswer QtUi::ShowMessage(const MessageBox& box) {
   }
   Begin();
   AwaitWorkersBoxes();
+  const QWidget* const asking = m_windows->GetTop();
   MessageDialog dialog(box, CaptionOf(box), m_windows->GetTop());
+  const bool isQuestion = Has(box.style, platform::MessageStyle::kOkCancel);
+  const auto line = isQuestion && asking != nullptr ? FindSelectedLine(*asking) : std::nullopt;
+  if (line) {
+    PutNextTo(dialog, *line, *asking);
+  }
   RunModal(dialog);
   return dialog.GetAnswer();
 }

@@ -77,7 +77,9 @@ void PanelWindow::BuildCentre() {
   m_list->setWordWrap(true);
   m_list->setFrameShape(QFrame::NoFrame);
   m_list->setSpacing(4);
-  m_list->setStyleSheet(QStringLiteral("QListWidget { padding: 12px 8px; }"));
+  // The room around the icons has their background: they would touch the edge of it otherwise.
+  m_list->setStyleSheet(
+      QStringLiteral("QListWidget { padding: 12px 8px; background: palette(base); }"));
   connect(m_list, &QListWidget::itemActivated, this, &PanelWindow::OpenCurrent);
   connect(m_list, &QListWidget::currentItemChanged, this, &PanelWindow::DescribeCurrent);
 

@@ -3,6 +3,7 @@
 
 #include <QApplication>
 #include <QLabel>
+#include <QScreen>
 #include <QTest>
 #include <QTimer>
 #include <span>
@@ -96,6 +97,50 @@ TEST_F(PageOneScreen, LearnsPlaysAndDeletesByClicks) {
     EXPECT_EQ(m_user.GetBoxes()[0].caption, "Attention");
     EXPECT_THAT(m_user.GetBoxes()[0].buttons, ElementsAre("ok", "cancel"));
     EXPECT_TRUE(m_user.GetBoxes()[0].isModal);
+  });
+}
+
+TEST_F(PageOneScreen, AQuestionLeavesTheLineInSightThatItIsAbout) {
+  int questions = 0;
+  m_user.SetAnswer([&questions](QDialog& box) {
+    const QListWidget* list = box.parentWidget()->findChild<QListWidget*>();
+    const QRect line = list->visualItemRect(list->selectedItems().front());
+    const QRect onScreen(list->viewport()->mapToGlobal(line.topLeft()), line.size());
+    EXPECT_FALSE(box.frameGeometry().intersects(onScreen)) << questions;
+    EXPECT_TRUE(box.screen()->availableGeometry().contains(box.frameGeometry())) << questions;
+    ++questions;
+    box.reject();
+  });
+  Run([&] {
+    for (int i = 0; i < 4; ++i) {
+      User::Click(kRecordButtonId);
+    }
+    for (const int row : {0, 3}) {
+      User::ChooseLine(kTagListId, row);
+      User::Click(kDeleteButtonId);
+    }
+    // Now there is no room below the line.
+    QWidget* window = User::GetWindow();
+    const QRect screen = window->screen()->availableGeometry();
+    window->move(window->x(), screen.bottom() - window->height());
+    User::Click(kDeleteButtonId);
+  });
+  EXPECT_EQ(questions, 3);
+}
+
+TEST_F(PageOneScreen, LettersOfButtonsAreAsHighAsThoseOfLabels) {
+  Run([] {
+    const int height = User::Find(kCountLabelId)->font().pixelSize();
+    for (const int id :
+         {kRecordButtonId, kPlayButtonId, kDeleteButtonId, kDeleteAllButtonId, kTestButtonId}) {
+      const QPushButton* button = User::FindButton(id);
+      EXPECT_EQ(button->font().pixelSize(), height) << id;
+      EXPECT_LE(button->fontMetrics().horizontalAdvance(button->text().remove(u'&')),
+                button->width() - 8)
+          << id;
+    }
+    EXPECT_LT(User::FindButton(kDeleteAllButtonId)->font().stretch(), 100) << "Narrower ones.";
+    EXPECT_EQ(User::FindButton(kPlayButtonId)->font().stretch(), 100);
   });
 }
 

@@ -82,6 +82,19 @@ TEST_F(Panel, ShowsEveryAppletWithItsNameAndIcon) {
   EXPECT_EQ(Status(), Applet("good"));
 }
 
+TEST_F(Panel, TheIconsDoNotTouchTheEdgeOfTheirBackground) {
+  Show({"good"});
+  ASSERT_TRUE(WaitForName("Alpha"));
+  const QImage picture = m_list->grab().toImage();
+  const QRgb background = m_list->palette().color(QPalette::Base).rgb();
+  constexpr int kRoom = 12;
+  for (int x = 0; x < picture.width(); ++x) {
+    for (int y = 0; y < kRoom; ++y) {
+      ASSERT_EQ(picture.pixel(x, y), background) << x << ", " << y;
+    }
+  }
+}
+
 TEST_F(Panel, ShowsFaultyAppletsWithAPlainIconAndTheReason) {
   m_settings.inquiryLimit = std::chrono::seconds(6);  // Enough for those that answer.
   Show({"crash-at-inquire", "good", "hang-at-inquire", "odd-count"});
