@@ -13,7 +13,7 @@
 #include "benchmarks/full_device.h"
 #include "benchmarks/moments.h"
 #include "framework/dialog.h"
-#include "host/cli/page_run.h"
+#include "host/session/page_run.h"
 #include "host/cli/session.h"
 #include "resources/dialogs.h"
 #include "resources/strings.h"
@@ -90,7 +90,7 @@ std::vector<double> Learn(cli::Session& session) {
   const platform::Platform real = session.GetPlatform();
   MarkedWaveIn waveIn(real.waveIn);
   MarkedWaveOut waveOut;
-  const language::Texts texts = cli::LoadTexts(session);
+  const language::Texts texts = session::LoadTexts(session);
   tags::Page_one page({real.files, waveIn, real.clock, real.threads, real.process, real.ui,
                        real.registry, real.contacts, waveOut, real.shell},
                       texts);

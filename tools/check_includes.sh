@@ -15,7 +15,7 @@ find_wrong() {
     }
     BEGIN {
       rows = split("resources|platform|backends/text|framework|audio language|storage voicemath|" \
-                   "maintenance|connection tags|applet|host/machine|" \
+                   "maintenance|connection tags|applet|host/machine|host/session|" \
                    "host/applet host/cli host/connection host/home host/panel", row, "|")
       for (i = 1; i <= rows; ++i) {
         count = split(row[i], rooms, " ")

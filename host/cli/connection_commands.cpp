@@ -18,8 +18,8 @@
 #include "host/cli/connection_settings.h"
 #include "host/cli/file_arguments.h"
 #include "host/cli/output.h"
-#include "host/cli/page_run.h"
 #include "host/machine/backends.h"
+#include "host/session/page_run.h"
 #include "resources/strings.h"
 #include "storage/registry_file.h"
 
@@ -63,7 +63,7 @@ void RunWithoutWindow(Session& session, platform::Registry& registry,
                       const std::function<void(headless::HeadlessSheet&)>& use) {
   session.GetUi().SetSheetStory(use);
   connection::RunConnectionSheet(session.GetUi(), registry,
-                                 LoadTexts(session)(resources::kSheetCaption));
+                                 session::LoadTexts(session)(resources::kSheetCaption));
 }
 
 Values ReadValues(Session& session, platform::Registry& registry) {

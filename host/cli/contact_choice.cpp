@@ -11,8 +11,8 @@
 
 #include "backends/text/names.h"
 #include "backends/text/utf.h"
-#include "host/cli/contacts_commands.h"
 #include "host/cli/output.h"
+#include "host/session/contact_listing.h"
 #include "resources/dialogs.h"
 #include "tags/phone_kind.h"
 
@@ -94,7 +94,7 @@ class Wanted {
 };
 
 /// Items of the contact combo box.
-std::vector<int> FindContacts(const PageRun& run, const std::string& name) {
+std::vector<int> FindContacts(const session::PageRun& run, const std::string& name) {
   const Wanted wanted(name);
   Likeness best = Likeness::kHoldsWords;
   std::vector<int> found;
@@ -117,14 +117,14 @@ std::vector<int> FindContacts(const PageRun& run, const std::string& name) {
 
 }  // namespace
 
-bool ChooseContact(Session& session, PageRun& run, const std::string& wanted) {
+bool ChooseContact(Session& session, session::PageRun& run, const std::string& wanted) {
   const std::vector<int> found = FindContacts(run, wanted);
   if (found.size() == 1) {
     run.dialog.Choose(kContactComboId, found.front());
     return true;
   }
   if (session.GetContacts().GetProblem() == vcard::AddressBooks::Problem::kNothingChosen) {
-    session.Fail(ExplainContactsProblem(session));
+    session.Fail(session::ExplainContactsProblem(session));
     return false;
   }
   session.Fail(found.empty() ? fmt::format("no contact with a number is called \"{}\"", wanted)
@@ -139,7 +139,7 @@ bool ChooseContact(Session& session, PageRun& run, const std::string& wanted) {
   return false;
 }
 
-bool ChooseNumber(Session& session, PageRun& run, const std::string& kind) {
+bool ChooseNumber(Session& session, session::PageRun& run, const std::string& kind) {
   std::string offered;
   for (int i = 0; i < run.dialog.GetItemCount(kNumberComboId); ++i) {
     const std::u16string item = run.dialog.GetItemText(kNumberComboId, i);

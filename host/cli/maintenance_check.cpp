@@ -12,10 +12,11 @@
 
 #include "backends/headless/headless_ui.h"
 #include "backends/text/utf.h"
-#include "host/cli/contacts_commands.h"
 #include "host/cli/output.h"
-#include "host/cli/quality_output.h"
-#include "host/cli/tag_reading.h"
+#include "host/cli/tag_output.h"
+#include "host/session/contact_listing.h"
+#include "host/session/quality_words.h"
+#include "host/session/tag_reading.h"
 #include "maintenance/store_check.h"
 #include "storage/deletion.h"
 #include "storage/folders.h"
@@ -97,7 +98,7 @@ std::vector<Advice> FindAdvice(Session& session, const platform::Platform& platf
     }
     return {};
   }
-  const std::vector<maintenance::JudgedTag> judged = ToJudged(*tags);
+  const std::vector<maintenance::JudgedTag> judged = session::ToJudged(*tags);
   const auto qualities = maintenance::JudgeTags(platform, judged);
   std::vector<Advice> advice;
   for (std::size_t i = 0; i < tags->size(); ++i) {
@@ -110,14 +111,14 @@ std::vector<Advice> FindAdvice(Session& session, const platform::Platform& platf
       return checked.finding.tag == (*tags)[i].name;
     });
     if (!isFound) {
-      ReportProblem(session, (*tags)[i]);
+      session::ReportProblem(session, (*tags)[i]);
     }
     if (!isFound && qualities[i].hasUnreadFile) {
-      ReportUnjudged(session, (*tags)[i]);
+      session::ReportUnjudged(session, (*tags)[i]);
     }
     if (!isFault && qualities[i].HasVerdicts()) {
-      advice.push_back(
-          {(*tags)[i], QualityToJson(qualities[i], judged), DescribeAll(qualities[i], *tags)});
+      advice.push_back({(*tags)[i], QualityToJson(qualities[i], judged),
+                        session::DescribeAll(qualities[i], *tags)});
     }
   }
   return advice;
@@ -133,7 +134,7 @@ CheckedStore FindProblems(Session& session, const platform::Platform& platform) 
   if (isAway) {
     checked.findings.push_back({{StoreProblem::kContactsAway, {}, {}},
                                 fmt::format("{}: {}", Describe(StoreProblem::kContactsAway),
-                                            ExplainContactsProblem(session)),
+                                            session::ExplainContactsProblem(session)),
                                 "",
                                 false,
                                 ""});

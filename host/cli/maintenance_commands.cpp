@@ -12,7 +12,7 @@
 
 #include "backends/text/utf.h"
 #include "host/cli/output.h"
-#include "host/cli/page_run.h"
+#include "host/session/page_run.h"
 #include "maintenance/store_check.h"
 #include "resources/dialogs.h"
 #include "storage/device_paths.h"
@@ -100,7 +100,7 @@ bool HaveNewTemplates(const platform::Platform& own) {
 // The page itself decides whether templates are old: it compares the recorded version of the
 // mathematics with its own. To force it, the recorded version is removed, and the page is asked to
 // look again. What the page does not report is looked for afterwards in the store.
-void RunReinit(Session& session, PageRun& run, bool isForced, ReinitOutcome& outcome) {
+void RunReinit(Session& session, session::PageRun& run, bool isForced, ReinitOutcome& outcome) {
   outcome.tags = run.page.GetTags().tagCount;
   if (isForced && !run.wasReinitialized && outcome.tags > 0) {
     if (const auto forgotten = ForgetVersion(session.GetRegistry()); !forgotten) {
@@ -114,7 +114,7 @@ void RunReinit(Session& session, PageRun& run, bool isForced, ReinitOutcome& out
   }
   outcome.hasRun = run.wasReinitialized;
   CountRecordings(session.GetPlatform(), run.page.GetTags(), outcome);
-  if (!ListsAllTags(session, run)) {
+  if (!session::ListsAllTags(session, run)) {
     session.Fail(
         "not all voice tags could be listed; `voxtrel check` says what is wrong with them");
   }
@@ -175,8 +175,9 @@ void PrintReinit(Session& session, const ReinitOutcome& outcome) {
 
 void Reinit(Session& session, bool isForced) {
   ReinitOutcome outcome;
-  RunPage(
-      session, Contacts::kNeeded, [&](PageRun& run) { RunReinit(session, run, isForced, outcome); },
+  session::RunPage(
+      session, session::Contacts::kNeeded,
+      [&](session::PageRun& run) { RunReinit(session, run, isForced, outcome); },
       [&](const tags::Page_one& page) { NoteEndedReinit(session, page, outcome); });
   ReportTagsWithoutRecording(session, outcome);
   PrintReinit(session, outcome);

@@ -6,9 +6,9 @@
 #include <utility>
 #include <vector>
 
-#include "host/cli/contacts_commands.h"
 #include "host/cli/output.h"
-#include "host/cli/tag_reading.h"
+#include "host/session/contact_listing.h"
+#include "host/session/tag_reading.h"
 #include "tags/contact_reading.h"
 
 namespace cli {
@@ -23,17 +23,17 @@ struct FoundContacts {
 FoundContacts FindContacts(Session& session) {
   const platform::Platform platform = session.GetPlatform();
   if (!tags::OpenContacts(session.GetContacts(), platform.clock)) {
-    return {0, ExplainContactsProblem(session), DescribeContactRemarks(session)};
+    return {0, session::ExplainContactsProblem(session), session::DescribeContactRemarks(session)};
   }
   if (session.GetContacts().GetProblem() == vcard::AddressBooks::Problem::kNothingChosen) {
-    return {0, ExplainContactsProblem(session), {}};
+    return {0, session::ExplainContactsProblem(session), {}};
   }
-  const auto contacts = ListContacts(session, language::Texts(nullptr));
+  const auto contacts = session::ListContacts(session, language::Texts(nullptr));
   if (!contacts) {
     return {0, "the contacts cannot be listed", {}};
   }
   return {contacts->size(), contacts->empty() ? "no contact has a telephone number" : "",
-          DescribeContactRemarks(session)};
+          session::DescribeContactRemarks(session)};
 }
 
 void Print(const FoundContacts& contacts, std::uint32_t microphones) {
@@ -55,7 +55,7 @@ void ShowStatus(Session& session) {
   }
   const FoundContacts contacts = FindContacts(session);
   // Only for what it says on standard error: no tag is needed here.
-  static_cast<void>(ListTagNames(session));
+  static_cast<void>(session::ListTagNames(session));
   const std::uint32_t microphones = session.GetPlatform().waveIn.GetDeviceCount();
   if (session.GetOptions().json) {
     Json ofContacts = {{"count", contacts.count}, {"problem", contacts.problem}};

@@ -12,11 +12,12 @@
 #include "audio/wave_header.h"
 #include "backends/text/utf.h"
 #include "host/cli/contact_choice.h"
-#include "host/cli/explanations.h"
 #include "host/cli/output.h"
-#include "host/cli/page_run.h"
-#include "host/cli/quality_output.h"
-#include "host/cli/tag_reading.h"
+#include "host/cli/tag_output.h"
+#include "host/session/explanations.h"
+#include "host/session/page_run.h"
+#include "host/session/quality_words.h"
+#include "host/session/tag_reading.h"
 #include "language/texts.h"
 #include "resources/dialogs.h"
 #include "resources/fault_strings.h"
@@ -31,7 +32,7 @@ using resources::kRecordButtonId;
 using resources::kTagListId;
 
 /// Returns the tag of a line of the page.
-tags::ListedTag ReadTagOfLine(Session& session, const PageRun& run, std::int32_t index) {
+tags::ListedTag ReadTagOfLine(Session& session, const session::PageRun& run, std::int32_t index) {
   tags::ListedTag tag;
   tag.name = run.page.GetTagOfLine(index);
   tag.text = run.dialog.GetItemText(kTagListId, index);
@@ -58,20 +59,20 @@ void ListTags(Session& session) {
   if (!session.OpenForReading()) {
     return;
   }
-  const auto tags = ReadTags(session);
+  const auto tags = session::ReadTags(session);
   if (!tags) {
     session.Fail(tags.error());
     return;
   }
   if (session.GetOptions().json) {
-    const std::vector<maintenance::JudgedTag> judged = ToJudged(*tags);
+    const std::vector<maintenance::JudgedTag> judged = session::ToJudged(*tags);
     const auto qualities = maintenance::JudgeTags(session.GetPlatform(), judged);
     Json list = Json::array();
     for (std::size_t i = 0; i < tags->size(); ++i) {
       list.push_back(ToJson(session, (*tags)[i]));
       list.back()["quality"] = QualityToJson(qualities[i], judged);
       if (qualities[i].hasUnreadFile) {
-        ReportUnjudged(session, (*tags)[i]);
+        session::ReportUnjudged(session, (*tags)[i]);
       }
     }
     session.SetJson(list);
@@ -79,7 +80,7 @@ void ListTags(Session& session) {
   }
   std::ranges::for_each(*tags, PrintTag);
   PrintLine(text::ToUtf8(
-      language::CountLabel(LoadTexts(session), static_cast<std::int32_t>(tags->size()))));
+      language::CountLabel(session::LoadTexts(session), static_cast<std::int32_t>(tags->size()))));
 }
 
 /// Returns whether the file that stands for the microphone can be heard, before anybody is asked to
@@ -105,25 +106,25 @@ std::string ExplainNoTag(const Session& session, const tags::Page_one& page) {
   const int code = page.GetRecordCode();
   std::string reason;
   if (const auto error = page.GetLearnError()) {
-    reason = ExplainFileError(*error);
+    reason = session::ExplainFileError(*error);
   } else if (code != audio::kRecorded) {
-    reason = ExplainRecordCode(session, code);
+    reason = session::ExplainRecordCode(session, code);
   }
   return reason.empty() ? reason : ": " + reason;
 }
 
 /// Says what is wrong with a tag that has just been learned, and prints it as `tags list` does.
-void PrintLearned(Session& session, PageRun& run, std::int32_t index) {
+void PrintLearned(Session& session, session::PageRun& run, std::int32_t index) {
   const std::int32_t count = run.dialog.GetItemCount(kTagListId);
   std::vector<tags::ListedTag> tags;
   tags.reserve(static_cast<std::size_t>(count));
   for (std::int32_t i = 0; i < count; ++i) {
     tags.push_back(ReadTagOfLine(session, run, i));
   }
-  const std::vector<maintenance::JudgedTag> judged = ToJudged(tags);
+  const std::vector<maintenance::JudgedTag> judged = session::ToJudged(tags);
   const auto place = static_cast<std::size_t>(index);
   const auto quality = maintenance::JudgeTag(session.GetPlatform(), judged, place);
-  const std::vector<std::string> warnings = DescribeAll(quality, tags);
+  const std::vector<std::string> warnings = session::DescribeAll(quality, tags);
   for (const std::string& warning : warnings) {
     PrintErrorLine("voxtrel: warning: the recording: " + warning);
   }
@@ -143,7 +144,7 @@ void PrintLearned(Session& session, PageRun& run, std::int32_t index) {
 // the page's button, and looks whether the list has a new line. Everything that the page refuses is
 // so refused here.
 void Learn(Session& session, const std::string& contact, const std::string& kind) {
-  RunPage(session, Contacts::kNeeded, [&](PageRun& run) {
+  session::RunPage(session, session::Contacts::kNeeded, [&](session::PageRun& run) {
     if (!ChooseContact(session, run, contact) ||
         (!kind.empty() && !ChooseNumber(session, run, kind)) || !CanHear(session)) {
       return;
@@ -153,12 +154,13 @@ void Learn(Session& session, const std::string& contact, const std::string& kind
     }
     const int before = run.dialog.GetItemCount(kTagListId);
     {
-      const QuickScope quick(session.GetClock(), session.HearsFile() && session.PlaysIntoFile());
+      const session::QuickScope quick(session.GetClock(),
+                                      session.HearsFile() && session.PlaysIntoFile());
       run.dialog.Press(kRecordButtonId);
     }
     if (run.dialog.GetItemCount(kTagListId) == before) {
       if (session.GetOptions().json && run.page.GetRecordCode() == audio::kDeviceLost) {
-        session.SetJson({{"quality", QualityToJson(InterruptedTake())}});
+        session.SetJson({{"quality", QualityToJson(session::InterruptedTake())}});
       }
       session.Fail("no tag was learned" + ExplainNoTag(session, run.page));
       return;
@@ -167,7 +169,7 @@ void Learn(Session& session, const std::string& contact, const std::string& kind
     const int code = run.page.GetPlayCode();
     if (!session.GetOptions().json && code != audio::kPlayed) {
       PrintErrorLine(
-          fmt::format("The recording was not played: {}", ExplainPlayCode(session, code)));
+          fmt::format("The recording was not played: {}", session::ExplainPlayCode(session, code)));
     }
   });
 }
@@ -177,14 +179,14 @@ std::string ExplainNoSuchTag(const std::string& name) {
 }
 
 /// Selects the tag of that name. Reports it if there is none.
-bool SelectTag(Session& session, PageRun& run, const std::string& name) {
+bool SelectTag(Session& session, session::PageRun& run, const std::string& name) {
   for (int i = 0; i < run.dialog.GetItemCount(kTagListId); ++i) {
     if (run.page.GetTagOfLine(i) == text::FromUtf8(name)) {
       run.dialog.Choose(kTagListId, i);
       return true;
     }
   }
-  session.Fail(ListsAllTags(session, run)
+  session.Fail(session::ListsAllTags(session, run)
                    ? ExplainNoSuchTag(name)
                    : fmt::format("tag {} could not be listed, and others could not either; "
                                  "`voxtrel check` says what is wrong with them",
@@ -207,16 +209,17 @@ void PlayTag(Session& session, const std::string& name) {
     session.Fail(ExplainNoSuchTag(name));
     return;
   }
-  RunPage(session, Contacts::kOptional, [&](PageRun& run) {
+  session::RunPage(session, session::Contacts::kOptional, [&](session::PageRun& run) {
     if (!SelectTag(session, run, name)) {
       return;
     }
-    const QuickScope quick(session.GetClock(), session.PlaysIntoFile());
+    const session::QuickScope quick(session.GetClock(), session.PlaysIntoFile());
     run.dialog.Press(resources::kPlayButtonId);
     const int code = run.page.GetPlayCode();
     PrintResult(session, code);
     if (code != audio::kPlayed) {
-      session.Fail(fmt::format("tag {} was not played: {}", name, ExplainPlayCode(session, code)));
+      session.Fail(
+          fmt::format("tag {} was not played: {}", name, session::ExplainPlayCode(session, code)));
     }
   });
 }
@@ -237,7 +240,7 @@ std::ptrdiff_t CountProblems(Session& session) {
 }
 
 /// Presses a button that deletes. It has worked if the list became shorter and nothing was left.
-void PressDelete(Session& session, PageRun& run, int button, const char* failure) {
+void PressDelete(Session& session, session::PageRun& run, int button, const char* failure) {
   const int before = run.dialog.GetItemCount(kTagListId);
   const std::ptrdiff_t problems = CountProblems(session);
   run.dialog.Press(button);
@@ -259,7 +262,7 @@ void Delete(Session& session, const std::string& name) {
     return;
   }
   const bool wasThere = ReadEntry(session, name).has_value();
-  RunPage(session, Contacts::kOptional, [&](PageRun& run) {
+  session::RunPage(session, session::Contacts::kOptional, [&](session::PageRun& run) {
     const auto entry = ReadEntry(session, name);
     if (wasThere && !entry && entry.error() == platform::RegistryError::kNotFound) {
       // The page that opened moved it to the trash, since its contact has gone: it is deleted.
@@ -271,8 +274,8 @@ void Delete(Session& session, const std::string& name) {
 }
 
 void DeleteAll(Session& session) {
-  RunPage(session, Contacts::kOptional, [&](PageRun& run) {
-    if (run.dialog.GetItemCount(kTagListId) == 0 && ListsAllTags(session, run)) {
+  session::RunPage(session, session::Contacts::kOptional, [&](session::PageRun& run) {
+    if (run.dialog.GetItemCount(kTagListId) == 0 && session::ListsAllTags(session, run)) {
       PrintResult(session, 0);
       return;
     }

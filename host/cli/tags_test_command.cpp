@@ -9,9 +9,9 @@
 
 #include "backends/text/utf.h"
 #include "host/cli/output.h"
-#include "host/cli/page_run.h"
-#include "host/cli/tag_reading.h"
 #include "host/cli/waiting.h"
+#include "host/session/page_run.h"
+#include "host/session/tag_reading.h"
 #include "maintenance/maintenance_dialog.h"
 #include "maintenance/test_dialog.h"
 #include "resources/dialogs.h"
@@ -77,7 +77,7 @@ void Test(Session& session) {
   if (!session.OpenForReading()) {
     return;
   }
-  const auto tags = ReadTags(session);
+  const auto tags = session::ReadTags(session);
   if (!tags) {
     session.Fail(tags.error());
     return;
@@ -85,7 +85,7 @@ void Test(Session& session) {
   const storage::TagTable table = tags::ToTable(*tags);
   const platform::Platform platform = session.GetPlatform();
   ReadSession read(table, platform);
-  maintenance::TestDialog dialog(platform, LoadTexts(session));
+  maintenance::TestDialog dialog(platform, session::LoadTexts(session));
   dialog.set_Pageone_point(&read);
   std::vector<std::u16string> items;
   session.GetUi().SetDialogStory(resources::kTestResultsDialog.id,

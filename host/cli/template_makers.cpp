@@ -13,9 +13,9 @@
 #include <vector>
 
 #include "host/cli/band_picture.h"
-#include "host/cli/explanations.h"
 #include "host/cli/file_arguments.h"
 #include "host/cli/output.h"
+#include "host/session/explanations.h"
 #include "voicemath/recording_review.h"
 #include "voicemath/template_file.h"
 #include "voicemath/voice_mathematics.h"
@@ -134,7 +134,10 @@ class TemplateMaker {
 
   void Run() {
     const auto review = voicemath::ReviewRecording(m_mathematics, m_learns);
-    m_warnings = WarnOfOddities(review, m_files.wave.GetName());
+    m_warnings = review ? session::DescribeOddities(*review) : std::vector<std::string>();
+    for (const std::string& warning : m_warnings) {
+      m_session.Warn(fmt::format("warning: {}: {}", m_files.wave.GetName(), warning));
+    }
     // All that can be known to fail is known before the recording is cut.
     if (review && (!HasEnough(*review) || (m_learns && !CanLearn(*review)))) {
       PrintResult(voicemath::kNotProcessed);
@@ -164,7 +167,8 @@ class TemplateMaker {
     const auto target = TryToWrite(m_platform.files, m_files.st.GetPath(), bytes);
     if (!target) {
       m_session.Fail(fmt::format("{}: it cannot be made: {}; {} was left as it is",
-                                 m_files.st.GetName(), ExplainFileError(target.error()), wave));
+                                 m_files.st.GetName(), session::ExplainFileError(target.error()),
+                                 wave));
       return false;
     }
     if (!m_files.keep) {
@@ -174,7 +178,8 @@ class TemplateMaker {
         CopyRecording(m_platform.files, m_mathematics.m_wavePath, m_files.keep->GetPath());
     if (!kept) {
       m_session.Fail(fmt::format("{}: the original cannot be kept there: {}; {} was left as it is",
-                                 m_files.keep->GetName(), ExplainFileError(kept.error()), wave));
+                                 m_files.keep->GetName(), session::ExplainFileError(kept.error()),
+                                 wave));
     }
     return kept.has_value();
   }
@@ -198,12 +203,12 @@ class TemplateMaker {
 
   [[nodiscard]] std::string ExplainFailure() {
     const std::optional<FileError> trimming = m_mathematics.m_trimError;
-    const int code = CheckHeader(m_mathematics, m_mathematics.m_wavePath);
+    const int code = session::CheckHeader(m_mathematics, m_mathematics.m_wavePath);
     if (code != voicemath::kHeaderAccepted) {
-      return ExplainHeaderCode(code);
+      return session::ExplainHeaderCode(code);
     }
     const std::string words = "it cannot be read or rewritten";
-    return trimming ? words + ": " + ExplainFileError(*trimming) : words;
+    return trimming ? words + ": " + session::ExplainFileError(*trimming) : words;
   }
 
   void WriteTemplate() {
@@ -211,7 +216,7 @@ class TemplateMaker {
         voicemath::ReplaceTemplateFile(m_platform.files, m_files.st.GetPath(), m_mathematics);
     if (!written) {
       m_session.Fail(fmt::format("{}: it cannot be made: {}", m_files.st.GetName(),
-                                 ExplainFileError(written.error())));
+                                 session::ExplainFileError(written.error())));
       return;
     }
     m_files.st.Send(m_session);

@@ -62,13 +62,6 @@ void Watch(headless::HeadlessDialog& window, std::string_view what,
 
 }  // namespace
 
-void SessionClock::Sleep(std::uint32_t milliseconds) {
-  constexpr std::uint32_t kQuicker = 100;
-  const std::uint32_t slept = m_isQuick ? milliseconds / kQuicker : milliseconds;
-  m_clock.Sleep(slept);
-  m_skipped += milliseconds - slept;
-}
-
 ProgressClock::ProgressClock(platform::Clock& clock, std::uint32_t recordingMilliseconds,
                              std::string_view label)
     : m_clock(clock),

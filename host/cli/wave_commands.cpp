@@ -8,11 +8,12 @@
 
 #include "audio/wave_device.h"
 #include "audio/wave_header.h"
-#include "host/cli/explanations.h"
 #include "host/cli/file_arguments.h"
 #include "host/cli/output.h"
-#include "host/cli/quality_output.h"
+#include "host/cli/tag_output.h"
 #include "host/cli/waiting.h"
+#include "host/session/explanations.h"
+#include "host/session/quality_words.h"
 #include "voicemath/voice_mathematics.h"
 
 namespace cli {
@@ -39,7 +40,7 @@ void Record(Session& session, const std::string& name, std::uint32_t millisecond
     session.Fail(file.error());
     return;
   }
-  const QuickScope quick(session.GetClock(), session.HearsFile());
+  const session::QuickScope quick(session.GetClock(), session.HearsFile());
   ProgressClock clock(session.GetPlatform().clock, milliseconds,
                       session.HearsFile() ? "Reading" : "Speak now");
   audio::WaveDevice device(session.GetPlatform(clock));
@@ -49,7 +50,7 @@ void Record(Session& session, const std::string& name, std::uint32_t millisecond
   if (session.GetOptions().json) {
     Json json{{"code", code}, {"bytes", device.GetRecordedBytes()}};
     if (code == audio::kDeviceLost) {
-      json["quality"] = QualityToJson(InterruptedTake());
+      json["quality"] = QualityToJson(session::InterruptedTake());
     }
     session.SetJson(json);
   } else if (code == audio::kRecorded && !file->IsStream()) {
@@ -60,14 +61,15 @@ void Record(Session& session, const std::string& name, std::uint32_t millisecond
     file->Send(session);
   } else {
     const auto error = device.GetFileError();
-    const std::string reason = error ? ExplainFileError(*error) : ExplainRecordCode(session, code);
+    const std::string reason =
+        error ? session::ExplainFileError(*error) : session::ExplainRecordCode(session, code);
     session.Fail(fmt::format("{} was not recorded{}{}", file->GetName(), reason.empty() ? "" : ": ",
                              reason));
   }
 }
 
 void PlayWave(Session& session, const FileArgument& file) {
-  const QuickScope quick(session.GetClock(), session.PlaysIntoFile());
+  const session::QuickScope quick(session.GetClock(), session.PlaysIntoFile());
   audio::WaveDevice device(session.GetPlatform());
   const int code = device.Play(file.GetPath());
   if (session.GetOptions().json) {
@@ -76,8 +78,8 @@ void PlayWave(Session& session, const FileArgument& file) {
     PrintLine(fmt::format("Played {}", file.GetName()));
   }
   if (code != audio::kPlayed) {
-    session.Fail(
-        fmt::format("{} was not played: {}", file.GetName(), ExplainPlayCode(session, code)));
+    session.Fail(fmt::format("{} was not played: {}", file.GetName(),
+                             session::ExplainPlayCode(session, code)));
   }
 }
 
@@ -85,7 +87,7 @@ void PrintVerdicts(const std::string& file,
                    const platform::Result<voicemath::TakeQuality, voicemath::ReviewError>& take) {
   if (take) {
     for (const voicemath::Verdict verdict : take->verdicts) {
-      PrintLine(fmt::format("{}: {}", file, DescribeVerdict(verdict, *take)));
+      PrintLine(fmt::format("{}: {}", file, session::DescribeVerdict(verdict, *take)));
     }
   }
 }
@@ -93,7 +95,7 @@ void PrintVerdicts(const std::string& file,
 void CheckWave(Session& session, const FileArgument& file) {
   const platform::Platform platform = session.GetPlatform();
   voicemath::CVoiceMathematics mathematics(platform.files, platform.ui);
-  const int code = CheckHeader(mathematics, file.GetPath());
+  const int code = session::CheckHeader(mathematics, file.GetPath());
   mathematics.m_wavePath = file.GetPath();
   const auto take = voicemath::JudgeRecording(mathematics);
   if (session.GetOptions().json) {
@@ -107,7 +109,7 @@ void CheckWave(Session& session, const FileArgument& file) {
     PrintVerdicts(file.GetName(), take);
   }
   if (code != voicemath::kHeaderAccepted) {
-    session.Fail(fmt::format("{}: {}", file.GetName(), ExplainHeaderCode(code)));
+    session.Fail(fmt::format("{}: {}", file.GetName(), session::ExplainHeaderCode(code)));
   }
 }
 

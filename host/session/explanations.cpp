@@ -1,4 +1,4 @@
-#include "host/cli/explanations.h"
+#include "host/session/explanations.h"
 
 #include <fmt/format.h>
 
@@ -6,10 +6,9 @@
 
 #include "audio/wave_device.h"
 #include "audio/wave_header.h"
-#include "host/cli/output.h"
 #include "voicemath/constants.h"
 
-namespace cli {
+namespace session {
 namespace {
 
 // The codes are the documented ones of the recorder, the player and the header check. Each has its
@@ -108,36 +107,6 @@ std::string RecordCodeInWords(int code) {
   }
 }
 
-/// What is odd about a recording that was taken all the same. Nothing forbids it: a user may want
-/// it.
-std::vector<std::string> DescribeOddities(const voicemath::RecordingReview& review) {
-  std::vector<std::string> sentences;
-  if (review.rate != audio::kRecordingRate) {
-    sentences.push_back(fmt::format(
-        "it has {} samples a second, which are taken for 11025; its template fits no speech",
-        review.rate));
-  }
-  if (std::ranges::find(review.quality.verdicts, voicemath::Verdict::kSilent) !=
-          review.quality.verdicts.end() &&
-      !review.isEmpty) {
-    sentences.emplace_back("it is silent");
-  }
-  if (review.isLong) {
-    sentences.push_back(
-        fmt::format("it is longer than 60 s ({:.1f} s)",
-                    static_cast<double>(review.samples) / voicemath::kSamplesPerSecond));
-  }
-  if (review.isSpeechTooLate) {
-    sentences.emplace_back(
-        "its speech ends after 163 s, which is too late to find it; another part is used");
-  }
-  if (review.hasNoFrame) {
-    sentences.emplace_back(
-        "the part that is used is shorter than a frame of 1024 samples, so its template is empty");
-  }
-  return sentences;
-}
-
 }  // namespace
 
 std::string ExplainFileError(platform::FileError error) {
@@ -177,14 +146,14 @@ std::string ExplainHeaderCode(int code) {
 }
 
 std::string ExplainPlayCode(const Session& session, int code) {
-  const std::string& speaker = session.GetOptions().machine.speaker;
+  const std::string& speaker = session.GetMachineOptions().speaker;
   const bool isUnwritten = code == audio::kOutputNotOpened || code == audio::kNotWritten;
   const std::string link = isUnwritten ? Session::ExplainLink(speaker) : std::string();
   return fmt::format("{} (code {})", link.empty() ? InWords(code, !speaker.empty()) : link, code);
 }
 
 std::string ExplainRecordCode(const Session& session, int code) {
-  const std::string& microphone = session.GetOptions().machine.microphone;
+  const std::string& microphone = session.GetMachineOptions().microphone;
   std::string words = microphone.empty() ? std::string() : RecordCodeOfFile(code, microphone);
   if (words.empty()) {
     words = RecordCodeInWords(code);
@@ -192,15 +161,33 @@ std::string ExplainRecordCode(const Session& session, int code) {
   return words.empty() || code < 0 ? words : fmt::format("{} (code {})", words, code);
 }
 
-std::vector<std::string> WarnOfOddities(
-    const platform::Result<voicemath::RecordingReview, voicemath::ReviewError>& review,
-    const std::string& name) {
-  std::vector<std::string> warnings =
-      review ? DescribeOddities(*review) : std::vector<std::string>();
-  for (const std::string& warning : warnings) {
-    PrintErrorLine(fmt::format("voxtrel: warning: {}: {}", name, warning));
+// Nothing forbids an odd recording: a user may want it.
+std::vector<std::string> DescribeOddities(const voicemath::RecordingReview& review) {
+  std::vector<std::string> sentences;
+  if (review.rate != audio::kRecordingRate) {
+    sentences.push_back(fmt::format(
+        "it has {} samples a second, which are taken for 11025; its template fits no speech",
+        review.rate));
   }
-  return warnings;
+  if (std::ranges::find(review.quality.verdicts, voicemath::Verdict::kSilent) !=
+          review.quality.verdicts.end() &&
+      !review.isEmpty) {
+    sentences.emplace_back("it is silent");
+  }
+  if (review.isLong) {
+    sentences.push_back(
+        fmt::format("it is longer than 60 s ({:.1f} s)",
+                    static_cast<double>(review.samples) / voicemath::kSamplesPerSecond));
+  }
+  if (review.isSpeechTooLate) {
+    sentences.emplace_back(
+        "its speech ends after 163 s, which is too late to find it; another part is used");
+  }
+  if (review.hasNoFrame) {
+    sentences.emplace_back(
+        "the part that is used is shorter than a frame of 1024 samples, so its template is empty");
+  }
+  return sentences;
 }
 
-}  // namespace cli
+}  // namespace session

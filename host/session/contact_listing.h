@@ -4,12 +4,12 @@
 #include <string>
 #include <vector>
 
-#include "host/cli/session.h"
+#include "host/session/session.h"
 #include "language/texts.h"
 #include "platform/result.h"
 #include "tags/contact_messages.h"
 
-namespace cli {
+namespace session {
 
 /// One contact as both combo boxes of the Learning page show it.
 struct ListedContact {
@@ -27,7 +27,7 @@ struct ListedContact {
 /// Returns what the latest log-on to the contacts passed over, each as "FILE:LINE: sentence".
 [[nodiscard]] std::vector<std::string> DescribeContactRemarks(Session& session);
 
-/// Returns what a user can do about a log-on to the contacts that failed or found none.
+/// Returns why a log-on to the contacts failed or found none, with what the user can do about it.
 [[nodiscard]] std::string ExplainContactsProblem(Session& session);
 
-}  // namespace cli
+}  // namespace session

@@ -4,12 +4,11 @@
 #include <string>
 #include <vector>
 
-#include "host/cli/output.h"
-#include "host/cli/session.h"
+#include "host/session/session.h"
 #include "maintenance/tag_quality.h"
 #include "tags/tag_reader.h"
 
-namespace cli {
+namespace session {
 
 /// Returns the tags for maintenance::JudgeTags, in the same order.
 [[nodiscard]] std::vector<maintenance::JudgedTag> ToJudged(std::span<const tags::ListedTag> tags);
@@ -24,15 +23,6 @@ InterruptedTake() {
 /// Reports that a file of the tag is there and cannot be read.
 void ReportUnjudged(Session& session, const tags::ListedTag& tag);
 
-/// Returns {"verdicts","peakDb","snrDb","tooAlike"} of a recording by itself, or null if it could
-/// not be read. A number that is not known is null.
-[[nodiscard]] Json QualityToJson(
-    const platform::Result<voicemath::TakeQuality, voicemath::ReviewError>& take);
-
-/// Returns the same of a tag among `tags`, with the tags that are too alike.
-[[nodiscard]] Json QualityToJson(const maintenance::TagQuality& quality,
-                                 std::span<const maintenance::JudgedTag> tags);
-
 /// Returns a verdict on a recording as a sentence without a full stop. That of kTooAlike does not
 /// name the tag.
 [[nodiscard]] std::string DescribeVerdict(voicemath::Verdict verdict,
@@ -42,4 +32,4 @@ void ReportUnjudged(Session& session, const tags::ListedTag& tag);
 [[nodiscard]] std::vector<std::string> DescribeAll(const maintenance::TagQuality& quality,
                                                    std::span<const tags::ListedTag> tags);
 
-}  // namespace cli
+}  // namespace session

@@ -1,4 +1,4 @@
-#include "host/cli/tag_reading.h"
+#include "host/session/tag_reading.h"
 
 #include <fmt/format.h>
 
@@ -6,13 +6,13 @@
 #include <string>
 
 #include "backends/text/utf.h"
-#include "host/cli/contacts_commands.h"
+#include "host/session/contact_listing.h"
 #include "storage/device_paths.h"
 #include "storage/registry_file.h"
 #include "storage/registry_keys.h"
 #include "tags/contact_reading.h"
 
-namespace cli {
+namespace session {
 namespace {
 
 /// Reads all tags as one state of the store. Nobody waits for that, since nothing is written.
@@ -49,8 +49,7 @@ void ReportProblem(Session& session, const tags::ListedTag& tag) {
 }
 
 void WarnOfContacts(Session& session) {
-  PrintErrorLine("voxtrel: the tags are used without their contacts: " +
-                 ExplainContactsProblem(session));
+  session.Warn("the tags are used without their contacts: " + ExplainContactsProblem(session));
 }
 
 platform::Result<std::vector<std::u16string>, platform::RegistryError> ListTagNames(
@@ -60,16 +59,16 @@ platform::Result<std::vector<std::u16string>, platform::RegistryError> ListTagNa
     return platform::Failure(list.error());
   }
   if (list->passedOver > 0) {
-    PrintErrorLine(fmt::format("voxtrel: {}: {}", session.GetRegistryPath().native(),
-                               session.FindUnusableKey(storage::kTagKey).value_or("")));
+    session.Warn(fmt::format("{}: {}", session.GetRegistryPath().native(),
+                             session.FindUnusableKey(storage::kTagKey).value_or("")));
   }
   return std::move(list->names);
 }
 
-// A reading command opens no page, since a page cleans up. So it reads what the page would list:
-// first the names alone, because a store without tags needs no address book, which may take seconds
-// to answer. Then all tags in one transaction, so that a tag is never listed with half of its
-// entry.
+// A task that only reads opens no page, since a page cleans up. So it reads what the page would
+// list: first the names alone, because a store without tags needs no address book, which may take
+// seconds to answer. Then all tags in one transaction, so that a tag is never listed with half of
+// its entry.
 platform::Result<std::vector<tags::ListedTag>, std::string> ReadTags(Session& session) {
   const platform::Platform platform = session.GetPlatform();
   const auto names = ListTagNames(session);
@@ -94,14 +93,4 @@ platform::Result<std::vector<tags::ListedTag>, std::string> ReadTags(Session& se
   return std::move(*read);
 }
 
-Json ToJson(const Session& session, const tags::ListedTag& tag) {
-  return {{"name", text::ToUtf8(tag.name)},
-          {"contact", tag.entry.oid ? Json(*tag.entry.oid) : Json()},
-          {"phoneType", text::ToUtf8(tag.entry.phoneType)},
-          {"text", text::ToUtf8(tag.text)},
-          {"wave", session.ToHostPath(storage::WavePath(tag.name))},
-          {"template", session.ToHostPath(storage::TemplatePath(tag.name))},
-          {"stale", tag.isStale}};
-}
-
-}  // namespace cli
+}  // namespace session

@@ -1,21 +1,13 @@
-#include "host/cli/quality_output.h"
+#include "host/session/quality_words.h"
 
 #include <fmt/format.h>
 
-#include <cmath>
-
 #include "backends/text/utf.h"
 
-namespace cli {
-namespace {
+namespace session {
 
 using voicemath::TakeQuality;
 using voicemath::Verdict;
-
-/// Returns a level in whole tenths of a decibel. More digits would be no truer.
-double ToTenths(double decibels) { return std::round(decibels * 10) / 10; }
-
-}  // namespace
 
 std::vector<maintenance::JudgedTag> ToJudged(std::span<const tags::ListedTag> tags) {
   std::vector<maintenance::JudgedTag> judged;
@@ -30,32 +22,6 @@ void ReportUnjudged(Session& session, const tags::ListedTag& tag) {
   session.Fail(fmt::format(
       "voice tag {} cannot be judged, since its recording or its template cannot be read",
       text::ToUtf8(tag.name)));
-}
-
-Json QualityToJson(const platform::Result<TakeQuality, voicemath::ReviewError>& take) {
-  if (!take) {
-    return nullptr;
-  }
-  Json verdicts = Json::array();
-  for (const Verdict verdict : take->verdicts) {
-    verdicts.push_back(ToWord(verdict));
-  }
-  return {{"verdicts", verdicts},
-          {"peakDb", ToTenths(take->peakDb)},
-          {"snrDb", ToTenths(take->snrDb)},
-          {"tooAlike", Json::array()}};
-}
-
-Json QualityToJson(const maintenance::TagQuality& quality,
-                   std::span<const maintenance::JudgedTag> tags) {
-  Json json = QualityToJson(quality.take);
-  for (const maintenance::AlikeTag& alike : quality.tooAlike) {
-    if (!json.is_null()) {
-      json["tooAlike"].push_back(
-          {{"tag", text::ToUtf8(tags[alike.index].name)}, {"distance", alike.distance}});
-    }
-  }
-  return json;
 }
 
 std::string DescribeVerdict(Verdict verdict, const TakeQuality& quality) {
@@ -112,4 +78,4 @@ std::vector<std::string> DescribeAll(const maintenance::TagQuality& quality,
   return sentences;
 }
 
-}  // namespace cli
+}  // namespace session

@@ -4,12 +4,12 @@
 #include <string>
 #include <vector>
 
-#include "host/cli/session.h"
+#include "host/session/session.h"
 #include "platform/file_system.h"
 #include "voicemath/recording_review.h"
 #include "voicemath/voice_mathematics.h"
 
-namespace cli {
+namespace session {
 
 /// Returns why a file was not opened, made or written, in words that go on after its name and a
 /// colon.
@@ -34,11 +34,8 @@ inline constexpr int kFileNotOpened = -1;
 /// Returns an empty text if a message box has said it all.
 [[nodiscard]] std::string ExplainRecordCode(const Session& session, int code);
 
-/// Says on standard error what is odd about a recording, one line for each thing; `name` is what
-/// the recording is called there. Returns the sentences, for "warnings". What makes a recording
-/// useless is not among them. A recording without a review has none.
-[[nodiscard]] std::vector<std::string> WarnOfOddities(
-    const platform::Result<voicemath::RecordingReview, voicemath::ReviewError>& review,
-    const std::string& name);
+/// Returns a sentence for each thing that is odd about a recording. What makes a recording useless
+/// is not among them.
+[[nodiscard]] std::vector<std::string> DescribeOddities(const voicemath::RecordingReview& review);
 
-}  // namespace cli
+}  // namespace session

@@ -1,12 +1,11 @@
-#include "host/cli/page_run.h"
+#include "host/session/page_run.h"
 
 #include <string>
 #include <vector>
 
 #include "framework/dialog.h"
-#include "host/cli/contacts_commands.h"
-#include "host/cli/tag_reading.h"
-#include "host/cli/waiting.h"
+#include "host/session/contact_listing.h"
+#include "host/session/tag_reading.h"
 #include "platform/clock.h"
 #include "platform/contacts_store.h"
 #include "resources/dialogs.h"
@@ -15,7 +14,7 @@
 #include "storage/tag_store.h"
 #include "tags/contact_reading.h"
 
-namespace cli {
+namespace session {
 
 using platform::ContactsError;
 using platform::Result;
@@ -119,7 +118,7 @@ void RunPage(Session& session, Contacts contacts, const std::function<void(PageR
                                  [&session, wasReinitialized](headless::HeadlessDialog& window) {
                                    *wasReinitialized = true;
                                    const QuickScope quick(session.GetClock(), true);
-                                   WatchReinit(window);
+                                   session.GetOutlet().WatchReinit(window);
                                  });
   session.GetUi().SetSheetStory([&](headless::HeadlessSheet& window) {
     if (session.HasEnded()) {
@@ -143,4 +142,4 @@ void RunPage(Session& session, Contacts contacts, const std::function<void(PageR
   sheet.DoModal();
 }
 
-}  // namespace cli
+}  // namespace session

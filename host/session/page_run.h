@@ -5,13 +5,13 @@
 #include <memory>
 
 #include "backends/headless/headless_dialog.h"
-#include "host/cli/session.h"
+#include "host/session/session.h"
 #include "language/texts.h"
 #include "tags/page_one.h"
 
-namespace cli {
+namespace session {
 
-/// The Learning page as the command line uses it: the real page with the real store, contacts and
+/// The Learning page as a session uses it: the real page with the real store, contacts and
 /// sound, without a window.
 struct PageRun {
   tags::Page_one& page;
@@ -20,8 +20,8 @@ struct PageRun {
   const bool& wasReinitialized;
 };
 
-/// Whether a command can do without the contacts. If so, the page opens without them, standard
-/// error says so, and no tag counts as stale.
+/// Whether a task can do without the contacts. If so, the page opens without them, a warning says
+/// so, and no tag counts as stale.
 enum class Contacts : std::uint8_t { kNeeded, kOptional };
 
 /// Opens the page, hands it to `use`, and closes it. If it does not open, because a window has it
@@ -40,4 +40,4 @@ void RunPage(Session& session, Contacts contacts, const std::function<void(PageR
 /// otherwise the English ones.
 [[nodiscard]] language::Texts LoadTexts(Session& session);
 
-}  // namespace cli
+}  // namespace session

@@ -1,0 +1,91 @@
+#include "host/session/contact_listing.h"
+
+#include <fmt/format.h>
+
+#include <optional>
+
+#include "backends/headless/headless_dialog.h"
+#include "backends/text/utf.h"
+#include "framework/dialog.h"
+#include "resources/dialogs.h"
+#include "tags/contact_picker.h"
+
+namespace session {
+namespace {
+
+using Problem = vcard::AddressBooks::Problem;
+
+std::string ExplainStoreProblem(Session& session) {
+  const std::optional<std::string> key = session.FindUnusableKey();
+  return fmt::format("the settings in {} cannot be read or written{}{}",
+                     session.GetRegistryPath().string(), key ? ": " : "", key.value_or(""));
+}
+
+}  // namespace
+
+// The numbers come from the page's own boxes, in a window that nobody sees. So they are in the same
+// order as on the page.
+platform::Result<std::vector<ListedContact>, tags::ContactMessage> ListContacts(
+    Session& session, const language::Texts& texts) {
+  platform::Ui& ui = session.GetPlatform().ui;
+  const auto report = [&](const tags::ContactMessage& message) {
+    ui.ShowMessage(tags::ToBox(message, texts));
+  };
+  framework::CDialog page(resources::kLearningDialog, ui);
+  headless::HeadlessDialog boxes(resources::kLearningDialog, page, nullptr);
+  tags::ContactPicker picker(session.GetContacts(), report);
+  if (const auto loaded = picker.Load(boxes); !loaded) {
+    report(loaded.error());
+    return platform::Failure(loaded.error());
+  }
+  std::vector<ListedContact> listed;
+  for (std::int32_t i = 0; i < picker.GetContacts().GetCount(); ++i) {
+    const tags::ContactRecord& record = *picker.GetContacts().Find(i);
+    picker.ListNumbers(boxes, i);
+    listed.push_back({i + 1, record.oid, std::u16string(record.GetName()),
+                      boxes.GetItems(resources::kNumberComboId)});
+  }
+  return listed;
+}
+
+std::vector<std::string> DescribeContactRemarks(Session& session) {
+  std::vector<std::string> described;
+  for (const vcard::Remark& remark : session.GetContacts().GetRemarks()) {
+    std::string text = remark.place.starts_with(u'\\') ? session.ToHostPath(remark.place)
+                                                       : text::ToUtf8(remark.place);
+    text += remark.line > 0 ? fmt::format(":{}: ", remark.line) : ": ";
+    described.push_back(text + remark.text);
+  }
+  return described;
+}
+
+std::string ExplainContactsProblem(Session& session) {
+  const std::string& reason = session.GetContacts().GetReason();
+  const std::string because = reason.empty() ? std::string() : " (" + reason + ")";
+  const auto advise = [&session](Matter matter) { return session.GetOutlet().Advise(matter); };
+  const std::optional<Problem> problem = session.GetContacts().GetProblem();
+  if (!problem) {
+    return "the contacts cannot be read";
+  }
+  switch (*problem) {
+    case Problem::kStore:
+      return ExplainStoreProblem(session);
+    case Problem::kNoServer:
+      return fmt::format("the desktop's address books do not answer{}{}", because,
+                         advise(Matter::kNoDesktopBooks));
+    case Problem::kUnreadable:
+      return fmt::format("the chosen address book is missing or cannot be read to its end{}{}",
+                         because, advise(Matter::kUnreadableAddressBook));
+    case Problem::kNothingChosen:
+      return fmt::format("there are no contacts: the desktop has none{}, and there is no {}{}",
+                         because,
+                         (session.GetRegistryPath().parent_path() / "contacts.vcf").string(),
+                         advise(Matter::kNoContacts));
+    case Problem::kTagsElsewhere:
+      break;
+  }
+  return "voice tags belong to contacts that this address book does not have; nothing was "
+         "changed. Choose the address book they were recorded with, or delete the tags";
+}
+
+}  // namespace session

@@ -1,0 +1,142 @@
+#include "host/session/session.h"
+
+#include <fmt/format.h>
+
+#include <filesystem>
+#include <system_error>
+
+#include "backends/sqlite/connection.h"
+#include "backends/text/utf.h"
+#include "storage/registry_file.h"
+
+namespace session {
+namespace {
+
+constexpr std::u16string_view kApplicationName = u"Zedra Voxtrel";
+
+bool IsConfirmation(const platform::MessageBox& box) {
+  return platform::Has(box.style, platform::MessageStyle::kOkCancel);
+}
+
+std::filesystem::path NearestThatExists(std::filesystem::path path) {
+  std::error_code ignored;
+  while (std::filesystem::status(path, ignored).type() == std::filesystem::file_type::not_found &&
+         path.has_relative_path()) {
+    path = path.parent_path();
+  }
+  return path;
+}
+
+}  // namespace
+
+Session::Session(const machine::Options& options, Outlet& outlet)
+    : m_options(options),
+      m_outlet(outlet),
+      m_backends(options),
+      m_clock(m_backends.GetClock()),
+      m_ui(std::u16string(kApplicationName)) {
+  m_ui.SetListener([this](const headless::ShownMessage& shown) {
+    if (!IsConfirmation(shown.box)) {
+      m_outlet.ShowMessage(shown);
+    }
+  });
+  m_ui.SetAnswerer([this](const platform::MessageBox& box) {
+    return !IsConfirmation(box) || m_outlet.AgreesTo(box) ? platform::MessageAnswer::kOk
+                                                          : platform::MessageAnswer::kCancel;
+  });
+}
+
+Session::~Session() = default;
+
+platform::Platform Session::GetPlatform() { return GetPlatform(m_clock); }
+
+platform::Platform Session::GetPlatform(platform::Clock& clock) {
+  m_ui.UseThreads(m_backends.GetThreads());
+  return {m_backends.GetFiles(),
+          m_backends.GetWaveIn(),
+          clock,
+          m_backends.GetThreads(),
+          m_process,
+          m_ui,
+          m_backends.GetRegistry(),
+          m_backends.GetContacts(m_backends.GetThreads()),
+          m_backends.GetWaveOut(),
+          m_shell};
+}
+
+// A typing error in --root must not look like an error of some file below it. So the nearest folder
+// that exists is looked at, and a link in the place of the settings is named.
+bool Session::RequireRoot() {
+  if (!m_backends.HasRoot()) {
+    Fail(std::string("there is no folder for the voice tags, since HOME names none")
+             .append(m_outlet.Advise(Matter::kNoRoot)));
+    return false;
+  }
+  const std::filesystem::path there = NearestThatExists(m_backends.GetRoot());
+  std::error_code error;
+  if (!std::filesystem::is_directory(there, error) && !error) {
+    Fail(there.native() + " is no folder, so it cannot hold voice tags");
+    return false;
+  }
+  if (const auto link = sqlite::FindLink(GetRegistryPath()); !link.empty()) {
+    Fail(ExplainLink(link.native(), "not used, and neither are the settings"));
+    return false;
+  }
+  return true;
+}
+
+bool Session::HasRootFolder() const {
+  std::error_code ignored;
+  return std::filesystem::is_directory(m_backends.GetRoot(), ignored);
+}
+
+bool Session::OpenForReading() {
+  m_backends.ChangeNothing();
+  return RequireRoot();
+}
+
+bool Session::OpenForChanging() {
+  if (!RequireRoot()) {
+    return false;
+  }
+  // If that fails the settings report that they cannot be reached.
+  m_backends.MakeRoot();
+  return true;
+}
+
+bool Session::AreSameFile(const std::string& a, const std::string& b) {
+  std::error_code ignored;
+  return std::filesystem::equivalent(a, b, ignored);
+}
+
+std::string Session::ExplainLink(const std::string& name, std::string_view consequence) {
+  std::error_code error;
+  const std::filesystem::path target = std::filesystem::read_symlink(name, error);
+  return error ? std::string()
+               : fmt::format("{} is a link to {}: {}", name, target.native(), consequence);
+}
+
+void Session::Fail(std::string_view message) {
+  m_outlet.ShowFailure(message);
+  m_hasFailed = true;
+  m_failure = message;
+}
+
+std::optional<std::string> Session::FindUnusableKey(std::u16string_view start) {
+  auto key = storage::FindUnusableKey(GetRegistry(), start);
+  if (key) {
+    key->insert(0, "another program made a key or value that cannot be used: ");
+  }
+  return key;
+}
+
+std::string Session::ExplainStore(platform::RegistryError error) {
+  return GetRegistryPath().native() + ": " +
+         FindUnusableKey().value_or(storage::ExplainRegistryError(error));
+}
+
+vcard::AddressBooks& Session::GetContacts() {
+  return m_backends.GetContacts(m_backends.GetThreads());
+}
+
+}  // namespace session
