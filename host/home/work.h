@@ -50,6 +50,9 @@ class Work {
   /// Calls `show` with what the store holds, after each Load and after each change.
   virtual void OnLoaded(std::function<void(std::shared_ptr<const Shelf> shelf)> show) = 0;
   virtual void Load() = 0;
+  /// The same if another program may have changed tags or contacts since they were loaded. Costs
+  /// next to nothing otherwise. For the moment in which the user comes back to the window.
+  virtual void LoadIfChanged() = 0;
 
   /// Plays the recording of a tag, and answers when it has been heard or was stopped. What is
   /// playing ends. Changes nothing.
