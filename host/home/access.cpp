@@ -1,0 +1,45 @@
+#include "host/home/access.h"
+
+#include <QAccessibleWidget>
+#include <QVariant>
+
+namespace home {
+namespace {
+
+constexpr const char* kRoleProperty = "accessibleRole";
+
+// The library asks for each class of an object in turn, the object's own first.
+QAccessibleInterface* MakeInterface(const QString& /*className*/, QObject* object) {
+  const QVariant role = object == nullptr ? QVariant() : object->property(kRoleProperty);
+  return role.isValid() ? new QAccessibleWidget(qobject_cast<QWidget*>(object),
+                                                static_cast<QAccessible::Role>(role.toInt()))
+                        : nullptr;
+}
+
+}  // namespace
+
+void SetAccessibleRole(QWidget& widget, QAccessible::Role role) {
+  static const bool kIsInstalled = [] {
+    QAccessible::installFactory(MakeInterface);
+    return true;
+  }();
+  static_cast<void>(kIsInstalled);
+  widget.setProperty(kRoleProperty, static_cast<int>(role));
+}
+
+LiveLabel::LiveLabel(QWidget* parent) : QLabel(parent) {
+  SetAccessibleRole(*this, QAccessible::Notification);
+  setTextFormat(Qt::PlainText);
+}
+
+void LiveLabel::Announce(const QString& text) {
+  setText(text);
+  setAccessibleName(text);
+  if (!text.isEmpty()) {
+    // Screen readers say a notification when it appears.
+    QAccessibleEvent event(this, QAccessible::ObjectShow);
+    QAccessible::updateAccessibility(&event);
+  }
+}
+
+}  // namespace home

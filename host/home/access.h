@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QAccessible>
+#include <QLabel>
+#include <QString>
+
+namespace home {
+
+// What screen readers know of widgets that the library does not know.
+
+/// Gives the widget a role. Its name and description are accessibleName() and
+/// accessibleDescription(). To be called in its constructor, before screen readers ask for it.
+void SetAccessibleRole(QWidget& widget, QAccessible::Role role);
+
+/// A line of text that screen readers say by themselves as soon as it changes, wherever the focus
+/// is.
+class LiveLabel : public QLabel {
+ public:
+  explicit LiveLabel(QWidget* parent);
+
+  /// Shows the text, and lets screen readers say it if it is not empty, also if it is the same as
+  /// before.
+  void Announce(const QString& text);
+};
+
+}  // namespace home

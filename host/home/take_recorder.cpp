@@ -1,0 +1,299 @@
+#include "host/home/take_recorder.h"
+
+#include <QMetaObject>
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <numbers>
+#include <span>
+#include <utility>
+
+#include "audio/wave_header.h"
+#include "host/home/level_meter.h"
+#include "platform/file_system.h"
+#include "voicemath/take_template.h"
+
+namespace home {
+namespace {
+
+using audio::kRecordingRate;
+using platform::WaveHeader;
+using platform::WaveResult;
+
+constexpr std::uint32_t kReportInterval = 50;
+constexpr std::uint32_t kLookAgainInterval = 1000;  ///< For a microphone.
+constexpr std::uint32_t kGetReadyTime = 500;
+constexpr std::uint32_t kEchoTime = 100;  ///< Until a room has swallowed the tone.
+/// What a device may be late with the end of a sound, and with the end of a recording.
+constexpr std::uint32_t kLateness = 1000;
+
+constexpr std::uint32_t kSampleBytes = audio::kRecordingBits / 8;
+
+platform::WaveFormat Format() { return audio::MonoPcm(audio::kRecordingBits, kRecordingRate); }
+
+std::uint32_t ToMilliseconds(std::size_t samples) {
+  return static_cast<std::uint32_t>(samples * 1000 / kRecordingRate);
+}
+
+std::vector<std::byte> ToBytes(std::span<const std::int16_t> samples) {
+  std::vector<std::byte> bytes(samples.size() * kSampleBytes);
+  for (std::size_t i = 0; i < samples.size(); ++i) {
+    platform::StoreLittleEndian16(std::span(bytes).subspan(i * kSampleBytes).first<kSampleBytes>(),
+                                  static_cast<std::uint16_t>(samples[i]));
+  }
+  return bytes;
+}
+
+std::vector<std::int16_t> ToSamples(std::span<const std::byte> bytes) {
+  std::vector<std::int16_t> samples(bytes.size() / kSampleBytes);
+  for (std::size_t i = 0; i < samples.size(); ++i) {
+    samples[i] = static_cast<std::int16_t>(
+        platform::LoadLittleEndian16(bytes.subspan(i * kSampleBytes).first<kSampleBytes>()));
+  }
+  return samples;
+}
+
+/// Returns the tone that says "now". It is soft, and its edges are faded, so nothing clicks.
+std::vector<std::int16_t> MakeTone() {
+  constexpr double kFrequency = 880;
+  constexpr double kAmplitude = 6500;
+  constexpr std::size_t kLength = kRecordingRate / 5;
+  constexpr std::size_t kEdge = kRecordingRate / 50;
+  std::vector<std::int16_t> tone(kLength);
+  for (std::size_t i = 0; i < kLength; ++i) {
+    const auto from_edge = static_cast<double>(std::min({i, kLength - i, kEdge}));
+    const double fade = (1 - std::cos(std::numbers::pi * from_edge / kEdge)) / 2;
+    const double angle =
+        2 * std::numbers::pi * kFrequency * static_cast<double>(i) / kRecordingRate;
+    tone[i] = static_cast<std::int16_t>(kAmplitude * fade * std::sin(angle));
+  }
+  return tone;
+}
+
+}  // namespace
+
+/// What is being done, as its thread and the event loop share it.
+class TakeRecorder::Job {
+ public:
+  Job(const Sound& sound, QObject& context, std::unique_ptr<platform::Event> stop)
+      : m_sound(sound), m_context(context), m_stop(std::move(stop)) {}
+
+  /// On the thread of the event loop.
+  void Stop() {
+    m_isStopped = true;
+    m_stop->Set();
+  }
+
+  // On the thread of the job. The event loop calls what is handed over.
+
+  static void Record(const std::shared_ptr<Job>& self, const Watch& watch,
+                     const HeardAnswer& answer);
+  static void Play(const std::shared_ptr<Job>& self, std::span<const std::int16_t> samples,
+                   const PlayedAnswer& answer);
+
+ private:
+  using Stage = TakeProgress::Stage;
+  using Report = std::function<void(const TakeProgress& progress)>;
+  using OpenedInput = platform::Result<std::unique_ptr<platform::WaveInDevice>, WaveResult>;
+
+  /// Returns whether to go on.
+  [[nodiscard]] bool Wait(std::uint32_t milliseconds) const {
+    return m_stop->Wait(milliseconds) == platform::WaitResult::kTimedOut;
+  }
+
+  /// Lets the event loop call `call`, unless the job has been stopped by then.
+  static void Post(const std::shared_ptr<Job>& self, std::function<void()> call) {
+    QMetaObject::invokeMethod(
+        &self->m_context,
+        [self, call = std::move(call)] {
+          if (!self->m_isStopped) {
+            call();
+          }
+        },
+        Qt::QueuedConnection);
+  }
+
+  [[nodiscard]] OpenedInput AwaitMicrophone(const Report& report) const;
+  [[nodiscard]] HeardTake Hear(platform::WaveInDevice& device, const Report& report) const;
+  [[nodiscard]] WaveResult Fill(platform::WaveInDevice& device, WaveHeader& header,
+                                const Report& report) const;
+  [[nodiscard]] bool PlaySamples(std::span<const std::int16_t> samples) const;
+
+  const Sound m_sound;
+  QObject& m_context;
+  const std::unique_ptr<platform::Event> m_stop;
+  bool m_isStopped = false;  ///< Of the thread of the event loop.
+};
+
+TakeRecorder::Job::OpenedInput TakeRecorder::Job::AwaitMicrophone(const Report& report) const {
+  for (;;) {
+    report({.stage = Stage::kGetReady});
+    auto opened = m_sound.waveIn.Open(Format());
+    if (opened || opened.error() != WaveResult::kNoDevice) {
+      return opened;
+    }
+    do {
+      report({.stage = Stage::kNoMicrophone});
+      if (!Wait(kLookAgainInterval)) {
+        return opened;
+      }
+    } while (m_sound.waveIn.GetDeviceCount() == 0);
+  }
+}
+
+void TakeRecorder::Job::Record(const std::shared_ptr<Job>& self, const Watch& watch,
+                               const HeardAnswer& answer) {
+  const Report report = [&self, &watch](const TakeProgress& progress) {
+    Post(self, [watch, progress] { watch(progress); });
+  };
+  auto device = self->AwaitMicrophone(report);
+  HeardTake take;
+  take.isRefused = !device;
+  if (device && self->Wait(kGetReadyTime)) {
+    report({.stage = Stage::kTone});
+    // Whoever hears no tone still sees when to speak.
+    static_cast<void>(self->PlaySamples(MakeTone()));
+    if (self->Wait(kEchoTime)) {
+      take = self->Hear(**device, report);
+    }
+  }
+  device = platform::Failure(WaveResult::kNoDevice);  // Closed before anybody plays the take.
+  Post(self, [answer, take = std::move(take)] { answer(take); });
+}
+
+HeardTake TakeRecorder::Job::Hear(platform::WaveInDevice& device, const Report& report) const {
+  constexpr std::size_t kTakeSamples = std::size_t{kRecordingRate} * kTakeMilliseconds / 1000;
+  std::vector<std::byte> bytes(kTakeSamples * kSampleBytes);
+  WaveHeader header{.data = bytes.data(), .bufferLength = static_cast<std::uint32_t>(bytes.size())};
+  const WaveResult result = Fill(device, header, report);
+  static_cast<void>(device.Reset());  // The memory goes before the device does.
+  HeardTake take;
+  take.samples = ToSamples(std::span(bytes).first(header.bytesRecorded));
+  const bool isInterrupted = result == WaveResult::kNoDevice;
+  take.isRefused = take.samples.empty() && !isInterrupted;
+  take.quality = voicemath::JudgeTake({.samples = take.samples, .isInterrupted = isInterrupted});
+  if (!take.samples.empty()) {
+    take.kept = voicemath::FindKeptPart(take.samples);
+  }
+  return take;
+}
+
+/// Records into the header, as far as the device gives anything. Returns kNoDevice if it was lost.
+WaveResult TakeRecorder::Job::Fill(platform::WaveInDevice& device, WaveHeader& header,
+                                   const Report& report) const {
+  WaveResult result = device.Prepare(header);
+  if (result == WaveResult::kOk) {
+    result = device.AddBuffer(header);
+  }
+  if (result == WaveResult::kOk) {
+    result = device.Start();
+  }
+  if (result != WaveResult::kOk) {
+    return result;
+  }
+  const std::uint32_t start = m_sound.clock.GetTickCount();
+  std::uint32_t reported = 0;
+  std::uint32_t passed = 0;
+  report({.stage = Stage::kSpeak,
+          .leftMilliseconds = kTakeMilliseconds,
+          .levelDb = voicemath::kLowestPeakDb});
+  do {
+    if (!Wait(kReportInterval)) {
+      return WaveResult::kFailed;
+    }
+    result = device.Unprepare(header);
+    passed = m_sound.clock.GetTickCount() - start;
+    const auto heard = std::span(header.data, header.bytesRecorded);
+    report({.stage = Stage::kSpeak,
+            .leftMilliseconds = kTakeMilliseconds - std::min(passed, kTakeMilliseconds),
+            .levelDb = PeakDb(ToSamples(heard.subspan(reported)))});
+    reported = header.bytesRecorded - header.bytesRecorded % kSampleBytes;
+  } while (result == WaveResult::kStillPlaying && passed < kTakeMilliseconds + kLateness);
+  return result;
+}
+
+bool TakeRecorder::Job::PlaySamples(std::span<const std::int16_t> samples) const {
+  std::vector<std::byte> bytes = ToBytes(samples);
+  const auto device = m_sound.waveOut.Open(Format());
+  WaveHeader header{.data = bytes.data(), .bufferLength = static_cast<std::uint32_t>(bytes.size())};
+  if (!device || (*device)->Prepare(header) != WaveResult::kOk ||
+      (*device)->Write(header) != WaveResult::kOk) {
+    return false;
+  }
+  const std::uint32_t start = m_sound.clock.GetTickCount();
+  WaveResult result = WaveResult::kStillPlaying;
+  while (result == WaveResult::kStillPlaying && Wait(kReportInterval) &&
+         m_sound.clock.GetTickCount() - start < ToMilliseconds(samples.size()) + kLateness) {
+    result = (*device)->Unprepare(header);
+  }
+  return result == WaveResult::kOk;
+}
+
+void TakeRecorder::Job::Play(const std::shared_ptr<Job>& self,
+                             std::span<const std::int16_t> samples, const PlayedAnswer& answer) {
+  const bool isPlayed = self->PlaySamples(samples);
+  Post(self, [answer, isPlayed] { answer(isPlayed); });
+}
+
+TakeRecorder::TakeRecorder(const Sound& sound)
+    : m_sound(sound), m_context(std::make_unique<QObject>()) {}
+
+TakeRecorder::~TakeRecorder() { Stop(); }
+
+void TakeRecorder::Start(std::function<void(const std::shared_ptr<Job>& job)> work,
+                         std::function<void()> refuse) {
+  Stop();
+  auto stop = m_sound.threads.CreateManualResetEvent();
+  if (stop) {
+    auto job = std::make_shared<Job>(m_sound, *m_context, std::move(*stop));
+    auto started = m_sound.threads.Start(
+        [job, work = std::move(work), previous = m_thread]() mutable {
+          if (previous) {
+            static_cast<void>(previous->Wait(platform::kNoLimit));
+            previous.reset();
+          }
+          work(job);
+        },
+        platform::ThreadStart::kRunning);
+    if (started) {
+      m_job = std::move(job);
+      m_thread = std::move(*started);
+      return;
+    }
+  }
+  QMetaObject::invokeMethod(m_context.get(), std::move(refuse), Qt::QueuedConnection);
+}
+
+void TakeRecorder::Record(Watch watch, HeardAnswer answer) {
+  Start([watch = std::move(watch),
+         answer](const std::shared_ptr<Job>& job) { Job::Record(job, watch, answer); },
+        [answer] {
+          HeardTake take;
+          take.isRefused = true;
+          answer(take);
+        });
+}
+
+void TakeRecorder::Play(std::vector<std::int16_t> samples, PlayedAnswer answer) {
+  Start([samples = std::move(samples),
+         answer](const std::shared_ptr<Job>& job) { Job::Play(job, samples, answer); },
+        [answer] { answer(false); });
+}
+
+void TakeRecorder::Stop() {
+  if (m_job) {
+    m_job->Stop();
+    m_job.reset();
+  }
+}
+
+std::vector<std::byte> ToWaveFile(std::span<const std::int16_t> samples) {
+  const std::vector<std::byte> data = ToBytes(samples);
+  const auto header = audio::MakeWaveHeader(Format(), static_cast<std::uint32_t>(data.size()));
+  std::vector<std::byte> file(header.begin(), header.end());
+  file.insert(file.end(), data.begin(), data.end());
+  return file;
+}
+
+}  // namespace home
