@@ -12,6 +12,7 @@ namespace home {
 /// A voice tag as the window shows it.
 struct Tag {
   std::u16string name;                   ///< In the store. No two tags have the same.
+  std::optional<std::int32_t> oid;       ///< Of the person. Nothing if it is not known.
   std::u16string contact;                ///< The tag's own name if it is not known whose tag it is.
   std::u16string number;                 ///< Empty if it is not known.
   std::u16string kind;                   ///< The word of the number's kind, such as "Mobile".
