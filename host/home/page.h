@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QStringList>
 #include <QWidget>
 #include <cstdint>
 #include <memory>
@@ -46,6 +47,8 @@ class Page : public QWidget {
   /// The page is hidden, or the window closes. Ends what the page was doing, and keeps nothing of
   /// it.
   virtual void OnLeft() {}
+  /// Files were dropped on the window, which has opened this page for them.
+  virtual void OnFilesDropped(const QStringList& /*paths*/) {}
 };
 
 }  // namespace home

@@ -1,0 +1,59 @@
+#include "host/home/message_bar.h"
+
+#include <QHBoxLayout>
+#include <QPushButton>
+#include <QToolButton>
+#include <utility>
+
+#include "host/home/access.h"
+#include "host/home/say.h"
+#include "host/home/sizes.h"
+#include "host/home/symbols.h"
+#include "resources/tags_window_strings.h"
+
+namespace home {
+
+MessageBar::MessageBar(QWidget* parent)
+    : QFrame(parent), m_text(new LiveLabel(this)), m_button(new QPushButton(this)) {
+  setFrameShape(QFrame::StyledPanel);
+  setAutoFillBackground(true);
+  setBackgroundRole(QPalette::AlternateBase);
+  m_text->setWordWrap(true);
+  m_text->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  m_text->setObjectName(QStringLiteral("message"));
+  m_button->setObjectName(QStringLiteral("messageAction"));
+  MakeTouchable(*m_button);
+  auto* const close = new QToolButton(this);
+  close->setAutoRaise(true);
+  close->setIcon(IconOf(Symbol::kClose));
+  close->setAccessibleName(Say(resources::kClose));
+  close->setToolTip(Say(resources::kClose));
+  close->setObjectName(QStringLiteral("messageClose"));
+  MakeTouchable(*close);
+  connect(close, &QToolButton::clicked, this, &MessageBar::Clear);
+  connect(m_button, &QPushButton::clicked, this, [this] {
+    const auto act = std::exchange(m_act, nullptr);
+    Clear();
+    act();
+  });
+  auto* const layout = new QHBoxLayout(this);
+  layout->addWidget(m_text, 1);
+  layout->addWidget(m_button);
+  layout->addWidget(close);
+  hide();
+}
+
+void MessageBar::Show(const QString& text, const QString& button, std::function<void()> act) {
+  m_button->setText(button);
+  m_button->setVisible(act != nullptr);
+  m_act = std::move(act);
+  show();
+  m_text->Announce(text);
+}
+
+void MessageBar::Clear() {
+  m_act = nullptr;
+  hide();
+}
+
+}  // namespace home

@@ -1,0 +1,210 @@
+#include "host/home/tag_list.h"
+
+#include <QContextMenuEvent>
+#include <QGestureEvent>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QScroller>
+#include <algorithm>
+#include <numeric>
+#include <utility>
+
+#include "host/home/sizes.h"
+#include "host/home/tag_delegate.h"
+
+namespace home {
+namespace {
+
+// In widths of an average character.
+constexpr int kTableWidth = 84;
+constexpr int kLeastColumn = 6;
+constexpr int kWidestColumn = 28;
+
+}  // namespace
+
+TagList::TagList(TagModel& model, TagOrder& order, Events events, QWidget* parent)
+    : QTreeView(parent), m_events(std::move(events)) {
+  setModel(&order);
+  setItemDelegate(new TagDelegate(model, order, this));
+  setRootIsDecorated(false);
+  setItemsExpandable(false);
+  setUniformRowHeights(true);
+  setAllColumnsShowFocus(true);
+  setSelectionMode(ExtendedSelection);
+  setSelectionBehavior(SelectRows);
+  setEditTriggers(NoEditTriggers);
+  setFrameShape(QFrame::NoFrame);
+  setVerticalScrollMode(ScrollPerPixel);
+  setSortingEnabled(true);
+  setTabKeyNavigation(false);
+  header()->setSectionsMovable(false);
+  header()->setStretchLastSection(false);
+  connect(header(), &QHeaderView::sectionResized, this, [this](int column, int, int width) {
+    if (!m_isFitting && !m_areCards) {
+      m_chosenWidths[static_cast<std::size_t>(column)] = width;
+    }
+  });
+  const auto fit = [this] { FitColumns(); };
+  connect(&order, &QAbstractItemModel::modelReset, this, fit);
+  QScroller::grabGesture(viewport(), QScroller::TouchGesture);
+  viewport()->grabGesture(Qt::TapAndHoldGesture);
+}
+
+int TagList::LeastTableWidth() const { return kTableWidth * fontMetrics().averageCharWidth(); }
+
+void TagList::ShowAsCards(bool areCards) {
+  if (areCards == m_areCards) {
+    return;
+  }
+  m_areCards = areCards;
+  static_cast<TagDelegate*>(itemDelegate())->ShowAsCards(areCards);
+  setHorizontalScrollBarPolicy(areCards ? Qt::ScrollBarAlwaysOff : Qt::ScrollBarAsNeeded);
+  setHeaderHidden(areCards);
+  for (int column = kName + 1; column < kColumnCount; ++column) {
+    setColumnHidden(column, areCards);
+  }
+  FitColumns();
+  scheduleDelayedItemsLayout();
+  scrollTo(currentIndex());
+}
+
+// Columns share the width of the window. What the user has chosen for a column counts as its need.
+void TagList::FitColumns() {
+  const int whole = viewport()->width();
+  m_isFitting = true;
+  if (m_areCards) {
+    setColumnWidth(kName, whole);
+    m_isFitting = false;
+    return;
+  }
+  const int em = fontMetrics().averageCharWidth();
+  std::array<int, kColumnCount> widths{};
+  for (int column = 0; column < kColumnCount; ++column) {
+    const int chosen = m_chosenWidths[static_cast<std::size_t>(column)];
+    const int needed = std::min(
+        std::max(sizeHintForColumn(column), header()->sectionSizeHint(column)), kWidestColumn * em);
+    widths[static_cast<std::size_t>(column)] = chosen > 0 ? chosen : needed;
+  }
+  int rest = whole - std::accumulate(widths.begin(), widths.end(), 0);
+  if (rest > 0) {
+    widths[kName] += rest / 2;
+    widths[kNearest] += rest - rest / 2;
+  }
+  while (rest < 0) {
+    // The widest column can spare most.
+    int& widest = *std::ranges::max_element(widths);
+    const int spared = std::min(-rest, std::max(1, em / 2));
+    if (widest <= kLeastColumn * em) {
+      break;
+    }
+    widest -= spared;
+    rest += spared;
+  }
+  for (int column = 0; column < kColumnCount; ++column) {
+    setColumnWidth(column, widths[static_cast<std::size_t>(column)]);
+  }
+  m_isFitting = false;
+}
+
+void TagList::resizeEvent(QResizeEvent* event) {
+  QTreeView::resizeEvent(event);
+  FitColumns();
+}
+
+void TagList::changeEvent(QEvent* event) {
+  QTreeView::changeEvent(event);
+  if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) {
+    m_chosenWidths.fill(0);
+    FitColumns();
+  }
+}
+
+QRect TagList::PlayButton(const QRect& card, Qt::LayoutDirection direction) {
+  const QRect button(card.right() + 1 - kLeastTarget - kLeastTarget / 8, card.top(), kLeastTarget,
+                     card.height());
+  return QStyle::visualRect(direction, card, button);
+}
+
+QModelIndex TagList::PlayButtonAt(const QPoint& place) const {
+  const QModelIndex index = indexAt(place);
+  const bool isThere = m_areCards && index.isValid() &&
+                       PlayButton(visualRect(index), layoutDirection()).contains(place);
+  return isThere ? index : QModelIndex();
+}
+
+// A letter goes to the search of the list, so only keys that mean something here are taken.
+void TagList::keyPressEvent(QKeyEvent* event) {
+  switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+      m_events.play();
+      return;
+    case Qt::Key_Space:
+      if (event->modifiers() == Qt::NoModifier) {
+        m_events.playOrStop();
+        return;
+      }
+      break;
+    default:
+      break;
+  }
+  QTreeView::keyPressEvent(event);
+}
+
+void TagList::mousePressEvent(QMouseEvent* event) {
+  QTreeView::mousePressEvent(event);
+  m_pressedCard =
+      event->button() == Qt::LeftButton ? PlayButtonAt(event->position().toPoint()) : QModelIndex();
+}
+
+void TagList::mouseReleaseEvent(QMouseEvent* event) {
+  QTreeView::mouseReleaseEvent(event);
+  const QModelIndex pressed = std::exchange(m_pressedCard, QPersistentModelIndex());
+  if (pressed.isValid() && pressed == PlayButtonAt(event->position().toPoint())) {
+    setCurrentIndex(pressed);
+    m_events.playOrStop();
+  }
+}
+
+void TagList::mouseDoubleClickEvent(QMouseEvent* event) {
+  QTreeView::mouseDoubleClickEvent(event);
+  const QPoint place = event->position().toPoint();
+  if (event->button() == Qt::LeftButton && indexAt(place).isValid() &&
+      !PlayButtonAt(place).isValid()) {
+    m_events.play();
+  }
+}
+
+void TagList::ShowMenuAtCurrent() {
+  const QRect row = visualRect(currentIndex());
+  m_events.showMenu(viewport()->mapToGlobal(row.isValid() ? row.center() : QPoint()));
+}
+
+void TagList::contextMenuEvent(QContextMenuEvent* event) {
+  if (event->reason() == QContextMenuEvent::Keyboard) {
+    ShowMenuAtCurrent();
+  } else {
+    m_events.showMenu(event->globalPos());
+  }
+}
+
+// A finger that stays is what the other mouse button is for a mouse.
+bool TagList::viewportEvent(QEvent* event) {
+  if (event->type() == QEvent::Gesture) {
+    auto* const gestures = static_cast<QGestureEvent*>(event);
+    if (QGesture* const hold = gestures->gesture(Qt::TapAndHoldGesture);
+        hold != nullptr && hold->state() == Qt::GestureFinished) {
+      const QPoint at = static_cast<QTapAndHoldGesture*>(hold)->position().toPoint();
+      const QModelIndex index = indexAt(viewport()->mapFromGlobal(at));
+      if (index.isValid() && !selectionModel()->isSelected(index)) {
+        setCurrentIndex(index);
+      }
+      m_events.showMenu(at);
+      return true;
+    }
+  }
+  return QTreeView::viewportEvent(event);
+}
+
+}  // namespace home

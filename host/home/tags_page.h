@@ -1,0 +1,113 @@
+#pragma once
+
+#include <QWidget>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/home/message_bar.h"
+#include "host/home/page.h"
+#include "host/home/tag_list.h"
+#include "host/home/tag_model.h"
+#include "host/home/work.h"
+
+class QAction;
+class QBoxLayout;
+class QLabel;
+class QLineEdit;
+class QMenu;
+class QStackedLayout;
+class QToolButton;
+
+namespace home {
+
+class EmptyNotice;
+
+/// The list of tags with its search, and what can be done with the tags that are selected.
+class TagsPage : public QWidget {
+ public:
+  /// Which other pages the window has.
+  struct Ways {
+    bool canTeach = false;
+    bool canSetUp = false;
+  };
+
+  /// All outlive this.
+  TagsPage(Work& work, Frame& frame, MessageBar& bar, Ways ways, QWidget* parent);
+
+  /// Shows what the store holds. Selected tags stay selected. A tag that was not there before
+  /// becomes the current one.
+  void Show(std::shared_ptr<const Shelf> shelf);
+
+  void FocusList();
+  void FocusSearch();
+  /// Returns false if there was nothing to clear.
+  bool ClearSearch();
+
+  [[nodiscard]] Column GetSortColumn() const;
+  [[nodiscard]] Qt::SortOrder GetSortOrder() const;
+  void Sort(Column column, Qt::SortOrder order);
+
+  /// The actions of this page, for the menu of the window.
+  [[nodiscard]] QMenu& GetSortMenu() const { return *m_sortMenu; }
+  [[nodiscard]] QAction& GetTeachAction() const { return *m_teach; }
+  [[nodiscard]] QAction& GetUndoAction() const { return *m_undo; }
+  [[nodiscard]] QAction& GetSelectAllAction() const { return *m_selectAll; }
+  [[nodiscard]] QAction& GetSelectSeveralAction() const { return *m_selectSeveral; }
+
+ protected:
+  void resizeEvent(QResizeEvent* event) override;
+  void changeEvent(QEvent* event) override;
+
+ private:
+  void MakeActions();
+  void MakeSortMenu();
+  [[nodiscard]] QWidget* MakeSearchRow();
+  [[nodiscard]] QWidget* MakeActionRow();
+  void Adapt();
+  void ShowListOrNotice();
+  void ShowCurrent();
+  void ShowMenu(const QPoint& at);
+
+  [[nodiscard]] const Tag* GetCurrent() const;
+  [[nodiscard]] std::vector<std::u16string> GetSelected() const;
+  void Select(const std::vector<std::u16string>& tags, const std::u16string& current);
+  void PlayCurrent();
+  void PlayOrStop();
+  void Delete();
+  void Undo();
+
+  Work& m_work;
+  Frame& m_frame;
+  MessageBar& m_bar;
+  const Ways m_ways;
+  std::shared_ptr<const Shelf> m_shelf;  ///< Null until the store has been read.
+  TagModel m_model;
+  TagOrder m_order{m_model};
+  std::vector<std::u16string> m_trashed;  ///< What Undo brings back.
+  int m_played = 0;                       ///< How often something was played.
+
+  // Owned by the widgets.
+  QStackedLayout* m_centre = nullptr;
+  TagList* m_list = nullptr;
+  EmptyNotice* m_notice = nullptr;
+  QLineEdit* m_search = nullptr;
+  QToolButton* m_sort = nullptr;
+  QToolButton* m_teachAtTop = nullptr;     ///< On a wide window.
+  QToolButton* m_teachAtBottom = nullptr;  ///< On a narrow one.
+  QBoxLayout* m_foot = nullptr;            ///< The details and the buttons.
+  QLabel* m_details = nullptr;
+  QWidget* m_actionRow = nullptr;
+  std::vector<QToolButton*> m_actionButtons;
+  QMenu* m_sortMenu = nullptr;
+  QAction* m_teach = nullptr;
+  QAction* m_play = nullptr;
+  QAction* m_teachAgain = nullptr;
+  QAction* m_delete = nullptr;
+  QAction* m_undo = nullptr;
+  QAction* m_selectAll = nullptr;
+  QAction* m_selectSeveral = nullptr;
+};
+
+}  // namespace home
