@@ -4,9 +4,9 @@
 #include <pulse/introspect.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <exception>
 #include <utility>
-#include <vector>
 
 namespace pulse {
 namespace {
@@ -16,8 +16,7 @@ using platform::WaveResult;
 /// What the server reports of its sources. The loop's thread fills it, and then says that it is
 /// complete.
 struct SourceList {
-  std::vector<std::string> inputs;
-  std::string defaultSource;
+  Inputs inputs;
   Answer complete;
 };
 
@@ -35,7 +34,7 @@ void OnServer(pa_context*, const pa_server_info* server, void* data) {
   if (server == nullptr || server->default_source_name == nullptr) return;
   auto& list = *static_cast<SourceList*>(data);
   try {
-    list.defaultSource = server->default_source_name;
+    list.inputs.serversDefault = server->default_source_name;
   } catch (const std::exception&) {
     list.complete.Give(false);  // No memory; nothing may pass through the library.
   }
@@ -49,7 +48,8 @@ void OnSource(pa_context*, const pa_source_info* source, int end, void* data) {
   }
   if (source->monitor_of_sink != PA_INVALID_INDEX) return;
   try {
-    list.inputs.emplace_back(source->name);
+    list.inputs.all.push_back(
+        {source->name, source->description == nullptr ? source->name : source->description});
   } catch (const std::exception&) {
     list.complete.Give(false);
   }
@@ -62,6 +62,14 @@ ProplistHandle MakeProperties(const char* name, const char* value) {
 }
 
 }  // namespace
+
+// The library has no call for this: it reads the variable at its first message.
+void KeepLibraryQuiet() {
+  constexpr const char* kVariable = "PULSE_LOG_SYSLOG";
+  if (std::getenv("PULSE_LOG") == nullptr && std::getenv(kVariable) == nullptr) {
+    setenv(kVariable, "1", 0);
+  }
+}
 
 Result<std::unique_ptr<Connection>> Connection::Open(Deadline deadline) {
   std::unique_ptr<Connection> connection(new Connection);
@@ -110,12 +118,16 @@ Result<Inputs> Connection::FindInputs(Deadline deadline) {
     sources.reset();
   }
   if (!isComplete) return platform::Failure(WaveResult::kNoDevice);
-  Inputs inputs{static_cast<std::uint32_t>(list.inputs.size()), {}};
-  if (!list.inputs.empty() &&
-      std::ranges::find(list.inputs, list.defaultSource) == list.inputs.end()) {
-    inputs.preferred = list.inputs.front();
+  return std::move(list.inputs);
+}
+
+std::string Inputs::Choose(const std::string& chosen) const {
+  for (const std::string& wanted : {chosen, serversDefault}) {
+    if (std::ranges::find(all, wanted, &Input::name) != all.end()) {
+      return wanted;
+    }
   }
-  return inputs;
+  return all.empty() ? std::string() : all.front().name;
 }
 
 Stream::Stream(Connection& connection, std::function<void()> onLost)

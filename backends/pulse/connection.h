@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "backends/pulse/handles.h"
 #include "platform/result.h"
@@ -23,12 +24,24 @@ inline constexpr std::chrono::milliseconds kCallLimit(3000);
 template <typename T>
 using Result = platform::Result<T, platform::WaveResult>;
 
-/// The sources that are no monitors of outputs.
+/// Sends messages of the sound library to the system log, unless the user asked for them. Changes
+/// the environment of the process.
+void KeepLibraryQuiet();
+
+/// A source that is no monitor of an output.
+struct Input {
+  std::string name;
+  std::string description;  ///< For people.
+};
+
 struct Inputs {
-  std::uint32_t count = 0;
-  /// The source to record from if that is not the server's default, which may well be a monitor
-  /// although there is a microphone. Empty: the default.
-  std::string preferred;
+  std::vector<Input> all;
+  /// It may well be a monitor although there is a microphone.
+  std::string serversDefault;
+
+  /// Returns the source to record from: the chosen one if it is there, else the server's default,
+  /// else the first one. Returns an empty text if there is none.
+  [[nodiscard]] std::string Choose(const std::string& chosen) const;
 };
 
 /// A connection to the user's sound server, with the thread that serves it.

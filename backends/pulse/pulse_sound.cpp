@@ -2,12 +2,13 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstdlib>
+#include <string>
 #include <utility>
 
 #include "backends/pulse/connection.h"
 #include "backends/pulse/player.h"
 #include "backends/pulse/recorder.h"
+#include "backends/text/utf.h"
 
 namespace pulse {
 namespace {
@@ -22,15 +23,6 @@ constexpr std::chrono::milliseconds kWarmUpLimit(1000);
 // What the source could not deliver in time is filled up with zeros, which are silence only in
 // samples of this width.
 constexpr std::uint16_t kRecordedBits = 16;
-
-/// Sends messages of the sound library to the system log, unless the user asked for them. The
-/// library has no call for this: it reads the variable at its first message.
-void KeepLibraryQuiet() {
-  constexpr const char* kVariable = "PULSE_LOG_SYSLOG";
-  if (std::getenv("PULSE_LOG") == nullptr && std::getenv(kVariable) == nullptr) {
-    setenv(kVariable, "1", 0);
-  }
-}
 
 pa_sample_format_t ToSampleFormat(std::uint16_t bitsPerSample) {
   switch (bitsPerSample) {
@@ -58,16 +50,20 @@ Result<pa_sample_spec> ToSampleSpec(const platform::WaveFormat& format) {
   return sampleSpec;
 }
 
-Result<std::unique_ptr<Recorder>> OpenRecorder(const pa_sample_spec& sampleSpec) {
+Result<std::unique_ptr<Recorder>> OpenRecorder(const pa_sample_spec& sampleSpec,
+                                               const ChosenInput& getChosen) {
   const Deadline deadline = steady_clock::now() + kCallLimit;
   auto connection = Connection::Open(deadline);
   if (!connection) return platform::Failure(connection.error());
   const auto inputs = (*connection)->FindInputs(deadline);
   if (!inputs) return platform::Failure(inputs.error());
-  if (inputs->count == 0) return platform::Failure(WaveResult::kNoDevice);
+  if (inputs->all.empty()) return platform::Failure(WaveResult::kNoDevice);
+  const std::string chosen = getChosen ? text::ToUtf8(getChosen()) : std::string();
+  const std::string source = inputs->Choose(chosen);
+  const bool isServersChoice = source != chosen && source == inputs->serversDefault;
   auto recorder = std::make_unique<Recorder>();
-  const auto connected =
-      recorder->Connect(std::move(*connection), inputs->preferred, sampleSpec, deadline);
+  const auto connected = recorder->Connect(
+      std::move(*connection), isServersChoice ? std::string() : source, sampleSpec, deadline);
   if (!connected) return platform::Failure(connected.error());
   recorder->AwaitSound(std::min(deadline, steady_clock::now() + kWarmUpLimit));
   return recorder;
@@ -85,12 +81,16 @@ Result<std::unique_ptr<Player>> OpenPlayer(const pa_sample_spec& sampleSpec) {
 
 }  // namespace
 
-PulseWaveIn::PulseWaveIn() { KeepLibraryQuiet(); }
+PulseWaveIn::PulseWaveIn(ChosenInput getChosen) : m_getChosen(std::move(getChosen)) {
+  KeepLibraryQuiet();
+}
 
 std::uint32_t PulseWaveIn::GetDeviceCount() {
   const Deadline deadline = steady_clock::now() + kCallLimit;
   const auto connection = Connection::Open(deadline);
-  return connection ? (*connection)->FindInputs(deadline).value_or(Inputs{}).count : 0;
+  const Inputs inputs =
+      connection ? (*connection)->FindInputs(deadline).value_or(Inputs{}) : Inputs{};
+  return static_cast<std::uint32_t>(inputs.all.size());
 }
 
 platform::Result<std::unique_ptr<platform::WaveInDevice>, platform::WaveResult> PulseWaveIn::Open(
@@ -99,7 +99,7 @@ platform::Result<std::unique_ptr<platform::WaveInDevice>, platform::WaveResult> 
   if (!sampleSpec || format.bitsPerSample != kRecordedBits) {
     return platform::Failure(WaveResult::kBadFormat);
   }
-  return OpenRecorder(*sampleSpec);
+  return OpenRecorder(*sampleSpec, m_getChosen);
 }
 
 PulseWaveOut::PulseWaveOut() { KeepLibraryQuiet(); }

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <string>
 
 #include "platform/wave_devices.h"
 
@@ -13,14 +15,22 @@
 
 namespace pulse {
 
-/// The server's default source. If that only listens to an output, the first source that does not.
+/// Returns the name of the source that the user chose for this program, and an empty text if none
+/// was chosen. Is called each time that it is needed, on any thread.
+using ChosenInput = std::function<std::u16string()>;
+
+/// The chosen source. If it is not there, the server's default. If that only listens to an output,
+/// the first source that does not.
 class PulseWaveIn final : public platform::WaveIn {
  public:
-  PulseWaveIn();
+  explicit PulseWaveIn(ChosenInput getChosen = {});
 
   [[nodiscard]] std::uint32_t GetDeviceCount() override;
   [[nodiscard]] platform::Result<std::unique_ptr<platform::WaveInDevice>, platform::WaveResult>
   Open(const platform::WaveFormat& format) override;
+
+ private:
+  const ChosenInput m_getChosen;
 };
 
 /// The server's default sink. Takes samples of 8 bits without sign and of 16, 24 and 32 bits with

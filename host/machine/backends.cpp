@@ -11,6 +11,7 @@
 #include "backends/wave_file/file_sound.h"
 #include "host/machine/system.h"
 #include "storage/device_paths.h"
+#include "storage/microphone_choice.h"
 #include "storage/registry_keys.h"
 #include "storage/tag_store.h"
 #include "tags/page_one.h"
@@ -113,13 +114,31 @@ platform::FileSystem& Backends::GetFiles() {
 platform::WaveIn& Backends::GetWaveIn() {
   if (!m_waveIn) {
     if (m_options.microphone.empty()) {
-      m_waveIn = MakeMicrophone();
+      m_waveIn = MakeMicrophone(MicrophoneReader());
     } else {
       m_waveIn =
           std::make_unique<wave_file::FileWaveIn>(GetFiles(), ToSystemPath(m_options.microphone));
     }
   }
   return *m_waveIn;
+}
+
+platform::WaveInputs& Backends::GetWaveInputs() {
+  if (!m_waveInputs) {
+    m_waveInputs = MakeWaveInputs(MicrophoneReader());
+  }
+  return *m_waveInputs;
+}
+
+// Read each time, since another program may have changed it. The settings are opened for reading
+// only and by themselves: recording changes nothing, and it has a thread of its own.
+std::function<std::u16string()> Backends::MicrophoneReader() const {
+  return [path = GetRegistryPath()] {
+    sqlite::RegistryOptions options;
+    options.access = sqlite::Access::kRead;
+    sqlite::SqliteRegistry registry(path, options);
+    return storage::ReadMicrophone(registry);
+  };
 }
 
 platform::WaveOut& Backends::GetWaveOut() {

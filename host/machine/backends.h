@@ -15,13 +15,14 @@
 #include "platform/registry.h"
 #include "platform/threads.h"
 #include "platform/wave_devices.h"
+#include "platform/wave_inputs.h"
 
 namespace machine {
 
 /// What the user may choose about the machine.
 struct Options {
   std::string root;        ///< Empty: "voxtrel" in the folder for the data of programs.
-  std::string microphone;  ///< A wave file. Empty: the default input of the sound server.
+  std::string microphone;  ///< A wave file. Empty: the chosen input of the sound server.
   std::string speaker;     ///< A wave file. Empty: the default output of the sound server.
   std::string contacts;    ///< "eds", or a vCard file or folder. Empty: the one chosen last.
 };
@@ -54,6 +55,8 @@ class Backends {
 
   [[nodiscard]] platform::FileSystem& GetFiles();
   [[nodiscard]] platform::WaveIn& GetWaveIn();
+  /// Returns the inputs of the sound server, also if a wave file stands for the microphone.
+  [[nodiscard]] platform::WaveInputs& GetWaveInputs();
   [[nodiscard]] platform::WaveOut& GetWaveOut();
   [[nodiscard]] platform::Threads& GetThreads();
   [[nodiscard]] platform::Clock& GetClock() { return *m_clock; }
@@ -82,6 +85,8 @@ class Backends {
 
  private:
   [[nodiscard]] const std::optional<std::filesystem::path>& FindRootOnce() const;
+  /// Returns what reads the choice of the user. It may be called on any thread.
+  [[nodiscard]] std::function<std::u16string()> MicrophoneReader() const;
 
   const Options& m_options;
   bool m_changesNothing = false;
@@ -95,6 +100,7 @@ class Backends {
   std::function<void()> m_noContacts;
   std::unique_ptr<vcard::AddressBooks> m_contacts;
   std::unique_ptr<platform::WaveIn> m_waveIn;
+  std::unique_ptr<platform::WaveInputs> m_waveInputs;
   std::unique_ptr<platform::WaveOut> m_waveOut;
   std::unique_ptr<platform::Threads> m_threads;
 };

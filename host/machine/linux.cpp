@@ -8,6 +8,7 @@
 #include "backends/posix/library.h"
 #include "backends/posix/posix_file_system.h"
 #include "backends/posix/posix_threads.h"
+#include "backends/pulse/pulse_inputs.h"
 #include "backends/pulse/pulse_sound.h"
 #include "backends/text/utf.h"
 #include "host/machine/places.h"
@@ -63,8 +64,12 @@ std::unique_ptr<platform::Threads> MakeThreads(const fs::path& root) {
 
 std::unique_ptr<platform::Clock> MakeClock() { return std::make_unique<posix::PosixClock>(); }
 
-std::unique_ptr<platform::WaveIn> MakeMicrophone() {
-  return std::make_unique<pulse::PulseWaveIn>();
+std::unique_ptr<platform::WaveIn> MakeMicrophone(ChosenMicrophone getChosen) {
+  return std::make_unique<pulse::PulseWaveIn>(std::move(getChosen));
+}
+
+std::unique_ptr<platform::WaveInputs> MakeWaveInputs(ChosenMicrophone getChosen) {
+  return std::make_unique<pulse::PulseWaveInputs>(std::move(getChosen));
 }
 
 std::unique_ptr<platform::WaveOut> MakeLoudspeaker() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -12,6 +13,7 @@
 #include "platform/file_system.h"
 #include "platform/threads.h"
 #include "platform/wave_devices.h"
+#include "platform/wave_inputs.h"
 
 // What differs from one system to the next. Each system has one source file with these functions,
 // and the build chooses it.
@@ -36,8 +38,13 @@ void MakeRootFor(const std::filesystem::path& root, std::span<const std::u16stri
 [[nodiscard]] std::unique_ptr<platform::Threads> MakeThreads(const std::filesystem::path& root);
 [[nodiscard]] std::unique_ptr<platform::Clock> MakeClock();
 
+/// Returns the name of the input that the user chose for this program, and an empty text if none
+/// was chosen. May be called from any thread.
+using ChosenMicrophone = std::function<std::u16string()>;
+
 // The devices that the user chose for this system. They are made before there is a second thread.
-[[nodiscard]] std::unique_ptr<platform::WaveIn> MakeMicrophone();
+[[nodiscard]] std::unique_ptr<platform::WaveIn> MakeMicrophone(ChosenMicrophone getChosen);
+[[nodiscard]] std::unique_ptr<platform::WaveInputs> MakeWaveInputs(ChosenMicrophone getChosen);
 [[nodiscard]] std::unique_ptr<platform::WaveOut> MakeLoudspeaker();
 
 /// Loads what knows the desktop's address books, at the first call for good.

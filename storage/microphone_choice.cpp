@@ -1,0 +1,30 @@
+#include "storage/microphone_choice.h"
+
+#include <optional>
+
+#include "backends/text/registry_text.h"
+
+namespace storage {
+
+using platform::RegistryError;
+
+std::u16string ReadMicrophone(platform::Registry& registry) {
+  const platform::OpenedKey key = registry.OpenKey(kSoundKey);
+  const auto value = key ? (*key)->Query(kMicrophoneValue) : platform::Failure(key.error());
+  return value ? text::ToText(*value).value_or(std::u16string()) : std::u16string();
+}
+
+platform::Result<void, RegistryError> ChooseMicrophone(platform::Registry& registry,
+                                                       std::u16string_view name) {
+  if (ReadMicrophone(registry) == name) {
+    return {};
+  }
+  const platform::OpenedKey key = registry.CreateKey(kSoundKey);
+  if (!key) {
+    return platform::Failure(key.error());
+  }
+  return name.empty() ? (*key)->DeleteValue(kMicrophoneValue)
+                      : text::SetText(**key, kMicrophoneValue, name);
+}
+
+}  // namespace storage
