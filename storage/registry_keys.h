@@ -39,6 +39,10 @@ inline constexpr std::u16string_view kComPortValue = u"Com_port";
 inline constexpr std::u16string_view kIsBluetoothValue = u"is_BT";
 inline constexpr std::u16string_view kIsHangUpValue = u"is_HU";
 
+/// Which address book is used, and which contact has which number. backends/vcard reads and writes
+/// it.
+inline constexpr std::u16string_view kContactNumbersKey = u"Software\\Zedra\\Voxtrel Contacts";
+
 /// What the installation leaves in a new store: keys without values.
 inline constexpr std::array kInstalledKeys{kSetupKey};
 

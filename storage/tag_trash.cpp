@@ -188,6 +188,13 @@ void TagTrash::RemoveOld(const std::vector<std::u16string>& names) const {
       Delete(tag.file);
     }
   }
+  // Stamps sort as the times do.
+  const std::u16string oldest = StampOf(now - kKeptSeconds, 0);
+  for (const std::u16string& name : names) {
+    if (name.ends_with(kSavedEnd) && name < oldest) {
+      Delete(name);
+    }
+  }
 }
 
 Result<void, RestoreError> TagTrash::Restore(const TrashedTag& tag) const {

@@ -56,6 +56,8 @@ class TarReader {
   /// Of the member that Next went to.
   [[nodiscard]] const std::string& GetName() const { return m_name; }
   [[nodiscard]] std::uint64_t GetLength() const { return m_length; }
+  /// Returns the place of its first byte in the file.
+  [[nodiscard]] std::uint64_t GetOffset() const { return m_offset; }
 
   /// Returns the member's bytes. Fails with kTorn if it is longer than `limit`.
   [[nodiscard]] platform::Result<std::vector<std::byte>, TarError> ReadAll(std::uint64_t limit);

@@ -30,8 +30,8 @@ constexpr std::string_view kTemplate = "template.st";
 /// More than the texts of a tag can take.
 constexpr std::uint64_t kLongestAbout = 65536;
 
-constexpr std::array<std::string_view, 4> kReasonWords{"delete", "delete-all", "clean-up",
-                                                       "repair"};
+constexpr std::array<std::string_view, 5> kReasonWords{"delete", "delete-all", "clean-up", "repair",
+                                                       "replace"};
 
 // The lines of about.txt: a word, a blank, a value.
 constexpr std::string_view kDeletedLine = "deleted ";

@@ -18,6 +18,7 @@ enum class DeletionReason : std::uint8_t {
   kDeleteAll,  ///< The user, all tags.
   kCleanUp,    ///< The Learning page, because the contact has gone.
   kRepair,     ///< The repair of the store: files that belong to no tag.
+  kReplace,    ///< The user, who let a backup replace this tag.
 };
 
 /// Returns the word by which a reason is stored and shown to scripts.

@@ -15,6 +15,8 @@ namespace storage {
 //   STAMP.deleting           while the deletion is in progress,
 //   STAMP-0001.tar           one for each tag,
 //   STAMP-0001.restoring     while that tag is put back into the store.
+// A restoration of a backup leaves
+//   STAMP.backup             the settings and the language file that it replaced.
 
 /// The place of deleted tags: below the root, outside the folders that a companion reads.
 inline constexpr std::u16string_view kTrashFolder = u"\\Voxtrel Trash";
@@ -22,6 +24,7 @@ inline constexpr std::u16string_view kTrashFolder = u"\\Voxtrel Trash";
 inline constexpr std::u16string_view kItemEnd = u".tar";
 inline constexpr std::u16string_view kDeletingEnd = u".deleting";
 inline constexpr std::u16string_view kRestoringEnd = u".restoring";
+inline constexpr std::u16string_view kSavedEnd = u".backup";
 
 /// How many deletions one second can have.
 inline constexpr unsigned kMostInOneSecond = 99;

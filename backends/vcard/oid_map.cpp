@@ -174,7 +174,7 @@ Result<void, RegistryError> OidMap::Store(std::span<const Book> books) {
   }
   static_cast<void>(Recognise(books));
   for (const Book& book : books) {
-    if (const auto stored = StoreBook(book); !stored) {
+    if (const auto stored = StoreBook(book.name); !stored) {
       return stored;
     }
   }
@@ -188,9 +188,9 @@ Result<void, RegistryError> OidMap::Store(std::span<const Book> books) {
   return committed;
 }
 
-Result<void, RegistryError> OidMap::StoreBook(const Book& book) {
-  KnownBook& known = m_books.at(book.name);
-  const bool isRenamed = m_renaming && m_renaming->now == book.name;
+Result<void, RegistryError> OidMap::StoreBook(const std::u16string& name) {
+  KnownBook& known = m_books.at(name);
+  const bool isRenamed = m_renaming && m_renaming->now == name;
   if (!known.contacts.HasChanged() && !isRenamed) {
     return {};
   }
@@ -205,7 +205,7 @@ Result<void, RegistryError> OidMap::StoreBook(const Book& book) {
     return Failure(opened.error());
   }
   if (isNew || isRenamed) {
-    if (const auto named = text::SetText(**opened, kSourceValue, book.name); !named) {
+    if (const auto named = text::SetText(**opened, kSourceValue, name); !named) {
       return named;
     }
   }

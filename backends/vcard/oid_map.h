@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -54,6 +55,25 @@ class OidMap {
   [[nodiscard]] platform::Result<Oids, platform::RegistryError> Assign(std::span<const Book> books,
                                                                        Keeping keeping);
 
+  /// For each number that another store gave to a contact, the number of that contact here.
+  using Numbers = std::unordered_map<std::int32_t, std::int32_t>;
+
+  /// Recognises the contacts of another store's map, book by book: those of a book that is known
+  /// here and for which `isUsed` returns true, and otherwise those of all such books. A contact
+  /// that its book did not hold when it was last read to its end is nobody.
+  [[nodiscard]] Numbers Recognise(const OidMap& other,
+                                  const std::function<bool(std::u16string_view)>& isUsed) const;
+
+  /// Takes over the books of another store's map, as one change. Contacts that are not known here
+  /// keep their numbers, unless somebody here has them. Only a contact of which nothing but an
+  /// entry of 20 bytes is known is left out. With kInMemory, nothing is written. If this fails, the
+  /// map has to be loaded again.
+  [[nodiscard]] platform::Result<Numbers, platform::RegistryError> Adopt(const OidMap& other,
+                                                                         Keeping keeping);
+
+  /// Returns whether no book is known.
+  [[nodiscard]] bool IsEmpty() const { return m_books.empty(); }
+
   /// Returns whether the number was given to a contact of this book.
   [[nodiscard]] bool Belongs(std::int32_t oid, std::u16string_view source) const;
 
@@ -75,7 +95,9 @@ class OidMap {
   [[nodiscard]] platform::Result<void, platform::RegistryError> LoadBook(
       const std::u16string& keyName);
   [[nodiscard]] platform::Result<void, platform::RegistryError> Store(std::span<const Book> books);
-  [[nodiscard]] platform::Result<void, platform::RegistryError> StoreBook(const Book& book);
+  [[nodiscard]] platform::Result<void, platform::RegistryError> StoreBook(
+      const std::u16string& name);
+  [[nodiscard]] Numbers Adopt(const OidMap& other);
   /// Recognises the contacts of each book, and notes what is new of them.
   [[nodiscard]] Oids Recognise(std::span<const Book> books);
   [[nodiscard]] std::vector<std::int32_t> Recognise(const Book& book);
