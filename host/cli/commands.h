@@ -9,6 +9,7 @@ namespace cli {
 // Each adds its commands to the command line. They run after the line was parsed, with the options
 // that `session` has by then. What a command throws is a wrong usage (CLI::ParseError).
 
+void AddBackupCommands(CLI::App& app, Session& session);
 void AddConnectionCommands(CLI::App& app, Session& session);
 void AddContactsCommands(CLI::App& app, Session& session);
 void AddLanguageCommands(CLI::App& app, Session& session);

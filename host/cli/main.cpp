@@ -70,6 +70,7 @@ int RunCommand(int argc, const char* const* argv) {
   cli::AddTagsCommands(app, session);
   cli::AddMaintenanceCommands(app, session);
   cli::AddConnectionCommands(app, session);
+  cli::AddBackupCommands(app, session);
   cli::AddStatusCommands(app, session);
   cli::AddExamples(app);
 

@@ -12,18 +12,17 @@
 
 #include "backends/text/utf.h"
 #include "host/cli/output.h"
+#include "host/session/held_tags.h"
 #include "storage/tag_trash.h"
 #include "tags/page_one.h"
 
 namespace cli {
 namespace {
 
+using session::HeldTags;
+using session::OpenTrash;
 using storage::RestoreError;
 using storage::TrashedTag;
-
-storage::TagTrash OpenTrash(Session& session) {
-  return {session.GetFiles(), session.GetRegistry(), session.GetClock()};
-}
 
 /// Returns what is in the trash, the latest deletion first. The error is a sentence with the
 /// folder that cannot be read.
@@ -72,27 +71,6 @@ void PrintTrash(Session& session) {
     PrintLine("The trash is empty.");
   }
 }
-
-/// Holds the tags for the time of a command: no window can open meanwhile. A command that was
-/// killed may have left a deletion half done, which is finished or undone first.
-class HeldTags {
- public:
-  explicit HeldTags(Session& session)
-      : m_mutex(session.GetPlatform().threads.CreateNamedMutex(tags::kInstanceMutex)) {
-    if (!IsHeld()) {
-      session.Fail("the tags are in use by another Voxtrel; close it and try again");
-    } else {
-      OpenTrash(session).Recover();
-    }
-  }
-
-  [[nodiscard]] bool IsHeld() const {
-    return m_mutex != platform::Failure(platform::ThreadError::kHeld);
-  }
-
- private:
-  platform::CreatedMutex m_mutex;
-};
 
 void EmptyTrash(Session& session) {
   if (!session.OpenForChanging()) {

@@ -69,15 +69,19 @@ constexpr Example kExamples[] = {
     {"connection", "connection", "the dialer's serial port, in a window"},
     {"connection show", "connection show", "the settings of the dialer's serial port"},
     {"connection set", "connection set port=COM1: baud-rate=115200", "change two of them"},
+    {"backup", "backup voice-tags.tar", "keep all of it in one file"},
+    {"backup", "backup - | ssh desk 'cat > voice-tags.tar'", "on another machine"},
+    {"restore", "restore voice-tags.tar", "what is missing comes back"},
+    {"restore", "restore voice-tags.tar --yes", "what differs is replaced, too"},
     {"status", "status", "what is missing on this machine"},
 };
 
 /// The examples of the program's own help: one for each thing that people do.
-constexpr std::string_view kFirstSteps[] = {"open",           "wave record",   "wave play",
-                                            "template learn", "template show", "template compare",
-                                            "language check", "contacts",      "tags learn",
-                                            "tags list",      "tags test",     "check",
-                                            "connection set", "status",        "registry export"};
+constexpr std::string_view kFirstSteps[] = {
+    "open",           "wave record",      "wave play",      "template learn",
+    "template show",  "template compare", "language check", "contacts",
+    "tags learn",     "tags list",        "tags test",      "check",
+    "connection set", "status",           "backup",         "registry export"};
 
 constexpr const char* kExitCodes =
     "Exit codes: 0 done, 1 failed with a message on standard error, 2 wrong usage.";
