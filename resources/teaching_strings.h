@@ -17,6 +17,59 @@ inline constexpr std::u16string_view kLevelLoud = u"Too loud";
 inline constexpr std::u16string_view kWavePicture = u"The recording";
 inline constexpr std::u16string_view kKeptPart =
     u"%1 of %2 seconds are kept, from second %3 on. They are marked.";
-inline constexpr std::u16string_view kSeconds = u"%1 s";
+
+// Who is taught.
+inline constexpr std::u16string_view kPeople = u"People";
+inline constexpr std::u16string_view kSearchPeople = u"Search name, company or number";
+inline constexpr std::u16string_view kIsTaught = u"Taught";
+inline constexpr std::u16string_view kReadingPeople = u"Reading the contacts…";
+/// "%1" is what was typed.
+inline constexpr std::u16string_view kNobodyFound = u"Nobody matches “%1”.";
+inline constexpr std::u16string_view kShowEverybody = u"Show &everybody";
+inline constexpr std::u16string_view kNoNumbers = u"None of your contacts has a telephone number.";
+
+// The lesson.
+inline constexpr std::u16string_view kTeachingTitle = u"Teach a name";
+inline constexpr std::u16string_view kChoosePerson = u"Whom do you want to call by voice?";
+inline constexpr std::u16string_view kChoosePersonAdvice =
+    u"Choose a number. Then you say the name once.";
+inline constexpr std::u16string_view kSayTheName = u"Say the name";
+inline constexpr std::u16string_view kSayTheNameAdvice =
+    u"Press Record and wait for the tone. Then say the name as you will say it to the dialer.";
+inline constexpr std::u16string_view kSayTheNameAgainAdvice =
+    u"Press Record and wait for the tone. Then say the name as you will say it to the dialer. If "
+    u"you keep the recording, it takes the place of the one before.";
+inline constexpr std::u16string_view kGetReady = u"Get ready…";
+inline constexpr std::u16string_view kSpeakNow = u"Speak now";
+inline constexpr std::u16string_view kTimeLeft = u"Time left to speak";
+inline constexpr std::u16string_view kNoMicrophoneYet = u"There is no microphone";
+inline constexpr std::u16string_view kNoMicrophoneYetAdvice =
+    u"Plug one in, or switch it on in the sound settings. The recording then begins by itself.";
+inline constexpr std::u16string_view kMicrophoneRefused = u"The microphone gives no sound";
+inline constexpr std::u16string_view kMicrophoneRefusedAdvice =
+    u"Another program may be using it, or it may be switched off.";
+inline constexpr std::u16string_view kTakeIsLost = u"The microphone was lost";
+inline constexpr std::u16string_view kTakeIsLostAdvice =
+    u"Too little was heard to learn a name. Check the microphone and record again.";
+/// "%1" is a person.
+inline constexpr std::u16string_view kTakeIsLike =
+    u"It sounds like %1. The dialer may take one for the other.";
+inline constexpr std::u16string_view kKeeping = u"Learning the name…";
+inline constexpr std::u16string_view kLearned = u"Learned %1.";
+inline constexpr std::u16string_view kNotLearned = u"The name was not learned.";
+inline constexpr std::u16string_view kPersonIsGone =
+    u"The name cannot be taught again, since its number is no longer in the address book.";
+inline constexpr std::u16string_view kNotHeard = u"The recording could not be played.";
+
+// Its buttons.
+inline constexpr std::u16string_view kRecord = u"&Record";
+inline constexpr std::u16string_view kRecordAgain = u"Record &again";
+inline constexpr std::u16string_view kKeep = u"&Keep";
+inline constexpr std::u16string_view kDiscard = u"&Discard";
+inline constexpr std::u16string_view kHear = u"&Hear it";
+inline constexpr std::u16string_view kStopHearing = u"Sto&p";
+inline constexpr std::u16string_view kPlayBoth = u"Play &both";
+inline constexpr std::u16string_view kCancel = u"&Cancel";
+inline constexpr std::u16string_view kChooseAnother = u"Choose &somebody else";
 
 }  // namespace resources

@@ -34,6 +34,10 @@ LiveLabel::LiveLabel(QWidget* parent) : QLabel(parent) {
 
 void LiveLabel::Announce(const QString& text) {
   setText(text);
+  Tell(text);
+}
+
+void LiveLabel::Tell(const QString& text) {
   setAccessibleName(text);
   if (!text.isEmpty()) {
     // Screen readers say a notification when it appears.

@@ -21,6 +21,8 @@ class LiveLabel : public QLabel {
   /// Shows the text, and lets screen readers say it if it is not empty, also if it is the same as
   /// before.
   void Announce(const QString& text);
+  /// Lets screen readers say something, and leaves what is shown.
+  void Tell(const QString& text);
 };
 
 }  // namespace home

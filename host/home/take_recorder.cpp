@@ -76,8 +76,9 @@ std::vector<std::int16_t> MakeTone() {
 /// What is being done, as its thread and the event loop share it.
 class TakeRecorder::Job {
  public:
-  Job(const Sound& sound, QObject& context, std::unique_ptr<platform::Event> stop)
-      : m_sound(sound), m_context(context), m_stop(std::move(stop)) {}
+  Job(const Sound& sound, std::uint32_t cueTime, QObject& context,
+      std::unique_ptr<platform::Event> stop)
+      : m_sound(sound), m_cueTime(cueTime), m_context(context), m_stop(std::move(stop)) {}
 
   /// On the thread of the event loop.
   void Stop() {
@@ -121,6 +122,7 @@ class TakeRecorder::Job {
   [[nodiscard]] bool PlaySamples(std::span<const std::int16_t> samples) const;
 
   const Sound m_sound;
+  const std::uint32_t m_cueTime;
   QObject& m_context;
   const std::unique_ptr<platform::Event> m_stop;
   bool m_isStopped = false;  ///< Of the thread of the event loop.
@@ -151,10 +153,10 @@ void TakeRecorder::Job::Record(const std::shared_ptr<Job>& self, const Watch& wa
   HeardTake take;
   take.isRefused = !device;
   if (device && self->Wait(kGetReadyTime)) {
-    report({.stage = Stage::kTone});
+    report({.stage = Stage::kCue});
     // Whoever hears no tone still sees when to speak.
-    static_cast<void>(self->PlaySamples(MakeTone()));
-    if (self->Wait(kEchoTime)) {
+    const bool isHeard = self->Wait(self->m_cueTime) && self->PlaySamples(MakeTone());
+    if (self->Wait(isHeard ? kEchoTime : 0)) {
       take = self->Hear(**device, report);
     }
   }
@@ -236,6 +238,10 @@ void TakeRecorder::Job::Play(const std::shared_ptr<Job>& self,
   Post(self, [answer, isPlayed] { answer(isPlayed); });
 }
 
+bool HeardTake::IsLearnable() const {
+  return !samples.empty() && kept.last - kept.first + 1 >= voicemath::kFrameSamples;
+}
+
 TakeRecorder::TakeRecorder(const Sound& sound)
     : m_sound(sound), m_context(std::make_unique<QObject>()) {}
 
@@ -246,7 +252,7 @@ void TakeRecorder::Start(std::function<void(const std::shared_ptr<Job>& job)> wo
   Stop();
   auto stop = m_sound.threads.CreateManualResetEvent();
   if (stop) {
-    auto job = std::make_shared<Job>(m_sound, *m_context, std::move(*stop));
+    auto job = std::make_shared<Job>(m_sound, m_cueTime, *m_context, std::move(*stop));
     auto started = m_sound.threads.Start(
         [job, work = std::move(work), previous = m_thread]() mutable {
           if (previous) {

@@ -29,7 +29,7 @@ struct TakeProgress {
   enum class Stage : std::uint8_t {
     kNoMicrophone,  ///< There is none. It goes on as soon as there is one.
     kGetReady,      ///< The microphone is being opened.
-    kTone,          ///< A tone is heard, if there is a loudspeaker.
+    kCue,           ///< A tone is about to be heard, if there is a loudspeaker.
     kSpeak,
   };
   Stage stage = Stage::kGetReady;
@@ -43,6 +43,9 @@ struct HeardTake {
   voicemath::Segment kept;  ///< The part that becomes the tag. Nothing if there are no samples.
   voicemath::TakeQuality quality;
   bool isRefused = false;  ///< The microphone is there, and gave nothing: it may be in use.
+
+  /// Returns whether a template can be made of it.
+  [[nodiscard]] bool IsLearnable() const;
 };
 
 /// Records what the user says, into memory only: three seconds after a tone, 11,025 samples a
@@ -65,6 +68,10 @@ class TakeRecorder {
   TakeRecorder& operator=(const TakeRecorder&) = delete;
   ~TakeRecorder();
 
+  /// From now on so much time lies between the report of kCue and the tone: for a screen reader,
+  /// which says then that it is time to speak.
+  void SetCueTime(std::uint32_t milliseconds) { m_cueTime = milliseconds; }
+
   /// Reports how it goes on, about twenty times a second while somebody speaks, and then gives what
   /// was heard. Stops what is being done.
   void Record(Watch watch, HeardAnswer answer);
@@ -83,6 +90,7 @@ class TakeRecorder {
              std::function<void()> refuse);
 
   const Sound m_sound;
+  std::uint32_t m_cueTime = 0;
   const std::unique_ptr<QObject> m_context;  ///< Receives what the thread reports.
   std::shared_ptr<Job> m_job;                ///< Null if nothing is being done.
   /// The latest thread. It first waits for the one before: there is one microphone.

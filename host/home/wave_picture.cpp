@@ -8,6 +8,7 @@
 
 #include "host/home/access.h"
 #include "host/home/say.h"
+#include "resources/tags_window_strings.h"
 #include "resources/teaching_strings.h"
 #include "voicemath/constants.h"
 
@@ -105,11 +106,13 @@ void WavePicture::PaintWave(QPainter& painter, const QRect& area) const {
 }
 
 void WavePicture::PaintSeconds(QPainter& painter, const QRect& area) const {
+  constexpr int kTick = 4;
   painter.setPen(palette().color(QPalette::WindowText));
+  painter.setLayoutDirection(Qt::LeftToRight);
   const int height = fontMetrics().height();
   for (std::size_t second = 1; second * kSamplesPerSecond < m_samples.size(); ++second) {
     const int x = ToX(second * kSamplesPerSecond);
-    painter.drawLine(x, area.bottom() - height, x, area.bottom() - height + 3);
+    painter.drawLine(x, area.bottom() - height - kTick, x, area.bottom() - height);
     painter.drawText(QRect(x - 2 * height, area.bottom() - height + 1, 4 * height, height),
                      Qt::AlignCenter, Say(resources::kSeconds).arg(QLocale().toString(second)));
   }

@@ -82,7 +82,7 @@ TEST_F(TakeRecorderTest, GivesWhatWasHeardWithThePartThatIsKeptAndTheVerdicts) {
   EXPECT_FALSE(m_take->isRefused);
   EXPECT_NEAR(m_take->kept.first, 9000, 3500);
   EXPECT_NEAR(m_take->kept.last, 18000, 3500);
-  EXPECT_THAT(Stages(), ElementsAre(Stage::kGetReady, Stage::kTone, Stage::kSpeak));
+  EXPECT_THAT(Stages(), ElementsAre(Stage::kGetReady, Stage::kCue, Stage::kSpeak));
   EXPECT_EQ(m_waveIn.OpenDevices(), 0U);
   EXPECT_EQ(m_waveOut.CountOpenDevices(), 0);
 }
@@ -94,7 +94,7 @@ TEST_F(TakeRecorderTest, PlaysASoftToneWithoutClicksBeforeItRecords) {
   Record();
   // The tone is still heard: the microphone is open, and nothing is recorded yet.
   Pass(500 + 4 * 50);
-  EXPECT_THAT(Stages(), ElementsAre(Stage::kGetReady, Stage::kTone));
+  EXPECT_THAT(Stages(), ElementsAre(Stage::kGetReady, Stage::kCue));
   Pass(10'000);
   EXPECT_TRUE(m_take);
   ASSERT_EQ(m_waveOut.GetPlayed().size(), 1U);

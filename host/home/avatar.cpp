@@ -1,0 +1,54 @@
+#include "host/home/avatar.h"
+
+#include <QStringList>
+#include <QTextBoundaryFinder>
+#include <algorithm>
+
+namespace home {
+namespace {
+
+/// Returns the first letter of a word as people see it: with its accents, of two units if need be.
+QString FirstLetterOf(const QString& word) {
+  QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, word);
+  const qsizetype end = finder.toNextBoundary();
+  return word.left(std::max<qsizetype>(end, 0)).toUpper();
+}
+
+bool BeginsALetter(const QString& word) {
+  return !word.isEmpty() && (word.at(0).isLetterOrNumber() || word.at(0).isSurrogate());
+}
+
+}  // namespace
+
+QString InitialsOf(const QString& name) {
+  QStringList words = name.simplified().split(u' ', Qt::SkipEmptyParts);
+  words.erase(std::remove_if(words.begin(), words.end(),
+                             [](const QString& word) { return !BeginsALetter(word); }),
+              words.end());
+  if (words.isEmpty()) {
+    return {};
+  }
+  const QString first = FirstLetterOf(words.front());
+  return words.size() == 1 ? first : first + FirstLetterOf(words.back());
+}
+
+void DrawAvatar(QPainter& painter, const QRect& area, const QString& name, const QColor& text,
+                const QColor& ground) {
+  const int size = std::min(area.width(), area.height());
+  QRect circle(0, 0, size, size);
+  circle.moveCenter(area.center());
+  painter.save();
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(Qt::NoPen);
+  painter.setBrush(ground);
+  painter.drawEllipse(circle);
+  QFont font = painter.font();
+  font.setPixelSize(std::max(size * 2 / 5, 1));
+  font.setBold(true);
+  painter.setFont(font);
+  painter.setPen(text);
+  painter.drawText(circle, Qt::AlignCenter, InitialsOf(name));
+  painter.restore();
+}
+
+}  // namespace home
