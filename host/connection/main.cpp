@@ -4,16 +4,13 @@
 // not linked with the window library.
 
 #include <QApplication>
-#include <QIcon>
-#include <QPainter>
-#include <QPixmap>
-#include <QSvgRenderer>
 #include <cstdio>
 #include <filesystem>
 
 #include "backends/posix/posix_file_system.h"
 #include "backends/posix/posix_threads.h"
 #include "backends/qt/application.h"
+#include "backends/qt/icons.h"
 #include "backends/qt/qt_ui.h"
 #include "backends/qt/strings.h"
 #include "backends/qt/ui_thread.h"
@@ -26,7 +23,6 @@
 #include "language/texts.h"
 #include "resources/desktop_strings.h"
 #include "resources/dialogs.h"
-#include "resources/pictures.h"
 #include "resources/strings.h"
 #include "storage/device_paths.h"
 #include "storage/registry_keys.h"
@@ -35,19 +31,6 @@ namespace {
 
 constexpr std::u16string_view kApplicationName = u"Zedra Voxtrel";
 constexpr int kWrongUsage = 2;
-
-/// The applet's icon, since the window is a part of the same program.
-QIcon MakeIcon() {
-  constexpr int kSize = 256;  // pixels
-  const auto svg = resources::FindPicture(resources::kAppletIcon)->svg;
-  QSvgRenderer renderer(
-      QByteArray(reinterpret_cast<const char*>(svg.data()), static_cast<qsizetype>(svg.size())));
-  QPixmap pixmap(kSize, kSize);
-  pixmap.fill(Qt::transparent);
-  QPainter painter(&pixmap);
-  renderer.render(&painter);
-  return {pixmap};
-}
 
 /// Says which device a port is, or that it is not there. The page shows a port as it is stored, so
 /// that it stays chosen while it is unplugged.
@@ -93,7 +76,7 @@ int main(int argc, char** argv) {
     return kWrongUsage;
   }
   qt::FollowDesktopLanguage();
-  QApplication::setWindowIcon(MakeIcon());
+  QApplication::setWindowIcon(qt::OwnIcon());
   Run(arguments.at(1).toStdString());
   return 0;
 }

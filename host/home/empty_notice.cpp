@@ -1,11 +1,10 @@
 #include "host/home/empty_notice.h"
 
 #include <QLabel>
-#include <QPushButton>
 #include <QVBoxLayout>
 #include <utility>
 
-#include "host/home/sizes.h"
+#include "host/home/button.h"
 
 namespace home {
 
@@ -13,7 +12,7 @@ EmptyNotice::EmptyNotice(QWidget* parent)
     : QWidget(parent),
       m_title(new QLabel(this)),
       m_advice(new QLabel(this)),
-      m_button(new QPushButton(this)) {
+      m_button(new Button(this)) {
   constexpr double kTitleGrowth = 1.3;
   QFont font = m_title->font();
   font.setPointSizeF(font.pointSizeF() * kTitleGrowth);
@@ -30,7 +29,6 @@ EmptyNotice::EmptyNotice(QWidget* parent)
   m_title->setObjectName(QStringLiteral("emptyTitle"));
   m_advice->setObjectName(QStringLiteral("emptyAdvice"));
   m_button->setObjectName(QStringLiteral("emptyAction"));
-  MakeTouchable(*m_button);
   layout->addSpacing(layout->spacing());
   layout->addWidget(m_button, 0, Qt::AlignHCenter);
   layout->addStretch(2);

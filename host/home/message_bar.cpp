@@ -1,20 +1,19 @@
 #include "host/home/message_bar.h"
 
 #include <QHBoxLayout>
-#include <QPushButton>
 #include <QToolButton>
 #include <utility>
 
 #include "host/home/access.h"
+#include "host/home/button.h"
 #include "host/home/say.h"
-#include "host/home/sizes.h"
 #include "host/home/symbols.h"
 #include "resources/tags_window_strings.h"
 
 namespace home {
 
 MessageBar::MessageBar(QWidget* parent)
-    : QFrame(parent), m_text(new LiveLabel(this)), m_button(new QPushButton(this)) {
+    : QFrame(parent), m_text(new LiveLabel(this)), m_button(new Button(this)) {
   setFrameShape(QFrame::StyledPanel);
   setAutoFillBackground(true);
   setBackgroundRole(QPalette::AlternateBase);
@@ -22,7 +21,6 @@ MessageBar::MessageBar(QWidget* parent)
   m_text->setTextInteractionFlags(Qt::TextSelectableByMouse);
   m_text->setObjectName(QStringLiteral("message"));
   m_button->setObjectName(QStringLiteral("messageAction"));
-  MakeTouchable(*m_button);
   auto* const close = new QToolButton(this);
   close->setAutoRaise(true);
   close->setIcon(IconOf(Symbol::kClose));

@@ -1,5 +1,6 @@
 #include "host/home/numbers.h"
 
+#include <algorithm>
 #include <array>
 
 #include "host/home/say.h"
@@ -19,10 +20,14 @@ static_assert(kKindNames.size() == storage::kPhoneTypes.size());
 
 }  // namespace
 
-QString ShowNumber(std::u16string_view number) {
-  constexpr QChar kBeginFromTheLeft(0x2066);
-  constexpr QChar kEnd(0x2069);
-  return number.empty() ? QString() : kBeginFromTheLeft + qt::ToQString(number) + kEnd;
+// Marks that isolate a text would do as well, but some fonts do not have them. The line is then
+// drawn in two fonts, and its letters are not at one height.
+QString FromLeftToRight(const QString& text) {
+  constexpr QChar kMark(0x200E);
+  const bool isPartlyFromTheRight = std::ranges::any_of(text, [](QChar unit) {
+    return unit.direction() == QChar::DirR || unit.direction() == QChar::DirAL;
+  });
+  return text.isEmpty() || isPartlyFromTheRight ? text : kMark + text + kMark;
 }
 
 QString NameKind(std::u16string_view word) {

@@ -100,9 +100,9 @@ class SymbolEngine final : public QIconEngine {
   void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode,
              QIcon::State /*state*/) override {
     const QPalette palette = QGuiApplication::palette();
-    const QColor colour = mode == QIcon::Disabled
-                              ? palette.color(QPalette::Disabled, QPalette::ButtonText)
-                              : palette.color(QPalette::Active, QPalette::ButtonText);
+    const QColor colour =
+        palette.color(mode == QIcon::Disabled ? QPalette::Disabled : QPalette::Active,
+                      mode == QIcon::Selected ? QPalette::HighlightedText : QPalette::ButtonText);
     DrawSymbol(*painter, rect, m_symbol, colour);
   }
 

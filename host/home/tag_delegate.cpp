@@ -13,7 +13,8 @@ namespace {
 
 constexpr int kCardPadding = 8;
 constexpr int kCardLines = 3;
-constexpr double kQuietShare = 0.75;  ///< Of a line of a card that matters less.
+constexpr float kQuietShare = 0.75F;  ///< How strong a line of a card is that matters less.
+constexpr float kThinShare = 0.15F;   ///< The line between two cards.
 
 Symbol SymbolOf(Grade grade) {
   switch (grade) {
@@ -33,62 +34,10 @@ QColor ColourOf(const QStyleOptionViewItem& option, bool isQuiet) {
   QColor colour =
       option.palette.color(group, isSelected ? QPalette::HighlightedText : QPalette::Text);
   if (isQuiet && !isSelected) {
-    colour.setAlphaF(static_cast<float>(kQuietShare));
+    colour.setAlphaF(kQuietShare);
   }
   return colour;
 }
-
-/// Writes lines of a card, one below the other, between two edges.
-class CardWriter {
- public:
-  CardWriter(QPainter& painter, const QStyleOptionViewItem& option, const QRect& area)
-      : m_painter(painter), m_option(option), m_area(area) {}
-
-  /// Writes at the beginning of the line that begins at `top`, and leaves `reserved` pixels free at
-  /// its end.
-  void Write(const QString& text, int top, int reserved, Qt::TextElideMode mode, const QFont& font,
-             bool isQuiet) {
-    QRect line(m_area.left(), top, std::max(0, m_area.width() - reserved),
-               QFontMetrics(font).lineSpacing());
-    line = QStyle::visualRect(m_option.direction, m_area, line);
-    m_painter.setFont(font);
-    m_painter.setPen(ColourOf(m_option, isQuiet));
-    m_painter.drawText(line, AlignmentOf(Qt::AlignLeading),
-                       QFontMetrics(font).elidedText(text, mode, line.width()));
-  }
-
-  /// Writes at the end of the line, with a symbol before it. Returns the width that this takes.
-  int WriteAtEnd(const QString& text, Symbol symbol, int top) {
-    const QFontMetrics metrics(m_option.font);
-    const int height = metrics.lineSpacing();
-    const int size = metrics.ascent();
-    const int gap = size / 3;
-    const int width = std::min(metrics.horizontalAdvance(text), m_area.width() / 2 - size - gap);
-    const QRect words(m_area.right() + 1 - width, top, width, height);
-    const QRect picture(words.left() - gap - size, top + (height - size) / 2, size, size);
-    m_painter.setFont(m_option.font);
-    m_painter.setPen(ColourOf(m_option, false));
-    m_painter.drawText(QStyle::visualRect(m_option.direction, m_area, words),
-                       AlignmentOf(Qt::AlignTrailing),
-                       metrics.elidedText(text, Qt::ElideRight, width));
-    DrawSymbol(m_painter, QStyle::visualRect(m_option.direction, m_area, picture), symbol,
-               ColourOf(m_option, false));
-    return width + gap + size + kCardPadding;
-  }
-
- private:
-  // The direction of the window decides, and not that of the text: names of both directions stand
-  // below each other at one edge.
-  [[nodiscard]] int AlignmentOf(Qt::Alignment alignment) const {
-    return static_cast<int>(QStyle::visualAlignment(m_option.direction, alignment) |
-                            Qt::AlignAbsolute | Qt::AlignVCenter) |
-           Qt::TextSingleLine;
-  }
-
-  QPainter& m_painter;
-  const QStyleOptionViewItem& m_option;
-  const QRect m_area;
-};
 
 /// Returns the texts that are not empty, with a dot between them.
 QString Join(QStringList texts) {
@@ -96,7 +45,76 @@ QString Join(QStringList texts) {
   return texts.join(QStringLiteral(" · "));
 }
 
+QFont Bold(QFont font) {
+  font.setBold(true);
+  return font;
+}
+
+/// Where the texts of a card are, counted from the left in a window that is read from the left.
+struct CardPlaces {
+  CardPlaces(const QRect& card, const QFont& font, const QString& quality)
+      : metrics(font),
+        area(
+            card.adjusted(kCardPadding, kCardPadding, -kCardPadding - kLeastTarget, -kCardPadding)),
+        symbolSize(metrics.ascent()),
+        qualityWidth(std::min(metrics.horizontalAdvance(quality),
+                              area.width() / 2 - symbolSize - symbolSize / 3)) {}
+
+  /// The line without what stands at the end of the first one.
+  [[nodiscard]] QRect Line(int line) const {
+    const int taken = line == 0 ? qualityWidth + symbolSize + symbolSize / 3 + kCardPadding : 0;
+    return {area.left(), area.top() + line * metrics.lineSpacing(),
+            std::max(0, area.width() - taken), metrics.lineSpacing()};
+  }
+  [[nodiscard]] QRect Quality() const {
+    return {area.right() + 1 - qualityWidth, area.top(), qualityWidth, metrics.lineSpacing()};
+  }
+  [[nodiscard]] QRect QualitySymbol() const {
+    return {area.right() + 1 - qualityWidth - symbolSize / 3 - symbolSize,
+            area.top() + (metrics.lineSpacing() - symbolSize) / 2, symbolSize, symbolSize};
+  }
+
+  QFontMetrics metrics;
+  QRect area;
+  int symbolSize;
+  int qualityWidth;
+};
+
+/// Writes one line at the edge where reading begins, or at the other one. The direction of the
+/// window decides, and not that of the text: names of both directions stand at one edge.
+void Write(QPainter& painter, const QStyleOptionViewItem& option, const QRect& line,
+           const QString& text, const QFont& font, Qt::Alignment edge, Qt::TextElideMode mode,
+           bool isQuiet = false) {
+  const QFontMetrics metrics(font);
+  const QString shown = metrics.horizontalAdvance(text) <= line.width()
+                            ? text
+                            : metrics.elidedText(text, mode, line.width());
+  painter.setFont(font);
+  painter.setPen(ColourOf(option, isQuiet));
+  const Qt::Alignment alignment =
+      QStyle::visualAlignment(option.direction, edge) | Qt::AlignAbsolute | Qt::AlignVCenter;
+  painter.drawText(QStyle::visualRect(option.direction, option.rect, line),
+                   static_cast<int>(alignment) | Qt::TextSingleLine | Qt::TextDontClip, shown);
+}
+
 }  // namespace
+
+TagDelegate::CardTexts TagDelegate::TextsOf(const QModelIndex& index) const {
+  const int row = m_order.mapToSource(index).row();
+  const auto text = [&](Column column) {
+    return m_model.data(m_model.index(row, column), Qt::DisplayRole).toString();
+  };
+  return {text(kName), Join({text(kNumber), text(kKind)}), Join({text(kTaught), text(kLength)}),
+          text(kQuality)};
+}
+
+bool TagDelegate::IsCardWhole(const QRect& card, const QFont& font,
+                              const QModelIndex& index) const {
+  const CardTexts texts = TextsOf(index);
+  const CardPlaces places(card, font, texts.quality);
+  return QFontMetrics(Bold(font)).horizontalAdvance(texts.name) <= places.Line(0).width() &&
+         places.metrics.horizontalAdvance(texts.number) <= places.Line(1).width();
+}
 
 TagDelegate::TagDelegate(const TagModel& model, const TagOrder& order, QObject* parent)
     : QStyledItemDelegate(parent), m_model(model), m_order(order) {}
@@ -140,32 +158,27 @@ void TagDelegate::PaintCard(QPainter& painter, const QStyleOptionViewItem& given
       *(option.widget != nullptr ? option.widget->style() : QApplication::style());
   style.drawPrimitive(QStyle::PE_PanelItemViewItem, &option, &painter, option.widget);
 
-  const int row = m_order.mapToSource(index).row();
-  const Tag& tag = m_model.TagAt(row);
-  const auto text = [&](Column column) {
-    return m_model.data(m_model.index(row, column), Qt::DisplayRole).toString();
-  };
+  const Tag& tag = m_model.TagAt(m_order.mapToSource(index).row());
+  const CardTexts texts = TextsOf(index);
+  const CardPlaces places(option.rect, option.font, texts.quality);
   painter.save();
-  const QRect button = TagList::PlayButton(option.rect, option.direction);
   const bool isPlaying = tag.name == m_model.GetPlaying();
-  const int symbolSize = std::min(kLeastTarget / 2, option.fontMetrics.height());
-  QRect symbol(0, 0, symbolSize, symbolSize);
-  symbol.moveCenter(button.center());
+  QRect symbol(QPoint(), QSize(places.symbolSize, places.symbolSize));
+  symbol.moveCenter(TagList::PlayButton(option.rect, option.direction).center());
   DrawSymbol(painter, symbol, isPlaying ? Symbol::kStop : Symbol::kPlay, ColourOf(option, false));
-
-  QRect area = option.rect.adjusted(kCardPadding, kCardPadding, -kCardPadding, -kCardPadding);
-  area.setWidth(area.width() - kLeastTarget);
-  area = QStyle::visualRect(option.direction, option.rect, area);
-  const int height = option.fontMetrics.lineSpacing();
-  QFont bold(option.font);
-  bold.setBold(true);
-  CardWriter writer(painter, option, area);
-  const int taken = writer.WriteAtEnd(text(kQuality), SymbolOf(GradeOf(tag)), area.top());
-  writer.Write(text(kName), area.top(), taken, Qt::ElideRight, bold, false);
-  writer.Write(Join({text(kNumber), text(kKind)}), area.top() + height, 0, Qt::ElideMiddle,
-               option.font, false);
-  writer.Write(Join({text(kTaught), text(kLength)}), area.top() + 2 * height, 0, Qt::ElideRight,
-               option.font, true);
+  DrawSymbol(painter, QStyle::visualRect(option.direction, option.rect, places.QualitySymbol()),
+             SymbolOf(GradeOf(tag)), ColourOf(option, false));
+  Write(painter, option, places.Quality(), texts.quality, option.font, Qt::AlignTrailing,
+        Qt::ElideRight);
+  Write(painter, option, places.Line(0), texts.name, Bold(option.font), Qt::AlignLeading,
+        Qt::ElideRight);
+  Write(painter, option, places.Line(1), texts.number, option.font, Qt::AlignLeading,
+        Qt::ElideMiddle);
+  Write(painter, option, places.Line(2), texts.facts, option.font, Qt::AlignLeading, Qt::ElideRight,
+        true);
+  QColor thin = option.palette.color(QPalette::Text);
+  thin.setAlphaF(kThinShare);
+  painter.fillRect(QRect(option.rect.left(), option.rect.bottom(), option.rect.width(), 1), thin);
   painter.restore();
 }
 
@@ -173,7 +186,7 @@ QSize TagDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelInde
   const QSize cell = QStyledItemDelegate::sizeHint(option, index);
   const int line = QFontMetrics(option.font).lineSpacing();
   return m_areCards ? QSize(0, kCardLines * line + 2 * kCardPadding)
-                    : QSize(cell.width() + kCardPadding, std::max(cell.height(), line * 3 / 2));
+                    : QSize(cell.width() + kCardPadding, std::max(cell.height(), 2 * line));
 }
 
 }  // namespace home

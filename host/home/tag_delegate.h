@@ -13,6 +13,10 @@ class TagDelegate : public QStyledItemDelegate {
 
   void ShowAsCards(bool areCards) { m_areCards = areCards; }
 
+  /// Returns whether a card of this size shows the whole name and the whole number.
+  [[nodiscard]] bool IsCardWhole(const QRect& card, const QFont& font,
+                                 const QModelIndex& index) const;
+
   void paint(QPainter* painter, const QStyleOptionViewItem& option,
              const QModelIndex& index) const override;
   [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& option,
@@ -22,6 +26,14 @@ class TagDelegate : public QStyledItemDelegate {
   void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override;
 
  private:
+  struct CardTexts {
+    QString name;
+    QString number;  ///< With its kind.
+    QString facts;
+    QString quality;
+  };
+
+  [[nodiscard]] CardTexts TextsOf(const QModelIndex& index) const;
   void PaintCard(QPainter& painter, const QStyleOptionViewItem& option,
                  const QModelIndex& index) const;
 

@@ -17,16 +17,35 @@ namespace home {
 namespace {
 
 // In widths of an average character.
-constexpr int kTableWidth = 84;
-constexpr int kLeastColumn = 6;
+constexpr std::array<int, kColumnCount> kLeastWidths = {15, 22, 14, 13, 8, 14, 14};
+constexpr int kTableWidth = std::accumulate(kLeastWidths.begin(), kLeastWidths.end(), 0);
 constexpr int kWidestColumn = 28;
+
+/// Makes columns narrower until they have `whole` pixels together. Each gives a share of what it
+/// has above its least width.
+void Narrow(std::array<int, kColumnCount>& widths, int whole, int unit) {
+  int excess = std::accumulate(widths.begin(), widths.end(), 0) - whole;
+  int spare = 0;
+  for (std::size_t i = 0; i < widths.size(); ++i) {
+    spare += std::max(0, widths[i] - kLeastWidths[i] * unit);
+  }
+  for (std::size_t i = 0; i < widths.size() && spare > 0 && excess > 0; ++i) {
+    const int own = std::max(0, widths[i] - kLeastWidths[i] * unit);
+    const int given = std::min(own, (own * excess + spare - 1) / spare);
+    widths[i] -= given;
+    excess -= given;
+    spare -= own;
+  }
+}
 
 }  // namespace
 
 TagList::TagList(TagModel& model, TagOrder& order, Events events, QWidget* parent)
-    : QTreeView(parent), m_events(std::move(events)) {
+    : QTreeView(parent),
+      m_events(std::move(events)),
+      m_delegate(new TagDelegate(model, order, this)) {
   setModel(&order);
-  setItemDelegate(new TagDelegate(model, order, this));
+  setItemDelegate(m_delegate);
   setRootIsDecorated(false);
   setItemsExpandable(false);
   setUniformRowHeights(true);
@@ -58,7 +77,7 @@ void TagList::ShowAsCards(bool areCards) {
     return;
   }
   m_areCards = areCards;
-  static_cast<TagDelegate*>(itemDelegate())->ShowAsCards(areCards);
+  m_delegate->ShowAsCards(areCards);
   setHorizontalScrollBarPolicy(areCards ? Qt::ScrollBarAlwaysOff : Qt::ScrollBarAsNeeded);
   setHeaderHidden(areCards);
   for (int column = kName + 1; column < kColumnCount; ++column) {
@@ -78,28 +97,20 @@ void TagList::FitColumns() {
     m_isFitting = false;
     return;
   }
-  const int em = fontMetrics().averageCharWidth();
+  const int unit = fontMetrics().averageCharWidth();
   std::array<int, kColumnCount> widths{};
   for (int column = 0; column < kColumnCount; ++column) {
     const int chosen = m_chosenWidths[static_cast<std::size_t>(column)];
-    const int needed = std::min(
-        std::max(sizeHintForColumn(column), header()->sectionSizeHint(column)), kWidestColumn * em);
-    widths[static_cast<std::size_t>(column)] = chosen > 0 ? chosen : needed;
+    const int needed = std::max(sizeHintForColumn(column), header()->sectionSizeHint(column));
+    widths[static_cast<std::size_t>(column)] =
+        chosen > 0 ? chosen : std::min(needed, kWidestColumn * unit);
   }
-  int rest = whole - std::accumulate(widths.begin(), widths.end(), 0);
+  const int rest = whole - std::accumulate(widths.begin(), widths.end(), 0);
   if (rest > 0) {
     widths[kName] += rest / 2;
     widths[kNearest] += rest - rest / 2;
-  }
-  while (rest < 0) {
-    // The widest column can spare most.
-    int& widest = *std::ranges::max_element(widths);
-    const int spared = std::min(-rest, std::max(1, em / 2));
-    if (widest <= kLeastColumn * em) {
-      break;
-    }
-    widest -= spared;
-    rest += spared;
+  } else {
+    Narrow(widths, whole, unit);
   }
   for (int column = 0; column < kColumnCount; ++column) {
     setColumnWidth(column, widths[static_cast<std::size_t>(column)]);
@@ -118,6 +129,11 @@ void TagList::changeEvent(QEvent* event) {
     m_chosenWidths.fill(0);
     FitColumns();
   }
+}
+
+// In the table the columns of the name and the number can be made as wide as one likes.
+bool TagList::ShowsWhole(const QModelIndex& index) const {
+  return m_areCards && m_delegate->IsCardWhole(visualRect(index), font(), index);
 }
 
 QRect TagList::PlayButton(const QRect& card, Qt::LayoutDirection direction) {

@@ -8,6 +8,8 @@
 
 namespace home {
 
+class TagDelegate;
+
 /// The list of tags: a table with a header, or, on a narrow window, cards of three lines without
 /// one. It asks for what its keys and clicks mean, and does nothing to a tag itself.
 class TagList : public QTreeView {
@@ -25,6 +27,9 @@ class TagList : public QTreeView {
 
   /// Returns the width below which the table is hard to read, in the font of this list.
   [[nodiscard]] int LeastTableWidth() const;
+
+  /// Returns whether the list shows the whole name and number of a row by itself.
+  [[nodiscard]] bool ShowsWhole(const QModelIndex& index) const;
 
   /// Returns the place of the button that plays the tag of a card. `row` is the place of the card.
   [[nodiscard]] static QRect PlayButton(const QRect& card, Qt::LayoutDirection direction);
@@ -46,6 +51,7 @@ class TagList : public QTreeView {
   [[nodiscard]] QModelIndex PlayButtonAt(const QPoint& place) const;
 
   Events m_events;
+  TagDelegate* m_delegate;  ///< Owned by this.
   bool m_areCards = false;
   bool m_isFitting = false;
   QPersistentModelIndex m_pressedCard;             ///< The card whose play button is held down.

@@ -21,12 +21,10 @@ constexpr std::array kTitles = {resources::kNameColumn,   resources::kNumberColu
                                 resources::kNearestColumn};
 static_assert(kTitles.size() == kColumnCount);
 
-QString ShowTime(std::int64_t time, QLocale::FormatType format) {
-  return QLocale().toString(QDateTime::fromSecsSinceEpoch(time), format);
-}
+QDateTime ToTime(std::int64_t time) { return QDateTime::fromSecsSinceEpoch(time); }
 
 QString ShowSeconds(double seconds) {
-  return Say(resources::kSeconds).arg(QLocale().toString(seconds, 'f', 1));
+  return FromLeftToRight(Say(resources::kSeconds).arg(QLocale().toString(seconds, 'f', 1)));
 }
 
 /// Returns the companies of the people. A name that several people have gives none.
@@ -90,7 +88,9 @@ QString TagModel::TextOf(const Tag& tag, int column) const {
     case kKind:
       return NameKind(tag.kind);
     case kTaught:
-      return tag.taughtAt ? ShowTime(*tag.taughtAt, QLocale::ShortFormat) : QString();
+      return tag.taughtAt ? FromLeftToRight(QLocale().toString(ToTime(*tag.taughtAt).date(),
+                                                               QLocale::ShortFormat))
+                          : QString();
     case kLength:
       return tag.seconds ? ShowSeconds(*tag.seconds) : QString();
     case kQuality:
@@ -121,7 +121,8 @@ QString TagModel::Describe(int row) const {
     lines.append(ShowNumber(tag.number) + QStringLiteral(" · ") + NameKind(tag.kind));
   }
   if (tag.taughtAt) {
-    lines.append(Say(resources::kTaughtOn).arg(ShowTime(*tag.taughtAt, QLocale::LongFormat)));
+    lines.append(Say(resources::kTaughtOn)
+                     .arg(QLocale().toString(ToTime(*tag.taughtAt), QLocale::LongFormat)));
   }
   lines += DescribeQuality(row);
   if (tag.nearest) {

@@ -13,27 +13,14 @@
 #include <algorithm>
 #include <utility>
 
+#include "host/home/button.h"
 #include "host/home/empty_notice.h"
 #include "host/home/numbers.h"
 #include "host/home/say.h"
-#include "host/home/sizes.h"
 #include "host/home/symbols.h"
 #include "resources/tags_window_strings.h"
 
 namespace home {
-namespace {
-
-QToolButton* MakeButton(QAction& action, QWidget* parent) {
-  auto* const button = new QToolButton(parent);
-  button->setDefaultAction(&action);
-  button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-  button->setFocusPolicy(Qt::StrongFocus);
-  MakeTouchable(*button);
-  return button;
-}
-
-}  // namespace
-
 TagsPage::TagsPage(Work& work, Frame& frame, MessageBar& bar, Ways ways, QWidget* parent)
     : QWidget(parent), m_work(work), m_frame(frame), m_bar(bar), m_ways(ways) {
   MakeActions();
@@ -139,8 +126,12 @@ QWidget* TagsPage::MakeSearchRow() {
     m_order.Search(typed);
     ShowListOrNotice();
   });
-  connect(m_search, &QLineEdit::returnPressed, this, [this] { m_list->setFocus(); });
-  m_search->installEventFilter(this);
+  connect(m_search, &QLineEdit::returnPressed, this, [this] {
+    m_list->setFocus();
+    if (!m_list->currentIndex().isValid()) {
+      m_list->setCurrentIndex(m_order.index(0, kName));
+    }
+  });
   m_sort = new QToolButton(row);
   m_sort->setObjectName(QStringLiteral("sort"));
   m_sort->setIcon(IconOf(Symbol::kSort));
@@ -148,10 +139,13 @@ QWidget* TagsPage::MakeSearchRow() {
   m_sort->setToolTip(Say(resources::kSortBy));
   m_sort->setMenu(m_sortMenu);
   m_sort->setPopupMode(QToolButton::InstantPopup);
+  HideMenuArrow(*m_sort);
   m_sort->setFocusPolicy(Qt::StrongFocus);
   MakeTouchable(*m_sort);
-  m_teachAtTop = MakeButton(*m_teach, row);
+  m_teachAtTop = new ActionButton(*m_teach, row);
   auto* const layout = new QHBoxLayout(row);
+  layout->setContentsMargins(layout->contentsMargins().left(), 0, layout->contentsMargins().right(),
+                             layout->spacing());
   layout->addWidget(m_search, 1);
   layout->addWidget(m_sort);
   layout->addWidget(m_teachAtTop);
@@ -169,11 +163,11 @@ QWidget* TagsPage::MakeActionRow() {
   auto* const row = new QHBoxLayout(m_actionRow);
   row->setContentsMargins(0, 0, 0, 0);
   for (QAction* const action : {m_play, m_teachAgain, m_delete}) {
-    m_actionButtons.push_back(MakeButton(*action, m_actionRow));
+    m_actionButtons.push_back(new ActionButton(*action, m_actionRow));
     m_actionButtons.back()->setSizePolicy(QSizePolicy::MinimumExpanding, QSizePolicy::Fixed);
     row->addWidget(m_actionButtons.back());
   }
-  m_teachAtBottom = MakeButton(*m_teach, foot);
+  m_teachAtBottom = new ActionButton(*m_teach, foot);
   m_teachAtBottom->setSizePolicy(QSizePolicy::MinimumExpanding, QSizePolicy::Fixed);
   m_foot = new QBoxLayout(QBoxLayout::LeftToRight, foot);
   m_foot->addWidget(m_details, 1);
@@ -202,15 +196,15 @@ void TagsPage::Adapt() {
   m_sort->setVisible(isNarrow && hasTags);
   m_teachAtTop->setVisible(m_ways.canTeach && !isNarrow);
   m_teachAtBottom->setVisible(m_ways.canTeach && isNarrow);
-  int needed = 0;
-  for (QToolButton* const button : m_actionButtons) {
-    button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+  int needed = m_foot->contentsMargins().left() + m_foot->contentsMargins().right();
+  for (ActionButton* const button : m_actionButtons) {
+    button->ShowText(true);
     needed += button->sizeHint().width() + m_foot->spacing();
   }
-  const bool doTextsFit = needed + m_foot->contentsMargins().left() * 2 <= width();
-  for (QToolButton* const button : m_actionButtons) {
-    button->setToolButtonStyle(doTextsFit ? Qt::ToolButtonTextBesideIcon : Qt::ToolButtonIconOnly);
+  for (ActionButton* const button : m_actionButtons) {
+    button->ShowText(needed <= width());
   }
+  ShowCurrent();
 }
 
 void TagsPage::Show(std::shared_ptr<const Shelf> shelf) {
@@ -236,7 +230,6 @@ void TagsPage::Show(std::shared_ptr<const Shelf> shelf) {
     // It was deleted. The next one takes its place, so that the keyboard goes on from there.
     m_list->setCurrentIndex(m_order.index(std::min(currentRow, m_order.rowCount() - 1), kName));
   }
-  ShowCurrent();
   Adapt();
 }
 
@@ -313,10 +306,15 @@ void TagsPage::ShowCurrent() {
     lines.append(Say(resources::kManySelected).arg(static_cast<qulonglong>(selected.size())));
   } else if (tag != nullptr) {
     const int row = m_order.mapToSource(m_list->currentIndex()).row();
-    QStringList facts{qt::ToQString(tag->contact), ShowNumber(tag->number), NameKind(tag->kind)};
-    facts.removeAll(QString());
-    lines.append(facts.join(QStringLiteral(" · ")));
-    lines.append(m_model.DescribeQuality(row).join(u' '));
+    // A narrow window has no room to say twice what a card says.
+    if (!m_list->ShowsWhole(m_list->currentIndex())) {
+      QStringList facts{qt::ToQString(tag->contact), ShowNumber(tag->number), NameKind(tag->kind)};
+      facts.removeAll(QString());
+      lines.append(facts.join(QStringLiteral(" · ")));
+    }
+    if (!m_list->AreCards() || GradeOf(*tag) != Grade::kGood || tag->isStale) {
+      lines.append(m_model.DescribeQuality(row).join(u' '));
+    }
   }
   m_details->setText(lines.join(u'\n'));
   m_details->setVisible(!lines.isEmpty());

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "host/home/button.h"
 #include "host/home/message_bar.h"
 #include "host/home/page.h"
 #include "host/home/tag_list.h"
@@ -94,12 +95,12 @@ class TagsPage : public QWidget {
   EmptyNotice* m_notice = nullptr;
   QLineEdit* m_search = nullptr;
   QToolButton* m_sort = nullptr;
-  QToolButton* m_teachAtTop = nullptr;     ///< On a wide window.
-  QToolButton* m_teachAtBottom = nullptr;  ///< On a narrow one.
-  QBoxLayout* m_foot = nullptr;            ///< The details and the buttons.
+  ActionButton* m_teachAtTop = nullptr;     ///< On a wide window.
+  ActionButton* m_teachAtBottom = nullptr;  ///< On a narrow one.
+  QBoxLayout* m_foot = nullptr;             ///< The details and the buttons.
   QLabel* m_details = nullptr;
   QWidget* m_actionRow = nullptr;
-  std::vector<QToolButton*> m_actionButtons;
+  std::vector<ActionButton*> m_actionButtons;
   QMenu* m_sortMenu = nullptr;
   QAction* m_teach = nullptr;
   QAction* m_play = nullptr;

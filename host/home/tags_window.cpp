@@ -16,9 +16,9 @@
 #include <QVBoxLayout>
 #include <utility>
 
+#include "host/home/button.h"
 #include "host/home/message_bar.h"
 #include "host/home/say.h"
-#include "host/home/sizes.h"
 #include "host/home/symbols.h"
 #include "host/home/tags_page.h"
 #include "resources/tags_window_strings.h"
@@ -130,11 +130,12 @@ QWidget* TagsWindow::MakeHeader() {
   menu->setObjectName(QStringLiteral("menu"));
   menu->setPopupMode(QToolButton::InstantPopup);
   menu->setShortcut(Qt::Key_F10);
-  // The little arrow would be drawn over the symbol.
-  menu->setStyleSheet(QStringLiteral("QToolButton::menu-indicator { image: none; }"));
+  HideMenuArrow(*menu);
   m_menu = new QMenu(menu);
   menu->setMenu(m_menu);
   auto* const layout = new QHBoxLayout(header);
+  layout->setContentsMargins(layout->contentsMargins().left(), 0, layout->contentsMargins().right(),
+                             0);
   layout->addWidget(m_back);
   layout->addWidget(m_title, 1);
   layout->addWidget(menu);
@@ -204,7 +205,15 @@ Page* TagsWindow::GetShownPage() const {
 }
 
 void TagsWindow::OnShelf(std::shared_ptr<const Shelf> shelf) {
+  const std::u16string before = m_shelf ? m_shelf->peopleProblem : std::u16string();
   m_shelf = std::move(shelf);
+  // If there is no tag, the page itself says so.
+  if (m_shelf->peopleProblem != before && !m_shelf->peopleProblem.empty() &&
+      !m_shelf->tags.empty()) {
+    const bool canSetUp = m_settings.pages.contains(PageId::kSetup);
+    m_bar->Show(qt::ToQString(m_shelf->peopleProblem), Say(resources::kOpenSetup),
+                canSetUp ? [this] { ShowPage(PageId::kSetup, {}); } : std::function<void()>());
+  }
   m_tags->Show(m_shelf);
   for (const auto& [id, page] : m_pages) {
     page->OnShelf(m_shelf);

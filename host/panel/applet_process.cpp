@@ -16,10 +16,10 @@
 #include <memory>
 #include <vector>
 
+#include "backends/qt/icons.h"
 #include "backends/qt/strings.h"
 #include "backends/text/printable.h"
 #include "host/panel/applet_talk.h"
-#include "host/panel/icons.h"
 #include "host/panel/inquiry.h"
 #include "host/panel/opened_applet.h"
 #include "host/panel/places.h"
@@ -140,7 +140,7 @@ platform::Result<void, QString> OpenApplet(const QString& path, int number) {
   if (number < 0 || index >= answers.size()) {
     return platform::Failure(qt::Say(resources::kHoldsNoApplet).arg(number));
   }
-  QApplication::setWindowIcon(IconOf(QByteArray::fromStdString(answers[index].icon)));
+  QApplication::setWindowIcon(qt::IconOf(QByteArray::fromStdString(answers[index].icon)));
   (*talk)->Open(number);
   return {};
 }

@@ -13,8 +13,8 @@
 #include <QVBoxLayout>
 #include <utility>
 
+#include "backends/qt/icons.h"
 #include "backends/qt/strings.h"
-#include "host/panel/icons.h"
 #include "host/panel/places.h"
 #include "resources/desktop_strings.h"
 
@@ -51,7 +51,7 @@ PanelWindow::PanelWindow(Settings settings)
                    }
                  }}) {
   setWindowTitle(qt::Say(resources::kPanelTitle));
-  setWindowIcon(PanelIcon());
+  setWindowIcon(qt::OwnIcon());
   resize(600, 380);
   m_status = new QLabel(this);
   m_status->setTextFormat(Qt::PlainText);
@@ -179,7 +179,7 @@ void PanelWindow::Refresh() {
 }
 
 QListWidgetItem* PanelWindow::AddItem(const QString& library, int number, const QString& name) {
-  auto* const item = new QListWidgetItem(PlainIcon(), name, m_list);
+  auto* const item = new QListWidgetItem(qt::PlainIcon(), name, m_list);
   item->setData(kLibraryRole, library);
   item->setData(kNumberRole, number);
   item->setTextAlignment(Qt::AlignHCenter | Qt::AlignTop);
@@ -216,7 +216,7 @@ void PanelWindow::ShowApplets(const QString& library, const LibraryReport& repor
       item->setText(applet.name);
       describe(item, library);
     }
-    item->setIcon(IconOf(applet.icon));
+    item->setIcon(qt::IconOf(applet.icon));
   }
   DescribeCurrent();
 }

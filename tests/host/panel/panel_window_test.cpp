@@ -13,7 +13,7 @@
 #include <QTest>
 #include <QTextDocument>
 
-#include "host/panel/icons.h"
+#include "backends/qt/icons.h"
 #include "tests/host/panel/panel_fixture.h"
 
 namespace {
@@ -109,7 +109,7 @@ TEST_F(Panel, ShowsFaultyAppletsWithAPlainIconAndTheReason) {
             QStringLiteral("This applet says that it has -5 applets: ") + Applet("odd-count"));
   EXPECT_EQ(m_list->item(0)->text(), QStringLiteral("crash-at-inquire"));
   EXPECT_EQ(m_list->item(0)->icon().pixmap(48, 48).toImage(),
-            panel::PlainIcon().pixmap(48, 48).toImage());
+            qt::PlainIcon().pixmap(48, 48).toImage());
   EXPECT_EQ(Status(), reason(0));
 }
 

@@ -3,7 +3,7 @@
 #include <QByteArray>
 #include <QIcon>
 
-namespace panel {
+namespace qt {
 
 /// Returns the icon of an applet's SVG in every size that is shown. Returns the plain icon if the
 /// bytes are no picture.
@@ -12,7 +12,7 @@ namespace panel {
 /// Returns the icon for applets that have none.
 [[nodiscard]] QIcon PlainIcon();
 
-/// Returns the panel's own icon.
-[[nodiscard]] QIcon PanelIcon();
+/// Returns the icon of the system's own windows.
+[[nodiscard]] QIcon OwnIcon();
 
-}  // namespace panel
+}  // namespace qt

@@ -1,4 +1,4 @@
-#include "host/panel/icons.h"
+#include "backends/qt/icons.h"
 
 #include <QApplication>
 #include <QPainter>
@@ -9,7 +9,7 @@
 
 #include "resources/pictures.h"
 
-namespace panel {
+namespace qt {
 namespace {
 
 constexpr std::array kSizes = {16, 22, 24, 32, 48, 64, 96, 128, 256};  // pixels
@@ -49,7 +49,7 @@ QIcon IconOf(const QByteArray& svg) {
 
 QIcon PlainIcon() { return QApplication::style()->standardIcon(QStyle::SP_FileIcon); }
 
-QIcon PanelIcon() {
+QIcon OwnIcon() {
   QIcon icon;
   // Small sizes have pictures of their own, with fewer lines.
   for (const int size : kSizes) {
@@ -59,4 +59,4 @@ QIcon PanelIcon() {
   return icon;
 }
 
-}  // namespace panel
+}  // namespace qt

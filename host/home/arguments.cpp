@@ -1,0 +1,65 @@
+#include "host/home/arguments.h"
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <filesystem>
+#include <sstream>
+#include <string>
+#include <system_error>
+
+#include "backends/text/printable.h"
+
+namespace home {
+namespace {
+
+constexpr int kWrongUsage = 2;
+
+constexpr const char* kFooter = R"(Examples:
+  voxtrel-home                      your voice tags
+  voxtrel-home --teach              teach a name at once
+  voxtrel-home --contacts my.vcf    with the contacts of a vCard file
+
+The environment gives the options that are not there: VOXTREL_ROOT, VOXTREL_CONTACTS,
+VOXTREL_MICROPHONE, VOXTREL_SPEAKER.)";
+
+/// Prints the help, the version, or what is wrong, and returns the exit code. The library quotes
+/// arguments as they are, so the text is made safe for a terminal.
+int ExplainUsage(const CLI::App& app, const CLI::ParseError& error) {
+  std::ostringstream output;
+  std::ostringstream errors;
+  const int exitCode = app.exit(error, output, errors) == 0 ? 0 : kWrongUsage;
+  static_cast<void>(std::fputs(text::Printable(output.str()).c_str(), stdout));
+  static_cast<void>(std::fputs(text::Printable(errors.str()).c_str(), stderr));
+  return exitCode;
+}
+
+}  // namespace
+
+std::variant<Arguments, int> ParseArguments(int argc, const char* const* argv) {
+  Arguments arguments;
+  arguments.machine = machine::ReadOptions();
+  CLI::App app("Your voice tags: teach, hear, judge and delete them in a window.", "voxtrel-home");
+  app.footer(kFooter);
+  app.set_version_flag("--version", "voxtrel-home " VOXTREL_VERSION);
+  app.add_option("--root", arguments.machine.root, "The folder of the voice tags and settings")
+      ->type_name("FOLDER");
+  app.add_option("--contacts", arguments.machine.contacts,
+                 "eds for the desktop's address book, else a vCard file or a folder of them")
+      ->type_name("BOOK");
+  app.add_option("--microphone", arguments.machine.microphone,
+                 "Record from this wave file and not from the microphone")
+      ->type_name("FILE");
+  app.add_option("--speaker", arguments.machine.speaker,
+                 "Play into this wave file and not to the loudspeaker")
+      ->type_name("FILE");
+  app.add_flag("--teach", arguments.teaches, "Teach a name at once");
+  app.add_flag("--probe", arguments.isProbe)->group("");
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return ExplainUsage(app, error);
+  }
+  return arguments;
+}
+
+}  // namespace home

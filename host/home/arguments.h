@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstdint>
+#include <variant>
+
+#include "host/machine/backends.h"
+
+namespace home {
+
+struct Arguments {
+  machine::Options machine;  ///< From the environment, unless an option says something else.
+  bool isProbe = false;      ///< Show nothing: the exit code says whether there is a display.
+  bool teaches = false;      ///< Open the page that teaches a name at once.
+};
+
+/// Returns the arguments. Returns an exit code if nothing remains to do, because this has printed
+/// the help, the version, or what is wrong. Call it before there is a second thread.
+[[nodiscard]] std::variant<Arguments, int> ParseArguments(int argc, const char* const* argv);
+
+}  // namespace home

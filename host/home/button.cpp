@@ -1,0 +1,76 @@
+#include "host/home/button.h"
+
+#include <QStyleOptionButton>
+#include <QStyleOptionFocusRect>
+#include <QStylePainter>
+#include <algorithm>
+
+namespace home {
+
+Button::Button(QWidget* parent) : QPushButton(parent) {
+  MakeTouchable(*this);
+  // In this kind of window Enter belongs to the list.
+  setAutoDefault(false);
+}
+
+QSize Button::sizeHint() const {
+  const QFontMetrics metrics(font());
+  const int room = 3 * metrics.averageCharWidth();
+  const int symbol = icon().isNull() ? 0 : metrics.ascent() + (text().isEmpty() ? 0 : room / 3);
+  const int width = symbol + metrics.size(Qt::TextShowMnemonic, text()).width() + room;
+  return {std::max(width, kLeastTarget), std::max(metrics.height() + room / 3, kLeastTarget)};
+}
+
+void Button::paintEvent(QPaintEvent* /*event*/) {
+  QStylePainter painter(this);
+  QStyleOptionButton option;
+  initStyleOption(&option);
+  painter.drawControl(QStyle::CE_PushButtonBevel, option);
+  const QFontMetrics metrics(font());
+  const int gap = metrics.averageCharWidth();
+  const int side = icon().isNull() ? 0 : metrics.ascent();
+  const int words = metrics.size(Qt::TextShowMnemonic, text()).width();
+  const int between = side > 0 && words > 0 ? gap : 0;
+  const QRect whole = QStyle::alignedRect(Qt::LeftToRight, Qt::AlignCenter,
+                                          {side + between + words, metrics.height()}, rect());
+  const QRect symbol(whole.left(), whole.center().y() - side / 2, side, side);
+  const QRect line(whole.left() + side + between, whole.top(), words, whole.height());
+  icon().paint(&painter, QStyle::visualRect(layoutDirection(), whole, symbol), Qt::AlignCenter,
+               isEnabled() ? QIcon::Normal : QIcon::Disabled);
+  const int underline = style()->styleHint(QStyle::SH_UnderlineShortcut, &option, this) != 0
+                            ? Qt::TextShowMnemonic
+                            : Qt::TextHideMnemonic;
+  painter.drawItemText(QStyle::visualRect(layoutDirection(), whole, line),
+                       Qt::AlignCenter | underline | Qt::TextDontClip, palette(), isEnabled(),
+                       text(), QPalette::ButtonText);
+  if (hasFocus()) {
+    QStyleOptionFocusRect focus;
+    focus.initFrom(this);
+    focus.rect = style()->subElementRect(QStyle::SE_PushButtonFocusRect, &option, this);
+    painter.drawPrimitive(QStyle::PE_FrameFocusRect, focus);
+  }
+}
+
+ActionButton::ActionButton(QAction& action, QWidget* parent) : Button(parent), m_action(action) {
+  connect(&action, &QAction::changed, this, &ActionButton::Update);
+  connect(this, &QPushButton::clicked, &action, &QAction::trigger);
+  Update();
+}
+
+void ActionButton::ShowText(bool isShown) {
+  m_isTextShown = isShown;
+  Update();
+}
+
+void ActionButton::Update() {
+  setText(m_isTextShown ? m_action.text() : QString());
+  setToolTip(m_action.toolTip());
+  setAccessibleName(m_action.iconText());
+  setIcon(m_action.icon());
+  setEnabled(m_action.isEnabled());
+  if (!m_action.isVisible()) {
+    hide();
+  }
+}
+
+}  // namespace home

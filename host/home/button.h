@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QAction>
+#include <QPushButton>
+#include <QToolButton>
+
+#include "host/home/sizes.h"
+
+namespace home {
+
+/// Leaves out the arrow that a button with a menu has, which would be drawn over its symbol.
+inline void HideMenuArrow(QToolButton& button) {
+  button.setStyleSheet(QStringLiteral("QToolButton::menu-indicator { image: none; }"));
+}
+
+/// A button that is large enough for a finger, with some room around its text. Its symbol is as
+/// high as a letter, and symbol and text stand together in the middle. The styles of the library
+/// tear them apart if the window is read from right to left.
+class Button : public QPushButton {
+ public:
+  explicit Button(QWidget* parent);
+
+  [[nodiscard]] QSize sizeHint() const override;
+  [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+};
+
+/// A button for an action: it has its text, its symbol and its state, and triggers it.
+class ActionButton : public Button {
+ public:
+  /// `action` outlives this.
+  ActionButton(QAction& action, QWidget* parent);
+
+  /// Without its text a button is narrower. The text is then its tool tip. Screen readers know it
+  /// in any case.
+  void ShowText(bool isShown);
+
+ private:
+  void Update();
+
+  QAction& m_action;
+  bool m_isTextShown = true;
+};
+
+}  // namespace home
