@@ -2,7 +2,6 @@
 
 #include <QHBoxLayout>
 #include <QToolButton>
-#include <utility>
 
 #include "host/home/access.h"
 #include "host/home/button.h"
@@ -52,6 +51,20 @@ void MessageBar::Show(const QString& text, const QString& button, std::function<
 void MessageBar::Clear() {
   m_act = nullptr;
   hide();
+}
+
+void MessageBar::showEvent(QShowEvent* event) {
+  QFrame::showEvent(event);
+  if (m_toggled) {
+    m_toggled();
+  }
+}
+
+void MessageBar::hideEvent(QHideEvent* event) {
+  QFrame::hideEvent(event);
+  if (m_toggled) {
+    m_toggled();
+  }
 }
 
 }  // namespace home

@@ -3,6 +3,7 @@
 #include <QFrame>
 #include <QString>
 #include <functional>
+#include <utility>
 
 class QPushButton;
 
@@ -21,10 +22,18 @@ class MessageBar : public QFrame {
   void Show(const QString& text, const QString& button = {}, std::function<void()> act = nullptr);
   void Clear();
 
+  /// Sets what is called after the bar has appeared or gone, since it takes room from the rest.
+  void OnToggled(std::function<void()> toggled) { m_toggled = std::move(toggled); }
+
+ protected:
+  void showEvent(QShowEvent* event) override;
+  void hideEvent(QHideEvent* event) override;
+
  private:
   LiveLabel* m_text;
   QPushButton* m_button;
   std::function<void()> m_act;
+  std::function<void()> m_toggled;
 };
 
 }  // namespace home

@@ -45,6 +45,7 @@ TagsPage::TagsPage(Work& work, Frame& frame, MessageBar& bar, Ways ways, QWidget
           &TagsPage::ShowCurrent);
   connect(m_list->selectionModel(), &QItemSelectionModel::currentChanged, this,
           &TagsPage::ShowCurrent);
+  m_bar.OnToggled([this] { ShowCurrent(); });
   Sort(kName, Qt::AscendingOrder);
   ShowListOrNotice();
   ShowCurrent();
@@ -317,7 +318,8 @@ void TagsPage::ShowCurrent() {
     }
   }
   m_details->setText(lines.join(u'\n'));
-  m_details->setVisible(!lines.isEmpty());
+  // On a narrow window a message takes their room.
+  m_details->setVisible(!lines.isEmpty() && !(m_list->AreCards() && m_bar.isVisible()));
   const bool isPlaying = tag != nullptr && tag->name == m_model.GetPlaying();
   m_play->setText(Say(isPlaying ? resources::kStop : resources::kPlay));
   m_play->setIcon(IconOf(isPlaying ? Symbol::kStop : Symbol::kPlay));

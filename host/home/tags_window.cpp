@@ -111,6 +111,7 @@ TagsWindow::TagsWindow(Work& work, QSettings& remembered, Settings settings)
 
 TagsWindow::~TagsWindow() {
   m_work.OnLoaded(nullptr);
+  m_bar->OnToggled(nullptr);
   // The pages go before what they were given.
   for (const auto& [id, page] : std::exchange(m_pages, {})) {
     delete page;

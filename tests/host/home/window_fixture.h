@@ -148,6 +148,7 @@ class WindowTest : public ::testing::Test {
   }
 
   void Open(QSize size = {900, 600}) {
+    m_window.reset();
     m_window = std::make_unique<home::TagsWindow>(m_work, m_remembered, m_settings);
     m_window->resize(size);
     m_window->show();
