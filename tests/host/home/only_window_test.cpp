@@ -20,28 +20,28 @@ class OnlyWindowTest : public ::testing::Test {
 };
 
 TEST_F(OnlyWindowTest, CallsTheFirstWindowIfASecondOneIsStarted) {
-  OnlyWindow first(Runtime(), "/root/of/anna");
+  OnlyWindow first(Runtime(), "/device/of/anna");
   ASSERT_TRUE(first.Claim("show "));
   std::vector<std::string> calls;
   first.OnCall([&calls](const std::string& message) { calls.push_back(message); });
-  OnlyWindow second(Runtime(), "/root/of/anna");
+  OnlyWindow second(Runtime(), "/device/of/anna");
   EXPECT_FALSE(second.Claim("teach token"));
   ASSERT_TRUE(QTest::qWaitFor([&] { return !calls.empty(); }));
   EXPECT_EQ(calls, std::vector<std::string>{"teach token"});
 }
 
 TEST_F(OnlyWindowTest, AllowsAWindowForEachRoot) {
-  OnlyWindow first(Runtime(), "/root/of/anna");
-  OnlyWindow other(Runtime(), "/root/of/bob");
+  OnlyWindow first(Runtime(), "/device/of/anna");
+  OnlyWindow other(Runtime(), "/device/of/bob");
   EXPECT_TRUE(first.Claim({}));
   EXPECT_TRUE(other.Claim({}));
 }
 
 TEST_F(OnlyWindowTest, AllowsTheNextWindowAfterTheFirstHasGone) {
-  std::optional<OnlyWindow> first(std::in_place, Runtime(), "/root/of/anna");
+  std::optional<OnlyWindow> first(std::in_place, Runtime(), "/device/of/anna");
   ASSERT_TRUE(first->Claim({}));
   first.reset();
-  OnlyWindow next(Runtime(), "/root/of/anna");
+  OnlyWindow next(Runtime(), "/device/of/anna");
   EXPECT_TRUE(next.Claim({}));
 }
 
