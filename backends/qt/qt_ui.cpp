@@ -47,14 +47,14 @@ std::optional<QRect> FindSelectedLine(const QWidget& window) {
 /// Puts a question below the line that it is about, else above it. Its text does not name the line,
 /// so the user must see it. If there is no room on the screen, the box stays where it would be.
 void PutNextTo(QWidget& box, const QRect& line, const QWidget& asking) {
-  constexpr int kGap = 6;
+  constexpr int kGapToLine = 6;
   box.adjustSize();
   // The title bar of the box is not there yet. That of the window below is as high.
   const int title = asking.geometry().top() - asking.frameGeometry().top();
   const int height = box.height() + title;
   const QRect screen = asking.screen()->availableGeometry();
-  const int below = line.bottom() + kGap;
-  const int above = line.top() - kGap - height;
+  const int below = line.bottom() + kGapToLine;
+  const int above = line.top() - kGapToLine - height;
   const bool fitsBelow = below + height <= screen.bottom();
   if (!fitsBelow && above < screen.top()) {
     return;

@@ -1,8 +1,6 @@
 #include "host/cli/output.h"
 
-#include <fcntl.h>
 #include <fmt/format.h>
-#include <unistd.h>
 
 #include <cmath>
 #include <cstddef>
@@ -73,16 +71,6 @@ void Write(std::FILE* stream, std::string_view line) {
 
 }  // namespace
 
-void ReserveStandardStreams() {
-  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-    if (::fcntl(stream, F_GETFD) == -1) {
-      // It gets the lowest free number, which is this one. It is opened for the wrong direction, so
-      // its use fails.
-      static_cast<void>(::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY));
-    }
-  }
-}
-
 void PrintJson(const Json& json) {
   std::string text;
   AppendJson(text, json);
@@ -96,11 +84,6 @@ Json ErrorToJson(int code, std::string_view message) {
 void PrintLine(std::string_view line) { Write(stdout, line); }
 
 void PrintErrorLine(std::string_view line) { Write(stderr, line); }
-
-void PrintOutOfMemory() {
-  constexpr std::string_view kMessage = "voxtrel: there is not enough memory\n";
-  static_cast<void>(::write(STDERR_FILENO, kMessage.data(), kMessage.size()));
-}
 
 bool FlushOutput() { return std::fflush(stdout) == 0 && std::ferror(stdout) == 0; }
 

@@ -7,11 +7,6 @@ namespace cli {
 
 using Json = nlohmann::ordered_json;
 
-/// Keeps files that are opened later from getting the numbers of closed standard streams: a message
-/// would end up in a recording. A closed stream still takes no output. Called before anything is
-/// opened.
-void ReserveStandardStreams();
-
 /// Prints a JSON value, one line on standard output. A fraction has nine significant digits, which
 /// are enough to know every float from its neighbours. What is no finite number is null, and bytes
 /// that are not UTF-8 are U+FFFD. What a terminal may take for a command (text::IsCommand) is an
@@ -27,9 +22,6 @@ void PrintJson(const Json& json);
 /// output, FlushOutput reports it.
 void PrintLine(std::string_view line);
 void PrintErrorLine(std::string_view line);
-
-/// Says on standard error that memory has run out. Takes no memory.
-void PrintOutOfMemory();
 
 /// Returns false if not all that was printed has reached standard output.
 [[nodiscard]] bool FlushOutput();

@@ -5,14 +5,11 @@
 #include <string_view>
 #include <utility>
 
+#include "host/cli/command_line.h"
 #include "host/cli/output.h"
 #include "host/session/session.h"
 
 namespace cli {
-
-/// Exit codes of the program. 0 means done.
-inline constexpr int kFailed = 1;
-inline constexpr int kWrongUsage = 2;
 
 /// What stands before the command.
 struct Options {

@@ -145,7 +145,8 @@ QVariant TagModel::data(const QModelIndex& index, int role) const {
     case Qt::AccessibleDescriptionRole:
       return Describe(index.row());
     case Qt::TextAlignmentRole:
-      return QVariant::fromValue(Qt::AlignVCenter | Qt::AlignLeading);
+      return QVariant::fromValue(
+          Qt::AlignVCenter | (index.column() == kLength ? Qt::AlignTrailing : Qt::AlignLeading));
     default:
       return {};
   }

@@ -1,17 +1,23 @@
 #include "tests/support/run_program.h"
 
 #include <fcntl.h>
+#include <spawn.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <iterator>
+#include <map>
 #include <memory>
 
 namespace support {
 namespace {
+
+constexpr int kNoSuchProgram = 127;  ///< As a shell answers.
 
 struct CloseFile {
   void operator()(std::FILE* file) const { std::fclose(file); }
@@ -37,18 +43,41 @@ std::vector<char*> ToPointers(const std::vector<std::string>& texts) {
   return pointers;
 }
 
-[[noreturn]] void BecomeProgram(const std::vector<char*>& arguments,
-                                const std::vector<char*>& environment, int out, int err) {
-  const int null = ::open("/dev/null", O_RDONLY);
-  ::dup2(null, STDIN_FILENO);
-  ::dup2(out, STDOUT_FILENO);
-  ::dup2(err, STDERR_FILENO);
-  for (std::size_t i = 0; environment[i] != nullptr; ++i) {
-    ::putenv(environment[i]);
+/// Returns this program's environment and `added`. Of a name that occurs again the last value
+/// counts.
+std::vector<std::string> EnvironmentWith(const std::vector<std::string>& added) {
+  std::map<std::string, std::string> values;
+  const auto add = [&values](const std::string& entry) {
+    values[entry.substr(0, entry.find('='))] = entry;
+  };
+  for (char** entry = environ; *entry != nullptr; ++entry) {
+    add(*entry);
   }
-  ::execvp(arguments[0], arguments.data());
-  ::_exit(127);
+  std::ranges::for_each(added, add);
+  std::vector<std::string> entries;
+  std::ranges::transform(values, std::back_inserter(entries),
+                         [](const auto& one) { return one.second; });
+  return entries;
 }
+
+/// What a program finds open.
+class Streams {
+ public:
+  Streams(std::FILE* out, std::FILE* err) {
+    ::posix_spawn_file_actions_init(&m_actions);
+    ::posix_spawn_file_actions_addopen(&m_actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    ::posix_spawn_file_actions_adddup2(&m_actions, ::fileno(out), STDOUT_FILENO);
+    ::posix_spawn_file_actions_adddup2(&m_actions, ::fileno(err), STDERR_FILENO);
+  }
+  Streams(const Streams&) = delete;
+  Streams& operator=(const Streams&) = delete;
+  ~Streams() { ::posix_spawn_file_actions_destroy(&m_actions); }
+
+  [[nodiscard]] const posix_spawn_file_actions_t* Get() const { return &m_actions; }
+
+ private:
+  posix_spawn_file_actions_t m_actions{};
+};
 
 }  // namespace
 
@@ -57,16 +86,20 @@ ProgramRun RunProgram(const std::vector<std::string>& arguments,
   const TemporaryFile out(std::tmpfile());
   const TemporaryFile err(std::tmpfile());
   const std::vector<char*> argumentPointers = ToPointers(arguments);
-  const std::vector<char*> environmentPointers = ToPointers(environment);
+  const std::vector<std::string> entries = EnvironmentWith(environment);
+  const std::vector<char*> environmentPointers = ToPointers(entries);
 
-  const pid_t child = ::fork();
-  if (child == 0) {
-    BecomeProgram(argumentPointers, environmentPointers, ::fileno(out.get()), ::fileno(err.get()));
+  ProgramRun run;
+  // A fork would copy the page tables of this program, which are large under the sanitizers.
+  pid_t child = 0;
+  if (::posix_spawnp(&child, argumentPointers[0], Streams(out.get(), err.get()).Get(), nullptr,
+                     argumentPointers.data(), environmentPointers.data()) != 0) {
+    run.exitCode = kNoSuchProgram;
+    return run;
   }
   int status = 0;
-  ProgramRun run;
   rusage usage{};
-  if (child > 0 && ::wait4(child, &status, 0, &usage) == child) {
+  if (::wait4(child, &status, 0, &usage) == child) {
     run.peakKiB = usage.ru_maxrss;
     run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
   }

@@ -17,7 +17,7 @@ class CommandFixture : public testing::Test {
   [[nodiscard]] support::ProgramRun Run(const std::vector<std::string>& arguments) const {
     std::vector<std::string> all{VOXTREL_PROGRAM, "--root", Path("root")};
     all.insert(all.end(), arguments.begin(), arguments.end());
-    return support::RunProgram(all, {"PULSE_SERVER=unix:" + Path("no-server"), "LC_ALL=C.UTF-8"});
+    return support::RunProgram(all, Environment());
   }
 
   /// As Run with "--json". What is printed must be one JSON object. Returns it without the error
@@ -64,8 +64,16 @@ class CommandFixture : public testing::Test {
                                  "--root",
                                  Path("root")};
     all.insert(all.end(), arguments.begin(), arguments.end());
-    return support::RunProgram(all, {"PULSE_SERVER=unix:" + Path("no-server"), "LC_ALL=C.UTF-8"});
+    return support::RunProgram(all, Environment());
   }
+
+  /// What a run of the program finds in its environment. Looking for leaks at the end of the
+  /// program takes as long as most commands, so only those tests do it that run every command.
+  [[nodiscard]] std::vector<std::string> Environment() const {
+    return {"PULSE_SERVER=unix:" + Path("no-server"), "LC_ALL=C.UTF-8",
+            std::string("ASAN_OPTIONS=detect_leaks=") + (m_looksForLeaks ? "1" : "0")};
+  }
+  void LookForLeaks() { m_looksForLeaks = true; }
 
   [[nodiscard]] std::string Path(const std::string& name) const {
     return (std::filesystem::path(m_folder.Path()) / name).string();
@@ -81,4 +89,5 @@ class CommandFixture : public testing::Test {
 
  private:
   support::TempFolder m_folder;
+  bool m_looksForLeaks = false;
 };

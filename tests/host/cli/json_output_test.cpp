@@ -15,6 +15,7 @@ using Command = std::vector<std::string>;
 class JsonOutput : public TagsFixture {
  protected:
   JsonOutput() {
+    LookForLeaks();
     m_wave = CopySample("anna_1.wav");
     EXPECT_EQ(Run({"template", "process", m_wave, Path("a.st")}).exitCode, 0);
     EXPECT_EQ(Run({"language", "template", Path("a.lng")}).exitCode, 0);

@@ -1,0 +1,89 @@
+#include "host/cli/command_line.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <exception>
+#include <new>
+#include <string_view>
+
+#include "host/cli/commands.h"
+#include "host/cli/output.h"
+#include "host/cli/session.h"
+#include "host/cli/usage.h"
+
+namespace cli {
+namespace {
+
+/// Runs one command line. Returns the exit code of the program.
+int RunCommand(int argc, const char* const* argv) {
+  CLI::App app("Voice tags for a speaker-dependent dialer: record, learn, play, compare.",
+               "voxtrel");
+  Options options;
+  PrepareUsage(app, options);
+  Session session(options);
+  AddWindowCommands(app, session);
+  AddWaveCommands(app, session);
+  AddTemplateCommands(app, session);
+  AddLanguageCommands(app, session);
+  AddRegistryCommands(app, session);
+  AddContactsCommands(app, session);
+  AddTagsCommands(app, session);
+  AddMaintenanceCommands(app, session);
+  AddConnectionCommands(app, session);
+  AddBackupCommands(app, session);
+  AddStatusCommands(app, session);
+  AddExamples(app);
+
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return ExplainUsage(app, error, {argv, argv + argc});
+  } catch (const std::bad_alloc&) {
+    throw;  // A message here would take memory.
+  } catch (const std::exception& error) {
+    // Nothing of the system throws; a library that ran out of something does.
+    session.Fail(error.what());
+  }
+  session.PrintOutcome();
+  return session.GetExitCode();
+}
+
+/// The same. Lost output is a failure.
+int RunAndFlush(int argc, const char* const* argv) {
+  const int exitCode = RunCommand(argc, argv);
+  if (FlushOutput()) {
+    return exitCode;
+  }
+  PrintErrorLine("voxtrel: not all of the output could be written to standard output");
+  return exitCode == 0 ? kFailed : exitCode;
+}
+
+}  // namespace
+
+void ReserveStandardStreams() {
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (::fcntl(stream, F_GETFD) == -1) {
+      // It gets the lowest free number, which is this one. It is opened for the wrong direction, so
+      // its use fails.
+      static_cast<void>(::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY));
+    }
+  }
+}
+
+int RunCommandLine(int argc, const char* const* argv) {
+  try {
+    return RunAndFlush(argc, argv);
+  } catch (const std::bad_alloc&) {
+    PrintOutOfMemory();
+  }
+  return kFailed;
+}
+
+void PrintOutOfMemory() {
+  constexpr std::string_view kMessage = "voxtrel: there is not enough memory\n";
+  static_cast<void>(::write(STDERR_FILENO, kMessage.data(), kMessage.size()));
+}
+
+}  // namespace cli
