@@ -14,8 +14,8 @@
 
 namespace posix {
 
-// Libraries that a process loads: where this code lies, a function of another library, and the
-// icons that a library shows to its control panel.
+// What a process asks of the libraries that it loads. It finds the file of its own code, calls a
+// function of another library, and reads the icons that a library shows to its control panel.
 
 /// Returns the file of this code, which is a program or a library that a program has loaded.
 /// Returns an empty path if the system does not know it.

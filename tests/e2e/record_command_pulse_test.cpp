@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <memory>
 #include <string>
 #include <thread>
@@ -26,8 +27,12 @@ const std::vector<std::byte> kHum{std::byte{17}, std::byte{17}};
 /// The real program next to a sound server of its own.
 class RecordCommand : public testing::Test {
  protected:
+  [[nodiscard]] static support::ProgramRun RunWith(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), VOXTREL_PROGRAM);
+    return support::RunProgram(arguments);
+  }
   [[nodiscard]] support::ProgramRun Run(const std::string& option) const {
-    return support::RunProgram({VOXTREL_PROGRAM, option, "wave", "record", File()});
+    return RunWith({option, "wave", "record", File()});
   }
 
   [[nodiscard]] std::string File() const { return m_session.Folder() / "name.wav"; }
@@ -38,7 +43,7 @@ class RecordCommand : public testing::Test {
 
   /// The server dies a second after the program began to record, or nearly.
   [[nodiscard]] support::ProgramRun RunUntilTheServerDies(
-      const std::string& option = "--root=unused") const {
+      const std::vector<std::string>& arguments) const {
     const auto server = PulseServer::Start(m_session);
     if (!server) return {};
     const PipeMicrophone microphone(server->Pipe(), 11025, 1, kHum);
@@ -49,7 +54,7 @@ class RecordCommand : public testing::Test {
       std::this_thread::sleep_for(std::chrono::seconds(1));
       server->Kill();
     });
-    return Run(option);
+    return RunWith(arguments);
   }
 
   /// Whether the server has somebody who records.
@@ -78,7 +83,7 @@ TEST_F(RecordCommand, SaysThatTheMicrophoneWasLostAndLeavesNoFile) {
       testing::HasSubstr("the microphone was lost before the recording was whole");
   support::ProgramRun run;
   for (int attempt = 0; attempt < kAttempts && !testing::Matches(lost)(run.err); ++attempt) {
-    run = RunUntilTheServerDies();
+    run = RunUntilTheServerDies({"wave", "record", File()});
   }
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_EQ(run.out, "");
@@ -92,11 +97,29 @@ TEST_F(RecordCommand, AMicrophoneThatIsLostIsAVerdictInJson) {
       R"("quality":{"verdicts":["interrupted"],"peakDb":null,"snrDb":null,"tooAlike":[]})");
   support::ProgramRun run;
   for (int attempt = 0; attempt < kAttempts && !testing::Matches(lost)(run.out); ++attempt) {
-    run = RunUntilTheServerDies("--json");
+    run = RunUntilTheServerDies({"--json", "wave", "record", File()});
   }
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_THAT(run.out, testing::StartsWith(R"({"code":6,"bytes":0,)"));
   EXPECT_THAT(run.out, lost);
+}
+
+TEST_F(RecordCommand, AMicrophoneThatIsLostIsAVerdictOfLearningToo) {
+  const std::string contacts = m_session.Folder() / "contacts.vcf";
+  std::ofstream(contacts) << "BEGIN:VCARD\r\nVERSION:3.0\r\nN:Berg;Anna;;;\r\nFN:Anna Berg\r\n"
+                             "TEL;TYPE=CELL:1\r\nEND:VCARD\r\n";
+  const testing::Matcher<std::string> lost = testing::HasSubstr(
+      R"("quality":{"verdicts":["interrupted"],"peakDb":null,"snrDb":null,"tooAlike":[]})");
+  support::ProgramRun run;
+  for (int attempt = 0; attempt < kAttempts && !testing::Matches(lost)(run.out); ++attempt) {
+    run = RunUntilTheServerDies({"--root", m_session.Folder() / "root", "--contacts", contacts,
+                                 "--json", "tags", "learn", "--contact", "Anna"});
+  }
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.out, lost);
+  const auto tags = RunWith(
+      {"--root", m_session.Folder() / "root", "--contacts", contacts, "--json", "tags", "list"});
+  EXPECT_EQ(tags.out, "[]\n");
 }
 
 TEST_F(RecordCommand, WithoutAMicrophoneSaysSoAndMakesNoFile) {

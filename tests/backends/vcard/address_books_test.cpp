@@ -11,6 +11,7 @@
 #include "tests/support/file_bytes.h"
 #include "tests/support/registry_access.h"
 #include "tests/support/results.h"
+#include "tests/support/watched_file_system.h"
 #include "tests/support/watched_registry.h"
 
 namespace vcard {
@@ -54,7 +55,8 @@ class AddressBooksTest : public testing::Test {
     options.choice = std::move(choice);
     options.desktop = &m_desktop;
     options.oidsInUse = [this] { return m_inUse; };
-    m_store = std::make_unique<AddressBooks>(m_files, m_registry, std::move(options));
+    options.changesNothing = m_changesNothing;
+    m_store = std::make_unique<AddressBooks>(*m_seen, m_registry, std::move(options));
     return m_store->Initialize() && m_store->Connect() && m_store->Logon();
   }
 
@@ -78,7 +80,9 @@ class AddressBooksTest : public testing::Test {
   }
 
   machine::MemoryFileSystem m_files;
+  platform::FileSystem* m_seen = &m_files;
   machine::MemoryRegistry m_registry;
+  bool m_changesNothing = false;
   SetDesktop m_desktop;
   platform::Result<Oids, platform::RegistryError> m_inUse;
   std::unique_ptr<AddressBooks> m_store;
@@ -286,6 +290,40 @@ TEST_F(AddressBooksInUse, AFileThatWasMovedKeepsTheNumbersOfItsContacts) {
   Put(u"\\own.vcf", Person("Cy") + Person("Ann"));
   ASSERT_TRUE(Start(SourceChoice{u"\\own.vcf"})) << "A copy on the device may take its place.";
   EXPECT_EQ(Oid(2), m_ann);
+}
+
+// Who only reads may use the new place and leaves the numbers with the old one.
+TEST_F(AddressBooksInUse, AReaderStoresNoMoveOfAFile) {
+  ASSERT_TRUE(m_files.Delete(u"/all.vcf"));
+  Put(u"/moved.vcf", Person("Ann"));
+  m_changesNothing = true;
+  ASSERT_TRUE(Start(SourceChoice{u"/moved.vcf"}));
+  EXPECT_EQ(LookUp(m_ann), std::nullopt);
+  m_changesNothing = false;
+  ExpectRefused();
+  Put(u"/all.vcf", Person("Ann"));
+  ASSERT_TRUE(Start());
+  EXPECT_EQ(Oid(1), m_ann);
+}
+
+/// The folder of the first file cannot be searched now, as on a drive that does not answer.
+class FirstFileOutOfSight final : public support::WatchedFileSystem {
+ public:
+  using WatchedFileSystem::WatchedFileSystem;
+
+  platform::Result<std::unique_ptr<platform::FileSearch>, platform::FileError> Find(
+      std::u16string_view pattern) override {
+    return pattern == u"/all.vcf" ? platform::Failure(platform::FileError::kOther)
+                                  : WatchedFileSystem::Find(pattern);
+  }
+};
+
+TEST_F(AddressBooksInUse, AFileThatCannotBeLookedForIsNotTheOneThatWasMoved) {
+  FirstFileOutOfSight files(m_files);
+  m_seen = &files;
+  Put(u"/other.vcf", Person("Ann"));
+  ExpectRefused(SourceChoice{u"/other.vcf"});
+  m_store.reset();
 }
 
 TEST_F(AddressBooksInUse, AFileWithoutTheContactsOfAllTagsIsNotTheOneThatWasMoved) {
