@@ -211,6 +211,7 @@ void TagsPage::Adapt() {
 void TagsPage::Show(std::shared_ptr<const Shelf> shelf) {
   std::vector<std::u16string> selected = GetSelected();
   const int currentRow = m_list->currentIndex().row();
+  const bool wasUnread = m_shelf == nullptr;
   std::u16string current = GetCurrent() != nullptr ? GetCurrent()->name : std::u16string();
   const auto has = [](const Shelf& some, const std::u16string& name) {
     return std::ranges::find(some.tags, name, &Tag::name) != some.tags.end();
@@ -230,6 +231,13 @@ void TagsPage::Show(std::shared_ptr<const Shelf> shelf) {
   if (currentRow >= 0 && !m_list->currentIndex().isValid()) {
     // It was deleted. The next one takes its place, so that the keyboard goes on from there.
     m_list->setCurrentIndex(m_order.index(std::min(currentRow, m_order.rowCount() - 1), kName));
+  } else if (wasUnread) {
+    // Keys mean the list from the beginning, and nothing is selected yet.
+    m_list->selectionModel()->setCurrentIndex(m_order.index(0, kName),
+                                              QItemSelectionModel::NoUpdate);
+    if (isVisible()) {
+      m_list->setFocus();
+    }
   }
   Adapt();
 }
@@ -318,8 +326,8 @@ void TagsPage::ShowCurrent() {
     }
   }
   m_details->setText(lines.join(u'\n'));
-  // On a narrow window a message takes their room.
-  m_details->setVisible(!lines.isEmpty() && !(m_list->AreCards() && m_bar.isVisible()));
+  // On a narrow window there is no room for nothing, and a message takes theirs.
+  m_details->setVisible(!m_list->AreCards() || !(lines.isEmpty() || m_bar.isVisible()));
   const bool isPlaying = tag != nullptr && tag->name == m_model.GetPlaying();
   m_play->setText(Say(isPlaying ? resources::kStop : resources::kPlay));
   m_play->setIcon(IconOf(isPlaying ? Symbol::kStop : Symbol::kPlay));

@@ -199,6 +199,16 @@ TEST_F(TagsWindow, ReadsTheStoreAfterItIsShown) {
   EXPECT_EQ(EmptyTitle(), "");
 }
 
+TEST_F(TagsWindow, IsReadyForKeysAsSoonAsTheTagsAreRead) {
+  Open();
+  m_work.Show(MakeShelf());
+  EXPECT_TRUE(m_list->hasFocus());
+  EXPECT_TRUE(Selected().isEmpty());
+  Press(Qt::Key_Down);
+  Press(Qt::Key_Return);
+  EXPECT_EQ(m_work.played, Names{u"11"});
+}
+
 TEST_F(TagsWindow, OffersToTeachIfThereIsNoTag) {
   Open();
   home::Shelf shelf = MakeShelf();
