@@ -7,12 +7,12 @@ namespace home {
 namespace {
 
 // Not the bell of the Learning page, which hangs in the same folder for the same root.
-constexpr const char* kName = "/window";
+constexpr const char* kSuffixOfBell = "/window";
 
 }  // namespace
 
 OnlyWindow::OnlyWindow(const std::string& runtimeFolder, const std::string& root)
-    : m_path(posix::Doorbell::PathFor(runtimeFolder, root + kName)),
+    : m_path(posix::Doorbell::PathFor(runtimeFolder, root + kSuffixOfBell)),
       m_lock(QFile::decodeName(QByteArray::fromStdString(m_path + ".lock"))) {
   // A lock is old if its program has ended, and not after some time.
   m_lock.setStaleLockTime(0);
