@@ -1,7 +1,10 @@
 #pragma once
 
+#include <cstddef>
+#include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "platform/file_system.h"
 #include "platform/wave_devices.h"
@@ -18,16 +21,18 @@ class FileWaveIn final : public platform::WaveIn {
  public:
   /// `files` outlives this and every device opened.
   FileWaveIn(platform::FileSystem& files, std::u16string path);
+  /// The same with a file that has no name and lies in memory, so that nothing of it is left if the
+  /// process is killed.
+  explicit FileWaveIn(std::vector<std::byte> bytes);
 
   [[nodiscard]] std::uint32_t GetDeviceCount() override;
   [[nodiscard]] platform::Result<std::unique_ptr<platform::WaveInDevice>, platform::WaveResult>
   Open(const platform::WaveFormat& format) override;
 
  private:
-  [[nodiscard]] platform::Result<std::unique_ptr<platform::File>, platform::FileError> OpenFile();
+  using OpenedFile = platform::Result<std::unique_ptr<platform::File>, platform::FileError>;
 
-  platform::FileSystem& m_files;
-  const std::u16string m_path;
+  const std::function<OpenedFile()> m_open;
 };
 
 /// A speaker that writes what it is given into a wave file, in place of what it was given before.

@@ -12,6 +12,38 @@ namespace {
 
 using platform::WaveHeader;
 using platform::WaveResult;
+using Done = platform::Result<void, platform::FileError>;
+
+const Done kReadOnly = platform::Failure(platform::FileError::kAccessDenied);
+
+/// A file in memory, to be read.
+class HeldFile final : public platform::File {
+ public:
+  explicit HeldFile(std::shared_ptr<const std::vector<std::byte>> bytes)
+      : m_bytes(std::move(bytes)) {}
+
+  Done Seek(std::uint64_t offset) override {
+    m_position = static_cast<std::size_t>(std::min<std::uint64_t>(offset, m_bytes->size()));
+    return {};
+  }
+  platform::Result<std::size_t, platform::FileError> Read(std::span<std::byte> into) override {
+    const std::size_t count = std::min(into.size(), m_bytes->size() - m_position);
+    std::copy_n(m_bytes->data() + m_position, count, into.data());
+    m_position += count;
+    return count;
+  }
+  platform::Result<std::uint64_t, platform::FileError> GetLength() override {
+    return m_bytes->size();
+  }
+  Done Write(std::span<const std::byte> /*bytes*/) override { return kReadOnly; }
+  Done SetLength(std::uint64_t /*length*/) override { return kReadOnly; }
+  Done Flush() override { return {}; }
+  Done Close() override { return {}; }
+
+ private:
+  const std::shared_ptr<const std::vector<std::byte>> m_bytes;
+  std::size_t m_position = 0;
+};
 
 /// Reads a file's samples into the queued header when Unprepare or Reset asks for them, and not at
 /// Start: headers and their memory are touched only within these calls.
@@ -88,23 +120,26 @@ class FileDevice final : public platform::WaveInDevice {
 }  // namespace
 
 FileWaveIn::FileWaveIn(platform::FileSystem& files, std::u16string path)
-    : m_files(files), m_path(std::move(path)) {}
+    : m_open([&files, path = std::move(path)] {
+        return files.Open(path, {.access = platform::FileAccess::kRead,
+                                 .share = platform::FileShare::kRead,
+                                 .creation = platform::FileCreation::kOpenExisting});
+      }) {}
 
-std::uint32_t FileWaveIn::GetDeviceCount() { return OpenFile() ? 1 : 0; }
+FileWaveIn::FileWaveIn(std::vector<std::byte> bytes)
+    : m_open([shared = std::make_shared<const std::vector<std::byte>>(std::move(bytes))] {
+        return OpenedFile(std::make_unique<HeldFile>(shared));
+      }) {}
+
+std::uint32_t FileWaveIn::GetDeviceCount() { return m_open() ? 1 : 0; }
 
 platform::Result<std::unique_ptr<platform::WaveInDevice>, platform::WaveResult> FileWaveIn::Open(
     const platform::WaveFormat& format) {
-  auto file = OpenFile();
+  auto file = m_open();
   if (!file) return platform::Failure(WaveResult::kNoDevice);
   const auto layout = ReadWaveFileLayout(**file);
   if (!layout || layout->format != format) return platform::Failure(WaveResult::kBadFormat);
   return std::make_unique<FileDevice>(std::move(*file), *layout);
-}
-
-platform::Result<std::unique_ptr<platform::File>, platform::FileError> FileWaveIn::OpenFile() {
-  return m_files.Open(m_path, {.access = platform::FileAccess::kRead,
-                               .share = platform::FileShare::kRead,
-                               .creation = platform::FileCreation::kOpenExisting});
 }
 
 }  // namespace wave_file

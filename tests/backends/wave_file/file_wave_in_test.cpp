@@ -66,6 +66,24 @@ TEST_F(FileWaveIn, FileThatIsNotThereIsNoDevice) {
   EXPECT_EQ(support::ErrorOf(m_waveIn.Open(kMono)), WaveResult::kNoDevice);
 }
 
+TEST_F(FileWaveIn, FileInMemoryIsHeardAsOneWithAName) {
+  const std::vector<std::byte> sound = Ramp(6);
+  wave_file::FileWaveIn held(support::RiffWave(kMono, sound));
+  EXPECT_EQ(held.GetDeviceCount(), 1U);
+  for (int i = 0; i < 2; ++i) {
+    auto opened = held.Open(kMono);
+    ASSERT_TRUE(opened);
+    const std::vector<std::byte> recorded = Record(**opened, 10);
+    EXPECT_THAT(std::span(recorded).first(6), ElementsAreArray(sound)) << "from its beginning";
+    EXPECT_THAT(std::span(recorded).subspan(6), Each(std::byte{0}));
+  }
+}
+
+TEST_F(FileWaveIn, BytesInMemoryThatAreNoWaveFileAreRefused) {
+  EXPECT_EQ(support::ErrorOf(wave_file::FileWaveIn(Ramp(50)).Open(kMono)), WaveResult::kBadFormat);
+  EXPECT_EQ(support::ErrorOf(wave_file::FileWaveIn(Ramp(0)).Open(kMono)), WaveResult::kBadFormat);
+}
+
 TEST_F(FileWaveIn, FileThatCanBeOpenedIsOneDeviceWhateverItHolds) {
   ASSERT_TRUE(m_files.PutFile(kPath, {}));
   EXPECT_EQ(m_waveIn.GetDeviceCount(), 1U);
