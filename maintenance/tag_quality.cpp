@@ -37,8 +37,10 @@ class TagJudge {
 
   [[nodiscard]] TagQuality Judge(const JudgedTag& tag, std::size_t index) const {
     m_mathematics->m_wavePath = storage::WavePath(tag.name);
+    Likeness likeness = FindAlike(index);
     TagQuality quality{.take = voicemath::JudgeRecording(*m_mathematics),
-                       .tooAlike = FindTooAlike(index)};
+                       .tooAlike = std::move(likeness.tooAlike),
+                       .nearest = likeness.nearest};
     quality.hasUnreadFile = quality.take == platform::Failure(voicemath::ReviewError::kNotRead) ||
                             (index < m_tags.size() && m_templates[index] == TemplateState::kUnread);
     if (quality.take && !quality.tooAlike.empty()) {
@@ -58,10 +60,16 @@ class TagJudge {
     if (frames == 0 || !m_mathematics->SetTemplate(kScratchSlot, std::move(values), frames)) {
       return {};
     }
-    return FindTooAlike(kScratchSlot, entry, m_tags.size() + 1);
+    return FindAlike(kScratchSlot, entry, m_tags.size() + 1).tooAlike;
   }
 
  private:
+  /// The other tags that are like one.
+  struct Likeness {
+    std::vector<AlikeTag> tooAlike;
+    std::optional<AlikeTag> nearest;
+  };
+
   enum class TemplateState : std::uint8_t {
     kRead,
     kNone,    ///< There is none, or a damaged one.
@@ -89,9 +97,9 @@ class TagJudge {
   }
 
   /// Compares the template in slot `a`, which is one of `count`, with those of the tags.
-  [[nodiscard]] std::vector<AlikeTag> FindTooAlike(std::int32_t a, const storage::TagEntry& entry,
-                                                   std::size_t count) const {
-    std::vector<AlikeTag> found;
+  [[nodiscard]] Likeness FindAlike(std::int32_t a, const storage::TagEntry& entry,
+                                   std::size_t count) const {
+    Likeness found;
     for (std::size_t i = 0; i < m_tags.size(); ++i) {
       if (!IsCompared(i, a, entry)) {
         continue;
@@ -100,18 +108,21 @@ class TagJudge {
       // The comparison of two templates of one length depends on which comes first.
       const float distance =
           std::min(m_mathematics->CompareTemplates(a, b), m_mathematics->CompareTemplates(b, a));
+      if (!found.nearest || distance < found.nearest->distance) {
+        found.nearest = {i, distance};
+      }
       if (voicemath::AreTooAlike(distance, static_cast<std::int32_t>(count))) {
-        found.push_back({i, distance});
+        found.tooAlike.push_back({i, distance});
       }
     }
-    std::ranges::stable_sort(found, {}, &AlikeTag::distance);
+    std::ranges::stable_sort(found.tooAlike, {}, &AlikeTag::distance);
     return found;
   }
 
-  [[nodiscard]] std::vector<AlikeTag> FindTooAlike(std::size_t index) const {
+  [[nodiscard]] Likeness FindAlike(std::size_t index) const {
     return index < m_tags.size() && m_templates[index] == TemplateState::kRead
-               ? FindTooAlike(static_cast<std::int32_t>(index), m_tags[index].entry, m_tags.size())
-               : std::vector<AlikeTag>();
+               ? FindAlike(static_cast<std::int32_t>(index), m_tags[index].entry, m_tags.size())
+               : Likeness();
   }
 
   const platform::Platform m_platform;

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -32,6 +33,8 @@ struct TagQuality {
   /// that.
   platform::Result<voicemath::TakeQuality, voicemath::ReviewError> take;
   std::vector<AlikeTag> tooAlike;  ///< The most alike first.
+  /// The most alike tag of another number, too alike or not. None if there is no other template.
+  std::optional<AlikeTag> nearest;
   /// Whether a file of the tag is there and could not be opened or read. Then this judgement, and
   /// the likeness of others to this tag, may say too little.
   bool hasUnreadFile = false;

@@ -82,6 +82,18 @@ TEST_F(TagQualityTest, TheMostAlikeTagComesFirst) {
   EXPECT_LT(alike[0].distance, alike[1].distance);
 }
 
+TEST_F(TagQualityTest, TheNearestTagIsKnownEvenIfItIsNotTooAlike) {
+  Learn(u"100", 1, 17);
+  EXPECT_FALSE(Judge()[0].nearest) << "There is no other.";
+  Learn(u"200", 4, 18);
+  Learn(u"300", 1, 17);
+  const auto qualities = Judge();
+  ASSERT_TRUE(qualities[0].nearest);
+  EXPECT_EQ(qualities[0].nearest->index, 1U) << "300 is of the same number.";
+  EXPECT_TRUE(qualities[0].tooAlike.empty());
+  EXPECT_EQ(qualities[1].nearest->distance, qualities[0].nearest->distance);
+}
+
 TEST_F(TagQualityTest, ARecordingThatIsMissingHasNoJudgementAndStillLikeness) {
   Learn(u"100", 1, 17);
   Learn(u"200", 1, 18);
