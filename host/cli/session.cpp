@@ -60,7 +60,7 @@ bool Session::AgreesTo(const platform::MessageBox& question) {
 
 void Session::WatchReinit(headless::HeadlessDialog& window) { cli::WatchReinit(window); }
 
-std::string_view Session::Advise(session::Matter matter) const {
+std::string Session::Advise(session::Matter matter) const {
   using session::Matter;
   switch (matter) {
     case Matter::kNoRoot:
@@ -72,7 +72,7 @@ std::string_view Session::Advise(session::Matter matter) const {
     case Matter::kNoContacts:
       return ". Put your contacts there as vCards, or choose them with --contacts FILE";
   }
-  return "";
+  return {};
 }
 
 void Session::PrintOutcome() const {

@@ -46,7 +46,7 @@ class Session final : private session::Outlet, public session::Session {
   void ShowMessage(const headless::ShownMessage& message) override;
   [[nodiscard]] bool AgreesTo(const platform::MessageBox& question) override;
   void WatchReinit(headless::HeadlessDialog& window) override;
-  [[nodiscard]] std::string_view Advise(session::Matter matter) const override;
+  [[nodiscard]] std::string Advise(session::Matter matter) const override;
 
   const Options& m_options;
   std::string m_messages;  ///< Failures and message boxes, a line each.

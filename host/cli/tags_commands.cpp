@@ -20,8 +20,6 @@
 #include "host/session/tag_reading.h"
 #include "language/texts.h"
 #include "resources/dialogs.h"
-#include "resources/fault_strings.h"
-#include "resources/strings.h"
 #include "storage/device_paths.h"
 #include "storage/tag_store.h"
 
@@ -100,19 +98,6 @@ bool CanHear(Session& session) {
   return opened.has_value();
 }
 
-/// Returns why no tag was learned, with a colon before it. Returns an empty text if messages have
-/// said it.
-std::string ExplainNoTag(const Session& session, const tags::Page_one& page) {
-  const int code = page.GetRecordCode();
-  std::string reason;
-  if (const auto error = page.GetLearnError()) {
-    reason = session::ExplainFileError(*error);
-  } else if (code != audio::kRecorded) {
-    reason = session::ExplainRecordCode(session, code);
-  }
-  return reason.empty() ? reason : ": " + reason;
-}
-
 /// Says what is wrong with a tag that has just been learned, and prints it as `tags list` does.
 void PrintLearned(Session& session, session::PageRun& run, std::int32_t index) {
   const std::int32_t count = run.dialog.GetItemCount(kTagListId);
@@ -162,7 +147,8 @@ void Learn(Session& session, const std::string& contact, const std::string& kind
       if (session.GetOptions().json && run.page.GetRecordCode() == audio::kDeviceLost) {
         session.SetJson({{"quality", QualityToJson(session::InterruptedTake())}});
       }
-      session.Fail("no tag was learned" + ExplainNoTag(session, run.page));
+      const std::string reason = session::ExplainNoTag(session, run.page);
+      session.Fail("no tag was learned" + (reason.empty() ? "" : ": " + reason));
       return;
     }
     PrintLearned(session, run, before);
@@ -180,11 +166,9 @@ std::string ExplainNoSuchTag(const std::string& name) {
 
 /// Selects the tag of that name. Reports it if there is none.
 bool SelectTag(Session& session, session::PageRun& run, const std::string& name) {
-  for (int i = 0; i < run.dialog.GetItemCount(kTagListId); ++i) {
-    if (run.page.GetTagOfLine(i) == text::FromUtf8(name)) {
-      run.dialog.Choose(kTagListId, i);
-      return true;
-    }
+  if (const auto line = session::FindLine(run, text::FromUtf8(name))) {
+    run.dialog.Choose(kTagListId, *line);
+    return true;
   }
   session.Fail(session::ListsAllTags(session, run)
                    ? ExplainNoSuchTag(name)
@@ -224,31 +208,13 @@ void PlayTag(Session& session, const std::string& name) {
   });
 }
 
-/// Returns whether a box says that tags were deleted which the trash had no room for.
-bool IsOfDestroyedTags(std::u16string_view text) {
-  const std::u16string_view many = resources::kTagsDestroyed;
-  return text == resources::kTagDestroyed || text.starts_with(many.substr(0, many.find(u'%')));
-}
-
-/// Counts the message boxes so far that reported a failure.
-std::ptrdiff_t CountProblems(Session& session) {
-  return std::ranges::count_if(
-      session.GetUi().GetMessages(), [](const headless::ShownMessage& shown) {
-        return !platform::Has(shown.box.style, platform::MessageStyle::kOkCancel) &&
-               !IsOfDestroyedTags(shown.box.text);
-      });
-}
-
-/// Presses a button that deletes. It has worked if the list became shorter and nothing was left.
+/// Presses a button that deletes, and reports what became of it.
 void PressDelete(Session& session, session::PageRun& run, int button, const char* failure) {
-  const int before = run.dialog.GetItemCount(kTagListId);
-  const std::ptrdiff_t problems = CountProblems(session);
-  run.dialog.Press(button);
-  const bool isShorter = run.dialog.GetItemCount(kTagListId) < before;
-  const bool isDone = isShorter && CountProblems(session) == problems;
-  PrintResult(session, isDone ? 0 : 1);
-  if (!isDone) {
-    session.Fail(isShorter ? "some files of deleted tags are left" : failure);
+  const session::DeletePress press = session::PressDelete(session, run, button);
+  PrintResult(session, press == session::DeletePress::kDone ? 0 : 1);
+  if (press != session::DeletePress::kDone) {
+    session.Fail(press == session::DeletePress::kNothing ? failure
+                                                         : "some files of deleted tags are left");
   }
 }
 

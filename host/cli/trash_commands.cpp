@@ -12,6 +12,7 @@
 
 #include "backends/text/utf.h"
 #include "host/cli/output.h"
+#include "host/session/explanations.h"
 #include "host/session/held_tags.h"
 #include "storage/tag_trash.h"
 #include "tags/page_one.h"
@@ -21,7 +22,6 @@ namespace {
 
 using session::HeldTags;
 using session::OpenTrash;
-using storage::RestoreError;
 using storage::TrashedTag;
 
 /// Returns what is in the trash, the latest deletion first. The error is a sentence with the
@@ -93,23 +93,6 @@ void EmptyTrash(Session& session) {
   }
 }
 
-std::string Explain(RestoreError error) {
-  switch (error) {
-    case RestoreError::kExists:
-      return "there is a tag or a file of that name";
-    case RestoreError::kTooMany:
-      return fmt::format("there are {} tags already, which is the most there can be",
-                         storage::kMaxTags);
-    case RestoreError::kFull:
-      return "the disk is full";
-    case RestoreError::kNoFolder:
-      return "a folder for recordings or templates is missing and cannot be made";
-    case RestoreError::kOther:
-      break;
-  }
-  return "its files or its entry cannot be written";
-}
-
 /// Returns the latest deletion of each name. Reports a name that is not in the trash.
 std::vector<TrashedTag> Choose(Session& session, const std::vector<TrashedTag>& tags,
                                const std::vector<std::string>& names) {
@@ -159,7 +142,7 @@ void Restore(Session& session, const std::vector<std::string>& names, bool isLas
   for (const TrashedTag& tag : chosen) {
     const std::string name = text::ToUtf8(tag.item.parts.name);
     if (const auto done = trash.Restore(tag); !done) {
-      session.Fail(fmt::format("{} was not restored: {}", name, Explain(done.error())));
+      session.Fail(fmt::format("{} was not restored: {}", name, session::ExplainRestoreError(done.error())));
       continue;
     }
     restored.push_back(name);

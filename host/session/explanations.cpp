@@ -131,6 +131,24 @@ std::string ExplainFileError(platform::FileError error) {
   }
 }
 
+std::string ExplainRestoreError(storage::RestoreError error) {
+  using storage::RestoreError;
+  switch (error) {
+    case RestoreError::kExists:
+      return "there is a tag or a file of that name";
+    case RestoreError::kTooMany:
+      return fmt::format("there are {} tags already, which is the most there can be",
+                         storage::kMaxTags);
+    case RestoreError::kFull:
+      return "the disk is full";
+    case RestoreError::kNoFolder:
+      return "a folder for recordings or templates is missing and cannot be made";
+    case RestoreError::kOther:
+      break;
+  }
+  return "its files or its entry cannot be written";
+}
+
 int CheckHeader(voicemath::CVoiceMathematics& mathematics, const std::u16string& path) {
   if (!mathematics.m_file.Open(path, framework::CFile::modeRead)) {
     return kFileNotOpened;
@@ -159,6 +177,14 @@ std::string ExplainRecordCode(const Session& session, int code) {
     words = RecordCodeInWords(code);
   }
   return words.empty() || code < 0 ? words : fmt::format("{} (code {})", words, code);
+}
+
+std::string ExplainNoTag(const Session& session, const tags::Page_one& page) {
+  if (const auto error = page.GetLearnError()) {
+    return ExplainFileError(*error);
+  }
+  const int code = page.GetRecordCode();
+  return code == audio::kRecorded ? std::string() : ExplainRecordCode(session, code);
 }
 
 // Nothing forbids an odd recording: a user may want it.

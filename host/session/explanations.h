@@ -6,6 +6,8 @@
 
 #include "host/session/session.h"
 #include "platform/file_system.h"
+#include "storage/tag_trash.h"
+#include "tags/page_one.h"
 #include "voicemath/recording_review.h"
 #include "voicemath/voice_mathematics.h"
 
@@ -14,6 +16,12 @@ namespace session {
 /// Returns why a file was not opened, made or written, in words that go on after its name and a
 /// colon.
 [[nodiscard]] std::string ExplainFileError(platform::FileError error);
+
+/// Returns why a page that recorded has no new tag. Returns an empty text if messages have said it.
+[[nodiscard]] std::string ExplainNoTag(const Session& session, const tags::Page_one& page);
+
+/// Returns why a tag stays in the trash.
+[[nodiscard]] std::string ExplainRestoreError(storage::RestoreError error);
 
 /// The file cannot be opened, so there is no header to give a code for.
 inline constexpr int kFileNotOpened = -1;

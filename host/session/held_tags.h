@@ -1,10 +1,16 @@
 #pragma once
 
+#include <string_view>
+
 #include "host/session/session.h"
 #include "storage/tag_trash.h"
 #include "tags/page_one.h"
 
 namespace session {
+
+/// What is reported if another Voxtrel has the tags.
+inline constexpr std::string_view kTagsInUse =
+    "the tags are in use by another Voxtrel; close it and try again";
 
 [[nodiscard]] inline storage::TagTrash OpenTrash(Session& session) {
   return {session.GetFiles(), session.GetRegistry(), session.GetClock()};
@@ -18,7 +24,7 @@ class HeldTags {
   explicit HeldTags(Session& session)
       : m_mutex(session.GetPlatform().threads.CreateNamedMutex(tags::kInstanceMutex)) {
     if (!IsHeld()) {
-      session.Fail("the tags are in use by another Voxtrel; close it and try again");
+      session.Fail(kTagsInUse);
     } else {
       OpenTrash(session).Recover();
     }

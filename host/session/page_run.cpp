@@ -1,14 +1,17 @@
 #include "host/session/page_run.h"
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
 #include "framework/dialog.h"
 #include "host/session/contact_listing.h"
+#include "host/session/held_tags.h"
 #include "host/session/tag_reading.h"
 #include "platform/clock.h"
 #include "platform/contacts_store.h"
 #include "resources/dialogs.h"
+#include "resources/fault_strings.h"
 #include "resources/strings.h"
 #include "storage/device_paths.h"
 #include "storage/tag_store.h"
@@ -77,6 +80,21 @@ bool CanListTags(Session& session) {
   return names.has_value();
 }
 
+/// Returns whether a box says that tags were deleted which the trash had no room for.
+bool IsOfDestroyedTags(std::u16string_view text) {
+  const std::u16string_view many = resources::kTagsDestroyed;
+  return text == resources::kTagDestroyed || text.starts_with(many.substr(0, many.find(u'%')));
+}
+
+/// Counts the message boxes so far that reported a failure.
+std::ptrdiff_t CountProblems(Session& session) {
+  return std::ranges::count_if(
+      session.GetUi().GetMessages(), [](const headless::ShownMessage& shown) {
+        return !platform::Has(shown.box.style, platform::MessageStyle::kOkCancel) &&
+               !IsOfDestroyedTags(shown.box.text);
+      });
+}
+
 platform::Platform With(platform::ContactsStore& contacts, const platform::Platform& platform) {
   return {platform.files, platform.waveIn,   platform.clock, platform.threads, platform.process,
           platform.ui,    platform.registry, contacts,       platform.waveOut, platform.shell};
@@ -95,6 +113,26 @@ bool ListsAllTags(Session& session, const PageRun& run) {
   // for a key that no path can name, too.
   return list && list->names.size() + list->passedOver == static_cast<std::size_t>(lines) &&
          run.page.GetTags().tagCount >= lines;
+}
+
+std::optional<int> FindLine(const PageRun& run, std::u16string_view tag) {
+  for (int i = 0; i < run.dialog.GetItemCount(resources::kTagListId); ++i) {
+    if (run.page.GetTagOfLine(i) == tag) {
+      return i;
+    }
+  }
+  return std::nullopt;
+}
+
+// It has worked if the list became shorter and nothing was left.
+DeletePress PressDelete(Session& session, PageRun& run, int button) {
+  const int before = run.dialog.GetItemCount(resources::kTagListId);
+  const auto problems = CountProblems(session);
+  run.dialog.Press(button);
+  if (run.dialog.GetItemCount(resources::kTagListId) >= before) {
+    return DeletePress::kNothing;
+  }
+  return CountProblems(session) == problems ? DeletePress::kDone : DeletePress::kRemains;
 }
 
 // The page runs as it does in the window, in a sheet that shows nothing. A story is what a user
@@ -123,7 +161,7 @@ void RunPage(Session& session, Contacts contacts, const std::function<void(PageR
   session.GetUi().SetSheetStory([&](headless::HeadlessSheet& window) {
     if (session.HasEnded()) {
       if (!page.IsOnlyInstance()) {
-        session.Fail("the tags are in use by another Voxtrel; close it and try again");
+        session.Fail(kTagsInUse);
       } else if (*wasReinitialized && useEnded) {
         useEnded(page);
       }

@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
+#include <string_view>
 
 #include "backends/headless/headless_dialog.h"
 #include "host/session/session.h"
@@ -35,6 +37,19 @@ void RunPage(Session& session, Contacts contacts, const std::function<void(PageR
 /// Returns whether the page lists every tag of the store. It ends its list at a tag that it cannot
 /// deal with.
 [[nodiscard]] bool ListsAllTags(Session& session, const PageRun& run);
+
+/// Returns the line of a tag. Returns nothing if the page does not list it.
+[[nodiscard]] std::optional<int> FindLine(const PageRun& run, std::u16string_view tag);
+
+/// What became of a press of a button that deletes.
+enum class DeletePress : std::uint8_t {
+  kDone,
+  kNothing,  ///< Nothing was deleted.
+  kRemains,  ///< Tags were deleted, and some of their files are left.
+};
+
+/// Presses the button. A message says what failed.
+[[nodiscard]] DeletePress PressDelete(Session& session, PageRun& run, int button);
 
 /// Returns the texts of the applet: those of the language file of the device if there is one,
 /// otherwise the English ones.

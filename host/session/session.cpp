@@ -53,7 +53,7 @@ platform::Platform Session::GetPlatform() { return GetPlatform(m_clock); }
 platform::Platform Session::GetPlatform(platform::Clock& clock) {
   m_ui.UseThreads(m_backends.GetThreads());
   return {m_backends.GetFiles(),
-          m_backends.GetWaveIn(),
+          m_microphone != nullptr ? *m_microphone : m_backends.GetWaveIn(),
           clock,
           m_backends.GetThreads(),
           m_process,

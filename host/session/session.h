@@ -47,7 +47,7 @@ class Outlet {
   virtual void WatchReinit(headless::HeadlessDialog& window) = 0;
   /// Returns what the user can do, with the punctuation that comes before it. Returns "" if there
   /// is nothing to say.
-  [[nodiscard]] virtual std::string_view Advise(Matter matter) const = 0;
+  [[nodiscard]] virtual std::string Advise(Matter matter) const = 0;
 };
 
 /// The Learning page and what it rests on, without a window of theirs: the back ends, and what goes
@@ -65,6 +65,8 @@ class Session {
   [[nodiscard]] platform::Platform GetPlatform();
   /// Returns the same with `clock` in the place of the session's own.
   [[nodiscard]] platform::Platform GetPlatform(platform::Clock& clock);
+  /// From now on `microphone`, which outlives this, takes the place of the one of the options.
+  void UseMicrophone(platform::WaveIn& microphone) { m_microphone = &microphone; }
   [[nodiscard]] platform::FileSystem& GetFiles() { return m_backends.GetFiles(); }
   [[nodiscard]] SessionClock& GetClock() { return m_clock; }
 
@@ -144,6 +146,7 @@ class Session {
   Outlet& m_outlet;
   machine::Backends m_backends;
   SessionClock m_clock;
+  platform::WaveIn* m_microphone = nullptr;  ///< Null for that of the options.
   headless::HeadlessProcess m_process;
   headless::HeadlessShell m_shell;
   headless::HeadlessUi m_ui;

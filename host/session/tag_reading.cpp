@@ -13,9 +13,7 @@
 #include "tags/contact_reading.h"
 
 namespace session {
-namespace {
 
-/// Reads all tags as one state of the store. Nobody waits for that, since nothing is written.
 platform::Result<std::vector<tags::ListedTag>, platform::RegistryError> ReadAtOnce(
     const platform::Platform& platform, bool hasContacts) {
   auto group = platform::RegistryGroup::Begin(platform.registry);
@@ -32,8 +30,6 @@ platform::Result<std::vector<tags::ListedTag>, platform::RegistryError> ReadAtOn
   }
   return tags;
 }
-
-}  // namespace
 
 void ReportProblem(Session& session, const tags::ListedTag& tag) {
   const std::string name = text::ToUtf8(tag.name);

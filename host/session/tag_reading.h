@@ -19,6 +19,11 @@ namespace session {
 [[nodiscard]] platform::Result<std::vector<tags::ListedTag>, std::string> ReadTags(
     Session& session);
 
+/// Reads all tags as one state of the store. Nobody waits for that, since nothing is written. The
+/// contacts of `platform` are logged on if it `hasContacts`.
+[[nodiscard]] platform::Result<std::vector<tags::ListedTag>, platform::RegistryError> ReadAtOnce(
+    const platform::Platform& platform, bool hasContacts);
+
 /// Warns that the contacts cannot be read, and says why.
 void WarnOfContacts(Session& session);
 
