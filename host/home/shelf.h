@@ -27,7 +27,7 @@ struct Tag {
 
 struct Number {
   std::u16string kind;  ///< The word by which the page knows the kind.
-  std::u16string text;  ///< As the page's box shows it.
+  std::u16string text;  ///< As the contact has it.
 };
 
 /// Somebody who can be taught: a contact with at least one number.

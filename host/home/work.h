@@ -31,6 +31,7 @@ struct Outcome {
 /// the method has returned, nor after the destructor.
 class Work {
  public:
+  using Show = std::function<void(std::shared_ptr<const Shelf> shelf)>;
   using Answer = std::function<void(const Outcome& outcome)>;
   /// `trashed` are the names of files in the trash, for Restore.
   using DeletedAnswer =
@@ -48,7 +49,7 @@ class Work {
   virtual ~Work() = default;
 
   /// Calls `show` with what the store holds, after each Load and after each change.
-  virtual void OnLoaded(std::function<void(std::shared_ptr<const Shelf> shelf)> show) = 0;
+  virtual void OnLoaded(Show show) = 0;
   virtual void Load() = 0;
   /// The same if another program may have changed tags or contacts since they were loaded. Costs
   /// next to nothing otherwise. For the moment in which the user comes back to the window.

@@ -1,0 +1,332 @@
+#include "host/home/page_tasks.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <optional>
+#include <system_error>
+#include <utility>
+
+#include "audio/wave_header.h"
+#include "backends/text/utf.h"
+#include "backends/wave_file/file_sound.h"
+#include "host/session/explanations.h"
+#include "host/session/held_tags.h"
+#include "maintenance/tag_quality.h"
+#include "resources/dialogs.h"
+#include "resources/translations.h"
+#include "resources/work_strings.h"
+#include "storage/device_paths.h"
+#include "storage/tag_store.h"
+#include "tags/phone_kind.h"
+
+namespace home {
+namespace {
+
+namespace fs = std::filesystem;
+using Names = std::vector<std::u16string>;
+
+/// No such file can be made, so the page has no loudspeaker: the user has heard the take already.
+constexpr const char* kNoSpeaker = "/dev/null/speaker";
+
+/// Enough for a recording of three seconds, its template, and the copy of another tag.
+constexpr std::uintmax_t kRoomForTag = 1'000'000;
+
+std::u16string Say(std::u16string_view english) { return std::u16string(resources::Say(english)); }
+
+/// Returns a message, and after it what else there is to say.
+std::u16string Join(std::u16string first, const std::u16string& second) {
+  return second.empty() ? first : std::move(first) + u" " + second;
+}
+
+/// Opens the page and does `task`. A page that has just computed every template again ends. Then it
+/// is opened once more. `microphone` is null for that of the options.
+void OpenPage(const machine::Options& options, Gathering& gathering, session::Contacts contacts,
+              const std::function<void(session::Session&, session::PageRun&)>& task,
+              platform::WaveIn* microphone = nullptr) {
+  bool isToBeOpened = true;
+  for (int i = 0; isToBeOpened && i < 2; ++i) {
+    isToBeOpened = false;
+    gathering.Clear();
+    session::Session session(options, gathering);
+    if (microphone != nullptr) {
+      session.UseMicrophone(*microphone);
+    }
+    session::RunPage(
+        session, contacts, [&](session::PageRun& run) { task(session, run); },
+        [&](const tags::Page_one&) { isToBeOpened = true; });
+  }
+}
+
+/// Deletes a tag of the list. Returns whether it has gone.
+bool DeleteLine(session::Session& session, session::PageRun& run, const std::u16string& tag) {
+  const auto line = session::FindLine(run, tag);
+  if (!line) {
+    // The page that opened moves a tag whose contact has gone to the trash.
+    const auto entry = storage::TagStore(session.GetFiles(), session.GetRegistry()).ReadEntry(tag);
+    return entry == platform::Failure(platform::RegistryError::kNotFound);
+  }
+  run.dialog.Choose(resources::kTagListId, *line);
+  return session::PressDelete(session, run, resources::kDeleteButtonId) !=
+         session::DeletePress::kNothing;
+}
+
+std::vector<storage::TrashedTag> ListTrash(const machine::Options& options) {
+  Gathering ignored;
+  session::Session session(options, ignored);
+  if (!session.OpenForReading()) {
+    return {};
+  }
+  return session::OpenTrash(session).List().value_or(std::vector<storage::TrashedTag>());
+}
+
+/// Looks at the trash before and after a deletion.
+class TrashWatch {
+ public:
+  explicit TrashWatch(const machine::Options& options)
+      : m_options(options), m_before(ListTrash(options)) {}
+
+  /// Returns what has come since then of the tags of these names.
+  [[nodiscard]] std::vector<storage::TrashedTag> FindNew(const Names& tags) const {
+    std::vector<storage::TrashedTag> found = ListTrash(m_options);
+    std::erase_if(found, [&](const storage::TrashedTag& tag) {
+      return std::ranges::find(tags, tag.item.parts.name) == tags.end() ||
+             std::ranges::find(m_before, tag.file, &storage::TrashedTag::file) != m_before.end();
+    });
+    return found;
+  }
+
+ private:
+  const machine::Options& m_options;
+  const std::vector<storage::TrashedTag> m_before;
+};
+
+Names FilesOf(const std::vector<storage::TrashedTag>& trashed) {
+  Names files;
+  std::ranges::transform(trashed, std::back_inserter(files), &storage::TrashedTag::file);
+  return files;
+}
+
+fs::path FindRecording(const machine::Options& options, const std::u16string& tag) {
+  return machine::Backends(options).ToHostPath(storage::WavePath(tag));
+}
+
+/// Chooses the contact and the number of a lesson. Returns whether the page has them.
+bool Choose(session::PageRun& run, const Lesson& lesson) {
+  const tags::ContactList& contacts = run.page.GetPicker().GetContacts();
+  for (int i = 0; i < contacts.GetCount(); ++i) {
+    if (contacts.Find(i)->oid != lesson.oid) {
+      continue;
+    }
+    run.dialog.Choose(resources::kContactComboId, i);
+    const Names numbers = run.dialog.GetItems(resources::kNumberComboId);
+    const auto number = std::ranges::find_if(numbers, [&lesson](const std::u16string& item) {
+      return tags::PhoneTypeWord(item) == lesson.kind;
+    });
+    if (number == numbers.end()) {
+      return false;
+    }
+    run.dialog.Choose(resources::kNumberComboId, static_cast<int>(number - numbers.begin()));
+    return true;
+  }
+  return false;
+}
+
+Names ListNames(session::Session& session) {
+  auto list = storage::TagStore(session.GetFiles(), session.GetRegistry()).ListNames();
+  return list ? std::move(list->names) : Names();
+}
+
+/// Presses Record, whose microphone hears the lesson. Returns the name of the new tag, or an empty
+/// text if none was made. The page may have a new tag that it could not list.
+std::u16string Record(session::Session& session, session::PageRun& run) {
+  const Names before = ListNames(session);
+  {
+    const session::QuickScope quick(session.GetClock(), true);
+    run.dialog.Press(resources::kRecordButtonId);
+  }
+  for (std::u16string& name : ListNames(session)) {
+    if (std::ranges::find(before, name) == before.end()) {
+      return std::move(name);
+    }
+  }
+  return {};
+}
+
+bool HasRoom(const session::Session& session) {
+  std::error_code error;
+  const auto space = fs::space(session.GetRegistryPath().parent_path(), error);
+  return !error && space.available >= kRoomForTag;
+}
+
+/// Puts back a tag that had to go before the lesson, which failed. The page has the mutex.
+void PutBack(session::Session& session, const std::u16string& tag) {
+  const storage::TagTrash trash = session::OpenTrash(session);
+  const auto list = trash.List();
+  const auto found = list ? std::ranges::find_if(*list,
+                                                 [&tag](const storage::TrashedTag& each) {
+                                                   return each.item.parts.name == tag;
+                                                 })
+                          : std::vector<storage::TrashedTag>::const_iterator();
+  if (!list || found == list->end() || !trash.Restore(*found)) {
+    session.Fail("the earlier voice tag is in the trash and could not be put back");
+  }
+}
+
+/// Teaches on the open page. The earlier tag goes after the new one has come, so that nothing is
+/// lost if that fails. With as many tags as there can be it has to go before, and comes back.
+void TeachOnPage(session::Session& session, session::PageRun& run, const Lesson& lesson,
+                 TaughtTag& taught) {
+  if (!Choose(run, lesson)) {
+    taught.outcome.message = Say(resources::kContactNotFound);
+    return;
+  }
+  const bool isFull = !lesson.replaced.empty() && run.page.GetTags().tagCount >= storage::kMaxTags;
+  if (isFull && !HasRoom(session)) {
+    taught.outcome.message = Say(resources::kDiskTooFull);
+    return;
+  }
+  if (isFull && !DeleteLine(session, run, lesson.replaced)) {
+    taught.outcome.message = Say(resources::kTagNotLearned);
+    return;
+  }
+  taught.tag = Record(session, run);
+  taught.outcome.isDone = !taught.tag.empty();
+  if (!taught.outcome.isDone) {
+    if (const std::string reason = session::ExplainNoTag(session, run.page); !reason.empty()) {
+      session.Fail(reason);
+    }
+    taught.outcome.message = Say(resources::kTagNotLearned);
+    if (isFull) {
+      PutBack(session, lesson.replaced);
+    }
+  } else if (!isFull && !lesson.replaced.empty() && !DeleteLine(session, run, lesson.replaced)) {
+    taught.outcome.message = Say(resources::kOldTagRemains);
+  }
+}
+
+std::vector<std::int16_t> ToSamples(std::span<const std::byte> wave) {
+  std::vector<std::int16_t> samples;
+  for (std::size_t at = audio::kWaveHeaderBytes; at + 2 <= wave.size(); at += 2) {
+    samples.push_back(
+        static_cast<std::int16_t>(platform::LoadLittleEndian16(wave.subspan(at).first<2>())));
+  }
+  return samples;
+}
+
+}  // namespace
+
+DeletedTags PageTasks::Delete(const Names& tags) {
+  DeletedTags deleted;
+  const TrashWatch watch(m_options);
+  std::map<std::u16string, fs::file_time_type> times;
+  for (const std::u16string& tag : tags) {
+    std::error_code error;
+    const auto time = fs::last_write_time(FindRecording(m_options, tag), error);
+    if (!error) {
+      times.emplace(tag, time);
+    }
+  }
+  Gathering gathering;
+  OpenPage(m_options, gathering, session::Contacts::kOptional,
+           [&](session::Session& session, session::PageRun& run) {
+             deleted.outcome.isDone = true;
+             for (const std::u16string& tag : tags) {
+               deleted.outcome.isDone &= DeleteLine(session, run, tag);
+             }
+             if (!deleted.outcome.isDone) {
+               deleted.outcome.message = Say(resources::kNotAllDeleted);
+             }
+           });
+  deleted.outcome.message = deleted.outcome.message.empty()
+                                ? gathering.GetText()
+                                : Join(deleted.outcome.message, gathering.GetText());
+  for (const storage::TrashedTag& tag : watch.FindNew(tags)) {
+    deleted.trashed.push_back(tag.file);
+    if (const auto time = times.find(tag.item.parts.name); time != times.end()) {
+      m_writingTimes[tag.file] = time->second;
+    }
+  }
+  return deleted;
+}
+
+Outcome PageTasks::Restore(const Names& trashed) {
+  Gathering gathering;
+  session::Session session(m_options, gathering);
+  if (!session.OpenForChanging()) {
+    return {false, gathering.GetText()};
+  }
+  const session::HeldTags held(session);
+  if (!held.IsHeld()) {
+    return {false, gathering.GetText()};
+  }
+  const storage::TagTrash trash = session::OpenTrash(session);
+  const auto list = trash.List();
+  Outcome outcome{true, {}};
+  for (const std::u16string& file : trashed) {
+    const auto found = list ? std::ranges::find(*list, file, &storage::TrashedTag::file)
+                            : std::vector<storage::TrashedTag>::const_iterator();
+    if (!list || found == list->end()) {
+      outcome = {false, Say(resources::kNotInTrash)};
+      continue;
+    }
+    if (const auto restored = trash.Restore(*found); !restored) {
+      outcome.isDone = false;
+      session.Fail(fmt::format("{} was not restored: {}", text::ToUtf8(found->item.text),
+                               session::ExplainRestoreError(restored.error())));
+      continue;
+    }
+    if (const auto time = m_writingTimes.find(file); time != m_writingTimes.end()) {
+      std::error_code ignored;
+      fs::last_write_time(FindRecording(m_options, found->item.parts.name), time->second, ignored);
+    }
+  }
+  outcome.message =
+      outcome.message.empty() ? gathering.GetText() : Join(outcome.message, gathering.GetText());
+  return outcome;
+}
+
+TaughtTag PageTasks::Teach(const Lesson& lesson) {
+  TaughtTag taught;
+  machine::Options options = m_options;
+  options.speaker = kNoSpeaker;
+  wave_file::FileWaveIn microphone(lesson.wave);
+  const TrashWatch watch(m_options);
+  Gathering gathering;
+  OpenPage(
+      options, gathering, session::Contacts::kNeeded,
+      [&](session::Session& session, session::PageRun& run) {
+        TeachOnPage(session, run, lesson, taught);
+      },
+      &microphone);
+  taught.outcome.message = taught.outcome.message.empty()
+                               ? gathering.GetText()
+                               : Join(taught.outcome.message, gathering.GetText());
+  if (!lesson.replaced.empty()) {
+    taught.trashed = FilesOf(watch.FindNew({lesson.replaced}));
+  }
+  return taught;
+}
+
+Names FindAlike(const machine::Options& options, const Lesson& lesson) {
+  Gathering ignored;
+  session::Session session(options, ignored);
+  if (!session.OpenForReading()) {
+    return {};
+  }
+  const storage::TagStore store(session.GetFiles(), session.GetRegistry());
+  std::vector<maintenance::JudgedTag> tags;
+  for (const std::u16string& name : ListNames(session)) {
+    if (auto entry = store.ReadEntry(name); entry && name != lesson.replaced) {
+      tags.push_back({name, std::move(*entry)});
+    }
+  }
+  Names alike;
+  for (const maintenance::AlikeTag& tag : maintenance::FindTooAlike(
+           session.GetPlatform(), tags, ToSamples(lesson.wave), {lesson.oid, lesson.kind})) {
+    alike.push_back(tags[tag.index].name);
+  }
+  return alike;
+}
+
+}  // namespace home

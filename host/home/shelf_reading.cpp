@@ -1,0 +1,149 @@
+#include "host/home/shelf_reading.h"
+
+#include <chrono>
+#include <filesystem>
+#include <system_error>
+#include <unordered_map>
+#include <utility>
+
+#include "audio/wave_header.h"
+#include "backends/text/utf.h"
+#include "host/session/contact_listing.h"
+#include "host/session/page_run.h"
+#include "host/session/quality_words.h"
+#include "host/session/tag_reading.h"
+#include "resources/translations.h"
+#include "resources/work_strings.h"
+#include "storage/device_paths.h"
+#include "tags/contact_reading.h"
+#include "tags/phone_kind.h"
+
+namespace home {
+namespace {
+
+using Problem = vcard::AddressBooks::Problem;
+
+/// Returns a number as the contact has it, and its kind, of an item of the page's box, which shows
+/// the kind at the end.
+Number ToNumber(const std::u16string& item) {
+  const std::u16string_view kind = tags::PhoneTypeWord(item);
+  const std::size_t length = item.size() - kind.size();
+  return {std::u16string(kind), item.substr(0, length == 0 ? 0 : length - 1)};
+}
+
+std::u16string ReadCompany(platform::ContactsStore& contacts, std::int32_t oid) {
+  const auto contact = contacts.GetItemFromOid(oid);
+  return contact ? (*contact)->GetCompanyName().value_or(u"") : u"";
+}
+
+void ReadPeople(session::Session& session, Gathering& gathering, Shelf& shelf) {
+  const auto listed = session::ListContacts(session, session::LoadTexts(session));
+  if (!listed) {
+    shelf.peopleProblem = gathering.GetText();
+    return;
+  }
+  shelf.people.reserve(listed->size());
+  for (const session::ListedContact& contact : *listed) {
+    Person person{contact.oid, contact.name, ReadCompany(session.GetContacts(), contact.oid), {}};
+    for (const std::u16string& item : contact.numbers) {
+      person.numbers.push_back(ToNumber(item));
+    }
+    shelf.people.push_back(std::move(person));
+  }
+  if (shelf.people.empty()) {
+    shelf.peopleProblem = resources::Say(resources::kNoContactHasNumber);
+  }
+}
+
+void ReadRecording(const session::Session& session, Tag& tag) {
+  const std::filesystem::path path = session.ToHostPath(storage::WavePath(tag.name));
+  std::error_code error;
+  const auto bytes = std::filesystem::file_size(path, error);
+  const auto written =
+      error ? std::filesystem::file_time_type() : std::filesystem::last_write_time(path, error);
+  if (error) {
+    return;
+  }
+  const auto time = std::chrono::file_clock::to_sys(written).time_since_epoch();
+  tag.taughtAt = std::chrono::duration_cast<std::chrono::seconds>(time).count();
+  if (bytes >= audio::kWaveHeaderBytes) {
+    tag.seconds = static_cast<double>(bytes - audio::kWaveHeaderBytes) /
+                  (audio::kRecordingRate * (audio::kRecordingBits / 8.0));
+  }
+}
+
+/// Returns a sentence if the tag or its contact cannot be read. Else an empty text.
+std::u16string ExplainTag(const tags::ListedTag& tag) {
+  if (tag.error) {
+    return std::u16string(resources::Say(resources::kEntryNotReadHere));
+  }
+  return tag.failure ? std::u16string(resources::Say(resources::kContactNotReadHere))
+                     : std::u16string();
+}
+
+using PeopleByOid = std::unordered_map<std::int32_t, const Person*>;
+
+Tag ToTag(const session::Session& session, const tags::ListedTag& listed,
+          const PeopleByOid& people) {
+  Tag tag;
+  tag.name = listed.name;
+  tag.oid = listed.entry.oid;
+  tag.contact = listed.text;
+  tag.kind = listed.entry.phoneType;
+  tag.isStale = listed.isStale;
+  tag.problem = ExplainTag(listed);
+  ReadRecording(session, tag);
+  const auto found = listed.entry.oid ? people.find(*listed.entry.oid) : people.end();
+  if (found != people.end() && !listed.failure) {
+    tag.contact = found->second->name;
+    for (const Number& number : found->second->numbers) {
+      if (number.kind == tag.kind) {
+        tag.number = number.text;
+      }
+    }
+  }
+  return tag;
+}
+
+void ReadTags(session::Session& session, bool hasContacts, Shelf& shelf) {
+  const platform::Platform platform = session.GetPlatform();
+  const auto listed = session::ReadAtOnce(platform, hasContacts);
+  if (!listed) {
+    shelf.tagsProblem = ToSentence(session.ExplainStore(listed.error()));
+    return;
+  }
+  PeopleByOid people;
+  for (const Person& person : shelf.people) {
+    people.emplace(person.oid, &person);
+  }
+  const auto judged = session::ToJudged(*listed);
+  auto qualities = maintenance::JudgeTags(platform, judged);
+  for (std::size_t i = 0; i < listed->size(); ++i) {
+    shelf.tags.push_back(ToTag(session, (*listed)[i], people));
+    shelf.tags.back().nearest = qualities[i].nearest;
+    shelf.tags.back().quality = std::move(qualities[i]);
+  }
+}
+
+}  // namespace
+
+Shelf ReadShelf(session::Session& session, Gathering& gathering) {
+  Shelf shelf;
+  if (!session.OpenForReading()) {
+    shelf.tagsProblem = gathering.GetText();
+    return shelf;
+  }
+  const platform::Platform platform = session.GetPlatform();
+  vcard::AddressBooks& contacts = session.GetContacts();
+  const bool areOpen = tags::OpenContacts(contacts, platform.clock).has_value();
+  if (!areOpen || contacts.GetProblem() == Problem::kNothingChosen) {
+    shelf.peopleProblem = ToSentence(session::ExplainContactsProblem(session));
+  } else {
+    ReadPeople(session, gathering, shelf);
+  }
+  ReadTags(session, areOpen, shelf);
+  contacts.Logoff();
+  return shelf;
+}
+
+}  // namespace home

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "host/home/gathering.h"
+#include "host/home/shelf.h"
+#include "host/session/session.h"
+
+namespace home {
+
+/// Reads all that the window shows, and changes nothing. `session` is new, and what it has to say
+/// goes to `gathering`. May take seconds: it reads the contacts, and judges every recording.
+[[nodiscard]] Shelf ReadShelf(session::Session& session, Gathering& gathering);
+
+}  // namespace home

@@ -1,0 +1,444 @@
+#include "host/home/store_work.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <ctime>
+#include <thread>
+
+#include "platform/threads.h"
+#include "tags/page_one.h"
+#include "tests/host/home/work_fixture.h"
+
+namespace home {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+using Names = std::vector<std::u16string>;
+
+bool IsSentence(const std::u16string& text) {
+  return text.size() > 1 && text.back() == u'.' && text.find(u"--") == std::u16string::npos;
+}
+
+TEST_F(StoreWorkTest, PeopleHaveTheirCompanyAndTheirNumbersByKind) {
+  Begin();
+  EXPECT_EQ(m_shelf->peopleProblem, u"");
+  ASSERT_THAT(m_shelf->people, SizeIs(2));
+  const Person& bob = m_shelf->people[1];
+  EXPECT_EQ(bob.name, u"Ray Bob");
+  EXPECT_EQ(bob.company, u"Firm of b");
+  ASSERT_THAT(bob.numbers, SizeIs(1));
+  EXPECT_EQ(bob.numbers[0].kind, u"Home");
+  EXPECT_EQ(bob.numbers[0].text, u"+972 50 555 0144");
+  EXPECT_EQ(m_shelf->peopleProblem, u"");
+  EXPECT_EQ(m_shelf->tagsProblem, u"");
+  EXPECT_THAT(m_shelf->tags, IsEmpty());
+}
+
+TEST_F(StoreWorkTest, ALoadChangesNothingAndMakesNoFolder) {
+  Begin();
+  EXPECT_FALSE(std::filesystem::exists(m_options.root));
+}
+
+TEST_F(StoreWorkTest, ALessonBecomesATagThatTheShelfHasBeforeItsAnswerComes) {
+  Begin();
+  bool hadTag = false;
+  std::u16string made;
+  m_work->Teach({Oid(u"Ray Bob"), u"Home", Sample("robert_1.wav"), {}},
+                [&](const Outcome& outcome, const std::u16string& tag, const Names& trashed) {
+                  EXPECT_TRUE(outcome.isDone);
+                  EXPECT_EQ(outcome.message, u"");
+                  EXPECT_THAT(trashed, IsEmpty());
+                  hadTag = Find(tag) != nullptr;
+                  made = tag;
+                });
+  Await([&made] { return !made.empty(); });
+  ASSERT_TRUE(hadTag);
+  const Tag& tag = *Find(made);
+  EXPECT_EQ(tag.contact, u"Ray Bob");
+  EXPECT_EQ(tag.number, u"+972 50 555 0144");
+  EXPECT_EQ(tag.kind, u"Home");
+  EXPECT_EQ(tag.oid, Oid(u"Ray Bob"));
+  EXPECT_GT(tag.seconds.value_or(0), 0.2);
+  EXPECT_LT(tag.seconds.value_or(9), 3.0) << "cut to the name";
+  EXPECT_NEAR(static_cast<double>(tag.taughtAt.value_or(0)), static_cast<double>(std::time({})),
+              600);
+  EXPECT_TRUE(tag.quality.take.has_value());
+  EXPECT_TRUE(HasFiles(made));
+  EXPECT_FALSE(std::filesystem::exists(m_options.speaker)) << "nothing was played";
+}
+
+TEST_F(StoreWorkTest, ATagKnowsTheMostAlikeTagOfAnotherNumber) {
+  Begin();
+  const std::u16string ann = TeachAnn();
+  EXPECT_FALSE(Find(ann)->nearest) << "there is no other";
+  const std::u16string bob = TeachBob("anna_2.wav");
+  ASSERT_TRUE(Find(ann)->nearest);
+  EXPECT_EQ(m_shelf->tags.at(Find(ann)->nearest->index).name, bob);
+  EXPECT_GT(Find(ann)->nearest->distance, 0.0F);
+}
+
+TEST_F(StoreWorkTest, ALessonIsComparedWithTheTagsThatStay) {
+  Begin();
+  const std::u16string ann = TeachAnn("anna_1.wav");
+  const auto compare = [this](const Lesson& lesson) {
+    std::optional<Names> found;
+    m_work->Compare(lesson, [&found](const Names& alike) { found = alike; });
+    Await([&found] { return found.has_value(); });
+    return found.value_or(Names{u"no answer"});
+  };
+  Lesson lesson{Oid(u"Ray Bob"), u"Home", Sample("anna_1.wav"), {}};
+  EXPECT_THAT(compare(lesson), ElementsAre(ann));
+  lesson.replaced = ann;
+  EXPECT_THAT(compare(lesson), IsEmpty());
+  EXPECT_THAT(m_shelf->tags, SizeIs(1));
+}
+
+TEST_F(StoreWorkTest, ATagThatIsTaughtAgainGoesToTheTrashAndCanComeBack) {
+  Begin();
+  const std::u16string before = TeachAnn("anna_1.wav");
+  const Taught again = Teach({Oid(u"Lee Ann"), u"Mobile", Sample("anna_2.wav"), before});
+  ASSERT_TRUE(again.outcome.isDone);
+  EXPECT_NE(again.tag, before);
+  EXPECT_EQ(Find(before), nullptr);
+  EXPECT_NE(Find(again.tag), nullptr);
+  ASSERT_THAT(again.trashed, SizeIs(1));
+  EXPECT_TRUE(Restore(again.trashed).isDone);
+  EXPECT_NE(Find(before), nullptr);
+  EXPECT_TRUE(HasFiles(before));
+}
+
+TEST_F(StoreWorkTest, IfTeachingAgainFailsTheEarlierTagStays) {
+  Begin();
+  const std::u16string before = TeachAnn();
+  for (const Lesson& lesson :
+       {Lesson{4711, u"Mobile", Sample("anna_2.wav"), before},
+        Lesson{Oid(u"Lee Ann"), u"Home2", Sample("anna_2.wav"), before},
+        Lesson{Oid(u"Lee Ann"), u"Mobile", std::vector<std::byte>(10), before}}) {
+    const Taught again = Teach(lesson);
+    EXPECT_FALSE(again.outcome.isDone);
+    EXPECT_TRUE(IsSentence(again.outcome.message));
+    EXPECT_EQ(again.tag, u"");
+    EXPECT_THAT(again.trashed, IsEmpty());
+    ASSERT_THAT(m_shelf->tags, SizeIs(1));
+    EXPECT_TRUE(HasFiles(before));
+  }
+}
+
+/// The store has as many tags as there can be.
+class FullStoreWorkTest : public StoreWorkTest {
+ protected:
+  FullStoreWorkTest() {
+    Begin();
+    m_first = TeachAnn();
+    for (int i = 1; i < storage::kMaxTags; ++i) {
+      const std::string number = std::to_string(i);
+      const std::u16string name(number.begin(), number.end());
+      copy_file(Wave(m_first), Wave(name));
+      copy_file(HostPath(storage::TemplatePath(m_first)), HostPath(storage::TemplatePath(name)));
+      PutEntry(name, Oid(u"Ray Bob"), u"Home");
+    }
+  }
+  std::u16string m_first;
+};
+
+TEST_F(FullStoreWorkTest, ATagCanBeTaughtAgain) {
+  const Taught again = Teach({Oid(u"Lee Ann"), u"Mobile", Sample("anna_2.wav"), m_first});
+  EXPECT_TRUE(again.outcome.isDone);
+  EXPECT_THAT(m_shelf->tags, SizeIs(storage::kMaxTags));
+  EXPECT_EQ(Find(m_first), nullptr);
+  EXPECT_THAT(again.trashed, SizeIs(1));
+}
+
+TEST_F(FullStoreWorkTest, ATagThatCannotBeTaughtAgainIsPutBack) {
+  const Taught again = Teach({Oid(u"Lee Ann"), u"Mobile", std::vector<std::byte>(10), m_first});
+  EXPECT_FALSE(again.outcome.isDone);
+  EXPECT_THAT(m_shelf->tags, SizeIs(storage::kMaxTags));
+  EXPECT_NE(Find(m_first), nullptr);
+  EXPECT_TRUE(HasFiles(m_first));
+  EXPECT_THAT(again.trashed, IsEmpty()) << "there is nothing to undo";
+}
+
+TEST_F(FullStoreWorkTest, ANewTagIsRefusedInTheWordsOfThePage) {
+  const Taught one = Teach({Oid(u"Lee Ann"), u"Mobile", Sample("anna_2.wav"), {}});
+  EXPECT_FALSE(one.outcome.isDone);
+  EXPECT_NE(one.outcome.message.find(u"100"), std::u16string::npos);
+}
+
+TEST_F(StoreWorkTest, SeveralTagsGoTogetherAndComeBackAsTheyWere) {
+  Begin();
+  const Names tags{TeachAnn(), TeachBob(), TeachAnn("anna_3.wav")};
+  const auto lastWeek =
+      std::filesystem::last_write_time(Wave(tags[0])) - std::chrono::hours(24 * 7);
+  std::filesystem::last_write_time(Wave(tags[0]), lastWeek);
+  const auto [outcome, trashed] = Delete({tags[0], tags[1]});
+  EXPECT_TRUE(outcome.isDone);
+  EXPECT_EQ(outcome.message, u"");
+  EXPECT_THAT(trashed, SizeIs(2));
+  ASSERT_THAT(m_shelf->tags, SizeIs(1));
+  EXPECT_EQ(m_shelf->tags[0].name, tags[2]);
+  const Outcome restored = Restore(trashed);
+  EXPECT_TRUE(restored.isDone);
+  EXPECT_EQ(restored.message, u"");
+  EXPECT_THAT(m_shelf->tags, SizeIs(3));
+  EXPECT_TRUE(std::filesystem::last_write_time(Wave(tags[0])) == lastWeek)
+      << "it was taught when it was taught";
+}
+
+TEST_F(StoreWorkTest, WhatIsNotInTheTrashAnyMoreIsNotRestored) {
+  Begin();
+  const auto [outcome, trashed] = Delete({TeachAnn()});
+  ASSERT_TRUE(Restore(trashed).isDone);
+  const Outcome again = Restore(trashed);
+  EXPECT_FALSE(again.isDone);
+  EXPECT_TRUE(IsSentence(again.message));
+  EXPECT_THAT(m_shelf->tags, SizeIs(1));
+}
+
+TEST_F(StoreWorkTest, ATagThatIsGoneAlreadyCountsAsDeleted) {
+  Begin();
+  const std::u16string ann = TeachAnn();
+  EXPECT_TRUE(Delete({ann}).first.isDone);
+  const auto [outcome, trashed] = Delete({ann});
+  EXPECT_TRUE(outcome.isDone);
+  EXPECT_THAT(trashed, IsEmpty());
+}
+
+TEST_F(StoreWorkTest, TagsThatAnotherProgramHasStayAsTheyAreAndASentenceSaysSo) {
+  Begin();
+  const std::u16string ann = TeachAnn();
+  const std::u16string bob = TeachBob();
+  const auto trashed = Delete({bob}).second;
+  {
+    machine::Backends other(m_options);
+    const auto held = other.GetThreads().CreateNamedMutex(tags::kInstanceMutex);
+    ASSERT_TRUE(held.has_value());
+    const auto [deleted, none] = Delete({ann});
+    const Taught taught = Teach({Oid(u"Ray Bob"), u"Home", Sample("robert_2.wav"), ann});
+    for (const Outcome& outcome : {deleted, taught.outcome, Restore(trashed)}) {
+      EXPECT_FALSE(outcome.isDone);
+      EXPECT_EQ(outcome.message,
+                u"The voice tags are in use by another program, such as the command line. Try "
+                u"again when it has ended.");
+    }
+    EXPECT_THAT(none, IsEmpty());
+  }
+  ASSERT_THAT(m_shelf->tags, SizeIs(1));
+  EXPECT_TRUE(HasFiles(ann));
+  EXPECT_TRUE(Restore(trashed).isDone);
+}
+
+TEST_F(StoreWorkTest, AfterEachRequestTheTagsAreFreeForOthers) {
+  Begin();
+  static_cast<void>(TeachAnn());
+  machine::Backends other(m_options);
+  EXPECT_TRUE(other.GetThreads().CreateNamedMutex(tags::kInstanceMutex).has_value());
+}
+
+TEST_F(StoreWorkTest, RequestsAreDoneInTheirOrder) {
+  Begin();
+  const std::u16string ann = TeachAnn();
+  std::vector<int> order;
+  m_work->Delete({ann}, [&order](const Outcome& outcome, const Names&) {
+    EXPECT_TRUE(outcome.isDone);
+    order.push_back(1);
+  });
+  m_work->Teach({Oid(u"Lee Ann"), u"Mobile", Sample("anna_2.wav"), {}},
+                [&order](const Outcome& outcome, const std::u16string&, const Names&) {
+                  EXPECT_TRUE(outcome.isDone);
+                  order.push_back(2);
+                });
+  EXPECT_THAT(order, IsEmpty()) << "no answer comes before the request has returned";
+  Await([&order] { return order.size() == 2; });
+  EXPECT_THAT(order, ElementsAre(1, 2));
+}
+
+TEST_F(StoreWorkTest, AnswersComeOnTheThreadThatAsked) {
+  Begin();
+  const auto here = std::this_thread::get_id();
+  std::vector<std::thread::id> threads;
+  m_work->OnLoaded([&threads](const std::shared_ptr<const Shelf>&) {
+    threads.push_back(std::this_thread::get_id());
+  });
+  m_work->Play(u"4711",
+               [&threads](const Outcome&) { threads.push_back(std::this_thread::get_id()); });
+  m_work->Delete({u"4711"}, [&threads](const Outcome&, const Names&) {
+    threads.push_back(std::this_thread::get_id());
+  });
+  Await([&threads] { return threads.size() == 3; });
+  EXPECT_THAT(threads, testing::Each(here));
+}
+
+TEST_F(StoreWorkTest, AfterItsEndItCallsNobody) {
+  Begin();
+  const std::u16string ann = TeachAnn();
+  const auto fail = [](const auto&...) { FAIL() << "called after the end"; };
+  m_work->OnLoaded(fail);
+  m_work->Load();
+  m_work->Play(ann, fail);
+  m_work->Delete({ann}, fail);
+  m_work->Compare({}, fail);
+  m_work.reset();
+  QCoreApplication::processEvents();
+  QCoreApplication::sendPostedEvents();
+}
+
+TEST_F(StoreWorkTest, WhoShowsTheShelfMayEndTheWork) {
+  Begin();
+  bool isAnswered = false;
+  bool isEnded = false;
+  m_work->OnLoaded([this, &isEnded](const std::shared_ptr<const Shelf>&) {
+    m_work.reset();
+    isEnded = true;
+  });
+  m_work->Delete({u"4711"}, [&isAnswered](const Outcome&, const Names&) { isAnswered = true; });
+  Await([&isEnded] { return isEnded; });
+  QCoreApplication::processEvents();
+  EXPECT_FALSE(isAnswered);
+}
+
+TEST_F(StoreWorkTest, ARecordingIsHeardAsItIs) {
+  Begin();
+  const std::u16string ann = TeachAnn();
+  EXPECT_TRUE(Play(ann).isDone);
+  EXPECT_EQ(std::filesystem::file_size(m_options.speaker), std::filesystem::file_size(Wave(ann)));
+}
+
+TEST_F(StoreWorkTest, ARecordingThatIsMissingIsReportedInASentence) {
+  Begin();
+  const Outcome outcome = Play(u"4711");
+  EXPECT_FALSE(outcome.isDone);
+  EXPECT_TRUE(IsSentence(outcome.message));
+  EXPECT_TRUE(QChar(outcome.message.front()).isUpper());
+}
+
+/// The number of loads after everything that was asked for is done.
+int CountLoads(StoreWork& work, const int& loads, const std::function<void(bool&)>& await) {
+  bool isAnswered = false;
+  work.Compare({}, [&isAnswered](const Names&) { isAnswered = true; });
+  await(isAnswered);
+  return loads;
+}
+
+TEST_F(StoreWorkTest, WhatAnotherProgramChangedIsLoadedWhenSomebodyLooksAndNothingElseIs) {
+  Begin();
+  const std::u16string ann = TeachAnn();
+  const auto count = [this] {
+    return CountLoads(*m_work, m_loads,
+                      [](bool& isAnswered) { Await([&isAnswered] { return isAnswered; }); });
+  };
+  const int before = count();
+  m_work->LoadIfChanged();
+  EXPECT_EQ(count(), before) << "nothing has changed";
+  {
+    StoreWork other(m_options);
+    bool isDeleted = false;
+    other.Delete({ann}, [&isDeleted](const Outcome&, const Names&) { isDeleted = true; });
+    Await([&isDeleted] { return isDeleted; });
+  }
+  m_work->LoadIfChanged();
+  EXPECT_EQ(count(), before + 1);
+  EXPECT_THAT(m_shelf->tags, IsEmpty());
+  WriteContacts(CardOf("a", "Lee;Ann", "CELL", "5551234"));
+  m_work->LoadIfChanged();
+  EXPECT_EQ(count(), before + 2);
+  EXPECT_THAT(m_shelf->people, SizeIs(1));
+  m_work->LoadIfChanged();
+  EXPECT_EQ(count(), before + 2);
+}
+
+TEST_F(StoreWorkTest, LoadsThatWaitAreOne) {
+  Begin();
+  const int before = m_loads;
+  bool isAnswered = false;
+  m_work->Compare({}, [](const Names&) {});
+  for (int i = 0; i < 5; ++i) {
+    m_work->Load();
+  }
+  m_work->Compare({}, [&isAnswered](const Names&) { isAnswered = true; });
+  Await([&isAnswered] { return isAnswered; });
+  EXPECT_LE(m_loads, before + 2) << "one may have begun before the next was asked for";
+}
+
+TEST_F(StoreWorkTest, ATagWithoutItsContactIsStaleAndKeepsItsPlace) {
+  Begin();
+  const std::u16string ann = TeachAnn();
+  WriteContacts(CardOf("b", "Ray;Bob", "HOME", "5550001"));
+  m_work->LoadIfChanged();
+  const int before = m_loads;
+  Await([this, before] { return m_loads > before; });
+  ASSERT_THAT(m_shelf->tags, SizeIs(1));
+  EXPECT_TRUE(m_shelf->tags[0].isStale);
+  EXPECT_EQ(m_shelf->tags[0].contact, ann);
+}
+
+TEST_F(StoreWorkTest, AStaleTagThatIsDeletedCanComeBack) {
+  Begin();
+  const std::u16string ann = TeachAnn();
+  const std::string both = CardOf("a", "Lee;Ann", "CELL", "5551234");
+  WriteContacts(CardOf("b", "Ray;Bob", "HOME", "5550001"));
+  const auto [outcome, trashed] = Delete({ann});
+  EXPECT_TRUE(outcome.isDone);
+  ASSERT_THAT(trashed, SizeIs(1));
+  EXPECT_TRUE(Restore(trashed).isDone);
+  EXPECT_THAT(m_shelf->tags, SizeIs(1));
+}
+
+TEST_F(StoreWorkTest, ContactsThatCannotBeReadAreASentenceAndTheTagsKeepTheirOwnNames) {
+  Begin();
+  const std::u16string ann = TeachAnn();
+  std::filesystem::remove(Path("all.vcf"));
+  m_work->LoadIfChanged();
+  const int before = m_loads;
+  Await([this, before] { return m_loads > before; });
+  EXPECT_THAT(m_shelf->people, IsEmpty());
+  EXPECT_TRUE(IsSentence(m_shelf->peopleProblem));
+  ASSERT_THAT(m_shelf->tags, SizeIs(1));
+  EXPECT_EQ(m_shelf->tags[0].contact, ann);
+  EXPECT_FALSE(m_shelf->tags[0].isStale);
+}
+
+TEST_F(StoreWorkTest, ContactsWithoutANumberAreASentence) {
+  WriteContacts("BEGIN:VCARD\r\nVERSION:3.0\r\nUID:a\r\nN:Lee;Ann;;;\r\nEND:VCARD\r\n");
+  Begin();
+  EXPECT_THAT(m_shelf->people, IsEmpty());
+  EXPECT_TRUE(IsSentence(m_shelf->peopleProblem));
+}
+
+TEST_F(StoreWorkTest, ANewcomerIsToldOfSetUpAndNotOfAnOption) {
+  m_options.contacts.clear();
+  Begin();
+  EXPECT_THAT(m_shelf->people, IsEmpty());
+  EXPECT_TRUE(IsSentence(m_shelf->peopleProblem));
+  EXPECT_NE(m_shelf->peopleProblem.find(u"Set-up"), std::u16string::npos);
+}
+
+TEST_F(StoreWorkTest, ARootThatIsNoFolderIsASentence) {
+  std::ofstream(m_options.root) << "a file";
+  Begin();
+  EXPECT_TRUE(IsSentence(m_shelf->tagsProblem));
+}
+
+TEST_F(StoreWorkTest, TemplatesOfAnEarlierMathematicsAreMadeAgainAndTheRequestIsDoneAllTheSame) {
+  Begin();
+  const std::u16string ann = TeachAnn();
+  const std::u16string bob = TeachBob();
+  {
+    auto registry = Registry();
+    ASSERT_EQ(support::ErrorOf(
+                  support::PutText(registry, storage::kSetupKey, storage::kMathVersionValue, u"1")),
+              std::nullopt);
+  }
+  const auto [outcome, trashed] = Delete({ann});
+  EXPECT_TRUE(outcome.isDone);
+  EXPECT_EQ(outcome.message, u"");
+  EXPECT_THAT(trashed, SizeIs(1));
+  ASSERT_THAT(m_shelf->tags, SizeIs(1));
+  EXPECT_EQ(m_shelf->tags[0].name, bob);
+}
+
+}  // namespace
+}  // namespace home
