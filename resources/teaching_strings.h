@@ -72,4 +72,27 @@ inline constexpr std::u16string_view kPlayBoth = u"Play &both";
 inline constexpr std::u16string_view kCancel = u"&Cancel";
 inline constexpr std::u16string_view kChooseAnother = u"Choose &somebody else";
 
+// Which names are alike. "%1" and "%2" are names, "%3" is a number of percent.
+inline constexpr std::u16string_view kLikenessTitle = u"Likeness of names";
+inline constexpr std::u16string_view kLikenessPicture = u"Which names are alike";
+inline constexpr std::u16string_view kPairs = u"Pairs of names, the most alike first";
+inline constexpr std::u16string_view kPercent = u"%1 %";
+inline constexpr std::u16string_view kPairIsTooAlike =
+    u"%1 and %2 are %3 % alike. That is too much: the dialer may take one for the other.";
+inline constexpr std::u16string_view kPairIsAlike = u"%1 and %2 are %3 % alike.";
+inline constexpr std::u16string_view kNoneTooAlike = u"No two names are too alike.";
+inline constexpr std::u16string_view kOneTooAlike =
+    u"One pair of names is too alike. A thick line joins them. Teach one of them again with other "
+    u"words.";
+/// "%1" is a number.
+inline constexpr std::u16string_view kManyTooAlike =
+    u"%1 pairs of names are too alike. Thick lines join them. Teach one of each pair again with "
+    u"other words.";
+inline constexpr std::u16string_view kNothingToCompare = u"There is nothing to compare yet";
+inline constexpr std::u16string_view kNothingToCompareAdvice =
+    u"As soon as there are two voice tags, you see here which names sound alike.";
+inline constexpr std::u16string_view kTeachFirst = u"Teach the &first again";
+inline constexpr std::u16string_view kTeachSecond = u"Teach the &second again";
+inline constexpr std::u16string_view kTeachNameAgain = u"Teach %1 again";
+
 }  // namespace resources

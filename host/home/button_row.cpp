@@ -1,23 +1,34 @@
 #include "host/home/button_row.h"
 
 #include <QEvent>
-#include <QGridLayout>
 #include <QPushButton>
+#include <QStyle>
 #include <algorithm>
 
-#include "host/home/sizes.h"
+#include "host/home/button.h"
 
 namespace home {
+namespace {
 
-ButtonRow::ButtonRow(QWidget* parent) : QWidget(parent), m_layout(new QGridLayout(this)) {
-  m_layout->setContentsMargins(0, 0, 0, 0);
+constexpr int kButtonGap = 6;
+
+int WidthOf(int columns, int width) {
+  return columns * width + std::max(columns - 1, 0) * kButtonGap;
+}
+
+}  // namespace
+
+ButtonRow::ButtonRow(QWidget* parent) : QWidget(parent) {
+  QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
+  policy.setHeightForWidth(true);
+  setSizePolicy(policy);
 }
 
 QPushButton* ButtonRow::Add(const QString& text) {
-  auto* const button = new QPushButton(text, this);
+  auto* const button = new Button(this);
+  button->setText(text);
   button->setAutoDefault(true);
   button->hide();
-  MakeTouchable(*button);
   m_buttons.push_back(button);
   return button;
 }
@@ -27,58 +38,60 @@ void ButtonRow::ShowOnly(std::initializer_list<QPushButton*> buttons) {
     return;
   }
   m_shown = buttons;
-  m_columns = 0;
-  Arrange();
   for (QPushButton* const button : m_buttons) {
     button->setVisible(std::ranges::find(m_shown, button) != m_shown.end());
   }
-}
-
-/// Returns the width of so many columns, each as wide as the widest button.
-int ButtonRow::WidthOf(std::size_t columns) const {
-  int widest = 0;
-  for (const QPushButton* const button : m_shown) {
-    widest = std::max(widest, button->sizeHint().width());
+  for (std::size_t i = 1; i < m_shown.size(); ++i) {
+    setTabOrder(m_shown[i - 1], m_shown[i]);
   }
-  const auto count = static_cast<int>(columns);
-  return count * widest + (count - 1) * m_layout->horizontalSpacing();
+  updateGeometry();
+  Arrange();
 }
 
-void ButtonRow::Arrange() {
-  std::size_t columns = std::max<std::size_t>(m_shown.size(), 1);
-  while (columns > 1 && WidthOf(columns) > width()) {
+QSize ButtonRow::LargestButton() const {
+  QSize size;
+  for (const QPushButton* const button : m_shown) {
+    size = size.expandedTo(button->sizeHint()).expandedTo(button->minimumSize());
+  }
+  return m_shown.empty() ? QSize(0, 0) : size;
+}
+
+int ButtonRow::CountRows(int columns) const {
+  return (static_cast<int>(m_shown.size()) + columns - 1) / columns;
+}
+
+int ButtonRow::ColumnsIn(int width) const {
+  int columns = std::max(static_cast<int>(m_shown.size()), 1);
+  while (columns > 1 && WidthOf(columns, LargestButton().width()) > width) {
     --columns;
   }
   // As many in each row as the rows need.
-  const std::size_t rows = (m_shown.size() + columns - 1) / columns;
-  columns = rows > 0 ? (m_shown.size() + rows - 1) / rows : 1;
-  if (columns == m_columns) {
-    return;
-  }
-  m_columns = columns;
-  for (QPushButton* const button : m_buttons) {
-    m_layout->removeWidget(button);
-  }
-  for (int column = 0; column < std::max(m_layout->columnCount(), static_cast<int>(columns));
-       ++column) {
-    m_layout->setColumnStretch(column, column < static_cast<int>(columns) ? 1 : 0);
-  }
-  for (std::size_t i = 0; i < m_shown.size(); ++i) {
-    m_layout->addWidget(m_shown[i], static_cast<int>(i / columns), static_cast<int>(i % columns));
-    if (i > 0) {
-      setTabOrder(m_shown[i - 1], m_shown[i]);
-    }
-  }
-  updateGeometry();
+  const int rows = std::max(CountRows(columns), 1);
+  return std::max((static_cast<int>(m_shown.size()) + rows - 1) / rows, 1);
 }
 
-// The least width is that of one column, and the height that of the columns that there are now.
-QSize ButtonRow::minimumSizeHint() const {
-  return {m_shown.empty() ? 0 : WidthOf(1), m_layout->minimumSize().height()};
+int ButtonRow::heightForWidth(int width) const {
+  return WidthOf(CountRows(ColumnsIn(width)), LargestButton().height());
 }
+
+QSize ButtonRow::minimumSizeHint() const { return LargestButton(); }
 
 QSize ButtonRow::sizeHint() const {
-  return {m_shown.empty() ? 0 : WidthOf(m_shown.size()), m_layout->sizeHint().height()};
+  const QSize button = LargestButton();
+  return {WidthOf(static_cast<int>(m_shown.size()), button.width()), button.height()};
+}
+
+void ButtonRow::Arrange() {
+  const int columns = ColumnsIn(width());
+  const int height = LargestButton().height();
+  for (int i = 0; i < static_cast<int>(m_shown.size()); ++i) {
+    const int column = i % columns;
+    const int left = column * (width() + kButtonGap) / columns;
+    const int right = (column + 1) * (width() + kButtonGap) / columns - kButtonGap;
+    const QRect place(left, i / columns * (height + kButtonGap), right - left, height);
+    m_shown[static_cast<std::size_t>(i)]->setGeometry(
+        QStyle::visualRect(layoutDirection(), rect(), place));
+  }
 }
 
 void ButtonRow::resizeEvent(QResizeEvent* event) {
@@ -86,8 +99,10 @@ void ButtonRow::resizeEvent(QResizeEvent* event) {
   Arrange();
 }
 
+// A text has changed, or the letters have: the row may become higher.
 bool ButtonRow::event(QEvent* event) {
   if (event->type() == QEvent::LayoutRequest || event->type() == QEvent::FontChange) {
+    updateGeometry();
     Arrange();
   }
   return QWidget::event(event);

@@ -4,13 +4,12 @@
 #include <initializer_list>
 #include <vector>
 
-class QGridLayout;
 class QPushButton;
 
 namespace home {
 
 /// Buttons in as few rows as they fit into: one on a wide window, some on a phone or with long
-/// words.
+/// words. It lays them out itself, since no layout knows such a height.
 class ButtonRow : public QWidget {
  public:
   explicit ButtonRow(QWidget* parent);
@@ -20,6 +19,8 @@ class ButtonRow : public QWidget {
   /// Shows these buttons and no others, in this order.
   void ShowOnly(std::initializer_list<QPushButton*> buttons);
 
+  [[nodiscard]] bool hasHeightForWidth() const override { return true; }
+  [[nodiscard]] int heightForWidth(int width) const override;
   [[nodiscard]] QSize minimumSizeHint() const override;
   [[nodiscard]] QSize sizeHint() const override;
 
@@ -28,13 +29,13 @@ class ButtonRow : public QWidget {
   bool event(QEvent* event) override;
 
  private:
-  [[nodiscard]] int WidthOf(std::size_t columns) const;
+  [[nodiscard]] QSize LargestButton() const;
+  [[nodiscard]] int ColumnsIn(int width) const;
+  [[nodiscard]] int CountRows(int columns) const;
   void Arrange();
 
-  QGridLayout* m_layout;
   std::vector<QPushButton*> m_buttons;
   std::vector<QPushButton*> m_shown;
-  std::size_t m_columns = 0;  ///< 0 until the shown buttons have their places.
 };
 
 }  // namespace home

@@ -196,6 +196,7 @@ void LessonPanel::MakeButtons(const Acts& acts) {
   };
   m_keep = add(resources::kKeep, "keep", acts.keep);
   m_record = add(resources::kRecord, "record", acts.record);
+  m_record->setIcon(IconOf(Symbol::kRecord));
   m_hear = add(resources::kHear, "hear", acts.hear);
   m_playBoth = add(resources::kPlayBoth, "playBoth", acts.playBoth);
   m_discard = add(resources::kDiscard, "discard", acts.discard);
@@ -307,6 +308,7 @@ void LessonPanel::ShowAlike(const std::vector<std::u16string>& people) {
 
 void LessonPanel::ShowPlaying(bool isPlaying) {
   m_hear->setText(Say(isPlaying ? resources::kStopHearing : resources::kHear));
+  m_hear->setIcon(IconOf(isPlaying ? Symbol::kStop : Symbol::kPlay));
 }
 
 void LessonPanel::ShowKeeping() {

@@ -52,7 +52,7 @@ void WavePicture::Clear() {
 }
 
 QSize WavePicture::sizeHint() const {
-  return {fontMetrics().height() * 20, fontMetrics().height() * 7};
+  return {fontMetrics().height() * 20, fontMetrics().height() * 4};
 }
 
 QSize WavePicture::minimumSizeHint() const {

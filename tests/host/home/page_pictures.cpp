@@ -13,6 +13,7 @@
 #include <string>
 
 #include "host/home/lesson_panel.h"
+#include "host/home/likeness_page.h"
 #include "host/home/teaching_page.h"
 #include "tests/host/home/page_fixture.h"
 #include "voicemath/take_template.h"
@@ -108,6 +109,41 @@ void PaintTeaching(const Look& look, const QString& folder) {
   Save(page, folder, look, "keeping");
 }
 
+/// So many tags, of which some are alike.
+home::Shelf MakeAlikeTags(std::size_t count) {
+  home::Shelf shelf;
+  const std::vector<std::u16string> names{u"Anna Berg",    u"Hanna Berg",
+                                          u"Robert Stone", u"Élodie de la Fontaine-Montgomery",
+                                          u"דוד לוי",      u"李小龙"};
+  for (std::size_t i = 0; i < count; ++i) {
+    home::Tag tag;
+    tag.name = QString::number(i).toStdU16String();
+    tag.contact = i < names.size() ? names[i] : u"Person " + QString::number(i).toStdU16String();
+    tag.kind = u"Mobile";
+    tag.number = u"+49 171 555 0101";
+    const std::size_t other = (i * 7 + 3) % count;
+    tag.nearest = maintenance::AlikeTag{other, 0.3F + static_cast<float>(i) / 200};
+    if (i % 8 == 0) {
+      tag.quality.tooAlike = {{i + 1, 0.08F + static_cast<float>(i) / 1000}};
+    }
+    shelf.tags.push_back(tag);
+  }
+  return shelf;
+}
+
+void PaintLikeness(const Look& look, const QString& folder) {
+  home_test::PageWork work;
+  home_test::NotedFrame frame;
+  for (const std::size_t count : {0U, 6U, 30U, 100U}) {
+    home::LikenessPage page(work, frame);
+    page.OnShelf(std::make_shared<home::Shelf>(MakeAlikeTags(count)));
+    page.resize(look.size);
+    page.show();
+    page.OnShown({});
+    Save(page, folder, look, ("likeness" + std::to_string(count)).c_str());
+  }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -123,6 +159,7 @@ int main(int argc, char** argv) {
         Look{"desk_20", {1300, 744}, 20}, Look{"wide", {2560, 900}, 12}}) {
     Apply(look);
     PaintTeaching(look, folder);
+    PaintLikeness(look, folder);
   }
   return 0;
 }
