@@ -12,9 +12,9 @@ namespace {
 
 using platform::WaveHeader;
 using platform::WaveResult;
-using Done = platform::Result<void, platform::FileError>;
+using FileDone = platform::Result<void, platform::FileError>;
 
-const Done kReadOnly = platform::Failure(platform::FileError::kAccessDenied);
+const FileDone kReadOnly = platform::Failure(platform::FileError::kAccessDenied);
 
 /// A file in memory, to be read.
 class HeldFile final : public platform::File {
@@ -22,7 +22,7 @@ class HeldFile final : public platform::File {
   explicit HeldFile(std::shared_ptr<const std::vector<std::byte>> bytes)
       : m_bytes(std::move(bytes)) {}
 
-  Done Seek(std::uint64_t offset) override {
+  FileDone Seek(std::uint64_t offset) override {
     m_position = static_cast<std::size_t>(std::min<std::uint64_t>(offset, m_bytes->size()));
     return {};
   }
@@ -35,10 +35,10 @@ class HeldFile final : public platform::File {
   platform::Result<std::uint64_t, platform::FileError> GetLength() override {
     return m_bytes->size();
   }
-  Done Write(std::span<const std::byte> /*bytes*/) override { return kReadOnly; }
-  Done SetLength(std::uint64_t /*length*/) override { return kReadOnly; }
-  Done Flush() override { return {}; }
-  Done Close() override { return {}; }
+  FileDone Write(std::span<const std::byte> /*bytes*/) override { return kReadOnly; }
+  FileDone SetLength(std::uint64_t /*length*/) override { return kReadOnly; }
+  FileDone Flush() override { return {}; }
+  FileDone Close() override { return {}; }
 
  private:
   const std::shared_ptr<const std::vector<std::byte>> m_bytes;

@@ -32,7 +32,9 @@ constexpr const char* kNoSpeaker = "/dev/null/speaker";
 /// Enough for a recording of three seconds, its template, and the copy of another tag.
 constexpr std::uintmax_t kRoomForTag = 1'000'000;
 
-std::u16string Say(std::u16string_view english) { return std::u16string(resources::Say(english)); }
+std::u16string InWords(std::u16string_view english) {
+  return std::u16string(resources::Say(english));
+}
 
 /// Returns a message, and after it what else there is to say.
 std::u16string Join(std::u16string first, const std::u16string& second) {
@@ -178,16 +180,16 @@ void PutBack(session::Session& session, const std::u16string& tag) {
 void TeachOnPage(session::Session& session, session::PageRun& run, const Lesson& lesson,
                  TaughtTag& taught) {
   if (!Choose(run, lesson)) {
-    taught.outcome.message = Say(resources::kContactNotFound);
+    taught.outcome.message = InWords(resources::kContactNotFound);
     return;
   }
   const bool isFull = !lesson.replaced.empty() && run.page.GetTags().tagCount >= storage::kMaxTags;
   if (isFull && !HasRoom(session)) {
-    taught.outcome.message = Say(resources::kDiskTooFull);
+    taught.outcome.message = InWords(resources::kDiskTooFull);
     return;
   }
   if (isFull && !DeleteLine(session, run, lesson.replaced)) {
-    taught.outcome.message = Say(resources::kTagNotLearned);
+    taught.outcome.message = InWords(resources::kTagNotLearned);
     return;
   }
   taught.tag = Record(session, run);
@@ -196,16 +198,16 @@ void TeachOnPage(session::Session& session, session::PageRun& run, const Lesson&
     if (const std::string reason = session::ExplainNoTag(session, run.page); !reason.empty()) {
       session.Fail(reason);
     }
-    taught.outcome.message = Say(resources::kTagNotLearned);
+    taught.outcome.message = InWords(resources::kTagNotLearned);
     if (isFull) {
       PutBack(session, lesson.replaced);
     }
   } else if (!isFull && !lesson.replaced.empty() && !DeleteLine(session, run, lesson.replaced)) {
-    taught.outcome.message = Say(resources::kOldTagRemains);
+    taught.outcome.message = InWords(resources::kOldTagRemains);
   }
 }
 
-std::vector<std::int16_t> ToSamples(std::span<const std::byte> wave) {
+std::vector<std::int16_t> SamplesOf(std::span<const std::byte> wave) {
   std::vector<std::int16_t> samples;
   for (std::size_t at = audio::kWaveHeaderBytes; at + 2 <= wave.size(); at += 2) {
     samples.push_back(
@@ -235,7 +237,7 @@ DeletedTags PageTasks::Delete(const Names& tags) {
                deleted.outcome.isDone &= DeleteLine(session, run, tag);
              }
              if (!deleted.outcome.isDone) {
-               deleted.outcome.message = Say(resources::kNotAllDeleted);
+               deleted.outcome.message = InWords(resources::kNotAllDeleted);
              }
            });
   deleted.outcome.message = deleted.outcome.message.empty()
@@ -267,7 +269,7 @@ Outcome PageTasks::Restore(const Names& trashed) {
     const auto found = list ? std::ranges::find(*list, file, &storage::TrashedTag::file)
                             : std::vector<storage::TrashedTag>::const_iterator();
     if (!list || found == list->end()) {
-      outcome = {false, Say(resources::kNotInTrash)};
+      outcome = {false, InWords(resources::kNotInTrash)};
       continue;
     }
     if (const auto restored = trash.Restore(*found); !restored) {
@@ -323,7 +325,7 @@ Names FindAlike(const machine::Options& options, const Lesson& lesson) {
   }
   Names alike;
   for (const maintenance::AlikeTag& tag : maintenance::FindTooAlike(
-           session.GetPlatform(), tags, ToSamples(lesson.wave), {lesson.oid, lesson.kind})) {
+           session.GetPlatform(), tags, SamplesOf(lesson.wave), {lesson.oid, lesson.kind})) {
     alike.push_back(tags[tag.index].name);
   }
   return alike;
