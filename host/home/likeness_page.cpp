@@ -36,7 +36,7 @@ constexpr int kTooAlikeRole = Qt::UserRole + 1;
 /// Paints a pair: a name below the other one, and how alike they are at the end.
 class PairDelegate final : public QStyledItemDelegate {
  public:
-  using QStyledItemDelegate::QStyledItemDelegate;
+  explicit PairDelegate(QObject* parent) : QStyledItemDelegate(parent) {}
 
   void paint(QPainter* painter, const QStyleOptionViewItem& given,
              const QModelIndex& index) const override {
