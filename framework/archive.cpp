@@ -11,6 +11,8 @@ namespace framework {
 CArchive::CArchive(CFile& file, Mode mode, std::size_t bufferSize)
     : m_file(file), m_mode(mode), m_buffer(std::max<std::size_t>(bufferSize, 1)) {}
 
+// The first failure stays, as in a chain of reads and writes only that one says what went wrong.
+// After it nothing is read or written any more, so callers look at the status once, at the end.
 void CArchive::Fail(ArchiveError error) {
   if (m_status) {
     m_status = platform::Failure(error);
@@ -54,6 +56,8 @@ CArchive& CArchive::operator>>(float& value) {
   return *this;
 }
 
+// A count in a file says how many values follow. Who reads it asks here first whether the file can
+// hold as many, before memory is taken for them.
 std::uint64_t CArchive::GetRemaining() {
   if (IsStoring() || !m_status) {
     return 0;

@@ -33,6 +33,7 @@ int ItemList::Add(std::u16string_view text) {
   return index;
 }
 
+// The selection belongs to an item and not to a place: it moves with its item, and goes with it.
 void ItemList::Delete(int index) {
   if (!HasItem(index)) {
     return;

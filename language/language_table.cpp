@@ -35,6 +35,9 @@ void LanguageTable::Load(platform::FileSystem& files, std::u16string_view path) 
   LoadFrom(files.Open(path, {}));
 }
 
+// The file is opened for reading alone and shared with nobody, as the device does it. So a second
+// process that starts at the same moment finds it in use, and tries again until the first has read
+// it.
 void LanguageTable::Load(platform::FileSystem& files, std::u16string_view path,
                          platform::Clock& clock) {
   auto opened = files.Open(path, {});

@@ -173,6 +173,8 @@ class Check {
 
 }  // namespace
 
+// The template is the English language file itself: what a translator edits is what the dialer
+// reads.
 // Keys stand in a column, so that the texts begin below each other. Each key has its note above it.
 std::u16string LanguageTemplate() {
   std::u16string file;

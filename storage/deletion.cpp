@@ -23,6 +23,8 @@ Deletion::~Deletion() {
   }
 }
 
+// A user who deletes wants the tag to go, even if the disk has no room for a copy. So older
+// deletions make room first. A clean-up, which nobody asked for, destroys nothing.
 Result<void, ItemError> Deletion::Keep(const TagParts& parts, std::u16string_view text) {
   if (IsKept(parts)) {
     return {};
@@ -36,6 +38,8 @@ Result<void, ItemError> Deletion::Keep(const TagParts& parts, std::u16string_vie
   return Write(parts, text);
 }
 
+// An earlier deletion may have been killed after it had copied this tag and taken a part of it
+// away. A second copy, of what is left, would look like the tag and restore only a part.
 bool Deletion::IsKept(const TagParts& parts) const {
   const auto names = m_trash.ListFiles();
   if (!names) {
@@ -69,6 +73,8 @@ Result<void, ItemError> Deletion::Write(const TagParts& parts, std::u16string_vi
       .map([&] { ++m_count; });
 }
 
+// The stamp is chosen when the first tag is kept, so a deletion without tags leaves no trace. The
+// mark is made with kCreateNew: if two deletions chose one stamp, the second would fail here.
 Result<void, ItemError> Deletion::Begin() {
   if (!m_stamp.empty()) {
     return {};

@@ -22,6 +22,8 @@ bool IsOtherHive(std::u16string_view name) {
       kOtherHives, [name](std::u16string_view hive) { return text::SameName(hive, name); });
 }
 
+// On 64-bit systems a registry shows programs of 32 bits a view of their own, below WOW6432Node. A
+// file that was exported there names that place. Here both are one place.
 constexpr std::u16string_view kRedirected = u"Software";
 constexpr std::u16string_view kRedirection = u"\\WOW6432Node";
 

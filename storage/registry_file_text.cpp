@@ -38,6 +38,8 @@ bool IsText(RegistryType type) {
 
 }  // namespace
 
+// Files of version 4 have one byte for each character, in the code page of the machine that wrote
+// them, which no file names. Western machines wrote this one.
 bool IsAnsiRegistryFile(std::span<const std::byte> file) { return BeginsWith(file, "REGEDIT4"); }
 
 std::u16string FromWindows1252(std::span<const std::byte> bytes) {
@@ -58,6 +60,8 @@ std::u16string FromWindows1252(std::span<const std::byte> bytes) {
   return text;
 }
 
+// A file in another encoding would only fail at its first line, with a message about the header.
+// Users see no encodings, so the message says which one it is and what to do.
 platform::Result<void, std::string_view> CheckRegistryFileEncoding(
     std::span<const std::byte> file) {
   const auto fail = [](std::string_view sentence) { return platform::Failure(sentence); };
@@ -148,6 +152,9 @@ std::optional<std::uint32_t> RegistryFileScanner::TakeHexNumber(std::size_t most
   return digits > 0 ? std::optional(number) : std::nullopt;
 }
 
+// A value is a quoted string, a number ("dword:"), or bytes in hexadecimal ("hex:"), which can name
+// any type in brackets.
+
 RegistryValueReader::Read<RegistryValue> RegistryValueReader::ReadValue() {
   if (m_scanner.IsAt(u'"')) {
     return ReadString();
@@ -222,6 +229,8 @@ RegistryValueReader::Read<RegistryType> RegistryValueReader::ReadHexType() {
   return static_cast<RegistryType>(*number);
 }
 
+// Bytes stand between commas. A line may end with a backslash after any comma, and go on after the
+// blanks of the next line. A value without bytes is allowed, as exporters write one.
 RegistryValueReader::Read<std::vector<std::byte>> RegistryValueReader::ReadBytes() {
   constexpr std::size_t kMostDigits = 2;
   std::vector<std::byte> bytes;

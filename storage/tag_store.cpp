@@ -77,6 +77,7 @@ std::optional<std::u16string> TagNames::Get(std::uint32_t index) const {
   return found && *found && (*found)->size() <= kMaxLength ? std::move(*found) : std::nullopt;
 }
 
+// Both values are written as one group, so a companion never sees an entry that has one of them.
 Result<void, RegistryError> TagStore::WriteEntry(std::u16string_view tagName, std::int32_t oid,
                                                  std::u16string_view phoneType) const {
   auto group = platform::RegistryGroup::Begin(m_registry);
@@ -120,6 +121,8 @@ Result<TagEntry, RegistryError> TagStore::ReadEntry(std::u16string_view tagName)
   return TagEntry{ParseOid(*contact), std::move(*phoneType)};
 }
 
+// An index whose name is invalid belongs to another program. It is counted and passed over, as the
+// names after it are tags.
 Result<TagList, RegistryError> TagStore::ListNames() const {
   TagList list;
   const platform::OpenedKey tags = m_registry.OpenKey(kTagKey);
@@ -157,6 +160,8 @@ Result<void, RegistryError> TagStore::DeleteEntry(std::u16string_view tagName) c
   return AcceptMissing(m_registry.DeleteKey(EntryPath(tagName)));
 }
 
+// The entry goes last. If the deletion ends half way, the tag is still listed and can be deleted
+// again.
 Result<void, TagPart> TagStore::Delete(std::u16string_view tagName) const {
   if (!DeleteWaveFile(tagName)) {
     return Failure(TagPart::kWave);

@@ -28,6 +28,8 @@ std::uint64_t LengthOf(platform::FileSystem& files, std::u16string_view name) {
 
 }  // namespace
 
+// The folder is read once and its names are sorted. A stamp begins with the time, so the names of
+// one deletion stand next to each other, and later ones come after them.
 Result<std::vector<std::u16string>, FileError> TagTrash::ListFiles() const {
   std::vector<std::u16string> names;
   const auto search = m_files.Find(InTrash(u"*"));
@@ -50,6 +52,9 @@ Result<std::vector<std::u16string>, FileError> TagTrash::ListFiles() const {
   return names;
 }
 
+// A deletion copies its tags before it takes them away. If it was killed in between, the copy is in
+// the trash and the tag is in the store. The user has lost nothing then, and sees the tag in one
+// place only.
 Result<std::vector<TrashedTag>, FileError> TagTrash::List() const {
   const auto names = ListFiles();
   if (!names) {
@@ -77,6 +82,8 @@ Result<std::vector<TrashedTag>, FileError> TagTrash::List() const {
   return tags;
 }
 
+// What the marks say is ended first, as only then it is known what the trash holds and what is too
+// old.
 void TagTrash::Recover() const {
   const auto names = ListFiles();
   if (!names || names->empty()) {
@@ -94,6 +101,9 @@ void TagTrash::Recover() const {
   }
 }
 
+// A restoration puts the files back, then the entry, and ends by taking the copy out of the trash.
+// If it was killed before the entry was there, what it put back is taken away again and the copy
+// stays: a file without an entry would be nobody's.
 void TagTrash::EndRestoring(std::u16string_view mark) const {
   const std::u16string name =
       std::u16string(mark.substr(0, mark.size() - kRestoringEnd.size())).append(kItemEnd);
@@ -117,6 +127,10 @@ void TagTrash::EndRestoring(std::u16string_view mark) const {
   Delete(mark);
 }
 
+// A deletion that was killed left each of its tags in one of three states. If the tag is whole, it
+// was not deleted, and its copy goes. If it is gone, the copy is all that is left of it. If a part
+// is left, the companion may see half a tag, so the rest goes as well. The destructor of a deletion
+// comes here too, but keeps what is left, as a file that is in use may be free a moment later.
 void TagTrash::EndDeletion(std::u16string_view mark, const std::vector<std::u16string>& names,
                            Unfinished unfinished) const {
   bool isEnded = true;
@@ -167,11 +181,16 @@ bool TagTrash::DeleteParts(const TagParts& parts) const {
   return !parts.hasEntry || TagStore(m_files, m_registry).DeleteEntry(parts.name).has_value();
 }
 
+// A folder may bring back a file that was deleted, if the power fails before the folder is on the
+// medium.
 bool TagTrash::FlushStore() const {
   return AcceptMissing(m_files.FlushFolder(kWaveFolder)) &&
          AcceptMissing(m_files.FlushFolder(kTemplateFolder));
 }
 
+// The list begins with the latest deletion, so the sum of bytes says how much would be kept with
+// this tag and all that went after it. The latest deletion is kept whatever its size: an undo must
+// work once.
 void TagTrash::RemoveOld(const std::vector<std::u16string>& names) const {
   const std::int64_t now = m_clock.GetUnixTime();
   const auto tags = List();
@@ -197,6 +216,8 @@ void TagTrash::RemoveOld(const std::vector<std::u16string>& names) const {
   }
 }
 
+// The mark is on the medium before the store changes. Whatever happens after that, the next Recover
+// finds it and ends the restoration in the same way as EndRestoring does here.
 Result<void, RestoreError> TagTrash::Restore(const TrashedTag& tag) const {
   const TagParts& parts = tag.item.parts;
   if (const auto hasRoom = CheckRoomFor(parts); !hasRoom) {
@@ -266,6 +287,9 @@ bool TagTrash::Delete(std::u16string_view name) const {
   return AcceptMissing(m_files.Delete(InTrash(name))).has_value();
 }
 
+// A name may be taken by files without an entry, or by a tag in the trash that the user can still
+// restore. If the store cannot be asked about a name, the name counts as free: a recording must not
+// wait for a store that answers nothing, and writing fails by itself then.
 std::u16string FreeTagName(platform::FileSystem& files, platform::Registry& registry,
                            const TagTrash& trash, std::uint32_t tickCount) {
   const auto trashed = trash.List().value_or(std::vector<TrashedTag>());

@@ -12,6 +12,11 @@ using platform::Result;
 
 namespace {
 
+// The POSIX format "ustar": each file is a header of one block, its bytes, and zeros up to the next
+// whole block. Two blocks of zeros end the archive. All numbers are octal digits. The archives have
+// plain files only, with names of at most 99 bytes, so none of the format's extensions is needed,
+// and every tool can unpack them.
+
 constexpr std::size_t kBlockBytes = 512;
 using Block = std::array<std::byte, kBlockBytes>;
 
@@ -147,6 +152,8 @@ Result<void, TarError> TarReader::ReadAt(std::uint64_t offset, std::span<std::by
   return Failure(count ? TarError::kTorn : TarError::kUnread);
 }
 
+// Everything that the header claims is checked against the file before it is used. An archive may
+// come from anywhere, and a length that leads out of the file would read what is not there.
 Result<bool, TarError> TarReader::Next() {
   Block header{};
   if (const auto read = ReadAt(m_next, header); !read) {
