@@ -1,6 +1,7 @@
 #include "storage/deletion.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "storage/device_paths.h"
 #include "storage/tag_store.h"
@@ -12,15 +13,21 @@ using platform::Failure;
 using platform::FileError;
 using platform::Result;
 
-Deletion::~Deletion() {
-  if (m_stamp.empty()) {
-    return;
+Deletion::~Deletion() { static_cast<void>(End()); }
+
+bool Deletion::End() {
+  const std::u16string stamp = std::exchange(m_stamp, {});
+  if (stamp.empty()) {
+    return true;
   }
-  if (const auto names = m_trash.ListFiles()) {
-    m_trash.EndDeletion(m_stamp + std::u16string(kDeletingEnd), *names,
-                        TagTrash::Unfinished::kKeep);
-    m_trash.RemoveOld(*names);
+  const auto names = m_trash.ListFiles();
+  if (!names) {
+    return false;
   }
+  const bool isOver = m_trash.EndDeletion(stamp + std::u16string(kDeletingEnd), *names,
+                                          TagTrash::Unfinished::kKeep);
+  m_trash.RemoveOld(*names);
+  return isOver;
 }
 
 // A user who deletes wants the tag to go, even if the disk has no room for a copy. So older
@@ -82,27 +89,16 @@ Result<void, ItemError> Deletion::Begin() {
   const auto fail = [](FileError error) {
     return Failure(error == FileError::kDiskFull ? ItemError::kFull : ItemError::kOther);
   };
-  const auto folder = m_trash.m_files.CreateFolder(kTrashFolder);
-  if (!folder && folder.error() != FileError::kAlreadyExists) {
-    return fail(folder.error());
-  }
-  const auto names = m_trash.ListFiles();
-  if (!names) {
-    return Failure(ItemError::kOther);
-  }
   m_time = m_trash.m_clock.GetUnixTime();
-  for (unsigned i = 1; i <= kMostInOneSecond; ++i) {
-    const std::u16string stamp = StampOf(m_time, i);
-    if (std::ranges::any_of(*names, [&](const auto& name) { return name.starts_with(stamp); })) {
-      continue;
-    }
-    if (const auto marked = m_trash.Mark(stamp + std::u16string(kDeletingEnd)); !marked) {
-      return fail(marked.error());
-    }
-    m_stamp = stamp;
-    return {};
+  const auto stamp = m_trash.MakeStamp(m_time);
+  if (!stamp) {
+    return fail(stamp.error());
   }
-  return Failure(ItemError::kOther);
+  if (const auto marked = m_trash.Mark(*stamp + std::u16string(kDeletingEnd)); !marked) {
+    return fail(marked.error());
+  }
+  m_stamp = *stamp;
+  return {};
 }
 
 Result<void, FileError> Deletion::Seal() const {

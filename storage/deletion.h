@@ -35,6 +35,11 @@ class Deletion {
   /// Returns when all copies are on the medium. If it fails, that is not known, and nothing may go.
   [[nodiscard]] platform::Result<void, platform::FileError> Seal() const;
 
+  /// Does what the destructor does, which then does nothing. Returns whether the deletion is over.
+  /// If it is not, the next Recover ends it; until then no other tag may get the name of one that
+  /// went, since it would be taken for that one.
+  [[nodiscard]] bool End();
+
  private:
   [[nodiscard]] platform::Result<void, ItemError> Begin();
   [[nodiscard]] platform::Result<void, ItemError> Write(const TagParts& parts,

@@ -14,6 +14,7 @@
 
 namespace storage {
 
+using platform::AcceptMissing;
 using platform::Failure;
 using platform::FileError;
 using platform::RegistryError;
@@ -54,14 +55,19 @@ Put PutSettings(platform::Registry& registry, std::span<const RegistryChange> ch
   });
 }
 
-/// Returns the number of the version of the mathematics. Returns nothing if there is none.
-std::optional<std::int32_t> VersionHere(platform::Registry& registry) {
+using Version = std::optional<std::int32_t>;
+
+/// Returns the number of the version of the mathematics. It is nothing if there is none.
+Result<Version, RegistryError> VersionHere(platform::Registry& registry) {
   const platform::OpenedKey key = registry.OpenKey(kSetupKey);
   const auto value = key ? (*key)->Query(kMathVersionValue) : Failure(key.error());
-  return value ? ParseOid(TextOfValue(*value)) : std::nullopt;
+  if (!value && value.error() != RegistryError::kNotFound) {
+    return Failure(value.error());
+  }
+  return value ? ParseOid(TextOfValue(*value)) : Version();
 }
 
-std::optional<std::int32_t> VersionIn(const BackupContents& backup) {
+Version VersionIn(const BackupContents& backup) {
   const auto settings = backup.settings.find(BackupSettings::kMathematics);
   if (settings == backup.settings.end()) {
     return std::nullopt;
@@ -94,8 +100,12 @@ class Restoration {
     const bool replaces = replacing == Replacing::kYes;
     const std::vector<bool> isCleared =
         replaces ? ClearTags(getText) : std::vector<bool>(m_plan.tags.size());
+    const auto note = NoteTags(isCleared);
     for (std::size_t i = 0; i < m_plan.tags.size(); ++i) {
-      PutTag(i, isCleared[i], replaces);
+      PutTag(i, isCleared[i], replaces, note);
+    }
+    if (note && !note->empty()) {
+      m_trash.EndRestoring(*note);
     }
     PutOthers(replaces);
     return std::move(m_outcome);
@@ -118,18 +128,20 @@ class Restoration {
       return tag.state == RestoreState::kNew || tag.state == RestoreState::kDifferent;
     });
     const auto here = VersionHere(m_registry);
-    const auto there = VersionIn(m_backup);
-    if (!bringsTags || here == there) {
+    const auto names = TagStore(m_files, m_registry).ListNames();
+    if (!here || !names) {
+      return false;
+    }
+    if (!bringsTags || *here == VersionIn(m_backup)) {
       return true;
     }
-    const auto names = TagStore(m_files, m_registry).ListNames();
-    const bool isNewStore = !here && names && names->names.empty();
+    const bool isNewStore = !*here && names->names.empty();
     if (isNewStore) {
       return PutSettings(m_registry, m_backup.settings.at(BackupSettings::kMathematics))
           .has_value();
     }
     const platform::OpenedKey key = m_registry.CreateKey(kSetupKey);
-    return key && platform::AcceptMissing((*key)->DeleteValue(kMathVersionValue));
+    return key && AcceptMissing((*key)->DeleteValue(kMathVersionValue));
   }
 
   /// Moves the tags that are to be replaced into the trash, in one deletion. Returns for each tag
@@ -154,10 +166,42 @@ class Restoration {
         m_outcome.tags[i] = isSealed ? RestoreFate::kInUse : RestoreFate::kFailed;
       }
     }
+    // A mark that a loss of power brings back would end the deletion again, with the new tag there.
+    const bool isAnyCleared = std::ranges::find(isCleared, true) != isCleared.end();
+    const auto isOver = [&] {
+      return deletion.End() && m_files.FlushFolder(kTrashFolder).has_value();
+    };
+    if (isAnyCleared && !isOver()) {
+      for (std::size_t i = 0; i < m_plan.tags.size(); ++i) {
+        if (isCleared[i]) {
+          isCleared[i] = false;
+          m_outcome.tags[i] = RestoreFate::kFailed;
+          BringBack(m_plan.tags[i].here.name);
+        }
+      }
+    }
     return isCleared;
   }
 
-  void PutTag(std::size_t i, bool isCleared, bool replaces) {
+  using Note = Result<std::u16string, FileError>;
+
+  /// Returns the note about all tags that come. A kill then leaves no part of one. It is empty if
+  /// none comes.
+  [[nodiscard]] Note NoteTags(const std::vector<bool>& isCleared) {
+    std::vector<TagParts> coming;
+    for (std::size_t i = 0; i < m_plan.tags.size(); ++i) {
+      const BackupTag& tag = m_backup.tags[m_plan.tags[i].index];
+      if (isCleared[i] || m_plan.tags[i].state == RestoreState::kNew) {
+        coming.push_back(
+            {tag.name, tag.recording ? tag.name + std::u16string(kWaveExtension) : std::u16string(),
+             tag.voiceTemplate ? tag.name + std::u16string(kTemplateExtension) : std::u16string(),
+             true});
+      }
+    }
+    return coming.empty() ? Note() : m_trash.BeginRestoring(coming);
+  }
+
+  void PutTag(std::size_t i, bool isCleared, bool replaces, const Note& note) {
     const PlannedTag& planned = m_plan.tags[i];
     RestoreFate& fate = m_outcome.tags[i];
     switch (planned.state) {
@@ -178,7 +222,9 @@ class Restoration {
       case RestoreState::kNew:
         break;
     }
-    const auto put = HasRoom() ? PutParts(planned) : Failure(RestoreFate::kTooMany);
+    const Put put = !note       ? Failure(FateOf(note.error()))
+                    : HasRoom() ? PutParts(planned)
+                                : Failure(RestoreFate::kTooMany);
     if (put) {
       fate = isCleared ? RestoreFate::kReplaced : RestoreFate::kRestored;
       return;
@@ -194,17 +240,11 @@ class Restoration {
     return list && list->names.size() < static_cast<std::size_t>(kMaxTags);
   }
 
-  // A kill leaves files without an entry, which nobody sees.
   Put PutParts(const PlannedTag& planned) {
     const BackupTag& tag = m_backup.tags[planned.index];
-    auto put = PutFile(WavePath(tag.name), tag.recording)
-                   .and_then([&] { return PutFile(TemplatePath(tag.name), tag.voiceTemplate); })
-                   .and_then([&] { return PutSettings(m_registry, planned.entry); });
-    if (!put && !planned.here.hasEntry) {
-      const TagStore store(m_files, m_registry);
-      static_cast<void>(store.Delete(tag.name));
-    }
-    return put;
+    return PutFile(WavePath(tag.name), tag.recording)
+        .and_then([&] { return PutFile(TemplatePath(tag.name), tag.voiceTemplate); })
+        .and_then([&] { return PutSettings(m_registry, planned.entry); });
   }
 
   Put PutFile(const std::u16string& path, const std::optional<BackupMember>& member) {
@@ -262,23 +302,17 @@ class Restoration {
 
   /// Copies the settings and the language file into the trash.
   Put SaveSettings() {
-    const auto folder = m_files.CreateFolder(kTrashFolder);
-    if (!folder && folder.error() != FileError::kAlreadyExists) {
-      return Failure(FateOf(folder.error()));
+    const auto stamp = m_trash.MakeStamp(m_clock.GetUnixTime());
+    if (!stamp) {
+      return Failure(FateOf(stamp.error()));
     }
-    for (unsigned i = 1; i <= kMostInOneSecond; ++i) {
-      const std::u16string path = InTrash(StampOf(m_clock.GetUnixTime(), i)).append(kSavedEnd);
-      if (LookAtBackupTarget(m_files, path) != BackupTarget::kNothing) {
-        continue;
-      }
-      const auto made = WriteBackup(m_files, m_registry, m_clock, path, BackupScope::kSettings);
-      if (!made) {
-        return Failure(FateOf(made.error().file));
-      }
-      m_outcome.saved = path;
-      return {};
+    const std::u16string path = InTrash(*stamp + std::u16string(kSavedEnd));
+    const auto made = WriteBackup(m_files, m_registry, m_clock, path, BackupScope::kSettings);
+    if (!made) {
+      return Failure(FateOf(made.error().file));
     }
-    return Failure(RestoreFate::kFailed);
+    m_outcome.saved = path;
+    return {};
   }
 
   platform::FileSystem& m_files;

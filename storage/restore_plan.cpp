@@ -154,14 +154,14 @@ Result<RestorePlan, std::u16string> PlanRestore(platform::FileSystem& files,
   }
   const auto connection = backup.settings.find(BackupSettings::kConnection);
   if (connection != backup.settings.end()) {
-    const bool isThere = registry.OpenKey(kDialerKey).has_value();
+    const platform::OpenedKey here = registry.OpenKey(kDialerKey);
     const IsSame isSame = HoldsAll(registry, connection->second);
-    if (!isSame) {
+    if (!isSame || (!here && here.error() != platform::RegistryError::kNotFound)) {
       return Failure(std::u16string());
     }
-    plan.connection = *isSame   ? RestoreState::kSame
-                      : isThere ? RestoreState::kDifferent
-                                : RestoreState::kNew;
+    plan.connection = *isSame ? RestoreState::kSame
+                      : here  ? RestoreState::kDifferent
+                              : RestoreState::kNew;
   }
   if (backup.languageFile) {
     const auto state = comparison.CompareFile(std::u16string(kLanguageFile), *backup.languageFile);

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <set>
+#include <span>
 #include <tuple>
+#include <utility>
 
 #include "storage/device_paths.h"
 #include "storage/folders.h"
@@ -18,6 +20,9 @@ using platform::FileError;
 using platform::Result;
 
 namespace {
+
+/// More than the names of all tags can take.
+constexpr std::uint64_t kLongestNote = std::uint64_t{1} << 24U;
 
 std::uint64_t LengthOf(platform::FileSystem& files, std::u16string_view name) {
   const auto file =
@@ -123,15 +128,84 @@ void TagTrash::EndRestoring(std::u16string_view mark) const {
     if (!isDone) {
       return;
     }
+  } else if (!EndNote(mark)) {
+    return;
   }
   Delete(mark);
+}
+
+bool TagTrash::EndNote(std::u16string_view mark) const {
+  const auto note = ReadNote(mark);
+  bool isEnded = note.has_value();
+  bool hasChanged = false;
+  for (const TagParts& parts : note.value_or(std::vector<TagParts>())) {
+    const auto state = GetState(m_files, m_registry, parts);
+    if (state != PartsState::kWhole) {
+      isEnded = state && DeleteParts(parts) && isEnded;
+      hasChanged = true;
+    }
+  }
+  return isEnded && (!hasChanged || FlushStore());
+}
+
+Result<std::vector<TagParts>, FileError> TagTrash::ReadNote(std::u16string_view mark) const {
+  const auto file =
+      m_files.Open(InTrash(mark), {platform::FileAccess::kRead, platform::FileShare::kRead,
+                                   platform::FileCreation::kOpenExisting});
+  const auto length = file ? (*file)->GetLength() : Failure(file.error());
+  if (!length || *length > kLongestNote) {
+    return Failure(length ? FileError::kOther : length.error());
+  }
+  std::string note(static_cast<std::size_t>(*length), '\0');
+  const auto count = (*file)->Read(std::as_writable_bytes(std::span(note)));
+  if (count != note.size()) {
+    return Failure(FileError::kOther);
+  }
+  return ParseJournal(note);
+}
+
+Result<std::u16string, FileError> TagTrash::BeginRestoring(
+    const std::vector<TagParts>& tags) const {
+  const auto stamp = MakeStamp(m_clock.GetUnixTime());
+  if (!stamp) {
+    return stamp;
+  }
+  std::u16string mark = RestoringMarkOf(ItemName(*stamp, 0));
+  const auto target = m_files.OpenReplacement(InTrash(mark));
+  if (!target) {
+    return Failure(target.error());
+  }
+  const std::string note = WriteJournal(tags);
+  return (*target)
+      ->GetFile()
+      .Write(std::as_bytes(std::span(note)))
+      .and_then([&] { return (*target)->Publish(platform::Durability::kNow); })
+      .map([&mark] { return std::move(mark); });
+}
+
+Result<std::u16string, FileError> TagTrash::MakeStamp(std::int64_t unixTime) const {
+  const auto folder = m_files.CreateFolder(kTrashFolder);
+  if (!folder && folder.error() != FileError::kAlreadyExists) {
+    return Failure(folder.error());
+  }
+  const auto names = ListFiles();
+  if (!names) {
+    return Failure(names.error());
+  }
+  for (unsigned i = 1; i <= kMostInOneSecond; ++i) {
+    std::u16string stamp = StampOf(unixTime, i);
+    if (std::ranges::none_of(*names, [&](const auto& name) { return name.starts_with(stamp); })) {
+      return stamp;
+    }
+  }
+  return Failure(FileError::kOther);
 }
 
 // A deletion that was killed left each of its tags in one of three states. If the tag is whole, it
 // was not deleted, and its copy goes. If it is gone, the copy is all that is left of it. If a part
 // is left, the companion may see half a tag, so the rest goes as well. The destructor of a deletion
 // comes here too, but keeps what is left, as a file that is in use may be free a moment later.
-void TagTrash::EndDeletion(std::u16string_view mark, const std::vector<std::u16string>& names,
+bool TagTrash::EndDeletion(std::u16string_view mark, const std::vector<std::u16string>& names,
                            Unfinished unfinished) const {
   bool isEnded = true;
   bool hasChanged = false;
@@ -164,9 +238,7 @@ void TagTrash::EndDeletion(std::u16string_view mark, const std::vector<std::u16s
     }
   }
   // Without its mark a file that a loss of power brings back would be nobody's.
-  if (isEnded && (!hasChanged || FlushStore())) {
-    Delete(mark);
-  }
+  return isEnded && (!hasChanged || FlushStore()) && Delete(mark);
 }
 
 bool TagTrash::DeleteParts(const TagParts& parts) const {

@@ -59,6 +59,19 @@ class TagTrash {
   /// stays in the trash, and the store is as before.
   [[nodiscard]] platform::Result<void, RestoreError> Restore(const TrashedTag& tag) const;
 
+  /// Returns a stamp that no file of the trash has, and makes the folder. Fails if there is none.
+  [[nodiscard]] platform::Result<std::u16string, platform::FileError> MakeStamp(
+      std::int64_t unixTime) const;
+
+  /// Notes tags that are about to come from elsewhere, and of which nothing is in the store.
+  /// Returns the name of the note when it is on the medium. If the process is killed, Recover takes
+  /// away what came only in part.
+  [[nodiscard]] platform::Result<std::u16string, platform::FileError> BeginRestoring(
+      const std::vector<TagParts>& tags) const;
+
+  /// Takes away the tags of a note that are not whole, and then the note.
+  void EndRestoring(std::u16string_view mark) const;
+
   /// Destroys what is in the trash, but for deletions in progress. Returns whether nothing is left.
   [[nodiscard]] bool Empty() const;
 
@@ -75,14 +88,18 @@ class TagTrash {
       const;
   /// Fails if a tag cannot be restored as the store is now.
   [[nodiscard]] platform::Result<void, RestoreError> CheckRoomFor(const TagParts& parts) const;
-  void EndRestoring(std::u16string_view mark) const;
-  void EndDeletion(std::u16string_view mark, const std::vector<std::u16string>& names,
+  /// Returns whether the mark is gone.
+  bool EndDeletion(std::u16string_view mark, const std::vector<std::u16string>& names,
                    Unfinished unfinished) const;
   void RemoveOld(const std::vector<std::u16string>& names) const;
   [[nodiscard]] bool FlushStore() const;
   [[nodiscard]] platform::Result<void, platform::FileError> Mark(std::u16string_view name) const;
   bool Delete(std::u16string_view name) const;
-
+  /// Ends what a note is about. Returns whether that is done.
+  [[nodiscard]] bool EndNote(std::u16string_view mark) const;
+  /// Returns the names in a note. A mark of an item of the trash has none.
+  [[nodiscard]] platform::Result<std::vector<TagParts>, platform::FileError> ReadNote(
+      std::u16string_view mark) const;
   platform::FileSystem& m_files;
   platform::Registry& m_registry;
   platform::Clock& m_clock;

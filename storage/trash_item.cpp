@@ -60,14 +60,18 @@ void AppendLine(std::string& about, std::string_view word, std::u16string_view v
   about.append(word).append(bytes).append("\n");
 }
 
+void AppendParts(std::string& about, const TagParts& parts) {
+  AppendLine(about, kNameLine, parts.name);
+  AppendLine(about, kRecordingLine, parts.waveFile);
+  AppendLine(about, kTemplateLine, parts.templateFile);
+  about.append(kEntryLine).append(parts.hasEntry ? "1" : "0").append("\n");
+}
+
 std::string WriteAbout(const TrashItem& item) {
   std::string about;
   about.append(kDeletedLine).append(std::to_string(item.deletedAt)).append("\n");
   about.append(kByLine).append(ToWord(item.by)).append("\n");
-  AppendLine(about, kNameLine, item.parts.name);
-  AppendLine(about, kRecordingLine, item.parts.waveFile);
-  AppendLine(about, kTemplateLine, item.parts.templateFile);
-  about.append(kEntryLine).append(item.parts.hasEntry ? "1" : "0").append("\n");
+  AppendParts(about, item.parts);
   AppendLine(about, kTextLine, item.text);
   return about;
 }
@@ -79,6 +83,7 @@ class AboutReader {
   explicit AboutReader(std::string_view about) : m_rest(about) {}
 
   [[nodiscard]] bool HasFailed() const { return m_hasFailed; }
+  [[nodiscard]] bool IsAtEnd() const { return m_rest.empty(); }
 
   /// Returns what follows `word` on the next line.
   std::string_view Take(std::string_view word) {
@@ -98,6 +103,15 @@ class AboutReader {
     std::u16string name = text::FromHostName(Take(word));
     m_hasFailed = m_hasFailed || name.find_first_of(separators) != std::u16string::npos;
     return name;
+  }
+
+  TagParts TakeParts() {
+    TagParts parts;
+    parts.name = TakeName(kNameLine, kKeySeparators);
+    parts.waveFile = TakeName(kRecordingLine, kFileSeparators);
+    parts.templateFile = TakeName(kTemplateLine, kFileSeparators);
+    parts.hasEntry = Take(kEntryLine) == "1";
+    return parts;
   }
 
   std::int64_t TakeNumber(std::string_view word) {
@@ -128,10 +142,7 @@ std::optional<TrashItem> ParseAbout(std::string_view about) {
   TrashItem item;
   item.deletedAt = reader.TakeNumber(kDeletedLine);
   item.by = reader.TakeReason(kByLine);
-  item.parts.name = reader.TakeName(kNameLine, kKeySeparators);
-  item.parts.waveFile = reader.TakeName(kRecordingLine, kFileSeparators);
-  item.parts.templateFile = reader.TakeName(kTemplateLine, kFileSeparators);
-  item.parts.hasEntry = reader.Take(kEntryLine) == "1";
+  item.parts = reader.TakeParts();
   item.text = text::FromHostName(reader.Take(kTextLine));
   return reader.HasFailed() ? std::nullopt : std::optional(std::move(item));
 }
@@ -274,6 +285,27 @@ Result<std::optional<TrashItem>, FileError> ReadItem(platform::FileSystem& files
     return std::nullopt;
   }
   return Failure(FileError::kOther);
+}
+
+std::string WriteJournal(const std::vector<TagParts>& tags) {
+  std::string journal;
+  for (const TagParts& parts : tags) {
+    AppendParts(journal, parts);
+  }
+  return journal;
+}
+
+std::vector<TagParts> ParseJournal(std::string_view journal) {
+  AboutReader reader(journal);
+  std::vector<TagParts> tags;
+  while (!reader.IsAtEnd()) {
+    TagParts parts = reader.TakeParts();
+    if (reader.HasFailed()) {
+      break;
+    }
+    tags.push_back(std::move(parts));
+  }
+  return tags;
 }
 
 Result<void, ItemError> UnpackItem(platform::FileSystem& files, platform::Registry& registry,

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/file_system.h"
 #include "platform/registry.h"
@@ -54,6 +55,13 @@ enum class ItemError : std::uint8_t {
 /// such file, or if it is no whole item. Fails if there may be one that cannot be read now.
 [[nodiscard]] platform::Result<std::optional<TrashItem>, platform::FileError> ReadItem(
     platform::FileSystem& files, std::u16string_view path);
+
+// The journal of a restoration from elsewhere: which tags come, before the first file does.
+
+[[nodiscard]] std::string WriteJournal(const std::vector<TagParts>& tags);
+
+/// Returns what WriteJournal wrote, up to what is torn. Every name stays in its folder.
+[[nodiscard]] std::vector<TagParts> ParseJournal(std::string_view journal);
 
 /// Puts the parts of the item at `path` back into the store: the files first, then the entry, each
 /// on the medium before the next. What is there already is replaced.

@@ -15,8 +15,9 @@ namespace storage {
 //   STAMP.deleting           while the deletion is in progress,
 //   STAMP-0001.tar           one for each tag,
 //   STAMP-0001.restoring     while that tag is put back into the store.
-// A restoration of a backup leaves
-//   STAMP.backup             the settings and the language file that it replaced.
+// The restoration of a backup has
+//   STAMP-0000.restoring     while tags come that are not in the trash: their names are in it,
+//   STAMP.backup             the settings and the language file that it replaced, which stay.
 
 /// The place of deleted tags: below the root, outside the folders that a companion reads.
 inline constexpr std::u16string_view kTrashFolder = u"\\Voxtrel Trash";

@@ -2,7 +2,7 @@
 
 import dataclasses
 
-from judge import TEMPLATES, read_store
+from judge import TEMPLATES, WAVES, read_store
 
 CONTACTS = """BEGIN:VCARD\r
 VERSION:3.0\r
@@ -42,6 +42,7 @@ class Command:
     rewrites: bool = False  # Whether it makes recordings and templates again.
     groups: bool = False    # Whether its settings are stored as one.
     empties: bool = False   # Whether it empties the trash.
+    replaces: bool = False  # Whether other tags come in the place of its objects.
     prepare: object = None  # A function that changes the tree before the command.
     reports: bool = False   # Whether what it cannot read is an answer, too.
     exit: int = 0           # Without a fault.
@@ -67,7 +68,10 @@ def make_tree(machine, samples):
         _need(machine, SPOKEN + ["@/said.wav", "tags", "learn", "--contact", contact,
                                  "--number", kind], 1000 * number)
     name, tag = sorted(read_store(machine.tree()).tags.items())[-1]
-    for arguments in (["--yes", "tags", "delete", name],
+    for arguments in (["connection", "set", "baud-rate=4800"],
+                      ["backup", "@/all.tar"],
+                      ["backup", "@/old.tar"],
+                      ["--yes", "tags", "delete", name],
                       ["connection", "set", "baud-rate=19200"],
                       ["template", "learn", "@/old.wav", "@/old.st"],
                       ["registry", "export", "@/old.reg"]):
@@ -90,6 +94,15 @@ def _take_templates(tree):
     return changed
 
 
+def _say_another_name(tree):
+    """The second tag sounds like the first: the backup has it as it was."""
+    changed = dict(tree)
+    first, second = sorted(read_store(tree).tags)[:2]
+    for folder, end in ((WAVES, ".wav"), (TEMPLATES, ".st")):
+        changed[folder + second + end] = tree[folder + first + end]
+    return changed
+
+
 def all_commands(tree, trashed):
     names = sorted(read_store(tree).tags)
     one = names[1]
@@ -103,6 +116,10 @@ def all_commands(tree, trashed):
         Command("tags trash --empty", ["--yes", "tags", "trash", "--empty"], empties=True),
         Command("check --repair", ["check", "--repair"], rewrites=True, prepare=_take_templates),
         Command("reinit --force", ["reinit", "--force"], rewrites=True),
+        Command("backup", ["backup", "@/old.tar"], targets=["old.tar"]),
+        Command("restore", ["restore", "@/all.tar"], prepare=_say_another_name, exit=1),
+        Command("restore --yes", ["--yes", "restore", "@/all.tar"], objects=[one], groups=True,
+                replaces=True, prepare=_say_another_name),
         Command("registry import", ["registry", "import", "@/change.reg"], groups=True),
         Command("registry export FILE", ["registry", "export", "@/old.reg"], targets=["old.reg"]),
         Command("connection set", ["connection", "set", "baud-rate=9600", "data-bits=7"],

@@ -108,6 +108,13 @@ def is_whole_template(template):
     return count == frames * 5 > 0 and len(template) == 6 + 4 * count
 
 
+def _lies_in_trash(tag, tree):
+    """Whether an archive holds the tag's recording and its template."""
+    return any(path.startswith(TRASH) and path.endswith(".tar")
+               and all(part is None or part in content for part in tag[1:])
+               for path, content in tree.items())
+
+
 def what_may_be_left(command, before, after, done, recovered, restored, destroyed=()):
     """Returns what may not be left, as sentences.
 
@@ -159,7 +166,10 @@ def what_may_be_left(command, before, after, done, recovered, restored, destroye
     # An object of a deletion, and what lies in the trash: whole here, or whole there.
     for name, tag in command.whole_tags(was).items():
         if end is not None and name in end.tags:
-            if end.tags[name] != tag:
+            if command.replaces and end.tags[name] == will.tags.get(name) != tag:
+                if not _lies_in_trash(tag, recovered):
+                    wrong.append("a replaced tag is not in the trash")
+            elif end.tags[name] != tag:
                 wrong.append("a tag came out of a deletion or of the trash incomplete")
         elif restored.get(name) != tag and name not in destroyed:
             if not command.empties or restored.get(name) is not None:

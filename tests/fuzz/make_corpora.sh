@@ -11,8 +11,9 @@ template=corpora/fuzz_template_file
 sound=corpora/fuzz_sound_file
 talk=corpora/fuzz_panel_talk
 database=corpora/fuzz_registry_database
-mkdir -p $wave $template $sound $talk $database
-find $wave $template $sound $talk $database -type f ! -name 'found_*' -delete
+backup=corpora/fuzz_backup
+mkdir -p $wave $template $sound $talk $database $backup
+find $wave $template $sound $talk $database $backup -type f ! -name 'found_*' -delete
 
 zeros() { # BYTES
   head -c "$1" /dev/zero
@@ -178,3 +179,30 @@ if command -v sqlite3 >/dev/null; then
 fi
 printf '\0' >$database/no_bytes
 printf '\0SQLite format 3\0' >$database/first_bytes_alone
+
+# Members of a backup: a name, a quarter of a length, and so many bytes.
+member() { # NAME TEXT
+  local text=$2
+  while [ $((${#text} % 4)) -ne 0 ]; do text+=' '; done
+  printf '%s\0' "$1"
+  little_endian 1 $((${#text} / 4))
+  printf '%s' "$text"
+}
+tags='REGEDIT4
+[HKEY_LOCAL_MACHINE\Software\Zedra\Zedra Voxtrel\'
+entry() { # TAG
+  printf '%s%s]\n"contact"="-17"\n"phone type"="Home"\n' "$tags" "$1"
+}
+{ member tags/12/entry.reg "$(entry 12)" && member tags/12/recording.wav RIFF &&
+  member tags/12/template.st abcd; } >$backup/one_tag
+{ member tags/12/entry.reg "$(entry 12)" && member tags/-5/entry.reg "$(entry -5)" &&
+  member language.lng texts; } >$backup/two_tags_and_texts
+{ member settings/connection.reg 'REGEDIT4
+[HKEY_LOCAL_MACHINE\Software\Zedra\Zedra Dialer]
+"Com_port"="COM2:"'; } >$backup/settings
+{ member tags/../entry.reg "$(entry ..)"; } >$backup/out_of_the_folder
+{ member tags/12/entry.reg "$(entry 13)"; } >$backup/another_tags_entry
+{ member tags/A/entry.reg "$(entry A)" && member tags/a/entry.reg "$(entry a)"; } >$backup/one_name_twice
+{ member tags/12/recording.wav RIFF; } >$backup/no_entry
+printf '\0about.txt' >$backup/torn_file
+printf '\0' >$backup/empty_file
