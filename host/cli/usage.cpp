@@ -22,7 +22,9 @@ struct Example {
 };
 
 constexpr Example kExamples[] = {
-    {"open", "open", "the window where you do all of this by clicks"},
+    {"home", "home", "the window where you do all of this by clicks"},
+    {"home", "home --teach", "teach a name at once"},
+    {"open", "open", "the settings sheet, without the control panel"},
     {"panel", "panel", "the control panel with the applet's icon"},
     {"wave", "wave record ann.wav", "say a name within three seconds"},
     {"wave record", "wave record ann.wav", "say a name within three seconds"},
@@ -78,7 +80,7 @@ constexpr Example kExamples[] = {
 
 /// The examples of the program's own help: one for each thing that people do.
 constexpr std::string_view kFirstSteps[] = {
-    "open",           "wave record",      "wave play",      "template learn",
+    "home",           "wave record",      "wave play",      "template learn",
     "template show",  "template compare", "language check", "contacts",
     "tags learn",     "tags list",        "tags test",      "check",
     "connection set", "status",           "backup",         "registry export"};
@@ -239,7 +241,7 @@ void PrintWithout(std::string text, char last, void (*printLine)(std::string_vie
 
 void PrepareUsage(CLI::App& app, Options& options) {
   app.formatter(std::make_shared<HelpFormatter>());
-  app.require_subcommand(1);
+  app.require_subcommand(0, 1);  // Without one the window opens if there is a display.
   app.fallthrough();
   app.set_version_flag("--version", "voxtrel " VOXTREL_VERSION);
   app.add_option("--root", options.machine.root,

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,10 +20,9 @@
 namespace cli {
 namespace {
 
-constexpr const char* kPanel = machine::kPanel.name;
 constexpr const char* kApplet = "voxtrel.cpl";
 
-/// Returns whether the environment names a display; the panel knows best how to use it.
+/// Returns whether the environment names a display; the window knows best how to use it.
 bool HasDisplay() {
   constexpr const char* kVariables[] = {"WAYLAND_DISPLAY", "DISPLAY", "QT_QPA_PLATFORM"};
   return std::ranges::any_of(kVariables, [](const char* name) {
@@ -55,7 +55,8 @@ std::vector<std::string> VariablesOf(const Session& session) {
 
 // The windows belong to another program, which is started and waited for. So a command line without
 // a screen needs none of its libraries, and a crash of a window is reported like any failure.
-void RunWindow(Session& session, const std::vector<std::string>& arguments) {
+void RunWindow(Session& session, const machine::Program& program,
+               const std::vector<std::string>& arguments) {
   if (!session.RequireRoot()) {
     return;
   }
@@ -64,20 +65,21 @@ void RunWindow(Session& session, const std::vector<std::string>& arguments) {
         "there is no display to open a window on; without one, `voxtrel tags` does the same work");
     return;
   }
-  const std::filesystem::path panel = Find(machine::kPanel);
-  if (::access(panel.c_str(), X_OK) != 0) {
-    session.Fail(fmt::format("{} is not installed; it belongs in this program's folder", kPanel));
+  const std::filesystem::path path = Find(program);
+  if (::access(path.c_str(), X_OK) != 0) {
+    session.Fail(
+        fmt::format("{} is not installed; it belongs in this program's folder", program.name));
     return;
   }
-  std::vector<std::string> command{panel.native()};
+  std::vector<std::string> command{path.native()};
   command.insert(command.end(), arguments.begin(), arguments.end());
   const auto end = posix::RunInForeground(command, VariablesOf(session));
   if (!end) {
-    session.Fail(fmt::format("{} cannot be started", kPanel));
+    session.Fail(fmt::format("{} cannot be started", program.name));
   } else if (end->wasKilled) {
-    session.Fail(fmt::format("{} was ended by signal {}", kPanel, end->exitCode));
+    session.Fail(fmt::format("{} was ended by signal {}", program.name, end->exitCode));
   } else if (end->exitCode != 0) {
-    session.Fail(fmt::format("{} failed with exit code {}", kPanel, end->exitCode));
+    session.Fail(fmt::format("{} failed with exit code {}", program.name, end->exitCode));
   } else if (session.GetOptions().json) {
     session.SetJson({{"result", 0}});
   }
@@ -86,12 +88,29 @@ void RunWindow(Session& session, const std::vector<std::string>& arguments) {
 }  // namespace
 
 void AddWindowCommands(CLI::App& app, Session& session) {
-  app.add_subcommand("open", "Open the window where you do all of this by clicks")
-      ->callback([&session] {
-        RunWindow(session, {"--open", kApplet});
-      });
+  const auto teaches = std::make_shared<bool>(false);
+  CLI::App* home = app.add_subcommand(
+      "home", "Open the window of your voice tags, as the program does without a command");
+  home->add_flag("--teach", *teaches, "Teach a name at once");
+  home->callback([&session, teaches] {
+    RunWindow(session, machine::kHome,
+              *teaches ? std::vector<std::string>{"--teach"} : std::vector<std::string>());
+  });
+  app.add_subcommand("open", "Open the settings sheet")->callback([&session] {
+    RunWindow(session, machine::kPanel, {"--open", kApplet});
+  });
   app.add_subcommand("panel", "Open the control panel")->callback([&session] {
-    RunWindow(session, {});
+    RunWindow(session, machine::kPanel, {});
+  });
+  // On a desktop a user who types the name of a program wants to see it.
+  app.final_callback([&app, &session] {
+    if (!app.get_subcommands().empty()) {
+      return;
+    }
+    if (!HasDisplay()) {
+      throw CLI::RequiredError::Subcommand(1);
+    }
+    RunWindow(session, machine::kHome, {});
   });
 }
 

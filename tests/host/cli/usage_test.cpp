@@ -14,6 +14,7 @@ using testing::StartsWith;
 using Command = std::vector<std::string>;
 
 const std::vector<Command> kAllCommands{
+    {"home"},
     {"open"},
     {"panel"},
     {"wave", "record"},

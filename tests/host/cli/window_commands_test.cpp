@@ -17,8 +17,12 @@ class WindowCommands : public CommandFixture {
   }
 
   void PutPanel(const std::string& folder, const std::string& rest) const {
+    PutWindow(folder, "voxtrel-panel", rest);
+  }
+  void PutWindow(const std::string& folder, const std::string& name,
+                 const std::string& rest) const {
     std::filesystem::create_directories(Path(folder));
-    const std::string path = Path(folder) + "/voxtrel-panel";
+    const std::string path = Path(folder) + "/" + name;
     std::ofstream(path) << "#!/bin/sh\necho \"$*\" \"root=$VOXTREL_ROOT\" "
                            "\"microphone=$VOXTREL_MICROPHONE\" \"speaker=$VOXTREL_SPEAKER\" "
                            "\"contacts=$VOXTREL_CONTACTS\"\n"
@@ -50,6 +54,38 @@ TEST_F(WindowCommands, PanelStartsThePanel) {
   const auto run = Window({"panel"});
   EXPECT_EQ(run.exitCode, 0) << run.err;
   EXPECT_EQ(run.out, " root= microphone= speaker= contacts=\n");
+}
+
+TEST_F(WindowCommands, HomeOpensTheVoiceTags) {
+  PutWindow("bin", "voxtrel-home", "");
+  const auto run = Window({"--root", "r", "home"});
+  EXPECT_EQ(run.exitCode, 0) << run.err;
+  EXPECT_EQ(run.out, " root=r microphone= speaker= contacts=\n");
+  EXPECT_EQ(Window({"home", "--teach"}).out, "--teach root= microphone= speaker= contacts=\n");
+}
+
+TEST_F(WindowCommands, WithoutACommandTheVoiceTagsOpenOnADesktop) {
+  PutWindow("bin", "voxtrel-home", "");
+  const auto run = Window({});
+  EXPECT_EQ(run.exitCode, 0) << run.err;
+  EXPECT_EQ(run.out, " root= microphone= speaker= contacts=\n");
+  EXPECT_EQ(Window({"--contacts", "a.vcf"}).out, " root= microphone= speaker= contacts=a.vcf\n");
+}
+
+TEST_F(WindowCommands, WithoutACommandAndWithoutADisplayTheUsageIsExplained) {
+  PutWindow("bin", "voxtrel-home", "");
+  const auto run = Window({}, {});
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_EQ(run.out, "");
+  EXPECT_EQ(run.err, "A subcommand is required\nRun with --help for more information.\n");
+}
+
+TEST_F(WindowCommands, ACommandThatDoesNotExistOpensNoWindow) {
+  PutWindow("bin", "voxtrel-home", "");
+  const auto run = Window({"hme"});
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_EQ(run.out, "");
+  EXPECT_THAT(run.err, HasSubstr("Did you mean 'home'?"));
 }
 
 TEST_F(WindowCommands, HandTheOptionsOn) {
