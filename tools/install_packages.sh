@@ -18,6 +18,7 @@ declare -A groups=(
   # To build and run the tests with one compiler.
   [test]='
     git googletest libgmock-dev libgtest-dev
+    at-spi2-core gir1.2-atspi-2.0 openbox python3-gi
     dbus desktop-file-utils espeak-ng evolution-data-server fonts-wqy-microhei imagemagick pulseaudio
     pulseaudio-utils python3 python3-numpy sox sqlite3 umockdev xdotool xvfb
   '

@@ -98,6 +98,10 @@ void QtSheet::MakeTabs() {
   m_tabs = new QTabWidget(this);
   m_tabs->setObjectName(QStringLiteral("tabs"));
   m_tabs->tabBar()->setElideMode(Qt::ElideRight);
+  // Only the bar can have the focus. Screen readers would take the whole for one more control. The
+  // first call means the bar as well.
+  m_tabs->setFocusPolicy(Qt::NoFocus);
+  m_tabs->tabBar()->setFocusPolicy(Qt::TabFocus);
   QSize largest;
   for (const platform::SheetPage& page : m_pages) {
     const auto client = platform::ToPixels({0, 0, page.dialog.width, page.dialog.height});
