@@ -121,7 +121,7 @@ platform::Result<std::vector<WaveInput>, WaveResult> PulseWaveInputs::List() {
   if (!connection) return platform::Failure(connection.error());
   const auto found = (*connection)->FindInputs(deadline);
   if (!found) return platform::Failure(found.error());
-  const std::string used = found->Choose(text::ToUtf8(m_getChosen()));
+  const std::string used = found->Choose(m_getChosen ? text::ToUtf8(m_getChosen()) : std::string());
   std::vector<WaveInput> inputs;
   for (const Input& input : found->all) {
     inputs.push_back(

@@ -12,7 +12,7 @@ namespace pulse {
 /// The real inputs of the user's sound server.
 class PulseWaveInputs final : public platform::WaveInputs {
  public:
-  explicit PulseWaveInputs(ChosenInput getChosen);
+  explicit PulseWaveInputs(ChosenInput getChosen = {});
 
   [[nodiscard]] platform::Result<std::vector<platform::WaveInput>, platform::WaveResult> List()
       override;

@@ -2,7 +2,9 @@
 #include <QCoreApplication>
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 
+#include "backends/pulse/pulse_inputs.h"
 #include "backends/qt/application.h"
 #include "host/panel/applet_process.h"
 #include "host/panel/arguments.h"
@@ -38,6 +40,10 @@ int Show(const panel::Arguments& arguments) {
   if (settings.places.isEmpty()) {
     settings.places = {panel::AppletFolder()};
   }
+  pulse::PulseWaveInputs inputs;
+  settings.watchInputs = [&inputs](std::function<void()> changed) {
+    return inputs.StartWatch(std::move(changed));
+  };
   panel::PanelWindow window(settings);
   window.show();
   // The window may be closed before the applets that it opened.

@@ -60,8 +60,6 @@ PanelWindow::PanelWindow(Settings settings)
   BuildCentre();
   BuildMenus();
   Refresh();
-  m_equipment = std::make_unique<EquipmentCheck>(
-      m_settings.commandLine, [this](const Equipment& equipment) { OnEquipment(equipment); });
 }
 
 PanelWindow::~PanelWindow() = default;
@@ -157,6 +155,8 @@ void PanelWindow::BuildSampleMenu() {
 }
 
 void PanelWindow::Refresh() {
+  m_missing.clear();
+  LookForEquipment();
   m_inquiries.clear();
   m_list->clear();
   const QStringList libraries = FindApplets(m_settings.places);
@@ -246,8 +246,32 @@ void PanelWindow::OpenSample(const Sample& sample) {
   }
 }
 
+void PanelWindow::LookForEquipment() {
+  m_equipment = std::make_unique<EquipmentCheck>(
+      m_settings.commandLine, [this](const Equipment& equipment) { OnEquipment(equipment); });
+}
+
+void PanelWindow::changeEvent(QEvent* event) {
+  QMainWindow::changeEvent(event);
+  // The user may have added contacts meanwhile.
+  if (event->type() == QEvent::ActivationChange && isActiveWindow() && !m_missing.isEmpty()) {
+    LookForEquipment();
+  }
+}
+
 void PanelWindow::OnEquipment(const Equipment& equipment) {
+  if (equipment.microphones > 0) {
+    m_watch.reset();
+  } else if (m_watch == nullptr && m_settings.watchInputs) {
+    m_watch = m_settings.watchInputs([this] {
+      QMetaObject::invokeMethod(
+          this, [this] { LookForEquipment(); }, Qt::QueuedConnection);
+    });
+  }
   const QString missing = DescribeMissing(equipment);
+  if (std::exchange(m_missing, missing) == missing && !missing.isEmpty()) {
+    return;  // The user may have hidden the bar.
+  }
   const std::vector<Sample> samples = FindSamples();
   if (missing.isEmpty() || !m_samples->menuAction()->isVisible() || samples.empty()) {
     m_notice->Show(missing, {}, nullptr);

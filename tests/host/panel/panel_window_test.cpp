@@ -1,10 +1,12 @@
 #include "host/panel/panel_window.h"
 
 #include <gtest/gtest.h>
+#include <signal.h>
 
 #include <QAccessible>
 #include <QAction>
 #include <QApplication>
+#include <QFileInfo>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QMessageBox>
@@ -330,6 +332,82 @@ TEST_F(Panel, ShowsANewcomerWhatIsMissing) {
   EXPECT_TRUE(notice->text().contains(QStringLiteral("No microphone was found.")));
   EXPECT_FALSE(m_window->findChild<QPushButton*>(QStringLiteral("noticeAction"))->isVisible())
       << "there is no voice dialer here to try";
+}
+
+/// A panel whose command line says what the test wrote, and a watch that the test calls.
+class PanelEquipment : public Panel {
+ protected:
+  PanelEquipment() {
+    QFile script(m_folder.filePath(QStringLiteral("voxtrel")));
+    EXPECT_TRUE(script.open(QIODevice::WriteOnly));
+    script.write("#!/bin/sh\necho $$ >'" + Path("process").toUtf8() + "'\ncat '" +
+                 Path("answer").toUtf8() + "'\n");
+    script.close();
+    script.setPermissions(QFile::ReadOwner | QFile::ExeOwner);
+    m_settings.commandLine = script.fileName();
+    m_settings.watchInputs = [this](std::function<void()> changed) {
+      m_changed = std::move(changed);
+      return std::make_unique<platform::WaveInputs::Watch>();
+    };
+  }
+
+  void SetMicrophones(int count) {
+    QFile answer(Path("answer"));
+    ASSERT_TRUE(answer.open(QIODevice::WriteOnly));
+    answer.write("{\"contacts\":{\"count\":1,\"problem\":\"\"},\"microphones\":" +
+                 QByteArray::number(count) + "}\n");
+  }
+  [[nodiscard]] bool IsShown() const {
+    return m_window->findChild<QLabel*>(QStringLiteral("noticeText"))->isVisible();
+  }
+  /// Returns whether the command line has come to its end since its file was removed.
+  [[nodiscard]] bool HasAnswered() const {
+    const int process = panel_test::ReadAll(Path("process")).trimmed().toInt();
+    return process > 0 && ::kill(process, 0) != 0;
+  }
+  [[nodiscard]] QString Path(const char* name) const {
+    return m_folder.filePath(QLatin1String(name));
+  }
+
+  const QTemporaryDir m_folder;
+  std::function<void()> m_changed;
+};
+
+TEST_F(PanelEquipment, SaysNoLongerThatThereIsNoMicrophoneWhenOneAppears) {
+  SetMicrophones(0);
+  Show({"good"});
+  ASSERT_TRUE(Until([&] { return IsShown(); }));
+  ASSERT_NE(m_changed, nullptr) << "It watches the microphones from now on.";
+  SetMicrophones(1);
+  m_changed();
+  EXPECT_TRUE(Until([&] { return !IsShown(); }));
+}
+
+TEST_F(PanelEquipment, IsLookedForAgainOnRefresh) {
+  SetMicrophones(0);
+  Show({"good"});
+  ASSERT_TRUE(Until([&] { return IsShown(); }));
+  SetMicrophones(1);
+  m_window->Refresh();
+  EXPECT_TRUE(Until([&] { return !IsShown(); }));
+  SetMicrophones(0);
+  m_window->Refresh();
+  EXPECT_TRUE(Until([&] { return IsShown(); }));
+}
+
+TEST_F(PanelEquipment, IsNotNamedAgainAfterTheUserHidTheBarUntilARefresh) {
+  SetMicrophones(0);
+  Show({"good"});
+  ASSERT_TRUE(Until([&] { return IsShown(); }));
+  auto* const bar = m_window->findChild<QLabel*>(QStringLiteral("noticeText"))->parentWidget();
+  bar->hide();
+  ASSERT_TRUE(QFile::remove(Path("process")));
+  m_changed();
+  ASSERT_TRUE(Until([&] { return HasAnswered(); }));
+  QCoreApplication::processEvents();
+  EXPECT_FALSE(IsShown());
+  m_window->Refresh();
+  EXPECT_TRUE(Until([&] { return IsShown(); }));
 }
 
 TEST_F(Panel, ClosesWhileAnAppletStaysOpen) {
