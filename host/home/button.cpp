@@ -17,8 +17,9 @@ QSize Button::sizeHint() const {
   const QFontMetrics metrics(font());
   const int room = 3 * metrics.averageCharWidth();
   const int symbol = icon().isNull() ? 0 : metrics.ascent() + (text().isEmpty() ? 0 : room / 3);
-  const int width = symbol + metrics.size(Qt::TextShowMnemonic, text()).width() + room;
-  return {std::max(width, kLeastTarget), std::max(metrics.height() + room / 3, kLeastTarget)};
+  const QSize words = metrics.size(Qt::TextShowMnemonic, text());
+  const int height = std::max(words.height(), metrics.height()) + room / 3;
+  return {std::max(symbol + words.width() + room, kLeastTarget), std::max(height, kLeastTarget)};
 }
 
 void Button::paintEvent(QPaintEvent* /*event*/) {
@@ -29,10 +30,12 @@ void Button::paintEvent(QPaintEvent* /*event*/) {
   const QFontMetrics metrics(font());
   const int gap = metrics.averageCharWidth();
   const int side = icon().isNull() ? 0 : metrics.ascent();
-  const int words = metrics.size(Qt::TextShowMnemonic, text()).width();
+  const QSize size = metrics.size(Qt::TextShowMnemonic, text());
+  const int words = size.width();
   const int between = side > 0 && words > 0 ? gap : 0;
-  const QRect whole = QStyle::alignedRect(Qt::LeftToRight, Qt::AlignCenter,
-                                          {side + between + words, metrics.height()}, rect());
+  const QRect whole = QStyle::alignedRect(
+      Qt::LeftToRight, Qt::AlignCenter,
+      {side + between + words, std::max(size.height(), metrics.height())}, rect());
   const QRect symbol(whole.left(), whole.center().y() - side / 2, side, side);
   const QRect line(whole.left() + side + between, whole.top(), words, whole.height());
   icon().paint(&painter, QStyle::visualRect(layoutDirection(), whole, symbol), Qt::AlignCenter,

@@ -13,7 +13,8 @@ inline void HideMenuArrow(QToolButton& button) {
   button.setStyleSheet(QStringLiteral("QToolButton::menu-indicator { image: none; }"));
 }
 
-/// A button that is large enough for a finger, with some room around its text. Its symbol is as
+/// A button that is large enough for a finger, with some room around its text, which may have
+/// several lines. Its symbol is as
 /// high as a letter, and symbol and text stand together in the middle. The styles of the library
 /// tear them apart if the window is read from right to left.
 class Button : public QPushButton {

@@ -29,6 +29,8 @@ constexpr std::uint32_t kEchoTime = 100;  ///< Until a room has swallowed the to
 constexpr std::uint32_t kLateness = 1000;
 
 constexpr std::uint32_t kSampleBytes = audio::kRecordingBits / 8;
+constexpr std::size_t kTakeBytes =
+    std::size_t{kRecordingRate} * TakeRecorder::kTakeMilliseconds / 1000 * kSampleBytes;
 
 platform::WaveFormat Format() { return audio::MonoPcm(audio::kRecordingBits, kRecordingRate); }
 
@@ -90,6 +92,7 @@ class TakeRecorder::Job {
 
   static void Record(const std::shared_ptr<Job>& self, const Watch& watch,
                      const HeardAnswer& answer);
+  static void Listen(const std::shared_ptr<Job>& self, const Watch& watch);
   static void Play(const std::shared_ptr<Job>& self, std::span<const std::int16_t> samples,
                    const PlayedAnswer& answer);
 
@@ -164,9 +167,29 @@ void TakeRecorder::Job::Record(const std::shared_ptr<Job>& self, const Watch& wa
   Post(self, [answer, take = std::move(take)] { answer(take); });
 }
 
+// A microphone that is there and gives nothing is tried again like one that is not there.
+void TakeRecorder::Job::Listen(const std::shared_ptr<Job>& self, const Watch& watch) {
+  const Report report = [&self, &watch](const TakeProgress& progress) {
+    // The first report of each part comes before anything was heard.
+    if (progress.leftMilliseconds != kTakeMilliseconds) {
+      Post(self, [watch, progress] { watch(progress); });
+    }
+  };
+  std::vector<std::byte> bytes(kTakeBytes);
+  do {
+    const auto device = self->AwaitMicrophone(report);
+    WaveResult result = WaveResult::kOk;
+    while (device && (result == WaveResult::kOk || result == WaveResult::kStillPlaying)) {
+      WaveHeader header{.data = bytes.data(),
+                        .bufferLength = static_cast<std::uint32_t>(bytes.size())};
+      result = self->Fill(**device, header, report);
+      static_cast<void>((*device)->Reset());
+    }
+  } while (self->Wait(kLookAgainInterval));
+}
+
 HeardTake TakeRecorder::Job::Hear(platform::WaveInDevice& device, const Report& report) const {
-  constexpr std::size_t kTakeSamples = std::size_t{kRecordingRate} * kTakeMilliseconds / 1000;
-  std::vector<std::byte> bytes(kTakeSamples * kSampleBytes);
+  std::vector<std::byte> bytes(kTakeBytes);
   WaveHeader header{.data = bytes.data(), .bufferLength = static_cast<std::uint32_t>(bytes.size())};
   const WaveResult result = Fill(device, header, report);
   static_cast<void>(device.Reset());  // The memory goes before the device does.
@@ -279,6 +302,11 @@ void TakeRecorder::Record(Watch watch, HeardAnswer answer) {
           take.isRefused = true;
           answer(take);
         });
+}
+
+void TakeRecorder::Listen(Watch watch) {
+  Start([watch](const std::shared_ptr<Job>& job) { Job::Listen(job, watch); },
+        [watch] { watch({.stage = TakeProgress::Stage::kNoMicrophone}); });
 }
 
 void TakeRecorder::Play(std::vector<std::int16_t> samples, PlayedAnswer answer) {

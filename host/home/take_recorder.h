@@ -53,7 +53,7 @@ struct HeardTake {
 /// each on a thread of its own.
 ///
 /// Used by the thread that runs the event loop, which also calls what is handed over. Nothing is
-/// called after Stop, after the next Record or Play, or after the destructor.
+/// called after Stop, after the next Record, Listen or Play, or after the destructor.
 class TakeRecorder {
  public:
   using Watch = std::function<void(const TakeProgress& progress)>;
@@ -75,6 +75,10 @@ class TakeRecorder {
   /// Reports how it goes on, about twenty times a second while somebody speaks, and then gives what
   /// was heard. Stops what is being done.
   void Record(Watch watch, HeardAnswer answer);
+
+  /// Reports how loud the microphone hears, until Stop. Goes on by itself if the microphone goes
+  /// and comes. Keeps nothing. Stops what is being done.
+  void Listen(Watch watch);
 
   /// Stops what is being done.
   void Play(std::vector<std::int16_t> samples, PlayedAnswer answer);

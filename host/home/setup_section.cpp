@@ -1,0 +1,139 @@
+#include "host/home/setup_section.h"
+
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+#include <utility>
+
+#include "host/home/button_row.h"
+#include "host/home/say.h"
+
+namespace home {
+namespace {
+
+/// A heading stays larger than the texts below it, whatever the font of the desktop becomes.
+class Heading final : public QLabel {
+ public:
+  Heading(const QString& text, QWidget* parent) : QLabel(text, parent) {
+    setTextFormat(Qt::PlainText);
+    setWordWrap(true);
+    SetAccessibleRole(*this, QAccessible::Heading);
+    setAccessibleName(text);
+    SetSize();
+  }
+
+ protected:
+  void changeEvent(QEvent* event) override {
+    QLabel::changeEvent(event);
+    if (event->type() == QEvent::ApplicationFontChange) {
+      SetSize();
+    }
+  }
+
+ private:
+  void SetSize() {
+    constexpr double kGrowth = 1.15;
+    QFont large = parentWidget()->font();
+    large.setPointSizeF(large.pointSizeF() * kGrowth);
+    large.setBold(true);
+    setFont(large);
+  }
+};
+
+/// Returns the text with line breaks, so that it is as narrow as its words allow.
+QString Break(const QString& text, const QFontMetrics& metrics, int width) {
+  QString broken;
+  QString line;
+  for (const QString& word : text.split(u' ')) {
+    const QString longer = line.isEmpty() ? word : line + u' ' + word;
+    if (!line.isEmpty() && metrics.size(Qt::TextShowMnemonic, longer).width() > width) {
+      broken += line + u'\n';
+      line = word;
+    } else {
+      line = longer;
+    }
+  }
+  return broken + line;
+}
+
+}  // namespace
+
+SetupSection::SetupSection(std::u16string_view heading, QWidget* parent)
+    : QWidget(parent), m_body(new QVBoxLayout(this)) {
+  constexpr int kRoom = 8;  // Above and below, in pixels of the desktop.
+  m_body->setContentsMargins(0, kRoom, 0, kRoom);
+  m_body->addWidget(new Heading(Say(heading), this));
+  SetAccessibleRole(*this, QAccessible::Grouping);
+  setAccessibleName(Say(heading));
+}
+
+QLabel* SetupSection::AddText(const QString& text) {
+  auto* const label = new QLabel(this);
+  label->setTextFormat(Qt::PlainText);
+  label->setWordWrap(true);
+  label->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+  m_body->addWidget(label);
+  ShowText(*label, text);
+  return label;
+}
+
+LiveLabel* SetupSection::AddNews() {
+  auto* const label = new LiveLabel(this);
+  label->setWordWrap(true);
+  label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  label->hide();
+  m_body->addWidget(label);
+  return label;
+}
+
+void SetupSection::AddControl(QWidget* control) { m_body->addWidget(control); }
+
+QPushButton* SetupSection::AddButton(std::u16string_view text, const char* name,
+                                     std::function<void()> act) {
+  if (m_buttons == nullptr) {
+    m_buttons = new ButtonRow(this);
+    m_body->addWidget(m_buttons, 0, Qt::AlignLeading);
+  }
+  QPushButton* const button = m_buttons->Add(Say(text));
+  button->setObjectName(QLatin1String(name));
+  button->setAccessibleName(Say(text).remove(u'&'));
+  m_texts.emplace_back(button, button->text());
+  connect(button, &QPushButton::clicked, this, std::move(act));
+  return button;
+}
+
+void SetupSection::ShowButtons(std::initializer_list<QPushButton*> buttons) {
+  m_buttons->ShowOnly(buttons);
+}
+
+void SetupSection::FitButtons(int width) {
+  constexpr int kEdges = 4;  // In widths of a letter: the room that a button has around its text.
+  for (const auto& [button, text] : m_texts) {
+    button->setText(Break(text, button->fontMetrics(),
+                          width - kEdges * button->fontMetrics().averageCharWidth()));
+  }
+}
+
+void SetupSection::SetBusy(std::initializer_list<QWidget*> controls, bool isBusy) {
+  for (QWidget* const control : controls) {
+    if (isBusy && window()->focusWidget() == control) {
+      m_focused = control;
+    }
+    control->setEnabled(!isBusy);
+  }
+  if (!isBusy && m_focused != nullptr) {
+    std::exchange(m_focused, nullptr)->setFocus();
+  }
+}
+
+void SetupSection::ShowText(QLabel& label, const QString& text) {
+  label.setText(text);
+  label.setVisible(!text.isEmpty());
+}
+
+void SetupSection::ShowNews(LiveLabel& label, const QString& text) {
+  label.setVisible(!text.isEmpty());
+  label.Announce(text);
+}
+
+}  // namespace home
