@@ -24,7 +24,6 @@ using platform::WaveResult;
 using testing::Each;
 using testing::ElementsAre;
 using testing::Field;
-using testing::IsEmpty;
 
 // Far above what a busy machine needs.
 constexpr std::chrono::seconds kLimit(60);

@@ -13,7 +13,6 @@ namespace {
 using language::LanguageChoice;
 using language::LanguageError;
 using language::OwnFile;
-using platform::FileError;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
