@@ -25,7 +25,7 @@ language::LanguageChoice MakeChoice(machine::Backends& backends, const SetupTool
 /// Returns the name of a language in that language, such as "Deutsch". An empty text means English.
 /// The library names a country too ("español de España") where a language has several. The shortest
 /// name is the one without.
-QString NameOf(const std::string& language) {
+QString LanguageName(const std::string& language) {
   const QString tag = language.empty() ? QStringLiteral("en") : QString::fromStdString(language);
   const QLocale locale(tag);
   QString name = locale.nativeLanguageName();
@@ -88,9 +88,9 @@ void LanguageSection::OnShown() {
 void LanguageSection::Show(const Found& found) {
   const QSignalBlocker blocker(m_languages);
   m_languages->clear();
-  m_languages->addItem(NameOf({}), QString());
+  m_languages->addItem(LanguageName({}), QString());
   for (const std::string& language : found.languages) {
-    m_languages->addItem(NameOf(language), QString::fromStdString(language));
+    m_languages->addItem(LanguageName(language), QString::fromStdString(language));
   }
   if (!found.current) {
     m_languages->addItem(Say(resources::kOwnLanguageFile));
@@ -123,7 +123,7 @@ void LanguageSection::Choose(const std::string& language, OwnFile ownFile) {
 void LanguageSection::ShowChoice(const std::string& language, const Chosen& chosen) {
   SetBusy({m_languages}, false);
   if (chosen.kept) {
-    QString news = Say(resources::kLanguageChosen).arg(NameOf(language));
+    QString news = Say(resources::kLanguageChosen).arg(LanguageName(language));
     if (!chosen.keptAt.empty()) {
       news += u' ' + Say(resources::kOwnLanguageKept).arg(QString::fromStdString(chosen.keptAt));
     }

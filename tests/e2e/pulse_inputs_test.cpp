@@ -27,8 +27,8 @@ using testing::Field;
 
 // Far above what a busy machine needs.
 constexpr std::chrono::seconds kLimit(60);
-constexpr std::size_t kTenthOfASecond = 2204;
-const std::vector<std::byte> kHum{std::byte{17}, std::byte{17}};
+constexpr std::size_t kShortRecording = 2204;
+const std::vector<std::byte> kSteadySound{std::byte{17}, std::byte{17}};
 
 /// Counts how often a watch has called.
 class Calls {
@@ -118,13 +118,13 @@ TEST_F(PulseInputs, TheChosenOneIsRecordedAlthoughTheServerHasAnotherDefault) {
   StartServer(PulseInput::kPipe);
   PlugHeadsetIn();
   ASSERT_EQ(std::system("pactl set-default-source headset"), 0);
-  const e2e::PipeMicrophone microphone(m_server->Pipe(), 11025, 1, kHum);
+  const e2e::PipeMicrophone microphone(m_server->Pipe(), 11025, 1, kSteadySound);
   m_chosen = u"fifo_input";
   pulse::PulseWaveIn waveIn([this] { return m_chosen; });
-  for (const std::byte heard : {kHum.front(), std::byte{0}}) {
+  for (const std::byte heard : {kSteadySound.front(), std::byte{0}}) {
     const auto device = waveIn.Open(e2e::kRecordingFormat);
     ASSERT_TRUE(device);
-    e2e::Recording recording(kTenthOfASecond);
+    e2e::Recording recording(kShortRecording);
     ASSERT_EQ(e2e::StartRecording(**device, recording), WaveResult::kOk);
     ASSERT_EQ(e2e::UnprepareWhilePlaying(**device, recording.header), WaveResult::kOk);
     EXPECT_THAT(recording.Sound(), Each(heard));
