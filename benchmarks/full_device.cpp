@@ -1,13 +1,19 @@
 #include "benchmarks/full_device.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
+#include <vector>
 
+#include "backends/headless/headless_ui.h"
 #include "backends/text/utf.h"
 #include "maintenance/math_version.h"
+#include "storage/device_paths.h"
 #include "storage/tag_record.h"
 #include "tags/contact_picker.h"
 #include "tags/tag_reader.h"
+#include "voicemath/template_file.h"
+#include "voicemath/voice_mathematics.h"
 
 namespace benchmarks {
 
@@ -23,19 +29,19 @@ std::string Person(int number) {
          "END:VCARD\r\n";
 }
 
-FullDevice::FullDevice()
+FullDevice::FullDevice(int contacts)
     : m_file((m_folder.Path() / "all.vcf").string()),
       m_files(m_folder.Text()),
       m_registry(m_folder.Path() / "registry.db"),
       m_store(m_files, m_registry) {
   std::ofstream file(m_file, std::ios::binary);
-  for (int i = 0; i < kContacts; ++i) {
+  for (int i = 0; i < contacts; ++i) {
     file << Person(i);
   }
   file.close();
-  const auto contacts = Open();
+  const auto store = Open();
   for (std::uint32_t i = 0; i < kTags; ++i) {
-    const auto contact = contacts->GetItem(static_cast<std::int32_t>(i) * 10 + 1);
+    const auto contact = store->GetItem(static_cast<std::int32_t>(i) * 10 + 1);
     const auto oid = (*contact)->GetOid();
     if (!oid || !m_store.WriteEntry(storage::TagNameOfTickCount(100'000 + i), *oid, u"Mobile")) {
       std::abort();
@@ -43,6 +49,33 @@ FullDevice::FullDevice()
   }
   // Nothing is to be computed again when the page opens.
   static_cast<void>(maintenance::UpdateVersion(m_registry));
+}
+
+void FullDevice::Record(const std::filesystem::path& samples) {
+  std::vector<std::filesystem::path> files;
+  for (const auto& entry : std::filesystem::directory_iterator(samples)) {
+    if (entry.path().extension() == ".wav") {
+      files.push_back(entry.path());
+    }
+  }
+  const auto onHost = [this](std::u16string_view path) {
+    std::string name = text::ToUtf8(path.substr(1));
+    std::ranges::replace(name, '\\', '/');
+    return m_folder.Path() / name;
+  };
+  std::filesystem::create_directories(onHost(storage::kWaveFolder));
+  std::filesystem::create_directories(onHost(storage::kTemplateFolder));
+  headless::HeadlessUi ui;
+  for (std::uint32_t i = 0; i < kTags; ++i) {
+    const std::u16string tag = storage::TagNameOfTickCount(100'000 + i);
+    voicemath::CVoiceMathematics mathematics(m_files, ui);
+    mathematics.m_wavePath = storage::WavePath(tag);
+    std::filesystem::copy_file(files.at(i % files.size()), onHost(mathematics.m_wavePath));
+    if (mathematics.LearnFile(0) != voicemath::kLearned ||
+        !voicemath::WriteTemplateFile(m_files, storage::TemplatePath(tag), mathematics)) {
+      std::abort();
+    }
+  }
 }
 
 std::unique_ptr<vcard::AddressBooks> FullDevice::Open() {

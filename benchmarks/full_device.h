@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <memory>
 #include <string>
 
@@ -19,11 +20,14 @@ inline constexpr std::uint32_t kTags = 100;
 /// Returns the vCard of a person with what address books usually hold; three numbers.
 [[nodiscard]] std::string Person(int number);
 
-/// A root folder with a thousand contacts next to it, and a tag without files for every tenth of
-/// them. Ends the program if that cannot be made.
+/// A root folder with contacts next to it, a thousand unless more are wanted, and a tag without
+/// files for every tenth of the first thousand. Ends the program if that cannot be made.
 class FullDevice {
  public:
-  FullDevice();
+  explicit FullDevice(int contacts = kContacts);
+
+  /// Gives each tag a recording and its template, of the recordings in a folder in turn.
+  void Record(const std::filesystem::path& samples);
 
   [[nodiscard]] std::string GetRoot() const { return m_folder.Path().string(); }
   /// Returns all contacts, as vCards.
