@@ -1,0 +1,120 @@
+#include <QApplication>
+#include <QGuiApplication>
+#include <QSettings>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "backends/qt/application.h"
+#include "backends/qt/icons.h"
+#include "backends/qt/strings.h"
+#include "backends/text/utf.h"
+#include "host/home/arguments.h"
+#include "host/home/likeness_page.h"
+#include "host/home/only_window.h"
+#include "host/home/other_programs.h"
+#include "host/home/store_work.h"
+#include "host/home/tags_window.h"
+#include "host/home/teaching_page.h"
+#include "host/machine/backends.h"
+#include "resources/desktop_strings.h"
+
+namespace {
+
+constexpr int kFailed = 1;
+
+// What a second program asks of the window, and its activation token after that.
+constexpr std::string_view kTeach = "teach ";
+constexpr std::string_view kShow = "show ";
+
+/// Without a usable display Qt reports a fatal message and then aborts. This ends the process
+/// before that, with an exit code and a message that helps.
+void ReportNoDisplay(QtMsgType type, const QMessageLogContext& /*context*/,
+                     const QString& /*text*/) {
+  if (type != QtFatalMsg) {
+    return;
+  }
+  static_cast<void>(std::fputs(
+      "voxtrel-home: There is no display to open a window on. Start it on a desktop, or set "
+      "DISPLAY or WAYLAND_DISPLAY to one that this user may use. Without a display, the command "
+      "line does the same work: voxtrel --help\n",
+      stderr));
+  std::_Exit(kFailed);
+}
+
+/// Returns the pages of the window. What they need outlives the window.
+home::TagsWindow::Settings MakeSettings(home::Work& work, machine::Backends& backends,
+                                        home::OtherPrograms& programs) {
+  home::TagsWindow::Settings settings;
+  settings.start = [&](const machine::Program& program, const QStringList& arguments) {
+    return programs.Start(program, arguments);
+  };
+  settings.openHelp = [&] { programs.OpenHelp(); };
+  settings.pages[home::PageId::kTeaching] = [&](home::Frame& frame) {
+    return std::make_unique<home::TeachingPage>(
+        work, frame,
+        home::Sound{backends.GetWaveIn(), backends.GetWaveOut(), backends.GetClock(),
+                    backends.GetThreads()});
+  };
+  settings.pages[home::PageId::kLikeness] = [&](home::Frame& frame) {
+    return std::make_unique<home::LikenessPage>(work, frame);
+  };
+  return settings;
+}
+
+int Show(const home::Arguments& arguments, const std::string& token) {
+  machine::Backends backends(arguments.machine);
+  if (!backends.HasRoot()) {
+    std::fprintf(stderr, "voxtrel-home: %s\n", text::ToUtf8(resources::kNoTagFolder).c_str());
+    return kFailed;
+  }
+  home::OnlyWindow only(qEnvironmentVariable("XDG_RUNTIME_DIR").toStdString(),
+                        backends.GetRoot().native());
+  if (!only.Claim(std::string(arguments.teaches ? kTeach : kShow) + token)) {
+    return 0;
+  }
+  home::StoreWork work(arguments.machine);
+  QSettings remembered(QSettings::IniFormat, QSettings::UserScope, QStringLiteral("voxtrel"),
+                       QStringLiteral("voxtrel-home"));
+  home::TagsWindow* shown = nullptr;
+  home::OtherPrograms programs(arguments.machine, [&shown](const QString& message) {
+    shown->Report({false, qt::ToText(message)});
+  });
+  home::TagsWindow window(work, remembered, MakeSettings(work, backends, programs));
+  shown = &window;
+  only.OnCall([&window](const std::string& message) {
+    const bool teaches = message.starts_with(kTeach);
+    if (teaches) {
+      window.ShowPage(home::PageId::kTeaching, {});
+    }
+    qt::BringWindowsForward(message.substr((teaches ? kTeach : kShow).size()));
+  });
+  if (arguments.teaches) {
+    window.ShowPage(home::PageId::kTeaching, {});
+  }
+  window.show();
+  return QApplication::exec();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const auto parsed = home::ParseArguments(argc, argv);
+  if (const int* exitCode = std::get_if<int>(&parsed)) {
+    return *exitCode;
+  }
+  const auto& arguments = std::get<home::Arguments>(parsed);
+  // The library takes it out of the environment.
+  const std::string token = qEnvironmentVariable("XDG_ACTIVATION_TOKEN").toStdString();
+  int ownArguments = 1;  // The rest was the program's.
+  const QtMessageHandler usual = qInstallMessageHandler(ReportNoDisplay);
+  const QApplication application(ownArguments, argv);
+  qInstallMessageHandler(usual);
+  qt::FollowDesktopLanguage();
+  QApplication::setApplicationName(QStringLiteral("voxtrel-home"));
+  QGuiApplication::setDesktopFileName(QStringLiteral("voxtrel"));
+  QApplication::setWindowIcon(qt::OwnIcon());
+  return arguments.isProbe ? 0 : Show(arguments, token);
+}
