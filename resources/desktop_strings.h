@@ -88,7 +88,9 @@ inline constexpr std::u16string_view kNoFullPath = u"its path is not a full one"
 inline constexpr std::u16string_view kIsNoApplet = u"is no applet: it has no %1";
 
 // The control panel about what is missing.
-inline constexpr std::u16string_view kNoContactsRead = u"No contacts could be read: %1.";
+inline constexpr std::u16string_view kNoContactsRead =
+    u"No contacts could be read: %1. You can choose other contacts in Voice tags, on the page "
+    u"Set-up.";
 inline constexpr std::u16string_view kNoContacts =
     u"No contacts were found. Add people with telephone numbers to the desktop's address book, or "
     u"save them as vCards in %1.";

@@ -42,6 +42,7 @@ DesktopOptions ReadDesktopOptions() {
   options.environment = desktop::ReadEnvironment();
   options.runtimeFolder = GetVariable("XDG_RUNTIME_DIR");
   options.activationToken = GetVariable("XDG_ACTIVATION_TOKEN");
+  options.isNewcomerWelcomed = !GetVariable("VOXTREL_WELCOMED").empty();
   options.helpFolders = FindHelpFolders(options.environment);
   return options;
 }
@@ -67,6 +68,7 @@ LibraryParts Desktop::GetParts() {
           m_module,
           WriteRecord<NewCplInfo>,
           qt::CanShowWindows,
+          !m_options.isNewcomerWelcomed,
           [] { qt::BringWindowsForward({}); }};
 }
 

@@ -25,6 +25,8 @@ struct DesktopOptions {
   std::string runtimeFolder;             ///< $XDG_RUNTIME_DIR.
   std::string activationToken;           ///< $XDG_ACTIVATION_TOKEN of the program that opened this.
   std::vector<std::string> helpFolders;  ///< Best first.
+  /// Whether the program that opened this shows already that there are no contacts.
+  bool isNewcomerWelcomed = false;
 };
 
 /// Call it before there is a second thread.

@@ -29,7 +29,9 @@ void ReportOnStandardError(std::u16string_view text) {
 
 Library::Library(LibraryParts parts)
     : m_parts(std::move(parts)), m_app(m_parts.platform, m_parts.module, m_parts.writeRecord) {
-  m_parts.backends.OnNoContacts([this] { WelcomeNewcomer(); });
+  if (m_parts.welcomesNewcomers) {
+    m_parts.backends.OnNoContacts([this] { WelcomeNewcomer(); });
+  }
 }
 
 void Library::WelcomeNewcomer() {

@@ -19,6 +19,8 @@ struct LibraryParts {
   RecordWriter writeRecord;
   /// Whether there is a screen for windows. Nothing is shown unless this has said so.
   std::function<bool()> hasScreen;
+  /// Whether a newcomer still has to hear where contacts are looked for.
+  bool welcomesNewcomers = true;
   /// Shows the windows that are open in front of those of other programs.
   std::function<void()> bringForward;
 };

@@ -16,21 +16,24 @@ namespace {
 
 struct FoundContacts {
   std::size_t count = 0;  ///< Of those with a telephone number.
-  std::string problem;    ///< Why there are none; empty if there are some.
-  std::vector<std::string> remarks;
+  std::string problem;    ///< Why there are none, and what helps; empty if there are some.
+  std::vector<std::string> remarks = {};
+  std::string reason = {};  ///< The problem without what helps; empty if nothing helps here.
 };
 
 FoundContacts FindContacts(Session& session) {
   const platform::Platform platform = session.GetPlatform();
   if (!tags::OpenContacts(session.GetContacts(), platform.clock)) {
-    return {0, session::ExplainContactsProblem(session), session::DescribeContactRemarks(session)};
+    return {0, session::ExplainContactsProblem(session), session::DescribeContactRemarks(session),
+            session::ExplainContactsReason(session)};
   }
   if (session.GetContacts().GetProblem() == vcard::AddressBooks::Problem::kNothingChosen) {
-    return {0, session::ExplainContactsProblem(session), {}};
+    return {
+        0, session::ExplainContactsProblem(session), {}, session::ExplainContactsReason(session)};
   }
   const auto contacts = session::ListContacts(session, language::Texts(nullptr));
   if (!contacts) {
-    return {0, "the contacts cannot be listed", {}};
+    return {0, "the contacts cannot be listed"};
   }
   return {contacts->size(), contacts->empty() ? "no contact has a telephone number" : "",
           session::DescribeContactRemarks(session)};
@@ -59,6 +62,10 @@ void ShowStatus(Session& session) {
   const std::uint32_t microphones = session.GetPlatform().waveIn.GetDeviceCount();
   if (session.GetOptions().json) {
     Json ofContacts = {{"count", contacts.count}, {"problem", contacts.problem}};
+    // What helps is for people who type commands. A window has its own.
+    if (!contacts.reason.empty()) {
+      ofContacts["reason"] = contacts.reason;
+    }
     if (!contacts.remarks.empty()) {
       ofContacts["remarks"] = contacts.remarks;
     }

@@ -56,7 +56,10 @@ std::optional<Equipment> ParseEquipment(const QByteArray& json) {
   if (!count.isDouble() || !microphones.isDouble()) {
     return std::nullopt;
   }
-  return Equipment{count.toInt(), contacts[QStringLiteral("problem")].toString(),
+  // The problem ends with what helps on the command line, and the reason does not.
+  const QString reason = contacts[QStringLiteral("reason")].toString();
+  return Equipment{count.toInt(),
+                   reason.isEmpty() ? contacts[QStringLiteral("problem")].toString() : reason,
                    microphones.toInt()};
 }
 

@@ -19,7 +19,7 @@ namespace panel {
 /// What the voice dialer's applet finds on this machine.
 struct Equipment {
   int contacts = 0;
-  QString contactsProblem;  ///< Why there are none, and what helps; can be empty.
+  QString contactsProblem;  ///< Why there are none; can be empty.
   int microphones = 0;
 };
 

@@ -60,8 +60,12 @@ void OpenApplets::Open(const AppletChoice& choice) {
   events.shown = [this, opening] { m_events.shown(opening); };
   Entry& entry = m_open[key];
   entry.choice = choice;
+  QStringList environment = choice.environment;
+  if (choice.isNewcomerWelcomed) {
+    environment.append(QStringLiteral("VOXTREL_WELCOMED=1"));
+  }
   entry.applet = std::make_unique<OpenedApplet>(
-      OpenedApplet::Start{m_settings.program, choice.library, choice.number, choice.environment,
+      OpenedApplet::Start{m_settings.program, choice.library, choice.number, environment,
                           m_settings.patience, choice.remark},
       std::move(events));
 }

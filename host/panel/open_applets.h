@@ -25,6 +25,8 @@ struct AppletChoice {
   /// Of several choices of one group, one is open: to open another one closes it first. Empty for
   /// a choice without a group.
   QString group = {};
+  /// Whether the panel shows already that there are no contacts.
+  bool isNewcomerWelcomed = false;
 };
 
 /// The applets that are open, each at most once. Reports to the user how each of them fares: in the

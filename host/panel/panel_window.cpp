@@ -229,8 +229,11 @@ void PanelWindow::DescribeCurrent() {
 void PanelWindow::OpenCurrent() {
   const QListWidgetItem* const item = m_list->currentItem();
   if (item != nullptr) {
-    m_applets.Open(
-        {item->data(kLibraryRole).toString(), item->data(kNumberRole).toInt(), item->text(), {}});
+    AppletChoice choice{
+        item->data(kLibraryRole).toString(), item->data(kNumberRole).toInt(), item->text(), {}};
+    // What the bar says, no applet needs to say once more.
+    choice.isNewcomerWelcomed = m_lacksContacts && m_notice->isVisible();
+    m_applets.Open(choice);
   }
 }
 
@@ -268,6 +271,7 @@ void PanelWindow::OnEquipment(const Equipment& equipment) {
           this, [this] { LookForEquipment(); }, Qt::QueuedConnection);
     });
   }
+  m_lacksContacts = equipment.contacts == 0;
   const QString missing = DescribeMissing(equipment);
   if (std::exchange(m_missing, missing) == missing && !missing.isEmpty()) {
     return;  // The user may have hidden the bar.

@@ -76,6 +76,7 @@ class PanelWindow : public QMainWindow {
   QLabel* m_status = nullptr;
   QAction* m_open = nullptr;
   QMenu* m_samples = nullptr;
+  bool m_lacksContacts = false;  ///< As the bar says.
   NoticeBar* m_notice = nullptr;
 };
 

@@ -59,10 +59,9 @@ std::vector<std::string> DescribeContactRemarks(Session& session) {
   return described;
 }
 
-std::string ExplainContactsProblem(Session& session) {
+std::string ExplainContactsReason(Session& session) {
   const std::string& reason = session.GetContacts().GetReason();
   const std::string because = reason.empty() ? std::string() : " (" + reason + ")";
-  const auto advise = [&session](Matter matter) { return session.GetOutlet().Advise(matter); };
   const std::optional<Problem> problem = session.GetContacts().GetProblem();
   if (!problem) {
     return "the contacts cannot be read";
@@ -71,21 +70,33 @@ std::string ExplainContactsProblem(Session& session) {
     case Problem::kStore:
       return ExplainStoreProblem(session);
     case Problem::kNoServer:
-      return fmt::format("the desktop's address books do not answer{}{}", because,
-                         advise(Matter::kNoDesktopBooks));
+      return fmt::format("the desktop's address books do not answer{}", because);
     case Problem::kUnreadable:
-      return fmt::format("the chosen address book is missing or cannot be read to its end{}{}",
-                         because, advise(Matter::kUnreadableAddressBook));
+      return fmt::format("the chosen address book is missing or cannot be read to its end{}",
+                         because);
     case Problem::kNothingChosen:
-      return fmt::format("there are no contacts: the desktop has none{}, and there is no {}{}",
+      return fmt::format("there are no contacts: the desktop has none{}, and there is no {}",
                          because,
-                         (session.GetRegistryPath().parent_path() / "contacts.vcf").string(),
-                         advise(Matter::kNoContacts));
+                         (session.GetRegistryPath().parent_path() / "contacts.vcf").string());
     case Problem::kTagsElsewhere:
       break;
   }
   return "voice tags belong to contacts that this address book does not have; nothing was "
          "changed. Choose the address book they were recorded with, or delete the tags";
+}
+
+std::string ExplainContactsProblem(Session& session) {
+  const auto advise = [&session](Matter matter) { return session.GetOutlet().Advise(matter); };
+  std::string advice;
+  const std::optional<Problem> problem = session.GetContacts().GetProblem();
+  if (problem == Problem::kNoServer) {
+    advice = advise(Matter::kNoDesktopBooks);
+  } else if (problem == Problem::kUnreadable) {
+    advice = advise(Matter::kUnreadableAddressBook);
+  } else if (problem == Problem::kNothingChosen) {
+    advice = advise(Matter::kNoContacts);
+  }
+  return ExplainContactsReason(session) + advice;
 }
 
 }  // namespace session

@@ -27,7 +27,10 @@ struct ListedContact {
 /// Returns what the latest log-on to the contacts passed over, each as "FILE:LINE: sentence".
 [[nodiscard]] std::vector<std::string> DescribeContactRemarks(Session& session);
 
-/// Returns why a log-on to the contacts failed or found none, with what the user can do about it.
+/// Returns why a log-on to the contacts failed or found none.
+[[nodiscard]] std::string ExplainContactsReason(Session& session);
+
+/// Returns the same with what the user can do about it.
 [[nodiscard]] std::string ExplainContactsProblem(Session& session);
 
 }  // namespace session

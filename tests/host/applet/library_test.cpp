@@ -57,6 +57,7 @@ class Library : public testing::Test {
             m_module,
             applet::WriteRecord<applet::NewCplInfo>,
             [this] { return m_hasScreen; },
+            true,
             [this] { ++m_broughtForward; }};
   }
 
@@ -180,6 +181,16 @@ TEST_F(Library, TellsANewcomerWhereContactsAreLookedForAndOpensWithoutAny) {
             "No contacts were found. Add people with telephone numbers to the desktop's address "
             "book, or save them as vCards in " +
                 Path("root/contacts.vcf") + ".");
+}
+
+TEST_F(Library, TellsANewcomerNothingIfThePanelThatOpensItSaysItAlready) {
+  ASSERT_EQ(::setenv("DBUS_SESSION_BUS_ADDRESS", ("unix:path=" + Path("no-bus")).c_str(), 1), 0);
+  m_options.contacts.clear();
+  applet::LibraryParts parts = Parts();
+  parts.welcomesNewcomers = false;
+  applet::Library library(parts);
+  EXPECT_EQ(Send(library, CplMessage::kDblClk), 0);
+  EXPECT_TRUE(m_machine.ui.GetMessages().empty());
 }
 
 TEST_F(Library, WithoutAScreenSaysSoOnStandardErrorAndOpensNothing) {

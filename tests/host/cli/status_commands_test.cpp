@@ -54,6 +54,10 @@ TEST_F(StatusCommands, PrintJson) {
   const auto empty = nlohmann::json::parse(Status({"--json", "--contacts", "/no.vcf"}).out);
   EXPECT_EQ(empty["contacts"]["count"], 0);
   EXPECT_THAT(empty["contacts"]["problem"], testing::HasSubstr("is missing"));
+  EXPECT_THAT(empty["contacts"]["problem"], testing::HasSubstr("--contacts"));
+  EXPECT_THAT(empty["contacts"]["reason"], testing::HasSubstr("is missing"));
+  EXPECT_THAT(empty["contacts"]["reason"], testing::Not(testing::HasSubstr("--contacts")))
+      << "A window has options of its own.";
   EXPECT_EQ(empty["microphones"], 0);
 }
 

@@ -16,6 +16,14 @@ TEST(Equipment, IsReadFromTheCommandLinesAnswer) {
   EXPECT_EQ(equipment->microphones, 1);
 }
 
+TEST(Equipment, IsMissingForAReasonWithoutTheOptionsOfTheCommandLine) {
+  const auto equipment = panel::ParseEquipment(
+      R"({"contacts":{"count":0,"problem":"it is away; choose one with --contacts FILE",)"
+      R"("reason":"it is away"},"microphones":1})");
+  ASSERT_TRUE(equipment);
+  EXPECT_EQ(equipment->contactsProblem, QStringLiteral("it is away"));
+}
+
 TEST(Equipment, IsNotGuessedFromAnythingElse) {
   EXPECT_FALSE(panel::ParseEquipment(""));
   EXPECT_FALSE(panel::ParseEquipment("The following argument was not expected: status"));
@@ -32,7 +40,8 @@ TEST(Equipment, ThatIsMissingIsNamedWithWhatHelps) {
   EXPECT_TRUE(both.contains(QStringLiteral("No contacts were found. Add people")));
   EXPECT_TRUE(both.contains(QStringLiteral("No microphone was found. Plug one in")));
   EXPECT_EQ(panel::DescribeMissing({0, QStringLiteral("the file is gone"), 1}),
-            QStringLiteral("No contacts could be read: the file is gone."));
+            QStringLiteral("No contacts could be read: the file is gone. You can choose other "
+                           "contacts in Voice tags, on the page Set-up."));
   EXPECT_FALSE(panel::DescribeMissing({0, {}, 1}).contains(QStringLiteral("microphone")));
   EXPECT_FALSE(panel::DescribeMissing({1, {}, 0}).contains(QStringLiteral("contacts")));
 }

@@ -315,16 +315,42 @@ TEST_F(Panel, CanBeReadByAScreenReader) {
   EXPECT_EQ(list->child(0)->text(QAccessible::Description), Applet("good"));
 }
 
-TEST_F(Panel, ShowsANewcomerWhatIsMissing) {
-  const QTemporaryDir folder;
-  QFile script(folder.filePath(QStringLiteral("voxtrel")));
-  ASSERT_TRUE(script.open(QIODevice::WriteOnly));
-  script.write(
-      "#!/bin/sh\n[ \"$*\" = '--json status' ] || exit 1\n"
-      "echo '{\"contacts\":{\"count\":0,\"problem\":\"\"},\"microphones\":0}'\n");
-  script.close();
-  script.setPermissions(QFile::ReadOwner | QFile::ExeOwner);
-  m_settings.commandLine = script.fileName();
+/// On a machine without contacts and without a microphone.
+class NewcomersPanel : public Panel {
+ protected:
+  void SetUp() override {
+    Panel::SetUp();
+    QFile script(m_folder.filePath(QStringLiteral("voxtrel")));
+    ASSERT_TRUE(script.open(QIODevice::WriteOnly));
+    script.write(
+        "#!/bin/sh\n[ \"$*\" = '--json status' ] || exit 1\n"
+        "echo '{\"contacts\":{\"count\":0,\"problem\":\"\"},\"microphones\":0}'\n");
+    script.close();
+    script.setPermissions(QFile::ReadOwner | QFile::ExeOwner);
+    m_settings.commandLine = script.fileName();
+  }
+
+  const QTemporaryDir m_folder;
+};
+
+TEST_F(NewcomersPanel, DoesNotLetTheAppletSayOnceMoreWhatTheBarSays) {
+  for (const bool isHidden : {false, true}) {
+    AppletTrace trace;
+    trace.Stay();
+    m_settings.places.clear();
+    Show({"good"});
+    auto* const notice = m_window->findChild<QLabel*>(QStringLiteral("noticeText"));
+    ASSERT_TRUE(Until([&] { return notice->isVisible(); }));
+    ASSERT_TRUE(WaitForName("Alpha"));
+    notice->parentWidget()->setHidden(isHidden);
+    Press(Qt::Key_Return);
+    ASSERT_TRUE(Until([&] { return trace.Lines().contains(QStringLiteral("shown")); }));
+    EXPECT_EQ(trace.Lines().contains(QStringLiteral("welcomed")), !isHidden);
+    trace.Leave();
+  }
+}
+
+TEST_F(NewcomersPanel, ShowsANewcomerWhatIsMissing) {
   Show({"good"});
   const auto* const notice = m_window->findChild<QLabel*>(QStringLiteral("noticeText"));
   EXPECT_FALSE(notice->isVisible());

@@ -84,6 +84,9 @@ class Window : public QWidget {
     });
     timer.start(20);
     showMinimized();
+    if (!FromEnvironment("VOXTREL_WELCOMED").empty()) {
+      Log("welcomed");
+    }
     Log("shown");
     if (const QString remark = QGuiApplication::applicationDisplayName(); remark.contains(u' ')) {
       Log("as " + remark.toStdString());
