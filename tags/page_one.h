@@ -67,6 +67,12 @@ class Page_one : public framework::CPropertyPage, private maintenance::TagSessio
   /// reason.
   [[nodiscard]] std::optional<platform::FileError> GetLearnError() const { return m_learnError; }
 
+  /// From now on `listener` is called with the path of each recording, whole as it was made, before
+  /// the speech is cut out of it.
+  void OnRecorded(std::function<void(const std::u16string& path)> listener) {
+    m_onRecorded = std::move(listener);
+  }
+
  private:
   /// One line of the list. The rows of the tag table are counted from the registry and so are not
   /// the lines: a tag whose contact has gone keeps its row and has no line.
@@ -147,7 +153,8 @@ class Page_one : public framework::CPropertyPage, private maintenance::TagSessio
   std::unique_ptr<platform::Thread> m_reinitWorker;  ///< While its dialog runs.
   std::shared_ptr<audio::WaveDevice> m_audio;        ///< Shared with the worker of a recording.
   std::u16string m_recordingPath;
-  std::u16string m_listText;  ///< Of the tag listed last.
+  std::function<void(const std::u16string& path)> m_onRecorded;  ///< Can be null.
+  std::u16string m_listText;                                     ///< Of the tag listed last.
   std::vector<ListedTag> m_lines;
   std::unique_ptr<storage::Deletion> m_cleanUp;  ///< While the list is loaded.
   /// Recordings that were not waited for any longer. They use nothing of the page's.

@@ -134,6 +134,9 @@ void Page_one::EndLateWorkers() {
 // The parts of a tag in their order: the recording is there already and is cut to the name, then
 // the template, then the entry. Only the entry makes them a tag.
 bool Page_one::StoreTag(std::u16string_view tagName) {
+  if (m_onRecorded) {
+    m_onRecorded(m_recordingPath);
+  }
   m_mathematics.m_wavePath = m_recordingPath;
   if (m_mathematics.LearnFile(0) != voicemath::kLearned) {
     m_learnError = m_mathematics.m_trimError;

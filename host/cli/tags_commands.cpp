@@ -22,12 +22,14 @@
 #include "resources/dialogs.h"
 #include "storage/device_paths.h"
 #include "storage/tag_store.h"
+#include "voicemath/recording_review.h"
 
 namespace cli {
 namespace {
 
 using resources::kRecordButtonId;
 using resources::kTagListId;
+using voicemath::Verdict;
 
 /// Returns the tag of a line of the page.
 tags::ListedTag ReadTagOfLine(Session& session, const session::PageRun& run, std::int32_t index) {
@@ -98,8 +100,43 @@ bool CanHear(Session& session) {
   return opened.has_value();
 }
 
+/// Judges each recording of a page while it is whole. A long name is cut shorter than it was said.
+/// That is no fault of the user, who is not warned of it as of a recording that began too late.
+class WholeTake {
+ public:
+  WholeTake(Session& session, tags::Page_one& page) : m_page(page) {
+    m_page.OnRecorded([this, &session](const std::u16string& path) {
+      const platform::Platform platform = session.GetPlatform();
+      const auto mathematics =
+          std::make_unique<voicemath::CVoiceMathematics>(platform.files, platform.ui);
+      mathematics->m_wavePath = path;
+      m_quality = voicemath::JudgeRecording(*mathematics);
+    });
+  }
+  WholeTake(const WholeTake&) = delete;
+  WholeTake& operator=(const WholeTake&) = delete;
+  ~WholeTake() { m_page.OnRecorded(nullptr); }
+
+  /// Takes the verdicts out that the recording had not when it was whole.
+  void Correct(maintenance::TagQuality& quality) const {
+    if (!m_quality || !quality.take) {
+      return;
+    }
+    std::erase_if(quality.take->verdicts, [&](Verdict verdict) {
+      const bool isOfCutting = verdict == Verdict::kCutStart || verdict == Verdict::kCutEnd;
+      return isOfCutting && std::ranges::count(m_quality->verdicts, verdict) == 0;
+    });
+  }
+
+ private:
+  tags::Page_one& m_page;
+  platform::Result<voicemath::TakeQuality, voicemath::ReviewError> m_quality =
+      platform::Failure(voicemath::ReviewError::kNotOpened);
+};
+
 /// Says what is wrong with a tag that has just been learned, and prints it as `tags list` does.
-void PrintLearned(Session& session, session::PageRun& run, std::int32_t index) {
+void PrintLearned(Session& session, session::PageRun& run, std::int32_t index,
+                  const WholeTake& take) {
   const std::int32_t count = run.dialog.GetItemCount(kTagListId);
   std::vector<tags::ListedTag> tags;
   tags.reserve(static_cast<std::size_t>(count));
@@ -108,7 +145,8 @@ void PrintLearned(Session& session, session::PageRun& run, std::int32_t index) {
   }
   const std::vector<maintenance::JudgedTag> judged = session::ToJudged(tags);
   const auto place = static_cast<std::size_t>(index);
-  const auto quality = maintenance::JudgeTag(session.GetPlatform(), judged, place);
+  auto quality = maintenance::JudgeTag(session.GetPlatform(), judged, place);
+  take.Correct(quality);
   const std::vector<std::string> warnings = session::DescribeAll(quality, tags);
   for (const std::string& warning : warnings) {
     PrintErrorLine("voxtrel: warning: the recording: " + warning);
@@ -138,6 +176,7 @@ void Learn(Session& session, const std::string& contact, const std::string& kind
       PrintErrorLine("Say the name now: three seconds are recorded, then you hear it.");
     }
     const int before = run.dialog.GetItemCount(kTagListId);
+    const WholeTake take(session, run.page);
     {
       const session::QuickScope quick(session.GetClock(),
                                       session.HearsFile() && session.PlaysIntoFile());
@@ -151,7 +190,7 @@ void Learn(Session& session, const std::string& contact, const std::string& kind
       session.Fail("no tag was learned" + (reason.empty() ? "" : ": " + reason));
       return;
     }
-    PrintLearned(session, run, before);
+    PrintLearned(session, run, before, take);
     const int code = run.page.GetPlayCode();
     if (!session.GetOptions().json && code != audio::kPlayed) {
       PrintErrorLine(
