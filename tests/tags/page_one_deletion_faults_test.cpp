@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "resources/fault_strings.h"
 #include "tests/tags/each_fault.h"
 
 namespace {

@@ -1,3 +1,4 @@
+#include "resources/fault_strings.h"
 #include "storage/registry_keys.h"
 #include "storage/tag_record.h"
 #include "tests/support/results.h"
