@@ -30,7 +30,8 @@ add_custom_command(
   VERBATIM)
 add_custom_target(rendered_pictures ALL DEPENDS "${rendered}/stamp")
 install(DIRECTORY "${rendered}/icons" DESTINATION share)
-install(FILES "${PROJECT_SOURCE_DIR}/host/panel/voxtrel-panel.desktop"
+install(FILES "${PROJECT_SOURCE_DIR}/host/home/voxtrel.desktop"
+              "${PROJECT_SOURCE_DIR}/host/panel/voxtrel-panel.desktop"
         DESTINATION share/applications)
 
 # The same places in the build tree.

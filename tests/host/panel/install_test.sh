@@ -16,7 +16,7 @@ mkdir "$scratch/home"
 mv "$scratch/first" "$scratch/home/.local"
 cd "$scratch/home/.local"
 
-for file in bin/voxtrel bin/voxtrel-connection bin/voxtrel-panel lib/voxtrel/voxtrel.cpl \
+for file in bin/voxtrel bin/voxtrel-connection bin/voxtrel-home bin/voxtrel-panel lib/voxtrel/voxtrel.cpl \
   share/voxtrel/help/ZedraVoxtrelPE_help.htm share/voxtrel/languages/Voxtrel.lng share/voxtrel/samples/contacts.vcf \
   share/icons/hicolor/scalable/apps/voxtrel.svg; do
   [ -s $file ] || fail "$file is missing"
@@ -24,7 +24,7 @@ done
 for size in 16 22 24 32 48 64 128 256; do
   [ -s share/icons/hicolor/${size}x$size/apps/voxtrel.png ] || fail "no icon of $size pixels"
 done
-desktop-file-validate share/applications/voxtrel-panel.desktop
+desktop-file-validate share/applications/voxtrel.desktop share/applications/voxtrel-panel.desktop
 
 use() {
   bin/voxtrel --root "$scratch/root" --speaker "$scratch/heard.wav" \
@@ -50,6 +50,13 @@ if said=$(bin/voxtrel-panel 2>&1); then
   fail "the panel opened without a display"
 fi
 grep -F 'There is no display' <<<"$said"
+
+bin/voxtrel-home --version
+if said=$(bin/voxtrel-home --root "$scratch/root" 2>&1); then
+  fail "the window of the voice tags opened without a display"
+fi
+grep -F 'There is no display' <<<"$said"
+QT_QPA_PLATFORM=offscreen bin/voxtrel-home --root "$scratch/root" --probe || fail "no window on a display"
 
 inquire() {
   bin/voxtrel-panel --inquire "$1" | grep -aq 's.v.g\|svg'
