@@ -19,12 +19,12 @@ inline constexpr std::u16string_view kContactsOfFile =
 inline constexpr std::u16string_view kContactsOfDefault =
     u"You have chosen no address book yet. So the people whom you can teach are those of the "
     u"desktop's address books, or, if it has none, those of %1.";
-inline constexpr std::u16string_view kOnePerson = u"It has 1 person with a telephone number.";
-inline constexpr std::u16string_view kManyPeople = u"It has %1 people with telephone numbers.";
+inline constexpr std::u16string_view kOnePerson = u"1 person with a telephone number was found.";
+inline constexpr std::u16string_view kManyPeople = u"%1 people with telephone numbers were found.";
 inline constexpr std::u16string_view kNoPerson =
-    u"Nobody in it has a telephone number. Add numbers to the people whom you want to call.";
-inline constexpr std::u16string_view kOneRemark = u"1 place in it could not be read:";
-inline constexpr std::u16string_view kManyRemarks = u"%1 places in it could not be read:";
+    u"Nobody with a telephone number was found. Add numbers to the people whom you want to call.";
+inline constexpr std::u16string_view kOneRemark = u"1 place could not be read:";
+inline constexpr std::u16string_view kManyRemarks = u"%1 places could not be read:";
 inline constexpr std::u16string_view kBookRule =
     u"Each voice tag belongs to a person. So another address book is only taken if it has the "
     u"people of all your voice tags.";

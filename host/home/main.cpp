@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "backends/posix/library.h"
 #include "backends/qt/application.h"
 #include "backends/qt/icons.h"
 #include "backends/qt/strings.h"
@@ -15,6 +16,7 @@
 #include "host/home/likeness_page.h"
 #include "host/home/only_window.h"
 #include "host/home/other_programs.h"
+#include "host/home/setup_page.h"
 #include "host/home/store_work.h"
 #include "host/home/tags_window.h"
 #include "host/home/teaching_page.h"
@@ -45,21 +47,24 @@ void ReportNoDisplay(QtMsgType type, const QMessageLogContext& /*context*/,
 }
 
 /// Returns the pages of the window. What they need outlives the window.
-home::TagsWindow::Settings MakeSettings(home::Work& work, machine::Backends& backends,
+home::TagsWindow::Settings MakeSettings(const machine::Options& options, home::Work& work,
+                                        home::Sound sound, platform::WaveInputs& inputs,
                                         home::OtherPrograms& programs) {
   home::TagsWindow::Settings settings;
   settings.start = [&](const machine::Program& program, const QStringList& arguments) {
     return programs.Start(program, arguments);
   };
   settings.openHelp = [&] { programs.OpenHelp(); };
-  settings.pages[home::PageId::kTeaching] = [&](home::Frame& frame) {
-    return std::make_unique<home::TeachingPage>(
-        work, frame,
-        home::Sound{backends.GetWaveIn(), backends.GetWaveOut(), backends.GetClock(),
-                    backends.GetThreads()});
+  settings.pages[home::PageId::kTeaching] = [&work, sound](home::Frame& frame) {
+    return std::make_unique<home::TeachingPage>(work, frame, sound);
   };
   settings.pages[home::PageId::kLikeness] = [&](home::Frame& frame) {
     return std::make_unique<home::LikenessPage>(work, frame);
+  };
+  settings.pages[home::PageId::kSetup] = [&, sound, start = settings.start](home::Frame&) {
+    return std::make_unique<home::SetupPage>(home::SetupTools{
+        options, work, sound, inputs,
+        machine::Places(posix::FindOwnFile()).GetDataFolder() / "languages", start});
   };
   return settings;
 }
@@ -75,6 +80,10 @@ int Show(const home::Arguments& arguments, const std::string& token) {
   if (!only.Claim(std::string(arguments.teaches ? kTeach : kShow) + token)) {
     return 0;
   }
+  // The sound library wants to be set up before there is a second thread.
+  const home::Sound sound{backends.GetWaveIn(), backends.GetWaveOut(), backends.GetClock(),
+                          backends.GetThreads()};
+  platform::WaveInputs& inputs = backends.GetWaveInputs();
   home::StoreWork work(arguments.machine);
   QSettings remembered(QSettings::IniFormat, QSettings::UserScope, QStringLiteral("voxtrel"),
                        QStringLiteral("voxtrel-home"));
@@ -82,7 +91,8 @@ int Show(const home::Arguments& arguments, const std::string& token) {
   home::OtherPrograms programs(arguments.machine, [&shown](const QString& message) {
     shown->Report({false, qt::ToText(message)});
   });
-  home::TagsWindow window(work, remembered, MakeSettings(work, backends, programs));
+  home::TagsWindow window(work, remembered,
+                          MakeSettings(arguments.machine, work, sound, inputs, programs));
   shown = &window;
   only.OnCall([&window](const std::string& message) {
     const bool teaches = message.starts_with(kTeach);
