@@ -32,6 +32,10 @@ declare -A groups=(
   [windows]='
     g++-mingw-w64-x86-64-posix wine64
   '
+  # To make the Debian package, and to try it on a clean machine.
+  [package]='
+    appstream bash desktop-file-utils dpkg-dev file fish gzip lintian man-db mmdebstrap python3 zsh
+  '
   # What the speech mathematics are measured with and against.
   [benchmark]='
     libaubio-dev libfftw3-dev valgrind

@@ -3,9 +3,10 @@
 // The command line starts this program with the root folder that it uses. So `voxtrel` itself is
 // not linked with the window library.
 
+#include <CLI/CLI.hpp>
 #include <QApplication>
-#include <cstdio>
 #include <filesystem>
+#include <string>
 
 #include "backends/posix/posix_file_system.h"
 #include "backends/posix/posix_threads.h"
@@ -68,15 +69,21 @@ void Run(const std::filesystem::path& root) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  const QApplication application(argc, argv);
-  const QStringList arguments = QApplication::arguments();
-  constexpr int kArgumentCount = 2;
-  if (arguments.size() != kArgumentCount) {
-    std::fputs("usage: voxtrel-connection ROOT\n", stderr);
-    return kWrongUsage;
+  CLI::App app("The settings of the dialer's serial port, in a window.", "voxtrel-connection");
+  app.footer(
+      "Examples:\n  voxtrel-connection ~/.local/share/voxtrel    as `voxtrel connection` does");
+  app.set_version_flag("--version", "voxtrel-connection " VOXTREL_VERSION);
+  std::string root;
+  app.add_option("ROOT", root, "The folder of the voice tags and settings")->required();
+  // Before the window library looks for a screen: the help needs none.
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? 0 : kWrongUsage;
   }
+  const QApplication application(argc, argv);
   qt::FollowDesktopLanguage();
   QApplication::setWindowIcon(qt::OwnIcon());
-  Run(arguments.at(1).toStdString());
+  Run(root);
   return 0;
 }

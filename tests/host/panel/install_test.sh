@@ -46,6 +46,7 @@ listed=$(bin/voxtrel --root "$scratch/letters" --contacts "$scratch/letters.vcf"
 [[ $listed == *Ä1*Z1* ]] || fail "the numbers are in another order: $listed"
 
 bin/voxtrel-panel --version
+bin/voxtrel-connection --help | grep -qF ROOT || fail "the connection window has no help without a display"
 if said=$(bin/voxtrel-panel 2>&1); then
   fail "the panel opened without a display"
 fi
