@@ -44,6 +44,10 @@ inline constexpr std::u16string_view kTakeIsNoisy =
 inline constexpr std::u16string_view kTakeRoomIsLoud = u"The room is loud.";
 inline constexpr std::u16string_view kTakeIsTooAlike =
     u"It sounds like the name of another number.";
+inline constexpr std::u16string_view kTagStartIsCut =
+    u"The voice tag begins in the middle of the name. Speak a little later, or say a shorter name.";
+inline constexpr std::u16string_view kTagEndIsCut =
+    u"The voice tag ends in the middle of the name. Speak a little earlier, or say a shorter name.";
 /// "%1" is the person of the other tag.
 inline constexpr std::u16string_view kTagIsTooAlike =
     u"It sounds like %1. The dialer may take one for the other.";

@@ -51,6 +51,10 @@ inline constexpr std::u16string_view kMicrophoneRefusedAdvice =
 inline constexpr std::u16string_view kTakeIsLost = u"The microphone was lost";
 inline constexpr std::u16string_view kTakeIsLostAdvice =
     u"Too little was heard to learn a name. Check the microphone and record again.";
+inline constexpr std::u16string_view kTakeLosesStart =
+    u"The name is long. Its beginning is left out of the voice tag: only the marked part is kept.";
+inline constexpr std::u16string_view kTakeLosesEnd =
+    u"The name is long. Its end is left out of the voice tag: only the marked part is kept.";
 /// "%1" is a person.
 inline constexpr std::u16string_view kTakeIsLike =
     u"It sounds like %1. The dialer may take one for the other.";

@@ -39,8 +39,8 @@ void LiveLabel::Announce(const QString& text) {
 
 void LiveLabel::Tell(const QString& text) {
   setAccessibleName(text);
-  if (!text.isEmpty()) {
-    // Screen readers say a notification when it appears.
+  // Screen readers say a notification when it appears. The library reports that by itself.
+  if (!text.isEmpty() && isVisible()) {
     QAccessibleEvent event(this, QAccessible::ObjectShow);
     QAccessible::updateAccessibility(&event);
   }

@@ -19,7 +19,7 @@ class LiveLabel : public QLabel {
   explicit LiveLabel(QWidget* parent);
 
   /// Shows the text, and lets screen readers say it if it is not empty, also if it is the same as
-  /// before.
+  /// before. If the label is out of sight, they say it when it comes into sight.
   void Announce(const QString& text);
   /// Lets screen readers say something, and leaves what is shown.
   void Tell(const QString& text);

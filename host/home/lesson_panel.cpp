@@ -205,11 +205,11 @@ void LessonPanel::MakeButtons(const Acts& acts) {
 }
 
 void LessonPanel::ShowHint(const QString& title, const QString& text) {
-  m_stage->setCurrentWidget(m_hintPage);
   if (m_hintTitle->text() != title) {
     m_hintTitle->Announce(title);
   }
   m_hint->setText(text);
+  m_stage->setCurrentWidget(m_hintPage);
   m_wave->Clear();
 }
 
@@ -243,7 +243,6 @@ void LessonPanel::ShowProgress(const TakeProgress& progress) {
     ShowHint(Say(resources::kNoMicrophoneYet), Say(resources::kNoMicrophoneYetAdvice));
     return;
   }
-  m_stage->setCurrentWidget(m_recordingPage);
   const bool isSpeaking = progress.stage == Stage::kSpeak;
   // Screen readers say "Speak now" before the tone: later they would be in the recording.
   const QString cue = Say(isSpeaking ? resources::kSpeakNow : resources::kGetReady);
@@ -251,6 +250,7 @@ void LessonPanel::ShowProgress(const TakeProgress& progress) {
     m_cue->setText(cue);
     m_cue->setAccessibleName(cue);
   }
+  m_stage->setCurrentWidget(m_recordingPage);
   if (progress.stage == Stage::kCue) {
     m_cue->Tell(Say(resources::kSpeakNow));
   }
@@ -275,13 +275,19 @@ void LessonPanel::ShowTake(const HeardTake& take) {
     m_record->setFocus();
     return;
   }
-  m_stage->setCurrentWidget(m_takePage);
   m_wave->SetWave(take.samples, take.kept);
   m_sentences.clear();
   for (const voicemath::Verdict verdict : take.quality.verdicts) {
     m_sentences.append(DescribeVerdict(verdict, take.quality));
   }
+  if (take.losesStart) {
+    m_sentences.append(Say(resources::kTakeLosesStart));
+  }
+  if (take.losesEnd) {
+    m_sentences.append(Say(resources::kTakeLosesEnd));
+  }
   ShowVerdicts();
+  m_stage->setCurrentWidget(m_takePage);
   ShowPlaying(false);
   m_buttons->ShowOnly({m_keep, m_record, m_hear, m_discard});
   (m_sentences.isEmpty() ? m_keep : m_record)->setFocus();

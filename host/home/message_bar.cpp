@@ -44,8 +44,8 @@ void MessageBar::Show(const QString& text, const QString& button, std::function<
   m_button->setText(button);
   m_button->setVisible(act != nullptr);
   m_act = std::move(act);
-  show();
   m_text->Announce(text);
+  show();
 }
 
 void MessageBar::Clear() {

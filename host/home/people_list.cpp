@@ -91,8 +91,9 @@ class PersonDelegate final : public QStyledItemDelegate {
     };
     const Person& person = m_model.PersonAt(row);
     if (isFirst) {
-      const QString company = qt::ToQString(person.company);
       const QString name = qt::ToQString(person.name);
+      const QString company =
+          person.company == person.name ? QString() : qt::ToQString(person.company);
       QFont bold(option.font);
       bold.setBold(true);
       const int width = company.isEmpty() ? area.width()

@@ -87,7 +87,11 @@ QStringList DescribeQuality(const Tag& tag, const std::vector<Tag>& tags) {
   }
   if (tag.quality.take) {
     for (const Verdict verdict : tag.quality.take->verdicts) {
-      if (verdict != Verdict::kTooAlike) {
+      if (verdict == Verdict::kCutStart) {
+        sentences.append(Say(resources::kTagStartIsCut));
+      } else if (verdict == Verdict::kCutEnd) {
+        sentences.append(Say(resources::kTagEndIsCut));
+      } else if (verdict != Verdict::kTooAlike) {
         sentences.append(DescribeVerdict(verdict, *tag.quality.take));
       }
     }

@@ -31,9 +31,24 @@ Number ToNumber(const std::u16string& item) {
   return {std::u16string(kind), item.substr(0, length == 0 ? 0 : length - 1)};
 }
 
-std::u16string ReadCompany(platform::ContactsStore& contacts, std::int32_t oid) {
-  const auto contact = contacts.GetItemFromOid(oid);
-  return contact ? (*contact)->GetCompanyName().value_or(u"") : u"";
+/// Reads what the box of the page does not show: the company, and the name as the page's list of
+/// tags has it, with the last name last. What cannot be read stays as it is.
+void ReadWho(platform::ContactsStore& contacts, Person& person) {
+  const auto contact = contacts.GetItemFromOid(person.oid);
+  if (!contact) {
+    return;
+  }
+  person.company = (*contact)->GetCompanyName().value_or(u"");
+  std::u16string name;
+  for (const platform::ContactText& part :
+       {(*contact)->GetFirstName(), (*contact)->GetMiddleName(), (*contact)->GetLastName()}) {
+    if (part && !part->empty()) {
+      name.append(name.empty() ? u"" : u" ").append(*part);
+    }
+  }
+  if (!name.empty()) {
+    person.name = std::move(name);
+  }
 }
 
 void ReadPeople(session::Session& session, Gathering& gathering, Shelf& shelf) {
@@ -44,7 +59,8 @@ void ReadPeople(session::Session& session, Gathering& gathering, Shelf& shelf) {
   }
   shelf.people.reserve(listed->size());
   for (const session::ListedContact& contact : *listed) {
-    Person person{contact.oid, contact.name, ReadCompany(session.GetContacts(), contact.oid), {}};
+    Person person{contact.oid, contact.name, {}, {}};
+    ReadWho(session.GetContacts(), person);
     for (const std::u16string& item : contact.numbers) {
       person.numbers.push_back(ToNumber(item));
     }

@@ -73,6 +73,19 @@ std::vector<std::int16_t> MakeTone() {
   return tone;
 }
 
+/// Finds what is cut off by keeping only a part.
+void FindLosses(HeardTake& take) {
+  const auto kept =
+      std::span(take.samples).subspan(take.kept.first, take.kept.last - take.kept.first + 1);
+  const auto of_part = voicemath::JudgeTake({.samples = kept}).verdicts;
+  const auto is_lost = [&](voicemath::Verdict verdict) {
+    return std::ranges::count(of_part, verdict) >
+           std::ranges::count(take.quality.verdicts, verdict);
+  };
+  take.losesStart = is_lost(voicemath::Verdict::kCutStart);
+  take.losesEnd = is_lost(voicemath::Verdict::kCutEnd);
+}
+
 }  // namespace
 
 /// What is being done, as its thread and the event loop share it.
@@ -200,6 +213,7 @@ HeardTake TakeRecorder::Job::Hear(platform::WaveInDevice& device, const Report& 
   take.quality = voicemath::JudgeTake({.samples = take.samples, .isInterrupted = isInterrupted});
   if (!take.samples.empty()) {
     take.kept = voicemath::FindKeptPart(take.samples);
+    FindLosses(take);
   }
   return take;
 }

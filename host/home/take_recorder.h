@@ -42,6 +42,10 @@ struct HeardTake {
   std::vector<std::int16_t> samples;
   voicemath::Segment kept;  ///< The part that becomes the tag. Nothing if there are no samples.
   voicemath::TakeQuality quality;
+  /// The kept part begins or ends in the middle of what was said, although all of it was heard. The
+  /// mathematics keeps no more of a long name.
+  bool losesStart = false;
+  bool losesEnd = false;
   bool isRefused = false;  ///< The microphone is there, and gave nothing: it may be in use.
 
   /// Returns whether a template can be made of it.

@@ -28,6 +28,15 @@ TEST(QualityWords, HaveOneSentenceForEachVerdict) {
                                         "20 dB is good.")}));
 }
 
+TEST(QualityWords, DoNotBlameTheSpeakerForATagThatWasCutShorterThanTheName) {
+  const Tag tag = TagWith({Verdict::kCutStart, Verdict::kCutEnd});
+  EXPECT_EQ(home::DescribeQuality(tag, {tag}),
+            QStringList({QStringLiteral("The voice tag begins in the middle of the name. Speak a "
+                                        "little later, or say a shorter name."),
+                         QStringLiteral("The voice tag ends in the middle of the name. Speak a "
+                                        "little earlier, or say a shorter name.")}));
+}
+
 TEST(QualityWords, NameThePersonWhoseTagIsTooAlike) {
   Tag anna = TagWith({Verdict::kTooAlike});
   Tag hanna = TagWith({});

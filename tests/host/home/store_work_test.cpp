@@ -28,7 +28,7 @@ TEST_F(StoreWorkTest, PeopleHaveTheirCompanyAndTheirNumbersByKind) {
   EXPECT_EQ(m_shelf->peopleProblem, u"");
   ASSERT_THAT(m_shelf->people, SizeIs(2));
   const Person& bob = m_shelf->people[1];
-  EXPECT_EQ(bob.name, u"Ray Bob");
+  EXPECT_EQ(bob.name, u"Bob Ray");
   EXPECT_EQ(bob.company, u"Firm of b");
   ASSERT_THAT(bob.numbers, SizeIs(1));
   EXPECT_EQ(bob.numbers[0].kind, u"Home");
@@ -47,7 +47,7 @@ TEST_F(StoreWorkTest, ALessonBecomesATagThatTheShelfHasBeforeItsAnswerComes) {
   Begin();
   bool hadTag = false;
   std::u16string made;
-  m_work->Teach({Oid(u"Ray Bob"), u"Home", Sample("robert_1.wav"), {}},
+  m_work->Teach({Oid(u"Bob Ray"), u"Home", Sample("robert_1.wav"), {}},
                 [&](const Outcome& outcome, const std::u16string& tag, const Names& trashed) {
                   EXPECT_TRUE(outcome.isDone);
                   EXPECT_EQ(outcome.message, u"");
@@ -58,10 +58,10 @@ TEST_F(StoreWorkTest, ALessonBecomesATagThatTheShelfHasBeforeItsAnswerComes) {
   Await([&made] { return !made.empty(); });
   ASSERT_TRUE(hadTag);
   const Tag& tag = *Find(made);
-  EXPECT_EQ(tag.contact, u"Ray Bob");
+  EXPECT_EQ(tag.contact, u"Bob Ray");
   EXPECT_EQ(tag.number, u"+972 50 555 0144");
   EXPECT_EQ(tag.kind, u"Home");
-  EXPECT_EQ(tag.oid, Oid(u"Ray Bob"));
+  EXPECT_EQ(tag.oid, Oid(u"Bob Ray"));
   EXPECT_GT(tag.seconds.value_or(0), 0.2);
   EXPECT_LT(tag.seconds.value_or(9), 3.0) << "cut to the name";
   EXPECT_NEAR(static_cast<double>(tag.taughtAt.value_or(0)), static_cast<double>(std::time({})),
@@ -90,7 +90,7 @@ TEST_F(StoreWorkTest, ALessonIsComparedWithTheTagsThatStay) {
     Await([&found] { return found.has_value(); });
     return found.value_or(Names{u"no answer"});
   };
-  Lesson lesson{Oid(u"Ray Bob"), u"Home", Sample("anna_1.wav"), {}};
+  Lesson lesson{Oid(u"Bob Ray"), u"Home", Sample("anna_1.wav"), {}};
   EXPECT_THAT(compare(lesson), ElementsAre(ann));
   lesson.replaced = ann;
   EXPECT_THAT(compare(lesson), IsEmpty());
@@ -100,7 +100,7 @@ TEST_F(StoreWorkTest, ALessonIsComparedWithTheTagsThatStay) {
 TEST_F(StoreWorkTest, ATagThatIsTaughtAgainGoesToTheTrashAndCanComeBack) {
   Begin();
   const std::u16string before = TeachAnn("anna_1.wav");
-  const Taught again = Teach({Oid(u"Lee Ann"), u"Mobile", Sample("anna_2.wav"), before});
+  const Taught again = Teach({Oid(u"Ann Lee"), u"Mobile", Sample("anna_2.wav"), before});
   ASSERT_TRUE(again.outcome.isDone);
   EXPECT_NE(again.tag, before);
   EXPECT_EQ(Find(before), nullptr);
@@ -116,8 +116,8 @@ TEST_F(StoreWorkTest, IfTeachingAgainFailsTheEarlierTagStays) {
   const std::u16string before = TeachAnn();
   for (const Lesson& lesson :
        {Lesson{4711, u"Mobile", Sample("anna_2.wav"), before},
-        Lesson{Oid(u"Lee Ann"), u"Home2", Sample("anna_2.wav"), before},
-        Lesson{Oid(u"Lee Ann"), u"Mobile", std::vector<std::byte>(10), before}}) {
+        Lesson{Oid(u"Ann Lee"), u"Home2", Sample("anna_2.wav"), before},
+        Lesson{Oid(u"Ann Lee"), u"Mobile", std::vector<std::byte>(10), before}}) {
     const Taught again = Teach(lesson);
     EXPECT_FALSE(again.outcome.isDone);
     EXPECT_TRUE(IsSentence(again.outcome.message));
@@ -139,14 +139,14 @@ class FullStoreWorkTest : public StoreWorkTest {
       const std::u16string name(number.begin(), number.end());
       copy_file(Wave(m_first), Wave(name));
       copy_file(HostPath(storage::TemplatePath(m_first)), HostPath(storage::TemplatePath(name)));
-      PutEntry(name, Oid(u"Ray Bob"), u"Home");
+      PutEntry(name, Oid(u"Bob Ray"), u"Home");
     }
   }
   std::u16string m_first;
 };
 
 TEST_F(FullStoreWorkTest, ATagCanBeTaughtAgain) {
-  const Taught again = Teach({Oid(u"Lee Ann"), u"Mobile", Sample("anna_2.wav"), m_first});
+  const Taught again = Teach({Oid(u"Ann Lee"), u"Mobile", Sample("anna_2.wav"), m_first});
   EXPECT_TRUE(again.outcome.isDone);
   EXPECT_THAT(m_shelf->tags, SizeIs(storage::kMaxTags));
   EXPECT_EQ(Find(m_first), nullptr);
@@ -154,7 +154,7 @@ TEST_F(FullStoreWorkTest, ATagCanBeTaughtAgain) {
 }
 
 TEST_F(FullStoreWorkTest, ATagThatCannotBeTaughtAgainIsPutBack) {
-  const Taught again = Teach({Oid(u"Lee Ann"), u"Mobile", std::vector<std::byte>(10), m_first});
+  const Taught again = Teach({Oid(u"Ann Lee"), u"Mobile", std::vector<std::byte>(10), m_first});
   EXPECT_FALSE(again.outcome.isDone);
   EXPECT_THAT(m_shelf->tags, SizeIs(storage::kMaxTags));
   EXPECT_NE(Find(m_first), nullptr);
@@ -163,7 +163,7 @@ TEST_F(FullStoreWorkTest, ATagThatCannotBeTaughtAgainIsPutBack) {
 }
 
 TEST_F(FullStoreWorkTest, ANewTagIsRefusedInTheWordsOfThePage) {
-  const Taught one = Teach({Oid(u"Lee Ann"), u"Mobile", Sample("anna_2.wav"), {}});
+  const Taught one = Teach({Oid(u"Ann Lee"), u"Mobile", Sample("anna_2.wav"), {}});
   EXPECT_FALSE(one.outcome.isDone);
   EXPECT_NE(one.outcome.message.find(u"100"), std::u16string::npos);
 }
@@ -217,7 +217,7 @@ TEST_F(StoreWorkTest, TagsThatAnotherProgramHasStayAsTheyAreAndASentenceSaysSo) 
     const auto held = other.GetThreads().CreateNamedMutex(tags::kInstanceMutex);
     ASSERT_TRUE(held.has_value());
     const auto [deleted, none] = Delete({ann});
-    const Taught taught = Teach({Oid(u"Ray Bob"), u"Home", Sample("robert_2.wav"), ann});
+    const Taught taught = Teach({Oid(u"Bob Ray"), u"Home", Sample("robert_2.wav"), ann});
     for (const Outcome& outcome : {deleted, taught.outcome, Restore(trashed)}) {
       EXPECT_FALSE(outcome.isDone);
       EXPECT_EQ(outcome.message,
@@ -246,7 +246,7 @@ TEST_F(StoreWorkTest, RequestsAreDoneInTheirOrder) {
     EXPECT_TRUE(outcome.isDone);
     order.push_back(1);
   });
-  m_work->Teach({Oid(u"Lee Ann"), u"Mobile", Sample("anna_2.wav"), {}},
+  m_work->Teach({Oid(u"Ann Lee"), u"Mobile", Sample("anna_2.wav"), {}},
                 [&order](const Outcome& outcome, const std::u16string&, const Names&) {
                   EXPECT_TRUE(outcome.isDone);
                   order.push_back(2);

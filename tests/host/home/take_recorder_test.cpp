@@ -279,6 +279,24 @@ TEST_F(TakeRecorderTest, PlaysWhatItIsGivenAndSaysWhenItWasHeard) {
   EXPECT_EQ(played, false);
 }
 
+TEST_F(TakeRecorderTest, SaysWhatIsLeftOutOfALongNameAlthoughAllOfItWasHeard) {
+  const auto speak = [this](std::size_t length, std::uint32_t voice) {
+    Hear(support::Mixed(support::Noise(33075, 20, 1), 6000,
+                        support::SpeechLike(length, 9000, voice)));
+    Record();
+    Pass(10'000);
+    EXPECT_THAT(m_take->quality.verdicts, IsEmpty()) << "The take itself is good.";
+  };
+  speak(20'000, 2);
+  EXPECT_TRUE(m_take->losesStart);
+  EXPECT_FALSE(m_take->losesEnd);
+  speak(20'000, 4);
+  EXPECT_FALSE(m_take->losesStart);
+  EXPECT_TRUE(m_take->losesEnd);
+  speak(9000, 4);
+  EXPECT_FALSE(m_take->losesStart || m_take->losesEnd);
+}
+
 TEST(TakeWaveFile, IsTheFileThatTheRecorderWrites) {
   EXPECT_EQ(home::ToWaveFile(support::Noise(100, 900, 1)),
             support::WaveFile(support::Noise(100, 900, 1)));

@@ -184,6 +184,18 @@ TEST_F(TeachingPage, WarnsOfABadTakeAndKeepsItAllTheSameIfTheUserWants) {
   EXPECT_THAT(m_work.taught, SizeIs(1));
 }
 
+TEST_F(TeachingPage, SaysThatAPartOfALongNameIsLeftOut) {
+  Hear(support::Mixed(support::Noise(33075, 20, 1), 6000, support::SpeechLike(20'000, 9000, 4)));
+  Say();
+  EXPECT_EQ(
+      Text("verdicts"),
+      "The name is long. Its end is left out of the voice tag: only the marked part is kept.");
+  Hear(support::Mixed(support::Noise(33075, 20, 1), 6000, support::SpeechLike(20'000, 9000, 2)));
+  Click("record");
+  Pass();
+  EXPECT_THAT(Text("verdicts"), testing::StartsWith("The name is long. Its beginning is left out"));
+}
+
 TEST_F(TeachingPage, NamesWhoseNameIsTooAlikeAndPlaysBoth) {
   Say();
   EXPECT_FALSE(IsOffered("playBoth"));

@@ -124,12 +124,12 @@ class StoreWorkTest : public testing::Test {
   }
   /// Teaches a name to Ann's number. Returns the tag.
   std::u16string TeachAnn(const std::string& sample = "anna_1.wav") {
-    const Taught taught = Teach({Oid(u"Lee Ann"), u"Mobile", Sample(sample), {}});
+    const Taught taught = Teach({Oid(u"Ann Lee"), u"Mobile", Sample(sample), {}});
     EXPECT_TRUE(taught.outcome.isDone);
     return taught.tag;
   }
   std::u16string TeachBob(const std::string& sample = "robert_1.wav") {
-    const Taught taught = Teach({Oid(u"Ray Bob"), u"Home", Sample(sample), {}});
+    const Taught taught = Teach({Oid(u"Bob Ray"), u"Home", Sample(sample), {}});
     EXPECT_TRUE(taught.outcome.isDone);
     return taught.tag;
   }
