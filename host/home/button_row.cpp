@@ -84,10 +84,13 @@ QSize ButtonRow::sizeHint() const {
 void ButtonRow::Arrange() {
   const int columns = ColumnsIn(width());
   const int height = LargestButton().height();
-  for (int i = 0; i < static_cast<int>(m_shown.size()); ++i) {
+  const auto count = static_cast<int>(m_shown.size());
+  for (int i = 0; i < count; ++i) {
     const int column = i % columns;
-    const int left = column * (width() + kButtonGap) / columns;
-    const int right = (column + 1) * (width() + kButtonGap) / columns - kButtonGap;
+    // Those of a row share its width, so the last row has no gap at its end.
+    const int in_row = std::min(columns, count - (i - column));
+    const int left = column * (width() + kButtonGap) / in_row;
+    const int right = (column + 1) * (width() + kButtonGap) / in_row - kButtonGap;
     const QRect place(left, i / columns * (height + kButtonGap), right - left, height);
     m_shown[static_cast<std::size_t>(i)]->setGeometry(
         QStyle::visualRect(layoutDirection(), rect(), place));

@@ -28,6 +28,11 @@ constexpr int kRowGap = 8;
 constexpr float kQuiet = 0.75F;  ///< Of a text that matters less.
 constexpr float kCircle = 0.18F;
 
+QColor WithShare(QColor colour, float share) {
+  colour.setAlphaF(share);
+  return colour;
+}
+
 /// Paints a row: the person's initials and name on the first one of a person, and the number on
 /// each.
 class PersonDelegate final : public QStyledItemDelegate {
@@ -43,16 +48,18 @@ class PersonDelegate final : public QStyledItemDelegate {
                                           option.widget);
     painter->save();
     const QRect area = option.rect.adjusted(kRowGap, kRowGap / 2, -kRowGap, -kRowGap / 2);
+    if (index.row() > 0 && m_model.IsFirstOfPerson(index.row())) {
+      painter->fillRect(QRect(option.rect.topLeft(), QSize(option.rect.width(), 1)),
+                        WithShare(option.palette.color(QPalette::Text), kCircle));
+    }
     const int avatar = AvatarSize(option);
     const QColor text = option.palette.color(
         (option.state & QStyle::State_Selected) != 0 ? QPalette::HighlightedText : QPalette::Text);
     if (m_model.IsFirstOfPerson(index.row())) {
-      QColor ground = text;
-      ground.setAlphaF(kCircle);
       DrawAvatar(*painter,
                  QStyle::visualRect(option.direction, area,
                                     QRect(area.left(), area.top(), avatar, area.height())),
-                 qt::ToQString(m_model.PersonAt(index.row()).name), text, ground);
+                 qt::ToQString(m_model.PersonAt(index.row()).name), text, WithShare(text, kCircle));
     }
     PaintTexts(*painter, option, area.adjusted(avatar + kRowGap, 0, 0, 0), index.row(), text);
     painter->restore();
@@ -152,6 +159,7 @@ PeopleList::PeopleList(Choose choose, std::function<void()> setUp, QWidget* pare
   m_search->setAccessibleName(Say(resources::kSearchPeople));
   m_search->setClearButtonEnabled(true);
   m_search->setMinimumHeight(kLeastTarget);
+  m_search->setTextMargins(kRowGap, 0, kRowGap, 0);
   m_search->setObjectName(QStringLiteral("peopleSearch"));
   m_search->installEventFilter(this);
   m_list->setModel(&m_model);
