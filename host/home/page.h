@@ -39,7 +39,7 @@ class Page : public QWidget {
  public:
   using QWidget::QWidget;
 
-  /// The store was read, or has changed. Called before the first OnShown.
+  /// The store was read, or has changed. The first shelf can come after OnShown. All are judged.
   virtual void OnShelf(const std::shared_ptr<const Shelf>& /*shelf*/) {}
   /// The page is about to be shown. `tag` is the tag that is taught again or looked at. It is empty
   /// if the page is opened for none.

@@ -121,7 +121,8 @@ Tag ToTag(const session::Session& session, const tags::ListedTag& listed,
   return tag;
 }
 
-void ReadTags(session::Session& session, bool hasContacts, Shelf& shelf) {
+void ReadTags(session::Session& session, bool hasContacts,
+              const std::function<void(const Shelf& shelf)>& soon, Shelf& shelf) {
   const platform::Platform platform = session.GetPlatform();
   const auto listed = session::ReadAtOnce(platform, hasContacts);
   if (!listed) {
@@ -132,18 +133,25 @@ void ReadTags(session::Session& session, bool hasContacts, Shelf& shelf) {
   for (const Person& person : shelf.people) {
     people.emplace(person.oid, &person);
   }
-  const auto judged = session::ToJudged(*listed);
-  auto qualities = maintenance::JudgeTags(platform, judged);
-  for (std::size_t i = 0; i < listed->size(); ++i) {
-    shelf.tags.push_back(ToTag(session, (*listed)[i], people));
-    shelf.tags.back().nearest = qualities[i].nearest;
-    shelf.tags.back().quality = std::move(qualities[i]);
+  for (const tags::ListedTag& tag : *listed) {
+    shelf.tags.push_back(ToTag(session, tag, people));
+  }
+  if (soon && !shelf.tags.empty()) {
+    shelf.areJudged = false;
+    soon(shelf);
+    shelf.areJudged = true;
+  }
+  auto qualities = maintenance::JudgeTags(platform, session::ToJudged(*listed));
+  for (std::size_t i = 0; i < shelf.tags.size(); ++i) {
+    shelf.tags[i].nearest = qualities[i].nearest;
+    shelf.tags[i].quality = std::move(qualities[i]);
   }
 }
 
 }  // namespace
 
-Shelf ReadShelf(session::Session& session, Gathering& gathering) {
+Shelf ReadShelf(session::Session& session, Gathering& gathering,
+                const std::function<void(const Shelf& shelf)>& soon) {
   Shelf shelf;
   if (!session.OpenForReading()) {
     shelf.tagsProblem = gathering.GetText();
@@ -157,7 +165,7 @@ Shelf ReadShelf(session::Session& session, Gathering& gathering) {
   } else {
     ReadPeople(session, gathering, shelf);
   }
-  ReadTags(session, areOpen, shelf);
+  ReadTags(session, areOpen, soon, shelf);
   contacts.Logoff();
   return shelf;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include "host/home/gathering.h"
 #include "host/home/shelf.h"
 #include "host/session/session.h"
@@ -7,7 +9,9 @@
 namespace home {
 
 /// Reads all that the window shows, and changes nothing. `session` is new, and what it has to say
-/// goes to `gathering`. May take seconds: it reads the contacts, and judges every recording.
-[[nodiscard]] Shelf ReadShelf(session::Session& session, Gathering& gathering);
+/// goes to `gathering`. May take seconds: it reads the contacts, and judges every recording. `soon`
+/// can be null. It gets what is known before the recordings are judged, if there are any.
+[[nodiscard]] Shelf ReadShelf(session::Session& session, Gathering& gathering,
+                              const std::function<void(const Shelf& shelf)>& soon = nullptr);
 
 }  // namespace home

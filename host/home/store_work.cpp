@@ -82,7 +82,18 @@ void StoreWork::ReadStore() {
       seen.push_back(LookAt(path));
     }
   }
-  auto shelf = std::make_shared<const Shelf>(ReadShelf(session, gathering));
+  // Somebody who waits for a window wants to see the names. Later, a list that loses its verdicts
+  // for a moment would only flicker.
+  const auto showSoon = [this](const Shelf& names) {
+    Answered([this, shelf = std::make_shared<const Shelf>(names)] {
+      if (const Show show = m_show) {
+        show(shelf);
+      }
+    });
+  };
+  const bool isFirst = !std::exchange(m_hasRead, true);
+  auto shelf = std::make_shared<const Shelf>(
+      ReadShelf(session, gathering, isFirst ? showSoon : std::function<void(const Shelf&)>()));
   Answered([this, shelf = std::move(shelf), seen = std::move(seen)] {
     m_seen = seen;
     if (const Show show = m_show) {

@@ -61,8 +61,9 @@ class StoreWork final : public Work {
   std::vector<Seen> m_seen;  ///< Before the latest load.
   std::shared_ptr<Playback> m_playback;
   std::atomic<bool> m_isLoadWaiting = false;
-  PageTasks m_tasks;  ///< Of the thread of work.
-  QObject m_here;     ///< On the thread that asks. What is posted to it goes with it.
+  bool m_hasRead = false;  ///< Of the thread of work.
+  PageTasks m_tasks;       ///< Of the thread of work.
+  QObject m_here;          ///< On the thread that asks. What is posted to it goes with it.
   TaskThread m_player;
   TaskThread m_thread;
 };

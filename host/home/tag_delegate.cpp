@@ -129,7 +129,7 @@ void TagDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelInde
   if (isPlaying) {
     option->font.setBold(true);
   }
-  const bool hasSymbol = isPlaying || index.column() == kQuality ||
+  const bool hasSymbol = isPlaying || (index.column() == kQuality && m_model.AreJudged()) ||
                          (index.column() == kNearest && !tag.quality.tooAlike.empty());
   if (hasSymbol) {
     option->features |= QStyleOptionViewItem::HasDecoration;
@@ -166,8 +166,10 @@ void TagDelegate::PaintCard(QPainter& painter, const QStyleOptionViewItem& given
   QRect symbol(QPoint(), QSize(places.symbolSize, places.symbolSize));
   symbol.moveCenter(TagList::PlayButton(option.rect, option.direction).center());
   DrawSymbol(painter, symbol, isPlaying ? Symbol::kStop : Symbol::kPlay, ColourOf(option, false));
-  DrawSymbol(painter, QStyle::visualRect(option.direction, option.rect, places.QualitySymbol()),
-             SymbolOf(GradeOf(tag)), ColourOf(option, false));
+  if (m_model.AreJudged()) {
+    DrawSymbol(painter, QStyle::visualRect(option.direction, option.rect, places.QualitySymbol()),
+               SymbolOf(GradeOf(tag)), ColourOf(option, false));
+  }
   Write(painter, option, places.Quality(), texts.quality, option.font, Qt::AlignTrailing,
         Qt::ElideRight);
   Write(painter, option, places.Line(0), texts.name, Bold(option.font), Qt::AlignLeading,

@@ -42,6 +42,7 @@ void Narrow(std::array<int, kColumnCount>& widths, int whole, int unit) {
 
 TagList::TagList(TagModel& model, TagOrder& order, Events events, QWidget* parent)
     : QTreeView(parent),
+      m_model(model),
       m_events(std::move(events)),
       m_delegate(new TagDelegate(model, order, this)) {
   setModel(&order);
@@ -64,8 +65,11 @@ TagList::TagList(TagModel& model, TagOrder& order, Events events, QWidget* paren
       m_chosenWidths[static_cast<std::size_t>(column)] = width;
     }
   });
-  const auto fit = [this] { FitColumns(); };
-  connect(&order, &QAbstractItemModel::modelReset, this, fit);
+  MeasureColumns();
+  connect(&order, &QAbstractItemModel::modelReset, this, [this] {
+    MeasureColumns();
+    FitColumns();
+  });
   QScroller::grabGesture(viewport(), QScroller::TouchGesture);
   viewport()->grabGesture(Qt::TapAndHoldGesture);
 }
@@ -88,6 +92,22 @@ void TagList::ShowAsCards(bool areCards) {
   scrollTo(currentIndex());
 }
 
+// The style would measure each cell much more slowly, and only those in sight.
+void TagList::MeasureColumns() {
+  const QFontMetrics metrics = fontMetrics();
+  const int unit = metrics.averageCharWidth();
+  for (int column = 0; column < kColumnCount; ++column) {
+    int widest = 0;
+    for (int row = 0; row < m_model.rowCount(); ++row) {
+      const QString text = m_model.index(row, column).data().toString();
+      widest = std::max(widest, metrics.horizontalAdvance(text));
+    }
+    const int symbol = column == kQuality || column == kNearest ? metrics.height() : 0;
+    m_neededWidths[static_cast<std::size_t>(column)] =
+        std::max(widest + symbol + 2 * unit, header()->sectionSizeHint(column));
+  }
+}
+
 // Columns share the width of the window. What the user has chosen for a column counts as its need.
 void TagList::FitColumns() {
   const int whole = viewport()->width();
@@ -98,12 +118,10 @@ void TagList::FitColumns() {
     return;
   }
   const int unit = fontMetrics().averageCharWidth();
-  std::array<int, kColumnCount> widths{};
-  for (int column = 0; column < kColumnCount; ++column) {
-    const int chosen = m_chosenWidths[static_cast<std::size_t>(column)];
-    const int needed = std::max(sizeHintForColumn(column), header()->sectionSizeHint(column));
-    widths[static_cast<std::size_t>(column)] =
-        chosen > 0 ? chosen : std::min(needed, kWidestColumn * unit);
+  std::array<int, kColumnCount> widths = m_neededWidths;
+  for (std::size_t i = 0; i < widths.size(); ++i) {
+    widths[i] =
+        m_chosenWidths[i] > 0 ? m_chosenWidths[i] : std::min(widths[i], kWidestColumn * unit);
   }
   const int rest = whole - std::accumulate(widths.begin(), widths.end(), 0);
   if (rest > 0) {
@@ -127,6 +145,7 @@ void TagList::changeEvent(QEvent* event) {
   QTreeView::changeEvent(event);
   if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) {
     m_chosenWidths.fill(0);
+    MeasureColumns();
     FitColumns();
   }
 }

@@ -45,16 +45,19 @@ class TagList : public QTreeView {
   bool viewportEvent(QEvent* event) override;
 
  private:
+  void MeasureColumns();
   void FitColumns();
   void ShowMenuAtCurrent();
   /// Returns the card whose play button is at that place. Not valid if there is none.
   [[nodiscard]] QModelIndex PlayButtonAt(const QPoint& place) const;
 
+  const TagModel& m_model;
   Events m_events;
   TagDelegate* m_delegate;  ///< Owned by this.
   bool m_areCards = false;
   bool m_isFitting = false;
   QPersistentModelIndex m_pressedCard;             ///< The card whose play button is held down.
+  std::array<int, kColumnCount> m_neededWidths{};  ///< By the texts of all tags.
   std::array<int, kColumnCount> m_chosenWidths{};  ///< By the user; 0 for none.
 };
 

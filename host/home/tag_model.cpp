@@ -57,7 +57,7 @@ void TagModel::Show(std::shared_ptr<const Shelf> shelf) {
   for (const Tag& tag : m_shelf->tags) {
     const auto company = companies.find(tag.contact);
     m_lines.emplace_back(
-        QStringList{qt::ToQString(tag.contact), NameKind(tag.kind), NameQuality(tag.quality),
+        QStringList{qt::ToQString(tag.contact), NameKind(tag.kind), TextOf(tag, kQuality),
                     company == companies.end() ? QString() : company->second},
         QStringList(qt::ToQString(tag.number)));
   }
@@ -94,7 +94,7 @@ QString TagModel::TextOf(const Tag& tag, int column) const {
     case kLength:
       return tag.seconds ? ShowSeconds(*tag.seconds) : QString();
     case kQuality:
-      return NameQuality(tag.quality);
+      return m_shelf->areJudged ? NameQuality(tag.quality) : QString();
     default:
       return tag.nearest ? qt::ToQString(m_shelf->tags[tag.nearest->index].contact) : QString();
   }
@@ -108,7 +108,7 @@ QStringList TagModel::DescribeQuality(int row) const {
   } else if (tag.isStale) {
     lines.append(Say(resources::kContactIsGone));
   }
-  return lines + home::DescribeQuality(tag, m_shelf->tags);
+  return m_shelf->areJudged ? lines + home::DescribeQuality(tag, m_shelf->tags) : lines;
 }
 
 QString TagModel::Describe(int row) const {

@@ -48,7 +48,10 @@ class TagModel : public QAbstractTableModel {
 
   /// Returns all that is known of the tag, one sentence or fact on each line.
   [[nodiscard]] QString Describe(int row) const;
-  /// Returns what is wrong with the tag, or that it is good.
+  /// Returns whether the quality of the tags is known yet.
+  [[nodiscard]] bool AreJudged() const { return m_shelf->areJudged; }
+  /// Returns what is wrong with the tag, or that it is good. Returns nothing if that is not known
+  /// yet.
   [[nodiscard]] QStringList DescribeQuality(int row) const;
 
   [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;

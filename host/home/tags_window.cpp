@@ -217,7 +217,13 @@ void TagsWindow::OnShelf(std::shared_ptr<const Shelf> shelf) {
   }
   m_tags->Show(m_shelf);
   for (const auto& [id, page] : m_pages) {
-    page->OnShelf(m_shelf);
+    GiveShelf(*page);
+  }
+}
+
+void TagsWindow::GiveShelf(Page& page) const {
+  if (m_shelf && m_shelf->areJudged) {
+    page.OnShelf(m_shelf);
   }
 }
 
@@ -230,9 +236,7 @@ void TagsWindow::ShowPage(PageId id, const std::u16string& tag) {
   if (page == nullptr) {
     page = maker->second(*this).release();
     m_stack->addWidget(page);
-    if (m_shelf) {
-      page->OnShelf(m_shelf);
-    }
+    GiveShelf(*page);
   }
   if (Page* const shown = GetShownPage(); shown != nullptr) {
     shown->OnLeft();

@@ -53,6 +53,7 @@ class TagsWindow : public QWidget, private Frame {
  private:
   void ShowTags() override;
   void OnShelf(std::shared_ptr<const Shelf> shelf);
+  void GiveShelf(Page& page) const;
   [[nodiscard]] QWidget* MakeHeader();
   void SetTitleFont();
   void FillMenu();

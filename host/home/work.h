@@ -48,7 +48,8 @@ class Work {
   Work& operator=(const Work&) = delete;
   virtual ~Work() = default;
 
-  /// Calls `show` with what the store holds, after each Load and after each change.
+  /// Calls `show` with what the store holds, after each Load and after each change. The first time
+  /// a shelf that is not judged may come before.
   virtual void OnLoaded(Show show) = 0;
   virtual void Load() = 0;
   /// The same if another program may have changed tags or contacts since they were loaded. Costs

@@ -256,6 +256,24 @@ TEST_F(StoreWorkTest, RequestsAreDoneInTheirOrder) {
   EXPECT_THAT(order, ElementsAre(1, 2));
 }
 
+TEST_F(StoreWorkTest, NamesComeBeforeTheRecordingsAreJudgedButOnlyTheFirstTime) {
+  Begin();
+  const std::u16string ann = TeachAnn();
+  m_work = std::make_unique<StoreWork>(m_options);
+  std::vector<std::shared_ptr<const Shelf>> shelves;
+  m_work->OnLoaded(
+      [&shelves](const std::shared_ptr<const Shelf>& shelf) { shelves.push_back(shelf); });
+  m_work->Load();
+  Await([&shelves] { return shelves.size() == 2; });
+  EXPECT_FALSE(shelves[0]->areJudged);
+  EXPECT_EQ(shelves[0]->tags.at(0).contact, u"Lee Ann");
+  EXPECT_TRUE(shelves[1]->areJudged);
+  EXPECT_TRUE(shelves[1]->tags.at(0).quality.take.has_value());
+  m_work->Load();
+  Await([&shelves] { return shelves.size() == 3; });
+  EXPECT_TRUE(shelves[2]->areJudged);
+}
+
 TEST_F(StoreWorkTest, AnswersComeOnTheThreadThatAsked) {
   Begin();
   const auto here = std::this_thread::get_id();

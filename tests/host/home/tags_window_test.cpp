@@ -209,6 +209,23 @@ TEST_F(TagsWindow, IsReadyForKeysAsSoonAsTheTagsAreRead) {
   EXPECT_EQ(m_work.played, Names{u"11"});
 }
 
+TEST_F(TagsWindow, ShowsNamesBeforeTheRecordingsAreJudged) {
+  Open();
+  home::Shelf names = MakeShelf();
+  names.areJudged = false;
+  m_work.Show(names);
+  EXPECT_EQ(Texts(home::kName).size(), 4);
+  EXPECT_EQ(Texts(home::kQuality), QStringList({QString(), QString(), QString(), QString()}));
+  Choose("Anna Berg");
+  EXPECT_EQ(Details().find("judged"), std::string::npos);
+  Item("Likeness of names")->trigger();
+  EXPECT_EQ(m_notes[PageId::kLikeness].shelf, nullptr);
+  m_work.Show(MakeShelf());
+  EXPECT_NE(m_notes[PageId::kLikeness].shelf, nullptr);
+  EXPECT_EQ(Current(), "Anna Berg");
+  EXPECT_EQ(Texts(home::kQuality).at(1), QStringLiteral("Good"));
+}
+
 TEST_F(TagsWindow, OffersToTeachIfThereIsNoTag) {
   Open();
   home::Shelf shelf = MakeShelf();
