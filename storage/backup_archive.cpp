@@ -174,6 +174,7 @@ class BackupReader {
 
  private:
   using Done = Result<void, BackupFault>;
+  using Changes = std::vector<RegistryChange>;
 
   static BackupFault ToFault(TarError error) {
     return error == TarError::kUnread ? BackupFault::kUnread : BackupFault::kDamaged;
@@ -227,7 +228,7 @@ class BackupReader {
     }
     const auto* const known = std::ranges::find(kSettingsMembers, member, &SettingsMember::member);
     if (known != kSettingsMembers.end()) {
-      return ReadChanges(std::u16string(known->key)).map([&](auto&& changes) {
+      return ReadChanges(std::u16string(known->key)).map([&](Changes&& changes) {
         m_contents.settings[known->settings] = std::move(changes);
       });
     }
@@ -257,7 +258,7 @@ class BackupReader {
       if (!BackupWriter::Fits(name) || tags.size() >= kMostTags) {
         return Failure(BackupFault::kDamaged);
       }
-      return ReadChanges(EntryPath(name)).map([&](auto&& changes) {
+      return ReadChanges(EntryPath(name)).map([&](Changes&& changes) {
         tags.push_back({name, std::move(changes), {}, {}});
       });
     }

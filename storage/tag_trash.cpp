@@ -168,7 +168,7 @@ Result<std::u16string, FileError> TagTrash::BeginRestoring(
     const std::vector<TagParts>& tags) const {
   const auto stamp = MakeStamp(m_clock.GetUnixTime());
   if (!stamp) {
-    return stamp;
+    return Failure(stamp.error());
   }
   std::u16string mark = RestoringMarkOf(ItemName(*stamp, 0));
   const auto target = m_files.OpenReplacement(InTrash(mark));

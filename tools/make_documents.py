@@ -206,8 +206,9 @@ def options_with_values(root):
             if option.value for name in option.names}
 
 
-def case_of_path(root, assign):
-    """Lines of a shell function that walk over the words of the line up to the cursor."""
+def case_of_path(root):
+    """Lines of a shell function that walk over the words of the line up to the cursor. The variable
+    is not called "path", which zsh ties to the search path."""
     known = " | ".join(f"'{path_of(command)}'" for command in every(root) if path_of(command))
     skipped = " | ".join(sorted(options_with_values(root)))
     lines = []
@@ -215,7 +216,7 @@ def case_of_path(root, assign):
         lines.append(f"      {skipped}) skip=1 ;;")
     lines.append("      -*) ;;")
     if known:
-        lines.append(f'      *) case "${{path:+$path }}$word" in {known}) {assign} ;; esac ;;')
+        lines.append(f'      *) case "${{at:+$at }}$word" in {known}) at="${{at:+$at }}$word" ;; esac ;;')
     return lines
 
 
@@ -224,10 +225,10 @@ def bash(root):
     function = "_" + name.replace("-", "_")
     lines = [f"# bash completion for {name}", f"{function}() {{",
              '  local cur=${COMP_WORDS[COMP_CWORD]} prev=${COMP_WORDS[COMP_CWORD - 1]}',
-             "  local path= word words= files= skip= i", "  COMPREPLY=()",
+             "  local at= word words= files= skip= i", "  COMPREPLY=()",
              "  for ((i = 1; i < COMP_CWORD; i++)); do", "    word=${COMP_WORDS[i]}",
              "    if [ -n \"$skip\" ]; then skip=; continue; fi", '    case "$word" in',
-             *case_of_path(root, 'path="${path:+$path }$word"'), "    esac", "  done",
+             *case_of_path(root), "    esac", "  done",
              '  case "$prev" in']
     for kind, flag in (("files", "-f"), ("folders", "-d")):
         names = sorted(each for each, value in options_with_values(root).items() if value == kind)
@@ -239,7 +240,7 @@ def bash(root):
         lines.append(f'    {" | ".join(names)}) return ;;')
     if lines[-1].endswith("in"):
         lines.append("    *) ;;")
-    lines += ["  esac", '  case "$path" in']
+    lines += ["  esac", '  case "$at" in']
     for command in every(root):
         words = [each for each, _ in command.subcommands]
         words += [each for option in all_options(command) for each in option.names]
@@ -259,16 +260,16 @@ def quoted(text):
 
 def zsh(root):
     name = root.words[0]
-    lines = [f"#compdef {name}", "", "local path= word skip= files=", "local -a commands options",
+    lines = [f"#compdef {name}", "", "local at= word skip= files=", "local -a commands options",
              "local -i i", "for ((i = 2; i < CURRENT; i++)); do", "  word=${words[i]}",
              '  if [[ -n $skip ]]; then skip=; continue; fi', "  case $word in",
-             *[line[2:] for line in case_of_path(root, 'path="${path:+$path }$word"')],
+             *[line[2:] for line in case_of_path(root)],
              "  esac", "done", "case ${words[CURRENT-1]} in"]
     for kind, action in (("files", "_files"), ("folders", "_files -/"), ("words", "_message value")):
         names = sorted(each for each, value in options_with_values(root).items() if value == kind)
         if names:
             lines.append(f"  {'|'.join(names)}) {action}; return ;;")
-    lines += ["esac", "case $path in"]
+    lines += ["esac", "case $at in"]
     for command in every(root):
         lines.append(f"  '{path_of(command)}')")
         described = [quoted(f"{each}:{about}") for each, about in command.subcommands]

@@ -79,6 +79,12 @@ shells_read_their_completions() {
   ! command -v zsh >/dev/null || zsh -n "$tree"/usr/share/zsh/vendor-completions/_voxtrel || return
   ! command -v fish >/dev/null || fish -n "$tree"/usr/share/fish/vendor_completions.d/voxtrel.fish
 }
+fish_completes() { # LINE WANTED
+  command -v fish >/dev/null || return 0
+  fish --no-config -c "source $tree/usr/share/fish/vendor_completions.d/voxtrel.fish; complete -C '$1'" |
+    cut -f 1 >"$work/completed"
+  grep -qxF -- "$2" "$work/completed" || { cat "$work/completed" && return 1; }
+}
 desktop_entries_are_valid() {
   desktop-file-validate "$tree"/usr/share/applications/*.desktop
 }
@@ -121,6 +127,7 @@ try "each shell reads its completion" shells_read_their_completions
 try "bash completes a command" bash_completes 'voxtrel tags le' learn
 try "bash completes a group after an option with a value" bash_completes 'voxtrel --root x tags ' trash
 try "bash completes an option" bash_completes 'voxtrel tags learn --con' --contact
+try "fish completes a group after an option with a value" fish_completes 'voxtrel --root x tags ' trash
 try "the desktop entries are valid" desktop_entries_are_valid
 try "the data for software centres are valid" metadata_are_valid
 try "they name a desktop entry" metadata_name_a_desktop_entry

@@ -23,7 +23,6 @@ namespace {
 
 using support::ErrorOf;
 using support::Failing;
-using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
@@ -191,6 +190,34 @@ TEST_F(RestoreTest, ThereAreNeverMoreThanAHundredTags) {
   EXPECT_THAT(RestoreHere().tags, ElementsAre(RestoreFate::kRestored, RestoreFate::kTooMany));
   EXPECT_THAT(m_here.Names(), SizeIs(kMaxTags));
   EXPECT_FALSE(support::ReadWhole(m_here.files, WavePath(u"2")));
+}
+
+TEST_F(RestoreTest, ANewTagTakesNoPlaceFromOneThatIsReplaced) {
+  for (int i = 0; i < kMaxTags; ++i) {
+    m_here.PutTag(TagNameOfTickCount(static_cast<std::uint32_t>(1000 + i)));
+  }
+  m_there.PutTag(u"1");
+  m_there.PutTag(u"1000", "of the backup");
+  BackUp(m_there);
+  EXPECT_THAT(RestoreHere(Replacing::kYes).tags,
+              ElementsAre(RestoreFate::kTooMany, RestoreFate::kReplaced));
+  EXPECT_THAT(m_here.Names(), SizeIs(kMaxTags));
+}
+
+TEST_F(RestoreTest, ATagThatACompanionReadsStaysWhole) {
+  m_there.PutTag(u"100", "of the backup");
+  m_here.PutTag(u"100", "of today");
+  BackUp(m_there);
+  {
+    const auto read =
+        m_here.files
+            .Open(TemplatePath(u"100"), {platform::FileAccess::kRead, platform::FileShare::kRead,
+                                         platform::FileCreation::kOpenExisting})
+            .value();
+    EXPECT_THAT(RestoreHere(Replacing::kYes).tags, ElementsAre(RestoreFate::kInUse));
+  }
+  EXPECT_TRUE(m_here.HasTag(u"100", "of today"));
+  EXPECT_THAT(Trash(), IsEmpty());
 }
 
 TEST_F(RestoreTest, TemplatesOfOtherMathematicsAreComputedAgainByThePage) {

@@ -10,9 +10,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using nlohmann::json;
-using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 
 class BackupCommands : public TagsFixture {
