@@ -88,9 +88,9 @@ void ButtonRow::Arrange() {
   for (int i = 0; i < count; ++i) {
     const int column = i % columns;
     // Those of a row share its width, so the last row has no gap at its end.
-    const int in_row = std::min(columns, count - (i - column));
-    const int left = column * (width() + kButtonGap) / in_row;
-    const int right = (column + 1) * (width() + kButtonGap) / in_row - kButtonGap;
+    const int inRow = std::min(columns, count - (i - column));
+    const int left = column * (width() + kButtonGap) / inRow;
+    const int right = (column + 1) * (width() + kButtonGap) / inRow - kButtonGap;
     const QRect place(left, i / columns * (height + kButtonGap), right - left, height);
     m_shown[static_cast<std::size_t>(i)]->setGeometry(
         QStyle::visualRect(layoutDirection(), rect(), place));

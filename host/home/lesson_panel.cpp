@@ -39,7 +39,8 @@ class Avatar final : public QWidget {
     SetAccessibleRole(*this, QAccessible::Graphic);
   }
   [[nodiscard]] QSize sizeHint() const override {
-    return QSize(1, 1) * (fontMetrics().lineSpacing() * 5 / 2);
+    const int side = fontMetrics().lineSpacing() * 5 / 2;
+    return {side, side};
   }
 
  protected:

@@ -54,31 +54,31 @@ std::vector<AlikePair> FindAlikePairs(const std::vector<Tag>& tags) {
 // takes the other one, so that of the most alike pair comes first in the end.
 std::vector<std::size_t> OrderByLikeness(std::size_t count, const std::vector<AlikePair>& pairs) {
   std::vector<Chain> chains(count);
-  std::vector<std::size_t> chain_of(count);
+  std::vector<std::size_t> chainOf(count);
   for (std::size_t i = 0; i < count; ++i) {
     chains[i] = {i};
-    chain_of[i] = i;
+    chainOf[i] = i;
   }
   std::vector<std::size_t> joined;  // Chains, in the order in which they were first joined.
   const auto age = [&joined](std::size_t chain) { return std::ranges::find(joined, chain); };
   for (const AlikePair& pair : pairs) {
     std::size_t end = pair.first;
     std::size_t begin = pair.second;
-    if (chain_of[end] == chain_of[begin]) {
+    if (chainOf[end] == chainOf[begin]) {
       continue;
     }
-    if (age(chain_of[begin]) < age(chain_of[end])) {
+    if (age(chainOf[begin]) < age(chainOf[end])) {
       std::swap(end, begin);
     }
-    Chain& to = chains[chain_of[end]];
-    Chain from = std::exchange(chains[chain_of[begin]], {});
-    if (age(chain_of[end]) == joined.end()) {
-      joined.push_back(chain_of[end]);
+    Chain& to = chains[chainOf[end]];
+    Chain from = std::exchange(chains[chainOf[begin]], {});
+    if (age(chainOf[end]) == joined.end()) {
+      joined.push_back(chainOf[end]);
     }
     TurnToEnd(to, end);
     TurnToEnd(from, begin);
     for (const std::size_t tag : from) {
-      chain_of[tag] = chain_of[end];
+      chainOf[tag] = chainOf[end];
     }
     to.insert(to.end(), from.rbegin(), from.rend());
   }

@@ -46,8 +46,8 @@ class LikenessPage : public Page {
   void StopPlaying();
   void TeachAgain(std::size_t side);
   [[nodiscard]] const AlikePair* GetCurrent() const;
-  [[nodiscard]] QString NameOf(std::size_t tag) const;
-  [[nodiscard]] QString Describe(std::size_t pair) const;
+  [[nodiscard]] QString NameOf(std::size_t index) const;
+  [[nodiscard]] QString Describe(std::size_t index) const;
 
   Work& m_work;
   Frame& m_frame;

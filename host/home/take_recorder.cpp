@@ -64,8 +64,8 @@ std::vector<std::int16_t> MakeTone() {
   constexpr std::size_t kEdge = kRecordingRate / 50;
   std::vector<std::int16_t> tone(kLength);
   for (std::size_t i = 0; i < kLength; ++i) {
-    const auto from_edge = static_cast<double>(std::min({i, kLength - i, kEdge}));
-    const double fade = (1 - std::cos(std::numbers::pi * from_edge / kEdge)) / 2;
+    const auto fromEdge = static_cast<double>(std::min({i, kLength - i, kEdge}));
+    const double fade = (1 - std::cos(std::numbers::pi * fromEdge / kEdge)) / 2;
     const double angle =
         2 * std::numbers::pi * kFrequency * static_cast<double>(i) / kRecordingRate;
     tone[i] = static_cast<std::int16_t>(kAmplitude * fade * std::sin(angle));
@@ -77,13 +77,12 @@ std::vector<std::int16_t> MakeTone() {
 void FindLosses(HeardTake& take) {
   const auto kept =
       std::span(take.samples).subspan(take.kept.first, take.kept.last - take.kept.first + 1);
-  const auto of_part = voicemath::JudgeTake({.samples = kept}).verdicts;
-  const auto is_lost = [&](voicemath::Verdict verdict) {
-    return std::ranges::count(of_part, verdict) >
-           std::ranges::count(take.quality.verdicts, verdict);
+  const auto ofPart = voicemath::JudgeTake({.samples = kept}).verdicts;
+  const auto isLost = [&](voicemath::Verdict verdict) {
+    return std::ranges::count(ofPart, verdict) > std::ranges::count(take.quality.verdicts, verdict);
   };
-  take.losesStart = is_lost(voicemath::Verdict::kCutStart);
-  take.losesEnd = is_lost(voicemath::Verdict::kCutEnd);
+  take.losesStart = isLost(voicemath::Verdict::kCutStart);
+  take.losesEnd = isLost(voicemath::Verdict::kCutEnd);
 }
 
 }  // namespace

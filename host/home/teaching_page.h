@@ -43,7 +43,7 @@ class TeachingPage : public Page {
   };
 
   void Choose(const Person& person, const Number& number, const std::u16string& replaced);
-  [[nodiscard]] bool ChooseOf(const std::u16string& tag);
+  [[nodiscard]] bool ChooseOf(const std::u16string& name);
   [[nodiscard]] std::u16string FindTagOf(const Person& person, const Number& number) const;
   void Leave();
   void Record();

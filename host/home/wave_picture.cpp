@@ -90,7 +90,7 @@ void WavePicture::PaintWave(QPainter& painter, const QRect& area) const {
     peak = std::max(peak, std::abs(int{sample}));
   }
   const auto columns = static_cast<std::size_t>(area.width());
-  const auto to_y = [&](int sample) {
+  const auto toY = [&](int sample) {
     return area.center().y() - sample * (area.height() / 2 - 2) / peak;
   };
   for (std::size_t x = 0; x < columns; ++x) {
@@ -101,7 +101,7 @@ void WavePicture::PaintWave(QPainter& painter, const QRect& area) const {
                             m_samples.begin() + static_cast<std::ptrdiff_t>(to));
     const bool isKept = from >= m_kept.first && from <= m_kept.last;
     painter.setPen(palette().color(isKept ? QPalette::Highlight : QPalette::PlaceholderText));
-    painter.drawLine(static_cast<int>(x), to_y(*highest), static_cast<int>(x), to_y(*lowest));
+    painter.drawLine(static_cast<int>(x), toY(*highest), static_cast<int>(x), toY(*lowest));
   }
 }
 
