@@ -31,6 +31,7 @@ int RunCommand(int argc, const char* const* argv) {
   AddContactsCommands(app, session);
   AddTagsCommands(app, session);
   AddMaintenanceCommands(app, session);
+  AddMicrophoneCommands(app, session);
   AddConnectionCommands(app, session);
   AddBackupCommands(app, session);
   AddStatusCommands(app, session);

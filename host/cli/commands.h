@@ -14,6 +14,7 @@ void AddConnectionCommands(CLI::App& app, Session& session);
 void AddContactsCommands(CLI::App& app, Session& session);
 void AddLanguageCommands(CLI::App& app, Session& session);
 void AddMaintenanceCommands(CLI::App& app, Session& session);
+void AddMicrophoneCommands(CLI::App& app, Session& session);
 void AddRegistryCommands(CLI::App& app, Session& session);
 void AddStatusCommands(CLI::App& app, Session& session);
 void AddTagsCommands(CLI::App& app, Session& session);
@@ -23,6 +24,10 @@ void AddWindowCommands(CLI::App& app, Session& session);
 
 // Parts of a group of commands that have files of their own.
 
+/// language list. With --json: {"languages":["en",...],"used"}, which is null if it is a file of
+/// the user's own. language use. With --json: {"used","kept"}. "kept" is the copy of a file of the
+/// user's own.
+void AddLanguageChoice(CLI::App& group, Session& session);
 /// template learn|process
 void AddTemplateMakers(CLI::App& group, Session& session);
 /// tags test. With --json: {"lines":[TEXT,...],"pairs":[{"tag","neighbour","score","distance",

@@ -160,8 +160,10 @@ void WriteTemplate(Session& session, const std::string& name) {
 }  // namespace
 
 void AddLanguageCommands(CLI::App& app, Session& session) {
-  CLI::App* group = app.add_subcommand("language", "Check, look at and begin language files");
+  CLI::App* group =
+      app.add_subcommand("language", "Choose a language; check, look at and begin language files");
   group->require_subcommand(1);
+  AddLanguageChoice(*group, session);
   const auto file = std::make_shared<std::string>();
 
   CLI::App* check = group->add_subcommand("check", "Say what a translator should mend");

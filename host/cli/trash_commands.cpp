@@ -142,7 +142,8 @@ void Restore(Session& session, const std::vector<std::string>& names, bool isLas
   for (const TrashedTag& tag : chosen) {
     const std::string name = text::ToUtf8(tag.item.parts.name);
     if (const auto done = trash.Restore(tag); !done) {
-      session.Fail(fmt::format("{} was not restored: {}", name, session::ExplainRestoreError(done.error())));
+      session.Fail(
+          fmt::format("{} was not restored: {}", name, session::ExplainRestoreError(done.error())));
       continue;
     }
     restored.push_back(name);

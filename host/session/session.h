@@ -68,6 +68,7 @@ class Session {
   /// From now on `microphone`, which outlives this, takes the place of the one of the options.
   void UseMicrophone(platform::WaveIn& microphone) { m_microphone = &microphone; }
   [[nodiscard]] platform::FileSystem& GetFiles() { return m_backends.GetFiles(); }
+  [[nodiscard]] platform::WaveInputs& GetWaveInputs() { return m_backends.GetWaveInputs(); }
   [[nodiscard]] SessionClock& GetClock() { return m_clock; }
 
   /// Returns whether a file stands for the microphone. Nobody waits for its sound.

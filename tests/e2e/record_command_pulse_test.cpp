@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <thread>
@@ -76,6 +77,38 @@ TEST_F(RecordCommand, TakesThreeSecondsFromTheMicrophone) {
   EXPECT_EQ(run.err, "");
   EXPECT_EQ(run.exitCode, 0);
   EXPECT_EQ(std::filesystem::file_size(File()), 66194U);
+}
+
+TEST_F(RecordCommand, RecordsFromTheInputThatWasChosen) {
+  const auto server = PulseServer::Start(m_session);
+  ASSERT_TRUE(server);
+  ASSERT_EQ(std::system("pactl load-module module-null-source source_name=headset rate=11025 "
+                        "channels=1 description=Headset >/dev/null"),
+            0);
+  ASSERT_EQ(std::system("pactl set-default-source headset"), 0);
+  const PipeMicrophone microphone(server->Pipe(), 11025, 1, kHum);
+  const std::string root = m_session.Folder() / "root";
+  const auto run = [&](std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), {"--root", root});
+    return RunWith(arguments);
+  };
+  const auto isHeard = [&] {
+    const auto recorded = run({"wave", "record", "--milliseconds", "300", File()});
+    EXPECT_EQ(recorded.exitCode, 0) << recorded.err;
+    std::ifstream file(File(), std::ios::binary);
+    const std::string bytes{std::istreambuf_iterator<char>(file), {}};
+    return bytes.find(std::string(100, '\x11')) != std::string::npos;
+  };
+  EXPECT_FALSE(isHeard()) << "The server's default is silent.";
+  EXPECT_THAT(run({"microphone", "list"}).out, testing::HasSubstr("* headset  Headset\n"));
+  EXPECT_EQ(run({"microphone", "use", "fifo_input"}).exitCode, 0);
+  EXPECT_THAT(run({"microphone", "list"}).out, testing::HasSubstr("* fifo_input"));
+  EXPECT_TRUE(isHeard());
+  const auto unknown = run({"microphone", "use", "speaker.monitor"});
+  EXPECT_EQ(unknown.exitCode, 1);
+  EXPECT_THAT(unknown.err, testing::HasSubstr("speaker.monitor: there is no such input"));
+  EXPECT_EQ(run({"microphone", "use", "default"}).exitCode, 0);
+  EXPECT_FALSE(isHeard());
 }
 
 TEST_F(RecordCommand, SaysThatTheMicrophoneWasLostAndLeavesNoFile) {

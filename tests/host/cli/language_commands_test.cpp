@@ -29,6 +29,32 @@ class LanguageCommands : public CommandFixture {
 
 const std::string kLanguages = VOXTREL_LANGUAGES_DIR;
 
+TEST_F(LanguageCommands, ListAndChooseTheInstalledLanguages) {
+  const std::string inPlace = Path("root/Program Files/Zedra Tech./Zedra Voxtrel/Voxtrel.lng");
+  EXPECT_EQ(Run({"language", "list"}).out, "* en\n  de\n  es\n  fr\n  ru\n  zh-Hans\n");
+  EXPECT_FALSE(std::filesystem::exists(Path("root"))) << "A list makes nothing.";
+  EXPECT_EQ(RunJson({"language", "use", "de"}, 0), json({{"used", "de"}}));
+  EXPECT_EQ(Read(inPlace), Read(kLanguages + "/Voxtrel.de.lng"));
+  EXPECT_EQ(RunJson({"language", "list"}, 0)["used"], "de");
+  EXPECT_EQ(Run({"language", "use", "en"}).exitCode, 0);
+  EXPECT_FALSE(std::filesystem::exists(inPlace));
+  EXPECT_THAT(Run({"language", "use", "tlh"}).err, HasSubstr("tlh: there is no such language"));
+}
+
+TEST_F(LanguageCommands, ReplaceAFileOfTheUsersOwnOnlyIfToldToAndKeepIt) {
+  const std::string inPlace = Path("root/Program Files/Zedra Tech./Zedra Voxtrel/Voxtrel.lng");
+  ASSERT_EQ(Run({"language", "use", "de"}).exitCode, 0);
+  std::ofstream(inPlace) << "mine";
+  EXPECT_TRUE(RunJson({"language", "list"}, 0)["used"].is_null());
+  const auto refused = Run({"language", "use", "fr"});
+  EXPECT_EQ(refused.exitCode, 1);
+  EXPECT_THAT(refused.err, HasSubstr("is your own, and stays"));
+  EXPECT_EQ(Read(inPlace), "mine");
+  const json used = RunJson({"--yes", "language", "use", "fr"}, 0);
+  EXPECT_EQ(used["kept"], inPlace + ".own1");
+  EXPECT_EQ(Read(inPlace + ".own1"), "mine");
+}
+
 TEST_F(LanguageCommands, FindNothingToMendInAShippedTranslation) {
   const std::string file = kLanguages + "/Voxtrel.de.lng";
   const auto run = Run({"language", "check", file});
