@@ -34,7 +34,7 @@ class TagDelegate : public QStyledItemDelegate {
   };
 
   [[nodiscard]] CardTexts TextsOf(const QModelIndex& index) const;
-  void PaintCard(QPainter& painter, const QStyleOptionViewItem& option,
+  void PaintCard(QPainter& painter, const QStyleOptionViewItem& given,
                  const QModelIndex& index) const;
 
   const TagModel& m_model;

@@ -242,12 +242,12 @@ bool TagOrder::lessThan(const QModelIndex& a, const QModelIndex& b) const {
     return isLeftKnown == (sortOrder() == Qt::AscendingOrder);
   }
   if (isLeftKnown) {
-    if (const auto order = Compare(left, right, column); order != 0) {
-      return order < 0;
+    if (const auto order = Compare(left, right, column); std::is_neq(order)) {
+      return std::is_lt(order);
     }
   }
   const auto order = text::CompareForDisplay(left.contact, right.contact);
-  return order != 0 ? order < 0 : a.row() < b.row();
+  return std::is_neq(order) ? std::is_lt(order) : a.row() < b.row();
 }
 
 }  // namespace home

@@ -227,27 +227,27 @@ void TagsWindow::GiveShelf(Page& page) const {
   }
 }
 
-void TagsWindow::ShowPage(PageId id, const std::u16string& tag) {
-  const auto maker = m_settings.pages.find(id);
+void TagsWindow::ShowPage(PageId page, const std::u16string& tag) {
+  const auto maker = m_settings.pages.find(page);
   if (maker == m_settings.pages.end()) {
     return;
   }
-  Page*& page = m_pages[id];
-  if (page == nullptr) {
-    page = maker->second(*this).release();
-    m_stack->addWidget(page);
-    GiveShelf(*page);
+  Page*& shown = m_pages[page];
+  if (shown == nullptr) {
+    shown = maker->second(*this).release();
+    m_stack->addWidget(shown);
+    GiveShelf(*shown);
   }
-  if (Page* const shown = GetShownPage(); shown != nullptr) {
-    shown->OnLeft();
+  if (Page* const before = GetShownPage(); before != nullptr) {
+    before->OnLeft();
   }
   m_bar->Clear();
-  page->OnShown(tag);
-  m_stack->setCurrentWidget(page);
-  ShowHeader(page->windowTitle(), true);
+  shown->OnShown(tag);
+  m_stack->setCurrentWidget(shown);
+  ShowHeader(shown->windowTitle(), true);
   // The page may have chosen where typing goes.
-  if (focusWidget() == nullptr || !page->isAncestorOf(focusWidget())) {
-    page->setFocus(Qt::OtherFocusReason);
+  if (focusWidget() == nullptr || !shown->isAncestorOf(focusWidget())) {
+    shown->setFocus(Qt::OtherFocusReason);
   }
 }
 
