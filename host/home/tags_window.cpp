@@ -9,6 +9,7 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QScreen>
 #include <QShortcut>
 #include <QStackedWidget>
 #include <QToolButton>
@@ -96,7 +97,7 @@ TagsWindow::TagsWindow(Work& work, QSettings& remembered, Settings settings)
           [this] { ShowTags(); });
 
   if (!restoreGeometry(m_remembered.value(kGeometry).toByteArray())) {
-    resize(kFirstSize);
+    resize(kFirstSize.boundedTo(screen()->availableSize()));
   }
   bool isNumber = false;
   const int column = m_remembered.value(kSortColumn).toInt(&isNumber);
@@ -239,6 +240,9 @@ void TagsWindow::ShowPage(PageId page, const std::u16string& tag) {
     GiveShelf(*shown);
   }
   if (Page* const before = GetShownPage(); before != nullptr) {
+    if (before == shown && tag.empty()) {
+      return;  // Nobody who is there already wants to begin again.
+    }
     before->OnLeft();
   }
   m_bar->Clear();

@@ -443,6 +443,14 @@ TEST_F(TagsWindow, TeachesANameAndTeachesAgain) {
   EXPECT_EQ(m_notes[PageId::kTeaching].shown, (Names{u"", u"11"}));
 }
 
+TEST_F(TagsWindow, LeavesAPageAloneThatIsAskedForAgain) {
+  OpenFull();
+  Press(Qt::Key_N, Qt::ControlModifier);
+  Press(Qt::Key_N, Qt::ControlModifier);
+  EXPECT_EQ(m_notes[PageId::kTeaching].shown, Names{u""});
+  EXPECT_EQ(m_notes[PageId::kTeaching].left, 0);
+}
+
 TEST_F(TagsWindow, DoesNotTeachATagAgainWhoseContactIsGone) {
   OpenFull();
   Choose("44");
