@@ -16,6 +16,7 @@
 #include "backends/qt/strings.h"
 #include "host/panel/places.h"
 #include "resources/desktop_strings.h"
+#include "resources/panel_strings.h"
 
 namespace panel {
 namespace {

@@ -7,6 +7,7 @@
 
 #include "backends/qt/strings.h"
 #include "resources/desktop_strings.h"
+#include "resources/panel_strings.h"
 
 namespace panel {
 namespace {

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "resources/desktop_strings.h"
+#include "resources/panel_strings.h"
 #include "resources/fault_strings.h"
 #include "resources/translations.h"
 
