@@ -52,17 +52,17 @@ QFont Bold(QFont font) {
 
 /// Where the texts of a card are, counted from the left in a window that is read from the left.
 struct CardPlaces {
+  /// `quality` is the word next to the symbol. It can be empty.
   CardPlaces(const QRect& card, const QFont& font, const QString& quality)
       : metrics(font),
         area(
             card.adjusted(kCardPadding, kCardPadding, -kCardPadding - kLeastTarget, -kCardPadding)),
         symbolSize(metrics.ascent()),
-        qualityWidth(std::min(metrics.horizontalAdvance(quality),
-                              area.width() / 2 - symbolSize - symbolSize / 3)) {}
+        qualityWidth(quality.isEmpty() ? 0 : metrics.horizontalAdvance(quality) + symbolSize / 3) {}
 
   /// The line without what stands at the end of the first one.
   [[nodiscard]] QRect Line(int line) const {
-    const int taken = line == 0 ? qualityWidth + symbolSize + symbolSize / 3 + kCardPadding : 0;
+    const int taken = line == 0 ? qualityWidth + symbolSize + kCardPadding : 0;
     return {area.left(), area.top() + line * metrics.lineSpacing(),
             std::max(0, area.width() - taken), metrics.lineSpacing()};
   }
@@ -70,7 +70,7 @@ struct CardPlaces {
     return {area.right() + 1 - qualityWidth, area.top(), qualityWidth, metrics.lineSpacing()};
   }
   [[nodiscard]] QRect QualitySymbol() const {
-    return {area.right() + 1 - qualityWidth - symbolSize / 3 - symbolSize,
+    return {area.right() + 1 - qualityWidth - symbolSize,
             area.top() + (metrics.lineSpacing() - symbolSize) / 2, symbolSize, symbolSize};
   }
 
@@ -99,21 +99,36 @@ void Write(QPainter& painter, const QStyleOptionViewItem& option, const QRect& l
 
 }  // namespace
 
-TagDelegate::CardTexts TagDelegate::TextsOf(const QModelIndex& index) const {
+TagDelegate::CardTexts TagDelegate::TextsOf(const QRect& card, const QFont& font,
+                                            const QModelIndex& index) const {
   const int row = m_order.mapToSource(index).row();
   const auto text = [&](Column column) {
     return m_model.data(m_model.index(row, column), Qt::DisplayRole).toString();
   };
-  return {text(kName), Join({text(kNumber), text(kKind)}), Join({text(kTaught), text(kLength)}),
-          text(kQuality)};
+  CardTexts texts{text(kName),
+                  Join({text(kNumber), text(kKind)}),
+                  text(kQuality),
+                  {text(kTaught), text(kLength)}};
+  const CardPlaces places(card, font, texts.quality);
+  // What has no room next to a name or a number goes to the third line.
+  if (places.metrics.horizontalAdvance(texts.number) > places.Line(1).width()) {
+    texts.number = text(kNumber);
+    texts.facts.prepend(text(kKind));
+  }
+  if (QFontMetrics(Bold(font)).horizontalAdvance(texts.name) > places.Line(0).width()) {
+    texts.quality.clear();
+    texts.facts.prepend(text(kQuality));
+  }
+  return texts;
 }
 
 bool TagDelegate::IsCardWhole(const QRect& card, const QFont& font,
                               const QModelIndex& index) const {
-  const CardTexts texts = TextsOf(index);
+  const CardTexts texts = TextsOf(card, font, index);
   const CardPlaces places(card, font, texts.quality);
   return QFontMetrics(Bold(font)).horizontalAdvance(texts.name) <= places.Line(0).width() &&
-         places.metrics.horizontalAdvance(texts.number) <= places.Line(1).width();
+         places.metrics.horizontalAdvance(texts.number) <= places.Line(1).width() &&
+         places.metrics.horizontalAdvance(Join(texts.facts)) <= places.Line(2).width();
 }
 
 TagDelegate::TagDelegate(const TagModel& model, const TagOrder& order, QObject* parent)
@@ -159,7 +174,7 @@ void TagDelegate::PaintCard(QPainter& painter, const QStyleOptionViewItem& given
   style.drawPrimitive(QStyle::PE_PanelItemViewItem, &option, &painter, option.widget);
 
   const Tag& tag = m_model.TagAt(m_order.mapToSource(index).row());
-  const CardTexts texts = TextsOf(index);
+  const CardTexts texts = TextsOf(option.rect, option.font, index);
   const CardPlaces places(option.rect, option.font, texts.quality);
   painter.save();
   const bool isPlaying = tag.name == m_model.GetPlaying();
@@ -176,8 +191,8 @@ void TagDelegate::PaintCard(QPainter& painter, const QStyleOptionViewItem& given
         Qt::ElideRight);
   Write(painter, option, places.Line(1), texts.number, option.font, Qt::AlignLeading,
         Qt::ElideMiddle);
-  Write(painter, option, places.Line(2), texts.facts, option.font, Qt::AlignLeading, Qt::ElideRight,
-        true);
+  Write(painter, option, places.Line(2), Join(texts.facts), option.font, Qt::AlignLeading,
+        Qt::ElideRight, true);
   QColor thin = option.palette.color(QPalette::Text);
   thin.setAlphaF(kThinShare);
   painter.fillRect(QRect(option.rect.left(), option.rect.bottom(), option.rect.width(), 1), thin);

@@ -13,7 +13,7 @@ class TagDelegate : public QStyledItemDelegate {
 
   void ShowAsCards(bool areCards) { m_areCards = areCards; }
 
-  /// Returns whether a card of this size shows the whole name and the whole number.
+  /// Returns whether a card of this size shows all its texts as a whole.
   [[nodiscard]] bool IsCardWhole(const QRect& card, const QFont& font,
                                  const QModelIndex& index) const;
 
@@ -28,12 +28,13 @@ class TagDelegate : public QStyledItemDelegate {
  private:
   struct CardTexts {
     QString name;
-    QString number;  ///< With its kind.
-    QString facts;
-    QString quality;
+    QString number;     ///< With its kind, if there is room for both.
+    QString quality;    ///< Next to its symbol. Empty if there is no room for it.
+    QStringList facts;  ///< Of the last line; some can be empty.
   };
 
-  [[nodiscard]] CardTexts TextsOf(const QModelIndex& index) const;
+  [[nodiscard]] CardTexts TextsOf(const QRect& card, const QFont& font,
+                                  const QModelIndex& index) const;
   void PaintCard(QPainter& painter, const QStyleOptionViewItem& given,
                  const QModelIndex& index) const;
 

@@ -54,7 +54,6 @@ TagList::TagList(TagModel& model, TagOrder& order, Events events, QWidget* paren
   setSelectionMode(ExtendedSelection);
   setSelectionBehavior(SelectRows);
   setEditTriggers(NoEditTriggers);
-  setFrameShape(QFrame::NoFrame);
   setVerticalScrollMode(ScrollPerPixel);
   setSortingEnabled(true);
   setTabKeyNavigation(false);
@@ -84,6 +83,7 @@ void TagList::ShowAsCards(bool areCards) {
   m_delegate->ShowAsCards(areCards);
   setHorizontalScrollBarPolicy(areCards ? Qt::ScrollBarAlwaysOff : Qt::ScrollBarAsNeeded);
   setHeaderHidden(areCards);
+  setFrameShape(areCards ? QFrame::NoFrame : QFrame::StyledPanel);
   for (int column = kName + 1; column < kColumnCount; ++column) {
     setColumnHidden(column, areCards);
   }
@@ -125,8 +125,10 @@ void TagList::FitColumns() {
   }
   const int rest = whole - std::accumulate(widths.begin(), widths.end(), 0);
   if (rest > 0) {
-    widths[kName] += rest / 2;
-    widths[kNearest] += rest - rest / 2;
+    // On a very wide window a number stays in sight of its name.
+    const int given = std::min(rest / 2, kWidestColumn * unit);
+    widths[kName] += given;
+    widths[kNearest] += rest - given;
   } else {
     Narrow(widths, whole, unit);
   }
@@ -150,7 +152,7 @@ void TagList::changeEvent(QEvent* event) {
   }
 }
 
-// In the table the columns of the name and the number can be made as wide as one likes.
+// In a table any column may be too narrow.
 bool TagList::ShowsWhole(const QModelIndex& index) const {
   return m_areCards && m_delegate->IsCardWhole(visualRect(index), font(), index);
 }

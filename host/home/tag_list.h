@@ -28,7 +28,7 @@ class TagList : public QTreeView {
   /// Returns the width below which the table is hard to read, in the font of this list.
   [[nodiscard]] int LeastTableWidth() const;
 
-  /// Returns whether the list shows the whole name and number of a row by itself.
+  /// Returns whether a row is a card that shows all its texts as a whole.
   [[nodiscard]] bool ShowsWhole(const QModelIndex& index) const;
 
   /// Returns the place of the button that plays the tag of a card. `row` is the place of the card.

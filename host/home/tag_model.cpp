@@ -145,8 +145,7 @@ QVariant TagModel::data(const QModelIndex& index, int role) const {
     case Qt::AccessibleDescriptionRole:
       return Describe(index.row());
     case Qt::TextAlignmentRole:
-      return QVariant::fromValue(
-          Qt::AlignVCenter | (index.column() == kLength ? Qt::AlignTrailing : Qt::AlignLeading));
+      return QVariant::fromValue(Qt::AlignVCenter | Qt::AlignLeading);
     default:
       return {};
   }

@@ -15,7 +15,6 @@
 
 #include "host/home/button.h"
 #include "host/home/empty_notice.h"
-#include "host/home/numbers.h"
 #include "host/home/say.h"
 #include "host/home/symbols.h"
 #include "resources/tags_window_strings.h"
@@ -39,7 +38,9 @@ TagsPage::TagsPage(Work& work, Frame& frame, MessageBar& bar, Ways ways, QWidget
   auto* const layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(searchRow);
-  layout->addLayout(m_centre, 1);
+  m_around = new QHBoxLayout;
+  m_around->addLayout(m_centre);
+  layout->addLayout(m_around, 1);
   layout->addWidget(MakeActionRow());
   connect(m_list->selectionModel(), &QItemSelectionModel::selectionChanged, this,
           &TagsPage::ShowCurrent);
@@ -192,6 +193,9 @@ void TagsPage::changeEvent(QEvent* event) {
 void TagsPage::Adapt() {
   const bool isNarrow = width() < m_list->LeastTableWidth();
   m_list->ShowAsCards(isNarrow);
+  // Cards go from edge to edge.
+  const int room = isNarrow ? 0 : m_foot->contentsMargins().left();
+  m_around->setContentsMargins(room, 0, room, 0);
   m_foot->setDirection(isNarrow ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
   const bool hasTags = m_shelf && !m_shelf->tags.empty();
   m_sort->setVisible(isNarrow && hasTags);
@@ -317,7 +321,10 @@ void TagsPage::ShowCurrent() {
     const int row = m_order.mapToSource(m_list->currentIndex()).row();
     // A narrow window has no room to say twice what a card says.
     if (!m_list->ShowsWhole(m_list->currentIndex())) {
-      QStringList facts{qt::ToQString(tag->contact), ShowNumber(tag->number), NameKind(tag->kind)};
+      QStringList facts;
+      for (const Column column : {kName, kNumber, kKind, kTaught, kLength}) {
+        facts.append(m_model.data(m_model.index(row, column), Qt::DisplayRole).toString());
+      }
       facts.removeAll(QString());
       lines.append(facts.join(QStringLiteral(" · ")));
     }

@@ -91,6 +91,7 @@ class TagsPage : public QWidget {
 
   // Owned by the widgets.
   QStackedLayout* m_centre = nullptr;
+  QBoxLayout* m_around = nullptr;  ///< Of the list and of what stands in its place.
   TagList* m_list = nullptr;
   EmptyNotice* m_notice = nullptr;
   QLineEdit* m_search = nullptr;

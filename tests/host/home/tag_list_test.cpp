@@ -194,6 +194,38 @@ TEST_F(TagList, SaysBelowACardWhatTheCardDoesNotShow) {
   EXPECT_TRUE(details().startsWith(QStringLiteral("Maximiliane von Hohenstein-Oberndorf zu Berg")));
 }
 
+TEST_F(TagList, CutsNoNumberInFavourOfItsKind) {
+  UseFont(12);
+  Open(kPhone);
+  home::Shelf shelf;
+  shelf.tags = {home_test::MakeTag(u"11", u"Al", u"+49 30 5550 0101 0202 03", u"BusinessFax")};
+  m_work.Show(shelf);
+  Choose("Al");
+  EXPECT_TRUE(m_list->ShowsWhole(m_list->currentIndex()));
+  shelf.tags[0].number += u" 0404 0505 0606";
+  m_work.Show(shelf);
+  EXPECT_FALSE(m_list->ShowsWhole(m_list->currentIndex()));
+}
+
+TEST_F(TagList, CutsNoNameInFavourOfAVerdict) {
+  Open(kPhone);
+  home::Shelf shelf;
+  shelf.tags = {home_test::MakeTag(u"11", u"Hanna Berg von und zu Hausen", u"1")};
+  shelf.tags[0].quality.take->Add(voicemath::Verdict::kInterrupted);
+  m_work.Show(shelf);
+  EXPECT_TRUE(m_list->ShowsWhole(m_list->model()->index(0, 0)));
+}
+
+TEST_F(TagList, StandsUnderTheSearchInATableAndFromEdgeToEdgeInCards) {
+  OpenFull();
+  const auto place = [this](const QWidget* widget) {
+    return widget->mapTo(m_window.get(), QPoint()).x();
+  };
+  EXPECT_EQ(place(m_list), place(Find<QLineEdit>("search")));
+  m_window->resize(kPhone);
+  EXPECT_EQ(place(m_list), 0);
+}
+
 TEST_F(TagList, OpensTheContextMenuUnderAFingerThatStays) {
   OpenFull(kPhone);
   QTapAndHoldGesture::setTimeout(1);
