@@ -88,6 +88,7 @@ AddressBookSection::AddressBookSection(const SetupTools& tools, Errands& errands
   m_source->setObjectName(QStringLiteral("bookSource"));
   m_people->setObjectName(QStringLiteral("bookPeople"));
   m_remarks->setObjectName(QStringLiteral("bookRemarks"));
+  m_remarks->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
   m_news->setObjectName(QStringLiteral("bookNews"));
   m_desktop = AddButton(resources::kUseDesktopBook, "useDesktopBook", [this] { Choose(kDesktop); });
   m_file = AddButton(resources::kChooseBookFile, "chooseBookFile", [this] {

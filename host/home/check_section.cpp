@@ -74,6 +74,7 @@ CheckSection::CheckSection(const SetupTools& tools, Errands& errands, QWidget* p
   m_news->setObjectName(QStringLiteral("checkNews"));
   m_findings = AddText({});
   m_findings->setObjectName(QStringLiteral("findings"));
+  m_findings->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
 }
 
 void CheckSection::Check(Repairing repairing) {

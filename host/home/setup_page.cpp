@@ -1,5 +1,6 @@
 #include "host/home/setup_page.h"
 
+#include <QEvent>
 #include <QFrame>
 #include <QScrollArea>
 #include <QStyle>
@@ -76,9 +77,20 @@ void SetupPage::OnFilesDropped(const QStringList& paths) {
   m_addressBook->OnFilesDropped(paths);
 }
 
-// The column stands in the middle of a wide window.
 void SetupPage::resizeEvent(QResizeEvent* event) {
   Page::resizeEvent(event);
+  FitColumn();
+}
+
+void SetupPage::changeEvent(QEvent* event) {
+  Page::changeEvent(event);
+  if (event->type() == QEvent::FontChange) {
+    FitColumn();
+  }
+}
+
+// The column stands in the middle of a wide window.
+void SetupPage::FitColumn() {
   const int most = fontMetrics().averageCharWidth() * kMostLetters;
   const int side = std::max(0, (width() - most) / 2);
   const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent);

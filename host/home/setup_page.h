@@ -24,8 +24,12 @@ class SetupPage final : public Page {
 
  protected:
   void resizeEvent(QResizeEvent* event) override;
+  void changeEvent(QEvent* event) override;
 
  private:
+  /// Fits the column to the width of the page and to the font.
+  void FitColumn();
+
   const SetupTools m_tools;
   // Owned by the page.
   QScrollArea* m_scroll;

@@ -71,7 +71,7 @@ QLabel* SetupSection::AddText(const QString& text) {
   auto* const label = new QLabel(this);
   label->setTextFormat(Qt::PlainText);
   label->setWordWrap(true);
-  label->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+  label->setTextInteractionFlags(Qt::TextSelectableByMouse);
   m_body->addWidget(label);
   ShowText(*label, text);
   return label;

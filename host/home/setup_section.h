@@ -32,7 +32,7 @@ class SetupSection : public QWidget {
   void FitButtons(int width);
 
  protected:
-  /// Adds a text that can be selected. An empty one takes no room.
+  /// Adds a text that can be selected with the mouse. An empty one takes no room.
   QLabel* AddText(const QString& text);
   /// Adds a text that screen readers say when it changes.
   LiveLabel* AddNews();

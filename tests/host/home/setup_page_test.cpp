@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <QAccessible>
+#include <QScrollArea>
 
 #include "host/home/level_meter.h"
 #include "storage/device_paths.h"
@@ -292,6 +293,20 @@ TEST_F(SetupPageTest, AFileThatIsNoBackupIsRefusedWithTheReason) {
   AwaitText("backupNews", "other.tar");
   EXPECT_TRUE(Text("backupNews").endsWith('.'));
   EXPECT_EQ(m_work.loads, 0);
+}
+
+TEST_F(SetupPageTest, NothingIsWiderThanAPhoneAlsoInLargeLetters) {
+  Open();
+  AwaitText("bookPeople", "1 person");
+  m_page->resize(360, 640);
+  QFont large = m_page->font();
+  large.setPointSize(20);
+  m_page->setFont(large);
+  const QWidget* const column = m_page->findChild<QScrollArea*>()->widget();
+  EXPECT_TRUE(Await([&] { return Find<QPushButton>("useDesktopBook")->text().contains('\n'); }));
+  QCoreApplication::processEvents();
+  EXPECT_LE(column->minimumSizeHint().width(), 360);
+  EXPECT_LE(column->width(), 360);
 }
 
 TEST_F(SetupPageTest, EveryControlHasANameForScreenReadersAndTakesTheFocus) {
