@@ -58,6 +58,9 @@ inline constexpr std::u16string_view kTakeLosesEnd =
 /// "%1" is a person.
 inline constexpr std::u16string_view kTakeIsLike =
     u"It sounds like %1. The dialer may take one for the other.";
+inline constexpr std::u16string_view kTakeIsLikeAnother = u"It sounds like 1 other name too.";
+/// "%1" is a number, 2 or more.
+inline constexpr std::u16string_view kTakeIsLikeOthers = u"It sounds like %1 other names too.";
 inline constexpr std::u16string_view kKeeping = u"Learning the name…";
 inline constexpr std::u16string_view kLearned = u"Learned %1.";
 inline constexpr std::u16string_view kNotLearned = u"The name was not learned.";

@@ -31,6 +31,7 @@ namespace {
 constexpr int kLessonGap = 12;
 constexpr double kNameGrowth = 1.3;
 constexpr double kCueGrowth = 2;
+constexpr std::size_t kMostNamed = 3;  ///< People whose names are too alike; the rest is counted.
 
 /// The initials of the person whose name is its accessible name.
 class Avatar final : public QWidget {
@@ -306,8 +307,14 @@ void LessonPanel::ShowAlike(const std::vector<std::u16string>& people) {
   if (people.empty()) {
     return;
   }
-  for (const std::u16string& person : people) {
-    m_sentences.append(Say(resources::kTakeIsLike).arg(qt::ToQString(person)));
+  const std::size_t named = std::min(people.size(), kMostNamed);
+  for (std::size_t i = 0; i < named; ++i) {
+    m_sentences.append(Say(resources::kTakeIsLike).arg(qt::ToQString(people[i])));
+  }
+  if (const std::size_t others = people.size() - named; others > 0) {
+    m_sentences.append(
+        others == 1 ? Say(resources::kTakeIsLikeAnother)
+                    : Say(resources::kTakeIsLikeOthers).arg(locale().toString(qulonglong{others})));
   }
   ShowVerdicts();
   m_buttons->ShowOnly({m_keep, m_record, m_hear, m_playBoth, m_discard});

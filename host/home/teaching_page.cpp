@@ -123,6 +123,7 @@ void TeachingPage::Leave() {
 
 void TeachingPage::Record() {
   Silence();
+  m_work.StopPlaying();  // A tag that is still heard from the list would be in the take.
   m_state = State::kRecording;
   m_recorder.SetCueTime(QAccessible::isActive() ? kSpokenCueTime : 0);
   m_recorder.Record([this](const TakeProgress& progress) { m_panel->ShowProgress(progress); },

@@ -215,6 +215,30 @@ TEST_F(TeachingPage, NamesWhoseNameIsTooAlikeAndPlaysBoth) {
   EXPECT_TRUE(IsOffered("keep")) << "A warning never forbids.";
 }
 
+TEST_F(TeachingPage, NamesTheThreeMostAlikeAndCountsTheOthers) {
+  home::Shelf shelf = home_test::MakePeople();
+  for (const auto* name : {u"301", u"302", u"303"}) {
+    shelf.tags.push_back(shelf.tags[1]);
+    shelf.tags.back().name = name;
+  }
+  m_page.OnShelf(std::make_shared<home::Shelf>(shelf));
+  Say();
+  m_work.endComparing({u"100", u"200", u"301", u"302"});
+  EXPECT_THAT(Text("verdicts"), testing::EndsWith("\nIt sounds like 1 other name too."));
+  Click("record");
+  Pass();
+  m_work.endComparing({u"100", u"200", u"301", u"302", u"303"});
+  EXPECT_THAT(Text("verdicts"), testing::EndsWith("\nIt sounds like 2 other names too."));
+  EXPECT_EQ(QString::fromStdString(Text("verdicts")).count(u'\n'), 3);
+}
+
+TEST_F(TeachingPage, StopsATagThatIsStillHeardBeforeItRecords) {
+  Choose("robert");
+  EXPECT_EQ(m_work.stops, 0);
+  Press(Qt::Key_Return);
+  EXPECT_EQ(m_work.stops, 1);
+}
+
 TEST_F(TeachingPage, PassesOverAComparisonOfAnEarlierTake) {
   Say();
   const auto late = m_work.endComparing;
