@@ -115,7 +115,7 @@ voxtrel tags list
 voxtrel check
 voxtrel backup "$HOME/voice.tar"
 voxtrel-panel --probe
-if [ -e "$1/usr/bin/voxtrel-home" ]; then voxtrel-home --probe; fi
+voxtrel-home --probe
 [ "$(voxtrel-panel --inquire "$1/usr/lib/voxtrel/voxtrel.cpl" | head -c 4)" = VPN1 ]
 EOF
 

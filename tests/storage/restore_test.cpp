@@ -80,7 +80,8 @@ class RestoreTest : public testing::Test {
   }
 
   Store m_there;
-  Store m_here;
+  std::optional<Store> m_store{std::in_place};
+  Store& m_here = *m_store;
   machine::Simulation m_clock;
   ContactHere m_contactHere = [](std::int32_t oid) { return oid; };
 };
@@ -292,8 +293,7 @@ TEST_F(RestoreTest, AFailureAtAnyCallLosesNothing) {
     for (const auto error : {platform::FileError::kDiskFull, platform::FileError::kOther}) {
       for (const Failing failing : {Failing::kOnce, Failing::kFromThenOn, Failing::kPowerFailure}) {
         const std::string backup = support::ReadWhole(m_here.files, kBackup).value();
-        m_here.~Store();
-        new (&m_here) Store();
+        m_store.emplace();
         ASSERT_TRUE(support::WriteWhole(m_here.files, kBackup, backup));
         m_here.PutTag(u"100", "of today");
         support::WatchedFileSystem watched(m_here.files);
