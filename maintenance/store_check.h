@@ -45,7 +45,7 @@ struct StoreFinding {
 [[nodiscard]] std::string_view ToWord(StoreProblem problem);
 
 /// Returns a sentence without a full stop. It can follow the tag's name.
-[[nodiscard]] std::string_view Describe(StoreProblem problem);
+[[nodiscard]] std::string Describe(StoreProblem problem);
 
 /// Returns whether RepairTemplate puts it right.
 [[nodiscard]] bool IsRepairable(StoreProblem problem);
@@ -70,7 +70,7 @@ enum class RepairError : std::uint8_t {
 };
 
 /// Returns a sentence without a full stop.
-[[nodiscard]] std::string_view Describe(RepairError error);
+[[nodiscard]] std::string Describe(RepairError error);
 
 /// Computes the template of a tag again from its kept recording, which is left as it is. After a
 /// failure an unusable template may be gone, and nothing else has changed. Message boxes of the

@@ -2,7 +2,10 @@
 
 #include <string>
 
+#include "backends/text/utf.h"
 #include "maintenance/store_check.h"
+#include "resources/report_strings.h"
+#include "resources/translations.h"
 #include "storage/device_paths.h"
 #include "storage/tag_record.h"
 #include "voicemath/template_file.h"
@@ -13,59 +16,55 @@ namespace {
 
 struct Wording {
   std::string_view word;
-  std::string_view sentence;
+  std::u16string_view sentence;
 };
 
 Wording WordingOf(StoreProblem problem) {
   using enum StoreProblem;
   switch (problem) {
     case kRegistryUnreadable:
-      return {"registry-unreadable", "the settings cannot be read"};
+      return {"registry-unreadable", resources::kSettingsUnreadable};
     case kFolderUnreadable:
-      return {"folder-unreadable", "not all files of the folder can be found"};
+      return {"folder-unreadable", resources::kFolderNotListed};
     case kContactsAway:
-      return {"contacts-away", "the contacts cannot be read, so nothing is said about them"};
+      return {"contacts-away", resources::kNothingSaidOfContacts};
     case kOtherVersion:
-      return {"other-version",
-              "the templates were made by another version; they are computed again when the tags "
-              "are opened next"};
+      return {"other-version", resources::kTemplatesOfOtherVersion};
     case kTooManyTags:
       static_assert(storage::kMaxTags == 100, "The sentence names it.");
-      return {"too-many-tags", "there are more than 100 tags; only the first 100 are compared"};
+      return {"too-many-tags", resources::kMoreThan100Tags};
     case kTagName:
-      return {"tag-name", "the name is not a number, as the names of recorded tags are"};
+      return {"tag-name", resources::kTagNameIsNoNumber};
     case kContact:
-      return {"contact", "the entry names no contact"};
+      return {"contact", resources::kEntryWithoutContact};
     case kPhoneType:
-      return {"phone-type", "the entry names no kind of telephone number"};
+      return {"phone-type", resources::kEntryWithoutKind};
     case kContactGone:
-      return {"contact-gone", "the contact does not exist any more"};
+      return {"contact-gone", resources::kContactOfTagGone};
     case kNoRecording:
-      return {"no-recording", "there is no recording"};
+      return {"no-recording", resources::kRecordingMissing};
     case kRecordingUnreadable:
-      return {"recording-unreadable", "the recording cannot be processed"};
+      return {"recording-unreadable", resources::kRecordingNotProcessed};
     case kRecordingEmpty:
-      return {"recording-empty", "the recording is too short to hold a spoken name"};
+      return {"recording-empty", resources::kRecordingTooShort};
     case kRecordingSilent:
-      return {"recording-silent", "the recording is silent"};
+      return {"recording-silent", resources::kRecordingIsSilent};
     case kNoTemplate:
-      return {"no-template", "there is no template"};
+      return {"no-template", resources::kTemplateMissing};
     case kTemplateTorn:
-      return {"template-torn", "the template file ends too early"};
+      return {"template-torn", resources::kTemplateEndsEarly};
     case kTemplateContradicting:
-      return {"template-contradicting", "the counts in the template do not agree"};
+      return {"template-contradicting", resources::kTemplateDisagrees};
     case kTemplateUnreadable:
-      return {"template-unreadable", "the template cannot be read"};
+      return {"template-unreadable", resources::kTemplateNotRead};
     case kTemplateStale:
-      return {"template-stale",
-              "the template is not what the recording gives; `voxtrel reinit --force` computes all "
-              "of them again"};
+      return {"template-stale", resources::kTemplateOutdated};
     case kRecordingWithoutTag:
-      return {"recording-without-tag", "there is a recording and no tag"};
+      return {"recording-without-tag", resources::kRecordingOfNoTag};
     case kTemplateWithoutTag:
-      return {"template-without-tag", "there is a template and no tag"};
+      return {"template-without-tag", resources::kTemplateOfNoTag};
     case kUnfinishedFile:
-      return {"unfinished-file", "a program that was ended early left this file"};
+      return {"unfinished-file", resources::kFileLeftUnfinished};
   }
   return {};
 }
@@ -80,7 +79,9 @@ bool HasTemplateFolder(platform::FileSystem& files) {
 
 std::string_view ToWord(StoreProblem problem) { return WordingOf(problem).word; }
 
-std::string_view Describe(StoreProblem problem) { return WordingOf(problem).sentence; }
+std::string Describe(StoreProblem problem) {
+  return text::ToUtf8(resources::Say(WordingOf(problem).sentence));
+}
 
 bool IsRepairable(StoreProblem problem) {
   return problem == StoreProblem::kNoTemplate || problem == StoreProblem::kTemplateTorn ||
@@ -92,15 +93,14 @@ bool IsOrphan(StoreProblem problem) {
          problem == StoreProblem::kTemplateWithoutTag || problem == StoreProblem::kUnfinishedFile;
 }
 
-std::string_view Describe(RepairError error) {
+std::string Describe(RepairError error) {
   switch (error) {
     case RepairError::kNoRecording:
-      return "the recording is missing or cannot be processed";
+      return text::ToUtf8(resources::Say(resources::kNothingToRepairFrom));
     case RepairError::kNoFolder:
-      return "the folder Voxtrel_stor is missing and cannot be made";
+      return text::ToUtf8(resources::Say(resources::kTemplateFolderMissing));
     case RepairError::kNotWritten:
-      return "the template cannot be written; there is no room on the device, another program has "
-             "the file open, or it may not be written";
+      return text::ToUtf8(resources::Say(resources::kTemplateNotWritten));
   }
   return {};
 }

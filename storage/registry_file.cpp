@@ -6,6 +6,8 @@
 #include <utility>
 
 #include "backends/text/utf.h"
+#include "resources/report_strings.h"
+#include "resources/translations.h"
 
 namespace storage {
 
@@ -89,6 +91,30 @@ std::string Escape(std::u16string_view name) {
   return escaped;
 }
 
+std::u16string_view TextOf(RegistryError error) {
+  switch (error) {
+    case RegistryError::kNotFound:
+      return resources::kNoSuchKey;
+    case RegistryError::kInvalid:
+      return resources::kBadKeyOrLength;
+    case RegistryError::kBusy:
+      return resources::kStoreBusy;
+    case RegistryError::kReadOnly:
+      return resources::kStoreReadOnly;
+    case RegistryError::kFull:
+      return resources::kDiskFull;
+    case RegistryError::kDamaged:
+      return resources::kStoreDamaged;
+    case RegistryError::kLink:
+      return resources::kStoreIsLink;
+    case RegistryError::kNewerStore:
+      return resources::kStoreIsNewer;
+    case RegistryError::kOther:
+      break;
+  }
+  return resources::kStoreNotReached;
+}
+
 constexpr std::string_view kTooLong = "(longer than can be read)";
 
 std::string NameOf(const ListedName& name) {
@@ -159,28 +185,7 @@ Result<void, RegistryFileError> ApplyRegistryChanges(platform::Registry& registr
 }
 
 std::string ExplainRegistryError(RegistryError error) {
-  switch (error) {
-    case RegistryError::kNotFound:
-      return "the settings store holds no such key or value";
-    case RegistryError::kInvalid:
-      return "the settings store takes no such name or length";
-    case RegistryError::kBusy:
-      return "another program is using the settings store";
-    case RegistryError::kReadOnly:
-      return "the settings store cannot be written to";
-    case RegistryError::kFull:
-      return "the disk is full";
-    case RegistryError::kDamaged:
-      return "the settings store is damaged; it was left as it is";
-    case RegistryError::kLink:
-      return "it, or a file next to it, is a symbolic link, through which nothing is read or "
-             "written";
-    case RegistryError::kNewerStore:
-      return "the settings store was made by a later version of this program; it was left as it is";
-    case RegistryError::kOther:
-      break;
-  }
-  return "the settings store cannot be reached";
+  return text::ToUtf8(resources::Say(TextOf(error)));
 }
 
 std::optional<std::string> FindUnusableKey(platform::Registry& registry,

@@ -14,6 +14,7 @@
 #include "host/cli/output.h"
 #include "host/session/explanations.h"
 #include "host/session/held_tags.h"
+#include "host/session/say.h"
 #include "storage/tag_trash.h"
 #include "tags/page_one.h"
 
@@ -142,8 +143,8 @@ void Restore(Session& session, const std::vector<std::string>& names, bool isLas
   for (const TrashedTag& tag : chosen) {
     const std::string name = text::ToUtf8(tag.item.parts.name);
     if (const auto done = trash.Restore(tag); !done) {
-      session.Fail(
-          fmt::format("{} was not restored: {}", name, session::ExplainRestoreError(done.error())));
+      session.Fail(session::Say(resources::kNotRestored,
+                                {name, session::ExplainRestoreError(done.error())}));
       continue;
     }
     restored.push_back(name);

@@ -3,8 +3,6 @@
 #include <algorithm>
 
 #include "backends/qt/strings.h"
-#include "host/session/held_tags.h"
-#include "resources/desktop_strings.h"
 #include "resources/work_strings.h"
 
 namespace home {
@@ -31,10 +29,7 @@ void Gathering::Add(std::u16string sentence) {
   }
 }
 
-void Gathering::ShowFailure(std::string_view sentence) {
-  Add(sentence == session::kTagsInUse ? std::u16string(resources::Say(resources::kTagsInUse))
-                                      : ToSentence(sentence));
-}
+void Gathering::ShowFailure(std::string_view sentence) { Add(ToSentence(sentence)); }
 
 void Gathering::ShowMessage(const headless::ShownMessage& message) { Add(message.box.text); }
 

@@ -1,7 +1,5 @@
 #include "host/home/page_tasks.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <optional>
 #include <system_error>
@@ -12,6 +10,7 @@
 #include "backends/wave_file/file_sound.h"
 #include "host/session/explanations.h"
 #include "host/session/held_tags.h"
+#include "host/session/say.h"
 #include "maintenance/tag_quality.h"
 #include "resources/dialogs.h"
 #include "resources/translations.h"
@@ -171,7 +170,7 @@ void PutBack(session::Session& session, const std::u16string& tag) {
                                                  })
                           : std::vector<storage::TrashedTag>::const_iterator();
   if (!list || found == list->end() || !trash.Restore(*found)) {
-    session.Fail("the earlier voice tag is in the trash and could not be put back");
+    session.Fail(session::Say(resources::kEarlierTagInTrash));
   }
 }
 
@@ -274,8 +273,9 @@ Outcome PageTasks::Restore(const Names& trashed) {
     }
     if (const auto restored = trash.Restore(*found); !restored) {
       outcome.isDone = false;
-      session.Fail(fmt::format("{} was not restored: {}", text::ToUtf8(found->item.text),
-                               session::ExplainRestoreError(restored.error())));
+      session.Fail(session::Say(
+          resources::kNotRestored,
+          {text::ToUtf8(found->item.text), session::ExplainRestoreError(restored.error())}));
       continue;
     }
     if (const auto time = m_writingTimes.find(file); time != m_writingTimes.end()) {

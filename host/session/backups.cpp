@@ -1,7 +1,5 @@
 #include "host/session/backups.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <map>
 #include <utility>
@@ -12,7 +10,9 @@
 #include "backends/vcard/vcard_source.h"
 #include "host/session/explanations.h"
 #include "host/session/held_tags.h"
+#include "host/session/say.h"
 #include "host/session/tag_reading.h"
+#include "resources/translations.h"
 #include "storage/registry_file.h"
 #include "storage/registry_keys.h"
 #include "tags/contact_reading.h"
@@ -33,10 +33,9 @@ namespace {
 std::string Explain(Session& session, const BackupFailure& failure, const NamedFile& file) {
   switch (failure.kind) {
     case BackupFailure::Kind::kTag:
-      return fmt::format("the recording or the template of tag {} cannot be read, or is in use",
-                         text::ToUtf8(failure.tag));
+      return Say(resources::kTagFilesNotRead, {text::ToUtf8(failure.tag)});
     case BackupFailure::Kind::kLanguage:
-      return "the language file cannot be read";
+      return Say(resources::kLanguageFileNotRead);
     case BackupFailure::Kind::kSettings:
       return session.ExplainStore(failure.store);
     case BackupFailure::Kind::kTarget:
@@ -49,15 +48,15 @@ std::string Explain(Session& session, const BackupFailure& failure, const NamedF
 std::string Explain(storage::BackupFault fault) {
   switch (fault) {
     case storage::BackupFault::kUnread:
-      return "it cannot be read";
+      return Say(resources::kFileNotRead);
     case storage::BackupFault::kForeign:
-      return "it is no backup of Voxtrel";
+      return Say(resources::kNoBackup);
     case storage::BackupFault::kNewer:
-      return "a later version of Voxtrel made this backup; nothing was changed";
+      return Say(resources::kBackupOfLaterVersion);
     case storage::BackupFault::kDamaged:
       break;
   }
-  return "the backup is damaged; nothing was changed";
+  return Say(resources::kBackupDamaged);
 }
 
 bool IsBelowRoot(const Session& session, const std::string& path) {
@@ -75,14 +74,15 @@ bool MayWrite(Session& session, const NamedFile& file) {
     return true;
   }
   if (IsBelowRoot(session, file.path)) {
-    session.Fail(file.name + ": it is no backup, and lies in the folder of the voice tags");
+    session.Fail(Say(resources::kNoBackupInRoot, {file.name}));
     return false;
   }
   const bool agrees = session.GetOutlet().AgreesTo(
-      {text::FromUtf8(file.name + " is no backup. Replace it?"), platform::MessageCaption::kText,
-       u"Backup", platform::MessageStyle::kOkCancel});
+      {text::FromUtf8(Say(resources::kReplaceNoBackup, {file.name})),
+       platform::MessageCaption::kText, std::u16string(resources::Say(resources::kBackupCaption)),
+       platform::MessageStyle::kOkCancel});
   if (!agrees) {
-    session.Fail(file.name + ": it is no backup, and stays as it is");
+    session.Fail(Say(resources::kNoBackupStays, {file.name}));
   }
   return agrees;
 }
@@ -279,9 +279,9 @@ std::optional<RestoredBackup> RestoreFrom(Session& session, platform::File& arch
       storage::PlanRestore(session.GetFiles(), session.GetRegistry(), archive, backup,
                            [&contacts](std::int32_t oid) { return contacts.Find(oid); });
   if (!plan) {
-    session.Fail(plan.error().empty() ? "the settings or the language file cannot be read now"
-                                      : fmt::format("tag {} cannot be read now, or is in use",
-                                                    text::ToUtf8(plan.error())));
+    session.Fail(plan.error().empty()
+                     ? Say(resources::kSettingsNotReadNow)
+                     : Say(resources::kTagNotReadNow, {text::ToUtf8(plan.error())}));
     return std::nullopt;
   }
   const Differences differences = FindDifferences(*plan, contacts);
@@ -320,8 +320,8 @@ std::optional<storage::BackupMade> MakeBackup(Session& session, const NamedFile&
     return std::nullopt;
   }
   if (!session.HasRootFolder()) {
-    session.Fail("there is nothing to back up: there is no folder " +
-                 session.GetRegistryPath().parent_path().native());
+    session.Fail(
+        Say(resources::kNothingToBackUp, {session.GetRegistryPath().parent_path().native()}));
     return std::nullopt;
   }
   if (!session.OpenForChanging()) {
@@ -339,8 +339,7 @@ std::optional<storage::BackupMade> MakeBackup(Session& session, const NamedFile&
     return std::nullopt;
   }
   for (const std::u16string& tag : made->leftOut) {
-    session.Fail(fmt::format("tag {} of another program was left out: no backup can hold its name",
-                             text::ToUtf8(tag)));
+    session.Fail(Say(resources::kTagLeftOut, {text::ToUtf8(tag)}));
   }
   return *made;
 }

@@ -7,6 +7,7 @@
 #include "backends/headless/headless_dialog.h"
 #include "backends/text/utf.h"
 #include "framework/dialog.h"
+#include "host/session/say.h"
 #include "resources/dialogs.h"
 #include "tags/contact_picker.h"
 
@@ -17,8 +18,9 @@ using Problem = vcard::AddressBooks::Problem;
 
 std::string ExplainStoreProblem(Session& session) {
   const std::optional<std::string> key = session.FindUnusableKey();
-  return fmt::format("the settings in {} cannot be read or written{}{}",
-                     session.GetRegistryPath().string(), key ? ": " : "", key.value_or(""));
+  const std::string problem =
+      Say(resources::kSettingsNotUsed, {session.GetRegistryPath().native()});
+  return key ? problem + ": " + *key : problem;
 }
 
 }  // namespace
@@ -64,25 +66,22 @@ std::string ExplainContactsReason(Session& session) {
   const std::string because = reason.empty() ? std::string() : " (" + reason + ")";
   const std::optional<Problem> problem = session.GetContacts().GetProblem();
   if (!problem) {
-    return "the contacts cannot be read";
+    return Say(resources::kContactsNotRead);
   }
   switch (*problem) {
     case Problem::kStore:
       return ExplainStoreProblem(session);
     case Problem::kNoServer:
-      return fmt::format("the desktop's address books do not answer{}", because);
+      return Say(resources::kDesktopBooksSilent, {because});
     case Problem::kUnreadable:
-      return fmt::format("the chosen address book is missing or cannot be read to its end{}",
-                         because);
+      return Say(resources::kBookNotRead, {because});
     case Problem::kNothingChosen:
-      return fmt::format("there are no contacts: the desktop has none{}, and there is no {}",
-                         because,
-                         (session.GetRegistryPath().parent_path() / "contacts.vcf").string());
+      return Say(resources::kNoContactsFound,
+                 {because, (session.GetRegistryPath().parent_path() / "contacts.vcf").string()});
     case Problem::kTagsElsewhere:
       break;
   }
-  return "voice tags belong to contacts that this address book does not have; nothing was "
-         "changed. Choose the address book they were recorded with, or delete the tags";
+  return Say(resources::kTagsOfOtherContacts);
 }
 
 std::string ExplainContactsProblem(Session& session) {

@@ -6,6 +6,8 @@
 
 #include "audio/wave_device.h"
 #include "audio/wave_header.h"
+#include "host/session/say.h"
+#include "resources/report_strings.h"
 #include "voicemath/constants.h"
 
 namespace session {
@@ -38,40 +40,33 @@ const char* Explain(int code) {
 std::string InWords(int code, bool isSpeakerFile) {
   switch (code) {
     case audio::kSoundNotOpened:
-      return "the file could not be opened: it is missing, in use or protected";
+      return Say(resources::kSoundFileNotOpened);
     case audio::kSoundNotMapped:
-      return "the length of the file is not known, or is 4 GB or more";
+      return Say(resources::kSoundFileTooLong);
     case audio::kSoundTooShort:
-      return "the file is shorter than the 44 bytes of a wave header";
+      return Say(resources::kSoundFileTooShort);
     case audio::kSoundNoRiff:
-      return "the file does not begin with \"RIFF\", so it is no wave file";
+      return Say(resources::kSoundFileNoRiff);
     case audio::kSoundNoWave:
-      return "there is no \"WAVE\" in the header, so it is no wave file";
+      return Say(resources::kSoundFileNoWave);
     case audio::kSoundNotPcm:
-      return "the samples are not PCM (format tag 1)";
+      return Say(resources::kSoundFileNotPcm);
     case audio::kSoundNoData:
-      return "there are no samples that can be played: the file has no \"data\", or less of it "
-             "than "
-             "it says, or a header without rate, channels or block length";
+      return Say(resources::kSoundFileNoData);
     case audio::kOutputNotOpened:
-      return isSpeakerFile
-                 ? "the speaker file could not be made, or takes no such format"
-                 : "the loudspeaker could not be opened: there is no sound server, it has "
-                   "no output, or it takes no such format";
+      return Say(isSpeakerFile ? resources::kSpeakerFileNotMade : resources::kSpeakerNotOpened);
     case audio::kNoPlayBuffer:
-      return "there is not enough memory to play it";
+      return Say(resources::kNoMemoryToPlay);
     case audio::kNotWritten:
-      return isSpeakerFile ? "the speaker file could not be written"
-                           : "the loudspeaker did not take the sound";
+      return Say(isSpeakerFile ? resources::kSpeakerFileNotWritten : resources::kSpeakerRefused);
     case audio::kNotHeardToEnd:
-      return "it was not heard to its end: the loudspeaker or the sound server went away or stands "
-             "still";
+      return Say(resources::kNotHeard);
     case audio::kNotPrepared:
-      return "the buffer could not be prepared: the file has a header and no samples";
+      return Say(resources::kSoundNotReady);
     case audio::kSoundNotRead:
-      return "the file could not be read to its end";
+      return Say(resources::kSoundFileNotRead);
     default:
-      return "an unknown reason";
+      return Say(resources::kUnknownReason);
   }
 }
 
@@ -79,11 +74,11 @@ std::string InWords(int code, bool isSpeakerFile) {
 std::string RecordCodeOfFile(int code, const std::string& file) {
   switch (code) {
     case audio::kProcessEnded:
-      return file + ": it cannot be opened";
+      return Say(resources::kMicrophoneFileNotOpened, {file});
     case audio::kDeviceNotOpened:
-      return file + " is no wave file of 11,025 Hz, mono, 16 bit";
+      return Say(resources::kMicrophoneFileOtherFormat, {file});
     case audio::kDeviceLost:
-      return file + " could not be read";
+      return Say(resources::kMicrophoneFileNotRead, {file});
     default:
       return {};
   }
@@ -92,16 +87,15 @@ std::string RecordCodeOfFile(int code, const std::string& file) {
 std::string RecordCodeInWords(int code) {
   switch (code) {
     case audio::kDeviceNotOpened:
-      return "the microphone could not be opened for 11,025 Hz, mono, 16 bit";
+      return Say(resources::kMicrophoneNotOpened);
     case audio::kNoBuffer:
-      return "there is not enough memory for the recording";
+      return Say(resources::kNoMemoryToRecord);
     case audio::kBufferNotQueued:
-      return "the microphone did not take the buffer";
+      return Say(resources::kMicrophoneRefused);
     case audio::kNotStarted:
-      return "the microphone could not be started";
+      return Say(resources::kMicrophoneNotStarted);
     case audio::kDeviceLost:
-      return "the microphone was lost before the recording was whole: it was unplugged, or the "
-             "sound server ended";
+      return Say(resources::kMicrophoneLost);
     default:
       return {};
   }
@@ -113,21 +107,21 @@ std::string ExplainFileError(platform::FileError error) {
   using platform::FileError;
   switch (error) {
     case FileError::kNotFound:
-      return "there is no such folder";
+      return Say(resources::kFolderMissing);
     case FileError::kAlreadyExists:
-      return "there is a file already";
+      return Say(resources::kFileExists);
     case FileError::kAccessDenied:
-      return "it is protected, or is no file";
+      return Say(resources::kFileProtected);
     case FileError::kSharingViolation:
-      return "another program has it open";
+      return Say(resources::kFileOpenElsewhere);
     case FileError::kDiskFull:
-      return "the disk is full";
+      return Say(resources::kDiskFull);
     case FileError::kReadOnly:
-      return "the disk takes no writes";
+      return Say(resources::kDiskReadOnly);
     case FileError::kLink:
-      return "it is a symbolic link, and nothing is written through one";
+      return Say(resources::kFileIsLink);
     default:
-      return "it cannot be read or written";
+      return Say(resources::kFileFails);
   }
 }
 
@@ -135,18 +129,17 @@ std::string ExplainRestoreError(storage::RestoreError error) {
   using storage::RestoreError;
   switch (error) {
     case RestoreError::kExists:
-      return "there is a tag or a file of that name";
+      return Say(resources::kTagOfThatName);
     case RestoreError::kTooMany:
-      return fmt::format("there are {} tags already, which is the most there can be",
-                         storage::kMaxTags);
+      return Say(resources::kNoRoomForTag, {std::to_string(storage::kMaxTags)});
     case RestoreError::kFull:
-      return "the disk is full";
+      return Say(resources::kDiskFull);
     case RestoreError::kNoFolder:
-      return "a folder for recordings or templates is missing and cannot be made";
+      return Say(resources::kTagFoldersMissing);
     case RestoreError::kOther:
       break;
   }
-  return "its files or its entry cannot be written";
+  return Say(resources::kTagPartsNotWritten);
 }
 
 int CheckHeader(voicemath::CVoiceMathematics& mathematics, const std::u16string& path) {
@@ -167,7 +160,8 @@ std::string ExplainPlayCode(const Session& session, int code) {
   const std::string& speaker = session.GetMachineOptions().speaker;
   const bool isUnwritten = code == audio::kOutputNotOpened || code == audio::kNotWritten;
   const std::string link = isUnwritten ? Session::ExplainLink(speaker) : std::string();
-  return fmt::format("{} (code {})", link.empty() ? InWords(code, !speaker.empty()) : link, code);
+  return Say(resources::kWithCode,
+             {link.empty() ? InWords(code, !speaker.empty()) : link, std::to_string(code)});
 }
 
 std::string ExplainRecordCode(const Session& session, int code) {
@@ -176,7 +170,8 @@ std::string ExplainRecordCode(const Session& session, int code) {
   if (words.empty()) {
     words = RecordCodeInWords(code);
   }
-  return words.empty() || code < 0 ? words : fmt::format("{} (code {})", words, code);
+  return words.empty() || code < 0 ? words
+                                   : Say(resources::kWithCode, {words, std::to_string(code)});
 }
 
 std::string ExplainNoTag(const Session& session, const tags::Page_one& page) {

@@ -1,16 +1,11 @@
 #pragma once
 
-#include <string_view>
-
+#include "host/session/say.h"
 #include "host/session/session.h"
 #include "storage/tag_trash.h"
 #include "tags/page_one.h"
 
 namespace session {
-
-/// What is reported if another Voxtrel has the tags.
-inline constexpr std::string_view kTagsInUse =
-    "the tags are in use by another Voxtrel; close it and try again";
 
 [[nodiscard]] inline storage::TagTrash OpenTrash(Session& session) {
   return {session.GetFiles(), session.GetRegistry(), session.GetClock()};
@@ -24,7 +19,7 @@ class HeldTags {
   explicit HeldTags(Session& session)
       : m_mutex(session.GetPlatform().threads.CreateNamedMutex(tags::kInstanceMutex)) {
     if (!IsHeld()) {
-      session.Fail(kTagsInUse);
+      session.Fail(Say(resources::kTagsHeld));
     } else {
       OpenTrash(session).Recover();
     }

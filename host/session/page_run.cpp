@@ -6,7 +6,7 @@
 
 #include "framework/dialog.h"
 #include "host/session/contact_listing.h"
-#include "host/session/held_tags.h"
+#include "host/session/say.h"
 #include "host/session/tag_reading.h"
 #include "platform/clock.h"
 #include "platform/contacts_store.h"
@@ -161,7 +161,7 @@ void RunPage(Session& session, Contacts contacts, const std::function<void(PageR
   session.GetUi().SetSheetStory([&](headless::HeadlessSheet& window) {
     if (session.HasEnded()) {
       if (!page.IsOnlyInstance()) {
-        session.Fail(kTagsInUse);
+        session.Fail(Say(resources::kTagsHeld));
       } else if (*wasReinitialized && useEnded) {
         useEnded(page);
       }

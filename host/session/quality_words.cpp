@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "backends/text/utf.h"
+#include "host/session/say.h"
 
 namespace session {
 
@@ -19,9 +20,7 @@ std::vector<maintenance::JudgedTag> ToJudged(std::span<const tags::ListedTag> ta
 }
 
 void ReportUnjudged(Session& session, const tags::ListedTag& tag) {
-  session.Fail(fmt::format(
-      "voice tag {} cannot be judged, since its recording or its template cannot be read",
-      text::ToUtf8(tag.name)));
+  session.Fail(Say(resources::kTagNotJudged, {text::ToUtf8(tag.name)}));
 }
 
 std::string DescribeVerdict(Verdict verdict, const TakeQuality& quality) {

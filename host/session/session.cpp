@@ -7,6 +7,7 @@
 
 #include "backends/sqlite/connection.h"
 #include "backends/text/utf.h"
+#include "host/session/say.h"
 #include "storage/registry_file.h"
 
 namespace session {
@@ -68,18 +69,17 @@ platform::Platform Session::GetPlatform(platform::Clock& clock) {
 // that exists is looked at, and a link in the place of the settings is named.
 bool Session::RequireRoot() {
   if (!m_backends.HasRoot()) {
-    Fail(std::string("there is no folder for the voice tags, since HOME names none")
-             .append(m_outlet.Advise(Matter::kNoRoot)));
+    Fail(Say(resources::kNoRootNamed) + m_outlet.Advise(Matter::kNoRoot));
     return false;
   }
   const std::filesystem::path there = NearestThatExists(m_backends.GetRoot());
   std::error_code error;
   if (!std::filesystem::is_directory(there, error) && !error) {
-    Fail(there.native() + " is no folder, so it cannot hold voice tags");
+    Fail(Say(resources::kRootIsNoFolder, {there.native()}));
     return false;
   }
   if (const auto link = sqlite::FindLink(GetRegistryPath()); !link.empty()) {
-    Fail(ExplainLink(link.native(), "not used, and neither are the settings"));
+    Fail(ExplainLink(link.native(), resources::kLinkNotUsed));
     return false;
   }
   return true;
@@ -109,11 +109,10 @@ bool Session::AreSameFile(const std::string& a, const std::string& b) {
   return std::filesystem::equivalent(a, b, ignored);
 }
 
-std::string Session::ExplainLink(const std::string& name, std::string_view consequence) {
+std::string Session::ExplainLink(const std::string& name, std::u16string_view text) {
   std::error_code error;
   const std::filesystem::path target = std::filesystem::read_symlink(name, error);
-  return error ? std::string()
-               : fmt::format("{} is a link to {}: {}", name, target.native(), consequence);
+  return error ? std::string() : Say(text, {name, target.native()});
 }
 
 void Session::Fail(std::string_view message) {
@@ -125,7 +124,7 @@ void Session::Fail(std::string_view message) {
 std::optional<std::string> Session::FindUnusableKey(std::u16string_view start) {
   auto key = storage::FindUnusableKey(GetRegistry(), start);
   if (key) {
-    key->insert(0, "another program made a key or value that cannot be used: ");
+    key = Say(resources::kUnusableKey, {*key});
   }
   return key;
 }

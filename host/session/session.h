@@ -13,6 +13,7 @@
 #include "host/session/session_clock.h"
 #include "platform/platform.h"
 #include "platform/registry.h"
+#include "resources/report_strings.h"
 
 namespace session {
 
@@ -125,10 +126,10 @@ class Session {
   /// Returns whether both names lead to one file that is there.
   [[nodiscard]] static bool AreSameFile(const std::string& a, const std::string& b);
 
-  /// Returns what `name` leads to, and the consequence, if it is a symbolic link. Returns "" if it
-  /// is none.
-  [[nodiscard]] static std::string ExplainLink(const std::string& name,
-                                               std::string_view consequence = "not written");
+  /// Returns what `name` leads to, in one of our own texts with places for both, if it is a
+  /// symbolic link. Returns "" if it is none.
+  [[nodiscard]] static std::string ExplainLink(
+      const std::string& name, std::u16string_view text = resources::kLinkNotWritten);
 
   /// Reports what failed.
   void Fail(std::string_view message);

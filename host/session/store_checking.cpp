@@ -10,6 +10,7 @@
 #include "host/session/contact_listing.h"
 #include "host/session/held_tags.h"
 #include "host/session/quality_words.h"
+#include "host/session/say.h"
 #include "host/session/tag_reading.h"
 #include "storage/deletion.h"
 #include "storage/folders.h"
@@ -139,7 +140,7 @@ void RemoveOrphans(const platform::Platform& platform, std::vector<CheckedFindin
   for (CheckedFinding& checked : findings) {
     if (isOrphan(checked)) {
       checked.isRepaired = std::ranges::find(gone, checked.finding.tag) != gone.end();
-      checked.reason = checked.isRepaired ? "" : "the file is in use, or the trash cannot take it";
+      checked.reason = checked.isRepaired ? "" : Say(resources::kOrphanStays);
     }
   }
 }
@@ -147,15 +148,15 @@ void RemoveOrphans(const platform::Platform& platform, std::vector<CheckedFindin
 std::string Describe(storage::StaleError error) {
   switch (error) {
     case storage::StaleError::kRecordingInUse:
-      return "the recording is in use";
+      return Say(resources::kStaleRecordingInUse);
     case storage::StaleError::kTemplateInUse:
-      return "the template is in use";
+      return Say(resources::kStaleTemplateInUse);
     case storage::StaleError::kEntryFailed:
-      return "the entry cannot be deleted";
+      return Say(resources::kStaleEntryStays);
     case storage::StaleError::kNotKept:
       break;
   }
-  return "the trash cannot take the tag";
+  return Say(resources::kTrashTakesNoTag);
 }
 
 /// Moves the tags whose contacts have gone to the trash, as the page does when it opens.
@@ -171,7 +172,7 @@ void CleanUp(const platform::Platform& platform, std::vector<CheckedFinding>& fi
     for (CheckedFinding& checked : findings) {
       if (checked.finding.tag == tag && (deleted || &checked == &stale)) {
         checked.isRepaired = deleted.has_value();
-        checked.description += checked.isRepaired ? "; the tag is in the trash now" : "";
+        checked.description += checked.isRepaired ? Say(resources::kTagIsInTrashNow) : "";
         checked.reason = deleted ? "" : Describe(deleted.error());
       }
     }

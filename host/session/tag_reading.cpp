@@ -7,6 +7,7 @@
 
 #include "backends/text/utf.h"
 #include "host/session/contact_listing.h"
+#include "host/session/say.h"
 #include "storage/device_paths.h"
 #include "storage/registry_file.h"
 #include "storage/registry_keys.h"
@@ -34,18 +35,16 @@ platform::Result<std::vector<tags::ListedTag>, platform::RegistryError> ReadAtOn
 void ReportProblem(Session& session, const tags::ListedTag& tag) {
   const std::string name = text::ToUtf8(tag.name);
   if (tag.error) {
-    session.Fail(fmt::format("the entry of tag {} cannot be read: {}", name,
-                             storage::ExplainRegistryError(*tag.error)));
+    session.Fail(Say(resources::kEntryNotRead, {name, storage::ExplainRegistryError(*tag.error)}));
   } else if (tag.failure) {
-    session.Fail(fmt::format("the contact of tag {} cannot be read", name));
+    session.Fail(Say(resources::kContactOfTagNotRead, {name}));
   } else if (name.size() > storage::TagNames::kMaxLength) {
-    session.Fail(
-        fmt::format("the name {} is too long for a tag; the list of the window ends there", name));
+    session.Fail(Say(resources::kTagNameTooLong, {name}));
   }
 }
 
 void WarnOfContacts(Session& session) {
-  session.Warn("the tags are used without their contacts: " + ExplainContactsProblem(session));
+  session.Warn(Say(resources::kTagsWithoutContacts, {ExplainContactsProblem(session)}));
 }
 
 platform::Result<std::vector<std::u16string>, platform::RegistryError> ListTagNames(

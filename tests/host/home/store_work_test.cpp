@@ -221,8 +221,7 @@ TEST_F(StoreWorkTest, TagsThatAnotherProgramHasStayAsTheyAreAndASentenceSaysSo) 
     for (const Outcome& outcome : {deleted, taught.outcome, Restore(trashed)}) {
       EXPECT_FALSE(outcome.isDone);
       EXPECT_EQ(outcome.message,
-                u"The voice tags are in use by another program, such as the command line. Try "
-                u"again when it has ended.");
+                u"The tags are in use by another Voxtrel; close it and try again.");
     }
     EXPECT_THAT(none, IsEmpty());
   }

@@ -1,0 +1,23 @@
+#include "host/session/say.h"
+
+#include <gtest/gtest.h>
+
+namespace session {
+namespace {
+
+TEST(Say, PutsEachFillingIntoItsPlace) {
+  EXPECT_EQ(Say(u"%2 after %1", {"a", "b"}), "b after a");
+  EXPECT_EQ(Say(u"%1 and %1", {"a"}), "a and a");
+}
+
+TEST(Say, AFillingMayHoldAPlaceItself) {
+  EXPECT_EQ(Say(u"%1, %2", {"/home/%2", "100%"}), "/home/%2, 100%");
+}
+
+TEST(Say, APlaceWithoutAFillingStaysAsItIs) {
+  EXPECT_EQ(Say(u"%1 of 100% and %2%", {"a"}), "a of 100% and %2%");
+  EXPECT_EQ(Say(u"%0 %x %"), "%0 %x %");
+}
+
+}  // namespace
+}  // namespace session
