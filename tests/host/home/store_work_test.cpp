@@ -265,7 +265,7 @@ TEST_F(StoreWorkTest, NamesComeBeforeTheRecordingsAreJudgedButOnlyTheFirstTime) 
   m_work->Load();
   Await([&shelves] { return shelves.size() == 2; });
   EXPECT_FALSE(shelves[0]->areJudged);
-  EXPECT_EQ(shelves[0]->tags.at(0).contact, u"Lee Ann");
+  EXPECT_EQ(shelves[0]->tags.at(0).contact, u"Ann Lee");
   EXPECT_TRUE(shelves[1]->areJudged);
   EXPECT_TRUE(shelves[1]->tags.at(0).quality.take.has_value());
   m_work->Load();
