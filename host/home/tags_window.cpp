@@ -71,6 +71,9 @@ QStringList FilesOf(const QMimeData& dragged) {
 TagsWindow::TagsWindow(Work& work, QSettings& remembered, Settings settings)
     : m_work(work), m_remembered(remembered), m_settings(std::move(settings)) {
   setWindowTitle(Say(resources::kTagsTitle));
+  // The store is read while the window is made. The answer waits for the event loop.
+  m_work.OnLoaded([this](std::shared_ptr<const Shelf> shelf) { OnShelf(std::move(shelf)); });
+  m_work.Load();
   QWidget* const header = MakeHeader();
   m_bar = new MessageBar(this);
   m_tags = new TagsPage(work, *this, *m_bar,
@@ -106,8 +109,6 @@ TagsWindow::TagsWindow(Work& work, QSettings& remembered, Settings settings)
                                                   ? Qt::AscendingOrder
                                                   : Qt::DescendingOrder);
   }
-  m_work.OnLoaded([this](std::shared_ptr<const Shelf> shelf) { OnShelf(std::move(shelf)); });
-  m_work.Load();
 }
 
 TagsWindow::~TagsWindow() {
