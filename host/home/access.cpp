@@ -1,6 +1,8 @@
 #include "host/home/access.h"
 
 #include <QAccessibleWidget>
+#include <QLineEdit>
+#include <QToolButton>
 #include <QVariant>
 
 namespace home {
@@ -27,9 +29,20 @@ void SetAccessibleRole(QWidget& widget, QAccessible::Role role) {
   widget.setProperty(kRoleProperty, static_cast<int>(role));
 }
 
+void NameClearButton(QLineEdit& field, const QString& name) {
+  if (auto* const button = field.findChild<QToolButton*>()) {
+    button->setAccessibleName(name);
+  }
+}
+
 LiveLabel::LiveLabel(QWidget* parent) : QLabel(parent) {
   SetAccessibleRole(*this, QAccessible::Notification);
   setTextFormat(Qt::PlainText);
+}
+
+void LiveLabel::ShowQuietly(const QString& text) {
+  setText(text);
+  setAccessibleName(text);
 }
 
 void LiveLabel::Announce(const QString& text) {

@@ -4,6 +4,8 @@
 #include <QLabel>
 #include <QString>
 
+class QLineEdit;
+
 namespace home {
 
 // What screen readers know of widgets that the library does not know.
@@ -12,12 +14,17 @@ namespace home {
 /// accessibleDescription(). To be called in its constructor, before screen readers ask for it.
 void SetAccessibleRole(QWidget& widget, QAccessible::Role role);
 
+/// Names the button that clears a field.
+void NameClearButton(QLineEdit& field, const QString& name);
+
 /// A line of text that screen readers say by themselves as soon as it changes, wherever the focus
 /// is.
 class LiveLabel : public QLabel {
  public:
   explicit LiveLabel(QWidget* parent);
 
+  /// Shows the text, and lets screen readers find it without saying it.
+  void ShowQuietly(const QString& text);
   /// Shows the text, and lets screen readers say it if it is not empty, also if it is the same as
   /// before. If the label is out of sight, they say it when it comes into sight.
   void Announce(const QString& text);

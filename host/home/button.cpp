@@ -7,6 +7,20 @@
 
 namespace home {
 
+void GiveMenu(QToolButton& button, QMenu& menu) {
+  button.setMenu(&menu);
+  button.setPopupMode(QToolButton::InstantPopup);
+  button.setStyleSheet(QStringLiteral("QToolButton::menu-indicator { image: none; }"));
+  QObject::connect(&menu, &QMenu::aboutToShow, &button, [&button, &menu] {
+    if (!button.underMouse()) {
+      // An item can be the current one only after the menu has opened.
+      QMetaObject::invokeMethod(
+          &menu, [&menu] { menu.setActiveAction(menu.actions().constFirst()); },
+          Qt::QueuedConnection);
+    }
+  });
+}
+
 Button::Button(QWidget* parent) : QPushButton(parent) {
   MakeTouchable(*this);
   // In this kind of window Enter belongs to the list.

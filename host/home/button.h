@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QAction>
+#include <QMenu>
 #include <QPushButton>
 #include <QToolButton>
 
@@ -8,10 +9,10 @@
 
 namespace home {
 
-/// Leaves out the arrow that a button with a menu has, which would be drawn over its symbol.
-inline void HideMenuArrow(QToolButton& button) {
-  button.setStyleSheet(QStringLiteral("QToolButton::menu-indicator { image: none; }"));
-}
+/// Gives the button a menu, which opens at once. The button has no arrow for it, which would be
+/// drawn over its symbol. If a key opens the menu, its first item is the current one: screen
+/// readers would say nothing otherwise.
+void GiveMenu(QToolButton& button, QMenu& menu);
 
 /// A button that is large enough for a finger, with some room around its text, which may have
 /// several lines. Its symbol is as

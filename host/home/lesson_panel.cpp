@@ -6,6 +6,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QStackedWidget>
 #include <QStyle>
 #include <algorithm>
@@ -72,6 +73,14 @@ QScrollArea* MakeScrolled(QWidget* content) {
   area->setWidgetResizable(true);
   area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   area->setWidget(content);
+  // Keys scroll it. If all of it can be seen, they have nothing to do with it.
+  SetAccessibleRole(*area, QAccessible::Pane);
+  area->setAccessibleName(Say(resources::kTeachingTitle));
+  area->setFocusPolicy(Qt::NoFocus);
+  QObject::connect(area->verticalScrollBar(), &QScrollBar::rangeChanged, area,
+                   [area](int least, int most) {
+                     area->setFocusPolicy(least < most ? Qt::TabFocus : Qt::NoFocus);
+                   });
   return area;
 }
 
@@ -219,7 +228,7 @@ void LessonPanel::ShowNobody() {
   m_name->parentWidget()->hide();
   m_name->clear();
   m_number->clear();
-  m_hintTitle->setText(Say(resources::kChoosePerson));
+  m_hintTitle->ShowQuietly(Say(resources::kChoosePerson));
   ShowHint(Say(resources::kChoosePerson), Say(resources::kChoosePersonAdvice));
   m_buttons->ShowOnly({});
 }
@@ -249,8 +258,7 @@ void LessonPanel::ShowProgress(const TakeProgress& progress) {
   // Screen readers say "Speak now" before the tone: later they would be in the recording.
   const QString cue = Say(isSpeaking ? resources::kSpeakNow : resources::kGetReady);
   if (m_cue->text() != cue) {
-    m_cue->setText(cue);
-    m_cue->setAccessibleName(cue);
+    m_cue->ShowQuietly(cue);
   }
   m_stage->setCurrentWidget(m_recordingPage);
   if (progress.stage == Stage::kCue) {

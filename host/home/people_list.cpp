@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "host/home/access.h"
 #include "host/home/avatar.h"
 #include "host/home/empty_notice.h"
 #include "host/home/numbers.h"
@@ -158,6 +159,7 @@ PeopleList::PeopleList(Choose choose, std::function<void()> setUp, QWidget* pare
   m_search->setPlaceholderText(Say(resources::kSearchPeople));
   m_search->setAccessibleName(Say(resources::kSearchPeople));
   m_search->setClearButtonEnabled(true);
+  NameClearButton(*m_search, qt::WithoutMnemonic(Say(resources::kShowEverybody)));
   m_search->setMinimumHeight(kLeastTarget);
   m_search->setTextMargins(kRowGap, 0, kRowGap, 0);
   m_search->setObjectName(QStringLiteral("peopleSearch"));

@@ -143,7 +143,8 @@ QVariant TagModel::data(const QModelIndex& index, int role) const {
     case Qt::ToolTipRole:
       return qt::AsToolTip(Describe(index.row()));
     case Qt::AccessibleDescriptionRole:
-      return Describe(index.row());
+      // A screen reader reads each column of the row, and the whole only once.
+      return index.column() == kName ? Describe(index.row()) : QString();
     case Qt::TextAlignmentRole:
       return QVariant::fromValue(Qt::AlignVCenter | Qt::AlignLeading);
     default:

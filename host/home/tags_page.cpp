@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "host/home/access.h"
 #include "host/home/button.h"
 #include "host/home/empty_notice.h"
 #include "host/home/say.h"
@@ -123,6 +124,7 @@ QWidget* TagsPage::MakeSearchRow() {
   m_search->setPlaceholderText(Say(resources::kSearch));
   m_search->setAccessibleName(Say(resources::kSearch));
   m_search->setClearButtonEnabled(true);
+  NameClearButton(*m_search, qt::WithoutMnemonic(Say(resources::kClearSearch)));
   m_search->setMinimumHeight(kLeastTarget);
   connect(m_search, &QLineEdit::textChanged, this, [this](const QString& typed) {
     m_order.Search(typed);
@@ -139,9 +141,7 @@ QWidget* TagsPage::MakeSearchRow() {
   m_sort->setIcon(IconOf(Symbol::kSort));
   m_sort->setAccessibleName(Say(resources::kSortBy));
   m_sort->setToolTip(Say(resources::kSortBy));
-  m_sort->setMenu(m_sortMenu);
-  m_sort->setPopupMode(QToolButton::InstantPopup);
-  HideMenuArrow(*m_sort);
+  GiveMenu(*m_sort, *m_sortMenu);
   m_sort->setFocusPolicy(Qt::StrongFocus);
   MakeTouchable(*m_sort);
   m_teachAtTop = new ActionButton(*m_teach, row);

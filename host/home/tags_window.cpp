@@ -17,6 +17,7 @@
 #include <QVBoxLayout>
 #include <utility>
 
+#include "host/home/access.h"
 #include "host/home/button.h"
 #include "host/home/message_bar.h"
 #include "host/home/say.h"
@@ -70,6 +71,7 @@ QStringList FilesOf(const QMimeData& dragged) {
 
 TagsWindow::TagsWindow(Work& work, QSettings& remembered, Settings settings)
     : m_work(work), m_remembered(remembered), m_settings(std::move(settings)) {
+  SetAccessibleRole(*this, QAccessible::Window);
   setWindowTitle(Say(resources::kTagsTitle));
   // The store is read while the window is made. The answer waits for the event loop.
   m_work.OnLoaded([this](std::shared_ptr<const Shelf> shelf) { OnShelf(std::move(shelf)); });
@@ -131,11 +133,9 @@ QWidget* TagsWindow::MakeHeader() {
   SetTitleFont();
   auto* const menu = MakeHeaderButton(Symbol::kMenu, resources::kMenu, header);
   menu->setObjectName(QStringLiteral("menu"));
-  menu->setPopupMode(QToolButton::InstantPopup);
   menu->setShortcut(Qt::Key_F10);
-  HideMenuArrow(*menu);
   m_menu = new QMenu(menu);
-  menu->setMenu(m_menu);
+  GiveMenu(*menu, *m_menu);
   auto* const layout = new QHBoxLayout(header);
   layout->setContentsMargins(layout->contentsMargins().left(), 0, layout->contentsMargins().right(),
                              0);

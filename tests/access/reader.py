@@ -20,21 +20,23 @@ Role = Atspi.Role
 State = Atspi.StateType
 
 _heard = []
+_focused = ""
 
 
 def _on_event(event):
+    global _focused
     with contextlib.suppress(GLib.Error):
-        _heard.append((event.type, event.detail1, event.source.get_name() or ""))
+        name = event.source.get_name() or ""
+        if "focused" not in event.type:
+            _heard.append((event.type, event.detail1, name))
+        elif event.detail1 == 1:
+            _focused = name
 
 
 _listener = Atspi.EventListener.new(_on_event)
-
-
-def listen():
-    """From now on what windows announce is kept."""
-    for kind in ("object:state-changed:showing", "object:announcement",
-                 "object:property-change:accessible-name"):
-        _listener.register(kind)
+for _kind in ("object:state-changed:focused", "object:state-changed:showing",
+              "object:property-change:accessible-name"):
+    _listener.register(_kind)
 
 
 def let_events_in():
@@ -62,6 +64,18 @@ def has_heard(text):
     let_events_in()
     return any(text in name and (kind != "object:state-changed:showing" or detail == 1)
                for kind, detail, name in _heard)
+
+
+def heard():
+    """All names that were announced, the latest last."""
+    let_events_in()
+    return [name for _, _, name in _heard]
+
+
+def focused():
+    """The name of what had the focus last. Menus are in no tree: they are known by this only."""
+    let_events_in()
+    return _focused
 
 
 def forget_heard():
@@ -165,6 +179,11 @@ def text_of(node):
     return Atspi.Text.get_text(text, 0, -1) if text else ""
 
 
+def fill(node, text):
+    """Puts a text into a field as a screen reader does, without any key."""
+    node.set_text_contents(text)
+
+
 def do(node, action):
     """Does something on a control by the name of the action, such as "Press"."""
     names = [node.get_action_name(i) for i in range(node.get_n_actions())]
@@ -179,3 +198,9 @@ def press(*keys):
 
 def type_text(text):
     subprocess.run(["xdotool", "type", "--delay", "20", text], check=True)
+
+
+def resize(title, width, height):
+    """Gives a window another size, as a user does with the mouse."""
+    subprocess.run(["xdotool", "search", "--onlyvisible", "--name", f"^{title}$", "windowsize",
+                    "--sync", width, height], check=True)
