@@ -5,8 +5,9 @@
 # writes build/release/voxtrel_VERSION_ARCHITECTURE.deb.
 
 # Without the interpreter, which a user does not need for ./run, there are neither pages nor a package.
+# A program under a sanitizer is none that anybody installs, and some machines cannot start it plainly.
 find_package(Python3 COMPONENTS Interpreter)
-if(NOT Python3_FOUND)
+if(NOT Python3_FOUND OR VOXTREL_SANITIZE)
   return()
 endif()
 
