@@ -126,6 +126,8 @@ QWidget* TagsPage::MakeSearchRow() {
   m_search->setClearButtonEnabled(true);
   NameClearButton(*m_search, qt::WithoutMnemonic(Say(resources::kClearSearch)));
   m_search->setMinimumHeight(kLeastTarget);
+  const int room = m_search->fontMetrics().averageCharWidth();
+  m_search->setTextMargins(room, 0, room, 0);
   connect(m_search, &QLineEdit::textChanged, this, [this](const QString& typed) {
     m_order.Search(typed);
     ShowListOrNotice();
