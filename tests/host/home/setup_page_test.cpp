@@ -236,7 +236,7 @@ TEST_F(SetupPageTest, ARepairWaitsForNobodyWhoHasTheTagsOpen) {
   Press("check");
   AwaitText("checkNews", "1 problem was found:");
   Press("repair");
-  AwaitText("checkNews", "in use by another program");
+  AwaitText("checkNews", "in use by another Voxtrel");
 }
 
 TEST_F(SetupPageTest, ThePressedButtonHasTheFocusAgainWhenItsWorkIsDone) {
