@@ -85,7 +85,7 @@ inline constexpr std::u16string_view kNoMemoryToPlay = u"there is not enough mem
 inline constexpr std::u16string_view kSpeakerFileNotWritten =
     u"the speaker file could not be written";
 inline constexpr std::u16string_view kSpeakerRefused = u"the loudspeaker did not take the sound";
-inline constexpr std::u16string_view kNotHeard =
+inline constexpr std::u16string_view kNotHeardToItsEnd =
     u"it was not heard to its end: the loudspeaker or the sound server went away or stands still";
 inline constexpr std::u16string_view kSoundNotReady =
     u"the buffer could not be prepared: the file has a header and no samples";
@@ -101,7 +101,8 @@ inline constexpr std::u16string_view kMicrophoneNotOpened =
     u"the microphone could not be opened for 11,025 Hz, mono, 16 bit";
 inline constexpr std::u16string_view kNoMemoryToRecord =
     u"there is not enough memory for the recording";
-inline constexpr std::u16string_view kMicrophoneRefused = u"the microphone did not take the buffer";
+inline constexpr std::u16string_view kMicrophoneTookNoBuffer =
+    u"the microphone did not take the buffer";
 inline constexpr std::u16string_view kMicrophoneNotStarted = u"the microphone could not be started";
 inline constexpr std::u16string_view kMicrophoneLost =
     u"the microphone was lost before the recording was whole: it was unplugged, or the sound "

@@ -27,11 +27,15 @@ def quoted(text):
 
 
 def own_texts():
-    """Returns {text: names of its constants}, in the order of the headers."""
+    """Returns {text: names of its constants}, in the order of the headers. Fails if two headers have a
+    constant of one name: a program would show one of the texts for both."""
     texts = {}
+    headers = {}
     for header in sorted(RESOURCES.glob("*_strings.h")):
         code = re.sub(r"^\s*//.*$", "", header.read_text(encoding="utf-8"), flags=re.M)
         for name, value in re.findall(rf'inline constexpr \S+ (k\w+) =\s*((?:[^;"]|{LITERAL})*);', code):
+            if headers.setdefault(name, header.name) != header.name:
+                sys.exit(f"{name} is in {headers[name]} and in {header.name}")
             for literals in re.findall(rf'(?:u{LITERAL}\s*)+', value):
                 if text := unquoted(literals):
                     texts.setdefault(text, []).append(name)

@@ -60,7 +60,7 @@ std::string InWords(int code, bool isSpeakerFile) {
     case audio::kNotWritten:
       return Say(isSpeakerFile ? resources::kSpeakerFileNotWritten : resources::kSpeakerRefused);
     case audio::kNotHeardToEnd:
-      return Say(resources::kNotHeard);
+      return Say(resources::kNotHeardToItsEnd);
     case audio::kNotPrepared:
       return Say(resources::kSoundNotReady);
     case audio::kSoundNotRead:
@@ -91,7 +91,7 @@ std::string RecordCodeInWords(int code) {
     case audio::kNoBuffer:
       return Say(resources::kNoMemoryToRecord);
     case audio::kBufferNotQueued:
-      return Say(resources::kMicrophoneRefused);
+      return Say(resources::kMicrophoneTookNoBuffer);
     case audio::kNotStarted:
       return Say(resources::kMicrophoneNotStarted);
     case audio::kDeviceLost:
