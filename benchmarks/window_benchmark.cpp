@@ -63,7 +63,8 @@ class Watch final : public QObject {
       m_times.shown = Now() - m_begin;
     }
     const auto* const list = window.findChild<QTreeView*>();
-    if (m_times.filled == 0 && list->isVisible() && list->model()->rowCount() == static_cast<int>(benchmarks::kTags)) {
+    if (m_times.filled == 0 && list->isVisible() &&
+        list->model()->rowCount() == static_cast<int>(benchmarks::kTags)) {
       m_times.filled = Now() - m_begin;
       Type(*window.findChild<QLineEdit*>());
       std::printf("%f %f %f\n", m_times.shown, m_times.filled, m_times.letter);

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "resources/desktop_strings.h"
-#include "resources/panel_strings.h"
 #include "resources/fault_strings.h"
+#include "resources/panel_strings.h"
 #include "resources/translations.h"
 
 namespace resources {
