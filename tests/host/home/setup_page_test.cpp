@@ -65,6 +65,25 @@ TEST_F(SetupPageTest, AFileThatIsNoAddressBookIsNotChosenAndThePageSaysWhy) {
   EXPECT_EQ(m_work.loads, 0);
 }
 
+TEST_F(SetupPageTest, TheDesktopsAddressBooksAreNotChosenIfNobodyAnswersForThem) {
+  Open();
+  AwaitText("bookPeople", "1 person");
+  Press("useDesktopBook");
+  AwaitText("bookNews", "The desktop's address books were not chosen.");
+  EXPECT_TRUE(Text("bookSource").contains("You have chosen no address book yet."));
+}
+
+TEST_F(SetupPageTest, ABookWithoutThePeopleOfTheTagsIsNotChosen) {
+  TeachAnn();
+  WriteContacts("others.vcf", {"Zoe"});
+  Open();
+  AwaitText("bookPeople", "1 person");
+  m_page->OnFilesDropped({QPath("others.vcf")});
+  AwaitText("bookNews", "Voice tags belong to people whom it does not have.");
+  EXPECT_TRUE(Text("bookPeople").contains("1 person"));
+  EXPECT_EQ(m_work.loads, 0);
+}
+
 TEST_F(SetupPageTest, PlacesThatCouldNotBeReadAreNamedWithTheirLines) {
   std::ofstream(Path("torn.vcf"), std::ios::binary)
       << "BEGIN:VCARD\r\nVERSION:3.0\r\nN:Lee;Ann\r\nTEL:5551234\r\nEND:VCARD\r\n"
