@@ -226,9 +226,14 @@ void TagList::contextMenuEvent(QContextMenuEvent* event) {
   }
 }
 
-// A finger that stays is what the other mouse button is for a mouse.
+// A finger that stays is what the other mouse button is for a mouse. The library takes a mouse that
+// stays for a finger.
 bool TagList::viewportEvent(QEvent* event) {
-  if (event->type() == QEvent::Gesture) {
+  if (event->type() == QEvent::TouchBegin) {
+    m_isFinger = true;
+  } else if (event->type() == QEvent::MouseButtonPress) {
+    m_isFinger = static_cast<QMouseEvent*>(event)->source() != Qt::MouseEventNotSynthesized;
+  } else if (event->type() == QEvent::Gesture && m_isFinger) {
     auto* const gestures = static_cast<QGestureEvent*>(event);
     if (QGesture* const hold = gestures->gesture(Qt::TapAndHoldGesture);
         hold != nullptr && hold->state() == Qt::GestureFinished) {

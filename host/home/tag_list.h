@@ -56,7 +56,8 @@ class TagList : public QTreeView {
   TagDelegate* m_delegate;  ///< Owned by this.
   bool m_areCards = false;
   bool m_isFitting = false;
-  QPersistentModelIndex m_pressedCard;             ///< The card whose play button is held down.
+  bool m_isFinger = false;              ///< Whether the latest press was that of a finger.
+  QPersistentModelIndex m_pressedCard;  ///< The card whose play button is held down.
   std::array<int, kColumnCount> m_neededWidths{};  ///< By the texts of all tags.
   std::array<int, kColumnCount> m_chosenWidths{};  ///< By the user; 0 for none.
 };

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QAbstractButton>
+#include <QGestureEvent>
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QMenu>
@@ -245,6 +246,42 @@ TEST_F(TagList, OpensTheContextMenuUnderAFingerThatStays) {
   QTest::touchEvent(m_list->viewport(), finger.get()).release(0, Card(2).center());
   QTapAndHoldGesture::setTimeout(700);
   EXPECT_EQ(m_list->currentIndex().data().toString(), QStringLiteral("Hanna Berg"));
+}
+
+/// Sees that somebody holds something down, before the list does.
+class HoldWatch final : public QObject {
+ public:
+  bool eventFilter(QObject* /*watched*/, QEvent* event) override {
+    if (event->type() == QEvent::Gesture) {
+      const QGesture* const hold =
+          static_cast<QGestureEvent*>(event)->gesture(Qt::TapAndHoldGesture);
+      wasHeld = wasHeld || (hold != nullptr && hold->state() == Qt::GestureFinished);
+    }
+    return false;
+  }
+
+  bool wasHeld = false;
+};
+
+TEST_F(TagList, OpensNoContextMenuUnderAMouseButtonThatIsHeld) {
+  OpenFull();
+  HoldWatch watch;
+  m_list->viewport()->installEventFilter(&watch);
+  QTapAndHoldGesture::setTimeout(1);
+  bool isOpened = false;
+  QTimer closing;
+  closing.callOnTimeout([&] {
+    if (QWidget* const menu = QApplication::activePopupWidget()) {
+      isOpened = true;
+      menu->close();
+    }
+  });
+  closing.start(1);
+  QTest::mousePress(m_list->viewport(), Qt::LeftButton, {}, Card(1).center());
+  EXPECT_TRUE(QTest::qWaitFor([&] { return watch.wasHeld; }));
+  QTest::mouseRelease(m_list->viewport(), Qt::LeftButton, {}, Card(1).center());
+  QTapAndHoldGesture::setTimeout(700);
+  EXPECT_FALSE(isOpened);
 }
 
 }  // namespace
