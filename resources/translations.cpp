@@ -3,23 +3,36 @@
 #include <algorithm>
 #include <atomic>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <span>
 
 namespace resources {
 namespace {
 
-struct Translation {
-  std::u16string_view english;
-  std::u16string_view text;
+/// A text by its place in kWords. A pointer would have to be filled in when a program starts, which
+/// costs it all the pages of the tables, and most programs show few of the texts.
+struct Words {
+  std::uint32_t begin;
+  std::uint32_t length;
 };
 
-// The tables: kTranslations, one for each of kLanguages, each sorted by the English.
+struct Translation {
+  Words english;
+  Words text;
+};
+
+// The tables: kWords, all texts, and kTranslations, one table for each of kLanguages, each sorted
+// by the English.
 #include "resources/translation_tables.inc"
 
 static_assert(std::size(kTranslations) == kLanguages.size());
 
 constexpr std::size_t kEnglish = kLanguages.size();
+
+std::u16string_view ToText(const Words& words) {
+  return {kWords + words.begin, words.length};
+}
 
 std::atomic<std::size_t> chosen = kEnglish;
 
@@ -53,8 +66,9 @@ std::u16string_view Say(std::u16string_view english) {
     return english;
   }
   const std::span<const Translation> table = kTranslations.at(language);
-  const auto found = std::ranges::lower_bound(table, english, {}, &Translation::english);
-  return found != table.end() && found->english == english ? found->text : english;
+  const auto found = std::ranges::lower_bound(
+      table, english, {}, [](const Translation& entry) { return ToText(entry.english); });
+  return found != table.end() && ToText(found->english) == english ? ToText(found->text) : english;
 }
 
 }  // namespace resources

@@ -82,15 +82,35 @@ def check():
     return 1 if faults else 0
 
 
+class Words:
+    """All texts one after the other, each once."""
+
+    def __init__(self):
+        self.lines = []
+        self._places = {}
+        self._length = 0
+
+    def place(self, text):
+        """Returns where the text stands, and its length, in units of UTF-16."""
+        if text not in self._places:
+            length = len(text.encode("utf-16-be")) // 2
+            self._places[text] = f"{{{self._length}, {length}}}"
+            self._length += length
+            self.lines.append(f"    u{quoted(text)}")
+        return self._places[text]
+
+
 def write_tables(path):
     texts = own_texts()
+    words = Words()
     lines = []
     for number, language in enumerate(LANGUAGES):
         known = {text: t for text, t in read_catalogue(language).items() if t and text in texts}
         lines.append(f"constexpr std::array<Translation, {len(known)}> kTable{number} = {{{{")
         for text in sorted(known, key=lambda text: text.encode("utf-16-be")):
-            lines.append(f"    {{u{quoted(text)}, u{quoted(known[text])}}},")
+            lines.append(f"    {{{words.place(text)}, {words.place(known[text])}}},")
         lines.append("}};")
+    lines = ["constexpr char16_t kWords[] =", *(words.lines or ['    u""']), ";", *lines]
     tables = ", ".join(f"kTable{number}" for number in range(len(LANGUAGES)))
     lines.append(f"constexpr std::array<std::span<const Translation>, {len(LANGUAGES)}> kTranslations = "
                  f"{{{tables}}};")

@@ -29,6 +29,7 @@ Result<std::vector<std::int16_t>, FileError> ReadSamples(framework::CFile& file,
                                                          std::uint64_t offset, std::size_t most) {
   SampleBuffer<kFrameSamples> buffer;
   std::vector<std::int16_t> samples;
+  samples.reserve(most);  // The file is as long.
   while (samples.size() < most) {
     const auto bytes = ReadAt(file, offset + samples.size() * kSampleBytes, buffer.Bytes());
     if (!bytes) {
