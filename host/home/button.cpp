@@ -1,17 +1,47 @@
 #include "host/home/button.h"
 
+#include <QProxyStyle>
 #include <QStyleOptionButton>
 #include <QStyleOptionFocusRect>
+#include <QStyleOptionMenuItem>
 #include <QStylePainter>
 #include <algorithm>
 
 namespace home {
+
+namespace {
+
+/// The style of the desktop, with the items of menus as high as a finger needs them.
+class FingerStyle final : public QProxyStyle {
+ public:
+  [[nodiscard]] QSize sizeFromContents(ContentsType type, const QStyleOption* option,
+                                       const QSize& contents,
+                                       const QWidget* widget) const override {
+    const QSize size = QProxyStyle::sizeFromContents(type, option, contents, widget);
+    const auto* const item = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
+    const bool isTarget = type == CT_MenuItem && item != nullptr &&
+                          item->menuItemType != QStyleOptionMenuItem::Separator;
+    return isTarget ? size.expandedTo({0, kLeastTarget}) : size;
+  }
+};
+
+}  // namespace
+
+void SuitFingers(QMenu& menu, const QWidget& window) {
+  auto* style = menu.findChild<FingerStyle*>();
+  if (style == nullptr) {
+    style = new FingerStyle;
+    style->setParent(&menu);
+  }
+  menu.setStyle(window.width() < kPhoneWidth ? style : nullptr);
+}
 
 void GiveMenu(QToolButton& button, QMenu& menu) {
   button.setMenu(&menu);
   button.setPopupMode(QToolButton::InstantPopup);
   button.setStyleSheet(QStringLiteral("QToolButton::menu-indicator { image: none; }"));
   QObject::connect(&menu, &QMenu::aboutToShow, &button, [&button, &menu] {
+    SuitFingers(menu, *button.window());
     if (!button.underMouse()) {
       // An item can be the current one only after the menu has opened.
       QMetaObject::invokeMethod(

@@ -14,6 +14,10 @@ namespace home {
 /// readers would say nothing otherwise.
 void GiveMenu(QToolButton& button, QMenu& menu);
 
+/// Gives the items of a menu the height that a finger hits, if the window is that of a phone. Call
+/// it before the menu is shown.
+void SuitFingers(QMenu& menu, const QWidget& window);
+
 /// A button that is large enough for a finger, with some room around its text, which may have
 /// several lines. Its symbol is as
 /// high as a letter, and symbol and text stand together in the middle. The styles of the library

@@ -154,6 +154,7 @@ void TagsPage::ShowMenu(const QPoint& at) {
   menu.addActions({m_play, m_teachAgain, m_delete});
   menu.addSeparator();
   menu.addActions({m_selectAll, m_selectSeveral});
+  SuitFingers(menu, *window());
   menu.exec(at);
 }
 

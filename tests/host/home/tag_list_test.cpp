@@ -11,6 +11,8 @@
 #include <QTapAndHoldGesture>
 #include <QTimer>
 #include <QToolButton>
+#include <algorithm>
+#include <limits>
 
 #include "host/home/sizes.h"
 #include "tests/host/home/window_fixture.h"
@@ -114,6 +116,26 @@ TEST_F(TagList, HasOnlyTargetsThatAFingerHits) {
   }
   EXPECT_GE(Card(0).height(), home::kLeastTarget);
   EXPECT_GE(home::TagList::PlayButton(Card(0), Qt::LeftToRight).width(), home::kLeastTarget);
+}
+
+TEST_F(TagList, HasMenusForFingersOnAPhoneAlone) {
+  OpenFull(kPhone);
+  QMenu& menu = *Find<QToolButton>("menu")->menu();
+  const auto lowest = [&menu] {
+    emit menu.aboutToShow();
+    menu.popup(QPoint());
+    int height = std::numeric_limits<int>::max();
+    for (QAction* const action : menu.actions()) {
+      if (!action->isSeparator()) {
+        height = std::min(height, menu.actionGeometry(action).height());
+      }
+    }
+    menu.close();
+    return height;
+  };
+  EXPECT_GE(lowest(), home::kLeastTarget);
+  m_window->resize(900, 600);
+  EXPECT_LT(lowest(), home::kLeastTarget);
 }
 
 TEST_F(TagList, FitsAPhoneWithEveryFontAndClipsNoText) {
