@@ -10,8 +10,9 @@
 namespace resources {
 namespace {
 
-/// A text by its place in kWords. A pointer would have to be filled in when a program starts, which
-/// costs it all the pages of the tables, and most programs show few of the texts.
+/// A text by its place in the words of its table. A pointer would have to be filled in when a
+/// program starts, which costs it all the pages of the tables, and most programs show few of the
+/// texts.
 struct Words {
   std::uint32_t begin;
   std::uint32_t length;
@@ -22,16 +23,20 @@ struct Translation {
   Words text;
 };
 
-// The tables: kWords, all texts, and kTranslations, one table for each of kLanguages, each sorted
-// by the English.
+struct Table {
+  const char16_t* words;
+  std::span<const Translation> entries;  ///< Sorted by the English.
+};
+
+// kTranslations: a table for each of kLanguages.
 #include "resources/translation_tables.inc"
 
 static_assert(std::size(kTranslations) == kLanguages.size());
 
 constexpr std::size_t kEnglish = kLanguages.size();
 
-std::u16string_view ToText(const Words& words) {
-  return {kWords + words.begin, words.length};
+std::u16string_view ToText(const Table& table, const Words& words) {
+  return {table.words + words.begin, words.length};
 }
 
 std::atomic<std::size_t> chosen = kEnglish;
@@ -65,10 +70,13 @@ std::u16string_view Say(std::u16string_view english) {
   if (language == kEnglish) {
     return english;
   }
-  const std::span<const Translation> table = kTranslations.at(language);
+  const Table& table = kTranslations.at(language);
   const auto found = std::ranges::lower_bound(
-      table, english, {}, [](const Translation& entry) { return ToText(entry.english); });
-  return found != table.end() && ToText(found->english) == english ? ToText(found->text) : english;
+      table.entries, english, {},
+      [&table](const Translation& entry) { return ToText(table, entry.english); });
+  return found != table.entries.end() && ToText(table, found->english) == english
+             ? ToText(table, found->text)
+             : english;
 }
 
 }  // namespace resources

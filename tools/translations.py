@@ -83,7 +83,7 @@ def check():
 
 
 class Words:
-    """All texts one after the other, each once."""
+    """The texts of a table one after the other, each once."""
 
     def __init__(self):
         self.lines = []
@@ -102,18 +102,17 @@ class Words:
 
 def write_tables(path):
     texts = own_texts()
-    words = Words()
     lines = []
     for number, language in enumerate(LANGUAGES):
         known = {text: t for text, t in read_catalogue(language).items() if t and text in texts}
-        lines.append(f"constexpr std::array<Translation, {len(known)}> kTable{number} = {{{{")
+        words = Words()  # All languages together are too long for one literal.
+        table = [f"constexpr std::array<Translation, {len(known)}> kTable{number} = {{{{"]
         for text in sorted(known, key=lambda text: text.encode("utf-16-be")):
-            lines.append(f"    {{{words.place(text)}, {words.place(known[text])}}},")
-        lines.append("}};")
-    lines = ["constexpr char16_t kWords[] =", *(words.lines or ['    u""']), ";", *lines]
-    tables = ", ".join(f"kTable{number}" for number in range(len(LANGUAGES)))
-    lines.append(f"constexpr std::array<std::span<const Translation>, {len(LANGUAGES)}> kTranslations = "
-                 f"{{{tables}}};")
+            table.append(f"    {{{words.place(text)}, {words.place(known[text])}}},")
+        table.append("}};")
+        lines += [f"constexpr char16_t kWords{number}[] =", *(words.lines or ['    u""']), ";", *table]
+    tables = ", ".join(f"Table{{kWords{number}, kTable{number}}}" for number in range(len(LANGUAGES)))
+    lines.append(f"constexpr std::array<Table, {len(LANGUAGES)}> kTranslations = {{{tables}}};")
     pathlib.Path(path).write_text("\n".join(lines) + "\n", encoding="utf-8")
     return 0
 
