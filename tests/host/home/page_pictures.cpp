@@ -1,13 +1,6 @@
-// page_pictures FOLDER: paints the states of the teaching and the likeness page, for people to look
-// at.
-
-#include <QApplication>
 #include <QLineEdit>
 #include <QListView>
-#include <QLocale>
-#include <QStyleFactory>
 #include <QTest>
-#include <cstdio>
 #include <fstream>
 #include <iterator>
 #include <string>
@@ -15,37 +8,16 @@
 #include "host/home/lesson_panel.h"
 #include "host/home/likeness_page.h"
 #include "host/home/teaching_page.h"
+#include "tests/host/home/looks.h"
 #include "tests/host/home/page_fixture.h"
 #include "voicemath/take_template.h"
 
 namespace {
 
 using home::TakeProgress;
+using home_test::Look;
+using home_test::Save;
 using voicemath::Verdict;
-
-/// How the desktop is set.
-struct Look {
-  const char* name;
-  QSize size;
-  int points = 10;
-  bool isDark = false;
-  bool isFromTheRight = false;
-};
-
-void Apply(const Look& look) {
-  QFont font = QApplication::font();
-  font.setPointSize(look.points);
-  QApplication::setFont(font);
-  QPalette palette = QApplication::style()->standardPalette();
-  if (look.isDark) {
-    palette = QPalette(QColor(53, 53, 53));
-    palette.setColor(QPalette::Window, QColor(45, 45, 45));
-    palette.setColor(QPalette::Base, QColor(30, 30, 30));
-    palette.setColor(QPalette::Highlight, QColor(42, 130, 218));
-  }
-  QApplication::setPalette(palette);
-  QApplication::setLayoutDirection(look.isFromTheRight ? Qt::RightToLeft : Qt::LeftToRight);
-}
 
 std::vector<std::int16_t> ReadSample(const std::string& name) {
   std::ifstream stream(VOXTREL_SAMPLES_DIR "/" + name, std::ios::binary);
@@ -57,15 +29,6 @@ std::vector<std::int16_t> ReadSample(const std::string& name) {
     samples.push_back(static_cast<std::int16_t>(low | high << 8));
   }
   return samples;
-}
-
-void Save(QWidget& page, const QString& folder, const Look& look, const char* state) {
-  for (int i = 0; i < 5; ++i) {
-    QApplication::processEvents();
-  }
-  const QString name = QStringLiteral("%1_%2").arg(QLatin1String(state), QLatin1String(look.name));
-  page.grab().save(folder + u'/' + name + QStringLiteral(".png"));
-  std::printf("%s %dx%d\n", qPrintable(name), page.width(), page.height());
 }
 
 void PaintTeaching(const Look& look, const QString& folder) {
@@ -146,20 +109,11 @@ void PaintLikeness(const Look& look, const QString& folder) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
-  qputenv("QT_QPA_PLATFORM", "offscreen");
-  const QApplication application(argc, argv);
-  QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
-  QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedKingdom));
-  const QString folder = QString::fromLocal8Bit(argc > 1 ? argv[1] : ".");
-  for (const Look& look :
-       {Look{"desk", {900, 544}}, Look{"dark", {900, 544}, 10, true},
-        Look{"rtl", {900, 544}, 10, false, true}, Look{"phone", {360, 584}},
-        Look{"phone_dark", {360, 584}, 10, true}, Look{"phone_20", {360, 584}, 20},
-        Look{"desk_20", {1300, 744}, 20}, Look{"wide", {2560, 900}, 12}}) {
-    Apply(look);
-    PaintTeaching(look, folder);
-    PaintLikeness(look, folder);
-  }
-  return 0;
+namespace home_test {
+
+void PaintPages(const Look& look, const QString& folder) {
+  PaintTeaching(look, folder);
+  PaintLikeness(look, folder);
 }
+
+}  // namespace home_test
