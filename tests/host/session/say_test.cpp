@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include "resources/report_strings.h"
+#include "resources/translations.h"
+
 namespace session {
 namespace {
 
@@ -17,6 +20,15 @@ TEST(Say, AFillingMayHoldAPlaceItself) {
 TEST(Say, APlaceWithoutAFillingStaysAsItIs) {
   EXPECT_EQ(Say(u"%1 of 100% and %2%", {"a"}), "a of 100% and %2%");
   EXPECT_EQ(Say(u"%0 %x %"), "%0 %x %");
+}
+
+TEST(Say, FaultsAreInTheLanguageOfAProgramThatChoseOneAndElseInEnglish) {
+  EXPECT_EQ(Say(resources::kEntryNotRead, {"4711", Say(resources::kDiskFull)}),
+            "the entry of tag 4711 cannot be read: the disk is full");
+  resources::ChooseLanguage("de");
+  EXPECT_EQ(Say(resources::kEntryNotRead, {"4711", Say(resources::kDiskFull)}),
+            "der Eintrag des Anrufnamens 4711 lässt sich nicht lesen: der Datenträger ist voll");
+  resources::ChooseLanguage({});
 }
 
 }  // namespace
