@@ -33,8 +33,8 @@ std::vector<AlikePair> FindAlikePairs(const std::vector<Tag>& tags) {
     pair.isTooAlike = pair.isTooAlike || isTooAlike;
   };
   for (std::size_t i = 0; i < tags.size(); ++i) {
-    if (tags[i].nearest) {
-      add(i, *tags[i].nearest, false);
+    if (tags[i].quality.nearest) {
+      add(i, *tags[i].quality.nearest, false);
     }
     for (const maintenance::AlikeTag& alike : tags[i].quality.tooAlike) {
       add(i, alike, true);

@@ -19,9 +19,7 @@ struct Tag {
   std::optional<std::int64_t> taughtAt;  ///< When its recording was written: Unix time in seconds.
   std::optional<double> seconds;         ///< Length of its recording.
   maintenance::TagQuality quality;       ///< Its indices are those of Shelf::tags.
-  /// The most alike tag of another number, by the distance of the Test dialog.
-  std::optional<maintenance::AlikeTag> nearest;
-  bool isStale = false;    ///< Its contact does not exist any more.
+  bool isStale = false;                  ///< Its contact does not exist any more.
   std::u16string problem;  ///< A sentence if the tag or its contact cannot be read. Else empty.
 };
 

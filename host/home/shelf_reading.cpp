@@ -143,7 +143,6 @@ void ReadTags(session::Session& session, bool hasContacts,
   }
   auto qualities = maintenance::JudgeTags(platform, session::ToJudged(*listed));
   for (std::size_t i = 0; i < shelf.tags.size(); ++i) {
-    shelf.tags[i].nearest = qualities[i].nearest;
     shelf.tags[i].quality = std::move(qualities[i]);
   }
 }

@@ -96,7 +96,8 @@ QString TagModel::TextOf(const Tag& tag, int column) const {
     case kQuality:
       return m_shelf->areJudged ? NameQuality(tag.quality) : QString();
     default:
-      return tag.nearest ? qt::ToQString(m_shelf->tags[tag.nearest->index].contact) : QString();
+      return tag.quality.nearest ? qt::ToQString(m_shelf->tags[tag.quality.nearest->index].contact)
+                                 : QString();
   }
 }
 
@@ -125,10 +126,10 @@ QString TagModel::Describe(int row) const {
                      .arg(QLocale().toString(ToTime(*tag.taughtAt), QLocale::LongFormat)));
   }
   lines += DescribeQuality(row);
-  if (tag.nearest) {
+  if (tag.quality.nearest) {
     lines.append(Say(resources::kMostAlike)
-                     .arg(qt::ToQString(m_shelf->tags[tag.nearest->index].contact),
-                          QLocale().toString(tag.nearest->distance, 'f', 2)));
+                     .arg(qt::ToQString(m_shelf->tags[tag.quality.nearest->index].contact),
+                          QLocale().toString(tag.quality.nearest->distance, 'f', 2)));
   }
   return lines.join(u'\n');
 }
@@ -193,7 +194,7 @@ bool IsKnown(const Tag& tag, int column) {
     case kLength:
       return tag.seconds.has_value();
     case kNearest:
-      return tag.nearest.has_value();
+      return tag.quality.nearest.has_value();
     default:
       return true;
   }
@@ -224,7 +225,7 @@ std::partial_ordering Compare(const Tag& a, const Tag& b, int column) {
     case kQuality:
       return UrgencyOf(a) <=> UrgencyOf(b);
     case kNearest:
-      return a.nearest->distance <=> b.nearest->distance;
+      return a.quality.nearest->distance <=> b.quality.nearest->distance;
     default:
       return text::CompareForDisplay(a.contact, b.contact);
   }

@@ -30,11 +30,11 @@ home::Tag MakeNamed(std::u16string name, std::u16string contact, std::u16string 
 std::vector<home::Tag> MakeTags() {
   std::vector<home::Tag> tags{MakeNamed(u"1", u"Anna"), MakeNamed(u"2", u"Robert"),
                               MakeNamed(u"3", u"Hanna"), MakeNamed(u"4", u"李小龙")};
-  tags[0].nearest = maintenance::AlikeTag{2, 0.105F};
+  tags[0].quality.nearest = maintenance::AlikeTag{2, 0.105F};
   tags[0].quality.tooAlike = {{2, 0.105F}};
-  tags[2].nearest = maintenance::AlikeTag{0, 0.11F};
+  tags[2].quality.nearest = maintenance::AlikeTag{0, 0.11F};
   tags[2].quality.tooAlike = {{0, 0.11F}};
-  tags[1].nearest = maintenance::AlikeTag{2, 0.4F};
+  tags[1].quality.nearest = maintenance::AlikeTag{2, 0.4F};
   return tags;
 }
 
@@ -52,7 +52,7 @@ TEST(AlikePairs, AreThereOnceEachWithTheSmallerDistanceTheMostAlikeFirst) {
 
 TEST(AlikePairs, PassOverTagsThatAreNotThere) {
   std::vector<home::Tag> tags{MakeNamed(u"1", u"Anna")};
-  tags[0].nearest = maintenance::AlikeTag{0, 0.1F};
+  tags[0].quality.nearest = maintenance::AlikeTag{0, 0.1F};
   tags[0].quality.tooAlike = {{7, 0.1F}};
   EXPECT_THAT(home::FindAlikePairs(tags), IsEmpty());
   EXPECT_THAT(home::FindAlikePairs({}), IsEmpty());
@@ -204,7 +204,7 @@ TEST_F(LikenessPage, DrawsAPairThatIsTooAlikeThicker) {
   std::vector<home::Tag> tags = MakeTags();
   tags.push_back(MakeNamed(u"5", u"Eve"));  // The current pair, drawn in its own way.
   tags.push_back(MakeNamed(u"6", u"Eva"));
-  tags[4].nearest = maintenance::AlikeTag{5, 0.01F};
+  tags[4].quality.nearest = maintenance::AlikeTag{5, 0.01F};
   Show(tags);
   const QColor strong = m_page.palette().color(QPalette::Highlight);
   const QImage image = Picture().grab().toImage();

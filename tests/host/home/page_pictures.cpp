@@ -85,7 +85,7 @@ home::Shelf MakeAlikeTags(std::size_t count) {
     tag.kind = u"Mobile";
     tag.number = u"+49 171 555 0101";
     const std::size_t other = (i * 7 + 3) % count;
-    tag.nearest = maintenance::AlikeTag{other, 0.3F + static_cast<float>(i) / 200};
+    tag.quality.nearest = maintenance::AlikeTag{other, 0.3F + static_cast<float>(i) / 200};
     if (i % 8 == 0) {
       tag.quality.tooAlike = {{i + 1, 0.08F + static_cast<float>(i) / 1000}};
     }

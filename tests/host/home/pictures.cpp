@@ -49,7 +49,7 @@ home::Shelf MakeFullShelf() {
                                   u"+49 30 555 01" + number, u"BusinessFax");
     tag.taughtAt = kFirst + i * kStep;
     tag.seconds = 0.9 + i / 10.0;
-    tag.nearest = maintenance::AlikeTag{2, 0.5F};
+    tag.quality.nearest = maintenance::AlikeTag{2, 0.5F};
     shelf.tags.push_back(tag);
   }
   return shelf;

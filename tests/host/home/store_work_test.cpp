@@ -74,11 +74,11 @@ TEST_F(StoreWorkTest, ALessonBecomesATagThatTheShelfHasBeforeItsAnswerComes) {
 TEST_F(StoreWorkTest, ATagKnowsTheMostAlikeTagOfAnotherNumber) {
   Begin();
   const std::u16string ann = TeachAnn();
-  EXPECT_FALSE(Find(ann)->nearest) << "there is no other";
+  EXPECT_FALSE(Find(ann)->quality.nearest) << "there is no other";
   const std::u16string bob = TeachBob("anna_2.wav");
-  ASSERT_TRUE(Find(ann)->nearest);
-  EXPECT_EQ(m_shelf->tags.at(Find(ann)->nearest->index).name, bob);
-  EXPECT_GT(Find(ann)->nearest->distance, 0.0F);
+  ASSERT_TRUE(Find(ann)->quality.nearest);
+  EXPECT_EQ(m_shelf->tags.at(Find(ann)->quality.nearest->index).name, bob);
+  EXPECT_GT(Find(ann)->quality.nearest->distance, 0.0F);
 }
 
 TEST_F(StoreWorkTest, ALessonIsComparedWithTheTagsThatStay) {

@@ -411,8 +411,8 @@ TEST_F(TagsWindow, GoesOnWithTheNextTagAfterOneWasDeleted) {
   Choose("Anna Berg");
   home::Shelf shelf = MakeShelf();
   shelf.tags.erase(shelf.tags.begin());
-  shelf.tags[0].nearest.reset();
-  shelf.tags[1].nearest.reset();
+  shelf.tags[0].quality.nearest.reset();
+  shelf.tags[1].quality.nearest.reset();
   shelf.tags[1].quality.tooAlike.clear();
   m_work.Show(shelf);
   EXPECT_EQ(Current(), "Hanna Berg");

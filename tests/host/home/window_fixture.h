@@ -97,9 +97,9 @@ inline home::Shelf MakeShelf() {
   shelf.tags[2].seconds = 2;
   shelf.tags[2].quality.take->Add(voicemath::Verdict::kTooAlike);
   shelf.tags[2].quality.tooAlike = {{0, 0.21F}};
-  shelf.tags[0].nearest = maintenance::AlikeTag{2, 0.21F};
-  shelf.tags[2].nearest = maintenance::AlikeTag{0, 0.21F};
-  shelf.tags[1].nearest = maintenance::AlikeTag{0, 0.8F};
+  shelf.tags[0].quality.nearest = maintenance::AlikeTag{2, 0.21F};
+  shelf.tags[2].quality.nearest = maintenance::AlikeTag{0, 0.21F};
+  shelf.tags[1].quality.nearest = maintenance::AlikeTag{0, 0.8F};
   shelf.tags[3].isStale = true;
   shelf.tags[3].quality.take = tl::unexpected(voicemath::ReviewError::kNotOpened);
   shelf.people = {{1, u"Anna Berg", u"Harbour Works", {{u"Mobile", u"+49 171 555 0101"}}},
