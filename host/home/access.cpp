@@ -31,7 +31,7 @@ void SetAccessibleRole(QWidget& widget, QAccessible::Role role) {
 
 void NameClearButton(QLineEdit& field, const QString& name) {
   if (auto* const button = field.findChild<QToolButton*>()) {
-    button->setAccessibleName(name);
+    button->setAccessibleName(QString(name).remove(u'&'));
   }
 }
 

@@ -14,7 +14,7 @@ namespace home {
 /// accessibleDescription(). To be called in its constructor, before screen readers ask for it.
 void SetAccessibleRole(QWidget& widget, QAccessible::Role role);
 
-/// Names the button that clears a field.
+/// Names the button that clears a field. Marks of mnemonics in the name are left out.
 void NameClearButton(QLineEdit& field, const QString& name);
 
 /// A line of text that screen readers say by themselves as soon as it changes, wherever the focus

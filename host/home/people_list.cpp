@@ -159,7 +159,7 @@ PeopleList::PeopleList(Choose choose, std::function<void()> setUp, QWidget* pare
   m_search->setPlaceholderText(Say(resources::kSearchPeople));
   m_search->setAccessibleName(Say(resources::kSearchPeople));
   m_search->setClearButtonEnabled(true);
-  NameClearButton(*m_search, qt::WithoutMnemonic(Say(resources::kShowEverybody)));
+  NameClearButton(*m_search, Say(resources::kShowEverybody));
   m_search->setMinimumHeight(kLeastTarget);
   m_search->setTextMargins(kRowGap, 0, kRowGap, 0);
   m_search->setObjectName(QStringLiteral("peopleSearch"));
@@ -184,7 +184,6 @@ PeopleList::PeopleList(Choose choose, std::function<void()> setUp, QWidget* pare
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(m_search);
   layout->addLayout(m_centre, 1);
-  setFocusProxy(m_search);
   ShowListOrNotice();
 }
 
@@ -202,8 +201,11 @@ void PeopleList::Show(const std::shared_ptr<const Shelf>& shelf) {
 
 void PeopleList::Begin() {
   m_search->clear();
-  m_search->setFocus();
+  FocusSearch();
 }
+
+// The search is no focus proxy of this: Tab would never leave this then.
+void PeopleList::FocusSearch() { m_search->setFocus(); }
 
 bool PeopleList::ClearSearch() {
   const bool wasEmpty = m_search->text().isEmpty();

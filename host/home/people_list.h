@@ -27,6 +27,7 @@ class PeopleList : public QWidget {
   void Show(const std::shared_ptr<const Shelf>& shelf);
   /// Empties the search and gives it the focus.
   void Begin();
+  void FocusSearch();
   /// Returns false if there was nothing to clear.
   bool ClearSearch();
 

@@ -123,7 +123,7 @@ QWidget* TagsPage::MakeSearchRow() {
   m_search->setPlaceholderText(Say(resources::kSearch));
   m_search->setAccessibleName(Say(resources::kSearch));
   m_search->setClearButtonEnabled(true);
-  NameClearButton(*m_search, qt::WithoutMnemonic(Say(resources::kClearSearch)));
+  NameClearButton(*m_search, Say(resources::kClearSearch));
   m_search->setMinimumHeight(kLeastTarget);
   const int room = m_search->fontMetrics().averageCharWidth();
   m_search->setTextMargins(room, 0, room, 0);

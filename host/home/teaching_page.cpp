@@ -118,7 +118,7 @@ void TeachingPage::Leave() {
   m_state = State::kChoosing;
   m_panel->ShowNobody();
   Arrange();
-  m_people->setFocus();
+  m_people->FocusSearch();
 }
 
 void TeachingPage::Record() {

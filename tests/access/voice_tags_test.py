@@ -59,6 +59,7 @@ class VoiceTags(unittest.TestCase):
         self.awaits_focus(Role.TEXT, "Search name, company or number")
         type_text("berg")
         wait_for(lambda: find(self.window, Role.LIST).get_child_count() == 2, "her numbers")
+        self.awaits(Role.PUSH_BUTTON, "Show everybody")
         press("Return")
         self.awaits_focus(Role.PUSH_BUTTON, "Record")
         self.check()
@@ -146,6 +147,32 @@ class VoiceTags(unittest.TestCase):
         pictures = wait_for(lambda: [node.get_description() for node in walk(self.window)
                                      if node.get_role() == Role.IMAGE], "the picture")
         self.assertTrue(any(pictures), reader.tree(self.window))
+
+    def test_tab_reaches_every_control_of_every_page(self):
+        self.open(tags=("anna", "sophie"))
+        wait_for(self.rows, "the rows")
+        self.check_tab("the list")
+        for item, first in (("Teach a name", "Search name, company or number"),
+                            ("Likeness of names", "Play both"), ("Set-up", "Back up…")):
+            with self.subTest(item):
+                self.choose(item)
+                self.awaits(None, first)
+                self.check_tab(item)
+
+    def check_tab(self, page):
+        """Goes round with Tab, until it has been everywhere."""
+        stops = (Role.CHECK_BOX, Role.COMBO_BOX, Role.LIST, Role.PUSH_BUTTON, Role.TEXT, Role.TREE)
+        missing = {node.get_name() for node in walk(self.window) if node.get_role() in stops and
+                   is_(node, State.FOCUSABLE) and is_(node, State.SENSITIVE)}
+        self.assertGreater(len(missing), 3, page)
+        for _ in range(3 * len(missing)):
+            before = reader.focused()
+            missing.discard(before)
+            if not missing:
+                return
+            press("Tab")
+            wait_for(lambda: reader.focused() != before, f"the next stop after {before!r}")
+        self.fail(f"Tab does not reach {missing} on {page}:\n{reader.tree(self.window)}")
 
     def choose(self, item):
         """Chooses an item of the menu by the keyboard."""
