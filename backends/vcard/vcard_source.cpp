@@ -7,6 +7,10 @@
 #include <utility>
 #include <vector>
 
+#include "backends/text/utf.h"
+#include "resources/remark_strings.h"
+#include "resources/translations.h"
+
 namespace vcard {
 
 using platform::Failure;
@@ -18,18 +22,19 @@ constexpr std::size_t kChunkSize = std::size_t{64} * 1024;
 
 char16_t SeparatorOf(std::u16string_view path) { return path.starts_with(u'\\') ? u'\\' : u'/'; }
 
-/// Returns why a file of a folder is passed over. Returns null if its error is no reason for that.
-const char* PassOver(FileError error) {
+/// Returns why a file of a folder is passed over. Returns an empty text if its error is no reason
+/// for that.
+std::u16string_view PassOver(FileError error) {
   switch (error) {
     case FileError::kNotFound:
-      return "the file leads nowhere and is passed over";
+      return resources::kFileLeadsNowhere;
     case FileError::kLink:
-      return "the link cannot be followed and is passed over";
+      return resources::kLinkNotFollowed;
     case FileError::kAccessDenied:
     case FileError::kSharingViolation:
-      return "the file cannot be opened and is passed over";
+      return resources::kFileNotOpened;
     default:
-      return nullptr;
+      return {};
   }
 }
 
@@ -97,13 +102,13 @@ VcardSource::ReadPart VcardSource::ReadFileOfFolder(const std::u16string& path, 
                                                     RemarkList& remarks) {
   const std::size_t before = book.contacts.size();
   if (auto read = ReadFile(path, book, remarks); !read) {
-    const char* const sentence = PassOver(read.error());
-    if (sentence == nullptr) {
+    const std::u16string_view sentence = PassOver(read.error());
+    if (sentence.empty()) {
       return read;
     }
-    remarks.Add({path, 0, sentence});
+    remarks.Add({path, 0, text::ToUtf8(resources::Say(sentence))});
   } else if (book.contacts.size() == before) {
-    remarks.Add({path, 0, "the file holds no whole card"});
+    remarks.Add({path, 0, text::ToUtf8(resources::Say(resources::kFileWithoutCard))});
   }
   book.isComplete = book.isComplete && book.contacts.size() > before;
   return {};

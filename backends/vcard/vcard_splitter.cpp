@@ -5,7 +5,10 @@
 #include <optional>
 #include <utility>
 
+#include "backends/text/utf.h"
 #include "backends/vcard/ascii.h"
+#include "resources/remark_strings.h"
+#include "resources/translations.h"
 
 namespace vcard {
 namespace {
@@ -13,7 +16,7 @@ namespace {
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 static_assert(LogicalLines::kMaxLength == 8192 && VcardSplitter::kMaxLines == 200 &&
                   VcardSplitter::kMaxSeparators == 64,
-              "sentences below name these");
+              "sentences name these");
 
 constexpr std::array<std::string_view, 9> kKeptNames = {
     "N", "FN", "ORG", "TEL", "UID", "X-MS-TEL", "X-ABLABEL", "NICKNAME", "EMAIL"};
@@ -183,18 +186,18 @@ void VcardSplitter::OnLineOfCard(const LogicalLines::Line& line, std::string_vie
     return;
   }
   if (line.isTruncated) {
-    Damage(line.number, "the line is longer than 8 KiB");
+    Damage(line.number, resources::kLineIsLong);
   } else if (m_card.size() >= kMaxLines) {
-    Damage(line.number, "the card has more than 200 lines of names and numbers");
+    Damage(line.number, resources::kCardIsLong);
   } else if (line.text.find('\0') != std::string_view::npos) {
-    Damage(line.number, "the line holds a zero byte");
+    Damage(line.number, resources::kLineHasZero);
   } else if (CountSeparators(line.text) > kMaxSeparators) {
-    Damage(line.number, "the line has more than 64 commas and semicolons");
+    Damage(line.number, resources::kLineHasManyParts);
   } else if (std::optional<ContentLine> parsed = ParseContentLine(line.text)) {
     parsed->number = line.number;
     m_card.push_back(std::move(*parsed));
   } else {
-    Damage(line.number, "the line has no colon");
+    Damage(line.number, resources::kLineWithoutColon);
   }
 }
 
@@ -202,7 +205,7 @@ void VcardSplitter::OnLineOfCard(const LogicalLines::Line& line, std::string_vie
 void VcardSplitter::OnLineBetweenCards(const LogicalLines::Line& line) {
   const bool isStray = !Trim(line.text).empty();
   if (isStray && !m_isStray) {
-    Damage(line.number, "the line belongs to no card");
+    Damage(line.number, resources::kLineOfNoCard);
   }
   m_isStray = m_isStray || isStray;
 }
@@ -224,16 +227,16 @@ void VcardSplitter::TearCard() {
     return;
   }
   m_nesting = 0;
-  Damage(m_firstLine, "the card that begins here has no end and is passed over");
+  Damage(m_firstLine, resources::kCardWithoutEnd);
   if (m_torn) {
     m_torn(m_card);
   }
 }
 
-void VcardSplitter::Damage(std::size_t line, std::string_view sentence) {
+void VcardSplitter::Damage(std::size_t line, std::u16string_view english) {
   m_isDamaged = true;
   if (m_damage) {
-    m_damage(line, sentence);
+    m_damage(line, text::ToUtf8(resources::Say(english)));
   }
 }
 

@@ -99,7 +99,7 @@ class VcardSplitter {
   void EndCard();
   /// If a card is in progress, it has no end.
   void TearCard();
-  void Damage(std::size_t line, std::string_view sentence);
+  void Damage(std::size_t line, std::u16string_view english);
 
   CardSink m_sink;
   CardSink m_torn;

@@ -13,6 +13,7 @@
 #include "resources/dialogs.h"
 #include "resources/fault_strings.h"
 #include "resources/strings.h"
+#include "resources/translations.h"
 #include "storage/device_paths.h"
 #include "storage/tag_store.h"
 #include "tags/contact_reading.h"
@@ -82,8 +83,9 @@ bool CanListTags(Session& session) {
 
 /// Returns whether a box says that tags were deleted which the trash had no room for.
 bool IsOfDestroyedTags(std::u16string_view text) {
-  const std::u16string_view many = resources::kTagsDestroyed;
-  return text == resources::kTagDestroyed || text.starts_with(many.substr(0, many.find(u'%')));
+  const std::u16string_view many = resources::Say(resources::kTagsDestroyed);
+  return text == resources::Say(resources::kTagDestroyed) ||
+         text.starts_with(many.substr(0, many.find(u'%')));
 }
 
 /// Counts the message boxes so far that reported a failure.
