@@ -2,6 +2,8 @@
 
 #include <array>
 
+#include "resources/connection_strings.h"
+
 namespace resources {
 namespace {
 
@@ -32,23 +34,20 @@ constexpr std::array<KeyTemplate, 2> kLearningKeys{{
 }};
 
 constexpr std::array<ControlTemplate, 14> kConnectionControls{{
-    {kNoControlId, ControlKind::kGroupBox, u"Connection settings", {3, 2, 153, 100}},
+    {kNoControlId, ControlKind::kGroupBox, kConnectionGroup, {3, 2, 153, 100}},
     {kPortComboId, ControlKind::kEditableComboBox, u"", {10, 14, 139, 102}},
-    {kNoControlId, ControlKind::kStatic, u"Baud rate:", {10, 33, 60, 8}},
+    {kNoControlId, ControlKind::kStatic, kBaudRateLabel, {10, 33, 60, 8}},
     {kBaudRateComboId, ControlKind::kEditableComboBox, u"", {74, 31, 75, 102}},
-    {kNoControlId, ControlKind::kStatic, u"Data bits:", {10, 50, 60, 8}},
+    {kNoControlId, ControlKind::kStatic, kDataBitsLabel, {10, 50, 60, 8}},
     {kDataBitsComboId, ControlKind::kEditableComboBox, u"", {74, 48, 75, 80}},
-    {kNoControlId, ControlKind::kStatic, u"Stop bits:", {10, 67, 60, 8}},
+    {kNoControlId, ControlKind::kStatic, kStopBitsLabel, {10, 67, 60, 8}},
     {kStopBitsComboId, ControlKind::kEditableComboBox, u"", {74, 65, 75, 60}},
-    {kNoControlId, ControlKind::kStatic, u"Flow control:", {10, 84, 60, 8}},
+    {kNoControlId, ControlKind::kStatic, kFlowControlLabel, {10, 84, 60, 8}},
     // A list: the dialer knows these three words and no others.
     {kFlowControlComboId, ControlKind::kComboBox, u"", {74, 82, 75, 60}},
-    {kHeadsetCheckId,
-     ControlKind::kCheckBox,
-     u"Use BT headset for Ericsson phones only",
-     {1, 107, 158, 10}},
-    {kNoHangUpCheckId, ControlKind::kCheckBox, u"Don't Use HANG UP", {1, 121, 158, 10}},
-    {kDefaultsButtonId, ControlKind::kDefaultPushButton, u"Default", {54, 146, 50, 13}},
+    {kHeadsetCheckId, ControlKind::kCheckBox, kHeadsetLabel, {1, 107, 158, 10}},
+    {kNoHangUpCheckId, ControlKind::kCheckBox, kNoHangUpLabel, {1, 121, 158, 10}},
+    {kDefaultsButtonId, ControlKind::kDefaultPushButton, kDefaultsLabel, {54, 146, 50, 13}},
     // Never shown: the sheet's own OK saves. Companion and users know the page without it.
     {kSaveButtonId, ControlKind::kPushButton, u"Ok", {106, 146, 50, 13}, false, false},
 }};
@@ -68,8 +67,8 @@ constexpr std::array<ControlTemplate, 2> kReinitControls{{
 
 /// The progress bar between them is made when the dialog opens.
 constexpr std::array<ControlTemplate, 2> kComparisonControls{{
-    {kComparisonTextId, ControlKind::kStatic, u"Comparing the voice tags", {6, 6, 148, 10}},
-    {kComparisonCancelId, ControlKind::kPushButton, u"Cancel", {55, 42, 50, 13}},
+    {kComparisonTextId, ControlKind::kStatic, kComparingLabel, {6, 6, 148, 10}},
+    {kComparisonCancelId, ControlKind::kPushButton, kCancelComparing, {55, 42, 50, 13}},
 }};
 
 }  // namespace

@@ -36,7 +36,9 @@ void EnsureApplication() {
     static QApplication* application = new QApplication(argumentCount, arguments);
     static_cast<void>(application);
   }
-  FollowDesktopLanguage();
+  // Once for a process: which language the desktop has is read once, too.
+  static const bool isFollowed = (FollowDesktopLanguage(), true);
+  static_cast<void>(isFollowed);
 }
 
 // The desktop has a list of languages, the one that the user prefers first. English in it ends the

@@ -240,7 +240,9 @@ void Place(Control& control, Pictures& pictures) {
 }  // namespace
 
 Control MakeControl(const ControlTemplate& description, QWidget& surface, Pictures& pictures) {
-  Control control{.description = description, .text = std::u16string(description.text)};
+  // A text with a key of the language file comes from the page, which sets it later.
+  Control control{.description = description,
+                  .text = std::u16string(resources::Say(description.text))};
   if (framework::ItemList::IsFor(description.kind)) {
     control.items.emplace(description.kind, description.text);
   }

@@ -2,6 +2,7 @@
 
 #include "resources/desktop_strings.h"
 #include "resources/fault_strings.h"
+#include "resources/language_keys.h"
 #include "resources/panel_strings.h"
 #include "resources/translations.h"
 
@@ -46,6 +47,16 @@ TEST_F(Translations, WithoutALanguageATextIsEnglish) {
   EXPECT_EQ(Say(kNotKept), kNotKept);
   ChooseLanguage("tlh");
   EXPECT_EQ(Say(kNotKept), kNotKept);
+}
+
+// The dialogs show what stands in their templates, and a page in use gives it the text of its key.
+TEST_F(Translations, ATextThatLanguageFilesHaveAKeyForIsNoneOfOurs) {
+  for (const std::string_view language : kLanguages) {
+    ChooseLanguage(language);
+    for (const LanguageKey& row : kLanguageKeys) {
+      EXPECT_EQ(Say(row.english), row.english) << language;
+    }
+  }
 }
 
 TEST_F(Translations, WhatIsNoTextOfOursStaysAsItIs) {

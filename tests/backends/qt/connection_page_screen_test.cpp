@@ -7,8 +7,11 @@
 #include <QTest>
 #include <functional>
 
+#include "backends/qt/application.h"
 #include "backends/qt/qt_ui.h"
+#include "backends/qt/strings.h"
 #include "connection/connection_page.h"
+#include "resources/connection_strings.h"
 #include "resources/dialogs.h"
 #include "storage/registry_keys.h"
 #include "tests/backends/qt/page_machine.h"
@@ -190,5 +193,36 @@ TEST_F(ConnectionPageScreen, ShowsTheTextsOfItsCheckBoxesToTheirEnd) {
         << "Letters of one size, as those of buttons.";
   });
 }
+
+/// The same in another language, which the desktop has and no language file gives.
+class ConnectionPageInALanguage : public ConnectionPageScreen,
+                                  public testing::WithParamInterface<const char*> {
+ protected:
+  ConnectionPageInALanguage() {
+    qt::EnsureApplication();  // Else it would follow the desktop when the window opens.
+    ChooseLanguage(GetParam());
+  }
+  ~ConnectionPageInALanguage() override { ChooseLanguage({}); }
+};
+
+TEST_P(ConnectionPageInALanguage, ShowsEachOfItsTextsTranslatedAndWhole) {
+  Run([] {
+    const QDialog& window = *User::GetWindow();
+    EXPECT_EQ(User::FindButton(kDefaultsButtonId)->text().remove(u'&'), qt::Say(kDefaultsLabel));
+    EXPECT_NE(qt::Say(kDefaultsLabel), qt::ToQString(kDefaultsLabel));
+    for (const auto* label : window.findChildren<QLabel*>()) {
+      if (label->isVisible() && !label->text().isEmpty() && label->width() > 0) {
+        EXPECT_LE(label->fontMetrics().horizontalAdvance(label->text()), label->width())
+            << label->text().toStdString();
+      }
+    }
+    for (const auto* box : window.findChildren<QCheckBox*>()) {
+      EXPECT_LE(box->sizeHint().width(), box->width()) << box->text().toStdString();
+    }
+  });
+}
+
+INSTANTIATE_TEST_SUITE_P(Languages, ConnectionPageInALanguage,
+                         testing::Values("de", "es", "fr", "ru", "zh-Hans"));
 
 }  // namespace
