@@ -46,13 +46,17 @@ def catalogue(language):
     return RESOURCES / "translations" / f"{language}.po"
 
 
-def read_catalogue(language):
-    path = catalogue(language)
+def read_entries(path):
+    """Returns {text: translation} of a catalogue. Returns nothing if it is not there."""
     if not path.exists():
         return {}
     entries = re.findall(rf"^msgid ((?:{LITERAL}\s*)+)^msgstr ((?:{LITERAL}\s*)+)",
                          path.read_text(encoding="utf-8"), flags=re.M)
     return {unquoted(text): unquoted(translation) for text, translation in entries}
+
+
+def read_catalogue(language):
+    return read_entries(catalogue(language))
 
 
 def update():
@@ -128,4 +132,5 @@ def main(arguments):
     return 2
 
 
-sys.exit(main(sys.argv[1:]))
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))
