@@ -56,12 +56,20 @@ void FollowDesktopLanguage() {
   // Never destroyed, as the application object may outlive what is static here.
   static auto* const translator = new QTranslator;
   QCoreApplication::removeTranslator(translator);
-  if (!language.empty() &&
-      translator->load(QStringLiteral("qtbase_") + (language == "zh-Hans"
-                                                        ? QStringLiteral("zh_CN")
-                                                        : QString::fromUtf8(language.data(), 2)),
+  if (language.empty()) {
+    return;
+  }
+  const QString name =
+      language == "zh-Hans" ? QStringLiteral("zh_CN") : QString::fromUtf8(language.data(), 2);
+  if (translator->load(QStringLiteral("qtbase_") + name,
                        QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
     QCoreApplication::installTranslator(translator);
+  }
+  // Who reads German reads "1,5 s" and "14. März", even if the desktop's own dates are English.
+  constexpr int kMarch = 3;
+  const QLocale locale(name);
+  if (QLocale::system().monthName(kMarch) != locale.monthName(kMarch)) {
+    QLocale::setDefault(locale);
   }
 }
 

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <QDialog>
+#include <QLocale>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -25,6 +26,10 @@ class GermanDesktop : public testing::Test {
 
 TEST_F(GermanDesktop, HasOurOwnTextsInGerman) {
   EXPECT_EQ(qt::Say(resources::kTagsTitle), QStringLiteral("Anrufnamen"));
+}
+
+TEST_F(GermanDesktop, WritesNumbersAsGermansDo) {
+  EXPECT_EQ(QLocale().toString(1.5), QStringLiteral("1,5"));
 }
 
 TEST_F(GermanDesktop, HasTheButtonsOfTheWindowLibraryInGerman) {
