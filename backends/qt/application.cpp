@@ -37,8 +37,8 @@ void EnsureApplication() {
     static_cast<void>(application);
   }
   // Once for a process: which language the desktop has is read once, too.
-  static const bool isFollowed = (FollowDesktopLanguage(), true);
-  static_cast<void>(isFollowed);
+  static const bool kIsFollowed = (FollowDesktopLanguage(), true);
+  static_cast<void>(kIsFollowed);
 }
 
 // The desktop has a list of languages, the one that the user prefers first. English in it ends the
@@ -54,16 +54,16 @@ void FollowDesktopLanguage() {
   }
   resources::ChooseLanguage(language);
   // Never destroyed, as the application object may outlive what is static here.
-  static auto* const translator = new QTranslator;
-  QCoreApplication::removeTranslator(translator);
+  static auto* const kTranslator = new QTranslator;
+  QCoreApplication::removeTranslator(kTranslator);
   if (language.empty()) {
     return;
   }
   const QString name =
       language == "zh-Hans" ? QStringLiteral("zh_CN") : QString::fromUtf8(language.data(), 2);
-  if (translator->load(QStringLiteral("qtbase_") + name,
-                       QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
-    QCoreApplication::installTranslator(translator);
+  if (kTranslator->load(QStringLiteral("qtbase_") + name,
+                        QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+    QCoreApplication::installTranslator(kTranslator);
   }
   // Who reads German reads "1,5 s" and "14. März", even if the desktop's own dates are English.
   constexpr int kMarch = 3;
