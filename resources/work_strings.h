@@ -24,7 +24,7 @@ inline constexpr std::u16string_view kOldTagRemains =
     u"The new voice tag was learned. The earlier one could not be deleted and is still there.";
 inline constexpr std::u16string_view kNotInTrash = u"The voice tag is not in the trash any more.";
 inline constexpr std::u16string_view kNoSuchTag = u"This voice tag does not exist any more.";
-/// With as many tags as there can be, the earlier one has to go first.
+/// What is deleted or replaced could not be brought back.
 inline constexpr std::u16string_view kDiskTooFull = u"The disk is full. Nothing was changed.";
 
 // What a user of the window can do. It follows a reason.

@@ -28,8 +28,8 @@ using Names = std::vector<std::u16string>;
 /// No such file can be made, so the page has no loudspeaker: the user has heard the take already.
 constexpr const char* kNoSpeaker = "/dev/null/speaker";
 
-/// Enough for a recording of three seconds, its template, and the copy of another tag.
-constexpr std::uintmax_t kRoomForTag = 1'000'000;
+/// Enough for the copy of a tag in the trash.
+constexpr std::uintmax_t kRoomForCopy = 100'000;
 
 std::u16string InWords(std::u16string_view english) {
   return std::u16string(resources::Say(english));
@@ -154,10 +154,12 @@ std::u16string Record(session::Session& session, session::PageRun& run) {
   return {};
 }
 
-bool HasRoom(const session::Session& session) {
+/// Without room for copies, the page would first empty the trash, which may hold what was deleted a
+/// moment ago, and then destroy what it is to delete. Nobody could undo that.
+bool HasRoom(const session::Session& session, std::uintmax_t room, std::size_t copies) {
   std::error_code error;
   const auto space = fs::space(session.GetRegistryPath().parent_path(), error);
-  return !error && space.available >= kRoomForTag;
+  return !error && space.available >= room + copies * kRoomForCopy;
 }
 
 /// Puts back a tag that had to go before the lesson, which failed. The page has the mutex.
@@ -177,13 +179,13 @@ void PutBack(session::Session& session, const std::u16string& tag) {
 /// Teaches on the open page. The earlier tag goes after the new one has come, so that nothing is
 /// lost if that fails. With as many tags as there can be it has to go before, and comes back.
 void TeachOnPage(session::Session& session, session::PageRun& run, const Lesson& lesson,
-                 TaughtTag& taught) {
+                 std::uintmax_t room, TaughtTag& taught) {
   if (!Choose(run, lesson)) {
     taught.outcome.message = InWords(resources::kContactNotFound);
     return;
   }
   const bool isFull = !lesson.replaced.empty() && run.page.GetTags().tagCount >= storage::kMaxTags;
-  if (isFull && !HasRoom(session)) {
+  if (!lesson.replaced.empty() && !HasRoom(session, room, 1)) {
     taught.outcome.message = InWords(resources::kDiskTooFull);
     return;
   }
@@ -231,6 +233,10 @@ DeletedTags PageTasks::Delete(const Names& tags) {
   Gathering gathering;
   OpenPage(m_options, gathering, session::Contacts::kOptional,
            [&](session::Session& session, session::PageRun& run) {
+             if (!HasRoom(session, m_room, tags.size())) {
+               deleted.outcome.message = InWords(resources::kDiskTooFull);
+               return;
+             }
              deleted.outcome.isDone = true;
              for (const std::u16string& tag : tags) {
                deleted.outcome.isDone &= DeleteLine(session, run, tag);
@@ -298,7 +304,7 @@ TaughtTag PageTasks::Teach(const Lesson& lesson) {
   OpenPage(
       options, gathering, session::Contacts::kNeeded,
       [&](session::Session& session, session::PageRun& run) {
-        TeachOnPage(session, run, lesson, taught);
+        TeachOnPage(session, run, lesson, m_room, taught);
       },
       &microphone);
   taught.outcome.message = taught.outcome.message.empty()

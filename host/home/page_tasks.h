@@ -32,8 +32,13 @@ struct TaughtTag {
 /// its mutex, only meanwhile. Used by one thread at a time.
 class PageTasks {
  public:
-  /// `options` outlive this.
-  explicit PageTasks(const machine::Options& options) : m_options(options) {}
+  /// Enough for a recording of three seconds, its template, and what the page writes meanwhile.
+  static constexpr std::uintmax_t kRoomForTag = 1'000'000;
+
+  /// `options` outlive this. Nothing is deleted if the disk has less room than `room`, in bytes,
+  /// and the copies for Undo.
+  explicit PageTasks(const machine::Options& options, std::uintmax_t room = kRoomForTag)
+      : m_options(options), m_room(room) {}
 
   [[nodiscard]] DeletedTags Delete(const std::vector<std::u16string>& tags);
   [[nodiscard]] Outcome Restore(const std::vector<std::u16string>& trashed);
@@ -41,6 +46,7 @@ class PageTasks {
 
  private:
   const machine::Options& m_options;
+  const std::uintmax_t m_room;
   /// When the recordings of deleted tags were written, by the files in the trash. A tag that comes
   /// back was taught when it was taught.
   std::map<std::u16string, std::filesystem::file_time_type> m_writingTimes;

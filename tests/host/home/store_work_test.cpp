@@ -3,9 +3,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <ctime>
+#include <limits>
 #include <thread>
 
+#include "host/home/page_tasks.h"
 #include "platform/threads.h"
 #include "tags/page_one.h"
 #include "tests/host/home/work_fixture.h"
@@ -186,6 +189,24 @@ TEST_F(StoreWorkTest, SeveralTagsGoTogetherAndComeBackAsTheyWere) {
   EXPECT_THAT(m_shelf->tags, SizeIs(3));
   EXPECT_TRUE(std::filesystem::last_write_time(Wave(tags[0])) == lastWeek)
       << "it was taught when it was taught";
+}
+
+TEST_F(StoreWorkTest, IfTheDiskHasNoRoomForTheirCopiesNoTagIsDeletedOrTaughtAgain) {
+  Begin();
+  const Names tags{TeachAnn(), TeachBob()};
+  PageTasks tasks(m_options, std::numeric_limits<std::uintmax_t>::max() / 2);
+  const DeletedTags deleted = tasks.Delete(tags);
+  EXPECT_FALSE(deleted.outcome.isDone);
+  EXPECT_EQ(deleted.outcome.message, u"The disk is full. Nothing was changed.");
+  EXPECT_THAT(deleted.trashed, IsEmpty());
+  const TaughtTag taught = tasks.Teach({Oid(u"Ann Lee"), u"Mobile", Sample("anna_2.wav"), tags[0]});
+  EXPECT_FALSE(taught.outcome.isDone);
+  EXPECT_EQ(taught.outcome.message, u"The disk is full. Nothing was changed.");
+  m_work->Load();
+  Await([this] { return m_loads > 3; });
+  EXPECT_THAT(m_shelf->tags, SizeIs(2));
+  EXPECT_TRUE(HasFiles(tags[0]));
+  EXPECT_TRUE(HasFiles(tags[1]));
 }
 
 TEST_F(StoreWorkTest, WhatIsNotInTheTrashAnyMoreIsNotRestored) {
