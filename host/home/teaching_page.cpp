@@ -131,11 +131,11 @@ void TeachingPage::Record() {
   m_panel->ShowProgress({});
 }
 
-void TeachingPage::OnHeard(const HeardTake& take) {
-  m_take = take;
-  m_state = take.IsLearnable() ? State::kHeard : State::kReady;
+void TeachingPage::OnHeard(HeardTake take) {
+  m_take = std::move(take);
+  m_state = m_take.IsLearnable() ? State::kHeard : State::kReady;
   m_panel->ShowTake(m_take);
-  if (take.IsLearnable()) {
+  if (m_take.IsLearnable()) {
     m_work.Compare(ToLesson(), [self = QPointer<TeachingPage>(this),
                                 lesson = m_lesson](const std::vector<std::u16string>& alike) {
       if (self && self->m_lesson == lesson && self->m_state == State::kHeard) {
@@ -237,8 +237,7 @@ void TeachingPage::Keep() {
 
 void TeachingPage::OnTaught(const Outcome& outcome) {
   if (!outcome.isDone) {
-    m_state = State::kHeard;
-    m_panel->ShowTake(m_take);
+    OnHeard(m_take);  // The other tags may have changed, so it is compared again.
     m_frame.Report({.isDone = false,
                     .message = outcome.message.empty() ? qt::ToText(Say(resources::kNotLearned))
                                                        : outcome.message});

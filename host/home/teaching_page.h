@@ -47,7 +47,7 @@ class TeachingPage : public Page {
   [[nodiscard]] std::u16string FindTagOf(const Person& person, const Number& number) const;
   void Leave();
   void Record();
-  void OnHeard(const HeardTake& take);
+  void OnHeard(HeardTake take);
   void OnCompared(const std::vector<std::u16string>& alike);
   void Discard();
   void Hear();

@@ -337,6 +337,17 @@ TEST_F(TeachingPage, SaysWhyANameWasNotLearnedAndKeepsTheTakeForAnotherTry) {
   EXPECT_EQ(m_work.taught[1].wave, support::WaveFile(Spoken()));
 }
 
+TEST_F(TeachingPage, NamesWhoseNameIsTooAlikeAlsoAfterATakeThatCouldNotBeKept) {
+  Say();
+  m_work.endComparing({u"100"});
+  Click("keep");
+  m_work.endTeaching({false, u"The tags are in use."}, u"", {});
+  ASSERT_THAT(m_work.compared, SizeIs(2));
+  m_work.endComparing({u"100"});
+  EXPECT_EQ(Text("verdicts"), "It sounds like Anna Berg. The dialer may take one for the other.");
+  EXPECT_TRUE(IsOffered("playBoth"));
+}
+
 TEST_F(TeachingPage, ShowsPeopleAndLessonSideBySideOnlyIfThereIsRoom) {
   auto* const people = Find<QListView>("people");
   Choose("robert");
