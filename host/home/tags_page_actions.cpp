@@ -188,9 +188,9 @@ void TagsPage::Delete() {
   if (tags.empty()) {
     return;
   }
-  const Tag* const first = GetCurrent();
-  const QString name =
-      first != nullptr && tags.size() == 1 ? qt::ToQString(first->contact) : QString();
+  // The keyboard may be on another tag than the one that is selected.
+  const auto first = std::ranges::find(m_shelf->tags, tags.front(), &Tag::name);
+  const QString name = first != m_shelf->tags.end() ? qt::ToQString(first->contact) : QString();
   m_bar.Clear();
   m_work.Delete(tags, [this, name, count = static_cast<qulonglong>(tags.size())](
                           const Outcome& outcome, const std::vector<std::u16string>& trashed) {
@@ -219,7 +219,11 @@ void TagsPage::Undo() {
     if (!outcome.isDone || !outcome.message.empty()) {
       m_frame.Report(outcome);
     } else {
-      m_bar.Show(Say(count == 1 ? resources::kOneRestored : resources::kManyRestored));
+      // Another address book may have been chosen meanwhile, which does not have the person.
+      const QString done = Say(count == 1 ? resources::kOneRestored : resources::kManyRestored);
+      m_bar.Show(m_shelf->peopleProblem.empty()
+                     ? done
+                     : done + u'\n' + qt::ToQString(m_shelf->peopleProblem));
     }
     m_list->setFocus();
   });

@@ -347,6 +347,31 @@ TEST_F(TagsWindow, DeletesWithAWayBack) {
   EXPECT_EQ(Message(), "The voice tag is back.");
 }
 
+TEST_F(TagsWindow, NamesTheTagThatWasDeletedIfTheKeyboardIsOnAnother) {
+  OpenFull();
+  Choose("Anna Berg");
+  Press(Qt::Key_Down, Qt::ControlModifier);
+  ASSERT_NE(Current(), "Anna Berg");
+  ASSERT_EQ(Selected(), QStringList(QStringLiteral("Anna Berg")));
+  Press(Qt::Key_Delete);
+  EXPECT_EQ(m_work.deleted, Names{u"11"});
+  m_work.EndDeleting({true, {}}, {u"trashed"});
+  EXPECT_EQ(Message(), "Voice tag deleted: Anna Berg");
+}
+
+TEST_F(TagsWindow, SaysIfATagThatIsBackBelongsToNobodyOfTheAddressBook) {
+  OpenFull();
+  Choose("Anna Berg");
+  Press(Qt::Key_Delete);
+  m_work.EndDeleting({true, {}}, {u"trashed"});
+  Find<QPushButton>("messageAction")->click();
+  home::Shelf shelf = MakeShelf();
+  shelf.peopleProblem = u"Voice tags belong to other people.";
+  m_work.Show(shelf);
+  m_work.EndRestoring({true, {}});
+  EXPECT_EQ(Message(), "The voice tag is back.\nVoice tags belong to other people.");
+}
+
 TEST_F(TagsWindow, UndoesByItsKeysOnceAndAlsoAfterTheBarIsClosed) {
   OpenFull();
   Choose("Anna Berg");
