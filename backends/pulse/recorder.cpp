@@ -19,6 +19,11 @@ constexpr StreamLabel kRecordLabel{"Recording of a name", "audio-input-microphon
 // recording can still be on its way when the recording time is over.
 constexpr pa_usec_t kFragment = 20 * PA_USEC_PER_SEC / 1000;
 
+// If a microphone is unplugged, the server would go on with another source, even with the monitor
+// of a loudspeaker. Half of a name and then silence is no recording.
+constexpr auto kFlags =
+    static_cast<pa_stream_flags_t>(PA_STREAM_ADJUST_LATENCY | PA_STREAM_DONT_MOVE);
+
 constexpr std::uint32_t kLengthOfServersChoice = std::numeric_limits<std::uint32_t>::max();
 
 }  // namespace
@@ -33,7 +38,7 @@ Result<void> Recorder::Connect(std::unique_ptr<Connection> connection, const std
     attributes.maxlength = kLengthOfServersChoice;
     attributes.fragsize = static_cast<std::uint32_t>(pa_usec_to_bytes(kFragment, &sampleSpec));
     return pa_stream_connect_record(stream, source.empty() ? nullptr : source.c_str(), &attributes,
-                                    PA_STREAM_ADJUST_LATENCY);
+                                    kFlags);
   };
   return m_stream->Start(kRecordLabel, sampleSpec, connect, deadline);
 }

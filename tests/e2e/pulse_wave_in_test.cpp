@@ -237,6 +237,18 @@ TEST_F(PulseWaveIn, MicrophoneUnpluggedHalfWayLeavesWhatArrived) {
   ExpectToEndAtOnce();
 }
 
+TEST_F(PulseWaveIn, UnpluggedMicrophoneIsLostAndNotReplacedByAMonitorHalfWay) {
+  StartServer({.input = PulseInput::kPipeBesideMonitor});
+  const PipeMicrophone microphone(m_server->Pipe(), 11025, 1);
+  Recording recording(kThreeSeconds);
+  ASSERT_NO_FATAL_FAILURE(BeginLongRecording(recording));
+
+  ASSERT_EQ(std::system("pactl unload-module module-pipe-source"), 0);
+  EXPECT_EQ(e2e::UnprepareWhilePlaying(*m_device, recording.header), WaveResult::kNoDevice);
+  EXPECT_LT(recording.header.bytesRecorded, kThreeSeconds);
+  ExpectToEndAtOnce();
+}
+
 TEST_F(PulseWaveIn, TwoRecordAtTheSameTime) {
   StartServer();
   const PipeMicrophone microphone(m_server->Pipe(), 11025, 1);
