@@ -85,5 +85,5 @@ include(CPack)
 add_custom_target(
   package
   COMMAND ${CMAKE_CPACK_COMMAND} --config "${PROJECT_BINARY_DIR}/package.cmake"
-  DEPENDS ${programs} voxtrel_cpl voxtrel_ebook rendered_pictures documents changelog
+  DEPENDS ${programs} voxtrel_cpl voxtrel_ebook rendered_pictures help_pages documents changelog
   USES_TERMINAL VERBATIM)
