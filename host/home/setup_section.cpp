@@ -1,5 +1,6 @@
 #include "host/home/setup_section.h"
 
+#include <QEvent>
 #include <QLabel>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -86,7 +87,21 @@ LiveLabel* SetupSection::AddNews() {
   return label;
 }
 
-void SetupSection::AddControl(QWidget* control) { m_body->addWidget(control); }
+void SetupSection::AddControl(QWidget* control) {
+  if (control->focusPolicy() == Qt::WheelFocus) {
+    control->setFocusPolicy(Qt::StrongFocus);
+  }
+  control->installEventFilter(this);
+  m_body->addWidget(control);
+}
+
+bool SetupSection::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::Wheel) {
+    event->ignore();  // So the page gets it.
+    return true;
+  }
+  return QWidget::eventFilter(watched, event);
+}
 
 QPushButton* SetupSection::AddButton(std::u16string_view text, const char* name,
                                      std::function<void()> act) {

@@ -36,7 +36,8 @@ class SetupSection : public QWidget {
   QLabel* AddText(const QString& text);
   /// Adds a text that screen readers say when it changes.
   LiveLabel* AddNews();
-  /// Adds a control as wide as the section.
+  /// Adds a control as wide as the section. A wheel over it scrolls the page: a list that took it
+  /// would choose something while the user only scrolls.
   void AddControl(QWidget* control);
   /// Makes a button of the row of buttons, which is where the first one was made. ShowButtons shows
   /// it.
@@ -51,6 +52,8 @@ class SetupSection : public QWidget {
   /// Shows the text, or gives its room away if it is empty.
   static void ShowText(QLabel& label, const QString& text);
   static void ShowNews(LiveLabel& label, const QString& text);
+
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   QVBoxLayout* m_body;

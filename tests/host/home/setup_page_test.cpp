@@ -4,6 +4,8 @@
 
 #include <QAccessible>
 #include <QScrollArea>
+#include <QScrollBar>
+#include <QWheelEvent>
 
 #include "host/home/level_meter.h"
 #include "storage/device_paths.h"
@@ -180,6 +182,27 @@ TEST_F(SetupPageTest, LanguagesHaveTheirOwnNamesAndAreChosenAndTakenBack) {
   QTest::keyClick(languages, Qt::Key_Home);
   AwaitText("languageNews", "The settings sheet is in English now.");
   EXPECT_FALSE(std::filesystem::exists(file));
+}
+
+TEST_F(SetupPageTest, TheWheelScrollsOverAListAndChoosesNothing) {
+  m_inputs.Set({{u"built-in", u"Built-in microphone", true}, {u"headset", u"Headset", false}});
+  Open();
+  m_page->resize(400, 300);
+  const auto* const bar = m_page->findChild<QScrollArea*>()->verticalScrollBar();
+  ASSERT_TRUE(Await([&] { return bar->maximum() > 500; }));
+  for (const char* const name : {"inputs", "languages"}) {
+    auto* const list = Find<QComboBox>(name);
+    ASSERT_TRUE(Await([&] { return list->count() > 2; }));
+    list->setFocus();
+    const int before = bar->value();
+    const QPointF middle = QRectF(list->rect()).center();
+    QWheelEvent wheel(middle, list->mapToGlobal(middle), {}, {0, -120}, Qt::NoButton, {},
+                      Qt::NoScrollPhase, false);
+    QSpontaneKeyEvent::setSpontaneous(&wheel);  // Only what a user does is handed on to a parent.
+    qApp->notify(list, &wheel);
+    EXPECT_EQ(list->currentIndex(), 0) << name;
+    EXPECT_GT(bar->value(), before) << name;
+  }
 }
 
 TEST_F(SetupPageTest, ALanguageFileOfTheUsersOwnIsReplacedOnlyIfTheUserAgreesAndIsKept) {
