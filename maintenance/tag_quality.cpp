@@ -43,6 +43,7 @@ class TagJudge {
                        .nearest = likeness.nearest};
     quality.hasUnreadFile = quality.take == platform::Failure(voicemath::ReviewError::kNotRead) ||
                             (index < m_tags.size() && m_templates[index] == TemplateState::kUnread);
+    quality.hasNoTemplate = index < m_tags.size() && m_templates[index] == TemplateState::kNone;
     if (quality.take && !quality.tooAlike.empty()) {
       quality.take->Add(voicemath::Verdict::kTooAlike);
     }

@@ -69,6 +69,10 @@ QString DescribeVerdict(Verdict verdict, const voicemath::TakeQuality& quality) 
   }
 }
 
+bool IsJudged(const maintenance::TagQuality& quality) {
+  return quality.take && !quality.hasUnreadFile && !quality.hasNoTemplate;
+}
+
 QString NameQuality(const maintenance::TagQuality& quality) {
   if (quality.take && !quality.take->verdicts.empty()) {
     return NameVerdict(quality.take->verdicts.front());
@@ -76,13 +80,12 @@ QString NameQuality(const maintenance::TagQuality& quality) {
   if (!quality.tooAlike.empty()) {
     return Say(resources::kQualityTooAlike);
   }
-  return Say(quality.take && !quality.hasUnreadFile ? resources::kQualityGood
-                                                    : resources::kQualityUnknown);
+  return Say(IsJudged(quality) ? resources::kQualityGood : resources::kQualityUnknown);
 }
 
 QStringList DescribeQuality(const Tag& tag, const std::vector<Tag>& tags) {
   QStringList sentences;
-  if (!tag.quality.take || tag.quality.hasUnreadFile) {
+  if (!IsJudged(tag.quality)) {
     sentences.append(Say(resources::kTagIsNotJudged));
   }
   if (tag.quality.take) {

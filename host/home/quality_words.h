@@ -17,6 +17,10 @@ namespace home {
 [[nodiscard]] QString DescribeVerdict(voicemath::Verdict verdict,
                                       const voicemath::TakeQuality& quality);
 
+/// Returns whether all of the tag could be judged: it has its template, and each file could be
+/// read.
+[[nodiscard]] bool IsJudged(const maintenance::TagQuality& quality);
+
 /// Returns one or two words for a tag: what hinders most, or that it is good.
 [[nodiscard]] QString NameQuality(const maintenance::TagQuality& quality);
 

@@ -45,7 +45,7 @@ Grade GradeOf(const Tag& tag) {
   if ((tag.quality.take && !tag.quality.take->verdicts.empty()) || !tag.quality.tooAlike.empty()) {
     return Grade::kWarning;
   }
-  return tag.quality.take && !tag.quality.hasUnreadFile ? Grade::kGood : Grade::kUnknown;
+  return IsJudged(tag.quality) ? Grade::kGood : Grade::kUnknown;
 }
 
 void TagModel::Show(std::shared_ptr<const Shelf> shelf) {

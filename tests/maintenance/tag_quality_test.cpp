@@ -176,6 +176,19 @@ TEST_F(TagQualityTest, WhatIsMissingOrDamagedIsNotUnread) {
   EXPECT_EQ(std::ranges::count(Judge(), true, &TagQuality::hasUnreadFile), 0);
 }
 
+TEST_F(TagQualityTest, ATemplateThatIsMissingOrDamagedIsKnownAsNone) {
+  Learn(u"100", 1, 17);
+  Learn(u"200", 1, 18);
+  Learn(u"300", 1, 19);
+  EXPECT_EQ(std::ranges::count(Judge(), true, &TagQuality::hasNoTemplate), 0);
+  ASSERT_TRUE(m_machine.files.Delete(storage::TemplatePath(u"100")));
+  ASSERT_TRUE(m_machine.files.PutFile(storage::TemplatePath(u"200"), support::Bytes(3)));
+  const auto qualities = Judge();
+  EXPECT_TRUE(qualities[0].hasNoTemplate);
+  EXPECT_TRUE(qualities[1].hasNoTemplate);
+  EXPECT_FALSE(qualities[2].hasNoTemplate);
+}
+
 TEST_F(TagQualityTest, OneTagIsJudgedAsAmongAll) {
   Learn(u"100", 1, 17);
   Learn(u"200", 1, 18);

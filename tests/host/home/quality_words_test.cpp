@@ -52,11 +52,15 @@ TEST(QualityWords, CallATagGoodOnlyIfItsFilesCouldBeRead) {
   Tag tag = TagWith({});
   EXPECT_EQ(home::DescribeQuality(tag, {tag}),
             QStringList(QStringLiteral("The recording is good.")));
-  tag.quality.hasUnreadFile = true;
-  EXPECT_EQ(home::NameQuality(tag.quality), QStringLiteral("Not judged"));
-  EXPECT_EQ(home::DescribeQuality(tag, {tag}),
-            QStringList(QStringLiteral(
-                "The tag cannot be judged, since one of its files cannot be read.")));
+  for (bool maintenance::TagQuality::*const problem :
+       {&maintenance::TagQuality::hasUnreadFile, &maintenance::TagQuality::hasNoTemplate}) {
+    tag = TagWith({});
+    tag.quality.*problem = true;
+    EXPECT_EQ(home::NameQuality(tag.quality), QStringLiteral("Not judged"));
+    EXPECT_EQ(home::DescribeQuality(tag, {tag}),
+              QStringList(QStringLiteral(
+                  "The tag cannot be judged, since one of its files cannot be read.")));
+  }
 }
 
 }  // namespace
