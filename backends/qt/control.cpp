@@ -226,7 +226,7 @@ void Place(Control& control, Pictures& pictures) {
     const int line = std::max(1, control.combo->fontMetrics().height() + 2);
     control.combo->setMaxVisibleItems(std::max(kFewestLines, (dropped - place.height()) / line));
   } else if (control.description.kind == ControlKind::kPicture) {
-    const QSizeF size = pictures.GetSize(control.description.id) * kScale;
+    const QSizeF size = pictures.GetSize(control.description.id) * Scale();
     place.setSize(size.isEmpty() ? place.size() : size.toSize());
   }
   control.room = place.width();

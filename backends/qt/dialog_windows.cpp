@@ -1,11 +1,15 @@
 #include "backends/qt/dialog_windows.h"
 
+#include <QApplication>
 #include <QComboBox>
 #include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
 #include <QShortcut>
+#include <QStyle>
 #include <QTabBar>
 #include <QTabWidget>
 #include <QVBoxLayout>
@@ -16,6 +20,62 @@
 #include "platform/dialog.h"
 
 namespace qt {
+namespace {
+
+// In pixels of the device.
+constexpr double kSheetMargin = 6;
+constexpr double kOkWidth = 56;
+constexpr double kOkHeight = 21;
+constexpr double kAroundTab = 12;  ///< Above and below its letters.
+/// Of the desktop's own: a title bar and edges.
+constexpr QSize kChrome(4, 32);
+
+/// Tabs take the size that an area would like to have, which is not the one that it is given.
+class FixedScrollArea final : public QScrollArea {
+ public:
+  using QScrollArea::QScrollArea;
+  [[nodiscard]] QSize sizeHint() const override { return maximumSize(); }
+};
+
+/// Returns `widget` if it fits into `room`. Otherwise returns an area of that size in which the
+/// widget scrolls. The control with the focus is always in sight.
+QWidget* FitInto(QSize room, QWidget& widget) {
+  if (widget.width() <= room.width() && widget.height() <= room.height()) {
+    return &widget;
+  }
+  auto* const area = new FixedScrollArea(widget.parentWidget());
+  area->setObjectName(QStringLiteral("scrolled"));
+  area->setFrameShape(QFrame::NoFrame);
+  area->setFocusPolicy(Qt::NoFocus);
+  area->setWidget(&widget);
+  // A bar at one side takes some of the room at the other.
+  const int bar = area->style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+  const bool isTooHigh = widget.height() > room.height();
+  const bool isTooWide = widget.width() + (isTooHigh ? bar : 0) > room.width();
+  area->setFixedSize(
+      QSize(widget.width() + (isTooHigh ? bar : 0), widget.height() + (isTooWide ? bar : 0))
+          .boundedTo(room));
+  QObject::connect(qApp, &QApplication::focusChanged, area,
+                   [area](const QWidget* /*from*/, QWidget* to) {
+                     if (to != nullptr && area->widget()->isAncestorOf(to)) {
+                       const QRect rect(to->mapTo(area->widget(), QPoint()), to->size());
+                       area->ensureVisible(rect.center().x(), rect.center().y(),
+                                           rect.width() / 2 + 1, rect.height() / 2 + 1);
+                     }
+                   });
+  return area;
+}
+
+QSize GetRoom(const QWidget& window) {
+  return window.screen()->availableGeometry().size() - kChrome;
+}
+
+/// Returns the library's own word for one of its buttons.
+QString WordOfLibrary(const char* english) {
+  return QCoreApplication::translate("QPlatformTheme", english);
+}
+
+}  // namespace
 
 DialogFrame::DialogFrame(const resources::DialogTemplate& dialog, platform::DialogHandler& handler,
                          UiThread& thread, Pictures& pictures, QWidget* parent)
@@ -25,7 +85,7 @@ DialogFrame::DialogFrame(const resources::DialogTemplate& dialog, platform::Dial
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins({});
   layout->setSizeConstraint(QLayout::SetFixedSize);
-  layout->addWidget(&m_dialog.GetSurface());
+  layout->addWidget(FitInto(GetRoom(*this), m_dialog.GetSurface()));
   if (QPushButton* button = m_dialog.GetDefaultButton()) {
     button->setDefault(true);
   }
@@ -40,20 +100,6 @@ DialogFrame::DialogFrame(const resources::DialogTemplate& dialog, platform::Dial
   }
   m_dialog.SetEndListener([this] { End(); });
 }
-
-namespace {
-
-// In pixels of the device.
-constexpr double kSheetMargin = 6;
-constexpr double kOkWidth = 56;
-constexpr double kOkHeight = 21;
-
-/// Returns the library's own word for one of its buttons.
-QString WordOfLibrary(const char* english) {
-  return QCoreApplication::translate("QPlatformTheme", english);
-}
-
-}  // namespace
 
 QtSheet::QtSheet(std::u16string_view caption, std::span<const platform::SheetPage> pages,
                  platform::SheetHandler& handler, UiThread& thread, Pictures& pictures,
@@ -74,8 +120,8 @@ QtSheet::QtSheet(std::u16string_view caption, std::span<const platform::SheetPag
   layout->setContentsMargins(margin, margin, margin, margin);
   layout->setSpacing(margin);
   layout->setSizeConstraint(QLayout::SetFixedSize);
-  MakeTabs();
   MakeOkButton();
+  MakeTabs();
   MakeTabKeys();
   layout->addWidget(m_tabs);
   m_buttons = new QHBoxLayout;
@@ -107,10 +153,22 @@ void QtSheet::MakeTabs() {
     const auto client = platform::ToPixels({0, 0, page.dialog.width, page.dialog.height});
     largest = largest.expandedTo(ToDesktop(client).size());
   }
+  // On a narrow screen the pages get the room of the margins.
+  const int margin = ToDesktop(kSheetMargin);
+  const int tabs = fontMetrics().height() + ToDesktop(kAroundTab);
+  QSize room = GetRoom(*this) - QSize(0, tabs + m_okButton->height() + 3 * margin);
+  const bool isNarrow = largest.width() + 2 * margin > room.width();
+  if (isNarrow) {
+    m_tabs->setDocumentMode(true);
+    layout()->setContentsMargins(0, margin, 0, margin);
+  } else {
+    room.rwidth() -= 2 * margin;
+  }
   for (const platform::SheetPage& page : m_pages) {
     auto* place = new QWidget;
     place->setFixedSize(largest);
-    m_tabs->addTab(place, WithoutMnemonic(ToQString(page.dialog.caption)));
+    m_places.push_back(place);
+    m_tabs->addTab(FitInto(room, *place), WithoutMnemonic(ToQString(page.dialog.caption)));
   }
 }
 
@@ -182,7 +240,7 @@ void QtSheet::Init() {
 // message boxes, so its controls are in the order of Tab before.
 void QtSheet::ShowPage(std::size_t page) {
   if (!m_shown[page]) {
-    QWidget* place = m_tabs->widget(static_cast<int>(page));
+    QWidget* place = m_places[page];
     m_shown[page] = std::make_unique<QtDialog>(m_pages[page].dialog, m_pages[page].handler,
                                                m_thread, m_pictures, place);
     OrderTabs();

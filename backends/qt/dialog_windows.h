@@ -75,6 +75,7 @@ class QtSheet final : public Frame, public platform::SheetWindow {
   UiThread& m_thread;
   Pictures& m_pictures;
   QTabWidget* m_tabs = nullptr;                    ///< A child.
+  std::vector<QWidget*> m_places;                  ///< Of the pages, within the tabs.
   QHBoxLayout* m_buttons = nullptr;                ///< Of the layout: OK and Cancel.
   QPushButton* m_okButton = nullptr;               ///< A child.
   QPushButton* m_cancelButton = nullptr;           ///< A child; null if there is none.

@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QFile>
 #include <QFontDatabase>
+#include <QFontInfo>
 #include <QFontMetricsF>
 #include <QPainter>
 #include <QProxyStyle>
@@ -156,7 +157,27 @@ class Look final : public QProxyStyle {
 
 }  // namespace
 
+namespace {
+
+constexpr double kUsualScale = 1.5;
+double g_scale = kUsualScale;
+
+/// Letters of every desktop's default have at most this size.
+constexpr double kUsualPoints = 11;
+constexpr double kLargestScale = 3;
+
+/// In quarters, so that lines and edges stay sharp.
+double ScaleFor(double points) {
+  const double quarters = std::round(4 * kUsualScale * points / kUsualPoints);
+  return std::clamp(quarters / 4, kUsualScale, kLargestScale);
+}
+
+}  // namespace
+
+double Scale() { return g_scale; }
+
 void ApplyLook() {
+  g_scale = ScaleFor(QFontInfo(QApplication::font()).pointSizeF());
   static bool isApplied = false;
   if (!isApplied) {
     isApplied = true;
@@ -237,7 +258,7 @@ QFont MakeFont(const platform::Font& font) {
   made.setPixelSize(kProbe);
   const QFontMetricsF metrics(made);
   const double line = metrics.ascent() + metrics.descent();
-  const double size = font.height * kScale * kProbe / line;
+  const double size = font.height * Scale() * kProbe / line;
   made.setPixelSize(std::max(1, static_cast<int>(std::lround(size))));
   return made;
 }

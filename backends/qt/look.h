@@ -14,13 +14,14 @@
 
 namespace qt {
 
-/// The number of desktop pixels, at 100 %, for one pixel of the device. It makes a line of text
-/// about as high as in other programs of the desktop. The desktop scales its own pixels in
-/// addition.
-inline constexpr double kScale = 1.5;
+/// Returns the number of desktop pixels, at 100 %, for one pixel of the device. With letters of
+/// usual size it is 1.5, which makes a line of text about as high as in other programs of the
+/// desktop. If the user has larger letters, everything grows with them. The desktop scales its own
+/// pixels in addition.
+[[nodiscard]] double Scale();
 
 [[nodiscard]] inline int ToDesktop(double length) {
-  return static_cast<int>(std::lround(length * kScale));
+  return static_cast<int>(std::lround(length * Scale()));
 }
 
 /// Rounds edges and not sizes, so controls that touch on the device touch here too.
@@ -31,13 +32,13 @@ inline constexpr double kScale = 1.5;
 
 /// Returns the pixel of the device under a point of the desktop.
 [[nodiscard]] inline platform::Point ToDevice(const QPointF& point) {
-  return {static_cast<int>(std::floor(point.x() / kScale)),
-          static_cast<int>(std::floor(point.y() / kScale))};
+  return {static_cast<int>(std::floor(point.x() / Scale())),
+          static_cast<int>(std::floor(point.y() / Scale()))};
 }
 
 /// Returns how many pixels of the device a length on the desktop takes.
 [[nodiscard]] inline int ToDevice(double length) {
-  return static_cast<int>(std::ceil(length / kScale));
+  return static_cast<int>(std::ceil(length / Scale()));
 }
 
 /// Returns the font, scaled to the desktop. If its face is not installed, returns the nearest face
@@ -48,7 +49,8 @@ inline constexpr double kScale = 1.5;
 [[nodiscard]] inline QFont DialogFont() { return MakeFont(platform::Font{}); }
 
 /// Gives the application its one style: the style of the library that looks alike on every desktop,
-/// with underlined mnemonics. Further calls do nothing.
+/// with underlined mnemonics. Takes the scale from the size of the desktop's letters. Called before
+/// a window is made.
 void ApplyLook();
 
 /// Draws buttons, boxes and tabs of all windows but message boxes as disabled ones, and gives those

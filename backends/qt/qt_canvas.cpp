@@ -75,7 +75,7 @@ QtCanvas::QtCanvas(QPainter& painter, const platform::Rect& client, Pictures& pi
 // the screen. The screen's pixels are finer than the desktop's if the desktop is scaled.
 double QtCanvas::Snap(double device) const {
   const double ratio = m_painter.device()->devicePixelRatioF();
-  return std::round(device * kScale * ratio) / ratio;
+  return std::round(device * Scale() * ratio) / ratio;
 }
 
 void QtCanvas::DrawLine(platform::Point from, platform::Point to, platform::Color color) {
@@ -83,9 +83,9 @@ void QtCanvas::DrawLine(platform::Point from, platform::Point to, platform::Colo
   if (from.x != to.x && from.y != to.y) {
     m_painter.save();
     m_painter.setRenderHint(QPainter::Antialiasing);
-    m_painter.setPen(QPen(ToQColor(color), kScale, Qt::SolidLine, Qt::SquareCap));
-    m_painter.drawLine(QPointF(from.x + 0.5, from.y + 0.5) * kScale,
-                       QPointF(to.x + 0.5, to.y + 0.5) * kScale);
+    m_painter.setPen(QPen(ToQColor(color), Scale(), Qt::SolidLine, Qt::SquareCap));
+    m_painter.drawLine(QPointF(from.x + 0.5, from.y + 0.5) * Scale(),
+                       QPointF(to.x + 0.5, to.y + 0.5) * Scale());
     m_painter.restore();
     return;
   }
@@ -125,7 +125,7 @@ void QtCanvas::DrawLineOfText(const QPointF& at, std::u16string_view text,
 void QtCanvas::DrawPicture(platform::Point at, int picture) {
   m_painter.save();
   m_painter.translate(Snap(at.x), Snap(at.y));
-  m_painter.scale(kScale, kScale);
+  m_painter.scale(Scale(), Scale());
   m_pictures.Draw(m_painter, {}, picture);
   m_painter.restore();
 }

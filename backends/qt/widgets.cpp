@@ -155,7 +155,7 @@ void PictureButton::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
   painter.setRenderHint(QPainter::Antialiasing);
   painter.save();
-  painter.scale(kScale, kScale);
+  painter.scale(Scale(), Scale());
   m_pictures.Draw(painter, {}, m_picture);
   painter.restore();
   if (hasFocus()) {

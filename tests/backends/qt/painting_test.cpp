@@ -42,11 +42,11 @@ class Painting : public testing::TestWithParam<double> {
     return rows;
   }
   [[nodiscard]] int Scaled(double device) const {
-    return static_cast<int>(std::round(device * qt::kScale * GetParam()));
+    return static_cast<int>(std::round(device * qt::Scale() * GetParam()));
   }
 
-  QImage m_image{static_cast<int>(240 * qt::kScale * GetParam()),
-                 static_cast<int>(271 * qt::kScale * GetParam()), QImage::Format_RGB32};
+  QImage m_image{static_cast<int>(240 * qt::Scale() * GetParam()),
+                 static_cast<int>(271 * qt::Scale() * GetParam()), QImage::Format_RGB32};
   qt::Pictures m_pictures{support::TestPictures()};
 };
 
@@ -116,13 +116,13 @@ INSTANTIATE_TEST_SUITE_P(Scales, Painting, testing::Values(1.0, 1.5, 2.0));
 TEST(Fonts, ALineIsAsHighAsTheFontSays) {
   for (const int height : {12, 13, 14}) {
     const QFontMetricsF metrics(qt::MakeFont({.face = u"Tahoma", .height = height}));
-    EXPECT_NEAR(metrics.ascent() + metrics.descent(), height * qt::kScale, 1.5);
+    EXPECT_NEAR(metrics.ascent() + metrics.descent(), height * qt::Scale(), 1.5);
   }
 }
 
 TEST(Fonts, AFaceThatIsNotThereHasAnotherOfTheSameHeight) {
   const QFontMetricsF metrics(qt::MakeFont({.face = u"No Such Face", .height = 13}));
-  EXPECT_NEAR(metrics.ascent() + metrics.descent(), 13 * qt::kScale, 1.5);
+  EXPECT_NEAR(metrics.ascent() + metrics.descent(), 13 * qt::Scale(), 1.5);
 }
 
 TEST(Fonts, BoldIsBold) {
