@@ -33,7 +33,7 @@ constexpr QSize kChrome(4, 32);
 /// Tabs take the size that an area would like to have, which is not the one that it is given.
 class FixedScrollArea final : public QScrollArea {
  public:
-  using QScrollArea::QScrollArea;
+  explicit FixedScrollArea(QWidget* parent) : QScrollArea(parent) {}
   [[nodiscard]] QSize sizeHint() const override { return maximumSize(); }
 };
 
