@@ -3,6 +3,7 @@
 #include <QDate>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QStandardPaths>
@@ -27,6 +28,13 @@ QString ProposeFile() {
   const QString folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
   return QDir(folder).filePath(
       Say(resources::kBackupName).arg(QDate::currentDate().toString(Qt::ISODate)));
+}
+
+/// Returns the path with the end by which the dialog finds a backup again, unless the user wrote
+/// another one. A file that is there was not shown to the user, and stays.
+QString WithEnd(const QString& path) {
+  const QString whole = path + QStringLiteral(".tar");
+  return QFileInfo(path).suffix().isEmpty() && !QFileInfo::exists(whole) ? whole : path;
 }
 
 /// Returns one of two texts, since languages differ in what follows a number.
@@ -79,11 +87,12 @@ BackupSection::BackupSection(const SetupTools& tools, Errands& errands, QWidget*
 }
 
 void BackupSection::BackUp() {
-  const QString path = m_tools.questions.saveFile(this, Say(resources::kMakeBackup).remove(u'&'),
-                                                  Say(resources::kBackupFilter), ProposeFile());
-  if (path.isEmpty()) {
+  const QString chosen = m_tools.questions.saveFile(this, Say(resources::kMakeBackup).remove(u'&'),
+                                                    Say(resources::kBackupFilter), ProposeFile());
+  if (chosen.isEmpty()) {
     return;
   }
+  const QString path = WithEnd(chosen);
   SetBusy(true);
   ShowNews(*m_news, Say(resources::kBackingUp));
   m_errands.Do(

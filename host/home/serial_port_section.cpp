@@ -26,12 +26,16 @@ std::u16string ReadValue(platform::RegistryKey* key, std::u16string_view name,
 
 QString DescribePort(const std::u16string& name, const std::vector<connection::ActivePort>& ports) {
   const connection::ActivePort* const port = connection::FindPort(ports, name);
+  QString shown = qt::ToQString(name);
+  if (shown.endsWith(u':')) {
+    shown.chop(1);  // The colon belongs to the stored name and to no sentence.
+  }
   if (port == nullptr) {
-    return Say(resources::kPortInUseAway).arg(qt::ToQString(name));
+    return Say(resources::kPortInUseAway).arg(shown);
   }
   const QString device = qt::ToQString(connection::DescribeDevice(*port));
-  return device.isEmpty() ? Say(resources::kPortInUseOnly).arg(qt::ToQString(name))
-                          : Say(resources::kPortInUse).arg(qt::ToQString(name), device);
+  return device.isEmpty() ? Say(resources::kPortInUseOnly).arg(shown)
+                          : Say(resources::kPortInUse).arg(shown, device);
 }
 
 }  // namespace

@@ -1,8 +1,10 @@
 #include "host/home/setup_section.h"
 
+#include <QApplication>
 #include <QEvent>
 #include <QLabel>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QVBoxLayout>
 #include <utility>
 
@@ -146,9 +148,25 @@ void SetupSection::ShowText(QLabel& label, const QString& text) {
   label.setVisible(!text.isEmpty());
 }
 
+// What the user has asked for in this section must not be answered below the edge of the window.
+// What a section says by itself scrolls nothing.
 void SetupSection::ShowNews(LiveLabel& label, const QString& text) {
   label.setVisible(!text.isEmpty());
   label.Announce(text);
+  const QWidget* const focused = QApplication::focusWidget();
+  if (text.isEmpty() || focused == nullptr || !label.parentWidget()->isAncestorOf(focused)) {
+    return;
+  }
+  QMetaObject::invokeMethod(
+      &label,
+      [&label] {
+        for (QWidget* widget = label.parentWidget(); widget; widget = widget->parentWidget()) {
+          if (auto* const area = qobject_cast<QScrollArea*>(widget)) {
+            area->ensureWidgetVisible(&label);
+          }
+        }
+      },
+      Qt::QueuedConnection);
 }
 
 }  // namespace home

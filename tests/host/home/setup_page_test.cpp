@@ -233,7 +233,7 @@ TEST_F(SetupPageTest, ThePortOfTheDialerIsShownAndItsWindowOpened) {
               std::nullopt);
   }
   Open();
-  AwaitText("portInUse", "Port COM98: is not connected.");
+  AwaitText("portInUse", "Port COM98 is not connected.");
   EXPECT_EQ(Text("lineSettings"),
             "Speed: 9600 baud. Data bits: 8. Stop bits: 1. Flow control: none.");
   Press("changePort");
@@ -306,6 +306,25 @@ TEST_F(SetupPageTest, ABackupBringsBackWhatWasLost) {
   AwaitText("backupNews", "1 voice tag came back.");
   EXPECT_TRUE(std::filesystem::exists(TemplateOf(tag)));
   EXPECT_TRUE(m_questions.isEmpty());
+}
+
+TEST_F(SetupPageTest, ABackupGetsTheEndByWhichItIsFoundAgain) {
+  Open();
+  m_file = QPath("all");
+  Press("backUp");
+  AwaitText("backupNews", "0 voice tags were backed up to");
+  EXPECT_TRUE(std::filesystem::exists(Path("all.tar")));
+  EXPECT_FALSE(std::filesystem::exists(Path("all")));
+}
+
+TEST_F(SetupPageTest, ABackupReplacesNoFileThatTheUserDidNotName) {
+  std::ofstream(Path("all.tar")) << "mine";
+  Open();
+  m_file = QPath("all");
+  Press("backUp");
+  AwaitText("backupNews", "0 voice tags were backed up to");
+  EXPECT_EQ(std::filesystem::file_size(Path("all.tar")), 4U);
+  EXPECT_TRUE(std::filesystem::exists(Path("all")));
 }
 
 TEST_F(SetupPageTest, WhatARestoreWouldReplaceStaysUnlessTheUserAgrees) {
