@@ -301,15 +301,22 @@ TaughtTag PageTasks::Teach(const Lesson& lesson) {
   wave_file::FileWaveIn microphone(lesson.wave);
   const TrashWatch watch(m_options);
   Gathering gathering;
+  // What the page says while it opens, such as of a number of somebody else, is none of this
+  // lesson's, unless nothing comes of it.
+  std::u16string ofOpening;
   OpenPage(
       options, gathering, session::Contacts::kNeeded,
       [&](session::Session& session, session::PageRun& run) {
+        ofOpening = gathering.GetText();
+        gathering.Clear();
         TeachOnPage(session, run, lesson, m_room, taught);
       },
       &microphone);
-  taught.outcome.message = taught.outcome.message.empty()
-                               ? gathering.GetText()
-                               : Join(taught.outcome.message, gathering.GetText());
+  for (const std::u16string& said :
+       {taught.outcome.isDone ? std::u16string() : ofOpening, gathering.GetText()}) {
+    taught.outcome.message =
+        taught.outcome.message.empty() ? said : Join(taught.outcome.message, said);
+  }
   if (!lesson.replaced.empty()) {
     taught.trashed = FilesOf(watch.FindNew({lesson.replaced}));
   }

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <ctime>
 #include <limits>
+#include <optional>
 #include <thread>
 
 #include "host/home/page_tasks.h"
@@ -72,6 +73,19 @@ TEST_F(StoreWorkTest, ALessonBecomesATagThatTheShelfHasBeforeItsAnswerComes) {
   EXPECT_TRUE(tag.quality.take.has_value());
   EXPECT_TRUE(HasFiles(made));
   EXPECT_FALSE(std::filesystem::exists(m_options.speaker)) << "nothing was played";
+}
+
+TEST_F(StoreWorkTest, WhatIsWrongWithSomebodyElseIsNotSaidOfALesson) {
+  WriteContacts(CardOf("a", "Lee;Ann", "CELL", "5551234") +
+                CardOf("b", "Ray;Bob", "HOME", std::string(200, '5')));
+  Begin();
+  std::optional<Outcome> taught;
+  m_work->Teach({Oid(u"Ann Lee"), u"Mobile", Sample("robert_1.wav"), {}},
+                [&taught](const Outcome& outcome, const std::u16string& /*tag*/,
+                          const Names& /*trashed*/) { taught = outcome; });
+  Await([&taught] { return taught.has_value(); });
+  EXPECT_TRUE(taught->isDone);
+  EXPECT_EQ(taught->message, u"");
 }
 
 TEST_F(StoreWorkTest, ATagKnowsTheMostAlikeTagOfAnotherNumber) {
