@@ -21,7 +21,8 @@ paint voice_tags 1 en
 paint voice_tags_twice 2 en desk phone
 paint voice_tags_de 1 de desk phone
 for percent in 100 200; do
-  build/dev/tests/backends/qt/screens "$folder/sheet_$percent" $percent
+  QT_QPA_PLATFORM=offscreen:configfile=tests/backends/qt/large_screen.json \
+    build/dev/tests/backends/qt/screens "$folder/sheet_$percent" $percent
 done
 build/dev/tests/backends/qt/screens "$folder/sheet_de" 100 resources/languages/Voxtrel.de.lng
 # Those of the programs themselves, of which some stand in README and help.

@@ -7,7 +7,10 @@ namespace support {
 namespace {
 
 std::unique_ptr<QApplication> MakeApplication() {
-  qputenv("QT_QPA_PLATFORM", "offscreen");
+  // A test may have named a screen of its own.
+  if (!qgetenv("QT_QPA_PLATFORM").startsWith("offscreen")) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+  }
   static int argumentCount = 1;
   static char name[] = "qt_test";
   static char* arguments[] = {name, nullptr};
