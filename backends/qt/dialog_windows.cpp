@@ -27,8 +27,8 @@ constexpr double kSheetMargin = 6;
 constexpr double kOkWidth = 56;
 constexpr double kOkHeight = 21;
 constexpr double kAroundTab = 12;  ///< Above and below its letters.
-/// Of the desktop's own: a title bar and edges.
-constexpr QSize kChrome(4, 32);
+/// Of the desktop's own: a title bar.
+constexpr QSize kChrome(0, 32);
 
 /// Tabs take the size that an area would like to have, which is not the one that it is given.
 class FixedScrollArea final : public QScrollArea {
