@@ -44,8 +44,9 @@ std::optional<QRect> FindSelectedLine(const QWidget& window) {
   return std::nullopt;
 }
 
-/// Puts a question below the line that it is about, else above it. Its text does not name the line,
-/// so the user must see it. If there is no room on the screen, the box stays where it would be.
+/// Puts a question below the line that it is about. Puts it above the line if there is no room
+/// below. The text of the question does not name the line, so the user must see the line. Leaves
+/// the box at its usual place if the screen has room neither below nor above.
 void PutNextTo(QWidget& box, const QRect& line, const QWidget& asking) {
   constexpr int kGapToLine = 6;
   box.adjustSize();

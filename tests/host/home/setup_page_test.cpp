@@ -308,6 +308,20 @@ TEST_F(SetupPageTest, ABackupBringsBackWhatWasLost) {
   EXPECT_TRUE(m_questions.isEmpty());
 }
 
+TEST_F(SetupPageTest, TheAnswerToAPressIsInSightOnALowScreen) {
+  Open();
+  m_page->resize(500, 300);
+  m_page->activateWindow();
+  m_file = QPath("all.tar");
+  auto* const button = Find<QPushButton>("backUp");
+  button->setFocus();
+  QApplication::processEvents();
+  Press("backUp");
+  AwaitText("backupNews", "0 voice tags were backed up to");
+  const auto* const news = Find<QLabel>("backupNews");
+  EXPECT_TRUE(Await([news] { return news->visibleRegion().boundingRect() == news->rect(); }));
+}
+
 TEST_F(SetupPageTest, ABackupGetsTheEndByWhichItIsFoundAgain) {
   Open();
   m_file = QPath("all");
