@@ -15,7 +15,7 @@ find_wrong() {
     }
     BEGIN {
       rows = split("resources|platform|backends/text|framework|audio language|storage voicemath|" \
-                   "maintenance|connection tags|applet|host/machine|host/session|" \
+                   "maintenance|connection dialer tags|applet|host/machine|host/session|" \
                    "host/applet host/cli host/connection host/home host/panel", row, "|")
       for (i = 1; i <= rows; ++i) {
         count = split(row[i], rooms, " ")
@@ -47,6 +47,7 @@ tags/a.cpp:#include "backends/sqlite/b.h"
 storage/a.h:#include "tags/b.h"
 platform/a.h:#include "backends/text/b.h"
 tags/a.cpp:#include "connection/b.h"
+dialer/a.cpp:#include "tags/b.h"
 host/cli/a.cpp:#include "host/panel/b.h"
 voicemath/a.cpp:#include "tests/support/b.h"'
 right='backends/qt/a.cpp:#include "framework/b.h"
