@@ -4,8 +4,7 @@
 #include <functional>
 #include <vector>
 
-#include "platform/clock.h"
-#include "platform/threads.h"
+#include "framework/served_waits.h"
 
 namespace qt {
 
@@ -30,12 +29,8 @@ class InputGate final : public QObject {
 /// their calls done, but the gate keeps the user's input away, because the page is in the middle of
 /// its work. Before there is an application object of the library, no window needs that, and a wait
 /// is just a wait. Make it on that thread. It must outlive every object that was given it.
-class UiThread {
+class UiThread final : public framework::WaitServer {
  public:
-  UiThread() = default;
-  UiThread(const UiThread&) = delete;
-  UiThread& operator=(const UiThread&) = delete;
-
   // From any thread.
 
   [[nodiscard]] bool IsCurrent() const;
@@ -44,10 +39,7 @@ class UiThread {
   /// the order of posting.
   void Post(std::function<void()> call);
 
-  /// Calls `blocking`, which waits for something, and returns after it. If the caller is this
-  /// thread, `blocking` runs on another one. Meanwhile windows are painted and posted calls are
-  /// done, but the user's input reaches message boxes only.
-  void Await(const std::function<void()>& blocking);
+  void Await(const std::function<void()>& blocking) override;
 
   // On this thread.
 
@@ -62,40 +54,6 @@ class UiThread {
   QObject m_receiver;  ///< Lives on the thread.
   InputGate m_gate;
   std::vector<std::function<void()>> m_later;
-};
-
-/// A clock over another one. Its Sleep keeps the windows alive on the user-interface thread.
-class QtClock final : public platform::Clock {
- public:
-  QtClock(UiThread& thread, platform::Clock& inner) : m_thread(thread), m_inner(inner) {}
-
-  [[nodiscard]] std::uint32_t GetTickCount() override { return m_inner.GetTickCount(); }
-  [[nodiscard]] std::int64_t GetUnixTime() override { return m_inner.GetUnixTime(); }
-  void Sleep(std::uint32_t milliseconds) override {
-    m_thread.Await([this, milliseconds] { m_inner.Sleep(milliseconds); });
-  }
-
- private:
-  UiThread& m_thread;
-  platform::Clock& m_inner;
-};
-
-/// Threads and events over others. Their waits keep the windows alive on the user-interface thread.
-/// Destroying a thread's handle is such a wait too, because it waits for the thread's body.
-class QtThreads final : public platform::Threads {
- public:
-  QtThreads(UiThread& thread, platform::Threads& inner) : m_thread(thread), m_inner(inner) {}
-
-  [[nodiscard]] platform::StartedThread Start(std::function<void()> body,
-                                              platform::ThreadStart start) override;
-  [[nodiscard]] platform::CreatedEvent CreateManualResetEvent() override;
-  [[nodiscard]] platform::CreatedMutex CreateNamedMutex(std::u16string_view name) override {
-    return m_inner.CreateNamedMutex(name);
-  }
-
- private:
-  UiThread& m_thread;
-  platform::Threads& m_inner;
 };
 
 }  // namespace qt

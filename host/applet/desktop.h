@@ -60,8 +60,8 @@ class Desktop {
   std::optional<qt::DescriptorWatch> m_bellWatch;
   posix::PosixThreads m_plainThreads;
   qt::UiThread m_thread;
-  qt::QtClock m_clock;
-  qt::QtThreads m_threads;
+  framework::ServedClock m_clock;
+  framework::ServedThreads m_threads;
   qt::QtUi m_ui;
   desktop::DesktopShell m_shell;
   Library m_library;

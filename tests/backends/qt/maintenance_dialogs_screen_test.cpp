@@ -145,7 +145,7 @@ class MaintenanceDialogsScreen : public SessionFixture {
   PaintedBar m_bar;
   support::WatchedClock m_clock;
   posix::PosixThreads m_realThreads;
-  qt::QtThreads m_threads{m_thread, m_realThreads};
+  framework::ServedThreads m_threads{m_thread, m_realThreads};
   qt::QtUi m_ui{m_thread, u"Zedra Voxtrel", support::TestPictures()};
   User m_user;
   BarPainting m_painting{m_bar};

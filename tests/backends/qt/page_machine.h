@@ -49,8 +49,8 @@ class PageMachine {
 
   HeadlessPlatform machine{1000};
   qt::UiThread thread;
-  qt::QtClock clock{thread, machine.simulation};
-  qt::QtThreads threads{thread, machine.simulation};
+  framework::ServedClock clock{thread, machine.simulation};
+  framework::ServedThreads threads{thread, machine.simulation};
   qt::QtUi ui{thread, u"Zedra Voxtrel", TestPictures()};
   language::LanguageTable table;
   language::Texts texts;

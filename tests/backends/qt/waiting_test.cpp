@@ -82,7 +82,7 @@ TEST_F(Waiting, AnAddressBookThatIsSlowToAnswerLeavesTheWindowAlive) {
     std::promise<void> m_served;
   } book(m_thread);
   posix::PosixThreads real;
-  qt::QtThreads threads(m_thread, real);
+  framework::ServedThreads threads(m_thread, real);
   vcard::RemarkList remarks;
   EXPECT_TRUE(vcard::BackgroundSource(book, threads).Read(remarks));
 }
@@ -248,7 +248,7 @@ TEST_F(Waiting, ABoxOfThePageComesOnlyWhenTheBoxOfAWorkerIsAnswered) {
 }
 
 TEST_F(Waiting, TheHandleOfAThreadIsGivenUpWithoutBlockingTheWorkersBox) {
-  qt::QtThreads threads(m_thread, m_machine.simulation);
+  framework::ServedThreads threads(m_thread, m_machine.simulation);
   auto thread = threads
                     .Start([&] { m_ui.ShowMessage(platform::ApplicationBox(u"last words")); },
                            ThreadStart::kRunning)
@@ -259,7 +259,7 @@ TEST_F(Waiting, TheHandleOfAThreadIsGivenUpWithoutBlockingTheWorkersBox) {
 }
 
 TEST_F(Waiting, TheClockIsTheInnerOne) {
-  qt::QtClock clock(m_thread, m_machine.simulation);
+  framework::ServedClock clock(m_thread, m_machine.simulation);
   EXPECT_EQ(clock.GetTickCount(), 1000U);
   clock.Sleep(300);
   EXPECT_EQ(clock.GetTickCount(), 1300U);
@@ -267,7 +267,7 @@ TEST_F(Waiting, TheClockIsTheInnerOne) {
 }
 
 TEST_F(Waiting, ThreadsAndEventsAreTheInnerOnes) {
-  qt::QtThreads threads(m_thread, m_machine.simulation);
+  framework::ServedThreads threads(m_thread, m_machine.simulation);
   const auto event = threads.CreateManualResetEvent().value();
   EXPECT_EQ(event->Wait(100), WaitResult::kTimedOut);
   EXPECT_EQ(m_machine.simulation.GetElapsed(), 100U);
@@ -283,7 +283,7 @@ TEST_F(Waiting, ThreadsAndEventsAreTheInnerOnes) {
 }
 
 TEST_F(Waiting, AThreadNeverResumedEndsWithoutHavingRun) {
-  qt::QtThreads threads(m_thread, m_machine.simulation);
+  framework::ServedThreads threads(m_thread, m_machine.simulation);
   bool hasRun = false;
   {
     const auto thread = threads.Start([&] { hasRun = true; }, ThreadStart::kSuspended).value();
@@ -295,7 +295,7 @@ TEST_F(Waiting, NoThreadsFromASystemThatHasNone) {
   using support::WatchedThreads;
   WatchedThreads poor(m_machine.simulation);
   poor.Refuse({WatchedThreads::Made::kThread, WatchedThreads::Made::kEvent});
-  qt::QtThreads threads(m_thread, poor);
+  framework::ServedThreads threads(m_thread, poor);
   EXPECT_EQ(support::ErrorOf(threads.Start([] {}, ThreadStart::kRunning)),
             platform::ThreadError::kRefused);
   EXPECT_EQ(support::ErrorOf(threads.CreateManualResetEvent()), platform::ThreadError::kRefused);
