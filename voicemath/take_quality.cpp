@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <cstdlib>
 #include <limits>
 #include <utility>
 
@@ -111,6 +112,12 @@ double FlatShare(std::span<const std::int16_t> samples, const TakeBlocks& blocks
                     : static_cast<double>(top.Flat() + bottom.Flat()) / static_cast<double>(total);
 }
 
+/// `peak` is the largest distance of a sample from the offset.
+double ToDb(double peak) {
+  return peak > 0 ? std::clamp(20 * std::log10(peak / kFullScale), kLowestPeakDb, 0.0)
+                  : kLowestPeakDb;
+}
+
 double PeakDb(const TakeBlocks& blocks, const TakeSpeech& speech) {
   float peak = 0;
   for (std::size_t i = 0; i < blocks.Count(); ++i) {
@@ -118,8 +125,7 @@ double PeakDb(const TakeBlocks& blocks, const TakeSpeech& speech) {
       peak = std::max(peak, blocks.Get()[i].peak);
     }
   }
-  const double share = peak / kFullScale;
-  return share > 0 ? std::clamp(20 * std::log10(share), kLowestPeakDb, 0.0) : kLowestPeakDb;
+  return ToDb(peak);
 }
 
 /// What is wrong with a take in which nobody speaks. A muted device may click, and a short sound
@@ -168,6 +174,14 @@ void TakeQuality::Add(Verdict verdict) {
   if (place == verdicts.end() || *place != verdict) {
     verdicts.insert(place, verdict);
   }
+}
+
+double PeakDb(std::span<const std::int16_t> samples) {
+  int peak = 0;
+  for (const std::int16_t sample : samples) {
+    peak = std::max(peak, std::abs(int{sample}));
+  }
+  return ToDb(peak);
 }
 
 TakeQuality WithoutSamples(Verdict verdict) {

@@ -43,6 +43,9 @@ struct TakeQuality {
 /// The peak of digital silence: half a step of 16 bits.
 inline constexpr double kLowestPeakDb = -96.3;
 
+/// Returns the largest sample in decibels of full scale, down to kLowestPeakDb.
+[[nodiscard]] double PeakDb(std::span<const std::int16_t> samples);
+
 /// A recording that is to be judged.
 struct Take {
   std::span<const std::int16_t> samples;

@@ -23,16 +23,6 @@ constexpr double kQuietestDb = -66;  ///< Where the bar begins.
 
 }  // namespace
 
-double PeakDb(std::span<const std::int16_t> samples) {
-  int peak = 0;
-  for (const std::int16_t sample : samples) {
-    peak = std::max(peak, std::abs(int{sample}));
-  }
-  constexpr double kFullScale = 32768;
-  return peak == 0 ? kLowestPeakDb
-                   : std::clamp(20 * std::log10(peak / kFullScale), kLowestPeakDb, 0.0);
-}
-
 LevelMeter::LevelMeter(QWidget* parent)
     : QWidget(parent), m_level(kLowestPeakDb), m_highest(kLowestPeakDb) {
   SetAccessibleRole(*this, QAccessible::Indicator);

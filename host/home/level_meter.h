@@ -1,13 +1,8 @@
 #pragma once
 
 #include <QWidget>
-#include <cstdint>
-#include <span>
 
 namespace home {
-
-/// Returns the largest sample in decibels of full scale, down to kLowestPeakDb of voicemath.
-[[nodiscard]] double PeakDb(std::span<const std::int16_t> samples);
 
 /// A bar that shows how loud the microphone hears. Its zones are marked: too soft, good, too loud.
 /// A mark stays at the highest level. Colours are those of the desktop.

@@ -2,16 +2,12 @@
 
 #include <QMetaObject>
 #include <algorithm>
-#include <array>
-#include <cmath>
 #include <cstddef>
-#include <numbers>
 #include <span>
 #include <utility>
 
+#include "audio/samples.h"
 #include "audio/wave_header.h"
-#include "host/home/level_meter.h"
-#include "platform/file_system.h"
 #include "voicemath/take_template.h"
 
 namespace home {
@@ -32,45 +28,8 @@ constexpr std::uint32_t kSampleBytes = audio::kRecordingBits / 8;
 constexpr std::size_t kTakeBytes =
     std::size_t{kRecordingRate} * TakeRecorder::kTakeMilliseconds / 1000 * kSampleBytes;
 
-platform::WaveFormat Format() { return audio::MonoPcm(audio::kRecordingBits, kRecordingRate); }
-
 std::uint32_t ToMilliseconds(std::size_t samples) {
   return static_cast<std::uint32_t>(samples * 1000 / kRecordingRate);
-}
-
-std::vector<std::byte> ToBytes(std::span<const std::int16_t> samples) {
-  std::vector<std::byte> bytes(samples.size() * kSampleBytes);
-  for (std::size_t i = 0; i < samples.size(); ++i) {
-    platform::StoreLittleEndian16(std::span(bytes).subspan(i * kSampleBytes).first<kSampleBytes>(),
-                                  static_cast<std::uint16_t>(samples[i]));
-  }
-  return bytes;
-}
-
-std::vector<std::int16_t> ToSamples(std::span<const std::byte> bytes) {
-  std::vector<std::int16_t> samples(bytes.size() / kSampleBytes);
-  for (std::size_t i = 0; i < samples.size(); ++i) {
-    samples[i] = static_cast<std::int16_t>(
-        platform::LoadLittleEndian16(bytes.subspan(i * kSampleBytes).first<kSampleBytes>()));
-  }
-  return samples;
-}
-
-/// Returns the tone that says "now". It is soft, and its edges are faded, so nothing clicks.
-std::vector<std::int16_t> MakeTone() {
-  constexpr double kFrequency = 880;
-  constexpr double kAmplitude = 6500;
-  constexpr std::size_t kLength = kRecordingRate / 5;
-  constexpr std::size_t kEdge = kRecordingRate / 50;
-  std::vector<std::int16_t> tone(kLength);
-  for (std::size_t i = 0; i < kLength; ++i) {
-    const auto fromEdge = static_cast<double>(std::min({i, kLength - i, kEdge}));
-    const double fade = (1 - std::cos(std::numbers::pi * fromEdge / kEdge)) / 2;
-    const double angle =
-        2 * std::numbers::pi * kFrequency * static_cast<double>(i) / kRecordingRate;
-    tone[i] = static_cast<std::int16_t>(kAmplitude * fade * std::sin(angle));
-  }
-  return tone;
 }
 
 /// Finds what is cut off by keeping only a part.
@@ -146,7 +105,7 @@ class TakeRecorder::Job {
 TakeRecorder::Job::OpenedInput TakeRecorder::Job::AwaitMicrophone(const Report& report) const {
   for (;;) {
     report({.stage = Stage::kGetReady});
-    auto opened = m_sound.waveIn.Open(Format());
+    auto opened = m_sound.waveIn.Open(audio::RecordingFormat());
     if (opened || opened.error() != WaveResult::kNoDevice) {
       return opened;
     }
@@ -170,7 +129,7 @@ void TakeRecorder::Job::Record(const std::shared_ptr<Job>& self, const Watch& wa
   if (device && self->Wait(kGetReadyTime)) {
     report({.stage = Stage::kCue});
     // Whoever hears no tone still sees when to speak.
-    const bool isHeard = self->Wait(self->m_cueTime) && self->PlaySamples(MakeTone());
+    const bool isHeard = self->Wait(self->m_cueTime) && self->PlaySamples(audio::MakeTone());
     if (self->Wait(isHeard ? kEchoTime : 0)) {
       take = self->Hear(**device, report);
     }
@@ -206,7 +165,7 @@ HeardTake TakeRecorder::Job::Hear(platform::WaveInDevice& device, const Report& 
   const WaveResult result = Fill(device, header, report);
   static_cast<void>(device.Reset());  // The memory goes before the device does.
   HeardTake take;
-  take.samples = ToSamples(std::span(bytes).first(header.bytesRecorded));
+  take.samples = audio::ToSamples(std::span(bytes).first(header.bytesRecorded));
   const bool isInterrupted = result == WaveResult::kNoDevice;
   take.isRefused = take.samples.empty() && !isInterrupted;
   take.quality = voicemath::JudgeTake({.samples = take.samples, .isInterrupted = isInterrupted});
@@ -245,15 +204,15 @@ WaveResult TakeRecorder::Job::Fill(platform::WaveInDevice& device, WaveHeader& h
     const auto heard = std::span(header.data, header.bytesRecorded);
     report({.stage = Stage::kSpeak,
             .leftMilliseconds = kTakeMilliseconds - std::min(passed, kTakeMilliseconds),
-            .levelDb = PeakDb(ToSamples(heard.subspan(reported)))});
+            .levelDb = voicemath::PeakDb(audio::ToSamples(heard.subspan(reported)))});
     reported = header.bytesRecorded - header.bytesRecorded % kSampleBytes;
   } while (result == WaveResult::kStillPlaying && passed < kTakeMilliseconds + kLateness);
   return result;
 }
 
 bool TakeRecorder::Job::PlaySamples(std::span<const std::int16_t> samples) const {
-  std::vector<std::byte> bytes = ToBytes(samples);
-  const auto device = m_sound.waveOut.Open(Format());
+  std::vector<std::byte> bytes = audio::ToBytes(samples);
+  const auto device = m_sound.waveOut.Open(audio::RecordingFormat());
   WaveHeader header{.data = bytes.data(), .bufferLength = static_cast<std::uint32_t>(bytes.size())};
   if (!device || (*device)->Prepare(header) != WaveResult::kOk ||
       (*device)->Write(header) != WaveResult::kOk) {
@@ -333,14 +292,6 @@ void TakeRecorder::Stop() {
     m_job->Stop();
     m_job.reset();
   }
-}
-
-std::vector<std::byte> ToWaveFile(std::span<const std::int16_t> samples) {
-  const std::vector<std::byte> data = ToBytes(samples);
-  const auto header = audio::MakeWaveHeader(Format(), static_cast<std::uint32_t>(data.size()));
-  std::vector<std::byte> file(header.begin(), header.end());
-  file.insert(file.end(), data.begin(), data.end());
-  return file;
 }
 
 }  // namespace home

@@ -1,11 +1,9 @@
 #pragma once
 
 #include <QObject>
-#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <span>
 #include <vector>
 
 #include "platform/clock.h"
@@ -104,8 +102,5 @@ class TakeRecorder {
   /// The latest thread. It first waits for the one before: there is one microphone.
   std::shared_ptr<platform::Thread> m_thread;
 };
-
-/// Returns the bytes of a wave file of a recording.
-[[nodiscard]] std::vector<std::byte> ToWaveFile(std::span<const std::int16_t> samples);
 
 }  // namespace home

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "audio/samples.h"
 #include "host/home/lesson_panel.h"
 #include "host/home/people_list.h"
 #include "host/home/say.h"
@@ -215,7 +216,7 @@ std::vector<std::int16_t> TeachingPage::KeptSamples() const {
 Lesson TeachingPage::ToLesson() const {
   return {.oid = m_pupil->person.oid,
           .kind = m_pupil->number.kind,
-          .wave = ToWaveFile(m_take.samples),
+          .wave = audio::ToWaveFile(m_take.samples),
           .replaced = m_pupil->replaced};
 }
 

@@ -13,13 +13,13 @@
 
 #include "backends/posix/posix_threads.h"
 #include "backends/pulse/pulse_sound.h"
-#include "host/home/level_meter.h"
 #include "tests/e2e/ear.h"
 #include "tests/e2e/pipe_microphone.h"
 #include "tests/e2e/pulse_server.h"
 #include "tests/e2e/sound_session.h"
 #include "tests/e2e/speech.h"
 #include "tests/support/signals.h"
+#include "voicemath/take_quality.h"
 
 namespace {
 
@@ -77,9 +77,9 @@ TEST_F(TakeRecorderAndSoundServer, PlaysATonePeopleHearAndKeepsItOutOfTheTake) {
   e2e::Ear ear;
   ASSERT_TRUE(ear.IsListening());
   Record();
-  EXPECT_GT(home::PeakDb(e2e::ToSamples(ear.Heard())), -20) << "The tone was heard.";
+  EXPECT_GT(voicemath::PeakDb(e2e::ToSamples(ear.Heard())), -20) << "The tone was heard.";
   EXPECT_EQ(m_take->samples.size(), kTakeSamples);
-  EXPECT_LT(home::PeakDb(m_take->samples), -60) << "It is not in the take.";
+  EXPECT_LT(voicemath::PeakDb(m_take->samples), -60) << "It is not in the take.";
   EXPECT_THAT(m_take->quality.verdicts, Contains(voicemath::Verdict::kSilent));
 }
 
@@ -97,7 +97,7 @@ TEST_F(TakeRecorderAndSoundServer, HearsWhatIsSaidAfterTheToneWithItsLevel) {
   EXPECT_EQ(m_take->samples.size(), kTakeSamples);
   EXPECT_THAT(m_take->quality.verdicts, IsEmpty());
   EXPECT_GT(m_highest, -20);
-  EXPECT_NEAR(m_highest, home::PeakDb(m_take->samples), 0.1);
+  EXPECT_NEAR(m_highest, voicemath::PeakDb(m_take->samples), 0.1);
 }
 
 TEST_F(TakeRecorderAndSoundServer, KeepsWhatWasHeardBeforeTheServerEnded) {

@@ -293,4 +293,11 @@ TEST(TakeQuality, AVerdictStandsOnceAndAtItsPlace) {
   EXPECT_EQ(voicemath::ToWord(Verdict::kTooAlike), "too-alike");
 }
 
+TEST(PeakDb, IsThatOfTheLargestSampleOfEitherSign) {
+  EXPECT_EQ(voicemath::PeakDb({}), voicemath::kLowestPeakDb);
+  EXPECT_EQ(voicemath::PeakDb(support::Constant(10, 0)), voicemath::kLowestPeakDb);
+  EXPECT_NEAR(voicemath::PeakDb(Samples{100, -16384, 3}), -6.02, 0.01);
+  EXPECT_EQ(voicemath::PeakDb(Samples{-32768}), 0.0);
+}
+
 }  // namespace

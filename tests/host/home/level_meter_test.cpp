@@ -15,13 +15,6 @@ namespace {
 using home::LevelMeter;
 using home::WavePicture;
 
-TEST(PeakDb, IsThatOfTheLargestSampleOfEitherSign) {
-  EXPECT_EQ(home::PeakDb({}), voicemath::kLowestPeakDb);
-  EXPECT_EQ(home::PeakDb(support::Constant(10, 0)), voicemath::kLowestPeakDb);
-  EXPECT_NEAR(home::PeakDb(support::Samples{100, -16384, 3}), -6.02, 0.01);
-  EXPECT_EQ(home::PeakDb(support::Samples{-32768}), 0.0);
-}
-
 /// Counts pixels of the colour of selections.
 int CountFilled(QWidget& widget, const QRect& area) {
   const QImage image = widget.grab().toImage();

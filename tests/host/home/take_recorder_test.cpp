@@ -297,9 +297,4 @@ TEST_F(TakeRecorderTest, SaysWhatIsLeftOutOfALongNameAlthoughAllOfItWasHeard) {
   EXPECT_FALSE(m_take->losesStart || m_take->losesEnd);
 }
 
-TEST(TakeWaveFile, IsTheFileThatTheRecorderWrites) {
-  EXPECT_EQ(home::ToWaveFile(support::Noise(100, 900, 1)),
-            support::WaveFile(support::Noise(100, 900, 1)));
-}
-
 }  // namespace
