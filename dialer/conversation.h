@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "dialer/callee.h"
 #include "dialer/listening.h"
 #include "dialer/recognizer.h"
 #include "dialer/taught_tags.h"
@@ -14,16 +15,6 @@
 #include "platform/threads.h"
 
 namespace dialer {
-
-/// Somebody who may be called, as the user knows him.
-struct Callee {
-  Candidate candidate;
-  std::u16string name;    ///< As lists of contacts have it. Never empty.
-  std::u16string number;  ///< As it is stored; empty if there is none.
-  /// Why this number cannot be called, in UTF-8 and the user's language: a part of a sentence,
-  /// which begins with a small letter and has no full stop. Empty if it can be.
-  std::string fault{};
-};
 
 /// A step of a conversation, for a face that shows it.
 enum class Step : std::uint8_t {

@@ -22,6 +22,20 @@ inline constexpr std::u16string_view kNumberHasOddExtension =
 inline constexpr std::u16string_view kNumberIsTooLong =
     u"\"%1\" is not dialled, since it is too long for a telephone number";
 
+// Whose number a voice tag has, if the contacts do not say. "%1" is the number of the contact among
+// the contacts, or that of the tag.
+inline constexpr std::u16string_view kUnknownContact = u"Contact %1";
+inline constexpr std::u16string_view kTagOfNobody = u"Voice tag %1";
+
+// Why a contact cannot be called. "%1" is a kind of number, such as "Mobile".
+inline constexpr std::u16string_view kTagNamesNoContact = u"the voice tag names no contact";
+inline constexpr std::u16string_view kTagNamesNoKind = u"the voice tag names no kind of number";
+inline constexpr std::u16string_view kCalleeIsGone =
+    u"the address book does not have this contact any more";
+inline constexpr std::u16string_view kCalleeNotRead = u"this contact cannot be read now";
+inline constexpr std::u16string_view kCalleeHasNoSuchNumber =
+    u"this contact has no number of the kind %1 any more";
+
 // How far a call came.
 inline constexpr std::u16string_view kCallHandedOver =
     u"the telephone program of the desktop has the number";
