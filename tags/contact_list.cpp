@@ -5,6 +5,8 @@
 namespace tags {
 
 std::u16string_view FitName(std::u16string_view name) {
+  // The last unit of the record's field is for the zero. A cut between the two halves of a
+  // character would leave one half, which nothing can show.
   constexpr std::size_t kMaxLength = kNameCapacity - 1;
   if (name.size() <= kMaxLength) {
     return name;

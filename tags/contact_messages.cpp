@@ -17,6 +17,7 @@ namespace {
 constexpr std::u16string_view kSelectedContactFailed =
     u"Failed to get IContact in OnSelchangeComboName";
 
+// Each table holds one text for each kind of number, in the order of the codes of the kinds.
 static_assert(resources::kNumberFailedWhileLoading.size() == platform::kPhoneKindCount);
 static_assert(resources::kNumberFailedWhileRecording.size() == platform::kPhoneKindCount);
 static_assert(resources::kNumberFailedInTagList.size() == platform::kPhoneKindCount);
@@ -29,6 +30,7 @@ const resources::Text& NumberText(const ContactMessage& message) {
       return resources::kNumberFailedWhileRecording[code];
     case ContactReader::kTagList:
       return resources::kNumberFailedInTagList[code];
+    // A selection does not come here: its boxes have texts of their own (SelectionBox).
     case ContactReader::kLoading:
     case ContactReader::kSelection:
       break;
@@ -94,6 +96,7 @@ MessageBox ToBox(const ContactMessage& message, const language::Texts& texts) {
     return SelectionBox(message);
   }
   std::u16string text(texts(TextOf(message)));
+  // This one is the framework's plain box. It has the caption of the application in every language.
   if (message.failure == ContactFailure::kItem) {
     return platform::ApplicationBox(std::move(text));
   }

@@ -17,6 +17,7 @@ namespace {
 /// exactly this length is passed over without a word.
 constexpr std::size_t kNumberCapacity = 96;
 
+/// Only ContactFailure::kNumber looks at the kind.
 auto LoadFailed(ContactFailure failure, PhoneKind kind = PhoneKind::kCar) {
   return Failure(ContactMessage{failure, ContactReader::kLoading, kind});
 }
@@ -27,6 +28,8 @@ ContactPicker::Loaded ContactPicker::Load(DialogWindow& window) {
   m_oid = 0;
   m_phoneTypeWord.clear();
   m_contacts = ContactList(m_store.GetCount());
+  // The items of the store count from 1, and those of the list and of the combo boxes from 0. A
+  // contact without a usable number has an item in the store and none in the list.
   for (std::int32_t i = 1; i <= m_contacts.GetReportedCount(); ++i) {
     const Loaded loaded = LoadItem(window, i);
     if (!loaded && loaded.error().failure == ContactFailure::kFirstName) {
@@ -37,6 +40,8 @@ ContactPicker::Loaded ContactPicker::Load(DialogWindow& window) {
       return loaded;
     }
   }
+  // No kind of number is chosen here. The first press of Record takes that of item 0, which the
+  // number box, since it sorts, need not have been given first.
   if (const ContactRecord* first = m_contacts.Find(0)) {
     window.SetSelection(kContactComboId, 0);
     window.SetSelection(kNumberComboId, 0);
@@ -64,6 +69,7 @@ ContactPicker::Loaded ContactPicker::LoadContact(DialogWindow& window, platform:
   if (!loaded) {
     return loaded;
   }
+  // A firm often has no name but its company.
   if (m_buffers.name.empty()) {
     m_buffers.name = m_buffers.company;
   }
@@ -149,6 +155,7 @@ void ContactPicker::ListNumbers(DialogWindow& window, std::int32_t index) {
 
 void ContactPicker::ListNumber(DialogWindow& window, platform::Contact& contact,
                                std::int32_t code) {
+  // The unused places of a record name no kind.
   if (code < 0 || code >= static_cast<std::int32_t>(kReadingOrder.size())) {
     return;
   }

@@ -19,6 +19,7 @@ namespace {
 constexpr int kAttempts = 3;
 constexpr std::uint32_t kPauseMilliseconds = 200;
 
+/// A service that is just starting may refuse at first. Only this step is tried again.
 Result<void, ContactsError> ConnectTo(platform::ContactsStore& store, platform::Clock& clock) {
   auto connected = store.Connect();
   for (int attempt = 1; !connected && attempt < kAttempts; ++attempt) {
@@ -51,6 +52,7 @@ auto ReadFailed(ContactReader reader, ContactFailure failure, PhoneKind kind = P
 
 ReadTagText AddNumber(platform::Contact& contact, std::u16string_view phoneType,
                       ContactReader reader, const std::u16string& name) {
+  // An entry with any other word was written by another program. Its contact is still worth a line.
   const std::optional<storage::PhoneType> type = storage::FindPhoneType(phoneType);
   if (!type) {
     return TagText{name, false};

@@ -43,6 +43,8 @@ void Page_one::LoadTagList() {
 }
 
 Page_one::LoadedTag Page_one::LoadTag(std::u16string_view tagName, std::int32_t& slot) {
+  // Three answers of the contacts differ. The contact is known: the line is made of it. It does not
+  // exist any more: the tag is stale and goes. The contacts cannot say: the tag stays.
   if (const auto entry = m_store.ReadEntry(tagName)) {
     const platform::FoundContact contact =
         entry->oid ? m_platform.contacts.GetItemFromOid(*entry->oid)
@@ -110,6 +112,8 @@ std::u16string_view Page_one::GetTagOfLine(std::int32_t line) const {
 }
 
 void Page_one::OnPlay() {
+  // A tag is played by its name and not by its row: a tag for which the table has no room can be
+  // heard all the same.
   const std::u16string_view tagName =
       GetTagOfLine(GetWindow().GetSelection(resources::kTagListId).value_or(-1));
   if (!tagName.empty()) {
@@ -126,6 +130,8 @@ void Page_one::OnDelete() {
   if (GetTagOfLine(line).empty() || !DeleteTagOfLine(static_cast<std::size_t>(line))) {
     return;
   }
+  // The lines and the items of the list box are the same, so each is taken out of both. No item is
+  // selected then, so there is none to play or to delete.
   m_lines.erase(m_lines.begin() + line);
   window.DeleteItem(resources::kTagListId, line);
   window.Enable(resources::kPlayButtonId, false);
@@ -154,6 +160,8 @@ bool Page_one::DeleteTagOfLine(std::size_t line) {
       storage::FindParts(m_platform.files, m_platform.registry, tagName)
           .map_error([](storage::Unread) { return storage::ItemError::kStoreUnread; })
           .and_then([&](const storage::TagParts& parts) { return deletion.Keep(parts, text); });
+  // What cannot be kept is not deleted. The one exception is a disk that is full even without the
+  // trash: the user wants room, so the tag goes for good, and a message says so.
   if (kept == platform::Failure(storage::ItemError::kOther) || !deletion.Seal()) {
     ShowBox(resources::Say(resources::kNotKept));
     return false;
@@ -189,6 +197,7 @@ void Page_one::DropRecord(std::size_t line) {
   m_tags.Remove(dropped.row);
   // A tag that there is no room for in the table is counted all the same.
   m_tags.tagCount = count - 1;
+  // The rows below have moved up by one.
   for (ListedTag& listed : m_lines) {
     listed.row -= listed.row > dropped.row ? 1 : 0;
   }

@@ -23,6 +23,7 @@ Page_one::Page_one(const platform::Platform& platform, const language::Texts& te
 }
 
 Page_one::~Page_one() {
+  // Also if the log-on failed, as the contacts ask for.
   m_platform.contacts.Logoff();
   // The tags are free for another page before anything is waited for.
   m_onlyInstance.reset();
@@ -38,6 +39,7 @@ void Page_one::Serialize(framework::CArchive& archive) { m_mathematics.Serialize
 
 bool Page_one::OnInitDialog() {
   CPropertyPage::OnInitDialog();
+  // The sheet can open again with the same page, so each opening starts from nothing.
   m_isSetUp = false;
   if (!BecomeOnlyInstance()) {
     m_platform.process.End(0);
@@ -63,6 +65,8 @@ bool Page_one::Fill() {
   if (!OpenContacts()) {
     return false;
   }
+  // The tags come after the contacts, since each line asks for its contact, and the buttons after
+  // both, since they depend on the counts.
   LoadTagList();
   EnableButtons();
   ShowCount();
@@ -147,6 +151,8 @@ void Page_one::ShowCount() {
 }
 
 void Page_one::OnCommand(int id, platform::CommandEvent event) {
+  // The two combo boxes and the list report selections. All else is a press of a button, or the
+  // command that the page posted to itself.
   if (event == platform::CommandEvent::kSelectionChange) {
     switch (id) {
       case resources::kContactComboId:

@@ -51,6 +51,7 @@ void Page_one::OnRecord() {
   if (!EnsureDataFolders() || !HasNumberChosen()) {
     return;
   }
+  // The name is taken before the beep and the pause, so it is the time of the press.
   const std::u16string tagName = storage::FreeTagName(m_platform.files, m_platform.registry,
                                                       m_trash, m_platform.clock.GetTickCount());
   m_platform.ui.Beep(platform::Sound::kExclamation);
@@ -61,6 +62,8 @@ void Page_one::OnRecord() {
         platform::ApplicationBox(language::TagLimitMessage(m_texts, storage::kMaxTags)));
     return;
   }
+  // Each later step asks for the success of the one before. So a failure leaves fewer parts, and
+  // never a line without its tag.
   m_recordingPath = storage::WavePath(tagName);
   if (RecordUtterance([&progress] { progress.Step(); }) && StoreTag(tagName)) {
     ListNewTag(tagName);
@@ -94,9 +97,12 @@ void Page_one::OpenAudio() {
 // long as a recording takes, and then waits for the worker. A worker that is late keeps the device
 // and all it uses, and the page goes on.
 bool Page_one::RecordUtterance(const std::function<void()>& step) {
+  // Page and worker share the recording, so it lives until the later of the two is done with it.
   const auto recording = std::make_shared<UtteranceRecording>(m_platform, m_audio, m_recordingPath);
   auto worker =
       m_platform.threads.Start([recording] { recording->Run(); }, platform::ThreadStart::kRunning);
+  // If there is no thread, the bar runs all the same. The mathematics then finds no recording and
+  // says so.
   for (int i = 0; i < kProgressSteps; ++i) {
     m_platform.clock.Sleep(kProgressStepMilliseconds);
     step();
@@ -164,6 +170,7 @@ bool Page_one::StoreTag(std::u16string_view tagName) {
 }
 
 void Page_one::ListNewTag(std::u16string_view tagName) {
+  // There is a record for this row, since OnRecord has asked for the limit.
   const std::int32_t row = m_tags.tagCount;
   storage::TagRecord* record = m_tags.GetRecord(row);
   record->SetTagName(tagName);

@@ -26,6 +26,8 @@ std::u16string ToListNumber(std::u16string_view number, PhoneKind kind) {
 }
 
 std::u16string_view PhoneTypeWord(std::u16string_view item) {
+  // The word follows the last blank: a number may hold blanks, and a word holds none. An item
+  // without a blank is all word.
   const auto lastBlank = std::find_if(item.rbegin(), item.rend(), IsWhiteSpace);
   return item.substr(static_cast<std::size_t>(item.rend() - lastBlank));
 }

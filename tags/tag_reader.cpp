@@ -18,6 +18,8 @@ std::u16string CutAsRecord(std::u16string_view text) {
 }
 
 void ReadContact(platform::ContactsStore& contacts, std::int32_t oid, ListedTag& tag) {
+  // Only the answer "there is no such contact" makes a tag stale. If the contacts cannot say, the
+  // line keeps the tag's own name.
   const platform::FoundContact contact = contacts.GetItemFromOid(oid);
   if (!contact) {
     tag.isStale = contact.error() == platform::ContactsError::kAbsent;
@@ -43,6 +45,7 @@ platform::Result<std::vector<ListedTag>, RegistryError> ReadTags(
   std::vector<ListedTag> tags;
   for (std::u16string& name : list->names) {
     ListedTag tag;
+    // A line begins with what is always known, the tag's name. What can be read takes its place.
     tag.text = CutAsRecord(name);
     tag.hasNumber = true;
     tag.name = std::move(name);
@@ -85,6 +88,7 @@ storage::TagTable ToTable(const std::vector<ListedTag>& tags) {
     if (tag.isStale) {
       continue;
     }
+    // A tag for which the table has no room is counted all the same, as on the page.
     if (storage::TagRecord* const record = table.GetRecord(table.tagCount)) {
       record->SetTagName(tag.name);
       // Without a number the record stays without a text, as on the page.

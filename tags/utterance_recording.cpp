@@ -17,6 +17,7 @@ void UtteranceRecording::Run() noexcept {
   m_device->SetFormat(audio::kRecordingBits, audio::kRecordingRate);
   // The mathematics trims the recording, or flushes it as it is, before anything names it.
   const int code = m_device->Record(m_path, kUtteranceMilliseconds, platform::Durability::kLater);
+  // Set before the message, which waits for the user: the page reads it when it stops waiting.
   m_code = code;
   if (code == audio::kRecorded || code == audio::kProcessEnded) {
     return;
