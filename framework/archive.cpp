@@ -33,6 +33,7 @@ CArchive& CArchive::operator<<(std::uint32_t value) {
   return *this;
 }
 
+// A float goes as its four bytes. So what is read back has the bits that were computed.
 CArchive& CArchive::operator<<(float value) { return *this << std::bit_cast<std::uint32_t>(value); }
 
 CArchive& CArchive::operator>>(std::uint16_t& value) {
@@ -67,6 +68,7 @@ std::uint64_t CArchive::GetRemaining() {
     Fail(ArchiveError::kFileFailure);
     return 0;
   }
+  // The file may have become shorter since its last bytes were read.
   const std::uint64_t unread = *length > m_fromFile ? *length - m_fromFile : 0;
   return unread + (m_end - m_begin);
 }
@@ -97,6 +99,7 @@ void CArchive::Write(std::span<const std::byte> bytes) {
 }
 
 void CArchive::Read(std::span<std::byte> into) {
+  // A read that fails gives zeros, and never what the memory held before.
   std::fill(into.begin(), into.end(), std::byte{});
   if (IsStoring()) {
     Fail(ArchiveError::kBadFormat);

@@ -28,10 +28,12 @@ std::invoke_result_t<Operation, File&> CFile::Do(Operation operation) {
 
 CFile::Done CFile::Open(std::u16string_view path, unsigned flags) {
   Close();
+  // What Close said of the file before is no concern of this one.
   m_error.reset();
   platform::OpenMode mode{FileAccess::kRead, FileShare::kRead, FileCreation::kOpenExisting};
   if ((flags & (modeWrite | modeReadWrite)) != 0) {
     mode.access = (flags & modeReadWrite) != 0 ? FileAccess::kReadWrite : FileAccess::kWrite;
+    // Nobody reads a file that is half written.
     mode.share = FileShare::kNone;
   }
   if ((flags & modeCreate) != 0) {

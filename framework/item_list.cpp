@@ -52,6 +52,7 @@ void ItemList::Reset() {
 }
 
 void ItemList::Select(std::optional<int> index) {
+  // An index that is not there selects none, as the classic controls take -1.
   m_selection = index && HasItem(*index) ? index : std::nullopt;
   if (m_selection) {
     SetField(GetText(*m_selection));
@@ -72,6 +73,7 @@ std::u16string ItemList::GetField() const {
   if (m_kind == ControlKind::kEditableComboBox || m_kind == ControlKind::kListBox) {
     return m_field;
   }
+  // The field of a drop-down list is no text of its own: it shows the selection.
   return m_selection ? GetText(*m_selection) : std::u16string();
 }
 
