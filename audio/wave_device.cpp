@@ -53,6 +53,7 @@ void WaveDevice::SetFormat(std::uint16_t bits, std::uint32_t samplesPerSecond) {
 WaveHeader* WaveDevice::AllocBuffer(std::uint32_t milliseconds) {
   m_header.reset();
   m_samples.reset();
+  // In 64 bits, since the product alone leaves 32 bits after 195 seconds of the usual format.
   const std::uint64_t bytes =
       std::uint64_t{m_format.averageBytesPerSecond} * milliseconds / kMillisecondsPerSecond;
   if (bytes > std::numeric_limits<std::uint32_t>::max()) {
@@ -93,6 +94,7 @@ int WaveDevice::Record(std::u16string_view path, std::uint32_t milliseconds,
 
 RecordCode WaveDevice::RecordTo(std::u16string_view path, std::uint32_t milliseconds,
                                 platform::Durability durability) {
+  // Without any microphone the process ends, as it always has. Every other failure is a code.
   if (m_platform.waveIn.GetDeviceCount() == 0) {
     ShowTopmost(std::u16string(kNoDevices));
     m_platform.process.End(0);
@@ -101,6 +103,7 @@ RecordCode WaveDevice::RecordTo(std::u16string_view path, std::uint32_t millisec
   if (const auto opened = OpenFile(path); !opened) {
     return RefuseFile(path, opened.error());
   }
+  // The device comes after the file, so no microphone is opened for a file that is refused.
   RecordCode code = StartInput(milliseconds);
   if (code == kRecorded && !AwaitRecording(milliseconds)) {
     code = kDeviceLost;
@@ -184,6 +187,7 @@ void WaveDevice::ReleaseInput() {
 
 Result<void, FileError> WaveDevice::WriteRecording() {
   const std::uint32_t reported = m_header->bytesRecorded;
+  // Never more than the buffer holds, whatever the device reports.
   const std::uint32_t bytes =
       std::min(reported == 0 ? kUnreportedBytes : reported, m_header->bufferLength);
   platform::File& file = m_file->GetFile();
@@ -196,6 +200,7 @@ Result<void, FileError> WaveDevice::WriteRecording() {
 }
 
 Result<void, FileError> WaveDevice::PublishFile(platform::Durability durability) {
+  // Another program may have the earlier file open for a moment, so there is a second try.
   if (const auto published = m_file->Publish(durability)) {
     return published;
   }

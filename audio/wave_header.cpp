@@ -51,6 +51,7 @@ platform::WaveFormat MonoPcm(std::uint16_t bits, std::uint32_t samplesPerSecond)
 
 std::array<std::byte, kWaveHeaderBytes> MakeWaveHeader(const platform::WaveFormat& format,
                                                        std::uint32_t dataBytes) {
+  // Computed again: of `format` only channels, rate and bits are used.
   const auto blockAlign = static_cast<std::uint16_t>(format.bitsPerSample * format.channels / 8);
   std::array<std::byte, kWaveHeaderBytes> header{};
   FieldWriter fields(header);

@@ -40,6 +40,7 @@ PlayCode CheckHeader(std::span<const std::byte> view) {
   if (view.size() < kWaveHeaderBytes) {
     return kSoundTooShort;
   }
+  // The offsets are those of the 44-byte header, whatever chunks the file really has.
   if (!HasIdAt(view, 0, "RIFF")) {
     return kSoundNoRiff;
   }
@@ -54,6 +55,8 @@ PlayCode CheckHeader(std::span<const std::byte> view) {
 /// are none of them.
 platform::Result<std::span<const std::byte>, PlayCode> FindData(std::span<const std::byte> view) {
   for (std::size_t at = 0; at + kChunkHeaderBytes <= view.size(); at += kSearchStep) {
+    // This is a search and no walk from chunk to chunk, so a chunk with a wrong length does no
+    // harm. An id that does not begin at a multiple of four is not found.
     if (HasIdAt(view, at, "data")) {
       const std::uint32_t length = Number32At(view, at + 4);
       const auto rest = view.subspan(at + kChunkHeaderBytes);
@@ -138,6 +141,7 @@ bool WaveDevice::ReadUpTo(platform::File& file, std::uint64_t length) {
     return false;
   }
   const auto rest = std::span(m_view).subspan(there);
+  // Less than was asked for means that the file became shorter after its length was read.
   return file.Read(rest) == rest.size();
 }
 
@@ -153,6 +157,7 @@ PlayCode WaveDevice::PlaySound() {
   }
   m_waveOut = std::move(*opened);
   m_header = std::make_unique<platform::WaveHeader>();
+  // The same address without const, which the record of wave devices has no place for.
   m_header->data = m_view.data() + (data->data() - m_view.data());
   m_header->bufferLength = static_cast<std::uint32_t>(data->size());
   if (m_waveOut->Prepare(*m_header) != WaveResult::kOk) {
