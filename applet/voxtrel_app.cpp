@@ -72,6 +72,8 @@ void PrShit::OnHelp() {
 }
 
 bool VoxtrelApp::InitInstance() {
+  // The texts come before the pages that show them. If there is no memory for one of the objects,
+  // the others are made all the same.
   m_module = &m_ownModule;
   m_texts = language::LoadTexts(m_platform.files, storage::kLanguageFile, m_platform.clock);
   m_learningPage = MakeOrNull<tags::Page_one>(m_platform, m_texts);
