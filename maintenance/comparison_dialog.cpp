@@ -31,6 +31,7 @@ bool ComparisonDialog::OnInitDialog() {
 }
 
 void ComparisonDialog::CreateBar() {
+  // The template leaves room for the bar between its text and its button.
   const platform::Rect above = GetWindow().GetControlRect(resources::kComparisonTextId);
   const platform::Rect below = GetWindow().GetControlRect(resources::kComparisonCancelId);
   GetWindow().CreateProgressBar(
@@ -45,6 +46,7 @@ void ComparisonDialog::CreateBar() {
 // Runs on the thread. The search reports its share in its own steps; the bar has a hundred.
 void ComparisonDialog::Work() {
   int steps = 0;
+  // The caller of DoModal reads this after Detach has waited for the thread, so it needs no lock.
   m_found = FindNearest(m_mathematics, m_count, [this, &steps](double share) {
     for (; steps < static_cast<int>(share * kSteps); ++steps) {
       GetWindow().StepProgress(resources::kProgressBarId);
@@ -70,6 +72,7 @@ void ComparisonDialog::OnCancel() {
 void ComparisonDialog::Detach() {
   m_isGone = true;
   if (m_worker) {
+    // The wait is short: the search asks after each piece of work whether the dialog is gone.
     static_cast<void>(m_worker->Wait(platform::kNoLimit));
     m_worker.reset();
   }

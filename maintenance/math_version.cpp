@@ -47,10 +47,12 @@ bool UpdateVersion(platform::Registry& registry) {
     return false;
   }
   const RecordedVersion recorded = ReadFrom(**opened);
+  // A value that cannot be read is no reason to compute a hundred templates.
   if (recorded != RecordedVersion::kMissing && recorded != RecordedVersion::kOther) {
     return false;
   }
   std::vector<std::byte> bytes = storage::ToUtf16Bytes(kVersionText);
+  // What follows the text is zeros.
   bytes.resize(recorded == RecordedVersion::kMissing ? kBytesIfMissing : kBytesIfOther);
   // If this fails the work is done all the same, and once more the next time.
   static_cast<void>(

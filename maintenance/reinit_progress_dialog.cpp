@@ -39,6 +39,7 @@ bool ReinitProgressDialog::OnInitDialog() {
   m_mayClose = false;
   m_hasFonts = false;
   const std::int32_t tagCount = m_page == nullptr ? 0 : m_page->GetTags().tagCount;
+  // Ended while it is set up, the dialog is never shown.
   if (tagCount == 0) {
     EndDialog(0);
     return true;
@@ -68,6 +69,8 @@ void ReinitProgressDialog::CreateBar(std::int32_t tagCount) {
 }
 
 bool ReinitProgressDialog::StartMonitor(std::int32_t tagCount) {
+  // The event is there before the monitor, and the monitor before the worker runs: each uses the
+  // one before from its first step on.
   m_done = m_platform.threads.CreateManualResetEvent().value_or(nullptr);
   if (!m_done || m_page->GetWorkerEvent() == nullptr || m_page->GetReinitWorker() == nullptr) {
     return false;
@@ -98,6 +101,7 @@ void ReinitProgressDialog::OnPaint(platform::Canvas& canvas) {
   }
 }
 
+// The close box of a handheld is OK. As long as the threads work, neither closes the dialog.
 void ReinitProgressDialog::OnOK() { OnCancel(); }
 
 void ReinitProgressDialog::OnCancel() {

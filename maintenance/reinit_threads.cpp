@@ -22,6 +22,7 @@ constexpr std::uint32_t kLongestWaitForBar = 10'000;
 
 /// Returns what the list shows for the tag of a recording. Returns the bare name if no tag has it.
 std::u16string_view FindDisplayText(const storage::TagTable& tags, std::u16string_view tagName) {
+  // The count may exceed the records that the table has.
   const std::int32_t count = std::min(tags.tagCount, storage::kMaxTags);
   for (std::int32_t i = 0; i < count; ++i) {
     const storage::TagRecord& record = *tags.GetRecord(i);
@@ -47,6 +48,7 @@ void ReinitWorker::Run() {
     m_progress.End();
     return;
   }
+  // Made on this thread, which alone uses it, and given back before the thread ends.
   m_mathematics = std::make_unique<voicemath::CVoiceMathematics>(m_platform.files, m_platform.ui);
   if (ProcessAll()) {
     // Two sets before one reset are one step of the bar, so the bar may still wait for a set.
@@ -67,6 +69,7 @@ bool ReinitWorker::ProcessAll() {
   }
   for (auto found = (*search)->Next(); (!found || *found) && !m_progress.IsGone();
        found = (*search)->Next()) {
+    // A step that fails costs one file at most, so it is reported and the walk goes on.
     if (!found) {
       ReportSearchFailure();
     } else if (!Recompute((*found)->name)) {
@@ -163,6 +166,8 @@ bool ReinitMonitor::WaitForRecording() {
     return true;
   }
   platform::Event& event = *m_page->GetWorkerEvent();
+  // No limit is needed: the worker sets the event after each recording and at its end, and a dialog
+  // that goes sets it too.
   if (event.Wait(platform::kNoLimit) != platform::WaitResult::kSignalled) {
     return false;
   }

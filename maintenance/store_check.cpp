@@ -36,6 +36,7 @@ bool IsTagName(std::u16string_view name) {
          std::ranges::all_of(digits, [](char16_t c) { return c >= u'0' && c <= u'9'; });
 }
 
+/// Compares bits and not numbers. So a NaN equals itself, and 0 differs from -0.
 bool AreSameBits(std::span<const float> a, std::span<const float> b) {
   return std::ranges::equal(
       a, b, {}, [](float value) { return std::bit_cast<std::uint32_t>(value); },
@@ -59,10 +60,12 @@ class Checker {
     if (!m_tags.empty()) {
       CheckVersion();
     }
+    // Each tag is finished before the next one, so all that concerns one tag stands together.
     for (const std::u16string& tag : m_tags) {
       CheckEntry(tag);
       CheckFiles(tag);
     }
+    // What belongs to no tag comes last.
     CheckFolder(storage::kWavePattern, storage::kWaveExtension, StoreProblem::kRecordingWithoutTag);
     CheckFolder(storage::kTemplatePattern, storage::kTemplateExtension,
                 StoreProblem::kTemplateWithoutTag);
@@ -81,10 +84,13 @@ class Checker {
 
   void ReadTags() {
     const platform::OpenedKey tags = m_platform.registry.OpenKey(storage::kTagKey);
+    // Not TagStore::ListNames, which is content with the names that paths can have: here each key
+    // counts, odd ones too.
     auto name = tags ? (*tags)->EnumerateSubkey(0) : platform::Failure(tags.error());
     for (std::uint32_t i = 1; name && *name; name = (*tags)->EnumerateSubkey(i++)) {
       m_tags.push_back(std::move(**name));
     }
+    // A store without the key is new, and no tag is missing in it.
     if (!name && name.error() != RegistryError::kNotFound) {
       Report(StoreProblem::kRegistryUnreadable);
       m_hasAllTags = false;
@@ -112,6 +118,7 @@ class Checker {
     }
     if (!entry->oid) {
       Report(StoreProblem::kContact, tag);
+      // Contacts that are away know nobody, and that is no fault of the tag.
     } else if (m_contacts == ContactsState::kOpen) {
       const auto contact = m_platform.contacts.GetItemFromOid(*entry->oid);
       if (!contact && contact.error() == platform::ContactsError::kAbsent) {
@@ -126,6 +133,7 @@ class Checker {
   /// Compares the stored template with the one that the recording gives. If there is no recording
   /// to compare with, the template is only read.
   void CheckFiles(const std::u16string& tag) {
+    // The template of the recording is in kComputedSlot now, and the stored one goes next to it.
     const bool hasRecording = CheckRecording(tag);
     m_mathematics.m_loadSlot = kStoredSlot;
     const std::u16string path = storage::TemplatePath(tag);
@@ -148,6 +156,8 @@ class Checker {
       case kBadFormat:
         Report(StoreProblem::kTemplateContradicting, tag);
         break;
+      // The reader says only that the file was not opened. Whether it is missing or forbidden, the
+      // folder knows.
       default:
         Report(Exists(path) ? StoreProblem::kTemplateUnreadable : StoreProblem::kNoTemplate, tag);
         break;
@@ -161,6 +171,8 @@ class Checker {
       Report(StoreProblem::kNoRecording, tag);
       return false;
     }
+    // What the review finds odd about a good recording, such as its loudness, is no fault of the
+    // store and is not asked for here.
     const auto review = voicemath::ReviewRecording(m_mathematics, false);
     if (review && (review->isEmpty || review->hasNoFrame)) {
       Report(StoreProblem::kRecordingEmpty, tag);
@@ -169,6 +181,7 @@ class Checker {
     if (review && review->isConstant) {
       Report(StoreProblem::kRecordingSilent, tag);
     }
+    // ReadFile and not LearnFile, which would trim the recording: a check changes nothing.
     if (m_mathematics.ReadFile(kComputedSlot) != voicemath::kLearned) {
       Report(StoreProblem::kRecordingUnreadable, tag);
       return false;
@@ -200,6 +213,7 @@ class Checker {
     auto found = (*search)->Next();
     for (; found && *found; found = (*search)->Next()) {
       const std::u16string_view file = (*found)->name;
+      // The pattern ends with the extension, so each file that it found is at least as long.
       const std::u16string_view name = file.substr(0, file.size() - extension.size());
       const bool isOfTag = std::ranges::any_of(
           m_tags, [&](const std::u16string& tag) { return text::SameName(tag, name); });

@@ -19,6 +19,7 @@ struct Wording {
   std::u16string_view sentence;
 };
 
+/// The words are for scripts and never change. The sentences are for people and are translated.
 Wording WordingOf(StoreProblem problem) {
   using enum StoreProblem;
   switch (problem) {
@@ -83,6 +84,7 @@ std::string Describe(StoreProblem problem) {
   return text::ToUtf8(resources::Say(WordingOf(problem).sentence));
 }
 
+// A stale template is left: nobody knows whether it or the recording is the wrong one.
 bool IsRepairable(StoreProblem problem) {
   return problem == StoreProblem::kNoTemplate || problem == StoreProblem::kTemplateTorn ||
          problem == StoreProblem::kTemplateContradicting;

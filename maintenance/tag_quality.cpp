@@ -29,6 +29,8 @@ class TagJudge {
       m_mathematics->m_loadSlot = static_cast<std::int32_t>(i);
       const std::u16string path = storage::TemplatePath(m_tags[i].name);
       const auto read = voicemath::ReadTemplateFile(m_platform.files, path, *m_mathematics);
+      // A file that is there and whole, but cannot be read now, is another thing than none: there
+      // is nothing for the user to repair then.
       m_templates.push_back(read                                       ? TemplateState::kRead
                             : IsThere(path) && !IsDamage(read.error()) ? TemplateState::kUnread
                                                                        : TemplateState::kNone);
@@ -52,6 +54,7 @@ class TagJudge {
 
   [[nodiscard]] std::vector<AlikeTag> FindTooAlike(std::span<const std::int16_t> take,
                                                    const storage::TagEntry& entry) {
+    // A take has no file yet. Its template goes into the one slot that is no tag's.
     const std::vector<float> features =
         take.empty() ? std::vector<float>() : voicemath::ComputeLearnedTemplate(take);
     auto values = std::make_unique<float[]>(features.size());
@@ -61,6 +64,7 @@ class TagJudge {
     if (frames == 0 || !m_mathematics->SetTemplate(kScratchSlot, std::move(values), frames)) {
       return {};
     }
+    // Of as many names as there will be with this one.
     return FindAlike(kScratchSlot, entry, m_tags.size() + 1).tooAlike;
   }
 

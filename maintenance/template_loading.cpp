@@ -12,6 +12,7 @@
 
 namespace maintenance {
 
+// Each tag of a full table has a slot.
 static_assert(voicemath::CVoiceMathematics::kStoredSlots == storage::kMaxTags);
 
 platform::Result<LoadedTemplates, ProcessEnded> TemplateLoader::Load(
@@ -71,6 +72,8 @@ platform::Result<void, ProcessEnded> TemplateLoader::LoadFolder() {
 
 bool TemplateLoader::LoadTemplate(std::int32_t tag, const std::u16string& wavePath,
                                   std::u16string_view templatePath) {
+  // Templates take the slots without gaps, which the search needs. So the slot of a tag is less
+  // than its row if an earlier tag could not be read, and `tags` has the row of each slot.
   const std::size_t slot = m_loaded.tags.size();
   m_mathematics.m_loadSlot = static_cast<std::int32_t>(slot);
   if (!voicemath::ReadTemplateFile(m_platform.files, templatePath, m_mathematics)) {

@@ -39,6 +39,7 @@ TestDialog::TestDialog(const platform::Platform& platform, language::Texts texts
 
 bool TestDialog::OnInitDialog() {
   CDialog::OnInitDialog();
+  // The dialog belongs to the page and is shown again and again.
   m_lines.clear();
   m_isComplete = true;
   const std::u16string message = Compare();
@@ -67,6 +68,7 @@ std::u16string TestDialog::Compare() {
   const auto count = static_cast<std::int32_t>(loaded->tags.size());
   FoundNeighbours found = FindNearest(mathematics, count, ForASecond(m_platform.clock));
   if (!found) {
+    // The box is the user's to press, so the cursor must not say "wait" above it.
     wait.reset();
     ComparisonDialog box(m_platform, mathematics, count);
     if (box.DoModal() != framework::kIdOk) {
@@ -84,6 +86,7 @@ void TestDialog::ShowLines() {
   platform::DialogWindow& window = GetWindow();
   int extent = kFirstExtent;
   for (const TestLine& line : m_lines) {
+    // The list scrolls sideways as far as its longest line and a little more.
     const int width = window.GetTextWidth(resources::kTestListId, line.text);
     if (width > extent) {
       extent = width + kExtentAfterLine;

@@ -84,6 +84,7 @@ FoundNeighbours FindNearest(const voicemath::CVoiceMathematics& mathematics, std
   std::vector<Neighbour> nearest;
   nearest.reserve(found.size());
   for (const voicemath::Neighbour& each : found) {
+    // A tag that was compared with nobody has no neighbour, and the largest distance.
     nearest.push_back(each.index < 0 ? Neighbour() : Neighbour{each.index, each.distance});
   }
   return nearest;
@@ -91,6 +92,7 @@ FoundNeighbours FindNearest(const voicemath::CVoiceMathematics& mathematics, std
 
 NeighbourTable ToTable(std::span<const Neighbour> nearest, std::span<const std::int32_t> tags) {
   NeighbourTable table;
+  // From slots, by which the search counts, to rows of the tag table.
   for (std::size_t i = 0; i < nearest.size(); ++i) {
     const std::int32_t other = nearest[i].index;
     const std::int32_t neighbour = other < 0 ? other : tags[static_cast<std::size_t>(other)];
@@ -103,6 +105,7 @@ NeighbourTable ToTable(std::span<const Neighbour> nearest, std::span<const std::
 std::vector<std::int32_t> CountConfusions(const NeighbourTable& table, std::int32_t count) {
   std::vector<std::int32_t> confusions(static_cast<std::size_t>(std::max(count, 0)));
   for (const auto& [distance, row] : table) {
+    // How often a tag is the nearest of another: the dialer is likely to take those for it.
     if (row.neighbour >= 0 && row.neighbour < count) {
       ++confusions[static_cast<std::size_t>(row.neighbour)];
     }
@@ -135,6 +138,7 @@ std::u16string UnreadTagsMessage(const storage::TagTable& tags, const LoadedTemp
   std::u16string message;
   if (!loaded.unread.empty()) {
     message = std::u16string(resources::Say(resources::kTagsNotCompared)).append(u"\n\n");
+    // A box with a line for each of a hundred names would be higher than the screen.
     const bool hasLines = loaded.unread.size() <= kNamesWithLines;
     std::u16string_view separator;
     for (const std::int32_t tag : loaded.unread) {
