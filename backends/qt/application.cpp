@@ -13,6 +13,8 @@
 namespace qt {
 namespace {
 
+/// The library ends the process if it finds no display, so this asks the environment before it. A
+/// platform that was named by hand, such as "offscreen", needs none.
 bool HasDisplay() {
   return !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") ||
          !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") || !qEnvironmentVariableIsEmpty("DISPLAY");
@@ -55,11 +57,14 @@ void FollowDesktopLanguage() {
   resources::ChooseLanguage(language);
   // Never destroyed, as the application object may outlive what is static here.
   static auto* const kTranslator = new QTranslator;
+  // A second call may choose another language, and a translator that is installed twice answers
+  // twice.
   QCoreApplication::removeTranslator(kTranslator);
   if (language.empty()) {
     return;
   }
   const QString name =
+      // The library names its files by country for Chinese, and by language for the others.
       language == "zh-Hans" ? QStringLiteral("zh_CN") : QString::fromUtf8(language.data(), 2);
   if (kTranslator->load(QStringLiteral("qtbase_") + name,
                         QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {

@@ -36,6 +36,7 @@ void FitLabel(Control& control, const QString& text) {
   const int wanted = control.label->fontMetrics().horizontalAdvance(text) + 1;
   const int given = control.room;
   if (control.description.kind == resources::ControlKind::kStatic) {
+    // As narrow as the text, so that a click to the right of it reaches what lies under the label.
     control.label->resize(std::min(std::max(wanted, 1), given), control.label->height());
   }
   const QString hidden = wanted > given ? text : QString();
@@ -61,6 +62,7 @@ void ShowLabel(Control& control, const QString& text) {
         style.sizeFromContents(QStyle::CT_CheckBox, &option, QSize(0, 0), control.widget);
     return control.widget->width() - taken.width();
   }
+  // The style would leave much more room at both ends, which narrow buttons do not have.
   return control.widget->width() - 2 * kButtonMargin;
 }
 
@@ -84,6 +86,7 @@ void ShowLabel(Control& control, const QString& text) {
 void ShowButton(Control& control, const QString& text) {
   QAbstractButton& button = *control.button;
   QFont font = GivenFont(button);
+  // The next text may be shorter, and is fitted from the given font again.
   button.setProperty(kGivenFont, font);
   if (control.letters > 0) {
     font.setPixelSize(control.letters);
@@ -118,6 +121,7 @@ int FittingLetters(const Control& control) {
   QFont font = GivenFont(*control.button);
   const QString text = ToQString(control.text);
   const int smallest = static_cast<int>(font.pixelSize() * kSmallestLetters);
+  // The letters become smaller only after they are as narrow as they may be.
   font.setStretch(kWidths.back());
   while (QFontMetrics(font).horizontalAdvance(text) > RoomForText(control) &&
          font.pixelSize() > smallest) {
@@ -176,6 +180,7 @@ void MakeCombo(Control& control, QWidget& surface) {
   control.widget = control.combo;
   if (control.description.kind == ControlKind::kEditableComboBox) {
     control.combo->setEditable(true);
+    // The classic box lets the user type what is in no item. A completer would change it.
     control.combo->setCompleter(nullptr);
   }
 }
@@ -204,6 +209,7 @@ void MakeWidget(Control& control, QWidget& surface, Pictures& pictures) {
     case ControlKind::kPushButton:
     case ControlKind::kDefaultPushButton: {
       auto* button = new QPushButton(&surface);
+      // Enter presses the button that has the focus, and the default button otherwise.
       button->setAutoDefault(true);
       return SetButton(control, button);
     }
@@ -213,6 +219,7 @@ void MakeWidget(Control& control, QWidget& surface, Pictures& pictures) {
       return SetButton(control, new PictureButton(&surface, pictures, control.description.id));
     case ControlKind::kGroupBox:
       control.widget = new QGroupBox(&surface);
+      // A frame is listed with the controls in it. Under them it leaves them the mouse.
       control.widget->lower();
       return;
   }
@@ -223,6 +230,7 @@ void Place(Control& control, Pictures& pictures) {
   if (control.combo != nullptr) {
     const int dropped = place.height();
     place.setHeight(ToDesktop(platform::ToPixels({0, 0, 0, kClosedComboUnits}).Height()));
+    // The open list shows as many lines as fit into the height that the template gives it.
     const int line = std::max(1, control.combo->fontMetrics().height() + 2);
     control.combo->setMaxVisibleItems(std::max(kFewestLines, (dropped - place.height()) / line));
   } else if (control.description.kind == ControlKind::kPicture) {

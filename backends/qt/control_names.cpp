@@ -27,6 +27,7 @@ using resources::ControlKind;
 void MakeSpokenLabel(Control& control) {
   control.spoken = new QLabel(control.widget->parentWidget());
   control.spoken->setTextFormat(Qt::PlainText);
+  // Of no size, so it is there for screen readers and for nobody's eyes.
   control.spoken->setGeometry(QRect(control.widget->pos(), QSize(0, 0)));
   control.spoken->setBuddy(control.widget);
 }

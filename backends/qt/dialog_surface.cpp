@@ -13,6 +13,8 @@ namespace qt {
 namespace {
 
 [[nodiscard]] std::optional<resources::Key> ToKey(const QKeyEvent& event) {
+  // A key with Ctrl or Alt means something else, and the same key of the number block means the
+  // same.
   if ((event.modifiers() & ~Qt::KeypadModifier) != Qt::NoModifier) {
     return std::nullopt;
   }
@@ -56,6 +58,7 @@ DialogSurface::DialogSurface(const resources::DialogTemplate& dialog,
       m_handler(handler),
       m_pictures(pictures) {
   setObjectName(QStringLiteral("dialog_%1").arg(dialog.id));
+  // A dialog has the size of its template, scaled. The pages know nothing of a window that grows.
   setFixedSize(ToDesktop(m_client).size());
   setFont(DialogFont());
   setPalette(DialogPalette());

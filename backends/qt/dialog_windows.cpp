@@ -91,6 +91,7 @@ DialogFrame::DialogFrame(const resources::DialogTemplate& dialog, platform::Dial
   }
   QWidget* before = nullptr;
   for (QWidget* widget : m_dialog.GetTabChain()) {
+    // The first control in the order of Tab has the focus, as in classic dialogs.
     if (before == nullptr) {
       widget->setFocus();
     } else {
@@ -151,6 +152,7 @@ void QtSheet::MakeTabs() {
   QSize largest;
   for (const platform::SheetPage& page : m_pages) {
     const auto client = platform::ToPixels({0, 0, page.dialog.width, page.dialog.height});
+    // All pages get the size of the largest, so the sheet does not jump when the tabs are turned.
     largest = largest.expandedTo(ToDesktop(client).size());
   }
   // On a narrow screen the pages get the room of the margins.
@@ -225,6 +227,8 @@ void QtSheet::TurnTabs(int step) {
 }
 
 void QtSheet::Init() {
+  // The sheet has its tabs now, and its handler may name them. The first page is set up after that.
+  // Turning the tabs is heard from then on, so no page is set up before the user looks at it.
   m_handler.OnInitSheet(*this);
   if (!m_pages.empty()) {
     ShowPage(0);
@@ -257,6 +261,7 @@ void QtSheet::ShowPage(std::size_t page) {
 // Enter presses the default button of the page, or OK if the page has none.
 void QtSheet::ChooseDefaultButton(std::size_t page) {
   QPushButton* ofPage = m_shown[page]->GetDefaultButton();
+  // Only one button of a window can be the default one. The library takes the mark from the other.
   (ofPage == nullptr ? m_okButton : ofPage)->setDefault(true);
 }
 

@@ -30,6 +30,8 @@ void Frame::Run() {
 }
 
 void Frame::End() {
+  // Noted also if the window is not running yet: a dialog can end while it is set up, and Run then
+  // shows nothing.
   m_isOver = true;
   if (m_loop != nullptr) {
     m_loop->quit();

@@ -18,6 +18,8 @@
 namespace qt {
 namespace {
 
+/// Whether all windows but message boxes look dead (DrawAsBusy). The style is one object for the
+/// whole process, so this stands here. User-interface thread only.
 bool g_isBusy = false;
 
 /// Makes the style draw a control of a window that takes no input now as a disabled one.
@@ -59,6 +61,9 @@ void DrawEdge(QPainter& painter, const QRect& area, const QColor& color) {
   }
 }
 
+/// The look of all windows: the library's own style Fusion, with the few corrections that the
+/// dialogs need. It is the same on every desktop, since the dialogs have fixed sizes that were
+/// drawn for one style.
 class Look final : public QProxyStyle {
  public:
   Look() : QProxyStyle(QStringLiteral("fusion")) {}
@@ -68,6 +73,7 @@ class Look final : public QProxyStyle {
     switch (hint) {
       case SH_UnderlineShortcut:
         return 1;
+      // The list of a combo box opens under it and not over it, so the chosen item stays in sight.
       case SH_DialogButtonBox_ButtonsHaveIcons:
       case SH_ComboBox_Popup:
         return 0;
@@ -145,6 +151,7 @@ class Look final : public QProxyStyle {
   constexpr auto kLinear = [](double part) {
     return part <= 0.03928 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
   };
+  // The weights of red, green and blue in the sRGB colour space: the eye sees green best.
   return 0.2126 * kLinear(color.redF()) + 0.7152 * kLinear(color.greenF()) +
          0.0722 * kLinear(color.blueF());
 }
@@ -152,6 +159,8 @@ class Look final : public QProxyStyle {
 [[nodiscard]] double Contrast(const QColor& a, const QColor& b) {
   const double lighter = std::max(Lightness(a), Lightness(b));
   const double darker = std::min(Lightness(a), Lightness(b));
+  // The contrast ratio of the Web Content Accessibility Guidelines: 1 is none, 21 is black on
+  // white. 0.05 stands for the light that every screen reflects.
   return (lighter + 0.05) / (darker + 0.05);
 }
 
@@ -159,6 +168,7 @@ class Look final : public QProxyStyle {
 
 namespace {
 
+// Desktop pixels for one pixel of the device, whose screen was much coarser.
 constexpr double kUsualScale = 1.5;
 double g_scale = kUsualScale;
 
@@ -168,6 +178,7 @@ constexpr double kLargestScale = 3;
 
 /// In quarters, so that lines and edges stay sharp.
 double ScaleFor(double points) {
+  // Who has chosen larger letters for the desktop gets larger dialogs, in the same proportion.
   const double quarters = std::round(4 * kUsualScale * points / kUsualPoints);
   return std::clamp(quarters / 4, kUsualScale, kLargestScale);
 }
@@ -177,6 +188,8 @@ double ScaleFor(double points) {
 double Scale() { return g_scale; }
 
 void ApplyLook() {
+  // Asked each time, since the user may change the letters while the process runs. The style is set
+  // once: setting it again would lay out every window again.
   g_scale = ScaleFor(QFontInfo(QApplication::font()).pointSizeF());
   static bool isApplied = false;
   if (!isApplied) {
@@ -201,6 +214,8 @@ void DrawAsBusy(bool isBusy) {
 }
 
 QPalette DialogPalette() {
+  // A light palette whatever the desktop's theme is: the pages paint black text and pictures for a
+  // light surface.
   const QColor surface(0xF6, 0xF7, 0xF9);
   const QColor ink(0x1B, 0x1F, 0x27);
   const QColor faint(0x8A, 0x90, 0x9B);
@@ -255,6 +270,7 @@ QFont MakeFont(const platform::Font& font) {
   made.setWeight(static_cast<QFont::Weight>(font.weight));
   // The height is that of a line, but a font is chosen by the size of its letters.
   constexpr int kProbe = 100;
+  // Measured at a large size, since the library rounds what it says of small letters.
   made.setPixelSize(kProbe);
   const QFontMetricsF metrics(made);
   const double line = metrics.ascent() + metrics.descent();

@@ -81,9 +81,11 @@ QWidget* MessageDialog::MakeBody(const platform::MessageBox& box) {
   m_text->setObjectName(QStringLiteral("text"));
   m_text->setFrameShape(QFrame::NoFrame);
   m_text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+  // Tab goes on to the buttons and writes no tab into a text that nobody can edit.
   m_text->setTabChangesFocus(true);
   m_text->installEventFilter(this);
   m_text->setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+  // The text looks like a label: no frame, no background and no margin of its own.
   m_text->viewport()->setAutoFillBackground(false);
   QPalette palette = m_text->palette();
   palette.setColor(QPalette::Text, palette.color(QPalette::WindowText));
@@ -139,10 +141,12 @@ QWidget* MessageDialog::MakeButtons() {
 }
 
 void MessageDialog::OnCloseBox() {
+  // A box that offers no choice is answered by closing it, as on the classic desktop.
   Answer(m_canCancel ? MessageAnswer::kCancel : MessageAnswer::kOk);
 }
 
 void MessageDialog::Answer(MessageAnswer answer) {
+  // A second click can be in the queue already when the first is answered.
   if (IsOver()) {
     return;
   }

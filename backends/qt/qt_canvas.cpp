@@ -21,6 +21,7 @@ void Pictures::Draw(QPainter& painter, const QPointF& at, int picture) {
   if (found.drawing) {
     found.drawing->render(&painter, area);
   } else if (!found.image.isNull()) {
+    // The painter is scaled, so the points of a picture do not fall on those of the screen.
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     painter.drawImage(area, found.image);
   }
@@ -36,6 +37,7 @@ Pictures::Picture& Pictures::Find(int picture) {
   const std::span<const std::byte> bytes = m_source.getBytes(picture);
   const QByteArray data(static_cast<const char*>(static_cast<const void*>(bytes.data())),
                         static_cast<qsizetype>(bytes.size()));
+  // A picture of points or one of lines: the bytes say which.
   if (found.image.loadFromData(data, "PNG")) {
     found.size = found.image.size();
   } else if (!data.isEmpty()) {
@@ -89,6 +91,8 @@ void QtCanvas::DrawLine(platform::Point from, platform::Point to, platform::Colo
     m_painter.restore();
     return;
   }
+  // A level or upright line is a filled rectangle, which has sharp edges at every scale. Both ends
+  // belong to the line, so one is added to the larger one.
   const QPointF leftTop(Snap(std::min(from.x, to.x)), Snap(std::min(from.y, to.y)));
   // The thickness of a line that begins at the origin, so all lines are equally thick.
   const double thickness = Snap(1);
@@ -118,6 +122,7 @@ void QtCanvas::DrawLineOfText(const QPointF& at, std::u16string_view text,
   m_painter.setFont(made);
   m_painter.setPen(ToQColor(color));
   m_texts.append(OneLine(text));
+  // The page names the top of the line, and the library wants its base line.
   m_painter.drawText(QPointF(at.x(), at.y() + QFontMetricsF(made).ascent()),
                      WithNumbersInOrder(m_texts.back()));
 }

@@ -28,6 +28,8 @@ QtDialog::QtDialog(const resources::DialogTemplate& dialog, platform::DialogHand
     }
   };
   MakeControls(pictures);
+  // Last, when there are controls to ask about. Links are asked of the handler, so they come after
+  // it.
   m_handler.Attach(*this);
   MakeLinks();
 }
@@ -47,6 +49,8 @@ void QtDialog::MakeControls(Pictures& pictures) {
       });
     }
   }
+  // The order matters. A label's room must be known before its text is fitted, and each text must
+  // be shown before a name is made of it.
   GiveLabelsRoom();
   TieLabels(m_controls);
   for (Control& control : m_controls) {
@@ -153,6 +157,7 @@ bool QtDialog::PressKey(int control, resources::Key key) {
 }
 
 void QtDialog::PostCommand(int id) {
+  // An empty call: if nothing else is going on, its end has the command delivered.
   m_posted.push_back(id);
   Call([] {});
 }
@@ -161,6 +166,7 @@ void QtDialog::DeliverPosted() {
   if (m_callDepth > 0) {
     return;  // This is called again after that call.
   }
+  // A command may post another one. A dialog that has ended gets no more of them.
   while (!m_posted.empty() && !m_result) {
     const int id = m_posted.front();
     m_posted.pop_front();
@@ -185,6 +191,7 @@ void QtDialog::CallHere(const std::function<void(QtDialog&)>& call) {
 
 void QtDialog::EndDialog(int result) {
   CallHere([result](QtDialog& dialog) {
+    // The first result counts. A worker may end a dialog in the moment in which the user does.
     if (!dialog.m_result) {
       dialog.m_result = result;
       if (dialog.m_onEnd) {
@@ -213,6 +220,7 @@ std::vector<QWidget*> QtDialog::GetTabChain() const {
       chain.push_back(control.widget);
     }
   }
+  // What is painted has no place among the controls, so links come after all of them.
   chain.insert(chain.end(), m_links.begin(), m_links.end());
   return chain;
 }

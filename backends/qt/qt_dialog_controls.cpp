@@ -42,6 +42,7 @@ void ShowSelection(const Control& control) {
     }
     return;
   }
+  // A list keeps a current row for the keyboard even when no row is selected. Both are set.
   control.list->setCurrentRow(row);
   if (row < 0) {
     control.list->clearSelection();
@@ -76,6 +77,7 @@ void QtDialog::ChangeText(int id, const std::u16string& text) {
     }
     ShowText(*control);
     if (IsPushButton(*control) || IsCheckBox(*control)) {
+      // All buttons again: the sizes of their letters and their mnemonics depend on each other.
       ShowButtons(m_controls);
     }
     Rename();
@@ -150,6 +152,8 @@ bool QtDialog::IsChecked(int id) const {
 
 platform::Rect QtDialog::GetControlRect(int id) const {
   const Control* control = Find(id);
+  // From the template and not from the widget: pages compute in pixels of the device, which must
+  // come out alike at every scale.
   return control == nullptr ? platform::Rect() : platform::ToPixels(control->description.rect);
 }
 
@@ -169,6 +173,8 @@ void QtDialog::Hear(Control& control) {
     QObject::connect(combo, &QComboBox::currentIndexChanged, combo, select);
     QObject::connect(combo, &QComboBox::editTextChanged, combo,
                      [&control](const QString& typed) { control.items->SetField(ToText(typed)); });
+    // Not the change of the index but the user's choice: it comes also if the same item is chosen
+    // again, and pages read the contact again then.
     QObject::connect(combo, &QComboBox::activated, combo, tellChoice);
   } else if (ListBox* list = control.list) {
     QObject::connect(list, &QListWidget::itemSelectionChanged, list, select);
@@ -210,6 +216,7 @@ void QtDialog::DeleteItem(int id, int index) {
     if (control->combo != nullptr) {
       control->combo->removeItem(index);
     } else {
+      // The list gives up the item, which somebody has to delete.
       const std::unique_ptr<QListWidgetItem> gone(control->list->takeItem(index));
     }
   });

@@ -19,6 +19,7 @@ namespace {
 
 /// Returns the native window and makes it if there is none yet.
 [[nodiscard]] QWindow* NativeWindow(QWidget& window) {
+  // Asking for the identifier makes the window. It is the documented way.
   static_cast<void>(window.winId());
   return window.windowHandle();
 }
@@ -72,6 +73,8 @@ void WindowStack::RunModal(Frame& frame) {
     return;
   }
   frame.setWindowModality(Qt::ApplicationModal);
+  // A worker's box that is open moves above the new window, and back when that one has gone.
+  // Otherwise a box that must be answered would lie under a window that must be answered first.
   PutBoxesAbove(&frame);
   m_modal.push_back(&frame);
   frame.Run();
@@ -233,9 +236,12 @@ void QtUi::RunModal(Frame& frame) {
 
 int QtUi::RunDialog(const resources::DialogTemplate& dialog, platform::DialogHandler& handler) {
   Begin();
+  // The handler hears of its window and sets it up before anything is shown. If it ends the dialog
+  // there, RunModal returns at once.
   DialogFrame frame(dialog, handler, m_thread, m_pictures, m_windows->GetTop());
   frame.GetDialog().Init();
   RunModal(frame);
+  // A dialog without a result was ended by the end of the program.
   return frame.GetDialog().GetResult().value_or(framework::kIdCancel);
 }
 
@@ -248,6 +254,7 @@ bool QtUi::RunSheet(std::u16string_view caption, std::span<const platform::Sheet
   }
   sheet.Init();
   if (m_remark.second) {
+    // After Init, since the remark is about a box that the page fills.
     sheet.AddRemark(m_remark.first, m_remark.second);
   }
   RunModal(sheet);

@@ -55,6 +55,8 @@ QString WithNumbersInOrder(const QString& text) {
   static const QRegularExpression kNumber(
       QStringLiteral("([+*#(]*\\d(?:[\\d*#)+]|[ ()./,;-]+(?=[\\d*#+]))*)"),
       QRegularExpression::UseUnicodePropertiesOption);
+  // Unicode's isolates: what stands between them is ordered from the left, and the text around them
+  // as if one sign stood there.
   constexpr QChar kBeginFromTheLeft(0x2066);
   constexpr QChar kEnd(0x2069);
   QString marked = text;
@@ -66,6 +68,7 @@ std::vector<std::optional<qsizetype>> ChooseMnemonics(const std::vector<QString>
   std::vector<std::optional<qsizetype>> places;
   places.reserve(texts.size());
   for (const QString& text : texts) {
+    // The buttons choose in their order, so the first ones get the letters that users expect.
     const auto place = Choose(text, taken);
     if (place) {
       taken.insert(text.at(*place).toLower());
@@ -79,6 +82,7 @@ QString WithMnemonic(const QString& text, std::optional<qsizetype> place) {
   if (!place) {
     return WithoutMnemonic(text);
   }
+  // A "&" of the text itself is doubled by WithoutMnemonic. The single one marks the next letter.
   return WithoutMnemonic(text.left(*place)) + u'&' + WithoutMnemonic(text.mid(*place));
 }
 

@@ -18,6 +18,7 @@
 namespace qt {
 namespace {
 
+/// Closing a window counts as input: the page is in the middle of its work and could not go.
 [[nodiscard]] bool IsInput(QEvent::Type type) {
   switch (type) {
     case QEvent::MouseButtonPress:
@@ -86,6 +87,7 @@ namespace {
 }  // namespace
 
 void InputGate::Close() {
+  // Waits nest: a message box of a worker can lead to another wait. The outermost one counts.
   if (m_depth++ == 0) {
     qApp->installEventFilter(this);
     DrawAsBusy(true);
@@ -133,6 +135,8 @@ void UiThread::Await(const std::function<void()>& blocking) {
     blocking();
     return;
   }
+  // The gate is closed before the helper starts and opened after it has ended, so no event of the
+  // user comes between.
   m_gate.Close();
   ServeUntilDone(blocking);
   m_gate.Open();

@@ -26,6 +26,7 @@ bool LineDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view,
   if (event->type() != QEvent::ToolTip || !index.isValid()) {
     return QStyledItemDelegate::helpEvent(event, view, option, index);
   }
+  // A line that is cut off shows itself in the tool tip. One that fits shows what is said of it.
   const bool fits = sizeHint(option, index).width() <= view->viewport()->width();
   const QString text = index.data(Qt::DisplayRole).toString();
   const QString remark = index.data(Qt::ToolTipRole).toString();
@@ -48,6 +49,7 @@ bool ComboBox::event(QEvent* event) {
   }
   QStyleOptionComboBox shown;
   initStyleOption(&shown);
+  // The style option holds what is shown, shortened if the field is too narrow.
   const bool isWhole = shown.currentText == WithNumbersInOrder(currentText());
   QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(),
                      isWhole ? QString() : AsToolTip(currentText()), this);
@@ -102,12 +104,15 @@ void ListBox::SetExtent(int extent) {
 
 QItemSelectionModel::SelectionFlags ListBox::selectionCommand(const QModelIndex& index,
                                                               const QEvent* event) const {
+  // A click below the last line keeps the selection, as the classic list does.
   if (!index.isValid()) {
     return QItemSelectionModel::NoUpdate;
   }
   const auto command = QListWidget::selectionCommand(index, event);
   const bool takesBack = command.testFlag(QItemSelectionModel::Deselect) ||
                          command.testFlag(QItemSelectionModel::Toggle);
+  // Ctrl and a click would take the selection back. A classic list of one selection has no way to
+  // that.
   return takesBack ? QItemSelectionModel::ClearAndSelect : command;
 }
 
@@ -142,6 +147,7 @@ void ListBox::focusOutEvent(QFocusEvent* event) {
 void ListBox::updateGeometries() {
   QListWidget::updateGeometries();
   QScrollBar* bar = horizontalScrollBar();
+  // The page names how far the list scrolls. The library only knows the lines in sight.
   bar->setMaximum(std::max(bar->maximum(), m_extent - viewport()->width()));
 }
 
@@ -175,6 +181,7 @@ constexpr int kFrameDistance = 3;
 LinkArea::LinkArea(QWidget* parent, const QRect& link) : QAbstractButton(parent) {
   setGeometry(
       link.marginsAdded(QMargins(kFrameDistance, kFrameDistance, kFrameDistance, kFrameDistance)));
+  // The mouse presses the page itself, which knows its links. The area is for the keyboard alone.
   setAttribute(Qt::WA_TransparentForMouseEvents);
   setFocusPolicy(Qt::TabFocus);
   setObjectName(QStringLiteral("link"));
