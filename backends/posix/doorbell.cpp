@@ -30,6 +30,8 @@ const sockaddr* Generic(const sockaddr_un& address) {
   return reinterpret_cast<const sockaddr*>(&address);
 }
 
+/// Datagrams: a ring is one message, whole or not at all, and needs no connection that somebody
+/// would have to accept. Neither side ever waits for the other.
 Descriptor MakeSocket() {
   return Descriptor(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
 }
@@ -51,6 +53,7 @@ std::string DigitsOf(std::string_view text) {
 }  // namespace
 
 Doorbell::~Doorbell() {
+  // Only by the one who hung it. A socket whose process was killed stays, and Hang replaces it.
   if (!m_path.empty()) {
     ::unlink(m_path.c_str());
   }
@@ -62,10 +65,12 @@ bool Doorbell::Hang(const std::string& path) {
   if (!address || !bell.IsOpen()) {
     return false;
   }
+  // Left by a process that was killed: the caller holds the mutex, so nobody else answers there.
   ::unlink(path.c_str());
   if (::bind(bell.Get(), Generic(*address), sizeof(*address)) != 0) {
     return false;
   }
+  // Only the user's own programs may ring.
   static_cast<void>(::chmod(path.c_str(), S_IRUSR | S_IWUSR));
   m_socket = std::move(bell);
   m_path = path;
@@ -94,6 +99,7 @@ std::string Doorbell::PathFor(const std::string& runtimeFolder, const std::strin
     real = real.parent_path();  // One folder by either name, with or without a "/" at the end.
   }
   const std::string name = error ? root : real.native();
+  // The desktop's folder for sockets goes with the session. Without one the root holds the bell.
   const std::string& folder = runtimeFolder.starts_with('/') ? runtimeFolder : name;
   return folder + "/voxtrel-" + DigitsOf(name) + ".socket";
 }

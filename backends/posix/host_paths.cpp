@@ -84,6 +84,8 @@ Result<std::vector<std::string>, FileError> ListFolder(const std::string& folder
   }
   std::vector<std::string> names;
   errno = 0;
+  // The call returns null at the end and after a failure. Only errno tells the two apart, and a
+  // call that succeeds leaves errno as it was.
   while (const dirent* entry = ::readdir(stream.get())) {
     const std::string_view name = entry->d_name;
     if (name != "." && name != "..") {
@@ -98,6 +100,8 @@ Result<std::vector<std::string>, FileError> ListFolder(const std::string& folder
 }
 
 Result<HostPlace, FileError> FindPlace(const std::string& root, std::u16string_view path) {
+  // A path of the device begins with a backslash and lies below the root. Any other is a path of
+  // the host, which the user has typed, and is taken as it is.
   if (text::IsDevicePath(path)) {
     return FindDevicePlace(root, path);
   }
@@ -112,6 +116,7 @@ Result<HostPlace, FileError> FindPlace(const std::string& root, std::u16string_v
 }
 
 Result<std::string, FileError> FollowLinks(std::string path) {
+  // As many as the system itself follows, so a circle of links ends.
   constexpr int kMostLinks = 40;
   for (int i = 0; i < kMostLinks; ++i) {
     std::array<char, 4096> target{};
@@ -120,6 +125,7 @@ Result<std::string, FileError> FollowLinks(std::string path) {
       return path;
     }
     const std::string_view link(target.data(), static_cast<std::size_t>(length));
+    // A relative link counts from the folder in which it lies.
     path = link.starts_with('/') ? std::string(link) : FolderOf(path) + std::string(link);
   }
   return Failure(ToFileError(ELOOP));
@@ -140,6 +146,8 @@ Result<void, FileError> SetRights(int descriptor, mode_t rights) {
   if (::fstat(descriptor, &status) != 0) {
     return FailureFromErrno();
   }
+  // Some file systems, such as those of memory cards, know no rights. There nothing can be taken
+  // from others, and files must be written all the same.
   if ((status.st_mode & kAllRights) == rights || ::fchmod(descriptor, rights) == 0 ||
       errno == EPERM || errno == EOPNOTSUPP) {
     return {};
@@ -180,6 +188,7 @@ Result<void, FileError> MakeFolder(const std::string& path) {
 }
 
 Result<void, FileError> MakeFolders(const std::string& path) {
+  // From the outermost folder inwards. A folder that is there already is no failure on the way.
   for (std::size_t end = path.find('/', 1);; end = path.find('/', end + 1)) {
     const auto made = MakeFolder(path.substr(0, end));
     if (end == std::string::npos) {

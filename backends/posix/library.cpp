@@ -61,6 +61,8 @@ platform::Result<void*, std::string> LoadFunction(std::span<const std::filesyste
                                  ? std::string("it is not known where this program is")
                                  : libraries.front().filename().native() + " is missing");
   }
+  // All symbols are found now, so a library that lacks one fails here and not in the middle of a
+  // call.
   void* const handle = ::dlopen(library->c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
   void* const address = handle == nullptr ? nullptr : ::dlsym(handle, name);
   if (address == nullptr) {
@@ -78,6 +80,7 @@ platform::IconHandle PosixModule::LoadIcon(int id) {
     if (!file.IsOpen()) {
       return platform::kNoIcon;
     }
+    // The next request gets the same file, so a panel that asks often opens no more descriptors.
     loaded = m_icons.emplace(id, std::move(file)).first;
   }
   return static_cast<platform::IconHandle>(loaded->second.Get());

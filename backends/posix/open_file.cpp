@@ -40,6 +40,7 @@ bool RefusesLinks(const OpenMode& mode) {
   return Writes(mode) || mode.creation != FileCreation::kOpenExisting;
 }
 
+/// Whether opening alone changes the file, or the holder may.
 bool Changes(const OpenMode& mode) {
   return Writes(mode) || mode.creation == FileCreation::kCreateAlways;
 }
@@ -51,6 +52,7 @@ Result<void, FileError> CheckStatus(const struct stat& status, const OpenMode& m
   return {};
 }
 
+/// What the system is asked for. What the holder may do is PosixFile's to check.
 int AccessFlag(const OpenMode& mode) {
   // Emptying a file takes a descriptor that may write, even if the holder may not.
   const bool empties = mode.creation == FileCreation::kCreateAlways;
@@ -80,6 +82,7 @@ Descriptor OpenExisting(const std::string& path, const OpenMode& mode, int flags
 
 /// Returns false only if another holder is in the way.
 bool Lock(int descriptor, const OpenMode& mode) {
+  // A reader that shares is one of many. Everybody else wants to be alone with the file.
   const bool isShared = mode.share == platform::FileShare::kRead && !Changes(mode);
   const int operation = (isShared ? LOCK_SH : LOCK_EX) | LOCK_NB;
   return Retry([&] { return ::flock(descriptor, operation); }) == 0 || errno != EWOULDBLOCK;
@@ -102,6 +105,7 @@ Result<void, FileError> Look(const std::string& path, const OpenMode& mode, bool
 
 Descriptor OpenOrMake(const std::string& path, const OpenMode& mode, bool isThere) {
   const int flags = RefusesLinks(mode) ? kOpenFlags | O_NOFOLLOW : kOpenFlags;
+  // A new file is made by O_EXCL, so that of two who make it at the same time only one succeeds.
   return isThere ? OpenExisting(path, mode, flags) : Descriptor(Retry([&] {
     return ::open(path.c_str(), AccessFlag(mode) | flags | O_CREAT | O_EXCL, kOwnerFile);
   }));
@@ -142,6 +146,7 @@ std::optional<Result<LockedFile, FileError>> TryOpenLocked(const std::string& pa
   }
   LockedFile file{OpenOrMake(*target, mode, isThere), std::move(*target)};
   if (!file.descriptor.IsOpen()) {
+    // What was there is gone or became a link, or what was not there has come.
     const bool isSwapped =
         isThere ? errno == ENOENT || (refusesLinks && errno == ELOOP) : errno == EEXIST;
     if (isSwapped) {
@@ -160,6 +165,8 @@ std::optional<Result<LockedFile, FileError>> TryOpenLocked(const std::string& pa
     return Failure(FileError::kSharingViolation);
   }
   struct stat current {};
+  // The lock is on the file and not on its name. If the name leads elsewhere by now, the lock keeps
+  // nobody away from what others would open.
   if (::stat(file.path.c_str(), &current) != 0 || !IsSameFile(status, current)) {
     return std::nullopt;
   }
@@ -177,6 +184,8 @@ Result<LockedFile, FileError> OpenLocked(const std::string& path, const OpenMode
                                          Others others) {
   constexpr int kMostAttempts = 100;
   for (int i = 0; i < kMostAttempts; ++i) {
+    // An attempt fails so only if another process was quicker. Many in a row mean that others use
+    // the file all the time.
     if (auto file = TryOpenLocked(path, mode, others)) {
       return std::move(*file);
     }

@@ -82,6 +82,7 @@ Result<void, FileError> PosixFile::Seek(std::uint64_t offset) {
   if (!m_descriptor.IsOpen()) {
     return Failure(FileError::kClosed);
   }
+  // A place after the end is allowed, as on the device: a write there fills the gap with zeros.
   m_position = offset;
   return {};
 }
@@ -168,6 +169,8 @@ Result<void, FileError> PosixFile::Flush() {
   if (Retry([&] { return ::fsync(m_descriptor.Get()); }) != 0) {
     return FailureFromErrno();
   }
+  // The name of a new file is an entry of its folder, and is on the medium only when the folder is.
+  // Once is enough, since the name does not change.
   if (!m_unsyncedFolder.empty()) {
     if (const auto synced = SyncFolder(m_unsyncedFolder); !synced) {
       return synced;

@@ -24,6 +24,8 @@ using platform::FileError;
 using platform::FoundFile;
 using platform::Result;
 
+/// A search that is done when it begins: what changes in the folder later is not seen. So a caller
+/// may delete what it finds while it goes on.
 class PosixSearch final : public platform::FileSearch {
  public:
   explicit PosixSearch(std::vector<FoundFile> found) : m_found(std::move(found)) {}
@@ -82,6 +84,7 @@ Result<std::vector<FoundFile>, FileError> FindMatches(const HostPlace& pattern) 
 }
 
 void TakeRightsOfOthers(const std::string& path, const struct stat& status) {
+  // A folder such as /tmp is everybody's on purpose.
   const bool isOfAll = S_ISDIR(status.st_mode) && (status.st_mode & S_ISVTX) != 0;
   if (!isOfAll && (status.st_mode & (S_IRWXG | S_IRWXO)) != 0) {
     static_cast<void>(::chmod(path.c_str(), status.st_mode & S_IRWXU));
@@ -89,6 +92,8 @@ void TakeRightsOfOthers(const std::string& path, const struct stat& status) {
 }
 
 Others OthersOf(std::u16string_view path) {
+  // What lies below the root is this program's own, and private: names and voices. A file elsewhere
+  // is the user's, who has chosen its rights.
   return text::IsDevicePath(path) ? Others::kLoseRights : Others::kKeepRights;
 }
 
@@ -130,11 +135,13 @@ Result<void, FileError> PosixFileSystem::Delete(std::u16string_view path) {
     }
     const std::string hostPath = place->Path();
     const bool isLink = IsLink(hostPath);
+    // Below the root a link is removed as a file. Elsewhere the user has made it, and keeps it.
     if (isLink && !text::IsDevicePath(path)) {
       return Failure(FileError::kLink);
     }
     // Locked until the entry is gone, so that nobody becomes a holder in between.
     const auto file = OpenForRemoval(hostPath);
+    // A link that leads nowhere has no file to lock.
     const bool goes = file || (isLink && file.error() == FileError::kNotFound);
     if (!goes) {
       return Failure(file.error());
@@ -170,6 +177,7 @@ Result<std::unique_ptr<platform::FileSearch>, FileError> PosixFileSystem::Find(
     if (!place) {
       return Failure(place.error());
     }
+    // A name without wildcards is looked up and not searched for, which does not read the folder.
     auto found = text::HasWildcards(text::FromHostName(place->name))
                      ? FindMatches(*place)
                      : Describe(*place).map(

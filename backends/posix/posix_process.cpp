@@ -63,6 +63,8 @@ platform::Result<ProgramEnd, std::error_code> RunInForeground(
   std::vector<std::string> arguments = command;
   std::vector<std::string> environment = EnvironmentWith(variables);
   pid_t child = 0;
+  // Not fork: between it and exec a process with threads may call very little, and this one has
+  // sound and windows.
   if (const int error = ::posix_spawn(&child, command.front().c_str(), nullptr, nullptr,
                                       PointersOf(arguments).data(), PointersOf(environment).data());
       error != 0) {

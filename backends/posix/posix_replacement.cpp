@@ -115,6 +115,8 @@ Result<std::unique_ptr<platform::Replacement>, FileError> PosixReplacement::Open
   if (const auto target = CheckTarget(place.Path()); !target) {
     return Failure(target.error());
   }
+  // Not every file system has files without a name. There the new file has a random name from the
+  // beginning, and the check of the store reports one that was left.
   Descriptor file = making == Making::kWithoutName ? OpenWithoutName(place.folder) : Descriptor();
   std::string temporary;
   if (!file.IsOpen()) {
@@ -145,6 +147,7 @@ PosixReplacement::~PosixReplacement() {
 }
 
 Result<void, FileError> PosixReplacement::Publish(Durability durability) {
+  // A second call after a failure goes on where the first one stopped.
   if (!m_hasPlace) {
     if (durability == Durability::kNow) {
       if (const auto flushed = m_file.Flush(); !flushed) {
@@ -184,6 +187,7 @@ std::optional<Result<void, FileError>> PosixReplacement::TryTakePlace() {
   // Held until the end, so that nobody opens the earlier file while it goes.
   const auto earlier = OpenForRemoval(path);
   const bool isNew = !earlier && earlier.error() == FileError::kNotFound;
+  // Nothing is to be replaced, so the file without a name gets its own at once.
   if (isNew && m_temporary.empty()) {
     if (GiveName(m_file.GetDescriptor(), path) == 0) {
       return Result<void, FileError>();
@@ -208,6 +212,7 @@ std::optional<Result<void, FileError>> PosixReplacement::TryTakePlace() {
   if (::rename(m_temporary.c_str(), path.c_str()) != 0) {
     return FailureFromErrno();
   }
+  // The name is gone with the rename, so the destructor must not remove what has it next.
   m_temporary.clear();
   return Result<void, FileError>();
 }

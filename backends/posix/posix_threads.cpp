@@ -72,6 +72,7 @@ class PosixThread final : public platform::Thread {
     if (start == ThreadStart::kRunning) {
       Resume();
     }
+    // The thread keeps the state and not the handle, which may be gone before it.
     m_thread = std::thread([state = m_state, run = std::move(body)] {
       static_cast<void>(state->resumed.Wait(platform::kNoLimit));
       if (!state->isAbandoned) {
@@ -85,6 +86,7 @@ class PosixThread final : public platform::Thread {
   PosixThread& operator=(const PosixThread&) = delete;
 
   ~PosixThread() override {
+    // The body has given up its own handle. A thread cannot wait for itself, so it is let go.
     if (m_thread.get_id() == std::this_thread::get_id()) {
       m_thread.detach();
       return;
@@ -198,6 +200,8 @@ platform::CreatedMutex PosixThreads::Lock(std::u16string_view name) const {
 
 std::uint32_t PosixClock::GetTickCount() {
   timespec now{};
+  // Time since the machine was switched on, sleep included, as the tick count of a device. It wraps
+  // after 49.7 days, like the device's.
   ::clock_gettime(CLOCK_BOOTTIME, &now);
   const std::uint64_t milliseconds =
       static_cast<std::uint64_t>(now.tv_sec) * kMillisecondsPerSecond +
