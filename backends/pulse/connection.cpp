@@ -31,6 +31,7 @@ void OnContextState(pa_context* context, void* ready) {
 }
 
 void OnServer(pa_context*, const pa_server_info* server, void* data) {
+  // The list of sources follows and says how it went, so no failure is reported here.
   if (server == nullptr || server->default_source_name == nullptr) return;
   auto& list = *static_cast<SourceList*>(data);
   try {
@@ -46,6 +47,7 @@ void OnSource(pa_context*, const pa_source_info* source, int end, void* data) {
     list.complete.Give(end > 0);
     return;
   }
+  // A monitor hears what a loudspeaker plays and is no microphone.
   if (source->monitor_of_sink != PA_INVALID_INDEX) return;
   try {
     list.inputs.all.push_back(
@@ -87,6 +89,7 @@ bool Connection::Start() {
                                                properties.get()));
   if (!m_context) return false;
   pa_context_set_state_callback(m_context.get(), OnContextState, &m_ready);
+  // No server is started for this: where none runs, the user has chosen another one, or none.
   if (pa_context_connect(m_context.get(), nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr) < 0) {
     return false;
   }
@@ -96,6 +99,8 @@ bool Connection::Start() {
 Connection::~Connection() {
   if (!m_context) return;
   const LoopLock lock(m_loop.get());
+  // The callbacks go first: the disconnection itself would call them, and what they use is about to
+  // go.
   pa_context_set_state_callback(m_context.get(), nullptr, nullptr);
   pa_context_disconnect(m_context.get());
   m_context.reset();
@@ -122,6 +127,7 @@ Result<Inputs> Connection::FindInputs(Deadline deadline) {
 }
 
 std::string Inputs::Choose(const std::string& chosen) const {
+  // The user's choice, if it is plugged in; else what the desktop has chosen; else any.
   for (const std::string& wanted : {chosen, serversDefault}) {
     if (std::ranges::find(all, wanted, &Input::name) != all.end()) {
       return wanted;
@@ -146,6 +152,7 @@ Result<void> Stream::Start(const StreamLabel& label, const pa_sample_spec& sampl
                                                &channels, properties.get()));
     if (m_stream) {
       pa_stream_set_state_callback(m_stream.get(), OnState, this);
+      // This only sends the request. The answer comes to OnState, on the loop's thread.
       isAsked = connect(m_stream.get()) == 0;
     }
   }
@@ -171,6 +178,7 @@ void Stream::OnState(pa_stream* stream, void* self) {
   if (state == PA_STREAM_READY) {
     me.m_ready.Give(true);
   } else if (!PA_STREAM_IS_GOOD(state)) {
+    // Before the answer: who is woken by it asks at once whether the stream is lost.
     me.m_onLost();
     me.m_ready.Give(false);
   }

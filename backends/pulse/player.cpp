@@ -52,6 +52,7 @@ WaveResult Player::Write(WaveHeader& header) {
   if (result != WaveResult::kOk) return result;
   const std::span<const std::byte> bytes(header.data, header.bufferLength);
   const auto sound = bytes.first(bytes.size() - bytes.size() % pa_frame_size(&m_sampleSpec));
+  // Computed before the sound goes out, so the real end comes no earlier than this.
   m_soundEnd = steady_clock::now() +
                std::chrono::microseconds(pa_bytes_to_usec(sound.size(), &m_sampleSpec));
   const LoopLock lock(m_connection->Loop());
@@ -152,6 +153,7 @@ void Player::Forget() {
 
 void Player::OnWritable(pa_stream* /*stream*/, std::size_t /*byteCount*/, void* self) {
   auto& me = *static_cast<Player*>(self);
+  // The server asks for more also when the sound has ended.
   if (!me.m_rest.empty()) me.Feed();
 }
 

@@ -39,6 +39,8 @@ class InputWatch final : public platform::WaveInputs::Watch {
       const LoopLock lock(m_loop.get());
       Disconnect();
     }
+    // Without the lock, since this waits for the loop's thread, which may need it for its last
+    // step.
     pa_threaded_mainloop_stop(m_loop.get());
   }
 
@@ -54,6 +56,7 @@ class InputWatch final : public platform::WaveInputs::Watch {
   }
 
   void TryAgainLater() {
+    // A lost connection can be reported twice, as failed and as ended. One timer is enough.
     if (m_retry == nullptr) {
       m_retry = pa_context_rttime_new(m_context.get(), pa_rtclock_now() + kRetry, OnRetry, this);
     }
@@ -78,6 +81,7 @@ class InputWatch final : public platform::WaveInputs::Watch {
     if (state == PA_CONTEXT_READY) {
       constexpr auto kChanges = static_cast<pa_subscription_mask_t>(PA_SUBSCRIPTION_MASK_SOURCE |
                                                                     PA_SUBSCRIPTION_MASK_SERVER);
+      // The server's own events are among them: they say that its default input has changed.
       const OperationHandle ignored(pa_context_subscribe(context, kChanges, nullptr, nullptr));
       me.m_isReady = true;
       me.m_changed();

@@ -65,6 +65,7 @@ Result<std::unique_ptr<Recorder>> OpenRecorder(const pa_sample_spec& sampleSpec,
   const auto connected = recorder->Connect(
       std::move(*connection), isServersChoice ? std::string() : source, sampleSpec, deadline);
   if (!connected) return platform::Failure(connected.error());
+  // A microphone that slept begins with a moment of nothing. It must not be that of the name.
   recorder->AwaitSound(std::min(deadline, steady_clock::now() + kWarmUpLimit));
   return recorder;
 }

@@ -107,6 +107,7 @@ WaveResult Recorder::Reset() {
 
 WaveResult Recorder::Close() {
   m_isOpen = false;
+  // The stream goes before its connection, and both before the bytes that the loop's thread writes.
   m_stream.reset();
   m_connection.reset();
   m_queue.Drop();
@@ -116,6 +117,7 @@ WaveResult Recorder::Close() {
 
 void Recorder::Take(std::span<const std::byte> bytes) {
   const std::lock_guard lock(m_mutex);
+  // What comes before Start and after the buffer is full is heard and thrown away.
   const auto kept = bytes.first(Room(bytes.size()));
   m_bytes.insert(m_bytes.end(), kept.begin(), kept.end());
 }
