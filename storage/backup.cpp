@@ -41,6 +41,7 @@ class BackupRun {
   BackedUp Begin(std::int64_t unixTime) { return ToBackedUp(m_writer.Begin(unixTime)); }
 
   BackedUp AddSettings() {
+    // A key that is not there is no failure: a store that was never set up has none of them.
     for (const BackupSettings settings :
          {BackupSettings::kConnection, BackupSettings::kMathematics, BackupSettings::kContacts}) {
       const auto file = WriteRegistryFile(m_registry, KeyOf(settings));
@@ -87,6 +88,8 @@ class BackupRun {
  private:
   BackedUp AddTag(const std::u16string& name) {
     const auto entry = WriteRegistryFile(m_registry, EntryPath(name));
+    // An entry of another program, with a name or a value that no archive can hold. The caller
+    // names it to the user, and the rest is saved.
     if (!BackupWriter::Fits(name) || (!entry && entry.error() == RegistryError::kInvalid)) {
       m_made.leftOut.push_back(name);
       return {};
@@ -128,6 +131,8 @@ Result<BackupMade, BackupFailure> WriteBackup(platform::FileSystem& files,
   if (!target) {
     return Failure(BackupFailure{.kind = Kind::kTarget, .tag = {}, .file = target.error()});
   }
+  // The archive has no name until it is whole. If anything fails on the way, an earlier backup at
+  // this path stays what it was.
   BackupRun run(files, registry, (*target)->GetFile());
   auto made = run.Begin(clock.GetUnixTime())
                   .and_then([&run] { return run.AddSettings(); })

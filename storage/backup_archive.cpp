@@ -55,6 +55,8 @@ class Crc32 {
  public:
   void Add(std::span<const std::byte> bytes) {
     for (const std::byte byte : bytes) {
+      // Eight bits at once: the table holds what the division by the polynomial leaves of each
+      // byte.
       m_value = kTable[(m_value ^ std::to_integer<std::uint32_t>(byte)) & 0xFFU] ^ m_value >> 8U;
     }
   }
@@ -90,6 +92,7 @@ class Crc32 {
 /// `take`. Fails with kOther if they cannot be read.
 template <typename Take>
 Result<void, FileError> EachPieceOf(platform::File& file, const BackupMember& part, Take take) {
+  // Piece by piece, since a recording from elsewhere may be larger than the memory.
   if (!file.Seek(part.offset)) {
     return Failure(FileError::kOther);
   }
@@ -135,6 +138,8 @@ std::optional<std::vector<RegistryChange>> ChangesWithin(std::span<const std::by
                                                          const std::u16string& path) {
   auto content = ParseRegistryFile(file);
   const auto isWithin = [&path](const RegistryChange& change) {
+    // A backup never deletes. So an archive that somebody has changed can add to one key, and
+    // reaches nothing else.
     const bool isDeletion = change.kind == RegistryChange::Kind::kDeleteKey ||
                             change.kind == RegistryChange::Kind::kDeleteValue;
     return !isDeletion && (change.key == path || change.key.starts_with(path + u'\\'));
@@ -163,6 +168,7 @@ class BackupReader {
       if (!*next) {
         return Failure(BackupFault::kDamaged);  // The list of checksums is missing.
       }
+      // The list of checksums is the last member. An archive that was cut off has none.
       if (m_tar.GetName() == kBackupChecksums) {
         return ReadChecksums();
       }
@@ -193,6 +199,7 @@ class BackupReader {
     if (!about) {
       return Failure(ToFault(about.error()));
     }
+    // Asked before anything else is read, so that a later version may change all the rest.
     const auto version = VersionOf(AsText(*about));
     if (!version || *version != kBackupVersion) {
       return Failure(version ? BackupFault::kNewer : BackupFault::kForeign);
@@ -262,6 +269,7 @@ class BackupReader {
         tags.push_back({name, std::move(changes), {}, {}});
       });
     }
+    // A file of a tag follows the entry of that tag. Anything else was not written here.
     if (tags.empty() || tags.back().name != name) {
       return Failure(BackupFault::kDamaged);
     }
@@ -284,6 +292,8 @@ class BackupReader {
     if (!next) {
       return Failure(ToFault(next.error()));
     }
+    // The reader has made the same list on its way. Members and their order are the same if the two
+    // texts are.
     if (*next || AsText(*checksums) != m_checksums) {
       return Failure(BackupFault::kDamaged);
     }
@@ -322,6 +332,7 @@ BackupWriter::Written BackupWriter::AddLanguageFile(platform::File& source) {
 // The name stands in the archive as bytes of the host. It must come back as it was, and must not
 // lead out of the archive's folder, nor out of those of the device.
 bool BackupWriter::Fits(std::u16string_view tagName) {
+  // The longest name that the format holds without an extension.
   constexpr std::size_t kLongestMember = 99;
   const std::string host = text::ToHostName(tagName);
   return platform::IsKeyName(tagName) && text::SplitDevicePath(WavePath(tagName)) && host != "." &&
@@ -365,6 +376,8 @@ BackupWriter::Written BackupWriter::AddFile(const std::string& member, platform:
     return Failure(FileError::kOther);
   }
   Crc32 crc;
+  // The file is read twice, for its checksum and into the archive. It cannot change in between: it
+  // is open and shared with readers only.
   const auto read = EachPieceOf(source, {0, *length}, [&crc](auto piece) -> Written {
     crc.Add(piece);
     return {};

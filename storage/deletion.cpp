@@ -16,6 +16,7 @@ using platform::Result;
 Deletion::~Deletion() { static_cast<void>(End()); }
 
 bool Deletion::End() {
+  // Taken first, so that a second call has nothing to end.
   const std::u16string stamp = std::exchange(m_stamp, {});
   if (stamp.empty()) {
     return true;
@@ -41,6 +42,8 @@ Result<void, ItemError> Deletion::Keep(const TagParts& parts, std::u16string_vie
   if (written || written.error() != ItemError::kFull || !isOfUser) {
     return written;
   }
+  // All of it: what a deletion needs is not known before it is written. Deletions that are under
+  // way, this one among them, keep what they have.
   static_cast<void>(m_trash.Empty());
   return Write(parts, text);
 }
@@ -52,6 +55,7 @@ bool Deletion::IsKept(const TagParts& parts) const {
   if (!names) {
     return false;
   }
+  // What is left of the tag must all be in the copy, or it is not this tag that was copied.
   const auto isSameOrGone = [](const std::u16string& left, const std::u16string& kept) {
     return left.empty() || left == kept;
   };
@@ -101,6 +105,8 @@ Result<void, ItemError> Deletion::Begin() {
   return {};
 }
 
+/// One flush of the folder for all copies: each file is on the medium when it is written, and its
+/// name when the folder is.
 Result<void, FileError> Deletion::Seal() const {
   return m_stamp.empty() ? Result<void, FileError>() : m_trash.m_files.FlushFolder(kTrashFolder);
 }
@@ -134,6 +140,8 @@ Result<void, DeletionProblem> KeepAll(
 
 /// Deletes the entries, and the tag key unless it holds what no copy could be made of.
 bool DeleteEntries(const TagStore& store, const StoreContents& contents) {
+  // Deleting the key at once takes one step. If it holds keys that no copy can be made of, each
+  // tag's entry goes alone and the others stay.
   if (contents.unusableKeys == 0) {
     return store.DeleteAllEntries().has_value();
   }
@@ -156,9 +164,12 @@ DeletedAll DeleteAllTags(platform::FileSystem& files, platform::Registry& regist
   for (std::size_t i = 0; i < contents->failedSearches; ++i) {
     report(DeletionProblem::kSearchFailed);
   }
+  // A folder that could not be read may hold recordings that nobody has copied.
   if (contents->failedSearches > 0) {
     return {};
   }
+  // Tags first, then the files without an entry. If the disk fills up, the tags are the ones that
+  // were copied.
   std::vector<TagParts> all = contents->tags;
   all.insert(all.end(), contents->orphans.begin(), contents->orphans.end());
   Deletion deletion(trash, DeletionReason::kDeleteAll);
@@ -192,6 +203,7 @@ Result<void, StaleError> DeleteStaleTag(platform::FileSystem& files, platform::R
   if (!parts) {
     return Failure(StaleError::kNotKept);
   }
+  // The contact is gone, so nobody knows a text for the tag but its name.
   if (const auto kept = deletion.Keep(*parts, tagName); !kept) {
     switch (kept.error()) {
       case ItemError::kRecordingInUse:
@@ -229,6 +241,7 @@ std::vector<std::u16string> DeleteOrphans(platform::FileSystem& files, platform:
     return {};
   }
   Deletion deletion(trash, DeletionReason::kRepair);
+  // What could not be kept is taken off the list, and so stays in its folder.
   std::erase_if(contents->orphans, [&deletion](const TagParts& parts) {
     return !deletion.Keep(parts, {}).has_value();
   });

@@ -26,6 +26,7 @@ std::u16string TemplatePath(std::u16string_view tagName) {
 std::u16string_view TagNameOfWaveFile(std::u16string_view waveFile) {
   // Without a separator the whole text is the name.
   const std::u16string_view name = waveFile.substr(waveFile.rfind(kSeparator) + 1);
+  // No search for the extension: whatever the last four units are, they are taken for it.
   return name.substr(0,
                      name.size() < kWaveExtension.size() ? 0 : name.size() - kWaveExtension.size());
 }

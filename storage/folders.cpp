@@ -23,6 +23,8 @@ Result<void, FileError> MakeSure(platform::FileSystem& files, std::u16string_vie
 }  // namespace
 
 void CreateInstallFolders(platform::FileSystem& files) {
+  // No failure is reported here, and none is needed: a folder that is missing is noticed when
+  // something is stored (FolderRule).
   static_cast<void>(files.CreateFolder(kMakerFolder));
   static_cast<void>(files.CreateFolder(kInstallFolder));
 }
@@ -50,6 +52,8 @@ Result<void, FileError> FolderRule::EnsureTemplateFolder() const {
 }
 
 Result<void, FileError> FolderRule::Ensure(const Step& dataFolder) const {
+  // One look is enough for the usual case. Only if the folder is missing are those above it asked
+  // for, from the outermost one, and the first that cannot be made has the message.
   if (Exists(dataFolder.folder)) {
     return {};
   }

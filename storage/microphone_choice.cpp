@@ -16,6 +16,7 @@ std::u16string ReadMicrophone(platform::Registry& registry) {
 
 platform::Result<void, RegistryError> ChooseMicrophone(platform::Registry& registry,
                                                        std::u16string_view name) {
+  // A choice that changes nothing writes nothing. So nobody who watches the store is woken.
   if (ReadMicrophone(registry) == name) {
     return {};
   }
@@ -23,6 +24,7 @@ platform::Result<void, RegistryError> ChooseMicrophone(platform::Registry& regis
   if (!key) {
     return platform::Failure(key.error());
   }
+  // No value means that the desktop chooses.
   return name.empty() ? (*key)->DeleteValue(kMicrophoneValue)
                       : text::SetText(**key, kMicrophoneValue, name);
 }

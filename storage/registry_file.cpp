@@ -70,6 +70,7 @@ tl::unexpected<RegistryFileError> StoreFailure(RegistryError error, std::size_t 
 /// What an enumeration gives.
 using ListedName = platform::Result<std::optional<std::u16string>, RegistryError>;
 
+/// For a terminal: a name of another program may hold anything, and must not move the cursor.
 std::string Escape(std::u16string_view name) {
   constexpr std::string_view kDigits = "0123456789abcdef";
   constexpr unsigned kBitsOfDigit = 4;
@@ -158,6 +159,7 @@ std::optional<std::string> FindBelow(platform::Registry& registry, const std::u1
     if (!IsThere(name)) {
       break;
     }
+    // The first one is enough: the user looks for it and asks again.
     found = name && platform::IsKeyName(**name) ? FindBelow(registry, start + **name)
                                                 : text::ToUtf8(start) + NameOf(name);
   }
@@ -168,6 +170,8 @@ std::optional<std::string> FindBelow(platform::Registry& registry, const std::u1
 
 Result<void, RegistryFileError> ApplyRegistryChanges(platform::Registry& registry,
                                                      std::span<const RegistryChange> changes) {
+  // All changes are made or none is. If one fails, the group ends without Commit, which takes the
+  // others back.
   auto group = platform::RegistryGroup::Begin(registry);
   if (!group) {
     return StoreFailure(group.error(), 0);

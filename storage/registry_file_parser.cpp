@@ -85,6 +85,7 @@ class Parser {
 
   Parsed ParseKey() {
     const std::u16string_view line = m_scanner.GetRestOfLine();
+    // The last bracket closes the line, since a key's name may hold brackets.
     const std::size_t bracket = line.rfind(u']');
     const bool isClosed = bracket != std::u16string_view::npos;
     if (!isClosed || line.find_first_not_of(u" \t", bracket + 1) != std::u16string_view::npos) {
@@ -99,6 +100,8 @@ class Parser {
     const std::size_t rootEnd = std::min(path.find(u'\\'), path.size());
     const std::u16string_view root = path.substr(0, rootEnd);
     path.remove_prefix(rootEnd);
+    // An exported file often has more in it than this system's keys. That is no mistake of the
+    // user.
     if (IsOtherHive(root)) {
       m_place = Place::kOtherHive;
       ++m_content.passedOver;

@@ -87,6 +87,7 @@ platform::Result<void, std::string_view> CheckRegistryFileEncoding(
 }
 
 std::u16string_view RegistryFileScanner::GetRestOfLine() const {
+  // A line ends with CR LF, or with LF alone, as editors of other systems leave it.
   std::u16string_view rest = m_text.substr(m_at);
   const std::size_t lineFeed = rest.find(u'\n');
   if (lineFeed == std::u16string_view::npos) {
@@ -133,6 +134,7 @@ bool RegistryFileScanner::TakeLineEnd() {
 
 char16_t RegistryFileScanner::TakeUnit() {
   const char16_t unit = m_text[m_at++];
+  // A quoted text may go over several lines, so lines are counted here too.
   if (unit == u'\n') {
     ++m_line;
   }
@@ -170,6 +172,7 @@ RegistryValueReader::Read<RegistryValue> RegistryValueReader::ReadValue() {
 
 RegistryValueReader::Read<RegistryValue> RegistryValueReader::ReadString() {
   return ReadQuoted().map([](const std::u16string& text) {
+    // A text in quotes is stored with its terminating zero, as Windows does it.
     return RegistryValue{RegistryType::kString, ToUtf16Bytes(text + u'\0')};
   });
 }
@@ -200,6 +203,7 @@ RegistryValueReader::Read<RegistryValue> RegistryValueReader::ReadDword() {
     return Fail("\"dword:\" must be followed by one to eight hexadecimal digits");
   }
   RegistryValue value{RegistryType::kDword, {}};
+  // Little-endian, the lower half first, on every machine.
   AppendUnit(static_cast<char16_t>(*number & 0xFFFF), value.bytes);
   AppendUnit(static_cast<char16_t>(*number >> kBitsOfUnit), value.bytes);
   return value;
@@ -211,6 +215,8 @@ RegistryValueReader::Read<RegistryValue> RegistryValueReader::ReadHex() {
     return platform::Failure(type.error());
   }
   return ReadBytes().map([&](std::vector<std::byte> bytes) {
+    // In a file of version 4 the bytes of a text are those of the code page. Other bytes are what
+    // they are.
     const bool isCoded = m_isAnsi && IsText(*type);
     return RegistryValue{*type, isCoded ? ToUtf16Bytes(FromWindows1252(bytes)) : std::move(bytes)};
   });

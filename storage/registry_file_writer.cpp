@@ -34,6 +34,7 @@ bool IsPlain(std::u16string_view text) {
     if (!IsSurrogate(text[i])) {
       continue;
     }
+    // Half a character alone becomes something else in most editors, so it is written as bytes.
     const bool isPair = IsLeading(text[i]) && i + 1 < text.size() && IsSurrogate(text[i + 1]) &&
                         !IsLeading(text[i + 1]);
     if (!isPair) {
@@ -47,6 +48,7 @@ bool IsPlain(std::u16string_view text) {
 /// The text of a value that is nothing but that text and its terminator.
 std::optional<std::u16string> PlainText(const RegistryValue& value) {
   const auto& bytes = value.bytes;
+  // What is not exactly a text and one zero would come back with other bytes.
   if (value.type != RegistryType::kString || bytes.empty() || bytes.size() % 2 != 0) {
     return std::nullopt;
   }
@@ -84,6 +86,7 @@ std::u16string HexPrefix(RegistryType type) {
     return u"hex:";
   }
   const std::u16string digits = Hex(static_cast<std::uint32_t>(type), 8);
+  // Without leading zeros, and "0" for none: "hex(2):" and "hex(0):".
   const std::size_t first = std::min(digits.find_first_not_of(u'0'), digits.size() - 1);
   return u"hex(" + digits.substr(first) + u"):";
 }

@@ -59,6 +59,8 @@ Version VersionIn(const BackupContents& backup) {
   if (!bringsTags || *here == VersionIn(parts.backup)) {
     return true;
   }
+  // An empty store simply takes the version of the backup. A store with tags, some of which have
+  // another version's templates now, forgets its version, so that all are computed again.
   const bool isNewStore = !*here && names->names.empty();
   if (isNewStore) {
     return PutSettings(parts.registry, parts.backup.settings.at(BackupSettings::kMathematics))
@@ -90,6 +92,7 @@ void RestoreOthers(const RestoreParts& parts, platform::Clock& clock, Replacing 
   const bool isAnyDifferent = parts.plan.connection == RestoreState::kDifferent ||
                               parts.plan.languageFile == RestoreState::kDifferent;
   const auto saved = replaces && isAnyDifferent ? SaveSettings(parts, clock) : std::u16string();
+  // What is about to be replaced is saved first, and nothing is replaced if that fails.
   outcome.saved = saved.value_or(std::u16string());
   const auto put = [&](const std::optional<RestoreState>& state,
                        auto putIt) -> std::optional<RestoreFate> {
@@ -122,6 +125,7 @@ RestoreOutcome Restore(platform::FileSystem& files, platform::Registry& registry
   const RestoreParts parts{files,  registry, archive,
                            backup, plan,     TagTrash(files, registry, clock)};
   RestoreOutcome outcome;
+  // Neither changes a tag, so after a failure the store is what it was.
   if (!CreateStoreFolders(files) || !AdoptMathematics(parts)) {
     outcome.tags.resize(plan.tags.size(), RestoreFate::kFailed);
     if (plan.connection) {
@@ -132,6 +136,7 @@ RestoreOutcome Restore(platform::FileSystem& files, platform::Registry& registry
     }
     return outcome;
   }
+  // The tags come first: they are what the user wants back, and the disk may be nearly full.
   outcome.tags = RestoreTags(parts, replacing, getText);
   RestoreOthers(parts, clock, replacing, outcome);
   return outcome;

@@ -47,6 +47,8 @@ IsSame HoldsAll(platform::Registry& registry, std::span<const RegistryChange> ch
 /// that names no contact stays as it is.
 bool Translate(std::vector<RegistryChange>& entry, const ContactHere& contactHere) {
   for (RegistryChange& change : entry) {
+    // Contacts have other numbers in each address book, so the number in a backup is that of the
+    // machine where it was made. The caller knows who it was.
     const bool isContact = change.kind == RegistryChange::Kind::kSetValue &&
                            text::SameName(change.valueName, kContactValue);
     const auto oid = isContact ? ParseOid(TextOfValue(change.value)) : std::nullopt;
@@ -57,6 +59,7 @@ bool Translate(std::vector<RegistryChange>& entry, const ContactHere& contactHer
     if (!here) {
       return false;
     }
+    // An entry that needs no change keeps its bytes, and so compares as the same.
     if (*here != *oid) {
       change.value = {platform::RegistryType::kString, ToTagValue(language::Decimal(*here))};
     }
@@ -103,6 +106,7 @@ class Comparison {
     if (!entry) {
       return Failure(FileError::kOther);
     }
+    // A whole tag is the same only if each of its three parts is there and the same.
     const bool isSame =
         *entry && *recording == RestoreState::kSame && *voice == RestoreState::kSame;
     return isSame ? RestoreState::kSame : RestoreState::kDifferent;

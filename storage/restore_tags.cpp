@@ -50,6 +50,7 @@ class TagRestoration {
       Clear(getText);
     }
     const Result<std::u16string, FileError> note = Note();
+    // Two rounds over the same list, so that the tags keep the order of the backup in each.
     for (const bool isReplacement : {true, false}) {
       for (std::size_t i = 0; i < m_tags.size(); ++i) {
         if (Comes(i) && m_isCleared[i] == isReplacement) {
@@ -96,10 +97,12 @@ class TagRestoration {
       }
       const auto kept = deletion.Keep(tag.here, getText(tag.here.name));
       m_isCleared[i] = kept.has_value();
+      // A tag that was kept has "failed" until its successor is there.
       m_fates[i] = kept ? RestoreFate::kFailed : FateOf(kept.error());
     }
     const bool isSealed = deletion.Seal().has_value();
     for (std::size_t i = 0; i < m_tags.size(); ++i) {
+      // Asked before any of its parts goes: half a tag would be left otherwise.
       if (m_isCleared[i] && isSealed && !IsFree(m_tags[i].here)) {
         m_fates[i] = RestoreFate::kInUse;
         m_isCleared[i] = false;
@@ -148,8 +151,11 @@ class TagRestoration {
 
   void PutTag(std::size_t i, const Result<std::u16string, FileError>& note) {
     const BackupTag& tag = m_parts.backup.tags[m_tags[i].index];
+    // Without the note a kill would leave parts that nobody takes away, so nothing comes then.
     const Put hasRoom = note ? FindRoom() : Failure(storage::FateOf(note.error()));
     const Put put =
+        // The files come before the entry, as when a tag is learned: only the entry makes them a
+        // tag.
         hasRoom.and_then([&] { return PutFile(m_parts, WavePath(tag.name), tag.recording); })
             .and_then([&] { return PutFile(m_parts, TemplatePath(tag.name), tag.voiceTemplate); })
             .and_then([&] { return PutSettings(m_parts.registry, m_tags[i].entry); });
@@ -180,6 +186,7 @@ class TagRestoration {
     if (!trashed) {
       return;
     }
+    // The list begins with what went last.
     const auto latest = std::ranges::find_if(
         *trashed, [name](const TrashedTag& tag) { return tag.item.parts.name == name; });
     if (latest != trashed->end()) {

@@ -56,6 +56,7 @@ class Gathering {
       return search.error() == FileError::kNotFound;
     }
     bool isWhole = true;
+    // A step that fails is noted, and the search goes on: what else there is shall be known.
     for (auto found = (*search)->Next(); !found || *found; found = (*search)->Next()) {
       if (!found) {
         isWhole = false;
@@ -113,6 +114,8 @@ Result<PartsState, Unread> GetState(platform::FileSystem& files, platform::Regis
                                     const TagParts& parts) {
   std::size_t wanted = 0;
   std::size_t there = 0;
+  // Counts the parts that there should be and those that are there. Returns false if the folder
+  // does not say.
   const auto look = [&](std::u16string_view folder, const std::u16string& file) {
     if (file.empty()) {
       return true;
@@ -145,6 +148,7 @@ Result<StoreContents, RegistryError> ListStore(platform::FileSystem& files,
   if (!list) {
     return Failure(list.error());
   }
+  // The files that a killed process left half-written belong to no tag. They have no extension.
   const std::u16string unfinished = std::u16string(platform::kUnfinishedPrefix) + u"*";
   const struct {
     std::u16string_view folder;

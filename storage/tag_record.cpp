@@ -49,6 +49,8 @@ void TagTable::Remove(std::int32_t index) {
     return;
   }
   const auto removed = m_records.begin() + index;
+  // The records below move up by one, and the last place is empty again. All of them move, as rows
+  // beyond the count may hold something too.
   *std::move(removed + 1, m_records.end(), removed) = {};
   --tagCount;
 }
@@ -59,12 +61,14 @@ void TagTable::Clear() {
 }
 
 std::u16string TagNameOfTickCount(std::uint32_t tickCount) {
+  // As a signed number: after 24.8 days of running, names begin with a minus.
   return language::Decimal(static_cast<std::int32_t>(tickCount));
 }
 
 std::vector<std::byte> ToTagValue(std::u16string_view text) {
   constexpr std::size_t kMostUnits = kTagValueBytes / sizeof(char16_t) - 1;
   std::vector<std::byte> bytes = ToUtf16Bytes(CutText(UpToZero(text), kMostUnits));
+  // The value always has the same length. What follows the text is zeros.
   bytes.resize(kTagValueBytes);
   return bytes;
 }
@@ -79,6 +83,7 @@ std::u16string TextOfValue(const platform::RegistryValue& value) {
 std::optional<std::int32_t> ParseOid(std::u16string_view text) {
   constexpr std::int64_t kBase = 10;
   std::size_t at = 0;
+  // As the C library reads numbers: blanks, a sign, digits, and whatever follows is not looked at.
   while (at < text.size() && (text[at] == u' ' || text[at] == u'\t')) {
     ++at;
   }

@@ -74,6 +74,7 @@ Result<std::vector<TrashedTag>, FileError> TagTrash::List() const {
     if (!item) {
       return Failure(item.error());
     }
+    // Reading the store is worth it for marked items only. All others are of deletions that ended.
     const bool isStillThere = *item && IsMarked(*names, name) &&
                               GetState(m_files, m_registry, (*item)->parts) == PartsState::kWhole;
     if (*item && !isStillThere) {
@@ -110,6 +111,8 @@ void TagTrash::Recover() const {
 // If it was killed before the entry was there, what it put back is taken away again and the copy
 // stays: a file without an entry would be nobody's.
 void TagTrash::EndRestoring(std::u16string_view mark) const {
+  // The mark has the name of the item that is restored. A note, which is of a backup, has none:
+  // there is no such item then.
   const std::u16string name =
       std::u16string(mark.substr(0, mark.size() - kRestoringEnd.size())).append(kItemEnd);
   const auto item = ReadItem(m_files, InTrash(name));
@@ -140,6 +143,7 @@ bool TagTrash::EndNote(std::u16string_view mark) const {
   bool hasChanged = false;
   for (const TagParts& parts : note.value_or(std::vector<TagParts>())) {
     const auto state = GetState(m_files, m_registry, parts);
+    // A tag of the note that is whole has come, and stays.
     if (state != PartsState::kWhole) {
       isEnded = state && DeleteParts(parts) && isEnded;
       hasChanged = true;
@@ -192,6 +196,7 @@ Result<std::u16string, FileError> TagTrash::MakeStamp(std::int64_t unixTime) con
   if (!names) {
     return Failure(names.error());
   }
+  // Two deletions in one second have the same time. A number after it keeps them apart.
   for (unsigned i = 1; i <= kMostInOneSecond; ++i) {
     std::u16string stamp = StampOf(unixTime, i);
     if (std::ranges::none_of(*names, [&](const auto& name) { return name.starts_with(stamp); })) {
@@ -317,6 +322,7 @@ Result<void, RestoreError> TagTrash::CheckRoomFor(const TagParts& parts) const {
   if (!there) {
     return Failure(RestoreError::kOther);
   }
+  // Nothing is written over. A part of another tag of this name, spelled otherwise, counts too.
   if (there->hasEntry || GetState(m_files, m_registry, parts) != PartsState::kGone) {
     return Failure(RestoreError::kExists);
   }
@@ -340,6 +346,7 @@ bool TagTrash::Empty() const {
   }
   bool isEmpty = true;
   for (const std::u16string& name : *names) {
+    // What a deletion or a restoration under way still needs is not thrown away.
     const bool isMark = name.ends_with(kDeletingEnd) || name.ends_with(kRestoringEnd);
     if (!isMark && !IsMarked(*names, name)) {
       isEmpty = Delete(name) && isEmpty;

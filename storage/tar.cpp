@@ -85,6 +85,7 @@ std::uint64_t ChecksumOf(const Block& block) {
 }
 
 std::uint64_t Padding(std::uint64_t length) {
+  // The outer remainder makes 0 of a whole block.
   return (kBlockBytes - length % kBlockBytes) % kBlockBytes;
 }
 
@@ -132,6 +133,7 @@ Result<void, FileError> TarWriter::WriteHeader(std::string_view name, std::uint6
   PutNumber(header, kOwner, 0);
   PutNumber(header, kGroup, 0);
   PutNumber(header, kLength, length);
+  // Owner and times are left out, so the same tags give the same bytes.
   PutNumber(header, kTime, 0);
   header[kTypeOffset] = kRegularFile;
   PutText(header, kMagic, kMagicText);
@@ -159,6 +161,7 @@ Result<bool, TarError> TarReader::Next() {
   if (const auto read = ReadAt(m_next, header); !read) {
     return Failure(read.error());
   }
+  // The first block of zeros is the end. The second one is not looked for.
   if (std::ranges::all_of(header, [](std::byte each) { return each == std::byte{0}; })) {
     return false;
   }
@@ -176,6 +179,7 @@ Result<bool, TarError> TarReader::Next() {
     return Failure(TarError::kTorn);
   }
   m_length = *length;
+  // This cannot overflow: the length lies within the file.
   m_next = m_offset + m_length + Padding(m_length);
   m_name.clear();
   for (std::size_t i = 0; i < kName.length && header[i] != std::byte{0}; ++i) {

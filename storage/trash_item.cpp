@@ -69,6 +69,7 @@ void AppendParts(std::string& about, const TagParts& parts) {
 
 std::string WriteAbout(const TrashItem& item) {
   std::string about;
+  // The reader expects these lines in this order. What is added some day comes after them.
   about.append(kDeletedLine).append(std::to_string(item.deletedAt)).append("\n");
   about.append(kByLine).append(ToWord(item.by)).append("\n");
   AppendParts(about, item.parts);
@@ -258,6 +259,8 @@ Result<void, ItemError> WriteItem(platform::FileSystem& files, platform::Registr
   }
   platform::File& file = (*target)->GetFile();
   TarWriter tar(file);
+  // The bytes are flushed here. The name waits for Deletion::Seal, which does it once for all
+  // copies.
   return WriteParts(files, registry, tar, item)
       .and_then([&] { return ToResult(file.Flush()); })
       .and_then([&] { return ToResult((*target)->Publish(platform::Durability::kLater)); });
@@ -281,6 +284,7 @@ Result<std::optional<TrashItem>, FileError> ReadItem(platform::FileSystem& files
   if (about) {
     return ParseAbout({reinterpret_cast<const char*>(about->data()), about->size()});
   }
+  // No item of ours, or a torn one: the trash does without it.
   if (about.error() == TarError::kTorn) {
     return std::nullopt;
   }

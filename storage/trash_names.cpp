@@ -8,7 +8,9 @@
 namespace storage {
 namespace {
 
+/// "20261122T120000Z-01": the time in UTC, and a number within the second.
 constexpr std::size_t kStampLength = 19;
+/// "-0001" follows, which counts the tags of one deletion.
 constexpr std::size_t kItemLength = kStampLength + 5;  ///< Without its end.
 
 std::u16string Digits(unsigned number, std::size_t width) {
