@@ -44,6 +44,7 @@ std::u16string LanguageChoice::PathOf(const std::string& language) const {
 }
 
 Result<LanguageChoice::Bytes, FileError> LanguageChoice::Read(const std::u16string& path) const {
+  // Opened like the applet opens it, alone. One that is being read is in use for a moment.
   const auto file = m_files.Open(path, {});
   const auto length = file ? (*file)->GetLength() : Failure(file.error());
   if (!length) {
@@ -88,6 +89,8 @@ std::optional<std::string> LanguageChoice::GetCurrent() const {
   if (!inPlace) {
     return inPlace.error() == FileError::kNotFound ? std::optional(std::string()) : std::nullopt;
   }
+  // The file has no name of a language in it. Which one it is shows only by comparing it with those
+  // that are offered.
   if (const auto english = Read(m_folder + u'/' + std::u16string(kEnglishFile));
       english && *english == *inPlace) {
     return std::string();
@@ -118,6 +121,7 @@ Result<std::u16string, LanguageError> LanguageChoice::Choose(const std::string& 
                                                              OwnFile ownFile) const {
   const auto wanted = language.empty() ? Result<Bytes, FileError>(Bytes()) : Read(PathOf(language));
   const auto inPlace = Read(m_place);
+  // A file that cannot be read is there all the same, and is not written over.
   const bool isThere = inPlace || inPlace.error() != FileError::kNotFound;
   if (isThere && !inPlace) {
     return Failure(inPlace.error() == FileError::kSharingViolation ? LanguageError::kInUse
@@ -127,6 +131,7 @@ Result<std::u16string, LanguageError> LanguageChoice::Choose(const std::string& 
     return Failure(LanguageError::kUnreadable);
   }
   std::u16string kept;
+  // It is none of the offered ones, so somebody has made or changed it.
   if (isThere && !GetCurrent()) {
     if (ownFile == OwnFile::kStays) {
       return Failure(LanguageError::kOwnFile);

@@ -34,6 +34,8 @@ LanguageFileReader::LanguageFileReader(std::span<const std::byte> file) : m_next
   if (!m_isAccepted) {
     return;
   }
+  // The device reads pairs of bytes, whatever character they make. So does this, and half a
+  // character at the end is lost.
   m_characters = Decode(file);
   // Counted in bytes, so a last half character moves it by one.
   m_limit = file.size() < kTailBytes ? 0 : (file.size() - kTailBytes + 1) / 2;
@@ -61,6 +63,7 @@ LanguageLine LanguageFileReader::Parse(std::size_t start) const {
   if (StopsAt(start)) {
     return line;
   }
+  // There is a next character: nothing begins in the last four bytes of the file.
   if (m_characters[start] == u'/' && m_characters[start + 1] == u'/') {
     line.kind = LineKind::kComment;
     return line;
@@ -81,6 +84,7 @@ LanguageLine LanguageFileReader::Parse(std::size_t start) const {
   while (!StopsAt(at) && IsBlank(m_characters[at])) {
     ++at;
   }
+  // A slash ends a text, so one that begins with it is empty.
   if (StopsAt(at) || m_characters[at] == u'/') {
     return line;
   }
@@ -101,6 +105,7 @@ void LanguageFileReader::TakeText(std::size_t start, LanguageLine& line) const {
   }
   line.kind = LineKind::kEntry;
   line.text = Between(start, end);
+  // For the check of a file only: what the dialer drops without a word.
   line.rest = Between(end, FindLineEnd(end));
   // Texts are zero-terminated, so nobody sees what follows a NUL; the blanks before it stay.
   line.text = line.text.substr(0, line.text.find(u'\0'));

@@ -13,6 +13,7 @@ namespace {
 constexpr std::uint32_t kRetryWait = 10;
 constexpr std::uint32_t kLongestWait = 1000;
 
+/// One for the process, made when it is first asked for.
 std::unique_ptr<LanguageTable>& Instance() {
   static std::unique_ptr<LanguageTable> instance;
   return instance;
@@ -65,6 +66,7 @@ void LanguageTable::LoadFrom(
   if (!read) {
     return;
   }
+  // The file may have become shorter since its length was asked for.
   bytes.resize(*read);
   LoadFrom(bytes);
 }
@@ -73,6 +75,8 @@ void LanguageTable::LoadFrom(std::span<const std::byte> file) {
   m_entries.clear();
   LanguageFileReader reader(file);
   for (auto line = reader.Next(); line && m_entries.size() < kMaxEntries; line = reader.Next()) {
+    // Lines without a text are no entries: their key then shows an empty text, as one that is
+    // missing.
     if (line->kind == LineKind::kEntry) {
       m_entries.push_back({std::u16string(line->key), std::u16string(line->text)});
     }

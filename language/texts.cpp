@@ -16,11 +16,14 @@ std::u16string_view Texts::operator()(const resources::Text& text) const {
     return text.GetEnglish();
   }
   const char16_t* const found = m_table->LookUp(text.GetKey(), nullptr);
+  // A key without a line shows nothing, on purpose: so a broken file is noticed at once.
   return found == nullptr ? std::u16string_view() : std::u16string_view(found);
 }
 
 Texts LoadTexts(platform::FileSystem& files, std::u16string_view path, platform::Clock& clock) {
   try {
+    // No file, no table: the pages then speak English. A file that is there but cannot be read
+    // gives an empty table, and every text is empty.
     if (!files.Find(path)) {
       return {};
     }

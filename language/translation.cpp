@@ -147,6 +147,7 @@ class Check {
   }
 
   void CheckEntry(const LanguageLine& line) {
+    // The first line of a key counts, as in the table.
     const auto [known, isFirst] = m_lines.try_emplace(std::u16string(line.key), line.number);
     if (!isFirst) {
       Add(FindingKind::kDuplicateKey, line.number, line.key,
