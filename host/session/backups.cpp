@@ -59,6 +59,7 @@ std::string Explain(storage::BackupFault fault) {
   return Say(resources::kBackupDamaged);
 }
 
+/// A backup among the tags would be restored with them, or deleted as somebody else's file.
 bool IsBelowRoot(const Session& session, const std::string& path) {
   namespace fs = std::filesystem;
   std::error_code error;
@@ -77,6 +78,7 @@ bool MayWrite(Session& session, const NamedFile& file) {
     session.Fail(Say(resources::kNoBackupInRoot, {file.name}));
     return false;
   }
+  // An earlier backup is replaced without a question. Any other file is the user's to give up.
   const bool agrees = session.GetOutlet().AgreesTo(
       {text::FromUtf8(Say(resources::kReplaceNoBackup, {file.name})),
        platform::MessageCaption::kText, std::u16string(resources::Say(resources::kBackupCaption)),
@@ -150,6 +152,8 @@ class ContactsOfBackup {
     if (!names || !choice) {
       return Failure(names ? choice.error() : names.error());
     }
+    // A newcomer has neither tags nor chosen contacts. There a number of the backup can keep its
+    // meaning.
     m_isNewcomer =
         names->names.empty() && !*choice && m_session.GetMachineOptions().contacts.empty();
     if (!m_isNewcomer) {
@@ -168,6 +172,7 @@ class ContactsOfBackup {
       return Recognise();
     }
     if (!m_here.IsEmpty()) {
+      // Tried on a copy first: the user has not agreed to anything yet.
       vcard::OidMap trial = m_here;
       return trial.Adopt(m_there->map, vcard::OidMap::Keeping::kInMemory)
           .map([this](vcard::OidMap::Numbers&& numbers) { m_numbers = std::move(numbers); });
@@ -176,6 +181,7 @@ class ContactsOfBackup {
   }
 
   [[nodiscard]] std::optional<std::int32_t> Find(std::int32_t oid) const {
+    // The numbers of the backup are taken over as they are.
     if (m_isNewcomer && m_here.IsEmpty()) {
       return oid;
     }
@@ -284,10 +290,12 @@ std::optional<RestoredBackup> RestoreFrom(Session& session, platform::File& arch
                      : Say(resources::kTagNotReadNow, {text::ToUtf8(plan.error())}));
     return std::nullopt;
   }
+  // The user is asked once, about all that differs, before anything is changed.
   const Differences differences = FindDifferences(*plan, contacts);
   const bool isAnyDifferent =
       !differences.tags.empty() || differences.connection || differences.languageFile;
   const bool replaces = isAnyDifferent && agree(differences);
+  // The contacts come before the tags, whose entries name them.
   const auto hasContacts = contacts.Store();
   if (!hasContacts) {
     return failStore(hasContacts.error());
@@ -338,6 +346,7 @@ std::optional<storage::BackupMade> MakeBackup(Session& session, const NamedFile&
     session.Fail(Explain(session, made.error(), file));
     return std::nullopt;
   }
+  // The backup is made all the same. The user hears what is not in it.
   for (const std::u16string& tag : made->leftOut) {
     session.Fail(Say(resources::kTagLeftOut, {text::ToUtf8(tag)}));
   }

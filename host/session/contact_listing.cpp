@@ -34,6 +34,7 @@ platform::Result<std::vector<ListedContact>, tags::ContactMessage> ListContacts(
     ui.ShowMessage(tags::ToBox(message, texts));
   };
   framework::CDialog page(resources::kLearningDialog, ui);
+  // The dialog is the page's, and the handler is an empty one: only the boxes are wanted.
   headless::HeadlessDialog boxes(resources::kLearningDialog, page, nullptr);
   tags::ContactPicker picker(session.GetContacts(), report);
   if (const auto loaded = picker.Load(boxes); !loaded) {
@@ -53,6 +54,7 @@ platform::Result<std::vector<ListedContact>, tags::ContactMessage> ListContacts(
 std::vector<std::string> DescribeContactRemarks(Session& session) {
   std::vector<std::string> described;
   for (const vcard::Remark& remark : session.GetContacts().GetRemarks()) {
+    // A file below the root is named by its device path, which no user can open.
     std::string text = remark.place.starts_with(u'\\') ? session.ToHostPath(remark.place)
                                                        : text::ToUtf8(remark.place);
     text += remark.line > 0 ? fmt::format(":{}: ", remark.line) : ": ";

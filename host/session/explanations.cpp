@@ -158,6 +158,7 @@ std::string ExplainHeaderCode(int code) {
 
 std::string ExplainPlayCode(const Session& session, int code) {
   const std::string& speaker = session.GetMachineOptions().speaker;
+  // Only a file that is to be written is refused for being a link.
   const bool isUnwritten = code == audio::kOutputNotOpened || code == audio::kNotWritten;
   const std::string link = isUnwritten ? Session::ExplainLink(speaker) : std::string();
   return Say(resources::kWithCode,
@@ -166,6 +167,8 @@ std::string ExplainPlayCode(const Session& session, int code) {
 
 std::string ExplainRecordCode(const Session& session, int code) {
   const std::string& microphone = session.GetMachineOptions().microphone;
+  // A file in the microphone's place has words of its own for some codes, and else those of a
+  // device.
   std::string words = microphone.empty() ? std::string() : RecordCodeOfFile(code, microphone);
   if (words.empty()) {
     words = RecordCodeInWords(code);
@@ -175,6 +178,7 @@ std::string ExplainRecordCode(const Session& session, int code) {
 }
 
 std::string ExplainNoTag(const Session& session, const tags::Page_one& page) {
+  // What the disk says is nearer to the cause than a code of the recorder.
   if (const auto error = page.GetLearnError()) {
     return ExplainFileError(*error);
   }

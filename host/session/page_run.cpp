@@ -84,12 +84,15 @@ bool CanListTags(Session& session) {
 /// Returns whether a box says that tags were deleted which the trash had no room for.
 bool IsOfDestroyedTags(std::u16string_view text) {
   const std::u16string_view many = resources::Say(resources::kTagsDestroyed);
+  // The other text begins with words and goes on with a number, so only what stands before it is
+  // compared.
   return text == resources::Say(resources::kTagDestroyed) ||
          text.starts_with(many.substr(0, many.find(u'%')));
 }
 
 /// Counts the message boxes so far that reported a failure.
 std::ptrdiff_t CountProblems(Session& session) {
+  // A question is no failure, and a tag that went for good has gone, as was asked for.
   return std::ranges::count_if(
       session.GetUi().GetMessages(), [](const headless::ShownMessage& shown) {
         return !platform::Has(shown.box.style, platform::MessageStyle::kOkCancel) &&
@@ -156,11 +159,15 @@ void RunPage(Session& session, Contacts contacts, const std::function<void(PageR
   const auto wasReinitialized = std::make_shared<bool>(false);
   session.GetUi().SetDialogStory(resources::kReinitDialog.id,
                                  [&session, wasReinitialized](headless::HeadlessDialog& window) {
+                                   // The page posted its check of the version when it opened, so
+                                   // this comes before the sheet's story.
                                    *wasReinitialized = true;
                                    const QuickScope quick(session.GetClock(), true);
                                    session.GetOutlet().WatchReinit(window);
                                  });
   session.GetUi().SetSheetStory([&](headless::HeadlessSheet& window) {
+    // The page asked for the end of the process. In a window that would be the end; here the sheet
+    // goes on, and nothing may be pressed on it any more.
     if (session.HasEnded()) {
       if (!page.IsOnlyInstance()) {
         session.Fail(Say(resources::kTagsHeld));
@@ -169,6 +176,7 @@ void RunPage(Session& session, Contacts contacts, const std::function<void(PageR
       }
       return;
     }
+    // It ended with its message, which the session has shown. What helps is added to that.
     if (!page.IsSetUp()) {
       session.Fail(ExplainContactsProblem(session));
       return;

@@ -21,6 +21,7 @@ bool IsConfirmation(const platform::MessageBox& box) {
 
 std::filesystem::path NearestThatExists(std::filesystem::path path) {
   std::error_code ignored;
+  // The folder itself need not be there: the first command that changes something makes it.
   while (std::filesystem::status(path, ignored).type() == std::filesystem::file_type::not_found &&
          path.has_relative_path()) {
     path = path.parent_path();
@@ -36,6 +37,8 @@ Session::Session(const machine::Options& options, Outlet& outlet)
       m_backends(options),
       m_clock(m_backends.GetClock()),
       m_ui(std::u16string(kApplicationName)) {
+  // The boxes of the pages become lines of the program. Only a confirmation asks, and all others
+  // are answered with OK, which is their only button.
   m_ui.SetListener([this](const headless::ShownMessage& shown) {
     if (!IsConfirmation(shown.box)) {
       m_outlet.ShowMessage(shown);
@@ -52,6 +55,7 @@ Session::~Session() = default;
 platform::Platform Session::GetPlatform() { return GetPlatform(m_clock); }
 
 platform::Platform Session::GetPlatform(platform::Clock& clock) {
+  // A dialog that a worker thread ends is waited for with these.
   m_ui.UseThreads(m_backends.GetThreads());
   return {m_backends.GetFiles(),
           m_microphone != nullptr ? *m_microphone : m_backends.GetWaveIn(),
@@ -91,6 +95,7 @@ bool Session::HasRootFolder() const {
 }
 
 bool Session::OpenForReading() {
+  // Before anything is opened: the back ends choose how they open what they read.
   m_backends.ChangeNothing();
   return RequireRoot();
 }

@@ -76,6 +76,8 @@ void FindAdvice(Session& session, const platform::Platform& platform,
     const auto isOfTag = [&tag](const CheckedFinding& found) {
       return found.finding.tag == tag.name;
     };
+    // A recording that the check has found empty or silent needs no second sentence that says it is
+    // soft.
     const bool isFault = std::ranges::any_of(checked.findings, [&](const CheckedFinding& found) {
       const StoreProblem problem = found.finding.problem;
       return isOfTag(found) && (problem == StoreProblem::kRecordingEmpty ||
@@ -101,6 +103,7 @@ CheckedStore FindProblems(Session& session, const platform::Platform& platform) 
     return checked;
   }
   const bool hasTags = checked.tagCount > 0;
+  // A store without tags asks nobody: the desktop's address books may take seconds to answer.
   const bool isAway = hasTags && !tags::OpenContacts(platform.contacts, platform.clock);
   if (isAway) {
     checked.findings.push_back({{StoreProblem::kContactsAway, {}, {}},
@@ -113,6 +116,7 @@ CheckedStore FindProblems(Session& session, const platform::Platform& platform) 
   const bool isOpen = hasTags && !isAway;
   const ContactsState contacts = isOpen ? ContactsState::kOpen : ContactsState::kAway;
   for (StoreFinding& finding : CheckStore(platform, contacts)) {
+    // Asked now, since the contacts are logged off before the findings are shown.
     std::string listText = isOpen ? ReadListText(platform, finding.tag) : "";
     std::string description(Describe(finding.problem));
     if (!finding.folder.empty()) {
@@ -139,6 +143,7 @@ void RemoveOrphans(const platform::Platform& platform, std::vector<CheckedFindin
       storage::DeleteOrphans(platform.files, platform.registry, trash);
   for (CheckedFinding& checked : findings) {
     if (isOrphan(checked)) {
+      // One deletion takes all orphans, so what is gone is looked up by name afterwards.
       checked.isRepaired = std::ranges::find(gone, checked.finding.tag) != gone.end();
       checked.reason = checked.isRepaired ? "" : Say(resources::kOrphanStays);
     }
@@ -218,6 +223,7 @@ std::optional<CheckedStore> CheckStore(Session& session, Repairing repairing,
     return std::nullopt;
   }
   const platform::Platform own = session.GetPlatform();
+  // The mathematics shows a box for each file that it cannot read. The findings say the same, once.
   headless::HeadlessUi silent;
   const platform::Platform platform{own.files, own.waveIn,   own.clock,    own.threads, own.process,
                                     silent,    own.registry, own.contacts, own.waveOut, own.shell};

@@ -17,6 +17,7 @@ namespace session {
 
 platform::Result<std::vector<tags::ListedTag>, platform::RegistryError> ReadAtOnce(
     const platform::Platform& platform, bool hasContacts) {
+  // A group is one state of the settings, whatever another process writes meanwhile.
   auto group = platform::RegistryGroup::Begin(platform.registry);
   if (!group) {
     return platform::Failure(group.error());
@@ -38,6 +39,7 @@ void ReportProblem(Session& session, const tags::ListedTag& tag) {
     session.Fail(Say(resources::kEntryNotRead, {name, storage::ExplainRegistryError(*tag.error)}));
   } else if (tag.failure) {
     session.Fail(Say(resources::kContactOfTagNotRead, {name}));
+    // The page's list ends at such a name. Here it has a line, and the user hears of it.
   } else if (name.size() > storage::TagNames::kMaxLength) {
     session.Fail(Say(resources::kTagNameTooLong, {name}));
   }
