@@ -86,6 +86,7 @@ std::string Explain(RestoreFate fate) {
 }
 
 bool AgreesToReplace(Session& session, const session::Differences& differences) {
+  // One question for all of it, since a script answers with --yes and a user reads one line.
   std::u16string all;
   const auto add = [&all](std::u16string_view what) {
     all.append(all.empty() ? u"" : u"; ").append(what);
@@ -126,6 +127,8 @@ Json ToJson(const Session& session, const session::RestoredBackup& restored) {
   for (std::size_t i = 0; i < restored.tags.size(); ++i) {
     const std::string name = text::ToUtf8(restored.tags[i]);
     const std::string word = WordOf(restored.outcome.tags[i]);
+    // The fates that have a list of their own are those of parts that are here now. All others
+    // share one, with the reason.
     if (json.contains(word)) {
       json[word].push_back(name);
     } else {

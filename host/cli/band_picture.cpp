@@ -25,6 +25,7 @@ double BinToHertz(std::size_t bin) {
 }
 
 std::string NameBand(std::size_t band) {
+  // The lowest bins hold hum and offset, and no band uses them.
   const std::size_t first = std::max(band * voicemath::kBandBins, voicemath::kFirstUsedBin);
   const std::size_t last = (band + 1) * voicemath::kBandBins - 1;
   return fmt::format("{:4.0f} to {:4.0f} Hz", BinToHertz(first), BinToHertz(last));
@@ -39,6 +40,7 @@ std::vector<float> GatherColumns(std::span<const float> values, std::size_t band
   for (std::size_t frame = 0; frame < frames; ++frame) {
     const float value = values[frame * voicemath::kBandCount + band];
     float& column = gathered[frame * count / frames];
+    // A damaged template may hold anything, and is drawn all the same.
     column = std::isfinite(value) ? std::max(column, value) : column;
   }
   return gathered;
@@ -59,6 +61,7 @@ std::vector<std::string> DrawBands(std::span<const float> values, std::size_t co
                                    PictureStyle style) {
   const auto& marks = style == PictureStyle::kBlocks ? kBlocks : kAscii;
   std::vector<std::string> lines;
+  // The highest band stands at the top, as in every picture of sound.
   for (std::size_t band = voicemath::kBandCount; band-- > 0;) {
     const std::vector<float> gathered = GatherColumns(values, band, columns);
     const float top = gathered.empty() ? 0.0F : *std::ranges::max_element(gathered);

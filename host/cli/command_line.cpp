@@ -22,6 +22,8 @@ int RunCommand(int argc, const char* const* argv) {
                "voxtrel");
   Options options;
   PrepareUsage(app, options);
+  // The session reads the options when a command asks for something, which is after they were
+  // parsed.
   Session session(options);
   AddWindowCommands(app, session);
   AddWaveCommands(app, session);
@@ -47,6 +49,7 @@ int RunCommand(int argc, const char* const* argv) {
     // Nothing of the system throws; a library that ran out of something does.
     session.Fail(error.what());
   }
+  // After every command, whatever became of it: the JSON value is whole only now.
   session.PrintOutcome();
   return session.GetExitCode();
 }
@@ -64,6 +67,8 @@ int RunAndFlush(int argc, const char* const* argv) {
 }  // namespace
 
 void ReserveStandardStreams() {
+  // A program that was started with a closed stream would open its first file under that number,
+  // and what it prints would go into the user's recording.
   for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
     if (::fcntl(stream, F_GETFD) == -1) {
       // It gets the lowest free number, which is this one. It is opened for the wrong direction, so

@@ -61,6 +61,7 @@ bool PreparePorts(Session& session) {
 /// Opens the page over `registry` without a window, and hands it to `use`.
 void RunWithoutWindow(Session& session, platform::Registry& registry,
                       const std::function<void(headless::HeadlessSheet&)>& use) {
+  // The story is what a user would do. The sheet closes when it returns.
   session.GetUi().SetSheetStory(use);
   connection::RunConnectionSheet(session.GetUi(), registry,
                                  session::LoadTexts(session)(resources::kSheetCaption));
@@ -129,6 +130,7 @@ void Show(Session& session) {
 void Apply(headless::HeadlessDialog& dialog, const ConnectionChange& change) {
   const int control = change.setting->control;
   if (change.setting->isCheck) {
+    // A box has no "set", only a press that turns it over.
     if (dialog.IsChecked(control) != change.isChecked) {
       dialog.Press(control);
     }

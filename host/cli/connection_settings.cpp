@@ -21,6 +21,8 @@ constexpr std::string_view kCheckValues = "1 or 0 (yes or no, on or off, true or
 const ConnectionSetting* FindSetting(std::string_view name) {
   const auto found =
       std::ranges::find_if(kConnectionSettings, [name](const ConnectionSetting& setting) {
+        // The name of the command line, or the one in the registry, which people find in exported
+        // files.
         return setting.name == name || text::SameName(setting.storedName, text::FromUtf8(name));
       });
   return found == kConnectionSettings.end() ? nullptr : &*found;

@@ -65,6 +65,7 @@ class Wanted {
   /// `listNumber` is the number of the contact in `contacts list`, and `item` its name there.
   [[nodiscard]] Likeness Compare(const tags::ContactRecord& record, std::int32_t listNumber,
                                  std::u16string_view item) const {
+    // From the surest to the weakest sign. The identifier is unique, whatever people are called.
     if (m_number == record.oid) {
       return Likeness::kIdentifier;
     }
@@ -81,6 +82,7 @@ class Wanted {
       return Likeness::kSameWords;
     }
     const std::u16string folded = text::FoldName(item);
+    // "lee" finds "Lee Ann" and "Ashleen". If it finds several, the caller asks which one is meant.
     const bool holdsAll = std::ranges::all_of(m_words, [&folded](const std::u16string& word) {
       return folded.find(word) != std::u16string::npos;
     });

@@ -47,10 +47,12 @@ void ShowContacts(Session& session) {
   const platform::Platform platform = session.GetPlatform();
   const language::Texts texts = session::LoadTexts(session);
   const auto opened = tags::OpenContacts(session.GetContacts(), platform.clock);
+  // On standard error, so that a list that goes to another program stays a list.
   for (const std::string& remark : session::DescribeContactRemarks(session)) {
     PrintErrorLine(remark);
   }
   if (!opened) {
+    // The box of the page first, in the user's language, and then what helps.
     platform.ui.ShowMessage(tags::ToBox(opened.error(), texts));
     session.Fail(session::ExplainContactsProblem(session));
     return;

@@ -36,6 +36,7 @@ bool EachPiece(std::FILE* from, Take take) {
     if (!take(std::span(piece).first(count))) {
       return false;
     }
+    // The end of the stream, or an error. Only the stream knows which.
     if (count < piece.size()) {
       return std::ferror(from) == 0;
     }
@@ -47,6 +48,7 @@ bool EachPiece(std::FILE* from, Take take) {
 std::unique_ptr<const TemporaryFolder> TemporaryFolder::Make() {
   std::error_code error;
   std::string path = (fs::temp_directory_path(error) / "voxtrel-XXXXXX").native();
+  // The system gives the folder to its owner alone.
   return error || ::mkdtemp(path.data()) == nullptr ? nullptr
                                                     : std::make_unique<const TemporaryFolder>(path);
 }
@@ -129,6 +131,7 @@ void FileArgument::Send(Session& session) const {
   const bool isSent = file && EachPiece(file.get(), [](std::span<const char> piece) {
                         return std::fwrite(piece.data(), 1, piece.size(), stdout) == piece.size();
                       });
+  // Flushed here, where a failure can still be reported with the file's name.
   if (!isSent || std::fflush(stdout) != 0) {
     session.Fail(fmt::format("{}: it cannot be written", m_name));
   }

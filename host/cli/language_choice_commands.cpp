@@ -39,6 +39,7 @@ void ListLanguages(Session& session) {
   std::vector<std::string> languages = choice.List();
   languages.insert(languages.begin(), kEnglish);
   const auto isUsed = [&current](const std::string& language) {
+    // No file in place is English, and so is the template for translators.
     return current && *current == (language == kEnglish ? "" : language);
   };
   if (session.GetOptions().json) {
@@ -78,6 +79,7 @@ void UseLanguage(Session& session, const std::string& name) {
   static_cast<void>(storage::CreateStoreFolders(session.GetFiles()));
   const language::LanguageChoice choice = MakeChoice(session);
   const std::string language = name == kEnglish ? std::string() : name;
+  // First without leave. Only if a file of the user's own is in the way, the user is asked.
   auto chosen = choice.Choose(language, OwnFile::kStays);
   if (chosen == platform::Failure(LanguageError::kOwnFile) &&
       session.GetOutlet().AgreesTo(

@@ -49,10 +49,12 @@ Result<void, std::string> WriteLanguageFile(Session& session, const std::string&
   platform::FileSystem& files = session.GetFiles();
   const std::u16string path = Session::ToSystemPath(name);
   auto earlier = files.Open(path, {});
+  // An empty file is what a shell leaves after "> FILE", and holds nobody's work.
   if (earlier && (*earlier)->GetLength() != 0) {
     return Failure(fmt::format("{}: there is such a file already; it was left as it is", name));
   }
   const bool mayWrite = earlier || earlier.error() == FileError::kNotFound;
+  // Closed before it is replaced: it would be in use by this very program.
   if (earlier) {
     earlier->reset();
   }

@@ -14,6 +14,8 @@ namespace {
 /// `main`. What was written until then is as after a kill, which every command allows for.
 [[noreturn]] void EndWithoutMemory() {
   try {
+    // Thrown again only to see what it is. Anything but a lack of memory is a fault of the program
+    // and ends as such.
     if (std::current_exception()) {
       throw;
     }
@@ -53,6 +55,7 @@ constexpr int kFirstPriority = 101;
 }  // namespace
 
 int main(int argc, char** argv) {
+  // Before anything opens a file.
   cli::ReserveStandardStreams();
   WatchForEndByLibrary();
   // Only the character set, so that pictures fit the terminal; numbers keep their decimal point.

@@ -89,6 +89,7 @@ void CheckTags(Session& session, bool isRepair) {
     return;
   }
   PrintFindings(session, *checked);
+  // What is left decides the exit code. Advice does not: a soft recording is no fault.
   const auto left = std::ranges::count(checked->findings, false, &CheckedFinding::isRepaired);
   if (left > 0) {
     session.Fail(

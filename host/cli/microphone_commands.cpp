@@ -55,6 +55,7 @@ void UseInput(Session& session, const std::string& name) {
     return;
   }
   std::u16string chosen;
+  // A name is checked against the inputs that there are now. The choice of the desktop needs none.
   if (name != kDefault) {
     chosen = text::FromUtf8(name);
     const auto inputs = session.GetWaveInputs().List();

@@ -16,10 +16,12 @@ namespace {
 /// Returns nine digits. The library prints as many as a double needs, up to 17, but the values are
 /// floats.
 std::string NumberText(double value) {
+  // JSON has no word for it. A level of a silent recording is not a number.
   if (!std::isfinite(value)) {
     return "null";
   }
   std::string number = fmt::format("{:.9g}", value);
+  // A whole number keeps its point, so that readers of JSON see a float each time.
   if (number.find_first_of(".e") == std::string::npos) {
     number += ".0";
   }
@@ -85,6 +87,7 @@ void PrintLine(std::string_view line) { Write(stdout, line); }
 
 void PrintErrorLine(std::string_view line) { Write(stderr, line); }
 
+/// A full disk or a closed pipe may show only here: what was printed waits in memory until then.
 bool FlushOutput() { return std::fflush(stdout) == 0 && std::ferror(stdout) == 0; }
 
 }  // namespace cli

@@ -51,6 +51,7 @@ void Export(Session& session, const std::string& name) {
     session.Fail(target.error());
     return;
   }
+  // The whole file is made in memory first, so a store that cannot be read leaves no half export.
   const auto file = storage::WriteRegistryFile(session.GetRegistry());
   if (!file) {
     session.Fail(session.ExplainStore(file.error()));

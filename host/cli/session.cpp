@@ -54,6 +54,7 @@ bool Session::AgreesTo(const platform::MessageBox& question) {
   }
   PrintErrorLine(line + " [y/N]");
   std::string answer;
+  // Anything but a clear yes is a no, an input that ends too.
   std::getline(std::cin, answer);
   return answer == "y" || answer == "Y" || answer == "yes";
 }
@@ -80,6 +81,7 @@ void Session::PrintOutcome() const {
     return;
   }
   std::optional<Json> json = m_json;
+  // A list stays a list: scripts that read one look at the exit code.
   if (GetExitCode() != 0 && (!json || json->is_object())) {
     (json ? *json : json.emplace(Json::object())).update(ErrorToJson(GetExitCode(), m_messages));
   }

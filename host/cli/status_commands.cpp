@@ -31,6 +31,7 @@ FoundContacts FindContacts(Session& session) {
     return {
         0, session::ExplainContactsProblem(session), {}, session::ExplainContactsReason(session)};
   }
+  // In English, as all of the command line is.
   const auto contacts = session::ListContacts(session, language::Texts(nullptr));
   if (!contacts) {
     return {0, "the contacts cannot be listed"};

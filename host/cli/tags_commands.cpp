@@ -49,6 +49,8 @@ void PrintTag(const tags::ListedTag& tag) {
   std::string remark;
   if (tag.isStale) {
     remark = "  (its contact does not exist any more)";
+    // The text is the bare name if the contact is not known. The kind of the number then helps a
+    // little.
   } else if (tag.text == tag.name && !tag.entry.phoneType.empty()) {
     remark = fmt::format("  ({})", text::ToUtf8(tag.entry.phoneType));
   }
@@ -180,8 +182,10 @@ void Learn(Session& session, const std::string& contact, const std::string& kind
     {
       const session::QuickScope quick(session.GetClock(),
                                       session.HearsFile() && session.PlaysIntoFile());
+      // This returns when the page is done: recorded, stored, listed and played.
       run.dialog.Press(kRecordButtonId);
     }
+    // The page answers nothing. Whether it has learned a name shows in its list.
     if (run.dialog.GetItemCount(kTagListId) == before) {
       if (session.GetOptions().json && run.page.GetRecordCode() == audio::kDeviceLost) {
         session.SetJson({{"quality", QualityToJson(session::InterruptedTake())}});
@@ -266,6 +270,7 @@ void Delete(Session& session, const std::string& name) {
   if (!session.OpenForChanging()) {
     return;
   }
+  // Asked before the page opens, since opening may clean up the very tag.
   const bool wasThere = ReadEntry(session, name).has_value();
   session::RunPage(session, session::Contacts::kOptional, [&](session::PageRun& run) {
     const auto entry = ReadEntry(session, name);

@@ -92,6 +92,7 @@ void Test(Session& session) {
                                  [&items](headless::HeadlessDialog& window) {
                                    items = window.GetItems(resources::kTestListId);
                                  });
+  // It opens only if the search takes more than a second.
   session.GetUi().SetDialogStory(resources::kComparisonDialog.id, WatchComparison);
   dialog.DoModal();
   PrintTest(session, items, dialog, std::max(table.tagCount - storage::kMaxTags, 0));

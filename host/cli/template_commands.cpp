@@ -113,6 +113,7 @@ void ShowTemplate(Session& session, const std::string& st) {
 void PrintDistances(const CVoiceMathematics& mathematics, const std::vector<std::string>& names) {
   const auto count = static_cast<std::int32_t>(names.size());
   for (std::int32_t i = 0; i < count; ++i) {
+    // In both directions: for two templates of one length the order counts.
     std::string line;
     for (std::int32_t j = 0; j < count; ++j) {
       line += fmt::format("{:8.4f}", mathematics.CompareTemplates(i, j));
@@ -163,6 +164,7 @@ void Compare(Session& session, const std::vector<std::string>& files) {
   if (!areNumbers) {
     return;
   }
+  // The count belongs to whoever loads a base, and the thresholds are computed for so many.
   mathematics->m_count = static_cast<std::int32_t>(files.size());
   const std::int32_t count = mathematics->ComputeThresholds();
   if (session.GetOptions().json) {

@@ -50,6 +50,8 @@ bool AreSameName(const std::string& a, const std::string& b) {
   std::error_code failedB;
   const auto canonicalA = std::filesystem::weakly_canonical(a, failedA);
   const auto canonicalB = std::filesystem::weakly_canonical(b, failedB);
+  // Files that are there are compared as files, whatever links lead to them. A file that is not
+  // there yet is compared by its name.
   return Session::AreSameFile(a, b) ||
          (!a.empty() && !failedA && !failedB && canonicalA == canonicalB);
 }
@@ -62,6 +64,7 @@ Result<void, FileError> TryToWrite(platform::FileSystem& files, const std::u16st
   if (!earlier && earlier.error() != FileError::kNotFound) {
     return Failure(earlier.error());
   }
+  // Written and given up: it has no name, and goes with this object.
   const auto trial = files.OpenReplacement(path);
   return trial ? (*trial)->GetFile().Write(std::vector<std::byte>(bytes)) : Failure(trial.error());
 }
@@ -161,6 +164,7 @@ class TemplateMaker {
   /// wanted.
   [[nodiscard]] bool CanLearn(const voicemath::RecordingReview& review) {
     const std::size_t samples = review.segment.last - review.segment.first + 1;
+    // A frame is two hops, so there is one frame less than there are hops.
     const std::size_t frames = samples / voicemath::kFrameHop - 1;
     const std::size_t bytes = kTemplateHeaderBytes + frames * voicemath::kBandCount * sizeof(float);
     const std::string& wave = m_files.wave.GetName();
@@ -223,6 +227,7 @@ class TemplateMaker {
     if (m_files.keep) {
       m_files.keep->Send(m_session);
     }
+    // The summary must not stand in the middle of a file that goes to standard output.
     const bool isOutputFree = !m_files.st.IsStream() && !(m_files.keep && m_files.keep->IsStream());
     if (isOutputFree && !m_session.GetOptions().json) {
       PrintSummary(m_mathematics);

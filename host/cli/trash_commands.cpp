@@ -165,6 +165,7 @@ struct RestoreArguments {
 }  // namespace
 
 void TidyTrash(Session& session) {
+  // If a window has the tags, it has tidied up when it opened.
   const auto hold = session.GetPlatform().threads.CreateNamedMutex(tags::kInstanceMutex);
   if (hold != platform::Failure(platform::ThreadError::kHeld)) {
     OpenTrash(session).Recover();
@@ -190,6 +191,7 @@ void AddTrashCommands(CLI::App& tags, Session& session) {
   auto* last = restore->add_flag("--last", arguments->isLast, "All that the latest deletion took")
                    ->excludes(names);
   restore->callback([&session, arguments, last] {
+    // The library can forbid both together, and cannot ask for one of them.
     if (arguments->names.empty() && last->count() == 0) {
       throw CLI::RequiredError("name or --last");
     }

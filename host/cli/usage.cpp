@@ -155,6 +155,8 @@ std::size_t CountTypos(std::string_view a, std::string_view b) {
   for (std::size_t i = 1; i <= a.size(); ++i) {
     std::vector<std::size_t> row(b.size() + 1, i);
     for (std::size_t j = 1; j <= b.size(); ++j) {
+      // Of the first i letters of a and j of b: one letter is another one, one is missing, or one
+      // is too many. The cheapest of the three counts.
       const std::size_t changed = last[j - 1] + (a[i - 1] == b[j - 1] ? 0 : 1);
       row[j] = std::min({changed, last[j] + 1, row[j - 1] + 1});
       if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1]) {
@@ -212,6 +214,7 @@ std::string ExplainUnknownWord(const CLI::App& app) {
   while (!command->get_subcommands().empty()) {
     command = command->get_subcommands().back();
   }
+  // All words were understood, so something else is wrong.
   if (left.empty()) {
     return {};
   }
@@ -316,6 +319,7 @@ std::string FindNearest(const std::string& word, const std::vector<std::string>&
   std::size_t fewest = std::max<std::size_t>(word.size() / kLettersOfATypo, 1) + 1;
   std::string nearest;
   for (const std::string& name : names) {
+    // A beginning, such as "comp", is as good as one typing error.
     const bool isBeginning = word.size() >= kShortestBeginning && name.starts_with(word);
     const std::size_t typos = isBeginning ? 1 : CountTypos(word, name);
     if (typos < fewest && typos < name.size()) {

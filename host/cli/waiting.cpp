@@ -70,10 +70,12 @@ ProgressClock::ProgressClock(platform::Clock& clock, std::uint32_t recordingMill
       m_isAwaited(::isatty(STDERR_FILENO) == 1) {}
 
 void ProgressClock::Sleep(std::uint32_t milliseconds) {
+  // The recorder sleeps for other reasons too, and only the long sleep is the recording.
   if (!m_isAwaited || milliseconds != m_recording) {
     m_clock.Sleep(milliseconds);
     return;
   }
+  // Once: a second sleep of this length is none of the recording.
   m_isAwaited = false;
   for (std::uint32_t passed = 0; passed < milliseconds;) {
     Show(passed);

@@ -27,6 +27,7 @@ bool HasDisplay() {
   constexpr const char* kVariables[] = {"WAYLAND_DISPLAY", "DISPLAY", "QT_QPA_PLATFORM"};
   return std::ranges::any_of(kVariables, [](const char* name) {
     const char* value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe)
+    // An empty variable is how scripts switch a display off.
     return value != nullptr && value[0] != '\0';
   });
 }
@@ -46,6 +47,7 @@ std::vector<std::string> VariablesOf(const Session& session) {
       variables.push_back(std::string(name) + "=" + value);
     }
   };
+  // By the environment, since the applet is a library: it has no command line of its own.
   add("VOXTREL_ROOT", options.root);
   add("VOXTREL_MICROPHONE", options.microphone);
   add("VOXTREL_SPEAKER", options.speaker);
