@@ -35,6 +35,7 @@ constexpr std::chrono::milliseconds kBetweenSigns{500};
 int TakeStandardOutput() {
   // If the panel ends, the applets that are open must not end with it.
   static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
+  // A number above the three standard ones, which programs that the applet starts do not inherit.
   const int own = ::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
   static_cast<void>(::dup2(STDERR_FILENO, STDOUT_FILENO));
   return own;
@@ -97,6 +98,7 @@ class PanelLine {
 
   void TakeRequest() {
     char request = '\0';
+    // The end of the pipe would be reported again and again.
     if (::read(STDIN_FILENO, &request, 1) != 1) {
       m_requests.setEnabled(false);
     } else if (request == kRaiseRequest) {
@@ -140,6 +142,7 @@ platform::Result<void, QString> OpenApplet(const QString& path, int number) {
   if (number < 0 || index >= answers.size()) {
     return platform::Failure(qt::Say(resources::kHoldsNoApplet).arg(number));
   }
+  // The windows of the applet show its own icon in the task bar, and not the panel's.
   QApplication::setWindowIcon(qt::IconOf(QByteArray::fromStdString(answers[index].icon)));
   (*talk)->Open(number);
   return {};
@@ -149,6 +152,8 @@ platform::Result<void, QString> OpenApplet(const QString& path, int number) {
 
 int RunInquiry(const std::string& applet) {
   const int output = TakeStandardOutput();
+  // The whole report at the end, in one piece. Whatever the library does before, half a report
+  // cannot be taken for a whole one.
   const QByteArray bytes = ToBytes(ReportOn(applet));
   return WriteAll(output, bytes.constData(), bytes.size()) ? 0 : 1;
 }

@@ -36,6 +36,8 @@ auto CannotBeLoaded(const QString& reason) {
 std::string ReadIcon(std::uint32_t handle) {
   const int descriptor = static_cast<int>(handle);
   struct stat status {};
+  // The number comes from a library that anybody may have written. It can be any descriptor of this
+  // process, or none.
   if (handle == platform::kNoIcon || descriptor < 0 || ::fstat(descriptor, &status) != 0 ||
       !S_ISREG(status.st_mode) || status.st_size <= 0 ||
       static_cast<std::size_t>(status.st_size) > kLongestIcon) {
@@ -60,6 +62,7 @@ platform::Result<AppletLibrary, QString> AppletLibrary::Load(const std::string& 
   if (!path.starts_with('/')) {
     return CannotBeLoaded(qt::Say(resources::kNoFullPath));
   }
+  // All of its symbols are found now, or the library counts as one that cannot be loaded.
   Handle handle(::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL));
   if (!handle) {
     return CannotBeLoaded(LatestProblem());
@@ -108,6 +111,8 @@ AppletTalk::~AppletTalk() {
     static_cast<void>(m_library.Send(CplMessage::kStop, static_cast<std::intptr_t>(number),
                                      m_answers[number].data));
   }
+  // The library is released after this, and not before: the talk is gone before the library that it
+  // refers to.
   static_cast<void>(m_library.Send(CplMessage::kExit));
 }
 
@@ -117,6 +122,7 @@ void AppletTalk::Open(int number) const {
 }
 
 AppletAnswer AppletTalk::Ask(int number) const {
+  // Zeros, so that a field that the applet leaves out is empty.
   applet::NewCplInfo info;
   static_cast<void>(
       m_library.Send(CplMessage::kNewInquire, number, reinterpret_cast<std::intptr_t>(&info)));

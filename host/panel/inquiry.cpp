@@ -82,6 +82,8 @@ Inquiry::Inquiry(const QString& program, const QString& library, std::chrono::mi
                        Finish(qt::Say(resources::kCannotBeAsked).arg(m_process.errorString()));
                      }
                    });
+  // A library can hang while it is loaded. Then the limit ends the wait, and the destructor the
+  // process.
   m_limit.setSingleShot(true);
   QObject::connect(&m_limit, &QTimer::timeout, &m_limit,
                    [this] { Finish(qt::Say(resources::kGivesNoAnswer)); });

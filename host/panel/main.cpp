@@ -40,6 +40,7 @@ int Show(const panel::Arguments& arguments) {
   if (settings.places.isEmpty()) {
     settings.places = {panel::AppletFolder()};
   }
+  // It outlives the window, which watches it.
   pulse::PulseWaveInputs inputs;
   settings.watchInputs = [&inputs](std::function<void()> changed) {
     return inputs.StartWatch(std::move(changed));
@@ -59,6 +60,8 @@ int main(int argc, char** argv) {
     return *exitCode;
   }
   const auto& arguments = std::get<panel::Arguments>(parsed);
+  // An inquiry needs no display and shows nothing, so it begins before there is an application
+  // object.
   if (arguments.mode == panel::Mode::kInquire) {
     return panel::RunInquiry(arguments.applet);
   }

@@ -54,6 +54,7 @@ std::optional<Equipment> ParseEquipment(const QByteArray& json) {
   const QJsonObject contacts = object[QStringLiteral("contacts")].toObject();
   const QJsonValue count = contacts[QStringLiteral("count")];
   const QJsonValue microphones = object[QStringLiteral("microphones")];
+  // Another version of the command line, or none at all.
   if (!count.isDouble() || !microphones.isDouble()) {
     return std::nullopt;
   }
@@ -100,6 +101,7 @@ EquipmentCheck::EquipmentCheck(const QString& commandLine,
 }
 
 EquipmentCheck::~EquipmentCheck() {
+  // No answer after this: the window that wanted it is going.
   m_process.disconnect();
   if (m_process.state() != QProcess::NotRunning) {
     m_process.kill();
@@ -133,6 +135,7 @@ NoticeBar::NoticeBar(QWidget* parent)
 void NoticeBar::Show(const QString& text, const QString& button,
                      const std::function<void()>& action) {
   m_text->setText(text);
+  // The bar is shown again and again with other actions, and one press must do one of them.
   m_button->disconnect(this);
   m_button->setVisible(action != nullptr);
   m_button->setText(button);

@@ -24,6 +24,7 @@ QMessageBox* MakeBox(QWidget& window, QMessageBox::Icon icon, const QString& tit
   box->setAttribute(Qt::WA_DeleteOnClose);
   box->setTextFormat(Qt::PlainText);
   box->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+  // A modal box would keep the user from the other applets.
   box->setModal(false);
   return box;
 }
@@ -47,6 +48,7 @@ void OpenApplets::Open(const AppletChoice& choice) {
     m_events.status(qt::Say(resources::kIsOpenAlready).arg(choice.name));
     return;
   }
+  // The applet is opened when the other one has ended.
   if (TakesTurn(choice)) {
     return;
   }
@@ -89,11 +91,13 @@ void OpenApplets::OnEnd(const QString& key, Ending ending, const QString& messag
   // This is an event of the object, so the object is released when the event is over.
   const auto finish = [this, key, ending, message] {
     const auto found = m_open.find(key);
+    // Nobody has to answer whether to wait for an applet that has ended.
     if (found->second.question != nullptr) {
       found->second.question->close();
     }
     const AppletChoice choice = found->second.choice;
     const std::optional<AppletChoice> next = found->second.next;
+    // The entry goes first: opening the next one may take its place.
     m_open.erase(found);
     if (next) {
       Open(*next);

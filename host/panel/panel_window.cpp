@@ -42,11 +42,13 @@ PanelWindow::PanelWindow(Settings settings)
       m_applets(*this, {m_settings.program, m_settings.patience},
                 {[this](const QString& text) { m_status->setText(text); },
                  [this](const QString& text) {
+                   // Only if it is still there: another applet may have said something since.
                    if (m_status->text() == text) {
                      m_status->clear();
                    }
                  },
                  [this] {
+                   // The panel was closed before. It has only waited for this.
                    if (!isVisible()) {
                      QCoreApplication::quit();
                    }
@@ -158,11 +160,14 @@ void PanelWindow::BuildSampleMenu() {
 void PanelWindow::Refresh() {
   m_missing.clear();
   LookForEquipment();
+  // Answers to the earlier questions would change items that are gone.
   m_inquiries.clear();
   m_list->clear();
   const QStringList libraries = FindApplets(m_settings.places);
   for (const QString& library : libraries) {
     QListWidgetItem* const item = AddItem(library, 0, QFileInfo(library).completeBaseName());
+    // All libraries are asked at the same time, each by a process of its own. The list is there at
+    // once, and a slow one delays nobody.
     item->setData(kDescriptionRole, qt::Say(resources::kIsBeingAsked).arg(library));
     m_inquiries.push_back(std::make_unique<Inquiry>(
         m_settings.program, library, m_settings.inquiryLimit,
@@ -265,6 +270,7 @@ void PanelWindow::changeEvent(QEvent* event) {
 
 void PanelWindow::OnEquipment(const Equipment& equipment) {
   if (equipment.microphones > 0) {
+    // The watch is for a machine without a microphone, to which one is plugged in.
     m_watch.reset();
   } else if (m_watch == nullptr && m_settings.watchInputs) {
     m_watch = m_settings.watchInputs([this] {
@@ -282,6 +288,7 @@ void PanelWindow::OnEquipment(const Equipment& equipment) {
     m_notice->Show(missing, {}, nullptr);
     return;
   }
+  // A newcomer who lacks something is offered the one thing that needs neither.
   const Sample& sample = samples.front();
   m_notice->Show(missing + QLatin1Char('\n') + qt::Say(resources::kUntilThen).arg(sample.name),
                  qt::Say(resources::kTryNow), [this, sample] { OpenSample(sample); });
