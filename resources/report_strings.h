@@ -109,6 +109,9 @@ inline constexpr std::u16string_view kMicrophoneLost =
     u"server ended";
 
 // The trash.
+inline constexpr std::u16string_view kTrashNotRead = u"the trash cannot be read";
+inline constexpr std::u16string_view kPersonElsewhere = u"its person is in another address book";
+inline constexpr std::u16string_view kPersonGone = u"its person is no longer in the address book";
 inline constexpr std::u16string_view kNotRestored = u"%1 was not restored: %2";
 inline constexpr std::u16string_view kEarlierTagInTrash =
     u"the earlier voice tag is in the trash and could not be put back";

@@ -25,6 +25,10 @@ inline constexpr std::u16string_view kNoPerson =
     u"Nobody with a telephone number was found. Add numbers to the people whom you want to call.";
 inline constexpr std::u16string_view kOneRemark = u"1 place could not be read:";
 inline constexpr std::u16string_view kManyRemarks = u"%1 places could not be read:";
+/// Of very many places, only the first are kept. "%1" is how many these are.
+inline constexpr std::u16string_view kVeryManyRemarks = u"More than %1 places could not be read:";
+inline constexpr std::u16string_view kShowAllPlaces = u"Show %1 &more";
+inline constexpr std::u16string_view kShowFewPlaces = u"Show &fewer";
 inline constexpr std::u16string_view kBookRule =
     u"Each voice tag belongs to a person. So another address book is only taken if it has the "
     u"people of all your voice tags.";

@@ -79,8 +79,23 @@ inline constexpr std::u16string_view kTryAgain = u"Try &again";
 inline constexpr std::u16string_view kPeopleUnreadable = u"There is nobody to teach yet";
 inline constexpr std::u16string_view kOpenSetup = u"Open &set-up";
 
+// The page of the deleted tags.
+inline constexpr std::u16string_view kTrashTitle = u"Deleted tags";
+inline constexpr std::u16string_view kTrashAdvice =
+    u"Deleted voice tags are kept for 30 days. Choose those that you want back.";
+inline constexpr std::u16string_view kReadingTrash = u"Reading the deleted voice tags…";
+inline constexpr std::u16string_view kTrashIsEmpty = u"No deleted voice tags";
+inline constexpr std::u16string_view kTrashIsEmptyAdvice =
+    u"What you delete is kept here for 30 days.";
+inline constexpr std::u16string_view kTrashUnreadable = u"The deleted voice tags cannot be read";
+inline constexpr std::u16string_view kRestore = u"&Restore";
+/// "%1" is a day and a time.
+inline constexpr std::u16string_view kDeletedOn = u"Deleted on %1";
+inline constexpr std::u16string_view kCannotReturn = u"Cannot be restored now";
+
 // The menu.
 inline constexpr std::u16string_view kLikenessItem = u"&Likeness of names";
+inline constexpr std::u16string_view kTrashItem = u"D&eleted tags";
 inline constexpr std::u16string_view kSetupItem = u"&Set-up";
 inline constexpr std::u16string_view kReload = u"&Read again";
 inline constexpr std::u16string_view kControlPanelItem = u"&Control panel";

@@ -55,6 +55,9 @@ class TagTrash {
   /// latest deletion is kept, whatever its size.
   void Recover() const;
 
+  /// Fails if a tag with these parts cannot be restored as the store is now. Changes nothing.
+  [[nodiscard]] platform::Result<void, RestoreError> CheckRoomFor(const TagParts& parts) const;
+
   /// Puts a tag of the list back into the store and takes it out of the trash. If that fails, it
   /// stays in the trash, and the store is as before.
   [[nodiscard]] platform::Result<void, RestoreError> Restore(const TrashedTag& tag) const;
@@ -86,8 +89,6 @@ class TagTrash {
 
   [[nodiscard]] platform::Result<std::vector<std::u16string>, platform::FileError> ListFiles()
       const;
-  /// Fails if a tag cannot be restored as the store is now.
-  [[nodiscard]] platform::Result<void, RestoreError> CheckRoomFor(const TagParts& parts) const;
   /// Returns whether the mark is gone.
   bool EndDeletion(std::u16string_view mark, const std::vector<std::u16string>& names,
                    Unfinished unfinished) const;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <memory>
 #include <vector>
 
 #include "backends/text/utf.h"
@@ -219,9 +220,10 @@ Result<void, ItemError> UnpackFile(platform::FileSystem& files, platform::File& 
   return ToResult(copied ? (*target)->Publish(platform::Durability::kNow) : copied);
 }
 
-/// Only changes of the tag's own key are made. A file with any other change is none of ours.
-Result<void, ItemError> UnpackEntry(platform::Registry& registry, platform::File& archive,
-                                    const TagParts& parts) {
+/// Returns the changes that bring the entry back. A file with a change of anything but the tag's
+/// own key is none of ours.
+Result<std::vector<RegistryChange>, ItemError> ReadEntryChanges(platform::File& archive,
+                                                                const TagParts& parts) {
   if (!parts.hasEntry) {
     return {};
   }
@@ -233,16 +235,32 @@ Result<void, ItemError> UnpackEntry(platform::Registry& registry, platform::File
   if (!file) {
     return Failure(ItemError::kOther);
   }
-  const auto content = ParseRegistryFile(*file);
+  auto content = ParseRegistryFile(*file);
   const std::u16string key = EntryPath(parts.name);
   if (!content || !std::ranges::all_of(content->changes, [&](const RegistryChange& change) {
         return change.key == key || change.key.starts_with(key + u'\\');
       })) {
     return Failure(ItemError::kOther);
   }
-  return ApplyRegistryChanges(registry, content->changes).map_error([](const auto& failure) {
-    return failure.store == RegistryError::kFull ? ItemError::kFull : ItemError::kOther;
+  return std::move(content->changes);
+}
+
+Result<void, ItemError> UnpackEntry(platform::Registry& registry, platform::File& archive,
+                                    const TagParts& parts) {
+  if (!parts.hasEntry) {
+    return {};
+  }
+  return ReadEntryChanges(archive, parts).and_then([&](const auto& changes) {
+    return ApplyRegistryChanges(registry, changes).map_error([](const auto& failure) {
+      return failure.store == RegistryError::kFull ? ItemError::kFull : ItemError::kOther;
+    });
   });
+}
+
+Result<std::unique_ptr<platform::File>, FileError> OpenItem(platform::FileSystem& files,
+                                                            std::u16string_view path) {
+  return files.Open(path, {platform::FileAccess::kRead, platform::FileShare::kRead,
+                           platform::FileCreation::kOpenExisting});
 }
 
 }  // namespace
@@ -268,8 +286,7 @@ Result<void, ItemError> WriteItem(platform::FileSystem& files, platform::Registr
 
 Result<std::optional<TrashItem>, FileError> ReadItem(platform::FileSystem& files,
                                                      std::u16string_view path) {
-  const auto file = files.Open(path, {platform::FileAccess::kRead, platform::FileShare::kRead,
-                                      platform::FileCreation::kOpenExisting});
+  const auto file = OpenItem(files, path);
   if (!file && file.error() == FileError::kNotFound) {
     return std::nullopt;
   }
@@ -289,6 +306,28 @@ Result<std::optional<TrashItem>, FileError> ReadItem(platform::FileSystem& files
     return std::nullopt;
   }
   return Failure(FileError::kOther);
+}
+
+Result<TagEntry, ItemError> ReadItemEntry(platform::FileSystem& files, std::u16string_view path,
+                                          const TagParts& parts) {
+  const auto archive = OpenItem(files, path);
+  if (!archive) {
+    return Failure(ToItemError(archive.error()));
+  }
+  return ReadEntryChanges(**archive, parts).map([](const auto& changes) {
+    TagEntry entry;
+    for (const RegistryChange& change : changes) {
+      if (change.kind != RegistryChange::Kind::kSetValue) {
+        continue;
+      }
+      if (change.valueName == kContactValue) {
+        entry.oid = ParseOid(TextOfValue(change.value));
+      } else if (change.valueName == kPhoneTypeValue) {
+        entry.phoneType = TextOfValue(change.value);
+      }
+    }
+    return entry;
+  });
 }
 
 std::string WriteJournal(const std::vector<TagParts>& tags) {
@@ -318,8 +357,7 @@ Result<void, ItemError> UnpackItem(platform::FileSystem& files, platform::Regist
   if (!item || !*item) {
     return Failure(ItemError::kOther);
   }
-  const auto archive = files.Open(path, {platform::FileAccess::kRead, platform::FileShare::kRead,
-                                         platform::FileCreation::kOpenExisting});
+  const auto archive = OpenItem(files, path);
   if (!archive) {
     return Failure(ToItemError(archive.error()));
   }

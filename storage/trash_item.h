@@ -10,6 +10,7 @@
 #include "platform/registry.h"
 #include "platform/result.h"
 #include "storage/store_contents.h"
+#include "storage/tag_record.h"
 
 namespace storage {
 
@@ -55,6 +56,12 @@ enum class ItemError : std::uint8_t {
 /// such file, or if it is no whole item. Fails if there may be one that cannot be read now.
 [[nodiscard]] platform::Result<std::optional<TrashItem>, platform::FileError> ReadItem(
     platform::FileSystem& files, std::u16string_view path);
+
+/// Reads the entry of the item at `path`, as the registry had it. It is empty if the item has none.
+/// Fails if the item is torn or cannot be read now.
+[[nodiscard]] platform::Result<TagEntry, ItemError> ReadItemEntry(platform::FileSystem& files,
+                                                                  std::u16string_view path,
+                                                                  const TagParts& parts);
 
 // The journal of a restoration from elsewhere: which tags come, before the first file does.
 

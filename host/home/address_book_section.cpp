@@ -4,7 +4,9 @@
 #include <QFile>
 #include <QLabel>
 #include <QPushButton>
+#include <algorithm>
 
+#include "backends/vcard/contact_source.h"
 #include "host/home/say.h"
 #include "resources/setup_strings.h"
 
@@ -63,14 +65,19 @@ QString DescribePeople(const AddressBook& book) {
   return Say(resources::kManyPeople).arg(book.people);
 }
 
-QString DescribeRemarks(const std::vector<std::string>& remarks) {
-  if (remarks.empty()) {
-    return {};
+/// A file of another kind can have a fault in each line, which nobody wants to read.
+constexpr std::size_t kFirstPlaces = 3;
+
+QString DescribePlaces(const std::vector<std::string>& places, std::size_t shown) {
+  QString text;
+  if (places.size() > vcard::RemarkList::kMaxRemarks) {
+    text = Say(resources::kVeryManyRemarks).arg(vcard::RemarkList::kMaxRemarks);
+  } else {
+    text = places.size() == 1 ? Say(resources::kOneRemark)
+                              : Say(resources::kManyRemarks).arg(places.size());
   }
-  QString text = remarks.size() == 1 ? Say(resources::kOneRemark)
-                                     : Say(resources::kManyRemarks).arg(remarks.size());
-  for (const std::string& remark : remarks) {
-    text += u'\n' + FromHost(remark);
+  for (std::size_t i = 0; i < std::min(shown, places.size()); ++i) {
+    text += u'\n' + FromHost(places[i]);
   }
   return text;
 }
@@ -97,6 +104,10 @@ AddressBookSection::AddressBookSection(const SetupTools& tools, Errands& errands
     if (!path.isEmpty()) {
       Choose(QFile::encodeName(path).toStdString());
     }
+  });
+  m_allPlaces = AddButton(resources::kShowAllPlaces, "showAllPlaces", [this] {
+    m_areAllPlacesShown = !m_areAllPlacesShown;
+    ShowRemarks();
   });
   ShowButtons({m_desktop, m_file});
   const bool isGiven = !m_tools.options.contacts.empty();
@@ -145,7 +156,24 @@ void AddressBookSection::Choose(const std::string& contacts) {
 void AddressBookSection::Show(const AddressBook& book) {
   ShowText(*m_source, DescribeSource(book));
   ShowText(*m_people, DescribePeople(book));
-  ShowText(*m_remarks, DescribeRemarks(book.remarks));
+  m_areAllPlacesShown = m_areAllPlacesShown && m_places == book.remarks;
+  m_places = book.remarks;
+  ShowRemarks();
+}
+
+void AddressBookSection::ShowRemarks() {
+  // A button for a single line would take as much room as the line.
+  const bool areMany = m_places.size() > kFirstPlaces + 1;
+  const std::size_t shown = areMany && !m_areAllPlacesShown ? kFirstPlaces : m_places.size();
+  ShowText(*m_remarks, m_places.empty() ? QString() : DescribePlaces(m_places, shown));
+  if (!areMany) {
+    ShowButtons({m_desktop, m_file});
+    return;
+  }
+  ChangeText(*m_allPlaces, m_areAllPlacesShown
+                               ? Say(resources::kShowFewPlaces)
+                               : Say(resources::kShowAllPlaces).arg(m_places.size() - shown));
+  ShowButtons({m_desktop, m_file, m_allPlaces});
 }
 
 void AddressBookSection::ShowChoice(const BookChoice& choice) {

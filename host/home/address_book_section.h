@@ -22,11 +22,14 @@ class AddressBookSection final : public SetupSection {
   void Choose(const std::string& contacts);
   void Show(const AddressBook& book);
   void ShowChoice(const BookChoice& choice);
+  void ShowRemarks();
   void SetBusy(bool isBusy);
 
   const SetupTools& m_tools;
   Errands& m_errands;
   bool m_isBusy = false;
+  std::vector<std::string> m_places;  ///< Lines about what could not be read.
+  bool m_areAllPlacesShown = false;
   // Owned by the widget.
   QLabel* m_source;
   QLabel* m_people;
@@ -34,6 +37,7 @@ class AddressBookSection final : public SetupSection {
   LiveLabel* m_news;
   QPushButton* m_desktop;
   QPushButton* m_file;
+  QPushButton* m_allPlaces;  ///< Shows all lines, or the first ones again.
 };
 
 }  // namespace home

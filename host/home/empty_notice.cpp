@@ -29,6 +29,8 @@ EmptyNotice::EmptyNotice(QWidget* parent)
   m_title->setObjectName(QStringLiteral("emptyTitle"));
   m_advice->setObjectName(QStringLiteral("emptyAdvice"));
   m_button->setObjectName(QStringLiteral("emptyAction"));
+  m_button->setAutoDefault(
+      true);  // Enter presses it: there is no list here that it could belong to.
   layout->addSpacing(layout->spacing());
   layout->addWidget(m_button, 0, Qt::AlignHCenter);
   layout->addStretch(2);
@@ -47,6 +49,12 @@ void EmptyNotice::Show(const QString& title, const QString& advice, const QStrin
   m_button->setText(button);
   m_button->setVisible(act != nullptr);
   m_act = std::move(act);
+}
+
+void EmptyNotice::FocusButton() {
+  if (m_act) {
+    m_button->setFocus();
+  }
 }
 
 }  // namespace home

@@ -17,6 +17,8 @@ class EmptyNotice : public QWidget {
   /// `advice` can be empty. There is no button if `act` is null.
   void Show(const QString& title, const QString& advice, const QString& button,
             std::function<void()> act);
+  /// Gives the focus to the button if there is one, so that Enter does what the notice offers.
+  void FocusButton();
 
  private:
   QLabel* m_title;

@@ -20,6 +20,7 @@
 #include "host/home/store_work.h"
 #include "host/home/tags_window.h"
 #include "host/home/teaching_page.h"
+#include "host/home/trash_page.h"
 #include "host/machine/backends.h"
 #include "resources/desktop_strings.h"
 
@@ -60,6 +61,9 @@ home::TagsWindow::Settings MakeSettings(const machine::Options& options, home::W
   };
   settings.pages[home::PageId::kLikeness] = [&](home::Frame& frame) {
     return std::make_unique<home::LikenessPage>(work, frame);
+  };
+  settings.pages[home::PageId::kTrash] = [&](home::Frame& frame) {
+    return std::make_unique<home::TrashPage>(work, frame);
   };
   settings.pages[home::PageId::kSetup] = [&, sound, start = settings.start](home::Frame&) {
     return std::make_unique<home::SetupPage>(home::SetupTools{

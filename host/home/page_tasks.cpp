@@ -8,6 +8,7 @@
 #include "audio/wave_header.h"
 #include "backends/text/utf.h"
 #include "backends/wave_file/file_sound.h"
+#include "host/home/trash_reading.h"
 #include "host/session/explanations.h"
 #include "host/session/held_tags.h"
 #include "host/session/say.h"
@@ -17,6 +18,7 @@
 #include "resources/work_strings.h"
 #include "storage/device_paths.h"
 #include "storage/tag_store.h"
+#include "storage/trash_names.h"
 #include "tags/phone_kind.h"
 
 namespace home {
@@ -176,6 +178,19 @@ void PutBack(session::Session& session, const std::u16string& tag) {
   }
 }
 
+/// Restores a tag, unless its person is in another address book: the next log-on would refuse the
+/// one that was chosen. Returns why it was not restored. Returns an empty text if it was.
+std::string RestoreTag(session::Session& session, const storage::TagTrash& trash,
+                       const storage::TrashedTag& tag, const KnownPeople& people) {
+  const auto entry =
+      storage::ReadItemEntry(session.GetFiles(), storage::InTrash(tag.file), tag.item.parts);
+  if (entry && people.Find(*entry) == KnownPeople::Presence::kElsewhere) {
+    return session::Say(resources::kPersonElsewhere);
+  }
+  const auto restored = trash.Restore(tag);
+  return restored ? std::string() : session::ExplainRestoreError(restored.error());
+}
+
 /// Teaches on the open page. The earlier tag goes after the new one has come, so that nothing is
 /// lost if that fails. With as many tags as there can be it has to go before, and comes back.
 void TeachOnPage(session::Session& session, session::PageRun& run, const Lesson& lesson,
@@ -268,6 +283,7 @@ Outcome PageTasks::Restore(const Names& trashed) {
     return {false, gathering.GetText()};
   }
   const storage::TagTrash trash = session::OpenTrash(session);
+  const KnownPeople people(session);
   const auto list = trash.List();
   Outcome outcome{true, {}};
   for (const std::u16string& file : trashed) {
@@ -277,11 +293,11 @@ Outcome PageTasks::Restore(const Names& trashed) {
       outcome = {false, InWords(resources::kNotInTrash)};
       continue;
     }
-    if (const auto restored = trash.Restore(*found); !restored) {
+    if (const std::string obstacle = RestoreTag(session, trash, *found, people);
+        !obstacle.empty()) {
       outcome.isDone = false;
-      session.Fail(session::Say(
-          resources::kNotRestored,
-          {text::ToUtf8(found->item.text), session::ExplainRestoreError(restored.error())}));
+      session.Fail(
+          session::Say(resources::kNotRestored, {text::ToUtf8(found->item.text), obstacle}));
       continue;
     }
     if (const auto time = m_writingTimes.find(file); time != m_writingTimes.end()) {

@@ -1,11 +1,15 @@
 #include "host/home/setup_section.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
-#include <QEvent>
+#include <QComboBox>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
 #include <QScrollArea>
 #include <QVBoxLayout>
+#include <algorithm>
+#include <array>
 #include <utility>
 
 #include "host/home/button_row.h"
@@ -59,6 +63,26 @@ QString Break(const QString& text, const QFontMetrics& metrics, int width) {
   return broken + line;
 }
 
+/// Opens a closed list at a key that would choose another item of it at once, so that the user sees
+/// what there is first and chooses with Enter. Returns whether the key was such a one.
+bool OpenListAt(QComboBox& list, const QKeyEvent& key) {
+  constexpr std::array kMoves{Qt::Key_Up,       Qt::Key_Down, Qt::Key_PageUp,
+                              Qt::Key_PageDown, Qt::Key_Home, Qt::Key_End};
+  constexpr auto kCommands = Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
+  const bool isMove = std::ranges::find(kMoves, key.key()) != kMoves.end();
+  const bool isLetter = !key.text().isEmpty() && key.text().front().isPrint() &&
+                        key.key() != Qt::Key_Space && (key.modifiers() & kCommands) == 0;
+  if (!isMove && !isLetter) {
+    return false;
+  }
+  list.showPopup();
+  if (isLetter) {
+    list.view()->keyboardSearch({});  // The letters of an earlier time do not count.
+    list.view()->keyboardSearch(key.text());
+  }
+  return true;
+}
+
 }  // namespace
 
 SetupSection::SetupSection(std::u16string_view heading, QWidget* parent)
@@ -102,6 +126,11 @@ bool SetupSection::eventFilter(QObject* watched, QEvent* event) {
     event->ignore();  // So the page gets it.
     return true;
   }
+  if (auto* const list = qobject_cast<QComboBox*>(watched);
+      list != nullptr && event->type() == QEvent::KeyPress &&
+      OpenListAt(*list, *static_cast<QKeyEvent*>(event))) {
+    return true;
+  }
   return QWidget::eventFilter(watched, event);
 }
 
@@ -117,6 +146,16 @@ QPushButton* SetupSection::AddButton(std::u16string_view text, const char* name,
   m_texts.emplace_back(button, button->text());
   connect(button, &QPushButton::clicked, this, std::move(act));
   return button;
+}
+
+void SetupSection::ChangeText(QPushButton& button, const QString& text) {
+  for (auto& [each, whole] : m_texts) {
+    if (each == &button) {
+      whole = text;
+    }
+  }
+  button.setText(text);
+  button.setAccessibleName(QString(text).remove(u'&'));
 }
 
 void SetupSection::ShowButtons(std::initializer_list<QPushButton*> buttons) {

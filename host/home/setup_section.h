@@ -37,11 +37,15 @@ class SetupSection : public QWidget {
   /// Adds a text that screen readers say when it changes.
   LiveLabel* AddNews();
   /// Adds a control as wide as the section. A wheel over it scrolls the page: a list that took it
-  /// would choose something while the user only scrolls.
+  /// would choose something while the user only scrolls. For the same reason a key opens a closed
+  /// list, and only Enter or a click chooses.
   void AddControl(QWidget* control);
   /// Makes a button of the row of buttons, which is where the first one was made. ShowButtons shows
   /// it.
   QPushButton* AddButton(std::u16string_view text, const char* name, std::function<void()> act);
+
+  /// Gives a button of the row another text.
+  void ChangeText(QPushButton& button, const QString& text);
 
   void ShowButtons(std::initializer_list<QPushButton*> buttons);
 

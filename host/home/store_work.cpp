@@ -8,6 +8,7 @@
 #include "backends/text/utf.h"
 #include "backends/vcard/source_choice.h"
 #include "host/home/shelf_reading.h"
+#include "host/home/trash_reading.h"
 #include "host/session/explanations.h"
 #include "resources/translations.h"
 #include "resources/work_strings.h"
@@ -154,6 +155,14 @@ void StoreWork::Delete(const std::vector<std::u16string>& tags, DeletedAnswer an
             [answer, deleted = m_tasks.Delete(tags)] { answer(deleted.outcome, deleted.trashed); };
       },
       true);
+}
+
+void StoreWork::ListTrash(TrashAnswer answer) {
+  Do(
+      [this, answer = std::move(answer)] {
+        return [answer, trash = ReadTrash(m_options)] { answer(trash.outcome, trash.tags); };
+      },
+      false);
 }
 
 void StoreWork::Restore(const std::vector<std::u16string>& trashed, Answer answer) {

@@ -34,6 +34,7 @@ class StoreWork final : public Work {
   void StopPlaying() override;
 
   void Delete(const std::vector<std::u16string>& tags, DeletedAnswer answer) override;
+  void ListTrash(TrashAnswer answer) override;
   void Restore(const std::vector<std::u16string>& trashed, Answer answer) override;
   void Compare(const Lesson& lesson, ComparedAnswer answer) override;
   void Teach(const Lesson& lesson, TaughtAnswer answer) override;

@@ -213,7 +213,13 @@ void TagsPage::Adapt() {
   ShowCurrent();
 }
 
-void TagsPage::FocusList() { m_list->setFocus(); }
+void TagsPage::FocusList() {
+  if (m_centre->currentWidget() == m_notice) {
+    m_notice->FocusButton();
+  } else {
+    m_list->setFocus();
+  }
+}
 
 void TagsPage::FocusSearch() {
   m_search->setFocus(Qt::ShortcutFocusReason);

@@ -41,6 +41,7 @@ class TagsPage : public QWidget {
   /// becomes the current one.
   void Show(std::shared_ptr<const Shelf> shelf);
 
+  /// Gives the focus to the list, or to what stands in its place.
   void FocusList();
   void FocusSearch();
   /// Returns false if there was nothing to clear.

@@ -42,11 +42,11 @@ void TagsPage::Show(std::shared_ptr<const Shelf> shelf) {
     // It was deleted. The next one takes its place, so that the keyboard goes on from there.
     m_list->setCurrentIndex(m_order.index(std::min(currentRow, m_order.rowCount() - 1), kName));
   } else if (wasUnread) {
-    // Keys mean the list from the beginning, and nothing is selected yet.
-    m_list->selectionModel()->setCurrentIndex(m_order.index(0, kName),
-                                              QItemSelectionModel::NoUpdate);
+    // Keys mean the list from the beginning. A first row that has the focus looks chosen, so it is.
+    m_list->selectionModel()->setCurrentIndex(
+        m_order.index(0, kName), QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
     if (isVisible()) {
-      m_list->setFocus();
+      FocusList();
     }
   }
   Adapt();

@@ -170,6 +170,7 @@ void TagsWindow::AddProgramItem(QMenu& menu, std::u16string_view text,
 void TagsWindow::FillMenu() {
   m_menu->addAction(&m_tags->GetTeachAction());
   AddPageItem(*m_menu, resources::kLikenessItem, PageId::kLikeness);
+  AddPageItem(*m_menu, resources::kTrashItem, PageId::kTrash);
   AddPageItem(*m_menu, resources::kSetupItem, PageId::kSetup);
   m_menu->addSeparator();
   m_menu->addAction(&m_tags->GetUndoAction());

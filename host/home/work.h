@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -25,6 +26,16 @@ struct Outcome {
   std::u16string message;  ///< A sentence to show: why it was not done, or what the user must know.
 };
 
+/// A voice tag in the trash.
+struct DeletedTag {
+  std::u16string file;              ///< Its name in the trash, for Restore.
+  std::optional<std::int32_t> oid;  ///< Of the person. Nothing if it is not known.
+  std::u16string kind;              ///< The word of the number's kind.
+  std::u16string text;              ///< As the sheet listed it: the person and the number.
+  std::int64_t deletedAt = 0;       ///< Unix time in seconds.
+  std::u16string obstacle;          ///< A sentence if it cannot be restored now. Else empty.
+};
+
 /// Does what the window asks for, one thing after another, and never on the thread that asks.
 ///
 /// Used by the thread that runs the event loop. That thread calls each answer, once, and not before
@@ -36,6 +47,9 @@ class Work {
   /// `trashed` are the names of files in the trash, for Restore.
   using DeletedAnswer =
       std::function<void(const Outcome& outcome, const std::vector<std::u16string>& trashed)>;
+  /// `tags` begin with the latest deletion.
+  using TrashAnswer =
+      std::function<void(const Outcome& outcome, const std::vector<DeletedTag>& tags)>;
   /// `tag` is the name of the new tag. It is empty if none was made.
   using TaughtAnswer = std::function<void(const Outcome& outcome, const std::u16string& tag,
                                           const std::vector<std::u16string>& trashed)>;
@@ -62,6 +76,10 @@ class Work {
   virtual void StopPlaying() = 0;
 
   virtual void Delete(const std::vector<std::u16string>& tags, DeletedAnswer answer) = 0;
+  /// Lists the tags in the trash. Changes nothing.
+  virtual void ListTrash(TrashAnswer answer) = 0;
+  /// Puts tags of the trash back. One whose person is in another address book stays there: the one
+  /// that was chosen must have the people of all tags.
   virtual void Restore(const std::vector<std::u16string>& trashed, Answer answer) = 0;
   /// Compares a lesson with the tags that stay if it is learned. Changes nothing.
   virtual void Compare(const Lesson& lesson, ComparedAnswer answer) = 0;

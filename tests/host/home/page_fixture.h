@@ -50,7 +50,11 @@ class PageWork final : public home::Work {
   }
   void StopPlaying() override { ++stops; }
   void Delete(const std::vector<std::u16string>& /*tags*/, DeletedAnswer /*answer*/) override {}
-  void Restore(const std::vector<std::u16string>& /*trashed*/, Answer /*answer*/) override {}
+  void ListTrash(TrashAnswer answer) override { endListing = std::move(answer); }
+  void Restore(const std::vector<std::u16string>& trashed, Answer answer) override {
+    restored = trashed;
+    endRestoring = std::move(answer);
+  }
   void Compare(const home::Lesson& lesson, ComparedAnswer answer) override {
     compared.push_back(lesson);
     endComparing = std::move(answer);
@@ -65,6 +69,9 @@ class PageWork final : public home::Work {
   std::vector<home::Lesson> compared;
   std::vector<home::Lesson> taught;
   Answer endPlaying;
+  std::vector<std::u16string> restored;
+  TrashAnswer endListing;
+  Answer endRestoring;
   ComparedAnswer endComparing;
   TaughtAnswer endTeaching;
 };

@@ -1,5 +1,6 @@
 #include <QLineEdit>
 #include <QListView>
+#include <QListWidget>
 #include <QTest>
 #include <fstream>
 #include <iterator>
@@ -8,6 +9,7 @@
 #include "host/home/lesson_panel.h"
 #include "host/home/likeness_page.h"
 #include "host/home/teaching_page.h"
+#include "host/home/trash_page.h"
 #include "tests/host/home/looks.h"
 #include "tests/host/home/page_fixture.h"
 #include "voicemath/take_template.h"
@@ -107,6 +109,27 @@ void PaintLikeness(const Look& look, const QString& folder) {
   }
 }
 
+void PaintTrash(const Look& look, const QString& folder) {
+  constexpr std::int64_t kNoon = 1'700'000'000;
+  home_test::PageWork work;
+  home_test::NotedFrame frame;
+  home::TrashPage page(work, frame);
+  page.OnShelf(std::make_shared<home::Shelf>(home_test::MakePeople()));
+  page.resize(look.size);
+  page.show();
+  page.OnShown({});
+  work.endListing({true, {}}, {{u"a", 11, u"Mobile", u"Anna Berg +49 171 555 0101 M", kNoon, u""},
+                               {u"b", 99, u"Home", u"Carl Poe 555 0100 H", kNoon,
+                                u"Its person is in another address book."},
+                               {u"c", 13, u"Business2", u"Élodie", kNoon, u""},
+                               {u"d", 12, u"HomeFax", u"דוד לוי", kNoon, u""}});
+  auto* const list = page.findChild<QListWidget*>();
+  list->item(0)->setSelected(true);
+  list->item(2)->setSelected(true);
+  list->setCurrentRow(1, QItemSelectionModel::NoUpdate);
+  Save(page, folder, look, "trash");
+}
+
 }  // namespace
 
 namespace home_test {
@@ -114,6 +137,7 @@ namespace home_test {
 void PaintPages(const Look& look, const QString& folder) {
   PaintTeaching(look, folder);
   PaintLikeness(look, folder);
+  PaintTrash(look, folder);
 }
 
 }  // namespace home_test

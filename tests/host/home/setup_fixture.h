@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QAbstractItemView>
 #include <QComboBox>
 #include <QFile>
 #include <QLabel>
@@ -81,6 +82,7 @@ class CountingWork final : public home::Work {
   void Play(const std::u16string& /*tag*/, Answer /*answer*/) override {}
   void StopPlaying() override {}
   void Delete(const std::vector<std::u16string>& /*tags*/, DeletedAnswer /*answer*/) override {}
+  void ListTrash(TrashAnswer /*answer*/) override {}
   void Restore(const std::vector<std::u16string>& /*trashed*/, Answer /*answer*/) override {}
   void Compare(const home::Lesson& /*lesson*/, ComparedAnswer /*answer*/) override {}
   void Teach(const home::Lesson& /*lesson*/, TaughtAnswer /*answer*/) override {}
@@ -156,6 +158,13 @@ class SetupPageTest : public testing::Test {
     m_page->resize(700, 900);
     m_page->OnShown({});
     m_page->show();
+  }
+
+  /// Opens a list by the keyboard, moves with `key` and chooses.
+  static void ChooseByKey(QComboBox& list, Qt::Key key) {
+    QTest::keyClick(&list, key);
+    QTest::keyClick(list.view(), key);
+    QTest::keyClick(list.view(), Qt::Key_Return);
   }
 
   template <typename Widget = QLabel>

@@ -97,6 +97,47 @@ TEST_F(SetupPageTest, PlacesThatCouldNotBeReadAreNamedWithTheirLines) {
   EXPECT_TRUE(Text("bookRemarks").contains("torn.vcf:6:"));
 }
 
+TEST_F(SetupPageTest, OfManyPlacesTheFirstAreShownAndTheOthersAreInReach) {
+  constexpr int kKinds = 5;  // That a number of no stated kind can have.
+  std::ofstream full(Path("full.vcf"), std::ios::binary);
+  full << "BEGIN:VCARD\r\nVERSION:3.0\r\nN:Lee;Ann\r\n";
+  for (int i = 0; i < kKinds + 5; ++i) {
+    full << "TEL:55512" << i << "\r\n";
+  }
+  full << "END:VCARD\r\n";
+  full.close();
+  Open();
+  AwaitText("bookPeople", "1 person");
+  m_page->OnFilesDropped({QPath("full.vcf")});
+  AwaitText("bookRemarks", "5 places could not be read:");
+  EXPECT_EQ(Text("bookRemarks").count(QStringLiteral("full.vcf:")), 3);
+  EXPECT_EQ(Find<QPushButton>("showAllPlaces")->text(), "Show 2 &more");
+  Press("showAllPlaces");
+  EXPECT_EQ(Text("bookRemarks").count(QStringLiteral("full.vcf:")), 5);
+  EXPECT_EQ(Find<QPushButton>("showAllPlaces")->text(), "Show &fewer");
+  Press("showAllPlaces");
+  EXPECT_EQ(Text("bookRemarks").count(QStringLiteral("full.vcf:")), 3);
+}
+
+TEST_F(SetupPageTest, AKeyOpensAClosedListAndOnlyEnterChooses) {
+  m_inputs.Set({{u"built-in", u"Built-in microphone", true}, {u"headset", u"Headset", false}});
+  Open();
+  auto* const inputs = Find<QComboBox>("inputs");
+  ASSERT_TRUE(Await([&] { return inputs->count() == 3; }));
+  for (const Qt::Key key : {Qt::Key_Down, Qt::Key_PageDown, Qt::Key_End, Qt::Key_H}) {
+    inputs->setFocus();
+    QTest::keyClick(inputs, key);
+    EXPECT_TRUE(inputs->view()->isVisible()) << key;
+    EXPECT_EQ(inputs->currentIndex(), 0) << key;
+    QTest::keyClick(inputs->view(), Qt::Key_Escape);
+    EXPECT_EQ(inputs->currentIndex(), 0) << key;
+  }
+  QTest::keyClick(inputs, Qt::Key_H);
+  EXPECT_EQ(inputs->view()->currentIndex().data().toString(), "Headset");
+  QTest::keyClick(inputs->view(), Qt::Key_Return);
+  EXPECT_EQ(inputs->currentText(), "Headset");
+}
+
 TEST_F(SetupPageTest, AnAddressBookGivenAtTheStartCannotBeExchanged) {
   m_options.contacts = Path("contacts.vcf");
   Open();
@@ -128,12 +169,12 @@ TEST_F(SetupPageTest, AChosenMicrophoneIsRememberedAlsoWhileItIsUnplugged) {
   auto* const inputs = Find<QComboBox>("inputs");
   ASSERT_TRUE(Await([&] { return inputs->count() == 3; }));
   inputs->setFocus();
-  QTest::keyClick(inputs, Qt::Key_End);
+  ChooseByKey(*inputs, Qt::Key_End);
   ASSERT_TRUE(Await([&] { return ReadMicrophone(m_options) == u"headset"; }));
   m_inputs.Set({{u"built-in", u"Built-in microphone", true}});
   ASSERT_TRUE(Await([&] { return inputs->currentText() == "headset (not connected)"; }));
   EXPECT_EQ(inputs->itemText(0), "What the desktop uses");
-  QTest::keyClick(inputs, Qt::Key_Home);
+  ChooseByKey(*inputs, Qt::Key_Home);
   ASSERT_TRUE(Await([&] { return ReadMicrophone(m_options).empty(); }));
 }
 
@@ -175,11 +216,11 @@ TEST_F(SetupPageTest, LanguagesHaveTheirOwnNamesAndAreChosenAndTakenBack) {
             QStringList({"English", "Deutsch", "Español", "Français", "Русский", "简体中文"}));
   EXPECT_EQ(languages->currentText(), "English");
   languages->setFocus();
-  QTest::keyClick(languages, Qt::Key_Down);
+  ChooseByKey(*languages, Qt::Key_Down);
   AwaitText("languageNews", "The settings sheet is in Deutsch now.");
   const std::string file = machine::Backends(m_options).ToHostPath(storage::kLanguageFile);
   EXPECT_TRUE(std::filesystem::exists(file));
-  QTest::keyClick(languages, Qt::Key_Home);
+  ChooseByKey(*languages, Qt::Key_Home);
   AwaitText("languageNews", "The settings sheet is in English now.");
   EXPECT_FALSE(std::filesystem::exists(file));
 }
@@ -214,12 +255,12 @@ TEST_F(SetupPageTest, ALanguageFileOfTheUsersOwnIsReplacedOnlyIfTheUserAgreesAnd
   auto* const languages = Find<QComboBox>("languages");
   ASSERT_TRUE(Await([&] { return languages->currentText() == "A language file of your own"; }));
   languages->setFocus();
-  QTest::keyClick(languages, Qt::Key_Home);
+  ChooseByKey(*languages, Qt::Key_Home);
   ASSERT_TRUE(Await([&] { return m_questions.size() == 1; }));
   ASSERT_TRUE(Await([&] { return languages->currentText() == "A language file of your own"; }));
   EXPECT_TRUE(std::filesystem::exists(file));
   m_agrees = true;
-  QTest::keyClick(languages, Qt::Key_Home);
+  ChooseByKey(*languages, Qt::Key_Home);
   AwaitText("languageNews",
             "Your language file is now " + QString::fromStdString(file.native() + ".own1"));
   EXPECT_FALSE(std::filesystem::exists(file));

@@ -223,6 +223,66 @@ TEST_F(StoreWorkTest, IfTheDiskHasNoRoomForTheirCopiesNoTagIsDeletedOrTaughtAgai
   EXPECT_TRUE(HasFiles(tags[1]));
 }
 
+TEST_F(StoreWorkTest, TheTrashIsListedWithTheLatestDeletionFirst) {
+  Begin();
+  const Names tags{TeachAnn(), TeachBob()};
+  EXPECT_THAT(ListTrash(), IsEmpty());
+  const auto first = Delete({tags[0]}).second;
+  const std::int32_t ann = Oid(u"Ann Lee");
+  const auto second = Delete({tags[1]}).second;
+  const std::vector<DeletedTag> listed = ListTrash();
+  ASSERT_THAT(listed, SizeIs(2));
+  EXPECT_EQ(Names({listed[0].file, listed[1].file}), Names({second[0], first[0]}));
+  EXPECT_EQ(listed[1].oid, ann);
+  EXPECT_EQ(listed[1].kind, u"Mobile");
+  EXPECT_EQ(listed[1].text, u"Ann Lee 5551234 M");
+  EXPECT_GT(listed[1].deletedAt, 0);
+  EXPECT_EQ(listed[1].obstacle, u"");
+  EXPECT_TRUE(Restore({listed[1].file}).isDone);
+  EXPECT_THAT(ListTrash(), SizeIs(1));
+}
+
+TEST_F(FullStoreWorkTest, WhatTheTrashHoldsSaysThatThereIsNoRoomForIt) {
+  ASSERT_TRUE(Delete({m_first}).first.isDone);
+  TeachBob();
+  const std::vector<DeletedTag> listed = ListTrash();
+  ASSERT_THAT(listed, SizeIs(1));
+  EXPECT_NE(listed[0].obstacle.find(u"100 tags already"), std::u16string::npos);
+}
+
+TEST_F(StoreWorkTest, ATagWhosePersonIsInAnotherAddressBookStaysInTheTrash) {
+  Begin();
+  const auto trashed = Delete({TeachAnn()}).second;
+  std::ofstream(Path("others.vcf"), std::ios::binary) << CardOf("z", "Poe;Zoe", "HOME", "5550001");
+  m_options.contacts = Path("others.vcf");
+  const Outcome restored = Restore(trashed);
+  EXPECT_FALSE(restored.isDone);
+  EXPECT_EQ(restored.message,
+            u"Ann Lee 5551234 M was not restored: its person is in another address book.");
+  EXPECT_THAT(m_shelf->tags, IsEmpty());
+  EXPECT_EQ(m_shelf->peopleProblem, u"") << "the other book can still be used";
+  EXPECT_EQ(ListTrash().at(0).obstacle, u"Its person is in another address book.");
+  m_options.contacts = Path("all.vcf");
+  EXPECT_EQ(ListTrash().at(0).obstacle, u"");
+  EXPECT_TRUE(Restore(trashed).isDone);
+  EXPECT_THAT(m_shelf->tags, SizeIs(1));
+}
+
+TEST_F(StoreWorkTest, TheTrashSaysIfAPersonHasGoneFromTheAddressBook) {
+  Begin();
+  static_cast<void>(Delete({TeachAnn()}));
+  WriteContacts(CardOf("b", "Ray;Bob", "HOME", "+972 50 555 0144"));
+  EXPECT_EQ(ListTrash().at(0).obstacle, u"Its person is no longer in the address book.");
+}
+
+TEST_F(StoreWorkTest, ATagIsRestoredIfNobodyKnowsWhetherItsPersonIsThere) {
+  Begin();
+  const auto trashed = Delete({TeachAnn()}).second;
+  std::filesystem::remove(Path("all.vcf"));
+  EXPECT_EQ(ListTrash().at(0).obstacle, u"");
+  EXPECT_TRUE(Restore(trashed).isDone);
+}
+
 TEST_F(StoreWorkTest, WhatIsNotInTheTrashAnyMoreIsNotRestored) {
   Begin();
   const auto [outcome, trashed] = Delete({TeachAnn()});

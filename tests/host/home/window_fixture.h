@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QItemSelectionModel>
 #include <QLabel>
 #include <QSettings>
 #include <QTemporaryDir>
@@ -37,6 +38,7 @@ class NotedWork final : public home::Work {
     deleted = tags;
     m_deleted = std::move(answer);
   }
+  void ListTrash(TrashAnswer /*answer*/) override {}
   void Restore(const std::vector<std::u16string>& trashed, Answer answer) override {
     restored = trashed;
     m_restored = std::move(answer);
@@ -178,7 +180,9 @@ class WindowTest : public ::testing::Test {
   void Choose(const char* name) const {
     const qsizetype row = Texts(home::kName).indexOf(QString::fromUtf8(name));
     ASSERT_GE(row, 0) << name;
-    m_list->setCurrentIndex(m_list->model()->index(static_cast<int>(row), 0));
+    m_list->selectionModel()->setCurrentIndex(
+        m_list->model()->index(static_cast<int>(row), 0),
+        QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
   }
   [[nodiscard]] std::string Message() const {
     const auto* const message = Find<QLabel>("message");

@@ -143,6 +143,15 @@ class StoreWorkTest : public testing::Test {
     Await([&deleted] { return deleted.has_value(); });
     return deleted.value_or(std::pair<Outcome, std::vector<std::u16string>>());
   }
+  std::vector<DeletedTag> ListTrash() {
+    std::optional<std::vector<DeletedTag>> listed;
+    m_work->ListTrash([&listed](const Outcome& outcome, const std::vector<DeletedTag>& tags) {
+      EXPECT_TRUE(outcome.isDone);
+      listed = tags;
+    });
+    Await([&listed] { return listed.has_value(); });
+    return listed.value_or(std::vector<DeletedTag>());
+  }
   Outcome Restore(const std::vector<std::u16string>& trashed) {
     std::optional<Outcome> restored;
     m_work->Restore(trashed, [&restored](const Outcome& outcome) { restored = outcome; });
