@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "backends/sqlite/connection.h"
-#include "backends/sqlite/registry_gate.h"
+#include "platform/registry_gate.h"
 #include "platform/registry.h"
 
 namespace sqlite {
@@ -80,7 +80,7 @@ class SqliteRegistry final : public platform::Registry {
 
   std::filesystem::path m_database;
   RegistryOptions m_options;
-  RegistryGate m_gate;
+  platform::RegistryGate m_gate;
 
   // Used only by the thread that the gate has let in.
   std::unique_ptr<Connection> m_connection;  ///< Null until the database could be opened.

@@ -1,5 +1,6 @@
-// Letter case and order for builds without ICU. They are cross-built programs that check the
-// arithmetic on another machine and use ASCII names only. No program for users is built with this.
+// Letter case and order for builds with nothing that knows them. They are cross-built programs that
+// check the arithmetic on another machine and use ASCII names only. No program for users is built
+// with this.
 
 #include "backends/text/collation.h"
 #include "backends/text/names.h"

@@ -1,15 +1,13 @@
 #include "backends/vcard/charset.h"
 
-#include <iconv.h>
-
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <cstddef>
 #include <utility>
 
 #include "backends/text/utf.h"
 #include "backends/vcard/ascii.h"
+#include "backends/vcard/system_conversions.h"
 
 namespace vcard {
 namespace {
@@ -46,68 +44,10 @@ bool IsKnownCharset(std::string_view name) {
                      [&upper](const Family& family) { return IsMember(family, upper); });
 }
 
-/// One converter of the system to UTF-8.
-class Converter {
- public:
-  explicit Converter(const std::string& charset)
-      : m_handle(::iconv_open("UTF-8", charset.c_str())) {}
-  Converter(const Converter&) = delete;
-  Converter& operator=(const Converter&) = delete;
-  ~Converter() {
-    if (IsOpen()) {
-      ::iconv_close(m_handle);
-    }
-  }
-
-  [[nodiscard]] bool IsOpen() const { return m_handle != reinterpret_cast<iconv_t>(kFailed); }
-
-  struct Converted {
-    std::string text;
-    bool isWhole = true;  ///< Every byte was something in the set.
-  };
-
-  [[nodiscard]] std::optional<Converted> Convert(std::string text) {
-    // No character of these sets takes more bytes than this for each of its own, and none is kept
-    // back for longer than the rest.
-    constexpr std::size_t kMostBytes = 4;
-    constexpr std::size_t kRest = 16;
-    Converted converted{std::string(text.size() * kMostBytes + kRest, '\0')};
-    char* from = text.data();
-    std::size_t left = text.size();
-    char* to = converted.text.data();
-    std::size_t room = converted.text.size();
-    while (::iconv(m_handle, &from, &left, &to, &room) == kFailed) {
-      const bool isBadByte = errno == EILSEQ || errno == EINVAL;
-      if (!isBadByte || left == 0 || room < kReplacement.size()) {
-        return std::nullopt;
-      }
-      converted.isWhole = false;
-      to = std::copy(kReplacement.begin(), kReplacement.end(), to);
-      room -= kReplacement.size();
-      ++from;
-      --left;
-    }
-    if (::iconv(m_handle, nullptr, nullptr, &to, &room) == kFailed) {
-      return std::nullopt;
-    }
-    converted.text.resize(converted.text.size() - room);
-    return converted;
-  }
-
- private:
-  static constexpr auto kFailed = static_cast<std::size_t>(-1);
-  static constexpr std::string_view kReplacement = "\xEF\xBF\xBD";  // U+FFFD.
-
-  iconv_t m_handle;
-};
-
 /// Returns nothing if address books do not write the set.
-std::optional<Converter::Converted> ConvertFrom(std::string_view charset, std::string_view text) {
-  if (!IsKnownCharset(charset)) {
-    return std::nullopt;
-  }
-  Converter converter{std::string(charset)};
-  return converter.IsOpen() ? converter.Convert(std::string(text)) : std::nullopt;
+std::optional<Converted> ConvertFrom(std::string_view charset, std::string_view text) {
+  return IsKnownCharset(charset) ? ConvertBySystem(std::string(charset), std::string(text))
+                                 : std::nullopt;
 }
 
 /// Returns whether texts that name no set are read in this one first.

@@ -1,7 +1,5 @@
 #include "backends/vcard/contact_keys.h"
 
-#include <nettle/sha2.h>
-
 #include <cstddef>
 #include <unordered_map>
 
@@ -45,15 +43,6 @@ CardKeys KeysOf(const ContactData& contact) {
 }
 
 }  // namespace
-
-Digest ComputeDigest(std::string_view text) {
-  sha256_ctx state{};
-  ::sha256_init(&state);
-  ::sha256_update(&state, text.size(), reinterpret_cast<const std::uint8_t*>(text.data()));
-  Digest digest{};
-  ::sha256_digest(&state, digest.size(), reinterpret_cast<std::uint8_t*>(digest.data()));
-  return digest;
-}
 
 std::u16string FullNameOf(const ContactData& contact) {
   std::u16string name;

@@ -31,7 +31,7 @@ SourceChoice ParseChoice(std::u16string_view text) {
   const std::filesystem::path written(text::ToHostName(text));
   std::error_code error;
   const std::filesystem::path absolute = std::filesystem::absolute(written, error);
-  return {text::FromHostName((error ? written : absolute.lexically_normal()).native())};
+  return {text::FromHostName((error ? written : absolute.lexically_normal()).generic_string())};
 }
 
 Result<std::optional<SourceChoice>, RegistryError> RecallChoice(platform::Registry& registry,

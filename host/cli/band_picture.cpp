@@ -1,7 +1,6 @@
 #include "host/cli/band_picture.h"
 
 #include <fmt/format.h>
-#include <langinfo.h>
 
 #include <algorithm>
 #include <array>
@@ -9,6 +8,7 @@
 #include <string_view>
 
 #include "host/cli/output.h"
+#include "host/cli/system.h"
 #include "voicemath/constants.h"
 
 namespace cli {
@@ -48,8 +48,7 @@ std::vector<float> GatherColumns(std::span<const float> values, std::size_t band
 
 /// Returns what the character set of the terminal has.
 PictureStyle ChoosePictureStyle() {
-  const std::string_view charset = ::nl_langinfo(CODESET);
-  return charset == "UTF-8" ? PictureStyle::kBlocks : PictureStyle::kAscii;
+  return ShowsUtf8() ? PictureStyle::kBlocks : PictureStyle::kAscii;
 }
 
 }  // namespace

@@ -1,16 +1,13 @@
 #include "host/cli/command_line.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <CLI/CLI.hpp>
 #include <exception>
 #include <new>
-#include <string_view>
 
 #include "host/cli/commands.h"
 #include "host/cli/output.h"
 #include "host/cli/session.h"
+#include "host/cli/system.h"
 #include "host/cli/usage.h"
 
 namespace cli {
@@ -66,18 +63,6 @@ int RunAndFlush(int argc, const char* const* argv) {
 
 }  // namespace
 
-void ReserveStandardStreams() {
-  // A program that was started with a closed stream would open its first file under that number,
-  // and what it prints would go into the user's recording.
-  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-    if (::fcntl(stream, F_GETFD) == -1) {
-      // It gets the lowest free number, which is this one. It is opened for the wrong direction, so
-      // its use fails.
-      static_cast<void>(::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY));
-    }
-  }
-}
-
 int RunCommandLine(int argc, const char* const* argv) {
   try {
     return RunAndFlush(argc, argv);
@@ -87,9 +72,6 @@ int RunCommandLine(int argc, const char* const* argv) {
   return kFailed;
 }
 
-void PrintOutOfMemory() {
-  constexpr std::string_view kMessage = "voxtrel: there is not enough memory\n";
-  static_cast<void>(::write(STDERR_FILENO, kMessage.data(), kMessage.size()));
-}
+void PrintOutOfMemory() { WriteError("voxtrel: there is not enough memory\n"); }
 
 }  // namespace cli

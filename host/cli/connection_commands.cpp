@@ -11,13 +11,12 @@
 #include <vector>
 
 #include "backends/text/utf.h"
-#include "backends/udev/serial_ports.h"
-#include "backends/udev/udev_serial_devices.h"
 #include "connection/connection_page.h"
 #include "connection/serial_ports.h"
 #include "host/cli/connection_settings.h"
 #include "host/cli/file_arguments.h"
 #include "host/cli/output.h"
+#include "host/cli/system.h"
 #include "host/machine/backends.h"
 #include "host/session/page_run.h"
 #include "resources/strings.h"
@@ -36,12 +35,6 @@ std::string ValueOf(const headless::HeadlessDialog& dialog, const ConnectionSett
                          : text::ToUtf8(dialog.GetText(setting.control));
 }
 
-/// If that fails, the ports are those of last time.
-void PublishPorts(platform::Registry& registry) {
-  udev_ports::UdevSerialDevices devices;
-  static_cast<void>(udev_ports::PublishSerialPorts(registry, devices));
-}
-
 /// Makes the ports that the machine has now known to the page. Returns false, and reports it, if
 /// there is no store.
 bool PreparePorts(Session& session) {
@@ -50,7 +43,7 @@ bool PreparePorts(Session& session) {
   }
   platform::Registry& registry = session.GetRegistry();
   if (const auto root = registry.OpenKey(u""); !root) {
-    session.Fail(fmt::format("{}: {}", session.GetRegistryPath().native(),
+    session.Fail(fmt::format("{}: {}", session.GetRegistryName(),
                              storage::ExplainRegistryError(root.error())));
     return false;
   }
@@ -120,7 +113,7 @@ void Show(Session& session) {
   // A root folder that is missing counts as a new one. It is not made, since its name may be
   // mistyped. So the settings of a temporary one are shown.
   machine::Options options = session.GetOptions().machine;
-  options.root = folder->GetPath().native();
+  options.root = folder->GetPath().string();
   machine::Backends backends(options);
   PublishPorts(backends.GetRegistry());
   PrintValues(session, ReadValues(session, backends.GetRegistry()), backends.GetRegistry());
@@ -171,7 +164,7 @@ void Set(Session& session, const std::vector<std::string>& arguments) {
   // The page says nothing if a setting could not be written.
   const Values stored = ReadValues(session, session.GetRegistry());
   PrintValues(session, stored, session.GetRegistry());
-  const std::string path = session.GetRegistryPath().native();
+  const std::string path = session.GetRegistryName();
   if (!kept) {
     session.Fail(fmt::format("{}: the settings could not be stored: {}", path,
                              storage::ExplainRegistryError(kept.error())));

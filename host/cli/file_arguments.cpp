@@ -1,18 +1,17 @@
 #include "host/cli/file_arguments.h"
 
 #include <fmt/format.h>
-#include <unistd.h>
 
 #include <CLI/Error.hpp>
 #include <array>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <optional>
 #include <span>
 #include <system_error>
 
+#include "host/cli/system.h"
 #include "platform/file_system.h"
 
 namespace cli {
@@ -46,11 +45,8 @@ bool EachPiece(std::FILE* from, Take take) {
 }  // namespace
 
 std::unique_ptr<const TemporaryFolder> TemporaryFolder::Make() {
-  std::error_code error;
-  std::string path = (fs::temp_directory_path(error) / "voxtrel-XXXXXX").native();
-  // The system gives the folder to its owner alone.
-  return error || ::mkdtemp(path.data()) == nullptr ? nullptr
-                                                    : std::make_unique<const TemporaryFolder>(path);
+  const auto path = MakeTemporaryFolder();
+  return path ? std::make_unique<const TemporaryFolder>(*path) : nullptr;
 }
 
 TemporaryFolder::~TemporaryFolder() {
@@ -60,7 +56,7 @@ TemporaryFolder::~TemporaryFolder() {
 
 FileArgument::FileArgument(std::unique_ptr<const TemporaryFolder> folder, const char* name)
     : m_folder(std::move(folder)),
-      m_path((m_folder->GetPath() / "stream").native()),
+      m_path((m_folder->GetPath() / "stream").string()),
       m_name(name) {}
 
 Result<FileArgument, std::string> FileArgument::MakeStream(const char* name) {
@@ -141,7 +137,7 @@ void RefuseStandardOutput(const Session& session, const std::string& name, const
   if (name != kStream) {
     return;
   }
-  if (::isatty(STDOUT_FILENO) == 1) {
+  if (IsTerminal(Stream::kOutput)) {
     throw CLI::ValidationError(
         kind.command,
         fmt::format("a terminal cannot show {}; name a file, or send it to a program", kind.noun));

@@ -7,10 +7,10 @@
 #include <optional>
 #include <string>
 
-#include "backends/posix/library.h"
 #include "backends/text/utf.h"
 #include "host/cli/output.h"
 #include "host/machine/places.h"
+#include "host/machine/system.h"
 #include "language/language_choice.h"
 #include "storage/device_paths.h"
 #include "storage/folders.h"
@@ -25,8 +25,8 @@ using language::OwnFile;
 constexpr const char* kEnglish = "en";
 
 language::LanguageChoice MakeChoice(Session& session) {
-  const auto data = machine::Places(posix::FindOwnFile()).GetDataFolder();
-  return {session.GetFiles(), Session::ToSystemPath((data / "languages").native()),
+  const auto data = machine::Places(machine::FindOwnFile()).GetDataFolder();
+  return {session.GetFiles(), Session::ToSystemPath((data / "languages").string()),
           std::u16string(storage::kLanguageFile)};
 }
 

@@ -73,9 +73,9 @@ void PrintFindings(Session& session, const CheckedStore& checkedStore) {
                           checked.reason.empty() ? "" : " not repaired: ", checked.reason));
   }
   if (findings.empty()) {
-    PrintLine(tagCount > 0 ? "Nothing is wrong with the voice tags."
-                           : fmt::format("There are no voice tags in {}.",
-                                         session.GetRegistryPath().parent_path().native()));
+    PrintLine(tagCount > 0
+                  ? "Nothing is wrong with the voice tags."
+                  : fmt::format("There are no voice tags in {}.", session.GetRoot().string()));
   }
   PrintAdvice(checkedStore);
 }

@@ -91,8 +91,7 @@ void Import(Session& session, const std::string& name) {
   const auto applied = storage::ApplyRegistryChanges(session.GetRegistry(), content->changes);
   if (!applied) {
     // A file that was read to its end is right; what hinders its changes is the store.
-    session.Fail(
-        fmt::format("{}: {}", session.GetRegistryPath().native(), applied.error().message));
+    session.Fail(fmt::format("{}: {}", session.GetRegistryName(), applied.error().message));
   } else {
     PrintDone(session, content->passedOver);
   }

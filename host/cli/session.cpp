@@ -1,10 +1,9 @@
 #include "host/cli/session.h"
 
-#include <unistd.h>
-
 #include <iostream>
 
 #include "backends/text/utf.h"
+#include "host/cli/system.h"
 #include "host/cli/waiting.h"
 #include "resources/fault_strings.h"
 #include "resources/strings.h"
@@ -48,7 +47,7 @@ bool Session::AgreesTo(const platform::MessageBox& question) {
     return true;
   }
   const std::string line = text::ToUtf8(question.caption) + ": " + text::ToUtf8(question.text);
-  if (::isatty(STDIN_FILENO) == 0) {
+  if (!IsTerminal(Stream::kInput)) {
     PrintErrorLine(line + " (there is no terminal to ask on; --yes agrees)");
     return false;
   }

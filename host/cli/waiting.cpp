@@ -1,13 +1,12 @@
 #include "host/cli/waiting.h"
 
-#include <unistd.h>
-
 #include <fmt/format.h>
 #include <algorithm>
 #include <cstdio>
 #include <functional>
 #include <string>
 
+#include "host/cli/system.h"
 #include "resources/dialogs.h"
 
 namespace cli {
@@ -44,7 +43,7 @@ void DrawBar(const headless::HeadlessDialog& window, std::string_view what) {
 /// Does `whenever` again and again until the window has ended.
 void Watch(headless::HeadlessDialog& window, std::string_view what,
            const std::function<void()>& whenever) {
-  const bool isTerminal = ::isatty(STDERR_FILENO) == 1;
+  const bool isTerminal = IsTerminal(Stream::kError);
   if (isTerminal) {
     DrawBar(window, what);
   }
@@ -67,7 +66,7 @@ ProgressClock::ProgressClock(platform::Clock& clock, std::uint32_t recordingMill
     : m_clock(clock),
       m_recording(recordingMilliseconds),
       m_label(label),
-      m_isAwaited(::isatty(STDERR_FILENO) == 1) {}
+      m_isAwaited(IsTerminal(Stream::kError)) {}
 
 void ProgressClock::Sleep(std::uint32_t milliseconds) {
   // The recorder sleeps for other reasons too, and only the long sleep is the recording.

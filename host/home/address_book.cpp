@@ -48,7 +48,7 @@ AddressBook ReadAddressBook(const machine::Options& options) {
     book.problem = Problem::kStore;
     return book;
   }
-  book.defaultFile = (session.GetRegistryPath().parent_path() / "contacts.vcf").native();
+  book.defaultFile = (session.GetRoot() / "contacts.vcf").native();
   book.chosen = options.contacts.empty() ? RecallChoice(session) : options.contacts;
   Read(session, book);
   return book;

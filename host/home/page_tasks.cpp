@@ -160,7 +160,7 @@ std::u16string Record(session::Session& session, session::PageRun& run) {
 /// moment ago, and then destroy what it is to delete. Nobody could undo that.
 bool HasRoom(const session::Session& session, std::uintmax_t room, std::size_t copies) {
   std::error_code error;
-  const auto space = fs::space(session.GetRegistryPath().parent_path(), error);
+  const auto space = fs::space(session.GetRoot(), error);
   return !error && space.available >= room + copies * kRoomForCopy;
 }
 

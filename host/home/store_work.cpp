@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "audio/wave_device.h"
+#include "backends/sqlite/sqlite_registry.h"
 #include "backends/text/utf.h"
 #include "backends/vcard/source_choice.h"
 #include "host/home/shelf_reading.h"
@@ -22,7 +23,7 @@ namespace fs = std::filesystem;
 /// Returns the files and folders that change if tags or contacts do. The desktop's address books
 /// have none: they are read again with the next load.
 std::vector<fs::path> FindWatched(const machine::Options& options, session::Session& session) {
-  const fs::path registry = session.GetRegistryPath();
+  const fs::path registry = session.GetRoot() / sqlite::kDatabaseName;
   fs::path log = registry;
   log += "-wal";
   std::vector<vcard::Remark> ignored;

@@ -6,13 +6,12 @@
 #include <utility>
 #include <vector>
 
-#include "backends/sqlite/sqlite_registry.h"
+#include "backends/text/names.h"
 #include "backends/text/utf.h"
 #include "backends/wave_file/file_sound.h"
 #include "host/machine/system.h"
 #include "storage/device_paths.h"
 #include "storage/microphone_choice.h"
-#include "storage/registry_keys.h"
 #include "storage/tag_store.h"
 #include "tags/page_one.h"
 #include "tags/tag_reader.h"
@@ -22,7 +21,6 @@ namespace {
 
 /// Below a device that is no folder: nothing can be found or made there.
 constexpr const char* kNowhere = "/dev/null/voxtrel";
-constexpr const char* kRootName = "voxtrel";
 
 /// Returns "" if it is not set.
 std::string GetVariable(const char* name) {
@@ -33,8 +31,7 @@ std::string GetVariable(const char* name) {
 
 std::optional<std::filesystem::path> FindRoot(const Options& options) {
   if (options.root.empty()) {
-    const auto data = FindDataFolder();
-    return data ? std::optional(*data / kRootName) : std::nullopt;
+    return FindDefaultRoot();
   }
   std::error_code error;
   std::filesystem::path root = std::filesystem::absolute(options.root, error);
@@ -66,9 +63,7 @@ bool Backends::HasRoot() const { return FindRootOnce().has_value(); }
 
 std::filesystem::path Backends::GetRoot() const { return FindRootOnce().value_or(kNowhere); }
 
-std::filesystem::path Backends::GetRegistryPath() const {
-  return GetRoot() / sqlite::kDatabaseName;
-}
+std::string Backends::GetRegistryName() const { return NameOfRegistry(GetRoot()); }
 
 void Backends::MakeRoot() const {
   if (m_changesNothing) {
@@ -81,10 +76,7 @@ void Backends::MakeRoot() const {
         storage::kWaveFolder, storage::kTemplateFolder}) {
     paths.emplace_back(folder);
   }
-  for (const std::u16string_view suffix : {u"", u"-wal", u"-shm", u"-journal"}) {
-    paths.push_back(u"\\" + text::FromHostName(sqlite::kDatabaseName) + std::u16string(suffix));
-  }
-  MakeRootFor(GetRoot(), paths);
+  MakeRootFor(GetRoot(), std::move(paths));
 }
 
 std::u16string Backends::ToSystemPath(const std::string& name) {
@@ -102,6 +94,11 @@ std::string Backends::ToHostPath(std::u16string_view devicePath) const {
   std::u16string path(devicePath);
   std::ranges::replace(path, u'\\', u'/');
   return ToHostText(ToName(GetRoot()) + path);
+}
+
+std::string Backends::GetDefaultContacts() {
+  const std::u16string path = FindDefaultContacts(GetFiles());
+  return text::IsDevicePath(path) ? ToHostPath(path) : ToHostText(path);
 }
 
 platform::FileSystem& Backends::GetFiles() {
@@ -133,11 +130,8 @@ platform::WaveInputs& Backends::GetWaveInputs() {
 // Read each time, since another program may have changed it. The settings are opened for reading
 // only and by themselves: recording changes nothing, and it has a thread of its own.
 std::function<std::u16string()> Backends::MicrophoneReader() const {
-  return [path = GetRegistryPath()] {
-    sqlite::RegistryOptions options;
-    options.access = sqlite::Access::kRead;
-    sqlite::SqliteRegistry registry(path, options);
-    return storage::ReadMicrophone(registry);
+  return [root = GetRoot()] {
+    return storage::ReadMicrophone(*MakeRegistry(root, RegistryUse::kRead));
   };
 }
 
@@ -162,10 +156,8 @@ platform::Threads& Backends::GetThreads() {
 
 platform::Registry& Backends::GetRegistry() {
   if (!m_registry) {
-    sqlite::RegistryOptions options;
-    options.initialKeys.assign(storage::kInstalledKeys.begin(), storage::kInstalledKeys.end());
-    options.access = m_changesNothing ? sqlite::Access::kRead : sqlite::Access::kChange;
-    m_registry = std::make_unique<sqlite::SqliteRegistry>(GetRegistryPath(), options);
+    m_registry =
+        MakeRegistry(GetRoot(), m_changesNothing ? RegistryUse::kRead : RegistryUse::kChange);
   }
   return *m_registry;
 }
@@ -178,6 +170,7 @@ vcard::AddressBooks& Backends::GetContacts(platform::Threads& threads) {
     if (!m_options.contacts.empty()) {
       options.choice = vcard::ParseChoice(text::FromHostName(m_options.contacts));
     }
+    options.defaultPath = FindDefaultContacts(GetFiles());
     options.changesNothing = m_changesNothing;
     options.nothingFound = [this] {
       if (m_noContacts) {

@@ -51,7 +51,8 @@ class Backends {
   /// names one and the user has no home folder. Device paths lead nowhere then.
   [[nodiscard]] bool HasRoot() const;
   [[nodiscard]] std::filesystem::path GetRoot() const;
-  [[nodiscard]] std::filesystem::path GetRegistryPath() const;
+  /// Returns the place of the settings in words of this system, such as the path of their file.
+  [[nodiscard]] std::string GetRegistryName() const;
 
   [[nodiscard]] platform::FileSystem& GetFiles();
   [[nodiscard]] platform::WaveIn& GetWaveIn();
@@ -75,6 +76,9 @@ class Backends {
   /// every right to what the applet keeps there. If that fails, the code that needs the folder
   /// reports it.
   void MakeRoot() const;
+
+  /// Returns the vCard file or folder of this machine that is read if the user chose none.
+  [[nodiscard]] std::string GetDefaultContacts();
 
   /// Returns where a device path leads on this machine.
   [[nodiscard]] std::string ToHostPath(std::u16string_view devicePath) const;

@@ -10,15 +10,20 @@
 #include "backends/posix/posix_threads.h"
 #include "backends/pulse/pulse_inputs.h"
 #include "backends/pulse/pulse_sound.h"
+#include "backends/sqlite/connection.h"
+#include "backends/sqlite/sqlite_registry.h"
 #include "backends/text/utf.h"
 #include "host/machine/places.h"
 #include "host/machine/system.h"
+#include "storage/registry_keys.h"
 #include "tags/page_one.h"
 
 namespace machine {
 namespace {
 
 namespace fs = std::filesystem;
+
+constexpr const char* kRootName = "voxtrel";
 
 /// A folder that a variable names counts only if it does not depend on the current folder.
 std::optional<fs::path> GetFolder(const char* variable) {
@@ -30,17 +35,24 @@ std::optional<fs::path> GetFolder(const char* variable) {
 
 }  // namespace
 
-std::optional<fs::path> FindDataFolder() {
-  if (auto data = GetFolder("XDG_DATA_HOME")) {
-    return data;
+fs::path FindOwnFile() { return posix::FindOwnFile(); }
+
+std::optional<fs::path> FindDefaultRoot() {
+  if (const auto data = GetFolder("XDG_DATA_HOME")) {
+    return *data / kRootName;
   }
   if (const auto home = GetFolder("HOME")) {
-    return *home / ".local/share";
+    return *home / ".local/share" / kRootName;
   }
   return std::nullopt;
 }
 
-void MakeRootFor(const fs::path& root, std::span<const std::u16string> paths) {
+std::u16string FindDefaultContacts(platform::FileSystem& /*files*/) { return u"\\contacts.vcf"; }
+
+void MakeRootFor(const fs::path& root, std::vector<std::u16string> paths) {
+  for (const std::u16string_view suffix : {u"", u"-wal", u"-shm", u"-journal"}) {
+    paths.push_back(u"\\" + text::FromHostName(sqlite::kDatabaseName) + std::u16string(suffix));
+  }
   static_cast<void>(posix::MakeFolders(root.lexically_normal().native()));
   posix::PosixFileSystem files(ToName(root));
   for (const std::u16string& path : paths) {
@@ -63,6 +75,19 @@ std::unique_ptr<platform::Threads> MakeThreads(const fs::path& root) {
 }
 
 std::unique_ptr<platform::Clock> MakeClock() { return std::make_unique<posix::PosixClock>(); }
+
+std::unique_ptr<platform::Registry> MakeRegistry(const fs::path& root, RegistryUse use) {
+  sqlite::RegistryOptions options;
+  options.initialKeys.assign(storage::kInstalledKeys.begin(), storage::kInstalledKeys.end());
+  options.access = use == RegistryUse::kRead ? sqlite::Access::kRead : sqlite::Access::kChange;
+  return std::make_unique<sqlite::SqliteRegistry>(root / sqlite::kDatabaseName, options);
+}
+
+std::string NameOfRegistry(const fs::path& root) { return (root / sqlite::kDatabaseName).string(); }
+
+fs::path FindRegistryLink(const fs::path& root) {
+  return sqlite::FindLink(root / sqlite::kDatabaseName);
+}
 
 std::unique_ptr<platform::WaveIn> MakeMicrophone(ChosenMicrophone getChosen) {
   return std::make_unique<pulse::PulseWaveIn>(std::move(getChosen));

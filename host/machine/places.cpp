@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <string>
 #include <string_view>
 #include <system_error>
 
@@ -10,8 +11,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kLibraries = "lib/voxtrel";
-constexpr const char* kData = "share/voxtrel";
+constexpr const char* kLibraries = VOXTREL_LIBRARIES;
+constexpr const char* kData = VOXTREL_DATA;
+/// In which everything lies together.
+constexpr std::string_view kOneFolder = ".";
 
 fs::path FindFolder(const fs::path& own) {
   return own.is_absolute() ? own.parent_path() : fs::path();
@@ -34,8 +37,11 @@ fs::path FindBuild(const fs::path& folder) {
   return {};
 }
 
-/// A program is in bin, the applet's library in lib/voxtrel.
+/// A program is in bin, the applet's library in lib/voxtrel, unless both are in one folder.
 fs::path FindInstalled(const fs::path& folder) {
+  if (kLibraries == kOneFolder) {
+    return folder;
+  }
   const fs::path parent = folder.parent_path();
   return fs::path(parent.filename()) / folder.filename() == kLibraries ? parent.parent_path()
                                                                        : parent;
@@ -59,7 +65,8 @@ fs::path Places::GetProgram(const Program& program) const {
   if (m_folder.empty()) {
     return {};
   }
-  return (m_build.empty() ? m_folder : m_build / program.folder) / program.name;
+  return (m_build.empty() ? m_folder : m_build / program.folder) /
+         (std::string(program.name) + VOXTREL_PROGRAM_SUFFIX);
 }
 
 fs::path Places::GetAppletFolder() const { return Get("host/applet", kLibraries); }

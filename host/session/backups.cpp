@@ -63,7 +63,7 @@ std::string Explain(storage::BackupFault fault) {
 bool IsBelowRoot(const Session& session, const std::string& path) {
   namespace fs = std::filesystem;
   std::error_code error;
-  const fs::path root = fs::weakly_canonical(session.GetRegistryPath().parent_path(), error);
+  const fs::path root = fs::weakly_canonical(session.GetRoot(), error);
   const fs::path file = fs::weakly_canonical(path, error);
   return std::ranges::mismatch(root, file).in1 == root.end();
 }
@@ -328,8 +328,7 @@ std::optional<storage::BackupMade> MakeBackup(Session& session, const NamedFile&
     return std::nullopt;
   }
   if (!session.HasRootFolder()) {
-    session.Fail(
-        Say(resources::kNothingToBackUp, {session.GetRegistryPath().parent_path().native()}));
+    session.Fail(Say(resources::kNothingToBackUp, {session.GetRoot().string()}));
     return std::nullopt;
   }
   if (!session.OpenForChanging()) {

@@ -18,8 +18,7 @@ using Problem = vcard::AddressBooks::Problem;
 
 std::string ExplainStoreProblem(Session& session) {
   const std::optional<std::string> key = session.FindUnusableKey();
-  const std::string problem =
-      Say(resources::kSettingsNotUsed, {session.GetRegistryPath().native()});
+  const std::string problem = Say(resources::kSettingsNotUsed, {session.GetRegistryName()});
   return key ? problem + ": " + *key : problem;
 }
 
@@ -78,8 +77,7 @@ std::string ExplainContactsReason(Session& session) {
     case Problem::kUnreadable:
       return Say(resources::kBookNotRead, {because});
     case Problem::kNothingChosen:
-      return Say(resources::kNoContactsFound,
-                 {because, (session.GetRegistryPath().parent_path() / "contacts.vcf").string()});
+      return Say(resources::kNoContactsFound, {because, session.GetDefaultContacts()});
     case Problem::kTagsElsewhere:
       break;
   }

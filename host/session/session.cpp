@@ -5,8 +5,8 @@
 #include <filesystem>
 #include <system_error>
 
-#include "backends/sqlite/connection.h"
 #include "backends/text/utf.h"
+#include "host/machine/system.h"
 #include "host/session/say.h"
 #include "storage/registry_file.h"
 
@@ -79,11 +79,11 @@ bool Session::RequireRoot() {
   const std::filesystem::path there = NearestThatExists(m_backends.GetRoot());
   std::error_code error;
   if (!std::filesystem::is_directory(there, error) && !error) {
-    Fail(Say(resources::kRootIsNoFolder, {there.native()}));
+    Fail(Say(resources::kRootIsNoFolder, {there.string()}));
     return false;
   }
-  if (const auto link = sqlite::FindLink(GetRegistryPath()); !link.empty()) {
-    Fail(ExplainLink(link.native(), resources::kLinkNotUsed));
+  if (const auto link = machine::FindRegistryLink(GetRoot()); !link.empty()) {
+    Fail(ExplainLink(link.string(), resources::kLinkNotUsed));
     return false;
   }
   return true;
@@ -117,7 +117,7 @@ bool Session::AreSameFile(const std::string& a, const std::string& b) {
 std::string Session::ExplainLink(const std::string& name, std::u16string_view text) {
   std::error_code error;
   const std::filesystem::path target = std::filesystem::read_symlink(name, error);
-  return error ? std::string() : Say(text, {name, target.native()});
+  return error ? std::string() : Say(text, {name, target.string()});
 }
 
 void Session::Fail(std::string_view message) {
@@ -135,7 +135,7 @@ std::optional<std::string> Session::FindUnusableKey(std::u16string_view start) {
 }
 
 std::string Session::ExplainStore(platform::RegistryError error) {
-  return GetRegistryPath().native() + ": " +
+  return GetRegistryName() + ": " +
          FindUnusableKey().value_or(storage::ExplainRegistryError(error));
 }
 

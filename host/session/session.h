@@ -94,9 +94,11 @@ class Session {
 
   /// Returns the settings below the root folder.
   [[nodiscard]] platform::Registry& GetRegistry() { return m_backends.GetRegistry(); }
-  [[nodiscard]] std::filesystem::path GetRegistryPath() const {
-    return m_backends.GetRegistryPath();
-  }
+  /// Returns the vCard file or folder of this machine that is read if the user chose none.
+  [[nodiscard]] std::string GetDefaultContacts() { return m_backends.GetDefaultContacts(); }
+  /// Returns the place of the settings in words of this system, such as the path of their file.
+  [[nodiscard]] std::string GetRegistryName() const { return m_backends.GetRegistryName(); }
+  [[nodiscard]] std::filesystem::path GetRoot() const { return m_backends.GetRoot(); }
 
   /// Looks for a key, from `start` on, with a name that keeps the settings from being read. Returns
   /// a sentence about the first one. Returns nothing if there is none.

@@ -56,7 +56,7 @@ platform::Result<std::vector<std::u16string>, platform::RegistryError> ListTagNa
     return platform::Failure(list.error());
   }
   if (list->passedOver > 0) {
-    session.Warn(fmt::format("{}: {}", session.GetRegistryPath().native(),
+    session.Warn(fmt::format("{}: {}", session.GetRegistryName(),
                              session.FindUnusableKey(storage::kTagKey).value_or("")));
   }
   return std::move(list->names);

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "backends/sqlite/registry_gate.h"
+#include "platform/registry_gate.h"
 #include "platform/registry.h"
 
 namespace machine {
@@ -59,7 +59,7 @@ class MemoryRegistry final : public platform::Registry {
   [[nodiscard]] platform::OpenedKey Opened(Number number);
   void EndGroup();
 
-  sqlite::RegistryGate m_gate;
+  platform::RegistryGate m_gate;
 
   // Used behind the gate.
   std::map<Number, Node> m_nodes;

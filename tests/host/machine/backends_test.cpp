@@ -82,7 +82,7 @@ TEST_F(Backends, ARootThatIsNamedCountsFirst) {
   const machine::Backends backends(m_options);
   EXPECT_TRUE(backends.HasRoot());
   EXPECT_EQ(backends.GetRoot(), m_folder.Path() / "root");
-  EXPECT_EQ(backends.GetRegistryPath().parent_path(), backends.GetRoot());
+  EXPECT_EQ(std::filesystem::path(backends.GetRegistryName()).parent_path(), backends.GetRoot());
 }
 
 TEST_F(Backends, ARelativeRootIsMeantFromTheCurrentFolder) {
@@ -105,7 +105,7 @@ TEST_F(Backends, FilesAndSettingsLieBelowTheRoot) {
   EXPECT_TRUE(std::filesystem::is_directory(m_folder.Path() / "root/Program Files"));
   EXPECT_EQ(backends.ToHostPath(storage::kProgramFilesFolder), m_options.root + "/Program Files");
   ASSERT_TRUE(backends.GetRegistry().OpenKey(storage::kSetupKey));
-  EXPECT_TRUE(std::filesystem::exists(backends.GetRegistryPath()));
+  EXPECT_TRUE(std::filesystem::exists(backends.GetRegistryName()));
 }
 
 TEST_F(Backends, EverythingInTheRootBelongsToTheUserAlone) {

@@ -8,11 +8,11 @@
 
 #include "platform/registry.h"
 
-namespace sqlite {
+namespace platform {
 
 /// The part of a registry's contract that concerns threads and groups. It lets calls in one at a
 /// time, keeps other threads out while one has a group open, and remembers what doomed that group.
-/// It knows no database: the tests' registry in memory uses it too, so both keep one contract.
+/// It knows no store, so every back end keeps the same contract.
 class RegistryGate {
  public:
   /// A thread waits for `limit` at most until another thread's group ends.
@@ -35,9 +35,9 @@ class RegistryGate {
   [[nodiscard]] bool GroupIsOpen() const { return m_groupIsOpen; }
 
   /// Returns what doomed the open group. Returns nothing if it is not doomed.
-  [[nodiscard]] std::optional<platform::RegistryError> Doom() const { return m_doom; }
+  [[nodiscard]] std::optional<RegistryError> Doom() const { return m_doom; }
 
-  void SetDoom(platform::RegistryError error) { m_doom = error; }
+  void SetDoom(RegistryError error) { m_doom = error; }
 
   void OpenGroup() {
     m_owner = std::this_thread::get_id();
@@ -57,7 +57,7 @@ class RegistryGate {
   std::condition_variable m_groupEnded;
   bool m_groupIsOpen = false;
   std::thread::id m_owner;
-  std::optional<platform::RegistryError> m_doom;
+  std::optional<RegistryError> m_doom;
 };
 
-}  // namespace sqlite
+}  // namespace platform

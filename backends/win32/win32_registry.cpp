@@ -1,0 +1,561 @@
+#include "backends/win32/win32_registry.h"
+
+#include <algorithm>
+#include <limits>
+#include <optional>
+#include <tuple>
+#include <utility>
+
+#include "backends/text/names.h"
+#include "backends/win32/system_calls.h"
+
+namespace win32 {
+
+using platform::Failure;
+using platform::OpenedKey;
+using platform::RegistryError;
+using platform::RegistryType;
+using platform::RegistryValue;
+using platform::Result;
+
+namespace {
+
+/// The folder of names for what is ours alone.
+constexpr std::u16string_view kOwnPath = u"Software\\Voxtrel";
+/// Text: the hive in which this user's registry is.
+constexpr std::u16string_view kHiveValue = u"Hive";
+constexpr std::u16string_view kOfMachine = u"HKEY_LOCAL_MACHINE";
+constexpr std::u16string_view kOfUser = u"HKEY_CURRENT_USER";
+
+constexpr REGSAM kChangeAccess = KEY_READ | KEY_WRITE;
+
+RegistryValue ToText(std::u16string_view text) {
+  const std::u16string ended(text);
+  const auto* const bytes = reinterpret_cast<const std::byte*>(ended.c_str());
+  return {RegistryType::kString,
+          std::vector<std::byte>(bytes, bytes + (ended.size() + 1) * sizeof(char16_t))};
+}
+
+std::u16string FromBytes(const std::vector<std::byte>& bytes) {
+  std::u16string text(bytes.size() / sizeof(char16_t), u'\0');
+  std::copy_n(bytes.begin(), text.size() * sizeof(char16_t),
+              reinterpret_cast<std::byte*>(text.data()));
+  return text;
+}
+
+std::u16string Join(std::u16string_view parent, std::u16string_view name) {
+  return parent.empty() ? std::u16string(name) : std::u16string(parent).append(u"\\").append(name);
+}
+
+std::pair<std::u16string_view, std::u16string_view> SplitLast(std::u16string_view path) {
+  const std::size_t at = path.rfind(u'\\');
+  return at == std::u16string_view::npos ? std::pair(std::u16string_view(), path)
+                                         : std::pair(path.substr(0, at), path.substr(at + 1));
+}
+
+/// Returns whether `path` is `above` or below it.
+bool IsAtOrBelow(std::u16string_view path, std::u16string_view above) {
+  return path.size() >= above.size() && text::SameName(path.substr(0, above.size()), above) &&
+         (path.size() == above.size() || path[above.size()] == u'\\');
+}
+
+/// Makes a path of the system's own, which nobody else has open.
+Result<SystemKey, RegistryError> MakeAll(HKEY hive, std::u16string_view path) {
+  auto key = OpenSystemKey(hive, u"", KEY_READ);
+  while (key && !path.empty()) {
+    const std::size_t end = std::min(path.find(u'\\'), path.size());
+    const std::u16string name(path.substr(0, end));
+    path.remove_prefix(std::min(end + 1, path.size()));
+    if (auto there = OpenSystemKey(key->Get(), name, path.empty() ? kChangeAccess : KEY_READ)) {
+      key = std::move(there);
+    } else {
+      key = MakeSystemKey(key->Get(), name).map([](MadeKey&& made) { return std::move(made.key); });
+    }
+  }
+  return key;
+}
+
+std::optional<HKEY> ReadHive() {
+  const auto own = OpenSystemKey(HKEY_CURRENT_USER, kOwnPath, KEY_READ);
+  const auto value = own ? ReadValue(own->Get(), kHiveValue) : Failure(own.error());
+  if (!value) {
+    return std::nullopt;
+  }
+  return value->bytes == ToText(kOfMachine).bytes ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER;
+}
+
+}  // namespace
+
+RegistryPlace RegistryPlace::OfUser(Deciding deciding) {
+  auto hive = ReadHive();
+  if (!hive) {
+    const bool mayWrite =
+        OpenSystemKey(HKEY_LOCAL_MACHINE, u"Software", KEY_READ | KEY_CREATE_SUB_KEY).has_value();
+    hive = mayWrite ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER;
+    const auto own = deciding == Deciding::kForGood ? MakeAll(HKEY_CURRENT_USER, kOwnPath)
+                                                    : Failure(RegistryError::kReadOnly);
+    if (own) {
+      // If this fails, the next program decides.
+      static_cast<void>(
+          WriteValue(own->Get(), kHiveValue, ToText(mayWrite ? kOfMachine : kOfUser)));
+    }
+  }
+  return {*hive, {}, Join(kOwnPath, u"Order")};
+}
+
+// No folder has a name with a colon at its beginning. So what belongs to one root folder never
+// meets what belongs to a folder within it.
+RegistryPlace RegistryPlace::OfRoot(std::u16string_view root) {
+  std::u16string path(root);
+  std::ranges::replace(path, u'/', u'\\');
+  while (path.ends_with(u'\\')) {
+    path.pop_back();
+  }
+  path.erase(0, path.find_first_not_of(u'\\'));
+  path = Join(Join(Join(kOwnPath, u"Roots"), path), u":");
+  return {HKEY_CURRENT_USER, Join(path, u"Registry"), Join(path, u"Order")};
+}
+
+std::u16string RegistryPlace::GetName() const {
+  return Join(hive == HKEY_LOCAL_MACHINE ? kOfMachine : kOfUser, path);
+}
+
+/// One key that somebody has open.
+class Win32Registry::Key final : public platform::RegistryKey {
+ public:
+  Key(Win32Registry& registry, State state) : m_registry(registry), m_state(std::move(state)) {}
+
+  [[nodiscard]] Listed EnumerateSubkey(std::uint32_t index) override {
+    return Read([&]() -> Listed {
+      if (!m_state->key.IsOpen()) {
+        return std::nullopt;
+      }
+      if (m_registry.IsOrdered(m_state->path)) {
+        return m_registry.ListInOrder(*m_state, index);
+      }
+      auto listed = ListSubkey(m_state->key.Get(), index);
+      if (!listed) {
+        return Failure(listed.error());
+      }
+      if (!*listed) {
+        return std::nullopt;
+      }
+      return (*listed)->name ? Listed(std::move((*listed)->name))
+                             : Failure(RegistryError::kInvalid);
+    });
+  }
+
+  [[nodiscard]] Listed EnumerateValue(std::uint32_t index) override {
+    return Read([&]() -> Listed {
+      return m_state->key.IsOpen() ? ListValue(m_state->key.Get(), index) : std::nullopt;
+    });
+  }
+
+  [[nodiscard]] Result<RegistryValue, RegistryError> Query(std::u16string_view name) override {
+    return Read([&]() -> Result<RegistryValue, RegistryError> {
+      if (!platform::IsValueName(name)) {
+        return Failure(RegistryError::kInvalid);
+      }
+      return m_state->key.IsOpen() ? ReadValue(m_state->key.Get(), name)
+                                   : Failure(RegistryError::kNotFound);
+    });
+  }
+
+  [[nodiscard]] Done Set(std::u16string_view name, RegistryType type,
+                         std::span<const std::byte> bytes) override {
+    return m_registry.Change([&]() -> Done {
+      if (!platform::IsValueName(name) || bytes.size() > platform::kMaxValueBytes) {
+        return Failure(RegistryError::kInvalid);
+      }
+      return m_state->isDead ? Failure(RegistryError::kNotFound)
+                             : m_registry.Set(*m_state, name, {type, {bytes.begin(), bytes.end()}});
+    });
+  }
+
+  [[nodiscard]] Done DeleteValue(std::u16string_view name) override {
+    return m_registry.Change([&]() -> Done {
+      if (!platform::IsValueName(name)) {
+        return Failure(RegistryError::kInvalid);
+      }
+      return m_state->isDead ? Failure(RegistryError::kNotFound)
+                             : m_registry.DeleteValue(*m_state, name);
+    });
+  }
+
+ private:
+  template <typename Call>
+  [[nodiscard]] auto Read(const Call& call) -> std::invoke_result_t<Call> {
+    return m_registry.Perform([&]() -> std::invoke_result_t<Call> {
+      if (m_state->isDead) {
+        return Failure(RegistryError::kNotFound);
+      }
+      return call();
+    });
+  }
+
+  Win32Registry& m_registry;
+  const State m_state;
+};
+
+Win32Registry::Win32Registry(RegistryPlace place, RegistryOptions options)
+    : m_place(std::move(place)), m_options(std::move(options)), m_gate(m_options.busyLimit) {}
+
+template <typename Call>
+auto Win32Registry::Perform(const Call& call) -> std::invoke_result_t<Call> {
+  const auto lock = m_gate.Enter();
+  if (!lock.owns_lock()) {
+    return Failure(RegistryError::kBusy);
+  }
+  if (const auto doom = m_gate.Doom()) {
+    return Failure(*doom);
+  }
+  if (const auto connected = Connect(); !connected) {
+    return Failure(connected.error());
+  }
+  auto result = call();
+  if (m_gate.GroupIsOpen()) {
+    if (!result && platform::DoomsGroup(result.error())) {
+      m_gate.SetDoom(result.error());
+    }
+  } else if (!m_undo.empty()) {
+    if (!result) {
+      Undo();
+    }
+    m_undo.clear();
+    if (const auto flushed = Flush(); result && !flushed) {
+      return Failure(flushed.error());
+    }
+  }
+  return result;
+}
+
+template <typename Call>
+auto Win32Registry::Change(const Call& call) -> std::invoke_result_t<Call> {
+  return Perform([&]() -> std::invoke_result_t<Call> {
+    if (m_options.isReadOnly) {
+      return Failure(RegistryError::kReadOnly);
+    }
+    return call();
+  });
+}
+
+// The place of the order is made last. So a registry without it is a new one.
+Done Win32Registry::Connect() {
+  if (m_isConnected || m_options.isReadOnly) {
+    return {};
+  }
+  if (OpenSystemKey(m_place.hive, m_place.orderPath, KEY_READ)) {
+    m_isConnected = true;
+    return {};
+  }
+  for (const std::u16string& key : m_options.initialKeys) {
+    if (const auto made = MakeAll(m_place.hive, FullPath(key)); !made) {
+      return Failure(made.error());
+    }
+  }
+  for (const std::u16string& path : {m_place.path, m_place.orderPath}) {
+    if (const auto made = MakeAll(m_place.hive, path); !made) {
+      return Failure(made.error());
+    }
+  }
+  m_isConnected = true;
+  return {};
+}
+
+std::u16string Win32Registry::FullPath(std::u16string_view path) const {
+  return path.empty() ? m_place.path : Join(m_place.path, path);
+}
+
+Result<SystemKey, RegistryError> Win32Registry::Open(std::u16string_view path,
+                                                     REGSAM access) const {
+  return OpenSystemKey(m_place.hive, FullPath(path), access);
+}
+
+OpenedKey Win32Registry::Hold(std::u16string_view path, SystemKey key) {
+  std::erase_if(m_open, [](const auto& state) { return state.expired(); });
+  auto state =
+      std::make_shared<OpenKeyState>(OpenKeyState{std::u16string(path), std::move(key), false});
+  m_open.push_back(state);
+  return std::make_unique<Key>(*this, std::move(state));
+}
+
+OpenedKey Win32Registry::OpenKey(std::u16string_view path) {
+  return Perform([&]() -> OpenedKey {
+    if (const auto names = platform::SplitKeyPath(path); !names) {
+      return Failure(names.error());
+    }
+    // All of a hive, such as HKEY_LOCAL_MACHINE, takes no writes from anybody.
+    const bool writes = !m_options.isReadOnly && !FullPath(path).empty();
+    auto key = Open(path, writes ? kChangeAccess : KEY_READ);
+    if (!key && key.error() == RegistryError::kReadOnly) {
+      key = Open(path, KEY_READ);
+    }
+    if (!key && path.empty() && key.error() == RegistryError::kNotFound) {
+      return Hold(path, SystemKey());
+    }
+    return key ? Hold(path, std::move(*key)) : Failure(key.error());
+  });
+}
+
+OpenedKey Win32Registry::CreateKey(std::u16string_view path) {
+  return Change([&]() -> OpenedKey {
+    if (const auto names = platform::SplitKeyPath(path); !names) {
+      return Failure(names.error());
+    }
+    auto key = Open(path, kChangeAccess);
+    if (!key && key.error() == RegistryError::kNotFound) {
+      key = Make(path);
+    }
+    return key ? Hold(path, std::move(*key)) : Failure(key.error());
+  });
+}
+
+// The system would make all keys of a path in one call, and not say which of them are new.
+Result<SystemKey, RegistryError> Win32Registry::Make(std::u16string_view path) {
+  const auto [parentPath, name] = SplitLast(path);
+  auto parent = Open(parentPath, kChangeAccess);
+  if (!parent && parent.error() == RegistryError::kNotFound && !parentPath.empty()) {
+    parent = Make(parentPath);
+  }
+  if (!parent) {
+    return parent;
+  }
+  auto made = MakeSystemKey(parent->Get(), name);
+  if (!made) {
+    return Failure(made.error());
+  }
+  if (made->isNew) {
+    m_undo.emplace_back([this, path = std::u16string(path)] { DeleteForUndo(path); });
+    if (const auto noted = NoteOrder(parentPath, parent->Get(), name); !noted) {
+      return Failure(noted.error());
+    }
+  }
+  return std::move(made->key);
+}
+
+// The system deletes key by key. What was there is read before, so that a deletion that ends half
+// way can be undone.
+Done Win32Registry::Delete(std::u16string_view path) {
+  const auto [parentPath, name] = SplitLast(path);
+  const auto parent = Open(parentPath, kChangeAccess);
+  const auto key = Open(path, KEY_READ);
+  if (!parent || !key) {
+    return Failure(parent ? key.error() : parent.error());
+  }
+  auto tree = ReadTree(key->Get());
+  if (!tree) {
+    return Failure(tree.error());
+  }
+  m_undo.emplace_back(
+      [this, path = std::u16string(path), whole = std::move(*tree), states = TakeLife(path)] {
+        const auto made = MakeAll(m_place.hive, FullPath(path));
+        if (made && WriteTree(made->Get(), whole)) {
+          GiveLife(states);
+        }
+      });
+  return RemoveTree(parent->Get(), name);
+}
+
+void Win32Registry::DeleteForUndo(std::u16string_view path) {
+  static_cast<void>(TakeLife(path));
+  const auto [parentPath, name] = SplitLast(path);
+  if (const auto parent = Open(parentPath, kChangeAccess)) {
+    static_cast<void>(RemoveTree(parent->Get(), name));
+  }
+}
+
+/// Every open key at `path` and below it is dead from now on. Returns them.
+std::vector<Win32Registry::State> Win32Registry::TakeLife(std::u16string_view path) {
+  std::vector<State> taken;
+  for (const auto& weak : m_open) {
+    State state = weak.lock();
+    if (state && !state->isDead && IsAtOrBelow(state->path, path)) {
+      state->isDead = true;
+      taken.push_back(std::move(state));
+    }
+  }
+  return taken;
+}
+
+void Win32Registry::GiveLife(const std::vector<State>& states) {
+  for (const State& state : states) {
+    if (auto key = Open(state->path, kChangeAccess)) {
+      state->key = std::move(*key);
+      state->isDead = false;
+    }
+  }
+}
+
+Result<void, RegistryError> Win32Registry::DeleteKey(std::u16string_view path) {
+  return Change([&]() -> Done {
+    const auto names = platform::SplitKeyPath(path);
+    if (!names) {
+      return Failure(names.error());
+    }
+    return names->empty() ? Failure(RegistryError::kInvalid) : Delete(path);
+  });
+}
+
+/// Keeps the value of that name, or that there is none.
+void Win32Registry::KeepForUndo(HKEY key, std::u16string path, std::u16string_view name) {
+  auto before = ReadValue(key, name);
+  m_undo.emplace_back([hive = m_place.hive, path = std::move(path), name = std::u16string(name),
+                       before = std::move(before)] {
+    if (const auto there = OpenSystemKey(hive, path, kChangeAccess)) {
+      static_cast<void>(before ? WriteValue(there->Get(), name, *before)
+                               : RemoveValue(there->Get(), name));
+    }
+  });
+}
+
+Done Win32Registry::Set(const OpenKeyState& state, std::u16string_view name,
+                        const RegistryValue& value) {
+  KeepForUndo(state.key.Get(), FullPath(state.path), name);
+  return WriteValue(state.key.Get(), name, value);
+}
+
+Done Win32Registry::DeleteValue(const OpenKeyState& state, std::u16string_view name) {
+  if (const auto there = ReadValue(state.key.Get(), name); !there) {
+    return Failure(there.error());
+  }
+  KeepForUndo(state.key.Get(), FullPath(state.path), name);
+  return RemoveValue(state.key.Get(), name);
+}
+
+void Win32Registry::Undo() {
+  while (!m_undo.empty()) {
+    m_undo.back()();
+    m_undo.pop_back();
+  }
+}
+
+Done Win32Registry::Flush() const {
+  const auto base = OpenSystemKey(m_place.hive, m_place.orderPath, KEY_READ);
+  return base ? FlushRegistry(base->Get()) : Failure(base.error());
+}
+
+Result<void, RegistryError> Win32Registry::BeginGroup() {
+  const auto lock = m_gate.Enter();
+  if (!lock.owns_lock()) {
+    return Failure(RegistryError::kBusy);
+  }
+  if (m_gate.GroupIsOpen()) {
+    return Failure(RegistryError::kInvalid);
+  }
+  if (const auto connected = Connect(); !connected) {
+    return connected;
+  }
+  m_gate.OpenGroup();
+  return {};
+}
+
+Result<void, RegistryError> Win32Registry::CommitGroup() {
+  const auto lock = m_gate.Enter();
+  if (!lock.owns_lock()) {
+    return Failure(RegistryError::kBusy);
+  }
+  if (!m_gate.GroupIsOpen()) {
+    return Failure(RegistryError::kInvalid);
+  }
+  const auto doom = m_gate.Doom();
+  Done committed = doom ? Failure(*doom) : m_undo.empty() ? Done() : Flush();
+  if (!committed) {
+    Undo();
+  }
+  m_undo.clear();
+  m_gate.CloseGroup();
+  return committed;
+}
+
+void Win32Registry::CancelGroup() {
+  const auto lock = m_gate.Enter();
+  if (lock.owns_lock() && m_gate.GroupIsOpen()) {
+    Undo();
+    m_gate.CloseGroup();
+  }
+}
+
+// The system lists keys by their names. So the names of the keys below an ordered one are kept in a
+// value of our own, in the order in which they were made. A name in it whose key is gone means
+// nothing, so a deletion leaves it as it is.
+
+bool Win32Registry::IsOrdered(std::u16string_view path) const {
+  return std::ranges::any_of(m_options.orderedKeys, [&](const std::u16string& ordered) {
+    return text::SameName(ordered, path);
+  });
+}
+
+std::vector<std::u16string> Win32Registry::ReadOrder(std::u16string_view path) const {
+  const auto order = OpenSystemKey(m_place.hive, m_place.orderPath, KEY_READ);
+  const auto value = order ? ReadValue(order->Get(), path) : Failure(order.error());
+  std::vector<std::u16string> names;
+  if (value) {
+    const std::u16string all = FromBytes(value->bytes);
+    for (std::size_t at = 0; at < all.size() && all[at] != u'\0';) {
+      names.emplace_back(all.c_str() + at);
+      at += names.back().size() + 1;
+    }
+  }
+  return names;
+}
+
+Done Win32Registry::NoteOrder(std::u16string_view parentPath, HKEY parent,
+                              std::u16string_view name) {
+  if (!IsOrdered(parentPath)) {
+    return {};
+  }
+  std::u16string all;
+  for (const std::u16string& noted : ReadOrder(parentPath)) {
+    if (!text::SameName(noted, name) && OpenSystemKey(parent, noted, KEY_READ)) {
+      all.append(noted).append(1, u'\0');
+    }
+  }
+  all.append(name).append(1, u'\0');
+  const auto order = OpenSystemKey(m_place.hive, m_place.orderPath, kChangeAccess);
+  if (!order) {
+    return Failure(order.error());
+  }
+  KeepForUndo(order->Get(), m_place.orderPath, parentPath);
+  RegistryValue value = ToText(all);
+  value.type = static_cast<RegistryType>(REG_MULTI_SZ);
+  return WriteValue(order->Get(), parentPath, value);
+}
+
+Win32Registry::Listed Win32Registry::ListInOrder(const OpenKeyState& state,
+                                                 std::uint32_t index) const {
+  struct Place {
+    std::size_t noted;  ///< In the order that was kept; the greatest number for all others.
+    std::uint64_t written;
+    std::size_t length;  ///< Of two numbers the shorter one is the smaller one.
+    ListedKey key;
+  };
+  const std::vector<std::u16string> order = ReadOrder(state.path);
+  std::vector<Place> places;
+  for (std::uint32_t i = 0;; ++i) {
+    auto listed = ListSubkey(state.key.Get(), i);
+    if (!listed) {
+      return Failure(listed.error());
+    }
+    if (!*listed) {
+      break;
+    }
+    ListedKey& key = **listed;
+    const auto noted = std::ranges::find_if(order, [&](const std::u16string& name) {
+      return key.name && text::SameName(name, *key.name);
+    });
+    const bool isNoted = noted != order.end();
+    places.push_back({isNoted ? static_cast<std::size_t>(noted - order.begin())
+                              : std::numeric_limits<std::size_t>::max(),
+                      isNoted ? 0 : key.written, key.name ? key.name->size() : 0, std::move(key)});
+  }
+  if (index >= places.size()) {
+    return std::nullopt;
+  }
+  std::ranges::stable_sort(places, {}, [](const Place& place) {
+    return std::tuple(place.noted, place.written, place.length);
+  });
+  auto& name = places[index].key.name;
+  return name ? Listed(std::move(name)) : Failure(RegistryError::kInvalid);
+}
+
+}  // namespace win32

@@ -1,0 +1,120 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "backends/win32/registry_calls.h"
+#include "platform/registry.h"
+#include "platform/registry_gate.h"
+
+namespace win32 {
+
+/// The part of the system's registry that stands for the device's.
+struct RegistryPlace {
+  HKEY hive = nullptr;
+  std::u16string path;  ///< Below the hive; empty for all of it.
+  /// Holds, in the same hive, what the system does not remember: the order in which keys were made.
+  std::u16string orderPath;
+
+  enum class Deciding : std::uint8_t { kForNow, kForGood };
+
+  /// Returns the place for the user's own root folder. It is HKEY_LOCAL_MACHINE if this user may
+  /// write there, otherwise HKEY_CURRENT_USER, with the same paths. Once a program has decided that
+  /// for good, it stays, whatever rights a later one has.
+  [[nodiscard]] static RegistryPlace OfUser(Deciding deciding);
+
+  /// Returns the place for another root folder, a path of the host.
+  [[nodiscard]] static RegistryPlace OfRoot(std::u16string_view root);
+
+  /// Returns the place as users know it ("HKEY_CURRENT_USER\...").
+  [[nodiscard]] std::u16string GetName() const;
+};
+
+struct RegistryOptions {
+  /// Keys that a new registry is given, without values.
+  std::vector<std::u16string> initialKeys;
+
+  /// Keys whose subkeys are enumerated in the order in which they were made. Those that another
+  /// program made follow, the one that was changed longest ago first. The subkeys of every other
+  /// key are in the order of the system, which is that of their names.
+  std::vector<std::u16string> orderedKeys;
+
+  /// How long a call waits for another thread's group before kBusy.
+  std::chrono::milliseconds busyLimit{2000};
+
+  bool isReadOnly = false;  ///< Nothing is made. A missing registry counts as an empty one.
+};
+
+/// The registry of Windows. It knows no transactions. So what a group has changed can be seen
+/// before the group is committed, and of a group in which the process is killed a part stays. A
+/// group that fails or is cancelled is undone change by change.
+class Win32Registry final : public platform::Registry {
+ public:
+  explicit Win32Registry(RegistryPlace place, RegistryOptions options = {});
+
+  [[nodiscard]] platform::OpenedKey OpenKey(std::u16string_view path) override;
+  [[nodiscard]] platform::OpenedKey CreateKey(std::u16string_view path) override;
+  [[nodiscard]] platform::Result<void, platform::RegistryError> DeleteKey(
+      std::u16string_view path) override;
+  [[nodiscard]] platform::Result<void, platform::RegistryError> BeginGroup() override;
+  [[nodiscard]] platform::Result<void, platform::RegistryError> CommitGroup() override;
+  void CancelGroup() override;
+
+ private:
+  class Key;
+  /// A key that somebody has open.
+  struct OpenKeyState {
+    std::u16string path;
+    SystemKey key;        ///< Not open for a registry that is missing and only read.
+    bool isDead = false;  ///< It was deleted.
+  };
+  using State = std::shared_ptr<OpenKeyState>;
+  using Listed = platform::Result<std::optional<std::u16string>, platform::RegistryError>;
+
+  /// Runs `call` as one caller at a time, connected. Outside of a group a failed change is undone.
+  template <typename Call>
+  [[nodiscard]] auto Perform(const Call& call) -> std::invoke_result_t<Call>;
+  /// The same for a call that changes something.
+  template <typename Call>
+  [[nodiscard]] auto Change(const Call& call) -> std::invoke_result_t<Call>;
+
+  [[nodiscard]] Done Connect();
+  [[nodiscard]] std::u16string FullPath(std::u16string_view path) const;
+  [[nodiscard]] platform::Result<SystemKey, platform::RegistryError> Open(std::u16string_view path,
+                                                                          REGSAM access) const;
+  [[nodiscard]] platform::Result<SystemKey, platform::RegistryError> Make(std::u16string_view path);
+  [[nodiscard]] platform::OpenedKey Hold(std::u16string_view path, SystemKey key);
+
+  [[nodiscard]] Done Set(const OpenKeyState& state, std::u16string_view name,
+                         const platform::RegistryValue& value);
+  [[nodiscard]] Done DeleteValue(const OpenKeyState& state, std::u16string_view name);
+  [[nodiscard]] Done Delete(std::u16string_view path);
+  void DeleteForUndo(std::u16string_view path);
+  [[nodiscard]] std::vector<State> TakeLife(std::u16string_view path);
+  void GiveLife(const std::vector<State>& states);
+  void KeepForUndo(HKEY key, std::u16string path, std::u16string_view name);
+  void Undo();
+  [[nodiscard]] Done Flush() const;
+
+  [[nodiscard]] bool IsOrdered(std::u16string_view path) const;
+  [[nodiscard]] Done NoteOrder(std::u16string_view parentPath, HKEY parent,
+                               std::u16string_view name);
+  [[nodiscard]] std::vector<std::u16string> ReadOrder(std::u16string_view path) const;
+  [[nodiscard]] Listed ListInOrder(const OpenKeyState& state, std::uint32_t index) const;
+
+  const RegistryPlace m_place;
+  const RegistryOptions m_options;
+  platform::RegistryGate m_gate;
+
+  // Used only by the thread that the gate has let in.
+  bool m_isConnected = false;
+  std::vector<std::weak_ptr<OpenKeyState>> m_open;
+  /// How to undo the changes of the open group, or of the call that is made, the last change last.
+  std::vector<std::function<void()>> m_undo;
+};
+
+}  // namespace win32
