@@ -54,6 +54,12 @@ configure_file("${TL_EXPECTED_FOLDER}/tl/expected.hpp" "${PROJECT_BINARY_DIR}/in
                COPYONLY)
 target_include_directories(voxtrel_options SYSTEM INTERFACE "${PROJECT_BINARY_DIR}/include")
 target_link_libraries(voxtrel_options INTERFACE Threads::Threads)
+if(WIN32)
+  # Windows 7 and later. All code gets these, since the precompiled header fits only code that is
+  # compiled alike.
+  target_compile_definitions(voxtrel_options INTERFACE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN
+                                                       _WIN32_WINNT=0x0601)
+endif()
 if(VOXTREL_SANITIZE)
   target_compile_options(voxtrel_options INTERFACE -fsanitize=${VOXTREL_SANITIZE}
                                                    $<$<BOOL:$<TARGET_PROPERTY:VOXTREL_IS_TEST>>:-fno-sanitize=undefined>

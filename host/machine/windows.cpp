@@ -8,6 +8,7 @@
 #include "backends/win32/library.h"
 #include "backends/win32/win32_file_system.h"
 #include "backends/win32/win32_registry.h"
+#include "backends/win32/win32_sound.h"
 #include "backends/win32/win32_threads.h"
 #include "host/machine/system.h"
 #include "storage/registry_keys.h"
@@ -28,36 +29,6 @@ win32::RegistryPlace PlaceFor(const fs::path& root, win32::RegistryPlace::Decidi
              ? win32::RegistryPlace::OfUser(deciding)
              : win32::RegistryPlace::OfRoot(ToName(normal));
 }
-
-// Nothing of Windows plays or records yet.
-
-class NoWaveIn final : public platform::WaveIn {
- public:
-  [[nodiscard]] std::uint32_t GetDeviceCount() override { return 0; }
-  [[nodiscard]] platform::Result<std::unique_ptr<platform::WaveInDevice>, platform::WaveResult>
-  Open(const platform::WaveFormat& /*format*/) override {
-    return platform::Failure(platform::WaveResult::kNoDevice);
-  }
-};
-
-class NoWaveOut final : public platform::WaveOut {
- public:
-  [[nodiscard]] platform::Result<std::unique_ptr<platform::WaveOutDevice>, platform::WaveResult>
-  Open(const platform::WaveFormat& /*format*/) override {
-    return platform::Failure(platform::WaveResult::kNoDevice);
-  }
-};
-
-class NoWaveInputs final : public platform::WaveInputs {
- public:
-  [[nodiscard]] platform::Result<std::vector<platform::WaveInput>, platform::WaveResult> List()
-      override {
-    return platform::Failure(platform::WaveResult::kNoDevice);
-  }
-  [[nodiscard]] std::unique_ptr<Watch> StartWatch(std::function<void()> /*changed*/) override {
-    return std::make_unique<Watch>();
-  }
-};
 
 }  // namespace
 
@@ -118,15 +89,17 @@ std::string NameOfRegistry(const fs::path& root) {
 // The registry of Windows is no file of the user's.
 fs::path FindRegistryLink(const fs::path& /*root*/) { return {}; }
 
-std::unique_ptr<platform::WaveIn> MakeMicrophone(ChosenMicrophone /*getChosen*/) {
-  return std::make_unique<NoWaveIn>();
+std::unique_ptr<platform::WaveIn> MakeMicrophone(ChosenMicrophone getChosen) {
+  return std::make_unique<win32::Win32WaveIn>(std::move(getChosen));
 }
 
-std::unique_ptr<platform::WaveInputs> MakeWaveInputs(ChosenMicrophone /*getChosen*/) {
-  return std::make_unique<NoWaveInputs>();
+std::unique_ptr<platform::WaveInputs> MakeWaveInputs(ChosenMicrophone getChosen) {
+  return std::make_unique<win32::Win32WaveInputs>(std::move(getChosen));
 }
 
-std::unique_ptr<platform::WaveOut> MakeLoudspeaker() { return std::make_unique<NoWaveOut>(); }
+std::unique_ptr<platform::WaveOut> MakeLoudspeaker() {
+  return std::make_unique<win32::Win32WaveOut>();
+}
 
 vcard::DesktopSource::Library LoadDesktopBooks() {
   return platform::Failure(std::string("the desktop's address books need Linux"));

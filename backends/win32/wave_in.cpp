@@ -1,0 +1,329 @@
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <condition_variable>
+#include <cstring>
+#include <mutex>
+#include <new>
+#include <optional>
+#include <stop_token>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "backends/win32/system_calls.h"
+#include "backends/win32/wave_format.h"
+#include "backends/win32/win32_sound.h"
+
+namespace win32 {
+namespace {
+
+using platform::WaveHeader;
+using platform::WaveResult;
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+/// An input that has delivered nothing for so long delivers nothing more. The wave functions do not
+/// report that it went away.
+constexpr milliseconds kLostAfter(2000);
+/// For an input that has to wake up. One that delivers nothing at all must not hold up the
+/// recording any longer.
+constexpr milliseconds kWarmUpLimit(1000);
+constexpr milliseconds kWarmUpPoll(5);
+/// Parts of a second in which sound is taken from the system.
+constexpr std::uint32_t kPieces = 20;
+constexpr WORD kRecordedBits = 16;
+
+/// Memory that the system fills, in pieces. The system gives back one piece after the other, and so
+/// what has arrived is known before all has.
+class Pieces {
+ public:
+  Pieces() = default;
+  Pieces(const Pieces&) = delete;
+  Pieces& operator=(const Pieces&) = delete;
+
+  /// Hands `bytes` of new memory to the device, which has none of the old.
+  [[nodiscard]] WaveResult Queue(HWAVEIN device, std::uint32_t bytes, std::uint32_t pieceBytes) {
+    try {
+      m_memory.assign(bytes, std::byte{});
+      m_headers.assign((bytes + pieceBytes - 1) / pieceBytes, WAVEHDR{});
+    } catch (const std::bad_alloc&) {
+      return WaveResult::kFailed;
+    }
+    std::uint32_t at = 0;
+    for (WAVEHDR& header : m_headers) {
+      header.lpData = reinterpret_cast<char*>(m_memory.data() + at);
+      header.dwBufferLength = std::min(pieceBytes, bytes - at);
+      at += header.dwBufferLength;
+      MMRESULT result = waveInPrepareHeader(device, &header, sizeof(header));
+      if (result == MMSYSERR_NOERROR) {
+        result = waveInAddBuffer(device, &header, sizeof(header));
+      }
+      if (result != MMSYSERR_NOERROR) {
+        return ToResult(result);
+      }
+    }
+    return WaveResult::kOk;
+  }
+
+  /// Returns how many bytes have arrived.
+  [[nodiscard]] std::uint32_t CountArrived() const {
+    std::uint32_t arrived = 0;
+    for (const WAVEHDR& header : m_headers) {
+      // The device's thread sets the flag after all else.
+      if ((*static_cast<const volatile DWORD*>(&header.dwFlags) & WHDR_DONE) == 0) {
+        break;
+      }
+      arrived += header.dwBytesRecorded;
+      if (header.dwBytesRecorded < header.dwBufferLength) {
+        break;  // The end of a recording that was stopped.
+      }
+    }
+    return arrived;
+  }
+
+  [[nodiscard]] const std::byte* GetBytes() const { return m_memory.data(); }
+
+  /// Takes the memory back. The device has given up every piece.
+  void Release(HWAVEIN device) {
+    for (WAVEHDR& header : m_headers) {
+      waveInUnprepareHeader(device, &header, sizeof(header));
+    }
+    m_headers.clear();
+    m_memory.clear();
+  }
+
+ private:
+  std::vector<std::byte> m_memory;
+  std::vector<WAVEHDR> m_headers;
+};
+
+/// An open input. It runs from the beginning, so that it is warm; what it hears before Start goes
+/// nowhere, since the system has no memory for it. The header of the user gets its bytes within the
+/// user's calls.
+class Recorder final : public platform::WaveInDevice {
+ public:
+  Recorder(HWAVEIN device, const WAVEFORMATEX& format)
+      : m_device(device), m_pieceBytes(format.nSamplesPerSec / kPieces * format.nBlockAlign) {}
+  ~Recorder() override { static_cast<void>(Close()); }
+  Recorder(const Recorder&) = delete;
+  Recorder& operator=(const Recorder&) = delete;
+
+  /// Returns after the first sound, or after a limit.
+  [[nodiscard]] WaveResult WarmUp() {
+    WaveResult result = m_pieces.Queue(m_device, m_pieceBytes, m_pieceBytes);
+    if (result == WaveResult::kOk) {
+      result = ToResult(waveInStart(m_device));
+    }
+    if (result != WaveResult::kOk) {
+      return result;
+    }
+    const auto deadline = steady_clock::now() + kWarmUpLimit;
+    while (m_pieces.CountArrived() == 0 && steady_clock::now() < deadline) {
+      std::this_thread::sleep_for(kWarmUpPoll);
+    }
+    if (m_pieces.CountArrived() == 0) {
+      return Stop();
+    }
+    m_pieces.Release(m_device);
+    m_isRunning = true;
+    return WaveResult::kOk;
+  }
+
+  [[nodiscard]] WaveResult Prepare(WaveHeader& header) override {
+    return m_device == nullptr ? WaveResult::kNoDevice : m_queue.Prepare(header);
+  }
+
+  [[nodiscard]] WaveResult AddBuffer(WaveHeader& header) override {
+    return m_device == nullptr ? WaveResult::kNoDevice : m_queue.Add(header);
+  }
+
+  [[nodiscard]] WaveResult Start() override {
+    if (m_device == nullptr) {
+      return WaveResult::kNoDevice;
+    }
+    const WaveHeader* const header = m_queue.Queued();
+    if (header == nullptr) {
+      return WaveResult::kNotPrepared;
+    }
+    if (m_isStarted) {
+      return WaveResult::kOk;
+    }
+    WaveResult result = m_pieces.Queue(m_device, header->bufferLength, m_pieceBytes);
+    if (result == WaveResult::kOk && !m_isRunning) {
+      result = ToResult(waveInStart(m_device));
+    }
+    if (result != WaveResult::kOk) {
+      static_cast<void>(Stop());
+      return result;
+    }
+    m_isRunning = true;
+    m_isStarted = true;
+    m_lastArrived = 0;
+    m_lastTime = steady_clock::now();
+    return WaveResult::kOk;
+  }
+
+  [[nodiscard]] WaveResult Unprepare(WaveHeader& header) override {
+    if (m_device == nullptr) {
+      return WaveResult::kNoDevice;
+    }
+    if (!m_queue.Holds(header)) {
+      m_queue.Release(header);
+      return WaveResult::kOk;
+    }
+    if (!m_isStarted) {
+      return WaveResult::kStillPlaying;
+    }
+    CopyTo(header);
+    if (header.bytesRecorded == header.bufferLength) {
+      m_pieces.Release(m_device);
+      m_isStarted = false;
+      m_queue.Release(header);
+      return WaveResult::kOk;
+    }
+    if (std::exchange(m_lastArrived, header.bytesRecorded) != header.bytesRecorded) {
+      m_lastTime = steady_clock::now();
+    }
+    return steady_clock::now() - m_lastTime > kLostAfter ? WaveResult::kNoDevice
+                                                         : WaveResult::kStillPlaying;
+  }
+
+  [[nodiscard]] WaveResult Reset() override {
+    if (m_device == nullptr) {
+      return WaveResult::kNoDevice;
+    }
+    WaveHeader* const header = m_queue.Queued();
+    const WaveResult result = ToResult(waveInReset(m_device));
+    m_isRunning = false;
+    if (header != nullptr && m_isStarted) {
+      CopyTo(*header);
+    }
+    m_pieces.Release(m_device);
+    m_isStarted = false;
+    m_queue.Drop();
+    return result;
+  }
+
+  [[nodiscard]] WaveResult Close() override {
+    if (m_device != nullptr) {
+      static_cast<void>(Stop());
+      waveInClose(std::exchange(m_device, nullptr));
+      m_queue.Drop();
+    }
+    return WaveResult::kOk;
+  }
+
+ private:
+  [[nodiscard]] WaveResult Stop() {
+    const WaveResult result = ToResult(waveInReset(m_device));
+    m_pieces.Release(m_device);
+    m_isRunning = false;
+    m_isStarted = false;
+    return result;
+  }
+
+  void CopyTo(WaveHeader& header) const {
+    header.bytesRecorded = std::min(m_pieces.CountArrived(), header.bufferLength);
+    std::memcpy(header.data, m_pieces.GetBytes(), header.bytesRecorded);
+  }
+
+  HWAVEIN m_device;  ///< Null after Close.
+  const std::uint32_t m_pieceBytes;
+  platform::WaveQueue m_queue;
+  Pieces m_pieces;
+  bool m_isRunning = false;  ///< The device takes memory as soon as there is some.
+  bool m_isStarted = false;  ///< Into the queued header.
+  std::uint32_t m_lastArrived = 0;
+  steady_clock::time_point m_lastTime;
+};
+
+/// Returns the names of the inputs, in the order of the system.
+[[nodiscard]] std::vector<std::u16string> ListNames() {
+  std::vector<std::u16string> names;
+  for (UINT i = 0; i < waveInGetNumDevs(); ++i) {
+    WAVEINCAPSW about{};
+    names.emplace_back(waveInGetDevCapsW(i, &about, sizeof(about)) == MMSYSERR_NOERROR
+                           ? FromWide(about.szPname)
+                           : std::u16string_view());
+  }
+  return names;
+}
+
+/// Returns the number of the chosen input. Returns the system's default if it is not there.
+[[nodiscard]] UINT FindChosen(const ChosenInput& getChosen) {
+  const std::u16string chosen = getChosen ? getChosen() : std::u16string();
+  if (chosen.empty()) {
+    return WAVE_MAPPER;
+  }
+  const auto names = ListNames();
+  const auto found = std::ranges::find(names, chosen);
+  return found == names.end() ? WAVE_MAPPER : static_cast<UINT>(found - names.begin());
+}
+
+/// Calls `changed` when the names of the inputs are other ones than a second ago.
+class PollingWatch final : public platform::WaveInputs::Watch {
+ public:
+  explicit PollingWatch(std::function<void()> changed)
+      : m_thread([changed = std::move(changed)](const std::stop_token& stop) {
+          std::mutex mutex;
+          std::condition_variable_any wakeUp;
+          auto names = ListNames();
+          std::unique_lock lock(mutex);
+          while (!stop.stop_requested()) {
+            wakeUp.wait_for(lock, stop, std::chrono::seconds(1), [] { return false; });
+            if (std::exchange(names, ListNames()) != names && !stop.stop_requested()) {
+              changed();
+            }
+          }
+        }) {}
+
+ private:
+  std::jthread m_thread;
+};
+
+}  // namespace
+
+std::uint32_t Win32WaveIn::GetDeviceCount() { return waveInGetNumDevs(); }
+
+platform::Result<std::unique_ptr<platform::WaveInDevice>, WaveResult> Win32WaveIn::Open(
+    const platform::WaveFormat& format) {
+  if (!platform::IsWholeBytePcm(format) || format.bitsPerSample != kRecordedBits) {
+    return platform::Failure(WaveResult::kBadFormat);
+  }
+  if (GetDeviceCount() == 0) {
+    return platform::Failure(WaveResult::kNoDevice);
+  }
+  const WAVEFORMATEX wanted = ToSystem(format);
+  HWAVEIN device = nullptr;
+  const MMRESULT result =
+      waveInOpen(&device, FindChosen(m_getChosen), &wanted, 0, 0, CALLBACK_NULL);
+  if (result != MMSYSERR_NOERROR) {
+    return platform::Failure(ToResult(result));
+  }
+  auto recorder = std::make_unique<Recorder>(device, wanted);
+  const WaveResult warm = recorder->WarmUp();
+  if (warm != WaveResult::kOk) {
+    return platform::Failure(warm);
+  }
+  return recorder;
+}
+
+platform::Result<std::vector<platform::WaveInput>, WaveResult> Win32WaveInputs::List() {
+  const UINT used = FindChosen(m_getChosen);
+  std::vector<platform::WaveInput> inputs;
+  for (const std::u16string& name : ListNames()) {
+    // The first one is the system's default.
+    const bool isUsed = inputs.size() == (used == WAVE_MAPPER ? 0 : used);
+    inputs.push_back({name, name, isUsed});
+  }
+  return inputs;
+}
+
+std::unique_ptr<platform::WaveInputs::Watch> Win32WaveInputs::StartWatch(
+    std::function<void()> changed) {
+  return std::make_unique<PollingWatch>(std::move(changed));
+}
+
+}  // namespace win32
