@@ -47,6 +47,11 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
               -Wno-error=nonnull)
 endif()
 target_include_directories(voxtrel_options INTERFACE "${PROJECT_SOURCE_DIR}")
+if(WIN32)
+  # Windows 7 and later.
+  target_compile_definitions(voxtrel_options INTERFACE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN
+                                                       _WIN32_WINNT=0x0601)
+endif()
 # A header alone. It is taken out of the system's folder, since a cross compiler must not see the
 # headers next to it.
 find_path(TL_EXPECTED_FOLDER tl/expected.hpp PATHS /usr/include NO_CMAKE_FIND_ROOT_PATH REQUIRED)
@@ -54,12 +59,6 @@ configure_file("${TL_EXPECTED_FOLDER}/tl/expected.hpp" "${PROJECT_BINARY_DIR}/in
                COPYONLY)
 target_include_directories(voxtrel_options SYSTEM INTERFACE "${PROJECT_BINARY_DIR}/include")
 target_link_libraries(voxtrel_options INTERFACE Threads::Threads)
-if(WIN32)
-  # Windows 7 and later. All code gets these, since the precompiled header fits only code that is
-  # compiled alike.
-  target_compile_definitions(voxtrel_options INTERFACE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN
-                                                       _WIN32_WINNT=0x0601)
-endif()
 if(VOXTREL_SANITIZE)
   target_compile_options(voxtrel_options INTERFACE -fsanitize=${VOXTREL_SANITIZE}
                                                    $<$<BOOL:$<TARGET_PROPERTY:VOXTREL_IS_TEST>>:-fno-sanitize=undefined>

@@ -14,8 +14,6 @@ namespace {
 using platform::CommandEvent;
 using resources::ControlKind;
 using support::User;
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 constexpr int kList = 15;
 constexpr int kGo = 16;
@@ -81,7 +79,7 @@ class Sheet final : public framework::CPropertySheet {
 
   bool OnInitDialog() override {
     GetWindow().SetTabText(1, u"Deuxième");
-    return true;
+    return CPropertySheet::OnInitDialog();
   }
   void OnHelp() override { ++helps; }
 
