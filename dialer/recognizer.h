@@ -1,13 +1,15 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
 #include "dialer/taught_tags.h"
-#include "voicemath/prepared_template.h"
+#include "dialer/utterance.h"
 
 namespace dialer {
 
@@ -23,7 +25,7 @@ struct Candidate {
   std::u16string tag;
   std::optional<std::int32_t> oid;  ///< As in TaughtTag.
   std::u16string phoneKind;
-  float distance = 0;  ///< From the tag. Its scale differs from step to step; 0 is the same.
+  float distance = 0;  ///< From the tag. Its scale differs with the steps; 0 is the same.
   float score = 0;     ///< How much speaks for it, 0 to 1, compared with all others.
 };
 
@@ -42,29 +44,30 @@ enum class Steps : std::uint8_t {
   kTemplatesOnly,  ///< For slow processors.
 };
 
-/// A take of a spoken name: voicemath::kSamplesPerSecond. It may have silence at both ends.
-using Take = std::span<const std::int16_t>;
+/// A tag that can be meant.
+struct KnownTag {
+  Candidate candidate;  ///< Without distance and score. Contact and kind are its number.
+  std::shared_ptr<const Utterance> utterance;
+};
 
-/// Knows who is meant. It keeps what it needs of the tags and does not change: several threads may
-/// use one.
+/// Knows who is meant. It does not change: several threads may use one.
 class Recognizer {
  public:
   explicit Recognizer(std::span<const TaughtTag> tags);
+  explicit Recognizer(std::vector<KnownTag> tags);
 
   /// Returns who is meant by a take.
   [[nodiscard]] Answer Recognize(Take take, Steps steps = Steps::kBoth) const;
 
   /// Returns who is meant by somebody who says a name several times. The takes count alike.
   [[nodiscard]] Answer Recognize(std::span<const Take> takes, Steps steps = Steps::kBoth) const;
+  [[nodiscard]] Answer Recognize(std::span<const Utterance> takes, Steps steps) const;
 
  private:
-  struct Tag {
-    Candidate candidate;     ///< Without distance and score.
-    std::size_t number = 0;  ///< Alike for all tags of one number.
-    voicemath::PreparedTemplate shape;
-  };
+  void NumberTags();
 
-  std::vector<Tag> m_tags;
+  std::vector<KnownTag> m_tags;
+  std::vector<std::size_t> m_numbers;  ///< By tag: alike for all tags of one number.
 };
 
 }  // namespace dialer

@@ -152,10 +152,6 @@ Result<bool, RegistryError> HasOtherMathematics(platform::Registry& registry) {
 
 }  // namespace
 
-bool IsSameNumber(const TaughtTag& a, const TaughtTag& b) {
-  return a.oid && a.oid == b.oid && a.phoneKind == b.phoneKind;
-}
-
 Result<TaughtTags, RegistryError> ReadTaughtTags(platform::FileSystem& files,
                                                  platform::Registry& registry) {
   const storage::TagStore store(files, registry);

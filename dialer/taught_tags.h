@@ -22,8 +22,13 @@ struct TaughtTag {
   std::vector<std::int16_t> samples;  ///< The recording, voicemath::kSamplesPerSecond.
 };
 
-/// Returns whether two tags are for one number, so that it does not matter which of them is meant.
-[[nodiscard]] bool IsSameNumber(const TaughtTag& a, const TaughtTag& b);
+/// Returns whether two tags, each as a TaughtTag or a Candidate, are for one number, so that it
+/// does not matter which of them is meant. If it is not known whose a tag is, there is no other
+/// like it.
+template <typename Tag>
+[[nodiscard]] bool IsSameNumber(const Tag& a, const Tag& b) {
+  return a.oid && a.oid == b.oid && a.phoneKind == b.phoneKind;
+}
 
 /// Why a tag that is listed was passed over.
 enum class PassedOver : std::uint8_t {

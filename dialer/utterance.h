@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "dialer/speech_features.h"
+#include "dialer/taught_tags.h"
+#include "voicemath/prepared_template.h"
+
+namespace dialer {
+
+/// A take of a spoken name: voicemath::kSamplesPerSecond. It may have silence at both ends. What is
+/// longer than kMostSeconds is cut off.
+using Take = std::span<const std::int16_t>;
+
+/// Another word that the same voice says in the same room, made of what it said. Nobody taught it.
+enum class Nonsense : std::uint8_t {
+  kBackwards,
+  kSwapped,  ///< The second half comes before the first one.
+};
+
+/// A take or a tag in the forms in which it is compared. They are made once.
+class Utterance {
+ public:
+  explicit Utterance(Take take);
+  explicit Utterance(const TaughtTag& tag);
+
+  [[nodiscard]] const voicemath::PreparedTemplate& GetShape() const { return m_shape; }
+  [[nodiscard]] const SpeechFeatures& GetFeatures() const { return m_features; }
+
+  [[nodiscard]] SpeechFeatures FeaturesOf(Nonsense nonsense) const {
+    return nonsense == Nonsense::kBackwards ? m_features.Backwards() : m_features.Swapped();
+  }
+  [[nodiscard]] voicemath::PreparedTemplate ShapeOf(Nonsense nonsense) const;
+
+ private:
+  explicit Utterance(std::span<const float> features, Take kept);
+
+  voicemath::PreparedTemplate m_shape;
+  SpeechFeatures m_features;
+};
+
+}  // namespace dialer
