@@ -253,23 +253,23 @@ SETS = {
 
 def make_take(task):
     folder, half, name, number, word, take, scale = task
-    spec = SETS[name]
+    traits = SETS[name]
     speaker = Speaker(half, name, number)
     label = speaker.words[word]
     seed = f"{half} {name} {number} {word} {take}"
     r = random.Random(seed)
     g = np.random.default_rng(int.from_bytes(hashlib.sha256(seed.encode()).digest()[:8], "big"))
-    variation = spec["variation"] * scale
+    variation = traits["variation"] * scale
     x = vary(g, say(speaker, r, label, variation, folder), speaker, variation)
-    microphone = r.choice(list(MICROPHONES)) if spec.get("microphones") else speaker.microphone
+    microphone = r.choice(list(MICROPHONES)) if traits.get("microphones") else speaker.microphone
     loud = np.flatnonzero(np.abs(x) > np.abs(x).max() * db(-38))
     x = x[loud[0]: loud[-1] + 1]
     level = speech_level(x)
-    x = np.concatenate([np.zeros(int(r.uniform(*spec["before"]) * HERTZ)), x,
-                        np.zeros(int(r.uniform(*spec["after"]) * HERTZ))])
-    x += noise(g, speaker.colour, len(x)) * level * db(-r.uniform(*spec["snr"]))
+    x = np.concatenate([np.zeros(int(r.uniform(*traits["before"]) * HERTZ)), x,
+                        np.zeros(int(r.uniform(*traits["after"]) * HERTZ))])
+    x += noise(g, speaker.colour, len(x)) * level * db(-r.uniform(*traits["snr"]))
     x = shaped(np.concatenate([x, np.zeros(64)]), MICROPHONES[microphone])[: len(x)]
-    hertz = spec["hertz"]
+    hertz = traits["hertz"]
     size = len(x)
     # By the transform: nothing above the new rate's half is left.
     count = int(size * hertz / HERTZ)
