@@ -1,13 +1,13 @@
 # Where everything is after the installation. Each program finds the rest from its own place, so that
 # the whole can be moved.
 #
-#   bin/voxtrel, bin/voxtrel-connection, bin/voxtrel-home, bin/voxtrel-panel
+#   bin/voxtrel, bin/voxtrel-connection, bin/voxtrel-dial, bin/voxtrel-home, bin/voxtrel-panel
 #   lib/voxtrel/voxtrel.cpl
 #   lib/voxtrel/voxtrel-ebook.so: loaded when the desktop's address books are first asked for
 #   share/voxtrel/{help,languages,samples}
 #   share/applications, share/icons: what a desktop shows
 
-install(TARGETS voxtrel voxtrel-connection voxtrel-home voxtrel-panel RUNTIME DESTINATION bin)
+install(TARGETS voxtrel voxtrel-connection voxtrel-dial voxtrel-home voxtrel-panel RUNTIME DESTINATION bin)
 install(TARGETS voxtrel_cpl voxtrel_ebook LIBRARY DESTINATION lib/voxtrel)
 
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/resources/help" DESTINATION share/voxtrel)

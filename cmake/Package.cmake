@@ -11,7 +11,7 @@ if(NOT Python3_FOUND OR VOXTREL_SANITIZE)
   return()
 endif()
 
-set(programs voxtrel voxtrel-connection voxtrel-home voxtrel-panel)
+set(programs voxtrel voxtrel-connection voxtrel-dial voxtrel-home voxtrel-panel)
 set(program_files)
 foreach(program IN LISTS programs)
   list(APPEND program_files "$<TARGET_FILE:${program}>")

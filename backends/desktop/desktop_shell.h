@@ -43,11 +43,6 @@ struct HelpFolders {
 [[nodiscard]] bool OpenInBrowser(const Environment& environment, const std::string& url,
                                  std::chrono::milliseconds patience);
 
-/// Returns the command that opens `url`, by the rules for quotes and field codes of the Exec key of
-/// a desktop file. The URL is one argument whatever it holds. It comes last if the key has no place
-/// for it. Returns no words if the key breaks the rules.
-[[nodiscard]] Command MakeCommand(const std::string& exec, const std::string& url);
-
 /// Says something to the user in a few words. Called on a thread of the shell.
 using Report = std::function<void(std::u16string_view text)>;
 

@@ -78,4 +78,16 @@ platform::Result<ProgramEnd, std::error_code> RunInForeground(
                              : ProgramEnd{false, WEXITSTATUS(status)};
 }
 
+std::error_code Become(const std::vector<std::string>& command,
+                       const std::vector<std::string>& variables) {
+  if (command.empty()) {
+    return {ENOENT, std::system_category()};
+  }
+  std::vector<std::string> arguments = command;
+  std::vector<std::string> environment = EnvironmentWith(variables);
+  std::fflush(stdout);
+  ::execve(command.front().c_str(), PointersOf(arguments).data(), PointersOf(environment).data());
+  return {errno, std::system_category()};
+}
+
 }  // namespace posix

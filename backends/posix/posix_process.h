@@ -29,4 +29,9 @@ struct ProgramEnd {
 [[nodiscard]] platform::Result<ProgramEnd, std::error_code> RunInForeground(
     const std::vector<std::string>& command, const std::vector<std::string>& variables);
 
+/// Runs a program in the place of this one, as RunInForeground takes it. Returns only if it cannot
+/// be started, and why.
+[[nodiscard]] std::error_code Become(const std::vector<std::string>& command,
+                                     const std::vector<std::string>& variables);
+
 }  // namespace posix

@@ -2,6 +2,9 @@
 
 #include <CLI/App.hpp>
 
+#include <string>
+#include <vector>
+
 #include "host/cli/session.h"
 
 namespace cli {
@@ -12,6 +15,7 @@ namespace cli {
 void AddBackupCommands(CLI::App& app, Session& session);
 void AddConnectionCommands(CLI::App& app, Session& session);
 void AddContactsCommands(CLI::App& app, Session& session);
+void AddDialCommand(CLI::App& app, Session& session);
 void AddLanguageCommands(CLI::App& app, Session& session);
 void AddMaintenanceCommands(CLI::App& app, Session& session);
 void AddMicrophoneCommands(CLI::App& app, Session& session);
@@ -46,6 +50,10 @@ void CheckTags(Session& session, bool isRepair);
 /// is no screen or the window cannot be shown. Calls `prepare` before the window opens, and opens
 /// none if that returns false.
 void RunConnectionWindow(Session& session, bool (*prepare)(Session& session));
+
+/// Returns the options in front of the command in the form in which other programs of the system
+/// take them.
+[[nodiscard]] std::vector<std::string> VariablesOf(const Session& session);
 
 /// Finishes or undoes what a killed command left, and empties the trash of what is too old, as the
 /// page does when it opens. For commands that need no page: if a window has the tags, it has done

@@ -12,7 +12,7 @@
 #include "backends/posix/posix_process.h"
 #include "backends/udev/serial_ports.h"
 #include "backends/udev/udev_serial_devices.h"
-#include "host/cli/command_line.h"
+#include "host/cli/program.h"
 #include "host/cli/system.h"
 #include "host/machine/system.h"
 
@@ -23,6 +23,19 @@ namespace {
 /// No other one is taken: it would load libraries from its own place.
 std::filesystem::path Find(const machine::Program& program) {
   return machine::Places(machine::FindOwnFile()).GetProgram(program);
+}
+
+/// Returns the command line of a program. The error is a sentence.
+platform::Result<std::vector<std::string>, std::string> FindCommand(
+    const machine::Program& program, const std::vector<std::string>& arguments) {
+  const std::filesystem::path path = Find(program);
+  if (::access(path.c_str(), X_OK) != 0) {
+    return platform::Failure(
+        fmt::format("{} is not installed; it belongs in this program's folder", program.name));
+  }
+  std::vector<std::string> command{path.native()};
+  command.insert(command.end(), arguments.begin(), arguments.end());
+  return command;
 }
 
 }  // namespace
@@ -64,14 +77,11 @@ bool HasDisplay() {
 platform::Result<void, std::string> RunWindow(const machine::Program& program,
                                               const std::vector<std::string>& arguments,
                                               const std::vector<std::string>& variables) {
-  const std::filesystem::path path = Find(program);
-  if (::access(path.c_str(), X_OK) != 0) {
-    return platform::Failure(
-        fmt::format("{} is not installed; it belongs in this program's folder", program.name));
+  const auto command = FindCommand(program, arguments);
+  if (!command) {
+    return platform::Failure(command.error());
   }
-  std::vector<std::string> command{path.native()};
-  command.insert(command.end(), arguments.begin(), arguments.end());
-  const auto end = posix::RunInForeground(command, variables);
+  const auto end = posix::RunInForeground(*command, variables);
   if (!end) {
     return platform::Failure(fmt::format("{} cannot be started", program.name));
   }
@@ -83,6 +93,15 @@ platform::Result<void, std::string> RunWindow(const machine::Program& program,
         fmt::format("{} failed with exit code {}", program.name, end->exitCode));
   }
   return {};
+}
+
+std::string BecomeProgram(const machine::Program& program,
+                          const std::vector<std::string>& arguments,
+                          const std::vector<std::string>& variables) {
+  const auto command = FindCommand(program, arguments);
+  return command ? fmt::format("{} cannot be started: {}", program.name,
+                               posix::Become(*command, variables).message())
+                 : command.error();
 }
 
 void PublishPorts(platform::Registry& registry) {

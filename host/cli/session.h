@@ -5,8 +5,8 @@
 #include <string_view>
 #include <utility>
 
-#include "host/cli/command_line.h"
 #include "host/cli/output.h"
+#include "host/cli/program.h"
 #include "host/session/session.h"
 
 namespace cli {

@@ -39,6 +39,12 @@ void WriteError(std::string_view text);
     const machine::Program& program, const std::vector<std::string>& arguments,
     const std::vector<std::string>& variables);
 
+/// Lets a program of the system that needs no window take the place of this one, with its terminal.
+/// Returns only if that fails: a sentence without a full stop that says why.
+[[nodiscard]] std::string BecomeProgram(const machine::Program& program,
+                                        const std::vector<std::string>& arguments,
+                                        const std::vector<std::string>& variables);
+
 /// Makes the ports that the machine has now known in the registry. If that fails, the ports are
 /// those of last time.
 void PublishPorts(platform::Registry& registry);

@@ -5,7 +5,9 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstddef>
+#include <exception>
 #include <memory>
+#include <new>
 #include <numeric>
 #include <sstream>
 #include <string_view>
@@ -74,6 +76,12 @@ constexpr Example kExamples[] = {
     {"reinit", "reinit --force", "make every template again"},
     {"check", "check", "is anything wrong with the voice tags?"},
     {"check", "check --repair", "mend what can be mended"},
+    {"dial", "dial", "say a name, and call that person"},
+    {"dial", "dial --to \"Lee Ann\" --number Mobile", "call without saying the name"},
+    {"dial way", "dial way use serial", "call through the modem"},
+    {"dial way list", "dial way list", "the ways to call"},
+    {"dial way use", "dial way use serial", "call through the modem"},
+    {"dial way use", "dial way use default", "the first way that works"},
     {"connection", "connection", "the dialer's serial port, in a window"},
     {"connection show", "connection show", "the settings of the dialer's serial port"},
     {"connection set", "connection set port=COM1: baud-rate=115200", "change two of them"},
@@ -85,11 +93,12 @@ constexpr Example kExamples[] = {
 };
 
 /// The examples of the program's own help: one for each thing that people do.
-constexpr std::string_view kFirstSteps[] = {
-    "home",           "wave record",      "wave play",      "template learn",
-    "template show",  "template compare", "language check", "contacts",
-    "tags learn",     "tags list",        "tags test",      "check",
-    "connection set", "status",           "backup",         "registry export"};
+constexpr std::string_view kFirstSteps[] = {"home",           "wave record",    "wave play",
+                                            "template learn", "template show",  "template compare",
+                                            "language check", "contacts",       "tags learn",
+                                            "tags list",      "tags test",      "dial",
+                                            "check",          "connection set", "status",
+                                            "backup",         "registry export"};
 
 constexpr const char* kExitCodes =
     "Exit codes: 0 done, 1 failed with a message on standard error, 2 wrong usage.";
@@ -202,8 +211,15 @@ std::string FindElsewhere(const CLI::App& app, const std::string& word) {
   return found;
 }
 
-std::string Ask(const std::string& meant) {
-  return meant.empty() ? "`voxtrel --help` lists all." : "Did you mean " + meant + "?";
+/// Returns the words by which a user starts the command, "voxtrel tags learn".
+std::string LineOf(const CLI::App& command) {
+  const std::string name = NameOf(command);
+  return RootOf(command).get_name() + (name.empty() ? "" : " " + name);
+}
+
+std::string Ask(const CLI::App& app, const std::string& meant) {
+  return meant.empty() ? fmt::format("`{} --help` lists all.", RootOf(app).get_name())
+                       : "Did you mean " + meant + "?";
 }
 
 /// Says which word of the line is no command or no option, and what may have been meant. Returns an
@@ -223,9 +239,8 @@ std::string ExplainUnknownWord(const CLI::App& app) {
     const std::string name = word.substr(0, word.find('='));
     const std::string nearest = FindNearest(name, NamesOfOptions(*command));
     return fmt::format("There is no option '{}' here. {}", name,
-                       nearest.empty()
-                           ? fmt::format("`voxtrel {} --help` lists all.", NameOf(*command))
-                           : Ask("'" + nearest + "'"));
+                       nearest.empty() ? fmt::format("`{} --help` lists all.", LineOf(*command))
+                                       : Ask(app, "'" + nearest + "'"));
   }
   if (word.starts_with('-') || command->get_subcommands({}).empty()) {
     return {};
@@ -234,7 +249,7 @@ std::string ExplainUnknownWord(const CLI::App& app) {
   const std::string nearest = FindNearest(word, NamesOfCommands(*command));
   const std::string meant =
       nearest.empty() ? FindElsewhere(app, word) : "'" + before + nearest + "'";
-  return fmt::format("There is no command '{}{}'. {}", before, word, Ask(meant));
+  return fmt::format("There is no command '{}{}'. {}", before, word, Ask(app, meant));
 }
 
 void PrintWithout(std::string text, char last, void (*printLine)(std::string_view)) {
@@ -246,13 +261,31 @@ void PrintWithout(std::string text, char last, void (*printLine)(std::string_vie
   }
 }
 
+/// Prints the help, the version, or what is wrong with the line. Returns the exit code.
+int ExplainUsage(const CLI::App& app, const CLI::ParseError& error,
+                 const std::vector<std::string>& arguments) {
+  std::ostringstream output;
+  std::ostringstream errors;
+  if (app.exit(error, output, errors) == 0) {
+    PrintWithout(output.str(), '\n', PrintLine);
+    return 0;
+  }
+  const std::string unknown = ExplainUnknownWord(app);
+  PrintWithout(unknown.empty() ? errors.str() : unknown, '\n', PrintErrorLine);
+  // The line was not understood, so the option was not taken either.
+  if (std::ranges::find(arguments, "--json") != arguments.end()) {
+    PrintJson(ErrorToJson(kWrongUsage, unknown.empty() ? error.what() : unknown));
+  }
+  return kWrongUsage;
+}
+
 }  // namespace
 
 void PrepareUsage(CLI::App& app, Options& options) {
   app.formatter(std::make_shared<HelpFormatter>());
   app.require_subcommand(0, 1);  // Without one the window opens if there is a display.
   app.fallthrough();
-  app.set_version_flag("--version", "voxtrel " VOXTREL_VERSION);
+  app.set_version_flag("--version", app.get_name() + " " VOXTREL_VERSION);
   app.add_option("--root", options.machine.root,
                  "Folder of the voice tags and settings (default: voxtrel in the XDG data folder)")
       ->type_name("DIR")
@@ -296,21 +329,20 @@ void AddExamples(CLI::App& app) {
   app.footer(LinesOf(examples) + "\n\n" + kExitCodes);
 }
 
-int ExplainUsage(const CLI::App& app, const CLI::ParseError& error,
-                 const std::vector<std::string>& arguments) {
-  std::ostringstream output;
-  std::ostringstream errors;
-  if (app.exit(error, output, errors) == 0) {
-    PrintWithout(output.str(), '\n', PrintLine);
-    return 0;
+int ParseAndRun(CLI::App& app, Session& session, int argc, const char* const* argv) {
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return ExplainUsage(app, error, {argv, argv + argc});
+  } catch (const std::bad_alloc&) {
+    throw;  // A message here would take memory.
+  } catch (const std::exception& error) {
+    // Nothing of the system throws; a library that ran out of something does.
+    session.Fail(error.what());
   }
-  const std::string unknown = ExplainUnknownWord(app);
-  PrintWithout(unknown.empty() ? errors.str() : unknown, '\n', PrintErrorLine);
-  // The line was not understood, so the option was not taken either.
-  if (std::ranges::find(arguments, "--json") != arguments.end()) {
-    PrintJson(ErrorToJson(kWrongUsage, unknown.empty() ? error.what() : unknown));
-  }
-  return kWrongUsage;
+  // After every command, whatever became of it: the JSON value is whole only now.
+  session.PrintOutcome();
+  return session.GetExitCode();
 }
 
 std::string FindNearest(const std::string& word, const std::vector<std::string>& names) {

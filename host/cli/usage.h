@@ -18,9 +18,9 @@ void PrepareUsage(CLI::App& app, Options& options);
 /// Gives each command the examples that its help ends with. Called after the commands were added.
 void AddExamples(CLI::App& app);
 
-/// Prints the help, the version, or what is wrong with the line `arguments`. Returns the exit code.
-[[nodiscard]] int ExplainUsage(const CLI::App& app, const CLI::ParseError& error,
-                               const std::vector<std::string>& arguments);
+/// Runs the command of a line, and prints what it has for `session`. Prints the help, the version,
+/// or what is wrong with the line. Returns the exit code.
+[[nodiscard]] int ParseAndRun(CLI::App& app, Session& session, int argc, const char* const* argv);
 
 /// Returns the name among `names` that is most like `word`, if it is so much alike that somebody
 /// may have meant it: few letters are wrong, missing, too many or swapped with their neighbour, or

@@ -15,23 +15,6 @@ namespace {
 
 constexpr const char* kApplet = "voxtrel.cpl";
 
-/// Returns the options in front of the command in the form in which the applet takes them.
-std::vector<std::string> VariablesOf(const Session& session) {
-  const machine::Options& options = session.GetOptions().machine;
-  std::vector<std::string> variables;
-  const auto add = [&variables](std::string_view name, const std::string& value) {
-    if (!value.empty()) {
-      variables.push_back(std::string(name) + "=" + value);
-    }
-  };
-  // By the environment, since the applet is a library: it has no command line of its own.
-  add("VOXTREL_ROOT", options.root);
-  add("VOXTREL_MICROPHONE", options.microphone);
-  add("VOXTREL_SPEAKER", options.speaker);
-  add("VOXTREL_CONTACTS", options.contacts);
-  return variables;
-}
-
 // The windows belong to another program, which is started and waited for. So a command line without
 // a screen needs none of its libraries, and a crash of a window is reported like any failure.
 void ShowWindow(Session& session, const machine::Program& program,
@@ -53,6 +36,22 @@ void ShowWindow(Session& session, const machine::Program& program,
 }
 
 }  // namespace
+
+std::vector<std::string> VariablesOf(const Session& session) {
+  const machine::Options& options = session.GetOptions().machine;
+  std::vector<std::string> variables;
+  const auto add = [&variables](std::string_view name, const std::string& value) {
+    if (!value.empty()) {
+      variables.push_back(std::string(name) + "=" + value);
+    }
+  };
+  // By the environment, since the applet is a library: it has no command line of its own.
+  add("VOXTREL_ROOT", options.root);
+  add("VOXTREL_MICROPHONE", options.microphone);
+  add("VOXTREL_SPEAKER", options.speaker);
+  add("VOXTREL_CONTACTS", options.contacts);
+  return variables;
+}
 
 void AddWindowCommands(CLI::App& app, Session& session) {
   const auto teaches = std::make_shared<bool>(false);

@@ -11,7 +11,7 @@
 
 #include "backends/win32/win32_process.h"
 #include "backends/win32/windows.h"
-#include "host/cli/command_line.h"
+#include "host/cli/program.h"
 #include "host/cli/system.h"
 #include "host/machine/system.h"
 
@@ -98,6 +98,12 @@ platform::Result<void, std::string> RunWindow(const machine::Program& program,
     return platform::Failure(std::string("the control panel cannot be started"));
   }
   return {};
+}
+
+std::string BecomeProgram(const machine::Program& program,
+                          const std::vector<std::string>& /*arguments*/,
+                          const std::vector<std::string>& /*variables*/) {
+  return fmt::format("{} needs Linux", program.name);
 }
 
 // Windows keeps the list of its ports by itself, and the dialer's settings take any name.

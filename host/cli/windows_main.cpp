@@ -9,6 +9,7 @@
 #include "backends/text/utf.h"
 #include "backends/win32/system_calls.h"
 #include "host/cli/command_line.h"
+#include "host/cli/program.h"
 
 // It builds on the header of the calls.
 #include <shellapi.h>
@@ -58,5 +59,5 @@ int main() {
     pointers.push_back(argument.c_str());
   }
   pointers.push_back(nullptr);
-  return cli::RunCommandLine(static_cast<int>(arguments.size()), pointers.data());
+  return cli::RunGuarded(static_cast<int>(arguments.size()), pointers.data(), cli::RunCommandLine);
 }

@@ -11,6 +11,7 @@ struct Program {
   const char* folder;  ///< In which it is built.
 };
 inline constexpr Program kCommandLine{"voxtrel", "host/cli"};
+inline constexpr Program kDialer{"voxtrel-dial", "host/dial"};
 inline constexpr Program kHome{"voxtrel-home", "host/home"};
 inline constexpr Program kPanel{"voxtrel-panel", "host/panel"};
 inline constexpr Program kConnectionWindow{"voxtrel-connection", "host/connection"};

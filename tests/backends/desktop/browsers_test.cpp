@@ -1,3 +1,4 @@
+#include "backends/desktop/default_program.h"
 #include "backends/desktop/desktop_shell.h"
 
 #include "tests/backends/desktop/fake_desktop.h"
