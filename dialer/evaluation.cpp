@@ -58,7 +58,8 @@ EvaluationFigures& EvaluationFigures::operator+=(const EvaluationFigures& other)
   return *this;
 }
 
-Evaluation::Evaluation(SpokenLabels labels, std::size_t taught) : m_taught(taught) {
+Evaluation::Evaluation(SpokenLabels labels, std::size_t taught, Steps steps)
+    : m_taught(taught), m_steps(steps) {
   for (auto& [label, takes] : labels) {
     if (takes.size() > taught) {
       Takes& kept = m_labels.emplace_back();
@@ -91,7 +92,7 @@ Recognizer Evaluation::Teach(std::size_t round, std::size_t firstLeftOut,
                       takes[(round + k) % takes.size()]});
     }
   }
-  return Recognizer(std::move(tags));
+  return Recognizer(std::move(tags), m_steps);
 }
 
 const Utterance& Evaluation::Asked(std::size_t label, std::size_t round) const {
@@ -99,7 +100,7 @@ const Utterance& Evaluation::Asked(std::size_t label, std::size_t round) const {
   return *takes[(round + (takes.size() + m_taught) / 2) % takes.size()];
 }
 
-EvaluationFigures Evaluation::RunRound(std::size_t round, Steps steps) const {
+EvaluationFigures Evaluation::RunRound(std::size_t round) const {
   constexpr double kLeftOutShare = 0.3;
   const std::size_t count = m_labels.size();
   const auto leftOut = std::clamp<std::size_t>(
@@ -112,7 +113,7 @@ EvaluationFigures Evaluation::RunRound(std::size_t round, Steps steps) const {
       continue;
     }
     const std::span<const Utterance> asked(&Asked(label, round), 1);
-    const Answer answer = all.Recognize(asked, steps);
+    const Answer answer = all.Recognize(asked);
     const bool isRight = answer.candidates.front().oid == static_cast<std::int32_t>(label);
     const bool isSure = answer.certainty == Certainty::kSure;
     figures.forced += {isRight ? 1U : 0U, 1};
@@ -121,7 +122,7 @@ EvaluationFigures Evaluation::RunRound(std::size_t round, Steps steps) const {
     if (count > 1) {
       // Round by round, its own label is the first, the second or the last of those left out.
       const std::size_t first = (label + count - round % leftOut) % count;
-      const Answer unknown = Teach(round, first, leftOut).Recognize(asked, steps);
+      const Answer unknown = Teach(round, first, leftOut).Recognize(asked);
       figures.unknownSure += {unknown.certainty == Certainty::kSure ? 1U : 0U, 1};
     }
   }

@@ -70,11 +70,11 @@ struct EvaluationFigures {
 class Evaluation {
  public:
   /// Labels with no more takes than `taught`, which is at least 1, are left out.
-  Evaluation(SpokenLabels labels, std::size_t taught);
+  Evaluation(SpokenLabels labels, std::size_t taught, Steps steps = Steps::kBoth);
 
   [[nodiscard]] std::size_t CountRounds() const;
   /// Several threads may run rounds at once.
-  [[nodiscard]] EvaluationFigures RunRound(std::size_t round, Steps steps) const;
+  [[nodiscard]] EvaluationFigures RunRound(std::size_t round) const;
 
  private:
   using Takes = std::vector<std::shared_ptr<const Utterance>>;
@@ -85,6 +85,7 @@ class Evaluation {
 
   std::vector<Takes> m_labels;
   std::size_t m_taught;
+  Steps m_steps;
 };
 
 }  // namespace dialer

@@ -16,12 +16,6 @@ namespace {
 constexpr std::size_t kLeastCompared = 10;
 constexpr std::size_t kMostPairs = 3'000'000;
 
-/// Evidence from which on somebody is sure, or is one of those who may be meant.
-struct Limits {
-  float sure;
-  float some;
-};
-
 // How sure is sure. What counts is how much nearer the best number is than anything that it is not.
 // No distance counts by itself, since voices, microphones and words differ too much for that.
 //
@@ -32,9 +26,30 @@ struct Limits {
 // name such as Anna is nearly itself backwards, so the geometric mean of both counts.
 //
 // With `other` and `nonsense` as multiples of the best distance, the evidence is
-// min(other, nonsense) * nonsense. It means the same for one tag as for many (docs/accuracy.md).
-constexpr Limits kLimits{3.0F, 1.35F};
-constexpr Limits kTemplateLimits{6.0F, 1.5F};
+// min(other, nonsense) * nonsense. It means the same for one tag as for many.
+//
+// How much of it untaught words have differs from one list of names to the next: if Kim and Tim are
+// taught, Jim has a lot. So each tag is once heard as if its number had not been taught. Four in
+// five of these tags have less evidence than `untaught`, and a take has to have more than its
+// square root times a constant. docs/accuracy.md shows from which measurements the constants come.
+
+/// What the evidence is multiplied with.
+struct Limits {
+  float sure;
+  float some;
+};
+constexpr Limits kLimits{2.0F, 1.0F};
+// Templates alone are a weak measure, of which only the first step is left: min(other, nonsense).
+constexpr Limits kTemplateLimits{6.0F, 1.1F};
+
+/// What untaught words have usually. If few names are taught, little is learned from them, so this
+/// counts as much as two of them.
+constexpr float kUsualUntaught = 2.5F;
+constexpr std::size_t kUsualCounts = 2;
+constexpr double kUntaughtShare = 0.8;
+/// So many tags are heard as if they were not taught, as long as there is time.
+constexpr std::size_t kMostUntaught = 20;
+constexpr std::size_t kMostUntaughtPairs = 25'000'000;
 
 /// A tag that was compared.
 struct Compared {
@@ -42,31 +57,56 @@ struct Compared {
   float distance;
 };
 
-template <typename Form, typename Measure>
-float MeanDistance(std::span<const Form> takes, const Measure& measure) {
+/// Returns the mean over all takes, each in the form that is measured.
+template <typename Forms, typename Measure>
+float MeanDistance(const Forms& takes, const Measure& measure) {
   float sum = 0;
-  for (const Form& take : takes) {
+  for (const auto& take : takes) {
     sum += measure(take);
   }
   return sum / static_cast<float>(takes.size());
 }
 
-/// One comparison of takes with all tags.
+/// One comparison of takes with all tags, of which there is at least one.
 class Comparison {
  public:
   Comparison(std::span<const KnownTag> tags, std::span<const std::size_t> numbers,
-             std::span<const Utterance> takes)
-      : m_tags(tags), m_numbers(numbers), m_takes(takes) {}
-
-  [[nodiscard]] Answer Run(Steps steps) {
+             std::span<const Utterance> takes, Steps steps)
+      : m_tags(tags), m_numbers(numbers), m_takes(takes), m_steps(steps) {
     CompareTemplates();
     if (steps == Steps::kBoth) {
       CompareSounds();
     }
-    const std::vector<Compared> best = KeepNearestOfEachNumber();
-    const float nonsense = std::sqrt(NonsenseDistance(Nonsense::kBackwards, steps, best.front()) *
-                                     NonsenseDistance(Nonsense::kSwapped, steps, best.front()));
-    return Decide(best, nonsense, steps == Steps::kBoth ? kLimits : kTemplateLimits);
+    KeepNearestOfEachNumber();
+    m_nonsense =
+        std::sqrt(NonsenseDistance(Nonsense::kBackwards) * NonsenseDistance(Nonsense::kSwapped));
+  }
+
+  [[nodiscard]] std::size_t CountPairs() const { return m_pairs; }
+
+  /// Returns what speaks for the best number.
+  [[nodiscard]] float Evidence() const {
+    const float other = m_best.size() > 1 ? m_best[1].distance : m_nonsense;
+    const float lead = std::min(other, m_nonsense) / Nearest();
+    return m_steps == Steps::kBoth ? lead * (m_nonsense / Nearest()) : lead;
+  }
+
+  /// Returns the best numbers. A score is a number's share of what speaks for all, nonsense
+  /// included.
+  [[nodiscard]] std::vector<Candidate> BestCandidates() const {
+    float sum = Weight(m_nonsense);
+    for (const Compared& compared : m_best) {
+      sum += Weight(compared.distance);
+    }
+    std::vector<Candidate> candidates;
+    for (const Compared& compared :
+         std::span(m_best).first(std::min(m_best.size(), kMostCandidates))) {
+      Candidate candidate = m_tags[compared.tag].candidate;
+      candidate.distance = compared.distance;
+      candidate.score = Weight(compared.distance) / sum;
+      candidates.push_back(std::move(candidate));
+    }
+    return candidates;
   }
 
  private:
@@ -80,14 +120,13 @@ class Comparison {
     std::ranges::stable_sort(m_compared, {}, &Compared::distance);
   }
 
-  /// Compares the best tags finely. Those for which there was no time are forgotten.
+  /// Compares the best tags finely. Those for which there is no time are forgotten.
   void CompareSounds() {
-    std::size_t pairs = 0;
     std::size_t done = 0;
-    for (; done < m_compared.size() && (done < kLeastCompared || pairs < kMostPairs); ++done) {
+    for (; done < m_compared.size() && (done < kLeastCompared || m_pairs < kMostPairs); ++done) {
       const SpeechFeatures& features = m_tags[m_compared[done].tag].utterance->GetFeatures();
       m_compared[done].distance = MeanDistance(m_takes, [&](const Utterance& take) {
-        pairs += take.GetFeatures().Frames() * features.Frames();
+        m_pairs += take.GetFeatures().Frames() * features.Frames();
         return WarpingDistance(take.GetFeatures(), features);
       });
     }
@@ -95,123 +134,143 @@ class Comparison {
     std::ranges::stable_sort(m_compared, {}, &Compared::distance);
   }
 
-  [[nodiscard]] std::vector<Compared> KeepNearestOfEachNumber() const {
-    std::vector<Compared> best;
+  void KeepNearestOfEachNumber() {
     for (const Compared& compared : m_compared) {
       const std::size_t number = m_numbers[compared.tag];
       if (std::ranges::none_of(
-              best, [&](const Compared& other) { return m_numbers[other.tag] == number; })) {
-        best.push_back(compared);
+              m_best, [&](const Compared& other) { return m_numbers[other.tag] == number; })) {
+        m_best.push_back(compared);
       }
     }
-    return best;
   }
 
-  /// Returns how far nonsense is from the nearest tag of the number of `best`.
-  [[nodiscard]] float NonsenseDistance(Nonsense nonsense, Steps steps, const Compared& best) const {
-    std::vector<SpeechFeatures> features;
+  /// Returns how far nonsense is from the nearest tag of the best number.
+  [[nodiscard]] float NonsenseDistance(Nonsense nonsense) const {
+    std::vector<SpeechFeatures> sounds;
     std::vector<voicemath::PreparedTemplate> shapes;
     for (const Utterance& take : m_takes) {
-      if (steps == Steps::kBoth) {
-        features.push_back(take.FeaturesOf(nonsense));
+      if (m_steps == Steps::kBoth) {
+        sounds.push_back(take.FeaturesOf(nonsense));
       } else {
         shapes.push_back(take.ShapeOf(nonsense));
       }
     }
     float nearest = std::numeric_limits<float>::max();
     for (const Compared& compared : m_compared) {
-      if (m_numbers[compared.tag] != m_numbers[best.tag]) {
-        continue;
+      if (m_numbers[compared.tag] == m_numbers[m_best.front().tag]) {
+        const Utterance& tag = *m_tags[compared.tag].utterance;
+        const auto warp = [&tag](const auto& s) { return WarpingDistance(s, tag.GetFeatures()); };
+        const auto slide = [&tag](const auto& s) {
+          return voicemath::TemplateDistance(s, tag.GetShape());
+        };
+        nearest = std::min(nearest, m_steps == Steps::kBoth ? MeanDistance(sounds, warp)
+                                                            : MeanDistance(shapes, slide));
       }
-      const Utterance& tag = *m_tags[compared.tag].utterance;
-      const float distance =
-          steps == Steps::kBoth
-              ? MeanDistance(std::span<const SpeechFeatures>(features),
-                             [&](const auto& f) { return WarpingDistance(f, tag.GetFeatures()); })
-              : MeanDistance(
-                    std::span<const voicemath::PreparedTemplate>(shapes),
-                    [&](const auto& s) { return voicemath::TemplateDistance(s, tag.GetShape()); });
-      nearest = std::min(nearest, distance);
     }
     return nearest;
   }
 
-  [[nodiscard]] Answer Decide(std::span<const Compared> best, float nonsense,
-                              const Limits& limits) const {
+  [[nodiscard]] float Nearest() const {
     constexpr float kSame = 1e-6F;
-    const float nearest = std::max(best.front().distance, kSame);
-    const float other = best.size() > 1 ? best[1].distance : std::numeric_limits<float>::max();
-    const float evidence = std::min(other, nonsense) / nearest * (nonsense / nearest);
-    Answer answer;
-    answer.certainty = evidence >= limits.sure   ? Certainty::kSure
-                       : evidence >= limits.some ? Certainty::kOneOf
-                                                 : Certainty::kUnknown;
-    float sum = Weight(nonsense, nearest);
-    for (const Compared& compared : best) {
-      sum += Weight(compared.distance, nearest);
-    }
-    for (const Compared& compared : best.first(std::min(best.size(), kMostCandidates))) {
-      Candidate candidate = m_tags[compared.tag].candidate;
-      candidate.distance = compared.distance;
-      candidate.score = Weight(compared.distance, nearest) / sum;
-      answer.candidates.push_back(std::move(candidate));
-    }
-    return answer;
+    return std::max(m_best.front().distance, kSame);
   }
 
-  /// Returns how much speaks for what is `distance` away: 1 for the nearest one, and less and less
-  /// for those further away. A score is a share of the sum of all, nonsense included.
-  [[nodiscard]] static float Weight(float distance, float nearest) {
-    const float square =
-        nearest / std::max(distance, nearest) * (nearest / std::max(distance, nearest));
-    return square * square;
+  /// Returns how much speaks for what is `distance` away: 1 for the nearest one, and ever less for
+  /// those further away.
+  [[nodiscard]] float Weight(float distance) const {
+    const float ratio = Nearest() / std::max(distance, Nearest());
+    return ratio * ratio * ratio * ratio;
   }
 
   const std::span<const KnownTag> m_tags;
   const std::span<const std::size_t> m_numbers;
   const std::span<const Utterance> m_takes;
+  const Steps m_steps;
+  std::size_t m_pairs = 0;
   std::vector<Compared> m_compared;  ///< The nearest first.
+  std::vector<Compared> m_best;      ///< Of each number the nearest one.
+  float m_nonsense = 0;
 };
 
-std::vector<KnownTag> PrepareTags(std::span<const TaughtTag> tags) {
+std::vector<KnownTag> PrepareTags(std::span<const TaughtTag> tags, Steps steps) {
   std::vector<KnownTag> known;
   for (const TaughtTag& tag : tags) {
-    known.push_back({{tag.name, tag.oid, tag.phoneKind}, std::make_shared<Utterance>(tag)});
+    known.push_back({{tag.name, tag.oid, tag.phoneKind}, std::make_shared<Utterance>(tag, steps)});
   }
   return known;
 }
 
 }  // namespace
 
-Recognizer::Recognizer(std::span<const TaughtTag> tags) : Recognizer(PrepareTags(tags)) {}
+Recognizer::Recognizer(std::span<const TaughtTag> tags, Steps steps)
+    : Recognizer(PrepareTags(tags, steps), steps) {}
 
-Recognizer::Recognizer(std::vector<KnownTag> tags) : m_tags(std::move(tags)) {
+Recognizer::Recognizer(std::vector<KnownTag> tags, Steps steps)
+    : m_steps(steps), m_tags(std::move(tags)) {
   for (const KnownTag& tag : m_tags) {
     const auto same = std::ranges::find_if(m_tags, [&tag](const KnownTag& other) {
       return &other == &tag || IsSameNumber(other.candidate, tag.candidate);
     });
     m_numbers.push_back(static_cast<std::size_t>(same - m_tags.begin()));
   }
+  m_untaught = steps == Steps::kBoth ? MeasureUntaught() : 1;
 }
 
-Answer Recognizer::Recognize(Take take, Steps steps) const {
-  return Recognize(std::span(&take, 1), steps);
+/// Hears some tags, one of each number, among those of other numbers.
+float Recognizer::MeasureUntaught() const {
+  std::vector<std::size_t> firsts;
+  for (std::size_t i = 0; i < m_tags.size(); ++i) {
+    if (m_numbers[i] == i) {
+      firsts.push_back(i);
+    }
+  }
+  std::vector<float> found(kUsualCounts, kUsualUntaught);
+  const std::size_t count = std::min(firsts.size(), kMostUntaught);
+  std::size_t pairs = 0;
+  for (std::size_t k = 0; k < count && firsts.size() > 1 && pairs < kMostUntaughtPairs; ++k) {
+    const std::size_t heard = firsts[k * firsts.size() / count];
+    std::vector<KnownTag> others;
+    std::vector<std::size_t> numbers;
+    for (std::size_t i = 0; i < m_tags.size(); ++i) {
+      if (m_numbers[i] != heard) {
+        others.push_back(m_tags[i]);
+        numbers.push_back(m_numbers[i]);
+      }
+    }
+    const Comparison comparison(others, numbers, {m_tags[heard].utterance.get(), 1}, m_steps);
+    found.push_back(comparison.Evidence());
+    pairs += comparison.CountPairs();
+  }
+  const auto place =
+      static_cast<std::ptrdiff_t>(kUntaughtShare * static_cast<double>(found.size()));
+  std::ranges::nth_element(found, found.begin() + place);
+  return found[static_cast<std::size_t>(place)];
 }
 
-Answer Recognizer::Recognize(std::span<const Take> takes, Steps steps) const {
+Answer Recognizer::Recognize(Take take) const { return Recognize(std::span(&take, 1)); }
+
+Answer Recognizer::Recognize(std::span<const Take> takes) const {
   std::vector<Utterance> utterances;
   for (const Take take : takes) {
     if (take.empty()) {
       return {};
     }
-    utterances.emplace_back(take);
+    utterances.emplace_back(take, m_steps);
   }
-  return Recognize(utterances, steps);
+  return Recognize(utterances);
 }
 
-Answer Recognizer::Recognize(std::span<const Utterance> takes, Steps steps) const {
-  return m_tags.empty() || takes.empty() ? Answer()
-                                         : Comparison(m_tags, m_numbers, takes).Run(steps);
+Answer Recognizer::Recognize(std::span<const Utterance> takes) const {
+  if (m_tags.empty() || takes.empty()) {
+    return {};
+  }
+  const Comparison comparison(m_tags, m_numbers, takes, m_steps);
+  const Limits& limits = m_steps == Steps::kBoth ? kLimits : kTemplateLimits;
+  const float evidence = comparison.Evidence() / std::sqrt(m_untaught);
+  return {evidence >= limits.sure   ? Certainty::kSure
+          : evidence >= limits.some ? Certainty::kOneOf
+                                    : Certainty::kUnknown,
+          comparison.BestCandidates()};
 }
 
 }  // namespace dialer

@@ -29,10 +29,12 @@ std::vector<float> LearnedTemplate(Take take) {
 
 }  // namespace
 
-Utterance::Utterance(Take take)
-    : Utterance(LearnedTemplate(LimitTake(take)), KeepSpeech(LimitTake(take))) {}
+Utterance::Utterance(Take take, Steps steps)
+    : Utterance(LearnedTemplate(LimitTake(take)),
+                steps == Steps::kBoth ? KeepSpeech(LimitTake(take)) : Take()) {}
 
-Utterance::Utterance(const TaughtTag& tag) : Utterance(tag.features, LimitTake(tag.samples)) {}
+Utterance::Utterance(const TaughtTag& tag, Steps steps)
+    : Utterance(tag.features, steps == Steps::kBoth ? LimitTake(tag.samples) : Take()) {}
 
 Utterance::Utterance(std::span<const float> features, Take kept) : m_features(kept) {
   // Without memory it has no frames, and is as far from everything as it can be.

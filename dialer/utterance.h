@@ -19,11 +19,18 @@ enum class Nonsense : std::uint8_t {
   kSwapped,  ///< The second half comes before the first one.
 };
 
-/// A take or a tag in the forms in which it is compared. They are made once.
+/// How finely a take is compared.
+enum class Steps : std::uint8_t {
+  kBoth,           ///< Templates put the tags in order; the recordings decide.
+  kTemplatesOnly,  ///< For slow processors.
+};
+
+/// A take or a tag in the forms in which it is compared. They are made once. For kTemplatesOnly
+/// nothing is known of its sound.
 class Utterance {
  public:
-  explicit Utterance(Take take);
-  explicit Utterance(const TaughtTag& tag);
+  explicit Utterance(Take take, Steps steps = Steps::kBoth);
+  explicit Utterance(const TaughtTag& tag, Steps steps = Steps::kBoth);
 
   [[nodiscard]] const voicemath::PreparedTemplate& GetShape() const { return m_shape; }
   [[nodiscard]] const SpeechFeatures& GetFeatures() const { return m_features; }
