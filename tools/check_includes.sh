@@ -15,7 +15,7 @@ find_wrong() {
     }
     BEGIN {
       rows = split("resources|platform|backends/text|framework|audio language|storage voicemath|" \
-                   "maintenance|connection dialer tags|applet|host/machine|host/session|" \
+                   "maintenance|connection dialer tags|applet|host/machine|host/session host/calling|" \
                    "host/applet host/cli host/connection host/home host/panel|host/dial", row, "|")
       for (i = 1; i <= rows; ++i) {
         count = split(row[i], rooms, " ")

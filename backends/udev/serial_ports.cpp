@@ -241,4 +241,22 @@ Result<void, RegistryError> PublishSerialPorts(platform::Registry& registry,
   return WritePorts(registry, *ports).and_then([&] { return group->Commit(); });
 }
 
+std::u16string FindDevice(platform::Registry& registry, platform::SerialDevices& devices,
+                          std::u16string_view port) {
+  auto present = devices.List();
+  const platform::OpenedKey known = registry.OpenKey(kKnownPortsKey);
+  auto numbers = known ? ReadKnownPorts(**known) : Failure(known.error());
+  if (!present || !numbers) {
+    return {};
+  }
+  SortByNode(*present);
+  const auto assigned = AssignNumbers(IdentitiesOf(*present, *numbers), *numbers);
+  for (std::size_t i = 0; i < present->size(); ++i) {
+    if (assigned[i] && PortName(*assigned[i]) == port) {
+      return (*present)[i].node;
+    }
+  }
+  return {};
+}
+
 }  // namespace udev_ports

@@ -21,6 +21,12 @@ inline constexpr std::u16string_view kKnownPortsKey = u"Drivers\\Serial ports";
 [[nodiscard]] platform::Result<void, platform::RegistryError> PublishSerialPorts(
     platform::Registry& registry, platform::SerialDevices& devices);
 
+/// Returns the device that has this port's name now, such as "/dev/ttyUSB0" for "COM2:". Returns an
+/// empty text if the port is not connected. Writes nothing: the active drivers of the registry may
+/// be those of another day.
+[[nodiscard]] std::u16string FindDevice(platform::Registry& registry,
+                                        platform::SerialDevices& devices, std::u16string_view port);
+
 /// The name of a port has one digit or two.
 inline constexpr int kLowestPort = 1;
 inline constexpr int kHighestPort = 99;

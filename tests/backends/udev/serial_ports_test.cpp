@@ -178,4 +178,17 @@ TEST(SerialPortsDatabase, NamesSurviveARestart) {
   EXPECT_EQ(ActivePorts(registry), (Ports{{u"COM2:", u"/dev/ttyUSB0"}}));
 }
 
+TEST_F(SerialPorts, APortIsFoundAgainWhereItIsNowAndNothingIsWritten) {
+  Publish({Adapter(u"/dev/ttyUSB0", u"A"), Adapter(u"/dev/ttyUSB1", u"B")});
+  m_devices.Set(std::vector{Adapter(u"/dev/ttyUSB0", u"B"), Adapter(u"/dev/ttyUSB1", u"C")});
+  EXPECT_EQ(udev_ports::FindDevice(m_registry, m_devices, u"COM2:"), u"/dev/ttyUSB0");
+  EXPECT_EQ(udev_ports::FindDevice(m_registry, m_devices, u"COM1:"), u"");
+  EXPECT_EQ(ActivePorts(m_registry)[u"COM1:"], u"/dev/ttyUSB0");
+}
+
+TEST_F(SerialPorts, APortIsNotFoundIfNoPortWasEverSeen) {
+  m_devices.Set(std::vector{Adapter(u"/dev/ttyUSB0", u"A")});
+  EXPECT_EQ(udev_ports::FindDevice(m_registry, m_devices, u"COM1:"), u"");
+}
+
 }  // namespace
