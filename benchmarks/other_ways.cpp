@@ -109,6 +109,14 @@ void AddComparison(std::vector<Way>& ways) {
   ways.push_back({"dynamic time warping", [words] { Keep(Warped(words[0], words[1])); }});
 }
 
+void AddComparisonOf(const std::vector<twins::Template>& names, std::vector<Way>& ways) {
+  ways.push_back({"dynamic time warping", [&names] {
+                    for (std::size_t i = 0; i < kTags; ++i) {
+                      Keep(Warped(names[i], names[(i + 1) % kTags]));
+                    }
+                  }});
+}
+
 void WarpEachWithEach(const std::vector<twins::Template>& words, bool inBothOrders) {
   for (std::size_t i = 0; i < words.size(); ++i) {
     for (std::size_t j = 0; j < (inBothOrders ? words.size() : i); ++j) {
@@ -121,8 +129,7 @@ void WarpEachWithEach(const std::vector<twins::Template>& words, bool inBothOrde
 
 /// The dialog asks for each two in both orders, since equal lengths are not symmetric. Warping is
 /// symmetric, so half of that would be enough for it: "once each".
-void AddTestDialog(std::vector<Way>& ways) {
-  const auto words = Vocabulary();
+void AddTestDialog(const std::vector<twins::Template>& words, std::vector<Way>& ways) {
   ways.push_back({"dynamic time warping, as asked", [words] { WarpEachWithEach(words, true); }});
   ways.push_back({"dynamic time warping, once each", [words] { WarpEachWithEach(words, false); }});
 }
@@ -136,8 +143,14 @@ void AddOtherWays(const std::string& job, std::vector<Way>& ways) {
     AddUtterance(ways);
   } else if (job == "comparison") {
     AddComparison(ways);
+  } else if (job == "comparison, full names") {
+    AddComparisonOf(FullNames(), ways);
+  } else if (job == "comparison, first names") {
+    AddComparisonOf(FirstNames(), ways);
   } else if (job == "test dialog") {
-    AddTestDialog(ways);
+    AddTestDialog(Vocabulary(), ways);
+  } else if (job == "test dialog, full names") {
+    AddTestDialog(FullNames(), ways);
   }
 }
 

@@ -20,13 +20,18 @@ namespace {
 
 using voicemath::PreparedTemplate;
 
-std::vector<PreparedTemplate> Prepare(const std::vector<twins::Template>& words) {
-  std::vector<PreparedTemplate> prepared(words.size());
+void Prepare(const std::vector<twins::Template>& words, std::vector<PreparedTemplate>& prepared) {
+  prepared.resize(words.size());
   for (std::size_t i = 0; i < words.size(); ++i) {
     if (!prepared[i].Prepare(words[i].values)) {
       std::abort();
     }
   }
+}
+
+std::vector<PreparedTemplate> Prepare(const std::vector<twins::Template>& words) {
+  std::vector<PreparedTemplate> prepared;
+  Prepare(words, prepared);
   return prepared;
 }
 
@@ -44,16 +49,38 @@ std::vector<Way> Comparison() {
           {"literal", [words] { Keep(twins::CompareTemplates((*words)[0], (*words)[1])); }}};
 }
 
-std::vector<Way> Preparation() {
-  const auto word = Shared(Word(42, 1));
-  return {{"product", [word] {
-             PreparedTemplate prepared;
-             if (!prepared.Prepare(word->values)) {
-               std::abort();
-             }
-             Keep(prepared);
+/// Compares each name with the next one, the last with the first.
+std::vector<Way> ComparisonOf(const std::vector<twins::Template>& names) {
+  const auto words = Shared(names);
+  const auto prepared = Shared(Prepare(*words));
+  const auto each = [](const auto& all, auto compare) {
+    for (std::size_t i = 0; i < kTags; ++i) {
+      Keep(compare(all[i], all[(i + 1) % kTags]));
+    }
+  };
+  return {{"product",
+           [prepared, each] {
+             each(*prepared, [](const PreparedTemplate& a, const PreparedTemplate& b) {
+               return voicemath::TemplateDistance(a, b);
+             });
+           }},
+          {"literal", [words, each] { each(*words, twins::CompareTemplates); }}};
+}
+
+std::vector<Way> ComparisonOfFullNames() { return ComparisonOf(FullNames()); }
+std::vector<Way> ComparisonOfFirstNames() { return ComparisonOf(FirstNames()); }
+
+std::vector<Way> PreparationOf(const std::vector<twins::Template>& names) {
+  const auto words = Shared(names);
+  const auto slots = Shared(std::vector<PreparedTemplate>());
+  return {{"product", [words, slots] {
+             Prepare(*words, *slots);
+             Keep(*slots);
            }}};
 }
+
+std::vector<Way> Preparation() { return PreparationOf({kTags, Word(42, 1)}); }
+std::vector<Way> PreparationOfFullNames() { return PreparationOf(FullNames()); }
 
 void MeasureEnvelopeLiterally(const support::Samples& samples, std::span<std::int16_t> envelope) {
   for (std::size_t block = 0; block < envelope.size(); ++block) {
@@ -153,14 +180,27 @@ float SearchEveryRow(const std::vector<twins::Template>& words) {
   return sum;
 }
 
+void FindEachNearest(const std::vector<PreparedTemplate>& prepared) {
+  std::array<voicemath::Neighbour, kTags> nearest;
+  static_cast<void>(voicemath::FindNearest(prepared, nearest));
+  Keep(nearest);
+}
+
 std::vector<Way> TestDialog() {
   const auto words = Shared(Vocabulary());
   const auto prepared = Shared(Prepare(*words));
+  return {{"product", [prepared] { FindEachNearest(*prepared); }},
+          {"literal", [words] { Keep(SearchEveryRow(*words)); }}};
+}
+
+/// The preparation is in it.
+std::vector<Way> TestDialogOfFullNames() {
+  const auto words = Shared(FullNames());
+  const auto slots = Shared(std::vector<PreparedTemplate>());
   return {{"product",
-           [prepared] {
-             std::array<voicemath::Neighbour, kTags> nearest;
-             static_cast<void>(voicemath::FindNearest(*prepared, nearest));
-             Keep(nearest);
+           [words, slots] {
+             Prepare(*words, *slots);
+             FindEachNearest(*slots);
            }},
           {"literal", [words] { Keep(SearchEveryRow(*words)); }}};
 }
@@ -171,9 +211,13 @@ std::vector<Job> AllJobs() {
   return {{"transform", Transform, kFramesTogether},
           {"endpoint detection", EndpointDetection},
           {"utterance", WholeUtterance},
-          {"preparation", Preparation},
+          {"preparation", Preparation, kTags},
+          {"preparation, full names", PreparationOfFullNames, kTags},
           {"comparison", Comparison},
-          {"test dialog", TestDialog}};
+          {"comparison, full names", ComparisonOfFullNames, kTags},
+          {"comparison, first names", ComparisonOfFirstNames, kTags},
+          {"test dialog", TestDialog},
+          {"test dialog, full names", TestDialogOfFullNames}};
 }
 
 }  // namespace benchmarks

@@ -1,13 +1,38 @@
 #include "benchmarks/voicemath_material.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <random>
+
+#include "voicemath/take_template.h"
 
 namespace benchmarks {
 namespace {
 
 constexpr std::size_t kBands = 5;
+
+/// Returns the templates that the names of a file get if they are learned in a room that is not
+/// quite silent. Ends the program if the file is not whole.
+std::vector<twins::Template> Learn(const char* path) {
+  std::vector<twins::Template> names;
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path, "rb"), std::fclose);
+  support::Samples spoken(kThreeSeconds);
+  while (file && names.size() < kTags &&
+         std::fread(spoken.data(), sizeof spoken[0], spoken.size(), file.get()) == spoken.size()) {
+    const auto seed = static_cast<std::uint32_t>(names.size());
+    const std::vector<float> values = voicemath::ComputeLearnedTemplate(
+        support::Mixed(support::Noise(kThreeSeconds, 90, seed), 0, spoken));
+    names.push_back(
+        {.frameCount = static_cast<std::uint16_t>(values.size() / kBands), .values = values});
+  }
+  if (names.size() != kTags) {
+    std::fprintf(stderr, "%s: not %zu names\n", path, kTags);
+    std::exit(1);
+  }
+  return names;
+}
 
 }  // namespace
 
@@ -51,6 +76,16 @@ std::vector<twins::Template> Vocabulary() {
     words.push_back(Word(20 + tag * 29 % 43, tag));
   }
   return words;
+}
+
+const std::vector<twins::Template>& FullNames() {
+  static const std::vector<twins::Template> names = Learn(VOXTREL_FULL_NAMES);
+  return names;
+}
+
+const std::vector<twins::Template>& FirstNames() {
+  static const std::vector<twins::Template> names = Learn(VOXTREL_FIRST_NAMES);
+  return names;
 }
 
 }  // namespace benchmarks

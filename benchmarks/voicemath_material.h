@@ -26,6 +26,10 @@ inline constexpr std::size_t kLoudSample = 10000;  ///< The first of them begins
 /// Words of 20 to 62 frames, one for each of kTags tags.
 [[nodiscard]] std::vector<twins::Template> Vocabulary();
 
+/// The templates of a hundred names as a voice says them, whole or first names only.
+[[nodiscard]] const std::vector<twins::Template>& FullNames();
+[[nodiscard]] const std::vector<twins::Template>& FirstNames();
+
 /// Lets the compiler believe that somebody looks at the value.
 template <typename T>
 void Keep(const T& value) {

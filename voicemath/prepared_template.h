@@ -65,24 +65,24 @@ class PreparedTemplate {
   /// Returns the place of frame `frame` of a band's shape. `frame` may be from -kFloatLanes up to
   /// Frames(), and kFloatLanes frames may be read from there.
   [[nodiscard]] const float* Shape(std::size_t band, std::ptrdiff_t frame) const {
-    return m_shape.get() + static_cast<std::ptrdiff_t>(band * m_bandLength + kFloatLanes) + frame;
+    return m_shape + static_cast<std::ptrdiff_t>(band * m_bandLength + kFloatLanes) + frame;
   }
   /// Returns the bands of one frame of the shape.
   [[nodiscard]] const float* ShapeByFrame(std::int32_t frame) const {
-    return m_shapeByFrame.get() + static_cast<std::size_t>(frame) * kBandCount;
+    return m_shapeByFrame + static_cast<std::size_t>(frame) * kBandCount;
   }
   [[nodiscard]] const std::int16_t* Grid(std::int32_t frame) const {
-    return m_grid.get() + static_cast<std::size_t>(frame) * kBandCount;
+    return m_grid + static_cast<std::size_t>(frame) * kBandCount;
   }
   /// `frame` may be from -kHeldFrames on. The last frame is repeated kHeldFrames times, and then
   /// kHeldZeros follow.
   [[nodiscard]] const std::int16_t* HeldGrid(std::int32_t frame) const {
-    return m_heldGrid.get() + static_cast<std::size_t>(frame + kHeldFrames) * kBandCount;
+    return m_heldGrid + static_cast<std::size_t>(frame + kHeldFrames) * kBandCount;
   }
   /// Returns the sum of the squares of the held grid before `frame`, as far as 32 bits hold it. The
   /// sums before the next frames follow.
   [[nodiscard]] const std::uint32_t* HeldSquares(std::int32_t frame) const {
-    return m_heldSquares.get() + (frame + kHeldFrames);
+    return m_heldSquares + (frame + kHeldFrames);
   }
   [[nodiscard]] const GridSums& SumsBefore(std::int32_t frame) const {
     return m_sums[static_cast<std::size_t>(frame)];
@@ -95,18 +95,18 @@ class PreparedTemplate {
   /// Returns the number of whole groups of kGroupFrames frames.
   [[nodiscard]] std::int32_t Groups() const { return m_frames / kGroupFrames; }
   /// Returns one frame for each group. Zeros follow.
-  [[nodiscard]] const std::int16_t* Outline() const { return m_outline.get(); }
+  [[nodiscard]] const std::int16_t* Outline() const { return m_outline; }
   [[nodiscard]] std::uint32_t OutlineSquares() const { return m_outlineSquares; }
   /// Returns the outline of the group that begins at `frame`; those of the groups that follow it
   /// come next. `frame` may be from -kHeldFrames on, and the last frame of a group at most
   /// kHeldFrames - 1 after the template's last one.
   [[nodiscard]] const std::int16_t* SlidOutline(std::int32_t frame) const {
-    return m_slidOutline.get() + SlidPlace(frame) * kBandCount;
+    return m_slidOutline + SlidPlace(frame) * kBandCount;
   }
   /// Returns the sum of the squares of the outlines before that group, as far as 32 bits hold it.
   /// The sums for groups that begin a frame later follow.
   [[nodiscard]] const std::uint32_t* SlidOutlineSquares(std::int32_t frame) const {
-    return m_slidSquares.get() + (frame + kHeldFrames);
+    return m_slidSquares + (frame + kHeldFrames);
   }
   /// Returns how many frames of outlines lie between a group that begins at a multiple of
   /// kGroupFrames and the group that begins a frame later.
@@ -121,6 +121,8 @@ class PreparedTemplate {
     return held % kGroupFrames * m_slidRow + held / kGroupFrames;
   }
   [[nodiscard]] bool Allocate(std::size_t frames);
+  /// Returns how many bytes all arrays need.
+  std::size_t PlaceArrays(std::byte* memory);
   void FillOutline();
   void FillShape(std::span<const float> values);
   [[nodiscard]] bool FillGrid();
@@ -131,17 +133,18 @@ class PreparedTemplate {
   std::size_t m_bandLength = 0;
   bool m_isOnGrid = false;
   bool m_isSteady = true;
-  std::unique_ptr<float[]> m_shape;
-  std::unique_ptr<float[]> m_shapeByFrame;
-  std::unique_ptr<std::int16_t[]> m_grid;
-  std::unique_ptr<std::int16_t[]> m_heldGrid;
-  std::unique_ptr<std::uint32_t[]> m_heldSquares;
-  std::unique_ptr<GridSums[]> m_sums;
   std::size_t m_slidRow = 0;
   std::uint32_t m_outlineSquares = 0;
-  std::unique_ptr<std::int16_t[]> m_outline;
-  std::unique_ptr<std::int16_t[]> m_slidOutline;
-  std::unique_ptr<std::uint32_t[]> m_slidSquares;
+  std::unique_ptr<std::byte[]> m_memory;  ///< Of all arrays.
+  float* m_shape = nullptr;
+  float* m_shapeByFrame = nullptr;
+  std::int16_t* m_grid = nullptr;
+  std::int16_t* m_heldGrid = nullptr;
+  std::uint32_t* m_heldSquares = nullptr;
+  GridSums* m_sums = nullptr;
+  std::int16_t* m_outline = nullptr;
+  std::int16_t* m_slidOutline = nullptr;
+  std::uint32_t* m_slidSquares = nullptr;
 };
 
 }  // namespace voicemath

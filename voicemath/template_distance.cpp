@@ -53,6 +53,9 @@ namespace {
 constexpr auto kStep = static_cast<std::int32_t>(kProductLanes);
 constexpr auto kLanes = static_cast<std::int32_t>(kFloatLanes);
 
+/// The shifts of two names.
+constexpr std::int32_t kFewShifts = 16;
+
 /// After so many frames an exact sum looks whether any lane can still win.
 constexpr std::int32_t kFramesBetweenLooks = kLanes;
 
@@ -85,6 +88,85 @@ VOXTREL_INLINE LaneSums ExactSums(const Pair& pair, std::int32_t shift, float bo
     std::memcpy(seen.data(), &sums, sizeof sums);
   }
   return seen;
+}
+
+/// So many floats side by side, and the same if they lie in an array of floats.
+template <std::size_t kWidth>
+struct LanesOf {
+  using Type [[gnu::vector_size(sizeof(float) * kWidth)]] = float;
+  using InArray
+      [[gnu::vector_size(sizeof(float) * kWidth), gnu::aligned(alignof(float)), gnu::may_alias]] =
+          float;
+};
+
+/// Returns whether one of the numbers is below the bound.
+template <typename Lanes, std::size_t kGroups>
+VOXTREL_INLINE bool AnyIsBelow(const std::array<Lanes, kGroups>& numbers, float bound) {
+  auto below = numbers[0] < bound;
+  for (std::size_t group = 1; group < kGroups; ++group) {
+    below |= numbers[group] < bound;
+  }
+  std::array<std::uint64_t, sizeof(Lanes) / sizeof(std::uint64_t)> parts;
+  std::memcpy(parts.data(), &below, sizeof below);
+  std::uint64_t any = 0;
+  for (const std::uint64_t part : parts) {
+    any |= part;
+  }
+  return any != 0;
+}
+
+/// Returns the least of the float sums of all shifts of a pair that has at most kGroups * kWidth of
+/// them. A sum that is no number does not count.
+///
+/// Each addition waits for the one before it, so one frame of all shifts takes hardly longer than
+/// one frame of one shift. Names have so few shifts that nothing is gained by leaving some out, and
+/// the loop has no branch that a processor could guess wrongly but its end.
+template <std::size_t kWidth, std::size_t kGroups>
+VOXTREL_INLINE float LeastSum(const Pair& pair, float bound) {
+  using Lanes = typename LanesOf<kWidth>::Type;
+  using LanesInArray = typename LanesOf<kWidth>::InArray;
+  const auto& [shorter, longer] = pair;
+  std::array<Lanes, kGroups> sums{};
+  const float* slid = shorter.Shape(0, 0);
+  const std::ptrdiff_t row = shorter.Shape(1, 0) - slid;
+  const float* fixed = longer.ShapeByFrame(0);
+  const std::int32_t end = pair.LowestShift() + longer.Frames();
+  for (std::int32_t place = pair.LowestShift(); place < end;) {
+    const std::int32_t look = std::min(place + kFramesBetweenLooks, end);
+    for (; place < look; ++place, fixed += kBandCount) {
+      std::array<const float*, kGroups> at;
+      for (std::size_t group = 0; group < kGroups; ++group) {
+        at[group] = slid + std::clamp(place + static_cast<std::int32_t>(group * kWidth), -kLanes,
+                                      shorter.Frames());
+      }
+      for (std::size_t band = 0; band < kBandCount; ++band) {
+        for (std::size_t group = 0; group < kGroups; ++group) {
+          const Lanes values = *reinterpret_cast<const LanesInArray*>(
+              at[group] + static_cast<std::ptrdiff_t>(band) * row);
+          const Lanes differences = values - fixed[band];
+          const Lanes squares = differences * differences;
+          sums[group] += squares;
+        }
+      }
+    }
+    if (!AnyIsBelow(sums, bound)) {
+      return bound;
+    }
+  }
+  std::array<float, kGroups * kWidth> seen;
+  std::memcpy(seen.data(), sums.data(), sizeof seen);
+  for (std::int32_t index = 0; index < pair.ShiftCount(); ++index) {
+    const float sum = seen[static_cast<std::size_t>(index)];
+    bound = sum < bound ? sum : bound;
+  }
+  return bound;
+}
+
+VOXTREL_WIDE float LeastSumWide(const Pair& pair, float bound) {
+  return pair.ShiftCount() <= kLanes ? LeastSum<8, 1>(pair, bound) : LeastSum<8, 2>(pair, bound);
+}
+float LeastSumNarrow(const Pair& pair, float bound) {
+  return pair.ShiftCount() <= kLanes ? LeastSum<4, 2>(pair, bound) : LeastSum<4, 4>(pair, bound);
 }
 
 /// Returns the root of the grid distance from which on no shift can win, as derived above.
@@ -196,6 +278,10 @@ float TemplateDistance(const PreparedTemplate& a, const PreparedTemplate& b,
     }
   }
   const std::int32_t shifts = pair.ShiftCount();
+  if (kVectorsFast && shifts <= kFewShifts) {
+    return HasWideVectors() ? LeastSumWide(pair, bound.Distance())
+                            : LeastSumNarrow(pair, bound.Distance());
+  }
   Search search(pair, bound);
   for (std::int32_t index = 0; index < shifts && search.Best() > 0.0F; index += kShiftsAtOnce) {
     const std::int32_t count = std::min(kShiftsAtOnce, shifts - index);

@@ -19,6 +19,14 @@
 #define VOXTREL_VECTOR_CLONES
 #endif
 
+/// Stands before a function for vectors of 32 bytes. Call it only if HasWideVectors says so. It is
+/// for the rare loop that is to be written otherwise for each width.
+#if defined(VOXTREL_TWO_VECTOR_WIDTHS)
+#define VOXTREL_WIDE __attribute__((target("avx2")))
+#else
+#define VOXTREL_WIDE
+#endif
+
 /// Stands before what such a function is made of.
 #define VOXTREL_INLINE [[gnu::always_inline]] inline
 
@@ -38,6 +46,15 @@
 #endif
 
 namespace voicemath {
+
+/// Returns whether the processor has vectors of 32 bytes and the build makes use of them.
+[[nodiscard]] VOXTREL_INLINE bool HasWideVectors() {
+#if defined(VOXTREL_TWO_VECTOR_WIDTHS)
+  return __builtin_cpu_supports("avx2") != 0;
+#else
+  return false;
+#endif
+}
 
 // The next constants depend on the kind of processor and not on the width of its vectors.
 #if defined(__SOFTFP__)

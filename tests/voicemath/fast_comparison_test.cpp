@@ -71,11 +71,13 @@ TEST(FastComparison, EqualsItsTwinForAllFrameCountsUpTo63) {
 }
 
 /// Many shifts at nearly the same distance: which of them is the best is decided beyond the margin.
+/// Few shifts are not screened, and more are.
 TEST(FastComparison, EqualsItsTwinIfShiftsAreNearlyAlike) {
   std::mt19937 random(22);
   for (int round = 0; round < 2000; ++round) {
     const std::size_t frames = 20 + support::Draw(random, 20);
-    Template a{.frameCount = static_cast<std::uint16_t>(frames + 5), .values = {}};
+    const std::size_t more = std::array{5U, 20U}[support::Draw(random, 2)];
+    Template a{.frameCount = static_cast<std::uint16_t>(frames + more), .values = {}};
     Template b{.frameCount = static_cast<std::uint16_t>(frames), .values = {}};
     // Differences of several steps of the grid, of about one, and of much less than one.
     const float spread = std::array{1e-2F, 1e-3F, 3e-4F, 1e-4F}[support::Draw(random, 4)];
@@ -122,7 +124,8 @@ TEST(FastComparison, EqualsItsTwinOnSpokenWords) {
 TEST(FastComparison, EqualsItsTwinIfOneValueIsNearlyAll) {
   std::mt19937 random(29);
   const auto draw = [&random] {
-    const std::size_t frames = 1 + support::Draw(random, 12);
+    const std::size_t frames =
+        1 + support::Draw(random, std::array{12U, 40U}[support::Draw(random, 2)]);
     Template word{.frameCount = static_cast<std::uint16_t>(frames),
                   .values = std::vector<float>(frames * kBandCount)};
     const std::uint32_t peaks = 1 + support::Draw(random, 4);
