@@ -1,22 +1,25 @@
 #!/usr/bin/env bash
 # Measures the speech mathematics and prints one table: times and their ratios to the product's, for
 # the vectors that the processor has and for the narrowest ones, and instructions of one run on this
-# processor and on 32-bit ARM without floating-point unit. Installs what it needs.
+# processor, on 64-bit ARM and on 32-bit ARM without floating-point unit. Installs what it needs.
 #
 #   tools/benchmark.sh
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 programs=build/benchmark/benchmarks
-on_arm=build/arm/benchmarks/voicemath_table
+on_phone=build/arm64/benchmarks/voicemath_table_alone
+on_arm=build/arm/benchmarks/voicemath_table_alone
 
 say() { echo "$*" >&2; }
 
 say 'Installing and building'
-tools/install_packages.sh build test check benchmark >&2
+tools/install_packages.sh build test check phone benchmark >&2
 tools/build.sh benchmark voicemath_table voicemath_table_narrow voicemath_table_alone \
   voicemath_table_alone_narrow instruction_counter
-tools/build.sh arm -DVOXTREL_BENCHMARKS=ON voicemath_table
+for processor in arm64 arm; do
+  tools/build.sh $processor -DVOXTREL_BENCHMARKS=ON voicemath_table_alone
+done
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -26,9 +29,13 @@ with_callgrind() { # PROGRAM JOB WAY TIMES
   valgrind --tool=callgrind --callgrind-out-file=/dev/null "$@" 2>&1 |
     sed -n 's/.*Collected : \([0-9]*\).*/\1/p'
 }
-with_plugin() { # PROGRAM JOB WAY TIMES
-  qemu-arm -plugin "$programs/libinstruction_counter.so" "$@" 2>&1 | tail -n 1
+with_plugin() { # EMULATOR PROGRAM JOB WAY TIMES
+  local emulator=$1
+  shift
+  "$emulator" -plugin "$programs/libinstruction_counter.so" "$@" 2>&1 | tail -n 1
 }
+on_64_bits() { with_plugin qemu-aarch64 "$@"; }
+on_32_bits() { with_plugin qemu-arm "$@"; }
 
 # Instructions of one run: what many runs have more than one.
 of_one() { # COUNTER TIMES TOGETHER PROGRAM JOB WAY
@@ -40,20 +47,21 @@ of_one() { # COUNTER TIMES TOGETHER PROGRAM JOB WAY
 }
 
 # Counts the instructions of a job. One call makes TOGETHER of it. PRODUCT and LITERAL say how often
-# each way is run. On ARM the literal dialog is left out, since it takes an hour.
+# each way is run. On 32-bit ARM the literal dialog is left out, since it takes an hour.
 count() { # JOB TOGETHER PRODUCT LITERAL
   local job=$1 together=$2 way times literal_on_arm=1
-  [ "$job" != 'test dialog' ] || literal_on_arm=0
+  [[ "$job" != 'test dialog'* ]] || literal_on_arm=0
   say "Counting the instructions of: $job"
   for way in product literal; do
     times=$3
     [ $way = product ] || times=$4
     [ "$times" -gt 0 ] || continue
-    printf '%s;%s;%s;%s;%s\n' "$job" $way \
+    printf '%s;%s;%s;%s;%s;%s\n' "$job" $way \
       "$(of_one with_callgrind "$times" "$together" $programs/voicemath_table_alone "$job" $way)" \
       "$(of_one with_callgrind "$times" "$together" $programs/voicemath_table_alone_narrow "$job" $way)" \
+      "$(of_one on_64_bits "$times" "$together" $on_phone "$job" $way)" \
       "$([ $way = literal ] && [ $literal_on_arm = 0 ] && echo - ||
-        of_one with_plugin 1 1 $on_arm "$job" $way)"
+        of_one on_32_bits 1 "$together" $on_arm "$job" $way)"
   done
 }
 
@@ -64,9 +72,13 @@ $programs/voicemath_table_narrow 2>"$work/messages" >"$work/narrow"
   count transform 8 200 20
   count 'endpoint detection' 1 200 20
   count utterance 1 20 2
-  count preparation 1 200 0
+  count preparation 100 2 0
+  count 'preparation, full names' 100 2 0
   count comparison 1 2000 200
+  count 'comparison, full names' 100 20 2
+  count 'comparison, first names' 100 20 2
   count 'test dialog' 1 10 1
+  count 'test dialog, full names' 1 10 1
 } >"$work/counts"
 
 # The tables have columns of fixed width. The name of a job stands only in its first line.
@@ -76,7 +88,8 @@ awk '
     split($0, part, ";")
     wide_count[part[1], part[2]] = part[3]
     narrow_count[part[1], part[2]] = part[4]
-    arm_count[part[1], part[2]] = part[5]
+    phone_count[part[1], part[2]] = part[5]
+    arm_count[part[1], part[2]] = part[6]
     next
   }
   FNR == 1 { next }
@@ -93,14 +106,14 @@ awk '
   { narrow[job, way] = number[1]; narrow_ratio[job, way] = number[3] }
   function shown(value) { return value == "" ? "-" : value }
   END {
-    print "| job | way | wide, us | x | narrow, us | x | instructions, wide | narrow | ARM |"
-    print "| --- | --- | --- | --- | --- | --- | --- | --- | --- |"
+    print "| job | way | wide, us | x | narrow, us | x | instructions, wide | narrow | ARM, 64-bit | 32-bit |"
+    print "| --- | --- | --- | --- | --- | --- | --- | --- | --- | --- |"
     for (line = 1; line <= lines; ++line) {
       at = order[line]
       split(at, name, SUBSEP)
-      printf "| %s | %s | %s | %s | %s | %s | %s | %s | %s |\n", name[1], name[2], wide[at], \
+      printf "| %s | %s | %s | %s | %s | %s | %s | %s | %s | %s |\n", name[1], name[2], wide[at], \
         wide_ratio[at], narrow[at], narrow_ratio[at], shown(wide_count[at]), \
-        shown(narrow_count[at]), shown(arm_count[at])
+        shown(narrow_count[at]), shown(phone_count[at]), shown(arm_count[at])
     }
   }
 ' "$work/counts" "$work/wide" "$work/narrow"

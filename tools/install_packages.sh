@@ -32,6 +32,10 @@ declare -A groups=(
   [windows]='
     g++-mingw-w64-x86-64-posix wine64
   '
+  # The processor of a phone that runs Linux, emulated.
+  [phone]='
+    g++-aarch64-linux-gnu libc6-dev-arm64-cross qemu-user
+  '
   # To make the Debian package, and to try it on a clean machine.
   [package]='
     appstream bash desktop-file-utils dpkg-dev file fish gzip lintian man-db mmdebstrap python3 zsh
