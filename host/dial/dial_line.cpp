@@ -23,6 +23,8 @@ void RunDial(cli::Session& session, const cli::DialOptions& options) {
     RecognizeFiles(session, options);
   } else if (!options.evaluate.empty()) {
     Evaluate(session, options);
+  } else if (options.hangUp) {
+    HangUp(session, options);
   } else if (!options.to.empty()) {
     CallContact(session, options);
   } else {

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace cli {
+
+/// A contact as `contacts list` shows it.
+struct NamedContact {
+  std::int32_t oid = 0;
+  std::int32_t listNumber = 0;  ///< From 1.
+  std::u16string name;
+};
+
+/// Returns the indexes of the contacts that `wanted` may mean, in UTF-8. It means the one with that
+/// identifier, else the one of that name, else the one with that number in `contacts list`, else
+/// the one of those words in another order, else those with each of those words in their names.
+[[nodiscard]] std::vector<std::size_t> FindContacts(std::span<const NamedContact> contacts,
+                                                    const std::string& wanted);
+
+}  // namespace cli
