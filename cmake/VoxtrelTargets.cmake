@@ -97,6 +97,32 @@ endif()
 option(VOXTREL_JOIN_PROGRAM "Compile the files of each library of the program as one" OFF)
 option(VOXTREL_JOIN_TESTS "Compile the files of each test program as one" OFF)
 
+# What nearly every file includes, compiled once for all of them. Only builds that join files use it: the
+# build `dev` still shows an include that is missing. Only libraries use it: the analyser says nothing
+# about a header that it finds compiled, and reads these with the files of the applet.
+set(VOXTREL_COMMON_HEADERS
+    <algorithm>
+    <array>
+    <chrono>
+    <filesystem>
+    <functional>
+    <map>
+    <memory>
+    <optional>
+    <span>
+    <string>
+    <vector>
+    "${PROJECT_SOURCE_DIR}/platform/platform.h"
+    "${PROJECT_SOURCE_DIR}/language/texts.h")
+set(VOXTREL_PRELUDE OFF)
+if(VOXTREL_JOIN_PROGRAM AND NOT CMAKE_CROSSCOMPILING)
+  set(VOXTREL_PRELUDE ON)
+  file(WRITE "${PROJECT_BINARY_DIR}/prelude.cpp" "")
+  add_library(voxtrel_prelude STATIC "${PROJECT_BINARY_DIR}/prelude.cpp")
+  target_link_libraries(voxtrel_prelude PRIVATE voxtrel_options)
+  target_precompile_headers(voxtrel_prelude PRIVATE ${VOXTREL_COMMON_HEADERS})
+endif()
+
 # voxtrel_join(PROGRAM|TESTS TARGET)
 function(voxtrel_join part name)
   set_target_properties(${name} PROPERTIES UNITY_BUILD "${VOXTREL_JOIN_${part}}"
@@ -113,6 +139,9 @@ function(voxtrel_library name)
   add_library(voxtrel_${name} STATIC ${ARG_SOURCES})
   target_link_libraries(voxtrel_${name} PUBLIC voxtrel_options ${ARG_DEPENDS})
   voxtrel_join(PROGRAM voxtrel_${name})
+  if(VOXTREL_PRELUDE)
+    target_precompile_headers(voxtrel_${name} REUSE_FROM voxtrel_prelude)
+  endif()
 endfunction()
 
 # voxtrel_headers(NAME [DEPENDS ...]): a folder that holds interfaces only.
@@ -159,7 +188,8 @@ add_dependencies(release_tests bits_tests)
 
 # Tests are hardly optimised, since they are compiled more often than they run. They are if the processor
 # is emulated, which makes it slow. For the same reason the sanitizer of undefined behaviour watches the
-# program alone. Tests under a sanitizer have no lines for a debugger: the build `dev` has them.
+# program alone. Builds with a sanitizer have no lines for a debugger, which cost a fifth of the compiling;
+# -DCMAKE_CXX_FLAGS_DEBUG=-g1 gives them to the program.
 function(voxtrel_test_options name)
   if(VOXTREL_SANITIZE)
     set_target_properties(${name} PROPERTIES VOXTREL_IS_TEST ON)
@@ -172,8 +202,16 @@ function(voxtrel_test_options name)
   target_compile_options(${name} PRIVATE $<$<CONFIG:Release>:${level}>)
 endfunction()
 
-# What every test includes, compiled once.
+# What every test includes, compiled once. In a build that joins files also what many tests include.
 function(voxtrel_test_prelude)
+  set(more)
+  if(VOXTREL_JOIN_TESTS AND NOT CMAKE_CROSSCOMPILING)
+    set(more ${VOXTREL_COMMON_HEADERS} <fstream> <set>)
+    foreach(header machine/memory_file_system machine/memory_registry support/registry_access support/results
+                   support/watched_file_system support/watched_registry)
+      list(APPEND more "${PROJECT_SOURCE_DIR}/tests/${header}.h")
+    endforeach()
+  endif()
   file(WRITE "${CMAKE_CURRENT_BINARY_DIR}/test_prelude.cpp" "int main() { return 0; }\n")
   add_executable(voxtrel_test_prelude "${CMAKE_CURRENT_BINARY_DIR}/test_prelude.cpp")
   target_link_libraries(voxtrel_test_prelude PRIVATE voxtrel_options GTest::gmock)
@@ -189,7 +227,8 @@ function(voxtrel_test_prelude)
     <optional>
     <span>
     <string>
-    <vector>)
+    <vector>
+    ${more})
 endfunction()
 
 # voxtrel_test_program(NAME SOURCES ... DEPENDS ...): a test program that is not yet run.
