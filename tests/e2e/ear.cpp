@@ -14,8 +14,8 @@ using std::chrono::steady_clock;
 
 // Longer than any test listens, however busy the machine.
 constexpr std::size_t kTwoMinutes = 2646000;
-constexpr std::chrono::seconds kLimit(60);
-constexpr std::chrono::milliseconds kPollInterval(10);
+constexpr std::chrono::seconds kEarLimit(60);
+constexpr std::chrono::milliseconds kEarPollInterval(10);
 
 }  // namespace
 
@@ -34,10 +34,10 @@ std::span<const std::byte> Ear::Heard() {
 bool Ear::HasHeard(std::span<const std::byte> sound) { return Contains(Heard(), sound); }
 
 bool Ear::Awaits(std::span<const std::byte> sound) {
-  const auto deadline = steady_clock::now() + kLimit;
+  const auto deadline = steady_clock::now() + kEarLimit;
   while (!HasHeard(sound)) {
     if (steady_clock::now() > deadline) return false;
-    std::this_thread::sleep_for(kPollInterval);
+    std::this_thread::sleep_for(kEarPollInterval);
   }
   return true;
 }

@@ -11,8 +11,8 @@ using platform::WaveResult;
 using std::chrono::steady_clock;
 
 // Far above what any device needs for the short sounds of the tests, however busy the machine.
-constexpr std::chrono::seconds kLimit(60);
-constexpr std::chrono::milliseconds kPollInterval(5);
+constexpr std::chrono::seconds kPlayingLimit(60);
+constexpr std::chrono::milliseconds kPlayingPollInterval(5);
 
 }  // namespace
 
@@ -29,10 +29,10 @@ WaveResult StartPlaying(platform::WaveOutDevice& device, Sound& sound) {
 }
 
 WaveResult UnprepareWhilePlaying(platform::WaveOutDevice& device, Sound& sound) {
-  const auto deadline = steady_clock::now() + kLimit;
+  const auto deadline = steady_clock::now() + kPlayingLimit;
   WaveResult result = device.Unprepare(sound.header);
   while (result == WaveResult::kStillPlaying && steady_clock::now() < deadline) {
-    std::this_thread::sleep_for(kPollInterval);
+    std::this_thread::sleep_for(kPlayingPollInterval);
     result = device.Unprepare(sound.header);
   }
   return result;

@@ -16,7 +16,7 @@ namespace {
 using std::chrono::steady_clock;
 
 constexpr std::chrono::seconds kStartLimit(20);
-constexpr std::chrono::milliseconds kPollInterval(5);
+constexpr std::chrono::milliseconds kServerPollInterval(5);
 
 bool HasPipe(const PulseServerOptions& options) {
   return options.input == PulseInput::kPipe || options.input == PulseInput::kPipeBesideMonitor;
@@ -52,7 +52,7 @@ bool AwaitConnection(const std::filesystem::path& socket, const BackgroundProgra
   const auto deadline = steady_clock::now() + kStartLimit;
   while (steady_clock::now() < deadline && !server.HasEnded()) {
     if (CanConnect(socket)) return true;
-    std::this_thread::sleep_for(kPollInterval);
+    std::this_thread::sleep_for(kServerPollInterval);
   }
   return false;
 }

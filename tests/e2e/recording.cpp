@@ -9,8 +9,8 @@ using platform::WaveResult;
 using std::chrono::steady_clock;
 
 // Far above what any device needs for the short recordings of the tests, however busy the machine.
-constexpr std::chrono::seconds kLimit(60);
-constexpr std::chrono::milliseconds kPollInterval(5);
+constexpr std::chrono::seconds kRecordingLimit(60);
+constexpr std::chrono::milliseconds kRecordingPollInterval(5);
 
 }  // namespace
 
@@ -22,20 +22,20 @@ WaveResult StartRecording(platform::WaveInDevice& device, Recording& recording) 
 }
 
 WaveResult UnprepareWhilePlaying(platform::WaveInDevice& device, platform::WaveHeader& header) {
-  const auto deadline = steady_clock::now() + kLimit;
+  const auto deadline = steady_clock::now() + kRecordingLimit;
   WaveResult result = device.Unprepare(header);
   while (result == WaveResult::kStillPlaying && steady_clock::now() < deadline) {
-    std::this_thread::sleep_for(kPollInterval);
+    std::this_thread::sleep_for(kRecordingPollInterval);
     result = device.Unprepare(header);
   }
   return result;
 }
 
 bool AwaitBytes(platform::WaveInDevice& device, platform::WaveHeader& header, std::uint32_t bytes) {
-  const auto deadline = steady_clock::now() + kLimit;
+  const auto deadline = steady_clock::now() + kRecordingLimit;
   while (header.bytesRecorded < bytes && steady_clock::now() < deadline) {
     if (device.Unprepare(header) != WaveResult::kStillPlaying) break;
-    std::this_thread::sleep_for(kPollInterval);
+    std::this_thread::sleep_for(kRecordingPollInterval);
   }
   return header.bytesRecorded >= bytes;
 }

@@ -15,8 +15,8 @@ namespace {
 
 using std::chrono::steady_clock;
 
-constexpr std::chrono::seconds kLimit(30);
-constexpr std::chrono::milliseconds kPollInterval(50);
+constexpr std::chrono::seconds kScreenLimit(30);
+constexpr std::chrono::milliseconds kScreenPollInterval(50);
 
 std::string FirstLine(const std::string& text) { return text.substr(0, text.find('\n')); }
 
@@ -52,7 +52,7 @@ Screen::Screen(SoundSession& session, const std::filesystem::path& numberFile)
 std::unique_ptr<Screen> Screen::Start(SoundSession& session) {
   const auto numberFile = session.Folder() / "display";
   std::unique_ptr<Screen> screen(new Screen(session, numberFile));
-  const auto deadline = steady_clock::now() + kLimit;
+  const auto deadline = steady_clock::now() + kScreenLimit;
   while (steady_clock::now() < deadline && !screen->m_server->HasEnded()) {
     const std::string number = ReadText(numberFile);
     if (number.ends_with('\n')) {
@@ -63,7 +63,7 @@ std::unique_ptr<Screen> Screen::Start(SoundSession& session) {
       }
       return screen;
     }
-    std::this_thread::sleep_for(kPollInterval);
+    std::this_thread::sleep_for(kScreenPollInterval);
   }
   ADD_FAILURE() << "The display does not come up:\n" << ReadText(session.Folder() / "screen.log");
   return nullptr;
@@ -71,7 +71,7 @@ std::unique_ptr<Screen> Screen::Start(SoundSession& session) {
 
 WindowPlace Screen::AwaitWindow(const std::string& title) const {
   WindowPlace place;
-  const auto deadline = steady_clock::now() + kLimit;
+  const auto deadline = steady_clock::now() + kScreenLimit;
   while (steady_clock::now() < deadline) {
     place.id = FindWindow(title);
     if (!place.id.empty()) {
@@ -84,7 +84,7 @@ WindowPlace Screen::AwaitWindow(const std::string& title) const {
       Drive({"windowfocus", "--sync", place.id});
       return place;
     }
-    std::this_thread::sleep_for(kPollInterval);
+    std::this_thread::sleep_for(kScreenPollInterval);
   }
   ADD_FAILURE() << "No window '" << title << "' came.";
   return place;
