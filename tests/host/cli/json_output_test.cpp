@@ -2,6 +2,7 @@
 #include <fstream>
 
 #include "tests/host/cli/tags_fixture.h"
+#include "tests/support/briefly.h"
 
 namespace {
 
@@ -129,6 +130,7 @@ TEST_F(JsonOutput, OfEachCommandIsOneValueWithTheErrorIfItFailed) {
 }
 
 TEST_F(JsonOutput, OfEachCommandIsOneValueAlsoWithoutContacts) {
+  SKIP_IF_BRIEF();
   PutThreeTags();
   fs::remove(Path("all.vcf"));
   ExpectOneValueOfEach(Path("root"), SlowCommands());
@@ -144,6 +146,7 @@ TEST_F(JsonOutput, OfEachCommandIsOneValueAlsoWithADamagedStore) {
 }
 
 TEST_F(JsonOutput, OfEachCommandIsOneValueAlsoIfTheRootIsNoUtf8) {
+  SKIP_IF_BRIEF();
   PutThreeTags();
   const std::string root = Path("bad\xff root");
   fs::rename(Path("root"), root);
