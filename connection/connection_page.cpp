@@ -31,6 +31,7 @@ struct CheckSetting {
   std::u16string_view valueName;
 };
 
+// The bytes are what the dialer reads, and hold half as many units: a longer text is cut there.
 constexpr std::size_t kLineUnits = 31;
 constexpr std::size_t kLineBytes = 32;
 constexpr std::size_t kPortUnits = 199;
@@ -124,6 +125,7 @@ void ConnectionPage::OpenKey() {
 void ConnectionPage::FillLists() {
   platform::DialogWindow& window = GetWindow();
   for (const ListSetting& setting : kListSettings) {
+    // The sheet can show the page a second time.
     window.ResetItems(setting.id);
     for (const std::u16string_view choice : setting.choices) {
       window.AddItem(setting.id, choice);
@@ -137,6 +139,7 @@ void ConnectionPage::FillLists() {
 void ConnectionPage::ShowStored() {
   for (const ListSetting& setting : kListSettings) {
     const std::u16string stored = ReadStored(setting.valueName);
+    // An empty value counts as none.
     ShowText(setting.id, stored.empty() ? setting.defaultText : stored);
   }
   for (const CheckSetting& setting : kCheckSettings) {

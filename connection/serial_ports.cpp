@@ -88,6 +88,7 @@ std::u16string DescribeDevice(const ActivePort& port) {
 PortOrder ComparePorts(std::u16string_view a, std::u16string_view b) {
   const char16_t firstOfA = a.empty() ? u'\0' : a.front();
   const char16_t firstOfB = b.empty() ? u'\0' : b.front();
+  // Names of ports all begin with "C". Other names come before or after all of them.
   if (firstOfA != firstOfB) {
     return ToOrder(firstOfA > firstOfB);
   }

@@ -38,6 +38,7 @@ Command ReadCommand(std::string_view text, const std::string& url) {
 }
 
 bool OpenByVariable(const Environment& environment, const std::string& url, milliseconds patience) {
+  // $BROWSER is a list of commands, of which the first that works is the one.
   std::string_view commands = environment.browsers;
   while (!commands.empty()) {
     const std::size_t end = std::min(commands.find(':'), commands.size());
@@ -65,6 +66,7 @@ bool OpenByName(const Environment& environment, const std::string& url, millisec
 }  // namespace
 
 bool OpenInBrowser(const Environment& environment, const std::string& url, milliseconds patience) {
+  // From what the user has chosen to what there happens to be.
   return OpenByDefault(environment, url, patience) ||
          StartDetached(environment, {"xdg-open", url}, patience) ||
          OpenByVariable(environment, url, patience) || OpenByName(environment, url, patience);

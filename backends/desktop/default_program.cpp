@@ -59,6 +59,7 @@ std::optional<Command> FindDefault(const char* scheme, const char* type, const s
   // On this system what GIO finds is a desktop file.
   auto* const entry = reinterpret_cast<GDesktopAppInfo*>(program.get());
   const char* const exec = g_app_info_get_commandline(program.get());
+  // A program for a terminal would need one, which a window does not have.
   if (exec == nullptr ||
       g_desktop_app_info_get_boolean(entry, G_KEY_FILE_DESKTOP_KEY_TERMINAL) != FALSE) {
     return std::nullopt;

@@ -81,6 +81,7 @@ HelpPage HelpFolders::Find(std::string_view address) const {
       return {path, anchor};
     }
   }
+  // A page that is not installed keeps its name, so that the message can name it.
   return {folders.empty() ? "/" + name : folders.front() + "/" + name, anchor};
 }
 
@@ -116,6 +117,7 @@ void DesktopShell::Open(std::string url, std::string shownName) {
   auto body = [this, url = std::move(url), shownName = std::move(shownName)] {
     OpenNow(url, shownName);
   };
+  // A browser may take seconds to start, or to fail. The page that asked for it does not wait.
   if (auto thread = m_threads.Start(body, platform::ThreadStart::kRunning)) {
     m_running.push_back(std::move(*thread));
   } else {

@@ -57,6 +57,7 @@ ObjectList ListEnabledBooks(ESourceRegistry& registry) {
     return g_strcmp0(e_source_get_uid(static_cast<ESource*>(const_cast<void*>(a))),
                      e_source_get_uid(static_cast<ESource*>(const_cast<void*>(b))));
   };
+  // In the same order each time, which the library does not promise.
   return ObjectList(g_list_sort(sources.release(), byUid));
 }
 
@@ -76,6 +77,7 @@ platform::Result<DesktopBook, std::string> ReadBook(ESource& source, GCancellabl
     return Failure(error.TakeText());
   }
   const std::unique_ptr<EBookQuery, decltype(&e_book_query_unref)> all(
+      // The query for every contact: each field contains an empty text.
       e_book_query_any_field_contains(""), &e_book_query_unref);
   const Text query(e_book_query_to_string(all.get()), &g_free);
   GSList* found = nullptr;
@@ -153,6 +155,7 @@ class Reading {
     const ObjectList sources = ListEnabledBooks(*registry);
     std::vector<DesktopBook> books;
     for (const GList* node = sources.get(); node != nullptr; node = node->next) {
+      // Nobody waits any more.
       if (g_cancellable_is_cancelled(cancellable) != FALSE) {
         return Failure(BooksError{});
       }

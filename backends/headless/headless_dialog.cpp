@@ -21,6 +21,7 @@ HeadlessDialog::HeadlessDialog(const resources::DialogTemplate& dialog,
     : m_template(dialog), m_handler(handler) {
   for (const resources::ControlTemplate& control : dialog.controls) {
     if (control.id != resources::kNoControlId) {
+      // A control without a number cannot be asked for, so nobody misses it here.
       const auto made = m_controls.emplace(
           control.id, Control{control, std::u16string(control.text), control.isEnabled});
       if (framework::ItemList::IsFor(control.kind)) {
@@ -32,6 +33,7 @@ HeadlessDialog::HeadlessDialog(const resources::DialogTemplate& dialog,
     // Without an event nobody can wait for the end, and the user closes the dialog.
     m_ended = threads->CreateManualResetEvent().value_or(nullptr);
   }
+  // Last: the handler may ask about any control from now on.
   m_handler.Attach(*this);
 }
 
@@ -56,6 +58,7 @@ void HeadlessDialog::Choose(int id, int index) {
       !control->items->HasItem(index)) {
     return;
   }
+  // The box first, as in a window: the page asks it what is selected.
   SetSelection(id, index);
   m_handler.OnCommand(id, platform::CommandEvent::kSelectionChange);
   DeliverPosted();
@@ -249,6 +252,7 @@ bool HeadlessDialog::IsChecked(int id) const {
 
 void HeadlessDialog::CreateProgressBar(int id, const platform::ProgressBar& bar) {
   const std::lock_guard lock(m_mutex);
+  // A bar is made at run time and so is no control of the template.
   m_bars[id] = {bar, bar.minimum};
 }
 
@@ -286,6 +290,7 @@ void HeadlessDialog::EndDialog(int result) {
       m_result = result;  // The first end counts.
     }
   }
+  // Without the lock: who is woken asks for the result at once.
   if (m_ended) {
     m_ended->Set();
   }

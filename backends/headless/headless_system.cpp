@@ -4,6 +4,7 @@ namespace headless {
 
 void HeadlessProcess::End(int exitCode) {
   const std::lock_guard lock(m_mutex);
+  // The first end counts. In a real process nothing would come after it.
   if (!m_exitCode) {
     m_exitCode = exitCode;
   }

@@ -30,6 +30,7 @@ HeadlessDialog* HeadlessSheet::ShowPage(std::size_t page) {
   if (!shown) {
     shown =
         std::make_unique<HeadlessDialog>(m_pages[page].dialog, m_pages[page].handler, m_threads);
+    // A page is set up when it is first shown, as in a window.
     m_pages[page].handler.OnInitDialog();
     shown->DeliverPosted();
   }
@@ -120,6 +121,8 @@ int HeadlessUi::RunDialog(const resources::DialogTemplate& dialog,
   HeadlessDialog window(dialog, handler, m_threads);
   handler.OnInitDialog();
   window.DeliverPosted();
+  // The story does what a user would do. A dialog without one is waited for: it ends by itself, by
+  // its threads.
   const auto story = m_dialogStories.find(dialog.id);
   if (story != m_dialogStories.end() && !window.GetResult()) {
     story->second(window);

@@ -5,8 +5,10 @@ namespace headless {
 using Kind = PaintedStroke::Kind;
 
 namespace {
+/// There are no letters here, so each has the same width. What matters is that a longer text is
+/// wider, and that it is as wide each time.
 constexpr int kUnitWidth = 6;
-}
+}  // namespace
 
 int MeasureText(std::u16string_view text) { return kUnitWidth * static_cast<int>(text.size()); }
 

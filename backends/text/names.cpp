@@ -11,6 +11,7 @@ namespace {
 using namespace std::literals;
 
 bool IsPlainName(std::u16string_view part) {
+  // On the host a "/" separates folders and a NUL ends a path, so such a part would lead elsewhere.
   return !part.empty() && part != u"." && part != u".." &&
          part.find_first_of(u"/\0"sv) == std::u16string_view::npos;
 }
@@ -20,6 +21,7 @@ bool IsPlainName(std::u16string_view part) {
 bool SameName(std::u16string_view a, std::u16string_view b) {
   std::size_t atA = 0;
   std::size_t atB = 0;
+  // Character by character, since folding keeps their number here and a copy of both is not needed.
   while (atA < a.size() && atB < b.size()) {
     if (FoldCharacter(NextCharacter(a, atA)) != FoldCharacter(NextCharacter(b, atB))) {
       return false;

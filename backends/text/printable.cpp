@@ -25,6 +25,7 @@ bool IsCommand(char16_t unit) {
 std::string Printable(std::string_view utf8) {
   std::u16string printable;
   for (const char16_t unit : FromUtf8(utf8)) {
+    // Such a mark has no width, so it goes without a blank in its place.
     if (IsMarkOfDirection(unit)) {
       continue;
     }

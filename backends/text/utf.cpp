@@ -28,6 +28,8 @@ Sequence Decode(std::string_view bytes) {
     return {1, lead};
   }
   const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
+  // 0x80 to 0xBF only continue a sequence. 0xC0 and 0xC1 would begin longer forms of ASCII, and
+  // what begins above 0xF4 is beyond Unicode.
   if (lead < 0xC2 || lead > 0xF4 || bytes.size() < length) {
     return {};
   }
@@ -40,6 +42,8 @@ Sequence Decode(std::string_view bytes) {
     character = (character << 6) | (next & 0x3FU);
   }
   constexpr char32_t kSmallest[] = {0, 0, 0x80, 0x800, 0x10000};
+  // A longer form than is needed is no well-formed one: the same character would have two
+  // spellings.
   if (character < kSmallest[length] || character > 0x10FFFF || IsSurrogate(character)) {
     return {};
   }
@@ -76,6 +80,7 @@ std::u16string Convert(std::string_view utf8, StrayByte strayByte) {
     const Sequence sequence = Decode(utf8);
     if (sequence.length == 0) {
       AppendCharacter(text, strayByte(ByteAt(utf8, 0)));
+      // One byte only. The next one may begin a sequence.
       utf8.remove_prefix(1);
     } else {
       AppendCharacter(text, sequence.character);

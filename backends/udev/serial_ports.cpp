@@ -28,6 +28,7 @@ auto NodeOrder(const platform::SerialDevice& device) {
   const std::size_t lastOther = node.find_last_not_of(u"0123456789");
   const std::size_t digits = lastOther == std::u16string_view::npos ? 0 : lastOther + 1;
   const std::u16string_view name = node.substr(0, digits);
+  // Built-in ports come first, then those that are plugged in. What is none of these comes last.
   const auto kind = std::ranges::find(kKinds, name) - kKinds.begin();
   return std::tuple(kind, name, node.size(), node);
 }
@@ -38,6 +39,8 @@ std::u16string PartOf(const platform::SerialDevice& device) {
 
 std::u16string IdentityOf(const platform::SerialDevice& device) {
   const std::u16string part = PartOf(device);
+  // From the surest to the weakest: a serial number stays whatever socket the device is in, and the
+  // socket stays when the kernel counts otherwise.
   if (!device.serial.empty()) {
     return u"serial " + device.serial + part;
   }
@@ -62,6 +65,7 @@ std::optional<int> NumberOf(const std::u16string& identity, const PortNumbers& n
 }
 
 std::u16string Counted(const std::u16string& identity, int count) {
+  // Devices that nothing tells apart are counted, in the order of their nodes.
   return count > 1 ? identity + u" #" + text::FromUtf8(std::to_string(count)) : identity;
 }
 
@@ -81,6 +85,7 @@ std::optional<int> FindFree(const PortNumbers& numbers, const std::set<std::u16s
       return number;
     }
   }
+  // All numbers are taken. One of a device that is not there now is taken from it.
   for (const auto& [number, identity] : numbers) {
     if (number >= kLowestPort && number <= kHighestPort && !present.contains(identity)) {
       return number;
@@ -107,6 +112,8 @@ std::vector<std::u16string> IdentitiesOf(const std::vector<platform::SerialDevic
   for (const platform::SerialDevice& device : devices) {
     const std::u16string plain = IdentityOf(device);
     const std::u16string withSocket = IdentityWithSocket(device);
+    // A device that was once known by its socket stays so, also when the other one of its serial
+    // number has gone.
     const bool isKnownBySocket = NumberOf(withSocket, numbers).has_value();
     const bool usesSocket = !withSocket.empty() && (sharers[plain] > 1 || isKnownBySocket);
     if (usesSocket && !isKnownBySocket) {
@@ -202,6 +209,8 @@ Result<void, RegistryError> WritePorts(platform::Registry& registry,
   }
   const std::vector<std::u16string> identities = IdentitiesOf(ports, *numbers);
   const auto assigned = AssignNumbers(identities, *numbers);
+  // The list of active ports is made new each time. What each number belongs to is kept in another
+  // key.
   const auto deleted = registry.DeleteKey(platform::kActiveDriversKey);
   if (!deleted && deleted.error() != RegistryError::kNotFound) {
     return deleted;

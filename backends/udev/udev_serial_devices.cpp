@@ -129,6 +129,8 @@ Search StartSearch(const Library& library) {
 
 platform::Result<std::vector<platform::SerialDevice>, platform::SerialDevicesError>
 UdevSerialDevices::List() {
+  // The functions of the library take null where something was not there, so only the search is
+  // checked.
   const Library library(::udev_new());
   const Search search = StartSearch(library);
   if (!search) {

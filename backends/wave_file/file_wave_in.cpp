@@ -102,6 +102,7 @@ class FileDevice final : public platform::WaveInDevice {
         static_cast<std::size_t>(std::min<std::uint64_t>(m_left, header.bufferLength)));
     const auto count = m_file->Seek(m_offset).and_then([&] { return m_file->Read(sound); });
     if (!count) return platform::Failure(count.error());
+    // A file that is shorter than the recording goes on in silence, as a microphone would.
     std::ranges::fill(memory.subspan(*count), std::byte{0});
     // Counted by what was asked for, so a file that has become shorter stays silent from there on.
     m_offset += sound.size();

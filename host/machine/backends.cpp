@@ -35,6 +35,7 @@ std::optional<std::filesystem::path> FindRoot(const Options& options) {
   }
   std::error_code error;
   std::filesystem::path root = std::filesystem::absolute(options.root, error);
+  // Made absolute once, so that a later change of the current folder moves no tags.
   return error ? std::nullopt : std::optional(std::move(root));
 }
 
@@ -165,6 +166,8 @@ platform::Registry& Backends::GetRegistry() {
 vcard::AddressBooks& Backends::GetContacts(platform::Threads& threads) {
   if (!m_contacts) {
     vcard::AddressBooks::Options options;
+    // The desktop's address books can keep a caller waiting for seconds, so they are read on a
+    // thread of their own.
     m_waitedDesktop = std::make_unique<vcard::BackgroundSource>(m_desktop, threads);
     options.desktop = m_waitedDesktop.get();
     if (!m_options.contacts.empty()) {

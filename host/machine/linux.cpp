@@ -50,6 +50,7 @@ std::optional<fs::path> FindDefaultRoot() {
 std::u16string FindDefaultContacts(platform::FileSystem& /*files*/) { return u"\\contacts.vcf"; }
 
 void MakeRootFor(const fs::path& root, std::vector<std::u16string> paths) {
+  // The database and the files that SQLite makes next to it.
   for (const std::u16string_view suffix : {u"", u"-wal", u"-shm", u"-journal"}) {
     paths.push_back(u"\\" + text::FromHostName(sqlite::kDatabaseName) + std::u16string(suffix));
   }
