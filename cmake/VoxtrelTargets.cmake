@@ -99,7 +99,8 @@ option(VOXTREL_JOIN_TESTS "Compile the files of each test program as one" OFF)
 
 # What nearly every file includes, compiled once for all of them. Only builds that join files use it: the
 # build `dev` still shows an include that is missing. Only libraries use it: the analyser says nothing
-# about a header that it finds compiled, and reads these with the files of the applet.
+# about a header that it finds compiled, and reads these with the files of the applet. What is optimised
+# otherwise than the rest opts out (DISABLE_PRECOMPILE_HEADERS of a library, SKIP_PRECOMPILE_HEADERS of a file).
 set(VOXTREL_COMMON_HEADERS
     <algorithm>
     <array>
