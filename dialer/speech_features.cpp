@@ -254,7 +254,9 @@ SpeechFeatures SpeechFeatures::Swapped() const {
   SpeechFeatures swapped = *this;
   for (std::size_t feature = 0; feature < kCount; ++feature) {
     const auto values = swapped.At(feature);
-    std::ranges::rotate(values, values.begin() + static_cast<std::ptrdiff_t>(m_frames / 2));
+    // Not that of std::ranges, whose result clang++ 14 cannot compile with this library.
+    std::rotate(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(m_frames / 2),
+                values.end());
   }
   return swapped;
 }

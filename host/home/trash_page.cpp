@@ -20,7 +20,7 @@
 namespace home {
 namespace {
 
-constexpr int kCardLines = 3;
+constexpr int kTrashCardLines = 3;
 constexpr int kFileRole = Qt::UserRole + 2;  ///< The name of the file in the trash.
 
 }  // namespace
@@ -39,7 +39,7 @@ TrashPage::TrashPage(Work& work, Frame& frame)
   advice->setWordWrap(true);
   m_list->setObjectName(QStringLiteral("deletedTags"));
   m_list->setAccessibleName(Say(resources::kTrashTitle));
-  m_list->setItemDelegate(new CardDelegate(kCardLines, m_list));
+  m_list->setItemDelegate(new CardDelegate(kTrashCardLines, m_list));
   m_list->setUniformItemSizes(true);
   m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   m_list->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);

@@ -10,13 +10,11 @@
 
 namespace home {
 
-using Problem = vcard::AddressBooks::Problem;
-
 // A newcomer's log-on succeeds without any address book. That proves nothing about anybody.
 KnownPeople::KnownPeople(session::Session& session) : m_session(session) {
   vcard::AddressBooks& contacts = session.GetContacts();
   m_areRead = tags::OpenContacts(contacts, session.GetClock()).has_value() &&
-              contacts.GetProblem() != Problem::kNothingChosen;
+              contacts.GetProblem() != vcard::AddressBooks::Problem::kNothingChosen;
 }
 
 KnownPeople::~KnownPeople() { m_session.GetContacts().Logoff(); }
