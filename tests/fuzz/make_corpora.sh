@@ -206,3 +206,28 @@ entry() { # TAG
 { member tags/12/recording.wav RIFF; } >$backup/no_entry
 printf '\0about.txt' >$backup/torn_file
 printf '\0' >$backup/empty_file
+
+number=corpora/fuzz_number
+modem=corpora/fuzz_modem
+mkdir -p $number $modem
+find $number $modem -type f ! -name 'found_*' -delete
+stored() { # TEXT: as a contact has it
+  printf '%s' "$1" | iconv -f utf-8 -t utf-16le
+}
+stored '+1 (202) 555-0101' >$number/whole_number
+stored '555.0101;ext=4-2' >$number/extension
+stored '*21*5550101#' >$number/stars_and_hashes
+stored '5550101p42,,W#7' >$number/pauses
+stored '1-800-FLOWERS' >$number/letters
+stored '٣٤٥' >$number/digits_of_another_script
+stored '5550101;phone-context=+1;ext=2' >$number/other_parameters
+{ stored '5550101' && printf '\r\0A\0T\0H\0\r\0'; } >$number/command_for_a_modem
+
+printf '\100\001ATD+12025550101;\r\r\nOK\r\n' >$modem/echo_and_ok
+printf '\003\062\r\nBUSY\r\n' >$modem/pieces
+printf '\100\001\r\nRING\r\n\r\nNO CARRIER\r\n' >$modem/news
+printf '\100\0010\r' >$modem/a_number
+printf '\100\001CONNECT 9600' >$modem/line_without_an_end
+printf '\100\001\370\200\036O\376K\r\214' >$modem/noise
+printf '\300\001ATD' >$modem/vanishes
+printf '\100\001+CME ERROR: 30\r\n' >$modem/error
