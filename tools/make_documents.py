@@ -65,7 +65,7 @@ def entries(lines):
 
 def to_option(left, about):
     environment = re.search(r"\(Env:(\w+)\)", left)
-    left = re.sub(r"\(Env:\w+\)|Excludes: \S+|REQUIRED|\.\.\.", "", left).split()
+    left = re.sub(r"\(Env:\w+\)|(?:Excludes|Needs):(?: -\S+)+|REQUIRED|\.\.\.", "", left).split()
     return Option(left[0].split(","), left[1] if len(left) > 1 else "", about,
                   environment.group(1) if environment else "")
 

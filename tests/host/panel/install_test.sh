@@ -16,7 +16,7 @@ mkdir "$scratch/home"
 mv "$scratch/first" "$scratch/home/.local"
 cd "$scratch/home/.local"
 
-for file in bin/voxtrel bin/voxtrel-connection bin/voxtrel-home bin/voxtrel-panel lib/voxtrel/voxtrel.cpl \
+for file in bin/voxtrel bin/voxtrel-connection bin/voxtrel-dial bin/voxtrel-home bin/voxtrel-panel lib/voxtrel/voxtrel.cpl \
   share/voxtrel/help/ZedraVoxtrelPE_help.htm share/voxtrel/languages/Voxtrel.lng share/voxtrel/samples/contacts.vcf \
   share/icons/hicolor/scalable/apps/voxtrel.svg; do
   [ -s $file ] || fail "$file is missing"
