@@ -176,10 +176,10 @@ class Comparison {
   }
 
   /// Returns how much speaks for what is `distance` away: 1 for the nearest one, and ever less for
-  /// those further away.
+  /// those further away. Of templates it is less, as they are often mistaken.
   [[nodiscard]] float Weight(float distance) const {
     const float ratio = Nearest() / std::max(distance, Nearest());
-    return ratio * ratio * ratio * ratio;
+    return m_steps == Steps::kBoth ? ratio * ratio * ratio * ratio : ratio;
   }
 
   const std::span<const KnownTag> m_tags;

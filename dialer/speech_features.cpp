@@ -33,11 +33,13 @@ struct Tables {
       const double angle = 2 * std::numbers::pi * static_cast<double>(i) / (kWindow - 1);
       hamming[i] = static_cast<float>(0.54 - 0.46 * std::cos(angle));
     }
-    // The higher cepstra are smaller. The lifter makes all of them count (Juang 1987).
+    // The higher cepstra are smaller. The lifter makes all of them count (Juang 1987). It is 1 at
+    // its height.
     constexpr double kLifter = 22;
     for (std::size_t c = 0; c < SpeechFeatures::kCepstra; ++c) {
       const auto order = static_cast<double>(c + 1);
-      const double lifter = 1 + kLifter / 2 * std::sin(std::numbers::pi * order / kLifter);
+      const double lifter =
+          (1 + kLifter / 2 * std::sin(std::numbers::pi * order / kLifter)) / (1 + kLifter / 2);
       for (std::size_t band = 0; band < kBands; ++band) {
         const double angle = std::numbers::pi * order * (static_cast<double>(band) + 0.5) / kBands;
         cosines[c][band] = static_cast<float>(lifter * std::sqrt(2.0 / kBands) * std::cos(angle));

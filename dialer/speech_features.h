@@ -50,8 +50,8 @@ class SpeechFeatures {
 ///
 /// Both are laid over each other so that they fit best, as nobody says a name twice at the same
 /// speed: dynamic time warping with the symmetric steps of Sakoe and Chiba (1978), without a bound
-/// on the slope, divided by the sum of the lengths. A pair of times costs the sum of the squares of
-/// all differences.
+/// on the slope, divided by the sum of the lengths. A pair of times costs the mean of the squares
+/// of all differences.
 [[nodiscard]] float WarpingDistance(const SpeechFeatures& a, const SpeechFeatures& b);
 
 }  // namespace dialer

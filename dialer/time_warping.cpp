@@ -44,7 +44,8 @@ float WarpingDistance(const SpeechFeatures& a, const SpeechFeatures& b) {
     }
     row.swap(before);
   }
-  return before[length] / static_cast<float>(a.Frames() + length);
+  constexpr auto kFeatures = static_cast<float>(SpeechFeatures::kCount);
+  return before[length] / static_cast<float>(a.Frames() + length) / kFeatures;
 }
 
 }  // namespace dialer
