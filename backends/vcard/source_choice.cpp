@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "backends/text/host_path.h"
 #include "backends/text/registry_text.h"
 #include "backends/text/utf.h"
 
@@ -28,10 +29,10 @@ SourceChoice ParseChoice(std::u16string_view text) {
     return {std::u16string(text)};
   }
   // Links are kept as they are: what one leads to may change with each synchronisation.
-  const std::filesystem::path written(text::ToHostName(text));
+  const std::filesystem::path written = text::ToHostPath(text::ToHostName(text));
   std::error_code error;
   const std::filesystem::path absolute = std::filesystem::absolute(written, error);
-  return {text::FromHostName((error ? written : absolute.lexically_normal()).generic_string())};
+  return {text::ToFileName(error ? written : absolute.lexically_normal())};
 }
 
 Result<std::optional<SourceChoice>, RegistryError> RecallChoice(platform::Registry& registry,

@@ -8,6 +8,7 @@
 #include <array>
 #include <charconv>
 #include <cstddef>
+#include <cstring>
 #include <memory>
 #include <new>
 #include <string_view>
@@ -148,9 +149,13 @@ Digest ComputeDigest(std::string_view text) {
   // The system changes nothing of what it hashes, and its declaration does not say so.
   auto* const bytes = reinterpret_cast<UCHAR*>(const_cast<char*>(text.data()));
   Require(::BCryptHashData(hash, bytes, static_cast<ULONG>(text.size()), 0));
+  // The system gives all of it or nothing. Only the beginning is kept.
+  constexpr std::size_t kWholeBytes = 32;
+  std::array<UCHAR, kWholeBytes> whole{};
+  Require(::BCryptFinishHash(hash, whole.data(), static_cast<ULONG>(whole.size()), 0));
   Digest digest{};
-  Require(::BCryptFinishHash(hash, reinterpret_cast<UCHAR*>(digest.data()),
-                             static_cast<ULONG>(digest.size()), 0));
+  static_assert(sizeof(digest) <= kWholeBytes);
+  std::memcpy(digest.data(), whole.data(), sizeof(digest));
   return digest;
 }
 

@@ -83,7 +83,7 @@ Result<std::unique_ptr<platform::File>, FileError> OpenAt(const std::u16string& 
   if (there && there->isLink && !followsLinks && mode.creation != FileCreation::kCreateNew) {
     return Failure(FileError::kLink);
   }
-  if (there && there->isProtected && empties) {
+  if (there && there->isProtected && (empties || MayWrite(mode))) {
     return Failure(FileError::kAccessDenied);
   }
   const DWORD access = AccessOf(mode) | (empties ? GENERIC_WRITE : 0U);

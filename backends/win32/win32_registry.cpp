@@ -117,7 +117,8 @@ RegistryPlace RegistryPlace::OfRoot(std::u16string_view root) {
 }
 
 std::u16string RegistryPlace::GetName() const {
-  return Join(hive == HKEY_LOCAL_MACHINE ? kOfMachine : kOfUser, path);
+  const std::u16string name(hive == HKEY_LOCAL_MACHINE ? kOfMachine : kOfUser);
+  return path.empty() ? name : Join(name, path);
 }
 
 /// One key that somebody has open.
@@ -129,6 +130,9 @@ class Win32Registry::Key final : public platform::RegistryKey {
     return Read([&]() -> Listed {
       if (!m_state->key.IsOpen()) {
         return std::nullopt;
+      }
+      if (m_registry.GetReach(m_state->path) != Reach::kOwn) {
+        return m_registry.ListWay(*m_state, index);
       }
       if (m_registry.IsOrdered(m_state->path)) {
         return m_registry.ListInOrder(*m_state, index);
@@ -147,7 +151,9 @@ class Win32Registry::Key final : public platform::RegistryKey {
 
   [[nodiscard]] Listed EnumerateValue(std::uint32_t index) override {
     return Read([&]() -> Listed {
-      return m_state->key.IsOpen() ? ListValue(m_state->key.Get(), index) : std::nullopt;
+      return m_state->key.IsOpen() && m_registry.GetReach(m_state->path) == Reach::kOwn
+                 ? ListValue(m_state->key.Get(), index)
+                 : std::nullopt;
     });
   }
 
@@ -167,6 +173,9 @@ class Win32Registry::Key final : public platform::RegistryKey {
       if (!platform::IsValueName(name) || bytes.size() > platform::kMaxValueBytes) {
         return Failure(RegistryError::kInvalid);
       }
+      if (m_registry.GetReach(m_state->path) != Reach::kOwn) {
+        return Failure(RegistryError::kReadOnly);
+      }
       return m_state->isDead ? Failure(RegistryError::kNotFound)
                              : m_registry.Set(*m_state, name, {type, {bytes.begin(), bytes.end()}});
     });
@@ -176,6 +185,9 @@ class Win32Registry::Key final : public platform::RegistryKey {
     return m_registry.Change([&]() -> Done {
       if (!platform::IsValueName(name)) {
         return Failure(RegistryError::kInvalid);
+      }
+      if (m_registry.GetReach(m_state->path) != Reach::kOwn) {
+        return Failure(RegistryError::kReadOnly);
       }
       return m_state->isDead ? Failure(RegistryError::kNotFound)
                              : m_registry.DeleteValue(*m_state, name);
@@ -284,8 +296,10 @@ OpenedKey Win32Registry::OpenKey(std::u16string_view path) {
     if (const auto names = platform::SplitKeyPath(path); !names) {
       return Failure(names.error());
     }
-    // All of a hive, such as HKEY_LOCAL_MACHINE, takes no writes from anybody.
-    const bool writes = !m_options.isReadOnly && !FullPath(path).empty();
+    if (GetReach(path) == Reach::kForeign) {
+      return Failure(RegistryError::kNotFound);
+    }
+    const bool writes = !m_options.isReadOnly && GetReach(path) == Reach::kOwn;
     auto key = Open(path, writes ? kChangeAccess : KEY_READ);
     if (!key && key.error() == RegistryError::kReadOnly) {
       key = Open(path, KEY_READ);
@@ -302,7 +316,11 @@ OpenedKey Win32Registry::CreateKey(std::u16string_view path) {
     if (const auto names = platform::SplitKeyPath(path); !names) {
       return Failure(names.error());
     }
-    auto key = Open(path, kChangeAccess);
+    const Reach reach = GetReach(path);
+    if (reach == Reach::kForeign) {
+      return Failure(RegistryError::kReadOnly);
+    }
+    auto key = Open(path, reach == Reach::kOwn ? kChangeAccess : KEY_READ);
     if (!key && key.error() == RegistryError::kNotFound) {
       key = Make(path);
     }
@@ -313,7 +331,9 @@ OpenedKey Win32Registry::CreateKey(std::u16string_view path) {
 // The system would make all keys of a path in one call, and not say which of them are new.
 Result<SystemKey, RegistryError> Win32Registry::Make(std::u16string_view path) {
   const auto [parentPath, name] = SplitLast(path);
-  auto parent = Open(parentPath, kChangeAccess);
+  // Nobody may write into all of a hive, such as HKEY_LOCAL_MACHINE.
+  const bool isOwn = GetReach(parentPath) == Reach::kOwn;
+  auto parent = Open(parentPath, isOwn ? kChangeAccess : KEY_READ);
   if (!parent && parent.error() == RegistryError::kNotFound && !parentPath.empty()) {
     parent = Make(parentPath);
   }
@@ -337,7 +357,7 @@ Result<SystemKey, RegistryError> Win32Registry::Make(std::u16string_view path) {
 // way can be undone.
 Done Win32Registry::Delete(std::u16string_view path) {
   const auto [parentPath, name] = SplitLast(path);
-  const auto parent = Open(parentPath, kChangeAccess);
+  const auto parent = Open(parentPath, KEY_READ);
   const auto key = Open(path, KEY_READ);
   if (!parent || !key) {
     return Failure(parent ? key.error() : parent.error());
@@ -359,7 +379,7 @@ Done Win32Registry::Delete(std::u16string_view path) {
 void Win32Registry::DeleteForUndo(std::u16string_view path) {
   static_cast<void>(TakeLife(path));
   const auto [parentPath, name] = SplitLast(path);
-  if (const auto parent = Open(parentPath, kChangeAccess)) {
+  if (const auto parent = Open(parentPath, KEY_READ)) {
     static_cast<void>(RemoveTree(parent->Get(), name));
   }
 }
@@ -392,7 +412,10 @@ Result<void, RegistryError> Win32Registry::DeleteKey(std::u16string_view path) {
     if (!names) {
       return Failure(names.error());
     }
-    return names->empty() ? Failure(RegistryError::kInvalid) : Delete(path);
+    if (names->empty()) {
+      return Failure(RegistryError::kInvalid);
+    }
+    return GetReach(path) == Reach::kOwn ? Delete(path) : Failure(RegistryError::kReadOnly);
   });
 }
 
@@ -473,6 +496,36 @@ void Win32Registry::CancelGroup() {
     Undo();
     m_gate.CloseGroup();
   }
+}
+
+Win32Registry::Reach Win32Registry::GetReach(std::u16string_view path) const {
+  Reach reach = m_options.ownKeys.empty() ? Reach::kOwn : Reach::kForeign;
+  for (const std::u16string& own : m_options.ownKeys) {
+    if (IsAtOrBelow(path, own)) {
+      return Reach::kOwn;
+    }
+    if (path.empty() || IsAtOrBelow(own, path)) {
+      reach = Reach::kOnTheWay;
+    }
+  }
+  return reach;
+}
+
+/// Returns the name of the key at `index` among those that lead to a key of the device's.
+Win32Registry::Listed Win32Registry::ListWay(const OpenKeyState& state, std::uint32_t index) const {
+  std::vector<std::u16string> names;
+  for (const std::u16string& own : m_options.ownKeys) {
+    if (!state.path.empty() && !IsAtOrBelow(own, state.path)) {
+      continue;
+    }
+    const std::size_t start = state.path.empty() ? 0 : state.path.size() + 1;
+    std::u16string name = own.substr(start, own.find(u'\\', start) - start);
+    if (std::ranges::find(names, name) == names.end() &&
+        OpenSystemKey(state.key.Get(), name, KEY_READ)) {
+      names.push_back(std::move(name));
+    }
+  }
+  return index < names.size() ? Listed(std::move(names[index])) : std::nullopt;
 }
 
 // The system lists keys by their names. So the names of the keys below an ordered one are kept in a

@@ -43,6 +43,11 @@ struct RegistryOptions {
   /// key are in the order of the system, which is that of their names.
   std::vector<std::u16string> orderedKeys;
 
+  /// The keys that are the device's, with all that is below them; without any, all of the place.
+  /// Every other key belongs to somebody else: it cannot be found, made or deleted. Those on the
+  /// way to one of these show nothing but the way.
+  std::vector<std::u16string> ownKeys = {};
+
   /// How long a call waits for another thread's group before kBusy.
   std::chrono::milliseconds busyLimit{2000};
 
@@ -99,6 +104,10 @@ class Win32Registry final : public platform::Registry {
   void KeepForUndo(HKEY key, std::u16string path, std::u16string_view name);
   void Undo();
   [[nodiscard]] Done Flush() const;
+
+  enum class Reach : std::uint8_t { kOwn, kOnTheWay, kForeign };
+  [[nodiscard]] Reach GetReach(std::u16string_view path) const;
+  [[nodiscard]] Listed ListWay(const OpenKeyState& state, std::uint32_t index) const;
 
   [[nodiscard]] bool IsOrdered(std::u16string_view path) const;
   [[nodiscard]] Done NoteOrder(std::u16string_view parentPath, HKEY parent,

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "backends/text/names.h"
 #include "backends/win32/host_paths.h"
 #include "backends/win32/system_calls.h"
 
@@ -81,6 +82,10 @@ Result<void, FileError> Rename(HANDLE file, const std::u16string& path) {
 
 Result<std::unique_ptr<platform::Replacement>, FileError> Win32Replacement::Open(
     std::u16string path) {
+  // No name holds one of these, and the system would say so only when the file is published.
+  if (text::HasWildcards(std::u16string_view(path).substr(FolderOf(path).size()))) {
+    return Failure(FileError::kNotFound);
+  }
   const auto there = LookAt(path);
   if (there) {
     if (const auto replaceable = CheckReplaceable(*there); !replaceable) {
@@ -92,11 +97,12 @@ Result<std::unique_ptr<platform::Replacement>, FileError> Win32Replacement::Open
   constexpr int kAttempts = 100;
   const std::u16string folder = FolderOf(path) + u'\\';
   for (int i = 0; i < kAttempts; ++i) {
-    Handle file(::CreateFileW(ToWide(folder + RandomName()),
-                              GENERIC_READ | GENERIC_WRITE | DELETE | WRITE_DAC, 0, nullptr,
-                              CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
+    std::u16string temporary = folder + RandomName();
+    Handle file(::CreateFileW(ToWide(temporary), GENERIC_READ | GENERIC_WRITE | DELETE | WRITE_DAC,
+                              0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
     if (file.IsOpen()) {
-      return std::make_unique<Win32Replacement>(std::move(path), std::move(file));
+      return std::make_unique<Win32Replacement>(std::move(path), std::move(temporary),
+                                                std::move(file));
     }
     if (::GetLastError() != ERROR_FILE_EXISTS) {
       return FailureFromSystem();
@@ -105,12 +111,23 @@ Result<std::unique_ptr<platform::Replacement>, FileError> Win32Replacement::Open
   return Failure(FileError::kOther);
 }
 
-Win32Replacement::Win32Replacement(std::u16string path, Handle file)
-    : m_path(std::move(path)), m_file(std::move(file), platform::FileAccess::kReadWrite) {}
+Win32Replacement::Win32Replacement(std::u16string path, std::u16string temporary, Handle file)
+    : m_path(std::move(path)),
+      m_temporary(std::move(temporary)),
+      m_file(std::move(file), platform::FileAccess::kReadWrite) {}
 
 Win32Replacement::~Win32Replacement() {
-  if (!m_hasPlace && m_file.GetHandle() != nullptr) {
-    FILE_DISPOSITION_INFO going{TRUE};
+  if (!m_hasPlace) {
+    Discard();
+  }
+}
+
+// Through its handle as long as there is one: what has the random name by now may be another file.
+void Win32Replacement::Discard() {
+  FILE_DISPOSITION_INFO going{TRUE};
+  if (m_file.GetHandle() == nullptr) {
+    ::DeleteFileW(ToWide(m_temporary));
+  } else {
     ::SetFileInformationByHandle(m_file.GetHandle(), FileDispositionInfo, &going, sizeof(going));
   }
 }
@@ -118,6 +135,9 @@ Win32Replacement::~Win32Replacement() {
 Result<void, FileError> Win32Replacement::Publish(platform::Durability durability) {
   return WithMemory([&]() -> Result<void, FileError> {
     if (m_file.GetHandle() == nullptr) {
+      if (!m_hasPlace) {
+        Discard();
+      }
       return Failure(FileError::kClosed);
     }
     const bool isNow = durability == platform::Durability::kNow;

@@ -16,7 +16,7 @@ class Win32Replacement final : public platform::Replacement {
   [[nodiscard]] static platform::Result<std::unique_ptr<platform::Replacement>, platform::FileError>
   Open(std::u16string path);
 
-  Win32Replacement(std::u16string path, Handle file);
+  Win32Replacement(std::u16string path, std::u16string temporary, Handle file);
   Win32Replacement(const Win32Replacement&) = delete;
   Win32Replacement& operator=(const Win32Replacement&) = delete;
   ~Win32Replacement() override;
@@ -27,8 +27,10 @@ class Win32Replacement final : public platform::Replacement {
 
  private:
   [[nodiscard]] platform::Result<void, platform::FileError> TakePlace();
+  void Discard();
 
   const std::u16string m_path;
+  const std::u16string m_temporary;  ///< Path of the random name.
   Win32File m_file;
   bool m_hasPlace = false;
 };

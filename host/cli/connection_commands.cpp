@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "backends/text/host_path.h"
 #include "backends/text/utf.h"
 #include "connection/connection_page.h"
 #include "connection/serial_ports.h"
@@ -113,7 +114,7 @@ void Show(Session& session) {
   // A root folder that is missing counts as a new one. It is not made, since its name may be
   // mistyped. So the settings of a temporary one are shown.
   machine::Options options = session.GetOptions().machine;
-  options.root = folder->GetPath().string();
+  options.root = text::FromHostPath(folder->GetPath());
   machine::Backends backends(options);
   PublishPorts(backends.GetRegistry());
   PrintValues(session, ReadValues(session, backends.GetRegistry()), backends.GetRegistry());

@@ -11,6 +11,7 @@
 #include <span>
 #include <system_error>
 
+#include "backends/text/host_path.h"
 #include "host/cli/system.h"
 #include "platform/file_system.h"
 
@@ -56,7 +57,7 @@ TemporaryFolder::~TemporaryFolder() {
 
 FileArgument::FileArgument(std::unique_ptr<const TemporaryFolder> folder, const char* name)
     : m_folder(std::move(folder)),
-      m_path((m_folder->GetPath() / "stream").string()),
+      m_path(text::FromHostPath(m_folder->GetPath() / "stream")),
       m_name(name) {}
 
 Result<FileArgument, std::string> FileArgument::MakeStream(const char* name) {
@@ -80,7 +81,7 @@ Result<FileArgument, std::string> FileArgument::ForReading(const std::string& na
   if (!made) {
     return made;
   }
-  std::ofstream copy(made->m_path, std::ios::binary);
+  std::ofstream copy(text::ToHostPath(made->m_path), std::ios::binary);
   const bool isRead = EachPiece(stdin, [&copy](std::span<const char> piece) {
     return copy.write(piece.data(), static_cast<std::streamsize>(piece.size())).good();
   });
@@ -118,15 +119,17 @@ void FileArgument::Send(Session& session) const {
   if (!IsStream()) {
     return;
   }
-  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(m_path.c_str(), "rb"),
-                                                             std::fclose);
+  std::ifstream file(text::ToHostPath(m_path), std::ios::binary);
   // A reader that goes away ends this process. The file has no name any more by then, so no
   // recording of a voice stays on the disk.
   std::error_code ignored;
-  fs::remove(m_path, ignored);
-  const bool isSent = file && EachPiece(file.get(), [](std::span<const char> piece) {
-                        return std::fwrite(piece.data(), 1, piece.size(), stdout) == piece.size();
-                      });
+  fs::remove(text::ToHostPath(m_path), ignored);
+  bool isSent = file.is_open();
+  for (std::array<char, kPieceBytes> piece{}; isSent && !file.eof();) {
+    file.read(piece.data(), static_cast<std::streamsize>(piece.size()));
+    const auto count = static_cast<std::size_t>(file.gcount());
+    isSent = !file.bad() && std::fwrite(piece.data(), 1, count, stdout) == count;
+  }
   // Flushed here, where a failure can still be reported with the file's name.
   if (!isSent || std::fflush(stdout) != 0) {
     session.Fail(fmt::format("{}: it cannot be written", m_name));

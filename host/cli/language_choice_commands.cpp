@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 
+#include "backends/text/host_path.h"
 #include "backends/text/utf.h"
 #include "host/cli/output.h"
 #include "host/machine/places.h"
@@ -26,7 +27,7 @@ constexpr const char* kEnglish = "en";
 
 language::LanguageChoice MakeChoice(Session& session) {
   const auto data = machine::Places(machine::FindOwnFile()).GetDataFolder();
-  return {session.GetFiles(), Session::ToSystemPath((data / "languages").string()),
+  return {session.GetFiles(), Session::ToSystemPath(text::FromHostPath(data / "languages")),
           std::u16string(storage::kLanguageFile)};
 }
 

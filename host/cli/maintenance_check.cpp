@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "backends/text/host_path.h"
 #include "backends/text/utf.h"
 #include "host/cli/output.h"
 #include "host/cli/tag_output.h"
@@ -73,9 +74,9 @@ void PrintFindings(Session& session, const CheckedStore& checkedStore) {
                           checked.reason.empty() ? "" : " not repaired: ", checked.reason));
   }
   if (findings.empty()) {
-    PrintLine(tagCount > 0
-                  ? "Nothing is wrong with the voice tags."
-                  : fmt::format("There are no voice tags in {}.", session.GetRoot().string()));
+    PrintLine(tagCount > 0 ? "Nothing is wrong with the voice tags."
+                           : fmt::format("There are no voice tags in {}.",
+                                         text::FromHostPath(session.GetRoot())));
   }
   PrintAdvice(checkedStore);
 }

@@ -40,7 +40,7 @@ FoundContacts FindContacts(Session& session) {
           session::DescribeContactRemarks(session)};
 }
 
-void Print(const FoundContacts& contacts, std::uint32_t microphones) {
+void Print(const FoundContacts& contacts, std::uint32_t microphones, const std::string& settings) {
   PrintLine(contacts.count > 0 ? fmt::format("Contacts with a telephone number: {}", contacts.count)
                                : fmt::format("Contacts: {}.", contacts.problem));
   for (const std::string& remark : contacts.remarks) {
@@ -50,6 +50,7 @@ void Print(const FoundContacts& contacts, std::uint32_t microphones) {
                 ? fmt::format("Microphones: {}", microphones)
                 : "No microphone: plug one in, or switch it on in the desktop's sound settings; "
                   "--microphone FILE records from a wave file.");
+  PrintLine("Settings: " + settings);
 }
 
 /// The command is asked what is missing. So a missing thing is its answer, and no failure.
@@ -70,16 +71,20 @@ void ShowStatus(Session& session) {
     if (!contacts.remarks.empty()) {
       ofContacts["remarks"] = contacts.remarks;
     }
-    session.SetJson({{"contacts", std::move(ofContacts)}, {"microphones", microphones}});
+    session.SetJson({{"contacts", std::move(ofContacts)},
+                     {"microphones", microphones},
+                     {"settings", session.GetRegistryName()}});
   } else {
-    Print(contacts, microphones);
+    Print(contacts, microphones, session.GetRegistryName());
   }
 }
 
 }  // namespace
 
 void AddStatusCommands(CLI::App& app, Session& session) {
-  app.add_subcommand("status", "Say whether this machine has contacts and a microphone")
+  app.add_subcommand(
+         "status",
+         "Say whether this machine has contacts and a microphone, and where the settings are")
       ->callback([&session] { ShowStatus(session); });
 }
 

@@ -1,3 +1,4 @@
+#include "backends/text/host_path.h"
 #include "host/cli/commands.h"
 
 #include <fmt/format.h>
@@ -48,8 +49,8 @@ void PrintSummary(const CVoiceMathematics& mathematics) {
 bool AreSameName(const std::string& a, const std::string& b) {
   std::error_code failedA;
   std::error_code failedB;
-  const auto canonicalA = std::filesystem::weakly_canonical(a, failedA);
-  const auto canonicalB = std::filesystem::weakly_canonical(b, failedB);
+  const auto canonicalA = std::filesystem::weakly_canonical(text::ToHostPath(a), failedA);
+  const auto canonicalB = std::filesystem::weakly_canonical(text::ToHostPath(b), failedB);
   // Files that are there are compared as files, whatever links lead to them. A file that is not
   // there yet is compared by its name.
   return Session::AreSameFile(a, b) ||

@@ -1,3 +1,4 @@
+#include "backends/text/host_path.h"
 #include "host/cli/commands.h"
 
 #include <CLI/CLI.hpp>
@@ -92,7 +93,7 @@ void RunConnectionWindow(Session& session, bool (*prepare)(Session& session)) {
   if (!prepare(session)) {
     return;
   }
-  if (!RunWindow(machine::kConnectionWindow, {session.GetRoot().string()}, {})) {
+  if (!RunWindow(machine::kConnectionWindow, {text::FromHostPath(session.GetRoot())}, {})) {
     session.Fail("the window could not be shown; see `voxtrel connection show` and `set`");
   } else if (session.GetOptions().json) {
     session.SetJson({{"result", 0}});

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <random>
 
+#include "backends/text/host_path.h"
 #include "backends/win32/win32_process.h"
 #include "backends/win32/windows.h"
 #include "host/cli/program.h"
@@ -68,7 +69,7 @@ std::optional<std::string> MakeTemporaryFolder() {
   for (int i = 0; i < kAttempts && !error; ++i) {
     const fs::path folder = parent / fmt::format("voxtrel-{:08x}", random());
     if (fs::create_directory(folder, error)) {
-      return folder.string();
+      return text::FromHostPath(folder);
     }
   }
   return std::nullopt;
@@ -93,7 +94,7 @@ platform::Result<void, std::string> RunWindow(const machine::Program& program,
   for (const std::string& variable : variables) {
     ::_putenv(variable.c_str());  // There is no second thread.
   }
-  const auto ended = win32::RunInForeground(FindControlPanel(), {library.string()});
+  const auto ended = win32::RunInForeground(FindControlPanel(), {text::FromHostPath(library)});
   if (!ended) {
     return platform::Failure(std::string("the control panel cannot be started"));
   }

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "backends/text/host_path.h"
 #include "backends/text/names.h"
 #include "backends/text/utf.h"
 #include "backends/wave_file/file_sound.h"
@@ -34,8 +35,8 @@ std::optional<std::filesystem::path> FindRoot(const Options& options) {
     return FindDefaultRoot();
   }
   std::error_code error;
-  std::filesystem::path root = std::filesystem::absolute(options.root, error);
   // Made absolute once, so that a later change of the current folder moves no tags.
+  std::filesystem::path root = std::filesystem::absolute(text::ToHostPath(options.root), error);
   return error ? std::nullopt : std::optional(std::move(root));
 }
 
@@ -82,7 +83,7 @@ void Backends::MakeRoot() const {
 
 std::u16string Backends::ToSystemPath(const std::string& name) {
   std::error_code error;
-  const std::filesystem::path path = std::filesystem::absolute(name, error);
+  const std::filesystem::path path = std::filesystem::absolute(text::ToHostPath(name), error);
   if (!error) {
     return ToName(path);
   }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "backends/text/host_path.h"
 #include "backends/text/utf.h"
 #include "backends/win32/host_paths.h"
 #include "backends/win32/library.h"
@@ -54,7 +55,7 @@ void MakeRootFor(const fs::path& root, std::vector<std::u16string> /*paths*/) {
   }
 }
 
-std::u16string ToName(const fs::path& path) { return path.generic_u16string(); }
+std::u16string ToName(const fs::path& path) { return text::ToFileName(path); }
 
 std::string ToHostText(std::u16string_view name) {
   std::u16string path(name);
@@ -76,6 +77,7 @@ std::unique_ptr<platform::Registry> MakeRegistry(const fs::path& root, RegistryU
   win32::RegistryOptions options;
   options.initialKeys.assign(storage::kInstalledKeys.begin(), storage::kInstalledKeys.end());
   options.orderedKeys = {std::u16string(storage::kTagKey)};
+  options.ownKeys = {u"Drivers\\Active", u"Software\\Zedra"};
   options.isReadOnly = use == RegistryUse::kRead;
   using Deciding = win32::RegistryPlace::Deciding;
   auto place = PlaceFor(root, options.isReadOnly ? Deciding::kForNow : Deciding::kForGood);

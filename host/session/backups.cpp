@@ -4,6 +4,7 @@
 #include <map>
 #include <utility>
 
+#include "backends/text/host_path.h"
 #include "backends/text/utf.h"
 #include "backends/vcard/oid_map.h"
 #include "backends/vcard/source_choice.h"
@@ -64,7 +65,7 @@ bool IsBelowRoot(const Session& session, const std::string& path) {
   namespace fs = std::filesystem;
   std::error_code error;
   const fs::path root = fs::weakly_canonical(session.GetRoot(), error);
-  const fs::path file = fs::weakly_canonical(path, error);
+  const fs::path file = fs::weakly_canonical(text::ToHostPath(path), error);
   return std::ranges::mismatch(root, file).in1 == root.end();
 }
 
@@ -328,7 +329,7 @@ std::optional<storage::BackupMade> MakeBackup(Session& session, const NamedFile&
     return std::nullopt;
   }
   if (!session.HasRootFolder()) {
-    session.Fail(Say(resources::kNothingToBackUp, {session.GetRoot().string()}));
+    session.Fail(Say(resources::kNothingToBackUp, {text::FromHostPath(session.GetRoot())}));
     return std::nullopt;
   }
   if (!session.OpenForChanging()) {

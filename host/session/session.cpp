@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "backends/text/host_path.h"
 #include "backends/text/utf.h"
 #include "host/machine/system.h"
 #include "host/session/say.h"
@@ -87,11 +88,11 @@ bool Session::RequireRoot() {
   const std::filesystem::path there = NearestThatExists(m_backends.GetRoot());
   std::error_code error;
   if (!std::filesystem::is_directory(there, error) && !error) {
-    Fail(Say(resources::kRootIsNoFolder, {there.string()}));
+    Fail(Say(resources::kRootIsNoFolder, {text::FromHostPath(there)}));
     return false;
   }
   if (const auto link = machine::FindRegistryLink(GetRoot()); !link.empty()) {
-    Fail(ExplainLink(link.string(), resources::kLinkNotUsed));
+    Fail(ExplainLink(text::FromHostPath(link), resources::kLinkNotUsed));
     return false;
   }
   return true;
@@ -119,13 +120,13 @@ bool Session::OpenForChanging() {
 
 bool Session::AreSameFile(const std::string& a, const std::string& b) {
   std::error_code ignored;
-  return std::filesystem::equivalent(a, b, ignored);
+  return std::filesystem::equivalent(text::ToHostPath(a), text::ToHostPath(b), ignored);
 }
 
 std::string Session::ExplainLink(const std::string& name, std::u16string_view text) {
   std::error_code error;
-  const std::filesystem::path target = std::filesystem::read_symlink(name, error);
-  return error ? std::string() : Say(text, {name, target.string()});
+  const std::filesystem::path target = std::filesystem::read_symlink(text::ToHostPath(name), error);
+  return error ? std::string() : Say(text, {name, text::FromHostPath(target)});
 }
 
 void Session::Fail(std::string_view message) {

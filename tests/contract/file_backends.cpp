@@ -1,22 +1,14 @@
 #include "tests/contract/file_backends.h"
 
 #include <algorithm>
-#include <filesystem>
+#include <iterator>
 #include <stdexcept>
 
-#include "backends/posix/posix_file_system.h"
 #include "tests/machine/memory_file_system.h"
 #include "tests/support/file_bytes.h"
-#include "tests/support/temp_folder.h"
 
 namespace contract {
 namespace {
-
-std::u16string WithBackslashes(std::u16string_view name) {
-  std::u16string path(name);
-  std::ranges::replace(path, u'/', u'\\');
-  return path;
-}
 
 class MemoryBackend final : public FileBackend {
  public:
@@ -37,43 +29,27 @@ class MemoryBackend final : public FileBackend {
   const bool m_isDevice;
 };
 
-class PosixBackend final : public FileBackend {
- public:
-  explicit PosixBackend(bool isDevice) : m_isDevice(isDevice) {}
-
-  platform::FileSystem& Files() override { return m_files; }
-  std::u16string Path(std::u16string_view name) override {
-    return m_isDevice ? u"\\" + WithBackslashes(name) : m_root.Text() + u"/" + std::u16string(name);
-  }
-  void Protect(std::u16string_view name) override {
-    using std::filesystem::perms;
-    std::filesystem::permissions(m_root.Path() / name,
-                                 perms::owner_read | perms::group_read | perms::others_read);
-  }
-
- private:
-  support::TempFolder m_root;
-  posix::PosixFileSystem m_files{m_root.Text()};
-  const bool m_isDevice;
-};
-
 }  // namespace
+
+std::u16string WithBackslashes(std::u16string_view name) {
+  std::u16string path(name);
+  std::ranges::replace(path, u'/', u'\\');
+  return path;
+}
 
 std::ostream& operator<<(std::ostream& stream, const FileBackendKind& kind) {
   return stream << kind.name;
 }
 
 std::vector<FileBackendKind> AllFileBackends() {
-  return {
+  std::vector<FileBackendKind> kinds{
       {"MemoryDevice", true,
        []() -> std::unique_ptr<FileBackend> { return std::make_unique<MemoryBackend>(true); }},
       {"MemoryHost", false,
        []() -> std::unique_ptr<FileBackend> { return std::make_unique<MemoryBackend>(false); }},
-      {"PosixDevice", true,
-       []() -> std::unique_ptr<FileBackend> { return std::make_unique<PosixBackend>(true); }},
-      {"PosixHost", false,
-       []() -> std::unique_ptr<FileBackend> { return std::make_unique<PosixBackend>(false); }},
   };
+  std::ranges::copy(SystemFileBackends(), std::back_inserter(kinds));
+  return kinds;
 }
 
 std::unique_ptr<platform::File> FileContract::MustOpen(std::u16string_view name,

@@ -36,6 +36,12 @@ struct FileBackendKind {
 
 std::ostream& operator<<(std::ostream& stream, const FileBackendKind& kind);
 
+/// Returns a name with backslashes for its slashes.
+[[nodiscard]] std::u16string WithBackslashes(std::u16string_view name);
+
+/// The back ends of this system. Each system has one source file with them.
+[[nodiscard]] std::vector<FileBackendKind> SystemFileBackends();
+
 /// Every back end of the files, with the device's paths and with the host's.
 [[nodiscard]] std::vector<FileBackendKind> AllFileBackends();
 

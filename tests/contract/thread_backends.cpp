@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "backends/posix/posix_threads.h"
 #include "tests/machine/simulation.h"
 
 namespace contract {
@@ -17,16 +16,6 @@ class SimulationBackend final : public ThreadBackend {
   machine::Simulation m_simulation;
 };
 
-class PosixBackend final : public ThreadBackend {
- public:
-  platform::Threads& Threads() override { return m_threads; }
-  platform::Clock& Clock() override { return m_clock; }
-
- private:
-  posix::PosixThreads m_threads;
-  posix::PosixClock m_clock;
-};
-
 }  // namespace
 
 std::ostream& operator<<(std::ostream& stream, const ThreadBackendKind& kind) {
@@ -37,8 +26,7 @@ std::vector<ThreadBackendKind> AllThreadBackends() {
   return {
       {"Simulation",
        []() -> std::unique_ptr<ThreadBackend> { return std::make_unique<SimulationBackend>(); }},
-      {"Posix",
-       []() -> std::unique_ptr<ThreadBackend> { return std::make_unique<PosixBackend>(); }},
+      SystemThreadBackend(),
   };
 }
 

@@ -32,6 +32,9 @@ struct ThreadBackendKind {
 
 std::ostream& operator<<(std::ostream& stream, const ThreadBackendKind& kind);
 
+/// The threads of this system. Each system has one source file with them.
+[[nodiscard]] ThreadBackendKind SystemThreadBackend();
+
 [[nodiscard]] std::vector<ThreadBackendKind> AllThreadBackends();
 
 /// Base of the suites that run over each of them.

@@ -1,7 +1,8 @@
 #include "tests/support/temp_folder.h"
 
-#include <cstdlib>
+#include <random>
 #include <stdexcept>
+#include <string>
 #include <system_error>
 
 #include "backends/text/utf.h"
@@ -25,15 +26,21 @@ void RemoveWithAll(const std::filesystem::path& path) {
 }  // namespace
 
 TempFolder::TempFolder() {
-  std::string path = (std::filesystem::temp_directory_path() / "voxtrel-test-XXXXXX").string();
-  if (::mkdtemp(path.data()) == nullptr) {
-    throw std::runtime_error("no temporary folder");
+  namespace fs = std::filesystem;
+  constexpr int kAttempts = 100;
+  std::random_device random;
+  for (int i = 0; i < kAttempts; ++i) {
+    m_path = fs::temp_directory_path() / ("voxtrel-test-" + std::to_string(random()));
+    if (fs::create_directory(m_path)) {
+      fs::permissions(m_path, fs::perms::owner_all);
+      return;
+    }
   }
-  m_path = path;
+  throw std::runtime_error("no temporary folder");
 }
 
 TempFolder::~TempFolder() { RemoveWithAll(m_path); }
 
-std::u16string TempFolder::Text() const { return text::FromHostName(m_path.string()); }
+std::u16string TempFolder::Text() const { return text::FromHostName(m_path.generic_string()); }
 
 }  // namespace support

@@ -21,12 +21,21 @@ class StatusCommands : public CommandFixture {
         all, {"DBUS_SESSION_BUS_ADDRESS=unix:path=" + Path("no-bus"), "HOME=" + Path(""),
               "PULSE_SERVER=unix:" + Path("no-server"), "LC_ALL=C.UTF-8"});
   }
+
+  [[nodiscard]] std::string SettingsLine() const {
+    return "Settings: " + Path("root/registry.db") + "\n";
+  }
 };
+
+TEST_F(StatusCommands, SayWhereTheSettingsAre) {
+  EXPECT_THAT(Status({}).out, testing::EndsWith(SettingsLine()));
+  EXPECT_FALSE(std::filesystem::exists(Path("root"))) << "Nothing is made to be looked at.";
+}
 
 TEST_F(StatusCommands, SayWhatThereIs) {
   const auto run = Status({"--contacts", kContacts, "--microphone", kRecording});
   EXPECT_EQ(run.exitCode, 0);
-  EXPECT_EQ(run.out, "Contacts with a telephone number: 8\nMicrophones: 1\n");
+  EXPECT_EQ(run.out, "Contacts with a telephone number: 8\nMicrophones: 1\n" + SettingsLine());
 }
 
 TEST_F(StatusCommands, SayWhatIsMissingAndWhatHelps) {
@@ -43,14 +52,17 @@ TEST_F(StatusCommands, NameWhatIsDamagedInTheAddressBook) {
   const std::string remark = file + ":5: the card that begins here has no end and is passed over";
   const auto run = Status({"--contacts", file, "--microphone", kRecording});
   EXPECT_EQ(run.exitCode, 0);
-  EXPECT_EQ(run.out, "Contacts with a telephone number: 1\n    " + remark + "\nMicrophones: 1\n");
+  EXPECT_EQ(run.out, "Contacts with a telephone number: 1\n    " + remark + "\nMicrophones: 1\n" +
+                         SettingsLine());
   const auto printed = nlohmann::json::parse(Status({"--json", "--contacts", file}).out);
   EXPECT_EQ(printed["contacts"]["remarks"], nlohmann::json::array({remark}));
 }
 
 TEST_F(StatusCommands, PrintJson) {
   const auto full = Status({"--json", "--contacts", kContacts, "--microphone", kRecording});
-  EXPECT_EQ(full.out, "{\"contacts\":{\"count\":8,\"problem\":\"\"},\"microphones\":1}\n");
+  EXPECT_EQ(full.out,
+            "{\"contacts\":{\"count\":8,\"problem\":\"\"},\"microphones\":1,\"settings\":\"" +
+                Path("root/registry.db") + "\"}\n");
   const auto empty = nlohmann::json::parse(Status({"--json", "--contacts", "/no.vcf"}).out);
   EXPECT_EQ(empty["contacts"]["count"], 0);
   EXPECT_THAT(empty["contacts"]["problem"], testing::HasSubstr("is missing"));

@@ -1,0 +1,270 @@
+#!/usr/bin/env python3
+"""Runs the same commands with the program of Linux and with that of Windows, and compares the bytes.
+
+usage: command_line.py --linux PROGRAM --windows PROGRAM.exe --wine WINE --samples FOLDER
+
+Each program works in a folder of its own. What must differ is replaced before the comparison: the
+folder's name, the slashes of paths, and the names of tags, which are tick counts.
+"""
+
+import argparse
+import json
+import os
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+ARGUMENTS = None
+
+
+class Machine:
+    """One program with its folder."""
+
+    def __init__(self, name, command, folder, environment):
+        self.name = name
+        self.command = command
+        self.folder = Path(folder) / name
+        self.folder.mkdir()
+        self.environment = environment
+        self.tags = []
+
+    def run(self, *arguments, root="root", given=b""):
+        """Returns exit code, standard output and standard error."""
+        place = ["--root", root] if root else []
+        done = subprocess.run(
+            self.command + place + list(arguments), cwd=self.folder, env=self.environment,
+            input=given, capture_output=True, timeout=300, check=False)
+        # What Wine says of programs of its own. If it ended ours, that has no exit code of ours.
+        said = b"".join(line for line in done.stderr.splitlines(True)
+                        if not line.startswith(b"wine: "))
+        return done.returncode, done.stdout, said
+
+    def note_tags(self):
+        code, out, _ = self.run("--json", "tags", "list")
+        self.tags = [tag["name"] for tag in json.loads(out)] if code == 0 else []
+
+    def neutral(self, text):
+        """Replaces what must differ from the other machine's."""
+        text = text.replace(b"\\\\", b"/").replace(b"\\", b"/").replace(b"Z:/", b"/")
+        text = text.replace(str(self.folder).encode(), b"<folder>")
+        for number, tag in enumerate(self.tags):
+            text = text.replace(tag.encode(), b"<tag %d>" % number)
+        # The number of a contact depends on the path of its address book. Only Linux lists ports.
+        text = re.sub(rb'("oid"|"contact"):-?\d+', rb"\1:0", text)
+        return re.sub(rb'"ports":\[.*?\]', b'"ports":[]', text)
+
+    def files(self, pattern):
+        """Returns the content of files by their neutral names."""
+        return {self.neutral(str(path.relative_to(self.folder)).encode()): path.read_bytes()
+                for path in sorted(self.folder.glob(pattern)) if path.is_file()}
+
+
+class CommandLine(unittest.TestCase):
+    def setUp(self):
+        self.home = tempfile.TemporaryDirectory(prefix="voxtrel-windows-")
+        folder = os.path.realpath(self.home.name)
+        common = {"PATH": os.environ["PATH"], "LC_ALL": "C.UTF-8", "HOME": folder,
+                  "DBUS_SESSION_BUS_ADDRESS": "unix:path=/nonexistent",
+                  "PULSE_SERVER": "unix:/nonexistent"}
+        self.linux = Machine("linux", [ARGUMENTS.linux], folder, common)
+        self.windows = Machine("windows", [ARGUMENTS.wine, ARGUMENTS.windows], folder, {
+            **common, "WINEDEBUG": "-all",
+            "WINEPREFIX": os.environ.get("WINEPREFIX", folder + "/prefix")})
+        for machine in (self.linux, self.windows):
+            for sample in Path(ARGUMENTS.samples).iterdir():
+                shutil.copy(sample, machine.folder)
+
+    def tearDown(self):
+        self.home.cleanup()
+
+    def both(self, *arguments, code=0, given=b"", root="root"):
+        """Runs a command on both machines. What it says and answers must be the same."""
+        results = []
+        for machine in (self.linux, self.windows):
+            answer, out, err = machine.run(*arguments, given=given, root=root)
+            results.append((answer, machine.neutral(out), machine.neutral(err)))
+        self.assertEqual(results[0], results[1], arguments)
+        self.assertEqual(results[0][0], code, (arguments, results[0]))
+        return results[0][1]
+
+    def assert_same_files(self, pattern):
+        files = self.linux.files(pattern)
+        self.assertEqual(files, self.windows.files(pattern))
+        self.assertTrue(files, pattern)
+
+    def learn(self, contact, sample, number="Mobile"):
+        self.both("--contacts", "contacts.vcf", "--microphone", sample, "--speaker", "heard.wav",
+                  "--json", "tags", "learn", "--contact", contact, "--number", number)
+
+    def note_tags(self):
+        for machine in (self.linux, self.windows):
+            machine.note_tags()
+
+    def test_templates_and_waves_have_the_same_bytes(self):
+        for sample in ("anna_1", "timothy_2", "hernandez_3"):
+            wave, template = sample + ".wav", sample + ".st"
+            self.both("wave", "check", wave)
+            self.both("--json", "wave", "check", wave)
+            self.both("template", "learn", wave, template)
+            self.both("template", "show", template)
+            self.both("--json", "template", "show", template)
+        self.both("template", "process", "anna_2.wav", "anna_2.st")
+        self.both("template", "compare", "anna_1.st", "anna_2.st")
+        self.both("--json", "template", "compare", "anna_1.st", "timothy_2.st")
+        self.both("--microphone", "robert_1.wav", "wave", "record", "recorded.wav")
+        self.both("--speaker", "played.wav", "wave", "play", "robert_1.wav")
+        self.assert_same_files("*.st")
+        self.assert_same_files("*.wav")
+
+    def test_streams_carry_bytes_and_no_text(self):
+        wave = (self.linux.folder / "anna_1.wav").read_bytes()
+        template = self.both("template", "process", "-", "-", given=wave)
+        self.assertEqual(self.both("template", "process", "anna_1.wav", "-"), template)
+
+    def test_failures_and_wrong_usage_are_said_alike(self):
+        self.both("nonsense", code=2)
+        self.both("tags", "learn", code=2)
+        self.both("--json", "template", "show", "missing.st", code=1)
+        self.both("template", "show", "anna_1.wav", code=1)
+        self.both("wave", "check", "contacts.vcf", code=1)
+        self.both("restore", "anna_1.wav", code=1)
+        self.both("--json", "registry", "import", "contacts.vcf", code=1)
+        self.both("tags", "list", code=1, root="anna_1.wav/below")
+        self.both("--help")
+        self.both("tags", "--help")
+        self.both("--version")
+
+    def test_languages_are_the_same(self):
+        self.both("language", "template", "own.lng")
+        self.both("language", "check", "own.lng")
+        self.both("language", "show", "own.lng")
+        self.assert_same_files("own.lng")
+
+    def test_tags_are_learned_listed_tested_and_deleted_alike(self):
+        self.both("--contacts", "contacts.vcf", "contacts", "list")
+        self.both("--contacts", "contacts.vcf", "--json", "contacts", "list")
+        self.both("tags", "list")
+        self.tags_of_three()
+        self.both("tags", "list")
+        self.both("--json", "tags", "list")
+        self.both("tags", "test")
+        self.both("--json", "tags", "test")
+        self.both("check")
+        self.both("reinit")
+        self.assert_same_files("root/Program Files/**/*.*")
+        for command in (["--speaker", "heard.wav", "--json", "tags", "play"],
+                        ["--yes", "--json", "tags", "delete"]):
+            results = [machine.run(*command, machine.tags[1])
+                       for machine in (self.linux, self.windows)]
+            self.assertEqual(results[0][0], 0, results)
+            self.assertEqual(*(machine.neutral(result[1]) for machine, result in
+                               zip((self.linux, self.windows), results)))
+        self.both("tags", "list")
+        self.both("--json", "tags", "restore", "--last")
+        self.both("tags", "list")
+        self.both("tags", "delete-all", "--yes")
+        self.both("tags", "list")
+
+    def tags_of_three(self):
+        for contact, sample in (("Sophie", "sophie_1.wav"), ("Anna", "anna_1.wav"),
+                                ("Robert", "robert_1.wav")):
+            # The name of a tag is not known before.
+            for machine in (self.linux, self.windows):
+                code, _, err = machine.run(
+                    "--contacts", "contacts.vcf", "--microphone", sample, "--speaker", "heard.wav",
+                    "tags", "learn", "--contact", contact, "--number", "Mobile")
+                self.assertEqual((code, err), (0, b""), machine.name)
+        self.note_tags()
+        self.assertEqual(len(self.linux.tags), 3)
+
+    def test_a_backup_of_one_is_restored_by_the_other(self):
+        self.tags_of_three()
+        self.both("backup", "kept.tar")
+        for source, target in ((self.linux, self.windows), (self.windows, self.linux)):
+            shutil.copy(source.folder / "kept.tar", target.folder / "foreign.tar")
+            code, out, err = target.run("--contacts", "contacts.vcf", "restore", "foreign.tar",
+                                        root="restored")
+            self.assertEqual(code, 0, (target.name, out, err))
+            shown = [machine.neutral(machine.run("--contacts", "contacts.vcf", "tags", "list",
+                                                 root=root)[1])
+                     for machine, root in ((source, "root"), (target, "restored"))]
+            names = [re.sub(rb"^ +(<tag )?\d+>?", b"", text, flags=re.M) for text in shown]
+            self.assertEqual(names[0], names[1], target.name)
+
+    def test_connection_settings_are_kept_alike(self):
+        self.both("--json", "connection", "set", "port=COM7:", "baud-rate=115200",
+                  "flow-control=hardware", "bt-headset=yes")
+        self.both("registry", "export", "all.reg")
+        # Only Linux lists ports, and each system has an order of values of its own.
+        exported = [(machine.folder / "all.reg").read_bytes().decode("utf-16")
+                    for machine in (self.linux, self.windows)]
+        settings = [re.search(r"\[HKEY_LOCAL_MACHINE.Software.Zedra.Zedra Dialer\]\r\n(.*?)\r\n\r\n",
+                              text + "\r\n", flags=re.S)[1] for text in exported]
+        self.assertEqual(*(sorted(text.splitlines()) for text in settings))
+
+    def test_what_needs_linux_says_so(self):
+        for command in (["home"], ["microphone", "list"]):
+            code, _, err = self.windows.run(*command)
+            self.assertEqual(code, 1, command)
+            self.assertTrue(err, command)
+        self.assertIn(b"needs Linux", self.windows.run("home")[2])
+
+    def test_letters_of_every_script_reach_the_program(self):
+        card = ("BEGIN:VCARD\nVERSION:3.0\nFN:Ærø Ωλκή 山田\nN:山田;Ærø Ωλκή\nTEL;TYPE=CELL:1\n"
+                "END:VCARD\n")
+        for machine in (self.linux, self.windows):
+            (machine.folder / "gruß.vcf").write_text(card, encoding="utf-8")
+        self.both("--contacts", "gruß.vcf", "contacts", "list")
+        self.both("--json", "--contacts", "fehlt-gruß.vcf", "contacts", "list", code=1)
+
+    def test_a_registry_file_of_linux_gives_the_same_tags_to_windows_and_back(self):
+        self.tags_of_three()
+        code, out, err = self.linux.run("registry", "export", "linux.reg")
+        self.assertEqual(code, 0, (out, err))
+        shutil.copy(self.linux.folder / "linux.reg", self.windows.folder)
+        wine = [ARGUMENTS.wine]
+        environment = {**self.windows.environment,
+                       "WINEPREFIX": str(self.windows.folder / "own prefix")}
+        own = Machine("own", [ARGUMENTS.wine, ARGUMENTS.windows], self.home.name, environment)
+        own.folder = self.windows.folder
+        imported = subprocess.run(wine + ["reg", "import", "linux.reg"], cwd=own.folder,
+                                  env=environment, capture_output=True, timeout=300, check=False)
+        self.assertEqual(imported.returncode, 0, imported)
+        status = json.loads(own.run("--json", "status", root=None)[1])
+        self.assertEqual(status["settings"], "HKEY_LOCAL_MACHINE")
+        data = next((self.windows.folder / "own prefix/drive_c/users").glob("*/AppData/Local"))
+        shutil.copytree(self.linux.folder / "root/Program Files", data / "Voxtrel/Program Files")
+        self.assertEqual(self.tags_of(own, None), self.tags_of(self.linux, "root"))
+        code, out, err = own.run("registry", "export", "windows.reg", root=None)
+        self.assertEqual(code, 0, (out, err))
+        text = (own.folder / "windows.reg").read_bytes().decode("utf-16")
+        for line in text.splitlines():
+            if line.startswith("["):
+                self.assertRegex(line, r"^\[HKEY_LOCAL_MACHINE\\Software(\\Zedra.*)?\]$")
+        shutil.copy(own.folder / "windows.reg", self.linux.folder)
+        self.assertEqual(self.linux.run("registry", "import", "windows.reg", root="back")[0], 0)
+        shutil.copytree(self.linux.folder / "root/Program Files",
+                        self.linux.folder / "back/Program Files")
+        self.assertEqual(self.tags_of(self.linux, "back"), self.tags_of(self.linux, "root"))
+
+    def tags_of(self, machine, root):
+        code, out, err = machine.run("--json", "tags", "list", root=root)
+        self.assertEqual(code, 0, err)
+        return sorted((tag["name"], tag["contact"], tag["phoneType"]) for tag in json.loads(out))
+
+
+def main():
+    global ARGUMENTS
+    parser = argparse.ArgumentParser()
+    for name in ("linux", "windows", "wine", "samples"):
+        parser.add_argument("--" + name, required=True)
+    ARGUMENTS, rest = parser.parse_known_args()
+    unittest.main(argv=[sys.argv[0]] + rest)
+
+
+if __name__ == "__main__":
+    main()
