@@ -50,6 +50,21 @@ struct OpenMode {
   FileCreation creation = FileCreation::kOpenExisting;
 };
 
+/// Which file it is, and in which state. If two are equal and settled, the file has not changed in
+/// between. Numbers mean something to their system alone.
+struct FileVersion {
+  std::uint64_t medium = 0;
+  std::uint64_t file = 0;    ///< On its medium.
+  std::uint64_t length = 0;  ///< In bytes.
+  std::int64_t written = 0;  ///< When its content was changed last, as its user may have set it.
+  std::int64_t changed = 0;  ///< When anything of it was changed last.
+  /// Whether every later change gives another version. It is not certain for moments after a
+  /// change, since clocks of file systems go in steps.
+  bool isSettled = false;
+
+  friend bool operator==(const FileVersion&, const FileVersion&) = default;
+};
+
 /// One open file with a position. Used by one thread at a time. The destructor closes it and
 /// reports nothing.
 class File {
@@ -61,6 +76,9 @@ class File {
 
   /// Returns the length in bytes.
   [[nodiscard]] virtual Result<std::uint64_t, FileError> GetLength() = 0;
+
+  /// Returns nothing if the system does not know it, or not for certain.
+  [[nodiscard]] virtual std::optional<FileVersion> GetVersion() { return std::nullopt; }
 
   /// Moves the position to `offset` bytes from the start, which may be after the end.
   [[nodiscard]] virtual Result<void, FileError> Seek(std::uint64_t offset) = 0;

@@ -155,6 +155,11 @@ class Registry {
   /// nothing of the group is kept. A group ends with CommitGroup, whatever that returns, or with
   /// CancelGroup, which undoes it. Prefer RegistryGroup.
   [[nodiscard]] virtual Result<void, RegistryError> BeginGroup() = 0;
+
+  /// Begins a group in which nothing is changed. What is read is one state of the store, and it
+  /// costs less than as many calls by themselves. No other process waits for the end of it. It ends
+  /// as every group does.
+  [[nodiscard]] virtual Result<void, RegistryError> BeginReading() { return BeginGroup(); }
   [[nodiscard]] virtual Result<void, RegistryError> CommitGroup() = 0;
   virtual void CancelGroup() = 0;
 };
@@ -164,6 +169,14 @@ class RegistryGroup {
  public:
   [[nodiscard]] static Result<RegistryGroup, RegistryError> Begin(Registry& registry) {
     if (const auto begun = registry.BeginGroup(); !begun) {
+      return Failure(begun.error());
+    }
+    return RegistryGroup(registry);
+  }
+
+  /// The same in which nothing is changed.
+  [[nodiscard]] static Result<RegistryGroup, RegistryError> BeginReading(Registry& registry) {
+    if (const auto begun = registry.BeginReading(); !begun) {
       return Failure(begun.error());
     }
     return RegistryGroup(registry);

@@ -57,6 +57,23 @@ class SizeSignalHeld {
   bool m_wasPending = false;
 };
 
+std::int64_t ToNanoseconds(const timespec& time) {
+  constexpr std::int64_t kNanosecondsOfSecond = 1'000'000'000;
+  return std::int64_t{time.tv_sec} * kNanosecondsOfSecond + time.tv_nsec;
+}
+
+/// Returns whether a change from now on will have another time than `changed`. The system takes the
+/// time of files from its coarse clock, which goes in steps of some milliseconds. A time of whole
+/// seconds may be of a file system that keeps nothing finer, and no coarser one than two seconds is
+/// in use.
+bool IsSettledTime(const timespec& changed) {
+  constexpr std::int64_t kCoarsestStep = 2'000'000'000;
+  timespec now{};
+  ::clock_gettime(CLOCK_REALTIME_COARSE, &now);
+  const std::int64_t step = changed.tv_nsec == 0 ? kCoarsestStep : 0;
+  return ToNanoseconds(now) > ToNanoseconds(changed) + step;
+}
+
 }  // namespace
 
 // The position is kept here and not by the system: pread and pwrite leave the descriptor's own
@@ -76,6 +93,19 @@ Result<std::uint64_t, FileError> PosixFile::GetLength() {
     return FailureFromErrno();
   }
   return static_cast<std::uint64_t>(status.st_size);
+}
+
+std::optional<platform::FileVersion> PosixFile::GetVersion() {
+  struct stat status {};
+  if (!m_descriptor.IsOpen() || ::fstat(m_descriptor.Get(), &status) != 0) {
+    return std::nullopt;
+  }
+  return platform::FileVersion{.medium = status.st_dev,
+                               .file = status.st_ino,
+                               .length = static_cast<std::uint64_t>(status.st_size),
+                               .written = ToNanoseconds(status.st_mtim),
+                               .changed = ToNanoseconds(status.st_ctim),
+                               .isSettled = IsSettledTime(status.st_ctim)};
 }
 
 Result<void, FileError> PosixFile::Seek(std::uint64_t offset) {

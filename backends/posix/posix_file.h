@@ -37,6 +37,7 @@ class PosixFile final : public platform::File {
   PosixFile(LockedFile file, platform::FileAccess access);
 
   [[nodiscard]] platform::Result<std::uint64_t, platform::FileError> GetLength() override;
+  [[nodiscard]] std::optional<platform::FileVersion> GetVersion() override;
   [[nodiscard]] platform::Result<void, platform::FileError> Seek(std::uint64_t offset) override;
   [[nodiscard]] platform::Result<std::size_t, platform::FileError> Read(
       std::span<std::byte> into) override;

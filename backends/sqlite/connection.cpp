@@ -266,6 +266,10 @@ Result<void, RegistryError> Connection::Begin() const {
       return begun;
     }
   }
+  return BeginReading();
+}
+
+Result<void, RegistryError> Connection::BeginReading() const {
   // The first reading fixes what the transaction sees.
   const int result = Execute(m_database.get(), "BEGIN; SELECT 1 FROM registry_key LIMIT 1");
   if (result != SQLITE_OK) {

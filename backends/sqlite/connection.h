@@ -57,6 +57,9 @@ class Connection {
   /// Begins a transaction that may write; on a store that takes no writes, one that reads.
   [[nodiscard]] platform::Result<void, platform::RegistryError> Begin() const;
 
+  /// Begins a transaction that only reads. It keeps no other process from writing.
+  [[nodiscard]] platform::Result<void, platform::RegistryError> BeginReading() const;
+
   /// A transaction that cannot be committed is undone.
   [[nodiscard]] platform::Result<void, platform::RegistryError> Commit() const;
 

@@ -90,7 +90,8 @@ Result<void, RegistryError> SqliteRegistry::DeleteKey(std::u16string_view path) 
   });
 }
 
-Result<void, RegistryError> SqliteRegistry::BeginGroup() {
+template <typename BeginTransaction>
+Result<void, RegistryError> SqliteRegistry::Begin(const BeginTransaction& begin) {
   const auto pass = m_gate.Enter();
   if (!pass) {
     return Failure(RegistryError::kBusy);
@@ -98,23 +99,30 @@ Result<void, RegistryError> SqliteRegistry::BeginGroup() {
   if (m_gate.GroupIsOpen()) {
     return Failure(RegistryError::kInvalid);
   }
-  auto ready = Connect();
-  if (ready && m_lacksRoom) {
-    ready = OpenForChanges();
-    // Without room the group serves for reading.
-    if (!ready && ready.error() == RegistryError::kFull && m_connection) {
-      ready = {};
+  const auto begun = Connect().and_then(begin);
+  if (begun) {
+    m_group = std::make_shared<Group>();
+    m_gate.OpenGroup();
+  }
+  return begun;
+}
+
+Result<void, RegistryError> SqliteRegistry::BeginGroup() {
+  return Begin([this] {
+    Result<void, RegistryError> ready;
+    if (m_lacksRoom) {
+      ready = OpenForChanges();
+      // Without room the group serves for reading.
+      if (!ready && ready.error() == RegistryError::kFull && m_connection) {
+        ready = {};
+      }
     }
-  }
-  if (ready) {
-    ready = m_connection->Begin();
-  }
-  if (!ready) {
-    return ready;
-  }
-  m_group = std::make_shared<Group>();
-  m_gate.OpenGroup();
-  return {};
+    return ready ? m_connection->Begin() : ready;
+  });
+}
+
+Result<void, RegistryError> SqliteRegistry::BeginReading() {
+  return Begin([this] { return m_connection->BeginReading(); });
 }
 
 Result<void, RegistryError> SqliteRegistry::CommitGroup() {

@@ -47,6 +47,7 @@ class SqliteRegistry final : public platform::Registry {
   [[nodiscard]] platform::Result<void, platform::RegistryError> DeleteKey(
       std::u16string_view path) override;
   [[nodiscard]] platform::Result<void, platform::RegistryError> BeginGroup() override;
+  [[nodiscard]] platform::Result<void, platform::RegistryError> BeginReading() override;
   [[nodiscard]] platform::Result<void, platform::RegistryError> CommitGroup() override;
   void CancelGroup() override;
 
@@ -63,6 +64,10 @@ class SqliteRegistry final : public platform::Registry {
   template <typename Call>
   [[nodiscard]] auto Perform(const Call& call) -> std::invoke_result_t<Call, const Store&>;
 
+  /// Opens a group if `begin`, which is called once connected, begins a transaction.
+  template <typename BeginTransaction>
+  [[nodiscard]] platform::Result<void, platform::RegistryError> Begin(
+      const BeginTransaction& begin);
   [[nodiscard]] platform::Result<void, platform::RegistryError> Connect();
   [[nodiscard]] platform::Result<void, platform::RegistryError> Open(Access access);
   /// Opens the registry for changes if it is open for reading for want of room.

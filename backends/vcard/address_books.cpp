@@ -20,23 +20,23 @@ using platform::FileError;
 using platform::RegistryError;
 using platform::Result;
 
-/// A contact of one log-on. It shares the data, so it stays readable after the log-off.
+/// A contact of one log-on, which stays readable after the log-off.
 class AddressBooks::ReadContact final : public platform::Contact {
  public:
-  explicit ReadContact(std::shared_ptr<const StoredContact> contact)
-      : m_contact(std::move(contact)) {}
+  ReadContact(ContactData contact, std::int32_t oid) : m_contact(std::move(contact)), m_oid(oid) {}
 
-  [[nodiscard]] ContactText GetFirstName() override { return m_contact->data.firstName; }
-  [[nodiscard]] ContactText GetMiddleName() override { return m_contact->data.middleName; }
-  [[nodiscard]] ContactText GetLastName() override { return m_contact->data.lastName; }
-  [[nodiscard]] ContactText GetCompanyName() override { return m_contact->data.companyName; }
+  [[nodiscard]] ContactText GetFirstName() override { return m_contact.firstName; }
+  [[nodiscard]] ContactText GetMiddleName() override { return m_contact.middleName; }
+  [[nodiscard]] ContactText GetLastName() override { return m_contact.lastName; }
+  [[nodiscard]] ContactText GetCompanyName() override { return m_contact.companyName; }
   [[nodiscard]] ContactText GetNumber(platform::PhoneKind kind) override {
-    return m_contact->data.numbers[static_cast<std::size_t>(kind)];
+    return m_contact.numbers[static_cast<std::size_t>(kind)];
   }
-  [[nodiscard]] Result<std::int32_t, ContactsError> GetOid() override { return m_contact->oid; }
+  [[nodiscard]] Result<std::int32_t, ContactsError> GetOid() override { return m_oid; }
 
  private:
-  std::shared_ptr<const StoredContact> m_contact;
+  const ContactData m_contact;
+  const std::int32_t m_oid;
 };
 
 AddressBooks::AddressBooks(platform::FileSystem& files, platform::Registry& registry,
@@ -49,8 +49,9 @@ Result<void, ContactsError> AddressBooks::Connect() {
   m_problem.reset();
   m_choice = m_options.choice;
   m_choiceRemarks.clear();
-  bool isReady = true;
-  if (!m_choice) {
+  const auto group = platform::RegistryGroup::BeginReading(m_registry);
+  bool isReady = group.has_value();
+  if (isReady && !m_choice) {
     auto recalled = RecallChoice(m_registry, m_choiceRemarks);
     isReady = recalled.has_value();
     m_choice = std::move(recalled).value_or(std::nullopt);
@@ -104,7 +105,7 @@ std::vector<Remark> AddressBooks::GetRemarks() const {
 }
 
 AddressBooks::Done AddressBooks::LogonTo(const SourceChoice& choice) {
-  VcardSource file(m_files, choice.path);
+  VcardSource file(m_files, choice.path, m_options.openCache);
   auto read = choice.path.empty() ? ReadDesktop() : ReadFrom(file);
   if (!read) {
     return Failure(read.error().kind == BooksError::Kind::kNoAnswer ? Problem::kNoServer
@@ -211,16 +212,17 @@ AddressBooks::Done AddressBooks::TakeContacts(std::vector<Book> books) {
     return Failure(Problem::kStore);
   }
   for (std::size_t i = 0; i < books.size(); ++i) {
-    for (std::size_t j = 0; j < books[i].contacts.size(); ++j) {
-      const std::int32_t oid = (*oids)[i][j];
-      m_indexes.emplace(oid, m_contacts.size());
+    for (std::size_t j = 0; j < (*oids)[i].size(); ++j) {
+      m_byOid.push_back(static_cast<std::uint32_t>(m_contacts.size()));
       m_contacts.push_back(
-          std::make_shared<StoredContact>(StoredContact{std::move(books[i].contacts[j]), oid}));
+          {static_cast<std::uint32_t>(i), static_cast<std::uint32_t>(j), (*oids)[i][j]});
     }
     if (books[i].isComplete) {
       m_completeBooks.push_back(books[i].name);
     }
+    m_books.push_back(std::move(books[i].contacts));
   }
+  std::ranges::sort(m_byOid, {}, [this](std::uint32_t index) { return m_contacts[index].oid; });
   return CheckOidsInUse();
 }
 
@@ -234,7 +236,7 @@ AddressBooks::Done AddressBooks::CheckOidsInUse() const {
     return Failure(Problem::kStore);
   }
   const bool areKnown = std::all_of(oids->begin(), oids->end(), [this](std::int32_t oid) {
-    return m_indexes.contains(oid) || IsGone(oid);
+    return FindByOid(oid) != nullptr || IsGone(oid);
   });
   return areKnown ? Done() : Failure(Problem::kTagsElsewhere);
 }
@@ -250,20 +252,32 @@ platform::FoundContact AddressBooks::GetItem(std::int32_t index) {
   if (index < 1 || index > GetCount()) {
     return Failure(ContactsError::kFailed);
   }
-  return std::make_unique<ReadContact>(m_contacts[static_cast<std::size_t>(index) - 1]);
+  return Unpack(m_contacts[static_cast<std::size_t>(index) - 1]);
 }
 
 platform::FoundContact AddressBooks::GetItemFromOid(std::int32_t oid) {
-  const auto found = m_indexes.find(oid);
-  if (found == m_indexes.end()) {
+  const Entry* const found = FindByOid(oid);
+  if (found == nullptr) {
     return Failure(IsGone(oid) ? ContactsError::kAbsent : ContactsError::kFailed);
   }
-  return std::make_unique<ReadContact>(m_contacts[found->second]);
+  return Unpack(*found);
+}
+
+platform::FoundContact AddressBooks::Unpack(const Entry& entry) const {
+  return std::make_unique<ReadContact>(m_books[entry.book][entry.index], entry.oid);
+}
+
+const AddressBooks::Entry* AddressBooks::FindByOid(std::int32_t oid) const {
+  const auto found = std::ranges::lower_bound(
+      m_byOid, oid, {}, [this](std::uint32_t index) { return m_contacts[index].oid; });
+  const bool isThere = found != m_byOid.end() && m_contacts[*found].oid == oid;
+  return isThere ? &m_contacts[*found] : nullptr;
 }
 
 void AddressBooks::Logoff() {
+  m_books.clear();
   m_contacts.clear();
-  m_indexes.clear();
+  m_byOid.clear();
   m_completeBooks.clear();
 }
 

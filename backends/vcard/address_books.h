@@ -5,9 +5,9 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
+#include "backends/vcard/book_cache.h"
 #include "backends/vcard/contact_source.h"
 #include "backends/vcard/oid_map.h"
 #include "backends/vcard/source_choice.h"
@@ -44,6 +44,9 @@ class AddressBooks final : public platform::ContactsStore {
     /// remark, if something is to be written and the registry takes no writes or is full.
     bool changesNothing = false;
 
+    /// Without it a vCard file is read card by card at each log-on.
+    OpenCache openCache;
+
     /// The desktop's address books. Without them nobody answers for the desktop.
     ContactSource* desktop = nullptr;
   };
@@ -79,11 +82,14 @@ class AddressBooks final : public platform::ContactsStore {
   [[nodiscard]] std::vector<Remark> GetRemarks() const;
 
  private:
-  struct StoredContact {
-    ContactData data;
+  class ReadContact;
+
+  /// A contact of the log-on.
+  struct Entry {
+    std::uint32_t book = 0;
+    std::uint32_t index = 0;  ///< In its book.
     std::int32_t oid = 0;
   };
-  class ReadContact;
 
   using Done = platform::Result<void, Problem>;
   using Oids = platform::Result<std::vector<std::int32_t>, platform::RegistryError>;
@@ -98,6 +104,9 @@ class AddressBooks final : public platform::ContactsStore {
   [[nodiscard]] Done TakeContacts(std::vector<Book> books);
   [[nodiscard]] Oids GetOidsInUse() const;
   [[nodiscard]] Done CheckOidsInUse() const;
+  [[nodiscard]] platform::FoundContact Unpack(const Entry& entry) const;
+  /// Returns null if no contact of the log-on has the number.
+  [[nodiscard]] const Entry* FindByOid(std::int32_t oid) const;
   /// Returns whether the contact was in a book that was read to its end, and is there no more.
   [[nodiscard]] bool IsGone(std::int32_t oid) const;
 
@@ -106,9 +115,10 @@ class AddressBooks final : public platform::ContactsStore {
   Options m_options;
   OidMap m_oids;
   std::optional<SourceChoice> m_choice;
-  std::vector<std::shared_ptr<const StoredContact>> m_contacts;
-  std::unordered_map<std::int32_t, std::size_t> m_indexes;  ///< By oid.
-  std::vector<std::u16string> m_completeBooks;              ///< Names.
+  std::vector<ContactPool> m_books;
+  std::vector<Entry> m_contacts;
+  std::vector<std::uint32_t> m_byOid;           ///< Indexes of m_contacts.
+  std::vector<std::u16string> m_completeBooks;  ///< Names.
   std::optional<Problem> m_problem;
   std::string m_reason;
   std::vector<Remark> m_bookRemarks;

@@ -265,7 +265,7 @@ void CardReader::OnCard(const Card& card) {
                    text::Fill(text::ToUtf8(resources::Say(resources::kNoKindIsFree)),
                               {text::ToUtf8(unplaced.number), text::ToUtf8(FullNameOf(contact))})});
   }
-  m_book.contacts.push_back(std::move(contact));
+  m_book.contacts.Add(contact);
 }
 
 void CardReader::Finish() {

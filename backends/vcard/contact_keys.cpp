@@ -1,9 +1,13 @@
 #include "backends/vcard/contact_keys.h"
 
+#include <algorithm>
 #include <cstddef>
+#include <iterator>
+#include <span>
 #include <unordered_map>
 
 #include "backends/text/utf.h"
+#include "backends/vcard/hash_chains.h"
 
 namespace vcard {
 namespace {
@@ -30,16 +34,31 @@ std::string FormerContentKey(const std::string& uid, const ContactData& contact)
          (contact.formerContent.empty() ? ContentOf(contact) : contact.formerContent);
 }
 
-CardKeys KeysOf(const ContactData& contact) {
-  CardKeys keys;
-  if (!contact.uid.empty()) {
-    keys.uid = ComputeDigest(contact.uid);
+/// Marks each card of which no other one, and no torn one, has the same digest.
+void MarkUnique(std::span<const ContactSigns> torn, Digest ContactSigns::*digest,
+                bool CardKeys::*mark, std::vector<CardKeys>& cards) {
+  const auto digestOf = [&](std::size_t card) -> const Digest& {
+    return card < cards.size() ? cards[card].*digest : torn[card - cards.size()].*digest;
+  };
+  const std::size_t count = cards.size() + torn.size();
+  HashChains firsts(count);
+  for (std::size_t card = 0; card < count; ++card) {
+    const Digest& own = digestOf(card);
+    const std::size_t hash = DigestHash()(own);
+    std::uint32_t first = firsts.At(hash);
+    while (first != HashChains::kEnd && digestOf(first) != own) {
+      first = firsts.Next(first);
+    }
+    const bool isFirst = first == HashChains::kEnd;
+    if (isFirst) {
+      firsts.AddInFront(hash, card);
+    } else if (first < cards.size()) {
+      cards[first].*mark = false;
+    }
+    if (card < cards.size()) {
+      cards[card].*mark = isFirst && own != kNoDigest;
+    }
   }
-  if (const std::u16string name = FullNameOf(contact); !name.empty()) {
-    keys.name = ComputeDigest(text::ToUtf8(name));
-  }
-  keys.content = ComputeDigest(ContentOf(contact));
-  return keys;
 }
 
 }  // namespace
@@ -69,35 +88,38 @@ std::string ContentOf(const ContactData& contact) {
   return content;
 }
 
+ContactSigns SignsOf(const ContactData& contact) {
+  ContactSigns signs;
+  if (!contact.uid.empty()) {
+    signs.uid = ComputeDigest(contact.uid);
+  }
+  if (const std::u16string name = FullNameOf(contact); !name.empty()) {
+    signs.name = ComputeDigest(text::ToUtf8(name));
+  }
+  signs.content = ComputeDigest(ContentOf(contact));
+  return signs;
+}
+
 std::vector<CardKeys> KeysOf(const Book& book) {
   std::vector<CardKeys> keys;
-  Counts uids;
-  Counts names;
-  const auto count = [&](const CardKeys& each) {
-    ++uids[each.uid];
-    ++names[each.name];
-  };
-  for (const ContactData& contact : book.contacts) {
-    keys.push_back(KeysOf(contact));
-    count(keys.back());
+  keys.reserve(book.contacts.size());
+  for (std::size_t i = 0; i < book.contacts.size(); ++i) {
+    keys.push_back({book.contacts.GetSigns(i)});
   }
   // A card that was cut off still has its name: another one of that name is not the only one.
-  for (const ContactData& contact : book.torn) {
-    count(KeysOf(contact));
-  }
-  for (CardKeys& each : keys) {
-    each.isUidUnique = each.uid != kNoDigest && uids[each.uid] == 1;
-    each.isNameUnique = each.name != kNoDigest && names[each.name] == 1;
-  }
+  std::vector<ContactSigns> torn;
+  std::ranges::transform(book.torn, std::back_inserter(torn), SignsOf);
+  MarkUnique(torn, &ContactSigns::uid, &CardKeys::isUidUnique, keys);
+  MarkUnique(torn, &ContactSigns::name, &CardKeys::isNameUnique, keys);
   return keys;
 }
 
 // Former versions filed a contact under its UID or its content, and numbered equal contents in the
 // order of the cards. The same is worked out here, so it must not change.
-std::vector<FormerKeys> FormerKeysOf(std::span<const ContactData> contacts) {
+std::vector<FormerKeys> FormerKeysOf(const ContactPool& contacts) {
   std::vector<FormerKeys> keys;
   Numbered numbered;
-  for (const ContactData& contact : contacts) {
+  for (const ContactData contact : contacts) {
     FormerKeys& each = keys.emplace_back();
     each.content = ComputeDigest(numbered(FormerContentKey(contact.uid, contact)));
     if (!contact.uid.empty()) {
@@ -110,11 +132,11 @@ std::vector<FormerKeys> FormerKeysOf(std::span<const ContactData> contacts) {
 
 // A UID is the best seed, since the content may change. Only the first card of a UID gets it: the
 // others need numbers of their own.
-std::vector<std::string> SeedsOf(std::span<const ContactData> contacts) {
+std::vector<std::string> SeedsOf(const ContactPool& contacts) {
   std::vector<std::string> seeds;
   std::unordered_map<std::string, std::size_t> uids;
   Numbered numbered;
-  for (const ContactData& contact : contacts) {
+  for (const ContactData contact : contacts) {
     const bool isFirst = !contact.uid.empty() && ++uids[contact.uid] == 1;
     seeds.push_back(isFirst ? UidKey(contact.uid)
                             : numbered("content:" + contact.uid + ContentOf(contact)));

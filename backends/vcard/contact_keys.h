@@ -1,10 +1,5 @@
 #pragma once
 
-#include <array>
-#include <cstddef>
-#include <cstdint>
-#include <cstring>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,30 +8,12 @@
 
 namespace vcard {
 
-/// Stands for a text of any length; no two texts that occur share one. The first half of the
-/// SHA-256 of its bytes: what is stored stays good.
-using Digest = std::array<std::byte, 16>;
-
-struct DigestHash {
-  std::size_t operator()(const Digest& digest) const {
-    std::size_t hash = 0;
-    std::memcpy(&hash, digest.data(), sizeof hash);
-    return hash;
-  }
-};
-
 [[nodiscard]] Digest ComputeDigest(std::string_view text);
 
-/// No text has it.
-inline constexpr Digest kNoDigest{};
-
 /// What a contact of one address book is recognised by.
-struct CardKeys {
-  Digest uid = kNoDigest;      ///< kNoDigest if the card has none.
-  Digest name = kNoDigest;     ///< Of the full name; kNoDigest if there is none.
-  Digest content = kNoDigest;  ///< Of names, company and numbers.
-  bool isUidUnique = false;    ///< No other card of the book has the UID,
-  bool isNameUnique = false;   ///< or the full name.
+struct CardKeys : ContactSigns {
+  bool isUidUnique = false;   ///< No other card of the book has the UID,
+  bool isNameUnique = false;  ///< or the full name.
 };
 
 /// Returns first, middle and last name, joined by blanks. Returns the company if the contact has
@@ -45,6 +22,8 @@ struct CardKeys {
 
 /// Returns names, company and numbers, as one text.
 [[nodiscard]] std::string ContentOf(const ContactData& contact);
+
+[[nodiscard]] ContactSigns SignsOf(const ContactData& contact);
 
 /// Returns the keys of each contact of the book. The time grows as their number does, however alike
 /// they are. The same holds for the next two functions.
@@ -58,10 +37,10 @@ struct FormerKeys {
   /// Of a card that has a UID now: what it was filed under while it had none.
   Digest contentBeforeUid = kNoDigest;
 };
-[[nodiscard]] std::vector<FormerKeys> FormerKeysOf(std::span<const ContactData> contacts);
+[[nodiscard]] std::vector<FormerKeys> FormerKeysOf(const ContactPool& contacts);
 
 /// Returns a text for each contact, from which its number is made. It depends on the contact alone
 /// and differs from those of the others.
-[[nodiscard]] std::vector<std::string> SeedsOf(std::span<const ContactData> contacts);
+[[nodiscard]] std::vector<std::string> SeedsOf(const ContactPool& contacts);
 
 }  // namespace vcard

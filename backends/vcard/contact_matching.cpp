@@ -2,7 +2,8 @@
 
 #include <algorithm>
 #include <array>
-#include <unordered_map>
+
+#include "backends/vcard/hash_chains.h"
 
 namespace vcard {
 namespace {
@@ -38,18 +39,18 @@ class Matching {
     if (IsDone()) {
       return;
     }
-    Index index = IndexFree(keyOfPerson);
-    // Backwards, so that the first person of a key is the next to be taken.
-    for (auto& [key, people] : index) {
-      std::reverse(people.begin(), people.end());
-    }
-    for (std::size_t card = 0; card < m_cards.size(); ++card) {
-      const auto found = FindFor(card, index, keyOfCard);
-      if (found != index.end() && !found->second.empty()) {
-        Take(card, found->second.back());
-        found->second.pop_back();
+    HashChains index = IndexFree(keyOfPerson);
+    ForEachFreeCard(keyOfCard, [&](std::size_t card, const Key& key) {
+      std::uint32_t* place = &index.At(KeyHash()(key));
+      while (*place != HashChains::kEnd && keyOfPerson(m_people[*place]) != key) {
+        place = &index.Next(*place);
       }
-    }
+      if (const std::uint32_t person = *place; person != HashChains::kEnd) {
+        // Nobody meets the person again, so that a thousand cards of one key take a thousand steps.
+        *place = index.Next(person);
+        Take(card, person);
+      }
+    });
   }
 
   /// Gives each card that is nobody yet the only person of its key, if there is only one. No two
@@ -59,13 +60,10 @@ class Matching {
     if (IsDone()) {
       return;
     }
-    const Index index = IndexFree(keyOfPerson);
-    for (std::size_t card = 0; card < m_cards.size(); ++card) {
-      const auto found = FindFor(card, index, keyOfCard);
-      if (found != index.end()) {
-        Take(card, SoleOf(found->second, card));
-      }
-    }
+    HashChains index = IndexFree(keyOfPerson);
+    ForEachFreeCard(keyOfCard, [&](std::size_t card, const Key& key) {
+      Take(card, FindSole(index, keyOfPerson, key, card));
+    });
   }
 
   [[nodiscard]] Matches& GetMatches() { return m_matches; }
@@ -73,44 +71,51 @@ class Matching {
   static constexpr Key kNoKey{};
 
  private:
-  using Index = std::unordered_map<Key, std::vector<std::size_t>, KeyHash>;
-
   [[nodiscard]] bool IsDone() const { return m_matched == m_cards.size(); }
 
+  /// The chains begin with the people whom the book held last time, and go on in their order.
   template <typename KeyOfPerson>
-  [[nodiscard]] Index IndexFree(const KeyOfPerson& keyOfPerson) {
-    Index index;
-    for (const bool isPresent : {true, false}) {
-      for (std::size_t person = 0; person < m_people.size(); ++person) {
+  [[nodiscard]] HashChains IndexFree(const KeyOfPerson& keyOfPerson) {
+    HashChains index(m_people.size());
+    for (const bool isPresent : {false, true}) {
+      for (std::size_t person = m_people.size(); person-- > 0;) {
         ++m_matches.looks;
         const bool isMeant = !m_isTaken[person] && m_people[person].isPresent == isPresent;
         const Key key = isMeant ? keyOfPerson(m_people[person]) : kNoKey;
         if (key != kNoKey) {
-          index[key].push_back(person);
+          index.AddInFront(KeyHash()(key), person);
         }
       }
     }
     return index;
   }
 
-  template <typename AnyIndex, typename KeyOfCard>
-  [[nodiscard]] auto FindFor(std::size_t card, AnyIndex& index, const KeyOfCard& keyOfCard) {
-    ++m_matches.looks;
-    const Key key = m_matches.people[card] == Matches::kNobody ? keyOfCard(card) : kNoKey;
-    return key == kNoKey ? index.end() : index.find(key);
+  template <typename KeyOfCard, typename Each>
+  void ForEachFreeCard(const KeyOfCard& keyOfCard, const Each& each) {
+    for (std::size_t card = 0; card < m_cards.size(); ++card) {
+      ++m_matches.looks;
+      const Key key = m_matches.people[card] == Matches::kNobody ? keyOfCard(card) : kNoKey;
+      if (key != kNoKey) {
+        each(card, key);
+      }
+    }
   }
 
-  /// Returns the only one of `people` that the card may be. Those whom the book held last time
+  /// Returns the only person of the key that the card may be. Those whom the book held last time
   /// count first, and the others only if it held none of them. Returns kNobody if there is no such
   /// one.
-  [[nodiscard]] std::size_t SoleOf(const std::vector<std::size_t>& people, std::size_t card) {
+  template <typename KeyOfPerson>
+  [[nodiscard]] std::size_t FindSole(HashChains& index, const KeyOfPerson& keyOfPerson,
+                                     const Key& key, std::size_t card) {
     std::array<std::size_t, 2> counts{};
     std::array<std::size_t, 2> last{};
-    for (const std::size_t person : people) {
+    for (std::uint32_t person = index.At(KeyHash()(key)); person != HashChains::kEnd;
+         person = index.Next(person)) {
       ++m_matches.looks;
       const Person& known = m_people[person];
       const Digest& uid = m_cards[card].uid;
-      if (uid == kNoDigest || known.uid == kNoDigest || uid == known.uid) {
+      if (keyOfPerson(known) == key &&
+          (uid == kNoDigest || known.uid == kNoDigest || uid == known.uid)) {
         const std::size_t absence = known.isPresent ? 0 : 1;
         ++counts[absence];
         last[absence] = person;

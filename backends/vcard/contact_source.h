@@ -5,31 +5,11 @@
 #include <utility>
 #include <vector>
 
-#include "backends/vcard/telephone_kinds.h"
+#include "backends/vcard/contact_pool.h"
 #include "platform/desktop_books.h"
 #include "platform/result.h"
 
 namespace vcard {
-
-/// What the system knows of one contact.
-struct ContactData {
-  std::string uid;  ///< As the address book gives it; empty if it gives none.
-  std::u16string firstName;
-  std::u16string middleName;
-  std::u16string lastName;
-  std::u16string companyName;
-  Numbers numbers;
-
-  struct UnplacedNumber {
-    std::u16string number;
-    std::size_t line = 0;  ///< Of the stream; 0 if not known.
-  };
-  std::vector<UnplacedNumber> unplaced;  ///< Numbers of telephones for which there is no kind left.
-
-  /// What ContentOf gives for the names and numbers that the contact had under the former rules.
-  /// Empty if that is the same as now. Contacts of old entries are found by it.
-  std::string formerContent;
-};
 
 /// Something that was passed over while contacts were read, for the person who can correct it.
 struct Remark {
@@ -59,6 +39,9 @@ class RemarkList {
     }
   }
 
+  /// Returns how many there were, also of those that were not kept.
+  [[nodiscard]] std::size_t Count() const { return m_remarks.size() + m_further; }
+
   /// For remarks about lines that nobody can look up.
   void ForgetLines() {
     for (Remark& remark : m_remarks) {
@@ -84,7 +67,7 @@ class RemarkList {
 /// One address book as it was read.
 struct Book {
   std::u16string name;  ///< Lasting, and its own among all address books.
-  std::vector<ContactData> contacts;
+  ContactPool contacts;
   /// Whether a contact that is not in `contacts` is gone. It is not if something in the book could
   /// not be read, or if the book may not have been filled yet.
   bool isComplete = false;

@@ -15,24 +15,30 @@ namespace {
 
 constexpr std::size_t kNoLimit = static_cast<std::size_t>(-1);
 
-void SortForReading(std::vector<ContactData>& contacts) {
-  const auto nameOf = [](const ContactData& contact) {
-    return contact.lastName + u' ' + contact.firstName + u' ' + contact.middleName + u' ' +
-           contact.companyName;
+/// Returns the contacts in the order of their names.
+ContactPool SortForReading(const ContactPool& contacts) {
+  struct Entry {
+    std::u16string name;
+    std::string uid;
+    std::size_t index;
   };
-  std::vector<std::pair<std::u16string, ContactData>> named;
-  named.reserve(contacts.size());
-  for (ContactData& contact : contacts) {
-    std::u16string name = nameOf(contact);
+  std::vector<Entry> entries;
+  entries.reserve(contacts.size());
+  for (const ContactData contact : contacts) {
+    std::u16string name = contact.lastName + u' ' + contact.firstName + u' ' + contact.middleName +
+                          u' ' + contact.companyName;
     name.erase(0, name.find_first_not_of(u' '));
-    named.emplace_back(std::move(name), std::move(contact));
+    entries.push_back({std::move(name), contact.uid, entries.size()});
   }
-  std::sort(named.begin(), named.end(), [](const auto& a, const auto& b) {
-    const auto order = text::CompareForDisplay(a.first, b.first);
-    return std::is_neq(order) ? std::is_lt(order) : a.second.uid < b.second.uid;
+  std::sort(entries.begin(), entries.end(), [](const Entry& a, const Entry& b) {
+    const auto order = text::CompareForDisplay(a.name, b.name);
+    return std::is_neq(order) ? std::is_lt(order) : a.uid < b.uid;
   });
-  std::transform(named.begin(), named.end(), contacts.begin(),
-                 [](auto& entry) { return std::move(entry.second); });
+  ContactPool sorted;
+  for (const Entry& entry : entries) {
+    sorted.Add(contacts, entry.index);
+  }
+  return sorted;
 }
 
 Book ToBook(const platform::DesktopBook& read, RemarkList& remarks) {
@@ -44,7 +50,7 @@ Book ToBook(const platform::DesktopBook& read, RemarkList& remarks) {
   reader.Finish();
   // An empty book may be one that was lost and made again.
   book.isComplete = book.isComplete && !book.contacts.empty();
-  SortForReading(book.contacts);
+  book.contacts = SortForReading(book.contacts);
   return book;
 }
 

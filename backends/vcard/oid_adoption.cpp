@@ -26,8 +26,9 @@ std::vector<CardKeys> CardsOf(std::span<const Person> people) {
   std::vector<CardKeys> cards;
   cards.reserve(people.size());
   for (const Person& person : people) {
-    cards.push_back(
-        {person.uid, person.name, person.content, uids[person.uid] == 1, names[person.name] == 1});
+    cards.push_back({{person.uid, person.name, person.content},
+                     uids[person.uid] == 1,
+                     names[person.name] == 1});
   }
   return cards;
 }

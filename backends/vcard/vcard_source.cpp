@@ -44,8 +44,8 @@ std::u16string NameOfFile(std::u16string_view path) {
   return std::u16string(u"vcard:").append(path);
 }
 
-VcardSource::VcardSource(platform::FileSystem& files, std::u16string path)
-    : m_files(files), m_path(std::move(path)) {
+VcardSource::VcardSource(platform::FileSystem& files, std::u16string path, OpenCache openCache)
+    : m_files(files), m_path(std::move(path)), m_openCache(std::move(openCache)) {
   while (m_path.size() > 1 && m_path.back() == SeparatorOf(m_path)) {
     m_path.pop_back();
   }
@@ -60,8 +60,7 @@ ReadBooks VcardSource::Read(RemarkList& remarks) {
   Book book;
   book.name = NameOfFile(m_path);
   book.isComplete = true;
-  const auto read =
-      (*found)->isFolder ? ReadFolder(book, remarks) : ReadFile(m_path, book, remarks);
+  const auto read = (*found)->isFolder ? ReadFolder(book, remarks) : ReadOrRecall(book, remarks);
   if (!read || book.contacts.empty()) {
     return Failure(platform::BooksError());
   }
@@ -122,20 +121,47 @@ bool VcardSource::IsLink(const std::u16string& path) const {
   return !file && file.error() == FileError::kLink;
 }
 
+VcardSource::OpenedFile VcardSource::Open(const std::u16string& path) const {
+  auto file = m_files.Open(path, {platform::FileAccess::kRead, platform::FileShare::kRead,
+                                  platform::FileCreation::kOpenExisting});
+  const bool isCircle = !file && file.error() == FileError::kOther && IsLink(path);
+  return isCircle ? Failure(FileError::kLink) : std::move(file);
+}
+
 VcardSource::ReadPart VcardSource::ReadFile(const std::u16string& path, Book& book,
                                             RemarkList& remarks) {
-  const auto file = m_files.Open(path, {platform::FileAccess::kRead, platform::FileShare::kRead,
-                                        platform::FileCreation::kOpenExisting});
+  const OpenedFile file = Open(path);
+  return file ? ReadCards(**file, path, book, remarks) : Failure(file.error());
+}
+
+// The file may be changed while it is read. So what was read counts for the version that the file
+// had before, and only if it still has that one.
+VcardSource::ReadPart VcardSource::ReadOrRecall(Book& book, RemarkList& remarks) {
+  const OpenedFile file = Open(m_path);
   if (!file) {
-    const bool isCircle = file.error() == FileError::kOther && IsLink(path);
-    return Failure(isCircle ? FileError::kLink : file.error());
+    return Failure(file.error());
   }
+  const auto version = (*file)->GetVersion();
+  const bool canBeKept = version && BookCache::CanKeep(*version) && m_openCache;
+  platform::FileSystem* const cache = canBeKept ? m_openCache() : nullptr;
+  if (cache != nullptr && BookCache(*cache).Recall(m_path, *version, book, remarks)) {
+    return {};
+  }
+  auto read = ReadCards(**file, m_path, book, remarks);
+  if (read && cache != nullptr && (*file)->GetVersion() == version) {
+    BookCache(*cache).Keep(m_path, *version, book, remarks);
+  }
+  return read;
+}
+
+VcardSource::ReadPart VcardSource::ReadCards(platform::File& file, const std::u16string& path,
+                                             Book& book, RemarkList& remarks) const {
   CardReader reader(path, kMaxContacts, book, remarks);
   const auto chunk = std::make_unique<std::array<std::byte, kChunkSize>>();
   std::uint64_t total = 0;
   std::size_t length = kChunkSize;
   while (length == kChunkSize) {
-    const auto read = (*file)->Read(*chunk);
+    const auto read = file.Read(*chunk);
     total += read.value_or(0);
     if (!read || total > kMaxBytes || book.contacts.size() > kMaxContacts) {
       return Failure(FileError::kOther);

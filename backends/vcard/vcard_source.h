@@ -1,8 +1,10 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <string_view>
 
+#include "backends/vcard/book_cache.h"
 #include "backends/vcard/card_reader.h"
 #include "backends/vcard/contact_source.h"
 #include "platform/file_system.h"
@@ -21,8 +23,9 @@ class VcardSource final : public ContactSource {
   static constexpr std::size_t kMaxContacts = 100'000;
   static constexpr std::uint64_t kMaxBytes = std::uint64_t{1} << 30;
 
-  /// `path` is absolute, or one of the device. It names the book for good.
-  VcardSource(platform::FileSystem& files, std::u16string path);
+  /// `path` is absolute, or one of the device. It names the book for good. With `openCache`, a file
+  /// that has not changed since it was last read is not read again. A folder always is.
+  VcardSource(platform::FileSystem& files, std::u16string path, OpenCache openCache = {});
 
   /// A file of a folder is passed over if it is not there, as at the end of a dangling link, or if
   /// it may not be opened. So is a link that cannot be followed, as one in a circle. A source
@@ -32,15 +35,22 @@ class VcardSource final : public ContactSource {
 
  private:
   using ReadPart = platform::Result<void, platform::FileError>;
+  using OpenedFile = platform::Result<std::unique_ptr<platform::File>, platform::FileError>;
 
   [[nodiscard]] ReadPart ReadFolder(Book& book, RemarkList& remarks);
   [[nodiscard]] ReadPart ReadFileOfFolder(const std::u16string& path, Book& book,
                                           RemarkList& remarks);
   [[nodiscard]] ReadPart ReadFile(const std::u16string& path, Book& book, RemarkList& remarks);
+  /// The same for a file that is the whole source.
+  [[nodiscard]] ReadPart ReadOrRecall(Book& book, RemarkList& remarks);
+  [[nodiscard]] ReadPart ReadCards(platform::File& file, const std::u16string& path, Book& book,
+                                   RemarkList& remarks) const;
+  [[nodiscard]] OpenedFile Open(const std::u16string& path) const;
   [[nodiscard]] bool IsLink(const std::u16string& path) const;
 
   platform::FileSystem& m_files;
   std::u16string m_path;
+  const OpenCache m_openCache;
 };
 
 }  // namespace vcard

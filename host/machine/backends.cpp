@@ -176,6 +176,10 @@ vcard::AddressBooks& Backends::GetContacts(platform::Threads& threads) {
     }
     options.defaultPath = FindDefaultContacts(GetFiles());
     options.changesNothing = m_changesNothing;
+    options.openCache = [this] {
+      m_cache = m_cache ? std::move(m_cache) : MakeCache();
+      return m_cache.get();
+    };
     options.nothingFound = [this] {
       if (m_noContacts) {
         m_noContacts();
@@ -183,6 +187,8 @@ vcard::AddressBooks& Backends::GetContacts(platform::Threads& threads) {
     };
     options.oidsInUse = [this] {
       MakeRoot();
+      // Without a group, each entry of a tag would be some transactions of its own.
+      const auto group = platform::RegistryGroup::BeginReading(GetRegistry());
       return tags::FindOidsInUse(storage::TagStore(GetFiles(), GetRegistry()));
     };
     m_contacts = std::make_unique<vcard::AddressBooks>(GetFiles(), GetRegistry(), options);

@@ -99,6 +99,7 @@ class Backends {
   const std::unique_ptr<platform::Clock> m_clock;
   std::unique_ptr<platform::FileSystem> m_files;
   std::unique_ptr<platform::Registry> m_registry;
+  std::unique_ptr<platform::FileSystem> m_cache;
   vcard::DesktopSource m_desktop;
   std::unique_ptr<vcard::BackgroundSource> m_waitedDesktop;
   std::function<void()> m_noContacts;

@@ -1,5 +1,8 @@
 // The back ends of a Linux desktop.
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <cstdlib>
 #include <utility>
 
@@ -45,6 +48,25 @@ std::optional<fs::path> FindDefaultRoot() {
     return *home / ".local/share" / kRootName;
   }
   return std::nullopt;
+}
+
+// Whoever may write there could give somebody another telephone number. So a folder that is not the
+// user's own, or in which others may write, is not used. Its name is not followed if it is a link.
+std::unique_ptr<platform::FileSystem> MakeCache() {
+  std::optional<fs::path> folder = GetFolder("XDG_CACHE_HOME");
+  if (!folder) {
+    folder = GetFolder("HOME");
+    if (!folder) {
+      return nullptr;
+    }
+    *folder /= ".cache";
+  }
+  *folder /= "voxtrel";
+  static_cast<void>(posix::MakeFolders(folder->native()));
+  struct stat status {};
+  const bool isOwn = ::lstat(folder->c_str(), &status) == 0 && S_ISDIR(status.st_mode) &&
+                     status.st_uid == ::geteuid() && (status.st_mode & (S_IWGRP | S_IWOTH)) == 0;
+  return isOwn ? std::make_unique<posix::PosixFileSystem>(ToName(*folder)) : nullptr;
 }
 
 std::u16string FindDefaultContacts(platform::FileSystem& /*files*/) { return u"\\contacts.vcf"; }

@@ -14,11 +14,22 @@
 #include "tags/contact_reading.h"
 
 namespace session {
+namespace {
+
+platform::Result<storage::TagList, platform::RegistryError> ListAtOnce(Session& session) {
+  const auto group = platform::RegistryGroup::BeginReading(session.GetRegistry());
+  if (!group) {
+    return platform::Failure(group.error());
+  }
+  return storage::TagStore(session.GetFiles(), session.GetRegistry()).ListNames();
+}
+
+}  // namespace
 
 platform::Result<std::vector<tags::ListedTag>, platform::RegistryError> ReadAtOnce(
     const platform::Platform& platform, bool hasContacts) {
   // A group is one state of the settings, whatever another process writes meanwhile.
-  auto group = platform::RegistryGroup::Begin(platform.registry);
+  auto group = platform::RegistryGroup::BeginReading(platform.registry);
   if (!group) {
     return platform::Failure(group.error());
   }
@@ -51,7 +62,7 @@ void WarnOfContacts(Session& session) {
 
 platform::Result<std::vector<std::u16string>, platform::RegistryError> ListTagNames(
     Session& session) {
-  auto list = storage::TagStore(session.GetFiles(), session.GetRegistry()).ListNames();
+  auto list = ListAtOnce(session);
   if (!list) {
     return platform::Failure(list.error());
   }

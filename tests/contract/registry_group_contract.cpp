@@ -98,6 +98,23 @@ TEST_P(RegistryContract, GroupsDoNotNestAndTheOuterOneGoesOn) {
   EXPECT_TRUE(KeyExists(Store(), u"a"));
 }
 
+TEST_P(RegistryContract, AGroupForReadingReadsWhatIsThereAndEndsAsOthersDo) {
+  ASSERT_EQ(support::ErrorOf(Put(Store(), u"a", u"v", RegistryType::kBinary, kOld)), std::nullopt);
+  {
+    auto group = platform::RegistryGroup::BeginReading(Store());
+    ASSERT_EQ(support::ErrorOf(group), std::nullopt);
+    EXPECT_EQ(support::ErrorOf(Store().BeginReading()), RegistryError::kInvalid);
+    EXPECT_EQ(BytesOf(Store(), u"a", u"v"), kOld);
+    EXPECT_EQ(support::ErrorOf(group->Commit()), std::nullopt);
+  }
+  {
+    const auto group = platform::RegistryGroup::BeginReading(Store());
+    EXPECT_EQ(BytesOf(Store(), u"a", u"v"), kOld);
+  }
+  EXPECT_EQ(support::ErrorOf(Put(Store(), u"a", u"v", RegistryType::kBinary, kNew)), std::nullopt);
+  EXPECT_EQ(BytesOf(Store(), u"a", u"v"), kNew);
+}
+
 TEST_P(RegistryContract, WithoutAGroupThereIsNothingToCommitOrCancel) {
   EXPECT_EQ(support::ErrorOf(Store().CommitGroup()), RegistryError::kInvalid);
   Store().CancelGroup();

@@ -103,6 +103,7 @@ void MemoryDisk::Publish(MemoryNode& file, const Place& to) {
   }
   m_used -= target->bytes.size();
   target->bytes = std::exchange(file.bytes, {});
+  target->changes = ++m_changes;
 }
 
 std::uint64_t MemoryDisk::Room() const { return m_capacity - std::min(m_used, m_capacity); }
@@ -114,6 +115,7 @@ bool MemoryDisk::Resize(MemoryNode& file, std::uint64_t length) {
   }
   file.bytes.resize(static_cast<std::size_t>(length));
   m_used = m_used - before + length;
+  file.changes = ++m_changes;
   return true;
 }
 
@@ -130,12 +132,14 @@ std::size_t MemoryDisk::Write(MemoryNode& file, std::uint64_t offset,
     return 0;
   }
   std::copy_n(bytes.begin(), count, file.bytes.begin() + static_cast<std::ptrdiff_t>(offset));
+  file.changes = ++m_changes;
   return count;
 }
 
 void MemoryDisk::Put(MemoryNode& file, std::span<const std::byte> bytes) {
   m_used = m_used - file.bytes.size() + bytes.size();
   file.bytes.assign(bytes.begin(), bytes.end());
+  file.changes = ++m_changes;
 }
 
 std::vector<std::u16string> MemoryDisk::ListFiles() const {
@@ -178,6 +182,15 @@ Result<std::uint64_t, FileError> MemoryFile::GetLength() {
     return Failure(FileError::kClosed);
   }
   return m_node->bytes.size();
+}
+
+std::optional<platform::FileVersion> MemoryFile::GetVersion() {
+  const std::lock_guard lock(m_disk->mutex);
+  if (m_node == nullptr) {
+    return std::nullopt;
+  }
+  return platform::FileVersion{
+      .length = m_node->bytes.size(), .changed = m_node->changes, .isSettled = true};
 }
 
 Result<void, FileError> MemoryFile::Seek(std::uint64_t offset) {

@@ -21,6 +21,7 @@ struct MemoryNode {
   bool isFolder = false;
   bool isReadOnly = false;
   std::vector<std::byte> bytes;
+  std::int64_t changes = 0;   ///< Differs from that of every other state of any file.
   std::uint32_t readers = 0;  ///< Holders that go together with each other.
   bool isHeldAlone = false;   ///< By a holder that goes together with none.
   std::map<std::u16string, std::unique_ptr<MemoryNode>> children;  ///< By the name to compare.
@@ -82,6 +83,7 @@ class MemoryDisk {
   MemoryNode m_host;
   std::uint64_t m_capacity;
   std::uint64_t m_used = 0;
+  std::int64_t m_changes = 0;
 };
 
 /// Whether opening so, or the holder of it, may change the file.
@@ -100,6 +102,7 @@ class MemoryFile final : public platform::File {
   ~MemoryFile() override;
 
   [[nodiscard]] platform::Result<std::uint64_t, platform::FileError> GetLength() override;
+  [[nodiscard]] std::optional<platform::FileVersion> GetVersion() override;
   [[nodiscard]] platform::Result<void, platform::FileError> Seek(std::uint64_t offset) override;
   [[nodiscard]] platform::Result<std::size_t, platform::FileError> Read(
       std::span<std::byte> into) override;

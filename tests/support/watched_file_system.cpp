@@ -33,6 +33,11 @@ class WatchedFileSystem::WatchedFile final : public platform::File {
     return m_owner.Count().and_then([&] { return m_inner->GetLength(); });
   }
 
+  /// Nothing fails here: a version that is not known is no error.
+  [[nodiscard]] std::optional<platform::FileVersion> GetVersion() override {
+    return m_inner->GetVersion();
+  }
+
   [[nodiscard]] Result<void, FileError> Seek(std::uint64_t offset) override {
     return m_owner.Count().and_then([&] { return m_inner->Seek(offset); });
   }

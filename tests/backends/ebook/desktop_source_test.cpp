@@ -44,7 +44,7 @@ TEST(DesktopSource, ReadsAThousandContactsInTheOrderOfTheirNames) {
   DesktopBook().Add(People(1000));
   const std::vector<Book> books = ReadAll();
   ASSERT_EQ(books.size(), 1U);
-  const std::vector<ContactData>& contacts = books[0].contacts;
+  const ContactPool& contacts = books[0].contacts;
   ASSERT_EQ(contacts.size(), 1000U);
   EXPECT_TRUE(books[0].isComplete);
   EXPECT_EQ(NamesOf(contacts[0]), "Family0|Given||");

@@ -142,6 +142,18 @@ TEST_F(SqliteRegistryReading, AGroupReadsOneStateAndWaitsForNoWriter) {
   EXPECT_THAT(SubkeyNames(registry, u"tags"), ElementsAre(u"1", u"2"));
 }
 
+TEST_F(SqliteRegistryReading, AGroupForReadingKeepsNobodyFromWriting) {
+  MakeStore();
+  const auto reader = Writer();
+  auto group = RegistryGroup::BeginReading(*reader);
+  ASSERT_EQ(support::ErrorOf(group), std::nullopt);
+  EXPECT_EQ(support::ErrorOf(PutText(*Writer(), u"tags\\2", u"v", u"new")), std::nullopt);
+  EXPECT_THAT(SubkeyNames(*reader, u"tags"), ElementsAre(u"1"));
+  ASSERT_EQ(support::ErrorOf(group->Commit()), std::nullopt);
+  EXPECT_THAT(SubkeyNames(*reader, u"tags"), ElementsAre(u"1", u"2"));
+  EXPECT_EQ(support::ErrorOf(PutText(*reader, u"tags\\3", u"v", u"own")), std::nullopt);
+}
+
 TEST_F(SqliteRegistryReading, AFinishedStoreIsReadIfNoIndexCanBeMade) {
   MakeStore();
   ASSERT_FALSE(HasLogFiles());

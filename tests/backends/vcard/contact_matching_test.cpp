@@ -27,7 +27,7 @@ std::size_t LooksFor(std::size_t count, const ContactData& like, const ContactDa
     const auto oid = static_cast<std::int32_t>(people.size() + 1);
     people.push_back({oid, keys.uid, keys.name, keys.content, people.size() % 2 == 0, kNoDigest});
   }
-  book.contacts.assign(count, like);
+  book.contacts = std::vector(count, like);
   return MatchCards(KeysOf(book), {}, people).looks;
 }
 

@@ -26,7 +26,9 @@ constexpr std::u16string_view kFirstBook = u"Software\\Zedra\\Voxtrel Contacts\\
 Book BookOf(std::u16string name, const std::vector<std::string>& uids) {
   Book book{std::move(name), {}, true};
   for (const std::string& uid : uids) {
-    book.contacts.emplace_back().uid = uid;
+    ContactData contact;
+    contact.uid = uid;
+    book.contacts.Add(contact);
   }
   return book;
 }

@@ -118,8 +118,8 @@ TEST_F(VcardSourceTest, TheOrderOfAFolderIsThatOfTheNamesHoweverTheyAreFound) {
   const ReadBooks books = ReadFrom(backwards, u"/cards");
   ASSERT_TRUE(books);
   ASSERT_EQ(books->front().contacts.size(), 3U);
-  EXPECT_EQ(books->front().contacts.front().lastName, u"A");
-  EXPECT_EQ(books->front().contacts.back().lastName, u"C");
+  EXPECT_EQ(books->front().contacts[0].lastName, u"A");
+  EXPECT_EQ(books->front().contacts[2].lastName, u"C");
 }
 
 TEST_F(VcardSourceTest, AFolderNamedAsACardIsPassedOver) {
