@@ -229,6 +229,15 @@ bool BookCache::Recall(std::u16string_view path, const platform::FileVersion& ve
   return true;
 }
 
+std::vector<std::byte> BookCache::WithSum(Bytes content) {
+  Checksum sum;
+  sum.Add(content);
+  std::vector<std::byte> bytes;
+  AppendNumber(bytes, sum.Finish());
+  bytes.insert(bytes.end(), content.begin(), content.end());
+  return bytes;
+}
+
 // A book with torn cards, or with more remarks than are kept, is damaged, and its user will mend
 // it.
 void BookCache::Keep(std::u16string_view path, const platform::FileVersion& version,

@@ -2,7 +2,9 @@
 
 #include <cstdint>
 #include <functional>
+#include <span>
 #include <string_view>
+#include <vector>
 
 #include "backends/vcard/contact_source.h"
 #include "platform/file_system.h"
@@ -41,6 +43,9 @@ class BookCache {
   /// has.
   void Keep(std::u16string_view path, const platform::FileVersion& version, const Book& book,
             const RemarkList& remarks);
+
+  /// Returns the bytes of a copy: `content` after its checksum.
+  [[nodiscard]] static std::vector<std::byte> WithSum(std::span<const std::byte> content);
 
  private:
   platform::FileSystem& m_files;
