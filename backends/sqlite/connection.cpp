@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "backends/sqlite/schema.h"
+#include "backends/sqlite/sound_mark.h"
 
 namespace sqlite {
 
@@ -51,15 +52,6 @@ std::string NameWithoutLog(const std::filesystem::path& database) {
     }
   }
   return name + "?immutable=1";
-}
-
-/// Whether changes lie next to the database that it does not hold yet, or may do so.
-bool HasLog(const std::filesystem::path& database) {
-  std::filesystem::path log = database;
-  log += "-wal";
-  std::error_code error;
-  const std::uintmax_t length = std::filesystem::file_size(log, error);
-  return error ? error != std::errc::no_such_file_or_directory : length > 0;
 }
 
 /// Makes an empty file of its user alone if there is none. The library takes it for a new database,
@@ -208,7 +200,7 @@ Result<void, RegistryError> Connection::FillInMemory(const Settings& settings) {
       nullptr);
   m_database.reset(database);
   return ToResult(result)
-      .and_then([&] { return PrepareSchema(database, settings.initialKeys); })
+      .and_then([&] { return PrepareSchema(database, settings.initialKeys, Pages::kUnknown); })
       .and_then([&] { return Configure(settings); })
       .and_then([&] { return MakeReady(settings); });
 }
@@ -234,13 +226,18 @@ Result<void, RegistryError> Connection::Configure(const Settings& settings) cons
 
 Result<void, RegistryError> Connection::MakeReady(const Settings& settings) {
   sqlite3* const database = m_database.get();
-  const auto checked = m_isReading ? CheckSchema(database)
-                                   : PrepareSchema(database, settings.initialKeys).and_then([this] {
-                                       return UseWriteAheadLog();
-                                     });
+  const SoundMark mark(m_isStandIn ? std::filesystem::path() : settings.database,
+                       settings.findSoundMark);
+  const Pages pages = mark.IsKnownSound() ? Pages::kKnownSound : Pages::kUnknown;
+  const auto checked = m_isReading
+                           ? CheckSchema(database, pages)
+                           : PrepareSchema(database, settings.initialKeys, pages).and_then([this] {
+                               return UseWriteAheadLog();
+                             });
   if (!checked) {
     return checked;
   }
+  mark.Keep();
   // After the check of all pages, which must not stumble over a row that is too long.
   sqlite3_limit(database, SQLITE_LIMIT_LENGTH, kLongestRow);
   return m_store.Prepare(database, settings.number);

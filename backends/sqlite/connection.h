@@ -7,6 +7,7 @@
 #include <span>
 #include <string>
 
+#include "backends/sqlite/sound_mark.h"
 #include "backends/sqlite/statement.h"
 #include "backends/sqlite/store.h"
 #include "platform/registry.h"
@@ -40,6 +41,7 @@ class Connection {
     std::chrono::milliseconds busyLimit;
     std::string fileLayer;
     Access access = Access::kChange;
+    FindSoundMark findSoundMark;
     std::uint32_t number = 0;  ///< Differs from that of every other connection of one registry.
   };
 

@@ -142,7 +142,7 @@ Result<void, RegistryError> CreateIfEmpty(sqlite3* database,
 
 }  // namespace
 
-Result<void, RegistryError> CheckSchema(sqlite3* database) {
+Result<void, RegistryError> CheckSchema(sqlite3* database, Pages pages) {
   // In one transaction: half of it from before another process made the store, and half from after,
   // would pass for damage.
   if (const int begun = Execute(database, "BEGIN"); begun != SQLITE_OK) {
@@ -165,18 +165,20 @@ Result<void, RegistryError> CheckSchema(sqlite3* database) {
   if (identity->version > kSchemaVersion) {
     return Failure(RegistryError::kNewerStore);
   }
-  const auto pages = CheckPages(database);
-  return pages ? CheckRoot(database) : pages;
+  const auto checked =
+      pages == Pages::kKnownSound ? Result<void, RegistryError>() : CheckPages(database);
+  return checked ? CheckRoot(database) : checked;
 }
 
 Result<void, RegistryError> PrepareSchema(sqlite3* database,
-                                          std::span<const std::u16string> initialKeys) {
-  const auto checked = CheckSchema(database);
+                                          std::span<const std::u16string> initialKeys,
+                                          Pages pages) {
+  const auto checked = CheckSchema(database, pages);
   if (checked || checked.error() != RegistryError::kNotFound) {
     return checked;
   }
   const auto created = CreateIfEmpty(database, initialKeys);
-  return created ? CheckSchema(database) : created;
+  return created ? CheckSchema(database, Pages::kUnknown) : created;
 }
 
 }  // namespace sqlite

@@ -15,14 +15,21 @@ namespace sqlite {
 inline constexpr std::int64_t kApplicationId = 0x56505245;
 inline constexpr std::int64_t kSchemaVersion = 1;
 
+/// What is known of the pages of a database.
+enum class Pages : std::uint8_t {
+  kUnknown,
+  kKnownSound,  ///< They need not be looked at.
+};
+
 /// Checks that the database holds a registry. Fails with kNotFound if it holds nothing at all, and
 /// with kDamaged or kNewerStore if it holds anything else. Changes nothing.
-[[nodiscard]] platform::Result<void, platform::RegistryError> CheckSchema(sqlite3* database);
+[[nodiscard]] platform::Result<void, platform::RegistryError> CheckSchema(sqlite3* database,
+                                                                          Pages pages);
 
 /// Makes sure that the database holds a registry. A database that holds nothing at all gets one,
 /// with its root key and the keys `initialKeys`, in one step; one that holds anything else is left
 /// as it is and refused: kDamaged, kNewerStore.
 [[nodiscard]] platform::Result<void, platform::RegistryError> PrepareSchema(
-    sqlite3* database, std::span<const std::u16string> initialKeys);
+    sqlite3* database, std::span<const std::u16string> initialKeys, Pages pages);
 
 }  // namespace sqlite

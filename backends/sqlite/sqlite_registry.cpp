@@ -228,8 +228,9 @@ Result<void, RegistryError> SqliteRegistry::Connect() {
 }
 
 Result<void, RegistryError> SqliteRegistry::Open(Access access) {
-  auto opened = Connection::Open({m_database, m_options.initialKeys, m_options.busyLimit,
-                                  m_options.fileLayer, access, ++m_connectionCount});
+  auto opened =
+      Connection::Open({m_database, m_options.initialKeys, m_options.busyLimit, m_options.fileLayer,
+                        access, m_options.findSoundMark, ++m_connectionCount});
   if (!opened) {
     return Failure(opened.error());
   }

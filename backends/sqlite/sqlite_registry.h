@@ -29,6 +29,9 @@ struct RegistryOptions {
   std::string fileLayer;
 
   Access access = Access::kChange;
+
+  /// Without it, each opening looks at all pages of the database.
+  FindSoundMark findSoundMark = {};
 };
 
 /// The registry in one SQLite database, which other processes may have open as well. The database

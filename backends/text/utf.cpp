@@ -1,7 +1,10 @@
 #include "backends/text/utf.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
+#include <iterator>
 
 // This is not left to a library, since libraries put one replacement character in the place of a
 // whole broken sequence. Names of files need each byte of it kept.
@@ -71,12 +74,35 @@ void Append(std::string& utf8, char32_t character) {
   }
 }
 
+/// Returns how many bytes at the start of `bytes` are ASCII. Nearly all text is, so they are taken
+/// eight at a time.
+std::size_t CountAscii(std::string_view bytes) {
+  constexpr std::uint64_t kHighBits = 0x8080808080808080;
+  std::size_t count = 0;
+  for (std::uint64_t word = 0; bytes.size() - count >= sizeof word; count += sizeof word) {
+    std::memcpy(&word, bytes.data() + count, sizeof word);
+    if ((word & kHighBits) != 0) {
+      break;
+    }
+  }
+  while (count < bytes.size() && ByteAt(bytes, count) < 0x80) {
+    ++count;
+  }
+  return count;
+}
+
 /// `strayByte` gives the character that stands for a byte which is no part of well-formed UTF-8.
 template <typename StrayByte>
 std::u16string Convert(std::string_view utf8, StrayByte strayByte) {
   std::u16string text;
   text.reserve(utf8.size());
-  while (!utf8.empty()) {
+  while (true) {
+    const std::size_t ascii = CountAscii(utf8);
+    text.append(utf8.begin(), utf8.begin() + static_cast<std::ptrdiff_t>(ascii));
+    utf8.remove_prefix(ascii);
+    if (utf8.empty()) {
+      return text;
+    }
     const Sequence sequence = Decode(utf8);
     if (sequence.length == 0) {
       AppendCharacter(text, strayByte(ByteAt(utf8, 0)));
@@ -87,7 +113,6 @@ std::u16string Convert(std::string_view utf8, StrayByte strayByte) {
       utf8.remove_prefix(sequence.length);
     }
   }
-  return text;
 }
 
 }  // namespace
@@ -119,8 +144,15 @@ std::string ToUtf8(std::u16string_view text) {
   std::string utf8;
   utf8.reserve(text.size());
   for (std::size_t at = 0; at < text.size();) {
-    const char32_t character = NextCharacter(text, at);
-    Append(utf8, IsSurrogate(character) ? kReplacement : character);
+    const auto rest = text.begin() + static_cast<std::ptrdiff_t>(at);
+    const auto ascii = std::find_if(rest, text.end(), [](char16_t unit) { return unit >= 0x80; });
+    std::transform(rest, ascii, std::back_inserter(utf8),
+                   [](char16_t unit) { return static_cast<char>(unit); });
+    at = static_cast<std::size_t>(ascii - text.begin());
+    if (at < text.size()) {
+      const char32_t character = NextCharacter(text, at);
+      Append(utf8, IsSurrogate(character) ? kReplacement : character);
+    }
   }
   return utf8;
 }
@@ -130,14 +162,17 @@ std::u16string FromUtf8(std::string_view utf8) {
 }
 
 bool IsUtf8(std::string_view bytes) {
-  while (!bytes.empty()) {
+  while (true) {
+    bytes.remove_prefix(CountAscii(bytes));
+    if (bytes.empty()) {
+      return true;
+    }
     const Sequence sequence = Decode(bytes);
     if (sequence.length == 0) {
       return false;
     }
     bytes.remove_prefix(sequence.length);
   }
-  return true;
 }
 
 std::u16string FromHostName(std::string_view name) {

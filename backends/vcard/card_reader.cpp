@@ -29,7 +29,9 @@ std::u16string ToShownText(std::string_view value) {
   if (first == std::u16string::npos) {
     return {};
   }
-  return shown.substr(first, shown.find_last_not_of(u' ') - first + 1);
+  shown.erase(shown.find_last_not_of(u' ') + 1);
+  shown.erase(0, first);
+  return shown;
 }
 
 /// Returns component `index` of a structured value such as N or ORG.
@@ -209,6 +211,31 @@ std::optional<Card> FormerCard(const Card& card) {
   return former;
 }
 
+bool Holds(const ContentLine& line, char c) {
+  return std::ranges::any_of(line.components, [c](const std::string& component) {
+    return component.find(c) != std::string::npos;
+  });
+}
+
+/// Returns whether the rules of former versions may make another contact of the card. They differ
+/// in some values, in commas of names, in what stands for a name that is missing, in preferences
+/// with a number, labels, extensions, and in a second mobile number.
+bool MayReadOtherwise(const Card& card) {
+  std::size_t mobiles = 0;
+  const ContentLine* name = nullptr;
+  for (const ContentLine& line : card) {
+    const bool isOdd = IsTelephone(line) && (line.preference > 0 || !line.label.empty() ||
+                                             line.components.size() > 1 || Holds(line, ';'));
+    if (isOdd || !line.formerComponents.empty() || line.name == "X-ABLABEL") {
+      return true;
+    }
+    name = name == nullptr && line.name == "N" ? &line : name;
+    mobiles += std::ranges::find(line.words, "CELL") != line.words.end() ? 1 : 0;
+  }
+  return mobiles > 1 || name == nullptr || Holds(*name, ',') ||
+         (Component(name->components, 0).empty() && Component(name->components, 1).empty());
+}
+
 bool SaysTheSame(const ContactData& a, const ContactData& b) {
   return a.lastName == b.lastName && a.firstName == b.firstName && a.middleName == b.middleName &&
          a.companyName == b.companyName && a.numbers == b.numbers;
@@ -216,9 +243,9 @@ bool SaysTheSame(const ContactData& a, const ContactData& b) {
 
 }  // namespace
 
-// Each card is read twice, by today's rules and by those of former versions. Entries that former
-// versions stored hold a digest of what they read. Only with the same reading can their contacts be
-// found again, and with them the tags.
+// Entries that former versions stored hold a digest of what they read. Only with the same reading
+// can their contacts be found again, and with them the tags. So a card is read a second time by the
+// rules of those versions, unless both readings are certain to be the same.
 ContactData ToContactData(const Card& card) {
   ContactData contact;
   for (const ContentLine& line : card) {
@@ -228,15 +255,19 @@ ContactData ToContactData(const Card& card) {
   }
   TakeNames(card, Rules::kNow, contact);
   TakeNumbers(card, Rules::kNow, contact);
+  if (MayReadOtherwise(card)) {
+    contact.formerContent = FormerContentOf(card, contact);
+  }
+  return contact;
+}
+
+std::string FormerContentOf(const Card& card, const ContactData& contact) {
   ContactData former;
   const std::optional<Card> readOtherwise = FormerCard(card);
   const Card& formerCard = readOtherwise ? *readOtherwise : card;
   TakeNames(formerCard, Rules::kFormer, former);
   TakeNumbers(formerCard, Rules::kFormer, former);
-  if (!SaysTheSame(contact, former)) {
-    contact.formerContent = ContentOf(former);
-  }
-  return contact;
+  return SaysTheSame(contact, former) ? std::string() : ContentOf(former);
 }
 
 CardReader::CardReader(std::u16string place, std::size_t maxContacts, Book& book,

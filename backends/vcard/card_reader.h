@@ -13,6 +13,9 @@ namespace vcard {
 /// Returns the contact that a card describes. Whatever the card holds, it is some contact.
 [[nodiscard]] ContactData ToContactData(const Card& card);
 
+/// Returns ContactData::formerContent of a card that reads as `contact` now.
+[[nodiscard]] std::string FormerContentOf(const Card& card, const ContactData& contact);
+
 /// Adds the contacts of a stream of vCards to a book, and a remark for each thing in it that is
 /// passed over: damage, numbers without a place. A damaged stream leaves the book incomplete.
 class CardReader {

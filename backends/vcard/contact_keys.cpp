@@ -73,7 +73,9 @@ std::u16string FullNameOf(const ContactData& contact) {
 }
 
 std::string ContentOf(const ContactData& contact) {
+  constexpr std::size_t kUsualLength = 200;
   std::string content;
+  content.reserve(kUsualLength);
   const auto add = [&content](const std::u16string& part) {
     content += '\n';
     content += text::ToUtf8(part);

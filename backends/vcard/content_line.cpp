@@ -168,8 +168,28 @@ std::vector<std::string> ReadComponents(std::string_view value, bool isQuotedPri
   return components;
 }
 
+bool IsAscii(std::string_view text) {
+  return std::all_of(text.begin(), text.end(),
+                     [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
+/// Returns whether former versions may have read the value otherwise.
+bool MayReadOtherwise(std::string_view value, const Encoding& encoding) {
+  return encoding.isBase64 || encoding.isQuotedPrintable || IsStateful(encoding.charset) ||
+         !IsAscii(value);
+}
+
+/// Returns whether the value stands there as it is meant, but for its backslashes. Most do.
+bool IsPlain(std::string_view value, const Encoding& encoding) {
+  return encoding.charset.empty() && !encoding.isBase64 && !encoding.isQuotedPrintable &&
+         IsAscii(value);
+}
+
 std::vector<std::string> ReadValue(std::string_view value, const Encoding& encoding,
                                    Commas commas) {
+  if (IsPlain(value, encoding)) {
+    return SplitValue(value, commas);
+  }
   const auto decode = [&encoding](std::string_view text) {
     std::optional<std::string> converted = ToUtf8(text, encoding.charset);
     return converted ? std::move(*converted) : GuessUtf8(text);
@@ -187,13 +207,6 @@ std::vector<std::string> ReadFormerValue(std::string_view value, const Encoding&
   return ReadComponents(
       value, encoding.isQuotedPrintable, Commas::kKept,
       [&encoding](std::string_view text) { return FormerUtf8(text, encoding.charset); });
-}
-
-/// Returns whether former versions may have read the value otherwise.
-bool MayReadOtherwise(std::string_view value, const Encoding& encoding) {
-  return encoding.isBase64 || encoding.isQuotedPrintable || IsStateful(encoding.charset) ||
-         std::any_of(value.begin(), value.end(),
-                     [](char c) { return static_cast<unsigned char>(c) >= 0x80; });
 }
 
 }  // namespace
@@ -230,8 +243,19 @@ std::optional<std::string> DecodeBase64(std::string_view text) {
 }
 
 std::vector<std::string> SplitValue(std::string_view value, Commas commas) {
+  const auto isPlain = [commas](char c) {
+    return c != ';' && c != '\\' && (c != ',' || commas == Commas::kKept);
+  };
   std::vector<std::string> components(1);
   for (std::size_t i = 0; i < value.size(); ++i) {
+    const std::size_t first = i;
+    while (i < value.size() && isPlain(value[i])) {
+      ++i;
+    }
+    components.back().append(value, first, i - first);
+    if (i == value.size()) {
+      break;
+    }
     const std::optional<char> escaped =
         value[i] == '\\' && i + 1 < value.size() ? Unescape(value[i + 1]) : std::nullopt;
     if (escaped) {
@@ -241,18 +265,19 @@ std::vector<std::string> SplitValue(std::string_view value, Commas commas) {
       components.emplace_back();
     } else {
       const bool isBetween = value[i] == ',' && (i + 1 == value.size() || value[i + 1] != ' ');
-      components.back() += isBetween && commas == Commas::kBlanks ? ' ' : value[i];
+      components.back() += isBetween ? ' ' : value[i];
     }
   }
   return components;
 }
 
 Property PropertyOf(std::string_view line) {
-  const std::size_t end = line.find_first_of(":;");
-  if (end == kNone) {
+  const auto found =
+      std::find_if(line.begin(), line.end(), [](char c) { return c == ':' || c == ';'; });
+  if (found == line.end()) {
     return {};
   }
-  const std::string_view whole = line.substr(0, end);
+  const std::string_view whole(line.begin(), found);
   const std::size_t stop = whole.rfind('.');
   return stop == kNone ? Property{{}, Trim(whole)}
                        : Property{Trim(whole.substr(0, stop)), Trim(whole.substr(stop + 1))};
@@ -267,8 +292,9 @@ std::optional<ContentLine> ParseContentLine(std::string_view line) {
   if (colon == kNone) {
     return std::nullopt;
   }
-  std::string parameters(line.substr(0, colon));
-  parameters.erase(0, parameters.find(';'));
+  std::string_view head = line.substr(0, colon);
+  head.remove_prefix(std::min(head.find(';'), head.size()));
+  std::string parameters(head);
   if (isQuoteOpen) {
     std::erase(parameters, '"');
   }
@@ -277,7 +303,9 @@ std::optional<ContentLine> ParseContentLine(std::string_view line) {
   parsed.group = ToUpper(property.group);
   parsed.name = ToUpper(property.name);
   Encoding encoding;
-  TakeParameters(GuessUtf8(parameters), parsed, encoding);
+  if (!parameters.empty()) {
+    TakeParameters(GuessUtf8(parameters), parsed, encoding);
+  }
   const std::string_view value = line.substr(colon + 1);
   parsed.components = ReadValue(value, encoding, Commas::kKept);
   if (parsed.name == "N") {

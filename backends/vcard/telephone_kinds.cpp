@@ -103,20 +103,23 @@ bool Place(const std::u16string& number, std::span<const Kind> places, Numbers& 
   return false;
 }
 
+using MaybePlaces = std::optional<std::span<const Kind>>;
+
 /// Returns 1 for the first, and kNoPreference for a line without a preference.
-int RankOf(const TelephoneLine& line, Rules rules) {
+int RankOf(const TelephoneLine& line, const MaybePlaces& places, Rules rules) {
   constexpr int kNoPreference = 101;
   if (line.preference > 0 && rules == Rules::kNow) {
     return line.preference;
   }
-  const auto places = PlacesOf(line.words);
   return places && places->size() == 1 && Has(line.words, "PREF") ? 1 : kNoPreference;
 }
 
-std::vector<std::size_t> ByPreference(std::span<const TelephoneLine> lines, Rules rules) {
+std::vector<std::size_t> ByPreference(std::span<const TelephoneLine> lines,
+                                      std::span<const MaybePlaces> places, Rules rules) {
   std::vector<std::pair<int, std::size_t>> ranked;
+  ranked.reserve(lines.size());
   for (std::size_t index = 0; index < lines.size(); ++index) {
-    ranked.emplace_back(RankOf(lines[index], rules), index);
+    ranked.emplace_back(RankOf(lines[index], places[index], rules), index);
   }
   std::sort(ranked.begin(), ranked.end());
   std::vector<std::size_t> order;
@@ -181,9 +184,14 @@ AssignedNumbers AssignNumbers(std::span<const TelephoneLine> lines, Rules rules)
   AssignedNumbers assigned;
   std::vector<std::size_t> unknown;
   std::vector<std::size_t> mobile;
-  for (const std::size_t index : ByPreference(lines, rules)) {
+  std::vector<MaybePlaces> allPlaces;
+  allPlaces.reserve(lines.size());
+  for (const TelephoneLine& line : lines) {
+    allPlaces.push_back(PlacesOf(line.words));
+  }
+  for (const std::size_t index : ByPreference(lines, allPlaces, rules)) {
     const TelephoneLine& line = lines[index];
-    const auto places = PlacesOf(line.words);
+    const MaybePlaces& places = allPlaces[index];
     if (!places) {
       if (!line.needsKind) {
         unknown.push_back(index);

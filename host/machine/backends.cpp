@@ -177,7 +177,10 @@ vcard::AddressBooks& Backends::GetContacts(platform::Threads& threads) {
     options.defaultPath = FindDefaultContacts(GetFiles());
     options.changesNothing = m_changesNothing;
     options.openCache = [this] {
-      m_cache = m_cache ? std::move(m_cache) : MakeCache();
+      const auto folder = m_cache ? std::nullopt : MakeCacheFolder();
+      if (folder) {
+        m_cache = MakeFiles(*folder);
+      }
       return m_cache.get();
     };
     options.nothingFound = [this] {

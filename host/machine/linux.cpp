@@ -52,12 +52,12 @@ std::optional<fs::path> FindDefaultRoot() {
 
 // Whoever may write there could give somebody another telephone number. So a folder that is not the
 // user's own, or in which others may write, is not used. Its name is not followed if it is a link.
-std::unique_ptr<platform::FileSystem> MakeCache() {
+std::optional<fs::path> MakeCacheFolder() {
   std::optional<fs::path> folder = GetFolder("XDG_CACHE_HOME");
   if (!folder) {
     folder = GetFolder("HOME");
     if (!folder) {
-      return nullptr;
+      return std::nullopt;
     }
     *folder /= ".cache";
   }
@@ -66,7 +66,7 @@ std::unique_ptr<platform::FileSystem> MakeCache() {
   struct stat status {};
   const bool isOwn = ::lstat(folder->c_str(), &status) == 0 && S_ISDIR(status.st_mode) &&
                      status.st_uid == ::geteuid() && (status.st_mode & (S_IWGRP | S_IWOTH)) == 0;
-  return isOwn ? std::make_unique<posix::PosixFileSystem>(ToName(*folder)) : nullptr;
+  return isOwn ? folder : std::nullopt;
 }
 
 std::u16string FindDefaultContacts(platform::FileSystem& /*files*/) { return u"\\contacts.vcf"; }
@@ -103,6 +103,13 @@ std::unique_ptr<platform::Registry> MakeRegistry(const fs::path& root, RegistryU
   sqlite::RegistryOptions options;
   options.initialKeys.assign(storage::kInstalledKeys.begin(), storage::kInstalledKeys.end());
   options.access = use == RegistryUse::kRead ? sqlite::Access::kRead : sqlite::Access::kChange;
+  options.findSoundMark = [] {
+    auto mark = MakeCacheFolder();
+    if (mark) {
+      *mark /= "sound";
+    }
+    return mark;
+  };
   return std::make_unique<sqlite::SqliteRegistry>(root / sqlite::kDatabaseName, options);
 }
 

@@ -30,8 +30,8 @@ namespace machine {
 [[nodiscard]] std::optional<std::filesystem::path> FindDefaultRoot();
 
 /// Returns the folder for what this program may lose at any time. It belongs to the user alone, and
-/// is made if it is missing. Returns null if there can be no such folder.
-[[nodiscard]] std::unique_ptr<platform::FileSystem> MakeCache();
+/// is made if it is missing. Returns nothing if there can be no such folder.
+[[nodiscard]] std::optional<std::filesystem::path> MakeCacheFolder();
 
 /// Makes the root folder if it is missing, and takes from other users every right to `paths`, which
 /// are paths of the device, to the files that lie directly in them, and to what else this system

@@ -46,6 +46,9 @@ std::u16string FindDefaultContacts(platform::FileSystem& files) {
   return files.Find(kOwnFile) || !folder ? std::u16string(kOwnFile) : ToName(*folder);
 }
 
+// Nothing is kept for the next time: files do not say their versions.
+std::optional<fs::path> MakeCacheFolder() { return std::nullopt; }
+
 // Below the user's own folder nobody else has a right to a file. In another folder the user who
 // chose it decides.
 void MakeRootFor(const fs::path& root, std::vector<std::u16string> /*paths*/) {

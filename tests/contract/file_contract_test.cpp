@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <chrono>
 #include <limits>
 #include <vector>
 
@@ -32,6 +33,28 @@ TEST_P(FileCalls, WriteAndReadAdvanceThePosition) {
   EXPECT_TRUE(file->Seek(1));
   EXPECT_EQ(ReadText(*file, 2), "bc");
   EXPECT_EQ(ReadText(*file, 2), "de");
+}
+
+TEST_P(FileCalls, AFileThatHasChangedHasAnotherVersion) {
+  Write(u"f", "abc");
+  const auto look = [this] { return MustOpen(u"f", kReadAlone)->GetVersion(); };
+  if (!look()) {
+    GTEST_SKIP() << "this system does not know versions";
+  }
+  // Until the clock of the files has gone on.
+  const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+  while (!look()->isSettled) {
+    ASSERT_LT(std::chrono::steady_clock::now(), limit);
+  }
+  const auto before = look();
+  EXPECT_EQ(before->length, 3U);
+  EXPECT_EQ(look(), before);
+  Write(u"f", "xyz");
+  EXPECT_NE(look(), before);
+  while (!look()->isSettled) {
+    ASSERT_LT(std::chrono::steady_clock::now(), limit);
+  }
+  EXPECT_NE(look(), before);
 }
 
 TEST_P(FileCalls, AReadReturnsLessOnlyAtTheEnd) {

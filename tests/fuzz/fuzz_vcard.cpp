@@ -49,6 +49,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Require(vcard::SeedsOf(whole.contacts) == vcard::SeedsOf(pieces.contacts),
           "contacts do not depend on the pieces");
   RequireRecognised(whole.contacts);
+  vcard::VcardSplitter([](const vcard::Card& card) {
+    const vcard::ContactData contact = vcard::ToContactData(card);
+    Require(contact.formerContent == vcard::FormerContentOf(card, contact),
+            "a card is read a second time if that makes a difference");
+  }).Feed(stream);
   const auto line = vcard::ParseContentLine(stream);
   Require(line.has_value() == (stream.find(':') != std::string_view::npos),
           "a line is one by its colon");

@@ -230,5 +230,43 @@ TEST(CardMapping, PassesOverWhatItDoesNotRead) {
             "Lee|Ann||");
 }
 
+// A second reading costs as much as the first one, and most cards need none.
+TEST(CardReader, ACardIsReadASecondTimeIfTheFormerRulesMakeSomethingElseOfIt) {
+  for (const char* lines : {"N:Lee;Ann;Mary;;\nTEL;CELL:1",
+                            "N:Lee;Ann;Mary,Jo;;",
+                            "N:Lee;Ann;Mary\\,Jo;;",
+                            "N:Lee;Ann;Mary, Jo;;",
+                            "N:García,Márquez;Ann",
+                            "N:;;Mary",
+                            "N:;;;\nN:Lee;Ann",
+                            "N:Lee;Ann\nN:;;;",
+                            "FN:Ann Lee\nORG:Acme",
+                            "NICKNAME:Annie",
+                            "EMAIL:a@b",
+                            "TEL;CELL:1",
+                            "ORG:Acme\nFN:Acme\nTEL;CELL:1",
+                            "N:Lee\nTEL;CELL:1\nTEL;CELL:2",
+                            "N:Lee\nTEL;CELL:1\nEMAIL;TYPE=CELL:x",
+                            "N:Lee\nTEL;TYPE=WORK,CELL:1\nTEL;WORK:2",
+                            "N:Lee\nTEL;PREF=2:1\nTEL;PREF=1:2",
+                            "N:Lee\nTEL;WORK:1\nTEL;WORK;PREF:2",
+                            "N:Lee\nTEL:tel:+1;ext=5",
+                            "N:Lee\nTEL:tel:+1\\;ext=5",
+                            "N:Lee\nTEL;VALUE=uri:tel:+1",
+                            "N:Lee\nTEL;X-CUSTOM(Car Rental):1",
+                            "N:Lee\nitem1.TEL:1\nitem1.X-ABLabel:Car Rental",
+                            "N;ENCODING=QUOTED-PRINTABLE:=4C=65=65",
+                            "N;CHARSET=ISO-8859-1:M\xFCller;J\xF6rg",
+                            "N;ENCODING=B:TGVl",
+                            "N:Lee\nTEL;CELL;ENCODING=QUOTED-PRINTABLE:=31"}) {
+    VcardSplitter splitter([lines](const Card& card) {
+      const ContactData contact = ToContactData(card);
+      EXPECT_EQ(contact.formerContent, FormerContentOf(card, contact)) << lines;
+    });
+    splitter.Feed(WriteCard(lines));
+    splitter.Finish();
+  }
+}
+
 }  // namespace
 }  // namespace vcard

@@ -26,6 +26,16 @@ class TelephoneKinds : public testing::TestWithParam<vcard_test::Row> {};
 TEST_P(TelephoneKinds, TakesTheLineAsItsExporterMeansIt) {
   EXPECT_EQ(NumbersIn(GetParam().lines, GetParam().version), GetParam().numbers);
 }
+
+TEST_P(TelephoneKinds, IsReadASecondTimeIfTheFormerRulesMakeSomethingElseOfIt) {
+  const std::string card = WriteCard("N:Lee;Ann;;;\n" + std::string(GetParam().lines));
+  VcardSplitter splitter([](const Card& read) {
+    const ContactData contact = ToContactData(read);
+    EXPECT_EQ(contact.formerContent, FormerContentOf(read, contact));
+  });
+  splitter.Feed(card);
+  splitter.Finish();
+}
 INSTANTIATE_TEST_SUITE_P(Standard, TelephoneKinds, testing::ValuesIn(vcard_test::kStandard));
 INSTANTIATE_TEST_SUITE_P(Evolution, TelephoneKinds, testing::ValuesIn(vcard_test::kEvolution));
 INSTANTIATE_TEST_SUITE_P(Outlook, TelephoneKinds, testing::ValuesIn(vcard_test::kOutlook));
