@@ -230,7 +230,7 @@ bool MayReadOtherwise(const Card& card) {
       return true;
     }
     name = name == nullptr && line.name == "N" ? &line : name;
-    mobiles += std::ranges::find(line.words, "CELL") != line.words.end() ? 1 : 0;
+    mobiles += std::ranges::find(line.words, "CELL") != line.words.end() ? 1U : 0U;
   }
   return mobiles > 1 || name == nullptr || Holds(*name, ',') ||
          (Component(name->components, 0).empty() && Component(name->components, 1).empty());

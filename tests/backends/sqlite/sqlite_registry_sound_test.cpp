@@ -51,7 +51,9 @@ class SoundStore : public testing::Test {
   [[nodiscard]] std::filesystem::path Database() const { return m_folder.Path() / kDatabaseName; }
   [[nodiscard]] std::filesystem::path Mark() const { return m_folder.Path() / "sound"; }
   [[nodiscard]] std::unique_ptr<SqliteRegistry> Open(Access access = Access::kRead) const {
-    RegistryOptions options{.busyLimit = std::chrono::milliseconds(0), .access = access};
+    RegistryOptions options;
+    options.busyLimit = std::chrono::milliseconds(0);
+    options.access = access;
     options.findSoundMark = [mark = m_mark] { return mark; };
     return std::make_unique<SqliteRegistry>(Database(), options);
   }
