@@ -246,7 +246,9 @@ std::vector<std::string> SplitValue(std::string_view value, Commas commas) {
   const auto isPlain = [commas](char c) {
     return c != ';' && c != '\\' && (c != ',' || commas == Commas::kKept);
   };
-  std::vector<std::string> components(1);
+  std::vector<std::string> components;
+  components.reserve(1 + static_cast<std::size_t>(std::count(value.begin(), value.end(), ';')));
+  components.emplace_back();
   for (std::size_t i = 0; i < value.size(); ++i) {
     const std::size_t first = i;
     while (i < value.size() && isPlain(value[i])) {

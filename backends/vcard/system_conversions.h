@@ -5,8 +5,8 @@
 
 namespace vcard {
 
-// What differs from one system to the next: this, and ComputeDigest. Each system has one source file
-// with both, and the build chooses it.
+// What differs from one system to the next: this, and ComputeDigest. Each system has one source
+// file with both, and the build chooses it.
 
 struct Converted {
   std::string text;     ///< UTF-8. What is nothing in the set is U+FFFD.

@@ -32,6 +32,21 @@ bool IsKept(std::string_view name) {
                      [name](std::string_view kept) { return EqualIgnoringCase(name, kept); });
 }
 
+/// Returns whether lines of that name only count on a card without a name.
+bool IsSubstitute(std::string_view name) {
+  return EqualIgnoringCase(name, "FN") || EqualIgnoringCase(name, "EMAIL") ||
+         EqualIgnoringCase(name, "NICKNAME");
+}
+
+/// Returns whether the line gives a last or a first name that shows, by whatever rules.
+bool IsName(const ContentLine& line) {
+  const auto shows = [](const std::string& text) {
+    return std::ranges::any_of(text, [](char c) { return static_cast<unsigned char>(c) > ' '; });
+  };
+  return line.name == "N" && line.formerComponents.empty() &&
+         (shows(line.components[0]) || (line.components.size() > 1 && shows(line.components[1])));
+}
+
 bool IsAgentAnnounced(std::string_view line, std::string_view name) {
   return EqualIgnoringCase(name, "AGENT") && Trim(line.substr(line.find(':') + 1)).empty();
 }
@@ -187,14 +202,19 @@ void VcardSplitter::OnLineOfCard(const LogicalLines::Line& line, std::string_vie
   }
   if (line.isTruncated) {
     Damage(line.number, resources::kLineIsLong);
-  } else if (m_card.size() >= kMaxLines) {
+  } else if (m_linesOfCard >= kMaxLines) {
     Damage(line.number, resources::kCardIsLong);
   } else if (line.text.find('\0') != std::string_view::npos) {
     Damage(line.number, resources::kLineHasZero);
   } else if (CountSeparators(line.text) > kMaxSeparators) {
     Damage(line.number, resources::kLineHasManyParts);
+  } else if (m_isNamed && IsSubstitute(name) && line.text.find(':') != std::string_view::npos) {
+    ++m_linesOfCard;
   } else if (std::optional<ContentLine> parsed = ParseContentLine(line.text)) {
+    ++m_linesOfCard;
     parsed->number = line.number;
+    m_isNamed = m_isNamed || (!m_hasName && IsName(*parsed));
+    m_hasName = m_hasName || parsed->name == "N";
     m_card.push_back(std::move(*parsed));
   } else {
     Damage(line.number, resources::kLineWithoutColon);
@@ -214,6 +234,9 @@ void VcardSplitter::BeginCard(std::size_t line) {
   m_isInCard = true;
   m_firstLine = line;
   m_isStray = false;
+  m_linesOfCard = 0;
+  m_hasName = false;
+  m_isNamed = false;
   m_card.clear();
 }
 

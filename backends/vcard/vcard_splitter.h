@@ -107,8 +107,11 @@ class VcardSplitter {
   StreamDecoder m_decoder;
   LogicalLines m_lines;
   Card m_card;
-  std::size_t m_firstLine = 0;  ///< Of the card.
-  std::size_t m_nesting = 0;    ///< Cards within the card, as the agents of vCard 2.1 are written.
+  std::size_t m_firstLine = 0;    ///< Of the card.
+  std::size_t m_linesOfCard = 0;  ///< That could count, also those that need not be read.
+  bool m_hasName = false;         ///< The card has a line with the parts of the name,
+  bool m_isNamed = false;         ///< and these are a name.
+  std::size_t m_nesting = 0;  ///< Cards within the card, as the agents of vCard 2.1 are written.
   bool m_isInCard = false;
   bool m_isAgentDue = false;  ///< The line before announced a card within the card.
   bool m_isStray = false;     ///< The line before was no part of a card either.

@@ -62,10 +62,12 @@ std::optional<fs::path> MakeCacheFolder() {
     *folder /= ".cache";
   }
   *folder /= "voxtrel";
-  static_cast<void>(posix::MakeFolders(folder->native()));
   struct stat status {};
-  const bool isOwn = ::lstat(folder->c_str(), &status) == 0 && S_ISDIR(status.st_mode) &&
-                     status.st_uid == ::geteuid() && (status.st_mode & (S_IWGRP | S_IWOTH)) == 0;
+  const bool isThere =
+      ::lstat(folder->c_str(), &status) == 0 ||
+      (posix::MakeFolders(folder->native()) && ::lstat(folder->c_str(), &status) == 0);
+  const bool isOwn = isThere && S_ISDIR(status.st_mode) && status.st_uid == ::geteuid() &&
+                     (status.st_mode & (S_IWGRP | S_IWOTH)) == 0;
   return isOwn ? folder : std::nullopt;
 }
 

@@ -13,7 +13,8 @@ import time
 
 TAGS = 100
 PEOPLE = 5000
-MOST_CALLS = 600
+# Besides those of the program that starts and ends.
+MOST_CALLS = 250
 CANNOT_WATCH = 77
 # Far above what a busy machine needs.
 LIMIT_SECONDS = 60
@@ -76,6 +77,8 @@ def main():
         machine.make_tags()
         # What changed a moment ago is not kept: the clock of the files has to go on.
         limit = time.monotonic() + LIMIT_SECONDS
+        machine.copy.unlink(missing_ok=True)
+        machine.sound.unlink(missing_ok=True)
         while not (machine.copy.exists() and machine.sound.exists()):
             if time.monotonic() > limit:
                 sys.exit("nothing is kept")
@@ -86,9 +89,10 @@ def main():
         second, calls = machine.run(["tags", "list"], watched=True)
         if second != first or len(first.splitlines()) != TAGS + 1:
             sys.exit("the lists differ")
-        print(f"{calls} calls")
-        if calls > MOST_CALLS:
-            sys.exit(f"{calls} calls are more than {MOST_CALLS}")
+        own = calls - machine.run(["--version"], watched=True)[1]
+        print(f"{calls} calls, {own} of them besides those of the start")
+        if own > MOST_CALLS:
+            sys.exit(f"these are more than {MOST_CALLS}")
         machine.contacts.write_text(machine.contacts.read_text().replace("Family", "Clan"))
         if "Clan0" not in machine.run(["tags", "list"])[0]:
             sys.exit("a list is of contacts that have changed")

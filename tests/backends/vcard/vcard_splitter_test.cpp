@@ -225,5 +225,12 @@ TEST(VcardSplitter, StrayQuotesAndParenthesesLoseNothing) {
   EXPECT_EQ(NumbersOf(cards.contacts[0]), "Car=2; Mobile=1; Home=3");
 }
 
+TEST(VcardSplitter, ALineThatANameMakesNeedlessIsDamagedAsAnyOther) {
+  EXPECT_EQ(ReadCards(WriteCard("N:Lee;Ann\nFN;X=1\nTEL:1")).damage,
+            ReadCards(WriteCard("TEL:1\nFN;X=1\nN:Lee;Ann")).damage);
+  EXPECT_TRUE(ReadCards(WriteCard("N:Lee;Ann\nEMAIL;X=1\nTEL:1")).isDamaged);
+  EXPECT_FALSE(ReadCards(WriteCard("N:Lee;Ann\nEMAIL:x\nTEL:1")).isDamaged);
+}
+
 }  // namespace
 }  // namespace vcard
