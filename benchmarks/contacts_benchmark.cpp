@@ -62,6 +62,34 @@ void LoadHundredTags(benchmark::State& state) {
 }
 BENCHMARK(LoadHundredTags)->Unit(benchmark::kMillisecond);
 
+/// A log-on that reads each card of so many.
+void LogOn(benchmark::State& state) {
+  FullDevice device(static_cast<int>(state.range(0)));
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(device.Open());
+  }
+}
+BENCHMARK(LogOn)->Arg(1000)->Arg(5000)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
+
+/// The same, with the copy of the file that the log-on before has kept.
+void LogOnAgain(benchmark::State& state) {
+  FullDevice device(static_cast<int>(state.range(0)));
+  support::TempFolder folder;
+  posix::PosixFileSystem cache(folder.Text());
+  while (!cache.Find(u"\\contacts")) {  // A file that is new is not kept.
+    static_cast<void>(device.Open(&cache));
+  }
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(device.Open(&cache));
+  }
+}
+BENCHMARK(LogOnAgain)
+    ->Arg(1000)
+    ->Arg(5000)
+    ->Arg(10'000)
+    ->Arg(100'000)
+    ->Unit(benchmark::kMillisecond);
+
 std::string ReadWhole(const std::string& name) {
   std::ostringstream content;
   content << std::ifstream(name, std::ios::binary).rdbuf();

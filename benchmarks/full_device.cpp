@@ -78,10 +78,16 @@ void FullDevice::Record(const std::filesystem::path& samples) {
   }
 }
 
-std::unique_ptr<vcard::AddressBooks> FullDevice::Open() {
+std::unique_ptr<vcard::AddressBooks> FullDevice::Open(platform::FileSystem* cache) {
   vcard::AddressBooks::Options options;
   options.choice = vcard::SourceChoice{text::FromHostName(m_file)};
-  options.oidsInUse = [this] { return tags::FindOidsInUse(m_store); };
+  options.oidsInUse = [this] {
+    const auto group = platform::RegistryGroup::BeginReading(m_registry);
+    return tags::FindOidsInUse(m_store);
+  };
+  if (cache != nullptr) {
+    options.openCache = [cache] { return cache; };
+  }
   auto contacts = std::make_unique<vcard::AddressBooks>(m_files, m_registry, options);
   if (!contacts->Initialize() || !contacts->Connect() || !contacts->Logon()) {
     std::abort();

@@ -33,8 +33,8 @@ class FullDevice {
   /// Returns all contacts, as vCards.
   [[nodiscard]] const std::string& GetFile() const { return m_file; }
 
-  /// Returns the contacts, logged on to.
-  [[nodiscard]] std::unique_ptr<vcard::AddressBooks> Open();
+  /// Returns the contacts, logged on to. If `cache` is not null, what was read is kept there.
+  [[nodiscard]] std::unique_ptr<vcard::AddressBooks> Open(platform::FileSystem* cache = nullptr);
 
   /// Reads what the tag list shows for every tag; the number of tags that have a contact.
   [[nodiscard]] std::size_t ReadTags(platform::ContactsStore& contacts) const;
