@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "backends/sqlite/connection.h"
-#include "platform/registry_gate.h"
 #include "platform/registry.h"
+#include "platform/registry_gate.h"
 
 namespace sqlite {
 
