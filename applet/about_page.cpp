@@ -5,6 +5,8 @@
 #include "resources/dialogs.h"
 #include "resources/pictures.h"
 
+// Everything on this page is painted: there is no control. A screen reader finds the texts, since
+// the presentation notes what is painted, and the link, since GetLinks names it.
 namespace applet {
 namespace {
 

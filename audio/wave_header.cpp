@@ -6,6 +6,7 @@
 
 #include "platform/file_system.h"
 
+// The header of every wave file that the system writes: 44 bytes, in the order of the fields below.
 namespace audio {
 namespace {
 

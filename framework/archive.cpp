@@ -6,6 +6,8 @@
 
 #include "platform/file_system.h"
 
+// Reads and writes values one after the other, little-endian on every machine, through a buffer.
+// That is the form of the template files, which the companion reads.
 namespace framework {
 
 CArchive::CArchive(CFile& file, Mode mode, std::size_t bufferSize)

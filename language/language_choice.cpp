@@ -4,6 +4,9 @@
 
 #include "language/language_table.h"
 
+// One file at a fixed place is the language. To choose a language copies a file that comes with the
+// system there, and to choose English deletes it. A file that is none of those may be somebody's
+// translation. It goes only with the user's leave, and even then a copy stays.
 namespace language {
 
 using platform::Failure;

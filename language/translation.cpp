@@ -9,6 +9,9 @@
 #include "platform/file_system.h"
 #include "resources/language_keys.h"
 
+// What translators need: a template with every text and its note, and a check of what the dialer's
+// reader would drop without a word. The reader accepts nearly everything. So the check goes over
+// the same lines and reports what a person would not see.
 namespace language {
 namespace {
 

@@ -17,6 +17,9 @@
 #include "voicemath/template_file.h"
 #include "voicemath/voice_mathematics.h"
 
+// The check of the store reads everything and believes nothing: each template is computed again
+// from its recording. So a template of another recording is found too, and the check takes as long
+// as computing all of them.
 namespace maintenance {
 namespace {
 

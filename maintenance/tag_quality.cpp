@@ -11,6 +11,8 @@
 #include "voicemath/template_file.h"
 #include "voicemath/voice_mathematics.h"
 
+// How good tags are: the verdicts on each recording, and which names sound too much alike. A take
+// that is no tag yet is compared in the same way, so the user hears of it before the tag is kept.
 namespace maintenance {
 namespace {
 

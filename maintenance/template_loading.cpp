@@ -10,6 +10,8 @@
 #include "storage/tag_store.h"
 #include "voicemath/template_file.h"
 
+// Loads templates for the Test dialog: those of the tags, or of all recordings if there is no tag.
+// What cannot be read is noted and leaves no gap, since the search goes over the slots in a row.
 namespace maintenance {
 
 // Each tag of a full table has a slot.

@@ -10,6 +10,8 @@
 #include "resources/translations.h"
 #include "storage/device_paths.h"
 
+// From distances to the lines of the Test dialog. The lines go by the distance, so what is confused
+// most easily comes first. Everything here is computation; the dialog only shows it.
 namespace maintenance {
 namespace {
 

@@ -10,6 +10,9 @@
 #include "storage/store_contents.h"
 #include "storage/tag_store.h"
 
+// Makes a backup. The caller holds the tags, so what is copied belongs together. A part that cannot
+// be read ends the backup: a file that calls itself a backup and lacks a tag would be found out
+// only when it is needed.
 namespace storage {
 
 using platform::Failure;

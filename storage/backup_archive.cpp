@@ -11,6 +11,11 @@
 #include "storage/registry_keys.h"
 #include "storage/trash_names.h"
 
+// A backup is a tar archive, which any tool unpacks. Its members: about.txt with the version, the
+// settings as registry files, the language file, then for each tag an entry, a recording and a
+// template, and last the checksums of all of them. A reader goes from the first member to the last
+// and refuses what it does not expect. So whatever a restoration meets later was seen here first:
+// the archive is whole, of a known version, and asks for nothing but tags and settings.
 namespace storage {
 
 using platform::Failure;

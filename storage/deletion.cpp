@@ -7,6 +7,10 @@
 #include "storage/tag_store.h"
 #include "storage/trash_names.h"
 
+// Every deletion goes in three steps: copy all, wait until the copies are on the medium, delete. A
+// kill in the first two leaves the tags, and one in the third leaves the copies. The deletion of
+// one tag and of all, the clean-up and the repair all go this way. They differ in what they do if
+// no copy can be made.
 namespace storage {
 
 using platform::Failure;

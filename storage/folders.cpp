@@ -5,6 +5,9 @@
 
 #include "storage/device_paths.h"
 
+// The folders of the store. What makes them depends on the moment: opening the page makes the
+// install folders, a press of Record the data folders, and neither reports anything. What cannot be
+// made then is reported by FolderRule, when something is to be stored there.
 namespace storage {
 
 using platform::FileError;

@@ -9,6 +9,9 @@
 #include "resources/report_strings.h"
 #include "resources/translations.h"
 
+// The settings as a registry file of Windows, by which they move to and from a Windows machine. A
+// file is understood as a whole before its first change is made, and its changes are made in one
+// group. So a file with one wrong line changes nothing.
 namespace storage {
 
 using platform::Failure;

@@ -12,6 +12,8 @@
 #include "storage/tag_store.h"
 #include "storage/trash_names.h"
 
+// Restores by a plan. The order is: folders, version of the mathematics, tags, settings. Each step
+// leaves a store that is whole, so a kill between two of them costs at most the steps that follow.
 namespace storage {
 
 using platform::AcceptMissing;

@@ -8,6 +8,9 @@
 #include "storage/restore.h"
 #include "storage/tag_record.h"
 
+// Compares a backup with what is here, and changes nothing. Each tag is new, the same, different,
+// or of a contact that nobody here knows. The user is asked once, about all that differs. The
+// restoration then does what the plan says and compares nothing again.
 namespace storage {
 
 using platform::Failure;

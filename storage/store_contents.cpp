@@ -8,6 +8,9 @@
 #include "storage/registry_keys.h"
 #include "storage/tag_store.h"
 
+// What there is in the store, whoever made it: entries, recordings, templates, and which of them
+// belong together. Nothing here judges or repairs. The trash, the backups and the check of the
+// store all begin with this list.
 namespace storage {
 
 using platform::Failure;

@@ -7,6 +7,9 @@
 #include "storage/device_paths.h"
 #include "storage/registry_keys.h"
 
+// A tag is three things with one name: a key of the registry with the contact and the kind of
+// number, a recording, and a template. The key makes it a tag: it is written last and deleted last.
+// So a companion that reads at any moment finds each tag that is listed with both its files.
 namespace storage {
 
 using platform::AcceptMissing;

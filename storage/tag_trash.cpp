@@ -12,6 +12,11 @@
 #include "storage/tag_store.h"
 #include "storage/trash_names.h"
 
+// The trash is one folder. Each deleted tag is an archive there, and its name begins with the time
+// of the deletion. Two kinds of marks, files next to the archives, say what is under way: a
+// deletion that has copied its tags and not yet taken them away, and a restoration that has not yet
+// put all parts back. A process can be killed at any moment. The marks are all that the next one
+// has, so each is made before the first change and goes after the last.
 namespace storage {
 
 using platform::AcceptMissing;

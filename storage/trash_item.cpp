@@ -12,6 +12,9 @@
 #include "storage/registry_keys.h"
 #include "storage/tar.h"
 
+// One archive of the trash: a description, the entry as a registry file, the recording and the
+// template. It keeps the exact names of the files, since letter case may differ between an entry
+// and its files, and they shall come back as they were.
 namespace storage {
 
 using platform::Failure;

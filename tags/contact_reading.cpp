@@ -8,6 +8,10 @@
 #include "tags/contact_list.h"
 #include "tags/phone_kind.h"
 
+// Three texts are made of one contact: its line in the contact box (ContactPicker), its text in the
+// tag list after a recording, and its text when the list is read again. Each has its own order of
+// names and its own way with names that are too long. Users know all three, so none was made like
+// the others.
 namespace tags {
 
 using platform::ContactsError;

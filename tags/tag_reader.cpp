@@ -4,6 +4,8 @@
 
 #include "tags/contact_reading.h"
 
+// What the Learning page would list, read without the page. The page cleans up when it opens, so
+// commands that only look at the tags, and the window that shows them, come here.
 namespace tags {
 
 using platform::RegistryError;

@@ -16,6 +16,9 @@
 #include "backends/text/names.h"
 #include "backends/text/utf.h"
 
+// The device's file system on a host: names without letter case, one holder who may forbid others,
+// and folders below a root. Each call looks its names up again, since another process may have
+// changed them.
 namespace posix {
 namespace {
 

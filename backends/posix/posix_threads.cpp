@@ -18,6 +18,9 @@
 #include "backends/posix/system_calls.h"
 #include "backends/text/utf.h"
 
+// Threads, events, the clock, and mutexes that programs share. The system has none of these in the
+// form that the device has them: a thread that waits to be started, an event that stays set, a
+// mutex with a name.
 namespace posix {
 namespace {
 

@@ -8,6 +8,10 @@
 #include <exception>
 #include <utility>
 
+// A connection to the sound server lives on a thread of the library's own, the loop. It calls back
+// on that thread, with the loop's lock held. Everybody else takes the lock for a moment to ask,
+// lets it go, and waits for the answer with a limit. So a server that hangs keeps nobody longer
+// than that.
 namespace pulse {
 namespace {
 

@@ -5,6 +5,9 @@
 #include <limits>
 #include <utility>
 
+// The loudspeaker as a wave device. The whole sound is handed to the server as fast as it takes it,
+// and the end is what the server reports when it has drained. What the loop's thread uses is
+// touched under the loop's lock only.
 namespace pulse {
 namespace {
 

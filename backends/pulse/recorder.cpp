@@ -7,6 +7,9 @@
 #include <limits>
 #include <utility>
 
+// The microphone as a wave device. The stream runs from Open on, so that the microphone is awake,
+// and what it delivers is thrown away until Start. The loop's thread appends to m_bytes under the
+// mutex; the caller's thread copies from there when it asks.
 namespace pulse {
 namespace {
 

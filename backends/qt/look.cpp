@@ -15,6 +15,8 @@
 #include "backends/qt/message_dialog.h"
 #include "backends/qt/strings.h"
 
+// How all windows look: one style, one palette, one scale. The dialogs were drawn for a small
+// screen, in pixels, so every size here is a factor of those.
 namespace qt {
 namespace {
 

@@ -18,6 +18,8 @@
 #include "backends/qt/look.h"
 #include "backends/qt/strings.h"
 
+// A message box of the pages. It is no QMessageBox, which would give the text a meaning (links,
+// marks) and grow beyond the screen.
 namespace qt {
 namespace {
 

@@ -14,6 +14,8 @@
 #include "backends/qt/strings.h"
 #include "framework/dialog.h"
 
+// Which window lies above which. A page's boxes and dialogs are modal and nest. A worker's box
+// belongs to no window: it floats above the topmost one and waits there for its answer.
 namespace qt {
 namespace {
 

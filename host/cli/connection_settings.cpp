@@ -12,6 +12,8 @@
 #include "backends/text/utf.h"
 #include "connection/connection_page.h"
 
+// The settings of the dialer's serial port as words: what may be typed for each, and what it stands
+// for on the page.
 namespace cli {
 namespace {
 

@@ -13,6 +13,9 @@
 #include "resources/dialogs.h"
 #include "tags/phone_kind.h"
 
+// Who is meant by --contact, and which number by --number. People type a part of a name, a number
+// of the list, or an identifier, so every contact is compared and the best likeness counts. If
+// several are equally like, nobody is chosen.
 namespace cli {
 namespace {
 

@@ -15,6 +15,9 @@
 #include "host/cli/system.h"
 #include "platform/file_system.h"
 
+// Files by name, and "-" for a standard stream. A stream is copied into a file of a temporary
+// folder, because the readers need a length and any place of a file. The folder is readable by this
+// user only and goes with the command.
 namespace cli {
 namespace {
 

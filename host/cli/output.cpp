@@ -10,6 +10,9 @@
 #include "backends/text/printable.h"
 #include "backends/text/utf.h"
 
+// All that the command line prints goes through here. Names of contacts and files come from
+// anywhere, so each line is made safe for a terminal. The numbers of the JSON are written here,
+// since the library gives floats the digits of a double.
 namespace cli {
 namespace {
 

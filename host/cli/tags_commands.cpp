@@ -24,6 +24,8 @@
 #include "storage/tag_store.h"
 #include "voicemath/recording_review.h"
 
+// The commands about tags. Those that only read use the reader of the tags, and make nothing. Those
+// that change something open the real page in a sheet that nobody sees, and press its buttons.
 namespace cli {
 namespace {
 

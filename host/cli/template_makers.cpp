@@ -21,6 +21,8 @@
 #include "voicemath/template_file.h"
 #include "voicemath/voice_mathematics.h"
 
+// Learns or processes a wave file without any store: the commands for people who try the
+// mathematics.
 namespace cli {
 namespace {
 

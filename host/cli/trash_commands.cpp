@@ -18,6 +18,8 @@
 #include "storage/tag_trash.h"
 #include "tags/page_one.h"
 
+// Commands on the trash. Only those that change it hold the tags. A list may be read next to an
+// open window.
 namespace cli {
 namespace {
 

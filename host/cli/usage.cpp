@@ -14,6 +14,8 @@
 
 #include "host/cli/output.h"
 
+// Help, examples, and what was meant by a wrong word. The parser's library does the parsing. Its
+// own messages about a wrong word name no remedy, so this looks for the nearest command or option.
 namespace cli {
 namespace {
 

@@ -9,6 +9,8 @@
 #include "host/cli/system.h"
 #include "resources/dialogs.h"
 
+// What a terminal shows while something takes long: a bar that is drawn over itself. Nothing is
+// drawn if standard error is no terminal, so a script's log has no bars.
 namespace cli {
 namespace {
 

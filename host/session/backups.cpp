@@ -19,6 +19,9 @@
 #include "tags/contact_reading.h"
 #include "tags/tag_reader.h"
 
+// Backups as a user makes them: this holds the tags, asks what must be asked, and says in words
+// what went wrong. The archive itself and the plan are in storage/. What is decided here is who the
+// contacts of a backup are on this machine.
 namespace session {
 
 using platform::Failure;

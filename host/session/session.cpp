@@ -11,6 +11,8 @@
 #include "host/session/say.h"
 #include "storage/registry_file.h"
 
+// A session is a user without a window. It makes the back ends, answers the message boxes of the
+// pages, and keeps what went wrong. The pages do not know that nobody sees them.
 namespace session {
 namespace {
 

@@ -19,6 +19,8 @@
 #include "tags/contact_reading.h"
 #include "tags/tag_reader.h"
 
+// The check of the store for people: findings with the text that the list shows for each tag,
+// advice on recordings, and the repair. The command line and the window show the same findings.
 namespace session {
 namespace {
 
