@@ -12,6 +12,8 @@
 #include "storage/stored_text.h"
 #include "storage/tag_record.h"
 
+// The page of the dialer's serial port. It stores texts of a fixed length, which the dialer reads
+// into fields of that length.
 namespace connection {
 namespace {
 

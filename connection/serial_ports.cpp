@@ -7,6 +7,8 @@
 #include "platform/serial_devices.h"
 #include "storage/tag_record.h"
 
+// The ports that the machine has now, as the active drivers in the registry name them, in the order
+// of the window's list.
 namespace connection {
 namespace {
 

@@ -5,6 +5,8 @@
 #include "backends/desktop/default_program.h"
 #include "backends/desktop/desktop_shell.h"
 
+// The user's browser. There are several ways to ask for it, and each system lacks some, so all are
+// tried in turn.
 namespace desktop {
 namespace {
 

@@ -7,6 +7,8 @@
 #include <span>
 #include <string_view>
 
+// What the desktop opens an address with. GIO finds the program and splits its command line; the
+// program itself is started as every other one is, detached.
 namespace desktop {
 namespace {
 

@@ -8,6 +8,9 @@
 #include "resources/desktop_strings.h"
 #include "resources/translations.h"
 
+// The shell of the pages: they ask for the device's help viewer or browser, and get the desktop's
+// browser. Anything else that they ask for is refused with a message, so no text of a page can
+// start a program.
 namespace desktop {
 namespace {
 

@@ -16,6 +16,7 @@
 
 #include "platform/result.h"
 
+// Starting a program that outlives this one, and noticing all the same whether it could be started.
 namespace desktop {
 namespace {
 

@@ -15,6 +15,8 @@
 #include "backends/ebook/door.h"
 #include "backends/ebook/glib_pointers.h"
 
+// The desktop's address books as vCards. Every call of the library blocks, and a server can hang,
+// so all of it happens on a thread that can be given up.
 namespace ebook {
 namespace {
 

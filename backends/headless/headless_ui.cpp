@@ -4,6 +4,8 @@
 
 #include "framework/dialog.h"
 
+// Windows without a screen. A story stands for the user: it is called when a dialog or a sheet is
+// open, presses buttons, and its return closes what is still open.
 namespace headless {
 
 using platform::MessageAnswer;

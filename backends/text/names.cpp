@@ -5,6 +5,7 @@
 
 #include "backends/text/utf.h"
 
+// Names of the device: without letter case, with backslashes, and with "*" and "?" in patterns.
 namespace text {
 namespace {
 

@@ -2,6 +2,8 @@
 
 #include "backends/text/utf.h"
 
+// What a terminal must not get: control characters, and marks that turn the direction of the text
+// around. Names of contacts, files and devices may hold either.
 namespace text {
 namespace {
 

@@ -11,6 +11,9 @@
 #include "backends/text/registry_text.h"
 #include "backends/text/utf.h"
 
+// Ports have numbers that last. A device with a serial number of its own keeps its COM number in
+// any socket, and every device keeps it over a restart. So each number is stored with an identity
+// of its device.
 namespace udev_ports {
 namespace {
 

@@ -11,6 +11,7 @@
 
 #include "backends/text/utf.h"
 
+// The serial ports that the kernel knows, each with all that tells it apart from others.
 namespace udev_ports {
 namespace {
 

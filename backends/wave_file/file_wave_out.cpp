@@ -6,6 +6,7 @@
 #include "backends/wave_file/file_sound.h"
 #include "backends/wave_file/riff_file.h"
 
+// A file in the place of the loudspeaker: each sound that is played replaces it.
 namespace wave_file {
 namespace {
 

@@ -10,6 +10,9 @@
 
 #include "platform/file_system.h"
 
+// Wave files from anywhere, and those that the loudspeaker's file becomes. The reader walks from
+// chunk to chunk, as the format says. It is another one than the player's search, which is part of
+// the documented behaviour.
 namespace wave_file {
 namespace {
 

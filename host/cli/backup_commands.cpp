@@ -12,6 +12,7 @@
 #include "host/session/backups.h"
 #include "storage/tag_record.h"
 
+// What host/session/ does about backups, asked for and told on a terminal.
 namespace cli {
 namespace {
 

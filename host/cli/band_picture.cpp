@@ -11,6 +11,7 @@
 #include "host/cli/system.h"
 #include "voicemath/constants.h"
 
+// A template as a picture in letters: a line for each band, a column for each moment.
 namespace cli {
 namespace {
 

@@ -16,6 +16,7 @@
 #include "storage/device_paths.h"
 #include "storage/folders.h"
 
+// The choice of the sheet's language on the command line, as Set-up offers it in the window.
 namespace cli {
 namespace {
 

@@ -14,6 +14,8 @@
 #include "language/language_table.h"
 #include "language/translation.h"
 
+// For translators: a check, a look, and a template to begin with. None of them needs the root
+// folder.
 namespace cli {
 namespace {
 

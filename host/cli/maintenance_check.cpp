@@ -13,6 +13,8 @@
 #include "host/session/quality_words.h"
 #include "host/session/store_checking.h"
 
+// Prints what the check of the store has found. Each line has a word in brackets, which scripts can
+// rely on.
 namespace cli {
 namespace {
 

@@ -13,6 +13,8 @@
 #include "storage/microphone_choice.h"
 #include "storage/registry_file.h"
 
+// The choice of the microphone on the command line. It is a setting of this system's own, which the
+// sound server does not hear of.
 namespace cli {
 namespace {
 

@@ -11,6 +11,7 @@
 #include "host/cli/output.h"
 #include "storage/registry_file.h"
 
+// The settings as registry files of Windows. An import is made whole or not at all.
 namespace cli {
 namespace {
 

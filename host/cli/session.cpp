@@ -8,6 +8,7 @@
 #include "resources/fault_strings.h"
 #include "resources/strings.h"
 
+// What a session has to say, on a terminal or in one JSON value.
 namespace cli {
 namespace {
 

@@ -11,6 +11,7 @@
 #include "host/session/tag_reading.h"
 #include "tags/contact_reading.h"
 
+// What is missing on this machine. The panel reads the JSON of this command, so its members stay.
 namespace cli {
 namespace {
 

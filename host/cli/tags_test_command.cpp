@@ -16,6 +16,7 @@
 #include "maintenance/test_dialog.h"
 #include "resources/dialogs.h"
 
+// The Test dialog on a terminal.
 namespace cli {
 namespace {
 

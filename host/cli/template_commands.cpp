@@ -16,6 +16,8 @@
 #include "voicemath/template_file.h"
 #include "voicemath/voice_mathematics.h"
 
+// The commands on template files. Values that no template can have are named, and nothing is
+// computed with those that are no numbers.
 namespace cli {
 namespace {
 

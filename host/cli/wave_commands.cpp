@@ -16,6 +16,8 @@
 #include "host/session/quality_words.h"
 #include "voicemath/voice_mathematics.h"
 
+// The commands on wave files: the recorder, the player and the header check of the system, without
+// tags.
 namespace cli {
 namespace {
 

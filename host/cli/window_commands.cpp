@@ -11,6 +11,7 @@
 #include "host/cli/system.h"
 #include "host/machine/places.h"
 
+// Commands that open a window. Each starts the program that has it.
 namespace cli {
 namespace {
 

@@ -17,6 +17,8 @@
 #include "tags/page_one.h"
 #include "tags/tag_reader.h"
 
+// The one place that joins back ends for programs. What differs between systems is in system.h, so
+// nothing here names a system.
 namespace machine {
 namespace {
 

@@ -25,6 +25,9 @@
 #include "host/panel/places.h"
 #include "resources/desktop_strings.h"
 
+// The two lives of this program in which it loads an applet: the inquiry, which asks for names and
+// icons, and the opener, which shows an applet until it is closed. Each is a process of its own. A
+// library that crashes or hangs takes only that process with it.
 namespace panel {
 namespace {
 

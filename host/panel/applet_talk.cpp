@@ -12,6 +12,8 @@
 #include "backends/qt/strings.h"
 #include "resources/desktop_strings.h"
 
+// The panel's side of the contract with applets (applet/control_panel.h): load, begin, ask, open,
+// end. Nothing that a library says is believed: counts, sizes and descriptors are all checked.
 namespace panel {
 namespace {
 

@@ -6,6 +6,8 @@
 
 #include "backends/text/printable.h"
 
+// The command line of voxtrel-panel. A path of an applet is a path to code, so only full paths and
+// names of installed applets are taken.
 namespace panel {
 namespace {
 

@@ -7,6 +7,8 @@
 #include "backends/qt/strings.h"
 #include "resources/desktop_strings.h"
 
+// What the asking process writes and the panel reads. The panel waits for it with a limit, and
+// takes whatever comes for bytes from a stranger.
 namespace panel {
 namespace {
 

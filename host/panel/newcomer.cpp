@@ -18,6 +18,8 @@
 #include "resources/desktop_strings.h"
 #include "resources/panel_strings.h"
 
+// What a user sees who has no contacts or no microphone yet. The panel asks the command line, as
+// any program could, and so reads no address book itself.
 namespace panel {
 namespace {
 

@@ -9,6 +9,8 @@
 #include "resources/desktop_strings.h"
 #include "resources/panel_strings.h"
 
+// All applets that are open, and what the user is asked or told about them. The panel itself never
+// waits for one.
 namespace panel {
 namespace {
 

@@ -9,6 +9,8 @@
 
 #include "backends/text/printable.h"
 
+// One applet that is open, as the panel sees it: a process, its signs of life, and the last line
+// that it meant for the user.
 namespace panel {
 namespace {
 

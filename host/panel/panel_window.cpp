@@ -19,6 +19,8 @@
 #include "resources/desktop_strings.h"
 #include "resources/panel_strings.h"
 
+// The window with the icons. It knows nothing about any applet but a file name, until that applet
+// has answered.
 namespace panel {
 namespace {
 

@@ -7,6 +7,7 @@
 #include "backends/posix/library.h"
 #include "host/machine/places.h"
 
+// Where the panel finds applets, data, and the command line: all of it from its own place.
 namespace panel {
 namespace {
 

@@ -11,6 +11,7 @@
 #include "resources/dialogs.h"
 #include "tags/contact_picker.h"
 
+// Contacts as the page lists them, and in words why there are none.
 namespace session {
 namespace {
 

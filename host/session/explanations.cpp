@@ -10,6 +10,8 @@
 #include "resources/report_strings.h"
 #include "voicemath/constants.h"
 
+// Codes in words. The pages show a number or nothing; a user of the command line or the window of
+// voice tags reads why.
 namespace session {
 namespace {
 

@@ -18,6 +18,8 @@
 #include "storage/tag_store.h"
 #include "tags/contact_reading.h"
 
+// The Learning page without a window. Whatever it allows, refuses or says is the same as in the
+// sheet, since it is the same page.
 namespace session {
 
 using platform::ContactsError;

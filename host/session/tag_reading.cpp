@@ -13,6 +13,8 @@
 #include "storage/registry_keys.h"
 #include "tags/contact_reading.h"
 
+// Tags for those who only look. Problems are reported for each tag that has one, and never end the
+// list.
 namespace session {
 namespace {
 
