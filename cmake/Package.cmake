@@ -55,11 +55,12 @@ set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME voxtrel)
 set(CPACK_PACKAGE_VENDOR "The Voxtrel authors")
 set(CPACK_PACKAGE_CONTACT "The Voxtrel authors <authors@voxtrel.example>")
-set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "teach a voice dialer the names of your contacts")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "say a name, and that person is called")
 set(CPACK_PACKAGE_DESCRIPTION
-    "A voice dialer calls the person whose name you say. Voxtrel is where it
-learns the names: you choose a contact and say the name, and Voxtrel keeps
-the recording and a template of how it sounds.
+    "A voice dialer calls the person whose name you say. You teach it a name
+once: you choose a contact and say the name. Voxtrel keeps the recording and
+a template of how it sounds. Later it hears whose name you say, asks if it is
+not sure, and has the telephone program of the desktop or a modem dial.
 
 It judges each recording, shows which names sound too much alike, and keeps
 deleted voice tags for 30 days. It reads the desktop's address books or

@@ -112,6 +112,7 @@ cp "$samples/contacts.vcf" "$HOME"
 voxtrel --contacts "$HOME/contacts.vcf" --microphone "$samples/anna_1.wav" --speaker "$HOME/heard.wav" \
   tags learn --contact 1
 voxtrel tags list
+voxtrel dial --to Anna --way print --yes
 voxtrel check
 voxtrel backup "$HOME/voice.tar"
 voxtrel-panel --probe

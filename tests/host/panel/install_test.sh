@@ -34,6 +34,8 @@ use --contacts share/voxtrel/samples/contacts.vcf tags learn --contact Anna --nu
 [ -s "$scratch/heard.wav" ] || fail "the recording was not played"
 use tags list | grep -F 'Anna Berg 202 555 0101 M' || fail "the tag is not listed"
 
+use dial --to "Anna Berg" --way print --yes | grep -F '202 555 0101' || fail "nobody is called"
+
 # The library of the desktop's address books, which is loaded when it is wanted.
 said=$(bin/voxtrel --root "$scratch/root" --contacts eds status 2>&1) || fail "no status: $said"
 if grep -F '.so' <<<"$said"; then
