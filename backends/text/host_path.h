@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-// Names and paths of the host. Each kind of system has one source file with these functions, and the
-// build chooses it. The library itself would read a name in the character set of the user.
+// Names and paths of the host. Each kind of system has one source file with these functions, and
+// the build chooses it. The library itself would read a name in the character set of the user.
 
 namespace text {
 

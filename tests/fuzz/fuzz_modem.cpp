@@ -1,5 +1,5 @@
-// Has the dialer hear what may be at a serial port: any bytes, in pieces of any length, at any time,
-// up to its end.
+// Has the dialer hear what may be at a serial port: any bytes, in pieces of any length, at any
+// time, up to its end.
 
 #include <cstddef>
 #include <cstdint>
@@ -27,9 +27,9 @@ std::vector<machine::ModemStep> StepsOf(std::string_view input) {
   const std::uint32_t pause = static_cast<unsigned char>(input[1]) * 20U;
   std::vector<machine::ModemStep> steps;
   std::uint32_t at = 0;
-  for (input.remove_prefix(2); !input.empty();
-       input.remove_prefix(std::min(piece, input.size()))) {
-    steps.push_back({.afterMilliseconds = at += pause, .says = std::string(input.substr(0, piece))});
+  for (input.remove_prefix(2); !input.empty(); input.remove_prefix(std::min(piece, input.size()))) {
+    steps.push_back(
+        {.afterMilliseconds = at += pause, .says = std::string(input.substr(0, piece))});
   }
   if ((first & 0x80U) != 0) {
     steps.push_back({.afterMilliseconds = at, .says = "", .vanishes = true});
@@ -51,8 +51,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const auto number = dialer::MakeNumber(u"+1 202 555 0101");
   const auto port = ports.Open(u"/dev/modem", {});
   NobodyStops waiter;
-  const auto result = dialer::Modem(**port, clock, dialer::Modem::HangingUp::kUsed)
-                          .Dial(*number, waiter);
+  const auto result =
+      dialer::Modem(**port, clock, dialer::Modem::HangingUp::kUsed).Dial(*number, waiter);
   constexpr std::string_view kDialled = "ATD+12025550101;\r";
   Require(modem.received.starts_with(kDialled), "the number is dialled");
   const std::string_view rest = std::string_view(modem.received).substr(kDialled.size());

@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/registry_gate.h"
 #include "platform/registry.h"
+#include "platform/registry_gate.h"
 
 namespace machine {
 

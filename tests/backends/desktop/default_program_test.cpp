@@ -37,8 +37,7 @@ TEST_F(TelephoneProgram, TheChosenOneGetsTheNumberAsOneArgument) {
 TEST_F(TelephoneProgram, OneThatIsInstalledServesWithoutAChoice) {
   PutTelephone();
   Choose("phone.desktop", "x-scheme-handler/other");
-  Write("share/applications/mimeinfo.cache",
-        "[MIME Cache]\nx-scheme-handler/tel=phone.desktop;\n");
+  Write("share/applications/mimeinfo.cache", "[MIME Cache]\nx-scheme-handler/tel=phone.desktop;\n");
   EXPECT_TRUE(Ends(HandOver::kDone));
   EXPECT_EQ(CallOf("phone"), (Words{"--call", kUri}));
 }

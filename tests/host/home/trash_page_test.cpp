@@ -12,7 +12,6 @@
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 using Files = std::vector<std::u16string>;
 
 /// The page with real keys and clicks, over a trash that the test makes up.
