@@ -239,27 +239,37 @@ class Recorder final : public platform::WaveInDevice {
   steady_clock::time_point m_lastTime;
 };
 
-/// Returns the names of the inputs, in the order of the system.
-[[nodiscard]] std::vector<std::u16string> ListNames() {
-  std::vector<std::u16string> names;
+struct Input {
+  UINT number = 0;
+  std::u16string name;
+
+  friend bool operator==(const Input&, const Input&) = default;
+};
+
+/// Returns whether this is no input by itself. Wine lists one that stands for the default of the
+/// sound server, and the outputs that can be listened to.
+[[nodiscard]] bool IsNoRealInput(std::u16string_view name) {
+  return name == u"PulseAudio" || name.starts_with(u"Monitor of ");
+}
+
+/// Returns the real inputs, in the order of the system.
+[[nodiscard]] std::vector<Input> ListInputs() {
+  std::vector<Input> inputs;
   for (UINT i = 0; i < waveInGetNumDevs(); ++i) {
     WAVEINCAPSW about{};
-    names.emplace_back(waveInGetDevCapsW(i, &about, sizeof(about)) == MMSYSERR_NOERROR
-                           ? FromWide(about.szPname)
-                           : std::u16string_view());
+    if (waveInGetDevCapsW(i, &about, sizeof(about)) == MMSYSERR_NOERROR &&
+        !IsNoRealInput(FromWide(about.szPname))) {
+      inputs.push_back({i, std::u16string(FromWide(about.szPname))});
+    }
   }
-  return names;
+  return inputs;
 }
 
 /// Returns the number of the chosen input. Returns the system's default if it is not there.
-[[nodiscard]] UINT FindChosen(const ChosenInput& getChosen) {
+[[nodiscard]] UINT FindChosen(const std::vector<Input>& inputs, const ChosenInput& getChosen) {
   const std::u16string chosen = getChosen ? getChosen() : std::u16string();
-  if (chosen.empty()) {
-    return WAVE_MAPPER;
-  }
-  const auto names = ListNames();
-  const auto found = std::ranges::find(names, chosen);
-  return found == names.end() ? WAVE_MAPPER : static_cast<UINT>(found - names.begin());
+  const auto found = std::ranges::find(inputs, chosen, &Input::name);
+  return chosen.empty() || found == inputs.end() ? WAVE_MAPPER : found->number;
 }
 
 /// Calls `changed` when the names of the inputs are other ones than a second ago.
@@ -269,11 +279,12 @@ class PollingWatch final : public platform::WaveInputs::Watch {
       : m_thread([changed = std::move(changed)](const std::stop_token& stop) {
           std::mutex mutex;
           std::condition_variable_any wakeUp;
-          auto names = ListNames();
+          auto inputs = ListInputs();
           std::unique_lock lock(mutex);
           while (!stop.stop_requested()) {
             wakeUp.wait_for(lock, stop, std::chrono::seconds(1), [] { return false; });
-            if (std::exchange(names, ListNames()) != names && !stop.stop_requested()) {
+            const auto before = std::exchange(inputs, ListInputs());
+            if (before != inputs && !stop.stop_requested()) {
               changed();
             }
           }
@@ -285,20 +296,23 @@ class PollingWatch final : public platform::WaveInputs::Watch {
 
 }  // namespace
 
-std::uint32_t Win32WaveIn::GetDeviceCount() { return waveInGetNumDevs(); }
+std::uint32_t Win32WaveIn::GetDeviceCount() {
+  return static_cast<std::uint32_t>(ListInputs().size());
+}
 
 platform::Result<std::unique_ptr<platform::WaveInDevice>, WaveResult> Win32WaveIn::Open(
     const platform::WaveFormat& format) {
   if (!platform::IsWholeBytePcm(format) || format.bitsPerSample != kRecordedBits) {
     return platform::Failure(WaveResult::kBadFormat);
   }
-  if (GetDeviceCount() == 0) {
+  const auto inputs = ListInputs();
+  if (inputs.empty()) {
     return platform::Failure(WaveResult::kNoDevice);
   }
   const WAVEFORMATEX wanted = ToSystem(format);
   HWAVEIN device = nullptr;
   const MMRESULT result =
-      waveInOpen(&device, FindChosen(m_getChosen), &wanted, 0, 0, CALLBACK_NULL);
+      waveInOpen(&device, FindChosen(inputs, m_getChosen), &wanted, 0, 0, CALLBACK_NULL);
   if (result != MMSYSERR_NOERROR) {
     return platform::Failure(ToResult(result));
   }
@@ -311,12 +325,13 @@ platform::Result<std::unique_ptr<platform::WaveInDevice>, WaveResult> Win32WaveI
 }
 
 platform::Result<std::vector<platform::WaveInput>, WaveResult> Win32WaveInputs::List() {
-  const UINT used = FindChosen(m_getChosen);
+  const auto found = ListInputs();
+  const UINT used = FindChosen(found, m_getChosen);
   std::vector<platform::WaveInput> inputs;
-  for (const std::u16string& name : ListNames()) {
+  for (const Input& input : found) {
     // The first one is the system's default.
-    const bool isUsed = inputs.size() == (used == WAVE_MAPPER ? 0 : used);
-    inputs.push_back({name, name, isUsed});
+    const bool isUsed = used == WAVE_MAPPER ? inputs.empty() : input.number == used;
+    inputs.push_back({input.name, input.name, isUsed});
   }
   return inputs;
 }
