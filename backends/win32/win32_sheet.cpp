@@ -60,12 +60,11 @@ bool Win32Sheet::Run(HWND owner, HICON icon) {
     record.lParam = reinterpret_cast<LPARAM>(page.dialog.get());
     pages.push_back(record);
   }
+  m_icon = icon;
   PROPSHEETHEADERW sheet{};
   sheet.dwSize = sizeof(sheet);
-  sheet.dwFlags = PSH_PROPSHEETPAGE | PSH_NOAPPLYNOW | PSH_NOCONTEXTHELP |
-                  (icon == nullptr ? 0U : static_cast<DWORD>(PSH_USEHICON));
+  sheet.dwFlags = PSH_PROPSHEETPAGE | PSH_NOAPPLYNOW | PSH_NOCONTEXTHELP;
   sheet.hwndParent = owner;
-  sheet.hIcon = icon;
   sheet.pszCaption = ToWide(m_caption);
   sheet.nPages = static_cast<UINT>(pages.size());
   sheet.ppsp = pages.data();
@@ -152,6 +151,9 @@ void Win32Sheet::Prepare() {
     return;
   }
   m_handler.OnInitSheet(*this);
+  for (const int size : {ICON_SMALL, ICON_BIG}) {
+    SendMessageW(m_window, WM_SETICON, static_cast<WPARAM>(size), reinterpret_cast<LPARAM>(m_icon));
+  }
   const HWND cancel = GetDlgItem(m_window, IDCANCEL);
   const HWND ok = GetDlgItem(m_window, IDOK);
   if (cancel != nullptr && ok != nullptr) {

@@ -54,6 +54,7 @@ class Win32Sheet final : public platform::SheetWindow {
   std::vector<Page> m_pages;
   std::function<void(HWND)> m_onCreated;
   HWND m_window = nullptr;
+  HICON m_icon = nullptr;
   bool m_isPrepared = false;
   bool m_wasAccepted = false;
 };

@@ -1,6 +1,7 @@
 #include "backends/win32/win32_shell.h"
 
 #include <shellapi.h>
+#include <shlwapi.h>
 
 #include <array>
 #include <string>
@@ -55,6 +56,15 @@ constexpr INT_PTR kLastFailure = 32;
   return languages;
 }
 
+/// Returns the user's browser. Returns an empty text if the system knows none.
+[[nodiscard]] std::u16string FindBrowser() {
+  std::array<wchar_t, MAX_PATH> path{};
+  auto length = static_cast<DWORD>(path.size());
+  const HRESULT result =
+      ::AssocQueryStringW(ASSOCF_NONE, ASSOCSTR_EXECUTABLE, L"http", L"open", path.data(), &length);
+  return SUCCEEDED(result) ? std::u16string(FromWide(path.data())) : std::u16string();
+}
+
 }  // namespace
 
 std::u16string FindHelpPage(const fs::path& folder, const std::vector<std::u16string>& languages,
@@ -96,11 +106,20 @@ void Win32Shell::Execute(std::u16string_view verb, std::u16string_view file,
   Open(std::u16string(parameters));
 }
 
-// The result is a number in the form of a handle.
+// The system would take a place within a page for a part of its file's name. So the browser itself
+// gets the address. If there is none, the system says what it does with pages.
 void Win32Shell::Open(const std::u16string& address) const {
+  const std::u16string browser = FindBrowser();
+  const std::u16string quoted = u'"' + address + u'"';
   const HINSTANCE result =
-      ::ShellExecuteW(nullptr, L"open", ToWide(address), nullptr, nullptr, SW_SHOWNORMAL);
-  if (reinterpret_cast<INT_PTR>(result) <= kLastFailure) {
+      browser.empty()
+          ? ::ShellExecuteW(nullptr, L"open", ToWide(address), nullptr, nullptr, SW_SHOWNORMAL)
+          : ::ShellExecuteW(nullptr, nullptr, ToWide(browser), ToWide(quoted), nullptr,
+                            SW_SHOWNORMAL);
+  const auto code = reinterpret_cast<INT_PTR>(result);  // A number in the form of a handle.
+  if (code == SE_ERR_FNF || code == SE_ERR_PNF) {
+    m_report(resources::Say(resources::kHelpNotInstalled));
+  } else if (code <= kLastFailure) {
     m_report(std::u16string(resources::Say(resources::kNoWebBrowser)) + address);
   }
 }

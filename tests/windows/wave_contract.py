@@ -3,6 +3,7 @@
 
     wave_contract.py TEST_PROGRAM
 """
+import json
 import os
 import random
 import subprocess
@@ -11,15 +12,22 @@ import sys
 import session
 
 # Cases that take the device away. Each needs a server of its own.
-UNPLUGGING = "*ThatIsGone*"
+UNPLUGGING = ["*MicrophoneThatIsGone*", "*LoudspeakerThatIsGone*"]
+# Wine has some hundredths of a second of sound in hand. If the machine stops it for longer, there is a
+# gap, which is no fault of the device. So a case that fails is tried again, by itself.
+ATTEMPTS = 3
 
 
 def run_cases(here, program, melody, cases):
+    """Returns the names of the cases that failed, or `cases` if the program did not end by itself."""
     server = session.SoundServer(here.folder, melody)
     asked = os.path.join(here.folder, "end_server")
+    report = os.path.join(here.folder, "report.json")
+    if os.path.exists(report):
+        os.unlink(report)
     process = subprocess.Popen([session.find_wine(), program, "--gtest_filter=" + cases,
-                                "--gtest_brief=1"], env=here.environment(),
-                               stderr=subprocess.DEVNULL)
+                                "--gtest_brief=1", "--gtest_output=json:Z:" + report],
+                               env=here.environment(), stderr=subprocess.DEVNULL)
     while process.poll() is None:
         if os.path.exists(asked):
             server.end()
@@ -29,7 +37,12 @@ def run_cases(here, program, melody, cases):
         except subprocess.TimeoutExpired:
             pass
     server.end()
-    return process.returncode == 0
+    if not os.path.exists(report):
+        return [cases]
+    with open(report) as file:
+        suites = json.load(file)["testsuites"]
+    return [f"{suite['name']}.{case['name']}" for suite in suites for case in suite["testsuite"]
+            if "failures" in case]
 
 
 def main(program):
@@ -38,10 +51,11 @@ def main(program):
         melody = random.Random(1).randbytes(session.BYTES_PER_SECOND)
         with open(os.path.join(here.folder, "melody"), "wb") as file:
             file.write(melody)
-        passed = run_cases(here, program, melody, "-" + UNPLUGGING)
-        for case in ("*MicrophoneThatIsGone*", "*LoudspeakerThatIsGone*"):
-            passed = run_cases(here, program, melody, case) and passed
-    return 0 if passed else 1
+        failed = run_cases(here, program, melody, "-" + ":".join(UNPLUGGING))
+        failed += UNPLUGGING
+        for _ in range(ATTEMPTS):
+            failed = [case for name in failed for case in run_cases(here, program, melody, name)]
+    return 1 if failed else 0
 
 
 if __name__ == "__main__":

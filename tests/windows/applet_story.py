@@ -1,0 +1,474 @@
+#!/usr/bin/env python3
+"""A user before the applet in Wine's own control panel.
+
+    applet_story.py APPLET COMMAND_LINE PROBE PICTURES
+"""
+import glob
+import json
+import os
+import re
+import shutil
+import subprocess
+import sys
+import time
+
+import session
+
+CARDS = """BEGIN:VCARD\r
+VERSION:3.0\r
+UID:a\r
+N:Lee;Ann;;;\r
+FN:Ann Lee\r
+TEL;TYPE=CELL:5551234\r
+END:VCARD\r
+BEGIN:VCARD\r
+VERSION:3.0\r
+UID:b\r
+N:Ray;Bob;;;\r
+FN:Bob Ray\r
+TEL;TYPE=HOME:5550001\r
+END:VCARD\r
+"""
+HUM = b"\x09\x00\xf6\xff"
+HEADER = 44  # Bytes of a wave file before its sound.
+
+# Controls of the windows; see resources/dialogs.h.
+CONTACTS, RECORD, COUNT, TAGS = 1009, 1016, 1030, 1013
+PLAY, DELETE, DELETE_ALL, TEST, TEST_LIST = 1014, 1015, 1017, 1025, 1026
+OK, CANCEL = 1, 2
+
+TAG_KEY = r"HKLM\Software\Zedra\Zedra Voxtrel"
+VERSION_KEY = r"HKLM\Software\Zedra\VoxtrelPEIni"
+SOURCES = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+
+
+def find_linux_program():
+    """Returns the command line of this system, which makes the same of the same recording."""
+    for preset in ("release", "dev"):
+        program = os.path.join(SOURCES, "build", preset, "host", "cli", "voxtrel")
+        if os.path.exists(program):
+            return program
+    sys.exit("The program for Linux is compared: build it first (tools/build.sh release voxtrel)")
+
+
+def speak(folder, words):
+    """Returns `words` as sound of the recording format."""
+    spoken, raw = os.path.join(folder, "spoken.wav"), os.path.join(folder, "spoken.raw")
+    subprocess.run(["espeak-ng", "-v", "en", "-w", spoken, words], check=True)
+    subprocess.run(["sox", spoken, "-t", "raw", "-e", "signed", "-b", "16", "-L", "-r",
+                    str(session.RATE), "-c", "1", raw], check=True)
+    with open(raw, "rb") as file:
+        return file.read()
+
+
+def read(path):
+    with open(path, "rb") as file:
+        return file.read()
+
+
+def was_said(recorded, said):
+    """Whether a recording, which may begin and end with what is around the words, holds them bit by
+    bit. A machine that is busy may leave a gap in one of its quarters, and not in all."""
+    quarter = len(recorded) // 8 * 2
+    return any(recorded[at:at + quarter] in said for at in range(0, 4 * quarter, quarter))
+
+
+class User:
+    """Looks at the screen and acts there with mouse and keyboard."""
+
+    def __init__(self, here, probe, pictures):
+        self.here = here
+        self._probe = probe
+        self._pictures = pictures
+
+    def windows(self):
+        return [json.loads(line) for line in self.here.wine(self._probe).splitlines() if line]
+
+    def find(self, title):
+        """Returns the uppermost window with that title. Returns none if there is none."""
+        return next((window for window in self.windows() if window["text"] == title), None)
+
+    def await_window(self, title):
+        return session.wait_until(lambda: self.find(title), f"There is a window '{title}'")
+
+    def await_gone(self, title):
+        session.wait_until(lambda: not self.find(title), f"The window '{title}' has gone")
+
+    def control(self, title, number):
+        window = self.await_window(title)
+        return next(control for control in window["controls"] if control["id"] == number)
+
+    def text(self, title, number):
+        return self.control(title, number)["text"]
+
+    def items(self, title, number):
+        return self.control(title, number)["items"]
+
+    def is_enabled(self, title, number):
+        return self.control(title, number)["enabled"]
+
+    def texts(self, title):
+        return [control["text"] for control in self.await_window(title)["controls"]]
+
+    def click(self, title, number):
+        self.click_place(self.control(title, number)["place"])
+
+    def click_place(self, place, times=1):
+        left, top, right, bottom = place
+        self._drive("mousemove", str((left + right) // 2), str((top + bottom) // 2))
+        for _ in range(times):
+            self._drive("click", "1")
+
+    def click_at(self, x, y):
+        self._drive("mousemove", str(x), str(y))
+        self._drive("click", "1")
+
+    def press(self, *keys):
+        self._drive("key", *keys)
+
+    def shoot(self, name):
+        os.makedirs(self._pictures, exist_ok=True)
+        subprocess.run(["import", "-window", "root", os.path.join(self._pictures, name + ".png")],
+                       env=self.here.environment(), check=True)
+
+    def _drive(self, *arguments):
+        subprocess.run(["xdotool", *arguments], env=self.here.environment(), check=True,
+                       stdout=subprocess.DEVNULL)
+
+
+class Story:
+    def __init__(self, here, applet, command_line, probe, pictures):
+        self.here = here
+        self.user = User(here, probe, pictures)
+        self.applet = applet
+        self.command_line = command_line
+        self.cards = os.path.join(here.folder, "cards.vcf")
+        with open(self.cards, "w", newline="") as file:
+            file.write(CARDS)
+        here.variables["VOXTREL_CONTACTS"] = "Z:" + self.cards
+        self.server = session.SoundServer(here.folder, HUM)
+        # What the applet gives to the user's browser is noted.
+        self.asked = os.path.join(here.folder, "asked")
+        browser = os.path.join(here.folder, "browser")
+        with open(browser, "w") as file:
+            file.write(f"#!/bin/sh\nprintf '%s\\n' \"$1\" >>'{self.asked}'\n")
+        os.chmod(browser, 0o755)
+        here.wine("reg", "add", r"HKCU\Software\Wine\WineBrowser", "/v", "Browsers", "/d", browser,
+                  "/f")
+        home = os.path.join(here.wine_folder, "drive_c", "Voxtrel")
+        os.makedirs(home)
+        shutil.copy(applet, os.path.join(home, "voxtrel.cpl"))
+        shutil.copytree(os.path.join(SOURCES, "resources", "help"),
+                        os.path.join(home, "data", "help"))
+
+    def root(self):
+        return glob.glob(os.path.join(self.here.wine_folder, "drive_c", "users", "*", "AppData",
+                                      "Local", "Voxtrel"))[0]
+
+    def folder(self, name):
+        return os.path.join(self.root(), "Program Files", "Zedra Tech.", "Zedra Voxtrel", name)
+
+    def names(self):
+        """Returns the names of the tags that have a recording."""
+        return sorted(os.path.basename(path)[:-4]
+                      for path in glob.glob(os.path.join(self.folder("Voxtrel_wav"), "*.wav")))
+
+    def template(self, name):
+        return os.path.join(self.folder("Voxtrel_stor"), name + ".st")
+
+    def wave(self, name):
+        return os.path.join(self.folder("Voxtrel_wav"), name + ".wav")
+
+    def entries(self):
+        """Returns what the registry says of each tag."""
+        try:
+            out = self.here.wine("reg", "query", TAG_KEY, "/s", check=True)
+        except subprocess.CalledProcessError:
+            return {}
+        entries, name = {}, None
+        for line in out.splitlines():
+            if line.startswith("HKEY_"):
+                name = line.strip().rsplit("\\", 1)[1]
+            elif value := re.match(r"\s+(contact|phone type)\s+REG_SZ\s+(.*?)\s*$", line):
+                entries.setdefault(name, {})[value[1]] = value[2]
+        return entries
+
+    def open(self, caption="Property"):
+        panel = self.here.start("control.exe", r"C:\Voxtrel\voxtrel.cpl")
+        self.user.await_window(caption)
+        return panel
+
+    def close(self, panel, caption="Property"):
+        self.user.click(caption, OK)
+        self.user.await_gone(caption)
+        session.wait_until(lambda: panel.poll() is not None, "The control panel has ended")
+
+    def learn(self, sound, while_recording=None):
+        before = len(self.user.items("Property", TAGS))
+        self.user.click("Property", RECORD)
+        session.wait_until(self.is_recording, "The bar is shown")
+        self.server.microphone.hear(sound)
+        if while_recording:
+            while_recording()
+        session.wait_until(lambda: not self.is_recording()
+                           and len(self.user.items("Property", TAGS)) > before,
+                           "The name is learned")
+
+    def is_recording(self):
+        return any(control["class"] == "msctls_progress32"
+                   for control in self.user.await_window("Property")["controls"])
+
+    # The stories, in their order. Each goes on where the one before has ended.
+
+    def panel_shows_name_and_icon_and_opens_the_sheet(self):
+        user = self.user
+        # The panel shows the applets in the system's own folder.
+        system = os.path.join(self.here.wine_folder, "drive_c", "windows", "system32")
+        shutil.copy(self.applet, os.path.join(system, "voxtrel.cpl"))
+        panel = self.here.start("control.exe")
+
+        def find_icon():
+            icons = [icon for window in user.windows() for control in window["controls"]
+                     for icon in control.get("icons", [])]
+            return next((icon for icon in icons if icon["text"] == "Zedra Voxtrel"), None)
+        icon = session.wait_until(find_icon, "The panel shows the name")
+        user.shoot("windows_panel")
+        user.click_place(icon["place"], times=2)
+        sheet = user.await_window("Property")
+        user.shoot("windows_sheet")
+        assert user.text("Property", COUNT) == "Learned commands: 0"
+        assert not user.is_enabled("Property", PLAY) and not user.is_enabled("Property", TEST)
+        assert user.items("Property", CONTACTS) == ["Lee Ann", "Ray Bob"], sheet
+        user.click("Property", OK)
+        user.await_gone("Property")
+        # The panel lives on, and opens it again.
+        user.click_place(icon["place"], times=2)
+        user.await_window("Property")
+        user.press("Escape")
+        user.await_gone("Property")
+        assert panel.poll() is None
+        user.press("alt+F4")
+        session.wait_until(lambda: panel.poll() is not None, "The control panel has ended")
+        os.unlink(os.path.join(system, "voxtrel.cpl"))
+
+    def ann_is_learned_from_the_microphone(self):
+        user = self.user
+        panel = self.open()
+        sound = speak(self.here.folder, "Anna")
+        self.learn(sound)
+        assert user.items("Property", TAGS) == ["Ann Lee 5551234 M"]
+        assert user.text("Property", COUNT) == "Learned commands: 1"
+        [name] = self.names()
+        wave = read(self.wave(name))
+        assert wave[:4] == b"RIFF" and int.from_bytes(wave[4:8], "little") == len(wave)
+        assert HEADER + session.RATE // 2 < len(wave) < HEADER + 3 * session.BYTES_PER_SECOND
+        assert was_said(wave[HEADER:], sound), "Another sound was recorded"
+        assert os.path.getsize(self.template(name)) > 0
+        entry = self.entries()[name]
+        assert entry["phone type"] == "Mobile" and re.fullmatch(r"-?\d+", entry["contact"]), entry
+        self.close(panel)
+
+    def play_is_heard(self):
+        user = self.user
+        panel = self.open()
+        [name] = self.names()
+        sound = read(self.wave(name))[HEADER:]
+        before = os.path.getsize(self.server.heard)
+        place = user.control("Property", TAGS)["place"]
+        user.click_at(place[0] + 20, place[1] + 8)
+        assert user.is_enabled("Property", PLAY) and user.is_enabled("Property", DELETE)
+        user.click("Property", PLAY)
+        time.sleep(2 * len(sound) / session.BYTES_PER_SECOND + 2)
+        assert was_said(sound, read(self.server.heard)[before:]), "Another sound was played"
+        self.close(panel)
+
+    def second_instance_brings_the_first_one_forward_and_ends(self):
+        user = self.user
+        panel = self.open()
+        second = self.here.start("control.exe", r"C:\Voxtrel\voxtrel.cpl")
+        session.wait_until(lambda: second.poll() is not None, "The second instance has ended")
+        assert len([window for window in user.windows() if window["text"] == "Property"]) == 1
+        self.close(panel)
+
+    def closing_while_it_records_does_nothing(self):
+        user = self.user
+        panel = self.open()
+        user.click("Property", CONTACTS)
+        user.press("Down", "Return")
+        sheet = user.find("Property")
+
+        def close():
+            user.press("alt+F4")
+            user.press("Escape")
+            user.click("Property", OK)
+            assert user.find("Property")["place"] == sheet["place"]
+        self.learn(speak(self.here.folder, "Bob"), close)
+        assert user.items("Property", TAGS) == ["Ann Lee 5551234 M", "Bob Ray 5550001 H"]
+        assert user.is_enabled("Property", TEST)
+        user.shoot("windows_two_tags")
+        self.close(panel)
+
+    def test_lists_both_tags_and_help_opens_its_own_page(self):
+        user = self.user
+        panel = self.open()
+        user.press("F1")
+        session.wait_until(lambda: os.path.exists(self.asked), "The help is asked for")
+        assert read(self.asked).decode().strip().endswith("ZedraVoxtrelPE_help.htm")
+        user.click("Property", TEST)
+        lines = user.items("Test", TEST_LIST)
+        assert len(lines) == 2, lines
+        assert re.fullmatch(r"\d+%; 1; (Ann Lee 5551234 M;  Bob Ray 5550001 H"
+                            r"|Bob Ray 5550001 H;  Ann Lee 5551234 M)", lines[0]), lines
+        user.shoot("windows_test")
+        os.unlink(self.asked)
+        user.click("Test", 142)
+        session.wait_until(lambda: os.path.exists(self.asked), "The help on the test is asked for")
+        assert read(self.asked).decode().strip().endswith("ZedraVoxtrelPE_help.htm#test")
+        user.press("alt+F4")
+        user.await_gone("Test")
+        self.close(panel)
+
+    def about_shows_itself_and_its_link_is_pressed(self):
+        user = self.user
+        panel = self.open()
+        user.press("ctrl+Tab")
+        page = session.wait_until(
+            lambda: next((control for control in user.find("Property")["controls"]
+                          if control["class"] == "#32770" and control["text"] == "About"), None),
+            "The page is shown")
+        user.shoot("windows_about")
+        left, top = page["place"][:2]
+        user.click_at(left + 120, top + 166)
+        user.await_window("Zedra Voxtrel")  # The site is one of examples, so a box says so.
+        user.press("Return")
+        user.await_gone("Zedra Voxtrel")
+        self.close(panel)
+
+    def changed_mathematics_make_every_template_again(self):
+        user = self.user
+        templates = {name: read(self.template(name)) for name in self.names()}
+        for name in templates:
+            os.unlink(self.template(name))
+        self.here.wine("reg", "add", VERSION_KEY, "/v", "Version_Math", "/d", "2", "/f")
+        panel = self.here.start("control.exe", r"C:\Voxtrel\voxtrel.cpl")
+        user.await_window("Reinitialization")
+        user.shoot("windows_reinitialization")
+        user.await_gone("Reinitialization")
+        assert "REG_SZ    3" in self.here.wine("reg", "query", VERSION_KEY, "/v", "Version_Math")
+        for name in templates:
+            assert os.path.getsize(self.template(name)) > 0
+        self.close(panel)
+
+    def same_recording_makes_the_same_bytes_as_on_linux(self):
+        user = self.user
+        linux = find_linux_program()
+        sample = sorted(glob.glob(os.path.join(SOURCES, "samples", "*.wav")))[0]
+        before = self.names()
+        self.here.variables["VOXTREL_MICROPHONE"] = "Z:" + sample
+        panel = self.open()
+        self.learn(b"")
+        del self.here.variables["VOXTREL_MICROPHONE"]
+        self.close(panel)
+        [name] = set(self.names()) - set(before)
+        root = os.path.join(self.here.folder, "linux")
+        subprocess.run([linux, "--root", root, "--contacts", self.cards, "--microphone", sample,
+                        "--speaker", os.path.join(self.here.folder, "said.wav"), "tags", "learn",
+                        "--contact", "Lee Ann", "--number", "Mobile"], check=True,
+                       env=dict(os.environ, HOME=self.here.folder), stdout=subprocess.DEVNULL)
+        [wave] = glob.glob(os.path.join(root, "*", "*", "*", "Voxtrel_wav", "*.wav"))
+        [template] = glob.glob(os.path.join(root, "*", "*", "*", "Voxtrel_stor", "*.st"))
+        assert read(wave) == read(self.wave(name))
+        assert read(template) == read(self.template(name))
+        ours = self.here.wine(self.command_line, "registry", "export", "-")
+        theirs = subprocess.run([linux, "--root", root, "registry", "export", "-"], check=True,
+                                stdout=subprocess.PIPE).stdout.decode(errors="replace")
+        other = os.path.basename(wave)[:-4]
+
+        def values(text, of):
+            text = text.replace("\0", "")
+            part = text.split("\\" + of + "]", 1)[1].split("[HKEY", 1)[0]
+            return re.sub(r"\s|\\\r?\n", "", part)
+        assert values(ours, name) == values(theirs, other)
+
+    def delete_asks_first(self):
+        user = self.user
+        panel = self.open()
+        lines = user.items("Property", TAGS)
+        place = user.control("Property", TAGS)["place"]
+        user.click_at(place[0] + 20, place[1] + 8)
+        user.click("Property", DELETE)
+        user.await_window("Attention")
+        user.shoot("windows_delete")
+        user.click("Attention", CANCEL)
+        user.await_gone("Attention")
+        assert user.items("Property", TAGS) == lines
+        user.click("Property", DELETE)
+        user.click("Attention", OK)
+        user.await_gone("Attention")
+        assert user.items("Property", TAGS) == lines[1:]
+        assert not user.is_enabled("Property", DELETE)
+        assert len(self.names()) == len(self.entries()) == len(lines) - 1
+        user.click("Property", DELETE_ALL)
+        user.click("Attention", OK)
+        user.await_gone("Attention")
+        assert user.items("Property", TAGS) == [] and not user.is_enabled("Property", DELETE_ALL)
+        assert self.names() == [] and self.entries() == {}
+        self.close(panel)
+
+    def language_file_is_read(self):
+        shutil.copy(os.path.join(SOURCES, "resources", "languages", "Voxtrel.de.lng"),
+                    self.folder("Voxtrel.lng"))
+        panel = self.here.start("control.exe", r"C:\Voxtrel\voxtrel.cpl")
+        session.wait_until(lambda: any("Aufn" in control["text"] for window in self.user.windows()
+                                       for control in window["controls"]),
+                           "The sheet is in German")
+        self.user.shoot("windows_german")
+        self.user.press("Escape")
+        session.wait_until(lambda: panel.poll() is not None, "The control panel has ended")
+        os.unlink(self.folder("Voxtrel.lng"))
+
+    def missing_microphone_is_said_and_ends_the_process(self):
+        self.server.end()
+        panel = self.open()
+        self.user.click("Property", RECORD)
+        box = self.user.await_window("Zedra Voxtrel")
+        assert any(control["text"] == "There are no wave-record devices in you computer."
+                   for control in box["controls"]), box
+        self.user.shoot("windows_no_microphone")
+        self.user.press("Return")
+        session.wait_until(lambda: panel.poll() is not None, "The process has ended")
+
+
+STORIES = [Story.panel_shows_name_and_icon_and_opens_the_sheet,
+           Story.ann_is_learned_from_the_microphone,
+           Story.play_is_heard,
+           Story.second_instance_brings_the_first_one_forward_and_ends,
+           Story.closing_while_it_records_does_nothing,
+           Story.test_lists_both_tags_and_help_opens_its_own_page,
+           Story.about_shows_itself_and_its_link_is_pressed,
+           Story.changed_mathematics_make_every_template_again,
+           Story.same_recording_makes_the_same_bytes_as_on_linux,
+           Story.delete_asks_first,
+           Story.language_file_is_read,
+           Story.missing_microphone_is_said_and_ends_the_process]
+
+
+def main(applet, command_line, probe, pictures):
+    with session.Session(screen="1024x768") as here:
+        story = Story(here, applet, command_line, probe, pictures)
+        try:
+            for part in STORIES:
+                begin = time.monotonic()
+                part(story)
+                print(f"{part.__name__}: {time.monotonic() - begin:.0f} s", flush=True)
+        except Exception:
+            story.user.shoot("windows_failure")
+            raise
+        finally:
+            story.server.end()
+
+
+if __name__ == "__main__":
+    if len(sys.argv) != 5:
+        sys.exit(__doc__)
+    main(*sys.argv[1:])
