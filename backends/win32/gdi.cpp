@@ -125,8 +125,9 @@ void Pictures::Draw(HDC context, platform::Point at, int picture, const Scale& s
     return;
   }
   Gdiplus::Graphics graphics(context);
-  graphics.SetInterpolationMode(Gdiplus::InterpolationModeHighQualityBicubic);
-  graphics.SetPixelOffsetMode(Gdiplus::PixelOffsetModeHalf);
+  const bool isExact = static_cast<int>(image->GetWidth()) == width;
+  graphics.SetInterpolationMode(isExact ? Gdiplus::InterpolationModeNearestNeighbor
+                                        : Gdiplus::InterpolationModeHighQualityBicubic);
   graphics.DrawImage(image, Gdiplus::Rect(scale.Across(at.x), scale.Down(at.y), width, height));
 }
 

@@ -119,9 +119,34 @@ BOOL CALLBACK PrintWindow(HWND window, LPARAM /*unused*/) {
   return TRUE;
 }
 
+void PrintValues(const wchar_t* name) {
+  HKEY key = nullptr;
+  RegOpenKeyExW(HKEY_LOCAL_MACHINE, name, 0, KEY_READ, &key);
+  wchar_t value[100]{};
+  DWORD length = 100;
+  BYTE bytes[1000]{};
+  DWORD size = sizeof(bytes);
+  DWORD type = 0;
+  for (DWORD i = 0;
+       RegEnumValueW(key, i, value, &length, nullptr, &type, bytes, &size) == ERROR_SUCCESS; ++i) {
+    std::printf("%ls=%lu:", value, type);
+    for (DWORD at = 0; at < size; ++at) {
+      std::printf("%02x", bytes[at]);
+    }
+    std::printf("\n");
+    length = 100;
+    size = sizeof(bytes);
+  }
+  RegCloseKey(key);
+}
+
 }  // namespace
 
-int main() {
-  EnumWindows(&PrintWindow, 0);
+int wmain(int count, wchar_t** arguments) {
+  if (count > 1) {
+    PrintValues(arguments[1]);
+  } else {
+    EnumWindows(&PrintWindow, 0);
+  }
   return 0;
 }

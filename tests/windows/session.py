@@ -1,5 +1,6 @@
 """A session of its own for tests of the Windows build under Wine: a folder, a sound server whose
 microphone hears what a test wants, a screen, and Wine with a registry and drives of its own."""
+import glob
 import os
 import shutil
 import subprocess
@@ -143,17 +144,25 @@ class Session:
             self._start_screen()
         subprocess.run([find_wine(), "wineboot", "--init"], env=self.environment(), check=True,
                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        # The font of dialogs on Windows, which Wine does not find by itself on every machine.
+        fonts = os.path.join(self.wine_folder, "drive_c", "windows", "Fonts")
+        for font in glob.glob("/usr/share/wine/fonts/tahoma*.ttf"):
+            shutil.copy(font, fonts)
+        self._end_wine()
         if self._screen_size is None:
             self.wine("reg", "add", r"HKCU\Software\Wine\Drivers", "/v", "Graphics", "/d", "null",
                       "/f")
         return self
 
-    def __exit__(self, *failure):
+    def _end_wine(self):
         server = os.path.join(os.path.dirname(find_wine()), "wineserver")
         if not os.path.exists(server):
             server = "/usr/lib/wine/wineserver"
         subprocess.run([server, "-k"], env=self.environment(), check=False,
                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+
+    def __exit__(self, *failure):
+        self._end_wine()
         for process in reversed(self._processes):
             process.kill()
             process.wait()
