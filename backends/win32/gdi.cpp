@@ -51,6 +51,34 @@ FontHandle::FontHandle(const platform::Font& font, const Scale& scale)
 
 int MeasureLine(HDC context, std::u16string_view text) { return Measure(context, OneLine(text)); }
 
+FontHandle NarrowedFont(HFONT font, std::u16string_view text, int width) {
+  constexpr int kWidths[] = {95, 90, 85, 80, 75};  // In percent of the usual width.
+  const HDC context = GetDC(nullptr);
+  const auto fits = [&](HFONT tried) {
+    const SelectedFont selected(context, tried);
+    return MeasureLine(context, text) <= width;
+  };
+  FontHandle narrowed;
+  if (!fits(font)) {
+    LOGFONTW form{};
+    ::GetObjectW(font, sizeof(form), &form);
+    TEXTMETRICW metrics{};
+    {
+      const SelectedFont selected(context, font);
+      GetTextMetricsW(context, &metrics);
+    }
+    for (const int percent : kWidths) {
+      form.lfWidth = MulDiv(static_cast<int>(metrics.tmAveCharWidth), percent, 100);
+      narrowed = FontHandle(CreateFontIndirectW(&form));
+      if (fits(narrowed.Get())) {
+        break;
+      }
+    }
+  }
+  ReleaseDC(nullptr, context);
+  return narrowed;
+}
+
 /// GDI+ for as long as it lives, and the images that it has read.
 class Pictures::Library {
  public:

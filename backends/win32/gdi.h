@@ -16,6 +16,8 @@ class FontHandle {
  public:
   FontHandle() = default;
   FontHandle(const platform::Font& font, const Scale& scale);
+  /// Takes the font over.
+  explicit FontHandle(HFONT font) : m_font(font) {}
   FontHandle(FontHandle&& other) noexcept : m_font(std::exchange(other.m_font, nullptr)) {}
   FontHandle& operator=(FontHandle&& other) noexcept {
     std::swap(m_font, other.m_font);
@@ -47,6 +49,10 @@ class SelectedFont {
 
 /// Returns the width of one line of text in the selected font.
 [[nodiscard]] int MeasureLine(HDC context, std::u16string_view text);
+
+/// Returns `font` with letters as narrow as `text` needs to fit into `width`, within limits.
+/// Returns none if the text fits as it is.
+[[nodiscard]] FontHandle NarrowedFont(HFONT font, std::u16string_view text, int width);
 
 /// The pictures of a library or a program, which holds them as PNG in several sizes: the resource
 /// of type RT_RCDATA and the picture's number has its own size, and one with kLarger times the

@@ -111,7 +111,9 @@ class Win32Dialog final : public platform::DialogWindow {
   /// then.
   void CallHere(const std::function<void(Win32Dialog&)>& call);
 
-  void ShowText(const Control& control);
+  void ShowText(Control& control);
+  /// Gives a button narrower letters if its text is too long. The texts come from language files.
+  void FitText(Control& control);
   /// Makes the selection and the field of the window those of the items.
   void ShowSelection(const Control& control);
   void TakeFocusFrom(const Control& leaving);

@@ -27,6 +27,9 @@ constexpr ListMessages kComboMessages{CB_INSERTSTRING, CB_DELETESTRING, CB_RESET
 constexpr ListMessages kListMessages{LB_INSERTSTRING, LB_DELETESTRING, LB_RESETCONTENT,
                                      LB_SETCURSEL, LB_GETCURSEL};
 
+/// The distance between a button's edge and its text, in pixels of the device.
+constexpr int kMargin = 4;
+
 [[nodiscard]] const ListMessages& MessagesOf(ControlKind kind) {
   return kind == ControlKind::kListBox ? kListMessages : kComboMessages;
 }
@@ -59,7 +62,7 @@ class Change {
 
 }  // namespace
 
-void Win32Dialog::ShowText(const Control& control) {
+void Win32Dialog::ShowText(Control& control) {
   const ControlKind kind = control.description.kind;
   if (control.items) {
     ShowSelection(control);
@@ -68,6 +71,19 @@ void Win32Dialog::ShowText(const Control& control) {
   } else {
     SetWindowTextW(control.window, ToWide(WithoutMarks(control.text)));
   }
+  if (kind == ControlKind::kPushButton || kind == ControlKind::kDefaultPushButton) {
+    FitText(control);
+  }
+}
+
+void Win32Dialog::FitText(Control& control) {
+  const auto usual = reinterpret_cast<HFONT>(SendMessageW(m_window, WM_GETFONT, 0, 0));
+  RECT area{};
+  ::GetClientRect(control.window, &area);
+  FontHandle narrowed = NarrowedFont(usual, control.text, area.right - 2 * m_scale.Across(kMargin));
+  const HFONT shown = narrowed.Get() == nullptr ? usual : narrowed.Get();
+  SendMessageW(control.window, WM_SETFONT, reinterpret_cast<WPARAM>(shown), TRUE);
+  control.font = std::move(narrowed);
 }
 
 void Win32Dialog::ShowSelection(const Control& control) {

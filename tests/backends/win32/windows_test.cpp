@@ -212,6 +212,23 @@ TEST_F(Win32Sheet, AnAmpersandInAButtonIsALetter) {
   Show({[](HWND window) { EXPECT_EQ(User::TextOf(Control(window, kGo)), L"R&&D"); }});
 }
 
+TEST_F(Win32Sheet, ATextThatIsTooLongForItsButtonHasNarrowerLetters) {
+  Show({[&](HWND window) {
+    const auto letters = [&] {
+      LOGFONTW form{};
+      GetObjectW(reinterpret_cast<HFONT>(SendMessageW(Control(window, kGo), WM_GETFONT, 0, 0)),
+                 sizeof(form), &form);
+      return form.lfWidth;
+    };
+    m_first.Window().SetText(kGo, u"Record");
+    EXPECT_EQ(letters(), 0);
+    m_first.Window().SetText(kGo, u"Enregistrement");
+    EXPECT_GT(letters(), 0);
+    m_first.Window().SetText(kGo, u"Record");
+    EXPECT_EQ(letters(), 0);
+  }});
+}
+
 TEST_F(Win32Sheet, TheFocusNeverStaysOnWhatIsDisabledNorGoesToAButton) {
   m_first.onCommand = [&] { m_first.Window().Enable(kWipe, false); };
   Show({[](HWND window) {
