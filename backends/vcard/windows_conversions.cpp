@@ -82,12 +82,12 @@ std::u16string Decode(UINT page, DWORD flags, std::string_view bytes) {
 
 /// Goes from character to character. Of what is none, one byte is passed over.
 Converted DecodePiecewise(UINT page, std::string_view bytes) {
-  constexpr std::size_t kMostBytes = 4;
+  constexpr std::size_t kLongestCharacter = 4;
   Converted converted;
   while (!bytes.empty()) {
     std::u16string character;
     std::size_t length = 0;
-    while (character.empty() && length < std::min(kMostBytes, bytes.size())) {
+    while (character.empty() && length < std::min(kLongestCharacter, bytes.size())) {
       character = Decode(page, MB_ERR_INVALID_CHARS, bytes.substr(0, ++length));
     }
     if (character.empty()) {
