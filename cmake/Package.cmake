@@ -34,12 +34,18 @@ install(DIRECTORY "${documents}/bash/" DESTINATION share/bash-completion/complet
 install(DIRECTORY "${documents}/zsh/" DESTINATION share/zsh/vendor-completions OPTIONAL)
 install(DIRECTORY "${documents}/fish/" DESTINATION share/fish/vendor_completions.d OPTIONAL)
 
-# What a software centre shows. The format wants web addresses for pictures.
-set(VOXTREL_PICTURES_URL "https://voxtrel.example/pictures"
-    CACHE STRING "Where the pictures of docs/pictures are published")
-configure_file("${PROJECT_SOURCE_DIR}/packaging/voxtrel.metainfo.xml"
-               "${PROJECT_BINARY_DIR}/tech.zedra.voxtrel.metainfo.xml" @ONLY)
-install(FILES "${PROJECT_BINARY_DIR}/tech.zedra.voxtrel.metainfo.xml" DESTINATION share/metainfo)
+# What a software centre shows. The format wants web addresses for pictures, so without one there are
+# none: a software centre would ask for what is not there.
+set(VOXTREL_PICTURES_URL ""
+    CACHE STRING "Where the pictures of docs/pictures are published. Empty if they are not")
+set(metainfo "${PROJECT_BINARY_DIR}/tech.zedra.voxtrel.metainfo.xml")
+configure_file("${PROJECT_SOURCE_DIR}/packaging/voxtrel.metainfo.xml" "${metainfo}" @ONLY)
+if(VOXTREL_PICTURES_URL STREQUAL "")
+  file(READ "${metainfo}" lines)
+  string(REGEX REPLACE " *<screenshots>.*</screenshots>\n" "" lines "${lines}")
+  file(WRITE "${metainfo}" "${lines}")
+endif()
+install(FILES "${metainfo}" DESTINATION share/metainfo)
 
 install(FILES "${PROJECT_SOURCE_DIR}/packaging/copyright" DESTINATION share/doc/voxtrel)
 find_program(GZIP gzip REQUIRED)

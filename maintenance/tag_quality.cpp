@@ -32,8 +32,10 @@ class TagJudge {
       const std::u16string path = storage::TemplatePath(m_tags[i].name);
       const auto read = voicemath::ReadTemplateFile(m_platform.files, path, *m_mathematics);
       // A file that is there and whole, but cannot be read now, is another thing than none: there
-      // is nothing for the user to repair then.
-      m_templates.push_back(read                                       ? TemplateState::kRead
+      // is nothing for the user to repair then. One without a frame is like no name.
+      const bool isEmpty = read && m_mathematics->m_frameCounts[i] == 0;
+      m_templates.push_back(isEmpty                                    ? TemplateState::kNone
+                            : read                                     ? TemplateState::kRead
                             : IsThere(path) && !IsDamage(read.error()) ? TemplateState::kUnread
                                                                        : TemplateState::kNone);
     }

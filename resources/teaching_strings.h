@@ -21,7 +21,7 @@ inline constexpr std::u16string_view kKeptPart =
 // Who is taught.
 inline constexpr std::u16string_view kPeople = u"People";
 inline constexpr std::u16string_view kSearchPeople = u"Search name, company or number";
-inline constexpr std::u16string_view kIsTaught = u"Taught";
+inline constexpr std::u16string_view kIsTaught = u"Already taught";
 inline constexpr std::u16string_view kReadingPeople = u"Reading the contacts…";
 /// "%1" is what was typed.
 inline constexpr std::u16string_view kNobodyFound = u"Nobody matches “%1”.";

@@ -42,6 +42,9 @@ Json QualityToJson(const platform::Result<TakeQuality, voicemath::ReviewError>& 
 
 Json QualityToJson(const maintenance::TagQuality& quality,
                    std::span<const maintenance::JudgedTag> tags) {
+  if (quality.hasNoTemplate) {
+    return nullptr;  // The dialer does not know it, however good its recording is.
+  }
   Json json = QualityToJson(quality.take);
   for (const maintenance::AlikeTag& alike : quality.tooAlike) {
     if (!json.is_null()) {

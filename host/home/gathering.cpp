@@ -1,8 +1,11 @@
 #include "host/home/gathering.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "backends/qt/strings.h"
+#include "backends/text/printable.h"
+#include "backends/text/utf.h"
 #include "resources/work_strings.h"
 
 namespace home {
@@ -13,6 +16,12 @@ std::u16string ToSentence(std::string_view part) {
     text[0] = text.at(0).toUpper();
   }
   return qt::ToText(qt::Say(resources::kWholeSentence).arg(text));
+}
+
+std::u16string ToShown(std::u16string name) {
+  return std::ranges::any_of(name, text::IsCommand)
+             ? text::FromUtf8(text::Printable(text::ToUtf8(name)))
+             : std::move(name);
 }
 
 std::u16string Gathering::GetText() const {

@@ -34,4 +34,8 @@ class Gathering final : public session::Outlet {
 /// Returns a part of a sentence, as sessions report it, as a whole sentence.
 [[nodiscard]] std::u16string ToSentence(std::string_view part);
 
+/// Returns a name without what would turn the order of other words on the screen, or break the
+/// line: marks of direction and control characters, which are nobody's letters.
+[[nodiscard]] std::u16string ToShown(std::u16string name);
+
 }  // namespace home

@@ -57,7 +57,7 @@ LanguageSection::LanguageSection(const SetupTools& tools, Errands& errands, QWid
       m_tools(tools),
       m_errands(errands),
       m_label(AddText(Say(resources::kSheetLanguage))),
-      m_languages(new QComboBox(this)) {
+      m_languages(new ChoiceBox(this)) {
   m_label->setTextInteractionFlags(Qt::NoTextInteraction);
   m_label->setBuddy(m_languages);
   m_languages->setObjectName(QStringLiteral("languages"));

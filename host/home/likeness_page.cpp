@@ -1,6 +1,7 @@
 #include "host/home/likeness_page.h"
 
 #include <QBoxLayout>
+#include <QEvent>
 #include <QLabel>
 #include <QListWidget>
 #include <QPainter>
@@ -27,6 +28,8 @@ namespace home {
 namespace {
 
 constexpr int kPairPadding = 6;
+constexpr int kListLines = 5;         ///< Of the list of pairs, at least.
+constexpr int kHighPageLines = 28;    ///< A narrow page that is lower has no picture.
 constexpr int kWidePageLetters = 90;  ///< From this width on picture and list stand side by side.
 
 // What an item of the list knows. Its text has a line for each of the two names.
@@ -130,7 +133,6 @@ QWidget* LikenessPage::MakePairs() {
   m_list->setAccessibleName(Say(resources::kPairs));
   m_list->setItemDelegate(new PairDelegate(m_list));
   m_list->setUniformItemSizes(true);
-  m_list->setMinimumHeight(m_list->fontMetrics().lineSpacing() * 5);
   m_list->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Ignored);
   m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   m_list->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
@@ -197,7 +199,7 @@ QString LikenessPage::NameOf(std::size_t index) const {
 QString LikenessPage::Describe(std::size_t index) const {
   const AlikePair& pair = m_pairs[index];
   return Say(pair.isTooAlike ? resources::kPairIsTooAlike : resources::kPairIsAlike)
-      .arg(NameOf(pair.first), NameOf(pair.second),
+      .arg(InSentence(NameOf(pair.first)), InSentence(NameOf(pair.second)),
            locale().toString(maintenance::ToScore(pair.distance)));
 }
 
@@ -255,7 +257,7 @@ void LikenessPage::ShowCurrent() {
     QStringList parts{qt::ToQString(tag.contact), NameKind(tag.kind), ShowNumber(tag.number)};
     parts.removeAll(QString());
     m_names[i]->setText(parts.join(QStringLiteral(" · ")));
-    m_teach[i]->setAccessibleName(Say(resources::kTeachNameAgain).arg(NameOf(tags[i])));
+    m_teach[i]->setAccessibleName(Say(resources::kTeachNameAgain).arg(InSentence(NameOf(tags[i]))));
     m_teach[i]->setToolTip(qt::AsToolTip(m_teach[i]->accessibleName()));
   }
 }
@@ -318,9 +320,23 @@ void LikenessPage::TeachAgain(std::size_t side) {
 
 void LikenessPage::resizeEvent(QResizeEvent* event) {
   Page::resizeEvent(event);
-  m_halves->setDirection(width() >= kWidePageLetters * fontMetrics().averageCharWidth()
-                             ? QBoxLayout::LeftToRight
-                             : QBoxLayout::TopToBottom);
+  Arrange();
+}
+
+void LikenessPage::changeEvent(QEvent* event) {
+  Page::changeEvent(event);
+  if (event->type() == QEvent::FontChange) {
+    Arrange();
+  }
+}
+
+// On a small screen with large letters the picture would have no room for names. The list says the
+// same.
+void LikenessPage::Arrange() {
+  const bool isWide = width() >= kWidePageLetters * fontMetrics().averageCharWidth();
+  m_halves->setDirection(isWide ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+  m_picture->setVisible(isWide || height() >= kHighPageLines * fontMetrics().lineSpacing());
+  m_list->setMinimumHeight(m_list->fontMetrics().lineSpacing() * kListLines);
 }
 
 }  // namespace home

@@ -34,8 +34,10 @@ class LikenessPage : public Page {
 
  protected:
   void resizeEvent(QResizeEvent* event) override;
+  void changeEvent(QEvent* event) override;
 
  private:
+  void Arrange();
   [[nodiscard]] QWidget* MakePairs();
   [[nodiscard]] QWidget* MakeButtons();
   void ShowPairs();

@@ -39,7 +39,7 @@ MicrophoneSection::MicrophoneSection(const SetupTools& tools, QWidget* parent)
       m_tools(tools),
       m_recorder(tools.sound),
       m_label(AddText(Say(resources::kInputToUse))),
-      m_inputs(new QComboBox(this)),
+      m_inputs(new ChoiceBox(this)),
       m_meter(new LevelMeter(this)) {
   m_label->setTextInteractionFlags(Qt::NoTextInteraction);
   m_label->setBuddy(m_inputs);

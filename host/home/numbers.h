@@ -7,7 +7,14 @@
 
 namespace home {
 
-// Telephone numbers and their kinds, as the window shows them.
+// Names, telephone numbers and their kinds, as the window shows them.
+
+/// Returns a name for a place in a sentence. One that has letters that are read from right to left
+/// is set apart, since it would turn the order of the words around it.
+[[nodiscard]] QString InSentence(const QString& name);
+[[nodiscard]] inline QString InSentence(std::u16string_view name) {
+  return InSentence(qt::ToQString(name));
+}
 
 /// Returns the text between marks, so that it is read from left to right in every window and next
 /// to every name. Returns a text with letters that are read from right to left as it is.

@@ -228,7 +228,7 @@ void PeopleList::ShowListOrNotice() {
   if (!m_isRead) {
     m_notice->Show(Say(resources::kReadingPeople), {}, {}, nullptr);
   } else if (!m_search->text().isEmpty() && m_problem.isEmpty()) {
-    m_notice->Show(Say(resources::kNobodyFound).arg(m_search->text()), {},
+    m_notice->Show(Say(resources::kNobodyFound).arg(InSentence(m_search->text())), {},
                    Say(resources::kShowEverybody), [this] { Begin(); });
   } else {
     m_notice->Show(Say(resources::kPeopleUnreadable),

@@ -2,6 +2,7 @@
 
 #include <QLocale>
 
+#include "host/home/numbers.h"
 #include "host/home/say.h"
 #include "resources/quality_strings.h"
 
@@ -100,8 +101,7 @@ QStringList DescribeQuality(const Tag& tag, const std::vector<Tag>& tags) {
     }
   }
   for (const maintenance::AlikeTag& alike : tag.quality.tooAlike) {
-    sentences.append(
-        Say(resources::kTagIsTooAlike).arg(qt::ToQString(tags.at(alike.index).contact)));
+    sentences.append(Say(resources::kTagIsTooAlike).arg(InSentence(tags.at(alike.index).contact)));
   }
   return sentences.isEmpty() ? QStringList(Say(resources::kTakeIsGood)) : sentences;
 }

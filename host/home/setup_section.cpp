@@ -2,11 +2,12 @@
 
 #include <QAbstractItemView>
 #include <QApplication>
-#include <QComboBox>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
 #include <QScrollArea>
+#include <QStyleOptionComboBox>
+#include <QStylePainter>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <array>
@@ -84,6 +85,21 @@ bool OpenListAt(QComboBox& list, const QKeyEvent& key) {
 }
 
 }  // namespace
+
+// The library's own box cuts a text in the middle of a letter, at its beginning in a window that is
+// read from the right.
+void ChoiceBox::paintEvent(QPaintEvent* /*event*/) {
+  QStylePainter painter(this);
+  QStyleOptionComboBox option;
+  initStyleOption(&option);
+  painter.drawComplexControl(QStyle::CC_ComboBox, option);
+  const QRect field =
+      style()->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, this);
+  constexpr int kEdges = 4;  // What the style leaves free around the text, in pixels.
+  option.currentText =
+      option.fontMetrics.elidedText(option.currentText, Qt::ElideRight, field.width() - kEdges);
+  painter.drawControl(QStyle::CE_ComboBoxLabel, option);
+}
 
 SetupSection::SetupSection(std::u16string_view heading, QWidget* parent)
     : QWidget(parent), m_body(new QVBoxLayout(this)) {

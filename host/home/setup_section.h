@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QComboBox>
 #include <QWidget>
 #include <functional>
 #include <initializer_list>
@@ -16,6 +17,15 @@ class QVBoxLayout;
 namespace home {
 
 class ButtonRow;
+
+/// A list to choose from that may be narrower than its texts. What is cut ends with an ellipsis.
+class ChoiceBox final : public QComboBox {
+ public:
+  using QComboBox::QComboBox;
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+};
 
 /// One part of the set-up page: a heading, and below it texts, controls and buttons in the order in
 /// which they are added.

@@ -38,7 +38,7 @@ void ReadWho(platform::ContactsStore& contacts, Person& person) {
   if (!contact) {
     return;
   }
-  person.company = (*contact)->GetCompanyName().value_or(u"");
+  person.company = ToShown((*contact)->GetCompanyName().value_or(u""));
   std::u16string name;
   for (const platform::ContactText& part :
        {(*contact)->GetFirstName(), (*contact)->GetMiddleName(), (*contact)->GetLastName()}) {
@@ -61,6 +61,7 @@ void ReadPeople(session::Session& session, Gathering& gathering, Shelf& shelf) {
   for (const session::ListedContact& contact : *listed) {
     Person person{contact.oid, contact.name, {}, {}};
     ReadWho(session.GetContacts(), person);
+    person.name = ToShown(std::move(person.name));
     for (const std::u16string& item : contact.numbers) {
       person.numbers.push_back(ToNumber(item));
     }
@@ -104,7 +105,7 @@ Tag ToTag(const session::Session& session, const tags::ListedTag& listed,
   Tag tag;
   tag.name = listed.name;
   tag.oid = listed.entry.oid;
-  tag.contact = listed.text;
+  tag.contact = ToShown(listed.text);
   tag.kind = listed.entry.phoneType;
   tag.isStale = listed.isStale;
   tag.problem = ExplainTag(listed);

@@ -128,7 +128,7 @@ QString TagModel::Describe(int row) const {
   lines += DescribeQuality(row);
   if (tag.quality.nearest) {
     lines.append(Say(resources::kMostAlike)
-                     .arg(qt::ToQString(m_shelf->tags[tag.quality.nearest->index].contact),
+                     .arg(InSentence(m_shelf->tags[tag.quality.nearest->index].contact),
                           QLocale().toString(tag.quality.nearest->distance, 'f', 2)));
   }
   return lines.join(u'\n');

@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "host/home/empty_notice.h"
+#include "host/home/numbers.h"
 #include "host/home/say.h"
 #include "host/home/symbols.h"
 #include "resources/tags_window_strings.h"
@@ -77,7 +78,7 @@ void TagsPage::ShowListOrNotice() {
          m_ways.canTeach ? [this] { m_frame.ShowPage(PageId::kTeaching, {}); }
                          : std::function<void()>());
   } else if (m_order.rowCount() == 0) {
-    show(Say(resources::kNoMatch).arg(m_search->text()), {}, resources::kClearSearch,
+    show(Say(resources::kNoMatch).arg(InSentence(m_search->text())), {}, resources::kClearSearch,
          [this] { ClearSearch(); });
   } else {
     m_centre->setCurrentWidget(m_list);
@@ -140,13 +141,21 @@ void TagsPage::ShowCurrent() {
   }
   m_details->setText(lines.join(u'\n'));
   // On a narrow window there is no room for nothing, and a message takes theirs.
-  m_details->setVisible(!m_list->AreCards() || !(lines.isEmpty() || m_bar.isVisible()));
+  m_detailsArea->setVisible(!m_list->AreCards() || !(lines.isEmpty() || m_bar.isVisible()));
+  FitDetails();
   const bool isPlaying = tag != nullptr && tag->name == m_model.GetPlaying();
   m_play->setText(Say(isPlaying ? resources::kStop : resources::kPlay));
   m_play->setIcon(IconOf(isPlaying ? Symbol::kStop : Symbol::kPlay));
   m_play->setEnabled(tag != nullptr);
   m_teachAgain->setEnabled(tag != nullptr && selected.size() <= 1 && !tag->isStale);
   m_delete->setEnabled(!selected.empty());
+}
+
+/// Large letters leave most of a small window to the list. What has no room is scrolled.
+void TagsPage::FitDetails() {
+  constexpr int kShareOfList = 5;
+  const int most = std::max(height() / kShareOfList, 2 * fontMetrics().lineSpacing());
+  m_detailsArea->SetMost(m_list->AreCards() ? most : 0);
 }
 
 void TagsPage::ShowMenu(const QPoint& at) {
@@ -196,7 +205,7 @@ void TagsPage::Delete() {
                           const Outcome& outcome, const std::vector<std::u16string>& trashed) {
     m_trashed = trashed;
     m_undo->setEnabled(!trashed.empty());
-    const QString done = count == 1 ? Say(resources::kOneDeleted).arg(name)
+    const QString done = count == 1 ? Say(resources::kOneDeleted).arg(InSentence(name))
                                     : Say(resources::kManyDeleted).arg(count);
     if (trashed.empty()) {
       m_frame.Report(outcome);

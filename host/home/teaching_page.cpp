@@ -9,6 +9,7 @@
 
 #include "audio/samples.h"
 #include "host/home/lesson_panel.h"
+#include "host/home/numbers.h"
 #include "host/home/people_list.h"
 #include "host/home/say.h"
 #include "resources/teaching_strings.h"
@@ -244,7 +245,7 @@ void TeachingPage::OnTaught(const Outcome& outcome) {
                                                        : outcome.message});
     return;
   }
-  QString learned = Say(resources::kLearned).arg(qt::ToQString(m_pupil->person.name));
+  QString learned = Say(resources::kLearned).arg(InSentence(m_pupil->person.name));
   if (!outcome.message.empty()) {
     learned += u'\n' + qt::ToQString(outcome.message);
   }

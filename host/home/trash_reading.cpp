@@ -65,7 +65,7 @@ TrashList ReadTrash(const machine::Options& options) {
     }
     const auto entry =
         storage::ReadItemEntry(session.GetFiles(), storage::InTrash(tag.file), parts);
-    DeletedTag deleted{tag.file, {}, {}, tag.item.text, tag.item.deletedAt, {}};
+    DeletedTag deleted{tag.file, {}, {}, ToShown(tag.item.text), tag.item.deletedAt, {}};
     if (entry) {
       deleted.oid = entry->oid;
       deleted.kind = entry->phoneType;

@@ -189,6 +189,12 @@ TEST_F(TagQualityTest, ATemplateThatIsMissingOrDamagedIsKnownAsNone) {
   EXPECT_FALSE(qualities[2].hasNoTemplate);
 }
 
+TEST_F(TagQualityTest, ATemplateOfZerosHasNoFrameAndIsKnownAsNone) {
+  Learn(u"100", 1, 17);
+  ASSERT_TRUE(m_machine.files.PutFile(storage::TemplatePath(u"100"), support::Bytes(20)));
+  EXPECT_TRUE(Judge()[0].hasNoTemplate);
+}
+
 TEST_F(TagQualityTest, OneTagIsJudgedAsAmongAll) {
   Learn(u"100", 1, 17);
   Learn(u"200", 1, 18);

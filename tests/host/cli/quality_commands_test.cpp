@@ -95,6 +95,14 @@ TEST_F(QualityCommands, ATagWithoutARecordingIsNotJudged) {
   EXPECT_TRUE(List()[2]["quality"].is_null());
 }
 
+TEST_F(QualityCommands, ATagThatTheDialerDoesNotKnowIsNotCalledGood) {
+  PutThreeTags();
+  fs::remove(Template("300"));
+  EXPECT_TRUE(List()[2]["quality"].is_null());
+  Write(Template("300"), support::Bytes(20));
+  EXPECT_TRUE(List()[2]["quality"].is_null()) << "it has no frame";
+}
+
 TEST_F(QualityCommands, ATemplateThatCannotBeReadIsReportedAndTheListIsWhole) {
   PutThreeTags();
   fs::remove(Template("100"));

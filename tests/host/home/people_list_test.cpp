@@ -64,8 +64,8 @@ TEST_F(PeopleList, FindsWordsOfNameCompanyAndNumberInAnyOrder) {
 
 TEST_F(PeopleList, SaysWhichNumbersAreTaught) {
   Show();
-  EXPECT_TRUE(Rows()[0].endsWith(QStringLiteral(", Taught")));
-  EXPECT_FALSE(Rows()[1].contains(QStringLiteral("Taught")));
+  EXPECT_TRUE(Rows()[0].endsWith(QStringLiteral(", Already taught")));
+  EXPECT_FALSE(Rows()[1].contains(QStringLiteral("taught")));
 }
 
 TEST_F(PeopleList, IsMovedThroughByArrowsAndChosenFromByEnterFromTheSearch) {

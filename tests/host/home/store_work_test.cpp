@@ -223,6 +223,15 @@ TEST_F(StoreWorkTest, IfTheDiskHasNoRoomForTheirCopiesNoTagIsDeletedOrTaughtAgai
   EXPECT_TRUE(HasFiles(tags[1]));
 }
 
+TEST_F(StoreWorkTest, ANameCannotTurnTheOrderOfTheWordsAfterIt) {
+  WriteContacts(CardOf("a", "Lee\u202E;\u2067Ann", "CELL", "5551234"));
+  Begin();
+  ASSERT_THAT(m_shelf->people, SizeIs(1));
+  EXPECT_EQ(m_shelf->people[0].name, u"Ann Lee");
+  static_cast<void>(TeachAnn());
+  EXPECT_EQ(m_shelf->tags.at(0).contact, u"Ann Lee");
+}
+
 TEST_F(StoreWorkTest, TheTrashIsListedWithTheLatestDeletionFirst) {
   Begin();
   const Names tags{TeachAnn(), TeachBob()};

@@ -607,4 +607,26 @@ TEST_F(TagsWindow, ContextMenuHasWhatCanBeDoneWithTheTag) {
                                 QStringLiteral("Select several")}));
 }
 
+TEST_F(TagsWindow, LeavesMostOfASmallWindowWithLargeLettersToTheList) {
+  const QFont before = QApplication::font();
+  QFont large = before;
+  large.setPointSize(20);
+  QApplication::setFont(large);
+  OpenFull({360, 640});
+  Choose("Hanna Berg");
+  const auto* const details = Find<QLabel>("details");
+  const QWidget* const area = details->parentWidget()->parentWidget();
+  EXPECT_LT(area->height(), m_list->height());
+  EXPECT_GT(details->height(), area->height()) << "the rest is scrolled";
+  QApplication::setFont(before);
+}
+
+TEST_F(TagsWindow, ANameFromRightToLeftIsSetApartInASentence) {
+  OpenFull();
+  Choose("דוד לוי");
+  Press(Qt::Key_Delete);
+  m_work.EndDeleting({true, {}}, {u"x"});
+  EXPECT_EQ(Message(), "Voice tag deleted: \u2068דוד לוי\u2069");
+}
+
 }  // namespace
