@@ -17,6 +17,7 @@ constexpr int kWrongUsage = 2;
 constexpr const char* kFooter = R"(Examples:
   voxtrel-home                      your voice tags
   voxtrel-home --teach              teach a name at once
+  voxtrel-home --dial               say a name, and call that person
   voxtrel-home --contacts my.vcf    with the contacts of a vCard file
 
 The environment gives the options that are not there: VOXTREL_ROOT, VOXTREL_CONTACTS,
@@ -53,6 +54,8 @@ std::variant<Arguments, int> ParseArguments(int argc, const char* const* argv) {
                  "Play into this wave file and not to the loudspeaker")
       ->type_name("FILE");
   app.add_flag("--teach", arguments.teaches, "Teach a name at once");
+  app.add_flag("--dial", arguments.dials, "Open the page that hears a name and calls")
+      ->excludes("--teach");
   app.add_flag("--probe", arguments.isProbe)->group("");
   try {
     app.parse(argc, argv);

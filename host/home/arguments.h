@@ -11,6 +11,7 @@ struct Arguments {
   machine::Options machine;  ///< From the environment, unless an option says something else.
   bool isProbe = false;      ///< Show nothing: the exit code says whether there is a display.
   bool teaches = false;      ///< Open the page that teaches a name at once.
+  bool dials = false;        ///< The same with the page that hears a name and calls.
 };
 
 /// Returns the arguments. Returns an exit code if nothing remains to do, because this has printed

@@ -4,6 +4,8 @@
 #include <QTextBoundaryFinder>
 #include <algorithm>
 
+#include "host/home/access.h"
+
 namespace home {
 namespace {
 
@@ -49,6 +51,26 @@ void DrawAvatar(QPainter& painter, const QRect& area, const QString& name, const
   painter.setPen(text);
   painter.drawText(circle, Qt::AlignCenter, InitialsOf(name));
   painter.restore();
+}
+
+Avatar::Avatar(double lines, QWidget* parent) : QWidget(parent), m_lines(lines) {
+  SetAccessibleRole(*this, QAccessible::Graphic);
+}
+
+void Avatar::SetPerson(const QString& name) {
+  setAccessibleName(name);
+  update();
+}
+
+QSize Avatar::sizeHint() const {
+  const int side = qRound(fontMetrics().lineSpacing() * m_lines);
+  return {side, side};
+}
+
+void Avatar::paintEvent(QPaintEvent* /*event*/) {
+  QPainter painter(this);
+  DrawAvatar(painter, rect(), accessibleName(), palette().color(QPalette::HighlightedText),
+             palette().color(QPalette::Highlight));
 }
 
 }  // namespace home

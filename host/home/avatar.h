@@ -14,4 +14,20 @@ namespace home {
 void DrawAvatar(QPainter& painter, const QRect& area, const QString& name, const QColor& text,
                 const QColor& ground);
 
+/// The initials of the person whose name is its accessible name.
+class Avatar final : public QWidget {
+ public:
+  /// As high as so many lines of text.
+  Avatar(double lines, QWidget* parent);
+
+  void SetPerson(const QString& name);
+  [[nodiscard]] QSize sizeHint() const override;
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+
+ private:
+  const double m_lines;
+};
+
 }  // namespace home

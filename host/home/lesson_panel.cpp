@@ -2,7 +2,6 @@
 
 #include <QBoxLayout>
 #include <QLocale>
-#include <QPainter>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QScrollArea>
@@ -32,26 +31,8 @@ namespace {
 constexpr int kLessonGap = 12;
 constexpr double kNameGrowth = 1.3;
 constexpr double kCueGrowth = 2;
+constexpr double kAvatarLines = 2.5;
 constexpr std::size_t kMostNamed = 3;  ///< People whose names are too alike; the rest is counted.
-
-/// The initials of the person whose name is its accessible name.
-class Avatar final : public QWidget {
- public:
-  explicit Avatar(QWidget* parent) : QWidget(parent) {
-    SetAccessibleRole(*this, QAccessible::Graphic);
-  }
-  [[nodiscard]] QSize sizeHint() const override {
-    const int side = fontMetrics().lineSpacing() * 5 / 2;
-    return {side, side};
-  }
-
- protected:
-  void paintEvent(QPaintEvent* /*event*/) override {
-    QPainter painter(this);
-    DrawAvatar(painter, rect(), accessibleName(), palette().color(QPalette::HighlightedText),
-               palette().color(QPalette::Highlight));
-  }
-};
 
 void Grow(QLabel& label, double growth) {
   QFont font = label.font();
@@ -108,7 +89,7 @@ LessonPanel::LessonPanel(Acts acts, QWidget* parent) : QWidget(parent) {
 
 QWidget* LessonPanel::MakeHeader() {
   auto* const header = new QWidget(this);
-  m_avatar = new Avatar(header);
+  m_avatar = new Avatar(kAvatarLines, header);
   m_avatar->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
   m_name = new QLabel(header);
   m_name->setObjectName(QStringLiteral("lessonName"));
@@ -234,8 +215,7 @@ void LessonPanel::ShowNobody() {
 }
 
 void LessonPanel::ShowReady(const Person& person, const Number& number, bool hasTag) {
-  m_avatar->setAccessibleName(qt::ToQString(person.name));
-  m_avatar->update();
+  m_avatar->SetPerson(qt::ToQString(person.name));
   m_name->setText(qt::ToQString(person.name));
   m_number->setText(NameKind(number.kind) + QStringLiteral(" · ") + ShowNumber(number.text));
   m_name->parentWidget()->show();
@@ -317,7 +297,7 @@ void LessonPanel::ShowAlike(const std::vector<std::u16string>& people) {
   }
   const std::size_t named = std::min(people.size(), kMostNamed);
   for (std::size_t i = 0; i < named; ++i) {
-    m_sentences.append(Say(resources::kTakeIsLike).arg(qt::ToQString(people[i])));
+    m_sentences.append(Say(resources::kTakeIsLike).arg(InSentence(people[i])));
   }
   if (const std::size_t others = people.size() - named; others > 0) {
     m_sentences.append(

@@ -16,6 +16,7 @@ class QStackedWidget;
 
 namespace home {
 
+class Avatar;
 class ButtonRow;
 class LevelMeter;
 class LiveLabel;
@@ -62,7 +63,7 @@ class LessonPanel : public QWidget {
   void ShowVerdicts();
 
   // Owned by the widgets.
-  QWidget* m_avatar = nullptr;
+  Avatar* m_avatar = nullptr;
   QLabel* m_name = nullptr;
   QLabel* m_number = nullptr;
   QStackedWidget* m_stage = nullptr;

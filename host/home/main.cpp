@@ -13,6 +13,8 @@
 #include "backends/qt/strings.h"
 #include "backends/text/utf.h"
 #include "host/home/arguments.h"
+#include "host/home/dial_page.h"
+#include "host/home/dial_parts.h"
 #include "host/home/likeness_page.h"
 #include "host/home/only_window.h"
 #include "host/home/other_programs.h"
@@ -30,6 +32,7 @@ constexpr int kFailed = 1;
 
 // What a second program asks of the window, and its activation token after that.
 constexpr std::string_view kTeach = "teach ";
+constexpr std::string_view kDial = "dial ";
 constexpr std::string_view kShow = "show ";
 
 /// Without a usable display Qt reports a fatal message and then aborts. This ends the process
@@ -59,6 +62,16 @@ home::TagsWindow::Settings MakeSettings(const machine::Options& options, home::W
   settings.pages[home::PageId::kTeaching] = [&work, sound](home::Frame& frame) {
     return std::make_unique<home::TeachingPage>(work, frame, sound);
   };
+  settings.pages[home::PageId::kDial] = [&options, &work, sound](home::Frame& frame) {
+    return std::make_unique<home::DialPage>(
+        work, frame,
+        home::DialPage::Tools{
+            {sound.threads,
+             [&options, sound](const std::function<void(const dialer::Parts&)>& use) {
+               return home::PrepareTalk(options, sound, use);
+             }},
+            [&options] { return home::ReadCalls(options); }});
+  };
   settings.pages[home::PageId::kLikeness] = [&](home::Frame& frame) {
     return std::make_unique<home::LikenessPage>(work, frame);
   };
@@ -73,6 +86,19 @@ home::TagsWindow::Settings MakeSettings(const machine::Options& options, home::W
   return settings;
 }
 
+/// Shows the page that a message asks for. Returns the word of it with which the message begins.
+std::string_view ShowWish(home::TagsWindow& window, std::string_view message) {
+  if (message.starts_with(kTeach)) {
+    window.ShowPage(home::PageId::kTeaching, {});
+    return kTeach;
+  }
+  if (message.starts_with(kDial)) {
+    window.ShowPage(home::PageId::kDial, {});
+    return kDial;
+  }
+  return kShow;
+}
+
 int Show(const home::Arguments& arguments, const std::string& token) {
   machine::Backends backends(arguments.machine);
   if (!backends.HasRoot()) {
@@ -81,7 +107,8 @@ int Show(const home::Arguments& arguments, const std::string& token) {
   }
   home::OnlyWindow only(qEnvironmentVariable("XDG_RUNTIME_DIR").toStdString(),
                         backends.GetRoot().native());
-  if (!only.Claim(std::string(arguments.teaches ? kTeach : kShow) + token)) {
+  const std::string_view wish = arguments.teaches ? kTeach : arguments.dials ? kDial : kShow;
+  if (!only.Claim(std::string(wish) + token)) {
     return 0;
   }
   // The sound library wants to be set up before there is a second thread.
@@ -99,15 +126,9 @@ int Show(const home::Arguments& arguments, const std::string& token) {
                           MakeSettings(arguments.machine, work, sound, inputs, programs));
   shown = &window;
   only.OnCall([&window](const std::string& message) {
-    const bool teaches = message.starts_with(kTeach);
-    if (teaches) {
-      window.ShowPage(home::PageId::kTeaching, {});
-    }
-    qt::BringWindowsForward(message.substr((teaches ? kTeach : kShow).size()));
+    qt::BringWindowsForward(message.substr(ShowWish(window, message).size()));
   });
-  if (arguments.teaches) {
-    window.ShowPage(home::PageId::kTeaching, {});
-  }
+  ShowWish(window, wish);
   window.show();
   return QApplication::exec();
 }

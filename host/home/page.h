@@ -11,7 +11,7 @@
 
 namespace home {
 
-enum class PageId : std::uint8_t { kTeaching, kLikeness, kSetup, kTrash };
+enum class PageId : std::uint8_t { kTeaching, kLikeness, kSetup, kTrash, kDial };
 
 /// What a page may ask of the window around it.
 class Frame {

@@ -10,6 +10,7 @@
 
 #include "host/home/address_book_section.h"
 #include "host/home/backup_section.h"
+#include "host/home/calls_section.h"
 #include "host/home/check_section.h"
 #include "host/home/language_section.h"
 #include "host/home/microphone_section.h"
@@ -35,6 +36,7 @@ SetupPage::SetupPage(SetupTools tools)
                 new MicrophoneSection(m_tools, column),
                 new LanguageSection(m_tools, m_errands, column),
                 new CheckSection(m_tools, m_errands, column),
+                new CallsSection(m_tools, m_errands, column),
                 new SerialPortSection(m_tools, m_errands, column),
                 new BackupSection(m_tools, m_errands, column)};
   auto* const lines = new QVBoxLayout(column);

@@ -44,6 +44,22 @@ void DrawUnknown(QPainter& painter) {
   painter.drawPoint(QPointF(8, 13.4));
 }
 
+/// A handset: an ear and a mouth piece with the handle between them.
+void DrawCall(QPainter& painter) {
+  QPainterPath path(QPointF(3.4, 2.6));
+  path.lineTo(6.2, 2.6);
+  path.lineTo(7.2, 6);
+  path.lineTo(5.6, 7.2);
+  path.quadTo(6.8, 9.6, 8.8, 10.6);
+  path.lineTo(10.2, 8.9);
+  path.lineTo(13.4, 10);
+  path.lineTo(13.4, 12.8);
+  path.quadTo(10.4, 14.6, 6, 10.4);
+  path.quadTo(2, 6.4, 3.4, 2.6);
+  path.closeSubpath();
+  painter.drawPath(path);
+}
+
 void DrawFilled(QPainter& painter, Symbol symbol) {
   switch (symbol) {
     case Symbol::kPlay:
@@ -76,6 +92,9 @@ void DrawOutline(QPainter& painter, Symbol symbol) {
     case Symbol::kClose:
       DrawLines(painter, {{4, 4}, {12, 12}});
       DrawLines(painter, {{12, 4}, {4, 12}});
+      break;
+    case Symbol::kCall:
+      DrawCall(painter);
       break;
     case Symbol::kDelete:
       DrawBin(painter);

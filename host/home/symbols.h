@@ -18,6 +18,7 @@ enum class Symbol : std::uint8_t {
   kPlay,
   kStop,
   kRecord,
+  kCall,
   kDelete,
   kGood,
   kWarning,

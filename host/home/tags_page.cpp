@@ -10,6 +10,7 @@
 #include <QStackedLayout>
 #include <QToolButton>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <utility>
 
 #include "host/home/access.h"
@@ -17,9 +18,28 @@
 #include "host/home/empty_notice.h"
 #include "host/home/say.h"
 #include "host/home/symbols.h"
+#include "resources/dial_window_strings.h"
 #include "resources/tags_window_strings.h"
 
 namespace home {
+
+int DetailsArea::heightForWidth(int width) const {
+  const int wanted = widget()->heightForWidth(width);
+  return m_most > 0 ? std::min(wanted, m_most) : wanted;
+}
+
+QSize DetailsArea::sizeHint() const {
+  const int width = widget()->sizeHint().width();
+  return {width, heightForWidth(width)};
+}
+
+QSize DetailsArea::minimumSizeHint() const { return {0, 0}; }
+
+void DetailsArea::SetMost(int height) {
+  m_most = height;
+  updateGeometry();
+}
+
 TagsPage::TagsPage(Work& work, Frame& frame, MessageBar& bar, Ways ways, QWidget* parent)
     : QWidget(parent), m_work(work), m_frame(frame), m_bar(bar), m_ways(ways) {
   MakeActions();
@@ -62,6 +82,9 @@ void TagsPage::MakeActions() {
   m_teach->setIcon(IconOf(Symbol::kRecord));
   m_teach->setShortcut(QKeySequence::New);
   m_teach->setVisible(m_ways.canTeach);
+  m_dial = make(resources::kSayName, [this] { m_frame.ShowPage(PageId::kDial, {}); });
+  m_dial->setIcon(IconOf(Symbol::kCall));
+  m_dial->setVisible(m_ways.canDial);
   m_play = make(resources::kPlay, [this] { PlayOrStop(); });
   m_teachAgain = make(resources::kTeachAgain, [this] {
     if (const Tag* tag = GetCurrent()) {
@@ -145,12 +168,14 @@ QWidget* TagsPage::MakeSearchRow() {
   GiveMenu(*m_sort, *m_sortMenu);
   m_sort->setFocusPolicy(Qt::StrongFocus);
   MakeTouchable(*m_sort);
+  m_dialAtTop = new ActionButton(*m_dial, row);
   m_teachAtTop = new ActionButton(*m_teach, row);
   auto* const layout = new QHBoxLayout(row);
   layout->setContentsMargins(layout->contentsMargins().left(), 0, layout->contentsMargins().right(),
                              layout->spacing());
   layout->addWidget(m_search, 1);
   layout->addWidget(m_sort);
+  layout->addWidget(m_dialAtTop);
   layout->addWidget(m_teachAtTop);
   return row;
 }
@@ -162,6 +187,17 @@ QWidget* TagsPage::MakeActionRow() {
   m_details->setWordWrap(true);
   m_details->setTextFormat(Qt::PlainText);
   m_details->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+  m_detailsArea = new DetailsArea(foot);
+  QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
+  policy.setHeightForWidth(true);
+  m_detailsArea->setSizePolicy(policy);
+  m_detailsArea->setWidget(m_details);
+  m_detailsArea->setWidgetResizable(true);
+  m_detailsArea->setFrameShape(QFrame::NoFrame);
+  m_detailsArea->setFocusPolicy(Qt::NoFocus);  // The text has it, and the focus scrolls.
+  m_detailsArea->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  m_detailsArea->viewport()->setAutoFillBackground(false);
+  m_details->setAutoFillBackground(false);
   m_actionRow = new QWidget(foot);
   auto* const row = new QHBoxLayout(m_actionRow);
   row->setContentsMargins(0, 0, 0, 0);
@@ -171,11 +207,16 @@ QWidget* TagsPage::MakeActionRow() {
     row->addWidget(m_actionButtons.back());
   }
   m_teachAtBottom = new ActionButton(*m_teach, foot);
-  m_teachAtBottom->setSizePolicy(QSizePolicy::MinimumExpanding, QSizePolicy::Fixed);
+  m_dialAtBottom = new ActionButton(*m_dial, foot);
+  m_bottom = new QBoxLayout(QBoxLayout::LeftToRight);
+  for (ActionButton* const button : {m_dialAtBottom, m_teachAtBottom}) {
+    button->setSizePolicy(QSizePolicy::MinimumExpanding, QSizePolicy::Fixed);
+    m_bottom->addWidget(button);
+  }
   m_foot = new QBoxLayout(QBoxLayout::LeftToRight, foot);
-  m_foot->addWidget(m_details, 1);
+  m_foot->addWidget(m_detailsArea, 1);
   m_foot->addWidget(m_actionRow);
-  m_foot->addWidget(m_teachAtBottom);
+  m_foot->addLayout(m_bottom);
   return foot;
 }
 
@@ -202,6 +243,12 @@ void TagsPage::Adapt() {
   m_sort->setVisible(isNarrow && hasTags);
   m_teachAtTop->setVisible(m_ways.canTeach && !isNarrow);
   m_teachAtBottom->setVisible(m_ways.canTeach && isNarrow);
+  m_dialAtTop->setVisible(m_ways.canDial && !isNarrow);
+  m_dialAtBottom->setVisible(m_ways.canDial && isNarrow);
+  const int both = m_teachAtBottom->sizeHint().width() + m_dialAtBottom->sizeHint().width() +
+                   m_bottom->spacing() + m_foot->contentsMargins().left() +
+                   m_foot->contentsMargins().right();
+  m_bottom->setDirection(both <= width() ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
   int needed = m_foot->contentsMargins().left() + m_foot->contentsMargins().right();
   for (ActionButton* const button : m_actionButtons) {
     button->ShowText(true);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QScrollArea>
 #include <QWidget>
 #include <functional>
 #include <memory>
@@ -25,6 +26,23 @@ namespace home {
 
 class EmptyNotice;
 
+/// As high as its text needs, up to a limit. What is higher is scrolled.
+class DetailsArea final : public QScrollArea {
+ public:
+  using QScrollArea::QScrollArea;
+
+  /// 0 is no limit.
+  void SetMost(int height);
+
+  [[nodiscard]] bool hasHeightForWidth() const override { return true; }
+  [[nodiscard]] int heightForWidth(int width) const override;
+  [[nodiscard]] QSize sizeHint() const override;
+  [[nodiscard]] QSize minimumSizeHint() const override;
+
+ private:
+  int m_most = 0;
+};
+
 /// The list of tags with its search, and what can be done with the tags that are selected.
 class TagsPage : public QWidget {
  public:
@@ -32,6 +50,7 @@ class TagsPage : public QWidget {
   struct Ways {
     bool canTeach = false;
     bool canSetUp = false;
+    bool canDial = false;
   };
 
   /// All outlive this.
@@ -54,6 +73,7 @@ class TagsPage : public QWidget {
   /// The actions of this page, for the menu of the window.
   [[nodiscard]] QMenu& GetSortMenu() const { return *m_sortMenu; }
   [[nodiscard]] QAction& GetTeachAction() const { return *m_teach; }
+  [[nodiscard]] QAction& GetDialAction() const { return *m_dial; }
   [[nodiscard]] QAction& GetUndoAction() const { return *m_undo; }
   [[nodiscard]] QAction& GetSelectAllAction() const { return *m_selectAll; }
   [[nodiscard]] QAction& GetSelectSeveralAction() const { return *m_selectSeveral; }
@@ -70,6 +90,7 @@ class TagsPage : public QWidget {
   void Adapt();
   void ShowListOrNotice();
   void ShowCurrent();
+  void FitDetails();
   void ShowMenu(const QPoint& at);
 
   [[nodiscard]] const Tag* GetCurrent() const;
@@ -97,14 +118,20 @@ class TagsPage : public QWidget {
   EmptyNotice* m_notice = nullptr;
   QLineEdit* m_search = nullptr;
   QToolButton* m_sort = nullptr;
-  ActionButton* m_teachAtTop = nullptr;     ///< On a wide window.
-  ActionButton* m_teachAtBottom = nullptr;  ///< On a narrow one.
-  QBoxLayout* m_foot = nullptr;             ///< The details and the buttons.
+  // On a wide window, and on a narrow one.
+  ActionButton* m_teachAtTop = nullptr;
+  ActionButton* m_teachAtBottom = nullptr;
+  ActionButton* m_dialAtTop = nullptr;
+  ActionButton* m_dialAtBottom = nullptr;
+  QBoxLayout* m_bottom = nullptr;  ///< The buttons at the bottom of a narrow window.
+  QBoxLayout* m_foot = nullptr;    ///< The details and the buttons.
   QLabel* m_details = nullptr;
+  DetailsArea* m_detailsArea = nullptr;
   QWidget* m_actionRow = nullptr;
   std::vector<ActionButton*> m_actionButtons;
   QMenu* m_sortMenu = nullptr;
   QAction* m_teach = nullptr;
+  QAction* m_dial = nullptr;
   QAction* m_play = nullptr;
   QAction* m_teachAgain = nullptr;
   QAction* m_delete = nullptr;

@@ -80,7 +80,8 @@ TagsWindow::TagsWindow(Work& work, QSettings& remembered, Settings settings)
   m_bar = new MessageBar(this);
   m_tags = new TagsPage(work, *this, *m_bar,
                         {.canTeach = m_settings.pages.contains(PageId::kTeaching),
-                         .canSetUp = m_settings.pages.contains(PageId::kSetup)},
+                         .canSetUp = m_settings.pages.contains(PageId::kSetup),
+                         .canDial = m_settings.pages.contains(PageId::kDial)},
                         this);
   m_stack = new QStackedWidget(this);
   m_stack->addWidget(m_tags);
@@ -168,6 +169,7 @@ void TagsWindow::AddProgramItem(QMenu& menu, std::u16string_view text,
 }
 
 void TagsWindow::FillMenu() {
+  m_menu->addAction(&m_tags->GetDialAction());
   m_menu->addAction(&m_tags->GetTeachAction());
   AddPageItem(*m_menu, resources::kLikenessItem, PageId::kLikeness);
   AddPageItem(*m_menu, resources::kTrashItem, PageId::kTrash);

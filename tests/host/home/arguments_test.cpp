@@ -28,8 +28,10 @@ TEST(HomeArguments, AreThoseOfTheEnvironmentUnlessAnOptionSaysSomethingElse) {
   EXPECT_EQ(arguments.machine.speaker, "out.wav");
 }
 
-TEST(HomeArguments, ChooseTheTeachingPageAndTheProbe) {
+TEST(HomeArguments, ChooseAPageAndTheProbe) {
   EXPECT_FALSE(std::get<Arguments>(Parse({})).teaches);
+  EXPECT_FALSE(std::get<Arguments>(Parse({})).dials);
+  EXPECT_TRUE(std::get<Arguments>(Parse({"--dial"})).dials);
   EXPECT_TRUE(std::get<Arguments>(Parse({"--teach"})).teaches);
   EXPECT_TRUE(std::get<Arguments>(Parse({"--probe"})).isProbe);
 }

@@ -12,9 +12,11 @@
 #include <memory>
 #include <string>
 
+#include "host/home/dial_page.h"
 #include "host/home/lesson_panel.h"
 #include "host/home/likeness_page.h"
 #include "host/home/teaching_page.h"
+#include "host/home/trash_page.h"
 #include "resources/translations.h"
 #include "tests/host/home/page_fixture.h"
 #include "tests/host/home/setup_fixture.h"
@@ -172,6 +174,34 @@ TEST_P(PagesInALanguage, TheLikenessPageShowsItsTextsWholeOnAPhone) {
     page.OnShelf(std::make_shared<home::Shelf>(shelf));
     page.show();
     page.OnShown({});
+    ExpectWhole(page, kPhone);
+  }
+}
+
+TEST_P(PagesInALanguage, ThePageOfDeletedTagsShowsItsTextsWholeOnAPhone) {
+  home::TrashPage page(m_work, m_frame);
+  page.show();
+  page.OnShown({});
+  m_work.endListing({true, {}}, {});
+  ExpectWhole(page, kPhone);
+  page.OnShown({});
+  m_work.endListing({true, {}}, {{u"a", 11, u"Mobile", u"Anna Berg", 1'700'000'000, u""}});
+  ExpectWhole(page, kPhone);
+}
+
+TEST_P(PagesInALanguage, TheDialersPageShowsItsTextsWholeOnAPhone) {
+  home::DialPage page(m_work, m_frame,
+                      {{m_machine.time, [](const auto& /*use*/) { return std::u16string(); }},
+                       [] { return std::vector<dialer::RecentCall>(); }});
+  page.show();
+  page.OnShown({});
+  ExpectWhole(page, kPhone);
+  const std::vector<dialer::Callee> callees(
+      2, {.candidate = {.tag = {}, .oid = 11, .phoneKind = u"BusinessFax"},
+          .name = u"Anna Berg",
+          .number = u"+49 171 555 0101"});
+  for (int i = 0; i <= static_cast<int>(dialer::Step::kCalled); ++i) {
+    page.OnStep({static_cast<dialer::Step>(i), callees, dialer::NotHeard::kRefused, {}});
     ExpectWhole(page, kPhone);
   }
 }

@@ -6,6 +6,7 @@
 #include <iterator>
 #include <string>
 
+#include "host/home/dial_page.h"
 #include "host/home/lesson_panel.h"
 #include "host/home/likeness_page.h"
 #include "host/home/teaching_page.h"
@@ -130,6 +131,49 @@ void PaintTrash(const Look& look, const QString& folder) {
   Save(page, folder, look, "trash");
 }
 
+dialer::Callee CalleeOf(std::int32_t oid, std::u16string name, std::u16string number) {
+  dialer::Callee callee;
+  callee.candidate = {.tag = {}, .oid = oid, .phoneKind = u"Mobile"};
+  callee.name = std::move(name);
+  callee.number = std::move(number);
+  return callee;
+}
+
+void PaintDialing(const Look& look, const QString& folder) {
+  constexpr std::int64_t kNoon = 1'700'000'000;
+  home_test::Machine machine;
+  home_test::PageWork work;
+  home_test::NotedFrame frame;
+  const dialer::Callee anna = CalleeOf(11, u"Anna Berg", u"+49 171 555 0101");
+  const std::vector<dialer::Callee> three{
+      anna, CalleeOf(13, u"Élodie de la Fontaine-Montgomery", u"+33 1 99 00 12 34 56"),
+      CalleeOf(12, u"דוד לוי", u"+972 50 555 0144")};
+  home::DialPage page(work, frame,
+                      {{machine.time, [](const auto& /*use*/) { return std::u16string(); }}, [] {
+                         return std::vector<dialer::RecentCall>{{kNoon, 11, u"Mobile"},
+                                                                {kNoon, 13, u"Business2"},
+                                                                {kNoon, 12, u"HomeFax"}};
+                       }});
+  page.OnShelf(std::make_shared<home::Shelf>(home_test::MakePeople()));
+  page.resize(look.size);
+  page.show();
+  page.OnShown({});
+  Save(page, folder, look, "dial");
+  const auto show = [&](dialer::Step step, std::vector<dialer::Callee> callees,
+                        std::u16string outcome, const char* state) {
+    page.OnStep({step, std::move(callees), dialer::NotHeard::kNoMicrophone, std::move(outcome)});
+    Save(page, folder, look, state);
+  };
+  show(dialer::Step::kUnknown, {}, {}, "dial_unknown");
+  show(dialer::Step::kSpeak, {}, {}, "dial_again");
+  show(dialer::Step::kSure, {anna}, {}, "dial_sure");
+  show(dialer::Step::kOneOf, three, {}, "dial_one_of");
+  show(dialer::Step::kCalling, {anna}, {}, "dial_calling");
+  show(dialer::Step::kOffer, {anna}, {}, "dial_offer");
+  show(dialer::Step::kNotCalled, {anna}, u"nobody answered", "dial_not_called");
+  show(dialer::Step::kNothingTaught, {}, {}, "dial_nothing");
+}
+
 }  // namespace
 
 namespace home_test {
@@ -138,6 +182,7 @@ void PaintPages(const Look& look, const QString& folder) {
   PaintTeaching(look, folder);
   PaintLikeness(look, folder);
   PaintTrash(look, folder);
+  PaintDialing(look, folder);
 }
 
 }  // namespace home_test

@@ -18,7 +18,8 @@ using home_test::Save;
 /// The window over the store that a picture shows.
 struct Painting {
   explicit Painting(const Look& look) {
-    for (const auto id : {home::PageId::kTeaching, home::PageId::kLikeness, home::PageId::kSetup}) {
+    for (const auto id : {home::PageId::kTeaching, home::PageId::kLikeness, home::PageId::kSetup,
+                          home::PageId::kTrash, home::PageId::kDial}) {
       settings.pages[id] = [this](home::Frame& /*frame*/) {
         return std::make_unique<home_test::NotedPage>(QStringLiteral("Page"), notes);
       };

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <QAccessible>
+#include <QProgressBar>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QWheelEvent>
@@ -310,6 +311,24 @@ TEST_F(SetupPageTest, WhatACheckFindsIsNamedAndRepaired) {
   EXPECT_FALSE(Find<QPushButton>("repair")->isVisible()) << "Nothing is left.";
 }
 
+TEST_F(SetupPageTest, ABarShowsHowFarARepairIs) {
+  for (int i = 0; i < 2; ++i) {
+    ASSERT_TRUE(std::filesystem::remove(TemplateOf(TeachAnn())));
+  }
+  Open();
+  Press("check");
+  AwaitText("checkNews", "2 problems were found:");
+  auto* const bar = Find<QProgressBar>("checkProgress");
+  int highest = 0;
+  QObject::connect(bar, &QProgressBar::valueChanged, bar,
+                   [&highest](int value) { highest = std::max(highest, value); });
+  Press("repair");
+  EXPECT_TRUE(bar->isVisible());
+  AwaitText("checkNews", "Everything was repaired.");
+  EXPECT_EQ(highest, 1) << "one of two was done";
+  EXPECT_FALSE(bar->isVisible());
+}
+
 TEST_F(SetupPageTest, ARepairWaitsForNobodyWhoHasTheTagsOpen) {
   ASSERT_TRUE(std::filesystem::remove(TemplateOf(TeachAnn())));
   machine::Backends other(m_options);
@@ -440,7 +459,7 @@ TEST_F(SetupPageTest, EveryControlHasANameForScreenReadersAndTakesTheFocus) {
     EXPECT_NE(widget->focusPolicy(), Qt::NoFocus);
     EXPECT_GE(widget->height(), 44) << widget->objectName().toStdString();
   }
-  EXPECT_EQ(controls, 8);
+  EXPECT_EQ(controls, 9);
 }
 
 }  // namespace

@@ -142,6 +142,8 @@ class WindowTest : public ::testing::Test {
     add(home::PageId::kTeaching, "Teaching");
     add(home::PageId::kLikeness, "Likeness");
     add(home::PageId::kSetup, "Set-up");
+    add(home::PageId::kTrash, "Deleted tags");
+    add(home::PageId::kDial, "Say a name");
     m_settings.start = [this](const machine::Program& program, const QStringList& arguments) {
       m_started = QStringList(QLatin1String(program.name)) + arguments;
       return m_canStart;

@@ -409,6 +409,19 @@ TEST_F(PanelEquipment, SaysNoLongerThatThereIsNoMicrophoneWhenOneAppears) {
   EXPECT_TRUE(Until([&] { return !IsShown(); }));
 }
 
+TEST_F(PanelEquipment, IsLookedForAgainWhenTheUserComesBack) {
+  SetMicrophones(0);
+  Show({"good"});
+  ASSERT_TRUE(Until([&] { return IsShown(); }));
+  SetMicrophones(1);
+  QWidget other;
+  other.show();
+  other.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+  m_window->activateWindow();
+  EXPECT_TRUE(Until([&] { return !IsShown(); }));
+}
+
 TEST_F(PanelEquipment, IsLookedForAgainOnRefresh) {
   SetMicrophones(0);
   Show({"good"});
