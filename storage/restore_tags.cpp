@@ -153,9 +153,8 @@ class TagRestoration {
     const BackupTag& tag = m_parts.backup.tags[m_tags[i].index];
     // Without the note a kill would leave parts that nobody takes away, so nothing comes then.
     const Put hasRoom = note ? FindRoom() : Failure(storage::FateOf(note.error()));
+    // The files come before the entry, as when a tag is learned: only the entry makes them a tag.
     const Put put =
-        // The files come before the entry, as when a tag is learned: only the entry makes them a
-        // tag.
         hasRoom.and_then([&] { return PutFile(m_parts, WavePath(tag.name), tag.recording); })
             .and_then([&] { return PutFile(m_parts, TemplatePath(tag.name), tag.voiceTemplate); })
             .and_then([&] { return PutSettings(m_parts.registry, m_tags[i].entry); });

@@ -78,8 +78,8 @@ platform::Result<DesktopBook, std::string> ReadBook(ESource& source, GCancellabl
   if (!client) {
     return Failure(error.TakeText());
   }
+  // The query for every contact: each field contains an empty text.
   const std::unique_ptr<EBookQuery, decltype(&e_book_query_unref)> all(
-      // The query for every contact: each field contains an empty text.
       e_book_query_any_field_contains(""), &e_book_query_unref);
   const Text query(e_book_query_to_string(all.get()), &g_free);
   GSList* found = nullptr;

@@ -63,8 +63,8 @@ void FollowDesktopLanguage() {
   if (language.empty()) {
     return;
   }
+  // The library names its files by country for Chinese, and by language for the others.
   const QString name =
-      // The library names its files by country for Chinese, and by language for the others.
       language == "zh-Hans" ? QStringLiteral("zh_CN") : QString::fromUtf8(language.data(), 2);
   if (kTranslator->load(QStringLiteral("qtbase_") + name,
                         QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
