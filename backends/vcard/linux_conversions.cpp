@@ -32,9 +32,9 @@ class Converter {
   [[nodiscard]] std::optional<Converted> Convert(std::string text) {
     // No character of these sets takes more bytes than this for each of its own, and none is kept
     // back for longer than the rest.
-    constexpr std::size_t kMostBytes = 4;
+    constexpr std::size_t kMostBytesOfOne = 4;
     constexpr std::size_t kRest = 16;
-    Converted converted{std::string(text.size() * kMostBytes + kRest, '\0')};
+    Converted converted{std::string(text.size() * kMostBytesOfOne + kRest, '\0')};
     char* from = text.data();
     std::size_t left = text.size();
     char* to = converted.text.data();
