@@ -34,12 +34,12 @@ void ReadNames(platform::Contact& contact, Callee& callee) {
   const auto middle = contact.GetMiddleName();
   const auto last = contact.GetLastName();
   const std::u16string name = Join({first, middle, last});
-  callee.listedName = Join({last, first, middle});
-  if (name.empty()) {
-    callee.listedName = contact.GetCompanyName().value_or(std::u16string());
-  }
-  if (!callee.listedName.empty()) {
-    callee.name = name.empty() ? callee.listedName : name;
+  const std::u16string company = contact.GetCompanyName().value_or(std::u16string());
+  if (!name.empty()) {
+    callee.name = name;
+    callee.listedName = Join({last, first, middle});
+  } else if (!company.empty()) {
+    callee.name = callee.listedName = company;
   }
 }
 
@@ -68,11 +68,12 @@ Callee FindCallee(platform::ContactsStore* contacts, const Candidate& candidate)
   Callee callee{.candidate = candidate, .name = {}};
   if (!candidate.oid) {
     callee.name = text::FromUtf8(SayFilled(resources::kTagOfNobody, candidate.tag));
+    callee.listedName = callee.name;
     callee.fault = SayFilled(resources::kTagNamesNoContact, {});
     return callee;
   }
   const std::u16string oid = text::FromUtf8(std::to_string(*candidate.oid));
-  callee.name = text::FromUtf8(SayFilled(resources::kUnknownContact, oid));
+  callee.name = callee.listedName = text::FromUtf8(SayFilled(resources::kUnknownContact, oid));
   const auto contact = contacts != nullptr ? contacts->GetItemFromOid(*candidate.oid)
                                            : platform::Failure(platform::ContactsError::kFailed);
   if (contact) {

@@ -13,8 +13,9 @@ struct Callee {
   /// First, middle and last name, else the company. If the contact is not known, its number among
   /// the contacts. Never empty.
   std::u16string name;
-  std::u16string listedName{};  ///< The same as lists of contacts have it: the last name first.
-  std::u16string number{};      ///< As it is stored. Empty if it is not known.
+  /// The same as lists of contacts have it: the last name first. Never empty.
+  std::u16string listedName{};
+  std::u16string number{};  ///< As it is stored. Empty if it is not known.
   /// Why this number cannot be called, in UTF-8 and the user's language: a part of a sentence,
   /// which begins with a small letter and has no full stop. Empty if it can be.
   std::string fault{};

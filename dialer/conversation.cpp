@@ -213,6 +213,7 @@ void Conversation::NoteMisheard() {
 }
 
 bool Conversation::MakeCall() {
+  m_callees.erase(m_callees.begin() + 1, m_callees.end());  // The others are out of the question.
   Show(Step::kCalling);
   const CallResult call = m_parts.call(m_callees[0], m_face);
   m_face.Show(

@@ -25,8 +25,8 @@ enum class Step : std::uint8_t {
   kSure,      ///< The first callee is called after a short while. The user may stop that.
   kOneOf,     ///< The user chooses one of the callees.
   kInstead,   ///< The user said no. He may choose one of these, of which there may be none.
-  kCalling,   ///< The first callee is being called.
-  kOffer,     ///< The user may keep the take as one more of the first callee.
+  kCalling,   ///< The callee, who is the only one from here on, is being called.
+  kOffer,     ///< The user may keep the take as one more of the callee.
   kKept,
   kNotKept,  ///< `whyNotKept` says why.
   // A conversation ends with one of these, or with what comes from kCalled on.

@@ -73,10 +73,6 @@ CallResult PlaceCall(cli::Session& session, const cli::DialOptions& options,
   return result;
 }
 
-void HearAndCall(cli::Session& session, const cli::DialOptions& /*options*/) {
-  session.Fail("names cannot be heard yet");
-}
-
 void CallContact(cli::Session& session, const cli::DialOptions& /*options*/) {
   session.Fail("nobody can be called yet");
 }

@@ -11,6 +11,7 @@
 #include "host/cli/file_arguments.h"
 #include "host/cli/output.h"
 #include "host/dial/commands.h"
+#include "host/dial/step_words.h"
 #include "host/dial/taught.h"
 #include "host/dial/wave_takes.h"
 
@@ -30,20 +31,6 @@ std::string_view ToWord(Certainty certainty) {
       break;
   }
   return "unknown";
-}
-
-/// A name as `contacts list` prints it.
-std::string ListedName(const Callee& callee) {
-  return text::ToUtf8(callee.listedName.empty() ? callee.name : callee.listedName);
-}
-
-cli::Json ToJson(const Callee& callee) {
-  return {{"contact", ListedName(callee)},
-          {"number", text::ToUtf8(callee.number)},
-          {"kind", text::ToUtf8(callee.candidate.phoneKind)},
-          {"tag", text::ToUtf8(callee.candidate.tag)},
-          {"distance", callee.candidate.distance},
-          {"score", callee.candidate.score}};
 }
 
 /// Who was heard in a file.
@@ -68,7 +55,7 @@ void PrintHeard(const HeardFile& heard, bool asJson) {
   for (const Callee& callee : heard.callees) {
     const auto& candidate = callee.candidate;
     cli::PrintLine(fmt::format("  {:3.0f} %  {}  {}  {}  (tag {})", 100 * candidate.score,
-                               ListedName(callee), text::ToUtf8(callee.number),
+                               text::ToUtf8(callee.listedName), text::ToUtf8(callee.number),
                                text::ToUtf8(candidate.phoneKind), text::ToUtf8(candidate.tag)));
   }
 }

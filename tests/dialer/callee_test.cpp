@@ -64,6 +64,7 @@ TEST_F(CalleeTest, APartOfTheNameThatCannotBeReadIsLeftOut) {
 TEST_F(CalleeTest, AnUnknownContactIsSaidByItsNumberAndCannotBeCalled) {
   const Callee callee = Find(Of(-17, u"Mobile"));
   EXPECT_EQ(callee.name, u"Contact -17");
+  EXPECT_EQ(callee.listedName, u"Contact -17");
   EXPECT_EQ(callee.number, u"");
   EXPECT_THAT(callee.fault, HasSubstr("does not have this contact"));
   m_contacts.SetLookup(7, platform::ContactsError::kFailed);

@@ -57,4 +57,23 @@ TEST_F(RecognizerTest, TagsOfOneNumberAreOneCandidate) {
   EXPECT_EQ(answer.candidates[1].tag, u"3");
 }
 
+TEST_F(RecognizerTest, TakesOfOneNameCountAlikeAndTogether) {
+  for (const int seed : {1, 2, 3}) {
+    m_store.Teach(std::u16string(1, static_cast<char16_t>(u'0' + seed)),
+                  TaughtStore::Spoken(static_cast<std::uint32_t>(seed)), seed, u"Mobile");
+  }
+  const support::Samples first = TaughtStore::Spoken(1);
+  const support::Samples second = TaughtStore::Spoken(2);
+  const std::vector<dialer::Take> takes{first, second};
+  const std::vector<dialer::Take> reversed{second, first};
+  const Recognizer recognizer = Make();
+  const Answer answer = recognizer.Recognize(takes);
+  const Answer other = recognizer.Recognize(reversed);
+  ASSERT_EQ(answer.candidates.size(), 3U);
+  EXPECT_EQ(answer.candidates[2].tag, u"3") << "Neither take speaks for it.";
+  ASSERT_EQ(other.candidates.size(), 3U);
+  EXPECT_EQ(other.candidates[0].tag, answer.candidates[0].tag);
+  EXPECT_EQ(other.candidates[0].distance, answer.candidates[0].distance);
+}
+
 }  // namespace

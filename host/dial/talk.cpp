@@ -1,0 +1,43 @@
+#include "host/dial/talk.h"
+
+#include <memory>
+#include <span>
+
+#include "dialer/recognizer.h"
+#include "host/dial/commands.h"
+#include "host/dial/take_keeping.h"
+#include "host/dial/taught.h"
+#include "host/dial/terminal.h"
+#include "host/dial/terminal_face.h"
+
+namespace dial {
+
+void Talk(cli::Session& session, const cli::DialOptions& options, const dialer::TaughtTags& taught,
+          const std::function<void(dialer::Conversation& conversation)>& run) {
+  const platform::Platform platform = session.GetPlatform();
+  const dialer::Recognizer recognizer(
+      taught.tags, options.quick ? dialer::Steps::kTemplatesOnly : dialer::Steps::kBoth);
+  platform::ContactsStore* const contacts = taught.tags.empty() ? nullptr : OpenContacts(session);
+  const dialer::Parts parts{
+      .tags = taught.tags,
+      .sound = {.waveIn = platform.waveIn,
+                .waveOut = platform.waveOut,
+                .clock = platform.clock,
+                .hearsFile = session.HearsFile()},
+      .recognize = [&](std::span<const dialer::Take> takes) { return recognizer.Recognize(takes); },
+      .lookUp =
+          [contacts](const dialer::Candidate& candidate) {
+            return dialer::FindCallee(contacts, candidate);
+          },
+      .call = [&](const dialer::Callee& callee,
+                  dialer::Waiter& waiter) { return PlaceCall(session, options, callee, waiter); },
+      .keep = [&session](const dialer::Callee& callee,
+                         dialer::Take take) { return KeepTake(session, callee, take); }};
+  const std::unique_ptr<Terminal> terminal = Terminal::Open(session.GetClock());
+  const dialer::Manner manner{.waits = !session.GetOptions().yes, .asks = terminal != nullptr};
+  TerminalFace face(session, terminal.get(), manner);
+  dialer::Conversation conversation(parts, face, manner);
+  run(conversation);
+}
+
+}  // namespace dial
