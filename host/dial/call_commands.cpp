@@ -70,11 +70,12 @@ CallResult PlaceCall(cli::Session& session, const cli::DialOptions& options,
   calling::LocalCaller caller(session.GetRegistry(), session.GetClock(), WishOf(options));
   CallResult result = caller.Get().Call(*number, waiter);
   ReportWay(session, caller.Get(), *number);
+  if (result && caller.Get().GetWay() == Way::kSerial && !session.GetOptions().json &&
+      caller.Get().MayHangUp()) {
+    cli::PrintLine("To end the call: voxtrel dial --hang-up" +
+                   (options.modem.empty() ? "" : " --modem " + options.modem));
+  }
   return result;
-}
-
-void CallContact(cli::Session& session, const cli::DialOptions& /*options*/) {
-  session.Fail("nobody can be called yet");
 }
 
 void HangUp(cli::Session& session, const cli::DialOptions& options) {

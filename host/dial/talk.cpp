@@ -34,7 +34,10 @@ void Talk(cli::Session& session, const cli::DialOptions& options, const dialer::
       .keep = [&session](const dialer::Callee& callee,
                          dialer::Take take) { return KeepTake(session, callee, take); }};
   const std::unique_ptr<Terminal> terminal = Terminal::Open(session.GetClock());
-  const dialer::Manner manner{.waits = !session.GetOptions().yes, .asks = terminal != nullptr};
+  // Who names a person and has no terminal could not stop the call, and so is not waited for.
+  const bool isDecided = !options.to.empty() && terminal == nullptr;
+  const dialer::Manner manner{.waits = !session.GetOptions().yes && !isDecided,
+                              .asks = terminal != nullptr};
   TerminalFace face(session, terminal.get(), manner);
   dialer::Conversation conversation(parts, face, manner);
   run(conversation);
