@@ -134,8 +134,10 @@ class VoiceTags(unittest.TestCase):
         self.open(tags=("anna", "sophie"))
         wait_for(self.rows, "the rows")
         self.check()
-        for item, first in (("Teach a name", "Search name, company or number"),
-                            ("Likeness of names", "Play both"), ("Set-up", "Back")):
+        for item, first in (("Say a name", "Say a name"),
+                            ("Teach a name", "Search name, company or number"),
+                            ("Likeness of names", "Play both"),
+                            ("Deleted tags", "No deleted voice tags"), ("Set-up", "Back")):
             with self.subTest(item):
                 self.choose(item)
                 self.awaits(None, first)
@@ -177,7 +179,7 @@ class VoiceTags(unittest.TestCase):
     def choose(self, item):
         """Chooses an item of the menu by the keyboard."""
         press("F10")
-        wait_for(lambda: reader.focused() == "Teach a name", "the first item")
+        wait_for(lambda: reader.focused() == "Say a name", "the first item")
         for _ in range(20):
             if reader.focused() == item:
                 break
@@ -185,6 +187,17 @@ class VoiceTags(unittest.TestCase):
             press("Down")
             wait_for(lambda: reader.focused() != before, "another item")
         press("Return")
+
+    def test_a_name_is_said_and_the_call_is_announced_and_stopped(self):
+        self.open(tags=("anna", "sophie", "robert"))
+        wait_for(self.rows, "the rows")
+        self.choose("Say a name")
+        self.awaits_focus(Role.PUSH_BUTTON, "Say a name")
+        press("space")
+        self.hears("Anna Berg, Mobile. Calling in two seconds.")
+        self.check()
+        press("Escape")
+        self.hears("Nobody was called")
 
     def test_a_window_without_tags_says_what_to_do(self):
         self.open()
