@@ -126,17 +126,17 @@ std::vector<SpeakerFigures> Measure(Speakers speakers, std::size_t taught, diale
   return measured;
 }
 
-cli::Json ToJson(const dialer::Count& count) {
+cli::Json FigureToJson(const dialer::Count& count) {
   const dialer::Share share = dialer::ToShare(count);
   return {{"rate", share.rate}, {"low", share.low}, {"high", share.high}};
 }
 
 void AddFigures(const EvaluationFigures& figures, cli::Json& json) {
   json["asked"] = figures.forced.whole;
-  json["forced"] = ToJson(figures.forced);
-  json["sure"] = ToJson(figures.sure);
-  json["wrong"] = ToJson(figures.wrong);
-  json["unknownSure"] = ToJson(figures.unknownSure);
+  json["forced"] = FigureToJson(figures.forced);
+  json["sure"] = FigureToJson(figures.sure);
+  json["wrong"] = FigureToJson(figures.wrong);
+  json["unknownSure"] = FigureToJson(figures.unknownSure);
 }
 
 void SetJson(cli::Session& session, const std::vector<SpeakerFigures>& measured,
