@@ -14,7 +14,7 @@ using platform::SerialError;
 using Chunk = std::array<std::byte, 256>;
 
 /// Milliseconds after which the waiter is asked again.
-constexpr std::uint32_t kStep = 50;
+constexpr std::uint32_t kAskInterval = 50;
 /// Milliseconds of quiet after which a line counts as ended.
 constexpr std::uint32_t kQuiet = 500;
 constexpr std::uint32_t kWriteLimit = 5'000;
@@ -110,7 +110,7 @@ Modem::Asked Modem::Await(std::uint32_t silence, std::uint32_t longest, Waiter* 
   const std::uint32_t start = m_clock.GetTickCount();
   std::uint32_t lastHeard = start;
   while (true) {
-    const auto count = m_port.Read(chunk, kStep);
+    const auto count = m_port.Read(chunk, kAskInterval);
     if (!count) {
       return Failure(CallProblem::kPortLost);
     }
