@@ -56,7 +56,7 @@ Result<LanguageChoice::Bytes, FileError> LanguageChoice::Read(const std::u16stri
   if (*length > LanguageTable::kMaxFileLength) {
     return Failure(FileError::kOther);
   }
-  Bytes bytes(*length);
+  Bytes bytes(static_cast<std::size_t>(*length));
   const auto count = (*file)->Read(bytes);
   return count && *count == bytes.size() ? Result<Bytes, FileError>(std::move(bytes))
                                          : Failure(FileError::kOther);

@@ -93,8 +93,10 @@ class RegistryKey {
   virtual ~RegistryKey() = default;
 
   /// Returns the name of the subkey at `index` (0-based), or nothing if `index` is past the last
-  /// subkey. Subkeys are in the order in which they were made. If one is deleted, every later one
-  /// moves down by one index.
+  /// subkey. If one is deleted, every later one moves down by one index.
+  ///
+  /// Tags are in the order in which they were made, on every system. So are the subkeys of every
+  /// other key, unless the store is that of a system which lists them by their names.
   ///
   /// Another program may have made names that no path can hold. A name that is too long to be read
   /// gives kInvalid, and the enumeration can go on at the next index. Both hold for values as well.
@@ -102,8 +104,8 @@ class RegistryKey {
       std::uint32_t index) = 0;
 
   /// Returns the name of the value at `index` (0-based), or nothing if `index` is past the last
-  /// value. Values are in the order in which they were made. A value that is written again keeps
-  /// its place.
+  /// value. A value that is written again keeps its place. Otherwise the order is the store's own:
+  /// that in which they were made, or that of their names.
   [[nodiscard]] virtual Result<std::optional<std::u16string>, RegistryError> EnumerateValue(
       std::uint32_t index) = 0;
 
@@ -129,6 +131,11 @@ using OpenedKey = Result<std::unique_ptr<RegistryKey>, RegistryError>;
 /// Names of keys and values are compared without regard to case and kept as first written.
 ///
 /// Each change is atomic. It is durable when its call returns. May be called from any thread.
+///
+/// The registry of Windows knows neither groups nor the deletion of a key with others below it. Its
+/// back end makes such changes one by one, and undoes them if one fails or the group is cancelled.
+/// There others may see a group that is not committed, and if the process is killed within one, a
+/// part of it stays. So a reader takes a tag with one value for what it is: half of one.
 class Registry {
  public:
   Registry() = default;

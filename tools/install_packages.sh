@@ -28,9 +28,9 @@ declare -A groups=(
     g++-arm-linux-gnueabi libc6-dev-armel-cross qemu-user
     libbenchmark-dev
   '
-  # The portable half on Windows.
+  # The programs for Windows, and to run them.
   [windows]='
-    g++-mingw-w64-x86-64-posix wine64
+    g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix wine64
   '
   # The processor of a phone that runs Linux, emulated.
   [phone]='

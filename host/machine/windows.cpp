@@ -107,7 +107,10 @@ std::unique_ptr<platform::WaveOut> MakeLoudspeaker() {
 }
 
 vcard::DesktopSource::Library LoadDesktopBooks() {
-  return platform::Failure(std::string("the desktop's address books need Linux"));
+  return [](std::uint32_t /*milliseconds*/, platform::DesktopBooks& books) {
+    books = platform::Failure(platform::BooksError{platform::BooksError::Kind::kNoAnswer,
+                                                   "the desktop's address books need Linux"});
+  };
 }
 
 }  // namespace machine

@@ -263,6 +263,8 @@ def main():
     for name in ("linux", "windows", "wine", "samples"):
         parser.add_argument("--" + name, required=True)
     ARGUMENTS, rest = parser.parse_known_args()
+    for name in ("linux", "windows", "samples"):  # The programs run in folders of their own.
+        setattr(ARGUMENTS, name, os.path.abspath(getattr(ARGUMENTS, name)))
     unittest.main(argv=[sys.argv[0]] + rest)
 
 
