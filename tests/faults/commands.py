@@ -1,6 +1,7 @@
 """The commands that the campaign tries, and the machine that they find."""
 
 import dataclasses
+import json
 
 from judge import TEMPLATES, WAVES, read_store
 
@@ -45,6 +46,7 @@ class Command:
     replaces: bool = False  # Whether other tags come in the place of its objects.
     prepare: object = None  # A function that changes the tree before the command.
     reports: bool = False   # Whether what it cannot read is an answer, too.
+    essence: object = None  # A function of the output: what stays so although something is warned of.
     exit: int = 0           # Without a fault.
 
     def whole_tags(self, store):
@@ -140,4 +142,12 @@ def all_commands(tree, trashed):
                       ["wave", "check", "@/take.wav"]):
         commands.append(Command(" ".join(arguments).replace("@/", ""), arguments, changes=False,
                                 reports=arguments == ["status"]))
+    # A voice tag or a cue that cannot be used is warned of. Whoever is called stays the same.
+    commands.append(Command("dial", SPOKEN + ["@/microphone.wav", "--yes", "--json", "dial", "--way",
+                                              "print"], changes=False, essence=_who_is_called))
     return commands
+
+
+def _who_is_called(output):
+    steps = [json.loads(line) for line in output.splitlines()]
+    return [step["candidates"][0]["contact"] for step in steps if step.get("step") == "called"]
