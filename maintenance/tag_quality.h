@@ -38,8 +38,8 @@ struct TagQuality {
   /// Whether a file of the tag is there and could not be opened or read. Then this judgement, and
   /// the likeness of others to this tag, may say too little.
   bool hasUnreadFile = false;
-  /// Whether its template is missing or damaged, or has no frame, so the dialer does not know the tag. The check of
-  /// the store reports that.
+  /// Whether its template is missing or damaged, or has no frame, so the dialer does not know the
+  /// tag. The check of the store reports that.
   bool hasNoTemplate = false;
 
   /// Returns whether there is anything to warn of.
