@@ -56,14 +56,16 @@ std::vector<std::string> VariablesOf(const Session& session) {
 }
 
 void AddWindowCommands(CLI::App& app, Session& session) {
-  const auto teaches = std::make_shared<bool>(false);
+  const auto page = std::make_shared<std::vector<std::string>>();
   CLI::App* home = app.add_subcommand(
       "home", "Open the window of your voice tags, as the program does without a command");
-  home->add_flag("--teach", *teaches, "Teach a name at once");
-  home->callback([&session, teaches] {
-    ShowWindow(session, machine::kHome,
-               *teaches ? std::vector<std::string>{"--teach"} : std::vector<std::string>());
-  });
+  CLI::Option* const teach = home->add_flag_callback(
+      "--teach", [page] { *page = {"--teach"}; }, "Teach a name at once");
+  home->add_flag_callback(
+          "--dial", [page] { *page = {"--dial"}; },
+          "Open the page that hears a name and calls that person")
+      ->excludes(teach);
+  home->callback([&session, page] { ShowWindow(session, machine::kHome, *page); });
   app.add_subcommand("open", "Open the settings sheet")->callback([&session] {
     ShowWindow(session, machine::kPanel, {"--open", kApplet});
   });

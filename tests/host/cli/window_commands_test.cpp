@@ -62,6 +62,7 @@ TEST_F(WindowCommands, HomeOpensTheVoiceTags) {
   EXPECT_EQ(run.exitCode, 0) << run.err;
   EXPECT_EQ(run.out, " root=r microphone= speaker= contacts=\n");
   EXPECT_EQ(Window({"home", "--teach"}).out, "--teach root= microphone= speaker= contacts=\n");
+  EXPECT_EQ(Window({"home", "--dial"}).out, "--dial root= microphone= speaker= contacts=\n");
 }
 
 TEST_F(WindowCommands, WithoutACommandTheVoiceTagsOpenOnADesktop) {
