@@ -89,6 +89,23 @@ TEST_F(WindowCommands, ACommandThatDoesNotExistOpensNoWindow) {
   EXPECT_THAT(run.err, HasSubstr("Did you mean 'home'?"));
 }
 
+TEST_F(WindowCommands, DialHandsItsWholeLineToTheDialerWhichNeedsNoDisplay) {
+  PutWindow("bin", "voxtrel-dial", "exit 3");
+  const auto run =
+      Window({"--root", "r", "--json", "dial", "--to", "Anna Berg", "--way", "print", "--yes"}, {});
+  EXPECT_EQ(run.exitCode, 3) << run.err;
+  EXPECT_EQ(run.out,
+            "--to=Anna Berg --way=print --yes --json root=r microphone= speaker= contacts=\n");
+  EXPECT_EQ(run.err, "");
+  EXPECT_THAT(Window({"dial", "way", "use", "tel"}, {}).out, testing::StartsWith("way use tel "));
+}
+
+TEST_F(WindowCommands, ADialerThatIsNotInstalledIsReported) {
+  const auto run = Window({"dial"}, {});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.err, HasSubstr("voxtrel-dial is not installed"));
+}
+
 TEST_F(WindowCommands, HandTheOptionsOn) {
   PutPanel("bin", "");
   const auto run = Window({"--root", "r", "--microphone", "m.wav", "--speaker", "s.wav",
