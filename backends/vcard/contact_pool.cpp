@@ -151,6 +151,7 @@ std::optional<ContactPool> ContactPool::FromBytes(std::vector<std::byte> bytes, 
     return std::nullopt;
   }
   pool.m_blocks.push_back(std::move(bytes));
+  pool.m_start = start;
   return pool;
 }
 

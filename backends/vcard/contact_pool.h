@@ -66,7 +66,13 @@ class ContactPool {
   [[nodiscard]] Iterator end() const { return {*this, size()}; }
 
   /// Returns the bytes of all contacts, in pieces.
-  [[nodiscard]] std::span<const std::vector<std::byte>> GetBytes() const { return m_blocks; }
+  [[nodiscard]] std::vector<std::span<const std::byte>> GetBytes() const {
+    std::vector<std::span<const std::byte>> pieces(m_blocks.begin(), m_blocks.end());
+    if (!pieces.empty()) {
+      pieces.front() = pieces.front().subspan(m_start);
+    }
+    return pieces;
+  }
 
  private:
   struct Place {
@@ -78,6 +84,7 @@ class ContactPool {
   void AddRun(std::span<const std::byte> run);
 
   std::vector<std::vector<std::byte>> m_blocks;
+  std::size_t m_start = 0;  ///< Of the contacts in the first block.
   std::vector<Place> m_places;
 };
 
