@@ -38,7 +38,7 @@ struct Limits {
   float sure;
   float some;
 };
-constexpr Limits kLimits{2.0F, 1.0F};
+constexpr Limits kLimits{2.2F, 1.0F};
 // Templates alone are a weak measure, of which only the first step is left: min(other, nonsense).
 constexpr Limits kTemplateLimits{6.0F, 1.1F};
 
