@@ -2,7 +2,7 @@
 """Makes sets of made-up speakers who say short words, each several times and never twice alike.
 
     make_speakers.py FOLDER [--sets NAME...] [--half tune|held-out] [--speakers N] [--takes N]
-                            [--variation X]
+                            [--words N] [--variation X]
 
 Each set is a folder FOLDER/HALF-NAME of LABEL_SPEAKER_TAKE.wav, which `voxtrel dial --evaluate` judges.
 The voices are espeak-ng's. What makes two takes of one speaker differ is made here, since a
@@ -293,6 +293,7 @@ def main():
     parser.add_argument("--half", choices=["tune", "held-out"])
     parser.add_argument("--speakers", type=int, default=6)
     parser.add_argument("--takes", type=int, default=10)
+    parser.add_argument("--words", type=int, default=10, help="so many of the ten words of a speaker")
     parser.add_argument("--variation", type=float, default=1.0)
     arguments = parser.parse_args()
     halves = [arguments.half] if arguments.half else ["tune", "held-out"]
@@ -301,7 +302,7 @@ def main():
             os.makedirs(f"{arguments.folder}/{half}-{name}", exist_ok=True)
     tasks = [(arguments.folder, half, name, number, word, take, arguments.variation)
              for half in halves for name in arguments.sets for number in range(arguments.speakers)
-             for word in range(10) for take in range(arguments.takes)]
+             for word in range(arguments.words) for take in range(arguments.takes)]
     with multiprocessing.Pool() as pool:
         for _ in pool.imap_unordered(make_take, tasks, chunksize=20):
             pass
