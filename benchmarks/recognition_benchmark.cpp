@@ -35,7 +35,7 @@ std::vector<dialer::TaughtTag> TeachTags() {
                     .oid = static_cast<std::int32_t>(i),
                     .phoneKind = {},
                     .features = voicemath::ComputeLearnedTemplate(take),
-                    .samples = {take.begin() + kept.first, take.begin() + kept.last + 1}});
+                    .samples = {take.data() + kept.first, take.data() + kept.last + 1}});
   }
   return tags;
 }

@@ -161,13 +161,13 @@ class Resampler {
   /// The moments of the new samples between the old ones repeat themselves, so that each set of
   /// weights is made once.
   [[nodiscard]] std::vector<std::int16_t> Run(std::span<const float> samples) const {
-    const auto count = static_cast<std::size_t>(samples.size() * m_to / m_from);
-    std::vector<std::int16_t> resampled(count);
-    for (std::size_t phase = 0; phase < std::min(static_cast<std::size_t>(m_to), count); ++phase) {
+    const std::uint64_t count = samples.size() * m_to / m_from;
+    std::vector<std::int16_t> resampled(static_cast<std::size_t>(count));
+    for (std::uint64_t phase = 0; phase < std::min(m_to, count); ++phase) {
       const std::vector<float> weights =
           Weights(static_cast<double>(phase * m_from % m_to) / static_cast<double>(m_to));
-      for (std::size_t i = phase; i < count; i += static_cast<std::size_t>(m_to)) {
-        resampled[i] = ToSample(Sum(samples, weights, static_cast<std::size_t>(i * m_from / m_to)));
+      for (std::uint64_t i = phase; i < count; i += m_to) {
+        resampled[static_cast<std::size_t>(i)] = ToSample(Sum(samples, weights, i * m_from / m_to));
       }
     }
     return resampled;
@@ -189,7 +189,7 @@ class Resampler {
   }
 
   [[nodiscard]] float Sum(std::span<const float> samples, std::span<const float> weights,
-                          std::size_t middle) const {
+                          std::uint64_t middle) const {
     const std::int64_t first = static_cast<std::int64_t>(middle) - m_reach;
     const auto begin = static_cast<std::size_t>(std::max<std::int64_t>(-first, 0));
     const auto end =
