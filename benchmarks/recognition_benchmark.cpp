@@ -26,10 +26,18 @@ support::Samples SpeakTake(std::uint32_t seed) {
                         support::SpeechLike(length, 9000, seed));
 }
 
-std::vector<dialer::TaughtTag> TeachTags() {
+std::vector<support::Samples> SpeakTakes() {
+  std::vector<support::Samples> spoken;
+  for (std::uint32_t i = 0; i < kTags; ++i) {
+    spoken.push_back(SpeakTake(i));
+  }
+  return spoken;
+}
+
+std::vector<dialer::TaughtTag> TeachTags(const std::vector<support::Samples>& spoken) {
   std::vector<dialer::TaughtTag> tags;
   for (std::uint32_t i = 0; i < kTags; ++i) {
-    const support::Samples take = SpeakTake(i);
+    const support::Samples& take = spoken[i];
     const voicemath::Segment kept = voicemath::FindKeptPart(take);
     tags.push_back({.name = {},
                     .oid = static_cast<std::int32_t>(i),
@@ -45,29 +53,26 @@ double Milliseconds(std::clock_t from, std::clock_t to) {
 }
 
 /// Returns how many of the takes were known, which keeps the work from being left out.
-std::uint32_t Hear(const dialer::Recognizer& recognizer, std::uint32_t takes) {
+std::uint32_t Hear(const dialer::Recognizer& recognizer,
+                   const std::vector<support::Samples>& spoken, std::uint32_t takes) {
   std::uint32_t known = 0;
   for (std::uint32_t i = 0; i < takes; ++i) {
-    const auto answer = recognizer.Recognize(SpeakTake(i % kTags));
+    const auto answer = recognizer.Recognize(spoken[i % kTags]);
     known += answer.candidates.front().oid == static_cast<std::int32_t>(i % kTags) ? 1U : 0U;
   }
   return known;
 }
 
 void Measure(const char* name, dialer::Steps steps) {
-  const auto tags = TeachTags();
+  const auto spoken = SpeakTakes();
+  const auto tags = TeachTags(spoken);
   const std::clock_t begin = std::clock();
   const dialer::Recognizer recognizer(tags, steps);
   const std::clock_t made = std::clock();
-  const std::uint32_t known = Hear(recognizer, kTags);
+  const std::uint32_t known = Hear(recognizer, spoken, kTags);
   const std::clock_t heard = std::clock();
-  for (std::uint32_t i = 0; i < kTags; ++i) {
-    static_cast<void>(SpeakTake(i));
-  }
-  const std::clock_t spoken = std::clock();
   std::printf("%-10s before speech %6.1f ms   answer %6.2f ms   known %u of %u\n", name,
-              Milliseconds(begin, made),
-              (Milliseconds(made, heard) - Milliseconds(heard, spoken)) / kTags, known, kTags);
+              Milliseconds(begin, made), Milliseconds(made, heard) / kTags, known, kTags);
 }
 
 }  // namespace
@@ -79,8 +84,9 @@ int main(int count, char** arguments) {
     return 0;
   }
   const bool isQuick = std::string_view(arguments[1]) == "quick";
+  const auto spoken = SpeakTakes();
   const dialer::Recognizer recognizer(
-      TeachTags(), isQuick ? dialer::Steps::kTemplatesOnly : dialer::Steps::kBoth);
+      TeachTags(spoken), isQuick ? dialer::Steps::kTemplatesOnly : dialer::Steps::kBoth);
   const auto takes = static_cast<std::uint32_t>(std::strtoul(arguments[2], nullptr, 10));
-  std::printf("%u known\n", Hear(recognizer, takes));
+  std::printf("%u known\n", Hear(recognizer, spoken, takes));
 }

@@ -26,7 +26,7 @@ constexpr std::size_t kMostPairs = 3'000'000;
 // name such as Anna is nearly itself backwards, so the geometric mean of both counts.
 //
 // With `other` and `nonsense` as multiples of the best distance, the evidence is
-// min(other, nonsense) * nonsense. It means the same for one tag as for many.
+// min(other, nonsense) * nonsense. It means much the same for one tag as for many.
 //
 // How much of it untaught words have differs from one list of names to the next: if Kim and Tim are
 // taught, Jim has a lot. So each tag is once heard as if its number had not been taught. Four in
