@@ -39,6 +39,10 @@ struct Limits {
   float some;
 };
 constexpr Limits kLimits{2.2F, 1.0F};
+/// A tie is never sure: if two numbers are this near to each other, the caller is asked which one
+/// is meant, however unlike nonsense both are. So it is for two numbers that were taught with the
+/// same word, and for two takes that speak for different numbers.
+constexpr float kLeastLead = 1.1F;
 // Templates alone are a weak measure, of which only the first step is left: min(other, nonsense).
 constexpr Limits kTemplateLimits{6.0F, 1.1F};
 
@@ -47,6 +51,9 @@ constexpr Limits kTemplateLimits{6.0F, 1.1F};
 constexpr float kUsualUntaught = 2.5F;
 constexpr std::size_t kUsualCounts = 2;
 constexpr double kUntaughtShare = 0.8;
+/// No more is learned from one tag. Two numbers that were taught with the same recording would make
+/// the evidence endless, and then nothing that is said would be known.
+constexpr float kMostUntaughtEvidence = 10.0F;
 /// So many tags are heard as if they were not taught, as long as there is time.
 constexpr std::size_t kMostUntaught = 20;
 constexpr std::size_t kMostUntaughtPairs = 25'000'000;
@@ -86,9 +93,14 @@ class Comparison {
 
   /// Returns what speaks for the best number.
   [[nodiscard]] float Evidence() const {
-    const float other = m_best.size() > 1 ? m_best[1].distance : m_nonsense;
+    const float other = m_best.size() > 1 ? std::max(m_best[1].distance, Nearest()) : m_nonsense;
     const float lead = std::min(other, m_nonsense) / Nearest();
     return m_steps == Steps::kBoth ? lead * (m_nonsense / Nearest()) : lead;
+  }
+
+  /// Returns how much nearer the best number is than the next one: 1 if they are as near.
+  [[nodiscard]] float Lead() const {
+    return m_best.size() > 1 ? m_best[1].distance / Nearest() : std::numeric_limits<float>::max();
   }
 
   /// Returns the best numbers. A score is a number's share of what speaks for all, nonsense
@@ -238,7 +250,7 @@ float Recognizer::MeasureUntaught() const {
       }
     }
     const Comparison comparison(others, numbers, {m_tags[heard].utterance.get(), 1}, m_steps);
-    found.push_back(comparison.Evidence());
+    found.push_back(std::min(comparison.Evidence(), kMostUntaughtEvidence));
     pairs += comparison.CountPairs();
   }
   const auto place =
@@ -266,10 +278,14 @@ Answer Recognizer::Recognize(std::span<const Utterance> takes) const {
   }
   const Comparison comparison(m_tags, m_numbers, takes, m_steps);
   const Limits& limits = m_steps == Steps::kBoth ? kLimits : kTemplateLimits;
-  const float evidence = comparison.Evidence() / std::sqrt(m_untaught);
-  return {evidence >= limits.sure   ? Certainty::kSure
-          : evidence >= limits.some ? Certainty::kOneOf
-                                    : Certainty::kUnknown,
+  const float evidence = comparison.Evidence();
+  // Names that sound alike make it harder to be sure, and no harder to ask.
+  const bool isSure =
+      evidence >= limits.sure * std::sqrt(m_untaught) && comparison.Lead() >= kLeastLead;
+  const bool isSome = evidence >= limits.some * std::sqrt(std::min(m_untaught, kUsualUntaught));
+  return {isSure   ? Certainty::kSure
+          : isSome ? Certainty::kOneOf
+                   : Certainty::kUnknown,
           comparison.BestCandidates()};
 }
 

@@ -80,6 +80,22 @@ TEST_F(RecognizerTest, TakesOfOneNameCountAlikeAndTogether) {
   ASSERT_EQ(other.candidates.size(), 3U);
   EXPECT_EQ(other.candidates[0].tag, answer.candidates[0].tag);
   EXPECT_EQ(other.candidates[0].distance, answer.candidates[0].distance);
+  EXPECT_NE(answer.certainty, Certainty::kSure) << "One speaks for the first, one for the second.";
+}
+
+TEST_F(RecognizerTest, AWordThatWasTaughtForTwoNumbersIsAskedAboutAndNoOtherSuffers) {
+  m_store.Teach(u"1", TaughtStore::Spoken(1), 17, u"Mobile");
+  m_store.Teach(u"2", TaughtStore::Spoken(1), 17, u"Home");
+  m_store.Teach(u"3", TaughtStore::Spoken(2), 18, u"Mobile");
+  const Recognizer recognizer = Make();
+  const Answer answer = recognizer.Recognize(TaughtStore::Spoken(1));
+  EXPECT_EQ(answer.certainty, Certainty::kOneOf);
+  ASSERT_GE(answer.candidates.size(), 2U);
+  EXPECT_EQ(answer.candidates[0].oid, 17);
+  EXPECT_EQ(answer.candidates[1].oid, 17);
+  const Answer of = recognizer.Recognize(TaughtStore::Spoken(2));
+  EXPECT_EQ(of.certainty, Certainty::kSure);
+  EXPECT_EQ(of.candidates[0].tag, u"3");
 }
 
 TEST_F(RecognizerTest, NothingIsWrittenSoAFullDiskIsNoHindrance) {
