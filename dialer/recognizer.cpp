@@ -38,7 +38,7 @@ struct Limits {
   float sure;
   float some;
 };
-constexpr Limits kLimits{2.2F, 1.0F};
+constexpr Limits kLimits{2.4F, 1.0F};
 /// A tie is never sure: if two numbers are this near to each other, the caller is asked which one
 /// is meant, however unlike nonsense both are. So it is for two numbers that were taught with the
 /// same word, and for two takes that speak for different numbers.
