@@ -66,7 +66,7 @@ CallResult Modem::Dial(const Number& number, Waiter& waiter) {
   const auto sent = Send("ATD" + dialled + ";");
   const Asked answer =
       sent ? Await(kSilence + longer, kLongestDialling + longer, &waiter) : Failure(sent.error());
-  const CallResult result = answer ? ToResult(*answer) : Failure(CallFault{answer.error(), {}});
+  CallResult result = answer ? ToResult(*answer) : Failure(CallFault{answer.error(), {}});
   if (result) {
     m_port.KeepLineUp();
   } else if (result.error().problem != CallProblem::kPortLost) {
