@@ -64,7 +64,9 @@ class Taker {
     if (length <= m_bytes.size() / sizeof(Character)) {
       text.resize(length);
       const Bytes taken = Take(length * sizeof(Character));
-      std::memcpy(text.data(), taken.data(), taken.size());
+      if (!taken.empty()) {
+        std::memcpy(text.data(), taken.data(), taken.size());
+      }
     } else {
       m_isWhole = false;
     }

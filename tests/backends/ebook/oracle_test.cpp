@@ -11,6 +11,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "backends/ebook/glib_pointers.h"
@@ -78,6 +79,8 @@ std::vector<std::string> ReadWithTheLibrary(const std::string& text) {
                                             "X-MS-TEL", "X-ABLABEL", "NICKNAME", "EMAIL"};
   const ebook::ObjectPointer<EVCard> card(e_vcard_new_from_string(text.c_str()));
   std::vector<std::string> lines;
+  bool isFirstName = true;
+  bool isNamed = false;
   for (GList* node = e_vcard_get_attributes(card.get()); node != nullptr; node = node->next) {
     auto* attribute = static_cast<EVCardAttribute*>(node->data);
     const std::string name = vcard::ToUpper(Text(e_vcard_attribute_get_name(attribute)));
@@ -88,6 +91,16 @@ std::vector<std::string> ReadWithTheLibrary(const std::string& text) {
     for (const GList* value = e_vcard_attribute_get_values(attribute); value != nullptr;
          value = value->next) {
       components.push_back(Text(value->data));
+    }
+    // Ours leaves out what stands for a name on a card that has one already.
+    if (isNamed && (name == "FN" || name == "NICKNAME" || name == "EMAIL")) {
+      continue;
+    }
+    if (name == "N" && std::exchange(isFirstName, false)) {
+      isNamed =
+          std::any_of(components.begin(),
+                      components.begin() + std::min<std::ptrdiff_t>(2, std::ssize(components)),
+                      [](const std::string& part) { return !vcard::Trim(part).empty(); });
     }
     lines.push_back(
         Shown(Text(e_vcard_attribute_get_group(attribute)), name, WordsOf(attribute), components));
