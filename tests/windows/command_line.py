@@ -207,11 +207,8 @@ class CommandLine(unittest.TestCase):
         self.assertEqual(*(sorted(text.splitlines()) for text in settings))
 
     def test_what_needs_linux_says_so(self):
-        for command in (["home"], ["microphone", "list"]):
-            code, _, err = self.windows.run(*command)
-            self.assertEqual(code, 1, command)
-            self.assertTrue(err, command)
-        self.assertIn(b"needs Linux", self.windows.run("home")[2])
+        code, _, err = self.windows.run("home")
+        self.assertEqual((code, err), (1, b"voxtrel: voxtrel-home needs Linux\n"))
 
     def test_letters_of_every_script_reach_the_program(self):
         card = ("BEGIN:VCARD\nVERSION:3.0\nFN:Ærø Ωλκή 山田\nN:山田;Ærø Ωλκή\nTEL;TYPE=CELL:1\n"
