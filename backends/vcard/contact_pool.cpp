@@ -86,10 +86,10 @@ constexpr std::size_t kTexts = 6 + std::tuple_size_v<Numbers>;
 
 /// Passes over one contact. Returns whether it is one.
 bool Pass(RunReader& reader) {
-  static const ContactData shape;
+  static const ContactData kShape;
   static_cast<void>(reader.Take(sizeof(ContactSigns)));
   bool areTexts = true;
-  ForEachText(shape, [&](const auto& text) {
+  ForEachText(kShape, [&](const auto& text) {
     areTexts = reader.TakeText().size() % sizeof text[0] == 0 && areTexts;
   });
   return areTexts && reader.IsWhole();

@@ -30,6 +30,7 @@ const ListedContact* ChooseContact(cli::Session& session,
                                    const std::vector<ListedContact>& contacts,
                                    const std::string& wanted) {
   std::vector<cli::NamedContact> named;
+  named.reserve(contacts.size());
   for (const ListedContact& contact : contacts) {
     named.push_back({contact.oid, contact.index, contact.name});
   }

@@ -67,7 +67,7 @@ std::u16string PrepareTalk(const machine::Options& options, const Sound& sound,
            },
        .call =
            [&](const dialer::Callee& callee, dialer::Waiter& waiter) {
-             const dialer::CallResult call = CallNumber(session, sound.clock, callee, waiter);
+             dialer::CallResult call = CallNumber(session, sound.clock, callee, waiter);
              if (call) {
                Note(options, sound.clock, callee);
              }
