@@ -84,7 +84,7 @@ Result<std::vector<std::string>, FileError> ListFolder(const std::string& folder
   }
   std::vector<std::string> names;
   errno = 0;
-  // The call returns null at the end and after a failure. Only errno tells the two apart, and a
+  // The call returns null at the end and after a failure. Only errno says which it was, and a
   // call that succeeds leaves errno as it was.
   while (const dirent* entry = ::readdir(stream.get())) {
     const std::string_view name = entry->d_name;

@@ -93,7 +93,7 @@ bool Connection::Start() {
                                                properties.get()));
   if (!m_context) return false;
   pa_context_set_state_callback(m_context.get(), OnContextState, &m_ready);
-  // No server is started for this: where none runs, the user has chosen another one, or none.
+  // No server is started for this: if none runs, the user has chosen another one, or none.
   if (pa_context_connect(m_context.get(), nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr) < 0) {
     return false;
   }

@@ -68,7 +68,7 @@ std::optional<int> NumberOf(const std::u16string& identity, const PortNumbers& n
 }
 
 std::u16string Counted(const std::u16string& identity, int count) {
-  // Devices that nothing tells apart are counted, in the order of their nodes.
+  // Devices that are alike in all are counted, in the order of their nodes.
   return count > 1 ? identity + u" #" + text::FromUtf8(std::to_string(count)) : identity;
 }
 

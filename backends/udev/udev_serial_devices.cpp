@@ -11,7 +11,7 @@
 
 #include "backends/text/utf.h"
 
-// The serial ports that the kernel knows, each with all that tells it apart from others.
+// The serial ports that the kernel knows, each with all by which it is known.
 namespace udev_ports {
 namespace {
 

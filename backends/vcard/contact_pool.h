@@ -16,7 +16,7 @@ namespace vcard {
 /// ContactData do, and nobody works out their signs again. The runs mean something on this machine
 /// alone.
 ///
-/// What is read is made anew at each call. Numbers without a place are not kept.
+/// What is read is made again at each call. Numbers without a place are not kept.
 class ContactPool {
  public:
   ContactPool() = default;

@@ -280,7 +280,8 @@ void DialPage::OnOutcome(const TalkStep& step) {
     case Step::kNotCalled:
       return m_stage->ShowText(Say(resources::kWasNotCalled).arg(name), reason);
     case Step::kCalled:
-      return m_stage->ShowText(NameOf(step.callees[0]), reason);
+      // The number stays in sight: without a way to call, the user dials it.
+      return m_stage->ShowCallee(step.callees[0], name + QStringLiteral(". ") + reason, reason);
     case Step::kKept:
       return m_stage->ShowText(Say(resources::kTakeKept).arg(name), {});
     case Step::kNotKept:

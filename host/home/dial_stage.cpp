@@ -156,10 +156,11 @@ void DialStage::ShowProgress(const dialer::ListeningProgress& progress) {
   m_meter->SetLevel(progress.levelDb);
 }
 
-void DialStage::ShowCallee(const dialer::Callee& callee, const QString& aloud) {
+void DialStage::ShowCallee(const dialer::Callee& callee, const QString& aloud,
+                           const QString& note) {
   m_avatar->SetPerson(NameOf(callee));
   m_title->ShowQuietly(NameOf(callee));
-  m_text->setText(NumberOf(callee));
+  m_text->setText(note.isEmpty() ? NumberOf(callee) : NumberOf(callee) + QLatin1Char('\n') + note);
   m_title->Tell(aloud);
   ShowOnly({m_avatar, m_text});
 }

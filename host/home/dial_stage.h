@@ -29,8 +29,9 @@ class DialStage : public QWidget {
   /// `note` is what went before, such as that the name was not understood. It can be empty.
   void ShowListening(const QString& note);
   void ShowProgress(const dialer::ListeningProgress& progress);
-  /// Somebody is about to be called. `aloud` is what screen readers say.
-  void ShowCallee(const dialer::Callee& callee, const QString& aloud);
+  /// Somebody is about to be called, or was. `aloud` is what screen readers say. `note` stands
+  /// below the number.
+  void ShowCallee(const dialer::Callee& callee, const QString& aloud, const QString& note = {});
   void ShowLeft(std::uint32_t milliseconds);
   /// The callees are buttons with numbers.
   void ShowChoice(const QString& title, const QString& text,

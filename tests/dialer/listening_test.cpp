@@ -25,7 +25,7 @@ using Stage = dialer::ListeningProgress::Stage;
 
 constexpr std::size_t kSecond = 11025;
 
-/// Waits on a clock that does not wait, and stops when it is told to.
+/// Waits on a clock that does not wait, and stops if it is asked to.
 class PatientListener final : public dialer::Listener {
  public:
   explicit PatientListener(machine::Simulation& time) : m_time(time) {}

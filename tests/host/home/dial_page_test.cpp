@@ -132,6 +132,8 @@ TEST_F(DialPage, CallsWhoeverIsUnderstoodAfterTwoSeconds) {
   AwaitTitle("Anna Berg");
   EXPECT_THAT(m_called, ElementsAre(u"Anna Berg"));
   EXPECT_TRUE(Button("sayName").isVisible());
+  EXPECT_NE(Text("dialText").find("+49 171 555 0101"), std::string::npos)
+      << "Whoever has to dial it sees it.";
 }
 
 TEST_F(DialPage, EscapeStopsTheCall) {
