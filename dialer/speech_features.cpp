@@ -102,8 +102,8 @@ BandPowers SumBands(const std::array<float, kBins>& powers) {
 }
 
 /// Measures the bands at all times. The transform is that of complex numbers, so it takes two
-/// windows at once, one as the imaginary half; the symmetry of a real signal's transform tells them
-/// apart.
+/// windows at once, one as the imaginary half. The transform of a real signal is symmetric, and by
+/// that the two are separated again.
 std::vector<BandPowers> MeasureBands(std::span<const std::int16_t> samples) {
   const std::size_t whole = samples.size() < kWindow ? 0 : (samples.size() - kWindow) / kStep + 1;
   std::vector<BandPowers> bands(std::max(whole, kLeastFrames));

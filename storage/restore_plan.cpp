@@ -50,8 +50,8 @@ IsSame HoldsAll(platform::Registry& registry, std::span<const RegistryChange> ch
 /// that names no contact stays as it is.
 bool Translate(std::vector<RegistryChange>& entry, const ContactHere& contactHere) {
   for (RegistryChange& change : entry) {
-    // Contacts have other numbers in each address book, so the number in a backup is that of the
-    // machine where it was made. The caller knows who it was.
+    // Contacts have other numbers in each address book, so a backup has the number that was used
+    // on its machine. The caller knows who it was.
     const bool isContact = change.kind == RegistryChange::Kind::kSetValue &&
                            text::SameName(change.valueName, kContactValue);
     const auto oid = isContact ? ParseOid(TextOfValue(change.value)) : std::nullopt;

@@ -21,7 +21,7 @@ struct ModemStep {
   bool vanishes = false;  ///< It is unplugged then.
 };
 
-/// A modem that plays what a test tells it to. Time is that of the test's clock.
+/// A modem that plays what a test has prepared. Time is that of the test's clock.
 struct SimulatedModem {
   /// What it does after the line "ATD…;" or "ATH", without its CR. Later steps count from the line
   /// too.
