@@ -134,8 +134,8 @@ using OpenedKey = Result<std::unique_ptr<RegistryKey>, RegistryError>;
 ///
 /// The registry of Windows knows neither groups nor the deletion of a key with others below it. Its
 /// back end makes such changes one by one, and undoes them if one fails or the group is cancelled.
-/// There others may see a group that is not committed, and if the process is killed within one, a
-/// part of it stays. So a reader takes a tag with one value for what it is: half of one.
+/// Others see them before. After a kill a part stays until the next process changes anything and
+/// undoes it. So a reader takes a tag with one value for what it is: half of one.
 class Registry {
  public:
   Registry() = default;

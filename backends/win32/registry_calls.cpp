@@ -1,5 +1,6 @@
 #include "backends/win32/registry_calls.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <memory>
@@ -90,16 +91,37 @@ Result<SystemKey, RegistryError> OpenSystemKey(HKEY parent, std::u16string_view 
   return key;
 }
 
-Result<MadeKey, RegistryError> MakeSystemKey(HKEY parent, std::u16string_view name) {
+Result<SystemKey, RegistryError> MakeSystemKey(HKEY parent, std::u16string_view name) {
   HKEY made = nullptr;
-  DWORD disposition = 0;
   const LSTATUS error =
       ::RegCreateKeyExW(parent, ToWide(std::u16string(name)), 0, nullptr, REG_OPTION_NON_VOLATILE,
-                        KEY_READ | KEY_WRITE | kOneView, nullptr, &made, &disposition);
+                        KEY_READ | KEY_WRITE | kOneView, nullptr, &made, nullptr);
   if (error != ERROR_SUCCESS) {
     return Failure(ToRegistryError(error));
   }
-  return MadeKey{SystemKey(made), disposition == REG_CREATED_NEW_KEY};
+  return SystemKey(made);
+}
+
+Result<SystemKey, RegistryError> MakeSystemPath(HKEY hive, std::u16string_view path) {
+  auto key = OpenSystemKey(hive, u"", KEY_READ);
+  while (key && !path.empty()) {
+    const std::size_t end = std::min(path.find(u'\\'), path.size());
+    const std::u16string name(path.substr(0, end));
+    path.remove_prefix(std::min(end + 1, path.size()));
+    if (auto there =
+            OpenSystemKey(key->Get(), name, path.empty() ? KEY_READ | KEY_WRITE : KEY_READ)) {
+      key = std::move(there);
+    } else {
+      key = MakeSystemKey(key->Get(), name);
+    }
+  }
+  return key;
+}
+
+std::pair<std::u16string_view, std::u16string_view> SplitLast(std::u16string_view path) {
+  const std::size_t at = path.rfind(u'\\');
+  return at == std::u16string_view::npos ? std::pair(std::u16string_view(), path)
+                                         : std::pair(path.substr(0, at), path.substr(at + 1));
 }
 
 Result<std::optional<ListedKey>, RegistryError> ListSubkey(HKEY key, std::uint32_t index) {
@@ -137,7 +159,8 @@ Result<std::optional<std::u16string>, RegistryError> ListValue(HKEY key, std::ui
   return name;
 }
 
-Result<RegistryValue, RegistryError> ReadValue(HKEY key, std::u16string_view name) {
+Result<RegistryValue, RegistryError> ReadValue(HKEY key, std::u16string_view name,
+                                               std::size_t limit) {
   const std::u16string ended(name);
   RegistryValue value;
   DWORD type = 0;
@@ -148,7 +171,7 @@ Result<RegistryValue, RegistryError> ReadValue(HKEY key, std::u16string_view nam
     if (error != ERROR_SUCCESS && error != ERROR_MORE_DATA) {
       return Failure(ToRegistryError(error));
     }
-    if (length > platform::kMaxValueBytes) {
+    if (length > limit) {
       return Failure(RegistryError::kInvalid);
     }
     // The system ends a text without a zero, if there is room, and does not count that.
@@ -176,7 +199,7 @@ Done RemoveValue(HKEY key, std::u16string_view name) {
   return ToDone(::RegDeleteValueW(key, ToWide(std::u16string(name))));
 }
 
-Result<KeyTree, RegistryError> ReadTree(HKEY key) {
+Result<KeyTree, RegistryError> ReadTree(HKEY key, std::size_t limit) {
   KeyTree tree;
   for (std::uint32_t i = 0;; ++i) {
     auto name = ListValue(key, i);
@@ -186,7 +209,7 @@ Result<KeyTree, RegistryError> ReadTree(HKEY key) {
     if (!*name) {
       break;
     }
-    auto value = ReadValue(key, **name);
+    auto value = ReadValue(key, **name, limit);
     if (!value) {
       return Failure(value.error());
     }
@@ -204,7 +227,7 @@ Result<KeyTree, RegistryError> ReadTree(HKEY key) {
       return Failure(RegistryError::kInvalid);
     }
     const auto subkey = OpenSystemKey(key, *(*listed)->name, KEY_READ);
-    auto below = subkey ? ReadTree(subkey->Get()) : Failure(subkey.error());
+    auto below = subkey ? ReadTree(subkey->Get(), limit) : Failure(subkey.error());
     if (!below) {
       return Failure(below.error());
     }
@@ -220,7 +243,7 @@ Done WriteTree(HKEY key, const KeyTree& tree) {
   }
   for (const auto& [name, below] : tree.keys) {
     const auto made = MakeSystemKey(key, name);
-    const auto written = made ? WriteTree(made->key.Get(), below) : Failure(made.error());
+    const auto written = made ? WriteTree(made->Get(), below) : Failure(made.error());
     if (!written) {
       return written;
     }

@@ -51,25 +51,35 @@ struct ListedKey {
 struct NamedValue {
   std::u16string name;
   platform::RegistryValue value;
+
+  [[nodiscard]] friend bool operator==(const NamedValue& a, const NamedValue& b) {
+    return a.name == b.name && a.value.type == b.value.type && a.value.bytes == b.value.bytes;
+  }
 };
 
 /// A key with all that is below it.
 struct KeyTree {
   std::vector<NamedValue> values;
   std::vector<std::pair<std::u16string, KeyTree>> keys;
+
+  [[nodiscard]] friend bool operator==(const KeyTree&, const KeyTree&) = default;
 };
 
 /// Opens a key below `parent`, level by level, since the system bounds the length of one path.
 [[nodiscard]] platform::Result<SystemKey, platform::RegistryError> OpenSystemKey(
     HKEY parent, std::u16string_view path, REGSAM access);
 
-struct MadeKey {
-  SystemKey key;
-  bool isNew = false;
-};
 /// Makes one key below `parent`, or opens the one that is there.
-[[nodiscard]] platform::Result<MadeKey, platform::RegistryError> MakeSystemKey(
+[[nodiscard]] platform::Result<SystemKey, platform::RegistryError> MakeSystemKey(
     HKEY parent, std::u16string_view name);
+
+/// Makes the key of a path with all that is missing on its way.
+[[nodiscard]] platform::Result<SystemKey, platform::RegistryError> MakeSystemPath(
+    HKEY hive, std::u16string_view path);
+
+/// Returns the path of the key above and the name of the key in it.
+[[nodiscard]] std::pair<std::u16string_view, std::u16string_view> SplitLast(
+    std::u16string_view path);
 
 /// Returns nothing after the last one.
 [[nodiscard]] platform::Result<std::optional<ListedKey>, platform::RegistryError> ListSubkey(
@@ -77,13 +87,15 @@ struct MadeKey {
 [[nodiscard]] platform::Result<std::optional<std::u16string>, platform::RegistryError> ListValue(
     HKEY key, std::uint32_t index);
 
+/// Fails with kInvalid if the value has more bytes than `limit`.
 [[nodiscard]] platform::Result<platform::RegistryValue, platform::RegistryError> ReadValue(
-    HKEY key, std::u16string_view name);
+    HKEY key, std::u16string_view name, std::size_t limit = platform::kMaxValueBytes);
 [[nodiscard]] Done WriteValue(HKEY key, std::u16string_view name,
                               const platform::RegistryValue& value);
 [[nodiscard]] Done RemoveValue(HKEY key, std::u16string_view name);
 
-[[nodiscard]] platform::Result<KeyTree, platform::RegistryError> ReadTree(HKEY key);
+[[nodiscard]] platform::Result<KeyTree, platform::RegistryError> ReadTree(
+    HKEY key, std::size_t limit = platform::kMaxValueBytes);
 [[nodiscard]] Done WriteTree(HKEY key, const KeyTree& tree);
 /// Deletes a key with all that is below it. After a failure a part may be gone.
 [[nodiscard]] Done RemoveTree(HKEY parent, std::u16string_view name);

@@ -1,12 +1,11 @@
 #include "backends/win32/win32_registry.h"
 
 #include <algorithm>
-#include <limits>
 #include <optional>
-#include <tuple>
 #include <utility>
 
 #include "backends/text/names.h"
+#include "backends/win32/registry_order.h"
 #include "backends/win32/system_calls.h"
 
 namespace win32 {
@@ -47,32 +46,10 @@ std::u16string Join(std::u16string_view parent, std::u16string_view name) {
   return parent.empty() ? std::u16string(name) : std::u16string(parent).append(u"\\").append(name);
 }
 
-std::pair<std::u16string_view, std::u16string_view> SplitLast(std::u16string_view path) {
-  const std::size_t at = path.rfind(u'\\');
-  return at == std::u16string_view::npos ? std::pair(std::u16string_view(), path)
-                                         : std::pair(path.substr(0, at), path.substr(at + 1));
-}
-
 /// Returns whether `path` is `above` or below it.
 bool IsAtOrBelow(std::u16string_view path, std::u16string_view above) {
   return path.size() >= above.size() && text::SameName(path.substr(0, above.size()), above) &&
          (path.size() == above.size() || path[above.size()] == u'\\');
-}
-
-/// Makes a path of the system's own, which nobody else has open.
-Result<SystemKey, RegistryError> MakeAll(HKEY hive, std::u16string_view path) {
-  auto key = OpenSystemKey(hive, u"", KEY_READ);
-  while (key && !path.empty()) {
-    const std::size_t end = std::min(path.find(u'\\'), path.size());
-    const std::u16string name(path.substr(0, end));
-    path.remove_prefix(std::min(end + 1, path.size()));
-    if (auto there = OpenSystemKey(key->Get(), name, path.empty() ? kChangeAccess : KEY_READ)) {
-      key = std::move(there);
-    } else {
-      key = MakeSystemKey(key->Get(), name).map([](MadeKey&& made) { return std::move(made.key); });
-    }
-  }
-  return key;
 }
 
 std::optional<HKEY> ReadHive() {
@@ -92,7 +69,7 @@ RegistryPlace RegistryPlace::OfUser(Deciding deciding) {
     const bool mayWrite =
         OpenSystemKey(HKEY_LOCAL_MACHINE, u"Software", KEY_READ | KEY_CREATE_SUB_KEY).has_value();
     hive = mayWrite ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER;
-    const auto own = deciding == Deciding::kForGood ? MakeAll(HKEY_CURRENT_USER, kOwnPath)
+    const auto own = deciding == Deciding::kForGood ? MakeSystemPath(HKEY_CURRENT_USER, kOwnPath)
                                                     : Failure(RegistryError::kReadOnly);
     if (own) {
       // If this fails, the next program decides.
@@ -210,7 +187,12 @@ class Win32Registry::Key final : public platform::RegistryKey {
 };
 
 Win32Registry::Win32Registry(RegistryPlace place, RegistryOptions options)
-    : m_place(std::move(place)), m_options(std::move(options)), m_gate(m_options.busyLimit) {}
+    : m_place(std::move(place)),
+      m_options(std::move(options)),
+      m_gate(m_options.busyLimit),
+      m_writer(m_place.GetName()),
+      m_journal(m_place.hive, Join(SplitLast(m_place.orderPath).first, u"Undo"),
+                m_options.writer.empty() ? NameOfWriter(this) : m_options.writer) {}
 
 template <typename Call>
 auto Win32Registry::Perform(const Call& call) -> std::invoke_result_t<Call> {
@@ -229,16 +211,16 @@ auto Win32Registry::Perform(const Call& call) -> std::invoke_result_t<Call> {
     if (!result && platform::DoomsGroup(result.error())) {
       m_gate.SetDoom(result.error());
     }
-  } else if (!m_undo.empty()) {
-    if (!result) {
-      Undo();
-    }
-    m_undo.clear();
-    if (const auto flushed = Flush(); result && !flushed) {
-      return Failure(flushed.error());
-    }
+    return result;
   }
-  return result;
+  Done kept;
+  if (result) {
+    kept = KeepChanges();
+  } else {
+    UndoChanges();
+  }
+  m_writer.Release();
+  return kept ? std::move(result) : Failure(kept.error());
 }
 
 template <typename Call>
@@ -247,8 +229,20 @@ auto Win32Registry::Change(const Call& call) -> std::invoke_result_t<Call> {
     if (m_options.isReadOnly) {
       return Failure(RegistryError::kReadOnly);
     }
+    if (const auto begun = BeginWriting(); !begun) {
+      return Failure(begun.error());
+    }
     return call();
   });
+}
+
+/// Waits for other writers, and undoes what one left that ended within its group.
+Done Win32Registry::BeginWriting() {
+  if (m_writer.IsHeld()) {
+    return {};
+  }
+  const Done taken = m_writer.Take(m_options.busyLimit);
+  return taken && m_writer.IsHeld() ? m_journal.Recover() : taken;
 }
 
 // The place of the order is made last. So a registry without it is a new one.
@@ -261,12 +255,12 @@ Done Win32Registry::Connect() {
     return {};
   }
   for (const std::u16string& key : m_options.initialKeys) {
-    if (const auto made = MakeAll(m_place.hive, FullPath(key)); !made) {
+    if (const auto made = MakeSystemPath(m_place.hive, FullPath(key)); !made) {
       return Failure(made.error());
     }
   }
   for (const std::u16string& path : {m_place.path, m_place.orderPath}) {
-    if (const auto made = MakeAll(m_place.hive, path); !made) {
+    if (const auto made = MakeSystemPath(m_place.hive, path); !made) {
       return Failure(made.error());
     }
   }
@@ -340,17 +334,12 @@ Result<SystemKey, RegistryError> Win32Registry::Make(std::u16string_view path) {
   if (!parent) {
     return parent;
   }
-  auto made = MakeSystemKey(parent->Get(), name);
-  if (!made) {
-    return Failure(made.error());
+  const auto kept = Keep({{UndoStep::Kind::kKeyMade, FullPath(path), {}, {}}, {}});
+  const auto noted = kept ? NoteOrder(parentPath, parent->Get(), name) : kept;
+  if (!noted) {
+    return Failure(noted.error());
   }
-  if (made->isNew) {
-    m_undo.emplace_back([this, path = std::u16string(path)] { DeleteForUndo(path); });
-    if (const auto noted = NoteOrder(parentPath, parent->Get(), name); !noted) {
-      return Failure(noted.error());
-    }
-  }
-  return std::move(made->key);
+  return MakeSystemKey(parent->Get(), name);
 }
 
 // The system deletes key by key. What was there is read before, so that a deletion that ends half
@@ -366,22 +355,13 @@ Done Win32Registry::Delete(std::u16string_view path) {
   if (!tree) {
     return Failure(tree.error());
   }
-  m_undo.emplace_back(
-      [this, path = std::u16string(path), whole = std::move(*tree), states = TakeLife(path)] {
-        const auto made = MakeAll(m_place.hive, FullPath(path));
-        if (made && WriteTree(made->Get(), whole)) {
-          GiveLife(states);
-        }
-      });
-  return RemoveTree(parent->Get(), name);
-}
-
-void Win32Registry::DeleteForUndo(std::u16string_view path) {
-  static_cast<void>(TakeLife(path));
-  const auto [parentPath, name] = SplitLast(path);
-  if (const auto parent = Open(parentPath, KEY_READ)) {
-    static_cast<void>(RemoveTree(parent->Get(), name));
+  if (const auto kept =
+          Keep({{UndoStep::Kind::kKeyDeleted, FullPath(path), {}, std::move(*tree)}, {}});
+      !kept) {
+    return kept;
   }
+  m_undo.back().deadKeys = TakeLife(FullPath(path));
+  return RemoveTree(parent->Get(), name);
 }
 
 /// Every open key at `path` and below it is dead from now on. Returns them.
@@ -389,7 +369,7 @@ std::vector<Win32Registry::State> Win32Registry::TakeLife(std::u16string_view pa
   std::vector<State> taken;
   for (const auto& weak : m_open) {
     State state = weak.lock();
-    if (state && !state->isDead && IsAtOrBelow(state->path, path)) {
+    if (state && !state->isDead && IsAtOrBelow(FullPath(state->path), path)) {
       state->isDead = true;
       taken.push_back(std::move(state));
     }
@@ -419,36 +399,72 @@ Result<void, RegistryError> Win32Registry::DeleteKey(std::u16string_view path) {
   });
 }
 
+/// Writes down a change that is about to be made.
+Done Win32Registry::Keep(MadeChange&& change) {
+  const Done noted = m_journal.Note(change.step);
+  if (noted) {
+    m_undo.push_back(std::move(change));
+  }
+  return noted;
+}
+
 /// Keeps the value of that name, or that there is none.
-void Win32Registry::KeepForUndo(HKEY key, std::u16string path, std::u16string_view name) {
+Done Win32Registry::KeepValue(HKEY key, std::u16string path, std::u16string_view name) {
+  UndoStep step{UndoStep::Kind::kValueSet, std::move(path), std::u16string(name), {}};
   auto before = ReadValue(key, name);
-  m_undo.emplace_back([hive = m_place.hive, path = std::move(path), name = std::u16string(name),
-                       before = std::move(before)] {
-    if (const auto there = OpenSystemKey(hive, path, kChangeAccess)) {
-      static_cast<void>(before ? WriteValue(there->Get(), name, *before)
-                               : RemoveValue(there->Get(), name));
-    }
-  });
+  if (before) {
+    step.before.values.push_back({step.name, std::move(*before)});
+  } else if (before.error() != RegistryError::kNotFound) {
+    return Failure(before.error());
+  }
+  return Keep({std::move(step), {}});
 }
 
 Done Win32Registry::Set(const OpenKeyState& state, std::u16string_view name,
                         const RegistryValue& value) {
-  KeepForUndo(state.key.Get(), FullPath(state.path), name);
-  return WriteValue(state.key.Get(), name, value);
+  return KeepOrderOf(state.path)
+      .and_then([&] { return KeepValue(state.key.Get(), FullPath(state.path), name); })
+      .and_then([&] { return WriteValue(state.key.Get(), name, value); });
 }
 
 Done Win32Registry::DeleteValue(const OpenKeyState& state, std::u16string_view name) {
   if (const auto there = ReadValue(state.key.Get(), name); !there) {
     return Failure(there.error());
   }
-  KeepForUndo(state.key.Get(), FullPath(state.path), name);
-  return RemoveValue(state.key.Get(), name);
+  return KeepOrderOf(state.path)
+      .and_then([&] { return KeepValue(state.key.Get(), FullPath(state.path), name); })
+      .and_then([&] { return RemoveValue(state.key.Get(), name); });
 }
 
-void Win32Registry::Undo() {
-  while (!m_undo.empty()) {
-    m_undo.back()();
-    m_undo.pop_back();
+// The changes stay once the journal is gone, which is one step of the system's.
+Done Win32Registry::KeepChanges() {
+  if (m_undo.empty()) {
+    return {};
+  }
+  const Done kept = m_journal.Clear().and_then([&] { return Flush(); });
+  if (!kept) {
+    UndoChanges();
+  }
+  m_undo.clear();
+  return kept;
+}
+
+// What cannot be undone now stays in the journal, for the next process.
+void Win32Registry::UndoChanges() {
+  bool isUndone = true;
+  for (; !m_undo.empty(); m_undo.pop_back()) {
+    const MadeChange& change = m_undo.back();
+    if (change.step.kind == UndoStep::Kind::kKeyMade) {
+      static_cast<void>(TakeLife(change.step.path));
+    }
+    if (win32::Undo(m_place.hive, change.step)) {
+      GiveLife(change.deadKeys);
+    } else {
+      isUndone = false;
+    }
+  }
+  if (isUndone) {
+    static_cast<void>(m_journal.Clear());
   }
 }
 
@@ -465,11 +481,12 @@ Result<void, RegistryError> Win32Registry::BeginGroup() {
   if (m_gate.GroupIsOpen()) {
     return Failure(RegistryError::kInvalid);
   }
-  if (const auto connected = Connect(); !connected) {
-    return connected;
+  const auto begun =
+      Connect().and_then([&] { return m_options.isReadOnly ? Done() : BeginWriting(); });
+  if (begun) {
+    m_gate.OpenGroup();
   }
-  m_gate.OpenGroup();
-  return {};
+  return begun;
 }
 
 Result<void, RegistryError> Win32Registry::CommitGroup() {
@@ -481,11 +498,11 @@ Result<void, RegistryError> Win32Registry::CommitGroup() {
     return Failure(RegistryError::kInvalid);
   }
   const auto doom = m_gate.Doom();
-  Done committed = doom ? Failure(*doom) : m_undo.empty() ? Done() : Flush();
-  if (!committed) {
-    Undo();
+  if (doom) {
+    UndoChanges();
   }
-  m_undo.clear();
+  const Done committed = doom ? Failure(*doom) : KeepChanges();
+  m_writer.Release();
   m_gate.CloseGroup();
   return committed;
 }
@@ -493,7 +510,8 @@ Result<void, RegistryError> Win32Registry::CommitGroup() {
 void Win32Registry::CancelGroup() {
   const auto lock = m_gate.Enter();
   if (lock.owns_lock() && m_gate.GroupIsOpen()) {
-    Undo();
+    UndoChanges();
+    m_writer.Release();
     m_gate.CloseGroup();
   }
 }
@@ -552,62 +570,81 @@ std::vector<std::u16string> Win32Registry::ReadOrder(std::u16string_view path) c
   return names;
 }
 
+/// Notes that a key of that name is the last one below an ordered key. Those that another program
+/// made are noted before it.
 Done Win32Registry::NoteOrder(std::u16string_view parentPath, HKEY parent,
                               std::u16string_view name) {
-  if (!IsOrdered(parentPath)) {
-    return {};
-  }
-  std::u16string all;
-  for (const std::u16string& noted : ReadOrder(parentPath)) {
-    if (!text::SameName(noted, name) && OpenSystemKey(parent, noted, KEY_READ)) {
-      all.append(noted).append(1, u'\0');
-    }
-  }
-  all.append(name).append(1, u'\0');
-  const auto order = OpenSystemKey(m_place.hive, m_place.orderPath, kChangeAccess);
-  if (!order) {
-    return Failure(order.error());
-  }
-  KeepForUndo(order->Get(), m_place.orderPath, parentPath);
-  RegistryValue value = ToText(all);
-  value.type = static_cast<RegistryType>(REG_MULTI_SZ);
-  return WriteValue(order->Get(), parentPath, value);
+  return IsOrdered(parentPath) ? ListAll(parentPath, parent).and_then([&](const auto& keys) {
+    return WriteOrder(parentPath, keys, name);
+  })
+                               : Done();
 }
 
-Win32Registry::Listed Win32Registry::ListInOrder(const OpenKeyState& state,
-                                                 std::uint32_t index) const {
-  struct Place {
-    std::size_t noted;  ///< In the order that was kept; the greatest number for all others.
-    std::uint64_t written;
-    std::size_t length;  ///< Of two numbers the shorter one is the smaller one.
-    ListedKey key;
-  };
-  const std::vector<std::u16string> order = ReadOrder(state.path);
-  std::vector<Place> places;
+/// Notes the place of a key that another program made, if it has one by the time of its last
+/// change.
+Done Win32Registry::KeepOrderOf(std::u16string_view path) {
+  const auto [parentPath, name] = SplitLast(path);
+  if (!IsOrdered(parentPath) || std::ranges::any_of(ReadOrder(parentPath), [&](const auto& noted) {
+        return text::SameName(noted, name);
+      })) {
+    return {};
+  }
+  const auto parent = Open(parentPath, KEY_READ);
+  if (!parent) {
+    return Failure(parent.error());
+  }
+  return ListAll(parentPath, parent->Get()).and_then([&](const auto& keys) {
+    return WriteOrder(parentPath, keys, {});
+  });
+}
+
+Result<std::vector<ListedKey>, RegistryError> Win32Registry::ListAll(std::u16string_view parentPath,
+                                                                     HKEY parent) const {
+  std::vector<ListedKey> keys;
   for (std::uint32_t i = 0;; ++i) {
-    auto listed = ListSubkey(state.key.Get(), i);
+    auto listed = ListSubkey(parent, i);
     if (!listed) {
       return Failure(listed.error());
     }
     if (!*listed) {
-      break;
+      return InOrderOfMaking(std::move(keys), ReadOrder(parentPath));
     }
-    ListedKey& key = **listed;
-    const auto noted = std::ranges::find_if(order, [&](const std::u16string& name) {
-      return key.name && text::SameName(name, *key.name);
-    });
-    const bool isNoted = noted != order.end();
-    places.push_back({isNoted ? static_cast<std::size_t>(noted - order.begin())
-                              : std::numeric_limits<std::size_t>::max(),
-                      isNoted ? 0 : key.written, key.name ? key.name->size() : 0, std::move(key)});
+    keys.push_back(std::move(**listed));
   }
-  if (index >= places.size()) {
+}
+
+Done Win32Registry::WriteOrder(std::u16string_view parentPath, const std::vector<ListedKey>& keys,
+                               std::u16string_view last) {
+  std::u16string all;
+  for (const ListedKey& key : keys) {
+    if (key.name && !text::SameName(*key.name, last)) {
+      all.append(*key.name).append(1, u'\0');
+    }
+  }
+  if (!last.empty()) {
+    all.append(last).append(1, u'\0');
+  }
+  const auto order = OpenSystemKey(m_place.hive, m_place.orderPath, kChangeAccess);
+  if (!order) {
+    return Failure(order.error());
+  }
+  RegistryValue value = ToText(all);
+  value.type = static_cast<RegistryType>(REG_MULTI_SZ);
+  return KeepValue(order->Get(), m_place.orderPath, parentPath).and_then([&] {
+    return WriteValue(order->Get(), parentPath, value);
+  });
+}
+
+Win32Registry::Listed Win32Registry::ListInOrder(const OpenKeyState& state,
+                                                 std::uint32_t index) const {
+  auto keys = ListAll(state.path, state.key.Get());
+  if (!keys) {
+    return Failure(keys.error());
+  }
+  if (index >= keys->size()) {
     return std::nullopt;
   }
-  std::ranges::stable_sort(places, {}, [](const Place& place) {
-    return std::tuple(place.noted, place.written, place.length);
-  });
-  auto& name = places[index].key.name;
+  auto& name = (*keys)[index].name;
   return name ? Listed(std::move(name)) : Failure(RegistryError::kInvalid);
 }
 

@@ -1,13 +1,13 @@
 #pragma once
 
 #include <chrono>
-#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "backends/win32/registry_calls.h"
+#include "backends/win32/registry_undo.h"
 #include "platform/registry.h"
 #include "platform/registry_gate.h"
 
@@ -38,9 +38,8 @@ struct RegistryOptions {
   /// Keys that a new registry is given, without values.
   std::vector<std::u16string> initialKeys;
 
-  /// Keys whose subkeys are enumerated in the order in which they were made. Those that another
-  /// program made follow, the one that was changed longest ago first. The subkeys of every other
-  /// key are in the order of the system, which is that of their names.
+  /// Keys whose subkeys are enumerated in the order in which they were made (registry_order.h). The
+  /// subkeys of every other key are in the order of the system, which is that of their names.
   std::vector<std::u16string> orderedKeys;
 
   /// The keys that are the device's, with all that is below them; without any, all of the place.
@@ -52,11 +51,15 @@ struct RegistryOptions {
   std::chrono::milliseconds busyLimit{2000};
 
   bool isReadOnly = false;  ///< Nothing is made. A missing registry counts as an empty one.
+
+  /// The name under which changes are written down until they are kept; without one, that of this
+  /// process. Only a test gives another one.
+  std::u16string writer = {};
 };
 
 /// The registry of Windows. It knows no transactions. So what a group has changed can be seen
-/// before the group is committed, and of a group in which the process is killed a part stays. A
-/// group that fails or is cancelled is undone change by change.
+/// before the group is committed. A group that fails or is cancelled is undone change by change. If
+/// the process is killed within a group, the next process that changes anything undoes it first.
 class Win32Registry final : public platform::Registry {
  public:
   explicit Win32Registry(RegistryPlace place, RegistryOptions options = {});
@@ -98,11 +101,19 @@ class Win32Registry final : public platform::Registry {
                          const platform::RegistryValue& value);
   [[nodiscard]] Done DeleteValue(const OpenKeyState& state, std::u16string_view name);
   [[nodiscard]] Done Delete(std::u16string_view path);
-  void DeleteForUndo(std::u16string_view path);
-  [[nodiscard]] std::vector<State> TakeLife(std::u16string_view path);
+  [[nodiscard]] std::vector<State> TakeLife(std::u16string_view fullPath);
   void GiveLife(const std::vector<State>& states);
-  void KeepForUndo(HKEY key, std::u16string path, std::u16string_view name);
-  void Undo();
+
+  /// A change of the open group, or of the call that is made.
+  struct MadeChange {
+    UndoStep step;
+    std::vector<State> deadKeys;  ///< Those that died with a deleted key.
+  };
+  [[nodiscard]] Done BeginWriting();
+  [[nodiscard]] Done Keep(MadeChange&& change);
+  [[nodiscard]] Done KeepValue(HKEY key, std::u16string path, std::u16string_view name);
+  [[nodiscard]] Done KeepChanges();
+  void UndoChanges();
   [[nodiscard]] Done Flush() const;
 
   enum class Reach : std::uint8_t { kOwn, kOnTheWay, kForeign };
@@ -113,6 +124,11 @@ class Win32Registry final : public platform::Registry {
   [[nodiscard]] Done NoteOrder(std::u16string_view parentPath, HKEY parent,
                                std::u16string_view name);
   [[nodiscard]] std::vector<std::u16string> ReadOrder(std::u16string_view path) const;
+  [[nodiscard]] Done KeepOrderOf(std::u16string_view path);
+  [[nodiscard]] platform::Result<std::vector<ListedKey>, platform::RegistryError> ListAll(
+      std::u16string_view parentPath, HKEY parent) const;
+  [[nodiscard]] Done WriteOrder(std::u16string_view parentPath, const std::vector<ListedKey>& keys,
+                                std::u16string_view last);
   [[nodiscard]] Listed ListInOrder(const OpenKeyState& state, std::uint32_t index) const;
 
   const RegistryPlace m_place;
@@ -122,8 +138,9 @@ class Win32Registry final : public platform::Registry {
   // Used only by the thread that the gate has let in.
   bool m_isConnected = false;
   std::vector<std::weak_ptr<OpenKeyState>> m_open;
-  /// How to undo the changes of the open group, or of the call that is made, the last change last.
-  std::vector<std::function<void()>> m_undo;
+  WriterLock m_writer;
+  UndoJournal m_journal;
+  std::vector<MadeChange> m_undo;  ///< The last change last.
 };
 
 }  // namespace win32

@@ -2,10 +2,15 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <chrono>
 #include <functional>
+#include <memory>
 #include <string>
 #include <thread>
+#include <utility>
+#include <vector>
 
+#include "backends/win32/registry_order.h"
 #include "backends/win32/win32_registry.h"
 #include "tests/support/registry_access.h"
 #include "tests/support/results.h"
@@ -59,17 +64,67 @@ TEST_F(Win32RegistryTest, TheOrderOutlivesTheProgramAndATagThatIsWrittenAgainKee
   EXPECT_THAT(SubkeyNames(registry, u"tags"), ElementsAre(u"900", u"4294967295", u"3", u"50"));
 }
 
-TEST_F(Win32RegistryTest, KeysOfAnotherProgramFollowInTheOrderOfTheirNumbers) {
+TEST_F(Win32RegistryTest, KeysOfAnotherProgramAreNotedBeforeTheNextOneThatIsMade) {
   win32::Win32Registry registry(Place(), {{}, {u"tags"}});
   ASSERT_TRUE(registry.CreateKey(u"tags\\7"));
-  // A file that is imported makes all of its keys in one moment.
   const win32::SystemKey tags = OpenOutside(u"tags");
   for (const auto* const name : {u"90", u"1000"}) {
     ASSERT_TRUE(win32::MakeSystemKey(tags.Get(), name));
   }
-  const auto names = SubkeyNames(registry, u"tags");
-  ASSERT_EQ(names.size(), 3U);
-  EXPECT_EQ(names[0], u"7");
+  ASSERT_TRUE(registry.CreateKey(u"tags\\8"));
+  EXPECT_THAT(SubkeyNames(registry, u"tags"), ElementsAre(u"7", u"90", u"1000", u"8"));
+}
+
+TEST_F(Win32RegistryTest, AKeyOfAnotherProgramKeepsItsPlaceWhenItIsWrittenAgain) {
+  win32::Win32Registry registry(Place(), {{}, {u"tags"}});
+  ASSERT_TRUE(registry.CreateKey(u"tags"));
+  const win32::SystemKey tags = OpenOutside(u"tags");
+  for (const auto* const name : {u"1", u"2", u"3"}) {
+    ASSERT_TRUE(win32::MakeSystemKey(tags.Get(), name));
+  }
+  ASSERT_TRUE(support::PutText(registry, u"tags\\1", u"contact", u"5"));
+  EXPECT_THAT(SubkeyNames(registry, u"tags"), ElementsAre(u"1", u"2", u"3"));
+}
+
+/// Returns the names in the order in which the keys count as made. All of them were changed at the
+/// same moment, and none is noted.
+std::vector<std::u16string> InOrderAtOneMoment(const std::vector<std::u16string>& names) {
+  std::vector<win32::ListedKey> keys;
+  for (const std::u16string& name : names) {
+    keys.push_back({name, 5});
+  }
+  std::vector<std::u16string> ordered;
+  for (const win32::ListedKey& key : win32::InOrderOfMaking(std::move(keys), {})) {
+    ordered.push_back(*key.name);
+  }
+  return ordered;
+}
+
+TEST(RegistryOrder, IsThatOfNumbersForKeysOfOneMoment) {
+  EXPECT_THAT(InOrderAtOneMoment({u"1000", u"20", u"9"}), ElementsAre(u"9", u"20", u"1000"));
+}
+
+TEST(RegistryOrder, GoesOnWhereTickCountsBeginAgain) {
+  EXPECT_THAT(InOrderAtOneMoment({u"-2", u"-30", u"5", u"700"}),
+              ElementsAre(u"-30", u"-2", u"5", u"700"));
+  EXPECT_THAT(InOrderAtOneMoment({u"-2147483640", u"2147483640"}),
+              ElementsAre(u"2147483640", u"-2147483640"));
+  EXPECT_THAT(InOrderAtOneMoment({u"3", u"4294967290"}), ElementsAre(u"4294967290", u"3"));
+}
+
+TEST(RegistryOrder, HasNamesThatAreNoNumbersLast) {
+  EXPECT_THAT(InOrderAtOneMoment({u"anna", u"99999999999", u"7", u"б"}),
+              ElementsAre(u"7", u"anna", u"99999999999", u"б"));
+  EXPECT_THAT(InOrderAtOneMoment({u"anna"}), ElementsAre(u"anna"));
+}
+
+TEST(RegistryOrder, IsThatOfTimeBeforeThatOfNumbersAndWhatIsNotedComesFirst) {
+  std::vector<std::u16string> ordered;
+  for (const win32::ListedKey& key : win32::InOrderOfMaking(
+           {{u"1", 9}, {u"2", 8}, {u"3", 9}, {u"Б", 7}, {u"5", 1}}, {u"gone", u"б", u"3"})) {
+    ordered.push_back(*key.name);
+  }
+  EXPECT_THAT(ordered, ElementsAre(u"Б", u"3", u"5", u"2", u"1"));
 }
 
 TEST_F(Win32RegistryTest, AKeyThatAnotherProgramDeletedHasNoPlaceInTheOrder) {
@@ -133,6 +188,87 @@ TEST_F(Win32RegistryTest, ANewRegistryIsGivenItsKeysOnce) {
   }
   win32::Win32Registry registry(Place(), options);
   EXPECT_FALSE(support::KeyExists(registry, u"a\\b"));
+}
+
+/// What a process leaves that ends after so many changes of a group, made by threads of which none
+/// gives the lock of writers back.
+class KilledWriter : public Win32RegistryTest {
+ protected:
+  using Change = std::function<bool(platform::Registry&)>;
+
+  void KillAfter(std::size_t count, const std::vector<Change>& changes) {
+    std::thread([&] {
+      auto registry = std::make_unique<win32::Win32Registry>(Place(), Options(u"killed-1"));
+      ASSERT_TRUE(registry->BeginGroup());
+      for (std::size_t i = 0; i < count; ++i) {
+        ASSERT_TRUE(changes[i](*registry)) << i;
+      }
+    }).join();
+  }
+
+  [[nodiscard]] static win32::RegistryOptions Options(std::u16string writer) {
+    win32::RegistryOptions options{{}, {u"tags"}};
+    options.writer = std::move(writer);
+    return options;
+  }
+
+  [[nodiscard]] win32::KeyTree Everything() const {
+    return win32::ReadTree(OpenOutside(u"").Get()).value_or(win32::KeyTree());
+  }
+};
+
+TEST_F(KilledWriter, EveryPartOfAGroupIsUndoneBeforeTheNextChange) {
+  win32::Win32Registry registry(Place(), Options(u"next-1"));
+  ASSERT_TRUE(support::PutText(registry, u"tags\\1", u"contact", u"one"));
+  ASSERT_TRUE(support::PutText(registry, u"tags\\1\\below", u"x", u"deep"));
+  ASSERT_TRUE(support::PutText(registry, u"tags\\2", u"contact", u"two"));
+  ASSERT_TRUE(support::PutText(registry, u"setting", u"kept", u"old"));
+  const std::vector<Change> changes{
+      [](auto& store) { return support::PutText(store, u"tags\\3", u"contact", u"3").has_value(); },
+      [](auto& store) { return support::PutText(store, u"tags\\3", u"kind", u"x").has_value(); },
+      [](auto& store) { return store.DeleteKey(u"tags\\1").has_value(); },
+      [](auto& store) { return support::PutText(store, u"tags\\1", u"contact", u"n").has_value(); },
+      [](auto& store) { return support::PutText(store, u"setting", u"kept", u"new").has_value(); },
+      [](auto& store) { return (*store.OpenKey(u"setting"))->DeleteValue(u"kept").has_value(); },
+      [](auto& store) { return store.DeleteKey(u"tags").has_value(); },
+      [](auto& store) { return store.CreateKey(u"tags\\a\\b\\c").has_value(); }};
+  const win32::KeyTree before = Everything();
+  ASSERT_EQ(before.keys.size(), 2U);
+  for (std::size_t count = 0; count <= changes.size(); ++count) {
+    KillAfter(count, changes);
+    EXPECT_EQ(Everything() == before, count == 0) << count;
+    ASSERT_TRUE(registry.BeginGroup());
+    EXPECT_EQ(Everything(), before) << count;
+    registry.CancelGroup();
+    EXPECT_THAT(SubkeyNames(registry, u"tags"), ElementsAre(u"1", u"2")) << count;
+  }
+}
+
+TEST_F(KilledWriter, WhatWasCommittedStays) {
+  std::thread([&] {
+    win32::Win32Registry killed(Place(), Options(u"killed-1"));
+    ASSERT_TRUE(killed.BeginGroup());
+    ASSERT_TRUE(support::PutText(killed, u"tags\\1", u"contact", u"one"));
+    ASSERT_TRUE(killed.CommitGroup());
+  }).join();
+  win32::Win32Registry registry(Place(), Options(u"next-1"));
+  ASSERT_TRUE(registry.CreateKey(u"tags\\2"));
+  EXPECT_THAT(SubkeyNames(registry, u"tags"), ElementsAre(u"1", u"2"));
+}
+
+TEST_F(KilledWriter, AGroupOfAnotherOneThatIsOpenIsWaitedForAndNotUndone) {
+  win32::RegistryOptions options = Options(u"other-1");
+  options.busyLimit = std::chrono::milliseconds(1);
+  win32::Win32Registry open(Place(), Options(u"open-1"));
+  ASSERT_TRUE(open.BeginGroup());
+  ASSERT_TRUE(open.CreateKey(u"tags\\1"));
+  std::thread([&] {
+    win32::Win32Registry other(Place(), options);
+    EXPECT_EQ(support::ErrorOf(other.CreateKey(u"tags\\2")), RegistryError::kBusy);
+    EXPECT_TRUE(other.OpenKey(u"tags")) << "Whoever reads waits for nobody.";
+  }).join();
+  ASSERT_TRUE(open.CommitGroup());
+  EXPECT_THAT(SubkeyNames(open, u"tags"), ElementsAre(u"1"));
 }
 
 TEST(RegistryPlace, OfAnotherRootFolderIsApartFromThatOfAFolderWithinIt) {
