@@ -114,33 +114,36 @@ class PersonDelegate final : public QStyledItemDelegate {
       }
     }
     const Number& number = m_model.NumberAt(row);
-    const int taken = m_model.IsTaught(row)
-                          ? PaintTaught(painter, option, area, top + (isFirst ? line : 0), colour)
-                          : 0;
-    write({area.left(), top + (isFirst ? line : 0), area.width() - taken, line},
-          NameKind(number.kind) + QStringLiteral(" · ") + ShowNumber(number.text), false,
-          Qt::ElideMiddle);
+    const QString shown = NameKind(number.kind) + QStringLiteral(" · ") + ShowNumber(number.text);
+    const QRect place(area.left(), top + (isFirst ? line : 0), area.width(), line);
+    const int taken =
+        m_model.IsTaught(row)
+            ? PaintTaught(painter, option, place,
+                          place.width() - option.fontMetrics.horizontalAdvance(shown), colour)
+            : 0;
+    write(place.adjusted(0, 0, -taken, 0), shown, false, Qt::ElideMiddle);
   }
 
-  /// Writes at the end of the line that the number has a voice tag. Returns the width that it
-  /// takes.
-  static int PaintTaught(QPainter& painter, const QStyleOptionViewItem& option, const QRect& area,
-                         int top, const QColor& colour) {
-    const int line = option.fontMetrics.lineSpacing();
+  /// Shows at the end of the line that the number has a voice tag: with words if `room` is free
+  /// there, else with the sign alone, as the number says more. Returns the width that it takes.
+  static int PaintTaught(QPainter& painter, const QStyleOptionViewItem& option, const QRect& line,
+                         int room, const QColor& colour) {
     const int size = option.fontMetrics.ascent();
+    const int around = size + 2 * kRowGap;
     const QString word = Say(resources::kIsTaught);
-    const bool hasRoom = area.width() > 3 * option.fontMetrics.horizontalAdvance(word);
-    const QString text = hasRoom ? word : QString();
-    const int width = option.fontMetrics.horizontalAdvance(text);
-    const auto place = [&](int left, int length) {
-      return QStyle::visualRect(option.direction, option.rect, QRect(left, top, length, line));
+    const int wordWidth = option.fontMetrics.horizontalAdvance(word);
+    const int width = wordWidth + around <= room ? wordWidth : 0;
+    const auto place = [&](int back, int length) {
+      return QStyle::visualRect(option.direction, option.rect,
+                                QRect(line.right() + 1 - back, line.top(), length, line.height()));
     };
     painter.setFont(option.font);
     painter.setPen(colour);
-    painter.drawText(place(area.right() + 1 - width, width), Qt::AlignCenter, text);
-    DrawSymbol(painter, place(area.right() + 1 - width - size - kRowGap / 2, size), Symbol::kGood,
-               colour);
-    return width + size + 2 * kRowGap;
+    if (width > 0) {
+      painter.drawText(place(width, width), Qt::AlignCenter, word);
+    }
+    DrawSymbol(painter, place(width + size + kRowGap / 2, size), Symbol::kGood, colour);
+    return width + around;
   }
 
   const PeopleModel& m_model;
