@@ -81,8 +81,9 @@ set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION sound)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-# Not linked: the letters of the dialogs, and the words of the window library's own buttons.
-set(CPACK_DEBIAN_PACKAGE_DEPENDS "fonts-wine, qt6-translations-l10n")
+# Not linked: the letters of the dialogs, the sound library, and the words of the window library's own
+# buttons.
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "fonts-wine, libpulse0, qt6-translations-l10n")
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "pipewire-pulse | pulseaudio, qt6-wayland")
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "evolution-data-server, gnome-contacts")
 # The target `package` of CPack itself would first build everything, every test included. This one

@@ -1,8 +1,5 @@
 #include "backends/pulse/connection.h"
 
-#include <pulse/channelmap.h>
-#include <pulse/introspect.h>
-
 #include <algorithm>
 #include <cstdlib>
 #include <exception>
@@ -86,6 +83,7 @@ Result<std::unique_ptr<Connection>> Connection::Open(Deadline deadline) {
 }
 
 bool Connection::Start() {
+  if (!LoadLibrary()) return false;
   m_loop.reset(pa_threaded_mainloop_new());
   if (!m_loop) return false;
   const ProplistHandle properties = MakeProperties(PA_PROP_APPLICATION_NAME, "Voxtrel");

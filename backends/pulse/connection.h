@@ -1,7 +1,5 @@
 #pragma once
 
-#include <pulse/sample.h>
-
 #include <chrono>
 #include <cstdint>
 #include <functional>

@@ -1,16 +1,12 @@
 #pragma once
 
-#include <pulse/context.h>
-#include <pulse/operation.h>
-#include <pulse/proplist.h>
-#include <pulse/stream.h>
-#include <pulse/thread-mainloop.h>
-
 #include <chrono>
 #include <condition_variable>
 #include <memory>
 #include <mutex>
 #include <optional>
+
+#include "backends/pulse/library.h"
 
 // The library runs a thread of its own, the loop's thread, for each connection, and calls this
 // program on it. Another thread that touches anything of the library holds the loop's lock, and

@@ -1,10 +1,5 @@
 #include "backends/pulse/pulse_inputs.h"
 
-#include <pulse/introspect.h>
-#include <pulse/rtclock.h>
-#include <pulse/subscribe.h>
-#include <pulse/timeval.h>
-
 #include <chrono>
 #include <utility>
 
@@ -25,6 +20,7 @@ constexpr pa_usec_t kRetry = 2 * PA_USEC_PER_SEC;
 class InputWatch final : public platform::WaveInputs::Watch {
  public:
   explicit InputWatch(std::function<void()> changed) : m_changed(std::move(changed)) {
+    if (!LoadLibrary()) return;
     m_loop.reset(pa_threaded_mainloop_new());
     if (!m_loop) return;
     Connect();

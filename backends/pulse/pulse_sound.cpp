@@ -46,6 +46,7 @@ Result<pa_sample_spec> ToSampleSpec(const platform::WaveFormat& format) {
   }
   const pa_sample_spec sampleSpec{ToSampleFormat(format.bitsPerSample), format.samplesPerSecond,
                                   static_cast<std::uint8_t>(format.channels)};
+  if (!LoadLibrary()) return platform::Failure(WaveResult::kNoDevice);
   if (pa_sample_spec_valid(&sampleSpec) == 0) return platform::Failure(WaveResult::kBadFormat);
   return sampleSpec;
 }

@@ -1,7 +1,5 @@
 #include "backends/pulse/recorder.h"
 
-#include <pulse/timeval.h>
-
 #include <algorithm>
 #include <exception>
 #include <limits>

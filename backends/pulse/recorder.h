@@ -1,7 +1,5 @@
 #pragma once
 
-#include <pulse/sample.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <memory>

@@ -2,7 +2,9 @@
 
 #include <CLI/App.hpp>
 
+#include <array>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "host/cli/session.h"
@@ -25,6 +27,15 @@ void AddTagsCommands(CLI::App& app, Session& session);
 void AddTemplateCommands(CLI::App& app, Session& session);
 void AddWaveCommands(CLI::App& app, Session& session);
 void AddWindowCommands(CLI::App& app, Session& session);
+
+/// Commands that are added together.
+struct CommandGroup {
+  std::vector<std::string_view> names;
+  void (*add)(CLI::App& app, Session& session);
+};
+
+/// All of them, in the order of the help.
+extern const std::array<CommandGroup, 13> kCommandGroups;
 
 // Parts of a group of commands that have files of their own.
 

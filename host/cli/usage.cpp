@@ -331,10 +331,20 @@ void AddExamples(CLI::App& app) {
   app.footer(LinesOf(examples) + "\n\n" + kExitCodes);
 }
 
-int ParseAndRun(CLI::App& app, Session& session, int argc, const char* const* argv) {
+int ParseAndRun(CLI::App& app, Session& session, int argc, const char* const* argv,
+                const RunOtherwise& otherwise) {
+  // Called before the command, which may find the usage wrong by itself.
+  bool isUnderstood = false;
+  app.parse_complete_callback([&] { isUnderstood = true; });
   try {
     app.parse(argc, argv);
+    if (otherwise && app.get_subcommands().empty()) {
+      return otherwise();
+    }
   } catch (const CLI::ParseError& error) {
+    if (otherwise && !isUnderstood && error.get_name() != "CallForVersion") {
+      return otherwise();
+    }
     return ExplainUsage(app, error, {argv, argv + argc});
   } catch (const std::bad_alloc&) {
     throw;  // A message here would take memory.

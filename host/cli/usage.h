@@ -1,6 +1,7 @@
 #pragma once
 
 #include <CLI/App.hpp>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -19,8 +20,12 @@ void PrepareUsage(CLI::App& app, Options& options);
 void AddExamples(CLI::App& app);
 
 /// Runs the command of a line, and prints what it has for `session`. Prints the help, the version,
-/// or what is wrong with the line. Returns the exit code.
-[[nodiscard]] int ParseAndRun(CLI::App& app, Session& session, int argc, const char* const* argv);
+/// or what is wrong with the line. Returns the exit code. If `otherwise` is given, `app` may lack
+/// commands: a line that names no command of it, is not understood or asks for help is left to
+/// `otherwise`, before anything was run or printed.
+using RunOtherwise = std::function<int()>;
+[[nodiscard]] int ParseAndRun(CLI::App& app, Session& session, int argc, const char* const* argv,
+                              const RunOtherwise& otherwise = {});
 
 /// Returns the name among `names` that is most like `word`, if it is so much alike that somebody
 /// may have meant it: few letters are wrong, missing, too many or swapped with their neighbour, or

@@ -1,7 +1,9 @@
 #include "host/cli/usage.h"
 
+#include <CLI/App.hpp>
 #include <algorithm>
 
+#include "host/cli/commands.h"
 #include "tests/host/cli/command_fixture.h"
 
 namespace {
@@ -154,6 +156,21 @@ TEST_F(WrongUsage, IsAnErrorInJson) {
   EXPECT_EQ(json::parse(missing.out, nullptr, false),
             (json{{"error", {{"code", 2}, {"message", "--contact is required"}}}}));
   EXPECT_THAT(missing.err, StartsWith("--contact is required\n"));
+}
+
+TEST(CommandGroups, AreKnownByTheNamesOfTheirCommands) {
+  cli::Options options;
+  for (const cli::CommandGroup& group : cli::kCommandGroups) {
+    CLI::App app;
+    cli::PrepareUsage(app, options);
+    cli::Session session(options);
+    group.add(app, session);
+    std::vector<std::string_view> names;
+    for (const CLI::App* command : app.get_subcommands({})) {
+      names.push_back(command->get_name());
+    }
+    EXPECT_EQ(names, group.names);
+  }
 }
 
 TEST(FindNearest, TakesSwappedMissingWrongAndAddedLettersForOneTypoEach) {
