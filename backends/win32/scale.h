@@ -12,10 +12,10 @@ class Scale {
   Scale() = default;
   /// Takes the average width and the height of a dialog's font.
   Scale(int across, int down) : m_across(across), m_down(down) {}
-  /// Takes the scale of a dialog.
+  /// Takes the scale of a dialog. A system that has no font left says no size, or none above 0.
   explicit Scale(HWND dialog) {
     RECT units{0, 0, 4, 8};
-    if (MapDialogRect(dialog, &units)) {
+    if (MapDialogRect(dialog, &units) && units.right > 0 && units.bottom > 0) {
       m_across = units.right;
       m_down = units.bottom;
     }

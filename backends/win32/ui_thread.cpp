@@ -75,7 +75,11 @@ LRESULT CALLBACK UiThread::Serve(HWND window, UINT message, WPARAM wParam, LPARA
 
 bool UiThread::IsCurrent() const { return GetCurrentThreadId() == m_id; }
 
+// Without a window the system would take the message for one of the calling thread's own.
 void UiThread::Post(std::function<void()> call) {
+  if (m_window == nullptr) {
+    return;
+  }
   auto posted = std::make_unique<Call>(std::move(call));
   if (PostMessageW(m_window, kCall, 0, reinterpret_cast<LPARAM>(posted.get()))) {
     static_cast<void>(posted.release());

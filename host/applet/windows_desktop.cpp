@@ -33,7 +33,7 @@ WindowsDesktop::WindowsDesktop(HINSTANCE module)
                 m_ui.ShowMessage(platform::ApplicationBox(std::u16string(text)));
               }),
       m_library(GetParts()) {
-  m_ui.SetMark(win32::NameOfObject(m_root, u"Sheet"));
+  m_ui.SetMark(m_mark);
 }
 
 LibraryParts WindowsDesktop::GetParts() {
@@ -50,14 +50,21 @@ LibraryParts WindowsDesktop::GetParts() {
 
 std::int32_t WindowsDesktop::Answer(HWND parent, std::uint32_t message, std::intptr_t lParam1,
                                     std::intptr_t lParam2) {
+  // The control panel that shows several applets is one process, which a second instance would end
+  // with itself. So the sheet is looked for first, whoever shows it.
+  if (message == static_cast<std::uint32_t>(CplMessage::kDblClk) &&
+      win32::Win32Ui::BringMarkedForward(m_mark)) {
+    return m_library.Answer(static_cast<std::uint32_t>(CplMessage::kStop), lParam1, lParam2);
+  }
   m_ui.SetOwner(parent);
   return m_library.Answer(message, lParam1, lParam2);
 }
 
-// For the user a second instance is the same window. The command line has none: then a box says so.
+// A second instance that has come past the look for the sheet is refused the mutex, and its process
+// ends. The command line has the mutex and no sheet: then a box says why.
 void WindowsDesktop::OnNamedMutex(const platform::CreatedMutex& created) {
   if (created == platform::Failure(platform::ThreadError::kHeld) &&
-      !win32::Win32Ui::BringMarkedForward(win32::NameOfObject(m_root, u"Sheet"))) {
+      !win32::Win32Ui::BringMarkedForward(m_mark)) {
     m_ui.ShowMessage(
         platform::ApplicationBox(std::u16string(resources::Say(resources::kTagsInUse))));
   }

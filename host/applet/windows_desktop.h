@@ -40,9 +40,9 @@ static_assert(offsetof(WindowsNewCplInfo, szHelpFile) == 204 + 2 * sizeof(void*)
 
 /// The applet in a Windows control panel, with windows of the system.
 ///
-/// There is one instance for each root folder, which is known by the named mutex that the Learning
-/// page takes. A second instance is refused the mutex, brings the sheet of the first one forward
-/// and ends.
+/// There is one sheet for each root folder. A double-click while it is open, in any process, brings
+/// it forward. Instances know each other by the named mutex that the Learning page takes: one that
+/// is refused it ends.
 class WindowsDesktop {
  public:
   /// `module` is the library itself.
@@ -59,6 +59,7 @@ class WindowsDesktop {
   const machine::Options m_options = machine::ReadOptions();
   machine::Backends m_backends{m_options};
   const std::u16string m_root;
+  const std::u16string m_mark = win32::NameOfObject(m_root, u"Sheet");  ///< Of the sheet's window.
   win32::Win32Module m_module;
   win32::Win32Process m_process;
   win32::Win32Threads m_plainThreads;

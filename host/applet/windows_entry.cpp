@@ -13,14 +13,32 @@ extern "C" LONG APIENTRY CPlApplet(HWND parentWindow, UINT message, LPARAM lPara
 
 namespace {
 
-/// The library, as the system has loaded it.
-HINSTANCE FindOwnModule() {
-  HMODULE own = nullptr;
-  GetModuleHandleExW(
-      GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-      reinterpret_cast<const wchar_t*>(&FindOwnModule), &own);
-  return own;
-}
+/// The library, as the system has loaded it. Stays loaded as long as this lives.
+class OwnModule {
+ public:
+  OwnModule() {
+    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
+                       reinterpret_cast<const wchar_t*>(&CPlApplet), &m_module);
+  }
+  OwnModule(const OwnModule&) = delete;
+  OwnModule& operator=(const OwnModule&) = delete;
+  ~OwnModule() { FreeLibrary(m_module); }
+
+  [[nodiscard]] HINSTANCE Get() const { return m_module; }
+
+ private:
+  HMODULE m_module = nullptr;
+};
+
+/// The applet, from the first message to the last one. A panel may free the library before: while
+/// the sheet is open and workers run, or without a last message. So it stays loaded for as long as
+/// the applet lives. If it did not, the applet would have to be destroyed while the system frees
+/// it. The system then holds the loader's lock, and a thread that is waited for needs that lock to
+/// end.
+struct LivingApplet {
+  OwnModule module;
+  applet::WindowsDesktop desktop{module.Get()};
+};
 
 /// Counts the calls that are active: while the sheet is open, the panel goes on sending messages.
 class ActiveCall {
@@ -37,16 +55,15 @@ class ActiveCall {
 };
 
 LONG Answer(HWND parent, UINT message, LPARAM lParam1, LPARAM lParam2) {
-  // A plain pointer, since nothing may be destroyed when the system frees the library: it then
-  // holds the loader's lock, and a thread that is waited for needs that lock to end. So the applet
-  // goes with the last message, or with the process.
-  static applet::WindowsDesktop* desktop = nullptr;
-  if (desktop == nullptr) {
-    desktop = new applet::WindowsDesktop(FindOwnModule());
+  // A plain pointer: without a last message it goes with the process.
+  static LivingApplet* living = nullptr;
+  if (living == nullptr) {
+    living = new LivingApplet;
   }
-  const LONG answer = desktop->Answer(parent, message, lParam1, lParam2);
+  const LONG answer = living->desktop.Answer(parent, message, lParam1, lParam2);
   if (message == static_cast<UINT>(applet::CplMessage::kExit) && ActiveCall::IsOnly()) {
-    const std::unique_ptr<applet::WindowsDesktop> gone(std::exchange(desktop, nullptr));
+    // The panel, which has sent the message, still holds the library.
+    const std::unique_ptr<LivingApplet> gone(std::exchange(living, nullptr));
   }
   return answer;
 }

@@ -126,6 +126,15 @@ class User:
     def press(self, *keys):
         self._drive("key", *keys)
 
+    def front(self):
+        """Returns the title of the window that takes the keyboard."""
+        run = subprocess.run(["xdotool", "getactivewindow", "getwindowname"], check=False,
+                             env=self.here.environment(), capture_output=True, text=True)
+        return run.stdout.strip()
+
+    def minimize(self, title):
+        self._drive("search", "--onlyvisible", "--name", f"^{title}$", "windowminimize", "--sync")
+
     def shoot(self, name):
         os.makedirs(self._pictures, exist_ok=True)
         subprocess.run(["import", "-window", "root", os.path.join(self._pictures, name + ".png")],
@@ -198,6 +207,18 @@ class Story:
         self.user.await_window(caption)
         return panel
 
+    def open_panel(self):
+        """Opens the panel with all applets. Returns it and the icon of this one."""
+        user = self.user
+        panel = self.here.start("control.exe")
+
+        def find_icon():
+            window = user.find("Wine Control Panel")
+            icons = [icon for control in window["controls"] for icon in control.get("icons", [])
+                     ] if window else []
+            return next((icon for icon in icons if icon["text"] == "Zedra Voxtrel"), None)
+        return panel, session.wait_until(find_icon, "The panel shows the name")
+
     def close(self, panel, caption="Property"):
         self.user.click(caption, OK)
         self.user.await_gone(caption)
@@ -228,13 +249,7 @@ class Story:
         # The panel shows the applets in the system's own folder.
         system = os.path.join(self.here.wine_folder, "drive_c", "windows", "system32")
         shutil.copy(self.applet, os.path.join(system, "voxtrel.cpl"))
-        panel = self.here.start("control.exe")
-
-        def find_icon():
-            icons = [icon for window in user.windows() for control in window["controls"]
-                     for icon in control.get("icons", [])]
-            return next((icon for icon in icons if icon["text"] == "Zedra Voxtrel"), None)
-        icon = session.wait_until(find_icon, "The panel shows the name")
+        panel, icon = self.open_panel()
         user.shoot("windows_panel")
         user.click_place(icon["place"], times=2)
         sheet = user.await_window("Property")
@@ -252,7 +267,6 @@ class Story:
         assert panel.poll() is None
         user.press("alt+F4")
         session.wait_until(lambda: panel.poll() is not None, "The control panel has ended")
-        os.unlink(os.path.join(system, "voxtrel.cpl"))
 
     def ann_is_learned_from_the_microphone(self):
         user = self.user
@@ -288,10 +302,42 @@ class Story:
     def second_instance_brings_the_first_one_forward_and_ends(self):
         user = self.user
         panel = self.open()
+        notes = self.here.start("notepad.exe")
+        session.wait_until(lambda: user.front() != "Property", "Another window is in front")
         second = self.here.start("control.exe", r"C:\Voxtrel\voxtrel.cpl")
         session.wait_until(lambda: second.poll() is not None, "The second instance has ended")
+        session.wait_until(lambda: user.front() == "Property", "The sheet comes forward")
+        assert len([window for window in user.windows() if window["text"] == "Property"]) == 1
+        # A panel with all applets lives on, and the sheet comes out of the bar of windows.
+        other, icon = self.open_panel()
+        user.minimize("Property")
+        session.wait_until(lambda: user.front() == "Wine Control Panel", "The panel is in front")
+        user.click_place(icon["place"], times=2)
+        session.wait_until(lambda: user.front() == "Property", "The sheet comes forward")
         assert len([window for window in user.windows() if window["text"] == "Property"]) == 1
         self.close(panel)
+        assert other.poll() is None
+        # And now it opens the sheet itself.
+        user.click_place(icon["place"], times=2)
+        user.await_window("Property")
+        for process in (other, notes):
+            process.kill()
+        user.await_gone("Property")
+
+    def command_line_that_has_the_tags_is_said(self):
+        """As it has no window that could come forward."""
+        user = self.user
+        sample = sorted(glob.glob(os.path.join(SOURCES, "samples", "*.wav")))[0]
+        self.here.variables["VOXTREL_MICROPHONE"] = "Z:" + sample
+        command = self.here.start(self.command_line, "tags", "learn", "--contact", "Ray Bob")
+        del self.here.variables["VOXTREL_MICROPHONE"]
+        time.sleep(1)
+        panel = self.here.start("control.exe", r"C:\Voxtrel\voxtrel.cpl")
+        box = user.await_window("Zedra Voxtrel")
+        assert any("in use" in control["text"] for control in box["controls"]), box
+        user.press("Return")
+        session.wait_until(lambda: panel.poll() is not None, "The second instance has ended")
+        session.wait_until(lambda: command.poll() is not None, "The command has ended")
 
     def closing_while_it_records_does_nothing(self):
         user = self.user

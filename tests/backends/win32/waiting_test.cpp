@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <future>
 #include <string>
 #include <thread>
@@ -107,7 +108,8 @@ class WorkedOn final : public framework::CDialog {
     CDialog::Detach();
   }
 
-  std::function<void()> ask;
+  std::function<void()> ask;  ///< What the worker does before it ends the dialog.
+  std::promise<void> letGo;
   std::u16string text;
 
  private:
@@ -122,59 +124,127 @@ TEST(Win32Ui, AWorkerChangesAndEndsADialog) {
   EXPECT_EQ(dialog.text, u"from a worker");
 }
 
-/// Answers the message box of any thread of this process with `caption`, when it has come.
-void AnswerBox(const wchar_t* caption, int button, std::wstring* text) {
+/// A message box as its user sees it.
+struct SeenBox {
+  std::wstring text;
+  HWND owner = nullptr;
+  bool isOwnerEnabled = false;
+  bool hasCancel = false;
+  HICON icon = nullptr;
+};
+
+/// Answers the message box of any thread of this process with `caption`, when it has come. Calls
+/// `look` before.
+SeenBox AnswerBox(
+    const wchar_t* caption, int button, const std::function<void()>& look = [] {}) {
   HWND box = nullptr;
   while (box == nullptr || !IsWindowVisible(box)) {
     box = FindWindowW(L"#32770", caption);
     Sleep(5);
   }
-  *text = User::TextOf(FindWindowExW(box, nullptr, L"Static", nullptr));
-  if (text->empty()) {  // The first one shows the icon.
-    *text = User::TextOf(
-        FindWindowExW(box, FindWindowExW(box, nullptr, L"Static", nullptr), L"Static", nullptr));
+  SeenBox seen;
+  for (HWND label = nullptr; (label = FindWindowExW(box, label, L"Static", nullptr)) != nullptr;) {
+    if ((GetWindowLongW(label, GWL_STYLE) & SS_TYPEMASK) == SS_ICON) {
+      seen.icon = reinterpret_cast<HICON>(SendMessageW(label, STM_GETICON, 0, 0));
+    } else {
+      seen.text = User::TextOf(label);
+    }
   }
+  seen.owner = GetWindow(box, GW_OWNER);
+  seen.isOwnerEnabled = seen.owner != nullptr && IsWindowEnabled(seen.owner);
+  seen.hasCancel = GetDlgItem(box, IDCANCEL) != nullptr;
+  look();
   PostMessageW(box, WM_COMMAND, static_cast<WPARAM>(button), 0);
+  return seen;
 }
 
-TEST(Win32Ui, ABoxOfAWorkerIsAnsweredWhileTheDialogGoesOn) {
+TEST(Win32Ui, ABoxOfAWorkerBlocksThatWorkerAndNoWindow) {
   win32::UiThread thread;
   win32::Win32Ui ui(thread, u"Zedra", nullptr);
   WorkedOn dialog(ui);
   auto answer = platform::MessageAnswer::kCancel;
-  dialog.ask = [&] { answer = ui.ShowMessage({.text = u"Error", .caption = u"Worker"}); };
-  std::wstring text;
-  std::thread user([&] { AnswerBox(L"Worker", IDOK, &text); });
+  std::atomic<bool> isAnswered = false;
+  dialog.ask = [&] {
+    answer = ui.ShowMessage({.text = u"Error", .caption = u"Worker"});
+    isAnswered = true;
+  };
+  SeenBox seen;
+  std::thread user([&] {
+    seen = AnswerBox(L"Worker", IDOK, [&] {
+      EXPECT_FALSE(isAnswered);
+      EXPECT_TRUE(IsWindowEnabled(FindWindowW(L"#32770", L"Reinitialization")));
+    });
+  });
   EXPECT_EQ(dialog.DoModal(), 5);
   user.join();
   EXPECT_EQ(answer, platform::MessageAnswer::kOk);
-  EXPECT_EQ(text, L"Error");
+  EXPECT_EQ(seen.text, L"Error");
+  EXPECT_EQ(seen.owner, nullptr);
 }
 
-TEST(Win32Ui, ABoxHasItsTextItsCaptionItsStyleAndItsAnswer) {
-  using platform::MessageStyle;
-  win32::UiThread thread;
-  win32::Win32Ui ui(thread, u"Zedra", nullptr);
-  const auto ask = [&](const platform::MessageBox& box, const wchar_t* caption, int button,
-                       std::wstring* text) {
-    std::thread user([&] { AnswerBox(caption, button, text); });
-    const auto answer = ui.ShowMessage(box);
+/// Message boxes that this thread shows, and their user.
+class Win32Box : public testing::Test {
+ protected:
+  /// Shows the box and answers it with `button`.
+  SeenBox Ask(platform::MessageBox box, int button = IDOK) {
+    SeenBox seen;
+    const std::u16string shown = box.captionKind == platform::MessageCaption::kApplication
+                                     ? std::u16string(u"Zedra")
+                                     : box.caption;
+    const std::wstring caption(shown.begin(), shown.end());
+    std::thread user([&] { seen = AnswerBox(caption.c_str(), button); });
+    m_answer = m_ui.ShowMessage(box);
     user.join();
-    return answer;
-  };
-  std::wstring text;
-  EXPECT_EQ(ask({.text = u"100 % & <b>",
-                 .caption = u"Attention",
-                 .style = MessageStyle::kOkCancel | MessageStyle::kIconExclamation},
-                L"Attention", IDCANCEL, &text),
-            platform::MessageAnswer::kCancel);
-  EXPECT_EQ(text, L"100 % & <b>");
-  EXPECT_EQ(ask(platform::ApplicationBox(u"Plain"), L"Zedra", IDOK, &text),
-            platform::MessageAnswer::kOk);
-  EXPECT_EQ(ask({.text = u"5", .caption = u"Error Code", .style = MessageStyle::kTopmost},
-                L"Error Code", IDOK, &text),
-            platform::MessageAnswer::kOk);
-  EXPECT_EQ(text, L"5");
+    return seen;
+  }
+
+  win32::UiThread m_thread;
+  win32::Win32Ui m_ui{m_thread, u"Zedra", nullptr};
+  platform::MessageAnswer m_answer = platform::MessageAnswer::kOk;
+};
+
+TEST_F(Win32Box, HasItsTextAsItStandsAndItsAnswer) {
+  const SeenBox seen = Ask(
+      {.text = u"100 % & <b>", .caption = u"Attention", .style = platform::MessageStyle::kOkCancel},
+      IDCANCEL);
+  EXPECT_EQ(seen.text, L"100 % & <b>");
+  EXPECT_TRUE(seen.hasCancel);
+  EXPECT_EQ(m_answer, platform::MessageAnswer::kCancel);
+  EXPECT_EQ(Ask({.text = u"5", .caption = u"Error Code"}).text, L"5");
+  EXPECT_EQ(m_answer, platform::MessageAnswer::kOk);
+}
+
+TEST_F(Win32Box, HasTheCaptionOfTheApplicationAndNoMoreIfItIsPlain) {
+  const SeenBox seen = Ask(platform::ApplicationBox(u"Plain"));
+  EXPECT_EQ(seen.text, L"Plain");
+  EXPECT_FALSE(seen.hasCancel);
+}
+
+TEST_F(Win32Box, HasTheIconThatItsStyleAsksFor) {
+  using platform::MessageStyle;
+  const HICON exclamation = LoadIconW(nullptr, MAKEINTRESOURCEW(32515));
+  EXPECT_EQ(
+      Ask({.text = u"!", .caption = u"Attention", .style = MessageStyle::kIconExclamation}).icon,
+      exclamation);
+  EXPECT_EQ(Ask({.text = u"!", .caption = u"Attention"}).icon, nullptr);
+}
+
+TEST_F(Win32Box, BelongsToTheWindowInFrontWhichTakesNothingMeanwhile) {
+  WorkedOn dialog(m_ui);
+  SeenBox seen;
+  HWND front = nullptr;
+  User::WhenShown([&](HWND window) {
+    front = window;
+    seen = Ask({.text = u"?", .caption = u"Attention"});
+    EXPECT_TRUE(IsWindowEnabled(window));
+    dialog.letGo.set_value();
+  });
+  dialog.ask = [&] { dialog.letGo.get_future().wait(); };
+  EXPECT_EQ(dialog.DoModal(), 5);
+  User::Leave();
+  EXPECT_NE(front, nullptr);
+  EXPECT_EQ(seen.owner, front);
+  EXPECT_FALSE(seen.isOwnerEnabled);
 }
 
 }  // namespace

@@ -8,13 +8,19 @@
 #include <cpl.h>
 
 #include <array>
+#include <cstddef>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
+#include <functional>
 #include <string>
+#include <utility>
 
 #include "resources/pictures.h"
 #include "resources/strings.h"
+#include "tests/backends/win32/user.h"
+#include "tests/support/temp_folder.h"
 
 namespace {
 
@@ -24,16 +30,26 @@ constexpr int kTwiceAsLarge = 20000;
 class WindowsLibrary : public testing::Test {
  protected:
   WindowsLibrary()
-      : m_module(LoadLibraryW(std::filesystem::path(VOXTREL_CPL).c_str())),
+      : m_module(Load()),
         m_entry(reinterpret_cast<APPLET_PROC>(
             reinterpret_cast<void*>(GetProcAddress(m_module, "CPlApplet")))) {}
-  ~WindowsLibrary() override { FreeLibrary(m_module); }
+  ~WindowsLibrary() override {
+    if (m_module != nullptr) {
+      FreeLibrary(m_module);
+    }
+  }
 
   [[nodiscard]] LONG Send(UINT message, LPARAM first = 0, LPARAM second = 0) const {
     return m_entry(nullptr, message, first, second);
   }
 
-  const HMODULE m_module;
+  [[nodiscard]] static HMODULE Load() {
+    return LoadLibraryW(std::filesystem::path(VOXTREL_CPL).c_str());
+  }
+  /// Frees the library as a panel does that has no more use for it.
+  void Free() { FreeLibrary(std::exchange(m_module, nullptr)); }
+
+  HMODULE m_module;
   const APPLET_PROC m_entry;
 };
 
@@ -67,6 +83,18 @@ TEST_F(WindowsLibrary, IsLoadedAndFreedAgainAndAgain) {
   }
 }
 
+TEST_F(WindowsLibrary, ExportsItsEntryUndecoratedAndNothingElse) {
+  const auto* const base = reinterpret_cast<const std::byte*>(m_module);
+  const auto* const file = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
+  const auto* const headers = reinterpret_cast<const IMAGE_NT_HEADERS*>(base + file->e_lfanew);
+  const auto* const exports = reinterpret_cast<const IMAGE_EXPORT_DIRECTORY*>(
+      base + headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_EXPORT].VirtualAddress);
+  ASSERT_EQ(exports->NumberOfFunctions, 1U);
+  ASSERT_EQ(exports->NumberOfNames, 1U);
+  const auto* const names = reinterpret_cast<const DWORD*>(base + exports->AddressOfNames);
+  EXPECT_STREQ(reinterpret_cast<const char*>(base + names[0]), "CPlApplet");
+}
+
 TEST_F(WindowsLibrary, HoldsTheNameTheIconAndEveryPictureByTheirNumbers) {
   std::array<wchar_t, 40> name{};
   LoadStringW(m_module, resources::kAppletNameString, name.data(), static_cast<int>(name.size()));
@@ -81,6 +109,90 @@ TEST_F(WindowsLibrary, HoldsTheNameTheIconAndEveryPictureByTheirNumbers) {
           << number;
     }
   }
+}
+
+/// The sheet, with a folder and a contact of the test's own.
+class WindowsLibrarySheet : public WindowsLibrary {
+ protected:
+  WindowsLibrarySheet() {
+    const auto cards = m_folder.Path() / "cards.vcf";
+    std::ofstream(cards) << "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:a\r\nN:Lee;Ann;;;\r\nFN:Ann Lee\r\n"
+                            "TEL;TYPE=CELL:5551234\r\nEND:VCARD\r\n";
+    Set("VOXTREL_ROOT", (m_folder.Path() / "root").string());
+    Set("VOXTREL_CONTACTS", cards.string());
+  }
+  ~WindowsLibrarySheet() override {
+    Set("VOXTREL_ROOT", "");
+    Set("VOXTREL_CONTACTS", "");
+  }
+
+  /// Opens the sheet above `parent`. Calls `look` when it is shown, and closes it.
+  LONG Open(HWND parent, const std::function<void(HWND sheet)>& look) {
+    support::User::WhenShown(look);
+    support::User::WhenShown([](HWND sheet) { PostMessageW(sheet, WM_COMMAND, IDOK, 0); });
+    const LONG answer = m_entry(parent, CPL_DBLCLK, 0, 0);
+    support::User::Leave();
+    return answer;
+  }
+
+ private:
+  static void Set(const char* name, const std::string& value) {
+    static_cast<void>(_putenv_s(name, value.c_str()));
+  }
+
+  support::TempFolder m_folder;
+};
+
+TEST_F(WindowsLibrarySheet, ThePanelsWindowOwnsItAndTakesNothingMeanwhile) {
+  const HWND panel = CreateWindowExW(0, L"STATIC", L"", WS_OVERLAPPED | WS_VISIBLE, 0, 0, 90, 90,
+                                     nullptr, nullptr, nullptr, nullptr);
+  EXPECT_EQ(Send(CPL_INIT), 1);
+  EXPECT_EQ(Open(panel,
+                 [&](HWND sheet) {
+                   EXPECT_EQ(support::User::TextOf(sheet), L"Property");
+                   EXPECT_EQ(GetWindow(sheet, GW_OWNER), panel);
+                   EXPECT_FALSE(IsWindowEnabled(panel));
+                 }),
+            0);
+  EXPECT_TRUE(IsWindowEnabled(panel));
+  EXPECT_EQ(Send(CPL_EXIT), 0);
+  DestroyWindow(panel);
+}
+
+TEST_F(WindowsLibrarySheet, ADoubleClickWhileItIsOpenIsAnsweredAtOnceAndOpensNoOther) {
+  EXPECT_EQ(Send(CPL_INIT), 1);
+  Open(nullptr, [&](HWND sheet) {
+    EXPECT_EQ(Send(CPL_DBLCLK), 0);
+    EXPECT_EQ(Send(CPL_DBLCLK, 1), 1);
+    // A panel that ends while its sheet is open does not take the sheet's parts away.
+    EXPECT_EQ(Send(CPL_EXIT), 0);
+    EXPECT_EQ(support::User::FindShown(), sheet);
+  });
+  EXPECT_EQ(Send(CPL_EXIT), 0);
+}
+
+TEST_F(WindowsLibrarySheet, TheLibraryGoesWhenItIsFreedAfterTheLastMessage) {
+  EXPECT_EQ(Send(CPL_INIT), 1);
+  Open(nullptr, [](HWND /*sheet*/) {});
+  EXPECT_EQ(Send(CPL_EXIT), 0);
+  Free();
+  EXPECT_EQ(GetModuleHandleW(L"voxtrel.cpl"), nullptr);
+}
+
+// Code that runs must not go away, and what it has made cannot be destroyed while the system frees
+// a library: the loader's lock is held then, and a thread that was waited for would never end.
+TEST_F(WindowsLibrarySheet, ALibraryThatIsFreedWhileItIsOpenStaysUntilTheProcessEnds) {
+  EXPECT_EQ(Send(CPL_INIT), 1);
+  EXPECT_EQ(Open(nullptr,
+                 [&](HWND sheet) {
+                   Free();
+                   UpdateWindow(sheet);
+                   EXPECT_TRUE(IsWindow(sheet));
+                 }),
+            0);
+  EXPECT_NE(GetModuleHandleW(L"voxtrel.cpl"), nullptr);
+  m_module = Load();
+  EXPECT_EQ(Send(CPL_EXIT), 0);
 }
 
 }  // namespace
