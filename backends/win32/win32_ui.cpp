@@ -91,7 +91,8 @@ BOOL CALLBACK FindMarked(HWND window, LPARAM parameter) {
   return FALSE;
 }
 
-/// Brings the uppermost of a window and those that it owns to the front.
+/// Brings the uppermost of a window and those that it owns to the front. To raise it alone would not
+/// give it the keyboard, and Wine only gives a window the keyboard without raising it.
 void BringToFront(HWND window) {
   if (window == nullptr) {
     return;
@@ -99,7 +100,9 @@ void BringToFront(HWND window) {
   if (IsIconic(window)) {
     ShowWindow(window, SW_RESTORE);
   }
-  SetForegroundWindow(GetLastActivePopup(window));
+  const HWND uppermost = GetLastActivePopup(window);
+  BringWindowToTop(uppermost);
+  SetForegroundWindow(uppermost);
 }
 
 }  // namespace
