@@ -107,6 +107,13 @@ class Reader {
   }
 };
 
+/// Returns whether nobody sees this character: a soft hyphen, a joiner, a mark of the order of
+/// bytes.
+bool IsInvisible(char16_t unit) {
+  return unit == u'\u00AD' || (unit >= u'\u200B' && unit <= u'\u200D') ||
+         (unit >= u'\u2060' && unit <= u'\u2065') || unit == u'\uFEFF';
+}
+
 /// Returns a text of which a person sees every character.
 std::u16string Show(std::u16string_view stored) {
   constexpr std::size_t kMostShown = 80;
@@ -114,7 +121,7 @@ std::u16string Show(std::u16string_view stored) {
   constexpr unsigned kBitsOfHexDigit = 4;
   std::u16string shown;
   for (const char16_t unit : stored.substr(0, kMostShown)) {
-    if (!text::IsCommand(unit)) {
+    if (!text::IsCommand(unit) && !IsInvisible(unit)) {
       shown += unit;
       continue;
     }

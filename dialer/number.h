@@ -23,8 +23,8 @@ enum class NumberFault : std::uint8_t {
 /// A stored text that is not dialled.
 struct Refusal {
   NumberFault fault = NumberFault::kNoDigits;
-  /// The text as a person may see it: what a terminal might take for a command is written as its
-  /// code, such as "<U+000D>". A long text is cut.
+  /// The text as a person may see it: what a terminal might take for a command, and what nobody
+  /// would see, is written as its code, such as "<U+000D>". A long text is cut.
   std::u16string shown;
 };
 

@@ -5,6 +5,7 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace {
 
@@ -124,10 +125,92 @@ TEST(Number, ARefusalShowsTheTextWithEveryHiddenCharacter) {
   EXPECT_THAT(dialer::Explain(refused.error()), HasSubstr("\"555<U+000D>ATH<U+202E>1\""));
 }
 
+TEST(Number, ARefusalShowsWhatNobodyWouldSee) {
+  for (const auto& [stored, shown] :
+       {std::pair(u"555\u200B1", u"555<U+200B>1"), std::pair(u"\uFEFF5551", u"<U+FEFF>5551"),
+        std::pair(u"555\u00AD1", u"555<U+00AD>1"), std::pair(u"555\u20601", u"555<U+2060>1")}) {
+    const auto refused = dialer::MakeNumber(stored);
+    ASSERT_FALSE(refused);
+    EXPECT_EQ(refused.error().shown, shown);
+  }
+}
+
 TEST(Number, ARefusalShowsTheBeginningOfALongText) {
   const auto refused = dialer::MakeNumber(std::u16string(100'000, u'x'));
   ASSERT_FALSE(refused);
   EXPECT_LT(refused.error().shown.size(), 100U);
+}
+
+// What a contact may have as its number to make a modem or the desktop do something else.
+TEST(Number, NoTextByWhichAContactWouldCommandAnythingIsANumber) {
+  for (const std::u16string_view stored : {u"5550101\rATH"sv,
+                                           u"5550101\nATH"sv,
+                                           u"5550101\r\nAT&F"sv,
+                                           u"5550101;\rATZ"sv,
+                                           u"5550101\0ATH"sv,
+                                           u"5550101\x1A"sv,
+                                           u"5550101\x7F"sv,
+                                           u"5550101\x1B[2J"sv,
+                                           u"5550101\x11\x13"sv,
+                                           u"5550101\t"sv,
+                                           u"\r5550101"sv,
+                                           u"+++ATH0"sv,
+                                           u"+++"sv,
+                                           u"5550101;+CFUN=0"sv,
+                                           u"5550101;H"sv,
+                                           u"5550101;S0=1"sv,
+                                           u"5550101;;"sv,
+                                           u"T5550101"sv,
+                                           u"P5550101"sv,
+                                           u"L"sv,
+                                           u"DL"sv,
+                                           u"5550101@"sv,
+                                           u"5550101!"sv,
+                                           u"5550101>1"sv,
+                                           u"5550101I"sv,
+                                           u"5550101G"sv,
+                                           u"5550101/"sv,
+                                           u"A/"sv,
+                                           u"5550101=1"sv,
+                                           u"5550101?"sv,
+                                           u"5550101&W"sv,
+                                           u"5550101\\r"sv,
+                                           u"5550101^M"sv,
+                                           u"5550101%0DATH"sv,
+                                           u"5550101%"sv,
+                                           u"%2B5550101"sv,
+                                           u"tel:5550101"sv,
+                                           u"sip:5550101@example.org"sv,
+                                           u"file:///etc/passwd"sv,
+                                           u"javascript:alert(1)"sv,
+                                           u"--help"sv,
+                                           u"-e/bin/sh"sv,
+                                           u"5550101 & reboot"sv,
+                                           u"5550101|sh"sv,
+                                           u"$(reboot)"sv,
+                                           u"`reboot`"sv,
+                                           u"5550101'"sv,
+                                           u"\"5550101\""sv,
+                                           u"5550101?subject=x"sv,
+                                           u"5550101;ext=1;ext=2"sv,
+                                           u"5550101;ext=%31"sv,
+                                           u"5550101;ext=1\rATH"sv,
+                                           u"5550101;phone-context=evil.example"sv,
+                                           u"5550101;isub=1"sv,
+                                           u"5550101;ext=\u0661"sv,
+                                           u"\u0665\u0665\u0665"sv,
+                                           u"\uFF15\uFF15\uFF15"sv,
+                                           u"\u0967\u0968\u0969"sv,
+                                           u"\U0001D7D3\U0001D7D3"sv,
+                                           u"555\u200D0101"sv,
+                                           u"555\u202E1010"sv,
+                                           u"555\u2028ATH"sv,
+                                           u"555\uFF1B1"sv,
+                                           u"555\u037E1"sv,
+                                           u"0190,"sv,
+                                           u"w"sv}) {
+    EXPECT_EQ(DialStringOf(stored), "refused");
+  }
 }
 
 TEST(Number, TheTextStaysAsItIsStored) {
