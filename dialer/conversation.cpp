@@ -33,6 +33,25 @@ class Interruptible final : public Waiter {
   Reply m_reply;
 };
 
+/// Shows that a modem dials: whoever makes a call in any other way does not wait.
+class Dialling final : public Waiter {
+ public:
+  Dialling(Face& face, const StepShown& shown) : m_face(face), m_shown(shown) {}
+
+  [[nodiscard]] bool Wait(std::uint32_t milliseconds) override {
+    if (!m_isShown) {
+      m_isShown = true;
+      m_face.Show(m_shown);
+    }
+    return m_face.Wait(milliseconds);
+  }
+
+ private:
+  Face& m_face;
+  const StepShown m_shown;
+  bool m_isShown = false;
+};
+
 }  // namespace
 
 Conversation::Conversation(const Parts& parts, Face& face, Manner manner)
@@ -150,6 +169,7 @@ Conversation::Next Conversation::Confirm() {
       return m_takes.empty() ? End(Step::kStopped) : Next::kAgain;
     case Reply::Kind::kChoice:
       return Accept(reply.choice);
+    case Reply::Kind::kHangUp:
     case Reply::Kind::kStop:
       break;
   }
@@ -215,21 +235,57 @@ void Conversation::NoteMisheard() {
 bool Conversation::MakeCall() {
   m_callees.erase(m_callees.begin() + 1, m_callees.end());  // The others are out of the question.
   Show(Step::kCalling);
-  const CallResult call = m_parts.call(m_callees[0], m_face);
-  m_face.Show(
-      {.step = call ? Step::kCalled : Step::kNotCalled, .callees = m_callees, .call = &call});
+  const bool mayHangUp = m_parts.hangUp != nullptr;
+  Dialling waiter(m_face, {.step = Step::kDialling, .callees = m_callees, .canHangUp = mayHangUp});
+  const CallResult call = m_parts.call(m_callees[0], waiter);
+  m_canHangUp = mayHangUp && call && IsByModem(*call);
+  m_face.Show({.step = call ? Step::kCalled : Step::kNotCalled,
+               .callees = m_callees,
+               .call = &call,
+               .canHangUp = m_canHangUp});
   if (call || call.error().problem != CallProblem::kStopped) {
     OfferToKeep();
   }
+  StayInCall();
   return call.has_value();
+}
+
+/// Lets the user end the call. Whoever does anything else leaves it to itself.
+void Conversation::StayInCall() {
+  bool isStaying = m_canHangUp;
+  while (isStaying) {
+    Show(Step::kInCall);
+    isStaying = EndsCall(m_face.Await(platform::kNoLimit)) && m_canHangUp;
+  }
+}
+
+/// Returns whether the reply was about the call, and not about what is shown. Ends the call then.
+bool Conversation::EndsCall(const Reply& reply) {
+  if (reply.kind != Reply::Kind::kHangUp) {
+    return false;
+  }
+  if (m_canHangUp) {
+    const auto ended = m_parts.hangUp();
+    m_canHangUp = !ended;
+    const CallResult why = ended ? CallResult() : platform::Failure(ended.error());
+    m_face.Show({.step = ended ? Step::kHungUp : Step::kNotHungUp,
+                 .callees = m_callees,
+                 .call = ended ? nullptr : &why,
+                 .canHangUp = m_canHangUp});
+  }
+  return true;
 }
 
 void Conversation::OfferToKeep() {
   if (m_misheard.empty() || !m_manner.asks || !m_parts.keep) {
     return;
   }
-  Show(Step::kOffer);
-  if (m_face.Await(platform::kNoLimit).kind != Reply::Kind::kYes) {
+  Reply reply;
+  do {
+    Show(Step::kOffer);
+    reply = m_face.Await(platform::kNoLimit);
+  } while (EndsCall(reply));
+  if (reply.kind != Reply::Kind::kYes) {
     return;
   }
   const auto kept = m_parts.keep(m_callees[0], m_misheard);

@@ -26,9 +26,12 @@ enum class Step : std::uint8_t {
   kOneOf,     ///< The user chooses one of the callees.
   kInstead,   ///< The user said no. He may choose one of these, of which there may be none.
   kCalling,   ///< The callee, who is the only one from here on, is being called.
+  kDialling,  ///< A modem dials, which may take a minute. Whatever the user does ends that.
   kOffer,     ///< The user may keep the take as one more of the callee.
   kKept,
-  kNotKept,  ///< `whyNotKept` says why.
+  kNotKept,    ///< `whyNotKept` says why.
+  kInCall,     ///< The modem's call goes on, and the user may end it.
+  kNotHungUp,  ///< `call` says why the call could not be ended.
   // A conversation ends with one of these, or with what comes from kCalled on.
   kNothingTaught,
   kNotHeard,       ///< `notHeard` says why.
@@ -38,7 +41,8 @@ enum class Step : std::uint8_t {
   kNotUnderstood,  ///< The last try came to nothing.
   kStopped,        ///< The user wanted no more.
   kNotCalled,      ///< `call` says why.
-  kCalled,         ///< `call` says how. kOffer may follow.
+  kCalled,         ///< `call` says how. kOffer and kInCall may follow.
+  kHungUp,         ///< The user ended the call. kOffer may follow.
 };
 
 /// What a face shows. The references hold while it is shown.
@@ -48,6 +52,7 @@ struct StepShown {
   NotHeard notHeard = NotHeard::kStopped;
   const CallResult* call = nullptr;  ///< Null if there was no call.
   std::string_view whyNotKept{};     ///< As a Callee's fault is.
+  bool canHangUp = false;  ///< There is a call, or one is being made, and it can be ended.
 };
 
 /// What a user does while a step is shown.
@@ -58,6 +63,7 @@ struct Reply {
     kNo,      ///< Not this one.
     kAgain,   ///< The name will be said again.
     kChoice,  ///< `choice` is the index of a callee that is shown.
+    kHangUp,  ///< The call is to end, whether it is being made or goes on.
     kStop,    ///< No more of it all.
   };
   Kind kind = Kind::kNone;
@@ -92,6 +98,8 @@ struct Parts {
   /// Keeps a take as one more voice tag of this number. Fails with what a Callee's fault is. May be
   /// empty, and nothing is offered then.
   std::function<platform::Result<void, std::string>(const Callee& callee, Take take)> keep;
+  /// Ends the call that a modem made. May be empty, and the user cannot end a call here then.
+  std::function<platform::Result<void, CallFault>()> hangUp{};
 };
 
 /// How a conversation goes.
@@ -134,7 +142,11 @@ class Conversation {
   void NoteMisheard();
   [[nodiscard]] bool MakeCall();
   void OfferToKeep();
-  void Show(Step step) { m_face.Show({.step = step, .callees = m_callees}); }
+  void StayInCall();
+  [[nodiscard]] bool EndsCall(const Reply& reply);
+  void Show(Step step) {
+    m_face.Show({.step = step, .callees = m_callees, .canHangUp = m_canHangUp});
+  }
 
   const Parts& m_parts;
   Face& m_face;
@@ -145,6 +157,7 @@ class Conversation {
   bool m_isLastTakeGood = false;                   ///< It would be a good voice tag.
   std::vector<std::int16_t> m_misheard;  ///< A good take of which the user said who was meant.
   int m_failedTries = 0;
+  bool m_canHangUp = false;  ///< Of the call that a modem has made.
 };
 
 }  // namespace dialer

@@ -90,7 +90,7 @@ platform::Result<void, CallProblem> Modem::HangUp() {
     if (answer && *answer == ModemAnswer::kOk) {
       return {};
     }
-    problem = answer ? CallProblem::kModemRefused : answer.error();
+    problem = answer ? CallProblem::kHangUpRefused : answer.error();
     if (problem == CallProblem::kPortLost) {
       break;
     }

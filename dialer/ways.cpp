@@ -27,7 +27,7 @@ constexpr std::array<CallWords, 4> kStateWords{{
 static_assert(kStateWords.size() == static_cast<std::size_t>(CallState::kShown) + 1);
 
 /// In the order of CallProblem.
-constexpr std::array<CallWords, 20> kProblemWords{{
+constexpr std::array<CallWords, 21> kProblemWords{{
     {"no-telephone-program", resources::kNoTelephoneProgram},
     {"telephone-program-failed", resources::kTelephoneProgramFailed},
     {"no-port-chosen", resources::kNoPortChosen},
@@ -48,8 +48,9 @@ constexpr std::array<CallWords, 20> kProblemWords{{
     {"undecided", resources::kModemUndecided},
     {"port-lost", resources::kPortLost},
     {"stopped", resources::kCallStopped},
+    {"hang-up-refused", resources::kHangUpRefused},
 }};
-static_assert(kProblemWords.size() == static_cast<std::size_t>(CallProblem::kStopped) + 1);
+static_assert(kProblemWords.size() == static_cast<std::size_t>(CallProblem::kHangUpRefused) + 1);
 
 const CallWords& WordsOf(CallState state) { return kStateWords[static_cast<std::size_t>(state)]; }
 const CallWords& WordsOf(CallProblem problem) {

@@ -53,6 +53,11 @@ enum class CallState : std::uint8_t {
   kShown,     ///< By way of print. Nobody calls.
 };
 
+/// Returns whether a modem made the call, so that it can end it.
+[[nodiscard]] constexpr bool IsByModem(CallState state) {
+  return state == CallState::kDialled || state == CallState::kAnswered;
+}
+
 /// Why there is no call.
 enum class CallProblem : std::uint8_t {
   // The way cannot be used. Nothing was dialled, so another way may be tried.
@@ -78,6 +83,8 @@ enum class CallProblem : std::uint8_t {
   kModemUndecided,  ///< It listened, and did not say what became of the call in all that time.
   kPortLost,
   kStopped,  ///< The user stopped it.
+
+  kHangUpRefused,  ///< The modem does not end the call.
 };
 
 /// Why a call was not made, and about what.

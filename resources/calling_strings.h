@@ -72,4 +72,7 @@ inline constexpr std::u16string_view kModemUndecided =
 inline constexpr std::u16string_view kPortLost = u"the modem was unplugged during the call";
 inline constexpr std::u16string_view kCallStopped = u"the call was stopped";
 
+/// Why a call goes on.
+inline constexpr std::u16string_view kHangUpRefused = u"the modem does not take the command";
+
 }  // namespace resources

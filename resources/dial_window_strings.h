@@ -40,6 +40,10 @@ inline constexpr std::u16string_view kCallingNow = u"Calling %1…";
 inline constexpr std::u16string_view kCannotBeCalled = u"%1 cannot be called";
 inline constexpr std::u16string_view kWasNotCalled = u"%1 was not called";
 inline constexpr std::u16string_view kNobodyCalled = u"Nobody was called";
+inline constexpr std::u16string_view kHangUp = u"&Hang up";
+inline constexpr std::u16string_view kCallEnded = u"The call was ended.";
+/// The reason follows, a sentence.
+inline constexpr std::u16string_view kCallNotEnded = u"The call was not ended.";
 
 // A take that was taken for somebody else. "%1" is a name, "%2" a reason.
 inline constexpr std::u16string_view kKeepTakeQuestion =

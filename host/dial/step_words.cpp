@@ -20,12 +20,12 @@ using dialer::NotHeard;
 using dialer::Step;
 
 /// In the order of Step.
-constexpr std::array<std::string_view, 19> kStepWords{
-    "speak",          "no-speech", "unknown",    "sure",         "one-of",
-    "instead",        "calling",   "offer",      "kept",         "not-kept",
-    "nothing-taught", "not-heard", "silent",     "nobody-asked", "cannot-call",
-    "not-understood", "stopped",   "not-called", "called"};
-static_assert(kStepWords.size() == static_cast<std::size_t>(Step::kCalled) + 1);
+constexpr std::array<std::string_view, 23> kStepWords{
+    "speak",          "no-speech",      "unknown",    "sure",   "one-of",       "instead",
+    "calling",        "dialling",       "offer",      "kept",   "not-kept",     "in-call",
+    "not-hung-up",    "nothing-taught", "not-heard",  "silent", "nobody-asked", "cannot-call",
+    "not-understood", "stopped",        "not-called", "called", "hung-up"};
+static_assert(kStepWords.size() == static_cast<std::size_t>(Step::kHungUp) + 1);
 
 }  // namespace
 

@@ -73,6 +73,11 @@ void TerminalFace::PrintStep(const dialer::StepShown& shown) {
       return PrintChoice(shown);
     case Step::kCalling:
       return cli::PrintLine(fmt::format("Calling {}.", Describe(shown.callees[0])));
+    case Step::kDialling:
+      if (m_terminal != nullptr) {
+        cli::PrintLine("Press any key to stop the call.");
+      }
+      return;
     case Step::kCalled:
       return cli::PrintLine(
           fmt::format("{}: {}.", Describe(shown.callees[0]), dialer::Explain(**shown.call)));

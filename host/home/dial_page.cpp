@@ -121,6 +121,7 @@ void DialPage::MakeButtons() {
   m_again = add(resources::kSayItAgain, "sayAgain", [this] { Reply(Kind::kAgain); });
   m_keep = add(resources::kKeepTake, "keepTake", [this] { Reply(Kind::kYes); });
   m_drop = add(resources::kDoNotKeep, "dropTake", [this] { Reply(Kind::kNo); });
+  m_hangUp = add(resources::kHangUp, "hangUp", [this] { Reply(Kind::kHangUp); });
   m_cancel = add(resources::kCancel, "cancelCall", [this] { Reply(Kind::kStop); });
   m_teach =
       add(resources::kTeachName, "teachFirst", [this] { m_frame.ShowPage(PageId::kTeaching, {}); });
@@ -132,13 +133,20 @@ void DialPage::OnShelf(const std::shared_ptr<const Shelf>& shelf) {
 }
 
 void DialPage::OnShown(const std::u16string& /*tag*/) {
+  if (IsInCall()) {
+    return m_hangUp->setFocus();
+  }
   m_calls = m_tools.readCalls();
   ShowCalls();
   m_talk.Stop();
   ShowIdle();
 }
 
+// A call that can be ended here can still be ended here when the user comes back.
 void DialPage::OnLeft() {
+  if (IsInCall()) {
+    return m_state == State::kOffer ? Reply(Kind::kNo) : void();
+  }
   m_talk.Stop();
   m_work.StopPlaying();
   ShowIdle();
@@ -173,9 +181,19 @@ void DialPage::Enter(State state) {
     case State::kChoosing:
       m_buttons->ShowOnly({m_again, m_cancel});
       break;
+    case State::kDialling:
+      m_buttons->ShowOnly({m_hangUp});
+      m_hangUp->setFocus();
+      break;
     case State::kOffer:
-      m_buttons->ShowOnly({m_keep, m_drop});
+      m_buttons->ShowOnly(m_canHangUp
+                              ? std::initializer_list<QPushButton*>{m_keep, m_drop, m_hangUp}
+                              : std::initializer_list<QPushButton*>{m_keep, m_drop});
       m_keep->setFocus();
+      break;
+    case State::kInCall:
+      m_buttons->ShowOnly({m_hangUp, m_say});
+      m_hangUp->setFocus();
       break;
     case State::kListening:
     case State::kCalling:
@@ -190,6 +208,7 @@ void DialPage::Enter(State state) {
 
 void DialPage::Hear() {
   m_work.StopPlaying();  // A tag that is still heard from the list would be in the take.
+  m_note.clear();
   m_canTeach = false;
   m_stage->ShowText(Say(resources::kOneMoment), {});
   Enter(State::kListening);
@@ -199,6 +218,7 @@ void DialPage::Hear() {
 void DialPage::CallAgain(int row) {
   const dialer::RecentCall& call = m_calls.at(static_cast<std::size_t>(row));
   m_canTeach = false;
+  m_note.clear();
   m_stage->ShowText(Say(resources::kOneMoment), {});
   Enter(State::kCalling);
   m_talk.Call({.tag = {}, .oid = call.oid, .phoneKind = call.phoneKind});
@@ -209,6 +229,7 @@ void DialPage::Reply(Kind kind, std::size_t choice) {
 }
 
 void DialPage::OnStep(const TalkStep& step) {
+  m_shown = step.step;
   switch (step.step) {
     case Step::kSpeak:
       m_stage->ShowListening(std::exchange(m_note, {}));
@@ -228,6 +249,14 @@ void DialPage::OnStep(const TalkStep& step) {
       m_stage->ShowCallee(step.callees[0],
                           Say(resources::kCallingNow).arg(InSentence(NameOf(step.callees[0]))));
       return Enter(State::kCalling);
+    case Step::kDialling:
+      return Enter(step.canHangUp ? State::kDialling : State::kCalling);
+    case Step::kInCall:
+      // Just after the call, what is shown says all.
+      if (m_state != State::kCalling && m_state != State::kDialling) {
+        m_stage->ShowCallee(step.callees[0], m_note, m_note);
+      }
+      return Enter(State::kInCall);
     default:
       return OnOutcome(step);
   }
@@ -242,8 +271,11 @@ void DialPage::OnAsked(const TalkStep& step) {
       m_stage->ShowLeft(dialer::kSecondThoughts);
       return Enter(State::kSure);
     case Step::kOffer:
+      // Whoever has to dial the number sees it here, too.
       m_stage->ShowText(Say(resources::kKeepTakeQuestion).arg(InSentence(NameOf(step.callees[0]))),
-                        Say(resources::kKeepTakeAdvice));
+                        Say(resources::kKeepTakeAdvice) + QStringLiteral("\n\n") +
+                            NumberOf(step.callees[0]) + u'\n' + m_note);
+      m_canHangUp = step.canHangUp;
       return Enter(State::kOffer);
     default:
       Enter(State::kChoosing);
@@ -277,23 +309,46 @@ void DialPage::OnOutcome(const TalkStep& step) {
     case Step::kNotUnderstood:
       return m_stage->ShowText(Say(resources::kNotUnderstood),
                                Say(resources::kNotUnderstoodAdvice));
-    case Step::kNotCalled:
-      return m_stage->ShowText(Say(resources::kWasNotCalled).arg(name), reason);
-    case Step::kCalled:
-      // The number stays in sight: without a way to call, the user dials it.
-      return m_stage->ShowCallee(step.callees[0], name + QStringLiteral(". ") + reason, reason);
     case Step::kKept:
-      return m_stage->ShowText(Say(resources::kTakeKept).arg(name), {});
+      m_note = Say(resources::kTakeKept).arg(name);
+      return m_stage->ShowText(m_note, {});
     case Step::kNotKept:
-      return m_stage->ShowText(Say(resources::kTakeNotKept), reason);
+      m_note = Say(resources::kTakeNotKept);
+      return m_stage->ShowText(m_note, reason);
+    case Step::kNotCalled:
+    case Step::kCalled:
+    case Step::kHungUp:
+    case Step::kNotHungUp:
+      m_outcome = step;
+      return ShowCall();
     default:
       return m_stage->ShowText(Say(resources::kNobodyCalled), {});
+  }
+}
+
+/// Shows what became of the call.
+void DialPage::ShowCall() {
+  const dialer::Callee& callee = m_outcome.callees[0];
+  const QString name = InSentence(NameOf(callee));
+  const QString reason = AsSentence(m_outcome.outcome);
+  if (m_outcome.step == Step::kNotCalled) {
+    m_note = Say(resources::kWasNotCalled).arg(name);
+    m_stage->ShowText(m_note, reason);
+  } else if (m_outcome.step == Step::kNotHungUp) {
+    m_note = Say(resources::kCallNotEnded) + QLatin1Char(' ') + reason;
+  } else {
+    m_note = m_outcome.step == Step::kHungUp ? Say(resources::kCallEnded) : reason;
+    // The number stays in sight: without a way to call, the user dials it.
+    m_stage->ShowCallee(callee, name + QStringLiteral(". ") + m_note, m_note);
   }
 }
 
 void DialPage::OnEnded(const std::u16string& problem) {
   if (!problem.empty()) {
     m_stage->ShowText(Say(resources::kCannotDial), qt::ToQString(problem));
+  }
+  if (m_shown == Step::kOffer) {
+    ShowCall();  // The user wanted to keep nothing, and no other step said so.
   }
   m_calls = m_tools.readCalls();
   ShowCalls();
@@ -381,7 +436,10 @@ void DialPage::keyPressEvent(QKeyEvent* event) {
     Reply(Kind::kChoice, static_cast<std::size_t>(digit));
   } else if (event->key() == Qt::Key_Escape && m_state == State::kOffer) {
     Reply(Kind::kNo);
-  } else if (event->key() == Qt::Key_Escape && m_state != State::kIdle) {
+  } else if (event->key() == Qt::Key_Escape && m_state == State::kDialling) {
+    Reply(Kind::kHangUp);
+  } else if (event->key() == Qt::Key_Escape && m_state != State::kIdle &&
+             m_state != State::kInCall) {
     Reply(Kind::kStop);
   } else {
     Page::keyPressEvent(event);

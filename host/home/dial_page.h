@@ -45,7 +45,16 @@ class DialPage : public Page {
   void resizeEvent(QResizeEvent* event) override;
 
  private:
-  enum class State : std::uint8_t { kIdle, kListening, kSure, kChoosing, kCalling, kOffer };
+  enum class State : std::uint8_t {
+    kIdle,
+    kListening,
+    kSure,
+    kChoosing,
+    kCalling,
+    kDialling,
+    kOffer,
+    kInCall,
+  };
 
   void MakeButtons();
   void Hear();
@@ -54,9 +63,14 @@ class DialPage : public Page {
   void ShowIdle();
   void OnAsked(const TalkStep& step);
   void OnOutcome(const TalkStep& step);
+  void ShowCall();
   void OnEnded(const std::u16string& problem);
   void Enter(State state);
   void ShowCalls();
+  /// Returns whether a modem's call goes on that can be ended here.
+  [[nodiscard]] bool IsInCall() const {
+    return m_state == State::kInCall || (m_state == State::kOffer && m_canHangUp);
+  }
   /// What a key or a click means while somebody is about to be called. Returns whether it was one.
   [[nodiscard]] bool StopsCall(QObject* watched, QEvent& event);
 
@@ -67,7 +81,10 @@ class DialPage : public Page {
   std::vector<dialer::RecentCall> m_calls;
   State m_state = State::kIdle;
   bool m_canTeach = false;  ///< There is a button that teaches.
-  QString m_note;           ///< What went wrong before it listens again.
+  bool m_canHangUp = false;
+  dialer::Step m_shown = dialer::Step::kSpeak;  ///< The latest one.
+  TalkStep m_outcome;                           ///< Of the latest call.
+  QString m_note;  ///< What went before: why it listens again, or what became of the call.
   // Owned by the widgets.
   DialStage* m_stage;
   ButtonRow* m_buttons;
@@ -79,6 +96,7 @@ class DialPage : public Page {
   QPushButton* m_again = nullptr;
   QPushButton* m_keep = nullptr;
   QPushButton* m_drop = nullptr;
+  QPushButton* m_hangUp = nullptr;
   QPushButton* m_cancel = nullptr;
   QPushButton* m_teach = nullptr;
   Talk m_talk;  ///< Last: nothing of it goes on while the rest is destroyed.

@@ -15,14 +15,13 @@
 namespace home {
 namespace {
 
-dialer::CallResult CallNumber(session::Session& session, platform::Clock& clock,
-                              const dialer::Callee& callee, dialer::Waiter& waiter) {
+dialer::CallResult CallNumber(dialer::Caller& caller, const dialer::Callee& callee,
+                              dialer::Waiter& waiter) {
   const auto number = dialer::MakeNumber(callee.number);
   if (!number) {  // Only a callee without a fault is called.
     return platform::Failure(dialer::CallFault{dialer::CallProblem::kModemRefused, {}});
   }
-  calling::LocalCaller caller(session.GetRegistry(), clock, {});
-  return caller.Get().Call(*number, waiter);
+  return caller.Call(*number, waiter);
 }
 
 /// The list of calls is a convenience: a call is a call even if it cannot be noted.
@@ -55,6 +54,11 @@ std::u16string PrepareTalk(const machine::Options& options, const Sound& sound,
   vcard::AddressBooks& contacts = session.GetContacts();
   const bool areOpen = tags::OpenContacts(contacts, session.GetClock()).has_value();
   const dialer::Recognizer recognizer(taught->tags);
+  calling::LocalCaller caller(session.GetRegistry(), sound.clock, {});
+  std::function<platform::Result<void, dialer::CallFault>()> hangUp;
+  if (caller.Get().MayHangUp()) {
+    hangUp = [&caller] { return caller.Get().HangUp(); };
+  }
   use({.tags = taught->tags,
        .sound = {sound.waveIn, sound.waveOut, sound.clock, session.HearsFile()},
        .recognize =
@@ -67,13 +71,14 @@ std::u16string PrepareTalk(const machine::Options& options, const Sound& sound,
            },
        .call =
            [&](const dialer::Callee& callee, dialer::Waiter& waiter) {
-             dialer::CallResult call = CallNumber(session, sound.clock, callee, waiter);
+             dialer::CallResult call = CallNumber(caller.Get(), callee, waiter);
              if (call) {
                Note(options, sound.clock, callee);
              }
              return call;
            },
-       .keep = {}});
+       .keep = {},
+       .hangUp = hangUp});
   contacts.Logoff();
   return {};
 }

@@ -18,7 +18,11 @@ using ReplyKind = dialer::Reply::Kind;
 constexpr std::uint32_t kCountInterval = 100;
 
 TalkStep ToTalkStep(const dialer::StepShown& shown) {
-  TalkStep step{shown.step, {shown.callees.begin(), shown.callees.end()}, shown.notHeard, {}};
+  TalkStep step{shown.step,
+                {shown.callees.begin(), shown.callees.end()},
+                shown.notHeard,
+                {},
+                shown.canHangUp};
   if (shown.call != nullptr) {
     step.outcome = text::FromUtf8(*shown.call ? dialer::Explain(**shown.call)
                                               : dialer::Explain(shown.call->error()));
@@ -30,9 +34,12 @@ TalkStep ToTalkStep(const dialer::StepShown& shown) {
   return step;
 }
 
-/// Returns whether the user is asked. What was pressed before a question is no answer to it.
-bool Asks(Step step) {
-  return step == Step::kOneOf || step == Step::kInstead || step == Step::kOffer;
+/// Returns whether a reply that was given before a step is none to that step. Whoever wants to end
+/// a call means it, whatever is shown by then.
+bool IsOutdated(const dialer::Reply& reply, Step step) {
+  const bool asks = step == Step::kOneOf || step == Step::kInstead || step == Step::kOffer ||
+                    step == Step::kInCall;
+  return asks && reply.kind != ReplyKind::kHangUp;
 }
 
 }  // namespace
@@ -64,9 +71,11 @@ class Talk::Job final : public dialer::Face {
 
   void Show(const dialer::StepShown& shown) override {
     m_step = shown.step;
-    if (Asks(shown.step)) {
+    {
       const std::lock_guard lock(m_mutex);
-      m_reply.reset();
+      if (m_reply && IsOutdated(*m_reply, shown.step)) {
+        m_reply.reset();
+      }
     }
     Post([this, step = ToTalkStep(shown)] { m_events.show(step); });
   }

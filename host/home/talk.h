@@ -19,6 +19,7 @@ struct TalkStep {
   std::vector<dialer::Callee> callees;
   dialer::NotHeard notHeard = dialer::NotHeard::kStopped;
   std::u16string outcome;  ///< What became of the call or of the take. A part of a sentence.
+  bool canHangUp = false;
 };
 
 /// What a conversation needs of the machine.

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <deque>
+#include <span>
 #include <string>
 #include <utility>
 
@@ -39,6 +40,7 @@ class ScriptedFace final : public dialer::Face {
     }
     notHeard = shown.notHeard;
     whyNotKept = shown.whyNotKept;
+    canHangUp = shown.canHangUp;
     problem = shown.call != nullptr && !*shown.call ? shown.call->error().problem
                                                     : CallProblem::kNoTelephoneProgram;
     if (shown.step != Step::kSpeak && !replies.empty() && replies.front().first == shown.step) {
@@ -68,6 +70,7 @@ class ScriptedFace final : public dialer::Face {
   NotHeard notHeard = NotHeard::kStopped;
   CallProblem problem = CallProblem::kNoTelephoneProgram;
   std::string whyNotKept;
+  bool canHangUp = false;
 
  private:
   machine::Simulation& m_time;
@@ -129,6 +132,19 @@ class ConversationTest : public testing::Test {
   std::vector<std::u16string> m_called;
   std::vector<std::pair<std::u16string, support::Samples>> m_kept;
   CallResult m_call = dialer::CallState::kHandedOver;
+  /// A modem makes the calls, and can end them.
+  void PlugModem() {
+    m_hasModem = true;
+    m_call = dialer::CallState::kDialled;
+    m_parts.hangUp = [this] {
+      ++m_hangUps;
+      return m_hangingUp;
+    };
+  }
+
+  bool m_hasModem = false;
+  int m_hangUps = 0;
+  platform::Result<void, dialer::CallFault> m_hangingUp;
   platform::Result<void, std::string> m_keeping;
   std::vector<dialer::TaughtTag> m_tags{{.name = u"1",
                                          .oid = 10,
@@ -156,12 +172,13 @@ class ConversationTest : public testing::Test {
                               return answer;
                             },
                         .lookUp = LookUp,
-                        .call =
-                            [this](const Callee& callee, dialer::Waiter& waiter) {
-                              m_called.push_back(callee.name);
-                              EXPECT_TRUE(waiter.Wait(10));
-                              return m_call;
-                            },
+                        .call = [this](const Callee& callee, dialer::Waiter& waiter) -> CallResult {
+                          m_called.push_back(callee.name);
+                          if (m_hasModem && !waiter.Wait(10)) {
+                            return platform::Failure(dialer::CallFault{CallProblem::kStopped, {}});
+                          }
+                          return m_call;
+                        },
                         .keep =
                             [this](const Callee& callee, dialer::Take take) {
                               m_kept.emplace_back(callee.name,
@@ -403,6 +420,69 @@ TEST_F(ConversationTest, ATakeThatCannotBeKeptIsReported) {
   EXPECT_TRUE(Run()) << "The call was made.";
   EXPECT_EQ(m_face.steps.back(), Step::kNotKept);
   EXPECT_EQ(m_face.whyNotKept, "there are 100 voice tags");
+}
+
+TEST_F(ConversationTest, WhateverTheUserDoesWhileAModemDialsStopsThat) {
+  PlugModem();
+  for (const Reply::Kind kind : {Reply::Kind::kHangUp, Reply::Kind::kStop, Reply::Kind::kNo}) {
+    Answers(Certainty::kSure, {kAnna});
+    User(Step::kDialling, kind);
+    EXPECT_FALSE(Run());
+    EXPECT_EQ(m_face.steps.back(), Step::kNotCalled);
+    EXPECT_EQ(m_face.problem, CallProblem::kStopped);
+  }
+  EXPECT_EQ(m_hangUps, 0) << "The modem was asked while it dialled.";
+}
+
+TEST_F(ConversationTest, TheUserEndsTheCallOfAModem) {
+  PlugModem();
+  Answers(Certainty::kSure, {kAnna});
+  User(Step::kInCall, Reply::Kind::kHangUp);
+  EXPECT_TRUE(Run());
+  EXPECT_THAT(m_face.steps, ElementsAre(Step::kSpeak, Step::kSure, Step::kCalling, Step::kDialling,
+                                        Step::kCalled, Step::kInCall, Step::kHungUp));
+  EXPECT_EQ(m_hangUps, 1);
+  EXPECT_FALSE(m_face.canHangUp);
+}
+
+TEST_F(ConversationTest, ACallThatTheUserLeavesGoesOn) {
+  PlugModem();
+  Answers(Certainty::kSure, {kAnna});
+  User(Step::kInCall, Reply::Kind::kStop);
+  EXPECT_TRUE(Run());
+  EXPECT_EQ(m_face.steps.back(), Step::kInCall);
+  EXPECT_TRUE(m_face.canHangUp);
+  EXPECT_EQ(m_hangUps, 0);
+}
+
+TEST_F(ConversationTest, ACallThatDoesNotEndCanBeEndedOnceMore) {
+  PlugModem();
+  m_hangingUp = platform::Failure(dialer::CallFault{CallProblem::kHangUpRefused, {}});
+  Answers(Certainty::kSure, {kAnna});
+  User(Step::kInCall, Reply::Kind::kHangUp);
+  EXPECT_TRUE(Run());
+  EXPECT_THAT(std::span(m_face.steps).last(4),
+              ElementsAre(Step::kCalled, Step::kInCall, Step::kNotHungUp, Step::kInCall));
+}
+
+TEST_F(ConversationTest, ACallCanBeEndedWhileItIsAskedWhetherToKeepATake) {
+  PlugModem();
+  Answers(Certainty::kOneOf, {kAnna, kBob});
+  User(Step::kOneOf, Reply::Kind::kChoice, 1);
+  User(Step::kOffer, Reply::Kind::kHangUp);
+  User(Step::kOffer, Reply::Kind::kYes);
+  EXPECT_TRUE(Run());
+  EXPECT_THAT(std::span(m_face.steps).last(5),
+              ElementsAre(Step::kCalled, Step::kOffer, Step::kHungUp, Step::kOffer, Step::kKept));
+  EXPECT_EQ(m_hangUps, 1);
+}
+
+TEST_F(ConversationTest, NobodyCanEndHereACallThatNoModemMade) {
+  PlugModem();
+  m_call = dialer::CallState::kHandedOver;
+  Answers(Certainty::kSure, {kAnna});
+  EXPECT_TRUE(Run());
+  EXPECT_EQ(m_face.steps.back(), Step::kCalled);
 }
 
 TEST_F(ConversationTest, SomebodyWhoWasChosenOtherwiseIsCalledInTheSameWay) {

@@ -227,6 +227,15 @@ TEST_F(ModemTest, HangsUpOnceMoreIfTheModemWasStillDialling) {
   EXPECT_EQ(m_modem.received, "ATH\rATH\r");
 }
 
+TEST_F(ModemTest, AModemThatTakesNoHangUpIsReportedAsSuch) {
+  m_modem.answer = [](std::string_view) { return std::vector<ModemStep>{{10, "\r\nERROR\r\n"}}; };
+  auto port = m_ports.Open(kDevice, {});
+  ASSERT_TRUE(port);
+  const auto ended = Modem(**port, m_clock, m_hangingUp).HangUp();
+  ASSERT_FALSE(ended);
+  EXPECT_EQ(ended.error(), CallProblem::kHangUpRefused);
+}
+
 TEST_F(ModemTest, AHangUpThatIsNotConfirmedFails) {
   auto port = m_ports.Open(kDevice, {});
   ASSERT_TRUE(port);

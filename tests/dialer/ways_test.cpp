@@ -52,7 +52,8 @@ TEST(CallWords, EveryStateAndProblemHasACodeAndASentenceOfItsOwn) {
     codes.emplace(dialer::CodeOf(static_cast<CallState>(state)));
     sentences.insert(dialer::Explain(static_cast<CallState>(state)));
   }
-  for (int problem = 0; problem <= static_cast<int>(CallProblem::kStopped); ++problem, ++count) {
+  for (int problem = 0; problem <= static_cast<int>(CallProblem::kHangUpRefused);
+       ++problem, ++count) {
     codes.emplace(dialer::CodeOf(static_cast<CallProblem>(problem)));
     sentences.insert(dialer::Explain({static_cast<CallProblem>(problem), "COM2:"}));
   }

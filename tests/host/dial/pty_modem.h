@@ -40,9 +40,11 @@ class PtyModem {
   /// Ends the modem. Returns the lines that it was sent, with a "|" after each.
   std::string End() {
     if (m_thread.joinable()) {
-      ::close(m_end[1]);
+      // A process that was forked meanwhile may have the pipe, too. So to close it is not enough.
+      static_cast<void>(::write(m_end[1], "", 1));
       m_thread.join();
       ::close(m_end[0]);
+      ::close(m_end[1]);
       Close(m_modem);
       Close(m_keeper);
     }

@@ -3,10 +3,12 @@
 #include <sys/file.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <csignal>
 #include <filesystem>
 
 #include "tests/host/dial/dial_fixture.h"
+#include "tests/host/dial/pty_modem.h"
 #include "tests/host/dial/terminal_job.h"
 
 namespace {
@@ -226,6 +228,19 @@ TEST_F(DialTerminal, EscapeStopsTheCall) {
   job.Type(kEscapeKey);
   EXPECT_EQ(job.End(), 1);
   EXPECT_THAT(job.GetShown(), Not(HasSubstr("Calling")));
+}
+
+TEST_F(DialTerminal, AnyKeyHangsUpWhileAModemDials) {
+  PtyModem modem(
+      [](const std::string& line) { return line == "ATH" ? "\r\nOK\r\n" : line + "\r"; });
+  auto words = DialWords("anna_1", {"--yes", "--modem", modem.GetName()});
+  std::ranges::replace(words, "print", "serial");
+  TerminalJob job(words, Environment());
+  EXPECT_TRUE(job.Shows("Press any key to stop the call."));
+  job.Type("x");
+  EXPECT_EQ(job.End(), 1);
+  EXPECT_THAT(job.GetShown(), HasSubstr("Anna Berg was not called: the call was stopped"));
+  EXPECT_EQ(modem.End(), "ATD+12025550101;|ATH|");
 }
 
 TEST_F(DialTerminal, YesCallsAtOnce) {

@@ -52,28 +52,44 @@ class DialPage : public testing::Test {
             [this] { return m_calls; }};
   }
   [[nodiscard]] dialer::Parts MakeParts() {
-    return {.tags = m_tags,
-            .sound = {m_machine.waveIn, m_machine.waveOut, m_machine.time},
-            .recognize =
-                [this](std::span<const dialer::Take> /*takes*/) {
-                  dialer::Answer answer = m_answers.empty() ? dialer::Answer() : m_answers.front();
-                  if (!m_answers.empty()) {
-                    m_answers.pop_front();
-                  }
-                  return answer;
-                },
-            .lookUp =
-                [](const dialer::Candidate& candidate) {
-                  return dialer::Callee{.candidate = candidate,
-                                        .name = candidate.oid == 11 ? u"Anna Berg" : u"Bob Ray",
-                                        .number = u"+49 171 555 0101"};
-                },
-            .call = [this](const dialer::Callee& callee,
-                           dialer::Waiter& /*waiter*/) -> dialer::CallResult {
-              m_called.push_back(callee.name);
-              return dialer::CallState::kHandedOver;
+    return {
+        .tags = m_tags,
+        .sound = {m_machine.waveIn, m_machine.waveOut, m_machine.time},
+        .recognize =
+            [this](std::span<const dialer::Take> /*takes*/) {
+              dialer::Answer answer = m_answers.empty() ? dialer::Answer() : m_answers.front();
+              if (!m_answers.empty()) {
+                m_answers.pop_front();
+              }
+              return answer;
             },
-            .keep = {}};
+        .lookUp =
+            [](const dialer::Candidate& candidate) {
+              return dialer::Callee{.candidate = candidate,
+                                    .name = candidate.oid == 11 ? u"Anna Berg" : u"Bob Ray",
+                                    .number = u"+49 171 555 0101"};
+            },
+        .call = [this](const dialer::Callee& callee, dialer::Waiter& waiter) -> dialer::CallResult {
+          m_called.push_back(callee.name);
+          return m_hasModem ? DialByModem(waiter) : dialer::CallState::kHandedOver;
+        },
+        .keep = {},
+        .hangUp = [this]() -> platform::Result<void, dialer::CallFault> {
+          ++m_hangUps;
+          if (m_refusesToHangUp) {
+            return platform::Failure(dialer::CallFault{dialer::CallProblem::kHangUpRefused, {}});
+          }
+          return {};
+        }};
+  }
+  /// A modem that takes five seconds to dial.
+  static dialer::CallResult DialByModem(dialer::Waiter& waiter) {
+    for (int i = 0; i < 100; ++i) {
+      if (!waiter.Wait(50)) {
+        return platform::Failure(dialer::CallFault{dialer::CallProblem::kStopped, {}});
+      }
+    }
+    return dialer::CallState::kDialled;
   }
   void Understand(Certainty certainty, const std::vector<std::int32_t>& oids) {
     dialer::Answer answer{certainty, {}};
@@ -82,6 +98,22 @@ class DialPage : public testing::Test {
           {.tag = oid == 11 ? u"100" : u"", .oid = oid, .phoneKind = u"Mobile"});
     }
     m_answers.push_back(std::move(answer));
+  }
+  /// Lets time pass until the button is there.
+  void AwaitButton(const char* name) {
+    for (int i = 0; i < 400 && !Button(name).isVisible(); ++i) {
+      Pass(50);
+    }
+    ASSERT_TRUE(Button(name).isVisible()) << name;
+  }
+  /// Anna is called, and the modem dials.
+  void DialAnna() {
+    m_hasModem = true;
+    Understand(Certainty::kSure, {11, 15});
+    Say();
+    AwaitButton("callNow");
+    Button("callNow").click();
+    AwaitButton("hangUp");
   }
   /// Lets time pass until the title begins so.
   void AwaitTitle(const std::string& title) {
@@ -115,6 +147,9 @@ class DialPage : public testing::Test {
   std::deque<dialer::Answer> m_answers;
   std::vector<dialer::RecentCall> m_calls;
   std::vector<std::u16string> m_called;
+  bool m_hasModem = false;
+  bool m_refusesToHangUp = false;
+  int m_hangUps = 0;
   std::u16string m_problem;
   home::DialPage m_page{m_work, m_frame, MakeTools()};
 };
@@ -245,6 +280,125 @@ TEST_F(DialPage, ATakeThatTheUserDoesNotWantIsNotKept) {
   Pass(200);
   EXPECT_THAT(m_work.taught, IsEmpty());
   EXPECT_TRUE(Button("sayName").isVisible());
+}
+
+TEST_F(DialPage, AfterANoTheNumberThatWasCalledIsShownAgain) {
+  Understand(Certainty::kOneOf, {11, 15});
+  Say();
+  AwaitTitle("Who is it?");
+  Key(Qt::Key_2);
+  AwaitTitle("Keep what you said");
+  EXPECT_NE(Text("dialText").find("+49 171 555 0101"), std::string::npos)
+      << "Whoever has to dial it sees it.";
+  Button("dropTake").click();
+  AwaitTitle("Bob Ray");
+  EXPECT_NE(Text("dialText").find("+49 171 555 0101"), std::string::npos);
+}
+
+TEST_F(DialPage, WhileAModemDialsAButtonHangsUp) {
+  DialAnna();
+  EXPECT_TRUE(Button("hangUp").hasFocus());
+  EXPECT_FALSE(Button("sayName").isVisible());
+  Key(Qt::Key_Space);
+  AwaitTitle("Anna Berg was not called");
+  EXPECT_EQ(Text("dialText"), "The call was stopped.");
+  EXPECT_TRUE(Button("sayName").isVisible());
+  EXPECT_FALSE(Button("hangUp").isVisible());
+}
+
+TEST_F(DialPage, EscapeHangsUpWhileAModemDials) {
+  DialAnna();
+  Key(Qt::Key_Escape);
+  AwaitTitle("Anna Berg was not called");
+}
+
+TEST_F(DialPage, ACallThatAModemMadeIsEndedByAButton) {
+  DialAnna();
+  AwaitButton("sayName");
+  EXPECT_TRUE(Button("hangUp").hasFocus());
+  EXPECT_NE(Text("dialText").find("The number was dialled."), std::string::npos);
+  Key(Qt::Key_Space);
+  Pass(100);
+  EXPECT_EQ(m_hangUps, 1);
+  EXPECT_EQ(Text("dialTitle"), "Anna Berg");
+  EXPECT_NE(Text("dialText").find("The call was ended."), std::string::npos);
+  EXPECT_FALSE(Button("hangUp").isVisible());
+}
+
+TEST_F(DialPage, AHangUpInTheMomentOfTheAnswerEndsTheCall) {
+  DialAnna();
+  m_machine.time.Sleep(10'000);  // The modem has dialled, and the page does not know it yet.
+  Button("hangUp").click();
+  Pass(100);
+  Pass(100);
+  EXPECT_EQ(m_hangUps, 1);
+}
+
+TEST_F(DialPage, ACallThatDoesNotEndCanBeEndedOnceMore) {
+  m_refusesToHangUp = true;
+  DialAnna();
+  AwaitButton("sayName");
+  Button("hangUp").click();
+  Pass(100);
+  EXPECT_NE(Text("dialText").find("The call was not ended. The modem does not take the command."),
+            std::string::npos)
+      << Text("dialText");
+  m_refusesToHangUp = false;
+  Button("hangUp").click();
+  Pass(100);
+  EXPECT_EQ(m_hangUps, 2);
+  EXPECT_FALSE(Button("hangUp").isVisible());
+}
+
+TEST_F(DialPage, WhoeverComesBackDuringACallCanStillEndIt) {
+  DialAnna();
+  AwaitButton("sayName");
+  m_page.OnLeft();
+  Pass(60'000);
+  EXPECT_EQ(m_hangUps, 0) << "The call goes on.";
+  m_page.OnShown({});
+  EXPECT_TRUE(Button("hangUp").isVisible());
+  Button("hangUp").click();
+  Pass(100);
+  EXPECT_EQ(m_hangUps, 1);
+}
+
+TEST_F(DialPage, ACallCanBeEndedWhileItIsAskedWhetherToKeepATake) {
+  m_hasModem = true;
+  Understand(Certainty::kOneOf, {11, 15});
+  Say();
+  AwaitTitle("Who is it?");
+  Key(Qt::Key_2);
+  AwaitTitle("Keep what you said");
+  Button("hangUp").click();
+  Pass(100);
+  EXPECT_EQ(m_hangUps, 1);
+  EXPECT_TRUE(Button("keepTake").isVisible());
+  EXPECT_FALSE(Button("hangUp").isVisible());
+}
+
+TEST_F(DialPage, WhoeverLeavesDuringTheQuestionKeepsNothingAndCanStillEndTheCall) {
+  m_hasModem = true;
+  Understand(Certainty::kOneOf, {11, 15});
+  Say();
+  AwaitTitle("Who is it?");
+  Key(Qt::Key_2);
+  AwaitTitle("Keep what you said");
+  m_page.OnLeft();
+  Pass(100);
+  m_page.OnShown({});
+  EXPECT_TRUE(Button("hangUp").isVisible());
+  EXPECT_THAT(m_work.taught, IsEmpty());
+}
+
+TEST_F(DialPage, AnotherNameCanBeSaidDuringACall) {
+  DialAnna();
+  AwaitButton("sayName");
+  Understand(Certainty::kSure, {15});
+  Say();
+  AwaitTitle("Speak now");
+  AwaitTitle("Bob Ray");
+  EXPECT_EQ(m_hangUps, 0);
 }
 
 TEST_F(DialPage, LeavingThePageStopsWhatGoesOn) {

@@ -200,8 +200,8 @@ TEST_P(PagesInALanguage, TheDialersPageShowsItsTextsWholeOnAPhone) {
       2, {.candidate = {.tag = {}, .oid = 11, .phoneKind = u"BusinessFax"},
           .name = u"Anna Berg",
           .number = u"+49 171 555 0101"});
-  for (int i = 0; i <= static_cast<int>(dialer::Step::kCalled); ++i) {
-    page.OnStep({static_cast<dialer::Step>(i), callees, dialer::NotHeard::kRefused, {}});
+  for (int i = 0; i <= static_cast<int>(dialer::Step::kHungUp); ++i) {
+    page.OnStep({static_cast<dialer::Step>(i), callees, dialer::NotHeard::kRefused, {}, true});
     ExpectWhole(page, kPhone);
   }
 }
