@@ -15,6 +15,7 @@
 #include "tests/e2e/pipe_microphone.h"
 #include "tests/e2e/pulse_server.h"
 #include "tests/e2e/sound_session.h"
+#include "tests/host/dial/phone_program.h"
 #include "tests/host/dial/terminal_job.h"
 #include "tests/support/run_program.h"
 
@@ -41,7 +42,10 @@ class SayingANameTest : public testing::Test {
                             "learn", "--contact", contact});
       ASSERT_EQ(run.exitCode, 0) << run.err;
     }
-    PutTelephoneProgram();
+    m_phone.Put();
+    for (const auto& [name, value] : m_phone.GetVariables()) {
+      m_session.SetVariable(name, value);
+    }
   }
 
   [[nodiscard]] std::string Path(const std::string& name) const {
@@ -59,18 +63,6 @@ class SayingANameTest : public testing::Test {
     return std::string(VOXTREL_SAMPLES_DIR) + "/" + name + ".wav";
   }
 
-  /// A program for "tel:" that notes the address it is given.
-  void PutTelephoneProgram() {
-    Write("phone", "#!/bin/sh\nprintf '%s' \"$1\" >'" + Path("called.new") + "'\nmv '" +
-                       Path("called.new") + "' '" + Path("called") + "'\n");
-    fs::permissions(Path("phone"), fs::perms::owner_all);
-    Write("share/applications/phone.desktop",
-          "[Desktop Entry]\nType=Application\nName=Phone\nExec=" + Path("phone") + " %u\n");
-    Write("home/mimeapps.list", "[Default Applications]\nx-scheme-handler/tel=phone.desktop\n");
-    m_session.SetVariable("XDG_DATA_HOME", Path("mine"));
-    m_session.SetVariable("XDG_DATA_DIRS", Path("share"));
-  }
-
   [[nodiscard]] std::vector<std::string> Words(const std::vector<std::string>& rest) const {
     std::vector<std::string> words{VOXTREL_PROGRAM, "--root", Path("root"), "--contacts",
                                    Path("contacts.vcf")};
@@ -79,10 +71,6 @@ class SayingANameTest : public testing::Test {
   }
   [[nodiscard]] support::ProgramRun Run(const std::vector<std::string>& rest) const {
     return support::RunProgram(Words(rest));
-  }
-  [[nodiscard]] std::string Called() const {
-    std::ifstream file(Path("called"));
-    return {std::istreambuf_iterator<char>(file), {}};
   }
   /// Returns the samples of the recording, without its header.
   [[nodiscard]] static std::vector<std::byte> Name() {
@@ -97,12 +85,13 @@ class SayingANameTest : public testing::Test {
   static constexpr int kAttempts = 5;
 
   e2e::SoundSession m_session;
+  PhoneProgram m_phone{Path("desktop")};
   std::unique_ptr<PulseServer> m_server;
 };
 
 TEST_F(SayingANameTest, SaysWhoIsMeantAndTheTelephoneProgramGetsTheNumber) {
   PipeMicrophone microphone(m_server->Pipe(), 11025, 1, std::vector(64, std::byte{0}));
-  for (int attempt = 0; attempt < kAttempts && Called().empty(); ++attempt) {
+  for (int attempt = 0; attempt < kAttempts && m_phone.GetCalled().empty(); ++attempt) {
     TerminalJob job(Words({"dial", "--way", "tel"}), {});
     ASSERT_TRUE(job.Shows("Say a name after the tone."));
     ASSERT_TRUE(job.Shows("[")) << "It shows the level, and the tone is over.";
@@ -113,11 +102,11 @@ TEST_F(SayingANameTest, SaysWhoIsMeantAndTheTelephoneProgramGetsTheNumber) {
     EXPECT_THAT(job.GetShown(), HasSubstr("Anna Berg, Mobile +1 202 555 0101."));
     EXPECT_TRUE(job.Shows("Calling Anna Berg"));
     EXPECT_EQ(job.End(), 0) << job.GetShown();
-    for (int wait = 0; wait < 1000 && Called().empty(); ++wait) {
+    for (int wait = 0; wait < 1000 && m_phone.GetCalled().empty(); ++wait) {
       std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
   }
-  EXPECT_EQ(Called(), "tel:+12025550101");
+  EXPECT_EQ(m_phone.GetCalled(), "tel:+12025550101\n");
 }
 
 TEST_F(SayingANameTest, SaysWhichMicrophoneIsSilent) {

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "tests/host/dial/dial_fixture.h"
+#include "tests/host/dial/phone_program.h"
 #include "tests/host/dial/pty_modem.h"
 
 namespace {
@@ -31,10 +32,8 @@ class CallCommands : public DialFixture {
     all.insert(all.end(), arguments.begin(), arguments.end());
     const std::vector<std::string> ours = Environment();
     environment.insert(environment.end(), ours.begin(), ours.end());
-    // The desktop of this test alone.
-    for (const char* variable :
-         {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_DATA_DIRS", "XDG_CONFIG_DIRS", "HOME"}) {
-      environment.push_back(variable + ("=" + Path("desktop")));
+    for (const auto& [name, value] : m_phone.GetVariables()) {
+      environment.push_back(name + "=" + value);
     }
     return support::RunProgram(all, environment);
   }
@@ -53,34 +52,14 @@ class CallCommands : public DialFixture {
     return steps;
   }
 
-  /// Puts a telephone program onto the desktop, which notes what it gets.
-  void PutTelephone(const std::string& rest = "") const {
-    const std::filesystem::path folder = Path("desktop");
-    std::filesystem::create_directories(folder / "applications");
-    std::ofstream(folder / "phone")
-        << "#!/bin/sh\nprintf '%s\\n' \"$@\" >'" << Path("called") << ".new'\nmv '"
-        << Path("called") << ".new' '" << Path("called") << "'\n"
-        << rest << "\n";
-    std::filesystem::permissions(folder / "phone", std::filesystem::perms::owner_all);
-    std::ofstream(folder / "applications" / "phone.desktop")
-        << "[Desktop Entry]\nType=Application\nName=Phone\nExec=" << (folder / "phone").string()
-        << " %u\n";
-    std::ofstream(folder / "mimeapps.list")
-        << "[Default Applications]\nx-scheme-handler/tel=phone.desktop\n";
-  }
-  [[nodiscard]] std::string Called() const {
-    std::ifstream file(Path("called"));
-    std::string line;
-    std::getline(file, line);
-    return line;
-  }
+  PhoneProgram m_phone{Path("desktop")};
 };
 
 TEST_F(CallCommands, TheTelephoneProgramGetsTheNumber) {
-  PutTelephone();
+  m_phone.Put();
   const auto run = CallAnna({});
   EXPECT_EQ(run.exitCode, 0) << run.err;
-  EXPECT_EQ(Called(), "tel:+12025550101");
+  EXPECT_EQ(m_phone.GetCalled(), "tel:+12025550101\n");
   EXPECT_THAT(run.out, HasSubstr("Anna Berg"));
 }
 
@@ -96,21 +75,21 @@ TEST_F(CallCommands, AWayThatWasAskedForIsTheOnlyOne) {
   const auto run = CallAnna({"--way", "tel"});
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_THAT(run.err, HasSubstr("the desktop has no program for telephone calls"));
-  PutTelephone("exit 3");
+  m_phone.Put("exit 3");
   EXPECT_EQ(CallAnna({"--way", "tel"}).exitCode, 1);
 }
 
 TEST_F(CallCommands, TheStoredWayIsTakenAndCanBeOverridden) {
-  PutTelephone();
+  m_phone.Put();
   EXPECT_EQ(Run({"dial", "way", "use", "print"}).exitCode, 0);
   EXPECT_EQ(CallAnna({}).exitCode, 0);
-  EXPECT_EQ(Called(), "");
+  EXPECT_EQ(m_phone.GetCalled(), "");
   EXPECT_EQ(CallAnna({"--way", "tel"}).exitCode, 0);
-  EXPECT_EQ(Called(), "tel:+12025550101");
+  EXPECT_EQ(m_phone.GetCalled(), "tel:+12025550101\n");
 }
 
 TEST_F(CallCommands, EachStepIsAnObjectOfItsOwn) {
-  PutTelephone();
+  m_phone.Put();
   const auto run = CallAnna({"--json"});
   EXPECT_EQ(run.exitCode, 0) << run.err;
   const auto steps = Steps(run);
@@ -136,13 +115,13 @@ TEST_F(CallCommands, AFailureIsAnErrorLikeAnyOther) {
 }
 
 TEST_F(CallCommands, SeveralContactsAreListedAndNobodyIsCalled) {
-  PutTelephone();
+  m_phone.Put();
   const auto run = Call({"--to", "anna", "--yes"});
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_THAT(run.err, HasSubstr("can mean each of these"));
   EXPECT_THAT(run.err, HasSubstr("Berg Anna"));
   EXPECT_THAT(run.err, HasSubstr("Bern Anna Lea"));
-  EXPECT_EQ(Called(), "");
+  EXPECT_EQ(m_phone.GetCalled(), "");
   EXPECT_EQ(Call({"--to", "Nobody", "--yes"}).exitCode, 1);
 }
 
@@ -154,11 +133,11 @@ TEST_F(CallCommands, ANumberThatAContactLacksIsNotReplacedByAnother) {
 }
 
 TEST_F(CallCommands, ATextThatIsNoNumberIsShownAndNotDialled) {
-  PutTelephone();
+  m_phone.Put();
   const auto run = Call({"--to", "Bern", "--yes"});
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_THAT(run.err, HasSubstr("1-800-FLOWERS"));
-  EXPECT_EQ(Called(), "");
+  EXPECT_EQ(m_phone.GetCalled(), "");
 }
 
 TEST_F(CallCommands, AHostileContactSendsNoCommandToTheModem) {
@@ -229,6 +208,13 @@ TEST_F(CallCommands, ACallIsEndedByACommand) {
   const auto run = Call({"--hang-up", "--modem", modem.GetName()});
   EXPECT_EQ(run.exitCode, 0) << run.err;
   EXPECT_EQ(modem.End(), "ATH|");
+}
+
+TEST_F(CallCommands, AModemThatRefusesToHangUpIsReportedInItsOwnWords) {
+  PtyModem modem([](const std::string&) { return "\r\nERROR\r\n"; });
+  const auto run = Call({"--hang-up", "--modem", modem.GetName()});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.err, HasSubstr("the modem did not hang up: the modem does not take the command"));
 }
 
 TEST_F(CallCommands, AModemThatVanishesIsReported) {
