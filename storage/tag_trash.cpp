@@ -105,6 +105,8 @@ void TagTrash::Recover() const {
       EndRestoring(name);
     } else if (name.ends_with(kDeletingEnd)) {
       EndDeletion(name, *names, Unfinished::kFinish);
+    } else if (name.starts_with(platform::kUnfinishedPrefix)) {
+      Delete(name);  // A file system that cannot hold a file without a name keeps it after a kill.
     }
   }
   if (const auto left = ListFiles()) {

@@ -1,6 +1,5 @@
 #include "backends/text/collation.h"
 
-#include <unicode/uchar.h>
 #include <unicode/ucol.h>
 
 #include <algorithm>
@@ -9,12 +8,10 @@
 #include <limits>
 #include <memory>
 
-#include "backends/text/names.h"
-
 namespace text {
 namespace {
 
-// Letter case and order, from the library that knows every script. Its tables are large, and most
+// The order of texts, from the library that knows every script. Its tables are large, and most
 // texts are plain, so printable ASCII has an order of its own.
 
 using Collator = std::unique_ptr<UCollator, decltype(&ucol_close)>;
@@ -36,10 +33,6 @@ std::int32_t LengthOf(std::u16string_view text) {
 }
 
 }  // namespace
-
-char32_t FoldCharacter(char32_t character) {
-  return static_cast<char32_t>(u_foldCase(static_cast<UChar32>(character), U_FOLD_CASE_DEFAULT));
-}
 
 std::strong_ordering CompareForDisplay(std::u16string_view a, std::u16string_view b) {
   if (IsPrintableAscii(a) && IsPrintableAscii(b)) {

@@ -64,7 +64,7 @@ UINT FindPage(std::string_view charset) {
   } else if (page == 0) {
     page = std::max(NumberAfter(upper, "WINDOWS-"), NumberAfter(upper, "CP"));
   }
-  return ::IsValidCodePage(page) != FALSE ? page : 0;
+  return page == kJapaneseMailPage || ::IsValidCodePage(page) != FALSE ? page : 0;
 }
 
 /// Returns the text of `bytes`, or an empty one if not all of them are something in the set.
@@ -101,6 +101,41 @@ Converted DecodePiecewise(UINT page, std::string_view bytes) {
   return converted;
 }
 
+/// Decodes ISO-2022-JP, whose page some systems lack and none checks. It changes between four sets:
+/// ASCII, JIS X 0201, in which two characters of ASCII are others, and two editions of JIS X 0208,
+/// each of whose characters has two bytes. With its highest bits set that is EUC-JP.
+Converted DecodeJapaneseMail(std::string_view mail) {
+  constexpr UINT kEucJp = 20932;
+  constexpr char kEscape = '\x1B';
+  constexpr std::size_t kEscapeLength = 3;
+  Converted all;
+  char set = 'B';
+  bool isWide = false;
+  while (!mail.empty()) {
+    const std::string_view escape = mail.substr(0, kEscapeLength);
+    const bool isNarrowEscape = escape == "\x1B(B" || escape == "\x1B(J";
+    if (isNarrowEscape || escape == "\x1B$@" || escape == "\x1B$B") {
+      isWide = !isNarrowEscape;
+      set = escape.back();
+      mail.remove_prefix(kEscapeLength);
+      continue;
+    }
+    std::string part(mail.substr(0, std::min(mail.find(kEscape, 1), mail.size())));
+    mail.remove_prefix(part.size());
+    for (char& byte : part) {
+      byte = isWide || byte == kEscape ? static_cast<char>(byte | '\x80') : byte;
+    }
+    Converted converted = DecodePiecewise(kEucJp, part);
+    for (const char unit : converted.text) {
+      const bool isOther = !isWide && set == 'J' && (unit == '\\' || unit == '~');
+      all.text +=
+          !isOther ? std::string(1, unit) : text::ToUtf8(unit == '~' ? u"\u203E" : u"\u00A5");
+    }
+    all.isWhole = all.isWhole && converted.isWhole;
+  }
+  return all;
+}
+
 struct CloseAlgorithm {
   void operator()(void* algorithm) const { ::BCryptCloseAlgorithmProvider(algorithm, 0); }
 };
@@ -129,11 +164,8 @@ std::optional<Converted> ConvertBySystem(const std::string& charset, std::string
   if (page == CP_UTF8) {
     return Converted{text::ToUtf8(text::FromUtf8(text)), text::IsUtf8(text)};
   }
-  // The system takes no question about bad bytes of this set.
   if (page == kJapaneseMailPage) {
-    const std::u16string decoded = Decode(page, 0, text);
-    return Converted{text::ToUtf8(decoded),
-                     !decoded.empty() && decoded.find(u'\uFFFD') == std::u16string::npos};
+    return DecodeJapaneseMail(text);
   }
   const std::u16string decoded = Decode(page, MB_ERR_INVALID_CHARS, text);
   return decoded.empty() ? DecodePiecewise(page, text) : Converted{text::ToUtf8(decoded)};

@@ -13,8 +13,6 @@ namespace {
 using platform::Failure;
 using platform::RegistryError;
 using platform::RegistryType;
-using platform::RegistryValue;
-using platform::Result;
 
 constexpr REGSAM kUndoAccess = KEY_READ | KEY_WRITE;
 /// Deeper than any key can be.

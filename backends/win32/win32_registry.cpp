@@ -229,7 +229,7 @@ auto Win32Registry::Change(const Call& call) -> std::invoke_result_t<Call> {
     if (m_options.isReadOnly) {
       return Failure(RegistryError::kReadOnly);
     }
-    if (const auto begun = BeginWriting(); !begun) {
+    if (const auto begun = BeginWriting(m_options.busyLimit); !begun) {
       return Failure(begun.error());
     }
     return call();
@@ -237,34 +237,48 @@ auto Win32Registry::Change(const Call& call) -> std::invoke_result_t<Call> {
 }
 
 /// Waits for other writers, and undoes what one left that ended within its group.
-Done Win32Registry::BeginWriting() {
+Done Win32Registry::BeginWriting(std::chrono::milliseconds limit) {
   if (m_writer.IsHeld()) {
     return {};
   }
-  const Done taken = m_writer.Take(m_options.busyLimit);
-  return taken && m_writer.IsHeld() ? m_journal.Recover() : taken;
+  const Done taken = m_writer.Take(limit);
+  const Done begun = taken && m_writer.IsHeld() ? m_journal.Recover() : taken;
+  if (!begun) {
+    m_writer.Release();
+  }
+  return begun;
 }
 
-// The place of the order is made last. So a registry without it is a new one.
+// Before anything is read: what a killed process left may belong to files that are gone. Whoever
+// writes now has looked for that, and is not waited for.
 Done Win32Registry::Connect() {
   if (m_isConnected || m_options.isReadOnly) {
     return {};
   }
+  Done connected = BeginWriting(std::chrono::milliseconds(0));
+  if (connected || connected.error() == RegistryError::kBusy) {
+    connected = MakeIfNew();
+  }
+  m_writer.Release();
+  m_isConnected = connected.has_value();
+  return connected;
+}
+
+// The place of the order is made last. So a registry without it is a new one.
+Done Win32Registry::MakeIfNew() const {
   if (OpenSystemKey(m_place.hive, m_place.orderPath, KEY_READ)) {
-    m_isConnected = true;
     return {};
   }
+  std::vector<std::u16string> paths;
   for (const std::u16string& key : m_options.initialKeys) {
-    if (const auto made = MakeSystemPath(m_place.hive, FullPath(key)); !made) {
-      return Failure(made.error());
-    }
+    paths.push_back(FullPath(key));
   }
-  for (const std::u16string& path : {m_place.path, m_place.orderPath}) {
+  paths.insert(paths.end(), {m_place.path, m_place.orderPath});
+  for (const std::u16string& path : paths) {
     if (const auto made = MakeSystemPath(m_place.hive, path); !made) {
       return Failure(made.error());
     }
   }
-  m_isConnected = true;
   return {};
 }
 
@@ -451,7 +465,7 @@ Done Win32Registry::KeepChanges() {
 
 // What cannot be undone now stays in the journal, for the next process.
 void Win32Registry::UndoChanges() {
-  bool isUndone = true;
+  bool isUndone = !m_undo.empty();
   for (; !m_undo.empty(); m_undo.pop_back()) {
     const MadeChange& change = m_undo.back();
     if (change.step.kind == UndoStep::Kind::kKeyMade) {
@@ -481,8 +495,8 @@ Result<void, RegistryError> Win32Registry::BeginGroup() {
   if (m_gate.GroupIsOpen()) {
     return Failure(RegistryError::kInvalid);
   }
-  const auto begun =
-      Connect().and_then([&] { return m_options.isReadOnly ? Done() : BeginWriting(); });
+  const auto begun = Connect().and_then(
+      [&] { return m_options.isReadOnly ? Done() : BeginWriting(m_options.busyLimit); });
   if (begun) {
     m_gate.OpenGroup();
   }

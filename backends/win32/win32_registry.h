@@ -59,7 +59,7 @@ struct RegistryOptions {
 
 /// The registry of Windows. It knows no transactions. So what a group has changed can be seen
 /// before the group is committed. A group that fails or is cancelled is undone change by change. If
-/// the process is killed within a group, the next process that changes anything undoes it first.
+/// the process is killed within a group, the next one that may change anything undoes it first.
 class Win32Registry final : public platform::Registry {
  public:
   explicit Win32Registry(RegistryPlace place, RegistryOptions options = {});
@@ -91,6 +91,7 @@ class Win32Registry final : public platform::Registry {
   [[nodiscard]] auto Change(const Call& call) -> std::invoke_result_t<Call>;
 
   [[nodiscard]] Done Connect();
+  [[nodiscard]] Done MakeIfNew() const;
   [[nodiscard]] std::u16string FullPath(std::u16string_view path) const;
   [[nodiscard]] platform::Result<SystemKey, platform::RegistryError> Open(std::u16string_view path,
                                                                           REGSAM access) const;
@@ -109,7 +110,7 @@ class Win32Registry final : public platform::Registry {
     UndoStep step;
     std::vector<State> deadKeys;  ///< Those that died with a deleted key.
   };
-  [[nodiscard]] Done BeginWriting();
+  [[nodiscard]] Done BeginWriting(std::chrono::milliseconds limit);
   [[nodiscard]] Done Keep(MadeChange&& change);
   [[nodiscard]] Done KeepValue(HKEY key, std::u16string path, std::u16string_view name);
   [[nodiscard]] Done KeepChanges();

@@ -20,8 +20,9 @@ import time
 
 import judge
 from commands import all_commands, make_tree
-from machine import ERRORS, Machine
+from machine import Machine
 from power import states_after_power_cuts
+from windows_machine import WindowsMachine
 
 # What a user does after a failure; each mends what it is for.
 NEXT_COMMANDS = [["check", "--repair"], ["reinit"]]
@@ -66,13 +67,14 @@ class Trial:
                 yield "kill", f"kill:{number}"
                 if call.kind == "write" and len(call.data) > 1:
                     yield "kill", f"tear:{number}"
+        if self.command.changes and "power" in self.machine.kinds:
             for index, _ in enumerate(self._cuts()):
                 yield "power", str(index)
-        for name, error in ERRORS.items():
+        for name, error in self.machine.errors.items():
             for number in range(1, 1 + sum(name in call.errors for call in self.calls)):
                 yield "call", f"once:{number}:{error}"
                 yield "call", f"ever:{number}:{error}"
-        for number in range(1, 1 + self.calls[-1].number):
+        for number in range(1, 1 + self.calls[-1].number if "memory" in self.machine.kinds else 1):
             yield "memory", f"memory-once:{number}"
             yield "memory", f"memory-ever:{number}"
 
@@ -143,7 +145,7 @@ class Trial:
     def _destroyed(self, fault, run):
         """A full disk empties the trash; if that is not enough, it is said that a deleted tag cannot
         be restored."""
-        if not fault.endswith(f":{ERRORS['ENOSPC']}"):
+        if not fault.endswith(f":{self.machine.errors['ENOSPC']}"):
             return ()
         said = "The disk is full" in run.err and "restored" in run.err
         return tuple(self.command.trashed) + (tuple(self.command.objects) if said else ())
@@ -190,8 +192,9 @@ def _first(run):
 
 class Worker:
     def __init__(self, options, number):
-        self.machine = Machine(options.program, options.library,
-                               os.path.join(options.folder, f"machine{number:02}"))
+        kind = WindowsMachine if options.wine else Machine
+        self.machine = kind(options.program, options.wine or options.library,
+                            os.path.join(options.folder, f"machine{number:02}"))
         judge.scratch = str(self.machine.folder)
         self.tree, trashed = make_tree(self.machine, pathlib.Path(options.samples))
         self.commands = {command.name: command for command in all_commands(self.tree, trashed)}
@@ -224,29 +227,31 @@ def try_point(point):
 def read_options():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("--program", required=True)
-    parser.add_argument("--library", required=True, help="the library that makes calls fail")
+    way = parser.add_mutually_exclusive_group(required=True)
+    way.add_argument("--library", help="the library that makes calls fail")
+    way.add_argument("--wine", help="starts the program, which is the one of Windows with faults")
     parser.add_argument("--samples", required=True)
     parser.add_argument("--part", action="store_true",
                         help="try as many points as half a minute has room for: of each kind each "
                         + ", ".join(f"{step}th {kind}" for kind, step in PART.items()))
     parser.add_argument("--every", type=int, default=1, help="try each N-th point (default: all)")
-    parser.add_argument("--only", help="commands whose name begins so")
+    parser.add_argument("--only", action="append", help="commands whose name begins so")
     parser.add_argument("--kind", choices=KINDS)
     parser.add_argument("--point", help="this one alone, with all that it leaves")
     parser.add_argument("--jobs", type=int, default=os.cpu_count())
     options = parser.parse_args()
     options.program = os.path.abspath(options.program)
-    options.library = os.path.abspath(options.library)
+    options.library = options.library and os.path.abspath(options.library)
     return options
 
 
 def explain(options):
     """Tries one point and shows everything about it."""
     one = Worker(options, 0)
-    trial = one.trial_of(options.only)
+    trial = one.trial_of(options.only[0])
     trial.explains = True
     error = options.point.split(":")[-1]
-    names = {str(number): name for name, number in ERRORS.items()}
+    names = {str(number): name for name, number in one.machine.errors.items()}
     calls = [call for call in trial.calls
              if (names.get(error) in call.errors if options.kind == "call" else call.changes)]
     for number, call in enumerate(calls, 1):
@@ -265,7 +270,8 @@ def collect(options):
     points = []
     problems = []
     for name in worker.commands:
-        if options.only and not name.startswith(options.only):
+        if name in worker.machine.lacks or (
+                options.only and not name.startswith(tuple(options.only))):
             continue
         trial = worker.trial_of(name)
         if trial.problem:

@@ -15,6 +15,8 @@ TAG_KEY = "Software\\Zedra\\Zedra Voxtrel"
 PORTS = "Drivers\\"
 VERSION = ("Software\\Zedra\\VoxtrelPEIni", "Version_Math")
 TRASH = "root/Voxtrel Trash/"
+STATE_KEY = "Registry\\"
+UNDONE = "Undo"  # Stands for a group of changes that is neither made nor undone.
 # Names that a kill can leave, which the next command that changes something takes away.
 PASSING = re.compile(r"root/(.*/)?(\.voxtrel-[^/]*|[^/]*\.(part|deleting|restoring))")
 
@@ -26,10 +28,13 @@ class Store(typing.NamedTuple):
     settings: dict   # (key, value) -> (type, bytes), without tags and ports.
     trashed: int     # How many things the trash holds.
     unreadable: str  # Why the settings cannot be read; empty if they can.
+    isHalf: bool     # Whether a group of changes is to be undone.
 
 
 def _read_registry(tree):
     """(key, value) -> (type, data), with (key, None) for the key itself."""
+    if "root/state" in tree:
+        return _read_state(tree["root/state"].decode())
     if "root/registry.db" not in tree:
         return {}
     with tempfile.TemporaryDirectory(dir=scratch) as folder:
@@ -53,12 +58,33 @@ def _read_registry(tree):
             return found
 
 
+def _read_state(state):
+    """The registry of Windows, as windows_registry.cpp keeps it."""
+    found = {}
+    for line in state.splitlines():
+        kind, path, *value = line.split(" ")
+        path = _text(path)
+        if not path.startswith(STATE_KEY):
+            if path.startswith("Undo\\"):
+                found[UNDONE, None] = None
+            continue
+        found[path.removeprefix(STATE_KEY), None] = None
+        if kind == "V":
+            found[path.removeprefix(STATE_KEY), _text(value[0])] = (
+                int(value[1]), bytes.fromhex(value[2][:-1]))
+    return found
+
+
+def _text(digits):
+    return bytes.fromhex(digits[:-1]).decode("utf-16-le", "surrogatepass")
+
+
 scratch = None  # Folder for what is looked at; the system's if it is not set.
 _registries = {}  # A store is read once, however many trees it is part of.
 
 
 def read_store(tree):
-    key = hash((tree.get("root/registry.db"), tree.get("root/registry.db-wal")))
+    key = hash(tuple(map(tree.get, ("root/registry.db", "root/registry.db-wal", "root/state"))))
     if key not in _registries:
         try:
             _registries[key] = (_read_registry(tree), "")
@@ -80,7 +106,7 @@ def read_store(tree):
     orphans = [path for path in tree if path.startswith((WAVES, TEMPLATES))
                and path.rpartition("/")[2].rpartition(".")[0] not in entries]
     trashed = sum(path.startswith(TRASH) and path.endswith(".tar") for path in tree)
-    return Store(tags, orphans, settings, trashed, unreadable)
+    return Store(tags, orphans, settings, trashed, unreadable, (UNDONE, None) in registry)
 
 
 def _without_rest(template):
@@ -148,19 +174,20 @@ def what_may_be_left(command, before, after, done, recovered, restored, destroye
                     wrong.append("a template was not made again")
             elif tag != old:
                 wrong.append(f"another tag's files are lost or changed{word}")
-        # New tags are whole, or are none.
+        # New tags are whole, or are none; but a registry without transactions has half a group until
+        # the next command.
         for name in store.tags.keys() - was.tags.keys() - set(command.trashed):
-            if not is_whole(store.tags[name]):
+            if not store.isHalf and not is_whole(store.tags[name]):
                 wrong.append(f"a new entry is there without its files{word}")
         # Each setting is the old one or the new one; a group of them changes as one.
-        for key in store.settings.keys() | was.settings.keys():
+        for key in store.settings.keys() | was.settings.keys() if not store.isHalf else ():
             if command.rewrites and key == VERSION:
                 continue  # Says that templates are to be made again until they were.
             if store.settings.get(key) not in (was.settings.get(key), will.settings.get(key)):
                 wrong.append(f"the setting {key[1]} is neither the old nor the new one{word}")
         changed = {key for key in will.settings.keys() | was.settings.keys()
                    if will.settings.get(key) != was.settings.get(key)}
-        if command.groups and len({store.settings.get(key) == will.settings.get(key)
+        if command.groups and not store.isHalf and len({store.settings.get(key) == will.settings.get(key)
                                    for key in changed}) > 1:
             wrong.append(f"settings that belong together were stored in part{word}")
     # An object of a deletion, and what lies in the trash: whole here, or whole there.
@@ -175,6 +202,8 @@ def what_may_be_left(command, before, after, done, recovered, restored, destroye
             if not command.empties or restored.get(name) is not None:
                 wrong.append("a deleted tag is not in the trash as it was")
     if end is not None and not end.unreadable:
+        if end.isHalf:
+            wrong.append("a group of changes is neither made nor undone")
         for path in end.orphans:
             wrong.append("a file without an entry stays: " + path.rpartition(".")[2])
         wrong += [f"a passing name stays: {path}" for path in recovered if PASSING.fullmatch(path)]

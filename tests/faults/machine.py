@@ -61,6 +61,10 @@ class Machine:
     """One folder that runs happen in. What it holds is a tree: a dictionary from relative paths to
     the bytes of a file, or to None for a folder."""
 
+    errors = ERRORS
+    kinds = ["kill", "power", "call", "memory"]
+    lacks = []  # Commands that this system does not have.
+
     def __init__(self, program, library, folder):
         self.program = program
         self.library = library

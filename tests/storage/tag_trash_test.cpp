@@ -250,6 +250,16 @@ TEST_F(TagTrashTest, ADeletionWhoseCallsFailLosesNothing) {
   }
 }
 
+TEST_F(TagTrashTest, ARecoveryTakesAwayACopyThatWasKilledWhileItWasWritten) {
+  PutTag(u"1");
+  ASSERT_TRUE(Delete(u"1"));
+  const std::vector<std::u16string> whole = TrashFiles();
+  ASSERT_TRUE(support::WriteWhole(
+      m_files, InTrash(std::u16string(platform::kUnfinishedPrefix) + u"k3j2"), "half of a copy"));
+  m_trash.Recover();
+  EXPECT_EQ(TrashFiles(), whole);
+}
+
 TEST_F(TagTrashTest, ARecoveryWhoseCallsFailLosesNothing) {
   for (const Failing failure : {Failing::kOnce, Failing::kFromThenOn, Failing::kPowerFailure}) {
     for (std::size_t call = 1;; ++call) {

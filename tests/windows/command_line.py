@@ -220,38 +220,171 @@ class CommandLine(unittest.TestCase):
 
     def test_a_registry_file_of_linux_gives_the_same_tags_to_windows_and_back(self):
         self.tags_of_three()
+        (self.linux.folder / "more.reg").write_bytes(many_settings().encode("utf-16"))
+        self.assertEqual(self.linux.run("registry", "import", "more.reg")[0], 0)
         code, out, err = self.linux.run("registry", "export", "linux.reg")
         self.assertEqual(code, 0, (out, err))
         shutil.copy(self.linux.folder / "linux.reg", self.windows.folder)
-        wine = [ARGUMENTS.wine]
-        environment = {**self.windows.environment,
-                       "WINEPREFIX": str(self.windows.folder / "own prefix")}
-        own = Machine("own", [ARGUMENTS.wine, ARGUMENTS.windows], self.home.name, environment)
-        own.folder = self.windows.folder
-        imported = subprocess.run(wine + ["reg", "import", "linux.reg"], cwd=own.folder,
-                                  env=environment, capture_output=True, timeout=300, check=False)
-        self.assertEqual(imported.returncode, 0, imported)
+        own = self.machine_of_its_own()
+        self.import_by_the_system(own, "linux.reg")
         status = json.loads(own.run("--json", "status", root=None)[1])
         self.assertEqual(status["settings"], "HKEY_LOCAL_MACHINE")
         data = next((self.windows.folder / "own prefix/drive_c/users").glob("*/AppData/Local"))
         shutil.copytree(self.linux.folder / "root/Program Files", data / "Voxtrel/Program Files")
-        self.assertEqual(self.tags_of(own, None), self.tags_of(self.linux, "root"))
+        tags = self.tags_of(self.linux, "root")
+        self.assertEqual(len(tags), 100)
+        self.assertEqual(self.tags_of(own, None), tags, "They are in the same order, too.")
         code, out, err = own.run("registry", "export", "windows.reg", root=None)
         self.assertEqual(code, 0, (out, err))
         text = (own.folder / "windows.reg").read_bytes().decode("utf-16")
         for line in text.splitlines():
             if line.startswith("["):
                 self.assertRegex(line, r"^\[HKEY_LOCAL_MACHINE\\Software(\\Zedra.*)?\]$")
+        mine = settings_in((self.linux.folder / "linux.reg").read_bytes().decode("utf-16"))
+        self.assertEqual(sorted(mine.items() ^ settings_in(text).items()), [])
         shutil.copy(own.folder / "windows.reg", self.linux.folder)
         self.assertEqual(self.linux.run("registry", "import", "windows.reg", root="back")[0], 0)
         shutil.copytree(self.linux.folder / "root/Program Files",
                         self.linux.folder / "back/Program Files")
-        self.assertEqual(self.tags_of(self.linux, "back"), self.tags_of(self.linux, "root"))
+        self.assertEqual(self.tags_of(self.linux, "back"), tags)
+
+    def test_tags_are_in_the_order_in_which_they_were_made_on_both(self):
+        orders = []
+        self.tags_of_three()
+        for machine in (self.linux, self.windows):
+            data = machine.folder / "root/Program Files/Zedra Tech./Zedra Voxtrel"
+            people = json.loads(machine.run("--contacts", "contacts.vcf", "--json", "contacts",
+                                            "list")[1])
+            def put(number, contact):
+                text = "Windows Registry Editor Version 5.00\r\n\r\n" + entry_of(number, contact)
+                (machine.folder / "one.reg").write_bytes(text.encode("utf-16"))
+                self.assertEqual(machine.run("registry", "import", "one.reg")[0], 0)
+                for folder, end in (("Voxtrel_wav", ".wav"), ("Voxtrel_stor", ".st")):
+                    shutil.copy(data / folder / (machine.tags[0] + end), data / folder / (number + end))
+            for number in ("2147483640", "-2147483600", "7", "-9", "3"):
+                put(number, people[0]["oid"])
+            # One is written again, and one goes and comes back.
+            put("7", people[1]["oid"])
+            for command in (["--yes", "tags", "delete"], ["tags", "restore"]):
+                code, out, err = machine.run("--contacts", "contacts.vcf", *command, "2147483640")
+                self.assertEqual(code, 0, (machine.name, command, out, err))
+            orders.append([tag[0] for tag in self.tags_of(machine, "root")
+                           if tag[0] not in machine.tags])
+        self.assertEqual(orders[0], ["-2147483600", "7", "-9", "3", "2147483640"])
+        self.assertEqual(orders[1], orders[0])
+
+    def test_the_registry_of_a_user_who_may_not_write_to_the_machine_is_the_users(self):
+        own = self.machine_of_its_own()
+        decision = "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_CURRENT_USER\\Software\\Voxtrel]\r\n" \
+            '"Hive"="HKEY_CURRENT_USER"\r\n'
+        (own.folder / "decision.reg").write_bytes(decision.encode("utf-16"))
+        status = json.loads(own.run("--json", "status", root=None)[1])
+        self.assertEqual(status["settings"], "HKEY_LOCAL_MACHINE")
+        self.import_by_the_system(own, "decision.reg")
+        status = json.loads(own.run("--json", "status", root=None)[1])
+        self.assertEqual(status["settings"], "HKEY_CURRENT_USER")
+        code, out, err = own.run("connection", "set", "baud-rate=4800", root=None)
+        self.assertEqual((code, err), (0, b""), out)
+        for hive, code in (("HKCU", 0), ("HKLM", 1)):
+            found = subprocess.run(
+                [ARGUMENTS.wine, "reg", "query", hive + "\\Software\\Zedra\\Zedra Dialer", "/v",
+                 "Bound_rate"], env=own.environment, capture_output=True, timeout=300, check=False)
+            self.assertEqual(found.returncode, code, (hive, found))
+            self.assertEqual(b"4800" in found.stdout, code == 0)
+
+    def test_cards_of_every_character_set_are_read_alike(self):
+        cards = [b"FN;CHARSET=WINDOWS-1252:J\xf6rg Stra\xdfe\x80",
+                 b"FN;CHARSET=windows-1250:\xa3\xf3d\x9f",
+                 b"FN;CHARSET=WINDOWS-1251:\xc8\xe2\xe0\xed",
+                 b"FN;CHARSET=KOI8-R:\xe9\xd7\xc1\xce",
+                 b"FN;CHARSET=ISO-8859-7:\xd9\xeb\xea\xde",
+                 b"FN;CHARSET=SHIFT_JIS:\x8e\x52\x93\x63",
+                 b"FN;CHARSET=EUC-JP:\xbb\xb3\xc5\xc4",
+                 b"FN;CHARSET=ISO-2022-JP:\x1b$B;3ED\x1b(B",
+                 b"FN;CHARSET=GB2312:\xc9\xbd\xcc\xef",
+                 b"FN;CHARSET=BIG5:\xa4\x73\xa5\xd0",
+                 b"FN;CHARSET=UTF-8;ENCODING=QUOTED-PRINTABLE:J=C3=B6rg=20=\r\n=E5=B1=B1",
+                 b"FN;CHARSET=UTF-8;ENCODING=QUOTED-PRINTABLE:broken =C3=28 =ZZ",
+                 b"FN;CHARSET=NO-SUCH-SET:plain \xe4",
+                 b"FN:\xff\xfe broken UTF-8 \xc3"]
+        text = b"".join(b"BEGIN:VCARD\r\nVERSION:2.1\r\n" + card + b"\r\nTEL;CELL:%d\r\nEND:VCARD\r\n"
+                        % number for number, card in enumerate(cards))
+        for machine in (self.linux, self.windows):
+            (machine.folder / "sets.vcf").write_bytes(text)
+        listed = self.both("--contacts", "sets.vcf", "--json", "contacts", "list")
+        self.assertEqual(len(json.loads(listed)), len(cards))
+        self.assertIn("山田", listed.decode())
+
+    def test_a_file_under_another_spelling_is_the_same_file_in_every_script(self):
+        self.tags_of_three()
+        for machine in (self.linux, self.windows):
+            folder = machine.folder / "root/Program Files/Zedra Tech./Zedra Voxtrel"
+            tag = machine.tags[0]
+            (folder / "Voxtrel_wav" / (tag + ".wav")).rename(
+                folder / "Voxtrel_wav" / (tag + ".WAV"))
+            for name in ("ςΣσ", "Größe", "ИМЯ", "ǅ"):
+                (folder / "Voxtrel_wav" / (name + ".wav")).write_bytes(b"RIFF")
+                (folder / "Voxtrel_stor" / (name.swapcase() + ".ST")).write_bytes(b"x")
+        found = []
+        for machine in (self.linux, self.windows):
+            code, out, err = machine.run("check")
+            self.assertEqual((code, err), (1, b"voxtrel: there are 8 problems\n"))
+            # Each file system has an order of its own.
+            found.append(sorted(machine.neutral(out).splitlines()))
+        self.assertEqual(found[0], found[1])
+
+    def machine_of_its_own(self):
+        """The program of Windows with a registry and a user of its own."""
+        environment = {**self.windows.environment,
+                       "WINEPREFIX": str(self.windows.folder / "own prefix")}
+        own = Machine("own", [ARGUMENTS.wine, ARGUMENTS.windows], self.home.name, environment)
+        own.folder = self.windows.folder
+        return own
+
+    def import_by_the_system(self, machine, name):
+        imported = subprocess.run([ARGUMENTS.wine, "reg", "import", name], cwd=machine.folder,
+                                  env=machine.environment, capture_output=True, timeout=300,
+                                  check=False)
+        self.assertEqual(imported.returncode, 0, imported)
 
     def tags_of(self, machine, root):
         code, out, err = machine.run("--json", "tags", "list", root=root)
         self.assertEqual(code, 0, err)
-        return sorted((tag["name"], tag["contact"], tag["phoneType"]) for tag in json.loads(out))
+        return [(tag["name"], tag["contact"], tag["phoneType"]) for tag in json.loads(out)]
+
+
+def entry_of(tag, contact):
+    """A tag's entry as the lines of a registry file."""
+    lines = [f"[HKEY_LOCAL_MACHINE\\Software\\Zedra\\Zedra Voxtrel\\{tag}]"]
+    for name, text in (("contact", str(contact)), ("phone type", "Mobile")):
+        value = text.encode("utf-16-le").ljust(100, b"\0")
+        lines.append(f'"{name}"=hex(1):' + ",".join("%02x" % byte for byte in value))
+    return "\r\n".join(lines) + "\r\n\r\n"
+
+
+def many_settings():
+    """97 tags whose tick counts begin again among them, and names in other scripts."""
+    tags = [(2**31 - 50 + 7 * number + 2**31) % 2**32 - 2**31 for number in range(97)]
+    return ("Windows Registry Editor Version 5.00\r\n\r\n"
+            "[HKEY_LOCAL_MACHINE\\Software\\Zedra\\Größe ΣΑΣ\\Имя 山田]\r\n"
+            '"ключ \U0001F600"="значение 山田"\r\n'
+            '@="unnamed"\r\n'
+            '"bytes"=hex:00,01,ff\r\n"number"=dword:ffffffff\r\n\r\n'
+            + "".join(entry_of(tag, number) for number, tag in enumerate(tags)))
+
+
+def settings_in(text):
+    """Returns the values of a registry file by key and name. Each system has its own order of
+    them, and what Linux knows of its ports is not another machine's."""
+    settings = {}
+    key = ""
+    for line in text.replace("\\\r\n  ", "").splitlines():
+        if line.startswith("["):
+            key = line
+        elif "=" in line and "\\Drivers\\" not in key:
+            name, value = re.fullmatch(r'(@|"(?:[^"\\]|\\.)*")=(.*)', line).groups()
+            settings[key, name] = value
+    return settings
 
 
 def main():

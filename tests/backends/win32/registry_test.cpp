@@ -244,6 +244,15 @@ TEST_F(KilledWriter, EveryPartOfAGroupIsUndoneBeforeTheNextChange) {
   }
 }
 
+TEST_F(KilledWriter, TheNextProcessReadsNothingOfTheGroup) {
+  KillAfter(1, {[](auto& store) {
+              return support::PutText(store, u"tags\\3", u"contact", u"3").has_value();
+            }});
+  EXPECT_TRUE(OpenOutside(u"tags\\3").IsOpen());
+  win32::Win32Registry registry(Place(), Options(u"next-1"));
+  EXPECT_THAT(SubkeyNames(registry, u""), IsEmpty());
+}
+
 TEST_F(KilledWriter, WhatWasCommittedStays) {
   std::thread([&] {
     win32::Win32Registry killed(Place(), Options(u"killed-1"));
