@@ -1,7 +1,5 @@
 #include "tags/contact_picker.h"
 
-#include <cstddef>
-
 #include "resources/dialogs.h"
 
 namespace tags {
@@ -12,10 +10,6 @@ using resources::kContactComboId;
 using resources::kNumberComboId;
 
 namespace {
-
-/// A number of this length or more does not fit into the memory that the dialer keeps it in. One of
-/// exactly this length is passed over without a word.
-constexpr std::size_t kNumberCapacity = 96;
 
 /// Only ContactFailure::kNumber looks at the kind.
 auto LoadFailed(ContactFailure failure, PhoneKind kind = PhoneKind::kCar) {

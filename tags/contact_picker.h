@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -13,6 +14,10 @@
 #include "tags/contact_reading.h"
 
 namespace tags {
+
+/// A number of this length or more does not fit into the memory that the dialer keeps it in. One of
+/// exactly this length is passed over without a word.
+inline constexpr std::size_t kNumberCapacity = 96;
 
 /// What the user picks on the Learning page: a contact and one of its numbers. It fills the contact
 /// combo box, which keeps the order of its items, and the number combo box, which sorts them. Both

@@ -38,8 +38,8 @@ struct Person {
 
 /// All that the window shows. It is a value: a new one is made if anything has changed.
 struct Shelf {
-  /// If not, the quality of the tags and their nearest ones are not known yet, and another shelf
-  /// follows.
+  /// If not, the quality of the tags, their nearest ones and the people are not known yet, and
+  /// another shelf follows.
   bool areJudged = true;
   std::vector<Tag> tags;  ///< In the order of the store.
   std::vector<Person> people;

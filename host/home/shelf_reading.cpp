@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <system_error>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 
 #include "audio/wave_header.h"
@@ -15,6 +16,8 @@
 #include "resources/translations.h"
 #include "resources/work_strings.h"
 #include "storage/device_paths.h"
+#include "storage/phone_types.h"
+#include "tags/contact_picker.h"
 #include "tags/contact_reading.h"
 #include "tags/phone_kind.h"
 
@@ -33,22 +36,16 @@ Number ToNumber(const std::u16string& item) {
 
 /// Reads what the box of the page does not show: the company, and the name as the page's list of
 /// tags has it, with the last name last. What cannot be read stays as it is.
-void ReadWho(platform::ContactsStore& contacts, Person& person) {
-  const auto contact = contacts.GetItemFromOid(person.oid);
-  if (!contact) {
-    return;
-  }
-  person.company = ToShown((*contact)->GetCompanyName().value_or(u""));
+void ReadWho(platform::Contact& contact, Person& person) {
+  person.company = ToShown(contact.GetCompanyName().value_or(u""));
   std::u16string name;
   for (const platform::ContactText& part :
-       {(*contact)->GetFirstName(), (*contact)->GetMiddleName(), (*contact)->GetLastName()}) {
+       {contact.GetFirstName(), contact.GetMiddleName(), contact.GetLastName()}) {
     if (part && !part->empty()) {
       name.append(name.empty() ? u"" : u" ").append(*part);
     }
   }
-  if (!name.empty()) {
-    person.name = std::move(name);
-  }
+  person.name = ToShown(name.empty() ? std::move(person.name) : std::move(name));
 }
 
 void ReadPeople(session::Session& session, Gathering& gathering, Shelf& shelf) {
@@ -59,9 +56,10 @@ void ReadPeople(session::Session& session, Gathering& gathering, Shelf& shelf) {
   }
   shelf.people.reserve(listed->size());
   for (const session::ListedContact& contact : *listed) {
-    Person person{contact.oid, contact.name, {}, {}};
-    ReadWho(session.GetContacts(), person);
-    person.name = ToShown(std::move(person.name));
+    Person person{contact.oid, ToShown(contact.name), {}, {}};
+    if (const auto found = session.GetContacts().GetItemFromOid(person.oid)) {
+      ReadWho(**found, person);
+    }
     for (const std::u16string& item : contact.numbers) {
       person.numbers.push_back(ToNumber(item));
     }
@@ -98,10 +96,7 @@ std::u16string ExplainTag(const tags::ListedTag& tag) {
                      : std::u16string();
 }
 
-using PeopleByOid = std::unordered_map<std::int32_t, const Person*>;
-
-Tag ToTag(const session::Session& session, const tags::ListedTag& listed,
-          const PeopleByOid& people) {
+Tag ToTag(const session::Session& session, const tags::ListedTag& listed) {
   Tag tag;
   tag.name = listed.name;
   tag.oid = listed.entry.oid;
@@ -110,46 +105,61 @@ Tag ToTag(const session::Session& session, const tags::ListedTag& listed,
   tag.isStale = listed.isStale;
   tag.problem = ExplainTag(listed);
   ReadRecording(session, tag);
-  const auto found = listed.entry.oid ? people.find(*listed.entry.oid) : people.end();
-  if (found != people.end() && !listed.failure) {
-    tag.contact = found->second->name;
-    for (const Number& number : found->second->numbers) {
-      if (number.kind == tag.kind) {
-        tag.number = number.text;
-      }
-    }
-  }
   return tag;
 }
 
-void ReadTags(session::Session& session, bool hasContacts,
-              const std::function<void(const Shelf& shelf)>& soon, Shelf& shelf) {
-  const platform::Platform platform = session.GetPlatform();
-  const auto listed = session::ReadAtOnce(platform, hasContacts);
-  if (!listed) {
-    shelf.tagsProblem = ToSentence(session.ExplainStore(listed.error()));
-    return;
+/// Gives each tag the name and the number of its person, if that is among `people`.
+void NameTags(const std::vector<tags::ListedTag>& listed, const std::vector<Person>& people,
+              std::vector<Tag>& tags) {
+  std::unordered_map<std::int32_t, const Person*> byOid;
+  for (const Person& person : people) {
+    byOid.emplace(person.oid, &person);
   }
-  PeopleByOid people;
-  for (const Person& person : shelf.people) {
-    people.emplace(person.oid, &person);
+  for (std::size_t i = 0; i < tags.size(); ++i) {
+    const auto found = tags[i].oid ? byOid.find(*tags[i].oid) : byOid.end();
+    if (found == byOid.end() || listed[i].failure) {
+      continue;
+    }
+    tags[i].contact = found->second->name;
+    for (const Number& number : found->second->numbers) {
+      if (number.kind == tags[i].kind) {
+        tags[i].number = number.text;
+      }
+    }
   }
-  for (const tags::ListedTag& tag : *listed) {
-    shelf.tags.push_back(ToTag(session, tag, people));
+}
+
+/// Reads the people of the tags alone. The page's box, which knows all people, takes many times as
+/// long.
+std::vector<Person> ReadPeopleOf(const std::vector<Tag>& tags, platform::ContactsStore& contacts) {
+  std::vector<Person> people;
+  std::unordered_set<std::int32_t> read;
+  for (const Tag& tag : tags) {
+    const auto contact = tag.oid && read.insert(*tag.oid).second
+                             ? contacts.GetItemFromOid(*tag.oid)
+                             : platform::Failure(platform::ContactsError::kFailed);
+    if (!contact) {
+      continue;
+    }
+    Person person{*tag.oid, (*contact)->GetCompanyName().value_or(u""), {}, {}};
+    ReadWho(**contact, person);
+    for (const storage::PhoneType& type : storage::kPhoneTypes) {
+      std::u16string number = (*contact)->GetNumber(type.kind).value_or(u"");
+      if (!number.empty() && number.size() < tags::kNumberCapacity) {
+        person.numbers.push_back({std::u16string(type.word), std::move(number)});
+      }
+    }
+    if (!person.numbers.empty()) {
+      people.push_back(std::move(person));
+    }
   }
-  if (soon && !shelf.tags.empty()) {
-    shelf.areJudged = false;
-    soon(shelf);
-    shelf.areJudged = true;
-  }
-  auto qualities = maintenance::JudgeTags(platform, session::ToJudged(*listed));
-  for (std::size_t i = 0; i < shelf.tags.size(); ++i) {
-    shelf.tags[i].quality = std::move(qualities[i]);
-  }
+  return people;
 }
 
 }  // namespace
 
+// Somebody who waits for the window waits for the names of the tags, so these come before all that
+// takes longer.
 Shelf ReadShelf(session::Session& session, Gathering& gathering,
                 const std::function<void(const Shelf& shelf)>& soon) {
   Shelf shelf;
@@ -160,12 +170,34 @@ Shelf ReadShelf(session::Session& session, Gathering& gathering,
   const platform::Platform platform = session.GetPlatform();
   vcard::AddressBooks& contacts = session.GetContacts();
   const bool areOpen = tags::OpenContacts(contacts, platform.clock).has_value();
-  if (!areOpen || contacts.GetProblem() == Problem::kNothingChosen) {
+  const bool hasPeople = areOpen && contacts.GetProblem() != Problem::kNothingChosen;
+  if (!hasPeople) {
     shelf.peopleProblem = ToSentence(session::ExplainContactsProblem(session));
+  }
+  const auto listed = session::ReadAtOnce(platform, areOpen);
+  if (listed) {
+    for (const tags::ListedTag& tag : *listed) {
+      shelf.tags.push_back(ToTag(session, tag));
+    }
   } else {
+    shelf.tagsProblem = ToSentence(session.ExplainStore(listed.error()));
+  }
+  if (soon && !shelf.tags.empty()) {
+    Shelf first = shelf;
+    first.areJudged = false;
+    NameTags(*listed, ReadPeopleOf(first.tags, contacts), first.tags);
+    soon(first);
+  }
+  if (hasPeople) {
     ReadPeople(session, gathering, shelf);
   }
-  ReadTags(session, areOpen, soon, shelf);
+  if (listed) {
+    NameTags(*listed, shelf.people, shelf.tags);
+    auto qualities = maintenance::JudgeTags(platform, session::ToJudged(*listed));
+    for (std::size_t i = 0; i < shelf.tags.size(); ++i) {
+      shelf.tags[i].quality = std::move(qualities[i]);
+    }
+  }
   contacts.Logoff();
   return shelf;
 }

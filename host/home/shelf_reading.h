@@ -10,7 +10,8 @@ namespace home {
 
 /// Reads all that the window shows, and changes nothing. `session` is new, and what it has to say
 /// goes to `gathering`. May take seconds: it reads the contacts, and judges every recording. `soon`
-/// can be null. It gets what is known before the recordings are judged, if there are any.
+/// can be null. It gets the tags with their names and numbers, if there are any, before people are
+/// read and recordings judged.
 [[nodiscard]] Shelf ReadShelf(session::Session& session, Gathering& gathering,
                               const std::function<void(const Shelf& shelf)>& soon = nullptr);
 

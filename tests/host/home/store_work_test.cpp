@@ -19,6 +19,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::Not;
 using testing::SizeIs;
 
 using Names = std::vector<std::u16string>;
@@ -359,7 +360,7 @@ TEST_F(StoreWorkTest, RequestsAreDoneInTheirOrder) {
   EXPECT_THAT(order, ElementsAre(1, 2));
 }
 
-TEST_F(StoreWorkTest, NamesComeBeforeTheRecordingsAreJudgedButOnlyTheFirstTime) {
+TEST_F(StoreWorkTest, NamesComeBeforePeopleAndVerdictsButOnlyTheFirstTime) {
   Begin();
   const std::u16string ann = TeachAnn();
   m_work = std::make_unique<StoreWork>(m_options);
@@ -369,8 +370,11 @@ TEST_F(StoreWorkTest, NamesComeBeforeTheRecordingsAreJudgedButOnlyTheFirstTime) 
   m_work->Load();
   Await([&shelves] { return shelves.size() == 2; });
   EXPECT_FALSE(shelves[0]->areJudged);
+  EXPECT_THAT(shelves[0]->people, IsEmpty());
   EXPECT_EQ(shelves[0]->tags.at(0).contact, u"Ann Lee");
   EXPECT_TRUE(shelves[1]->areJudged);
+  EXPECT_THAT(shelves[1]->people, Not(IsEmpty()));
+  EXPECT_EQ(shelves[0]->tags.at(0).number, shelves[1]->tags.at(0).number);
   EXPECT_TRUE(shelves[1]->tags.at(0).quality.take.has_value());
   m_work->Load();
   Await([&shelves] { return shelves.size() == 3; });
