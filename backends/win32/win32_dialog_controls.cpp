@@ -28,7 +28,7 @@ constexpr ListMessages kListMessages{LB_INSERTSTRING, LB_DELETESTRING, LB_RESETC
                                      LB_SETCURSEL, LB_GETCURSEL};
 
 /// The distance between a button's edge and its text, in pixels of the device.
-constexpr int kMargin = 4;
+constexpr int kMargin = 2;
 
 [[nodiscard]] const ListMessages& MessagesOf(ControlKind kind) {
   return kind == ControlKind::kListBox ? kListMessages : kComboMessages;

@@ -131,8 +131,10 @@ class SoundServer:
 class Session:
     """`with Session() as session:` gives the folder, and cleans up."""
 
-    def __init__(self, screen=None):
+    def __init__(self, screen=None, percent=100):
+        """`percent` is the scale of the screen, which the user chooses in the settings of the system."""
         self._screen_size = screen
+        self._percent = percent
         self._folder = tempfile.TemporaryDirectory(prefix="voxtrel-windows-")
         self.folder = self._folder.name
         self.variables = {}
@@ -148,10 +150,13 @@ class Session:
         fonts = os.path.join(self.wine_folder, "drive_c", "windows", "Fonts")
         for font in glob.glob("/usr/share/wine/fonts/tahoma*.ttf"):
             shutil.copy(font, fonts)
-        self._end_wine()
+        self.wine("reg", "add", r"HKCU\Control Panel\Desktop", "/v", "LogPixels", "/t", "REG_DWORD", "/d",
+                  str(96 * self._percent // 100), "/f")
         if self._screen_size is None:
             self.wine("reg", "add", r"HKCU\Software\Wine\Drivers", "/v", "Graphics", "/d", "null",
                       "/f")
+        # What has begun before would not show a window, or would keep the earlier scale.
+        self._end_wine()
         return self
 
     def _end_wine(self):
