@@ -84,6 +84,21 @@ std::string ExtensionOf(std::string_view parameters) {
   return {};
 }
 
+/// Returns a number on one line. A control character within it stays a sign that no number has: as
+/// a blank it would let the dialer call what nobody stored. The former rules make blanks of them.
+std::u16string ToShownNumber(std::string_view value, Rules rules) {
+  if (rules == Rules::kFormer) {
+    return ToShownText(value);
+  }
+  constexpr std::string_view kBlanks = " \t\r\n";
+  const std::size_t first = std::min(value.find_first_not_of(kBlanks), value.size());
+  std::u16string shown =
+      text::FromUtf8(value.substr(first, value.find_last_not_of(kBlanks) + 1 - first));
+  std::replace_if(
+      shown.begin(), shown.end(), [](char16_t c) { return c < u' '; }, u'\uFFFD');
+  return shown;
+}
+
 /// Returns the number of a telephone line. Returns an empty text if the line leads to something
 /// else.
 std::u16string NumberOf(const ContentLine& line, Rules rules) {
@@ -98,10 +113,10 @@ std::u16string NumberOf(const ContentLine& line, Rules rules) {
     if (rules == Rules::kNow && !number.empty() && !extension.empty()) {
       number += ',' + extension;  // A pause before it, as phones write one.
     }
-    return ToShownText(GuessUtf8(number));
+    return ToShownNumber(GuessUtf8(number), rules);
   }
   const bool hasOtherScheme = line.isUri && trimmed.find(':') != std::string_view::npos;
-  return hasOtherScheme ? std::u16string() : ToShownText(trimmed);
+  return hasOtherScheme ? std::u16string() : ToShownNumber(trimmed, rules);
 }
 
 bool IsTelephone(const ContentLine& line) { return line.name == "TEL" || line.name == "X-MS-TEL"; }

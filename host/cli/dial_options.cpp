@@ -18,6 +18,11 @@ std::vector<std::string> WaysAnd(std::vector<std::string> words) {
   return words;
 }
 
+/// An empty text would count as if the option was not there, and a name would be heard.
+std::string RefuseEmpty(const std::string& text) {
+  return text.empty() ? "it may not be empty" : std::string();
+}
+
 }  // namespace
 
 DialCommands AddDialOptions(CLI::App& command, DialOptions& options) {
@@ -27,7 +32,8 @@ DialCommands AddDialOptions(CLI::App& command, DialOptions& options) {
           .add_option("--to", options.to,
                       "Call this contact and hear no name: its name, or its number in "
                       "`voxtrel contacts list`")
-          ->type_name("CONTACT");
+          ->type_name("CONTACT")
+          ->check(RefuseEmpty);
   command
       .add_option("--number", options.number,
                   "With --to: which number, such as Mobile or Home (default: the first)")
@@ -58,6 +64,7 @@ DialCommands AddDialOptions(CLI::App& command, DialOptions& options) {
                       "Call nobody: measure how surely the names of this folder are known, files "
                       "LABEL_SPEAKER_TAKE.wav")
           ->type_name("FOLDER")
+          ->check(RefuseEmpty)
           ->excludes(to)
           ->excludes(recognize);
   hangUp->excludes(to)->excludes(recognize)->excludes(evaluate);

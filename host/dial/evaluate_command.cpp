@@ -181,8 +181,8 @@ void Evaluate(cli::Session& session, const cli::DialOptions& options) {
   for (const SpeakerFigures& one : measured) {
     all += one.figures;
     if (one.figures.forced.whole == 0) {
-      session.Warn(fmt::format("{}: not asked: no label has more than {} takes", one.speaker,
-                               options.takes));
+      session.Warn(fmt::format("{}: not asked: no label has more than {} take{}", one.speaker,
+                               options.takes, options.takes == 1 ? "" : "s"));
     }
   }
   if (all.forced.whole == 0) {

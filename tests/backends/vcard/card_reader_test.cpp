@@ -74,6 +74,16 @@ TEST(CardMapping, ACompanyComesBeforeTheNickname) {
   EXPECT_EQ(NamesOf(Only("ORG:Acme\nNICKNAME:Annie")), "|||Acme");
 }
 
+TEST(CardMapping, AControlCharacterWithinANumberIsNoBlankThatWouldLetItBeDialled) {
+  EXPECT_EQ(NumbersOf(Only("N:Lee\nTEL;CELL:555\\n0101", "2.1")), "Mobile=555\uFFFD0101");
+  EXPECT_EQ(NumbersOf(Only("N:Lee\nTEL;CELL:555\x1A", "2.1")), "Mobile=555\uFFFD");
+  EXPECT_EQ(NumbersOf(Only("N:Lee\nTEL;CELL:555\t0101", "2.1")), "Mobile=555\uFFFD0101");
+  EXPECT_EQ(NumbersOf(Only("N:Lee\nTEL;TYPE=CELL;VALUE=uri:tel:555%0D0101", "4.0")),
+            "Mobile=555\uFFFD0101");
+  EXPECT_EQ(NumbersOf(Only("N:Lee\nTEL;CELL:\t555 0101 \t", "2.1")), "Mobile=555 0101")
+      << "around it they are no part of it";
+}
+
 // What a contact was called and numbered before, by which former entries find it.
 
 TEST(CardMapping, KeepsTheFormerContentOfACardThatReadsOtherwiseNow) {

@@ -22,7 +22,8 @@ class CallCommands : public DialFixture {
  protected:
   CallCommands() {
     std::ofstream(Contacts(), std::ios::app)
-        << Card("Bern;Anna Lea", "WORK", "1-800-FLOWERS") << Card("Hook;Jim", "CELL", "5550\\nATH");
+        << Card("Bern;Anna Lea", "WORK", "1-800-FLOWERS") << Card("Hook;Jim", "CELL", "5550\\nATH")
+        << Card("Line;Tim", "CELL", "555\\n0101");
   }
 
   [[nodiscard]] support::ProgramRun Call(std::vector<std::string> arguments,
@@ -125,6 +126,13 @@ TEST_F(CallCommands, SeveralContactsAreListedAndNobodyIsCalled) {
   EXPECT_EQ(Call({"--to", "Nobody", "--yes"}).exitCode, 1);
 }
 
+TEST_F(CallCommands, AnEmptyNameIsWrongUsageAndNoWishToHearOne) {
+  EXPECT_EQ(Call({"--to", "", "--yes"}).exitCode, 2);
+  EXPECT_EQ(Call({"--yes", "--to", ""}).exitCode, 2);
+  EXPECT_EQ(Call({"--evaluate", ""}).exitCode, 2);
+  EXPECT_EQ(support::RunProgram({VOXTREL_DIALER, "--to", ""}, Environment()).exitCode, 2);
+}
+
 TEST_F(CallCommands, ANumberThatAContactLacksIsNotReplacedByAnother) {
   const auto run = CallAnna({"--number", "Home"});
   EXPECT_EQ(run.exitCode, 1);
@@ -145,6 +153,12 @@ TEST_F(CallCommands, AHostileContactSendsNoCommandToTheModem) {
   const auto run = Call({"--to", "Jim Hook", "--yes", "--modem", modem.GetName()});
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_EQ(modem.End(), "");
+}
+
+TEST_F(CallCommands, ANumberInTwoLinesIsShownAndNotJoined) {
+  const auto run = Call({"--to", "Tim Line", "--yes", "--way", "print"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.err, HasSubstr("\"555\uFFFD0101\" is not dialled"));
 }
 
 TEST_F(CallCommands, TheModemDialsAndKeepsItsCall) {
