@@ -62,6 +62,8 @@ inline constexpr std::u16string_view kNobodyTaughtAdvice =
 inline constexpr std::u16string_view kOnlySilence = u"The microphone gives nothing but silence";
 inline constexpr std::u16string_view kOnlySilenceAdvice =
     u"It may be muted. Set-up shows which one is used, and its level.";
+inline constexpr std::u16string_view kNoMicrophoneAdvice =
+    u"Plug one in, or switch it on in the sound settings. Then try again.";
 inline constexpr std::u16string_view kNotUnderstood = u"I did not understand the name";
 inline constexpr std::u16string_view kNotUnderstoodAdvice =
     u"Nobody was called. Try again, or teach the name once more.";

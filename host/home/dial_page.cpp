@@ -41,9 +41,9 @@ constexpr double kSayGrowth = 1.4;
 std::pair<QString, QString> ExplainNotHeard(NotHeard reason) {
   switch (reason) {
     case NotHeard::kNoMicrophone:
-      return {Say(resources::kNoMicrophoneYet), {}};
+      return {Say(resources::kNoMicrophoneYet), Say(resources::kNoMicrophoneAdvice)};
     case NotHeard::kLost:
-      return {Say(resources::kTakeIsLost), {}};
+      return {Say(resources::kTakeIsLost), Say(resources::kNoMicrophoneAdvice)};
     case NotHeard::kStopped:
       return {Say(resources::kNobodyCalled), {}};
     default:
@@ -246,8 +246,8 @@ void DialPage::OnStep(const TalkStep& step) {
     case Step::kOffer:
       return OnAsked(step);
     case Step::kCalling:
-      m_stage->ShowCallee(step.callees[0],
-                          Say(resources::kCallingNow).arg(InSentence(NameOf(step.callees[0]))));
+      m_note = Say(resources::kCallingNow).arg(InSentence(NameOf(step.callees[0])));
+      m_stage->ShowCallee(step.callees[0], m_note, m_note);
       return Enter(State::kCalling);
     case Step::kDialling:
       return Enter(step.canHangUp ? State::kDialling : State::kCalling);
@@ -265,9 +265,11 @@ void DialPage::OnStep(const TalkStep& step) {
 void DialPage::OnAsked(const TalkStep& step) {
   switch (step.step) {
     case Step::kSure:
-      m_stage->ShowCallee(step.callees[0], Say(resources::kCallingSoonAloud)
-                                               .arg(InSentence(NameOf(step.callees[0])),
-                                                    NameKind(step.callees[0].candidate.phoneKind)));
+      m_stage->ShowCallee(step.callees[0],
+                          Say(resources::kCallingSoonAloud)
+                              .arg(InSentence(NameOf(step.callees[0])),
+                                   NameKind(step.callees[0].candidate.phoneKind)),
+                          Say(resources::kAnyKeyStops));
       m_stage->ShowLeft(dialer::kSecondThoughts);
       return Enter(State::kSure);
     case Step::kOffer:
@@ -332,8 +334,8 @@ void DialPage::ShowCall() {
   const QString name = InSentence(NameOf(callee));
   const QString reason = AsSentence(m_outcome.outcome);
   if (m_outcome.step == Step::kNotCalled) {
-    m_note = Say(resources::kWasNotCalled).arg(name);
-    m_stage->ShowText(m_note, reason);
+    m_note = Say(resources::kWasNotCalled).arg(name) + QStringLiteral(". ") + reason;
+    m_stage->ShowText(Say(resources::kWasNotCalled).arg(name), reason + u'\n' + NumberOf(callee));
   } else if (m_outcome.step == Step::kNotHungUp) {
     m_note = Say(resources::kCallNotEnded) + QLatin1Char(' ') + reason;
   } else {

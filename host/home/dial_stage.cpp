@@ -160,7 +160,7 @@ void DialStage::ShowCallee(const dialer::Callee& callee, const QString& aloud,
                            const QString& note) {
   m_avatar->SetPerson(NameOf(callee));
   m_title->ShowQuietly(NameOf(callee));
-  m_text->setText(note.isEmpty() ? NumberOf(callee) : NumberOf(callee) + QLatin1Char('\n') + note);
+  m_text->setText(NumberOf(callee) + QLatin1Char('\n') + note);
   m_title->Tell(aloud);
   ShowOnly({m_avatar, m_text});
 }

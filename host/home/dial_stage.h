@@ -31,7 +31,7 @@ class DialStage : public QWidget {
   void ShowProgress(const dialer::ListeningProgress& progress);
   /// Somebody is about to be called, or was. `aloud` is what screen readers say. `note` stands
   /// below the number.
-  void ShowCallee(const dialer::Callee& callee, const QString& aloud, const QString& note = {});
+  void ShowCallee(const dialer::Callee& callee, const QString& aloud, const QString& note);
   void ShowLeft(std::uint32_t milliseconds);
   /// The callees are buttons with numbers.
   void ShowChoice(const QString& title, const QString& text,

@@ -8,6 +8,7 @@ import desktop
 desktop.enter()
 
 import reader  # noqa: E402
+from modem import Modem  # noqa: E402
 from reader import Role, State, find, is_, press, type_text, wait_for, walk, window  # noqa: E402
 
 SAMPLES = os.path.join(os.path.dirname(__file__), "..", "..", "samples")
@@ -198,6 +199,29 @@ class VoiceTags(unittest.TestCase):
         self.check()
         press("Escape")
         self.hears("Nobody was called")
+
+    def test_a_modem_dials_and_hangs_up_by_the_keyboard_alone(self):
+        modem = Modem()
+        settings = os.path.join(desktop.folder(), "port.reg")
+        with open(settings, "w", encoding="ascii") as out:
+            out.write("REGEDIT4\n\n[HKEY_LOCAL_MACHINE\\Drivers\\Active\\77]\n"
+                      f'"Name"="COM77:"\n"Device"="{modem.device}"\n\n'
+                      "[HKEY_LOCAL_MACHINE\\Software\\Zedra\\Zedra Dialer]\n"
+                      '"Com_port"="COM77:"\n')
+        self.desk.run("voxtrel", "registry", "import", settings)
+        self.open(tags=("anna", "sophie", "robert"))
+        wait_for(self.rows, "the rows")
+        self.choose("Say a name")
+        self.awaits_focus(Role.PUSH_BUTTON, "Say a name")
+        press("space")
+        self.hears("Anna Berg. The number was dialled.")
+        self.awaits_focus(Role.PUSH_BUTTON, "Hang up")
+        self.awaits(Role.PUSH_BUTTON, "Say a name")
+        self.check()
+        press("space")
+        self.hears("Anna Berg. The call was ended.")
+        self.awaits_focus(Role.PUSH_BUTTON, "Say a name")
+        self.assertEqual(modem.lines, ["ATD2025550101;", "ATH"])
 
     def test_a_window_without_tags_says_what_to_do(self):
         self.open()

@@ -136,7 +136,7 @@ TEST_F(DialPageCalls, TheNextCallTakesTheWayThatWasChosen) {
   Press("callNow");
   AwaitEnd();
   EXPECT_EQ(Text("dialTitle"), "Ann Lee was not called");
-  EXPECT_EQ(Text("dialText"), "No serial port was chosen.");
+  EXPECT_THAT(Text("dialText"), StartsWith("No serial port was chosen."));
   EXPECT_EQ(m_phone.GetCalled(), "");
 }
 
@@ -159,7 +159,7 @@ TEST_F(DialPageCalls, WhileTheModemDialsTheUserHangsUp) {
   CallAnn();
   Press("hangUp");
   AwaitEnd();
-  EXPECT_EQ(Text("dialText"), "The call was stopped.");
+  EXPECT_THAT(Text("dialText"), StartsWith("The call was stopped."));
   EXPECT_EQ(modem.End(), "ATD5551234;|ATH|");
 }
 
@@ -200,7 +200,8 @@ TEST_F(DialPageCalls, AModemThatIsUnpluggedIsReported) {
   ConnectTo(modem);
   CallAnn();
   AwaitEnd();
-  EXPECT_EQ(Text("dialText"), "The modem was unplugged during the call.");
+  EXPECT_THAT(Text("dialText"), StartsWith("The modem was unplugged during the call."));
+  EXPECT_THAT(Text("dialText"), HasSubstr("5551234")) << "Whoever wants to dial by hand sees it.";
 }
 
 TEST_F(DialPageCalls, AModemThatIsUnpluggedDuringTheCallCannotEndIt) {
@@ -223,7 +224,7 @@ TEST_F(DialPageCalls, APortInUseIsReportedAndLeftAlone) {
   ASSERT_TRUE(dialer::ChooseWay(registry, dialer::Way::kSerial));
   CallAnn();
   AwaitEnd();
-  EXPECT_EQ(Text("dialText"), "Another program uses " + modem.GetName() + ".");
+  EXPECT_THAT(Text("dialText"), StartsWith("Another program uses " + modem.GetName() + "."));
   EXPECT_EQ(modem.End(), "");
   ::close(other);
 }
@@ -261,7 +262,7 @@ TEST_F(DialPageCalls, WhileTheAppletHasTheTagsNamesAreUnderstoodAllTheSame) {
 
 TEST_F(DialPageCalls, AMissingMicrophoneIsReported) {
   m_options.microphone = Path("none.wav");
-  SayAndExpect("There is no microphone", "");
+  SayAndExpect("There is no microphone", "Plug one in");
 }
 
 TEST_F(DialPageCalls, ASilentMicrophoneIsReported) {

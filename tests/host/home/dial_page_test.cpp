@@ -161,6 +161,7 @@ TEST_F(DialPage, CallsWhoeverIsUnderstoodAfterTwoSeconds) {
   AwaitTitle("Speak now");
   AwaitTitle("Anna Berg");
   EXPECT_NE(Text("dialText").find("+49 171 555 0101"), std::string::npos);
+  EXPECT_NE(Text("dialText").find("Any key or a click stops the call."), std::string::npos);
   Pass(1500);
   EXPECT_THAT(m_called, IsEmpty());
   Pass(1000);
@@ -297,11 +298,12 @@ TEST_F(DialPage, AfterANoTheNumberThatWasCalledIsShownAgain) {
 
 TEST_F(DialPage, WhileAModemDialsAButtonHangsUp) {
   DialAnna();
+  EXPECT_NE(Text("dialText").find("Calling Anna Berg…"), std::string::npos);
   EXPECT_TRUE(Button("hangUp").hasFocus());
   EXPECT_FALSE(Button("sayName").isVisible());
   Key(Qt::Key_Space);
   AwaitTitle("Anna Berg was not called");
-  EXPECT_EQ(Text("dialText"), "The call was stopped.");
+  EXPECT_THAT(Text("dialText"), StartsWith("The call was stopped."));
   EXPECT_TRUE(Button("sayName").isVisible());
   EXPECT_FALSE(Button("hangUp").isVisible());
 }

@@ -161,7 +161,8 @@ void PaintDialing(const Look& look, const QString& folder) {
   Save(page, folder, look, "dial");
   const auto show = [&](dialer::Step step, std::vector<dialer::Callee> callees,
                         std::u16string outcome, const char* state) {
-    page.OnStep({step, std::move(callees), dialer::NotHeard::kNoMicrophone, std::move(outcome)});
+    page.OnStep(
+        {step, std::move(callees), dialer::NotHeard::kNoMicrophone, std::move(outcome), true});
     Save(page, folder, look, state);
   };
   show(dialer::Step::kUnknown, {}, {}, "dial_unknown");
@@ -169,9 +170,17 @@ void PaintDialing(const Look& look, const QString& folder) {
   show(dialer::Step::kSure, {anna}, {}, "dial_sure");
   show(dialer::Step::kOneOf, three, {}, "dial_one_of");
   show(dialer::Step::kCalling, {anna}, {}, "dial_calling");
+  show(dialer::Step::kDialling, {anna}, {}, "dial_dialling");
+  show(dialer::Step::kCalled, {anna}, u"the number was dialled", "dial_called");
+  show(dialer::Step::kInCall, {anna}, {}, "dial_in_call");
+  show(dialer::Step::kNotHungUp, {anna}, u"the modem does not take the command",
+       "dial_not_hung_up");
+  show(dialer::Step::kInCall, {anna}, {}, "dial_in_call_still");
   show(dialer::Step::kOffer, {anna}, {}, "dial_offer");
-  show(dialer::Step::kNotCalled, {anna}, u"nobody answered", "dial_not_called");
+  show(dialer::Step::kHungUp, {anna}, {}, "dial_hung_up");
+  show(dialer::Step::kNotCalled, {anna}, u"nobody answers", "dial_not_called");
   show(dialer::Step::kNothingTaught, {}, {}, "dial_nothing");
+  show(dialer::Step::kNotHeard, {}, {}, "dial_no_microphone");
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <QScrollBar>
 #include <QWheelEvent>
 
+#include "dialer/ways.h"
 #include "host/home/level_meter.h"
 #include "storage/device_paths.h"
 #include "storage/microphone_choice.h"
@@ -285,6 +286,35 @@ TEST_F(SetupPageTest, ThePortOfTheDialerIsShownAndItsWindowOpened) {
   m_canStart = false;
   Press("changePort");
   EXPECT_EQ(Text("portNews"), "voxtrel-connection could not be started.");
+}
+
+TEST_F(SetupPageTest, AWayOfCallingIsChosenAndTakenBack) {
+  const auto readWay = [this] {
+    machine::Backends backends(m_options);
+    backends.ChangeNothing();
+    return dialer::ReadWay(backends.GetRegistry());
+  };
+  Open();
+  auto* ways = Find<QComboBox>("ways");
+  EXPECT_EQ(ways->currentText(), "The first of these that works");
+  ChooseByKey(*ways, Qt::Key_End);
+  ASSERT_TRUE(Await([&] { return readWay() == dialer::Way::kPrint; }));
+  Open();
+  ways = Find<QComboBox>("ways");
+  ASSERT_TRUE(Await([&] { return ways->currentText() == "Nothing: only show the number"; }));
+  ChooseByKey(*ways, Qt::Key_Up);
+  ASSERT_TRUE(Await([&] { return readWay() == dialer::Way::kSerial; }));
+  ChooseByKey(*ways, Qt::Key_Home);
+  ASSERT_TRUE(Await([&] { return readWay() == std::nullopt; }));
+}
+
+TEST_F(SetupPageTest, AWayOfCallingThatCannotBeKeptIsNotShownAsChosen) {
+  std::filesystem::create_directory(Path("root/registry.db"));
+  Open();
+  auto* const ways = Find<QComboBox>("ways");
+  ChooseByKey(*ways, Qt::Key_End);
+  AwaitText("wayNews", "The choice could not be kept.");
+  ASSERT_TRUE(Await([&] { return ways->currentText() == "The first of these that works"; }));
 }
 
 TEST_F(SetupPageTest, ACheckFindsNothingIfNothingIsWrong) {
