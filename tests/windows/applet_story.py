@@ -159,9 +159,11 @@ class Story:
         os.chmod(browser, 0o755)
         here.wine("reg", "add", r"HKCU\Software\Wine\WineBrowser", "/v", "Browsers", "/d", browser,
                   "/f")
-        home = os.path.join(here.wine_folder, "drive_c", "Voxtrel")
+        self.install_home(os.path.join(here.wine_folder, "drive_c", "Voxtrel"))
+
+    def install_home(self, home):
         os.makedirs(home)
-        shutil.copy(applet, os.path.join(home, "voxtrel.cpl"))
+        shutil.copy(self.applet, os.path.join(home, "voxtrel.cpl"))
         shutil.copytree(os.path.join(SOURCES, "resources", "help"),
                         os.path.join(home, "data", "help"))
 
@@ -520,19 +522,24 @@ STORIES = [Story.panel_shows_name_and_icon_and_opens_the_sheet,
            Story.missing_microphone_is_said_and_ends_the_process]
 
 
+def run(story, parts):
+    """Lets the user of `story` go through its parts, in their order."""
+    try:
+        for part in parts:
+            begin = time.monotonic()
+            part(story)
+            print(f"{part.__name__}: {time.monotonic() - begin:.0f} s", flush=True)
+    except Exception:
+        story.user.shoot("windows_failure")
+        raise
+    finally:
+        story.server.end()
+
+
 def main(applet, command_line, probe, pictures, *only):
     with session.Session(screen="1024x768") as here:
         story = Story(here, applet, command_line, probe, pictures)
-        try:
-            for part in [part for part in STORIES if not only or part.__name__ in only]:
-                begin = time.monotonic()
-                part(story)
-                print(f"{part.__name__}: {time.monotonic() - begin:.0f} s", flush=True)
-        except Exception:
-            story.user.shoot("windows_failure")
-            raise
-        finally:
-            story.server.end()
+        run(story, [part for part in STORIES if not only or part.__name__ in only])
 
 
 if __name__ == "__main__":
