@@ -57,7 +57,8 @@ constexpr DWORD kListStyle =
   return {kListBox, kListStyle, WS_EX_CLIENTEDGE};
 }
 
-/// Writes the fields one after the other, as 16-bit words.
+/// Writes the fields one after the other, as 16-bit words. The record (DLGTEMPLATEEX) has no
+/// struct: its texts are as long as they are, and each control begins at a multiple of four bytes.
 class Writer {
  public:
   void Word(int value) { m_words.push_back(static_cast<std::uint16_t>(value)); }
@@ -99,7 +100,7 @@ void WriteControl(Writer& writer, const resources::ControlTemplate& control) {
   writer.Double(static_cast<DWORD>(control.id));
   writer.Word(0xFFFF);
   writer.Word(look.windowClass);
-  writer.Text(u"");  // WinDialog shows the text.
+  writer.Text(u"");  // Win32Dialog shows the text.
   writer.Word(0);    // No data for the control.
 }
 
@@ -112,8 +113,8 @@ std::vector<std::uint32_t> MakeDialogResource(const resources::DialogTemplate& d
                           ? kEach | DS_CONTROL | WS_CHILD | WS_DISABLED | WS_CAPTION
                           : kEach | DS_MODALFRAME | DS_CENTER | WS_POPUP | WS_CAPTION | WS_SYSMENU;
   Writer writer;
-  writer.Word(1);       // The version of this record,
-  writer.Word(0xFFFF);  // which by this is told from an older one.
+  writer.Word(1);       // The version of this record.
+  writer.Word(0xFFFF);  // An older record has a part of its style here, which is never this.
   writer.Double(0);     // Help.
   writer.Double(place == DialogPlace::kPage ? WS_EX_CONTROLPARENT : 0U);
   writer.Double(style);

@@ -84,15 +84,17 @@ struct Search {
 
 BOOL CALLBACK FindMarked(HWND window, LPARAM parameter) {
   auto& search = *reinterpret_cast<Search*>(parameter);
-  if (GetPropW(window, search.mark) == nullptr) {
+  DWORD process = 0;
+  GetWindowThreadProcessId(window, &process);
+  if (process == GetCurrentProcessId() || GetPropW(window, search.mark) == nullptr) {
     return TRUE;
   }
   search.found = window;
   return FALSE;
 }
 
-/// Brings the uppermost of a window and those that it owns to the front. To raise it alone would not
-/// give it the keyboard, and Wine only gives a window the keyboard without raising it.
+/// Brings the uppermost of a window and those that it owns to the front. To raise it alone would
+/// not give it the keyboard, and Wine only gives a window the keyboard without raising it.
 void BringToFront(HWND window) {
   if (window == nullptr) {
     return;

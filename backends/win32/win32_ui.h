@@ -23,8 +23,8 @@ class Win32Ui final : public platform::Ui {
   void SetOwner(HWND owner) { m_owner = owner; }
   /// Marks each sheet of this with `mark`, by which BringMarkedForward finds it.
   void SetMark(std::u16string mark) { m_mark = std::move(mark); }
-  /// Brings the sheet with that mark, which may be another program's, in front of all windows.
-  /// Returns false if none is open.
+  /// Brings the sheet with that mark of another process in front of all windows. Returns false if
+  /// no other one has it open. This process may just be opening its own, which nobody sees yet.
   [[nodiscard]] static bool BringMarkedForward(const std::u16string& mark);
   /// Brings the windows that are open in front of those of other programs.
   void BringForward() const;

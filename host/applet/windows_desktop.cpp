@@ -51,7 +51,7 @@ LibraryParts WindowsDesktop::GetParts() {
 std::int32_t WindowsDesktop::Answer(HWND parent, std::uint32_t message, std::intptr_t lParam1,
                                     std::intptr_t lParam2) {
   // The control panel that shows several applets is one process, which a second instance would end
-  // with itself. So the sheet is looked for first, whoever shows it.
+  // with itself. So another process's sheet is looked for first.
   if (message == static_cast<std::uint32_t>(CplMessage::kDblClk) &&
       win32::Win32Ui::BringMarkedForward(m_mark)) {
     return m_library.Answer(static_cast<std::uint32_t>(CplMessage::kStop), lParam1, lParam2);

@@ -355,6 +355,18 @@ class Story:
             process.kill()
         user.await_gone("Wine Control Panel")
 
+    def another_program_that_has_the_tags_is_reported(self):
+        """It has no window that could come forward."""
+        user = self.user
+        holder = self.here.start(self.user.probe, "--hold", stdout=subprocess.PIPE)
+        assert holder.stdout.readline().strip() == b"held"
+        panel = self.here.start("control.exe", r"C:\Voxtrel\voxtrel.cpl")
+        box = user.await_window("Zedra Voxtrel")
+        assert any("in use by another program" in control["text"] for control in box["controls"]), box
+        user.press("Return")
+        session.wait_until(lambda: panel.poll() is not None, "The second instance has ended")
+        holder.kill()
+
     def closing_while_it_records_does_nothing(self):
         user = self.user
         panel = self.open()
@@ -512,6 +524,7 @@ STORIES = [Story.panel_shows_name_and_icon_and_opens_the_sheet,
            Story.ann_is_learned_from_the_microphone,
            Story.play_is_heard,
            Story.second_instance_brings_the_first_one_forward_and_ends,
+           Story.another_program_that_has_the_tags_is_reported,
            Story.closing_while_it_records_does_nothing,
            Story.test_lists_both_tags_and_help_opens_its_own_page,
            Story.about_shows_itself_and_its_link_is_pressed,

@@ -1,12 +1,19 @@
-// Prints what stands on the screen of Wine, for tests that act there as a user: one JSON object for
-// each window that a program shows, with its controls and, of a list, its items.
+// What tests that act as a user of Wine need from inside:
+//
+//   windows_probe           prints what stands on the screen: one JSON object for each window that
+//   a
+//                           program shows, with its controls and, of a list, its items
+//   windows_probe KEY       prints the values of a key of the registry
+//   windows_probe --hold    holds the voice tags, as a command does, until it is ended
 
 #include <cstdio>
 #include <string>
 
+#include "backends/win32/win32_threads.h"
 #include "backends/win32/windows.h"
+#include "host/machine/system.h"
 
-// After the header above, without which it does not compile.
+// After the headers above, without which it does not compile.
 #include <commctrl.h>
 
 namespace {
@@ -140,9 +147,25 @@ void PrintValues(const wchar_t* name) {
   RegCloseKey(key);
 }
 
+int HoldTags() {
+  const auto root = machine::FindDefaultRoot();
+  if (!root) {
+    return 1;
+  }
+  win32::Win32Threads threads(machine::ToName(root->lexically_normal()));
+  const auto held = threads.CreateNamedMutex(u"ZedraD");
+  std::printf("%s\n", held ? "held" : "failed");
+  std::fflush(stdout);
+  Sleep(INFINITE);
+  return 0;
+}
+
 }  // namespace
 
 int wmain(int count, wchar_t** arguments) {
+  if (count > 1 && std::wstring(arguments[1]) == L"--hold") {
+    return HoldTags();
+  }
   if (count > 1) {
     PrintValues(arguments[1]);
   } else {

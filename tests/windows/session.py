@@ -189,9 +189,9 @@ class Session:
                              stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, timeout=300)
         return run.stdout.decode(errors="replace")
 
-    def start(self, *arguments):
-        process = subprocess.Popen([find_wine(), *arguments], env=self.environment(),
-                                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    def start(self, *arguments, stdout=subprocess.DEVNULL):
+        process = subprocess.Popen([find_wine(), *arguments], env=self.environment(), stdout=stdout,
+                                   stderr=subprocess.DEVNULL)
         self._processes.append(process)
         return process
 
