@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Makes sets of made-up speakers who say short words, each several times and never twice alike.
 
-    make_speakers.py FOLDER [--sets NAME...] [--half tune|held-out] [--speakers N] [--takes N]
+    make_speakers.py FOLDER [--sets NAME...] [--half tune|held-out|recorded] [--speakers N] [--takes N]
                             [--words N] [--variation X]
 
 Each set is a folder FOLDER/HALF-NAME of LABEL_SPEAKER_TAKE.wav, which `voxtrel dial --evaluate` judges.
@@ -10,24 +10,24 @@ synthesizer says a word alike each time: speed, melody, stress, where in the wor
 resonances that drift, the loudness of each sound, the microphone's distance, the room. --variation
 scales all of it: 1 is what makes the documented template distance as often right as it is on real
 speech. Each take follows from its name alone. The held-out half has other voices and other words.
+The half "recorded" is made only if it is named: voices that real people's recordings were joined to
+(recorded_voices.py), which need packages that nothing else needs.
 """
 
 import argparse
-import hashlib
 import multiprocessing
 import os
 import random
-import struct
-import subprocess
+import sys
 
 import numpy as np
 
-HERTZ = 22050  # What espeak-ng makes.
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "../support"))
+import recorded_voices
+from burdens import BURDENS, as_any_file
+from sounds import (ESPEAK_HERTZ as HERTZ, MICROPHONES, VOICES, at_rate, band, chance, db, espeak,
+                    read_wave, rms, shaped, speech_level, trimmed, wave_bytes)
 
-VOICES = {
-    "tune": "en-us de fr-fr es it sv nl pl hu el tr ru".split(),
-    "held-out": "en-gb en-gb-scotland pt-br ro cs fi da nb hr sk id sq".split(),
-}
 VARIANTS = {
     "tune": " +f1 +f3 +f5 +m1 +m3 +m5 +m7 +linda +edward +max +steph".split(" "),
     "held-out": " +f2 +f4 +m2 +m4 +m6 +m8 +belinda +Andy +Annie +Mike +grandma".split(" "),
@@ -52,46 +52,58 @@ WORDS = {
 }
 
 
-def db(value):
-    return 10 ** (value / 20)
-
-
-def rms(x):
-    return float(np.sqrt(np.mean(np.square(x)))) + 1e-12
-
-
 # --- A speaker and a take ---------------------------------------------------------------------
 
 
 class Speaker:
     def __init__(self, half, name, number):
         r = random.Random(f"{half} {name} {number}")
-        self.voice = r.choice(VOICES[half]) + r.choice(VARIANTS[half])
-        self.speed = r.randint(135, 185)
-        self.pitch = r.randint(25, 75)
-        self.tract = r.uniform(0.9, 1.12)
+        self.person = number % len(recorded_voices.PEOPLE) if half == "recorded" else None
+        if self.person is None:
+            self.voice = r.choice(VOICES[half]) + r.choice(VARIANTS[half])
+            self.speed = r.randint(135, 185)
+            self.pitch = r.randint(25, 75)
+            self.tract = r.uniform(0.9, 1.12)
+            self.words = WORDS[half][number % len(WORDS[half])].split()
+        else:
+            self.tract = 1.0
+            self.words = recorded_voices.words_of(self.person)
         self.microphone = r.choice(list(MICROPHONES))
         self.colour = r.choice(["white", "pink", "hum", "fan"])
-        self.words = WORDS[half][number % len(WORDS[half])].split()
+
+
+# A mark after the word changes its melody and the length of its last syllable.
+MARKS = [".", ".", ".", "!", "?", ","]
 
 
 def say(speaker, r, word, variation, scratch):
     """The word as this speaker says it now, at HERTZ."""
-    path = f"{scratch}/.{os.getpid()}.wav"
     speed = speaker.speed * np.exp(variation * r.gauss(0, 0.05))
     pitch = speaker.pitch + variation * r.gauss(0, 3.5)
-    # A mark after the word changes its melody and the length of its last syllable.
-    mark = r.choice([".", ".", ".", "!", "?", ","]) if variation > 0 else "."
-    subprocess.run(["espeak-ng", "-v", speaker.voice, "-s", str(int(np.clip(speed, 85, 400))), "-p",
-                    str(int(np.clip(pitch, 0, 99))), "-w", path, word + mark],
-                   check=True, stderr=subprocess.DEVNULL)
-    with open(path, "rb") as file:
-        raw = file.read()[44:]
-    os.remove(path)
-    x = np.frombuffer(raw[: len(raw) // 2 * 2], "<i2").astype(float)
-    loud = np.flatnonzero(np.abs(x) > np.abs(x).max() * 0.01)
-    x = x[loud[0]: loud[-1] + 1]
-    return x / np.abs(x).max()
+    mark = r.choice(MARKS) if variation > 0 else "."
+    return espeak(speaker.voice, int(np.clip(speed, 85, 400)), int(np.clip(pitch, 0, 99)), word + mark, scratch)
+
+
+def said_path(folder, person, word, take):
+    return f"{folder}/.said/{person}_{word}_{take}.wav"
+
+
+def say_all(task):
+    """Lets a person of recorded_voices say all words, once for all sets."""
+    folder, person, words, takes = task
+    sayings = []
+    for word in range(words):
+        for take in range(takes):
+            r, _ = chance(f"said {person} {word} {take}")
+            text = recorded_voices.words_of(person)[word] + r.choice(MARKS)
+            sayings.append((said_path(folder, person, word, take), text, float(np.exp(r.gauss(0, 0.05))),
+                            float(np.exp(r.gauss(0, 0.06)))))
+    recorded_voices.say_all(person, recorded_voices.missing(sayings))
+
+
+def said(path):
+    x, hertz = read_wave(path)
+    return at_rate(x, hertz, HERTZ)
 
 
 def smooth(g, n, knots, sigma):
@@ -186,38 +198,14 @@ def vary(g, x, speaker, variation):
     return x / np.abs(x).max()
 
 
-# --- Rooms and microphones --------------------------------------------------------------------
-
-
-def shaped(x, gain_of, hertz=HERTZ):
-    size = 1 << int(np.ceil(np.log2(len(x) + 1024)))
-    f = np.fft.rfftfreq(size, 1 / hertz)
-    return np.fft.irfft(np.fft.rfft(x, size) * gain_of(f), size)[: len(x)]
-
-
-def band(low, high, slope=12.0):
-    def gain(f):
-        f = np.maximum(f, 1)
-        power = slope / 6.02
-        return 1 / np.sqrt(1 + (low / f) ** (2 * power)) / np.sqrt(1 + (f / high) ** (2 * power))
-    return gain
-
-
-MICROPHONES = {
-    "flat": lambda f: np.ones_like(f),
-    "telephone": band(300, 3400, 24),
-    "laptop": lambda f: band(180, 4800)(f) * (1 + 0.8 * np.exp(-((f - 2600) / 500) ** 2)),
-    "headset": lambda f: band(110, 5000)(f) * (1 + 1.2 * np.exp(-((f - 3500) / 900) ** 2)),
-    "bass": lambda f: 1 + 1.5 / (1 + (f / 250) ** 2),
-    "thin": band(350, 5300, 12),
-}
+# --- Rooms --------------------------------------------------------------------
 
 
 def noise(g, colour, n):
     """Noise of a room, rms 1."""
     white = g.standard_normal(n + 2048)
     t = np.arange(n) / HERTZ
-    pink = shaped(white, lambda f: np.maximum(f, 20) ** -0.5)[1024: 1024 + n]
+    pink = shaped(white, lambda f: np.maximum(f, 20) ** -0.5, HERTZ)[1024: 1024 + n]
     if colour == "white":
         x = white[:n]
     elif colour == "pink":
@@ -226,19 +214,14 @@ def noise(g, colour, n):
         x = sum(g.uniform(0.1, 1) / k * np.sin(2 * np.pi * (50 * k * t + g.random())) for k in range(1, 8))
         x = x / rms(x) + 0.15 * pink / rms(pink)
     else:
-        x = shaped(white, band(g.uniform(60, 150), g.uniform(300, 1200)))[1024: 1024 + n]
+        x = shaped(white, band(g.uniform(60, 150), g.uniform(300, 1200)), HERTZ)[1024: 1024 + n]
         x = x / rms(x) + 0.3 * pink / rms(pink)
     return x / rms(x)
 
 
-def speech_level(x):
-    n = len(x) // 220
-    powers = np.mean(np.square(x[: n * 220].reshape(n, 220)), axis=1)
-    return float(np.sqrt(np.mean(powers[powers > powers.max() * db(-25) ** 2])))
-
-
 # What a set is: pauses before and after the word in seconds, the room below the speech in decibels,
-# the rate of its files, and how much the takes of a speaker differ.
+# the rate of its files, and how much the takes of a speaker differ. "edge" is below the peak what is
+# cut off at both ends of the word; "peak" is the level of the file.
 SETS = {
     "quiet": dict(before=(0, 0.03), after=(0, 0.03), snr=(32, 45), hertz=8000, variation=1.0),
     "whole": dict(before=(0.2, 1.2), after=(0.4, 1.2), snr=(30, 40), hertz=11025, variation=1.0),
@@ -248,7 +231,14 @@ SETS = {
                   microphones=True),
     "hard": dict(before=(0, 0.3), after=(0, 0.3), snr=(25, 40), hertz=11025, variation=1.6),
     "easy": dict(before=(0.2, 0.8), after=(0.3, 0.8), snr=(30, 40), hertz=11025, variation=0.5),
+    "tight": dict(before=(0, 0), after=(0, 0), snr=(32, 45), hertz=8000, variation=1.0, edge=20),
+    "long": dict(before=(1, 2), after=(1, 2), snr=(30, 40), hertz=8000, variation=1.0),
+    "soft": dict(before=(0.1, 0.5), after=(0.1, 0.5), snr=(30, 40), hertz=8000, variation=1.0, peak=(35, 35)),
+    "formats": dict(before=(0, 0.5), after=(0, 0.5), snr=(30, 40), hertz=(8000, 16000, 44100, 48000),
+                    variation=1.0),
 }
+SETS |= {name: dict(before=(0.1, 0.4), after=(0.1, 0.4), snr=(30, 40), hertz=8000, variation=1.0)
+         for name in BURDENS}
 
 
 def make_take(task):
@@ -256,41 +246,33 @@ def make_take(task):
     traits = SETS[name]
     speaker = Speaker(half, name, number)
     label = speaker.words[word]
-    seed = f"{half} {name} {number} {word} {take}"
-    r = random.Random(seed)
-    g = np.random.default_rng(int.from_bytes(hashlib.sha256(seed.encode()).digest()[:8], "big"))
+    r, g = chance(f"{half} {name} {number} {word} {take}")
     variation = traits["variation"] * scale
-    x = vary(g, say(speaker, r, label, variation, folder), speaker, variation)
+    x = (say(speaker, r, label, variation, folder) if speaker.person is None
+         else said(said_path(folder, speaker.person, word, take)))
+    x = trimmed(x, 0.01)
+    x = vary(g, x / np.abs(x).max(), speaker, variation)
     microphone = r.choice(list(MICROPHONES)) if traits.get("microphones") else speaker.microphone
-    loud = np.flatnonzero(np.abs(x) > np.abs(x).max() * db(-38))
-    x = x[loud[0]: loud[-1] + 1]
-    level = speech_level(x)
+    x = trimmed(x, db(-traits.get("edge", 38)))
+    level = speech_level(x, 220)
     x = np.concatenate([np.zeros(int(r.uniform(*traits["before"]) * HERTZ)), x,
                         np.zeros(int(r.uniform(*traits["after"]) * HERTZ))])
     x += noise(g, speaker.colour, len(x)) * level * db(-r.uniform(*traits["snr"]))
-    x = shaped(np.concatenate([x, np.zeros(64)]), MICROPHONES[microphone])[: len(x)]
-    hertz = traits["hertz"]
-    size = len(x)
-    # By the transform: nothing above the new rate's half is left.
-    count = int(size * hertz / HERTZ)
-    spectrum = np.fft.rfft(x)
-    kept = np.zeros(count // 2 + 1, complex)
-    m = min(len(kept), len(spectrum))
-    kept[:m] = spectrum[:m]
-    x = np.fft.irfft(kept, count)
-    x = x / np.abs(x).max() * db(-r.uniform(3, 20))
-    data = np.clip(np.round(x * 32768), -32768, 32767).astype("<i2").tobytes()
-    target = f"{folder}/{half}-{name}"
-    with open(f"{target}/{label}_{half[0]}{number}_{take}.wav", "wb") as file:
-        file.write(struct.pack("<4sI8sIHHIIHH4sI", b"RIFF", len(data) + 36, b"WAVEfmt ", 16, 1, 1, hertz,
-                               hertz * 2, 2, 16, b"data", len(data)) + data)
+    if name in BURDENS:
+        x = BURDENS[name](r, g, x, level, HERTZ)
+    x = shaped(np.concatenate([x, np.zeros(64)]), MICROPHONES[microphone], HERTZ)[: len(x)]
+    hertz = traits["hertz"] if name != "formats" else r.choice(traits["hertz"])
+    x = at_rate(x, HERTZ, hertz)
+    x = x / np.abs(x).max() * db(-r.uniform(*traits.get("peak", (3, 20))))
+    with open(f"{folder}/{half}-{name}/{label}_{half[0]}{number}_{take}.wav", "wb") as file:
+        file.write(as_any_file(r, x, hertz) if name == "formats" else wave_bytes(x, hertz))
 
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__.split("\n")[0])
     parser.add_argument("folder")
     parser.add_argument("--sets", nargs="+", choices=list(SETS), default=list(SETS))
-    parser.add_argument("--half", choices=["tune", "held-out"])
+    parser.add_argument("--half", choices=["tune", "held-out", "recorded"])
     parser.add_argument("--speakers", type=int, default=6)
     parser.add_argument("--takes", type=int, default=10)
     parser.add_argument("--words", type=int, default=10, help="so many of the ten words of a speaker")
@@ -303,7 +285,11 @@ def main():
     tasks = [(arguments.folder, half, name, number, word, take, arguments.variation)
              for half in halves for name in arguments.sets for number in range(arguments.speakers)
              for word in range(arguments.words) for take in range(arguments.takes)]
+    os.makedirs(f"{arguments.folder}/.said", exist_ok=True)
+    people = min(arguments.speakers, len(recorded_voices.PEOPLE)) if "recorded" in halves else 0
     with multiprocessing.Pool() as pool:
+        pool.map(say_all, [(arguments.folder, person, arguments.words, arguments.takes)
+                           for person in range(people)])
         for _ in pool.imap_unordered(make_take, tasks, chunksize=20):
             pass
 

@@ -41,7 +41,7 @@ def main():
     print("| --- |" + 8 * " --- |")
     for name in sorted(os.listdir(arguments.folder)):
         folder = os.path.join(arguments.folder, name)
-        if not os.path.isdir(folder):
+        if name.startswith(".") or not os.path.isdir(folder):
             continue
         rates = {takes: measure(arguments.program, folder, takes) for takes in LIMITS}
         cells = [f"{100 * rate:.1f}" for takes in LIMITS for rate in rates[takes]]

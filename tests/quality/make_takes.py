@@ -1,35 +1,38 @@
 #!/usr/bin/python3
 """Makes a labelled set of takes: recordings as a microphone hands them over, good ones and bad ones.
 
-    make_takes.py FOLDER [--good N] [--bad N] [--half tune|held-out] [--repetitions]
+    make_takes.py FOLDER [--good N] [--bad N] [--half tune|held-out|recorded] [--repetitions]
 
 The speakers are espeak-ng's. Rooms, microphones, levels and faults are made here. Each take follows
 from its name alone, so the same versions of espeak-ng and numpy give the same set. FOLDER/takes.tsv
 names each file with its kind, its half and how it was made. The held-out half has other voices,
-other words and other draws than the tuning half, and nobody looks at it while choosing limits.
+other words and other draws than the tuning half, and nobody looks at it while choosing limits. The
+half "recorded" is made only if it is named: voices that real people's recordings were joined to
+(recorded_voices.py), which need packages that nothing else needs.
 
 With --repetitions it makes FOLDER/repetitions.tsv as well: the same names said three times each by the
 same speakers, a little faster or slower and higher or lower, in quiet rooms.
 """
 
 import argparse
-import hashlib
 import multiprocessing
 import os
 import random
-import struct
-import subprocess
+import sys
 
 import numpy as np
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "../support"))
+import recorded_voices
+import sounds
+from sounds import VOICES, at_rate, band, chance, db, espeak, read_wave, rms, trimmed, wave_bytes
 
 RATE = 11025
 TAKE = 3 * RATE
 FULL_SCALE = 32768.0
 
-VOICES = {
-    "tune": "en-us de fr-fr es it sv nl pl hu el ru tr".split(),
-    "held-out": "en-gb en-gb-scotland pt-br ro cs fi da nb hr sk id sq".split(),
-}
+MICROPHONES = sounds.MICROPHONES | {"dull": band(60, 1800, 12)}
+
 VARIANTS = {
     "tune": " +f1 +f3 +f5 +m1 +m3 +m5 +m7 +klatt +klatt3 +croak +linda +edward +max +steph".split(" "),
     "held-out": " +f2 +f4 +m2 +m4 +m6 +m8 +klatt2 +klatt4 +belinda +Andy +Annie +Mike +grandma".split(" "),
@@ -58,14 +61,6 @@ def words_of(half):
     return [word.strip() for line in WORDS[half].split("\n") for word in line.split(";") if word.strip()]
 
 
-def db(value):
-    return 10 ** (value / 20)
-
-
-def rms(x):
-    return float(np.sqrt(np.mean(np.square(x)))) + 1e-12
-
-
 # --- Speech -----------------------------------------------------------------------------------
 
 
@@ -78,27 +73,50 @@ def halved(x):
 
 def say(voice, speed, pitch, word, scratch):
     """The word without silence at its ends; peak 1. Empty if nothing sounds."""
-    path = f"{scratch}/{os.getpid()}.wav"
-    subprocess.run(["espeak-ng", "-v", voice, "-s", str(speed), "-p", str(pitch), "-w", path, word],
-                   check=True, stderr=subprocess.DEVNULL)
-    with open(path, "rb") as file:
-        raw = file.read()[44:]
-    x = halved(np.frombuffer(raw[: len(raw) // 2 * 2], "<i2").astype(float))
-    loud = np.flatnonzero(np.abs(x) > np.abs(x).max() * 0.004)
-    if len(loud) < 100:
-        return np.zeros(0)
-    x = x[loud[0]: loud[-1] + 1]
-    return x / np.abs(x).max()
+    x = trimmed(halved(espeak(voice, speed, pitch, word, scratch)), 0.004)
+    return x / np.abs(x).max() if len(x) >= 100 else np.zeros(0)
+
+
+SAYINGS = 3  # How often each word of a person of recorded_voices is said in another way.
+
+
+def said_path(folder, person, word, saying):
+    return f"{folder}/.said/{person}_{word}_{saying}.wav"
+
+
+def say_all(task):
+    """Lets a person of recorded_voices say all words."""
+    folder, person = task
+    sayings = []
+    for word, text in enumerate(recorded_voices.words_of(person)):
+        for saying in range(SAYINGS):
+            r, _ = chance(f"take {person} {word} {saying}")
+            sayings.append((said_path(folder, person, word, saying), text + r.choice([".", "!", "?"]),
+                            r.uniform(0.75, 1.3), r.uniform(0.85, 1.2)))
+    recorded_voices.say_all(person, recorded_voices.missing(sayings))
+
+
+def said(r, folder):
+    """A word of a person of recorded_voices, as say() gives it."""
+    person = r.randrange(len(recorded_voices.PEOPLE))
+    word = r.randrange(len(recorded_voices.words_of(person)))
+    x, hertz = read_wave(said_path(folder, person, word, r.randrange(SAYINGS)))
+    x = trimmed(at_rate(x, hertz, RATE), 0.004)
+    return x / np.abs(x).max(), f"{recorded_voices.PEOPLE[person][1]} '{recorded_voices.words_of(person)[word]}'"
 
 
 def speak(r, half, scratch):
     """Some word of some speaker, at most 2.5 s long."""
     while True:
-        voice = r.choice(VOICES[half]) + r.choice(VARIANTS[half])
-        word = r.choice(words_of(half))
-        x = say(voice, r.randint(110, 220), r.randint(20, 90), word, scratch)
+        if half == "recorded":
+            x, made = said(r, scratch)
+        else:
+            voice = r.choice(VOICES[half]) + r.choice(VARIANTS[half])
+            word = r.choice(words_of(half))
+            x = say(voice, r.randint(110, 220), r.randint(20, 90), word, scratch)
+            made = f"{voice} '{word}'"
         if 0.1 * RATE <= len(x) <= 2.5 * RATE:
-            return x, f"{voice} '{word}'"
+            return x, made
 
 
 def humanize(r, x):
@@ -130,30 +148,7 @@ def humanize(r, x):
 
 
 def shaped(x, gain_of):
-    """Filters by a gain for each frequency."""
-    size = 1 << int(np.ceil(np.log2(len(x) + 1024)))
-    spectrum = np.fft.rfft(x, size)
-    f = np.fft.rfftfreq(size, 1 / RATE)
-    return np.fft.irfft(spectrum * gain_of(f), size)[: len(x)]
-
-
-def band(low, high, slope=12.0):
-    def gain(f):
-        f = np.maximum(f, 1)
-        power = slope / 6.02
-        return 1 / np.sqrt(1 + (low / f) ** (2 * power)) / np.sqrt(1 + (f / high) ** (2 * power))
-    return gain
-
-
-MICROPHONES = {
-    "flat": lambda f: np.ones_like(f),
-    "telephone": band(300, 3400, 24),
-    "laptop": lambda f: band(180, 4800)(f) * (1 + 0.8 * np.exp(-((f - 2600) / 500) ** 2)),
-    "headset": lambda f: band(110, 5000)(f) * (1 + 1.2 * np.exp(-((f - 3500) / 900) ** 2)),
-    "bass": lambda f: 1 + 1.5 / (1 + (f / 250) ** 2),
-    "thin": band(350, 5300, 12),
-    "dull": band(60, 1800, 12),
-}
+    return sounds.shaped(x, gain_of, RATE)
 
 
 def reverberated(r, x):
@@ -171,9 +166,7 @@ def reverberated(r, x):
 
 
 def decaying(g, n, frequency, time):
-    """One click or knock."""
-    t = np.arange(n) / RATE
-    return (0.6 * np.sin(2 * np.pi * frequency * t) + 0.4 * g.standard_normal(n)) * np.exp(-t / time)
+    return sounds.decaying(g, n, frequency, time, RATE)
 
 
 def clicks(r, g, n, rate):
@@ -234,19 +227,14 @@ def noise(r, colour, n, half, scratch):
 
 
 def breath(r, g):
-    n = int(r.uniform(0.12, 0.35) * RATE)
-    x = shaped(g.standard_normal(n), band(r.uniform(300, 800), r.uniform(1500, 4000)))
-    return x / np.abs(x).max() * np.hanning(n) ** 0.7
+    return sounds.breath(r, g, RATE)
 
 
 # --- Takes --------------------------------------------------------------------------------------
 
 
 def speech_level(x):
-    """Rms of the parts of speech that are within 25 dB of its loudest."""
-    n = len(x) // 110
-    powers = np.mean(np.square(x[: n * 110].reshape(n, 110)), axis=1) if n else np.square(x)
-    return float(np.sqrt(np.mean(powers[powers > powers.max() * db(-25) ** 2])))
+    return sounds.speech_level(x, 110)
 
 
 def put(take, at, x):
@@ -457,17 +445,10 @@ KINDS = {f.__name__.replace("_", "-"): f for f in (
     good, silent, soft, clipped, no_speech, noisy, cut_start, cut_end, short, rate)}
 
 
-def wave_bytes(samples, hertz):
-    data = np.clip(np.round(samples * FULL_SCALE), -32768, 32767).astype("<i2").tobytes()
-    return struct.pack("<4sI8sIHHIIHH4sI", b"RIFF", len(data) + 44, b"WAVEfmt ", 16, 1, 1, hertz,
-                       hertz * 2, 2, 16, b"data", len(data)) + data
-
-
 def make(task):
     folder, half, kind, index = task
     name = f"{half}_{kind}_{index:04}"
-    seed = int.from_bytes(hashlib.sha256(name.encode()).digest()[:8], "big")
-    r = random.Random(seed)
+    r = random.Random(sounds.number_of(name))
     take, made = KINDS[kind](r, half, folder)
     hertz = r.choice([8000, 16000, 22050, 44100, 48000]) if kind == "rate" else RATE
     with open(f"{folder}/{name}.wav", "wb") as file:
@@ -497,7 +478,7 @@ def main():
     parser.add_argument("folder")
     parser.add_argument("--good", type=int, default=1500, help="good takes in each half")
     parser.add_argument("--bad", type=int, default=200, help="bad takes of each kind in each half")
-    parser.add_argument("--half", choices=["tune", "held-out"])
+    parser.add_argument("--half", choices=["tune", "held-out", "recorded"])
     parser.add_argument("--repetitions", action="store_true")
     arguments = parser.parse_args()
     os.makedirs(arguments.folder, exist_ok=True)
@@ -506,6 +487,10 @@ def main():
              for half in halves
              for kind in KINDS
              for i in range(arguments.good if kind == "good" else arguments.bad)]
+    if "recorded" in halves:
+        os.makedirs(f"{arguments.folder}/.said", exist_ok=True)
+        with multiprocessing.Pool() as pool:
+            pool.map(say_all, [(arguments.folder, person) for person in range(len(recorded_voices.PEOPLE))])
     with multiprocessing.Pool() as pool, open(f"{arguments.folder}/takes.tsv", "w") as table:
         table.writelines(pool.imap(make, tasks, chunksize=20))
         if arguments.repetitions:
@@ -513,9 +498,6 @@ def main():
                     for speaker in range(10) for word in range(0, 50, 2) for time in range(3)]
             with open(f"{arguments.folder}/repetitions.tsv", "w") as table:
                 table.writelines(pool.imap(repeat, said, chunksize=20))
-    for name in os.listdir(arguments.folder):
-        if name.removesuffix(".wav").isdigit():
-            os.remove(f"{arguments.folder}/{name}")
 
 
 if __name__ == "__main__":
