@@ -30,15 +30,17 @@ constexpr std::size_t kMostPairs = 3'000'000;
 //
 // How much of it untaught words have differs from one list of names to the next: if Kim and Tim are
 // taught, Jim has a lot. So each tag is once heard as if its number had not been taught. Four in
-// five of these tags have less evidence than `untaught`, and a take has to have more than its
-// square root times a constant. docs/accuracy.md shows from which measurements the constants come.
+// five of these tags have less evidence than `untaught`, and a take has to have more than this to
+// the power of 3/4 times a constant: what few tags teach is partly chance, so it is not taken at
+// its full word. docs/accuracy.md shows from which measurements the constants come.
 
 /// What the evidence is multiplied with.
 struct Limits {
   float sure;
   float some;
 };
-constexpr Limits kLimits{2.4F, 1.0F};
+constexpr Limits kLimits{2.0F, 1.0F};
+constexpr float kUntaughtPower = 0.75F;
 /// A tie is never sure: if two numbers are this near to each other, the caller is asked which one
 /// is meant, however unlike nonsense both are. So it is for two numbers that were taught with the
 /// same word, and for two takes that speak for different numbers.
@@ -48,7 +50,7 @@ constexpr Limits kTemplateLimits{6.0F, 1.1F};
 
 /// What untaught words have usually. If few names are taught, little is learned from them, so this
 /// counts as much as two of them.
-constexpr float kUsualUntaught = 2.5F;
+constexpr float kUsualUntaught = 2.0F;
 constexpr std::size_t kUsualCounts = 2;
 constexpr double kUntaughtShare = 0.8;
 /// No more is learned from one tag. Two numbers that were taught with the same recording would make
@@ -280,9 +282,10 @@ Answer Recognizer::Recognize(std::span<const Utterance> takes) const {
   const Limits& limits = m_steps == Steps::kBoth ? kLimits : kTemplateLimits;
   const float evidence = comparison.Evidence();
   // Names that sound alike make it harder to be sure, and no harder to ask.
-  const bool isSure =
-      evidence >= limits.sure * std::sqrt(m_untaught) && comparison.Lead() >= kLeastLead;
-  const bool isSome = evidence >= limits.some * std::sqrt(std::min(m_untaught, kUsualUntaught));
+  const bool isSure = evidence >= limits.sure * std::pow(m_untaught, kUntaughtPower) &&
+                      comparison.Lead() >= kLeastLead;
+  const bool isSome =
+      evidence >= limits.some * std::pow(std::min(m_untaught, kUsualUntaught), kUntaughtPower);
   return {isSure   ? Certainty::kSure
           : isSome ? Certainty::kOneOf
                    : Certainty::kUnknown,

@@ -35,7 +35,7 @@ struct Tables {
     }
     // The higher cepstra are smaller. The lifter makes all of them count (Juang 1987). It is 1 at
     // its height.
-    constexpr double kLifter = 22;
+    constexpr double kLifter = 16;
     for (std::size_t c = 0; c < SpeechFeatures::kCepstra; ++c) {
       const auto order = static_cast<double>(c + 1);
       const double lifter =
@@ -223,10 +223,11 @@ SpeechFeatures::SpeechFeatures(std::span<const std::int16_t> samples) {
 }
 
 /// The slope of the line through five times, by least squares. Beyond the ends the first and the
-/// last time are held. The spread of slopes is about a third of that of the cepstra, so they are
-/// raised to count as much.
+/// last time are held. The spread of slopes is about a third of that of the cepstra. They are
+/// raised to count four times as much in the squares: how the mouth moves is steadier than where it
+/// is.
 void SpeechFeatures::AddSlopes() {
-  constexpr float kWeight = 3;
+  constexpr float kWeight = 6;
   constexpr float kSquares = 10;  ///< 1 + 4, on both sides.
   for (std::size_t c = 0; c < kCepstra; ++c) {
     const auto from = Get(c);

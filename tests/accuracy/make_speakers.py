@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Makes sets of made-up speakers who say short words, each several times and never twice alike.
 
-    make_speakers.py FOLDER [--sets NAME...] [--half tune|held-out|recorded] [--speakers N] [--takes N]
+    make_speakers.py FOLDER [--sets NAME...] [--half tune|held-out|recorded|alike] [--speakers N] [--takes N]
                             [--words N] [--variation X]
 
 Each set is a folder FOLDER/HALF-NAME of LABEL_SPEAKER_TAKE.wav, which `voxtrel dial --evaluate` judges.
@@ -10,8 +10,9 @@ synthesizer says a word alike each time: speed, melody, stress, where in the wor
 resonances that drift, the loudness of each sound, the microphone's distance, the room. --variation
 scales all of it: 1 is what makes the documented template distance as often right as it is on real
 speech. Each take follows from its name alone. The held-out half has other voices and other words.
-The half "recorded" is made only if it is named: voices that real people's recordings were joined to
-(recorded_voices.py), which need packages that nothing else needs.
+The halves "recorded" and "alike" are made only if they are named: voices that are joined from real
+people's recordings (recorded_voices.py), and need packages that nothing else needs. In "alike" four of
+them say ten names each that sound alike.
 """
 
 import argparse
@@ -58,7 +59,10 @@ WORDS = {
 class Speaker:
     def __init__(self, half, name, number):
         r = random.Random(f"{half} {name} {number}")
-        self.person = number % len(recorded_voices.PEOPLE) if half == "recorded" else None
+        self.person = None
+        if half in recorded_voices.HALVES:
+            people = recorded_voices.HALVES[half]
+            self.person = people[number % len(people)]
         if self.person is None:
             self.voice = r.choice(VOICES[half]) + r.choice(VARIANTS[half])
             self.speed = r.randint(135, 185)
@@ -272,7 +276,7 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__.split("\n")[0])
     parser.add_argument("folder")
     parser.add_argument("--sets", nargs="+", choices=list(SETS), default=list(SETS))
-    parser.add_argument("--half", choices=["tune", "held-out", "recorded"])
+    parser.add_argument("--half", choices=["tune", "held-out", *recorded_voices.HALVES])
     parser.add_argument("--speakers", type=int, default=6)
     parser.add_argument("--takes", type=int, default=10)
     parser.add_argument("--words", type=int, default=10, help="so many of the ten words of a speaker")
@@ -286,10 +290,11 @@ def main():
              for half in halves for name in arguments.sets for number in range(arguments.speakers)
              for word in range(arguments.words) for take in range(arguments.takes)]
     os.makedirs(f"{arguments.folder}/.said", exist_ok=True)
-    people = min(arguments.speakers, len(recorded_voices.PEOPLE)) if "recorded" in halves else 0
+    people = {Speaker(half, name, number).person for half in halves for name in arguments.sets
+              for number in range(arguments.speakers)} - {None}
     with multiprocessing.Pool() as pool:
         pool.map(say_all, [(arguments.folder, person, arguments.words, arguments.takes)
-                           for person in range(people)])
+                           for person in sorted(people)])
         for _ in pool.imap_unordered(make_take, tasks, chunksize=20):
             pass
 

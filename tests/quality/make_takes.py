@@ -7,8 +7,8 @@ The speakers are espeak-ng's. Rooms, microphones, levels and faults are made her
 from its name alone, so the same versions of espeak-ng and numpy give the same set. FOLDER/takes.tsv
 names each file with its kind, its half and how it was made. The held-out half has other voices,
 other words and other draws than the tuning half, and nobody looks at it while choosing limits. The
-half "recorded" is made only if it is named: voices that real people's recordings were joined to
-(recorded_voices.py), which need packages that nothing else needs.
+half "recorded" is made only if it is named: voices that are joined from real people's
+recordings (recorded_voices.py), and need packages that nothing else needs.
 
 With --repetitions it makes FOLDER/repetitions.tsv as well: the same names said three times each by the
 same speakers, a little faster or slower and higher or lower, in quiet rooms.
