@@ -56,9 +56,11 @@ constexpr double kUntaughtShare = 0.8;
 /// No more is learned from one tag. Two numbers that were taught with the same recording would make
 /// the evidence endless, and then nothing that is said would be known.
 constexpr float kMostUntaughtEvidence = 10.0F;
-/// So many tags are heard as if they were not taught, as long as there is time.
+/// So many tags are heard as if they were not taught, as long as there is time. What they are taken
+/// for is among the tags that the templates put first, so fewer are compared than in earnest.
 constexpr std::size_t kMostUntaught = 20;
 constexpr std::size_t kMostUntaughtPairs = 25'000'000;
+constexpr std::size_t kMostPairsOfUntaught = 200'000;
 
 /// A tag that was compared.
 struct Compared {
@@ -80,11 +82,11 @@ float MeanDistance(const Forms& takes, const Measure& measure) {
 class Comparison {
  public:
   Comparison(std::span<const KnownTag> tags, std::span<const std::size_t> numbers,
-             std::span<const Utterance> takes, Steps steps)
+             std::span<const Utterance> takes, Steps steps, std::size_t mostPairs)
       : m_tags(tags), m_numbers(numbers), m_takes(takes), m_steps(steps) {
     CompareTemplates();
     if (steps == Steps::kBoth) {
-      CompareSounds();
+      CompareSounds(mostPairs);
     }
     KeepNearestOfEachNumber();
     m_nonsense =
@@ -135,9 +137,9 @@ class Comparison {
   }
 
   /// Compares the best tags finely. Those for which there is no time are forgotten.
-  void CompareSounds() {
+  void CompareSounds(std::size_t mostPairs) {
     std::size_t done = 0;
-    for (; done < m_compared.size() && (done < kLeastCompared || m_pairs < kMostPairs); ++done) {
+    for (; done < m_compared.size() && (done < kLeastCompared || m_pairs < mostPairs); ++done) {
       const SpeechFeatures& features = m_tags[m_compared[done].tag].utterance->GetFeatures();
       m_compared[done].distance = MeanDistance(m_takes, [&](const Utterance& take) {
         m_pairs += take.GetFeatures().Frames() * features.Frames();
@@ -251,7 +253,8 @@ float Recognizer::MeasureUntaught() const {
         numbers.push_back(m_numbers[i]);
       }
     }
-    const Comparison comparison(others, numbers, {m_tags[heard].utterance.get(), 1}, m_steps);
+    const Comparison comparison(others, numbers, {m_tags[heard].utterance.get(), 1}, m_steps,
+                                kMostPairsOfUntaught);
     found.push_back(std::min(comparison.Evidence(), kMostUntaughtEvidence));
     pairs += comparison.CountPairs();
   }
@@ -278,7 +281,7 @@ Answer Recognizer::Recognize(std::span<const Utterance> takes) const {
   if (m_tags.empty() || takes.empty()) {
     return {};
   }
-  const Comparison comparison(m_tags, m_numbers, takes, m_steps);
+  const Comparison comparison(m_tags, m_numbers, takes, m_steps, kMostPairs);
   const Limits& limits = m_steps == Steps::kBoth ? kLimits : kTemplateLimits;
   const float evidence = comparison.Evidence();
   // Names that sound alike make it harder to be sure, and no harder to ask.

@@ -57,13 +57,19 @@ struct Tables {
       const double place = (toMel(hertz) - lowest) / width;
       for (std::size_t band = 0; band < kBands; ++band) {
         const double height = 1 - std::abs(place - static_cast<double>(band + 1));
-        triangles[band][bin] = static_cast<float>(std::max(height, 0.0));
+        if (height > 0) {
+          triangles[band][bin] = static_cast<float>(height);
+          firstBins[band] = ends[band] == 0 ? bin : firstBins[band];
+          ends[band] = bin + 1;
+        }
       }
     }
   }
 
   std::array<float, kWindow> hamming{};
   std::array<std::array<float, kBins>, kBands> triangles{};
+  std::array<std::size_t, kBands> firstBins{};  ///< Of each triangle the first bin it is over.
+  std::array<std::size_t, kBands> ends{};       ///< And the first one after it.
   std::array<std::array<float, kBands>, SpeechFeatures::kCepstra> cosines{};
 };
 
@@ -92,10 +98,11 @@ void TakeWindow(std::span<const std::int16_t> samples, std::size_t first, std::s
 }
 
 BandPowers SumBands(const std::array<float, kBins>& powers) {
+  const Tables& tables = GetTables();
   BandPowers bands{};
   for (std::size_t band = 0; band < kBands; ++band) {
-    for (std::size_t bin = 0; bin < kBins; ++bin) {
-      bands[band] += GetTables().triangles[band][bin] * powers[bin];
+    for (std::size_t bin = tables.firstBins[band]; bin < tables.ends[band]; ++bin) {
+      bands[band] += tables.triangles[band][bin] * powers[bin];
     }
   }
   return bands;
