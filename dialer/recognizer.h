@@ -46,7 +46,7 @@ struct KnownTag {
 
 /// Knows who is meant. It does not change: several threads may use one.
 ///
-/// To make one takes about 0.2 s of processor time for a hundred tags (docs/accuracy.md), so it is
+/// To make one takes about 40 ms of processor time for a hundred tags (docs/accuracy.md), so it is
 /// made before somebody speaks.
 class Recognizer {
  public:
