@@ -182,6 +182,19 @@ TEST(Win32Ui, ABoxOfAWorkerBlocksThatWorkerAndNoWindow) {
   EXPECT_EQ(seen.owner, nullptr);
 }
 
+TEST(Win32Ui, ABoxOfAWorkerTakesItsAnswerDuringAWaitOfTheThreadOfTheWindows) {
+  win32::UiThread thread;
+  win32::Win32Ui ui(thread, u"Zedra", nullptr);
+  auto answer = platform::MessageAnswer::kOk;
+  std::thread user([] { AnswerBox(L"Worker", IDCANCEL); });
+  thread.Await([&] {
+    answer = ui.ShowMessage(
+        {.text = u"Error", .caption = u"Worker", .style = platform::MessageStyle::kOkCancel});
+  });
+  user.join();
+  EXPECT_EQ(answer, platform::MessageAnswer::kCancel);
+}
+
 /// Message boxes that this thread shows, and their user.
 class Win32Box : public testing::Test {
  protected:
