@@ -8,6 +8,7 @@
 
 #include "audio/samples.h"
 #include "audio/wave_header.h"
+#include "dialer/listening.h"
 #include "voicemath/take_template.h"
 
 namespace home {
@@ -21,16 +22,12 @@ constexpr std::uint32_t kReportInterval = 50;
 constexpr std::uint32_t kLookAgainInterval = 1000;  ///< For a microphone.
 constexpr std::uint32_t kGetReadyTime = 500;
 constexpr std::uint32_t kEchoTime = 100;  ///< Until a room has swallowed the tone.
-/// What a device may be late with the end of a sound, and with the end of a recording.
+/// What a device may be late with the end of a recording.
 constexpr std::uint32_t kLateness = 1000;
 
 constexpr std::uint32_t kSampleBytes = audio::kRecordingBits / 8;
 constexpr std::size_t kTakeBytes =
     std::size_t{kRecordingRate} * TakeRecorder::kTakeMilliseconds / 1000 * kSampleBytes;
-
-std::uint32_t ToMilliseconds(std::size_t samples) {
-  return static_cast<std::uint32_t>(samples * 1000 / kRecordingRate);
-}
 
 /// Finds what is cut off by keeping only a part.
 void FindLosses(HeardTake& take) {
@@ -47,7 +44,7 @@ void FindLosses(HeardTake& take) {
 }  // namespace
 
 /// What is being done, as its thread and the event loop share it.
-class TakeRecorder::Job {
+class TakeRecorder::Job final : public dialer::Waiter {
  public:
   Job(const Sound& sound, std::uint32_t cueTime, QObject& context,
       std::unique_ptr<platform::Event> stop)
@@ -72,8 +69,7 @@ class TakeRecorder::Job {
   using Report = std::function<void(const TakeProgress& progress)>;
   using OpenedInput = platform::Result<std::unique_ptr<platform::WaveInDevice>, WaveResult>;
 
-  /// Returns whether to go on.
-  [[nodiscard]] bool Wait(std::uint32_t milliseconds) const {
+  [[nodiscard]] bool Wait(std::uint32_t milliseconds) override {
     return m_stop->Wait(milliseconds) == platform::WaitResult::kTimedOut;
   }
 
@@ -89,11 +85,11 @@ class TakeRecorder::Job {
         Qt::QueuedConnection);
   }
 
-  [[nodiscard]] OpenedInput AwaitMicrophone(const Report& report) const;
-  [[nodiscard]] HeardTake Hear(platform::WaveInDevice& device, const Report& report) const;
+  [[nodiscard]] OpenedInput AwaitMicrophone(const Report& report);
+  [[nodiscard]] HeardTake Hear(platform::WaveInDevice& device, const Report& report);
   [[nodiscard]] WaveResult Fill(platform::WaveInDevice& device, WaveHeader& header,
-                                const Report& report) const;
-  [[nodiscard]] bool PlaySamples(std::span<const std::int16_t> samples) const;
+                                const Report& report);
+  [[nodiscard]] bool PlaySamples(std::span<const std::int16_t> samples);
 
   const Sound m_sound;
   const std::uint32_t m_cueTime;
@@ -102,7 +98,7 @@ class TakeRecorder::Job {
   bool m_isStopped = false;  ///< Of the thread of the event loop.
 };
 
-TakeRecorder::Job::OpenedInput TakeRecorder::Job::AwaitMicrophone(const Report& report) const {
+TakeRecorder::Job::OpenedInput TakeRecorder::Job::AwaitMicrophone(const Report& report) {
   for (;;) {
     report({.stage = Stage::kGetReady});
     auto opened = m_sound.waveIn.Open(audio::RecordingFormat());
@@ -159,7 +155,7 @@ void TakeRecorder::Job::Listen(const std::shared_ptr<Job>& self, const Watch& wa
   } while (self->Wait(kLookAgainInterval));
 }
 
-HeardTake TakeRecorder::Job::Hear(platform::WaveInDevice& device, const Report& report) const {
+HeardTake TakeRecorder::Job::Hear(platform::WaveInDevice& device, const Report& report) {
   std::vector<std::byte> bytes(kTakeBytes);
   WaveHeader header{.data = bytes.data(), .bufferLength = static_cast<std::uint32_t>(bytes.size())};
   const WaveResult result = Fill(device, header, report);
@@ -178,7 +174,7 @@ HeardTake TakeRecorder::Job::Hear(platform::WaveInDevice& device, const Report& 
 
 /// Records into the header, as far as the device gives anything. Returns kNoDevice if it was lost.
 WaveResult TakeRecorder::Job::Fill(platform::WaveInDevice& device, WaveHeader& header,
-                                   const Report& report) const {
+                                   const Report& report) {
   WaveResult result = device.Prepare(header);
   if (result == WaveResult::kOk) {
     result = device.AddBuffer(header);
@@ -210,21 +206,9 @@ WaveResult TakeRecorder::Job::Fill(platform::WaveInDevice& device, WaveHeader& h
   return result;
 }
 
-bool TakeRecorder::Job::PlaySamples(std::span<const std::int16_t> samples) const {
-  std::vector<std::byte> bytes = audio::ToBytes(samples);
-  const auto device = m_sound.waveOut.Open(audio::RecordingFormat());
-  WaveHeader header{.data = bytes.data(), .bufferLength = static_cast<std::uint32_t>(bytes.size())};
-  if (!device || (*device)->Prepare(header) != WaveResult::kOk ||
-      (*device)->Write(header) != WaveResult::kOk) {
-    return false;
-  }
-  const std::uint32_t start = m_sound.clock.GetTickCount();
-  WaveResult result = WaveResult::kStillPlaying;
-  while (result == WaveResult::kStillPlaying && Wait(kReportInterval) &&
-         m_sound.clock.GetTickCount() - start < ToMilliseconds(samples.size()) + kLateness) {
-    result = (*device)->Unprepare(header);
-  }
-  return result == WaveResult::kOk;
+bool TakeRecorder::Job::PlaySamples(std::span<const std::int16_t> samples) {
+  return dialer::Play({m_sound.waveIn, m_sound.waveOut, m_sound.clock}, samples, *this) ==
+         dialer::Played::kToEnd;
 }
 
 void TakeRecorder::Job::Play(const std::shared_ptr<Job>& self,
