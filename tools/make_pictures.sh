@@ -44,8 +44,8 @@ pictures_of_windows() {
     convert "$folder"/{sheet_100,windows_100,sheet_200,windows_200}/$name.png -background gray \
       -gravity north +append "$folder/side_by_side/$name.png"
   done
-  convert "$folder"/sheet_de/learning.png "$folder"/windows_{100,200}/german.png -background gray \
-    -gravity north +append "$folder/side_by_side/german.png"
+  convert "$folder"/sheet_de/learning.png "$folder"/windows_{100,200}/learning_de.png -background gray \
+    -gravity north +append "$folder/side_by_side/learning_de.png"
 }
 
 wine=$(command -v wine64 || echo /usr/lib/wine/wine64)

@@ -4,6 +4,7 @@ those of the desktop.
 
     pictures.py APPLET COMMAND_LINE PROBE FOLDER PERCENT
 """
+import glob
 import os
 import shutil
 import subprocess
@@ -74,16 +75,20 @@ class Photographer(applet_story.Story):
         self.user.await_gone("Reinitialization")
         self.close(panel)
 
-    def german(self):
-        shutil.copy(os.path.join(applet_story.SOURCES, "resources", "languages", "Voxtrel.de.lng"),
-                    self.folder("Voxtrel.lng"))
-        panel = self.here.start("control.exe", r"C:\Voxtrel\voxtrel.cpl")
-        title = session.wait_until(
-            lambda: next((window["text"] for window in self.user.windows()
-                          if any("Aufn" in control["text"] for control in window["controls"])), None),
-            "The sheet is in German")
-        self.take(title, "german")
-        self.close(panel, title)
+    def languages(self):
+        """The sheet in each language that has a file for it."""
+        for file in sorted(glob.glob(os.path.join(applet_story.SOURCES, "resources", "languages",
+                                                  "Voxtrel.*.lng"))):
+            shutil.copy(file, self.folder("Voxtrel.lng"))
+            panel = self.here.start("control.exe", r"C:\Voxtrel\voxtrel.cpl")
+            title = session.wait_until(self.find_sheet, "The sheet is shown")["text"]
+            self.take(title, "learning_" + os.path.basename(file).split(".")[1])
+            self.close(panel, title)
+
+    def find_sheet(self):
+        return next((window for window in self.user.windows()
+                     if any(control["class"] == "SysTabControl32" for control in window["controls"])),
+                    None)
 
 
 def main(applet, command_line, probe, folder, percent):
@@ -93,7 +98,7 @@ def main(applet, command_line, probe, folder, percent):
         try:
             photographer.sheet()
             photographer.reinitialization()
-            photographer.german()
+            photographer.languages()
         finally:
             photographer.server.end()
 

@@ -150,6 +150,12 @@ class Session:
         fonts = os.path.join(self.wine_folder, "drive_c", "windows", "Fonts")
         for font in glob.glob("/usr/share/wine/fonts/tahoma*.ttf"):
             shutil.copy(font, fonts)
+        # Letters that it does not have are those of another font, as on Windows.
+        for font in glob.glob("/usr/share/fonts/truetype/wqy/wqy-microhei.ttc"):
+            shutil.copy(font, fonts)
+            self.wine("reg", "add",
+                      r"HKLM\Software\Microsoft\Windows NT\CurrentVersion\FontLink\SystemLink", "/v",
+                      "Tahoma", "/t", "REG_MULTI_SZ", "/d", "wqy-microhei.ttc,WenQuanYi Micro Hei", "/f")
         self.wine("reg", "add", r"HKCU\Control Panel\Desktop", "/v", "LogPixels", "/t", "REG_DWORD", "/d",
                   str(96 * self._percent // 100), "/f")
         if self._screen_size is None:
