@@ -14,7 +14,9 @@
 namespace dialer {
 namespace {
 
+using platform::Failure;
 using platform::FlowControl;
+using platform::Result;
 using platform::SerialLine;
 using platform::StopBits;
 
@@ -37,35 +39,40 @@ constexpr std::uint32_t kMostBits = 8;
 
 std::u16string ReadSetting(platform::RegistryKey* key, std::u16string_view name) {
   const auto value =
-      key != nullptr ? key->Query(name) : platform::Failure(platform::RegistryError::kNotFound);
+      key != nullptr ? key->Query(name) : Failure(platform::RegistryError::kNotFound);
   return value ? storage::TextOfValue(*value) : std::u16string();
 }
 
-/// Sets `number` if the text is a number between both. Returns whether it is. An empty text leaves
-/// the number as it is.
-bool TakeNumber(std::u16string_view text, std::uint32_t lowest, std::uint32_t highest,
-                std::uint32_t& number) {
-  if (text.empty()) {
-    return true;
+/// Returns the number that a setting says, or `missing` if the setting is empty. Fails if it says
+/// anything but a number between both.
+Result<std::uint32_t, CallProblem> ToNumber(std::u16string_view setting, std::uint32_t lowest,
+                                            std::uint32_t highest, std::uint32_t missing) {
+  if (setting.empty()) {
+    return missing;
   }
-  const std::string digits = text::ToUtf8(text);
-  std::uint32_t parsed = 0;
+  const std::string digits = text::ToUtf8(setting);
+  std::uint32_t number = 0;
   const char* const end = digits.data() + digits.size();
-  const auto [last, error] = std::from_chars(digits.data(), end, parsed);
-  const bool fits = error == std::errc() && last == end && parsed >= lowest && parsed <= highest;
-  number = fits ? parsed : number;
-  return fits;
+  const auto [last, error] = std::from_chars(digits.data(), end, number);
+  if (error != std::errc() || last != end || number < lowest || number > highest) {
+    return Failure(CallProblem::kLineSettings);
+  }
+  return number;
 }
 
-/// The same for a word.
+/// Returns what the word of a setting stands for, or `missing` if the setting is empty. Fails if it
+/// is none of the words.
 template <typename Value, std::size_t count>
-bool TakeWord(std::u16string_view text, const std::array<Named<Value>, count>& words,
-              Value& value) {
-  const auto found = std::ranges::find(words, text, &Named<Value>::word);
-  if (found != words.end()) {
-    value = found->value;
+Result<Value, CallProblem> ToValue(std::u16string_view setting,
+                                   const std::array<Named<Value>, count>& words, Value missing) {
+  if (setting.empty()) {
+    return missing;
   }
-  return text.empty() || found != words.end();
+  const auto found = std::ranges::find(words, setting, &Named<Value>::word);
+  if (found == words.end()) {
+    return Failure(CallProblem::kLineSettings);
+  }
+  return found->value;
 }
 
 template <typename Value, std::size_t count>
@@ -75,24 +82,24 @@ std::string WordOfValue(const std::array<Named<Value>, count>& words, Value valu
 
 }  // namespace
 
-platform::Result<StoredLine, CallFault> ReadStoredLine(platform::Registry& registry) {
+Result<StoredLine, CallFault> ReadStoredLine(platform::Registry& registry) {
   const platform::OpenedKey opened = registry.OpenKey(storage::kDialerKey);
   platform::RegistryKey* const key = opened ? opened->get() : nullptr;
   const std::u16string rate = ReadSetting(key, storage::kBaudRateValue);
   const std::u16string bits = ReadSetting(key, storage::kDataBitsValue);
   const std::u16string stops = ReadSetting(key, storage::kStopBitsValue);
   const std::u16string flow = ReadSetting(key, storage::kFlowControlValue);
-  StoredLine stored;
-  auto dataBits = static_cast<std::uint32_t>(stored.line.dataBits);
-  if (!TakeNumber(rate, kLowestBaudRate, kHighestBaudRate, stored.line.baudRate) ||
-      !TakeNumber(bits, kFewestBits, kMostBits, dataBits) ||
-      !TakeWord(stops, kStopBitWords, stored.line.stopBits) ||
-      !TakeWord(flow, kFlowWords, stored.line.flowControl)) {
-    return platform::Failure(
-        CallFault{CallProblem::kLineSettings,
-                  text::ToUtf8(rate + u", " + bits + u", " + stops + u", " + flow)});
+  constexpr SerialLine kUsual;
+  const auto baudRate = ToNumber(rate, kLowestBaudRate, kHighestBaudRate, kUsual.baudRate);
+  const auto dataBits = ToNumber(bits, kFewestBits, kMostBits, kUsual.dataBits);
+  const auto stopBits = ToValue(stops, kStopBitWords, kUsual.stopBits);
+  const auto flowControl = ToValue(flow, kFlowWords, kUsual.flowControl);
+  if (!baudRate || !dataBits || !stopBits || !flowControl) {
+    return Failure(CallFault{CallProblem::kLineSettings,
+                             text::ToUtf8(rate + u", " + bits + u", " + stops + u", " + flow)});
   }
-  stored.line.dataBits = static_cast<int>(dataBits);
+  StoredLine stored;
+  stored.line = {*baudRate, static_cast<int>(*dataBits), *stopBits, *flowControl};
   stored.port = ReadSetting(key, storage::kComPortValue);
   stored.hangingUp = ReadSetting(key, storage::kIsHangUpValue) == u"1" ? Modem::HangingUp::kNotUsed
                                                                        : Modem::HangingUp::kUsed;

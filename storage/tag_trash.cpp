@@ -346,20 +346,21 @@ Result<void, RestoreError> TagTrash::CheckRoomFor(const TagParts& parts) const {
   return {};
 }
 
-bool TagTrash::Empty() const {
+Result<void, FileError> TagTrash::Empty() const {
   const auto names = ListFiles();
   if (!names) {
-    return false;
+    return Failure(names.error());
   }
-  bool isEmpty = true;
+  Result<void, FileError> emptied;
   for (const std::u16string& name : *names) {
     // What a deletion or a restoration under way still needs is not thrown away.
     const bool isMark = name.ends_with(kDeletingEnd) || name.ends_with(kRestoringEnd);
     if (!isMark && !IsMarked(*names, name)) {
-      isEmpty = Delete(name) && isEmpty;
+      const auto deleted = AcceptMissing(m_files.Delete(InTrash(name)));
+      emptied = emptied ? deleted : emptied;
     }
   }
-  return isEmpty && AcceptMissing(m_files.FlushFolder(kTrashFolder));
+  return emptied ? AcceptMissing(m_files.FlushFolder(kTrashFolder)) : emptied;
 }
 
 Result<void, FileError> TagTrash::Mark(std::u16string_view name) const {

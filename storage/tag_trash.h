@@ -75,8 +75,9 @@ class TagTrash {
   /// Takes away the tags of a note that are not whole, and then the note.
   void EndRestoring(std::u16string_view mark) const;
 
-  /// Destroys what is in the trash, but for deletions in progress. Returns whether nothing is left.
-  [[nodiscard]] bool Empty() const;
+  /// Destroys what is in the trash, but for deletions in progress. Goes on after a file that stays,
+  /// and fails with the first error then.
+  [[nodiscard]] platform::Result<void, platform::FileError> Empty() const;
 
   /// Deletes the parts from the store, in the order in which a companion is promised to see them
   /// go, up to the first failure. Returns whether all of them are gone.

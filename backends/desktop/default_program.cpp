@@ -6,6 +6,7 @@
 #include <memory>
 #include <span>
 #include <string_view>
+#include <utility>
 
 // What the desktop opens an address with. GIO finds the program and splits its command line; the
 // program itself is started as every other one is, detached.
@@ -15,6 +16,7 @@ namespace {
 struct Release {
   void operator()(GAppInfo* application) const { g_object_unref(application); }
   void operator()(char** words) const { g_strfreev(words); }
+  void operator()(GError* error) const { g_error_free(error); }
 };
 
 /// Returns whether a field code stands for what is to be opened.
@@ -66,7 +68,8 @@ std::optional<Command> FindDefault(const char* scheme, const char* type, const s
       g_desktop_app_info_get_boolean(entry, G_KEY_FILE_DESKTOP_KEY_TERMINAL) != FALSE) {
     return std::nullopt;
   }
-  return MakeCommand(exec, url);
+  auto command = MakeCommand(exec, url);
+  return command ? std::optional(std::move(*command)) : std::nullopt;
 }
 
 HandOver HandOverCall(const Environment& environment, const std::string& uri,
@@ -80,10 +83,17 @@ HandOver HandOverCall(const Environment& environment, const std::string& uri,
 
 bool HasTelephoneProgram() { return FindDefault(kTelephone, nullptr, "tel:0").has_value(); }
 
-Command MakeCommand(const std::string& exec, const std::string& url) {
+platform::Result<Command, ExecError> MakeCommand(const std::string& exec, const std::string& url) {
   int count = 0;
   char** split = nullptr;
-  if (g_shell_parse_argv(exec.c_str(), &count, &split, nullptr) == FALSE) return {};
+  GError* problem = nullptr;
+  if (g_shell_parse_argv(exec.c_str(), &count, &split, &problem) == FALSE) {
+    const std::unique_ptr<GError, Release> freed(problem);
+    return platform::Failure(g_error_matches(problem, G_SHELL_ERROR, G_SHELL_ERROR_EMPTY_STRING) !=
+                                     FALSE
+                                 ? ExecError::kNoProgram
+                                 : ExecError::kBadQuotes);
+  }
   const std::unique_ptr<char*, Release> words(split);
   Command command;
   bool isUrlPlaced = false;
@@ -95,7 +105,10 @@ Command MakeCommand(const std::string& exec, const std::string& url) {
       command.push_back(std::move(expanded));
     }
   }
-  if (!command.empty() && !isUrlPlaced) {
+  if (command.empty()) {
+    return platform::Failure(ExecError::kNoProgram);
+  }
+  if (!isUrlPlaced) {
     command.push_back(url);
   }
   return command;

@@ -6,12 +6,13 @@
 #include <string>
 
 #include "backends/desktop/programs.h"
+#include "platform/result.h"
 
 namespace desktop {
 
 /// Returns the command that opens `url` with the program that the user's desktop has for a scheme
 /// of URLs, else for a type of files if `type` is not null. Returns nothing if there is none that
-/// is installed, or if it needs a terminal.
+/// is installed and can be started: one that needs a terminal, or whose command is broken, cannot.
 ///
 /// GIO chooses the program and does not start it. It would hand "%f", and an entry without a place
 /// for the address, a file's path without the place within the page. It would give the program our
@@ -19,10 +20,17 @@ namespace desktop {
 [[nodiscard]] std::optional<Command> FindDefault(const char* scheme, const char* type,
                                                  const std::string& url);
 
+/// What is wrong with the Exec key of a desktop file.
+enum class ExecError : std::uint8_t {
+  kNoProgram,  ///< It names none.
+  kBadQuotes,  ///< A quote has no end, or a backslash stands at the end.
+};
+
 /// Returns the command that opens `url`, by the rules for quotes and field codes of the Exec key of
 /// a desktop file. The URL is one argument whatever it holds. It comes last if the key has no place
-/// for it. Returns no words if the key breaks the rules.
-[[nodiscard]] Command MakeCommand(const std::string& exec, const std::string& url);
+/// for it.
+[[nodiscard]] platform::Result<Command, ExecError> MakeCommand(const std::string& exec,
+                                                               const std::string& url);
 
 /// What became of a telephone number.
 enum class HandOver : std::uint8_t {

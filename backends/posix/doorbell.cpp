@@ -12,14 +12,16 @@
 #include <system_error>
 
 namespace posix {
+
+using platform::Failure;
+
 namespace {
 
-/// Returns nothing if the path is too long for a socket.
-std::optional<sockaddr_un> AddressOf(const std::string& path) {
+platform::Result<sockaddr_un, DoorbellError> AddressOf(const std::string& path) {
   sockaddr_un address{};
   address.sun_family = AF_UNIX;
   if (path.empty() || path.size() >= sizeof(address.sun_path)) {
-    return std::nullopt;
+    return Failure(DoorbellError::kBadPath);
   }
   std::ranges::copy(path, static_cast<char*>(address.sun_path));
   return address;
@@ -59,22 +61,25 @@ Doorbell::~Doorbell() {
   }
 }
 
-bool Doorbell::Hang(const std::string& path) {
+platform::Result<void, DoorbellError> Doorbell::Hang(const std::string& path) {
   const auto address = AddressOf(path);
+  if (!address) {
+    return Failure(address.error());
+  }
   Descriptor bell = MakeSocket();
-  if (!address || !bell.IsOpen()) {
-    return false;
+  if (!bell.IsOpen()) {
+    return Failure(DoorbellError::kFailed);
   }
   // Left by a process that was killed: the caller holds the mutex, so nobody else answers there.
   ::unlink(path.c_str());
   if (::bind(bell.Get(), Generic(*address), sizeof(*address)) != 0) {
-    return false;
+    return Failure(DoorbellError::kFailed);
   }
   // Only the user's own programs may ring.
   static_cast<void>(::chmod(path.c_str(), S_IRUSR | S_IWUSR));
   m_socket = std::move(bell);
   m_path = path;
-  return true;
+  return {};
 }
 
 std::optional<std::string> Doorbell::Answer() const {
@@ -84,12 +89,24 @@ std::optional<std::string> Doorbell::Answer() const {
                     : std::optional(std::string(message.data(), static_cast<std::size_t>(length)));
 }
 
-bool Doorbell::Ring(const std::string& path, std::string_view message) {
+platform::Result<void, DoorbellError> Doorbell::Ring(const std::string& path,
+                                                     std::string_view message) {
   const auto address = AddressOf(path);
+  if (!address) {
+    return Failure(address.error());
+  }
+  if (message.size() > kMaxMessage) {
+    return Failure(DoorbellError::kMessageTooLong);
+  }
   const Descriptor hand = MakeSocket();
-  return address && hand.IsOpen() && message.size() <= kMaxMessage &&
-         ::sendto(hand.Get(), message.data(), message.size(), MSG_NOSIGNAL, Generic(*address),
-                  sizeof(*address)) >= 0;
+  if (!hand.IsOpen()) {
+    return Failure(DoorbellError::kFailed);
+  }
+  if (::sendto(hand.Get(), message.data(), message.size(), MSG_NOSIGNAL, Generic(*address),
+               sizeof(*address)) < 0) {
+    return Failure(DoorbellError::kNoBell);
+  }
+  return {};
 }
 
 std::string Doorbell::PathFor(const std::string& runtimeFolder, const std::string& root) {

@@ -86,9 +86,10 @@ void Desktop::OnNamedMutex(const platform::CreatedMutex& created) {
   const std::string bell =
       posix::Doorbell::PathFor(m_options.runtimeFolder, m_backends.GetRoot().native());
   if (created == platform::Failure(platform::ThreadError::kHeld)) {
-    const bool isAnswered = posix::Doorbell::Ring(bell, m_options.activationToken);
-    ReportOnStandardError(isAnswered ? resources::Say(resources::kAppletIsOpen)
-                                     : resources::Say(resources::kTagsInUse));
+    // If nobody has hung a bell, it is a command that has the tags.
+    const auto rung = posix::Doorbell::Ring(bell, m_options.activationToken);
+    ReportOnStandardError(rung ? resources::Say(resources::kAppletIsOpen)
+                               : resources::Say(resources::kTagsInUse));
     return;
   }
   m_bellWatch.reset();

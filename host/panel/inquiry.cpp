@@ -44,15 +44,20 @@ QByteArray ToBytes(const LibraryReport& report) {
   return bytes;
 }
 
-std::optional<LibraryReport> FromBytes(const QByteArray& bytes) {
+platform::Result<LibraryReport, ReportError> FromBytes(const QByteArray& bytes) {
+  const auto fail = [](ReportError error) { return platform::Failure(error); };
   QDataStream stream(bytes);
   stream.setVersion(kVersion);
   quint32 signature = 0;
   quint32 count = 0;
   QString problem;
-  stream >> signature >> problem >> count;
-  if (stream.status() != QDataStream::Ok || signature != kSignature || count > kMostReported) {
-    return std::nullopt;
+  stream >> signature;
+  if (stream.status() == QDataStream::Ok && signature != kSignature) {
+    return fail(ReportError::kForeign);
+  }
+  stream >> problem >> count;
+  if (count > kMostReported) {
+    return fail(ReportError::kForeign);
   }
   std::vector<AppletReport> applets;
   for (quint32 i = 0; i < count; ++i) {
@@ -61,8 +66,11 @@ std::optional<LibraryReport> FromBytes(const QByteArray& bytes) {
     applet.name = Printable(applet.name);
     applets.push_back(std::move(applet));
   }
-  if (stream.status() != QDataStream::Ok || !stream.atEnd()) {
-    return std::nullopt;
+  if (stream.status() != QDataStream::Ok) {
+    return fail(ReportError::kCutShort);
+  }
+  if (!stream.atEnd()) {
+    return fail(ReportError::kForeign);
   }
   problem = Printable(problem);
   return problem.isEmpty() ? LibraryReport(std::move(applets)) : platform::Failure(problem);

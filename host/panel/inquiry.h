@@ -5,8 +5,8 @@
 #include <QString>
 #include <QTimer>
 #include <chrono>
+#include <cstdint>
 #include <functional>
-#include <optional>
 #include <vector>
 
 #include "platform/result.h"
@@ -25,9 +25,14 @@ using LibraryReport = platform::Result<std::vector<AppletReport>, QString>;
 
 [[nodiscard]] QByteArray ToBytes(const LibraryReport& report);
 
-/// Returns the report in `bytes`. Returns nothing if they are no report, because the process ended
-/// early or wrote something else. Control characters in texts become blanks.
-[[nodiscard]] std::optional<LibraryReport> FromBytes(const QByteArray& bytes);
+/// Why bytes are no report.
+enum class ReportError : std::uint8_t {
+  kCutShort,  ///< The process ended before it had written all, or anything.
+  kForeign,   ///< It wrote something else, or more than a report.
+};
+
+/// Returns the report in `bytes`. Control characters in its texts become blanks.
+[[nodiscard]] platform::Result<LibraryReport, ReportError> FromBytes(const QByteArray& bytes);
 
 /// Asks one library for its applets in a process of its own, since a library may crash or hang.
 class Inquiry {

@@ -477,7 +477,19 @@ TEST_F(TagTrashTest, ReportsThatItCannotBeRead) {
   const TagTrash trash(failing, m_registry, m_clock);
   failing.FailCall(1, Failing::kFromThenOn);
   EXPECT_FALSE(trash.List());
-  EXPECT_FALSE(trash.Empty());
+  EXPECT_EQ(support::ErrorOf(trash.Empty()), FileError::kOther);
+}
+
+TEST_F(TagTrashTest, LosesNoErrorOfAFileThatStaysWhenItIsEmptied) {
+  for (const auto* const name : {u"100", u"200"}) {
+    PutTag(name);
+    ASSERT_TRUE(Delete(name));
+  }
+  const std::u16string first = PathIn(kTrashFolder, TrashFiles().front());
+  const auto held = m_files.Open(first, {});
+  ASSERT_TRUE(held);
+  EXPECT_EQ(support::ErrorOf(m_trash.Empty()), FileError::kSharingViolation);
+  EXPECT_EQ(TrashFiles().size(), 1U) << "The other one goes all the same.";
 }
 
 using FreeTagNameTest = TagTrashTest;

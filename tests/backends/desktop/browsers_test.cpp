@@ -2,14 +2,18 @@
 #include "backends/desktop/desktop_shell.h"
 
 #include "tests/backends/desktop/fake_desktop.h"
+#include "tests/support/results.h"
 
 namespace {
 
+using support::ErrorOf;
 using Words = std::vector<std::string>;
 
 constexpr const char* kUrl = "file:///a%20b#test";
 
-[[nodiscard]] Words CommandOf(const std::string& exec) { return desktop::MakeCommand(exec, kUrl); }
+[[nodiscard]] Words CommandOf(const std::string& exec) {
+  return desktop::MakeCommand(exec, kUrl).value_or(Words{});
+}
 
 TEST(BrowserCommand, PutsTheAddressWhereTheCodeStands) {
   EXPECT_EQ(CommandOf("fox %u"), (Words{"fox", kUrl}));
@@ -32,8 +36,14 @@ TEST(BrowserCommand, KnowsQuotesAndEscapes) {
 }
 
 TEST(BrowserCommand, AnOpenQuoteMakesNoCommand) {
-  EXPECT_TRUE(CommandOf("fox \"x").empty());
-  EXPECT_TRUE(CommandOf("").empty());
+  EXPECT_EQ(ErrorOf(desktop::MakeCommand("fox \"x", kUrl)), desktop::ExecError::kBadQuotes);
+  EXPECT_EQ(ErrorOf(desktop::MakeCommand("fox \\", kUrl)), desktop::ExecError::kBadQuotes);
+}
+
+TEST(BrowserCommand, AKeyWithoutAProgramMakesNoCommand) {
+  for (const char* exec : {"", " ", "%i"}) {
+    EXPECT_EQ(ErrorOf(desktop::MakeCommand(exec, kUrl)), desktop::ExecError::kNoProgram) << exec;
+  }
 }
 
 TEST(BrowserCommand, NoLetterOfTheAddressEndsAnArgumentOrIsReadAsACode) {

@@ -9,9 +9,13 @@
 #include <filesystem>
 #include <optional>
 
+#include "tests/support/results.h"
 #include "tests/support/temp_folder.h"
 
 namespace {
+
+using posix::DoorbellError;
+using support::ErrorOf;
 
 class Doorbell : public testing::Test {
  protected:
@@ -40,8 +44,8 @@ TEST_F(Doorbell, BringsTheMessagesInTheirOrder) {
 }
 
 TEST_F(Doorbell, DoesNotRingIfThereIsNone) {
-  EXPECT_FALSE(posix::Doorbell::Ring(m_path, "x"));
-  EXPECT_FALSE(posix::Doorbell::Ring("", "x"));
+  EXPECT_EQ(ErrorOf(posix::Doorbell::Ring(m_path, "x")), DoorbellError::kNoBell);
+  EXPECT_EQ(ErrorOf(posix::Doorbell::Ring("", "x")), DoorbellError::kBadPath);
 }
 
 TEST_F(Doorbell, GoesWithItsOwner) {
@@ -81,15 +85,22 @@ TEST_F(Doorbell, IsForItsOwnUserAlone) {
 TEST_F(Doorbell, ANameTooLongForASocketIsRefused) {
   posix::Doorbell bell;
   const std::string path = "/" + std::string(200, 'x');
-  EXPECT_FALSE(bell.Hang(path));
-  EXPECT_FALSE(posix::Doorbell::Ring(path, ""));
-  EXPECT_FALSE(bell.Hang((m_folder.Path() / "missing" / "bell").string()));
+  EXPECT_EQ(ErrorOf(bell.Hang(path)), DoorbellError::kBadPath);
+  EXPECT_EQ(ErrorOf(posix::Doorbell::Ring(path, "")), DoorbellError::kBadPath);
+}
+
+TEST_F(Doorbell, NeedsAFolderThatIsThere) {
+  posix::Doorbell bell;
+  EXPECT_EQ(ErrorOf(bell.Hang((m_folder.Path() / "missing" / "bell").string())),
+            DoorbellError::kFailed);
 }
 
 TEST_F(Doorbell, AMessageTooLongDoesNotArrive) {
   posix::Doorbell bell;
   ASSERT_TRUE(bell.Hang(m_path));
-  EXPECT_FALSE(posix::Doorbell::Ring(m_path, std::string(posix::Doorbell::kMaxMessage + 1, 'x')));
+  EXPECT_EQ(
+      ErrorOf(posix::Doorbell::Ring(m_path, std::string(posix::Doorbell::kMaxMessage + 1, 'x'))),
+      DoorbellError::kMessageTooLong);
   EXPECT_FALSE(IsRung(bell));
   EXPECT_TRUE(posix::Doorbell::Ring(m_path, std::string(posix::Doorbell::kMaxMessage, 'x')));
 }

@@ -11,6 +11,7 @@
 namespace {
 
 using panel::FromBytes;
+using panel::ReportError;
 using panel::ToBytes;
 using panel_test::Applet;
 using std::chrono::milliseconds;
@@ -38,19 +39,19 @@ TEST(LibraryReport, ComesBackFromItsBytes) {
 TEST(LibraryReport, IsNoneAtWhateverPlaceItIsCutOff) {
   for (const QByteArray& bytes : {ToBytes(MakeApplets()), ToBytes(MakeProblem())}) {
     for (qsizetype count = 0; count < bytes.size(); ++count) {
-      EXPECT_FALSE(FromBytes(bytes.left(count))) << count;
+      EXPECT_EQ(ErrorOf(FromBytes(bytes.left(count))), ReportError::kCutShort) << count;
     }
   }
 }
 
 TEST(LibraryReport, IsNoneWithMoreAfterIt) {
-  EXPECT_FALSE(FromBytes(ToBytes(MakeApplets()) + 'x'));
-  EXPECT_FALSE(FromBytes(ToBytes(MakeProblem()) + 'x'));
+  EXPECT_EQ(ErrorOf(FromBytes(ToBytes(MakeApplets()) + 'x')), ReportError::kForeign);
+  EXPECT_EQ(ErrorOf(FromBytes(ToBytes(MakeProblem()) + 'x')), ReportError::kForeign);
 }
 
 TEST(LibraryReport, IsNoneOfAnythingElse) {
-  EXPECT_FALSE(FromBytes("noise on standard output\n"));
-  EXPECT_FALSE(FromBytes(QByteArray(64, '\xff')));
+  EXPECT_EQ(ErrorOf(FromBytes("noise on standard output\n")), ReportError::kForeign);
+  EXPECT_EQ(ErrorOf(FromBytes(QByteArray(64, '\xff'))), ReportError::kForeign);
 }
 
 TEST(LibraryReport, HasNoControlCharactersInItsTexts) {
