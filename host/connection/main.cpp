@@ -21,6 +21,7 @@
 #include "backends/udev/udev_serial_devices.h"
 #include "connection/connection_page.h"
 #include "connection/serial_ports.h"
+#include "host/machine/usage.h"
 #include "language/texts.h"
 #include "resources/desktop_strings.h"
 #include "resources/dialogs.h"
@@ -31,7 +32,6 @@
 namespace {
 
 constexpr std::u16string_view kApplicationName = u"Zedra Voxtrel";
-constexpr int kWrongUsage = 2;
 
 /// Says which device a port is, or that it is not there. The page shows a port as it is stored, so
 /// that it stays chosen while it is unplugged.
@@ -79,7 +79,7 @@ int main(int argc, char** argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? 0 : kWrongUsage;
+    return machine::ExplainUsage(app, error);
   }
   const QApplication application(argc, argv);
   qt::FollowDesktopLanguage();

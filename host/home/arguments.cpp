@@ -1,18 +1,14 @@
 #include "host/home/arguments.h"
 
 #include <CLI/CLI.hpp>
-#include <cstdio>
 #include <filesystem>
-#include <sstream>
 #include <string>
 #include <system_error>
 
-#include "backends/text/printable.h"
+#include "host/machine/usage.h"
 
 namespace home {
 namespace {
-
-constexpr int kWrongUsage = 2;
 
 constexpr const char* kFooter = R"(Examples:
   voxtrel-home                      your voice tags
@@ -22,17 +18,6 @@ constexpr const char* kFooter = R"(Examples:
 
 The environment gives the options that are not there: VOXTREL_ROOT, VOXTREL_CONTACTS,
 VOXTREL_MICROPHONE, VOXTREL_SPEAKER.)";
-
-/// Prints the help, the version, or what is wrong, and returns the exit code. The library quotes
-/// arguments as they are, so the text is made safe for a terminal.
-int ExplainUsage(const CLI::App& app, const CLI::ParseError& error) {
-  std::ostringstream output;
-  std::ostringstream errors;
-  const int exitCode = app.exit(error, output, errors) == 0 ? 0 : kWrongUsage;
-  static_cast<void>(std::fputs(text::Printable(output.str()).c_str(), stdout));
-  static_cast<void>(std::fputs(text::Printable(errors.str()).c_str(), stderr));
-  return exitCode;
-}
 
 }  // namespace
 
@@ -60,7 +45,7 @@ std::variant<Arguments, int> ParseArguments(int argc, const char* const* argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return ExplainUsage(app, error);
+    return machine::ExplainUsage(app, error);
   }
   return arguments;
 }

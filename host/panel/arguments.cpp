@@ -1,17 +1,13 @@
 #include "host/panel/arguments.h"
 
 #include <CLI/CLI.hpp>
-#include <cstdio>
-#include <sstream>
 
-#include "backends/text/printable.h"
+#include "host/machine/usage.h"
 
 // The command line of voxtrel-panel. A path of an applet is a path to code, so only full paths and
 // names of installed applets are taken.
 namespace panel {
 namespace {
-
-constexpr int kWrongUsage = 2;
 
 constexpr const char* kFooter = R"(Examples:
   voxtrel-panel                       the applets that are installed
@@ -41,17 +37,6 @@ CLI::Validator InstalledNameOrFullPath() {
                        : name + " is neither the name of an installed applet nor a full path";
           },
           ""};
-}
-
-/// Prints the help, the version, or what is wrong, and returns the exit code. The library quotes
-/// arguments as they are, so the text is made safe for a terminal.
-int ExplainUsage(const CLI::App& app, const CLI::ParseError& error) {
-  std::ostringstream output;
-  std::ostringstream errors;
-  const int exitCode = app.exit(error, output, errors) == 0 ? 0 : kWrongUsage;
-  static_cast<void>(std::fputs(text::Printable(output.str()).c_str(), stdout));
-  static_cast<void>(std::fputs(text::Printable(errors.str()).c_str(), stderr));
-  return exitCode;
 }
 
 }  // namespace
@@ -94,7 +79,7 @@ std::variant<Arguments, int> ParseArguments(int argc, const char* const* argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return ExplainUsage(app, error);
+    return machine::ExplainUsage(app, error);
   }
   if (isProbe) {
     arguments.mode = Mode::kProbe;
