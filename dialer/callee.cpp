@@ -3,18 +3,17 @@
 #include <initializer_list>
 #include <string_view>
 
-#include "backends/text/fill.h"
+#include "backends/text/say.h"
 #include "backends/text/utf.h"
 #include "dialer/number.h"
 #include "resources/calling_strings.h"
-#include "resources/translations.h"
 #include "storage/phone_types.h"
 
 namespace dialer {
 namespace {
 
 std::string SayFilled(std::u16string_view english, std::u16string_view filling) {
-  return text::Fill(text::ToUtf8(resources::Say(english)), {text::ToUtf8(filling)});
+  return text::Say(english, {text::ToUtf8(filling)});
 }
 
 /// Joins the parts of a name that are not empty. A part that cannot be read counts as empty: a name

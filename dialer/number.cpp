@@ -4,11 +4,10 @@
 #include <optional>
 #include <utility>
 
-#include "backends/text/fill.h"
 #include "backends/text/printable.h"
+#include "backends/text/say.h"
 #include "backends/text/utf.h"
 #include "resources/calling_strings.h"
-#include "resources/translations.h"
 
 namespace dialer {
 namespace {
@@ -192,8 +191,7 @@ platform::Result<Number, Refusal> MakeNumber(std::u16string_view stored) {
 }
 
 std::string Explain(const Refusal& refusal) {
-  return text::Fill(text::ToUtf8(resources::Say(TextOf(refusal.fault))),
-                    {text::ToUtf8(refusal.shown)});
+  return text::Say(TextOf(refusal.fault), {text::ToUtf8(refusal.shown)});
 }
 
 }  // namespace dialer

@@ -3,11 +3,10 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "backends/text/fill.h"
 #include "backends/text/registry_text.h"
+#include "backends/text/say.h"
 #include "backends/text/utf.h"
 #include "resources/calling_strings.h"
-#include "resources/translations.h"
 
 namespace dialer {
 namespace {
@@ -85,12 +84,10 @@ platform::Result<void, platform::RegistryError> ChooseWay(platform::Registry& re
 std::string_view CodeOf(CallState state) { return WordsOf(state).code; }
 std::string_view CodeOf(CallProblem problem) { return WordsOf(problem).code; }
 
-std::string Explain(CallState state) {
-  return text::ToUtf8(resources::Say(WordsOf(state).sentence));
-}
+std::string Explain(CallState state) { return text::Say(WordsOf(state).sentence); }
 
 std::string Explain(const CallFault& fault) {
-  return text::Fill(text::ToUtf8(resources::Say(WordsOf(fault.problem).sentence)), {fault.subject});
+  return text::Say(WordsOf(fault.problem).sentence, {fault.subject});
 }
 
 }  // namespace dialer

@@ -2,10 +2,10 @@
 
 #include <string>
 
+#include "backends/text/say.h"
 #include "backends/text/utf.h"
 #include "maintenance/store_check.h"
 #include "resources/report_strings.h"
-#include "resources/translations.h"
 #include "storage/device_paths.h"
 #include "storage/tag_record.h"
 #include "voicemath/template_file.h"
@@ -80,9 +80,7 @@ bool HasTemplateFolder(platform::FileSystem& files) {
 
 std::string_view ToWord(StoreProblem problem) { return WordingOf(problem).word; }
 
-std::string Describe(StoreProblem problem) {
-  return text::ToUtf8(resources::Say(WordingOf(problem).sentence));
-}
+std::string Describe(StoreProblem problem) { return text::Say(WordingOf(problem).sentence); }
 
 // A stale template is left: nobody knows whether it or the recording is the wrong one.
 bool IsRepairable(StoreProblem problem) {
@@ -98,11 +96,11 @@ bool IsOrphan(StoreProblem problem) {
 std::string Describe(RepairError error) {
   switch (error) {
     case RepairError::kNoRecording:
-      return text::ToUtf8(resources::Say(resources::kNothingToRepairFrom));
+      return text::Say(resources::kNothingToRepairFrom);
     case RepairError::kNoFolder:
-      return text::ToUtf8(resources::Say(resources::kTemplateFolderMissing));
+      return text::Say(resources::kTemplateFolderMissing);
     case RepairError::kNotWritten:
-      return text::ToUtf8(resources::Say(resources::kTemplateNotWritten));
+      return text::Say(resources::kTemplateNotWritten);
   }
   return {};
 }

@@ -5,9 +5,9 @@
 #include <string_view>
 #include <utility>
 
+#include "backends/text/say.h"
 #include "backends/text/utf.h"
 #include "resources/report_strings.h"
-#include "resources/translations.h"
 
 // The settings as a registry file of Windows, by which they move to and from a Windows machine. A
 // file is understood as a whole before its first change is made, and its changes are made in one
@@ -191,9 +191,7 @@ Result<void, RegistryFileError> ApplyRegistryChanges(platform::Registry& registr
   return {};
 }
 
-std::string ExplainRegistryError(RegistryError error) {
-  return text::ToUtf8(resources::Say(TextOf(error)));
-}
+std::string ExplainRegistryError(RegistryError error) { return text::Say(TextOf(error)); }
 
 std::optional<std::string> FindUnusableKey(platform::Registry& registry,
                                            std::u16string_view start) {

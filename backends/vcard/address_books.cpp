@@ -5,10 +5,10 @@
 #include <span>
 #include <utility>
 
+#include "backends/text/say.h"
 #include "backends/text/utf.h"
 #include "backends/vcard/vcard_source.h"
 #include "resources/remark_strings.h"
-#include "resources/translations.h"
 
 namespace vcard {
 
@@ -91,8 +91,8 @@ AddressBooks::Done AddressBooks::RememberChoice() {
   if (error != RegistryError::kFull && error != RegistryError::kReadOnly) {
     return Failure(Problem::kStore);
   }
-  m_bookRemarks.push_back({std::u16string(kContactsKey), 0,
-                           text::ToUtf8(resources::Say(resources::kChoiceNotRemembered))});
+  m_bookRemarks.push_back(
+      {std::u16string(kContactsKey), 0, text::Say(resources::kChoiceNotRemembered)});
   return {};
 }
 

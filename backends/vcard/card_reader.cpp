@@ -9,13 +9,12 @@
 #include <utility>
 #include <vector>
 
-#include "backends/text/fill.h"
+#include "backends/text/say.h"
 #include "backends/text/utf.h"
 #include "backends/vcard/ascii.h"
 #include "backends/vcard/charset.h"
 #include "backends/vcard/contact_keys.h"
 #include "resources/remark_strings.h"
-#include "resources/translations.h"
 
 namespace vcard {
 namespace {
@@ -308,8 +307,8 @@ void CardReader::OnCard(const Card& card) {
   ContactData contact = ToContactData(card);
   for (const ContactData::UnplacedNumber& unplaced : std::exchange(contact.unplaced, {})) {
     m_remarks.Add({m_place, unplaced.line,
-                   text::Fill(text::ToUtf8(resources::Say(resources::kNoKindIsFree)),
-                              {text::ToUtf8(unplaced.number), text::ToUtf8(FullNameOf(contact))})});
+                   text::Say(resources::kNoKindIsFree,
+                             {text::ToUtf8(unplaced.number), text::ToUtf8(FullNameOf(contact))})});
   }
   m_book.contacts.Add(contact);
 }

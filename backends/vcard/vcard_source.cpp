@@ -7,9 +7,9 @@
 #include <utility>
 #include <vector>
 
+#include "backends/text/say.h"
 #include "backends/text/utf.h"
 #include "resources/remark_strings.h"
-#include "resources/translations.h"
 
 namespace vcard {
 
@@ -105,9 +105,9 @@ VcardSource::ReadPart VcardSource::ReadFileOfFolder(const std::u16string& path, 
     if (sentence.empty()) {
       return read;
     }
-    remarks.Add({path, 0, text::ToUtf8(resources::Say(sentence))});
+    remarks.Add({path, 0, text::Say(sentence)});
   } else if (book.contacts.size() == before) {
-    remarks.Add({path, 0, text::ToUtf8(resources::Say(resources::kFileWithoutCard))});
+    remarks.Add({path, 0, text::Say(resources::kFileWithoutCard)});
   }
   book.isComplete = book.isComplete && book.contacts.size() > before;
   return {};

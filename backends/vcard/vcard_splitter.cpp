@@ -5,10 +5,10 @@
 #include <optional>
 #include <utility>
 
+#include "backends/text/say.h"
 #include "backends/text/utf.h"
 #include "backends/vcard/ascii.h"
 #include "resources/remark_strings.h"
-#include "resources/translations.h"
 
 namespace vcard {
 namespace {
@@ -259,7 +259,7 @@ void VcardSplitter::TearCard() {
 void VcardSplitter::Damage(std::size_t line, std::u16string_view english) {
   m_isDamaged = true;
   if (m_damage) {
-    m_damage(line, text::ToUtf8(resources::Say(english)));
+    m_damage(line, text::Say(english));
   }
 }
 

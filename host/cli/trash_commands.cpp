@@ -10,11 +10,11 @@
 #include <string>
 #include <vector>
 
+#include "backends/text/say.h"
 #include "backends/text/utf.h"
 #include "host/cli/output.h"
 #include "host/session/explanations.h"
 #include "host/session/held_tags.h"
-#include "host/session/say.h"
 #include "storage/tag_trash.h"
 #include "tags/page_one.h"
 
@@ -145,8 +145,8 @@ void Restore(Session& session, const std::vector<std::string>& names, bool isLas
   for (const TrashedTag& tag : chosen) {
     const std::string name = text::ToUtf8(tag.item.parts.name);
     if (const auto done = trash.Restore(tag); !done) {
-      session.Fail(session::Say(resources::kNotRestored,
-                                {name, session::ExplainRestoreError(done.error())}));
+      session.Fail(
+          text::Say(resources::kNotRestored, {name, session::ExplainRestoreError(done.error())}));
       continue;
     }
     restored.push_back(name);

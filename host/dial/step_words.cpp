@@ -8,8 +8,8 @@
 #include <string_view>
 #include <utility>
 
+#include "backends/text/say.h"
 #include "backends/text/utf.h"
-#include "host/session/say.h"
 #include "resources/report_strings.h"
 
 namespace dial {
@@ -90,14 +90,14 @@ std::string ExplainNotHeard(session::Session& session, NotHeard reason) {
     case NotHeard::kNoMicrophone:
       return file.empty() ? "there is no microphone, or no sound server; plug a microphone in, or "
                             "take a recording with --microphone FILE"
-                          : session::Say(resources::kMicrophoneFileNotOpened, {file});
+                          : text::Say(resources::kMicrophoneFileNotOpened, {file});
     case NotHeard::kWrongFormat:
-      return session::Say(resources::kMicrophoneFileOtherFormat, {file});
+      return text::Say(resources::kMicrophoneFileOtherFormat, {file});
     case NotHeard::kRefused:
       return NameMicrophone(session) + " gives nothing; another program may have it";
     case NotHeard::kLost:
-      return file.empty() ? session::Say(resources::kMicrophoneLost)
-                          : session::Say(resources::kMicrophoneFileNotRead, {file});
+      return file.empty() ? text::Say(resources::kMicrophoneLost)
+                          : text::Say(resources::kMicrophoneFileNotRead, {file});
   }
   return "it was stopped";
 }

@@ -6,12 +6,12 @@
 #include <utility>
 
 #include "audio/wave_header.h"
+#include "backends/text/say.h"
 #include "backends/text/utf.h"
 #include "backends/wave_file/file_sound.h"
 #include "host/home/trash_reading.h"
 #include "host/session/explanations.h"
 #include "host/session/held_tags.h"
-#include "host/session/say.h"
 #include "maintenance/tag_quality.h"
 #include "resources/dialogs.h"
 #include "resources/translations.h"
@@ -174,7 +174,7 @@ void PutBack(session::Session& session, const std::u16string& tag) {
                                                  })
                           : std::vector<storage::TrashedTag>::const_iterator();
   if (!list || found == list->end() || !trash.Restore(*found)) {
-    session.Fail(session::Say(resources::kEarlierTagInTrash));
+    session.Fail(text::Say(resources::kEarlierTagInTrash));
   }
 }
 
@@ -185,7 +185,7 @@ std::string RestoreTag(session::Session& session, const storage::TagTrash& trash
   const auto entry =
       storage::ReadItemEntry(session.GetFiles(), storage::InTrash(tag.file), tag.item.parts);
   if (entry && people.Find(*entry) == KnownPeople::Presence::kElsewhere) {
-    return session::Say(resources::kPersonElsewhere);
+    return text::Say(resources::kPersonElsewhere);
   }
   const auto restored = trash.Restore(tag);
   return restored ? std::string() : session::ExplainRestoreError(restored.error());
@@ -296,8 +296,7 @@ Outcome PageTasks::Restore(const Names& trashed) {
     if (const std::string obstacle = RestoreTag(session, trash, *found, people);
         !obstacle.empty()) {
       outcome.isDone = false;
-      session.Fail(
-          session::Say(resources::kNotRestored, {text::ToUtf8(found->item.text), obstacle}));
+      session.Fail(text::Say(resources::kNotRestored, {text::ToUtf8(found->item.text), obstacle}));
       continue;
     }
     if (const auto time = m_writingTimes.find(file); time != m_writingTimes.end()) {

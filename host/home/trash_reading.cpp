@@ -2,9 +2,9 @@
 
 #include <utility>
 
+#include "backends/text/say.h"
 #include "host/session/explanations.h"
 #include "host/session/held_tags.h"
-#include "host/session/say.h"
 #include "storage/trash_names.h"
 #include "tags/contact_reading.h"
 
@@ -20,6 +20,7 @@ KnownPeople::KnownPeople(session::Session& session) : m_session(session) {
 KnownPeople::~KnownPeople() { m_session.GetContacts().Logoff(); }
 
 KnownPeople::Presence KnownPeople::Find(const storage::TagEntry& entry) const {
+  // If nobody can say, nothing stands in the way: the restoration itself finds out.
   if (!m_areRead || !entry.oid) {
     return Presence::kHere;
   }
@@ -35,9 +36,9 @@ std::u16string FindObstacle(const storage::TagTrash& trash, const storage::TagPa
                             const storage::TagEntry& entry, const KnownPeople& people) {
   const KnownPeople::Presence presence = people.Find(entry);
   if (presence != KnownPeople::Presence::kHere) {
-    return ToSentence(session::Say(presence == KnownPeople::Presence::kGone
-                                       ? resources::kPersonGone
-                                       : resources::kPersonElsewhere));
+    return ToSentence(text::Say(presence == KnownPeople::Presence::kGone
+                                    ? resources::kPersonGone
+                                    : resources::kPersonElsewhere));
   }
   const auto room = trash.CheckRoomFor(parts);
   return room ? std::u16string() : ToSentence(session::ExplainRestoreError(room.error()));
@@ -54,13 +55,13 @@ TrashList ReadTrash(const machine::Options& options) {
   const storage::TagTrash trash = session::OpenTrash(session);
   const auto items = trash.List();
   if (!items) {
-    read.outcome.message = ToSentence(session::Say(resources::kTrashNotRead));
+    read.outcome.message = ToSentence(text::Say(resources::kTrashNotRead));
     return read;
   }
   const KnownPeople people(session);
   for (const storage::TrashedTag& tag : *items) {
     const storage::TagParts& parts = tag.item.parts;
-    if (!parts.hasEntry) {
+    if (!parts.hasEntry) {  // Files that a repair moved there, and which were no tag.
       continue;
     }
     const auto entry =
@@ -71,7 +72,7 @@ TrashList ReadTrash(const machine::Options& options) {
       deleted.kind = entry->phoneType;
       deleted.obstacle = FindObstacle(trash, parts, *entry, people);
     } else {
-      deleted.obstacle = ToSentence(session::Say(resources::kTrashNotRead));
+      deleted.obstacle = ToSentence(text::Say(resources::kTrashNotRead));
     }
     read.tags.push_back(std::move(deleted));
   }

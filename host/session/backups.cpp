@@ -5,13 +5,13 @@
 #include <utility>
 
 #include "backends/text/host_path.h"
+#include "backends/text/say.h"
 #include "backends/text/utf.h"
 #include "backends/vcard/oid_map.h"
 #include "backends/vcard/source_choice.h"
 #include "backends/vcard/vcard_source.h"
 #include "host/session/explanations.h"
 #include "host/session/held_tags.h"
-#include "host/session/say.h"
 #include "host/session/tag_reading.h"
 #include "resources/translations.h"
 #include "storage/registry_file.h"
@@ -37,9 +37,9 @@ namespace {
 std::string Explain(Session& session, const BackupFailure& failure, const NamedFile& file) {
   switch (failure.kind) {
     case BackupFailure::Kind::kTag:
-      return Say(resources::kTagFilesNotRead, {text::ToUtf8(failure.tag)});
+      return text::Say(resources::kTagFilesNotRead, {text::ToUtf8(failure.tag)});
     case BackupFailure::Kind::kLanguage:
-      return Say(resources::kLanguageFileNotRead);
+      return text::Say(resources::kLanguageFileNotRead);
     case BackupFailure::Kind::kSettings:
       return session.ExplainStore(failure.store);
     case BackupFailure::Kind::kTarget:
@@ -52,15 +52,15 @@ std::string Explain(Session& session, const BackupFailure& failure, const NamedF
 std::string Explain(storage::BackupFault fault) {
   switch (fault) {
     case storage::BackupFault::kUnread:
-      return Say(resources::kFileNotRead);
+      return text::Say(resources::kFileNotRead);
     case storage::BackupFault::kForeign:
-      return Say(resources::kNoBackup);
+      return text::Say(resources::kNoBackup);
     case storage::BackupFault::kNewer:
-      return Say(resources::kBackupOfLaterVersion);
+      return text::Say(resources::kBackupOfLaterVersion);
     case storage::BackupFault::kDamaged:
       break;
   }
-  return Say(resources::kBackupDamaged);
+  return text::Say(resources::kBackupDamaged);
 }
 
 /// A backup among the tags would be restored with them, or deleted as somebody else's file.
@@ -79,16 +79,16 @@ bool MayWrite(Session& session, const NamedFile& file) {
     return true;
   }
   if (IsBelowRoot(session, file.path)) {
-    session.Fail(Say(resources::kNoBackupInRoot, {file.name}));
+    session.Fail(text::Say(resources::kNoBackupInRoot, {file.name}));
     return false;
   }
   // An earlier backup is replaced without a question. Any other file is the user's to give up.
   const bool agrees = session.GetOutlet().AgreesTo(
-      {text::FromUtf8(Say(resources::kReplaceNoBackup, {file.name})),
+      {text::FromUtf8(text::Say(resources::kReplaceNoBackup, {file.name})),
        platform::MessageCaption::kText, std::u16string(resources::Say(resources::kBackupCaption)),
        platform::MessageStyle::kOkCancel});
   if (!agrees) {
-    session.Fail(Say(resources::kNoBackupStays, {file.name}));
+    session.Fail(text::Say(resources::kNoBackupStays, {file.name}));
   }
   return agrees;
 }
@@ -290,8 +290,8 @@ std::optional<RestoredBackup> RestoreFrom(Session& session, platform::File& arch
                            [&contacts](std::int32_t oid) { return contacts.Find(oid); });
   if (!plan) {
     session.Fail(plan.error().empty()
-                     ? Say(resources::kSettingsNotReadNow)
-                     : Say(resources::kTagNotReadNow, {text::ToUtf8(plan.error())}));
+                     ? text::Say(resources::kSettingsNotReadNow)
+                     : text::Say(resources::kTagNotReadNow, {text::ToUtf8(plan.error())}));
     return std::nullopt;
   }
   // The user is asked once, about all that differs, before anything is changed.
@@ -332,7 +332,7 @@ std::optional<storage::BackupMade> MakeBackup(Session& session, const NamedFile&
     return std::nullopt;
   }
   if (!session.HasRootFolder()) {
-    session.Fail(Say(resources::kNothingToBackUp, {text::FromHostPath(session.GetRoot())}));
+    session.Fail(text::Say(resources::kNothingToBackUp, {text::FromHostPath(session.GetRoot())}));
     return std::nullopt;
   }
   if (!session.OpenForChanging()) {
@@ -351,7 +351,7 @@ std::optional<storage::BackupMade> MakeBackup(Session& session, const NamedFile&
   }
   // The backup is made all the same. The user hears what is not in it.
   for (const std::u16string& tag : made->leftOut) {
-    session.Fail(Say(resources::kTagLeftOut, {text::ToUtf8(tag)}));
+    session.Fail(text::Say(resources::kTagLeftOut, {text::ToUtf8(tag)}));
   }
   return *made;
 }

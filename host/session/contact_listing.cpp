@@ -5,9 +5,9 @@
 #include <optional>
 
 #include "backends/headless/headless_dialog.h"
+#include "backends/text/say.h"
 #include "backends/text/utf.h"
 #include "framework/dialog.h"
-#include "host/session/say.h"
 #include "resources/dialogs.h"
 #include "tags/contact_picker.h"
 
@@ -19,7 +19,7 @@ using Problem = vcard::AddressBooks::Problem;
 
 std::string ExplainStoreProblem(Session& session) {
   const std::optional<std::string> key = session.FindUnusableKey();
-  const std::string problem = Say(resources::kSettingsNotUsed, {session.GetRegistryName()});
+  const std::string problem = text::Say(resources::kSettingsNotUsed, {session.GetRegistryName()});
   return key ? problem + ": " + *key : problem;
 }
 
@@ -68,21 +68,21 @@ std::string ExplainContactsReason(Session& session) {
   const std::string because = reason.empty() ? std::string() : " (" + reason + ")";
   const std::optional<Problem> problem = session.GetContacts().GetProblem();
   if (!problem) {
-    return Say(resources::kContactsNotRead);
+    return text::Say(resources::kContactsNotRead);
   }
   switch (*problem) {
     case Problem::kStore:
       return ExplainStoreProblem(session);
     case Problem::kNoServer:
-      return Say(resources::kDesktopBooksSilent, {because});
+      return text::Say(resources::kDesktopBooksSilent, {because});
     case Problem::kUnreadable:
-      return Say(resources::kBookNotRead, {because});
+      return text::Say(resources::kBookNotRead, {because});
     case Problem::kNothingChosen:
-      return Say(resources::kNoContactsFound, {because, session.GetDefaultContacts()});
+      return text::Say(resources::kNoContactsFound, {because, session.GetDefaultContacts()});
     case Problem::kTagsElsewhere:
       break;
   }
-  return Say(resources::kTagsOfOtherContacts);
+  return text::Say(resources::kTagsOfOtherContacts);
 }
 
 std::string ExplainContactsProblem(Session& session) {

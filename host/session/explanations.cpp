@@ -6,7 +6,7 @@
 
 #include "audio/wave_device.h"
 #include "audio/wave_header.h"
-#include "host/session/say.h"
+#include "backends/text/say.h"
 #include "resources/report_strings.h"
 #include "voicemath/constants.h"
 
@@ -42,33 +42,35 @@ const char* Explain(int code) {
 std::string InWords(int code, bool isSpeakerFile) {
   switch (code) {
     case audio::kSoundNotOpened:
-      return Say(resources::kSoundFileNotOpened);
+      return text::Say(resources::kSoundFileNotOpened);
     case audio::kSoundNotMapped:
-      return Say(resources::kSoundFileTooLong);
+      return text::Say(resources::kSoundFileTooLong);
     case audio::kSoundTooShort:
-      return Say(resources::kSoundFileTooShort);
+      return text::Say(resources::kSoundFileTooShort);
     case audio::kSoundNoRiff:
-      return Say(resources::kSoundFileNoRiff);
+      return text::Say(resources::kSoundFileNoRiff);
     case audio::kSoundNoWave:
-      return Say(resources::kSoundFileNoWave);
+      return text::Say(resources::kSoundFileNoWave);
     case audio::kSoundNotPcm:
-      return Say(resources::kSoundFileNotPcm);
+      return text::Say(resources::kSoundFileNotPcm);
     case audio::kSoundNoData:
-      return Say(resources::kSoundFileNoData);
+      return text::Say(resources::kSoundFileNoData);
     case audio::kOutputNotOpened:
-      return Say(isSpeakerFile ? resources::kSpeakerFileNotMade : resources::kSpeakerNotOpened);
+      return text::Say(isSpeakerFile ? resources::kSpeakerFileNotMade
+                                     : resources::kSpeakerNotOpened);
     case audio::kNoPlayBuffer:
-      return Say(resources::kNoMemoryToPlay);
+      return text::Say(resources::kNoMemoryToPlay);
     case audio::kNotWritten:
-      return Say(isSpeakerFile ? resources::kSpeakerFileNotWritten : resources::kSpeakerRefused);
+      return text::Say(isSpeakerFile ? resources::kSpeakerFileNotWritten
+                                     : resources::kSpeakerRefused);
     case audio::kNotHeardToEnd:
-      return Say(resources::kNotHeardToItsEnd);
+      return text::Say(resources::kNotHeardToItsEnd);
     case audio::kNotPrepared:
-      return Say(resources::kSoundNotReady);
+      return text::Say(resources::kSoundNotReady);
     case audio::kSoundNotRead:
-      return Say(resources::kSoundFileNotRead);
+      return text::Say(resources::kSoundFileNotRead);
     default:
-      return Say(resources::kUnknownReason);
+      return text::Say(resources::kUnknownReason);
   }
 }
 
@@ -76,11 +78,11 @@ std::string InWords(int code, bool isSpeakerFile) {
 std::string RecordCodeOfFile(int code, const std::string& file) {
   switch (code) {
     case audio::kProcessEnded:
-      return Say(resources::kMicrophoneFileNotOpened, {file});
+      return text::Say(resources::kMicrophoneFileNotOpened, {file});
     case audio::kDeviceNotOpened:
-      return Say(resources::kMicrophoneFileOtherFormat, {file});
+      return text::Say(resources::kMicrophoneFileOtherFormat, {file});
     case audio::kDeviceLost:
-      return Say(resources::kMicrophoneFileNotRead, {file});
+      return text::Say(resources::kMicrophoneFileNotRead, {file});
     default:
       return {};
   }
@@ -89,15 +91,15 @@ std::string RecordCodeOfFile(int code, const std::string& file) {
 std::string RecordCodeInWords(int code) {
   switch (code) {
     case audio::kDeviceNotOpened:
-      return Say(resources::kMicrophoneNotOpened);
+      return text::Say(resources::kMicrophoneNotOpened);
     case audio::kNoBuffer:
-      return Say(resources::kNoMemoryToRecord);
+      return text::Say(resources::kNoMemoryToRecord);
     case audio::kBufferNotQueued:
-      return Say(resources::kMicrophoneTookNoBuffer);
+      return text::Say(resources::kMicrophoneTookNoBuffer);
     case audio::kNotStarted:
-      return Say(resources::kMicrophoneNotStarted);
+      return text::Say(resources::kMicrophoneNotStarted);
     case audio::kDeviceLost:
-      return Say(resources::kMicrophoneLost);
+      return text::Say(resources::kMicrophoneLost);
     default:
       return {};
   }
@@ -109,21 +111,21 @@ std::string ExplainFileError(platform::FileError error) {
   using platform::FileError;
   switch (error) {
     case FileError::kNotFound:
-      return Say(resources::kFolderMissing);
+      return text::Say(resources::kFolderMissing);
     case FileError::kAlreadyExists:
-      return Say(resources::kFileExists);
+      return text::Say(resources::kFileExists);
     case FileError::kAccessDenied:
-      return Say(resources::kFileProtected);
+      return text::Say(resources::kFileProtected);
     case FileError::kSharingViolation:
-      return Say(resources::kFileOpenElsewhere);
+      return text::Say(resources::kFileOpenElsewhere);
     case FileError::kDiskFull:
-      return Say(resources::kDiskFull);
+      return text::Say(resources::kDiskFull);
     case FileError::kReadOnly:
-      return Say(resources::kDiskReadOnly);
+      return text::Say(resources::kDiskReadOnly);
     case FileError::kLink:
-      return Say(resources::kFileIsLink);
+      return text::Say(resources::kFileIsLink);
     default:
-      return Say(resources::kFileFails);
+      return text::Say(resources::kFileFails);
   }
 }
 
@@ -131,17 +133,17 @@ std::string ExplainRestoreError(storage::RestoreError error) {
   using storage::RestoreError;
   switch (error) {
     case RestoreError::kExists:
-      return Say(resources::kTagOfThatName);
+      return text::Say(resources::kTagOfThatName);
     case RestoreError::kTooMany:
-      return Say(resources::kNoRoomForTag, {std::to_string(storage::kMaxTags)});
+      return text::Say(resources::kNoRoomForTag, {std::to_string(storage::kMaxTags)});
     case RestoreError::kFull:
-      return Say(resources::kDiskFull);
+      return text::Say(resources::kDiskFull);
     case RestoreError::kNoFolder:
-      return Say(resources::kTagFoldersMissing);
+      return text::Say(resources::kTagFoldersMissing);
     case RestoreError::kOther:
       break;
   }
-  return Say(resources::kTagPartsNotWritten);
+  return text::Say(resources::kTagPartsNotWritten);
 }
 
 int CheckHeader(voicemath::CVoiceMathematics& mathematics, const std::u16string& path) {
@@ -163,8 +165,8 @@ std::string ExplainPlayCode(const Session& session, int code) {
   // Only a file that is to be written is refused for being a link.
   const bool isUnwritten = code == audio::kOutputNotOpened || code == audio::kNotWritten;
   const std::string link = isUnwritten ? Session::ExplainLink(speaker) : std::string();
-  return Say(resources::kWithCode,
-             {link.empty() ? InWords(code, !speaker.empty()) : link, std::to_string(code)});
+  return text::Say(resources::kWithCode,
+                   {link.empty() ? InWords(code, !speaker.empty()) : link, std::to_string(code)});
 }
 
 std::string ExplainRecordCode(const Session& session, int code) {
@@ -176,7 +178,7 @@ std::string ExplainRecordCode(const Session& session, int code) {
     words = RecordCodeInWords(code);
   }
   return words.empty() || code < 0 ? words
-                                   : Say(resources::kWithCode, {words, std::to_string(code)});
+                                   : text::Say(resources::kWithCode, {words, std::to_string(code)});
 }
 
 std::string ExplainNoTag(const Session& session, const tags::Page_one& page) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/session/say.h"
+#include "backends/text/say.h"
 #include "host/session/session.h"
 #include "storage/tag_trash.h"
 #include "tags/page_one.h"
@@ -19,7 +19,7 @@ class HeldTags {
   explicit HeldTags(Session& session)
       : m_mutex(session.GetPlatform().threads.CreateNamedMutex(tags::kInstanceMutex)) {
     if (!IsHeld()) {
-      session.Fail(Say(resources::kTagsHeld));
+      session.Fail(text::Say(resources::kTagsHeld));
     } else {
       OpenTrash(session).Recover();
     }

@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
+#include "backends/text/say.h"
 #include "framework/dialog.h"
 #include "host/session/contact_listing.h"
-#include "host/session/say.h"
 #include "host/session/tag_reading.h"
 #include "platform/clock.h"
 #include "platform/contacts_store.h"
@@ -172,7 +172,7 @@ void RunPage(Session& session, Contacts contacts, const std::function<void(PageR
     // goes on, and nothing may be pressed on it any more.
     if (session.HasEnded()) {
       if (!page.IsOnlyInstance()) {
-        session.Fail(Say(resources::kTagsHeld));
+        session.Fail(text::Say(resources::kTagsHeld));
       } else if (*wasReinitialized && useEnded) {
         useEnded(page);
       }

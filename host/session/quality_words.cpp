@@ -2,8 +2,8 @@
 
 #include <fmt/format.h>
 
+#include "backends/text/say.h"
 #include "backends/text/utf.h"
-#include "host/session/say.h"
 
 namespace session {
 
@@ -20,7 +20,7 @@ std::vector<maintenance::JudgedTag> ToJudged(std::span<const tags::ListedTag> ta
 }
 
 void ReportUnjudged(Session& session, const tags::ListedTag& tag) {
-  session.Fail(Say(resources::kTagNotJudged, {text::ToUtf8(tag.name)}));
+  session.Fail(text::Say(resources::kTagNotJudged, {text::ToUtf8(tag.name)}));
 }
 
 std::string DescribeVerdict(Verdict verdict, const TakeQuality& quality) {

@@ -6,9 +6,9 @@
 #include <system_error>
 
 #include "backends/text/host_path.h"
+#include "backends/text/say.h"
 #include "backends/text/utf.h"
 #include "host/machine/system.h"
-#include "host/session/say.h"
 #include "storage/registry_file.h"
 
 // A session is a user without a window. It makes the back ends, answers the message boxes of the
@@ -84,13 +84,13 @@ platform::Platform Session::GetPlatform(platform::Clock& clock) {
 // that exists is looked at, and a link in the place of the settings is named.
 bool Session::RequireRoot() {
   if (!m_backends.HasRoot()) {
-    Fail(Say(resources::kNoRootNamed) + m_outlet.Advise(Matter::kNoRoot));
+    Fail(text::Say(resources::kNoRootNamed) + m_outlet.Advise(Matter::kNoRoot));
     return false;
   }
   const std::filesystem::path there = NearestThatExists(m_backends.GetRoot());
   std::error_code error;
   if (!std::filesystem::is_directory(there, error) && !error) {
-    Fail(Say(resources::kRootIsNoFolder, {text::FromHostPath(there)}));
+    Fail(text::Say(resources::kRootIsNoFolder, {text::FromHostPath(there)}));
     return false;
   }
   if (const auto link = machine::FindRegistryLink(GetRoot()); !link.empty()) {
@@ -128,7 +128,7 @@ bool Session::AreSameFile(const std::string& a, const std::string& b) {
 std::string Session::ExplainLink(const std::string& name, std::u16string_view text) {
   std::error_code error;
   const std::filesystem::path target = std::filesystem::read_symlink(text::ToHostPath(name), error);
-  return error ? std::string() : Say(text, {name, text::FromHostPath(target)});
+  return error ? std::string() : text::Say(text, {name, text::FromHostPath(target)});
 }
 
 void Session::Fail(std::string_view message) {
@@ -140,7 +140,7 @@ void Session::Fail(std::string_view message) {
 std::optional<std::string> Session::FindUnusableKey(std::u16string_view start) {
   auto key = storage::FindUnusableKey(GetRegistry(), start);
   if (key) {
-    key = Say(resources::kUnusableKey, {*key});
+    key = text::Say(resources::kUnusableKey, {*key});
   }
   return key;
 }

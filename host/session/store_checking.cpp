@@ -6,11 +6,11 @@
 #include <utility>
 
 #include "backends/headless/headless_ui.h"
+#include "backends/text/say.h"
 #include "backends/text/utf.h"
 #include "host/session/contact_listing.h"
 #include "host/session/held_tags.h"
 #include "host/session/quality_words.h"
-#include "host/session/say.h"
 #include "host/session/tag_reading.h"
 #include "storage/deletion.h"
 #include "storage/folders.h"
@@ -147,7 +147,7 @@ void RemoveOrphans(const platform::Platform& platform, std::vector<CheckedFindin
     if (isOrphan(checked)) {
       // One deletion takes all orphans, so what is gone is looked up by name afterwards.
       checked.isRepaired = std::ranges::find(gone, checked.finding.tag) != gone.end();
-      checked.reason = checked.isRepaired ? "" : Say(resources::kOrphanStays);
+      checked.reason = checked.isRepaired ? "" : text::Say(resources::kOrphanStays);
     }
   }
 }
@@ -155,15 +155,15 @@ void RemoveOrphans(const platform::Platform& platform, std::vector<CheckedFindin
 std::string Describe(storage::StaleError error) {
   switch (error) {
     case storage::StaleError::kRecordingInUse:
-      return Say(resources::kStaleRecordingInUse);
+      return text::Say(resources::kStaleRecordingInUse);
     case storage::StaleError::kTemplateInUse:
-      return Say(resources::kStaleTemplateInUse);
+      return text::Say(resources::kStaleTemplateInUse);
     case storage::StaleError::kEntryFailed:
-      return Say(resources::kStaleEntryStays);
+      return text::Say(resources::kStaleEntryStays);
     case storage::StaleError::kNotKept:
       break;
   }
-  return Say(resources::kTrashTakesNoTag);
+  return text::Say(resources::kTrashTakesNoTag);
 }
 
 /// Moves the tags whose contacts have gone to the trash, as the page does when it opens.
@@ -179,7 +179,7 @@ void CleanUp(const platform::Platform& platform, std::vector<CheckedFinding>& fi
     for (CheckedFinding& checked : findings) {
       if (checked.finding.tag == tag && (deleted || &checked == &stale)) {
         checked.isRepaired = deleted.has_value();
-        checked.description += checked.isRepaired ? Say(resources::kTagIsInTrashNow) : "";
+        checked.description += checked.isRepaired ? text::Say(resources::kTagIsInTrashNow) : "";
         checked.reason = deleted ? "" : Describe(deleted.error());
       }
     }

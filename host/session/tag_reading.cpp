@@ -5,9 +5,9 @@
 #include <cstddef>
 #include <string>
 
+#include "backends/text/say.h"
 #include "backends/text/utf.h"
 #include "host/session/contact_listing.h"
-#include "host/session/say.h"
 #include "storage/device_paths.h"
 #include "storage/registry_file.h"
 #include "storage/registry_keys.h"
@@ -49,17 +49,18 @@ platform::Result<std::vector<tags::ListedTag>, platform::RegistryError> ReadAtOn
 void ReportProblem(Session& session, const tags::ListedTag& tag) {
   const std::string name = text::ToUtf8(tag.name);
   if (tag.error) {
-    session.Fail(Say(resources::kEntryNotRead, {name, storage::ExplainRegistryError(*tag.error)}));
+    session.Fail(
+        text::Say(resources::kEntryNotRead, {name, storage::ExplainRegistryError(*tag.error)}));
   } else if (tag.failure) {
-    session.Fail(Say(resources::kContactOfTagNotRead, {name}));
+    session.Fail(text::Say(resources::kContactOfTagNotRead, {name}));
     // The page's list ends at such a name. Here it has a line, and the user hears of it.
   } else if (name.size() > storage::TagNames::kMaxLength) {
-    session.Fail(Say(resources::kTagNameTooLong, {name}));
+    session.Fail(text::Say(resources::kTagNameTooLong, {name}));
   }
 }
 
 void WarnOfContacts(Session& session) {
-  session.Warn(Say(resources::kTagsWithoutContacts, {ExplainContactsProblem(session)}));
+  session.Warn(text::Say(resources::kTagsWithoutContacts, {ExplainContactsProblem(session)}));
 }
 
 platform::Result<std::vector<std::u16string>, platform::RegistryError> ListTagNames(

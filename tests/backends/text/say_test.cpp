@@ -1,11 +1,11 @@
-#include "host/session/say.h"
+#include "backends/text/say.h"
 
 #include <gtest/gtest.h>
 
 #include "resources/report_strings.h"
 #include "resources/translations.h"
 
-namespace session {
+namespace text {
 namespace {
 
 TEST(Say, PutsEachFillingIntoItsPlace) {
@@ -32,4 +32,4 @@ TEST(Say, FaultsAreInTheLanguageOfAProgramThatChoseOneAndElseInEnglish) {
 }
 
 }  // namespace
-}  // namespace session
+}  // namespace text
