@@ -55,6 +55,7 @@ AddressBook ReadAddressBook(const machine::Options& options) {
 }
 
 BookChoice ChooseAddressBook(const machine::Options& options, const std::string& contacts) {
+  // As if the program had been started with --contacts: a log-on that works remembers the choice.
   machine::Options chosen = options;
   chosen.contacts = contacts;
   Gathering gathering;

@@ -110,6 +110,8 @@ AddressBookSection::AddressBookSection(const SetupTools& tools, Errands& errands
     ShowRemarks();
   });
   ShowButtons({m_desktop, m_file});
+  // A window that was started with --contacts cannot choose: the next start with the same command
+  // would choose the old book again.
   const bool isGiven = !m_tools.options.contacts.empty();
   m_desktop->setEnabled(!isGiven);
   m_file->setEnabled(!isGiven);

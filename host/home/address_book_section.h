@@ -15,7 +15,7 @@ class AddressBookSection final : public SetupSection {
   AddressBookSection(const SetupTools& tools, Errands& errands, QWidget* parent);
 
   void OnShown() override;
-  /// Chooses the vCard file or folder if it is one.
+  /// Chooses what was dropped, if it is one file or folder. Otherwise says why not.
   void OnFilesDropped(const QStringList& paths);
 
  private:

@@ -30,6 +30,7 @@ QString InitialsOf(const QString& name) {
   if (words.isEmpty()) {
     return {};
   }
+  // The first and the last word are what people are known by, whichever of them the family's is.
   const QString first = FirstLetterOf(words.front());
   return words.size() == 1 ? first : first + FirstLetterOf(words.back());
 }

@@ -19,9 +19,8 @@ void GiveMenu(QToolButton& button, QMenu& menu);
 void SuitFingers(QMenu& menu, const QWidget& window);
 
 /// A button that is large enough for a finger, with some room around its text, which may have
-/// several lines. Its symbol is as
-/// high as a letter, and symbol and text stand together in the middle. The styles of the library
-/// tear them apart if the window is read from right to left.
+/// several lines. Its symbol is as high as a letter, and symbol and text stand together in the
+/// middle. The styles of the library tear them apart if the window is read from right to left.
 class Button : public QPushButton {
  public:
   explicit Button(QWidget* parent);

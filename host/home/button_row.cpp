@@ -48,6 +48,8 @@ void ButtonRow::ShowOnly(std::initializer_list<QPushButton*> buttons) {
   Arrange();
 }
 
+// Each button gets the room of the largest. So rows line up, and a text that changes moves no other
+// button.
 QSize ButtonRow::LargestButton() const {
   QSize size;
   for (const QPushButton* const button : m_shown) {

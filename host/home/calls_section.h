@@ -8,7 +8,7 @@
 
 namespace home {
 
-/// By which way the dialer calls.
+/// The choice of the way by which the dialer calls.
 class CallsSection final : public SetupSection {
  public:
   /// Both outlive this.

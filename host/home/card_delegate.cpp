@@ -5,32 +5,21 @@
 #include <algorithm>
 
 #include "host/home/avatar.h"
+#include "host/home/list_painting.h"
 #include "host/home/sizes.h"
 
 namespace home {
 namespace {
 
 constexpr int kCardGap = 8;
-constexpr float kQuietText = 0.75F;
-constexpr float kCardCircle = 0.18F;
-
-QColor AtShare(QColor colour, float share) {
-  colour.setAlphaF(share);
-  return colour;
-}
 
 }  // namespace
 
-// Everything is placed as for a window that is read from left to right, and mirrored by visualRect.
 void CardDelegate::paint(QPainter* painter, const QStyleOptionViewItem& given,
                          const QModelIndex& index) const {
   QStyleOptionViewItem option(given);
   initStyleOption(&option, index);
-  option.widget->style()->drawPrimitive(QStyle::PE_PanelItemViewItem, &option, painter,
-                                        option.widget);
-  const bool isSelected = (option.state & QStyle::State_Selected) != 0;
-  const QColor colour =
-      option.palette.color(isSelected ? QPalette::HighlightedText : QPalette::Text);
+  PaintGround(*painter, option);
   const int line = option.fontMetrics.lineSpacing();
   QRect area = option.rect.adjusted(kCardGap, kCardGap, -kCardGap, -kCardGap);
   painter->save();
@@ -40,7 +29,7 @@ void CardDelegate::paint(QPainter* painter, const QStyleOptionViewItem& given,
     DrawAvatar(*painter,
                QStyle::visualRect(option.direction, option.rect,
                                   QRect(area.left(), area.top(), circle, area.height())),
-               name, colour, AtShare(colour, kCardCircle));
+               name, ColourOf(option), WithShare(ColourOf(option), kGroundShare));
     area.setLeft(area.left() + circle + kCardGap);
   }
   const QStringList lines = index.data().toString().split(u'\n');
@@ -48,14 +37,9 @@ void CardDelegate::paint(QPainter* painter, const QStyleOptionViewItem& given,
   for (int i = 0; i < std::min<int>(m_lines, static_cast<int>(lines.size())); ++i) {
     QFont font(option.font);
     font.setBold(i == 0);
-    painter->setFont(font);
-    painter->setPen(isSelected || (i == 0 && !isQuiet) ? colour : AtShare(colour, kQuietText));
-    const QRect place(area.left(), area.top() + i * line, area.width(), line);
-    painter->drawText(QStyle::visualRect(option.direction, option.rect, place),
-                      static_cast<int>(QStyle::visualAlignment(option.direction, Qt::AlignLeading) |
-                                       Qt::AlignAbsolute | Qt::AlignVCenter) |
-                          Qt::TextSingleLine,
-                      QFontMetrics(font).elidedText(lines[i], Qt::ElideRight, place.width()));
+    WriteLine(*painter, option,
+              {QRect(area.left(), area.top() + i * line, area.width(), line), lines[i], font,
+               Qt::AlignLeading, Qt::ElideRight, i > 0 || isQuiet});
   }
   painter->restore();
 }

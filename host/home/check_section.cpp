@@ -83,6 +83,7 @@ void CheckSection::Check(Repairing repairing) {
   ShowNews(*m_news,
            Say(repairing == Repairing::kYes ? resources::kRepairing : resources::kChecking));
   m_errands.Do(
+      // On the thread of the errands, so the progress goes back to the event loop.
       [this, repairing, &options = m_tools.options] {
         const auto report = [this](std::size_t done, std::size_t all) {
           m_errands.Tell([this, done, all] {

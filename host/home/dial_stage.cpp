@@ -17,23 +17,19 @@
 #include "host/home/level_meter.h"
 #include "host/home/numbers.h"
 #include "host/home/say.h"
+#include "host/home/sizes.h"
 #include "resources/dial_window_strings.h"
 #include "resources/tags_window_strings.h"
 #include "resources/teaching_strings.h"
 
+// Title and text change quietly, and one sentence is said for both: two texts that speak by
+// themselves would cut each other short in a screen reader.
 namespace home {
 namespace {
 
 constexpr int kStageGap = 12;
 constexpr double kTitleScale = 1.6;
 constexpr double kAvatarHeight = 4;  // In lines of text.
-
-void Enlarge(QLabel& label, double growth) {
-  QFont font = label.font();
-  font.setPointSizeF(font.pointSizeF() * growth);
-  font.setBold(true);
-  label.setFont(font);
-}
 
 /// Shows each line of its text as far as there is room. The tool tip has the whole text.
 class ChoiceButton final : public Button {
@@ -177,6 +173,7 @@ void DialStage::ShowLeft(std::uint32_t milliseconds) {
 void DialStage::ShowChoice(const QString& title, const QString& text,
                            const std::vector<dialer::Callee>& callees) {
   ShowText(title, text);
+  // Deleted later, since the press of one of these buttons may have led here.
   while (QLayoutItem* const item = m_choiceList->takeAt(0)) {
     item->widget()->deleteLater();
     item->widget()->hide();

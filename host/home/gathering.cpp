@@ -43,6 +43,7 @@ void Gathering::ShowFailure(std::string_view sentence) { Add(ToSentence(sentence
 void Gathering::ShowMessage(const headless::ShownMessage& message) { Add(message.box.text); }
 
 void Gathering::WatchReinit(headless::HeadlessDialog& window) {
+  // Only after a failure can it be closed. Each try before that does nothing.
   constexpr std::uint32_t kStep = 100;
   while (!window.WaitForEnd(kStep)) {
     window.Close();

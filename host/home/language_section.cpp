@@ -86,6 +86,7 @@ void LanguageSection::OnShown() {
 }
 
 void LanguageSection::Show(const Found& found) {
+  // What is filled in is not the user's choice.
   const QSignalBlocker blocker(m_languages);
   m_languages->clear();
   m_languages->addItem(LanguageName({}), QString());

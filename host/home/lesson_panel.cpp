@@ -18,6 +18,7 @@
 #include "host/home/numbers.h"
 #include "host/home/quality_words.h"
 #include "host/home/say.h"
+#include "host/home/sizes.h"
 #include "host/home/symbols.h"
 #include "host/home/wave_picture.h"
 #include "resources/quality_strings.h"
@@ -33,13 +34,6 @@ constexpr double kNameGrowth = 1.3;
 constexpr double kCueGrowth = 2;
 constexpr double kAvatarLines = 2.5;
 constexpr std::size_t kMostNamed = 3;  ///< People whose names are too alike; the rest is counted.
-
-void Grow(QLabel& label, double growth) {
-  QFont font = label.font();
-  font.setPointSizeF(font.pointSizeF() * growth);
-  font.setBold(true);
-  label.setFont(font);
-}
 
 /// Returns where a line begins. The direction of the window decides, and not that of the text.
 Qt::Alignment LeadingOf(const QWidget& widget) {
@@ -101,7 +95,7 @@ QWidget* LessonPanel::MakeHeader() {
     label->setTextInteractionFlags(Qt::TextSelectableByMouse);
     label->setAlignment(LeadingOf(*this));
   }
-  Grow(*m_name, kNameGrowth);
+  Enlarge(*m_name, kNameGrowth);
   auto* const texts = new QVBoxLayout;
   texts->setSpacing(0);
   texts->addWidget(m_name);
@@ -117,7 +111,7 @@ QWidget* LessonPanel::MakeHint() {
   auto* const page = new QWidget;
   m_hintTitle = new LiveLabel(page);
   m_hintTitle->setObjectName(QStringLiteral("lessonTitle"));
-  Grow(*m_hintTitle, kNameGrowth);
+  Enlarge(*m_hintTitle, kNameGrowth);
   m_hint = new QLabel(page);
   m_hint->setObjectName(QStringLiteral("lessonHint"));
   m_hint->setTextFormat(Qt::PlainText);
@@ -138,7 +132,7 @@ QWidget* LessonPanel::MakeRecording() {
   m_cue->setObjectName(QStringLiteral("cue"));
   m_cue->setAlignment(Qt::AlignHCenter);
   m_cue->setWordWrap(true);
-  Grow(*m_cue, kCueGrowth);
+  Enlarge(*m_cue, kCueGrowth);
   m_left = new QProgressBar(page);
   m_left->setObjectName(QStringLiteral("timeLeft"));
   m_left->setAccessibleName(Say(resources::kTimeLeft));
@@ -197,6 +191,7 @@ void LessonPanel::MakeButtons(const Acts& acts) {
 }
 
 void LessonPanel::ShowHint(const QString& title, const QString& text) {
+  // Said only if it is news: while a page waits, it shows the same hint again and again.
   if (m_hintTitle->text() != title) {
     m_hintTitle->Announce(title);
   }
@@ -209,6 +204,7 @@ void LessonPanel::ShowNobody() {
   m_name->parentWidget()->hide();
   m_name->clear();
   m_number->clear();
+  // Quietly, since a screen reader says where the focus goes, which is the list of people.
   m_hintTitle->ShowQuietly(Say(resources::kChoosePerson));
   ShowHint(Say(resources::kChoosePerson), Say(resources::kChoosePersonAdvice));
   m_buttons->ShowOnly({});
@@ -280,6 +276,7 @@ void LessonPanel::ShowTake(const HeardTake& take) {
   m_stage->setCurrentWidget(m_takePage);
   ShowPlaying(false);
   m_buttons->ShowOnly({m_keep, m_record, m_hear, m_discard});
+  // A warning forbids nothing, but Enter then records again.
   (m_sentences.isEmpty() ? m_keep : m_record)->setFocus();
 }
 

@@ -16,6 +16,7 @@
 #include "host/home/button_row.h"
 #include "host/home/empty_notice.h"
 #include "host/home/likeness_picture.h"
+#include "host/home/list_painting.h"
 #include "host/home/numbers.h"
 #include "host/home/say.h"
 #include "host/home/sizes.h"
@@ -45,36 +46,25 @@ class PairDelegate final : public QStyledItemDelegate {
              const QModelIndex& index) const override {
     QStyleOptionViewItem option(given);
     initStyleOption(&option, index);
-    option.widget->style()->drawPrimitive(QStyle::PE_PanelItemViewItem, &option, painter,
-                                          option.widget);
+    PaintGround(*painter, option);
     const QRect area = option.rect.adjusted(kPairPadding, kPairPadding, -kPairPadding, 0);
     const QStringList lines = index.data().toString().split(u'\n');
     const QString score = index.data(kScoreRole).toString();
     const int line = option.fontMetrics.lineSpacing();
     const int taken = option.fontMetrics.horizontalAdvance(score) + line + 2 * kPairPadding;
-    const QColor colour = option.palette.color(
-        (option.state & QStyle::State_Selected) != 0 ? QPalette::HighlightedText : QPalette::Text);
     painter->save();
-    painter->setPen(colour);
-    const auto place = [&](int left, int top, int width) {
-      return QStyle::visualRect(option.direction, option.rect,
-                                QRect(left, top, std::max(width, 0), line));
-    };
-    const auto write = [&](const QRect& rect, const QString& text, Qt::Alignment alignment) {
-      painter->drawText(rect,
-                        static_cast<int>(QStyle::visualAlignment(option.direction, alignment) |
-                                         Qt::AlignAbsolute | Qt::AlignVCenter) |
-                            Qt::TextSingleLine,
-                        option.fontMetrics.elidedText(text, Qt::ElideRight, rect.width()));
-    };
     for (int i = 0; i < lines.size(); ++i) {
-      write(place(area.left(), area.top() + i * line, area.width() - taken), lines[i],
-            Qt::AlignLeading);
+      const QRect place(area.left(), area.top() + i * line, std::max(area.width() - taken, 0),
+                        line);
+      WriteLine(*painter, option, {place, lines[i], option.font});
     }
-    write(place(area.right() + 1 - taken, area.top(), taken), score, Qt::AlignTrailing);
+    WriteLine(*painter, option,
+              {QRect(area.right() + 1 - taken, area.top(), taken, line), score, option.font,
+               Qt::AlignTrailing});
     if (index.data(kTooAlikeRole).toBool()) {
-      DrawSymbol(*painter, place(area.right() + 1 - line, area.top() + line, line),
-                 Symbol::kWarning, colour);
+      const QRect place(area.right() + 1 - line, area.top() + line, line, line);
+      DrawSymbol(*painter, QStyle::visualRect(option.direction, option.rect, place),
+                 Symbol::kWarning, ColourOf(option));
     }
     painter->restore();
   }
@@ -285,6 +275,8 @@ void LikenessPage::Play() {
   });
 }
 
+// A turn is one press of the button. If the user has stopped or pressed again meanwhile, the turn is
+// another one, and the second name is not played.
 void LikenessPage::PlaySecond(int turn, const std::u16string& tag) {
   if (turn == m_turn) {
     m_work.Play(tag, [self = QPointer<LikenessPage>(this), turn](const Outcome& outcome) {

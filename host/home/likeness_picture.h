@@ -15,7 +15,7 @@ namespace home {
 
 /// A picture of which names are alike. The names stand around a circle, those that are alike close
 /// to each other, and each pair is a curve: a thick one if it is too alike. If there is no room for
-/// all names, there is for those of the current pair first, and then for those that are too alike.
+/// all names, those of the current pair come first, and then those that are too alike.
 class LikenessPicture : public QWidget {
  public:
   /// `choose` is called if a pair is clicked.

@@ -28,6 +28,7 @@ MessageBar::MessageBar(QWidget* parent)
   close->setObjectName(QStringLiteral("messageClose"));
   MakeTouchable(*close);
   connect(close, &QToolButton::clicked, this, &MessageBar::Clear);
+  // The bar is empty before the act, which may show the next message in it.
   connect(m_button, &QPushButton::clicked, this, [this] {
     const auto act = std::exchange(m_act, nullptr);
     Clear();

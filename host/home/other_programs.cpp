@@ -17,6 +17,7 @@ desktop::DesktopShell::Options ShellOptions(const machine::Places& places, QObje
   desktop::DesktopShell::Options options;
   options.environment = desktop::ReadEnvironment();
   options.helpFolders = {(places.GetDataFolder() / "help").native()};
+  // The shell reports on a thread of its own.
   options.report = [&context, report = std::move(report)](std::u16string_view text) {
     QMetaObject::invokeMethod(
         &context, [report, shown = qt::ToQString(text)] { report(shown); }, Qt::QueuedConnection);
@@ -35,6 +36,7 @@ OtherPrograms::OtherPrograms(machine::Options options,
 OtherPrograms::~OtherPrograms() = default;
 
 bool OtherPrograms::Start(const machine::Program& program, const QStringList& arguments) const {
+  // Handed over in the environment, since the control panel and what it opens have no such options.
   QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
   const std::array<std::pair<const char*, const std::string&>, 4> variables{
       {{"VOXTREL_ROOT", m_options.root},
@@ -51,6 +53,7 @@ bool OtherPrograms::Start(const machine::Program& program, const QStringList& ar
   process.setArguments(arguments);
   process.setProcessEnvironment(environment);
   process.setStandardInputFile(QProcess::nullDevice());
+  // Without the look at the file, a missing program is noticed only by its child process.
   return QFileInfo(process.program()).isExecutable() && process.startDetached();
 }
 

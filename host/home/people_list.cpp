@@ -15,6 +15,7 @@
 #include "host/home/access.h"
 #include "host/home/avatar.h"
 #include "host/home/empty_notice.h"
+#include "host/home/list_painting.h"
 #include "host/home/numbers.h"
 #include "host/home/say.h"
 #include "host/home/sizes.h"
@@ -26,13 +27,6 @@ namespace home {
 namespace {
 
 constexpr int kRowGap = 8;
-constexpr float kQuiet = 0.75F;  ///< Of a text that matters less.
-constexpr float kCircle = 0.18F;
-
-QColor WithShare(QColor colour, float share) {
-  colour.setAlphaF(share);
-  return colour;
-}
 
 /// Paints a row: the person's initials and name on the first one of a person, and the number on
 /// each.
@@ -51,18 +45,17 @@ class PersonDelegate final : public QStyledItemDelegate {
     const QRect area = option.rect.adjusted(kRowGap, kRowGap / 2, -kRowGap, -kRowGap / 2);
     if (index.row() > 0 && m_model.IsFirstOfPerson(index.row())) {
       painter->fillRect(QRect(option.rect.topLeft(), QSize(option.rect.width(), 1)),
-                        WithShare(option.palette.color(QPalette::Text), kCircle));
+                        WithShare(option.palette.color(QPalette::Text), kThinShare));
     }
     const int avatar = AvatarSize(option);
-    const QColor text = option.palette.color(
-        (option.state & QStyle::State_Selected) != 0 ? QPalette::HighlightedText : QPalette::Text);
     if (m_model.IsFirstOfPerson(index.row())) {
       DrawAvatar(*painter,
                  QStyle::visualRect(option.direction, area,
                                     QRect(area.left(), area.top(), avatar, area.height())),
-                 qt::ToQString(m_model.PersonAt(index.row()).name), text, WithShare(text, kCircle));
+                 qt::ToQString(m_model.PersonAt(index.row()).name), ColourOf(option),
+                 WithShare(ColourOf(option), kGroundShare));
     }
-    PaintTexts(*painter, option, area.adjusted(avatar + kRowGap, 0, 0, 0), index.row(), text);
+    PaintTexts(*painter, option, area.adjusted(avatar + kRowGap, 0, 0, 0), index.row());
     painter->restore();
   }
 
@@ -76,26 +69,16 @@ class PersonDelegate final : public QStyledItemDelegate {
     return std::min(2 * option.fontMetrics.lineSpacing(), option.rect.width() / 6);
   }
 
-  /// `area` is that of a window that is read from left to right.
-  void PaintTexts(QPainter& painter, const QStyleOptionViewItem& option, const QRect& area, int row,
-                  const QColor& colour) const {
+  void PaintTexts(QPainter& painter, const QStyleOptionViewItem& option, const QRect& area,
+                  int row) const {
     const bool isFirst = m_model.IsFirstOfPerson(row);
     const int line = option.fontMetrics.lineSpacing();
     const int top = area.center().y() - (isFirst ? line : line / 2);
-    const auto write = [&](QRect rect, const QString& text, bool isBold, Qt::TextElideMode mode) {
+    const auto write = [&](const QRect& place, const QString& text, bool isBold,
+                           Qt::TextElideMode mode) {
       QFont font(option.font);
       font.setBold(isBold);
-      painter.setFont(font);
-      QColor quiet = colour;
-      quiet.setAlphaF(isBold ? 1 : kQuiet);
-      painter.setPen((option.state & QStyle::State_Selected) != 0 ? colour : quiet);
-      rect = QStyle::visualRect(option.direction, option.rect, rect);
-      painter.drawText(
-          rect,
-          static_cast<int>(QStyle::visualAlignment(option.direction, Qt::AlignLeading) |
-                           Qt::AlignAbsolute | Qt::AlignVCenter) |
-              Qt::TextSingleLine,
-          QFontMetrics(font).elidedText(text, mode, rect.width()));
+      WriteLine(painter, option, {place, text, font, Qt::AlignLeading, mode, !isBold});
     };
     const Person& person = m_model.PersonAt(row);
     if (isFirst) {
@@ -116,18 +99,17 @@ class PersonDelegate final : public QStyledItemDelegate {
     const Number& number = m_model.NumberAt(row);
     const QString shown = NameKind(number.kind) + QStringLiteral(" · ") + ShowNumber(number.text);
     const QRect place(area.left(), top + (isFirst ? line : 0), area.width(), line);
-    const int taken =
-        m_model.IsTaught(row)
-            ? PaintTaught(painter, option, place,
-                          place.width() - option.fontMetrics.horizontalAdvance(shown), colour)
-            : 0;
+    const int taken = m_model.IsTaught(row)
+                          ? PaintTaught(painter, option, place,
+                                        place.width() - option.fontMetrics.horizontalAdvance(shown))
+                          : 0;
     write(place.adjusted(0, 0, -taken, 0), shown, false, Qt::ElideMiddle);
   }
 
   /// Shows at the end of the line that the number has a voice tag: with words if `room` is free
   /// there, else with the sign alone, as the number says more. Returns the width that it takes.
   static int PaintTaught(QPainter& painter, const QStyleOptionViewItem& option, const QRect& line,
-                         int room, const QColor& colour) {
+                         int room) {
     const int size = option.fontMetrics.ascent();
     const int around = size + 2 * kRowGap;
     const QString word = Say(resources::kIsTaught);
@@ -138,11 +120,11 @@ class PersonDelegate final : public QStyledItemDelegate {
                                 QRect(line.right() + 1 - back, line.top(), length, line.height()));
     };
     painter.setFont(option.font);
-    painter.setPen(colour);
+    painter.setPen(ColourOf(option));
     if (width > 0) {
       painter.drawText(place(width, width), Qt::AlignCenter, word);
     }
-    DrawSymbol(painter, place(width + size + kRowGap / 2, size), Symbol::kGood, colour);
+    DrawSymbol(painter, place(width + size + kRowGap / 2, size), Symbol::kGood, ColourOf(option));
     return width + around;
   }
 
@@ -249,6 +231,7 @@ void PeopleList::OnActivated(const QModelIndex& index) {
   }
 }
 
+// The keys that move in the list go to it while the search has the focus.
 bool PeopleList::eventFilter(QObject* watched, QEvent* event) {
   if (watched == m_search && event->type() == QEvent::KeyPress) {
     const int key = static_cast<QKeyEvent*>(event)->key();

@@ -9,6 +9,8 @@
 #include "host/home/say.h"
 #include "resources/teaching_strings.h"
 
+// Each number is a row, since a number is what is taught. The words of all rows are folded once,
+// when the shelf comes, so that a letter of the search only compares texts.
 namespace home {
 
 void PeopleModel::SetShelf(std::shared_ptr<const Shelf> shelf) {
@@ -36,6 +38,7 @@ void PeopleModel::SetShelf(std::shared_ptr<const Shelf> shelf) {
 }
 
 void PeopleModel::Search(const QString& typed) {
+  // Rows come and go all over the list. One reset costs less than a signal for each of thousands.
   beginResetModel();
   m_typed = typed;
   Filter();

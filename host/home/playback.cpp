@@ -51,6 +51,7 @@ platform::Result<std::unique_ptr<platform::WaveOutDevice>, WaveResult> Playback:
 void Playback::Sleep(std::uint32_t milliseconds) {
   constexpr std::uint32_t kStep = 50;
   while (milliseconds > 0 && !m_isStopped && !(m_device != nullptr && m_device->HasDone())) {
+    // Loudspeakers report their end to nobody, so it is asked for in short steps.
     const std::uint32_t step = std::min(kStep, milliseconds);
     m_platform->clock.Sleep(step);
     milliseconds -= step;

@@ -75,6 +75,7 @@ bool IsJudged(const maintenance::TagQuality& quality) {
 }
 
 QString NameQuality(const maintenance::TagQuality& quality) {
+  // The first verdict is the one that hinders most.
   if (quality.take && !quality.take->verdicts.empty()) {
     return NameVerdict(quality.take->verdicts.front());
   }
@@ -91,6 +92,7 @@ QStringList DescribeQuality(const Tag& tag, const std::vector<Tag>& tags) {
   }
   if (tag.quality.take) {
     for (const Verdict verdict : tag.quality.take->verdicts) {
+      // A tag has other words than a take that was just made: nobody can speak later any more.
       if (verdict == Verdict::kCutStart) {
         sentences.append(Say(resources::kTagStartIsCut));
       } else if (verdict == Verdict::kCutEnd) {

@@ -53,6 +53,7 @@ SerialPortSection::SerialPortSection(const SetupTools& tools, Errands& errands, 
   m_ports->setObjectName(QStringLiteral("portsHere"));
   m_news->setObjectName(QStringLiteral("portNews"));
   QPushButton* const change = AddButton(resources::kChangePort, "changePort", [this] {
+    // That program has no options but the folder, in which it keeps what is chosen.
     const machine::Backends backends(m_tools.options);
     backends.MakeRoot();
     const QString root = QFile::decodeName(QByteArray::fromStdString(backends.GetRoot().native()));

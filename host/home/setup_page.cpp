@@ -75,6 +75,7 @@ void SetupPage::OnLeft() {
 }
 
 void SetupPage::OnFilesDropped(const QStringList& paths) {
+  // A file that is dropped is an address book; the page may have been scrolled away from it.
   m_scroll->ensureWidgetVisible(m_addressBook);
   m_addressBook->OnFilesDropped(paths);
 }

@@ -17,9 +17,11 @@ QString AskForNewFile(QWidget* parent, const QString& title, const QString& filt
 }
 
 bool Ask(QWidget* parent, const QString& question, const QString& yes, const QString& no) {
+  // Not with the library's own Yes and No: a button that says what it does needs no second reading.
+  // Enter and Escape change nothing.
   QMessageBox box(QMessageBox::Question, parent->window()->windowTitle(), question,
                   QMessageBox::NoButton, parent);
-  box.setTextFormat(Qt::PlainText);
+  box.setTextFormat(Qt::PlainText);  // Names of the user's must not be read as marks of a format.
   const QPushButton* const agrees = box.addButton(yes, QMessageBox::AcceptRole);
   QPushButton* const declines = box.addButton(no, QMessageBox::RejectRole);
   box.setDefaultButton(declines);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QFont>
 #include <QWidget>
 
 namespace home {
@@ -12,5 +13,13 @@ inline constexpr int kPhoneWidth = 600;
 
 /// Makes the widget large enough for a finger.
 inline void MakeTouchable(QWidget& widget) { widget.setMinimumSize(kLeastTarget, kLeastTarget); }
+
+/// Makes the letters of the widget bold, and larger by that factor.
+inline void Enlarge(QWidget& widget, double growth) {
+  QFont font = widget.font();
+  font.setPointSizeF(font.pointSizeF() * growth);
+  font.setBold(true);
+  widget.setFont(font);
+}
 
 }  // namespace home

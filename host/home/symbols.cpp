@@ -147,10 +147,12 @@ void DrawSymbol(QPainter& painter, const QRectF& area, Symbol symbol, const QCol
   painter.setRenderHint(QPainter::Antialiasing);
   painter.translate(area.center());
   painter.scale(size / kUnits, size / kUnits);
+  // It points to where reading begins. The signs of a recorder are the same in every language.
   if (symbol == Symbol::kBack && QGuiApplication::isRightToLeft()) {
     painter.scale(-1, 1);
   }
   painter.translate(-kUnits / 2, -kUnits / 2);
+  // Filled, as on every recorder. All others are lines.
   if (symbol == Symbol::kPlay || symbol == Symbol::kStop || symbol == Symbol::kRecord) {
     painter.setPen(Qt::NoPen);
     painter.setBrush(colour);

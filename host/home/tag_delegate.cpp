@@ -1,9 +1,9 @@
 #include "host/home/tag_delegate.h"
 
-#include <QApplication>
 #include <QPainter>
 #include <algorithm>
 
+#include "host/home/list_painting.h"
 #include "host/home/sizes.h"
 #include "host/home/symbols.h"
 #include "host/home/tag_list.h"
@@ -13,8 +13,6 @@ namespace {
 
 constexpr int kCardPadding = 8;
 constexpr int kCardLines = 3;
-constexpr float kQuietShare = 0.75F;  ///< How strong a line of a card is that matters less.
-constexpr float kThinShare = 0.15F;   ///< The line between two cards.
 
 Symbol SymbolOf(Grade grade) {
   switch (grade) {
@@ -25,18 +23,6 @@ Symbol SymbolOf(Grade grade) {
     default:
       return Symbol::kUnknown;
   }
-}
-
-QColor ColourOf(const QStyleOptionViewItem& option, bool isQuiet) {
-  const auto group =
-      (option.state & QStyle::State_Active) != 0 ? QPalette::Active : QPalette::Inactive;
-  const bool isSelected = (option.state & QStyle::State_Selected) != 0;
-  QColor colour =
-      option.palette.color(group, isSelected ? QPalette::HighlightedText : QPalette::Text);
-  if (isQuiet && !isSelected) {
-    colour.setAlphaF(kQuietShare);
-  }
-  return colour;
 }
 
 /// Returns the texts that are not empty, with a dot between them.
@@ -79,23 +65,6 @@ struct CardPlaces {
   int symbolSize;
   int qualityWidth;
 };
-
-/// Writes one line at the edge where reading begins, or at the other one. The direction of the
-/// window decides, and not that of the text: names of both directions stand at one edge.
-void Write(QPainter& painter, const QStyleOptionViewItem& option, const QRect& line,
-           const QString& text, const QFont& font, Qt::Alignment edge, Qt::TextElideMode mode,
-           bool isQuiet = false) {
-  const QFontMetrics metrics(font);
-  const QString shown = metrics.horizontalAdvance(text) <= line.width()
-                            ? text
-                            : metrics.elidedText(text, mode, line.width());
-  painter.setFont(font);
-  painter.setPen(ColourOf(option, isQuiet));
-  const Qt::Alignment alignment =
-      QStyle::visualAlignment(option.direction, edge) | Qt::AlignAbsolute | Qt::AlignVCenter;
-  painter.drawText(QStyle::visualRect(option.direction, option.rect, line),
-                   static_cast<int>(alignment) | Qt::TextSingleLine | Qt::TextDontClip, shown);
-}
 
 }  // namespace
 
@@ -169,10 +138,7 @@ void TagDelegate::PaintCard(QPainter& painter, const QStyleOptionViewItem& given
                             const QModelIndex& index) const {
   QStyleOptionViewItem option(given);
   QStyledItemDelegate::initStyleOption(&option, index);
-  const QStyle& style =
-      *(option.widget != nullptr ? option.widget->style() : QApplication::style());
-  style.drawPrimitive(QStyle::PE_PanelItemViewItem, &option, &painter, option.widget);
-
+  PaintGround(painter, option);
   const Tag& tag = m_model.TagAt(m_order.mapToSource(index).row());
   const CardTexts texts = TextsOf(option.rect, option.font, index);
   const CardPlaces places(option.rect, option.font, texts.quality);
@@ -180,22 +146,21 @@ void TagDelegate::PaintCard(QPainter& painter, const QStyleOptionViewItem& given
   const bool isPlaying = tag.name == m_model.GetPlaying();
   QRect symbol(QPoint(), QSize(places.symbolSize, places.symbolSize));
   symbol.moveCenter(TagList::PlayButton(option.rect, option.direction).center());
-  DrawSymbol(painter, symbol, isPlaying ? Symbol::kStop : Symbol::kPlay, ColourOf(option, false));
+  DrawSymbol(painter, symbol, isPlaying ? Symbol::kStop : Symbol::kPlay, ColourOf(option));
   if (m_model.AreJudged()) {
     DrawSymbol(painter, QStyle::visualRect(option.direction, option.rect, places.QualitySymbol()),
-               SymbolOf(GradeOf(tag)), ColourOf(option, false));
+               SymbolOf(GradeOf(tag)), ColourOf(option));
   }
-  Write(painter, option, places.Quality(), texts.quality, option.font, Qt::AlignTrailing,
-        Qt::ElideRight);
-  Write(painter, option, places.Line(0), texts.name, Bold(option.font), Qt::AlignLeading,
-        Qt::ElideRight);
-  Write(painter, option, places.Line(1), texts.number, option.font, Qt::AlignLeading,
-        Qt::ElideMiddle);
-  Write(painter, option, places.Line(2), Join(texts.facts), option.font, Qt::AlignLeading,
-        Qt::ElideRight, true);
-  QColor thin = option.palette.color(QPalette::Text);
-  thin.setAlphaF(kThinShare);
-  painter.fillRect(QRect(option.rect.left(), option.rect.bottom(), option.rect.width(), 1), thin);
+  WriteLine(painter, option,
+            {places.Quality(), texts.quality, option.font, Qt::AlignTrailing, Qt::ElideRight});
+  WriteLine(painter, option, {places.Line(0), texts.name, Bold(option.font)});
+  WriteLine(painter, option,
+            {places.Line(1), texts.number, option.font, Qt::AlignLeading, Qt::ElideMiddle});
+  WriteLine(
+      painter, option,
+      {places.Line(2), Join(texts.facts), option.font, Qt::AlignLeading, Qt::ElideRight, true});
+  painter.fillRect(QRect(option.rect.left(), option.rect.bottom(), option.rect.width(), 1),
+                   WithShare(option.palette.color(QPalette::Text), kThinShare));
   painter.restore();
 }
 

@@ -66,6 +66,7 @@ void TagModel::Show(std::shared_ptr<const Shelf> shelf) {
 
 void TagModel::ShowPlaying(const std::u16string& tag) {
   m_playing = tag;
+  // All rows: the mark goes from one to another.
   if (rowCount() > 0) {
     emit dataChanged(index(0, 0), index(rowCount() - 1, kColumnCount - 1));
   }

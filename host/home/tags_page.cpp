@@ -95,6 +95,7 @@ void TagsPage::MakeActions() {
   m_teachAgain->setVisible(m_ways.canTeach);
   m_delete = make(resources::kDelete, [this] { Delete(); });
   m_delete->setIcon(IconOf(Symbol::kDelete));
+  // Only in the list: in the search the same keys edit the text. So it is with Select all.
   m_delete->setShortcut(QKeySequence::Delete);
   m_delete->setShortcutContext(Qt::WidgetShortcut);
   m_undo = make(resources::kUndo, [this] { Undo(); });
@@ -232,6 +233,8 @@ void TagsPage::changeEvent(QEvent* event) {
   }
 }
 
+// The widths of words decide, and no number of pixels: fonts and translations differ. On a narrow
+// window the buttons that begin something are at the bottom, in reach of a thumb.
 void TagsPage::Adapt() {
   const bool isNarrow = width() < m_list->LeastTableWidth();
   m_list->ShowAsCards(isNarrow);

@@ -55,7 +55,7 @@ class Talk {
   Talk& operator=(const Talk&) = delete;
   ~Talk();
 
-  /// Hears a name and calls whoever is meant.
+  /// Hears a name and calls the person who is meant.
   void Hear();
   /// Calls a number that the user chose by hand.
   void Call(const dialer::Candidate& candidate);

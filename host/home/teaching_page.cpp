@@ -14,6 +14,9 @@
 #include "host/home/say.h"
 #include "resources/teaching_strings.h"
 
+// One lesson after another. Comparing and keeping a take last a while, and the user may have begun
+// another lesson by then, or have left the page. So each question carries the number of its lesson,
+// and an answer to an earlier lesson is passed over.
 namespace home {
 namespace {
 

@@ -139,6 +139,7 @@ QStringList TrashPage::Describe(const DeletedTag& tag) const {
       tag.obstacle.empty() ? Say(resources::kDeletedOn).arg(when) : Say(resources::kCannotReturn)};
 }
 
+// The list is filled again after each change. What was chosen is known by the names of its files.
 void TrashPage::ShowTags() {
   const std::vector<std::u16string> chosen = GetChosen();
   const int row = std::max(m_list->currentRow(), 0);
