@@ -7,7 +7,7 @@
 
 namespace dialer {
 
-/// Somebody who may be called, as the user knows him.
+/// Somebody who may be called, as the user knows that person.
 struct Callee {
   Candidate candidate;
   /// First, middle and last name, else the company. If the contact is not known, its number among

@@ -43,7 +43,7 @@ struct PassedOverWay {
 };
 
 /// Calls numbers by the way that the user wants. If the user chose none, those that work are found
-/// out in their order; whoever names a modem chooses the serial port. Used by one thread.
+/// out in their order. A wish that names a modem means the serial port. Used by one thread.
 class Caller {
  public:
   Caller(const CallerParts& parts, CallWish wish);

@@ -21,10 +21,10 @@ enum class Step : std::uint8_t {
   // A step of this first group is followed by another one.
   kSpeak,     ///< It listens. The face gets the progress.
   kNoSpeech,  ///< Nobody spoke. It listens again, or it was the last try.
-  kUnknown,   ///< Nobody who was taught. It listens again, or it was the last try.
+  kUnknown,   ///< It was nobody who is taught. It listens again, or it was the last try.
   kSure,      ///< The first callee is called after a short while. The user may stop that.
   kOneOf,     ///< The user chooses one of the callees.
-  kInstead,   ///< The user said no. He may choose one of these, of which there may be none.
+  kInstead,   ///< The user said no, and may choose one of these, of which there may be none.
   kCalling,   ///< The callee, who is the only one from here on, is being called.
   kDialling,  ///< A modem dials, which may take a minute. Whatever the user does ends that.
   kOffer,     ///< The user may keep the take as one more of the callee.
@@ -104,7 +104,7 @@ struct Parts {
 
 /// How a conversation goes.
 struct Manner {
-  bool waits = true;  ///< Before a call. If not, whoever is sure is called at once.
+  bool waits = true;  ///< Before a call. If not, a name that is sure is called at once.
   bool asks = true;   ///< There is a user to ask, and one who can stop a call.
 };
 
@@ -119,10 +119,10 @@ class Conversation {
  public:
   Conversation(const Parts& parts, Face& face, Manner manner);
 
-  /// Hears a name and calls whoever is meant. Returns whether somebody was called.
+  /// Hears a name and calls the person who is meant. Returns whether somebody was called.
   [[nodiscard]] bool HearAndCall();
 
-  /// Calls somebody who was chosen without hearing. Returns whether he was called.
+  /// Calls somebody who was chosen by hand. Returns whether the call was made.
   [[nodiscard]] bool Call(const Callee& callee);
 
  private:

@@ -31,8 +31,8 @@ struct ListeningProgress {
   double levelDb = voicemath::kLowestPeakDb;  ///< The peak since the last report.
 };
 
-/// Whoever waits while sound is recorded or played, for a user who can stop it. Called on the
-/// thread that listens or plays.
+/// Waits while sound is recorded or played, for a user who can stop that. Called on the thread that
+/// listens or plays.
 class Waiter {
  public:
   Waiter() = default;

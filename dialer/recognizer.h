@@ -13,7 +13,7 @@
 
 namespace dialer {
 
-/// How much is known of who was meant.
+/// How sure it is who was meant.
 enum class Certainty : std::uint8_t {
   kSure,
   kOneOf,    ///< One of the candidates, which are to be offered.

@@ -13,8 +13,8 @@ namespace dialer {
 /// them, and of these the cosine transform, whose first coefficients are the shape of the mouth and
 /// not the pitch (Davis and Mermelstein 1980). Their slopes over time follow, which say how the
 /// mouth moves (Furui 1981). The mean of each coefficient is taken off, and with it what a
-/// microphone or a room does to all of the recording (Atal 1974). Of the recording counts only the
-/// speech, with 0.1 s before and after it for sounds that are too soft to be found.
+/// microphone or a room does to all of the recording (Atal 1974). Only the speech counts, with
+/// 0.1 s before and after it for sounds that are too soft to be found.
 class SpeechFeatures {
  public:
   static constexpr std::size_t kCepstra = 12;

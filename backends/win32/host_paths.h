@@ -43,8 +43,8 @@ struct Entry {
 /// Makes a folder with every missing folder on its way. One that is there is left as it is.
 [[nodiscard]] platform::Result<void, platform::FileError> MakeFolders(const std::u16string& path);
 
-/// Returns when the entries of `folder` are on the medium, as far as the file system gives that
-/// into anybody's hands.
+/// Returns when the entries of the folder are on the medium, as far as the file system lets a
+/// program wait for that.
 [[nodiscard]] platform::Result<void, platform::FileError> FlushFolder(const std::u16string& path);
 
 }  // namespace win32

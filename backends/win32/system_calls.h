@@ -15,7 +15,7 @@ namespace win32 {
 
 static_assert(sizeof(wchar_t) == sizeof(char16_t), "a text of the system is one of ours");
 
-/// Returns the text for the system. It ends where `text` does, which a zero must follow.
+/// Returns the text as the system takes it, with a zero at its end. It lives as long as `text`.
 [[nodiscard]] inline const wchar_t* ToWide(const std::u16string& text) {
   return reinterpret_cast<const wchar_t*>(text.c_str());
 }

@@ -33,7 +33,7 @@ class Terminal {
   Terminal& operator=(const Terminal&) = delete;
   ~Terminal();
 
-  /// Forgets what was pressed and not read. So nobody answers a question that he has not seen.
+  /// Forgets what was pressed and not read. So no key answers a question that was not shown yet.
   void ForgetKeys();
 
   /// Waits for a key, for at most `milliseconds`. platform::kNoLimit waits without limit.
