@@ -13,7 +13,8 @@ import pathlib
 import re
 import sys
 
-from translations import LANGUAGES, RESOURCES, own_texts, quoted, read_entries, read_catalogue
+from translations import (LANGUAGES, RESOURCES, find_faults, own_texts, read_catalogue, read_entries, report,
+                          run, write_entries)
 
 PAGE = RESOURCES / "help" / "ZedraVoxtrelPE_help.htm"
 # The innermost elements that hold text, and the attributes that are read aloud.
@@ -108,33 +109,22 @@ def is_looked_up(text, element, shown):
     return element == "dt" and (text in shown.of_language_file or shown.find(text) is not None)
 
 
+def own_paragraphs(language):
+    """Returns those of paragraphs() that have a translation of their own."""
+    shown = Shown(language)
+    return {text: element for text, element in paragraphs().items() if not is_looked_up(text, element, shown)}
+
+
 def update():
     for language in LANGUAGES:
-        known, shown = read_entries(catalogue(language)), Shown(language)
-        lines = ['msgid ""', 'msgstr ""', f'"Language: {language.replace("-", "_")}\\n"',
-                 '"Content-Type: text/plain; charset=UTF-8\\n"']
-        for text, element in paragraphs().items():
-            if not is_looked_up(text, element, shown):
-                lines += ["", f"#: {element}", f"msgid {quoted(text)}", f"msgstr {quoted(known.get(text, ''))}"]
-        catalogue(language).parent.mkdir(exist_ok=True)
-        catalogue(language).write_text("\n".join(lines) + "\n", encoding="utf-8")
+        write_entries(catalogue(language), language, own_paragraphs(language))
     return 0
 
 
 def check():
-    faults = []
-    for language in LANGUAGES:
-        known, shown = read_entries(catalogue(language)), Shown(language)
-        for text, element in paragraphs().items():
-            translation = known.get(text, "")
-            if is_looked_up(text, element, shown):
-                continue
-            if not translation:
-                faults.append(f"{language}: no translation of {quoted(text)}")
-            elif sorted(TAG.findall(text)) != sorted(TAG.findall(translation)):
-                faults.append(f"{language}: other elements: {quoted(translation)}")
-    print("\n".join(faults))
-    return 1 if faults else 0
+    return report([fault for language in LANGUAGES
+                   for fault in find_faults(catalogue(language), language, own_paragraphs(language), TAG,
+                                            "elements")])
 
 
 def write(folder):
@@ -146,16 +136,5 @@ def write(folder):
     return 0
 
 
-def main(arguments):
-    if arguments == ["update"]:
-        return update()
-    if arguments == ["check"]:
-        return check()
-    if len(arguments) == 2 and arguments[0] == "write":
-        return write(arguments[1])
-    print(__doc__, file=sys.stderr)
-    return 2
-
-
 if __name__ == "__main__":
-    sys.exit(main(sys.argv[1:]))
+    sys.exit(run({"update": update, "check": check, "write": write}, __doc__))

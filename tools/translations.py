@@ -59,31 +59,46 @@ def read_catalogue(language):
     return read_entries(catalogue(language))
 
 
+def write_entries(path, language, notes):
+    """Writes a catalogue of the texts {text: the note above it}, with the translations that it had."""
+    known = read_entries(path)
+    lines = ['msgid ""', 'msgstr ""', '"MIME-Version: 1.0\\n"', f'"Language: {language.replace("-", "_")}\\n"',
+             '"Content-Type: text/plain; charset=UTF-8\\n"', '"Content-Transfer-Encoding: 8bit\\n"']
+    for text, note in notes.items():
+        lines += ["", f"#: {note}", f"msgid {quoted(text)}", f"msgstr {quoted(known.get(text, ''))}"]
+    path.parent.mkdir(exist_ok=True)
+    path.write_text("\n".join(lines) + "\n", encoding="utf-8")
+
+
+def find_faults(path, language, texts, parts, called):
+    """Returns a line for each text without a translation, and for each translation that does not have the
+    same parts, which are `called` so."""
+    known = read_entries(path)
+    for text in texts:
+        translation = known.get(text, "")
+        if not translation:
+            yield f"{language}: no translation of {quoted(text)}"
+        elif sorted(parts.findall(text)) != sorted(parts.findall(translation)):
+            yield f"{language}: other {called}: {quoted(translation)}"
+
+
+def report(faults):
+    for fault in faults:
+        print(fault)
+    return 1 if faults else 0
+
+
 def update():
-    texts = own_texts()
+    notes = {text: " ".join(names) for text, names in own_texts().items()}
     for language in LANGUAGES:
-        known = read_catalogue(language)
-        lines = ['msgid ""', 'msgstr ""', '"MIME-Version: 1.0\\n"', f'"Language: {language.replace("-", "_")}\\n"',
-                 '"Content-Type: text/plain; charset=UTF-8\\n"', '"Content-Transfer-Encoding: 8bit\\n"']
-        for text, names in texts.items():
-            lines += ["", f"#: {' '.join(names)}", f"msgid {quoted(text)}",
-                      f"msgstr {quoted(known.get(text, ''))}"]
-        catalogue(language).parent.mkdir(exist_ok=True)
-        catalogue(language).write_text("\n".join(lines) + "\n", encoding="utf-8")
+        write_entries(catalogue(language), language, notes)
+    return 0
 
 
 def check():
-    faults = []
-    for language in LANGUAGES:
-        known = read_catalogue(language)
-        for text in own_texts():
-            translation = known.get(text, "")
-            if not translation:
-                faults.append(f"{language}: no translation of {quoted(text)}")
-            elif sorted(PLACES.findall(text)) != sorted(PLACES.findall(translation)):
-                faults.append(f"{language}: other places to fill in: {quoted(translation)}")
-    print("\n".join(faults))
-    return 1 if faults else 0
+    texts = own_texts()
+    return report([fault for language in LANGUAGES
+                   for fault in find_faults(catalogue(language), language, texts, PLACES, "places to fill in")])
 
 
 class Words:
@@ -121,16 +136,15 @@ def write_tables(path):
     return 0
 
 
-def main(arguments):
-    if arguments == ["update"]:
-        return update()
-    if arguments == ["check"]:
-        return check()
-    if len(arguments) == 2 and arguments[0] == "tables":
-        return write_tables(arguments[1])
-    print(__doc__, file=sys.stderr)
-    return 2
+def run(actions, usage):
+    """Does what the command line names. Returns its exit code. `actions` are {name: function}."""
+    name, *arguments = sys.argv[1:] or [""]
+    action = actions.get(name)
+    if action is None or len(arguments) != action.__code__.co_argcount:
+        print(usage, file=sys.stderr)
+        return 2
+    return action(*arguments)
 
 
 if __name__ == "__main__":
-    sys.exit(main(sys.argv[1:]))
+    sys.exit(run({"update": update, "check": check, "tables": write_tables}, __doc__))
