@@ -10,7 +10,7 @@
 #include "dialer/callee.h"
 #include "dialer/conversation.h"
 #include "dialer/taught_tags.h"
-#include "host/cli/contact_matching.h"
+#include "host/cli/contact_choice.h"
 #include "host/cli/output.h"
 #include "host/dial/commands.h"
 #include "host/dial/talk.h"
