@@ -131,6 +131,7 @@ std::optional<CallFault> Caller::FindObstacle(Way way) const {
 }
 
 bool Caller::MayHangUp() const {
+  // Settings that cannot be read forbid nothing.
   const auto stored = ReadStoredLine(m_parts.registry);
   return !stored || stored->hangingUp == Modem::HangingUp::kUsed;
 }

@@ -179,7 +179,7 @@ bool GiveTone(const Sound& sound, Listener& listener) {
   }
   listener.ShowProgress({.stage = Stage::kTone});
   const Played played = Play(sound, audio::MakeTone(), listener);
-  // Whoever hears no tone still sees when to speak.
+  // A user who hears no tone still sees when to speak.
   return played == Played::kToEnd ? listener.Wait(kEchoTime) : played == Played::kNotHeard;
 }
 

@@ -10,6 +10,8 @@
 #include "dialer/ways.h"
 #include "storage/phone_types.h"
 
+// The latest call stands first. So if another program wrote a line against the rules, those before
+// it still count, and what is lost is the oldest.
 namespace dialer {
 namespace {
 

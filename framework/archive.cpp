@@ -59,7 +59,7 @@ CArchive& CArchive::operator>>(float& value) {
   return *this;
 }
 
-// A count in a file says how many values follow. Who reads it asks here first whether the file can
+// A count in a file says how many values follow. A reader asks here first whether the file can
 // hold as many, before memory is taken for them.
 std::uint64_t CArchive::GetRemaining() {
   if (IsStoring() || !m_status) {

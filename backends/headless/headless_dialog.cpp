@@ -290,7 +290,7 @@ void HeadlessDialog::EndDialog(int result) {
       m_result = result;  // The first end counts.
     }
   }
-  // Without the lock: who is woken asks for the result at once.
+  // Without the lock: a thread that is woken asks for the result at once.
   if (m_ended) {
     m_ended->Set();
   }

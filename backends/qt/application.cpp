@@ -70,7 +70,8 @@ void FollowDesktopLanguage() {
                         QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
     QCoreApplication::installTranslator(kTranslator);
   }
-  // Who reads German reads "1,5 s" and "14. März", even if the desktop's own dates are English.
+  // A user who reads German reads "1,5 s" and "14. März", even if the desktop's own dates are
+  // English.
   constexpr int kMarch = 3;
   const QLocale locale(name);
   if (QLocale::system().monthName(kMarch) != locale.monthName(kMarch)) {

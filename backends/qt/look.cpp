@@ -180,7 +180,8 @@ constexpr double kLargestScale = 3;
 
 /// In quarters, so that lines and edges stay sharp.
 double ScaleFor(double points) {
-  // Who has chosen larger letters for the desktop gets larger dialogs, in the same proportion.
+  // If the user has chosen larger letters for the desktop, dialogs are larger in the same
+  // proportion.
   const double quarters = std::round(4 * kUsualScale * points / kUsualPoints);
   return std::clamp(quarters / 4, kUsualScale, kLargestScale);
 }

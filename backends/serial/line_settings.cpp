@@ -66,8 +66,8 @@ platform::Result<void, SerialError> SetLine(int descriptor, const platform::Seri
   // CLOCAL: a modem that is not in a call has no carrier, and must be heard all the same.
   settings.c_cflag = *size | RateFlag(line.baudRate) | CREAD | CLOCAL | HUPCL;
   if (line.stopBits != StopBits::kOne) {
-    // With five data bits these are one and a half, else two. Whoever wants one and a half takes
-    // two as well: the second half is a pause.
+    // With five data bits these are one and a half, else two. A receiver that wants one and a half
+    // takes two as well: the second half is a pause.
     settings.c_cflag |= CSTOPB;
   }
   if (line.flowControl == FlowControl::kHardware) {

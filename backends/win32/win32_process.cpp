@@ -28,6 +28,7 @@ std::u16string Quote(const std::u16string& word) {
 void Win32Process::End(int exitCode) {
   std::fflush(stdout);
   std::fflush(stderr);
+  // ExitProcess would call every library while other threads may still hold its locks.
   ::TerminateProcess(::GetCurrentProcess(), static_cast<UINT>(exitCode));
 }
 

@@ -43,7 +43,7 @@ cli::Json WayToJson(const dialer::Caller& caller, const dialer::Number& number) 
   return json;
 }
 
-/// Says which way the call took. Whoever chose none learns why it was not an earlier one.
+/// Says which way the call took. If the user chose none, it says why it was not an earlier one.
 void ReportWay(cli::Session& session, const dialer::Caller& caller, const dialer::Number& number) {
   if (session.GetOptions().json) {
     cli::PrintJson(WayToJson(caller, number));

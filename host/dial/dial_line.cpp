@@ -18,6 +18,7 @@ constexpr const char* kFooter =
     "Exit codes: 0 the call was handed over or answered, 1 it was not, with a message on standard "
     "error, 2 wrong usage.";
 
+/// At most one of these options is given, since they exclude each other.
 void RunDial(cli::Session& session, const cli::DialOptions& options) {
   if (!options.recognize.empty()) {
     RecognizeFiles(session, options);
@@ -44,6 +45,7 @@ int RunDialLine(int argc, const char* const* argv) {
   const cli::DialCommands commands = cli::AddDialOptions(app, options);
   commands.listWays->callback([&session, &options] { ListWays(session, options); });
   commands.useWay->callback([&session, &options] { UseWay(session, options); });
+  // A subcommand has been run by then. Without one the options say what is to be done.
   app.final_callback([&app, &session, &options] {
     if (app.get_subcommands().empty()) {
       RunDial(session, options);

@@ -75,6 +75,7 @@ void RecognizeFiles(cli::Session& session, const cli::DialOptions& options) {
     return;
   }
   platform::ContactsStore* const contacts = OpenContacts(session);
+  // One for all files: to make it takes many times as long as to ask it.
   const dialer::Recognizer recognizer(
       taught->tags, options.quick ? dialer::Steps::kTemplatesOnly : dialer::Steps::kBoth);
   for (const std::string& name : options.recognize) {

@@ -19,7 +19,7 @@ using dialer::Callee;
 using dialer::NotHeard;
 using dialer::Step;
 
-/// In the order of Step.
+/// In the order of Step. Scripts go by these words, so they are never translated.
 constexpr std::array<std::string_view, 23> kStepWords{
     "speak",          "no-speech",      "unknown",    "sure",   "one-of",       "instead",
     "calling",        "dialling",       "offer",      "kept",   "not-kept",     "in-call",

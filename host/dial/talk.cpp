@@ -34,7 +34,8 @@ void Talk(cli::Session& session, const cli::DialOptions& options, const dialer::
       .keep = [&session](const dialer::Callee& callee,
                          dialer::Take take) { return KeepTake(session, callee, take); }};
   const std::unique_ptr<Terminal> terminal = Terminal::Open(session.GetClock());
-  // Who names a person and has no terminal could not stop the call, and so is not waited for.
+  // If the command names the person and there is no terminal, nobody could stop the call, so the
+  // call waits for nobody.
   const bool isDecided = !options.to.empty() && terminal == nullptr;
   const dialer::Manner manner{.waits = !session.GetOptions().yes && !isDecided,
                               .asks = terminal != nullptr};

@@ -44,7 +44,7 @@ void TerminalFace::Show(const dialer::StepShown& shown) {
   } else {
     PrintStep(shown);
   }
-  // Whoever reads this through a pipe waits for it now. A lost line is reported at the end.
+  // A program that reads this through a pipe waits for it now. A lost line is reported at the end.
   static_cast<void>(cli::FlushOutput());
   ReportFailure(shown);
 }

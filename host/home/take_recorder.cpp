@@ -124,7 +124,7 @@ void TakeRecorder::Job::Record(const std::shared_ptr<Job>& self, const Watch& wa
   take.isRefused = !device;
   if (device && self->Wait(kGetReadyTime)) {
     report({.stage = Stage::kCue});
-    // Whoever hears no tone still sees when to speak.
+    // A user who hears no tone still sees when to speak.
     const bool isHeard = self->Wait(self->m_cueTime) && self->PlaySamples(audio::MakeTone());
     if (self->Wait(isHeard ? kEchoTime : 0)) {
       take = self->Hear(**device, report);

@@ -50,8 +50,9 @@ std::optional<fs::path> FindDefaultRoot() {
   return std::nullopt;
 }
 
-// Whoever may write there could give somebody another telephone number. So a folder that is not the
-// user's own, or in which others may write, is not used. Its name is not followed if it is a link.
+// A program that may write there could give somebody another telephone number. So a folder that is
+// not the user's own, or in which others may write, is not used. Its name is not followed if it is
+// a link.
 std::optional<fs::path> MakeCacheFolder() {
   std::optional<fs::path> folder = GetFolder("XDG_CACHE_HOME");
   if (!folder) {

@@ -292,7 +292,7 @@ TEST_F(AddressBooksInUse, AFileThatWasMovedKeepsTheNumbersOfItsContacts) {
   EXPECT_EQ(Oid(2), m_ann);
 }
 
-// Who only reads may use the new place and leaves the numbers with the old one.
+// A command that only reads may use the new place, and leaves the numbers with the old one.
 TEST_F(AddressBooksInUse, AReaderStoresNoMoveOfAFile) {
   ASSERT_TRUE(m_files.Delete(u"/all.vcf"));
   Put(u"/moved.vcf", Person("Ann"));
