@@ -195,9 +195,9 @@ void AddMaintenanceCommands(CLI::App& app, Session& session) {
   reinit->callback([&session, isForced] { Reinit(session, *isForced); });
 
   const auto isRepair = std::make_shared<bool>(false);
-  CLI::App* check = app.add_subcommand(
-      "check",
-      "Look for problems with the voice tags (exit code 1 if there are any), and change nothing");
+  CLI::App* check = app.add_subcommand("check",
+                                       "Look for problems with the voice tags (exit code 1 if "
+                                       "there are any). Changes nothing without --repair");
   check->add_flag("--repair", *isRepair,
                   "Make missing and torn templates again from the recordings. Move files that "
                   "belong to no tag, and tags whose contact was deleted, to the trash");
