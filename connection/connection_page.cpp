@@ -6,11 +6,11 @@
 #include <string>
 #include <vector>
 
+#include "backends/text/registry_text.h"
 #include "connection/serial_ports.h"
 #include "resources/dialogs.h"
 #include "storage/registry_keys.h"
 #include "storage/stored_text.h"
-#include "storage/tag_record.h"
 
 // The page of the dialer's serial port. It stores texts of a fixed length, which the dialer reads
 // into fields of that length.
@@ -150,11 +150,7 @@ void ConnectionPage::ShowStored() {
 }
 
 std::u16string ConnectionPage::ReadStored(std::u16string_view valueName) const {
-  if (!m_key) {
-    return {};
-  }
-  const auto value = m_key->Query(valueName);
-  return value ? storage::TextOfValue(*value) : std::u16string();
+  return text::ReadText(m_key.get(), valueName);
 }
 
 /// A text that is not in the list is shown in the field all the same, and is stored again as it is:

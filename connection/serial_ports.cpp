@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "backends/text/registry_text.h"
 #include "platform/serial_devices.h"
-#include "storage/tag_record.h"
 
 // The ports that the machine has now, as the active drivers in the registry name them, in the order
 // of the window's list.
@@ -13,11 +13,6 @@ namespace connection {
 namespace {
 
 using platform::RegistryError;
-
-std::u16string ReadText(platform::RegistryKey& key, std::u16string_view name) {
-  const auto value = key.Query(name);
-  return value ? storage::TextOfValue(*value) : std::u16string();
-}
 
 constexpr std::size_t kDigitsAt = 3;  ///< After "COM".
 
@@ -67,10 +62,10 @@ std::vector<ActivePort> ReadActivePorts(platform::Registry& registry) {
     if (!driver) {
       continue;
     }
-    std::u16string name = ReadText(**driver, platform::kDriverNameValue);
+    std::u16string name = text::ReadText(driver, platform::kDriverNameValue);
     if (IsPortName(name)) {
-      ports.push_back({std::move(name), ReadText(**driver, platform::kDriverDeviceValue),
-                       ReadText(**driver, platform::kDriverDescriptionValue)});
+      ports.push_back({std::move(name), text::ReadText(driver, platform::kDriverDeviceValue),
+                       text::ReadText(driver, platform::kDriverDescriptionValue)});
     }
   }
   return ports;

@@ -38,10 +38,7 @@ std::optional<RecentCall> ParseCall(std::string_view line) {
 }  // namespace
 
 std::vector<RecentCall> ReadRecentCalls(platform::Registry& registry) {
-  const platform::OpenedKey key = registry.OpenKey(kCallsKey);
-  const auto value = key ? (*key)->Query(kRecentValue) : platform::Failure(key.error());
-  const std::string text =
-      value ? text::ToUtf8(text::ToText(*value).value_or(std::u16string())) : std::string();
+  const std::string text = text::ToUtf8(text::ReadText(registry.OpenKey(kCallsKey), kRecentValue));
   std::vector<RecentCall> calls;
   std::string_view rest = text;
   while (!rest.empty() && calls.size() < kMostRecentCalls) {

@@ -7,9 +7,9 @@
 #include <optional>
 #include <string_view>
 
+#include "backends/text/registry_text.h"
 #include "backends/text/utf.h"
 #include "storage/registry_keys.h"
-#include "storage/tag_record.h"
 
 namespace dialer {
 namespace {
@@ -36,12 +36,6 @@ constexpr std::uint32_t kLowestBaudRate = 50;
 constexpr std::uint32_t kHighestBaudRate = 4'000'000;
 constexpr std::uint32_t kFewestBits = 4;
 constexpr std::uint32_t kMostBits = 8;
-
-std::u16string ReadSetting(platform::RegistryKey* key, std::u16string_view name) {
-  const auto value =
-      key != nullptr ? key->Query(name) : Failure(platform::RegistryError::kNotFound);
-  return value ? storage::TextOfValue(*value) : std::u16string();
-}
 
 /// Returns the number that a setting says, or `missing` if the setting is empty. Fails if it says
 /// anything but a number between both.
@@ -83,12 +77,11 @@ std::string WordOfValue(const std::array<Named<Value>, count>& words, Value valu
 }  // namespace
 
 Result<StoredLine, CallFault> ReadStoredLine(platform::Registry& registry) {
-  const platform::OpenedKey opened = registry.OpenKey(storage::kDialerKey);
-  platform::RegistryKey* const key = opened ? opened->get() : nullptr;
-  const std::u16string rate = ReadSetting(key, storage::kBaudRateValue);
-  const std::u16string bits = ReadSetting(key, storage::kDataBitsValue);
-  const std::u16string stops = ReadSetting(key, storage::kStopBitsValue);
-  const std::u16string flow = ReadSetting(key, storage::kFlowControlValue);
+  const platform::OpenedKey key = registry.OpenKey(storage::kDialerKey);
+  const std::u16string rate = text::ReadText(key, storage::kBaudRateValue);
+  const std::u16string bits = text::ReadText(key, storage::kDataBitsValue);
+  const std::u16string stops = text::ReadText(key, storage::kStopBitsValue);
+  const std::u16string flow = text::ReadText(key, storage::kFlowControlValue);
   constexpr SerialLine kUsual;
   const auto baudRate = ToNumber(rate, kLowestBaudRate, kHighestBaudRate, kUsual.baudRate);
   const auto dataBits = ToNumber(bits, kFewestBits, kMostBits, kUsual.dataBits);
@@ -100,9 +93,10 @@ Result<StoredLine, CallFault> ReadStoredLine(platform::Registry& registry) {
   }
   StoredLine stored;
   stored.line = {*baudRate, static_cast<int>(*dataBits), *stopBits, *flowControl};
-  stored.port = ReadSetting(key, storage::kComPortValue);
-  stored.hangingUp = ReadSetting(key, storage::kIsHangUpValue) == u"1" ? Modem::HangingUp::kNotUsed
-                                                                       : Modem::HangingUp::kUsed;
+  stored.port = text::ReadText(key, storage::kComPortValue);
+  stored.hangingUp = text::ReadText(key, storage::kIsHangUpValue) == u"1"
+                         ? Modem::HangingUp::kNotUsed
+                         : Modem::HangingUp::kUsed;
   return stored;
 }
 

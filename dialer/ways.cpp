@@ -66,9 +66,7 @@ std::optional<Way> FindWay(std::u16string_view word) {
 }
 
 std::optional<Way> ReadWay(platform::Registry& registry) {
-  const platform::OpenedKey key = registry.OpenKey(kCallsKey);
-  const auto value = key ? (*key)->Query(kWayValue) : platform::Failure(key.error());
-  return value ? FindWay(text::ToText(*value).value_or(std::u16string())) : std::nullopt;
+  return FindWay(text::ReadText(registry.OpenKey(kCallsKey), kWayValue));
 }
 
 platform::Result<void, platform::RegistryError> ChooseWay(platform::Registry& registry,

@@ -9,9 +9,7 @@ namespace storage {
 using platform::RegistryError;
 
 std::u16string ReadMicrophone(platform::Registry& registry) {
-  const platform::OpenedKey key = registry.OpenKey(kSoundKey);
-  const auto value = key ? (*key)->Query(kMicrophoneValue) : platform::Failure(key.error());
-  return value ? text::ToText(*value).value_or(std::u16string()) : std::u16string();
+  return text::ReadText(registry.OpenKey(kSoundKey), kMicrophoneValue);
 }
 
 platform::Result<void, RegistryError> ChooseMicrophone(platform::Registry& registry,

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "backends/text/registry_text.h"
 #include "language/texts.h"
 #include "storage/registry_keys.h"
 #include "storage/stored_text.h"
@@ -74,10 +75,7 @@ std::vector<std::byte> ToTagValue(std::u16string_view text) {
 }
 
 std::u16string TextOfValue(const platform::RegistryValue& value) {
-  if (value.type != platform::RegistryType::kString) {
-    return {};
-  }
-  return std::u16string(UpToZero(FromUtf16Bytes(value.bytes)));
+  return text::ToText(value).value_or(std::u16string());
 }
 
 std::optional<std::int32_t> ParseOid(std::u16string_view text) {

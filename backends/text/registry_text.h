@@ -40,4 +40,18 @@ namespace text {
   return text;
 }
 
+/// Returns the text of a value of `key`. Returns an empty text if `key` is null, or if the value is
+/// missing, cannot be read, or holds no text: a setting then has its default.
+[[nodiscard]] inline std::u16string ReadText(platform::RegistryKey* key, std::u16string_view name) {
+  const auto value =
+      key == nullptr ? platform::Failure(platform::RegistryError::kNotFound) : key->Query(name);
+  return value ? ToText(*value).value_or(std::u16string()) : std::u16string();
+}
+
+/// The same for a key that may not be there.
+[[nodiscard]] inline std::u16string ReadText(const platform::OpenedKey& key,
+                                             std::u16string_view name) {
+  return ReadText(key ? key->get() : nullptr, name);
+}
+
 }  // namespace text

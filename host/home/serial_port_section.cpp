@@ -4,6 +4,7 @@
 #include <QFile>
 #include <QLabel>
 
+#include "backends/text/registry_text.h"
 #include "backends/udev/serial_ports.h"
 #include "backends/udev/udev_serial_devices.h"
 #include "connection/connection_page.h"
@@ -11,16 +12,13 @@
 #include "resources/setup_strings.h"
 #include "resources/tags_window_strings.h"
 #include "storage/registry_keys.h"
-#include "storage/tag_record.h"
 
 namespace home {
 namespace {
 
-std::u16string ReadValue(platform::RegistryKey* key, std::u16string_view name,
+std::u16string ReadValue(const platform::OpenedKey& key, std::u16string_view name,
                          std::u16string_view otherwise) {
-  const auto value =
-      key == nullptr ? platform::Failure(platform::RegistryError::kNotFound) : key->Query(name);
-  std::u16string text = value ? storage::TextOfValue(*value) : std::u16string();
+  std::u16string text = text::ReadText(key, name);
   return text.empty() ? std::u16string(otherwise) : text;
 }
 
@@ -82,8 +80,7 @@ SerialPortSection::Line SerialPortSection::ReadLine(const machine::Options& opti
   } else {
     backends.ChangeNothing();
   }
-  const platform::OpenedKey opened = backends.GetRegistry().OpenKey(storage::kDialerKey);
-  platform::RegistryKey* const key = opened ? opened->get() : nullptr;
+  const platform::OpenedKey key = backends.GetRegistry().OpenKey(storage::kDialerKey);
   return {ReadValue(key, storage::kComPortValue, connection::kDefaultPort),
           ReadValue(key, storage::kBaudRateValue, connection::kDefaultBaudRate),
           ReadValue(key, storage::kDataBitsValue, connection::kDefaultDataBits),
