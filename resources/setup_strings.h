@@ -102,7 +102,7 @@ inline constexpr std::u16string_view kLanguageNotWritten =
 // Check and repair. "%1" is a count, a tag, a problem.
 inline constexpr std::u16string_view kCheck = u"Check and repair";
 inline constexpr std::u16string_view kCheckAdvice =
-    u"Looks whether each voice tag is whole, and as its recording says.";
+    u"Looks whether each voice tag is whole and matches its recording.";
 inline constexpr std::u16string_view kCheckNow = u"&Check";
 inline constexpr std::u16string_view kRepairNow = u"Re&pair";
 inline constexpr std::u16string_view kChecking = u"Checking…";
