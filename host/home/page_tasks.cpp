@@ -5,6 +5,7 @@
 #include <system_error>
 #include <utility>
 
+#include "audio/samples.h"
 #include "audio/wave_header.h"
 #include "backends/text/say.h"
 #include "backends/text/utf.h"
@@ -47,6 +48,7 @@ std::u16string Join(std::u16string first, const std::u16string& second) {
 void OpenPage(const machine::Options& options, Gathering& gathering, session::Contacts contacts,
               const std::function<void(session::Session&, session::PageRun&)>& task,
               platform::WaveIn* microphone = nullptr) {
+  // Twice at most: a page that ends again has a reason that no third try would change.
   bool isToBeOpened = true;
   for (int i = 0; isToBeOpened && i < 2; ++i) {
     isToBeOpened = false;
@@ -143,6 +145,8 @@ Names ListNames(session::Session& session) {
 /// Presses Record, whose microphone hears the lesson. Returns the name of the new tag, or an empty
 /// text if none was made. The page may have a new tag that it could not list.
 std::u16string Record(session::Session& session, session::PageRun& run) {
+  // The page names the tag by the clock and reports the name to nobody, so it is the one that is
+  // new.
   const Names before = ListNames(session);
   {
     const session::QuickScope quick(session.GetClock(), true);
@@ -224,12 +228,7 @@ void TeachOnPage(session::Session& session, session::PageRun& run, const Lesson&
 }
 
 std::vector<std::int16_t> SamplesOf(std::span<const std::byte> wave) {
-  std::vector<std::int16_t> samples;
-  for (std::size_t at = audio::kWaveHeaderBytes; at + 2 <= wave.size(); at += 2) {
-    samples.push_back(
-        static_cast<std::int16_t>(platform::LoadLittleEndian16(wave.subspan(at).first<2>())));
-  }
-  return samples;
+  return audio::ToSamples(wave.subspan(std::min(audio::kWaveHeaderBytes, wave.size())));
 }
 
 }  // namespace

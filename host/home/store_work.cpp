@@ -105,6 +105,7 @@ void StoreWork::ReadStore() {
 }
 
 void StoreWork::Load() {
+  // One that waits will find this change as well.
   if (m_isLoadWaiting.exchange(true)) {
     return;
   }
