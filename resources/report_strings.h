@@ -52,6 +52,7 @@ inline constexpr std::u16string_view kTagsOfOtherContacts =
 
 // Why a file was not opened, made or written.
 inline constexpr std::u16string_view kFolderMissing = u"there is no such folder";
+inline constexpr std::u16string_view kFileMissing = u"there is no such file";
 inline constexpr std::u16string_view kFileExists = u"there is a file already";
 inline constexpr std::u16string_view kFileProtected = u"it is protected, or is no file";
 inline constexpr std::u16string_view kFileOpenElsewhere = u"another program has it open";

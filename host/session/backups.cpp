@@ -363,7 +363,7 @@ std::optional<RestoredBackup> RestoreBackup(Session& session, const NamedFile& f
       Session::ToSystemPath(file.path), {platform::FileAccess::kRead, platform::FileShare::kRead,
                                          platform::FileCreation::kOpenExisting});
   if (!archive) {
-    session.Fail(file.name + ": " + ExplainFileError(archive.error()));
+    session.Fail(file.name + ": " + ExplainReadError(archive.error()));
     return std::nullopt;
   }
   const auto backup = storage::ReadBackup(**archive);

@@ -129,6 +129,11 @@ std::string ExplainFileError(platform::FileError error) {
   }
 }
 
+std::string ExplainReadError(platform::FileError error) {
+  return error == platform::FileError::kNotFound ? text::Say(resources::kFileMissing)
+                                                 : ExplainFileError(error);
+}
+
 std::string ExplainRestoreError(storage::RestoreError error) {
   using storage::RestoreError;
   switch (error) {

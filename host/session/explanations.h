@@ -13,9 +13,11 @@
 
 namespace session {
 
-/// Returns why a file was not opened, made or written, in words that go on after its name and a
-/// colon.
+/// Returns why a file was not made or written, in words that go on after its name and a colon.
 [[nodiscard]] std::string ExplainFileError(platform::FileError error);
+
+/// Returns the same for a file that was to be read.
+[[nodiscard]] std::string ExplainReadError(platform::FileError error);
 
 /// Returns why a page that recorded has no new tag. Returns an empty text if messages have said it.
 [[nodiscard]] std::string ExplainNoTag(const Session& session, const tags::Page_one& page);

@@ -138,6 +138,11 @@ TEST_F(BackupCommands, AFileThatIsNoBackupChangesNothing) {
   }
 }
 
+TEST_F(BackupCommands, ABackupThatIsNotThereIsCalledAMissingFile) {
+  EXPECT_EQ(RunThere({"restore", Path("missing")}).err,
+            "voxtrel: " + Path("missing") + ": there is no such file\n");
+}
+
 TEST_F(BackupCommands, ABackupReplacesABackupAndNothingElse) {
   PutThreeTags();
   BackUp();
