@@ -54,9 +54,9 @@ class SelectedFont {
 /// Returns none if the text fits as it is.
 [[nodiscard]] FontHandle NarrowedFont(HFONT font, std::u16string_view text, int width);
 
-/// The pictures of a library or a program, which holds each as PNG in several sizes, as resources of
-/// type RT_RCDATA. The resource with the picture's number has the picture's own size. The one with
-/// that number and N times kLarger is N times as large. Belongs to the user-interface thread.
+/// The pictures of a library or a program, which holds each as PNG in several sizes, as resources
+/// of type RT_RCDATA. The resource with the picture's number has the picture's own size. The one
+/// with that number and N times kLarger is N times as large. Belongs to the user-interface thread.
 class Pictures {
  public:
   static constexpr int kLarger = 10000;

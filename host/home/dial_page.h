@@ -71,8 +71,8 @@ class DialPage : public Page {
   [[nodiscard]] bool IsInCall() const {
     return m_state == State::kInCall || (m_state == State::kOffer && m_canHangUp);
   }
-  /// Takes the keys and clicks that stop the call which is about to begin. Returns whether the event
-  /// goes no further.
+  /// Takes the keys and clicks that stop the call which is about to begin. Returns whether the
+  /// event goes no further.
   [[nodiscard]] bool StopsCall(QObject* watched, QEvent& event);
 
   Work& m_work;

@@ -275,8 +275,8 @@ void LikenessPage::Play() {
   });
 }
 
-// A turn is one press of the button. If the user has stopped or pressed again meanwhile, the turn is
-// another one, and the second name is not played.
+// A turn is one press of the button. If the user has stopped or pressed again meanwhile, the turn
+// is another one, and the second name is not played.
 void LikenessPage::PlaySecond(int turn, const std::u16string& tag) {
   if (turn == m_turn) {
     m_work.Play(tag, [self = QPointer<LikenessPage>(this), turn](const Outcome& outcome) {

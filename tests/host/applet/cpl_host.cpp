@@ -56,7 +56,8 @@ void CloseWindows() {
 /// Minimises the window and calls its process from outside.
 void Ring(QWidget& window, const std::string& bell) {
   window.showMinimized();
-  std::printf("minimised %d rung %d\n", window.isMinimized(), posix::Doorbell::Ring(bell, "").has_value());
+  std::printf("minimised %d rung %d\n", window.isMinimized(),
+              posix::Doorbell::Ring(bell, "").has_value());
 }
 
 int Run(applet::CplAppletFunction entry, int openings, const std::string& what,
