@@ -16,18 +16,15 @@ namespace voicemath {
 ///
 /// - The *shape* decides: each value times the reciprocal of the norm, rounded to float. It is kept
 ///   frame by frame, and once more band by band, so that one band of several neighbouring frames is
-///   one vector. There the first frame is repeated before it and the last one after it, kFloatLanes
+///   one vector. There the first frame is repeated before it and the last one after it, kHeldShapes
 ///   times each.
 /// - The *grid* screens: the shape in whole steps of 1 / kGridSteps. Sums of whole numbers are
 ///   exact in any order, and a vector holds twice as many 16-bit numbers as floats. It is kept as
 ///   it is, and once more between repetitions of its first and its last frame. Zeros follow.
-/// - The *outline* screens first, with a quarter of the numbers: half the sums of groups of
-///   kGroupFrames frames of the grid. It is kept for the groups from the first frame on, and once
-///   more for groups that begin at any frame, the ends repeated.
 /// - Running sums of the grid: with them a frame that is held against many others costs as little
 ///   as one that is held against a single one.
 ///
-/// Grid and outline are missing, and IsOnGrid is false, if there are no frames, if a value of the
+/// The grid is missing, and IsOnGrid is false, if there are no frames, if a value of the
 /// shape is negative, no number or nearly all of the norm, or if the norm lost too much in float.
 /// Hardly any recording gives such a template, and to compare it only takes longer.
 class PreparedTemplate {
@@ -38,10 +35,11 @@ class PreparedTemplate {
   /// Zeros after the held grid, enough for kProductLanes stretches that begin a frame apart.
   static constexpr std::size_t kHeldZeros = kGridBlock + kProductLanes * kBandCount;
 
+  /// How often the shape of a band repeats its ends. Enough for all shifts of two names.
+  static constexpr std::size_t kHeldShapes = 16;
+
   /// How often the held grid repeats its ends. Enough for words of usual lengths.
   static constexpr std::int32_t kHeldFrames = 64;
-
-  static constexpr std::int32_t kGroupFrames = 4;
 
   /// Sums over all frames before one frame.
   struct GridSums {
@@ -62,10 +60,10 @@ class PreparedTemplate {
   /// Returns the square root of the number of values, rounded up.
   [[nodiscard]] std::int32_t RootOfSize() const { return m_rootOfSize; }
 
-  /// Returns the place of frame `frame` of a band's shape. `frame` may be from -kFloatLanes up to
-  /// Frames(), and kFloatLanes frames may be read from there.
+  /// Returns the place of frame `frame` of a band's shape. Frames from -kHeldShapes up to Frames()
+  /// + kHeldShapes may be read.
   [[nodiscard]] const float* Shape(std::size_t band, std::ptrdiff_t frame) const {
-    return m_shape + static_cast<std::ptrdiff_t>(band * m_bandLength + kFloatLanes) + frame;
+    return m_shape + static_cast<std::ptrdiff_t>(band * m_bandLength + kHeldShapes) + frame;
   }
   /// Returns the bands of one frame of the shape.
   [[nodiscard]] const float* ShapeByFrame(std::int32_t frame) const {
@@ -92,38 +90,10 @@ class PreparedTemplate {
     return SumsBefore(frame + 1).squares - SumsBefore(frame).squares;
   }
 
-  /// Returns the number of whole groups of kGroupFrames frames.
-  [[nodiscard]] std::int32_t Groups() const { return m_frames / kGroupFrames; }
-  /// Returns one frame for each group. Zeros follow.
-  [[nodiscard]] const std::int16_t* Outline() const { return m_outline; }
-  [[nodiscard]] std::uint32_t OutlineSquares() const { return m_outlineSquares; }
-  /// Returns the outline of the group that begins at `frame`; those of the groups that follow it
-  /// come next. `frame` may be from -kHeldFrames on, and the last frame of a group at most
-  /// kHeldFrames - 1 after the template's last one.
-  [[nodiscard]] const std::int16_t* SlidOutline(std::int32_t frame) const {
-    return m_slidOutline + SlidPlace(frame) * kBandCount;
-  }
-  /// Returns the sum of the squares of the outlines before that group, as far as 32 bits hold it.
-  /// The sums for groups that begin a frame later follow.
-  [[nodiscard]] const std::uint32_t* SlidOutlineSquares(std::int32_t frame) const {
-    return m_slidSquares + (frame + kHeldFrames);
-  }
-  /// Returns how many frames of outlines lie between a group that begins at a multiple of
-  /// kGroupFrames and the group that begins a frame later.
-  [[nodiscard]] std::size_t SlidRow() const { return m_slidRow; }
-
  private:
-  /// Groups that follow each other lie side by side, so there is a row for each of the kGroupFrames
-  /// ways to begin.
-  [[nodiscard]] std::size_t SlidPlace(std::int32_t frame) const {
-    const std::int32_t fromHeld = frame + kHeldFrames;
-    const auto held = static_cast<std::size_t>(fromHeld);
-    return held % kGroupFrames * m_slidRow + held / kGroupFrames;
-  }
   [[nodiscard]] bool Allocate(std::size_t frames);
   /// Returns how many bytes all arrays need.
   std::size_t PlaceArrays(std::byte* memory);
-  void FillOutline();
   void FillShape(std::span<const float> values);
   [[nodiscard]] bool FillGrid();
   void FillHeldGrid();
@@ -133,8 +103,6 @@ class PreparedTemplate {
   std::size_t m_bandLength = 0;
   bool m_isOnGrid = false;
   bool m_isSteady = true;
-  std::size_t m_slidRow = 0;
-  std::uint32_t m_outlineSquares = 0;
   std::unique_ptr<std::byte[]> m_memory;  ///< Of all arrays.
   float* m_shape = nullptr;
   float* m_shapeByFrame = nullptr;
@@ -142,9 +110,6 @@ class PreparedTemplate {
   std::int16_t* m_heldGrid = nullptr;
   std::uint32_t* m_heldSquares = nullptr;
   GridSums* m_sums = nullptr;
-  std::int16_t* m_outline = nullptr;
-  std::int16_t* m_slidOutline = nullptr;
-  std::uint32_t* m_slidSquares = nullptr;
 };
 
 }  // namespace voicemath

@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <cstring>
+#include <limits>
 #include <memory>
 #include <new>
 
@@ -13,11 +14,11 @@
 // How a comparison saves most of its work.
 //
 // The exact sum of a shift is slow, since its additions have to follow each other. It is needed
-// only for shifts that may win. So each shift is judged twice before, first by its outline and then
-// by its grid (prepared_template.h). Both are sums of whole numbers that cannot be far from the
-// exact sum, and a whole number may be added in any order, many at a time. The likeliest shift
-// comes first: the lower the best distance so far, the more shifts can be left out. And since a sum
-// of squares never falls, an exact sum is abandoned as soon as it is no longer below the best one.
+// only for shifts that may win. So each shift is judged before by its grid (prepared_template.h).
+// That is a sum of whole numbers that cannot be far from the exact sum, and whole numbers may be
+// added in any order, many at a time. The likeliest shift comes first: the lower the best distance
+// so far, the more shifts can be left out. And since a sum of squares never falls, an exact sum is
+// abandoned as soon as it is no longer below the best one.
 //
 // Why a shift that is left out cannot win.
 //
@@ -39,19 +40,12 @@
 // Together: if the grid distance is at least the square of
 //     G sqrt(B + 2^-100) + (n + 3) / 724 + sqrt(n),
 // the shift cannot win. GridRoot() is not below the first term, RootOfSize() not below the last.
-//
-// Most shifts need not even the grid distance, but only that of the outlines.
-//
-// (4) From outline to grid. The square of the sum of four differences is at most four times the sum
-//     of their squares, so half the sums of groups of four frames are no further from each other
-//     than p and q. Rounded to whole numbers, all up, at most n / 4 differences change by at most
-//     1 / 2, so the root of the outline distance is above ||p - q|| by at most sqrt(n) / 4.
 
 namespace voicemath {
 namespace {
 
-constexpr auto kStep = static_cast<std::int32_t>(kProductLanes);
 constexpr auto kLanes = static_cast<std::int32_t>(kFloatLanes);
+static_assert(kProductLanes == kFloatLanes);
 
 /// The shifts of two names.
 constexpr std::int32_t kFewShifts = 16;
@@ -115,34 +109,42 @@ VOXTREL_INLINE bool AnyIsBelow(const std::array<Lanes, kGroups>& numbers, float 
   return any != 0;
 }
 
+/// What the sums begin with: nothing for each shift, and for a lane without one what never wins.
+/// The lanes of `count` shifts begin `count` places before the second half.
+constexpr auto kNothingYet = [] {
+  std::array<float, 2 * std::size_t{kFewShifts}> sums{};
+  std::fill(sums.begin() + kFewShifts, sums.end(), std::numeric_limits<float>::infinity());
+  return sums;
+}();
+
 /// Returns the least of the float sums of all shifts of a pair that has at most kGroups * kWidth of
-/// them. A sum that is no number does not count.
+/// them, which are at most kFewShifts. A sum that is no number does not count.
 ///
 /// Each addition waits for the one before it, so one frame of all shifts takes hardly longer than
 /// one frame of one shift. Names have so few shifts that nothing is gained by leaving some out, and
 /// the loop has no branch that a processor could guess wrongly but its end.
 template <std::size_t kWidth, std::size_t kGroups>
 VOXTREL_INLINE float LeastSum(const Pair& pair, float bound) {
+  static_assert(kFewShifts <= static_cast<std::int32_t>(PreparedTemplate::kHeldShapes));
   using Lanes = typename LanesOf<kWidth>::Type;
   using LanesInArray = typename LanesOf<kWidth>::InArray;
   const auto& [shorter, longer] = pair;
-  std::array<Lanes, kGroups> sums{};
-  const float* slid = shorter.Shape(0, 0);
-  const std::ptrdiff_t row = shorter.Shape(1, 0) - slid;
+  std::array<Lanes, kGroups> sums;
+  const float* nothing = kNothingYet.data() + (kFewShifts - pair.ShiftCount());
+  for (Lanes& group : sums) {
+    group = *reinterpret_cast<const LanesInArray*>(nothing);
+    nothing += kWidth;
+  }
+  const float* slid = shorter.Shape(0, pair.LowestShift());
+  const std::ptrdiff_t row = shorter.Shape(1, 0) - shorter.Shape(0, 0);
   const float* fixed = longer.ShapeByFrame(0);
-  const std::int32_t end = pair.LowestShift() + longer.Frames();
-  for (std::int32_t place = pair.LowestShift(); place < end;) {
-    const std::int32_t look = std::min(place + kFramesBetweenLooks, end);
-    for (; place < look; ++place, fixed += kBandCount) {
-      std::array<const float*, kGroups> at;
-      for (std::size_t group = 0; group < kGroups; ++group) {
-        at[group] = slid + std::clamp(place + static_cast<std::int32_t>(group * kWidth), -kLanes,
-                                      shorter.Frames());
-      }
+  for (std::int32_t frame = 0; frame < longer.Frames();) {
+    const std::int32_t look = std::min(frame + kFramesBetweenLooks, longer.Frames());
+    for (; frame < look; ++frame, ++slid, fixed += kBandCount) {
       for (std::size_t band = 0; band < kBandCount; ++band) {
         for (std::size_t group = 0; group < kGroups; ++group) {
           const Lanes values = *reinterpret_cast<const LanesInArray*>(
-              at[group] + static_cast<std::ptrdiff_t>(band) * row);
+              slid + static_cast<std::ptrdiff_t>(band) * row + group * kWidth);
           // The square is the same either way. Wide vectors subtract what lies in memory with one
           // instruction less, and narrow ones what lies in a register.
           const Lanes differences = kWidth == 8 ? fixed[band] - values : values - fixed[band];
@@ -155,13 +157,18 @@ VOXTREL_INLINE float LeastSum(const Pair& pair, float bound) {
       return bound;
     }
   }
-  std::array<float, kGroups * kWidth> seen;
-  std::memcpy(seen.data(), sums.data(), sizeof seen);
-  for (std::int32_t index = 0; index < pair.ShiftCount(); ++index) {
-    const float sum = seen[static_cast<std::size_t>(index)];
-    bound = sum < bound ? sum : bound;
+  Lanes least = Lanes{} + bound;
+  for (const Lanes& group : sums) {
+    least = group < least ? group : least;
   }
-  return bound;
+  std::array<float, kWidth> each;
+  std::memcpy(each.data(), &least, sizeof least);
+  for (std::size_t half = kWidth / 2; half > 0; half /= 2) {
+    for (std::size_t lane = 0; lane < half; ++lane) {
+      each[lane] = std::min(each[lane], each[lane + half]);
+    }
+  }
+  return each[0];
 }
 
 VOXTREL_WIDE float LeastSumWide(const Pair& pair, float bound) {
@@ -178,11 +185,11 @@ VOXTREL_INLINE std::int32_t GridLimitRoot(const PreparedTemplate& longer,
   return bound.GridRoot() + longer.RootOfSize() + values / 512 + 1;
 }
 
-/// Returns the outline distance from which on no shift can win, as derived above.
-VOXTREL_INLINE std::uint32_t OutlineLimit(const PreparedTemplate& longer,
-                                          const DistanceBound& bound) {
-  const std::int32_t root = GridLimitRoot(longer, bound) + longer.RootOfSize() / 4 + 1;
-  return static_cast<std::uint32_t>(root * root);
+/// Returns whether one of `count` grid distances from the first on leaves it open that a shift
+/// wins.
+template <typename Number>
+VOXTREL_INLINE bool AnyCanWin(const Number* distances, std::int32_t count, std::int32_t limitRoot) {
+  return *std::min_element(distances, distances + count) < std::int64_t{limitRoot} * limitRoot;
 }
 
 /// Looks for the shift with the smallest sum below a bound.
@@ -192,63 +199,61 @@ class Search {
 
   [[nodiscard]] float Best() const { return m_bound.Distance(); }
 
-  /// Forms the exact sums of kLanes shifts from the `index`-th on, or as many as there are.
-  VOXTREL_INLINE void Try(std::int32_t index) {
-    const LaneSums sums = ExactSums(m_pair, m_pair.LowestShift() + index, Best());
-    const std::int32_t lanes = std::min(kLanes, m_pair.ShiftCount() - index);
-    const float best = *std::min_element(sums.begin(), sums.begin() + lanes, IsLower);
-    if (best < Best()) {
-      m_bound = DistanceBound(best);
+  /// Forms the exact sums of the shifts of a near pair that can win. Begins near the likeliest one.
+  VOXTREL_INLINE void TryNear() {
+    const std::int32_t count = m_pair.ShiftCount();
+    Distances distances;
+    for (std::int32_t index = 0; index < count; index += kLanes) {
+      const auto some = GridDistances(m_pair, m_pair.LowestShift() + index);
+      std::ranges::copy(some, distances.begin() + index);
     }
+    const auto likeliest = static_cast<std::int32_t>(
+        std::min_element(distances.begin(), distances.begin() + count) - distances.begin());
+    const std::int32_t first = std::clamp(likeliest - kLanes / 2, 0, std::max(count - kLanes, 0));
+    TryNear(distances, first, std::min(first + kLanes, count));
+    TryNear(distances, 0, first);
+    TryNear(distances, first + kLanes, count);
   }
 
-  /// Forms the exact sums of those of the `count` shifts from the `index`-th on that can win.
-  /// Begins near the likeliest one.
-  VOXTREL_INLINE void TryPromising(std::int32_t index, std::int32_t count) {
-    const OutlineDistances outlines(m_pair);
-    const auto likeliest = static_cast<std::int32_t>(
-        std::min_element(outlines.At(0), outlines.At(count)) - outlines.At(0));
-    const std::int32_t first = std::clamp(likeliest - kLanes / 2, 0, std::max(count - kLanes, 0));
-    TryIfPromising(index, first, count, outlines);
-    for (std::int32_t i = 0; i < first; i += kLanes) {
-      TryIfPromising(index, i, first, outlines);
-    }
-    for (std::int32_t i = first + kLanes; i < count; i += kLanes) {
-      TryIfPromising(index, i, count, outlines);
+  /// Forms the exact sums of kLanes shifts of any other pair from the `index`-th on, or of as many
+  /// as there are, if one of them can win.
+  VOXTREL_INLINE void TryFar(std::int32_t index) {
+    if (!m_pair.IsOnGrid() ||
+        AnyCanWin(FarGridDistances(m_pair, m_pair.LowestShift() + index).data(), LanesFrom(index),
+                  GridLimitRoot(m_pair.longer, m_bound))) {
+      Try(index);
     }
   }
 
  private:
+  using Distances =
+      std::array<std::uint32_t, static_cast<std::size_t>(kShiftsAtOnce) + kFloatLanes>;
+
   /// An order in which what is no number comes last.
   static bool IsLower(float a, float b) { return a < b || (b != b && a == a); }
 
-  /// Tries kLanes shifts, or those up to the `end`-th, if one of them can win.
-  VOXTREL_INLINE void TryIfPromising(std::int32_t index, std::int32_t begin, std::int32_t end,
-                                     const OutlineDistances& outlines) {
-    end = std::min(begin + kLanes, end);
-    const std::uint32_t limit = OutlineLimit(m_pair.longer, m_bound);
-    for (std::int32_t i = begin; i < end; i += kStep) {
-      const std::int32_t lanes = std::min(kStep, end - i);
-      if (*std::min_element(outlines.At(i), outlines.At(i + lanes)) < limit &&
-          IsPromisingOnGrid(index + i, lanes)) {
-        Try(index + begin);
-        return;
+  /// Returns how many of kLanes lanes hold a shift, if the first one holds the `index`-th.
+  [[nodiscard]] std::int32_t LanesFrom(std::int32_t index) const {
+    return std::min(kLanes, m_pair.ShiftCount() - index);
+  }
+
+  /// Forms those of the shifts from the `begin`-th up to the `end`-th.
+  VOXTREL_INLINE void TryNear(const Distances& distances, std::int32_t begin, std::int32_t end) {
+    for (std::int32_t index = begin; index < end; index += kLanes) {
+      if (AnyCanWin(&distances[static_cast<std::size_t>(index)], std::min(kLanes, end - index),
+                    GridLimitRoot(m_pair.longer, m_bound))) {
+        Try(index);
       }
     }
   }
 
-  /// Returns whether one of `lanes` shifts, at most kStep, can win.
-  VOXTREL_INLINE bool IsPromisingOnGrid(std::int32_t index, std::int32_t lanes) const {
-    if (m_pair.IsNear() && Best() == kMaxDistance) {
-      return true;  // Most are below it.
+  /// Forms the exact sums of kLanes shifts from the `index`-th on, or as many as there are.
+  VOXTREL_INLINE void Try(std::int32_t index) {
+    const LaneSums sums = ExactSums(m_pair, m_pair.LowestShift() + index, Best());
+    const float best = *std::min_element(sums.begin(), sums.begin() + LanesFrom(index), IsLower);
+    if (best < Best()) {
+      m_bound = DistanceBound(best);
     }
-    const std::int64_t root = GridLimitRoot(m_pair.longer, m_bound);
-    const auto anyIsBelow = [&](const auto& distances) {
-      return *std::min_element(distances.begin(), distances.begin() + lanes) < root * root;
-    };
-    const std::int32_t shift = m_pair.LowestShift() + index;
-    return m_pair.IsNear() ? anyIsBelow(GridDistances(m_pair, shift))
-                           : anyIsBelow(FarGridDistances(m_pair, shift));
   }
 
   const Pair& m_pair;
@@ -272,6 +277,11 @@ float TemplateDistance(const PreparedTemplate& a, const PreparedTemplate& b,
     const float distance = pair.longer.Frames() == 0 ? 0.0F : kMaxDistance;
     return std::min(distance, bound.Distance());
   }
+  const std::int32_t shifts = pair.ShiftCount();
+  if (kVectorsFast && kLead - pair.LowestShift() < kFewShifts) {
+    return HasWideVectors() ? LeastSumWide(pair, bound.Distance())
+                            : LeastSumNarrow(pair, bound.Distance());
+  }
   if (IsFar(pair)) {
     const std::size_t count = FarScratchSize(pair);
     const std::unique_ptr<float[]> scratch(new (std::nothrow) float[count]);
@@ -279,40 +289,23 @@ float TemplateDistance(const PreparedTemplate& a, const PreparedTemplate& b,
       return FarDistance(pair, bound.Distance(), {scratch.get(), count}, goOn);
     }
   }
-  const std::int32_t shifts = pair.ShiftCount();
-  if (kVectorsFast && shifts <= kFewShifts) {
-    return HasWideVectors() ? LeastSumWide(pair, bound.Distance())
-                            : LeastSumNarrow(pair, bound.Distance());
-  }
   Search search(pair, bound);
-  for (std::int32_t index = 0; index < shifts && search.Best() > 0.0F; index += kShiftsAtOnce) {
-    const std::int32_t count = std::min(kShiftsAtOnce, shifts - index);
-    if (goOn && !goOn()) {
+  if (pair.IsNear()) {
+    search.TryNear();
+    return search.Best();
+  }
+  for (std::int32_t index = 0; index < shifts && search.Best() > 0.0F; index += kLanes) {
+    if (index % kShiftsAtOnce == 0 && goOn && !goOn()) {
       break;
     }
-    if (pair.IsOnGrid()) {
-      search.TryPromising(index, count);
-    } else {
-      for (std::int32_t i = 0; i < count; i += kLanes) {
-        search.Try(index + i);
-      }
-    }
+    search.TryFar(index);
   }
   return search.Best();
 }
 
-VOXTREL_VECTOR_CLONES
-std::uint32_t LeastOutlineDistance(const PreparedTemplate& a, const PreparedTemplate& b) {
-  const Pair pair(a, b);
-  if (pair.shorter.Frames() == 0 || !pair.IsNear()) {
-    return 0;
-  }
-  return OutlineDistances(pair).Least();
-}
-
-bool CanBeBelow(const DistanceBound& bound, const PreparedTemplate& a, const PreparedTemplate& b,
-                std::uint32_t leastOutlineDistance) {
-  return leastOutlineDistance < OutlineLimit(a.Frames() < b.Frames() ? b : a, bound);
+std::uint32_t GridLimit(const PreparedTemplate& longer, const DistanceBound& bound) {
+  const auto root = static_cast<std::uint32_t>(GridLimitRoot(longer, bound));
+  return root * root;
 }
 
 float TemplateDistance(std::span<const float> a, std::span<const float> b) {

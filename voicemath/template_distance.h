@@ -52,14 +52,7 @@ class DistanceBound {
 /// Needs memory to prepare both, and returns kMaxDistance if there is none.
 [[nodiscard]] float TemplateDistance(std::span<const float> a, std::span<const float> b);
 
-/// Returns a number that rises with the distance, roughly, and costs a fraction of it. Returns 0 if
-/// it says nothing about these two.
-[[nodiscard]] std::uint32_t LeastOutlineDistance(const PreparedTemplate& a,
-                                                 const PreparedTemplate& b);
-
-/// Returns whether the distance of two templates with this LeastOutlineDistance may be below
-/// `bound`.
-[[nodiscard]] bool CanBeBelow(const DistanceBound& bound, const PreparedTemplate& a,
-                              const PreparedTemplate& b, std::uint32_t leastOutlineDistance);
+/// Returns the grid distance from which on a shift of two templates cannot be below `bound`.
+[[nodiscard]] std::uint32_t GridLimit(const PreparedTemplate& longer, const DistanceBound& bound);
 
 }  // namespace voicemath

@@ -1,7 +1,7 @@
 #pragma once
 
 // Two templates that are held against each other, and what can be said of their shifts without an
-// exact sum: the distances of their grids and of their outlines, in whole numbers.
+// exact sum: the distances of their grids, in whole numbers.
 //
 // A sum of squared differences is the squares of one side, plus the squares of the other, minus
 // twice the products. The squares come from running sums. So only the products are formed for each
@@ -51,7 +51,7 @@ struct Pair {
     return shorter.IsSteady() ? 1 : kLead - LowestShift() + 1;
   }
   [[nodiscard]] bool IsOnGrid() const { return shorter.IsOnGrid() && longer.IsOnGrid(); }
-  /// Returns whether the held grid and the outlines repeat the ends often enough for every shift.
+  /// Returns whether the held grid repeats the ends often enough for every shift.
   [[nodiscard]] bool IsNear() const { return IsOnGrid() && kLead - LowestShift() < kShiftsAtOnce; }
 };
 
@@ -149,70 +149,6 @@ VOXTREL_INLINE std::array<std::int64_t, kProductLanes> FarGridDistances(const Pa
   }
   return distances;
 }
-
-/// The distances of the outlines at all shifts: sums of the squared differences. One that leaves 32
-/// bits comes out too low; its shift is only looked at more closely than it deserves. All are 0 if
-/// the pair is not near.
-///
-/// The groups of the longer one always begin at its first frame. Those of the shorter one begin at
-/// each of kGroupFrames ways to begin, so several shifts side by side read several rows.
-class OutlineDistances {
- public:
-  VOXTREL_INLINE explicit OutlineDistances(const Pair& pair)
-      : m_count(std::min(pair.ShiftCount(), kShiftsAtOnce)) {
-    if (!pair.IsNear()) {
-      m_distances.fill(0);
-      return;
-    }
-    m_before = pair.LowestShift() - Aligned(pair.LowestShift());
-    for (std::int32_t i = 0; i < m_before + m_count; i += kLanes) {
-      Fill(pair, Aligned(pair.LowestShift()) + i, &m_distances[static_cast<std::size_t>(i)]);
-    }
-  }
-
-  /// Returns the place of the distance of the `index`-th shift; those of the next shifts follow.
-  [[nodiscard]] const std::uint32_t* At(std::int32_t index) const {
-    const std::int32_t place = m_before + index;
-    return &m_distances[static_cast<std::size_t>(place)];
-  }
-  [[nodiscard]] VOXTREL_INLINE std::uint32_t Least() const {
-    return *std::min_element(At(0), At(m_count));
-  }
-
- private:
-  /// How many ways to begin are looked at together, and how many beginnings, a group apart, in
-  /// each.
-  static constexpr std::size_t kWays = kProductLanes;
-  static constexpr std::size_t kRows = kProductLanes == 1 ? 1 : 2;
-  static constexpr std::int32_t kLanes = kWays * kRows;
-
-  /// Returns the last shift up to `shift` at which a look at several shifts may begin.
-  static std::int32_t Aligned(std::int32_t shift) {
-    static_assert(kWays == 1 || kWays == PreparedTemplate::kGroupFrames);
-    return shift - (shift + PreparedTemplate::kHeldFrames) % static_cast<std::int32_t>(kWays);
-  }
-
-  VOXTREL_INLINE static void Fill(const Pair& pair, std::int32_t shift, std::uint32_t* distances) {
-    const auto& [shorter, longer] = pair;
-    const std::int32_t groups = longer.Groups();
-    std::array<const std::int16_t*, kWays> slid;
-    for (std::size_t way = 0; way < kWays; ++way) {
-      slid[way] = shorter.SlidOutline(shift) + way * shorter.SlidRow() * kBandCount;
-    }
-    const auto products =
-        GridProducts<kRows>(longer.Outline(), slid, groups * static_cast<std::int32_t>(kBandCount));
-    const std::uint32_t* begin = shorter.SlidOutlineSquares(shift);
-    const std::uint32_t* end =
-        shorter.SlidOutlineSquares(shift + groups * PreparedTemplate::kGroupFrames);
-    for (std::size_t lane = 0; lane < products.size(); ++lane) {
-      distances[lane] = longer.OutlineSquares() + end[lane] - begin[lane] - 2 * products[lane];
-    }
-  }
-
-  std::int32_t m_before = 0;  ///< Distances before that of the lowest shift, which mean nothing.
-  std::int32_t m_count;
-  std::array<std::uint32_t, kShiftsAtOnce + 2 * kLanes> m_distances;
-};
 
 /// Returns whether FarDistance can compare the pair, and is worth the memory that it takes.
 [[nodiscard]] bool IsFar(const Pair& pair);

@@ -78,7 +78,7 @@ inline constexpr std::size_t kFloatLanes = 8;
 inline constexpr std::size_t kFrameLanes = 8;
 inline constexpr bool kVectorsFast = true;
 using LaneSample = float;
-inline constexpr std::size_t kProductLanes = 4;
+inline constexpr std::size_t kProductLanes = 8;
 inline constexpr bool kMultipliesFast = true;
 inline constexpr bool kRootsFast = true;
 #endif

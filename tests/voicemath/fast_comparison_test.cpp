@@ -232,6 +232,20 @@ TEST(FastComparison, EqualsItsTwinOnFarLongerTemplatesThatAreOffTheGrid) {
   }
 }
 
+TEST(FastComparison, EqualsItsTwinOnNamesThatAreOffTheGrid) {
+  std::mt19937 random(40);
+  for (const float odd : {-1.0F, 1e12F, 1e30F, HUGE_VALF, std::nanf("")}) {
+    for (const std::size_t place : {0U, 44U, 79U}) {
+      Template word = DrawWord(random, 16, 1);
+      word.values[place] = odd;
+      for (const std::size_t frames : {11U, 16U, 27U, 28U}) {
+        ExpectSame(word, DrawWord(random, frames, 2));
+        ExpectSame(DrawWord(random, frames, 2), word);
+      }
+    }
+  }
+}
+
 TEST(FastComparison, ReturnsTheBoundOfFarLongerTemplatesToo) {
   std::mt19937 random(35);
   Template word = DrawEven(random, 9, 0, 1);
@@ -261,13 +275,8 @@ TEST(FastComparison, ReturnsTheBoundIfTheDistanceIsNotBelowIt) {
   EXPECT_LT(below, 450);
 }
 
-TEST(FindNearest, EqualsTheSearchRowByRow) {
-  std::mt19937 random(25);
-  std::vector<Template> words;
-  for (std::uint32_t tag = 0; tag < 60; ++tag) {
-    // Some twice, some of the same length, some without frames.
-    words.push_back(tag % 9 == 8 ? words[tag / 2] : DrawWord(random, tag * 7 % 23, tag));
-  }
+/// Expects of each word what a search through all others finds.
+void ExpectNearestAsRowByRow(const std::vector<Template>& words) {
   std::vector<PreparedTemplate> prepared;
   for (const Template& word : words) {
     prepared.push_back(Prepared(word));
@@ -287,6 +296,109 @@ TEST(FindNearest, EqualsTheSearchRowByRow) {
     EXPECT_EQ(nearest[i].index, index) << i;
     EXPECT_EQ(nearest[i].distance, best) << i;
   }
+}
+
+TEST(FindNearest, EqualsTheSearchRowByRow) {
+  std::mt19937 random(25);
+  std::vector<Template> words;
+  for (std::uint32_t tag = 0; tag < 60; ++tag) {
+    // Some twice, some of the same length, some without frames.
+    words.push_back(tag % 9 == 8 ? words[tag / 2] : DrawWord(random, tag * 7 % 23, tag));
+  }
+  ExpectNearestAsRowByRow(words);
+}
+
+/// Of the same length each, so that it matters which of two slides.
+TEST(FindNearest, EqualsTheSearchRowByRowOfEqualLengths) {
+  std::mt19937 random(38);
+  for (const std::size_t frames : {1U, 5U, 16U}) {
+    std::vector<Template> words;
+    for (std::uint32_t tag = 0; tag < 21; ++tag) {
+      words.push_back(DrawWord(random, frames, tag % 4));
+    }
+    ExpectNearestAsRowByRow(words);
+  }
+}
+
+/// A word whose frames have nothing in common, so that only the right shift is near.
+Template DrawRestless(std::mt19937& random, std::size_t frames) {
+  Template word{.frameCount = static_cast<std::uint16_t>(frames), .values = {}};
+  for (std::size_t i = 0; i < frames * kBandCount; ++i) {
+    word.values.push_back(static_cast<float>(support::Draw(random, 100000)));
+  }
+  return word;
+}
+
+Template SaidAgain(std::mt19937& random, Template word) {
+  for (float& value : word.values) {
+    value += static_cast<float>(support::Draw(random, 20000));
+  }
+  return word;
+}
+
+void CopyFrames(const Template& from, std::size_t first, std::size_t count, Template& to,
+                std::size_t place) {
+  std::copy_n(&from.values[first * kBandCount], count * kBandCount, &to.values[place * kBandCount]);
+}
+
+/// Repeats one frame in the `count` frames from `place` on, times `factor`.
+void HoldFrame(const Template& from, std::size_t frame, Template& to, std::size_t place,
+               std::size_t count, float factor) {
+  for (std::size_t i = 0; i < count * kBandCount; ++i) {
+    to.values[place * kBandCount + i] = factor * from.values[frame * kBandCount + i % kBandCount];
+  }
+}
+
+/// The nearest one is the longer one that says the same five frames later, so that the shorter one
+/// runs out at its end. A third one is nearer than that at any other shift.
+TEST(FindNearest, HoldsTheShorterOneAgainstTheLongerOneFromTwoFramesOutToTwoFramesOut) {
+  std::mt19937 random(41);
+  std::vector<Template> words;
+  for (int kind = 0; kind < 6; ++kind) {
+    Template longer = DrawRestless(random, 20);
+    HoldFrame(longer, 5, longer, 0, 5, 1.0F);
+    Template shorter = DrawRestless(random, 17);
+    CopyFrames(longer, 5, 15, shorter, 0);
+    HoldFrame(longer, 5, shorter, 15, 2, std::sqrt(2.5F));  // The norms are the same.
+    words.push_back(SaidAgain(random, longer));
+    words.push_back(longer);
+    words.push_back(shorter);
+  }
+  ExpectNearestAsRowByRow(words);
+}
+
+/// The nearest one is as long and says the same two frames earlier. If it slid instead, the first
+/// two frames would find nothing that is like them. A third one is nearer than that.
+TEST(FindNearest, SlidesEachOfTwoOfTheSameLength) {
+  std::mt19937 random(42);
+  std::vector<Template> words;
+  for (int kind = 0; kind < 6; ++kind) {
+    Template earlier = DrawRestless(random, 20);
+    HoldFrame(earlier, 17, earlier, 18, 2, 1.0F);
+    Template later = DrawRestless(random, 20);
+    CopyFrames(earlier, 0, 18, later, 2);
+    HoldFrame(earlier, 17, later, 0, 2, 1.0F);  // The norms are the same.
+    words.push_back(SaidAgain(random, later));
+    words.push_back(kind % 2 == 0 ? earlier : later);
+    words.push_back(kind % 2 == 0 ? later : earlier);
+  }
+  ExpectNearestAsRowByRow(words);
+}
+
+/// Some are too long to be screened with the others, some have no sound, some no recording gives.
+TEST(FindNearest, EqualsTheSearchRowByRowOfLengthsThatAreScreenedAndOthers) {
+  std::mt19937 random(39);
+  std::vector<Template> words;
+  for (std::uint32_t tag = 0; tag < 26; ++tag) {
+    words.push_back(
+        DrawWord(random, std::array{9U, 24U, 30U, 63U, 64U, 65U, 80U}[tag % 7], tag % 5));
+  }
+  std::ranges::fill(words[3].values, 0.0F);
+  words[8].values[7] = -1e6F;
+  words[10].values[20] = std::nanf("");
+  std::fill(words[11].values.begin() + kBandCount, words[11].values.end(), 0.0F);
+  std::fill(words[12].values.begin(), words[12].values.end() - 1, 0.0F);
+  ExpectNearestAsRowByRow(words);
 }
 
 /// Words and far longer templates, so that every kind of comparison takes part.
