@@ -39,7 +39,8 @@ constexpr std::int32_t kGroupFrames = 2;
 /// Longer templates are no names. Their numbers stay 0.
 constexpr std::int32_t kMostFrames = 64;
 
-/// The frames where a group may begin that is held against the longest template at any shift.
+/// The frames where a group may begin or end that is held against the longest template at any
+/// shift.
 constexpr std::int32_t kMostBegins = 2 * (kMostFrames + kLead);
 
 using Number = std::conditional_t<kVectorsFast, float, std::uint32_t>;
@@ -86,7 +87,7 @@ void WriteOutline(const PreparedTemplate& of, Outline& outline) {
   outline.squares = static_cast<Number>(squares);
 }
 
-/// kWidth templates side by side, at every frame where a group may begin.
+/// kWidth templates side by side, at every frame where a group may begin or end.
 template <std::size_t kWidth>
 class SlidOutlines {
  public:
@@ -94,7 +95,7 @@ class SlidOutlines {
   void Fill(std::span<const Screened> lanes, std::int32_t mostFrames) {
     m_shortest = lanes.front().frames;
     m_first = m_shortest - mostFrames - kLead;
-    const auto begins = static_cast<std::size_t>(mostFrames + kLead - m_first);
+    const auto begins = static_cast<std::size_t>(mostFrames + kLead + 1 - m_first);
     for (std::size_t lane = 0; lane < kWidth; ++lane) {
       // Lanes that are left over hold the last template once more, and are not looked at.
       const PreparedTemplate& of = *lanes[std::min(lane, lanes.size() - 1)].of;
@@ -127,7 +128,7 @@ class SlidOutlines {
   }
 
   std::int32_t m_shortest = 0;
-  std::int32_t m_first = 0;  ///< Of the frames at which a group may begin.
+  std::int32_t m_first = 0;  ///< Of the frames where a group may begin.
   alignas(64) std::array<Number, kMostBegins * kBandCount * kWidth> m_numbers;
   alignas(64) std::array<std::int32_t, kMostBegins * kWidth> m_squaresBefore;
 };
