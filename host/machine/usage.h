@@ -1,5 +1,6 @@
 #pragma once
 
+// NOLINTNEXTLINE(readability-identifier-naming): the name is the library's.
 namespace CLI {
 class App;
 class ParseError;
