@@ -119,6 +119,22 @@ TEST(Work, ARandomTemplateOfTheMostFramesAgainstAWordDoesNotGrowWithShiftsTimesF
   EXPECT_LT(WorkOf(word, Prepared(kMostFrames, 2)), 25 * sixteenth);
 }
 
+/// Thousands of shifts of thousands of frames each take most of a second.
+TEST(Work, OfAPairWithThousandsOfLongShiftsEndsWhenItIsToStop) {
+  const PreparedTemplate half = Prepared(kMostFrames / 2, 1);
+  const PreparedTemplate longest = Prepared(kMostFrames, 2);
+  std::array<std::uint64_t, 3> work{};
+  for (int most = 1; most <= 3; ++most) {
+    int asked = 0;
+    stretches = 0;
+    static_cast<void>(TemplateDistance(half, longest, {}, [&] { return ++asked < most; }));
+    EXPECT_EQ(asked, most);
+    work[static_cast<std::size_t>(most) - 1] = stretches;
+  }
+  // A hundred questions and more are asked before the end, after equal pieces of work.
+  EXPECT_LT(work[2] - work[1], 2 * (work[1] - work[0]));
+}
+
 TEST(Work, OfADialogIsFarLessThanThatOfItsComparisonsOneByOne) {
   std::vector<PreparedTemplate> words;
   for (std::uint32_t tag = 0; tag < 30; ++tag) {
