@@ -138,8 +138,10 @@ VOXTREL_INLINE float LeastSum(const Pair& pair, float bound) {
   const float* slid = shorter.Shape(0, pair.LowestShift());
   const std::ptrdiff_t row = shorter.Shape(1, 0) - shorter.Shape(0, 0);
   const float* fixed = longer.ShapeByFrame(0);
+  // Without a bound hardly any sum is given up.
+  const std::int32_t step = bound < kMaxDistance ? kFramesBetweenLooks : longer.Frames();
   for (std::int32_t frame = 0; frame < longer.Frames();) {
-    const std::int32_t look = std::min(frame + kFramesBetweenLooks, longer.Frames());
+    const std::int32_t look = std::min(frame + step, longer.Frames());
     for (; frame < look; ++frame, ++slid, fixed += kBandCount) {
       for (std::size_t band = 0; band < kBandCount; ++band) {
         for (std::size_t group = 0; group < kGroups; ++group) {
@@ -171,10 +173,10 @@ VOXTREL_INLINE float LeastSum(const Pair& pair, float bound) {
   return each[0];
 }
 
-VOXTREL_WIDE float LeastSumWide(const Pair& pair, float bound) {
+VOXTREL_WIDE float LeastSumWide(Pair pair, float bound) {
   return pair.ShiftCount() <= kLanes ? LeastSum<8, 1>(pair, bound) : LeastSum<8, 2>(pair, bound);
 }
-float LeastSumNarrow(const Pair& pair, float bound) {
+float LeastSumNarrow(Pair pair, float bound) {
   return pair.ShiftCount() <= kLanes ? LeastSum<4, 2>(pair, bound) : LeastSum<4, 4>(pair, bound);
 }
 
