@@ -30,13 +30,17 @@ target_compile_options(
             -fPIC
             -ffp-contract=off
             -fno-fast-math)
+# g++ looks for unused memory of its own after each 128 MiB, which is a tenth of its time. Here it does so
+# after 1 GiB.
+#
 # g++ 12 gives some warnings because it follows the flow of optimised code. They are shown and are no
 # errors. About the strings and vectors of its own library they are wrong (restrict, array-bounds),
 # differently at each level of optimisation, and about tests that replace operator new as well.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   target_compile_options(
     voxtrel_options
-    INTERFACE -Wno-error=restrict
+    INTERFACE --param=ggc-min-heapsize=1048576
+              -Wno-error=restrict
               -Wno-error=array-bounds
               -Wno-error=stringop-overflow
               -Wno-error=stringop-overread
@@ -63,7 +67,13 @@ if(VOXTREL_SANITIZE)
   target_compile_options(voxtrel_options INTERFACE -fsanitize=${VOXTREL_SANITIZE}
                                                    $<$<BOOL:$<TARGET_PROPERTY:VOXTREL_IS_TEST>>:-fno-sanitize=undefined>
                                                    -fno-sanitize-recover=all
-                                                   -fno-omit-frame-pointer)
+                                                   -fno-omit-frame-pointer
+                                                   "-fsanitize-ignorelist=${PROJECT_SOURCE_DIR}/cmake/sanitizers.ignore")
+  target_compile_definitions(voxtrel_options INTERFACE _GLIBCXX_ASSERTIONS)
+  if(VOXTREL_SANITIZE MATCHES address)
+    # Its runtime looks for use after return only if it is asked to, and nobody asks.
+    target_compile_options(voxtrel_options INTERFACE -fsanitize-address-use-after-return=never)
+  endif()
   # Instrumented programs are large: the quicker linker saves minutes over all of them.
   target_link_options(voxtrel_options INTERFACE -fsanitize=${VOXTREL_SANITIZE} -fuse-ld=lld)
 endif()
@@ -98,9 +108,8 @@ option(VOXTREL_JOIN_PROGRAM "Compile the files of each library of the program as
 option(VOXTREL_JOIN_TESTS "Compile the files of each test program as one" OFF)
 
 # What nearly every file includes, compiled once for all of them. Only builds that join files use it: the
-# build `dev` still shows an include that is missing. Only libraries use it: the analyser says nothing
-# about a header that it finds compiled, and reads these with the files of the applet. What is optimised
-# otherwise than the rest opts out (DISABLE_PRECOMPILE_HEADERS of a library, SKIP_PRECOMPILE_HEADERS of a file).
+# build `dev` still shows an include that is missing. What is optimised otherwise than the rest opts out
+# (DISABLE_PRECOMPILE_HEADERS of a library, SKIP_PRECOMPILE_HEADERS of a file).
 set(VOXTREL_COMMON_HEADERS
     <algorithm>
     <array>
@@ -115,14 +124,56 @@ set(VOXTREL_COMMON_HEADERS
     <vector>
     "${PROJECT_SOURCE_DIR}/platform/platform.h"
     "${PROJECT_SOURCE_DIR}/language/texts.h")
+# The same with what windows are made of.
+set(VOXTREL_QT_HEADERS
+    ${VOXTREL_COMMON_HEADERS}
+    <QAbstractItemView>
+    <QApplication>
+    <QComboBox>
+    <QDir>
+    <QKeyEvent>
+    <QLabel>
+    <QLineEdit>
+    <QListWidget>
+    <QLocale>
+    <QMenu>
+    <QMessageBox>
+    <QPainter>
+    <QPointer>
+    <QProcess>
+    <QPushButton>
+    <QScrollArea>
+    <QStyledItemDelegate>
+    <QStyleOption>
+    <QTimer>
+    <QToolButton>
+    <QVBoxLayout>
+    <QWindow>)
+
 set(VOXTREL_PRELUDE OFF)
 if(VOXTREL_JOIN_PROGRAM AND NOT CMAKE_CROSSCOMPILING)
   set(VOXTREL_PRELUDE ON)
-  file(WRITE "${PROJECT_BINARY_DIR}/prelude.cpp" "")
-  add_library(voxtrel_prelude STATIC "${PROJECT_BINARY_DIR}/prelude.cpp")
-  target_link_libraries(voxtrel_prelude PRIVATE voxtrel_options)
-  target_precompile_headers(voxtrel_prelude PRIVATE ${VOXTREL_COMMON_HEADERS})
 endif()
+
+# voxtrel_prelude(NAME HEADERS ... [DEPENDS ...]): headers that are compiled once.
+function(voxtrel_prelude name)
+  cmake_parse_arguments(ARG "" "" "HEADERS;DEPENDS" ${ARGN})
+  if(VOXTREL_PRELUDE)
+    file(WRITE "${PROJECT_BINARY_DIR}/prelude.cpp" "")
+    add_library(${name} STATIC "${PROJECT_BINARY_DIR}/prelude.cpp")
+    target_link_libraries(${name} PRIVATE voxtrel_options ${ARG_DEPENDS})
+    target_precompile_headers(${name} PRIVATE ${ARG_HEADERS})
+  endif()
+endfunction()
+
+# voxtrel_reuse(PRELUDE TARGET): the target does not compile those headers again, if this build has them.
+function(voxtrel_reuse prelude name)
+  if(TARGET ${prelude})
+    target_precompile_headers(${name} REUSE_FROM ${prelude})
+  endif()
+endfunction()
+
+voxtrel_prelude(voxtrel_prelude HEADERS ${VOXTREL_COMMON_HEADERS})
 
 # voxtrel_join(PROGRAM|TESTS TARGET)
 function(voxtrel_join part name)
@@ -134,14 +185,16 @@ function(voxtrel_join part name)
   endif()
 endfunction()
 
-# voxtrel_library(NAME SOURCES ... [DEPENDS ...])
+# voxtrel_library(NAME [QT] SOURCES ... [DEPENDS ...]): QT says that its files make windows.
 function(voxtrel_library name)
-  cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS" ${ARGN})
+  cmake_parse_arguments(ARG "QT" "" "SOURCES;DEPENDS" ${ARGN})
   add_library(voxtrel_${name} STATIC ${ARG_SOURCES})
   target_link_libraries(voxtrel_${name} PUBLIC voxtrel_options ${ARG_DEPENDS})
   voxtrel_join(PROGRAM voxtrel_${name})
-  if(VOXTREL_PRELUDE)
-    target_precompile_headers(voxtrel_${name} REUSE_FROM voxtrel_prelude)
+  if(ARG_QT AND TARGET voxtrel_qt_prelude)
+    voxtrel_reuse(voxtrel_qt_prelude voxtrel_${name})
+  else()
+    voxtrel_reuse(voxtrel_prelude voxtrel_${name})
   endif()
 endfunction()
 
@@ -160,6 +213,7 @@ function(voxtrel_door name)
   set(exports "${CMAKE_CURRENT_SOURCE_DIR}/exports.map")
   add_library(voxtrel_${name} MODULE ${ARG_SOURCES})
   target_link_libraries(voxtrel_${name} PRIVATE voxtrel_options ${ARG_DEPENDS})
+  voxtrel_join(PROGRAM voxtrel_${name})
   set_target_properties(
     voxtrel_${name}
     PROPERTIES PREFIX ""
@@ -203,38 +257,41 @@ function(voxtrel_test_options name)
   target_compile_options(${name} PRIVATE $<$<CONFIG:Release>:${level}>)
 endfunction()
 
-# What every test includes, compiled once. In a build that joins files also what many tests include.
-function(voxtrel_test_prelude)
-  set(more)
+# What every test includes, compiled once. In a build that joins files also what many tests include, and the
+# same with what windows are made of.
+function(voxtrel_test_preludes)
+  set(headers <gmock/gmock.h> <gtest/gtest.h> <algorithm> <functional> <memory> <optional> <span> <string>
+              <vector>)
+  set(joined OFF)
   if(VOXTREL_JOIN_TESTS AND NOT CMAKE_CROSSCOMPILING)
-    set(more ${VOXTREL_COMMON_HEADERS} <fstream> <set>)
+    set(joined ON)
+    list(APPEND headers ${VOXTREL_COMMON_HEADERS} <fstream> <set>)
     foreach(header machine/memory_file_system machine/memory_registry support/registry_access support/results
                    support/watched_file_system support/watched_registry)
-      list(APPEND more "${PROJECT_SOURCE_DIR}/tests/${header}.h")
+      list(APPEND headers "${PROJECT_SOURCE_DIR}/tests/${header}.h")
     endforeach()
   endif()
-  file(WRITE "${CMAKE_CURRENT_BINARY_DIR}/test_prelude.cpp" "int main() { return 0; }\n")
-  add_executable(voxtrel_test_prelude "${CMAKE_CURRENT_BINARY_DIR}/test_prelude.cpp")
-  target_link_libraries(voxtrel_test_prelude PRIVATE voxtrel_options GTest::gmock)
-  voxtrel_test_options(voxtrel_test_prelude)
-  target_precompile_headers(
-    voxtrel_test_prelude
-    PRIVATE
-    <gmock/gmock.h>
-    <gtest/gtest.h>
-    <algorithm>
-    <functional>
-    <memory>
-    <optional>
-    <span>
-    <string>
-    <vector>
-    ${more})
+  voxtrel_test_prelude(voxtrel_test_prelude HEADERS ${headers})
+  if(joined AND VOXTREL_WITH_SYSTEM)
+    find_package(Qt6 REQUIRED COMPONENTS Test Widgets)
+    voxtrel_test_prelude(voxtrel_qt_test_prelude HEADERS ${headers} ${VOXTREL_QT_HEADERS} <QSignalSpy> <QTest>
+                         DEPENDS Qt6::Widgets Qt6::Test)
+  endif()
 endfunction()
 
-# voxtrel_test_program(NAME SOURCES ... DEPENDS ...): a test program that is not yet run.
+function(voxtrel_test_prelude name)
+  cmake_parse_arguments(ARG "" "" "HEADERS;DEPENDS" ${ARGN})
+  file(WRITE "${CMAKE_CURRENT_BINARY_DIR}/test_prelude.cpp" "int main() { return 0; }\n")
+  add_executable(${name} "${CMAKE_CURRENT_BINARY_DIR}/test_prelude.cpp")
+  target_link_libraries(${name} PRIVATE voxtrel_options GTest::gmock ${ARG_DEPENDS})
+  voxtrel_test_options(${name})
+  target_precompile_headers(${name} PRIVATE ${ARG_HEADERS})
+endfunction()
+
+# voxtrel_test_program(NAME [QT] SOURCES ... DEPENDS ...): a test program that is not yet run. QT says that
+# its files make windows.
 function(voxtrel_test_program name)
-  cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS" ${ARGN})
+  cmake_parse_arguments(ARG "QT" "" "SOURCES;DEPENDS" ${ARGN})
   if(NOT BUILD_TESTING)
     add_executable(${name} EXCLUDE_FROM_ALL ${ARG_SOURCES})
     return()
@@ -242,7 +299,11 @@ function(voxtrel_test_program name)
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE voxtrel_options ${ARG_DEPENDS} GTest::gmock GTest::gtest_main)
   voxtrel_test_options(${name})
-  target_precompile_headers(${name} REUSE_FROM voxtrel_test_prelude)
+  if(ARG_QT AND TARGET voxtrel_qt_test_prelude)
+    target_precompile_headers(${name} REUSE_FROM voxtrel_qt_test_prelude)
+  else()
+    target_precompile_headers(${name} REUSE_FROM voxtrel_test_prelude)
+  endif()
   voxtrel_join(TESTS ${name})
 endfunction()
 
@@ -251,16 +312,20 @@ function(voxtrel_keep_apart)
   set_target_properties(${ARGN} PROPERTIES UNITY_BUILD OFF)
 endfunction()
 
-# voxtrel_test(NAME SOURCES ... DEPENDS ... [LABELS ...] [COST n] [SHARDS n]): one test program; each
+# voxtrel_test(NAME [QT] SOURCES ... DEPENDS ... [LABELS ...] [COST n] [SHARDS n]): one test program; each
 # case is one test. What takes long begins first, so that nobody waits for it at the end. COST is
 # about how many seconds the program takes under the sanitizers, which run it as one test. SHARDS says
 # in how many parts they run it side by side.
 function(voxtrel_test name)
-  cmake_parse_arguments(ARG "" "COST;SHARDS" "SOURCES;DEPENDS;LABELS" ${ARGN})
+  cmake_parse_arguments(ARG "QT" "COST;SHARDS" "SOURCES;DEPENDS;LABELS" ${ARGN})
   if(NOT ARG_COST)
     set(ARG_COST 0)
   endif()
-  voxtrel_test_program(${name} SOURCES ${ARG_SOURCES} DEPENDS ${ARG_DEPENDS})
+  set(qt)
+  if(ARG_QT)
+    set(qt QT)
+  endif()
+  voxtrel_test_program(${name} ${qt} SOURCES ${ARG_SOURCES} DEPENDS ${ARG_DEPENDS})
   if(NOT BUILD_TESTING)
     return()
   endif()
