@@ -273,9 +273,8 @@ function(voxtrel_test_preludes)
   endif()
   voxtrel_test_prelude(voxtrel_test_prelude HEADERS ${headers})
   if(joined AND VOXTREL_WITH_SYSTEM)
-    find_package(Qt6 REQUIRED COMPONENTS Test Widgets)
-    voxtrel_test_prelude(voxtrel_qt_test_prelude HEADERS ${headers} ${VOXTREL_QT_HEADERS} <QSignalSpy> <QTest>
-                         DEPENDS Qt6::Widgets Qt6::Test)
+    find_package(Qt6 REQUIRED COMPONENTS Widgets)
+    voxtrel_test_prelude(voxtrel_qt_test_prelude HEADERS ${headers} ${VOXTREL_QT_HEADERS} DEPENDS Qt6::Widgets)
   endif()
 endfunction()
 
