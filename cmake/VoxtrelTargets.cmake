@@ -64,11 +64,14 @@ configure_file("${TL_EXPECTED_FOLDER}/tl/expected.hpp" "${PROJECT_BINARY_DIR}/in
 target_include_directories(voxtrel_options SYSTEM INTERFACE "${PROJECT_BINARY_DIR}/include")
 target_link_libraries(voxtrel_options INTERFACE Threads::Threads)
 if(VOXTREL_SANITIZE)
+  # From the build folder, so that clones share their objects. ccache looks into the file only under this
+  # older name of the option.
+  file(RELATIVE_PATH ignored "${PROJECT_BINARY_DIR}" "${PROJECT_SOURCE_DIR}/cmake/sanitizers.ignore")
   target_compile_options(voxtrel_options INTERFACE -fsanitize=${VOXTREL_SANITIZE}
                                                    $<$<BOOL:$<TARGET_PROPERTY:VOXTREL_IS_TEST>>:-fno-sanitize=undefined>
                                                    -fno-sanitize-recover=all
                                                    -fno-omit-frame-pointer
-                                                   "-fsanitize-ignorelist=${PROJECT_SOURCE_DIR}/cmake/sanitizers.ignore")
+                                                   "-fsanitize-blacklist=${ignored}")
   target_compile_definitions(voxtrel_options INTERFACE _GLIBCXX_ASSERTIONS)
   if(VOXTREL_SANITIZE MATCHES address)
     # Its runtime looks for use after return only if it is asked to, and nobody asks.
