@@ -31,7 +31,8 @@ std::complex<double> NaiveBin(const std::vector<float>& signal, std::size_t bin)
   const double points = static_cast<double>(signal.size());
   for (std::size_t i = 0; i < signal.size(); ++i) {
     const double turns = static_cast<double>(i * bin % signal.size()) / points;
-    sum += std::polar(static_cast<double>(signal[i]), -2.0 * std::numbers::pi * turns);
+    // The length of a polar number is never negative, and the signal is.
+    sum += static_cast<double>(signal[i]) * std::polar(1.0, -2.0 * std::numbers::pi * turns);
   }
   return sum;
 }
