@@ -55,7 +55,7 @@ void ItemList::Select(std::optional<int> index) {
   // An index that is not there selects none, as the classic controls take -1.
   m_selection = index && HasItem(*index) ? index : std::nullopt;
   if (m_selection) {
-    SetField(GetText(*m_selection));
+    SetField(m_items[static_cast<std::size_t>(*m_selection)]);
   }
 }
 

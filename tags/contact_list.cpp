@@ -1,7 +1,5 @@
 #include "tags/contact_list.h"
 
-#include <algorithm>
-
 namespace tags {
 
 std::u16string_view FitName(std::u16string_view name) {
@@ -16,10 +14,9 @@ std::u16string_view FitName(std::u16string_view name) {
   return name.substr(0, isFirstHalf ? kMaxLength - 1 : kMaxLength);
 }
 
+// A name ends at its first zero.
 void ContactRecord::SetName(std::u16string_view text) {
-  name.fill(u'\0');
-  const std::u16string_view fitting = FitName(text);
-  std::copy(fitting.begin(), fitting.end(), name.begin());
+  name = FitName(text.substr(0, text.find(u'\0')));
 }
 
 }  // namespace tags

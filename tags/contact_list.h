@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -10,25 +11,25 @@
 
 namespace tags {
 
-/// Room for a contact's name, its terminating zero included.
+/// Room for a contact's name, with a terminating zero.
 inline constexpr std::size_t kNameCapacity = 128;
 
 /// Returns as much of `name` as that room holds. No character is cut in half.
 [[nodiscard]] std::u16string_view FitName(std::u16string_view name);
 
-/// One contact that has a usable number.
+/// One contact that has a usable number. There may be a hundred thousand.
 struct ContactRecord {
-  static constexpr std::int32_t kNoPhoneKind = -1;
+  static constexpr std::int8_t kNoPhoneKind = -1;
 
-  std::array<char16_t, kNameCapacity> name{};  ///< Zero-terminated; as the contact combo shows it.
+  std::u16string name;  ///< As the contact combo shows it.
   std::int32_t oid = 0;
   /// Codes of the numbers found, in reading order, packed from the front.
-  std::array<std::int32_t, kReadingOrder.size()> phoneKinds;
+  std::array<std::int8_t, kReadingOrder.size()> phoneKinds;
 
   ContactRecord() { phoneKinds.fill(kNoPhoneKind); }
 
   void SetName(std::u16string_view text);
-  [[nodiscard]] std::u16string_view GetName() const { return name.data(); }
+  [[nodiscard]] std::u16string_view GetName() const { return name; }
   [[nodiscard]] bool HasNumber() const { return phoneKinds.front() != kNoPhoneKind; }
 };
 

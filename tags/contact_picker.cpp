@@ -117,7 +117,7 @@ ContactPicker::Loaded ContactPicker::LoadNumbers(DialogWindow& window, platform:
     if (number->size() > kNumberCapacity) {
       m_report({ContactFailure::kNumberTooLong});
     } else if (!number->empty() && number->size() < kNumberCapacity) {
-      record.phoneKinds[accepted] = static_cast<std::int32_t>(kind);
+      record.phoneKinds[accepted] = static_cast<std::int8_t>(kind);
       ++accepted;
       if (m_contacts.GetCount() == 0) {
         window.AddItem(kNumberComboId, ToComboItem(*number, kind));

@@ -4,7 +4,7 @@
 
 #include <CLI/CLI.hpp>
 #include <string>
-#include <vector>
+#include <utility>
 
 #include "backends/text/utf.h"
 #include "host/cli/output.h"
@@ -31,12 +31,10 @@ Json ToJson(const session::ListedContact& contact) {
           {"numbers", std::move(numbers)}};
 }
 
-void Print(const std::vector<session::ListedContact>& contacts) {
-  for (const session::ListedContact& contact : contacts) {
-    PrintLine(fmt::format("{:4}  {}", contact.index, text::ToUtf8(contact.name)));
-    for (const std::u16string& number : contact.numbers) {
-      PrintLine("        " + text::ToUtf8(number));
-    }
+void Print(const session::ListedContact& contact) {
+  PrintLine(fmt::format("{:4}  {}", contact.index, text::ToUtf8(contact.name)));
+  for (const std::u16string& number : contact.numbers) {
+    PrintLine("        " + text::ToUtf8(number));
   }
 }
 
@@ -63,21 +61,23 @@ void ShowContacts(Session& session) {
   }
   // This names keys among the tags that no path can name. The tags are not needed here.
   static_cast<void>(session::ListTagNames(session));
-  const auto contacts = session::ListContacts(session, texts);
-  if (!contacts) {
-    session.Fail("the contacts cannot be listed");
-    return;
-  }
-  if (session.GetOptions().json) {
-    Json list = Json::array();
-    for (const session::ListedContact& contact : *contacts) {
+  const bool isJson = session.GetOptions().json;
+  Json list = Json::array();
+  bool isEmpty = true;
+  const auto listed = session::ListContacts(session, texts, [&](const auto& contact) {
+    isEmpty = false;
+    if (isJson) {
       list.push_back(ToJson(contact));
+    } else {
+      Print(contact);
     }
-    session.SetJson(list);
-  } else if (contacts->empty()) {
+  });
+  if (!listed) {
+    session.Fail("the contacts cannot be listed");
+  } else if (isJson) {
+    session.SetJson(std::move(list));
+  } else if (isEmpty) {
     PrintLine("No contact has a telephone number.");
-  } else {
-    Print(*contacts);
   }
 }
 

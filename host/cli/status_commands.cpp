@@ -33,11 +33,13 @@ FoundContacts FindContacts(Session& session) {
         0, session::ExplainContactsProblem(session), {}, session::ExplainContactsReason(session)};
   }
   // In English, as all of the command line is.
-  const auto contacts = session::ListContacts(session, language::Texts(nullptr));
-  if (!contacts) {
+  std::size_t count = 0;
+  const auto listed = session::ListContacts(session, language::Texts(nullptr),
+                                            [&count](const auto& /*contact*/) { ++count; });
+  if (!listed) {
     return {0, "the contacts cannot be listed"};
   }
-  return {contacts->size(), contacts->empty() ? "no contact has a telephone number" : "",
+  return {count, count == 0 ? "no contact has a telephone number" : "",
           session::DescribeContactRemarks(session)};
 }
 

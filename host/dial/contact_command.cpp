@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "backends/text/names.h"
@@ -67,8 +68,11 @@ std::optional<std::u16string> ChooseKind(cli::Session& session, const ListedCont
 }
 
 std::optional<std::vector<ListedContact>> ReadContacts(cli::Session& session) {
-  const auto contacts = session::ListContacts(session, session::LoadTexts(session));
-  if (!contacts) {
+  std::vector<ListedContact> contacts;
+  const auto listed =
+      session::ListContacts(session, session::LoadTexts(session),
+                            [&](ListedContact contact) { contacts.push_back(std::move(contact)); });
+  if (!listed) {
     session.Fail("the contacts cannot be listed");
     return std::nullopt;
   }
@@ -76,7 +80,7 @@ std::optional<std::vector<ListedContact>> ReadContacts(cli::Session& session) {
     session.Fail(session::ExplainContactsProblem(session));
     return std::nullopt;
   }
-  return *contacts;
+  return contacts;
 }
 
 }  // namespace

@@ -32,8 +32,9 @@ void Read(session::Session& session, AddressBook& book) {
   book.reason = contacts.GetReason();
   book.remarks = session::DescribeContactRemarks(session);
   if (book.isRead) {
-    const auto people = session::ListContacts(session, language::Texts());
-    book.people = people ? people->size() : 0;
+    const auto listed = session::ListContacts(session, language::Texts(),
+                                              [&book](const auto& /*contact*/) { ++book.people; });
+    book.people = listed ? book.people : 0;
     contacts.Logoff();
   }
 }

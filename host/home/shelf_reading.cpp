@@ -49,21 +49,20 @@ void ReadWho(platform::Contact& contact, Person& person) {
 }
 
 void ReadPeople(session::Session& session, Gathering& gathering, Shelf& shelf) {
-  const auto listed = session::ListContacts(session, session::LoadTexts(session));
+  const auto listed = session::ListContacts(
+      session, session::LoadTexts(session), [&](const session::ListedContact& contact) {
+        Person person{contact.oid, ToShown(contact.name), {}, {}};
+        if (const auto found = session.GetContacts().GetItemFromOid(person.oid)) {
+          ReadWho(**found, person);
+        }
+        for (const std::u16string& item : contact.numbers) {
+          person.numbers.push_back(ToNumber(item));
+        }
+        shelf.people.push_back(std::move(person));
+      });
   if (!listed) {
     shelf.peopleProblem = gathering.GetText();
     return;
-  }
-  shelf.people.reserve(listed->size());
-  for (const session::ListedContact& contact : *listed) {
-    Person person{contact.oid, ToShown(contact.name), {}, {}};
-    if (const auto found = session.GetContacts().GetItemFromOid(person.oid)) {
-      ReadWho(**found, person);
-    }
-    for (const std::u16string& item : contact.numbers) {
-      person.numbers.push_back(ToNumber(item));
-    }
-    shelf.people.push_back(std::move(person));
   }
   if (shelf.people.empty()) {
     shelf.peopleProblem = resources::Say(resources::kNoContactHasNumber);

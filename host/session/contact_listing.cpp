@@ -27,8 +27,9 @@ std::string ExplainStoreProblem(Session& session) {
 
 // The numbers come from the page's own boxes, in a window that nobody sees. So they are in the same
 // order as on the page.
-platform::Result<std::vector<ListedContact>, tags::ContactMessage> ListContacts(
-    Session& session, const language::Texts& texts) {
+platform::Result<void, tags::ContactMessage> ListContacts(
+    Session& session, const language::Texts& texts,
+    const std::function<void(ListedContact contact)>& each) {
   platform::Ui& ui = session.GetPlatform().ui;
   const auto report = [&](const tags::ContactMessage& message) {
     ui.ShowMessage(tags::ToBox(message, texts));
@@ -41,14 +42,12 @@ platform::Result<std::vector<ListedContact>, tags::ContactMessage> ListContacts(
     report(loaded.error());
     return platform::Failure(loaded.error());
   }
-  std::vector<ListedContact> listed;
   for (std::int32_t i = 0; i < picker.GetContacts().GetCount(); ++i) {
     const tags::ContactRecord& record = *picker.GetContacts().Find(i);
     picker.ListNumbers(boxes, i);
-    listed.push_back({i + 1, record.oid, std::u16string(record.GetName()),
-                      boxes.GetItems(resources::kNumberComboId)});
+    each({i + 1, record.oid, record.name, boxes.GetItems(resources::kNumberComboId)});
   }
-  return listed;
+  return {};
 }
 
 std::vector<std::string> DescribeContactRemarks(Session& session) {

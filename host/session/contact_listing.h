@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -19,10 +20,12 @@ struct ListedContact {
   std::vector<std::u16string> numbers;  ///< In the order of the number combo box.
 };
 
-/// Returns every contact that the page offers. The contacts are open. If something hinders that, it
-/// is shown in the words of `texts`. Fails if the page would not open.
-[[nodiscard]] platform::Result<std::vector<ListedContact>, tags::ContactMessage> ListContacts(
-    Session& session, const language::Texts& texts);
+/// Calls `each` with every contact that the page offers, one after the other: all of a hundred
+/// thousand together would take as much memory as the address book. The contacts are open. If
+/// something hinders that, it is shown in the words of `texts`. Fails if the page would not open.
+[[nodiscard]] platform::Result<void, tags::ContactMessage> ListContacts(
+    Session& session, const language::Texts& texts,
+    const std::function<void(ListedContact contact)>& each);
 
 /// Returns what the latest log-on to the contacts passed over, each as "FILE:LINE: sentence".
 [[nodiscard]] std::vector<std::string> DescribeContactRemarks(Session& session);
