@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <iterator>
 
 // This is not left to a library, since libraries put one replacement character in the place of a
 // whole broken sequence. Names of files need each byte of it kept.
@@ -91,6 +90,31 @@ std::size_t CountAscii(std::string_view bytes) {
   return count;
 }
 
+std::size_t CountAscii(std::u16string_view text) {
+  constexpr std::uint64_t kHighBits = 0xFF80FF80FF80FF80;
+  constexpr std::size_t kUnits = sizeof kHighBits / sizeof(char16_t);
+  std::size_t count = 0;
+  for (std::uint64_t word = 0; text.size() - count >= kUnits; count += kUnits) {
+    std::memcpy(&word, text.data() + count, sizeof word);
+    if ((word & kHighBits) != 0) {
+      break;
+    }
+  }
+  while (count < text.size() && text[count] < 0x80) {
+    ++count;
+  }
+  return count;
+}
+
+/// Appends units of one width, all of them ASCII, to a text of the other.
+template <typename To, typename From>
+void AppendAscii(To& to, From from) {
+  const std::size_t before = to.size();
+  to.resize(before + from.size());
+  std::transform(from.begin(), from.end(), to.begin() + static_cast<std::ptrdiff_t>(before),
+                 [](auto unit) { return static_cast<typename To::value_type>(unit); });
+}
+
 /// `strayByte` gives the character that stands for a byte which is no part of well-formed UTF-8.
 template <typename StrayByte>
 std::u16string Convert(std::string_view utf8, StrayByte strayByte) {
@@ -98,7 +122,7 @@ std::u16string Convert(std::string_view utf8, StrayByte strayByte) {
   text.reserve(utf8.size());
   while (true) {
     const std::size_t ascii = CountAscii(utf8);
-    text.append(utf8.begin(), utf8.begin() + static_cast<std::ptrdiff_t>(ascii));
+    AppendAscii(text, utf8.substr(0, ascii));
     utf8.remove_prefix(ascii);
     if (utf8.empty()) {
       return text;
@@ -144,11 +168,9 @@ std::string ToUtf8(std::u16string_view text) {
   std::string utf8;
   utf8.reserve(text.size());
   for (std::size_t at = 0; at < text.size();) {
-    const auto rest = text.begin() + static_cast<std::ptrdiff_t>(at);
-    const auto ascii = std::find_if(rest, text.end(), [](char16_t unit) { return unit >= 0x80; });
-    std::transform(rest, ascii, std::back_inserter(utf8),
-                   [](char16_t unit) { return static_cast<char>(unit); });
-    at = static_cast<std::size_t>(ascii - text.begin());
+    const std::size_t ascii = CountAscii(text.substr(at));
+    AppendAscii(utf8, text.substr(at, ascii));
+    at += ascii;
     if (at < text.size()) {
       const char32_t character = NextCharacter(text, at);
       Append(utf8, IsSurrogate(character) ? kReplacement : character);
@@ -160,6 +182,8 @@ std::string ToUtf8(std::u16string_view text) {
 std::u16string FromUtf8(std::string_view utf8) {
   return Convert(utf8, [](std::uint8_t) { return kReplacement; });
 }
+
+bool IsAscii(std::string_view bytes) { return CountAscii(bytes) == bytes.size(); }
 
 bool IsUtf8(std::string_view bytes) {
   while (true) {

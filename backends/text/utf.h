@@ -13,6 +13,7 @@ namespace text {
 [[nodiscard]] std::u16string FromUtf8(std::string_view utf8);
 
 [[nodiscard]] bool IsUtf8(std::string_view bytes);
+[[nodiscard]] bool IsAscii(std::string_view bytes);
 
 /// Returns the text of a name in the host's file system, which may hold any bytes. A byte that is
 /// not part of well-formed UTF-8 becomes the lone surrogate U+DC00 + byte, so that ToHostName gives

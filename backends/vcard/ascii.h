@@ -34,13 +34,16 @@ namespace vcard {
 
 [[nodiscard]] constexpr bool IsControl(char c) { return (c >= '\0' && c < ' ') || c == '\x7F'; }
 
+[[nodiscard]] constexpr bool IsBlank(char c) { return c == ' ' || c == '\t'; }
+
 [[nodiscard]] constexpr std::string_view Trim(std::string_view text) {
-  constexpr std::string_view kBlanks = " \t";
-  const std::size_t first = text.find_first_not_of(kBlanks);
-  if (first == std::string_view::npos) {
-    return {};
+  while (!text.empty() && IsBlank(text.front())) {
+    text.remove_prefix(1);
   }
-  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+  while (!text.empty() && IsBlank(text.back())) {
+    text.remove_suffix(1);
+  }
+  return text;
 }
 
 }  // namespace vcard

@@ -19,6 +19,8 @@
 namespace vcard {
 namespace {
 
+using std::string_view_literals::operator""sv;
+
 /// Returns a text as it is shown: without blanks at its ends, and on one line.
 std::u16string ToShownText(std::string_view value) {
   std::u16string shown = text::FromUtf8(value);
@@ -118,7 +120,9 @@ std::u16string NumberOf(const ContentLine& line, Rules rules) {
   return hasOtherScheme ? std::u16string() : ToShownNumber(trimmed, rules);
 }
 
-bool IsTelephone(const ContentLine& line) { return line.name == "TEL" || line.name == "X-MS-TEL"; }
+bool IsTelephone(const ContentLine& line) {
+  return line.name == "TEL"sv || line.name == "X-MS-TEL"sv;
+}
 
 /// Returns the first value of a line of that name that is not empty.
 std::u16string FirstOf(const Card& card, std::string_view name) {
@@ -157,7 +161,8 @@ void TakeNames(const Card& card, Rules rules, ContactData& contact) {
                         [name](const ContentLine& line) { return line.name == name; });
   };
   if (const auto name = first("N"); name != card.end()) {
-    const auto& components = rules == Rules::kNow ? name->spacedComponents : name->components;
+    const bool isSpaced = rules == Rules::kNow && !name->spacedComponents.empty();
+    const auto& components = isSpaced ? name->spacedComponents : name->components;
     contact.lastName = Component(components, 0);
     contact.firstName = Component(components, 1);
     contact.middleName = rules == Rules::kNow ? Component(components, 2) : FormerMiddleName(*name);
@@ -182,21 +187,25 @@ void TakeNames(const Card& card, Rules rules, ContactData& contact) {
 void TakeNumbers(const Card& card, Rules rules, ContactData& contact) {
   std::map<std::string, std::string> labels;  // By group.
   for (const ContentLine& line : card) {
-    if (line.name == "X-ABLABEL" && !line.group.empty()) {
+    if (line.name == "X-ABLABEL"sv && !line.group.empty()) {
       labels[line.group] = WholeValue(line);
     }
   }
   const auto append = rules == Rules::kNow ? AppendLabel : AppendWords;
   std::vector<TelephoneLine> telephones;
   std::vector<std::size_t> lines;
+  telephones.reserve(card.size());
+  lines.reserve(card.size());
   for (const ContentLine& line : card) {
     std::u16string number = IsTelephone(line) ? NumberOf(line, rules) : std::u16string();
     if (number.empty()) {
       continue;
     }
-    telephones.push_back({std::move(number), line.words, line.name != "TEL", line.preference});
+    telephones.push_back({std::move(number), line.words, line.name != "TEL"sv, line.preference});
     lines.push_back(line.number);
-    append(line.label, telephones.back().words);
+    if (!line.label.empty()) {
+      append(line.label, telephones.back().words);
+    }
     const auto label = labels.find(line.group);
     if (label != labels.end()) {
       append(label->second, telephones.back().words);
@@ -240,10 +249,10 @@ bool MayReadOtherwise(const Card& card) {
   for (const ContentLine& line : card) {
     const bool isOdd = IsTelephone(line) && (line.preference > 0 || !line.label.empty() ||
                                              line.components.size() > 1 || Holds(line, ';'));
-    if (isOdd || !line.formerComponents.empty() || line.name == "X-ABLABEL") {
+    if (isOdd || !line.formerComponents.empty() || line.name == "X-ABLABEL"sv) {
       return true;
     }
-    name = name == nullptr && line.name == "N" ? &line : name;
+    name = name == nullptr && line.name == "N"sv ? &line : name;
     mobiles += std::ranges::find(line.words, "CELL") != line.words.end() ? 1U : 0U;
   }
   return mobiles > 1 || name == nullptr || Holds(*name, ',') ||
@@ -263,7 +272,7 @@ bool SaysTheSame(const ContactData& a, const ContactData& b) {
 ContactData ToContactData(const Card& card) {
   ContactData contact;
   for (const ContentLine& line : card) {
-    if (line.name == "UID" && contact.uid.empty()) {
+    if (line.name == "UID"sv && contact.uid.empty()) {
       contact.uid = ToUid(WholeValue(line));
     }
   }

@@ -78,7 +78,9 @@ std::string ContentOf(const ContactData& contact) {
   content.reserve(kUsualLength);
   const auto add = [&content](const std::u16string& part) {
     content += '\n';
-    content += text::ToUtf8(part);
+    if (!part.empty()) {
+      content += text::ToUtf8(part);
+    }
   };
   add(contact.lastName);
   add(contact.firstName);

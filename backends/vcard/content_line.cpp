@@ -6,6 +6,7 @@
 #include <optional>
 #include <utility>
 
+#include "backends/text/utf.h"
 #include "backends/vcard/ascii.h"
 #include "backends/vcard/charset.h"
 #include "backends/vcard/telephone_kinds.h"
@@ -54,6 +55,7 @@ std::optional<char> Unescape(char next) {
   return kThemselves.find(next) != std::string_view::npos ? std::optional(next) : std::nullopt;
 }
 
+constexpr std::string_view kName = "N";
 constexpr std::size_t kNone = std::string_view::npos;
 constexpr std::string_view kCustomPrefix = "X-CUSTOM(";
 
@@ -67,6 +69,12 @@ struct Encoding {
 /// Returns the position of the first `wanted` outside quotes, and outside parentheses if those
 /// count.
 std::size_t FindOutside(std::string_view text, char wanted, bool parenthesesCount) {
+  const std::size_t first = text.find(wanted);
+  const std::string_view before = text.substr(0, first);
+  if (first == kNone ||
+      (before.find('"') == kNone && (!parenthesesCount || before.find('(') == kNone))) {
+    return first;  // Nothing encloses it.
+  }
   bool isQuoted = false;
   int depth = 0;
   for (std::size_t i = 0; i < text.size(); ++i) {
@@ -168,21 +176,16 @@ std::vector<std::string> ReadComponents(std::string_view value, bool isQuotedPri
   return components;
 }
 
-bool IsAscii(std::string_view text) {
-  return std::all_of(text.begin(), text.end(),
-                     [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-}
-
 /// Returns whether former versions may have read the value otherwise.
 bool MayReadOtherwise(std::string_view value, const Encoding& encoding) {
   return encoding.isBase64 || encoding.isQuotedPrintable || IsStateful(encoding.charset) ||
-         !IsAscii(value);
+         !text::IsAscii(value);
 }
 
 /// Returns whether the value stands there as it is meant, but for its backslashes. Most do.
 bool IsPlain(std::string_view value, const Encoding& encoding) {
   return encoding.charset.empty() && !encoding.isBase64 && !encoding.isQuotedPrintable &&
-         IsAscii(value);
+         text::IsAscii(value);
 }
 
 std::vector<std::string> ReadValue(std::string_view value, const Encoding& encoding,
@@ -248,6 +251,14 @@ std::vector<std::string> SplitValue(std::string_view value, Commas commas) {
   };
   std::vector<std::string> components;
   components.reserve(1 + static_cast<std::size_t>(std::count(value.begin(), value.end(), ';')));
+  if (std::all_of(value.begin(), value.end(), [&](char c) { return c == ';' || isPlain(c); })) {
+    for (std::size_t end = value.find(';'); end != kNone; end = value.find(';')) {
+      components.emplace_back(value.substr(0, end));
+      value.remove_prefix(end + 1);
+    }
+    components.emplace_back(value);
+    return components;
+  }
   components.emplace_back();
   for (std::size_t i = 0; i < value.size(); ++i) {
     const std::size_t first = i;
@@ -296,21 +307,23 @@ std::optional<ContentLine> ParseContentLine(std::string_view line) {
   }
   std::string_view head = line.substr(0, colon);
   head.remove_prefix(std::min(head.find(';'), head.size()));
-  std::string parameters(head);
-  if (isQuoteOpen) {
-    std::erase(parameters, '"');
-  }
   const Property property = PropertyOf(line);
   ContentLine parsed;
   parsed.group = ToUpper(property.group);
   parsed.name = ToUpper(property.name);
   Encoding encoding;
-  if (!parameters.empty()) {
+  if (isQuoteOpen || !text::IsAscii(head)) {
+    std::string parameters(head);
+    if (isQuoteOpen) {
+      std::erase(parameters, '"');
+    }
     TakeParameters(GuessUtf8(parameters), parsed, encoding);
+  } else {
+    TakeParameters(head, parsed, encoding);
   }
   const std::string_view value = line.substr(colon + 1);
   parsed.components = ReadValue(value, encoding, Commas::kKept);
-  if (parsed.name == "N") {
+  if (parsed.name == kName && (value.find(',') != kNone || !IsPlain(value, encoding))) {
     parsed.spacedComponents = ReadValue(value, encoding, Commas::kBlanks);
   }
   if (MayReadOtherwise(value, encoding)) {

@@ -54,7 +54,8 @@ struct ContentLine {
   /// The value cut at its semicolons, without escapes and encodings, in UTF-8 unless its bytes are
   /// of no known character set. Never empty.
   std::vector<std::string> components;
-  /// Of a name alone: the same, with a blank for each comma between two names.
+  /// Of a name alone: the same, with a blank for each comma between two names. Empty if no comma is
+  /// among them.
   std::vector<std::string> spacedComponents;
   /// The components as former versions read them, which knew neither base64 nor ISO-2022-JP. Empty
   /// if they read the same.

@@ -39,7 +39,9 @@ constexpr bool IsWordCharacter(char c) {
 }
 
 bool Has(const Words& words, std::string_view word) {
-  return std::find(words.begin(), words.end(), word) != words.end();
+  return std::any_of(words.begin(), words.end(), [word](const std::string& each) {
+    return each.size() == word.size() && each.front() == word.front() && each == word;
+  });
 }
 
 bool HasAny(const Words& words, std::span<const std::string_view> wanted) {

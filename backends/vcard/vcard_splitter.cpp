@@ -13,6 +13,8 @@
 namespace vcard {
 namespace {
 
+using std::string_view_literals::operator""sv;
+
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 static_assert(LogicalLines::kMaxLength == 8192 && VcardSplitter::kMaxLines == 200 &&
                   VcardSplitter::kMaxSeparators == 64,
@@ -43,7 +45,7 @@ bool IsName(const ContentLine& line) {
   const auto shows = [](const std::string& text) {
     return std::ranges::any_of(text, [](char c) { return static_cast<unsigned char>(c) > ' '; });
   };
-  return line.name == "N" && line.formerComponents.empty() &&
+  return line.name == "N"sv && line.formerComponents.empty() &&
          (shows(line.components[0]) || (line.components.size() > 1 && shows(line.components[1])));
 }
 
@@ -51,9 +53,11 @@ bool IsAgentAnnounced(std::string_view line, std::string_view name) {
   return EqualIgnoringCase(name, "AGENT") && Trim(line.substr(line.find(':') + 1)).empty();
 }
 
-std::size_t CountSeparators(std::string_view line) {
-  return static_cast<std::size_t>(
-      std::count_if(line.begin(), line.end(), [](char c) { return c == ',' || c == ';'; }));
+bool HasManySeparators(std::string_view line) {
+  // A short line has no room for many.
+  return line.size() > VcardSplitter::kMaxSeparators &&
+         std::count_if(line.begin(), line.end(), [](char c) { return c == ',' || c == ';'; }) >
+             static_cast<std::ptrdiff_t>(VcardSplitter::kMaxSeparators);
 }
 
 }  // namespace
@@ -206,7 +210,7 @@ void VcardSplitter::OnLineOfCard(const LogicalLines::Line& line, std::string_vie
     Damage(line.number, resources::kCardIsLong);
   } else if (line.text.find('\0') != std::string_view::npos) {
     Damage(line.number, resources::kLineHasZero);
-  } else if (CountSeparators(line.text) > kMaxSeparators) {
+  } else if (HasManySeparators(line.text)) {
     Damage(line.number, resources::kLineHasManyParts);
   } else if (m_isNamed && IsSubstitute(name) && line.text.find(':') != std::string_view::npos) {
     ++m_linesOfCard;
@@ -214,7 +218,7 @@ void VcardSplitter::OnLineOfCard(const LogicalLines::Line& line, std::string_vie
     ++m_linesOfCard;
     parsed->number = line.number;
     m_isNamed = m_isNamed || (!m_hasName && IsName(*parsed));
-    m_hasName = m_hasName || parsed->name == "N";
+    m_hasName = m_hasName || parsed->name == "N"sv;
     m_card.push_back(std::move(*parsed));
   } else {
     Damage(line.number, resources::kLineWithoutColon);

@@ -99,4 +99,5 @@ def main():
             sys.exit("a list is of contacts that have changed")
 
 
-main()
+if __name__ == "__main__":
+    main()

@@ -16,6 +16,18 @@ const std::u16string kTwo(2, char16_t{0xFFFD});
 const std::u16string kThree(3, char16_t{0xFFFD});
 const std::u16string kFour(4, char16_t{0xFFFD});
 
+TEST(Utf, ACharacterBeyondAsciiIsFoundAtAnyPlaceOfAText) {
+  for (std::size_t at = 0; at < 20; ++at) {
+    std::u16string text(20, u'a');
+    text[at] = u'\u00E4';
+    const std::string utf8 = text::ToUtf8(text);
+    EXPECT_EQ(utf8, std::string(at, 'a') + "\xC3\xA4" + std::string(19 - at, 'a'));
+    EXPECT_EQ(text::FromUtf8(utf8), text);
+    EXPECT_FALSE(text::IsAscii(utf8));
+    EXPECT_TRUE(text::IsAscii(utf8.substr(0, at)));
+  }
+}
+
 TEST(Utf, EveryCharacterComesBack) {
   for (char32_t character = 0; character <= 0x10FFFF; ++character) {
     if (character >= 0xD800 && character <= 0xDFFF) {
