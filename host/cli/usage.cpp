@@ -287,6 +287,7 @@ void PrepareUsage(CLI::App& app, Options& options) {
   app.formatter(std::make_shared<HelpFormatter>());
   app.require_subcommand(0, 1);  // Without one the window opens if there is a display.
   app.fallthrough();
+  app.allow_windows_style_options(false);  // "/home/ann.wav" is a file on every system.
   app.set_version_flag("--version", app.get_name() + " " VOXTREL_VERSION);
   app.add_option("--root", options.machine.root,
                  "Folder of the voice tags and settings (default: voxtrel in the XDG data folder)")

@@ -138,6 +138,11 @@ class CommandLine(unittest.TestCase):
         self.both("tags", "--help")
         self.both("--version")
 
+    def test_a_path_that_begins_with_a_slash_is_a_file_and_no_option(self):
+        for machine in (self.linux, self.windows):
+            code, out, err = machine.run("wave", "check", str(machine.folder / "anna_1.wav"))
+            self.assertEqual((code, err), (0, b""), (machine.name, out))
+
     def test_languages_are_the_same(self):
         self.both("language", "template", "own.lng")
         self.both("language", "check", "own.lng")

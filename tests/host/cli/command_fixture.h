@@ -4,10 +4,12 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
+#include "tests/host/cli/store.h"
 #include "tests/support/run_program.h"
 #include "tests/support/temp_folder.h"
 
@@ -74,6 +76,11 @@ class CommandFixture : public testing::Test {
             std::string("ASAN_OPTIONS=detect_leaks=") + (m_looksForLeaks ? "1" : "0")};
   }
   void LookForLeaks() { m_looksForLeaks = true; }
+
+  /// The settings, as another program reaches them.
+  [[nodiscard]] std::unique_ptr<platform::Registry> Registry() const {
+    return OpenStore(Path("root"));
+  }
 
   [[nodiscard]] std::string Path(const std::string& name) const {
     return (std::filesystem::path(m_folder.Path()) / name).string();

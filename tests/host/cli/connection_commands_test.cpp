@@ -15,7 +15,8 @@ class ConnectionCommands : public CommandFixture {
  protected:
   /// What the dialer would read, "" if there is nothing.
   [[nodiscard]] std::vector<std::byte> Stored(std::u16string_view name) const {
-    sqlite::SqliteRegistry registry(Path("root") + "/" + std::string(sqlite::kDatabaseName));
+    const auto store = Registry();
+    platform::Registry& registry = *store;
     return support::BytesOf(registry, storage::kDialerKey, name);
   }
   /// Runs the program while no file may grow beyond that many halves of a KiB.

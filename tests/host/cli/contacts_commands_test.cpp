@@ -5,7 +5,6 @@
 #include <string>
 #include <vector>
 
-#include "backends/sqlite/sqlite_registry.h"
 #include "tests/host/cli/command_fixture.h"
 #include "tests/support/briefly.h"
 #include "tests/support/registry_access.h"
@@ -47,7 +46,8 @@ class ContactsCommands : public CommandFixture {
   }
 
   void WriteTag(std::int32_t oid) const {
-    sqlite::SqliteRegistry registry(std::filesystem::path(Path("root")) / sqlite::kDatabaseName);
+    const auto store = Registry();
+    platform::Registry& registry = *store;
     const std::string digits = std::to_string(oid);
     ASSERT_EQ(support::ErrorOf(support::PutText(registry, u"Software\\Zedra\\Zedra Voxtrel\\100",
                                                 u"contact",
@@ -113,7 +113,8 @@ TEST_F(ContactsCommands, AnotherProgramsValueInTheMapOfContactsIsNamedAndStopsNo
   Put("root/contacts.vcf", kCards);
   const json list = List();
   {
-    sqlite::SqliteRegistry registry(std::filesystem::path(Path("root")) / sqlite::kDatabaseName);
+    const auto store = Registry();
+    platform::Registry& registry = *store;
     constexpr std::u16string_view kBook = u"Software\\Zedra\\Voxtrel Contacts\\1";
     ASSERT_EQ(
         support::ErrorOf(support::PutText(registry, kBook, u"source", u"vcard:\\contacts.vcf")),

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "backends/sqlite/sqlite_registry.h"
 #include "tests/backends/sqlite/raw_database.h"
 #include "tests/host/cli/tags_fixture.h"
 

@@ -1,6 +1,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "backends/sqlite/sqlite_registry.h"
 #include "tests/host/cli/tags_fixture.h"
 #include "tests/support/briefly.h"
 

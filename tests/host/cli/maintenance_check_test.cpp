@@ -3,6 +3,7 @@
 
 #include "backends/posix/posix_file_system.h"
 #include "backends/posix/posix_threads.h"
+#include "backends/sqlite/sqlite_registry.h"
 #include "storage/device_paths.h"
 #include "tests/backends/sqlite/raw_database.h"
 #include "tests/host/cli/maintenance_fixture.h"

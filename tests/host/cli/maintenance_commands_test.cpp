@@ -146,7 +146,8 @@ TEST_F(MaintenanceCommands, ForceComputesThemWhateverTheVersionSays) {
   EXPECT_EQ(run.exitCode, 0) << run.err;
   EXPECT_THAT(run.out, HasSubstr("computed again"));
   EXPECT_TRUE(GetFiles() == expected);
-  auto registry = Registry();
+  const auto store = Registry();
+  platform::Registry& registry = *store;
   EXPECT_EQ(support::BytesOf(registry, storage::kSetupKey, u"Version_Math").size(), 8U);
 }
 
@@ -154,7 +155,8 @@ TEST_F(MaintenanceCommands, ForceIsDoneOnceIfTheVersionHasChangedAsWell) {
   PutThreeTags();
   PutVersion(u"2");
   EXPECT_EQ(RunJson({"reinit", "--force"}, 0)["ran"], true);
-  auto registry = Registry();
+  const auto store = Registry();
+  platform::Registry& registry = *store;
   EXPECT_EQ(support::BytesOf(registry, storage::kSetupKey, u"Version_Math").size(), 32U);
 }
 
@@ -246,7 +248,8 @@ TEST_F(MaintenanceCommands, ReinitWithContactsAwayLeavesTheVersionAlone) {
   const json result = RunJson({"reinit", "--force"}, 1);
   EXPECT_EQ(result["ran"], false);
   EXPECT_THAT(result["problem"], HasSubstr("address book is missing"));
-  auto registry = Registry();
+  const auto store = Registry();
+  platform::Registry& registry = *store;
   EXPECT_EQ(support::BytesOf(registry, storage::kSetupKey, u"Version_Math"),
             support::Utf16Bytes(std::u16string(u"2") + u'\0'));
 }

@@ -21,10 +21,6 @@ const std::u16string kHeader = u"\xFEFFWindows Registry Editor Version 5.00\r\n"
 
 class RegistryCommands : public CommandFixture {
  protected:
-  [[nodiscard]] sqlite::SqliteRegistry Registry() const {
-    return sqlite::SqliteRegistry(Path("root") + "/" + std::string(sqlite::kDatabaseName));
-  }
-
   /// Writes a registry file; its path.
   [[nodiscard]] std::string Put(const std::string& name, std::u16string_view text) const {
     const auto bytes = storage::ToUtf16Bytes(text);
@@ -62,7 +58,8 @@ TEST_F(RegistryCommands, WhatWasImportedIsInTheStore) {
   const auto run = Run({"registry", "import", file});
   EXPECT_EQ(run.exitCode, 0) << run.err;
   EXPECT_THAT(run.out + run.err, IsEmpty());
-  auto registry = Registry();
+  const auto store = Registry();
+  platform::Registry& registry = *store;
   EXPECT_EQ(BytesOf(registry, u"Software\\Zedra\\Zedra Voxtrel\\7", u"contact"), Utf16Bytes(u"-1"));
 }
 
@@ -97,7 +94,8 @@ TEST_F(RegistryCommands, AMistakeIsReportedWithItsLineAndChangesNothing) {
   const auto run = Run({"registry", "import", file});
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_THAT(run.err, HasSubstr(file + ":4: this is neither"));
-  auto registry = Registry();
+  const auto store = Registry();
+  platform::Registry& registry = *store;
   EXPECT_FALSE(KeyExists(registry, u"a"));
 }
 
@@ -183,7 +181,8 @@ TEST_F(RegistryCommands, KeysOfOtherHivesAreCountedAndTheRestIsMade) {
             (nlohmann::json{{"result", 0}, {"passedOver", 2}}));
   EXPECT_EQ(Run({"registry", "import", second}).out,
             "Passed over 2 keys that are not below HKEY_LOCAL_MACHINE\n");
-  auto registry = Registry();
+  const auto store = Registry();
+  platform::Registry& registry = *store;
   EXPECT_TRUE(support::KeyExists(registry, u"b"));
   EXPECT_FALSE(support::KeyExists(registry, u"a"));
 }

@@ -2,7 +2,7 @@
 #include <fstream>
 #include <vector>
 
-#include "backends/posix/posix_threads.h"
+#include "host/machine/system.h"
 #include "tests/host/cli/tags_fixture.h"
 
 namespace {
@@ -120,8 +120,8 @@ TEST_F(TagsCommands, AnUnknownTagIsNotPlayedNorDeleted) {
 TEST_F(TagsCommands, WhileAWindowHasTheTagsCommandsOnlyReadThem) {
   PutThreeTags();
   {
-    posix::PosixThreads window(Path("root"));
-    const platform::CreatedMutex held = window.CreateNamedMutex(u"ZedraD");
+    const auto window = machine::MakeThreads(Path("root"));
+    const platform::CreatedMutex held = window->CreateNamedMutex(u"ZedraD");
     ASSERT_TRUE(held);
     for (const std::vector<std::string>& command :
          std::vector<std::vector<std::string>>{{"tags", "learn", "--contact", "Ann", "--json"},

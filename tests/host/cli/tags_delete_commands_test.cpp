@@ -93,7 +93,8 @@ TEST_F(TagsDeleteCommands, DeleteAllEmptiesListAndFolders) {
   EXPECT_EQ(RunJson({"--yes", "tags", "delete-all"}, 0), (json{{"result", 0}}));
   EXPECT_TRUE(fs::is_empty(Folder("Voxtrel_wav")));
   EXPECT_TRUE(fs::is_empty(Folder("Voxtrel_stor")));
-  auto registry = Registry();
+  const auto store = Registry();
+  platform::Registry& registry = *store;
   EXPECT_FALSE(support::KeyExists(registry, storage::kTagKey));
   EXPECT_THAT(GetNames(), testing::IsEmpty());
 }

@@ -8,7 +8,6 @@
 #include <string_view>
 #include <vector>
 
-#include "backends/sqlite/sqlite_registry.h"
 #include "storage/registry_keys.h"
 #include "tests/host/cli/command_fixture.h"
 #include "tests/support/registry_access.h"
@@ -44,19 +43,18 @@ class TagsFixture : public CommandFixture {
   [[nodiscard]] std::filesystem::path Template(const std::string& tag) const {
     return Folder("Voxtrel_stor") / (tag + ".st");
   }
-  [[nodiscard]] sqlite::SqliteRegistry Registry() const {
-    return sqlite::SqliteRegistry(std::filesystem::path(Path("root")) / sqlite::kDatabaseName);
-  }
   static std::u16string Wide(const std::string& text) { return {text.begin(), text.end()}; }
 
   void PutVersion(std::u16string_view text) const {
-    auto registry = Registry();
+    const auto store = Registry();
+    platform::Registry& registry = *store;
     ASSERT_EQ(support::ErrorOf(
                   support::PutText(registry, storage::kSetupKey, storage::kMathVersionValue, text)),
               std::nullopt);
   }
   void PutEntry(const std::string& tag, std::int32_t oid, std::u16string_view kind) const {
-    auto registry = Registry();
+    const auto store = Registry();
+    platform::Registry& registry = *store;
     const std::u16string key = std::u16string(storage::kTagKey) + u"\\" + Wide(tag);
     ASSERT_EQ(
         support::ErrorOf(support::PutText(registry, key, u"contact", Wide(std::to_string(oid)))),
@@ -92,7 +90,8 @@ class TagsFixture : public CommandFixture {
     return names;
   }
   [[nodiscard]] bool HasEntry(const std::string& tag) const {
-    auto registry = Registry();
+    const auto store = Registry();
+    platform::Registry& registry = *store;
     return support::KeyExists(registry, std::u16string(storage::kTagKey) + u"\\" + Wide(tag));
   }
   [[nodiscard]] bool HasFiles(const std::string& tag) const {

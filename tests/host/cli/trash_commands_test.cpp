@@ -36,7 +36,8 @@ class TrashCommands : public TagsFixture {
   }
   /// The registry's bytes of both values of a tag.
   [[nodiscard]] std::vector<std::vector<std::byte>> EntryOf(const std::string& tag) const {
-    auto registry = Registry();
+    const auto store = Registry();
+    platform::Registry& registry = *store;
     const std::u16string key = std::u16string(storage::kTagKey) + u"\\" + Wide(tag);
     return {support::BytesOf(registry, key, u"contact"),
             support::BytesOf(registry, key, u"phone type")};

@@ -1,0 +1,6 @@
+#include "backends/sqlite/sqlite_registry.h"
+#include "tests/host/cli/store.h"
+
+std::unique_ptr<platform::Registry> OpenStore(const std::filesystem::path& root) {
+  return std::make_unique<sqlite::SqliteRegistry>(root / sqlite::kDatabaseName);
+}

@@ -1,0 +1,6 @@
+#include "host/machine/system.h"
+#include "tests/host/cli/store.h"
+
+std::unique_ptr<platform::Registry> OpenStore(const std::filesystem::path& root) {
+  return machine::MakeRegistry(root, machine::RegistryUse::kChange);
+}
