@@ -24,6 +24,7 @@ bool Find(void* library, const char* name, Function& function) {
 }  // namespace
 
 // NOLINTBEGIN(readability-identifier-naming)
+// A name in a declaration takes no parentheses. NOLINTNEXTLINE(bugprone-macro-parentheses)
 #define VOXTREL_DEFINE(function) decltype(&::function) function = nullptr;
 VOXTREL_EACH_PULSE_FUNCTION(VOXTREL_DEFINE)
 #undef VOXTREL_DEFINE

@@ -56,6 +56,7 @@
 namespace pulse {
 
 // Names of another library. NOLINTBEGIN(readability-identifier-naming)
+// A name in a declaration takes no parentheses. NOLINTNEXTLINE(bugprone-macro-parentheses)
 #define VOXTREL_DECLARE(function) extern decltype(&::function) function;
 VOXTREL_EACH_PULSE_FUNCTION(VOXTREL_DECLARE)
 #undef VOXTREL_DECLARE
