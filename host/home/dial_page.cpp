@@ -147,6 +147,9 @@ void DialPage::OnLeft() {
   if (IsInCall()) {
     return m_state == State::kOffer ? Reply(Kind::kNo) : void();
   }
+  if (m_state == State::kDialling) {
+    Reply(Kind::kHangUp);
+  }
   m_talk.Stop();
   m_work.StopPlaying();
   ShowIdle();

@@ -156,7 +156,8 @@ class Talk::Job final : public dialer::Face {
   std::optional<dialer::Reply> TakeReply() {
     const std::lock_guard lock(m_mutex);
     m_woken->Reset();
-    if (m_isStopped) {
+    // Who hangs up and goes away does not want the call, even if it has just begun.
+    if (m_isStopped && !(m_reply && m_reply->kind == ReplyKind::kHangUp)) {
       return dialer::Reply{.kind = ReplyKind::kStop};
     }
     return std::exchange(m_reply, std::nullopt);

@@ -336,6 +336,16 @@ TEST_F(DialPage, AHangUpInTheMomentOfTheAnswerEndsTheCall) {
   EXPECT_EQ(m_hangUps, 1);
 }
 
+TEST_F(DialPage, WhoeverLeavesWhileAModemDialsHangsUpAlsoInTheMomentOfTheAnswer) {
+  DialAnna();
+  m_machine.time.Sleep(10'000);  // The modem has dialled, and the page does not know it yet.
+  m_page.OnLeft();
+  Pass(100);
+  EXPECT_EQ(m_hangUps, 1);
+  m_page.OnShown({});
+  EXPECT_FALSE(Button("hangUp").isVisible());
+}
+
 TEST_F(DialPage, ACallThatDoesNotEndCanBeEndedOnceMore) {
   m_refusesToHangUp = true;
   DialAnna();
