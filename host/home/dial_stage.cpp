@@ -31,10 +31,12 @@ constexpr int kStageGap = 12;
 constexpr double kTitleScale = 1.6;
 constexpr double kAvatarHeight = 4;  // In lines of text.
 
-/// Shows each line of its text as far as there is room. The tool tip has the whole text.
+/// Shows each line of its text as far as there is room. Of the last one, whose end is `number`, the
+/// number is cut last. The tool tip has the whole text.
 class ChoiceButton final : public Button {
  public:
-  ChoiceButton(const QString& text, QWidget* parent) : Button(parent), m_text(text) {
+  ChoiceButton(const QString& text, const QString& number, QWidget* parent)
+      : Button(parent), m_text(text), m_number(number) {
     setText(qt::WithoutMnemonic(text));
     setToolTip(qt::AsToolTip(text));
     setAutoDefault(true);
@@ -50,6 +52,9 @@ class ChoiceButton final : public Button {
     QStyleOptionButton option;
     initStyleOption(&option);
     QStringList lines = m_text.split(u'\n');
+    if (option.fontMetrics.horizontalAdvance(lines.last()) > width() - kEdges) {
+      lines.last() = m_number;
+    }
     for (QString& line : lines) {
       line = option.fontMetrics.elidedText(line, Qt::ElideRight, width() - kEdges);
     }
@@ -59,6 +64,7 @@ class ChoiceButton final : public Button {
 
  private:
   const QString m_text;
+  const QString m_number;
 };
 
 }  // namespace
@@ -183,7 +189,7 @@ void DialStage::ShowChoice(const QString& title, const QString& text,
     const QString number = QString::number(i + 1);
     auto* const button = new ChoiceButton(
         number + QStringLiteral("  ") + NameOf(callees[i]) + u'\n' + NumberOf(callees[i]),
-        m_choices);
+        ShowNumber(ToShown(callees[i].number)), m_choices);
     button->setAccessibleName(number + QStringLiteral(", ") + NameOf(callees[i]) +
                               QStringLiteral(", ") + NumberOf(callees[i]));
     button->setObjectName(QStringLiteral("choice") + number);

@@ -14,6 +14,7 @@
 namespace {
 
 using dialer::Certainty;
+using dialer::Step;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
@@ -233,6 +234,25 @@ TEST_F(DialPage, OneOfThemIsChosenByItsNumberOrItsButton) {
   QTest::mouseClick(&Button("choice1"), Qt::LeftButton);
   Pass(100);
   EXPECT_THAT(m_called, ElementsAre(u"Bob Ray", u"Anna Berg"));
+}
+
+TEST_F(DialPage, WhoeverIsChosenFromHasTheEndOfTheNumberInSightAlsoInLargeLetters) {
+  QFont large = m_page.font();
+  large.setPointSizeF(20);
+  m_page.setFont(large);
+  const auto paint = [this](std::u16string_view number) {
+    const dialer::Callee callee{.candidate = {.tag = {}, .oid = 11, .phoneKind = u"BusinessFax"},
+                                .name = u"Anna Berg",
+                                .number = std::u16string(number)};
+    m_page.OnStep({Step::kOneOf, {callee, callee}, {}, {}, false});
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);  // The choices before.
+    QCoreApplication::processEvents();
+    return Button("choice1").grab().toImage();
+  };
+  static_cast<void>(paint(u"+49 171 555 0101"));  // The layout is the same from now on.
+  const QImage first = paint(u"+49 171 555 0101");
+  ASSERT_TRUE(first == paint(u"+49 171 555 0101"));
+  EXPECT_FALSE(first == paint(u"+49 171 555 0108"));
 }
 
 TEST_F(DialPage, ANameThatIsNotKnownIsAskedForAgain) {
