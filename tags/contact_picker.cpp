@@ -140,7 +140,7 @@ void ContactPicker::ListNumbers(DialogWindow& window, std::int32_t index) {
     return;
   }
   m_oid = static_cast<std::uint32_t>(record->oid);
-  for (const std::int32_t code : record->phoneKinds) {
+  for (const std::int8_t code : record->phoneKinds) {
     ListNumber(window, **contact, code);
     window.SetSelection(kNumberComboId, 0);
   }

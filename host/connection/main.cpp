@@ -15,19 +15,18 @@
 #include "backends/qt/qt_ui.h"
 #include "backends/qt/strings.h"
 #include "backends/qt/ui_thread.h"
-#include "backends/sqlite/sqlite_registry.h"
 #include "backends/text/utf.h"
 #include "backends/udev/serial_ports.h"
 #include "backends/udev/udev_serial_devices.h"
 #include "connection/connection_page.h"
 #include "connection/serial_ports.h"
+#include "host/machine/system.h"
 #include "host/machine/usage.h"
 #include "language/texts.h"
 #include "resources/desktop_strings.h"
 #include "resources/dialogs.h"
 #include "resources/strings.h"
 #include "storage/device_paths.h"
-#include "storage/registry_keys.h"
 
 namespace {
 
@@ -46,9 +45,8 @@ QString RemarkOnPort(platform::Registry& registry, const QString& name) {
 }
 
 void Run(const std::filesystem::path& root) {
-  sqlite::RegistryOptions options;
-  options.initialKeys.assign(storage::kInstalledKeys.begin(), storage::kInstalledKeys.end());
-  sqlite::SqliteRegistry registry(root / sqlite::kDatabaseName, options);
+  const auto settings = machine::MakeRegistry(root, machine::RegistryUse::kChange);
+  platform::Registry& registry = *settings;
   posix::PosixFileSystem files(text::FromHostName(root.native()));
   posix::PosixClock clock;
   udev_ports::UdevSerialDevices devices;
