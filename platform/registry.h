@@ -134,8 +134,8 @@ using OpenedKey = Result<std::unique_ptr<RegistryKey>, RegistryError>;
 ///
 /// The registry of Windows knows neither groups nor the deletion of a key with others below it. Its
 /// back end makes such changes one by one, and undoes them if one fails or the group is cancelled.
-/// Others see them before. After a kill a part stays until the next process changes anything and
-/// undoes it. So a reader takes a tag with one value for what it is: half of one.
+/// Others see them before. After a kill a part stays until the next process opens the registry to
+/// change it, and so undoes it. A reader takes a tag with one value for what it is: half of one.
 class Registry {
  public:
   Registry() = default;
