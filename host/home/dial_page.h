@@ -38,6 +38,8 @@ class DialPage : public Page {
 
   /// Shows a step of the conversation.
   void OnStep(const TalkStep& step);
+  /// The conversation is over. `problem` is why it could not be had, if it could not.
+  void OnEnded(const std::u16string& problem);
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
@@ -64,7 +66,6 @@ class DialPage : public Page {
   void OnAsked(const TalkStep& step);
   void OnOutcome(const TalkStep& step);
   void ShowCall();
-  void OnEnded(const std::u16string& problem);
   void Enter(State state);
   void ShowCalls();
   /// Returns whether a modem's call goes on that can be ended here.

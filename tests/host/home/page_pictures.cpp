@@ -160,9 +160,12 @@ void PaintDialing(const Look& look, const QString& folder) {
   page.OnShown({});
   Save(page, folder, look, "dial");
   const auto show = [&](dialer::Step step, std::vector<dialer::Callee> callees,
-                        std::u16string outcome, const char* state) {
+                        std::u16string outcome, const char* state, bool isLast = false) {
     page.OnStep(
         {step, std::move(callees), dialer::NotHeard::kNoMicrophone, std::move(outcome), true});
+    if (isLast) {
+      page.OnEnded({});
+    }
     Save(page, folder, look, state);
   };
   show(dialer::Step::kUnknown, {}, {}, "dial_unknown");
@@ -177,10 +180,10 @@ void PaintDialing(const Look& look, const QString& folder) {
        "dial_not_hung_up");
   show(dialer::Step::kInCall, {anna}, {}, "dial_in_call_still");
   show(dialer::Step::kOffer, {anna}, {}, "dial_offer");
-  show(dialer::Step::kHungUp, {anna}, {}, "dial_hung_up");
-  show(dialer::Step::kNotCalled, {anna}, u"nobody answers", "dial_not_called");
-  show(dialer::Step::kNothingTaught, {}, {}, "dial_nothing");
-  show(dialer::Step::kNotHeard, {}, {}, "dial_no_microphone");
+  show(dialer::Step::kHungUp, {anna}, {}, "dial_hung_up", true);
+  show(dialer::Step::kNotCalled, {anna}, u"nobody answers", "dial_not_called", true);
+  show(dialer::Step::kNothingTaught, {}, {}, "dial_nothing", true);
+  show(dialer::Step::kNotHeard, {}, {}, "dial_no_microphone", true);
 }
 
 }  // namespace
