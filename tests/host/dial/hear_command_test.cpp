@@ -57,9 +57,9 @@ class HearCommand : public DialFixture {
     std::vector<std::string> steps;
     std::istringstream lines(run.out);
     for (std::string line; std::getline(lines, line);) {
-      const auto json = nlohmann::json::parse(line, nullptr, false);
-      EXPECT_TRUE(json.is_object()) << line;
-      steps.push_back(json.contains("error") ? "error" : json.value("step", ""));
+      const auto step = nlohmann::json::parse(line, nullptr, false);
+      EXPECT_TRUE(step.is_object()) << line;
+      steps.push_back(step.contains("error") ? "error" : step.value("step", ""));
     }
     return steps;
   }

@@ -82,17 +82,17 @@ TEST_F(DialRecognition, TagsOfAnotherMathematicsAreNotUsedAndItSaysWhatHelps) {
 }
 
 TEST_F(DialRecognition, AnEvaluationHasTheFiguresOfEachSpeakerAndOfAll) {
-  const auto json = RunJson({"dial", "--evaluate", MakeTakes()}, 0);
-  EXPECT_EQ(json["takes"], 1);
-  ASSERT_EQ(json["speakers"].size(), 1U);
-  const auto& me = json["speakers"][0];
+  const auto table = RunJson({"dial", "--evaluate", MakeTakes()}, 0);
+  EXPECT_EQ(table["takes"], 1);
+  ASSERT_EQ(table["speakers"].size(), 1U);
+  const auto& me = table["speakers"][0];
   EXPECT_EQ(me["speaker"], "me");
   EXPECT_EQ(me["asked"], 12);
   EXPECT_EQ(me["forced"]["rate"], 1.0);
   EXPECT_LT(me["forced"]["low"], 1.0);
   EXPECT_EQ(me["forced"]["high"], 1.0);
   for (const char* figure : {"forced", "sure", "wrong", "unknownSure"}) {
-    EXPECT_EQ(json["all"][figure], me[figure]) << figure;
+    EXPECT_EQ(table["all"][figure], me[figure]) << figure;
   }
 }
 
