@@ -231,8 +231,8 @@ SpeechFeatures::SpeechFeatures(std::span<const std::int16_t> samples) {
 
 /// The slope of the line through five times, by least squares. Beyond the ends the first and the
 /// last time are held. The spread of slopes is about a third of that of the cepstra. They are
-/// raised to count four times as much in the squares: how the mouth moves is steadier than where it
-/// is.
+/// raised to count four times as much in the squares, since from take to take the movement of the
+/// mouth changes less than its place.
 void SpeechFeatures::AddSlopes() {
   constexpr float kWeight = 6;
   constexpr float kSquares = 10;  ///< 1 + 4, on both sides.

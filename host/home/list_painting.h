@@ -38,8 +38,8 @@ struct ItemLine {
   bool isQuiet = false;
 };
 
-/// Writes the line. The direction of the window decides where it begins, and not that of the text:
-/// names of both directions stand at one edge.
+/// Writes the line. It begins at the edge at which the window begins, whatever direction its text
+/// has, so names of both directions stand at one edge.
 void WriteLine(QPainter& painter, const QStyleOptionViewItem& option, const ItemLine& line);
 
 }  // namespace home

@@ -156,7 +156,7 @@ class Talk::Job final : public dialer::Face {
   std::optional<dialer::Reply> TakeReply() {
     const std::lock_guard lock(m_mutex);
     m_woken->Reset();
-    // Who hangs up and goes away does not want the call, even if it has just begun.
+    // A user who hangs up and goes away does not want the call, even if it has just begun.
     if (m_isStopped && !(m_reply && m_reply->kind == ReplyKind::kHangUp)) {
       return dialer::Reply{.kind = ReplyKind::kStop};
     }

@@ -116,6 +116,16 @@ class DialPage : public testing::Test {
     Button("callNow").click();
     AwaitButton("hangUp");
   }
+  /// The second of two people was meant, a modem called, and the question is whether to keep the
+  /// take.
+  void CallTheSecondOfTwo() {
+    m_hasModem = true;
+    Understand(Certainty::kOneOf, {11, 15});
+    Say();
+    AwaitTitle("Who is it?");
+    Key(Qt::Key_2);
+    AwaitTitle("Keep what you said");
+  }
   /// Lets time pass until the title begins so.
   void AwaitTitle(const std::string& title) {
     constexpr int kMostSteps = 200;
@@ -396,12 +406,7 @@ TEST_F(DialPage, WhoeverComesBackDuringACallCanStillEndIt) {
 }
 
 TEST_F(DialPage, ACallCanBeEndedWhileItIsAskedWhetherToKeepATake) {
-  m_hasModem = true;
-  Understand(Certainty::kOneOf, {11, 15});
-  Say();
-  AwaitTitle("Who is it?");
-  Key(Qt::Key_2);
-  AwaitTitle("Keep what you said");
+  CallTheSecondOfTwo();
   Button("hangUp").click();
   Pass(100);
   EXPECT_EQ(m_hangUps, 1);
@@ -410,12 +415,7 @@ TEST_F(DialPage, ACallCanBeEndedWhileItIsAskedWhetherToKeepATake) {
 }
 
 TEST_F(DialPage, WhoeverLeavesDuringTheQuestionKeepsNothingAndCanStillEndTheCall) {
-  m_hasModem = true;
-  Understand(Certainty::kOneOf, {11, 15});
-  Say();
-  AwaitTitle("Who is it?");
-  Key(Qt::Key_2);
-  AwaitTitle("Keep what you said");
+  CallTheSecondOfTwo();
   m_page.OnLeft();
   Pass(100);
   m_page.OnShown({});
