@@ -26,7 +26,8 @@ TEST_F(OnlyWindowTest, CallsTheFirstWindowIfASecondOneIsStarted) {
   first.OnCall([&calls](const std::string& message) { calls.push_back(message); });
   OnlyWindow second(Runtime(), "/device/of/anna");
   EXPECT_FALSE(second.Claim("teach token"));
-  ASSERT_TRUE(QTest::qWaitFor([&] { return !calls.empty(); }));
+  constexpr int kLongest = 60'000;
+  ASSERT_TRUE(QTest::qWaitFor([&] { return !calls.empty(); }, kLongest));
   EXPECT_EQ(calls, std::vector<std::string>{"teach token"});
 }
 

@@ -26,6 +26,8 @@ constexpr QSize kPhone(360, 640);
 
 class TagList : public WindowTest {
  protected:
+  static constexpr int kLongest = 60'000;  ///< Milliseconds. Far more than a busy machine needs.
+
   ~TagList() override {
     QApplication::setFont(m_usualFont);
     QApplication::setLayoutDirection(Qt::LeftToRight);
@@ -264,7 +266,7 @@ TEST_F(TagList, OpensTheContextMenuUnderAFingerThatStays) {
   const auto finger = std::unique_ptr<QPointingDevice>(
       QTest::createTouchDevice(QInputDevice::DeviceType::TouchScreen));
   QTest::touchEvent(m_list->viewport(), finger.get()).press(0, Card(2).center());
-  EXPECT_TRUE(QTest::qWaitFor([&] { return isOpened; }));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return isOpened; }, kLongest));
   QTest::touchEvent(m_list->viewport(), finger.get()).release(0, Card(2).center());
   QTapAndHoldGesture::setTimeout(700);
   EXPECT_EQ(m_list->currentIndex().data().toString(), QStringLiteral("Hanna Berg"));
@@ -300,7 +302,7 @@ TEST_F(TagList, OpensNoContextMenuUnderAMouseButtonThatIsHeld) {
   });
   closing.start(1);
   QTest::mousePress(m_list->viewport(), Qt::LeftButton, {}, Card(1).center());
-  EXPECT_TRUE(QTest::qWaitFor([&] { return watch.wasHeld; }));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return watch.wasHeld; }, kLongest));
   QTest::mouseRelease(m_list->viewport(), Qt::LeftButton, {}, Card(1).center());
   QTapAndHoldGesture::setTimeout(700);
   EXPECT_FALSE(isOpened);
