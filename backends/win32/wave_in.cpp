@@ -1,8 +1,8 @@
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <condition_variable>
 #include <cstring>
+#include <memory>
 #include <mutex>
 #include <new>
 #include <optional>
@@ -21,39 +21,34 @@ namespace {
 
 using platform::WaveHeader;
 using platform::WaveResult;
-using std::chrono::milliseconds;
-using std::chrono::steady_clock;
-
 /// An input that has delivered nothing for so long delivers nothing more. The wave functions do not
 /// report that it went away.
-constexpr milliseconds kLostAfter(2000);
+constexpr ULONGLONG kLostAfter = 1000;  // Milliseconds, as all times below.
 /// For an input that has to wake up. One that delivers nothing at all must not hold up the
 /// recording any longer.
-constexpr milliseconds kWarmUpLimit(1000);
-constexpr milliseconds kWarmUpPoll(5);
-/// Parts of a second in which sound is taken from the system.
+constexpr ULONGLONG kWarmUpLimit = 1000;
+constexpr DWORD kWarmUpPoll = 5;
+/// Parts of a second in which sound is taken from the system, and how long one lasts.
 constexpr std::uint32_t kPieces = 20;
+constexpr ULONGLONG kPiece = 1000 / kPieces;
 constexpr WORD kRecordedBits = 16;
 
 /// Memory that the system fills, in pieces. The system gives back one piece after the other, and so
 /// what has arrived is known before all has.
 class Pieces {
  public:
-  Pieces() = default;
-  Pieces(const Pieces&) = delete;
-  Pieces& operator=(const Pieces&) = delete;
-
   /// Hands `bytes` of new memory to the device, which has none of the old.
   [[nodiscard]] WaveResult Queue(HWAVEIN device, std::uint32_t bytes, std::uint32_t pieceBytes) {
     try {
-      m_memory.assign(bytes, std::byte{});
-      m_headers.assign((bytes + pieceBytes - 1) / pieceBytes, WAVEHDR{});
+      m_memory = std::make_unique<Memory>();
+      m_memory->bytes.resize(bytes);
+      m_memory->headers.resize((bytes + pieceBytes - 1) / pieceBytes);
     } catch (const std::bad_alloc&) {
       return WaveResult::kFailed;
     }
     std::uint32_t at = 0;
-    for (WAVEHDR& header : m_headers) {
-      header.lpData = reinterpret_cast<char*>(m_memory.data() + at);
+    for (WAVEHDR& header : m_memory->headers) {
+      header.lpData = m_memory->bytes.data() + at;
       header.dwBufferLength = std::min(pieceBytes, bytes - at);
       at += header.dwBufferLength;
       MMRESULT result = waveInPrepareHeader(device, &header, sizeof(header));
@@ -69,8 +64,11 @@ class Pieces {
 
   /// Returns how many bytes have arrived.
   [[nodiscard]] std::uint32_t CountArrived() const {
+    if (!m_memory) {
+      return 0;
+    }
     std::uint32_t arrived = 0;
-    for (const WAVEHDR& header : m_headers) {
+    for (const WAVEHDR& header : m_memory->headers) {
       // The device's thread sets the flag after all else.
       if ((*static_cast<const volatile DWORD*>(&header.dwFlags) & WHDR_DONE) == 0) {
         break;
@@ -83,20 +81,38 @@ class Pieces {
     return arrived;
   }
 
-  [[nodiscard]] const std::byte* GetBytes() const { return m_memory.data(); }
-
-  /// Takes the memory back. The device has given up every piece.
-  void Release(HWAVEIN device) {
-    for (WAVEHDR& header : m_headers) {
-      waveInUnprepareHeader(device, &header, sizeof(header));
+  /// Copies what has arrived.
+  void CopyTo(WaveHeader& header) const {
+    header.bytesRecorded = std::min(CountArrived(), header.bufferLength);
+    if (header.bytesRecorded > 0) {
+      std::memcpy(header.data, m_memory->bytes.data(), header.bytesRecorded);
     }
-    m_headers.clear();
-    m_memory.clear();
+  }
+
+  /// Takes the memory back. If the device keeps a piece, it may write there at any time, even after
+  /// it was closed. So nobody ever frees such memory.
+  void Release(HWAVEIN device) {
+    if (!m_memory) {
+      return;
+    }
+    bool isGivenUp = true;
+    for (WAVEHDR& header : m_memory->headers) {
+      isGivenUp =
+          waveInUnprepareHeader(device, &header, sizeof(header)) == MMSYSERR_NOERROR && isGivenUp;
+    }
+    if (!isGivenUp) {
+      static_cast<void>(m_memory.release());
+    }
+    m_memory.reset();
   }
 
  private:
-  std::vector<std::byte> m_memory;
-  std::vector<WAVEHDR> m_headers;
+  struct Memory {
+    std::vector<char> bytes;
+    std::vector<WAVEHDR> headers;
+  };
+
+  std::unique_ptr<Memory> m_memory;  ///< Null if there is none.
 };
 
 /// An open input. It runs from the beginning, so that it is warm; what it hears before Start goes
@@ -119,9 +135,9 @@ class Recorder final : public platform::WaveInDevice {
     if (result != WaveResult::kOk) {
       return result;
     }
-    const auto deadline = steady_clock::now() + kWarmUpLimit;
-    while (m_pieces.CountArrived() == 0 && steady_clock::now() < deadline) {
-      std::this_thread::sleep_for(kWarmUpPoll);
+    const ULONGLONG deadline = ::GetTickCount64() + kWarmUpLimit;
+    while (m_pieces.CountArrived() == 0 && ::GetTickCount64() < deadline) {
+      ::Sleep(kWarmUpPoll);
     }
     if (m_pieces.CountArrived() == 0) {
       return Stop();
@@ -161,7 +177,7 @@ class Recorder final : public platform::WaveInDevice {
     m_isRunning = true;
     m_isStarted = true;
     m_lastArrived = 0;
-    m_lastTime = steady_clock::now();
+    m_lastTime = m_lastAsked = ::GetTickCount64();
     return WaveResult::kOk;
   }
 
@@ -176,18 +192,23 @@ class Recorder final : public platform::WaveInDevice {
     if (!m_isStarted) {
       return WaveResult::kStillPlaying;
     }
-    CopyTo(header);
+    m_pieces.CopyTo(header);
     if (header.bytesRecorded == header.bufferLength) {
       m_pieces.Release(m_device);
       m_isStarted = false;
       m_queue.Release(header);
       return WaveResult::kOk;
     }
-    if (std::exchange(m_lastArrived, header.bytesRecorded) != header.bytesRecorded) {
-      m_lastTime = steady_clock::now();
+    const std::uint32_t more =
+        header.bytesRecorded - std::exchange(m_lastArrived, header.bytesRecorded);
+    const ULONGLONG now = ::GetTickCount64();
+    const ULONGLONG asked = std::exchange(m_lastAsked, now);
+    if (more > 0) {
+      // It came since the last call. If that is long ago, the input may be gone since then: it is
+      // not known to have delivered for longer than what came lasts.
+      m_lastTime = std::clamp(m_lastTime + ULONGLONG{more} * kPiece / m_pieceBytes, asked, now);
     }
-    return steady_clock::now() - m_lastTime > kLostAfter ? WaveResult::kNoDevice
-                                                         : WaveResult::kStillPlaying;
+    return now - m_lastTime > kLostAfter ? WaveResult::kNoDevice : WaveResult::kStillPlaying;
   }
 
   [[nodiscard]] WaveResult Reset() override {
@@ -198,7 +219,7 @@ class Recorder final : public platform::WaveInDevice {
     const WaveResult result = ToResult(waveInReset(m_device));
     m_isRunning = false;
     if (header != nullptr && m_isStarted) {
-      CopyTo(*header);
+      m_pieces.CopyTo(*header);
     }
     m_pieces.Release(m_device);
     m_isStarted = false;
@@ -224,11 +245,6 @@ class Recorder final : public platform::WaveInDevice {
     return result;
   }
 
-  void CopyTo(WaveHeader& header) const {
-    header.bytesRecorded = std::min(m_pieces.CountArrived(), header.bufferLength);
-    std::memcpy(header.data, m_pieces.GetBytes(), header.bytesRecorded);
-  }
-
   HWAVEIN m_device;  ///< Null after Close.
   const std::uint32_t m_pieceBytes;
   platform::WaveQueue m_queue;
@@ -236,7 +252,8 @@ class Recorder final : public platform::WaveInDevice {
   bool m_isRunning = false;  ///< The device takes memory as soon as there is some.
   bool m_isStarted = false;  ///< Into the queued header.
   std::uint32_t m_lastArrived = 0;
-  steady_clock::time_point m_lastTime;
+  ULONGLONG m_lastAsked = 0;
+  ULONGLONG m_lastTime = 0;  ///< When the input is known to have delivered.
 };
 
 struct Input {

@@ -1,5 +1,7 @@
-#include <chrono>
+#include <memory>
+#include <new>
 #include <utility>
+#include <vector>
 
 #include "backends/win32/wave_format.h"
 #include "backends/win32/win32_sound.h"
@@ -9,13 +11,11 @@ namespace {
 
 using platform::WaveHeader;
 using platform::WaveResult;
-using std::chrono::milliseconds;
-using std::chrono::steady_clock;
 
 /// A sound that has not ended so long after its own length never will. The wave functions do not
 /// report that the output went away.
-constexpr milliseconds kNeverHeardAfter(3000);
-constexpr std::uint64_t kMillisecondsPerSecond = 1000;
+constexpr ULONGLONG kNeverHeardAfter = 3000;  // Milliseconds.
+constexpr ULONGLONG kMillisecondsPerSecond = 1000;
 
 class Player final : public platform::WaveOutDevice {
  public:
@@ -49,7 +49,7 @@ class Player final : public platform::WaveOutDevice {
     }
     if (m_queue.Holds(header)) {
       if (!IsHeard()) {
-        return steady_clock::now() > m_deadline ? WaveResult::kNoDevice : WaveResult::kStillPlaying;
+        return ::GetTickCount64() > m_deadline ? WaveResult::kNoDevice : WaveResult::kStillPlaying;
       }
       Release();
     }
@@ -78,37 +78,58 @@ class Player final : public platform::WaveOutDevice {
  private:
   [[nodiscard]] WaveResult Play(const WaveHeader& header) {
     const std::uint32_t bytes = header.bufferLength / m_format.nBlockAlign * m_format.nBlockAlign;
-    m_header = WAVEHDR{};
-    m_header.lpData = reinterpret_cast<char*>(header.data);
-    m_header.dwBufferLength = bytes;
+    m_sound.reset();
     if (bytes == 0) {
-      m_header.dwFlags = WHDR_DONE;
       return WaveResult::kOk;
     }
-    m_deadline = steady_clock::now() + kNeverHeardAfter +
-                 milliseconds(kMillisecondsPerSecond * bytes / m_format.nAvgBytesPerSec);
-    MMRESULT result = waveOutPrepareHeader(m_device, &m_header, sizeof(m_header));
+    try {
+      const auto* const first = reinterpret_cast<const char*>(header.data);
+      m_sound = std::make_unique<Sound>();
+      m_sound->bytes.assign(first, first + bytes);
+    } catch (const std::bad_alloc&) {
+      return WaveResult::kFailed;
+    }
+    m_sound->header.lpData = m_sound->bytes.data();
+    m_sound->header.dwBufferLength = bytes;
+    m_deadline = ::GetTickCount64() + kNeverHeardAfter +
+                 kMillisecondsPerSecond * bytes / m_format.nAvgBytesPerSec;
+    MMRESULT result = waveOutPrepareHeader(m_device, &m_sound->header, sizeof(WAVEHDR));
     if (result == MMSYSERR_NOERROR) {
-      result = waveOutWrite(m_device, &m_header, sizeof(m_header));
-      if (result != MMSYSERR_NOERROR) {
-        Release();
-      }
+      result = waveOutWrite(m_device, &m_sound->header, sizeof(WAVEHDR));
+    }
+    if (result != MMSYSERR_NOERROR) {
+      Release();
     }
     return ToResult(result);
   }
 
   /// The device's thread sets the flag.
   [[nodiscard]] bool IsHeard() const {
-    return (*static_cast<const volatile DWORD*>(&m_header.dwFlags) & WHDR_DONE) != 0;
+    return !m_sound ||
+           (*static_cast<const volatile DWORD*>(&m_sound->header.dwFlags) & WHDR_DONE) != 0;
   }
 
-  void Release() { waveOutUnprepareHeader(m_device, &m_header, sizeof(m_header)); }
+  /// Takes the sound back. If the device keeps it, it may read it at any time, even after it was
+  /// closed. So nobody ever frees such a sound.
+  void Release() {
+    if (m_sound &&
+        waveOutUnprepareHeader(m_device, &m_sound->header, sizeof(WAVEHDR)) != MMSYSERR_NOERROR) {
+      static_cast<void>(m_sound.release());
+    }
+    m_sound.reset();
+  }
+
+  /// What the device gets. The caller's memory is free after Close, whatever the device does.
+  struct Sound {
+    WAVEHDR header{};  ///< The system's own for the queued one.
+    std::vector<char> bytes;
+  };
 
   HWAVEOUT m_device;  ///< Null after Close.
   const WAVEFORMATEX m_format;
   platform::WaveQueue m_queue;
-  WAVEHDR m_header{};  ///< The system's own header for the queued one.
-  steady_clock::time_point m_deadline;
+  std::unique_ptr<Sound> m_sound;  ///< Null if the device has none.
+  ULONGLONG m_deadline = 0;
 };
 
 }  // namespace

@@ -3,8 +3,9 @@
 
 Every command that changes something is killed before each call that changes a file and in the
 middle of each write; each of its calls on files fails, once and from then on, with each error that it
-can have; each of its allocations fails; and the power is cut after each change, with what was not
-synced lost in several ways. What may be left says what_may_be_left in judge.py. Commands that only
+can have; so does each of its calls of wave devices, which can also keep what they were given; each of
+its allocations fails; and the power is cut after each change, with what was not synced lost in several
+ways. What may be left says what_may_be_left in judge.py. Commands that only
 read have failing calls and allocations; they end with the right answer or with a message, and change
 nothing.
 """
@@ -26,10 +27,10 @@ from windows_machine import WindowsMachine
 
 # What a user does after a failure; each mends what it is for.
 NEXT_COMMANDS = [["check", "--repair"], ["reinit"]]
-KINDS = ["kill", "power", "call", "memory"]
+KINDS = ["kill", "power", "call", "sound", "memory"]
 # --part tries one point of a kind in so many. The number is odd, so that it meets failures that happen
 # once as well as those that stay: they take turns.
-PART = {"kill": 17, "power": 9, "call": 121, "memory": 841}
+PART = {"kill": 17, "power": 9, "call": 121, "sound": 121, "memory": 841}
 LATER = 100_000  # Seconds on the clock when a tried command begins.
 
 
@@ -43,6 +44,7 @@ class Trial:
         machine.restore(self.before)
         self.run = machine.run(command.arguments, time=LATER, logs=True)
         self.calls = machine.calls()
+        self.heard = machine.heard()
         self.done = machine.tree()
         self.verdicts = {}  # Of states that were met before.
         self.problem = ""
@@ -72,8 +74,11 @@ class Trial:
                 yield "power", str(index)
         for name, error in self.machine.errors.items():
             for number in range(1, 1 + sum(name in call.errors for call in self.calls)):
-                yield "call", f"once:{number}:{error}"
-                yield "call", f"ever:{number}:{error}"
+                kind = "sound" if name in self.machine.sound_errors else "call"
+                yield kind, f"once:{number}:{error}"
+                yield kind, f"ever:{number}:{error}"
+        for fault in self.machine.faults_of_devices(self.calls):
+            yield "sound", fault
         for number in range(1, 1 + self.calls[-1].number if "memory" in self.machine.kinds else 1):
             yield "memory", f"memory-once:{number}"
             yield "memory", f"memory-ever:{number}"
@@ -115,6 +120,8 @@ class Trial:
             wrong.append(f"exit {run.exit}")
         if run.exit != 0 and not run.err.strip():
             wrong.append(f"exit {run.exit} without a message")
+        if run.exit == 0 and self.command.plays and self.machine.heard() != self.heard:
+            wrong.append("exit 0, but it was not heard")
         if self.command.changes:
             if run.exit == 0 and not judge.is_done(self.command, after, self.done, destroyed):
                 wrong.append("exit 0, but it was not done")
@@ -253,7 +260,7 @@ def explain(options):
     error = options.point.split(":")[-1]
     names = {str(number): name for name, number in one.machine.errors.items()}
     calls = [call for call in trial.calls
-             if (names.get(error) in call.errors if options.kind == "call" else call.changes)]
+             if (names.get(error) in call.errors if options.kind in ("call", "sound") else call.changes)]
     for number, call in enumerate(calls, 1):
         print(number, call.kind, call.path, call.other, call.number, len(call.data))
     wrong = trial.try_point(options.kind, options.point)
@@ -270,7 +277,7 @@ def collect(options):
     points = []
     problems = []
     for name in worker.commands:
-        if name in worker.machine.lacks or (
+        if name.endswith(worker.machine.lacks) or (
                 options.only and not name.startswith(tuple(options.only))):
             continue
         trial = worker.trial_of(name)

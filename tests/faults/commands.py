@@ -30,6 +30,8 @@ REGISTRY_FILE = """Windows Registry Editor Version 5.00\r
 """
 SPOKEN = ["--contacts", "@/contacts.vcf", "--speaker", "@/heard.wav", "--microphone"]
 
+WITH_DEVICES = " with devices"  # Commands that only a machine with a microphone and a loudspeaker has.
+
 
 @dataclasses.dataclass
 class Command:
@@ -47,6 +49,7 @@ class Command:
     prepare: object = None  # A function that changes the tree before the command.
     reports: bool = False   # Whether what it cannot read is an answer, too.
     essence: object = None  # A function of the output: what stays so although something is warned of.
+    plays: bool = False     # Whether a sound of its is heard to the end if it succeeds.
     exit: int = 0           # Without a fault.
 
     def whole_tags(self, store):
@@ -134,6 +137,11 @@ def all_commands(tree, trashed):
                 targets=["old.st"]),
         Command("language template", ["language", "template", "@/new.lng"], targets=["new.lng"]),
     ]
+    for name, *arguments in (
+            ("tags learn", "--contacts", "@/contacts.vcf", "tags", "learn", "--contact", "Anna Berg"),
+            ("wave record", "wave", "record", "@/old.wav")):
+        commands.append(Command(name + WITH_DEVICES, arguments,
+                                targets=["old.wav"] if "@/old.wav" in arguments else []))
     for command in commands:
         command.trashed = trashed
     for arguments in (["tags", "list", "--json"], ["tags", "trash", "--json"], ["contacts", "list", "--json"],
@@ -142,6 +150,8 @@ def all_commands(tree, trashed):
                       ["wave", "check", "@/take.wav"]):
         commands.append(Command(" ".join(arguments).replace("@/", ""), arguments, changes=False,
                                 reports=arguments == ["status"]))
+    for arguments in (["wave", "play", "@/take.wav"], ["tags", "play", one]):
+        commands.append(Command(" ".join(arguments[:2]) + WITH_DEVICES, arguments, changes=False, plays=True))
     # A voice tag or a cue that cannot be used is warned of. Whoever is called stays the same.
     commands.append(Command("dial", SPOKEN + ["@/microphone.wav", "--yes", "--json", "dial", "--way",
                                               "print"], changes=False, essence=_who_is_called))

@@ -8,6 +8,7 @@ import struct
 import subprocess
 import typing
 
+# Numbers of the errors that a call can be made to have.
 ERRORS = {"EIO": 5, "ENOSPC": 28, "EACCES": 13, "EMFILE": 24, "ENOMEM": 12}
 # Far above what a run needs on a busy machine: a run that is not done by then waits for ever.
 LIMIT_SECONDS = 20
@@ -62,8 +63,10 @@ class Machine:
     the bytes of a file, or to None for a folder."""
 
     errors = ERRORS
+    sound_errors = []  # Those of wave devices alone.
     kinds = ["kill", "power", "call", "memory"]
-    lacks = []  # Commands that this system does not have.
+    lacks = ("with devices",)  # Ends of the names of commands that this system does not have.
+    limit = LIMIT_SECONDS
 
     def __init__(self, program, library, folder):
         self.program = program
@@ -77,26 +80,23 @@ class Machine:
     def run(self, arguments, fault="", time=0, logs=False, locale="C.UTF-8"):
         environment = {
             "PATH": os.defpath,
-            "HOME": str(self.home),
             "LC_ALL": locale,
-            "VOXTREL_ROOT": str(self.home / "root"),
-            # No sound server and no address book of the machine's.
+            # No sound server of the machine's.
             "PULSE_SERVER": "unix:" + str(self.folder / "none"),
-            "DBUS_SESSION_BUS_ADDRESS": "unix:path=" + str(self.folder / "none"),
-            "LD_PRELOAD": self.library,
-            "VOXTREL_FAULT_FOLDER": str(self.home),
+            "VOXTREL_ROOT": self._path("/root"),
             "VOXTREL_FAULT_TIME": str(time),
+            **self._surroundings(),
         }
         if fault:
             environment["VOXTREL_FAULT"] = fault
         if logs:
             environment["VOXTREL_FAULT_LOG"] = str(self._log)
-        arguments = [argument.replace("@", str(self.home)) for argument in arguments]
+        arguments = [argument.replace("@", self._path("")) for argument in arguments]
         with open(self.folder / "out", "w+b") as out, open(self.folder / "err", "w+b") as err:
-            process = subprocess.Popen([self.program, *arguments], env=environment, cwd=self.home,
+            process = subprocess.Popen([*self._start(), *arguments], env=environment, cwd=self.home,
                                        stdin=subprocess.DEVNULL, stdout=out, stderr=err)
             try:
-                code = process.wait(LIMIT_SECONDS)
+                code = process.wait(self.limit)
             except subprocess.TimeoutExpired:
                 process.send_signal(signal.SIGKILL)
                 process.wait()
@@ -104,9 +104,38 @@ class Machine:
             texts = []
             for file in (out, err):
                 file.seek(0)
-                text = file.read().decode("utf-8", "replace")
-                texts.append(text.replace(str(self.home), "@"))
+                texts.append(self._plain(file.read().decode("utf-8", "replace")))
         return Run(code, *texts)
+
+    def _start(self):
+        """What starts the program."""
+        return [self.program]
+
+    def _surroundings(self):
+        """More of the environment."""
+        return {
+            "HOME": str(self.home),
+            # No address book of the machine's.
+            "DBUS_SESSION_BUS_ADDRESS": "unix:path=" + str(self.folder / "none"),
+            "LD_PRELOAD": self.library,
+            "VOXTREL_FAULT_FOLDER": str(self.home),
+        }
+
+    def _path(self, inside):
+        """A path in the folder of the tree, as the program takes it."""
+        return str(self.home) + inside
+
+    def _plain(self, text):
+        """What the program printed, without the place of the machine."""
+        return text.replace(str(self.home), "@")
+
+    def heard(self):
+        """What the loudspeaker played in the last run."""
+        return b""
+
+    def faults_of_devices(self, calls):
+        """Faults of wave devices of a run with these calls, besides errors of calls."""
+        return []
 
     def calls(self):
         """Of the last run that logged, with paths relative to the folder of the tree."""

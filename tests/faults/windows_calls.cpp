@@ -1,115 +1,20 @@
 #include "tests/faults/windows_calls.h"
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <span>
 #include <string_view>
-#include <utility>
 
-#include "backends/win32/windows.h"
+#include "tests/faults/windows_plan.h"
+#include "tests/faults/windows_sound.h"
 
 // It builds on the header of the system.
 #include <process.h>
 
 namespace faults {
 namespace {
-
-enum class Action : std::uint8_t { kNone, kKill, kTear, kOnce, kEver };
-
-struct State {
-  Action action = Action::kNone;
-  long number = 0;
-  DWORD error = 0;
-  std::FILE* log = nullptr;
-  bool isActive = false;
-  volatile LONG changes = 0;
-  volatile LONG failable = 0;
-  volatile LONG64 milliseconds = 0;  ///< On the program's clocks.
-};
-State g_state;
-
-/// Letters for the errors that a call can have on a real machine.
-///   i  the device, s  no room, a  no right, f  too many files, m  no memory
-constexpr std::array kErrors{
-    std::pair('i', DWORD{ERROR_IO_DEVICE}), std::pair('s', DWORD{ERROR_DISK_FULL}),
-    std::pair('a', DWORD{ERROR_ACCESS_DENIED}), std::pair('f', DWORD{ERROR_TOO_MANY_OPEN_FILES}),
-    std::pair('m', DWORD{ERROR_NOT_ENOUGH_MEMORY})};
-
-[[noreturn]] void Die() {
-  LeaveCalls();
-  SaveRegistry();
-  ::TerminateProcess(::GetCurrentProcess(), kExitOfKilled);
-  std::abort();
-}
-
-enum class Verdict : std::uint8_t { kDo, kFail, kTear };
-
-/// `errors` are the letters of those that the call can have, `data` how many bytes it writes.
-Verdict Judge(const char* name, bool changes, const char* errors, DWORD data = 0) {
-  if (!g_state.isActive) {
-    return Verdict::kDo;
-  }
-  if (g_state.log != nullptr) {
-    const DWORD before = ::GetLastError();
-    std::fprintf(g_state.log, "%s %d %s %lu\n", name, changes ? 1 : 0, errors, data);
-    std::fflush(g_state.log);
-    ::SetLastError(before);
-  }
-  if (changes && ::InterlockedIncrement(&g_state.changes) == g_state.number) {
-    if (g_state.action == Action::kTear && data > 1) {
-      return Verdict::kTear;
-    }
-    if (g_state.action == Action::kKill || g_state.action == Action::kTear) {
-      Die();
-    }
-  }
-  for (const auto& [letter, error] : kErrors) {
-    if ((g_state.action == Action::kOnce || g_state.action == Action::kEver) &&
-        error == g_state.error && std::strchr(errors, letter) != nullptr) {
-      const LONG count = ::InterlockedIncrement(&g_state.failable);
-      if (count == g_state.number || (count > g_state.number && g_state.action == Action::kEver)) {
-        ::SetLastError(error);
-        return Verdict::kFail;
-      }
-    }
-  }
-  return Verdict::kDo;
-}
-
-/// A name as an argument of a template.
-template <std::size_t kSize>
-struct Name {
-  constexpr Name(const char (&text)[kSize]) { std::copy_n(text, kSize, value); }  // NOLINT
-  char value[kSize] = {};
-};
-
-/// What a call gives that failed.
-enum class Sign : std::uint8_t { kZero, kMinusOne, kError };
-
-/// A call that stands in for one of the system's.
-template <Name kName, Sign kSign, bool kChanges, Name kErrorLetters, typename Function>
-struct Call;
-template <Name kName, Sign kSign, bool kChanges, Name kErrorLetters, typename Result,
-          typename... Arguments>
-struct Call<kName, kSign, kChanges, kErrorLetters, Result(WINAPI*)(Arguments...)> {
-  static inline Result(WINAPI* original)(Arguments...) = nullptr;
-
-  static Result WINAPI Do(Arguments... arguments) {
-    if (Judge(kName.value, kChanges, kErrorLetters.value) == Verdict::kDo) {
-      return original(arguments...);
-    }
-    if constexpr (kSign == Sign::kError) {
-      return static_cast<Result>(g_state.error);
-    } else if constexpr (std::is_pointer_v<Result>) {
-      return kSign == Sign::kZero ? nullptr : INVALID_HANDLE_VALUE;
-    } else {
-      return kSign == Sign::kZero ? Result{} : static_cast<Result>(-1);
-    }
-  }
-};
 
 // Those whose arguments say what they do.
 
@@ -148,34 +53,21 @@ uintptr_t __cdecl BeginThread(void* rights, unsigned stack, unsigned(__stdcall* 
 
 // The clocks.
 
+volatile LONG64 g_milliseconds = 0;
+
 void WINAPI SleepAtOnce(DWORD milliseconds) {
-  ::InterlockedExchangeAdd64(&g_state.milliseconds, milliseconds);
+  ::InterlockedExchangeAdd64(&g_milliseconds, milliseconds);
+  LetDevicesWork(milliseconds);
 }
-DWORD WINAPI TickCount() { return static_cast<DWORD>(g_state.milliseconds); }
-ULONGLONG WINAPI TickCount64() { return static_cast<ULONGLONG>(g_state.milliseconds); }
+DWORD WINAPI TickCount() { return static_cast<DWORD>(g_milliseconds); }
+ULONGLONG WINAPI TickCount64() { return static_cast<ULONGLONG>(g_milliseconds); }
 void WINAPI FileTime(LPFILETIME now) {
   // A day of 2026, in ticks of 100 nanoseconds since 1601.
   constexpr LONG64 kBegin = 134'241'408'000'000'000;
   constexpr LONG64 kTicksPerMillisecond = 10'000;
-  const LONG64 ticks = kBegin + g_state.milliseconds * kTicksPerMillisecond;
+  const LONG64 ticks = kBegin + g_milliseconds * kTicksPerMillisecond;
   now->dwLowDateTime = static_cast<DWORD>(ticks);
   now->dwHighDateTime = static_cast<DWORD>(ticks >> 32);
-}
-
-struct Import {
-  const char* name;
-  void* replacement;
-  void** original;
-};
-
-template <typename Function>
-Import TakeWith(const char* name, Function replacement, Function* original) {
-  return {name, reinterpret_cast<void*>(replacement), reinterpret_cast<void**>(original)};
-}
-template <Name kName, Sign kSign, bool kChanges, Name kErrorLetters, typename Function>
-Import Take(Function /*system*/) {
-  using Taken = Call<kName, kSign, kChanges, kErrorLetters, Function>;
-  return TakeWith(kName.value, &Taken::Do, &Taken::original);
 }
 
 /// Made when first asked for, as that is before the objects of this file are made.
@@ -223,10 +115,15 @@ void* ClockFor(const char* name) {
 /// Puts a call of ours into the program's table of imports if there is one for that name.
 void Replace(const char* name, ULONGLONG& entry) {
   void* replacement = ClockFor(name);
-  for (const Import& import : GetImports()) {
-    if (std::strcmp(import.name, name) == 0) {
-      *import.original = reinterpret_cast<void*>(entry);
-      replacement = import.replacement;
+  for (const std::span<const Import> imports :
+       {std::span<const Import>(GetImports()), SoundCalls()}) {
+    for (const Import& import : imports) {
+      if (std::strcmp(import.name, name) == 0) {
+        if (import.original != nullptr) {
+          *import.original = reinterpret_cast<void*>(entry);
+        }
+        replacement = import.replacement;
+      }
     }
   }
   DWORD before = 0;
@@ -236,30 +133,12 @@ void Replace(const char* name, ULONGLONG& entry) {
   }
 }
 
-void ReadPlan() {
-  constexpr LONG64 kMillisecondsPerSecond = 1000;
-  constexpr std::array kActions{
-      std::pair("kill:", Action::kKill), std::pair("tear:", Action::kTear),
-      std::pair("once:", Action::kOnce), std::pair("ever:", Action::kEver)};
-  const char* const time = std::getenv("VOXTREL_FAULT_TIME");
-  g_state.milliseconds = (time == nullptr ? 0 : std::atoll(time)) * kMillisecondsPerSecond;
-  if (const char* const log = std::getenv("VOXTREL_FAULT_LOG")) {
-    g_state.log = std::fopen(log, "wb");
-  }
-  const char* const plan = std::getenv("VOXTREL_FAULT");
-  for (const auto& [word, action] : kActions) {
-    if (plan != nullptr && std::strncmp(plan, word, std::strlen(word)) == 0) {
-      char* end = nullptr;
-      g_state.action = action;
-      g_state.number = std::strtol(plan + std::strlen(word), &end, 10);
-      g_state.error = *end == ':' ? static_cast<DWORD>(std::atol(end + 1)) : 0;
-    }
-  }
-}
-
 }  // namespace
 
 void TakeCalls() {
+  constexpr LONG64 kMillisecondsPerSecond = 1000;
+  const char* const time = std::getenv("VOXTREL_FAULT_TIME");
+  g_milliseconds = (time == nullptr ? 0 : std::atoll(time)) * kMillisecondsPerSecond;
   ReadPlan();
   auto* const base = reinterpret_cast<BYTE*>(::GetModuleHandleW(nullptr));
   const auto* const header = reinterpret_cast<const IMAGE_NT_HEADERS*>(
@@ -277,9 +156,9 @@ void TakeCalls() {
       }
     }
   }
-  g_state.isActive = true;
+  SetActive(true);
 }
 
-void LeaveCalls() { g_state.isActive = false; }
+void LeaveCalls() { SetActive(false); }
 
 }  // namespace faults

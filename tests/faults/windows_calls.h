@@ -8,7 +8,9 @@
 //   VOXTREL_FAULT_LOG   file that gets a line for every counted call: its name, whether it changes
 //                       something, and the errors that it can have
 //   VOXTREL_FAULT_TIME  seconds that have passed on the program's clocks when it begins
-//   VOXTREL_FAULT       ACTION:N[:ERROR], with the actions kill, tear, once and ever
+//   VOXTREL_FAULT       ACTION:N[:ERROR], with the actions kill, tear, once and ever; and
+//                       keep:N, wave devices give no header back from their N-th call on;
+//                       lose:N, the microphone is gone after N milliseconds of a recording
 //
 // The program's clocks stand still but for what it sleeps. A killed program has kExitOfKilled.
 namespace faults {
