@@ -62,8 +62,8 @@ class WindowsMachine(Machine):
         return calls
 
     def faults_of_devices(self, calls):
-        # From a call on they give no header back. Or the microphone goes away while it records, a second
-        # or more before the end: of what comes later enough is there.
+        # From a call on they give no header back. Or the microphone goes away while it records, more than
+        # a second before the end: later it is not known from one that is slow.
         numbers = range(1, 1 + sum(call.kind.startswith("wave") for call in calls))
         lengths = range(100, 2000, 100) if any(call.kind == "waveInStart" for call in calls) else []
         return [f"keep:{number}" for number in numbers] + [f"lose:{length}" for length in lengths]
