@@ -3,7 +3,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "dialer/callee.h"
 #include "tests/dialer/taught_store.h"
+#include "tests/machine/simulated_contacts.h"
+#include "tests/support/half_written.h"
 #include "tests/support/results.h"
 #include "tests/support/watched_registry.h"
 
@@ -82,6 +85,34 @@ TEST_F(TaughtTagsTest, NoFileStaysOpen) {
   TeachThree();
   const TaughtTags taught = Read();
   EXPECT_EQ(m_store.files.CountOpenHandles(), 0U);
+}
+
+TEST_F(TaughtTagsTest, OfAHalfWrittenEntryNobodyIsCalledAndTheOthersStay) {
+  machine::SimulatedContact ann{.oid = 17, .firstName = u"Ann"};
+  ann.Number(platform::PhoneKind::kMobile) = u"555";
+  machine::SimulatedContacts contacts;
+  contacts.Add(ann);
+  ASSERT_TRUE(contacts.Initialize() && contacts.Connect() && contacts.Logon());
+  TeachThree();
+  for (const support::HalfWritten& entry : support::HalfWrittenEntries()) {
+    ASSERT_TRUE(m_store.registry.DeleteKey(storage::EntryPath(u"-200")));
+    entry.write(m_store.registry, u"-200");
+    const TaughtTags taught = Read();
+    EXPECT_THAT(taught.passedOver, IsEmpty()) << entry.what;
+    ASSERT_EQ(taught.tags.size(), entry.isThere ? 3U : 2U) << entry.what;
+    EXPECT_EQ(taught.tags[0].oid, 17);
+    EXPECT_EQ(taught.tags[1].oid, 19);
+    if (entry.isThere) {
+      const auto& half = taught.tags[2];
+      const auto callee = dialer::FindCallee(
+          &contacts, {.tag = half.name, .oid = half.oid, .phoneKind = half.phoneKind});
+      const bool isWhole = entry.namesContact && entry.namesKind;
+      EXPECT_EQ(callee.fault.empty(), isWhole) << entry.what;
+      EXPECT_EQ(callee.number, isWhole ? u"555" : u"") << entry.what;
+    } else {
+      m_store.PutEntry(u"-200", -18);
+    }
+  }
 }
 
 TEST_F(TaughtTagsTest, TornTemplatesAndFilesThatAreNoRecordingsArePassedOver) {

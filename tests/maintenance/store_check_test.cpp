@@ -7,6 +7,7 @@
 #include "storage/registry_keys.h"
 #include "storage/tag_store.h"
 #include "tests/maintenance/session_fixture.h"
+#include "tests/support/half_written.h"
 #include "tests/support/registry_access.h"
 #include "tests/support/results.h"
 #include "tests/support/watched_file_system.h"
@@ -104,6 +105,28 @@ TEST_F(StoreCheck, FindsTagsWithoutFiles) {
   Delete(storage::WavePath(u"100"));
   Delete(storage::TemplatePath(u"200"));
   EXPECT_EQ(Check(), (Texts{u"no-recording 100", u"no-template 200"}));
+}
+
+TEST_F(StoreCheck, SaysWhatAHalfWrittenEntryLacks) {
+  Learn(u"100", 1);
+  Learn(u"200", 2);
+  for (const support::HalfWritten& entry : support::HalfWrittenEntries()) {
+    ASSERT_TRUE(m_machine.registry.DeleteKey(storage::EntryPath(u"200")));
+    entry.write(m_machine.registry, u"200");
+    Texts lacks;
+    if (!entry.isThere) {
+      lacks = {u"recording-without-tag 200", u"template-without-tag 200"};
+    } else {
+      if (!entry.namesContact) {
+        lacks.push_back(u"contact 200");
+      }
+      if (!entry.namesKind) {
+        lacks.push_back(u"phone-type 200");
+      }
+    }
+    EXPECT_EQ(Check(), lacks) << entry.what;
+    static_cast<void>(m_machine.registry.CreateKey(storage::EntryPath(u"200")));
+  }
 }
 
 TEST_F(StoreCheck, FindsFilesWithoutATag) {

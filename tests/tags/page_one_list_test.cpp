@@ -1,6 +1,7 @@
 #include "resources/fault_strings.h"
 #include "storage/registry_keys.h"
 #include "storage/tag_record.h"
+#include "tests/support/half_written.h"
 #include "tests/support/results.h"
 #include "tests/support/watched_file_system.h"
 #include "tests/support/watched_registry.h"
@@ -72,6 +73,27 @@ TEST_F(PageOneList, OneStaleTagAmongThreeIsCleanedAwayButStillCounted) {
   EXPECT_EQ(dialog.GetText(kCountLabelId), u"Learned commands: 3");
   EXPECT_EQ(m_page->GetTags().GetRecord(1)->GetTagName(), u"300");
   EXPECT_EQ(m_page->GetTags().GetRecord(2)->GetTagName(), u"");
+}
+
+TEST_F(PageOneList, AHalfWrittenEntryHasALineStaysAndEndsNothing) {
+  for (const support::HalfWritten& entry : support::HalfWrittenEntries()) {
+    Close();
+    static_cast<void>(m_machine.registry.DeleteKey(storage::kTagKey));
+    PutTag(u"100", kAnn, u"Mobile");
+    entry.write(m_machine.registry, u"200");
+    PutTag(u"300", kBob, u"Home");
+    const Texts lines = Open().GetItems(kTagListId);
+    ASSERT_EQ(lines.size(), entry.isThere ? 3U : 2U) << entry.what;
+    EXPECT_EQ(lines.front(), u"Ann Lee 5551234 M");
+    EXPECT_EQ(lines.back(), u"Bob Ray 5550001 H");
+    if (entry.isThere) {
+      EXPECT_EQ(lines[1], !entry.namesContact ? u"200"
+                          : entry.namesKind   ? u"Ann Lee 5551234 M"
+                                              : u"Ann Lee")
+          << entry.what;
+      EXPECT_EQ(GetEntries(), (Texts{u"100", u"200", u"300"})) << entry.what;
+    }
+  }
 }
 
 TEST_F(PageOneList, AStaleTagThatCannotBeDeletedEndsTheLoad) {

@@ -6,6 +6,7 @@
 #include "tests/machine/memory_file_system.h"
 #include "tests/machine/memory_registry.h"
 #include "tests/machine/simulated_contacts.h"
+#include "tests/support/half_written.h"
 #include "tests/support/registry_access.h"
 #include "tests/support/results.h"
 #include "tests/support/watched_registry.h"
@@ -114,6 +115,30 @@ TEST_F(TagReader, AFailureOfTheStoreIsNeverAShorterListNorAnotherTagsText) {
     for (const ListedTag& tag : *tags) {
       EXPECT_EQ(tag.text, tag.error ? tag.name : u"Ann Lee 555 M");
     }
+  }
+}
+
+TEST_F(TagReader, AHalfWrittenEntryIsHalfATagWithALineAndHidesNoOther) {
+  for (const support::HalfWritten& entry : support::HalfWrittenEntries()) {
+    machine::MemoryRegistry registry;
+    const storage::TagStore store(m_files, registry);
+    ASSERT_EQ(support::ErrorOf(store.WriteEntry(u"100", 17, u"Mobile")), std::nullopt);
+    entry.write(registry, u"200");
+    ASSERT_EQ(support::ErrorOf(store.WriteEntry(u"300", 17, u"Mobile")), std::nullopt);
+    const auto tags = ReadTags(store, &m_contacts).value();
+    ASSERT_EQ(tags.size(), entry.isThere ? 3U : 2U) << entry.what;
+    EXPECT_EQ(tags.front().text, u"Ann Lee 555 M");
+    EXPECT_EQ(tags.back().text, u"Ann Lee 555 M");
+    if (entry.isThere) {
+      const ListedTag& half = tags[1];
+      EXPECT_FALSE(half.isStale) << entry.what << ": the page deletes stale tags.";
+      EXPECT_FALSE(half.error || half.failure) << entry.what;
+      EXPECT_EQ(half.text, !entry.namesContact ? u"200"
+                           : entry.namesKind   ? u"Ann Lee 555 M"
+                                               : u"Ann Lee")
+          << entry.what;
+    }
+    EXPECT_EQ(FindOidsInUse(store).value().size(), entry.namesContact ? 3U : 2U) << entry.what;
   }
 }
 

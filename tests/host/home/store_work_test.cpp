@@ -13,6 +13,7 @@
 #include "platform/threads.h"
 #include "tags/page_one.h"
 #include "tests/host/home/work_fixture.h"
+#include "tests/support/half_written.h"
 
 namespace home {
 namespace {
@@ -498,6 +499,33 @@ TEST_F(StoreWorkTest, ATagWithoutItsContactIsStaleAndKeepsItsPlace) {
   ASSERT_THAT(m_shelf->tags, SizeIs(1));
   EXPECT_TRUE(m_shelf->tags[0].isStale);
   EXPECT_EQ(m_shelf->tags[0].contact, ann);
+}
+
+TEST_F(StoreWorkTest, AHalfWrittenTagHasItsPlaceAndHidesNoOther) {
+  std::filesystem::create_directory(m_options.root);
+  Begin();
+  const std::int32_t ann = Oid(u"Ann Lee");
+  for (const support::HalfWritten& entry : support::HalfWrittenEntries(ann)) {
+    static_cast<void>(Registry().DeleteKey(storage::kTagKey));
+    PutEntry(u"100", Oid(u"Bob Ray"), u"Home");
+    {
+      auto registry = Registry();
+      entry.write(registry, u"200");
+    }
+    const int before = m_loads;
+    m_work->Load();
+    Await([&] { return m_loads > before; });
+    ASSERT_NE(Find(u"100"), nullptr) << entry.what;
+    EXPECT_EQ(Find(u"100")->contact, u"Bob Ray");
+    const Tag* const half = Find(u"200");
+    ASSERT_EQ(half != nullptr, entry.isThere) << entry.what;
+    if (half != nullptr) {
+      EXPECT_EQ(half->contact, entry.namesContact ? u"Ann Lee" : u"200") << entry.what;
+      EXPECT_EQ(half->number, entry.namesContact && entry.namesKind ? u"5551234" : u"")
+          << entry.what;
+      EXPECT_FALSE(half->isStale) << entry.what;
+    }
+  }
 }
 
 TEST_F(StoreWorkTest, AStaleTagThatIsDeletedCanComeBack) {
