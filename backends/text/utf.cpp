@@ -1,6 +1,7 @@
 #include "backends/text/utf.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -52,26 +53,42 @@ Sequence Decode(std::string_view bytes) {
   return {length, character};
 }
 
-void Append(std::string& utf8, char32_t character) {
-  const auto continuation = [&](int shift) {
-    utf8.push_back(static_cast<char>(0x80 | ((character >> shift) & 0x3F)));
-  };
+/// Writes one character as UTF-8. Returns the place after it.
+char* Put(char* to, char32_t character) {
+  const auto put = [&to](char32_t byte) { *to++ = static_cast<char>(byte); };
+  const auto continuation = [&](int shift) { put(0x80 | ((character >> shift) & 0x3F)); };
   if (character < 0x80) {
-    utf8.push_back(static_cast<char>(character));
+    put(character);
   } else if (character < 0x800) {
-    utf8.push_back(static_cast<char>(0xC0 | (character >> 6)));
+    put(0xC0 | (character >> 6));
     continuation(0);
   } else if (character < 0x10000) {
-    utf8.push_back(static_cast<char>(0xE0 | (character >> 12)));
+    put(0xE0 | (character >> 12));
     continuation(6);
     continuation(0);
   } else {
-    utf8.push_back(static_cast<char>(0xF0 | (character >> 18)));
+    put(0xF0 | (character >> 18));
     continuation(12);
     continuation(6);
     continuation(0);
   }
+  return to;
 }
+
+/// Writes one character as UTF-16. Returns the place after it.
+char16_t* Put(char16_t* to, char32_t character) {
+  if (character < 0x10000) {
+    *to++ = static_cast<char16_t>(character);
+  } else {
+    const char32_t offset = character - 0x10000;
+    *to++ = static_cast<char16_t>(0xD800 + (offset >> 10));
+    *to++ = static_cast<char16_t>(0xDC00 + (offset & 0x3FF));
+  }
+  return to;
+}
+
+/// A unit of UTF-16 takes at most three bytes of UTF-8.
+constexpr std::size_t kMostBytesOfUnit = 3;
 
 /// Returns how many bytes at the start of `bytes` are ASCII. Nearly all text is, so they are taken
 /// eight at a time.
@@ -106,34 +123,34 @@ std::size_t CountAscii(std::u16string_view text) {
   return count;
 }
 
-/// Appends units of one width, all of them ASCII, to a text of the other.
+/// Writes units of one width, all of them ASCII, as those of the other. Returns the place after
+/// them.
 template <typename To, typename From>
-void AppendAscii(To& to, From from) {
-  const std::size_t before = to.size();
-  to.resize(before + from.size());
-  std::transform(from.begin(), from.end(), to.begin() + static_cast<std::ptrdiff_t>(before),
-                 [](auto unit) { return static_cast<typename To::value_type>(unit); });
+To* PutAscii(To* to, From from) {
+  return std::transform(from.begin(), from.end(), to,
+                        [](auto unit) { return static_cast<To>(unit); });
 }
 
 /// `strayByte` gives the character that stands for a byte which is no part of well-formed UTF-8.
 template <typename StrayByte>
 std::u16string Convert(std::string_view utf8, StrayByte strayByte) {
-  std::u16string text;
-  text.reserve(utf8.size());
+  std::u16string text(utf8.size(), u'\0');
+  char16_t* to = text.data();
   while (true) {
     const std::size_t ascii = CountAscii(utf8);
-    AppendAscii(text, utf8.substr(0, ascii));
+    to = PutAscii(to, utf8.substr(0, ascii));
     utf8.remove_prefix(ascii);
     if (utf8.empty()) {
+      text.resize(static_cast<std::size_t>(to - text.data()));
       return text;
     }
     const Sequence sequence = Decode(utf8);
     if (sequence.length == 0) {
-      AppendCharacter(text, strayByte(ByteAt(utf8, 0)));
+      to = Put(to, strayByte(ByteAt(utf8, 0)));
       // One byte only. The next one may begin a sequence.
       utf8.remove_prefix(1);
     } else {
-      AppendCharacter(text, sequence.character);
+      to = Put(to, sequence.character);
       utf8.remove_prefix(sequence.length);
     }
   }
@@ -155,28 +172,30 @@ char32_t NextCharacter(std::u16string_view text, std::size_t& at) {
 }
 
 void AppendCharacter(std::u16string& text, char32_t character) {
-  if (character < 0x10000) {
-    text.push_back(static_cast<char16_t>(character));
-    return;
-  }
-  const char32_t offset = character - 0x10000;
-  text.push_back(static_cast<char16_t>(0xD800 + (offset >> 10)));
-  text.push_back(static_cast<char16_t>(0xDC00 + (offset & 0x3FF)));
+  std::array<char16_t, 2> units{};
+  text.append(units.data(), Put(units.data(), character));
 }
 
 std::string ToUtf8(std::u16string_view text) {
   std::string utf8;
-  utf8.reserve(text.size());
+  AppendUtf8(text, utf8);
+  return utf8;
+}
+
+void AppendUtf8(std::u16string_view text, std::string& utf8) {
+  const std::size_t before = utf8.size();
+  utf8.resize(before + text.size() * kMostBytesOfUnit);
+  char* to = utf8.data() + before;
   for (std::size_t at = 0; at < text.size();) {
     const std::size_t ascii = CountAscii(text.substr(at));
-    AppendAscii(utf8, text.substr(at, ascii));
+    to = PutAscii(to, text.substr(at, ascii));
     at += ascii;
     if (at < text.size()) {
       const char32_t character = NextCharacter(text, at);
-      Append(utf8, IsSurrogate(character) ? kReplacement : character);
+      to = Put(to, IsSurrogate(character) ? kReplacement : character);
     }
   }
-  return utf8;
+  utf8.resize(static_cast<std::size_t>(to - utf8.data()));
 }
 
 std::u16string FromUtf8(std::string_view utf8) {
@@ -204,17 +223,18 @@ std::u16string FromHostName(std::string_view name) {
 }
 
 std::string ToHostName(std::u16string_view text) {
-  std::string name;
-  name.reserve(text.size());
+  std::string name(text.size() * kMostBytesOfUnit, '\0');
+  char* to = name.data();
   for (std::size_t at = 0; at < text.size();) {
     const char32_t character = NextCharacter(text, at);
     // Bytes below 0x80 are never stray, so a surrogate for one, a "/" say, is not from a host name.
     if (character >= kByteBase + 0x80 && character <= kByteBase + 0xFF) {
-      name.push_back(static_cast<char>(character - kByteBase));
+      *to++ = static_cast<char>(character - kByteBase);
     } else {
-      Append(name, IsSurrogate(character) ? kReplacement : character);
+      to = Put(to, IsSurrogate(character) ? kReplacement : character);
     }
   }
+  name.resize(static_cast<std::size_t>(to - name.data()));
   return name;
 }
 

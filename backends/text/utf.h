@@ -8,6 +8,8 @@ namespace text {
 
 /// Returns the UTF-8 of a text. An unpaired surrogate becomes U+FFFD.
 [[nodiscard]] std::string ToUtf8(std::u16string_view text);
+/// Appends the same to `utf8`.
+void AppendUtf8(std::u16string_view text, std::string& utf8);
 
 /// Returns the UTF-16 of UTF-8. Each byte that is not part of well-formed UTF-8 becomes U+FFFD.
 [[nodiscard]] std::u16string FromUtf8(std::string_view utf8);

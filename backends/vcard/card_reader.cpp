@@ -11,7 +11,6 @@
 
 #include "backends/text/say.h"
 #include "backends/text/utf.h"
-#include "backends/vcard/ascii.h"
 #include "backends/vcard/charset.h"
 #include "backends/vcard/contact_keys.h"
 #include "resources/remark_strings.h"
@@ -19,19 +18,18 @@
 namespace vcard {
 namespace {
 
-using std::string_view_literals::operator""sv;
-
 /// Returns a text as it is shown: without blanks at its ends, and on one line.
 std::u16string ToShownText(std::string_view value) {
-  std::u16string shown = text::FromUtf8(value);
-  std::replace_if(
-      shown.begin(), shown.end(), [](char16_t c) { return c < u' '; }, u' ');
-  const std::size_t first = shown.find_first_not_of(u' ');
-  if (first == std::u16string::npos) {
-    return {};
+  const auto isUnseen = [](auto unit) { return unit <= ' ' && unit >= 0; };
+  while (!value.empty() && isUnseen(value.front())) {
+    value.remove_prefix(1);
   }
-  shown.erase(shown.find_last_not_of(u' ') + 1);
-  shown.erase(0, first);
+  while (!value.empty() && isUnseen(value.back())) {
+    value.remove_suffix(1);
+  }
+  std::u16string shown = text::FromUtf8(value);
+  std::ranges::replace_if(
+      shown, [](char16_t c) { return c < u' '; }, u' ');
   return shown;
 }
 
@@ -114,18 +112,18 @@ std::u16string NumberOf(const ContentLine& line, Rules rules) {
     if (rules == Rules::kNow && !number.empty() && !extension.empty()) {
       number += ',' + extension;  // A pause before it, as phones write one.
     }
-    return ToShownNumber(GuessUtf8(number), rules);
+    return ToShownNumber(DecodeText(number).text, rules);
   }
   const bool hasOtherScheme = line.isUri && trimmed.find(':') != std::string_view::npos;
   return hasOtherScheme ? std::u16string() : ToShownNumber(trimmed, rules);
 }
 
 bool IsTelephone(const ContentLine& line) {
-  return line.name == "TEL"sv || line.name == "X-MS-TEL"sv;
+  return line.name == LineName::kTelephone || line.name == LineName::kOutlookTelephone;
 }
 
 /// Returns the first value of a line of that name that is not empty.
-std::u16string FirstOf(const Card& card, std::string_view name) {
+std::u16string FirstOf(const Card& card, LineName name) {
   for (const ContentLine& line : card) {
     if (line.name == name) {
       if (std::u16string value = ToShownText(WholeValue(line)); !value.empty()) {
@@ -138,7 +136,7 @@ std::u16string FirstOf(const Card& card, std::string_view name) {
 
 /// Returns the name that stands for a contact without any name or company.
 std::u16string SubstituteName(const Card& card) {
-  for (const std::string_view name : {"NICKNAME", "EMAIL"}) {
+  for (const LineName name : {LineName::kNickname, LineName::kEmail}) {
     if (std::u16string value = FirstOf(card, name); !value.empty()) {
       return value;
     }
@@ -156,24 +154,24 @@ std::u16string SubstituteName(const Card& card) {
 // FN is the whole name, which programs also fill from the company. It only counts if N is missing
 // or empty, and not if it repeats the company.
 void TakeNames(const Card& card, Rules rules, ContactData& contact) {
-  const auto first = [&card](std::string_view name) {
+  const auto first = [&card](LineName name) {
     return std::find_if(card.begin(), card.end(),
                         [name](const ContentLine& line) { return line.name == name; });
   };
-  if (const auto name = first("N"); name != card.end()) {
+  if (const auto name = first(LineName::kName); name != card.end()) {
     const bool isSpaced = rules == Rules::kNow && !name->spacedComponents.empty();
     const auto& components = isSpaced ? name->spacedComponents : name->components;
     contact.lastName = Component(components, 0);
     contact.firstName = Component(components, 1);
     contact.middleName = rules == Rules::kNow ? Component(components, 2) : FormerMiddleName(*name);
   }
-  if (const auto company = first("ORG"); company != card.end()) {
+  if (const auto company = first(LineName::kCompany); company != card.end()) {
     contact.companyName = Component(company->components, 0);
   }
   if (!contact.firstName.empty() || !contact.middleName.empty() || !contact.lastName.empty()) {
     return;
   }
-  contact.firstName = FirstOf(card, "FN");
+  contact.firstName = FirstOf(card, LineName::kFullName);
   if (contact.firstName == contact.companyName) {
     contact.firstName.clear();
   }
@@ -182,50 +180,53 @@ void TakeNames(const Card& card, Rules rules, ContactData& contact) {
   }
 }
 
-// A label in the user's own words may stand on a line of its own, in the same group as the number.
-// So the labels are gathered before the numbers.
-void TakeNumbers(const Card& card, Rules rules, ContactData& contact) {
-  std::map<std::string, std::string> labels;  // By group.
+using LabelOfLine = std::map<std::string_view, const ContentLine*>;
+
+/// A label in the user's own words may stand on a line of its own, in the same group as the number.
+LabelOfLine LabelsOf(const Card& card) {
+  LabelOfLine labels;
   for (const ContentLine& line : card) {
-    if (line.name == "X-ABLABEL"sv && !line.group.empty()) {
-      labels[line.group] = WholeValue(line);
+    if (line.name == LineName::kLabel && !line.group.empty()) {
+      labels[line.group] = &line;
     }
   }
-  const auto append = rules == Rules::kNow ? AppendLabel : AppendWords;
+  return labels;
+}
+
+void TakeNumbers(const Card& card, Rules rules, ContactData& contact) {
+  const LabelOfLine labels = LabelsOf(card);
+  const auto wordsOf = rules == Rules::kNow ? WordsOfLabel : WordsOf;
   std::vector<TelephoneLine> telephones;
-  std::vector<std::size_t> lines;
   telephones.reserve(card.size());
-  lines.reserve(card.size());
   for (const ContentLine& line : card) {
     std::u16string number = IsTelephone(line) ? NumberOf(line, rules) : std::u16string();
     if (number.empty()) {
       continue;
     }
-    telephones.push_back({std::move(number), line.words, line.name != "TEL"sv, line.preference});
-    lines.push_back(line.number);
+    const bool needsKind = line.name != LineName::kTelephone;
+    telephones.push_back({std::move(number), line.words, needsKind, line.preference, line.number});
     if (!line.label.empty()) {
-      append(line.label, telephones.back().words);
+      telephones.back().words |= wordsOf(line.label);
     }
-    const auto label = labels.find(line.group);
-    if (label != labels.end()) {
-      append(label->second, telephones.back().words);
+    if (const auto label = labels.find(line.group); label != labels.end()) {
+      telephones.back().words |= wordsOf(WholeValue(*label->second));
     }
   }
   AssignedNumbers assigned = AssignNumbers(telephones, rules);
   contact.numbers = std::move(assigned.numbers);
   for (const std::size_t index : assigned.unplaced) {
-    contact.unplaced.push_back({telephones[index].number, lines[index]});
+    contact.unplaced.push_back({telephones[index].number, telephones[index].place});
   }
 }
 
 /// Returns the card with its values as former versions read them. Returns nothing if they are the
 /// same.
-std::optional<Card> FormerCard(const Card& card) {
+std::optional<std::vector<ContentLine>> FormerCard(const Card& card) {
   if (std::all_of(card.begin(), card.end(),
                   [](const ContentLine& line) { return line.formerComponents.empty(); })) {
     return std::nullopt;
   }
-  Card former = card;
+  std::vector<ContentLine> former(card.begin(), card.end());
   for (ContentLine& line : former) {
     if (!line.formerComponents.empty()) {
       line.components = std::move(line.formerComponents);
@@ -249,11 +250,11 @@ bool MayReadOtherwise(const Card& card) {
   for (const ContentLine& line : card) {
     const bool isOdd = IsTelephone(line) && (line.preference > 0 || !line.label.empty() ||
                                              line.components.size() > 1 || Holds(line, ';'));
-    if (isOdd || !line.formerComponents.empty() || line.name == "X-ABLABEL"sv) {
+    if (isOdd || !line.formerComponents.empty() || line.name == LineName::kLabel) {
       return true;
     }
-    name = name == nullptr && line.name == "N"sv ? &line : name;
-    mobiles += std::ranges::find(line.words, "CELL") != line.words.end() ? 1U : 0U;
+    name = name == nullptr && line.name == LineName::kName ? &line : name;
+    mobiles += (line.words & kCellWord) != 0 ? 1U : 0U;
   }
   return mobiles > 1 || name == nullptr || Holds(*name, ',') ||
          (Component(name->components, 0).empty() && Component(name->components, 1).empty());
@@ -272,7 +273,7 @@ bool SaysTheSame(const ContactData& a, const ContactData& b) {
 ContactData ToContactData(const Card& card) {
   ContactData contact;
   for (const ContentLine& line : card) {
-    if (line.name == "UID"sv && contact.uid.empty()) {
+    if (line.name == LineName::kUid && contact.uid.empty()) {
       contact.uid = ToUid(WholeValue(line));
     }
   }
@@ -286,8 +287,8 @@ ContactData ToContactData(const Card& card) {
 
 std::string FormerContentOf(const Card& card, const ContactData& contact) {
   ContactData former;
-  const std::optional<Card> readOtherwise = FormerCard(card);
-  const Card& formerCard = readOtherwise ? *readOtherwise : card;
+  const auto readOtherwise = FormerCard(card);
+  const Card formerCard = readOtherwise ? Card(*readOtherwise) : card;
   TakeNames(formerCard, Rules::kFormer, former);
   TakeNumbers(formerCard, Rules::kFormer, former);
   return SaysTheSame(contact, former) ? std::string() : ContentOf(former);

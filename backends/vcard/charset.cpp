@@ -6,8 +6,6 @@
 #include <utility>
 
 #include "backends/text/utf.h"
-#include "backends/vcard/ascii.h"
-#include "backends/vcard/system_conversions.h"
 
 namespace vcard {
 namespace {
@@ -38,6 +36,9 @@ bool IsMember(const Family& family, std::string_view name) {
 }
 
 bool IsKnownCharset(std::string_view name) {
+  if (name.empty()) {
+    return false;
+  }
   const std::string upper = ToUpper(name);
   return std::find(kSingleSets.begin(), kSingleSets.end(), upper) != kSingleSets.end() ||
          std::any_of(kFamilies.begin(), kFamilies.end(),
@@ -46,6 +47,11 @@ bool IsKnownCharset(std::string_view name) {
 
 /// Returns nothing if address books do not write the set.
 std::optional<Converted> ConvertFrom(std::string_view charset, std::string_view text) {
+  // The converter would give the same, and most texts are of this set.
+  if ((EqualIgnoringCase(charset, "UTF-8") || EqualIgnoringCase(charset, "UTF8")) &&
+      text::IsUtf8(text)) {
+    return Converted{std::string(text)};
+  }
   return IsKnownCharset(charset) ? ConvertBySystem(std::string(charset), std::string(text))
                                  : std::nullopt;
 }
@@ -69,21 +75,20 @@ bool IsFirstSurrogate(char16_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; 
 
 }  // namespace
 
-std::optional<std::string> ToUtf8(std::string_view text, std::string_view charset) {
-  auto converted = ConvertFrom(charset, text);
-  const bool isOfSet =
-      converted && (converted->isWhole || !(IsUnicode(charset) || text::IsUtf8(text)));
-  if (!isOfSet) {
-    return std::nullopt;
+DecodedText DecodeText(std::string_view text, std::string_view charset) {
+  auto named = ConvertFrom(charset, text);
+  if (named && (named->isWhole || !(IsUnicode(charset) || text::IsUtf8(text)))) {
+    return {std::move(named->text), named->isWhole && !IsStateful(charset)};
   }
-  return std::move(converted->text);
-}
-
-std::string GuessUtf8(std::string_view text) {
-  if (text::IsUtf8(text) || HasUtf8Beyond7Bits(text)) {
-    return std::string(text);
+  if (text::IsUtf8(text)) {
+    return {std::string(text)};
   }
-  return ToUtf8(text, kLegacyCharset).value_or(std::string(text));
+  if (!HasUtf8Beyond7Bits(text)) {
+    if (auto legacy = ConvertFrom(kLegacyCharset, text)) {
+      return {std::move(legacy->text), legacy->isWhole};
+    }
+  }
+  return {std::string(text), false};
 }
 
 std::string FormerUtf8(std::string_view text, std::string_view charset) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -9,17 +10,74 @@
 
 namespace vcard {
 
-/// Returns `text` in UTF-8, with U+FFFD for each byte that means nothing in the set. Returns
-/// nothing if there is such a byte and either the set is UTF-8 or ASCII, or the text is UTF-8 as it
-/// stands, so that the name of the set is wrong. Returns nothing either if the set is none of those
-/// that address books write. Other names are not handed to the system's converter: a file must not
-/// choose which of its hundreds of modules is loaded.
-[[nodiscard]] std::optional<std::string> ToUtf8(std::string_view text, std::string_view charset);
+// The keywords of vCards are ASCII and compared without regard to case, in every language.
 
-/// Returns the UTF-8 of a text that names no character set. The text stays as it stands if some
-/// character beyond ASCII is UTF-8, even if single bytes are not. Otherwise it is read in the set
-/// of the old western Windows programs, which did not name theirs.
-[[nodiscard]] std::string GuessUtf8(std::string_view text);
+[[nodiscard]] constexpr char ToUpper(char c) {
+  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
+[[nodiscard]] inline std::string ToUpper(std::string_view text) {
+  std::string upper(text);
+  std::transform(upper.begin(), upper.end(), upper.begin(), [](char c) { return ToUpper(c); });
+  return upper;
+}
+
+[[nodiscard]] constexpr bool EqualIgnoringCase(std::string_view a, std::string_view b) {
+  return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
+           return ToUpper(x) == ToUpper(y);
+         });
+}
+
+[[nodiscard]] inline bool ContainsIgnoringCase(std::string_view text, std::string_view part) {
+  return std::search(text.begin(), text.end(), part.begin(), part.end(),
+                     [](char x, char y) { return ToUpper(x) == ToUpper(y); }) != text.end();
+}
+
+[[nodiscard]] constexpr bool IsAlphanumeric(char c) {
+  return (c >= '0' && c <= '9') || (ToUpper(c) >= 'A' && ToUpper(c) <= 'Z');
+}
+
+[[nodiscard]] constexpr bool IsControl(char c) { return (c >= '\0' && c < ' ') || c == '\x7F'; }
+
+[[nodiscard]] constexpr bool IsBlank(char c) { return c == ' ' || c == '\t'; }
+
+[[nodiscard]] constexpr std::string_view Trim(std::string_view text) {
+  while (!text.empty() && IsBlank(text.front())) {
+    text.remove_prefix(1);
+  }
+  while (!text.empty() && IsBlank(text.back())) {
+    text.remove_suffix(1);
+  }
+  return text;
+}
+
+struct Converted {
+  std::string text;     ///< UTF-8. What is nothing in the set is U+FFFD.
+  bool isWhole = true;  ///< Every byte was something in the set.
+};
+
+/// Returns `text`, whose bytes are in the set `charset`, in UTF-8. Returns nothing if this system
+/// does not know the set. Each system has one source file with this and with ComputeDigest, and the
+/// build chooses it.
+[[nodiscard]] std::optional<Converted> ConvertBySystem(const std::string& charset,
+                                                       std::string text);
+
+/// A text in UTF-8.
+struct DecodedText {
+  std::string text;
+  bool isAsBefore = true;  ///< FormerUtf8 gives the same.
+};
+
+/// Returns a text whose bytes are in the set `charset`, with U+FFFD for each byte that means
+/// nothing in it. The name counts for nothing if there is such a byte and either the set is UTF-8
+/// or ASCII, or the text is UTF-8 as it stands. It counts for nothing either if address books do
+/// not write that set: a file must not choose which of the hundreds of modules of the system's
+/// converter is loaded.
+///
+/// A text without a name that counts stays as it stands if some character beyond ASCII is UTF-8,
+/// even if single bytes are not. Otherwise it is read in the set of the old western Windows
+/// programs, which did not name theirs.
+[[nodiscard]] DecodedText DecodeText(std::string_view text, std::string_view charset = {});
 
 /// Returns what former versions made of the text. They did not know ISO-2022-JP, and gave up a set
 /// at the first byte that means nothing in it.

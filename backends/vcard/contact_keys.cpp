@@ -78,9 +78,7 @@ std::string ContentOf(const ContactData& contact) {
   content.reserve(kUsualLength);
   const auto add = [&content](const std::u16string& part) {
     content += '\n';
-    if (!part.empty()) {
-      content += text::ToUtf8(part);
-    }
+    text::AppendUtf8(part, content);
   };
   add(contact.lastName);
   add(contact.firstName);

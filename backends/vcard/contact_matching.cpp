@@ -143,6 +143,9 @@ class Matching {
 constexpr Key kNoKey = Matching::kNoKey;
 
 void MatchByUid(std::span<const CardKeys> cards, Matching& matching) {
+  if (std::ranges::all_of(cards, [](const CardKeys& card) { return card.uid == kNoDigest; })) {
+    return;  // Most phones write none.
+  }
   matching.MatchEqual(
       [](const Person& known) {
         return known.uid == kNoDigest ? kNoKey : Key{known.uid, known.name, known.content};

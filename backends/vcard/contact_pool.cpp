@@ -17,19 +17,38 @@ constexpr std::size_t kBlockBytes = std::size_t{256} * 1024;
 constexpr unsigned kLengthBits = 7;
 constexpr unsigned kMostLengthBytes = 4;
 
-void PutBytes(std::vector<std::byte>& run, const void* bytes, std::size_t count) {
-  const auto* const first = static_cast<const std::byte*>(bytes);
-  run.insert(run.end(), first, first + count);
+std::size_t CountLengthBytes(std::size_t bytes) {
+  std::size_t count = 1;
+  for (; bytes >> kLengthBits != 0; bytes >>= kLengthBits) {
+    ++count;
+  }
+  return count;
 }
 
-void PutText(std::vector<std::byte>& run, const void* text, std::size_t bytes) {
-  std::size_t rest = bytes;
-  for (; rest >> kLengthBits != 0; rest >>= kLengthBits) {
-    run.push_back(static_cast<std::byte>(rest | 1U << kLengthBits));
+/// Writes a run into room that was counted before.
+class RunWriter {
+ public:
+  explicit RunWriter(std::byte* to) : m_to(to) {}
+
+  void Put(const void* bytes, std::size_t count) {
+    if (count > 0) {
+      std::memcpy(m_to, bytes, count);
+      m_to += count;
+    }
   }
-  run.push_back(static_cast<std::byte>(rest));
-  PutBytes(run, text, bytes);
-}
+
+  void PutText(const void* text, std::size_t bytes) {
+    std::size_t rest = bytes;
+    for (; rest >> kLengthBits != 0; rest >>= kLengthBits) {
+      *m_to++ = static_cast<std::byte>(rest | 1U << kLengthBits);
+    }
+    *m_to++ = static_cast<std::byte>(rest);
+    Put(text, bytes);
+  }
+
+ private:
+  std::byte* m_to;
+};
 
 /// Reads a run. After the first thing that does not fit, everything is empty.
 class RunReader {
@@ -104,32 +123,37 @@ ContactPool::ContactPool(const std::vector<ContactData>& contacts) {
 }
 
 void ContactPool::Add(const ContactData& contact) {
-  constexpr std::size_t kUsualBytes = 512;
-  std::vector<std::byte> run;
-  run.reserve(kUsualBytes);
   const ContactSigns signs = SignsOf(contact);
-  PutBytes(run, &signs, sizeof signs);
-  ForEachText(contact, [&run](const auto& text) {
-    PutText(run, text.data(), text.size() * sizeof text[0]);
+  std::size_t size = sizeof signs;
+  ForEachText(contact, [&size](const auto& text) {
+    const std::size_t bytes = text.size() * sizeof text[0];
+    size += CountLengthBytes(bytes) + bytes;
   });
-  AddRun(run);
+  RunWriter writer(AddRun(size));
+  writer.Put(&signs, sizeof signs);
+  ForEachText(contact, [&writer](const auto& text) {
+    writer.PutText(text.data(), text.size() * sizeof text[0]);
+  });
 }
 
 void ContactPool::Add(const ContactPool& other, std::size_t index) {
   const auto run = other.From(other.m_places[index]);
   RunReader reader(run);
   Pass(reader);
-  AddRun(run.first(run.size() - reader.CountLeft()));
+  const std::size_t size = run.size() - reader.CountLeft();
+  RunWriter(AddRun(size)).Put(run.data(), size);
 }
 
-void ContactPool::AddRun(std::span<const std::byte> run) {
-  if (m_blocks.empty() || m_blocks.back().capacity() - m_blocks.back().size() < run.size()) {
-    m_blocks.emplace_back().reserve(std::max(kBlockBytes, run.size()));
+std::byte* ContactPool::AddRun(std::size_t size) {
+  if (m_blocks.empty() || m_blocks.back().capacity() - m_blocks.back().size() < size) {
+    m_blocks.emplace_back().reserve(std::max(kBlockBytes, size));
   }
   std::vector<std::byte>& block = m_blocks.back();
+  const std::size_t offset = block.size();
   m_places.push_back(
-      {static_cast<std::uint32_t>(m_blocks.size() - 1), static_cast<std::uint32_t>(block.size())});
-  block.insert(block.end(), run.begin(), run.end());
+      {static_cast<std::uint32_t>(m_blocks.size() - 1), static_cast<std::uint32_t>(offset)});
+  block.resize(offset + size);
+  return block.data() + offset;
 }
 
 std::optional<ContactPool> ContactPool::FromBytes(std::vector<std::byte> bytes, std::size_t start,

@@ -81,7 +81,8 @@ class ContactPool {
   };
 
   [[nodiscard]] std::span<const std::byte> From(const Place& place) const;
-  void AddRun(std::span<const std::byte> run);
+  /// Returns the room for another contact of so many bytes.
+  [[nodiscard]] std::byte* AddRun(std::size_t size);
 
   std::vector<std::vector<std::byte>> m_blocks;
   std::size_t m_start = 0;  ///< Of the contacts in the first block.

@@ -1,45 +1,46 @@
 #include "backends/vcard/content_line.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cstddef>
 #include <optional>
 #include <utility>
 
 #include "backends/text/utf.h"
-#include "backends/vcard/ascii.h"
 #include "backends/vcard/charset.h"
-#include "backends/vcard/telephone_kinds.h"
 
 namespace vcard {
 namespace {
 
-std::optional<int> HexDigit(char c) {
-  const char upper = ToUpper(c);
-  if (c >= '0' && c <= '9') {
-    return c - '0';
+constexpr int kNoDigit = -1;
+
+/// What each byte is worth as a hexadecimal digit.
+constexpr std::array<std::int8_t, 256> kHexDigits = [] {
+  std::array<std::int8_t, 256> digits{};
+  digits.fill(kNoDigit);
+  for (int i = 0; i < 16; ++i) {
+    const char digit = "0123456789ABCDEF"[i];
+    digits[static_cast<unsigned char>(digit)] = static_cast<std::int8_t>(i);
+    digits[static_cast<unsigned char>(digit | 0x20)] = static_cast<std::int8_t>(i);
   }
-  if (upper >= 'A' && upper <= 'F') {
-    return upper - 'A' + 10;
-  }
-  return std::nullopt;
-}
+  return digits;
+}();
 
 /// Replaces `mark` and two hexadecimal digits by the byte that they stand for.
 std::string DecodeHex(std::string_view text, char mark) {
-  std::string decoded;
+  const auto digit = [text](std::size_t at) {
+    return at < text.size() ? kHexDigits[static_cast<unsigned char>(text[at])] : kNoDigit;
+  };
+  std::string decoded(text.size(), '\0');
+  char* to = decoded.data();
   for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text[i] == mark && i + 2 < text.size()) {
-      const std::optional<int> high = HexDigit(text[i + 1]);
-      const std::optional<int> low = HexDigit(text[i + 2]);
-      if (high && low) {
-        decoded.push_back(static_cast<char>(*high * 16 + *low));
-        i += 2;
-        continue;
-      }
-    }
-    decoded.push_back(text[i]);
+    const int high = text[i] == mark ? digit(i + 1) : kNoDigit;
+    const int low = high != kNoDigit ? digit(i + 2) : kNoDigit;
+    *to++ = low == kNoDigit ? text[i] : static_cast<char>(high * 16 + low);
+    i += low == kNoDigit ? 0 : 2;
   }
+  decoded.resize(static_cast<std::size_t>(to - decoded.data()));
   return decoded;
 }
 
@@ -55,13 +56,12 @@ std::optional<char> Unescape(char next) {
   return kThemselves.find(next) != std::string_view::npos ? std::optional(next) : std::nullopt;
 }
 
-constexpr std::string_view kName = "N";
 constexpr std::size_t kNone = std::string_view::npos;
 constexpr std::string_view kCustomPrefix = "X-CUSTOM(";
 
 /// How the value of a line is written.
 struct Encoding {
-  std::string charset;
+  std::string_view charset;
   bool isQuotedPrintable = false;
   bool isBase64 = false;
 };
@@ -90,10 +90,17 @@ std::size_t FindOutside(std::string_view text, char wanted, bool parenthesesCoun
   return kNone;
 }
 
+bool IsUnwanted(char c) { return c == '"' || IsControl(c); }
+
 /// A type or a label may be quoted and, once it is decoded, hold anything.
 std::string WithoutQuotes(std::string text) {
-  std::erase_if(text, [](char c) { return c == '"' || IsControl(c); });
+  std::erase_if(text, IsUnwanted);
   return text;
+}
+
+Words WordsOfType(std::string_view type) {
+  return std::ranges::any_of(type, IsUnwanted) ? WordsOf(WithoutQuotes(std::string(type)))
+                                               : WordsOf(type);
 }
 
 /// Returns 0 if the value is no number from 1 to 100.
@@ -119,7 +126,7 @@ std::string CustomLabel(std::string_view parameter) {
     return std::string(label);
   }
   const std::size_t encoded = label.rfind(',');
-  return GuessUtf8(DecodeQuotedPrintable(label.substr(encoded + 1)));
+  return DecodeText(DecodeQuotedPrintable(label.substr(encoded + 1))).text;
 }
 
 void TakeParameter(std::string_view parameter, ContentLine& line, Encoding& encoding) {
@@ -129,21 +136,22 @@ void TakeParameter(std::string_view parameter, ContentLine& line, Encoding& enco
   }
   const std::size_t equals = parameter.find('=');
   const std::string_view name = Trim(parameter.substr(0, equals));
-  std::string value(equals == kNone ? parameter : Trim(parameter.substr(equals + 1)));
+  const std::string_view value = equals == kNone ? parameter : Trim(parameter.substr(equals + 1));
   if (EqualIgnoringCase(name, "CHARSET")) {
-    encoding.charset = std::move(value);
+    encoding.charset = value;
   } else if (EqualIgnoringCase(value, "QUOTED-PRINTABLE")) {
     encoding.isQuotedPrintable = true;
   } else if (IsBase64(name, value)) {
     encoding.isBase64 = true;
   } else if (equals == kNone || EqualIgnoringCase(name, "TYPE")) {
-    AppendWords(WithoutQuotes(std::move(value)), line.words);
+    line.words |= WordsOfType(value);
   } else if (EqualIgnoringCase(name, "PREF")) {
-    line.words.emplace_back("PREF");
-    line.preference = ParsePreference(WithoutQuotes(std::move(value)));
+    line.words |= kPreferredWord;
+    line.preference = ParsePreference(WithoutQuotes(std::string(value)));
   } else if (EqualIgnoringCase(name, "VALUE")) {
-    std::erase(value, '"');
-    line.isUri = line.isUri || EqualIgnoringCase(value, "uri");
+    std::string quoteless(value);
+    std::erase(quoteless, '"');
+    line.isUri = line.isUri || EqualIgnoringCase(quoteless, "uri");
   }
 }
 
@@ -162,54 +170,110 @@ void TakeParameters(std::string_view parameters, ContentLine& line, Encoding& en
 // semicolon, and in a set with escape sequences any byte may look like one, so these are decoded
 // first. So are all other values, since the second byte of a character may look like a backslash.
 
+/// Reads the value of a line twice: once with its commas, and if it is a name with such, once with
+/// blanks in their place.
+template <typename Split>
+void SplitBoth(std::string_view text, ContentLine& line, const Split& split) {
+  split(text, Commas::kKept, line.components);
+  line.spacedComponents.clear();
+  if (line.name == LineName::kName && text.find(',') != kNone) {
+    split(text, Commas::kBlanks, line.spacedComponents);
+  }
+}
+
 /// `decode` gives the UTF-8 of a text.
 template <typename Decode>
-std::vector<std::string> ReadComponents(std::string_view value, bool isQuotedPrintable,
-                                        Commas commas, const Decode& decode) {
-  if (!isQuotedPrintable) {
-    return SplitValue(decode(value), commas);
-  }
-  std::vector<std::string> components = SplitValue(value, commas);
+void SplitQuotedPrintable(std::string_view value, Commas commas,
+                          std::vector<std::string>& components, const Decode& decode) {
+  SplitValue(value, commas, components);
   for (std::string& component : components) {
     component = decode(DecodeQuotedPrintable(component));
   }
-  return components;
 }
 
-/// Returns whether former versions may have read the value otherwise.
-bool MayReadOtherwise(std::string_view value, const Encoding& encoding) {
-  return encoding.isBase64 || encoding.isQuotedPrintable || IsStateful(encoding.charset) ||
-         !text::IsAscii(value);
-}
-
-/// Returns whether the value stands there as it is meant, but for its backslashes. Most do.
-bool IsPlain(std::string_view value, const Encoding& encoding) {
-  return encoding.charset.empty() && !encoding.isBase64 && !encoding.isQuotedPrintable &&
-         text::IsAscii(value);
-}
-
-std::vector<std::string> ReadValue(std::string_view value, const Encoding& encoding,
-                                   Commas commas) {
-  if (IsPlain(value, encoding)) {
-    return SplitValue(value, commas);
+/// Returns whether former versions read the same components.
+bool ReadEncodedValue(std::string_view value, const Encoding& encoding, ContentLine& line) {
+  const auto bytes = encoding.isBase64 ? DecodeBase64(value) : std::nullopt;
+  const bool isDecodedFirst = encoding.isQuotedPrintable && IsStateful(encoding.charset);
+  if (!bytes && encoding.isQuotedPrintable && !isDecodedFirst) {
+    bool isAsBefore = true;
+    SplitBoth(value, line, [&](std::string_view text, Commas commas, auto& components) {
+      SplitQuotedPrintable(text, commas, components, [&](std::string_view component) {
+        DecodedText decoded = DecodeText(component, encoding.charset);
+        isAsBefore = isAsBefore && decoded.isAsBefore;
+        return std::move(decoded.text);
+      });
+    });
+    return isAsBefore;
   }
+  const DecodedText decoded = bytes ? DecodeText(*bytes, encoding.charset)
+                              : isDecodedFirst
+                                  ? DecodeText(DecodeQuotedPrintable(value), encoding.charset)
+                                  : DecodeText(value, encoding.charset);
+  SplitBoth(decoded.text, line, SplitValue);
+  return decoded.isAsBefore && !bytes && !isDecodedFirst;
+}
+
+void ReadFormerValue(std::string_view value, const Encoding& encoding, ContentLine& line) {
   const auto decode = [&encoding](std::string_view text) {
-    std::optional<std::string> converted = ToUtf8(text, encoding.charset);
-    return converted ? std::move(*converted) : GuessUtf8(text);
+    return FormerUtf8(text, encoding.charset);
   };
-  if (const auto bytes = encoding.isBase64 ? DecodeBase64(value) : std::nullopt) {
-    return SplitValue(decode(*bytes), commas);
+  if (encoding.isQuotedPrintable) {
+    SplitQuotedPrintable(value, Commas::kKept, line.formerComponents, decode);
+  } else {
+    SplitValue(decode(value), Commas::kKept, line.formerComponents);
   }
-  if (encoding.isQuotedPrintable && IsStateful(encoding.charset)) {
-    return SplitValue(decode(DecodeQuotedPrintable(value)), commas);
+  if (line.formerComponents == line.components) {
+    line.formerComponents.clear();
   }
-  return ReadComponents(value, encoding.isQuotedPrintable, commas, decode);
 }
 
-std::vector<std::string> ReadFormerValue(std::string_view value, const Encoding& encoding) {
-  return ReadComponents(
-      value, encoding.isQuotedPrintable, Commas::kKept,
-      [&encoding](std::string_view text) { return FormerUtf8(text, encoding.charset); });
+void ReadValue(std::string_view value, const Encoding& encoding, ContentLine& line) {
+  line.formerComponents.clear();
+  const bool isEncoded =
+      !encoding.charset.empty() || encoding.isBase64 || encoding.isQuotedPrintable;
+  if (!isEncoded && text::IsUtf8(value)) {
+    // The value stands there as it is meant, but for its backslashes. Most do.
+    SplitBoth(value, line, SplitValue);
+  } else if (!ReadEncodedValue(value, encoding, line)) {
+    ReadFormerValue(value, encoding, line);
+  }
+}
+
+LineName NameOf(std::string_view name) {
+  using Names = std::span<const std::pair<std::string_view, LineName>>;
+  static constexpr std::array<Names::value_type, 12> kNames = {{
+      {"N", LineName::kName},
+      {"FN", LineName::kFullName},
+      {"TEL", LineName::kTelephone},
+      {"ORG", LineName::kCompany},
+      {"UID", LineName::kUid},
+      {"END", LineName::kEnd},
+      {"BEGIN", LineName::kBegin},
+      {"EMAIL", LineName::kEmail},
+      {"AGENT", LineName::kAgent},
+      {"NICKNAME", LineName::kNickname},
+      {"X-MS-TEL", LineName::kOutlookTelephone},
+      {"X-ABLABEL", LineName::kLabel},
+  }};
+  // A stream has very many lines. Only the names of the same length are compared.
+  static constexpr std::array<std::uint8_t, 11> kFirstOfLength = {0, 0, 1, 2,  6, 6,
+                                                                  9, 9, 9, 11, 12};
+  static_assert(std::ranges::all_of(kNames, [](const auto& known) {
+    const auto place = static_cast<std::size_t>(&known - kNames.data());
+    const std::size_t length = known.first.size();
+    return kFirstOfLength[length] <= place && place < kFirstOfLength[length + 1];
+  }));
+  if (name.size() + 1 < kFirstOfLength.size()) {
+    const std::size_t first = kFirstOfLength[name.size()];
+    for (const auto& [known, meant] :
+         Names(kNames).subspan(first, kFirstOfLength[name.size() + 1] - first)) {
+      if (EqualIgnoringCase(name, known)) {
+        return meant;
+      }
+    }
+  }
+  return LineName::kOther;
 }
 
 }  // namespace
@@ -245,43 +309,41 @@ std::optional<std::string> DecodeBase64(std::string_view text) {
   return decoded;
 }
 
-std::vector<std::string> SplitValue(std::string_view value, Commas commas) {
-  const auto isPlain = [commas](char c) {
-    return c != ';' && c != '\\' && (c != ',' || commas == Commas::kKept);
+void SplitValue(std::string_view value, Commas commas, std::vector<std::string>& components) {
+  const auto isSpecial = [commas](char c) {
+    return c == ';' || c == '\\' || (c == ',' && commas == Commas::kBlanks);
   };
-  std::vector<std::string> components;
-  components.reserve(1 + static_cast<std::size_t>(std::count(value.begin(), value.end(), ';')));
-  if (std::all_of(value.begin(), value.end(), [&](char c) { return c == ';' || isPlain(c); })) {
-    for (std::size_t end = value.find(';'); end != kNone; end = value.find(';')) {
-      components.emplace_back(value.substr(0, end));
-      value.remove_prefix(end + 1);
+  std::size_t count = 0;
+  const auto begin = [&]() -> std::string& {
+    if (count == components.size()) {
+      components.emplace_back();
     }
-    components.emplace_back(value);
-    return components;
-  }
-  components.emplace_back();
+    components[count].clear();
+    return components[count++];
+  };
+  std::string* component = &begin();
   for (std::size_t i = 0; i < value.size(); ++i) {
     const std::size_t first = i;
-    while (i < value.size() && isPlain(value[i])) {
+    while (i < value.size() && !isSpecial(value[i])) {
       ++i;
     }
-    components.back().append(value, first, i - first);
+    component->append(value, first, i - first);
     if (i == value.size()) {
       break;
     }
     const std::optional<char> escaped =
         value[i] == '\\' && i + 1 < value.size() ? Unescape(value[i + 1]) : std::nullopt;
     if (escaped) {
-      components.back() += *escaped;
+      *component += *escaped;
       ++i;
     } else if (value[i] == ';') {
-      components.emplace_back();
+      component = &begin();
     } else {
       const bool isBetween = value[i] == ',' && (i + 1 == value.size() || value[i + 1] != ' ');
-      components.back() += isBetween ? ' ' : value[i];
+      *component += isBetween ? ' ' : value[i];
     }
   }
-  return components;
+  components.resize(count);
 }
 
 Property PropertyOf(std::string_view line) {
@@ -292,47 +354,37 @@ Property PropertyOf(std::string_view line) {
   }
   const std::string_view whole(line.begin(), found);
   const std::size_t stop = whole.rfind('.');
-  return stop == kNone ? Property{{}, Trim(whole)}
-                       : Property{Trim(whole.substr(0, stop)), Trim(whole.substr(stop + 1))};
+  return stop == kNone
+             ? Property{{}, NameOf(Trim(whole))}
+             : Property{Trim(whole.substr(0, stop)), NameOf(Trim(whole.substr(stop + 1)))};
 }
 
-std::optional<ContentLine> ParseContentLine(std::string_view line) {
+void ParseContentLine(std::string_view line, const Property& property, ContentLine& parsed) {
   std::size_t colon = FindOutside(line, ':', false);
   const bool isQuoteOpen = colon == kNone;
   if (isQuoteOpen) {
     colon = line.find(':');
   }
-  if (colon == kNone) {
-    return std::nullopt;
-  }
   std::string_view head = line.substr(0, colon);
   head.remove_prefix(std::min(head.find(';'), head.size()));
-  const Property property = PropertyOf(line);
-  ContentLine parsed;
   parsed.group = ToUpper(property.group);
-  parsed.name = ToUpper(property.name);
+  parsed.name = property.name;
+  parsed.words = 0;
+  parsed.label.clear();
+  parsed.preference = 0;
+  parsed.isUri = false;
   Encoding encoding;
+  std::string decoded;
   if (isQuoteOpen || !text::IsAscii(head)) {
-    std::string parameters(head);
+    decoded = head;
     if (isQuoteOpen) {
-      std::erase(parameters, '"');
+      std::erase(decoded, '"');
     }
-    TakeParameters(GuessUtf8(parameters), parsed, encoding);
-  } else {
-    TakeParameters(head, parsed, encoding);
+    decoded = DecodeText(decoded).text;
+    head = decoded;
   }
-  const std::string_view value = line.substr(colon + 1);
-  parsed.components = ReadValue(value, encoding, Commas::kKept);
-  if (parsed.name == kName && (value.find(',') != kNone || !IsPlain(value, encoding))) {
-    parsed.spacedComponents = ReadValue(value, encoding, Commas::kBlanks);
-  }
-  if (MayReadOtherwise(value, encoding)) {
-    parsed.formerComponents = ReadFormerValue(value, encoding);
-    if (parsed.formerComponents == parsed.components) {
-      parsed.formerComponents.clear();
-    }
-  }
-  return parsed;
+  TakeParameters(head, parsed, encoding);
+  ReadValue(line.substr(colon + 1), encoding, parsed);
 }
 
 }  // namespace vcard

@@ -1,57 +1,83 @@
 #include "backends/vcard/telephone_kinds.h"
 
 #include <algorithm>
-#include <cstddef>
 #include <optional>
-#include <string_view>
 #include <utility>
 
-#include "backends/vcard/ascii.h"
-#include "platform/contacts_store.h"
+#include "backends/vcard/charset.h"
 
 namespace vcard {
 namespace {
 
 using Kind = platform::PhoneKind;
-using Words = std::vector<std::string>;
+using Places = std::span<const Kind>;
 
-/// Words that several programs write for the same thing.
-constexpr std::array<std::pair<std::string_view, std::string_view>, 11> kSynonyms = {{
-    {"MOBILE", "CELL"},
-    {"CELLULAR", "CELL"},
-    {"IPHONE", "CELL"},
-    {"BUSINESS", "WORK"},
-    {"OFFICE", "WORK"},
-    {"HOMEFAX", "HOME-FAX"},
-    {"WORKFAX", "WORK-FAX"},
-    {"BUSINESSFAX", "WORK-FAX"},
-    {"OTHERFAX", "OTHER-FAX"},
-    {"TTYTDD", "TTY"},
-    {"TDD", "TTY"},
+struct KnownWord {
+  std::string_view word;
+  Words says;
+};
+
+/// The words that say something, or nothing at all. Several programs write another word for the
+/// same thing. The first ones are written most.
+constexpr std::array<KnownWord, 38> kKnownWords = {{
+    {"VOICE", 0},
+    {"CELL", kCellWord},
+    {"WORK", kWorkWord},
+    {"HOME", kHomeWord},
+    {"PREF", kPreferredWord},
+    {"MOBILE", kCellWord},
+    {"FAX", kFaxWord},
+    {"CELLULAR", kCellWord},
+    {"IPHONE", kCellWord},
+    {"BUSINESS", kWorkWord},
+    {"OFFICE", kWorkWord},
+    {"HOMEFAX", kHomeWord | kFaxWord},
+    {"WORKFAX", kWorkWord | kFaxWord},
+    {"BUSINESSFAX", kWorkWord | kFaxWord},
+    {"OTHERFAX", kFaxWord},
+    {"ASSISTANT", kAssistantWord},
+    {"RADIO", kRadioWord},
+    {"CAR", kCarWord},
+    {"PAGER", kNoVoiceWord},
+    {"BBS", kNoVoiceWord},
+    {"MODEM", kNoVoiceWord},
+    {"ISDN", kNoVoiceWord},
+    {"TELEX", kNoVoiceWord},
+    {"TTY", kNoVoiceWord},
+    {"TTYTDD", kNoVoiceWord},
+    {"TDD", kNoVoiceWord},
+    {"TEXTPHONE", kNoVoiceWord},
+    {"DATA", kNoVoiceWord},
+    {"MAIN", 0},
+    {"PHONE", 0},
+    {"TEL", 0},
+    {"NUMBER", 0},
+    {"OTHER", 0},
+    {"X", 0},
+    {"TELEPHONE", 0},
+    {"MY", 0},
+    {"PRIMARY", 0},
+    {"PRIVATE", 0},
 }};
-
-/// Lines that are no telephone to speak through.
-constexpr std::array<std::string_view, 9> kNoVoice = {
-    "FAX", "PAGER", "BBS", "MODEM", "ISDN", "TELEX", "TTY", "TEXTPHONE", "DATA"};
 
 constexpr bool IsWordCharacter(char c) {
   return IsAlphanumeric(c) || static_cast<unsigned char>(c) >= 0x80;
 }
 
-bool Has(const Words& words, std::string_view word) {
-  return std::any_of(words.begin(), words.end(), [word](const std::string& each) {
-    return each.size() == word.size() && each.front() == word.front() && each == word;
-  });
-}
-
-bool HasAny(const Words& words, std::span<const std::string_view> wanted) {
-  return std::any_of(wanted.begin(), wanted.end(),
-                     [&words](std::string_view word) { return Has(words, word); });
+/// `word` has letters and digits only. A number says nothing.
+Words WordsOfOne(std::string_view word) {
+  for (const auto& [known, says] : kKnownWords) {
+    if (known.size() == word.size() && ToUpper(word.front()) == known.front() &&
+        EqualIgnoringCase(word, known)) {
+      return says;
+    }
+  }
+  return word.find_first_not_of("0123456789") == std::string_view::npos ? 0 : kOtherWord;
 }
 
 /// Returns the places that a line may take, the best first. Returns an empty list if it may take
 /// none, and nothing if the line does not say.
-std::optional<std::span<const Kind>> PlacesOf(const Words& words) {
+std::optional<Places> PlacesOf(Words words) {
   static constexpr std::array kAssistant = {Kind::kAssistant};
   static constexpr std::array kRadio = {Kind::kRadio};
   static constexpr std::array kCar = {Kind::kCar};
@@ -62,138 +88,110 @@ std::optional<std::span<const Kind>> PlacesOf(const Words& words) {
   static constexpr std::array kHomeMobile = {Kind::kMobile, Kind::kHome, Kind::kHome2};
   static constexpr std::array kWork = {Kind::kBusiness, Kind::kBusiness2};
   static constexpr std::array kHome = {Kind::kHome, Kind::kHome2};
-  using Places = std::span<const Kind>;
+  const auto has = [words](Words wanted) { return (words & wanted) != 0; };
 
-  if (Has(words, "FAX")) {
-    return Has(words, "HOME") ? Places(kHomeFax) : Has(words, "WORK") ? Places(kWorkFax) : Places();
+  if (has(kFaxWord)) {
+    return has(kHomeWord) ? Places(kHomeFax) : has(kWorkWord) ? Places(kWorkFax) : Places();
   }
-  if (HasAny(words, kNoVoice)) {
+  if (has(kNoVoiceWord)) {
     return Places();
   }
-  if (Has(words, "ASSISTANT")) {
+  if (has(kAssistantWord)) {
     return kAssistant;
   }
-  if (Has(words, "RADIO")) {
+  if (has(kRadioWord)) {
     return kRadio;
   }
-  if (Has(words, "CAR")) {
+  if (has(kCarWord)) {
     return kCar;
   }
-  if (Has(words, "CELL")) {
-    return Has(words, "WORK")   ? Places(kWorkMobile)
-           : Has(words, "HOME") ? Places(kHomeMobile)
-                                : Places(kMobile);
+  if (has(kCellWord)) {
+    return has(kWorkWord)   ? Places(kWorkMobile)
+           : has(kHomeWord) ? Places(kHomeMobile)
+                            : Places(kMobile);
   }
-  if (Has(words, "WORK")) {
+  if (has(kWorkWord)) {
     return kWork;
   }
-  if (Has(words, "HOME")) {
+  if (has(kHomeWord)) {
     return kHome;
   }
   return std::nullopt;
 }
 
-/// Puts `number` into the first free place. Returns whether there was one.
-bool Place(const std::u16string& number, std::span<const Kind> places, Numbers& numbers) {
+/// Moves `number` into the first free place. Returns whether there was one.
+bool Place(std::u16string& number, Places places, Numbers& numbers) {
   for (const Kind kind : places) {
     std::u16string& place = numbers[static_cast<std::size_t>(kind)];
     if (place.empty()) {
-      place = number;
+      place = std::move(number);
       return true;
     }
   }
   return false;
 }
 
-using MaybePlaces = std::optional<std::span<const Kind>>;
+struct RankedLine {
+  int rank = 0;
+  std::size_t index = 0;
+  std::optional<Places> places;
+};
 
 /// Returns 1 for the first, and kNoPreference for a line without a preference.
-int RankOf(const TelephoneLine& line, const MaybePlaces& places, Rules rules) {
+int RankOf(const TelephoneLine& line, const std::optional<Places>& places, Rules rules) {
   constexpr int kNoPreference = 101;
   if (line.preference > 0 && rules == Rules::kNow) {
     return line.preference;
   }
-  return places && places->size() == 1 && Has(line.words, "PREF") ? 1 : kNoPreference;
+  const bool isPreferred = (line.words & kPreferredWord) != 0;
+  return places && places->size() == 1 && isPreferred ? 1 : kNoPreference;
 }
 
-std::vector<std::size_t> ByPreference(std::span<const TelephoneLine> lines,
-                                      std::span<const MaybePlaces> places, Rules rules) {
-  std::vector<std::pair<int, std::size_t>> ranked;
+std::vector<RankedLine> ByPreference(std::span<const TelephoneLine> lines, Rules rules) {
+  std::vector<RankedLine> ranked;
   ranked.reserve(lines.size());
-  for (std::size_t index = 0; index < lines.size(); ++index) {
-    ranked.emplace_back(RankOf(lines[index], places[index], rules), index);
+  for (const TelephoneLine& line : lines) {
+    const auto places = PlacesOf(line.words);
+    ranked.push_back({RankOf(line, places, rules), ranked.size(), places});
   }
-  std::sort(ranked.begin(), ranked.end());
-  std::vector<std::size_t> order;
-  order.reserve(ranked.size());
-  for (const auto& [rank, index] : ranked) {
-    order.push_back(index);
-  }
-  return order;
-}
-
-/// Returns whether a word in a label says what kind of telephone it is, or nothing at all.
-bool IsPlainWord(const std::string& word) {
-  static constexpr std::array<std::string_view, 18> kPlain = {
-      "ASSISTANT", "RADIO", "CAR",    "CELL",  "WORK", "HOME",      "PREF", "MAIN",    "VOICE",
-      "PHONE",     "TEL",   "NUMBER", "OTHER", "X",    "TELEPHONE", "MY",   "PRIMARY", "PRIVATE"};
-  const bool isNumber = word.find_first_not_of("0123456789") == std::string::npos;
-  return isNumber || std::find(kPlain.begin(), kPlain.end(), word) != kPlain.end() ||
-         std::find(kNoVoice.begin(), kNoVoice.end(), word) != kNoVoice.end();
+  std::ranges::sort(ranked, {},
+                    [](const RankedLine& line) { return std::pair(line.rank, line.index); });
+  return ranked;
 }
 
 }  // namespace
 
-void AppendWords(std::string_view typeOrLabel, Words& words) {
-  std::size_t begin = 0;
-  const std::string upper = ToUpper(typeOrLabel);
-  while (begin < upper.size()) {
-    const auto first = std::find_if(upper.begin() + static_cast<std::ptrdiff_t>(begin), upper.end(),
-                                    IsWordCharacter);
-    const auto end = std::find_if(first, upper.end(), [](char c) { return !IsWordCharacter(c); });
-    const std::string_view word(first, end);
-    const auto synonym = std::find_if(kSynonyms.begin(), kSynonyms.end(),
-                                      [word](const auto& pair) { return pair.first == word; });
-    if (synonym == kSynonyms.end()) {
-      words.emplace_back(word);
-    } else {
-      const std::string_view meant = synonym->second;
-      const std::size_t hyphen = meant.find('-');
-      words.emplace_back(meant.substr(0, hyphen));
-      if (hyphen != std::string_view::npos) {
-        words.emplace_back(meant.substr(hyphen + 1));
-      }
+Words WordsOf(std::string_view typeOrLabel) {
+  Words words = 0;
+  for (std::size_t i = 0; i < typeOrLabel.size(); ++i) {
+    const std::size_t first = i;
+    while (i < typeOrLabel.size() && IsWordCharacter(typeOrLabel[i])) {
+      ++i;
     }
-    begin = static_cast<std::size_t>(end - upper.begin());
+    if (i > first) {
+      words |= WordsOfOne(typeOrLabel.substr(first, i - first));
+    }
   }
+  return words;
 }
 
-void AppendLabel(std::string_view label, Words& words) {
-  Words ofLabel;
-  AppendWords(label, ofLabel);
-  if (std::all_of(ofLabel.begin(), ofLabel.end(), IsPlainWord)) {
-    words.insert(words.end(), ofLabel.begin(), ofLabel.end());
-  }
+Words WordsOfLabel(std::string_view label) {
+  const Words words = WordsOf(label);
+  return (words & kOtherWord) == 0 ? words : 0;
 }
 
 // Lines that name a kind come first, each in the best place that is free. A line that names none
 // could take the place of one that does, so it waits. The order must not change: a tag knows its
 // number by the kind alone.
-AssignedNumbers AssignNumbers(std::span<const TelephoneLine> lines, Rules rules) {
+AssignedNumbers AssignNumbers(std::span<TelephoneLine> lines, Rules rules) {
   // If nothing else is known, the most likely telephone to call somebody on.
   static constexpr std::array kUnknown = {Kind::kMobile, Kind::kHome, Kind::kHome2, Kind::kBusiness,
                                           Kind::kBusiness2};
   AssignedNumbers assigned;
   std::vector<std::size_t> unknown;
   std::vector<std::size_t> mobile;
-  std::vector<MaybePlaces> allPlaces;
-  allPlaces.reserve(lines.size());
-  for (const TelephoneLine& line : lines) {
-    allPlaces.push_back(PlacesOf(line.words));
-  }
-  for (const std::size_t index : ByPreference(lines, allPlaces, rules)) {
-    const TelephoneLine& line = lines[index];
-    const MaybePlaces& places = allPlaces[index];
+  for (const auto& [rank, index, places] : ByPreference(lines, rules)) {
+    TelephoneLine& line = lines[index];
     if (!places) {
       if (!line.needsKind) {
         unknown.push_back(index);

@@ -1,43 +1,36 @@
 #include "backends/vcard/vcard_splitter.h"
 
 #include <algorithm>
-#include <array>
-#include <optional>
 #include <utility>
 
 #include "backends/text/say.h"
 #include "backends/text/utf.h"
-#include "backends/vcard/ascii.h"
 #include "resources/remark_strings.h"
 
 namespace vcard {
 namespace {
-
-using std::string_view_literals::operator""sv;
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 static_assert(LogicalLines::kMaxLength == 8192 && VcardSplitter::kMaxLines == 200 &&
                   VcardSplitter::kMaxSeparators == 64,
               "sentences name these");
 
-constexpr std::array<std::string_view, 9> kKeptNames = {
-    "N", "FN", "ORG", "TEL", "UID", "X-MS-TEL", "X-ABLABEL", "NICKNAME", "EMAIL"};
+/// A mark may be anywhere in the stream: people join files as they are, also after one that ends
+/// within a card.
+std::string_view WithoutMark(std::string_view line) {
+  return line.substr(line.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0);
+}
 
 /// Returns whether the line is BEGIN:VCARD or END:VCARD.
-bool IsBracket(std::string_view line, std::string_view name, std::string_view bracket) {
-  return EqualIgnoringCase(name, bracket) &&
-         EqualIgnoringCase(Trim(line.substr(line.find(':') + 1)), "VCARD");
+bool IsBracket(std::string_view line, LineName name, LineName bracket) {
+  return name == bracket && EqualIgnoringCase(Trim(line.substr(line.find(':') + 1)), "VCARD");
 }
 
-bool IsKept(std::string_view name) {
-  return std::any_of(kKeptNames.begin(), kKeptNames.end(),
-                     [name](std::string_view kept) { return EqualIgnoringCase(name, kept); });
-}
+bool IsKept(LineName name) { return name > LineName::kOther; }
 
 /// Returns whether lines of that name only count on a card without a name.
-bool IsSubstitute(std::string_view name) {
-  return EqualIgnoringCase(name, "FN") || EqualIgnoringCase(name, "EMAIL") ||
-         EqualIgnoringCase(name, "NICKNAME");
+bool IsSubstitute(LineName name) {
+  return name == LineName::kFullName || name == LineName::kEmail || name == LineName::kNickname;
 }
 
 /// Returns whether the line gives a last or a first name that shows, by whatever rules.
@@ -45,12 +38,12 @@ bool IsName(const ContentLine& line) {
   const auto shows = [](const std::string& text) {
     return std::ranges::any_of(text, [](char c) { return static_cast<unsigned char>(c) > ' '; });
   };
-  return line.name == "N"sv && line.formerComponents.empty() &&
+  return line.name == LineName::kName && line.formerComponents.empty() &&
          (shows(line.components[0]) || (line.components.size() > 1 && shows(line.components[1])));
 }
 
-bool IsAgentAnnounced(std::string_view line, std::string_view name) {
-  return EqualIgnoringCase(name, "AGENT") && Trim(line.substr(line.find(':') + 1)).empty();
+bool IsAgentAnnounced(std::string_view line, LineName name) {
+  return name == LineName::kAgent && Trim(line.substr(line.find(':') + 1)).empty();
 }
 
 bool HasManySeparators(std::string_view line) {
@@ -60,32 +53,75 @@ bool HasManySeparators(std::string_view line) {
              static_cast<std::ptrdiff_t>(VcardSplitter::kMaxSeparators);
 }
 
+/// Returns whether a line of the stream that nothing folds is a whole line: it is not empty, not
+/// too long, and ends with no sign that may be a soft break.
+bool IsWhole(std::string_view line) {
+  return !line.empty() && line.size() <= LogicalLines::kMaxLength && line.back() != '=';
+}
+
 }  // namespace
 
+/// Finds the ends of lines in some bytes, for places that only grow. Each kind of end is searched
+/// for only after the last one found was passed. So a stream without line feeds, or full of
+/// carriage returns, costs two fast passes and no more.
+class LogicalLines::LineEnds {
+ public:
+  explicit LineEnds(std::string_view bytes)
+      : m_bytes(bytes), m_lineFeed(bytes.find('\n')), m_carriageReturn(bytes.find('\r')) {}
+
+  /// Returns where the line ends that holds the byte `at`.
+  [[nodiscard]] std::size_t EndOf(std::size_t at) {
+    if (m_lineFeed < at) {
+      m_lineFeed = m_bytes.find('\n', at);
+    }
+    if (m_carriageReturn < at) {
+      m_carriageReturn = m_bytes.find('\r', at);
+    }
+    return std::min({m_lineFeed, m_carriageReturn, m_bytes.size()});
+  }
+
+  /// Returns where the line after the one with this end begins. That is past the last byte if the
+  /// bytes do not show it.
+  [[nodiscard]] std::size_t BeginAfter(std::size_t end) const {
+    const bool isPair =
+        end + 1 < m_bytes.size() && m_bytes[end] == '\r' && m_bytes[end + 1] == '\n';
+    return end + (isPair ? 2 : 1);
+  }
+
+ private:
+  std::string_view m_bytes;
+  std::size_t m_lineFeed;
+  std::size_t m_carriageReturn;
+};
+
 // A line ends only after the next one has begun without a blank: a blank means that it goes on. So
-// the line in progress is kept until then, and Finish hands on the last one.
+// the line in progress is kept until then, and Finish hands on the last one. Most lines are one
+// line of the stream, and the next one begins in the same piece. These are handed on as they stand
+// there.
 void LogicalLines::Feed(std::string_view bytes) {
-  // Each kind of end is searched for only after the last one found was passed. So a stream without
-  // line feeds, or full of carriage returns, costs two fast passes and no more.
-  std::size_t lineFeed = bytes.find('\n');
-  std::size_t carriageReturn = bytes.find('\r');
+  LineEnds ends(bytes);
   for (std::size_t at = 0; at < bytes.size();) {
-    if (lineFeed < at) {
-      lineFeed = bytes.find('\n', at);
-    }
-    if (carriageReturn < at) {
-      carriageReturn = bytes.find('\r', at);
-    }
     if (std::exchange(m_lastWasCarriageReturn, false) && bytes[at] == '\n') {
       ++at;
       continue;
     }
+    if (m_state == State::kAtEnd && m_isPassedOver) {
+      at = PassOver(bytes, at, ends);
+    }
+    const bool isBlank = IsBlank(bytes[at]);
+    const std::size_t end = ends.EndOf(at);
+    const std::size_t next = ends.BeginAfter(end);
+    const bool isShown = m_state == State::kAtEnd && next < bytes.size();
+    if (isShown && !isBlank && IsWhole(bytes.substr(at, end - at)) && !IsBlank(bytes[next])) {
+      Emit();
+      m_sink({bytes.substr(at, end - at), false, m_number++});
+      at = next;
+      continue;
+    }
     if (m_state != State::kInLine) {
-      const bool isBlank = bytes[at] == ' ' || bytes[at] == '\t';
       BeginPhysicalLine(isBlank);
       at += isBlank && m_hasContent ? 1 : 0;
     }
-    const std::size_t end = std::min({lineFeed, carriageReturn, bytes.size()});
     Append(bytes.substr(at, end - at));
     at = end;
     if (end < bytes.size()) {
@@ -94,6 +130,19 @@ void LogicalLines::Feed(std::string_view bytes) {
       ++at;
     }
   }
+}
+
+// A picture is hundreds of lines that go on.
+std::size_t LogicalLines::PassOver(std::string_view bytes, std::size_t at, LineEnds& ends) {
+  while (IsBlank(bytes[at])) {
+    const std::size_t next = ends.BeginAfter(ends.EndOf(at));
+    if (next >= bytes.size()) {
+      break;
+    }
+    ++m_number;
+    at = next;
+  }
+  return at;
 }
 
 void LogicalLines::Finish() {
@@ -117,17 +166,24 @@ void LogicalLines::Append(std::string_view bytes) {
   m_firstNumber = m_hasContent ? m_firstNumber : m_number;
   m_hasContent = true;
   m_lastOfLine = bytes.back();
+  if (m_isPassedOver) {
+    return;
+  }
   const std::size_t taken = std::min(bytes.size(), kMaxLength - m_line.size());
   m_line.append(bytes.substr(0, taken));
   m_isTruncated = m_isTruncated || taken < bytes.size();
 }
 
 void LogicalLines::EndPhysicalLine() {
-  ++m_number;
   const bool isSoftBreak = m_hasContent && m_lastOfLine == '=' && IsQuotedPrintable();
   if (isSoftBreak && !m_isTruncated) {
     m_line.pop_back();
   }
+  if (m_hasContent && m_number == m_firstNumber) {
+    m_isPassedOver =
+        m_line.find(':') != std::string::npos && m_passesOver(m_line) && !IsQuotedPrintable();
+  }
+  ++m_number;
   m_lastOfLine = 0;
   m_state = isSoftBreak ? State::kAtSoftBreak : State::kAtEnd;
 }
@@ -139,6 +195,7 @@ void LogicalLines::Emit() {
   m_line.clear();
   m_encoding = Encoding::kUnknown;
   m_isTruncated = false;
+  m_isPassedOver = false;
   m_hasContent = false;
   m_lastOfLine = 0;
 }
@@ -157,7 +214,10 @@ VcardSplitter::VcardSplitter(CardSink sink, CardSink torn, DamageSink damage)
       m_torn(std::move(torn)),
       m_damage(std::move(damage)),
       m_decoder([this](std::string_view bytes) { m_lines.Feed(bytes); }),
-      m_lines([this](const LogicalLines::Line& line) { OnLine(line); }) {}
+      m_lines([this](const LogicalLines::Line& line) { OnLine(line); },
+              [](std::string_view firstPart) {
+                return PropertyOf(WithoutMark(firstPart)).name == LineName::kOther;
+              }) {}
 
 void VcardSplitter::Feed(std::string_view bytes) { m_decoder.Feed(bytes); }
 
@@ -171,15 +231,11 @@ void VcardSplitter::Finish() {
 // whole card. Its lines must not count for the person around it, so they are passed over up to its
 // end. A BEGIN that no AGENT announced means that the card before it has no end.
 void VcardSplitter::OnLine(const LogicalLines::Line& line) {
-  std::string_view content = line.text;
-  // A mark may be anywhere in the stream: people join files as they are, also after one that ends
-  // within a card.
-  if (content.starts_with(kByteOrderMark)) {
-    content.remove_prefix(kByteOrderMark.size());
-  }
-  const std::string_view name = PropertyOf(content).name;
+  const std::string_view content = WithoutMark(line.text);
+  const Property property = PropertyOf(content);
+  const LineName name = property.name;
   const bool isNested = std::exchange(m_isAgentDue, false) || m_nesting > 0;
-  if (IsBracket(content, name, "BEGIN")) {
+  if (IsBracket(content, name, LineName::kBegin)) {
     if (isNested) {
       ++m_nesting;
     } else {
@@ -188,7 +244,7 @@ void VcardSplitter::OnLine(const LogicalLines::Line& line) {
     }
   } else if (!m_isInCard) {
     OnLineBetweenCards({content, line.isTruncated, line.number});
-  } else if (IsBracket(content, name, "END")) {
+  } else if (IsBracket(content, name, LineName::kEnd)) {
     if (m_nesting > 0) {
       --m_nesting;
     } else {
@@ -196,12 +252,12 @@ void VcardSplitter::OnLine(const LogicalLines::Line& line) {
     }
   } else if (m_nesting == 0) {
     m_isAgentDue = IsAgentAnnounced(content, name);
-    OnLineOfCard({content, line.isTruncated, line.number}, name);
+    OnLineOfCard({content, line.isTruncated, line.number}, property);
   }
 }
 
-void VcardSplitter::OnLineOfCard(const LogicalLines::Line& line, std::string_view name) {
-  if (!IsKept(name)) {
+void VcardSplitter::OnLineOfCard(const LogicalLines::Line& line, const Property& property) {
+  if (!IsKept(property.name)) {
     return;
   }
   if (line.isTruncated) {
@@ -212,17 +268,25 @@ void VcardSplitter::OnLineOfCard(const LogicalLines::Line& line, std::string_vie
     Damage(line.number, resources::kLineHasZero);
   } else if (HasManySeparators(line.text)) {
     Damage(line.number, resources::kLineHasManyParts);
-  } else if (m_isNamed && IsSubstitute(name) && line.text.find(':') != std::string_view::npos) {
-    ++m_linesOfCard;
-  } else if (std::optional<ContentLine> parsed = ParseContentLine(line.text)) {
-    ++m_linesOfCard;
-    parsed->number = line.number;
-    m_isNamed = m_isNamed || (!m_hasName && IsName(*parsed));
-    m_hasName = m_hasName || parsed->name == "N"sv;
-    m_card.push_back(std::move(*parsed));
-  } else {
+  } else if (line.text.find(':') == std::string_view::npos) {
     Damage(line.number, resources::kLineWithoutColon);
+  } else {
+    ++m_linesOfCard;
+    if (!m_isNamed || !IsSubstitute(property.name)) {
+      KeepLine(line, property);
+    }
   }
+}
+
+void VcardSplitter::KeepLine(const LogicalLines::Line& line, const Property& property) {
+  if (m_keptLines == m_card.size()) {
+    m_card.emplace_back();
+  }
+  ContentLine& kept = m_card[m_keptLines++];
+  ParseContentLine(line.text, property, kept);
+  kept.number = line.number;
+  m_isNamed = m_isNamed || (!m_hasName && IsName(kept));
+  m_hasName = m_hasName || kept.name == LineName::kName;
 }
 
 // A run of lines that belong to no card is reported once, at its first line.
@@ -241,12 +305,12 @@ void VcardSplitter::BeginCard(std::size_t line) {
   m_linesOfCard = 0;
   m_hasName = false;
   m_isNamed = false;
-  m_card.clear();
+  m_keptLines = 0;
 }
 
 void VcardSplitter::EndCard() {
   m_isInCard = false;
-  m_sink(m_card);
+  m_sink(Card(m_card).first(m_keptLines));
 }
 
 void VcardSplitter::TearCard() {
@@ -256,7 +320,7 @@ void VcardSplitter::TearCard() {
   m_nesting = 0;
   Damage(m_firstLine, resources::kCardWithoutEnd);
   if (m_torn) {
-    m_torn(m_card);
+    m_torn(Card(m_card).first(m_keptLines));
   }
 }
 

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "backends/vcard/charset.h"
 #include "backends/vcard/content_line.h"
@@ -27,8 +28,12 @@ class LogicalLines {
     std::size_t number = 0;    ///< Of the first line of the stream that it was written on, from 1.
   };
   using Sink = std::function<void(const Line&)>;
+  /// Returns whether nobody reads what is after the first part of a line, which has a colon.
+  using PassesOver = std::function<bool(std::string_view firstPart)>;
 
-  explicit LogicalLines(Sink sink) : m_sink(std::move(sink)) {}
+  /// Of a line that is passed over, the sink gets no more than the first part.
+  LogicalLines(Sink sink, PassesOver passesOver)
+      : m_sink(std::move(sink)), m_passesOver(std::move(passesOver)) {}
 
   /// The stream may be cut anywhere between two calls.
   void Feed(std::string_view bytes);
@@ -44,6 +49,11 @@ class LogicalLines {
   };
   enum class Encoding : std::uint8_t { kUnknown, kQuotedPrintable, kOther };
 
+  class LineEnds;
+
+  /// Passes over what folds the line in progress. Returns where that ends, or where the last line
+  /// of the stream begins that `bytes` show.
+  [[nodiscard]] std::size_t PassOver(std::string_view bytes, std::size_t at, LineEnds& ends);
   void BeginPhysicalLine(bool isFolded);
   void Append(std::string_view bytes);
   void EndPhysicalLine();
@@ -51,12 +61,14 @@ class LogicalLines {
   [[nodiscard]] bool IsQuotedPrintable();
 
   Sink m_sink;
+  PassesOver m_passesOver;
   std::string m_line;
   std::size_t m_number = 1;       ///< Of the line of the stream that is being read.
   std::size_t m_firstNumber = 1;  ///< Of the one on which `m_line` began.
   State m_state = State::kInLine;
   Encoding m_encoding = Encoding::kUnknown;
   bool m_isTruncated = false;
+  bool m_isPassedOver = false;
   bool m_hasContent = false;  ///< Some byte of the line in progress was seen.
   bool m_lastWasCarriageReturn = false;
   char m_lastOfLine = 0;
@@ -93,7 +105,8 @@ class VcardSplitter {
 
  private:
   void OnLine(const LogicalLines::Line& line);
-  void OnLineOfCard(const LogicalLines::Line& line, std::string_view name);
+  void OnLineOfCard(const LogicalLines::Line& line, const Property& property);
+  void KeepLine(const LogicalLines::Line& line, const Property& property);
   void OnLineBetweenCards(const LogicalLines::Line& line);
   void BeginCard(std::size_t line);
   void EndCard();
@@ -106,7 +119,8 @@ class VcardSplitter {
   DamageSink m_damage;
   StreamDecoder m_decoder;
   LogicalLines m_lines;
-  Card m_card;
+  std::vector<ContentLine> m_card;  ///< Those after the first m_keptLines are of earlier cards.
+  std::size_t m_keptLines = 0;
   std::size_t m_firstLine = 0;    ///< Of the card.
   std::size_t m_linesOfCard = 0;  ///< That could count, also those that need not be read.
   bool m_hasName = false;         ///< The card has a line with the parts of the name,

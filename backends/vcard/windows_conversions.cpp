@@ -15,9 +15,8 @@
 #include <vector>
 
 #include "backends/text/utf.h"
-#include "backends/vcard/ascii.h"
+#include "backends/vcard/charset.h"
 #include "backends/vcard/contact_keys.h"
-#include "backends/vcard/system_conversions.h"
 
 namespace vcard {
 namespace {

@@ -16,7 +16,7 @@
 
 #include "backends/ebook/glib_pointers.h"
 #include "backends/text/utf.h"
-#include "backends/vcard/ascii.h"
+#include "backends/vcard/charset.h"
 #include "backends/vcard/telephone_kinds.h"
 #include "backends/vcard/vcard_splitter.h"
 #include "tests/backends/vcard/read_cards.h"
@@ -24,14 +24,12 @@
 
 namespace {
 
-/// A line as text that can be compared: "group.NAME WORD WORD:component;component".
-/// Words mean the same in any order.
-std::string Shown(std::string_view group, std::string_view name, std::vector<std::string> words,
+/// A line as text that can be compared: "GROUP.name words:component;component".
+std::string Shown(std::string_view group, vcard::LineName name, vcard::Words words,
                   const std::vector<std::string>& components) {
-  std::string shown = vcard::ToUpper(group) + "." + vcard::ToUpper(name);
-  std::sort(words.begin(), words.end());
-  if (name == "TEL") {
-    std::for_each(words.begin(), words.end(), [&](const auto& word) { shown += " " + word; });
+  std::string shown = vcard::ToUpper(group) + "." + std::to_string(static_cast<int>(name));
+  if (name == vcard::LineName::kTelephone) {
+    shown += " " + std::to_string(words);
   }
   for (std::size_t i = 0; i < components.size(); ++i) {
     shown += (i == 0 ? ":" : ";") + components[i];
@@ -56,8 +54,8 @@ std::string Text(const void* text) {
   return text == nullptr ? std::string() : static_cast<const char*>(text);
 }
 
-std::vector<std::string> WordsOf(EVCardAttribute* attribute) {
-  std::vector<std::string> words;
+vcard::Words WordsOf(EVCardAttribute* attribute) {
+  vcard::Words words = 0;
   for (const GList* node = e_vcard_attribute_get_params(attribute); node != nullptr;
        node = node->next) {
     auto* parameter = static_cast<EVCardAttributeParam*>(node->data);
@@ -65,9 +63,9 @@ std::vector<std::string> WordsOf(EVCardAttribute* attribute) {
     for (const GList* value = e_vcard_attribute_param_get_values(parameter); value != nullptr;
          value = value->next) {
       if (name == "TYPE") {
-        vcard::AppendWords(Text(value->data), words);
+        words |= vcard::WordsOf(Text(value->data));
       } else if (name == "PREF") {
-        words.emplace_back("PREF");
+        words |= vcard::kPreferredWord;
       }
     }
   }
@@ -102,8 +100,8 @@ std::vector<std::string> ReadWithTheLibrary(const std::string& text) {
                       components.begin() + std::min<std::ptrdiff_t>(2, std::ssize(components)),
                       [](const std::string& part) { return !vcard::Trim(part).empty(); });
     }
-    lines.push_back(
-        Shown(Text(e_vcard_attribute_get_group(attribute)), name, WordsOf(attribute), components));
+    lines.push_back(Shown(Text(e_vcard_attribute_get_group(attribute)),
+                          vcard::PropertyOf(name + ":").name, WordsOf(attribute), components));
   }
   return lines;
 }

@@ -49,15 +49,16 @@ TEST(TelephoneKinds, WhatFindsNoFreeKindIsNamed) {
   std::vector<TelephoneLine> lines;
   for (const char* word : {"CELL", "CELL", "CELL", "WORK", "WORK", "WORK", "CAR", "CAR", "HOME",
                            "HOME", "PAGER", "CELL"}) {
-    lines.push_back({std::u16string(1, static_cast<char16_t>(u'a' + lines.size())), {word}});
+    lines.push_back({std::u16string(1, static_cast<char16_t>(u'a' + lines.size())), WordsOf(word)});
   }
   const AssignedNumbers assigned = AssignNumbers(lines);
   EXPECT_THAT(assigned.unplaced, testing::ElementsAre(1, 2, 5, 7, 11));
 }
 
 TEST(TelephoneKinds, TheFormerRulesHaveOnePlaceForMobileNumbersAndOnePreference) {
-  const std::vector<TelephoneLine> lines = {
-      {u"1", {"CELL"}}, {u"2", {"CELL", "PREF"}, false, 2}, {u"3", {"CELL", "PREF"}, false, 1}};
+  std::vector<TelephoneLine> lines = {{u"1", kCellWord},
+                                      {u"2", kCellWord | kPreferredWord, false, 2},
+                                      {u"3", kCellWord | kPreferredWord, false, 1}};
   ContactData contact;
   contact.numbers = AssignNumbers(lines, Rules::kFormer).numbers;
   EXPECT_EQ(NumbersOf(contact), "Mobile=2");
