@@ -22,7 +22,7 @@
 #include "backends/sqlite/sqlite_registry.h"
 #include "backends/text/utf.h"
 #include "backends/vcard/address_books.h"
-#include "backends/vcard/desktop_source.h"
+#include "backends/vcard/contact_source.h"
 #include "benchmarks/full_device.h"
 #include "framework/dialog.h"
 #include "resources/dialogs.h"

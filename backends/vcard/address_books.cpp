@@ -212,8 +212,9 @@ AddressBooks::Done AddressBooks::TakeContacts(std::vector<Book> books) {
     return Failure(Problem::kStore);
   }
   for (std::size_t i = 0; i < books.size(); ++i) {
+    m_contacts.reserve(m_contacts.size() + (*oids)[i].size());
     for (std::size_t j = 0; j < (*oids)[i].size(); ++j) {
-      m_byOid.push_back(static_cast<std::uint32_t>(m_contacts.size()));
+      m_byOid.Add((*oids)[i][j], m_contacts.size());
       m_contacts.push_back(
           {static_cast<std::uint32_t>(i), static_cast<std::uint32_t>(j), (*oids)[i][j]});
     }
@@ -222,7 +223,6 @@ AddressBooks::Done AddressBooks::TakeContacts(std::vector<Book> books) {
     }
     m_books.push_back(std::move(books[i].contacts));
   }
-  std::ranges::sort(m_byOid, {}, [this](std::uint32_t index) { return m_contacts[index].oid; });
   return CheckOidsInUse();
 }
 
@@ -268,16 +268,14 @@ platform::FoundContact AddressBooks::Unpack(const Entry& entry) const {
 }
 
 const AddressBooks::Entry* AddressBooks::FindByOid(std::int32_t oid) const {
-  const auto found = std::ranges::lower_bound(
-      m_byOid, oid, {}, [this](std::uint32_t index) { return m_contacts[index].oid; });
-  const bool isThere = found != m_byOid.end() && m_contacts[*found].oid == oid;
-  return isThere ? &m_contacts[*found] : nullptr;
+  const std::uint32_t found = m_byOid.Find(oid);
+  return found == OidIndex::kNone ? nullptr : &m_contacts[found];
 }
 
 void AddressBooks::Logoff() {
   m_books.clear();
   m_contacts.clear();
-  m_byOid.clear();
+  m_byOid = {};
   m_completeBooks.clear();
 }
 

@@ -9,8 +9,8 @@
 
 #include "backends/vcard/book_cache.h"
 #include "backends/vcard/contact_source.h"
+#include "backends/vcard/indexes.h"
 #include "backends/vcard/oid_map.h"
-#include "backends/vcard/source_choice.h"
 #include "platform/contacts_store.h"
 #include "platform/file_system.h"
 #include "platform/registry.h"
@@ -117,7 +117,7 @@ class AddressBooks final : public platform::ContactsStore {
   std::optional<SourceChoice> m_choice;
   std::vector<ContactPool> m_books;
   std::vector<Entry> m_contacts;
-  std::vector<std::uint32_t> m_byOid;           ///< Indexes of m_contacts.
+  OidIndex m_byOid;                             ///< Of m_contacts.
   std::vector<std::u16string> m_completeBooks;  ///< Names.
   std::optional<Problem> m_problem;
   std::string m_reason;

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace vcard {
 
@@ -85,6 +86,31 @@ struct DecodedText {
 
 /// Returns whether bytes of the set mean something else after an escape sequence.
 [[nodiscard]] bool IsStateful(std::string_view charset);
+
+// Escapes keep a text apart from what is written around it. The functions below refuse nothing:
+// what is no escape stands for itself.
+
+/// Returns what quoted-printable stands for. Its soft line breaks are gone before this, when lines
+/// are put together.
+[[nodiscard]] std::string DecodeQuotedPrintable(std::string_view text);
+
+/// Returns the text of a URI.
+[[nodiscard]] std::string DecodePercents(std::string_view text);
+
+/// Returns the bytes that base64 stands for. Blanks within it are passed over. Returns nothing if
+/// it is not base64.
+[[nodiscard]] std::optional<std::string> DecodeBase64(std::string_view text);
+
+enum class Commas : std::uint8_t {
+  kKept,
+  /// A comma becomes a blank if it has neither a backslash before it nor a blank after it: it
+  /// stands between two names.
+  kBlanks,
+};
+
+/// Makes `components` those of a value between its semicolons, each without its backslashes. Their
+/// memory is used again.
+void SplitValue(std::string_view value, Commas commas, std::vector<std::string>& components);
 
 /// Makes UTF-8 of a stream that is UTF-16, and hands on any other as it is. UTF-16 is known by its
 /// byte-order mark, or by a zero next to the first character.

@@ -7,7 +7,7 @@
 #include <unordered_map>
 
 #include "backends/text/utf.h"
-#include "backends/vcard/hash_chains.h"
+#include "backends/vcard/indexes.h"
 
 namespace vcard {
 namespace {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "backends/vcard/hash_chains.h"
+#include "backends/vcard/indexes.h"
 
 namespace vcard {
 namespace {

@@ -1,13 +1,19 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
+#include <functional>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "backends/vcard/contact_pool.h"
 #include "platform/desktop_books.h"
+#include "platform/registry.h"
 #include "platform/result.h"
+#include "platform/threads.h"
 
 namespace vcard {
 
@@ -88,6 +94,69 @@ class ContactSource {
   /// Reads every address book of the source. The order of contacts depends on nothing but the
   /// contacts. Adds to `remarks` what was passed over, also if the reading fails.
   [[nodiscard]] virtual ReadBooks Read(RemarkList& remarks) = 0;
+};
+
+/// Holds the choice of the address book and the numbers of its contacts. It is not the key of the
+/// tags, which holds nothing but tags.
+inline constexpr std::u16string_view kContactsKey = u"Software\\Zedra\\Voxtrel Contacts";
+
+/// Which address book is used.
+struct SourceChoice {
+  std::u16string path;  ///< Of a vCard file or folder; empty: the desktop's address books.
+
+  friend bool operator==(const SourceChoice&, const SourceChoice&) = default;
+};
+
+/// Returns what the user wrote: "eds" for the desktop's address books, else a path. The path is
+/// made absolute, so it means the same in whatever folder the program is started the next time.
+[[nodiscard]] SourceChoice ParseChoice(std::u16string_view text);
+
+/// Returns the remembered choice. Returns nothing if there is none. A value of another program that
+/// is no choice is named in `remarks` and counts as none. Fails if the registry cannot be asked.
+[[nodiscard]] platform::Result<std::optional<SourceChoice>, platform::RegistryError> RecallChoice(
+    platform::Registry& registry, std::vector<Remark>& remarks);
+
+/// Writes nothing if this choice is remembered already.
+[[nodiscard]] platform::Result<void, platform::RegistryError> RememberChoice(
+    platform::Registry& registry, const SourceChoice& choice);
+
+/// Every enabled address book of the desktop, in the order of their lasting names. A server gives
+/// contacts in any order, so each book is sorted here as a reader expects.
+class DesktopSource final : public ContactSource {
+ public:
+  /// The function that reads the desktop's address books. The error says why there is none.
+  using Library = platform::Result<platform::ReadDesktopBooksFunction*, std::string>;
+  using Load = std::function<Library()>;
+
+  /// `limit` is how long all books together may take.
+  explicit DesktopSource(Load load, std::chrono::milliseconds limit = std::chrono::seconds(20));
+
+  /// Loads the library. Without it nobody answers. The remarks have no lines, since nobody can look
+  /// up the lines of what a server hands over.
+  [[nodiscard]] ReadBooks Read(RemarkList& remarks) override;
+
+ private:
+  const Load m_load;
+  const std::chrono::milliseconds m_limit;
+};
+
+/// Another source, read on a thread of its own. The caller waits as `threads` do it: a window goes
+/// on painting, however long a server takes to answer.
+class BackgroundSource final : public ContactSource {
+ public:
+  /// Both outlive this.
+  BackgroundSource(ContactSource& inner, platform::Threads& threads)
+      : m_inner(inner), m_threads(threads) {}
+
+  /// If no thread can be had, the caller's own one reads. Fails with kUnreadable if the inner
+  /// source throws, as it does if there is no memory.
+  [[nodiscard]] ReadBooks Read(RemarkList& remarks) override;
+
+ private:
+  [[nodiscard]] ReadBooks ReadInner(RemarkList& remarks);
+
+  ContactSource& m_inner;
+  platform::Threads& m_threads;
 };
 
 }  // namespace vcard

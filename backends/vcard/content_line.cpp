@@ -13,49 +13,6 @@
 namespace vcard {
 namespace {
 
-constexpr int kNoDigit = -1;
-
-/// What each byte is worth as a hexadecimal digit.
-constexpr std::array<std::int8_t, 256> kHexDigits = [] {
-  std::array<std::int8_t, 256> digits{};
-  digits.fill(kNoDigit);
-  for (int i = 0; i < 16; ++i) {
-    const char digit = "0123456789ABCDEF"[i];
-    digits[static_cast<unsigned char>(digit)] = static_cast<std::int8_t>(i);
-    digits[static_cast<unsigned char>(digit | 0x20)] = static_cast<std::int8_t>(i);
-  }
-  return digits;
-}();
-
-/// Replaces `mark` and two hexadecimal digits by the byte that they stand for.
-std::string DecodeHex(std::string_view text, char mark) {
-  const auto digit = [text](std::size_t at) {
-    return at < text.size() ? kHexDigits[static_cast<unsigned char>(text[at])] : kNoDigit;
-  };
-  std::string decoded(text.size(), '\0');
-  char* to = decoded.data();
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const int high = text[i] == mark ? digit(i + 1) : kNoDigit;
-    const int low = high != kNoDigit ? digit(i + 2) : kNoDigit;
-    *to++ = low == kNoDigit ? text[i] : static_cast<char>(high * 16 + low);
-    i += low == kNoDigit ? 0 : 2;
-  }
-  decoded.resize(static_cast<std::size_t>(to - decoded.data()));
-  return decoded;
-}
-
-/// Returns the character that a backslash and `next` stand for. Returns nothing if the backslash
-/// stands for itself.
-std::optional<char> Unescape(char next) {
-  constexpr std::string_view kLineBreaks = "nNrR";
-  constexpr std::string_view kThemselves =
-      ";,\\:";  // No version has the colon, but some programs write it.
-  if (kLineBreaks.find(next) != std::string_view::npos) {
-    return '\n';
-  }
-  return kThemselves.find(next) != std::string_view::npos ? std::optional(next) : std::nullopt;
-}
-
 constexpr std::size_t kNone = std::string_view::npos;
 constexpr std::string_view kCustomPrefix = "X-CUSTOM(";
 
@@ -277,74 +234,6 @@ LineName NameOf(std::string_view name) {
 }
 
 }  // namespace
-
-std::string DecodeQuotedPrintable(std::string_view text) { return DecodeHex(text, '='); }
-
-std::string DecodePercents(std::string_view text) { return DecodeHex(text, '%'); }
-
-std::optional<std::string> DecodeBase64(std::string_view text) {
-  constexpr std::string_view kDigits =
-      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-  constexpr unsigned kBitsPerDigit = 6;
-  constexpr unsigned kBitsPerByte = 8;
-  text = text.substr(0, text.find_last_not_of("= \t") + 1);
-  std::string decoded;
-  std::uint32_t bits = 0;
-  unsigned count = 0;
-  for (const char c : text) {
-    if (c == ' ' || c == '\t') {
-      continue;
-    }
-    const std::size_t digit = kDigits.find(c);
-    if (digit == std::string_view::npos) {
-      return std::nullopt;
-    }
-    bits = (bits << kBitsPerDigit) | static_cast<std::uint32_t>(digit);
-    count += kBitsPerDigit;
-    if (count >= kBitsPerByte) {
-      count -= kBitsPerByte;
-      decoded.push_back(static_cast<char>((bits >> count) & 0xFF));
-    }
-  }
-  return decoded;
-}
-
-void SplitValue(std::string_view value, Commas commas, std::vector<std::string>& components) {
-  const auto isSpecial = [commas](char c) {
-    return c == ';' || c == '\\' || (c == ',' && commas == Commas::kBlanks);
-  };
-  std::size_t count = 0;
-  const auto begin = [&]() -> std::string& {
-    if (count == components.size()) {
-      components.emplace_back();
-    }
-    components[count].clear();
-    return components[count++];
-  };
-  std::string* component = &begin();
-  for (std::size_t i = 0; i < value.size(); ++i) {
-    const std::size_t first = i;
-    while (i < value.size() && !isSpecial(value[i])) {
-      ++i;
-    }
-    component->append(value, first, i - first);
-    if (i == value.size()) {
-      break;
-    }
-    const std::optional<char> escaped =
-        value[i] == '\\' && i + 1 < value.size() ? Unescape(value[i + 1]) : std::nullopt;
-    if (escaped) {
-      *component += *escaped;
-      ++i;
-    } else if (value[i] == ';') {
-      component = &begin();
-    } else {
-      const bool isBetween = value[i] == ',' && (i + 1 == value.size() || value[i + 1] != ' ');
-      *component += isBetween ? ' ' : value[i];
-    }
-  }
-  components.resize(count);
-}
 
 Property PropertyOf(std::string_view line) {
   const auto found =

@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -11,31 +10,6 @@
 #include "backends/vcard/telephone_kinds.h"
 
 namespace vcard {
-
-// Escapes keep a text apart from what is written around it. The functions below refuse nothing:
-// what is no escape stands for itself.
-
-/// Returns what quoted-printable stands for. Its soft line breaks are gone before this, when lines
-/// are put together.
-[[nodiscard]] std::string DecodeQuotedPrintable(std::string_view text);
-
-/// Returns the text of a URI.
-[[nodiscard]] std::string DecodePercents(std::string_view text);
-
-/// Returns the bytes that base64 stands for. Blanks within it are passed over. Returns nothing if
-/// it is not base64.
-[[nodiscard]] std::optional<std::string> DecodeBase64(std::string_view text);
-
-enum class Commas : std::uint8_t {
-  kKept,
-  /// A comma becomes a blank if it has neither a backslash before it nor a blank after it: it
-  /// stands between two names.
-  kBlanks,
-};
-
-/// Makes `components` those of a value between its semicolons, each without its backslashes. Their
-/// memory is used again.
-void SplitValue(std::string_view value, Commas commas, std::vector<std::string>& components);
 
 /// The names of lines that mean something here.
 enum class LineName : std::uint8_t {

@@ -1,5 +1,7 @@
 #include <map>
 #include <string>
+#include <unordered_map>
+#include <unordered_set>
 #include <utility>
 
 #include "backends/text/utf.h"
@@ -117,9 +119,9 @@ OidMap::Numbers OidMap::Adopt(const OidMap& other) {
       if (person.former != kNoDigest) {
         continue;
       }
-      if (!m_taken.insert(person.oid).second) {
+      if (!m_taken.Add(person.oid)) {
         person.oid = ChooseOid(source, "adopted:" + std::to_string(person.oid));
-        m_taken.insert(person.oid);
+        m_taken.Add(person.oid);
       }
       numbers.emplace(people[i].oid, person.oid);
       ours.Add(person);

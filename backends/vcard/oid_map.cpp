@@ -7,7 +7,7 @@
 
 #include "backends/text/registry_text.h"
 #include "backends/text/utf.h"
-#include "backends/vcard/source_choice.h"
+#include "backends/vcard/contact_source.h"
 #include "platform/file_system.h"
 
 namespace vcard {
@@ -72,7 +72,7 @@ void OidMap::Rename(std::u16string former, std::u16string now) {
 
 Result<void, RegistryError> OidMap::LoadBooks() {
   m_books.clear();
-  m_taken.clear();
+  m_taken = {};
   m_remarks.clear();
   m_lastKeyNumber = 0;
   const platform::OpenedKey opened = m_registry.OpenKey(kContactsKey);
@@ -232,6 +232,7 @@ std::vector<std::int32_t> OidMap::Recognise(const Book& book) {
   std::vector<bool> isMet(contacts.GetPeople().size());
   std::vector<std::string> seeds;
   std::vector<std::int32_t> oids;
+  oids.reserve(cards.size());
   for (std::size_t i = 0; i < cards.size(); ++i) {
     const bool isKnown = people[i] != Matches::kNobody;
     Person person = Learn(cards[i], isKnown ? &contacts.GetPeople()[people[i]] : nullptr);
@@ -241,7 +242,7 @@ std::vector<std::int32_t> OidMap::Recognise(const Book& book) {
     } else {
       seeds = seeds.empty() ? SeedsOf(book.contacts) : std::move(seeds);
       person.oid = ChooseOid(book.name, seeds[i]);
-      m_taken.insert(person.oid);
+      m_taken.Add(person.oid);
       contacts.Add(person);
     }
     oids.push_back(person.oid);
@@ -274,7 +275,7 @@ std::int32_t OidMap::ChooseOid(std::u16string_view source, const std::string& se
         ComputeDigest(text::ToUtf8(source) + '\n' + seed + '\n' + std::to_string(attempt));
     const auto oid = static_cast<std::int32_t>(
         platform::LoadLittleEndian32(std::span(digest).first<sizeof(std::uint32_t)>()));
-    if (oid != 0 && !m_taken.contains(oid)) {
+    if (oid != 0 && !m_taken.Holds(oid)) {
       return oid;
     }
   }

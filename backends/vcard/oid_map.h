@@ -8,10 +8,10 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 #include "backends/vcard/contact_source.h"
+#include "backends/vcard/indexes.h"
 #include "backends/vcard/stored_book.h"
 #include "platform/registry.h"
 
@@ -107,7 +107,7 @@ class OidMap {
   platform::Registry& m_registry;
   std::unordered_map<std::u16string, KnownBook> m_books;
   std::optional<Renaming> m_renaming;  ///< That was not stored yet.
-  std::unordered_set<std::int32_t> m_taken;
+  OidIndex m_taken;
   std::vector<Remark> m_remarks;
   std::uint32_t m_lastKeyNumber = 0;
 };

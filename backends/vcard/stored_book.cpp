@@ -94,9 +94,8 @@ platform::Result<void, RegistryError> StoredBook::ForEachValue(platform::Registr
 }
 
 platform::Result<void, RegistryError> StoredBook::Load(platform::RegistryKey& key, const Sink& sink,
-                                                       std::unordered_set<std::int32_t>& taken) {
-  using LoadEntries = void (StoredBook::*)(std::span<const std::byte>,
-                                           std::unordered_set<std::int32_t>&, std::size_t&);
+                                                       OidIndex& taken) {
+  using LoadEntries = void (StoredBook::*)(std::span<const std::byte>, OidIndex&, std::size_t&);
   // Whether the value holds nothing but entries.
   const auto load = [&](const std::u16string& name, const platform::RegistryValue& value,
                         std::size_t entrySize, LoadEntries loadEntries) {
@@ -126,22 +125,21 @@ platform::Result<void, RegistryError> StoredBook::Load(platform::RegistryKey& ke
 
 // A number that occurs twice in the book is one person, and the later entry counts. A number that
 // another book has already is nobody here: one number must never mean two people.
-void StoredBook::LoadPeople(std::span<const std::byte> bytes,
-                            std::unordered_set<std::int32_t>& taken, std::size_t& odd) {
+void StoredBook::LoadPeople(std::span<const std::byte> bytes, OidIndex& taken, std::size_t& odd) {
   for (; !bytes.empty(); bytes = bytes.subspan(kPersonSize)) {
     const Person person = LoadPerson(bytes);
-    const auto known = m_indexes.find(person.oid);
-    const bool isOurs = known != m_indexes.end();
-    if (person.oid == 0 || (!isOurs && !taken.insert(person.oid).second)) {
+    const std::uint32_t known = m_indexes.Find(person.oid);
+    const bool isOurs = known != OidIndex::kNone;
+    if (person.oid == 0 || (!isOurs && !taken.Add(person.oid))) {
       ++odd;
       continue;
     }
-    const std::size_t index = isOurs ? known->second : m_people.size();
+    const std::size_t index = isOurs ? known : m_people.size();
     if (isOurs) {
       m_people[index] = person;
       m_valueOf[index] = m_values.size() - 1;
     } else {
-      m_indexes.emplace(person.oid, index);
+      m_indexes.Add(person.oid, index);
       m_people.push_back(person);
       m_valueOf.push_back(m_values.size() - 1);
     }
@@ -149,21 +147,20 @@ void StoredBook::LoadPeople(std::span<const std::byte> bytes,
   }
 }
 
-void StoredBook::LoadFormer(std::span<const std::byte> bytes,
-                            std::unordered_set<std::int32_t>& taken, std::size_t& odd) {
+void StoredBook::LoadFormer(std::span<const std::byte> bytes, OidIndex& taken, std::size_t& odd) {
   for (; !bytes.empty(); bytes = bytes.subspan(kFormerSize)) {
     Person person;
     person.former = LoadDigest(bytes);
     person.oid = static_cast<std::int32_t>(LoadWord(bytes.subspan(sizeof(Digest))));
-    const auto known = m_indexes.find(person.oid);
-    if (known != m_indexes.end() && m_people[known->second].former == kNoDigest) {
+    const std::uint32_t known = m_indexes.Find(person.oid);
+    if (known != OidIndex::kNone && m_people[known].former == kNoDigest) {
       continue;  // More is known of the contact since.
     }
-    if (person.oid == 0 || person.former == kNoDigest || !taken.insert(person.oid).second) {
+    if (person.oid == 0 || person.former == kNoDigest || !taken.Add(person.oid)) {
       ++odd;
       continue;
     }
-    m_indexes.emplace(person.oid, m_people.size());
+    m_indexes.Add(person.oid, m_people.size());
     m_people.push_back(person);
     m_valueOf.push_back(kNoValue);
     m_hasFormerKeys = true;
@@ -205,7 +202,7 @@ bool StoredBook::HasChanged() const {
 
 void StoredBook::Add(const Person& person) {
   const std::size_t index = m_people.size();
-  m_indexes.emplace(person.oid, index);
+  m_indexes.Add(person.oid, index);
   m_people.push_back(person);
   m_valueOf.push_back(kNoValue);
   PutIntoAValue(index);

@@ -5,11 +5,10 @@
 #include <functional>
 #include <span>
 #include <string>
-#include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 #include "backends/vcard/contact_matching.h"
+#include "backends/vcard/indexes.h"
 #include "platform/registry.h"
 
 namespace vcard {
@@ -35,8 +34,9 @@ class StoredBook {
 
   /// Adds the numbers of the book to `taken`. Passes over an entry if its number is there already.
   /// Fails if the registry cannot be asked.
-  [[nodiscard]] platform::Result<void, platform::RegistryError> Load(
-      platform::RegistryKey& key, const Sink& sink, std::unordered_set<std::int32_t>& taken);
+  [[nodiscard]] platform::Result<void, platform::RegistryError> Load(platform::RegistryKey& key,
+                                                                     const Sink& sink,
+                                                                     OidIndex& taken);
 
   /// Writes each value in which something has changed since SetSaved.
   [[nodiscard]] platform::Result<void, platform::RegistryError> Save(
@@ -46,7 +46,7 @@ class StoredBook {
   [[nodiscard]] std::span<const Person> GetPeople() const { return m_people; }
   [[nodiscard]] bool HasFormerKeys() const { return m_hasFormerKeys; }
   [[nodiscard]] bool HasChanged() const;
-  [[nodiscard]] bool Holds(std::int32_t oid) const { return m_indexes.contains(oid); }
+  [[nodiscard]] bool Holds(std::int32_t oid) const { return m_indexes.Holds(oid); }
 
   void Add(const Person& person);
   /// Does nothing if `person` is what is known already.
@@ -64,16 +64,14 @@ class StoredBook {
       std::function<void(const std::u16string& name, const platform::RegistryValue& value)>;
   [[nodiscard]] static platform::Result<void, platform::RegistryError> ForEachValue(
       platform::RegistryKey& key, const std::u16string& prefix, const Series& each);
-  void LoadPeople(std::span<const std::byte> bytes, std::unordered_set<std::int32_t>& taken,
-                  std::size_t& odd);
-  void LoadFormer(std::span<const std::byte> bytes, std::unordered_set<std::int32_t>& taken,
-                  std::size_t& odd);
+  void LoadPeople(std::span<const std::byte> bytes, OidIndex& taken, std::size_t& odd);
+  void LoadFormer(std::span<const std::byte> bytes, OidIndex& taken, std::size_t& odd);
   void PutIntoAValue(std::size_t index);
 
   std::vector<Person> m_people;
-  std::unordered_map<std::int32_t, std::size_t> m_indexes;  ///< By number.
-  std::vector<std::size_t> m_valueOf;                       ///< For each person.
-  std::vector<Value> m_values;                              ///< "people0", "people1", ...
+  OidIndex m_indexes;
+  std::vector<std::size_t> m_valueOf;  ///< For each person.
+  std::vector<Value> m_values;         ///< "people0", "people1", ...
   bool m_hasFormerKeys = false;
 };
 

@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "backends/text/utf.h"
-#include "backends/vcard/source_choice.h"
+#include "backends/vcard/contact_source.h"
 #include "host/home/gathering.h"
 #include "host/session/contact_listing.h"
 #include "host/session/held_tags.h"

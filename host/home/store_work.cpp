@@ -7,7 +7,7 @@
 #include "audio/wave_device.h"
 #include "backends/sqlite/sqlite_registry.h"
 #include "backends/text/utf.h"
-#include "backends/vcard/source_choice.h"
+#include "backends/vcard/contact_source.h"
 #include "host/home/shelf_reading.h"
 #include "host/home/trash_reading.h"
 #include "host/session/explanations.h"

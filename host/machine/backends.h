@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "backends/vcard/address_books.h"
-#include "backends/vcard/desktop_source.h"
+#include "backends/vcard/contact_source.h"
 #include "platform/clock.h"
 #include "platform/file_system.h"
 #include "platform/registry.h"

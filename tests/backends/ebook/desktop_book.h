@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "backends/ebook/glib_pointers.h"
-#include "backends/vcard/desktop_source.h"
+#include "backends/vcard/contact_source.h"
 
 namespace ebook_test {
 

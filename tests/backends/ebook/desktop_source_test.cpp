@@ -1,6 +1,6 @@
 // With the real servers of a desktop, in a session of this test's own.
 
-#include "backends/vcard/desktop_source.h"
+#include "backends/vcard/contact_source.h"
 
 #include <gtest/gtest.h>
 

@@ -12,7 +12,7 @@
 
 #include "backends/posix/posix_threads.h"
 #include "backends/qt/ui_thread.h"
-#include "backends/vcard/desktop_source.h"
+#include "backends/vcard/contact_source.h"
 #include "tests/backends/qt/dialog_fixture.h"
 #include "tests/support/results.h"
 #include "tests/support/watched_threads.h"

@@ -1,7 +1,7 @@
 // What becomes of the cards that the desktop's library hands over. With the library itself and the
 // real servers: tests/backends/ebook.
 
-#include "backends/vcard/desktop_source.h"
+#include "backends/vcard/contact_source.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "backends/vcard/source_choice.h"
+#include "backends/vcard/contact_source.h"
 
 #include <gtest/gtest.h>
 

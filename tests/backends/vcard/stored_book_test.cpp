@@ -27,7 +27,7 @@ class StoredBookTest : public testing::Test {
  protected:
   StoredBook Load() {
     StoredBook book;
-    std::unordered_set<std::int32_t> taken;
+    OidIndex taken;
     const auto fail = [](const std::u16string&, const std::string& what) { ADD_FAILURE() << what; };
     EXPECT_EQ(support::ErrorOf(book.Load(*m_registry.CreateKey(kKey).value(), fail, taken)),
               std::nullopt);

@@ -1,17 +1,30 @@
-#include "backends/vcard/desktop_source.h"
+#include "backends/vcard/contact_source.h"
 
 #include <algorithm>
 #include <compare>
 #include <cstdint>
 #include <exception>
+#include <filesystem>
+#include <system_error>
 #include <utility>
 
 #include "backends/text/collation.h"
+#include "backends/text/host_path.h"
+#include "backends/text/registry_text.h"
 #include "backends/text/utf.h"
 #include "backends/vcard/card_reader.h"
 
 namespace vcard {
+
+using platform::Failure;
+using platform::RegistryError;
+using platform::Result;
+
 namespace {
+
+/// Text: "eds" or the path of a vCard file or folder.
+constexpr std::u16string_view kChoiceValue = u"chosen";
+constexpr std::u16string_view kDesktop = u"eds";
 
 constexpr std::size_t kNoLimit = static_cast<std::size_t>(-1);
 
@@ -56,19 +69,65 @@ Book ToBook(const platform::DesktopBook& read, RemarkList& remarks) {
 
 }  // namespace
 
+SourceChoice ParseChoice(std::u16string_view text) {
+  if (text == kDesktop) {
+    return {};
+  }
+  if (text.starts_with(u'\\')) {
+    return {std::u16string(text)};
+  }
+  // Links are kept as they are: what one leads to may change with each synchronisation.
+  const std::filesystem::path written = text::ToHostPath(text::ToHostName(text));
+  std::error_code error;
+  const std::filesystem::path absolute = std::filesystem::absolute(written, error);
+  return {text::ToFileName(error ? written : absolute.lexically_normal())};
+}
+
+Result<std::optional<SourceChoice>, RegistryError> RecallChoice(platform::Registry& registry,
+                                                                std::vector<Remark>& remarks) {
+  const platform::OpenedKey opened = registry.OpenKey(kContactsKey);
+  const auto value = opened ? (*opened)->Query(kChoiceValue) : Failure(opened.error());
+  if (!value && value.error() == RegistryError::kNotFound) {
+    return std::nullopt;
+  }
+  if (!value) {
+    return Failure(value.error());
+  }
+  const std::optional<std::u16string> text = text::ToText(*value);
+  if (!text || text->empty()) {
+    remarks.push_back({std::u16string(kContactsKey), 0,
+                       "the value \"chosen\" names no address book and is passed over"});
+    return std::nullopt;
+  }
+  return *text == kDesktop ? SourceChoice{} : SourceChoice{*text};
+}
+
+Result<void, RegistryError> RememberChoice(platform::Registry& registry,
+                                           const SourceChoice& choice) {
+  std::vector<Remark> ignored;  // What is odd gives way to the user's own choice.
+  if (const auto remembered = RecallChoice(registry, ignored);
+      remembered && *remembered == choice) {
+    return {};
+  }
+  const platform::OpenedKey opened = registry.CreateKey(kContactsKey);
+  if (!opened) {
+    return Failure(opened.error());
+  }
+  return text::SetText(**opened, kChoiceValue, choice.path.empty() ? kDesktop : choice.path);
+}
+
 DesktopSource::DesktopSource(Load load, std::chrono::milliseconds limit)
     : m_load(std::move(load)), m_limit(limit) {}
 
 ReadBooks DesktopSource::Read(RemarkList& remarks) {
   const Library read = m_load();
   if (!read) {
-    return platform::Failure(
-        platform::BooksError{platform::BooksError::Kind::kNoAnswer, read.error()});
+    return Failure(platform::BooksError{platform::BooksError::Kind::kNoAnswer, read.error()});
   }
   platform::DesktopBooks desktop;
   (*read)(static_cast<std::uint32_t>(m_limit.count()), desktop);
   if (!desktop) {
-    return platform::Failure(std::move(desktop.error()));
+    return Failure(std::move(desktop.error()));
   }
   std::vector<Book> books;
   for (const platform::DesktopBook& book : *desktop) {
@@ -79,7 +138,7 @@ ReadBooks DesktopSource::Read(RemarkList& remarks) {
 }
 
 ReadBooks BackgroundSource::Read(RemarkList& remarks) {
-  ReadBooks read = platform::Failure(platform::BooksError());
+  ReadBooks read = Failure(platform::BooksError());
   const auto body = [&] { read = ReadInner(remarks); };
   if (const auto thread = m_threads.Start(body, platform::ThreadStart::kRunning)) {
     // Should the wait fail, the end of the handle still waits for the thread.
@@ -96,7 +155,7 @@ ReadBooks BackgroundSource::ReadInner(RemarkList& remarks) {
     return m_inner.Read(remarks);
   } catch (const std::exception& error) {
     remarks.Clear();
-    return platform::Failure(platform::BooksError{.reason = error.what()});
+    return Failure(platform::BooksError{.reason = error.what()});
   }
 }
 
