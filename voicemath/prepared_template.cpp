@@ -87,11 +87,11 @@ std::int16_t OnGrid(float shape) {
 
 }  // namespace
 
-bool PreparedTemplate::Prepare(std::span<const float> values) {
+platform::Result<void, PrepareError> PreparedTemplate::Prepare(std::span<const float> values) {
   PreparedTemplate made;
   const std::size_t frames = values.size() / kBandCount;
-  if (!made.Allocate(frames)) {
-    return false;
+  if (auto allocated = made.Allocate(frames); !allocated) {
+    return allocated;
   }
   if (frames > 0) {
     made.FillShape(values);
@@ -101,16 +101,20 @@ bool PreparedTemplate::Prepare(std::span<const float> values) {
     made.FillHeldGrid();
   }
   *this = std::move(made);
-  return true;
+  return {};
 }
 
-bool PreparedTemplate::Allocate(std::size_t frames) {
+platform::Result<void, PrepareError> PreparedTemplate::Allocate(std::size_t frames) {
   m_frames = static_cast<std::int32_t>(frames);
   m_rootOfSize =
       static_cast<std::int32_t>(std::ceil(std::sqrt(static_cast<double>(frames * kBandCount))));
   m_bandLength = frames + 2 * kHeldShapes;
   m_memory.reset(new (std::nothrow) std::byte[PlaceArrays(nullptr)]);
-  return m_memory && PlaceArrays(m_memory.get()) > 0;
+  if (!m_memory) {
+    return platform::Failure(PrepareError::kNoMemory);
+  }
+  PlaceArrays(m_memory.get());
+  return {};
 }
 
 std::size_t PreparedTemplate::PlaceArrays(std::byte* memory) {

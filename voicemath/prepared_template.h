@@ -6,10 +6,14 @@
 #include <memory>
 #include <span>
 
+#include "platform/result.h"
 #include "voicemath/constants.h"
 #include "voicemath/vector_clones.h"
 
 namespace voicemath {
+
+/// Why a template was not prepared.
+enum class PrepareError : std::uint8_t { kNoMemory };
 
 /// A template in the forms that a comparison needs. They are made once, when its slot is filled,
 /// since each template is compared with many others.
@@ -49,9 +53,8 @@ class PreparedTemplate {
 
   PreparedTemplate() = default;
 
-  /// Prepares `values`, frame by frame, kBandCount each. Returns false if there is no memory; the
-  /// template is then as it was.
-  [[nodiscard]] bool Prepare(std::span<const float> values);
+  /// Prepares `values`, frame by frame, kBandCount each. If this fails, the template is as it was.
+  [[nodiscard]] platform::Result<void, PrepareError> Prepare(std::span<const float> values);
 
   [[nodiscard]] std::int32_t Frames() const { return m_frames; }
   [[nodiscard]] bool IsOnGrid() const { return m_isOnGrid; }
@@ -91,7 +94,7 @@ class PreparedTemplate {
   }
 
  private:
-  [[nodiscard]] bool Allocate(std::size_t frames);
+  [[nodiscard]] platform::Result<void, PrepareError> Allocate(std::size_t frames);
   /// Returns how many bytes all arrays need.
   std::size_t PlaceArrays(std::byte* memory);
   void FillShape(std::span<const float> values);

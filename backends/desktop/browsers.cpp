@@ -12,9 +12,13 @@ namespace {
 
 using std::chrono::milliseconds;
 
-bool OpenByDefault(const Environment& environment, const std::string& url, milliseconds patience) {
+using Opened = platform::Result<void, StartError>;
+
+Opened OpenByDefault(const Environment& environment, const std::string& url,
+                     milliseconds patience) {
   const auto command = FindDefault("https", "text/html", url);
-  return command && StartDetached(environment, *command, patience);
+  return command ? StartDetached(environment, *command, patience)
+                 : platform::Failure(StartError::kNoProgram);
 }
 
 /// Returns one command of $BROWSER, split at blanks. The URL replaces "%s", or comes last.
@@ -39,39 +43,50 @@ Command ReadCommand(std::string_view text, const std::string& url) {
   return command;
 }
 
-bool OpenByVariable(const Environment& environment, const std::string& url, milliseconds patience) {
+Opened OpenByVariable(const Environment& environment, const std::string& url,
+                      milliseconds patience) {
   // $BROWSER is a list of commands, of which the first that works is the one.
   std::string_view commands = environment.browsers;
+  Opened opened = platform::Failure(StartError::kNoProgram);
   while (!commands.empty()) {
     const std::size_t end = std::min(commands.find(':'), commands.size());
-    if (StartDetached(environment, ReadCommand(commands.substr(0, end), url), patience)) {
-      return true;
+    opened = StartDetached(environment, ReadCommand(commands.substr(0, end), url), patience);
+    if (opened) {
+      break;
     }
     commands.remove_prefix(std::min(end + 1, commands.size()));
   }
-  return false;
+  return opened;
 }
 
 /// Some systems have a browser and neither a list of what opens what nor xdg-utils. So the names
 /// that packages give to browsers are tried last. Those of Debian's own choice come first.
-bool OpenByName(const Environment& environment, const std::string& url, milliseconds patience) {
+Opened OpenByName(const Environment& environment, const std::string& url, milliseconds patience) {
   constexpr std::array<const char*, 12> kNames{
       "x-www-browser",    "gnome-www-browser", "firefox",
       "firefox-esr",      "chromium",          "google-chrome",
       "chromium-browser", "brave-browser",     "epiphany",
       "falkon",           "konqueror",         "opera"};
-  return std::ranges::any_of(kNames, [&](const char* name) {
-    return StartDetached(environment, {name, url}, patience);
-  });
+  Opened opened = platform::Failure(StartError::kNoProgram);
+  for (std::size_t i = 0; i < kNames.size() && !opened; ++i) {
+    opened = StartDetached(environment, {kNames[i], url}, patience);
+  }
+  return opened;
 }
 
 }  // namespace
 
-bool OpenInBrowser(const Environment& environment, const std::string& url, milliseconds patience) {
+platform::Result<void, StartError> OpenInBrowser(const Environment& environment,
+                                                 const std::string& url, milliseconds patience) {
   // From what the user has chosen to what there happens to be.
-  return OpenByDefault(environment, url, patience) ||
-         StartDetached(environment, {"xdg-open", url}, patience) ||
-         OpenByVariable(environment, url, patience) || OpenByName(environment, url, patience);
+  Opened opened = OpenByDefault(environment, url, patience);
+  if (!opened) {
+    opened = StartDetached(environment, {"xdg-open", url}, patience);
+  }
+  if (!opened) {
+    opened = OpenByVariable(environment, url, patience);
+  }
+  return opened ? opened : OpenByName(environment, url, patience);
 }
 
 }  // namespace desktop

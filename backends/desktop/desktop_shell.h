@@ -33,15 +33,16 @@ struct HelpFolders {
   [[nodiscard]] HelpPage Find(std::string_view address) const;
 };
 
-/// Opens `url` in the user's browser. Returns whether one took it. Tries in this order:
+/// Opens `url` in the user's browser. Fails if none takes it. Tries in this order:
 /// 1. the desktop's default for sites, else for pages, started by its own command. xdg-open loses
 ///    the place within a page of the disk on some desktops, and so does GIO for some browsers;
 /// 2. xdg-open;
 /// 3. each command of $BROWSER.
 ///
 /// Each may take `patience`. May be called from any thread.
-[[nodiscard]] bool OpenInBrowser(const Environment& environment, const std::string& url,
-                                 std::chrono::milliseconds patience);
+[[nodiscard]] platform::Result<void, StartError> OpenInBrowser(const Environment& environment,
+                                                               const std::string& url,
+                                                               std::chrono::milliseconds patience);
 
 /// Says something to the user in a few words. Called on a thread of the shell.
 using Report = std::function<void(std::u16string_view text)>;

@@ -238,20 +238,21 @@ std::optional<std::string> FindProgram(const Environment& environment, const std
   return std::nullopt;
 }
 
-bool StartDetached(const Environment& environment, const Command& command, milliseconds patience) {
+platform::Result<void, StartError> StartDetached(const Environment& environment,
+                                                 const Command& command, milliseconds patience) {
   const auto program = command.empty() ? std::nullopt : FindProgram(environment, command.front());
   if (!program) {
-    return false;
+    return platform::Failure(StartError::kNoProgram);
   }
   auto pipe = Pipe::Make();
   if (!pipe) {
-    return false;
+    return platform::Failure(StartError::kFailed);
   }
   Command copy = command;  // exec takes texts that it may change.
   const std::vector<char*> arguments = PointersOf(copy);
   const pid_t between = ::fork();
   if (between < 0) {
-    return false;
+    return platform::Failure(StartError::kFailed);
   }
   if (between == 0) {
     if (::fork() == 0) {
@@ -261,8 +262,11 @@ bool StartDetached(const Environment& environment, const Command& command, milli
   }
   pipe->write.Close();
   AwaitEnd(between);
-  return !AwaitInput(pipe->read.Get(), steady_clock::now() + patience) ||
-         ReadReport(pipe->read.Get());
+  if (AwaitInput(pipe->read.Get(), steady_clock::now() + patience) &&
+      !ReadReport(pipe->read.Get())) {
+    return platform::Failure(StartError::kFailed);
+  }
+  return {};
 }
 
 }  // namespace desktop

@@ -1,9 +1,12 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
+
+#include "platform/result.h"
 
 namespace desktop {
 
@@ -26,12 +29,17 @@ using Command = std::vector<std::string>;
 [[nodiscard]] std::optional<std::string> FindProgram(const Environment& environment,
                                                      const std::string& name);
 
+enum class StartError : std::uint8_t {
+  kNoProgram,  ///< There is none of that name.
+  kFailed,     ///< It could not be started, or failed while it was watched.
+};
+
 /// Starts a program that then has nothing to do with this one: no shell between them, a session of
 /// its own, no standard streams, no descriptors of ours, and nobody here who has to wait for it.
 ///
-/// Watches it for at most `patience`. Returns false if it could not be started, or if it failed
-/// within that time. A program that still runs then counts as well.
-[[nodiscard]] bool StartDetached(const Environment& environment, const Command& command,
-                                 std::chrono::milliseconds patience);
+/// Watches it for at most `patience`. A program that still runs then has not failed.
+[[nodiscard]] platform::Result<void, StartError> StartDetached(const Environment& environment,
+                                                               const Command& command,
+                                                               std::chrono::milliseconds patience);
 
 }  // namespace desktop

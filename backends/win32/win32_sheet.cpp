@@ -90,58 +90,54 @@ LRESULT CALLBACK Win32Sheet::Watch(HWND window, UINT message, WPARAM wParam, LPA
     RemoveWindowSubclass(window, &Watch, id);
     sheet.m_window = nullptr;
   }
-  LRESULT answer = 0;
-  if (sheet.Answer(message, wParam, lParam, answer)) {
-    return answer;
+  if (const auto answered = sheet.Answer(message, wParam)) {
+    return *answered;
   }
-  answer = DefSubclassProc(window, message, wParam, lParam);
+  const LRESULT answer = DefSubclassProc(window, message, wParam, lParam);
   if (message == WM_NOTIFY && reinterpret_cast<const NMHDR*>(lParam)->code == TCN_SELCHANGE) {
     sheet.ShowDefaultButton();
   }
   return answer;
 }
 
-bool Win32Sheet::Answer(UINT message, WPARAM wParam, LPARAM /*lParam*/, LRESULT& answer) {
+std::optional<LRESULT> Win32Sheet::Answer(UINT message, WPARAM wParam) {
   if (IsClosing(message, wParam)) {
     if (IsBusy()) {
-      return true;
+      return 0;
     }
     m_wasAccepted = message == WM_COMMAND && LOWORD(wParam) == IDOK;
-    return false;
+    return std::nullopt;
   }
   const HWND button = GetDefaultButton();
   switch (message) {
     case WM_SHOWWINDOW:
       Prepare();
-      return false;
+      return std::nullopt;
     case WM_HELP:
       AskForHelp();
-      answer = TRUE;
-      return true;
+      return TRUE;
     case WM_SETCURSOR:
       if (m_thread.IsBusy()) {
         m_thread.ShowPointer();
-        answer = TRUE;
-        return true;
+        return TRUE;
       }
-      return false;
+      return std::nullopt;
     case DM_GETDEFID:
       // Enter presses the default button of the page. If the page has none, it presses OK.
       if (button == nullptr) {
-        return false;
+        return std::nullopt;
       }
-      answer = MAKELONG(GetDlgCtrlID(button), DC_HASDEFID);
-      return true;
+      return MAKELONG(GetDlgCtrlID(button), DC_HASDEFID);
     case WM_COMMAND:
       if (button == nullptr || LOWORD(wParam) != GetDlgCtrlID(button)) {
-        return false;
+        return std::nullopt;
       }
       if (IsWindowEnabled(button)) {
         SendMessageW(GetParent(button), WM_COMMAND, wParam, reinterpret_cast<LPARAM>(button));
       }
-      return true;
+      return 0;
     default:
-      return false;
+      return std::nullopt;
   }
 }
 

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -36,8 +37,8 @@ class Win32Sheet final : public platform::SheetWindow {
 
   static LRESULT CALLBACK Watch(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
                                 UINT_PTR id, DWORD_PTR self);
-  /// Answers a message before the system does. Returns false if the system has to.
-  [[nodiscard]] bool Answer(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& answer);
+  /// Answers a message before the system does. Returns nothing if the system has to.
+  [[nodiscard]] std::optional<LRESULT> Answer(UINT message, WPARAM wParam);
   void OnPageCreated(HWND page);
   void Prepare();
   void ShowDefaultButton() const;

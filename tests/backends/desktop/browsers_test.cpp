@@ -59,7 +59,8 @@ class Browsers : public FakeDesktop {
   [[nodiscard]] bool Open(const std::string& url) const {
     return InDesktop([&] {
       // As long as a loaded machine could take for a small program; a test never waits for its end.
-      return desktop::OpenInBrowser(desktop::ReadEnvironment(), url, std::chrono::minutes(1));
+      return desktop::OpenInBrowser(desktop::ReadEnvironment(), url, std::chrono::minutes(1))
+          .has_value();
     });
   }
 };

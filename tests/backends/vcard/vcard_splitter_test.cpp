@@ -1,5 +1,6 @@
 #include "backends/vcard/vcard_splitter.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <string>
@@ -83,6 +84,33 @@ TEST(VcardSplitter, AMarkAfterATornFileHidesNoDamage) {
   EXPECT_TRUE(plain.isDamaged);
   EXPECT_TRUE(marked.isDamaged);
   EXPECT_EQ(NamesIn(marked), NamesIn(plain));
+}
+
+TEST(VcardSplitter, PassesOverAPictureHoweverTheStreamIsCut) {
+  for (const std::string end : {"\n", "\r\n"}) {
+    std::string stream = "BEGIN:VCARD" + end + "N:A;;;;" + end + "PHOTO;ENCODING=b:";
+    for (int i = 0; i < 300; ++i) {
+      // A line that goes on begins with a blank, whatever else it looks like.
+      stream += std::string(70, 'x') + end + (i % 2 == 0 ? " END:VCARD" : "\tN:B;;;;=");
+    }
+    stream += end + "ORG;x" + end + "END:VCARD" + end + Named("C");
+    for (const std::size_t size : {1U, 71U, 72U, 100'000U}) {
+      const Cards cards = ReadCards(stream, size);
+      EXPECT_EQ(NamesIn(cards), "A.C.");
+      EXPECT_THAT(cards.damage, testing::StartsWith("304: ")) << size;
+    }
+  }
+}
+
+TEST(VcardSplitter, APictureThatSoftBreaksWriteEndsWithItsLastLine) {
+  for (const std::size_t size : {1U, 30U, 1000U}) {
+    const Cards cards = ReadCards(
+        "BEGIN:VCARD\nN:A;;;;\nPHOTO;ENCODING=QUOTED-PRINTABLE:x=\nN:B;;;;=\nEND:VCARD\n"
+        "END:VCARD\n",
+        size);
+    EXPECT_EQ(NamesIn(cards), "A.");
+    EXPECT_FALSE(cards.isDamaged);
+  }
 }
 
 TEST(VcardSplitter, TakesKeywordsInAnyCase) {

@@ -1,4 +1,4 @@
-#include "backends/vcard/content_line.h"
+#include "backends/vcard/charset.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -65,6 +65,32 @@ TEST(Escapes, CommasBetweenNamesAreBlanks) {
 TEST(Escapes, PercentsAreDecoded) {
   EXPECT_EQ(DecodePercents("%2B1%20555%ff"), "+1 555\xFF");
   EXPECT_EQ(DecodePercents("100%;%2;%zz%2"), "100%;%2;%zz%2");
+}
+
+// Two characters of JIS X 0208, in a text that ends without going back to ASCII.
+TEST(DecodeText, ATextThatEndsWithinAnotherSetLeavesTheNextOneAsItIs) {
+  EXPECT_EQ(DecodeText("\x1B$B;3ED", "ISO-2022-JP").text, "山田");
+  EXPECT_EQ(DecodeText("Lee", "ISO-2022-JP").text, "Lee");
+}
+
+TEST(DecodeText, TextsOfSeveralSetsMayComeInAnyOrder) {
+  for (int i = 0; i < 2; ++i) {
+    EXPECT_EQ(DecodeText("M\xFCller", "ISO-8859-1").text, "Müller");
+    EXPECT_EQ(DecodeText("\xE9\xF7\xE1\xEE", "KOI8-R").text, "ИВАН");
+    EXPECT_EQ(DecodeText("M\xC3\xBCller", "utf-8").text, "Müller");
+    EXPECT_EQ(DecodeText("M\xFCller").text, "Müller");
+  }
+}
+
+TEST(DecodeText, KnowsWhetherFormerVersionsReadTheSame) {
+  for (const std::string_view charset : {"", "UTF-8", "ISO-8859-1", "ISO-2022-JP", "UTF-7"}) {
+    for (const std::string_view text :
+         {"Lee", "M\xC3\xBCller", "M\xFCller", "\xC3\xBC\xFC", "\x81", "\x1B$B;3ED"}) {
+      const DecodedText decoded = DecodeText(text, charset);
+      EXPECT_TRUE(!decoded.isAsBefore || decoded.text == FormerUtf8(text, charset))
+          << charset << " " << text;
+    }
+  }
 }
 
 }  // namespace
