@@ -109,6 +109,9 @@ endif()
 # include that is missing.
 option(VOXTREL_JOIN_PROGRAM "Compile the files of each library of the program as one" OFF)
 option(VOXTREL_JOIN_TESTS "Compile the files of each test program as one" OFF)
+option(VOXTREL_TEST_PROGRAMS
+       "Nobody runs this build but the tests: each test program is one test, which saves starting it for each case"
+       OFF)
 
 # What nearly every file includes, compiled once for all of them. Only builds that join files use it: the
 # build `dev` still shows an include that is missing. What is optimised otherwise than the rest opts out
@@ -233,8 +236,6 @@ function(voxtrel_door name)
   endif()
 endfunction()
 
-option(VOXTREL_TEST_PROGRAMS "Run each test program as one test, which saves starting it for each case" OFF)
-
 # Test programs by label, for builds that run no others: those with threads, and those that compare
 # the bits of the mathematics.
 add_custom_target(thread_tests)
@@ -243,6 +244,8 @@ add_custom_target(emulated_tests)
 # What is tried with the program as users run it: these, and what compares bits.
 add_custom_target(release_tests)
 add_dependencies(release_tests bits_tests)
+# What only the tests that take long need.
+add_custom_target(long_tests)
 
 # Tests are hardly optimised, since they are compiled more often than they run. They are if the processor
 # is emulated, which makes it slow. For the same reason the sanitizer of undefined behaviour watches the
@@ -290,6 +293,30 @@ function(voxtrel_test_prelude name)
   target_precompile_headers(${name} PRIVATE ${ARG_HEADERS})
 endfunction()
 
+# voxtrel_test_reuse(TARGET QT): the headers of one of these preludes are not compiled again: if QT is true,
+# those with what windows are made of.
+function(voxtrel_test_reuse name qt)
+  if(qt AND TARGET voxtrel_qt_test_prelude)
+    target_precompile_headers(${name} REUSE_FROM voxtrel_qt_test_prelude)
+  else()
+    target_precompile_headers(${name} REUSE_FROM voxtrel_test_prelude)
+  endif()
+endfunction()
+
+# voxtrel_test_library(NAME [QT] SOURCES ... [DEPENDS ...]): what several test programs share. The benchmarks
+# and the fuzz targets use some of these, too.
+function(voxtrel_test_library name)
+  cmake_parse_arguments(ARG "QT" "" "SOURCES;DEPENDS" ${ARGN})
+  add_library(voxtrel_${name} STATIC ${ARG_SOURCES})
+  target_link_libraries(voxtrel_${name} PUBLIC voxtrel_options ${ARG_DEPENDS})
+  voxtrel_join(TESTS voxtrel_${name})
+  if(BUILD_TESTING)
+    target_link_libraries(voxtrel_${name} PUBLIC GTest::gmock)
+    voxtrel_test_options(voxtrel_${name})
+    voxtrel_test_reuse(voxtrel_${name} "${ARG_QT}")
+  endif()
+endfunction()
+
 # voxtrel_test_program(NAME [QT] SOURCES ... DEPENDS ...): a test program that is not yet run. QT says that
 # its files make windows.
 function(voxtrel_test_program name)
@@ -301,12 +328,8 @@ function(voxtrel_test_program name)
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE voxtrel_options ${ARG_DEPENDS} GTest::gmock GTest::gtest_main)
   voxtrel_test_options(${name})
-  if(ARG_QT AND TARGET voxtrel_qt_test_prelude)
-    target_precompile_headers(${name} REUSE_FROM voxtrel_qt_test_prelude)
-  else()
-    target_precompile_headers(${name} REUSE_FROM voxtrel_test_prelude)
-  endif()
   voxtrel_join(TESTS ${name})
+  voxtrel_test_reuse(${name} "${ARG_QT}")
 endfunction()
 
 # For what must not be joined, such as test programs with helpers of the same name in several files.

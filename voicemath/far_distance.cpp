@@ -31,7 +31,7 @@
 namespace voicemath {
 namespace {
 
-constexpr auto kLanes = static_cast<std::int32_t>(kFloatLanes);
+constexpr auto kPlacesAtOnce = static_cast<std::int32_t>(kFloatLanes);
 
 /// A pair is far if the longer template has so many frames more. Words are never so long.
 constexpr std::int32_t kFarFrames = 1000;
@@ -93,12 +93,12 @@ class FarSearch {
   /// Forms head and middle of all places. Returns false if `goOn` says stop.
   VOXTREL_INLINE bool SumMiddles(const GoOn& goOn) {
     float head = 0.0F;
-    for (std::int32_t place = 0; place < Places(); place += kLanes) {
-      if (place / kLanes % kBlocksBetweenQuestions == 0 && goOn && !goOn()) {
+    for (std::int32_t place = 0; place < Places(); place += kPlacesAtOnce) {
+      if (place / kPlacesAtOnce % kBlocksBetweenQuestions == 0 && goOn && !goOn()) {
         return false;
       }
       std::array<float, kFloatLanes> heads;
-      for (std::int32_t lane = 0; lane < kLanes; ++lane) {
+      for (std::int32_t lane = 0; lane < kPlacesAtOnce; ++lane) {
         heads[static_cast<std::size_t>(lane)] = head;
         head = AddFrame(head, std::min(place + lane, m_longer.Frames() - 1), 0);
       }
@@ -167,15 +167,15 @@ class FarSearch {
                 m_longer.ShapeByFrame(frame)[band]);
   }
 
-  /// Adds the middles to the heads of kLanes places. Gives up when none can win, since sums never
-  /// fall.
+  /// Adds the middles to the heads of kPlacesAtOnce places. Gives up when none can win, since sums
+  /// never fall.
   VOXTREL_INLINE void SumMiddle(std::int32_t place, const std::array<float, kFloatLanes>& heads) {
     ShiftLanes sums;
     std::memcpy(&sums, heads.data(), sizeof sums);
     std::array<float, kFloatLanes> seen = heads;
     const auto canWin = [this](float sum) { return sum < m_best; };
     for (std::int32_t frame = 0; frame < m_shorter.Frames() && std::ranges::any_of(seen, canWin);) {
-      const std::int32_t look = std::min(frame + kLanes, m_shorter.Frames());
+      const std::int32_t look = std::min(frame + kPlacesAtOnce, m_shorter.Frames());
       for (; frame < look; ++frame) {
         const float* slid = m_shorter.ShapeByFrame(frame);
         for (std::size_t band = 0; band < kBandCount; ++band) {

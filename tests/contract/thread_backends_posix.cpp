@@ -4,7 +4,7 @@
 namespace contract {
 namespace {
 
-class PosixBackend final : public ThreadBackend {
+class PosixThreadBackend final : public ThreadBackend {
  public:
   platform::Threads& Threads() override { return m_threads; }
   platform::Clock& Clock() override { return m_clock; }
@@ -18,7 +18,7 @@ class PosixBackend final : public ThreadBackend {
 
 ThreadBackendKind SystemThreadBackend() {
   return {"Posix",
-          []() -> std::unique_ptr<ThreadBackend> { return std::make_unique<PosixBackend>(); }};
+          []() -> std::unique_ptr<ThreadBackend> { return std::make_unique<PosixThreadBackend>(); }};
 }
 
 }  // namespace contract

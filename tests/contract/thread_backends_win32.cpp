@@ -4,7 +4,7 @@
 namespace contract {
 namespace {
 
-class Win32Backend final : public ThreadBackend {
+class Win32ThreadBackend final : public ThreadBackend {
  public:
   platform::Threads& Threads() override { return m_threads; }
   platform::Clock& Clock() override { return m_clock; }
@@ -18,7 +18,7 @@ class Win32Backend final : public ThreadBackend {
 
 ThreadBackendKind SystemThreadBackend() {
   return {"Win32",
-          []() -> std::unique_ptr<ThreadBackend> { return std::make_unique<Win32Backend>(); }};
+          []() -> std::unique_ptr<ThreadBackend> { return std::make_unique<Win32ThreadBackend>(); }};
 }
 
 }  // namespace contract

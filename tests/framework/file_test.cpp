@@ -14,7 +14,7 @@ namespace {
 using framework::CFile;
 using support::ErrorOf;
 
-std::vector<std::byte> Bytes(std::initializer_list<int> values) {
+std::vector<std::byte> FileBytes(std::initializer_list<int> values) {
   std::vector<std::byte> bytes;
   for (const int value : values) {
     bytes.push_back(static_cast<std::byte>(value));
@@ -38,21 +38,21 @@ TEST_F(CFileTest, OpensOnlyWhatExistsUnlessAskedToMakeIt) {
 }
 
 TEST_F(CFileTest, CreateEmptiesAnExistingFile) {
-  ASSERT_TRUE(m_files.PutFile(u"/a", Bytes({1, 2, 3})));
+  ASSERT_TRUE(m_files.PutFile(u"/a", FileBytes({1, 2, 3})));
   ASSERT_TRUE(m_file.Open(u"/a", CFile::modeCreate | CFile::modeWrite));
   EXPECT_EQ(m_file.GetLength(), 0U);
 }
 
 TEST_F(CFileTest, WriteModeLeavesWhatItDoesNotWrite) {
-  ASSERT_TRUE(m_files.PutFile(u"/a", Bytes({1, 2, 3})));
+  ASSERT_TRUE(m_files.PutFile(u"/a", FileBytes({1, 2, 3})));
   ASSERT_TRUE(m_file.Open(u"/a", CFile::modeWrite));
-  EXPECT_TRUE(m_file.Write(Bytes({9})));
+  EXPECT_TRUE(m_file.Write(FileBytes({9})));
   EXPECT_TRUE(m_file.Close());
-  EXPECT_EQ(m_files.GetFile(u"/a"), Bytes({9, 2, 3}));
+  EXPECT_EQ(m_files.GetFile(u"/a"), FileBytes({9, 2, 3}));
 }
 
 TEST_F(CFileTest, ReadersShareAWriterDoesNot) {
-  ASSERT_TRUE(m_files.PutFile(u"/a", Bytes({1})));
+  ASSERT_TRUE(m_files.PutFile(u"/a", FileBytes({1})));
   CFile other(m_files);
   ASSERT_TRUE(m_file.Open(u"/a", CFile::modeRead));
   EXPECT_TRUE(other.Open(u"/a", CFile::modeRead));
@@ -63,8 +63,8 @@ TEST_F(CFileTest, ReadersShareAWriterDoesNot) {
 }
 
 TEST_F(CFileTest, OpeningAgainClosesTheEarlierFile) {
-  ASSERT_TRUE(m_files.PutFile(u"/a", Bytes({1})));
-  ASSERT_TRUE(m_files.PutFile(u"/b", Bytes({2})));
+  ASSERT_TRUE(m_files.PutFile(u"/a", FileBytes({1})));
+  ASSERT_TRUE(m_files.PutFile(u"/b", FileBytes({2})));
   ASSERT_TRUE(m_file.Open(u"/a", CFile::modeReadWrite));
   ASSERT_TRUE(m_file.Open(u"/b", CFile::modeReadWrite));
   EXPECT_EQ(m_files.CountOpenHandles(), 1U);
@@ -89,13 +89,13 @@ TEST_F(CFileTest, SaysWhyTheLastOperationThatFailedDidSo) {
   ASSERT_TRUE(m_file.Open(u"/a", CFile::modeCreate | CFile::modeWrite));
   EXPECT_EQ(m_file.GetError(), std::nullopt) << "That of another file does not count.";
   m_files.SetCapacity(2);
-  EXPECT_FALSE(m_file.Write(Bytes({1, 2, 3})));
+  EXPECT_FALSE(m_file.Write(FileBytes({1, 2, 3})));
   EXPECT_TRUE(m_file.Flush());
   EXPECT_EQ(m_file.GetError(), platform::FileError::kDiskFull);
 }
 
 TEST_F(CFileTest, CloseFreesTheFileAndThePath) {
-  ASSERT_TRUE(m_files.PutFile(u"/a", Bytes({1})));
+  ASSERT_TRUE(m_files.PutFile(u"/a", FileBytes({1})));
   ASSERT_TRUE(m_file.Open(u"/a", CFile::modeReadWrite));
   EXPECT_TRUE(m_file.Close());
   EXPECT_EQ(m_file.GetFilePath(), u"");

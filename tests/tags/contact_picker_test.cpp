@@ -37,7 +37,7 @@ SimulatedContact Named(std::int32_t oid, std::u16string last, std::u16string fir
   return contact;
 }
 
-std::u16string Long(std::size_t length, char16_t c = u'x') { return std::u16string(length, c); }
+std::u16string LongText(std::size_t length, char16_t c = u'x') { return std::u16string(length, c); }
 
 /// A picker with the boxes of the Learning page, and the messages that a user would see.
 class Boxes {
@@ -134,21 +134,21 @@ TEST_F(ContactPickerLoad, ACompanyStandsInForAnEmptyNameOnly) {
 }
 
 TEST_F(ContactPickerLoad, ALastNameOf127CharactersIsTaken) {
-  Add(Named(1, Long(127)));
+  Add(Named(1, LongText(127)));
   EXPECT_TRUE(Load());
-  EXPECT_THAT(m_boxes.GetContacts(), ElementsAre(Long(127)));
+  EXPECT_THAT(m_boxes.GetContacts(), ElementsAre(LongText(127)));
 }
 
 TEST_F(ContactPickerLoad, ALongerLastNameLeavesTheNameOfTheContactBefore) {
   Add(Named(1, u"Lee", u"Ann"));
-  Add(Named(2, Long(128), u"Bob"));
+  Add(Named(2, LongText(128), u"Bob"));
   EXPECT_TRUE(Load());
   EXPECT_THAT(m_boxes.GetContacts(), ElementsAre(u"Lee Ann", u"Lee Ann Bob"));
 }
 
 TEST_F(ContactPickerLoad, ALongerCompanyLeavesTheCompanyOfTheContactBefore) {
   Add(Named(1, u"Lee", u"", u"", u"Acme"));
-  Add(Named(2, u"", u"", u"", Long(128)));
+  Add(Named(2, u"", u"", u"", LongText(128)));
   EXPECT_TRUE(Load());
   EXPECT_THAT(m_boxes.GetContacts(), ElementsAre(u"Lee", u"Acme"));
 }
@@ -161,22 +161,22 @@ TEST_F(ContactPickerLoad, AnEmptyCompanyEmptiesTheBuffer) {
 }
 
 TEST_F(ContactPickerLoad, APartIsAppendedWhileLengthsAddUpToLessThan128) {
-  Add(Named(1, Long(100), Long(27, u'f'), u"m"));
+  Add(Named(1, LongText(100), LongText(27, u'f'), u"m"));
   EXPECT_TRUE(Load());
   // 127 without the blank; with it one more than there is room for.
-  EXPECT_THAT(m_boxes.GetContacts(), ElementsAre(Long(100) + u" " + Long(26, u'f')));
+  EXPECT_THAT(m_boxes.GetContacts(), ElementsAre(LongText(100) + u" " + LongText(26, u'f')));
 }
 
 TEST_F(ContactPickerLoad, APartThatAddsUpTo128IsLeftOutAndTheNextOneTried) {
-  Add(Named(1, Long(100), Long(28, u'f'), u"m"));
+  Add(Named(1, LongText(100), LongText(28, u'f'), u"m"));
   EXPECT_TRUE(Load());
-  EXPECT_THAT(m_boxes.GetContacts(), ElementsAre(Long(100) + u" m"));
+  EXPECT_THAT(m_boxes.GetContacts(), ElementsAre(LongText(100) + u" m"));
 }
 
 TEST_F(ContactPickerLoad, ACutNameEndsWithAWholeCharacter) {
-  Add(Named(1, Long(100), Long(25, u'f') + u"\U0001F600"));
+  Add(Named(1, LongText(100), LongText(25, u'f') + u"\U0001F600"));
   EXPECT_TRUE(Load());
-  EXPECT_THAT(m_boxes.GetContacts(), ElementsAre(Long(100) + u" " + Long(25, u'f')));
+  EXPECT_THAT(m_boxes.GetContacts(), ElementsAre(LongText(100) + u" " + LongText(25, u'f')));
 }
 
 TEST_F(ContactPickerLoad, RecordsHoldNameOidAndKindsInReadingOrder) {
@@ -225,15 +225,15 @@ TEST_F(ContactPickerLoad, NumbersOfTheFirstListedContactAloneAreShown) {
 
 TEST_F(ContactPickerLoad, ANumberOf95CharactersIsAccepted) {
   SimulatedContact contact = Named(1, u"Lee");
-  contact.Number(PhoneKind::kMobile) = Long(95, u'5');
+  contact.Number(PhoneKind::kMobile) = LongText(95, u'5');
   Add(contact);
   EXPECT_TRUE(Load());
-  EXPECT_THAT(m_boxes.GetNumbers(), ElementsAre(Long(95, u'5') + u" Mobile"));
+  EXPECT_THAT(m_boxes.GetNumbers(), ElementsAre(LongText(95, u'5') + u" Mobile"));
 }
 
 TEST_F(ContactPickerLoad, ANumberOf96CharactersIsPassedOverWithoutAWord) {
   SimulatedContact contact = Named(1, u"Lee");
-  contact.Number(PhoneKind::kMobile) = Long(96, u'5');
+  contact.Number(PhoneKind::kMobile) = LongText(96, u'5');
   Add(contact);
   EXPECT_TRUE(Load());
   EXPECT_THAT(m_boxes.GetContacts(), IsEmpty());
@@ -242,8 +242,8 @@ TEST_F(ContactPickerLoad, ANumberOf96CharactersIsPassedOverWithoutAWord) {
 
 TEST_F(ContactPickerLoad, EachNumberOf97CharactersIsReportedAndPassedOver) {
   SimulatedContact contact = Named(1, u"Lee");
-  contact.Number(PhoneKind::kHome) = Long(97, u'5');
-  contact.Number(PhoneKind::kCar) = Long(97, u'5');
+  contact.Number(PhoneKind::kHome) = LongText(97, u'5');
+  contact.Number(PhoneKind::kCar) = LongText(97, u'5');
   Add(contact);
   EXPECT_TRUE(Load());
   EXPECT_THAT(m_boxes.GetContacts(), ElementsAre(u"Lee"));

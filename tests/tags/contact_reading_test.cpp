@@ -91,15 +91,15 @@ ReadTagText With(const SimulatedContact& contact, Read read) {
   return read(**store.GetItem(1));
 }
 
-ReadTagText Record(const SimulatedContact& contact, std::u16string_view phoneType,
+ReadTagText RecordText(const SimulatedContact& contact, std::u16string_view phoneType,
                    ContactBuffers& buffers) {
   return With(contact,
               [&](platform::Contact& each) { return ReadForRecording(each, phoneType, buffers); });
 }
 
-ReadTagText Record(const SimulatedContact& contact, std::u16string_view phoneType = u"") {
+ReadTagText RecordText(const SimulatedContact& contact, std::u16string_view phoneType = u"") {
   ContactBuffers buffers;
-  return Record(contact, phoneType, buffers);
+  return RecordText(contact, phoneType, buffers);
 }
 
 ReadTagText List(const SimulatedContact& contact, std::u16string_view phoneType = u"") {
@@ -107,41 +107,41 @@ ReadTagText List(const SimulatedContact& contact, std::u16string_view phoneType 
 }
 
 TEST(ReadForRecording, NamesReadFirstMiddleLast) {
-  EXPECT_EQ(Record(Named(u"Ann", u"May", u"Lee"))->text, u"Ann May Lee");
+  EXPECT_EQ(RecordText(Named(u"Ann", u"May", u"Lee"))->text, u"Ann May Lee");
 }
 
 TEST(ReadForRecording, ABlankComesFirstWithoutAFirstName) {
-  EXPECT_EQ(Record(Named(u"", u"", u"Lee", u"Acme"))->text, u" Lee");
+  EXPECT_EQ(RecordText(Named(u"", u"", u"Lee", u"Acme"))->text, u" Lee");
 }
 
 TEST(ReadForRecording, ACompanyStandsInForAnEmptyName) {
-  EXPECT_EQ(Record(Named(u"", u"", u"", u"Acme"))->text, u"Acme");
+  EXPECT_EQ(RecordText(Named(u"", u"", u"", u"Acme"))->text, u"Acme");
 }
 
 TEST(ReadForRecording, PartsAreAppendedWhileTheTotalStaysBelow128) {
-  EXPECT_EQ(Record(Named(Long(100), u"", Long(26, u'l')))->text, Long(100) + u" " + Long(26, u'l'));
-  EXPECT_EQ(Record(Named(Long(100), u"", Long(27, u'l')))->text, Long(100));
+  EXPECT_EQ(RecordText(Named(Long(100), u"", Long(26, u'l')))->text, Long(100) + u" " + Long(26, u'l'));
+  EXPECT_EQ(RecordText(Named(Long(100), u"", Long(27, u'l')))->text, Long(100));
 }
 
 TEST(ReadForRecording, APartThatIsTooLongIsLeftOutAndTheNextOneTried) {
-  EXPECT_EQ(Record(Named(Long(100), Long(27), u"Lee"))->text, Long(100) + u" Lee");
+  EXPECT_EQ(RecordText(Named(Long(100), Long(27), u"Lee"))->text, Long(100) + u" Lee");
 }
 
 TEST(ReadForRecording, ALongerFirstNameLeavesTheNameThatWasReadBefore) {
   ContactBuffers buffers{u"Bob Ray", u"Old"};
-  EXPECT_EQ(Record(Named(Long(128), u"", u"Lee"), u"", buffers)->text, u"Bob Ray Lee");
+  EXPECT_EQ(RecordText(Named(Long(128), u"", u"Lee"), u"", buffers)->text, u"Bob Ray Lee");
 }
 
 TEST(ReadForRecording, ALongerCompanyLeavesTheCompanyThatWasReadBefore) {
   ContactBuffers buffers{u"Bob Ray", u"Old"};
-  EXPECT_EQ(Record(Named(u"", u"", u"", Long(128)), u"", buffers)->text, u"Old");
+  EXPECT_EQ(RecordText(Named(u"", u"", u"", Long(128)), u"", buffers)->text, u"Old");
 }
 
 TEST(ReadForRecording, AFirstNameThatFailsToBeFollowedStaysInTheBuffer) {
   ContactBuffers buffers{u"Bob Ray", u"Old"};
   SimulatedContact contact = Named(u"Ann", u"", u"");
   contact.middleNameFails = true;
-  EXPECT_FALSE(Record(contact, u"", buffers));
+  EXPECT_FALSE(RecordText(contact, u"", buffers));
   EXPECT_EQ(buffers.name, u"Ann");
 }
 
@@ -172,10 +172,10 @@ TEST(ReadForTagList, ALongerFirstNameIsNotTaken) {
 
 // What both readers do alike.
 
-using Reader = ReadTagText (*)(const SimulatedContact&, std::u16string_view);
+using TextReader = ReadTagText (*)(const SimulatedContact&, std::u16string_view);
 
 struct ReaderRow {
-  Reader read;
+  TextReader read;
   ContactReader reader;
 };
 
@@ -186,7 +186,7 @@ std::ostream& operator<<(std::ostream& stream, const ReaderRow& row) {
 class TagTexts : public testing::TestWithParam<ReaderRow> {};
 
 INSTANTIATE_TEST_SUITE_P(Readers, TagTexts,
-                         testing::Values(ReaderRow{static_cast<Reader>(&Record),
+                         testing::Values(ReaderRow{static_cast<TextReader>(&RecordText),
                                                    ContactReader::kRecording},
                                          ReaderRow{&List, ContactReader::kTagList}));
 

@@ -9,14 +9,14 @@
 namespace tags {
 namespace {
 
-struct Row {
+struct KindRow {
   int code;
   std::u16string_view word;
   std::u16string_view suffix;
   std::u16string_view mark;
 };
 
-constexpr Row kRows[] = {
+constexpr KindRow kKindRows[] = {
     {0, u"Car", u" Car", u" C"},
     {1, u"Radio", u" Radio", u" R"},
     {2, u"Mobile", u" Mobile", u" M"},
@@ -30,7 +30,7 @@ constexpr Row kRows[] = {
 };
 
 TEST(PhoneKind, EveryCodeHasItsWordSuffixAndMark) {
-  for (const Row& row : kRows) {
+  for (const KindRow& row : kKindRows) {
     const auto kind = static_cast<PhoneKind>(row.code);
     EXPECT_EQ(storage::GetPhoneType(kind).word, row.word);
     EXPECT_EQ(ToComboItem(u"555", kind), u"555" + std::u16string(row.suffix));

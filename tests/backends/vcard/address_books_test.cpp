@@ -30,14 +30,14 @@ class SetDesktop final : public ContactSource {
   ReadBooks books = platform::Failure(BooksError{BooksError::Kind::kNoAnswer, {}});
 };
 
-ContactData Contact(std::string uid, std::u16string lastName) {
+ContactData DesktopContact(std::string uid, std::u16string lastName) {
   ContactData contact;
   contact.uid = std::move(uid);
   contact.lastName = std::move(lastName);
   return contact;
 }
 
-std::string Person(const std::string& name) {
+std::string PersonCard(const std::string& name) {
   return WriteCard("UID:" + name + "\nN:" + name + ";;;;");
 }
 
@@ -91,27 +91,27 @@ class AddressBooksTest : public testing::Test {
 // Which address book is read.
 
 TEST_F(AddressBooksTest, TheDesktopIsReadWhereItHasContacts) {
-  Put(u"\\contacts.vcf", Person("File"));
-  SetDesktopTo({Contact("a", u"Desktop")});
+  Put(u"\\contacts.vcf", PersonCard("File"));
+  SetDesktopTo({DesktopContact("a", u"Desktop")});
   ASSERT_TRUE(Start());
   EXPECT_EQ(Names(), "Desktop.");
 }
 
 TEST_F(AddressBooksTest, TheDevicesFileIsReadWhereNoServerAnswers) {
-  Put(u"\\contacts.vcf", Person("File"));
+  Put(u"\\contacts.vcf", PersonCard("File"));
   ASSERT_TRUE(Start());
   EXPECT_EQ(Names(), "File.");
 }
 
 TEST_F(AddressBooksTest, TheDevicesFileIsReadWhereTheDesktopHasNoContacts) {
-  Put(u"\\contacts.vcf", Person("File"));
+  Put(u"\\contacts.vcf", PersonCard("File"));
   SetDesktopTo({});
   ASSERT_TRUE(Start());
   EXPECT_EQ(Names(), "File.");
 }
 
 TEST_F(AddressBooksTest, ADesktopThatCannotBeReadToItsEndIsNotPassedOver) {
-  Put(u"\\contacts.vcf", Person("File"));
+  Put(u"\\contacts.vcf", PersonCard("File"));
   m_desktop.Fail(BooksError::Kind::kUnreadable);
   EXPECT_FALSE(Start());
 }
@@ -146,11 +146,11 @@ TEST_F(AddressBooksTest, ADefaultFileThatCannotBeReadIsAFailure) {
 }
 
 TEST_F(AddressBooksTest, AChoiceIsRememberedOnceItWorked) {
-  SetDesktopTo({Contact("a", u"Desktop")});
+  SetDesktopTo({DesktopContact("a", u"Desktop")});
   EXPECT_FALSE(Start(SourceChoice{u"/all.vcf"}));
   ASSERT_TRUE(Start());
   EXPECT_EQ(Names(), "Desktop.");
-  Put(u"/all.vcf", Person("Ann"));
+  Put(u"/all.vcf", PersonCard("Ann"));
   ASSERT_TRUE(Start(SourceChoice{u"/all.vcf"}));
   ASSERT_TRUE(Start());
   EXPECT_EQ(Names(), "Ann.");
@@ -160,7 +160,7 @@ TEST_F(AddressBooksTest, AChoiceIsRememberedOnceItWorked) {
 }
 
 TEST_F(AddressBooksTest, AChosenDesktopIsNotReplacedByTheFile) {
-  Put(u"\\contacts.vcf", Person("File"));
+  Put(u"\\contacts.vcf", PersonCard("File"));
   EXPECT_FALSE(Start(SourceChoice{}));
 }
 
@@ -175,7 +175,7 @@ TEST_F(AddressBooksTest, TellsWhyALogonFailed) {
   m_desktop.Fail(BooksError::Kind::kUnreadable);
   EXPECT_FALSE(Start());
   EXPECT_EQ(m_store->GetProblem(), Problem::kUnreadable);
-  Put(u"/all.vcf", Person("Ann"));
+  Put(u"/all.vcf", PersonCard("Ann"));
   m_inUse = Oids{17};
   EXPECT_FALSE(Start(SourceChoice{u"/all.vcf"}));
   EXPECT_EQ(m_store->GetProblem(), Problem::kTagsElsewhere);
@@ -190,10 +190,10 @@ TEST_F(AddressBooksTest, TellsWhyALogonFailed) {
 // Numbers and lookup.
 
 TEST_F(AddressBooksTest, ContactsAreFoundByNumberOverRestarts) {
-  Put(u"/all.vcf", Person("Ann") + Person("Bob"));
+  Put(u"/all.vcf", PersonCard("Ann") + PersonCard("Bob"));
   ASSERT_TRUE(Start(SourceChoice{u"/all.vcf"}));
   const std::int32_t bob = Oid(2);
-  Put(u"/all.vcf", Person("Zoe") + Person("Bob") + Person("Ann"));
+  Put(u"/all.vcf", PersonCard("Zoe") + PersonCard("Bob") + PersonCard("Ann"));
   ASSERT_TRUE(Start());
   const auto contact = m_store->GetItemFromOid(bob);
   ASSERT_TRUE(contact);
@@ -201,24 +201,24 @@ TEST_F(AddressBooksTest, ContactsAreFoundByNumberOverRestarts) {
 }
 
 TEST_F(AddressBooksTest, ADeletedContactIsAbsent) {
-  Put(u"/all.vcf", Person("Ann") + Person("Bob"));
+  Put(u"/all.vcf", PersonCard("Ann") + PersonCard("Bob"));
   ASSERT_TRUE(Start(SourceChoice{u"/all.vcf"}));
   const std::int32_t ann = Oid(1);
   m_inUse = Oids{ann};
-  Put(u"/all.vcf", Person("Bob"));
+  Put(u"/all.vcf", PersonCard("Bob"));
   ASSERT_TRUE(Start());
   EXPECT_EQ(LookUp(ann), ContactsError::kAbsent);
 }
 
 TEST_F(AddressBooksTest, ANumberThatNobodyEverHadIsNotAbsent) {
-  Put(u"/all.vcf", Person("Ann"));
+  Put(u"/all.vcf", PersonCard("Ann"));
   ASSERT_TRUE(Start(SourceChoice{u"/all.vcf"}));
   EXPECT_EQ(LookUp(Oid(1) + 1), ContactsError::kFailed);
   EXPECT_EQ(LookUp(0), ContactsError::kFailed);
 }
 
 TEST_F(AddressBooksTest, AnItemOutsideTheCollectionFails) {
-  Put(u"/all.vcf", Person("Ann"));
+  Put(u"/all.vcf", PersonCard("Ann"));
   ASSERT_TRUE(Start(SourceChoice{u"/all.vcf"}));
   for (const std::int32_t index : {-1, 0, 2}) {
     EXPECT_FALSE(m_store->GetItem(index)) << index;
@@ -230,7 +230,7 @@ TEST_F(AddressBooksTest, AnItemOutsideTheCollectionFails) {
 class AddressBooksInUse : public AddressBooksTest {
  protected:
   void SetUp() override {
-    Put(u"/all.vcf", Person("Ann") + Person("Bob"));
+    Put(u"/all.vcf", PersonCard("Ann") + PersonCard("Bob"));
     ASSERT_TRUE(Start(SourceChoice{u"/all.vcf"}));
     m_ann = Oid(1);
     m_inUse = Oids{m_ann};
@@ -263,17 +263,17 @@ TEST_F(AddressBooksInUse, AFileOfSomethingElseEndsTheLogon) {
 }
 
 TEST_F(AddressBooksInUse, AFileTornBeforeTheContactEndsTheLogon) {
-  Put(u"/all.vcf", Person("Bob") + Person("Ann").substr(0, 30));
+  Put(u"/all.vcf", PersonCard("Bob") + PersonCard("Ann").substr(0, 30));
   ExpectRefused();
 }
 
 TEST_F(AddressBooksInUse, AFileTornBehindTheContactDoesNot) {
-  Put(u"/all.vcf", Person("Ann") + Person("Bob").substr(0, 30));
+  Put(u"/all.vcf", PersonCard("Ann") + PersonCard("Bob").substr(0, 30));
   EXPECT_TRUE(Start());
 }
 
 TEST_F(AddressBooksInUse, AnotherFileEndsTheLogonAndIsNotRemembered) {
-  Put(u"/other.vcf", Person("Ann"));
+  Put(u"/other.vcf", PersonCard("Ann"));
   ExpectRefused(SourceChoice{u"/other.vcf"});
   ASSERT_TRUE(Start());
   EXPECT_EQ(LookUp(m_ann), std::nullopt);
@@ -281,13 +281,13 @@ TEST_F(AddressBooksInUse, AnotherFileEndsTheLogonAndIsNotRemembered) {
 
 TEST_F(AddressBooksInUse, AFileThatWasMovedKeepsTheNumbersOfItsContacts) {
   ASSERT_TRUE(m_files.Delete(u"/all.vcf"));
-  Put(u"/moved.vcf", Person("Cy") + Person("Ann"));
+  Put(u"/moved.vcf", PersonCard("Cy") + PersonCard("Ann"));
   ASSERT_TRUE(Start(SourceChoice{u"/moved.vcf"}));
   EXPECT_EQ(LookUp(m_ann), std::nullopt);
   ASSERT_TRUE(Start()) << "The new place is remembered.";
   EXPECT_EQ(LookUp(m_ann), std::nullopt);
   EXPECT_EQ(Oid(2), m_ann);
-  Put(u"\\own.vcf", Person("Cy") + Person("Ann"));
+  Put(u"\\own.vcf", PersonCard("Cy") + PersonCard("Ann"));
   ASSERT_TRUE(Start(SourceChoice{u"\\own.vcf"})) << "A copy on the device may take its place.";
   EXPECT_EQ(Oid(2), m_ann);
 }
@@ -295,13 +295,13 @@ TEST_F(AddressBooksInUse, AFileThatWasMovedKeepsTheNumbersOfItsContacts) {
 // A command that only reads may use the new place, and leaves the numbers with the old one.
 TEST_F(AddressBooksInUse, AReaderStoresNoMoveOfAFile) {
   ASSERT_TRUE(m_files.Delete(u"/all.vcf"));
-  Put(u"/moved.vcf", Person("Ann"));
+  Put(u"/moved.vcf", PersonCard("Ann"));
   m_changesNothing = true;
   ASSERT_TRUE(Start(SourceChoice{u"/moved.vcf"}));
   EXPECT_EQ(LookUp(m_ann), std::nullopt);
   m_changesNothing = false;
   ExpectRefused();
-  Put(u"/all.vcf", Person("Ann"));
+  Put(u"/all.vcf", PersonCard("Ann"));
   ASSERT_TRUE(Start());
   EXPECT_EQ(Oid(1), m_ann);
 }
@@ -321,22 +321,22 @@ class FirstFileOutOfSight final : public support::WatchedFileSystem {
 TEST_F(AddressBooksInUse, AFileThatCannotBeLookedForIsNotTheOneThatWasMoved) {
   FirstFileOutOfSight files(m_files);
   m_seen = &files;
-  Put(u"/other.vcf", Person("Ann"));
+  Put(u"/other.vcf", PersonCard("Ann"));
   ExpectRefused(SourceChoice{u"/other.vcf"});
   m_store.reset();
 }
 
 TEST_F(AddressBooksInUse, AFileWithoutTheContactsOfAllTagsIsNotTheOneThatWasMoved) {
   ASSERT_TRUE(m_files.Delete(u"/all.vcf"));
-  Put(u"/moved.vcf", Person("Bob"));
+  Put(u"/moved.vcf", PersonCard("Bob"));
   ExpectRefused(SourceChoice{u"/moved.vcf"});
-  Put(u"/all.vcf", Person("Ann") + Person("Bob"));
+  Put(u"/all.vcf", PersonCard("Ann") + PersonCard("Bob"));
   ASSERT_TRUE(Start());
   EXPECT_EQ(LookUp(m_ann), std::nullopt);
 }
 
 TEST_F(AddressBooksInUse, AServerThatDoesNotAnswerEndsTheLogon) {
-  SetDesktopTo({Contact("a", u"Lee")});
+  SetDesktopTo({DesktopContact("a", u"Lee")});
   m_inUse = Oids();
   ASSERT_TRUE(Start(SourceChoice{}));
   m_inUse = Oids{Oid(1)};
@@ -345,8 +345,8 @@ TEST_F(AddressBooksInUse, AServerThatDoesNotAnswerEndsTheLogon) {
 }
 
 TEST_F(AddressBooksInUse, ABookOfTheDesktopThatIsOffNowEndsTheLogon) {
-  SetDesktopTo({Contact("a", u"Lee")});
-  m_desktop.books->push_back({u"eds:other", {Contact("b", u"Ray")}, true});
+  SetDesktopTo({DesktopContact("a", u"Lee")});
+  m_desktop.books->push_back({u"eds:other", {DesktopContact("b", u"Ray")}, true});
   m_inUse = Oids();
   ASSERT_TRUE(Start(SourceChoice{}));
   m_inUse = Oids{Oid(2)};
@@ -355,11 +355,11 @@ TEST_F(AddressBooksInUse, ABookOfTheDesktopThatIsOffNowEndsTheLogon) {
 }
 
 TEST_F(AddressBooksInUse, ABookThatMayStillBeFillingUpMakesNobodyAbsent) {
-  SetDesktopTo({Contact("a", u"Lee"), Contact("b", u"Ray")});
+  SetDesktopTo({DesktopContact("a", u"Lee"), DesktopContact("b", u"Ray")});
   m_inUse = Oids();
   ASSERT_TRUE(Start(SourceChoice{}));
   const std::int32_t lee = Oid(1);
-  SetDesktopTo({Contact("b", u"Ray")}, false);
+  SetDesktopTo({DesktopContact("b", u"Ray")}, false);
   ASSERT_TRUE(Start());
   EXPECT_EQ(LookUp(lee), ContactsError::kFailed);
   m_inUse = Oids{lee};
@@ -369,14 +369,14 @@ TEST_F(AddressBooksInUse, ABookThatMayStillBeFillingUpMakesNobodyAbsent) {
 class AddressBooksDefault : public AddressBooksTest {
  protected:
   void SetUp() override {
-    Put(u"\\contacts.vcf", Person("Ann"));
+    Put(u"\\contacts.vcf", PersonCard("Ann"));
     ASSERT_TRUE(Start());
     m_inUse = Oids{Oid(1)};
   }
 };
 
 TEST_F(AddressBooksDefault, ADesktopThatComesUpDoesNotReplaceTheFileThatTagsBelongTo) {
-  SetDesktopTo({Contact("a", u"Lee")});
+  SetDesktopTo({DesktopContact("a", u"Lee")});
   ASSERT_TRUE(Start());
   EXPECT_EQ(Names(), "Ann.");
 }
@@ -388,14 +388,14 @@ TEST_F(AddressBooksDefault, ADesktopThatFailsDoesNotReplaceTheFileThatTagsBelong
 }
 
 TEST_F(AddressBooksDefault, AFileThatIsAwayIsNotReplacedByTheDesktop) {
-  SetDesktopTo({Contact("a", u"Lee")});
+  SetDesktopTo({DesktopContact("a", u"Lee")});
   Put(u"\\contacts.vcf", "");
   EXPECT_FALSE(Start());
 }
 
 TEST_F(AddressBooksDefault, AStoreThatTakesNoNumbersIsNoReasonToPassOverTheDesktop) {
   m_inUse = Oids();
-  SetDesktopTo({Contact("a", u"Lee")});
+  SetDesktopTo({DesktopContact("a", u"Lee")});
   support::WatchedRegistry failing(m_registry);
   AddressBooks::Options options;
   options.desktop = &m_desktop;
@@ -432,9 +432,9 @@ class AddressBooksReading : public AddressBooksTest {
 };
 
 TEST_F(AddressBooksReading, ANewContactHasTheNumberThatLearningThenGives) {
-  Put(u"/all.vcf", Person("Ann"));
+  Put(u"/all.vcf", PersonCard("Ann"));
   ASSERT_TRUE(Start(SourceChoice{u"/all.vcf"}));
-  Put(u"/all.vcf", Person("Bob") + Person("Ann") + WriteCard("N:Zoe;;;;") + WriteCard("N:Zoe;;;;"));
+  Put(u"/all.vcf", PersonCard("Bob") + PersonCard("Ann") + WriteCard("N:Zoe;;;;") + WriteCard("N:Zoe;;;;"));
   ASSERT_TRUE(StartReading());
   const std::vector<std::int32_t> shown = {Oid(1), Oid(2), Oid(3), Oid(4)};
   ASSERT_TRUE(StartReading());
@@ -445,7 +445,7 @@ TEST_F(AddressBooksReading, ANewContactHasTheNumberThatLearningThenGives) {
 }
 
 TEST_F(AddressBooksReading, NoChoiceIsRememberedAndNoKeyIsMade) {
-  Put(u"/all.vcf", Person("Ann"));
+  Put(u"/all.vcf", PersonCard("Ann"));
   ASSERT_TRUE(StartReading(SourceChoice{u"/all.vcf"}));
   EXPECT_EQ(Names(), "Ann.");
   EXPECT_EQ(m_frozen.CountRefusals(), 0U);
@@ -455,8 +455,8 @@ TEST_F(AddressBooksReading, NoChoiceIsRememberedAndNoKeyIsMade) {
 }
 
 TEST_F(AddressBooksReading, EveryBookOfTheDesktopHasItsNumbers) {
-  SetDesktopTo({Contact("a", u"Lee")});
-  m_desktop.books->push_back({u"eds:other", {Contact("a", u"Ray")}, true});
+  SetDesktopTo({DesktopContact("a", u"Lee")});
+  m_desktop.books->push_back({u"eds:other", {DesktopContact("a", u"Ray")}, true});
   ASSERT_TRUE(StartReading());
   const std::vector<std::int32_t> shown = {Oid(1), Oid(2)};
   EXPECT_NE(shown[0], shown[1]);
@@ -465,14 +465,14 @@ TEST_F(AddressBooksReading, EveryBookOfTheDesktopHasItsNumbers) {
 }
 
 TEST_F(AddressBooksReading, TagsAreGuardedAsEver) {
-  Put(u"/all.vcf", Person("Ann"));
+  Put(u"/all.vcf", PersonCard("Ann"));
   m_inUse = Oids{17};
   EXPECT_FALSE(StartReading(SourceChoice{u"/all.vcf"}));
   EXPECT_EQ(m_store->GetProblem(), AddressBooks::Problem::kTagsElsewhere);
 }
 
 TEST_F(AddressBooksInUse, ATornCardIsNamedAndNobodyIsTakenForAbsent) {
-  Put(u"/all.vcf", Person("Bob") + "BEGIN:VCARD\r\nN:Ann;;;;\r\n");
+  Put(u"/all.vcf", PersonCard("Bob") + "BEGIN:VCARD\r\nN:Ann;;;;\r\n");
   EXPECT_FALSE(Start());
   EXPECT_EQ(m_store->GetProblem(), AddressBooks::Problem::kTagsElsewhere);
   ASSERT_EQ(m_store->GetRemarks().size(), 1U);
@@ -522,7 +522,7 @@ TEST_F(FormerAddressBooks, ANameThatWasReadAsItsBase64KeepsTheNumberOfAFormerEnt
 // A registry without room.
 
 TEST_F(AddressBooksInUse, AFullRegistryKeepsNobodyFromHisContacts) {
-  Put(u"/copy.vcf", Person("Ann"));
+  Put(u"/copy.vcf", PersonCard("Ann"));
   support::WatchedRegistry full(m_registry, platform::RegistryError::kFull);
   AddressBooks::Options options;
   options.choice = SourceChoice{u"/copy.vcf"};

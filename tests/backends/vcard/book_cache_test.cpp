@@ -23,7 +23,7 @@ constexpr std::u16string_view kPath = u"/home/ann/all.vcf";
 constexpr std::u16string_view kCopy = u"\\contacts";
 
 /// Cards of that many people, large enough to be kept. Every tenth has a number without a place.
-std::string Cards(int people, const std::string& name = "Lee") {
+std::string CardsOf(int people, const std::string& name = "Lee") {
   std::string cards;
   for (int i = 0; i < people; ++i) {
     const std::string number = std::to_string(i);
@@ -143,7 +143,7 @@ class BookCacheTest : public testing::Test {
 };
 
 TEST_F(BookCacheTest, AFileThatHasNotChangedIsNotReadAgainAndGivesTheSame) {
-  Put(Cards(300));
+  Put(CardsOf(300));
   const std::string plain = Plain();
   EXPECT_EQ(Read(), plain);
   EXPECT_TRUE(m_hasParsed);
@@ -154,9 +154,9 @@ TEST_F(BookCacheTest, AFileThatHasNotChangedIsNotReadAgainAndGivesTheSame) {
 }
 
 TEST_F(BookCacheTest, AFileThatWasChangedOrReplacedIsReadAgain) {
-  Put(Cards(300));
+  Put(CardsOf(300));
   static_cast<void>(Read());
-  Put(Cards(300, "Ray"));
+  Put(CardsOf(300, "Ray"));
   EXPECT_EQ(Read(), Plain());
   EXPECT_TRUE(m_hasParsed);
   EXPECT_EQ(Read(), Plain());
@@ -164,7 +164,7 @@ TEST_F(BookCacheTest, AFileThatWasChangedOrReplacedIsReadAgain) {
 }
 
 TEST_F(BookCacheTest, ADamagedFileGivesTheSameRemarksAgain) {
-  std::string cards = Cards(300);
+  std::string cards = CardsOf(300);
   cards.insert(cards.find("N:Lee7;"), "TEL no colon\r\n");
   Put(cards + "stray line\r\n");
   const std::string plain = Plain();
@@ -175,20 +175,20 @@ TEST_F(BookCacheTest, ADamagedFileGivesTheSameRemarksAgain) {
 }
 
 TEST_F(BookCacheTest, WhatCannotBeToldWholeIsReadEachTime) {
-  Put(Cards(300) + "BEGIN:VCARD\r\nN:Torn\r\n");
+  Put(CardsOf(300) + "BEGIN:VCARD\r\nN:Torn\r\n");
   static_cast<void>(Read());
   EXPECT_EQ(Read(), Plain());
   EXPECT_TRUE(m_hasParsed) << "a torn card counts in recognising the others";
-  Put(Cards(2000));
+  Put(CardsOf(2000));
   static_cast<void>(Read());
   EXPECT_EQ(Read(), Plain());
   EXPECT_TRUE(m_hasParsed) << "there are more remarks than are kept";
 }
 
 TEST_F(BookCacheTest, AFileThatChangesWhileItIsReadIsNotKept) {
-  Put(Cards(300));
+  Put(CardsOf(300));
   ChangingFiles changing(m_files);
-  changing.change = [this] { Put(Cards(300, "Ray")); };
+  changing.change = [this] { Put(CardsOf(300, "Ray")); };
   static_cast<void>(ReadFrom(changing, &m_cache));
   EXPECT_FALSE(m_cache.GetFile(kCopy));
   EXPECT_EQ(Read(), Plain());
@@ -206,7 +206,7 @@ TEST_F(BookCacheTest, ASmallFileAndAFolderAreReadEachTime) {
   Put(WriteCard("N:Lee"));
   static_cast<void>(Read());
   EXPECT_FALSE(m_cache.GetFile(kCopy));
-  Put(Cards(300));
+  Put(CardsOf(300));
   EXPECT_EQ(ReadFrom(m_files, &m_cache, u"/home/ann"), ReadFrom(m_files, nullptr, u"/home/ann"));
   EXPECT_FALSE(m_cache.GetFile(kCopy));
 }
@@ -219,9 +219,9 @@ TEST_F(BookCacheTest, AnAddressBookOfAnotherMediumIsNotCopied) {
 }
 
 TEST_F(BookCacheTest, ACopyOfAnotherFileOrInAnotherLanguageDoesNotCount) {
-  Put(Cards(300));
+  Put(CardsOf(300));
   static_cast<void>(Read());
-  EXPECT_TRUE(m_files.PutFile(u"/other.vcf", support::ToBytes(Cards(300))));
+  EXPECT_TRUE(m_files.PutFile(u"/other.vcf", support::ToBytes(CardsOf(300))));
   EXPECT_EQ(ReadFrom(m_files, &m_cache, u"/other.vcf"), ReadFrom(m_files, nullptr, u"/other.vcf"));
   static_cast<void>(Read());
   resources::ChooseLanguage("de");
@@ -231,7 +231,7 @@ TEST_F(BookCacheTest, ACopyOfAnotherFileOrInAnotherLanguageDoesNotCount) {
 }
 
 TEST_F(BookCacheTest, ATornOrDamagedCopyDoesNotCountAndIsMadeAgain) {
-  Put(Cards(300));
+  Put(CardsOf(300));
   const std::string plain = Plain();
   static_cast<void>(Read());
   const std::vector<std::byte> whole = GetCopy();
@@ -249,7 +249,7 @@ TEST_F(BookCacheTest, ATornOrDamagedCopyDoesNotCountAndIsMadeAgain) {
 }
 
 TEST_F(BookCacheTest, NoFaultOfTheCacheIsAFaultOfTheReading) {
-  Put(Cards(300));
+  Put(CardsOf(300));
   const std::string plain = Plain();
   for (const auto failing : {support::Failing::kOnce, support::Failing::kFromThenOn}) {
     for (std::size_t call = 1; call < 12; ++call) {

@@ -30,7 +30,7 @@ TEST(Digest, IsTheFirstHalfOfSha256) {
   EXPECT_EQ(Hex(ComputeDigest(std::string(1'000'000, 'a'))), "cdc76e5c9914fb9281a1c7e284d73e67");
 }
 
-ContactData Contact(std::string uid, std::u16string lastName, std::u16string mobile = u"1") {
+ContactData KeyedContact(std::string uid, std::u16string lastName, std::u16string mobile = u"1") {
   ContactData contact;
   contact.uid = std::move(uid);
   contact.lastName = std::move(lastName);
@@ -43,7 +43,7 @@ std::vector<CardKeys> Of(std::vector<ContactData> contacts, std::vector<ContactD
 }
 
 TEST(ContactKeys, TheFullNameIsReadFromTheFirstNameToTheLast) {
-  ContactData contact = Contact("", u"Lee");
+  ContactData contact = KeyedContact("", u"Lee");
   EXPECT_EQ(FullNameOf(contact), u"Lee");
   contact.firstName = u"Ann";
   contact.companyName = u"Acme";
@@ -60,7 +60,7 @@ TEST(ContactKeys, ACompanyIsTheNameOfACardWithoutOne) {
 }
 
 TEST(ContactKeys, ANameInOnePieceIsTheSameName) {
-  ContactData pieces = Contact("", u"Lee");
+  ContactData pieces = KeyedContact("", u"Lee");
   pieces.firstName = u"Ann";
   ContactData whole;
   whole.firstName = u"Ann Lee";
@@ -68,19 +68,19 @@ TEST(ContactKeys, ANameInOnePieceIsTheSameName) {
 }
 
 TEST(ContactKeys, WhatACardLacksIsNoKey) {
-  EXPECT_EQ(Of({Contact("", u"Lee")})[0].uid, kNoDigest);
-  EXPECT_EQ(Of({Contact("a", u"")})[0].name, kNoDigest);
-  EXPECT_FALSE(Of({Contact("", u"")})[0].isUidUnique);
-  EXPECT_FALSE(Of({Contact("", u"")})[0].isNameUnique);
+  EXPECT_EQ(Of({KeyedContact("", u"Lee")})[0].uid, kNoDigest);
+  EXPECT_EQ(Of({KeyedContact("a", u"")})[0].name, kNoDigest);
+  EXPECT_FALSE(Of({KeyedContact("", u"")})[0].isUidUnique);
+  EXPECT_FALSE(Of({KeyedContact("", u"")})[0].isNameUnique);
 }
 
 TEST(ContactKeys, ANumberIsContentAndAUidIsNot) {
-  EXPECT_EQ(Of({Contact("a", u"Lee")})[0].content, Of({Contact("", u"Lee")})[0].content);
-  EXPECT_NE(Of({Contact("", u"Lee", u"1")})[0].content, Of({Contact("", u"Lee", u"2")})[0].content);
+  EXPECT_EQ(Of({KeyedContact("a", u"Lee")})[0].content, Of({KeyedContact("", u"Lee")})[0].content);
+  EXPECT_NE(Of({KeyedContact("", u"Lee", u"1")})[0].content, Of({KeyedContact("", u"Lee", u"2")})[0].content);
 }
 
 TEST(ContactKeys, WhatOccursTwiceIsNotUnique) {
-  const auto keys = Of({Contact("a", u"Lee"), Contact("a", u"Ray"), Contact("b", u"Lee")});
+  const auto keys = Of({KeyedContact("a", u"Lee"), KeyedContact("a", u"Ray"), KeyedContact("b", u"Lee")});
   EXPECT_FALSE(keys[0].isUidUnique);
   EXPECT_TRUE(keys[2].isUidUnique);
   EXPECT_FALSE(keys[0].isNameUnique);
@@ -88,15 +88,15 @@ TEST(ContactKeys, WhatOccursTwiceIsNotUnique) {
 }
 
 TEST(ContactKeys, ACardThatIsCutOffCountsWithItsName) {
-  const auto keys = Of({Contact("a", u"Lee")}, {Contact("b", u"Lee")});
+  const auto keys = Of({KeyedContact("a", u"Lee")}, {KeyedContact("b", u"Lee")});
   EXPECT_TRUE(keys[0].isUidUnique);
   EXPECT_FALSE(keys[0].isNameUnique);
 }
 
 TEST(ContactKeys, SeedsOfOneBookDiffer) {
   const std::vector<std::string> seeds =
-      SeedsOf(std::vector{Contact("a", u"Lee"), Contact("a", u"Ray"), Contact("a", u"Ray"),
-                          Contact("", u"Zoe"), Contact("", u"Zoe"), Contact("", u"Zoe")});
+      SeedsOf(std::vector{KeyedContact("a", u"Lee"), KeyedContact("a", u"Ray"), KeyedContact("a", u"Ray"),
+                          KeyedContact("", u"Zoe"), KeyedContact("", u"Zoe"), KeyedContact("", u"Zoe")});
   EXPECT_EQ(std::set(seeds.begin(), seeds.end()).size(), seeds.size());
 }
 

@@ -10,7 +10,7 @@
 namespace vcard {
 namespace {
 
-ContactData Contact(std::string uid, std::u16string lastName, std::u16string mobile) {
+ContactData MatchedContact(std::string uid, std::u16string lastName, std::u16string mobile) {
   ContactData contact;
   contact.uid = std::move(uid);
   contact.lastName = std::move(lastName);
@@ -39,24 +39,24 @@ void ExpectLinear(const ContactData& like, const ContactData& known) {
 }
 
 TEST(ContactMatching, EqualCardsTakeLinearWork) {
-  ExpectLinear(Contact("", u"Lee", u"1"), Contact("", u"Lee", u"1"));
-  ExpectLinear(Contact("a", u"Lee", u"1"), Contact("a", u"Lee", u"1"));
+  ExpectLinear(MatchedContact("", u"Lee", u"1"), MatchedContact("", u"Lee", u"1"));
+  ExpectLinear(MatchedContact("a", u"Lee", u"1"), MatchedContact("a", u"Lee", u"1"));
 }
 
 TEST(ContactMatching, CardsOfOneUidTakeLinearWork) {
-  ExpectLinear(Contact("a", u"Lee", u"1"), Contact("a", u"Lee", u"2"));
-  ExpectLinear(Contact("a", u"Lee", u"1"), Contact("a", u"Ray", u"2"));
+  ExpectLinear(MatchedContact("a", u"Lee", u"1"), MatchedContact("a", u"Lee", u"2"));
+  ExpectLinear(MatchedContact("a", u"Lee", u"1"), MatchedContact("a", u"Ray", u"2"));
 }
 
 TEST(ContactMatching, CardsOfOneNameTakeLinearWork) {
-  ExpectLinear(Contact("", u"Lee", u"1"), Contact("", u"Lee", u"2"));
-  ExpectLinear(Contact("b", u"Lee", u"1"), Contact("a", u"Lee", u"1"));
+  ExpectLinear(MatchedContact("", u"Lee", u"1"), MatchedContact("", u"Lee", u"2"));
+  ExpectLinear(MatchedContact("b", u"Lee", u"1"), MatchedContact("a", u"Lee", u"1"));
 }
 
 TEST(ContactMatching, OneCardAmongManyOfItsNameTakesOneLookAtEach) {
-  const ContactData lee = Contact("", u"Lee", u"1");
+  const ContactData lee = MatchedContact("", u"Lee", u"1");
   std::vector<Person> people;
-  const CardKeys known = KeysOf(Book{u"", {Contact("", u"Lee", u"2")}, true})[0];
+  const CardKeys known = KeysOf(Book{u"", {MatchedContact("", u"Lee", u"2")}, true})[0];
   for (std::int32_t oid = 1; oid <= 1000; ++oid) {
     people.push_back({oid, known.uid, known.name, known.content, true, kNoDigest});
   }

@@ -18,18 +18,18 @@ using platform::BooksError;
 using platform::DesktopBook;
 using platform::DesktopBooks;
 
-std::string Person(const std::string& name) {
+std::string DesktopPerson(const std::string& name) {
   return WriteCard("UID:" + name + "\nN:" + name + ";;;;\nTEL;TYPE=CELL:1");
 }
 
 void ReadTwoBooks(std::uint32_t /*milliseconds*/, DesktopBooks& books) {
-  books = std::vector<DesktopBook>{{"first", Person("Zoe") + "\r\n" + Person("Ann") + "\r\n", true},
-                                   {"second", Person("Bob"), false}};
+  books = std::vector<DesktopBook>{{"first", DesktopPerson("Zoe") + "\r\n" + DesktopPerson("Ann") + "\r\n", true},
+                                   {"second", DesktopPerson("Bob"), false}};
 }
 
 void ReadBadBooks(std::uint32_t /*milliseconds*/, DesktopBooks& books) {
   books = std::vector<DesktopBook>{{"empty", "", true},
-                                   {"torn", Person("Ann") + Person("Bob").substr(0, 40), true}};
+                                   {"torn", DesktopPerson("Ann") + DesktopPerson("Bob").substr(0, 40), true}};
 }
 
 void RefuseAndNameTheLimit(std::uint32_t milliseconds, DesktopBooks& books) {

@@ -18,15 +18,15 @@ namespace {
 using Oids = std::vector<std::int32_t>;
 
 /// "Lee Ann" is the first name Lee and the last name Ann.
-ContactData Card(std::string uid, std::u16string name, std::u16string mobile) {
+ContactData RecognizedCard(std::string uid, std::u16string name, std::u16string mobile) {
   ContactData contact;
   contact.uid = std::move(uid);
   contact.firstName = std::move(name);
   contact.numbers[2] = std::move(mobile);
   return contact;
 }
-ContactData Card(std::u16string name, std::u16string mobile) {
-  return Card("", std::move(name), std::move(mobile));
+ContactData RecognizedCard(std::u16string name, std::u16string mobile) {
+  return RecognizedCard("", std::move(name), std::move(mobile));
 }
 
 class Recognition : public testing::Test {
@@ -47,125 +47,125 @@ class Recognition : public testing::Test {
 // Cards without a UID.
 
 TEST_F(Recognition, ACardWithoutAUidStaysTheSameWithAnotherNumber) {
-  const Oids before = Read({Card(u"Ann", u"1"), Card(u"Bob", u"2")});
-  EXPECT_EQ(Read({Card(u"Ann", u"3"), Card(u"Bob", u"2")}), before);
+  const Oids before = Read({RecognizedCard(u"Ann", u"1"), RecognizedCard(u"Bob", u"2")});
+  EXPECT_EQ(Read({RecognizedCard(u"Ann", u"3"), RecognizedCard(u"Bob", u"2")}), before);
 }
 
 TEST_F(Recognition, ACardWithoutAUidStaysTheSameWithAnAddedNumberAndACompany) {
-  const Oids before = Read({Card(u"Ann", u"1")});
-  ContactData more = Card(u"Ann", u"1");
+  const Oids before = Read({RecognizedCard(u"Ann", u"1")});
+  ContactData more = RecognizedCard(u"Ann", u"1");
   more.numbers[7] = u"2";
   more.companyName = u"Acme";
   EXPECT_EQ(Read({more}), before);
-  EXPECT_EQ(Read({Card(u"Ann", u"1")}), before);
+  EXPECT_EQ(Read({RecognizedCard(u"Ann", u"1")}), before);
 }
 
 TEST_F(Recognition, ACardThatGetsAUidLaterStaysTheSame) {
-  const Oids before = Read({Card(u"Ann", u"1"), Card(u"Bob", u"2")});
-  EXPECT_EQ(Read({Card("a", u"Ann", u"1"), Card("b", u"Bob", u"9")}), before);
-  EXPECT_EQ(Read({Card("a", u"Ann Lee", u"7"), Card("b", u"Bob", u"2")}), before);
+  const Oids before = Read({RecognizedCard(u"Ann", u"1"), RecognizedCard(u"Bob", u"2")});
+  EXPECT_EQ(Read({RecognizedCard("a", u"Ann", u"1"), RecognizedCard("b", u"Bob", u"9")}), before);
+  EXPECT_EQ(Read({RecognizedCard("a", u"Ann Lee", u"7"), RecognizedCard("b", u"Bob", u"2")}), before);
 }
 
 TEST_F(Recognition, ACardThatLosesItsUidStaysTheSame) {
-  const Oids before = Read({Card("a", u"Ann", u"1")});
-  EXPECT_EQ(Read({Card(u"Ann", u"2")}), before);
-  EXPECT_EQ(Read({Card(u"Ann", u"3")}), before);
-  EXPECT_EQ(Read({Card("a", u"Ann", u"1")}), before);
+  const Oids before = Read({RecognizedCard("a", u"Ann", u"1")});
+  EXPECT_EQ(Read({RecognizedCard(u"Ann", u"2")}), before);
+  EXPECT_EQ(Read({RecognizedCard(u"Ann", u"3")}), before);
+  EXPECT_EQ(Read({RecognizedCard("a", u"Ann", u"1")}), before);
 }
 
 TEST_F(Recognition, AnotherNameWithoutAUidIsAnotherContact) {
-  const Oids before = Read({Card(u"Ann", u"1")});
-  EXPECT_NE(Read({Card(u"Anna", u"1")}), before);
+  const Oids before = Read({RecognizedCard(u"Ann", u"1")});
+  EXPECT_NE(Read({RecognizedCard(u"Anna", u"1")}), before);
 }
 
 TEST_F(Recognition, APlaceInTheFileMeansNothing) {
-  const Oids before = Read({Card(u"Ann", u"1"), Card(u"Bob", u"2"), Card("c", u"Zoe", u"3")});
-  EXPECT_EQ(Read({Card("c", u"Zoe", u"3"), Card(u"New", u"4"), Card(u"Ann", u"1")})[2], before[0]);
-  EXPECT_EQ(Read({Card(u"Bob", u"2"), Card(u"Ann", u"1")}), (Oids{before[1], before[0]}));
+  const Oids before = Read({RecognizedCard(u"Ann", u"1"), RecognizedCard(u"Bob", u"2"), RecognizedCard("c", u"Zoe", u"3")});
+  EXPECT_EQ(Read({RecognizedCard("c", u"Zoe", u"3"), RecognizedCard(u"New", u"4"), RecognizedCard(u"Ann", u"1")})[2], before[0]);
+  EXPECT_EQ(Read({RecognizedCard(u"Bob", u"2"), RecognizedCard(u"Ann", u"1")}), (Oids{before[1], before[0]}));
 }
 
 TEST_F(Recognition, ContentNeverLooksLikeAUid) {
-  EXPECT_NE(Read({Card("\nLee", u"", u"")}), Read({Card("", u"Lee", u"")}));
+  EXPECT_NE(Read({RecognizedCard("\nLee", u"", u"")}), Read({RecognizedCard("", u"Lee", u"")}));
 }
 
 TEST_F(Recognition, WithoutUidsTheSameUniqueNameIsTheSameContactAlsoAfterItWasDeleted) {
-  const Oids before = Read({Card(u"Ann", u"1"), Card(u"Bob", u"2")});
-  static_cast<void>(Read({Card(u"Bob", u"2")}));
-  EXPECT_EQ(Read({Card(u"Ann", u"5"), Card(u"Bob", u"2")}), before);
+  const Oids before = Read({RecognizedCard(u"Ann", u"1"), RecognizedCard(u"Bob", u"2")});
+  static_cast<void>(Read({RecognizedCard(u"Bob", u"2")}));
+  EXPECT_EQ(Read({RecognizedCard(u"Ann", u"5"), RecognizedCard(u"Bob", u"2")}), before);
 }
 
 // Names that are not unique.
 
 TEST_F(Recognition, ANameThatBecomesAmbiguousStaysWithTheCardThatIsAsItWas) {
-  const Oids before = Read({Card(u"Ann", u"1")});
-  const Oids after = Read({Card(u"Ann", u"2"), Card(u"Ann", u"1")});
+  const Oids before = Read({RecognizedCard(u"Ann", u"1")});
+  const Oids after = Read({RecognizedCard(u"Ann", u"2"), RecognizedCard(u"Ann", u"1")});
   EXPECT_EQ(after[1], before[0]);
   EXPECT_NE(after[0], before[0]);
-  EXPECT_EQ(Read({Card(u"Ann", u"1"), Card(u"Ann", u"2")}), (Oids{after[1], after[0]}));
+  EXPECT_EQ(Read({RecognizedCard(u"Ann", u"1"), RecognizedCard(u"Ann", u"2")}), (Oids{after[1], after[0]}));
 }
 
 TEST_F(Recognition, OfTwoOfANameNobodyGetsTheNumberOfOneThatChanged) {
-  const Oids before = Read({Card(u"Ann", u"1"), Card(u"Ann", u"2")});
-  const Oids after = Read({Card(u"Ann", u"3"), Card(u"Ann", u"2")});
+  const Oids before = Read({RecognizedCard(u"Ann", u"1"), RecognizedCard(u"Ann", u"2")});
+  const Oids after = Read({RecognizedCard(u"Ann", u"3"), RecognizedCard(u"Ann", u"2")});
   EXPECT_NE(after[0], before[0]);
   EXPECT_EQ(after[1], before[1]);
 }
 
 TEST_F(Recognition, ANameThatIsUniqueAgainBelongsToTheOneThatStayed) {
-  const Oids before = Read({Card(u"Ann", u"1"), Card(u"Ann", u"2")});
-  EXPECT_EQ(Read({Card(u"Ann", u"2")}), Oids{before[1]});
-  EXPECT_EQ(Read({Card(u"Ann", u"3")}), Oids{before[1]});
+  const Oids before = Read({RecognizedCard(u"Ann", u"1"), RecognizedCard(u"Ann", u"2")});
+  EXPECT_EQ(Read({RecognizedCard(u"Ann", u"2")}), Oids{before[1]});
+  EXPECT_EQ(Read({RecognizedCard(u"Ann", u"3")}), Oids{before[1]});
 }
 
 TEST_F(Recognition, OneLeftOfTwoOfANameThatAlsoChangedIsNeither) {
-  const Oids before = Read({Card(u"Ann", u"1"), Card(u"Ann", u"2")});
-  const Oids after = Read({Card(u"Ann", u"3")});
+  const Oids before = Read({RecognizedCard(u"Ann", u"1"), RecognizedCard(u"Ann", u"2")});
+  const Oids after = Read({RecognizedCard(u"Ann", u"3")});
   EXPECT_THAT(before, testing::Not(testing::Contains(after[0])));
 }
 
 TEST_F(Recognition, TwoOfANameThatBothGetAUidStayThemselves) {
-  const Oids before = Read({Card(u"Ann", u"1"), Card(u"Ann", u"2")});
-  EXPECT_EQ(Read({Card("y", u"Ann", u"2"), Card("x", u"Ann", u"1")}), (Oids{before[1], before[0]}));
-  EXPECT_EQ(Read({Card("x", u"Ann", u"8"), Card("y", u"Ann", u"9")}), before);
+  const Oids before = Read({RecognizedCard(u"Ann", u"1"), RecognizedCard(u"Ann", u"2")});
+  EXPECT_EQ(Read({RecognizedCard("y", u"Ann", u"2"), RecognizedCard("x", u"Ann", u"1")}), (Oids{before[1], before[0]}));
+  EXPECT_EQ(Read({RecognizedCard("x", u"Ann", u"8"), RecognizedCard("y", u"Ann", u"9")}), before);
 }
 
 TEST_F(Recognition, EqualCardsHaveEachTheirOwnNumber) {
-  const Oids before = Read({Card(u"Ann", u"1"), Card(u"Ann", u"1"), Card(u"Ann", u"1")});
+  const Oids before = Read({RecognizedCard(u"Ann", u"1"), RecognizedCard(u"Ann", u"1"), RecognizedCard(u"Ann", u"1")});
   EXPECT_EQ(std::set(before.begin(), before.end()).size(), 3U);
-  EXPECT_EQ(Read({Card(u"Ann", u"1"), Card(u"Ann", u"1"), Card(u"Ann", u"1")}), before);
+  EXPECT_EQ(Read({RecognizedCard(u"Ann", u"1"), RecognizedCard(u"Ann", u"1"), RecognizedCard(u"Ann", u"1")}), before);
 }
 
 // Cards with a UID.
 
 TEST_F(Recognition, AContactWithAUidStaysTheSameWhateverElseChanges) {
-  const Oids before = Read({Card("a", u"Ann", u"1")});
-  EXPECT_EQ(Read({Card("a", u"Berta", u"2")}), before);
+  const Oids before = Read({RecognizedCard("a", u"Ann", u"1")});
+  EXPECT_EQ(Read({RecognizedCard("a", u"Berta", u"2")}), before);
 }
 
 TEST_F(Recognition, TheNumberOfSomebodyDeletedIsNotGivenToAnotherUid) {
-  const Oids before = Read({Card("a", u"Ann", u"1"), Card("b", u"Bob", u"2")});
-  EXPECT_NE(Read({Card("c", u"Ann", u"1"), Card("b", u"Bob", u"2")})[0], before[0]);
-  static_cast<void>(Read({Card("b", u"Bob", u"2")}));
-  EXPECT_NE(Read({Card("d", u"Ann", u"1"), Card("b", u"Bob", u"2")})[0], before[0]);
+  const Oids before = Read({RecognizedCard("a", u"Ann", u"1"), RecognizedCard("b", u"Bob", u"2")});
+  EXPECT_NE(Read({RecognizedCard("c", u"Ann", u"1"), RecognizedCard("b", u"Bob", u"2")})[0], before[0]);
+  static_cast<void>(Read({RecognizedCard("b", u"Bob", u"2")}));
+  EXPECT_NE(Read({RecognizedCard("d", u"Ann", u"1"), RecognizedCard("b", u"Bob", u"2")})[0], before[0]);
 }
 
 TEST_F(Recognition, WhoOnceHadAUidIsNotGivenToAnotherOneThoughItWasLost) {
-  const Oids before = Read({Card("a", u"Ann", u"1")});
-  ASSERT_EQ(Read({Card(u"Ann", u"1")}), before);
-  EXPECT_NE(Read({Card("b", u"Ann", u"1")}), before);
+  const Oids before = Read({RecognizedCard("a", u"Ann", u"1")});
+  ASSERT_EQ(Read({RecognizedCard(u"Ann", u"1")}), before);
+  EXPECT_NE(Read({RecognizedCard("b", u"Ann", u"1")}), before);
 }
 
 TEST_F(Recognition, SomebodyNewOfAnOldNameIsNotTheOneWhoWasRenamed) {
-  const Oids before = Read({Card("a", u"Ann", u"1"), Card(u"Zoe", u"2")});
-  const Oids after = Read({Card(u"Ann", u"1"), Card("a", u"Berta", u"1"), Card(u"Zoe", u"2")});
+  const Oids before = Read({RecognizedCard("a", u"Ann", u"1"), RecognizedCard(u"Zoe", u"2")});
+  const Oids after = Read({RecognizedCard(u"Ann", u"1"), RecognizedCard("a", u"Berta", u"1"), RecognizedCard(u"Zoe", u"2")});
   EXPECT_EQ(after[1], before[0]);
   EXPECT_NE(after[0], before[0]);
-  EXPECT_EQ(Read({Card(u"Ann", u"4"), Card("a", u"Carla", u"1"), Card(u"Zoe", u"2")}), after);
+  EXPECT_EQ(Read({RecognizedCard(u"Ann", u"4"), RecognizedCard("a", u"Carla", u"1"), RecognizedCard(u"Zoe", u"2")}), after);
 }
 
 TEST_F(Recognition, SomebodyNewOfAnotherUidIsNotTheOneWithoutAUidWhoIsStillThere) {
-  const Oids before = Read({Card(u"Ann", u"1")});
-  const Oids after = Read({Card("b", u"Ann", u"2"), Card(u"Ann", u"1")});
+  const Oids before = Read({RecognizedCard(u"Ann", u"1")});
+  const Oids after = Read({RecognizedCard("b", u"Ann", u"2"), RecognizedCard(u"Ann", u"1")});
   EXPECT_EQ(after[1], before[0]);
   EXPECT_NE(after[0], before[0]);
 }
@@ -173,52 +173,52 @@ TEST_F(Recognition, SomebodyNewOfAnotherUidIsNotTheOneWithoutAUidWhoIsStillThere
 // UIDs that occur twice.
 
 TEST_F(Recognition, CardsOfOneUidKeepTheirNumbersWhenTheyChangePlaces) {
-  const Oids before = Read({Card("a", u"Ann", u"1"), Card("a", u"Bob", u"2")});
+  const Oids before = Read({RecognizedCard("a", u"Ann", u"1"), RecognizedCard("a", u"Bob", u"2")});
   EXPECT_NE(before[0], before[1]);
-  EXPECT_EQ(Read({Card("a", u"Bob", u"2"), Card("a", u"Ann", u"1")}), (Oids{before[1], before[0]}));
-  EXPECT_EQ(Read({Card("a", u"Bob", u"7"), Card("a", u"Ann", u"8")}), (Oids{before[1], before[0]}));
+  EXPECT_EQ(Read({RecognizedCard("a", u"Bob", u"2"), RecognizedCard("a", u"Ann", u"1")}), (Oids{before[1], before[0]}));
+  EXPECT_EQ(Read({RecognizedCard("a", u"Bob", u"7"), RecognizedCard("a", u"Ann", u"8")}), (Oids{before[1], before[0]}));
 }
 
 TEST_F(Recognition, AUidThatComesToOccurTwiceStaysWithItsName) {
-  const Oids before = Read({Card("a", u"Ann", u"1")});
-  const Oids after = Read({Card("a", u"Bob", u"2"), Card("a", u"Ann", u"3")});
+  const Oids before = Read({RecognizedCard("a", u"Ann", u"1")});
+  const Oids after = Read({RecognizedCard("a", u"Bob", u"2"), RecognizedCard("a", u"Ann", u"3")});
   EXPECT_EQ(after[1], before[0]);
   EXPECT_NE(after[0], before[0]);
 }
 
 TEST_F(Recognition, WhoIsLeftOfAUidDoesNotTakeOverTheNumberOfTheOther) {
-  const Oids before = Read({Card("a", u"Ann", u"1"), Card("a", u"Bob", u"2")});
-  EXPECT_EQ(Read({Card("a", u"Bob", u"2")}), Oids{before[1]});
-  EXPECT_EQ(Read({Card("a", u"Robert", u"2")}), Oids{before[1]});
+  const Oids before = Read({RecognizedCard("a", u"Ann", u"1"), RecognizedCard("a", u"Bob", u"2")});
+  EXPECT_EQ(Read({RecognizedCard("a", u"Bob", u"2")}), Oids{before[1]});
+  EXPECT_EQ(Read({RecognizedCard("a", u"Robert", u"2")}), Oids{before[1]});
 }
 
 TEST_F(Recognition, CardsOfOneUidAndOneNameAreKeptApartByTheirContent) {
-  const Oids before = Read({Card("a", u"Ann", u"1"), Card("a", u"Ann", u"2")});
-  EXPECT_EQ(Read({Card("a", u"Ann", u"2"), Card("a", u"Ann", u"1")}), (Oids{before[1], before[0]}));
-  EXPECT_EQ(Read({Card("a", u"Ann", u"2")}), Oids{before[1]});
-  EXPECT_EQ(Read({Card("a", u"Ann", u"3")}), Oids{before[1]});
+  const Oids before = Read({RecognizedCard("a", u"Ann", u"1"), RecognizedCard("a", u"Ann", u"2")});
+  EXPECT_EQ(Read({RecognizedCard("a", u"Ann", u"2"), RecognizedCard("a", u"Ann", u"1")}), (Oids{before[1], before[0]}));
+  EXPECT_EQ(Read({RecognizedCard("a", u"Ann", u"2")}), Oids{before[1]});
+  EXPECT_EQ(Read({RecognizedCard("a", u"Ann", u"3")}), Oids{before[1]});
 }
 
 // Several books, and books that are not whole.
 
 TEST_F(Recognition, ContactsOfAnotherBookAreOtherContacts) {
-  const Oids book = Read({Card("a", u"Ann", u"1"), Card(u"Bob", u"2")});
-  const Oids other = Read({Card("a", u"Ann", u"1"), Card(u"Bob", u"2")}, u"other");
+  const Oids book = Read({RecognizedCard("a", u"Ann", u"1"), RecognizedCard(u"Bob", u"2")});
+  const Oids other = Read({RecognizedCard("a", u"Ann", u"1"), RecognizedCard(u"Bob", u"2")}, u"other");
   EXPECT_NE(other[0], book[0]);
   EXPECT_NE(other[1], book[1]);
-  EXPECT_EQ(Read({Card("a", u"Ann", u"1"), Card(u"Bob", u"2")}), book);
+  EXPECT_EQ(Read({RecognizedCard("a", u"Ann", u"1"), RecognizedCard(u"Bob", u"2")}), book);
 }
 
 TEST_F(Recognition, TheNameOfACardThatIsCutOffIsNotUnique) {
-  const Oids before = Read({Card(u"Ann", u"1")});
-  EXPECT_NE(Read(Book{u"book", {Card(u"Ann", u"2")}, false, {Card(u"Ann", u"")}}), before);
-  EXPECT_EQ(Read({Card(u"Ann", u"1")}), before);
+  const Oids before = Read({RecognizedCard(u"Ann", u"1")});
+  EXPECT_NE(Read(Book{u"book", {RecognizedCard(u"Ann", u"2")}, false, {RecognizedCard(u"Ann", u"")}}), before);
+  EXPECT_EQ(Read({RecognizedCard(u"Ann", u"1")}), before);
 }
 
 TEST_F(Recognition, ABookThatIsNotWholeMakesNobodyOneOfFormerTimes) {
-  const Oids before = Read({Card(u"Ann", u"1"), Card(u"Ann", u"2")});
-  EXPECT_EQ(Read(Book{u"book", {Card(u"Ann", u"2")}, false}), Oids{before[1]});
-  EXPECT_NE(Read({Card(u"Ann", u"3")}), Oids{before[1]}) << "the other one may be meant";
+  const Oids before = Read({RecognizedCard(u"Ann", u"1"), RecognizedCard(u"Ann", u"2")});
+  EXPECT_EQ(Read(Book{u"book", {RecognizedCard(u"Ann", u"2")}, false}), Oids{before[1]});
+  EXPECT_NE(Read({RecognizedCard(u"Ann", u"3")}), Oids{before[1]}) << "the other one may be meant";
 }
 
 // The numbers that registries of former versions hold: entries of 20 bytes.
@@ -255,8 +255,8 @@ class FormerRecognition : public Recognition {
   }
 
   const std::vector<ContactData> m_cards = {
-      Card("a", u"Ann", u"1"),     Card(u"Bob", u"2"), Card("twice", u"Tom", u"3"),
-      Card("twice", u"Zoe", u"4"), Card(u"Eve", u"5"), Card(u"Eve", u"5")};
+      RecognizedCard("a", u"Ann", u"1"),     RecognizedCard(u"Bob", u"2"), RecognizedCard("twice", u"Tom", u"3"),
+      RecognizedCard("twice", u"Zoe", u"4"), RecognizedCard(u"Eve", u"5"), RecognizedCard(u"Eve", u"5")};
   const Oids m_oids = {11, 12, 13, 14, 15, 16};
 };
 
@@ -268,27 +268,27 @@ TEST_F(FormerRecognition, EveryContactKeepsItsNumber) {
 TEST_F(FormerRecognition, AContactThatWasMetOnceMayThenChange) {
   ASSERT_EQ(Read(m_cards), m_oids);
   EXPECT_EQ(
-      Read({Card("b", u"Bob", u"9"), Card("twice", u"Zoe", u"9"), Card("twice", u"Tom", u"8")}),
+      Read({RecognizedCard("b", u"Bob", u"9"), RecognizedCard("twice", u"Zoe", u"9"), RecognizedCard("twice", u"Tom", u"8")}),
       (Oids{12, 14, 13}));
 }
 
 TEST_F(FormerRecognition, CardsOfOneUidThatChangedPlacesMeanwhileKeepTheirNumbers) {
-  EXPECT_EQ(Read({Card("twice", u"Zoe", u"4"), Card("twice", u"Tom", u"3")}), (Oids{14, 13}));
+  EXPECT_EQ(Read({RecognizedCard("twice", u"Zoe", u"4"), RecognizedCard("twice", u"Tom", u"3")}), (Oids{14, 13}));
 }
 
 TEST_F(FormerRecognition, ACardThatGotAUidMeanwhileKeepsItsNumber) {
-  EXPECT_EQ(Read({Card("new", u"Bob", u"2")}), Oids{12});
+  EXPECT_EQ(Read({RecognizedCard("new", u"Bob", u"2")}), Oids{12});
 }
 
 TEST_F(FormerRecognition, WhoWasAwayAtTheFirstReadingIsStillFound) {
-  static_cast<void>(Read({Card("a", u"Ann", u"1")}));
-  EXPECT_EQ(Read({Card("a", u"Ann", u"1"), Card(u"Bob", u"2")}), (Oids{11, 12}));
+  static_cast<void>(Read({RecognizedCard("a", u"Ann", u"1")}));
+  EXPECT_EQ(Read({RecognizedCard("a", u"Ann", u"1"), RecognizedCard(u"Bob", u"2")}), (Oids{11, 12}));
 }
 
 TEST_F(FormerRecognition, ACardWhoseNumbersTookOtherPlacesIsFoundByTheFormerOnes) {
-  ContactData bob = Card(u"Bob", u"2");
+  ContactData bob = RecognizedCard(u"Bob", u"2");
   bob.numbers[7] = u"22";
-  bob.formerContent = ContentOf(Card(u"Bob", u"2"));
+  bob.formerContent = ContentOf(RecognizedCard(u"Bob", u"2"));
   EXPECT_EQ(Read({bob}), Oids{12});
 }
 

@@ -16,7 +16,7 @@ namespace {
 using platform::RegistryError;
 using Recalled = platform::Result<std::optional<SourceChoice>, RegistryError>;
 
-constexpr std::u16string_view kKey = u"Software\\Zedra\\Voxtrel Contacts";
+constexpr std::u16string_view kChoiceKey = u"Software\\Zedra\\Voxtrel Contacts";
 
 TEST(SourceChoice, TheDesktopsAddressBooksAreCalledEds) {
   EXPECT_EQ(ParseChoice(u"eds"), SourceChoice{});
@@ -69,12 +69,12 @@ TEST(SourceChoice, AStoreThatCannotBeReadIsNoReasonToTakeAnotherBook) {
 TEST(SourceChoice, AValueThatIsNoChoiceIsPassedOverAndNamed) {
   machine::MemoryRegistry registry;
   ASSERT_EQ(
-      support::ErrorOf(support::Put(registry, kKey, u"chosen", platform::RegistryType::kDword, {})),
+      support::ErrorOf(support::Put(registry, kChoiceKey, u"chosen", platform::RegistryType::kDword, {})),
       std::nullopt);
   std::vector<Remark> remarks;
   EXPECT_EQ(RecallChoice(registry, remarks), Recalled(std::nullopt));
   ASSERT_EQ(remarks.size(), 1U);
-  EXPECT_EQ(remarks[0].place, kKey);
+  EXPECT_EQ(remarks[0].place, kChoiceKey);
   EXPECT_EQ(remarks[0].text, "the value \"chosen\" names no address book and is passed over");
   ASSERT_EQ(support::ErrorOf(RememberChoice(registry, {u"/all.vcf"})), std::nullopt);
   EXPECT_EQ(RecallChoice(registry, remarks), Recalled(SourceChoice{u"/all.vcf"}));

@@ -11,7 +11,7 @@
 namespace vcard {
 namespace {
 
-constexpr std::u16string_view kKey = u"Book";
+constexpr std::u16string_view kBookKey = u"Book";
 
 Person Known(std::int32_t oid, std::uint8_t mark) {
   Person person;
@@ -29,12 +29,12 @@ class StoredBookTest : public testing::Test {
     StoredBook book;
     OidIndex taken;
     const auto fail = [](const std::u16string&, const std::string& what) { ADD_FAILURE() << what; };
-    EXPECT_EQ(support::ErrorOf(book.Load(*m_registry.CreateKey(kKey).value(), fail, taken)),
+    EXPECT_EQ(support::ErrorOf(book.Load(*m_registry.CreateKey(kBookKey).value(), fail, taken)),
               std::nullopt);
     return book;
   }
   void Save(const StoredBook& book) {
-    EXPECT_EQ(support::ErrorOf(book.Save(*m_registry.CreateKey(kKey).value())), std::nullopt);
+    EXPECT_EQ(support::ErrorOf(book.Save(*m_registry.CreateKey(kBookKey).value())), std::nullopt);
   }
 
   machine::MemoryRegistry m_registry;
@@ -50,7 +50,7 @@ TEST_F(StoredBookTest, AnEntryIsNumberPresenceAndThreeDigests) {
   for (const int mark : {0x11, 0x22, 0x33}) {
     wanted.insert(wanted.end(), 16, static_cast<std::byte>(mark));
   }
-  EXPECT_EQ(support::BytesOf(m_registry, kKey, u"people0"), wanted);
+  EXPECT_EQ(support::BytesOf(m_registry, kBookKey, u"people0"), wanted);
 }
 
 TEST_F(StoredBookTest, WhatIsWrittenIsReadAgain) {

@@ -10,7 +10,7 @@
 namespace vcard {
 namespace {
 
-std::string Named(const std::string& name) {
+std::string NamedCard(const std::string& name) {
   return WriteCard("N:" + name + ";;;;\nTEL;TYPE=CELL:1");
 }
 
@@ -23,7 +23,7 @@ std::string NamesIn(const Cards& cards) {
 }
 
 TEST(VcardSplitter, HandsOnEachCardInOrder) {
-  const Cards cards = ReadCards(Named("A") + Named("B") + "\r\n\r\n" + Named("C"));
+  const Cards cards = ReadCards(NamedCard("A") + NamedCard("B") + "\r\n\r\n" + NamedCard("C"));
   EXPECT_EQ(NamesIn(cards), "A.B.C.");
   EXPECT_FALSE(cards.isDamaged);
 }
@@ -32,7 +32,7 @@ TEST(VcardSplitter, ReadsTheSameHoweverTheStreamIsCut) {
   const std::string stream =
       WriteCard(
           "N;ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8:M=C3=\n=BCller;;;;\nNOTE:x\n y\nTEL;CELL:1") +
-      Named("B");
+      NamedCard("B");
   for (const std::size_t size : {1U, 2U, 3U, 7U, 64U}) {
     const Cards cards = ReadCards(stream, size);
     EXPECT_EQ(NamesIn(cards), "Müller.B.") << size;
@@ -52,7 +52,7 @@ TEST(VcardSplitter, TakesEveryEndOfLine) {
 
 TEST(VcardSplitter, EndsOfLinesMayChangeWithinTheStream) {
   for (const std::size_t size : {1U, 2U, 100U}) {
-    const Cards cards = ReadCards("BEGIN:VCARD\r\nN:A\nTEL:1\rEND:VCARD\r\n" + Named("B"), size);
+    const Cards cards = ReadCards("BEGIN:VCARD\r\nN:A\nTEL:1\rEND:VCARD\r\n" + NamedCard("B"), size);
     EXPECT_EQ(NamesIn(cards), "A.B.") << size;
     EXPECT_FALSE(cards.isDamaged);
   }
@@ -65,13 +65,13 @@ TEST(VcardSplitter, NeedsNoEndOfTheLastLine) {
 }
 
 TEST(VcardSplitter, PassesOverAByteOrderMark) {
-  const Cards cards = ReadCards("\xEF\xBB\xBF" + Named("A"));
+  const Cards cards = ReadCards("\xEF\xBB\xBF" + NamedCard("A"));
   EXPECT_EQ(NamesIn(cards), "A.");
   EXPECT_FALSE(cards.isDamaged);
 }
 
 TEST(VcardSplitter, PassesOverTheByteOrderMarksOfFilesThatWereJoined) {
-  const std::string file = "\xEF\xBB\xBF" + Named("A");
+  const std::string file = "\xEF\xBB\xBF" + NamedCard("A");
   const Cards cards = ReadCards(file + file + "\xEF\xBB\xBF");
   EXPECT_EQ(NamesIn(cards), "A.A.");
   EXPECT_FALSE(cards.isDamaged);
@@ -79,8 +79,8 @@ TEST(VcardSplitter, PassesOverTheByteOrderMarksOfFilesThatWereJoined) {
 
 TEST(VcardSplitter, AMarkAfterATornFileHidesNoDamage) {
   const std::string torn = "BEGIN:VCARD\nTEL:1\n";
-  const Cards plain = ReadCards(torn + Named("A"));
-  const Cards marked = ReadCards(torn + "\xEF\xBB\xBF" + Named("A"));
+  const Cards plain = ReadCards(torn + NamedCard("A"));
+  const Cards marked = ReadCards(torn + "\xEF\xBB\xBF" + NamedCard("A"));
   EXPECT_TRUE(plain.isDamaged);
   EXPECT_TRUE(marked.isDamaged);
   EXPECT_EQ(NamesIn(marked), NamesIn(plain));
@@ -133,12 +133,12 @@ void ExpectDamaged(const std::string& stream, const std::string& names) {
 }
 
 TEST(VcardSplitter, ACardWithoutAnEndIsDamage) {
-  ExpectDamaged("BEGIN:VCARD\nN:A;;;;\n" + Named("B"), "B.");
-  ExpectDamaged(Named("B") + "BEGIN:VCARD\nN:A;;;;\nTEL;CELL:1\n", "B.");
+  ExpectDamaged("BEGIN:VCARD\nN:A;;;;\n" + NamedCard("B"), "B.");
+  ExpectDamaged(NamedCard("B") + "BEGIN:VCARD\nN:A;;;;\nTEL;CELL:1\n", "B.");
 }
 
 TEST(VcardSplitter, ACardWithoutABeginIsDamage) {
-  ExpectDamaged("N:A;;;;\nTEL:1\nEND:VCARD\n" + Named("B"), "B.");
+  ExpectDamaged("N:A;;;;\nTEL:1\nEND:VCARD\n" + NamedCard("B"), "B.");
 }
 
 TEST(VcardSplitter, AStreamOfOtherBytesIsDamage) {
@@ -151,7 +151,7 @@ TEST(VcardSplitter, AStreamOfOtherBytesIsDamage) {
 
 TEST(VcardSplitter, ALineOfMegabytesIsPassedOver) {
   const std::string huge(20'000'000, 'x');
-  ExpectDamaged(WriteCard("N:A;;;;\nUID:" + huge + "\nTEL;CELL:1") + Named("B"), "A.B.");
+  ExpectDamaged(WriteCard("N:A;;;;\nUID:" + huge + "\nTEL;CELL:1") + NamedCard("B"), "A.B.");
 }
 
 TEST(VcardSplitter, AHugeLineThatNobodyReadsIsNoDamage) {
@@ -173,16 +173,16 @@ TEST(VcardSplitter, MoreLinesThanAnyContactHasAreDamage) {
   for (int i = 0; i < 100'000; ++i) {
     lines += "\nTEL;CELL:1";
   }
-  ExpectDamaged(WriteCard(lines) + Named("B"), "A.B.");
+  ExpectDamaged(WriteCard(lines) + NamedCard("B"), "A.B.");
 }
 
 // Each damage is named with its line.
 
 TEST(VcardSplitter, ACardWithoutAnEndIsNamedByTheLineOnWhichItBegins) {
   const std::string torn = "BEGIN:VCARD\r\nN:A;;;;\r\n";
-  const Cards within = ReadCards("\r\n\r\n" + torn + Named("B"));
+  const Cards within = ReadCards("\r\n\r\n" + torn + NamedCard("B"));
   EXPECT_EQ(within.damage, "3: the card that begins here has no end and is passed over\n");
-  const Cards last = ReadCards(Named("B") + torn);
+  const Cards last = ReadCards(NamedCard("B") + torn);
   EXPECT_EQ(last.damage, "6: the card that begins here has no end and is passed over\n");
   ASSERT_EQ(last.torn.size(), 1U);
   EXPECT_EQ(last.torn[0].lastName, u"A");

@@ -16,7 +16,7 @@ using support::RiffBytes;
 using support::RiffWave;
 using wave_file::WaveFileLayout;
 
-constexpr platform::WaveFormat kMono{platform::kFormatTagPcm, 1, 11025, 22050, 2, 16, 0};
+constexpr platform::WaveFormat kRiffMono{platform::kFormatTagPcm, 1, 11025, 22050, 2, 16, 0};
 constexpr std::uint32_t kHugeSize = 0xFFFFFFFF;
 constexpr std::size_t kPlainHeader = 44;
 
@@ -37,54 +37,54 @@ Layout Read(const RiffBytes& bytes) {
 
 void ExpectData(const Layout& layout, std::uint64_t offset, std::uint64_t bytes) {
   ASSERT_TRUE(layout);
-  EXPECT_EQ(layout->format, kMono);
+  EXPECT_EQ(layout->format, kRiffMono);
   EXPECT_EQ(layout->dataOffset, offset);
   EXPECT_EQ(layout->dataBytes, bytes);
 }
 
 TEST(WaveFileLayout, PlainFileHasItsDataAfterFortyFourBytes) {
-  ExpectData(Read(RiffWave(kMono, Samples(100))), kPlainHeader, 100);
+  ExpectData(Read(RiffWave(kRiffMono, Samples(100))), kPlainHeader, 100);
 }
 
 TEST(WaveFileLayout, RiffLengthIsNotLookedAt) {
-  auto bytes = RiffWave(kMono, Samples(100));
+  auto bytes = RiffWave(kRiffMono, Samples(100));
   for (std::size_t i = 4; i < 8; ++i) bytes[i] = std::byte{0xFF};
   ExpectData(Read(bytes), kPlainHeader, 100);
 }
 
 TEST(WaveFileLayout, OtherChunksAreSkipped) {
-  const auto bytes = RiffWave({Chunk("LIST", Samples(10)), Chunk("fmt ", FormatBody(kMono)),
+  const auto bytes = RiffWave({Chunk("LIST", Samples(10)), Chunk("fmt ", FormatBody(kRiffMono)),
                                Chunk("fact", Samples(4)), Chunk("data", Samples(8))});
   ExpectData(Read(bytes), 12 + 18 + 24 + 12 + 8, 8);
 }
 
 TEST(WaveFileLayout, ByteAfterAnOddChunkIsSkipped) {
   const auto bytes = RiffWave(
-      {Chunk("LIST", Samples(3)), Chunk("fmt ", FormatBody(kMono)), Chunk("data", Samples(8))});
+      {Chunk("LIST", Samples(3)), Chunk("fmt ", FormatBody(kRiffMono)), Chunk("data", Samples(8))});
   ExpectData(Read(bytes), 12 + 12 + 24 + 8, 8);
 }
 
 TEST(WaveFileLayout, EmptyChunksAreSkipped) {
   const auto bytes =
-      RiffWave({Chunk("JUNK", {}), Chunk("fmt ", FormatBody(kMono)), Chunk("data", Samples(8))});
+      RiffWave({Chunk("JUNK", {}), Chunk("fmt ", FormatBody(kRiffMono)), Chunk("data", Samples(8))});
   ExpectData(Read(bytes), 12 + 8 + 24 + 8, 8);
 }
 
 TEST(WaveFileLayout, DataMayComeBeforeTheFormat) {
-  const auto bytes = RiffWave({Chunk("data", Samples(7)), Chunk("fmt ", FormatBody(kMono))});
+  const auto bytes = RiffWave({Chunk("data", Samples(7)), Chunk("fmt ", FormatBody(kRiffMono))});
   ExpectData(Read(bytes), 20, 6);
 }
 
 TEST(WaveFileLayout, LongerFormatChunkIsReadByItsFirstSixteenBytes) {
-  auto body = FormatBody(kMono);
+  auto body = FormatBody(kRiffMono);
   body.resize(40, std::byte{9});
   ExpectData(Read(RiffWave({Chunk("fmt ", body), Chunk("data", Samples(8))})), 12 + 48 + 8, 8);
 }
 
 TEST(WaveFileLayout, FirstFormatAndFirstDataCount) {
-  auto other = kMono;
+  auto other = kRiffMono;
   other.samplesPerSecond = 8000;
-  const auto bytes = RiffWave({Chunk("fmt ", FormatBody(kMono)), Chunk("fmt ", FormatBody(other)),
+  const auto bytes = RiffWave({Chunk("fmt ", FormatBody(kRiffMono)), Chunk("fmt ", FormatBody(other)),
                                Chunk("data", Samples(8)), Chunk("data", Samples(20))});
   ExpectData(Read(bytes), 12 + 24 + 24 + 8, 8);
 }
@@ -92,22 +92,22 @@ TEST(WaveFileLayout, FirstFormatAndFirstDataCount) {
 TEST(WaveFileLayout, DataThatClaimsMoreThanTheFileHasEndsWithTheFile) {
   for (const std::uint32_t claimed : {101U, 1000000U, kHugeSize}) {
     ExpectData(
-        Read(RiffWave({Chunk("fmt ", FormatBody(kMono)), Chunk("data", Samples(100), claimed)})),
+        Read(RiffWave({Chunk("fmt ", FormatBody(kRiffMono)), Chunk("data", Samples(100), claimed)})),
         kPlainHeader, 100);
   }
 }
 
 TEST(WaveFileLayout, SampleCutInTwoIsLeftOut) {
-  ExpectData(Read(RiffWave(kMono, Samples(101))), kPlainHeader, 100);
-  auto cut = RiffWave(kMono, Samples(100));
+  ExpectData(Read(RiffWave(kRiffMono, Samples(101))), kPlainHeader, 100);
+  auto cut = RiffWave(kRiffMono, Samples(100));
   cut.pop_back();
   ExpectData(Read(cut), kPlainHeader, 98);
 }
 
-TEST(WaveFileLayout, DataMayBeEmpty) { ExpectData(Read(RiffWave(kMono, {})), kPlainHeader, 0); }
+TEST(WaveFileLayout, DataMayBeEmpty) { ExpectData(Read(RiffWave(kRiffMono, {})), kPlainHeader, 0); }
 
 TEST(WaveFileLayout, FileCutAnywhereInItsHeaderIsRefused) {
-  const auto whole = RiffWave(kMono, Samples(8));
+  const auto whole = RiffWave(kRiffMono, Samples(8));
   for (std::size_t length = 0; length < kPlainHeader; ++length) {
     EXPECT_FALSE(
         Read(RiffBytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length))))
@@ -117,7 +117,7 @@ TEST(WaveFileLayout, FileCutAnywhereInItsHeaderIsRefused) {
 
 TEST(WaveFileLayout, OtherNamesAreRefused) {
   for (const std::size_t at : {std::size_t{0}, std::size_t{8}, std::size_t{12}, std::size_t{36}}) {
-    auto bytes = RiffWave(kMono, Samples(8));
+    auto bytes = RiffWave(kRiffMono, Samples(8));
     bytes[at] = std::byte{'?'};
     EXPECT_FALSE(Read(bytes)) << at;
   }
@@ -126,28 +126,28 @@ TEST(WaveFileLayout, OtherNamesAreRefused) {
 TEST(WaveFileLayout, ChunkThatReachesBeyondTheFileIsRefused) {
   for (const std::uint32_t claimed : {60U, 0x7FFFFFFFU, 0xFFFFFFF0U, kHugeSize}) {
     EXPECT_FALSE(Read(RiffWave({Chunk("LIST", Samples(10), claimed),
-                                Chunk("fmt ", FormatBody(kMono)), Chunk("data", Samples(8))})))
+                                Chunk("fmt ", FormatBody(kRiffMono)), Chunk("data", Samples(8))})))
         << claimed;
     EXPECT_FALSE(
-        Read(RiffWave({Chunk("fmt ", FormatBody(kMono), claimed + 20), Chunk("data", Samples(8))})))
+        Read(RiffWave({Chunk("fmt ", FormatBody(kRiffMono), claimed + 20), Chunk("data", Samples(8))})))
         << claimed;
   }
 }
 
 TEST(WaveFileLayout, FormatChunkBelowSixteenBytesIsRefused) {
-  auto body = FormatBody(kMono);
+  auto body = FormatBody(kRiffMono);
   body.resize(14);
   EXPECT_FALSE(Read(RiffWave({Chunk("fmt ", body), Chunk("data", Samples(8))})));
 }
 
 TEST(WaveFileLayout, SamplesOtherThanPcmAreRefused) {
-  auto format = kMono;
+  auto format = kRiffMono;
   format.formatTag = 3;
   EXPECT_FALSE(Read(RiffWave(format, Samples(8))));
 }
 
 TEST(WaveFileLayout, SamplesWithoutSizeAreRefused) {
-  auto format = kMono;
+  auto format = kRiffMono;
   format.blockAlign = 0;
   EXPECT_FALSE(Read(RiffWave(format, Samples(8))));
 }
@@ -159,7 +159,7 @@ TEST(WaveFileLayout, FileOfEndlessEmptyChunksIsRefused) {
     chunks.insert(chunks.end(), chunk.begin(), chunk.end());
   }
   EXPECT_FALSE(
-      Read(RiffWave({chunks, Chunk("fmt ", FormatBody(kMono)), Chunk("data", Samples(8))})));
+      Read(RiffWave({chunks, Chunk("fmt ", FormatBody(kRiffMono)), Chunk("data", Samples(8))})));
 }
 
 }  // namespace
