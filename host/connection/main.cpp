@@ -3,10 +3,10 @@
 // The command line starts this program with the root folder that it uses. So `voxtrel` itself is
 // not linked with the window library.
 
-#include <CLI/CLI.hpp>
 #include <QApplication>
 #include <filesystem>
 #include <string>
+#include <variant>
 
 #include "backends/posix/posix_file_system.h"
 #include "backends/posix/posix_threads.h"
@@ -20,8 +20,8 @@
 #include "backends/udev/udev_serial_devices.h"
 #include "connection/connection_page.h"
 #include "connection/serial_ports.h"
+#include "host/connection/arguments.h"
 #include "host/machine/system.h"
-#include "host/machine/usage.h"
 #include "language/texts.h"
 #include "resources/desktop_strings.h"
 #include "resources/dialogs.h"
@@ -67,21 +67,14 @@ void Run(const std::filesystem::path& root) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  CLI::App app("The settings of the dialer's serial port, in a window.", "voxtrel-connection");
-  app.footer(
-      "Examples:\n  voxtrel-connection ~/.local/share/voxtrel    as `voxtrel connection` does");
-  app.set_version_flag("--version", "voxtrel-connection " VOXTREL_VERSION);
-  std::string root;
-  app.add_option("ROOT", root, "The folder of the voice tags and settings")->required();
   // Before the window library looks for a screen: the help needs none.
-  try {
-    app.parse(argc, argv);
-  } catch (const CLI::ParseError& error) {
-    return machine::ExplainUsage(app, error);
+  const auto parsed = connection::ParseArguments(argc, argv);
+  if (const int* exitCode = std::get_if<int>(&parsed)) {
+    return *exitCode;
   }
   const QApplication application(argc, argv);
   qt::FollowDesktopLanguage();
   QApplication::setWindowIcon(qt::OwnIcon());
-  Run(root);
+  Run(std::get<std::string>(parsed));
   return 0;
 }

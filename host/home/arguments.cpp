@@ -1,9 +1,8 @@
 #include "host/home/arguments.h"
 
 #include <CLI/CLI.hpp>
-#include <filesystem>
 #include <string>
-#include <system_error>
+#include <utility>
 
 #include "host/machine/usage.h"
 
@@ -21,9 +20,10 @@ VOXTREL_MICROPHONE, VOXTREL_SPEAKER.)";
 
 }  // namespace
 
-std::variant<Arguments, int> ParseArguments(int argc, const char* const* argv) {
+std::variant<Arguments, int> ParseArguments(machine::Options options, int argc,
+                                            const char* const* argv) {
   Arguments arguments;
-  arguments.machine = machine::ReadOptions();
+  arguments.machine = std::move(options);
   CLI::App app("Your voice tags: teach, hear, judge and delete them in a window.", "voxtrel-home");
   app.footer(kFooter);
   app.set_version_flag("--version", "voxtrel-home " VOXTREL_VERSION);

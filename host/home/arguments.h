@@ -14,8 +14,9 @@ struct Arguments {
   bool dials = false;        ///< The same with the page that hears a name and calls.
 };
 
-/// Returns the arguments. Returns an exit code if nothing remains to do, because this has printed
-/// the help, the version, or what is wrong. Call it before there is a second thread.
-[[nodiscard]] std::variant<Arguments, int> ParseArguments(int argc, const char* const* argv);
+/// Returns the arguments, with `options` unless an option says something else. Returns an exit code
+/// if nothing remains to do, because this has printed the help, the version, or what is wrong.
+[[nodiscard]] std::variant<Arguments, int> ParseArguments(machine::Options options, int argc,
+                                                          const char* const* argv);
 
 }  // namespace home

@@ -136,7 +136,7 @@ int Show(const home::Arguments& arguments, const std::string& token) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  const auto parsed = home::ParseArguments(argc, argv);
+  const auto parsed = home::ParseArguments(machine::ReadOptions(), argc, argv);
   if (const int* exitCode = std::get_if<int>(&parsed)) {
     return *exitCode;
   }

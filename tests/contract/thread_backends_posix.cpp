@@ -17,8 +17,9 @@ class PosixThreadBackend final : public ThreadBackend {
 }  // namespace
 
 ThreadBackendKind SystemThreadBackend() {
-  return {"Posix",
-          []() -> std::unique_ptr<ThreadBackend> { return std::make_unique<PosixThreadBackend>(); }};
+  return {"Posix", []() -> std::unique_ptr<ThreadBackend> {
+            return std::make_unique<PosixThreadBackend>();
+          }};
 }
 
 }  // namespace contract

@@ -17,8 +17,9 @@ class Win32ThreadBackend final : public ThreadBackend {
 }  // namespace
 
 ThreadBackendKind SystemThreadBackend() {
-  return {"Win32",
-          []() -> std::unique_ptr<ThreadBackend> { return std::make_unique<Win32ThreadBackend>(); }};
+  return {"Win32", []() -> std::unique_ptr<ThreadBackend> {
+            return std::make_unique<Win32ThreadBackend>();
+          }};
 }
 
 }  // namespace contract

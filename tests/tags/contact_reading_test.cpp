@@ -92,7 +92,7 @@ ReadTagText With(const SimulatedContact& contact, Read read) {
 }
 
 ReadTagText RecordText(const SimulatedContact& contact, std::u16string_view phoneType,
-                   ContactBuffers& buffers) {
+                       ContactBuffers& buffers) {
   return With(contact,
               [&](platform::Contact& each) { return ReadForRecording(each, phoneType, buffers); });
 }
@@ -119,7 +119,8 @@ TEST(ReadForRecording, ACompanyStandsInForAnEmptyName) {
 }
 
 TEST(ReadForRecording, PartsAreAppendedWhileTheTotalStaysBelow128) {
-  EXPECT_EQ(RecordText(Named(Long(100), u"", Long(26, u'l')))->text, Long(100) + u" " + Long(26, u'l'));
+  EXPECT_EQ(RecordText(Named(Long(100), u"", Long(26, u'l')))->text,
+            Long(100) + u" " + Long(26, u'l'));
   EXPECT_EQ(RecordText(Named(Long(100), u"", Long(27, u'l')))->text, Long(100));
 }
 

@@ -434,7 +434,8 @@ class AddressBooksReading : public AddressBooksTest {
 TEST_F(AddressBooksReading, ANewContactHasTheNumberThatLearningThenGives) {
   Put(u"/all.vcf", PersonCard("Ann"));
   ASSERT_TRUE(Start(SourceChoice{u"/all.vcf"}));
-  Put(u"/all.vcf", PersonCard("Bob") + PersonCard("Ann") + WriteCard("N:Zoe;;;;") + WriteCard("N:Zoe;;;;"));
+  Put(u"/all.vcf",
+      PersonCard("Bob") + PersonCard("Ann") + WriteCard("N:Zoe;;;;") + WriteCard("N:Zoe;;;;"));
   ASSERT_TRUE(StartReading());
   const std::vector<std::int32_t> shown = {Oid(1), Oid(2), Oid(3), Oid(4)};
   ASSERT_TRUE(StartReading());

@@ -76,11 +76,13 @@ TEST(ContactKeys, WhatACardLacksIsNoKey) {
 
 TEST(ContactKeys, ANumberIsContentAndAUidIsNot) {
   EXPECT_EQ(Of({KeyedContact("a", u"Lee")})[0].content, Of({KeyedContact("", u"Lee")})[0].content);
-  EXPECT_NE(Of({KeyedContact("", u"Lee", u"1")})[0].content, Of({KeyedContact("", u"Lee", u"2")})[0].content);
+  EXPECT_NE(Of({KeyedContact("", u"Lee", u"1")})[0].content,
+            Of({KeyedContact("", u"Lee", u"2")})[0].content);
 }
 
 TEST(ContactKeys, WhatOccursTwiceIsNotUnique) {
-  const auto keys = Of({KeyedContact("a", u"Lee"), KeyedContact("a", u"Ray"), KeyedContact("b", u"Lee")});
+  const auto keys =
+      Of({KeyedContact("a", u"Lee"), KeyedContact("a", u"Ray"), KeyedContact("b", u"Lee")});
   EXPECT_FALSE(keys[0].isUidUnique);
   EXPECT_TRUE(keys[2].isUidUnique);
   EXPECT_FALSE(keys[0].isNameUnique);
@@ -94,9 +96,9 @@ TEST(ContactKeys, ACardThatIsCutOffCountsWithItsName) {
 }
 
 TEST(ContactKeys, SeedsOfOneBookDiffer) {
-  const std::vector<std::string> seeds =
-      SeedsOf(std::vector{KeyedContact("a", u"Lee"), KeyedContact("a", u"Ray"), KeyedContact("a", u"Ray"),
-                          KeyedContact("", u"Zoe"), KeyedContact("", u"Zoe"), KeyedContact("", u"Zoe")});
+  const std::vector<std::string> seeds = SeedsOf(
+      std::vector{KeyedContact("a", u"Lee"), KeyedContact("a", u"Ray"), KeyedContact("a", u"Ray"),
+                  KeyedContact("", u"Zoe"), KeyedContact("", u"Zoe"), KeyedContact("", u"Zoe")});
   EXPECT_EQ(std::set(seeds.begin(), seeds.end()).size(), seeds.size());
 }
 

@@ -23,13 +23,15 @@ std::string DesktopPerson(const std::string& name) {
 }
 
 void ReadTwoBooks(std::uint32_t /*milliseconds*/, DesktopBooks& books) {
-  books = std::vector<DesktopBook>{{"first", DesktopPerson("Zoe") + "\r\n" + DesktopPerson("Ann") + "\r\n", true},
-                                   {"second", DesktopPerson("Bob"), false}};
+  books = std::vector<DesktopBook>{
+      {"first", DesktopPerson("Zoe") + "\r\n" + DesktopPerson("Ann") + "\r\n", true},
+      {"second", DesktopPerson("Bob"), false}};
 }
 
 void ReadBadBooks(std::uint32_t /*milliseconds*/, DesktopBooks& books) {
-  books = std::vector<DesktopBook>{{"empty", "", true},
-                                   {"torn", DesktopPerson("Ann") + DesktopPerson("Bob").substr(0, 40), true}};
+  books = std::vector<DesktopBook>{
+      {"empty", "", true},
+      {"torn", DesktopPerson("Ann") + DesktopPerson("Bob").substr(0, 40), true}};
 }
 
 void RefuseAndNameTheLimit(std::uint32_t milliseconds, DesktopBooks& books) {

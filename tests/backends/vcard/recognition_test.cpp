@@ -63,7 +63,8 @@ TEST_F(Recognition, ACardWithoutAUidStaysTheSameWithAnAddedNumberAndACompany) {
 TEST_F(Recognition, ACardThatGetsAUidLaterStaysTheSame) {
   const Oids before = Read({RecognizedCard(u"Ann", u"1"), RecognizedCard(u"Bob", u"2")});
   EXPECT_EQ(Read({RecognizedCard("a", u"Ann", u"1"), RecognizedCard("b", u"Bob", u"9")}), before);
-  EXPECT_EQ(Read({RecognizedCard("a", u"Ann Lee", u"7"), RecognizedCard("b", u"Bob", u"2")}), before);
+  EXPECT_EQ(Read({RecognizedCard("a", u"Ann Lee", u"7"), RecognizedCard("b", u"Bob", u"2")}),
+            before);
 }
 
 TEST_F(Recognition, ACardThatLosesItsUidStaysTheSame) {
@@ -79,9 +80,13 @@ TEST_F(Recognition, AnotherNameWithoutAUidIsAnotherContact) {
 }
 
 TEST_F(Recognition, APlaceInTheFileMeansNothing) {
-  const Oids before = Read({RecognizedCard(u"Ann", u"1"), RecognizedCard(u"Bob", u"2"), RecognizedCard("c", u"Zoe", u"3")});
-  EXPECT_EQ(Read({RecognizedCard("c", u"Zoe", u"3"), RecognizedCard(u"New", u"4"), RecognizedCard(u"Ann", u"1")})[2], before[0]);
-  EXPECT_EQ(Read({RecognizedCard(u"Bob", u"2"), RecognizedCard(u"Ann", u"1")}), (Oids{before[1], before[0]}));
+  const Oids before = Read({RecognizedCard(u"Ann", u"1"), RecognizedCard(u"Bob", u"2"),
+                            RecognizedCard("c", u"Zoe", u"3")});
+  EXPECT_EQ(Read({RecognizedCard("c", u"Zoe", u"3"), RecognizedCard(u"New", u"4"),
+                  RecognizedCard(u"Ann", u"1")})[2],
+            before[0]);
+  EXPECT_EQ(Read({RecognizedCard(u"Bob", u"2"), RecognizedCard(u"Ann", u"1")}),
+            (Oids{before[1], before[0]}));
 }
 
 TEST_F(Recognition, ContentNeverLooksLikeAUid) {
@@ -101,7 +106,8 @@ TEST_F(Recognition, ANameThatBecomesAmbiguousStaysWithTheCardThatIsAsItWas) {
   const Oids after = Read({RecognizedCard(u"Ann", u"2"), RecognizedCard(u"Ann", u"1")});
   EXPECT_EQ(after[1], before[0]);
   EXPECT_NE(after[0], before[0]);
-  EXPECT_EQ(Read({RecognizedCard(u"Ann", u"1"), RecognizedCard(u"Ann", u"2")}), (Oids{after[1], after[0]}));
+  EXPECT_EQ(Read({RecognizedCard(u"Ann", u"1"), RecognizedCard(u"Ann", u"2")}),
+            (Oids{after[1], after[0]}));
 }
 
 TEST_F(Recognition, OfTwoOfANameNobodyGetsTheNumberOfOneThatChanged) {
@@ -125,14 +131,18 @@ TEST_F(Recognition, OneLeftOfTwoOfANameThatAlsoChangedIsNeither) {
 
 TEST_F(Recognition, TwoOfANameThatBothGetAUidStayThemselves) {
   const Oids before = Read({RecognizedCard(u"Ann", u"1"), RecognizedCard(u"Ann", u"2")});
-  EXPECT_EQ(Read({RecognizedCard("y", u"Ann", u"2"), RecognizedCard("x", u"Ann", u"1")}), (Oids{before[1], before[0]}));
+  EXPECT_EQ(Read({RecognizedCard("y", u"Ann", u"2"), RecognizedCard("x", u"Ann", u"1")}),
+            (Oids{before[1], before[0]}));
   EXPECT_EQ(Read({RecognizedCard("x", u"Ann", u"8"), RecognizedCard("y", u"Ann", u"9")}), before);
 }
 
 TEST_F(Recognition, EqualCardsHaveEachTheirOwnNumber) {
-  const Oids before = Read({RecognizedCard(u"Ann", u"1"), RecognizedCard(u"Ann", u"1"), RecognizedCard(u"Ann", u"1")});
+  const Oids before = Read(
+      {RecognizedCard(u"Ann", u"1"), RecognizedCard(u"Ann", u"1"), RecognizedCard(u"Ann", u"1")});
   EXPECT_EQ(std::set(before.begin(), before.end()).size(), 3U);
-  EXPECT_EQ(Read({RecognizedCard(u"Ann", u"1"), RecognizedCard(u"Ann", u"1"), RecognizedCard(u"Ann", u"1")}), before);
+  EXPECT_EQ(Read({RecognizedCard(u"Ann", u"1"), RecognizedCard(u"Ann", u"1"),
+                  RecognizedCard(u"Ann", u"1")}),
+            before);
 }
 
 // Cards with a UID.
@@ -144,9 +154,11 @@ TEST_F(Recognition, AContactWithAUidStaysTheSameWhateverElseChanges) {
 
 TEST_F(Recognition, TheNumberOfSomebodyDeletedIsNotGivenToAnotherUid) {
   const Oids before = Read({RecognizedCard("a", u"Ann", u"1"), RecognizedCard("b", u"Bob", u"2")});
-  EXPECT_NE(Read({RecognizedCard("c", u"Ann", u"1"), RecognizedCard("b", u"Bob", u"2")})[0], before[0]);
+  EXPECT_NE(Read({RecognizedCard("c", u"Ann", u"1"), RecognizedCard("b", u"Bob", u"2")})[0],
+            before[0]);
   static_cast<void>(Read({RecognizedCard("b", u"Bob", u"2")}));
-  EXPECT_NE(Read({RecognizedCard("d", u"Ann", u"1"), RecognizedCard("b", u"Bob", u"2")})[0], before[0]);
+  EXPECT_NE(Read({RecognizedCard("d", u"Ann", u"1"), RecognizedCard("b", u"Bob", u"2")})[0],
+            before[0]);
 }
 
 TEST_F(Recognition, WhoOnceHadAUidIsNotGivenToAnotherOneThoughItWasLost) {
@@ -157,10 +169,13 @@ TEST_F(Recognition, WhoOnceHadAUidIsNotGivenToAnotherOneThoughItWasLost) {
 
 TEST_F(Recognition, SomebodyNewOfAnOldNameIsNotTheOneWhoWasRenamed) {
   const Oids before = Read({RecognizedCard("a", u"Ann", u"1"), RecognizedCard(u"Zoe", u"2")});
-  const Oids after = Read({RecognizedCard(u"Ann", u"1"), RecognizedCard("a", u"Berta", u"1"), RecognizedCard(u"Zoe", u"2")});
+  const Oids after = Read({RecognizedCard(u"Ann", u"1"), RecognizedCard("a", u"Berta", u"1"),
+                           RecognizedCard(u"Zoe", u"2")});
   EXPECT_EQ(after[1], before[0]);
   EXPECT_NE(after[0], before[0]);
-  EXPECT_EQ(Read({RecognizedCard(u"Ann", u"4"), RecognizedCard("a", u"Carla", u"1"), RecognizedCard(u"Zoe", u"2")}), after);
+  EXPECT_EQ(Read({RecognizedCard(u"Ann", u"4"), RecognizedCard("a", u"Carla", u"1"),
+                  RecognizedCard(u"Zoe", u"2")}),
+            after);
 }
 
 TEST_F(Recognition, SomebodyNewOfAnotherUidIsNotTheOneWithoutAUidWhoIsStillThere) {
@@ -175,8 +190,10 @@ TEST_F(Recognition, SomebodyNewOfAnotherUidIsNotTheOneWithoutAUidWhoIsStillThere
 TEST_F(Recognition, CardsOfOneUidKeepTheirNumbersWhenTheyChangePlaces) {
   const Oids before = Read({RecognizedCard("a", u"Ann", u"1"), RecognizedCard("a", u"Bob", u"2")});
   EXPECT_NE(before[0], before[1]);
-  EXPECT_EQ(Read({RecognizedCard("a", u"Bob", u"2"), RecognizedCard("a", u"Ann", u"1")}), (Oids{before[1], before[0]}));
-  EXPECT_EQ(Read({RecognizedCard("a", u"Bob", u"7"), RecognizedCard("a", u"Ann", u"8")}), (Oids{before[1], before[0]}));
+  EXPECT_EQ(Read({RecognizedCard("a", u"Bob", u"2"), RecognizedCard("a", u"Ann", u"1")}),
+            (Oids{before[1], before[0]}));
+  EXPECT_EQ(Read({RecognizedCard("a", u"Bob", u"7"), RecognizedCard("a", u"Ann", u"8")}),
+            (Oids{before[1], before[0]}));
 }
 
 TEST_F(Recognition, AUidThatComesToOccurTwiceStaysWithItsName) {
@@ -194,7 +211,8 @@ TEST_F(Recognition, WhoIsLeftOfAUidDoesNotTakeOverTheNumberOfTheOther) {
 
 TEST_F(Recognition, CardsOfOneUidAndOneNameAreKeptApartByTheirContent) {
   const Oids before = Read({RecognizedCard("a", u"Ann", u"1"), RecognizedCard("a", u"Ann", u"2")});
-  EXPECT_EQ(Read({RecognizedCard("a", u"Ann", u"2"), RecognizedCard("a", u"Ann", u"1")}), (Oids{before[1], before[0]}));
+  EXPECT_EQ(Read({RecognizedCard("a", u"Ann", u"2"), RecognizedCard("a", u"Ann", u"1")}),
+            (Oids{before[1], before[0]}));
   EXPECT_EQ(Read({RecognizedCard("a", u"Ann", u"2")}), Oids{before[1]});
   EXPECT_EQ(Read({RecognizedCard("a", u"Ann", u"3")}), Oids{before[1]});
 }
@@ -203,7 +221,8 @@ TEST_F(Recognition, CardsOfOneUidAndOneNameAreKeptApartByTheirContent) {
 
 TEST_F(Recognition, ContactsOfAnotherBookAreOtherContacts) {
   const Oids book = Read({RecognizedCard("a", u"Ann", u"1"), RecognizedCard(u"Bob", u"2")});
-  const Oids other = Read({RecognizedCard("a", u"Ann", u"1"), RecognizedCard(u"Bob", u"2")}, u"other");
+  const Oids other =
+      Read({RecognizedCard("a", u"Ann", u"1"), RecognizedCard(u"Bob", u"2")}, u"other");
   EXPECT_NE(other[0], book[0]);
   EXPECT_NE(other[1], book[1]);
   EXPECT_EQ(Read({RecognizedCard("a", u"Ann", u"1"), RecognizedCard(u"Bob", u"2")}), book);
@@ -211,7 +230,9 @@ TEST_F(Recognition, ContactsOfAnotherBookAreOtherContacts) {
 
 TEST_F(Recognition, TheNameOfACardThatIsCutOffIsNotUnique) {
   const Oids before = Read({RecognizedCard(u"Ann", u"1")});
-  EXPECT_NE(Read(Book{u"book", {RecognizedCard(u"Ann", u"2")}, false, {RecognizedCard(u"Ann", u"")}}), before);
+  EXPECT_NE(
+      Read(Book{u"book", {RecognizedCard(u"Ann", u"2")}, false, {RecognizedCard(u"Ann", u"")}}),
+      before);
   EXPECT_EQ(Read({RecognizedCard(u"Ann", u"1")}), before);
 }
 
@@ -255,8 +276,9 @@ class FormerRecognition : public Recognition {
   }
 
   const std::vector<ContactData> m_cards = {
-      RecognizedCard("a", u"Ann", u"1"),     RecognizedCard(u"Bob", u"2"), RecognizedCard("twice", u"Tom", u"3"),
-      RecognizedCard("twice", u"Zoe", u"4"), RecognizedCard(u"Eve", u"5"), RecognizedCard(u"Eve", u"5")};
+      RecognizedCard("a", u"Ann", u"1"),     RecognizedCard(u"Bob", u"2"),
+      RecognizedCard("twice", u"Tom", u"3"), RecognizedCard("twice", u"Zoe", u"4"),
+      RecognizedCard(u"Eve", u"5"),          RecognizedCard(u"Eve", u"5")};
   const Oids m_oids = {11, 12, 13, 14, 15, 16};
 };
 
@@ -267,13 +289,14 @@ TEST_F(FormerRecognition, EveryContactKeepsItsNumber) {
 
 TEST_F(FormerRecognition, AContactThatWasMetOnceMayThenChange) {
   ASSERT_EQ(Read(m_cards), m_oids);
-  EXPECT_EQ(
-      Read({RecognizedCard("b", u"Bob", u"9"), RecognizedCard("twice", u"Zoe", u"9"), RecognizedCard("twice", u"Tom", u"8")}),
-      (Oids{12, 14, 13}));
+  EXPECT_EQ(Read({RecognizedCard("b", u"Bob", u"9"), RecognizedCard("twice", u"Zoe", u"9"),
+                  RecognizedCard("twice", u"Tom", u"8")}),
+            (Oids{12, 14, 13}));
 }
 
 TEST_F(FormerRecognition, CardsOfOneUidThatChangedPlacesMeanwhileKeepTheirNumbers) {
-  EXPECT_EQ(Read({RecognizedCard("twice", u"Zoe", u"4"), RecognizedCard("twice", u"Tom", u"3")}), (Oids{14, 13}));
+  EXPECT_EQ(Read({RecognizedCard("twice", u"Zoe", u"4"), RecognizedCard("twice", u"Tom", u"3")}),
+            (Oids{14, 13}));
 }
 
 TEST_F(FormerRecognition, ACardThatGotAUidMeanwhileKeepsItsNumber) {
@@ -282,7 +305,8 @@ TEST_F(FormerRecognition, ACardThatGotAUidMeanwhileKeepsItsNumber) {
 
 TEST_F(FormerRecognition, WhoWasAwayAtTheFirstReadingIsStillFound) {
   static_cast<void>(Read({RecognizedCard("a", u"Ann", u"1")}));
-  EXPECT_EQ(Read({RecognizedCard("a", u"Ann", u"1"), RecognizedCard(u"Bob", u"2")}), (Oids{11, 12}));
+  EXPECT_EQ(Read({RecognizedCard("a", u"Ann", u"1"), RecognizedCard(u"Bob", u"2")}),
+            (Oids{11, 12}));
 }
 
 TEST_F(FormerRecognition, ACardWhoseNumbersTookOtherPlacesIsFoundByTheFormerOnes) {

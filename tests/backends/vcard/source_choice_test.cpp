@@ -68,9 +68,9 @@ TEST(SourceChoice, AStoreThatCannotBeReadIsNoReasonToTakeAnotherBook) {
 
 TEST(SourceChoice, AValueThatIsNoChoiceIsPassedOverAndNamed) {
   machine::MemoryRegistry registry;
-  ASSERT_EQ(
-      support::ErrorOf(support::Put(registry, kChoiceKey, u"chosen", platform::RegistryType::kDword, {})),
-      std::nullopt);
+  ASSERT_EQ(support::ErrorOf(
+                support::Put(registry, kChoiceKey, u"chosen", platform::RegistryType::kDword, {})),
+            std::nullopt);
   std::vector<Remark> remarks;
   EXPECT_EQ(RecallChoice(registry, remarks), Recalled(std::nullopt));
   ASSERT_EQ(remarks.size(), 1U);

@@ -52,7 +52,8 @@ TEST(VcardSplitter, TakesEveryEndOfLine) {
 
 TEST(VcardSplitter, EndsOfLinesMayChangeWithinTheStream) {
   for (const std::size_t size : {1U, 2U, 100U}) {
-    const Cards cards = ReadCards("BEGIN:VCARD\r\nN:A\nTEL:1\rEND:VCARD\r\n" + NamedCard("B"), size);
+    const Cards cards =
+        ReadCards("BEGIN:VCARD\r\nN:A\nTEL:1\rEND:VCARD\r\n" + NamedCard("B"), size);
     EXPECT_EQ(NamesIn(cards), "A.B.") << size;
     EXPECT_FALSE(cards.isDamaged);
   }

@@ -65,8 +65,8 @@ TEST(WaveFileLayout, ByteAfterAnOddChunkIsSkipped) {
 }
 
 TEST(WaveFileLayout, EmptyChunksAreSkipped) {
-  const auto bytes =
-      RiffWave({Chunk("JUNK", {}), Chunk("fmt ", FormatBody(kRiffMono)), Chunk("data", Samples(8))});
+  const auto bytes = RiffWave(
+      {Chunk("JUNK", {}), Chunk("fmt ", FormatBody(kRiffMono)), Chunk("data", Samples(8))});
   ExpectData(Read(bytes), 12 + 8 + 24 + 8, 8);
 }
 
@@ -84,16 +84,17 @@ TEST(WaveFileLayout, LongerFormatChunkIsReadByItsFirstSixteenBytes) {
 TEST(WaveFileLayout, FirstFormatAndFirstDataCount) {
   auto other = kRiffMono;
   other.samplesPerSecond = 8000;
-  const auto bytes = RiffWave({Chunk("fmt ", FormatBody(kRiffMono)), Chunk("fmt ", FormatBody(other)),
-                               Chunk("data", Samples(8)), Chunk("data", Samples(20))});
+  const auto bytes =
+      RiffWave({Chunk("fmt ", FormatBody(kRiffMono)), Chunk("fmt ", FormatBody(other)),
+                Chunk("data", Samples(8)), Chunk("data", Samples(20))});
   ExpectData(Read(bytes), 12 + 24 + 24 + 8, 8);
 }
 
 TEST(WaveFileLayout, DataThatClaimsMoreThanTheFileHasEndsWithTheFile) {
   for (const std::uint32_t claimed : {101U, 1000000U, kHugeSize}) {
-    ExpectData(
-        Read(RiffWave({Chunk("fmt ", FormatBody(kRiffMono)), Chunk("data", Samples(100), claimed)})),
-        kPlainHeader, 100);
+    ExpectData(Read(RiffWave(
+                   {Chunk("fmt ", FormatBody(kRiffMono)), Chunk("data", Samples(100), claimed)})),
+               kPlainHeader, 100);
   }
 }
 
@@ -128,8 +129,8 @@ TEST(WaveFileLayout, ChunkThatReachesBeyondTheFileIsRefused) {
     EXPECT_FALSE(Read(RiffWave({Chunk("LIST", Samples(10), claimed),
                                 Chunk("fmt ", FormatBody(kRiffMono)), Chunk("data", Samples(8))})))
         << claimed;
-    EXPECT_FALSE(
-        Read(RiffWave({Chunk("fmt ", FormatBody(kRiffMono), claimed + 20), Chunk("data", Samples(8))})))
+    EXPECT_FALSE(Read(
+        RiffWave({Chunk("fmt ", FormatBody(kRiffMono), claimed + 20), Chunk("data", Samples(8))})))
         << claimed;
   }
 }

@@ -12,7 +12,7 @@ using home::Arguments;
 
 std::variant<Arguments, int> Parse(std::vector<const char*> words) {
   words.insert(words.begin(), "voxtrel-home");
-  return home::ParseArguments(static_cast<int>(words.size()), words.data());
+  return home::ParseArguments(machine::ReadOptions(), static_cast<int>(words.size()), words.data());
 }
 
 TEST(HomeArguments, AreThoseOfTheEnvironmentUnlessAnOptionSaysSomethingElse) {
