@@ -338,9 +338,9 @@ function(voxtrel_keep_apart)
 endfunction()
 
 # voxtrel_test(NAME [QT] SOURCES ... DEPENDS ... [LABELS ...] [COST n] [SHARDS n]): one test program; each
-# case is one test. What takes long begins first, so that nobody waits for it at the end. COST is
-# about how many seconds the program takes under the sanitizers, which run it as one test. SHARDS says
-# in how many parts they run it side by side.
+# case is one test. What takes long begins first, so that nobody waits for it at the end. SHARDS says in how
+# many parts the sanitizers run the program side by side, as one test each. COST is about how many seconds a
+# part takes there.
 function(voxtrel_test name)
   cmake_parse_arguments(ARG "QT" "COST;SHARDS" "SOURCES;DEPENDS;LABELS" ${ARGN})
   if(NOT ARG_COST)
