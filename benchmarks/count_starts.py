@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """Counts what short commands cost: the instructions of their start and of a list of a hundred tags
-among five thousand contacts, and the memory of a list of a hundred thousand contacts."""
+among five thousand contacts, also in other kinds of cards, and the memory of a list of a hundred
+thousand contacts."""
 
 import argparse
 import os
@@ -15,6 +16,38 @@ sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "tests" 
 import calls  # The machine with the tags and the contacts.
 
 MANY = 100_000
+ENCODED = ";CHARSET=UTF-8;ENCODING=QUOTED-PRINTABLE:"
+PICTURE = "\r\n ".join(["PHOTO;ENCODING=b;TYPE=JPEG:", *["QUJDREVGR0hJSktMTU5PUFFSU1RV" * 2] * 100])
+
+
+def quoted(text):
+    return "".join("=%02X" % byte for byte in text.encode())
+
+
+def long_card(i):
+    """What an account of a desktop writes; one of ten has a picture."""
+    return (f"BEGIN:VCARD\r\nVERSION:3.0\r\nUID:4fbe8971-0bc3-424c-9c26-{i}\r\n"
+            f"N:Family{i};Given;Middle;;\r\nFN:Given Middle Family{i}\r\nORG:Acme Works;Sales\r\n"
+            f"TITLE:Engineer\r\nEMAIL;TYPE=WORK:person{i}@example.org\r\n"
+            f"TEL;TYPE=CELL,VOICE:+1 555 100 {i}\r\nTEL;TYPE=WORK:+1 555 200 {i}\r\n"
+            f'TEL;TYPE="HOME,VOICE":+1 555 300 {i}\r\n'
+            "ADR;TYPE=HOME:;;1 Long Street;Town;;12345;Country\r\n"
+            "NOTE:Met at the fair\\, twice\r\nREV:2024-05-01T10:00:00Z\r\n"
+            + (PICTURE + "\r\n" if i % 10 == 0 else "") + "END:VCARD\r\n").encode()
+
+
+def quoted_card(i):
+    """What a telephone writes."""
+    return (f"BEGIN:VCARD\r\nVERSION:2.1\r\nN{ENCODED}{quoted('Müller')};{quoted('Jürgen')}{i};;;"
+            f"\r\nFN{ENCODED}{quoted('Jürgen Müller')}\r\nTEL;CELL:+49 171 100 {i}\r\n"
+            f"TEL;WORK:+49 30 200 {i}\r\nEND:VCARD\r\n").encode()
+
+
+def named_set_card(i):
+    """What an old program writes, in a character set that it names."""
+    return (f"BEGIN:VCARD\r\nVERSION:2.1\r\nN;CHARSET=KOI8-R:Иванов{i};Иван;Иванович;;\r\n"
+            f"ORG;CHARSET=KOI8-R:Завод\r\nTEL;CELL:+7 900 100 {i}\r\n"
+            "END:VCARD\r\n").encode("koi8-r")
 
 
 def instructions(command, environment):
@@ -62,6 +95,15 @@ def main():
         machine.make_tags()
         without = dict(machine.environment, XDG_CACHE_HOME="/dev/null")
         print(f"tags list, each card read: {instructions([program, 'tags', 'list'], without):,}")
+        for kind, card in (("long cards, one of ten with a picture", long_card),
+                           ("quoted-printable cards", quoted_card),
+                           ("cards in KOI8-R", named_set_card)):
+            other = folder / card.__name__
+            other.mkdir()
+            others = calls.Machine(arguments, other)
+            others.make_tags(card)
+            own = dict(others.environment, XDG_CACHE_HOME="/dev/null")
+            print(f"the same, {kind}: {instructions([program, 'tags', 'list'], own):,}")
         # What changed a moment ago is not kept: the clock of the files has to go on.
         limit = time.monotonic() + calls.LIMIT_SECONDS
         while not machine.copy.exists() and time.monotonic() < limit:

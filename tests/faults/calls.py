@@ -51,9 +51,10 @@ class Machine:
             sys.exit(f"{command}: {code} {run.stderr.decode()}")
         return run.stdout.decode(), calls
 
-    def make_tags(self):
-        """One is learned, so that the numbers of the contacts are given. The rest are entries."""
-        self.contacts.write_text("".join(CARD % (i, i, i) for i in range(PEOPLE)), newline="")
+    def make_tags(self, card=lambda i: (CARD % (i, i, i)).encode()):
+        """One is learned, so that the numbers of the contacts are given. The rest are entries.
+        `card` gives the bytes of a card of a number."""
+        self.contacts.write_bytes(b"".join(card(i) for i in range(PEOPLE)))
         self.run(["--contacts", str(self.contacts), "--microphone",
                   self.arguments.samples + "/anna_1.wav", "tags", "learn", "--contact", "1",
                   "--number", "Mobile"])
