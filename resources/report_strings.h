@@ -45,7 +45,7 @@ inline constexpr std::u16string_view kDesktopBooksSilent =
 inline constexpr std::u16string_view kBookNotRead =
     u"the chosen address book is missing or cannot be read to its end%1";
 inline constexpr std::u16string_view kNoContactsFound =
-    u"there are no contacts: the desktop has none%1, and there is no %2";
+    u"there are no contacts: the desktop has none%1, and there are none in %2";
 inline constexpr std::u16string_view kTagsOfOtherContacts =
     u"voice tags belong to contacts that this address book does not have; nothing was changed. "
     u"Choose the address book they were recorded with, or delete the tags";

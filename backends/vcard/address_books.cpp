@@ -169,10 +169,10 @@ AddressBooks::Done AddressBooks::LogonToDefault() {
     return Failure(Problem::kUnreadable);
   }
   const Done done = LogonTo({m_options.defaultPath});
-  if (done || done.error() != Problem::kUnreadable || m_files.Find(m_options.defaultPath)) {
+  if (done || done.error() != Problem::kUnreadable ||
+      VcardSource(m_files, m_options.defaultPath).HasFile()) {
     return done;
   }
-  // There is no such file.
   if (hasContacts) {
     return Failure(Problem::kTagsElsewhere);
   }

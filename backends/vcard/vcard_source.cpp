@@ -69,6 +69,16 @@ ReadBooks VcardSource::Read(RemarkList& remarks) {
   return books;
 }
 
+bool VcardSource::HasFile() const {
+  const auto search = m_files.Find(m_path);
+  const auto found = search ? (*search)->Next() : Failure(search.error());
+  if (!found || !*found) {
+    return false;
+  }
+  return !(*found)->isFolder ||
+         m_files.Find(m_path + SeparatorOf(m_path) + u"*.vcf") != Failure(FileError::kNotFound);
+}
+
 // Systems find files in any order, and numbers of equal cards depend on the order. So the names are
 // sorted before anything is read.
 VcardSource::ReadPart VcardSource::ReadFolder(Book& book, RemarkList& remarks) {

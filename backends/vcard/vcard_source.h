@@ -33,6 +33,9 @@ class VcardSource final : public ContactSource {
   /// or not mounted, than one whose last contact was deleted.
   [[nodiscard]] ReadBooks Read(RemarkList& remarks) override;
 
+  /// Returns whether there is a file to read, or may be one: a folder may have none.
+  [[nodiscard]] bool HasFile() const;
+
  private:
   using ReadPart = platform::Result<void, platform::FileError>;
   using OpenedFile = platform::Result<std::unique_ptr<platform::File>, platform::FileError>;

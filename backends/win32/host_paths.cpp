@@ -1,6 +1,7 @@
 #include "backends/win32/host_paths.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <memory>
 #include <utility>
 
@@ -54,11 +55,35 @@ Result<std::u16string, FileError> MakeFull(std::u16string_view hostPath) {
   return full;
 }
 
+bool IsThere(const std::u16string& path) {
+  return ::GetFileAttributesW(ToWide(std::u16string(kLong) + path)) != INVALID_FILE_ATTRIBUTES;
+}
+
+/// Returns what `full` was before the system took the dot off the end of a folder's name, if that
+/// folder is there ("Zedra Tech."). Otherwise returns `full`.
+std::u16string WithDots(std::u16string_view hostPath, const std::u16string& full) {
+  const std::filesystem::path path(hostPath);
+  if (!path.is_absolute() || full.starts_with(u"\\")) {
+    return full;
+  }
+  const std::u16string exact = path.lexically_normal().make_preferred().u16string();
+  if (exact == full || IsThere(exact)) {
+    return exact;
+  }
+  const std::u16string folder = FolderOf(exact);
+  return IsThere(folder) ? folder + full.substr(FolderOf(full).size()) : full;
+}
+
 }  // namespace
 
 Result<std::u16string, FileError> ToLongPath(std::u16string_view hostPath) {
   if (hostPath.empty() || hostPath.find(u'\0') != std::u16string_view::npos) {
     return Failure(FileError::kNotFound);
+  }
+  std::u16string literal(hostPath);
+  std::ranges::replace(literal, u'/', u'\\');
+  if (literal.starts_with(kLong)) {
+    return literal;
   }
   auto full = MakeFull(hostPath);
   if (!full) {
@@ -68,9 +93,10 @@ Result<std::u16string, FileError> ToLongPath(std::u16string_view hostPath) {
   while (full->size() > kDrive && full->ends_with(u'\\')) {
     full->pop_back();
   }
-  if (full->starts_with(kLong) || full->starts_with(u"\\\\.\\")) {
+  if (full->starts_with(u"\\\\.\\")) {
     return full;
   }
+  full = WithDots(literal, *full);
   return full->starts_with(u"\\\\") ? std::u16string(kLongShare) + full->substr(2)
                                     : std::u16string(kLong) + *full;
 }

@@ -17,7 +17,8 @@ namespace win32 {
 [[nodiscard]] platform::Result<std::u16string, platform::FileError> FindPlace(
     const std::u16string& root, std::u16string_view path);
 
-/// Returns a path of the host in its long form.
+/// Returns a path of the host in its long form. A folder whose name ends with a dot ("Zedra Tech.")
+/// is found with its dot, which the system takes off other paths.
 [[nodiscard]] platform::Result<std::u16string, platform::FileError> ToLongPath(
     std::u16string_view hostPath);
 

@@ -38,7 +38,7 @@ void Library::WelcomeNewcomer() {
   constexpr std::u16string_view kPlace = u"%1";
   std::u16string text(resources::Say(resources::kNoContacts));
   text.replace(text.find(kPlace), kPlace.size(),
-               text::FromHostName(m_parts.backends.ToHostPath(u"\\contacts.vcf")));
+               text::FromHostName(m_parts.backends.GetDefaultContacts()));
   m_parts.platform.ui.ShowMessage(platform::ApplicationBox(std::move(text)));
 }
 

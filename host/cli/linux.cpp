@@ -74,6 +74,8 @@ bool HasDisplay() {
   });
 }
 
+bool CanShowHome() { return HasDisplay(); }
+
 platform::Result<void, std::string> RunWindow(const machine::Program& program,
                                               const std::vector<std::string>& arguments,
                                               const std::vector<std::string>& variables) {

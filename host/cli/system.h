@@ -33,6 +33,9 @@ void WriteError(std::string_view text);
 /// Returns whether a window can be shown; the window knows best how to use it.
 [[nodiscard]] bool HasDisplay();
 
+/// Returns whether the window of the voice tags can be shown. Not every system has it.
+[[nodiscard]] bool CanShowHome();
+
 /// Starts a program of the system with a window and waits for its end. `variables` ("NAME=value")
 /// are set in its environment. Fails with a sentence without a full stop.
 [[nodiscard]] platform::Result<void, std::string> RunWindow(

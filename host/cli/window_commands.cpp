@@ -77,7 +77,7 @@ void AddWindowCommands(CLI::App& app, Session& session) {
     if (!app.get_subcommands().empty()) {
       return;
     }
-    if (!HasDisplay()) {
+    if (!CanShowHome()) {
       throw CLI::RequiredError::Subcommand(1);
     }
     ShowWindow(session, machine::kHome, {});

@@ -77,6 +77,8 @@ std::optional<std::string> MakeTemporaryFolder() {
 
 bool HasDisplay() { return true; }
 
+bool CanShowHome() { return false; }
+
 // The sheet is the one window of Voxtrel that Windows has.
 platform::Result<void, std::string> RunWindow(const machine::Program& program,
                                               const std::vector<std::string>& arguments,

@@ -42,6 +42,12 @@ std::optional<std::filesystem::path> FindRoot(const Options& options) {
   return error ? std::nullopt : std::optional(std::move(root));
 }
 
+/// Returns the path from the root of the file system on. The library's own function takes the dot
+/// off the end of a folder's name on Windows.
+std::filesystem::path MakeAbsolute(const std::filesystem::path& path, std::error_code& error) {
+  return path.is_absolute() ? path : std::filesystem::current_path(error) / path;
+}
+
 }  // namespace
 
 Options ReadOptions() {
@@ -85,8 +91,8 @@ void Backends::MakeRoot() const {
 
 std::u16string Backends::ToSystemPath(const std::string& name) {
   std::error_code error;
-  const std::filesystem::path path = std::filesystem::absolute(text::ToHostPath(name), error);
-  if (!error) {
+  const std::filesystem::path path = MakeAbsolute(text::ToHostPath(name), error);
+  if (!name.empty() && !error) {
     return ToName(path);
   }
   // There is no name, or the current folder was deleted: the code that opens this reports it. The

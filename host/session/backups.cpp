@@ -67,9 +67,15 @@ std::string Explain(storage::BackupFault fault) {
 bool IsBelowRoot(const Session& session, const std::string& path) {
   namespace fs = std::filesystem;
   std::error_code error;
-  const fs::path root = fs::weakly_canonical(session.GetRoot(), error);
-  const fs::path file = fs::weakly_canonical(text::ToHostPath(path), error);
-  return std::ranges::mismatch(root, file).in1 == root.end();
+  fs::path place = fs::weakly_canonical(text::ToHostPath(path), error);
+  // Compared as folders and not by names, in which letter case may not count.
+  while (!fs::equivalent(place, session.GetRoot(), error)) {
+    if (!place.has_relative_path()) {
+      return false;
+    }
+    place = place.parent_path();
+  }
+  return true;
 }
 
 /// Returns whether the file may be written. Reports it if not.

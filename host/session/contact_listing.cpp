@@ -6,8 +6,8 @@
 
 #include "backends/headless/headless_dialog.h"
 #include "backends/text/say.h"
-#include "backends/text/utf.h"
 #include "framework/dialog.h"
+#include "host/machine/system.h"
 #include "resources/dialogs.h"
 #include "tags/contact_picker.h"
 
@@ -55,7 +55,7 @@ std::vector<std::string> DescribeContactRemarks(Session& session) {
   for (const vcard::Remark& remark : session.GetContacts().GetRemarks()) {
     // A file below the root is named by its device path, which no user can open.
     std::string text = remark.place.starts_with(u'\\') ? session.ToHostPath(remark.place)
-                                                       : text::ToUtf8(remark.place);
+                                                       : machine::ToHostText(remark.place);
     text += remark.line > 0 ? fmt::format(":{}: ", remark.line) : ": ";
     described.push_back(text + remark.text);
   }

@@ -126,6 +126,16 @@ TEST_F(AddressBooksTest, ANewcomerHasNoContacts) {
   EXPECT_EQ(m_store->GetProblem(), AddressBooks::Problem::kNothingChosen);
 }
 
+TEST_F(AddressBooksTest, ADefaultFolderWithoutAVcardIsThatOfANewcomer) {
+  ASSERT_TRUE(m_files.CreateFolder(u"\\contacts.vcf"));
+  EXPECT_TRUE(Start());
+  EXPECT_EQ(m_store->GetCount(), 0);
+  EXPECT_EQ(m_store->GetProblem(), AddressBooks::Problem::kNothingChosen);
+  Put(u"\\contacts.vcf\\torn.vcf", "BEGIN:VCARD\r\n");
+  EXPECT_FALSE(Start());
+  EXPECT_EQ(m_store->GetProblem(), AddressBooks::Problem::kUnreadable);
+}
+
 TEST_F(AddressBooksTest, NoContactsAnywhereIsAFailureWhereTagsNeedThem) {
   m_inUse = Oids{17};
   EXPECT_FALSE(Start());

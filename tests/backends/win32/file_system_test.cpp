@@ -32,6 +32,31 @@ TEST_F(Win32Files, APathOfTheHostIsReadWithEitherSlash) {
   EXPECT_EQ(support::ReadWhole(Files(), Root().generic_u16string() + u"/f"), "abc");
 }
 
+TEST_F(Win32Files, APathOfTheHostKeepsTheDotAtTheEndOfAFolder) {
+  ASSERT_TRUE(Files().CreateFolder(u"\\Maker."));
+  ASSERT_TRUE(support::WriteWhole(Files(), u"\\Maker.\\f", "abc"));
+  for (const std::u16string_view path :
+       {u"/Maker./f", u"\\Maker.\\f", u"/Maker./../Maker.//./f", u"/Maker./f."}) {
+    EXPECT_EQ(support::ReadWhole(Files(), Root().u16string() + std::u16string(path)), "abc");
+  }
+  ASSERT_TRUE(support::WriteWhole(Files(), Root().u16string() + u"/Maker./new", "new"));
+  EXPECT_EQ(support::ReadWhole(Files(), u"\\Maker.\\new"), "new");
+}
+
+TEST_F(Win32Files, ADotThatNoFolderHasCountsAsTheSystemCountsIt) {
+  ASSERT_TRUE(Files().CreateFolder(u"\\plain"));
+  ASSERT_TRUE(support::WriteWhole(Files(), u"\\plain\\f", "abc"));
+  EXPECT_EQ(support::ReadWhole(Files(), Root().u16string() + u"/plain./f"), "abc");
+  EXPECT_EQ(support::ReadWhole(Files(), Root().u16string() + u"/plain/f."), "abc");
+}
+
+TEST_F(Win32Files, APathInItsLongFormIsTakenAsItIs) {
+  ASSERT_TRUE(support::WriteWhole(Files(), u"\\f.", "abc"));
+  const std::u16string path = u"//?/" + Root().generic_u16string();
+  EXPECT_EQ(support::ReadWhole(Files(), path + u"/f."), "abc");
+  EXPECT_FALSE(Files().Open(path + u"/f", {}));
+}
+
 TEST_F(Win32Files, APathMayBeLongerThan260Units) {
   std::u16string path;
   for (int i = 0; i < 5; ++i) {
