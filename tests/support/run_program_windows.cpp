@@ -7,7 +7,7 @@
 #include <iterator>
 #include <map>
 
-#include "backends/text/utf.h"
+#include "backends/text/host_path.h"
 #include "tests/support/run_program.h"
 #include "tests/support/temp_folder.h"
 
@@ -16,7 +16,7 @@ namespace {
 
 constexpr int kNoSuchProgram = 127;  ///< As a shell answers.
 
-std::wstring ToWide(const std::string& utf8) { return std::filesystem::path(utf8).wstring(); }
+std::wstring ToWide(const std::string& utf8) { return text::ToHostPath(utf8).wstring(); }
 
 /// Every argument in quotation marks. A program takes a backslash for itself, unless quotation
 /// marks follow it.
@@ -91,11 +91,13 @@ ProgramRun RunProgram(const std::vector<std::string>& arguments,
   const BOOL isStarted =
       ::CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, CREATE_UNICODE_ENVIRONMENT,
                        block.data(), nullptr, &start, &made);
+  const DWORD error = ::GetLastError();
   for (const HANDLE stream : {start.hStdInput, start.hStdOutput, start.hStdError}) {
     ::CloseHandle(stream);
   }
   if (isStarted == FALSE) {
     run.exitCode = kNoSuchProgram;
+    run.err = "the program cannot be started: error " + std::to_string(error);
     return run;
   }
   ::WaitForSingleObject(made.hProcess, INFINITE);

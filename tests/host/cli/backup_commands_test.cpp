@@ -60,6 +60,12 @@ TEST_F(BackupCommands, AnEmptyFolderGetsTagsContactsAndSettings) {
       << "Each tag finds its contact again.";
   EXPECT_THAT(RunThere({"connection", "show"}).out, HasSubstr("19200"));
   EXPECT_EQ(RunThere({"check"}).exitCode, 0);
+}
+
+TEST_F(BackupCommands, WhatIsRestoredBelongsToTheUserAlone) {
+  PutThreeTags();
+  BackUp();
+  ASSERT_EQ(RunThere({"restore", File()}).exitCode, 0);
   for (const auto& each : fs::recursive_directory_iterator(Path("there"))) {
     EXPECT_EQ(each.status().permissions() & (fs::perms::group_all | fs::perms::others_all),
               fs::perms::none)
@@ -100,7 +106,7 @@ TEST_F(BackupCommands, WhatDiffersStaysUnlessTheUserAgrees) {
   BackUp();
   const std::string first = Content(Wave("100"));
   const std::string second = Content(Wave("200"));
-  fs::copy_file(Wave("100"), Wave("200"), fs::copy_options::overwrite_existing);
+  CopyOver(Wave("100"), Wave("200"));
   ASSERT_EQ(Run({"connection", "set", "baud-rate=9600"}).exitCode, 0);
 
   const auto refused = Run({"restore", File()});
@@ -158,11 +164,24 @@ TEST_F(BackupCommands, ABackupReplacesABackupAndNothingElse) {
 
 TEST_F(BackupCommands, ABackupNeverReplacesAFileOfTheStore) {
   PutThreeTags();
-  const std::string before = Content(fs::path(Path("root")) / "registry.db");
-  const auto run = Run({"--yes", "backup", Path("root") + "/registry.db"});
+  std::ofstream(Path("root/contacts.vcf"), std::ios::binary) << kAnnsCard;
+  for (const fs::path& file : {fs::path(Path("root/contacts.vcf")), Wave("100")}) {
+    const std::string before = Content(file);
+    const auto run = Run({"--yes", "backup", support::Shown(file)});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_THAT(run.err, HasSubstr("in the folder of the voice tags"));
+    EXPECT_EQ(Content(file), before);
+  }
+}
+
+TEST_F(BackupCommands, ABackupNeverReplacesTheFileOfTheSettings) {
+  PutThreeTags();
+  const std::string store = NameOfStore(Path("root"));
+  const std::string before = Content(store);
+  const auto run = Run({"--yes", "backup", store});
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_THAT(run.err, HasSubstr("in the folder of the voice tags"));
-  EXPECT_EQ(Content(fs::path(Path("root")) / "registry.db"), before);
+  EXPECT_EQ(Content(store), before);
 }
 
 TEST_F(BackupCommands, WithoutAFolderThereIsNothingToBackUp) {

@@ -83,15 +83,21 @@ class CommandFixture : public testing::Test {
   }
 
   [[nodiscard]] std::string Path(const std::string& name) const {
-    return (std::filesystem::path(m_folder.Path()) / name).string();
+    return (std::filesystem::path(m_folder.Path()) / name).make_preferred().string();
   }
 
   /// A copy of a sample that a test may trim.
   [[nodiscard]] std::string CopySample(const std::string& name) const {
     const std::string copy = Path(name);
-    std::filesystem::copy_file(std::filesystem::path(VOXTREL_SAMPLES_DIR) / name, copy,
-                               std::filesystem::copy_options::overwrite_existing);
+    CopyOver(std::filesystem::path(VOXTREL_SAMPLES_DIR) / name, copy);
     return copy;
+  }
+
+  /// Copies a file over another one, which need not be there. The standard library of Windows takes
+  /// any two files for one and does not.
+  static void CopyOver(const std::filesystem::path& from, const std::filesystem::path& to) {
+    std::filesystem::remove(to);
+    std::filesystem::copy_file(from, to);
   }
 
  private:

@@ -1,7 +1,6 @@
 #include <filesystem>
 #include <fstream>
 
-#include "backends/sqlite/sqlite_registry.h"
 #include "storage/registry_keys.h"
 #include "tests/host/cli/command_fixture.h"
 #include "tests/support/registry_access.h"
@@ -135,7 +134,7 @@ TEST_F(ConnectionCommands, AnUnknownNameIsWrongUsage) {
 
 TEST_F(ConnectionCommands, ADamagedStoreIsReportedAndKept) {
   std::filesystem::create_directory(Path("root"));
-  const std::string store = Path("root/" + std::string(sqlite::kDatabaseName));
+  const std::string store = NameOfStore(Path("root"));
   std::ofstream(store, std::ios::binary) << std::string(5000, 'x');
   for (const auto& run : {Run({"connection", "show"}), Run({"connection", "set", "port=COM1:"})}) {
     EXPECT_EQ(run.exitCode, 1);

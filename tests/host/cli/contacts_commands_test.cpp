@@ -154,7 +154,7 @@ TEST_F(ContactsCommands, ANewcomerReadsWhereContactsAreLookedFor) {
   EXPECT_EQ(run.exitCode, 1);
   ExpectOnlyAnError(run);
   EXPECT_THAT(run.err, testing::StartsWith("voxtrel: there are no contacts: "));
-  EXPECT_THAT(run.err, testing::HasSubstr(Path("root/contacts.vcf")));
+  EXPECT_THAT(run.err, testing::HasSubstr(NameOfContacts(Path("root"))));
 }
 
 TEST_F(ContactsCommands, ADesktopThatDoesNotAnswerIsReported) {

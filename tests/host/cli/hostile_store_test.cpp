@@ -2,7 +2,6 @@
 
 #include <filesystem>
 
-#include "backends/sqlite/sqlite_registry.h"
 #include "tests/backends/sqlite/raw_database.h"
 #include "tests/host/cli/tags_fixture.h"
 
@@ -18,7 +17,7 @@ class HostileStore : public TagsFixture {
  protected:
   HostileStore() { PutThreeTags(); }
 
-  [[nodiscard]] fs::path Store() const { return fs::path(Path("root")) / sqlite::kDatabaseName; }
+  [[nodiscard]] fs::path Store() const { return NameOfStore(Path("root")); }
 
   void Execute(const std::string& sql) const {
     ASSERT_EQ(support::RawDatabase(Store()).Execute(sql), SQLITE_OK) << sql;
@@ -65,6 +64,24 @@ TEST_F(HostileStore, AKeyWithoutANameAmongTheTagsIsNamed) {
                 HasSubstr(R"(cannot be used: Software\Zedra\Zedra Voxtrel\(without a name))"));
   }
   ExpectNoCrash();
+}
+
+TEST_F(HostileStore, AKeyThatAnotherProgramNamedBadlyIsNamedByEveryCommandThatItHinders) {
+  PutKeyAmongTags("'two' || char(10) || 'lines'");
+  constexpr const char* kNamed = R"(cannot be used: Software\Zedra\Zedra Voxtrel\two\nlines)";
+  for (const std::vector<std::string>& command :
+       std::vector<std::vector<std::string>>{{"check"},
+                                             {"tags", "list"},
+                                             {"registry", "export", Path("a.reg")},
+                                             {"contacts", "list"},
+                                             {"status"}}) {
+    const auto run = Run(command);
+    EXPECT_THAT(run.out + run.err, HasSubstr(kNamed)) << command.front();
+    EXPECT_THAT(run.out + run.err, HasSubstr(Store().native())) << command.front();
+  }
+  const nlohmann::json findings = RunJson({"check"}, 1)["findings"];
+  ASSERT_EQ(findings.size(), 1U);
+  EXPECT_EQ(findings[0]["problem"], "registry-unreadable");
 }
 
 TEST_F(HostileStore, AKeyThatNoPathCanNameAmongTheTagsHindersNoCommand) {

@@ -1,7 +1,6 @@
 #include <filesystem>
 #include <fstream>
 
-#include "backends/sqlite/sqlite_registry.h"
 #include "tests/host/cli/tags_fixture.h"
 #include "tests/support/briefly.h"
 
@@ -140,7 +139,7 @@ TEST_F(JsonOutput, OfEachCommandIsOneValueAlsoWithoutContacts) {
 
 TEST_F(JsonOutput, OfEachCommandIsOneValueAlsoWithADamagedStore) {
   PutThreeTags();
-  const fs::path store = fs::path(Path("root")) / sqlite::kDatabaseName;
+  const fs::path store = NameOfStore(Path("root"));
   std::ofstream(store, std::ios::binary) << std::string(5000, 'x');
   ExpectOneValueOfEach(Path("root"), SlowCommands());
   ExpectOneValueOfEach(Path("root"), Commands());
@@ -171,7 +170,7 @@ TEST_F(JsonOutput, SaysOfARootThatIsNoUtf8WhatItSaysOfAnother) {
   fs::remove(Path("all.vcf"));
   const auto status = RunIn(root, {"status"});
   EXPECT_EQ(status.exitCode, 0) << status.err;
-  const auto damaged = fs::path(root) / sqlite::kDatabaseName;
+  const fs::path damaged = NameOfStore(root);
   std::ofstream(damaged, std::ios::binary) << std::string(5000, 'x');
   const json check = json::parse(RunIn(root, {"check"}).out, nullptr, false);
   EXPECT_THAT(check["findings"][0]["text"], HasSubstr("damaged"));

@@ -3,6 +3,7 @@
 
 #include "tests/host/cli/command_fixture.h"
 #include "tests/language/language_bytes.h"
+#include "tests/support/host_files.h"
 
 namespace {
 
@@ -21,6 +22,12 @@ class LanguageCommands : public CommandFixture {
     return path;
   }
 
+  /// The language file that the applet uses.
+  [[nodiscard]] std::string InPlace() const {
+    return support::Exactly(Path("root/Program Files/Zedra Tech./Zedra Voxtrel/Voxtrel.lng"))
+        .string();
+  }
+
   [[nodiscard]] static std::string Read(const std::string& path) {
     std::ifstream stream(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(stream), {}};
@@ -30,7 +37,7 @@ class LanguageCommands : public CommandFixture {
 const std::string kLanguages = VOXTREL_LANGUAGES_DIR;
 
 TEST_F(LanguageCommands, ListAndChooseTheInstalledLanguages) {
-  const std::string inPlace = Path("root/Program Files/Zedra Tech./Zedra Voxtrel/Voxtrel.lng");
+  const std::string inPlace = InPlace();
   EXPECT_EQ(Run({"language", "list"}).out, "* en\n  de\n  es\n  fr\n  ru\n  zh-Hans\n");
   EXPECT_FALSE(std::filesystem::exists(Path("root"))) << "A list makes nothing.";
   EXPECT_EQ(RunJson({"language", "use", "de"}, 0), json({{"used", "de"}}));
@@ -42,7 +49,7 @@ TEST_F(LanguageCommands, ListAndChooseTheInstalledLanguages) {
 }
 
 TEST_F(LanguageCommands, ReplaceAFileOfTheUsersOwnOnlyIfToldToAndKeepIt) {
-  const std::string inPlace = Path("root/Program Files/Zedra Tech./Zedra Voxtrel/Voxtrel.lng");
+  const std::string inPlace = InPlace();
   ASSERT_EQ(Run({"language", "use", "de"}).exitCode, 0);
   std::ofstream(inPlace) << "mine";
   EXPECT_TRUE(RunJson({"language", "list"}, 0)["used"].is_null());
@@ -51,7 +58,7 @@ TEST_F(LanguageCommands, ReplaceAFileOfTheUsersOwnOnlyIfToldToAndKeepIt) {
   EXPECT_THAT(refused.err, HasSubstr("is your own, and stays"));
   EXPECT_EQ(Read(inPlace), "mine");
   const json used = RunJson({"--yes", "language", "use", "fr"}, 0);
-  EXPECT_EQ(used["kept"], inPlace + ".own1");
+  EXPECT_EQ(used["kept"], support::Shown(inPlace + ".own1"));
   EXPECT_EQ(Read(inPlace + ".own1"), "mine");
 }
 

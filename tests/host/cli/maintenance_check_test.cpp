@@ -1,11 +1,8 @@
 #include <filesystem>
 #include <fstream>
 
-#include "backends/posix/posix_file_system.h"
-#include "backends/posix/posix_threads.h"
-#include "backends/sqlite/sqlite_registry.h"
+#include "host/machine/system.h"
 #include "storage/device_paths.h"
-#include "tests/backends/sqlite/raw_database.h"
 #include "tests/host/cli/maintenance_fixture.h"
 
 namespace {
@@ -76,11 +73,11 @@ TEST_F(CheckCommand, NamesTheFolderThatCannotBeRead) {
   fs::create_directory_symlink("Voxtrel_wav", Folder("Voxtrel_wav"));  // Leads to itself.
   const auto run = Run({"check"});
   EXPECT_EQ(run.exitCode, 1);
-  EXPECT_EQ(run.out, "not all files of the folder can be found: " + Folder("Voxtrel_wav").native() +
-                         " [folder-unreadable]\n");
+  EXPECT_EQ(run.out, "not all files of the folder can be found: " +
+                         support::Shown(Folder("Voxtrel_wav")) + " [folder-unreadable]\n");
   const nlohmann::json findings = RunJson({"check"}, 1)["findings"];
   ASSERT_EQ(findings.size(), 1U);
-  EXPECT_EQ(findings[0]["folder"], Folder("Voxtrel_wav").native());
+  EXPECT_EQ(findings[0]["folder"], support::Shown(Folder("Voxtrel_wav")));
 }
 
 TEST_F(CheckCommand, RepairMakesMissingAndTornTemplatesAndNothingElse) {
@@ -141,8 +138,7 @@ TEST_F(CheckCommand, RepairMovesATagWhoseContactHasGoneToTheTrash) {
 TEST_F(CheckCommand, RepairLeavesATagWhoseContactHasGoneIfItsRecordingIsInUse) {
   PutThreeTags();
   std::ofstream(Path("all.vcf"), std::ios::binary) << kAnnsCard;
-  posix::PosixFileSystem files(Wide(Path("root")));
-  const auto held = files.Open(storage::WavePath(u"200"), {});
+  const auto held = machine::MakeFiles(Path("root"))->Open(storage::WavePath(u"200"), {});
   EXPECT_EQ(Check({"--repair"}, 1),
             (Lines{"contact-gone 200", "recording-unreadable 200", "contact-gone 300!"}));
   EXPECT_TRUE(HasEntry("200") && HasFiles("200"));
@@ -159,8 +155,7 @@ TEST_F(CheckCommand, RepairLeavesTagsAloneIfTheContactsCannotBeRead) {
 TEST_F(CheckCommand, RepairLeavesAFileThatIsInUse) {
   PutThreeTags();
   fs::copy_file(fs::path(VOXTREL_SAMPLES_DIR) / "sophie_1.wav", Wave("900"));
-  posix::PosixFileSystem files(Wide(Path("root")));
-  const auto held = files.Open(storage::WavePath(u"900"), {});
+  const auto held = machine::MakeFiles(Path("root"))->Open(storage::WavePath(u"900"), {});
   EXPECT_EQ(Check({"--repair"}, 1), Lines{"recording-without-tag 900"});
   EXPECT_TRUE(fs::exists(Wave("900")));
 }
@@ -168,7 +163,7 @@ TEST_F(CheckCommand, RepairLeavesAFileThatIsInUse) {
 TEST_F(CheckCommand, RepairMakesAFolderThatIsGoneWithItsTemplates) {
   PutThreeTags();
   const auto good = GetFiles();
-  fs::remove_all(Folder("Voxtrel_stor"));
+  support::RemoveTree(Folder("Voxtrel_stor"));
   EXPECT_THAT(Run({"tags", "test"}).err, HasSubstr("run this command. It makes"));
   EXPECT_EQ(Check({}, 1), (Lines{"no-template 100", "no-template 200", "no-template 300"}));
   EXPECT_FALSE(fs::exists(Folder("Voxtrel_stor")));
@@ -180,7 +175,7 @@ TEST_F(CheckCommand, RepairMakesAFolderThatIsGoneWithItsTemplates) {
 
 TEST_F(CheckCommand, ARepairThatFailsGivesTheReason) {
   PutThreeTags();
-  fs::remove_all(Folder("Voxtrel_stor"));
+  support::RemoveTree(Folder("Voxtrel_stor"));
   std::ofstream(Folder("Voxtrel_stor")) << "A file in its place.";
   const json result = RunJson({"check", "--repair"}, 1);
   ASSERT_EQ(result["findings"].size(), 3U);
@@ -250,8 +245,8 @@ TEST_F(CheckCommand, MakesNoFileInTheRoot) {
 TEST_F(CheckCommand, ReadsRecordingsThatOthersReadAndThatTakeNoWrites) {
   PutThreeTags();
   fs::permissions(Wave("100"), fs::perms::owner_read);
-  posix::PosixFileSystem files(Wide(Path("root")));
-  const auto reader = files.Open(storage::WavePath(u"200"),
+  const auto reader = machine::MakeFiles(Path("root"))
+                          ->Open(storage::WavePath(u"200"),
                                  {platform::FileAccess::kRead, platform::FileShare::kRead, {}});
   ASSERT_TRUE(reader);
   EXPECT_EQ(Check({}, 0), Lines());
@@ -262,8 +257,8 @@ TEST_F(CheckCommand, ReadsRecordingsThatOthersReadAndThatTakeNoWrites) {
 TEST_F(CheckCommand, LooksAtTagsThatAWindowHasInUseAndRepairsNone) {
   PutThreeTags();
   fs::remove(Template("100"));
-  posix::PosixThreads threads(Path("root"));
-  const auto page = threads.CreateNamedMutex(u"ZedraD");
+  const auto threads = machine::MakeThreads(Path("root"));
+  const auto page = threads->CreateNamedMutex(u"ZedraD");
   ASSERT_TRUE(page);
   EXPECT_EQ(Check({}, 1), Lines{"no-template 100"});
   const auto run = Run({"check", "--repair"});
@@ -290,34 +285,12 @@ TEST_F(CheckCommand, ARootThatIsNoFolderIsReported) {
 
 TEST_F(CheckCommand, SettingsThatCannotBeReadAreReportedWithTheReason) {
   PutThreeTags();
-  const fs::path store = fs::path(Path("root")) / sqlite::kDatabaseName;
+  const fs::path store = NameOfStore(Path("root"));
   fs::resize_file(store, 0);
   std::ofstream(store, std::ios::binary) << std::string(5000, 'x');
   EXPECT_EQ(Check({}, 1), Lines{"registry-unreadable "});
   EXPECT_THAT(Run({"check"}).out, HasSubstr("damaged"));
   EXPECT_EQ(fs::file_size(store), 5000U);
-}
-
-TEST_F(CheckCommand, AKeyThatAnotherProgramNamedBadlyIsNamedByEveryCommandThatItHinders) {
-  PutThreeTags();
-  const fs::path store = fs::path(Path("root")) / sqlite::kDatabaseName;
-  ASSERT_EQ(
-      support::RawDatabase(store).Execute(
-          "INSERT INTO registry_key (parent_id, name, folded_name) SELECT parent_id, 'two' || "
-          "char(10) || 'lines', 'x' FROM registry_key WHERE name = '100'"),
-      0);
-  constexpr const char* kNamed = R"(cannot be used: Software\Zedra\Zedra Voxtrel\two\nlines)";
-  for (const std::vector<std::string>& command :
-       std::vector<std::vector<std::string>>{{"check"},
-                                             {"tags", "list"},
-                                             {"registry", "export", Path("a.reg")},
-                                             {"contacts", "list"},
-                                             {"status"}}) {
-    const auto run = Run(command);
-    EXPECT_THAT(run.out + run.err, HasSubstr(kNamed)) << command.front();
-    EXPECT_THAT(run.out + run.err, HasSubstr(store.native())) << command.front();
-  }
-  EXPECT_EQ(Check({}, 1), Lines{"registry-unreadable "});
 }
 
 }  // namespace

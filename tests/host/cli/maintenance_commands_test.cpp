@@ -206,7 +206,7 @@ TEST_F(MaintenanceCommands, ATemplateThatCannotBeMadeEndsTheWaitAndIsReported) {
 
 TEST_F(MaintenanceCommands, TheAdviceAboutAFolderThatIsGonePutsItRight) {
   PutThreeTags();
-  fs::remove_all(Folder("Voxtrel_stor"));
+  support::RemoveTree(Folder("Voxtrel_stor"));
   const auto run = Run({"reinit", "--force"});
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_THAT(run.err, HasSubstr("or the folder Voxtrel_stor is missing. Make room"));
@@ -234,7 +234,7 @@ TEST_F(MaintenanceCommands, ReinitNamesTagsWithoutARecording) {
 
 TEST_F(MaintenanceCommands, AStaleTemplateIsReportedWithWhatComputesItAgain) {
   PutThreeTags();
-  fs::copy_file(Template("300"), Template("100"), fs::copy_options::overwrite_existing);
+  CopyOver(Template("300"), Template("100"));
   ASSERT_EQ(Check({}, 1), std::vector<std::string>{"template-stale 100"});
   EXPECT_THAT(Run({"check"}).out, HasSubstr("`voxtrel reinit --force`"));
   ASSERT_EQ(Run({"reinit", "--force"}).exitCode, 0);

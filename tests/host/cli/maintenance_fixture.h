@@ -14,8 +14,8 @@ class MaintenanceFixture : public TagsFixture {
   [[nodiscard]] std::map<std::string, std::string> GetFiles() const {
     std::map<std::string, std::string> files;
     for (const std::string folder : {"Voxtrel_wav", "Voxtrel_stor"}) {
-      for (const auto& entry : std::filesystem::directory_iterator(Folder(folder))) {
-        files[entry.path().filename().string()] = Content(entry.path());
+      for (const std::string& name : support::NamesIn(Folder(folder))) {
+        files[name] = Content(Folder(folder) / name);
       }
     }
     return files;
@@ -25,8 +25,7 @@ class MaintenanceFixture : public TagsFixture {
     std::map<std::string, std::string> files;
     for (const std::string tag : {"100", "200", "300"}) {
       const std::string wave = Path("expected.wav");
-      std::filesystem::copy_file(Wave(tag), wave,
-                                 std::filesystem::copy_options::overwrite_existing);
+      CopyOver(Wave(tag), wave);
       EXPECT_EQ(Run({"template", "learn", wave, Path("first.st")}).exitCode, 0);
       std::filesystem::remove(Path("second.st"));
       EXPECT_EQ(Run({"template", "process", wave, Path("second.st")}).exitCode, 0);

@@ -23,7 +23,7 @@ class StatusCommands : public CommandFixture {
   }
 
   [[nodiscard]] std::string SettingsLine() const {
-    return "Settings: " + Path("root/registry.db") + "\n";
+    return "Settings: " + NameOfStore(Path("root")) + "\n";
   }
 };
 
@@ -42,7 +42,7 @@ TEST_F(StatusCommands, SayWhatIsMissingAndWhatHelps) {
   const auto run = Status({});
   EXPECT_EQ(run.exitCode, 0) << "it was asked for and told";
   EXPECT_THAT(run.out, testing::HasSubstr("Contacts: there are no contacts: "));
-  EXPECT_THAT(run.out, testing::HasSubstr(Path("root/contacts.vcf")));
+  EXPECT_THAT(run.out, testing::HasSubstr(NameOfContacts(Path("root"))));
   EXPECT_THAT(run.out, testing::HasSubstr("No microphone: plug one in"));
 }
 
@@ -61,8 +61,8 @@ TEST_F(StatusCommands, NameWhatIsDamagedInTheAddressBook) {
 TEST_F(StatusCommands, PrintJson) {
   const auto full = Status({"--json", "--contacts", kContacts, "--microphone", kRecording});
   EXPECT_EQ(full.out,
-            "{\"contacts\":{\"count\":8,\"problem\":\"\"},\"microphones\":1,\"settings\":\"" +
-                Path("root/registry.db") + "\"}\n");
+            "{\"contacts\":{\"count\":8,\"problem\":\"\"},\"microphones\":1,\"settings\":" +
+                nlohmann::json(NameOfStore(Path("root"))).dump() + "}\n");
   const auto empty = nlohmann::json::parse(Status({"--json", "--contacts", "/no.vcf"}).out);
   EXPECT_EQ(empty["contacts"]["count"], 0);
   EXPECT_THAT(empty["contacts"]["problem"], testing::HasSubstr("is missing"));

@@ -39,9 +39,17 @@ TEST_F(TagsCommands, ListAsJsonHasWhatIsStoredAndWhere) {
                            {"contact", m_bob},
                            {"phoneType", "Home"},
                            {"text", "Bob Ray 5550001 H"},
-                           {"wave", Wave("200").string()},
-                           {"template", Template("200").string()},
+                           {"wave", support::Shown(Wave("200"))},
+                           {"template", support::Shown(Template("200"))},
                            {"stale", false}}));
+}
+
+TEST_F(TagsCommands, WhatAListNamesIsAFileForOtherCommands) {
+  PutThreeTags();
+  const json tag = List()[0];
+  EXPECT_EQ(Run({"wave", "check", tag["wave"]}).exitCode, 0);
+  EXPECT_EQ(Run({"template", "show", tag["template"]}).exitCode, 0);
+  EXPECT_EQ(Run({"--microphone", tag["wave"], "wave", "record", Path("new.wav")}).exitCode, 0);
 }
 
 TEST_F(TagsCommands, ListWithoutTagsIsEmptyAndNoFailure) {

@@ -10,6 +10,7 @@
 
 #include "storage/registry_keys.h"
 #include "tests/host/cli/command_fixture.h"
+#include "tests/support/host_files.h"
 #include "tests/support/registry_access.h"
 #include "tests/support/results.h"
 
@@ -34,8 +35,8 @@ class TagsFixture : public CommandFixture {
   }
 
   [[nodiscard]] std::filesystem::path Folder(const std::string& name) const {
-    return std::filesystem::path(Path("root")) / "Program Files" / "Zedra Tech." / "Zedra Voxtrel" /
-           name;
+    return support::Exactly(std::filesystem::path(Path("root")) / "Program Files" / "Zedra Tech." /
+                            "Zedra Voxtrel" / name);
   }
   [[nodiscard]] std::filesystem::path Wave(const std::string& tag) const {
     return Folder("Voxtrel_wav") / (tag + ".wav");
@@ -64,7 +65,8 @@ class TagsFixture : public CommandFixture {
   void PutTag(const std::string& tag, const std::string& sample, std::int32_t oid,
               std::u16string_view kind) const {
     std::filesystem::copy_file(std::filesystem::path(VOXTREL_SAMPLES_DIR) / sample, Wave(tag));
-    const auto run = Run({"template", "learn", Wave(tag).string(), Template(tag).string()});
+    const auto run =
+        Run({"template", "learn", support::Shown(Wave(tag)), support::Shown(Template(tag))});
     ASSERT_EQ(run.exitCode, 0) << run.err;
     PutEntry(tag, oid, kind);
   }

@@ -306,14 +306,17 @@ TEST_F(TemplateCommands, NoFractionHasMoreThanNineDigits) {
     return Run({"template", "show", Path("b.st"), "--json"}).out;
   };
   // 0.1, the largest float, 2, a value that is no number, and 2 to the power of -149.
-  EXPECT_EQ(show(std::string("\x05\0\0\0\x01\0"
-                             "\xCD\xCC\xCC\x3D\xFF\xFF\x7F\x7F\0\0\0\x40"
-                             "\0\0\xC0\x7F\x01\0\0\0",
-                             26)),
-            "{\"elementCount\":5,\"frames\":1,\"values\":"
-            "[0.100000001,3.40282347e+38,2.0,null,1.40129846e-45],"
-            "\"error\":{\"code\":1,\"message\":\"" +
-                Path("b.st") + ": the value of frame 1, band 4 is no finite number (nan)\"}}\n");
+  EXPECT_EQ(
+      show(std::string("\x05\0\0\0\x01\0"
+                       "\xCD\xCC\xCC\x3D\xFF\xFF\x7F\x7F\0\0\0\x40"
+                       "\0\0\xC0\x7F\x01\0\0\0",
+                       26)),
+      "{\"elementCount\":5,\"frames\":1,\"values\":"
+      "[0.100000001,3.40282347e+38,2.0,null,1.40129846e-45],"
+      "\"error\":{\"code\":1,\"message\":" +
+          nlohmann::json(Path("b.st") + ": the value of frame 1, band 4 is no finite number (nan)")
+              .dump() +
+          "}}\n");
   EXPECT_EQ(show(std::string(6, '\0')), "{\"elementCount\":0,\"frames\":0,\"values\":[]}\n");
 }
 
