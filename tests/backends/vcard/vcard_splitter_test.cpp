@@ -94,7 +94,7 @@ TEST(VcardSplitter, PassesOverAPictureHoweverTheStreamIsCut) {
       // A line that goes on begins with a blank, whatever else it looks like.
       stream += std::string(70, 'x') + end + (i % 2 == 0 ? " END:VCARD" : "\tN:B;;;;=");
     }
-    stream += end + "ORG;x" + end + "END:VCARD" + end + Named("C");
+    stream += end + "ORG;x" + end + "END:VCARD" + end + NamedCard("C");
     for (const std::size_t size : {1U, 71U, 72U, 100'000U}) {
       const Cards cards = ReadCards(stream, size);
       EXPECT_EQ(NamesIn(cards), "A.C.");
