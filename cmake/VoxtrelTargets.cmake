@@ -109,9 +109,13 @@ endif()
 # include that is missing.
 option(VOXTREL_JOIN_PROGRAM "Compile the files of each library of the program as one" OFF)
 option(VOXTREL_JOIN_TESTS "Compile the files of each test program as one" OFF)
-option(VOXTREL_TEST_PROGRAMS
-       "Nobody runs this build but the tests: each test program is one test, which saves starting it for each case"
-       OFF)
+option(VOXTREL_TEST_PROGRAMS "Run each test program as one test, which saves starting it for each case" OFF)
+
+# Whether nobody runs this build but the tests. Users get the programs for Windows from the build that is tested.
+set(VOXTREL_ONLY_TESTED ${VOXTREL_TEST_PROGRAMS})
+if(WIN32)
+  set(VOXTREL_ONLY_TESTED OFF)
+endif()
 
 # What nearly every file includes, compiled once for all of them. Only builds that join files use it: the
 # build `dev` still shows an include that is missing. What is optimised otherwise than the rest opts out
