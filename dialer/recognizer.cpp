@@ -211,7 +211,9 @@ class Comparison {
 std::vector<KnownTag> PrepareTags(std::span<const TaughtTag> tags, Steps steps) {
   std::vector<KnownTag> known;
   for (const TaughtTag& tag : tags) {
-    known.push_back({{tag.name, tag.oid, tag.phoneKind}, std::make_shared<Utterance>(tag, steps)});
+    // First what may fail: g++ 12 destroys an inner aggregate twice if what follows it throws.
+    auto utterance = std::make_shared<Utterance>(tag, steps);
+    known.push_back({{tag.name, tag.oid, tag.phoneKind}, std::move(utterance)});
   }
   return known;
 }
