@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <limits>
+#include <numeric>
 #include <utility>
 
 #include "voicemath/take_blocks.h"
@@ -26,6 +27,18 @@ constexpr std::size_t kShortBlocks = 8;
 
 constexpr double kClippedShare = 0.007;
 constexpr double kFlatness = 0.002;  ///< A top is flat within this share of its height.
+
+/// A crowded top: so many samples, as a share of the speech, are between `kNearTop` of a height and
+/// the height, and so many times as many as between `kBelowTop` and there.
+constexpr double kCrowdedShare = 0.01;
+constexpr double kNearTop = 0.82;
+constexpr double kBelowTop = 0.64;
+constexpr double kFewBelow = 0.003;  ///< Is added to the lower share, which can be next to nothing.
+struct CrowdedTop {
+  double height;  ///< Of the extreme: ripples rise above the level at which was clipped.
+  double factor;
+};
+constexpr std::array<CrowdedTop, 3> kCrowdedTops{{{1, 1.05}, {0.92, 1.7}, {0.85, 1.9}}};
 
 constexpr std::array<std::string_view, 11> kWords{"interrupted", "rate",    "silent",   "no-speech",
                                                   "cut-start",   "cut-end", "short",    "clipped",
@@ -112,6 +125,67 @@ double FlatShare(std::span<const std::int16_t> samples, const TakeBlocks& blocks
                     : static_cast<double>(top.Flat() + bottom.Flat()) / static_cast<double>(total);
 }
 
+/// How many samples of one sign reach which height.
+class Heights {
+ public:
+  Heights(double offset, double extreme) : m_offset(offset), m_reach(extreme - offset) {}
+
+  void Take(int sample) {
+    const double height = m_reach == 0 ? 0 : (sample - m_offset) / m_reach;
+    if (height >= 0) {
+      ++m_counts[std::min(static_cast<std::size_t>(height * kSteps), kSteps)];
+    }
+  }
+
+  /// Returns whether there are more of the `total` samples near the top than a little below it.
+  [[nodiscard]] bool IsCrowded(std::size_t total) const {
+    return std::ranges::any_of(kCrowdedTops, [&](const CrowdedTop& top) {
+      const double near = Share(kNearTop * top.height, total);
+      const double below = Share(kBelowTop * top.height, total) - near;
+      return near >= kCrowdedShare && near >= top.factor * (below + kFewBelow);
+    });
+  }
+
+ private:
+  static constexpr std::size_t kSteps = 1000;
+
+  /// Of the samples that reach this height.
+  [[nodiscard]] double Share(double height, std::size_t total) const {
+    const auto from = static_cast<std::ptrdiff_t>(height * kSteps);
+    return static_cast<double>(
+               std::accumulate(m_counts.begin() + from, m_counts.end(), std::size_t{0})) /
+           static_cast<double>(std::max<std::size_t>(total, 1));
+  }
+
+  double m_offset;
+  double m_reach;
+  std::array<std::size_t, kSteps + 1> m_counts{};
+};
+
+// A device may clip at one rate and deliver another one. That rounds the flat tops off, and they
+// ripple. But still the samples crowd near the top, and those of a voice thin out towards it.
+bool HasCrowdedTop(std::span<const std::int16_t> samples, const TakeBlocks& blocks,
+                   const TakeSpeech& speech) {
+  double sum = 0;
+  std::size_t total = 0;
+  int highest = -32768;
+  int lowest = 32767;
+  ForSpeech(samples, blocks, speech, [&](int sample) {
+    sum += sample;
+    ++total;
+    highest = std::max(highest, sample);
+    lowest = std::min(lowest, sample);
+  });
+  const double offset = sum / static_cast<double>(std::max<std::size_t>(total, 1));
+  Heights above(offset, highest);
+  Heights below(offset, lowest);
+  ForSpeech(samples, blocks, speech, [&](int sample) {
+    above.Take(sample);
+    below.Take(sample);
+  });
+  return above.IsCrowded(total) || below.IsCrowded(total);
+}
+
 /// `peak` is the largest distance of a sample from the offset.
 double ToDb(double peak) {
   return peak > 0 ? std::clamp(20 * std::log10(peak / kFullScale), kLowestPeakDb, 0.0)
@@ -154,7 +228,8 @@ void JudgeSpeech(const Take& take, const TakeBlocks& blocks, const TakeSpeech& s
       {Verdict::kCutStart, speech.IsCut(false)},
       {Verdict::kCutEnd, speech.IsCut(true)},
       {Verdict::kShort, speech.CountLoud() <= kShortBlocks},
-      {Verdict::kClipped, FlatShare(take.samples, blocks, speech) >= kClippedShare},
+      {Verdict::kClipped, FlatShare(take.samples, blocks, speech) >= kClippedShare ||
+                              HasCrowdedTop(take.samples, blocks, speech)},
       {Verdict::kSoft, quality.peakDb < kSoftPeakDb},
       {Verdict::kNoisy, quality.snrDb < kNoisyDb},
   }};

@@ -200,6 +200,38 @@ TEST(TakeQuality, AFlatTopIsClippedHoweverFarItIsTurnedDown) {
       << "One side is enough.";
 }
 
+/// The samples that lie in the middle between each two, as another clock would have taken them.
+Samples TakenHalfASampleLater(const Samples& samples) {
+  constexpr int kReach = 20;
+  Samples later(samples.size());
+  for (std::size_t i = 0; i < samples.size(); ++i) {
+    double sum = 0;
+    for (int k = -kReach; k < kReach; ++k) {
+      const double at = k + 0.5;
+      const double window = 0.5 + 0.5 * std::cos(std::numbers::pi * at / (kReach + 0.5));
+      const auto from = static_cast<std::size_t>(std::clamp<std::int64_t>(
+          static_cast<std::int64_t>(i) - k, 0, static_cast<std::int64_t>(samples.size()) - 1));
+      sum += samples[from] * window * std::sin(std::numbers::pi * at) / (std::numbers::pi * at);
+    }
+    later[i] = static_cast<std::int16_t>(std::lround(std::clamp(sum, -32768.0, 32767.0)));
+  }
+  return later;
+}
+
+TEST(TakeQuality, AFlatTopIsMostlyFoundIfItsRateWasChangedAfterwards) {
+  std::size_t found = 0;
+  for (std::uint32_t seed = 1; seed <= 12; ++seed) {
+    const Samples loud = WordInRoom(Word(seed, 20000));
+    const int height = HeightOf(loud) / 3;
+    for (const int lowest : {-height, -32768}) {
+      const auto verdicts = VerdictsOf(TakenHalfASampleLater(Clipped(loud, lowest, height)));
+      found += verdicts == std::vector{Verdict::kClipped} ? 1U : 0U;
+    }
+    EXPECT_THAT(VerdictsOf(TakenHalfASampleLater(loud)), IsEmpty()) << seed;
+  }
+  EXPECT_GE(found, 20U) << "Of 24.";
+}
+
 TEST(TakeQuality, AWordHardlyLouderThanTheRoomIsNoisy) {
   const Samples word = Word(2, 9000);
   double energy = 0;
