@@ -8,12 +8,13 @@
 
 namespace dialer {
 
+bool IsWaveName(std::string_view file) { return file.ends_with(".wav") || file.ends_with(".WAV"); }
+
 std::optional<TakeName> ParseTakeName(std::string_view file) {
-  constexpr std::string_view kExtension = ".wav";
-  if (file.size() <= kExtension.size() || !file.ends_with(kExtension)) {
+  if (!IsWaveName(file)) {
     return std::nullopt;
   }
-  file.remove_suffix(kExtension.size());
+  file.remove_suffix(4);
   const std::size_t second = file.rfind('_');
   if (second == std::string_view::npos || second == 0) {
     return std::nullopt;

@@ -23,6 +23,9 @@ struct TakeName {
   std::uint32_t take = 0;
 };
 
+/// Returns whether a file's name has the ending of wave files.
+[[nodiscard]] bool IsWaveName(std::string_view file);
+
 /// Returns what a file's name, without its folder, says. A label may have underscores. Returns
 /// nothing if it is no such name.
 [[nodiscard]] std::optional<TakeName> ParseTakeName(std::string_view file);

@@ -62,7 +62,7 @@ Result<WaveFormat, WaveError> ParseFormat(Bytes body) {
   }
   const bool isPcm = format.tag == kPcm && (format.bits == 8 || format.bits == 16 ||
                                             format.bits == 24 || format.bits == 32);
-  if (!isPcm && !(format.tag == kFloats && format.bits == 32)) {
+  if (!isPcm && !(format.tag == kFloats && (format.bits == 32 || format.bits == 64))) {
     return Failure(WaveError::kOtherFormat);
   }
   return format;
@@ -71,12 +71,16 @@ Result<WaveFormat, WaveError> ParseFormat(Bytes body) {
 struct WaveParts {
   WaveFormat format;
   Bytes samples;
+  bool isWhole;
 };
 
 /// Walks the chunks up to the samples. Only they may be shorter than they claim.
 Result<WaveParts, WaveError> FindParts(Bytes file) {
   constexpr std::size_t kRiffBytes = 12;
   constexpr std::size_t kChunkBytes = 8;
+  // Who writes into a pipe cannot know the length, and claims about as much as the field holds,
+  // with or without its sign.
+  constexpr std::size_t kUnknownLength = 0x7FFF0000;
   if (file.size() < kRiffBytes || !HasName(file, "RIFF") || !HasName(file.subspan(8), "WAVE")) {
     return Failure(WaveError::kNoWave);
   }
@@ -89,7 +93,7 @@ Result<WaveParts, WaveError> FindParts(Bytes file) {
     rest = rest.subspan(kChunkBytes);
     const Bytes body = rest.first(std::min(claimed, rest.size()));
     if (isData && format) {
-      return WaveParts{*format, body};
+      return WaveParts{*format, body, claimed == body.size() || claimed >= kUnknownLength};
     }
     if (isFormat) {
       const auto parsed = ParseFormat(body);
@@ -110,16 +114,19 @@ float DecodeSample(const WaveFormat& format, const std::byte* at) {
   if (format.bits == 8) {
     return (static_cast<float>(byte(0)) - 128.0F) * 256.0F;
   }
-  // The bytes there are become the upper ones of 32 bits.
-  std::uint32_t number = 0;
+  // The bytes there are become the upper ones of 64 bits.
+  std::uint64_t number = 0;
   for (std::size_t i = 0; i < format.SampleBytes(); ++i) {
-    number = number >> 8U | byte(i) << 24U;
+    number = number >> 8U | std::uint64_t{byte(i)} << 56U;
   }
   if (format.tag == kFloats) {
-    const auto value = std::bit_cast<float>(number);
-    return std::isfinite(value) ? value * 32768.0F : 0.0F;
+    const double value = format.bits == 64
+                             ? std::bit_cast<double>(number)
+                             : std::bit_cast<float>(static_cast<std::uint32_t>(number >> 32U));
+    constexpr double kMost = 1e6;  // Far above full scale. Sums of such samples stay numbers.
+    return std::isfinite(value) ? static_cast<float>(std::clamp(value, -kMost, kMost) * 32768) : 0;
   }
-  return static_cast<float>(static_cast<std::int32_t>(number)) / 65536.0F;
+  return static_cast<float>(static_cast<std::int32_t>(number >> 32U)) / 65536.0F;
 }
 
 std::vector<float> Mix(const WaveParts& parts, std::uint32_t mostSeconds) {
@@ -210,18 +217,29 @@ class Resampler {
 
 }  // namespace
 
-Result<std::vector<std::int16_t>, WaveError> DecodeWave(Bytes file, std::uint32_t mostSeconds) {
-  const auto parts = FindParts(file);
-  if (!parts) {
-    return Failure(parts.error());
-  }
-  const std::vector<float> mixed = Mix(*parts, mostSeconds);
-  if (parts->format.rate != voicemath::kSamplesPerSecond) {
-    return Resampler(parts->format.rate).Run(mixed);
-  }
-  std::vector<std::int16_t> samples(mixed.size());
-  std::ranges::transform(mixed, samples.begin(), ToSample);
+std::vector<std::int16_t> ToSamples(std::span<const float> sound) {
+  std::vector<std::int16_t> samples(sound.size());
+  std::ranges::transform(sound, samples.begin(), ToSample);
   return samples;
+}
+
+Result<WaveSound, WaveError> ReadSound(Bytes file, std::uint32_t mostSeconds) {
+  return FindParts(file).map([&](const WaveParts& parts) {
+    const WaveFormat& format = parts.format;
+    return WaveSound{.samples = Mix(parts, mostSeconds),
+                     .rate = format.rate,
+                     .isRecorders = format.tag == kPcm && format.channels == 1 &&
+                                    format.bits == 16 &&
+                                    format.rate == voicemath::kSamplesPerSecond,
+                     .isWhole = parts.isWhole};
+  });
+}
+
+Result<std::vector<std::int16_t>, WaveError> DecodeWave(Bytes file, std::uint32_t mostSeconds) {
+  return ReadSound(file, mostSeconds).map([](const WaveSound& sound) {
+    return sound.rate == voicemath::kSamplesPerSecond ? ToSamples(sound.samples)
+                                                      : Resampler(sound.rate).Run(sound.samples);
+  });
 }
 
 }  // namespace dialer

@@ -226,7 +226,7 @@ void JudgeSpeech(const Take& take, const TakeBlocks& blocks, const TakeSpeech& s
   quality.snrDb = SnrDb(blocks, speech);
   const std::array<std::pair<Verdict, bool>, 6> answers{{
       {Verdict::kCutStart, speech.IsCut(false)},
-      {Verdict::kCutEnd, speech.IsCut(true)},
+      {Verdict::kCutEnd, speech.IsCut(true) && !take.isInterrupted},
       {Verdict::kShort, speech.CountLoud() <= kShortBlocks},
       {Verdict::kClipped, FlatShare(take.samples, blocks, speech) >= kClippedShare ||
                               HasCrowdedTop(take.samples, blocks, speech)},

@@ -5,13 +5,16 @@
 #include <CLI/CLI.hpp>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "audio/wave_device.h"
 #include "audio/wave_header.h"
+#include "dialer/wave_reading.h"
 #include "host/cli/file_arguments.h"
 #include "host/cli/output.h"
 #include "host/cli/tag_output.h"
 #include "host/cli/waiting.h"
+#include "host/cli/wave_bytes.h"
 #include "host/session/explanations.h"
 #include "host/session/quality_words.h"
 #include "voicemath/voice_mathematics.h"
@@ -85,8 +88,31 @@ void PlayWave(Session& session, const FileArgument& file) {
   }
 }
 
-void PrintVerdicts(const std::string& file,
-                   const platform::Result<voicemath::TakeQuality, voicemath::ReviewError>& take) {
+using Judgement = platform::Result<voicemath::TakeQuality, voicemath::ReviewError>;
+
+/// Judges a file whose header the applet refuses, by its sound if there is any. For an unknown one
+/// `without` is returned.
+Judgement JudgeForeignWave(platform::FileSystem& files, std::u16string_view path,
+                           Judgement without) {
+  const auto bytes = ReadWaveBytes(files, path);
+  if (!bytes) {
+    return without;
+  }
+  const auto sound = dialer::ReadSound(*bytes, kLongestMilliseconds / 1000);
+  if (!sound || sound->samples.empty()) {
+    return without;
+  }
+  voicemath::TakeQuality quality =
+      voicemath::JudgeTake({.samples = dialer::ToSamples(sound->samples),
+                            .rate = sound->rate,
+                            .isInterrupted = !sound->isWhole});
+  if (!sound->isRecorders) {
+    quality.Add(voicemath::Verdict::kRate);
+  }
+  return quality;
+}
+
+void PrintVerdicts(const std::string& file, const Judgement& take) {
   if (take) {
     for (const voicemath::Verdict verdict : take->verdicts) {
       PrintLine(fmt::format("{}: {}", file, session::DescribeVerdict(verdict, *take)));
@@ -99,7 +125,10 @@ void CheckWave(Session& session, const FileArgument& file) {
   voicemath::CVoiceMathematics mathematics(platform.files, platform.ui);
   const int code = session::CheckHeader(mathematics, file.GetPath());
   mathematics.m_wavePath = file.GetPath();
-  const auto take = voicemath::JudgeRecording(mathematics);
+  Judgement take = voicemath::JudgeRecording(mathematics);
+  if (take && code != voicemath::kHeaderAccepted) {
+    take = JudgeForeignWave(platform.files, file.GetPath(), std::move(take));
+  }
   if (session.GetOptions().json) {
     session.SetJson({{"code", code},
                      {"dataOffset", mathematics.m_dataOffset},

@@ -21,6 +21,8 @@ namespace {
 
 using dialer::EvaluationFigures;
 
+constexpr const char* kTakeName = "LABEL_SPEAKER_TAKE.wav, in which TAKE is a number";
+
 /// Does `work` for 0 to `count` - 1, on all processors.
 void ForEach(std::size_t count, const std::function<void(std::size_t)>& work) {
   std::atomic<std::size_t> next{0};
@@ -60,12 +62,12 @@ std::vector<TakeFile> FindTakes(cli::Session& session, const std::string& folder
   for (const std::string& name : names) {
     if (auto parsed = dialer::ParseTakeName(name)) {
       takes.push_back({(std::filesystem::path(folder) / name).string(), std::move(*parsed)});
-    } else if (name.ends_with(".wav")) {
-      session.Warn(fmt::format("{}: not used: it is not called LABEL_SPEAKER_TAKE.wav", name));
+    } else if (dialer::IsWaveName(name)) {
+      session.Warn(fmt::format("{}: not used: it is not called {}", name, kTakeName));
     }
   }
   if (takes.empty()) {
-    session.Fail(fmt::format("{} has no recordings LABEL_SPEAKER_TAKE.wav", folder));
+    session.Fail(fmt::format("{} has no recordings {}", folder, kTakeName));
   }
   return takes;
 }
@@ -86,9 +88,12 @@ Speakers Prepare(cli::Session& session, std::vector<TakeFile> takes, dialer::Ste
   });
   Speakers speakers;
   for (TakeFile& take : takes) {
-    if (take.utterance) {
-      speakers[take.name.speaker][take.name.label][take.name.take] = std::move(take.utterance);
-    } else {
+    if (take.utterance && !speakers[take.name.speaker][take.name.label]
+                               .try_emplace(take.name.take, std::move(take.utterance))
+                               .second) {
+      take.failure = "there is another take with this number";
+    }
+    if (!take.failure.empty()) {
       session.Warn(fmt::format("{}: not used: {}", take.path, take.failure));
     }
   }

@@ -1,51 +1,21 @@
 #include "host/dial/wave_takes.h"
 
-#include <cstddef>
-
 #include "dialer/taught_tags.h"
 #include "dialer/wave_reading.h"
+#include "host/cli/wave_bytes.h"
 
 namespace dial {
-namespace {
 
 using platform::Failure;
 using platform::Result;
 
-/// Room for a minute with two channels at the highest rates that are in use. Only the beginning
-/// counts.
-constexpr std::uint64_t kMostBytes = std::uint64_t{1} << 27U;
-
-std::string WhyNotOpened(platform::FileError error) {
-  switch (error) {
-    case platform::FileError::kNotFound:
-      return "it is not there";
-    case platform::FileError::kSharingViolation:
-      return "another program is writing it";
-    default:
-      return "it cannot be opened";
-  }
-}
-
-}  // namespace
-
 Result<std::vector<std::int16_t>, std::string> ReadTake(platform::FileSystem& files,
                                                         std::u16string_view path) {
-  const auto file = files.Open(path, {platform::FileAccess::kRead, platform::FileShare::kRead,
-                                      platform::FileCreation::kOpenExisting});
-  if (!file) {
-    return Failure(WhyNotOpened(file.error()));
+  const auto bytes = cli::ReadWaveBytes(files, path);
+  if (!bytes) {
+    return Failure(bytes.error());
   }
-  const auto length = (*file)->GetLength();
-  if (length && *length > kMostBytes) {
-    return Failure(std::string("it is too long for a recording of a name"));
-  }
-  std::vector<std::byte> bytes(length ? static_cast<std::size_t>(*length) : 0);
-  const auto read = (*file)->Read(bytes);
-  if (!length || !read) {
-    return Failure(std::string("it cannot be read"));
-  }
-  bytes.resize(*read);
-  auto samples = dialer::DecodeWave(bytes, dialer::kMostSeconds);
+  auto samples = dialer::DecodeWave(*bytes, dialer::kMostSeconds);
   if (!samples) {
     return Failure(std::string(samples.error() == dialer::WaveError::kNoWave
                                    ? "it is not a wave file"

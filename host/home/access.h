@@ -11,7 +11,8 @@ namespace home {
 // What screen readers know of widgets that the library does not know.
 
 /// Gives the widget a role. Its name and description are accessibleName() and
-/// accessibleDescription(). To be called in its constructor, before screen readers ask for it.
+/// accessibleDescription(). To be called in its constructor, before screen readers ask for it. A
+/// QToolButton that is a QAccessible::ButtonMenu shows its menu if a screen reader asks for that.
 void SetAccessibleRole(QWidget& widget, QAccessible::Role role);
 
 /// Names the button that clears a field. Marks of mnemonics in the name are left out.

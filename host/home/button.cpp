@@ -7,6 +7,8 @@
 #include <QStylePainter>
 #include <algorithm>
 
+#include "host/home/access.h"
+
 namespace home {
 
 namespace {
@@ -37,6 +39,7 @@ void SuitFingers(QMenu& menu, const QWidget& window) {
 }
 
 void GiveMenu(QToolButton& button, QMenu& menu) {
+  SetAccessibleRole(button, QAccessible::ButtonMenu);
   button.setMenu(&menu);
   button.setPopupMode(QToolButton::InstantPopup);
   button.setStyleSheet(QStringLiteral("QToolButton::menu-indicator { image: none; }"));

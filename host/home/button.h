@@ -11,7 +11,8 @@ namespace home {
 
 /// Gives the button a menu, which opens at once. The button has no arrow for it, which would be
 /// drawn over its symbol. If a key opens the menu, its first item is the current one: screen
-/// readers would say nothing otherwise.
+/// readers would say nothing otherwise. To be called before the button gets its accessible name:
+/// what screen readers know of it is made then.
 void GiveMenu(QToolButton& button, QMenu& menu);
 
 /// Gives the items of a menu the height that a finger hits, if the window is that of a phone. Call

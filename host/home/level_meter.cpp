@@ -25,7 +25,8 @@ constexpr double kQuietestDb = -66;  ///< Where the bar begins.
 
 LevelMeter::LevelMeter(QWidget* parent)
     : QWidget(parent), m_level(kLowestPeakDb), m_highest(kLowestPeakDb) {
-  SetAccessibleRole(*this, QAccessible::Indicator);
+  // Of the roles that Qt hands on to screen readers none is nearer.
+  SetAccessibleRole(*this, QAccessible::Graphic);
   setAccessibleName(Say(resources::kLevelMeter));
   setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
   Describe();

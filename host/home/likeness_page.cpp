@@ -182,8 +182,8 @@ void LikenessPage::OnLeft() { StopPlaying(); }
 QString LikenessPage::NameOf(std::size_t index) const {
   const Tag& tag = m_shelf->tags[index];
   const auto count = std::ranges::count(m_shelf->tags, tag.contact, &Tag::contact);
-  const QString name = qt::ToQString(tag.contact);
-  return count > 1 ? name + QStringLiteral(" · ") + NameKind(tag.kind) : name;
+  return count > 1 ? InSentence(tag.contact) + QStringLiteral(" · ") + NameKind(tag.kind)
+                   : qt::ToQString(tag.contact);
 }
 
 QString LikenessPage::Describe(std::size_t index) const {
@@ -244,7 +244,7 @@ void LikenessPage::ShowCurrent() {
   const std::array tags{pair->first, pair->second};
   for (std::size_t i = 0; i < tags.size(); ++i) {
     const Tag& tag = m_shelf->tags[tags[i]];
-    QStringList parts{qt::ToQString(tag.contact), NameKind(tag.kind), ShowNumber(tag.number)};
+    QStringList parts{InSentence(tag.contact), NameKind(tag.kind), ShowNumber(tag.number)};
     parts.removeAll(QString());
     m_names[i]->setText(parts.join(QStringLiteral(" · ")));
     m_teach[i]->setAccessibleName(Say(resources::kTeachNameAgain).arg(InSentence(NameOf(tags[i]))));

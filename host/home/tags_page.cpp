@@ -164,9 +164,9 @@ QWidget* TagsPage::MakeSearchRow() {
   m_sort = new QToolButton(row);
   m_sort->setObjectName(QStringLiteral("sort"));
   m_sort->setIcon(IconOf(Symbol::kSort));
+  GiveMenu(*m_sort, *m_sortMenu);
   m_sort->setAccessibleName(Say(resources::kSortBy));
   m_sort->setToolTip(Say(resources::kSortBy));
-  GiveMenu(*m_sort, *m_sortMenu);
   m_sort->setFocusPolicy(Qt::StrongFocus);
   MakeTouchable(*m_sort);
   m_dialAtTop = new ActionButton(*m_dial, row);

@@ -128,8 +128,8 @@ void TagsPage::ShowCurrent() {
     const int row = m_order.mapToSource(m_list->currentIndex()).row();
     // A narrow window has no room to say twice what a card says.
     if (!m_list->ShowsWhole(m_list->currentIndex())) {
-      QStringList facts;
-      for (const Column column : {kName, kNumber, kKind, kTaught, kLength}) {
+      QStringList facts{InSentence(tag->contact)};
+      for (const Column column : {kNumber, kKind, kTaught, kLength}) {
         facts.append(m_model.data(m_model.index(row, column), Qt::DisplayRole).toString());
       }
       facts.removeAll(QString());

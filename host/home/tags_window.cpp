@@ -45,15 +45,13 @@ class TitleLabel final : public QLabel {
   }
 };
 
-QToolButton* MakeHeaderButton(Symbol symbol, std::u16string_view name, QWidget* parent) {
-  auto* const button = new QToolButton(parent);
-  button->setIcon(IconOf(symbol));
-  button->setAutoRaise(true);
-  button->setAccessibleName(Say(name));
-  button->setToolTip(Say(name));
-  button->setFocusPolicy(Qt::StrongFocus);
-  MakeTouchable(*button);
-  return button;
+void DressHeaderButton(QToolButton& button, Symbol symbol, std::u16string_view name) {
+  button.setIcon(IconOf(symbol));
+  button.setAutoRaise(true);
+  button.setAccessibleName(Say(name));
+  button.setToolTip(Say(name));
+  button.setFocusPolicy(Qt::StrongFocus);
+  MakeTouchable(button);
 }
 
 /// Returns the paths of the files of this machine that are dragged.
@@ -125,18 +123,20 @@ TagsWindow::~TagsWindow() {
 
 QWidget* TagsWindow::MakeHeader() {
   auto* const header = new QWidget(this);
-  m_back = MakeHeaderButton(Symbol::kBack, resources::kBack, header);
+  m_back = new QToolButton(header);
+  DressHeaderButton(*m_back, Symbol::kBack, resources::kBack);
   m_back->setObjectName(QStringLiteral("back"));
   connect(m_back, &QToolButton::clicked, this, [this] { ShowTags(); });
   m_title = new TitleLabel(header);
   m_title->setObjectName(QStringLiteral("title"));
   m_title->setTextFormat(Qt::PlainText);
   SetTitleFont();
-  auto* const menu = MakeHeaderButton(Symbol::kMenu, resources::kMenu, header);
+  auto* const menu = new QToolButton(header);
   menu->setObjectName(QStringLiteral("menu"));
   menu->setShortcut(Qt::Key_F10);
   m_menu = new QMenu(menu);
   GiveMenu(*menu, *m_menu);
+  DressHeaderButton(*menu, Symbol::kMenu, resources::kMenu);
   auto* const layout = new QHBoxLayout(header);
   layout->setContentsMargins(layout->contentsMargins().left(), 0, layout->contentsMargins().right(),
                              0);

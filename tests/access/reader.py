@@ -137,9 +137,11 @@ _NO_ROLES = (Role.INVALID, Role.UNKNOWN, Role.FILLER, Role.REDUNDANT_OBJECT)
 
 
 def faults(root):
-    """What is wrong with the controls that can have the focus, one line each."""
+    """What is wrong with the controls, one line each; mostly with those that can have the focus."""
     lines = []
     for node in walk(root):
+        if node.get_name() and node.get_role() in (Role.INVALID, Role.UNKNOWN):
+            lines.append("no role: " + describe(node))
         if not is_(node, State.FOCUSABLE):
             continue
         if node.get_role() in _NO_ROLES:

@@ -189,6 +189,18 @@ class VoiceTags(unittest.TestCase):
             wait_for(lambda: reader.focused() != before, "another item")
         press("Return")
 
+    def test_a_menu_opens_by_the_action_of_a_screen_reader(self):
+        self.open(tags=("anna",))
+        wait_for(self.rows, "the row")
+        reader.do(self.awaits(Role.PUSH_BUTTON, "Menu"), "ShowMenu")
+        wait_for(lambda: reader.focused() == "Say a name", "the first item")
+        press("Escape")
+        self.awaits_focus(Role.TREE, "Voice tags")
+        reader.resize("Voice tags", *PHONE)
+        reader.do(self.awaits(Role.PUSH_BUTTON, "Sort by"), "ShowMenu")
+        wait_for(lambda: reader.focused() in ("Name", "Number"), "the first column")
+        press("Escape")
+
     def test_a_name_is_said_and_the_call_is_announced_and_stopped(self):
         self.open(tags=("anna", "sophie", "robert"))
         wait_for(self.rows, "the rows")

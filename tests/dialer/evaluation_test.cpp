@@ -30,6 +30,12 @@ TEST(ParseTakeName, ALabelMayHaveUnderscores) {
   EXPECT_EQ(name->speaker, "x");
 }
 
+TEST(ParseTakeName, TheEndingMayHaveCapitals) {
+  const auto name = ParseTakeName("one_x_3.WAV");
+  ASSERT_TRUE(name);
+  EXPECT_EQ(name->take, 3U);
+}
+
 TEST(ParseTakeName, OtherNamesAreNone) {
   for (const char* name :
        {"", ".wav", "a_b.wav", "_b_1.wav", "a__1.wav", "a_b_.wav", "a_b_x.wav", "a_b_-1.wav",

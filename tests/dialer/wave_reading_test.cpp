@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <bit>
 #include <cmath>
 #include <numbers>
@@ -88,6 +89,24 @@ TEST(DecodeWave, FloatsAreTakenAndThoseThatAreNoNumbersAreSilence) {
               ElementsAre(-32768, 16384, 32767, 0));
 }
 
+TEST(DecodeWave, FloatsOfSixtyFourBitsAreTakenToo) {
+  RiffBytes samples;
+  for (const double value : {0.5, -0.25, 1e300}) {
+    const auto bytes = std::bit_cast<std::array<std::byte, 8>>(value);
+    samples.insert(samples.end(), bytes.begin(), bytes.end());
+  }
+  EXPECT_THAT(Decode(support::RiffWave(Format(64, 1, 11025, 3), samples)),
+              ElementsAre(16384, -8192, 32767));
+}
+
+TEST(DecodeWave, ChannelsThatAreFarBeyondFullScaleAddUpToANumber) {
+  RiffBytes samples;
+  for (const float value : {3e38F, -3e38F}) {
+    support::Append32(samples, std::bit_cast<std::uint32_t>(value));
+  }
+  EXPECT_THAT(Decode(support::RiffWave(Format(32, 2, 11025, 3), samples)), ElementsAre(0));
+}
+
 TEST(DecodeWave, ChannelsAreAveraged) {
   EXPECT_THAT(Decode(support::RiffWave(Format(8, 2, 11025), Bytes({128, 192, 64, 192}))),
               ElementsAre(8192, 0));
@@ -128,6 +147,26 @@ TEST(DecodeWave, AFileThatWasCutShortHoldsWhatItHolds) {
   EXPECT_THAT(Decode(file), ElementsAre(1, 2));
 }
 
+TEST(ReadSound, AFileThatIsShorterThanItSaysIsNotWhole) {
+  RiffBytes file = support::WaveFile(std::vector<std::int16_t>{1, 2, 3});
+  EXPECT_TRUE(dialer::ReadSound(file, kSeconds)->isWhole);
+  EXPECT_TRUE(dialer::ReadSound(file, kSeconds)->isRecorders);
+  file.resize(file.size() - 2);
+  EXPECT_FALSE(dialer::ReadSound(file, kSeconds)->isWhole);
+}
+
+TEST(ReadSound, WhoWritesIntoAPipeClaimsALengthThatNothingHas) {
+  const RiffBytes format = support::FormatBody(Format(16, 1, 11025));
+  for (const std::uint32_t claimed : {0xFFFFFFFFU, 0x7FFFFFDBU}) {
+    const auto sound =
+        dialer::ReadSound(support::RiffWave({support::Chunk("fmt ", format),
+                                             support::Chunk("data", Bytes({1, 0, 2, 0}), claimed)}),
+                          kSeconds);
+    EXPECT_TRUE(sound->isWhole);
+    EXPECT_THAT(sound->samples, ElementsAre(1, 2));
+  }
+}
+
 TEST(DecodeWave, OfALongFileOnlyTheBeginningIsRead) {
   const auto samples = DecodeWave(support::WaveFile(support::Constant(40000, 5)), 2).value();
   EXPECT_EQ(samples.size(), 22050U);
@@ -148,7 +187,8 @@ TEST(DecodeWave, WhatIsNoWaveFileIsRefused) {
 }
 
 TEST(DecodeWave, CompressedSoundIsRefused) {
-  for (const auto& format : {Format(8, 1, 8000, 7), Format(12, 1, 8000), Format(64, 1, 8000, 3)}) {
+  for (const auto& format :
+       {Format(8, 1, 8000, 7), Format(12, 1, 8000), Format(64, 1, 8000), Format(16, 1, 8000, 3)}) {
     EXPECT_EQ(support::ErrorOf(DecodeWave(support::RiffWave(format, Bytes({0, 0})), kSeconds)),
               WaveError::kOtherFormat);
   }

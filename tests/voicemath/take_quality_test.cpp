@@ -300,6 +300,14 @@ TEST(TakeQuality, ALostDeviceIsNamedFirst) {
               ElementsAre(Verdict::kInterrupted, Verdict::kSoft));
 }
 
+TEST(TakeQuality, NobodyIsAskedToSpeakEarlierIfTheDeviceWasLostWithinTheWord) {
+  Samples take = WordInRoom(Word());
+  take.resize(12000);
+  EXPECT_THAT(VerdictsOf(take), ElementsAre(Verdict::kCutEnd));
+  EXPECT_THAT(voicemath::JudgeTake({.samples = take, .isInterrupted = true}).verdicts,
+              ElementsAre(Verdict::kInterrupted));
+}
+
 TEST(TakeQuality, AnyLengthAndAnyRateHasAJudgement) {
   const Samples samples = support::Extremes(3000, 7);
   for (const std::size_t count : {0U, 1U, 2U, 109U, 110U, 111U, 550U, 551U, 3000U}) {

@@ -1,7 +1,10 @@
+#include <algorithm>
+#include <bit>
 #include <filesystem>
 #include <fstream>
 
 #include "tests/host/cli/tags_fixture.h"
+#include "tests/support/riff.h"
 #include "tests/support/signals.h"
 
 namespace {
@@ -56,18 +59,62 @@ TEST_F(QualityCommands, WaveCheckJudgesWhateverTheCodeIs) {
   file[25] = std::byte{0xAC};
   Write(Path("rate.wav"), file);
   EXPECT_THAT(VerdictsOf(RunJson({"wave", "check", Path("rate.wav")}, 0)), Contains("rate"));
-  file[22] = std::byte{2};  // Stereo.
-  Write(Path("stereo.wav"), file);
-  const json stereo = RunJson({"wave", "check", Path("stereo.wav")}, 1);
-  EXPECT_EQ(stereo["code"], 5);
-  EXPECT_EQ(VerdictsOf(stereo), json::array({"rate"}));
-  EXPECT_TRUE(stereo["quality"]["peakDb"].is_null());
   file.resize(9000);
-  file[22] = std::byte{1};
   Write(Path("torn.wav"), file);
-  EXPECT_EQ(VerdictsOf(RunJson({"wave", "check", Path("torn.wav")}, 1)),
-            json::array({"interrupted"}));
+  EXPECT_THAT(VerdictsOf(RunJson({"wave", "check", Path("torn.wav")}, 1)),
+              AllOf(Contains("interrupted"), Contains("rate"), Contains("no-speech")));
+  Write(Path("compressed.wav"), support::RiffWave({.formatTag = 7,
+                                                   .channels = 1,
+                                                   .samplesPerSecond = 8000,
+                                                   .averageBytesPerSecond = 8000,
+                                                   .blockAlign = 1,
+                                                   .bitsPerSample = 8},
+                                                  support::Bytes(9000)));
+  const json compressed = RunJson({"wave", "check", Path("compressed.wav")}, 1);
+  EXPECT_EQ(compressed["code"], 4);
+  EXPECT_EQ(VerdictsOf(compressed), json::array({"rate"}));
+  EXPECT_TRUE(compressed["quality"]["peakDb"].is_null());
   EXPECT_TRUE(RunJson({"wave", "check", Path("none.wav")}, 1)["quality"].is_null());
+}
+
+TEST_F(QualityCommands, WaveCheckJudgesTheSoundOfAFileThatIsRefused) {
+  const std::string sample = Content(fs::path(VOXTREL_SAMPLES_DIR) / "anna_1.wav");
+  const auto bytes = std::as_bytes(std::span(sample)).subspan(44);
+  const platform::WaveFormat mono{.formatTag = 1,
+                                  .channels = 1,
+                                  .samplesPerSecond = 11025,
+                                  .averageBytesPerSecond = 22050,
+                                  .blockAlign = 2,
+                                  .bitsPerSample = 16};
+  // As many programs write it: a list of remarks before the samples.
+  Write(Path("list.wav"), support::RiffWave({support::Chunk("fmt ", support::FormatBody(mono)),
+                                             support::Chunk("LIST", support::Bytes(26)),
+                                             support::Chunk("data", bytes)}));
+  const json list = RunJson({"wave", "check", Path("list.wav")}, 1);
+  EXPECT_EQ(list["code"], 7);
+  EXPECT_EQ(VerdictsOf(list), json::array());
+  EXPECT_NEAR(list["quality"]["peakDb"].get<double>(), -6.0, 0.1);
+
+  support::Bytes floats;
+  for (std::size_t at = 0; at + 1 < bytes.size(); at += 2) {
+    const auto value =
+        static_cast<std::int16_t>(platform::LoadLittleEndian16(bytes.subspan(at).first<2>()));
+    for (int channel = 0; channel < 2; ++channel) {
+      support::Append32(floats, std::bit_cast<std::uint32_t>(
+                                    std::clamp(static_cast<float>(value) / 3000, -1.0F, 1.0F)));
+    }
+  }
+  Write(Path("floats.wav"), support::RiffWave({.formatTag = 3,
+                                               .channels = 2,
+                                               .samplesPerSecond = 11025,
+                                               .averageBytesPerSecond = 88200,
+                                               .blockAlign = 8,
+                                               .bitsPerSample = 32},
+                                              floats));
+  const json loud = RunJson({"wave", "check", Path("floats.wav")}, 1);
+  EXPECT_EQ(VerdictsOf(loud), json::array({"rate", "clipped"}));
+  EXPECT_NEAR(loud["quality"]["peakDb"].get<double>(), 0, 0.1);
+  EXPECT_GT(loud["quality"]["snrDb"].get<double>(), 30);
 }
 
 TEST_F(QualityCommands, WaveCheckSaysEachVerdictInOneSentence) {

@@ -100,10 +100,13 @@ TEST_F(DialRecognition, AnEvaluationNamesTheFilesThatItCannotUse) {
   const std::string takes = MakeTakes();
   std::ofstream(takes + "/anna_me_9.wav") << "no sound";
   std::ofstream(takes + "/anna.wav") << "no name";
+  std::filesystem::copy_file(takes + "/anna_me_1.wav", takes + "/anna_me_01.WAV");
   const auto run = Run({"dial", "--evaluate", takes, "--takes", "2"});
   EXPECT_EQ(run.exitCode, 0);
   EXPECT_THAT(run.err, HasSubstr("anna_me_9.wav: not used: it is not a wave file"));
   EXPECT_THAT(run.err, HasSubstr("anna.wav: not used: it is not called"));
+  EXPECT_THAT(run.err,
+              HasSubstr("anna_me_1.wav: not used: there is another take with this number"));
   EXPECT_THAT(run.out, HasSubstr("2 takes are taught"));
 }
 

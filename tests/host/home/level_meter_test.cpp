@@ -59,7 +59,7 @@ TEST(LevelMeter, SaysInWordsWhetherItIsTooSoftOrTooLoud) {
   LevelMeter meter(nullptr);
   QAccessibleInterface* const access = QAccessible::queryAccessibleInterface(&meter);
   ASSERT_NE(access, nullptr);
-  EXPECT_EQ(access->role(), QAccessible::Indicator);
+  EXPECT_EQ(access->role(), QAccessible::Graphic);
   EXPECT_EQ(access->text(QAccessible::Name), QStringLiteral("Level of the microphone"));
   EXPECT_EQ(access->text(QAccessible::Description), QStringLiteral("Nothing is heard."));
   meter.SetLevel(-45);

@@ -589,6 +589,14 @@ TEST_F(TagsWindow, ShowsTheWholeOfATagInReachOfMouseKeyboardAndScreenReader) {
   EXPECT_NE(Details().find("too soft"), std::string::npos);
 }
 
+TEST_F(TagsWindow, TheLineBelowTheListKeepsItsOrderIfTheNameIsReadFromTheRight) {
+  OpenFull();
+  Choose("דוד לוי");
+  const QString line = QString::fromStdString(Details()).section(u'\n', 0, 0);
+  EXPECT_TRUE(line.contains(kDavid)) << line.toStdString();
+  EXPECT_FALSE(line.isRightToLeft()) << line.toStdString();
+}
+
 TEST_F(TagsWindow, ContextMenuHasWhatCanBeDoneWithTheTag) {
   OpenFull();
   Choose("Anna Berg");
