@@ -145,8 +145,9 @@ TakeBlocks::TakeBlocks(std::span<const std::int16_t> samples, std::uint32_t rate
 }
 
 // The largest autocorrelation at a lag that can be a pitch period. It is a share of the energy of
-// the whole window: what dies away, as a knock does, has little left to repeat.
-float TakeBlocks::Voicing(std::size_t block) const {
+// the whole window: what dies away, as a knock does, has little left to repeat. A parabola through
+// the largest value and those next to it tells periods apart that differ by less than a sample.
+Voicing TakeBlocks::VoicingAt(std::size_t block) const {
   const float rate =
       static_cast<float>(m_length * kBlocksPerSecond) / static_cast<float>(m_pitchStep);
   const auto size = std::min(static_cast<std::size_t>(rate * kPitchWindow), m_pitch.size());
@@ -157,16 +158,28 @@ float TakeBlocks::Voicing(std::size_t block) const {
   for (const float value : window) {
     energy += value * value;
   }
-  float best = 0;
   const auto longest = std::min(static_cast<std::size_t>(rate / kLowestPitch), size);
-  for (auto lag = static_cast<std::size_t>(rate / kHighestPitch); lag < longest; ++lag) {
+  const auto shortest = std::min(static_cast<std::size_t>(rate / kHighestPitch), longest);
+  std::vector<float> likeness(longest);
+  for (std::size_t lag = shortest; lag < longest; ++lag) {
     float sum = 0;
     for (std::size_t i = lag; i < size; ++i) {
       sum += window[i] * window[i - lag];
     }
-    best = std::max(best, sum * static_cast<float>(size) / static_cast<float>(size - lag));
+    likeness[lag] = sum * static_cast<float>(size) / static_cast<float>(size - lag);
   }
-  return energy > 0 ? best / energy : 0;
+  const auto best =
+      std::max_element(likeness.begin() + static_cast<std::ptrdiff_t>(shortest), likeness.end());
+  if (best == likeness.end() || energy <= 0 || *best <= 0) {
+    return {};
+  }
+  const auto lag = static_cast<std::size_t>(best - likeness.begin());
+  if (lag == shortest || lag + 1 == longest) {
+    return {.share = *best / energy};
+  }
+  const float bend = best[-1] - 2 * best[0] + best[1];
+  const float shift = bend < 0 ? (best[-1] - best[1]) / (2 * bend) : 0;
+  return {.share = *best / energy, .period = static_cast<float>(lag) + shift};
 }
 
 }  // namespace voicemath

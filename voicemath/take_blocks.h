@@ -22,6 +22,12 @@ struct TakeBlock {
   float slope = 0;
 };
 
+/// How a sound repeats itself.
+struct Voicing {
+  float share = 0;   ///< How exactly: 0 not at all, about 1 for a steady vowel.
+  float period = 0;  ///< After how long: in samples in which pitch is looked for; 0 if unknown.
+};
+
 /// A take in blocks. Samples after the last whole block belong to none.
 class TakeBlocks {
  public:
@@ -33,9 +39,8 @@ class TakeBlocks {
   [[nodiscard]] std::size_t Count() const { return m_blocks.size(); }
   [[nodiscard]] std::size_t SamplesOfBlock() const { return m_length; }
 
-  /// Returns how exactly the sound around a block repeats itself after a period that a voice can
-  /// have: 0 not at all, about 1 for a steady vowel.
-  [[nodiscard]] float Voicing(std::size_t block) const;
+  /// Returns how the sound around a block repeats itself after a period that a voice can have.
+  [[nodiscard]] Voicing VoicingAt(std::size_t block) const;
 
  private:
   std::size_t m_length;

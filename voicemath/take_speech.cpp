@@ -34,6 +34,9 @@ constexpr std::size_t kToneStep = 4;  ///< In so many blocks the spectrum of a t
 constexpr float kToneDrift = 0.05F;   ///< its middle by less than this share, mostly,
 constexpr float kToneMove = 0.003F;   ///< and less than this share from one band to another.
 
+constexpr std::size_t kFewestPeriods = 8;
+constexpr float kHeldPitch = 0.0012F;  ///< By less than this share moves the pitch of a hum.
+
 constexpr std::size_t kWhisperBlocks = 20;
 constexpr float kWhisperMove = 1.3F;  ///< Decibels that the bands move against each other.
 constexpr std::size_t kMoveEdge = 4;  ///< Blocks at both ends of a sound, which swells and dies.
@@ -107,7 +110,7 @@ TakeSpeech::TakeSpeech(const TakeBlocks& blocks) : m_blocks(blocks) {
   FindVoiced();
   MarkActive();
   FindEvidence();
-  m_isThere = IsVoice() ? !IsTone() : FindWhisper();
+  m_isThere = IsVoice() ? !IsTone() && !IsHum() : FindWhisper();
 }
 
 void TakeSpeech::AddBand(const std::vector<float>& powers, float room, Loudness& loudness) const {
@@ -134,9 +137,15 @@ void TakeSpeech::MeasureLoudness() {
 void TakeSpeech::FindVoiced() {
   const std::size_t count = m_blocks.Count();
   m_isVoiced.assign(count, false);
+  m_periods.assign(count, 0);
   m_loudest = LevelDb(0);
   for (std::size_t i = 0; i < count; ++i) {
-    m_isVoiced[i] = m_smooth.rise[i] >= kVoicedRise && m_blocks.Voicing(i) >= kVoicing;
+    if (m_smooth.rise[i] < kVoicedRise) {
+      continue;
+    }
+    const Voicing voicing = m_blocks.VoicingAt(i);
+    m_isVoiced[i] = voicing.share >= kVoicing;
+    m_periods[i] = voicing.period;
     if (m_isVoiced[i]) {
       m_loudest = std::max(m_loudest, m_smooth.level[i]);
     }
@@ -224,6 +233,26 @@ bool TakeSpeech::IsTone() const {
   }
   return !drifts.empty() && Quantile(std::move(drifts), 0.8F) < kToneDrift &&
          Quantile(std::move(moves), 0.5F) < kToneMove;
+}
+
+// The pitch of a voice moves all the time, and that of a hum never does. Now and then a period is
+// taken for a few of them.
+bool TakeSpeech::IsHum() const {
+  std::vector<float> periods;
+  for (std::size_t i = 0; i < m_periods.size(); ++i) {
+    if (m_isVoiced[i] && m_periods[i] > 0) {
+      periods.push_back(m_periods[i]);
+    }
+  }
+  if (periods.size() < kFewestPeriods) {
+    return false;
+  }
+  const float usual = Quantile(periods, 0.5F);
+  for (float& period : periods) {
+    const float times = std::max(period, usual) / std::min(period, usual);
+    period = std::abs(times / std::round(times) - 1);
+  }
+  return Quantile(std::move(periods), 0.75F) < kHeldPitch;
 }
 
 /// Returns how far the bands move against each other, in decibels, from `first` up to before

@@ -19,8 +19,9 @@ namespace voicemath {
 /// quietest tenth of the take is the room: what rises above it in the bands of speech may be
 /// speech. A voice repeats itself from one period of its pitch to the next and holds its level for
 /// some blocks; noise does not do the first, and knocks and clicks do not do the second. Beeps do
-/// both, but their spectrum stands still. A whisper has no pitch; it is known by a long sound whose
-/// spectrum moves as the mouth does, which that of breath and wind does not.
+/// both, but their spectrum stands still, and the pitch of a hum does. A whisper has no pitch; it
+/// is known by a long sound whose spectrum moves as the mouth does, which that of breath and wind
+/// does not.
 class TakeSpeech {
  public:
   explicit TakeSpeech(const TakeBlocks& blocks);
@@ -67,6 +68,7 @@ class TakeSpeech {
   void FindEvidence();
   [[nodiscard]] bool IsVoice() const;
   [[nodiscard]] bool IsTone() const;
+  [[nodiscard]] bool IsHum() const;
   [[nodiscard]] bool FindWhisper();
   [[nodiscard]] float Movement(std::size_t first, std::size_t last) const;
   [[nodiscard]] float Brightness(std::size_t block) const;
@@ -75,6 +77,7 @@ class TakeSpeech {
   Loudness m_smooth;  ///< With the blocks next to each.
   Loudness m_single;  ///< Each by itself.
   std::vector<bool> m_isVoiced;
+  std::vector<float> m_periods;  ///< Of each block, if it is voiced.
   std::vector<bool> m_isActive;
   float m_loudest = 0;  ///< Level of the loudest voiced block.
   Evidence m_found;

@@ -152,6 +152,26 @@ TEST(TakeQuality, NoiseHumAndTonesAreNoSpeech) {
   EXPECT_THAT(VerdictsOf(beeps), Contains(Verdict::kNoSpeech));
 }
 
+TEST(TakeQuality, AHumThatBeginsOrSwellsIsNoSpeech) {
+  constexpr double kBin = 1024.0 / 11025;
+  for (const double hertz : {50.0, 60.0, 100.0, 120.0}) {
+    Samples hum(kTakeSamples);
+    for (const double harmonic : {1.0, 2.0, 3.0, 4.0, 5.0, 7.0, 9.0}) {
+      hum = support::Mixed(
+          hum, 0, support::Tone(kTakeSamples, hertz * harmonic * kBin, 4000 / std::sqrt(harmonic)));
+    }
+    const Samples begun =
+        support::Mixed(Room(30), 12000, Samples(hum.begin(), hum.begin() + 15000));
+    EXPECT_THAT(VerdictsOf(begun), Contains(Verdict::kNoSpeech)) << hertz;
+    for (std::size_t i = 0; i < hum.size(); ++i) {
+      const double turn = 2 * std::numbers::pi * static_cast<double>(i) / kTakeSamples;
+      hum[i] = static_cast<std::int16_t>(hum[i] * (0.55 - 0.45 * std::cos(2 * turn)));
+    }
+    EXPECT_THAT(VerdictsOf(support::Mixed(Room(30), 0, hum)), Contains(Verdict::kNoSpeech))
+        << hertz;
+  }
+}
+
 TEST(TakeQuality, KnocksAndClicksAreNoSpeech) {
   EXPECT_THAT(VerdictsOf(Knocks(180, 120, 15000)), Contains(Verdict::kNoSpeech));
   EXPECT_THAT(VerdictsOf(Knocks(400, 60, 15000)), Contains(Verdict::kNoSpeech));
