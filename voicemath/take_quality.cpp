@@ -38,7 +38,7 @@ struct CrowdedTop {
   double height;  ///< Of the extreme: ripples rise above the level at which was clipped.
   double factor;
 };
-constexpr std::array<CrowdedTop, 3> kCrowdedTops{{{1, 1.05}, {0.92, 1.7}, {0.85, 1.9}}};
+constexpr std::array<CrowdedTop, 3> kCrowdedTops{{{1, 1.1}, {0.92, 1.9}, {0.85, 2.3}}};
 
 constexpr std::array<std::string_view, 11> kWords{"interrupted", "rate",    "silent",   "no-speech",
                                                   "cut-start",   "cut-end", "short",    "clipped",
