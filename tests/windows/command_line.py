@@ -8,14 +8,17 @@ folder's name, the slashes of paths, and the names of tags, which are tick count
 """
 
 import argparse
+import io
 import json
 import os
 import re
 import shutil
 import subprocess
 import sys
+import tarfile
 import tempfile
 import unittest
+import zlib
 from pathlib import Path
 
 ARGUMENTS = None
@@ -212,8 +215,60 @@ class CommandLine(unittest.TestCase):
         self.assertEqual(*(sorted(text.splitlines()) for text in settings))
 
     def test_what_needs_linux_says_so(self):
-        code, _, err = self.windows.run("home")
-        self.assertEqual((code, err), (1, b"voxtrel: voxtrel-home needs Linux\n"))
+        for command, program in ((["home"], b"voxtrel-home"), (["dial"], b"voxtrel-dial"),
+                                 (["dial", "--to", "Anna", "--way", "print"], b"voxtrel-dial")):
+            code, out, err = self.windows.run(*command)
+            self.assertEqual((code, out, err), (1, b"", b"voxtrel: " + program + b" needs Linux\n"))
+
+    def test_a_backup_comes_through_a_pipe_and_any_tool_unpacks_it(self):
+        self.tags_of_three()
+        for machine in (self.linux, self.windows):
+            code, backup, err = machine.run("backup", "-")
+            self.assertEqual((code, err), (0, b""), machine.name)
+            with tarfile.open(fileobj=io.BytesIO(backup)) as archive:
+                content = {member.name: archive.extractfile(member).read() for member in archive}
+            files = {name.rsplit(b"/", 1)[1]: data
+                     for name, data in machine.files("root/Program Files/**/*.wav").items()}
+            recordings = [data for name, data in content.items() if name.endswith("recording.wav")]
+            self.assertEqual(sorted(recordings), sorted(files.values()), machine.name)
+            for line in content["checksums.sfv"].decode().splitlines():
+                if line and not line.startswith(";"):
+                    name, checksum = line.rsplit(" ", 1)
+                    self.assertEqual(int(checksum, 16), zlib.crc32(content[name]), name)
+            code, out, err = machine.run("--contacts", "contacts.vcf", "--json", "restore", "-",
+                                         root="piped", given=backup)
+            self.assertEqual((code, len(json.loads(out)["restored"])), (0, 3), (machine.name, err))
+
+    def test_a_backup_is_kept_out_of_the_root_folder_in_any_letter_case(self):
+        self.tags_of_three()
+        for machine, name in ((self.linux, "root/letter"), (self.windows, "ROOT\\LETTER")):
+            (machine.folder / "root" / "letter").write_bytes(b"Dear Ann")
+            code, _, err = machine.run("--yes", "backup", name)
+            self.assertEqual(code, 1, machine.name)
+            self.assertIn(b"in the folder of the voice tags", err)
+            self.assertEqual((machine.folder / "root" / "letter").read_bytes(), b"Dear Ann")
+
+    def test_streams_that_end_early_or_hold_something_else_are_said_alike(self):
+        wave = (self.linux.folder / "anna_1.wav").read_bytes()
+        for given in (b"", wave[:30], wave[:5000], b"no wave file" * 10):
+            self.both("wave", "check", "-", given=given, code=1)
+            self.both("--json", "wave", "check", "-", given=given, code=1)
+            self.both("template", "process", "-", "-", given=given, code=1)
+        self.both("--json", "template", "process", "anna_1.wav", "-", code=2)
+        self.both("template", "compare", "-", "-", code=2)
+
+    def test_folders_with_blanks_and_letters_of_every_script_are_folders(self):
+        for machine in (self.linux, self.windows):
+            (machine.folder / "Größe und 山田").mkdir()
+            shutil.copy(machine.folder / "anna_1.wav", machine.folder / "Größe und 山田/Имя 1.wav")
+        root = "Größe und 山田/мой root"
+        self.both("wave", "check", "Größe und 山田/Имя 1.wav", root=root)
+        self.both("template", "learn", "Größe und 山田/Имя 1.wav", "Größe und 山田/Ωλκή.st", root=root)
+        self.both("wave", "check", "Größe und 山田/fehlt.wav", root=root, code=1)
+        self.both("--json", "connection", "set", "baud-rate=300", root=root)
+        self.both("--json", "connection", "show", root=root)
+        self.both("registry", "export", "Größe und 山田/все.reg", root=root)
+        self.assert_same_files("Größe*/*.st")
 
     def test_letters_of_every_script_reach_the_program(self):
         card = ("BEGIN:VCARD\nVERSION:3.0\nFN:Ærø Ωλκή 山田\nN:山田;Ærø Ωλκή\nTEL;TYPE=CELL:1\n"
