@@ -253,23 +253,27 @@ bool TagTrash::EndDeletion(std::u16string_view mark, const std::vector<std::u16s
   return isEnded && (!hasChanged || FlushStore()) && Delete(mark);
 }
 
-bool TagTrash::DeleteParts(const TagParts& parts) const {
+Result<void, PartError> TagTrash::DeleteParts(const TagParts& parts) const {
   if (!parts.waveFile.empty() &&
       !AcceptMissing(m_files.Delete(PathIn(kWaveFolder, parts.waveFile)))) {
-    return false;
+    return Failure(PartError::kFileStays);
   }
   if (!parts.templateFile.empty() &&
       !AcceptMissing(m_files.Delete(PathIn(kTemplateFolder, parts.templateFile)))) {
-    return false;
+    return Failure(PartError::kFileStays);
   }
-  return !parts.hasEntry || TagStore(m_files, m_registry).DeleteEntry(parts.name).has_value();
+  if (parts.hasEntry && !TagStore(m_files, m_registry).DeleteEntry(parts.name)) {
+    return Failure(PartError::kEntryStays);
+  }
+  return {};
 }
 
 // A folder may bring back a file that was deleted, if the power fails before the folder is on the
 // medium.
-bool TagTrash::FlushStore() const {
-  return AcceptMissing(m_files.FlushFolder(kWaveFolder)) &&
-         AcceptMissing(m_files.FlushFolder(kTemplateFolder));
+Result<void, FileError> TagTrash::FlushStore() const {
+  return AcceptMissing(m_files.FlushFolder(kWaveFolder)).and_then([this] {
+    return AcceptMissing(m_files.FlushFolder(kTemplateFolder));
+  });
 }
 
 // The list begins with the latest deletion, so the sum of bytes says how much would be kept with

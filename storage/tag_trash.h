@@ -29,6 +29,9 @@ enum class RestoreError : std::uint8_t {
   kOther,
 };
 
+/// What of a tag could not be deleted.
+enum class PartError : std::uint8_t { kFileStays, kEntryStays };
+
 /// The trash: what was deleted stays there for 30 days, as far as 100 MB reach.
 ///
 /// The idea is a journal of files (trash_names.h), so that a process may be killed at any moment. A
@@ -80,8 +83,8 @@ class TagTrash {
   [[nodiscard]] platform::Result<void, platform::FileError> Empty() const;
 
   /// Deletes the parts from the store, in the order in which a companion is promised to see them
-  /// go, up to the first failure. Returns whether all of them are gone.
-  [[nodiscard]] bool DeleteParts(const TagParts& parts) const;
+  /// go, up to the first failure.
+  [[nodiscard]] platform::Result<void, PartError> DeleteParts(const TagParts& parts) const;
 
  private:
   friend class Deletion;
@@ -94,7 +97,7 @@ class TagTrash {
   bool EndDeletion(std::u16string_view mark, const std::vector<std::u16string>& names,
                    Unfinished unfinished) const;
   void RemoveOld(const std::vector<std::u16string>& names) const;
-  [[nodiscard]] bool FlushStore() const;
+  [[nodiscard]] platform::Result<void, platform::FileError> FlushStore() const;
   [[nodiscard]] platform::Result<void, platform::FileError> Mark(std::u16string_view name) const;
   bool Delete(std::u16string_view name) const;
   /// Ends what a note is about. Returns whether that is done.

@@ -143,14 +143,14 @@ std::int32_t CVoiceMathematics::ComputeThresholds() {
   return m_count;
 }
 
-bool CVoiceMathematics::SetTemplate(std::size_t slot, std::unique_ptr<const float[]> values,
-                                    std::uint16_t frames) {
-  if (!m_prepared[slot].Prepare({values.get(), std::size_t{frames} * m_bandCount})) {
-    return false;
+platform::Result<void, PrepareError> CVoiceMathematics::SetTemplate(
+    std::size_t slot, std::unique_ptr<const float[]> values, std::uint16_t frames) {
+  auto prepared = m_prepared[slot].Prepare({values.get(), std::size_t{frames} * m_bandCount});
+  if (prepared) {
+    m_templates[slot] = std::move(values);
+    m_frameCounts[slot] = frames;
   }
-  m_templates[slot] = std::move(values);
-  m_frameCounts[slot] = frames;
-  return true;
+  return prepared;
 }
 
 std::span<const float> CVoiceMathematics::GetTemplate(std::size_t slot) const {

@@ -115,9 +115,9 @@ class CVoiceMathematics : public framework::CObject {
   std::int32_t ComputeThresholds();
 
   /// Puts a template of `frames` frames into `slot`, which must exist, and prepares it for
-  /// comparison. Returns false if there is no memory for that; the slot is then as it was.
-  [[nodiscard]] bool SetTemplate(std::size_t slot, std::unique_ptr<const float[]> values,
-                                 std::uint16_t frames);
+  /// comparison. If this fails, the slot is as it was.
+  [[nodiscard]] platform::Result<void, PrepareError> SetTemplate(
+      std::size_t slot, std::unique_ptr<const float[]> values, std::uint16_t frames);
 
   /// Returns the values of the template in `slot`, which must exist. They are empty if the slot is.
   [[nodiscard]] std::span<const float> GetTemplate(std::size_t slot) const;
