@@ -56,6 +56,16 @@ class Newcomer(applet_story.Story):
         for named in (b"control.exe", b"voxtrel.cpl", b"voxtrel.exe status", b"Remove it"):
             assert named in text, named
 
+    def newcomer_reads_where_contacts_belong(self):
+        del self.here.variables["VOXTREL_CONTACTS"]
+        panel = self.here.start("control.exe", self.windows_place + r"\voxtrel.cpl")
+        box = self.user.await_window("Zedra Voxtrel")
+        assert any("No contacts were found" in control["text"] and "\\Contacts." in control["text"]
+                   for control in box["controls"]), box
+        self.user.press("Return")
+        self.user.await_window("Property")
+        self.close(panel)
+
     def applet_opens_and_learns(self):
         user = self.user
         self.here.variables["VOXTREL_CONTACTS"] = self.windows_place + r"\data\samples\contacts.vcf"
@@ -89,7 +99,8 @@ class Newcomer(applet_story.Story):
 
 
 STORIES = [Newcomer.readme_says_what_it_is_and_has_lines_for_windows,
-           Newcomer.applet_opens_and_learns,
+           Newcomer.newcomer_reads_where_contacts_belong,
+          Newcomer.applet_opens_and_learns,
            Newcomer.command_line_sees_the_same_tag,
            Newcomer.removal_leaves_nothing]
 
