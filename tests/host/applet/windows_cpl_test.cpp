@@ -11,15 +11,22 @@
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
+#include <deque>
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <iterator>
 #include <string>
 #include <utility>
 
+#include "host/machine/backends.h"
 #include "resources/pictures.h"
 #include "resources/strings.h"
+#include "storage/device_paths.h"
+#include "storage/folders.h"
+#include "storage/registry_keys.h"
 #include "tests/backends/win32/user.h"
+#include "tests/support/file_bytes.h"
 #include "tests/support/temp_folder.h"
 
 namespace {
@@ -135,6 +142,27 @@ class WindowsLibrarySheet : public WindowsLibrary {
     return answer;
   }
 
+  /// Does each act when a window with its title is in front, one act after the other.
+  using Acts = std::deque<std::pair<std::wstring, std::function<void(HWND window)>>>;
+  static void WhenFront(Acts acts) {
+    support::User::WhenShown([acts = std::move(acts)](HWND window) mutable {
+      if (support::User::TextOf(window) == acts.front().first) {
+        acts.front().second(window);
+        acts.pop_front();
+      }
+      if (!acts.empty()) {
+        WhenFront(std::move(acts));
+      }
+    });
+  }
+
+  [[nodiscard]] machine::Options GetOptions() const {
+    return {.root = (m_folder.Path() / "root").string(),
+            .microphone = {},
+            .speaker = {},
+            .contacts = {}};
+  }
+
  private:
   static void Set(const char* name, const std::string& value) {
     static_cast<void>(_putenv_s(name, value.c_str()));
@@ -193,6 +221,40 @@ TEST_F(WindowsLibrarySheet, ALibraryThatIsFreedWhileItIsOpenStaysUntilTheProcess
   EXPECT_NE(GetModuleHandleW(L"voxtrel.cpl"), nullptr);
   m_module = Load();
   EXPECT_EQ(Send(CPL_EXIT), 0);
+}
+
+TEST_F(WindowsLibrarySheet, AWorkerGoesOnInALibraryThatIsFreedMeanwhile) {
+  const machine::Options options = GetOptions();
+  machine::Backends store(options);
+  std::ifstream sample(std::filesystem::path(VOXTREL_SAMPLES_DIR) / "anna_1.wav", std::ios::binary);
+  const std::string recording((std::istreambuf_iterator<char>(sample)),
+                              std::istreambuf_iterator<char>());
+  std::filesystem::create_directories(options.root);
+  ASSERT_TRUE(storage::CreateStoreFolders(store.GetFiles()));
+  const std::array<std::u16string, 2> tags{u"100", u"200"};
+  for (const std::u16string& tag : tags) {
+    // A tag that names no contact is nobody's to delete. It has no template yet.
+    ASSERT_TRUE(store.GetRegistry().CreateKey(storage::EntryPath(tag)));
+    ASSERT_TRUE(support::WriteWhole(store.GetFiles(), storage::WavePath(tag), recording));
+  }
+  EXPECT_EQ(Send(CPL_INIT), 1);
+  bool wasFreed = false;
+  WhenFront({{L"Reinitialization",
+              [&](HWND /*dialog*/) {
+                Free();
+                wasFreed = true;
+              }},
+             {L"Property", [](HWND sheet) { PostMessageW(sheet, WM_COMMAND, IDOK, 0); }}});
+  EXPECT_EQ(Send(CPL_DBLCLK), 0);
+  support::User::Leave();
+  EXPECT_TRUE(wasFreed);
+  for (const std::u16string& tag : tags) {
+    EXPECT_TRUE(store.GetFiles().Find(storage::TemplatePath(tag)));
+  }
+  EXPECT_NE(GetModuleHandleW(L"voxtrel.cpl"), nullptr);
+  m_module = Load();
+  EXPECT_EQ(Send(CPL_EXIT), 0);
+  EXPECT_TRUE(store.GetRegistry().DeleteKey(storage::kTagKey));
 }
 
 }  // namespace
