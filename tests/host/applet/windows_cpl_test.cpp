@@ -11,7 +11,6 @@
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
-#include <deque>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -142,20 +141,6 @@ class WindowsLibrarySheet : public WindowsLibrary {
     return answer;
   }
 
-  /// Does each act when a window with its title is in front, one act after the other.
-  using Acts = std::deque<std::pair<std::wstring, std::function<void(HWND window)>>>;
-  static void WhenFront(Acts acts) {
-    support::User::WhenShown([acts = std::move(acts)](HWND window) mutable {
-      if (support::User::TextOf(window) == acts.front().first) {
-        acts.front().second(window);
-        acts.pop_front();
-      }
-      if (!acts.empty()) {
-        WhenFront(std::move(acts));
-      }
-    });
-  }
-
   [[nodiscard]] machine::Options GetOptions() const {
     return {.root = (m_folder.Path() / "root").string(),
             .microphone = {},
@@ -223,6 +208,33 @@ TEST_F(WindowsLibrarySheet, ALibraryThatIsFreedWhileItIsOpenStaysUntilTheProcess
   EXPECT_EQ(Send(CPL_EXIT), 0);
 }
 
+/// Does `act` once, when a window of this thread with a title becomes the active one. That is
+/// before the window takes any message, and so before any thread can close it.
+class WhenActive {
+ public:
+  WhenActive(std::wstring title, std::function<void()> act)
+      : m_hook(SetWindowsHookExW(WH_CBT, &OnEvent, nullptr, GetCurrentThreadId())) {
+    s_title = std::move(title);
+    s_act = std::move(act);
+  }
+  WhenActive(const WhenActive&) = delete;
+  WhenActive& operator=(const WhenActive&) = delete;
+  ~WhenActive() { UnhookWindowsHookEx(m_hook); }
+
+ private:
+  static LRESULT CALLBACK OnEvent(int code, WPARAM window, LPARAM more) {
+    if (code == HCBT_ACTIVATE && s_act &&
+        support::User::TextOf(reinterpret_cast<HWND>(window)) == s_title) {  // NOLINT
+      std::exchange(s_act, nullptr)();
+    }
+    return CallNextHookEx(nullptr, code, window, more);
+  }
+
+  static inline std::wstring s_title;
+  static inline std::function<void()> s_act;
+  const HHOOK m_hook;
+};
+
 TEST_F(WindowsLibrarySheet, AWorkerGoesOnInALibraryThatIsFreedMeanwhile) {
   const machine::Options options = GetOptions();
   machine::Backends store(options);
@@ -239,12 +251,18 @@ TEST_F(WindowsLibrarySheet, AWorkerGoesOnInALibraryThatIsFreedMeanwhile) {
   }
   EXPECT_EQ(Send(CPL_INIT), 1);
   bool wasFreed = false;
-  WhenFront({{L"Reinitialization",
-              [&](HWND /*dialog*/) {
-                Free();
-                wasFreed = true;
-              }},
-             {L"Property", [](HWND sheet) { PostMessageW(sheet, WM_COMMAND, IDOK, 0); }}});
+  const WhenActive freeing(L"Reinitialization", [&] {
+    Free();
+    wasFreed = true;
+  });
+  // The sheet takes no press before the page has seen the end of its worker.
+  const std::function<void(HWND)> close = [&](HWND window) {
+    if (wasFreed && support::User::TextOf(window) == L"Property") {
+      PostMessageW(window, WM_COMMAND, IDOK, 0);
+    }
+    support::User::WhenShown(close);
+  };
+  support::User::WhenShown(close);
   EXPECT_EQ(Send(CPL_DBLCLK), 0);
   support::User::Leave();
   EXPECT_TRUE(wasFreed);
