@@ -76,10 +76,11 @@ TEST_P(ReinitOnScreen, AnOtherMathematicsComputesAllTemplatesAgainBeforeTheEyesO
 
   Start({VOXTREL_PANEL, "--open", VOXTREL_APPLET});
   ASSERT_FALSE(m_screen->AwaitWindow("Reinitialization").id.empty());
-  ASSERT_TRUE(Await(std::chrono::seconds(30), [this] { return !NamesIn("Voxtrel_stor").empty(); }));
-  Shoot(InLanguage("reinitialization"));
   ASSERT_TRUE(
-      Await(std::chrono::seconds(60), [this] { return !m_screen->HasWindow("Reinitialization"); }));
+      Await(std::chrono::seconds(120), [this] { return !NamesIn("Voxtrel_stor").empty(); }));
+  Shoot(InLanguage("reinitialization"));
+  ASSERT_TRUE(Await(std::chrono::seconds(120),
+                    [this] { return !m_screen->HasWindow("Reinitialization"); }));
   EXPECT_EQ(NamesIn("Voxtrel_stor"), templates);
   m_sheet = m_screen->AwaitWindow(m_sheetTitle);
   Shoot(InLanguage("learning"));

@@ -15,7 +15,7 @@ namespace {
 
 using std::chrono::steady_clock;
 
-constexpr std::chrono::seconds kScreenLimit(30);
+constexpr std::chrono::seconds kScreenLimit(120);
 constexpr std::chrono::milliseconds kScreenPollInterval(50);
 
 std::string FirstLine(const std::string& text) { return text.substr(0, text.find('\n')); }

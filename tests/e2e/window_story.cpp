@@ -85,7 +85,7 @@ void WindowStory::OpenFromThePanel() {
   Start({VOXTREL_PANEL, VOXTREL_APPLET});
   ASSERT_FALSE(m_screen->AwaitWindow("Control Panel").id.empty());
   // The applet is asked for its name and icon before it is there to be opened.
-  ASSERT_TRUE(Await(std::chrono::seconds(30), [this] {
+  ASSERT_TRUE(Await(std::chrono::seconds(120), [this] {
     m_screen->Press({"Home", "Return"});
     return Await(std::chrono::seconds(3), [this] { return m_screen->HasWindow("Property"); });
   })) << ReadText(Log());
@@ -136,16 +136,16 @@ void WindowStory::ChooseContact(int index) {
 void WindowStory::Learn(const std::string& words) {
   const auto sound = Speak(m_session.Folder(), words, 11025, 1);
   const std::size_t before = NamesIn("Voxtrel_wav").size();
-  ASSERT_TRUE(Await(std::chrono::seconds(60), [&] {
+  ASSERT_TRUE(Await(std::chrono::seconds(120), [&] {
     ClickOn(resources::kRecordButtonId);
     // The recording itself has no name before it is whole.
     return Await(std::chrono::seconds(2), [this] { return IsBarShown(); });
   }));
   m_microphone->Hear(sound);
-  ASSERT_TRUE(Await(std::chrono::seconds(60), [&] {
+  ASSERT_TRUE(Await(std::chrono::seconds(120), [&] {
     return NamesIn("Voxtrel_stor").size() > before && GetEntryCount() > before;
   }));
-  ASSERT_TRUE(Await(std::chrono::seconds(60), [this] { return !IsBarShown(); }));
+  ASSERT_TRUE(Await(std::chrono::seconds(120), [this] { return !IsBarShown(); }));
 }
 
 }  // namespace e2e
