@@ -126,12 +126,12 @@ Result<Entry, FileError> LookAt(const std::u16string& path) {
     return ToEntry(found);
   }
   const DWORD error = ::GetLastError();
-  // The root of a drive is no entry of any folder.
+  // The root of a drive is no entry of any folder. A file is one, so it was not looked at.
   const DWORD attributes = ::GetFileAttributesW(ToWide(path));
-  if (attributes == INVALID_FILE_ATTRIBUTES) {
+  if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
     return Failure(ToFileError(error));
   }
-  return Entry{{}, (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0, false, false};
+  return Entry{{}, true, false, false};
 }
 
 Result<std::vector<Entry>, FileError> ListFolder(const std::u16string& folder) {
