@@ -53,6 +53,9 @@ inline constexpr std::u16string_view kTagsOfOtherContacts =
 // Why a file was not opened, made or written.
 inline constexpr std::u16string_view kFolderMissing = u"there is no such folder";
 inline constexpr std::u16string_view kFileMissing = u"there is no such file";
+inline constexpr std::u16string_view kFileIsFolder = u"it is a folder";
+inline constexpr std::u16string_view kFileNotReadable =
+    u"it is no ordinary file, or you have no right to read it";
 inline constexpr std::u16string_view kFileExists = u"there is a file already";
 inline constexpr std::u16string_view kFileProtected = u"it is protected, or is no file";
 inline constexpr std::u16string_view kFileOpenElsewhere = u"another program has it open";
@@ -94,7 +97,6 @@ inline constexpr std::u16string_view kSoundFileNotRead = u"the file could not be
 inline constexpr std::u16string_view kUnknownReason = u"an unknown reason";
 
 // Why nothing was recorded.
-inline constexpr std::u16string_view kMicrophoneFileNotOpened = u"%1: it cannot be opened";
 inline constexpr std::u16string_view kMicrophoneFileOtherFormat =
     u"%1 is no wave file of 11,025 Hz, mono, 16 bit";
 inline constexpr std::u16string_view kMicrophoneFileNotRead = u"%1 could not be read";

@@ -13,6 +13,7 @@
 
 #include "backends/text/host_path.h"
 #include "host/cli/system.h"
+#include "host/session/explanations.h"
 #include "platform/file_system.h"
 
 // Files by name, and "-" for a standard stream. A stream is copied into a file of a temporary
@@ -105,7 +106,8 @@ Result<FileArgument::Bytes, std::string> FileArgument::Read(Session& session,
   const auto file = session.GetFiles().Open(GetPath(), {});
   const auto length = file ? (*file)->GetLength() : Failure(file.error());
   if (!length) {
-    return Failure(fmt::format("{}: it cannot be opened", m_name));
+    return Failure(
+        fmt::format("{}: {}", m_name, session::ExplainUnread(session.GetFiles(), GetPath())));
   }
   if (*length > maxLength) {
     return Failure(fmt::format("{}: it is too long for {}", m_name, kind));

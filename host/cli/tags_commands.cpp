@@ -97,9 +97,11 @@ bool CanHear(Session& session) {
   const auto opened = session.GetPlatform().waveIn.Open(
       audio::MonoPcm(audio::kRecordingBits, audio::kRecordingRate));
   if (!opened) {
-    session.Fail(opened.error() == platform::WaveResult::kNoDevice
-                     ? microphone + ": it cannot be opened"
-                     : microphone + " is no wave file of 11,025 Hz, mono, 16 bit");
+    session.Fail(
+        opened.error() == platform::WaveResult::kNoDevice
+            ? microphone + ": " +
+                  session::ExplainUnread(session.GetFiles(), Session::ToSystemPath(microphone))
+            : microphone + " is no wave file of 11,025 Hz, mono, 16 bit");
   }
   return opened.has_value();
 }

@@ -13,6 +13,7 @@
 #include "host/cli/band_picture.h"
 #include "host/cli/file_arguments.h"
 #include "host/cli/output.h"
+#include "host/session/explanations.h"
 #include "voicemath/template_file.h"
 #include "voicemath/voice_mathematics.h"
 
@@ -25,10 +26,11 @@ using voicemath::CVoiceMathematics;
 using voicemath::TemplateFileError;
 
 /// Returns what is wrong with a template file, in words that go on after its name and a colon.
-std::string ExplainTemplateFile(TemplateFileError error) {
+std::string ExplainTemplateFile(Session& session, const FileArgument& file,
+                                TemplateFileError error) {
   switch (error) {
     case TemplateFileError::kNotOpened:
-      return "it cannot be opened";
+      return session::ExplainUnread(session.GetFiles(), file.GetPath());
     case TemplateFileError::kTorn:
       return "it is torn: it ends before its template does";
     case TemplateFileError::kBadFormat:
@@ -50,7 +52,7 @@ platform::Result<std::string, std::string> Load(Session& session, CVoiceMathemat
       voicemath::ReadTemplateFile(session.GetPlatform().files, file->GetPath(), mathematics);
   if (!read) {
     return platform::Failure(
-        fmt::format("{}: {}", file->GetName(), ExplainTemplateFile(read.error())));
+        fmt::format("{}: {}", file->GetName(), ExplainTemplateFile(session, *file, read.error())));
   }
   return file->GetName();
 }

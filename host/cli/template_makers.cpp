@@ -212,7 +212,7 @@ class TemplateMaker {
     const std::optional<FileError> trimming = m_mathematics.m_trimError;
     const int code = session::CheckHeader(m_mathematics, m_mathematics.m_wavePath);
     if (code != voicemath::kHeaderAccepted) {
-      return session::ExplainHeaderCode(code);
+      return session::ExplainHeaderCode(m_platform.files, m_mathematics.m_wavePath, code);
     }
     const std::string words = "it cannot be read or rewritten";
     return trimming ? words + ": " + session::ExplainFileError(*trimming) : words;

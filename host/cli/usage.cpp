@@ -309,7 +309,8 @@ void PrepareUsage(CLI::App& app, Options& options) {
       ->type_name("eds|PATH")
       ->envname("VOXTREL_CONTACTS");
   app.add_flag("--yes", options.yes, "Answer every confirmation with OK");
-  app.add_flag("--json", options.json, "Print one JSON value on standard output");
+  app.add_flag("--json", options.json,
+               "Print one JSON value on standard output (dial: one for each step or file)");
 }
 
 void AddExamples(CLI::App& app) {

@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include "host/session/explanations.h"
+
 namespace cli {
 namespace {
 
@@ -12,17 +14,6 @@ using platform::Result;
 /// counts.
 constexpr std::uint64_t kMostBytes = std::uint64_t{1} << 27U;
 
-std::string WhyNotOpened(platform::FileError error) {
-  switch (error) {
-    case platform::FileError::kNotFound:
-      return "it is not there";
-    case platform::FileError::kSharingViolation:
-      return "another program is writing it";
-    default:
-      return "it cannot be opened";
-  }
-}
-
 }  // namespace
 
 Result<std::vector<std::byte>, std::string> ReadWaveBytes(platform::FileSystem& files,
@@ -30,7 +21,7 @@ Result<std::vector<std::byte>, std::string> ReadWaveBytes(platform::FileSystem& 
   const auto file = files.Open(path, {platform::FileAccess::kRead, platform::FileShare::kRead,
                                       platform::FileCreation::kOpenExisting});
   if (!file) {
-    return Failure(WhyNotOpened(file.error()));
+    return Failure(session::ExplainUnread(files, path));
   }
   const auto length = (*file)->GetLength();
   if (length && *length > kMostBytes) {

@@ -83,8 +83,12 @@ void PlayWave(Session& session, const FileArgument& file) {
     PrintLine(fmt::format("Played {}", file.GetName()));
   }
   if (code != audio::kPlayed) {
-    session.Fail(fmt::format("{} was not played: {}", file.GetName(),
-                             session::ExplainPlayCode(session, code)));
+    const std::string reason =
+        code == audio::kSoundNotOpened
+            ? fmt::format("{} (code {})",
+                          session::ExplainUnread(session.GetFiles(), file.GetPath()), code)
+            : session::ExplainPlayCode(session, code);
+    session.Fail(fmt::format("{} was not played: {}", file.GetName(), reason));
   }
 }
 
@@ -140,7 +144,8 @@ void CheckWave(Session& session, const FileArgument& file) {
     PrintVerdicts(file.GetName(), take);
   }
   if (code != voicemath::kHeaderAccepted) {
-    session.Fail(fmt::format("{}: {}", file.GetName(), session::ExplainHeaderCode(code)));
+    session.Fail(fmt::format("{}: {}", file.GetName(),
+                             session::ExplainHeaderCode(platform.files, file.GetPath(), code)));
   }
 }
 

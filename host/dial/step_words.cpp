@@ -10,6 +10,7 @@
 
 #include "backends/text/say.h"
 #include "backends/text/utf.h"
+#include "host/session/explanations.h"
 #include "resources/report_strings.h"
 
 namespace dial {
@@ -90,7 +91,9 @@ std::string ExplainNotHeard(session::Session& session, NotHeard reason) {
     case NotHeard::kNoMicrophone:
       return file.empty() ? "there is no microphone, or no sound server; plug a microphone in, or "
                             "take a recording with --microphone FILE"
-                          : text::Say(resources::kMicrophoneFileNotOpened, {file});
+                          : file + ": " +
+                                session::ExplainUnread(session.GetFiles(),
+                                                       session::Session::ToSystemPath(file));
     case NotHeard::kWrongFormat:
       return text::Say(resources::kMicrophoneFileOtherFormat, {file});
     case NotHeard::kRefused:

@@ -369,7 +369,8 @@ std::optional<RestoredBackup> RestoreBackup(Session& session, const NamedFile& f
       Session::ToSystemPath(file.path), {platform::FileAccess::kRead, platform::FileShare::kRead,
                                          platform::FileCreation::kOpenExisting});
   if (!archive) {
-    session.Fail(file.name + ": " + ExplainReadError(archive.error()));
+    session.Fail(file.name + ": " +
+                 ExplainUnread(session.GetFiles(), Session::ToSystemPath(file.path)));
     return std::nullopt;
   }
   const auto backup = storage::ReadBackup(**archive);

@@ -75,10 +75,10 @@ std::string InWords(int code, bool isSpeakerFile) {
 }
 
 /// With a file in the microphone's place. The codes then mean something else than for a device.
-std::string RecordCodeOfFile(int code, const std::string& file) {
+std::string RecordCodeOfFile(Session& session, int code, const std::string& file) {
   switch (code) {
     case audio::kProcessEnded:
-      return text::Say(resources::kMicrophoneFileNotOpened, {file});
+      return file + ": " + ExplainUnread(session.GetFiles(), Session::ToSystemPath(file));
     case audio::kDeviceNotOpened:
       return text::Say(resources::kMicrophoneFileOtherFormat, {file});
     case audio::kDeviceLost:
@@ -129,9 +129,22 @@ std::string ExplainFileError(platform::FileError error) {
   }
 }
 
-std::string ExplainReadError(platform::FileError error) {
-  return error == platform::FileError::kNotFound ? text::Say(resources::kFileMissing)
-                                                 : ExplainFileError(error);
+// A folder is refused like a file that this user may not read. Only a search knows the difference.
+std::string ExplainUnread(platform::FileSystem& files, std::u16string_view path) {
+  using platform::FileError;
+  const auto file = files.Open(path, {});
+  switch (file ? FileError::kOther : file.error()) {
+    case FileError::kNotFound:
+      return text::Say(resources::kFileMissing);
+    case FileError::kAccessDenied: {
+      const auto search = files.Find(path);
+      const auto found = search ? (*search)->Next() : platform::Failure(search.error());
+      const bool isFolder = found && *found && (*found)->isFolder;
+      return text::Say(isFolder ? resources::kFileIsFolder : resources::kFileNotReadable);
+    }
+    default:
+      return file ? text::Say(resources::kFileFails) : ExplainFileError(file.error());
+  }
 }
 
 std::string ExplainRestoreError(storage::RestoreError error) {
@@ -160,8 +173,8 @@ int CheckHeader(voicemath::CVoiceMathematics& mathematics, const std::u16string&
   return code;
 }
 
-std::string ExplainHeaderCode(int code) {
-  return code == kFileNotOpened ? "it cannot be opened"
+std::string ExplainHeaderCode(platform::FileSystem& files, std::u16string_view path, int code) {
+  return code == kFileNotOpened ? ExplainUnread(files, path)
                                 : fmt::format("{} (code {})", Explain(code), code);
 }
 
@@ -174,11 +187,12 @@ std::string ExplainPlayCode(const Session& session, int code) {
                    {link.empty() ? InWords(code, !speaker.empty()) : link, std::to_string(code)});
 }
 
-std::string ExplainRecordCode(const Session& session, int code) {
+std::string ExplainRecordCode(Session& session, int code) {
   const std::string& microphone = session.GetMachineOptions().microphone;
   // A file in the microphone's place has words of its own for some codes, and else those of a
   // device.
-  std::string words = microphone.empty() ? std::string() : RecordCodeOfFile(code, microphone);
+  std::string words =
+      microphone.empty() ? std::string() : RecordCodeOfFile(session, code, microphone);
   if (words.empty()) {
     words = RecordCodeInWords(code);
   }
@@ -186,7 +200,7 @@ std::string ExplainRecordCode(const Session& session, int code) {
                                    : text::Say(resources::kWithCode, {words, std::to_string(code)});
 }
 
-std::string ExplainNoTag(const Session& session, const tags::Page_one& page) {
+std::string ExplainNoTag(Session& session, const tags::Page_one& page) {
   // What the disk says is nearer to the cause than a code of the recorder.
   if (const auto error = page.GetLearnError()) {
     return ExplainFileError(*error);

@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "host/session/session.h"
@@ -16,11 +17,13 @@ namespace session {
 /// Returns why a file was not made or written, in words that go on after its name and a colon.
 [[nodiscard]] std::string ExplainFileError(platform::FileError error);
 
-/// Returns the same for a file that was to be read.
-[[nodiscard]] std::string ExplainReadError(platform::FileError error);
+/// Returns why the file at `path` could not be opened to be read, in words that go on after its
+/// name and a colon. Opens it once more to find out, for itself alone. So the words are those of
+/// this moment.
+[[nodiscard]] std::string ExplainUnread(platform::FileSystem& files, std::u16string_view path);
 
 /// Returns why a page that recorded has no new tag. Returns an empty text if messages have said it.
-[[nodiscard]] std::string ExplainNoTag(const Session& session, const tags::Page_one& page);
+[[nodiscard]] std::string ExplainNoTag(Session& session, const tags::Page_one& page);
 
 /// Returns why a tag stays in the trash.
 [[nodiscard]] std::string ExplainRestoreError(storage::RestoreError error);
@@ -33,8 +36,9 @@ inline constexpr int kFileNotOpened = -1;
 [[nodiscard]] int CheckHeader(voicemath::CVoiceMathematics& mathematics,
                               const std::u16string& path);
 
-/// Returns the code in words for the user.
-[[nodiscard]] std::string ExplainHeaderCode(int code);
+/// Returns a code of CheckHeader for the file at `path` in words for the user.
+[[nodiscard]] std::string ExplainHeaderCode(platform::FileSystem& files, std::u16string_view path,
+                                            int code);
 
 /// Returns why nothing was played, in words and with `code`. The words say what the user should
 /// look at. `code` is an audio::PlayCode other than kPlayed.
@@ -42,7 +46,7 @@ inline constexpr int kFileNotOpened = -1;
 
 /// Returns why nothing was recorded, in words. `code` is an audio::RecordCode other than kRecorded.
 /// Returns an empty text if a message box has said it all.
-[[nodiscard]] std::string ExplainRecordCode(const Session& session, int code);
+[[nodiscard]] std::string ExplainRecordCode(Session& session, int code);
 
 /// Returns a sentence for each thing that is odd about a recording. What makes a recording useless
 /// is not among them.

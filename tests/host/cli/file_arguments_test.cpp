@@ -1,3 +1,7 @@
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
 #include <csignal>
 #include <fstream>
 #include <iterator>
@@ -11,6 +15,51 @@ namespace fs = std::filesystem;
 using nlohmann::json;
 using testing::HasSubstr;
 using testing::IsEmpty;
+
+/// Files that a command reads and cannot open.
+class UnreadFileArgument : public CommandFixture {
+ protected:
+  /// Runs each command that reads a file with this one. Each fails and says why by `reason`.
+  void ExpectEachSays(const std::string& file, const std::string& reason) const {
+    const std::vector<std::vector<std::string>> commands{
+        {"wave", "check", file},
+        {"wave", "play", file},
+        {"template", "show", file},
+        {"template", "learn", file, Path("new.st")},
+        {"language", "check", file},
+        {"language", "show", file},
+        {"registry", "import", file},
+        {"restore", file},
+        {"--microphone", file, "wave", "record", Path("new.wav")}};
+    for (const auto& command : commands) {
+      const auto run = Run(command);
+      EXPECT_EQ(run.exitCode, 1) << command.front() << " " << command[1];
+      EXPECT_THAT(run.err, HasSubstr(reason)) << command.front() << " " << command[1];
+    }
+  }
+};
+
+TEST_F(UnreadFileArgument, ThatIsMissingIsNamedSo) {
+  ExpectEachSays(Path("none"), "there is no such file");
+  ExpectEachSays(Path("none/none"), "there is no such file");
+}
+
+TEST_F(UnreadFileArgument, ThatIsAFolderIsNamedSo) {
+  fs::create_directory(Path("folder"));
+  ExpectEachSays(Path("folder"), "it is a folder");
+}
+
+TEST_F(UnreadFileArgument, ThatIsADeviceIsCalledNoOrdinaryFile) {
+  ExpectEachSays("/dev/null", "it is no ordinary file, or you have no right to read it");
+}
+
+TEST_F(UnreadFileArgument, ThatAnotherProgramHoldsIsNamedSo) {
+  std::ofstream(Path("held")) << "held";
+  const int held = open(Path("held").c_str(), O_RDWR | O_CLOEXEC);
+  ASSERT_EQ(flock(held, LOCK_EX), 0);
+  ExpectEachSays(Path("held"), "another program has it open");
+  close(held);
+}
 
 /// "-" in the place of a file.
 class StandardStreamAsFile : public CommandFixture {

@@ -200,7 +200,7 @@ TEST_F(JsonOutput, OfACommandThatPrintsAnObjectHasItsErrorToo) {
   const json value = json::parse(run.out, nullptr, false);
   EXPECT_EQ(value["code"], -1);
   EXPECT_EQ(value["error"]["code"], 1);
-  EXPECT_EQ(value["error"]["message"], Path("none.wav") + ": it cannot be opened");
+  EXPECT_EQ(value["error"]["message"], Path("none.wav") + ": there is no such file");
 }
 
 TEST_F(JsonOutput, OfAMessageBoxIsPartOfTheError) {

@@ -91,11 +91,11 @@ TEST_F(LanguageCommands, SayWhatToMendToOtherPrograms) {
   EXPECT_TRUE(findings[1].at("line").is_null());
 }
 
-TEST_F(LanguageCommands, FailForAFileThatCannotBeOpened) {
+TEST_F(LanguageCommands, FailForAFileThatIsNotThere) {
   for (const char* const command : {"check", "show"}) {
     const auto run = Run({"language", command, Path("none.lng")});
     EXPECT_EQ(run.exitCode, 1);
-    EXPECT_THAT(run.err, HasSubstr("none.lng: it cannot be opened"));
+    EXPECT_THAT(run.err, HasSubstr("none.lng: there is no such file"));
     EXPECT_EQ(run.out, "");
   }
 }

@@ -122,7 +122,7 @@ TEST_F(TagsLearnCommand, AMissingMicrophoneFileIsReportedBeforeAnybodyIsAskedToS
   const auto missing = Run({"--microphone", none, "tags", "learn", "--contact", "Ann Lee"});
   EXPECT_EQ(missing.exitCode, 1);
   EXPECT_EQ(missing.out, "");
-  EXPECT_EQ(missing.err, "voxtrel: " + none + ": it cannot be opened\n");
+  EXPECT_EQ(missing.err, "voxtrel: " + none + ": there is no such file\n");
   ExpectNothingLearned();
 }
 

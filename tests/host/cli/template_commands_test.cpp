@@ -333,11 +333,11 @@ TEST_F(TemplateCommands, ARecordingIsNotOverwrittenByItsTemplate) {
   }
 }
 
-TEST_F(TemplateCommands, AnEmptyNameIsAFileThatCannotBeOpened) {
+TEST_F(TemplateCommands, AnEmptyNameIsAFileThatIsNotThere) {
   EXPECT_EQ(RunJson({"template", "learn", "", Path("a.st")}, 1)["result"], 2);
   const auto run = Run({"template", "show", ""});
   EXPECT_EQ(run.exitCode, 1);
-  EXPECT_EQ(run.err, "voxtrel: : it cannot be opened\n");
+  EXPECT_EQ(run.err, "voxtrel: : there is no such file\n");
 }
 
 TEST_F(TemplateCommands, OneFrameIsNotCalledFrames) {

@@ -84,6 +84,10 @@ TEST_F(Help, OfEachCommandShowsItsUsageAndTheOptionsOfEveryCommand) {
   }
 }
 
+TEST_F(Help, OfJsonSaysThatOneCommandPrintsMoreThanOneValue) {
+  EXPECT_THAT(Run({"dial", "--help"}).out, HasSubstr("one for each step or file"));
+}
+
 TEST_F(Help, OfEachCommandHasExamplesOfItsOwnAndNoneOfAnother) {
   for (const Command& command : kAllCommands) {
     const std::string examples = ExamplesOf(command);

@@ -74,7 +74,7 @@ TEST_F(WaveCommands, RecordWithoutAMicrophoneSaysSo) {
 TEST_F(WaveCommands, RecordFromAFileThatIsNoneNamesTheFile) {
   const auto missing = Run({"--microphone", Path("none.wav"), "wave", "record", Path("new.wav")});
   EXPECT_EQ(missing.exitCode, 1);
-  EXPECT_THAT(missing.err, HasSubstr("none.wav: it cannot be opened"));
+  EXPECT_THAT(missing.err, HasSubstr("none.wav: there is no such file"));
   std::ofstream(Path("text.wav")) << std::string(50, 'x');
   const auto text = Run({"--microphone", Path("text.wav"), "wave", "record", Path("new.wav")});
   EXPECT_EQ(text.exitCode, 1);
@@ -175,7 +175,8 @@ TEST_F(WaveCommands, PlaySaysWhatIsWrongWithTheFile) {
 
 TEST_F(WaveCommands, PlayOfAMissingFileSaysSo) {
   EXPECT_EQ(RunJson({"wave", "play", Path("missing.wav")}, 1)["code"], 1);
-  EXPECT_THAT(Run({"wave", "play", Path("missing.wav")}).err, HasSubstr("could not be opened"));
+  EXPECT_THAT(Run({"wave", "play", Path("missing.wav")}).err,
+              HasSubstr("missing.wav was not played: there is no such file (code 1)"));
 }
 
 TEST_F(WaveCommands, PlayWithoutALoudspeakerSaysSo) {

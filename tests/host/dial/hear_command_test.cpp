@@ -74,7 +74,7 @@ TEST_F(HearCommand, ReportsAMicrophoneThatIsMissing) {
   Teach("Anna Berg", "anna_1");
   EXPECT_THAT(Failure(Run({"--contacts", Contacts(), "dial", "--yes"})),
               HasSubstr("there is no microphone"));
-  EXPECT_THAT(Failure(Hear(Path("none.wav"))), HasSubstr("none.wav: it cannot be opened"));
+  EXPECT_THAT(Failure(Hear(Path("none.wav"))), HasSubstr("none.wav: there is no such file"));
   std::ofstream(Path("text.wav")) << "no sound";
   EXPECT_THAT(Failure(Hear(Path("text.wav"))), HasSubstr("text.wav is no wave file of 11,025 Hz"));
 }

@@ -60,7 +60,7 @@ TEST_F(DialRecognition, AFileThatCannotBeReadIsNamedAndTheOthersAreHeard) {
   const auto run =
       Run({"dial", "--recognize", Path("missing.wav"), Path("text.wav"), Sample("anna_2")});
   EXPECT_EQ(run.exitCode, 1);
-  EXPECT_THAT(run.err, HasSubstr("missing.wav: it is not there"));
+  EXPECT_THAT(run.err, HasSubstr("missing.wav: there is no such file"));
   EXPECT_THAT(run.err, HasSubstr("text.wav: it is not a wave file"));
   EXPECT_THAT(run.out, HasSubstr("anna_2.wav: sure"));
   EXPECT_THAT(run.out, HasSubstr("Lee Ann  5551234  Mobile"));
