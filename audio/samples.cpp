@@ -43,6 +43,7 @@ std::vector<std::byte> ToWaveFile(std::span<const std::int16_t> samples) {
 }
 
 std::vector<std::int16_t> MakeTone() {
+  // High enough for the loudspeaker of a telephone. A fifth of full scale, and a fifth of a second.
   constexpr double kFrequency = 880;
   constexpr double kAmplitude = 6500;
   constexpr std::size_t kLength = kRecordingRate / 5;

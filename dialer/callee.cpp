@@ -9,6 +9,8 @@
 #include "resources/calling_strings.h"
 #include "storage/phone_types.h"
 
+// Whatever cannot be found out leaves a callee that has a name to show and a fault that says why
+// nobody is called. So no face needs a case of its own for contacts that are missing.
 namespace dialer {
 namespace {
 
@@ -72,6 +74,7 @@ Callee FindCallee(platform::ContactsStore* contacts, const Candidate& candidate)
     return callee;
   }
   const std::u16string oid = text::FromUtf8(std::to_string(*candidate.oid));
+  // This stays if the contact cannot be read, or has neither a name nor a company.
   callee.name = callee.listedName = text::FromUtf8(SayFilled(resources::kUnknownContact, oid));
   const auto contact = contacts != nullptr ? contacts->GetItemFromOid(*candidate.oid)
                                            : platform::Failure(platform::ContactsError::kFailed);

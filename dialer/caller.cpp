@@ -6,6 +6,8 @@
 
 #include "backends/text/utf.h"
 
+// The rule that all of this keeps: no number is dialled twice. Another way is tried only as long as
+// nothing can have been dialled.
 namespace dialer {
 namespace {
 

@@ -42,8 +42,9 @@ struct PassedOverWay {
   CallFault fault;
 };
 
-/// Calls numbers by the way that the user wants. If the user chose none, those that work are found
-/// out in their order. A wish that names a modem means the serial port. Used by one thread.
+/// Calls numbers by the way that the user wants. If the user chose none, it tries the ways in the
+/// order of kWays and takes the first one that works. A wish that names a modem means the serial
+/// port. Used by one thread.
 class Caller {
  public:
   Caller(const CallerParts& parts, CallWish wish);

@@ -4,6 +4,9 @@
 #include <cstddef>
 #include <string_view>
 
+// A conversation is a small machine of states. Each function shows one step, waits for the user if
+// the step is a question, and returns what comes next. What is remembered between tries is who was
+// rejected, the takes that count together, and one take that is worth keeping.
 namespace dialer {
 namespace {
 
@@ -179,6 +182,7 @@ Conversation::Next Conversation::Confirm() {
 /// Plays the voice tag, so that the user hears who was understood without looking, and waits.
 Reply Conversation::AwaitSecondThoughts() {
   Interruptible waiter(m_face);
+  // The time to think begins after the voice tag: before its end nobody can know who is called.
   const auto tag = std::ranges::find(m_parts.tags, m_callees[0].candidate.tag, &TaughtTag::name);
   if (tag != m_parts.tags.end() && Play(m_parts.sound, tag->samples, waiter) == Played::kStopped) {
     return waiter.GetReply();
@@ -217,6 +221,7 @@ Conversation::Next Conversation::Accept(std::size_t choice) {
   if (choice >= m_callees.size()) {
     return End(Step::kStopped);
   }
+  // The first callee is the one that was understood. Any other choice says that it was wrong.
   if (choice > 0) {
     NoteMisheard();
   }
@@ -243,6 +248,7 @@ bool Conversation::MakeCall() {
                .callees = m_callees,
                .call = &call,
                .canHangUp = m_canHangUp});
+  // A user who has just stopped a call is not asked anything more.
   if (call || call.error().problem != CallProblem::kStopped) {
     OfferToKeep();
   }

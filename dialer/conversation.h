@@ -108,9 +108,9 @@ struct Manner {
   bool asks = true;   ///< There is a user to ask, and one who can stop a call.
 };
 
-/// So long a user can stop a call before it begins.
+/// Milliseconds in which a user can stop a call before it begins.
 inline constexpr std::uint32_t kSecondThoughts = 2000;
-/// So often in a row a name may not be understood.
+/// After so many tries in a row that came to nothing, the conversation ends.
 inline constexpr int kMostTries = 3;
 
 /// One call, from the name that is said to the number that is dialled. Writes nothing by itself.

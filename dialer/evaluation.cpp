@@ -98,6 +98,7 @@ Recognizer Evaluation::Teach(std::size_t round, std::size_t firstLeftOut,
 
 const Utterance& Evaluation::Asked(std::size_t label, std::size_t round) const {
   const Takes& takes = m_labels[label];
+  // Half of the way round from the middle of those that teach.
   return *takes[(round + (takes.size() + m_taught) / 2) % takes.size()];
 }
 

@@ -12,6 +12,10 @@
 #include "voicemath/take_speech.h"
 #include "voicemath/take_template.h"
 
+// How it is known that a name was said to its end. A voice that pauses and a voice that has ended
+// look the same at first, so nothing but time separates them: after 0.4 s of quiet the name is
+// over. Noise must not keep the microphone open, and a click must not count as a name. So both ends
+// are judged by the functions that judge and cut a recording.
 namespace dialer {
 namespace {
 
@@ -19,6 +23,7 @@ using platform::WaveHeader;
 using platform::WaveResult;
 using Stage = ListeningProgress::Stage;
 
+// Milliseconds from one look at the device to the next. A meter moves smoothly so.
 constexpr std::uint32_t kLookInterval = 50;
 constexpr std::uint32_t kEchoTime = 100;  ///< Until a room has swallowed the tone.
 /// What a device may be late with the end of a sound, and with the end of a recording.
@@ -128,6 +133,7 @@ void Recording::TakeArrived() {
 std::optional<NotHeard> Recording::Fill() {
   m_startTick = m_sound.clock.GetTickCount();
   for (;;) {
+    // While the buffer is not full, this only copies what has come.
     const WaveResult result = m_device.Unprepare(m_header);
     if (result == WaveResult::kNoDevice) {
       return NotHeard::kLost;
@@ -190,6 +196,8 @@ bool HasSpeechEnded(std::span<const std::int16_t> samples) {
 }
 
 platform::Result<Heard, NotHeard> Listen(const Sound& sound, Listener& listener) {
+  // The microphone is opened before the tone, since that may take a moment: whoever speaks right
+  // after the tone must be heard.
   const auto device = sound.waveIn.Open(audio::RecordingFormat());
   if (!device) {
     return platform::Failure(WhyNotOpened(device.error(), sound));

@@ -11,7 +11,7 @@
 
 namespace dialer {
 
-/// What is listened and played with. All of it outlives its users.
+/// The devices that listening and playing use. All of them outlive their users.
 struct Sound {
   platform::WaveIn& waveIn;
   platform::WaveOut& waveOut;
@@ -44,7 +44,7 @@ class Waiter {
   [[nodiscard]] virtual bool Wait(std::uint32_t milliseconds) = 0;
 };
 
-/// A waiter to whom it is shown how far listening has come, about 20 times a second.
+/// A waiter that also gets the progress of listening, about 20 times a second.
 class Listener : public Waiter {
  public:
   virtual void ShowProgress(const ListeningProgress& progress) = 0;
@@ -65,9 +65,9 @@ enum class NotHeard : std::uint8_t {
   kLost,         ///< The microphone went away while it was listened to.
 };
 
-/// The longest that is listened.
+/// Milliseconds after which listening ends, whatever is heard.
 inline constexpr std::uint32_t kLongestListening = 3000;
-/// So long it is quiet before the speech counts as ended.
+/// Milliseconds of quiet after which the speech counts as ended.
 inline constexpr std::uint32_t kQuietEnd = 400;
 
 /// Returns whether somebody has spoken in `samples`, 11,025 a second, and has been quiet for the

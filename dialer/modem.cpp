@@ -61,6 +61,7 @@ Modem::Modem(platform::SerialPort& port, platform::Clock& clock, HangingUp hangi
 CallResult Modem::Dial(const Number& number, Waiter& waiter) {
   ForgetWhatWasSaid();
   const std::string dialled = number.ToDialString();
+  // A modem says nothing while it pauses.
   const auto pauses = std::ranges::count_if(dialled, [](char c) { return c == ',' || c == 'W'; });
   const auto longer = static_cast<std::uint32_t>(pauses) * kPause;
   const auto sent = Send("ATD" + dialled + ";");
@@ -121,11 +122,14 @@ Modem::Asked Modem::Await(std::uint32_t silence, std::uint32_t longest, Waiter* 
       }
       lastHeard = now;
     }
+    // Some modems end a line late, or not at all.
     if (now - lastHeard >= kQuiet) {
       if (const auto answer = reader.TakeUnendedLine()) {
         return *answer;
       }
     }
+    // A modem that repeats the command has understood the speed of the line, and only the network
+    // is slow. One that says nothing is switched off.
     if (now - start >= (reader.HasEcho() ? longest : silence)) {
       return Failure(JudgeSilence(reader));
     }

@@ -24,10 +24,10 @@ class Modem {
   /// `port` and `clock` outlive this.
   Modem(platform::SerialPort& port, platform::Clock& clock, HangingUp hangingUp);
 
-  /// Dials, and waits for the modem's answer: kSilence if it says nothing, kLongestDialling if it
-  /// has understood. The waiter is asked all the while. If there is no call in the end, the modem
-  /// hangs up, so that it does not keep the line. If there is one, it goes on after the port is
-  /// closed.
+  /// Dials, and waits for the modem's answer: for kSilence while it says nothing at all, and for
+  /// kLongestDialling once it has repeated the command. The waiter is asked all the while. If there
+  /// is no call in the end, the modem hangs up, so that it does not keep the line. If there is one,
+  /// it goes on after the port is closed.
   [[nodiscard]] CallResult Dial(const Number& number, Waiter& waiter);
 
   /// Ends the call. Fails if the modem does not confirm that. Does nothing if hanging up is not

@@ -4,6 +4,9 @@
 #include <array>
 #include <utility>
 
+// Modems differ in their words, their line ends and what they say unasked. So each whole line is
+// compared with all answers that modems are known to give. What is neither an answer nor an echo
+// nor news counts as noise, which is a sign of a wrong speed.
 namespace dialer {
 namespace {
 

@@ -9,6 +9,8 @@
 #include "backends/text/utf.h"
 #include "resources/calling_strings.h"
 
+// A text becomes a number only if every character of it is understood. To leave out what is not
+// understood would dial another number: 55501010102 for "555 0101 or 0102".
 namespace dialer {
 namespace {
 

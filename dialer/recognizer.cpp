@@ -8,6 +8,8 @@
 #include "dialer/speech_features.h"
 #include "voicemath/template_distance.h"
 
+// First every tag is compared by its template, which is quick and puts most names in the right
+// order. Then the nearest ones are compared by their sound, which decides.
 namespace dialer {
 namespace {
 
@@ -188,6 +190,7 @@ class Comparison {
 
   [[nodiscard]] float Nearest() const {
     constexpr float kSame = 1e-6F;
+    // The take may be the recording of the tag itself. Nothing is divided by zero then.
     return std::max(m_best.front().distance, kSame);
   }
 
@@ -246,6 +249,7 @@ float Recognizer::MeasureUntaught() const {
   const std::size_t count = std::min(firsts.size(), kMostUntaught);
   std::size_t pairs = 0;
   for (std::size_t k = 0; k < count && firsts.size() > 1 && pairs < kMostUntaughtPairs; ++k) {
+    // Spread over all tags, which are in the order in which they were taught.
     const std::size_t heard = firsts[k * firsts.size() / count];
     std::vector<KnownTag> others;
     std::vector<std::size_t> numbers;

@@ -65,7 +65,7 @@ class Recognizer {
 
   Steps m_steps;
   std::vector<KnownTag> m_tags;
-  std::vector<std::size_t> m_numbers;  ///< By tag: alike for all tags of one number.
+  std::vector<std::size_t> m_numbers;  ///< For each tag the same as for all tags of its number.
   float m_untaught;                    ///< The evidence that a word has here that was not taught.
 };
 

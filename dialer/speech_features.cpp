@@ -8,6 +8,9 @@
 #include "voicemath/constants.h"
 #include "voicemath/fft.h"
 
+// The steps are the usual ones of speech recognition: window, power spectrum, bands of the mel
+// scale, logarithm, cosine transform, slopes. The numbers are the usual ones too, if no comment
+// says otherwise. Floats suffice here: unlike templates, nobody stores what is computed.
 namespace dialer {
 namespace {
 
@@ -112,6 +115,7 @@ BandPowers SumBands(const std::array<float, kBins>& powers) {
 /// windows at once, one as the imaginary half. The transform of a real signal is symmetric, and by
 /// that the two are separated again.
 std::vector<BandPowers> MeasureBands(std::span<const std::int16_t> samples) {
+  // At least a few frames, so that no caller meets a recording without any. They are silence.
   const std::size_t whole = samples.size() < kWindow ? 0 : (samples.size() - kWindow) / kStep + 1;
   std::vector<BandPowers> bands(std::max(whole, kLeastFrames));
   std::array<float, kWindow> real{};
@@ -161,6 +165,7 @@ FrameRange FindSpeechFrames(std::span<const BandPowers> bands) {
   }
   std::vector<float> sorted = levels;
   std::ranges::sort(sorted);
+  // Not the lowest and the highest level: one odd frame must not decide.
   const float room = sorted[sorted.size() / 10];
   const float peak = sorted[sorted.size() - 1 - sorted.size() / 50];
   const float least = std::max(peak - kBelowPeak, std::min(room + kAboveRoom, peak - kAboveRoom));
@@ -252,6 +257,7 @@ SpeechFeatures SpeechFeatures::Backwards() const {
   for (std::size_t feature = 0; feature < kCount; ++feature) {
     std::ranges::reverse(backwards.At(feature));
   }
+  // What rose before falls now.
   for (std::size_t feature = kCepstra; feature < kCount; ++feature) {
     for (float& slope : backwards.At(feature)) {
       slope = -slope;

@@ -11,6 +11,8 @@
 #include "backends/text/utf.h"
 #include "storage/registry_keys.h"
 
+// Another program, or a person, may have written these settings. One that is missing has its usual
+// value. One that makes no sense stops the call: at a wrong speed a modem would get noise.
 namespace dialer {
 namespace {
 
@@ -94,6 +96,7 @@ Result<StoredLine, CallFault> ReadStoredLine(platform::Registry& registry) {
   StoredLine stored;
   stored.line = {*baudRate, static_cast<int>(*dataBits), *stopBits, *flowControl};
   stored.port = text::ReadText(key, storage::kComPortValue);
+  // The setting says that hanging up is *not* used. It is stored so by the page.
   stored.hangingUp = text::ReadText(key, storage::kIsHangUpValue) == u"1"
                          ? Modem::HangingUp::kNotUsed
                          : Modem::HangingUp::kUsed;

@@ -13,6 +13,8 @@
 #include "storage/tag_store.h"
 #include "voicemath/constants.h"
 
+// The applet may delete or write any of this at the same time. So each tag is read by itself, and
+// one that is not whole is passed over with the reason.
 namespace dialer {
 namespace {
 

@@ -12,7 +12,7 @@
 
 namespace dialer {
 
-/// A voice tag as the applet left it. It stays as it is here while the applet goes on.
+/// A voice tag as it was when it was read. The applet may have changed its files since then.
 struct TaughtTag {
   std::u16string name;
   /// The contact's identifier. Nothing if the entry names no contact.

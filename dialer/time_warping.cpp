@@ -4,6 +4,10 @@
 
 #include "dialer/speech_features.h"
 
+// The way through all pairs of times is found row by row, so two rows are all the memory that it
+// needs. Each row is made in two passes. The first takes the steps that come from the row before
+// and is free of dependencies, so the compiler makes vectors of it. The second adds the steps
+// within the row.
 namespace dialer {
 namespace {
 

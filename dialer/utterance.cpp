@@ -33,6 +33,7 @@ Utterance::Utterance(Take take, Steps steps)
     : Utterance(LearnedTemplate(LimitTake(take)),
                 steps == Steps::kBoth ? KeepSpeech(LimitTake(take)) : Take()) {}
 
+// The applet has cut the recording of a tag already, and has computed its template.
 Utterance::Utterance(const TaughtTag& tag, Steps steps)
     : Utterance(tag.features, steps == Steps::kBoth ? LimitTake(tag.samples) : Take()) {}
 

@@ -13,6 +13,8 @@
 #include "platform/file_system.h"
 #include "voicemath/constants.h"
 
+// Wave files of other programs, for a user who tries the recognizer on recordings. The applet
+// itself writes one form only.
 namespace dialer {
 namespace {
 

@@ -8,6 +8,7 @@
 #include "backends/text/utf.h"
 #include "resources/calling_strings.h"
 
+// The words for every outcome of a call: one for scripts, which never changes, and one for people.
 namespace dialer {
 namespace {
 

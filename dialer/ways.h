@@ -41,7 +41,7 @@ inline constexpr std::u16string_view kWayValue = u"way";
 /// is none, or if the registry cannot be asked: the first way that works is taken then.
 [[nodiscard]] std::optional<Way> ReadWay(platform::Registry& registry);
 
-/// Remembers the choice. Nothing takes it back.
+/// Remembers the choice. Takes an earlier one back if `way` is empty.
 [[nodiscard]] platform::Result<void, platform::RegistryError> ChooseWay(
     platform::Registry& registry, std::optional<Way> way);
 

@@ -49,8 +49,9 @@ class CFile {
   [[nodiscard]] Done SetLength(std::uint64_t length);
   [[nodiscard]] Done Flush();
 
-  /// Returns why the last operation since Open, Open too, that failed did so. Returns nothing if
-  /// none has failed. For callers that leave the reading and writing to others.
+  /// Returns the error of the last operation that failed, from the last Open on. That Open counts
+  /// too. Returns nothing if none has failed. For callers that leave the reading and writing to
+  /// others.
   [[nodiscard]] std::optional<platform::FileError> GetError() const { return m_error; }
 
   /// Closes the file. It is closed afterwards in any case; after a failure writes may be lost.

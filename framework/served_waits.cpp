@@ -3,6 +3,8 @@
 #include <memory>
 #include <utility>
 
+// Each wait of a thread or an event is handed to the server as one function, which may run on
+// another thread. It uses this object, and that is safe: Await returns after it.
 namespace framework {
 namespace {
 

@@ -15,7 +15,7 @@ namespace language {
 // file there, to choose English is to take it away. The languages to choose from are files of one
 // folder, each named "Voxtrel.LANGUAGE.lng".
 
-/// Why a language was not chosen. What was in place is in place still.
+/// Why a language was not chosen. The file in place stays as it was then.
 enum class LanguageError : std::uint8_t {
   kOwnFile,     ///< The file in place is none of the folder, and would be replaced.
   kUnreadable,  ///< The file of the language, or the one in place, cannot be read.
@@ -29,6 +29,7 @@ enum class OwnFile : std::uint8_t {
   kMayGo,  ///< It is kept next to its place, under another name.
 };
 
+/// Lists the languages, and chooses one. Keeps nothing: each call reads the folder and the file.
 class LanguageChoice {
  public:
   /// `folder` has the languages, and `place` is the path of the file in use. `files` outlive this.
@@ -43,7 +44,7 @@ class LanguageChoice {
   [[nodiscard]] std::optional<std::string> GetCurrent() const;
 
   /// Puts a language in place in one step. An empty text means the built-in English. The folders on
-  /// the way are there. Returns the name of the copy if a file of the user's own was kept, else an
+  /// the way must exist. Returns the name of the copy if a file of the user's own was kept, else an
   /// empty text.
   [[nodiscard]] platform::Result<std::u16string, LanguageError> Choose(const std::string& language,
                                                                        OwnFile ownFile) const;

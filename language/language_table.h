@@ -47,8 +47,9 @@ class LanguageTable {
   /// as a language file must, the table is empty and nothing is reported: all texts are empty then.
   void Load(platform::FileSystem& files, std::u16string_view path);
 
-  /// Does the same, but waits up to a second while another process reads the file. Nobody shares
-  /// the file with others, and programs that start together must not lose all their texts.
+  /// Does the same, but waits up to a second while another process reads the file. Each
+  /// process opens the file for itself alone, and programs that start together must not lose all
+  /// their texts.
   void Load(platform::FileSystem& files, std::u16string_view path, platform::Clock& clock);
 
   /// Does the same with a file that was read already.

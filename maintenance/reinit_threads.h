@@ -75,7 +75,7 @@ class ReinitWorker {
   std::unique_ptr<voicemath::CVoiceMathematics> m_mathematics;
 };
 
-/// Paces the base reinitialization, on a thread of the dialog. It lets the worker begin after the
+/// Paces the reinitialization, on a thread of the dialog. It lets the worker begin after the
 /// dialog has appeared, and moves the bar on after each recording of the worker.
 class ReinitMonitor {
  public:

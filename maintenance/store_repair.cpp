@@ -114,6 +114,8 @@ platform::Result<void, RepairError> RepairTemplate(const platform::Platform& pla
     return platform::Failure(RepairError::kNoRecording);
   }
   const std::u16string path = storage::TemplatePath(tagName);
+  // A template is written over an earlier file, which keeps its end if it is longer. So that goes
+  // first.
   static_cast<void>(platform.files.Delete(path));
   if (!voicemath::WriteTemplateFile(platform.files, path, mathematics)) {
     static_cast<void>(platform.files.Delete(path));

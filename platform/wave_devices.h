@@ -67,7 +67,8 @@ class WaveInDevice {
   virtual ~WaveInDevice() = default;
 
   /// Makes the header fit to be queued and sets kWaveHeaderPrepared in its flags. A second call
-  /// does no harm. kFailed if the header has no memory, kStillPlaying while it is queued.
+  /// does no harm. Returns kFailed if the header has no memory, and kStillPlaying while it is
+  /// queued.
   [[nodiscard]] virtual WaveResult Prepare(WaveHeader& header) = 0;
 
   /// Queues a prepared header and sets its `bytesRecorded` to 0. Its memory must stay until
@@ -128,7 +129,8 @@ class WaveOutDevice {
   virtual ~WaveOutDevice() = default;
 
   /// Makes the header fit to be queued and sets kWaveHeaderPrepared in its flags. A second call
-  /// does no harm. kFailed if the header has no memory, kStillPlaying while it is queued.
+  /// does no harm. Returns kFailed if the header has no memory, and kStillPlaying while it is
+  /// queued.
   [[nodiscard]] virtual WaveResult Prepare(WaveHeader& header) = 0;
 
   /// Queues a prepared header and starts to play it. Its memory must stay as it is until Unprepare

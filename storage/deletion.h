@@ -75,7 +75,7 @@ struct DeletedAll {
     const std::function<std::u16string(std::u16string_view)>& getText,
     const std::function<void(DeletionProblem)>& report);
 
-/// What kept a tag that nobody asked to delete.
+/// Why a tag whose contact has gone was not deleted.
 enum class StaleError : std::uint8_t {
   kRecordingInUse,
   kTemplateInUse,

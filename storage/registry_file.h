@@ -54,8 +54,8 @@ inline constexpr std::uint64_t kMaxRegistryFileLength = std::uint64_t{1} << 28;
     platform::Registry& registry, std::span<const RegistryChange> changes);
 
 /// Returns such a file with the key of `path` and all below it. Without a path it holds the whole
-/// registry. The same keys and values give the same bytes. What is read from them again are the
-/// same keys and values, byte for byte. Fails with kInvalid if another program made a name or a
+/// registry. The same keys and values give the same bytes. If they are read again, they give
+/// the same keys and values, byte for byte. Fails with kInvalid if another program made a name or a
 /// length that could not be read again.
 [[nodiscard]] platform::Result<std::vector<std::byte>, platform::RegistryError> WriteRegistryFile(
     platform::Registry& registry, std::u16string_view path = {});

@@ -43,7 +43,7 @@ struct RestorePlan {
 using ContactHere = std::function<std::optional<std::int32_t>(std::int32_t)>;
 
 /// Compares a backup with the store, and changes nothing. The error is the name of the tag that
-/// cannot be compared now, or nothing if it is no tag that cannot be read.
+/// cannot be read now. It is empty if something else cannot be read.
 [[nodiscard]] platform::Result<RestorePlan, std::u16string> PlanRestore(
     platform::FileSystem& files, platform::Registry& registry, platform::File& archive,
     const BackupContents& backup, const ContactHere& contactHere);

@@ -21,6 +21,7 @@ class TarWriter {
   /// `file` is open for writing, at its beginning, and outlives this.
   explicit TarWriter(platform::File& file) : m_file(file) {}
 
+  /// Adds a member. `name` has at most 100 bytes. After a failure the archive is torn.
   [[nodiscard]] platform::Result<void, platform::FileError> Add(std::string_view name,
                                                                 std::span<const std::byte> bytes);
 

@@ -53,7 +53,7 @@ class ContactList {
   /// kept.
   [[nodiscard]] ContactRecord& GetNext() { return m_records[static_cast<std::size_t>(m_count)]; }
 
-  /// Takes the record that was filled into use.
+  /// Counts the record that was filled as one in use.
   void KeepNext() { ++m_count; }
 
   /// Returns null if no record in use has this index.

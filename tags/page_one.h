@@ -74,8 +74,8 @@ class Page_one : public framework::CPropertyPage, private maintenance::TagSessio
   }
 
  private:
-  /// One line of the list. The rows of the tag table are counted from the registry and so are not
-  /// the lines: a tag whose contact has gone keeps its row and has no line.
+  /// One line of the list. Its index is not that of its row in the tag table: the rows are counted
+  /// from the registry, and a tag whose contact has gone keeps its row and has no line.
   struct ListedTag {
     std::u16string tagName;
     std::int32_t row = 0;   ///< Of the tag table.

@@ -14,7 +14,7 @@
 
 namespace voicemath {
 
-/// Transforms in place: complex, radix 2, decimation in frequency.
+/// Transforms in place: complex, radix 2, decimation in frequency (Gentleman and Sande 1966).
 ///
 /// `real` and `imaginary` have the same length, a power of two. `sign` 1 is the forward transform
 /// with the kernel e^(-2 pi i k n / N). `sign` -1 is the inverse without its scale. Every product,

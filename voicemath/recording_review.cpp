@@ -11,6 +11,7 @@
 namespace voicemath {
 namespace {
 
+// The place of the samples per second in a header that was accepted.
 constexpr std::uint64_t kRateOffset = 24;
 
 using platform::Failure;

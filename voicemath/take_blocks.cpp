@@ -29,7 +29,9 @@ constexpr float kLowestPitch = 48;          ///< A creaking voice.
 constexpr float kHighestPitch = 430;
 constexpr float kPitchWindow = 0.05F;  ///< Seconds.
 
-/// A filter of second order (Butterworth), which keeps what is above or below an edge.
+/// A filter of second order (Butterworth), which keeps what is above or below an edge. Its factors
+/// are those of the bilinear transform (R. Bristow-Johnson, "Cookbook formulae for audio EQ biquad
+/// filter coefficients"), in the transposed direct form II.
 class Filter {
  public:
   enum class Keeps : std::uint8_t { kAbove, kBelow };
@@ -166,6 +168,7 @@ Voicing TakeBlocks::VoicingAt(std::size_t block) const {
     for (std::size_t i = lag; i < size; ++i) {
       sum += window[i] * window[i - lag];
     }
+    // A longer lag leaves fewer products, so the sum is scaled as if there were as many.
     likeness[lag] = sum * static_cast<float>(size) / static_cast<float>(size - lag);
   }
   const auto best =

@@ -122,6 +122,8 @@ void TakeSpeech::AddBand(const std::vector<float>& powers, float room, Loudness&
   }
 }
 
+// Each band has a room of its own, since hum fills the lowest one and hiss the highest. How far a
+// block rises above the room is the mean of its bands.
 void TakeSpeech::MeasureLoudness() {
   for (std::size_t band = 0; band < kTakeBands; ++band) {
     const std::vector<float> single = PowersOf(m_blocks, band);
@@ -134,6 +136,8 @@ void TakeSpeech::MeasureLoudness() {
   std::ranges::transform(m_single.level, m_single.level.begin(), LevelDb);
 }
 
+// In two passes. Soft noise repeats itself by chance now and then. So the loudest voiced block is
+// found first, and what is far below it is dropped.
 void TakeSpeech::FindVoiced() {
   const std::size_t count = m_blocks.Count();
   m_isVoiced.assign(count, false);
@@ -215,6 +219,8 @@ float TakeSpeech::Brightness(std::size_t block) const {
   return power > 0 ? std::acos(std::clamp(slope / power, -1.0F, 1.0F)) : 0;
 }
 
+// Looks at pairs of voiced blocks that are kToneStep apart. A mouth hardly ever stands still for
+// so long: the middle of the spectrum drifts, or the bands change their shares.
 bool TakeSpeech::IsTone() const {
   std::vector<float> drifts;
   std::vector<float> moves;
@@ -267,6 +273,7 @@ float TakeSpeech::Movement(std::size_t first, std::size_t last) const {
   for (std::size_t band = 0; band < kTakeBands; ++band) {
     std::vector<float> heights;
     for (std::size_t i = first + kMoveEdge; i + kMoveEdge < last; ++i) {
+      // Against the mean of all bands: a sound that only becomes louder or softer does not move.
       float mean = 0;
       for (const auto& each : levels) {
         mean += each[i] / kTakeBands;
@@ -279,6 +286,8 @@ float TakeSpeech::Movement(std::size_t first, std::size_t last) const {
 }
 
 bool TakeSpeech::FindWhisper() {
+  // Without a voice the loudest block of all is the measure of what belongs to the speech. If it is
+  // no whisper either, the marks are again those of what came nearest to speech.
   const float loudestVoiced = m_loudest;
   m_loudest = *std::ranges::max_element(m_smooth.level);
   MarkActive();
@@ -311,6 +320,7 @@ bool TakeSpeech::HasFragment() const { return m_found.voiced > 1 && m_found.long
 bool TakeSpeech::IsCut(bool fromEnd) const {
   const std::size_t count = m_blocks.Count();
   std::size_t run = 0;
+  // Goes inwards from the edge. One block that is too soft may be between two that are not.
   std::size_t loud = 0;  // Of the first blocks.
   float loudest = LevelDb(0);
   for (std::size_t i = 0; i < count && i <= run + 1; ++i) {

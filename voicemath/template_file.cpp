@@ -51,6 +51,7 @@ platform::Result<void, TemplateFileError> WriteTemplateFile(platform::FileSystem
   const auto stored = ToResult(archive.Close());
   const CFile::Done flushed = file.Flush();
   const CFile::Done closed = file.Close();
+  // Any of these steps may be the first one that finds no room.
   if (file.GetError() == platform::FileError::kDiskFull) {
     return Failure(TemplateFileError::kDiskFull);
   }

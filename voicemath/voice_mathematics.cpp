@@ -80,6 +80,7 @@ float CVoiceMathematics::GetTemplateDuration(std::int32_t slot) const {
       !m_templates[static_cast<std::size_t>(slot)]) {
     return 0.0F;
   }
+  // Frames overlap by half, so there is one hop more than there are frames.
   const std::int32_t hops = m_hopsPerFrame + m_frameCounts[static_cast<std::size_t>(slot)];
   constexpr auto kHop = static_cast<std::int32_t>(kFrameHop);
   return static_cast<float>(hops * kHop - kHop) * kSecondsPerSample;

@@ -17,8 +17,8 @@ enum class DoorbellError : std::uint8_t {
   kFailed,          ///< The system gives no socket, or none at this path.
 };
 
-/// One process asks another one on this machine for its attention with this. It is a socket of this
-/// user with a name that both know.
+/// With this one process asks another one on this machine to come forward. It is a socket of this
+/// user, and both know its name.
 class Doorbell {
  public:
   /// In bytes.

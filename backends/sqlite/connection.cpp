@@ -208,6 +208,7 @@ Result<void, RegistryError> Connection::FillInMemory(const Settings& settings) {
 Result<void, RegistryError> Connection::Configure(const Settings& settings) const {
   sqlite3* const database = m_database.get();
   sqlite3_busy_timeout(database, static_cast<int>(settings.busyLimit.count()));
+  // A store that another hand has made may hold triggers, which would run with each change.
   SetOption(database, SQLITE_DBCONFIG_DEFENSIVE, true);
   SetOption(database, SQLITE_DBCONFIG_ENABLE_TRIGGER, false);
   int result = SQLITE_OK;

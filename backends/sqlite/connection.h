@@ -25,8 +25,8 @@ enum class Access : std::uint8_t {
   kRead,
 };
 
-/// Returns the file of a store, which are the database and what the library makes next to it, that
-/// is a symbolic link. Returns an empty path if none is. The folders on the way may be links.
+/// Returns the first file of a store that is a symbolic link: the database, or a file that the
+/// library makes next to it. Returns an empty path if none is. The folders on the way may be links.
 [[nodiscard]] std::filesystem::path FindLink(const std::filesystem::path& database);
 
 class Connection;
@@ -45,10 +45,10 @@ class Connection {
     std::uint32_t number = 0;  ///< Differs from that of every other connection of one registry.
   };
 
-  /// Opens the database. To change it, the registry is made if there is none. To read it, a
-  /// database that is missing or empty counts as a new registry, which is kept in memory. A file
-  /// that holds something else, a damaged or a newer registry is left byte for byte as it is, and
-  /// so is what a link leads to (kLink).
+  /// Opens the database. If it is opened for changes, the registry is made if there is none. If it
+  /// is opened for reading, a database that is missing or empty counts as a new registry, which is
+  /// kept in memory. Fails and changes no byte if the file holds something else, or a registry that
+  /// is damaged or newer, or if it is a link (kLink).
   [[nodiscard]] static OpenedConnection Open(const Settings& settings);
 
   /// Returns whether this stands for a database that is missing or empty.

@@ -134,6 +134,7 @@ Result<void, RegistryError> CreateIfEmpty(sqlite3* database,
                                                       : Result<void, RegistryError>();
                           })
                           .and_then([&] { return ToResult(Execute(database, "COMMIT")); });
+  // Still in the transaction, so something failed.
   if (sqlite3_get_autocommit(database) == 0) {
     [[maybe_unused]] const int undone = Execute(database, "ROLLBACK");
   }

@@ -293,6 +293,7 @@ void SqliteRegistry::NoteDamage(RegistryError error) {
     return;
   }
   m_damaged = true;
+  // What lies in the log stays there. To move it into a damaged database could spread the damage.
   m_connection->Abandon();
 }
 

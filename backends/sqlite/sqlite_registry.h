@@ -35,7 +35,7 @@ struct RegistryOptions {
 };
 
 /// The registry in one SQLite database, which other processes may have open as well. The database
-/// is reached for at the first call, and again at the next one if that failed. So a store that was
+/// is opened at the first call, and again at the next one if that failed. So a store that was
 /// locked or away is found when it is back. A database once found damaged while in use is not
 /// touched again by this object. On a full medium the registry opens all the same, for reading; a
 /// change gives kFull until there is room.

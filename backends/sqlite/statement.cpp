@@ -132,6 +132,7 @@ platform::Result<std::int64_t, int> QueryInteger(sqlite3* database, const char* 
   if (result == SQLITE_ROW) {
     return run.IntegerAt(0);
   }
+  // Each of these statements has a row in every whole database.
   return platform::Failure(result == SQLITE_DONE ? SQLITE_CORRUPT : result);
 }
 

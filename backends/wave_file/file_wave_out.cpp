@@ -88,6 +88,7 @@ FileWaveOut::FileWaveOut(platform::FileSystem& files, std::u16string path)
 platform::Result<std::unique_ptr<platform::WaveOutDevice>, platform::WaveResult> FileWaveOut::Open(
     const platform::WaveFormat& format) {
   if (!platform::IsWholeBytePcm(format)) return platform::Failure(WaveResult::kBadFormat);
+  // One device at a time, like a loudspeaker: two would replace the file of each other.
   if (!m_device.expired()) return platform::Failure(WaveResult::kNoDevice);
   auto next = m_files.OpenReplacement(m_path);
   if (!next) return platform::Failure(WaveResult::kNoDevice);

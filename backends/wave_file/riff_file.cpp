@@ -119,7 +119,7 @@ class ChunkWalk {
 };
 
 constexpr std::size_t kHeaderBytes = 44;
-constexpr std::uint32_t kBytesBehindRiffSize = kHeaderBytes - 8;
+constexpr std::uint32_t kBytesAfterRiffSize = kHeaderBytes - 8;
 
 using Header = std::array<std::byte, kHeaderBytes>;
 
@@ -143,7 +143,7 @@ Header MakeHeader(const platform::WaveFormat& format, std::uint32_t dataBytes,
                   std::uint32_t padding) {
   Header header{};
   PutId(header, 0, "RIFF");
-  Put32(header, 4, kBytesBehindRiffSize + dataBytes + padding);
+  Put32(header, 4, kBytesAfterRiffSize + dataBytes + padding);
   PutId(header, 8, "WAVE");
   PutId(header, 12, "fmt ");
   Put32(header, 16, kFormatBytes);
@@ -177,7 +177,7 @@ platform::Result<void, WaveResult> WriteWaveFile(platform::File& file,
                                                  std::span<const std::byte> samples) {
   // A chunk of odd size is followed by a byte that belongs to none.
   const std::size_t padding = samples.size() % 2;
-  if (samples.size() > std::numeric_limits<std::uint32_t>::max() - kBytesBehindRiffSize - padding) {
+  if (samples.size() > std::numeric_limits<std::uint32_t>::max() - kBytesAfterRiffSize - padding) {
     return platform::Failure(WaveResult::kFailed);
   }
   const Header header = MakeHeader(format, static_cast<std::uint32_t>(samples.size()),

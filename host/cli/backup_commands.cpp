@@ -12,7 +12,7 @@
 #include "host/session/backups.h"
 #include "storage/tag_record.h"
 
-// What host/session/ does about backups, asked for and told on a terminal.
+// Backups on a terminal. host/session/ does the work, and this asks and prints.
 namespace cli {
 namespace {
 

@@ -13,6 +13,8 @@
 #include "host/cli/output.h"
 #include "host/dial/commands.h"
 
+// One call by the way that the options or the settings choose, and the command that ends the call
+// of a modem.
 namespace dial {
 namespace {
 
@@ -69,7 +71,10 @@ CallResult PlaceCall(cli::Session& session, const cli::DialOptions& options,
   }
   calling::LocalCaller caller(session.GetRegistry(), session.GetClock(), WishOf(options));
   CallResult result = caller.Get().Call(*number, waiter);
+  // Only now it is known which way the call took.
   ReportWay(session, caller.Get(), *number);
+  // The modem keeps the line after this program has ended. So the user needs another command to end
+  // the call.
   if (result && caller.Get().GetWay() == Way::kSerial && !session.GetOptions().json &&
       caller.Get().MayHangUp()) {
     cli::PrintLine("To end the call: voxtrel dial --hang-up" +

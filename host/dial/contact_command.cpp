@@ -20,6 +20,7 @@
 #include "host/session/page_run.h"
 #include "tags/phone_kind.h"
 
+// `dial --to`: a call to a person who is named, so that nobody has to speak.
 namespace dial {
 namespace {
 
@@ -55,6 +56,7 @@ const ListedContact* ChooseContact(cli::Session& session,
 std::optional<std::u16string> ChooseKind(cli::Session& session, const ListedContact& contact,
                                          const std::string& wanted) {
   std::string offered;
+  // Each of them is what the Learning page lists: the number and, after a blank, its kind.
   for (const std::u16string& number : contact.numbers) {
     const std::u16string_view kind = tags::PhoneTypeWord(number);
     if (wanted.empty() || text::SameName(kind, text::FromUtf8(wanted))) {
@@ -102,6 +104,7 @@ void CallContact(cli::Session& session, const cli::DialOptions& options) {
   if (!kind) {
     return;
   }
+  // Nobody was heard. So there is no tag and no distance, and nothing speaks for anybody else.
   const dialer::Candidate candidate{
       .tag = {}, .oid = contact->oid, .phoneKind = *kind, .distance = 0, .score = 1};
   const dialer::Callee callee = dialer::FindCallee(store, candidate);

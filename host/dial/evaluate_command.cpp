@@ -16,6 +16,8 @@
 #include "host/dial/commands.h"
 #include "host/dial/wave_takes.h"
 
+// `dial --evaluate`: how often the recognizer is right with the voices of a folder. It needs
+// neither tags nor contacts. All processors read and ask the recordings, since both take long.
 namespace dial {
 namespace {
 
@@ -23,7 +25,8 @@ using dialer::EvaluationFigures;
 
 constexpr const char* kTakeName = "LABEL_SPEAKER_TAKE.wav, in which TAKE is a number";
 
-/// Does `work` for 0 to `count` - 1, on all processors.
+/// Does `work` for 0 to `count` - 1, on all processors. Each thread takes the next number that none
+/// has taken: the rounds take different times, so equal shares would leave some processors idle.
 void ForEach(std::size_t count, const std::function<void(std::size_t)>& work) {
   std::atomic<std::size_t> next{0};
   const auto run = [&] {
@@ -57,6 +60,7 @@ std::vector<TakeFile> FindTakes(cli::Session& session, const std::string& folder
     session.Fail(fmt::format("{}: {}", folder, error.message()));
     return {};
   }
+  // A folder gives them in an order of its own. Sorted, the warnings are the same each time.
   std::ranges::sort(names);
   std::vector<TakeFile> takes;
   for (const std::string& name : names) {

@@ -13,6 +13,9 @@
 #include "backends/text/utf.h"
 #include "host/machine/places.h"
 
+// The dialer itself changes nothing. To keep a take it runs the command line as a user would: `tags
+// learn`, with the take in the place of the microphone. So the rules of a new tag stand in one
+// place.
 namespace dial {
 namespace {
 
@@ -78,6 +81,9 @@ platform::Result<void, std::string> KeepTake(session::Session& session,
                                            "VOXTREL_MICROPHONE=" + folder.File("take.wav"),
                                            "VOXTREL_SPEAKER=" + folder.File("heard.wav")};
   const fs::path program = machine::Places(posix::FindOwnFile()).GetProgram(machine::kCommandLine);
+  // A program that is run so has the standard streams of this one. The shell only sends its answer
+  // to a file, and what it says to the user nowhere: this program says it in its own words. The "="
+  // is needed, since an identifier may begin with a minus sign.
   const auto end = posix::RunInForeground(
       {"/bin/sh", "-c", R"(exec "$@" >"$0" 2>/dev/null)", folder.File("answer.json"),
        program.string(), "--json", "tags", "learn",

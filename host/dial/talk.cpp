@@ -17,6 +17,7 @@ void Talk(cli::Session& session, const cli::DialOptions& options, const dialer::
   const platform::Platform platform = session.GetPlatform();
   const dialer::Recognizer recognizer(
       taught.tags, options.quick ? dialer::Steps::kTemplatesOnly : dialer::Steps::kBoth);
+  // Without tags nobody is looked up, and to read an address book may take seconds.
   platform::ContactsStore* const contacts = taught.tags.empty() ? nullptr : OpenContacts(session);
   const dialer::Parts parts{
       .tags = taught.tags,

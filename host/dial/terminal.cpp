@@ -13,6 +13,9 @@
 
 #include "platform/threads.h"
 
+// Keys as they are pressed. For that the terminal gives each byte at once and shows none. This
+// setting outlives the process that made it. So the destructor takes it back, and so does a handler
+// of each signal that may end or stop the process.
 namespace dial {
 namespace {
 
@@ -111,6 +114,7 @@ std::unique_ptr<Terminal> Terminal::Open(platform::Clock& clock) {
 Terminal::Terminal(platform::Clock& clock) : m_clock(clock) {
   g_keyByKey = g_before;
   g_keyByKey.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO);
+  // A read returns as soon as there is a byte. Only poll waits.
   g_keyByKey.c_cc[VMIN] = 1;
   g_keyByKey.c_cc[VTIME] = 0;
   for (std::size_t i = 0; i < kSignals.size(); ++i) {
@@ -121,6 +125,7 @@ Terminal::Terminal(platform::Clock& clock) : m_clock(clock) {
   continued.sa_handler = TakeTerminalAgain;
   continued.sa_flags = SA_RESTART;
   ::sigaction(SIGCONT, &continued, &g_continuedBefore);
+  // Keys that were pressed before this are dropped: nobody had asked anything yet.
   ::tcsetattr(kInput, TCSAFLUSH, &g_keyByKey);
 }
 
@@ -158,6 +163,9 @@ bool Terminal::ReadBytes() {
   return count > 0 || (count < 0 && (errno == EINTR || errno == EAGAIN));
 }
 
+// Escape and the first byte of an arrow key are the same. A terminal sends the bytes of one press
+// together, so what one read returned is taken for whole presses.
+// A key counts also when the time is over: a wait of 0 sees a key that is there.
 Key Terminal::ReadKey(std::uint32_t milliseconds) {
   const std::uint32_t start = m_clock.GetTickCount();
   for (;;) {

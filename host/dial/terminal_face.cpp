@@ -145,6 +145,8 @@ void TerminalFace::ShowProgress(const dialer::ListeningProgress& progress) {
   if (!m_showsLevel || progress.stage != dialer::ListeningProgress::Stage::kSpeak) {
     return;
   }
+  // On standard error, since a program may read standard output. The carriage return lets the next
+  // line take the place of this one.
   const double share = std::clamp(1 - progress.levelDb / kQuietestDb, 0.0, 1.0);
   const int filled = static_cast<int>(share * kLevelCells);
   const std::string line = fmt::format("\r  [{:#<{}}{:.<{}}] {:.1f} s ", "", filled, "",
@@ -187,6 +189,8 @@ Reply TerminalFace::ToReply(Key key) const {
       const bool isYes = key.letter == 'y' || key.letter == 'Y';
       return {.kind = isYes ? Reply::Kind::kYes : Reply::Kind::kNo};
     }
+    // Where nothing is asked, a key stops what goes on: listening, the wait before a call, or the
+    // call that is being made.
     default:
       return {.kind = key.kind == Key::Kind::kEscape ? Reply::Kind::kStop : Reply::Kind::kNo};
   }

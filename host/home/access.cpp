@@ -5,6 +5,8 @@
 #include <QToolButton>
 #include <QVariant>
 
+// Screen readers describe a widget by its class. A widget that is something else to its user, such
+// as a label that is a heading, has its role as a property, and the factory of this file reads it.
 namespace home {
 namespace {
 

@@ -120,6 +120,7 @@ AddressBookSection::AddressBookSection(const SetupTools& tools, Errands& errands
 }
 
 void AddressBookSection::OnShown() {
+  // The user may leave the page and come back while the contacts are still being read.
   if (m_isBusy) {
     return;
   }

@@ -41,6 +41,7 @@ std::variant<Arguments, int> ParseArguments(machine::Options options, int argc,
   app.add_flag("--teach", arguments.teaches, "Teach a name at once");
   app.add_flag("--dial", arguments.dials, "Open the page that hears a name and calls")
       ->excludes("--teach");
+  // Not for users, so no help shows it. The program ends when the application object is there.
   app.add_flag("--probe", arguments.isProbe)->group("");
   try {
     app.parse(argc, argv);

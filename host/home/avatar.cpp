@@ -17,6 +17,8 @@ QString FirstLetterOf(const QString& word) {
 }
 
 bool BeginsALetter(const QString& word) {
+  // A first half of a character is taken for a letter: letters of most scripts outside the first
+  // 65,536 characters are.
   return !word.isEmpty() && (word.at(0).isLetterOrNumber() || word.at(0).isSurrogate());
 }
 

@@ -77,6 +77,7 @@ BackupSection::BackupSection(const SetupTools& tools, Errands& errands, QWidget*
   m_restore = AddButton(resources::kRestoreBackup, "restore", [this] { ChooseBackup(); });
   ShowButtons({m_backUp, m_restore});
   m_progress = new QProgressBar(this);
+  // Nobody knows how long it takes, so the bar runs to and fro.
   m_progress->setRange(0, 0);
   m_progress->setTextVisible(false);
   m_progress->setAccessibleName(Say(resources::kBackup));

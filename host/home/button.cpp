@@ -69,6 +69,9 @@ QSize Button::sizeHint() const {
   return {std::max(symbol + words.width() + room, kLeastTarget), std::max(height, kLeastTarget)};
 }
 
+// Styles make symbols as large as they like and leave the gap to their own taste. Here the symbol
+// is as high as the letters, and both together stand in the middle. The style still draws the frame
+// and the focus.
 void Button::paintEvent(QPaintEvent* /*event*/) {
   QStylePainter painter(this);
   QStyleOptionButton option;

@@ -53,6 +53,7 @@ void CallsSection::OnShown() {
 }
 
 void CallsSection::Show(std::optional<dialer::Way> way) {
+  // What is shown is not the choice of the user.
   const QSignalBlocker blocker(m_ways);
   const QString word = way ? qt::ToQString(dialer::WordOf(*way)) : QString();
   m_ways->setCurrentIndex(std::max(0, m_ways->findData(word)));
@@ -69,6 +70,7 @@ void CallsSection::Choose(const QString& word) {
         return dialer::ChooseWay(backends.GetRegistry(), way).has_value();
       },
       [this](bool isKept) {
+        // After a failure the box shows what is stored, and not what was chosen.
         ShowNews(*m_news, isKept ? QString() : Say(resources::kWayNotKept));
         OnShown();
       });

@@ -162,6 +162,8 @@ void DialPage::ShowIdle() {
 
 /// Shows the buttons of a state, and the list of calls if nothing goes on.
 void DialPage::Enter(State state) {
+  // The filter sees each event of the whole application. So it is there only while a call is about
+  // to begin.
   const bool wasSure = m_state == State::kSure;
   m_state = state;
   if (wasSure != (state == State::kSure)) {
@@ -215,10 +217,12 @@ void DialPage::Hear() {
   m_canTeach = false;
   m_stage->ShowText(Say(resources::kOneMoment), {});
   Enter(State::kListening);
+  // What is shown now stays until the microphone is open, which may take a moment.
   m_talk.Hear();
 }
 
 void DialPage::CallAgain(int row) {
+  // Row i of the list is call i.
   const dialer::RecentCall& call = m_calls.at(static_cast<std::size_t>(row));
   m_canTeach = false;
   m_note.clear();

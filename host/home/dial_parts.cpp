@@ -53,6 +53,7 @@ std::u16string PrepareTalk(const machine::Options& options, const Sound& sound,
   }
   vcard::AddressBooks& contacts = session.GetContacts();
   const bool areOpen = tags::OpenContacts(contacts, session.GetClock()).has_value();
+  // Made before anybody speaks: it would keep the user waiting for the answer.
   const dialer::Recognizer recognizer(taught->tags);
   calling::LocalCaller caller(session.GetRegistry(), sound.clock, {});
   std::function<platform::Result<void, dialer::CallFault>()> hangUp;
@@ -77,7 +78,7 @@ std::u16string PrepareTalk(const machine::Options& options, const Sound& sound,
              }
              return call;
            },
-       .keep = {},
+       .keep = {},  // The window does this itself, with its own thread for the store.
        .hangUp = hangUp});
   contacts.Logoff();
   return {};

@@ -212,6 +212,8 @@ void LikenessPage::ShowPairs() {
   }
   m_picture->Show(names, m_pairs, [this](std::size_t pair) { return Describe(pair); });
   m_picture->setAccessibleDescription(m_summary->text());
+  // The place in the list stays, since the pair that was there may have gone: a tag was taught
+  // again.
   const int row = std::max(m_list->currentRow(), 0);
   m_list->clear();
   for (std::size_t i = 0; i < m_pairs.size(); ++i) {

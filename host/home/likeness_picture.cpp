@@ -80,6 +80,8 @@ QPointF LikenessPicture::PointAt(double angle, double radius) const {
   return QRectF(rect()).center() + radius * QPointF(std::sin(angle), -std::cos(angle));
 }
 
+// A curve is drawn towards the centre. So curves between neighbours stay at the edge, and few of
+// them cross.
 QPainterPath LikenessPicture::CurveOf(std::size_t pair) const {
   const QPointF from =
       PointAt(AngleOf(static_cast<double>(m_places[m_pairs[pair].first])), Radius());
@@ -97,6 +99,7 @@ std::optional<std::size_t> LikenessPicture::FindPair(const QPoint& at) const {
   double least = kFingerRadius;
   for (std::size_t i = 0; i < m_pairs.size(); ++i) {
     const QPainterPath curve = CurveOf(i);
+    // A point for each few pixels of the curve is near enough for a finger.
     for (int step = 0; step <= kSteps; ++step) {
       const QPointF away = curve.pointAtPercent(static_cast<double>(step) / kSteps) - at;
       const double distance = std::hypot(away.x(), away.y());
@@ -199,6 +202,8 @@ double LikenessPicture::NamePlaceOf(std::size_t place, double span) const {
 /// Writes a name outwards from its place, and never upside down.
 void LikenessPicture::PaintName(QPainter& painter, std::size_t tag, double place) const {
   const double angle = AngleOf(place);
+  // The text is turned so that it leads away from the centre. On the left it is turned once more,
+  // by half a turn, and ends at the dot.
   const bool isOnTheRight = std::sin(angle) >= 0;
   const double begin = Radius() + kDot + kNameGap;
   QFont font = painter.font();

@@ -108,6 +108,7 @@ int Show(const home::Arguments& arguments, const std::string& token) {
   home::OnlyWindow only(qEnvironmentVariable("XDG_RUNTIME_DIR").toStdString(),
                         backends.GetRoot().native());
   const std::string_view wish = arguments.teaches ? kTeach : arguments.dials ? kDial : kShow;
+  // Another program has the window and shows it now. That is no failure of this one.
   if (!only.Claim(std::string(wish) + token)) {
     return 0;
   }
@@ -120,6 +121,7 @@ int Show(const home::Arguments& arguments, const std::string& token) {
                        QStringLiteral("voxtrel-home"));
   home::TagsWindow* shown = nullptr;
   home::OtherPrograms programs(arguments.machine, [&shown](const QString& message) {
+    // The window that shows the messages is made after what may send them.
     shown->Report({false, qt::ToText(message)});
   });
   home::TagsWindow window(work, remembered,

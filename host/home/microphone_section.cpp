@@ -67,6 +67,7 @@ MicrophoneSection::MicrophoneSection(const SetupTools& tools, QWidget* parent)
 
 void MicrophoneSection::OnShown() {
   m_isShown = true;
+  // The watch calls on a thread of its own. Tell takes the call to the event loop.
   m_watch = m_tools.inputs.StartWatch([this] { m_errands.Tell([this] { Look(); }); });
   Look();
   Listen();

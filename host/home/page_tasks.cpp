@@ -188,6 +188,7 @@ std::string RestoreTag(session::Session& session, const storage::TagTrash& trash
                        const storage::TrashedTag& tag, const KnownPeople& people) {
   const auto entry =
       storage::ReadItemEntry(session.GetFiles(), storage::InTrash(tag.file), tag.item.parts);
+  // An entry that cannot be read hinders nothing: the trash gives back what it has.
   if (entry && people.Find(*entry) == KnownPeople::Presence::kElsewhere) {
     return text::Say(resources::kPersonElsewhere);
   }
@@ -236,6 +237,8 @@ std::vector<std::int16_t> SamplesOf(std::span<const std::byte> wave) {
 DeletedTags PageTasks::Delete(const Names& tags) {
   DeletedTags deleted;
   const TrashWatch watch(m_options);
+  // The list shows when a tag was taught, which is the time of its recording. A tag that comes back
+  // out of the trash is written again, so its time is kept here.
   std::map<std::u16string, fs::file_time_type> times;
   for (const std::u16string& tag : tags) {
     std::error_code error;

@@ -175,6 +175,7 @@ PeopleList::PeopleList(Choose choose, std::function<void()> setUp, QWidget* pare
 void PeopleList::Show(const std::shared_ptr<const Shelf>& shelf) {
   m_isRead = true;
   m_problem = qt::ToQString(shelf->peopleProblem);
+  // A shelf comes whenever something has changed. The list must not jump while somebody reads it.
   const int row = m_list->currentIndex().row();
   const int top = m_list->verticalScrollBar()->value();
   m_model.SetShelf(shelf);

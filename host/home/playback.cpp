@@ -6,6 +6,9 @@
 #include "audio/wave_device.h"
 #include "storage/device_paths.h"
 
+// The player of the system sleeps for the length of the sound and cannot be stopped. So it gets
+// this object as its clock and its loudspeaker: the clock wakes when the user stops, or when the
+// loudspeaker has done.
 namespace home {
 
 using platform::WaveHeader;

@@ -130,6 +130,8 @@ LiveLabel* SetupSection::AddNews() {
 }
 
 void SetupSection::AddControl(QWidget* control) {
+  // The wheel scrolls the page. A list that took it would be changed by whoever only wants to
+  // scroll by.
   if (control->focusPolicy() == Qt::WheelFocus) {
     control->setFocusPolicy(Qt::StrongFocus);
   }
@@ -188,6 +190,8 @@ void SetupSection::FitButtons(int width) {
 
 void SetupSection::SetBusy(std::initializer_list<QWidget*> controls, bool isBusy) {
   for (QWidget* const control : controls) {
+    // A control that is disabled loses the focus. It gets it back, so that a user of the keyboard
+    // need not look for the place.
     if (isBusy && window()->focusWidget() == control) {
       m_focused = control;
     }

@@ -45,6 +45,7 @@ StoreWork::StoreWork(const machine::Options& options) : m_options(options), m_ta
   static_cast<void>(machine::Backends(options).GetWaveOut());
 }
 
+// The threads end after this, each after what it does now. A sound would keep the player's waiting.
 StoreWork::~StoreWork() { StopPlaying(); }
 
 StoreWork::Seen StoreWork::LookAt(const fs::path& path) {
@@ -66,6 +67,7 @@ void StoreWork::Answered(std::function<void()> answer) {
 void StoreWork::Do(std::function<std::function<void()>()> task, bool isChange) {
   m_thread.Do([this, task = std::move(task), isChange] {
     std::function<void()> answer = task();
+    // Also after a failure: a part of it may have been done.
     if (isChange) {
       ReadStore();
     }

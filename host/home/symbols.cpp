@@ -8,6 +8,8 @@
 #include <QPolygonF>
 #include <algorithm>
 
+// The symbols of desktops differ in style and are not all there everywhere, so the window draws its
+// own. They are lines in the colour of the text, and sharp at every scale.
 namespace home {
 namespace {
 

@@ -31,6 +31,7 @@ void Narrow(std::array<int, kColumnCount>& widths, int whole, int unit) {
   }
   for (std::size_t i = 0; i < widths.size() && spare > 0 && excess > 0; ++i) {
     const int own = std::max(0, widths[i] - kLeastWidths[i] * unit);
+    // Rounded up. The rest is shared among the columns that follow, so that no pixel is left over.
     const int given = std::min(own, (own * excess + spare - 1) / spare);
     widths[i] -= given;
     excess -= given;
@@ -49,6 +50,7 @@ TagList::TagList(TagModel& model, TagOrder& order, Events events, QWidget* paren
   setItemDelegate(m_delegate);
   setRootIsDecorated(false);
   setItemsExpandable(false);
+  // Then the view asks for the height of one row only, and not for that of each.
   setUniformRowHeights(true);
   setAllColumnsShowFocus(true);
   setSelectionMode(ExtendedSelection);
@@ -60,6 +62,8 @@ TagList::TagList(TagModel& model, TagOrder& order, Events events, QWidget* paren
   header()->setSectionsMovable(false);
   header()->setStretchLastSection(false);
   connect(header(), &QHeaderView::sectionResized, this, [this](int column, int, int width) {
+    // Only a width that the user has dragged is a choice. The signal comes for those that are set
+    // here too.
     if (!m_isFitting && !m_areCards) {
       m_chosenWidths[static_cast<std::size_t>(column)] = width;
     }
@@ -146,6 +150,7 @@ void TagList::resizeEvent(QResizeEvent* event) {
 void TagList::changeEvent(QEvent* event) {
   QTreeView::changeEvent(event);
   if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) {
+    // Widths in pixels mean nothing for letters of another size.
     m_chosenWidths.fill(0);
     MeasureColumns();
     FitColumns();

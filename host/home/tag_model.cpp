@@ -248,6 +248,8 @@ bool TagOrder::lessThan(const QModelIndex& a, const QModelIndex& b) const {
       return std::is_lt(order);
     }
   }
+  // Equal tags are in the order of their names, and those of one name in that of the store,
+  // whichever column was sorted by before.
   const auto order = text::CompareForDisplay(left.contact, right.contact);
   return std::is_neq(order) ? std::is_lt(order) : a.row() < b.row();
 }

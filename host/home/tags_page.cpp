@@ -253,6 +253,7 @@ void TagsPage::Adapt() {
                    m_foot->contentsMargins().right();
   m_bottom->setDirection(both <= width() ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
   int needed = m_foot->contentsMargins().left() + m_foot->contentsMargins().right();
+  // What the buttons need is known only while they show their texts.
   for (ActionButton* const button : m_actionButtons) {
     button->ShowText(true);
     needed += button->sizeHint().width() + m_foot->spacing();

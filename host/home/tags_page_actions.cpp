@@ -27,6 +27,8 @@ void TagsPage::Show(std::shared_ptr<const Shelf> shelf) {
   const auto has = [](const Shelf& some, const std::u16string& name) {
     return std::ranges::find(some.tags, name, &Tag::name) != some.tags.end();
   };
+  // A tag that has come since the last shelf was just taught or restored. It becomes the current
+  // one.
   if (m_shelf) {
     const auto added = std::ranges::find_if_not(
         shelf->tags, [&](const Tag& tag) { return has(*m_shelf, tag.name); });
@@ -83,6 +85,7 @@ void TagsPage::ShowListOrNotice() {
   } else {
     m_centre->setCurrentWidget(m_list);
   }
+  // Without tags there is nothing to search.
   const bool hasTags = m_shelf && !m_shelf->tags.empty();
   m_search->parentWidget()->setVisible(hasTags);
   m_foot->parentWidget()->setVisible(m_centre->currentWidget() == m_list);

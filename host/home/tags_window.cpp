@@ -211,6 +211,7 @@ Page* TagsWindow::GetShownPage() const {
 }
 
 void TagsWindow::OnShelf(std::shared_ptr<const Shelf> shelf) {
+  // Reported once: each change of the store brings a shelf with the same problem.
   const std::u16string before = m_shelf ? m_shelf->peopleProblem : std::u16string();
   m_shelf = std::move(shelf);
   // If there is no tag, the page itself says so.
@@ -227,6 +228,8 @@ void TagsWindow::OnShelf(std::shared_ptr<const Shelf> shelf) {
 }
 
 void TagsWindow::GiveShelf(Page& page) const {
+  // The first shelf of a start has names only. The page of the tags shows it. The other pages wait
+  // for the whole one, which has people and verdicts.
   if (m_shelf && m_shelf->areJudged) {
     page.OnShelf(m_shelf);
   }
@@ -237,6 +240,7 @@ void TagsWindow::ShowPage(PageId page, const std::u16string& tag) {
   if (maker == m_settings.pages.end()) {
     return;
   }
+  // A page is made when it is first shown: most users never open most of them.
   Page*& shown = m_pages[page];
   if (shown == nullptr) {
     shown = maker->second(*this).release();

@@ -33,6 +33,8 @@ constexpr std::size_t kTakeBytes =
 void FindLosses(HeardTake& take) {
   const auto kept =
       std::span(take.samples).subspan(take.kept.first, take.kept.last - take.kept.first + 1);
+  // The part is judged like a whole recording. If it begins or ends with speech and the recording
+  // does not, the cut went through the speech.
   const auto ofPart = voicemath::JudgeTake({.samples = kept}).verdicts;
   const auto isLost = [&](voicemath::Verdict verdict) {
     return std::ranges::count(ofPart, verdict) > std::ranges::count(take.quality.verdicts, verdict);
@@ -201,6 +203,7 @@ WaveResult TakeRecorder::Job::Fill(platform::WaveInDevice& device, WaveHeader& h
     report({.stage = Stage::kSpeak,
             .leftMilliseconds = kTakeMilliseconds - std::min(passed, kTakeMilliseconds),
             .levelDb = voicemath::PeakDb(audio::ToSamples(heard.subspan(reported)))});
+    // Half a sample that has come belongs to the next report.
     reported = header.bytesRecorded - header.bytesRecorded % kSampleBytes;
   } while (result == WaveResult::kStillPlaying && passed < kTakeMilliseconds + kLateness);
   return result;
@@ -233,6 +236,8 @@ void TakeRecorder::Start(std::function<void(const std::shared_ptr<Job>& job)> wo
   if (stop) {
     auto job = std::make_shared<Job>(m_sound, m_cueTime, *m_context, std::move(*stop));
     auto started = m_sound.threads.Start(
+        // Each thread waits for the one before it, since a device has one user at a time. The event
+        // loop waits for none of them.
         [job, work = std::move(work), previous = m_thread]() mutable {
           if (previous) {
             static_cast<void>(previous->Wait(platform::kNoLimit));

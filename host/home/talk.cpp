@@ -85,6 +85,7 @@ class Talk::Job final : public dialer::Face {
   }
 
   [[nodiscard]] dialer::Reply Await(std::uint32_t milliseconds) override {
+    // The time in which a call can be stopped is counted down in sight. Any other wait is one wait.
     const bool counts = m_step == Step::kSure && milliseconds == dialer::kSecondThoughts;
     std::uint32_t left = milliseconds;
     for (;;) {
@@ -111,6 +112,8 @@ class Talk::Job final : public dialer::Face {
                                                          dialer::Take take) {
     Lesson lesson{
         callee.candidate.oid.value_or(0), callee.candidate.phoneKind, audio::ToWaveFile(take), {}};
+    // The store has a thread of its own, which the event loop asks. So the answer comes by way of
+    // the event loop, too.
     Post([this, self, lesson = std::move(lesson)] {
       m_events.keep(lesson, [self](const Outcome& outcome) { self->TakeOutcome(outcome); });
     });
@@ -202,6 +205,8 @@ void Talk::Start(std::function<void(dialer::Conversation&, const dialer::Parts&)
   const auto job = std::make_shared<Job>(m_events, *m_context, std::move(*woken));
   job->m_self = job;
   auto started = m_tools.threads.Start(
+      // The conversation before may still hold the microphone or the modem, so its end is waited
+      // for.
       [job, talk = std::move(talk), prepare = m_tools.prepare, previous = m_thread]() mutable {
         if (previous) {
           static_cast<void>(previous->Wait(platform::kNoLimit));

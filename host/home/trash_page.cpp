@@ -87,6 +87,8 @@ void TrashPage::OnShown(const std::u16string& /*tag*/) {
 }
 
 void TrashPage::Read() {
+  // An answer to an earlier question is passed over: the trash may be read again while it is being
+  // read.
   m_work.ListTrash([self = QPointer<TrashPage>(this), reading = ++m_reading](
                        const Outcome& outcome, const std::vector<DeletedTag>& tags) {
     if (self && self->m_reading == reading) {
