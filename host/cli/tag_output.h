@@ -9,7 +9,7 @@
 
 namespace cli {
 
-/// {"name","contact","phoneType","text","wave","template","stale"}
+/// Returns a tag as {"name","contact","phoneType","text","wave","template","stale"}.
 [[nodiscard]] Json ToJson(const Session& session, const tags::ListedTag& tag);
 
 /// Returns {"verdicts","peakDb","snrDb","tooAlike"} of a recording by itself, or null if it could

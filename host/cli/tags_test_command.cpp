@@ -72,8 +72,7 @@ class ReadSession final : public maintenance::TagSession {
 
 // The dialog of the window does the work, over a session that only reads, and a story takes the
 // lines out of its list box. So the terminal shows what the window shows, line by line. The numbers
-// for
-// --json are the dialog's own.
+// of --json are the dialog's own.
 void Test(Session& session) {
   if (!session.OpenForReading()) {
     return;

@@ -14,8 +14,6 @@
 #include "host/cli/contact_choice.h"
 #include "host/cli/output.h"
 #include "host/dial/commands.h"
-#include "host/dial/talk.h"
-#include "host/dial/taught.h"
 #include "host/session/contact_listing.h"
 #include "host/session/page_run.h"
 #include "tags/phone_kind.h"

@@ -1,11 +1,10 @@
-#include "host/dial/dial_line.h"
+#include "host/dial/commands.h"
 
 #include <CLI/CLI.hpp>
 
 #include "host/cli/dial_options.h"
 #include "host/cli/session.h"
 #include "host/cli/usage.h"
-#include "host/dial/commands.h"
 
 namespace dial {
 namespace {

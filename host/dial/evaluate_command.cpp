@@ -14,7 +14,6 @@
 #include "dialer/evaluation.h"
 #include "host/cli/output.h"
 #include "host/dial/commands.h"
-#include "host/dial/wave_takes.h"
 
 // `dial --evaluate`: how often the recognizer is right with the voices of a folder. It needs
 // neither tags nor contacts. All processors read and ask the recordings, since both take long.

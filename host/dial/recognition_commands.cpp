@@ -12,8 +12,6 @@
 #include "host/cli/output.h"
 #include "host/dial/commands.h"
 #include "host/dial/step_words.h"
-#include "host/dial/taught.h"
-#include "host/dial/wave_takes.h"
 
 namespace dial {
 namespace {

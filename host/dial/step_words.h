@@ -8,8 +8,8 @@
 
 namespace dial {
 
-/// Returns somebody as every command of the dialer has him: {"contact","number","kind","tag",
-/// "distance","score"}. "contact" is the name in `contacts list`.
+/// Returns somebody in the form that all commands of the dialer print: {"contact","number","kind",
+/// "tag","distance","score"}. "contact" is the name in `contacts list`.
 [[nodiscard]] cli::Json ToJson(const dialer::Callee& callee);
 
 /// Returns a step as {"step"}. If somebody may be called, there is "candidates", an array. A call

@@ -1,4 +1,4 @@
-#include "host/dial/take_keeping.h"
+#include "host/dial/commands.h"
 
 #include <cstdlib>
 #include <filesystem>

@@ -1,12 +1,9 @@
-#include "host/dial/talk.h"
-
 #include <memory>
+#include <optional>
 #include <span>
 
 #include "dialer/recognizer.h"
 #include "host/dial/commands.h"
-#include "host/dial/take_keeping.h"
-#include "host/dial/taught.h"
 #include "host/dial/terminal.h"
 #include "host/dial/terminal_face.h"
 
@@ -43,6 +40,20 @@ void Talk(cli::Session& session, const cli::DialOptions& options, const dialer::
   TerminalFace face(session, terminal.get(), manner);
   dialer::Conversation conversation(parts, face, manner);
   run(conversation);
+}
+
+void HearAndCall(cli::Session& session, const cli::DialOptions& options) {
+  if (!session.OpenForReading()) {
+    return;
+  }
+  // A store without tags needs no address book, which may take seconds.
+  const std::optional<dialer::TaughtTags> taught = ReadTaught(session);
+  if (taught) {
+    Talk(session, options, *taught, [](dialer::Conversation& conversation) {
+      // What goes wrong was reported to the session.
+      static_cast<void>(conversation.HearAndCall());
+    });
+  }
 }
 
 }  // namespace dial

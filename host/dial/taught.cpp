@@ -1,4 +1,4 @@
-#include "host/dial/taught.h"
+#include "host/dial/commands.h"
 
 #include <fmt/format.h>
 

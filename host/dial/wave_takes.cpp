@@ -1,4 +1,4 @@
-#include "host/dial/wave_takes.h"
+#include "host/dial/commands.h"
 
 #include "dialer/taught_tags.h"
 #include "dialer/wave_reading.h"
