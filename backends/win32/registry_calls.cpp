@@ -103,6 +103,8 @@ Result<SystemKey, RegistryError> MakeSystemKey(HKEY parent, std::u16string_view 
 }
 
 Result<SystemKey, RegistryError> MakeSystemPath(HKEY hive, std::u16string_view path) {
+  // Name by name, since a user may be allowed to write to a key but not to those above it. Those
+  // are only read.
   auto key = OpenSystemKey(hive, u"", KEY_READ);
   while (key && !path.empty()) {
     const std::size_t end = std::min(path.find(u'\\'), path.size());

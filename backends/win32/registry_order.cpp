@@ -41,6 +41,9 @@ void OrderByTickCounts(Keys::iterator begin, Keys::iterator end) {
     const auto count = ToTickCount(key.name);
     return std::pair(!count, count.value_or(0));
   };
+  // A tick count begins again at 0 after 49.7 days, so these counts lie on a circle. Tags that were
+  // made one after the other are near to each other there. The widest gap on the circle is
+  // therefore the one before the first tag.
   std::ranges::stable_sort(begin, end, {}, countOf);
   const auto rest =
       std::find_if(begin, end, [](const ListedKey& key) { return !ToTickCount(key.name); });

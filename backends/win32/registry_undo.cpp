@@ -170,6 +170,7 @@ Done UndoAll(HKEY hive, const SystemKey& journals, const std::u16string& writer)
       }
     }
   }
+  // The latest step first: an earlier one may have made the key that a later one changed.
   std::ranges::sort(steps, std::ranges::greater(), [](const auto& step) { return step.first; });
   for (const auto& [name, step] : steps) {
     if (const auto undone = Undo(hive, step); !undone) {
@@ -241,6 +242,7 @@ Done UndoJournal::Recover() const {
     if (!*listed) {
       break;
     }
+    // What this process has noted is of changes that go on.
     if ((*listed)->name && ProcessOf(*(*listed)->name) != ProcessOf(m_writer)) {
       writers.push_back(std::move(*(*listed)->name));
     }

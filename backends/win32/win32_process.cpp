@@ -47,6 +47,7 @@ platform::Result<std::uint32_t, std::uint32_t> RunInForeground(
     words.push_back(text::FromUtf8(argument));
   }
   std::u16string line = JoinCommandLine(words);
+  // The program has the standard streams of this one: handles are inherited.
   STARTUPINFOW start{};
   start.cb = sizeof(start);
   PROCESS_INFORMATION made{};

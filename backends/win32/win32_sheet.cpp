@@ -94,6 +94,7 @@ LRESULT CALLBACK Win32Sheet::Watch(HWND window, UINT message, WPARAM wParam, LPA
     return *answered;
   }
   const LRESULT answer = DefSubclassProc(window, message, wParam, lParam);
+  // Only now the system has changed the page, and each page has a default button of its own.
   if (message == WM_NOTIFY && reinterpret_cast<const NMHDR*>(lParam)->code == TCN_SELCHANGE) {
     sheet.ShowDefaultButton();
   }
@@ -150,6 +151,7 @@ void Win32Sheet::Prepare() {
   for (const int size : {ICON_SMALL, ICON_BIG}) {
     SendMessageW(m_window, WM_SETICON, static_cast<WPARAM>(size), reinterpret_cast<LPARAM>(m_icon));
   }
+  // The sheet of the handheld has OK alone. It takes the place of Cancel, at the edge.
   const HWND cancel = GetDlgItem(m_window, IDCANCEL);
   const HWND ok = GetDlgItem(m_window, IDOK);
   if (cancel != nullptr && ok != nullptr) {
