@@ -18,13 +18,14 @@ QtDialog::QtDialog(const resources::DialogTemplate& dialog, platform::DialogHand
                    UiThread& thread, Pictures& pictures, QWidget* parent)
     : m_template(dialog),
       m_handler(handler),
+      m_calls(handler, [this] { DeliverLater(); }),
       m_thread(thread),
       m_surface(std::make_unique<DialogSurface>(dialog, handler, pictures, parent)),
       m_self(std::make_shared<QtDialog*>(this)) {
   m_surface->setAccessibleName(ToQString(dialog.caption));
   m_surface->onPress = [this](platform::Point point) {
-    if (!m_thread.IsWaiting() && m_callDepth == 0) {
-      Call([&] { m_handler.OnLButtonDown(point); });
+    if (!m_thread.IsWaiting() && !m_calls.IsActive()) {
+      m_calls.Make([&] { m_handler.OnLButtonDown(point); });
     }
   };
   MakeControls(pictures);
@@ -95,50 +96,41 @@ void QtDialog::GiveLabelsRoom() {
 }
 
 void QtDialog::Init() {
-  Call([this] { m_handler.OnInitDialog(); });
+  m_calls.Make([this] { m_handler.OnInitDialog(); });
 }
 
 void QtDialog::TellOk() {
-  Call([this] { m_handler.OnOK(); });
+  m_calls.Make([this] { m_handler.OnOK(); });
 }
 
 void QtDialog::TellCancel() {
-  if (!m_thread.IsWaiting() && m_callDepth == 0) {
-    Call([this] { m_handler.OnCancel(); });
+  if (!m_thread.IsWaiting() && !m_calls.IsActive()) {
+    m_calls.Make([this] { m_handler.OnCancel(); });
   }
 }
 
 bool QtDialog::AskForHelp() {
   bool hasHelp = false;
-  Call([&] { hasHelp = m_handler.OnHelp(); });
+  m_calls.Make([&] { hasHelp = m_handler.OnHelp(); });
   return hasHelp;
 }
 
-// The handler may run an event loop of its own: it opens message boxes and waits for recordings. So
-// all calls of it are counted. While one is active, nothing new that the user does is reported, and
-// posted commands are kept until the outermost call has returned.
-
-void QtDialog::Call(const std::function<void()>& call) {
-  ++m_callDepth;
-  call();
-  --m_callDepth;
-  if (m_callDepth == 0 && !m_posted.empty()) {
-    m_thread.PostForLater([weak = std::weak_ptr(m_self)] {
-      if (const auto self = weak.lock()) {
-        (*self)->DeliverPosted();
-      }
-    });
-  }
+void QtDialog::DeliverLater() {
+  m_thread.PostForLater([weak = std::weak_ptr(m_self)] {
+    if (const auto self = weak.lock()) {
+      (*self)->m_calls.Deliver();
+    }
+  });
 }
 
 // The names of controls follow their texts and choices, so they are renewed before the page works.
 void QtDialog::TellUsersCommand(int id, CommandEvent event) {
   Rename();
-  if (m_thread.IsWaiting() || m_callDepth > 0) {
+  if (m_thread.IsWaiting() || m_calls.IsActive()) {
     return;
   }
   m_command = id;
-  Call([&] { m_handler.OnCommand(id, event); });
+  m_calls.Make([&] { m_handler.OnCommand(id, event); });
   m_command = resources::kNoControlId;
 }
 
@@ -156,25 +148,7 @@ bool QtDialog::PressKey(int control, resources::Key key) {
   return true;
 }
 
-void QtDialog::PostCommand(int id) {
-  // An empty call: if nothing else is going on, its end has the command delivered.
-  m_posted.push_back(id);
-  Call([] {});
-}
-
-void QtDialog::DeliverPosted() {
-  if (m_callDepth > 0) {
-    return;  // This is called again after that call.
-  }
-  // A command may post another one. A dialog that has ended gets no more of them.
-  while (!m_posted.empty() && !m_result) {
-    const int id = m_posted.front();
-    m_posted.pop_front();
-    ++m_callDepth;
-    m_handler.OnCommand(id, CommandEvent::kPosted);
-    --m_callDepth;
-  }
-}
+void QtDialog::PostCommand(int id) { m_calls.Post(id); }
 
 // The dialog may be gone when a call from another thread arrives. A weak pointer shows that.
 void QtDialog::CallHere(const std::function<void(QtDialog&)>& call) {
@@ -191,12 +165,8 @@ void QtDialog::CallHere(const std::function<void(QtDialog&)>& call) {
 
 void QtDialog::EndDialog(int result) {
   CallHere([result](QtDialog& dialog) {
-    // The first result counts. A worker may end a dialog in the moment in which the user does.
-    if (!dialog.m_result) {
-      dialog.m_result = result;
-      if (dialog.m_onEnd) {
-        dialog.m_onEnd();
-      }
+    if (dialog.m_calls.End(result) && dialog.m_onEnd) {
+      dialog.m_onEnd();
     }
   });
 }

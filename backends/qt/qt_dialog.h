@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QProgressBar>
-#include <deque>
 #include <functional>
 #include <list>
 #include <map>
@@ -12,6 +11,7 @@
 #include "backends/qt/dialog_surface.h"
 #include "backends/qt/qt_canvas.h"
 #include "backends/qt/ui_thread.h"
+#include "framework/handler_calls.h"
 #include "platform/dialog.h"
 
 class QPushButton;
@@ -37,7 +37,7 @@ class QtDialog final : public platform::DialogWindow {
   [[nodiscard]] QPushButton* GetDefaultButton() const;
   /// Returns the controls that Tab reaches, in its order.
   [[nodiscard]] std::vector<QWidget*> GetTabChain() const;
-  [[nodiscard]] std::optional<int> GetResult() const { return m_result; }
+  [[nodiscard]] std::optional<int> GetResult() const { return m_calls.GetResult(); }
   /// `listener` is called when the dialog is ended.
   void SetEndListener(std::function<void()> listener) { m_onEnd = std::move(listener); }
 
@@ -78,11 +78,10 @@ class QtDialog final : public platform::DialogWindow {
   /// Connects a control's widget, so the dialog hears what the user does there.
   void Hear(Control& control);
   void GiveLabelsRoom();
-  /// Calls the handler. Commands that the handler posts are delivered after `call`.
-  void Call(const std::function<void()>& call);
+  /// Delivers what the handler has posted when the event loop comes to it.
+  void DeliverLater();
   void TellUsersCommand(int id, platform::CommandEvent event);
   [[nodiscard]] bool PressKey(int control, resources::Key key);
-  void DeliverPosted();
   /// Calls `call` on the user-interface thread, now or soon. Does nothing if the dialog is gone by
   /// then.
   void CallHere(const std::function<void(QtDialog&)>& call);
@@ -99,15 +98,13 @@ class QtDialog final : public platform::DialogWindow {
 
   const resources::DialogTemplate& m_template;
   platform::DialogHandler& m_handler;
+  framework::HandlerCalls m_calls;
   UiThread& m_thread;
   std::unique_ptr<DialogSurface> m_surface;
   std::list<Control> m_controls;
   std::vector<QWidget*> m_links;  ///< Children of the surface.
   std::map<int, Bar> m_bars;
-  std::deque<int> m_posted;
   std::function<void()> m_onEnd;
-  std::optional<int> m_result;
-  int m_callDepth = 0;
   int m_command = resources::kNoControlId;  ///< The command that is being handled.
   std::shared_ptr<QtDialog*>
       m_self;  ///< Dies with the dialog. Calls from other threads hold it weakly.

@@ -10,7 +10,6 @@
 
 namespace win32 {
 
-using platform::CommandEvent;
 using resources::ControlKind;
 
 namespace {
@@ -29,7 +28,11 @@ std::u16string ReadWindowText(HWND window) {
 
 Win32Dialog::Win32Dialog(const resources::DialogTemplate& dialog, platform::DialogHandler& handler,
                          UiThread& thread, Pictures& pictures)
-    : m_template(dialog), m_handler(handler), m_thread(thread), m_pictures(pictures) {}
+    : m_template(dialog),
+      m_handler(handler),
+      m_calls(handler, [this] { PostMessageW(m_window, kDeliver, 0, 0); }),
+      m_thread(thread),
+      m_pictures(pictures) {}
 
 Win32Dialog::~Win32Dialog() = default;
 
@@ -79,7 +82,7 @@ INT_PTR Win32Dialog::Answer(UINT message, WPARAM wParam, LPARAM lParam) {
       SetWindowLongPtrW(m_window, DWLP_MSGRESULT, TRUE);
       return TRUE;
     case kDeliver:
-      DeliverPosted();
+      m_calls.Deliver();
       return TRUE;
     case WM_DESTROY:
       OnDestroy();
@@ -99,7 +102,7 @@ void Win32Dialog::OnInit(HWND window) {
   MakeControls();
   m_handler.Attach(*this);
   MakeLinks();
-  Call([this] { m_handler.OnInitDialog(); });
+  m_calls.Make([this] { m_handler.OnInitDialog(); });
 }
 
 // The handler waits here for the threads that it has started, and those still find their dialog.
@@ -182,36 +185,7 @@ void Win32Dialog::DrawItem(const DRAWITEMSTRUCT& item) {
   }
 }
 
-// The handler may run a loop of its own: it opens message boxes and waits for recordings. So all
-// calls of it are counted. While one is active, nothing new that the user does is reported, and
-// posted commands are kept until the outermost call has returned.
-
-void Win32Dialog::Call(const std::function<void()>& call) {
-  ++m_callDepth;
-  call();
-  --m_callDepth;
-  if (m_callDepth == 0 && !m_posted.empty()) {
-    PostMessageW(m_window, kDeliver, 0, 0);
-  }
-}
-
-void Win32Dialog::PostCommand(int id) {
-  m_posted.push_back(id);
-  Call([] {});
-}
-
-void Win32Dialog::DeliverPosted() {
-  if (m_callDepth > 0) {
-    return;  // This is called again after that call.
-  }
-  while (!m_posted.empty() && !m_result) {
-    const int id = m_posted.front();
-    m_posted.pop_front();
-    ++m_callDepth;
-    m_handler.OnCommand(id, CommandEvent::kPosted);
-    --m_callDepth;
-  }
-}
+void Win32Dialog::PostCommand(int id) { m_calls.Post(id); }
 
 // The dialog may be gone when a call from another thread arrives. A weak pointer shows that.
 void Win32Dialog::CallHere(const std::function<void(Win32Dialog&)>& call) {
@@ -228,11 +202,8 @@ void Win32Dialog::CallHere(const std::function<void(Win32Dialog&)>& call) {
 
 void Win32Dialog::EndDialog(int result) {
   CallHere([result](Win32Dialog& dialog) {
-    if (!dialog.m_result) {
-      dialog.m_result = result;  // The first end counts.
-      if (!dialog.m_isPage) {
-        ::EndDialog(dialog.m_window, result);
-      }
+    if (dialog.m_calls.End(result) && !dialog.m_isPage) {
+      ::EndDialog(dialog.m_window, result);
     }
   });
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <deque>
 #include <functional>
 #include <map>
 #include <memory>
@@ -11,6 +10,7 @@
 #include "backends/win32/gdi.h"
 #include "backends/win32/ui_thread.h"
 #include "backends/win32/windows.h"
+#include "framework/handler_calls.h"
 #include "framework/item_list.h"
 #include "platform/dialog.h"
 
@@ -38,12 +38,12 @@ class Win32Dialog final : public platform::DialogWindow {
   void TellOk();
   [[nodiscard]] bool AskForHelp();
   /// Whether the handler runs or the thread waits, so that the dialog takes nothing from the user.
-  [[nodiscard]] bool IsBusy() const { return m_callDepth > 0 || m_thread.IsWaiting(); }
+  [[nodiscard]] bool IsBusy() const { return m_calls.IsActive() || m_thread.IsWaiting(); }
   /// Returns null before the window is there and after it is gone.
   [[nodiscard]] HWND GetWindow() const { return m_window; }
   /// Returns null if no button is the default one.
   [[nodiscard]] HWND GetDefaultButton() const;
-  [[nodiscard]] std::optional<int> GetResult() const { return m_result; }
+  [[nodiscard]] std::optional<int> GetResult() const { return m_calls.GetResult(); }
 
   void SetText(int id, std::u16string_view text) override;
   [[nodiscard]] std::u16string GetText(int id) const override;
@@ -103,10 +103,7 @@ class Win32Dialog final : public platform::DialogWindow {
 
   void MakeControls();
   void MakeLinks();
-  /// Calls the handler. Commands that the handler posts are delivered after `call`.
-  void Call(const std::function<void()>& call);
   void TellUsersCommand(int id, platform::CommandEvent event);
-  void DeliverPosted();
   /// Calls `call` on the user-interface thread, now or soon. Does nothing if the dialog is gone by
   /// then.
   void CallHere(const std::function<void(Win32Dialog&)>& call);
@@ -125,6 +122,7 @@ class Win32Dialog final : public platform::DialogWindow {
 
   const resources::DialogTemplate& m_template;
   platform::DialogHandler& m_handler;
+  framework::HandlerCalls m_calls;
   UiThread& m_thread;
   Pictures& m_pictures;
   HWND m_window = nullptr;
@@ -133,10 +131,7 @@ class Win32Dialog final : public platform::DialogWindow {
   std::vector<Control> m_controls;
   std::map<HWND, platform::Rect> m_links;
   std::map<int, Bar> m_bars;
-  std::deque<int> m_posted;
   std::function<void(HWND)> m_onCreated;
-  std::optional<int> m_result;
-  int m_callDepth = 0;
   bool m_isChanging = false;  ///< The page changes a control: what that reports is no user's doing.
   /// Dies with the dialog. Calls from other threads hold it weakly.
   const std::shared_ptr<Win32Dialog*> m_self = std::make_shared<Win32Dialog*>(this);

@@ -34,7 +34,8 @@ constexpr int kMargin = 2;
   return kind == ControlKind::kListBox ? kListMessages : kComboMessages;
 }
 
-/// Raises a flag for as long as it lives.
+/// Raises a flag for as long as it lives. A control reports changes that the page makes like those
+/// that the user makes. The flag says whose they are.
 class Change {
  public:
   explicit Change(bool& flag) : m_flag(flag), m_earlier(flag) { m_flag = true; }

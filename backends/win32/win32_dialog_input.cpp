@@ -77,14 +77,14 @@ void Win32Dialog::OnCommand(int id, int event, HWND control) {
   } else if (id == IDOK && !IsBusy()) {
     TellOk();  // Enter, in a dialog without a default button.
   } else if (id == IDCANCEL && !IsBusy()) {
-    Call([this] { m_handler.OnCancel(); });
+    m_calls.Make([this] { m_handler.OnCancel(); });
   }
 }
 
 void Win32Dialog::FollowLink(HWND link) {
   if (!IsBusy()) {
     const platform::Rect& area = m_links[link];
-    Call([&] {
+    m_calls.Make([&] {
       m_handler.OnLButtonDown({(area.left + area.right) / 2, (area.top + area.bottom) / 2});
     });
   }
@@ -117,25 +117,25 @@ void Win32Dialog::OnButton(POINT point) {
   const HWND under = ChildWindowFromPointEx(m_window, point, CWP_SKIPINVISIBLE);
   const bool isPainted = under == m_window || m_links.contains(under);
   if (isPainted && !IsBusy()) {
-    Call([&] { m_handler.OnLButtonDown(m_scale.ToDevice(point)); });
+    m_calls.Make([&] { m_handler.OnLButtonDown(m_scale.ToDevice(point)); });
   }
 }
 
 void Win32Dialog::TellOk() {
-  Call([this] { m_handler.OnOK(); });
+  m_calls.Make([this] { m_handler.OnOK(); });
 }
 
 bool Win32Dialog::AskForHelp() {
   bool hasHelp = false;
   if (!m_thread.IsWaiting()) {
-    Call([&] { hasHelp = m_handler.OnHelp(); });
+    m_calls.Make([&] { hasHelp = m_handler.OnHelp(); });
   }
   return hasHelp;
 }
 
 void Win32Dialog::TellUsersCommand(int id, CommandEvent event) {
   if (!IsBusy()) {
-    Call([&] { m_handler.OnCommand(id, event); });
+    m_calls.Make([&] { m_handler.OnCommand(id, event); });
   }
 }
 
