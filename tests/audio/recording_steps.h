@@ -10,7 +10,7 @@
 #include "tests/support/watched_file_system.h"
 
 /// Forwards every call to another wave input. A header comes out of Prepare with one more flag, so
-/// that it can be told whether the recorder sets the flags itself.
+/// that a test sees whether the recorder sets the flags itself.
 class StepsWaveIn final : public platform::WaveIn {
  public:
   StepsWaveIn(platform::WaveIn& inner, support::Steps& steps) : m_inner(inner), m_steps(steps) {}

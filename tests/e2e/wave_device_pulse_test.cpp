@@ -66,7 +66,7 @@ class WaveDeviceAndSoundServer : public testing::Test {
 
   [[nodiscard]] std::string File() const { return e2e::ReadText(m_root.Path() / "name.wav"); }
 
-  /// The samples of the file, whose header must tell their length.
+  /// The samples of the file, whose header must have their length.
   [[nodiscard]] std::vector<std::byte> Samples() const {
     const std::string file = File();
     if (file.size() < kHeaderBytes) {

@@ -74,7 +74,7 @@ class WavePlayerAndSoundServer : public testing::Test {
   template <typename Action>
   [[nodiscard]] std::jthread WhenItIsHeard(Action action) {
     return std::jthread([this, action] {
-      // The sample begins with the noise of its room, which tells it from silence.
+      // The sample begins with the noise of its room, by which it differs from silence.
       EXPECT_TRUE(m_ear->Awaits(std::span(m_samples).first(2000)));
       action();
     });

@@ -61,7 +61,7 @@ class MemoryRegistry final : public platform::Registry {
 
   platform::RegistryGate m_gate;
 
-  // Used behind the gate.
+  // Used only by the thread that the gate has let in.
   std::map<Number, Node> m_nodes;
   Number m_lastNumber;
   std::map<Number, Node> m_beforeGroup;

@@ -31,7 +31,7 @@ PEOPLE = [
     ("festival", "czech_ph", 0, "iso-8859-2",
      "pondělí úterý středa čtvrtek pátek sobota neděle leden únor březen"),
 ]
-# The same people say names that hardly anybody tells apart.
+# The same people say names that people confuse too.
 ALIKE = [
     (*PEOPLE[2][:4], "Molly Polly Holly Dolly Sally Ellie Nelly Kelly Shelly Willy"),
     (*PEOPLE[4][:4], "Jack Zack Mac Max Mike Mick Nick Rick Dick Vic"),

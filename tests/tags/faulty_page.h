@@ -32,7 +32,7 @@ class FaultyPage : public PageFixture {
   void Mend();
   /// Puts a whole tag of a contact that is gone into the store.
   void AddStaleTag(std::u16string_view tag) { PutTag(tag, 999, u"Home"); }
-  /// Opens the page anew, as after its process ended.
+  /// Opens the page again, as after its process ended.
   void Reopen();
 
   [[nodiscard]] headless::HeadlessDialog& Dialog() { return *m_dialog; }

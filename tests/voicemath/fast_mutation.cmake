@@ -7,7 +7,7 @@
 file(READ "${ROOT}/voicemath/${SOURCE}" text)
 string(FIND "${text}" "${FROM}" found)
 if(found EQUAL -1)
-  message(FATAL_ERROR "${SOURCE} has no '${FROM}' any more; the mutation has to be written anew")
+  message(FATAL_ERROR "${SOURCE} has no '${FROM}' any more; the mutation has to be written again")
 endif()
 string(REPLACE "${FROM}" "${TO}" text "${text}")
 file(MAKE_DIRECTORY "${WORK}")

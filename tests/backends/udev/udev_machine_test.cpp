@@ -19,7 +19,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 // The real library with the real program, on a machine that a tool makes up: what the kernel and
-// udev tell of each device.
+// udev say of each device.
 
 std::string BuiltIn(const std::string& node, const std::string& type) {
   return "P: /devices/platform/serial8250/tty/" + node + "\nN: " + node +

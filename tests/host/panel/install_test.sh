@@ -64,7 +64,7 @@ QT_QPA_PLATFORM=offscreen bin/voxtrel-home --root "$scratch/root" --probe || fai
 inquire() {
   bin/voxtrel-panel --inquire "$1" | grep -aq 's.v.g\|svg'
 }
-inquire "$PWD/lib/voxtrel/voxtrel.cpl" || fail "the applet does not tell its icon"
+inquire "$PWD/lib/voxtrel/voxtrel.cpl" || fail "the applet does not give its icon"
 if inquire lib/voxtrel/voxtrel.cpl 2>/dev/null; then
   fail "a library of the current folder was loaded"
 fi
