@@ -52,32 +52,53 @@ bool IsAtOrBelow(std::u16string_view path, std::u16string_view above) {
          (path.size() == above.size() || path[above.size()] == u'\\');
 }
 
-std::optional<HKEY> ReadHive() {
+/// Returns what was decided for good. Fails with kNotFound if nothing was, and with kDamaged if
+/// what stands there is no hive.
+Result<HKEY, RegistryError> ReadHive() {
   const auto own = OpenSystemKey(HKEY_CURRENT_USER, kOwnPath, KEY_READ);
   const auto value = own ? ReadValue(own->Get(), kHiveValue) : Failure(own.error());
   if (!value) {
-    return std::nullopt;
+    return Failure(value.error());
   }
-  return value->bytes == ToText(kOfMachine).bytes ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER;
+  if (value->bytes == ToText(kOfMachine).bytes) {
+    return HKEY_LOCAL_MACHINE;
+  }
+  if (value->bytes == ToText(kOfUser).bytes) {
+    return HKEY_CURRENT_USER;
+  }
+  return Failure(RegistryError::kDamaged);
+}
+
+/// Returns the hive of the machine if this user may write there, otherwise that of the user.
+Result<HKEY, RegistryError> FindHive() {
+  const auto ofMachine =
+      OpenSystemKey(HKEY_LOCAL_MACHINE, u"Software", KEY_READ | KEY_CREATE_SUB_KEY);
+  if (ofMachine) {
+    return HKEY_LOCAL_MACHINE;
+  }
+  if (ofMachine.error() == RegistryError::kReadOnly) {
+    return HKEY_CURRENT_USER;
+  }
+  return Failure(ofMachine.error());
 }
 
 }  // namespace
 
 RegistryPlace RegistryPlace::OfUser(Deciding deciding) {
   auto hive = ReadHive();
-  if (!hive) {
-    const bool mayWrite =
-        OpenSystemKey(HKEY_LOCAL_MACHINE, u"Software", KEY_READ | KEY_CREATE_SUB_KEY).has_value();
-    hive = mayWrite ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER;
-    const auto own = deciding == Deciding::kForGood ? MakeSystemPath(HKEY_CURRENT_USER, kOwnPath)
-                                                    : Failure(RegistryError::kReadOnly);
+  if (!hive && hive.error() == RegistryError::kNotFound) {
+    hive = FindHive();
+    const auto own = hive && deciding == Deciding::kForGood
+                         ? MakeSystemPath(HKEY_CURRENT_USER, kOwnPath)
+                         : Failure(RegistryError::kReadOnly);
     if (own) {
       // If this fails, the next program decides.
-      static_cast<void>(
-          WriteValue(own->Get(), kHiveValue, ToText(mayWrite ? kOfMachine : kOfUser)));
+      static_cast<void>(WriteValue(own->Get(), kHiveValue,
+                                   ToText(*hive == HKEY_LOCAL_MACHINE ? kOfMachine : kOfUser)));
     }
   }
-  return {*hive, {}, Join(kOwnPath, u"Order")};
+  // In the wrong hive the user would find no tags, and teach them again.
+  return {hive.value_or(nullptr), {}, Join(kOwnPath, u"Order")};
 }
 
 // No folder has a name with a colon at its beginning. So what belongs to one root folder never
@@ -94,6 +115,9 @@ RegistryPlace RegistryPlace::OfRoot(std::u16string_view root) {
 }
 
 std::u16string RegistryPlace::GetName() const {
+  if (hive == nullptr) {
+    return u"unknown";
+  }
   const std::u16string name(hive == HKEY_LOCAL_MACHINE ? kOfMachine : kOfUser);
   return path.empty() ? name : Join(name, path);
 }
@@ -552,9 +576,13 @@ Win32Registry::Listed Win32Registry::ListWay(const OpenKeyState& state, std::uin
     }
     const std::size_t start = state.path.empty() ? 0 : state.path.size() + 1;
     std::u16string name = own.substr(start, own.find(u'\\', start) - start);
-    if (std::ranges::find(names, name) == names.end() &&
-        OpenSystemKey(state.key.Get(), name, KEY_READ)) {
+    if (std::ranges::find(names, name) != names.end()) {
+      continue;
+    }
+    if (const auto there = OpenSystemKey(state.key.Get(), name, KEY_READ); there) {
       names.push_back(std::move(name));
+    } else if (there.error() != RegistryError::kNotFound) {
+      return Failure(there.error());
     }
   }
   return index < names.size() ? Listed(std::move(names[index])) : std::nullopt;
@@ -570,16 +598,20 @@ bool Win32Registry::IsOrdered(std::u16string_view path) const {
   });
 }
 
-std::vector<std::u16string> Win32Registry::ReadOrder(std::u16string_view path) const {
+Result<std::vector<std::u16string>, RegistryError> Win32Registry::ReadOrder(
+    std::u16string_view path) const {
   const auto order = OpenSystemKey(m_place.hive, m_place.orderPath, KEY_READ);
   const auto value = order ? ReadValue(order->Get(), path) : Failure(order.error());
   std::vector<std::u16string> names;
-  if (value) {
-    const std::u16string all = FromBytes(value->bytes);
-    for (std::size_t at = 0; at < all.size() && all[at] != u'\0';) {
-      names.emplace_back(all.c_str() + at);
-      at += names.back().size() + 1;
-    }
+  if (!value) {
+    // Without the order the tags would be listed in another one, and that would be written down.
+    return value.error() == RegistryError::kNotFound ? Result<decltype(names), RegistryError>(names)
+                                                     : Failure(value.error());
+  }
+  const std::u16string all = FromBytes(value->bytes);
+  for (std::size_t at = 0; at < all.size() && all[at] != u'\0';) {
+    names.emplace_back(all.c_str() + at);
+    at += names.back().size() + 1;
   }
   return names;
 }
@@ -598,9 +630,14 @@ Done Win32Registry::NoteOrder(std::u16string_view parentPath, HKEY parent,
 /// change.
 Done Win32Registry::KeepOrderOf(std::u16string_view path) {
   const auto [parentPath, name] = SplitLast(path);
-  if (!IsOrdered(parentPath) || std::ranges::any_of(ReadOrder(parentPath), [&](const auto& noted) {
-        return text::SameName(noted, name);
-      })) {
+  if (!IsOrdered(parentPath)) {
+    return {};
+  }
+  const auto order = ReadOrder(parentPath);
+  if (!order) {
+    return Failure(order.error());
+  }
+  if (std::ranges::any_of(*order, [&](const auto& noted) { return text::SameName(noted, name); })) {
     return {};
   }
   const auto parent = Open(parentPath, KEY_READ);
@@ -621,7 +658,10 @@ Result<std::vector<ListedKey>, RegistryError> Win32Registry::ListAll(std::u16str
       return Failure(listed.error());
     }
     if (!*listed) {
-      return InOrderOfMaking(std::move(keys), ReadOrder(parentPath));
+      auto order = ReadOrder(parentPath);
+      return order ? Result<std::vector<ListedKey>, RegistryError>(
+                         InOrderOfMaking(std::move(keys), *order))
+                   : Failure(order.error());
     }
     keys.push_back(std::move(**listed));
   }

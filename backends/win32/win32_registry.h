@@ -15,7 +15,7 @@ namespace win32 {
 
 /// The part of the system's registry that stands for the device's.
 struct RegistryPlace {
-  HKEY hive = nullptr;
+  HKEY hive = nullptr;  ///< Null if the system did not say which; then every call fails.
   std::u16string path;  ///< Below the hive; empty for all of it.
   /// Holds, in the same hive, what the system does not remember: the order in which keys were made.
   std::u16string orderPath;
@@ -24,7 +24,8 @@ struct RegistryPlace {
 
   /// Returns the place for the user's own root folder. It is HKEY_LOCAL_MACHINE if this user may
   /// write there, otherwise HKEY_CURRENT_USER, with the same paths. Once a program has decided that
-  /// for good, it stays, whatever rights a later one has.
+  /// for good, it stays, whatever rights a later one has. The hive is null if what was decided
+  /// cannot be read.
   [[nodiscard]] static RegistryPlace OfUser(Deciding deciding);
 
   /// Returns the place for another root folder, a path of the host.
@@ -124,7 +125,8 @@ class Win32Registry final : public platform::Registry {
   [[nodiscard]] bool IsOrdered(std::u16string_view path) const;
   [[nodiscard]] Done NoteOrder(std::u16string_view parentPath, HKEY parent,
                                std::u16string_view name);
-  [[nodiscard]] std::vector<std::u16string> ReadOrder(std::u16string_view path) const;
+  [[nodiscard]] platform::Result<std::vector<std::u16string>, platform::RegistryError> ReadOrder(
+      std::u16string_view path) const;
   [[nodiscard]] Done KeepOrderOf(std::u16string_view path);
   [[nodiscard]] platform::Result<std::vector<ListedKey>, platform::RegistryError> ListAll(
       std::u16string_view parentPath, HKEY parent) const;

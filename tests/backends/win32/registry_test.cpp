@@ -313,4 +313,22 @@ TEST_F(PlaceOfUser, IsDecidedOnceAndForGood) {
   EXPECT_EQ(RegistryPlace::OfUser(kForGood).GetName(), u"HKEY_CURRENT_USER");
 }
 
+// Whoever decided again would find no tags there, or hide those that are taught from now on.
+TEST_F(PlaceOfUser, IsNotDecidedAgainIfNobodyCanReadWhatWasDecided) {
+  using win32::RegistryPlace;
+  using enum RegistryPlace::Deciding;
+  const auto own = win32::MakeSystemPath(HKEY_CURRENT_USER, kOwn);
+  ASSERT_TRUE(own);
+  const platform::RegistryValue torn{RegistryType::kString,
+                                     support::Utf16Bytes(std::u16string(u"HKEY_LOC"))};
+  ASSERT_TRUE(win32::WriteValue(own->Get(), u"Hive", torn));
+  const RegistryPlace place = RegistryPlace::OfUser(kForGood);
+  EXPECT_EQ(place.hive, nullptr);
+  EXPECT_EQ(win32::ReadValue(own->Get(), u"Hive").value().bytes, torn.bytes);
+  win32::Win32Registry registry(place);
+  EXPECT_EQ(support::ErrorOf(registry.OpenKey(u"Software")), RegistryError::kOther);
+  EXPECT_EQ(support::ErrorOf(registry.OpenKey(u"")), RegistryError::kOther);
+  EXPECT_EQ(support::ErrorOf(registry.CreateKey(u"Software\\Tag")), RegistryError::kOther);
+}
+
 }  // namespace
