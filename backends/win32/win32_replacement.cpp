@@ -122,14 +122,17 @@ Win32Replacement::~Win32Replacement() {
   }
 }
 
-// Through its handle as long as there is one: what has the random name by now may be another file.
+// Through its handle if that works: what has the random name by now may be another file.
 void Win32Replacement::Discard() {
   FILE_DISPOSITION_INFO going{TRUE};
-  if (m_file.GetHandle() == nullptr) {
-    ::DeleteFileW(ToWide(m_temporary));
-  } else {
-    ::SetFileInformationByHandle(m_file.GetHandle(), FileDispositionInfo, &going, sizeof(going));
+  if (m_file.GetHandle() != nullptr &&
+      ::SetFileInformationByHandle(m_file.GetHandle(), FileDispositionInfo, &going,
+                                   sizeof(going)) != FALSE) {
+    return;
   }
+  // The file is open for nobody else, so it is closed before.
+  static_cast<void>(m_file.Close());
+  ::DeleteFileW(ToWide(m_temporary));
 }
 
 Result<void, FileError> Win32Replacement::Publish(platform::Durability durability) {
