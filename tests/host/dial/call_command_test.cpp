@@ -60,7 +60,7 @@ TEST_F(CallCommands, TheTelephoneProgramGetsTheNumber) {
   m_phone.Put();
   const auto run = CallAnna({});
   EXPECT_EQ(run.exitCode, 0) << run.err;
-  EXPECT_EQ(m_phone.GetCalled(), "tel:+12025550101\n");
+  EXPECT_EQ(m_phone.AwaitCalled(), "tel:+12025550101\n");
   EXPECT_THAT(run.out, HasSubstr("Anna Berg"));
 }
 
@@ -86,7 +86,7 @@ TEST_F(CallCommands, TheStoredWayIsTakenAndCanBeOverridden) {
   EXPECT_EQ(CallAnna({}).exitCode, 0);
   EXPECT_EQ(m_phone.GetCalled(), "");
   EXPECT_EQ(CallAnna({"--way", "tel"}).exitCode, 0);
-  EXPECT_EQ(m_phone.GetCalled(), "tel:+12025550101\n");
+  EXPECT_EQ(m_phone.AwaitCalled(), "tel:+12025550101\n");
 }
 
 TEST_F(CallCommands, EachStepIsAnObjectOfItsOwn) {

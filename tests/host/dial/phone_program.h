@@ -1,9 +1,11 @@
 #pragma once
 
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -32,6 +34,15 @@ class PhoneProgram {
   [[nodiscard]] std::string GetCalled() const {
     std::ifstream file(m_folder / "called");
     return {std::istreambuf_iterator<char>(file), {}};
+  }
+
+  /// Returns the same as soon as the program has been called. It runs by itself, and nobody waits
+  /// for it.
+  [[nodiscard]] std::string AwaitCalled() const {
+    while (GetCalled().empty()) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return GetCalled();
   }
 
   /// Returns the variables and their values by which programs find this desktop and no other.

@@ -108,7 +108,7 @@ TEST_F(DialPageCalls, TheTelephoneProgramGetsTheNumberAndTheCallIsListed) {
   m_phone.Put();
   CallAnn();
   AwaitEnd();
-  EXPECT_EQ(m_phone.GetCalled(), "tel:5551234\n");
+  EXPECT_EQ(m_phone.AwaitCalled(), "tel:5551234\n");
   EXPECT_THAT(Text("dialText"), HasSubstr("The telephone program of the desktop has the number."));
   EXPECT_FALSE(Button("hangUp").isVisible()) << "That program ends its calls itself.";
   const auto* const calls = m_page->findChild<QListWidget*>();
