@@ -30,6 +30,8 @@ void Report(char what, int value) {
     ::setpgid(0, 0);
     ::tcsetpgrp(STDIN_FILENO, ::getpid());
     static_cast<void>(std::signal(SIGTTOU, SIG_DFL));
+    // Tests that a script began in the background ignore Ctrl+C, and a program inherits that.
+    static_cast<void>(std::signal(SIGINT, SIG_DFL));
     ::close(kOrders);
     ::close(kReports);
     ::execv(arguments[0], arguments.data());
