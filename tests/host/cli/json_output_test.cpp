@@ -76,8 +76,6 @@ class JsonOutput : public TagsFixture {
         {"connection", "show"},
         {"connection", "set", "port=COM1:"},
         {"status"},
-        {"open"},
-        {"panel"},
         {"--microphone", sample, "tags", "learn", "--contact", "Nobody"},
         {"tags", "list"},
         {"tags", "test"},
@@ -93,6 +91,9 @@ class JsonOutput : public TagsFixture {
         {"--yes", "tags", "delete-all"},
     };
   }
+
+  /// Those that open a window if they can.
+  [[nodiscard]] static std::vector<Command> WindowCommands() { return {{"open"}, {"panel"}}; }
 
   /// Those that take seconds, since they wait as the applet does.
   [[nodiscard]] std::vector<Command> SlowCommands() const {
@@ -143,6 +144,15 @@ TEST_F(JsonOutput, OfEachCommandIsOneValueAlsoWithADamagedStore) {
   std::ofstream(store, std::ios::binary) << std::string(5000, 'x');
   ExpectOneValueOfEach(Path("root"), SlowCommands());
   ExpectOneValueOfEach(Path("root"), Commands());
+}
+
+TEST_F(JsonOutput, OfACommandThatHasNoScreenForItsWindowIsOneValue) {
+  PutThreeTags();
+  ExpectOneValueOfEach(Path("root"), WindowCommands());
+  fs::remove(Path("all.vcf"));
+  ExpectOneValueOfEach(Path("root"), WindowCommands());
+  std::ofstream(NameOfStore(Path("root")), std::ios::binary) << std::string(5000, 'x');
+  ExpectOneValueOfEach(Path("root"), WindowCommands());
 }
 
 TEST_F(JsonOutput, OfEachCommandIsOneValueAlsoIfTheRootIsNoUtf8) {
