@@ -88,10 +88,15 @@ ProgramRun RunProgram(const std::vector<std::string>& arguments,
   std::wstring block = EnvironmentWith(environment);
   PROCESS_INFORMATION made{};
   ProgramRun run;
-  const BOOL isStarted =
-      ::CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, CREATE_UNICODE_ENVIRONMENT,
-                       block.data(), nullptr, &start, &made);
-  const DWORD error = ::GetLastError();
+  // Wine at times fails to start one of many programs, and calls that an internal error.
+  constexpr int kTries = 10;
+  BOOL isStarted = FALSE;
+  DWORD error = ERROR_INTERNAL_ERROR;
+  for (int i = 0; i < kTries && isStarted == FALSE && error == ERROR_INTERNAL_ERROR; ++i) {
+    isStarted = ::CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE,
+                                 CREATE_UNICODE_ENVIRONMENT, block.data(), nullptr, &start, &made);
+    error = ::GetLastError();
+  }
   for (const HANDLE stream : {start.hStdInput, start.hStdOutput, start.hStdError}) {
     ::CloseHandle(stream);
   }
