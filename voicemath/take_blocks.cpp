@@ -148,7 +148,7 @@ TakeBlocks::TakeBlocks(std::span<const std::int16_t> samples, std::uint32_t rate
 
 // The largest autocorrelation at a lag that can be a pitch period. It is a share of the energy of
 // the whole window: what dies away, as a knock does, has little left to repeat. A parabola through
-// the largest value and those next to it tells periods apart that differ by less than a sample.
+// the largest value and those next to it separates periods that differ by less than a sample.
 Voicing TakeBlocks::VoicingAt(std::size_t block) const {
   const float rate =
       static_cast<float>(m_length * kBlocksPerSecond) / static_cast<float>(m_pitchStep);

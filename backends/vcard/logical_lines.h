@@ -47,8 +47,8 @@ class LogicalLines {
 
   class LineEnds;
 
-  /// Passes over what folds the line in progress. Returns where that ends, or where the last line
-  /// of the stream begins that `bytes` show.
+  /// Passes over what folds the line in progress. Returns the offset in `bytes` at which that ends,
+  /// or at which the last line of the stream that they show begins.
   [[nodiscard]] std::size_t PassOver(std::string_view bytes, std::size_t at, LineEnds& ends);
   void BeginPhysicalLine(bool isFolded);
   void Append(std::string_view bytes);

@@ -189,7 +189,7 @@ Reply TerminalFace::ToReply(Key key) const {
       const bool isYes = key.letter == 'y' || key.letter == 'Y';
       return {.kind = isYes ? Reply::Kind::kYes : Reply::Kind::kNo};
     }
-    // Where nothing is asked, a key stops what goes on: listening, the wait before a call, or the
+    // If nothing is asked, a key stops what goes on: listening, the wait before a call, or the
     // call that is being made.
     default:
       return {.kind = key.kind == Key::Kind::kEscape ? Reply::Kind::kStop : Reply::Kind::kNo};
